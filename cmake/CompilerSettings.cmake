@@ -1,0 +1,37 @@
+# What every target is compiled with. A fused multiply-add rounds once where a product and a sum round twice, so
+# contraction stays off everywhere: results must not depend on the processor.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+function(rasterkit_settings target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -ffp-contract=off)
+  if(RASTERKIT_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  # i386 hosts: the same double arithmetic as everywhere else, not the 80-bit unit's.
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "i[3-6]86" OR (CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64" AND CMAKE_SIZEOF_VOID_P EQUAL 4))
+    target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse)
+  endif()
+  if(RASTERKIT_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=${RASTERKIT_SANITIZE} -fno-omit-frame-pointer
+                                             -fno-sanitize-recover=all)
+    target_link_options(${target} PUBLIC -fsanitize=${RASTERKIT_SANITIZE})
+  endif()
+  if(RASTERKIT_FUZZERS)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+  if(RASTERKIT_SCALAR_ONLY)
+    target_compile_definitions(${target} PRIVATE HWY_COMPILE_ONLY_SCALAR)
+  endif()
+  target_include_directories(${target} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+    $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+endfunction()

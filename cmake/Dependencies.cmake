@@ -1,0 +1,8 @@
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(JPEG REQUIRED)
+find_package(PNG REQUIRED)
+find_package(fmt REQUIRED)
+pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
+pkg_check_modules(LCMS2 REQUIRED IMPORTED_TARGET lcms2)
+set(RASTERKIT_DEPENDENCIES Threads::Threads JPEG::JPEG PNG::PNG fmt::fmt PkgConfig::HWY PkgConfig::LCMS2)

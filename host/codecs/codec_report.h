@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace rasterkit {
+
+/// What a decoder noticed without giving up: "JPEG: premature end of data, 120 of 480 rows are there".
+struct CodecReport {
+  std::vector<std::string> warnings;
+};
+
+}  // namespace rasterkit

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include <rasterkit/host/runtime/export.h>
+
+namespace rasterkit {
+
+/// Kinds of picture files, told apart by their first bytes alone.
+enum class PictureType { unknown, bmp, jpeg, png, tiff, wmf, emf, pdf, gif, webp };
+
+/// Looks at the first bytes (64 are enough; fewer are looked at as far as they go).
+RASTERKIT_EXPORT PictureType SniffPictureType(std::span<const uint8_t> bytes);
+
+/// "bmp", "jpeg", "png", "tiff", "wmf", "emf", "pdf", "gif", "webp"; "unknown".
+RASTERKIT_EXPORT const char* PictureTypeName(PictureType type);
+
+}  // namespace rasterkit

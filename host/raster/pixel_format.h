@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace rasterkit {
+
+/// Colour 0x00BBGGRR, red in the low byte; a negative value names a system colour of the host.
+using TColor = int32_t;
+
+inline constexpr TColor clBlack = 0x000000;
+inline constexpr TColor clWhite = 0xFFFFFF;
+
+/// Packs a colour: r | g << 8 | b << 16.
+constexpr TColor RGB(uint8_t r, uint8_t g, uint8_t b) {
+  return static_cast<TColor>(r | (g << 8) | (b << 16));
+}
+
+/// How the pixels of a row are stored. The order is established and must not change.
+///
+///     pf1bit    8 pixels a byte, the first in bit 7; index into the palette
+///     pf4bit    2 pixels a byte, the first in the high nibble; index into the palette
+///     pf8bit    index into the palette
+///     pf15bit   little-endian word  0rrrrrgg gggbbbbb
+///     pf16bit   little-endian word  rrrrrggg gggbbbbb
+///     pf24bit   bytes B G R
+///     pf32bit   bytes B G R A, alpha straight (not premultiplied)
+///     pfDevice  no format of its own; stored and written as 32-bit
+///     pfCustom  a layout without a name here; the stored bits say what it is
+enum TPixelFormat { pfDevice, pf1bit, pf4bit, pf8bit, pf15bit, pf16bit, pf24bit, pf32bit, pfCustom };
+
+/// Bits a pixel takes in memory: 1, 4, 8, 16, 16, 24, 32; pfDevice and pfCustom 32.
+constexpr int StoredBitsPerPixel(TPixelFormat format) {
+  switch (format) {
+    case pf1bit: return 1;
+    case pf4bit: return 4;
+    case pf8bit: return 8;
+    case pf15bit:
+    case pf16bit: return 16;
+    case pf24bit: return 24;
+    default: return 32;
+  }
+}
+
+constexpr bool IsIndexed(TPixelFormat format) {
+  return format == pf1bit || format == pf4bit || format == pf8bit;
+}
+
+/// Bytes from one row to the next: rows are padded to 4 bytes. `width` in pixels, not negative.
+constexpr size_t StrideBytes(int64_t width, int bitsPerPixel) {
+  return static_cast<size_t>((width * bitsPerPixel + 31) / 32 * 4);
+}
+
+/// One pixel of a 24-bit row.
+struct RGBrec {
+  uint8_t b, g, r;
+};
+
+/// One pixel of a 32-bit row.
+struct RGBArec {
+  uint8_t b, g, r, a;
+};
+
+}  // namespace rasterkit

@@ -1,0 +1,19 @@
+#include <rasterkit/host/runtime/errors.h>
+
+#include <utility>
+
+namespace rasterkit {
+
+Error::Error(std::string reason, std::string file)
+    : std::runtime_error(reason), reason_(std::move(reason)) {
+  message_ = reason_;
+  AttachFile(file);
+}
+
+void Error::AttachFile(const std::string& file) {
+  if (!file_.empty() || file.empty()) return;
+  file_ = file;
+  message_ = file_ + ": " + reason_;
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <rasterkit/host/runtime/export.h>
+
+/// What the lower floors need from whoever is on top of them. Each port is a function that the host may fill; an empty
+/// port answers as a cancelled dialog and shows nothing. Fill ports before the first call that uses them; a port is
+/// called on the thread that needs it.
+namespace rasterkit {
+
+/// A picture file dialog's state: in before it runs, out after it was confirmed.
+struct PictureFileDialog {
+  enum class Kind { open, save } kind = Kind::open;
+  /// Pairs of a description and a pattern, separated by "|".
+  std::string Filter;
+  /// 1-based; the index that is chosen when the dialog closes.
+  int FilterIndex = 1;
+  std::string InitialDir;
+  std::string FileName;
+  bool ofOverwritePrompt = false;
+  /// The dialog must not change the process's current folder.
+  bool ofNoChangeDir = false;
+};
+
+struct Ports {
+  /// Shows a modal message.
+  std::function<void(const std::string& text)> messageBox;
+  /// Runs a picture open or save dialog; true when the user confirmed.
+  std::function<bool(PictureFileDialog& dialog)> pictureFileDialog;
+  /// Lets the user pick and render a page of a PDF file into `pictureFile`, which may be changed; above 0 on success.
+  std::function<int(const std::string& pdfFile, std::string& pictureFile)> pdfPageChooser;
+  /// Turns the host's own event loop once, without waiting.
+  std::function<void()> messagePump;
+  /// The colour 0x00BBGGRR behind a system colour's index.
+  std::function<uint32_t(uint32_t index)> systemColor;
+  /// The minute of the local day, 0 to 1439; the system's clock when empty.
+  std::function<int()> minuteOfDay;
+};
+
+/// The ports of this process.
+RASTERKIT_EXPORT Ports& HostPorts();
+
+/// Calls the port, or does what an empty one means.
+RASTERKIT_EXPORT void ShowMessage(const std::string& text);
+RASTERKIT_EXPORT bool ExecutePictureFileDialog(PictureFileDialog& dialog);
+/// Black when the port is empty.
+RASTERKIT_EXPORT uint32_t GetSysColor(uint32_t index);
+/// Minute of the local day, 0 to 1439.
+RASTERKIT_EXPORT int MinuteOfDay();
+
+}  // namespace rasterkit
