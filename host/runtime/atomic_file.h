@@ -7,10 +7,11 @@
 
 namespace rasterkit {
 
-/// A file that comes into being whole or not at all: bytes go to a file beside the target, which `Commit` renames over
-/// it. Without `Commit` (an exception on the way, an early return) the target stays as it was and nothing is left
-/// behind. Mode bits of an existing target are kept, a symbolic link keeps pointing (its target is replaced), and a
-/// target that is no regular file (a pipe, a device) is written straight.
+/// A file that comes into being whole or not at all: bytes go to a file beside the target, which
+/// `Commit` renames over it. Without `Commit` (an exception on the way, an early return) the target
+/// stays as it was and nothing is left behind. Mode bits of an existing target are kept, a symbolic
+/// link keeps pointing (its target is replaced), and a target that is no regular file (a pipe, a
+/// device) is written straight.
 class RASTERKIT_EXPORT AtomicFile : public TStream {
  public:
   /// Throws FileError when the folder does not exist or cannot be written.

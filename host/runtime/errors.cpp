@@ -1,6 +1,6 @@
-#include <rasterkit/host/runtime/errors.h>
-
 #include <utility>
+
+#include <rasterkit/host/runtime/errors.h>
 
 namespace rasterkit {
 

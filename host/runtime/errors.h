@@ -9,11 +9,13 @@ namespace rasterkit {
 
 /// Base of everything Rasterkit throws: what failed, on which file, and why.
 ///
-/// Inner functions know the fault but not always the file: they throw with an empty file name, and whoever opened the
-/// file adds it with `AttachFile` and rethrows. The first name wins, as the deepest place knows best.
+/// Inner functions know the fault but not always the file: they throw with an empty file name, and
+/// whoever opened the file adds it with `AttachFile` and rethrows. The first name wins, as the
+/// deepest place knows best.
 class RASTERKIT_EXPORT Error : public std::runtime_error {
  public:
-  /// `reason` is a full sentence part without a final stop, for instance "PNG: the header chunk is missing".
+  /// `reason` is a full sentence part without a final stop, for instance "PNG: the header chunk is
+  /// missing".
   explicit Error(std::string reason, std::string file = "");
 
   /// The message: "FILE: REASON", or the reason alone while no file is known. UTF-8.
@@ -42,7 +44,8 @@ class RASTERKIT_EXPORT FormatError : public Error {
   using Error::Error;
 };
 
-/// A valid request for something this version does not offer (a codec that is not built, a format pair without a rule).
+/// A valid request for something this version does not offer (a codec that is not built, a format
+/// pair without a rule).
 class RASTERKIT_EXPORT UnsupportedError : public Error {
  public:
   using Error::Error;

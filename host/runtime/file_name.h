@@ -6,10 +6,12 @@
 
 #include <rasterkit/host/runtime/export.h>
 
-/// Parts of file names. Both "/" and "\" separate folders here, so that names from either kind of system split alike.
+/// Parts of file names. Both "/" and "\" separate folders here, so that names from either kind of
+/// system split alike.
 namespace rasterkit {
 
-/// From the last "." of the file-name part, dot included: "a.tar.gz" gives ".gz", "dir.d/name" gives "".
+/// From the last "." of the file-name part, dot included: "a.tar.gz" gives ".gz", "dir.d/name"
+/// gives "".
 RASTERKIT_EXPORT std::string ExtractFileExt(std::string_view fileName);
 
 /// The part after the last separator.

@@ -7,10 +7,11 @@
 
 namespace rasterkit {
 
-/// One block of memory for rows of pixels, aligned to at least 64 bytes, its content undefined after creation.
+/// One block of memory for rows of pixels, aligned to at least 64 bytes, its content undefined
+/// after creation.
 ///
-/// Large blocks lie on huge pages where the system offers them, and freed ones are kept for the next picture (within a
-/// bound), because fresh pages cost more than most kernels. Move-only.
+/// Large blocks lie on huge pages where the system offers them, and freed ones are kept for the
+/// next picture (within a bound), because fresh pages cost more than most kernels. Move-only.
 class RASTERKIT_EXPORT PixelMemory {
  public:
   PixelMemory() = default;
@@ -30,6 +31,7 @@ class RASTERKIT_EXPORT PixelMemory {
  private:
   uint8_t* data_ = nullptr;
   size_t size_ = 0;
+  /// Of a block from the pool; 0 for a plain one.
   size_t capacity_ = 0;
 };
 

@@ -7,9 +7,9 @@
 
 #include <rasterkit/host/runtime/export.h>
 
-/// What the lower floors need from whoever is on top of them. Each port is a function that the host may fill; an empty
-/// port answers as a cancelled dialog and shows nothing. Fill ports before the first call that uses them; a port is
-/// called on the thread that needs it.
+/// What the lower floors need from whoever is on top of them. Each port is a function that the host
+/// may fill; an empty port answers as a cancelled dialog and shows nothing. Fill ports before the
+/// first call that uses them; a port is called on the thread that needs it.
 namespace rasterkit {
 
 /// A picture file dialog's state: in before it runs, out after it was confirmed.
@@ -31,7 +31,8 @@ struct Ports {
   std::function<void(const std::string& text)> messageBox;
   /// Runs a picture open or save dialog; true when the user confirmed.
   std::function<bool(PictureFileDialog& dialog)> pictureFileDialog;
-  /// Lets the user pick and render a page of a PDF file into `pictureFile`, which may be changed; above 0 on success.
+  /// Lets the user pick and render a page of a PDF file into `pictureFile`, which may be changed;
+  /// above 0 on success.
   std::function<int(const std::string& pdfFile, std::string& pictureFile)> pdfPageChooser;
   /// Turns the host's own event loop once, without waiting.
   std::function<void()> messagePump;

@@ -7,9 +7,13 @@ namespace rasterkit {
 
 /// Rounds to the nearest integer, halves to the even neighbour: Round(2.5) = 2, Round(3.5) = 4.
 /// `value` must fit into 64 bits; relies on the default rounding mode of the processor.
-inline int64_t Round(double value) { return std::llrint(value); }
+inline int64_t Round(double value) {
+  return std::llrint(value);
+}
 
 /// Cuts toward zero: Trunc(-1.9) = -1.
-inline int64_t Trunc(double value) { return static_cast<int64_t>(value); }
+inline int64_t Trunc(double value) {
+  return static_cast<int64_t>(value);
+}
 
 }  // namespace rasterkit

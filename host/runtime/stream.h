@@ -18,11 +18,13 @@ class RASTERKIT_EXPORT TStream {
   TStream(const TStream&) = delete;
   TStream& operator=(const TStream&) = delete;
 
-  /// Reads up to `target.size()` bytes from the position, moves it, and returns how many were there (0 at the end).
+  /// Reads up to `target.size()` bytes from the position, moves it, and returns how many were there
+  /// (0 at the end).
   virtual size_t Read(std::span<uint8_t> target) = 0;
   /// Fills the pieces one after another as one read; returns the bytes read altogether.
   virtual size_t ReadScattered(std::span<const std::span<uint8_t>> pieces);
-  /// Writes all of `source` at the position and moves it; throws when not everything could be written.
+  /// Writes all of `source` at the position and moves it; throws when not everything could be
+  /// written.
   virtual void Write(std::span<const uint8_t> source) = 0;
 
   virtual uint64_t Position() const = 0;
@@ -31,7 +33,8 @@ class RASTERKIT_EXPORT TStream {
 
   /// As Read, but throws FormatError("unexpected end of data") when fewer bytes are there.
   void ReadExactly(std::span<uint8_t> target);
-  /// All bytes from the position to the end. Throws LimitError when they exceed the picture memory budget.
+  /// All bytes from the position to the end. Throws LimitError when they exceed the picture memory
+  /// budget.
   std::vector<uint8_t> ReadToEnd();
 
  protected:
@@ -85,8 +88,8 @@ class RASTERKIT_EXPORT TSpanStream : public TStream {
   uint64_t position_ = 0;
 };
 
-/// A file opened for reading; others may read it too, writers are kept out where the system knows such locks.
-/// A folder, a missing or an unreadable file throws FileError at once.
+/// A file opened for reading; others may read it too, writers are kept out where the system knows
+/// such locks. A folder, a missing or an unreadable file throws FileError at once.
 class RASTERKIT_EXPORT TFileStream : public TStream {
  public:
   explicit TFileStream(const std::string& fileName);
@@ -96,16 +99,15 @@ class RASTERKIT_EXPORT TFileStream : public TStream {
   size_t ReadScattered(std::span<const std::span<uint8_t>> pieces) override;
   /// Always throws: files are written through AtomicFile.
   void Write(std::span<const uint8_t> source) override;
-  uint64_t Position() const override { return position_; }
-  void SetPosition(uint64_t position) override { position_ = position; }
-  /// Size at opening, in bytes; 0 for pipes and devices, which are read to their end.
-  uint64_t Size() const override { return size_; }
+  uint64_t Position() const override;
+  void SetPosition(uint64_t position) override;
+  /// Size at opening, in bytes; 0 for pipes and devices, which are read from their beginning to
+  /// their end.
+  uint64_t Size() const override;
 
  private:
-  std::string name_;
-  int handle_ = -1;
-  uint64_t size_ = 0;
-  uint64_t position_ = 0;
+  struct State;
+  std::unique_ptr<State> state_;
 };
 
 }  // namespace rasterkit

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <utility>
+
+#include <sys/stat.h>
+#include <sys/uio.h>
+
+/// The system's file calls, with errors thrown as FileError. Internal to the room.
+namespace rasterkit::detail {
+
+/// Throws FileError "ACTION: the system's text of `error`" for `file`.
+[[noreturn]] void ThrowSystemError(const std::string& action, int error, const std::string& file);
+
+/// An open file of the system; closes itself.
+class SystemFile {
+ public:
+  SystemFile() = default;
+  explicit SystemFile(int handle) : handle_(handle) {}
+  ~SystemFile() { Close(); }
+  SystemFile(SystemFile&& other) noexcept : handle_(std::exchange(other.handle_, -1)) {}
+  SystemFile& operator=(SystemFile&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+
+  int Handle() const { return handle_; }
+  bool IsOpen() const { return handle_ >= 0; }
+  /// The system's error number, 0 when all went well.
+  int Close();
+
+ private:
+  int handle_ = -1;
+};
+
+/// `open` that repeats when a signal interrupts it; the answer may be closed, `errno` then says
+/// why. A name with a zero byte inside is refused, for the system would see only its beginning.
+SystemFile OpenAt(int folder, const std::string& name, int flags, mode_t mode = 0);
+
+/// Fills `pieces` (changed on the way) from `position`, or from where the file stands when
+/// `position` is negative; stops at the end of the file. Returns the bytes read.
+size_t ReadPieces(const SystemFile& file, std::span<iovec> pieces, int64_t position,
+                  const std::string& name);
+
+/// Writes all of `bytes` at `position`, or where the file stands when `position` is negative.
+void WriteAll(const SystemFile& file, std::span<const uint8_t> bytes, int64_t position,
+              const std::string& name);
+
+}  // namespace rasterkit::detail
