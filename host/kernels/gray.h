@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+
+#include <rasterkit/host/kernels/gray_exceptions.h>
+
+/// Grey values: red * 0.297 + green * 0.589 + blue * 0.114, cut toward zero, exactly as a sum in
+/// the 80-bit extended format would give them, on every processor. Rows in, rows out; no kernel
+/// knows a bitmap.
+namespace rasterkit::kernels {
+
+/// The grey value of one colour, 0 to 255.
+///
+/// The weights add up to 1000 thousandths, so whole numbers settle every colour but those whose sum
+/// is a multiple of 1000: there the extended sum may lie just below it, and the table tells.
+inline uint8_t GrayOf(uint8_t r, uint8_t g, uint8_t b) {
+  const unsigned thousandths = 297u * r + 589u * g + 114u * b;
+  const unsigned gray = thousandths / 1000;
+  const bool whole = gray * 1000 == thousandths;
+  return static_cast<uint8_t>(whole && GrayIsOneLess(r, g) ? gray - 1 : gray);
+}
+
+}  // namespace rasterkit::kernels
