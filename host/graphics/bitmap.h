@@ -12,18 +12,23 @@
 
 namespace rasterkit {
 
-/// The raster that everything works on: rows of pixels, their format, a palette for the indexed formats, transparency.
+/// The raster that everything works on: rows of pixels, their format, a palette for the indexed
+/// formats, transparency.
 ///
-/// A new bitmap is 0 x 0 and pfDevice (stored as 32-bit). New area is white: the canvas brush, alpha 255, 1-bit ones.
-/// Rows run from top to bottom, are padded to 4 bytes, and their padding is zero. Any number of threads may read one
-/// bitmap, and write different rows of it through pointers from `ScanLine`; everything else needs one thread at a time.
+/// A new bitmap is 0 x 0 and pfDevice (stored as 32-bit). New area is white: the canvas brush,
+/// alpha 255, 1-bit ones. Rows run from top to bottom, are padded to 4 bytes, and their padding is
+/// zero. What fails leaves the bitmap as it was. A bitmap moved from is empty. The canvas's pen and
+/// brush move along, and stay when content is assigned. Any number of threads may read one bitmap,
+/// and write different rows of it through pointers from `ScanLine`; everything else needs one
+/// thread at a time.
 class RASTERKIT_EXPORT TBitmap : public TGraphic {
  public:
   TBitmap();
   ~TBitmap() override;
   TBitmap(TBitmap&&) noexcept;
   TBitmap& operator=(TBitmap&&) noexcept;
-  /// A bitmap with the raster's rows, palette, resolution, profile, alpha mark and transparent colour.
+  /// A bitmap with the raster's rows, palette, resolution, profile, alpha mark and transparent
+  /// colour.
   explicit TBitmap(Raster raster);
 
   /// A whole copy, spelled out because it is expensive.
@@ -33,16 +38,17 @@ class RASTERKIT_EXPORT TBitmap : public TGraphic {
   int Height() const override;
   void SetWidth(int width) { SetSize(width, Height()); }
   void SetHeight(int height) { SetSize(Width(), height); }
-  /// Keeps the common part at the top left; new area is filled with the canvas brush. Throws RangeError for a negative
-  /// size and LimitError beyond the memory budget, and is then unchanged.
+  /// Keeps the common part at the top left; new area is filled with the canvas brush. Throws
+  /// RangeError for a negative size and LimitError beyond the memory budget.
   void SetSize(int width, int height);
 
   TPixelFormat PixelFormat() const;
-  /// Converts (see ConvertRaster for the rules). pfDevice stores 32-bit; pfCustom keeps the rows as they are.
+  /// Converts (see ConvertRaster for the rules). pfDevice stores 32-bit; pfCustom keeps the rows as
+  /// they are.
   void SetPixelFormat(TPixelFormat format);
-  /// Gives the bitmap format and size with undefined pixels and the format's default palette (an indexed bitmap of the
-  /// same format keeps its own): the cheap way when every pixel will be written anyway. Transparency, resolution and
-  /// profile stay.
+  /// Gives the bitmap format and size with undefined pixels and the format's default palette (an
+  /// indexed bitmap of the same format keeps its own): the cheap way when every pixel will be
+  /// written anyway. Transparency, resolution and profile stay.
   void ResetPixels(TPixelFormat format, int width, int height);
   /// Bits a pixel takes in memory: 1, 4, 8, 16, 24 or 32.
   int StoredBits() const;
@@ -54,7 +60,8 @@ class RASTERKIT_EXPORT TBitmap : public TGraphic {
   size_t Stride() const;
 
   HPALETTE Palette() const;
-  /// Replaces the palette; indexes stay. Ignored palettes of true-colour bitmaps are dropped (the empty handle).
+  /// Replaces the palette; indexes stay. Ignored palettes of true-colour bitmaps are dropped (the
+  /// empty handle).
   void SetPalette(HPALETTE palette);
 
   TAlphaFormat AlphaFormat() const;
@@ -68,12 +75,11 @@ class RASTERKIT_EXPORT TBitmap : public TGraphic {
   /// Colour of a pixel through the palette where there is one; clBlack outside the bitmap.
   TColor PixelColor(int x, int y) const;
 
-  TColor TransparentColor() const override;
-
   /// The drawing surface; made on first use and owned by the bitmap.
   TCanvas& Canvas();
 
-  /// The rows and what belongs to them, for codecs and kernels.
+  /// The rows and what belongs to them, for codecs and kernels. Its `transparentColor` is empty:
+  /// the bitmap itself keeps what a file marked as transparent.
   const Raster& Content() const;
 
   void LoadFromStream(TStream& stream) override;
@@ -81,13 +87,23 @@ class RASTERKIT_EXPORT TBitmap : public TGraphic {
   /// Writes a Windows bitmap file, with the ICC profile, atomically.
   void SaveToFile(const std::string& fileName) override;
 
+  /// Draws the rows. With a defined alpha channel they are blended, else pixels of the transparent
+  /// colour are left out when the bitmap is `Transparent`.
+  void DrawTo(TCanvas& canvas, int left, int top, int width, int height) const override;
   void AssignToBitmap(TBitmap& target) const override;
 
  protected:
   void AssignFrom(const TGraphic& source) override;
   void Clear() override;
+  TColor AutomaticTransparentColor() const override;
 
  private:
+  friend class TCanvas;
+  friend class TPngImage;
+
+  void FillNewArea(Raster& raster, int oldWidth, int oldHeight) const;
+  void TakeCanvas(TBitmap& other) noexcept;
+
   Raster raster_;
   TPixelFormat format_ = pfDevice;
   std::unique_ptr<TCanvas> canvas_;

@@ -14,10 +14,14 @@ class TCanvas;
 /// Whether the transparent colour follows the bottom-left pixel or was set.
 enum TTransparentMode { tmAuto, tmFixed };
 
-/// The common base of all picture kinds. It can be drawn, loaded, saved and assigned to another kind.
+/// The common base of all picture kinds. It can be drawn, loaded, saved and assigned to another
+/// kind.
 ///
-/// Loading and saving by file name adds the name to every error that passes; saving is atomic. A failed load leaves the
-/// graphic as it was.
+/// Loading and saving by file name adds the name to every error that passes; saving is atomic. A
+/// failed load leaves the graphic as it was.
+///
+/// `Modified` becomes true with every change through the class's own routines (pixels written
+/// through row pointers cannot be seen) and false with loading and with saving to a file.
 class RASTERKIT_EXPORT TGraphic {
  public:
   virtual ~TGraphic() = default;
@@ -29,8 +33,9 @@ class RASTERKIT_EXPORT TGraphic {
   virtual int Height() const = 0;
   bool Empty() const { return Width() == 0 || Height() == 0; }
 
-  /// Takes over what `source` shows, with its transparency, mode and colour; an absent source empties the graphic.
-  /// Throws UnsupportedError for a pair without a rule (a bitmap into a metafile).
+  /// Takes over what `source` shows, with its transparency, mode and colour; an absent source
+  /// empties the graphic. Throws UnsupportedError for a pair without a rule (a bitmap into a
+  /// metafile).
   void Assign(const TGraphic* source);
 
   virtual void LoadFromFile(const std::string& fileName);
@@ -40,23 +45,28 @@ class RASTERKIT_EXPORT TGraphic {
   /// Writes at the stream's position, which is left at the end of what was written.
   virtual void SaveToStream(TStream& stream) = 0;
 
-  /// Draws the graphic into the rectangle (left, top, width, height) of the canvas, honouring transparency.
+  /// Draws the graphic into the rectangle (left, top, width, height) of the canvas, honouring
+  /// transparency.
   virtual void DrawTo(TCanvas& canvas, int left, int top, int width, int height) const;
 
   virtual bool Transparent() const { return transparent_; }
   virtual void SetTransparent(bool value) { transparent_ = value; }
   TTransparentMode TransparentMode() const { return transparentMode_; }
   void SetTransparentMode(TTransparentMode mode) { transparentMode_ = mode; }
-  /// The colour taken as transparent: in automatic mode the bottom-left pixel's, else the one that was set.
+  /// The colour taken as transparent: in automatic mode the bottom-left pixel's, else the one that
+  /// was set.
   virtual TColor TransparentColor() const;
   /// Sets the colour and makes the mode fixed.
   virtual void SetTransparentColor(TColor color);
 
-  /// Set by every change, cleared by loading and saving by whoever keeps track.
+  /// Transparent, TransparentMode and TransparentColor as `source` has them.
+  void AssignTransparency(const TGraphic& source);
+
   bool Modified() const { return modified_; }
   void SetModified(bool value) { modified_ = value; }
 
-  /// The graphic as a new bitmap's content: what `TBitmap::Assign` of this graphic does.
+  /// Makes `target` show this graphic, transparency included: what `TBitmap::Assign` of this
+  /// graphic does. The target stays as it was when that fails.
   virtual void AssignToBitmap(TBitmap& target) const = 0;
 
  protected:
@@ -64,11 +74,13 @@ class RASTERKIT_EXPORT TGraphic {
   TGraphic(TGraphic&&) noexcept = default;
   TGraphic& operator=(TGraphic&&) noexcept = default;
 
-  /// The part of `Assign` that knows the concrete class; `source` is never null and never this graphic.
+  /// The part of `Assign` that knows the concrete class; `source` is never null and never this
+  /// graphic.
   virtual void AssignFrom(const TGraphic& source) = 0;
   /// Drops all content.
   virtual void Clear() = 0;
-  void AssignTransparency(const TGraphic& source);
+  /// The colour of the bottom-left pixel.
+  virtual TColor AutomaticTransparentColor() const { return transparentColor_; }
 
   bool transparent_ = false;
   TTransparentMode transparentMode_ = tmAuto;

@@ -8,8 +8,8 @@
 
 namespace rasterkit {
 
-/// A JPEG picture. Loading decodes at once, so that a broken file fails there; the compressed bytes are kept and saved
-/// unchanged as long as the picture was not changed.
+/// A JPEG picture. Loading decodes at once, so that a broken file fails there; the compressed bytes
+/// are kept and saved unchanged as long as the picture was not changed.
 class RASTERKIT_EXPORT TJPEGImage : public TGraphic {
  public:
   TJPEGImage();
@@ -18,7 +18,8 @@ class RASTERKIT_EXPORT TJPEGImage : public TGraphic {
   int Width() const override;
   int Height() const override;
 
-  /// 1 to 100, 90 at first; any byte is accepted and clamped when encoding. A change takes effect at the next encoding.
+  /// 1 to 100, 90 at first; any byte is accepted and clamped when encoding. A change takes effect
+  /// at the next encoding.
   int CompressionQuality() const { return quality_; }
   void SetCompressionQuality(uint8_t quality) { quality_ = quality; }
   /// Encodes the picture now with the quality set, dropping the kept bytes.

@@ -4,8 +4,8 @@
 
 namespace rasterkit {
 
-/// A Windows metafile. This version keeps the class and its mark for the type tables; reading and writing records
-/// throws UnsupportedError, which says that metafiles are not built yet.
+/// A Windows metafile. This version keeps the class and its mark for the type tables; reading and
+/// writing records throws UnsupportedError, which says that metafiles are not built yet.
 class RASTERKIT_EXPORT TMetafile : public TGraphic {
  public:
   bool Enhanced() const { return enhanced_; }
@@ -18,7 +18,8 @@ class RASTERKIT_EXPORT TMetafile : public TGraphic {
   void AssignToBitmap(TBitmap& target) const override;
 
  protected:
-  /// Another metafile shares its records and leaves this one's mark as it is; anything else throws UnsupportedError.
+  /// Another metafile shares its records and leaves this one's mark as it is; anything else throws
+  /// UnsupportedError.
   void AssignFrom(const TGraphic& source) override;
   void Clear() override {}
 

@@ -25,12 +25,14 @@ struct TGraphicClass {
 /// The host's picture registry: which class loads which extension. Safe on any thread.
 class RASTERKIT_EXPORT TPicture {
  public:
-  /// Registers a class; later registrations are found first. `extension` without dot, compared exactly but for case.
+  /// Registers a class; later registrations are found first. `extension` without dot, compared
+  /// exactly but for case.
   static void RegisterFileFormat(const std::string& extension, const std::string& description,
                                  const TGraphicClass& graphicClass);
   /// Removes every registration of the class.
   static void UnregisterGraphicClass(const TGraphicClass& graphicClass);
-  /// An empty graphic for the extension (with or without dot), or null when nothing is registered for it.
+  /// An empty graphic for the extension (with or without dot), or null when nothing is registered
+  /// for it.
   static std::unique_ptr<TGraphic> CreateForExtension(const std::string& extension);
 
   struct Format {
@@ -41,7 +43,8 @@ class RASTERKIT_EXPORT TPicture {
   /// All registrations, the host's own first (BMP, WMF, EMF, PNG, ICO).
   static std::vector<Format> Formats();
 
-  /// Loads through the class registered for the file's extension; UnsupportedError when there is none.
+  /// Loads through the class registered for the file's extension; UnsupportedError when there is
+  /// none.
   void LoadFromFile(const std::string& fileName);
   /// The loaded graphic, owned by the picture; null while there is none.
   TGraphic* Graphic() const { return graphic_.get(); }

@@ -4,8 +4,8 @@
 
 namespace rasterkit {
 
-/// A PNG picture. `Transparent` follows from its content: a tRNS chunk (its colour) or an alpha channel (white);
-/// drawing blends the alpha channel.
+/// A PNG picture. `Transparent` follows from its content: a tRNS chunk (its colour) or an alpha
+/// channel (white); drawing blends the alpha channel.
 class RASTERKIT_EXPORT TPngImage : public TGraphic {
  public:
   TPngImage();

@@ -4,9 +4,10 @@
 
 namespace rasterkit {
 
-/// A copy of `source` in another format, pf1bit to pf32bit, with palette, resolution, profile and alpha mark as they
-/// apply there:
-/// - to 8 and 4 bits: exactly when the picture has no more colours than entries, else with an adaptive palette (no
+/// A copy of `source` in another format, pf1bit to pf32bit, with palette, resolution, profile and
+/// alpha mark as they apply there:
+/// - to 8 and 4 bits: exactly when the picture has no more colours than entries, else with an
+/// adaptive palette (no
 ///   dithering) of all 256 or 16 entries; indexes of an indexed source are kept where they fit;
 /// - to 1 bit: an indexed source of two colours keeps them; else grey above 127 is white (bit 1);
 /// - from indexed: through the palette, an index beyond it is black;

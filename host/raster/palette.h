@@ -6,8 +6,8 @@
 #include <span>
 #include <vector>
 
-#include <rasterkit/host/runtime/export.h>
 #include <rasterkit/host/raster/pixel_format.h>
+#include <rasterkit/host/runtime/export.h>
 
 namespace rasterkit {
 
@@ -20,7 +20,8 @@ struct tagPALETTEENTRY {
 /// 256 palette entries; operations that take one also take the count of valid entries.
 using TColorTable = std::array<tagPALETTEENTRY, 256>;
 
-/// A palette handle: a small value that shares an immutable list of 0 to 256 entries. The empty handle is "no palette".
+/// A palette handle: a small value that shares an immutable list of 0 to 256 entries. The empty
+/// handle is "no palette".
 class RASTERKIT_EXPORT HPALETTE {
  public:
   HPALETTE() = default;
@@ -40,8 +41,9 @@ class RASTERKIT_EXPORT HPALETTE {
   std::shared_ptr<const std::vector<tagPALETTEENTRY>> entries_;
 };
 
-/// What a new indexed bitmap has: 1-bit black, white; 4-bit the 16 standard colours; 8-bit 256 entries (the 20 standard
-/// colours, 10 at either end, between them a colour cube and greys). Empty for other formats.
+/// What a new indexed bitmap has: 1-bit black, white; 4-bit the 16 standard colours; 8-bit 256
+/// entries (the 20 standard colours, 10 at either end, between them a colour cube and greys). Empty
+/// for other formats.
 RASTERKIT_EXPORT HPALETTE DefaultPalette(TPixelFormat format);
 
 /// `count` greys from black to white, 2 to 256.
@@ -49,5 +51,17 @@ RASTERKIT_EXPORT HPALETTE GrayPalette(int count);
 
 /// True when the palette is exactly the ramp (0,0,0), (1,1,1) ... (255,255,255).
 RASTERKIT_EXPORT bool IsGrayRamp(const HPALETTE& palette);
+
+/// The palette as a full table: entries beyond it are black.
+RASTERKIT_EXPORT TColorTable PaletteTable(const HPALETTE& palette);
+
+/// Index of the entry nearest to the colour 0x00BBGGRR: least sum of squared channel differences,
+/// the lowest index among equals; 0 when there are no entries.
+RASTERKIT_EXPORT int NearestEntry(std::span<const tagPALETTEENTRY> entries, TColor color);
+
+/// An entry's colour, 0x00BBGGRR.
+constexpr TColor EntryColor(const tagPALETTEENTRY& entry) {
+  return RGB(entry.peRed, entry.peGreen, entry.peBlue);
+}
 
 }  // namespace rasterkit

@@ -27,18 +27,34 @@ constexpr TColor RGB(uint8_t r, uint8_t g, uint8_t b) {
 ///     pf32bit   bytes B G R A, alpha straight (not premultiplied)
 ///     pfDevice  no format of its own; stored and written as 32-bit
 ///     pfCustom  a layout without a name here; the stored bits say what it is
-enum TPixelFormat { pfDevice, pf1bit, pf4bit, pf8bit, pf15bit, pf16bit, pf24bit, pf32bit, pfCustom };
+enum TPixelFormat {
+  pfDevice,
+  pf1bit,
+  pf4bit,
+  pf8bit,
+  pf15bit,
+  pf16bit,
+  pf24bit,
+  pf32bit,
+  pfCustom
+};
 
 /// Bits a pixel takes in memory: 1, 4, 8, 16, 16, 24, 32; pfDevice and pfCustom 32.
 constexpr int StoredBitsPerPixel(TPixelFormat format) {
   switch (format) {
-    case pf1bit: return 1;
-    case pf4bit: return 4;
-    case pf8bit: return 8;
+    case pf1bit:
+      return 1;
+    case pf4bit:
+      return 4;
+    case pf8bit:
+      return 8;
     case pf15bit:
-    case pf16bit: return 16;
-    case pf24bit: return 24;
-    default: return 32;
+    case pf16bit:
+      return 16;
+    case pf24bit:
+      return 24;
+    default:
+      return 32;
   }
 }
 

@@ -1,0 +1,59 @@
+#include <new>
+
+#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/host/graphics/graphic.h>
+#include <rasterkit/host/graphics/name_errors.h>
+#include <rasterkit/host/runtime/atomic_file.h>
+
+namespace rasterkit {
+
+void TGraphic::Assign(const TGraphic* source) {
+  if (source == this) return;
+  if (source == nullptr) {
+    Clear();
+  } else {
+    AssignFrom(*source);
+    AssignTransparency(*source);
+  }
+  modified_ = true;
+}
+
+void TGraphic::LoadFromFile(const std::string& fileName) {
+  detail::NameErrors(fileName, [&] {
+    TFileStream stream(fileName);
+    LoadFromStream(stream);
+  });
+}
+
+void TGraphic::SaveToFile(const std::string& fileName) {
+  detail::NameErrors(fileName, [&] {
+    AtomicFile file(fileName);
+    SaveToStream(file);
+    file.Commit();
+  });
+  modified_ = false;
+}
+
+void TGraphic::DrawTo(TCanvas& canvas, int left, int top, int width, int height) const {
+  TBitmap shown;
+  shown.Assign(this);
+  shown.DrawTo(canvas, left, top, width, height);
+}
+
+TColor TGraphic::TransparentColor() const {
+  return transparentMode_ == tmAuto ? AutomaticTransparentColor() : transparentColor_;
+}
+
+void TGraphic::SetTransparentColor(TColor color) {
+  transparentColor_ = color;
+  transparentMode_ = tmFixed;
+}
+
+void TGraphic::AssignTransparency(const TGraphic& source) {
+  transparent_ = source.Transparent();
+  transparentMode_ = source.transparentMode_;
+  transparentColor_ = source.transparentColor_;
+}
+
+}  // namespace rasterkit
