@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+
+namespace rasterkit {
+
+class TBitmap;
+
+/// How pixels are packed at each bit depth.
+namespace detail {
+
+/// Splits a byte of two 4-bit pixels. Both outputs carry the high nibble, so that on a 4-bit bitmap
+/// odd pixels read as their even neighbour; every reader and writer of single 4-bit pixels shares
+/// this behaviour.
+inline void SplitNibbles(uint8_t value, uint8_t& high, uint8_t& low) {
+  high = value >> 4;
+  low = value >> 4;
+}
+
+/// Packs two 4-bit pixels. `low` is not masked: its high bits spill into the high nibble.
+inline void JoinNibbles(uint8_t& target, uint8_t high, uint8_t low) {
+  target = static_cast<uint8_t>(low | (high << 4));
+}
+
+/// Expands a 5-6-5 word by times 8, 4, 8; only 0xFFFF gives pure white.
+inline void Word565ToRGB(uint16_t word, uint8_t& red, uint8_t& green, uint8_t& blue) {
+  const bool white = word == 0xFFFF;
+  red = white ? 255 : static_cast<uint8_t>((word >> 11) * 8);
+  green = white ? 255 : static_cast<uint8_t>(((word >> 5) & 0x3F) * 4);
+  blue = white ? 255 : static_cast<uint8_t>((word & 0x1F) * 8);
+}
+
+/// Packs channels (0 to 255) into a 5-6-5 word by dropping their low bits.
+inline uint16_t RGBToWord565(uint16_t red, uint16_t green, uint16_t blue) {
+  if (red == 255 && green == 255 && blue == 255) return 0xFFFF;
+  return static_cast<uint16_t>(((red >> 3) << 11) | ((green >> 2) << 5) | (blue >> 3));
+}
+
+/// Sets or clears pixel `n` (not negative) of a 1-bit row.
+inline void SetMonoBit(int32_t n, uint8_t* row, bool value) {
+  const int mask = 128 >> (n % 8);
+  uint8_t& byte = row[n / 8];
+  byte = static_cast<uint8_t>(value ? byte | mask : byte & ~mask);
+}
+
+/// True when the pixel at `position` (0 the first, 7 the last) of a byte of a 1-bit row equals
+/// `value`; positions outside 0 to 7 always do.
+inline bool TestMonoBit(int32_t position, uint8_t byte, bool value) {
+  const int mask = position < 0 || position > 7 ? 0 : 128 >> position;
+  return (byte & mask) == (value ? mask : 0);
+}
+
+/// Bytes that a pixel takes (0 for pf1bit and pf4bit) and, where a pixel takes less than a byte,
+/// its bits (else 0).
+///
+/// pfDevice and pfCustom have no size of their own: they are measured by their stored bits, and the
+/// bitmap is then switched to pf24bit where that makes three bytes, else to pf32bit. False, with
+/// the bitmap unchanged, when the stored bits are no whole bytes or the format is unknown;
+/// `bytesPerPixel` is 0 then.
+bool GetPixelByteInfo(TBitmap& bitmap, int32_t& bytesPerPixel, int32_t& bitsPerPixel);
+
+/// The rule for measured bits: whole bytes into `bytesPerPixel`. False when there is a byte and a
+/// part of another.
+bool BytesOfBits(int32_t bits, int32_t& bytesPerPixel);
+
+}  // namespace detail
+}  // namespace rasterkit

@@ -1,0 +1,133 @@
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include <rasterkit/host/kernels/packed_pixels.h>
+#include <rasterkit/host/kernels/turn_pixels.h>
+
+namespace rasterkit::kernels {
+namespace {
+
+// Square blocks keep the lines of both pictures in the first-level cache while rows become columns.
+constexpr int kBlock = 32;
+
+template <int kSourceBytes, int kTargetBytes>
+void CopyPixel(const uint8_t* source, uint8_t* target) {
+  static_assert(kTargetBytes <= kSourceBytes);
+  std::memcpy(target, source, kTargetBytes);
+}
+
+template <int kSourceBytes, int kTargetBytes>
+void CopyStrided(const uint8_t* source, ptrdiff_t step, uint8_t* target, int count) {
+  for (int i = 0; i < count; ++i, source += step, target += kTargetBytes)
+    CopyPixel<kSourceBytes, kTargetBytes>(source, target);
+}
+
+template <int kSourceBytes, int kTargetBytes>
+void TurnRows(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn) {
+  for (int y = 0; y < target.height; ++y) {
+    const uint8_t* from = source.Row(turn.mirrorY ? target.height - 1 - y : y);
+    if (turn.mirrorX)
+      CopyStrided<kSourceBytes, kTargetBytes>(from + size_t(source.width - 1) * kSourceBytes,
+                                              -kSourceBytes, target.Row(y), target.width);
+    else if (kSourceBytes == kTargetBytes)
+      std::memcpy(target.Row(y), from, size_t(target.width) * kTargetBytes);
+    else
+      CopyStrided<kSourceBytes, kTargetBytes>(from, kSourceBytes, target.Row(y), target.width);
+  }
+}
+
+template <int kSourceBytes, int kTargetBytes>
+void TransposeBlock(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn, int x0,
+                    int x1, int y0, int y1) {
+  const ptrdiff_t stride = static_cast<ptrdiff_t>(source.stride);
+  const int firstRow = turn.mirrorX ? target.width - 1 - x0 : x0;
+  for (int y = y0; y < y1; ++y) {
+    const int column = turn.mirrorY ? target.height - 1 - y : y;
+    CopyStrided<kSourceBytes, kTargetBytes>(source.Row(firstRow) + size_t(column) * kSourceBytes,
+                                            turn.mirrorX ? -stride : stride,
+                                            target.Row(y) + size_t(x0) * kTargetBytes, x1 - x0);
+  }
+}
+
+template <int kSourceBytes, int kTargetBytes>
+void TurnBytePixels(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn) {
+  if (source.width == 0 || source.height == 0) return;
+  if (!turn.transpose) return TurnRows<kSourceBytes, kTargetBytes>(source, target, turn);
+  for (int y = 0; y < target.height; y += kBlock)
+    for (int x = 0; x < target.width; x += kBlock)
+      TransposeBlock<kSourceBytes, kTargetBytes>(source, target, turn, x,
+                                                 std::min(x + kBlock, target.width), y,
+                                                 std::min(y + kBlock, target.height));
+}
+
+void TurnPackedRows(const ConstPixelRows& source, const PixelRows& target, int bits,
+                    AxisTurn turn) {
+  std::vector<uint8_t> pixels(static_cast<size_t>(target.width));
+  for (int y = 0; y < target.height; ++y) {
+    UnpackPixels(source.Row(turn.mirrorY ? target.height - 1 - y : y), bits, 0, target.width,
+                 pixels.data());
+    if (turn.mirrorX) std::reverse(pixels.begin(), pixels.end());
+    PackPixels(pixels.data(), bits, 0, target.width, target.Row(y));
+  }
+}
+
+// Blocks begin at whole bytes of the target's rows, so that each byte is written once.
+void TransposePackedBlock(const ConstPixelRows& source, const PixelRows& target, int bits,
+                          AxisTurn turn, int x0, int y0) {
+  const int columns = std::min(kBlock, target.width - x0);
+  const int rows = std::min(kBlock, target.height - y0);
+  const int firstColumn = turn.mirrorY ? target.height - y0 - rows : y0;
+  uint8_t block[kBlock][kBlock];
+  for (int i = 0; i < columns; ++i)
+    UnpackPixels(source.Row(turn.mirrorX ? target.width - 1 - x0 - i : x0 + i), bits, firstColumn,
+                 rows, block[i]);
+  uint8_t line[kBlock];
+  for (int j = 0; j < rows; ++j) {
+    for (int i = 0; i < columns; ++i) line[i] = block[i][turn.mirrorY ? rows - 1 - j : j];
+    PackPixels(line, bits, x0, columns, target.Row(y0 + j));
+  }
+}
+
+void TurnPackedPixels(const ConstPixelRows& source, const PixelRows& target, int bits,
+                      AxisTurn turn) {
+  if (!turn.transpose) return TurnPackedRows(source, target, bits, turn);
+  for (int y = 0; y < target.height; y += kBlock)
+    for (int x = 0; x < target.width; x += kBlock)
+      TransposePackedBlock(source, target, bits, turn, x, y);
+}
+
+void ClearAllPadding(const PixelRows& rows, int bits) {
+  for (int y = 0; y < rows.height; ++y) ClearPadding(rows, y, bits);
+}
+
+}  // namespace
+
+void TurnPixels(const ConstPixelRows& source, const PixelRows& target, int bitsPerPixel,
+                AxisTurn turn) {
+  switch (bitsPerPixel) {
+    case 8:
+      TurnBytePixels<1, 1>(source, target, turn);
+      break;
+    case 16:
+      TurnBytePixels<2, 2>(source, target, turn);
+      break;
+    case 24:
+      TurnBytePixels<3, 3>(source, target, turn);
+      break;
+    case 32:
+      TurnBytePixels<4, 4>(source, target, turn);
+      break;
+    default:
+      TurnPackedPixels(source, target, bitsPerPixel, turn);
+      break;
+  }
+  ClearAllPadding(target, bitsPerPixel);
+}
+
+void TurnPixels32To24(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn) {
+  TurnBytePixels<4, 3>(source, target, turn);
+  ClearAllPadding(target, 24);
+}
+
+}  // namespace rasterkit::kernels
