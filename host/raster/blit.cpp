@@ -3,8 +3,8 @@
 #include <vector>
 
 #include <rasterkit/host/raster/blit.h>
-#include <rasterkit/host/raster/pixel_rows.h>
 #include <rasterkit/host/raster/pixel_words.h>
+#include <rasterkit/host/raster/row_conversion.h>
 
 namespace rasterkit {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <rasterkit/host/raster/convert.h>
 #include <rasterkit/host/raster/index_convert.h>
-#include <rasterkit/host/raster/pixel_rows.h>
 #include <rasterkit/host/raster/quantize.h>
+#include <rasterkit/host/raster/row_conversion.h>
 
 namespace rasterkit {
 namespace {

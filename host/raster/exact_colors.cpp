@@ -3,7 +3,7 @@
 #include <vector>
 
 #include <rasterkit/host/raster/exact_colors.h>
-#include <rasterkit/host/raster/pixel_rows.h>
+#include <rasterkit/host/raster/row_conversion.h>
 
 namespace rasterkit {
 namespace {

@@ -1,7 +1,7 @@
 #include <cstring>
 
-#include <rasterkit/host/raster/pixel_rows.h>
 #include <rasterkit/host/raster/pixel_words.h>
+#include <rasterkit/host/raster/row_conversion.h>
 
 namespace rasterkit {
 namespace {
