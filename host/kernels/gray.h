@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include <rasterkit/host/kernels/gray_exceptions.h>
@@ -19,5 +20,12 @@ inline uint8_t GrayOf(uint8_t r, uint8_t g, uint8_t b) {
   const bool whole = gray * 1000 == thousandths;
   return static_cast<uint8_t>(whole && GrayIsOneLess(r, g) ? gray - 1 : gray);
 }
+
+/// The grey values of a row of `width` pixels, bytes B G R, into `width` bytes. Neither row needs
+/// any alignment, nothing is read or written beyond them, and they must not overlap.
+void GrayOfRow24(const uint8_t* bgr, size_t width, uint8_t* gray);
+
+/// The same for bytes B G R A; alpha takes no part.
+void GrayOfRow32(const uint8_t* bgra, size_t width, uint8_t* gray);
 
 }  // namespace rasterkit::kernels
