@@ -33,6 +33,10 @@ std::string TemporaryName() {
   return ".rk" + std::to_string(getpid()) + "-" + std::to_string(count++) + ".tmp";
 }
 
+std::string PathOfHandle(const detail::SystemFile& file) {
+  return "/proc/self/fd/" + std::to_string(file.Handle());
+}
+
 }  // namespace
 
 struct AtomicFile::State {
@@ -42,8 +46,10 @@ struct AtomicFile::State {
   detail::SystemFile file;
   detail::SystemFile folder;
   std::string targetName;
-  /// Empty while the target is written straight, and after a commit.
+  /// The name of the file beside the target; empty while it has none yet, while the target is
+  /// written straight, and after a commit.
   std::string temporaryName;
+  bool isNameless = false;
   bool replaces = false;
   bool isSeekable = true;
 
@@ -59,6 +65,9 @@ struct AtomicFile::State {
   void Open();
   void OpenStraight(const std::filesystem::path& target);
   void OpenTemporary(const struct stat* old);
+  bool OpenNameless();
+  void OpenNamed();
+  void NameTheNameless();
   void CopyMode(const struct stat& old);
   void RemoveTemporary();
   void Flush();
@@ -91,6 +100,21 @@ void AtomicFile::State::OpenStraight(const std::filesystem::path& target) {
 }
 
 void AtomicFile::State::OpenTemporary(const struct stat* old) {
+  if (!OpenNameless()) OpenNamed();
+  replaces = old != nullptr;
+  if (replaces) CopyMode(*old);
+}
+
+/// A file without a name vanishes by itself even when the process is killed. Not every file system
+/// has such files.
+bool AtomicFile::State::OpenNameless() {
+  file = detail::OpenAt(folder.Handle(), ".", O_RDWR | O_TMPFILE, 0666);
+  if (!file.IsOpen()) return false;
+  isNameless = access(PathOfHandle(file).c_str(), F_OK) == 0;
+  return isNameless;
+}
+
+void AtomicFile::State::OpenNamed() {
   do {
     temporaryName = TemporaryName();
     file = detail::OpenAt(folder.Handle(), temporaryName, O_RDWR | O_CREAT | O_EXCL, 0666);
@@ -99,8 +123,21 @@ void AtomicFile::State::OpenTemporary(const struct stat* old) {
     temporaryName.clear();
     Fail();
   }
-  replaces = old != nullptr;
-  if (replaces) CopyMode(*old);
+}
+
+/// The system can link only to a free name, so the file gets one for the moment before it is
+/// renamed.
+void AtomicFile::State::NameTheNameless() {
+  const std::string source = PathOfHandle(file);
+  std::string name;
+  int result = 0;
+  do {
+    name = TemporaryName();
+    result = linkat(AT_FDCWD, source.c_str(), folder.Handle(), name.c_str(), AT_SYMLINK_FOLLOW);
+  } while (result != 0 && errno == EEXIST);
+  if (result != 0) Fail();
+  temporaryName = name;
+  isNameless = false;
 }
 
 void AtomicFile::State::CopyMode(const struct stat& old) {
@@ -184,6 +221,7 @@ void AtomicFile::Commit() {
   // The name must not lead to the new file before its bytes are safe, else a power failure loses
   // old and new.
   if (state.replaces && fdatasync(state.file.Handle()) != 0) state.Fail();
+  if (state.isNameless) state.NameTheNameless();
   if (const int error = state.file.Close(); error != 0) {
     detail::ThrowSystemError("cannot be written", error, state.name);
   }

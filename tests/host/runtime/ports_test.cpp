@@ -1,0 +1,63 @@
+#include <ctime>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <rasterkit/host/runtime/ports.h>
+
+namespace rasterkit {
+namespace {
+
+class PortsTest : public testing::Test {
+ protected:
+  void TearDown() override { HostPorts() = Ports(); }
+};
+
+TEST_F(PortsTest, EmptyPorts_AnswerAsACancelledDialogAndShowNothing) {
+  ShowMessage("nobody sees this");
+  PictureFileDialog dialog;
+  dialog.FileName = "a.bmp";
+  EXPECT_FALSE(ExecutePictureFileDialog(dialog));
+  EXPECT_EQ(dialog.FileName, "a.bmp");
+  EXPECT_EQ(GetSysColor(5), 0u);
+  EXPECT_FALSE(HostPorts().pdfPageChooser);
+  EXPECT_FALSE(HostPorts().messagePump);
+}
+
+TEST_F(PortsTest, MinuteOfDay_IsTheLocalClocksWhileThePortIsEmpty) {
+  const auto minute = [] {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    return local.tm_hour * 60 + local.tm_min;
+  };
+  // The minute may turn between two readings, but not between all of them.
+  int before = 0;
+  int answer = 0;
+  do {
+    before = minute();
+    answer = MinuteOfDay();
+  } while (before != minute());
+  EXPECT_EQ(answer, before);
+}
+
+TEST_F(PortsTest, FilledPorts_AreCalled) {
+  std::string shown;
+  HostPorts().messageBox = [&](const std::string& text) { shown = text; };
+  HostPorts().pictureFileDialog = [](PictureFileDialog& dialog) {
+    dialog.FileName = "chosen.png";
+    return true;
+  };
+  HostPorts().systemColor = [](uint32_t index) { return index * 2; };
+  HostPorts().minuteOfDay = [] { return 1439; };
+  ShowMessage("hello");
+  EXPECT_EQ(shown, "hello");
+  PictureFileDialog dialog;
+  EXPECT_TRUE(ExecutePictureFileDialog(dialog));
+  EXPECT_EQ(dialog.FileName, "chosen.png");
+  EXPECT_EQ(GetSysColor(21), 42u);
+  EXPECT_EQ(MinuteOfDay(), 1439);
+}
+
+}  // namespace
+}  // namespace rasterkit
