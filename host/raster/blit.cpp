@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <rasterkit/host/raster/blit.h>
+#include <rasterkit/host/raster/nearest_color.h>
 #include <rasterkit/host/raster/pixel_words.h>
 #include <rasterkit/host/raster/row_conversion.h>
 
@@ -69,26 +70,6 @@ class Mixer {
   RGBArec key_{};
 };
 
-// Remembers the last answer: neighbouring pixels often bear one colour.
-class NearestIndex {
- public:
-  explicit NearestIndex(const HPALETTE& palette) : palette_(palette) {}
-
-  uint8_t Of(const RGBArec& pixel) {
-    const TColor color = RGB(pixel.r, pixel.g, pixel.b);
-    if (color != lastColor_) {
-      lastColor_ = color;
-      last_ = static_cast<uint8_t>(NearestEntry(palette_.Entries(), color));
-    }
-    return last_;
-  }
-
- private:
-  HPALETTE palette_;
-  TColor lastColor_ = -1;
-  uint8_t last_ = 0;
-};
-
 struct Span {
   int left, count;
   const std::vector<int>& columns;
@@ -122,7 +103,7 @@ class IndexedWriter {
         mixer_(mixer),
         span_(span),
         table_(MakePixelTable(target.palette)),
-        nearest_(target.palette),
+        nearest_(target.palette.Entries()),
         indexes_(static_cast<size_t>(target.Width())) {}
 
   void Write(int y, const RGBArec* source) {
@@ -143,12 +124,12 @@ class IndexedWriter {
   const Mixer& mixer_;
   Span span_;
   PixelTable table_;
-  NearestIndex nearest_;
+  NearestColor nearest_;
   std::vector<uint8_t> indexes_;
 };
 
 template <class Writer>
-void WriteRows(Writer writer, int top, const std::vector<int>& rows, const Raster& source) {
+void WriteRows(Writer&& writer, int top, const std::vector<int>& rows, const Raster& source) {
   const PixelTable table = MakePixelTable(source.palette);
   std::vector<RGBArec> pixels(static_cast<size_t>(source.Width()));
   int loaded = -1;

@@ -1,0 +1,97 @@
+#include <rasterkit/host/raster/color_points.h>
+#include <rasterkit/host/raster/row_conversion.h>
+
+namespace rasterkit {
+namespace {
+
+// Up to this many colours are taken one by one.
+constexpr size_t kManyColors = 16384;
+
+template <class Visit>
+bool VisitPixels(const Raster& source, Visit visit) {
+  const PixelTable table = MakePixelTable(source.palette);
+  std::vector<RGBArec> pixels(static_cast<size_t>(source.Width()));
+  for (int y = 0; y < source.Height(); ++y) {
+    RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
+    for (const RGBArec& pixel : pixels)
+      if (!visit(pixel)) return false;
+  }
+  return true;
+}
+
+constexpr std::array<int16_t, 3> InQuarters(int blue, int green, int red) {
+  return {static_cast<int16_t>(blue * 4), static_cast<int16_t>(green * 4),
+          static_cast<int16_t>(red * 4)};
+}
+
+// Distinct colours by open addressing, half full at most.
+class DistinctColors {
+ public:
+  DistinctColors() : slots_(kManyColors * 2, 0) {}
+
+  bool Add(const RGBArec& pixel) {
+    const uint32_t color =
+        static_cast<uint32_t>(pixel.r) << 16 | static_cast<uint32_t>(pixel.g) << 8 | pixel.b;
+    if (color != lastColor_) {
+      uint32_t slot = color * 0x9E3779B1u >> 17;
+      while (slots_[slot] != 0 && colors_[slots_[slot] - 1] != color)
+        slot = (slot + 1) % (kManyColors * 2);
+      if (slots_[slot] == 0) {
+        if (colors_.size() == kManyColors) return false;
+        colors_.push_back(color);
+        points.push_back({InQuarters(pixel.b, pixel.g, pixel.r), 0});
+        slots_[slot] = static_cast<uint32_t>(colors_.size());
+      }
+      lastColor_ = color;
+      last_ = slots_[slot] - 1;
+    }
+    ++points[last_].weight;
+    return true;
+  }
+
+  std::vector<ColorPoint> points;
+
+ private:
+  std::vector<uint32_t> slots_;  // number of the colour plus 1; 0 is free
+  std::vector<uint32_t> colors_;
+  uint32_t lastColor_ = ~0u;
+  size_t last_ = 0;
+};
+
+struct GridBox {
+  uint64_t count = 0, blue = 0, green = 0, red = 0;
+};
+
+std::vector<ColorPoint> MeansOf(const std::vector<GridBox>& boxes) {
+  std::vector<ColorPoint> points;
+  for (const GridBox& box : boxes) {
+    if (box.count == 0) continue;
+    const auto mean = [&](uint64_t sum) {
+      return static_cast<int16_t>((sum * 4 + box.count / 2) / box.count);
+    };
+    points.push_back({{mean(box.blue), mean(box.green), mean(box.red)}, box.count});
+  }
+  return points;
+}
+
+}  // namespace
+
+std::vector<ColorPoint> CollectColorPoints(const Raster& source) {
+  DistinctColors colors;
+  if (VisitPixels(source, [&](const RGBArec& pixel) { return colors.Add(pixel); }))
+    return std::move(colors.points);
+
+  std::vector<GridBox> boxes(32 * 32 * 32);
+  VisitPixels(source, [&](const RGBArec& pixel) {
+    GridBox& box = boxes[static_cast<size_t>(pixel.r >> 3) << 10 |
+                         static_cast<size_t>(pixel.g >> 3) << 5 | pixel.b >> 3];
+    ++box.count;
+    box.blue += pixel.b;
+    box.green += pixel.g;
+    box.red += pixel.r;
+    return true;
+  });
+  return MeansOf(boxes);
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include <rasterkit/host/raster/raster.h>
+
+namespace rasterkit {
+
+/// A colour and how many pixels bear it. Channels (blue, green, red) are in quarters: 0 to 1020.
+struct ColorPoint {
+  std::array<int16_t, 3> channel{};
+  uint64_t weight = 0;
+};
+
+/// The colours of a picture in a fixed order: each one as it is while there are few (a smooth
+/// gradient stays smooth), else the mean colours of a grid of 32 x 32 x 32 boxes.
+std::vector<ColorPoint> CollectColorPoints(const Raster& source);
+
+}  // namespace rasterkit
