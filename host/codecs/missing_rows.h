@@ -1,0 +1,12 @@
+#pragma once
+
+#include <rasterkit/host/raster/raster.h>
+
+namespace rasterkit::detail {
+
+/// Paints the rows from `first` to the last white: what a picture shows where its file ends too
+/// early. Indexed rasters take the entry nearest to white (the lowest of equals), 32-bit ones get
+/// alpha 255.
+void FillMissingRows(Raster& raster, int first);
+
+}  // namespace rasterkit::detail
