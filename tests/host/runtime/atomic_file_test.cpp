@@ -173,7 +173,9 @@ TEST_F(AtomicFileTest, KilledProcess_LeavesTheOldFileWhole) {
     return 0;
   });
   EXPECT_EQ(ReadFile(name), "old");
-  if (HasNamelessFiles(folder_.Path())) EXPECT_THAT(folder_.Names(), ElementsAre("a.bmp"));
+  if (HasNamelessFiles(folder_.Path())) {
+    EXPECT_THAT(folder_.Names(), ElementsAre("a.bmp"));
+  }
 }
 
 TEST_F(AtomicFileTest, SymbolicLink_StaysAndItsTargetIsReplaced) {

@@ -1,0 +1,48 @@
+#include <array>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include <rasterkit/package/strings.h>
+
+namespace rasterkit {
+namespace {
+
+constexpr std::array kKeys = {rsAllSupportedFiles, rsBitmapToLargeToRotate, rsPaletteExceeded};
+
+/// Shared, so that a text can be asked for while the translator is replaced.
+struct Installed {
+  std::mutex mutex;
+  std::shared_ptr<const TTranslator> translator;
+};
+
+Installed& TheTranslator() {
+  static Installed installed;
+  return installed;
+}
+
+std::shared_ptr<const TTranslator> CurrentTranslator() {
+  const std::lock_guard lock(TheTranslator().mutex);
+  return TheTranslator().translator;
+}
+
+}  // namespace
+
+std::span<const std::string_view> ResourceStringKeys() {
+  return kKeys;
+}
+
+std::string ResourceString(std::string_view key) {
+  const auto translator = CurrentTranslator();
+  std::string text = translator ? (*translator)(key) : std::string();
+  return text.empty() ? std::string(key) : text;
+}
+
+void SetTranslator(TTranslator translator) {
+  std::shared_ptr<const TTranslator> installed;
+  if (translator) installed = std::make_shared<const TTranslator>(std::move(translator));
+  const std::lock_guard lock(TheTranslator().mutex);
+  TheTranslator().translator.swap(installed);
+}
+
+}  // namespace rasterkit
