@@ -10,7 +10,8 @@ namespace rasterkit {
 /// Kinds of picture files, told apart by their first bytes alone.
 enum class PictureType { unknown, bmp, jpeg, png, tiff, wmf, emf, pdf, gif, webp };
 
-/// Looks at the first bytes (64 are enough; fewer are looked at as far as they go).
+/// Looks at the first bytes; fewer are looked at as far as they go. 64 are enough, except for a PDF
+/// that has foreign bytes before its header, which is found within 1024.
 RASTERKIT_EXPORT PictureType SniffPictureType(std::span<const uint8_t> bytes);
 
 /// "bmp", "jpeg", "png", "tiff", "wmf", "emf", "pdf", "gif", "webp"; "unknown".

@@ -1,0 +1,53 @@
+#include <array>
+#include <string>
+#include <vector>
+
+#include <rasterkit/host/codecs/bmp_decoder.h>
+#include <rasterkit/host/codecs/decode_picture.h>
+#include <rasterkit/host/codecs/jpeg_decoder.h>
+#include <rasterkit/host/codecs/png_decoder.h>
+#include <rasterkit/host/runtime/errors.h>
+
+namespace rasterkit {
+namespace {
+
+/// Enough for every kind's mark, also for that of a PDF behind foreign bytes.
+constexpr size_t kSniffedBytes = 1024;
+
+PictureType SniffStream(TStream& stream) {
+  std::array<uint8_t, kSniffedBytes> first;
+  const uint64_t position = stream.Position();
+  const size_t count = stream.Read(first);
+  stream.SetPosition(position);
+  return SniffPictureType(std::span(first).first(count));
+}
+
+Raster DecodeSized(TStream& stream, CodecReport* report) {
+  const PictureType type = SniffStream(stream);
+  switch (type) {
+    case PictureType::bmp:
+      return DecodeBmp(stream, report);
+    case PictureType::jpeg:
+      return DecodeJpeg(stream.ReadToEnd(), report);
+    case PictureType::png:
+      return DecodePng(stream.ReadToEnd(), report);
+    case PictureType::unknown:
+      throw FormatError("the data are no picture of a known kind");
+    default:
+      break;
+  }
+  throw UnsupportedError(std::string("pictures of the kind ") + PictureTypeName(type) +
+                         " are not decoded");
+}
+
+}  // namespace
+
+Raster DecodePicture(TStream& stream, CodecReport* report) {
+  if (stream.Size() > stream.Position()) return DecodeSized(stream, report);
+  // Pipes have no size and give their bytes only once: looking at the first ones takes all.
+  const std::vector<uint8_t> bytes = stream.ReadToEnd();
+  TSpanStream memory(bytes);
+  return DecodeSized(memory, report);
+}
+
+}  // namespace rasterkit
