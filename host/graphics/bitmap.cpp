@@ -4,6 +4,7 @@
 
 #include <rasterkit/host/graphics/bitmap.h>
 #include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/host/graphics/draw_picture.h>
 #include <rasterkit/host/graphics/system_color.h>
 #include <rasterkit/host/raster/convert.h>
 #include <rasterkit/host/raster/fill.h>
@@ -204,10 +205,7 @@ const Raster& TBitmap::Content() const {
 }
 
 void TBitmap::DrawTo(TCanvas& canvas, int left, int top, int width, int height) const {
-  const TRect rect{left, top, left + width, top + height};
-  std::optional<TColor> key;
-  if (transparent_) key = ResolveColor(TransparentColor());
-  canvas.DrawRaster(rect, raster_, key);
+  detail::DrawPicture(*this, raster_, canvas, {left, top, left + width, top + height});
 }
 
 void TBitmap::AssignToBitmap(TBitmap& target) const {

@@ -1,24 +1,29 @@
+#include <rasterkit/host/codecs/bmp_decoder.h>
+#include <rasterkit/host/codecs/bmp_encoder.h>
 #include <rasterkit/host/graphics/bitmap.h>
 #include <rasterkit/host/graphics/canvas.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/host/graphics/name_errors.h>
+#include <rasterkit/host/runtime/atomic_file.h>
 
 namespace rasterkit {
-namespace {
 
-[[noreturn]] void RefuseFiles() {
-  throw UnsupportedError("Windows bitmap files cannot be read or written yet");
+void TBitmap::LoadFromStream(TStream& stream) {
+  raster_ = DecodeBmp(stream);
+  format_ = raster_.Format();
+  modified_ = false;
 }
 
-}  // namespace
+void TBitmap::SaveToStream(TStream& stream) {
+  EncodeBmp(raster_, stream, BmpProfile::omit);
+}
 
-void TBitmap::LoadFromStream(TStream&) {
-  RefuseFiles();
-}
-void TBitmap::SaveToStream(TStream&) {
-  RefuseFiles();
-}
-void TBitmap::SaveToFile(const std::string&) {
-  RefuseFiles();
+void TBitmap::SaveToFile(const std::string& fileName) {
+  detail::NameErrors(fileName, [&] {
+    AtomicFile file(fileName);
+    EncodeBmp(raster_, file, BmpProfile::embed);
+    file.Commit();
+  });
+  modified_ = false;
 }
 
 }  // namespace rasterkit

@@ -8,6 +8,7 @@ namespace rasterkit {
 /// writing records throws UnsupportedError, which says that metafiles are not built yet.
 class RASTERKIT_EXPORT TMetafile : public TGraphic {
  public:
+  /// Whether it counts as an enhanced metafile (EMF) or as a Windows metafile (WMF).
   bool Enhanced() const { return enhanced_; }
   void SetEnhanced(bool value) { enhanced_ = value; }
 

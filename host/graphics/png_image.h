@@ -4,8 +4,8 @@
 
 namespace rasterkit {
 
-/// A PNG picture. `Transparent` follows from its content: a tRNS chunk (its colour) or an alpha
-/// channel (white); drawing blends the alpha channel.
+/// A PNG picture. What it loads says whether it is `Transparent`: by a tRNS chunk (its colour) or
+/// by an alpha channel (white). Drawing blends the alpha channel.
 class RASTERKIT_EXPORT TPngImage : public TGraphic {
  public:
   TPngImage();
@@ -15,6 +15,8 @@ class RASTERKIT_EXPORT TPngImage : public TGraphic {
   int Height() const override;
 
   void LoadFromStream(TStream& stream) override;
+  /// A transparent picture without an alpha channel gets its colour as tRNS. Throws FormatError for
+  /// an empty picture.
   void SaveToStream(TStream& stream) override;
   void DrawTo(TCanvas& canvas, int left, int top, int width, int height) const override;
   void AssignToBitmap(TBitmap& target) const override;
@@ -23,10 +25,14 @@ class RASTERKIT_EXPORT TPngImage : public TGraphic {
   const TBitmap& Bitmap() const { return bitmap_; }
 
  protected:
+  /// Indexed pictures stay; a 32-bit one stays when its alpha is defined; all else becomes 24-bit.
   void AssignFrom(const TGraphic& source) override;
   void Clear() override;
+  TColor AutomaticTransparentColor() const override;
 
  private:
+  bool HasAlpha() const;
+
   TBitmap bitmap_;
 };
 

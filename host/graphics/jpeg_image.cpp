@@ -1,0 +1,92 @@
+#include <utility>
+
+#include <rasterkit/host/codecs/jpeg_decoder.h>
+#include <rasterkit/host/codecs/jpeg_encoder.h>
+#include <rasterkit/host/graphics/draw_picture.h>
+#include <rasterkit/host/graphics/jpeg_image.h>
+#include <rasterkit/host/runtime/errors.h>
+
+namespace rasterkit {
+
+TJPEGImage::TJPEGImage() = default;
+TJPEGImage::~TJPEGImage() = default;
+
+// Compressing keeps the size, so a picture that is decoded later need not be decoded for it.
+int TJPEGImage::Width() const {
+  return bitmap_.Width();
+}
+int TJPEGImage::Height() const {
+  return bitmap_.Height();
+}
+
+bool TJPEGImage::Grayscale() const {
+  return Bitmap().PixelFormat() == pf8bit && IsGrayRamp(Bitmap().Palette());
+}
+
+const TBitmap& TJPEGImage::Bitmap() const {
+  if (!decodeLater_) return bitmap_;
+  const std::lock_guard lock(decoding_);
+  if (decodeLater_) {
+    bitmap_ = TBitmap(DecodeJpeg(*compressed_));
+    decodeLater_ = false;
+  }
+  return bitmap_;
+}
+
+TJPEGImage::Bytes TJPEGImage::Encode() const {
+  if (Empty()) throw FormatError("JPEG: there is no picture to save");
+  return std::make_shared<const std::vector<uint8_t>>(EncodeJpeg(Bitmap().Content(), quality_));
+}
+
+void TJPEGImage::Compress() {
+  if (Empty()) return;
+  compressed_ = Encode();
+  decodeLater_ = true;
+  modified_ = true;
+}
+
+void TJPEGImage::LoadFromStream(TStream& stream) {
+  auto bytes = std::make_shared<const std::vector<uint8_t>>(stream.ReadToEnd());
+  bitmap_ = TBitmap(DecodeJpeg(*bytes));
+  compressed_ = std::move(bytes);
+  decodeLater_ = false;
+  modified_ = false;
+}
+
+void TJPEGImage::SaveToStream(TStream& stream) {
+  if (!compressed_) compressed_ = Encode();
+  stream.Write(*compressed_);
+}
+
+void TJPEGImage::DrawTo(TCanvas& canvas, int left, int top, int width, int height) const {
+  detail::DrawPicture(*this, Bitmap().Content(), canvas, {left, top, left + width, top + height});
+}
+
+void TJPEGImage::AssignToBitmap(TBitmap& target) const {
+  Bitmap().AssignToBitmap(target);
+  target.AssignTransparency(*this);
+}
+
+void TJPEGImage::AssignFrom(const TGraphic& source) {
+  TBitmap picture;
+  source.AssignToBitmap(picture);
+  const auto* jpeg = dynamic_cast<const TJPEGImage*>(&source);
+  if (jpeg == nullptr && !(picture.PixelFormat() == pf8bit && IsGrayRamp(picture.Palette())))
+    picture.SetPixelFormat(pf24bit);
+  bitmap_ = std::move(picture);
+  decodeLater_ = false;
+  compressed_ = jpeg != nullptr ? jpeg->compressed_ : nullptr;
+  if (jpeg != nullptr) quality_ = jpeg->quality_;
+}
+
+void TJPEGImage::Clear() {
+  bitmap_ = TBitmap();
+  decodeLater_ = false;
+  compressed_ = nullptr;
+}
+
+TColor TJPEGImage::AutomaticTransparentColor() const {
+  return Bitmap().PixelColor(0, Height() - 1);
+}
+
+}  // namespace rasterkit
