@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 
 #include <rasterkit/host/raster/pixel_format.h>
 #include <rasterkit/host/runtime/export.h>
@@ -15,6 +16,10 @@ class TGraphic;
 /// A rectangle of pixels; right and bottom lie outside.
 struct TRect {
   int Left = 0, Top = 0, Right = 0, Bottom = 0;
+};
+
+struct TPoint {
+  int X = 0, Y = 0;
 };
 
 enum TPenStyle { psSolid, psClear };
@@ -49,6 +54,9 @@ class RASTERKIT_EXPORT TCanvas {
   /// column and the bottom row of the rectangle are not painted, which is why callers pass one more
   /// than the size.
   void Rectangle(int left, int top, int right, int bottom);
+  /// Draws the lines from point to point with the pen, both ends included. Every pixel is painted
+  /// once, so that drawing again in XOR mode takes the lines away.
+  void Polyline(std::span<const TPoint> points);
   /// Draws a graphic at its own size with the top-left corner at (x, y), honouring transparency.
   void Draw(int x, int y, const TGraphic& graphic);
   /// Draws a graphic stretched into the rectangle (nearest pixel), honouring transparency.
@@ -60,6 +68,8 @@ class RASTERKIT_EXPORT TCanvas {
 
  private:
   friend class TBitmap;
+
+  void DrawFrame(const TRect& rect);
 
   TBitmap* bitmap_;
 };
