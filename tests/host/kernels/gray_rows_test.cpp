@@ -18,19 +18,18 @@ constexpr size_t kGuard = 64;
 /// Runs each case once for every SIMD target of this machine, forced in turn.
 class GrayRows : public testing::TestWithParam<int64_t> {
  protected:
-  void SetUp() override { hwy::SetSupportedTargetsForTest(GetParam()); }
-  void TearDown() override { hwy::SetSupportedTargetsForTest(0); }
+  void SetUp() override { Choose(GetParam()); }
+  void TearDown() override { Choose(0); }
+
+ private:
+  static void Choose(int64_t target) {
+    hwy::SetSupportedTargetsForTest(target);
+    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+  }
 };
 
-std::vector<int64_t> Targets() {
-  std::vector<int64_t> targets;
-  hwy::SetSupportedTargetsForTest(0);
-  for (int64_t left = hwy::SupportedTargets() & HWY_TARGETS; left != 0; left &= left - 1)
-    targets.push_back(left & -left);
-  return targets;
-}
-
-INSTANTIATE_TEST_SUITE_P(EveryTarget, GrayRows, testing::ValuesIn(Targets()),
+INSTANTIATE_TEST_SUITE_P(EveryTarget, GrayRows,
+                         testing::ValuesIn(hwy::SupportedAndGeneratedTargets()),
                          [](const auto& info) { return std::string(hwy::TargetName(info.param)); });
 
 /// Grey values of `count` pixels of 3 or 4 bytes; also checks that nothing around the result was

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+#include <rasterkit/host/raster/pixel_format.h>
+
+#include "tests/reference/gray.h"
+
+/// Brightness written straight from its rule: extended intermediates, singles where a value is
+/// stored as single.
+namespace rasterkit::reference {
+
+inline uint8_t ClampToByte(float x) {
+  if (x > 255) return 255;
+  if (x < 0) return 0;
+  return static_cast<uint8_t>(std::lrint(x));
+}
+
+inline TColor ColorBrightness(TColor color, int32_t percent) {
+  const uint32_t bits = color < 0 ? 0 : static_cast<uint32_t>(color);
+  uint8_t channels[3] = {static_cast<uint8_t>(bits), static_cast<uint8_t>(bits >> 8),
+                         static_cast<uint8_t>(bits >> 16)};
+  const volatile long double quotient = percent / 100.0L;
+  const volatile float f = static_cast<float>(1.0L + quotient);
+  const volatile float d = static_cast<float>(static_cast<long double>(f) - 1.0L);
+  const int gray = GrayInWholeNumbers(channels[0], channels[1], channels[2]);
+  const auto lift = static_cast<int64_t>((255 - gray) * static_cast<long double>(d));
+  for (uint8_t& channel : channels) {
+    const volatile long double product = channel * static_cast<long double>(f);
+    if (percent < 0) {
+      channel = static_cast<uint8_t>(llrintl(product) & 0xFF);
+    } else {
+      channel = ClampToByte(static_cast<float>(product + static_cast<long double>(lift)));
+    }
+  }
+  return RGB(channels[0], channels[1], channels[2]);
+}
+
+}  // namespace rasterkit::reference
