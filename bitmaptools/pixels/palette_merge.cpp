@@ -8,6 +8,7 @@
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
 #include <rasterkit/host/graphics/bitmap.h>
 #include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/package/strings.h>
 
 namespace rasterkit {
 namespace {
@@ -75,7 +76,7 @@ std::unique_ptr<TColorTable> CombineColorPalette(std::span<TBitmap* const> bitma
   CommonPalette common;
   for (const TBitmap* bitmap : bitmaps) {
     if (bitmap == nullptr || TakeColorsOf(*bitmap, common)) continue;
-    ShowMessage("Palette überschritten. Benötige 24bit Farbtiefe.");
+    ShowMessage(ResourceString(rsPaletteExceeded));
     return nullptr;
   }
   auto table = common.Table();
