@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tests/doors/source_tree.h"
+
+/// The rules of the house's doors, each a function that lists what is wrong, a line a fault.
+namespace rasterkit::test {
+
+/// Doors open downward only: a file includes its own room's files and those of lower floors.
+std::vector<std::string> FindWrongDoors(const SourceTree& tree);
+
+/// No file includes itself by way of others.
+std::vector<std::string> FindCycles(const SourceTree& tree);
+
+/// No two files of the library bear the same name.
+std::vector<std::string> FindTwins(const SourceTree& tree);
+
+}  // namespace rasterkit::test

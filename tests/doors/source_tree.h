@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace rasterkit::test {
+
+/// What one #include line names.
+struct Include {
+  std::string name;
+  bool isQuoted = false;
+};
+
+/// Source files by their path from the root of the tree, "host/runtime/text.h", with what they
+/// include.
+using SourceTree = std::map<std::string, std::vector<Include>>;
+
+/// The #include lines of a text; those in comments are none.
+std::vector<Include> ParseIncludes(std::string_view text);
+
+/// Reads every .h and .cpp file below the folders of `root` that hold the house's sources.
+SourceTree ReadSourceTree(const std::filesystem::path& root);
+
+}  // namespace rasterkit::test
