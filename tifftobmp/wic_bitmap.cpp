@@ -1,5 +1,3 @@
-#include <rasterkit/tifftobmp/wic_bitmap.h>
-
 #include <array>
 #include <cstring>
 #include <utility>
@@ -7,6 +5,7 @@
 #include <rasterkit/host/codecs/decode_picture.h>
 #include <rasterkit/host/codecs/picture_type.h>
 #include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/tifftobmp/wic_bitmap.h>
 
 namespace rasterkit {
 namespace {
@@ -20,8 +19,9 @@ bool IsKnownPicture(TStream& stream) {
   return SniffPictureType({head.data(), there}) != PictureType::unknown;
 }
 
-/// Paints the fully transparent pixels of an alpha channel opaque white, so that a caller that ignores alpha sees
-/// paper where the picture shows nothing. Partly transparent pixels keep their alpha.
+/// Paints the fully transparent pixels of an alpha channel opaque white, so that a caller that
+/// ignores alpha sees paper where the picture shows nothing. Partly transparent pixels keep their
+/// alpha.
 void WhitenTransparentPixels(Raster& raster) {
   for (int y = 0; y < raster.Height(); ++y) {
     uint8_t* row = raster.Row(y);
@@ -31,15 +31,22 @@ void WhitenTransparentPixels(Raster& raster) {
   }
 }
 
-Raster ReadPicture(const std::string& fileName) {
-  TFileStream file(fileName);
-  if (!IsKnownPicture(file)) throw FormatError("Invalid image", fileName);
-  Raster raster = DecodePicture(file);
+Raster DecodeKnownPicture(TStream& stream) {
+  if (!IsKnownPicture(stream)) throw FormatError("Invalid image");
+  Raster raster = DecodePicture(stream);
   if (raster.Format() == pf32bit && raster.alphaFormat == afDefined) {
     WhitenTransparentPixels(raster);
   }
   raster.transparentColor.reset();
   return raster;
+}
+
+Raster ReadPicture(const std::string& fileName) {
+  TFileStream file(fileName);
+  if (file.Size() > 0) return DecodeKnownPicture(file);
+  // A pipe or a device states no size and gives its bytes only once.
+  TMemoryStream memory(file.ReadToEnd());
+  return DecodeKnownPicture(memory);
 }
 
 }  // namespace

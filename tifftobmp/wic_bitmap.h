@@ -7,16 +7,17 @@
 
 namespace rasterkit {
 
-/// The bitmap behind TIFF files: a TBitmap that loads through the imaging codec, by content, whatever the file is
-/// called, and saves as TIFF.
+/// The bitmap behind TIFF files: a TBitmap that loads through the imaging codec, by content,
+/// whatever the file is called, and saves as TIFF.
 ///
-/// A loaded picture is never `Transparent`: where its file has an alpha channel, pixels of alpha 0 become opaque white,
-/// and colours that a file only marks as transparent stay visible. Streams carry the Windows bitmap form of the base
-/// class; whoever needs TIFF bytes goes through a file.
+/// A loaded picture is never `Transparent`: where its file has an alpha channel, pixels of alpha 0
+/// become opaque white, and colours that a file only marks as transparent stay visible. Streams
+/// carry the Windows bitmap form of the base class; whoever needs TIFF bytes goes through a file.
 class RASTERKIT_EXPORT TWICBitmap : public TBitmap {
  public:
-  /// Throws FileError when the file cannot be opened, else an error with the codec's own text, or "Invalid image" when
-  /// no codec knows the bytes; every error names the file, and the bitmap is then unchanged.
+  /// Throws FileError when the file cannot be opened, else an error with the codec's own text, or
+  /// "Invalid image" when no codec knows the bytes; every error names the file, and the bitmap is
+  /// then unchanged.
   void LoadFromFile(const std::string& fileName) override;
   /// Throws UnsupportedError: this version has no TIFF encoder. A file of that name stays as it is.
   void SaveToFile(const std::string& fileName) override;

@@ -1,0 +1,185 @@
+#include <algorithm>
+#include <utility>
+
+#include <rasterkit/jpegexif/image_data.h>
+
+namespace rasterkit {
+namespace {
+
+/// Place of the header that tells an EXIF section from other APP1 sections.
+constexpr int64_t kHeaderPos = 3;
+/// Place of the TIFF header, from which all offsets count.
+constexpr int64_t kTiffPos = 9;
+constexpr int64_t kEntryBytes = 12;
+constexpr int64_t kMaxInPlace = 4;
+/// What 128 numbers of 8 bytes need: formatting never looks further.
+constexpr int64_t kMaxNumberBytes = 128 * 8;
+
+constexpr char kIllegalDirectory[] = "Illegally sized directory";
+
+std::string DirStackItem(int64_t dirStart, int64_t offsetBase) {
+  std::string item("[");
+  return item.append(std::to_string(offsetBase))
+      .append(":")
+      .append(std::to_string(dirStart))
+      .append("]");
+}
+
+}  // namespace
+
+bool IsExifSection(std::string_view data) {
+  return data.size() >= kHeaderPos && data.substr(kHeaderPos - 1).starts_with(ValidHeader);
+}
+
+void TImageData::ProcessExif() {
+  if (ExifSegment == nullptr || !ExifData) return;
+  if (!IsExifSection(ExifBuff)) {
+    ErrStr = "Incorrect Exif header";
+    return;
+  }
+  const char first = static_cast<char>(ByteAt(ExifBuff, kTiffPos));
+  const char second = static_cast<char>(ByteAt(ExifBuff, kTiffPos + 1));
+  if (first != second || (first != 'I' && first != 'M')) {
+    ErrStr = "Invalid Exif alignment marker";
+    return;
+  }
+  MotorolaOrder = first == 'M';
+  effort_ = Effort();
+  const int64_t offset = Get32u(ExifBuff, kTiffPos + 4);
+  const int64_t dirStart = offset != 0 ? offset + kTiffPos : kTiffPos + 8;
+  ProcessExifDir(dirStart, kTiffPos, ExifSegment->Size - 6, tagExif);
+  if (ExifData->HasThumbnail()) {
+    ProcessExifDir(ExifData->ThumbStart + kTiffPos, kTiffPos, ExifData->ThumbLength - 12, tagThumb);
+  }
+}
+
+void TImageData::ProcessExifDir(int64_t DirStart, int64_t OffsetBase, int64_t ExifLength,
+                                TTagType tagType) {
+  if (!ExifData) return;
+  if (--effort_.directories < 0) {
+    ErrStr = kIllegalDirectory;
+    return;
+  }
+  pushDirStack(DirStart, OffsetBase);
+  const int64_t count = Get16u(ExifBuff, DirStart);
+  const int64_t linkPos = DirStart + 2 + kEntryBytes * count;
+  // The start counts on both sides, so that it is the directory's own size that is bounded.
+  // Established: directories that reach past the section's end are read as far as they go.
+  if (linkPos > DirStart + OffsetBase + ExifLength) {
+    ErrStr = kIllegalDirectory;
+    return;
+  }
+  if (tagType == tagExif) TakeThumbnailLink(linkPos, OffsetBase, ExifLength);
+  for (int64_t i = 0; i < count; ++i) {
+    if (--effort_.entries < 0) {
+      ErrStr = kIllegalDirectory;
+      return;
+    }
+    TTagInfo info;
+    if (!GetTagInfo(ExifBuff, OffsetBase, i, DirStart, info)) continue;
+    if (!ProcessEntry(info, OffsetBase, ExifLength, tagType)) return;
+  }
+}
+
+/// The directory that follows the first one is taken to be the thumbnail's.
+void TImageData::TakeThumbnailLink(int64_t linkPos, int64_t OffsetBase, int64_t ExifLength) {
+  if (ExifData->ThumbStart != 0 || ExifData->TiffFmt) return;
+  ExifData->ThumbStart = Get32s(ExifBuff, linkPos);
+  const int64_t length = OffsetBase + ExifLength - ExifData->ThumbStart;
+  ExifData->ThumbLength = static_cast<int32_t>(length);
+}
+
+bool TImageData::GetTagInfo(std::string_view buff, int64_t OffsetBase, int64_t entryIndex,
+                            int64_t DirStart, TTagInfo& info) const {
+  const int64_t entryPos = DirStart + 2 + kEntryBytes * entryIndex;
+  info.Tag = static_cast<uint16_t>(Get16u(buff, entryPos));
+  info.FmtType = static_cast<uint16_t>(Get16u(buff, entryPos + 2));
+  info.ByteCount = static_cast<int64_t>(Get32u(buff, entryPos + 4)) * BytesPerType(info.FmtType);
+  if (info.ByteCount == 0) return false;
+  info.ValuePos = entryPos + 8;
+  if (info.ByteCount <= kMaxInPlace) return true;
+  const int64_t offset = Get32u(buff, entryPos + 8);
+  info.ValuePos = OffsetBase + offset;
+  const bool isBeyond = info.ValuePos + info.ByteCount > static_cast<int64_t>(buff.size());
+  if (isBeyond) info.ValuePos = offset + kTiffPos;
+  return true;
+}
+
+/// Decodes one entry, if its tag is known; false when the section has cost too much already.
+bool TImageData::ProcessEntry(const TTagInfo& info, int64_t OffsetBase, int64_t ExifLength,
+                              TTagType tagType) {
+  const TTagRow* row = FindTagRow(tagType, info.Tag);
+  if (row == nullptr) return true;
+  std::string raw = RawValue(info);
+  effort_.valueBytes -= static_cast<int64_t>(raw.size());
+  if (effort_.valueBytes < 0) {
+    ErrStr = kIllegalDirectory;
+    return false;
+  }
+  TTagEntry entry;
+  entry.TagType = tagType;
+  entry.Tag = info.Tag;
+  entry.Code = row->Code;
+  entry.CallBack = row->CallBack;
+  FillTagEntry(std::move(raw), info.FmtType, info.ValuePos, info.ByteCount, entry);
+  DispatchEntry(entry, OffsetBase, ExifLength);
+  ExifData->AddTagToArray(entry);
+  return true;
+}
+
+std::string TImageData::RawValue(const TTagInfo& info) const {
+  const int64_t size = static_cast<int64_t>(ExifBuff.size());
+  const int64_t there = std::clamp<int64_t>(size + 1 - info.ValuePos, 0, info.ByteCount);
+  std::string raw;
+  if (there > 0) {
+    raw = ExifBuff.substr(static_cast<size_t>(info.ValuePos - 1), static_cast<size_t>(there));
+  }
+  const int64_t wanted = std::min(info.ByteCount, kMaxNumberBytes);
+  if (there < wanted) raw.append(static_cast<size_t>(wanted - there), '\0');
+  return raw;
+}
+
+void TImageData::DispatchEntry(TTagEntry& entry, int64_t OffsetBase, int64_t ExifLength) {
+  switch (entry.TagType) {
+    case tagExif:
+      switch (entry.Tag) {
+        case kTagSubDirectories:
+        case kTagExifDirectory:
+        case kTagInteropDirectory:
+        case kTagGpsDirectory:
+          FollowPointer(entry, OffsetBase, ExifLength);
+          break;
+        default:
+          ProcTagExif(entry);
+      }
+      break;
+    case tagGPS:
+      ProcTagGPS(entry);
+      break;
+    case tagThumb:
+      if (entry.Tag == kTagCompression) {
+        ExifData->ThumbType = static_cast<int32_t>(GetNumber(entry.RawBuff, entry.FmtType));
+      }
+      break;
+    case tagSpec:
+      break;
+  }
+}
+
+void TImageData::FollowPointer(const TTagEntry& entry, int64_t OffsetBase, int64_t ExifLength) {
+  const int64_t target = OffsetBase + Get32u(ExifBuff, entry.RawPos);
+  if (testDirStack(target, OffsetBase)) return;
+  const bool isGps = entry.Tag == kTagGpsDirectory;
+  if (isGps) GPSData = std::make_unique<TGPSData>();
+  ProcessExifDir(target, OffsetBase, ExifLength, isGps ? tagGPS : tagExif);
+}
+
+void TImageData::pushDirStack(int64_t dirStart, int64_t offsetBase) {
+  DirStack += DirStackItem(dirStart, offsetBase);
+}
+
+bool TImageData::testDirStack(int64_t dirStart, int64_t offsetBase) const {
+  return DirStack.find(DirStackItem(dirStart, offsetBase)) != std::string::npos;
+}
+
+}  // namespace rasterkit
