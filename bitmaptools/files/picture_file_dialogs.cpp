@@ -1,0 +1,81 @@
+#include <rasterkit/bitmaptools/files/file_filters.h>
+#include <rasterkit/bitmaptools/files/picture_file_dialogs.h>
+#include <rasterkit/host/runtime/file_name.h>
+#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/host/runtime/text.h>
+
+namespace rasterkit {
+namespace {
+
+/// Any other value of `kind` leaves the dialog without a filter.
+void SetOpenFilter(PictureFileDialog& dialog, TBitmapFilter kind, const std::string& defaultExt) {
+  switch (kind) {
+    case bfAll:
+    case bfLoadBmp:
+      dialog.Filter = GetOpenFilter(kind == bfAll);
+      dialog.FilterIndex = GetOpenFilterIndex(defaultExt);
+      break;
+    case bfGeo:
+      dialog.Filter = GetGeoOpenFilter();
+      dialog.FilterIndex = GetGeoOpenFilterIndex(defaultExt);
+      break;
+  }
+}
+
+const char* SaveExtension(int filterIndex) {
+  switch (filterIndex) {
+    case 1:
+      return ".bmp";
+    case 2:
+      return ".jpg";
+    case 4:
+      return ".tif";
+    case 5:
+      return ".wmf";
+    case 6:
+      return ".emf";
+    default:
+      return ".png";
+  }
+}
+
+}  // namespace
+
+bool BitmapOpenDialog(const std::string& initialDir, const std::string& defaultExt,
+                      TBitmapFilter filter, std::string& fileName, bool keepPdf) {
+  PictureFileDialog dialog;
+  dialog.kind = PictureFileDialog::Kind::open;
+  SetOpenFilter(dialog, filter, defaultExt);
+  dialog.InitialDir = initialDir;
+  dialog.FileName = fileName;
+  if (!ExecutePictureFileDialog(dialog)) return false;
+  const bool isPdf = CompareText(ExtractFileExt(dialog.FileName), ".pdf") == 0;
+  if (!isPdf || keepPdf) {
+    fileName = dialog.FileName;
+    return true;
+  }
+  fileName = initialDir + ChangeFileExt(ExtractFileName(dialog.FileName), ".png");
+  return ConvertPdfPageToBmpDialog(dialog.FileName, fileName) > 0;
+}
+
+bool BitmapSaveDialog(const std::string& initialDir, const std::string& defaultExt,
+                      bool withMetafiles, std::string& fileName, bool changeDir) {
+  PictureFileDialog dialog;
+  dialog.kind = PictureFileDialog::Kind::save;
+  dialog.Filter = GetSaveFilter(withMetafiles);
+  dialog.FilterIndex = GetSaveFilterIndex(defaultExt);
+  dialog.InitialDir = initialDir;
+  dialog.FileName = fileName;
+  dialog.ofOverwritePrompt = true;
+  dialog.ofNoChangeDir = !changeDir;
+  if (!ExecutePictureFileDialog(dialog)) return false;
+  fileName = ChangeFileExt(dialog.FileName, SaveExtension(dialog.FilterIndex));
+  return true;
+}
+
+int ConvertPdfPageToBmpDialog(const std::string& pdfFile, std::string& bmpFile) {
+  const auto& choosePage = HostPorts().pdfPageChooser;
+  return choosePage ? choosePage(pdfFile, bmpFile) : 0;
+}
+
+}  // namespace rasterkit
