@@ -1,0 +1,123 @@
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/host/graphics/icon.h>
+#include <rasterkit/host/graphics/jpeg_image.h>
+#include <rasterkit/host/graphics/metafile.h>
+#include <rasterkit/host/graphics/picture_registry.h>
+#include <rasterkit/host/graphics/png_image.h>
+#include <rasterkit/host/runtime/errors.h>
+
+#include "tests/support/same_pixels.h"
+#include "tests/support/temp_folder.h"
+#include "tests/support/test_pictures.h"
+
+namespace rasterkit {
+namespace {
+
+template <class T>
+bool Makes(const std::string& extension) {
+  return dynamic_cast<T*>(TPicture::CreateForExtension(extension).get()) != nullptr;
+}
+
+TEST(PictureRegistry, Host_Should_RegisterItsFormats) {
+  EXPECT_TRUE(Makes<TBitmap>("bmp"));
+  EXPECT_TRUE(Makes<TMetafile>("wmf"));
+  EXPECT_TRUE(Makes<TMetafile>("emf"));
+  EXPECT_TRUE(Makes<TPngImage>("png"));
+  EXPECT_TRUE(Makes<TIcon>("ico"));
+  const std::vector<TPicture::Format> formats = TPicture::Formats();
+  ASSERT_GE(formats.size(), 5u);
+  EXPECT_EQ(formats[0].extension, "BMP");
+  EXPECT_EQ(formats[4].extension, "ICO");
+}
+
+TEST(PictureRegistry, Lookup_Should_BeExactButForCase) {
+  EXPECT_TRUE(Makes<TPngImage>(".PnG"));
+  EXPECT_EQ(TPicture::CreateForExtension("pn"), nullptr);
+  EXPECT_EQ(TPicture::CreateForExtension("pngx"), nullptr);
+  EXPECT_EQ(TPicture::CreateForExtension(""), nullptr);
+  EXPECT_EQ(TPicture::CreateForExtension("."), nullptr);
+  EXPECT_EQ(TPicture::CreateForExtension("..png"), nullptr);
+}
+
+TEST(PictureRegistry, Registration_Should_BeFoundFirst_And_VanishWithItsClass) {
+  class Special : public TJPEGImage {};
+  TPicture::RegisterFileFormat("x1", "one", TGraphicClass::Of<Special>());
+  TPicture::RegisterFileFormat("BMP", "mine", TGraphicClass::Of<Special>());
+  EXPECT_TRUE(Makes<Special>("X1"));
+  EXPECT_TRUE(Makes<Special>("bmp"));
+  TPicture::UnregisterGraphicClass(TGraphicClass::Of<Special>());
+  EXPECT_EQ(TPicture::CreateForExtension("x1"), nullptr);
+  EXPECT_TRUE(Makes<TBitmap>("bmp"));
+}
+
+TEST(Picture, LoadFromFile_Should_UseTheClassOfTheExtension) {
+  const test::TempFolder folder;
+  TBitmap source = test::GradientBitmap(pf24bit, 9, 7);
+  source.SaveToFile(folder / "a.BMP");
+  TPicture picture;
+  EXPECT_EQ(picture.Graphic(), nullptr);
+  picture.LoadFromFile(folder / "a.BMP");
+  ASSERT_NE(dynamic_cast<TBitmap*>(picture.Graphic()), nullptr);
+  EXPECT_TRUE(test::SamePixels(source, dynamic_cast<TBitmap&>(*picture.Graphic())));
+  EXPECT_THROW(picture.LoadFromFile(folder / "a.xyz"), UnsupportedError);
+  EXPECT_THROW(picture.LoadFromFile(folder / "b.bmp"), FileError);
+  EXPECT_EQ(picture.Graphic()->Width(), 9) << "a failed load keeps the picture";
+  EXPECT_NE(picture.TakeGraphic(), nullptr);
+  EXPECT_EQ(picture.Graphic(), nullptr);
+}
+
+// What a message says to somebody who tried.
+template <class Action>
+std::string Refusal(Action action) {
+  try {
+    action();
+  } catch (const UnsupportedError& error) {
+    return error.what();
+  }
+  return "nothing was refused";
+}
+
+TEST(Metafile, Should_RefuseByName_When_ContentIsNeeded) {
+  const test::TempFolder folder;
+  std::ofstream(folder / "a.wmf") << "whatever";
+  TMetafile metafile;
+  TBitmap bitmap = test::GradientBitmap(pf24bit, 9, 7);
+  TMemoryStream stream;
+  for (const std::string& text :
+       {Refusal([&] { metafile.LoadFromStream(stream); }),
+        Refusal([&] { metafile.SaveToStream(stream); }), Refusal([&] { metafile.Assign(&bitmap); }),
+        Refusal([&] { bitmap.Assign(&metafile); })})
+    EXPECT_NE(text.find("metafile"), std::string::npos) << text;
+  const std::string text = Refusal([&] { metafile.LoadFromFile(folder / "a.wmf"); });
+  EXPECT_NE(text.find("a.wmf"), std::string::npos) << text;
+  EXPECT_TRUE(test::SamePixels(test::GradientBitmap(pf24bit, 9, 7), bitmap));
+}
+
+TEST(Metafile, Assign_Should_KeepTheTargetsMark) {
+  TMetafile enhanced, plain;
+  EXPECT_TRUE(enhanced.Enhanced());
+  plain.SetEnhanced(false);
+  plain.Assign(&enhanced);
+  EXPECT_FALSE(plain.Enhanced());
+  enhanced.Assign(&plain);
+  EXPECT_TRUE(enhanced.Enhanced());
+  EXPECT_TRUE(enhanced.Empty());
+}
+
+TEST(Icon, Should_RefuseByName_When_ContentIsNeeded) {
+  TIcon icon;
+  TBitmap bitmap;
+  TMemoryStream stream;
+  for (const std::string& text :
+       {Refusal([&] { icon.LoadFromStream(stream); }), Refusal([&] { icon.SaveToStream(stream); }),
+        Refusal([&] { icon.Assign(&bitmap); }), Refusal([&] { bitmap.Assign(&icon); })})
+    EXPECT_NE(text.find("icon"), std::string::npos) << text;
+}
+
+}  // namespace
+}  // namespace rasterkit
