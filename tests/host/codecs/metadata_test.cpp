@@ -1,0 +1,97 @@
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <rasterkit/host/codecs/metadata.h>
+
+namespace rasterkit {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using namespace std::string_literals;
+
+PictureMetadata Read(const std::string& bytes) {
+  static std::vector<uint8_t> kept;
+  kept.assign(bytes.begin(), bytes.end());
+  return ReadMetadata(kept);
+}
+
+std::string Segment(char marker, const std::string& payload) {
+  const size_t length = payload.size() + 2;
+  return "\xFF"s + marker + static_cast<char>(length >> 8) + static_cast<char>(length) + payload;
+}
+
+std::string Jpeg(const std::string& segments) {
+  return "\xFF\xD8"s + segments + "\xFF\xDA\0\2"s;
+}
+
+std::string Chunk(const std::string& type, const std::string& data) {
+  return "\0\0"s + static_cast<char>(data.size() >> 8) + static_cast<char>(data.size()) + type +
+         data + "sum!";
+}
+
+std::string Png(const std::string& chunks) {
+  return "\x89PNG\r\n\x1A\n" + Chunk("IHDR", std::string(13, '\1')) + chunks;
+}
+
+std::string ExifText(const PictureMetadata& metadata) {
+  return {metadata.exif.begin(), metadata.exif.end()};
+}
+
+TEST(Metadata, Jpeg_Should_ListEachKindOnceInFileOrder) {
+  const std::string xmp = Segment('\xE1', "http://ns.adobe.com/xap/1.0/\0<x/>"s);
+  const std::string exif = Segment('\xE1', "Exif\0\0II*\0"s);
+  const PictureMetadata metadata =
+      Read(Jpeg(Segment('\xE0', "JFIF\0"s) + xmp + exif + exif + Segment('\xED', "Photoshop") +
+                Segment('\xFE', "words") + Segment('\xE2', "ICC_PROFILE\0\1\1"s)));
+  EXPECT_THAT(metadata.kinds, ElementsAre("xmp", "exif", "iptc", "comment", "profile"));
+  EXPECT_EQ(ExifText(metadata), "II*\0"s);
+}
+
+TEST(Metadata, Jpeg_Should_SkipFillBytesBeforeAMarker) {
+  EXPECT_THAT(Read("\xFF\xD8\xFF\xFF"s + Segment('\xFE', "words") + "\xFF\xD9"s).kinds,
+              ElementsAre("comment"));
+}
+
+TEST(Metadata, Jpeg_Should_EndTheWalkAtTheScan) {
+  EXPECT_THAT(Read(Jpeg("") + Segment('\xFE', "words")).kinds, IsEmpty());
+}
+
+TEST(Metadata, Jpeg_Should_EndTheWalk_When_ALengthIsTooSmallOrTooLarge) {
+  EXPECT_THAT(Read("\xFF\xD8\xFF\xFE\0\1words and more"s).kinds, IsEmpty());
+  EXPECT_THAT(Read("\xFF\xD8\xFF\xE1\xFF\xFF"
+                   "Exif\0\0II*\0"s)
+                  .kinds,
+              IsEmpty());
+  EXPECT_THAT(Read("\xFF\xD8\xFF\xE1\0"s).kinds, IsEmpty());
+}
+
+TEST(Metadata, Jpeg_Should_GiveAnEmptyBlock_When_TheExifSegmentIsCutBehindItsName) {
+  const PictureMetadata metadata = Read(Jpeg(Segment('\xE1', "Exif\0"s)));
+  EXPECT_THAT(metadata.kinds, ElementsAre("exif"));
+  EXPECT_TRUE(metadata.exif.empty());
+}
+
+TEST(Metadata, Png_Should_ListItsChunks) {
+  const PictureMetadata metadata =
+      Read(Png(Chunk("iCCP", "p") + Chunk("tEXt", "a") + Chunk("iTXt", "XML:com.adobe.xmp") +
+               Chunk("IDAT", "data") + Chunk("eXIf", "MM\0*"s)));
+  EXPECT_THAT(metadata.kinds, ElementsAre("profile", "text", "xmp", "exif"));
+  EXPECT_EQ(ExifText(metadata), "MM\0*"s);
+}
+
+TEST(Metadata, Png_Should_EndTheWalk_When_AChunkIsLongerThanTheFile) {
+  EXPECT_THAT(Read(Png("\xFF\xFF\xFF\xFFtEXtdata and more")).kinds, IsEmpty());
+}
+
+TEST(Metadata, OtherBytes_Should_HaveNone) {
+  for (const std::string& bytes :
+       {""s, "\xFF"s, "\xFF\xD8"s, "BM"s, "\x89PNG\r\n\x1A\n"s, "words"s})
+    EXPECT_THAT(Read(bytes).kinds, IsEmpty());
+}
+
+}  // namespace
+}  // namespace rasterkit
