@@ -1,7 +1,8 @@
 # The source tree is the include tree: `#include <rasterkit/host/runtime/errors.h>` is host/runtime/errors.h, in a
 # checkout and after installation alike.
+set(RASTERKIT_TOP_ROOMS host jpegexif tifftobmp bitmaptools package)
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include/rasterkit)
-foreach(room host jpegexif tifftobmp bitmaptools package)
+foreach(room IN LISTS RASTERKIT_TOP_ROOMS)
   file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${room} ${PROJECT_BINARY_DIR}/include/rasterkit/${room} SYMBOLIC)
 endforeach()
 
@@ -11,6 +12,27 @@ function(rasterkit_room)
   list(TRANSFORM ROOM_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   target_sources(rasterkit_objects PRIVATE ${ROOM_SOURCES})
   file(RELATIVE_PATH place ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+  foreach(header IN LISTS ROOM_PUBLIC_HEADERS)
+    set_property(GLOBAL APPEND PROPERTY RASTERKIT_PUBLIC_HEADERS ${place}/${header})
+  endforeach()
   list(TRANSFORM ROOM_PUBLIC_HEADERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   install(FILES ${ROOM_PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/rasterkit/${place})
+endfunction()
+
+# After all rooms: <rasterkit/bitmaptools.h> and its like, each with every public header of its room, made from the
+# lists above so that none is forgotten.
+function(rasterkit_umbrella_headers)
+  get_property(headers GLOBAL PROPERTY RASTERKIT_PUBLIC_HEADERS)
+  list(SORT headers)
+  foreach(room IN LISTS RASTERKIT_TOP_ROOMS)
+    set(lines "#pragma once\n\n/// Every public header of this room.\n")
+    set(of_room ${headers})
+    list(FILTER of_room INCLUDE REGEX "^${room}/")
+    foreach(header IN LISTS of_room)
+      string(APPEND lines "#include <rasterkit/${header}>\n")
+    endforeach()
+    set(umbrella ${PROJECT_BINARY_DIR}/include/rasterkit/${room}.h)
+    file(CONFIGURE OUTPUT ${umbrella} CONTENT "${lines}" @ONLY)
+    install(FILES ${umbrella} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/rasterkit)
+  endforeach()
 endfunction()
