@@ -1,0 +1,43 @@
+#pragma once
+
+/// The host framework: runtime, rasters, codecs, graphic classes.
+
+#include <rasterkit/host/codecs/bmp_decoder.h>
+#include <rasterkit/host/codecs/bmp_encoder.h>
+#include <rasterkit/host/codecs/codec_report.h>
+#include <rasterkit/host/codecs/decode_picture.h>
+#include <rasterkit/host/codecs/jpeg_decoder.h>
+#include <rasterkit/host/codecs/jpeg_encoder.h>
+#include <rasterkit/host/codecs/picture_type.h>
+#include <rasterkit/host/codecs/png_decoder.h>
+#include <rasterkit/host/codecs/png_encoder.h>
+#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/host/graphics/graphic.h>
+#include <rasterkit/host/graphics/icon.h>
+#include <rasterkit/host/graphics/jpeg_image.h>
+#include <rasterkit/host/graphics/metafile.h>
+#include <rasterkit/host/graphics/picture_registry.h>
+#include <rasterkit/host/graphics/png_image.h>
+#include <rasterkit/host/raster/blit.h>
+#include <rasterkit/host/raster/convert.h>
+#include <rasterkit/host/raster/fill.h>
+#include <rasterkit/host/raster/palette.h>
+#include <rasterkit/host/raster/pixel_format.h>
+#include <rasterkit/host/raster/raster.h>
+#include <rasterkit/host/raster/stroke.h>
+#include <rasterkit/host/runtime/application.h>
+#include <rasterkit/host/runtime/atomic_file.h>
+#include <rasterkit/host/runtime/critical_section.h>
+#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/host/runtime/export.h>
+#include <rasterkit/host/runtime/file_name.h>
+#include <rasterkit/host/runtime/memory_budget.h>
+#include <rasterkit/host/runtime/pixel_memory.h>
+#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/host/runtime/rounding.h>
+#include <rasterkit/host/runtime/stream.h>
+#include <rasterkit/host/runtime/text.h>
+#include <rasterkit/host/runtime/thread.h>
+#include <rasterkit/host/runtime/thread_queue.h>
+#include <rasterkit/host/runtime/timer.h>
