@@ -2,7 +2,10 @@
 
 /// Graphic files and types, colours, palettes and transparency, the parallel pixel engine.
 
+#include <rasterkit/bitmaptools/engine/manage_threads.h>
 #include <rasterkit/bitmaptools/engine/orient.h>
+#include <rasterkit/bitmaptools/engine/rotate.h>
+#include <rasterkit/bitmaptools/engine/rotate_thread.h>
 #include <rasterkit/bitmaptools/files/file_filters.h>
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/bitmaptools/files/picture_file_dialogs.h>
