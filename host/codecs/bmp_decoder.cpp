@@ -1,11 +1,9 @@
-#include <algorithm>
-#include <cstring>
 #include <memory>
-#include <span>
+#include <new>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include <rasterkit/host/codecs/alpha_rows.h>
 #include <rasterkit/host/codecs/bmp_decoder.h>
 #include <rasterkit/host/codecs/bmp_header.h>
 #include <rasterkit/host/codecs/bmp_masks.h>
@@ -63,27 +61,16 @@ bool IsConverted(const BmpHeader& header, TPixelFormat format) {
 }
 
 /// Four 2-bit indexes a byte become two bytes of two nibbles.
-void Widen2BitRow(const uint8_t* source, uint8_t* target, int width) {
-  for (int x = 0; x < width; x += 4, ++source) {
+void Widen2BitRow(const uint8_t* source, uint8_t* target, size_t width) {
+  for (size_t x = 0; x < width; x += 4, ++source) {
     *target++ = static_cast<uint8_t>((*source >> 6 << 4) | (*source >> 4 & 3));
     if (x + 2 < width) *target++ = static_cast<uint8_t>((*source >> 2 & 3) << 4 | (*source & 3));
   }
 }
 
 /// The bit above 5-5-5 means nothing in the file and is 0 in the raster.
-void ClearTopBits(uint8_t* row, int width) {
-  for (int x = 0; x < width; ++x) row[2 * x + 1] &= 0x7F;
-}
-
-void SetAlpha(uint8_t* row, int width, uint8_t alpha) {
-  for (int x = 0; x < width; ++x) row[4 * x + 3] = alpha;
-}
-
-/// All bits that any alpha of the row has.
-uint8_t GatherAlpha(const uint8_t* row, int width) {
-  uint8_t seen = 0;
-  for (int x = 0; x < width; ++x) seen |= row[4 * x + 3];
-  return seen;
+void ClearTopBits(uint8_t* row, size_t width) {
+  for (size_t x = 0; x < width; ++x) row[2 * x + 1] &= 0x7F;
 }
 
 HPALETTE ReadPalette(TStream& stream, uint64_t start, const BmpHeader& header) {
@@ -181,7 +168,7 @@ void BmpDecoder::RequireMemory(TPixelFormat format) const {
 
 void BmpDecoder::ReadRows(Raster& raster) {
   const TPixelFormat format = raster.Format();
-  const int width = header_.width;
+  const auto width = static_cast<size_t>(header_.width);
   const bool hasAlpha = header_.masks.alpha != 0;
   BmpRowRules rules;
   rules.isConverted = IsConverted(header_, format);
@@ -189,7 +176,7 @@ void BmpDecoder::ReadRows(Raster& raster) {
   if (rules.isConverted && format != pf4bit) {
     masked = std::make_unique<BmpMaskedRows>(header_.masks, header_.bits);
   }
-  uint8_t alphaSeen = 0;
+  bool alphaSeen = false;
   rules.finish = [&](const uint8_t* source, uint8_t* target) {
     if (masked) {
       format == pf24bit ? masked->To24(source, target, width) : masked->To32(source, target, width);
@@ -198,16 +185,16 @@ void BmpDecoder::ReadRows(Raster& raster) {
     } else if (format == pf15bit) {
       ClearTopBits(target, width);
     } else if (format == pf32bit && !hasAlpha) {
-      SetAlpha(target, width, 255);
+      MakeOpaque(target, width);
     }
-    if (hasAlpha) alphaSeen |= GatherAlpha(target, width);
+    if (hasAlpha && !alphaSeen) alphaSeen = HasAnyAlpha(target, width);
   };
   ReadBmpRows(stream_, header_, rules, raster, report_);
-  if (alphaSeen != 0) {
+  if (alphaSeen) {
     raster.alphaFormat = afDefined;
   } else if (hasAlpha) {
     // Many writers state an alpha channel and leave it 0: such a picture is opaque, not invisible.
-    for (int y = 0; y < header_.height; ++y) SetAlpha(raster.Row(y), width, 255);
+    for (int y = 0; y < header_.height; ++y) MakeOpaque(raster.Row(y), width);
   }
 }
 
@@ -217,17 +204,24 @@ void BmpDecoder::AddProfile(Raster& raster) {
       ReadPart(stream_, start_ + header_.profileOffset, header_.profileBytes));
 }
 
-}  // namespace
-
-Raster DecodeBmp(TStream& stream, CodecReport* report) {
-  CodecReport unread;
-  CodecReport& target = report != nullptr ? *report : unread;
-  if (stream.Size() > stream.Position()) return BmpDecoder(stream, target).Decode();
+Raster DecodeStream(TStream& stream, CodecReport& report) {
+  if (stream.Size() > stream.Position()) return BmpDecoder(stream, report).Decode();
   // Pipes have no size and cannot be read from any place but their beginning.
   const std::vector<uint8_t> bytes = stream.ReadToEnd();
   if (bytes.empty()) throw FormatError("BMP: there are no data");
   TSpanStream memory(bytes);
-  return BmpDecoder(memory, target).Decode();
+  return BmpDecoder(memory, report).Decode();
+}
+
+}  // namespace
+
+Raster DecodeBmp(TStream& stream, CodecReport* report) {
+  CodecReport unread;
+  try {
+    return DecodeStream(stream, report != nullptr ? *report : unread);
+  } catch (const std::bad_alloc&) {
+    throw LimitError("BMP: the system has no memory for the picture");
+  }
 }
 
 }  // namespace rasterkit

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/host/codecs/alpha_rows.h>
 #include <rasterkit/host/codecs/bmp_encoder.h>
 #include <rasterkit/host/codecs/bmp_format.h>
 #include <rasterkit/host/runtime/errors.h>
@@ -179,7 +180,7 @@ void BmpEncoder::CopyRow(int y, uint8_t* target) const {
   std::memset(target + rowBytes, 0, raster_.Stride() - rowBytes);
   if (raster_.Format() != pf32bit || HasAlpha()) return;
   // Programs that take the unused byte for alpha then see an opaque picture.
-  for (int x = 0; x < raster_.Width(); ++x) target[4 * x + 3] = 255;
+  MakeOpaque(target, static_cast<size_t>(raster_.Width()));
 }
 
 void BmpEncoder::WriteRows(TStream& stream) const {

@@ -146,8 +146,8 @@ void HeaderReader::CheckDepth() const {
       break;
     case BmpCompression::jpeg:
     case BmpCompression::png:
-      fits = true;
-      break;  // the embedded picture has its own depth
+      fits = bits <= 32;  // the embedded picture has its own depth
+      break;
   }
   if (!fits) {
     throw FormatError("BMP: " + std::to_string(bits) + " bits a pixel are not possible with " +

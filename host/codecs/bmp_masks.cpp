@@ -50,8 +50,8 @@ uint32_t BmpMaskedRows::Pixel(const uint8_t* source) const {
   return pixel;
 }
 
-void BmpMaskedRows::To24(const uint8_t* source, uint8_t* target, int width) const {
-  for (int x = 0; x < width; ++x, source += pixelBytes_, target += 3) {
+void BmpMaskedRows::To24(const uint8_t* source, uint8_t* target, size_t width) const {
+  for (size_t x = 0; x < width; ++x, source += pixelBytes_, target += 3) {
     const uint32_t pixel = Pixel(source);
     target[0] = blue_.Of(pixel);
     target[1] = green_.Of(pixel);
@@ -59,8 +59,8 @@ void BmpMaskedRows::To24(const uint8_t* source, uint8_t* target, int width) cons
   }
 }
 
-void BmpMaskedRows::To32(const uint8_t* source, uint8_t* target, int width) const {
-  for (int x = 0; x < width; ++x, source += pixelBytes_, target += 4) {
+void BmpMaskedRows::To32(const uint8_t* source, uint8_t* target, size_t width) const {
+  for (size_t x = 0; x < width; ++x, source += pixelBytes_, target += 4) {
     const uint32_t pixel = Pixel(source);
     target[0] = blue_.Of(pixel);
     target[1] = green_.Of(pixel);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -36,9 +37,9 @@ class BmpMaskedRows {
   BmpMaskedRows(const BmpMasks& masks, int pixelBits);
 
   /// `target` has 3 bytes a pixel, B G R.
-  void To24(const uint8_t* source, uint8_t* target, int width) const;
+  void To24(const uint8_t* source, uint8_t* target, size_t width) const;
   /// `target` has 4 bytes a pixel, B G R A; alpha is 255 where there is no alpha mask.
-  void To32(const uint8_t* source, uint8_t* target, int width) const;
+  void To32(const uint8_t* source, uint8_t* target, size_t width) const;
 
  private:
   uint32_t Pixel(const uint8_t* source) const;

@@ -32,8 +32,7 @@ class RowReader {
         rules_(rules),
         raster_(raster),
         stride_(FileStride(header)),
-        batchRows_(static_cast<int>(std::clamp<size_t>(
-            kBatchBytes / stride_, 1, std::min<size_t>(kBatchRows, header.height)))) {}
+        batchRows_(static_cast<int>(std::clamp<size_t>(kBatchBytes / stride_, 1, kBatchRows))) {}
 
   /// Fills all rows, with zeros where the data end early; returns how many were there completely.
   int Read();
@@ -94,12 +93,14 @@ int RowReader::Read() {
   const size_t padding = stride_ - FileRowBytes(header_);
   int complete = 0;
   bool isAtEnd = false;
-  for (int first = 0; first < header_.height; first += batchRows_) {
-    const int count = std::min(batchRows_, header_.height - first);
+  int count = 0;
+  for (int first = 0; first < header_.height; first += count) {
+    count = std::min(batchRows_, header_.height - first);
     const size_t got = isAtEnd ? 0 : ReadBatch(first, count);
     for (int i = 0; i < count; ++i) FinishRow(first + i, static_cast<size_t>(i) * stride_, got);
     // The last row's padding may be missing: that takes nothing from the picture.
-    const int there = static_cast<int>(std::min<size_t>((got + padding) / stride_, count));
+    const int there =
+        static_cast<int>(std::min((got + padding) / stride_, static_cast<size_t>(count)));
     if (!isAtEnd) complete += there;
     isAtEnd = isAtEnd || there < count;
   }
