@@ -19,11 +19,6 @@ bool VisitPixels(const Raster& source, Visit visit) {
   return true;
 }
 
-constexpr std::array<int16_t, 3> InQuarters(int blue, int green, int red) {
-  return {static_cast<int16_t>(blue * 4), static_cast<int16_t>(green * 4),
-          static_cast<int16_t>(red * 4)};
-}
-
 // Distinct colours by open addressing, half full at most.
 class DistinctColors {
  public:
@@ -39,7 +34,7 @@ class DistinctColors {
       if (slots_[slot] == 0) {
         if (colors_.size() == kManyColors) return false;
         colors_.push_back(color);
-        points.push_back({InQuarters(pixel.b, pixel.g, pixel.r), 0});
+        points.push_back(MakeColorPoint(pixel.r, pixel.g, pixel.b, 0));
         slots_[slot] = static_cast<uint32_t>(colors_.size());
       }
       lastColor_ = color;

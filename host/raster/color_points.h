@@ -14,6 +14,12 @@ struct ColorPoint {
   uint64_t weight = 0;
 };
 
+constexpr ColorPoint MakeColorPoint(int red, int green, int blue, uint64_t weight) {
+  return {{static_cast<int16_t>(blue * 4), static_cast<int16_t>(green * 4),
+           static_cast<int16_t>(red * 4)},
+          weight};
+}
+
 /// The colours of a picture in a fixed order: each one as it is while there are few (a smooth
 /// gradient stays smooth), else the mean colours of a grid of 32 x 32 x 32 boxes.
 std::vector<ColorPoint> CollectColorPoints(const Raster& source);

@@ -3,9 +3,10 @@
 #include <optional>
 #include <vector>
 
+#include <rasterkit/host/kernels/convert_rows.h>
 #include <rasterkit/host/kernels/gray.h>
+#include <rasterkit/host/raster/adaptive_palette.h>
 #include <rasterkit/host/raster/index_convert.h>
-#include <rasterkit/host/raster/quantize.h>
 #include <rasterkit/host/raster/row_conversion.h>
 
 namespace rasterkit {
@@ -13,14 +14,16 @@ namespace {
 
 using IndexMap = std::array<uint8_t, 256>;
 
-std::array<bool, 256> UsedIndexes(const Raster& source) {
-  std::array<bool, 256> used{};
+using IndexCounts = std::array<uint64_t, 256>;
+
+IndexCounts CountIndexes(const Raster& source) {
+  IndexCounts counts{};
   std::vector<uint8_t> indexes(static_cast<size_t>(source.Width()));
   for (int y = 0; y < source.Height(); ++y) {
     UnpackIndexes(source.Row(y), source.Format(), source.Width(), indexes.data());
-    for (const uint8_t index : indexes) used[index] = true;
+    for (const uint8_t index : indexes) ++counts[index];
   }
-  return used;
+  return counts;
 }
 
 Raster MapIndexes(const Raster& source, TPixelFormat format, const IndexMap& map,
@@ -61,11 +64,11 @@ struct ColorMap {
 
 // Numbers the distinct colours of the used indexes in index order; nothing when there are more than
 // `limit`.
-std::optional<ColorMap> MapColors(const std::array<bool, 256>& used, const HPALETTE& palette,
+std::optional<ColorMap> MapColors(const IndexCounts& counts, const HPALETTE& palette,
                                   size_t limit) {
   ColorMap result;
   for (int i = 0; i < 256; ++i) {
-    if (!used[static_cast<size_t>(i)]) continue;
+    if (counts[static_cast<size_t>(i)] == 0) continue;
     tagPALETTEENTRY entry = palette.Entry(i);
     entry.peFlags = 0;
     const auto found = std::ranges::find(result.entries, entry);
@@ -73,6 +76,23 @@ std::optional<ColorMap> MapColors(const std::array<bool, 256>& used, const HPALE
     result.map[static_cast<size_t>(i)] = static_cast<uint8_t>(found - result.entries.begin());
     if (found == result.entries.end()) result.entries.push_back(entry);
   }
+  return result;
+}
+
+// An adaptive palette for the colours of the palette, weighted by how many pixels bear them.
+ColorMap MapNearest(const IndexCounts& counts, const HPALETTE& palette, size_t limit) {
+  std::vector<ColorPoint> points;
+  for (int i = 0; i < 256; ++i) {
+    const tagPALETTEENTRY entry = palette.Entry(i);
+    const uint64_t count = counts[static_cast<size_t>(i)];
+    if (count > 0)
+      points.push_back(MakeColorPoint(entry.peRed, entry.peGreen, entry.peBlue, count));
+  }
+  ColorMap result;
+  result.entries = ChooseAdaptivePalette(std::move(points), limit);
+  for (int i = 0; i < 256; ++i)
+    result.map[static_cast<size_t>(i)] =
+        static_cast<uint8_t>(NearestEntry(result.entries, EntryColor(palette.Entry(i))));
   return result;
 }
 
@@ -98,17 +118,17 @@ Raster ConvertIndexed(const Raster& source, TPixelFormat format) {
   if (format > source.Format())
     return MapIndexes(source, format, KeepIndexes(), ResizedPalette(source.palette, limit));
 
-  const std::array<bool, 256> used = UsedIndexes(source);
-  if (std::none_of(used.begin() + static_cast<ptrdiff_t>(limit), used.end(),
-                   [](bool u) { return u; }))
+  const IndexCounts counts = CountIndexes(source);
+  const auto beyond = counts.begin() + static_cast<ptrdiff_t>(limit);
+  if (std::all_of(beyond, counts.end(), [](uint64_t count) { return count == 0; }))
     return MapIndexes(source, format, KeepIndexes(), ResizedPalette(source.palette, limit));
 
-  if (std::optional<ColorMap> colors = MapColors(used, source.palette, limit)) {
-    if (format == pf1bit) ArrangeTwoColors(*colors);
-    colors->entries.resize(limit);
-    return MapIndexes(source, format, colors->map, HPALETTE(colors->entries));
-  }
-  return format == pf1bit ? ThresholdToMono(source) : QuantizeRaster(source, format);
+  std::optional<ColorMap> colors = MapColors(counts, source.palette, limit);
+  if (!colors && format == pf1bit) return ThresholdToMono(source);
+  if (!colors) colors = MapNearest(counts, source.palette, limit);
+  if (format == pf1bit) ArrangeTwoColors(*colors);
+  colors->entries.resize(limit);
+  return MapIndexes(source, format, colors->map, HPALETTE(colors->entries));
 }
 
 Raster ThresholdToMono(const Raster& source) {
@@ -118,13 +138,17 @@ Raster ThresholdToMono(const Raster& source) {
   target.palette = blackAndWhite;
   target.alphaFormat = afIgnored;
   const PixelTable table = MakePixelTable(source.palette);
-  std::vector<RGBArec> pixels(static_cast<size_t>(source.Width()));
-  std::vector<uint8_t> bits(pixels.size());
+  const auto width = static_cast<size_t>(source.Width());
+  std::vector<RGBArec> pixels(width);
+  std::vector<uint8_t> grays(width);
   for (int y = 0; y < source.Height(); ++y) {
-    RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
-    for (size_t x = 0; x < pixels.size(); ++x)
-      bits[x] = kernels::GrayOf(pixels[x].r, pixels[x].g, pixels[x].b) > 127 ? 1 : 0;
-    PackIndexes(bits.data(), pf1bit, source.Width(), target.Row(y));
+    if (source.Format() == pf24bit) {
+      kernels::GrayOfRow24(source.Row(y), width, grays.data());
+    } else {
+      RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
+      kernels::GrayOfRow32(reinterpret_cast<const uint8_t*>(pixels.data()), width, grays.data());
+    }
+    kernels::BitsAbove(grays.data(), width, 127, target.Row(y));
   }
   target.ClearPadding();
   return target;

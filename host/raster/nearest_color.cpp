@@ -25,7 +25,8 @@ AxisRange DistanceToCell(int value, int low) {
 
 }  // namespace
 
-NearestColor::NearestColor(std::span<const tagPALETTEENTRY> entries) : cells_(32 * 32 * 32) {
+NearestColor::NearestColor(std::span<const tagPALETTEENTRY> entries)
+    : cells_(32 * 32 * 32), answers_(1 << 16) {
   for (size_t i = 0; i < std::min<size_t>(entries.size(), 256); ++i) {
     const auto sameColor = [&](const Entry& entry) {
       return entry.red == entries[i].peRed && entry.green == entries[i].peGreen &&
@@ -36,6 +37,7 @@ NearestColor::NearestColor(std::span<const tagPALETTEENTRY> entries) : cells_(32
         {entries[i].peRed, entries[i].peGreen, entries[i].peBlue, static_cast<uint8_t>(i)});
   }
   if (entries_.empty()) entries_.push_back({});
+  answers_[0] = Find({});
 }
 
 uint8_t NearestColor::Find(const RGBArec& pixel) {

@@ -14,7 +14,8 @@ namespace rasterkit {
 /// the lowest index among equals, exactly as `NearestEntry`.
 ///
 /// The colour cube is cut into cells of 8 x 8 x 8 colours. A cell's first question finds out which
-/// entries can be nearest to any colour in it; from then on only those few are compared.
+/// entries can be nearest to any colour in it; from then on only those few are compared. Answers
+/// are remembered too: a picture asks for the same colours again and again.
 class NearestColor {
  public:
   explicit NearestColor(std::span<const tagPALETTEENTRY> entries);
@@ -22,9 +23,9 @@ class NearestColor {
   uint8_t Of(const RGBArec& pixel) {
     const uint32_t color =
         static_cast<uint32_t>(pixel.r) << 16 | static_cast<uint32_t>(pixel.g) << 8 | pixel.b;
-    if (color == lastColor_) return last_;
-    lastColor_ = color;
-    return last_ = Find(pixel);
+    uint32_t& answer = answers_[color * 0x9E3779B1u >> 16];
+    if (answer >> 8 != color) answer = color << 8 | Find(pixel);
+    return static_cast<uint8_t>(answer);
   }
 
  private:
@@ -43,8 +44,9 @@ class NearestColor {
   std::vector<Entry> entries_;
   std::vector<Cell> cells_;
   std::vector<uint8_t> candidates_;  // positions in entries_
-  uint32_t lastColor_ = ~0u;
-  uint8_t last_ = 0;
+  // The last answer of each hash, colour above index. Zero is black's, which only slot 0 can ask
+  // for.
+  std::vector<uint32_t> answers_;
 };
 
 }  // namespace rasterkit

@@ -4,7 +4,7 @@
 
 namespace rasterkit {
 
-/// A raster of any format as pf8bit or pf4bit, judged by colours alone (alpha is dropped). The
+/// A true-colour raster as pf8bit or pf4bit, judged by colours alone (alpha is dropped). The
 /// palette has all 256 or 16 entries.
 ///
 /// With no more colours than entries the result is exact: a picture of greys gets the grey ramp at

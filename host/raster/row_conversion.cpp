@@ -1,5 +1,6 @@
 #include <cstring>
 
+#include <rasterkit/host/kernels/convert_rows.h>
 #include <rasterkit/host/raster/pixel_words.h>
 #include <rasterkit/host/raster/row_conversion.h>
 
@@ -15,18 +16,31 @@ constexpr TColor ColorOf(const RGBArec& pixel) {
   return RGB(pixel.r, pixel.g, pixel.b);
 }
 
+// `store` takes position and index, from left to right; whole bytes first, so that their pixels
+// unroll.
+template <int kBits, class Store>
+void ForEachPackedIndex(const uint8_t* row, int width, Store store) {
+  constexpr int kPerByte = 8 / kBits, kMask = (1 << kBits) - 1;
+  const auto indexAt = [&](int x, int i) {
+    return row[x / kPerByte] >> (8 - kBits * (i + 1)) & kMask;
+  };
+  int x = 0;
+  for (; x + kPerByte <= width; x += kPerByte)
+    for (int i = 0; i < kPerByte; ++i) store(x + i, indexAt(x, i));
+  for (int i = 0; x + i < width; ++i) store(x + i, indexAt(x, i));
+}
+
 template <class Store>
 void ForEachIndex(const uint8_t* row, TPixelFormat format, int width, Store store) {
-  switch (format) {
-    case pf1bit:
-      for (int x = 0; x < width; ++x) store(x, row[x / 8] >> (7 - x % 8) & 1);
-      break;
-    case pf4bit:
-      for (int x = 0; x < width; ++x) store(x, row[x / 2] >> (x % 2 == 0 ? 4 : 0) & 15);
-      break;
-    default:
-      for (int x = 0; x < width; ++x) store(x, row[x]);
+  if (format == pf1bit) {
+    ForEachPackedIndex<1>(row, width, store);
+  } else {
+    ForEachPackedIndex<4>(row, width, store);
   }
+}
+
+const uint8_t* BytesOf(const PixelTable& table) {
+  return reinterpret_cast<const uint8_t*>(table.data());
 }
 
 }  // namespace
@@ -74,11 +88,14 @@ void RowTo32(const uint8_t* row, TPixelFormat format, int width, const PixelTabl
       for (int x = 0; x < width; ++x) pixels[x] = Opaque(ColorFromWord565(LoadWord(row + 2 * x)));
       break;
     case pf24bit:
-      for (int x = 0; x < width; ++x, row += 3) pixels[x] = {row[0], row[1], row[2], 255};
+      kernels::Row24To32(row, static_cast<size_t>(width), reinterpret_cast<uint8_t*>(pixels));
+      break;
+    case pf8bit:
+      kernels::Row8To32(row, static_cast<size_t>(width), BytesOf(table),
+                        reinterpret_cast<uint8_t*>(pixels));
       break;
     case pf1bit:
     case pf4bit:
-    case pf8bit:
       ForEachIndex(row, format, width,
                    [&](int x, int index) { pixels[x] = table[static_cast<size_t>(index)]; });
       break;
@@ -96,7 +113,7 @@ void RowFrom32(const RGBArec* pixels, TPixelFormat format, int width, uint8_t* r
       for (int x = 0; x < width; ++x) StoreWord(row + 2 * x, Word565FromColor(ColorOf(pixels[x])));
       break;
     case pf24bit:
-      for (int x = 0; x < width; ++x, row += 3) std::memcpy(row, &pixels[x], 3);
+      kernels::Row32To24(reinterpret_cast<const uint8_t*>(pixels), static_cast<size_t>(width), row);
       break;
     default:
       std::memcpy(row, pixels, static_cast<size_t>(width) * sizeof(RGBArec));
@@ -106,9 +123,12 @@ void RowFrom32(const RGBArec* pixels, TPixelFormat format, int width, uint8_t* r
 void RowTo24(const uint8_t* row, TPixelFormat format, int width, const PixelTable& table,
              RGBrec* pixels) {
   switch (format) {
+    case pf8bit:
+      kernels::Row8To24(row, static_cast<size_t>(width), BytesOf(table),
+                        reinterpret_cast<uint8_t*>(pixels));
+      break;
     case pf1bit:
     case pf4bit:
-    case pf8bit:
       ForEachIndex(row, format, width, [&](int x, int index) {
         std::memcpy(&pixels[x], &table[static_cast<size_t>(index)], 3);
       });
@@ -126,7 +146,7 @@ void RowTo24(const uint8_t* row, TPixelFormat format, int width, const PixelTabl
       std::memcpy(pixels, row, static_cast<size_t>(width) * 3);
       break;
     default:
-      for (int x = 0; x < width; ++x, row += 4) std::memcpy(&pixels[x], row, 3);
+      kernels::Row32To24(row, static_cast<size_t>(width), reinterpret_cast<uint8_t*>(pixels));
   }
 }
 
