@@ -27,16 +27,27 @@ constexpr Room kRooms[] = {
     {"jpegexif/", 9},
     {"bitmaptools/files/", 10},
     {"package/", 11},
-    {"include/rasterkit/", 12},
+    {"umbrella/", 12},
     {"qt/", 13},
     {"dialogs/", 14},
     {"apps/", 15},
+    {"examples/", 15},
 };
 
 const Room* RoomOf(std::string_view path) {
   const auto holds = [&](const Room& room) { return path.starts_with(room.prefix); };
   const auto* room = std::find_if(std::begin(kRooms), std::end(kRooms), holds);
   return room == std::end(kRooms) ? nullptr : room;
+}
+
+/// Headers that the build makes of each part's public ones; no files of the tree.
+constexpr std::string_view kUmbrellas[] = {"umbrella/host.h", "umbrella/bitmaptools.h",
+                                           "umbrella/jpegexif.h", "umbrella/tifftobmp.h",
+                                           "umbrella/package.h"};
+
+bool Exists(const SourceTree& tree, const std::string& path) {
+  const auto* umbrella = std::find(std::begin(kUmbrellas), std::end(kUmbrellas), path);
+  return umbrella != std::end(kUmbrellas) || tree.contains(path);
 }
 
 /// The house's own file that an include names, or nothing when it is somebody else's. A name that
@@ -47,7 +58,7 @@ std::optional<std::string> Resolve(const SourceTree& tree, const std::string& fr
   if (!include.isQuoted) {
     if (!include.name.starts_with(house)) return std::nullopt;
     const std::string name = include.name.substr(house.size());
-    return name.find('/') == std::string::npos ? "include/rasterkit/" + name : name;
+    return name.find('/') == std::string::npos ? "umbrella/" + name : name;
   }
   const std::string beside = from.substr(0, from.rfind('/') + 1) + include.name;
   return tree.contains(beside) ? beside : include.name;
@@ -61,7 +72,7 @@ void CheckDoor(const SourceTree& tree, const std::string& from, const Include& i
                std::vector<std::string>& faults) {
   const std::optional<std::string> target = Resolve(tree, from, include);
   if (!target) return;
-  if (!tree.contains(*target)) {
+  if (!Exists(tree, *target)) {
     faults.push_back(Describe(from, include) + ", which is no file of the house");
     return;
   }
@@ -127,9 +138,8 @@ std::vector<std::string> FindTwins(const SourceTree& tree) {
   std::map<std::string, std::string> places;
   std::vector<std::string> faults;
   for (const auto& [path, includes] : tree) {
-    // Programs are not part of the library (each has its main), and umbrellas bear their room's
-    // name.
-    if (path.starts_with("apps/") || path.starts_with("include/")) continue;
+    // Programs are not part of the library: each has its main.
+    if (path.starts_with("apps/") || path.starts_with("examples/")) continue;
     const auto [place, isNew] = places.emplace(path.substr(path.rfind('/') + 1), path);
     if (!isNew) faults.push_back(place->second + " and " + path + " bear the same name");
   }
