@@ -20,8 +20,8 @@ using namespace rasterkit;
 namespace {
 
 /// A few bytes may claim any size; filling the default budget's 4 GiB for each input would leave
-/// no time to look for faults. Every check is the same at this size.
-constexpr uint64_t kPictureLimit = 4 * 1024 * 1024;
+/// no time to look for faults. Every way through the code is there at this size too.
+constexpr uint64_t kPictureLimit = 256 * 1024;
 
 void Require(bool holds, const char* what) {
   if (holds) return;
