@@ -155,8 +155,10 @@ Raster BmpDecoder::DecodePixels() {
 }
 
 void BmpDecoder::RequireMemory(TPixelFormat format) const {
-  const uint64_t bytes = uint64_t{StrideBytes(header_.width, StoredBitsPerPixel(format))} *
-                         static_cast<uint64_t>(header_.height);
+  // In 64 bits on every host: the lengths of rows are as untrusted as their number.
+  const auto rowBits =
+      static_cast<uint64_t>(header_.width) * static_cast<uint64_t>(StoredBitsPerPixel(format));
+  const uint64_t bytes = (rowBits + 31) / 32 * 4 * static_cast<uint64_t>(header_.height);
   RequirePictureMemory(bytes, "BMP: a picture of " + std::to_string(header_.width) + " x " +
                                   std::to_string(header_.height) + " pixels");
   if (IsRle()) {
