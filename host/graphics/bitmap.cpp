@@ -4,7 +4,6 @@
 
 #include <rasterkit/host/graphics/bitmap.h>
 #include <rasterkit/host/graphics/canvas.h>
-#include <rasterkit/host/graphics/draw_picture.h>
 #include <rasterkit/host/graphics/system_color.h>
 #include <rasterkit/host/raster/convert.h>
 #include <rasterkit/host/raster/fill.h>
@@ -191,10 +190,6 @@ TColor TBitmap::PixelColor(int x, int y) const {
   return raster_.PixelColor(x, y);
 }
 
-TColor TBitmap::AutomaticTransparentColor() const {
-  return PixelColor(0, Height() - 1);
-}
-
 TCanvas& TBitmap::Canvas() {
   if (!canvas_) canvas_ = std::make_unique<TCanvas>(*this);
   return *canvas_;
@@ -202,10 +197,6 @@ TCanvas& TBitmap::Canvas() {
 
 const Raster& TBitmap::Content() const {
   return raster_;
-}
-
-void TBitmap::DrawTo(TCanvas& canvas, int left, int top, int width, int height) const {
-  detail::DrawPicture(*this, raster_, canvas, {left, top, left + width, top + height});
 }
 
 void TBitmap::AssignToBitmap(TBitmap& target) const {

@@ -87,15 +87,12 @@ class RASTERKIT_EXPORT TBitmap : public TGraphic {
   /// Writes a Windows bitmap file, with the ICC profile, atomically.
   void SaveToFile(const std::string& fileName) override;
 
-  /// Draws the rows. With a defined alpha channel they are blended, else pixels of the transparent
-  /// colour are left out when the bitmap is `Transparent`.
-  void DrawTo(TCanvas& canvas, int left, int top, int width, int height) const override;
+  const Raster* Rows() const override { return &raster_; }
   void AssignToBitmap(TBitmap& target) const override;
 
  protected:
   void AssignFrom(const TGraphic& source) override;
   void Clear() override;
-  TColor AutomaticTransparentColor() const override;
 
  private:
   friend class TCanvas;

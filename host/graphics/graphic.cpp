@@ -1,9 +1,11 @@
-#include <new>
+#include <optional>
 
 #include <rasterkit/host/graphics/bitmap.h>
 #include <rasterkit/host/graphics/canvas.h>
 #include <rasterkit/host/graphics/graphic.h>
 #include <rasterkit/host/graphics/name_errors.h>
+#include <rasterkit/host/graphics/system_color.h>
+#include <rasterkit/host/raster/raster.h>
 #include <rasterkit/host/runtime/atomic_file.h>
 
 namespace rasterkit {
@@ -36,13 +38,22 @@ void TGraphic::SaveToFile(const std::string& fileName) {
 }
 
 void TGraphic::DrawTo(TCanvas& canvas, int left, int top, int width, int height) const {
-  TBitmap shown;
-  shown.Assign(this);
-  shown.DrawTo(canvas, left, top, width, height);
+  const Raster* rows = Rows();
+  if (rows == nullptr) {
+    TBitmap shown;
+    shown.Assign(this);
+    shown.DrawTo(canvas, left, top, width, height);
+    return;
+  }
+  std::optional<TColor> key;
+  if (Transparent()) key = ResolveColor(TransparentColor());
+  canvas.DrawRaster({left, top, left + width, top + height}, *rows, key);
 }
 
 TColor TGraphic::TransparentColor() const {
-  return transparentMode_ == tmAuto ? AutomaticTransparentColor() : transparentColor_;
+  const Raster* rows = transparentMode_ == tmAuto ? Rows() : nullptr;
+  if (rows == nullptr) return transparentColor_;
+  return Empty() ? clBlack : rows->PixelColor(0, rows->Height() - 1);
 }
 
 void TGraphic::SetTransparentColor(TColor color) {

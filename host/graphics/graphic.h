@@ -8,6 +8,7 @@
 
 namespace rasterkit {
 
+class Raster;
 class TBitmap;
 class TCanvas;
 
@@ -32,6 +33,9 @@ class RASTERKIT_EXPORT TGraphic {
   virtual int Width() const = 0;
   virtual int Height() const = 0;
   bool Empty() const { return Width() == 0 || Height() == 0; }
+  /// The rows that the graphic shows, where it holds such; null for one that must be drawn first.
+  /// They belong to the graphic and stay until it changes.
+  virtual const Raster* Rows() const { return nullptr; }
 
   /// Takes over what `source` shows, with its transparency, mode and colour; an absent source
   /// empties the graphic. Throws UnsupportedError for a pair without a rule (a bitmap into a
@@ -45,8 +49,9 @@ class RASTERKIT_EXPORT TGraphic {
   /// Writes at the stream's position, which is left at the end of what was written.
   virtual void SaveToStream(TStream& stream) = 0;
 
-  /// Draws the graphic into the rectangle (left, top, width, height) of the canvas, honouring
-  /// transparency.
+  /// Draws the graphic into the rectangle (left, top, width, height) of the canvas. Rows with a
+  /// defined alpha channel are blended; else the pixels of the transparent colour are left out when
+  /// the graphic is `Transparent`.
   virtual void DrawTo(TCanvas& canvas, int left, int top, int width, int height) const;
 
   virtual bool Transparent() const { return transparent_; }
@@ -79,8 +84,6 @@ class RASTERKIT_EXPORT TGraphic {
   virtual void AssignFrom(const TGraphic& source) = 0;
   /// Drops all content.
   virtual void Clear() = 0;
-  /// The colour of the bottom-left pixel.
-  virtual TColor AutomaticTransparentColor() const { return transparentColor_; }
 
   bool transparent_ = false;
   TTransparentMode transparentMode_ = tmAuto;

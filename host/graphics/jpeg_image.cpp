@@ -2,7 +2,7 @@
 
 #include <rasterkit/host/codecs/jpeg_decoder.h>
 #include <rasterkit/host/codecs/jpeg_encoder.h>
-#include <rasterkit/host/graphics/draw_picture.h>
+#include <rasterkit/host/graphics/convert_graphic.h>
 #include <rasterkit/host/graphics/jpeg_image.h>
 #include <rasterkit/host/runtime/errors.h>
 
@@ -58,23 +58,17 @@ void TJPEGImage::SaveToStream(TStream& stream) {
   stream.Write(*compressed_);
 }
 
-void TJPEGImage::DrawTo(TCanvas& canvas, int left, int top, int width, int height) const {
-  detail::DrawPicture(*this, Bitmap().Content(), canvas, {left, top, left + width, top + height});
-}
-
 void TJPEGImage::AssignToBitmap(TBitmap& target) const {
   Bitmap().AssignToBitmap(target);
   target.AssignTransparency(*this);
 }
 
 void TJPEGImage::AssignFrom(const TGraphic& source) {
-  TBitmap picture;
-  source.AssignToBitmap(picture);
-  const auto* jpeg = dynamic_cast<const TJPEGImage*>(&source);
-  if (jpeg == nullptr && !(picture.PixelFormat() == pf8bit && IsGrayRamp(picture.Palette())))
-    picture.SetPixelFormat(pf24bit);
-  bitmap_ = std::move(picture);
+  bitmap_ = detail::ConvertGraphic(source, [](const Raster& rows) {
+    return rows.Format() == pf8bit && IsGrayRamp(rows.palette) ? pf8bit : pf24bit;
+  });
   decodeLater_ = false;
+  const auto* jpeg = dynamic_cast<const TJPEGImage*>(&source);
   compressed_ = jpeg != nullptr ? jpeg->compressed_ : nullptr;
   if (jpeg != nullptr) quality_ = jpeg->quality_;
 }
@@ -83,10 +77,6 @@ void TJPEGImage::Clear() {
   bitmap_ = TBitmap();
   decodeLater_ = false;
   compressed_ = nullptr;
-}
-
-TColor TJPEGImage::AutomaticTransparentColor() const {
-  return Bitmap().PixelColor(0, Height() - 1);
 }
 
 }  // namespace rasterkit

@@ -23,6 +23,7 @@ class RASTERKIT_EXPORT TJPEGImage : public TGraphic {
 
   int Width() const override;
   int Height() const override;
+  const Raster* Rows() const override { return &Bitmap().Content(); }
 
   /// Any byte, 90 at first; clamped to 1 to 100 when encoding. A change takes effect at the next
   /// encoding: kept bytes stay until `Compress` or another picture.
@@ -38,10 +39,10 @@ class RASTERKIT_EXPORT TJPEGImage : public TGraphic {
   void LoadFromStream(TStream& stream) override;
   /// Throws FormatError for an empty picture.
   void SaveToStream(TStream& stream) override;
-  void DrawTo(TCanvas& canvas, int left, int top, int width, int height) const override;
   void AssignToBitmap(TBitmap& target) const override;
 
-  /// The decoded picture: 8-bit grey or 24-bit.
+  /// The decoded picture: 8-bit grey or 24-bit. Transparency is this graphic's matter: ask here,
+  /// not there.
   const TBitmap& Bitmap() const;
 
  protected:
@@ -49,7 +50,6 @@ class RASTERKIT_EXPORT TJPEGImage : public TGraphic {
   /// everything else becomes 24-bit.
   void AssignFrom(const TGraphic& source) override;
   void Clear() override;
-  TColor AutomaticTransparentColor() const override;
 
  private:
   using Bytes = std::shared_ptr<const std::vector<uint8_t>>;

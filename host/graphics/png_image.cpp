@@ -2,7 +2,7 @@
 
 #include <rasterkit/host/codecs/png_decoder.h>
 #include <rasterkit/host/codecs/png_encoder.h>
-#include <rasterkit/host/graphics/draw_picture.h>
+#include <rasterkit/host/graphics/convert_graphic.h>
 #include <rasterkit/host/graphics/png_image.h>
 #include <rasterkit/host/graphics/system_color.h>
 #include <rasterkit/host/runtime/errors.h>
@@ -10,8 +10,8 @@
 namespace rasterkit {
 namespace {
 
-bool DefinesAlpha(const TBitmap& bitmap) {
-  return bitmap.PixelFormat() == pf32bit && bitmap.AlphaFormat() == afDefined;
+bool DefinesAlpha(const Raster& rows) {
+  return rows.Format() == pf32bit && rows.alphaFormat == afDefined;
 }
 
 }  // namespace
@@ -26,10 +26,6 @@ int TPngImage::Height() const {
   return bitmap_.Height();
 }
 
-bool TPngImage::HasAlpha() const {
-  return DefinesAlpha(bitmap_);
-}
-
 void TPngImage::LoadFromStream(TStream& stream) {
   bitmap_ = TBitmap(DecodePng(stream.ReadToEnd()));
   AssignTransparency(bitmap_);
@@ -40,12 +36,9 @@ void TPngImage::SaveToStream(TStream& stream) {
   if (Empty()) throw FormatError("PNG: there is no picture to save");
   Raster& rows = bitmap_.raster_;
   rows.transparentColor.reset();
-  if (Transparent() && !HasAlpha()) rows.transparentColor = ResolveColor(TransparentColor());
+  if (Transparent() && !DefinesAlpha(rows))
+    rows.transparentColor = ResolveColor(TransparentColor());
   EncodePng(rows, stream);
-}
-
-void TPngImage::DrawTo(TCanvas& canvas, int left, int top, int width, int height) const {
-  detail::DrawPicture(*this, bitmap_.Content(), canvas, {left, top, left + width, top + height});
 }
 
 void TPngImage::AssignToBitmap(TBitmap& target) const {
@@ -55,19 +48,14 @@ void TPngImage::AssignToBitmap(TBitmap& target) const {
 }
 
 void TPngImage::AssignFrom(const TGraphic& source) {
-  TBitmap picture;
-  source.AssignToBitmap(picture);
-  if (!IsIndexed(picture.Content().Format()) && !DefinesAlpha(picture))
-    picture.SetPixelFormat(pf24bit);
-  bitmap_ = std::move(picture);
+  bitmap_ = detail::ConvertGraphic(source, [](const Raster& rows) {
+    const bool stays = IsIndexed(rows.Format()) || DefinesAlpha(rows);
+    return stays ? rows.Format() : pf24bit;
+  });
 }
 
 void TPngImage::Clear() {
   bitmap_ = TBitmap();
-}
-
-TColor TPngImage::AutomaticTransparentColor() const {
-  return bitmap_.PixelColor(0, Height() - 1);
 }
 
 }  // namespace rasterkit

@@ -13,26 +13,24 @@ class RASTERKIT_EXPORT TPngImage : public TGraphic {
 
   int Width() const override;
   int Height() const override;
+  const Raster* Rows() const override { return &Bitmap().Content(); }
 
   void LoadFromStream(TStream& stream) override;
   /// A transparent picture without an alpha channel gets its colour as tRNS. Throws FormatError for
   /// an empty picture.
   void SaveToStream(TStream& stream) override;
-  void DrawTo(TCanvas& canvas, int left, int top, int width, int height) const override;
   void AssignToBitmap(TBitmap& target) const override;
 
-  /// The decoded picture: 1-, 4- or 8-bit, 24-bit, or 32-bit with an alpha channel.
+  /// The decoded picture: 1-, 4- or 8-bit, 24-bit, or 32-bit with an alpha channel. Transparency is
+  /// this graphic's matter: ask here, not there.
   const TBitmap& Bitmap() const { return bitmap_; }
 
  protected:
   /// Indexed pictures stay; a 32-bit one stays when its alpha is defined; all else becomes 24-bit.
   void AssignFrom(const TGraphic& source) override;
   void Clear() override;
-  TColor AutomaticTransparentColor() const override;
 
  private:
-  bool HasAlpha() const;
-
   TBitmap bitmap_;
 };
 
