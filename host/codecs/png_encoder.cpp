@@ -13,7 +13,6 @@ namespace {
 
 using detail::PngWriter;
 
-constexpr int defaultLevel = 1;
 /// Bytes of picture data in one chunk; the library's 8 KiB mean a thousand writes for a photograph.
 constexpr size_t chunkBytes = 1 << 18;
 constexpr double metresPerInch = 0.0254;
@@ -134,13 +133,27 @@ void SetHeader(png_structp png, png_infop info, const Raster& raster, const Layo
   }
 }
 
+/// Chosen by measuring 12 megapixels like a photograph and like a plan. True colour: level 1 takes
+/// a quarter of level 6's time for a file 7 % larger, and level 2 a fifth more time for half a per
+/// cent. Packed and indexed pictures are small enough for level 2.
+int DefaultLevel(const Layout& layout) {
+  return layout.colorType == PNG_COLOR_TYPE_PALETTE || layout.bitDepth < 8 ? 2 : 1;
+}
+
+/// One filter for all rows; trying all of them doubles the time for 3 %. Against the row above is
+/// best for plans by far (40 % less than against the pixel before) and within 2 % for photographs.
+/// The 256 entries of an 8-bit palette lie in no order, so that differences of indexes say little.
+int FilterFor(const Layout& layout) {
+  const bool unordered = layout.colorType == PNG_COLOR_TYPE_PALETTE && layout.bitDepth == 8;
+  return unordered ? PNG_FILTER_NONE : PNG_FILTER_UP;
+}
+
 void SetCompression(png_structp png, const Layout& layout, int level) {
   png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
   png_set_benign_errors(png, 1);
-  png_set_compression_level(png, level < 0 ? defaultLevel : std::min(level, 9));
+  png_set_compression_level(png, level < 0 ? DefaultLevel(layout) : std::min(level, 9));
   png_set_compression_buffer_size(png, chunkBytes);
-  const bool indexed = layout.colorType == PNG_COLOR_TYPE_PALETTE || layout.bitDepth < 8;
-  png_set_filter(png, PNG_FILTER_TYPE_BASE, indexed ? PNG_FILTER_NONE : PNG_FILTER_SUB);
+  png_set_filter(png, PNG_FILTER_TYPE_BASE, FilterFor(layout));
 }
 
 }  // namespace
