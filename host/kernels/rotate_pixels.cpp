@@ -39,6 +39,7 @@ namespace rasterkit::kernels {
 namespace {
 
 constexpr int kTileWidth = 128;  // lanes have 8 bits for the distance from the tile's begin
+constexpr int kPrefetchStep = 8;
 constexpr int kFastSize = 1 << 17;
 constexpr int kFractionBits = 40;
 constexpr int kLaneFractionBits = 24;
@@ -129,77 +130,21 @@ namespace HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Gathering pays where the processor gathers by itself; elsewhere pixels go one by one.
-#undef RASTERKIT_GATHERS
-#if HWY_TARGET == HWY_AVX2 || HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX3_DL
-#define RASTERKIT_GATHERS 1
-#else
-#define RASTERKIT_GATHERS 0
-#endif
-
-#if RASTERKIT_GATHERS
-
 using D = hn::ScalableTag<int32_t>;
-using DU = hn::ScalableTag<uint32_t>;
 using V = hn::Vec<D>;
-using VU = hn::Vec<DU>;
-constexpr int kLanes = HWY_TARGET == HWY_AVX2 ? 8 : 16;
 
-// Bytes that StorePixels writes: 24-bit pixels leave kLanes bytes of rubbish behind the last one.
-template <int kBits>
-constexpr int StoredBytes() {
-  return kBits == 24 ? 4 * kLanes : PixelBytes<kBits>() * kLanes;
-}
-
-alignas(16) constexpr uint8_t kDropFourth[16] = {0,  1,  2,  4,  5,   6,   8,   9,
-                                                 10, 12, 13, 14, 128, 128, 128, 128};
-alignas(64) constexpr int32_t kCloseGaps[16] = {0,  1,  2,  4,  5, 6, 8,  9,
-                                                10, 12, 13, 14, 3, 7, 11, 15};
-alignas(64) constexpr int32_t kCloseGaps8[8] = {0, 1, 2, 4, 5, 6, 3, 7};
-
-// Stores the low kBits (packed formats: a byte) of each lane one after another.
-template <int kBits>
-void StorePixels(VU pixels, uint8_t* target) {
-  const DU d;
-  if constexpr (kBits == 32) {
-    hn::StoreU(hn::BitCast(hn::ScalableTag<uint8_t>(), pixels), hn::ScalableTag<uint8_t>(), target);
-  } else if constexpr (kBits == 24) {
-    const hn::ScalableTag<uint8_t> d8;
-    const auto squeezed =
-        hn::TableLookupBytes(hn::BitCast(d8, pixels), hn::LoadDup128(d8, kDropFourth));
-    const auto order = hn::SetTableIndices(d, kLanes == 8 ? kCloseGaps8 : kCloseGaps);
-    hn::StoreU(hn::BitCast(d8, hn::TableLookupLanes(hn::BitCast(d, squeezed), order)), d8, target);
-  } else if constexpr (kBits == 16) {
-    const hn::Rebind<uint16_t, D> d16;
-    const auto words = hn::DemoteTo(d16, hn::BitCast(D(), hn::And(pixels, hn::Set(d, 0xFFFF))));
-    alignas(64) uint16_t lanes[kLanes];
-    hn::Store(words, d16, lanes);
-    std::memcpy(target, lanes, sizeof(lanes));
-  } else {
-    const hn::Rebind<uint8_t, D> d8;
-    hn::StoreU(hn::U8FromU32(hn::And(pixels, hn::Set(d, 0xFF))), d8, target);
-  }
-}
-
-// The source pixels of a vector's lanes; `offset` in bytes, `column` absolute (packed formats
-// only).
-template <int kBits>
-VU GatherPixels(const uint8_t* base, V offset, V column) {
-  const DU d;
-  const VU found = hn::GatherOffset(d, reinterpret_cast<const uint32_t*>(base), offset);
-  if constexpr (kBits == 1) {
-    const V shift = hn::Sub(hn::Set(D(), 7), hn::And(column, hn::Set(D(), 7)));
-    return hn::And(hn::Shr(found, hn::BitCast(d, shift)), hn::Set(d, 1));
-  } else if constexpr (kBits == 4) {
-    const V shift = hn::AndNot(hn::ShiftLeft<2>(column), hn::Set(D(), 4));
-    return hn::And(hn::Shr(found, hn::BitCast(d, shift)), hn::Set(d, 15));
-  } else {
-    return found;
-  }
-}
+// Where the pixels of a run lie in the source: bytes from a base address, for packed formats also
+// how far the pixel's bits are shifted. Vectors may write beyond the run's end.
+struct RunPlaces {
+  HWY_ALIGN int32_t offsets[kTileWidth + HWY_MAX_BYTES / 4];
+  HWY_ALIGN int32_t shifts[kTileWidth + HWY_MAX_BYTES / 4];
+  // Begins of the vectors that hold a pixel near a half.
+  int nearVectors[kTileWidth];
+  int nearCount = 0;
+};
 
 template <int kBits>
-V ByteOffset(V column) {
+HWY_INLINE V ByteOffset(V column) {
   if constexpr (kBits == 1) return hn::ShiftRight<3>(column);
   if constexpr (kBits == 4) return hn::ShiftRight<1>(column);
   if constexpr (kBits == 8) return column;
@@ -208,119 +153,154 @@ V ByteOffset(V column) {
   if constexpr (kBits == 32) return hn::ShiftLeft<2>(column);
 }
 
+template <int kBits>
+HWY_INLINE V BitShift(V column) {
+  const D d;
+  if constexpr (kBits == 1) return hn::AndNot(column, hn::Set(d, 7));
+  return hn::AndNot(hn::ShiftLeft<2>(column), hn::Set(d, 4));
+}
+
+// The part of a fixed-point number that the lanes take: its fraction, cut to their bits.
+int32_t LaneFraction(int64_t fixed) {
+  return static_cast<int32_t>(fixed >> (kFractionBits - kLaneFractionBits)) &
+         ((1 << kLaneFractionBits) - 1);
+}
+
+int32_t LaneStep(int64_t step) {
+  constexpr int kDrop = kFractionBits - kLaneFractionBits;
+  return static_cast<int32_t>((step + (1 << (kDrop - 1))) >> kDrop);
+}
+
+// Places of `count` pixels whose first one lies at (column, row); whole-byte formats count columns
+// from the first pixel's, packed ones from the row's begin.
+template <int kBits>
+HWY_INLINE void FindPlaces(const Job& job, int64_t column, int64_t row, int count,
+                           RunPlaces& places) {
+  const D d;
+  const int lanes = static_cast<int>(hn::Lanes(d));
+  const int32_t columnStep = LaneStep(job.columnStep);
+  const int32_t rowStep = LaneStep(job.rowStep);
+  const V lane = hn::Iota(d, 0);
+  V columns = hn::Add(hn::Set(d, LaneFraction(column)), hn::Mul(lane, hn::Set(d, columnStep)));
+  V rows = hn::Add(hn::Set(d, LaneFraction(row)), hn::Mul(lane, hn::Set(d, rowStep)));
+  const V nextColumns = hn::Set(
+      d, static_cast<int32_t>(static_cast<uint32_t>(columnStep) * static_cast<uint32_t>(lanes)));
+  const V nextRows = hn::Set(
+      d, static_cast<int32_t>(static_cast<uint32_t>(rowStep) * static_cast<uint32_t>(lanes)));
+  const V stride = hn::Set(d, static_cast<int32_t>(job.source.stride));
+  const V topBits = hn::Set(d, kFractionTopBits);
+  const V begin = hn::Set(d, kBits < 8 ? static_cast<int32_t>(column >> kFractionBits) : 0);
+
+  for (int x = 0; x < count; x += lanes) {
+    V wholeColumns = hn::ShiftRight<kLaneFractionBits>(columns);
+    if constexpr (kBits < 8) {
+      wholeColumns = hn::Add(wholeColumns, begin);
+      hn::Store(BitShift<kBits>(wholeColumns), d, places.shifts + x);
+    }
+    const V wholeRows = hn::ShiftRight<kLaneFractionBits>(rows);
+    hn::Store(hn::Add(hn::Mul(wholeRows, stride), ByteOffset<kBits>(wholeColumns)), d,
+              places.offsets + x);
+    const auto isNear = hn::Or(hn::Eq(hn::And(columns, topBits), hn::Zero(d)),
+                               hn::Eq(hn::And(rows, topBits), hn::Zero(d)));
+    if (HWY_UNLIKELY(!hn::AllFalse(d, isNear))) places.nearVectors[places.nearCount++] = x;
+    columns = hn::Add(columns, nextColumns);
+    rows = hn::Add(rows, nextRows);
+  }
+}
+
+// Four bytes at a time where a pixel has three: the one too many is overwritten by the next pixel,
+// so the last pixel of a run takes its three alone.
+template <int kBits>
+HWY_INLINE void MovePlaces(const uint8_t* base, const RunPlaces& places, int count,
+                           uint8_t* target) {
+  const int32_t* offsets = places.offsets;
+  if constexpr (kBits < 8) {
+    constexpr int kMask = (1 << kBits) - 1;
+    for (int i = 0; i < count; ++i)
+      target[i] = static_cast<uint8_t>(base[offsets[i]] >> places.shifts[i] & kMask);
+  } else if constexpr (kBits == 24) {
+    for (int i = 0; i < count - 1; ++i) std::memcpy(target + 3 * i, base + offsets[i], 4);
+    std::memcpy(target + 3 * (count - 1), base + offsets[count - 1], 3);
+  } else {
+    constexpr int kBytes = kBits / 8;
+    for (int i = 0; i < count; ++i) std::memcpy(target + kBytes * i, base + offsets[i], kBytes);
+  }
+}
+
+// The pixels of the noted vectors that are near a half, once more and exactly.
+template <int kBits>
+HWY_NOINLINE void MoveNearPixels(const Job& job, int64_t column, int64_t row,
+                                 const RunPlaces& places, int first, int y, int count,
+                                 uint8_t* target) {
+  const uint32_t columnStep = static_cast<uint32_t>(LaneStep(job.columnStep));
+  const uint32_t rowStep = static_cast<uint32_t>(LaneStep(job.rowStep));
+  const auto columnFraction = static_cast<uint32_t>(LaneFraction(column));
+  const auto rowFraction = static_cast<uint32_t>(LaneFraction(row));
+  const int lanes = static_cast<int>(hn::Lanes(D()));
+  for (int k = 0; k < places.nearCount; ++k) {
+    const int end = std::min(places.nearVectors[k] + lanes, count);
+    for (int i = places.nearVectors[k]; i < end; ++i) {
+      const auto step = static_cast<uint32_t>(i);
+      if (((columnFraction + step * columnStep) & kFractionTopBits) == 0 ||
+          ((rowFraction + step * rowStep) & kFractionTopBits) == 0)
+        MoveExactPixel<kBits>(job, first + i, y, target + i * PixelBytes<kBits>());
+    }
+  }
+}
+
 // True when a pixel of the run may come from the last two rows, or a guess may reach beyond them:
-// gathering four bytes could then leave the picture.
+// reading four bytes could then leave the picture.
 bool IsNearLastRow(const Job& job, int64_t firstRow, int64_t lastRow) {
   return (std::max(firstRow, lastRow) >> kFractionBits) >= job.source.height - 2;
 }
 
-// Pixels first to last - 1 of row y, at most kTileWidth; `room` counts the bytes from `target` on
-// that may be written.
+// Pixels first to last - 1 of row y, at least one and at most kTileWidth.
 template <int kBits>
-void MoveRun(const Job& job, const RowStart& start, int y, int first, int last, uint8_t* target,
-             ptrdiff_t room) {
+HWY_INLINE void MoveRun(const Job& job, const RowStart& start, int y, int first, int last,
+                        uint8_t* target) {
   const int64_t column = start.column + first * job.columnStep;
   const int64_t row = start.row + first * job.rowStep;
   if (!job.fast || IsNearLastRow(job, row, row + (last - 1 - first) * job.rowStep))
     return MovePixelsSingly<kBits>(job, start, y, first, last, target);
-
-  const D d;
-  constexpr int kDrop = kFractionBits - kLaneFractionBits;
-  constexpr int32_t kFractionMask = (1 << kLaneFractionBits) - 1;
-  const auto columnStep = static_cast<int32_t>((job.columnStep + (1 << (kDrop - 1))) >> kDrop);
-  const auto rowStep = static_cast<int32_t>((job.rowStep + (1 << (kDrop - 1))) >> kDrop);
-  const V lane = hn::Iota(d, 0);
-  V columns = hn::Add(hn::Set(d, static_cast<int32_t>(column >> kDrop) & kFractionMask),
-                      hn::Mul(lane, hn::Set(d, columnStep)));
-  V rows = hn::Add(hn::Set(d, static_cast<int32_t>(row >> kDrop) & kFractionMask),
-                   hn::Mul(lane, hn::Set(d, rowStep)));
-  const V columnsStep = hn::Set(d, columnStep * kLanes);
-  const V rowsStep = hn::Set(d, rowStep * kLanes);
-  const V stride = hn::Set(d, static_cast<int32_t>(job.source.stride));
-  const V topBits = hn::Set(d, kFractionTopBits);
-
-  // Whole-byte formats count columns from the run's begin, packed ones from the row's.
-  const int64_t baseColumn = column >> kFractionBits;
-  const uint8_t* base = job.source.Row(static_cast<int>(row >> kFractionBits)) +
-                        (kBits < 8 ? 0 : baseColumn * (kBits / 8));
-  const V columnOffset = hn::Set(d, kBits < 8 ? static_cast<int32_t>(baseColumn) : 0);
-
-  for (int x = first; x < last; x += kLanes) {
-    const int count = std::min(last - x, kLanes);
-    V column24 = hn::ShiftRight<kLaneFractionBits>(columns);
-    if constexpr (kBits < 8) column24 = hn::Add(column24, columnOffset);
-    V offset = hn::Add(hn::Mul(hn::ShiftRight<kLaneFractionBits>(rows), stride),
-                       ByteOffset<kBits>(column24));
-    // Lanes behind the run read its first pixel's place instead of somewhere outside.
-    if (count < kLanes) {
-      const auto used = hn::FirstN(d, static_cast<size_t>(count));
-      offset = hn::IfThenElseZero(used, offset);
-    }
-    const VU pixels = GatherPixels<kBits>(base, offset, column24);
-    if (count == kLanes && room >= StoredBytes<kBits>()) {
-      StorePixels<kBits>(pixels, target);
-    } else {
-      uint8_t few[StoredBytes<kBits>()];
-      StorePixels<kBits>(pixels, few);
-      std::memcpy(target, few, static_cast<size_t>(count) * PixelBytes<kBits>());
-    }
-    const auto near = hn::Or(hn::Eq(hn::And(columns, topBits), hn::Zero(d)),
-                             hn::Eq(hn::And(rows, topBits), hn::Zero(d)));
-    if (HWY_UNLIKELY(!hn::AllFalse(d, near))) {
-      uint8_t bits[8] = {};
-      hn::StoreMaskBits(d, near, bits);
-      for (int i = 0; i < count; ++i)
-        if (bits[i / 8] >> (i % 8) & 1)
-          MoveExactPixel<kBits>(job, x + i, y, target + i * PixelBytes<kBits>());
-    }
-    columns = hn::Add(columns, columnsStep);
-    rows = hn::Add(rows, rowsStep);
-    target += kLanes * PixelBytes<kBits>();
-    room -= kLanes * PixelBytes<kBits>();
-  }
+  RunPlaces places;
+  FindPlaces<kBits>(job, column, row, last - first, places);
+  const uint8_t* base = job.source.Row(static_cast<int>(row >> kFractionBits));
+  if constexpr (kBits >= 8) base += (column >> kFractionBits) * (kBits / 8);
+  MovePlaces<kBits>(base, places, last - first, target);
+  if (HWY_UNLIKELY(places.nearCount > 0))
+    MoveNearPixels<kBits>(job, column, row, places, first, y, last - first, target);
 }
-
-#else
-
-template <int kBits>
-void MoveRun(const Job& job, const RowStart& start, int y, int first, int last, uint8_t* target,
-             ptrdiff_t) {
-  MovePixelsSingly<kBits>(job, start, y, first, last, target);
-}
-
-#endif  // RASTERKIT_GATHERS
 
 // Columns left to right - 1 of row y into `target`, the place of column `left`: background, run,
-// background, in this order, as a run may leave rubbish behind its end.
+// background.
 template <int kBits>
 void RotateTileRow(const Job& job, const RowStart& start, int y, int left, int right,
-                   uint8_t* target, ptrdiff_t room) {
+                   uint8_t* target) {
   constexpr int kBytes = PixelBytes<kBits>();
   const int first = std::clamp(start.run.first, left, right);
   const int last = std::clamp(start.run.last, first, right);
   std::memcpy(target, job.background, static_cast<size_t>(first - left) * kBytes);
-  if (first < last)
-    MoveRun<kBits>(job, start, y, first, last, target + (first - left) * kBytes,
-                   room - (first - left) * kBytes);
+  if (first < last) MoveRun<kBits>(job, start, y, first, last, target + (first - left) * kBytes);
   std::memcpy(target + (last - left) * kBytes, job.background,
               static_cast<size_t>(right - last) * kBytes);
 }
 
 // Asks for the source of the tile to come while this one is done: the processor does not foresee
-// slanted paths. One pixel of 16 along each row, shifted from row to row, meets most cache lines.
+// slanted paths. One pixel
+// of eight along each row, shifted from row to row, meets nearly all cache lines.
 template <int kBits>
 HWY_INLINE void PrefetchTileRow(const Job& job, const RowStart& start, int y, int left, int right) {
   const int first = std::clamp(start.run.first, left, right);
   const int last = std::clamp(start.run.last, first, right);
-  int x = first + (y * 5 & 15);
+  int x = first + (y * 5 & (kPrefetchStep - 1));
   int64_t column = start.column + x * job.columnStep;
   int64_t row = start.row + x * job.rowStep;
-  for (; x < last; x += 16) {
+  for (; x < last; x += kPrefetchStep) {
     const uint8_t* line =
         job.source.data + static_cast<size_t>(row >> kFractionBits) * job.source.stride;
     __builtin_prefetch(line + static_cast<size_t>((column >> kFractionBits) * kBits / 8), 0, 3);
-    column += 16 * job.columnStep;
-    row += 16 * job.rowStep;
+    column += kPrefetchStep * job.columnStep;
+    row += kPrefetchStep * job.rowStep;
   }
 }
 
@@ -332,13 +312,12 @@ void RotateTile(const Job& job, const RowStart* starts, int left, int firstRow, 
     const RowStart& start = starts[y - firstRow];
     PrefetchTileRow<kBits>(job, start, y, right, std::min(right + kTileWidth, job.target.width));
     if constexpr (kBits < 8) {
-      uint8_t pixels[kTileWidth + 16];
-      RotateTileRow<kBits>(job, start, y, left, right, pixels, sizeof(pixels));
+      uint8_t pixels[kTileWidth];
+      RotateTileRow<kBits>(job, start, y, left, right, pixels);
       PackPixels(pixels, kBits, left, right - left, row);
     } else {
       RotateTileRow<kBits>(job, start, y, left, right,
-                           row + static_cast<size_t>(left) * (kBits / 8),
-                           static_cast<ptrdiff_t>(job.target.width - left) * (kBits / 8));
+                           row + static_cast<size_t>(left) * (kBits / 8));
     }
   }
 }

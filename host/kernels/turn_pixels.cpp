@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <rasterkit/host/kernels/packed_pixels.h>
+#include <rasterkit/host/kernels/transpose_color.h>
 #include <rasterkit/host/kernels/turn_pixels.h>
 
 namespace rasterkit::kernels {
@@ -24,12 +25,20 @@ void CopyStrided(const uint8_t* source, ptrdiff_t step, uint8_t* target, int cou
 }
 
 template <int kSourceBytes, int kTargetBytes>
+void MirrorRow(const uint8_t* source, uint8_t* target, int width) {
+  int done = 0;
+  if constexpr (kSourceBytes == 3) done = MirrorColorRow(source, target, width);
+  CopyStrided<kSourceBytes, kTargetBytes>(source + ptrdiff_t{width - 1 - done} * kSourceBytes,
+                                          -kSourceBytes, target + ptrdiff_t{done} * kTargetBytes,
+                                          width - done);
+}
+
+template <int kSourceBytes, int kTargetBytes>
 void TurnRows(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn) {
   for (int y = 0; y < target.height; ++y) {
     const uint8_t* from = source.Row(turn.mirrorY ? target.height - 1 - y : y);
     if (turn.mirrorX)
-      CopyStrided<kSourceBytes, kTargetBytes>(from + size_t(source.width - 1) * kSourceBytes,
-                                              -kSourceBytes, target.Row(y), target.width);
+      MirrorRow<kSourceBytes, kTargetBytes>(from, target.Row(y), target.width);
     else if (kSourceBytes == kTargetBytes)
       std::memcpy(target.Row(y), from, size_t(target.width) * kTargetBytes);
     else
@@ -37,28 +46,44 @@ void TurnRows(const ConstPixelRows& source, const PixelRows& target, AxisTurn tu
   }
 }
 
+struct Area {
+  int left, top, right, bottom;
+};
+
 template <int kSourceBytes, int kTargetBytes>
-void TransposeBlock(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn, int x0,
-                    int x1, int y0, int y1) {
+void TransposeBlock(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn,
+                    Area area) {
   const ptrdiff_t stride = static_cast<ptrdiff_t>(source.stride);
-  const int firstRow = turn.mirrorX ? target.width - 1 - x0 : x0;
-  for (int y = y0; y < y1; ++y) {
+  const int firstRow = turn.mirrorX ? target.width - 1 - area.left : area.left;
+  for (int y = area.top; y < area.bottom; ++y) {
     const int column = turn.mirrorY ? target.height - 1 - y : y;
-    CopyStrided<kSourceBytes, kTargetBytes>(source.Row(firstRow) + size_t(column) * kSourceBytes,
-                                            turn.mirrorX ? -stride : stride,
-                                            target.Row(y) + size_t(x0) * kTargetBytes, x1 - x0);
+    CopyStrided<kSourceBytes, kTargetBytes>(
+        source.Row(firstRow) + size_t(column) * kSourceBytes, turn.mirrorX ? -stride : stride,
+        target.Row(y) + size_t(area.left) * kTargetBytes, area.right - area.left);
   }
+}
+
+template <int kSourceBytes, int kTargetBytes>
+void TransposeArea(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn,
+                   Area area) {
+  for (int y = area.top; y < area.bottom; y += kBlock)
+    for (int x = area.left; x < area.right; x += kBlock)
+      TransposeBlock<kSourceBytes, kTargetBytes>(
+          source, target, turn,
+          {x, y, std::min(x + kBlock, area.right), std::min(y + kBlock, area.bottom)});
 }
 
 template <int kSourceBytes, int kTargetBytes>
 void TurnBytePixels(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn) {
   if (source.width == 0 || source.height == 0) return;
   if (!turn.transpose) return TurnRows<kSourceBytes, kTargetBytes>(source, target, turn);
-  for (int y = 0; y < target.height; y += kBlock)
-    for (int x = 0; x < target.width; x += kBlock)
-      TransposeBlock<kSourceBytes, kTargetBytes>(source, target, turn, x,
-                                                 std::min(x + kBlock, target.width), y,
-                                                 std::min(y + kBlock, target.height));
+  TransposedPart done;
+  if constexpr (kTargetBytes >= 3)
+    done = TransposeColor(source, target, kSourceBytes * 8, kTargetBytes * 8, turn);
+  TransposeArea<kSourceBytes, kTargetBytes>(source, target, turn,
+                                            {done.columns, 0, target.width, done.rows});
+  TransposeArea<kSourceBytes, kTargetBytes>(source, target, turn,
+                                            {0, done.rows, target.width, target.height});
 }
 
 void TurnPackedRows(const ConstPixelRows& source, const PixelRows& target, int bits,
