@@ -28,8 +28,7 @@ using TProgressEvent = std::function<void(float Prozent)>;
 /// thread). There are two ways to wait:
 ///
 /// - workers that free themselves have `ThreadDone` as termination event, and the driver dispatches
-/// its queue until
-///   `AnzThreads` is 0;
+///   its queue until `AnzThreads` is 0;
 /// - workers that the driver owns are waited for by their handles, and then freed.
 ///
 /// Worker i takes the rows `iBis[i]` to `iBis[i + 1] - 1`. The bands are not clipped to the

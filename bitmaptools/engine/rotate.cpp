@@ -13,12 +13,13 @@
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/ports.h>
 #include <rasterkit/host/runtime/rounding.h>
+#include <rasterkit/package/strings.h>
 
 namespace rasterkit {
 namespace {
 
-// The quarter turns' text is fixed, the general way's comes from the translatable table.
-constexpr char kTooLargeForQuarterTurn[] = "Bitmap to large to rotate.";
+// Said in English whatever the translator: quarter turns have never looked into the table.
+constexpr char kQuarterTurnFailed[] = "Bitmap to large to rotate.";
 
 bool HasTrueColorBytes(const TBitmap& bitmap) {
   return bitmap.PixelFormat() == pf24bit || bitmap.PixelFormat() == pf32bit;
@@ -132,7 +133,7 @@ bool RotateBitmap(float Angle, std::unique_ptr<TBitmap>& Bmp, int32_t BkColor, i
     Bmp = std::move(turned);
     return true;
   } catch (const std::exception&) {
-    ShowMessage(kTooLargeForQuarterTurn);
+    ShowMessage(isExact ? kQuarterTurnFailed : ResourceString(rsBitmapToLargeToRotate));
     return false;
   }
 }

@@ -13,17 +13,16 @@
 // How a run of target pixels finds its source pixels.
 //
 // Both coordinates step in fixed point with 40 fractional bits from the row's begin, each lifted by
-// one half (so that cutting rounds) and by kMargin. Cutting gives the true rounding as long as the
-// fraction is at least 2 kMargin, provided that the fixed-point value errs by less than kMargin. It
-// does:
+// one half (so that cutting rounds) and by kMargin = 2^-17. Cutting gives the true rounding as long
+// as the fraction is at least 2 kMargin, provided that the fixed-point value errs by less than
+// kMargin. It does:
 //
 //     row's begin, a double within DoubleError() < 2^-29, and its conversion       < 2^-28
 //     step error 2^-41 times at most 2^18 pixels to the tile                       < 2^-22
 //     the roundings of the extended sum itself                                     < 2^-40
 //     cut to 24 fractional bits for the lanes of a vector                          < 2^-24
 //     step error 2^-25 times at most 127 pixels within the tile                    < 2^-18
-//     together                                                                     < 2^-17 =
-//     kMargin
+//     together                                                                     < kMargin
 //
 // for pictures of at most kFastSize pixels a side; larger ones take every pixel by the exact rule.
 // Pixels whose fraction is below 2 kMargin (one in 2^15, or exact halves) are done again by the

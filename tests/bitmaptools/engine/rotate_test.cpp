@@ -18,6 +18,7 @@
 #include <rasterkit/host/runtime/memory_budget.h>
 #include <rasterkit/host/runtime/ports.h>
 #include <rasterkit/host/runtime/thread_queue.h>
+#include <rasterkit/package/strings.h>
 
 #include "tests/reference/rotate_reference.h"
 #include "tests/support/full_run.h"
@@ -304,6 +305,18 @@ TEST_F(RotateBitmapTest, TooLargeAResultLeavesTheBitmapAndShowsTheMessage) {
     ExpectSame(RowsOf(*bitmap), before, "unchanged");
   }
   EXPECT_EQ(messages_, (std::vector<std::string>(2, "Bitmap to large to rotate.")));
+}
+
+TEST_F(RotateBitmapTest, OnlyTheGeneralWaysMessageIsTranslated) {
+  SetTranslator([](std::string_view) { return std::string("zu gross"); });
+  for (float angle : {30.0f, 90.0f}) {
+    auto bitmap = RandomBitmap(pf24bit, 100, 90);
+    SetPictureMemoryLimit(1000);
+    EXPECT_FALSE(RotateBitmap(angle, bitmap, 0, 2, nullptr));
+    SetPictureMemoryLimit(uint64_t{4} << 30);
+  }
+  SetTranslator(nullptr);
+  EXPECT_EQ(messages_, (std::vector<std::string>{"zu gross", "Bitmap to large to rotate."}));
 }
 
 TEST_F(RotateBitmapTest, AFailedTurnOfAMonoBitmapLeavesItMono) {

@@ -99,6 +99,20 @@ TEST_P(RotatePixelsTest, EqualsTheReferenceWithinATilesBorders) {
       CompareRotation(120 + random() % 200, 120 + random() % 200, GetParam(), degrees, random);
 }
 
+// Beyond the fixed-point steps' range every pixel goes by the exact rule.
+TEST_P(RotatePixelsTest, EqualsTheReferenceForVeryWidePictures) {
+  std::mt19937 random(60 + GetParam());
+  CompareRotation(140001, 1, GetParam(), 180.0005f, random);
+  CompareRotation(2, 140000, GetParam(), 0.0002f, random);
+}
+
+// Centres of more than 24 bits are cut by their single precision.
+TEST_P(RotatePixelsTest, EqualsTheReferenceWhereTheCentreIsCutInTheFullRun) {
+  if (!test::IsFullRun()) GTEST_SKIP() << "set RASTERKIT_FULL=1";
+  std::mt19937 random(70 + GetParam());
+  CompareRotation((1 << 25) + 7, 1, GetParam(), 180.0f, random);
+}
+
 TEST_P(RotatePixelsTest, EqualsTheReferenceAtLargeSizesInTheFullRun) {
   if (!test::IsFullRun()) GTEST_SKIP() << "set RASTERKIT_FULL=1";
   const unsigned seed = std::random_device{}();
