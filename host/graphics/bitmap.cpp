@@ -18,8 +18,7 @@ TPixelFormat StoredFormat(TPixelFormat format) {
 }
 
 void RequireFormat(TPixelFormat format) {
-  if (format < pfDevice || format > pfCustom)
-    throw RangeError("there is no pixel format " + std::to_string(format));
+  if (format > pfCustom) throw RangeError("there is no pixel format " + std::to_string(format));
 }
 
 }  // namespace
