@@ -1,0 +1,210 @@
+#include "apps/rasterkit/batch.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include <fmt/format.h>
+
+#include <rasterkit/host/runtime/file_name.h>
+
+#include "apps/rasterkit/exit_code.h"
+#include "apps/rasterkit/interruption.h"
+#include "apps/rasterkit/picture_file.h"
+#include "apps/rasterkit/progress.h"
+
+#include <nlohmann/json.hpp>
+
+namespace rasterkit::tool {
+namespace {
+
+struct Outcome {
+  ExitCode code = exitDone;
+  std::string error;
+  JobResult result;
+};
+
+std::string OutputName(const OutputOptions& options, const std::string& input) {
+  std::string name = ExtractFileName(input);
+  if (!options.type.empty()) name = ChangeFileExt(name, "." + options.type);
+  return (ToPath(options.outDir) / ToPath(name)).string();
+}
+
+void RequireWritableType(const std::string& output) {
+  if (WritableType(output) != PictureType::unknown) return;
+  throw Failure(exitWrongUsage,
+                output + ": pictures are written as .bmp, .jpg, .jpeg or .png, not as '" +
+                    ExtractFileExt(output) + "'");
+}
+
+void RequireDistinctOutputs(const std::vector<Job>& jobs) {
+  std::map<std::filesystem::path, const Job*> seen;
+  for (const Job& job : jobs) {
+    std::error_code ignored;
+    const auto path = std::filesystem::weakly_canonical(ToPath(job.output), ignored);
+    const auto [place, isNew] = seen.emplace(path, &job);
+    if (isNew) continue;
+    throw Failure(exitWrongUsage, place->second->input + " and " + job.input +
+                                      " would both be written to " + job.output);
+  }
+}
+
+void RequireFreeOutput(const OutputOptions& options, const Job& job) {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(ToPath(job.output), ignored);
+  if (std::filesystem::is_directory(status))
+    throw Failure(exitOutputNotWritten, job.output + ": this is a folder");
+  if (std::filesystem::is_regular_file(status) && !options.overwrite)
+    throw Failure(exitOutputNotWritten, job.output + ": exists already (--overwrite replaces it)");
+}
+
+Outcome RunJob(const OutputOptions& options, const Job& job,
+               const std::function<JobResult(const Job&)>& work) {
+  Outcome outcome;
+  try {
+    StopIfInterrupted();
+    RequireFreeOutput(options, job);
+    outcome.result = work(job);
+    if (options.strict && !outcome.result.notCarriedOver.empty()) outcome.code = exitNotCarriedOver;
+  } catch (const Failure& failure) {
+    outcome.code = failure.Code();
+    outcome.error = failure.what();
+  } catch (const std::exception& error) {
+    outcome.code = exitOutputNotWritten;
+    outcome.error = job.input + ": " + error.what();
+  }
+  return outcome;
+}
+
+bool IsFailure(const Outcome& outcome) {
+  return !outcome.error.empty();
+}
+
+void PrintJson(const Job& job, const Outcome& outcome) {
+  nlohmann::ordered_json line;
+  const bool ok = !IsFailure(outcome);
+  line["schema"] = 1;
+  line["file"] = job.input;
+  line["output"] = job.output;
+  line["ok"] = ok;
+  line["error"] = ok ? nlohmann::ordered_json() : nlohmann::ordered_json(outcome.error);
+  line["type"] = ok ? nlohmann::ordered_json(outcome.result.type) : nlohmann::ordered_json();
+  line["width"] = ok ? nlohmann::ordered_json(outcome.result.width) : nlohmann::ordered_json();
+  line["height"] = ok ? nlohmann::ordered_json(outcome.result.height) : nlohmann::ordered_json();
+  line["bits"] = ok ? nlohmann::ordered_json(outcome.result.bits) : nlohmann::ordered_json();
+  line["not_carried_over"] = outcome.result.notCarriedOver;
+  line["warnings"] = outcome.result.warnings;
+  fmt::print("{}\n", line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& outcome) {
+  for (const std::string& warning : outcome.result.warnings)
+    fmt::print(stderr, "rasterkit: {}: warning: {}\n", job.input, warning);
+  if (IsFailure(outcome)) fmt::print(stderr, "rasterkit: {}\n", outcome.error);
+  if (!outcome.result.notCarriedOver.empty())
+    fmt::print(stderr, "rasterkit: {}: not carried over: {}\n", job.output,
+               fmt::join(outcome.result.notCarriedOver, ", "));
+  if (options.json) PrintJson(job, outcome);
+}
+
+/// Hands out jobs to threads and prints outcomes in the order of the jobs.
+class Batch {
+ public:
+  Batch(const OutputOptions& options, const std::vector<Job>& jobs,
+        const std::function<JobResult(const Job&)>& work)
+      : options_(options),
+        jobs_(jobs),
+        work_(work),
+        outcomes_(jobs.size()),
+        progress_(jobs.size()) {}
+
+  int Run() {
+    std::vector<std::thread> helpers;
+    const size_t count = std::min(static_cast<size_t>(options_.jobs), jobs_.size());
+    for (size_t i = 1; i < count; ++i) helpers.emplace_back([this] { Work(); });
+    Work();
+    for (std::thread& helper : helpers) helper.join();
+    progress_.Clear();
+    return IsInterrupted() ? exitInterrupted : code_;
+  }
+
+ private:
+  void Work() {
+    while (!stopped_) {
+      const size_t index = next_++;
+      if (index >= jobs_.size()) return;
+      Outcome outcome = RunJob(options_, jobs_[index], work_);
+      if (IsFailure(outcome) && (!options_.keepGoing || outcome.code == exitInterrupted))
+        stopped_ = true;
+      Finish(index, std::move(outcome));
+    }
+  }
+
+  void Finish(size_t index, Outcome outcome) {
+    const std::lock_guard lock(mutex_);
+    outcomes_[index] = std::move(outcome);
+    progress_.Clear();
+    for (; printed_ < jobs_.size() && outcomes_[printed_]; ++printed_) {
+      const Outcome& finished = *outcomes_[printed_];
+      if (code_ == exitDone || (code_ == exitNotCarriedOver && IsFailure(finished)))
+        code_ = finished.code;
+      PrintOutcome(options_, jobs_[printed_], finished);
+      outcomes_[printed_]->result = {};
+    }
+    progress_.Advance();
+  }
+
+  const OutputOptions& options_;
+  const std::vector<Job>& jobs_;
+  const std::function<JobResult(const Job&)>& work_;
+  std::vector<std::optional<Outcome>> outcomes_;
+  std::atomic<size_t> next_ = 0;
+  std::atomic<bool> stopped_ = false;
+  std::mutex mutex_;
+  size_t printed_ = 0;
+  ExitCode code_ = exitDone;
+  Progress progress_;
+};
+
+std::vector<Job> PlanFolder(const OutputOptions& options) {
+  std::vector<Job> jobs;
+  for (const std::string& input : options.files)
+    jobs.push_back({input, OutputName(options, input)});
+  return jobs;
+}
+
+std::vector<Job> PlanSingle(const OutputOptions& options) {
+  if (!options.type.empty())
+    throw Failure(exitWrongUsage,
+                  "--type goes with --out-dir; a single output is named with its extension");
+  if (options.files.size() != 2)
+    throw Failure(exitWrongUsage,
+                  "one input and one output are wanted; many inputs go with --out-dir DIR");
+  return {{options.files[0], options.files[1]}};
+}
+
+}  // namespace
+
+std::vector<Job> PlanJobs(const OutputOptions& options) {
+  std::vector<Job> jobs = options.outDir.empty() ? PlanSingle(options) : PlanFolder(options);
+  for (const Job& job : jobs) RequireWritableType(job.output);
+  RequireDistinctOutputs(jobs);
+  return jobs;
+}
+
+int RunJobs(const OutputOptions& options, const std::vector<Job>& jobs,
+            const std::function<JobResult(const Job&)>& work) {
+  if (!options.outDir.empty()) {
+    std::error_code error;
+    std::filesystem::create_directories(ToPath(options.outDir), error);
+    if (error) throw Failure(exitOutputNotWritten, options.outDir + ": " + error.message());
+  }
+  return Batch(options, jobs, work).Run();
+}
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "apps/rasterkit/output_options.h"
+
+namespace rasterkit::tool {
+
+struct Job {
+  std::string input;
+  std::string output;
+};
+
+/// What a finished picture is like.
+struct JobResult {
+  std::string type;
+  int width = 0, height = 0, bits = 0;
+  /// What the input had and the output has not: "exif", "gps", "transparency" ...
+  std::vector<std::string> notCarriedOver;
+  /// What a decoder noticed without giving up.
+  std::vector<std::string> warnings;
+};
+
+/// Which input becomes which output. Throws Failure(exitWrongUsage) for a list that makes no sense:
+/// no output, an extension that cannot be written, two inputs with the same output.
+std::vector<Job> PlanJobs(const OutputOptions& options);
+
+/// Runs `work` for each job, several at a time with --jobs, prints results and errors in the order
+/// of the inputs and returns the exit code: that of the first input that failed.
+int RunJobs(const OutputOptions& options, const std::vector<Job>& jobs,
+            const std::function<JobResult(const Job&)>& work);
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,81 @@
+#include "apps/rasterkit/output_options.h"
+
+#include <cctype>
+#include <cmath>
+
+#include <CLI/CLI.hpp>
+
+namespace rasterkit::tool {
+namespace {
+
+std::string CheckColor(const std::string& text) {
+  if (text == "auto") return {};
+  bool ok = text.size() == 6;
+  for (const char c : text) ok = ok && std::isxdigit(static_cast<unsigned char>(c)) != 0;
+  return ok ? std::string()
+            : "a colour is six hexadecimal digits RRGGBB, or auto, not '" + text + "'";
+}
+
+std::string CheckAngle(const std::string& text) {
+  double angle = 0;
+  const bool ok = CLI::detail::lexical_cast(text, angle) && std::isfinite(angle) &&
+                  std::isfinite(static_cast<float>(angle));
+  return ok ? std::string() : "an angle is a number of degrees, not '" + text + "'";
+}
+
+}  // namespace
+
+void AddOutputOptions(CLI::App& verb, OutputOptions& options) {
+  verb.add_option("files", options.files, "input, then output; only inputs with --out-dir")
+      ->required()
+      ->type_name("IN... OUT");
+  verb.add_option("--out-dir", options.outDir,
+                  "write each picture into this folder (made if absent)")
+      ->type_name("DIR");
+  verb.add_option("--type", options.type,
+                  "with --out-dir: bmp, jpg or png; else as each input is called")
+      ->type_name("EXT");
+  verb.add_option("--jobs", options.jobs, "pictures worked on at the same time [1]")
+      ->check(CLI::Range(1, 64))
+      ->type_name("N");
+  verb.add_flag("--continue", options.keepGoing, "go on with the next picture after a failure");
+  verb.add_flag("--overwrite", options.overwrite, "replace existing outputs");
+  verb.add_flag("--strict", options.strict, "exit 5 when something was not carried over");
+  verb.add_flag("--json", options.json, "print one JSON object a picture on stdout");
+}
+
+void AddAngle(CLI::App& verb, PictureOptions& options, bool required) {
+  verb.add_option("--angle", options.angle, "turn by degrees, positive counter-clockwise")
+      ->check(CheckAngle)
+      ->required(required)
+      ->type_name("A");
+}
+
+void AddBackground(CLI::App& verb, PictureOptions& options) {
+  verb.add_option(
+          "--background", options.background,
+          "colour of uncovered corners and behind dropped transparency [FFFFFF]; auto marks the "
+          "corners transparent")
+      ->check(CheckColor)
+      ->type_name("RRGGBB");
+}
+
+void AddBits(CLI::App& verb, PictureOptions& options) {
+  verb.add_option("--bits", options.bits, "bits a pixel: 1, 4, 8, 15, 16, 24 or 32 [as the input]")
+      ->check(CLI::IsMember({1, 4, 8, 15, 16, 24, 32}))
+      ->type_name("N");
+}
+
+void AddQuality(CLI::App& verb, PictureOptions& options) {
+  verb.add_option("--quality", options.quality, "JPEG quality, 1 to 100 [90]")
+      ->check(CLI::Range(1, 100))
+      ->type_name("Q");
+}
+
+void AddThreads(CLI::App& verb, PictureOptions& options) {
+  verb.add_option("--threads", options.threads, "threads a turn takes, 1 to 100 [one a processor]")
+      ->check(CLI::Range(1, 100))
+      ->type_name("N");
+}
+
+}  // namespace rasterkit::tool

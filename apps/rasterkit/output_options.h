@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace rasterkit::tool {
+
+/// What every verb that writes pictures takes; each option means the same everywhere.
+struct OutputOptions {
+  /// Inputs first, output last; all are inputs with `outDir`.
+  std::vector<std::string> files;
+  std::string outDir;
+  /// With `outDir`: the extension of the outputs without its dot; empty keeps that of each input.
+  std::string type;
+  int jobs = 1;
+  bool keepGoing = false;
+  bool overwrite = false;
+  bool strict = false;
+  bool json = false;
+};
+
+void AddOutputOptions(CLI::App& verb, OutputOptions& options);
+
+/// How a picture is turned and written.
+struct PictureOptions {
+  /// Degrees, positive counter-clockwise.
+  double angle = 0;
+  /// Six hexadecimal digits RRGGBB, or "auto".
+  std::string background = "FFFFFF";
+  /// 0 keeps the depth.
+  int bits = 0;
+  int quality = 90;
+  /// 0 is one for each processor.
+  int threads = 0;
+};
+
+/// Each adds the option of that name, with the one meaning that it has in every verb.
+void AddAngle(CLI::App& verb, PictureOptions& options, bool required);
+void AddBackground(CLI::App& verb, PictureOptions& options);
+void AddBits(CLI::App& verb, PictureOptions& options);
+void AddQuality(CLI::App& verb, PictureOptions& options);
+void AddThreads(CLI::App& verb, PictureOptions& options);
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,48 @@
+#include "apps/rasterkit/turn.h"
+
+#include <algorithm>
+#include <cmath>
+#include <thread>
+
+#include <rasterkit/bitmaptools/engine/orient.h>
+#include <rasterkit/bitmaptools/engine/rotate.h>
+
+#include "apps/rasterkit/exit_code.h"
+
+namespace rasterkit::tool {
+namespace {
+
+constexpr double kNearQuarter = 0.5;
+
+int ThreadCount(const PictureOptions& options) {
+  if (options.threads > 0) return options.threads;
+  return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, 100u));
+}
+
+}  // namespace
+
+TColor BackgroundColor(const std::string& background) {
+  if (background == "auto") return -1;
+  const unsigned long rgb = std::stoul(background, nullptr, 16);
+  return RGB(static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8),
+             static_cast<uint8_t>(rgb));
+}
+
+void TurnUpright(std::unique_ptr<TBitmap>& bitmap, int orientation) {
+  Reorient(*bitmap, orientation);
+}
+
+void Turn(std::unique_ptr<TBitmap>& bitmap, const PictureOptions& options) {
+  double angle = std::remainder(options.angle, 360.0);
+  const double quarters = std::round(angle / 90);
+  if (std::abs(angle - quarters * 90) <= kNearQuarter) {
+    TurnQuarters(*bitmap, static_cast<int>(quarters));
+    angle -= quarters * 90;
+  }
+  if (angle == 0) return;
+  if (!RotateBitmap(static_cast<float>(angle), bitmap, BackgroundColor(options.background),
+                    ThreadCount(options), nullptr))
+    throw Failure(exitOutputNotWritten, "the picture is too large to be turned");
+}
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,32 @@
+#include <memory>
+
+#include "apps/rasterkit/convert_picture.h"
+#include "apps/rasterkit/verbs.h"
+
+#include <CLI/CLI.hpp>
+
+namespace rasterkit::tool {
+
+VerbRunner AddConvertVerb(CLI::App& app) {
+  CLI::App& verb = *app.add_subcommand("convert", "write a picture upright in any supported type");
+  verb.footer(
+      "The output's extension chooses the type: .bmp, .jpg, .png.\n\n"
+      "Examples:\n"
+      "  rasterkit convert photo.jpg upright.png\n"
+      "  rasterkit convert --out-dir site --type jpg --quality 80 --jobs 2 *.JPG\n"
+      "  rasterkit convert plan.png plan.bmp --bits 1 --overwrite");
+  const auto output = std::make_shared<OutputOptions>();
+  const auto picture = std::make_shared<PictureOptions>();
+  AddOutputOptions(verb, *output);
+  AddAngle(verb, *picture, false);
+  AddBackground(verb, *picture);
+  AddBits(verb, *picture);
+  AddQuality(verb, *picture);
+  AddThreads(verb, *picture);
+  return [output, picture] {
+    return RunJobs(*output, PlanJobs(*output),
+                   [&](const Job& job) { return ConvertPicture(job, *picture); });
+  };
+}
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,68 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/cli/run_tool.h"
+
+namespace rasterkit::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+TEST(CliHelp, Help_Should_NameVerbsExitCodesAndAnExample) {
+  const ToolResult result = RunTool({"--help"});
+  EXPECT_EQ(result.code, 0);
+  for (const char* text : {"info", "convert", "rotate", "Exit codes", "Example", "--version"})
+    EXPECT_THAT(result.out, HasSubstr(text));
+  EXPECT_THAT(result.err, IsEmpty());
+}
+
+TEST(CliHelp, HelpOfEachVerb_Should_ShowAnExampleOfThatVerb) {
+  for (const std::string verb : {"info", "convert", "rotate"}) {
+    const ToolResult result = RunTool({verb, "--help"});
+    EXPECT_EQ(result.code, 0) << verb;
+    EXPECT_THAT(result.out, HasSubstr("rasterkit " + verb + " "));
+    EXPECT_THAT(result.out, HasSubstr("Example"));
+  }
+}
+
+TEST(CliHelp, Version_Should_BeNameAndNumber) {
+  const ToolResult result = RunTool({"--version"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_THAT(result.out, testing::ContainsRegex("^rasterkit [0-9]+\\.[0-9]+\\.[0-9]+\n$"));
+}
+
+TEST(CliHelp, WrongUsage_Should_Exit2AndPrintNothingOnStdout) {
+  const std::vector<std::vector<std::string>> lines = {
+      {},
+      {"no-such-verb"},
+      {"info"},
+      {"info", "--no-such-option", "a.bmp"},
+      {"convert", "only-one.bmp"},
+      {"convert", "a.bmp", "b.bmp", "c.bmp"},
+      {"convert", "a.bmp", "b.xyz"},
+      {"convert", "a.bmp", "b"},
+      {"convert", "a.bmp", "b.jgw"},
+      {"convert", "a.bmp", "b.png", "--bits", "7"},
+      {"convert", "a.bmp", "b.jpg", "--quality", "0"},
+      {"convert", "a.bmp", "b.jpg", "--quality", "101"},
+      {"convert", "a.bmp", "b.png", "--angle", "much"},
+      {"convert", "a.bmp", "b.png", "--angle", "nan"},
+      {"convert", "a.bmp", "b.png", "--angle", "inf"},
+      {"convert", "a.bmp", "b.png", "--background", "red"},
+      {"convert", "a.bmp", "b.png", "--jobs", "0"},
+      {"convert", "a.bmp", "b.png", "--type", "png"},
+      {"convert", "--out-dir", "d", "--type", "gif", "a.bmp"},
+      {"rotate", "a.bmp", "b.bmp"},
+      {"rotate", "a.bmp", "b.bmp", "--angle", "1", "--threads", "0"},
+  };
+  for (const auto& line : lines) {
+    const ToolResult result = RunTool(line);
+    EXPECT_EQ(result.code, 2) << testing::PrintToString(line);
+    EXPECT_THAT(result.out, IsEmpty()) << testing::PrintToString(line);
+    EXPECT_FALSE(result.err.empty()) << testing::PrintToString(line);
+  }
+}
+
+}  // namespace
+}  // namespace rasterkit::test

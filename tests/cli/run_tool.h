@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+#include <nlohmann/json.hpp>
+
+namespace rasterkit::test {
+
+struct ToolResult {
+  /// Exit code; 128 + number of the signal that ended the process.
+  int code = -1;
+  std::string out, err;
+  /// Most memory that the process ever held, in bytes.
+  uint64_t peakMemory = 0;
+};
+
+struct ToolSetup {
+  /// Largest file that the process may write, in bytes, as with `ulimit -f`.
+  std::optional<uint64_t> fileSizeLimit;
+  /// Where stdout goes instead of into the result.
+  std::string stdoutFile;
+};
+
+/// The tool as a process with its output in pipes (so that no progress bar is drawn), stdin empty.
+class ToolProcess {
+ public:
+  explicit ToolProcess(const std::vector<std::string>& arguments, const ToolSetup& setup = {});
+  ToolProcess(const ToolProcess&) = delete;
+  ToolProcess& operator=(const ToolProcess&) = delete;
+  ~ToolProcess();
+
+  void Interrupt() const;
+  /// Reads both pipes to their end and waits.
+  ToolResult Wait();
+
+ private:
+  pid_t process_ = -1;
+  int out_ = -1, err_ = -1;
+};
+
+inline ToolResult RunTool(const std::vector<std::string>& arguments, const ToolSetup& setup = {}) {
+  return ToolProcess(arguments, setup).Wait();
+}
+
+/// One JSON object for each line of stdout.
+std::vector<nlohmann::json> JsonLines(const std::string& out);
+
+/// A folder that is empty at first and gone at last.
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  /// The full name of a file in the folder.
+  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+  std::string Path() const { return path_.string(); }
+  /// Names of everything in the folder, sorted.
+  std::vector<std::string> Names() const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+std::vector<uint8_t> ReadBytes(const std::string& file);
+void WriteBytes(const std::string& file, const std::vector<uint8_t>& bytes);
+inline void WriteText(const std::string& file, const std::string& text) {
+  WriteBytes(file, {text.begin(), text.end()});
+}
+
+}  // namespace rasterkit::test
