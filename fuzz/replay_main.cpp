@@ -1,4 +1,5 @@
-// Runs a fuzz target once over every file of the folders given, without a fuzzing engine: a crash found once stays found.
+// Runs a fuzz target once over every file of the folders given, without a fuzzing engine: a crash
+// found once stays found.
 
 #include <cstdint>
 #include <cstdio>

@@ -5,7 +5,8 @@
 
 namespace rasterkit {
 
-/// What a decoder noticed without giving up: "JPEG: premature end of data, 120 of 480 rows are there".
+/// What a decoder noticed without giving up: "JPEG: premature end of data, 120 of 480 rows are
+/// there".
 struct CodecReport {
   std::vector<std::string> warnings;
 };
