@@ -84,7 +84,7 @@ void TBitmap::SetSize(int width, int height) {
   Raster resized(raster_.Format(), width, height);
   resized.CopyProperties(raster_);
   const size_t rowBytes = std::min(raster_.RowBytes(), resized.RowBytes());
-  const int rows = std::min(height, Height());
+  const int rows = rowBytes == 0 ? 0 : std::min(height, Height());
   for (int y = 0; y < rows; ++y) std::memcpy(resized.Row(y), raster_.Row(y), rowBytes);
   FillNewArea(resized, Width(), Height());
   resized.ClearPadding();
