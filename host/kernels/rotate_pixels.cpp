@@ -215,13 +215,16 @@ HWY_INLINE void MovePlaces(const uint8_t* base, const RunPlaces& places, int cou
   const int32_t* offsets = places.offsets;
   if constexpr (kBits < 8) {
     constexpr int kMask = (1 << kBits) - 1;
+    HWY_UNROLL(8)
     for (int i = 0; i < count; ++i)
       target[i] = static_cast<uint8_t>(base[offsets[i]] >> places.shifts[i] & kMask);
   } else if constexpr (kBits == 24) {
+    HWY_UNROLL(8)
     for (int i = 0; i < count - 1; ++i) std::memcpy(target + 3 * i, base + offsets[i], 4);
     std::memcpy(target + 3 * (count - 1), base + offsets[count - 1], 3);
   } else {
     constexpr int kBytes = kBits / 8;
+    HWY_UNROLL(8)
     for (int i = 0; i < count; ++i) std::memcpy(target + kBytes * i, base + offsets[i], kBytes);
   }
 }
