@@ -1,0 +1,23 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace rasterkit::test {
+
+std::filesystem::path SourceFolder();
+
+/// The whole text of a file of the source tree.
+std::string ReadDocument(const std::filesystem::path& file);
+
+/// README.md, CONTRIBUTING.md, CHANGELOG.md and every page of docs/.
+std::vector<std::filesystem::path> AllDocuments();
+
+/// First groups of every match.
+std::vector<std::string> FindAll(const std::string& text, const std::string& pattern);
+
+/// What a command of the shell prints.
+std::string OutputOf(const std::string& command);
+
+}  // namespace rasterkit::test

@@ -1,0 +1,47 @@
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "tests/docs/document_files.h"
+
+namespace rasterkit::test {
+namespace {
+
+/// Links of Markdown, relative to their page.
+TEST(DocsPaths, Links_Should_LeadToFiles) {
+  size_t checked = 0;
+  for (const auto& document : AllDocuments()) {
+    for (std::string link : FindAll(ReadDocument(document), R"(\]\(([^)]+)\))")) {
+      if (link.find("://") != std::string::npos || link[0] == '#') continue;
+      link = link.substr(0, link.find('#'));
+      EXPECT_TRUE(std::filesystem::exists(SourceFolder() / document.parent_path() / link))
+          << document << ": " << link;
+      ++checked;
+    }
+  }
+  EXPECT_GT(checked, 5u);
+}
+
+/// Names in code marks that look like paths of the tree: with a slash, beginning with a folder or
+/// file that is there or was there. Folders that commands make are no part of the tree.
+TEST(DocsPaths, PathsInCodeMarks_Should_Exist) {
+  const std::vector<std::string> roots = {
+      "apps/", "bench/",    "bitmaptools/", "cmake/",     "docs/",    "examples/", "fuzz/",
+      "host/", "jpegexif/", "package/",     "packaging/", "samples/", "tests/",    "tifftobmp/"};
+  size_t checked = 0;
+  for (const auto& document : AllDocuments()) {
+    for (const std::string& path : FindAll(ReadDocument(document), "`([A-Za-z_.0-9/-]+)`")) {
+      const bool isOurs = std::any_of(roots.begin(), roots.end(), [&](const std::string& root) {
+        return path.rfind(root, 0) == 0;
+      });
+      const bool isPattern = path.find("NAME") != std::string::npos;
+      if (!isOurs || isPattern) continue;
+      EXPECT_TRUE(std::filesystem::exists(SourceFolder() / path)) << document << ": " << path;
+      ++checked;
+    }
+  }
+  EXPECT_GT(checked, 10u);
+}
+
+}  // namespace
+}  // namespace rasterkit::test

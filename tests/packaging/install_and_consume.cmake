@@ -1,0 +1,33 @@
+set(prefix ${BUILD}/tests/packaging/prefix)
+set(consumer ${BUILD}/tests/packaging/consumer)
+file(REMOVE_RECURSE ${prefix} ${consumer})
+file(MAKE_DIRECTORY ${consumer})
+
+function(run)
+  execute_process(COMMAND ${ARGN} WORKING_DIRECTORY ${consumer} RESULT_VARIABLE code)
+  if(NOT code EQUAL 0)
+    message(FATAL_ERROR "failed: ${ARGN}")
+  endif()
+endfunction()
+
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+
+# By CMake; the example looks for photo.jpg where it runs.
+run(${CMAKE_COMMAND} -S ${SOURCE}/examples -B ${consumer}/build -G Ninja -DCMAKE_PREFIX_PATH=${prefix}
+    -DCMAKE_CXX_COMPILER=${COMPILER})
+run(${CMAKE_COMMAND} --build ${consumer}/build)
+file(COPY_FILE ${SOURCE}/samples/orientation-6.jpg ${consumer}/photo.jpg)
+run(${consumer}/build/upright)
+if(NOT EXISTS ${consumer}/upright.png)
+  message(FATAL_ERROR "the example wrote nothing")
+endif()
+
+# By pkg-config.
+set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIBDIR}/pkgconfig)
+execute_process(COMMAND pkg-config --cflags --libs rasterkit
+                OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+separate_arguments(flags UNIX_COMMAND "${flags}")
+run(${COMPILER} -std=c++20 ${SOURCE}/examples/upright.cpp -o ${consumer}/by-pkg-config ${flags})
+
+# The installed tool finds the installed library.
+run(${prefix}/${BINDIR}/rasterkit info upright.png)
