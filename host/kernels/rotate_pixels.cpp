@@ -288,10 +288,11 @@ void RotateTileRow(const Job& job, const RowStart& start, int y, int left, int r
 }
 
 // Asks for the source of the tile to come while this one is done: the processor does not foresee
-// slanted paths. One pixel
-// of eight along each row, shifted from row to row, meets nearly all cache lines.
+// slanted paths. One pixel of eight along each row, shifted from row to row, meets nearly all cache
+// lines.
 template <int kBits>
 HWY_INLINE void PrefetchTileRow(const Job& job, const RowStart& start, int y, int left, int right) {
+  if (!job.fast) return;
   const int first = std::clamp(start.run.first, left, right);
   const int last = std::clamp(start.run.last, first, right);
   int x = first + (y * 5 & (kPrefetchStep - 1));
