@@ -12,9 +12,9 @@ struct SineCosine {
 /// zeros and ones. `degrees` is any finite number.
 ///
 /// How that is certain: the angle is reduced to 0 to 45 degrees without rounding, the series is
-/// summed in pairs of doubles (relative error below 2^-95), and a walk over all reduced angles that
-/// a float can give has shown that none of them lies so near to the middle between two doubles that
-/// this error could matter.
+/// summed in pairs of doubles (relative error below 2^-95), and the full run of the tests walks all
+/// reduced angles that a float can give to see that none lies so near to the middle between two
+/// doubles that this error could matter.
 SineCosine SineCosineOfDegrees(float degrees);
 
 /// How near the last digits of a sine or cosine came to the middle between two doubles; see
