@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/host/graphics/canvas.h>
 #include <rasterkit/host/graphics/png_image.h>
 #include <rasterkit/host/runtime/errors.h>
@@ -15,23 +16,9 @@
 namespace rasterkit::tool {
 namespace {
 
+/// The library's own table does not tell 15 from 16 bits.
 TPixelFormat FormatOfBits(int bits) {
-  switch (bits) {
-    case 1:
-      return pf1bit;
-    case 4:
-      return pf4bit;
-    case 8:
-      return pf8bit;
-    case 15:
-      return pf15bit;
-    case 16:
-      return pf16bit;
-    case 32:
-      return pf32bit;
-    default:
-      return pf24bit;
-  }
+  return bits == 15 ? pf15bit : GetPixelFormat(bits);
 }
 
 /// Draws a partly transparent picture onto the background colour, for types that know no
