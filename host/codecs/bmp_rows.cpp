@@ -18,10 +18,10 @@ constexpr size_t kBatchRows = 1024;
 
 /// Bytes of the file's rows: with and without the padding at their end.
 size_t FileStride(const BmpHeader& header) {
-  return StrideBytes(header.width, header.bits);
+  return static_cast<size_t>(StrideBytes(header.width, header.bits));
 }
-size_t FileRowBytes(const BmpHeader& header) {
-  return (static_cast<size_t>(header.width) * static_cast<size_t>(header.bits) + 7) / 8;
+uint64_t FileRowBytes(const BmpHeader& header) {
+  return (static_cast<uint64_t>(header.width) * static_cast<uint64_t>(header.bits) + 7) / 8;
 }
 
 class RowReader {

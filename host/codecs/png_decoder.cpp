@@ -200,8 +200,7 @@ void ReadEnd(PngReader& reader) {
 }
 
 void RequireMemory(const Header& header, TPixelFormat format) {
-  const uint64_t need =
-      uint64_t{StrideBytes(header.width, StoredBitsPerPixel(format))} * header.height;
+  const uint64_t need = StrideBytes(header.width, StoredBitsPerPixel(format)) * header.height;
   RequirePictureMemory(need,
                        fmt::format("PNG picture of {} x {} pixels", header.width, header.height));
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 namespace rasterkit {
@@ -63,8 +62,9 @@ constexpr bool IsIndexed(TPixelFormat format) {
 }
 
 /// Bytes from one row to the next: rows are padded to 4 bytes. `width` in pixels, not negative.
-constexpr size_t StrideBytes(int64_t width, int bitsPerPixel) {
-  return static_cast<size_t>((width * bitsPerPixel + 31) / 32 * 4);
+/// Counted in 64 bits, since a file may claim a row that a 32-bit host cannot address.
+constexpr uint64_t StrideBytes(int64_t width, int bitsPerPixel) {
+  return static_cast<uint64_t>((width * bitsPerPixel + 31) / 32 * 4);
 }
 
 /// One pixel of a 24-bit row.

@@ -30,7 +30,7 @@ uint64_t RowsBytes(uint64_t stride, uint64_t height) {
 Raster::Raster(TPixelFormat format, int width, int height) {
   if (format < pf1bit || format > pf32bit) throw RangeError("a raster needs a pixel format");
   RequireSize(width, height);
-  const size_t stride = StrideBytes(width, StoredBitsPerPixel(format));
+  const uint64_t stride = StrideBytes(width, StoredBitsPerPixel(format));
   const uint64_t bytes = RowsBytes(stride, static_cast<uint64_t>(height));
   RequirePictureMemory(
       bytes, "picture of " + std::to_string(width) + " x " + std::to_string(height) + " pixels");
@@ -40,7 +40,7 @@ Raster::Raster(TPixelFormat format, int width, int height) {
   format_ = format;
   width_ = width;
   height_ = height;
-  stride_ = stride;
+  stride_ = static_cast<size_t>(stride);
   palette = DefaultPalette(format);
 }
 
