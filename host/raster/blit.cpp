@@ -103,7 +103,7 @@ class IndexedWriter {
         mixer_(mixer),
         span_(span),
         table_(MakePixelTable(target.palette)),
-        nearest_(target.palette.Entries()),
+        nearest_(EntriesInReach(target)),
         indexes_(static_cast<size_t>(target.Width())) {}
 
   void Write(int y, const RGBArec* source) {

@@ -44,7 +44,7 @@ size_t PixelBytes(TPixelFormat format, TColor color, uint8_t* bytes) {
 }
 
 void FillIndexed(Raster& raster, const PixelRect& rect, TColor color) {
-  const int index = NearestEntry(raster.palette.Entries(), color);
+  const int index = NearestEntry(EntriesInReach(raster), color);
   const int bits = StoredBitsPerPixel(raster.Format());
   const auto pattern = static_cast<uint8_t>(bits == 1   ? -(index & 1)
                                             : bits == 4 ? (index & 15) * 17
@@ -80,6 +80,12 @@ void FillTrueColor(Raster& raster, const PixelRect& rect, TColor color) {
 PixelRect ClipRect(const PixelRect& rect, int width, int height) {
   return {std::max(rect.left, 0), std::max(rect.top, 0), std::min(rect.right, width),
           std::min(rect.bottom, height)};
+}
+
+std::span<const tagPALETTEENTRY> EntriesInReach(const Raster& raster) {
+  const std::span<const tagPALETTEENTRY> entries = raster.palette.Entries();
+  if (!IsIndexed(raster.Format())) return entries;
+  return entries.first(std::min(entries.size(), size_t{1} << StoredBitsPerPixel(raster.Format())));
 }
 
 void FillRaster(Raster& raster, const PixelRect& rect, TColor color) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include <rasterkit/host/raster/raster.h>
 
 namespace rasterkit {
@@ -11,6 +13,10 @@ struct PixelRect {
 
 /// The part of `rect` inside a picture of this size; may be empty (right <= left or bottom <= top).
 PixelRect ClipRect(const PixelRect& rect, int width, int height);
+
+/// The palette entries that a pixel can name: those beyond 2 or 16 are out of reach of 1 and 4
+/// bits.
+std::span<const tagPALETTEENTRY> EntriesInReach(const Raster& raster);
 
 /// Fills the rectangle, clipped to the raster, with the colour 0x00BBGGRR: the nearest palette
 /// entry of an indexed raster, alpha 255 of a 32-bit one. The row padding is left alone.

@@ -9,7 +9,7 @@ namespace rasterkit {
 namespace {
 
 void XorRect(Raster& raster, const PixelRect& rect, TColor color) {
-  const int index = IsIndexed(raster.Format()) ? NearestEntry(raster.palette.Entries(), color) : 0;
+  const int index = IsIndexed(raster.Format()) ? NearestEntry(EntriesInReach(raster), color) : 0;
   for (int y = rect.top; y < rect.bottom; ++y) {
     uint8_t* row = raster.Row(y);
     for (auto x = static_cast<size_t>(rect.left); x < static_cast<size_t>(rect.right); ++x) {

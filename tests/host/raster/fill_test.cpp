@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <rasterkit/host/raster/blit.h>
 #include <rasterkit/host/raster/fill.h>
 #include <rasterkit/host/raster/stroke.h>
 
@@ -53,6 +54,38 @@ TEST(Fill, Should_TakeTheNearestEntry_When_Indexed) {
     const TColor color = RGB(30, 90, 200);
     const int nearest = NearestEntry(raster.palette.Entries(), color);
     EXPECT_EQ(Shown(raster, color), EntryColor(raster.palette.Entry(nearest)));
+  }
+}
+
+// Black, dark grey, black up to the last that a pixel can name, then the wanted colour.
+Raster WithColorOutOfReach(TPixelFormat format, TColor color) {
+  Raster raster(format, 9, 3);
+  std::vector<tagPALETTEENTRY> entries(size_t{1} << StoredBitsPerPixel(format));
+  entries[1] = {40, 40, 40, 0};
+  entries.push_back({static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8),
+                     static_cast<uint8_t>(color >> 16), 0});
+  raster.palette = HPALETTE(entries);
+  FillRaster(raster, {0, 0, 9, 3}, clBlack);
+  raster.ClearPadding();
+  return raster;
+}
+
+TEST(Fill, Should_TakeTheNearestEntryInReach_When_ThePaletteIsLongerThanTheFormat) {
+  for (const TPixelFormat format : {pf1bit, pf4bit}) {
+    const TColor wanted = RGB(90, 80, 70), nearest = RGB(40, 40, 40);
+    Raster filled = WithColorOutOfReach(format, wanted);
+    FillRaster(filled, {1, 1, 5, 2}, wanted);
+    EXPECT_EQ(filled.PixelColor(1, 1), nearest) << format;
+
+    Raster inverted = WithColorOutOfReach(format, wanted);
+    PaintRect(inverted, {1, 1, 5, 2}, wanted, PaintMode::exclusiveOr);
+    EXPECT_EQ(inverted.PixelColor(1, 1), nearest) << format;
+
+    Raster drawn = WithColorOutOfReach(format, wanted);
+    Raster source(pf24bit, 4, 1);
+    FillRaster(source, {0, 0, 4, 1}, wanted);
+    BlitStretched(drawn, {1, 1, 5, 2}, source);
+    EXPECT_EQ(drawn.PixelColor(1, 1), nearest) << format;
   }
 }
 
