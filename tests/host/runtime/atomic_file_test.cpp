@@ -14,21 +14,22 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <rasterkit/host/runtime/atomic_file.h>
 #include <rasterkit/host/runtime/errors.h>
 
+#include "tests/support/child_process.h"
 #include "tests/support/temp_folder.h"
 
 namespace rasterkit {
 namespace {
 
+using test::LimitFileSize;
 using test::ReadFile;
+using test::RunInChild;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -46,23 +47,6 @@ mode_t ModeOf(const std::string& name) {
   struct stat status {};
   EXPECT_EQ(stat(name.c_str(), &status), 0);
   return status.st_mode & 07777;
-}
-
-/// Runs `work` in a child process and returns its exit code.
-template <typename Work>
-int RunInChild(Work work) {
-  const pid_t child = fork();
-  if (child == 0) _exit(work());
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 128;
-}
-
-/// As a full disk: the system refuses every byte from `bytes` on.
-void LimitFileSize(rlim_t bytes) {
-  std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit limit{bytes, bytes};
-  setrlimit(RLIMIT_FSIZE, &limit);
 }
 
 bool HasNamelessFiles(const std::filesystem::path& folder) {
