@@ -141,7 +141,8 @@ TEST_F(BitmapOpenDialogTest, Pdf_NoPageIsNoFile) {
   UserChooses("p.pdf");
   for (const int answer : {0, -1}) {
     HostPorts().pdfPageChooser = [=](const std::string&, std::string&) { return answer; };
-    EXPECT_FALSE(BitmapOpenDialog("", "", bfAll, fileName_, false));
+    EXPECT_FALSE(BitmapOpenDialog("D:\\", "", bfAll, fileName_, false));
+    EXPECT_EQ(fileName_, "D:\\p.png") << "the name is made before anybody asks for the page";
   }
 }
 
