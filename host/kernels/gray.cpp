@@ -32,105 +32,172 @@ void GrayOfRow(const uint8_t* pixels, size_t width, uint8_t* gray) {
 #else
 
 using Bytes = hn::ScalableTag<uint8_t>;
-using Words = hn::Repartition<uint16_t, Bytes>;
-using SignedWords = hn::RebindToSigned<Words>;
+using Words = hn::Repartition<int16_t, Bytes>;
+using Lanes = hn::Repartition<uint32_t, Bytes>;
+using SignedLanes = hn::RebindToSigned<Lanes>;
 using ByteVector = hn::Vec<Bytes>;
 using WordVector = hn::Vec<Words>;
+using LaneVector = hn::Vec<Lanes>;
+using SignedLaneVector = hn::Vec<SignedLanes>;
+using LaneMask = hn::Mask<Lanes>;
+using LaneOrder = decltype(hn::SetTableIndices(Lanes(), static_cast<const int32_t*>(nullptr)));
 
-/// The same number, hidden from the compiler, which would replace each multiplication by four
-/// shifts and sums.
-inline int16_t Opaque(int16_t value) {
-  asm("" : "+r"(value));
-  return value;
-}
+// A pixel takes a lane of 32 bits, as bytes G G R B. They read as two words, g + 256 g and
+// r + 256 b, and moved up by a byte as two others, 256 g and g + 256 r. The sum of the four, each
+// times its weight, is the grey value in units of 2^-24: its top byte is the result.
+constexpr int16_t kWeights[4] = {5833, 7471, 32669, 19435};
+constexpr int64_t kRed = kWeights[1] + 256 * kWeights[3];
+constexpr int64_t kGreen = 257 * kWeights[0] + 256 * kWeights[2] + kWeights[3];
+constexpr int64_t kBlue = 256 * kWeights[1];
 
-/// The weights are 1000 thousandths together, so a grey value is green plus the weighted distances
-/// of red and blue from it: (297 (r - g) + 114 (b - g)) / 1000, which needs fewer bits than the
-/// whole sum.
-struct Weights {
-  hn::Vec<SignedWords> red, blue;
+// What this makes of red, green and blue is never above the exact weights. Lifted by the most that
+// it falls short of them, every sum is the exact one or exceeds it by less than a thousandth. So
+// the top byte is right, and less than a thousandth follows it just where the exact sum is whole.
+constexpr int64_t kOne = 1 << 24;
+constexpr int64_t kLift = 255 * (kOne - kRed - kGreen - kBlue);
+constexpr int32_t kThousandth = kOne / 1000;
+static_assert(kRed * 1000 <= 297 * kOne && kGreen * 1000 <= 589 * kOne &&
+              kBlue * 1000 <= 114 * kOne && kLift < kThousandth);
+
+/// Words are multiplied as signed numbers, so 2^15 is taken from each before; this gives it back.
+constexpr int64_t kBias = 32768 * (kWeights[0] + kWeights[1] + kWeights[2] + kWeights[3]);
+
+/// What stays the same from vector to vector.
+struct Constants {
+  LaneOrder groups;
+  ByteVector ggrb;
+  WordVector weights, weightsOfMoved, wordBias;
+  SignedLaneVector start;
+  ByteVector byVector;
+  LaneOrder byPixel;
 };
 
-HWY_INLINE Weights MakeWeights() {
-  return {hn::Set(SignedWords(), Opaque(37)), hn::Set(SignedWords(), Opaque(14))};
+HWY_INLINE WordVector WordPairs(int16_t low, int16_t high) {
+  return hn::OddEven(hn::Set(Words(), high), hn::Set(Words(), low));
 }
-
-/// Keeps quotients positive: 255 * 411 / 1000 is the farthest that a grey value can lie below
-/// green.
-constexpr uint8_t kBias = 105;
-
-/// For half the pixels: how far grey lies above green, plus the bias; and words that are zero
-/// wherever the exact sum is a whole number (and seldom elsewhere), where the result may be one too
-/// high.
-struct Distances {
-  WordVector aboveGreen;
-  WordVector doubt;
-};
-
-HWY_INLINE Distances DistancesOf(const Weights& weights, WordVector r, WordVector g, WordVector b) {
-  const Words d;
-  const SignedWords di;
-  const auto red = hn::BitCast(di, hn::Sub(r, g));
-  const auto blue = hn::BitCast(di, hn::Sub(b, g));
-  // 297 red + 114 blue takes 18 bits. Divided by 8 it fits a word, and so does what the division
-  // cuts off: 297 = 8 * 37 + 1, 114 = 8 * 14 + 2.
-  const auto rest = hn::Add(red, hn::Add(blue, blue));
-  const auto eighths = hn::Add(hn::Add(hn::Mul(red, weights.red), hn::Mul(blue, weights.blue)),
-                               hn::Add(hn::ShiftRight<3>(rest), hn::Set(di, kBias * 125)));
-  // 33555 / 2^22 exceeds 1 / 125 by so little that the quotient is exact up to 31875; its bits
-  // above the point are all zero after every exact division.
-  const auto quotient = hn::MulHigh(hn::BitCast(d, eighths), hn::Set(d, 33555));
-  const auto fraction = hn::And(quotient, hn::Set(d, 63));
-  const auto cutOff = hn::And(hn::BitCast(d, rest), hn::Set(d, 7));
-  return {hn::ShiftRight<6>(quotient), hn::Or(fraction, cutOff)};
-}
-
-/// Every second byte as words, from the first or from the second on.
-HWY_INLINE WordVector Even(ByteVector v) {
-  return hn::And(hn::BitCast(Words(), v), hn::Set(Words(), 0xFF));
-}
-HWY_INLINE WordVector Odd(ByteVector v) {
-  return hn::ShiftRight<8>(hn::BitCast(Words(), v));
-}
-HWY_INLINE ByteVector Interleave(WordVector even, WordVector odd) {
-  return hn::BitCast(Bytes(), hn::Or(even, hn::ShiftLeft<8>(odd)));
-}
-
-struct Channels {
-  ByteVector r, g, b;
-};
 
 template <int kBytes>
-HWY_INLINE Channels Load(const uint8_t* pixels) {
-  Channels c;
-  if constexpr (kBytes == 3) {
-    hn::LoadInterleaved3(Bytes(), pixels, c.b, c.g, c.r);
-  } else {
-    ByteVector alpha;
-    hn::LoadInterleaved4(Bytes(), pixels, c.b, c.g, c.r, alpha);
+HWY_INLINE Constants MakeConstants() {
+  constexpr uint8_t kGgrb[2][16] = {{1, 1, 2, 0, 4, 4, 5, 3, 7, 7, 8, 6, 10, 10, 11, 9},
+                                    {1, 1, 2, 0, 5, 5, 6, 4, 9, 9, 10, 8, 13, 13, 14, 12}};
+  constexpr uint8_t kByVector[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
+  constexpr int kMaxLanes = static_cast<int>(hn::MaxLanes(Lanes()));
+  const int lanes = static_cast<int>(hn::Lanes(Lanes()));
+  const int blocks = lanes / 4;
+  int32_t groups[kMaxLanes], byPixel[kMaxLanes];
+  for (int i = 0; i < lanes; ++i) {
+    groups[i] = i / 4 * 3 + i % 4 % 3;
+    byPixel[i] = i % blocks * 4 + i / blocks;
   }
-  return c;
+  return {hn::SetTableIndices(Lanes(), groups),
+          hn::LoadDup128(Bytes(), kGgrb[kBytes - 3]),
+          WordPairs(kWeights[0], kWeights[1]),
+          WordPairs(kWeights[2], kWeights[3]),
+          hn::Set(Words(), INT16_MIN),
+          hn::Set(SignedLanes(), static_cast<int32_t>(kBias + kLift)),
+          hn::LoadDup128(Bytes(), kByVector),
+          hn::SetTableIndices(Lanes(), byPixel)};
 }
 
-HWY_INLINE hn::Mask<Bytes> Neutral(const Channels& c) {
-  return hn::And(hn::Eq(c.r, c.g), hn::Eq(c.g, c.b));
-}
-
-HWY_INLINE bool AllAre(const Channels& c, const uint8_t* pixel) {
-  const Bytes d;
-  const auto same =
-      hn::And(hn::Eq(c.r, hn::Set(d, pixel[2])),
-              hn::And(hn::Eq(c.g, hn::Set(d, pixel[1])), hn::Eq(c.b, hn::Set(d, pixel[0]))));
-  return hn::AllTrue(d, same);
-}
-
-/// Does the pixels whose lanes are set once more, one by one.
+/// Loads a pixel into each lane. Three-byte pixels are first moved so that four of them start each
+/// block of 16 bytes, and a quarter of a vector behind them is read too.
 template <int kBytes>
-HWY_INLINE void Redo(hn::Mask<Bytes> lanes, const uint8_t* pixels, uint8_t* target) {
-  const Bytes d;
-  alignas(8) uint8_t bytes[HWY_MAX((hn::MaxLanes(Bytes()) + 7) / 8, 8)] = {};
-  hn::StoreMaskBits(d, lanes, bytes);
-  for (size_t first = 0; first < hn::Lanes(d); first += 64) {
+HWY_INLINE LaneVector LoadPixels(const Constants& c, const uint8_t* pixels) {
+  auto loaded = hn::BitCast(Lanes(), hn::LoadU(Bytes(), pixels));
+  if constexpr (kBytes == 3 && hn::MaxLanes(Bytes()) > 16)
+    loaded = hn::TableLookupLanes(loaded, c.groups);
+  return hn::BitCast(Lanes(), hn::TableLookupBytes(hn::BitCast(Bytes(), loaded), c.ggrb));
+}
+
+/// `start` plus, for each lane, the products of its two words with their weights.
+HWY_INLINE SignedLaneVector AddProducts(const Constants& c, SignedLaneVector start,
+                                        LaneVector words, WordVector weights) {
+  const auto numbers = hn::Xor(hn::BitCast(Words(), words), c.wordBias);
+  auto odd = hn::Zero(SignedLanes());
+  const auto even = hn::ReorderWidenMulAccumulate(SignedLanes(), numbers, weights, start, odd);
+  return hn::RearrangeToOddPlusEven(even, odd);
+}
+
+HWY_INLINE LaneVector GraySum(const Constants& c, LaneVector ggrb) {
+  const auto half = AddProducts(c, c.start, ggrb, c.weights);
+  return hn::BitCast(Lanes(), AddProducts(c, half, hn::ShiftLeft<8>(ggrb), c.weightsOfMoved));
+}
+
+/// Four vectors of lanes: as many pixels as a vector has bytes.
+struct Quad {
+  LaneVector v0, v1, v2, v3;
+};
+
+/// `function` of each vector.
+template <class Function>
+HWY_INLINE Quad ForEach(Function function, const Quad& q) {
+  return {function(q.v0), function(q.v1), function(q.v2), function(q.v3)};
+}
+
+template <int kBytes>
+HWY_INLINE Quad LoadQuad(const Constants& c, const uint8_t* pixels) {
+  const size_t step = hn::Lanes(Lanes()) * kBytes;
+  return {LoadPixels<kBytes>(c, pixels), LoadPixels<kBytes>(c, pixels + step),
+          LoadPixels<kBytes>(c, pixels + 2 * step), LoadPixels<kBytes>(c, pixels + 3 * step)};
+}
+
+/// The top byte of each lane, in the order of the pixels.
+HWY_INLINE ByteVector TopBytes(const Constants& c, const Quad& q) {
+  const hn::RebindToUnsigned<Words> d;
+  const auto upperWords = [d](LaneVector low, LaneVector high) {
+    return hn::OddEven(hn::BitCast(d, high), hn::BitCast(d, hn::ShiftRight<16>(low)));
+  };
+  const auto even = hn::BitCast(Bytes(), hn::ShiftRight<8>(upperWords(q.v0, q.v2)));
+  const auto odd = hn::BitCast(Bytes(), upperWords(q.v1, q.v3));
+  const auto bytes = hn::TableLookupBytes(hn::OddEven(odd, even), c.byVector);
+  if constexpr (hn::MaxLanes(Bytes()) == 16) return bytes;
+  return hn::BitCast(Bytes(), hn::TableLookupLanes(hn::BitCast(Lanes(), bytes), c.byPixel));
+}
+
+/// What a sum has below its top byte.
+HWY_INLINE SignedLaneVector Fraction(LaneVector sum) {
+  return hn::BitCast(SignedLanes(), hn::And(sum, hn::Set(Lanes(), 0xFFFFFF)));
+}
+
+HWY_INLINE LaneMask LessThanAThousandth(SignedLaneVector fraction) {
+  const auto thousandth = hn::Set(SignedLanes(), kThousandth);
+  return hn::RebindMask(Lanes(), hn::Lt(fraction, thousandth));
+}
+
+HWY_INLINE bool NoneIsWhole(const Quad& sums) {
+  const auto least = hn::Min(hn::Min(Fraction(sums.v0), Fraction(sums.v1)),
+                             hn::Min(Fraction(sums.v2), Fraction(sums.v3)));
+  return hn::AllFalse(Lanes(), LessThanAThousandth(least));
+}
+
+HWY_INLINE bool AllAreZero(const Quad& q) {
+  const auto any = hn::Or(hn::Or(q.v0, q.v1), hn::Or(q.v2, q.v3));
+  return hn::AllTrue(Lanes(), hn::Eq(any, hn::Zero(Lanes())));
+}
+
+/// Zero in the lanes of neutral colours.
+HWY_INLINE LaneVector Tint(LaneVector ggrb) {
+  return hn::ShiftRight<16>(hn::Xor(ggrb, hn::ShiftLeft<8>(ggrb)));
+}
+
+/// Of the neutral colours, whose sums are all whole, only the levels 89 and 178 fall short: they
+/// need no table.
+HWY_INLINE LaneVector LowerNeutral(LaneVector ggrb, LaneVector sum) {
+  const Lanes d;
+  const auto fallsShort = hn::Or(hn::Eq(ggrb, hn::Set(d, 89 * 0x01010101u)),
+                                 hn::Eq(ggrb, hn::Set(d, 178 * 0x01010101u)));
+  return hn::Sub(sum, hn::IfThenElseZero(fallsShort, hn::Set(d, static_cast<uint32_t>(kOne))));
+}
+
+/// Does the pixels of other colours whose exact sum is whole once more, one by one.
+template <int kBytes>
+HWY_INLINE void RedoTinted(LaneVector ggrb, LaneVector sum, const uint8_t* pixels,
+                           uint8_t* target) {
+  const auto tinted = hn::Ne(Tint(ggrb), hn::Zero(Lanes()));
+  const auto doubt = hn::And(tinted, LessThanAThousandth(Fraction(sum)));
+  uint8_t bytes[HWY_MAX((hn::MaxLanes(Lanes()) + 7) / 8, 8)] = {};
+  hn::StoreMaskBits(Lanes(), doubt, bytes);
+  for (size_t first = 0; first < hn::Lanes(Lanes()); first += 64) {
     uint64_t bits;
     std::memcpy(&bits, bytes + first / 8, sizeof bits);
     for (; bits != 0; bits &= bits - 1) {
@@ -140,49 +207,62 @@ HWY_INLINE void Redo(hn::Mask<Bytes> lanes, const uint8_t* pixels, uint8_t* targ
   }
 }
 
-/// Settles the lanes in doubt, and stores. Neutral colours are always in doubt and common (paper,
-/// scans): only 89 and 178 of them fall short, so they need no table. Whole runs of one other
-/// colour are looked up once; what remains is rare.
-template <int kBytes>
-HWY_INLINE void StoreSettled(const Channels& c, ByteVector gray, hn::Mask<Bytes> doubt,
-                             const uint8_t* pixels, uint8_t* target) {
-  const Bytes d;
-  const auto neutral = Neutral(c);
-  const auto levels = hn::Or(hn::Eq(gray, hn::Set(d, 89)), hn::Eq(gray, hn::Set(d, 178)));
-  const auto oneLess = hn::And(neutral, levels);
-  hn::StoreU(hn::IfThenElse(oneLess, hn::Sub(gray, hn::Set(d, 1)), gray), d, target);
-  doubt = hn::AndNot(neutral, doubt);
-  if (HWY_LIKELY(hn::AllFalse(d, doubt))) return;
-  if (AllAre(c, pixels)) {
-    hn::StoreU(hn::Set(d, GrayOf(pixels[2], pixels[1], pixels[0])), d, target);
-  } else {
-    Redo<kBytes>(doubt, pixels, target);
-  }
+HWY_INLINE bool AllAreNeutral(const Quad& ggrb) {
+  return AllAreZero(ForEach([](LaneVector v) { return Tint(v); }, ggrb));
 }
 
+HWY_INLINE bool AllAreEqual(const Quad& q) {
+  const auto first = hn::Set(Lanes(), hn::GetLane(q.v0));
+  return AllAreZero(ForEach([first](LaneVector v) { return hn::Xor(v, first); }, q));
+}
+
+/// Stores a vector in which some exact sums are whole. Neutral colours are common (paper, scans),
+/// and so are runs of one other colour, which is looked up once; what remains is rare.
 template <int kBytes>
-HWY_INLINE void GrayOfVector(const Weights& weights, const uint8_t* pixels, uint8_t* target) {
-  const Bytes d;
-  const Channels c = Load<kBytes>(pixels);
-  const Distances even = DistancesOf(weights, Even(c.r), Even(c.g), Even(c.b));
-  const Distances odd = DistancesOf(weights, Odd(c.r), Odd(c.g), Odd(c.b));
-  const auto distance = Interleave(even.aboveGreen, odd.aboveGreen);
-  const auto gray = hn::Add(distance, hn::Sub(c.g, hn::Set(d, kBias)));
-  const auto doubt = hn::Eq(Interleave(even.doubt, odd.doubt), hn::Zero(d));
-  if (HWY_LIKELY(hn::AllFalse(d, doubt))) return hn::StoreU(gray, d, target);
-  StoreSettled<kBytes>(c, gray, doubt, pixels, target);
+HWY_INLINE void StoreSettled(const Constants& c, const Quad& ggrb, const Quad& sums,
+                             const uint8_t* pixels, uint8_t* target) {
+  const bool neutral = AllAreNeutral(ggrb);
+  if (!neutral && AllAreEqual(ggrb)) {
+    const uint8_t gray = GrayOf(pixels[2], pixels[1], pixels[0]);
+    return hn::StoreU(hn::Set(Bytes(), gray), Bytes(), target);
+  }
+  const Quad lowered{LowerNeutral(ggrb.v0, sums.v0), LowerNeutral(ggrb.v1, sums.v1),
+                     LowerNeutral(ggrb.v2, sums.v2), LowerNeutral(ggrb.v3, sums.v3)};
+  hn::StoreU(TopBytes(c, lowered), Bytes(), target);
+  if (neutral) return;
+  const size_t lanes = hn::Lanes(Lanes());
+  RedoTinted<kBytes>(ggrb.v0, sums.v0, pixels, target);
+  RedoTinted<kBytes>(ggrb.v1, sums.v1, pixels + lanes * kBytes, target + lanes);
+  RedoTinted<kBytes>(ggrb.v2, sums.v2, pixels + 2 * lanes * kBytes, target + 2 * lanes);
+  RedoTinted<kBytes>(ggrb.v3, sums.v3, pixels + 3 * lanes * kBytes, target + 3 * lanes);
+}
+
+/// Reads a quarter of a vector more than the pixels take when they have three bytes.
+template <int kBytes>
+HWY_INLINE void GrayOfVector(const Constants& c, const uint8_t* pixels, uint8_t* target) {
+  const Quad ggrb = LoadQuad<kBytes>(c, pixels);
+  const Quad sums = ForEach([&c](LaneVector v) { return GraySum(c, v); }, ggrb);
+  if (HWY_LIKELY(NoneIsWhole(sums))) return hn::StoreU(TopBytes(c, sums), Bytes(), target);
+  StoreSettled<kBytes>(c, ggrb, sums, pixels, target);
 }
 
 template <int kBytes>
 void GrayOfRow(const uint8_t* pixels, size_t width, uint8_t* gray) {
   const size_t lanes = hn::Lanes(Bytes());
-  if (width < lanes) return GrayOfPixels<kBytes>(pixels, width, gray);
-  const Weights weights = MakeWeights();
-  for (size_t x = 0; x + lanes <= width; x += lanes)
-    GrayOfVector<kBytes>(weights, pixels + x * kBytes, gray + x);
-  // The last vector ends with the row and does some pixels again.
-  const size_t last = width - lanes;
-  GrayOfVector<kBytes>(weights, pixels + last * kBytes, gray + last);
+  const size_t readAhead = kBytes == 3 ? lanes / 12 + 1 : 0;
+  const Constants constants = MakeConstants<kBytes>();
+  for (; width >= lanes + readAhead; width -= lanes, pixels += lanes * kBytes, gray += lanes)
+    GrayOfVector<kBytes>(constants, pixels, gray);
+  while (width > 0) {
+    // The end of the row goes through buffers that hold a whole vector and what is read ahead.
+    uint8_t source[4 * hn::MaxLanes(Bytes())] = {};
+    uint8_t target[hn::MaxLanes(Bytes())];
+    const size_t count = HWY_MIN(width, lanes);
+    std::memcpy(source, pixels, count * kBytes);
+    GrayOfVector<kBytes>(constants, source, target);
+    std::memcpy(gray, target, count);
+    width -= count, pixels += count * kBytes, gray += count;
+  }
 }
 
 #endif

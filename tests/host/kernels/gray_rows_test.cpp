@@ -104,13 +104,42 @@ TEST_P(GrayRows, Should_EqualTheReference_When_ExactSumsAreWhole) {
   const size_t colors = whole.size() / 3;
   ASSERT_EQ(GraysOf(whole.data(), colors, 3), ReferenceOf(whole.data(), colors, 3)) << "mixed";
   for (size_t i = 0; i < colors; ++i) {
-    std::vector<uint8_t> flat;
-    for (int pixel = 0; pixel < 70; ++pixel)
-      flat.insert(flat.end(), whole.begin() + i * 3, whole.begin() + i * 3 + 3);
-    ASSERT_EQ(GraysOf(flat.data(), 70, 3), ReferenceOf(flat.data(), 70, 3)) << "flat, color " << i;
-    std::fill_n(flat.begin() + 33 * 3, 3, 89);
-    ASSERT_EQ(GraysOf(flat.data(), 70, 3), ReferenceOf(flat.data(), 70, 3))
-        << "with 89, color " << i;
+    const uint8_t* color = whole.data() + i * 3;
+    for (const int bytesPerPixel : {3, 4}) {
+      std::vector<uint8_t> flat;
+      for (int pixel = 0; pixel < 70; ++pixel) {
+        flat.insert(flat.end(), color, color + 3);
+        if (bytesPerPixel == 4) flat.push_back(static_cast<uint8_t>(pixel));
+      }
+      ASSERT_EQ(GraysOf(flat.data(), 70, bytesPerPixel),
+                ReferenceOf(flat.data(), 70, bytesPerPixel))
+          << "flat, color " << i;
+      std::fill_n(flat.begin() + 33 * bytesPerPixel, 3, 89);
+      ASSERT_EQ(GraysOf(flat.data(), 70, bytesPerPixel),
+                ReferenceOf(flat.data(), 70, bytesPerPixel))
+          << "with 89, color " << i;
+    }
+  }
+}
+
+/// Scans: neutral levels, whose exact sums are all whole, alone and with some tinted pixels.
+TEST_P(GrayRows, Should_EqualTheReference_For_NeutralColors_AloneAndMixed) {
+  constexpr unsigned kSeed = 89178;
+  std::mt19937 random(kSeed);
+  for (int round = 0; round < 2000; ++round) {
+    const unsigned tintedOf100 = round % 4 * 10;
+    for (const int bytesPerPixel : {3, 4}) {
+      std::vector<uint8_t> pixels;
+      for (int i = 0; i < 150; ++i) {
+        const uint8_t levels[] = {89, 178, static_cast<uint8_t>(random())};
+        pixels.insert(pixels.end(), 3, levels[random() % 3]);
+        if (random() % 100 < tintedOf100) pixels.back() = static_cast<uint8_t>(random());
+        if (bytesPerPixel == 4) pixels.push_back(static_cast<uint8_t>(random()));
+      }
+      ASSERT_EQ(GraysOf(pixels.data(), 150, bytesPerPixel),
+                ReferenceOf(pixels.data(), 150, bytesPerPixel))
+          << "round " << round << ", seed " << kSeed;
+    }
   }
 }
 
