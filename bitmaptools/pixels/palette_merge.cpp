@@ -13,7 +13,7 @@
 namespace rasterkit {
 namespace {
 
-/// Callers round a palette of 17 to 255 entries up to 256, so this leaves the last entry black.
+/// `CreateColorPalette` rounds this up to 256 entries, of which the last is black.
 constexpr int32_t kCommonEntries = 255;
 
 /// The 256 entries of the common palette while they are handed out.

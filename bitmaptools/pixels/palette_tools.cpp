@@ -26,16 +26,15 @@ size_t KeptBytes(int width, int32_t count) {
   }
 }
 
-/// Makes each row from byte `kept` on as it is in a new bitmap of the same format and size.
+/// Makes each row from byte `kept` on as it is in a new bitmap of the same stored format and size.
 void WhitenRowEnds(TBitmap& bitmap, size_t kept) {
-  if (bitmap.Height() == 0 || kept >= bitmap.Content().RowBytes()) return;
+  const size_t rowBytes = bitmap.Content().RowBytes();
+  if (bitmap.Height() == 0 || kept >= rowBytes) return;
   TBitmap fresh;
-  fresh.SetPixelFormat(bitmap.PixelFormat());
+  fresh.SetPixelFormat(bitmap.Content().Format());
   fresh.SetSize(bitmap.Width(), 1);
-  const size_t end = std::min(bitmap.Stride(), fresh.Stride());
-  if (kept >= end) return;
   for (int y = 0; y < bitmap.Height(); ++y)
-    std::memcpy(bitmap.ScanLine(y) + kept, fresh.ScanLine(0) + kept, end - kept);
+    std::memcpy(bitmap.ScanLine(y) + kept, fresh.ScanLine(0) + kept, rowBytes - kept);
 }
 
 int32_t ClampTo(int32_t value, int32_t size) {

@@ -137,6 +137,24 @@ TEST(GetPixelByteInfo, Should_MeasureACustomBitmapByItsStoredBits) {
   EXPECT_EQ(other.PixelFormat(), pf32bit);
 }
 
+TEST(GetPixelByteInfo, Should_SwitchTo32Bits_But_TellTheMeasuredSize_For_NarrowCustomBitmaps) {
+  struct Narrow {
+    TPixelFormat stored;
+    PixelBytes expected;
+  };
+  for (const Narrow& narrow :
+       {Narrow{pf1bit, {true, 0, 4}}, Narrow{pf4bit, {true, 0, 4}}, Narrow{pf8bit, {true, 1, 0}},
+        Narrow{pf15bit, {true, 2, 0}}, Narrow{pf16bit, {true, 2, 0}}}) {
+    TBitmap bitmap = test::GradientBitmap(narrow.stored, 5, 3);
+    const TColor corner = bitmap.PixelColor(0, 0);
+    bitmap.SetPixelFormat(pfCustom);
+    EXPECT_EQ(PixelBytesOf(bitmap), narrow.expected) << narrow.stored;
+    EXPECT_EQ(bitmap.PixelFormat(), pf32bit) << narrow.stored;
+    EXPECT_EQ(bitmap.StoredBits(), 32) << narrow.stored;
+    EXPECT_EQ(bitmap.PixelColor(0, 0), corner) << narrow.stored;
+  }
+}
+
 TEST(BytesOfBits, Should_RefuseBytesWithAPartOfAnother_But_AcceptLessThanAByte) {
   for (int bits = 0; bits <= 64; ++bits) {
     int32_t bytes = -1;

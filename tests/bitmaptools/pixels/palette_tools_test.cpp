@@ -103,6 +103,17 @@ TEST(ChangePalColors, Should_EqualTheReference_For_DeviceAndCustomBitmaps) {
   }
 }
 
+TEST(ChangePalColors, Should_LeaveThePaddingZero_For_CustomBitmaps) {
+  for (const TPixelFormat stored : test::kEveryFormat) {
+    for (const int count : {2, 16, 256}) {
+      TBitmap bitmap = test::GradientBitmap(stored, 13, 2);
+      bitmap.SetPixelFormat(pfCustom);
+      ChangePalColors(bitmap, NumberedTable(), count);
+      EXPECT_TRUE(test::PaddingIsZero(bitmap)) << "format " << stored << ", count " << count;
+    }
+  }
+}
+
 TEST(ChangePalColors, Should_KeepEveryIndex_When_CountAndFormatFit) {
   struct Fit {
     TPixelFormat format;
@@ -206,6 +217,28 @@ TEST(ChgFirstPixCol, Should_ChangeTheEntryOfAPf4bitBitmap) {
   EXPECT_EQ(bitmap.ScanLine(0)[0], 0x3C);
 }
 
+TEST(ChgFirstPixCol, Should_ReplaceThePaletteAsChangePalColors_For_EveryCount) {
+  constexpr unsigned kSeed = 2205;
+  std::mt19937 random(kSeed);
+  const TColorTable table = NumberedTable();
+  for (const TPixelFormat format : {pf4bit, pf8bit}) {
+    for (int count = 1; count <= 256; ++count) {
+      TBitmap bitmap = test::RandomBitmap(format, 1 + count % 40, 3, random);
+      bitmap.SetPalette(HPALETTE(std::span(table).first(static_cast<size_t>(count))));
+      const int index = GetPalColor(0, 0, bitmap) % count % 16;
+      bitmap.ScanLine(0)[0] = static_cast<uint8_t>(format == pf4bit ? index * 17 : index);
+      TColorTable changed = table;
+      changed[static_cast<size_t>(index)] = {0x11, 0x22, 0x33, 0};
+      const TBitmap expected = reference::ChangePalColors(bitmap, changed, count);
+      ChgFirstPixCol(bitmap, 0x332211);
+      // Entries beyond the count are black in a palette that was rounded up.
+      ASSERT_TRUE(SamePixels(expected, bitmap))
+          << "format " << format << ", count " << count << ", seed " << kSeed;
+      ASSERT_EQ(bitmap.Palette(), CreateColorPalette(changed, count));
+    }
+  }
+}
+
 TEST(ChgFirstPixCol, Should_ChangeNothing_For_OtherFormats) {
   for (const TPixelFormat format : {pf1bit, pf15bit, pf16bit, pf24bit, pf32bit}) {
     TBitmap bitmap = test::GradientBitmap(format, 5, 3);
@@ -241,9 +274,9 @@ TEST(ChgFirstPixCol, Should_AskTheHost_For_SystemColors) {
     return 0x00998877u;
   };
   TBitmap bitmap = Bitmap8WithTopLeft(7);
-  ChgFirstPixCol(bitmap, static_cast<TColor>(0x8000000Fu));
+  ChgFirstPixCol(bitmap, static_cast<TColor>(0x8112340Fu));
   HostPorts().systemColor = nullptr;
-  EXPECT_EQ(asked, 15u);
+  EXPECT_EQ(asked, 0x12340Fu);
   EXPECT_EQ(bitmap.Palette().Entry(7), (tagPALETTEENTRY{0x77, 0x88, 0x99, 0}));
 }
 
