@@ -27,13 +27,13 @@ std::string DirStackItem(int64_t dirStart, int64_t offsetBase) {
 
 }  // namespace
 
-bool IsExifSection(std::string_view data) {
+bool detail::IsExifSection(std::string_view data) {
   return data.size() >= kHeaderPos && data.substr(kHeaderPos - 1).starts_with(ValidHeader);
 }
 
 void TImageData::ProcessExif() {
   if (ExifSegment == nullptr || !ExifData) return;
-  if (!IsExifSection(ExifBuff)) {
+  if (!detail::IsExifSection(ExifBuff)) {
     ErrStr = "Incorrect Exif header";
     return;
   }
@@ -108,7 +108,7 @@ bool TImageData::GetTagInfo(std::string_view buff, int64_t OffsetBase, int64_t e
 /// Decodes one entry, if its tag is known; false when the section has cost too much already.
 bool TImageData::ProcessEntry(const TTagInfo& info, int64_t OffsetBase, int64_t ExifLength,
                               TTagType tagType) {
-  const TTagRow* row = FindTagRow(tagType, info.Tag);
+  const TTagRow* row = detail::FindTagRow(tagType, info.Tag);
   if (row == nullptr) return true;
   std::string raw = RawValue(info);
   effort_.valueBytes -= static_cast<int64_t>(raw.size());

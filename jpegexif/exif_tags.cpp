@@ -2,7 +2,7 @@
 
 namespace rasterkit {
 
-const TTagRow* FindTagRow(TTagType group, uint16_t tag) {
+const TTagRow* detail::FindTagRow(TTagType group, uint16_t tag) {
   switch (group) {
     case tagExif:
     case tagThumb:

@@ -51,8 +51,12 @@ inline constexpr std::array<TTagRow, 3> kExifTable = {TTagRow{},
 /// GPS directories: row n holds tag n.
 inline constexpr std::array<TTagRow, 31> kGpsTable = detail::MakeGpsTable();
 
+namespace detail {
+
 /// The row of a tag in the table of its directory's group; null when the tag is not admitted there.
 const TTagRow* FindTagRow(TTagType group, uint16_t tag);
+
+}  // namespace detail
 
 /// Bytes a value of a TIFF field type takes. Floating-point types and types that do not exist count
 /// 0, which makes their entries empty.

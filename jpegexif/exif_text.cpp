@@ -91,11 +91,11 @@ std::string DecodeField(std::string_view code, std::string_view value) {
   return StrBefore(StrAfter(list, key), cDecodeSep);
 }
 
-std::string FixedText(double value, int decimals) {
+std::string detail::FixedText(double value, int decimals) {
   return NumberText(value, std::chars_format::fixed, decimals);
 }
 
-std::string NumberInTemplate(std::string_view pattern, double value) {
+std::string detail::NumberInTemplate(std::string_view pattern, double value) {
   std::string text;
   bool isPlaced = false;
   for (size_t i = 0; i < pattern.size(); ++i) {

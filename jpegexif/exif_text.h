@@ -34,6 +34,8 @@ RASTERKIT_EXPORT double GetIrrational(std::string_view s);
 /// The text that the list `code` ("1:one,2:two") pairs with `value`; empty when it names none.
 RASTERKIT_EXPORT std::string DecodeField(std::string_view code, std::string_view value);
 
+namespace detail {
+
 /// `value` with a fixed number of decimals and a point, whatever the locale.
 std::string FixedText(double value, int decimals);
 
@@ -42,4 +44,5 @@ std::string FixedText(double value, int decimals);
 /// anything else is copied.
 std::string NumberInTemplate(std::string_view pattern, double value);
 
+}  // namespace detail
 }  // namespace rasterkit

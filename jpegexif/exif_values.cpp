@@ -112,7 +112,7 @@ std::string TImageData::FormatNumber(std::string_view bytes, uint16_t fmtType,
   if (formatS.empty()) return text;
   const bool takesText = formatS.find("%s") != std::string::npos;
   return takesText ? TextInTemplate(formatS, text)
-                   : NumberInTemplate(formatS, GetNumber(bytes, fmtType));
+                   : detail::NumberInTemplate(formatS, GetNumber(bytes, fmtType));
 }
 
 }  // namespace rasterkit

@@ -74,7 +74,7 @@ std::optional<int> ReadRawOrientation(TStream& stream) {
     }
     std::string data(2, '\0');
     reader.Append(data, static_cast<size_t>(length - 2));
-    if (!IsExifSection(data)) continue;
+    if (!detail::IsExifSection(data)) continue;
     if (const std::optional<int> orientation = OrientationOf(data)) return orientation;
   }
   return std::nullopt;

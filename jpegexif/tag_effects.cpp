@@ -163,7 +163,7 @@ void TImageData::ProcTagGPS(TTagEntry& entry) {
       break;
     case 6:
       gps.Altitude = number();
-      entry.Inhalt = FixedText(gps.Altitude, 2) + " m";
+      entry.Inhalt = detail::FixedText(gps.Altitude, 2) + " m";
       break;
     case 12:
       gps.SpeedRef = letter();

@@ -361,10 +361,10 @@ TEST_P(ExifDirectory, TagTables_Should_HoldWhatTheyAdmit) {
   for (uint32_t tag = 0; tag <= 0xFFFF; ++tag) {
     const auto id = static_cast<uint16_t>(tag);
     const bool inExif = tag == 274 || tag == 34853;
-    ASSERT_EQ(FindTagRow(tagExif, id) != nullptr, inExif) << tag;
-    ASSERT_EQ(FindTagRow(tagThumb, id) != nullptr, inExif) << tag;
-    ASSERT_EQ(FindTagRow(tagGPS, id) != nullptr, tag <= 30) << tag;
-    ASSERT_EQ(FindTagRow(tagSpec, id), nullptr) << tag;
+    ASSERT_EQ(detail::FindTagRow(tagExif, id) != nullptr, inExif) << tag;
+    ASSERT_EQ(detail::FindTagRow(tagThumb, id) != nullptr, inExif) << tag;
+    ASSERT_EQ(detail::FindTagRow(tagGPS, id) != nullptr, tag <= 30) << tag;
+    ASSERT_EQ(detail::FindTagRow(tagSpec, id), nullptr) << tag;
   }
   for (uint16_t tag = 0; tag <= 30; ++tag) {
     const bool calls = tag == 2 || tag == 4 || tag == 7 || tag == 20 || tag == 22;

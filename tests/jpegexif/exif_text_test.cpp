@@ -79,13 +79,13 @@ TEST(ExifText, DecodeField_Should_BeEmpty_When_TheListNamesNoTexts) {
 }
 
 TEST(ExifText, Templates_Should_TakeOneNumber) {
-  EXPECT_EQ(NumberInTemplate("%d", 7.9), "7");
-  EXPECT_EQ(NumberInTemplate("%e", 1.5), "1.500000e+00");
-  EXPECT_EQ(NumberInTemplate("%.3g", 1234.5), "1.23e+03");
-  EXPECT_EQ(NumberInTemplate("%f and %f", 1), "1.000000 and %f");
-  EXPECT_EQ(NumberInTemplate("%.999999999999f", 1).substr(0, 4), "1.00");
-  EXPECT_EQ(NumberInTemplate("%12", 1), "%12");
-  EXPECT_EQ(NumberInTemplate("%.1f", -1e300).size(), 304u);
+  EXPECT_EQ(detail::NumberInTemplate("%d", 7.9), "7");
+  EXPECT_EQ(detail::NumberInTemplate("%e", 1.5), "1.500000e+00");
+  EXPECT_EQ(detail::NumberInTemplate("%.3g", 1234.5), "1.23e+03");
+  EXPECT_EQ(detail::NumberInTemplate("%f and %f", 1), "1.000000 and %f");
+  EXPECT_EQ(detail::NumberInTemplate("%.999999999999f", 1).substr(0, 4), "1.00");
+  EXPECT_EQ(detail::NumberInTemplate("%12", 1), "%12");
+  EXPECT_EQ(detail::NumberInTemplate("%.1f", -1e300).size(), 304u);
 }
 
 TEST(DateTime, Dates_Should_CountDaysFromTheEndOf1899) {
