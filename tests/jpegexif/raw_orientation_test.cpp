@@ -3,6 +3,7 @@
 #include <rasterkit/jpegexif/raw_orientation.h>
 
 #include "tests/support/exif_builder.h"
+#include "tests/support/pipe_stream.h"
 
 namespace rasterkit {
 namespace {
@@ -46,6 +47,18 @@ TEST(RawOrientation, Walk_Should_PassJunkBetweenSections) {
       << "an impossible length";
 }
 
+TEST(RawOrientation, Walk_Should_PassWhatOnlyLooksLikeExif) {
+  const std::string tiff = kIntel.Tiff({kIntel.Short(274, 3)});
+  EXPECT_EQ(Orientation(JpegOf({JpegSection(0xE1, "Other\1" + tiff), kSix})), 6);
+  EXPECT_EQ(Orientation(JpegOf({JpegSection(0xE2, test::ExifContent(tiff)), kSix})), 6);
+}
+
+TEST(RawOrientation, Walk_Should_ReadThroughWhatCannotBeSkipped) {
+  const std::string file = JpegOf({JpegSection(0xE2, std::string(65533, 'i')), kSix});
+  test::PipeStream pipe(std::vector<uint8_t>(file.begin(), file.end()));
+  EXPECT_EQ(ReadRawOrientation(pipe), 6);
+}
+
 TEST(RawOrientation, Walk_Should_GoOn_When_AnExifSectionStatesNone) {
   EXPECT_EQ(Orientation(JpegOf({ExifSection(kIntel.Tiff({})), kSix})), 6);
   EXPECT_EQ(Orientation(JpegOf({ExifSection("XX"), kSix})), 6);
@@ -64,8 +77,16 @@ TEST(RawOrientation, Value_Should_BeFromOneToEight) {
 TEST(RawOrientation, Value_Should_BeReadFromAnyIntegerType) {
   EXPECT_EQ(Orientation(JpegOf({ExifSection(kMotorola.Tiff({kMotorola.LongEntry(274, 5)}))})), 5);
   EXPECT_EQ(Orientation(JpegOf({ExifSection(kMotorola.Tiff({{274, 1, 1, "\7"}}))})), 7);
+  EXPECT_EQ(Orientation(JpegOf({ExifSection(kMotorola.Tiff({{274, 6, 1, "\5"}}))})), 5);
+  EXPECT_EQ(Orientation(JpegOf({ExifSection(kMotorola.Tiff({{274, 9, 1, kMotorola.Long(4)}}))})),
+            4);
   EXPECT_EQ(Orientation(JpegOf({ExifSection(kMotorola.Tiff({{274, 8, 1, kMotorola.Word(2)}}))})),
             2);
+}
+
+TEST(RawOrientation, Directory_Should_LieBehindTheHeader_When_ItsOffsetIsZero) {
+  const std::string tiff = kIntel.Header(0) + kIntel.Directory(8, {kIntel.Short(274, 3)});
+  EXPECT_EQ(Orientation(JpegOf({ExifSection(tiff)})), 3);
 }
 
 TEST(RawOrientation, Directory_Should_BeReadAsFarAsItGoes_When_ItsCountLies) {
