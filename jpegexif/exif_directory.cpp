@@ -56,10 +56,6 @@ void TImageData::ProcessExif() {
 void TImageData::ProcessExifDir(int64_t DirStart, int64_t OffsetBase, int64_t ExifLength,
                                 TTagType tagType) {
   if (!ExifData) return;
-  if (--effort_.directories < 0) {
-    ErrStr = kIllegalDirectory;
-    return;
-  }
   pushDirStack(DirStart, OffsetBase);
   const int64_t count = Get16u(ExifBuff, DirStart);
   const int64_t linkPos = DirStart + 2 + kEntryBytes * count;

@@ -134,10 +134,10 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
   bool testDirStack(int64_t dirStart, int64_t offsetBase) const;
 
  private:
-  /// What hostile sections may cost. Directories of an honest section do not overlap, so that all
-  /// limits lie far above what 65,535 bytes can hold.
+  /// What hostile sections may cost. Directories of an honest section do not overlap, so that both
+  /// limits lie far above what 65,535 bytes can hold. The directories need no limit: GPS
+  /// directories lead no further, and the main one holds 5,461 pointers at most.
   struct Effort {
-    int directories = 64;
     int entries = 64 * 1024;
     int64_t valueBytes = 4 * 1024 * 1024;
   };
