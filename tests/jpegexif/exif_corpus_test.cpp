@@ -46,7 +46,7 @@ const std::map<std::string, const char*> kXmpFirst = {
 const std::map<std::string, const char*> kUnstatedPositions = {
     {"exif/exifr__broken1.jpg", "coordinates without a direction, all 0/0"},
     {"exif/me__Leica_T_Typ_701_.jpg", "coordinates without a direction, all 0/0"},
-    {"exif/me__Nikon_D5000.jpg", "a position that the index leaves out"},
+    {"exif/me__Nikon_D5000.jpg", "seconds are 0/0, so that other readers give none"},
 };
 
 int RotationOf(int orientation) {

@@ -205,6 +205,17 @@ TEST_P(ExifDirectory, GetTagInfo_Should_TellPlaceAndSize) {
   EXPECT_FALSE(image_->GetTagInfo(image_->ExifBuff, 9, 4, 17, info));
 }
 
+TEST_P(ExifDirectory, GetTagInfo_Should_CountFromTheTiffHeader_When_TheValueLiesBeyondTheBuffer) {
+  const std::string buff =
+      writer_.Word(1) + writer_.Word(274) + writer_.Word(2) + writer_.Long(5) + writer_.Long(20);
+  image_->MotorolaOrder = GetParam() == ByteOrder::motorola;
+  TTagInfo info;
+  ASSERT_TRUE(image_->GetTagInfo(buff + std::string(12, 'x'), 1, 0, 1, info));
+  EXPECT_EQ(info.ValuePos, 21) << "26 bytes, and the value counts as ending at 26";
+  ASSERT_TRUE(image_->GetTagInfo(buff + std::string(11, 'x'), 1, 0, 1, info));
+  EXPECT_EQ(info.ValuePos, 29) << "one byte less";
+}
+
 TEST_P(ExifDirectory, ValueBeyondTheBuffer_Should_BeAcceptedAndReadAsZeros) {
   std::string tiff = writer_.Header() + writer_.Word(1) + writer_.Word(34853) + writer_.Word(5) +
                      writer_.Long(1) + writer_.Long(0x00FFFFFF);
@@ -250,6 +261,45 @@ TEST_P(ExifDirectory, LinkToTheNextDirectory_Should_BeTheThumbnail) {
   EXPECT_EQ(Entry(1).TagType, tagThumb);
   EXPECT_EQ(Exif().Rotation, 270) << "the thumbnail's orientation is not the photo's";
   EXPECT_EQ(Exif().ThumbType, 0) << "the compression tag is not admitted";
+}
+
+TEST_P(ExifDirectory, ThumbnailDirectory_Should_BeBoundByTheThumbnailsLength) {
+  // Its ExifLength is ThumbLength - 12: 22 entries (266 bytes) need a ThumbLength of 269.
+  for (const int length : {268, 269}) {
+    const std::string main = writer_.Header() + writer_.Directory(8, {writer_.Short(274, 6)}, 26);
+    const std::string count = writer_.Word(22);
+    ReadTiff(main + count + std::string(static_cast<size_t>(length) + 15 - 26 - 2, '\0'));
+    EXPECT_EQ(Exif().ThumbLength, length);
+    EXPECT_EQ(image_->ErrStr, length == 269 ? "" : "Illegally sized directory");
+  }
+}
+
+TEST_P(ExifDirectory, ThumbnailDirectory_Should_LeadNowhere) {
+  TiffEntry pointer = writer_.GpsPointer();
+  pointer.value = writer_.Long(26 + 2 + 12 + 4);
+  ReadTiff(writer_.Header() + writer_.Directory(8, {writer_.Short(274, 6)}, 26) +
+           writer_.Directory(26, {pointer}, 26) + writer_.Directory(44, {writer_.Ascii(1, "N")}) +
+           std::string(300, 't'));
+  EXPECT_EQ(Exif().FTagCount, 2);
+  EXPECT_EQ(Entry(1).TagType, tagThumb);
+  EXPECT_EQ(image_->GPSData, nullptr);
+}
+
+TEST_P(ExifDirectory, ThumbnailLink_Should_ComeFromTheFirstMainDirectoryOnly) {
+  TiffEntry pointer = writer_.GpsPointer();
+  pointer.value = writer_.Long(26);
+  ReadTiff(writer_.Header() + writer_.Directory(8, {pointer}, 0) +
+           writer_.Directory(26, {writer_.Ascii(1, "N")}, 44) + std::string(400, '\0'));
+  EXPECT_EQ(Exif().ThumbStart, 0) << "a GPS directory's link is none";
+  EXPECT_FALSE(Exif().HasThumbnail());
+  image_->ExifData->TiffFmt = true;
+  image_->ProcessExifDir(35, 9, 400, tagExif);
+  EXPECT_EQ(Exif().ThumbStart, 0) << "nor is any in a TIFF file";
+  image_->ExifData->TiffFmt = false;
+  image_->ProcessExifDir(35, 9, 400, tagExif);
+  EXPECT_EQ(Exif().ThumbStart, 44);
+  image_->ProcessExifDir(17, 9, 400, tagExif);
+  EXPECT_EQ(Exif().ThumbStart, 44) << "the first one stays";
 }
 
 TEST_P(ExifDirectory, SmallThumbnail_Should_BeIgnored) {

@@ -45,6 +45,35 @@ TEST_P(Gps, MinutesWithAFraction_Should_Stay_When_SecondsAreThere) {
   EXPECT_EQ(Data().Longitude.GSec, 1);
 }
 
+TEST_P(Gps, MinutesWithAFraction_Should_BecomeSecondsInTwoSteps) {
+  ReadGps({writer_.Rationals(2, {{51, 1}, {536, 100}, {0, 1}})});
+  const double fraction = 5.36 - 5;
+  EXPECT_EQ(Data().Latitude.GSec, fraction * 100 * 0.6);
+  EXPECT_NE(Data().Latitude.GSec, fraction * 60);
+}
+
+TEST_P(Gps, MinutesWithAFraction_Should_Stay_When_SecondsAreNotExactlyZero) {
+  ReadGps({writer_.Rationals(2, {{51, 1}, {25, 2}, {1, 1000000}})});
+  EXPECT_EQ(Data().Latitude.GMin, 12.5);
+  EXPECT_EQ(Data().Latitude.GSec, 1e-6);
+}
+
+TEST_P(Gps, NegativeMinutes_Should_BeCutTowardZero) {
+  ReadGps({writer_.Rationals(2, {{51, 1}, {static_cast<uint32_t>(-25), 2}, {0, 1}})});
+  EXPECT_EQ(Data().Latitude.GMin, -12);
+  EXPECT_EQ(Data().Latitude.GSec, -30);
+}
+
+TEST_P(Gps, Coordinates_Should_NotBeStored_When_DecodingIsOff) {
+  const std::string file = test::JpegOf({test::ExifSection(
+      writer_.Tiff({writer_.GpsPointer()}, {writer_.Rationals(2, {{51, 1}, {25, 2}})}))});
+  TSpanStream stream({reinterpret_cast<const uint8_t*>(file.data()), file.size()});
+  image_->ExifDecode = false;
+  EXPECT_TRUE(image_->ReadJpegSections(stream));
+  EXPECT_EQ(Data().Latitude.Koord(), 0);
+  EXPECT_EQ(Text(0), "51/1, 25/2");
+}
+
 TEST_P(Gps, ZeroDenominators_Should_CountAsZero) {
   ReadGps({writer_.Rationals(2, {{51, 0}, {25, 0}, {7, 0}})});
   EXPECT_EQ(Data().Latitude.Koord(), 0);
@@ -111,6 +140,15 @@ TEST_P(Gps, Elevation_Should_BeZero_When_ThePlaceLiesBelowTheSea) {
   EXPECT_EQ(Data().Elevation(), 8.5);
 }
 
+TEST_P(Gps, Altitude_Should_KeepItsSign_When_ItsTypeHasOne) {
+  TiffEntry altitude = writer_.Rationals(6, {{static_cast<uint32_t>(-85), 10}});
+  altitude.type = 10;
+  ReadGps({altitude});
+  EXPECT_EQ(Data().Altitude, -8.5);
+  EXPECT_EQ(Data().Elevation(), -8.5) << "the reference, not the sign, says what lies below";
+  EXPECT_EQ(Text(0), "-8.50 m");
+}
+
 TEST_P(Gps, VersionId_Should_WeighItsBytes) {
   ReadGps({writer_.Bytes(0, std::string("\2\3\4\5", 4))});
   EXPECT_EQ(Data().VersionID, 2 * 1000 + 3 * 100 + 4 * 11);
@@ -150,6 +188,11 @@ TEST_P(Gps, OtherFields_Should_StayEmpty_ThoughTheirEntriesAreKept) {
   EXPECT_EQ(Data().DateStamp, 0);
   EXPECT_EQ(Data().Differential, 0);
   EXPECT_EQ(Text(6), "2019:07:04");
+}
+
+TEST_P(Gps, Reference_Should_BeAQuote_When_ItsBytesAreUndefined) {
+  ReadGps({writer_.Bytes(1, "N", 7)});
+  EXPECT_EQ(Data().Latitude.Ref, '"') << "the first character of the display text";
 }
 
 TEST_P(Gps, EmptyReference_Should_NameNoDirection) {

@@ -187,6 +187,19 @@ TEST_F(JpegSections, FillBytes_Should_BeSkipped_HoweverManyThereAre) {
   EXPECT_EQ(image_.ExifData->Rotation, 270);
 }
 
+TEST_F(JpegSections, Marker_Should_NotNeedAFillByte) {
+  EXPECT_TRUE(Read("\xFF\xD8" + JpegSection(0xFE, "c").substr(1) + kExif));
+  ASSERT_NE(image_.CommentSegment, nullptr);
+  EXPECT_EQ(image_.CommentSegment->Data, std::string("\0\3c", 3));
+  EXPECT_EQ(image_.ExifData->Rotation, 270);
+}
+
+TEST_F(JpegSections, ExifSection_Should_BeDecodedAsFarAsItGoes_When_TheFileEndsWithinIt) {
+  // Behind the orientation's value there is only the link to the next directory.
+  EXPECT_TRUE(Read("\xFF\xD8" + kExif.substr(0, kExif.size() - 5)));
+  EXPECT_EQ(image_.ExifData->Rotation, 270);
+}
+
 TEST_F(JpegSections, LengthBelowTwo_Should_EndTheReading_And_KeepNoSection) {
   for (const char length : {'\0', '\1'}) {
     TImageData image;
@@ -247,6 +260,33 @@ TEST_F(JpegSections, ResetInfos_Should_LeaveOthersCount_SoThatASecondFileAppends
   EXPECT_EQ(image_.OthersCount, 2);
 }
 
+TEST_F(JpegSections, ResetInfos_Should_ForgetIptcAndPosition) {
+  const test::TiffWriter writer(test::ByteOrder::intel);
+  const std::string gps = writer.Tiff({writer.GpsPointer()}, {writer.Ascii(1, "N")});
+  EXPECT_TRUE(Read(JpegOf({JpegSection(0xED, "i"), test::ExifSection(gps)})));
+  EXPECT_NE(image_.GPSData, nullptr);
+  image_.ResetInfos();
+  EXPECT_EQ(image_.IPTCSegment, nullptr);
+  EXPECT_EQ(image_.GPSData, nullptr);
+}
+
+TEST_F(JpegSections, SecondRead_Should_FillTheSectionsAnew) {
+  EXPECT_TRUE(Read(JpegOf({JpegSection(0xFE, "first"), kApp0, kTable})));
+  EXPECT_TRUE(Read(JpegOf({JpegSection(0xFE, "2nd")})));
+  EXPECT_EQ(image_.SectionCnt, 2);
+  EXPECT_EQ(Section(1).Data, std::string("\0\0052nd", 5));
+}
+
+TEST_F(JpegSections, MetaData_Should_BeAnExifOrAnIptcOrACommentSection) {
+  for (const std::string& section : {kExif, JpegSection(0xED, "i"), JpegSection(0xFE, "c")}) {
+    TImageData image;
+    const std::string file = JpegOf({section});
+    TSpanStream stream({reinterpret_cast<const uint8_t*>(file.data()), file.size()});
+    EXPECT_TRUE(image.ReadJpegSections(stream));
+    EXPECT_TRUE(image.HasMetaData());
+  }
+}
+
 TEST_F(JpegSections, ClearSections_Should_LeaveHeaderSectionsAndValues) {
   EXPECT_TRUE(Read(JpegOf({kApp0, kExif, JpegSection(0xE2, "a")})));
   image_.ClearSections();
@@ -262,6 +302,12 @@ TEST_F(JpegSections, GetComment_Should_JoinAllPartsInOrder) {
                            JpegSection(0xE2, "i\1")})));
   image_.ExifData->Comments = "exif";
   EXPECT_EQ(image_.GetComment(), std::string("\0\6note\rexif\rabz!\r\0\4i\1", 21));
+}
+
+TEST_F(JpegSections, GetComment_Should_TakeAllPrintableIptcBytes_AlsoOfTheLength) {
+  const std::string content = " z" + std::string(61, '\1');
+  EXPECT_TRUE(Read(JpegOf({JpegSection(0xED, content)})));
+  EXPECT_EQ(image_.GetComment(), "A z") << "65 bytes, and 65 is an A";
 }
 
 TEST_F(JpegSections, GetComment_Should_BeEmpty_When_ThereIsNone) {

@@ -100,6 +100,14 @@ TEST_F(PhotoQueries, ReadJpegFile_Should_ForgetTheFileBefore) {
   EXPECT_EQ(image.ExifSegment, nullptr);
 }
 
+TEST_F(PhotoQueries, ReadJpegFile_Should_ForgetTheFileBefore_When_TheNextCannotBeOpened) {
+  TImageData image;
+  Write(JpegWithOrientation(6));
+  EXPECT_TRUE(image.ReadJpegFile(name_));
+  EXPECT_THROW(image.ReadJpegFile("no/such/file.jpg"), FileError);
+  EXPECT_EQ(image.ExifData, nullptr);
+}
+
 TEST_F(PhotoQueries, Date_Should_BeFalse_When_ThereIsNoExif) {
   TDateTime date = 77;
   Write(JpegOf({}));
