@@ -237,7 +237,7 @@ HWY_INLINE void StoreSettled(const Constants& c, const Quad& ggrb, const Quad& s
   RedoTinted<kBytes>(ggrb.v3, sums.v3, pixels + 3 * lanes * kBytes, target + 3 * lanes);
 }
 
-/// Reads a quarter of a vector more than the pixels take when they have three bytes.
+/// Three-byte pixels are read a quarter of a vector too far.
 template <int kBytes>
 HWY_INLINE void GrayOfVector(const Constants& c, const uint8_t* pixels, uint8_t* target) {
   const Quad ggrb = LoadQuad<kBytes>(c, pixels);
@@ -250,19 +250,17 @@ template <int kBytes>
 void GrayOfRow(const uint8_t* pixels, size_t width, uint8_t* gray) {
   const size_t lanes = hn::Lanes(Bytes());
   const size_t readAhead = kBytes == 3 ? lanes / 12 + 1 : 0;
+  const size_t touched = lanes + readAhead;
+  if (width < touched) return GrayOfPixels<kBytes>(pixels, width, gray);
   const Constants constants = MakeConstants<kBytes>();
-  for (; width >= lanes + readAhead; width -= lanes, pixels += lanes * kBytes, gray += lanes)
-    GrayOfVector<kBytes>(constants, pixels, gray);
-  while (width > 0) {
-    // The end of the row goes through buffers that hold a whole vector and what is read ahead.
-    uint8_t source[4 * hn::MaxLanes(Bytes())] = {};
-    uint8_t target[hn::MaxLanes(Bytes())];
-    const size_t count = HWY_MIN(width, lanes);
-    std::memcpy(source, pixels, count * kBytes);
-    GrayOfVector<kBytes>(constants, source, target);
-    std::memcpy(gray, target, count);
-    width -= count, pixels += count * kBytes, gray += count;
-  }
+  for (size_t x = 0; x + touched <= width; x += lanes)
+    GrayOfVector<kBytes>(constants, pixels + x * kBytes, gray + x);
+  // The last vector reads to the end of the row and does some pixels again; what it only reads is
+  // left to the end.
+  const size_t last = width - touched;
+  GrayOfVector<kBytes>(constants, pixels + last * kBytes, gray + last);
+  const size_t rest = last + lanes;
+  GrayOfPixels<kBytes>(pixels + rest * kBytes, readAhead, gray + rest);
 }
 
 #endif
