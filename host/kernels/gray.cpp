@@ -86,7 +86,7 @@ HWY_INLINE Constants MakeConstants() {
   const int blocks = lanes / 4;
   int32_t groups[kMaxLanes], byPixel[kMaxLanes];
   for (int i = 0; i < lanes; ++i) {
-    groups[i] = i / 4 * 3 + i % 4 % 3;
+    groups[i] = i / 4 * 3 + i % 4;
     byPixel[i] = i % blocks * 4 + i / blocks;
   }
   return {hn::SetTableIndices(Lanes(), groups),
