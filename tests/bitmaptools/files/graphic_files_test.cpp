@@ -14,6 +14,7 @@
 #include <rasterkit/host/graphics/metafile.h>
 #include <rasterkit/host/graphics/png_image.h>
 #include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/host/runtime/memory_budget.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 
 #include "tests/support/exif_builder.h"
@@ -202,8 +203,21 @@ TEST_F(GraphicFiles, Load_Should_KeepThePixels_When_TheExtensionIsWrong) {
 }
 
 TEST_F(GraphicFiles, Load_Should_NotTurn_When_APhotoHasAnotherExtension) {
-  const auto graphic = LoadGraphic(folder_.Write("a.png", JpegLying(6)));
-  EXPECT_EQ(graphic->Width(), 24);
+  for (const char* name : {"a.png", "a.bmp", "a.tif"}) {
+    const auto graphic = LoadGraphic(folder_.Write(name, JpegLying(6)));
+    ASSERT_NE(graphic, nullptr) << name;
+    EXPECT_EQ(graphic->Width(), 24) << name;
+  }
+}
+
+TEST_F(GraphicFiles, Load_Should_GiveNull_When_OnlyTheCopyIntoItsClassFails) {
+  // 1,664 bytes as decoded, 31,616 as the true colours of a JPEG.
+  const std::string name = Renamed(FileOf(*Picture(pf1bit, 101, 104), "bmp"), "a.jpg");
+  SetPictureMemoryLimit(10'000);
+  EXPECT_THROW(LoadViaWic(name), LimitError);
+  EXPECT_EQ(LoadGraphic(name), nullptr);
+  SetPictureMemoryLimit(uint64_t{4} << 30);
+  EXPECT_TRUE(Is<TJPEGImage>(LoadGraphic(name)));
 }
 
 TEST_F(GraphicFiles, LoadViaWic_Should_GiveNull_When_NothingReadsTheFile) {
