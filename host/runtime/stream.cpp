@@ -12,8 +12,12 @@ constexpr uint64_t kFirstChunk = 64 * 1024;
 
 void ResizeWithinBudget(std::vector<uint8_t>& bytes, uint64_t size) {
   RequirePictureMemory(size, "a stream");
+  // The limit may exceed what the host can address.
+  if (size > bytes.max_size()) {
+    throw LimitError("a stream of " + std::to_string(size) + " bytes cannot be held in memory");
+  }
   try {
-    bytes.resize(size);
+    bytes.resize(static_cast<size_t>(size));
   } catch (const std::bad_alloc&) {
     throw LimitError("no memory for a stream of " + std::to_string(size) + " bytes");
   }

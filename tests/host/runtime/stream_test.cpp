@@ -1,4 +1,5 @@
 #include <array>
+#include <limits>
 #include <numeric>
 #include <string>
 #include <thread>
@@ -116,6 +117,18 @@ TEST_F(MemoryStreamTest, ReadToEnd_RespectsThePictureMemoryLimit) {
   EXPECT_EQ(stream.ReadToEnd().size(), 1000u);
   stream.SetPosition(0);
   SetPictureMemoryLimit(999);
+  EXPECT_THROW(stream.ReadToEnd(), LimitError);
+}
+
+/// Claims more bytes than any memory can address.
+class VastStream : public TMemoryStream {
+ public:
+  uint64_t Size() const override { return std::numeric_limits<uint64_t>::max(); }
+};
+
+TEST_F(MemoryStreamTest, ReadToEnd_ThrowsWhenTheLimitAllowsMoreThanCanBeAddressed) {
+  SetPictureMemoryLimit(std::numeric_limits<uint64_t>::max());
+  VastStream stream;
   EXPECT_THROW(stream.ReadToEnd(), LimitError);
 }
 
