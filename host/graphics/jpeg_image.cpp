@@ -11,11 +11,14 @@ namespace rasterkit {
 TJPEGImage::TJPEGImage() = default;
 TJPEGImage::~TJPEGImage() = default;
 
-// Compressing keeps the size, so a picture that is decoded later need not be decoded for it.
+// Compressing keeps the size, so a picture that is decoded later need not be decoded for it; but
+// the decoding of another thread may be about to replace the bitmap.
 int TJPEGImage::Width() const {
+  const std::lock_guard lock(decoding_);
   return bitmap_.Width();
 }
 int TJPEGImage::Height() const {
+  const std::lock_guard lock(decoding_);
   return bitmap_.Height();
 }
 

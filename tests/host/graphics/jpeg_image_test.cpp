@@ -152,7 +152,9 @@ TEST(JpegImage, Bitmap_Should_BeReadableByManyThreads_When_DecodedLate) {
   std::vector<const uint8_t*> rows(4);
   std::vector<std::thread> threads;
   for (const uint8_t*& row : rows)
-    threads.emplace_back([&jpeg, &row] { row = jpeg.Bitmap().ScanLine(0); });
+    threads.emplace_back([&jpeg, &row] {
+      if (jpeg.Width() > 0 && jpeg.Height() > 0) row = jpeg.Bitmap().ScanLine(0);
+    });
   for (std::thread& thread : threads) thread.join();
   for (const uint8_t* row : rows) EXPECT_EQ(row, jpeg.Bitmap().ScanLine(0));
 }
