@@ -16,6 +16,11 @@ PaintMode ModeOf(const TPen& pen) {
   return pen.Mode == pmXor ? PaintMode::exclusiveOr : PaintMode::copy;
 }
 
+// Where a picture ends. Beyond the last coordinate there is nothing that could show it.
+int EndOf(int start, int size) {
+  return static_cast<int>(std::min<int64_t>(int64_t{start} + size, INT32_MAX));
+}
+
 }  // namespace
 
 void TCanvas::FillRect(const TRect& rect) {
@@ -64,12 +69,12 @@ void TCanvas::Polyline(std::span<const TPoint> points) {
 }
 
 void TCanvas::Draw(int x, int y, const TGraphic& graphic) {
-  if (!graphic.Empty()) graphic.DrawTo(*this, x, y, graphic.Width(), graphic.Height());
+  if (!graphic.Empty())
+    graphic.DrawTo(*this, {x, y, EndOf(x, graphic.Width()), EndOf(y, graphic.Height())});
 }
 
 void TCanvas::StretchDraw(const TRect& rect, const TGraphic& graphic) {
-  if (graphic.Empty()) return;
-  graphic.DrawTo(*this, rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top);
+  if (!graphic.Empty()) graphic.DrawTo(*this, rect);
 }
 
 void TCanvas::DrawRaster(const TRect& rect, const Raster& raster, std::optional<TColor> key) {

@@ -37,17 +37,17 @@ void TGraphic::SaveToFile(const std::string& fileName) {
   modified_ = false;
 }
 
-void TGraphic::DrawTo(TCanvas& canvas, int left, int top, int width, int height) const {
+void TGraphic::DrawTo(TCanvas& canvas, const TRect& place) const {
   const Raster* rows = Rows();
   if (rows == nullptr) {
     TBitmap shown;
     shown.Assign(this);
-    shown.DrawTo(canvas, left, top, width, height);
+    shown.DrawTo(canvas, place);
     return;
   }
   std::optional<TColor> key;
   if (Transparent()) key = ResolveColor(TransparentColor());
-  canvas.DrawRaster({left, top, left + width, top + height}, *rows, key);
+  canvas.DrawRaster(place, *rows, key);
 }
 
 TColor TGraphic::TransparentColor() const {

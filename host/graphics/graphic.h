@@ -11,6 +11,7 @@ namespace rasterkit {
 class Raster;
 class TBitmap;
 class TCanvas;
+struct TRect;
 
 /// Whether the transparent colour follows the bottom-left pixel or was set.
 enum TTransparentMode { tmAuto, tmFixed };
@@ -49,10 +50,10 @@ class RASTERKIT_EXPORT TGraphic {
   /// Writes at the stream's position, which is left at the end of what was written.
   virtual void SaveToStream(TStream& stream) = 0;
 
-  /// Draws the graphic into the rectangle (left, top, width, height) of the canvas. Rows with a
-  /// defined alpha channel are blended; else the pixels of the transparent colour are left out when
-  /// the graphic is `Transparent`.
-  virtual void DrawTo(TCanvas& canvas, int left, int top, int width, int height) const;
+  /// Draws the graphic stretched into the rectangle of the canvas. Rows with a defined alpha
+  /// channel are blended; else the pixels of the transparent colour are left out when the graphic
+  /// is `Transparent`.
+  virtual void DrawTo(TCanvas& canvas, const TRect& place) const;
 
   virtual bool Transparent() const { return transparent_; }
   virtual void SetTransparent(bool value) { transparent_ = value; }

@@ -161,6 +161,18 @@ TEST(Canvas, StretchDraw_Should_Mirror_When_SidesAreExchanged) {
       EXPECT_EQ(target.PixelColor(x, y), picture.PixelColor(4 - x, 3 - y));
 }
 
+TEST(Canvas, Draw_Should_BeClipped_When_PlaceIsFarAway) {
+  const TBitmap picture = test::GradientBitmap(pf24bit, 5, 4);
+  TBitmap target = White(11, 9);
+  target.Canvas().Draw(INT32_MAX, 0, picture);
+  target.Canvas().Draw(0, INT32_MAX - 2, picture);
+  target.Canvas().Draw(INT32_MIN, INT32_MIN, picture);
+  EXPECT_TRUE(test::SamePixels(White(11, 9), target));
+  target.Canvas().StretchDraw({INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}, picture);
+  EXPECT_EQ(target.PixelColor(0, 0), picture.PixelColor(2, 2)) << "the middle covers all";
+  EXPECT_EQ(target.PixelColor(10, 8), picture.PixelColor(2, 2));
+}
+
 TEST(Canvas, Draw_Should_ReadTheOldPixels_When_DrawingABitmapOntoItself) {
   TBitmap bitmap = test::GradientBitmap(pf24bit, 11, 9);
   const std::unique_ptr<TBitmap> before = bitmap.Clone();
