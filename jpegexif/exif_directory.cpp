@@ -1,15 +1,14 @@
 #include <algorithm>
 #include <utility>
 
+#include <rasterkit/jpegexif/exif_header.h>
 #include <rasterkit/jpegexif/image_data.h>
 
 namespace rasterkit {
 namespace {
 
-/// Place of the header that tells an EXIF section from other APP1 sections.
-constexpr int64_t kHeaderPos = 3;
-/// Place of the TIFF header, from which all offsets count.
-constexpr int64_t kTiffPos = 9;
+using detail::kTiffPos;
+
 constexpr int64_t kEntryBytes = 12;
 constexpr int64_t kMaxInPlace = 4;
 /// What 128 numbers of 8 bytes need: formatting never looks further.
@@ -27,26 +26,18 @@ std::string DirStackItem(int64_t dirStart, int64_t offsetBase) {
 
 }  // namespace
 
-bool detail::IsExifSection(std::string_view data) {
-  return data.size() >= kHeaderPos && data.substr(kHeaderPos - 1).starts_with(ValidHeader);
-}
-
 void TImageData::ProcessExif() {
   if (ExifSegment == nullptr || !ExifData) return;
   if (!detail::IsExifSection(ExifBuff)) {
     ErrStr = "Incorrect Exif header";
     return;
   }
-  const char first = static_cast<char>(ByteAt(ExifBuff, kTiffPos));
-  const char second = static_cast<char>(ByteAt(ExifBuff, kTiffPos + 1));
-  if (first != second || (first != 'I' && first != 'M')) {
+  if (!detail::TakeByteOrder(ExifBuff, *this)) {
     ErrStr = "Invalid Exif alignment marker";
     return;
   }
-  MotorolaOrder = first == 'M';
   effort_ = Effort();
-  const int64_t offset = Get32u(ExifBuff, kTiffPos + 4);
-  const int64_t dirStart = offset != 0 ? offset + kTiffPos : kTiffPos + 8;
+  const int64_t dirStart = detail::MainDirectoryPos(ExifBuff, *this);
   ProcessExifDir(dirStart, kTiffPos, ExifSegment->Size - 6, tagExif);
   if (ExifData->HasThumbnail()) {
     ProcessExifDir(ExifData->ThumbStart + kTiffPos, kTiffPos, ExifData->ThumbLength - 12, tagThumb);

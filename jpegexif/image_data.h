@@ -19,14 +19,6 @@ namespace rasterkit {
 /// What an EXIF section begins with, behind its length.
 inline constexpr std::string_view ValidHeader("Exif\0", 5);
 
-namespace detail {
-
-/// True when the bytes of an APP1 section (from its length on) are an EXIF section, not XMP or
-/// something else.
-bool IsExifSection(std::string_view data);
-
-}  // namespace detail
-
 /// What a directory entry says about its value.
 struct TTagInfo {
   /// Bytes of the value: its count times the bytes of its type.

@@ -1,12 +1,11 @@
-#include <rasterkit/jpegexif/image_data.h>
+#include <rasterkit/jpegexif/exif_header.h>
+#include <rasterkit/jpegexif/exif_tags.h>
+#include <rasterkit/jpegexif/jpeg_sections.h>
 #include <rasterkit/jpegexif/raw_orientation.h>
 
 namespace rasterkit {
 namespace {
 
-constexpr int64_t kTiffPos = 9;
-/// The main directory lies right behind the header when that names no place for it.
-constexpr int64_t kTiffHeaderBytes = 8;
 /// No writer puts more sections before a picture; a longer chain is a trap.
 constexpr int kMaxSections = 4096;
 
@@ -45,11 +44,8 @@ int OrientationAt(const TEndInd& order, std::string_view data, int64_t entryPos)
 /// Searches the main directory of an EXIF section ("Data" of a TSection).
 std::optional<int> OrientationOf(std::string_view data) {
   TEndInd order;
-  const uint8_t mark = ByteAt(data, kTiffPos);
-  if (mark != ByteAt(data, kTiffPos + 1) || (mark != 'I' && mark != 'M')) return std::nullopt;
-  order.MotorolaOrder = mark == 'M';
-  const int64_t offset = order.Get32u(data, kTiffPos + 4);
-  const int64_t start = kTiffPos + (offset != 0 ? offset : kTiffHeaderBytes);
+  if (!detail::TakeByteOrder(data, order)) return std::nullopt;
+  const int64_t start = detail::MainDirectoryPos(data, order);
   const int64_t count = order.Get16u(data, start);
   for (int64_t i = 0; i < count; ++i) {
     const int64_t entryPos = start + 2 + 12 * i;
