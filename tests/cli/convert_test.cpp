@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <lcms2.h>
 
 #include <rasterkit/host/codecs/jpeg_encoder.h>
 #include <rasterkit/host/raster/convert.h>
@@ -12,6 +11,7 @@
 #include "tests/cli/run_tool.h"
 #include "tests/cli/sample_files.h"
 #include "tests/support/full_run.h"
+#include "tests/support/profiles.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
 
@@ -20,16 +20,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
-
-ColorProfile SrgbProfile() {
-  cmsHPROFILE profile = cmsCreate_sRGBProfile();
-  cmsUInt32Number size = 0;
-  cmsSaveProfileToMem(profile, nullptr, &size);
-  auto bytes = std::make_shared<std::vector<uint8_t>>(size);
-  cmsSaveProfileToMem(profile, bytes->data(), &size);
-  cmsCloseProfile(profile);
-  return bytes;
-}
 
 constexpr bool IsSanitized() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -116,7 +106,7 @@ TEST_F(CliConvert, Resolution_Should_BeExchangedWithTheSides_When_SetUpright) {
 
 TEST_F(CliConvert, Profile_Should_TravelAlong_When_TypesChange) {
   Raster raster = GradientRaster(pf24bit, 16, 8);
-  raster.profile = SrgbProfile();
+  raster.profile = RgbProfile();
   SaveJpegFile(folder_ / "a.jpg", raster);
   for (const std::string name : {"b.png", "b.bmp", "b.jpg"}) {
     EXPECT_EQ(Convert("a.jpg", name, {"--strict"}).err, "");

@@ -8,7 +8,7 @@
 #include <rasterkit/host/runtime/errors.h>
 
 #include "tests/host/codecs/jpeg_files.h"
-#include "tests/host/codecs/profiles.h"
+#include "tests/support/profiles.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
 
