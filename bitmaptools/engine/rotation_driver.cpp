@@ -46,11 +46,15 @@ TOwnScanLines FetchRows(const TBitmap& bitmap) {
 
 }  // namespace
 
+int32_t RotationThreads(int32_t threadsCount) {
+  return std::clamp(threadsCount, 1, kMostThreads);
+}
+
 void RunRotation(const RotationTask& task) {
   const TColor background = task.background == -1 ? ChooseBackground(task) : task.background;
   const uint32_t pixel = FilledPixel(task.target, background);
   const TOwnScanLines rows = FetchRows(task.source);
-  const int32_t threadsCount = std::clamp(task.threadsCount, 1, kMostThreads);
+  const int32_t threadsCount = RotationThreads(task.threadsCount);
   TManageThreads manager(threadsCount, task.target.Height(), nullptr);
 
   const auto makeWorker = [&](size_t i) {

@@ -25,6 +25,9 @@ struct RotationTask {
   float angle;
 };
 
+/// How many workers a caller's number asks for: 1 to 100, as many as can be waited for at once.
+int32_t RotationThreads(int32_t threadsCount);
+
 /// Chooses the background, divides the rows among the threads and waits for all of them. Throws
 /// when there are no bands or no further thread.
 void RunRotation(const RotationTask& task);

@@ -4,6 +4,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -12,6 +13,8 @@
 #include <rasterkit/bitmaptools/engine/manage_threads.h>
 #include <rasterkit/bitmaptools/engine/rotate.h>
 #include <rasterkit/bitmaptools/engine/rotate_thread.h>
+#include <rasterkit/bitmaptools/engine/rotation_background.h>
+#include <rasterkit/bitmaptools/engine/rotation_driver.h>
 #include <rasterkit/host/graphics/bitmap.h>
 #include <rasterkit/host/graphics/canvas.h>
 #include <rasterkit/host/runtime/errors.h>
@@ -280,6 +283,15 @@ TEST_F(RotateBitmapTest, FiveHundredThreadsCountAsAHundredAndNoneAsOne) {
   }
 }
 
+TEST(RotationThreadsTest, AreOneToAHundred) {
+  EXPECT_EQ(detail::RotationThreads(std::numeric_limits<int32_t>::min()), 1);
+  EXPECT_EQ(detail::RotationThreads(0), 1);
+  EXPECT_EQ(detail::RotationThreads(64), 64);
+  EXPECT_EQ(detail::RotationThreads(100), 100);
+  EXPECT_EQ(detail::RotationThreads(101), 100);
+  EXPECT_EQ(detail::RotationThreads(std::numeric_limits<int32_t>::max()), 100);
+}
+
 TEST_F(RotateBitmapTest, MoreThreadsThanFourTimesTheRowsFailAndSaySo) {
   auto bitmap = RandomBitmap(pf8bit, 1, 1);
   const TBitmap* before = bitmap.get();
@@ -422,6 +434,60 @@ TEST_F(RotateBitmapTest, AMonoBitmapComesBackAs4BitWithNearWhite) {
     }
 }
 
+// A full palette of 16 entries, the first ones given, the others green.
+std::vector<tagPALETTEENTRY> SixteenEntries(std::vector<tagPALETTEENTRY> first) {
+  first.resize(16, {0, 128, 0, 0});
+  return first;
+}
+
+TEST_F(RotateBitmapTest, AFullPaletteThatWasMonoGivesItsFirstSpareEntry) {
+  constexpr tagPALETTEENTRY kBlack{0, 0, 0, 0}, kWhite{255, 255, 255, 0}, kRed{255, 0, 0, 0};
+  const struct {
+    std::vector<tagPALETTEENTRY> first;
+    int spare;
+  } cases[] = {{{kRed, kBlack, kWhite}, 0},
+               {{kBlack, kRed, kWhite}, 1},
+               {{kBlack, kBlack, kWhite}, 1},
+               {{kWhite, kWhite, kBlack}, 1},
+               {{kWhite, kBlack, kWhite, kBlack}, 2},
+               {{kBlack, kWhite, kBlack, kRed}, 2},
+               {{kBlack, kWhite}, 2}};
+  for (const auto& [first, spare] : cases) {
+    const std::vector<tagPALETTEENTRY> entries = SixteenEntries(first);
+    const auto source = RandomBitmap(pf4bit, 4, 4);
+    const auto target = RandomBitmap(pf4bit, 4, 4);
+    target->SetPalette(PaletteOf(entries));
+    EXPECT_EQ(detail::ChooseBackground({*source, *target, 0, 4, true, -1, 1, 45.0f}), 0xFFFFFE);
+    ASSERT_EQ(target->Palette().Count(), 16);
+    for (int i = 0; i < 16; ++i) {
+      const tagPALETTEENTRY expected =
+          i == spare ? tagPALETTEENTRY{254, 255, 255, 0} : entries[static_cast<size_t>(i)];
+      EXPECT_EQ(target->Palette().Entry(i), expected) << "entry " << i << ", spare " << spare;
+    }
+    EXPECT_TRUE(target->Transparent());
+    EXPECT_EQ(target->TransparentMode(), tmFixed);
+    EXPECT_EQ(target->TransparentColor(), 0xFFFFFE);
+  }
+}
+
+TEST_F(RotateBitmapTest, AFull4BitPaletteThatWasNotMonoGivesItsLargestColorNumber) {
+  auto bitmap = RandomBitmap(pf4bit, 40, 30);
+  bitmap->SetPalette(PaletteOf(SixteenEntries({{255, 255, 255, 0}, {255, 0, 0, 0}})));
+  ASSERT_TRUE(RotateBitmap(45, bitmap, -1, 1, nullptr));
+  EXPECT_EQ(bitmap->TransparentColor(), RGB(0, 128, 0));
+  EXPECT_EQ(CornerColor(*bitmap), RGB(0, 128, 0));
+}
+
+TEST_F(RotateBitmapTest, AutomaticTransparencyStaysAutomaticUnderAGivenBackground) {
+  auto bitmap = RandomBitmap(pf24bit, 40, 30);
+  bitmap->SetTransparent(true);
+  ASSERT_EQ(bitmap->TransparentMode(), tmAuto);
+  ASSERT_TRUE(RotateBitmap(45, bitmap, 0x123456, 1, nullptr));
+  EXPECT_TRUE(bitmap->Transparent());
+  EXPECT_EQ(bitmap->TransparentMode(), tmAuto);
+  EXPECT_EQ(bitmap->TransparentColor(), 0x123456);  // the bottom-left pixel
+}
+
 TEST_F(RotateBitmapTest, AMonoBitmapWithAGivenBackgroundStaysMono) {
   auto bitmap = RandomBitmap(pf1bit, 40, 30);
   ASSERT_TRUE(RotateBitmap(45, bitmap, clBlack, 1, nullptr));
@@ -443,6 +509,19 @@ TEST_F(RotateBitmapTest, OneThreadKeepsTheCallersQueueAlive) {
   ThreadQueue::Current().Post([&] { ran = true; });
   ASSERT_TRUE(RotateBitmap(45, bitmap, 0, 0, nullptr));
   EXPECT_TRUE(ran);
+}
+
+TEST_F(RotateBitmapTest, SeveralThreadsLeaveTheCallersQueueAlone) {
+  bool ran = false;
+  // Sixteen threads for the three rows of the second bitmap become one, which is a worker still.
+  for (const auto& [width, height, threads] : {std::tuple{40, 30, 2}, std::tuple{3, 3, 16}}) {
+    auto bitmap = RandomBitmap(pf8bit, width, height);
+    ThreadQueue::Current().Post([&] { ran = true; });
+    ASSERT_TRUE(RotateBitmap(180, bitmap, 0, threads, nullptr));
+    EXPECT_FALSE(ran);
+    while (!ran) ThreadQueue::Current().WaitAndDispatch();
+    ran = false;
+  }
 }
 
 TEST(RotateThreadTest, AWorkerThatAsksForAMissingRowEndsAloneAndKeepsTheError) {
