@@ -13,8 +13,9 @@ struct SineCosine {
 ///
 /// How that is certain: the angle is reduced to 0 to 45 degrees without rounding, the series is
 /// summed in pairs of doubles (relative error below 2^-95), and the full run of the tests walks all
-/// reduced angles that a float can give to see that none lies so near to the middle between two
-/// doubles that this error could matter.
+/// reduced angles from 2^-17 degrees on that a float can give to see that none lies so near to the
+/// middle between two doubles that this error could matter. Reduction gives a smaller angle only
+/// where the angle itself lies that near to 0; these are not walked.
 SineCosine SineCosineOfDegrees(float degrees);
 
 /// How near the last digits of a sine or cosine came to the middle between two doubles; see

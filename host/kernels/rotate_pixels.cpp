@@ -379,14 +379,16 @@ void RotatePixels(const RotationMapping& mapping, const ConstPixelRows& source,
                   const PixelRows& target, int bitsPerPixel, uint32_t background, int firstRow,
                   int lastRow) {
   if (target.width <= 0) return;
+  const bool fast = source.width <= kFastSize && source.height <= kFastSize &&
+                    target.width <= 2 * kFastSize && target.height <= 2 * kFastSize;
+  // Steps along rows of 2^23 pixels would leave 64 bits; the exact rule needs none.
   Job job{mapping,
           source,
           target,
           bitsPerPixel,
-          ToFixed(mapping.Cosine()),
-          ToFixed(mapping.Sine()),
-          source.width <= kFastSize && source.height <= kFastSize &&
-              target.width <= 2 * kFastSize && target.height <= 2 * kFastSize,
+          fast ? ToFixed(mapping.Cosine()) : 0,
+          fast ? ToFixed(mapping.Sine()) : 0,
+          fast,
           {}};
   FillBackground(job, background);
   HWY_DYNAMIC_DISPATCH(RotateRowsOfFormat)(job, firstRow, lastRow);

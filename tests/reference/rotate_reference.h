@@ -24,8 +24,7 @@ inline Turn ExactTurn(float degrees) {
   __extension__ using Quad = __float128;
   const Quad radiansPerDegree =
       Quad(0x1.1df46a2529d39p-6) + Quad(0x1.5c1d8becdd291p-62) - Quad(0x1.1d937fa428858p-116);
-  double rest = std::fmod(static_cast<double>(degrees), 360.0);
-  if (rest < 0) rest += 360;  // a float's fraction of a degree fits: nothing is lost
+  double rest = std::fmod(std::fabs(static_cast<double>(degrees)), 360.0);
   const int quarter = static_cast<int>(rest / 90);
   rest -= quarter * 90.0;
   const Quad angle = radiansPerDegree * Quad(rest);
@@ -41,6 +40,7 @@ inline Turn ExactTurn(float degrees) {
     s = c;
     c = turned;
   }
+  if (degrees < 0) s = -s;
   return {s + 0.0, c + 0.0};
 }
 
