@@ -26,7 +26,8 @@ std::string CheckAngle(const std::string& text) {
 }  // namespace
 
 void AddOutputOptions(CLI::App& verb, OutputOptions& options) {
-  verb.add_option("files", options.files, "input, then output; only inputs with --out-dir")
+  verb.add_option("files", options.files,
+                  "one input, then the output; with --out-dir any number of inputs")
       ->required()
       ->type_name("IN... OUT");
   verb.add_option("--out-dir", options.outDir,

@@ -14,7 +14,12 @@ namespace {
 
 constexpr double kNearQuarter = 0.5;
 
-int ThreadCount(const PictureOptions& options) {
+// Turned pictures of one or two rows have nothing to share among many threads, and the library
+// refuses to; from three by three pixels on there are always more rows.
+constexpr int kThinPicture = 2;
+
+int ThreadCount(const TBitmap& bitmap, const PictureOptions& options) {
+  if (std::min(bitmap.Width(), bitmap.Height()) <= kThinPicture) return 1;
   if (options.threads > 0) return options.threads;
   return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, 100u));
 }
@@ -41,7 +46,7 @@ void Turn(std::unique_ptr<TBitmap>& bitmap, const PictureOptions& options) {
   }
   if (angle == 0) return;
   if (!RotateBitmap(static_cast<float>(angle), bitmap, BackgroundColor(options.background),
-                    ThreadCount(options), nullptr))
+                    ThreadCount(*bitmap, options), nullptr))
     throw Failure(exitOutputNotWritten, "the picture is too large to be turned");
 }
 

@@ -9,6 +9,7 @@ namespace rasterkit::tool {
 
 VerbRunner AddConvertVerb(CLI::App& app) {
   CLI::App& verb = *app.add_subcommand("convert", "write a picture upright in any supported type");
+  verb.group("Verbs");
   verb.footer(
       "The output's extension chooses the type: .bmp, .jpg, .png.\n\n"
       "Examples:\n"

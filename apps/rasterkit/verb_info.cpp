@@ -102,6 +102,7 @@ void PrintFacts(const PictureFacts& facts, bool json) {
 
 VerbRunner AddInfoVerb(CLI::App& app) {
   CLI::App& verb = *app.add_subcommand("info", "say what a file holds");
+  verb.group("Verbs");
   verb.footer(
       "The type is told by content, whatever the file is called. Every picture is decoded, so that "
       "ok means\n"

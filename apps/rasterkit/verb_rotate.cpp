@@ -9,6 +9,7 @@ namespace rasterkit::tool {
 
 VerbRunner AddRotateVerb(CLI::App& app) {
   CLI::App& verb = *app.add_subcommand("rotate", "turn a picture by any angle");
+  verb.group("Verbs");
   verb.footer(
       "The picture is turned as it is seen: a photograph is set upright first. Multiples of 90 "
       "degrees\n"

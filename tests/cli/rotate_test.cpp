@@ -1,5 +1,6 @@
 #include <cmath>
 #include <memory>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -83,6 +84,16 @@ TEST_F(CliRotate, Threads_Should_NotChangeAPixel) {
   for (const char* threads : {"2", "3", "7", "100"})
     EXPECT_TRUE(SamePixels(one, Rotated(raster, {"--angle", "33", "--threads", threads})))
         << threads;
+}
+
+TEST_F(CliRotate, Threads_Should_NotMatter_When_ThereAreFewerRowsThanThreads) {
+  for (const auto& [width, height] : {std::pair{1, 1}, {2, 2}, {1, 3}, {90, 1}, {3, 3}}) {
+    const Raster raster = GradientRaster(pf24bit, width, height);
+    for (const char* angle : {"0.6", "20", "30", "45"})
+      EXPECT_TRUE(SamePixels(Rotated(raster, {"--angle", angle, "--threads", "1"}),
+                             Rotated(raster, {"--angle", angle, "--threads", "100"})))
+          << width << " x " << height << " by " << angle;
+  }
 }
 
 TEST_F(CliRotate, AlmostAQuarter_Should_StillBeTurnedByTheRest) {
