@@ -223,6 +223,12 @@ TEST(ManageThreadsTest, EqualFormatsGiveTheSourceTheTargetsBytes) {
   EXPECT_EQ(manager.nTarBytes, 1);
   EXPECT_EQ(manager.nSrcBytes, 1);
   EXPECT_EQ(manager.nTarBit, 0);
+
+  TBitmap nibbles = Bitmap(pf4bit);
+  ASSERT_TRUE(manager.InitByteBits(nibbles, nibbles));
+  EXPECT_EQ(manager.nSrcBytes, 0);
+  EXPECT_EQ(manager.nSrcBit, 4);
+  EXPECT_EQ(manager.nTarBit, 4);
 }
 
 TEST(ManageThreadsTest, AFormatWithoutANameIsSwitchedTo32Bit) {
@@ -274,13 +280,16 @@ TEST(ManageThreadsTest, ATargetWhoseEntriesAreAllFarFromBlackHasNone) {
 
 TEST(ManageThreadsTest, ASecondQueryDropsTheFirstOnesPalettes) {
   TBitmap indexed = Bitmap(pf8bit), color = Bitmap(pf24bit);
+  indexed.SetPalette(Palette({{255, 255, 255, 0}, {0, 0, 0, 0}}));
   TManageThreads manager(1, 4, nullptr);
   ASSERT_TRUE(manager.InitByteBits(indexed, indexed));
+  EXPECT_EQ(manager.TarBlack, 1);
   ASSERT_TRUE(manager.InitByteBits(color, color));
   EXPECT_EQ(manager.SrcCol, nullptr);
   EXPECT_EQ(manager.TarCol, nullptr);
   EXPECT_EQ(manager.SrcAnz, 0);
   EXPECT_EQ(manager.TarAnz, 0);
+  EXPECT_EQ(manager.TarBlack, 0);
 }
 
 }  // namespace

@@ -361,7 +361,17 @@ TEST_F(RotateBitmapTest, TheResultCarriesWhatACopyWould) {
 
   ASSERT_TRUE(RotateBitmap(90, bitmap, clWhite, 1, nullptr));
   EXPECT_EQ(bitmap->Dpi(), (Resolution{200, 300}));
+  EXPECT_NE(bitmap->Profile(), nullptr);
   EXPECT_FALSE(bitmap->Transparent());
+}
+
+TEST_F(RotateBitmapTest, ATurnedBitmapCountsAsModified) {
+  for (float angle : {45.0f, 90.0f}) {
+    auto bitmap = RandomBitmap(pf24bit, 20, 10);
+    bitmap->SetModified(false);
+    ASSERT_TRUE(RotateBitmap(angle, bitmap, 0, 1, nullptr));
+    EXPECT_TRUE(bitmap->Modified()) << angle;
+  }
 }
 
 // The automatic background.
