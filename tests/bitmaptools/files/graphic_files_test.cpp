@@ -367,7 +367,8 @@ TEST_F(GraphicFiles, Copy_Should_HaveTheSameClassAndPixels) {
   const auto check = [&](const std::unique_ptr<TGraphic>& graphic) {
     const auto copy = CopyGraphic(graphic.get());
     ASSERT_NE(copy, nullptr);
-    EXPECT_TRUE(typeid(*copy) == typeid(*graphic));
+    const TGraphic &copied = *copy, &original = *graphic;
+    EXPECT_TRUE(typeid(copied) == typeid(original));
     EXPECT_TRUE(SamePixels(expected, AsBitmap(*copy)));
   };
   check(Picture());
@@ -394,10 +395,12 @@ TEST_F(GraphicFiles, CopyOfAMetafile_Should_BearTheOtherMark) {
 
 TEST_F(GraphicFiles, Rotate_Should_KeepTheClass) {
   const auto check = [](std::unique_ptr<TGraphic> graphic) {
-    const std::type_info& before = typeid(*graphic);
+    const TGraphic& original = *graphic;
+    const std::type_info& before = typeid(original);
     RotateGraphic(90, graphic, clBlack);
     ASSERT_NE(graphic, nullptr);
-    EXPECT_TRUE(typeid(*graphic) == before);
+    const TGraphic& rotated = *graphic;
+    EXPECT_TRUE(typeid(rotated) == before);
     EXPECT_EQ(graphic->Width(), 14);
     EXPECT_EQ(graphic->Height(), 21);
   };
