@@ -125,7 +125,8 @@ std::optional<TColor> TransparentColorOf(const PngReader& reader, const Header& 
   }
   if (lost)
     report.warnings.push_back(
-        "PNG: one palette colour stays transparent, the others become opaque");
+        result ? "PNG: one palette colour stays transparent, the others become opaque"
+               : "PNG: the partly transparent palette colours become opaque");
   return result;
 }
 

@@ -127,8 +127,10 @@ TEST(PngTransparency, Should_BeTheFirstFullyTransparentEntry_When_Palette) {
   EXPECT_EQ(decode({255, 0}), RGB(40, 50, 60));
   CodecReport report;
   EXPECT_EQ(decode({128, 255, 0, 0}, &report), RGB(70, 80, 90));
-  EXPECT_THAT(report.warnings, testing::ElementsAre(HasSubstr("transparent")));
-  EXPECT_EQ(decode({128, 1}), std::nullopt);  // none is fully transparent
+  EXPECT_THAT(report.warnings, testing::ElementsAre(HasSubstr("stays transparent")));
+  CodecReport partly;
+  EXPECT_EQ(decode({128, 1}, &partly), std::nullopt);  // none is fully transparent
+  EXPECT_THAT(partly.warnings, testing::ElementsAre(HasSubstr("partly transparent")));
   EXPECT_EQ(decode({255, 255}), std::nullopt);
 }
 
