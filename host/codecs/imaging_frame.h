@@ -44,6 +44,10 @@ struct ImagingFrame {
   /// (16-bit frames of every kind are pf16bit, floats pf32bit). The palette counts for indexed
   /// formats only. Resolution, ICC profile and alpha mark (32bppBGRA: defined) come along.
   Raster rows;
+  /// The file's own pixel format (16-bit colour, CMYK ...) has no name above, and the codec made
+  /// 32bppBGRA of it. The table of bitmaps knows no alpha mark for such frames: their pixels of
+  /// alpha 0 keep their colours, those of a frame that is 32bppBGRA by itself become white.
+  bool isConverted = false;
 };
 
 }  // namespace rasterkit
