@@ -9,7 +9,6 @@
 
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/interruption.h"
-#include "apps/rasterkit/picture_file.h"
 #include "apps/rasterkit/turn.h"
 #include "apps/rasterkit/world_file.h"
 
@@ -60,7 +59,8 @@ void Remove(std::vector<std::string>& names, const std::string& name) {
   names.erase(std::remove(names.begin(), names.end(), name), names.end());
 }
 
-JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& picture) {
+JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& picture,
+                 const PictureWriter& write) {
   const PictureType type = WritableType(job.output);
   JobResult result;
   result.warnings = picture.warnings;
@@ -78,7 +78,11 @@ JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& p
   if (picture.bitmap->Profile()) Remove(result.notCarriedOver, "profile");
 
   StopIfInterrupted();
-  SavePicture(*picture.bitmap, job.output, options.quality);
+  if (write) {
+    write(picture, job);
+  } else {
+    SavePicture(*picture.bitmap, job.output, options.quality);
+  }
   result.type = PictureTypeName(type);
   result.width = picture.bitmap->Width();
   result.height = picture.bitmap->Height();
@@ -88,11 +92,12 @@ JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& p
 
 }  // namespace
 
-JobResult ConvertPicture(const Job& job, const PictureOptions& options) {
+JobResult ConvertPicture(const Job& job, const PictureOptions& options,
+                         const PictureWriter& write) {
   LoadedPicture picture = LoadPicture(job.input);
   StopIfInterrupted();
   try {
-    return Change(job, options, picture);
+    return Change(job, options, picture, write);
   } catch (const Error& error) {
     throw Failure(exitOutputNotWritten, job.output + ": " + error.Reason());
   } catch (const std::bad_alloc&) {

@@ -2,14 +2,28 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cmath>
 #include <fstream>
-#include <locale>
+#include <sstream>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/host/runtime/file_name.h>
 
+#include "apps/rasterkit/numbers.h"
+
 namespace rasterkit::tool {
+namespace {
+
+/// Six lines, and whatever somebody wrote below them.
+constexpr size_t kLongestWorldFile = 64 * 1024;
+
+/// The first `from` becomes `to`; false when there is none.
+bool Replace(std::string& text, char from, char to) {
+  const size_t at = text.find(from);
+  if (at != std::string::npos) text[at] = to;
+  return at != std::string::npos;
+}
+
+}  // namespace
 
 std::optional<std::string> FindWorldFile(const std::string& picture) {
   const std::string upper = GetWorldFileExt(picture);
@@ -25,11 +39,20 @@ std::optional<std::string> FindWorldFile(const std::string& picture) {
 }
 
 std::optional<WorldFile> ReadWorldFile(const std::string& worldFile) {
-  std::ifstream in(ToPath(worldFile));
-  in.imbue(std::locale::classic());
-  WorldFile result{worldFile, {}};
+  std::ifstream in(ToPath(worldFile), std::ios::binary);
+  std::string text(kLongestWorldFile, '\0');
+  in.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<size_t>(in.gcount()));
+  WorldFile result{worldFile, {}, false};
+  std::istringstream words(text);
   for (double& number : result.affine) {
-    if (!(in >> number) || !std::isfinite(number)) return std::nullopt;
+    std::string word;
+    words >> word;
+    if (word.find('.') == std::string::npos && Replace(word, ',', '.'))
+      result.hasDecimalCommas = true;
+    const auto value = ParseNumber(word);
+    if (!value) return std::nullopt;
+    number = *value;
   }
   return result;
 }

@@ -12,13 +12,15 @@ struct WorldFile {
   /// In the file's order: x per column, y per column, x per row, y per row, x and y of the first
   /// pixel's centre.
   std::array<double, 6> affine;
+  /// Some number was written as "0,5".
+  bool hasDecimalCommas = false;
 };
 
 /// The world file that belongs to the picture by name ("plan.png": "plan.PGW" or "plan.pgw"), if
 /// there is one.
 std::optional<std::string> FindWorldFile(const std::string& picture);
 
-/// The six numbers; nothing when the file holds anything else.
+/// The six numbers, whatever follows them; nothing when the file does not begin with six.
 std::optional<WorldFile> ReadWorldFile(const std::string& worldFile);
 
 }  // namespace rasterkit::tool
