@@ -1,4 +1,5 @@
 #include <exception>
+#include <utility>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/bitmaptools/files/load_via_wic.h>
@@ -10,15 +11,18 @@
 namespace rasterkit {
 namespace {
 
-std::unique_ptr<TGraphic> MakeTarget(int type) {
-  switch (type) {
-    case gtJpg:
-      return std::make_unique<TJPEGImage>();
-    case gtPng:
-      return std::make_unique<TPngImage>();
-    default:
-      return std::make_unique<TBitmap>();
-  }
+template <class T>
+std::unique_ptr<TGraphic> CopyInto(const TBitmap& decoded) {
+  auto graphic = std::make_unique<T>();
+  graphic->Assign(&decoded);
+  return graphic;
+}
+
+/// What a copy would be, without a second set of rows.
+std::unique_ptr<TGraphic> MoveIntoBitmap(TBitmap& decoded) {
+  auto bitmap = std::make_unique<TBitmap>(std::move(decoded));
+  bitmap->SetModified(true);
+  return bitmap;
 }
 
 }  // namespace
@@ -30,9 +34,14 @@ std::unique_ptr<TGraphic> LoadViaWic(const std::string& fileName) {
   } catch (const std::exception&) {
     return nullptr;
   }
-  std::unique_ptr<TGraphic> graphic = MakeTarget(GetGraphicsType(ExtractFileExt(fileName)));
-  graphic->Assign(&decoded);
-  return graphic;
+  switch (GetGraphicsType(ExtractFileExt(fileName))) {
+    case gtJpg:
+      return CopyInto<TJPEGImage>(decoded);
+    case gtPng:
+      return CopyInto<TPngImage>(decoded);
+    default:
+      return MoveIntoBitmap(decoded);
+  }
 }
 
 }  // namespace rasterkit
