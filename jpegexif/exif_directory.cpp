@@ -115,7 +115,7 @@ bool TImageData::ProcessEntry(const TTagInfo& info, int64_t OffsetBase, int64_t 
 }
 
 std::string TImageData::RawValue(const TTagInfo& info) const {
-  const int64_t size = static_cast<int64_t>(ExifBuff.size());
+  const auto size = static_cast<int64_t>(ExifBuff.size());
   const int64_t there = std::clamp<int64_t>(size + 1 - info.ValuePos, 0, info.ByteCount);
   std::string raw;
   if (there > 0) {

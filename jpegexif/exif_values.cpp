@@ -93,7 +93,7 @@ double TImageData::GetNumber(std::string_view bytes, uint16_t fmtType) const {
 
 std::string TImageData::FormatNumber(std::string_view bytes, uint16_t fmtType,
                                      const std::string& formatS, const std::string& code) const {
-  const size_t step = static_cast<size_t>(BytesPerType(fmtType));
+  const auto step = static_cast<size_t>(BytesPerType(fmtType));
   const size_t count = step == 0 ? 0 : std::min(bytes.size() / step, kMaxValues);
   std::string text;
   for (size_t i = 0; i < count; ++i) {

@@ -65,14 +65,14 @@ JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& p
   JobResult result;
   result.warnings = picture.warnings;
   result.notCarriedOver = picture.metadata;
-  if (picture.photo.gps) result.notCarriedOver.push_back("gps");
-  if (FindWorldFile(job.input)) result.notCarriedOver.push_back("worldfile");
+  if (picture.photo.gps) result.notCarriedOver.emplace_back("gps");
+  if (FindWorldFile(job.input)) result.notCarriedOver.emplace_back("worldfile");
 
   TurnUpright(picture.bitmap, picture.photo.orientation.value_or(1));
   StopIfInterrupted();
   Turn(picture.bitmap, options);
   const Transparency lost = LostTransparency(*picture.bitmap, type, options.bits);
-  if (lost != Transparency::none) result.notCarriedOver.push_back("transparency");
+  if (lost != Transparency::none) result.notCarriedOver.emplace_back("transparency");
   if (lost == Transparency::painted) DropTransparency(picture.bitmap, SolidBackground(options));
   if (options.bits != 0) picture.bitmap->SetPixelFormat(FormatOfBits(options.bits));
   if (picture.bitmap->Profile()) Remove(result.notCarriedOver, "profile");

@@ -73,5 +73,11 @@ int Main(int argc, char** argv) {
 }  // namespace rasterkit::tool
 
 int main(int argc, char** argv) {
-  return rasterkit::tool::Main(argc, argv);
+  try {
+    return rasterkit::tool::Main(argc, argv);
+  } catch (const std::exception& error) {
+    // Only what happens before a verb runs comes here, such as having no memory for the options.
+    std::fprintf(stderr, "rasterkit: %s\n", error.what());
+    return rasterkit::tool::exitOutputNotWritten;
+  }
 }

@@ -206,9 +206,9 @@ void HeaderReader::ReadPixelPlace() {
         static_cast<int>(std::min(room, static_cast<uint64_t>(header_.paletteEntries)));
   } else {
     header_.pixelOffset = headerEnd_ + static_cast<uint64_t>(header_.paletteEntries) * entryBytes;
-    report_.warnings.push_back("BMP: the pixels' offset of " + std::to_string(statedPixelOffset_) +
-                               " lies inside the header, " + std::to_string(header_.pixelOffset) +
-                               " is taken");
+    report_.warnings.emplace_back("BMP: the pixels' offset of " +
+                                  std::to_string(statedPixelOffset_) + " lies inside the header, " +
+                                  std::to_string(header_.pixelOffset) + " is taken");
   }
   if (header_.pixelOffset >= fileBytes_) {
     throw FormatError("BMP: the pixels' offset of " + std::to_string(header_.pixelOffset) +
@@ -223,7 +223,7 @@ void HeaderReader::ReadProfilePlace() {
   const uint64_t count = Field(bmp_field::profileBytes);
   if (count == 0) return;
   if (offset + count > fileBytes_) {
-    report_.warnings.push_back("BMP: the colour profile lies beyond the end of the data");
+    report_.warnings.emplace_back("BMP: the colour profile lies beyond the end of the data");
     return;
   }
   header_.profileOffset = offset;

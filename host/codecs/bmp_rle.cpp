@@ -164,10 +164,11 @@ void ReadBmpRle(TStream& stream, const BmpHeader& header, Raster& raster, CodecR
   RleReader reader(stream, header, raster);
   reader.Read();
   if (!reader.IsComplete()) {
-    report.warnings.push_back("BMP: premature end of data, " + std::to_string(reader.RowsThere()) +
-                              " of " + std::to_string(header.height) + " rows are there");
+    report.warnings.emplace_back("BMP: premature end of data, " +
+                                 std::to_string(reader.RowsThere()) + " of " +
+                                 std::to_string(header.height) + " rows are there");
   }
-  if (reader.WasCut()) report.warnings.push_back("BMP: runs beyond the picture were dropped");
+  if (reader.WasCut()) report.warnings.emplace_back("BMP: runs beyond the picture were dropped");
 }
 
 void RequireOneBmpRleRow(const BmpHeader& header, uint64_t pictureBytes) {

@@ -109,7 +109,7 @@ int ReadRows(JpegReader& reader, uint8_t* first, size_t stride, int wanted) {
 /// Decodes into the raster as far as there is something; returns the first row that is not there.
 int DecodeRows(JpegReader& reader, const JpegLayout& layout, Raster& raster) {
   const bool inks = reader.Codec().out_color_space == JCS_CMYK;
-  const size_t width = static_cast<size_t>(raster.Width());
+  const auto width = static_cast<size_t>(raster.Width());
   std::vector<uint8_t> inkRows(inks ? width * 4 * rowsAtOnce : 0);
   int y = 0;
   while (y < FirstMissingRow(reader, layout)) {
@@ -134,7 +134,7 @@ void ReadEnd(JpegReader& reader, CodecReport& report) {
   if (reader.Errors().damaged) {
     throw FormatError("JPEG: the picture data and what follows them are damaged");
   }
-  report.warnings.push_back("JPEG: what follows the picture data is damaged");
+  report.warnings.emplace_back("JPEG: what follows the picture data is damaged");
 }
 
 /// The file's profile when it describes the raster's pixels; null with a warning for one that is
@@ -145,7 +145,7 @@ ColorProfile ProfileOf(const JpegLayout& layout, CodecReport& report) {
   const auto space =
       layout.frame.components == 1 ? detail::ProfileSpace::gray : detail::ProfileSpace::rgb;
   if (!detail::ProfileFits(std::span(bytes), space)) {
-    report.warnings.push_back(
+    report.warnings.emplace_back(
         "JPEG: the colour profile is broken or of another kind and is left out");
     return nullptr;
   }
@@ -157,7 +157,7 @@ void ReportEnd(const JpegReader& reader, const JpegLayout& layout, CodecReport& 
   errors.CopyTo(report);
   const jpeg_decompress_struct& codec = reader.Codec();
   if (layout.cutOff)
-    report.warnings.push_back("JPEG: the file is cut off, its last scans are missing");
+    report.warnings.emplace_back("JPEG: the file is cut off, its last scans are missing");
   if (!errors.dataEnded || (layout.manyScans && !errors.endedInFirstScan)) return;
   const uint64_t whole =
       uint64_t{errors.endedInRow} * static_cast<uint64_t>(codec.max_v_samp_factor) * DCTSIZE;

@@ -66,7 +66,7 @@ class Walker {
   /// The segment at the position without its length, and moves behind it. False when it is cut off.
   bool NextSegment(Bytes& segment) {
     if (bytes_.size() - position_ < 2) return false;
-    const size_t length = static_cast<size_t>(bytes_[position_] << 8 | bytes_[position_ + 1]);
+    const auto length = static_cast<size_t>(bytes_[position_] << 8 | bytes_[position_ + 1]);
     // A length below its own two bytes is taken as an empty segment, as decoders do.
     if (length < 2) {
       segment = {};

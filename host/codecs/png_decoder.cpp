@@ -85,6 +85,7 @@ HPALETTE FilePalette(const PngReader& reader) {
   int count = 0;
   png_get_PLTE(reader.Png(), reader.Info(), &colors, &count);
   std::vector<tagPALETTEENTRY> entries;
+  entries.reserve(static_cast<size_t>(count));
   for (int i = 0; i < count; i++)
     entries.push_back({colors[i].red, colors[i].green, colors[i].blue, 0});
   return HPALETTE(entries);
@@ -124,7 +125,7 @@ std::optional<TColor> TransparentColorOf(const PngReader& reader, const Header& 
     if (alphas[i] != 255 && !(alphas[i] == 0 && entry == result)) lost = true;
   }
   if (lost)
-    report.warnings.push_back(
+    report.warnings.emplace_back(
         result ? "PNG: one palette colour stays transparent, the others become opaque"
                : "PNG: the partly transparent palette colours become opaque");
   return result;
@@ -234,7 +235,7 @@ Raster DecodePng(Bytes bytes, CodecReport* report) {
     noticed.warnings.push_back(
         fmt::format("PNG: the data end early, {} of {} rows are there", missing, raster.Height()));
   } else if (reader.RanDry()) {
-    noticed.warnings.push_back("PNG: the file is cut off");
+    noticed.warnings.emplace_back("PNG: the file is cut off");
   }
   reader.Errors().CopyTo(noticed);
   if (report)

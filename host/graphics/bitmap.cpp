@@ -41,7 +41,8 @@ TBitmap::TBitmap(TBitmap&& other) noexcept
 
 TBitmap& TBitmap::operator=(TBitmap&& other) noexcept {
   if (this == &other) return *this;
-  TGraphic::operator=(std::move(other));
+  // The base takes its own fields only.
+  TGraphic::operator=(static_cast<TGraphic&&>(other));
   raster_ = std::move(other.raster_);
   format_ = std::exchange(other.format_, pfDevice);
   TakeCanvas(other);

@@ -10,8 +10,7 @@
 // clang-format on
 
 HWY_BEFORE_NAMESPACE();
-namespace rasterkit::kernels {
-namespace HWY_NAMESPACE {
+namespace rasterkit::kernels::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 // A block at a time; the rest of the row a pixel at a time.
@@ -75,8 +74,7 @@ void PackBits(const uint8_t* HWY_RESTRICT values, size_t width, uint8_t threshol
   }
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace rasterkit::kernels
+}  // namespace rasterkit::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

@@ -24,6 +24,7 @@ Wide Product(uint64_t a, uint64_t b) {
 
 Wide ShiftLeft(Wide value, int count) {
   if (count == 0) return value;
+  if (count >= 128) return {0, 0};
   if (count >= 64) return {value.low << (count - 64), 0};
   return {value.high << count | value.low >> (64 - count), value.low << count};
 }

@@ -11,8 +11,7 @@
 // clang-format on
 
 HWY_BEFORE_NAMESPACE();
-namespace rasterkit::kernels {
-namespace HWY_NAMESPACE {
+namespace rasterkit::kernels::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 /// `kBytes` is the distance from pixel to pixel: 3 for B G R, 4 for B G R A.
@@ -272,8 +271,7 @@ void GrayOfRow32(const uint8_t* bgra, size_t width, uint8_t* gray) {
   GrayOfRow<4>(bgra, width, gray);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace rasterkit::kernels
+}  // namespace rasterkit::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

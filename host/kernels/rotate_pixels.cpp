@@ -124,8 +124,7 @@ void MovePixelsSingly(const Job& job, const RowStart& start, int y, int first, i
 #endif  // RASTERKIT_ROTATE_PIXELS_ONCE
 
 HWY_BEFORE_NAMESPACE();
-namespace rasterkit::kernels {
-namespace HWY_NAMESPACE {
+namespace rasterkit::kernels::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -234,8 +233,8 @@ template <int kBits>
 HWY_NOINLINE void MoveNearPixels(const Job& job, int64_t column, int64_t row,
                                  const RunPlaces& places, int first, int y, int count,
                                  uint8_t* target) {
-  const uint32_t columnStep = static_cast<uint32_t>(LaneStep(job.columnStep));
-  const uint32_t rowStep = static_cast<uint32_t>(LaneStep(job.rowStep));
+  const auto columnStep = static_cast<uint32_t>(LaneStep(job.columnStep));
+  const auto rowStep = static_cast<uint32_t>(LaneStep(job.rowStep));
   const auto columnFraction = static_cast<uint32_t>(LaneFraction(column));
   const auto rowFraction = static_cast<uint32_t>(LaneFraction(row));
   const int lanes = static_cast<int>(hn::Lanes(D()));
@@ -357,8 +356,7 @@ void RotateRowsOfFormat(const Job& job, int firstRow, int lastRow) {
 }
 
 }  // namespace
-}  // namespace HWY_NAMESPACE
-}  // namespace rasterkit::kernels
+}  // namespace rasterkit::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

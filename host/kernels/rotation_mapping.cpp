@@ -20,7 +20,7 @@ int64_t RoundedProduct(int size, double factor) {
 template <typename Exact>
 int64_t RoundCertainly(double estimate, double error, Exact exact) {
   const double raised = estimate + 0.5;
-  int64_t whole = static_cast<int64_t>(raised);
+  auto whole = static_cast<int64_t>(raised);
   if (static_cast<double>(whole) > raised) --whole;
   const double fraction = raised - static_cast<double>(whole);
   return fraction > error && fraction < 1 - error ? whole : exact();

@@ -53,7 +53,7 @@ struct Area {
 template <int kSourceBytes, int kTargetBytes>
 void TransposeBlock(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn,
                     Area area) {
-  const ptrdiff_t stride = static_cast<ptrdiff_t>(source.stride);
+  const auto stride = static_cast<ptrdiff_t>(source.stride);
   const int firstRow = turn.mirrorX ? target.width - 1 - area.left : area.left;
   for (int y = area.top; y < area.bottom; ++y) {
     const int column = turn.mirrorY ? target.height - 1 - y : y;

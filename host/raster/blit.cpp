@@ -14,7 +14,8 @@ namespace {
 std::vector<int> SourcePositions(int start, int end, int first, int last, int sourceSize) {
   const bool mirrored = end < start;
   const int64_t low = std::min(start, end);
-  const int64_t size = std::max<int64_t>(start, end) - low;
+  // At least 1: an empty place has no positions, and the division below must know it.
+  const int64_t size = std::max<int64_t>(std::max<int64_t>(start, end) - low, 1);
   std::vector<int> positions;
   positions.reserve(static_cast<size_t>(last - first));
   for (int64_t i = first; i < last; ++i) {

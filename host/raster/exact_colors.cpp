@@ -74,7 +74,7 @@ HPALETTE PaletteOf(const ColorNumbers& numbers, size_t count) {
 }  // namespace
 
 bool MapExactColors(const Raster& source, Raster& target) {
-  const int limit = 1 << StoredBitsPerPixel(target.Format());
+  const int limit = 1 << std::min(StoredBitsPerPixel(target.Format()), 8);
   ColorNumbers numbers(limit);
   const PixelTable table = MakePixelTable(source.palette);
   std::vector<RGBArec> pixels(static_cast<size_t>(source.Width()));

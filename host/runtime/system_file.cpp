@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <system_error>
 
 #include <fcntl.h>
-#include <limits.h>
 #include <unistd.h>
 
 #include <rasterkit/host/runtime/errors.h>
