@@ -10,9 +10,11 @@ namespace rasterkit {
 /// The bitmap behind TIFF files: a TBitmap that loads through the imaging codec, by content,
 /// whatever the file is called, and saves as TIFF.
 ///
-/// A loaded picture is never `Transparent`: where its file has an alpha channel, pixels of alpha 0
-/// become opaque white, and colours that a file only marks as transparent stay visible. Streams
-/// carry the Windows bitmap form of the base class; whoever needs TIFF bytes goes through a file.
+/// A loaded picture is never `Transparent`: where its file has an alpha channel of 8 bits, pixels
+/// of alpha 0 become opaque white, and colours that a file only marks as transparent stay visible.
+/// Grids keep their numbers: floats become the pixels of a pf32bit bitmap, words those of a pf16bit
+/// one (see ReadGeoTiffIntoBitmap). Streams carry the Windows bitmap form of the base class;
+/// whoever needs TIFF bytes goes through a file.
 class RASTERKIT_EXPORT TWICBitmap : public TBitmap {
  public:
   /// Throws FileError when the file cannot be opened, else an error with the codec's own text, or
