@@ -1,8 +1,12 @@
 #include <algorithm>
+#include <fstream>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <rasterkit/host/graphics/canvas.h>
 #include <rasterkit/host/graphics/jpeg_image.h>
 #include <rasterkit/host/graphics/png_image.h>
 #include <rasterkit/host/runtime/errors.h>
@@ -92,21 +96,48 @@ TEST_F(WicBitmap, Load_Should_GiveTheCodecsText_When_APictureIsBroken) {
   }
 }
 
-TEST_F(WicBitmap, Load_Should_SayThatTiffIsNotDecodedYet) {
-  const std::string name = folder_.Write("a.tif", std::string("II*\0\x8\0\0\0\0\0\0\0\0\0", 14));
-  EXPECT_THROW(bitmap_.LoadFromFile(name), UnsupportedError);
-}
-
 TEST_F(WicBitmap, Load_Should_ThrowFileError_When_TheFileCannotBeOpened) {
   EXPECT_THROW(bitmap_.LoadFromFile(folder_ / "missing.tif"), FileError);
   EXPECT_THROW(bitmap_.LoadFromFile(folder_.Path().string()), FileError);
 }
 
+TEST_F(WicBitmap, Load_Should_ReadAPipe) {
+  const TBitmap expected = GradientBitmap(pf24bit, 13, 7);
+  const std::string content = test::ReadFile(Saved<TPngImage>(expected));
+  const std::string pipe = folder_ / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << content; });
+  EXPECT_NO_THROW(bitmap_.LoadFromFile(pipe));
+  writer.join();
+  EXPECT_TRUE(SamePixels(expected, bitmap_));
+}
+
+TEST_F(WicBitmap, Load_Should_KeepTheCanvas_And_CountAsUnmodified) {
+  bitmap_.Canvas().Brush.Color = RGB(1, 2, 3);
+  bitmap_.SetModified(true);
+  bitmap_.LoadFromFile(Saved<TBitmap>(GradientBitmap(pf24bit, 13, 7)));
+  EXPECT_EQ(bitmap_.Canvas().Brush.Color, RGB(1, 2, 3));
+  EXPECT_FALSE(bitmap_.Modified());
+}
+
+TEST_F(WicBitmap, Load_Should_EndAnEarlierTransparency) {
+  bitmap_.SetTransparent(true);
+  bitmap_.SetTransparentColor(RGB(1, 2, 3));
+  bitmap_.LoadFromFile(Saved<TBitmap>(GradientBitmap(pf24bit, 13, 7)));
+  EXPECT_FALSE(bitmap_.Transparent());
+  EXPECT_EQ(bitmap_.TransparentMode(), tmAuto);
+}
+
 TEST_F(WicBitmap, FailedLoad_Should_LeaveTheBitmap) {
   const TBitmap expected = GradientBitmap(pf24bit, 13, 7);
   bitmap_.Assign(&expected);
-  EXPECT_THROW(bitmap_.LoadFromFile(folder_.Write("a.tif", "junk")), FormatError);
-  EXPECT_TRUE(SamePixels(expected, bitmap_));
+  bitmap_.SetTransparent(true);
+  for (const char* content : {"junk", "\x89PNG\r\n\x1A\nbroken"}) {
+    EXPECT_THROW(bitmap_.LoadFromFile(folder_.Write("a.tif", content)), FormatError);
+    EXPECT_TRUE(SamePixels(expected, bitmap_));
+    EXPECT_TRUE(bitmap_.Transparent());
+    EXPECT_TRUE(bitmap_.Modified());
+  }
 }
 
 TEST_F(WicBitmap, Save_Should_BeRefused_And_LeaveTheFile) {

@@ -226,6 +226,22 @@ TEST_F(GraphicFiles, LoadViaWic_Should_GiveNull_When_NothingReadsTheFile) {
   EXPECT_EQ(LoadViaWic(folder_.Path().string()), nullptr);
 }
 
+TEST_F(GraphicFiles, LoadViaWic_Should_GiveACopyInTheClassOfTheExtension) {
+  const TBitmap expected = GradientBitmap(pf24bit, 21, 14);
+  const std::string bmp = FileOf(*Picture(), "bmp");
+  const auto check = [&](const char* name, bool isExpectedClass(const TGraphic*)) {
+    std::filesystem::copy_file(bmp, folder_ / name);
+    const auto graphic = LoadViaWic(folder_ / name);
+    ASSERT_TRUE(isExpectedClass(graphic.get())) << name;
+    EXPECT_TRUE(SamePixels(expected, AsBitmap(*graphic))) << name;
+    EXPECT_TRUE(graphic->Modified()) << name;
+  };
+  check("a.png", Is<TPngImage>);
+  for (const char* name : {"a.bmp", "a.tif", "a.wmf", "a.xyz", "a"}) check(name, Is<TBitmap>);
+  std::filesystem::copy_file(bmp, folder_ / "a.jpg");
+  EXPECT_TRUE(Is<TJPEGImage>(LoadViaWic(folder_ / "a.jpg")));
+}
+
 // ---- SaveGraphic
 
 TEST_F(GraphicFiles, Save_Should_KeepTheObject_When_TheTypeFits) {

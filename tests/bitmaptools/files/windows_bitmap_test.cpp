@@ -13,6 +13,7 @@
 #include <rasterkit/host/runtime/ports.h>
 
 #include "tests/support/exif_builder.h"
+#include "tests/support/profiles.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/test_pictures.h"
@@ -150,6 +151,14 @@ TEST_F(LoadWindows, PaletteOfAPng_Should_Stay_When_ItHas16Or256Colours) {
   EXPECT_EQ(PaletteOfPng(16), IndexedBitmap(16).Palette());
   EXPECT_EQ(PaletteOfPng(2), IndexedBitmap(2).Palette());
   EXPECT_EQ(PaletteOfPng(256), IndexedBitmap(256).Palette());
+}
+
+TEST_F(LoadWindows, PixelsUnderAShortPalette_Should_Stay) {
+  // A palette of 16 that were replaced would take half of each row with it.
+  for (const int colors : {2, 16}) {
+    const TBitmap source = IndexedBitmap(colors);
+    EXPECT_TRUE(SamePixels(source, Loaded(Saved<TPngImage>(source, "a.png")))) << colors;
+  }
 }
 
 TEST_F(LoadWindows, FilledUpPalette_Should_KeepColoursAndIndexes_And_EndInBlack) {
@@ -585,6 +594,19 @@ TEST_F(SaveWindows, ConvertedCopy_Should_StayTransparentAndKeepItsResolution) {
   EXPECT_EQ(loaded.TransparentColor(), key);
   EXPECT_NEAR(loaded.Dpi().x, 254, 0.1);
   EXPECT_NEAR(loaded.Dpi().y, 127, 0.1);
+}
+
+TEST_F(SaveWindows, Profile_Should_TravelAlong) {
+  TBitmap bitmap = GradientBitmap(pf24bit, 21, 14);
+  bitmap.SetProfile(test::RgbProfile());
+  for (const int bits : {0, 32}) {
+    for (const char* name : {"a.bmp", "a.png", "a.jpg"}) {
+      SaveWindowsBitmap(bitmap, bits, 0, folder_ / name);
+      const ColorProfile loaded = Loaded(folder_ / name).Profile();
+      ASSERT_NE(loaded, nullptr) << name << " " << bits;
+      EXPECT_EQ(*loaded, *bitmap.Profile()) << name << " " << bits;
+    }
+  }
 }
 
 TEST_F(SaveWindows, Bitmap_Should_NeverChange) {
