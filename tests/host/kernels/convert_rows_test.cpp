@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/host/kernels/convert_rows.h>
+#include <rasterkit/host/kernels/exchange_red_blue.h>
 
 #include "tests/support/simd_targets.h"
 
@@ -63,6 +64,44 @@ TEST(ConvertRows, Row32To24_Should_DropAlpha) {
     for (size_t x = 0; x < width; ++x)
       expected.insert(expected.end(), {source[4 * x], source[4 * x + 1], source[4 * x + 2]});
     const auto kernel = [&](uint8_t* target) { Row32To24(source.data(), width, target); };
+    EXPECT_EQ(Written(3 * width, kernel), expected);
+  });
+}
+
+/// A row with the first and third byte of each pixel exchanged, in place and to another place.
+void ExpectExchange(size_t pixelBytes, void (*exchange)(const uint8_t*, size_t, uint8_t*)) {
+  ForEachTargetAndWidth([&](size_t width, std::mt19937& random) {
+    std::vector<uint8_t> source = RandomBytes(pixelBytes * width, random);
+    std::vector<uint8_t> expected = source;
+    for (size_t x = 0; x < width; ++x)
+      std::swap(expected[pixelBytes * x], expected[pixelBytes * x + 2]);
+    const auto kernel = [&](uint8_t* target) { exchange(source.data(), width, target); };
+    EXPECT_EQ(Written(source.size(), kernel), expected);
+    const auto inPlace = [&](uint8_t* target) {
+      std::copy(source.begin(), source.end(), target);
+      exchange(target, width, target);
+    };
+    EXPECT_EQ(Written(source.size(), inPlace), expected);
+  });
+}
+
+TEST(ConvertRows, ExchangeRedBlue24_Should_SwapFirstAndThirdByte) {
+  ExpectExchange(3, ExchangeRedBlue24);
+}
+
+TEST(ConvertRows, ExchangeRedBlue32_Should_SwapFirstAndThirdByte) {
+  ExpectExchange(4, ExchangeRedBlue32);
+}
+
+TEST(ConvertRows, JoinPlanes24_Should_PutBlueFirst) {
+  ForEachTargetAndWidth([](size_t width, std::mt19937& random) {
+    const auto red = RandomBytes(width, random), green = RandomBytes(width, random),
+               blue = RandomBytes(width, random);
+    std::vector<uint8_t> expected;
+    for (size_t x = 0; x < width; ++x) expected.insert(expected.end(), {blue[x], green[x], red[x]});
+    const auto kernel = [&](uint8_t* target) {
+      JoinPlanes24(red.data(), green.data(), blue.data(), width, target);
+    };
     EXPECT_EQ(Written(3 * width, kernel), expected);
   });
 }

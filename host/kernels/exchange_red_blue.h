@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// Rows of pixels with their first and third byte exchanged: B G R from R G B and back. Source and
+/// target may be the same row; they must not overlap otherwise. Exactly the bytes of `width` pixels
+/// are written.
+namespace rasterkit::kernels {
+
+/// Three bytes a pixel.
+void ExchangeRedBlue24(const uint8_t* pixels, size_t width, uint8_t* target);
+
+/// Four bytes a pixel; the fourth is copied.
+void ExchangeRedBlue32(const uint8_t* pixels, size_t width, uint8_t* target);
+
+/// `width` pixels B G R from a row of each colour.
+void JoinPlanes24(const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t width,
+                  uint8_t* target);
+
+}  // namespace rasterkit::kernels
