@@ -21,6 +21,8 @@ int WhitestEntry(const HPALETTE& palette) {
   return best;
 }
 
+}  // namespace
+
 uint8_t WhiteByte(const Raster& raster) {
   if (!IsIndexed(raster.Format())) return 0xFF;
   const int entry = WhitestEntry(raster.palette);
@@ -33,8 +35,6 @@ uint8_t WhiteByte(const Raster& raster) {
       return static_cast<uint8_t>(entry);
   }
 }
-
-}  // namespace
 
 void FillMissingRows(Raster& raster, int first) {
   const uint8_t white = WhiteByte(raster);

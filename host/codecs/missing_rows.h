@@ -9,4 +9,7 @@ namespace rasterkit::detail {
 /// alpha 255.
 void FillMissingRows(Raster& raster, int first);
 
+/// The byte of which such a row consists.
+uint8_t WhiteByte(const Raster& raster);
+
 }  // namespace rasterkit::detail

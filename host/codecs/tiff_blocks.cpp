@@ -1,0 +1,154 @@
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include <rasterkit/host/codecs/tiff_blocks.h>
+#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/host/runtime/memory_budget.h>
+
+namespace rasterkit::detail {
+
+namespace {
+
+/// Pictures up to this many bytes are searched for the last sound row of every damaged block: that
+/// unpacks a block several times.
+constexpr uint64_t searchedBytes = uint64_t{256} << 20;
+
+}  // namespace
+
+uint32_t TiffBlockReader::Read(uint32_t block, uint32_t first, uint32_t rows, uint8_t* target) {
+  const size_t rowBytes = layout_.grid.rowBytes;
+  const uint64_t offset = TIFFGetStrileOffset(handle_.Tiff(), block);
+  const uint64_t count = TIFFGetStrileByteCount(handle_.Tiff(), block);
+  if (offset == 0 && count == 0) {
+    FillSparse(target, rows * rowBytes);
+    return rows;
+  }
+  if (!IsPlain()) return ReadPacked(block, offset, count, rows, target);
+  const uint64_t skipped = uint64_t{first} * rowBytes;
+  if (count <= skipped) return 0;
+  return ReadPlain(offset + skipped, count - skipped, rows, target);
+}
+
+uint32_t TiffBlockReader::ReadPlain(uint64_t offset, uint64_t count, uint32_t rows,
+                                    uint8_t* target) {
+  const size_t rowBytes = layout_.grid.rowBytes;
+  const auto wanted = static_cast<size_t>(std::min<uint64_t>(count, rows * uint64_t{rowBytes}));
+  const size_t there = handle_.Source().ReadAt(offset, {target, wanted});
+  ToProcessorOrder(target, there / rowBytes * rowBytes);
+  const auto whole = static_cast<uint32_t>(there / rowBytes);
+  if (whole < rows) errors_.emplace_back("the data end early");
+  return whole;
+}
+
+void TiffBlockReader::ToProcessorOrder(uint8_t* bytes, size_t count) const {
+  if (handle_.Field<uint16_t>(TIFFTAG_FILLORDER, FILLORDER_MSB2LSB) == FILLORDER_LSB2MSB)
+    TIFFReverseBits(bytes, static_cast<tmsize_t>(count));
+  if (!TIFFIsByteSwapped(handle_.Tiff())) return;
+  const auto samples = static_cast<tmsize_t>(count / std::max<size_t>(1, layout_.bits / 8));
+  switch (layout_.bits) {
+    case 16:
+      return TIFFSwabArrayOfShort(reinterpret_cast<uint16_t*>(bytes), samples);
+    case 24:
+      return TIFFSwabArrayOfTriples(bytes, samples);
+    case 32:
+      return TIFFSwabArrayOfLong(reinterpret_cast<uint32_t*>(bytes), samples);
+    case 64:
+      return TIFFSwabArrayOfLong8(reinterpret_cast<uint64_t*>(bytes), samples);
+    default:
+      return;
+  }
+}
+
+void TiffBlockReader::FillSparse(uint8_t* target, size_t bytes) const {
+  if (blanks_.sparseBytes == 1) {
+    std::memset(target, blanks_.sparse[0], bytes);
+    return;
+  }
+  for (size_t at = 0; at + blanks_.sparseBytes <= bytes; at += blanks_.sparseBytes)
+    std::memcpy(target + at, blanks_.sparse.data(), blanks_.sparseBytes);
+}
+
+uint32_t TiffBlockReader::ReadPacked(uint32_t block, uint64_t offset, uint64_t count, uint32_t rows,
+                                     uint8_t* target) {
+  const uint64_t size = handle_.Source().Size();
+  const uint64_t left = offset < size ? size - offset : 0;
+  const auto wanted = static_cast<size_t>(std::min(count, left));
+  RequirePictureMemory(wanted, "TIFF: a strip or tile");
+  if (raw_.Size() < wanted) raw_ = PixelMemory(wanted);
+  const size_t there = handle_.Source().ReadAt(offset, {raw_.Data(), wanted});
+  if (there < count) errors_.emplace_back("the data end early");
+  if (there == 0) return 0;
+  const uint32_t unpacked = UnpackedRows(rows);
+  if (Unpack(block, there, unpacked, target)) return rows;
+  if (IsFax() || !MayBeSearched(there < count)) return 0;
+  const size_t errorsSoFar = errors_.size();
+  const uint32_t sound = std::min(rows, RowsThere(block, there, unpacked, target));
+  errors_.resize(errorsSoFar);
+  return sound;
+}
+
+bool TiffBlockReader::Unpack(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target) {
+  const size_t bytes = rows * layout_.grid.rowBytes;
+  if (MayLeaveGaps()) std::memset(target, blanks_.whiteByte, bytes);
+  // Fax codecs go on behind damaged rows, and tell failure as success here.
+  const bool isWhole =
+      TIFFReadFromUserBuffer(handle_.Tiff(), block, raw_.Data(), static_cast<tmsize_t>(rawBytes),
+                             target, static_cast<tmsize_t>(bytes)) != 0;
+  std::vector<std::string> texts = handle_.Messages().TakeErrors();
+  for (std::string& text : handle_.Messages().TakeWarnings()) texts.push_back(std::move(text));
+  const bool isComplete = isWhole && (texts.empty() || !IsFax() || !IsBlank({target, bytes}));
+  std::move(texts.begin(), texts.end(), std::back_inserter(errors_));
+  return isComplete;
+}
+
+bool TiffBlockReader::IsFax() const {
+  switch (layout_.compression) {
+    case COMPRESSION_CCITTRLE:
+    case COMPRESSION_CCITTRLEW:
+    case COMPRESSION_CCITTFAX3:
+    case COMPRESSION_CCITTFAX4:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool TiffBlockReader::IsBlank(std::span<const uint8_t> bytes) const {
+  return std::all_of(bytes.begin(), bytes.end(),
+                     [&](uint8_t byte) { return byte == blanks_.whiteByte; });
+}
+
+uint32_t TiffBlockReader::RowsThere(uint32_t block, size_t rawBytes, uint32_t rows,
+                                    uint8_t* target) {
+  // The greatest number of rows that unpack without an error: fewer rows need fewer bytes.
+  uint32_t sound = 0, unsound = rows;
+  while (unsound - sound > 1) {
+    const uint32_t middle = sound + (unsound - sound) / 2;
+    (Unpack(block, rawBytes, middle, target) ? sound : unsound) = middle;
+  }
+  if (sound > 0) Unpack(block, rawBytes, sound, target);
+  return sound;
+}
+
+bool TiffBlockReader::MayBeSearched(bool isCutOff) const {
+  const uint64_t block = uint64_t{layout_.grid.rowBytes} * layout_.grid.height;
+  const uint64_t blocks = uint64_t{layout_.grid.PerPlane()} * layout_.planes.size();
+  return block * blocks <= searchedBytes || (isCutOff && blocks <= 8);
+}
+
+bool TiffBlockReader::MayLeaveGaps() const {
+  switch (layout_.compression) {
+    case COMPRESSION_LZW:
+    case COMPRESSION_ADOBE_DEFLATE:
+    case COMPRESSION_DEFLATE:
+    case COMPRESSION_PACKBITS:
+    case COMPRESSION_ZSTD:
+    case COMPRESSION_LZMA:
+      return false;
+    default:
+      return true;
+  }
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+#include "tests/support/tiff_file.h"
+
+/// What the pixels of a TIFF file are worth, one by one, straight from the meaning of its tags.
+namespace rasterkit::reference {
+
+inline long double HalfValue(uint16_t half) {
+  const int exponent = (half >> 10) & 31, fraction = half & 1023;
+  const long double sign = half & 0x8000 ? -1 : 1;
+  if (exponent == 0) return sign * fraction / 16777216.0L;
+  if (exponent == 31) return fraction ? NAN : sign * INFINITY;
+  return sign * std::ldexp(1.0L + fraction / 1024.0L, exponent - 15);
+}
+
+/// A sample as a number.
+inline long double TiffNumber(const test::TiffFile& file, uint32_t x, uint32_t y, uint32_t sample) {
+  const uint64_t stored = test::StoredSample(file, x, y, sample);
+  if (file.sampleFormat == SAMPLEFORMAT_IEEEFP) {
+    if (file.bits == 16) return HalfValue(static_cast<uint16_t>(stored));
+    if (file.bits == 32) return std::bit_cast<float>(static_cast<uint32_t>(stored));
+    return std::bit_cast<double>(stored);
+  }
+  if (file.sampleFormat == SAMPLEFORMAT_INT && (stored >> (file.bits - 1) & 1))
+    return static_cast<long double>(stored) - std::ldexp(1.0L, file.bits);
+  return static_cast<long double>(stored);
+}
+
+/// A sample as its share of full scale, 0 to 1.
+inline long double TiffShare(const test::TiffFile& file, uint32_t x, uint32_t y, uint32_t sample) {
+  const bool isSigned = file.sampleFormat == SAMPLEFORMAT_INT;
+  const long double full = file.sampleFormat == SAMPLEFORMAT_IEEEFP
+                               ? 1.0L
+                               : std::ldexp(1.0L, isSigned ? file.bits - 1 : file.bits) - 1;
+  return std::clamp(TiffNumber(file, x, y, sample) / full, 0.0L, 1.0L);
+}
+
+inline uint8_t TiffByte(long double share) {
+  return static_cast<uint8_t>(std::floor(share * 255 + 0.5L));
+}
+
+/// B, G, R, A of a pixel of grey, RGB, inks or a palette; alpha 255 without an alpha sample.
+inline std::array<uint8_t, 4> TiffPixel(const test::TiffFile& file, uint32_t x, uint32_t y) {
+  const auto share = [&](uint32_t sample) { return TiffShare(file, x, y, sample); };
+  std::array<long double, 3> rgb{};
+  uint32_t colors = 3;
+  switch (file.photometric) {
+    case PHOTOMETRIC_MINISWHITE:
+    case PHOTOMETRIC_MINISBLACK: {
+      const long double gray = share(0);
+      rgb.fill(file.photometric == PHOTOMETRIC_MINISWHITE ? 1 - gray : gray);
+      colors = 1;
+      break;
+    }
+    case PHOTOMETRIC_PALETTE: {
+      const auto index = static_cast<size_t>(test::StoredSample(file, x, y, 0));
+      for (size_t i = 0; i < 3; i++)
+        rgb[i] = (file.colorMap[i * file.colorMap.size() / 3 + index] >> 8) / 255.0L;
+      colors = 1;
+      break;
+    }
+    case PHOTOMETRIC_SEPARATED:
+      for (uint32_t i = 0; i < 3; i++) rgb[i] = (1 - share(i)) * (1 - share(3));
+      colors = 4;
+      break;
+    default:
+      for (uint32_t i = 0; i < 3; i++) rgb[i] = share(i);
+  }
+  long double alpha = 1;
+  for (uint32_t i = 0; i < file.extraSamples.size(); i++) {
+    if (file.extraSamples[i] == EXTRASAMPLE_UNSPECIFIED) continue;
+    alpha = share(colors + i);
+    const bool isMultiplied = file.extraSamples[i] == EXTRASAMPLE_ASSOCALPHA && alpha > 0;
+    for (uint32_t c = 0; isMultiplied && c < 3; c++) {
+      // Sample over sample, so that a half stays one.
+      const long double color = TiffNumber(file, x, y, colors == 1 ? 0 : c);
+      const long double byte = std::floor(color * 255 / TiffNumber(file, x, y, colors + i) + 0.5L);
+      rgb[c] = std::clamp(byte, 0.0L, 255.0L) / 255;
+    }
+    break;
+  }
+  return {TiffByte(rgb[2]), TiffByte(rgb[1]), TiffByte(rgb[0]), TiffByte(alpha)};
+}
+
+}  // namespace rasterkit::reference
