@@ -10,6 +10,7 @@
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/file_name.h>
 #include <rasterkit/jpegexif/photo_queries.h>
+#include <rasterkit/tifftobmp/wic_bitmap.h>
 
 namespace rasterkit {
 namespace {
@@ -35,18 +36,28 @@ void AssignPicture(TGraphic& target, const TGraphic* source) {
   target.Assign(&bitmap);
 }
 
-/// The graphic itself when it is a plain bitmap, else its picture as a new one; releases the
-/// graphic before more memory is asked for.
+/// The graphic itself when it is a plain bitmap, else its picture as a new one, moved out of a
+/// bitmap of another class; releases the graphic before more memory is asked for.
 std::unique_ptr<TBitmap> TakeBitmap(int type, std::unique_ptr<TGraphic>& graphic) {
   if (type == gtBmp) return std::unique_ptr<TBitmap>(static_cast<TBitmap*>(graphic.release()));
   auto bitmap = std::make_unique<TBitmap>();
-  bitmap->Assign(graphic.get());
+  if (type == gtTif) {
+    *bitmap = std::move(static_cast<TBitmap&>(*graphic));
+  } else {
+    bitmap->Assign(graphic.get());
+  }
   graphic.reset();
   return bitmap;
 }
 
 /// The rotated bitmap as a graphic of the type it had before.
-std::unique_ptr<TGraphic> IntoType(int type, const TBitmap& bitmap) {
+std::unique_ptr<TGraphic> IntoType(int type, TBitmap& bitmap) {
+  if (type == gtTif) {
+    auto tiff = std::make_unique<TWICBitmap>();
+    static_cast<TBitmap&>(*tiff) = std::move(bitmap);
+    tiff->SetModified(true);
+    return tiff;
+  }
   const bool wasMetafile = type == gtWmf || type == gtEmf;
   std::unique_ptr<TGraphic> graphic =
       wasMetafile ? std::make_unique<TPngImage>() : CreateGraphicOfType(type);

@@ -426,6 +426,23 @@ TEST_F(GraphicFiles, Rotate_Should_KeepTheClass) {
   check(PictureAs<TWICBitmap>());
 }
 
+TEST_F(GraphicFiles, RotatedTiffGraphic_Should_KeepWhatElseItHas) {
+  std::unique_ptr<TGraphic> graphic = PictureAs<TWICBitmap>();
+  auto& bitmap = static_cast<TBitmap&>(*graphic);
+  bitmap.SetDpi({300, 150});
+  bitmap.SetTransparent(true);
+  bitmap.SetTransparentColor(RGB(1, 2, 3));
+  bitmap.SetModified(false);
+  RotateGraphic(0, graphic, clBlack);
+  ASSERT_TRUE(Is<TWICBitmap>(graphic));
+  const auto& turned = static_cast<const TBitmap&>(*graphic);
+  EXPECT_TRUE(SamePixels(GradientBitmap(pf24bit, 21, 14), turned));
+  EXPECT_EQ(turned.Dpi(), (Resolution{300, 150}));
+  EXPECT_TRUE(turned.Transparent());
+  EXPECT_EQ(turned.TransparentColor(), RGB(1, 2, 3));
+  EXPECT_TRUE(turned.Modified());
+}
+
 TEST_F(GraphicFiles, Rotate_Should_FillTheCornersWithTheBackColour) {
   std::unique_ptr<TGraphic> graphic = Picture();
   RotateGraphic(30, graphic, RGB(1, 2, 3));
