@@ -4,6 +4,7 @@
 #include <rasterkit/host/codecs/decode_frame.h>
 #include <rasterkit/host/codecs/decode_picture.h>
 #include <rasterkit/host/codecs/picture_type.h>
+#include <rasterkit/host/codecs/tiff_decoder.h>
 #include <rasterkit/host/runtime/errors.h>
 
 namespace rasterkit {
@@ -13,12 +14,12 @@ namespace {
 constexpr size_t kSniffedBytes = 1024;
 
 /// The bytes that were looked at are given back to the stream.
-bool IsKnownPicture(TStream& stream) {
+PictureType SniffStream(TStream& stream) {
   std::array<uint8_t, kSniffedBytes> first;
   const uint64_t start = stream.Position();
   const size_t count = stream.Read(first);
   stream.SetPosition(start);
-  return SniffPictureType(std::span(first).first(count)) != PictureType::unknown;
+  return SniffPictureType(std::span(first).first(count));
 }
 
 WICPixelFormat FrameFormat(const Raster& raster) {
@@ -43,8 +44,15 @@ WICPixelFormat FrameFormat(const Raster& raster) {
 
 }  // namespace
 
-ImagingFrame DecodeFrame(TStream& stream, const FrameOptions&, CodecReport* report) {
-  if (!IsKnownPicture(stream)) throw FormatError("Invalid image");
+ImagingFrame DecodeFrame(TStream& stream, const FrameOptions& options, CodecReport* report) {
+  switch (SniffStream(stream)) {
+    case PictureType::unknown:
+      throw FormatError("Invalid image");
+    case PictureType::tiff:
+      return DecodeTiff(stream, options, report);
+    default:
+      break;
+  }
   ImagingFrame frame;
   frame.rows = DecodePicture(stream, report);
   frame.format = FrameFormat(frame.rows);
