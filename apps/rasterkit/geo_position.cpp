@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+
+#include <fmt/format.h>
 
 #include "apps/rasterkit/world_file.h"
 
@@ -34,6 +37,19 @@ Affine FromTransformation(const TiffFacts& facts) {
   return {m[0], m[4], m[1], m[5], m[3] + c * m[0] + c * m[1], m[7] + c * m[4] + c * m[5]};
 }
 
+/// How far apart two positions put a corner pixel, in pixels of the first.
+double GreatestDistance(const Affine& a, const Affine& b, int width, int height) {
+  double greatest = 0;
+  for (const int column : {0, width - 1}) {
+    for (const int row : {0, height - 1}) {
+      const auto there = FromMap(a, ToMap(b, column, row));
+      if (!there) return std::numeric_limits<double>::infinity();
+      greatest = std::max(greatest, std::hypot(there->x - column, there->y - row));
+    }
+  }
+  return greatest;
+}
+
 }  // namespace
 
 std::vector<GeoPosition> PositionsInTiff(const TiffFacts& facts) {
@@ -54,6 +70,25 @@ std::optional<GeoPosition> PositionBeside(const std::string& picture) {
   const auto worldFile = ReadWorldFile(*name);
   if (!worldFile) return std::nullopt;
   return GeoPosition{"worldfile", worldFile->file, worldFile->affine};
+}
+
+std::vector<GeoPosition> PositionsOf(const std::string& picture, const TiffFacts& facts) {
+  std::vector<GeoPosition> positions = PositionsInTiff(facts);
+  if (const auto beside = PositionBeside(picture)) positions.insert(positions.begin(), *beside);
+  return positions;
+}
+
+std::optional<std::string> PositionDoubt(const std::vector<GeoPosition>& positions, int width,
+                                         int height) {
+  constexpr double kAgreement = 0.1;
+  for (size_t i = 1; i < positions.size(); ++i) {
+    const double distance =
+        GreatestDistance(positions[0].affine, positions[i].affine, width, height);
+    if (!(distance <= kAgreement))
+      return fmt::format("{} and {} disagree by up to {:.3g} pixels; {} counts",
+                         positions[0].source, positions[i].source, distance, positions[0].source);
+  }
+  return std::nullopt;
 }
 
 MapPoint ToMap(const Affine& affine, double column, double row) {

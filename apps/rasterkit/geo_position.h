@@ -38,6 +38,15 @@ std::vector<GeoPosition> PositionsInTiff(const TiffFacts& facts);
 /// What the world file beside the picture says; nothing without one, or when it cannot be read.
 std::optional<GeoPosition> PositionBeside(const std::string& picture);
 
+/// Everything that places the picture: a world file beside it comes first, as it is what people
+/// change, then the tags.
+std::vector<GeoPosition> PositionsOf(const std::string& picture, const TiffFacts& facts);
+
+/// A sentence when the positions of a picture of that size disagree by more than a tenth of a pixel
+/// somewhere; the first one counts.
+std::optional<std::string> PositionDoubt(const std::vector<GeoPosition>& positions, int width,
+                                         int height);
+
 /// The map point of a column and row, which need not be whole.
 MapPoint ToMap(const Affine& affine, double column, double row);
 
