@@ -17,6 +17,7 @@
 #include "samples/draw_plan.h"
 #include "samples/draw_scene.h"
 #include "samples/exif_block.h"
+#include "samples/grid_tiff.h"
 
 namespace rasterkit::samples {
 namespace {
@@ -66,6 +67,7 @@ void MakePlans(const std::string& folder) {
   AtomicFile colored(folder + "/plan-colored.bmp");
   EncodeBmp(DrawColoredPlan(200, 150).Content(), colored, BmpProfile::omit);
   colored.Commit();
+  SaveBytes(folder + "/terrain.tif", GridTiffBytes(MakeTerrain(48, 32)));
 }
 
 }  // namespace
