@@ -11,6 +11,9 @@
 #include <rasterkit/package/start_up.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 
+#include "tests/support/plain_tiff.h"
+#include "tests/support/temp_folder.h"
+
 namespace rasterkit {
 namespace {
 
@@ -52,6 +55,18 @@ TEST(StartUpTest, Registrations_BearTheirDescriptions) {
   }
   EXPECT_EQ(jpeg, "JPeg");
   EXPECT_EQ(tiff, "Tiff Files");
+}
+
+TEST(StartUpTest, RegisteredFormats_LoadATiff) {
+  const test::TempFolder folder;
+  test::PlainTiff tiff{2, 1, {8, 8, 8}, 2};
+  tiff.rows = "\1\2\3\4\5\6";
+  TPicture picture;
+  picture.LoadFromFile(folder.Write("a.tif", test::PlainTiffBytes(tiff)));
+  const auto* bitmap = dynamic_cast<TWICBitmap*>(picture.Graphic());
+  ASSERT_NE(bitmap, nullptr);
+  EXPECT_EQ(bitmap->PixelColor(0, 0), RGB(1, 2, 3));
+  EXPECT_EQ(bitmap->PixelColor(1, 0), RGB(4, 5, 6));
 }
 
 TEST(StartUpTest, InitialisedTwice_RegistersOnceAndNeedsTwoFinalisations) {

@@ -1,5 +1,7 @@
 // TIFF files through the routines that move graphics between files, streams and classes.
 
+#include <cstring>
+
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/files/graphic_files.h>
@@ -7,7 +9,6 @@
 #include <rasterkit/bitmaptools/files/load_via_wic.h>
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
 #include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/graphics/picture_registry.h>
 #include <rasterkit/host/graphics/png_image.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 
@@ -110,15 +111,6 @@ TEST_F(TiffFiles, GraphicFromStream_Should_RemoveItsFile_When_TheTiffIsCut) {
   TMemoryStream stream({bytes.begin(), bytes.end()});
   EXPECT_EQ(GraphicFromStream(gtTif, TempDir(), &stream), nullptr);
   EXPECT_TRUE(folder_.Names().empty());
-}
-
-TEST_F(TiffFiles, Registry_Should_LoadATiff) {
-  TPicture::RegisterFileFormat("TIF", "Tiff Files", TGraphicClass::Of<TWICBitmap>());
-  TPicture picture;
-  picture.LoadFromFile(folder_.Write("a.tif", ColourTiff()));
-  TPicture::UnregisterGraphicClass(TGraphicClass::Of<TWICBitmap>());
-  ASSERT_NE(dynamic_cast<TWICBitmap*>(picture.Graphic()), nullptr);
-  EXPECT_TRUE(SamePixels(Expected(), AsBitmap(*picture.Graphic())));
 }
 
 TEST_F(TiffFiles, LoadWindowsBitmap_Should_ReadATiffUnturned) {
