@@ -18,6 +18,9 @@ namespace {
 /// they are converted.
 constexpr size_t pieceBytes = 256 << 10;
 
+/// Notes that a caller gets to read; every damaged block has its own.
+constexpr size_t mostNotes = 8;
+
 /// A block's place in the picture.
 struct Place {
   uint32_t x = 0, y = 0, width = 0, height = 0;
@@ -207,7 +210,8 @@ TiffOutcome OutcomeOf(const Job& job) {
   uint32_t emptyBlocks = 0;
   for (const auto& [position, fault] : job.faults) {
     for (const std::string& note : fault.notes) {
-      if (std::find(outcome.notes.begin(), outcome.notes.end(), note) == outcome.notes.end())
+      if (outcome.notes.size() < mostNotes &&
+          std::find(outcome.notes.begin(), outcome.notes.end(), note) == outcome.notes.end())
         outcome.notes.push_back(note);
     }
     if (fault.missingRows == 0) continue;
@@ -238,6 +242,8 @@ TiffOutcome ReadTiffBlocks(TiffHandle& handle, const TiffLayout& layout, const T
     guarded([&] {
       TiffHandle further(handle.Source());
       PrepareTiff(further);
+      // What there is to say about the directory the first handle has said.
+      further.Messages() = {};
       BlockWorker(further, job).Run();
     });
   };

@@ -5,11 +5,23 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 
 #include "tests/support/tiff_file.h"
 
 /// What the pixels of a TIFF file are worth, one by one, straight from the meaning of its tags.
 namespace rasterkit::reference {
+
+/// The tags that say what a pixel's numbers mean.
+struct TiffMeaning {
+  uint16_t bits = 8, sampleFormat = 1, photometric = 1;
+  std::vector<uint16_t> extraSamples;
+  std::vector<uint16_t> colorMap;
+};
+
+inline TiffMeaning MeaningOf(const test::TiffFile& file) {
+  return {file.bits, file.sampleFormat, file.photometric, file.extraSamples, file.colorMap};
+}
 
 inline long double HalfValue(uint16_t half) {
   const int exponent = (half >> 10) & 31, fraction = half & 1023;
@@ -32,13 +44,13 @@ inline long double TiffNumber(const test::TiffFile& file, uint32_t x, uint32_t y
   return static_cast<long double>(stored);
 }
 
-/// A sample as its share of full scale, 0 to 1.
-inline long double TiffShare(const test::TiffFile& file, uint32_t x, uint32_t y, uint32_t sample) {
-  const bool isSigned = file.sampleFormat == SAMPLEFORMAT_INT;
-  const long double full = file.sampleFormat == SAMPLEFORMAT_IEEEFP
+/// A number as its share of full scale, 0 to 1.
+inline long double TiffShare(const TiffMeaning& meaning, long double number) {
+  const bool isSigned = meaning.sampleFormat == SAMPLEFORMAT_INT;
+  const long double full = meaning.sampleFormat == SAMPLEFORMAT_IEEEFP
                                ? 1.0L
-                               : std::ldexp(1.0L, isSigned ? file.bits - 1 : file.bits) - 1;
-  return std::clamp(TiffNumber(file, x, y, sample) / full, 0.0L, 1.0L);
+                               : std::ldexp(1.0L, isSigned ? meaning.bits - 1 : meaning.bits) - 1;
+  return std::clamp(number / full, 0.0L, 1.0L);
 }
 
 inline uint8_t TiffByte(long double share) {
@@ -46,22 +58,24 @@ inline uint8_t TiffByte(long double share) {
 }
 
 /// B, G, R, A of a pixel of grey, RGB, inks or a palette; alpha 255 without an alpha sample.
-inline std::array<uint8_t, 4> TiffPixel(const test::TiffFile& file, uint32_t x, uint32_t y) {
-  const auto share = [&](uint32_t sample) { return TiffShare(file, x, y, sample); };
+/// `number` tells the value of each of its samples.
+inline std::array<uint8_t, 4> TiffPixel(const TiffMeaning& meaning,
+                                        const std::function<long double(uint32_t)>& number) {
+  const auto share = [&](uint32_t sample) { return TiffShare(meaning, number(sample)); };
   std::array<long double, 3> rgb{};
   uint32_t colors = 3;
-  switch (file.photometric) {
+  switch (meaning.photometric) {
     case PHOTOMETRIC_MINISWHITE:
     case PHOTOMETRIC_MINISBLACK: {
       const long double gray = share(0);
-      rgb.fill(file.photometric == PHOTOMETRIC_MINISWHITE ? 1 - gray : gray);
+      rgb.fill(meaning.photometric == PHOTOMETRIC_MINISWHITE ? 1 - gray : gray);
       colors = 1;
       break;
     }
     case PHOTOMETRIC_PALETTE: {
-      const auto index = static_cast<size_t>(test::StoredSample(file, x, y, 0));
+      const auto index = static_cast<size_t>(number(0));
       for (size_t i = 0; i < 3; i++)
-        rgb[i] = (file.colorMap[i * file.colorMap.size() / 3 + index] >> 8) / 255.0L;
+        rgb[i] = (meaning.colorMap[i * meaning.colorMap.size() / 3 + index] >> 8) / 255.0L;
       colors = 1;
       break;
     }
@@ -73,19 +87,24 @@ inline std::array<uint8_t, 4> TiffPixel(const test::TiffFile& file, uint32_t x, 
       for (uint32_t i = 0; i < 3; i++) rgb[i] = share(i);
   }
   long double alpha = 1;
-  for (uint32_t i = 0; i < file.extraSamples.size(); i++) {
-    if (file.extraSamples[i] == EXTRASAMPLE_UNSPECIFIED) continue;
+  for (uint32_t i = 0; i < meaning.extraSamples.size(); i++) {
+    if (meaning.extraSamples[i] == EXTRASAMPLE_UNSPECIFIED) continue;
     alpha = share(colors + i);
-    const bool isMultiplied = file.extraSamples[i] == EXTRASAMPLE_ASSOCALPHA && alpha > 0;
+    const bool isMultiplied = meaning.extraSamples[i] == EXTRASAMPLE_ASSOCALPHA && alpha > 0;
     for (uint32_t c = 0; isMultiplied && c < 3; c++) {
       // Sample over sample, so that a half stays one.
-      const long double color = TiffNumber(file, x, y, colors == 1 ? 0 : c);
-      const long double byte = std::floor(color * 255 / TiffNumber(file, x, y, colors + i) + 0.5L);
+      const long double color = number(colors == 1 ? 0 : c);
+      const long double byte = std::floor(color * 255 / number(colors + i) + 0.5L);
       rgb[c] = std::clamp(byte, 0.0L, 255.0L) / 255;
     }
     break;
   }
   return {TiffByte(rgb[2]), TiffByte(rgb[1]), TiffByte(rgb[0]), TiffByte(alpha)};
+}
+
+inline std::array<uint8_t, 4> TiffPixel(const test::TiffFile& file, uint32_t x, uint32_t y) {
+  return TiffPixel(MeaningOf(file),
+                   [&](uint32_t sample) { return TiffNumber(file, x, y, sample); });
 }
 
 }  // namespace rasterkit::reference

@@ -1,0 +1,223 @@
+// The files of the corpus as gdal_translate reads them: the same numbers, to the bit. A development
+// test, skipped where the program or the corpus is absent.
+
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <regex>
+
+#include <gtest/gtest.h>
+
+#include <rasterkit/host/codecs/tiff_decoder.h>
+#include <rasterkit/host/codecs/tiff_facts.h>
+#include <rasterkit/host/codecs/tiff_numbers.h>
+#include <rasterkit/host/runtime/errors.h>
+
+#include "tests/reference/tiff_reference.h"
+#include "tests/support/corpus.h"
+#include "tests/support/temp_folder.h"
+
+namespace rasterkit::test {
+namespace {
+
+using reference::TiffMeaning;
+
+/// Bands of numbers, one behind the other, as gdal_translate writes them.
+struct Bands {
+  int type = 0, count = 0;
+  uint32_t width = 0, height = 0;
+  std::string bytes;
+
+  long double Number(uint32_t x, uint32_t y, uint32_t band) const {
+    const size_t index = (size_t{band} * height + y) * width + x;
+    switch (type) {
+      case 1:
+        return As<uint8_t>(index);
+      case 2:
+        return As<int16_t>(index);
+      case 3:
+        return As<int32_t>(index);
+      case 4:
+        return As<float>(index);
+      case 5:
+        return As<double>(index);
+      case 12:
+        return As<uint16_t>(index);
+      case 13:
+        return As<uint32_t>(index);
+      default:
+        ADD_FAILURE() << "type " << type;
+        return 0;
+    }
+  }
+  template <typename T>
+  T As(size_t index) const {
+    T value{};
+    std::memcpy(&value, bytes.data() + index * sizeof value, sizeof value);
+    return value;
+  }
+};
+
+std::string Quoted(const std::string& text) {
+  return "'" + text + "'";
+}
+
+/// Nothing when the program refuses the file.
+std::optional<Bands> ReadByPeer(const std::string& fileName, const TempFolder& folder) {
+  TFileStream stream(fileName);
+  // Inks as they are: the peer's way to red, green and blue truncates.
+  const bool hasInks = ReadTiffFacts(stream).photometric == PHOTOMETRIC_SEPARATED;
+  const std::string raw = folder / "bands.raw";
+  const std::string command = "gdal_translate -q -of ENVI -co INTERLEAVE=BSQ " +
+                              Quoted((hasInks ? "GTIFF_RAW:" : "") + fileName) + " " + Quoted(raw) +
+                              " >/dev/null 2>&1";
+  if (std::system(command.c_str()) != 0) return std::nullopt;
+  const std::string header = ReadFile(folder / "bands.hdr");
+  const auto field = [&](const std::string& name) {
+    std::smatch match;
+    std::regex_search(header, match, std::regex(name + " *= *([0-9]+)"));
+    return match.empty() ? 0 : std::stoi(match[1]);
+  };
+  Bands bands;
+  bands.type = field("data type");
+  bands.count = field("bands");
+  bands.width = static_cast<uint32_t>(field("samples"));
+  bands.height = static_cast<uint32_t>(field("lines"));
+  bands.bytes = ReadFile(raw);
+  return bands;
+}
+
+TiffMeaning MeaningOfFile(const std::string& fileName) {
+  TFileStream stream(fileName);
+  const TiffFacts facts = ReadTiffFacts(stream);
+  TiffMeaning meaning;
+  meaning.bits = static_cast<uint16_t>(facts.bitsPerSample);
+  meaning.sampleFormat = static_cast<uint16_t>(facts.sampleFormat);
+  meaning.photometric = static_cast<uint16_t>(facts.photometric);
+  // Such files are read as RGB by everybody.
+  if (meaning.photometric == PHOTOMETRIC_YCBCR) meaning.photometric = PHOTOMETRIC_RGB;
+  TIFFOpenOptions* options = TIFFOpenOptionsAlloc();
+  const auto silence = [](TIFF*, void*, const char*, const char*, va_list) { return 1; };
+  TIFFOpenOptionsSetWarningHandlerExtR(options, silence, nullptr);
+  TIFFOpenOptionsSetErrorHandlerExtR(options, silence, nullptr);
+  TIFF* tiff = TIFFOpenExt(fileName.c_str(), "r", options);
+  TIFFOpenOptionsFree(options);
+  uint16_t count = 0;
+  uint16_t* kinds = nullptr;
+  if (tiff && TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds))
+    meaning.extraSamples.assign(kinds, kinds + count);
+  if (tiff) TIFFClose(tiff);
+  return meaning;
+}
+
+uint64_t FramePixel(const Raster& raster, uint32_t x, uint32_t y) {
+  const auto bits = static_cast<size_t>(StoredBitsPerPixel(raster.Format()));
+  const uint8_t* row = raster.Row(static_cast<int>(y));
+  if (bits < 8) return row[x * bits / 8] >> (8 - bits - x * bits % 8) & ((1u << bits) - 1);
+  uint64_t value = 0;
+  for (size_t i = bits / 8; i-- > 0;) value = value << 8 | row[x * bits / 8 + i];
+  return value;
+}
+
+uint64_t Together(const std::array<uint8_t, 4>& bgra, size_t count) {
+  uint64_t value = 0;
+  for (size_t i = count; i-- > 0;) value = value << 8 | bgra[i];
+  return value;
+}
+
+/// The frame's pixel as it follows from the peer's numbers.
+uint64_t PixelOf(const Bands& bands, const TiffMeaning& meaning, WICPixelFormat format, uint32_t x,
+                 uint32_t y) {
+  const auto number = [&](uint32_t band) { return bands.Number(x, y, band); };
+  switch (format) {
+    case GUID_WICPixelFormat24bppBGR:
+      return Together(reference::TiffPixel(meaning, number), 3);
+    case GUID_WICPixelFormat32bppBGRA:
+      return Together(reference::TiffPixel(meaning, number), 4);
+    case GUID_WICPixelFormat32bppGrayFloat:
+      return std::bit_cast<uint32_t>(bands.As<float>(size_t{y} * bands.width + x));
+    case GUID_WICPixelFormat16bppGrayFixedPoint:
+      return static_cast<uint16_t>(static_cast<int16_t>(number(0)));
+    default: {
+      const auto value = static_cast<uint64_t>(number(0));
+      const bool isInverted = meaning.photometric == PHOTOMETRIC_MINISWHITE;
+      return isInverted ? ~value & ((uint64_t{1} << meaning.bits) - 1) : value;
+    }
+  }
+}
+
+/// Kinds that the two show differently on purpose.
+const std::map<std::string, std::string>& Excused() {
+  static const std::map<std::string, std::string> table = {
+      {"tiff/serenity__cmyk-small.tif", "its colour profile is followed"},
+      {"tiff/tm__cmyk-with-non-alpha-extra-channel.tiff", "its colour profile is followed"},
+  };
+  return table;
+}
+
+bool IsStretched(const CodecReport& report) {
+  for (const std::string& warning : report.warnings)
+    if (warning.find("black to white") != std::string::npos) return true;
+  return false;
+}
+
+/// True when the file was compared to the end.
+bool ExpectAsPeer(const std::string& path, const TempFolder& folder) {
+  SCOPED_TRACE(path);
+  const std::string fileName = (CorpusFolder() / path).string();
+  ImagingFrame frame;
+  CodecReport report;
+  try {
+    TFileStream stream(fileName);
+    frame = DecodeTiff(stream, {}, &report);
+  } catch (const Error&) {
+    return false;
+  }
+  const auto bands = ReadByPeer(fileName, folder);
+  if (!bands || Excused().contains(path)) return false;
+  EXPECT_EQ(static_cast<uint32_t>(frame.rows.Width()), bands->width);
+  EXPECT_EQ(static_cast<uint32_t>(frame.rows.Height()), bands->height);
+  if (IsStretched(report) || bands->width != static_cast<uint32_t>(frame.rows.Width()))
+    return false;
+  const TiffMeaning meaning = MeaningOfFile(fileName);
+  size_t different = 0;
+  // Of large pictures some hundred thousand pixels, in ever other columns.
+  const uint32_t step = 1 + bands->width * bands->height / 200000;
+  for (uint32_t y = 0; y < bands->height; y++) {
+    for (uint32_t x = y % step; x < bands->width; x += step) {
+      const uint64_t pixel = FramePixel(frame.rows, x, y);
+      bool isSame = false;
+      if (frame.format == GUID_WICPixelFormat16bppGrayHalf) {
+        const double value = detail::HalfToDouble(static_cast<uint16_t>(pixel));
+        isSame = value == bands->Number(x, y, 0) || std::isnan(value);
+      } else {
+        isSame = pixel == PixelOf(*bands, meaning, frame.format, x, y);
+      }
+      if (!isSame && different++ == 0) {
+        ADD_FAILURE() << "x " << x << ", y " << y << ": " << std::hex << pixel << " instead of "
+                      << PixelOf(*bands, meaning, frame.format, x, y);
+      }
+    }
+  }
+  EXPECT_EQ(different, 0u) << "of " << bands->width * bands->height;
+  return true;
+}
+
+TEST(TiffPeer, Pixels_Should_BeThoseOfAnotherReader_When_FromTheCorpus) {
+  if (CorpusFolder().empty()) GTEST_SKIP() << "RASTERKIT_CORPUS names no folder";
+  if (std::system("gdal_translate --version >/dev/null 2>&1") != 0)
+    GTEST_SKIP() << "gdal_translate is not installed";
+  const TempFolder folder;
+  int compared = 0;
+  for (const CorpusEntry& entry : CorpusEntries()) {
+    const std::string& path = entry.at("path");
+    const bool isTiff = path.ends_with(".tif") || path.ends_with(".tiff");
+    if (isTiff && entry.at("expected") != "must-be-refused" && ExpectAsPeer(path, folder))
+      compared++;
+  }
+  EXPECT_GE(compared, 80);
+  std::printf("%d files compared\n", compared);
+}
+
+}  // namespace
+}  // namespace rasterkit::test
