@@ -14,12 +14,32 @@ namespace {
 /// unpacks a block several times.
 constexpr uint64_t searchedBytes = uint64_t{256} << 20;
 
+uint16_t Reversed(uint16_t word) {
+  return __builtin_bswap16(word);
+}
+uint32_t Reversed(uint32_t word) {
+  return __builtin_bswap32(word);
+}
+uint64_t Reversed(uint64_t word) {
+  return __builtin_bswap64(word);
+}
+
+/// Reverses the bytes of each word, many words at a time once compiled.
+template <typename Word>
+void ReverseWords(uint8_t* bytes, size_t count) {
+  for (size_t at = 0; at + sizeof(Word) <= count; at += sizeof(Word)) {
+    Word word;
+    std::memcpy(&word, bytes + at, sizeof word);
+    const Word reversed = Reversed(word);
+    std::memcpy(bytes + at, &reversed, sizeof word);
+  }
+}
+
 }  // namespace
 
 uint32_t TiffBlockReader::Read(uint32_t block, uint32_t first, uint32_t rows, uint8_t* target) {
   const size_t rowBytes = layout_.grid.rowBytes;
-  const uint64_t offset = TIFFGetStrileOffset(handle_.Tiff(), block);
-  const uint64_t count = TIFFGetStrileByteCount(handle_.Tiff(), block);
+  const auto [offset, count] = ExtentOf(block);
   if (offset == 0 && count == 0) {
     FillSparse(target, rows * rowBytes);
     return rows;
@@ -28,6 +48,12 @@ uint32_t TiffBlockReader::Read(uint32_t block, uint32_t first, uint32_t rows, ui
   const uint64_t skipped = uint64_t{first} * rowBytes;
   if (count <= skipped) return 0;
   return ReadPlain(offset + skipped, count - skipped, rows, target);
+}
+
+TiffExtent TiffBlockReader::ExtentOf(uint32_t block) const {
+  if (!layout_.joinedStrips.empty()) return layout_.joinedStrips[block];
+  return {TIFFGetStrileOffset(handle_.Tiff(), block),
+          TIFFGetStrileByteCount(handle_.Tiff(), block)};
 }
 
 uint32_t TiffBlockReader::ReadPlain(uint64_t offset, uint64_t count, uint32_t rows,
@@ -45,16 +71,15 @@ void TiffBlockReader::ToProcessorOrder(uint8_t* bytes, size_t count) const {
   if (handle_.Field<uint16_t>(TIFFTAG_FILLORDER, FILLORDER_MSB2LSB) == FILLORDER_LSB2MSB)
     TIFFReverseBits(bytes, static_cast<tmsize_t>(count));
   if (!TIFFIsByteSwapped(handle_.Tiff())) return;
-  const auto samples = static_cast<tmsize_t>(count / std::max<size_t>(1, layout_.bits / 8));
   switch (layout_.bits) {
     case 16:
-      return TIFFSwabArrayOfShort(reinterpret_cast<uint16_t*>(bytes), samples);
+      return ReverseWords<uint16_t>(bytes, count);
     case 24:
-      return TIFFSwabArrayOfTriples(bytes, samples);
+      return TIFFSwabArrayOfTriples(bytes, static_cast<tmsize_t>(count / 3));
     case 32:
-      return TIFFSwabArrayOfLong(reinterpret_cast<uint32_t*>(bytes), samples);
+      return ReverseWords<uint32_t>(bytes, count);
     case 64:
-      return TIFFSwabArrayOfLong8(reinterpret_cast<uint64_t*>(bytes), samples);
+      return ReverseWords<uint64_t>(bytes, count);
     default:
       return;
   }

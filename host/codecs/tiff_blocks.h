@@ -41,6 +41,7 @@ class TiffBlockReader {
   std::vector<std::string> TakeErrors() { return std::move(errors_); }
 
  private:
+  TiffExtent ExtentOf(uint32_t block) const;
   uint32_t ReadPlain(uint64_t offset, uint64_t count, uint32_t rows, uint8_t* target);
   uint32_t ReadPacked(uint32_t block, uint64_t offset, uint64_t count, uint32_t rows,
                       uint8_t* target);

@@ -115,6 +115,7 @@ class FrameReader {
     layout_ = ReadTiffLayout(handle);
     RequirePlausibleSize(handle, layout_);
     KeepWarnings(handle);
+    if (layout_.isComplex) Warn("of complex numbers only the real parts are shown");
     ImagingFrame frame;
     frame.format = layout_.format;
     frame.isConverted = layout_.isConverted;

@@ -46,6 +46,7 @@ class LayoutReader {
     }
     ChoosePlanes();
     ReadGrid();
+    JoinStrips();
     return layout_;
   }
 
@@ -65,6 +66,7 @@ class LayoutReader {
   void ChooseInkRows();
   void ChoosePlanes();
   void ReadGrid();
+  void JoinStrips();
 
   bool IsYcbcr() const { return layout_.photometric == PHOTOMETRIC_YCBCR; }
   /// One sample a pixel lies in each row that is read.
@@ -121,6 +123,7 @@ void LayoutReader::ReadSamples() {
   if (isComplex && layout_.bits % 2 == 0) {
     // The real parts are what can be shown; imaginary ones lie between them.
     if (isPlanar_) throw UnsupportedError("TIFF: complex numbers in planes are not read");
+    layout_.isComplex = true;
     layout_.bits /= 2;
     samples_ *= 2;
   }
@@ -284,6 +287,33 @@ void LayoutReader::ReadGrid() {
   if (rowBytes != expected || rowBytes > SIZE_MAX / 2)
     throw FormatError("TIFF: the rows are not as long as the picture is wide");
   grid.rowBytes = static_cast<size_t>(rowBytes);
+}
+
+/// Many programs write a strip for every row; the file is read in larger pieces all the same.
+void LayoutReader::JoinStrips() {
+  TiffBlockGrid& grid = layout_.grid;
+  if (grid.isTiled || grid.down == 1 || layout_.compression != COMPRESSION_NONE ||
+      layout_.rows == TiffRowKind::library)
+    return;
+  TIFF* tiff = handle_.Tiff();
+  std::vector<TiffExtent> planes;
+  const uint32_t count = TIFFNumberOfStrips(tiff);
+  for (uint32_t strip = 0; strip < count; strip++) {
+    const uint32_t y = strip % grid.down * grid.height;
+    const uint64_t rows = std::min(grid.height, layout_.height - y);
+    const TiffExtent extent{TIFFGetStrileOffset(tiff, strip), TIFFGetStrileByteCount(tiff, strip)};
+    if (extent.offset == 0 || extent.count != rows * grid.rowBytes) return;
+    if (y == 0) {
+      planes.push_back(extent);
+    } else if (extent.offset == planes.back().offset + planes.back().count) {
+      planes.back().count += extent.count;
+    } else {
+      return;
+    }
+  }
+  layout_.joinedStrips = std::move(planes);
+  grid.down = 1;
+  grid.height = layout_.height;
 }
 
 }  // namespace

@@ -47,12 +47,18 @@ struct TiffBlockGrid {
   uint32_t PerPlane() const { return across * down; }
 };
 
+/// Where bytes lie in the file.
+struct TiffExtent {
+  uint64_t offset = 0, count = 0;
+};
+
 /// What the first directory says about its pixels, checked: sizes are not zero and fit together.
 struct TiffLayout {
   uint32_t width = 0, height = 0;
   /// Of a sample, or of each part of a complex one.
   int bits = 1;
   TiffNumber number = TiffNumber::unsignedInteger;
+  bool isComplex = false;
   int compression = 1, photometric = 0;
   /// Samples of a pixel that carry its colour, the first ones: 1, 3 or 4.
   int channels = 1;
@@ -68,6 +74,9 @@ struct TiffLayout {
   /// The planes that are read; a single 0 where samples lie together.
   std::vector<uint16_t> planes;
   TiffBlockGrid grid;
+  /// Where the rows of each of the file's planes lie when its strips are not packed and follow each
+  /// other without a gap; the grid then has one block a plane.
+  std::vector<TiffExtent> joinedStrips;
   TiffRowKind rows = TiffRowKind::same;
   WICPixelFormat format = GUID_WICPixelFormat24bppBGR;
   bool isConverted = false;

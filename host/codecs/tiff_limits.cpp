@@ -13,7 +13,9 @@ namespace rasterkit::detail {
 namespace {
 
 /// Below this many bytes a picture may be as empty as it likes: sparse grids and blank pages are.
-constexpr uint64_t alwaysAllowed = uint64_t{256} << 20;
+uint64_t AlwaysAllowed() {
+  return std::min(PictureMemoryLimit(), uint64_t{256} << 20);
+}
 
 uint64_t Times(uint64_t a, uint64_t b) {
   return a != 0 && b > std::numeric_limits<uint64_t>::max() / a
@@ -56,6 +58,9 @@ uint64_t LargestRatio(const TiffLayout& layout) {
 uint64_t PackedBytes(TiffHandle& handle, const TiffLayout& layout) {
   const uint64_t size = handle.Source().Size();
   uint64_t sum = 0;
+  for (const TiffExtent& extent : layout.joinedStrips)
+    sum += extent.offset < size ? std::min(extent.count, size - extent.offset) : 0;
+  if (!layout.joinedStrips.empty()) return std::min(sum, size);
   for (const uint16_t plane : layout.planes) {
     for (uint32_t i = 0; i < layout.grid.PerPlane() && sum < size; i++) {
       const uint32_t block = plane * layout.grid.PerPlane() + i;
@@ -91,7 +96,7 @@ void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout) {
     decoded = std::max(decoded, Times(block, grid.PerPlane()));
   }
   RequirePictureMemory(need, what);
-  if (decoded <= alwaysAllowed) return;
+  if (decoded <= AlwaysAllowed()) return;
   if (Times(PackedBytes(handle, layout), LargestRatio(layout)) < decoded)
     throw FormatError(what + ": the file is far too small to hold it");
 }

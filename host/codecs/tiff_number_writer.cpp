@@ -18,24 +18,24 @@ double Clamp(double share) {
   return share > 0 ? std::min(share, 1.0) : 0.0;
 }
 
-/// Unpacks all samples of a row to doubles, those of a pixel together, for what a kind of pixels
-/// makes of them.
+/// Unpacks the samples of a row that matter to doubles, the colours of a pixel first and alpha
+/// behind them, for what a kind of pixels makes of them.
 class NumberWriter : public TiffRowWriter {
  public:
   explicit NumberWriter(const TiffLayout& layout)
-      : layout_(layout), pitch_(static_cast<size_t>(layout.pitch)) {}
+      : layout_(layout), pitch_(static_cast<size_t>(layout.channels + (layout.alphaAt ? 1 : 0))) {}
 
   void Write(const uint8_t* const* planes, size_t width, uint8_t* target) override {
-    const size_t count = layout_.planes.size();
     numbers_.resize(width * pitch_);
-    if (count == 1) {
-      UnpackNumbers(planes[0], layout_.bits, layout_.number, width * pitch_, numbers_.data());
-    } else {
-      plane_.resize(width);
-      for (size_t i = 0; i < count; i++) {
-        UnpackNumbers(planes[i], layout_.bits, layout_.number, width, plane_.data());
-        for (size_t x = 0; x < width; x++) numbers_[x * pitch_ + i] = plane_[x];
+    const bool isPlanar = layout_.planes.size() > 1;
+    for (size_t i = 0; i < pitch_; i++) {
+      TiffSampleRange range{0, 1, width};
+      if (!isPlanar) {
+        range.step = static_cast<size_t>(layout_.pitch);
+        range.first = i < Channels() ? i : static_cast<size_t>(*layout_.alphaAt);
       }
+      UnpackNumbers(planes[isPlanar ? i : 0], layout_.bits, layout_.number, range,
+                    numbers_.data() + i, pitch_);
     }
     WritePixels(numbers_.data(), width, target);
   }
@@ -43,11 +43,13 @@ class NumberWriter : public TiffRowWriter {
  protected:
   virtual void WritePixels(const double* pixels, size_t width, uint8_t* target) = 0;
 
+  size_t Channels() const { return static_cast<size_t>(layout_.channels); }
+  /// Numbers of one pixel.
   size_t Pitch() const { return pitch_; }
   const TiffLayout& Layout() const { return layout_; }
   double Share(double number) const { return Clamp(number / full_); }
   double Alpha(const double* pixel) const {
-    return layout_.alphaAt ? Share(pixel[*layout_.alphaAt]) : 1.0;
+    return layout_.alphaAt ? Share(pixel[Channels()]) : 1.0;
   }
   /// A share of light as a byte, without the alpha that it may be multiplied by.
   uint8_t Byte(double share, double alpha) const {
@@ -59,7 +61,7 @@ class NumberWriter : public TiffRowWriter {
   const TiffLayout layout_;
   const size_t pitch_;
   const double full_ = FullScale(layout_.bits, layout_.number);
-  std::vector<double> numbers_, plane_;
+  std::vector<double> numbers_;
 };
 
 class ScaledRows : public NumberWriter {

@@ -1,3 +1,4 @@
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -8,21 +9,26 @@ namespace rasterkit::detail {
 
 namespace {
 
-template <typename T>
-void UnpackWhole(const uint8_t* row, size_t count, double* numbers) {
-  for (size_t i = 0; i < count; i++) {
-    T value;
-    std::memcpy(&value, row + i * sizeof value, sizeof value);
-    numbers[i] = static_cast<double>(value);
-  }
+/// Goes through the samples of a range that are whole bytes.
+template <typename Read>
+void ForEachSample(const uint8_t* row, size_t bytes, const TiffSampleRange& range, double* numbers,
+                   size_t targetStep, const Read& read) {
+  const uint8_t* sample = row + range.first * bytes;
+  for (size_t i = 0; i < range.count; i++, sample += range.step * bytes, numbers += targetStep)
+    *numbers = read(sample);
 }
 
-void UnpackHalves(const uint8_t* row, size_t count, double* numbers) {
-  for (size_t i = 0; i < count; i++) {
-    uint16_t half;
-    std::memcpy(&half, row + 2 * i, sizeof half);
-    numbers[i] = HalfToDouble(half);
-  }
+template <typename T>
+double Whole(const uint8_t* sample) {
+  T value;
+  std::memcpy(&value, sample, sizeof value);
+  return static_cast<double>(value);
+}
+
+double Half(const uint8_t* sample) {
+  uint16_t half;
+  std::memcpy(&half, sample, sizeof half);
+  return HalfToDouble(half);
 }
 
 /// Two's complement of `bits` bits.
@@ -31,26 +37,19 @@ double Signed(uint32_t value, int bits) {
   return static_cast<int32_t>(value << unused) >> unused;
 }
 
-void Unpack24(const uint8_t* row, TiffNumber number, size_t count, double* numbers) {
-  const uint16_t probe = 1;
-  uint8_t lowFirst = 0;
-  std::memcpy(&lowFirst, &probe, 1);
-  for (size_t i = 0; i < count; i++, row += 3) {
-    const uint32_t value = uint32_t{row[1]} << 8 | uint32_t{row[lowFirst ? 0 : 2]} |
-                           uint32_t{row[lowFirst ? 2 : 0]} << 16;
-    numbers[i] = number == TiffNumber::signedInteger ? Signed(value, 24) : value;
-  }
+uint32_t Whole24(const uint8_t* sample) {
+  constexpr bool isLowFirst = std::endian::native == std::endian::little;
+  return uint32_t{sample[1]} << 8 | uint32_t{sample[isLowFirst ? 0 : 2]} |
+         uint32_t{sample[isLowFirst ? 2 : 0]} << 16;
 }
 
-void UnpackBits(const uint8_t* row, int bits, TiffNumber number, size_t count, double* numbers) {
-  uint64_t pending = 0;
-  int pendingBits = 0;
-  for (size_t i = 0; i < count; i++) {
-    for (; pendingBits < bits; pendingBits += 8) pending = pending << 8 | *row++;
-    pendingBits -= bits;
-    const auto value = static_cast<uint32_t>(pending >> pendingBits & ((uint64_t{1} << bits) - 1));
-    numbers[i] = number == TiffNumber::signedInteger ? Signed(value, bits) : value;
-  }
+/// `bits` bits from a bit of the row on, the high one first.
+uint32_t BitsAt(const uint8_t* row, size_t bit, int bits) {
+  uint64_t value = 0;
+  const size_t end = bit + static_cast<size_t>(bits);
+  for (size_t byte = bit / 8; byte * 8 < end; byte++) value = value << 8 | row[byte];
+  value >>= (8 - end % 8) % 8;
+  return static_cast<uint32_t>(value & ((uint64_t{1} << bits) - 1));
 }
 
 }  // namespace
@@ -70,30 +69,34 @@ double HalfToDouble(uint16_t half) {
   return half & 0x8000 ? -value : value;
 }
 
-void UnpackNumbers(const uint8_t* row, int bits, TiffNumber number, size_t count, double* numbers) {
+void UnpackNumbers(const uint8_t* row, int bits, TiffNumber number, const TiffSampleRange& range,
+                   double* numbers, size_t targetStep) {
   const bool isSigned = number == TiffNumber::signedInteger;
+  const auto unpack = [&](size_t bytes, const auto& read) {
+    ForEachSample(row, bytes, range, numbers, targetStep, read);
+  };
   if (number == TiffNumber::floating) {
-    if (bits == 16) return UnpackHalves(row, count, numbers);
-    if (bits == 32) return UnpackWhole<float>(row, count, numbers);
-    return UnpackWhole<double>(row, count, numbers);
+    if (bits == 16) return unpack(2, Half);
+    if (bits == 32) return unpack(4, Whole<float>);
+    return unpack(8, Whole<double>);
   }
   switch (bits) {
     case 8:
-      return isSigned ? UnpackWhole<int8_t>(row, count, numbers)
-                      : UnpackWhole<uint8_t>(row, count, numbers);
+      return isSigned ? unpack(1, Whole<int8_t>) : unpack(1, Whole<uint8_t>);
     case 16:
-      return isSigned ? UnpackWhole<int16_t>(row, count, numbers)
-                      : UnpackWhole<uint16_t>(row, count, numbers);
-    case 24:
-      return Unpack24(row, number, count, numbers);
+      return isSigned ? unpack(2, Whole<int16_t>) : unpack(2, Whole<uint16_t>);
     case 32:
-      return isSigned ? UnpackWhole<int32_t>(row, count, numbers)
-                      : UnpackWhole<uint32_t>(row, count, numbers);
+      return isSigned ? unpack(4, Whole<int32_t>) : unpack(4, Whole<uint32_t>);
     case 64:
-      return isSigned ? UnpackWhole<int64_t>(row, count, numbers)
-                      : UnpackWhole<uint64_t>(row, count, numbers);
+      return isSigned ? unpack(8, Whole<int64_t>) : unpack(8, Whole<uint64_t>);
     default:
-      return UnpackBits(row, bits, number, count, numbers);
+      break;
+  }
+  for (size_t i = 0; i < range.count; i++, numbers += targetStep) {
+    const size_t sample = range.first + i * range.step;
+    const uint32_t value = bits == 24 ? Whole24(row + sample * 3)
+                                      : BitsAt(row, sample * static_cast<size_t>(bits), bits);
+    *numbers = isSigned ? Signed(value, bits) : value;
   }
 }
 
