@@ -2,6 +2,7 @@
 #include <set>
 #include <sstream>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <tiffio.h>
 
@@ -137,9 +138,8 @@ void ExpectFacts(const CorpusEntry& entry) {
   EXPECT_EQ(std::to_string(facts.width), entry.at("width"));
   EXPECT_EQ(std::to_string(facts.height), entry.at("height"));
   // Some tools do not count samples beyond the colours.
-  if (entry.at("bits").ends_with("x" + std::to_string(facts.samples))) {
-    EXPECT_EQ(std::to_string(facts.bitsPerSample) + "x" + std::to_string(facts.samples),
-              entry.at("bits"));
+  if (entry.at("bits").ends_with(fmt::format("x{}", facts.samples))) {
+    EXPECT_EQ(fmt::format("{}x{}", facts.bitsPerSample, facts.samples), entry.at("bits"));
   }
   if (!entry.at("orientation").empty()) {
     EXPECT_EQ(std::to_string(facts.orientation.value_or(1)), entry.at("orientation"));

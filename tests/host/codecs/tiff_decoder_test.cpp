@@ -146,6 +146,30 @@ TEST(TiffDecoder, Profile_Should_ComeAlong_When_ItFitsThePixels) {
   EXPECT_FALSE(kept(Picture(PHOTOMETRIC_SEPARATED, 4, 8)));
 }
 
+TEST(TiffDecoder, Inks_Should_GoThroughTheirProfile_When_ThereIsOne) {
+  TiffFile file = Picture(PHOTOMETRIC_SEPARATED, 4, 8, 3, 1);
+  file.pixels = {0, 0, 0, 0, 255, 255, 255, 255, 0, 0, 0, 255};
+  const auto decode = [&](const ColorProfile& profile, CodecReport* report) {
+    file.setTags = [=](TIFF* tiff) {
+      TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<uint32_t>(profile->size()),
+                   profile->data());
+    };
+    const ImagingFrame frame = Decode(file.Bytes(), report);
+    EXPECT_EQ(frame.rows.profile, nullptr);
+    return std::vector<uint8_t>(frame.rows.Row(0), frame.rows.Row(0) + 12);
+  };
+  CodecReport report;
+  const std::vector<uint8_t> managed = decode(InkProfile(), &report);
+  EXPECT_THAT(report.warnings, testing::IsEmpty());
+  // Paper without ink stays white, whatever a profile makes of it; those inks are as dark as L* 50.
+  for (const size_t i : {0, 1, 2}) EXPECT_EQ(managed[i], 255) << i;
+  for (const size_t i : {4, 5, 6, 8, 9, 10}) EXPECT_NEAR(managed[i], 119, 2) << i;
+  EXPECT_EQ(managed[7], 255);
+  const std::vector<uint8_t> plain = {255, 255, 255, 255, 0, 0, 0, 255, 0, 0, 0, 255};
+  EXPECT_EQ(decode(RgbProfile(), &report), plain);
+  EXPECT_THAT(report.warnings, testing::ElementsAre(testing::HasSubstr("is left out")));
+}
+
 TEST(TiffDecoder, AlphaMark_Should_BeDefined_When_TheFileHasAlpha) {
   TiffFile file = Picture(PHOTOMETRIC_RGB, 4, 8);
   file.extraSamples = {EXTRASAMPLE_UNASSALPHA};

@@ -309,6 +309,34 @@ TEST(TiffHostile, UnknownKinds_Should_BeNamed) {
   EXPECT_THAT(ErrorOf(strips(raw)), HasSubstr("kind 32803"));
 }
 
+TEST(TiffHostile, SamplesThatDoNotCount_Should_CostLittle_When_ThereAreThousands) {
+  // 31,232 samples a pixel, of which the first is shown; every strip is left out.
+  RawTiff file = RawTiff::Of(19, 1792, 2, COMPRESSION_ADOBE_DEFLATE);
+  file.Entry(TIFFTAG_SAMPLESPERPIXEL, 3, 1, 31232);
+  file.Long(TIFFTAG_STRIPOFFSETS, 0).Long(TIFFTAG_STRIPBYTECOUNTS, 0);
+  const ImagingFrame frame = Decode(file.Bytes(64));
+  EXPECT_EQ(frame.format, GUID_WICPixelFormat32bppBGRA);
+  EXPECT_EQ(frame.rows.Row(1791)[72], 0);
+}
+
+TEST(TiffHostile, RealParts_Should_BeShown_When_NumbersAreComplex) {
+  RawTiff file = RawTiff::Of(2, 1, 32, COMPRESSION_NONE);
+  file.Entry(TIFFTAG_SAMPLEFORMAT, 3, 1, SAMPLEFORMAT_COMPLEXINT);
+  const auto at = static_cast<uint32_t>(file.Bytes().size() + 24);
+  file.Long(TIFFTAG_STRIPOFFSETS, at).Long(TIFFTAG_STRIPBYTECOUNTS, 8);
+  std::vector<uint8_t> bytes = file.Bytes(8);
+  const uint8_t pixels[8] = {1, 0, 2, 0, 0xFE, 0xFF, 3, 0};
+  std::copy(pixels, pixels + 8, bytes.begin() + at);
+  CodecReport report;
+  const ImagingFrame frame = Decode(bytes, &report);
+  ASSERT_EQ(frame.format, GUID_WICPixelFormat16bppGrayFixedPoint);
+  int16_t words[2];
+  std::memcpy(words, frame.rows.Row(0), 4);
+  EXPECT_EQ(words[0], 1);
+  EXPECT_EQ(words[1], -2);
+  EXPECT_THAT(report.warnings, testing::Contains(HasSubstr("real parts")));
+}
+
 /// A stream that fails while pixels are read.
 class FailingStream : public TSpanStream {
  public:
