@@ -1,7 +1,7 @@
 #include <utility>
 
-#include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/tifftobmp/frame_reader.h>
+#include <rasterkit/tifftobmp/geotiff_writer.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 
 namespace rasterkit {
@@ -12,7 +12,8 @@ void TWICBitmap::LoadFromFile(const std::string& fileName) {
 }
 
 void TWICBitmap::SaveToFile(const std::string& fileName) {
-  throw UnsupportedError("TIFF files cannot be written by this version", fileName);
+  WriteBitmapToTiff(*this, fileName, false, 0, 0, 0, 0);
+  modified_ = false;
 }
 
 }  // namespace rasterkit

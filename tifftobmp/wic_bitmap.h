@@ -21,7 +21,7 @@ class RASTERKIT_EXPORT TWICBitmap : public TBitmap {
   /// "Invalid image" when no codec knows the bytes; every error names the file, and the bitmap is
   /// then unchanged.
   void LoadFromFile(const std::string& fileName) override;
-  /// Throws UnsupportedError: this version has no TIFF encoder. A file of that name stays as it is.
+  /// Writes a TIFF file without geo tags, atomically; see WriteBitmapToTiff.
   void SaveToFile(const std::string& fileName) override;
 };
 

@@ -23,7 +23,8 @@ struct TiffGeoTags {
 struct TiffWriteOptions {
   TiffCompression compression = TiffCompression::standard;
   std::optional<TiffGeoTags> geo;
-  /// Rows of 32-bit rasters hold R G B A instead of B G R A.
+  /// Rows of 32-bit rasters hold R G B A instead of B G R A, and alpha is written whatever the
+  /// raster says of it. Without effect on other rasters.
   bool exchangeRedBlue = false;
   /// Threads that compress strips, 1 to 64. The bytes do not depend on it.
   int threads = 1;

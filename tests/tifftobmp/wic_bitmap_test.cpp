@@ -140,9 +140,22 @@ TEST_F(WicBitmap, FailedLoad_Should_LeaveTheBitmap) {
   }
 }
 
-TEST_F(WicBitmap, Save_Should_BeRefused_And_LeaveTheFile) {
+TEST_F(WicBitmap, Save_Should_WriteATiff_And_CountAsUnmodified) {
+  const TBitmap expected = GradientBitmap(pf24bit, 13, 7);
+  bitmap_.Assign(&expected);
+  bitmap_.SetModified(true);
+  bitmap_.SaveToFile(folder_ / "a.tif");
+  EXPECT_FALSE(bitmap_.Modified());
+  TWICBitmap loaded;
+  loaded.LoadFromFile(folder_ / "a.tif");
+  EXPECT_TRUE(SamePixels(expected, loaded));
+}
+
+TEST_F(WicBitmap, FailedSave_Should_LeaveTheFile) {
   const std::string name = folder_.Write("a.tif", "precious");
-  EXPECT_THROW(bitmap_.SaveToFile(name), UnsupportedError);
+  bitmap_.SetModified(true);
+  EXPECT_THROW(bitmap_.SaveToFile(name), FormatError) << "a bitmap without pixels";
+  EXPECT_TRUE(bitmap_.Modified());
   EXPECT_EQ(test::ReadFile(name), "precious");
 }
 

@@ -45,12 +45,6 @@ class TiffSaving : public testing::Test {
  protected:
   void SetUp() override {
     HostPorts().minuteOfDay = [] { return 7; };
-    try {
-      PictureAs<TWICBitmap>()->SaveToFile(folder_ / "probe.tif");
-      std::filesystem::remove(folder_ / "probe.tif");
-    } catch (const UnsupportedError&) {
-      GTEST_SKIP() << "TIFF files cannot be written by this version";
-    }
   }
   void TearDown() override { HostPorts().minuteOfDay = nullptr; }
 
@@ -201,7 +195,8 @@ TEST_F(TiffSaving, SaveWindowsBitmap_Should_GiveATiffTheDepthOfTheBits) {
                                      {8, pf8bit},
                                      {15, pf24bit},
                                      {24, pf24bit},
-                                     {32, pf32bit}}) {
+                                     // Without an alpha channel nothing is left of the fourth byte.
+                                     {32, pf24bit}}) {
     SaveWindowsBitmap(bitmap, bits, 0, folder_ / "a.tif");
     TWICBitmap loaded;
     loaded.LoadFromFile(folder_ / "a.tif");
