@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include <rasterkit/host/graphics/jpeg_image.h>
 #include <rasterkit/host/runtime/export.h>
 #include <rasterkit/host/runtime/stream.h>
 #include <rasterkit/jpegexif/byte_order.h>
@@ -98,6 +99,33 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
   /// length bytes, the EXIF comment, the printable bytes of the IPTC section, and the other
   /// segments as they are. A byte string.
   std::string GetComment() const;
+
+  /// Writes the start marker and the kept sections in a fixed order: EXIF (without one the APP0
+  /// section, without that one too a JFIF header of 300 dots per inch), IPTC, comment, others.
+  /// A photo with EXIF data so loses its APP0 section. Returns the bytes written behind the start
+  /// marker. Errors of the stream pass to the caller.
+  int32_t SaveExif(TStream& stream) const;
+  /// Writes the picture with the metadata of this object, in place of what its encoder wrote about
+  /// it. The file comes into being whole or not at all. Throws FormatError for an empty picture,
+  /// FileError when the file cannot be written.
+  void WriteExifJpeg(TJPEGImage& image, const std::string& FileName) const;
+  /// The same from one stream onto another: `jpegStream` holds a JPEG file from its beginning on
+  /// (which is not checked) and can be positioned. With `OhneH` (without header) the target gets
+  /// neither start marker nor metadata, only what follows them: the caller has written its own.
+  void WriteImageToStream(TStream& jpegStream, TStream& target, bool OhneH) const;
+
+  /// The bytes of the JPEG thumbnail as the section was read, empty when there is none. Only
+  /// thumbnails that begin with a quantization or a Huffman table are found. One byte behind the
+  /// end marker comes along; without an end marker everything to the section's end does.
+  std::string ExtractThumbnailBuffer() const;
+  /// The thumbnail as a picture. Null when there is none, or its directory does not call it a JPEG
+  /// (`ThumbType` 6); the tag tables do not admit the tag that says so, so that a photo just read
+  /// gives null. Throws FormatError when the bytes are damaged.
+  std::unique_ptr<TJPEGImage> ExtractThumbnailJPeg() const;
+  /// Cuts the EXIF section 14 bytes before the thumbnail's directory; the link to it stays in the
+  /// main directory. Nothing happens without a thumbnail. `ExifBuff` and `ExifData` keep what was
+  /// read.
+  void RemoveThumbnail();
 
   /// Decodes `ExifSegment` from `ExifBuff`; needs both and `ExifData`.
   void ProcessExif();
