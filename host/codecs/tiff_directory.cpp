@@ -68,7 +68,8 @@ TiffDirectory::TiffDirectory(TStream& stream)
     : stream_(stream), start_(stream.Position()), size_(stream.Size() - start_) {
   ReadHeader();
   const auto place = LocateDirectory(first_);
-  if (!place || place->entries == 0) throw FormatError("TIFF: the first directory cannot be read");
+  if (first_ == 0 || !place || place->entries == 0)
+    throw FormatError("TIFF: the first directory cannot be read");
   ReadEntries(*place);
 }
 

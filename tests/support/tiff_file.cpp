@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 namespace rasterkit::test {
 
@@ -69,7 +70,17 @@ void SetTags(TIFF* tiff, const TiffFile& file) {
   if (file.setTags) file.setTags(tiff);
 }
 
+bool WritePackedStrips(TIFF* tiff, const TiffFile& file) {
+  uint32_t strip = 0;
+  for (std::vector<uint8_t> bytes : file.packedStrips) {
+    if (TIFFWriteRawStrip(tiff, strip++, bytes.data(), static_cast<tmsize_t>(bytes.size())) < 0)
+      return false;
+  }
+  return true;
+}
+
 bool WriteStrips(TIFF* tiff, const TiffFile& file) {
+  if (!file.packedStrips.empty()) return WritePackedStrips(tiff, file);
   const uint32_t rows = file.rowsPerStrip ? file.rowsPerStrip : file.height;
   uint32_t strip = 0;
   for (size_t plane = 0; plane < file.Planes(); plane++) {
@@ -107,23 +118,78 @@ bool WriteTiles(TIFF* tiff, const TiffFile& file) {
   return true;
 }
 
-}  // namespace
+struct Close {
+  void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+using Handle = std::unique_ptr<TIFF, Close>;
 
-std::vector<uint8_t> TiffFile::Bytes() const {
-  Memory memory;
+/// The memory must outlive the handle; nothing when libtiff would not.
+Handle Open(Memory& memory, const std::string& mode) {
   const auto silence = [](TIFF*, void*, const char*, const char*, va_list) { return 1; };
   TIFFOpenOptions* options = TIFFOpenOptionsAlloc();
   TIFFOpenOptionsSetWarningHandlerExtR(options, silence, nullptr);
   TIFFOpenOptionsSetErrorHandlerExtR(options, silence, nullptr);
-  TIFF* tiff =
-      TIFFClientOpenExt("test", mode.c_str(), &memory, Memory::Read, Memory::Write, Memory::Seek,
-                        Memory::Close, Memory::Size, nullptr, nullptr, options);
+  Handle tiff(TIFFClientOpenExt("test", mode.c_str(), &memory, Memory::Read, Memory::Write,
+                                Memory::Seek, Memory::Close, Memory::Size, nullptr, nullptr,
+                                options));
   TIFFOpenOptionsFree(options);
+  return tiff;
+}
+
+}  // namespace
+
+std::vector<uint8_t> TiffFile::Bytes() const {
+  Memory memory;
+  Handle tiff = Open(memory, mode);
   if (!tiff) return {};
-  SetTags(tiff, *this);
-  const bool isWritten = tileWidth != 0 ? WriteTiles(tiff, *this) : WriteStrips(tiff, *this);
-  TIFFClose(tiff);
+  SetTags(tiff.get(), *this);
+  const bool isWritten =
+      tileWidth != 0 ? WriteTiles(tiff.get(), *this) : WriteStrips(tiff.get(), *this);
+  tiff.reset();
   return isWritten ? memory.bytes : std::vector<uint8_t>();
+}
+
+std::vector<std::vector<uint8_t>> PackedStrips(const std::vector<uint8_t>& bytes) {
+  Memory memory{bytes};
+  const Handle tiff = Open(memory, "rm");
+  std::vector<std::vector<uint8_t>> strips;
+  for (uint32_t i = 0; tiff && i < TIFFNumberOfStrips(tiff.get()); i++) {
+    std::vector<uint8_t> strip(TIFFGetStrileByteCount(tiff.get(), i));
+    TIFFReadRawStrip(tiff.get(), i, strip.data(), static_cast<tmsize_t>(strip.size()));
+    strips.push_back(std::move(strip));
+  }
+  return strips;
+}
+
+std::vector<uint8_t> SamplesByLibrary(const TiffFile& file, const std::vector<uint8_t>& bytes) {
+  Memory memory{bytes};
+  const Handle handle = Open(memory, "rm");
+  TIFF* tiff = handle.get();
+  if (!tiff) return {};
+  if (file.photometric == PHOTOMETRIC_YCBCR)
+    TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+  std::vector<uint8_t> samples(file.PixelBytes());
+  const bool isTiled = file.tileWidth != 0;
+  const uint32_t height = isTiled ? file.tileHeight : file.rowsPerStrip;
+  const uint32_t width = isTiled ? file.tileWidth : file.width;
+  const size_t pixelBytes = size_t{file.bits} / 8 * (file.isPlanar ? 1u : file.samples);
+  std::vector<uint8_t> block(pixelBytes * width * height);
+  uint32_t index = 0;
+  for (size_t plane = 0; plane < file.Planes(); plane++) {
+    for (uint32_t y = 0; y < file.height; y += height) {
+      for (uint32_t x = 0; x < file.width; x += width, index++) {
+        const tmsize_t there = isTiled ? TIFFReadEncodedTile(tiff, index, block.data(), -1)
+                                       : TIFFReadEncodedStrip(tiff, index, block.data(), -1);
+        if (there < 0) return {};
+        const size_t count = std::min(width, file.width - x) * pixelBytes;
+        for (uint32_t i = 0; i < height && y + i < file.height; i++)
+          std::memcpy(
+              samples.data() + (plane * file.height + y + i) * file.RowBytes() + x * pixelBytes,
+              block.data() + i * width * pixelBytes, count);
+      }
+    }
+  }
+  return samples;
 }
 
 std::vector<uint8_t> RandomSamples(const TiffFile& file, std::mt19937& random) {

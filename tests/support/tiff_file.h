@@ -33,6 +33,8 @@ struct TiffFile {
   /// Rows of all samples together, or those of one plane behind those of the other; whole bytes a
   /// row, words in the processor's order.
   std::vector<uint8_t> pixels;
+  /// Strips as they go to the file, instead of the pixels.
+  std::vector<std::vector<uint8_t>> packedStrips;
 
   size_t RowBytes() const { return (size_t{width} * (isPlanar ? 1u : samples) * bits + 7) / 8; }
   size_t Planes() const { return isPlanar ? samples : 1; }
@@ -41,6 +43,13 @@ struct TiffFile {
   /// The file as libtiff writes it; empty when it would not.
   std::vector<uint8_t> Bytes() const;
 };
+
+/// Strips as they lie in a file of one plane that libtiff can read.
+std::vector<std::vector<uint8_t>> PackedStrips(const std::vector<uint8_t>& bytes);
+
+/// The samples as libtiff alone unpacks them, arranged as `TiffFile::pixels`; those of JPEG colours
+/// as RGB. `file` says how they lie.
+std::vector<uint8_t> SamplesByLibrary(const TiffFile& file, const std::vector<uint8_t>& bytes);
 
 /// All bits random; floats finite and between -2 and 2.
 std::vector<uint8_t> RandomSamples(const TiffFile& file, std::mt19937& random);

@@ -278,6 +278,22 @@ TEST_P(TiffKinds, Rows_Should_Match_When_Predicted) {
   }
 }
 
+TEST(TiffKindsOfFloats, Rows_Should_Match_When_PredictedAndOfTheOtherByteOrder) {
+  std::mt19937 random(52);
+  for (const Kind& kind : Kinds()) {
+    if (kind.sampleFormat != kFloat) continue;
+    TiffFile file = FileOf(kind, random);
+    file.compression = COMPRESSION_LZW;
+    file.predictor = 3;
+    file.pixels = RandomSamples(file, random);
+    // Bytes sorted by weight lie the same in both orders.
+    file.mode = "wl";
+    file.packedStrips = PackedStrips(file.Bytes());
+    file.mode = "wb";
+    ExpectPixels(file, kind, "predictor 3, low byte last");
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(All, TiffKinds, testing::ValuesIn(Kinds()), [](const auto& info) {
   std::string name = info.param.name;
   for (char& letter : name)
