@@ -189,20 +189,30 @@ std::string TiffDirectory::Text(uint16_t tag) const {
   return text.substr(0, text.find('\0'));
 }
 
-int TiffDirectory::CountDirectories(int most) const {
+/// The tag has the lowest number of all, and entries are sorted.
+bool TiffDirectory::IsSecondary(const Location& directory) const {
+  constexpr uint64_t tagSubfileType = 254, reducedOrMask = 1 | 4;
+  if (directory.entries == 0 || IntegerAt(directory.at, 2) != tagSubfileType) return false;
+  const bool isShort = IntegerAt(directory.at + 2, 2) == typeShort;
+  const auto kind = IntegerAt(directory.at + (isBig_ ? 12 : 8), isShort ? 2 : 4);
+  return kind && (*kind & reducedOrMask) != 0;
+}
+
+TiffDirectory::Pages TiffDirectory::CountDirectories(int most) const {
   const uint64_t entryBytes = isBig_ ? 20 : 12;
   std::unordered_set<uint64_t> seen;
   uint64_t offset = first_;
-  int count = 0;
-  while (count < most && offset != 0 && seen.insert(offset).second) {
+  Pages pages;
+  while (pages.all < most && offset != 0 && seen.insert(offset).second) {
     const auto place = LocateDirectory(offset);
     if (!place) break;
-    count++;
+    pages.all++;
+    if (pages.all > 1 && IsSecondary(*place)) pages.secondary++;
     const auto next = IntegerAt(place->End(entryBytes), isBig_ ? 8 : 4);
     if (!next) break;
     offset = *next;
   }
-  return count;
+  return pages;
 }
 
 }  // namespace rasterkit::detail

@@ -39,8 +39,13 @@ class TiffDirectory {
   /// A tag of bytes as text up to its first zero, at most 4096 bytes of it.
   std::string Text(uint16_t tag) const;
 
+  struct Pages {
+    int all = 0;
+    /// Those that call themselves a smaller copy or the mask of another.
+    int secondary = 0;
+  };
   /// Directories of the main chain, which may lead in a circle; at most `most`.
-  int CountDirectories(int most) const;
+  Pages CountDirectories(int most) const;
 
  private:
   struct Location {
@@ -52,6 +57,7 @@ class TiffDirectory {
   uint64_t Integer(const uint8_t* bytes, int count) const;
   std::optional<uint64_t> IntegerAt(uint64_t position, int count) const;
   std::optional<Location> LocateDirectory(uint64_t offset) const;
+  bool IsSecondary(const Location& directory) const;
   void ReadHeader();
   void ReadEntries(const Location& place);
   double Value(const uint8_t* bytes, uint16_t type) const;

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <fmt/format.h>
 #include <tiff.h>
 
@@ -17,6 +19,8 @@ constexpr uint16_t tagTransformation = 34264;
 constexpr uint16_t tagGeoKeys = 34735;
 constexpr uint16_t tagNoData = 42113;
 constexpr uint16_t keyRasterType = 1025;
+/// From here on keys speak of coordinate systems; below, of the raster.
+constexpr uint16_t keyFirstOfSystem = 2048;
 constexpr int mostPages = 65535;
 
 /// Tie points beyond this many are not looked at: a warped picture has some hundreds.
@@ -32,14 +36,39 @@ std::vector<double> Grouped(const TiffDirectory& directory, uint16_t tag, size_t
 
 /// Keys are quadruples of id, place of the value (0: here), count and value; the first quadruple
 /// says how many follow.
-int RasterType(const TiffDirectory& directory) {
+void ReadGeoKeys(const TiffDirectory& directory, TiffFacts& facts) {
   const std::vector<double> keys = directory.Numbers(tagGeoKeys, 4 * 1024);
   for (size_t i = 4; i + 4 <= keys.size(); i += 4) {
+    if (keys[i] >= keyFirstOfSystem) facts.hasCoordinateSystem = true;
     const bool isHere = keys[i + 1] == 0 && keys[i + 2] == 1;
     const bool isKnown = keys[i + 3] == 1 || keys[i + 3] == 2;
-    if (keys[i] == keyRasterType && isHere && isKnown) return static_cast<int>(keys[i + 3]);
+    if (facts.rasterType == 0 && keys[i] == keyRasterType && isHere && isKnown)
+      facts.rasterType = static_cast<int>(keys[i + 3]);
   }
-  return 0;
+}
+
+std::vector<std::string> MetadataKinds(const TiffDirectory& directory) {
+  struct Kind {
+    const char* name;
+    std::vector<uint16_t> tags;
+  };
+  const Kind kinds[] = {
+      {"text",
+       {TIFFTAG_DOCUMENTNAME, TIFFTAG_IMAGEDESCRIPTION, TIFFTAG_MAKE, TIFFTAG_MODEL,
+        TIFFTAG_PAGENAME, TIFFTAG_SOFTWARE, TIFFTAG_DATETIME, TIFFTAG_ARTIST, TIFFTAG_HOSTCOMPUTER,
+        TIFFTAG_COPYRIGHT}},
+      {"xmp", {TIFFTAG_XMLPACKET}},
+      {"iptc", {TIFFTAG_RICHTIFFIPTC, TIFFTAG_PHOTOSHOP}},
+      {"profile", {TIFFTAG_ICCPROFILE}},
+      {"exif", {TIFFTAG_EXIFIFD, TIFFTAG_GPSIFD}},
+  };
+  std::vector<std::string> found;
+  for (const Kind& kind : kinds) {
+    if (std::any_of(kind.tags.begin(), kind.tags.end(),
+                    [&](uint16_t tag) { return directory.Has(tag); }))
+      found.emplace_back(kind.name);
+  }
+  return found;
 }
 
 std::string Trimmed(const std::string& text) {
@@ -74,12 +103,15 @@ TiffFacts FactsOf(TStream& stream) {
   ReadPixelLayout(directory, facts);
   facts.isBigTiff = directory.IsBigTiff();
   facts.isBigEndian = directory.IsBigEndian();
-  facts.pages = directory.CountDirectories(mostPages);
+  const TiffDirectory::Pages pages = directory.CountDirectories(mostPages);
+  facts.pages = pages.all;
+  facts.secondaryPages = pages.secondary;
   facts.pixelScale = Grouped(directory, tagPixelScale, 3, 3);
   facts.tiePoints = Grouped(directory, tagTiePoints, 6, 6 * mostTiePoints);
   facts.transformation = Grouped(directory, tagTransformation, 16, 16);
-  facts.rasterType = RasterType(directory);
+  ReadGeoKeys(directory, facts);
   facts.noData = Trimmed(directory.Text(tagNoData));
+  facts.metadata = MetadataKinds(directory);
   return facts;
 }
 

@@ -112,6 +112,75 @@ TEST(TiffFacts, DamagedTags_Should_BeAbsent) {
   EXPECT_EQ(facts.noData, "");
 }
 
+TEST(TiffFacts, CoordinateSystem_Should_BeTold_When_AKeyNamesIt) {
+  TiffFile file = Picture();
+  file.setTags = [](TIFF* tiff) {
+    DefineGeoTags(tiff);
+    const uint16_t keys[12] = {1, 1, 0, 2, 1025, 0, 1, 1, 3072, 0, 1, 25832};
+    TIFFSetField(tiff, 34735, 12, keys);
+  };
+  const TiffFacts facts = FactsOf(file);
+  EXPECT_TRUE(facts.hasCoordinateSystem);
+  EXPECT_EQ(facts.rasterType, 1);
+  file.setTags = [](TIFF* tiff) {
+    DefineGeoTags(tiff);
+    const uint16_t keys[12] = {1, 1, 0, 2, 1024, 0, 1, 1, 1025, 0, 1, 1};
+    TIFFSetField(tiff, 34735, 12, keys);
+  };
+  EXPECT_FALSE(FactsOf(file).hasCoordinateSystem);
+}
+
+TEST(TiffFacts, Metadata_Should_BeNamedByKind) {
+  TiffFile file = Picture();
+  EXPECT_TRUE(FactsOf(file).metadata.empty());
+  file.setTags = [](TIFF* tiff) {
+    const uint8_t bytes[8] = {};
+    TIFFSetField(tiff, TIFFTAG_SOFTWARE, "plotter");
+    TIFFSetField(tiff, TIFFTAG_XMLPACKET, 8, bytes);
+    TIFFSetField(tiff, TIFFTAG_PHOTOSHOP, 8, bytes);
+    TIFFSetField(tiff, TIFFTAG_ICCPROFILE, 8, bytes);
+    TIFFSetField(tiff, TIFFTAG_GPSIFD, uint64_t{8});
+  };
+  EXPECT_EQ(FactsOf(file).metadata,
+            (std::vector<std::string>{"text", "xmp", "iptc", "profile", "exif"}));
+}
+
+/// The directories of several files in one chain; the pixels do not matter.
+std::vector<uint8_t> Chain(const std::vector<std::pair<uint16_t, uint32_t>>& kinds, bool isBig) {
+  const auto put = [&](std::vector<uint8_t>& bytes, uint64_t number, int count) {
+    for (int i = 0; i < count; i++) bytes.push_back(static_cast<uint8_t>(number >> (8 * i)));
+  };
+  const int wide = isBig ? 8 : 4;
+  std::vector<uint8_t> bytes = {'I', 'I', static_cast<uint8_t>(isBig ? 43 : 42), 0};
+  if (isBig) put(bytes, 8, 4);
+  put(bytes, isBig ? 16 : 8, wide);
+  for (size_t i = 0; i < kinds.size(); i++) {
+    const auto entry = [&](uint16_t tag, uint16_t type, uint32_t value) {
+      put(bytes, tag, 2);
+      put(bytes, type, 2);
+      put(bytes, 1, wide);
+      put(bytes, value, wide);
+    };
+    put(bytes, 3, isBig ? 8 : 2);
+    entry(254, kinds[i].first, kinds[i].second);
+    entry(256, 3, 5);
+    entry(257, 3, 4);
+    put(bytes, i + 1 < kinds.size() ? bytes.size() + static_cast<size_t>(wide) : 0, wide);
+  }
+  return bytes;
+}
+
+TEST(TiffFacts, Pages_Should_BeToldApart_When_SomeAreCopiesOrMasks) {
+  for (const bool isBig : {false, true}) {
+    // A page, a smaller copy, one of several pages, the mask of one, a smaller copy of a mask.
+    const auto bytes = Chain({{4, 0}, {4, 1}, {3, 2}, {3, 4}, {4, 5}}, isBig);
+    TSpanStream stream(bytes);
+    const TiffFacts facts = ReadTiffFacts(stream);
+    EXPECT_EQ(facts.pages, 5);
+    EXPECT_EQ(facts.secondaryPages, 3);
+  }
+}
+
 TEST(TiffFacts, CompressionName_Should_BeTheUsualOne) {
   EXPECT_EQ(TiffCompressionName(1), "none");
   EXPECT_EQ(TiffCompressionName(2), "CCITT RLE");
