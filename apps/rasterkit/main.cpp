@@ -39,7 +39,8 @@ int RunVerb(const VerbRunner& run) {
 
 int Main(int argc, char** argv) {
   CLI::App app(
-      "Rasterkit: sets photographs upright, turns pictures, converts between picture types.",
+      "Rasterkit: sets photographs upright, turns pictures, converts between picture types, places "
+      "plans on the map.",
       "rasterkit");
   app.set_version_flag("--version", "rasterkit " RASTERKIT_VERSION);
   app.require_subcommand(1);
@@ -54,7 +55,7 @@ int Main(int argc, char** argv) {
       "Example:\n"
       "  rasterkit convert photo.jpg upright.png");
   std::vector<std::pair<const CLI::App*, VerbRunner>> verbs;
-  for (const auto add : {AddInfoVerb, AddConvertVerb, AddRotateVerb}) {
+  for (const auto add : {AddInfoVerb, AddConvertVerb, AddRotateVerb, AddGeoTiffVerb}) {
     VerbRunner run = add(app);
     verbs.emplace_back(app.get_subcommands({}).back(), std::move(run));
   }

@@ -15,5 +15,6 @@ using VerbRunner = std::function<int()>;
 VerbRunner AddInfoVerb(CLI::App& app);
 VerbRunner AddConvertVerb(CLI::App& app);
 VerbRunner AddRotateVerb(CLI::App& app);
+VerbRunner AddGeoTiffVerb(CLI::App& app);
 
 }  // namespace rasterkit::tool
