@@ -33,9 +33,6 @@ void AddOutputOptions(CLI::App& verb, OutputOptions& options) {
   verb.add_option("--out-dir", options.outDir,
                   "write each picture into this folder (made if absent)")
       ->type_name("DIR");
-  verb.add_option("--type", options.type,
-                  "with --out-dir: bmp, jpg or png; else as each input is called")
-      ->type_name("EXT");
   verb.add_option("--jobs", options.jobs, "pictures worked on at the same time [1]")
       ->check(CLI::Range(1, 64))
       ->type_name("N");
@@ -43,6 +40,12 @@ void AddOutputOptions(CLI::App& verb, OutputOptions& options) {
   verb.add_flag("--overwrite", options.overwrite, "replace existing outputs");
   verb.add_flag("--strict", options.strict, "exit 5 when something was not carried over");
   verb.add_flag("--json", options.json, "print one JSON object a picture on stdout");
+}
+
+void AddType(CLI::App& verb, OutputOptions& options) {
+  verb.add_option("--type", options.type,
+                  "with --out-dir: bmp, jpg or png; else as each input is called")
+      ->type_name("EXT");
 }
 
 void AddAngle(CLI::App& verb, PictureOptions& options, bool required) {

@@ -23,7 +23,9 @@ struct OutputOptions {
   bool json = false;
 };
 
+/// All but `type`, which has an option of its own.
 void AddOutputOptions(CLI::App& verb, OutputOptions& options);
+void AddType(CLI::App& verb, OutputOptions& options);
 
 /// How a picture is turned and written.
 struct PictureOptions {

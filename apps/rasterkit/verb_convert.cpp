@@ -19,6 +19,7 @@ VerbRunner AddConvertVerb(CLI::App& app) {
   const auto output = std::make_shared<OutputOptions>();
   const auto picture = std::make_shared<PictureOptions>();
   AddOutputOptions(verb, *output);
+  AddType(verb, *output);
   AddAngle(verb, *picture, false);
   AddBackground(verb, *picture);
   AddBits(verb, *picture);

@@ -20,6 +20,7 @@ VerbRunner AddRotateVerb(CLI::App& app) {
   const auto output = std::make_shared<OutputOptions>();
   const auto picture = std::make_shared<PictureOptions>();
   AddOutputOptions(verb, *output);
+  AddType(verb, *output);
   AddAngle(verb, *picture, true);
   AddBackground(verb, *picture);
   AddQuality(verb, *picture);
