@@ -15,17 +15,6 @@ using detail::TiffPlan;
 constexpr uint32_t pixelScaleTag = 33550, tiePointTag = 33922;
 constexpr int mostThreads = 64;
 
-void SetColorTags(TiffOutput& output, const TiffPlan& plan) {
-  if (plan.hasAlpha) {
-    const uint16_t kind = EXTRASAMPLE_UNASSALPHA;
-    output.Set(TIFFTAG_EXTRASAMPLES, 1, &kind);
-  }
-  if (plan.colorMap.empty()) return;
-  const size_t count = plan.colorMap.size() / 3;
-  const uint16_t* reds = plan.colorMap.data();
-  output.Set(TIFFTAG_COLORMAP, reds, reds + count, reds + 2 * count);
-}
-
 void SetProfile(TiffOutput& output, const Raster& raster, const TiffPlan& plan) {
   const bool isGray =
       plan.photometric == PHOTOMETRIC_MINISBLACK || plan.photometric == PHOTOMETRIC_MINISWHITE;
@@ -60,7 +49,7 @@ void EncodeTiff(const Raster& raster, TStream& stream, const TiffWriteOptions& o
   const TiffPlan plan = detail::PlanTiff(raster, options);
   TiffOutput output(stream, plan.isBig);
   detail::SetStripTags(output, plan);
-  SetColorTags(output, plan);
+  detail::SetColorTags(output, plan);
   SetProfile(output, raster, plan);
   SetResolution(output, raster.resolution);
   if (options.geo) SetGeoTags(output, *options.geo);

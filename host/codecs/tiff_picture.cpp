@@ -6,9 +6,9 @@
 #include <mutex>
 
 #include <rasterkit/host/codecs/tiff_picture.h>
+#include <rasterkit/host/codecs/worker_threads.h>
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/memory_budget.h>
-#include <rasterkit/host/runtime/thread.h>
 
 namespace rasterkit::detail {
 
@@ -158,36 +158,6 @@ void BlockWorker::FillRows(const Place& place, uint32_t y, uint32_t rows) const 
     for (size_t at = 0; !isEven && at < bytes; at += pixelBytes)
       std::memcpy(pixel + at, blank.data(), pixelBytes);
   }
-}
-
-class WorkerThread : public TThread {
- public:
-  explicit WorkerThread(std::function<void()> work) : work_(std::move(work)) {}
-
- protected:
-  void Execute() override { work_(); }
-
- private:
-  const std::function<void()> work_;
-};
-
-/// Runs `own` here and `other` on further threads; the first error of any is thrown after all have
-/// ended.
-void RunOnThreads(int threads, const std::function<void()>& own,
-                  const std::function<void()>& other) {
-  std::vector<ThreadPtr<WorkerThread>> others;
-  try {
-    for (int i = 1; i < threads; i++) {
-      others.push_back(MakeThread<WorkerThread>(other));
-      others.back()->Start();
-    }
-  } catch (const LimitError&) {
-    // As many as the system has.
-  }
-  own();
-  for (const auto& thread : others) thread->WaitFor();
-  for (const auto& thread : others)
-    if (thread->FatalException()) std::rethrow_exception(thread->FatalException());
 }
 
 /// No more threads than blocks to share and than the memory budget has room for. Plain rows gain

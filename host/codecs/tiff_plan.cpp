@@ -100,7 +100,7 @@ bool NeedsBigTiff(uint64_t rowBytes, uint64_t height, uint16_t compression) {
   // G4 12 bits for two pixels; the others add a few bytes to a block.
   uint64_t growth = 16;
   if (compression == COMPRESSION_LZW) growth = 25;
-  if (compression == COMPRESSION_CCITTFAX4) growth = 16 * 8;
+  if (compression == COMPRESSION_CCITTFAX4) growth = 16 * 6 + 1;
   if (compression == COMPRESSION_PACKBITS || compression == COMPRESSION_ADOBE_DEFLATE) growth = 17;
   const uint64_t most = (uint64_t{1} << 32) - spareBytes;
   return rowBytes * growth / 16 > most / height;

@@ -1,11 +1,37 @@
 #include <algorithm>
 #include <cstring>
 
+#include <rasterkit/host/codecs/tiff_strip_packer.h>
+#include <rasterkit/host/codecs/tiff_strip_queue.h>
 #include <rasterkit/host/codecs/tiff_strips.h>
+#include <rasterkit/host/codecs/worker_threads.h>
 #include <rasterkit/host/kernels/convert_rows.h>
 #include <rasterkit/host/kernels/exchange_red_blue.h>
 
 namespace rasterkit::detail {
+
+namespace {
+
+/// Strips under way or waiting for an earlier one, for each thread.
+constexpr uint32_t stripsAThread = 4;
+
+void PackOnThreads(TiffOutput& output, const Raster& raster, const TiffPlan& plan, int threads) {
+  TiffStripQueue queue(output, plan.Strips(), stripsAThread * static_cast<uint32_t>(threads));
+  const auto work = [&] {
+    try {
+      TiffStripRows rows(raster, plan);
+      TiffStripPacker packer(plan);
+      while (const auto strip = queue.Next())
+        queue.Put(*strip, packer.Pack(*strip, rows.Strip(*strip)));
+    } catch (...) {
+      queue.Stop();
+      throw;
+    }
+  };
+  RunOnThreads(threads, work, work);
+}
+
+}  // namespace
 
 std::span<const uint8_t> TiffStripRows::Strip(uint32_t strip) {
   const uint32_t first = strip * plan_.rowsPerStrip;
@@ -51,9 +77,23 @@ void SetStripTags(TiffOutput& output, const TiffPlan& plan) {
   if (plan.predictor != PREDICTOR_NONE) output.Set(TIFFTAG_PREDICTOR, plan.predictor);
 }
 
-void WriteStrips(TiffOutput& output, const Raster& raster, const TiffPlan& plan, int) {
-  TiffStripRows rows(raster, plan);
+void SetColorTags(TiffOutput& output, const TiffPlan& plan) {
+  if (plan.hasAlpha) {
+    const uint16_t kind = EXTRASAMPLE_UNASSALPHA;
+    output.Set(TIFFTAG_EXTRASAMPLES, 1, &kind);
+  }
+  if (plan.colorMap.empty()) return;
+  const size_t count = plan.colorMap.size() / 3;
+  const uint16_t* reds = plan.colorMap.data();
+  output.Set(TIFFTAG_COLORMAP, reds, reds + count, reds + 2 * count);
+}
+
+void WriteStrips(TiffOutput& output, const Raster& raster, const TiffPlan& plan, int threads) {
+  // Plain rows gain nothing from a second thread.
   const bool isPacked = plan.compression != COMPRESSION_NONE;
+  const auto useful = static_cast<int>(std::min(plan.Strips(), static_cast<uint32_t>(threads)));
+  if (isPacked && useful > 1) return PackOnThreads(output, raster, plan, useful);
+  TiffStripRows rows(raster, plan);
   for (uint32_t strip = 0; strip < plan.Strips(); strip++) {
     if (isPacked) {
       output.WriteStrip(strip, rows.Strip(strip));

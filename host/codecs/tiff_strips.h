@@ -29,6 +29,9 @@ class TiffStripRows {
 /// Sets the tags that say how rows are packed; a picture's strips may be packed by several handles.
 void SetStripTags(TiffOutput& output, const TiffPlan& plan);
 
+/// Sets the tags that say what the samples mean, once for each file.
+void SetColorTags(TiffOutput& output, const TiffPlan& plan);
+
 /// Packs and writes all strips, on up to `threads` threads; the bytes do not depend on their
 /// number.
 void WriteStrips(TiffOutput& output, const Raster& raster, const TiffPlan& plan, int threads);
