@@ -6,7 +6,7 @@ find_package(TIFF REQUIRED)
 find_package(GIF REQUIRED)
 find_package(fmt REQUIRED)
 pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
-pkg_check_modules(WEBP REQUIRED IMPORTED_TARGET libwebp libwebpdemux)
+pkg_check_modules(WEBP REQUIRED IMPORTED_TARGET libwebp)
 pkg_check_modules(LCMS2 REQUIRED IMPORTED_TARGET lcms2)
 set(RASTERKIT_DEPENDENCIES
     Threads::Threads JPEG::JPEG PNG::PNG TIFF::TIFF GIF::GIF PkgConfig::WEBP PkgConfig::LCMS2 fmt::fmt PkgConfig::HWY)

@@ -4,8 +4,10 @@
 
 #include <rasterkit/host/codecs/bmp_decoder.h>
 #include <rasterkit/host/codecs/decode_picture.h>
+#include <rasterkit/host/codecs/gif_decoder.h>
 #include <rasterkit/host/codecs/jpeg_decoder.h>
 #include <rasterkit/host/codecs/png_decoder.h>
+#include <rasterkit/host/codecs/webp_decoder.h>
 #include <rasterkit/host/runtime/errors.h>
 
 namespace rasterkit {
@@ -31,6 +33,10 @@ Raster DecodeSized(TStream& stream, CodecReport* report) {
       return DecodeJpeg(stream.ReadToEnd(), report);
     case PictureType::png:
       return DecodePng(stream.ReadToEnd(), report);
+    case PictureType::gif:
+      return DecodeGif(stream.ReadToEnd(), report);
+    case PictureType::webp:
+      return DecodeWebp(stream.ReadToEnd(), report);
     case PictureType::unknown:
       throw FormatError("the data are no picture of a known kind");
     default:

@@ -7,9 +7,9 @@
 
 namespace rasterkit {
 
-/// Decodes by content, whatever the file is called: BMP, JPEG, PNG. Throws UnsupportedError for a
-/// kind that is known but not decoded here (it names the kind), FormatError for one that is not
-/// known.
+/// Decodes by content, whatever the file is called: BMP, JPEG, PNG, GIF, WebP. Throws
+/// UnsupportedError for a kind that is known but not decoded here (it names the kind), FormatError
+/// for one that is not known.
 RASTERKIT_EXPORT Raster DecodePicture(TStream& stream, CodecReport* report = nullptr);
 
 }  // namespace rasterkit

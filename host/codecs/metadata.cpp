@@ -3,6 +3,7 @@
 
 #include <rasterkit/host/codecs/metadata.h>
 #include <rasterkit/host/codecs/picture_type.h>
+#include <rasterkit/host/codecs/webp_chunks.h>
 
 namespace rasterkit {
 namespace {
@@ -86,6 +87,22 @@ void WalkPng(PictureMetadata& metadata, Bytes rest) {
   }
 }
 
+void WalkWebp(PictureMetadata& metadata, Bytes file) {
+  using std::string_view_literals::operator""sv;
+  constexpr std::string_view jpegPrefix = "Exif\0\0"sv;
+  for (detail::WebpChunks chunks(file); chunks.Next() && chunks.IsWhole();) {
+    if (chunks.IsNamed("EXIF")) {
+      // Some writers put a JPEG segment's prefix in front.
+      const bool hasPrefix = StartsWith(chunks.Data(), jpegPrefix);
+      AddExif(metadata, chunks.Data().subspan(hasPrefix ? jpegPrefix.size() : 0));
+    } else if (chunks.IsNamed("XMP ")) {
+      AddKind(metadata, "xmp");
+    } else if (chunks.IsNamed("ICCP")) {
+      AddKind(metadata, "profile");
+    }
+  }
+}
+
 }  // namespace
 
 PictureMetadata ReadMetadata(Bytes bytes) {
@@ -93,6 +110,7 @@ PictureMetadata ReadMetadata(Bytes bytes) {
   const PictureType type = SniffPictureType(bytes.first(std::min<size_t>(64, bytes.size())));
   if (type == PictureType::jpeg && bytes.size() >= 2) WalkJpeg(metadata, bytes);
   if (type == PictureType::png) WalkPng(metadata, bytes);
+  if (type == PictureType::webp) WalkWebp(metadata, bytes);
   return metadata;
 }
 

@@ -18,8 +18,8 @@ struct PictureMetadata {
   std::span<const uint8_t> exif;
 };
 
-/// Walks the segments of a JPEG or the chunks of a PNG file without decoding; other bytes have no
-/// metadata known here. Never throws: the walk ends where the file stops making sense.
+/// Walks the segments of a JPEG or the chunks of a PNG or WebP file without decoding; other bytes
+/// have no metadata known here. Never throws: the walk ends where the file stops making sense.
 RASTERKIT_EXPORT PictureMetadata ReadMetadata(std::span<const uint8_t> bytes);
 
 }  // namespace rasterkit

@@ -7,9 +7,10 @@
 
 namespace rasterkit {
 
-/// Decodes a WebP file's bytes, of an animation its first picture: pf24bit, with an alpha channel
-/// pf32bit (afDefined). The ICC profile comes along. A truncated file gives the rows that are there
-/// and a warning. Throws FormatError, LimitError.
+/// Decodes a WebP file's bytes: pf24bit, with an alpha channel pf32bit (afDefined). Of an animation
+/// it is the first picture on its canvas, transparent around it. The ICC profile comes along. A
+/// truncated or damaged file gives the rows that are there and a warning. Throws FormatError,
+/// LimitError, UnsupportedError.
 RASTERKIT_EXPORT Raster DecodeWebp(std::span<const uint8_t> bytes, CodecReport* report = nullptr);
 
 }  // namespace rasterkit

@@ -14,9 +14,10 @@ namespace {
 
 /// Why a wrongly named file gives no graphic, by what its name says it is ("..._is_gif.bmp").
 const std::map<std::string, const char*> kNotDecoded = {
-    {"webp", "no WebP decoder yet"},        {"gif", "no GIF decoder yet"},
-    {"emf", "metafiles are not built yet"}, {"wmf", "metafiles are not built yet"},
-    {"pdf", "a document, not a picture"},   {"world", "the text of a world file"},
+    {"emf", "metafiles are not built yet"},
+    {"wmf", "metafiles are not built yet"},
+    {"pdf", "a document, not a picture"},
+    {"world", "the text of a world file"},
 };
 
 std::string KindOf(const std::string& path) {
