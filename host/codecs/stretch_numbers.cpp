@@ -20,6 +20,8 @@ NumberRange RangeOf(const double* numbers, size_t count) {
   return range;
 }
 
+}  // namespace
+
 uint8_t GrayOf(double number, const NumberRange& range) {
   if (std::isnan(number)) return 255;
   if (std::isinf(number)) return number > 0 ? 255 : 0;
@@ -28,8 +30,6 @@ uint8_t GrayOf(double number, const NumberRange& range) {
   const double span = range.greatest / 2 - range.least / 2;
   return static_cast<uint8_t>((number / 2 - range.least / 2) / span * 255 + 0.5);
 }
-
-}  // namespace
 
 NumberRange StretchNumbers(const double* numbers, Raster& raster) {
   const auto width = static_cast<size_t>(raster.Width());

@@ -81,7 +81,7 @@ int LittleEndian24(Bytes bytes) {
 
 /// Of a frame's chunk: place (halved) and size (less one) of its picture, what is of no interest
 /// here, the compressed picture.
-Picture PictureOfFrame(Bytes chunk) {
+Picture PictureOfFrameChunk(Bytes chunk) {
   constexpr size_t header = 16;
   if (chunk.size() < header) ThrowStatus(VP8_STATUS_NOT_ENOUGH_DATA);
   Picture picture;
@@ -98,7 +98,7 @@ Picture PictureOfFrame(Bytes chunk) {
 Picture FirstPictureOfAnimation(Bytes bytes, const WebPBitstreamFeatures& canvas) {
   for (detail::WebpChunks chunks(bytes); chunks.Next();) {
     if (!chunks.IsNamed("ANMF")) continue;
-    Picture picture = PictureOfFrame(chunks.Data());
+    Picture picture = PictureOfFrameChunk(chunks.Data());
     picture.canvasWidth = canvas.width;
     picture.canvasHeight = canvas.height;
     if (picture.left + picture.width > canvas.width || picture.top + picture.height > canvas.height)
