@@ -1,5 +1,4 @@
 #include <rasterkit/host/codecs/decode_frame.h>
-#include <rasterkit/host/codecs/unsized_picture.h>
 #include <rasterkit/host/graphics/name_errors.h>
 #include <rasterkit/host/runtime/stream.h>
 #include <rasterkit/tifftobmp/frame_reader.h>
@@ -12,7 +11,7 @@ namespace {
 ImagingFrame DecodeFile(const std::string& fileName) {
   TFileStream file(fileName);
   if (file.Size() > 0) return DecodeFrame(file);
-  TMemoryStream memory(ReadUnsizedPicture(file));
+  TMemoryStream memory(file.ReadToEnd());
   return DecodeFrame(memory);
 }
 

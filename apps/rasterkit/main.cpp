@@ -55,7 +55,7 @@ int Main(int argc, char** argv) {
       "Example:\n"
       "  rasterkit convert photo.jpg upright.png");
   std::vector<std::pair<const CLI::App*, VerbRunner>> verbs;
-  for (const auto add : {AddInfoVerb, AddConvertVerb, AddRotateVerb, AddGeoTiffVerb}) {
+  for (const auto add : {AddInfoVerb, AddConvertVerb, AddRotateVerb, AddGeoTiffVerb, AddExifVerb}) {
     VerbRunner run = add(app);
     verbs.emplace_back(app.get_subcommands({}).back(), std::move(run));
   }

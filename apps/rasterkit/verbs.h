@@ -16,5 +16,6 @@ VerbRunner AddInfoVerb(CLI::App& app);
 VerbRunner AddConvertVerb(CLI::App& app);
 VerbRunner AddRotateVerb(CLI::App& app);
 VerbRunner AddGeoTiffVerb(CLI::App& app);
+VerbRunner AddExifVerb(CLI::App& app);
 
 }  // namespace rasterkit::tool

@@ -28,21 +28,20 @@ uint64_t Plus(uint64_t a, uint64_t b) {
                                                       : a + b;
 }
 
-/// Bytes that one packed byte can become at most, by the codec's own rules, and twice that, as a
-/// file that was cut off in the middle still shows its first rows.
+/// Bytes that one packed byte can become at most, by the codec's own rules, somewhat rounded up.
 uint64_t LargestRatio(const TiffLayout& layout) {
   switch (layout.compression) {
     case COMPRESSION_NONE:
-      // Short of that there is next to nothing to show.
+      // A file that was cut off still shows its first rows.
       return 64;
     case COMPRESSION_PACKBITS:
-      return 128;
+      return 64;
     case COMPRESSION_LZW:
-      return 4096;
+      return 2048;
     case COMPRESSION_ADOBE_DEFLATE:
     case COMPRESSION_DEFLATE:
     case COMPRESSION_PIXARLOG:
-      return 2100;
+      return 1100;
     case COMPRESSION_JPEG:
     case COMPRESSION_OJPEG:
       return 4096;

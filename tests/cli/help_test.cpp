@@ -13,13 +13,13 @@ TEST(CliHelp, Help_Should_NameVerbsExitCodesAndAnExample) {
   const ToolResult result = RunTool({"--help"});
   EXPECT_EQ(result.code, 0);
   for (const char* text :
-       {"info", "convert", "rotate", "geotiff", "Exit codes", "Example", "--version"})
+       {"info", "convert", "rotate", "geotiff", "exif", "Exit codes", "Example", "--version"})
     EXPECT_THAT(result.out, HasSubstr(text));
   EXPECT_THAT(result.err, IsEmpty());
 }
 
 TEST(CliHelp, HelpOfEachVerb_Should_ShowAnExampleOfThatVerb) {
-  for (const std::string verb : {"info", "convert", "rotate", "geotiff"}) {
+  for (const std::string verb : {"info", "convert", "rotate", "geotiff", "exif"}) {
     const ToolResult result = RunTool({verb, "--help"});
     EXPECT_EQ(result.code, 0) << verb;
     EXPECT_THAT(result.out, HasSubstr("rasterkit " + verb + " "));
