@@ -1,4 +1,5 @@
 #include <rasterkit/host/codecs/decode_frame.h>
+#include <rasterkit/host/codecs/unsized_picture.h>
 #include <rasterkit/host/graphics/name_errors.h>
 #include <rasterkit/host/runtime/stream.h>
 #include <rasterkit/tifftobmp/frame_reader.h>
@@ -11,7 +12,7 @@ namespace {
 ImagingFrame DecodeFile(const std::string& fileName) {
   TFileStream file(fileName);
   if (file.Size() > 0) return DecodeFrame(file);
-  TMemoryStream memory(file.ReadToEnd());
+  TMemoryStream memory(ReadUnsizedPicture(file));
   return DecodeFrame(memory);
 }
 

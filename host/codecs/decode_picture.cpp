@@ -7,6 +7,7 @@
 #include <rasterkit/host/codecs/gif_decoder.h>
 #include <rasterkit/host/codecs/jpeg_decoder.h>
 #include <rasterkit/host/codecs/png_decoder.h>
+#include <rasterkit/host/codecs/unsized_picture.h>
 #include <rasterkit/host/codecs/webp_decoder.h>
 #include <rasterkit/host/runtime/errors.h>
 
@@ -38,7 +39,8 @@ Raster DecodeSized(TStream& stream, CodecReport* report) {
     case PictureType::webp:
       return DecodeWebp(stream.ReadToEnd(), report);
     case PictureType::unknown:
-      throw FormatError("the data are no picture of a known kind");
+      throw FormatError(stream.Size() == 0 ? "the file is empty"
+                                           : "the data are no picture of a known kind");
     default:
       break;
   }
@@ -50,8 +52,7 @@ Raster DecodeSized(TStream& stream, CodecReport* report) {
 
 Raster DecodePicture(TStream& stream, CodecReport* report) {
   if (stream.Size() > stream.Position()) return DecodeSized(stream, report);
-  // Pipes have no size and give their bytes only once: looking at the first ones takes all.
-  const std::vector<uint8_t> bytes = stream.ReadToEnd();
+  const std::vector<uint8_t> bytes = ReadUnsizedPicture(stream);
   TSpanStream memory(bytes);
   return DecodeSized(memory, report);
 }

@@ -46,10 +46,12 @@ class TiffBlockReader {
   uint32_t ReadPacked(uint32_t block, uint64_t offset, uint64_t count, uint32_t rows,
                       uint8_t* target);
   uint32_t RowsThere(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
+  uint32_t RowsWritten(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
   bool Unpack(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
+  bool UnpackOnto(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
   void ToProcessorOrder(uint8_t* bytes, size_t count) const;
   void FillSparse(uint8_t* target, size_t bytes) const;
-  bool MayBeSearched(bool isCutOff) const;
+  uint64_t PictureBytes() const;
   bool MayLeaveGaps() const;
   bool IsFax() const;
   bool IsBlank(std::span<const uint8_t> bytes) const;

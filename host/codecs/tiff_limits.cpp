@@ -28,20 +28,21 @@ uint64_t Plus(uint64_t a, uint64_t b) {
                                                       : a + b;
 }
 
-/// Bytes that one packed byte can become at most, by the codec's own rules, somewhat rounded up.
+/// Bytes that one packed byte can become at most, by the codec's own rules, and twice that, as a
+/// file that was cut off in the middle still shows its first rows.
 uint64_t LargestRatio(const TiffLayout& layout) {
   switch (layout.compression) {
     case COMPRESSION_NONE:
-      // A file that was cut off still shows its first rows.
+      // Short of that there is next to nothing to show.
       return 64;
     case COMPRESSION_PACKBITS:
-      return 64;
+      return 128;
     case COMPRESSION_LZW:
-      return 2048;
+      return 4096;
     case COMPRESSION_ADOBE_DEFLATE:
     case COMPRESSION_DEFLATE:
     case COMPRESSION_PIXARLOG:
-      return 1100;
+      return 2100;
     case COMPRESSION_JPEG:
     case COMPRESSION_OJPEG:
       return 4096;

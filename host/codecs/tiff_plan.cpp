@@ -13,6 +13,15 @@ namespace {
 /// processor's cache and to give several threads something to do.
 constexpr size_t stripBytes = 256 << 10;
 
+/// Deflate looks back 32 KiB. In strips of that size a photograph takes two thirds of the time that
+/// it takes in large ones, for the same bytes; a plan takes a third more bytes, and still fewer
+/// than in the strips of 8 KiB that others write.
+constexpr size_t deflateStripBytes = 32 << 10;
+
+/// Level 6 takes a sixth more time for a photograph and half more for a plan, for no and for an
+/// eighth fewer bytes.
+constexpr int deflateLevel = 4;
+
 /// Room for header, tags, palette and profile beside the strips.
 constexpr uint64_t spareBytes = uint64_t{64} << 20;
 
@@ -93,6 +102,12 @@ uint16_t PredictorOf(const TiffPlan& plan) {
   return isPacked && isMeasured ? PREDICTOR_HORIZONTAL : PREDICTOR_NONE;
 }
 
+uint32_t RowsPerStrip(const TiffPlan& plan) {
+  const bool isDeflate = plan.compression == COMPRESSION_ADOBE_DEFLATE;
+  const size_t rows = (isDeflate ? deflateStripBytes : stripBytes) / plan.rowBytes;
+  return static_cast<uint32_t>(std::clamp<size_t>(rows, 1, size_t{plan.height}));
+}
+
 }  // namespace
 
 bool NeedsBigTiff(uint64_t rowBytes, uint64_t height, uint16_t compression) {
@@ -122,8 +137,8 @@ TiffPlan PlanTiff(const Raster& raster, const TiffWriteOptions& options) {
   plan.compression = CompressionOf(plan, options.compression);
   plan.predictor = PredictorOf(plan);
   plan.rowBytes = (size_t{plan.width} * plan.bits * plan.samples + 7) / 8;
-  plan.rowsPerStrip = static_cast<uint32_t>(
-      std::clamp<size_t>(stripBytes / plan.rowBytes, 1, static_cast<size_t>(plan.height)));
+  plan.rowsPerStrip = RowsPerStrip(plan);
+  if (plan.compression == COMPRESSION_ADOBE_DEFLATE) plan.level = deflateLevel;
   plan.isBig = NeedsBigTiff(plan.rowBytes, plan.height, plan.compression);
   return plan;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include <rasterkit/host/codecs/tiff_encoder.h>
@@ -24,6 +25,8 @@ struct TiffPlan {
   uint32_t width = 0, height = 0;
   uint16_t bits = 8, samples = 1;
   uint16_t photometric = 0, compression = 1, predictor = 1;
+  /// How hard Deflate tries, 1 to 9; nothing for other ways to pack.
+  std::optional<int> level;
   bool hasAlpha = false;
   TiffRowOrder order = TiffRowOrder::same;
   size_t rowBytes = 0;

@@ -75,6 +75,7 @@ void SetStripTags(TiffOutput& output, const TiffPlan& plan) {
   output.Set(TIFFTAG_COMPRESSION, plan.compression);
   output.Set(TIFFTAG_ROWSPERSTRIP, plan.rowsPerStrip);
   if (plan.predictor != PREDICTOR_NONE) output.Set(TIFFTAG_PREDICTOR, plan.predictor);
+  if (plan.level) output.Set(TIFFTAG_ZIPQUALITY, *plan.level);
 }
 
 void SetColorTags(TiffOutput& output, const TiffPlan& plan) {

@@ -5,7 +5,6 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <functional>
 
 #include "tests/support/tiff_file.h"
 
@@ -59,8 +58,8 @@ inline uint8_t TiffByte(long double share) {
 
 /// B, G, R, A of a pixel of grey, RGB, inks or a palette; alpha 255 without an alpha sample.
 /// `number` tells the value of each of its samples.
-inline std::array<uint8_t, 4> TiffPixel(const TiffMeaning& meaning,
-                                        const std::function<long double(uint32_t)>& number) {
+template <typename Number>
+std::array<uint8_t, 4> TiffPixel(const TiffMeaning& meaning, const Number& number) {
   const auto share = [&](uint32_t sample) { return TiffShare(meaning, number(sample)); };
   std::array<long double, 3> rgb{};
   uint32_t colors = 3;

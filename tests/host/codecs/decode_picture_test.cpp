@@ -1,5 +1,6 @@
 // By content, whatever the file is called.
 
+#include <algorithm>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -87,6 +88,27 @@ TEST(DecodePicture, Should_SayUnknown_When_DataAreNoPicture) {
     TMemoryStream stream(std::vector<uint8_t>(text.begin(), text.end()));
     EXPECT_THROW(DecodePicture(stream), FormatError);
   }
+}
+
+/// A device that never ends.
+class EndlessStream : public PipeStream {
+ public:
+  EndlessStream() : PipeStream({}) {}
+  size_t Read(std::span<uint8_t> target) override {
+    taken_ += target.size();
+    EXPECT_LE(taken_, 100'000u) << "goes on reading";
+    if (taken_ > 100'000) return 0;
+    std::fill(target.begin(), target.end(), uint8_t{0});
+    return target.size();
+  }
+
+ private:
+  size_t taken_ = 0;
+};
+
+TEST(DecodePicture, Should_StopReading_When_AnEndlessDeviceIsNoPicture) {
+  EndlessStream stream;
+  EXPECT_THROW(DecodePicture(stream), FormatError);
 }
 
 TEST(DecodePicture, Should_DecodeEmbeddedPicture_When_BitmapFileHoldsOne) {
