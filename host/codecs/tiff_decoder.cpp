@@ -64,7 +64,7 @@ ColorProfile ProfileOf(const TiffHandle& handle, const TiffLayout& layout) {
 
 /// The colour map of a palette file. Its words hold bytes times 256 or times 257; some programs
 /// write plain bytes.
-HPALETTE FilePalette(const TiffHandle& handle, const TiffLayout& layout) {
+std::vector<tagPALETTEENTRY> FileEntries(const TiffHandle& handle, const TiffLayout& layout) {
   const uint16_t *red = nullptr, *green = nullptr, *blue = nullptr;
   if (!TIFFGetField(handle.Tiff(), TIFFTAG_COLORMAP, &red, &green, &blue))
     throw FormatError("TIFF: the palette is missing");
@@ -74,12 +74,12 @@ HPALETTE FilePalette(const TiffHandle& handle, const TiffLayout& layout) {
                        std::all_of(green, green + count, isByte) &&
                        std::all_of(blue, blue + count, isByte);
   const int shift = isPlain ? 0 : 8;
-  std::vector<tagPALETTEENTRY> entries(std::min<size_t>(count, 256));
+  std::vector<tagPALETTEENTRY> entries(count);
   for (size_t i = 0; i < entries.size(); i++) {
     entries[i] = {static_cast<uint8_t>(red[i] >> shift), static_cast<uint8_t>(green[i] >> shift),
                   static_cast<uint8_t>(blue[i] >> shift), 0};
   }
-  return HPALETTE(entries);
+  return entries;
 }
 
 /// The number of the tag "no data" as one sample of a grid.
@@ -165,10 +165,11 @@ void FrameReader::SetProperties(TiffHandle& handle, Raster& raster) {
   raster.resolution = ResolutionOf(handle);
   raster.profile = ProfileOf(handle, layout_);
   if (layout_.photometric == PHOTOMETRIC_PALETTE && layout_.rows != TiffRowKind::library)
-    colors_.palette = FilePalette(handle, layout_);
+    colors_.entries = FileEntries(handle, layout_);
   if (layout_.format == GUID_WICPixelFormat4bppGray) raster.palette = GrayPalette(16);
   if (layout_.format == GUID_WICPixelFormat8bppGray) raster.palette = GrayPalette(256);
-  if (IsIndexed(raster.Format()) && colors_.palette) raster.palette = colors_.palette;
+  if (IsIndexed(raster.Format()) && !colors_.entries.empty())
+    raster.palette = HPALETTE(colors_.entries);
   if (raster.Format() == pf32bit && layout_.alphaAt) raster.alphaFormat = afDefined;
   ChooseInks(handle);
 }

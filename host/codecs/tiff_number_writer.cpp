@@ -84,13 +84,13 @@ class ScaledRows : public NumberWriter {
 
 class IndexedRows : public NumberWriter {
  public:
-  IndexedRows(const TiffLayout& layout, HPALETTE palette)
-      : NumberWriter(layout), palette_(std::move(palette)) {}
+  IndexedRows(const TiffLayout& layout, const std::vector<tagPALETTEENTRY>& entries)
+      : NumberWriter(layout), entries_(entries) {}
 
  protected:
   void WritePixels(const double* pixel, size_t width, uint8_t* target) override {
     for (size_t x = 0; x < width; x++, pixel += Pitch(), target += 4) {
-      const tagPALETTEENTRY entry = palette_.Entry(static_cast<int>(pixel[0]));
+      const tagPALETTEENTRY entry = entries_[static_cast<size_t>(pixel[0])];
       target[0] = entry.peBlue;
       target[1] = entry.peGreen;
       target[2] = entry.peRed;
@@ -99,7 +99,7 @@ class IndexedRows : public NumberWriter {
   }
 
  private:
-  const HPALETTE palette_;
+  const std::vector<tagPALETTEENTRY>& entries_;
 };
 
 class InkRows : public NumberWriter {
@@ -195,7 +195,7 @@ std::unique_ptr<TiffRowWriter> MakeNumberWriter(const TiffLayout& layout,
                                                 const TiffColors& colors) {
   switch (layout.rows) {
     case TiffRowKind::indexed:
-      return std::make_unique<IndexedRows>(layout, colors.palette);
+      return std::make_unique<IndexedRows>(layout, colors.entries);
     case TiffRowKind::cmyk:
       return std::make_unique<InkRows>(layout, colors.inks);
     case TiffRowKind::lab:

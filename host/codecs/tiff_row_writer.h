@@ -21,7 +21,8 @@ class TiffRowWriter {
 
 /// What the pixels mean beside their layout; shared by all threads.
 struct TiffColors {
-  HPALETTE palette;
+  /// Of a palette file, one for each index: deep ones have more than a palette holds.
+  std::vector<tagPALETTEENTRY> entries;
   /// For inks with a profile; else the plain formula.
   std::shared_ptr<const InkTransform> inks;
 };

@@ -96,6 +96,8 @@ const std::vector<Kind>& Kinds() {
        {kOther},
        GUID_WICPixelFormat8bppIndexed,
        false},
+      {"10-bit palette", kPalette, 10, 1, kUnsigned, {}, kBgra, true},
+      {"16-bit palette", kPalette, 16, 1, kUnsigned, {}, kBgra, true},
       {"palette and alpha", kPalette, 8, 2, kUnsigned, {kStraight}, kBgra, true},
       {"RGB", kRgb, 8, 3, kUnsigned, {}, kBgr, false},
       {"RGB of five", kRgb, 8, 5, kUnsigned, {kOther, kOther}, kBgr, false},
