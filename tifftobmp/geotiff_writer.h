@@ -18,7 +18,8 @@ namespace rasterkit {
 /// point (33922), which ties raster point (0, 0) to the map point `x0`, `y0`. The numbers are
 /// stored as given.
 ///
-/// Throws FileError when the file cannot be written, FormatError for a bitmap without pixels.
+/// Throws FileError when the file cannot be written (a pipe cannot: the last thing to be known
+/// stands in the header), FormatError for a bitmap without pixels.
 RASTERKIT_EXPORT void WriteBitmapToTiff(TBitmap& bitmap, const std::string& fileName, bool rgbaData,
                                         double x0, double y0, double scaleX, double scaleY);
 

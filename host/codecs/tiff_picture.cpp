@@ -167,8 +167,7 @@ int UsefulThreads(const TiffLayout& layout, int threads) {
   if (layout.compression == COMPRESSION_NONE) return 1;
   const uint64_t block = uint64_t{grid.rowBytes} * grid.height * layout.planes.size();
   const uint64_t affordable = PictureMemoryLimit() / 4 / std::max<uint64_t>(1, block);
-  const uint64_t most =
-      std::min<uint64_t>({grid.PerPlane(), std::max<uint64_t>(1, affordable), 64});
+  const auto most = std::min<uint64_t>({grid.PerPlane(), std::max<uint64_t>(1, affordable), 64});
   return static_cast<int>(std::clamp<int64_t>(threads, 1, static_cast<int64_t>(most)));
 }
 

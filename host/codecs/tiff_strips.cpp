@@ -7,6 +7,7 @@
 #include <rasterkit/host/codecs/worker_threads.h>
 #include <rasterkit/host/kernels/convert_rows.h>
 #include <rasterkit/host/kernels/exchange_red_blue.h>
+#include <rasterkit/host/runtime/memory_budget.h>
 
 namespace rasterkit::detail {
 
@@ -14,6 +15,16 @@ namespace {
 
 /// Strips under way or waiting for an earlier one, for each thread.
 constexpr uint32_t stripsAThread = 4;
+
+/// No more threads than strips to share and than the memory budget has room for. Plain rows gain
+/// nothing from a second thread.
+int UsefulThreads(const TiffPlan& plan, int threads) {
+  if (plan.compression == COMPRESSION_NONE) return 1;
+  const uint64_t strip = uint64_t{plan.rowBytes} * plan.rowsPerStrip;
+  const uint64_t affordable = PictureMemoryLimit() / (4 * stripsAThread) / strip;
+  const uint64_t most = std::min<uint64_t>(plan.Strips(), std::max<uint64_t>(1, affordable));
+  return static_cast<int>(std::min(most, static_cast<uint64_t>(threads)));
+}
 
 void PackOnThreads(TiffOutput& output, const Raster& raster, const TiffPlan& plan, int threads) {
   TiffStripQueue queue(output, plan.Strips(), stripsAThread * static_cast<uint32_t>(threads));
@@ -90,10 +101,9 @@ void SetColorTags(TiffOutput& output, const TiffPlan& plan) {
 }
 
 void WriteStrips(TiffOutput& output, const Raster& raster, const TiffPlan& plan, int threads) {
-  // Plain rows gain nothing from a second thread.
+  const int useful = UsefulThreads(plan, threads);
+  if (useful > 1) return PackOnThreads(output, raster, plan, useful);
   const bool isPacked = plan.compression != COMPRESSION_NONE;
-  const auto useful = static_cast<int>(std::min(plan.Strips(), static_cast<uint32_t>(threads)));
-  if (isPacked && useful > 1) return PackOnThreads(output, raster, plan, useful);
   TiffStripRows rows(raster, plan);
   for (uint32_t strip = 0; strip < plan.Strips(); strip++) {
     if (isPacked) {

@@ -334,6 +334,12 @@ TEST_F(GeoTiffWriter, MissingFolder_Should_BeNamed) {
   EXPECT_THROW(WriteBitmapToTiff(bitmap, "", false, 0, 0, 0, 0), FileError);
 }
 
+TEST_F(GeoTiffWriter, Pipe_Should_BeRefused) {
+  // The header says where the directory is, which lies behind the pixels.
+  TBitmap bitmap = GradientBitmap(pf24bit, 5, 3);
+  EXPECT_THROW(WriteBitmapToTiff(bitmap, "/dev/null", false, 0, 0, 0, 0), FileError);
+}
+
 TEST_F(GeoTiffWriter, FullDisk_Should_LeaveTheOldFile) {
   folder_.Write("a.tif", "precious");
   std::mt19937 random(5);
