@@ -15,8 +15,8 @@
 
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/interruption.h"
-#include "apps/rasterkit/picture_file.h"
 #include "apps/rasterkit/progress.h"
+#include "apps/rasterkit/save_picture.h"
 
 #include <nlohmann/json.hpp>
 
@@ -38,7 +38,8 @@ std::string OutputName(const OutputOptions& options, const std::string& input) {
 void RequireWritableType(const std::string& output) {
   if (WritableType(output) != PictureType::unknown) return;
   throw Failure(exitWrongUsage,
-                output + ": pictures are written as .bmp, .jpg, .jpeg or .png, not as '" +
+                output +
+                    ": pictures are written as .bmp, .jpg, .jpeg, .png, .tif or .tiff, not as '" +
                     ExtractFileExt(output) + "'");
 }
 

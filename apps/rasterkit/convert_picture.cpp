@@ -1,6 +1,10 @@
 #include "apps/rasterkit/convert_picture.h"
 
 #include <algorithm>
+#include <cmath>
+#include <thread>
+
+#include <fmt/format.h>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/host/graphics/canvas.h>
@@ -9,8 +13,9 @@
 
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/interruption.h"
+#include "apps/rasterkit/map_placement.h"
+#include "apps/rasterkit/save_picture.h"
 #include "apps/rasterkit/turn.h"
-#include "apps/rasterkit/world_file.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -59,14 +64,52 @@ void Remove(std::vector<std::string>& names, const std::string& name) {
   names.erase(std::remove(names.begin(), names.end(), name), names.end());
 }
 
+/// One for each processor unless told otherwise.
+int CodecThreads(const PictureOptions& options) {
+  if (options.threads > 0) return options.threads;
+  return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, 64u));
+}
+
+/// Rows stay where they are, so that what places them on a map still holds.
+bool StaysAsStored(const LoadedPicture& picture, const PictureOptions& options) {
+  return picture.photo.orientation.value_or(1) == 1 && std::remainder(options.angle, 360.0) == 0;
+}
+
+/// What no output of the tool can hold, and what the position of the input is called.
+std::vector<std::string> AtRisk(const LoadedPicture& picture, const MapPlacement& placement) {
+  std::vector<std::string> names = picture.metadata;
+  if (picture.photo.gps) names.emplace_back("gps");
+  names.insert(names.end(), placement.sources.begin(), placement.sources.end());
+  if (picture.grid) names.emplace_back("grid");
+  if (picture.Pages() > 1) names.emplace_back("pages");
+  return names;
+}
+
+void NotePages(const LoadedPicture& picture, JobResult& result) {
+  if (picture.Pages() <= 1) return;
+  result.warnings.push_back(fmt::format("the first of {} pictures is taken", picture.Pages()));
+}
+
+void Save(const LoadedPicture& picture, const Job& job, const PictureOptions& options,
+          const MapPlacement& placement, JobResult& result) {
+  SaveOptions saving{options.quality, options.compression, CodecThreads(options), {}};
+  const bool isPlaced = WritableType(job.output) == PictureType::tiff && placement.tags;
+  if (isPlaced && StaysAsStored(picture, options)) {
+    saving.geo = placement.tags;
+    for (const std::string& source : placement.kept) Remove(result.notCarriedOver, source);
+    if (placement.doubt) result.warnings.push_back(*placement.doubt);
+  }
+  SavePicture(*picture.bitmap, job.output, saving);
+}
+
 JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& picture,
                  const PictureWriter& write) {
   const PictureType type = WritableType(job.output);
+  const MapPlacement placement = PlacementOf(job.input, picture);
   JobResult result;
   result.warnings = picture.warnings;
-  result.notCarriedOver = picture.metadata;
-  if (picture.photo.gps) result.notCarriedOver.emplace_back("gps");
-  if (FindWorldFile(job.input)) result.notCarriedOver.emplace_back("worldfile");
+  NotePages(picture, result);
+  result.notCarriedOver = AtRisk(picture, placement);
 
   TurnUpright(picture.bitmap, picture.photo.orientation.value_or(1));
   StopIfInterrupted();
@@ -81,7 +124,7 @@ JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& p
   if (write) {
     write(picture, job);
   } else {
-    SavePicture(*picture.bitmap, job.output, options.quality);
+    Save(picture, job, options, placement, result);
   }
   result.type = PictureTypeName(type);
   result.width = picture.bitmap->Width();
@@ -94,7 +137,7 @@ JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& p
 
 JobResult ConvertPicture(const Job& job, const PictureOptions& options,
                          const PictureWriter& write) {
-  LoadedPicture picture = LoadPicture(job.input);
+  LoadedPicture picture = LoadPicture(job.input, CodecThreads(options));
   StopIfInterrupted();
   try {
     return Change(job, options, picture, write);

@@ -51,6 +51,21 @@ std::optional<double> NearestFloat(double value) {
 
 }  // namespace
 
+std::optional<GridType> GridTypeOf(WICPixelFormat format) {
+  switch (format) {
+    case GUID_WICPixelFormat32bppGrayFloat:
+      return GridType::float32;
+    case GUID_WICPixelFormat16bppGrayHalf:
+      return GridType::float16;
+    case GUID_WICPixelFormat16bppGray:
+      return GridType::uint16;
+    case GUID_WICPixelFormat16bppGrayFixedPoint:
+      return GridType::int16;
+    default:
+      return std::nullopt;
+  }
+}
+
 const char* GridTypeName(GridType type) {
   constexpr const char* names[] = {"float32", "float16", "uint16", "int16"};
   return names[static_cast<int>(type)];

@@ -4,12 +4,16 @@
 #include <optional>
 #include <string>
 
+#include <rasterkit/host/codecs/imaging_frame.h>
 #include <rasterkit/host/raster/raster.h>
 
 namespace rasterkit::tool {
 
 /// How a grid's values lie in its rows.
 enum class GridType { float32, float16, uint16, int16 };
+
+/// Nothing for a pixel format of colours.
+std::optional<GridType> GridTypeOf(WICPixelFormat format);
 
 /// "float32", "float16", "uint16", "int16".
 const char* GridTypeName(GridType type);

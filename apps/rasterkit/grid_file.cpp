@@ -28,27 +28,12 @@ TiffFacts FactsOf(TStream& stream) {
   return facts;
 }
 
-std::optional<GridType> TypeOf(WICPixelFormat format) {
-  switch (format) {
-    case GUID_WICPixelFormat32bppGrayFloat:
-      return GridType::float32;
-    case GUID_WICPixelFormat16bppGrayHalf:
-      return GridType::float16;
-    case GUID_WICPixelFormat16bppGray:
-      return GridType::uint16;
-    case GUID_WICPixelFormat16bppGrayFixedPoint:
-      return GridType::int16;
-    default:
-      return std::nullopt;
-  }
-}
-
 /// The values are those of the library's ReadGeoTiffIntoBitmap, which cannot say what is damaged.
 void LoadStream(GridFile& result, TStream& stream) {
   result.facts = FactsOf(stream);
   CodecReport report;
   ImagingFrame frame = DecodeFrame(stream, {}, &report);
-  const auto type = TypeOf(frame.format);
+  const auto type = GridTypeOf(frame.format);
   if (!type) return;
   result.warnings = std::move(report.warnings);
   result.grid.emplace(std::move(frame.rows), *type);

@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cmath>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -21,6 +22,13 @@ std::string CheckAngle(const std::string& text) {
   const bool ok = CLI::detail::lexical_cast(text, angle) && std::isfinite(angle) &&
                   std::isfinite(static_cast<float>(angle));
   return ok ? std::string() : "an angle is a number of degrees, not '" + text + "'";
+}
+
+std::vector<std::string> Names(
+    const std::vector<std::pair<std::string, TiffCompression>>& compressions) {
+  std::vector<std::string> names;
+  for (const auto& [name, compression] : compressions) names.push_back(name);
+  return names;
 }
 
 }  // namespace
@@ -44,7 +52,7 @@ void AddOutputOptions(CLI::App& verb, OutputOptions& options) {
 
 void AddType(CLI::App& verb, OutputOptions& options) {
   verb.add_option("--type", options.type,
-                  "with --out-dir: bmp, jpg or png; else as each input is called")
+                  "with --out-dir: bmp, jpg, png or tif; else as each input is called")
       ->type_name("EXT");
 }
 
@@ -76,8 +84,25 @@ void AddQuality(CLI::App& verb, PictureOptions& options) {
       ->type_name("Q");
 }
 
+void AddCompression(CLI::App& verb, PictureOptions& options) {
+  static const std::vector<std::pair<std::string, TiffCompression>> names = {
+      {"standard", TiffCompression::standard}, {"none", TiffCompression::none},
+      {"lzw", TiffCompression::lzw},           {"deflate", TiffCompression::deflate},
+      {"packbits", TiffCompression::packBits}, {"g4", TiffCompression::group4}};
+  verb.add_option_function<std::string>(
+          "--compression",
+          [&options](const std::string& text) {
+            for (const auto& [name, compression] : names)
+              if (name == text) options.compression = compression;
+          },
+          "of TIFF: none, lzw, deflate, packbits, g4 (1-bit only) [standard: lzw, 1-bit g4]")
+      ->check(CLI::IsMember(Names(names)))
+      ->type_name("NAME");
+}
+
 void AddThreads(CLI::App& verb, PictureOptions& options) {
-  verb.add_option("--threads", options.threads, "threads a turn takes, 1 to 100 [one a processor]")
+  verb.add_option("--threads", options.threads,
+                  "threads for one picture, 1 to 100 [one a processor]")
       ->check(CLI::Range(1, 100))
       ->type_name("N");
 }

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/host/codecs/tiff_encoder.h>
+
 namespace CLI {
 class App;
 }
@@ -36,7 +38,9 @@ struct PictureOptions {
   /// 0 keeps the depth.
   int bits = 0;
   int quality = 90;
-  /// 0 is one for each processor.
+  /// Of TIFF files.
+  TiffCompression compression = TiffCompression::standard;
+  /// Of a turn and of reading and writing TIFF files; 0 is one for each processor.
   int threads = 0;
 };
 
@@ -45,6 +49,7 @@ void AddAngle(CLI::App& verb, PictureOptions& options, bool required);
 void AddBackground(CLI::App& verb, PictureOptions& options);
 void AddBits(CLI::App& verb, PictureOptions& options);
 void AddQuality(CLI::App& verb, PictureOptions& options);
+void AddCompression(CLI::App& verb, PictureOptions& options);
 void AddThreads(CLI::App& verb, PictureOptions& options);
 
 }  // namespace rasterkit::tool

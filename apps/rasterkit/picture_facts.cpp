@@ -1,7 +1,10 @@
 #include "apps/rasterkit/picture_facts.h"
 
+#include <rasterkit/host/raster/pixel_format.h>
+
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/picture_file.h"
+#include "apps/rasterkit/world_file.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -12,14 +15,39 @@ std::string ReasonOf(const std::string& message, const std::string& file) {
   return message.rfind(prefix, 0) == 0 ? message.substr(prefix.size()) : message;
 }
 
-void TakePixelFacts(PictureFacts& facts, const TBitmap& bitmap) {
-  facts.width = bitmap.Width();
-  facts.height = bitmap.Height();
-  facts.bits = bitmap.StoredBits();
-  if (IsIndexed(bitmap.PixelFormat())) facts.paletteEntries = bitmap.Palette().Count();
-  facts.transparent = bitmap.Transparent() || bitmap.AlphaFormat() == afDefined;
-  const Resolution dpi = bitmap.Dpi();
-  if (dpi.IsKnown()) facts.dpi = {dpi.x, dpi.y};
+/// Grey frames leave their palette to whoever shows them: a ramp.
+int PaletteEntries(const ImagingFrame& frame) {
+  switch (frame.format) {
+    case GUID_WICPixelFormatBlackWhite:
+      return 2;
+    case GUID_WICPixelFormat4bppGray:
+      return 16;
+    case GUID_WICPixelFormat8bppGray:
+      return 256;
+    default:
+      return IsIndexed(frame.rows.Format()) ? frame.rows.palette.Count() : 0;
+  }
+}
+
+void TakePixelFacts(PictureFacts& facts, const ImagingFrame& frame) {
+  const Raster& rows = frame.rows;
+  facts.width = rows.Width();
+  facts.height = rows.Height();
+  facts.bits = StoredBitsPerPixel(rows.Format());
+  facts.paletteEntries = PaletteEntries(frame);
+  facts.transparent = rows.transparentColor.has_value() || rows.alphaFormat == afDefined;
+  if (rows.resolution.IsKnown()) facts.dpi = {rows.resolution.x, rows.resolution.y};
+}
+
+/// Every position, and what is doubtful about them.
+void TakePositions(PictureFacts& facts) {
+  facts.positions = PositionsOf(facts.file, facts.tiff.value_or(TiffFacts()));
+  const auto worldFile = FindWorldFile(facts.file);
+  if (worldFile && !ReadWorldFile(*worldFile))
+    facts.warnings.push_back(*worldFile + " does not begin with six numbers and is ignored");
+  if (!facts.error.empty()) return;
+  if (const auto doubt = PositionDoubt(facts.positions, facts.width, facts.height))
+    facts.warnings.push_back(*doubt);
 }
 
 }  // namespace
@@ -27,21 +55,24 @@ void TakePixelFacts(PictureFacts& facts, const TBitmap& bitmap) {
 PictureFacts GatherFacts(const std::string& file) {
   PictureFacts facts;
   facts.file = file;
-  LoadedPicture picture;
+  LoadedFrame loaded;
   try {
-    LoadPictureInto(picture, file);
-    TakePixelFacts(facts, *picture.bitmap);
+    LoadFrameInto(loaded, file);
+    TakePixelFacts(facts, loaded.frame);
   } catch (const Failure& failure) {
     facts.error = ReasonOf(failure.what(), file);
   }
-  const bool wasOpened = picture.bytes > 0 || facts.error.empty();
-  if (wasOpened) facts.type = PictureTypeName(picture.type);
-  facts.bytes = picture.bytes;
-  facts.metadata = picture.metadata;
-  facts.photo = picture.photo;
-  if (facts.error.empty() && picture.type != PictureType::jpeg) facts.photo.rotation = 0;
-  facts.warnings = picture.warnings;
-  if (const auto worldFile = FindWorldFile(file)) facts.worldFile = ReadWorldFile(*worldFile);
+  const bool wasOpened = loaded.bytes > 0 || facts.error.empty();
+  if (wasOpened) facts.type = PictureTypeName(loaded.type);
+  facts.bytes = loaded.bytes;
+  facts.metadata = loaded.metadata;
+  facts.photo = loaded.photo;
+  if (facts.error.empty() && loaded.type != PictureType::jpeg) facts.photo.rotation = 0;
+  facts.warnings = loaded.warnings;
+  facts.tiff = loaded.tiff;
+  if (loaded.grid) facts.grid = GridTypeName(*loaded.grid);
+  if (loaded.tiff) facts.pages = loaded.tiff->pages;
+  TakePositions(facts);
   return facts;
 }
 

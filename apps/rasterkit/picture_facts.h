@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "apps/rasterkit/geo_position.h"
 #include "apps/rasterkit/photo_facts.h"
-#include "apps/rasterkit/world_file.h"
 
 namespace rasterkit::tool {
 
@@ -22,15 +22,20 @@ struct PictureFacts {
   std::string type;
   uint64_t bytes = 0;
 
-  /// The rest is known of a picture that was decoded.
+  /// The rest down to `grid` is known of a picture that was decoded.
   int width = 0, height = 0, bits = 0;
+  int pages = 1;
   int paletteEntries = 0;
   bool transparent = false;
   std::optional<std::array<double, 2>> dpi;
   std::vector<std::string> metadata;
+  /// "none", or the numbers of a grid: "float32", "uint16" ...
+  std::string grid = "none";
 
   PhotoFacts photo;
-  std::optional<WorldFile> worldFile;
+  std::vector<GeoPosition> positions;
+  /// Of a TIFF file whose directories can be read, also when its pixels cannot.
+  std::optional<TiffFacts> tiff;
 };
 
 /// Reads and decodes the file; never throws for a bad one.

@@ -2,30 +2,27 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <new>
 
 #include <rasterkit/host/codecs/bmp_decoder.h>
-#include <rasterkit/host/codecs/bmp_encoder.h>
 #include <rasterkit/host/codecs/decode_picture.h>
 #include <rasterkit/host/codecs/jpeg_decoder.h>
-#include <rasterkit/host/codecs/jpeg_encoder.h>
 #include <rasterkit/host/codecs/metadata.h>
 #include <rasterkit/host/codecs/png_decoder.h>
-#include <rasterkit/host/codecs/png_encoder.h>
-#include <rasterkit/host/raster/convert.h>
-#include <rasterkit/host/runtime/atomic_file.h>
+#include <rasterkit/host/codecs/tiff_decoder.h>
 #include <rasterkit/host/runtime/errors.h>
-#include <rasterkit/host/runtime/file_name.h>
-#include <rasterkit/host/runtime/text.h>
 
 #include "apps/rasterkit/exit_code.h"
-#include "apps/rasterkit/interruption.h"
+#include "apps/rasterkit/visible_rows.h"
 
 namespace rasterkit::tool {
 namespace {
 
 /// Enough for every kind's mark, also for that of a PDF behind foreign bytes.
 constexpr size_t kSniffedBytes = 1024;
+
+constexpr int kMostDecoders = 64;
 
 PictureType SniffStream(TStream& stream) {
   std::array<uint8_t, kSniffedBytes> first;
@@ -34,9 +31,35 @@ PictureType SniffStream(TStream& stream) {
   return SniffPictureType(std::span(first).first(count));
 }
 
-void Take(LoadedPicture& picture, Raster raster, const CodecReport& report) {
-  picture.bitmap = std::make_unique<TBitmap>(std::move(raster));
-  picture.warnings.insert(picture.warnings.end(), report.warnings.begin(), report.warnings.end());
+void AddWarnings(PictureFile& file, const CodecReport& report) {
+  file.warnings.insert(file.warnings.end(), report.warnings.begin(), report.warnings.end());
+}
+
+/// A file whose directories cannot be read is refused by the decoder, in its own words.
+void ReadFacts(LoadedFrame& loaded, TStream& stream) {
+  try {
+    loaded.tiff = ReadTiffFacts(stream);
+    loaded.photo.orientation = loaded.tiff->orientation;
+    loaded.metadata = loaded.tiff->metadata;
+  } catch (const Error&) {
+  }
+  stream.SetPosition(0);
+}
+
+/// TIFF files can be huge: facts and rows are read where they lie.
+void LoadTiff(LoadedFrame& loaded, TStream& stream, int threads) {
+  loaded.bytes = stream.Size();
+  ReadFacts(loaded, stream);
+  CodecReport report;
+  loaded.frame = DecodeTiff(stream, {std::min(threads, kMostDecoders)}, &report);
+  loaded.grid = GridTypeOf(loaded.frame.format);
+  AddWarnings(loaded, report);
+}
+
+/// The other kinds are pictures, whatever their rows are like.
+void Take(LoadedFrame& loaded, Raster rows, const CodecReport& report) {
+  loaded.frame.rows = std::move(rows);
+  AddWarnings(loaded, report);
 }
 
 /// Compressed kinds are decoded where their bytes are: a stream would copy them.
@@ -47,59 +70,40 @@ Raster DecodeBytes(PictureType type, std::span<const uint8_t> bytes, CodecReport
   return DecodePicture(memory, &report);
 }
 
-/// Bitmap files can be huge and have nothing beside their pixels: their rows go straight from the
-/// file into the bitmap. The other kinds are compressed and looked at twice. A pipe has no size and
-/// cannot be rewound.
-void LoadStream(LoadedPicture& picture, TStream& stream) {
-  CodecReport report;
-  const bool isFile = stream.Size() > 0;
-  if (isFile) picture.type = SniffStream(stream);
-  if (isFile && picture.type == PictureType::bmp) {
-    picture.bytes = stream.Size();
-    Take(picture, DecodeBmp(stream, &report), report);
-    return;
+void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, int threads) {
+  loaded.bytes = bytes.size();
+  loaded.type = SniffPictureType(bytes.first(std::min(kSniffedBytes, bytes.size())));
+  if (loaded.type == PictureType::tiff) {
+    TSpanStream memory(bytes);
+    return LoadTiff(loaded, memory, threads);
   }
-  const std::vector<uint8_t> bytes = stream.ReadToEnd();
-  picture.bytes = bytes.size();
-  picture.type = SniffPictureType(std::span(bytes).first(std::min(kSniffedBytes, bytes.size())));
   const PictureMetadata metadata = ReadMetadata(bytes);
-  picture.metadata = metadata.kinds;
-  const bool isJpeg = picture.type == PictureType::jpeg;
-  picture.photo = isJpeg ? ReadPhotoFacts(bytes) : ReadExifFacts(metadata.exif);
-  picture.warnings = picture.photo.warnings;
-  Take(picture, DecodeBytes(picture.type, bytes, report), report);
+  loaded.metadata = metadata.kinds;
+  const bool isJpeg = loaded.type == PictureType::jpeg;
+  loaded.photo = isJpeg ? ReadPhotoFacts(bytes) : ReadExifFacts(metadata.exif);
+  loaded.warnings = loaded.photo.warnings;
+  CodecReport report;
+  Take(loaded, DecodeBytes(loaded.type, bytes, report), report);
 }
 
-void SaveJpeg(const TBitmap& bitmap, AtomicFile& file, int quality) {
-  const Raster& content = bitmap.Content();
-  const bool isGray = content.Format() == pf8bit && IsGrayRamp(bitmap.Palette());
-  if (isGray || content.Format() == pf24bit) {
-    file.Write(EncodeJpeg(content, quality));
-  } else {
-    file.Write(EncodeJpeg(ConvertRaster(content, pf24bit), quality));
+/// Bitmap and TIFF files can be huge: their rows go straight from the file to where they belong.
+/// The other kinds are compressed and looked at twice. A pipe has no size and cannot be rewound.
+void LoadStream(LoadedFrame& loaded, TStream& stream, int threads) {
+  const bool isFile = stream.Size() > 0;
+  if (isFile) loaded.type = SniffStream(stream);
+  if (isFile && loaded.type == PictureType::tiff) return LoadTiff(loaded, stream, threads);
+  if (isFile && loaded.type == PictureType::bmp) {
+    loaded.bytes = stream.Size();
+    CodecReport report;
+    return Take(loaded, DecodeBmp(stream, &report), report);
   }
+  LoadBytes(loaded, stream.ReadToEnd(), threads);
 }
 
-/// The codec takes the transparent colour from the raster, the bitmap keeps it beside its own.
-void SavePng(const TBitmap& bitmap, AtomicFile& file) {
-  if (!bitmap.Transparent()) return EncodePng(bitmap.Content(), file);
-  Raster content = bitmap.Content().Clone();
-  content.transparentColor = bitmap.TransparentColor();
-  EncodePng(content, file);
-}
-
-}  // namespace
-
-LoadedPicture LoadPicture(const std::string& file) {
-  LoadedPicture picture;
-  LoadPictureInto(picture, file);
-  return picture;
-}
-
-void LoadPictureInto(LoadedPicture& picture, const std::string& file) {
+/// Runs a reading of the file; what it throws names the file.
+void Guarded(const std::string& file, const std::function<void()>& reading) {
   try {
-    TFileStream stream(file);
-    LoadStream(picture, stream);
+    reading();
   } catch (const Error& error) {
     throw Failure(exitInputUnreadable, file + ": " + error.Reason());
   } catch (const std::bad_alloc&) {
@@ -107,35 +111,31 @@ void LoadPictureInto(LoadedPicture& picture, const std::string& file) {
   }
 }
 
-PictureType WritableType(const std::string& file) {
-  const std::string extension = UpperCase(ExtractFileExt(file));
-  if (extension == ".BMP") return PictureType::bmp;
-  if (extension == ".JPG" || extension == ".JPEG") return PictureType::jpeg;
-  if (extension == ".PNG") return PictureType::png;
-  return PictureType::unknown;
+Raster RowsToLookAt(LoadedFrame& loaded) {
+  if (loaded.type != PictureType::tiff) return std::move(loaded.frame.rows);
+  CodecReport report;
+  const std::string noData = loaded.tiff ? loaded.tiff->noData : std::string();
+  Raster rows = VisibleRows(std::move(loaded.frame), noData, report);
+  AddWarnings(loaded, report);
+  return rows;
 }
 
-void SavePicture(const TBitmap& bitmap, const std::string& name, int quality) {
-  try {
-    AtomicFile file(name);
-    switch (WritableType(name)) {
-      case PictureType::bmp:
-        EncodeBmp(bitmap.Content(), file, BmpProfile::embed);
-        break;
-      case PictureType::png:
-        SavePng(bitmap, file);
-        break;
-      default:
-        SaveJpeg(bitmap, file, quality);
-        break;
-    }
-    StopIfInterrupted();
-    file.Commit();
-  } catch (const Error& error) {
-    throw Failure(exitOutputNotWritten, name + ": " + error.Reason());
-  } catch (const std::bad_alloc&) {
-    throw Failure(exitOutputNotWritten, name + ": not enough memory");
-  }
+}  // namespace
+
+void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads) {
+  Guarded(file, [&] {
+    TFileStream stream(file);
+    LoadStream(frame, stream, threads);
+  });
+}
+
+LoadedPicture LoadPicture(const std::string& file, int threads) {
+  LoadedFrame loaded;
+  LoadFrameInto(loaded, file, threads);
+  LoadedPicture picture;
+  Guarded(file, [&] { picture.bitmap = std::make_unique<TBitmap>(RowsToLookAt(loaded)); });
+  static_cast<PictureFile&>(picture) = std::move(loaded);
+  return picture;
 }
 
 }  // namespace rasterkit::tool

@@ -1,40 +1,55 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include <rasterkit/host/codecs/imaging_frame.h>
 #include <rasterkit/host/codecs/picture_type.h>
+#include <rasterkit/host/codecs/tiff_facts.h>
 #include <rasterkit/host/graphics/bitmap.h>
 
+#include "apps/rasterkit/grid.h"
 #include "apps/rasterkit/photo_facts.h"
 
 namespace rasterkit::tool {
 
-/// A picture as its file holds it, not yet turned upright.
-struct LoadedPicture {
+/// What a file says beside its pixels.
+struct PictureFile {
   PictureType type = PictureType::unknown;
-  std::unique_ptr<TBitmap> bitmap;
+  /// The orientation is also that of a TIFF file's own tag.
   PhotoFacts photo;
-  /// What lies in the file beside the pixels: see PictureMetadata::kinds.
+  /// What lies in the file beside the pixels: see PictureMetadata::kinds and TiffFacts::metadata.
   std::vector<std::string> metadata;
   std::vector<std::string> warnings;
   uint64_t bytes = 0;
+  /// Of a TIFF file whose directories can be read.
+  std::optional<TiffFacts> tiff;
+  /// What the pixels of a TIFF file are when they are numbers, not colours.
+  std::optional<GridType> grid;
+
+  /// Pictures in the file, smaller copies and masks of others not counted.
+  int Pages() const { return tiff ? tiff->pages - tiff->secondaryPages : 1; }
 };
 
-/// Loads by content, whatever the file is called. Throws Failure(exitInputUnreadable).
-LoadedPicture LoadPicture(const std::string& file);
+/// A picture as its file holds it, not yet turned upright.
+struct LoadedPicture : PictureFile {
+  std::unique_ptr<TBitmap> bitmap;
+};
 
-/// The same; what was learnt before a failure (type, size of the file, facts of the photograph)
-/// stays in `picture`.
-void LoadPictureInto(LoadedPicture& picture, const std::string& file);
+/// The rows as decoded: the numbers of a grid are not yet made visible.
+struct LoadedFrame : PictureFile {
+  ImagingFrame frame;
+};
 
-/// What a file of this name would be written as: bmp, jpeg, png, or unknown.
-PictureType WritableType(const std::string& file);
+/// Loads the first picture by content, whatever the file is called, as something to look at: the
+/// numbers of a grid become greys (see VisibleRows).
+/// `threads` decode it where its kind can share the work. Throws Failure(exitInputUnreadable).
+LoadedPicture LoadPicture(const std::string& file, int threads = 1);
 
-/// Writes the bitmap as the name's extension says, whole or not at all. Throws
-/// Failure(exitOutputNotWritten), or Failure(exitInterrupted) as long as the file has not got its
-/// name.
-void SavePicture(const TBitmap& bitmap, const std::string& file, int quality);
+/// Loads the rows; what was learnt before a failure (type, size of the file, facts of photograph
+/// and directories) stays in `frame`. Throws Failure(exitInputUnreadable).
+void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads = 1);
 
 }  // namespace rasterkit::tool

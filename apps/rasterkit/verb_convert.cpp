@@ -11,11 +11,15 @@ VerbRunner AddConvertVerb(CLI::App& app) {
   CLI::App& verb = *app.add_subcommand("convert", "write a picture upright in any supported type");
   verb.group("Verbs");
   verb.footer(
-      "The output's extension chooses the type: .bmp, .jpg, .png.\n\n"
+      "The output's extension chooses the type: .bmp, .jpg, .png, .tif. TIFF, GIF and WebP files "
+      "of "
+      "several\n"
+      "pictures give the first one.\n\n"
       "Examples:\n"
       "  rasterkit convert photo.jpg upright.png\n"
       "  rasterkit convert --out-dir site --type jpg --quality 80 --jobs 2 *.JPG\n"
-      "  rasterkit convert plan.png plan.bmp --bits 1 --overwrite");
+      "  rasterkit convert plan.png plan.bmp --bits 1 --overwrite\n"
+      "  rasterkit convert scan.tif scan-small.tif --bits 1 --compression g4");
   const auto output = std::make_shared<OutputOptions>();
   const auto picture = std::make_shared<PictureOptions>();
   AddOutputOptions(verb, *output);
@@ -24,6 +28,7 @@ VerbRunner AddConvertVerb(CLI::App& app) {
   AddBackground(verb, *picture);
   AddBits(verb, *picture);
   AddQuality(verb, *picture);
+  AddCompression(verb, *picture);
   AddThreads(verb, *picture);
   return [output, picture] {
     return RunJobs(*output, PlanJobs(*output),

@@ -12,7 +12,7 @@
 #include "apps/rasterkit/interruption.h"
 #include "apps/rasterkit/jpeg_header.h"
 #include "apps/rasterkit/jpeg_input.h"
-#include "apps/rasterkit/picture_file.h"
+#include "apps/rasterkit/save_picture.h"
 #include "apps/rasterkit/verbs.h"
 
 #include <CLI/CLI.hpp>

@@ -1,11 +1,15 @@
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
 #include <fmt/format.h>
 
 #include "apps/rasterkit/exit_code.h"
+#include "apps/rasterkit/geo_json.h"
+#include "apps/rasterkit/geo_text.h"
 #include "apps/rasterkit/interruption.h"
 #include "apps/rasterkit/picture_facts.h"
+#include "apps/rasterkit/tiff_report.h"
 #include "apps/rasterkit/verbs.h"
 
 #include <CLI/CLI.hpp>
@@ -29,16 +33,6 @@ Json GpsJson(const std::optional<GpsPosition>& gps) {
           {"altitude", gps->altitude ? Json(*gps->altitude) : Json()}};
 }
 
-Json GeoJson(const PictureFacts& facts) {
-  Json sources = Json::array();
-  if (facts.worldFile) {
-    sources.push_back({{"source", "worldfile"},
-                       {"file", facts.worldFile->file},
-                       {"affine", facts.worldFile->affine}});
-  }
-  return sources;
-}
-
 Json FactsJson(const PictureFacts& facts) {
   Json line;
   line["schema"] = 1;
@@ -55,33 +49,53 @@ Json FactsJson(const PictureFacts& facts) {
   line["orientation"] = facts.photo.orientation ? Json(*facts.photo.orientation) : Json();
   line["rotation"] = facts.photo.rotation ? Json(*facts.photo.rotation) : Json();
   line["gps"] = GpsJson(facts.photo.gps);
-  line["geo"] = GeoJson(facts);
-  line["grid"] = "none";
-  line["pages"] = IfRead(facts, 1);
+  line["geo"] = GeoJson(facts.positions);
+  line["grid"] = IfRead(facts, facts.grid);
+  line["pages"] = IfRead(facts, facts.pages);
+  line["tiff"] = facts.tiff ? TiffJson(*facts.tiff) : Json();
   line["bytes"] = facts.bytes;
   line["metadata"] = facts.metadata;
   line["warnings"] = facts.warnings;
   return line;
 }
 
+void PrintGrid(const PictureFacts& facts) {
+  const std::string noData = facts.tiff ? facts.tiff->noData : std::string();
+  fmt::print("  grid of {} numbers{}\n", facts.grid,
+             noData.empty() ? noData : ", no data is " + noData);
+}
+
+void PrintOrientation(const PictureFacts& facts) {
+  fmt::print("  orientation {}", *facts.photo.orientation);
+  if (facts.type == "jpeg") fmt::print(", rotation {}", facts.photo.rotation.value_or(0));
+  fmt::print("\n");
+}
+
+/// Ground control points: they tie pixels to the map, but give them no size.
+void PrintLooseTiePoints(const PictureFacts& facts) {
+  const size_t points = facts.tiff ? facts.tiff->tiePoints.size() / 6 : 0;
+  const bool isPlaced = std::any_of(facts.positions.begin(), facts.positions.end(),
+                                    [](const GeoPosition& p) { return p.file.empty(); });
+  if (points > 0 && !isPlaced) fmt::print("  {} tie points without a pixel size\n", points);
+}
+
 void PrintText(const PictureFacts& facts) {
-  fmt::print("{}: {}, {} x {} pixels, {} bits", facts.file, facts.type, facts.width, facts.height,
-             facts.bits);
+  fmt::print("{}: {}, {} x {} pixels, {} bit{}", facts.file, facts.type, facts.width, facts.height,
+             facts.bits, facts.bits == 1 ? "" : "s");
   if (facts.paletteEntries > 0) fmt::print(", {} palette entries", facts.paletteEntries);
   if (facts.transparent) fmt::print(", transparent");
   if (facts.dpi) fmt::print(", {:.5g} x {:.5g} dpi", (*facts.dpi)[0], (*facts.dpi)[1]);
   fmt::print(", {} bytes\n", facts.bytes);
-  if (facts.photo.orientation)
-    fmt::print("  orientation {}, rotation {}\n", *facts.photo.orientation,
-               facts.photo.rotation.value_or(0));
+  if (facts.tiff) fmt::print("  {}\n", TiffText(*facts.tiff));
+  if (facts.grid != "none") PrintGrid(facts);
+  if (facts.photo.orientation) PrintOrientation(facts);
   if (const auto& gps = facts.photo.gps) {
     fmt::print("  GPS {:.6f}, {:.6f}", gps->latitude, gps->longitude);
     if (gps->altitude) fmt::print(", {:.1f} m", *gps->altitude);
     fmt::print("\n");
   }
-  if (facts.worldFile)
-    fmt::print("  world file {}: {}\n", facts.worldFile->file,
-               fmt::join(facts.worldFile->affine, " "));
+  for (const GeoPosition& position : facts.positions) fmt::print("  {}\n", PositionText(position));
+  PrintLooseTiePoints(facts);
   if (!facts.metadata.empty()) fmt::print("  metadata: {}\n", fmt::join(facts.metadata, ", "));
 }
 

@@ -24,6 +24,7 @@ VerbRunner AddRotateVerb(CLI::App& app) {
   AddAngle(verb, *picture, true);
   AddBackground(verb, *picture);
   AddQuality(verb, *picture);
+  AddCompression(verb, *picture);
   AddThreads(verb, *picture);
   return [output, picture] {
     return RunJobs(*output, PlanJobs(*output),

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <rasterkit/host/codecs/tiff_encoder.h>
+
+#include "apps/rasterkit/picture_file.h"
+
+namespace rasterkit::tool {
+
+/// What places a picture on a map, and what of it a TIFF file of the same rows can say.
+struct MapPlacement {
+  /// Everything about the map that the input has: "worldfile", "geotiff",
+  /// "geotiff-transformation", "tie-points" (without a pixel size), "coordinate-system", "nodata".
+  std::vector<std::string> sources;
+  /// The position that counts, as tags; nothing when there is none or it turns the picture.
+  std::optional<TiffGeoTags> tags;
+  /// The sources that the tags stand for.
+  std::vector<std::string> kept;
+  /// The positions disagree.
+  std::optional<std::string> doubt;
+};
+
+/// Of a picture in its stored rows; `input` is the file's name, beside which a world file may lie.
+MapPlacement PlacementOf(const std::string& input, const LoadedPicture& picture);
+
+}  // namespace rasterkit::tool
