@@ -281,6 +281,18 @@ TEST(TiffEncoder, Resolution_Should_Come) {
   }
 }
 
+TEST(TiffEncoder, AbsurdResolution_Should_NotKeepThePixelsOut) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  constexpr double none = std::numeric_limits<double>::quiet_NaN();
+  for (const Resolution resolution :
+       {Resolution{infinity, infinity}, Resolution{1e300, 5e-324}, Resolution{1e-30, 1e30},
+        Resolution{none, none}, Resolution{-1, -1}, Resolution{300, 0}}) {
+    Raster source = GradientRaster(pf24bit, 5, 3);
+    source.resolution = resolution;
+    EXPECT_TRUE(SamePixels(source, Decoded(Encoded(source)))) << resolution.x;
+  }
+}
+
 TEST(TiffEncoder, Profile_Should_Come_When_ItFitsThePixels) {
   Raster color = GradientRaster(pf24bit, 5, 3), gray = GrayRaster(5, 3);
   color.profile = gray.profile = RgbProfile();
