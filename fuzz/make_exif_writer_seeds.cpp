@@ -1,5 +1,5 @@
-// Writes the seeds of the EXIF writer's fuzzer: headers of photographs and of what encoders write.
-// usage: make_exif_writer_seeds FOLDER
+// Writes the seeds of the fuzzers that write EXIF data, exif_writer and exif_copy: headers of
+// photographs and of what encoders write. usage: make_exif_writer_seeds FOLDER
 
 #include <cstdio>
 #include <fstream>

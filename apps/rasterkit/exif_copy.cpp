@@ -161,16 +161,13 @@ class Copy {
   }
 
   /// The picture's file without any metadata in it, also without that which stands behind other
-  /// sections.
+  /// sections, and without stray bytes between them.
   void WritePicture(TStream& target) {
     TMemoryStream plain;
-    size_t written = 0;
-    for (const JpegSegment& segment : picture_.segments) {
-      if (!IsMetadata(segment)) continue;
-      plain.Write(pictureBytes_.subspan(written, segment.place - written));
-      written = segment.place + segment.Size();
-    }
-    plain.Write(pictureBytes_.subspan(written));
+    plain.Write(pictureBytes_.first(2));
+    for (const JpegSegment& segment : picture_.segments)
+      if (!IsMetadata(segment)) plain.Write(pictureBytes_.subspan(segment.place, segment.Size()));
+    plain.Write(pictureBytes_.subspan(picture_.scanPlace));
     saved_.WriteImageToStream(plain, target, true);
   }
 
