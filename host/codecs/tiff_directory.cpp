@@ -162,7 +162,7 @@ std::vector<double> TiffDirectory::Numbers(uint16_t tag, size_t most) const {
   if (found == entries_.end() || found->second.type == typeText) return {};
   const TiffEntry& entry = found->second;
   const auto valueBytes = static_cast<uint64_t>(TypeBytes(entry.type));
-  if (entry.count > size_ / valueBytes) return {};
+  if (valueBytes == 0 || entry.count > size_ / valueBytes) return {};
   std::vector<uint8_t> bytes(
       static_cast<size_t>(std::min<uint64_t>(entry.count, most) * valueBytes));
   if (!ReadAt(entry.valuesAt, bytes.data(), bytes.size())) return {};

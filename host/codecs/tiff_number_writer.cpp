@@ -8,9 +8,13 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// 0 to 1 as a byte, rounded.
+/// 0 to 1 as a whole number of 0 to `full`, halves rounded up.
+int OfFull(double share, int full) {
+  return (static_cast<int>(share * (2 * full)) + 1) / 2;
+}
+
 uint8_t ShareToByte(double share) {
-  return static_cast<uint8_t>(share * 255 + 0.5);
+  return static_cast<uint8_t>(OfFull(share, 255));
 }
 
 /// Cuts to 0 to 1; what is no number becomes 0.
@@ -126,7 +130,7 @@ class InkRows : public NumberWriter {
     bgr_.resize(3 * width);
     for (size_t x = 0; x < width; x++, pixels += Pitch()) {
       for (size_t i = 0; i < 4; i++)
-        words_[4 * x + i] = static_cast<uint16_t>(Share(pixels[i]) * 65535 + 0.5);
+        words_[4 * x + i] = static_cast<uint16_t>(OfFull(Share(pixels[i]), 65535));
     }
     inks_->ToBgr(words_.data(), width, bgr_.data());
   }

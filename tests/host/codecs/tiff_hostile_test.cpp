@@ -165,6 +165,30 @@ TEST(TiffHostile, HugeClaims_Should_BeRefusedBeforeMemoryIsTaken) {
   EXPECT_THAT(ErrorOf(claim(0, 5, COMPRESSION_LZW)), HasSubstr("TIFF"));
 }
 
+TEST(TiffHostile, HugeTagCounts_Should_GiveAPictureOrAnError) {
+  const auto sound = [] {
+    RawTiff file = RawTiff::Of(4, 4, 8, COMPRESSION_NONE);
+    return file.Long(TIFFTAG_STRIPOFFSETS, 8).Long(TIFFTAG_STRIPBYTECOUNTS, 16);
+  };
+  EXPECT_EQ(ErrorOf(sound().Bytes(16)), "none");
+  for (const uint32_t count : {0x10000u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
+    for (const uint16_t tag : {TIFFTAG_BITSPERSAMPLE, TIFFTAG_STRIPOFFSETS, TIFFTAG_STRIPBYTECOUNTS,
+                               TIFFTAG_SAMPLEFORMAT, TIFFTAG_COLORMAP, TIFFTAG_EXTRASAMPLES,
+                               TIFFTAG_ICCPROFILE, 33550, 33922, 42113}) {
+      for (const uint16_t type : {1, 2, 3, 4, 7, 12}) {
+        SCOPED_TRACE(testing::Message() << "tag " << tag << ", type " << type << ", " << count);
+        const std::vector<uint8_t> bytes = sound().Entry(tag, type, count, 8).Bytes(16);
+        const std::string error = ErrorOf(bytes);
+        EXPECT_TRUE(error == "none" || error.starts_with("TIFF")) << error;
+        TSpanStream stream(bytes);
+        const TiffFacts facts = ReadTiffFacts(stream);
+        EXPECT_TRUE(facts.pixelScale.empty() && facts.tiePoints.empty());
+        EXPECT_LE(facts.noData.size(), 4096u);
+      }
+    }
+  }
+}
+
 TEST(TiffHostile, MemoryLimit_Should_HoldForRowsAndBlocks) {
   const uint64_t before = PictureMemoryLimit();
   const std::vector<uint8_t> large = Picture(400, 300, 300, COMPRESSION_LZW).Bytes();

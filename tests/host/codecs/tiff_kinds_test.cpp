@@ -156,8 +156,9 @@ std::array<uint8_t, 4> StretchedPixel(const TiffFile& file, uint32_t x, uint32_t
       greatest = std::max(greatest, reference::TiffNumber(file, column, row, 0));
     }
   }
-  const uint8_t gray =
-      reference::TiffByte((reference::TiffNumber(file, x, y, 0) - least) / (greatest - least));
+  // A single number is shown as black.
+  const long double range = greatest > least ? greatest - least : 1;
+  const uint8_t gray = reference::TiffByte((reference::TiffNumber(file, x, y, 0) - least) / range);
   return {gray, gray, gray, 255};
 }
 

@@ -198,11 +198,12 @@ void ExpectStretched(const Bands& bands, const Raster& raster) {
     least = std::min(least, number(i));
     greatest = std::max(greatest, number(i));
   }
+  const long double range = greatest > least ? greatest - least : 1;
   for (size_t i = 0; i < count; i++) {
     const uint8_t* pixel = raster.Row(static_cast<int>(i / bands.width)) + i % bands.width * 4;
     ASSERT_EQ(pixel[3], 255) << i;
     if (!std::isfinite(number(i))) continue;
-    ASSERT_EQ(pixel[0], reference::TiffByte((number(i) - least) / (greatest - least))) << i;
+    ASSERT_EQ(pixel[0], reference::TiffByte((number(i) - least) / range)) << i;
   }
 }
 
