@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <rasterkit/host/codecs/decode_frame.h>
+#include <rasterkit/host/codecs/unsized_picture.h>
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/stream.h>
 
@@ -46,7 +47,7 @@ void LoadStream(GridFile& result, TStream& stream) {
 void Load(GridFile& result, const std::string& file) {
   TFileStream stream(file);
   if (stream.Size() > 0) return LoadStream(result, stream);
-  TMemoryStream memory(stream.ReadToEnd());
+  TMemoryStream memory(ReadUnsizedPicture(stream));
   LoadStream(result, memory);
 }
 

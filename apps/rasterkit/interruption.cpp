@@ -1,35 +1,83 @@
 #include "apps/rasterkit/interruption.h"
 
+#include <atomic>
 #include <csignal>
+#include <filesystem>
+#include <string_view>
+
+#include <unistd.h>
+
+#include <rasterkit/host/runtime/file_name.h>
 
 #include "apps/rasterkit/exit_code.h"
 
 namespace rasterkit::tool {
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
+std::atomic<bool> interrupted = false;
+std::atomic<int> waitingInputs = 0;
+std::atomic<int> outputs = 0;
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
+              "signal handlers must not wait for a lock");
+
+/// Ends the process where it stands, with calls that a signal handler may make.
+[[noreturn]] void EndAtOnce() {
+  constexpr std::string_view text = "rasterkit: interrupted\n";
+  [[maybe_unused]] const auto ignored = write(STDERR_FILENO, text.data(), text.size());
+  _exit(exitInterrupted);
+}
 
 void OnInterrupt(int signalNumber) {
-  interrupted = 1;
+  interrupted = true;
   std::signal(signalNumber, SIG_DFL);
+  if (waitingInputs > 0 && outputs == 0) EndAtOnce();
+}
+
+bool IsPipeOrDevice(const std::string& file) {
+  std::error_code error;
+  const auto status = std::filesystem::status(ToPath(file), error);
+  return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+         !std::filesystem::is_directory(status);
 }
 
 }  // namespace
 
 void CatchInterruption() {
-  // A process that was started with the signal ignored (in the background) keeps ignoring it.
-  if (std::signal(SIGINT, OnInterrupt) == SIG_IGN) std::signal(SIGINT, SIG_IGN);
-#ifdef SIGXFSZ
+  for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+    // A process that was started with the signal ignored (in the background) keeps ignoring it.
+    if (std::signal(signalNumber, OnInterrupt) == SIG_IGN) std::signal(signalNumber, SIG_IGN);
+  }
   std::signal(SIGXFSZ, SIG_IGN);
-#endif
 }
 
 bool IsInterrupted() {
-  return interrupted != 0;
+  return interrupted;
 }
 
 void StopIfInterrupted() {
   if (IsInterrupted()) throw Failure(exitInterrupted, "interrupted");
+}
+
+InterruptibleInput::InterruptibleInput(const std::string& file) : mayWait_(IsPipeOrDevice(file)) {
+  if (!mayWait_) return;
+  ++waitingInputs;
+  if (!IsInterrupted()) return;
+  // The request came before it could be acted upon.
+  --waitingInputs;
+  StopIfInterrupted();
+}
+
+InterruptibleInput::~InterruptibleInput() {
+  if (mayWait_) --waitingInputs;
+}
+
+WholeOutput::WholeOutput() {
+  ++outputs;
+}
+
+WholeOutput::~WholeOutput() {
+  // Another thread may wait for its input still.
+  if (--outputs == 0 && interrupted && waitingInputs > 0) EndAtOnce();
 }
 
 }  // namespace rasterkit::tool

@@ -11,6 +11,7 @@
 
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/interruption.h"
+#include "apps/rasterkit/standard_streams.h"
 #include "apps/rasterkit/verbs.h"
 
 #include <CLI/CLI.hpp>
@@ -74,6 +75,7 @@ int Main(int argc, char** argv) {
 }  // namespace rasterkit::tool
 
 int main(int argc, char** argv) {
+  rasterkit::tool::PrepareStandardStreams();
   try {
     return rasterkit::tool::Main(argc, argv);
   } catch (const std::exception& error) {

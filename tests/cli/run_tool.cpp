@@ -65,6 +65,10 @@ ToolProcess::ToolProcess(const std::vector<std::string>& arguments, const ToolSe
   std::vector<char*> pointers;
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
+  if (setup.isReaderGone) {
+    close(out[0]);
+    out[0] = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  }
   process_ = fork();
   if (process_ == 0) BecomeTool(std::move(pointers), setup, out[1], err[1]);
   close(out[1]);

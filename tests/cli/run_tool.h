@@ -25,6 +25,8 @@ struct ToolSetup {
   std::optional<uint64_t> fileSizeLimit;
   /// Where stdout goes instead of into the result.
   std::string stdoutFile;
+  /// Whoever reads stdout has gone away before the process starts.
+  bool isReaderGone = false;
 };
 
 /// The tool as a process with its output in pipes (so that no progress bar is drawn), stdin empty.
