@@ -101,6 +101,8 @@ void PrintJson(const Job& job, const Outcome& outcome) {
   line["not_carried_over"] = outcome.result.notCarriedOver;
   line["warnings"] = outcome.result.warnings;
   fmt::print("{}\n", line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+  // Who reads along hears of each picture when it is done.
+  std::fflush(stdout);
 }
 
 void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& outcome) {

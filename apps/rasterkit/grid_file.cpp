@@ -10,6 +10,7 @@
 #include <rasterkit/host/runtime/stream.h>
 
 #include "apps/rasterkit/exit_code.h"
+#include "apps/rasterkit/interruption.h"
 #include "apps/rasterkit/world_file.h"
 
 namespace rasterkit::tool {
@@ -45,6 +46,7 @@ void LoadStream(GridFile& result, TStream& stream) {
 
 /// A pipe has no size and cannot be read twice.
 void Load(GridFile& result, const std::string& file) {
+  const InterruptibleInput waiting(file);
   TFileStream stream(file);
   if (stream.Size() > 0) return LoadStream(result, stream);
   TMemoryStream memory(ReadUnsizedPicture(stream));

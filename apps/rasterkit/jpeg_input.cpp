@@ -4,18 +4,32 @@
 #include <new>
 
 #include <rasterkit/host/codecs/picture_type.h>
+#include <rasterkit/host/codecs/unsized_picture.h>
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/stream.h>
 
 #include "apps/rasterkit/exit_code.h"
+#include "apps/rasterkit/interruption.h"
 
 namespace rasterkit::tool {
 namespace {
 
-void RequireJpeg(std::span<const uint8_t> bytes) {
+PictureType TypeOf(std::span<const uint8_t> bytes) {
   constexpr size_t sniffedBytes = 1024;
+  return SniffPictureType(bytes.first(std::min(sniffedBytes, bytes.size())));
+}
+
+/// Of a device without an end no more is read than tells that it is no picture.
+std::vector<uint8_t> ReadAll(TFileStream& stream) {
+  if (stream.Size() > 0) return stream.ReadToEnd();
+  std::vector<uint8_t> bytes = ReadUnsizedPicture(stream);
+  if (TypeOf(bytes) == PictureType::unknown) throw FormatError("this is no JPEG file");
+  return bytes;
+}
+
+void RequireJpeg(std::span<const uint8_t> bytes) {
   if (bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xD8) return;
-  const PictureType type = SniffPictureType(bytes.first(std::min(sniffedBytes, bytes.size())));
+  const PictureType type = TypeOf(bytes);
   if (type == PictureType::unknown) throw FormatError("this is no JPEG file");
   throw FormatError(std::string("this is no JPEG file but ") + PictureTypeName(type));
 }
@@ -24,7 +38,9 @@ void RequireJpeg(std::span<const uint8_t> bytes) {
 
 std::vector<uint8_t> ReadJpegInput(const std::string& file) {
   try {
-    std::vector<uint8_t> bytes = TFileStream(file).ReadToEnd();
+    const InterruptibleInput waiting(file);
+    TFileStream stream(file);
+    std::vector<uint8_t> bytes = ReadAll(stream);
     RequireJpeg(bytes);
     return bytes;
   } catch (const Error& error) {

@@ -5,15 +5,16 @@
 #include <functional>
 #include <new>
 
-#include <rasterkit/host/codecs/bmp_decoder.h>
 #include <rasterkit/host/codecs/decode_picture.h>
 #include <rasterkit/host/codecs/jpeg_decoder.h>
 #include <rasterkit/host/codecs/metadata.h>
 #include <rasterkit/host/codecs/png_decoder.h>
 #include <rasterkit/host/codecs/tiff_decoder.h>
+#include <rasterkit/host/codecs/unsized_picture.h>
 #include <rasterkit/host/runtime/errors.h>
 
 #include "apps/rasterkit/exit_code.h"
+#include "apps/rasterkit/interruption.h"
 #include "apps/rasterkit/visible_rows.h"
 
 namespace rasterkit::tool {
@@ -86,18 +87,25 @@ void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, int threads)
   Take(loaded, DecodeBytes(loaded.type, bytes, report), report);
 }
 
+/// Kinds whose files are looked at twice.
+bool HasMetadata(PictureType type) {
+  return type == PictureType::jpeg || type == PictureType::png || type == PictureType::gif ||
+         type == PictureType::webp;
+}
+
 /// Bitmap and TIFF files can be huge: their rows go straight from the file to where they belong.
-/// The other kinds are compressed and looked at twice. A pipe has no size and cannot be rewound.
+/// What is no picture may be even larger and is not read at all. A pipe has no size and cannot be
+/// rewound.
 void LoadStream(LoadedFrame& loaded, TStream& stream, int threads) {
   const bool isFile = stream.Size() > 0;
   if (isFile) loaded.type = SniffStream(stream);
   if (isFile && loaded.type == PictureType::tiff) return LoadTiff(loaded, stream, threads);
-  if (isFile && loaded.type == PictureType::bmp) {
+  if (isFile && !HasMetadata(loaded.type)) {
     loaded.bytes = stream.Size();
     CodecReport report;
-    return Take(loaded, DecodeBmp(stream, &report), report);
+    return Take(loaded, DecodePicture(stream, &report), report);
   }
-  LoadBytes(loaded, stream.ReadToEnd(), threads);
+  LoadBytes(loaded, isFile ? stream.ReadToEnd() : ReadUnsizedPicture(stream), threads);
 }
 
 /// Runs a reading of the file; what it throws names the file.
@@ -124,6 +132,7 @@ Raster RowsToLookAt(LoadedFrame& loaded) {
 
 void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads) {
   Guarded(file, [&] {
+    const InterruptibleInput waiting(file);
     TFileStream stream(file);
     LoadStream(frame, stream, threads);
   });

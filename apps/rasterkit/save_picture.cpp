@@ -77,6 +77,7 @@ PictureType WritableType(const std::string& file) {
 
 void SavePicture(const TBitmap& bitmap, const std::string& name, const SaveOptions& options) {
   try {
+    const WholeOutput whole;
     AtomicFile file(name);
     Encode(bitmap, WritableType(name), file, options);
     StopIfInterrupted();

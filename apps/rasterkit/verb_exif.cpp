@@ -33,6 +33,7 @@ struct ExifOptions {
 
 void Save(std::span<const uint8_t> bytes, const std::string& name) {
   try {
+    const WholeOutput whole;
     AtomicFile file(name);
     file.Write(bytes);
     StopIfInterrupted();

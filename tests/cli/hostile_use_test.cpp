@@ -134,6 +134,23 @@ TEST_F(CliHostileUse, HugeClaims_Should_BeRefusedWithoutTakingTheMemory) {
   EXPECT_THAT(folder_.Names(), ElementsAre("huge.gif", "huge.webp", "in.bmp"));
 }
 
+TEST_F(CliHostileUse, DataWithoutEnd_Should_BeRefusedWithoutReadingThem) {
+  const std::string huge = folder_ / "huge.png";
+  WriteText(huge, "no picture");
+  std::filesystem::resize_file(huge, uint64_t{20} << 30);  // a hole, no bytes on the disk
+  for (const std::string& file : {huge, std::string("/dev/zero")}) {
+    for (const std::string verb : {"info", "convert", "exif", "geotiff"}) {
+      SCOPED_TRACE(verb + " " + file);
+      std::vector<std::string> arguments = {verb, file};
+      if (verb == "convert") arguments.push_back(folder_ / "out.png");
+      const ToolResult result = RunTool(arguments);
+      EXPECT_EQ(result.code, 3);
+      EXPECT_THAT(result.err, HasSubstr(file + ": "));
+      EXPECT_LT(result.peakMemory, 128u << 20);
+    }
+  }
+}
+
 TEST_F(CliHostileUse, EmptyFile_Should_BeCalledEmpty) {
   WriteText(folder_ / "empty.png", "");
   for (const std::string& file : {folder_ / "empty.png", std::string("/dev/null")}) {

@@ -1,4 +1,6 @@
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -93,9 +95,24 @@ TEST_F(CliOutputs, ModeOfAnExistingOutput_Should_BeKept) {
   EXPECT_EQ(status.st_mode & 0777u, 0640u);
 }
 
-/// The input is a pipe, so that the test decides when its last byte arrives: the user interrupts
-/// before it.
-TEST_F(CliOutputs, Interruption_Should_Exit130AndLeaveTheOldFileWhole) {
+/// The output is a pipe that holds less than the picture, so that the tool cannot have finished
+/// when the user interrupts.
+TEST_F(CliOutputs, Interruption_Should_Exit130_When_AnOutputIsBeingWritten) {
+  SaveBmpFile(in_, GradientRaster(pf24bit, 800, 600));
+  ASSERT_EQ(mkfifo((folder_ / "pipe.bmp").c_str(), 0600), 0);
+  ToolProcess tool({"convert", in_, folder_ / "pipe.bmp"});
+  const std::vector<uint8_t> bytes = [&] {
+    std::ifstream pipe(folder_ / "pipe.bmp", std::ios::binary);
+    tool.Interrupt();
+    return std::vector<uint8_t>{std::istreambuf_iterator<char>(pipe), {}};
+  }();
+  const ToolResult result = tool.Wait();
+  EXPECT_EQ(result.code, 130);
+  EXPECT_THAT(result.err, HasSubstr("interrupted"));
+}
+
+/// The input is a pipe that never gives its last byte.
+TEST_F(CliOutputs, Interruption_Should_Exit130AndLeaveTheOldFileWhole_When_APipeIsWaitedFor) {
   const std::vector<uint8_t> bytes = ReadBytes(in_);
   WriteText(folder_ / "out.png", "old");
   ASSERT_EQ(mkfifo((folder_ / "pipe.bmp").c_str(), 0600), 0);
@@ -104,12 +121,26 @@ TEST_F(CliOutputs, Interruption_Should_Exit130AndLeaveTheOldFileWhole) {
   ASSERT_GE(pipe, 0);
   ASSERT_EQ(write(pipe, bytes.data(), 1000), 1000);
   tool.Interrupt();
-  EXPECT_EQ(write(pipe, bytes.data() + 1000, bytes.size() - 1000),
-            static_cast<ssize_t>(bytes.size() - 1000));
+  const ToolResult result = tool.Wait();
   close(pipe);
-  EXPECT_EQ(tool.Wait().code, 130);
+  EXPECT_EQ(result.code, 130);
+  EXPECT_THAT(result.err, HasSubstr("interrupted"));
   EXPECT_EQ(ReadBytes(folder_ / "out.png"), (std::vector<uint8_t>{'o', 'l', 'd'}));
   EXPECT_THAT(folder_.Names(), ElementsAre("in.bmp", "out.png", "pipe.bmp"));
+}
+
+TEST_F(CliOutputs, Interruption_Should_KeepWhatWasDone_When_APipeIsWaitedForInABatch) {
+  ASSERT_EQ(mkfifo((folder_ / "pipe.bmp").c_str(), 0600), 0);
+  ToolProcess tool({"convert", "--json", in_, folder_ / "pipe.bmp", "--type", "png", "--out-dir",
+                    folder_ / "out"});
+  // One after another: who opens the pipe has finished the first picture.
+  const int pipe = open((folder_ / "pipe.bmp").c_str(), O_WRONLY);
+  tool.Interrupt();
+  const ToolResult result = tool.Wait();
+  close(pipe);
+  EXPECT_EQ(result.code, 130);
+  EXPECT_EQ(JsonLines(result.out).size(), 1u);
+  EXPECT_TRUE(SamePixels(picture_, LoadFile(folder_ / "out/in.png")));
 }
 
 TEST_F(CliOutputs, PipeAsInput_Should_BeReadToItsEnd) {
