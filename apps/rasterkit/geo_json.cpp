@@ -13,4 +13,12 @@ nlohmann::ordered_json GeoJson(const std::vector<GeoPosition>& positions) {
   return list;
 }
 
+nlohmann::ordered_json GpsJson(const std::optional<GpsPosition>& gps) {
+  if (!gps) return {};
+  return {{"latitude", gps->latitude},
+          {"longitude", gps->longitude},
+          {"altitude",
+           gps->altitude ? nlohmann::ordered_json(*gps->altitude) : nlohmann::ordered_json()}};
+}
+
 }  // namespace rasterkit::tool

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "apps/rasterkit/geo_position.h"
+#include "apps/rasterkit/photo_facts.h"
 
 #include <nlohmann/json.hpp>
 
@@ -10,5 +12,8 @@ namespace rasterkit::tool {
 
 /// The list `geo` of JSON results: `source`, `file` for world files, and the six numbers.
 nlohmann::ordered_json GeoJson(const std::vector<GeoPosition>& positions);
+
+/// The object `gps` of JSON results, null without a position.
+nlohmann::ordered_json GpsJson(const std::optional<GpsPosition>& gps);
 
 }  // namespace rasterkit::tool

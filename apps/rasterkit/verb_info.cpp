@@ -26,13 +26,6 @@ Json IfRead(const PictureFacts& facts, const T& value) {
   return facts.error.empty() ? Json(value) : Json();
 }
 
-Json GpsJson(const std::optional<GpsPosition>& gps) {
-  if (!gps) return {};
-  return {{"latitude", gps->latitude},
-          {"longitude", gps->longitude},
-          {"altitude", gps->altitude ? Json(*gps->altitude) : Json()}};
-}
-
 Json FactsJson(const PictureFacts& facts) {
   Json line;
   line["schema"] = 1;

@@ -117,10 +117,12 @@ TEST_F(CliExif, Show_Should_GiveTheMomentOfTheShot) {
   const std::string changed = writer.Tiff({writer.Ascii(306, "2020:01:02 03:04:05")});
   EXPECT_THAT(RunTool({"exif", Photo({ExifSection(changed)})}).out,
               HasSubstr("date 2020-01-02T03:04:05\n"));
-  const std::string none = writer.Tiff({writer.Ascii(306, "    :  :     :  :  ")});
-  EXPECT_TRUE(JsonLines(RunTool({"exif", "--json", Photo({ExifSection(none)})}).out)
-                  .at(0)["date"]
-                  .is_null());
+  for (const char* text : {"    :  :     :  :  ", "2020:1:2 3:4:5", "2020:13:02 03:04:05"}) {
+    const std::string none = writer.Tiff({writer.Ascii(306, text)});
+    EXPECT_TRUE(JsonLines(RunTool({"exif", "--json", Photo({ExifSection(none)})}).out)
+                    .at(0)["date"]
+                    .is_null());
+  }
 }
 
 TEST_F(CliExif, Show_Should_NotLetAFileSteerTheTerminal) {
