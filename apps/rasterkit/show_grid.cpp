@@ -132,8 +132,11 @@ int SayNoGrid(const GridQuestions& questions, const TiffFacts& facts) {
   if (questions.json) {
     PrintJson(questions.file, "", {{"grid", "none"}});
   } else {
-    fmt::print("{}: no grid of float32, float16, uint16 or int16 values{}\n", questions.file,
-               facts.width == 0 ? "" : " (" + SamplesText(facts) + ")");
+    const std::string found = facts.width == 0
+                                  ? "no TIFF file; to place a picture on a map, name an output"
+                                  : SamplesText(facts);
+    fmt::print("{}: no grid of float32, float16, uint16 or int16 values ({})\n", questions.file,
+               found);
   }
   return exitAnswerIsNo;
 }
