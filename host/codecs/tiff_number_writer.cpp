@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
+#include <rasterkit/host/codecs/remembered_colors.h>
 #include <rasterkit/host/codecs/tiff_numbers.h>
 #include <rasterkit/host/codecs/tiff_row_writer.h>
 
@@ -109,7 +111,9 @@ class IndexedRows : public NumberWriter {
 class InkRows : public NumberWriter {
  public:
   InkRows(const TiffLayout& layout, std::shared_ptr<const InkTransform> inks)
-      : NumberWriter(layout), inks_(std::move(inks)) {}
+      : NumberWriter(layout) {
+    if (inks) inks_.emplace(std::move(inks));
+  }
 
  protected:
   void WritePixels(const double* pixels, size_t width, uint8_t* target) override {
@@ -135,7 +139,7 @@ class InkRows : public NumberWriter {
     inks_->ToBgr(words_.data(), width, bgr_.data());
   }
 
-  const std::shared_ptr<const InkTransform> inks_;
+  std::optional<RememberedColors<uint16_t, 4>> inks_;
   std::vector<uint16_t> words_;
   std::vector<uint8_t> bgr_;
 };
@@ -143,7 +147,9 @@ class InkRows : public NumberWriter {
 class LabRows : public NumberWriter {
  public:
   LabRows(const TiffLayout& layout, std::shared_ptr<const InkTransform> lab)
-      : NumberWriter(layout), lab_(std::move(lab)) {}
+      : NumberWriter(layout) {
+    if (lab) lab_.emplace(std::move(lab));
+  }
 
  protected:
   void WritePixels(const double* pixels, size_t width, uint8_t* target) override {
@@ -175,7 +181,7 @@ class LabRows : public NumberWriter {
     }
   }
 
-  const std::shared_ptr<const InkTransform> lab_;
+  std::optional<RememberedColors<double, 3>> lab_;
   std::vector<double> points_;
   std::vector<uint8_t> bgr_;
 };

@@ -10,6 +10,17 @@ namespace rasterkit::detail {
 
 namespace {
 
+/// All bits of `count` bytes inverted, word by word; source and target may be the same.
+void Invert(const uint8_t* source, size_t count, uint8_t* target) {
+  size_t i = 0;
+  for (uint64_t word = 0; i + sizeof word <= count; i += sizeof word) {
+    std::memcpy(&word, source + i, sizeof word);
+    word = ~word;
+    std::memcpy(target + i, &word, sizeof word);
+  }
+  for (; i < count; i++) target[i] = static_cast<uint8_t>(~source[i]);
+}
+
 class SameRows : public TiffRowWriter {
  public:
   explicit SameRows(const TiffLayout& layout)
@@ -18,8 +29,7 @@ class SameRows : public TiffRowWriter {
   void Write(const uint8_t* const* planes, size_t width, uint8_t* target) override {
     const size_t bytes = (width * bits_ + 7) / 8;
     if (isInverted_) {
-      const uint8_t* source = planes[0];
-      for (size_t i = 0; i < bytes; i++) target[i] = static_cast<uint8_t>(~source[i]);
+      Invert(planes[0], bytes, target);
     } else if (target != planes[0]) {
       std::memcpy(target, planes[0], bytes);
     }

@@ -270,5 +270,30 @@ TEST(TiffCodecs, Lab_Should_BeTheSame_When_OfWords) {
   }
 }
 
+TEST(TiffCodecs, Colors_Should_BeTheSame_When_TheyComeAgain) {
+  std::mt19937 random(53);
+  std::vector<std::array<uint8_t, 3>> colors(6000);
+  for (auto& color : colors)
+    for (uint8_t& part : color) part = static_cast<uint8_t>(random());
+  TiffFile file;
+  file.width = 200;
+  file.height = 60;
+  file.photometric = PHOTOMETRIC_CIELAB;
+  file.samples = 3;
+  for (uint32_t i = 0; i < file.width * file.height; i++) {
+    const auto& color = colors[random() % colors.size()];
+    file.pixels.insert(file.pixels.end(), color.begin(), color.end());
+  }
+  const ImagingFrame frame = Decode(file.Bytes());
+  for (uint32_t y = 0; y < file.height; y++) {
+    // A row of its own comes to an empty memory.
+    TiffFile row = file;
+    row.height = 1;
+    row.pixels.assign(file.pixels.begin() + y * 600, file.pixels.begin() + (y + 1) * 600);
+    const ImagingFrame alone = Decode(row.Bytes());
+    ASSERT_EQ(std::memcmp(alone.rows.Row(0), frame.rows.Row(static_cast<int>(y)), 800), 0) << y;
+  }
+}
+
 }  // namespace
 }  // namespace rasterkit::test
