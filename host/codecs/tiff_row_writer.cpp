@@ -1,5 +1,6 @@
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include <rasterkit/host/codecs/cmyk_rows.h>
 #include <rasterkit/host/codecs/tiff_row_writer.h>
@@ -119,7 +120,7 @@ T Load(const uint8_t* bytes) {
 template <typename T>
 class IntegerRows : public TiffRowWriter {
  public:
-  explicit IntegerRows(const TiffLayout& layout) : layout_(layout) {}
+  explicit IntegerRows(TiffLayout layout) : layout_(std::move(layout)) {}
 
   void Write(const uint8_t* const* planes, size_t width, uint8_t* target) override {
     const uint8_t* row = planes[0];
