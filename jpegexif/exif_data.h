@@ -88,7 +88,7 @@ class RASTERKIT_EXPORT TExifData {
   int32_t MaxTag = 0;
   /// Offset of the thumbnail's directory from the TIFF header.
   int32_t ThumbStart = 0;
-  /// Bytes from there to the end of the section.
+  /// Bytes from there to the end of the section, and established 11 more.
   int32_t ThumbLength = 0;
   int32_t ThumbType = 0;
 

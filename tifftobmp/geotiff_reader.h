@@ -13,8 +13,9 @@ namespace rasterkit {
 enum TWICFloatFormat { ffNoFloat, ffSingle, ffWord, ffSmallInt };
 
 /// Reads the elevation or noise grid of a GeoTIFF file: a pf32bit bitmap of floats (ffSingle) or a
-/// pf16bit one of words (ffWord, ffSmallInt), values as the file holds them. False with an absent
-/// bitmap and ffNoFloat for a file of colours. Geo tags are not looked at.
+/// pf16bit one of words (ffWord, ffSmallInt), values as the file holds them; unsigned words of
+/// which the least is white are turned round. False with an absent bitmap and ffNoFloat for a file
+/// of colours. Geo tags are not looked at.
 ///
 /// Throws FileError when the file cannot be opened, else an error with the codec's own text or
 /// "Invalid image"; `Bitmap` is then absent.

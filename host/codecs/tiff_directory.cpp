@@ -62,6 +62,13 @@ int TypeBytes(uint16_t type) {
   }
 }
 
+std::string Trimmed(const std::string& text) {
+  constexpr const char* blanks = " \t\r\n";
+  const size_t first = text.find_first_not_of(blanks);
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
 }  // namespace
 
 TiffDirectory::TiffDirectory(TStream& stream)
@@ -186,7 +193,7 @@ std::string TiffDirectory::Text(uint16_t tag) const {
                    '\0');
   if (!ReadAt(found->second.valuesAt, reinterpret_cast<uint8_t*>(text.data()), text.size()))
     return {};
-  return text.substr(0, text.find('\0'));
+  return Trimmed(text.substr(0, text.find('\0')));
 }
 
 /// The tag has the lowest number of all, and entries are sorted.

@@ -36,7 +36,8 @@ class TiffDirectory {
   std::vector<double> Numbers(uint16_t tag, size_t most) const;
   /// First value of the tag as a whole number of 0 to 2^32 - 1.
   std::optional<uint32_t> Number(uint16_t tag) const;
-  /// A tag of bytes as text up to its first zero, at most 4096 bytes of it.
+  /// A tag of bytes as text up to its first zero, at most 4096 bytes of it, without blanks around
+  /// it.
   std::string Text(uint16_t tag) const;
 
   struct Pages {

@@ -71,13 +71,6 @@ std::vector<std::string> MetadataKinds(const TiffDirectory& directory) {
   return found;
 }
 
-std::string Trimmed(const std::string& text) {
-  constexpr const char* blanks = " \t\r\n";
-  const size_t first = text.find_first_not_of(blanks);
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 void ReadPixelLayout(const TiffDirectory& directory, TiffFacts& facts) {
   const auto number = [&](uint16_t tag, uint32_t otherwise) {
     return static_cast<int>(directory.Number(tag).value_or(otherwise) & 0xFFFF);
@@ -110,7 +103,7 @@ TiffFacts FactsOf(TStream& stream) {
   facts.tiePoints = Grouped(directory, tagTiePoints, 6, 6 * mostTiePoints);
   facts.transformation = Grouped(directory, tagTransformation, 16, 16);
   ReadGeoKeys(directory, facts);
-  facts.noData = Trimmed(directory.Text(tagNoData));
+  facts.noData = directory.Text(tagNoData);
   facts.metadata = MetadataKinds(directory);
   return facts;
 }
