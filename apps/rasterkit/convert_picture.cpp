@@ -81,13 +81,13 @@ std::vector<std::string> AtRisk(const LoadedPicture& picture, const MapPlacement
   if (picture.photo.gps) names.emplace_back("gps");
   names.insert(names.end(), placement.sources.begin(), placement.sources.end());
   if (picture.grid) names.emplace_back("grid");
-  if (picture.Pages() > 1) names.emplace_back("pages");
+  if (picture.Pictures() > 1) names.emplace_back("pages");
   return names;
 }
 
 void NotePages(const LoadedPicture& picture, JobResult& result) {
-  if (picture.Pages() <= 1) return;
-  result.warnings.push_back(fmt::format("the first of {} pictures is taken", picture.Pages()));
+  if (picture.Pictures() <= 1) return;
+  result.warnings.push_back(fmt::format("the first of {} pictures is taken", picture.Pictures()));
 }
 
 void Save(const LoadedPicture& picture, const Job& job, const PictureOptions& options,

@@ -71,7 +71,7 @@ PictureFacts GatherFacts(const std::string& file) {
   facts.warnings = loaded.warnings;
   facts.tiff = loaded.tiff;
   if (loaded.grid) facts.grid = GridTypeName(*loaded.grid);
-  if (loaded.tiff) facts.pages = loaded.tiff->pages;
+  facts.pages = loaded.tiff ? loaded.tiff->pages : loaded.frames;
   TakePositions(facts);
   return facts;
 }

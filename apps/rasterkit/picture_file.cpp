@@ -80,6 +80,7 @@ void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, int threads)
   }
   const PictureMetadata metadata = ReadMetadata(bytes);
   loaded.metadata = metadata.kinds;
+  loaded.frames = metadata.pictures;
   const bool isJpeg = loaded.type == PictureType::jpeg;
   loaded.photo = isJpeg ? ReadPhotoFacts(bytes) : ReadExifFacts(metadata.exif);
   loaded.warnings = loaded.photo.warnings;

@@ -29,8 +29,11 @@ struct PictureFile {
   /// What the pixels of a TIFF file are when they are numbers, not colours.
   std::optional<GridType> grid;
 
+  /// Pictures of an animation.
+  int frames = 1;
+
   /// Pictures in the file, smaller copies and masks of others not counted.
-  int Pages() const { return tiff ? tiff->pages - tiff->secondaryPages : 1; }
+  int Pictures() const { return tiff ? tiff->pages - tiff->secondaryPages : frames; }
 };
 
 /// A picture as its file holds it, not yet turned upright.

@@ -77,6 +77,7 @@ void PrintText(const PictureFacts& facts) {
              facts.bits, facts.bits == 1 ? "" : "s");
   if (facts.paletteEntries > 0) fmt::print(", {} palette entries", facts.paletteEntries);
   if (facts.transparent) fmt::print(", transparent");
+  if (facts.pages > 1 && !facts.tiff) fmt::print(", {} pictures", facts.pages);
   if (facts.dpi) fmt::print(", {:.5g} x {:.5g} dpi", (*facts.dpi)[0], (*facts.dpi)[1]);
   fmt::print(", {} bytes\n", facts.bytes);
   if (facts.tiff) fmt::print("  {}\n", TiffText(*facts.tiff));

@@ -87,9 +87,57 @@ void WalkPng(PictureMetadata& metadata, Bytes rest) {
   }
 }
 
+/// What follows a header: blocks that begin with a byte each of length, the last one with 0.
+Bytes BehindSubBlocks(Bytes rest) {
+  while (!rest.empty() && rest[0] != 0) {
+    const size_t block = rest[0] + size_t{1};
+    rest = rest.subspan(std::min(block, rest.size()));
+  }
+  return rest.subspan(std::min<size_t>(1, rest.size()));
+}
+
+/// Bytes of the palette that a byte of flags announces.
+size_t GifPaletteBytes(uint8_t flags) {
+  constexpr uint8_t hasPalette = 0x80;
+  return (flags & hasPalette) != 0 ? size_t{6} << (flags & 7) : 0;
+}
+
+void AddGifExtension(PictureMetadata& metadata, uint8_t label, Bytes blocks) {
+  constexpr uint8_t comment = 0xFE, application = 0xFF;
+  if (label == comment) AddKind(metadata, "comment");
+  if (label != application || blocks.empty()) return;
+  if (StartsWith(blocks.subspan(1), "XMP Data")) AddKind(metadata, "xmp");
+  if (StartsWith(blocks.subspan(1), "ICCRGBG1")) AddKind(metadata, "profile");
+}
+
+/// Behind header and palette: extensions and pictures, each a mark, a header and blocks of data.
+void WalkGif(PictureMetadata& metadata, Bytes rest) {
+  constexpr size_t screenHeader = 13, flagsAt = 10, pictureHeader = 10, extensionHeader = 2;
+  constexpr uint8_t picture = 0x2C, extension = 0x21;
+  if (rest.size() < screenHeader) return;
+  const size_t palette = GifPaletteBytes(rest[flagsAt]);
+  rest = rest.subspan(std::min(screenHeader + palette, rest.size()));
+  int pictures = 0;
+  while (rest.size() > pictureHeader) {
+    size_t header = extensionHeader;
+    if (rest[0] == picture) {
+      ++pictures;
+      // One more byte says how the data are packed.
+      header = pictureHeader + GifPaletteBytes(rest[pictureHeader - 1]) + 1;
+    } else if (rest[0] == extension) {
+      AddGifExtension(metadata, rest[1], rest.subspan(extensionHeader));
+    } else {
+      break;
+    }
+    rest = BehindSubBlocks(rest.subspan(std::min(header, rest.size())));
+  }
+  metadata.pictures = std::max(1, pictures);
+}
+
 void WalkWebp(PictureMetadata& metadata, Bytes file) {
   using std::string_view_literals::operator""sv;
   constexpr std::string_view jpegPrefix = "Exif\0\0"sv;
+  int pictures = 0;
   for (detail::WebpChunks chunks(file); chunks.Next() && chunks.IsWhole();) {
     if (chunks.IsNamed("EXIF")) {
       // Some writers put a JPEG segment's prefix in front.
@@ -99,8 +147,11 @@ void WalkWebp(PictureMetadata& metadata, Bytes file) {
       AddKind(metadata, "xmp");
     } else if (chunks.IsNamed("ICCP")) {
       AddKind(metadata, "profile");
+    } else if (chunks.IsNamed("ANMF")) {
+      ++pictures;
     }
   }
+  metadata.pictures = std::max(1, pictures);
 }
 
 }  // namespace
@@ -110,6 +161,7 @@ PictureMetadata ReadMetadata(Bytes bytes) {
   const PictureType type = SniffPictureType(bytes.first(std::min<size_t>(64, bytes.size())));
   if (type == PictureType::jpeg && bytes.size() >= 2) WalkJpeg(metadata, bytes);
   if (type == PictureType::png) WalkPng(metadata, bytes);
+  if (type == PictureType::gif) WalkGif(metadata, bytes);
   if (type == PictureType::webp) WalkWebp(metadata, bytes);
   return metadata;
 }

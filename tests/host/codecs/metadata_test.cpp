@@ -93,5 +93,53 @@ TEST(Metadata, OtherBytes_Should_HaveNone) {
     EXPECT_THAT(Read(bytes).kinds, IsEmpty());
 }
 
+/// A GIF file of a palette of four colours on a screen of two by two pixels.
+std::string Gif(const std::string& blocks) {
+  return "GIF89a\2\0\2\0\x81\0\0"s + std::string(12, '\x40') + blocks + ";";
+}
+
+std::string GifExtension(char label, const std::string& data) {
+  return "!"s + label + static_cast<char>(data.size()) + data + '\0';
+}
+
+std::string GifPicture(bool hasPalette) {
+  const std::string palette = hasPalette ? std::string(12, ';') : "";
+  return ",\0\0\0\0\2\0\2\0"s + (hasPalette ? '\x81' : '\0') + palette + "\2\2\x84\x51\0"s;
+}
+
+TEST(Metadata, Gif_Should_ListKindsAndCountPictures) {
+  const std::string animation = GifExtension('\xFF', "NETSCAPE2.0") + GifPicture(true) +
+                                GifExtension('\xFE', "words") + GifPicture(false) +
+                                GifExtension('\xFF', "XMP DataXMP") +
+                                GifExtension('\xFF', "ICCRGBG1012") + GifPicture(true);
+  const PictureMetadata metadata = Read(Gif(animation));
+  EXPECT_THAT(metadata.kinds, ElementsAre("comment", "xmp", "profile"));
+  EXPECT_EQ(metadata.pictures, 3);
+  EXPECT_EQ(Read(Gif(GifPicture(false))).pictures, 1);
+  EXPECT_EQ(Read(Gif("")).pictures, 1);
+}
+
+TEST(Metadata, Gif_Should_EndTheWalk_When_TheFileStopsMakingSense) {
+  const std::string whole =
+      Gif(GifPicture(true) + GifExtension('\xFE', "words") + GifPicture(true));
+  for (size_t length = 0; length <= whole.size(); ++length) {
+    const int pictures = Read(whole.substr(0, length)).pictures;
+    EXPECT_TRUE(pictures == 1 || pictures == 2) << length;
+  }
+  EXPECT_EQ(Read(Gif(GifPicture(true) + "nonsense" + GifPicture(true))).pictures, 1);
+}
+
+TEST(Metadata, Webp_Should_CountPicturesOfAnAnimation) {
+  const auto chunk = [](const std::string& name, const std::string& data) {
+    return name + static_cast<char>(data.size()) + "\0\0\0"s + data;
+  };
+  const std::string chunks = chunk("VP8X", std::string(10, '\0')) + chunk("ANIM", "123456") +
+                             chunk("ANMF", "12") + chunk("ANMF", "1234") + chunk("XMP ", "<x/>");
+  const PictureMetadata metadata =
+      Read("RIFF"s + static_cast<char>(chunks.size() + 4) + "\0\0\0WEBP"s + chunks);
+  EXPECT_EQ(metadata.pictures, 2);
+  EXPECT_THAT(metadata.kinds, ElementsAre("xmp"));
+}
+
 }  // namespace
 }  // namespace rasterkit
