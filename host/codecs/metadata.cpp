@@ -70,6 +70,10 @@ void AddPngChunk(PictureMetadata& metadata, Bytes type, Bytes data) {
     AddKind(metadata, "xmp");
   } else if (StartsWith(type, "tEXt") || StartsWith(type, "zTXt") || StartsWith(type, "iTXt")) {
     AddKind(metadata, "text");
+  } else if (StartsWith(type, "acTL") && data.size() >= 4) {
+    const uint32_t pictures = uint32_t{data[0]} << 24 | data[1] << 16 | data[2] << 8 | data[3];
+    constexpr uint32_t most = 65535;
+    metadata.pictures = static_cast<int>(std::clamp<uint32_t>(pictures, 1, most));
   }
 }
 

@@ -1,8 +1,11 @@
 // Real files of other people: what `info --json` says of each, beside what the corpus' index says.
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -28,9 +31,27 @@ const std::map<std::string, std::string> kExceptions = {
      "only the XMP packet states an orientation; the EXIF block has a whole position, its entries "
      "out of order"},
     {"exif/openimagei__corrupt-iptc-8011.jpg", "the sound rows are given, the rest is white"},
+    {"geotiff/riotiler__cog_gcps.tif", "the index does not count its smaller copies"},
+    {"geotiff/riotiler__cog_nodata_nan.tif", "the index does not count its smaller copy"},
     {"jpeg/irsjpg__786b67badc535fc95a4a76c29a0e0146.jpg",
      "cut off behind the first scans, which make a coarse picture"},
+    {"tiff/cimg__BigTIFFSubIFD8.tif", "the index also counts directories beside the chain"},
+    {"tiff/cimg__bad-interoperability.tiff", "the index counts the EXIF directory as a page"},
+    {"tiff/tm__BigTIFFSubIFD4.tif", "the index also counts directories beside the chain"},
+    {"worldfile/geotools__s2_13bands_wld.tif", "the index counts one sample of 13"},
 };
+
+/// World files lie beside their pictures.
+std::vector<CorpusEntry> Pictures(const std::string& folder) {
+  std::vector<CorpusEntry> entries = CorpusEntries(folder);
+  entries.erase(std::remove_if(entries.begin(), entries.end(),
+                               [](const CorpusEntry& entry) {
+                                 return entry.at("exercises").find("pair: world") !=
+                                        std::string::npos;
+                               }),
+                entries.end());
+  return entries;
+}
 
 class CorpusSweep : public testing::TestWithParam<std::string> {
  protected:
@@ -89,6 +110,49 @@ class CorpusSweep : public testing::TestWithParam<std::string> {
            "longitude " + facts["gps"]["longitude"].dump());
   }
 
+  /// The number behind `name=` among the index' other facts.
+  static std::optional<int> Fact(const CorpusEntry& entry, const std::string& name) {
+    const std::string& facts = entry.at("facts");
+    const size_t at = facts.find(name + "=");
+    if (at == std::string::npos) return std::nullopt;
+    return std::atoi(facts.c_str() + at + name.size() + 1);
+  }
+
+  void CheckPages(const CorpusEntry& entry, const json& facts) {
+    if (!facts.at("ok")) return;
+    const bool isTiff = facts.at("type") == "tiff";
+    const int pages = Fact(entry, isTiff ? "directories" : "frames").value_or(1);
+    Expect(facts.at("pages") == pages, entry, "pages " + facts.at("pages").dump());
+  }
+
+  /// The index has depths as "8x3": bits of a sample and samples of a pixel.
+  void CheckSamples(const CorpusEntry& entry, const json& facts) {
+    int bits = 0, samples = 0;
+    if (facts.at("tiff").is_null() ||
+        std::sscanf(entry.at("bits").c_str(), "%dx%d", &bits, &samples) != 2)
+      return;
+    Expect(facts["tiff"]["bits_per_sample"] == bits && facts["tiff"]["samples"] == samples, entry,
+           "samples " + facts["tiff"].dump());
+  }
+
+  void CheckGeoTransform(const CorpusEntry& entry, const json& facts) {
+    const std::string& text = entry.at("facts");
+    const size_t at = text.find("geotransform=");
+    if (at == std::string::npos || !facts.at("ok") || facts.at("geo").empty()) return;
+    double t[6] = {};
+    if (std::sscanf(text.c_str() + at, "geotransform=%lf,%lf,%lf,%lf,%lf,%lf", &t[0], &t[1], &t[2],
+                    &t[3], &t[4], &t[5]) != 6)
+      return;
+    // The index counts from the corner of the first pixel, the tool from its centre.
+    const double expected[6] = {
+        t[1], t[4], t[2], t[5], t[0] + (t[1] + t[2]) / 2, t[3] + (t[4] + t[5]) / 2};
+    for (int i = 0; i < 6; ++i) {
+      const double said = facts["geo"].back()["affine"][static_cast<size_t>(i)];
+      Expect(std::abs(said - expected[i]) <= 1e-6 * std::max(1.0, std::abs(expected[i])), entry,
+             "position " + facts["geo"].dump());
+    }
+  }
+
   std::set<std::string> deviations_;
 
   /// The tool's rotation is the photo query's, whatever that is.
@@ -107,7 +171,7 @@ class CorpusSweep : public testing::TestWithParam<std::string> {
 TEST_P(CorpusSweep, Info_Should_SayWhatTheIndexSays) {
   const auto folder = CorpusFolder();
   if (folder.empty()) GTEST_SKIP() << "no corpus (RASTERKIT_CORPUS)";
-  const std::vector<CorpusEntry> entries = CorpusEntries(GetParam());
+  const std::vector<CorpusEntry> entries = Pictures(GetParam());
   ASSERT_FALSE(entries.empty());
   std::vector<std::string> line = {"info", "--json"};
   for (const CorpusEntry& entry : entries) line.push_back((folder / entry.at("path")).string());
@@ -120,13 +184,17 @@ TEST_P(CorpusSweep, Info_Should_SayWhatTheIndexSays) {
     CheckSize(entries[i], facts[i]);
     CheckOrientation(entries[i], facts[i]);
     CheckPosition(entries[i], facts[i]);
+    CheckPages(entries[i], facts[i]);
+    CheckSamples(entries[i], facts[i]);
+    CheckGeoTransform(entries[i], facts[i]);
     CheckRotation((folder / entries[i].at("path")).string(), entries[i], facts[i]);
   }
   CheckExceptions();
 }
 
 INSTANTIATE_TEST_SUITE_P(Folders, CorpusSweep,
-                         testing::Values("bmp", "jpeg", "exif", "png", "wrongext"),
+                         testing::Values("bmp", "jpeg", "exif", "png", "tiff", "geotiff", "gif",
+                                         "webp", "worldfile", "wrongext"),
                          [](const auto& info) { return info.param; });
 
 }  // namespace

@@ -129,6 +129,13 @@ TEST(Metadata, Gif_Should_EndTheWalk_When_TheFileStopsMakingSense) {
   EXPECT_EQ(Read(Gif(GifPicture(true) + "nonsense" + GifPicture(true))).pictures, 1);
 }
 
+TEST(Metadata, Png_Should_CountPicturesOfAnAnimation) {
+  EXPECT_EQ(Read(Png(Chunk("acTL", "\0\0\1\2\0\0\0\0"s))).pictures, 258);
+  EXPECT_EQ(Read(Png(Chunk("acTL", "\xFF\0\0\0\0\0\0\0"s))).pictures, 65535);
+  EXPECT_EQ(Read(Png(Chunk("acTL", "\0\0\0\0"s))).pictures, 1);
+  EXPECT_EQ(Read(Png(Chunk("acTL", "\0"s))).pictures, 1);
+}
+
 TEST(Metadata, Webp_Should_CountPicturesOfAnAnimation) {
   const auto chunk = [](const std::string& name, const std::string& data) {
     return name + static_cast<char>(data.size()) + "\0\0\0"s + data;
