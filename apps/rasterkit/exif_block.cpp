@@ -138,7 +138,7 @@ double ExifBlock::Value(const ExifEntry& entry) const {
 }
 
 std::string ExifBlock::Text(const ExifEntry& entry) const {
-  const std::string raw = Raw(entry);
+  std::string raw = Raw(entry);
   if (entry.type == fieldAscii) return Trim(raw.substr(0, raw.find('\0')));
   if (entry.type == fieldUndefined) {
     if (entry.tag == tagExifVersion || entry.tag == tagFlashpixVersion) return raw;
