@@ -155,6 +155,7 @@ bool TiffBlockReader::UnpackOnto(uint32_t block, size_t rawBytes, uint32_t rows,
                              target, static_cast<tmsize_t>(bytes)) != 0;
   std::vector<std::string> texts = handle_.Messages().TakeErrors();
   for (std::string& text : handle_.Messages().TakeWarnings()) texts.push_back(std::move(text));
+  if (IsFax() && !texts.empty()) ClearUnreadRow(rows, target);
   const bool isComplete = isWhole && (texts.empty() || !IsFax() || !IsBlank({target, bytes}));
   std::move(texts.begin(), texts.end(), std::back_inserter(errors_));
   return isComplete;
@@ -170,6 +171,24 @@ bool TiffBlockReader::IsFax() const {
     default:
       return false;
   }
+}
+
+/// The row that a fax codec gives up at becomes a row of zeros; where zeros show black that would
+/// be a line across the picture. Nothing but untouched rows may follow: others may be as they
+/// should.
+void TiffBlockReader::ClearUnreadRow(uint32_t rows, uint8_t* target) const {
+  const size_t rowBytes = layout_.grid.rowBytes;
+  const auto row = [&](uint32_t y) { return std::span(target + y * rowBytes, rowBytes); };
+  uint32_t written = rows;
+  while (written > 0 && IsBlank(row(written - 1))) written--;
+  if (written == 0 || written == rows) return;
+  const std::span<uint8_t> last = row(written - 1);
+  // The bits behind the picture's right edge are left alone.
+  const auto edge = static_cast<uint8_t>(0xFF00 >> (layout_.grid.width - 1) % 8 >> 1);
+  const bool isUnread =
+      (last.back() & edge) == 0 &&
+      std::all_of(last.begin(), last.end() - 1, [](uint8_t byte) { return byte == 0; });
+  if (isUnread) std::fill(last.begin(), last.end(), blanks_.whiteByte);
 }
 
 bool TiffBlockReader::IsBlank(std::span<const uint8_t> bytes) const {

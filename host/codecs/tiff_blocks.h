@@ -50,6 +50,7 @@ class TiffBlockReader {
   bool Unpack(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
   bool UnpackOnto(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
   void ToProcessorOrder(uint8_t* bytes, size_t count) const;
+  void ClearUnreadRow(uint32_t rows, uint8_t* target) const;
   void FillSparse(uint8_t* target, size_t bytes) const;
   uint64_t PictureBytes() const;
   bool MayLeaveGaps() const;
