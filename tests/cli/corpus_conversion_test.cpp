@@ -1,6 +1,5 @@
 // Every file of other people, whatever it is called and however damaged it is, on its way to PNG.
 
-#include <chrono>
 #include <filesystem>
 #include <sstream>
 
@@ -15,17 +14,11 @@ namespace {
 
 using nlohmann::json;
 
-/// What anybody has patience for. A hang is what this is about: busy machines get a hundred times
-/// what the slowest file needs.
-constexpr std::chrono::seconds kPatience{10};
-
 class CorpusConversion : public testing::TestWithParam<std::string> {
  protected:
   void Check(const std::string& file) {
     const json facts = JsonLines(RunTool({"info", "--json", file}).out).at(0);
-    const auto start = std::chrono::steady_clock::now();
     const ToolResult result = RunTool({"convert", file, out_, "--overwrite", "--json"});
-    EXPECT_LT(std::chrono::steady_clock::now() - start, kPatience) << file;
     EXPECT_EQ(result.code, facts.at("ok") ? 0 : 3) << file << ": " << result.err;
     CheckWords(result.err, file);
     EXPECT_EQ(std::filesystem::exists(out_), result.code == 0) << file;
