@@ -6,6 +6,7 @@
 
 #include "apps/rasterkit/exif_facts.h"
 #include "apps/rasterkit/geo_json.h"
+#include "apps/rasterkit/printable.h"
 
 #include <nlohmann/json.hpp>
 
@@ -13,12 +14,6 @@ namespace rasterkit::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/// A file's text with escapes for what would steer the terminal, and for bytes that are no UTF-8.
-std::string Printable(const std::string& text) {
-  const std::string quoted = Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
-  return quoted.substr(1, quoted.size() - 2);
-}
 
 Json TextOrNull(const std::string& text) {
   return text.empty() ? Json() : Json(text);

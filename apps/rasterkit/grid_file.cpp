@@ -11,6 +11,7 @@
 
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/interruption.h"
+#include "apps/rasterkit/printable.h"
 #include "apps/rasterkit/world_file.h"
 
 namespace rasterkit::tool {
@@ -41,7 +42,8 @@ void LoadStream(GridFile& result, TStream& stream) {
   result.grid.emplace(std::move(frame.rows), *type);
   result.noData = NoData(result.facts.noData, *type);
   if (result.noData.IsUnreadable())
-    result.warnings.push_back("the value for no data is no number: '" + result.facts.noData + "'");
+    result.warnings.push_back("the value for no data is no number: '" +
+                              Printable(result.facts.noData) + "'");
 }
 
 /// A pipe has no size and cannot be read twice.

@@ -9,6 +9,7 @@
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/geo_json.h"
 #include "apps/rasterkit/geo_text.h"
+#include "apps/rasterkit/printable.h"
 
 #include <nlohmann/json.hpp>
 
@@ -107,7 +108,8 @@ void PrintStatistics(const GridReport& report) {
   fmt::print("  {} values", statistics.values);
   if (statistics.noData > 0) fmt::print(", {} without data", statistics.noData);
   if (statistics.notFinite > 0) fmt::print(", {} not finite", statistics.notFinite);
-  if (!report.file.facts.noData.empty()) fmt::print("; no data is {}", report.file.facts.noData);
+  const std::string& noData = report.file.facts.noData;
+  if (!noData.empty()) fmt::print("; no data is {}", Printable(noData));
   fmt::print("\n");
 }
 

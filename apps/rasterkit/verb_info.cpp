@@ -9,6 +9,7 @@
 #include "apps/rasterkit/geo_text.h"
 #include "apps/rasterkit/interruption.h"
 #include "apps/rasterkit/picture_facts.h"
+#include "apps/rasterkit/printable.h"
 #include "apps/rasterkit/tiff_report.h"
 #include "apps/rasterkit/verbs.h"
 
@@ -55,7 +56,7 @@ Json FactsJson(const PictureFacts& facts) {
 void PrintGrid(const PictureFacts& facts) {
   const std::string noData = facts.tiff ? facts.tiff->noData : std::string();
   fmt::print("  grid of {} numbers{}\n", facts.grid,
-             noData.empty() ? noData : ", no data is " + noData);
+             noData.empty() ? noData : ", no data is " + Printable(noData));
 }
 
 void PrintOrientation(const PictureFacts& facts) {

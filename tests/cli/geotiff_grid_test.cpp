@@ -20,6 +20,7 @@ namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
+using testing::Not;
 
 class CliGeoTiffGrid : public testing::Test {
  protected:
@@ -230,6 +231,17 @@ TEST_F(CliGeoTiffGrid, NoData_Should_BeWarnedAbout_When_ItIsNoNumber) {
   Save({1, 2, 3, 4, 5, 6});
   EXPECT_THAT(RunTool({"geotiff", file_}).err, HasSubstr("'none'"));
   EXPECT_EQ(Show()["values"], 6);
+}
+
+TEST_F(CliGeoTiffGrid, NoData_Should_NotSteerTheTerminal) {
+  grid_.noData = "1\x1B[2J";
+  Save({1, 2, 3, 4, 5, 6});
+  for (const char* verb : {"geotiff", "info"}) {
+    const ToolResult result = RunTool({verb, file_});
+    EXPECT_EQ(result.code, 0);
+    EXPECT_THAT(result.out, HasSubstr("no data is 1\\u001b[2J"));
+    EXPECT_THAT(result.out + result.err, Not(HasSubstr("\x1B")));
+  }
 }
 
 TEST_F(CliGeoTiffGrid, At_Should_CountColumnsAndRowsFromTheUpperLeft) {
