@@ -31,7 +31,8 @@ struct Outcome {
 
 std::string OutputName(const OutputOptions& options, const std::string& input) {
   std::string name = ExtractFileName(input);
-  if (!options.type.empty()) name = ChangeFileExt(name, "." + options.type);
+  const bool hasDot = options.type.starts_with('.');
+  if (!options.type.empty()) name = ChangeFileExt(name, (hasDot ? "" : ".") + options.type);
   return (ToPath(options.outDir) / ToPath(name)).string();
 }
 

@@ -63,6 +63,11 @@ TEST_F(CliBatch, Names_Should_StayAndTypeToo_When_TypeIsNotGiven) {
   EXPECT_EQ(LoadFile(folder_ / "out/picture-03.png").Width(), 23);
 }
 
+TEST_F(CliBatch, Type_Should_BeTakenWithItsDotToo) {
+  ASSERT_EQ(Convert({"--type", ".bmp"}).code, 0);
+  EXPECT_EQ(LoadFile(folder_ / "out/picture-03.bmp").Width(), 23);
+}
+
 TEST_F(CliBatch, FirstFailure_Should_EndTheWork_When_ContinueIsNotGiven) {
   WriteText(names_[5], "broken");
   const ToolResult result = Convert({"--type", "bmp"});
