@@ -122,7 +122,12 @@ std::vector<Job> PlanJpegJobs(const OutputOptions& output) {
 }
 
 int Run(const OutputOptions& output, const ExifOptions& options) {
-  if (!options.IsWriting()) return Show(output.files, output.json);
+  if (!options.IsWriting()) {
+    if (!output.outDir.empty())
+      throw Failure(exitWrongUsage,
+                    "--out-dir goes with --copy-from, --thumbnail or --strip-thumbnail");
+    return Show(output.files, output.json);
+  }
   const std::vector<Job> jobs = PlanJpegJobs(output);
   if (options.thumbnail) return RunJobs(output, jobs, TakeThumbnail);
   if (options.copyFrom.empty()) return RunJobs(output, jobs, StripThumbnail);

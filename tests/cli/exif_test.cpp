@@ -380,6 +380,7 @@ TEST_F(CliExif, Usage_Should_BeChecked) {
       {"exif", "--thumbnail", "--strip-thumbnail", photo, output_},
       {"exif", "--thumbnail", "--copy-from", photo, photo, output_},
       {"exif", "--keep-orientation", photo, output_},
+      {"exif", "--out-dir", folder_ / "out", photo},
   };
   for (const auto& line : lines) EXPECT_EQ(RunTool(line).code, 2) << testing::PrintToString(line);
   EXPECT_EQ(RunTool({"exif", "--strip-thumbnail", photo, photo}).code, 4);
