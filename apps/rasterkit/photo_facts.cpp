@@ -33,16 +33,22 @@ bool HasGpsNumber(const TExifData& data, GpsTag tag) {
   });
 }
 
+/// Nothing lies 0 degrees south: a zero loses its sign.
+double WithoutSignOfZero(double value) {
+  return value + 0.0;
+}
+
 std::optional<GpsPosition> PositionOf(const TImageData& data) {
   if (!data.ExifData || !data.GPSData) return std::nullopt;
   if (!HasGpsNumber(*data.ExifData, gpsLatitude) || !HasGpsNumber(*data.ExifData, gpsLongitude))
     return std::nullopt;
   GpsPosition position;
-  position.latitude = data.GPSData->Latitude.Koord();
-  position.longitude = data.GPSData->Longitude.Koord();
+  position.latitude = WithoutSignOfZero(data.GPSData->Latitude.Koord());
+  position.longitude = WithoutSignOfZero(data.GPSData->Longitude.Koord());
   if (HasGpsNumber(*data.ExifData, gpsAltitude)) {
     const bool isBelowSea = data.GPSData->AltitudeRef == 1;
-    position.altitude = isBelowSea ? -data.GPSData->Altitude : data.GPSData->Altitude;
+    const double altitude = data.GPSData->Altitude;
+    position.altitude = WithoutSignOfZero(isBelowSea ? -altitude : altitude);
   }
   return position;
 }

@@ -92,6 +92,14 @@ TEST_F(CliInfo, Json_Should_GiveSignedPosition_When_SouthWestAndBelowTheSea) {
   }
 }
 
+TEST_F(CliInfo, Position_Should_HaveNoSign_When_ItIsZero) {
+  // Marked as south, west and below the sea, and too small for the rationals.
+  WriteBytes(folder_ / "a.jpg",
+             samples::WithExif(EncodeJpeg(GrayRaster(9, 7), 90), samples::ByteOrder::intel, 1,
+                               samples::Place{-1e-12, -1e-12, -1e-12}));
+  EXPECT_THAT(RunTool({"info", folder_ / "a.jpg"}).out, HasSubstr("GPS 0.000000, 0.000000, 0.0 m"));
+}
+
 TEST_F(CliInfo, Json_Should_FindTheExifBlock_When_AnXmpPacketComesFirst) {
   std::vector<uint8_t> jpeg =
       samples::WithExif(EncodeJpeg(GrayRaster(9, 7), 90), samples::ByteOrder::motorola, 6,
