@@ -53,11 +53,20 @@ Placement PlacementOf(const Affine& affine, const std::string& file) {
   return {corner.x, corner.y, perColumnX, -perRowY};
 }
 
+/// Why a file gave no six numbers. A pipe was read already and is not opened again.
+std::string ReasonForNoNumbers(const std::string& name) {
+  std::error_code ignored;
+  try {
+    if (!std::filesystem::is_fifo(ToPath(name), ignored)) const TFileStream opens(name);
+  } catch (const Error& error) {
+    return error.Reason();
+  }
+  return "no world file: it should begin with six numbers, one a line";
+}
+
 Found FromWorldFile(const std::string& name) {
   const auto worldFile = ReadWorldFile(name);
-  if (!worldFile)
-    throw Failure(exitInputUnreadable,
-                  name + ": no world file: it should begin with six numbers, one a line");
+  if (!worldFile) throw Failure(exitInputUnreadable, name + ": " + ReasonForNoNumbers(name));
   Found found{PlacementOf(worldFile->affine, name), "worldfile", {}, {}};
   if (worldFile->hasDecimalCommas)
     found.warnings.push_back(name + ": commas were read as decimal points");

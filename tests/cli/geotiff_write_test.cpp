@@ -143,7 +143,14 @@ TEST_F(CliGeoTiffWrite, MissingPosition_Should_Exit4AndSayHowToGiveOne) {
   EXPECT_EQ(result.code, 4);
   EXPECT_THAT(result.err, HasSubstr("--origin"));
   EXPECT_FALSE(std::filesystem::exists(out_));
-  EXPECT_EQ(Write({"--world-file", folder_ / "absent.pgw"}).code, 3);
+}
+
+TEST_F(CliGeoTiffWrite, NamedWorldFile_Should_BeSaidToBeMissing_When_ItIsNotThere) {
+  const std::string absent = folder_ / "absent.pgw";
+  const ToolResult result = Write({"--world-file", absent});
+  EXPECT_EQ(result.code, 3);
+  EXPECT_THAT(result.err, HasSubstr(absent + ": cannot be opened: No such file"));
+  EXPECT_FALSE(std::filesystem::exists(out_));
 }
 
 TEST_F(CliGeoTiffWrite, OriginAndPixelSize_Should_BeStoredAsGiven) {
