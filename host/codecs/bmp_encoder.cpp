@@ -25,6 +25,8 @@ constexpr uint32_t kIntentImages = 4;
 class BmpEncoder {
  public:
   BmpEncoder(const Raster& raster, BmpProfile profile);
+  void FillHead();
+  const std::vector<uint8_t>& Head() const { return head_; }
   void WriteTo(TStream& stream);
 
  private:
@@ -35,6 +37,7 @@ class BmpEncoder {
   uint32_t HeaderBytes() const;
   uint32_t MaskBytesBehindHeader() const;
   uint32_t PaletteEntries() const;
+  void RequireWritable() const;
 
   void PutWord(size_t offset, uint32_t value);
   void PutLong(size_t offset, uint32_t value);
@@ -55,9 +58,6 @@ class BmpEncoder {
 };
 
 BmpEncoder::BmpEncoder(const Raster& raster, BmpProfile profile) : raster_(raster) {
-  if (raster.Width() == 0 || raster.Height() == 0) {
-    throw FormatError("BMP: a picture without pixels cannot be written");
-  }
   if (profile == BmpProfile::embed && raster.profile && !raster.profile->empty()) {
     profile_ = raster.profile.get();
   }
@@ -66,11 +66,17 @@ BmpEncoder::BmpEncoder(const Raster& raster, BmpProfile profile) : raster_(raste
       kBmpFileHeaderBytes + headerBytes_ + MaskBytesBehindHeader() + 4 * size_t{PaletteEntries()};
   pixelBytes_ = uint64_t{raster.Stride()} * static_cast<uint64_t>(raster.Height());
   fileBytes_ = headBytes + pixelBytes_ + (HasProfile() ? profile_->size() : 0);
+  head_.resize(headBytes);
+}
+
+void BmpEncoder::RequireWritable() const {
+  if (raster_.Width() == 0 || raster_.Height() == 0) {
+    throw FormatError("BMP: a picture without pixels cannot be written");
+  }
   if (fileBytes_ > std::numeric_limits<uint32_t>::max()) {
     throw LimitError("BMP: a file of " + std::to_string(fileBytes_) +
                      " bytes is larger than the format can state");
   }
-  head_.resize(headBytes);
 }
 
 BmpMasks BmpEncoder::Masks() const {
@@ -198,12 +204,17 @@ void BmpEncoder::WriteRows(TStream& stream) const {
   }
 }
 
-void BmpEncoder::WriteTo(TStream& stream) {
+void BmpEncoder::FillHead() {
   FillFileHeader();
   FillInfoHeader();
   FillMasks();
   FillColorSpace();
   FillPalette();
+}
+
+void BmpEncoder::WriteTo(TStream& stream) {
+  RequireWritable();
+  FillHead();
   stream.Write(head_);
   WriteRows(stream);
   if (HasProfile()) stream.Write(*profile_);
@@ -213,6 +224,12 @@ void BmpEncoder::WriteTo(TStream& stream) {
 
 void EncodeBmp(const Raster& raster, TStream& stream, BmpProfile profile) {
   BmpEncoder(raster, profile).WriteTo(stream);
+}
+
+std::vector<uint8_t> detail::BmpHead(const Raster& raster, BmpProfile profile) {
+  BmpEncoder encoder(raster, profile);
+  encoder.FillHead();
+  return encoder.Head();
 }
 
 }  // namespace rasterkit

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
 #include <rasterkit/host/raster/raster.h>
 #include <rasterkit/host/runtime/stream.h>
 
@@ -15,4 +18,11 @@ enum class BmpProfile { omit, embed };
 /// LimitError for one beyond the 4 GiB that the format can state.
 RASTERKIT_EXPORT void EncodeBmp(const Raster& raster, TStream& stream, BmpProfile profile);
 
+namespace detail {
+
+/// What EncodeBmp writes before the first row: headers, masks and palette. Also of a picture that
+/// it would refuse.
+std::vector<uint8_t> BmpHead(const Raster& raster, BmpProfile profile);
+
+}  // namespace detail
 }  // namespace rasterkit
