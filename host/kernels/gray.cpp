@@ -288,5 +288,9 @@ void GrayOfRow32(const uint8_t* bgra, size_t width, uint8_t* gray) {
   HWY_DYNAMIC_DISPATCH(GrayOfRow32)(bgra, width, gray);
 }
 
+void GrayInPlace24(uint8_t* bgr, size_t width) {
+  for (size_t x = 0; x < width; ++x, bgr += 3) std::memset(bgr, GrayOf(bgr[2], bgr[1], bgr[0]), 3);
+}
+
 }  // namespace rasterkit::kernels
 #endif

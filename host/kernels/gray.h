@@ -28,4 +28,7 @@ void GrayOfRow24(const uint8_t* bgr, size_t width, uint8_t* gray);
 /// The same for bytes B G R A; alpha takes no part.
 void GrayOfRow32(const uint8_t* bgra, size_t width, uint8_t* gray);
 
+/// Each of `width` pixels, bytes B G R, becomes its own grey value three times.
+void GrayInPlace24(uint8_t* bgr, size_t width);
+
 }  // namespace rasterkit::kernels
