@@ -1,0 +1,236 @@
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+
+#include <rasterkit/bitmaptools/engine/mixing.h>
+#include <rasterkit/bitmaptools/engine/pixel_thread.h>
+#include <rasterkit/bitmaptools/engine/transfer_rules.h>
+#include <rasterkit/bitmaptools/pixels/bit_depths.h>
+#include <rasterkit/bitmaptools/pixels/color.h>
+#include <rasterkit/host/graphics/bitmap.h>
+
+namespace rasterkit::detail {
+namespace {
+
+// Rows are never const objects; only those who must not change them see them so.
+std::atomic_ref<uint8_t> Shared(const uint8_t* byte) {
+  return std::atomic_ref<uint8_t>(*const_cast<uint8_t*>(byte));
+}
+
+uint8_t Load(const uint8_t* byte) {
+  return Shared(byte).load(std::memory_order_relaxed);
+}
+
+void Store(uint8_t* byte, uint8_t value) {
+  Shared(byte).store(value, std::memory_order_relaxed);
+}
+
+tagPALETTEENTRY EntryOf(const TColorTable* table, uint8_t index) {
+  return table != nullptr ? (*table)[index] : tagPALETTEENTRY{};
+}
+
+int Distance(const tagPALETTEENTRY& a, const tagPALETTEENTRY& b) {
+  return std::max({std::abs(a.peRed - b.peRed), std::abs(a.peGreen - b.peGreen),
+                   std::abs(a.peBlue - b.peBlue)});
+}
+
+constexpr int32_t Bit(uint8_t byte, int32_t position) {
+  return byte >> (7 - position) & 1;
+}
+
+/// The bits of the last byte of a row that belong to pixels.
+uint8_t LastByteMask(int32_t width, int32_t bits) {
+  const auto used = static_cast<int>(int64_t{width} * bits % 8);
+  return used == 0 ? 0xFF : static_cast<uint8_t>(0xFF00 >> used);
+}
+
+}  // namespace
+
+const uint8_t* TransferRules::TargetRow() const {
+  if (w_.nTarBytes == 3) return &w_.Tar24->b;
+  return w_.nTarBytes == 4 ? &w_.Tar32->b : w_.Tar8;
+}
+
+TransferRules::Color TransferRules::TargetColor(int32_t x) const {
+  const uint8_t* pixel = TargetRow() + static_cast<ptrdiff_t>(x) * w_.nTarBytes;
+  return {Load(pixel), Load(pixel + 1), Load(pixel + 2)};
+}
+
+TransferRules::Color TransferRules::SourceColor() const {
+  const uint8_t* row = w_.nSrcBytes == 3 ? &w_.Src24->b : &w_.Src32->b;
+  const uint8_t* pixel = row + static_cast<ptrdiff_t>(w_.sx) * w_.nSrcBytes;
+  return {Load(pixel), Load(pixel + 1), Load(pixel + 2)};
+}
+
+void TransferRules::TransferPixel(int32_t x, int32_t sx) {
+  if (w_.FPixelTask == ptAssignInWhite && !TargetIsWhite(x)) return;
+  if (sx < 0) return;
+  w_.sx = sx;
+  if (w_.FPixelTask == ptAssignPart && SourceIsWhite()) return;
+  if (w_.PixTakeOver)
+    TakeOver(x);
+  else
+    Combine(x);
+}
+
+bool TransferRules::IsNearWhite(const Color& color) const {
+  return color.r > w_.FromGrayVal && color.g > w_.FromGrayVal && color.b > w_.FromGrayVal;
+}
+
+bool TransferRules::TargetIsWhite(int32_t x) {
+  if (w_.nTarBytes == 0) return PackedTargetIsWhite(x);
+  Color color{};
+  if (w_.nTarBytes == 1) {
+    const tagPALETTEENTRY entry = EntryOf(w_.TarCol, Load(w_.Tar8 + x));
+    color = {entry.peBlue, entry.peGreen, entry.peRed};
+  } else {
+    color = TargetColor(x);
+  }
+  if (w_.UseGray) return IsNearWhite(color);
+  return color.r == w_.transR && color.g == w_.TransG && color.b == w_.transB;
+}
+
+bool TransferRules::PackedTargetIsWhite(int32_t x) {
+  if (w_.nTarBit == 4) {
+    if (x % 2 != 0) return false;
+    SplitNibbles(Load(w_.Tar8 + x / 2), w_.TarLeft, w_.TarRight);
+    return w_.TarLeft == w_.TarWhite || w_.TarRight == w_.TarWhite;
+  }
+  w_.bx = x % 8;
+  if (w_.bx == 0) w_.TarByte = Load(w_.Tar8 + x / 8);
+  return (Bit(w_.TarByte, w_.bx) == 1) != w_.TarInv;
+}
+
+bool TransferRules::SourceIsWhite() {
+  if (w_.nSrcBytes == 0) return PackedSourceIsWhite();
+  if (w_.nSrcBytes == 1) {
+    const tagPALETTEENTRY entry = EntryOf(w_.SrcCol, Load(w_.Src8 + w_.sx));
+    return IsNearWhite({entry.peBlue, entry.peGreen, entry.peRed});
+  }
+  if (w_.nSrcBytes == 4 && w_.UseAlpha) return Load(&w_.Src32[w_.sx].a) > 0;
+  return IsNearWhite(SourceColor());
+}
+
+bool TransferRules::PackedSourceIsWhite() {
+  if (w_.nSrcBit != 4) {
+    w_.bx = w_.sx % 8;
+    if (w_.bx == 0) w_.SrcByte = Load(w_.Src8 + w_.sx / 8);
+    return (Bit(w_.SrcByte, w_.bx) == 1) != w_.SrcInv;
+  }
+  if (w_.sx % 2 == 0) {
+    SplitNibbles(Load(w_.Src8 + w_.sx / 2), w_.SrcLeft, w_.SrcRight);
+    return w_.SrcLeft == w_.SrcWhite || w_.SrcLeft == w_.SrcLastWhite;
+  }
+  // The left value against the last white: established results depend on it.
+  return w_.SrcRight == w_.SrcWhite || w_.SrcLeft == w_.SrcLastWhite;
+}
+
+void TransferRules::TakeOver(int32_t x) {
+  if (w_.nTarBytes == 0 && w_.nTarBit == 4 && w_.FPixelTask == ptAssignInWhite)
+    return TakeOverNibbles(x);
+  if (w_.nTarBytes == 0) {
+    w_.bx = w_.sx % 8;
+    if (w_.bx == 0) w_.SrcByte = Load(w_.Src8 + w_.sx / 8);
+    if ((Bit(w_.SrcByte, w_.bx) == 1) != w_.SrcInv) return;
+    uint8_t* byte = w_.Tar8 + x / 8;
+    return Store(byte, static_cast<uint8_t>(Load(byte) & ~(128 >> x % 8)));
+  }
+  if (w_.nTarBytes == 1) return Store(w_.Tar8 + x, MappedIndex(Load(w_.Src8 + w_.sx)));
+  const auto size = static_cast<ptrdiff_t>(w_.nTarBytes);
+  uint8_t* target = (size == 3 ? &w_.Tar24->b : &w_.Tar32->b) + x * size;
+  const uint8_t* source = (size == 3 ? &w_.Src24->b : &w_.Src32->b) + w_.sx * size;
+  for (ptrdiff_t i = 0; i < size; ++i) Store(target + i, Load(source + i));
+}
+
+void TransferRules::TakeOverNibbles(int32_t x) {
+  SplitNibbles(Load(w_.Src8 + w_.sx / 2), w_.SrcLeft, w_.SrcRight);
+  if (w_.TarLeft == w_.TarWhite) w_.TarLeft = w_.SrcLeft;
+  if (w_.TarRight == w_.TarWhite) w_.TarRight = w_.SrcRight;
+  uint8_t joined;
+  JoinNibbles(joined, w_.TarLeft, w_.TarRight);
+  StorePacked(x / 2, joined);
+}
+
+void TransferRules::StorePacked(int32_t byte, uint8_t value) {
+  const int32_t width = w_.TarBmp->Width();
+  const int32_t bits = w_.nTarBit == 4 ? 4 : 1;
+  const auto last = static_cast<int32_t>((int64_t{width} * bits - 1) / 8);
+  if (byte > last) return;
+  const uint8_t mask = byte == last ? LastByteMask(width, bits) : 0xFF;
+  Store(w_.Tar8 + byte, value & mask);
+}
+
+uint8_t TransferRules::MappedIndex(uint8_t index) const {
+  if (index >= w_.SrcAnz) return index;
+  const tagPALETTEENTRY color = EntryOf(w_.SrcCol, index);
+  int least = 255;
+  if (index < w_.TarAnz) least = Distance(color, EntryOf(w_.TarCol, index));
+  if (least == 0) return index;
+  int32_t nearest = index;
+  for (int32_t j = 0; j < w_.TarAnz; ++j) {
+    const int distance = Distance(color, EntryOf(w_.TarCol, static_cast<uint8_t>(j)));
+    if (distance >= least) continue;
+    least = distance;
+    nearest = j;
+  }
+  return static_cast<uint8_t>(nearest);
+}
+
+void TransferRules::Combine(int32_t x) {
+  const bool isPart = w_.FPixelTask == ptAssignPart;
+  if (w_.nTarBytes == 0) {
+    if (isPart) BlackenNibble(x);
+    return;
+  }
+  if (w_.nTarBytes == 1) return Store(w_.Tar8 + x, static_cast<uint8_t>(w_.TarBlack));
+  if (w_.nSrcBytes >= 3) return MixInto(x, SourceColor());
+  if (!isPart) return;
+  if (w_.nSrcBytes == 1 || w_.nSrcBit == 4) {
+    // Without a pixel of that colour there is nothing to overwrite.
+    if (w_.FPixelMode != pmOverwrite) MixInto(x, SourceEntry());
+    return;
+  }
+  uint8_t* pixel = const_cast<uint8_t*>(TargetRow()) + static_cast<ptrdiff_t>(x) * w_.nTarBytes;
+  for (int i = 0; i < 3; ++i) Store(pixel + i, 0);
+}
+
+void TransferRules::BlackenNibble(int32_t x) {
+  const int32_t perByte = w_.nTarBit == 4 ? 2 : 8;
+  if (x / 2 > (w_.TarBmp->Width() - 1) / perByte) return;  // a 1-bit row ends before that byte
+  SplitNibbles(Load(w_.Tar8 + x / 2), w_.TarLeft, w_.TarRight);
+  (x % 2 != 0 ? w_.TarRight : w_.TarLeft) = static_cast<uint8_t>(w_.TarBlack);
+  uint8_t joined;
+  JoinNibbles(joined, w_.TarLeft, w_.TarRight);
+  StorePacked(x / 2, joined);
+}
+
+TransferRules::Color TransferRules::SourceEntry() const {
+  const uint8_t index =
+      w_.nSrcBytes == 1 ? Load(w_.Src8 + w_.sx) : (w_.sx % 2 == 0 ? w_.SrcLeft : w_.SrcRight);
+  const tagPALETTEENTRY entry = EntryOf(w_.SrcCol, index);
+  return {entry.peBlue, entry.peGreen, entry.peRed};
+}
+
+void TransferRules::MixInto(int32_t x, const Color& source) {
+  const Color target = TargetColor(x);
+  const uint8_t t[3] = {target.b, target.g, target.r};
+  const uint8_t s[3] = {source.b, source.g, source.r};
+  uint8_t* pixel = const_cast<uint8_t*>(TargetRow()) + static_cast<ptrdiff_t>(x) * w_.nTarBytes;
+  if (w_.FPixelMode == pmOverwrite) {
+    uint8_t* place = (w_.nSrcBytes == 3 ? &w_.Src24->b : &w_.Src32->b) +
+                     static_cast<ptrdiff_t>(w_.sx) * w_.nSrcBytes;
+    for (int i = 0; i < 3; ++i) Store(place + i, t[i]);
+    return;
+  }
+  const uint8_t gray = GrayValue(target.r, target.g, target.b);
+  const int64_t gain = w_.FPixelMode == pmShadow ? BrightnessGain(gray, w_.f) : 0;
+  for (int i = 0; i < 3; ++i) {
+    const uint8_t ground = w_.UseGray ? gray : t[i];
+    const int mixed = w_.FPixelMode == pmTransparent
+                          ? TransparentKept(ground, w_.f) + TransparentAdded(s[i], w_.f)
+                          : Shaded(s[i], Brightened(ground, w_.fproz, gain));
+    Store(pixel + i, static_cast<uint8_t>(mixed));
+  }
+}
+
+}  // namespace rasterkit::detail

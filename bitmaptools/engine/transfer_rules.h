@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+
+namespace rasterkit {
+
+class TPixelThread;
+
+namespace detail {
+
+/// The rules of a pixel transfer for one pixel after the other, in every combination of formats.
+/// The rows that need no speed go this way, and those that must: where the target's rows are the
+/// source's too, or the source is written, other workers may touch the same bytes. Each byte is
+/// therefore read and written as a relaxed atomic.
+class TransferRules {
+ public:
+  /// Uses and changes the worker's state; its row pointers are set by the caller.
+  explicit TransferRules(TPixelThread& worker) : w_(worker) {}
+
+  /// The target pixel x of the rows at hand, whose source column is `sx` (-1: there is none).
+  void TransferPixel(int32_t x, int32_t sx);
+
+ private:
+  struct Color {
+    uint8_t b, g, r;
+  };
+
+  bool TargetIsWhite(int32_t x);
+  bool SourceIsWhite();
+  bool PackedTargetIsWhite(int32_t x);
+  bool PackedSourceIsWhite();
+  bool IsNearWhite(const Color& color) const;
+
+  void TakeOver(int32_t x);
+  void TakeOverNibbles(int32_t x);
+  uint8_t MappedIndex(uint8_t index) const;
+
+  void Combine(int32_t x);
+  void BlackenNibble(int32_t x);
+  void MixInto(int32_t x, const Color& source);
+  Color SourceEntry() const;
+
+  void StorePacked(int32_t byte, uint8_t value);
+  const uint8_t* TargetRow() const;
+  Color TargetColor(int32_t x) const;
+  Color SourceColor() const;
+
+  TPixelThread& w_;
+};
+
+}  // namespace detail
+}  // namespace rasterkit
