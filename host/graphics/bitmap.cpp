@@ -56,6 +56,7 @@ void TBitmap::TakeCanvas(TBitmap& other) noexcept {
   if (canvas_) {
     canvas_->Pen = other.canvas_->Pen;
     canvas_->Brush = other.canvas_->Brush;
+    canvas_->StretchMode = other.canvas_->StretchMode;
   } else {
     canvas_ = std::move(other.canvas_);
     canvas_->bitmap_ = this;
@@ -68,6 +69,7 @@ std::unique_ptr<TBitmap> TBitmap::Clone() const {
   if (canvas_) {
     copy->Canvas().Pen = canvas_->Pen;
     copy->Canvas().Brush = canvas_->Brush;
+    copy->Canvas().StretchMode = canvas_->StretchMode;
   }
   copy->modified_ = modified_;
   return copy;

@@ -17,10 +17,10 @@ namespace rasterkit {
 ///
 /// A new bitmap is 0 x 0 and pfDevice (stored as 32-bit). New area is white: the canvas brush,
 /// alpha 255, 1-bit ones. Rows run from top to bottom, are padded to 4 bytes, and their padding is
-/// zero. What fails leaves the bitmap as it was. A bitmap moved from is empty. The canvas's pen and
-/// brush move along, and stay when content is assigned. Any number of threads may read one bitmap,
-/// and write different rows of it through pointers from `ScanLine`; everything else needs one
-/// thread at a time.
+/// zero. What fails leaves the bitmap as it was. A bitmap moved from is empty. The canvas's pen,
+/// brush and stretch mode move along, and stay when content is assigned. Any number of threads may
+/// read one bitmap, and write different rows of it through pointers from `ScanLine`; everything
+/// else needs one thread at a time.
 class RASTERKIT_EXPORT TBitmap : public TGraphic {
  public:
   TBitmap();

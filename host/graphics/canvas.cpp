@@ -7,6 +7,7 @@
 #include <rasterkit/host/graphics/system_color.h>
 #include <rasterkit/host/raster/blit.h>
 #include <rasterkit/host/raster/fill.h>
+#include <rasterkit/host/raster/halftone.h>
 #include <rasterkit/host/raster/stroke.h>
 
 namespace rasterkit {
@@ -14,6 +15,10 @@ namespace {
 
 PaintMode ModeOf(const TPen& pen) {
   return pen.Mode == pmXor ? PaintMode::exclusiveOr : PaintMode::copy;
+}
+
+PixelRect ToPixels(const TRect& rect) {
+  return {rect.Left, rect.Top, rect.Right, rect.Bottom};
 }
 
 // Where a picture ends. Beyond the last coordinate there is nothing that could show it.
@@ -25,8 +30,7 @@ int EndOf(int start, int size) {
 
 void TCanvas::FillRect(const TRect& rect) {
   if (Brush.Style == bsClear) return;
-  FillRaster(bitmap_->raster_, {rect.Left, rect.Top, rect.Right, rect.Bottom},
-             ResolveColor(Brush.Color));
+  FillRaster(bitmap_->raster_, ToPixels(rect), ResolveColor(Brush.Color));
   bitmap_->modified_ = true;
 }
 
@@ -77,14 +81,54 @@ void TCanvas::StretchDraw(const TRect& rect, const TGraphic& graphic) {
   if (!graphic.Empty()) graphic.DrawTo(*this, rect);
 }
 
-void TCanvas::DrawRaster(const TRect& rect, const Raster& raster, std::optional<TColor> key) {
-  const PixelRect place{rect.Left, rect.Top, rect.Right, rect.Bottom};
-  if (&raster == &bitmap_->raster_) {
-    BlitStretched(bitmap_->raster_, place, raster.Clone(), key);
+// What is drawn onto itself is read from a copy.
+template <class Action>
+void TCanvas::DrawFrom(const Raster& source, Action draw) {
+  if (&source == &bitmap_->raster_) {
+    draw(source.Clone());
   } else {
-    BlitStretched(bitmap_->raster_, place, raster, key);
+    draw(source);
   }
   bitmap_->modified_ = true;
+}
+
+void TCanvas::DrawRaster(const TRect& rect, const Raster& raster, std::optional<TColor> key) {
+  const auto blit = StretchMode == smHalftone ? BlitHalftone : BlitStretched;
+  DrawFrom(raster, [&](const Raster& rows) { blit(bitmap_->raster_, ToPixels(rect), rows, key); });
+}
+
+void TCanvas::AlphaBlend(const TRect& dest, const TBitmap& source, const TRect& src,
+                         const TBlendFunction& blend) {
+  DrawFrom(source.raster_, [&](const Raster& rows) {
+    BlitBlended(bitmap_->raster_, ToPixels(dest), rows, ToPixels(src),
+                {blend.SourceConstantAlpha, blend.PerPixelAlpha});
+  });
+}
+
+void TCanvas::TransparentBlt(const TRect& dest, const TBitmap& source, const TRect& src,
+                             TColor key) {
+  DrawFrom(source.raster_, [&](const Raster& rows) {
+    BlitKeyed(bitmap_->raster_, ToPixels(dest), rows, ToPixels(src), ResolveColor(key));
+  });
+}
+
+void TCanvas::PlgBlt(const std::array<TPoint, 3>& corners, const TBitmap& source,
+                     const TRect& src) {
+  std::array<PixelPoint, 3> points;
+  for (size_t i = 0; i < 3; ++i) points[i] = {corners[i].X, corners[i].Y};
+  DrawFrom(source.raster_, [&](const Raster& rows) {
+    BlitParallelogram(bitmap_->raster_, points, rows, ToPixels(src));
+  });
+}
+
+void TCanvas::CopyStretched(const TRect& dest, const TBitmap& source) {
+  DrawFrom(source.raster_, [&](const Raster& rows) {
+    if (StretchMode == smHalftone) {
+      CopyHalftone(bitmap_->raster_, ToPixels(dest), rows);
+    } else {
+      BlitCopied(bitmap_->raster_, ToPixels(dest), rows, {0, 0, rows.Width(), rows.Height()});
+    }
+  });
 }
 
 }  // namespace rasterkit

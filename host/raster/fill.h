@@ -11,6 +11,10 @@ struct PixelRect {
   int left = 0, top = 0, right = 0, bottom = 0;
 };
 
+struct PixelPoint {
+  int x = 0, y = 0;
+};
+
 /// The part of `rect` inside a picture of this size; may be empty (right <= left or bottom <= top).
 PixelRect ClipRect(const PixelRect& rect, int width, int height);
 

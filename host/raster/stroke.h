@@ -7,10 +7,6 @@
 
 namespace rasterkit {
 
-struct PixelPoint {
-  int x = 0, y = 0;
-};
-
 /// How a painted pixel meets what is there.
 enum class PaintMode { copy, exclusiveOr };
 

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace rasterkit::kernels {
+
+/// The longest side, of picture and place, that weights are made for.
+inline constexpr int64_t kLongestHalftoneSide = int64_t{1} << 22;
+
+/// What one target position takes from the source: `count` positions from `first` on. The first one
+/// weighs `firstWeight`, the last one (where there are at least two) `lastWeight`, those between
+/// `HalftoneAxis::innerWeight`.
+struct HalftoneTap {
+  int32_t first = 0, count = 1;
+  uint32_t firstWeight = 1, lastWeight = 0;
+};
+
+/// One axis of a halftone stretch: exact weights in whole numbers, made as small as they can be.
+///
+/// Where the picture shrinks, a target position covers size / length source positions, each of
+/// which weighs as much as is covered of it. Where it grows, the centre of a target position lies
+/// between the centres of two source positions, which weigh the more the nearer they are; at both
+/// ends the outermost position counts alone.
+struct HalftoneAxis {
+  std::vector<HalftoneTap> taps;
+  uint32_t innerWeight = 1;
+  /// Sum of the weights of each tap; at most 2^23.
+  uint32_t total = 1;
+};
+
+/// Weights for the target positions `first` to `last - 1` of a picture of `sourceSize` positions on
+/// a place of `length` positions, both 1 to kLongestHalftoneSide; mirrored where asked for.
+HalftoneAxis MakeHalftoneAxis(int64_t length, int64_t sourceSize, int64_t first, int64_t last,
+                              bool mirrored);
+
+}  // namespace rasterkit::kernels

@@ -1,0 +1,247 @@
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+#include <vector>
+
+#include <rasterkit/host/raster/blit.h>
+#include <rasterkit/host/raster/blit_axes.h>
+#include <rasterkit/host/raster/row_conversion.h>
+
+namespace rasterkit {
+namespace {
+
+using namespace detail;
+
+/// Corners beyond this would take products past 64 bits.
+constexpr int64_t kFarthest = int64_t{1} << 27;
+
+struct Corner {
+  int64_t x, y;
+};
+
+bool IsFar(const Corner& corner) {
+  return std::max(std::abs(corner.x), std::abs(corner.y)) > kFarthest;
+}
+
+struct Division {
+  int64_t quotient, remainder;
+};
+
+/// floor(factor * part / whole) and what remains, for 0 <= part < whole < 2^60: bit by bit, so that
+/// nothing exceeds 64.
+Division MultiplyAndDivide(uint32_t factor, int64_t part, int64_t whole) {
+  Division result{0, 0};
+  for (int bit = 31; bit >= 0; --bit) {
+    result.quotient *= 2;
+    result.remainder = 2 * result.remainder + ((factor >> bit & 1) != 0 ? part : 0);
+    for (; result.remainder >= whole; result.remainder -= whole) ++result.quotient;
+  }
+  return result;
+}
+
+int64_t FloorDivide(int64_t a, int64_t b) {
+  const int64_t quotient = a / b;
+  return quotient - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0);
+}
+
+/// Target columns from `first` on; `last` lies outside.
+struct Run {
+  int64_t first, last;
+};
+
+/// How far along one side of the parallelogram the centre of pixel (x, y) lies: (start + x * byX +
+/// y * byY) / whole, from 0 up to but without 1.
+struct Side {
+  int64_t start, byX, byY;
+
+  int64_t At(int64_t x, int64_t y) const { return start + x * byX + y * byY; }
+
+  /// The part of the run where the centres lie inside.
+  Run Inside(const Run& run, int64_t y, int64_t whole) const {
+    const int64_t at0 = At(0, y);
+    if (byX == 0) return at0 >= 0 && at0 < whole ? run : Run{0, 0};
+    const int64_t step = std::abs(byX);
+    const int64_t toLow = FloorDivide(at0, step), toHigh = FloorDivide(whole - 1 - at0, step);
+    if (byX > 0) return {std::max(run.first, -toLow), std::min(run.last, toHigh + 1)};
+    const int64_t first = -FloorDivide(whole - 1 - at0, step);
+    return {std::max(run.first, first), std::min(run.last, toLow + 1)};
+  }
+};
+
+/// The source position along one side, kept up from pixel to pixel without dividing.
+class SidePosition {
+ public:
+  SidePosition(const Side& side, int64_t x, int64_t y, int64_t whole, uint32_t size)
+      : forward_(side.byX >= 0),
+        whole_(whole),
+        step_(MultiplyAndDivide(size, std::abs(side.byX) % whole, whole)),
+        at_(MultiplyAndDivide(size, side.At(x, y), whole)) {}
+
+  int64_t Value() const { return at_.quotient; }
+
+  void Next() {
+    if (forward_) {
+      at_.quotient += step_.quotient;
+      at_.remainder += step_.remainder;
+      if (at_.remainder < whole_) return;
+      at_.remainder -= whole_;
+      ++at_.quotient;
+    } else {
+      at_.quotient -= step_.quotient;
+      at_.remainder -= step_.remainder;
+      if (at_.remainder >= 0) return;
+      at_.remainder += whole_;
+      --at_.quotient;
+    }
+  }
+
+ private:
+  bool forward_;
+  int64_t whole_;
+  Division step_, at_;
+};
+
+/// Single pixels of a source in any format.
+class PixelReader {
+ public:
+  explicit PixelReader(const Raster& source)
+      : source_(source),
+        bits_(StoredBitsPerPixel(source.Format())),
+        table_(MakePixelTable(source.palette)) {}
+
+  uint8_t Index(int x, int y) const {
+    const uint8_t* row = source_.Row(y);
+    if (bits_ == 8) return row[x];
+    if (bits_ == 4) return x % 2 == 0 ? row[x / 2] >> 4 : row[x / 2] & 15;
+    return row[x / 8] >> (7 - x % 8) & 1;
+  }
+
+  RGBArec Pixel(int x, int y) const {
+    if (bits_ <= 8) return table_[Index(x, y)];
+    RGBArec pixel;
+    RowTo32(source_.Row(y) + static_cast<size_t>(x) * static_cast<size_t>(bits_ / 8),
+            source_.Format(), 1, table_, &pixel);
+    return pixel;
+  }
+
+ private:
+  const Raster& source_;
+  int bits_;
+  const PixelTable table_;
+};
+
+class Parallelogram {
+ public:
+  /// The corners are near, and `part` is neither mirrored nor empty.
+  Parallelogram(const std::array<Corner, 3>& corners, const Raster& source, const PixelRect& part)
+      : source_(source), part_(part) {
+    const auto [a, b, c] = corners;
+    const int64_t area = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+    const int64_t sign = area < 0 ? -1 : 1;
+    whole_ = 2 * std::abs(area);
+    across_ = MakeSide(a, sign * (c.y - a.y), -sign * (c.x - a.x));
+    down_ = MakeSide(a, -sign * (b.y - a.y), sign * (b.x - a.x));
+  }
+
+  bool IsFlat() const { return whole_ == 0; }
+
+  /// Calls `put(x, sourceX, sourceY)` for the pixels of row `y` below `width` whose source exists,
+  /// from left to right.
+  template <class Put>
+  void ForEachInRow(int y, int width, Put put) const {
+    Run run{0, std::min<int64_t>(width, kFarthest)};
+    run = down_.Inside(across_.Inside(run, y, whole_), y, whole_);
+    if (run.first >= run.last) return;
+    SidePosition across(across_, run.first, y, whole_, Extent(part_.left, part_.right));
+    SidePosition down(down_, run.first, y, whole_, Extent(part_.top, part_.bottom));
+    for (int64_t x = run.first; x < run.last; ++x, across.Next(), down.Next()) {
+      const int64_t sourceX = part_.left + across.Value(), sourceY = part_.top + down.Value();
+      if (sourceX < 0 || sourceX >= source_.Width() || sourceY < 0 || sourceY >= source_.Height())
+        continue;
+      put(static_cast<int>(x), static_cast<int>(sourceX), static_cast<int>(sourceY));
+    }
+  }
+
+ private:
+  /// Centres lie half a pixel from the corner's coordinates: everything is doubled.
+  static Side MakeSide(const Corner& origin, int64_t byX, int64_t byY) {
+    return {(1 - 2 * origin.x) * byX + (1 - 2 * origin.y) * byY, 2 * byX, 2 * byY};
+  }
+  static uint32_t Extent(int low, int high) { return static_cast<uint32_t>(int64_t{high} - low); }
+
+  const Raster& source_;
+  PixelRect part_;
+  int64_t whole_ = 0;
+  Side across_{}, down_{};
+};
+
+void DrawIndexes(Raster& target, const Parallelogram& shape, const Raster& source) {
+  const PixelReader reader(source);
+  std::vector<uint8_t> indexes(static_cast<size_t>(target.Width()));
+  for (int y = 0; y < std::min<int64_t>(target.Height(), kFarthest); ++y) {
+    UnpackIndexes(target.Row(y), target.Format(), target.Width(), indexes.data());
+    shape.ForEachInRow(y, target.Width(), [&](int x, int sourceX, int sourceY) {
+      indexes[static_cast<size_t>(x)] = reader.Index(sourceX, sourceY);
+    });
+    PackIndexes(indexes.data(), target.Format(), target.Width(), target.Row(y));
+  }
+}
+
+void DrawColors(Raster& target, const Parallelogram& shape, const Raster& source) {
+  PixelRule rule;
+  rule.kind = PixelRule::Kind::copy;
+  const auto targetRows = MakeTargetRows(target, rule);
+  const PixelReader reader(source);
+  std::vector<RGBArec> pixels;
+  for (int y = 0; y < std::min<int64_t>(target.Height(), kFarthest); ++y) {
+    int first = 0;
+    pixels.clear();
+    shape.ForEachInRow(y, target.Width(), [&](int x, int sourceX, int sourceY) {
+      if (pixels.empty()) first = x;
+      pixels.push_back(reader.Pixel(sourceX, sourceY));
+    });
+    if (!pixels.empty())
+      targetRows->Write(y, first, static_cast<int>(pixels.size()), pixels.data());
+  }
+}
+
+}  // namespace
+
+void BlitParallelogram(Raster& target, const std::array<PixelPoint, 3>& corners,
+                       const Raster& source, const PixelRect& part) {
+  std::array<Corner, 3> abc;
+  for (size_t i = 0; i < 3; ++i) abc[i] = {corners[i].x, corners[i].y};
+  auto& [a, b, c] = abc;
+  // A mirrored part is the plain one on the mirrored parallelogram.
+  PixelRect plain = part;
+  if (plain.right < plain.left) {
+    std::swap(plain.left, plain.right);
+    c = {c.x + b.x - a.x, c.y + b.y - a.y};
+    std::swap(a, b);
+  }
+  if (plain.bottom < plain.top) {
+    std::swap(plain.top, plain.bottom);
+    b = {b.x + c.x - a.x, b.y + c.y - a.y};
+    std::swap(a, c);
+  }
+  if (plain.left == plain.right || plain.top == plain.bottom) return;
+  if (IsFar(a) || IsFar(b) || IsFar(c)) return;
+
+  PixelRule rule;
+  rule.kind = PixelRule::Kind::copy;
+  if (a.y == b.y && a.x == c.x) {
+    const PixelRect place{static_cast<int>(a.x), static_cast<int>(a.y), static_cast<int>(b.x),
+                          static_cast<int>(c.y)};
+    return BlitByAxes(target, MapAxes(target, place, source, plain, MirroredTie::floor), source,
+                      rule);
+  }
+  const Parallelogram shape(abc, source, plain);
+  if (shape.IsFlat()) return;
+  if (SameIndexes(target, source)) {
+    DrawIndexes(target, shape, source);
+  } else {
+    DrawColors(target, shape, source);
+  }
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <vector>
+
+#include <rasterkit/host/raster/axis_positions.h>
+#include <rasterkit/host/raster/raster.h>
+#include <rasterkit/host/raster/row_conversion.h>
+
+namespace rasterkit::detail {
+
+/// Rows of a source as 32-bit pixels, one for each column that a target wants. Only the columns
+/// that are asked for are converted, and a row that is asked for again is not made again. Alpha is
+/// 255 but for a 32-bit source, which keeps its own.
+class SourceRows {
+ public:
+  /// The source and the columns, of which there is at least one, must outlive this.
+  SourceRows(const Raster& source, const AxisPositions& columns);
+
+  /// The pixels of source row `y`; they stay until the next call.
+  const RGBArec* Row(int y);
+
+ private:
+  void Load(int y);
+
+  const Raster& source_;
+  const std::vector<int>& columns_;
+  const PixelTable table_;
+  bool plainRun_;
+  int firstColumn_, columnCount_;
+  int loaded_ = -1;
+  const RGBArec* row_ = nullptr;
+  std::vector<RGBArec> converted_, gathered_;
+};
+
+}  // namespace rasterkit::detail
