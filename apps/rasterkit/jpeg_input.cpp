@@ -14,22 +14,17 @@
 namespace rasterkit::tool {
 namespace {
 
-PictureType TypeOf(std::span<const uint8_t> bytes) {
-  constexpr size_t sniffedBytes = 1024;
-  return SniffPictureType(bytes.first(std::min(sniffedBytes, bytes.size())));
-}
-
 /// Of a device without an end no more is read than tells that it is no picture.
 std::vector<uint8_t> ReadAll(TFileStream& stream) {
   if (stream.Size() > 0) return stream.ReadToEnd();
   std::vector<uint8_t> bytes = ReadUnsizedPicture(stream);
-  if (TypeOf(bytes) == PictureType::unknown) throw FormatError("this is no JPEG file");
+  if (SniffPictureType(bytes) == PictureType::unknown) throw FormatError("this is no JPEG file");
   return bytes;
 }
 
 void RequireJpeg(std::span<const uint8_t> bytes) {
   if (bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xD8) return;
-  const PictureType type = TypeOf(bytes);
+  const PictureType type = SniffPictureType(bytes);
   if (type == PictureType::unknown) throw FormatError("this is no JPEG file");
   throw FormatError(std::string("this is no JPEG file but ") + PictureTypeName(type));
 }

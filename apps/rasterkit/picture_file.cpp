@@ -1,7 +1,6 @@
 #include "apps/rasterkit/picture_file.h"
 
 #include <algorithm>
-#include <array>
 #include <functional>
 #include <new>
 
@@ -20,17 +19,7 @@
 namespace rasterkit::tool {
 namespace {
 
-/// Enough for every kind's mark, also for that of a PDF behind foreign bytes.
-constexpr size_t kSniffedBytes = 1024;
-
 constexpr int kMostDecoders = 64;
-
-PictureType SniffStream(TStream& stream) {
-  std::array<uint8_t, kSniffedBytes> first;
-  const size_t count = stream.Read(first);
-  stream.SetPosition(0);
-  return SniffPictureType(std::span(first).first(count));
-}
 
 void AddWarnings(PictureFile& file, const CodecReport& report) {
   file.warnings.insert(file.warnings.end(), report.warnings.begin(), report.warnings.end());
@@ -73,7 +62,7 @@ Raster DecodeBytes(PictureType type, std::span<const uint8_t> bytes, CodecReport
 
 void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, int threads) {
   loaded.bytes = bytes.size();
-  loaded.type = SniffPictureType(bytes.first(std::min(kSniffedBytes, bytes.size())));
+  loaded.type = SniffPictureType(bytes);
   if (loaded.type == PictureType::tiff) {
     TSpanStream memory(bytes);
     return LoadTiff(loaded, memory, threads);
@@ -99,7 +88,7 @@ bool HasMetadata(PictureType type) {
 /// rewound.
 void LoadStream(LoadedFrame& loaded, TStream& stream, int threads) {
   const bool isFile = stream.Size() > 0;
-  if (isFile) loaded.type = SniffStream(stream);
+  if (isFile) loaded.type = SniffPictureType(stream);
   if (isFile && loaded.type == PictureType::tiff) return LoadTiff(loaded, stream, threads);
   if (isFile && !HasMetadata(loaded.type)) {
     loaded.bytes = stream.Size();

@@ -1,26 +1,14 @@
-#include <array>
 #include <utility>
 
 #include <rasterkit/host/codecs/decode_frame.h>
 #include <rasterkit/host/codecs/decode_picture.h>
 #include <rasterkit/host/codecs/picture_type.h>
 #include <rasterkit/host/codecs/tiff_decoder.h>
+#include <rasterkit/host/codecs/unsized_picture.h>
 #include <rasterkit/host/runtime/errors.h>
 
 namespace rasterkit {
 namespace {
-
-/// Enough for every kind's mark, also for that of a PDF behind foreign bytes.
-constexpr size_t kSniffedBytes = 1024;
-
-/// The bytes that were looked at are given back to the stream.
-PictureType SniffStream(TStream& stream) {
-  std::array<uint8_t, kSniffedBytes> first;
-  const uint64_t start = stream.Position();
-  const size_t count = stream.Read(first);
-  stream.SetPosition(start);
-  return SniffPictureType(std::span(first).first(count));
-}
 
 WICPixelFormat FrameFormat(const Raster& raster) {
   switch (raster.Format()) {
@@ -42,10 +30,8 @@ WICPixelFormat FrameFormat(const Raster& raster) {
   }
 }
 
-}  // namespace
-
-ImagingFrame DecodeFrame(TStream& stream, const FrameOptions& options, CodecReport* report) {
-  switch (SniffStream(stream)) {
+ImagingFrame DecodeSized(TStream& stream, const FrameOptions& options, CodecReport* report) {
+  switch (SniffPictureType(stream)) {
     case PictureType::unknown:
       throw FormatError("Invalid image");
     case PictureType::tiff:
@@ -57,6 +43,15 @@ ImagingFrame DecodeFrame(TStream& stream, const FrameOptions& options, CodecRepo
   frame.rows = DecodePicture(stream, report);
   frame.format = FrameFormat(frame.rows);
   return frame;
+}
+
+}  // namespace
+
+ImagingFrame DecodeFrame(TStream& stream, const FrameOptions& options, CodecReport* report) {
+  if (stream.Size() > stream.Position()) return DecodeSized(stream, options, report);
+  // Pipes have no size and give their bytes only once.
+  TMemoryStream memory(ReadUnsizedPicture(stream));
+  return DecodeSized(memory, options, report);
 }
 
 }  // namespace rasterkit

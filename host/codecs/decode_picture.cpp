@@ -1,4 +1,3 @@
-#include <array>
 #include <string>
 #include <vector>
 
@@ -14,19 +13,8 @@
 namespace rasterkit {
 namespace {
 
-/// Enough for every kind's mark, also for that of a PDF behind foreign bytes.
-constexpr size_t kSniffedBytes = 1024;
-
-PictureType SniffStream(TStream& stream) {
-  std::array<uint8_t, kSniffedBytes> first;
-  const uint64_t position = stream.Position();
-  const size_t count = stream.Read(first);
-  stream.SetPosition(position);
-  return SniffPictureType(std::span(first).first(count));
-}
-
 Raster DecodeSized(TStream& stream, CodecReport* report) {
-  const PictureType type = SniffStream(stream);
+  const PictureType type = SniffPictureType(stream);
   switch (type) {
     case PictureType::bmp:
       return DecodeBmp(stream, report);

@@ -10,7 +10,7 @@ namespace {
 
 using Bytes = std::span<const uint8_t>;
 
-/// Viewers accept a PDF whose header comes within this many bytes.
+/// Viewers accept a PDF whose header comes within this many bytes; other kinds need fewer.
 constexpr size_t kPdfHeaderWindow = 1024;
 
 bool HasAt(Bytes bytes, size_t offset, std::string_view text) {
@@ -100,6 +100,14 @@ PictureType SniffPictureType(std::span<const uint8_t> bytes) {
     if (kind.matches(bytes)) return kind.type;
   }
   return PictureType::unknown;
+}
+
+PictureType SniffPictureType(TStream& stream) {
+  std::array<uint8_t, kPdfHeaderWindow> first;
+  const uint64_t position = stream.Position();
+  const size_t count = stream.Read(first);
+  stream.SetPosition(position);
+  return SniffPictureType(std::span(first).first(count));
 }
 
 const char* PictureTypeName(PictureType type) {

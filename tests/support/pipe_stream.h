@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/stream.h>
 
@@ -34,6 +36,22 @@ class PipeStream : public TStream {
  private:
   std::vector<uint8_t> bytes_;
   size_t consumed_ = 0;
+};
+
+/// A device that never ends.
+class EndlessStream : public PipeStream {
+ public:
+  EndlessStream() : PipeStream({}) {}
+  size_t Read(std::span<uint8_t> target) override {
+    taken_ += target.size();
+    EXPECT_LE(taken_, 100'000u) << "goes on reading";
+    if (taken_ > 100'000) return 0;
+    std::fill(target.begin(), target.end(), uint8_t{0});
+    return target.size();
+  }
+
+ private:
+  size_t taken_ = 0;
 };
 
 }  // namespace rasterkit::test

@@ -90,22 +90,6 @@ TEST(DecodePicture, Should_SayUnknown_When_DataAreNoPicture) {
   }
 }
 
-/// A device that never ends.
-class EndlessStream : public PipeStream {
- public:
-  EndlessStream() : PipeStream({}) {}
-  size_t Read(std::span<uint8_t> target) override {
-    taken_ += target.size();
-    EXPECT_LE(taken_, 100'000u) << "goes on reading";
-    if (taken_ > 100'000) return 0;
-    std::fill(target.begin(), target.end(), uint8_t{0});
-    return target.size();
-  }
-
- private:
-  size_t taken_ = 0;
-};
-
 TEST(DecodePicture, Should_StopReading_When_AnEndlessDeviceIsNoPicture) {
   EndlessStream stream;
   EXPECT_THROW(DecodePicture(stream), FormatError);
