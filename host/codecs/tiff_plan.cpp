@@ -25,8 +25,14 @@ constexpr int deflateLevel = 4;
 /// Room for header, tags, palette and profile beside the strips.
 constexpr uint64_t spareBytes = uint64_t{64} << 20;
 
+/// By colours alone: the flags of an entry say nothing of how it looks.
 bool IsRamp(const HPALETTE& palette, int bits) {
-  return palette == GrayPalette(1 << bits);
+  const HPALETTE ramp = GrayPalette(1 << bits);
+  const auto isSame = [](const tagPALETTEENTRY& a, const tagPALETTEENTRY& b) {
+    return EntryColor(a) == EntryColor(b);
+  };
+  const auto entries = palette.Entries(), greys = ramp.Entries();
+  return std::equal(entries.begin(), entries.end(), greys.begin(), greys.end(), isSame);
 }
 
 bool IsReversedBlackWhite(const HPALETTE& palette) {

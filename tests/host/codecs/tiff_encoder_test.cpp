@@ -156,6 +156,17 @@ TEST(TiffEncoder, OneBit_Should_GoByPhotometric_When_BlackAndWhite) {
   EXPECT_EQ(Frame(Encoded(source)).format, GUID_WICPixelFormatBlackWhite);
 }
 
+TEST(TiffEncoder, FlagsOfAPalette_Should_NotCount) {
+  for (const TPixelFormat format : {pf1bit, pf4bit, pf8bit}) {
+    Raster source = GradientRaster(format, 37, 5);
+    const HPALETTE ramp = GrayPalette(1 << StoredBitsPerPixel(format));
+    std::vector<tagPALETTEENTRY> entries(ramp.Entries().begin(), ramp.Entries().end());
+    for (tagPALETTEENTRY& entry : entries) entry.peFlags = 4;
+    source.palette = HPALETTE(entries);
+    EXPECT_EQ(Facts(Encoded(source)).photometric, PHOTOMETRIC_MINISBLACK) << format;
+  }
+}
+
 TEST(TiffEncoder, OneBit_Should_BeAPaletteFile_When_ItHasOtherColours) {
   Raster source = GradientRaster(pf1bit, 37, 5);
   for (const HPALETTE& palette :
