@@ -25,9 +25,9 @@ NumberRange RangeOf(const double* numbers, size_t count) {
 uint8_t GrayOf(double number, const NumberRange& range) {
   if (std::isnan(number)) return 255;
   if (std::isinf(number)) return number > 0 ? 255 : 0;
-  if (range.greatest == range.least) return 0;
-  // Halved: the span of two finite numbers need not be finite.
+  // Halved: the span of two finite numbers need not be finite. That of the tiniest ones is lost.
   const double span = range.greatest / 2 - range.least / 2;
+  if (span == 0) return 0;
   return static_cast<uint8_t>((number / 2 - range.least / 2) / span * 255 + 0.5);
 }
 

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/host/codecs/decode_frame.h>
+#include <rasterkit/host/codecs/stretch_numbers.h>
 
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
@@ -88,6 +89,14 @@ TEST(FramePicture, Should_GoFromLeastToGreatest_When_Floats) {
   raster = PictureOfFrame(Grid<float>(GUID_WICPixelFormat32bppGrayFloat, 1, {none, none}), &report);
   EXPECT_THAT(Values(raster), ElementsAre(255, 255));
   EXPECT_THAT(report.warnings, ElementsAre(HasSubstr("no number")));
+}
+
+TEST(StretchNumbers, Should_BeBlack_When_TheSpanIsTooTinyForADouble) {
+  const double numbers[] = {0, std::numeric_limits<double>::denorm_min(), 0};
+  Raster raster(pf32bit, 3, 1);
+  const detail::NumberRange range = detail::StretchNumbers(numbers, raster);
+  EXPECT_EQ(range.greatest, numbers[1]);
+  EXPECT_THAT(Values(raster), ElementsAre(0, 0, 0));
 }
 
 TEST(FramePicture, Should_HaveARamp_When_Gray) {
