@@ -95,7 +95,6 @@ void SetSample(std::array<uint8_t, 8>& bytes, size_t& count, double number) {
 }
 
 std::optional<double> ParseNumber(const std::string& text) {
-  if (text == "nan" || text == "NaN") return std::numeric_limits<double>::quiet_NaN();
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
@@ -235,8 +234,8 @@ TiffOutcome FrameReader::ReadStretched(TiffHandle& handle, Raster& raster) {
   const NumberRange range = StretchNumbers(reinterpret_cast<const double*>(numbers.Data()), raster);
   if (range.IsKnown())
     Warn(fmt::format("numbers from {:g} to {:g} are shown as black to white",
-                     layout_.isInverted ? -range.greatest : range.least,
-                     layout_.isInverted ? -range.least : range.greatest));
+                     layout_.isInverted ? -range.least : range.least,
+                     layout_.isInverted ? -range.greatest : range.greatest));
   return outcome;
 }
 
@@ -258,7 +257,7 @@ void FrameReader::Judge(const TiffOutcome& outcome) {
         "TIFF: " + (outcome.notes.empty() ? "nothing of the picture is there" : outcome.notes[0]));
   }
   if (outcome.damagedBlocks > 0) {
-    Warn(outcome.soundRows > 0 || outcome.blocks == 1
+    Warn(outcome.soundRows > 0
              ? fmt::format("the data are damaged or end early, {} of {} rows are whole",
                            outcome.soundRows, layout_.height)
              : fmt::format("{} of {} strips or tiles are damaged", outcome.damagedBlocks,

@@ -109,6 +109,18 @@ TEST(TiffDecoder, Palette_Should_HaveTheFilesColors) {
   }
 }
 
+TEST(TiffDecoder, Palette_Should_HoldWords_When_OneChannelDoes) {
+  for (size_t channel = 0; channel < 3; channel++) {
+    TiffFile file = Picture(PHOTOMETRIC_PALETTE, 1, 4);
+    file.colorMap.assign(48, 0);
+    file.colorMap[16 * channel] = 256 * 77;
+    file.colorMap[16 * channel + 1] = 200;
+    const HPALETTE palette = Decode(file.Bytes()).rows.palette;
+    EXPECT_EQ(EntryColor(palette.Entry(0)), TColor{77} << 8 * channel);
+    EXPECT_EQ(EntryColor(palette.Entry(1)), 0);
+  }
+}
+
 TEST(TiffDecoder, Resolution_Should_BeInDotsAnInch) {
   const auto resolution = [](int unit, double x, double y) {
     TiffFile file = Picture(PHOTOMETRIC_RGB, 3, 8);
@@ -142,6 +154,10 @@ TEST(TiffDecoder, Profile_Should_ComeAlong_When_ItFitsThePixels) {
   };
   EXPECT_TRUE(kept(Picture(PHOTOMETRIC_RGB, 3, 8)));
   EXPECT_TRUE(kept(Picture(PHOTOMETRIC_RGB, 3, 16)));
+  TiffFile palette = Picture(PHOTOMETRIC_PALETTE, 1, 4);
+  palette.colorMap.assign(48, 0);
+  EXPECT_TRUE(kept(palette));
+  EXPECT_TRUE(kept(Picture(PHOTOMETRIC_YCBCR, 3, 8)));
   EXPECT_FALSE(kept(Picture(PHOTOMETRIC_MINISBLACK, 1, 8)));
   EXPECT_FALSE(kept(Picture(PHOTOMETRIC_SEPARATED, 4, 8)));
 }
@@ -336,6 +352,19 @@ TEST(TiffDecoder, MadeUpRange_Should_BeReported_When_NumbersAreStretched) {
   EXPECT_EQ(frame.rows.Row(0)[12], 128);
   EXPECT_THAT(report.warnings,
               testing::ElementsAre("TIFF: numbers from -3 to 7 are shown as black to white"));
+}
+
+TEST(TiffDecoder, MadeUpRange_Should_RunDown_When_WhiteIsZero) {
+  TiffFile file = Picture(PHOTOMETRIC_MINISWHITE, 1, 32, 3, 1);
+  const uint32_t numbers[3] = {10, 30, 40};
+  std::memcpy(file.pixels.data(), numbers, sizeof numbers);
+  CodecReport report;
+  const ImagingFrame frame = Decode(file.Bytes(), &report);
+  EXPECT_EQ(frame.rows.Row(0)[0], 255);
+  EXPECT_EQ(frame.rows.Row(0)[4], 85);
+  EXPECT_EQ(frame.rows.Row(0)[8], 0);
+  EXPECT_THAT(report.warnings,
+              testing::ElementsAre("TIFF: numbers from 40 to 10 are shown as black to white"));
 }
 
 TEST(TiffDecoder, Threads_Should_NotChangePixels) {
