@@ -8,6 +8,7 @@
 #include <hwy/highway.h>
 
 #include <rasterkit/host/kernels/packed_pixels.h>
+#include <rasterkit/host/kernels/rotate_bit_runs.h>
 #include <rasterkit/host/kernels/rotate_pixels.h>
 
 // How a run of target pixels finds its source pixels.
@@ -377,6 +378,11 @@ void RotatePixels(const RotationMapping& mapping, const ConstPixelRows& source,
                   const PixelRows& target, int bitsPerPixel, uint32_t background, int firstRow,
                   int lastRow) {
   if (target.width <= 0) return;
+  if (bitsPerPixel == 1 && TakesLongRuns(mapping, target.height)) {
+    RotateBitRuns(mapping, source, target, background != 0, firstRow, lastRow);
+    for (int y = firstRow; y < lastRow; ++y) ClearPadding(target, y, 1);
+    return;
+  }
   const bool fast = source.width <= kFastSize && source.height <= kFastSize &&
                     target.width <= 2 * kFastSize && target.height <= 2 * kFastSize;
   // Steps along rows of 2^23 pixels would leave 64 bits; the exact rule needs none.
