@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <rasterkit/host/kernels/packed_pixels.h>
+#include <rasterkit/host/kernels/transpose_bits.h>
 #include <rasterkit/host/kernels/transpose_color.h>
 #include <rasterkit/host/kernels/turn_pixels.h>
 
@@ -117,6 +118,7 @@ void TransposePackedBlock(const ConstPixelRows& source, const PixelRows& target,
 void TurnPackedPixels(const ConstPixelRows& source, const PixelRows& target, int bits,
                       AxisTurn turn) {
   if (!turn.transpose) return TurnPackedRows(source, target, bits, turn);
+  if (bits == 1 && TransposeBits(source, target, turn)) return;
   for (int y = 0; y < target.height; y += kBlock)
     for (int x = 0; x < target.width; x += kBlock)
       TransposePackedBlock(source, target, bits, turn, x, y);

@@ -59,6 +59,26 @@ TEST_P(TurnPixelsTest, EqualsThePlainLoopInAllEightTurnsAndOddSizes) {
 
 INSTANTIATE_TEST_SUITE_P(Formats, TurnPixelsTest, testing::Values(1, 4, 8, 16, 24, 32));
 
+// Larger than a tile of bits in both directions, and than the blocks in it.
+TEST(TurnBitsTest, EqualsThePlainLoopBeyondTiles) {
+  std::mt19937 random(4713);
+  for (int height : {63, 64, 129, 530})
+    for (int width : {97, 127, 128, 129, 255, 512, 513, 1100}) {
+      TestRows source(width, height, 1);
+      source.FillRandomly(random);
+      for (int number = 0; number < 8; ++number) {
+        const AxisTurn turn = TurnNumber(number);
+        const TestRows expected = PlainTurn(source, turn, 1);
+        test::ForEachSimdTarget([&](int64_t simd) {
+          TestRows target = TargetOf(source, turn, 1);
+          kernels::TurnPixels(source.Rows(), target.Rows(), 1, turn);
+          ASSERT_TRUE(target.bytes == expected.bytes)
+              << width << " x " << height << ", turn " << number << ", " << hwy::TargetName(simd);
+        });
+      }
+    }
+}
+
 TEST(TurnPixels32To24Test, DropsTheFourthByte) {
   std::mt19937 random(4712);
   for (int height : {1, 2, 9, 33, 50})
