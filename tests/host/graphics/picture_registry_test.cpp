@@ -109,15 +109,5 @@ TEST(Metafile, Assign_Should_KeepTheTargetsMark) {
   EXPECT_TRUE(enhanced.Empty());
 }
 
-TEST(Icon, Should_RefuseByName_When_ContentIsNeeded) {
-  TIcon icon;
-  TBitmap bitmap;
-  TMemoryStream stream;
-  for (const std::string& text :
-       {Refusal([&] { icon.LoadFromStream(stream); }), Refusal([&] { icon.SaveToStream(stream); }),
-        Refusal([&] { icon.Assign(&bitmap); }), Refusal([&] { bitmap.Assign(&icon); })})
-    EXPECT_NE(text.find("icon"), std::string::npos) << text;
-}
-
 }  // namespace
 }  // namespace rasterkit
