@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <rasterkit/host/kernels/packed_pixels.h>
+#include <rasterkit/host/kernels/reverse_row.h>
 #include <rasterkit/host/kernels/transpose_bits.h>
 #include <rasterkit/host/kernels/transpose_color.h>
 #include <rasterkit/host/kernels/turn_pixels.h>
@@ -87,14 +88,28 @@ void TurnBytePixels(const ConstPixelRows& source, const PixelRows& target, AxisT
                                             {0, done.rows, target.width, target.height});
 }
 
+// Turned around, a packed row begins with the spare bits of its last byte: all moves up by as many.
+void MirrorPackedRow(const uint8_t* from, size_t bytes, int bits, int spare,
+                     std::vector<uint8_t>& turned, uint8_t* row) {
+  ReversePackedBytes(from, bytes, bits, turned.data());
+  for (size_t i = 0; i < bytes; ++i)
+    row[i] = static_cast<uint8_t>((turned[i] << 8 | turned[i + 1]) >> (8 - spare));
+}
+
 void TurnPackedRows(const ConstPixelRows& source, const PixelRows& target, int bits,
                     AxisTurn turn) {
-  std::vector<uint8_t> pixels(static_cast<size_t>(target.width));
+  const size_t bytes = RowBytes(target.width, bits);
+  if (bytes == 0) return;
+  const int spare = static_cast<int>(bytes * 8 - static_cast<size_t>(target.width) * size_t(bits));
+  std::vector<uint8_t> turned(bytes + 1);
   for (int y = 0; y < target.height; ++y) {
-    UnpackPixels(source.Row(turn.mirrorY ? target.height - 1 - y : y), bits, 0, target.width,
-                 pixels.data());
-    if (turn.mirrorX) std::reverse(pixels.begin(), pixels.end());
-    PackPixels(pixels.data(), bits, 0, target.width, target.Row(y));
+    const uint8_t* from = source.Row(turn.mirrorY ? target.height - 1 - y : y);
+    uint8_t* row = target.Row(y);
+    if (turn.mirrorX)
+      MirrorPackedRow(from, bytes, bits, spare, turned, row);
+    else
+      std::memcpy(row, from, bytes);
+    row[bytes - 1] &= static_cast<uint8_t>(0xFF << spare);
   }
 }
 
