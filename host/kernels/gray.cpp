@@ -1,4 +1,3 @@
-#include <bit>
 #include <cstring>
 
 #include <rasterkit/host/kernels/gray.h>
@@ -8,11 +7,12 @@
 // clang-format off: this file is compiled once for each target by the next line.
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+
+#include <rasterkit/host/kernels/pixel_lanes-inl.h>
 // clang-format on
 
 HWY_BEFORE_NAMESPACE();
 namespace rasterkit::kernels::HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
 
 /// `kBytes` is the distance from pixel to pixel: 3 for B G R, 4 for B G R A.
 template <int kBytes>
@@ -28,18 +28,11 @@ void GrayOfRow(const uint8_t* pixels, size_t width, uint8_t* gray) {
   GrayOfPixels<kBytes>(pixels, width, gray);
 }
 
-#else
+void GrayInPlace24(uint8_t* bgr, size_t width) {
+  for (size_t x = 0; x < width; ++x, bgr += 3) std::memset(bgr, GrayOf(bgr[2], bgr[1], bgr[0]), 3);
+}
 
-using Bytes = hn::ScalableTag<uint8_t>;
-using Words = hn::Repartition<int16_t, Bytes>;
-using Lanes = hn::Repartition<uint32_t, Bytes>;
-using SignedLanes = hn::RebindToSigned<Lanes>;
-using ByteVector = hn::Vec<Bytes>;
-using WordVector = hn::Vec<Words>;
-using LaneVector = hn::Vec<Lanes>;
-using SignedLaneVector = hn::Vec<SignedLanes>;
-using LaneMask = hn::Mask<Lanes>;
-using LaneOrder = decltype(hn::SetTableIndices(Lanes(), static_cast<const int32_t*>(nullptr)));
+#else
 
 // A pixel takes a lane of 32 bits, as bytes G G R B. They read as two words, g + 256 g and
 // r + 256 b, and moved up by a byte as two others, 256 g and g + 256 r. The sum of the four, each
@@ -63,12 +56,10 @@ constexpr int64_t kBias = 32768 * (kWeights[0] + kWeights[1] + kWeights[2] + kWe
 
 /// What stays the same from vector to vector.
 struct Constants {
-  LaneOrder groups;
+  LaneOrder spread;
   ByteVector ggrb;
   WordVector weights, weightsOfMoved, wordBias;
   SignedLaneVector start;
-  ByteVector byVector;
-  LaneOrder byPixel;
 };
 
 HWY_INLINE WordVector WordPairs(int16_t low, int16_t high) {
@@ -79,33 +70,12 @@ template <int kBytes>
 HWY_INLINE Constants MakeConstants() {
   constexpr uint8_t kGgrb[2][16] = {{1, 1, 2, 0, 4, 4, 5, 3, 7, 7, 8, 6, 10, 10, 11, 9},
                                     {1, 1, 2, 0, 5, 5, 6, 4, 9, 9, 10, 8, 13, 13, 14, 12}};
-  constexpr uint8_t kByVector[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
-  constexpr int kMaxLanes = static_cast<int>(hn::MaxLanes(Lanes()));
-  const int lanes = static_cast<int>(hn::Lanes(Lanes()));
-  const int blocks = lanes / 4;
-  int32_t groups[kMaxLanes], byPixel[kMaxLanes];
-  for (int i = 0; i < lanes; ++i) {
-    groups[i] = i / 4 * 3 + i % 4;
-    byPixel[i] = i % blocks * 4 + i / blocks;
-  }
-  return {hn::SetTableIndices(Lanes(), groups),
+  return {SpreadOrder(),
           hn::LoadDup128(Bytes(), kGgrb[kBytes - 3]),
           WordPairs(kWeights[0], kWeights[1]),
           WordPairs(kWeights[2], kWeights[3]),
           hn::Set(Words(), INT16_MIN),
-          hn::Set(SignedLanes(), static_cast<int32_t>(kBias + kLift)),
-          hn::LoadDup128(Bytes(), kByVector),
-          hn::SetTableIndices(Lanes(), byPixel)};
-}
-
-/// Loads a pixel into each lane. Three-byte pixels are first moved so that four of them start each
-/// block of 16 bytes, and a quarter of a vector behind them is read too.
-template <int kBytes>
-HWY_INLINE LaneVector LoadPixels(const Constants& c, const uint8_t* pixels) {
-  auto loaded = hn::BitCast(Lanes(), hn::LoadU(Bytes(), pixels));
-  if constexpr (kBytes == 3 && hn::MaxLanes(Bytes()) > 16)
-    loaded = hn::TableLookupLanes(loaded, c.groups);
-  return hn::BitCast(Lanes(), hn::TableLookupBytes(hn::BitCast(Bytes(), loaded), c.ggrb));
+          hn::Set(SignedLanes(), static_cast<int32_t>(kBias + kLift))};
 }
 
 /// `start` plus, for each lane, the products of its two words with their weights.
@@ -122,15 +92,9 @@ HWY_INLINE LaneVector GraySum(const Constants& c, LaneVector ggrb) {
   return hn::BitCast(Lanes(), AddProducts(c, half, hn::ShiftLeft<8>(ggrb), c.weightsOfMoved));
 }
 
-/// Four vectors of lanes: as many pixels as a vector has bytes.
-struct Quad {
-  LaneVector v0, v1, v2, v3;
-};
-
-/// `function` of each vector.
-template <class Function>
-HWY_INLINE Quad ForEach(Function function, const Quad& q) {
-  return {function(q.v0), function(q.v1), function(q.v2), function(q.v3)};
+template <int kBytes>
+HWY_INLINE LaneVector LoadPixels(const Constants& c, const uint8_t* pixels) {
+  return hn::BitCast(Lanes(), hn::TableLookupBytes(LoadSpread<kBytes>(c.spread, pixels), c.ggrb));
 }
 
 template <int kBytes>
@@ -140,17 +104,29 @@ HWY_INLINE Quad LoadQuad(const Constants& c, const uint8_t* pixels) {
           LoadPixels<kBytes>(c, pixels + 2 * step), LoadPixels<kBytes>(c, pixels + 3 * step)};
 }
 
-/// The top byte of each lane, in the order of the pixels.
-HWY_INLINE ByteVector TopBytes(const Constants& c, const Quad& q) {
+/// How the top bytes of a quad become one vector in the order of the pixels.
+struct TopOrder {
+  ByteVector byVector;
+  LaneOrder byPixel;
+};
+
+HWY_INLINE TopOrder MakeTopOrder() {
+  constexpr uint8_t kByVector[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
+  const int blocks = static_cast<int>(hn::Lanes(Lanes())) / 4;
+  return {hn::LoadDup128(Bytes(), kByVector),
+          OrderLanes([blocks](int i) { return i % blocks * 4 + i / blocks; })};
+}
+
+HWY_INLINE ByteVector TopBytes(const TopOrder& order, const Quad& q) {
   const hn::RebindToUnsigned<Words> d;
   const auto upperWords = [d](LaneVector low, LaneVector high) {
     return hn::OddEven(hn::BitCast(d, high), hn::BitCast(d, hn::ShiftRight<16>(low)));
   };
   const auto even = hn::BitCast(Bytes(), hn::ShiftRight<8>(upperWords(q.v0, q.v2)));
   const auto odd = hn::BitCast(Bytes(), upperWords(q.v1, q.v3));
-  const auto bytes = hn::TableLookupBytes(hn::OddEven(odd, even), c.byVector);
+  const auto bytes = hn::TableLookupBytes(hn::OddEven(odd, even), order.byVector);
   if constexpr (hn::MaxLanes(Bytes()) == 16) return bytes;
-  return hn::BitCast(Bytes(), hn::TableLookupLanes(hn::BitCast(Lanes(), bytes), c.byPixel));
+  return hn::BitCast(Bytes(), hn::TableLookupLanes(hn::BitCast(Lanes(), bytes), order.byPixel));
 }
 
 /// What a sum has below its top byte.
@@ -188,78 +164,72 @@ HWY_INLINE LaneVector LowerNeutral(LaneVector ggrb, LaneVector sum) {
   return hn::Sub(sum, hn::IfThenElseZero(fallsShort, hn::Set(d, static_cast<uint32_t>(kOne))));
 }
 
-/// Does the pixels of other colours whose exact sum is whole once more, one by one.
+/// Asks the table about the lanes whose exact sum is whole.
+HWY_INLINE LaneVector LowerByTable(LaneVector ggrb, LaneVector sum) {
+  const Lanes d;
+  const auto red = hn::And(hn::ShiftRight<13>(ggrb), hn::Set(d, 255 * 8));
+  const auto greenWord = hn::And(hn::ShiftRight<5>(ggrb), hn::Set(d, 7));
+  const auto index = hn::BitCast(SignedLanes(), hn::Or(red, greenWord));
+  const auto words = hn::GatherIndex(d, kGrayIsOneLess.data(), index);
+  const auto fromGreen = hn::Shr(words, hn::And(ggrb, hn::Set(d, 31)));
+  const auto one = hn::ShiftLeft<24>(hn::And(fromGreen, hn::Set(d, 1)));
+  return hn::Sub(sum, hn::IfThenElseZero(LessThanAThousandth(Fraction(sum)), one));
+}
+
+/// Sums of which some are whole, made such that the top bytes are right. Neutral colours, which are
+/// common (paper, scans), need no table.
+HWY_INLINE Quad SettledSums(const Quad& ggrb, const Quad& sums) {
+  const bool neutral = AllAreZero(ForEach([](LaneVector v) { return Tint(v); }, ggrb));
+  if (neutral)
+    return ForEach([](LaneVector v, LaneVector sum) { return LowerNeutral(v, sum); }, ggrb, sums);
+  return ForEach([](LaneVector v, LaneVector sum) { return LowerByTable(v, sum); }, ggrb, sums);
+}
+
+/// Lanes with the grey value of each pixel in their top byte. Three-byte pixels are read a quarter
+/// of a vector too far.
 template <int kBytes>
-HWY_INLINE void RedoTinted(LaneVector ggrb, LaneVector sum, const uint8_t* pixels,
-                           uint8_t* target) {
-  const auto tinted = hn::Ne(Tint(ggrb), hn::Zero(Lanes()));
-  const auto doubt = hn::And(tinted, LessThanAThousandth(Fraction(sum)));
-  uint8_t bytes[HWY_MAX((hn::MaxLanes(Lanes()) + 7) / 8, 8)] = {};
-  hn::StoreMaskBits(Lanes(), doubt, bytes);
-  for (size_t first = 0; first < hn::Lanes(Lanes()); first += 64) {
-    uint64_t bits;
-    std::memcpy(&bits, bytes + first / 8, sizeof bits);
-    for (; bits != 0; bits &= bits - 1) {
-      const size_t i = first + static_cast<size_t>(std::countr_zero(bits));
-      GrayOfPixels<kBytes>(pixels + i * kBytes, 1, target + i);
-    }
-  }
-}
-
-HWY_INLINE bool AllAreNeutral(const Quad& ggrb) {
-  return AllAreZero(ForEach([](LaneVector v) { return Tint(v); }, ggrb));
-}
-
-HWY_INLINE bool AllAreEqual(const Quad& q) {
-  const auto first = hn::Set(Lanes(), hn::GetLane(q.v0));
-  return AllAreZero(ForEach([first](LaneVector v) { return hn::Xor(v, first); }, q));
-}
-
-/// Stores a vector in which some exact sums are whole. Neutral colours are common (paper, scans),
-/// and so are runs of one other colour, which is looked up once; what remains is rare.
-template <int kBytes>
-HWY_INLINE void StoreSettled(const Constants& c, const Quad& ggrb, const Quad& sums,
-                             const uint8_t* pixels, uint8_t* target) {
-  const bool neutral = AllAreNeutral(ggrb);
-  if (!neutral && AllAreEqual(ggrb)) {
-    const uint8_t gray = GrayOf(pixels[2], pixels[1], pixels[0]);
-    return hn::StoreU(hn::Set(Bytes(), gray), Bytes(), target);
-  }
-  const Quad lowered{LowerNeutral(ggrb.v0, sums.v0), LowerNeutral(ggrb.v1, sums.v1),
-                     LowerNeutral(ggrb.v2, sums.v2), LowerNeutral(ggrb.v3, sums.v3)};
-  hn::StoreU(TopBytes(c, lowered), Bytes(), target);
-  if (neutral) return;
-  const size_t lanes = hn::Lanes(Lanes());
-  RedoTinted<kBytes>(ggrb.v0, sums.v0, pixels, target);
-  RedoTinted<kBytes>(ggrb.v1, sums.v1, pixels + lanes * kBytes, target + lanes);
-  RedoTinted<kBytes>(ggrb.v2, sums.v2, pixels + 2 * lanes * kBytes, target + 2 * lanes);
-  RedoTinted<kBytes>(ggrb.v3, sums.v3, pixels + 3 * lanes * kBytes, target + 3 * lanes);
-}
-
-/// Three-byte pixels are read a quarter of a vector too far.
-template <int kBytes>
-HWY_INLINE void GrayOfVector(const Constants& c, const uint8_t* pixels, uint8_t* target) {
+HWY_INLINE Quad GrayOfQuad(const Constants& c, const uint8_t* pixels) {
   const Quad ggrb = LoadQuad<kBytes>(c, pixels);
   const Quad sums = ForEach([&c](LaneVector v) { return GraySum(c, v); }, ggrb);
-  if (HWY_LIKELY(NoneIsWhole(sums))) return hn::StoreU(TopBytes(c, sums), Bytes(), target);
-  StoreSettled<kBytes>(c, ggrb, sums, pixels, target);
+  if (HWY_LIKELY(NoneIsWhole(sums))) return sums;
+  return SettledSums(ggrb, sums);
 }
 
 template <int kBytes>
 void GrayOfRow(const uint8_t* pixels, size_t width, uint8_t* gray) {
   const size_t lanes = hn::Lanes(Bytes());
-  const size_t readAhead = kBytes == 3 ? lanes / 12 + 1 : 0;
+  const size_t readAhead = PixelsReadAhead<kBytes>(lanes);
   const size_t touched = lanes + readAhead;
   if (width < touched) return GrayOfPixels<kBytes>(pixels, width, gray);
   const Constants constants = MakeConstants<kBytes>();
-  for (size_t x = 0; x + touched <= width; x += lanes)
-    GrayOfVector<kBytes>(constants, pixels + x * kBytes, gray + x);
+  const TopOrder order = MakeTopOrder();
+  for (size_t x = 0; x + touched <= width; x += lanes) {
+    const Quad sums = GrayOfQuad<kBytes>(constants, pixels + x * kBytes);
+    hn::StoreU(TopBytes(order, sums), Bytes(), gray + x);
+  }
   // The last vector reads to the end of the row and does some pixels again; what it only reads is
   // left to the end.
   const size_t last = width - touched;
-  GrayOfVector<kBytes>(constants, pixels + last * kBytes, gray + last);
+  const Quad sums = GrayOfQuad<kBytes>(constants, pixels + last * kBytes);
+  hn::StoreU(TopBytes(order, sums), Bytes(), gray + last);
   const size_t rest = last + lanes;
   GrayOfPixels<kBytes>(pixels + rest * kBytes, readAhead, gray + rest);
+}
+
+/// Replaces the pixels of a quad by their grey values.
+struct ReplaceByGray {
+  Constants constants;
+  PackedOrder threeTimes;
+
+  HWY_INLINE void operator()(uint8_t* pixels) const {
+    StorePacked(threeTimes, GrayOfQuad<3>(constants, pixels), pixels);
+  }
+};
+
+void GrayInPlace24(uint8_t* bgr, size_t width) {
+  constexpr uint8_t kTop[16] = {3, 3, 3, 7, 7, 7, 11, 11, 11, 15, 15, 15, 0, 0, 0, 0};
+  const PackedOrder threeTimes{hn::LoadDup128(Bytes(), kTop), JoinOrder()};
+  EditRow<3>(ReplaceByGray{MakeConstants<3>(), threeTimes}, bgr, width);
 }
 
 #endif
@@ -279,6 +249,7 @@ namespace rasterkit::kernels {
 
 HWY_EXPORT(GrayOfRow24);
 HWY_EXPORT(GrayOfRow32);
+HWY_EXPORT(GrayInPlace24);
 
 void GrayOfRow24(const uint8_t* bgr, size_t width, uint8_t* gray) {
   HWY_DYNAMIC_DISPATCH(GrayOfRow24)(bgr, width, gray);
@@ -289,7 +260,7 @@ void GrayOfRow32(const uint8_t* bgra, size_t width, uint8_t* gray) {
 }
 
 void GrayInPlace24(uint8_t* bgr, size_t width) {
-  for (size_t x = 0; x < width; ++x, bgr += 3) std::memset(bgr, GrayOf(bgr[2], bgr[1], bgr[0]), 3);
+  HWY_DYNAMIC_DISPATCH(GrayInPlace24)(bgr, width);
 }
 
 }  // namespace rasterkit::kernels

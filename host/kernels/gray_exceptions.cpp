@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <rasterkit/host/kernels/gray_exceptions.h>
 
 namespace rasterkit::kernels {
@@ -53,8 +55,49 @@ constexpr std::array<uint32_t, 2048> MakeBits() {
   return bits;
 }
 
+/// The one blue that makes the sum of a pair a multiple of 1000: 114 b is then -(297 r + 589 g), so
+/// 57 b is half of that, modulo 500, where 193 is the inverse of 57.
+constexpr uint32_t BlueOf(uint32_t red, uint32_t green) {
+  const uint32_t missing = 1000 - (297 * red + 589 * green) % 1000;
+  return missing / 2 * 193 % 500;
+}
+
+/// All exceptions by level; those of a level lie from `starts[level]` to `starts[level + 1]`.
+struct ByLevel {
+  std::array<uint32_t, std::size(kExceptions)> colors{};
+  std::array<uint16_t, 257> starts{};
+};
+
+constexpr ByLevel SortByLevel() {
+  ByLevel sorted;
+  std::array<uint8_t, std::size(kExceptions)> levels{};
+  for (size_t i = 0; i < levels.size(); ++i) {
+    const uint32_t red = kExceptions[i] >> 8, green = kExceptions[i] & 255u;
+    const uint32_t sum = 297 * red + 589 * green + 114 * BlueOf(red, green);
+    levels[i] = static_cast<uint8_t>(sum / 1000);
+    ++sorted.starts[levels[i] + size_t{1}];
+  }
+  for (size_t i = 1; i < sorted.starts.size(); ++i)
+    sorted.starts[i] = static_cast<uint16_t>(sorted.starts[i] + sorted.starts[i - 1]);
+  std::array<uint16_t, 257> next = sorted.starts;
+  for (size_t i = 0; i < levels.size(); ++i) {
+    const uint32_t red = kExceptions[i] >> 8, green = kExceptions[i] & 255u;
+    sorted.colors[next[levels[i]]++] = red << 16 | green << 8 | BlueOf(red, green);
+  }
+  return sorted;
+}
+
+constexpr ByLevel kByLevel = SortByLevel();
+
 }  // namespace
 
 constinit const std::array<uint32_t, 2048> kGrayIsOneLess = MakeBits();
+
+std::span<const uint32_t> GrayExceptionsOf(int level) {
+  if (level < 0 || level > 255) return {};
+  const auto i = static_cast<size_t>(level);
+  const std::span<const uint32_t> all(kByLevel.colors);
+  return all.subspan(kByLevel.starts[i], size_t{kByLevel.starts[i + 1]} - kByLevel.starts[i]);
+}
 
 }  // namespace rasterkit::kernels

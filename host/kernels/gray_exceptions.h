@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 namespace rasterkit::kernels {
 
@@ -17,5 +18,9 @@ extern const std::array<uint32_t, 2048> kGrayIsOneLess;
 inline bool GrayIsOneLess(uint8_t r, uint8_t g) {
   return (kGrayIsOneLess[r * 8u + g / 32u] >> (g % 32u)) & 1u;
 }
+
+/// The colours, 0x00RRGGBB, whose exact sum is 1000 times `level` while their grey value is one
+/// less than that: seven at most, for many levels none. Any level may be asked for.
+std::span<const uint32_t> GrayExceptionsOf(int level);
 
 }  // namespace rasterkit::kernels

@@ -32,6 +32,15 @@ INSTANTIATE_TEST_SUITE_P(EveryTarget, GrayRows,
                          testing::ValuesIn(hwy::SupportedAndGeneratedTargets()),
                          [](const auto& info) { return std::string(hwy::TargetName(info.param)); });
 
+/// Does the three-byte pixels in place too, in a block of exactly their size, and compares.
+void ExpectSameInPlace(const uint8_t* pixels, const std::vector<uint8_t>& grays) {
+  std::vector<uint8_t> threeTimes;
+  for (const uint8_t gray : grays) threeTimes.insert(threeTimes.end(), 3, gray);
+  std::vector<uint8_t> inPlace(pixels, pixels + 3 * grays.size());
+  GrayInPlace24(inPlace.data(), grays.size());
+  EXPECT_TRUE(inPlace == threeTimes) << "in place, " << grays.size() << " pixels";
+}
+
 /// Grey values of `count` pixels of 3 or 4 bytes; also checks that nothing around the result was
 /// written.
 std::vector<uint8_t> GraysOf(const uint8_t* pixels, size_t count, int bytesPerPixel) {
@@ -41,7 +50,9 @@ std::vector<uint8_t> GraysOf(const uint8_t* pixels, size_t count, int bytesPerPi
   const auto isPaint = [](uint8_t byte) { return byte == kPaint; };
   EXPECT_TRUE(std::all_of(painted.begin(), painted.begin() + kGuard, isPaint)) << "before the row";
   EXPECT_TRUE(std::all_of(painted.end() - kGuard, painted.end(), isPaint)) << "behind the row";
-  return {painted.begin() + kGuard, painted.end() - kGuard};
+  std::vector<uint8_t> grays(painted.begin() + kGuard, painted.end() - kGuard);
+  if (bytesPerPixel == 3) ExpectSameInPlace(pixels, grays);
+  return grays;
 }
 
 std::vector<uint8_t> ReferenceOf(const uint8_t* pixels, size_t count, int bytesPerPixel) {
