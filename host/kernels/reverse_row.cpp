@@ -62,42 +62,44 @@ constexpr size_t kBlockBytes = 16;
 template <size_t kBytes>
 constexpr size_t kUsedBytes = kBlockBytes / kBytes* kBytes;
 
-/// For TableLookupBytes: the whole pixels of a block in reverse order. `skipped` bytes are in front
-/// of those that are read, `kept` in front of those that are made; what is not made becomes 0.
+/// For TableLookupBytes: the whole pixels of a block in reverse order, read behind the first
+/// `skipped` bytes and made behind the first `kept` ones; the bytes beside them are rubbish.
 template <size_t kBytes>
 HWY_INLINE BlockVector ReverseOrder(size_t skipped, size_t kept) {
-  uint8_t order[kBlockBytes];
-  std::memset(order, 0x80, sizeof order);
-  for (size_t i = 0; i < kUsedBytes<kBytes>; ++i) {
-    const size_t pixel = i / kBytes, channel = i % kBytes;
-    const size_t last = kUsedBytes<kBytes> - kBytes;
-    order[kept + i] = static_cast<uint8_t>(skipped + last - pixel * kBytes + channel);
-  }
+  constexpr size_t kLast = kUsedBytes<kBytes> - kBytes;
+  uint8_t order[kBlockBytes] = {};
+  for (size_t i = 0; i < kUsedBytes<kBytes>; ++i)
+    order[kept + i] = static_cast<uint8_t>(skipped + kLast - i / kBytes * kBytes + i % kBytes);
   return hn::LoadU(Block(), order);
 }
 
 /// Exchanges blocks from both ends of the row. A block on the left holds its pixels in its first
-/// bytes, one on the right in its last; the byte beyond them, which belongs to a pixel that is
-/// still to come, goes back as it was.
+/// bytes, one on the right in its last; the byte beyond them is part of the next block. That one is
+/// loaded before this one is stored, and so mends what was stored there; only the last pair has to
+/// put back what was there.
 template <size_t kBytes>
 void Reverse(uint8_t* row, size_t count) {
   constexpr size_t kUsed = kUsedBytes<kBytes>, kRest = kBlockBytes - kUsed;
+  constexpr ptrdiff_t kPair = 2 * kBlockBytes;
   const Block d;
-  const auto toLeft = ReverseOrder<kBytes>(kRest, 0), toRight = ReverseOrder<kBytes>(0, kRest);
-  const auto usedLeft = hn::FirstN(d, kUsed);
-  const auto unusedRight = hn::FirstN(d, kRest);
   uint8_t *first = row, *end = row + count * kBytes;
-  for (; end - first >= ptrdiff_t{2 * kBlockBytes}; first += kUsed, end -= kUsed) {
-    const auto left = hn::LoadU(d, first);
-    const auto right = hn::LoadU(d, end - kBlockBytes);
-    auto newLeft = hn::TableLookupBytes(right, toLeft);
-    auto newRight = hn::TableLookupBytes(left, toRight);
-    if constexpr (kRest != 0) {
-      newLeft = hn::IfThenElse(usedLeft, newLeft, left);
-      newRight = hn::IfThenElse(unusedRight, right, newRight);
+  if (end - first >= kPair) {
+    const auto toLeft = ReverseOrder<kBytes>(kRest, 0), toRight = ReverseOrder<kBytes>(0, kRest);
+    auto left = hn::LoadU(d, first), right = hn::LoadU(d, end - kBlockBytes);
+    for (; end - first >= ptrdiff_t{2 * kUsed} + kPair; first += kUsed, end -= kUsed) {
+      const auto nextLeft = hn::LoadU(d, first + kUsed);
+      const auto nextRight = hn::LoadU(d, end - kUsed - kBlockBytes);
+      hn::StoreU(hn::TableLookupBytes(right, toLeft), d, first);
+      hn::StoreU(hn::TableLookupBytes(left, toRight), d, end - kBlockBytes);
+      left = nextLeft;
+      right = nextRight;
     }
-    hn::StoreU(newLeft, d, first);
-    hn::StoreU(newRight, d, end - kBlockBytes);
+    const auto isLeft = hn::FirstN(d, kUsed), isNotRight = hn::FirstN(d, kRest);
+    hn::StoreU(hn::IfThenElse(isLeft, hn::TableLookupBytes(right, toLeft), left), d, first);
+    hn::StoreU(hn::IfThenElse(isNotRight, right, hn::TableLookupBytes(left, toRight)), d,
+               end - kBlockBytes);
+    first += kUsed;
+    end -= kUsed;
   }
   ReverseOneByOne<kBytes>(first, end);
 }
