@@ -10,8 +10,9 @@
 /// Whole bitmaps: laid over one another, mirrored, resampled, compared, made into icons.
 ///
 /// Everything runs on the calling thread; what asks for a number of threads returns when they all
-/// have ended. A bitmap passed by pointer may be null: nothing happens then. Bitmaps of zero size
-/// and formats that an operation does not know stay as they are. Nothing is reported.
+/// have ended (and throws DivisionByZeroError, as AssignPartBitmap does, for too few rows for so
+/// many threads). A bitmap passed by pointer may be null: nothing happens then. Bitmaps of zero
+/// size and formats that an operation does not know stay as they are. Nothing is reported.
 namespace rasterkit {
 
 class TBitmap;
@@ -60,8 +61,8 @@ RASTERKIT_EXPORT std::unique_ptr<TBitmap> WaterMarkedBitmap(const TGraphic& grap
 
 /// Makes an icon of the bitmap, or of its left half (the picture of a button strip: width div 2).
 /// The colour of the top-left pixel is the key: pixels of that colour become clear, all others
-/// opaque. Throws what the making of the icon throws (RangeError for a picture of zero size); the
-/// icon is then as it was.
+/// opaque. A picture of zero size leaves the icon as it was, and so does one of which no icon can
+/// be made: then it throws what the making of the icon throws.
 RASTERKIT_EXPORT void CopyBitmapToIcon(TBitmap* bitmap, TIcon& icon, bool leftHalfOnly);
 
 /// Mirrors left and right (`horizontal`) or top and bottom, in place, one pixel short: the last
@@ -70,10 +71,14 @@ RASTERKIT_EXPORT void CopyBitmapToIcon(TBitmap* bitmap, TIcon& icon, bool leftHa
 RASTERKIT_EXPORT void SwapBitmap(bool horizontal, TBitmap* bitmap);
 
 /// Replaces the bitmap by one of the new size in pixels, stretched: pf24bit and pf32bit results by
-/// area average when shrinking and bilinear when growing, others by the nearest pixel. The result
-/// has the old format when `keepFormat` is set, else pf32bit; it is opaque, without resolution or
-/// profile, with its transparent mode automatic. Throws RangeError for a negative size and
-/// LimitError without memory; the old bitmap is then still there.
+/// area average when shrinking and bilinear when growing (32-bit colours weighted by their alpha),
+/// others by the nearest pixel.
+///
+/// The result has the old format, palette included, when `keepFormat` is set, else it is pf32bit;
+/// alpha stays where both have 32 bits. Everything else is as in a new bitmap: not `Transparent`,
+/// transparent mode automatic, no resolution, no profile. An empty bitmap becomes white area.
+/// Throws RangeError for a negative size and LimitError without memory; the old bitmap is then
+/// still there.
 RASTERKIT_EXPORT void ResizeBitmap(std::unique_ptr<TBitmap>& bitmap, int32_t newWidth,
                                    int32_t newHeight, bool keepFormat);
 

@@ -34,4 +34,12 @@ inline TBitmap RandomBitmap(TPixelFormat format, int width, int height, std::mt1
   return TBitmap(RandomRaster(format, width, height, random));
 }
 
+/// The picture with the top bit of 15-bit pixels cleared: drawing need not keep it.
+inline TBitmap WithoutUnusedBits(TBitmap bitmap) {
+  if (bitmap.PixelFormat() != pf15bit) return bitmap;
+  for (int y = 0; y < bitmap.Height(); ++y)
+    for (int x = 0; x < bitmap.Width(); ++x) bitmap.ScanLine(y)[2 * x + 1] &= 0x7F;
+  return bitmap;
+}
+
 }  // namespace rasterkit::test

@@ -1,0 +1,145 @@
+#include <cstring>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include <rasterkit/bitmaptools/engine/composition.h>
+#include <rasterkit/host/runtime/errors.h>
+
+#include "tests/reference/combine_reference.h"
+#include "tests/support/same_pixels.h"
+#include "tests/support/simd_targets.h"
+#include "tests/support/test_pictures.h"
+
+namespace rasterkit {
+namespace {
+
+using test::SamePixels;
+
+void CheckResize(const TBitmap& bitmap, int width, int height) {
+  for (const bool keepFormat : {false, true}) {
+    std::unique_ptr<TBitmap> actual = bitmap.Clone();
+    ResizeBitmap(actual, width, height, keepFormat);
+    ASSERT_EQ(actual->PixelFormat(), keepFormat ? bitmap.PixelFormat() : pf32bit);
+    ASSERT_TRUE(
+        SamePixels(reference::ResizeBitmap(bitmap, width, height, keepFormat), actual->Content()))
+        << "format " << bitmap.PixelFormat() << ", " << bitmap.Width() << "x" << bitmap.Height()
+        << " to " << width << "x" << height << ", keep " << keepFormat;
+    ASSERT_TRUE(test::PaddingIsZero(*actual));
+  }
+}
+
+TEST(ResizeBitmapTest, EveryFormatGrowingAndShrinking_EqualTheReference) {
+  constexpr unsigned kSeed = 18;
+  SCOPED_TRACE(testing::Message() << "seed " << kSeed);
+  std::mt19937 random(kSeed);
+  for (const TPixelFormat format : test::kEveryFormat) {
+    const TBitmap bitmap = test::WithoutUnusedBits(test::RandomBitmap(format, 17, 11, random));
+    for (const auto& [width, height] :
+         {std::pair{17, 11}, std::pair{5, 4}, std::pair{40, 30}, std::pair{5, 30}, std::pair{1, 1},
+          std::pair{34, 22}, std::pair{16, 12}})
+      ASSERT_NO_FATAL_FAILURE(CheckResize(bitmap, width, height));
+  }
+}
+
+TEST(ResizeBitmapTest, EveryWidthAndTarget_EqualTheReference) {
+  test::ForEachSimdTarget([&](int64_t simd) {
+    SCOPED_TRACE(hwy::TargetName(simd));
+    std::mt19937 random(19);
+    for (const TPixelFormat format : {pf24bit, pf32bit}) {
+      for (int width = 1; width <= 70; ++width) {
+        const TBitmap bitmap = test::RandomBitmap(format, width, 3, random);
+        ASSERT_NO_FATAL_FAILURE(CheckResize(bitmap, 1 + static_cast<int>(random() % 70), 2));
+      }
+    }
+  });
+}
+
+TEST(ResizeBitmapTest, KeepFormatFalse_Should_AlwaysGivePf32bit) {
+  std::mt19937 random(3);
+  for (const TPixelFormat format :
+       {pfDevice, pf1bit, pf4bit, pf8bit, pf15bit, pf16bit, pf24bit, pf32bit}) {
+    auto bitmap = std::make_unique<TBitmap>(
+        test::RandomBitmap(format == pfDevice ? pf32bit : format, 4, 4, random));
+    bitmap->SetPixelFormat(format);
+    ResizeBitmap(bitmap, 3, 5, false);
+    EXPECT_EQ(bitmap->PixelFormat(), pf32bit);
+    EXPECT_EQ(bitmap->Width(), 3);
+    EXPECT_EQ(bitmap->Height(), 5);
+  }
+}
+
+TEST(ResizeBitmapTest, ShrinkingToOnePixel_Should_AverageWithHalvesUp) {
+  auto bitmap = std::make_unique<TBitmap>(test::GradientBitmap(pf24bit, 2, 1));
+  const uint8_t pixels[6] = {10, 0, 255, 13, 1, 254};
+  std::memcpy(bitmap->ScanLine(0), pixels, 6);
+  ResizeBitmap(bitmap, 1, 1, true);
+  EXPECT_EQ(bitmap->PixelColor(0, 0), RGB(255, 1, 12));
+}
+
+TEST(ResizeBitmapTest, ColoursOf32Bit_Should_BeWeightedByAlpha) {
+  auto bitmap = std::make_unique<TBitmap>(test::GradientBitmap(pf32bit, 2, 1));
+  const uint8_t pixels[8] = {0, 0, 200, 255, 100, 100, 100, 0};
+  std::memcpy(bitmap->ScanLine(0), pixels, 8);
+  bitmap->SetAlphaFormat(afDefined);
+  ResizeBitmap(bitmap, 1, 1, true);
+  EXPECT_EQ(bitmap->PixelColor(0, 0), RGB(200, 0, 0)) << "what is clear gives no colour";
+  EXPECT_EQ(bitmap->ScanLine(0)[3], 128);
+  EXPECT_EQ(bitmap->AlphaFormat(), afDefined);
+}
+
+TEST(ResizeBitmapTest, Palette_Should_StayWithItsIndexes) {
+  std::mt19937 random(4);
+  for (const TPixelFormat format : {pf1bit, pf4bit, pf8bit}) {
+    const TBitmap before = test::RandomBitmap(format, 6, 4, random);
+    std::unique_ptr<TBitmap> bitmap = before.Clone();
+    ResizeBitmap(bitmap, 12, 8, true);
+    EXPECT_EQ(bitmap->Palette(), before.Palette());
+    for (int y = 0; y < 8; ++y)
+      for (int x = 0; x < 12; ++x)
+        ASSERT_EQ(bitmap->PixelColor(x, y), before.PixelColor(x / 2, y / 2));
+  }
+}
+
+TEST(ResizeBitmapTest, Transparency_Should_BeThatOfANewBitmap) {
+  auto bitmap = std::make_unique<TBitmap>(test::GradientBitmap(pf24bit, 4, 4));
+  bitmap->SetTransparent(true);
+  bitmap->SetTransparentColor(RGB(9, 9, 9));
+  const TColor corner = bitmap->PixelColor(0, 3);
+  ResizeBitmap(bitmap, 4, 4, true);
+  EXPECT_FALSE(bitmap->Transparent());
+  EXPECT_EQ(bitmap->TransparentMode(), tmAuto);
+  EXPECT_EQ(bitmap->TransparentColor(), corner);
+}
+
+TEST(ResizeBitmapTest, TransparentColour_Should_StayInTheResult) {
+  auto bitmap = std::make_unique<TBitmap>(test::GradientBitmap(pf24bit, 4, 4));
+  const std::unique_ptr<TBitmap> before = bitmap->Clone();
+  bitmap->SetTransparent(true);
+  ResizeBitmap(bitmap, 4, 4, true);
+  EXPECT_TRUE(SamePixels(*before, *bitmap));
+}
+
+TEST(ResizeBitmapTest, ZeroSizes_Should_GiveEmptyOrWhiteBitmaps) {
+  std::unique_ptr<TBitmap> none;
+  ResizeBitmap(none, 3, 3, true);
+  EXPECT_EQ(none, nullptr);
+  auto bitmap = std::make_unique<TBitmap>(test::GradientBitmap(pf24bit, 4, 4));
+  ResizeBitmap(bitmap, 0, 7, true);
+  EXPECT_TRUE(bitmap->Empty());
+  ResizeBitmap(bitmap, 5, 5, true);
+  ASSERT_EQ(bitmap->Width(), 5);
+  for (int y = 0; y < 5; ++y)
+    for (int x = 0; x < 5; ++x) EXPECT_EQ(bitmap->PixelColor(x, y), clWhite);
+}
+
+TEST(ResizeBitmapTest, BadSizes_Should_LeaveTheOldBitmap) {
+  auto bitmap = std::make_unique<TBitmap>(test::GradientBitmap(pf24bit, 4, 4));
+  const TBitmap* before = bitmap.get();
+  EXPECT_THROW(ResizeBitmap(bitmap, -1, 4, true), RangeError);
+  EXPECT_THROW(ResizeBitmap(bitmap, 2000000000, 2000000000, true), LimitError);
+  EXPECT_EQ(bitmap.get(), before);
+}
+
+}  // namespace
+}  // namespace rasterkit
