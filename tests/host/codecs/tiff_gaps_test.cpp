@@ -253,6 +253,35 @@ TEST(TiffGaps, PaletteIndexes_Should_BeRefused_When_TheyAreFloats) {
   EXPECT_THAT(ErrorOf(file.Bytes()), HasSubstr("palette indexes"));
 }
 
+TEST(TiffGaps, PaletteIndexes_Should_CountFromZero_When_CalledSigned) {
+  TiffFile file;
+  file.bits = 2;
+  file.sampleFormat = SAMPLEFORMAT_INT;
+  file.photometric = PHOTOMETRIC_PALETTE;
+  file.colorMap = {0, 0, 0, 65535, 0, 0, 0, 65535, 0, 0, 0, 0};
+  file.pixels = {0xC0};
+  EXPECT_EQ(Row(Decode(file.Bytes()), 0), (ByteList{0, 255, 255, 255}));
+}
+
+TEST(TiffGaps, NumbersOfAGrid_Should_StayAsTheyAre_When_WhiteIsZero) {
+  for (const uint16_t format : {SAMPLEFORMAT_INT, SAMPLEFORMAT_IEEEFP}) {
+    TiffFile file;
+    file.width = 2;
+    file.bits = 16;
+    file.sampleFormat = format;
+    file.photometric = PHOTOMETRIC_MINISWHITE;
+    file.pixels = {1, 2, 3, 4};
+    EXPECT_EQ(Row(Decode(file.Bytes()), 0), file.pixels);
+  }
+}
+
+TEST(TiffGaps, Tiles_Should_BeRefused_When_TheyBeginWithinAByte) {
+  RawTiff file = RawTiff::Of(24, 1, 1, COMPRESSION_NONE);
+  file.Long(TIFFTAG_TILEWIDTH, 12).Long(TIFFTAG_TILELENGTH, 16);
+  file.Entry(TIFFTAG_TILEOFFSETS, 4, 2, 8).Entry(TIFFTAG_TILEBYTECOUNTS, 4, 2, 8);
+  EXPECT_THAT(ErrorOf(file.Bytes(64)), HasSubstr("no multiple of 16"));
+}
+
 TEST(TiffGaps, Mask_Should_ShowItsOnesWhite) {
   RawTiff file = RawTiff::Of(8, 1, 1, COMPRESSION_NONE);
   file.Entry(TIFFTAG_PHOTOMETRIC, 3, 1, PHOTOMETRIC_MASK);
