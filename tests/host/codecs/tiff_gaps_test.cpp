@@ -253,6 +253,31 @@ TEST(TiffGaps, PaletteIndexes_Should_BeRefused_When_TheyAreFloats) {
   EXPECT_THAT(ErrorOf(file.Bytes()), HasSubstr("palette indexes"));
 }
 
+/// One pixel of L* a* b*.
+ImagingFrame LabPixel(uint16_t photometric, uint16_t sampleFormat, const ByteList& pixel) {
+  TiffFile file;
+  file.samples = 3;
+  file.photometric = photometric;
+  file.sampleFormat = sampleFormat;
+  file.pixels = pixel;
+  return Decode(file.Bytes());
+}
+
+TEST(TiffGaps, Lab_Should_BeTheSame_InEveryWayToWriteIt) {
+  const ByteList expected =
+      Row(LabPixel(PHOTOMETRIC_CIELAB, SAMPLEFORMAT_UINT, {200, 10, 256 - 20}), 0);
+  EXPECT_EQ(Row(LabPixel(PHOTOMETRIC_CIELAB, SAMPLEFORMAT_INT, {200, 10, 256 - 20}), 0), expected);
+  EXPECT_EQ(Row(LabPixel(PHOTOMETRIC_ICCLAB, SAMPLEFORMAT_UINT, {200, 138, 108}), 0), expected);
+  EXPECT_NE(Row(LabPixel(PHOTOMETRIC_ICCLAB, SAMPLEFORMAT_UINT, {200, 139, 109}), 0), expected);
+}
+
+TEST(TiffGaps, Lab_Should_BeRefused_When_ItsSamplesAreNeitherBytesNorWords) {
+  RawTiff file = RawTiff::Of(1, 1, 4, COMPRESSION_NONE);
+  file.Entry(TIFFTAG_PHOTOMETRIC, 3, 1, PHOTOMETRIC_CIELAB);
+  file.Entry(TIFFTAG_SAMPLESPERPIXEL, 3, 1, 3);
+  EXPECT_THAT(ErrorOf(WithStrip(file, {1, 2})), HasSubstr("with 4 bits are not read"));
+}
+
 TEST(TiffGaps, PaletteIndexes_Should_CountFromZero_When_CalledSigned) {
   TiffFile file;
   file.bits = 2;
