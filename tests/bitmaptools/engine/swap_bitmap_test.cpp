@@ -1,3 +1,4 @@
+#include <array>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -6,6 +7,7 @@
 
 #include "tests/reference/composition_reference.h"
 #include "tests/support/full_run.h"
+#include "tests/support/same_pixels.h"
 #include "tests/support/simd_targets.h"
 #include "tests/support/test_pictures.h"
 
@@ -98,6 +100,22 @@ TEST(SwapBitmapTest, TopBottom_Should_LeaveLastColumnAndLastRow) {
     EXPECT_EQ(bitmap.PixelColor(2, y), before->PixelColor(2, y)) << "last column, row " << y;
   }
   for (int x = 0; x < 3; ++x) EXPECT_EQ(bitmap.PixelColor(x, 4), before->PixelColor(x, 4));
+}
+
+TEST(SwapBitmapTest, EveryFormat_Should_EqualTheParallelogramCopy) {
+  std::mt19937 random(31);
+  for (const TPixelFormat format : test::kEveryFormat) {
+    const int w = 23, h = 11;
+    const std::array<TPoint, 3> corners[2] = {{{{0, h - 1}, {w - 1, h - 1}, {0, 0}}},
+                                              {{{w - 1, 0}, {0, 0}, {w - 1, h - 1}}}};
+    for (const bool horizontal : {false, true}) {
+      TBitmap bitmap = test::WithoutUnusedBits(test::RandomBitmap(format, w, h, random));
+      const std::unique_ptr<TBitmap> copy = bitmap.Clone(), drawn = bitmap.Clone();
+      drawn->Canvas().PlgBlt(corners[horizontal ? 1 : 0], *copy, {0, 0, w - 1, h - 1});
+      SwapBitmap(horizontal, &bitmap);
+      EXPECT_TRUE(test::SamePixels(*drawn, bitmap)) << "format " << format;
+    }
+  }
 }
 
 TEST(SwapBitmapTest, Properties_Should_Stay) {
