@@ -175,6 +175,44 @@ TEST_F(CliConvert, Transparency_Should_BecomeTheBackground_When_WrittenAsJpeg) {
   EXPECT_GT(LoadFile(folder_ / "red.jpg").Row(8)[26], 250);
 }
 
+TEST_F(CliConvert, Transparency_Should_BecomeTheBackground_When_TheDepthHasNoAlpha) {
+  Raster raster(pf32bit, 16, 16);
+  raster.alphaFormat = afDefined;
+  for (int y = 0; y < 16; ++y) std::fill_n(raster.Row(y), 4 * 16, uint8_t{0});
+  SavePngFile(folder_ / "a.png", raster);
+  const ToolResult result = Convert("a.png", "b.bmp", {"--bits", "24", "--background", "FF0000"});
+  EXPECT_THAT(result.err, HasSubstr("not carried over: transparency"));
+  const Raster red = LoadFile(folder_ / "b.bmp");
+  EXPECT_EQ(std::vector<uint8_t>(red.Row(8) + 24, red.Row(8) + 27),
+            (std::vector<uint8_t>{0, 0, 255}));
+}
+
+TEST_F(CliConvert, ResolutionAndProfile_Should_Stay_When_TransparencyIsPaintedOver) {
+  Raster raster = GradientRaster(pf32bit, 16, 8);
+  raster.alphaFormat = afDefined;
+  raster.resolution = {300, 200};
+  raster.profile = RgbProfile();
+  SavePngFile(folder_ / "a.png", raster);
+  Convert("a.png", "b.jpg");
+  const Raster painted = LoadFile(folder_ / "b.jpg");
+  EXPECT_NEAR(painted.resolution.x, 300, 0.5);
+  EXPECT_NEAR(painted.resolution.y, 200, 0.5);
+  ASSERT_NE(painted.profile, nullptr);
+  EXPECT_EQ(*painted.profile, *raster.profile);
+}
+
+TEST_F(CliConvert, TransparentColour_Should_BeShownAsItIs_When_WrittenAsBmpOrTiff) {
+  Raster raster = GradientRaster(pf8bit, 21, 13);
+  raster.transparentColor = TBitmap(raster.Clone()).PixelColor(3, 2);
+  SavePngFile(folder_ / "a.png", raster);
+  for (const char* name : {"b.bmp", "b.tif"}) {
+    const ToolResult result = Convert("a.png", name, {"--background", "FF0000"});
+    EXPECT_THAT(result.err, HasSubstr("not carried over: transparency")) << name;
+    Convert(name, "c.png", {"--overwrite"});
+    EXPECT_TRUE(SamePixels(raster, LoadFile(folder_ / "c.png"))) << name;
+  }
+}
+
 TEST_F(CliConvert, Transparency_Should_Stay_When_WrittenAsPng) {
   const Raster raster = [] {
     Raster made = GradientRaster(pf32bit, 15, 9);

@@ -195,6 +195,12 @@ TEST_F(CliExif, Copy_Should_LeaveTheColourModelsMarkOfThePhoto) {
   EXPECT_EQ(Output(), "\xFF\xD8" + Exif() + CodedData());
 }
 
+TEST_F(CliExif, Copy_Should_KeepThePicturesHeader_When_ThePhotoHasNeitherHeaderNorExif) {
+  const std::string jfif = JpegSection(0xE0, std::string("JFIF\0\1\1\1\0\x60\0\x60\0\0", 14));
+  ASSERT_EQ(Copy(Photo({kComment}), FileWith("edited.jpg", {jfif})).code, 0);
+  EXPECT_EQ(Output(), "\xFF\xD8" + jfif + kComment + CodedData());
+}
+
 TEST_F(CliExif, Copy_Should_TakeThePhotosProfile_OnlyWhenThePictureHasNone) {
   const std::string photo = Photo({Exif(), ProfileSection("of the photo")});
   ASSERT_EQ(Copy(photo, encoded_).code, 0);
@@ -225,6 +231,12 @@ TEST_F(CliExif, Copy_Should_WarnOfAnotherOrientation_And_KeepItWhenAsked) {
   EXPECT_EQ(Output(), "\xFF\xD8" + Exif(1) + CodedData());
   result = Copy(photo, FileWith("turned.jpg", {Exif(8)}), {"--keep-orientation"});
   EXPECT_EQ(Output(), "\xFF\xD8" + Exif(8) + CodedData());
+}
+
+TEST_F(CliExif, Copy_Should_LeaveAnOrientationOfAnotherTypeAsItIs) {
+  const std::string odd = ExifSection(Writer().Tiff({Writer().LongEntry(274, 6)}));
+  ASSERT_EQ(Copy(Photo({odd}), FileWith("turned.jpg", {Exif(8)}), {"--keep-orientation"}).code, 0);
+  EXPECT_EQ(Output(), "\xFF\xD8" + odd + CodedData());
 }
 
 TEST_F(CliExif, Copy_Should_NameWhatIsNotCarriedOver) {
@@ -317,6 +329,25 @@ TEST_F(CliExif, Strip_Should_LeaveZeros_When_SomethingLiesBehindTheThumbnail) {
   EXPECT_EQ(after.find("notes of a maker"), before.find("notes of a maker"));
   EXPECT_THAT(after, Not(HasSubstr("ttt")));
   EXPECT_EQ(RunTool({"exif", "--thumbnail", output_, folder_ / "none.jpg"}).code, 4);
+}
+
+TEST_F(CliExif, Strip_Should_TakePaddingAlong) {
+  ASSERT_EQ(RunTool({"exif", "--strip-thumbnail", Photo({ThumbnailPhoto()}), output_}).code, 0);
+  const std::string plain = Output(), photo = Photo({ThumbnailPhoto(std::string(2, '\0'))});
+  ASSERT_EQ(RunTool({"exif", "--strip-thumbnail", "--overwrite", photo, output_}).code, 0);
+  EXPECT_EQ(Output(), plain);
+}
+
+TEST_F(CliExif, Strip_Should_TakeAThumbnailWithoutCompressionToo) {
+  constexpr uint32_t directoryAt = 8 + 2 + 12 + 4, pixelsAt = directoryAt + 2 + 2 * 12 + 4;
+  const TiffWriter writer = Writer();
+  const std::string tiff =
+      writer.Header() + writer.Directory(8, {writer.Short(274, 6)}, directoryAt) +
+      writer.Directory(directoryAt, {writer.LongEntry(273, pixelsAt), writer.LongEntry(279, 300)}) +
+      std::string(300, 't');
+  const std::string photo = Photo({ExifSection(tiff)});
+  ASSERT_EQ(RunTool({"exif", "--strip-thumbnail", photo, output_}).code, 0);
+  EXPECT_EQ(Output(), "\xFF\xD8" + ExifSection(writer.Tiff({writer.Short(274, 6)})) + CodedData());
 }
 
 TEST_F(CliExif, Strip_Should_KeepWhatOtherDirectoriesShareWithTheThumbnail) {

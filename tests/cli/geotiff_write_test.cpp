@@ -94,6 +94,11 @@ TEST_F(CliGeoTiffWrite, WorldFile_Should_BeTheNamedOne_When_BothAreThere) {
   EXPECT_THAT(result.err, HasSubstr("worldfile"));
 }
 
+TEST_F(CliGeoTiffWrite, WorldFile_Should_BeCarriedOver_When_TheNamedOneLiesBesideThePicture) {
+  WriteText(folder_ / "plan.pgw", "1\n0\n0\n-1\n10\n20\n");
+  EXPECT_EQ(Write({"--world-file", folder_ / "./plan.pgw", "--strict"}).code, 0);
+}
+
 TEST_F(CliGeoTiffWrite, WorldFile_Should_BeReadWithDecimalCommasAndAWarning) {
   WriteText(folder_ / "plan.pgw", "0,5\n0\n0\n-0,5\n10,25\n20.75\n");
   const ToolResult result = Write();

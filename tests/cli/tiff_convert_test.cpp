@@ -248,6 +248,15 @@ TEST_F(CliTiffConvert, Position_Should_StayBehind_When_ItTurnsOrMirrorsThePictur
   }
 }
 
+TEST_F(CliTiffConvert, TiePointsAndCoordinateSystem_Should_BeReported_When_TheyStayBehind) {
+  TiffFile file = ColorTiff(9, 5);
+  file.setTags = SetLooseTiePoints;
+  Save("a.tif", file);
+  EXPECT_EQ(Convert("a.tif", "b.tif")["not_carried_over"],
+            json({"tie-points", "coordinate-system"}));
+  EXPECT_TRUE(FactsOfFile(folder_ / "b.tif").tiePoints.empty());
+}
+
 TEST_F(CliTiffConvert, WorldFile_Should_CountWithAWarning_When_TheTagsDisagree) {
   TiffFile file = ColorTiff(40, 30);
   file.setTags = [](TIFF* tiff) { SetPosition(tiff, 0.5, 0, 0); };

@@ -13,6 +13,7 @@ namespace rasterkit::test {
 namespace {
 
 constexpr uint32_t tagPixelScale = 33550, tagTiePoints = 33922, tagNoData = 42113;
+constexpr uint32_t tagGeoKeys = 34735;
 
 void FillPixels(TiffFile& file) {
   file.pixels.resize(file.PixelBytes());
@@ -42,13 +43,14 @@ TiffFile ColorTiff(uint32_t width, uint32_t height) {
 }
 
 void DefineMapTags(TIFF* tiff) {
-  static char names[3][12] = {"PixelScale", "TiePoints", "NoData"};
+  static char names[4][12] = {"PixelScale", "TiePoints", "NoData", "GeoKeys"};
   static const TIFFFieldInfo fields[] = {
       {tagPixelScale, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1, names[0]},
       {tagTiePoints, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1, names[1]},
       {tagNoData, -1, -1, TIFF_ASCII, FIELD_CUSTOM, 1, 0, names[2]},
+      {tagGeoKeys, -1, -1, TIFF_SHORT, FIELD_CUSTOM, 1, 1, names[3]},
   };
-  TIFFMergeFieldInfo(tiff, fields, 3);
+  TIFFMergeFieldInfo(tiff, fields, 4);
 }
 
 void SetPosition(TIFF* tiff, double size, double x, double y) {
@@ -57,6 +59,15 @@ void SetPosition(TIFF* tiff, double size, double x, double y) {
   const double tie[6] = {0, 0, 0, x, y, 0};
   TIFFSetField(tiff, tagPixelScale, 3, scale);
   TIFFSetField(tiff, tagTiePoints, 6, tie);
+}
+
+void SetLooseTiePoints(TIFF* tiff) {
+  DefineMapTags(tiff);
+  const double ties[12] = {0, 0, 0, 10, 20, 0, 8, 4, 0, 18, 16, 0};
+  TIFFSetField(tiff, tagTiePoints, 12, ties);
+  // One key of the directory: the geographic coordinate system has this number.
+  const uint16_t keys[8] = {1, 1, 0, 1, 2048, 0, 1, 4326};
+  TIFFSetField(tiff, tagGeoKeys, 8, keys);
 }
 
 void SetNoData(TIFF* tiff, const char* text) {

@@ -18,6 +18,8 @@ TiffFile ColorTiff(uint32_t width, uint32_t height);
 void DefineMapTags(TIFF* tiff);
 /// Square pixels of `size` map units; x and y are those of the upper left corner.
 void SetPosition(TIFF* tiff, double size, double x, double y);
+/// Ground control points without a pixel size, in a coordinate system that is named.
+void SetLooseTiePoints(TIFF* tiff);
 void SetNoData(TIFF* tiff, const char* text);
 
 /// 8-bit grey pages of those sizes; `copies` are the indexes of pages that call themselves a
