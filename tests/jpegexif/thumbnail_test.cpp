@@ -271,6 +271,15 @@ TEST_F(Thumbnail, Remove_Should_ChangeNothing_When_ThereIsNoThumbnail) {
   EXPECT_EQ(image_->ExifSegment->Size, static_cast<int32_t>(before.size()));
 }
 
+TEST_F(Thumbnail, Remove_Should_ChangeNothing_When_FieldsPointBehindTheSection) {
+  ReadWith("\xFF\xD8\xFF\xDB" + kFiller + kEnd);
+  const std::string before = image_->ExifSegment->Data;
+  image_->ExifData->ThumbStart = static_cast<int32_t>(before.size()) + 7;
+  image_->RemoveThumbnail();
+  EXPECT_EQ(image_->ExifSegment->Data, before);
+  EXPECT_EQ(image_->ExifSegment->Size, static_cast<int32_t>(before.size()));
+}
+
 TEST_F(Thumbnail, Remove_Should_ChangeNothing_When_SectionsWereCleared) {
   ReadWith("\xFF\xD8\xFF\xDB" + kFiller + kEnd);
   const std::string before = image_->Sections[1].Data;

@@ -600,7 +600,7 @@ TEST_F(SaveWindows, Profile_Should_TravelAlong) {
   TBitmap bitmap = GradientBitmap(pf24bit, 21, 14);
   bitmap.SetProfile(test::RgbProfile());
   for (const int bits : {0, 32}) {
-    for (const char* name : {"a.bmp", "a.png", "a.jpg"}) {
+    for (const char* name : {"a.bmp", "a.png", "a.jpg", "a.tif"}) {
       SaveWindowsBitmap(bitmap, bits, 0, folder_ / name);
       const ColorProfile loaded = Loaded(folder_ / name).Profile();
       ASSERT_NE(loaded, nullptr) << name << " " << bits;
