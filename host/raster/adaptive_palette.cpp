@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <span>
+#include <utility>
 
+#include <rasterkit/host/kernels/nearest_colors.h>
 #include <rasterkit/host/raster/adaptive_palette.h>
 
 namespace rasterkit {
@@ -18,6 +20,11 @@ struct Sums {
     weight += point.weight;
     for (size_t c = 0; c < 3; ++c)
       channel[c] += point.weight * static_cast<uint64_t>(point.channel[c]);
+  }
+
+  void Add(const Sums& other) {
+    weight += other.weight;
+    for (size_t c = 0; c < 3; ++c) channel[c] += other.channel[c];
   }
 
   Sums Minus(const Sums& other) const {
@@ -43,84 +50,104 @@ struct Sums {
   }
 };
 
-// Points `first` to `last - 1`, and how much the error falls when they are cut at `cut`.
+// Points `first` to `last - 1`, and where to cut them best: those whose channel `axis` is below
+// `limit` go to one side, and the error falls by `gain`.
 struct Box {
-  size_t first = 0, last = 0, cut = 0;
+  size_t first = 0, last = 0;
+  size_t axis = 0;
+  int limit = 0;
   double gain = 0;
 };
 
-size_t WidestAxis(std::span<const ColorPoint> points) {
-  size_t widest = 0;
-  double most = -1;
-  for (size_t c = 0; c < 3; ++c) {
-    double weight = 0, sum = 0, squares = 0;
-    for (const ColorPoint& point : points) {
-      const auto w = static_cast<double>(point.weight);
-      weight += w;
-      sum += w * point.channel[c];
-      squares += w * point.channel[c] * point.channel[c];
-    }
-    const double spread = squares - sum * sum / weight;
-    if (spread <= most) continue;
-    most = spread;
-    widest = c;
-  }
-  return widest;
-}
+constexpr size_t kChannelValues = 255 * 4 + 1;
 
-// Sorts the box's points along its widest axis and finds its best cut.
-void PrepareCut(std::vector<ColorPoint>& points, Box& box) {
-  const std::span<ColorPoint> inside(points.data() + box.first, box.last - box.first);
-  const size_t axis = WidestAxis(inside);
-  std::ranges::stable_sort(inside, {}, [axis](const ColorPoint& p) { return p.channel[axis]; });
-  Sums all;
-  for (const ColorPoint& point : inside) all.Add(point);
-  const double whole = all.Explained();
-  Sums left;
-  for (size_t i = 0; i + 1 < inside.size(); ++i) {
-    left.Add(inside[i]);
-    const double gain = left.Explained() + all.Minus(left).Explained() - whole;
-    if (gain <= box.gain) continue;
-    box.gain = gain;
-    box.cut = box.first + i + 1;
+// Finds the best cuts of boxes: their points by the value of one channel, which is all that a cut
+// depends on.
+class Cutter {
+ public:
+  explicit Cutter(std::vector<ColorPoint>& points) : points_(points), slices_(kChannelValues) {}
+
+  Box Prepare(size_t first, size_t last) {
+    Box box{first, last};
+    Sums all;
+    for (const ColorPoint& point : Inside(box)) all.Add(point);
+    for (size_t axis = 0; axis < 3; ++axis) FindCut(all, axis, box);
+    return box;
   }
-}
+
+  // Puts the points of both sides together; returns where the second one begins.
+  size_t Cut(const Box& box) {
+    const auto right = std::ranges::stable_partition(
+        Inside(box), [&](const ColorPoint& p) { return p.channel[box.axis] < box.limit; });
+    return box.last - right.size();
+  }
+
+ private:
+  std::span<ColorPoint> Inside(const Box& box) {
+    return {points_.data() + box.first, box.last - box.first};
+  }
+
+  // Leaves `box` with the better of its own cut and the best one across `axis`.
+  void FindCut(const Sums& all, size_t axis, Box& box) {
+    size_t low = kChannelValues, high = 0;
+    for (const ColorPoint& point : Inside(box)) {
+      const auto value = static_cast<size_t>(point.channel[axis]);
+      slices_[value].Add(point);
+      low = std::min(low, value);
+      high = std::max(high, value);
+    }
+    const double whole = all.Explained();
+    Sums left;
+    for (size_t value = low; value <= high; ++value) {
+      const Sums slice = std::exchange(slices_[value], {});
+      if (slice.weight == 0 || value == high) continue;
+      left.Add(slice);
+      const double gain = left.Explained() + all.Minus(left).Explained() - whole;
+      if (gain <= box.gain) continue;
+      box.gain = gain;
+      box.axis = axis;
+      box.limit = static_cast<int>(value) + 1;
+    }
+  }
+
+  std::vector<ColorPoint>& points_;
+  std::vector<Sums> slices_;  // by value; zero between calls
+};
 
 std::vector<Box> CutIntoBoxes(std::vector<ColorPoint>& points, size_t count) {
-  std::vector<Box> boxes = {{0, points.size(), 0, 0}};
-  PrepareCut(points, boxes.front());
+  Cutter cutter(points);
+  std::vector<Box> boxes = {cutter.Prepare(0, points.size())};
   while (boxes.size() < count) {
     const auto best = std::ranges::max_element(boxes, {}, &Box::gain);
     if (best->gain <= 0) break;
-    Box right{best->cut, best->last, 0, 0};
-    *best = {best->first, best->cut, 0, 0};
-    PrepareCut(points, *best);
-    PrepareCut(points, right);
-    boxes.push_back(right);
+    const Box box = *best;
+    const size_t middle = cutter.Cut(box);
+    *best = cutter.Prepare(box.first, middle);
+    boxes.push_back(cutter.Prepare(middle, box.last));
   }
   return boxes;
 }
 
-size_t NearestMean(const ColorPoint& point, const std::vector<std::array<int, 3>>& means) {
-  // Distance in the high bits, number in the low eight: one minimum finds both, the lowest among
-  // equals. 3 * 1020 squared takes 22 bits.
-  uint32_t best = UINT32_MAX;
+kernels::ColorList ListOf(const std::vector<std::array<int, 3>>& means) {
+  kernels::ColorList list{};
+  list.count = means.size();
   for (size_t i = 0; i < means.size(); ++i) {
-    const int blue = means[i][0] - point.channel[0];
-    const int green = means[i][1] - point.channel[1];
-    const int red = means[i][2] - point.channel[2];
-    const auto distance = static_cast<uint32_t>(blue * blue + green * green + red * red);
-    best = std::min(best, distance << 8 | static_cast<uint32_t>(i));
+    list.blue[i] = means[i][0];
+    list.green[i] = means[i][1];
+    list.red[i] = means[i][2];
   }
-  return best & 255;
+  return list;
 }
 
 // Each round gives every point to its nearest mean and moves the means to the middle of their
 // points; a mean without points stays.
 void Settle(const std::vector<ColorPoint>& points, std::vector<std::array<int, 3>>& means) {
   for (int round = 0; round < kSettlingRounds; ++round) {
+    const kernels::ColorList list = ListOf(means);
     std::vector<Sums> sums(means.size());
-    for (const ColorPoint& point : points) sums[NearestMean(point, means)].Add(point);
+    for (const ColorPoint& point : points)
+      sums[kernels::NearestInList(list, point.channel[0], point.channel[1], point.channel[2])].Add(
+          point);
     bool moved = false;
     for (size_t i = 0; i < means.size(); ++i) {
       if (sums[i].weight == 0) continue;

@@ -21,7 +21,8 @@ constexpr ColorPoint MakeColorPoint(int red, int green, int blue, uint64_t weigh
 }
 
 /// The colours of a picture in a fixed order: each one as it is while there are few (a smooth
-/// gradient stays smooth), else the mean colours of a grid of 32 x 32 x 32 boxes.
+/// gradient stays smooth), else the mean colours of a grid of 32 x 32 x 32 boxes. Of a large
+/// picture only a net of pixels is looked at, always the same one.
 std::vector<ColorPoint> CollectColorPoints(const Raster& source);
 
 }  // namespace rasterkit

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include <rasterkit/host/kernels/nearest_colors.h>
 #include <rasterkit/host/raster/palette.h>
 #include <rasterkit/host/raster/pixel_format.h>
 
@@ -13,40 +14,50 @@ namespace rasterkit {
 /// Finds the nearest palette entry of many colours: the least sum of squared channel differences,
 /// the lowest index among equals, exactly as `NearestEntry`.
 ///
-/// The colour cube is cut into cells of 8 x 8 x 8 colours. A cell's first question finds out which
-/// entries can be nearest to any colour in it; from then on only those few are compared. Answers
-/// are remembered too: a picture asks for the same colours again and again.
+/// The colour cube is cut into cells of 8 x 8 x 8 colours. A cell's first question settles all its
+/// colours: a picture asks for neighbours of a colour again and again. Only the few entries that
+/// can be nearest to a colour of the cell are compared; the many that cannot are ruled out for
+/// eight cells at once, then for the cell.
 class NearestColor {
  public:
   explicit NearestColor(std::span<const tagPALETTEENTRY> entries);
 
   uint8_t Of(const RGBArec& pixel) {
-    const uint32_t color =
-        static_cast<uint32_t>(pixel.r) << 16 | static_cast<uint32_t>(pixel.g) << 8 | pixel.b;
-    uint32_t& answer = answers_[color * 0x9E3779B1u >> 16];
-    if (answer >> 8 != color) answer = color << 8 | Find(pixel);
-    return static_cast<uint8_t>(answer);
+    const auto cell = static_cast<uint32_t>(pixel.r >> 3 << 10 | pixel.g >> 3 << 5 | pixel.b >> 3);
+    const auto inside =
+        static_cast<uint32_t>((pixel.r & 7) << 6 | (pixel.g & 7) << 3 | (pixel.b & 7));
+    return AnswerAt(cell * kernels::kCellColors + inside);
   }
 
+  /// The same for `count` pixels.
+  void OfRow(const RGBArec* pixels, size_t count, uint8_t* indexes);
+
  private:
-  struct Entry {
-    int16_t red, green, blue;
-    uint8_t index;
-  };
-  struct Cell {
+  using Candidate = kernels::CellCandidate;
+
+  // Part of candidates_; empty: not asked for.
+  struct Group {
     uint32_t first = 0;
-    uint32_t count = 0;  // 0: not asked yet
+    uint32_t count = 0;
   };
 
-  uint8_t Find(const RGBArec& pixel);
-  void Explore(Cell& cell, int red, int green, int blue);
+  uint8_t AnswerAt(uint32_t place) {
+    uint32_t& block = blocks_[place / kernels::kCellColors];
+    if (block == 0) [[unlikely]]
+      block = AnswerCell(place / kernels::kCellColors);
+    return answers_[size_t{block} * kernels::kCellColors + place % kernels::kCellColors];
+  }
 
-  std::vector<Entry> entries_;
-  std::vector<Cell> cells_;
-  std::vector<uint8_t> candidates_;  // positions in entries_
-  // The last answer of each hash, colour above index. Zero is black's, which only slot 0 can ask
-  // for.
-  std::vector<uint32_t> answers_;
+  uint32_t AnswerCell(uint32_t cell);
+  Group& GroupOf(int blue, int green, int red);
+
+  std::vector<Candidate> entries_;
+  std::vector<Group> groups_;
+  std::vector<Candidate> candidates_;
+  std::vector<Candidate> inReach_;  // of one cell, kept for its memory
+  std::vector<uint32_t> blocks_;    // of each cell, its number in answers_; 0: not answered yet
+  std::vector<uint8_t> answers_;
+  std::vector<uint32_t> places_;  // of a row's pixels
 };
 
 }  // namespace rasterkit

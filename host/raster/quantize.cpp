@@ -17,7 +17,7 @@ void MapNearestColors(const Raster& source, Raster& target) {
   std::vector<uint8_t> indexes(pixels.size());
   for (int y = 0; y < source.Height(); ++y) {
     RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
-    for (size_t x = 0; x < pixels.size(); ++x) indexes[x] = nearest.Of(pixels[x]);
+    nearest.OfRow(pixels.data(), pixels.size(), indexes.data());
     PackIndexes(indexes.data(), target.Format(), source.Width(), target.Row(y));
   }
   target.ClearPadding();

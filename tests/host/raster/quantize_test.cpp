@@ -142,6 +142,22 @@ TEST(Quantize, Should_BeMuchBetterThanACube) {
   }
 }
 
+// Larger than the net of pixels that chooses the palette, with a pattern as wide as its meshes.
+TEST(Quantize, Should_SeeAllColors_When_ALargePictureHasAPattern) {
+  Raster source(pf24bit, 1300, 1000);
+  std::mt19937 random(15);
+  for (int y = 0; y < source.Height(); ++y) {
+    uint8_t* row = source.Row(y);
+    for (int x = 0; x < source.Width(); ++x, row += 3) {
+      const bool isLine = x % 3 == 0;
+      row[0] = static_cast<uint8_t>((isLine ? 220 : 0) + random() % 16);
+      row[1] = static_cast<uint8_t>(random() % 16);
+      row[2] = static_cast<uint8_t>((isLine ? 0 : 220) + random() % 16);
+    }
+  }
+  EXPECT_LT(MeanSquaredError(source, ConvertRaster(source, pf8bit)), 20);
+}
+
 TEST(Quantize, Should_BeTheSameEveryTime) {
   std::mt19937 random(14);
   const Raster source = test::RandomRaster(pf32bit, 149, 151, random);
@@ -162,8 +178,11 @@ TEST(NearestColor, Should_EqualTheFullSearch_When_PaletteIsAnything) {
     for (int i = 0; i < 60000; ++i) {
       const RGBArec pixel{static_cast<uint8_t>(random()), static_cast<uint8_t>(random()),
                           static_cast<uint8_t>(random()), 0};
-      ASSERT_EQ(nearest.Of(pixel), NearestEntry(palette.Entries(), RGB(pixel.r, pixel.g, pixel.b)))
-          << "seed " << seed;
+      const int expected = NearestEntry(palette.Entries(), RGB(pixel.r, pixel.g, pixel.b));
+      ASSERT_EQ(nearest.Of(pixel), expected) << "seed " << seed;
+      uint8_t ofRow = 0;
+      nearest.OfRow(&pixel, 1, &ofRow);
+      ASSERT_EQ(ofRow, expected) << "seed " << seed;
     }
   }
 }
