@@ -118,6 +118,10 @@ TEST_F(WicBitmap, Load_Should_KeepTheCanvas_And_CountAsUnmodified) {
   bitmap_.LoadFromFile(Saved<TBitmap>(GradientBitmap(pf24bit, 13, 7)));
   EXPECT_EQ(bitmap_.Canvas().Brush.Color, RGB(1, 2, 3));
   EXPECT_FALSE(bitmap_.Modified());
+  TBitmap seeThrough = GradientBitmap(pf32bit, 13, 7);
+  seeThrough.SetAlphaFormat(afDefined);
+  bitmap_.LoadFromFile(Saved<TPngImage>(seeThrough));
+  EXPECT_FALSE(bitmap_.Modified()) << "whatever alpha made of it";
 }
 
 TEST_F(WicBitmap, Load_Should_EndAnEarlierTransparency) {

@@ -182,6 +182,15 @@ TEST(GifDecoder, Should_GrowTheScreen_When_ThePictureDoesNotFit) {
   EXPECT_EQ(Decode(file).Width(), 22);
 }
 
+TEST(GifDecoder, Should_GoByTheLastControl_When_ThereAreTwo) {
+  GifFile file = PlainGif(9, 5, 3);
+  for (const uint8_t hasTransparent : {1, 0}) {
+    const auto control = GifExtension(0xF9, {hasTransparent, 10, 0, 2});
+    file.extensions.insert(file.extensions.end(), control.begin(), control.end());
+    EXPECT_EQ(Decode(file).transparentColor.has_value(), hasTransparent == 1);
+  }
+}
+
 TEST(GifDecoder, Should_SkipExtensions_When_TheyComeFirst) {
   GifFile file = PlainGif(19, 7);
   for (const uint8_t function : {0xFE, 0xFF, 0x01, 0x77}) {

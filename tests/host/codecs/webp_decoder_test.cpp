@@ -99,6 +99,13 @@ TEST(WebpDecoder, Should_BringTheProfileAlong_When_ItDescribesColors) {
   }
 }
 
+TEST(WebpDecoder, Profile_Should_BeFound_When_AChunkOfOddLengthComesFirst) {
+  const ByteList picture = ChunksOfWebp(LosslessWebp(GradientRaster(pf24bit, 19, 7)));
+  const ByteList odd = WebpChunk("odd ", {1, 2, 3}), profile = WebpChunk("ICCP", *RgbProfile());
+  const ByteList file = WebpFile(WebpHeaderChunk(webpProfile, 19, 7) + odd + profile + picture);
+  EXPECT_NE(DecodeWebp(file).profile, nullptr);
+}
+
 TEST(WebpDecoder, Metadata_Should_BeFound) {
   const ByteList chunks = ChunksOfWebp(LosslessWebp(GradientRaster(pf24bit, 3, 2)));
   const ByteList exif = {'I', 'I', '*', 0, 8, 0, 0, 0, 0, 0};
