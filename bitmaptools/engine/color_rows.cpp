@@ -4,22 +4,45 @@
 #include <rasterkit/bitmaptools/engine/mixing.h>
 #include <rasterkit/bitmaptools/pixels/color.h>
 #include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/host/kernels/brighten.h>
+#include <rasterkit/host/kernels/byte_map.h>
+#include <rasterkit/host/kernels/mix_rows.h>
+#include <rasterkit/host/kernels/pixel_masks.h>
 
 namespace rasterkit::detail {
 namespace {
 
 using Table = std::array<uint8_t, 256>;
 
+/// Rows are worked on in parts that stay in the nearest cache from step to step.
+constexpr size_t kPart = 1024;
+
+/// `change(pixels, width)` applied to parts of each row of a pf24bit bitmap.
+template <class Change>
+void ChangeRows(TBitmap& bitmap, int32_t first, int32_t last, Change change) {
+  const auto width = static_cast<size_t>(bitmap.Width());
+  for (int32_t y = first; y <= last; ++y) {
+    uint8_t* row = bitmap.ScanLine(y);
+    for (size_t x = 0; x < width; x += kPart) change(row + 3 * x, std::min(kPart, width - x));
+  }
+}
+
 template <class Change>
 void ChangeRows(TBitmap& bitmap, int32_t first, int32_t last, Spared spared, Change change) {
-  const int width = bitmap.Width();
-  for (int32_t y = first; y <= last; ++y) {
-    auto* pixels = reinterpret_cast<RGBrec*>(bitmap.ScanLine(y));
-    for (int x = 0; x < width; ++x) {
-      RGBrec& pixel = pixels[x];
-      if (spared == Spared::none || IsNotBlackOrWhite(pixel.r, pixel.g, pixel.b)) change(pixel);
-    }
-  }
+  if (spared == Spared::none) return ChangeRows(bitmap, first, last, change);
+  std::array<uint8_t, 3 * kPart> changed, kept;
+  ChangeRows(bitmap, first, last, [&](uint8_t* pixels, size_t width) {
+    std::copy_n(pixels, 3 * width, changed.data());
+    change(changed.data(), width);
+    kernels::BlackOrWhite24(pixels, width, kept.data());
+    kernels::TakeRow(pixels, changed.data(), kept.data(), 3 * width);
+  });
+}
+
+void MapRows(TBitmap& bitmap, int32_t first, int32_t last, Spared spared,
+             const kernels::ByteMap& map) {
+  ChangeRows(bitmap, first, last, spared,
+             [&map](uint8_t* pixels, size_t width) { kernels::MapBytes(map, pixels, 3 * width); });
 }
 
 }  // namespace
@@ -53,16 +76,21 @@ void BrightenColor(int32_t percent, uint8_t& red, uint8_t& green, uint8_t& blue)
 }
 
 void ContrastRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared) {
-  const Table table = ContrastTable(percent);
-  ChangeRows(bitmap, first, last, spared, [&table](RGBrec& pixel) {
-    pixel = {table[pixel.b], table[pixel.g], table[pixel.r]};
-  });
+  MapRows(bitmap, first, last, spared,
+          kernels::MakeByteMap(ContrastTable(percent), BrightnessFactor(percent), 128));
 }
 
 void BrightenRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared) {
   if (percent == 0 || percent < -100 || percent > 100) return;
-  ChangeRows(bitmap, first, last, spared,
-             [percent](RGBrec& pixel) { BrightenColor(percent, pixel.r, pixel.g, pixel.b); });
+  const float factor = BrightnessFactor(percent);
+  if (percent < 0) {
+    const auto map = kernels::MakeByteMap(DarkenTable(percent), factor, 0);
+    return MapRows(bitmap, first, last, spared, map);
+  }
+  const auto brightening = kernels::MakeBrightening(percent, factor, BrightnessWeight(factor));
+  ChangeRows(bitmap, first, last, spared, [&brightening](uint8_t* pixels, size_t width) {
+    kernels::BrightenRow24(brightening, pixels, width, pixels);
+  });
 }
 
 }  // namespace rasterkit::detail

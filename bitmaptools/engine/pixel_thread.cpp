@@ -4,6 +4,7 @@
 #include <rasterkit/bitmaptools/engine/manage_threads.h>
 #include <rasterkit/bitmaptools/engine/mixing.h>
 #include <rasterkit/bitmaptools/engine/pixel_thread.h>
+#include <rasterkit/bitmaptools/engine/row_transfer.h>
 #include <rasterkit/bitmaptools/engine/transfer_rules.h>
 #include <rasterkit/bitmaptools/pixels/color.h>
 #include <rasterkit/host/graphics/bitmap.h>
@@ -14,6 +15,14 @@ namespace {
 
 int64_t SpanOf(int32_t from, int32_t to) {
   return int64_t{to} - from;
+}
+
+/// Those of the columns that have a source column; they are neighbours, as scaling keeps the order.
+detail::ColumnRun RunOf(int32_t first, const std::vector<int32_t>& columns) {
+  const auto isThere = [](int32_t column) { return column >= 0; };
+  const auto begin = std::find_if(columns.begin(), columns.end(), isThere);
+  const auto end = std::find_if_not(begin, columns.end(), isThere);
+  return {first + static_cast<int32_t>(begin - columns.begin()), {begin, end}};
 }
 
 }  // namespace
@@ -110,16 +119,24 @@ void TPixelThread::TransferBand() {
   const int64_t top = FPixelTask == ptAssignInWhite ? TarR.Top : 0;
   const int64_t first = std::max<int64_t>(ia + top, 0);
   const int64_t end = std::min<int64_t>(ie + top + 1, TarBmp->Height());
-  detail::TransferRules rules(*this);
+  const auto transfer = detail::MakeRowTransfer(*this, RunOf(firstColumn_, columns_));
   for (int64_t y = first; y < end; ++y) {
     ManThreads.DoProgress();
     const int64_t row = kernels::RoundScaled(y - TarR.Top, pwy) + SrcR.Top;
     if (row < 0 || row >= SrcBmp->Height()) continue;
     sy = static_cast<int32_t>(row);
     FetchRows(static_cast<int>(y));
-    for (size_t i = 0; i < columns_.size(); ++i)
-      rules.TransferPixel(firstColumn_ + static_cast<int32_t>(i), columns_[i]);
+    if (transfer)
+      transfer->TransferRow(Tar8, Src8);
+    else
+      TransferPixels();
   }
+}
+
+void TPixelThread::TransferPixels() {
+  detail::TransferRules rules(*this);
+  for (size_t i = 0; i < columns_.size(); ++i)
+    rules.TransferPixel(firstColumn_ + static_cast<int32_t>(i), columns_[i]);
 }
 
 void TPixelThread::FetchRows(int y) {

@@ -104,6 +104,7 @@ class RASTERKIT_EXPORT TPixelThread : public TThread {
   void BrightenBand();
   void ContrastBand();
   void TransferBand();
+  void TransferPixels();
   /// Points the row pointers at row y of the target and row `sy` of the source.
   void FetchRows(int y);
 

@@ -1,9 +1,9 @@
-#include <algorithm>
 #include <atomic>
-#include <cstdlib>
+#include <cstddef>
 
 #include <rasterkit/bitmaptools/engine/mixing.h>
 #include <rasterkit/bitmaptools/engine/pixel_thread.h>
+#include <rasterkit/bitmaptools/engine/transfer_palettes.h>
 #include <rasterkit/bitmaptools/engine/transfer_rules.h>
 #include <rasterkit/bitmaptools/pixels/bit_depths.h>
 #include <rasterkit/bitmaptools/pixels/color.h>
@@ -23,15 +23,6 @@ uint8_t Load(const uint8_t* byte) {
 
 void Store(uint8_t* byte, uint8_t value) {
   Shared(byte).store(value, std::memory_order_relaxed);
-}
-
-tagPALETTEENTRY EntryOf(const TColorTable* table, uint8_t index) {
-  return table != nullptr ? (*table)[index] : tagPALETTEENTRY{};
-}
-
-int Distance(const tagPALETTEENTRY& a, const tagPALETTEENTRY& b) {
-  return std::max({std::abs(a.peRed - b.peRed), std::abs(a.peGreen - b.peGreen),
-                   std::abs(a.peBlue - b.peBlue)});
 }
 
 constexpr int32_t Bit(uint8_t byte, int32_t position) {
@@ -79,13 +70,8 @@ bool TransferRules::IsNearWhite(const Color& color) const {
 
 bool TransferRules::TargetIsWhite(int32_t x) {
   if (w_.nTarBytes == 0) return PackedTargetIsWhite(x);
-  Color color{};
-  if (w_.nTarBytes == 1) {
-    const tagPALETTEENTRY entry = EntryOf(w_.TarCol, Load(w_.Tar8 + x));
-    color = {entry.peBlue, entry.peGreen, entry.peRed};
-  } else {
-    color = TargetColor(x);
-  }
+  if (w_.nTarBytes == 1) return IsWhiteTargetIndex(w_, Load(w_.Tar8 + x));
+  const Color color = TargetColor(x);
   if (w_.UseGray) return IsNearWhite(color);
   return color.r == w_.transR && color.g == w_.TransG && color.b == w_.transB;
 }
@@ -103,10 +89,7 @@ bool TransferRules::PackedTargetIsWhite(int32_t x) {
 
 bool TransferRules::SourceIsWhite() {
   if (w_.nSrcBytes == 0) return PackedSourceIsWhite();
-  if (w_.nSrcBytes == 1) {
-    const tagPALETTEENTRY entry = EntryOf(w_.SrcCol, Load(w_.Src8 + w_.sx));
-    return IsNearWhite({entry.peBlue, entry.peGreen, entry.peRed});
-  }
+  if (w_.nSrcBytes == 1) return IsWhiteSourceIndex(w_, Load(w_.Src8 + w_.sx));
   if (w_.nSrcBytes == 4 && w_.UseAlpha) return Load(&w_.Src32[w_.sx].a) > 0;
   return IsNearWhite(SourceColor());
 }
@@ -135,7 +118,7 @@ void TransferRules::TakeOver(int32_t x) {
     uint8_t* byte = w_.Tar8 + x / 8;
     return Store(byte, static_cast<uint8_t>(Load(byte) & ~(128 >> x % 8)));
   }
-  if (w_.nTarBytes == 1) return Store(w_.Tar8 + x, MappedIndex(Load(w_.Src8 + w_.sx)));
+  if (w_.nTarBytes == 1) return Store(w_.Tar8 + x, MappedIndex(w_, Load(w_.Src8 + w_.sx)));
   const auto size = static_cast<ptrdiff_t>(w_.nTarBytes);
   uint8_t* target = (size == 3 ? &w_.Tar24->b : &w_.Tar32->b) + x * size;
   const uint8_t* source = (size == 3 ? &w_.Src24->b : &w_.Src32->b) + w_.sx * size;
@@ -158,22 +141,6 @@ void TransferRules::StorePacked(int32_t byte, uint8_t value) {
   if (byte > last) return;
   const uint8_t mask = byte == last ? LastByteMask(width, bits) : 0xFF;
   Store(w_.Tar8 + byte, value & mask);
-}
-
-uint8_t TransferRules::MappedIndex(uint8_t index) const {
-  if (index >= w_.SrcAnz) return index;
-  const tagPALETTEENTRY color = EntryOf(w_.SrcCol, index);
-  int least = 255;
-  if (index < w_.TarAnz) least = Distance(color, EntryOf(w_.TarCol, index));
-  if (least == 0) return index;
-  int32_t nearest = index;
-  for (int32_t j = 0; j < w_.TarAnz; ++j) {
-    const int distance = Distance(color, EntryOf(w_.TarCol, static_cast<uint8_t>(j)));
-    if (distance >= least) continue;
-    least = distance;
-    nearest = j;
-  }
-  return static_cast<uint8_t>(nearest);
 }
 
 void TransferRules::Combine(int32_t x) {
@@ -207,7 +174,7 @@ void TransferRules::BlackenNibble(int32_t x) {
 TransferRules::Color TransferRules::SourceEntry() const {
   const uint8_t index =
       w_.nSrcBytes == 1 ? Load(w_.Src8 + w_.sx) : (w_.sx % 2 == 0 ? w_.SrcLeft : w_.SrcRight);
-  const tagPALETTEENTRY entry = EntryOf(w_.SrcCol, index);
+  const tagPALETTEENTRY entry = w_.SrcCol != nullptr ? (*w_.SrcCol)[index] : tagPALETTEENTRY{};
   return {entry.peBlue, entry.peGreen, entry.peRed};
 }
 

@@ -33,7 +33,6 @@ class TransferRules {
 
   void TakeOver(int32_t x);
   void TakeOverNibbles(int32_t x);
-  uint8_t MappedIndex(uint8_t index) const;
 
   void Combine(int32_t x);
   void BlackenNibble(int32_t x);

@@ -1,0 +1,28 @@
+#include <utility>
+
+#include <rasterkit/bitmaptools/engine/pixel_thread.h>
+#include <rasterkit/bitmaptools/engine/row_transfer.h>
+#include <rasterkit/host/graphics/bitmap.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// The limit that the kernels know.
+constexpr int32_t kNearWhite = 250;
+
+bool IsOrdinary(const TPixelThread& worker) {
+  return worker.SrcBmp != worker.TarBmp && !worker.UseAlpha && !worker.SrcInv && !worker.TarInv &&
+         worker.FromGrayVal == kNearWhite;
+}
+
+}  // namespace
+
+std::unique_ptr<RowTransfer> MakeRowTransfer(const TPixelThread& worker, ColumnRun run) {
+  if (run.columns.empty() || !IsOrdinary(worker)) return nullptr;
+  if (worker.nTarBytes >= 3) return MakeColorTransfer(worker, std::move(run));
+  if (worker.nTarBytes == 1) return MakeIndexTransfer(worker, std::move(run));
+  if (worker.nTarBit != 4) return MakeMonoTransfer(worker, std::move(run));
+  return nullptr;
+}
+
+}  // namespace rasterkit::detail

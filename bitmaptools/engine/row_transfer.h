@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace rasterkit {
+
+class TPixelThread;
+
+namespace detail {
+
+/// Moves whole rows by kernels and tables, with the results of TransferRules.
+class RowTransfer {
+ public:
+  virtual ~RowTransfer() = default;
+
+  /// The rows from their first byte on; the rows of one worker come in its order.
+  virtual void TransferRow(uint8_t* target, const uint8_t* source) = 0;
+};
+
+/// Adjacent target columns, all of which have a source column.
+struct ColumnRun {
+  int32_t first = 0;
+  std::vector<int32_t> columns;
+};
+
+/// Null where only TransferRules serve: rows that other workers may touch, and rare pairs of
+/// formats.
+std::unique_ptr<RowTransfer> MakeRowTransfer(const TPixelThread& worker, ColumnRun run);
+
+/// For targets of 24 and 32 bits, of 8 bits, and of 1 bit; null as above.
+std::unique_ptr<RowTransfer> MakeColorTransfer(const TPixelThread& worker, ColumnRun run);
+std::unique_ptr<RowTransfer> MakeIndexTransfer(const TPixelThread& worker, ColumnRun run);
+std::unique_ptr<RowTransfer> MakeMonoTransfer(const TPixelThread& worker, ColumnRun run);
+
+}  // namespace detail
+}  // namespace rasterkit
