@@ -32,6 +32,7 @@ void ChangeRows(TBitmap& bitmap, int32_t first, int32_t last, Spared spared, Cha
   if (spared == Spared::none) return ChangeRows(bitmap, first, last, change);
   std::array<uint8_t, 3 * kPart> changed, kept;
   ChangeRows(bitmap, first, last, [&](uint8_t* pixels, size_t width) {
+    if (!kernels::MayHoldBlackOrWhite24(pixels, width)) return change(pixels, width);
     std::copy_n(pixels, 3 * width, changed.data());
     change(changed.data(), width);
     kernels::BlackOrWhite24(pixels, width, kept.data());

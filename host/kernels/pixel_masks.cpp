@@ -83,6 +83,10 @@ void Expand(const uint8_t* grays, size_t width, uint8_t* bgr) {
   ExpandOneByOne(grays, width, bgr);
 }
 
+bool MayHold(const uint8_t*, size_t) {
+  return true;
+}
+
 #else
 
 using Bytes = hn::ScalableTag<uint8_t>;
@@ -119,6 +123,24 @@ void Expand(const uint8_t* grays, size_t width, uint8_t* bgr) {
   ExpandOneByOne(grays + x, width - x, bgr + 3 * x);
 }
 
+/// Looks at every three neighbouring bytes, whether they are a pixel or not.
+bool MayHold(const uint8_t* bgr, size_t width) {
+  const Bytes d;
+  const size_t lanes = hn::Lanes(d), count = 3 * width;
+  if (count < lanes + 2) return true;
+  const auto one = hn::Set(d, 1);
+  auto least = hn::Set(d, 255), most = hn::Zero(d);
+  const auto look = [&](const uint8_t* bytes) {
+    const auto b = hn::LoadU(d, bytes), g = hn::LoadU(d, bytes + 1), r = hn::LoadU(d, bytes + 2);
+    least = hn::Min(least, hn::Or(b, hn::Or(g, r)));
+    most = hn::Max(most, hn::And(b, hn::And(g, hn::Or(r, one))));
+  };
+  for (size_t i = 0; i + lanes + 2 <= count; i += lanes) look(bgr + i);
+  look(bgr + count - lanes - 2);
+  const auto found = hn::Or(hn::Eq(least, hn::Zero(d)), hn::Eq(most, hn::Set(d, 255)));
+  return !hn::AllFalse(d, found);
+}
+
 #endif
 
 void NearWhite(const uint8_t* bgr, size_t width, bool asked, uint8_t* mask) {
@@ -148,6 +170,7 @@ HWY_EXPORT(NearWhite);
 HWY_EXPORT(OtherColor);
 HWY_EXPORT(BlackOrWhite);
 HWY_EXPORT(Expand);
+HWY_EXPORT(MayHold);
 
 }  // namespace
 
@@ -161,6 +184,10 @@ void OtherColor24(const uint8_t* bgr, size_t width, uint32_t color, uint8_t* mas
 
 void BlackOrWhite24(const uint8_t* bgr, size_t width, uint8_t* mask) {
   HWY_DYNAMIC_DISPATCH(BlackOrWhite)(bgr, width, mask);
+}
+
+bool MayHoldBlackOrWhite24(const uint8_t* bgr, size_t width) {
+  return HWY_DYNAMIC_DISPATCH(MayHold)(bgr, width);
 }
 
 void ExpandGrays24(const uint8_t* grays, size_t width, uint8_t* bgr) {

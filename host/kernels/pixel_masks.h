@@ -16,6 +16,9 @@ void OtherColor24(const uint8_t* bgr, size_t width, uint32_t color, uint8_t* mas
 /// Is it black, or white with a red of 254 or 255?
 void BlackOrWhite24(const uint8_t* bgr, size_t width, uint8_t* mask);
 
+/// False when BlackOrWhite24 would answer no everywhere; a quick look that may be wrong about true.
+bool MayHoldBlackOrWhite24(const uint8_t* bgr, size_t width);
+
 /// One byte a pixel to three equal ones.
 void ExpandGrays24(const uint8_t* grays, size_t width, uint8_t* bgr);
 

@@ -332,6 +332,21 @@ TEST(PixelMasksTest, AnswerForEveryPixelAndStayInsideTheRowAtWidthsUpTo200) {
   });
 }
 
+TEST(PixelMasksTest, AQuickLookMissesNoBlackAndNoWhite) {
+  test::ForEachSimdTarget([](int64_t target) {
+    for (size_t width = 1; width <= 150; ++width)
+      for (size_t x = 0; x < width; ++x)
+        for (bool isBlack : {false, true}) {
+          Row bgr(3 * width, 7);
+          ASSERT_TRUE(width < 70 || hwy::TargetName(target) == std::string("SCALAR") ||
+                      !MayHoldBlackOrWhite24(bgr.data(), width));
+          std::fill_n(bgr.begin() + static_cast<ptrdiff_t>(3 * x), 3, isBlack ? 0 : 255);
+          if (x % 2 == 0 && !isBlack) bgr[3 * x + 2] = 254;
+          ASSERT_TRUE(MayHoldBlackOrWhite24(bgr.data(), width)) << x << " of " << width;
+        }
+  });
+}
+
 TEST(ColorRows32Test, TakePixelsOrColoursAndStayInsideTheRow) {
   test::ForEachSimdTarget([](int64_t target) {
     std::mt19937 random(14);
