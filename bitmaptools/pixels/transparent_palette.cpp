@@ -133,8 +133,9 @@ void SetPaletteToTransparent(TBitmap& bitmap, uint8_t threshold) {
       if (isLight(i)) map[static_cast<size_t>(i)] = white;
     MapPairs(bitmap, palette, map);
   } else {
-    kernels::IndexSet light{};
-    for (int i = 1; i < 256; ++i) light[static_cast<size_t>(i)] = isLight(i);
+    kernels::IndexSet light;
+    for (int i = 1; i < 256; ++i)
+      if (isLight(i)) light.Add(static_cast<uint8_t>(i));
     ChangeIndexes(bitmap, palette, [&](uint8_t* row, size_t bytes) {
       kernels::ReplaceIndexes(row, bytes, light, white);
     });

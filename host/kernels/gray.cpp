@@ -228,8 +228,7 @@ struct ReplaceByGray {
 
 void GrayInPlace24(uint8_t* bgr, size_t width) {
   constexpr uint8_t kTop[16] = {3, 3, 3, 7, 7, 7, 11, 11, 11, 15, 15, 15, 0, 0, 0, 0};
-  const PackedOrder threeTimes{hn::LoadDup128(Bytes(), kTop), JoinOrder()};
-  EditRow<3>(ReplaceByGray{MakeConstants<3>(), threeTimes}, bgr, width);
+  EditRow<3>(ReplaceByGray{MakeConstants<3>(), MakePackedOrder(kTop)}, bgr, width);
 }
 
 #endif

@@ -19,7 +19,7 @@ namespace {
 
 void Replace(uint8_t* indexes, size_t count, const IndexSet& set, uint8_t index) {
   for (size_t i = 0; i < count; ++i) {
-    if (set[indexes[i]]) indexes[i] = index;
+    if (set.Has(indexes[i])) indexes[i] = index;
   }
 }
 
@@ -41,8 +41,6 @@ void MapPairs(uint8_t* pairs, size_t count, const std::array<uint8_t, 16>& map) 
 
 #else
 
-/// A set of bytes as tables for shuffles: for each low nibble the high nibbles that go with it, one
-/// bit each, those below 8 and the others.
 struct ReplaceVector {
   ByteVector lowHalf, highHalf, bitOfHigh, index;
 
@@ -61,13 +59,9 @@ struct ReplaceVector {
 };
 
 void Replace(uint8_t* indexes, size_t count, const IndexSet& set, uint8_t index) {
-  uint8_t halves[2][16] = {};
-  for (size_t i = 0; i < set.size(); ++i) {
-    if (set[i]) halves[i / 128][i % 16] |= static_cast<uint8_t>(1u << (i / 16 % 8));
-  }
   constexpr uint8_t kBits[16] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
   const Bytes d;
-  EditRow<1>(ReplaceVector{hn::LoadDup128(d, halves[0]), hn::LoadDup128(d, halves[1]),
+  EditRow<1>(ReplaceVector{hn::LoadDup128(d, set.Bits()), hn::LoadDup128(d, set.Bits() + 16),
                            hn::LoadDup128(d, kBits), hn::Set(d, index)},
              indexes, count);
 }

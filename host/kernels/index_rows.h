@@ -7,8 +7,25 @@
 /// Rows of palette indexes, changed in place; exactly `count` bytes are touched.
 namespace rasterkit::kernels {
 
-/// Which of the 256 indexes are meant.
-using IndexSet = std::array<bool, 256>;
+/// Some of the 256 indexes; none to begin with.
+class IndexSet {
+ public:
+  void Add(uint8_t index) {
+    uint8_t& byte = bits_[Place(index)];
+    byte = static_cast<uint8_t>(byte | Bit(index));
+  }
+  bool Has(uint8_t index) const { return (bits_[Place(index)] & Bit(index)) != 0; }
+
+  /// 16 bytes for the indexes below 128 and 16 for the others: one for each low nibble, in it a bit
+  /// for each high nibble. Vector shuffles look them up.
+  const uint8_t* Bits() const { return bits_.data(); }
+
+ private:
+  static size_t Place(uint8_t index) { return index / 128 * 16u + index % 16u; }
+  static unsigned Bit(uint8_t index) { return 1u << (index / 16 % 8); }
+
+  std::array<uint8_t, 32> bits_{};
+};
 
 /// Each byte that is in `set` becomes `index`.
 void ReplaceIndexes(uint8_t* indexes, size_t count, const IndexSet& set, uint8_t index);

@@ -63,11 +63,14 @@ HWY_INLINE LaneOrder SpreadOrder() {
   return OrderLanes([](int i) { return i / 4 * 3 + i % 4; });
 }
 
-/// The reverse: what lies in the first 12 bytes of each block, side by side.
-HWY_INLINE LaneOrder JoinOrder() {
-  return OrderLanes([](int i) {
-    const int blocks = static_cast<int>(hn::Lanes(Lanes())) / 4;
-    return i < 3 * blocks ? i / 3 * 4 + i % 3 : i % 4;
+/// The reverse: what lies in the first 12 bytes of each block, side by side. Then turned by `k`
+/// quarters of a vector, to where it belongs when three quarters of each of four vectors are
+/// joined and this is number `k`.
+HWY_INLINE LaneOrder JoinOrder(int k) {
+  return OrderLanes([k](int i) {
+    const int lanes = static_cast<int>(hn::Lanes(Lanes()));
+    const int place = (i + k * lanes / 4) % lanes;
+    return place < lanes / 4 * 3 ? place / 3 * 4 + place % 3 : i;
   });
 }
 
@@ -86,42 +89,66 @@ constexpr size_t PixelsReadAhead(size_t vectorBytes) {
   return kBytes == 3 ? vectorBytes / 12 + 1 : 0;
 }
 
-/// Stores three quarters of a vector and not a byte more.
-HWY_INLINE void StoreThreeQuarters(LaneVector v, uint8_t* target) {
-  auto* lanes = reinterpret_cast<uint32_t*>(target);
-#if HWY_TARGET <= HWY_AVX3
-  hn::BlendedStore(v, hn::FirstN(Lanes(), hn::Lanes(Lanes()) / 4 * 3), Lanes(), lanes);
-#else
-  const hn::Half<Lanes> half;
-  const hn::Half<decltype(half)> quarter;
-  hn::StoreU(hn::LowerHalf(half, v), half, lanes);
-  hn::StoreU(hn::LowerHalf(quarter, hn::UpperHalf(half, v)), quarter, lanes + hn::Lanes(half));
-#endif
-}
-
-/// Which bytes of each block make its twelve bytes of three-byte pixels, and the order that joins
+/// Which bytes of each block make its twelve bytes of three-byte pixels, and the orders that join
 /// the blocks.
 struct PackedOrder {
   ByteVector bytes;
-  LaneOrder join;
+  LaneOrder join0, join1, join2, join3;
 };
 
-HWY_INLINE LaneVector Pack(const PackedOrder& order, LaneVector v) {
+HWY_INLINE PackedOrder MakePackedOrder(const uint8_t (&bytes)[16]) {
+  return {hn::LoadDup128(Bytes(), bytes), JoinOrder(0), JoinOrder(1), JoinOrder(2), JoinOrder(3)};
+}
+
+HWY_INLINE LaneVector Pack(const PackedOrder& order, const LaneOrder& join, LaneVector v) {
   const auto packed =
       hn::BitCast(Lanes(), hn::TableLookupBytes(hn::BitCast(Bytes(), v), order.bytes));
   if constexpr (hn::MaxLanes(Bytes()) == 16) return packed;
-  return hn::TableLookupLanes(packed, order.join);
+  return hn::TableLookupLanes(packed, join);
+}
+
+HWY_INLINE void StoreLanes(LaneVector v, uint8_t* target) {
+  hn::StoreU(hn::BitCast(Bytes(), v), Bytes(), target);
+}
+
+#if HWY_TARGET <= HWY_AVX3
+
+/// Stores the lanes as three-byte pixels, in three whole vectors: a load from behind a masked or
+/// overlapping store would have to wait for it.
+HWY_INLINE void StorePacked(const PackedOrder& order, const Quad& q, uint8_t* target) {
+  const size_t step = hn::Lanes(Bytes());
+  const size_t quarter = hn::Lanes(Lanes()) / 4;
+  const auto v0 = Pack(order, order.join0, q.v0);
+  const auto v1 = Pack(order, order.join1, q.v1);
+  const auto v2 = Pack(order, order.join2, q.v2);
+  const auto v3 = Pack(order, order.join3, q.v3);
+  StoreLanes(hn::IfThenElse(hn::FirstN(Lanes(), 3 * quarter), v0, v1), target);
+  StoreLanes(hn::IfThenElse(hn::FirstN(Lanes(), 2 * quarter), v1, v2), target + step);
+  StoreLanes(hn::IfThenElse(hn::FirstN(Lanes(), quarter), v2, v3), target + 2 * step);
+}
+
+#else
+
+/// Stores three quarters of a vector and not a byte more.
+HWY_INLINE void StoreThreeQuarters(LaneVector v, uint8_t* target) {
+  const hn::Half<Lanes> half;
+  const hn::Half<decltype(half)> quarter;
+  auto* lanes = reinterpret_cast<uint32_t*>(target);
+  hn::StoreU(hn::LowerHalf(half, v), half, lanes);
+  hn::StoreU(hn::LowerHalf(quarter, hn::UpperHalf(half, v)), quarter, lanes + hn::Lanes(half));
 }
 
 /// Stores the lanes as three-byte pixels. All but the last vector write a quarter too far, which
 /// the next one puts right.
 HWY_INLINE void StorePacked(const PackedOrder& order, const Quad& q, uint8_t* target) {
   const size_t step = hn::Lanes(Bytes()) / 4 * 3;
-  hn::StoreU(hn::BitCast(Bytes(), Pack(order, q.v0)), Bytes(), target);
-  hn::StoreU(hn::BitCast(Bytes(), Pack(order, q.v1)), Bytes(), target + step);
-  hn::StoreU(hn::BitCast(Bytes(), Pack(order, q.v2)), Bytes(), target + 2 * step);
-  StoreThreeQuarters(Pack(order, q.v3), target + 3 * step);
+  StoreLanes(Pack(order, order.join0, q.v0), target);
+  StoreLanes(Pack(order, order.join0, q.v1), target + step);
+  StoreLanes(Pack(order, order.join0, q.v2), target + 2 * step);
+  StoreThreeQuarters(Pack(order, order.join0, q.v3), target + 3 * step);
 }
+
+#endif
 
 /// The orders of rows of pixels `kBytes` wide.
 struct PixelOrders {
@@ -133,9 +160,7 @@ struct PixelOrders {
 HWY_INLINE PixelOrders MakePixelOrders() {
   constexpr uint8_t kToLanes[16] = {0, 1, 2, 2, 3, 4, 5, 5, 6, 7, 8, 8, 9, 10, 11, 11};
   constexpr uint8_t kPacked[16] = {0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 0, 0, 0, 0};
-  return {SpreadOrder(),
-          hn::LoadDup128(Bytes(), kToLanes),
-          {hn::LoadDup128(Bytes(), kPacked), JoinOrder()}};
+  return {SpreadOrder(), hn::LoadDup128(Bytes(), kToLanes), MakePackedOrder(kPacked)};
 }
 
 /// Lanes B G R A, or B G R and anything, of as many pixels as a vector has lanes.
@@ -159,10 +184,10 @@ template <int kBytes>
 HWY_INLINE void StoreQuad(const PixelOrders& orders, const Quad& q, uint8_t* pixels) {
   if constexpr (kBytes == 3) return StorePacked(orders.packed, q, pixels);
   const size_t step = hn::Lanes(Bytes());
-  hn::StoreU(hn::BitCast(Bytes(), q.v0), Bytes(), pixels);
-  hn::StoreU(hn::BitCast(Bytes(), q.v1), Bytes(), pixels + step);
-  hn::StoreU(hn::BitCast(Bytes(), q.v2), Bytes(), pixels + 2 * step);
-  hn::StoreU(hn::BitCast(Bytes(), q.v3), Bytes(), pixels + 3 * step);
+  StoreLanes(q.v0, pixels);
+  StoreLanes(q.v1, pixels + step);
+  StoreLanes(q.v2, pixels + 2 * step);
+  StoreLanes(q.v3, pixels + 3 * step);
 }
 
 /// One mask for each vector of a quad.
