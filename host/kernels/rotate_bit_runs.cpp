@@ -26,8 +26,8 @@
 //     the step's error, at most 2^-40 times at most 2^16 breaks                     < 2^-24
 //
 // Slopes of the row are at least kLeastSine. The column's may be so small that the margin takes
-// half a pixel or more: then each of its breaks, few in a row, goes by the exact rule. It is above
-// 2^-27 still, far more than the extended sum's roundings: so a column never advances by two.
+// half a pixel: then each of its breaks, few in a row, goes by the exact rule. It is above 2^-28
+// still, far more than the extended sum's roundings: so a column never advances by two.
 
 #ifndef RASTERKIT_ROTATE_BIT_RUNS_ONCE
 #define RASTERKIT_ROTATE_BIT_RUNS_ONCE
@@ -70,13 +70,12 @@ struct BreakLine {
   int64_t margin = 0;
 };
 
-// The first x after `begin` for which `changed` holds, near to `guess`; `last` when there is none
-// before. `changed(begin)` is false.
+// The first x after `begin` for which `changed` holds, `last` when there is none before. `guess` is
+// not before it, as places are lifted by their margin; `changed(begin)` is false.
 template <typename Changed>
 HWY_NOINLINE int SearchBreak(int begin, int guess, int last, const Changed& changed) {
   int x = std::clamp(guess, begin + 1, last);
   while (x > begin + 1 && changed(x - 1)) --x;
-  while (x < last && !changed(x)) ++x;
   return x;
 }
 

@@ -10,6 +10,9 @@ using Candidate = kernels::CellCandidate;
 constexpr int kGroupSide = 16;
 constexpr int kGroupsASide = 256 / kGroupSide;
 
+// What the colours of most photographs need; memory that is not written to costs nothing.
+constexpr size_t kUsualAnswers = size_t{1} << 22;
+
 constexpr int Square(int value) {
   return value * value;
 }
@@ -49,6 +52,7 @@ NearestColor::NearestColor(std::span<const tagPALETTEENTRY> entries)
     : groups_(kGroupsASide * kGroupsASide * kGroupsASide),
       blocks_(32 * 32 * 32),
       answers_(kernels::kCellColors) {
+  answers_.reserve(kUsualAnswers);
   for (size_t i = 0; i < std::min<size_t>(entries.size(), 256); ++i) {
     const auto sameColor = [&](const Candidate& entry) {
       return entry.red == entries[i].peRed && entry.green == entries[i].peGreen &&
@@ -64,7 +68,19 @@ NearestColor::NearestColor(std::span<const tagPALETTEENTRY> entries)
 void NearestColor::OfRow(const RGBArec* pixels, size_t count, uint8_t* indexes) {
   places_.resize(std::max(places_.size(), count));
   kernels::CellPlaces(reinterpret_cast<const uint8_t*>(pixels), count, places_.data());
-  for (size_t i = 0; i < count; ++i) indexes[i] = AnswerAt(places_[i]);
+  // In locals: the indexes written might otherwise be these members.
+  const uint32_t* places = places_.data();
+  uint32_t* blocks = blocks_.data();
+  const uint8_t* answers = answers_.data();
+  for (size_t i = 0; i < count; ++i) {
+    const uint32_t cell = places[i] / kernels::kCellColors;
+    if (blocks[cell] == 0) [[unlikely]] {
+      blocks[cell] = AnswerCell(cell);
+      answers = answers_.data();
+    }
+    indexes[i] =
+        answers[size_t{blocks[cell]} * kernels::kCellColors + places[i] % kernels::kCellColors];
+  }
 }
 
 uint32_t NearestColor::AnswerCell(uint32_t cell) {
