@@ -115,7 +115,8 @@ constexpr uint16_t kWhite16 = 0xFFFF;
 uint16_t ExceptionAmongWords(int level) {
   for (const uint32_t color : GrayExceptionsOf(level)) {
     if ((color & 0x070307) == 0)
-      return static_cast<uint16_t>(color >> 8 & 0xF800 | color >> 5 & 0x07E0 | color >> 3 & 0x1F);
+      return static_cast<uint16_t>((color >> 8 & 0xF800) | (color >> 5 & 0x07E0) |
+                                   (color >> 3 & 0x1F));
   }
   return kWhite16;
 }
