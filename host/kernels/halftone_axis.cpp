@@ -44,6 +44,7 @@ HalftoneAxis MakeHalftoneAxis(int64_t length, int64_t sourceSize, int64_t first,
   const bool grows = place > size;
   // Centres are half positions apart from the corners; the halves cancel where both are odd.
   const int64_t halves = (size + place) % 2 == 0 ? 1 : 2;
+  axis.shrinks = size > place;
   axis.innerWeight = static_cast<uint32_t>(grows ? 0 : place);
   axis.total = static_cast<uint32_t>(grows ? halves * place : size);
   for (int64_t target = first; target < last; ++target) {

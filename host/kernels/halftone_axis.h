@@ -27,6 +27,8 @@ struct HalftoneAxis {
   uint32_t innerWeight = 1;
   /// Sum of the weights of each tap; at most 2^23.
   uint32_t total = 1;
+  /// Whether there are more source than target positions; else a tap has at most two of them.
+  bool shrinks = false;
 };
 
 /// Weights for the target positions `first` to `last - 1` of a picture of `sourceSize` positions on

@@ -2,29 +2,54 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include <rasterkit/host/kernels/halftone_axis.h>
 
-/// Weighted means of rows of pixels, exact in whole numbers, halves rounded up: first the rows that
-/// a target row covers are added up column by column, then the columns that a target pixel covers.
-/// Nothing may overlap.
+/// Weighted means of rows of B G R pixels, exact in whole numbers, halves rounded up. A mean is a
+/// sum of weighted rows, then of weighted columns, divided once at the end; how large the sums can
+/// get decides how wide they are kept. Nothing may overlap.
 namespace rasterkit::kernels {
 
-/// sums[i] += weight * bytes[i]. The weights of one target row add up to at most 2^23.
-void AddWeightedBytes(const uint8_t* bytes, size_t count, uint32_t weight, uint32_t* sums);
+/// Rows and sums of columns are read, and sums written, up to this many elements beyond their end.
+inline constexpr size_t kHalftonePadding = 32;
 
-/// Target pixels B G R, one for each tap, from sums of B G R columns whose weights add up to
-/// `rowsTotal`.
-void MeanRow24(const uint32_t* sums, const HalftoneAxis& columns, uint32_t rowsTotal,
-               uint8_t* target);
+/// Rounded division by a total in words: exact for all sums of bytes whose weights add up to it.
+struct WordDivisor {
+  uint16_t half = 0;
+  uint16_t factor = 0;
+  int shift = 0;
 
-/// Seven sums for each pixel B G R A: the three colours times alpha, the alpha, the three colours.
-inline constexpr size_t kAlphaSums = 7;
-void AddWeightedPixels32(const uint8_t* pixels, size_t width, uint32_t weight, uint64_t* sums);
+  /// Whether the sums of this total fit words and have such a divisor.
+  static bool Fits(uint64_t total);
+  /// For a total that fits.
+  static WordDivisor For(uint64_t total);
+};
 
-/// Target pixels B G R A from such sums: alpha is the mean, colours are means weighted by alpha;
-/// where there is none at all they are plain means.
-void MeanRow32(const uint64_t* sums, const HalftoneAxis& columns, uint32_t rowsTotal,
-               uint8_t* target);
+/// Rows of bytes, each with a weight.
+struct WeightedRows {
+  const uint8_t* data = nullptr;
+  size_t stride = 0;
+  const uint32_t* weights = nullptr;
+  int count = 0;
+  /// Whether they are added to sums that are there.
+  bool adds = false;
+};
+
+/// For each of `bytes` columns the weighted sum of the rows.
+void SumRows(const WeightedRows& rows, size_t bytes, uint16_t* sums);
+void SumRows(const WeightedRows& rows, size_t bytes, uint32_t* sums);
+
+/// For each tap the weighted sum of three-column pixels. The sums are padded.
+void SumColumns(const uint16_t* columns, const HalftoneAxis& axis, uint16_t* sums);
+void SumColumns(const uint32_t* columns, const HalftoneAxis& axis, uint32_t* sums);
+
+/// Sums to bytes. `total` is at least 2, and 255.5 times as much fits 32 bits.
+void DivideSums(const uint16_t* sums, size_t count, const WordDivisor& divisor, uint8_t* target);
+void DivideSums(const uint32_t* sums, size_t count, uint32_t total, uint8_t* target);
+
+/// The same for sums of columns that exceed 32 bits: taps and division in one.
+void MeansOfColumns(const uint32_t* columns, const HalftoneAxis& axis, uint64_t total,
+                    uint8_t* target);
 
 }  // namespace rasterkit::kernels

@@ -1,13 +1,13 @@
 #include <algorithm>
-#include <cstring>
+#include <cstdlib>
 #include <vector>
 
 #include <rasterkit/host/kernels/convert_rows.h>
-#include <rasterkit/host/kernels/halftone_rows.h>
+#include <rasterkit/host/kernels/halftone_alpha.h>
 #include <rasterkit/host/raster/blit.h>
 #include <rasterkit/host/raster/blit_axes.h>
 #include <rasterkit/host/raster/halftone.h>
-#include <rasterkit/host/raster/row_conversion.h>
+#include <rasterkit/host/raster/halftone_means.h>
 
 namespace rasterkit {
 namespace {
@@ -32,9 +32,17 @@ HalftoneAxis MakeAxis(int start, int end, int sourceSize, int first, int last) {
                                    int64_t{last} - low, end < start);
 }
 
-struct HalftoneAxes {
-  HalftoneAxis columns, rows;
-};
+/// Sums are divided by totals of at least 2: where nothing is stretched at all everything counts
+/// twice.
+HalftoneAxes MakeAxes(const PixelRect& place, const Raster& source, const PixelRect& inside) {
+  HalftoneAxes axes{MakeAxis(place.left, place.right, source.Width(), inside.left, inside.right),
+                    MakeAxis(place.top, place.bottom, source.Height(), inside.top, inside.bottom)};
+  if (axes.columns.total == 1 && axes.rows.total == 1) {
+    axes.rows.total = 2;
+    for (HalftoneTap& tap : axes.rows.taps) tap.firstWeight = 2;
+  }
+  return axes;
+}
 
 /// Calls `add(source row, weight)` for the rows that a tap covers.
 template <class Add>
@@ -44,37 +52,6 @@ void ForEachWeight(const HalftoneTap& tap, uint32_t innerWeight, Add add) {
   for (int y = tap.first + 1; y < last; ++y) add(y, innerWeight);
   if (tap.count > 1) add(last, tap.lastWeight);
 }
-
-/// Means of pixels whose alpha does not count; the result is opaque.
-class OpaqueMeans {
- public:
-  OpaqueMeans(const Raster& source, const HalftoneAxes& axes)
-      : source_(source),
-        axes_(axes),
-        table_(MakePixelTable(source.palette)),
-        row_(static_cast<size_t>(source.Width())),
-        sums_(row_.size() * 3),
-        means_(axes.columns.taps.size() * 3) {}
-
-  void Make(const HalftoneTap& rows, RGBArec* pixels) {
-    std::fill(sums_.begin(), sums_.end(), 0);
-    ForEachWeight(rows, axes_.rows.innerWeight, [&](int y, uint32_t weight) {
-      RowTo24(source_.Row(y), source_.Format(), source_.Width(), table_, row_.data());
-      kernels::AddWeightedBytes(&row_[0].b, sums_.size(), weight, sums_.data());
-    });
-    kernels::MeanRow24(sums_.data(), axes_.columns, axes_.rows.total, means_.data());
-    kernels::Row24To32(means_.data(), axes_.columns.taps.size(),
-                       reinterpret_cast<uint8_t*>(pixels));
-  }
-
- private:
-  const Raster& source_;
-  const HalftoneAxes& axes_;
-  const PixelTable table_;
-  std::vector<RGBrec> row_;
-  std::vector<uint32_t> sums_;
-  std::vector<uint8_t> means_;
-};
 
 /// Means of 32-bit pixels, weighted by their alpha.
 class AlphaMeans {
@@ -100,9 +77,9 @@ class AlphaMeans {
   std::vector<uint64_t> sums_;
 };
 
-template <class Means>
-void DrawMeans(Raster& target, const PixelRect& inside, const HalftoneAxes& axes, Means means,
-               const PixelRule& rule) {
+void DrawAlphaMeans(Raster& target, const PixelRect& inside, const HalftoneAxes& axes,
+                    const Raster& source, const PixelRule& rule) {
+  AlphaMeans means(source, axes);
   const int width = inside.right - inside.left;
   std::vector<RGBArec> pixels(static_cast<size_t>(width));
   const auto targetRows = MakeTargetRows(target, rule);
@@ -113,6 +90,27 @@ void DrawMeans(Raster& target, const PixelRect& inside, const HalftoneAxes& axes
   }
 }
 
+/// Means whose alpha does not count replace what is there; on 24 bits they are made in place.
+void DrawOpaqueMeans(Raster& target, const PixelRect& inside, const HalftoneAxes& axes,
+                     const Raster& source) {
+  const auto means = MakeRowMeans(source, axes);
+  const auto width = static_cast<size_t>(inside.right - inside.left);
+  int y = inside.top;
+  if (target.Format() == pf24bit) {
+    for (const HalftoneTap& rows : axes.rows.taps)
+      means->Make(rows, target.Row(y++) + static_cast<size_t>(inside.left) * 3);
+    return;
+  }
+  std::vector<uint8_t> colors(width * 3);
+  std::vector<RGBArec> pixels(width);
+  const auto targetRows = MakeTargetRows(target, PixelRule{});
+  for (const HalftoneTap& rows : axes.rows.taps) {
+    means->Make(rows, colors.data());
+    kernels::Row24To32(colors.data(), width, reinterpret_cast<uint8_t*>(pixels.data()));
+    targetRows->Write(y++, inside.left, static_cast<int>(width), pixels.data());
+  }
+}
+
 void Halftone(Raster& target, const PixelRect& place, const Raster& source, const PixelRule& rule,
               bool weightByAlpha) {
   if (source.Width() == 0 || source.Height() == 0) return;
@@ -120,13 +118,11 @@ void Halftone(Raster& target, const PixelRect& place, const Raster& source, cons
                           std::max(place.left, place.right), std::max(place.top, place.bottom)};
   const PixelRect inside = ClipRect(covered, target.Width(), target.Height());
   if (inside.left >= inside.right || inside.top >= inside.bottom) return;
-  const HalftoneAxes axes{
-      MakeAxis(place.left, place.right, source.Width(), inside.left, inside.right),
-      MakeAxis(place.top, place.bottom, source.Height(), inside.top, inside.bottom)};
+  const HalftoneAxes axes = MakeAxes(place, source, inside);
   if (weightByAlpha) {
-    DrawMeans(target, inside, axes, AlphaMeans(source, axes), rule);
+    DrawAlphaMeans(target, inside, axes, source, rule);
   } else {
-    DrawMeans(target, inside, axes, OpaqueMeans(source, axes), rule);
+    DrawOpaqueMeans(target, inside, axes, source);
   }
 }
 

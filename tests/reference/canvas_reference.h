@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "tests/reference/blend.h"
 #include "tests/reference/blit_reference.h"
 
 /// Drawing a part of a picture onto another one, a pixel at a time, straight from the rules.
@@ -18,12 +19,6 @@ struct Manner {
   bool pixelAlpha = false;
   TColor key = 0;
 };
-
-/// round(s a + t (1 - a)) for a = weight / 65025.
-inline int Mixed(int source, int target, int weight) {
-  const int64_t twice = 2 * (int64_t{source} * weight + int64_t{target} * (65025 - weight));
-  return static_cast<int>((twice + 65025) / (2 * 65025));
-}
 
 /// Where the source pixel of a target pixel is; nothing where none is drawn.
 using SourceOf = std::function<std::optional<std::pair<int, int>>(int x, int y)>;
@@ -46,10 +41,10 @@ inline std::optional<ReferencePixel> Met(const ReferencePixel& there, ReferenceP
   const int weight = (manner.pixelAlpha ? drawn.alpha : 255) * manner.constantAlpha;
   if (weight == 0) return std::nullopt;
   ReferencePixel mixed;
-  mixed.red = Mixed(drawn.red, there.red, weight);
-  mixed.green = Mixed(drawn.green, there.green, weight);
-  mixed.blue = Mixed(drawn.blue, there.blue, weight);
-  mixed.alpha = Mixed(255, there.alpha, weight);
+  mixed.red = MixedChannel(drawn.red, there.red, weight);
+  mixed.green = MixedChannel(drawn.green, there.green, weight);
+  mixed.blue = MixedChannel(drawn.blue, there.blue, weight);
+  mixed.alpha = MixedChannel(255, there.alpha, weight);
   return mixed;
 }
 

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+
+#include <rasterkit/host/kernels/halftone_axis.h>
+#include <rasterkit/host/raster/raster.h>
+
+namespace rasterkit::detail {
+
+struct HalftoneAxes {
+  kernels::HalftoneAxis columns, rows;
+};
+
+/// Rows of mean colours of a source in any format, whose alpha is not looked at.
+class RowMeans {
+ public:
+  virtual ~RowMeans() = default;
+  /// Makes the target row of the tap `rows`: pixels B G R, one for each tap of the columns. Taps
+  /// that follow one another are cheapest.
+  virtual void Make(const kernels::HalftoneTap& rows, uint8_t* target) = 0;
+};
+
+/// The cheapest way for these axes, of which both have taps; they and the source must outlive it.
+/// The totals of the two are not both 1.
+std::unique_ptr<RowMeans> MakeRowMeans(const Raster& source, const HalftoneAxes& axes);
+
+}  // namespace rasterkit::detail
