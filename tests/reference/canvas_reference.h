@@ -104,7 +104,7 @@ inline int64_t FloorOf(int64_t a, int64_t b) {
 /// part must not be mirrored.
 inline Raster DrawParallelogram(const Raster& target, const std::array<PixelPoint, 3>& corners,
                                 const Raster& source, const PixelRect& part) {
-  const auto [a, b, c] = corners;
+  const PixelPoint a = corners[0], b = corners[1], c = corners[2];
   const int64_t ux = b.x - a.x, uy = b.y - a.y, vx = c.x - a.x, vy = c.y - a.y;
   const int64_t area = ux * vy - uy * vx;
   const auto sourceOf = [&](int x, int y) -> std::optional<std::pair<int, int>> {
