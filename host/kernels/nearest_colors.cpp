@@ -18,33 +18,32 @@ namespace {
 
 constexpr int kPlane = kCellSide * kCellSide;  // colours of a cell with the same red
 
-// Distances of a candidate to the colours of a cell, shifted past the index: with i counting from
-// the cell's least channel (d away from the candidate's), (d - i)^2 = d^2 - 2 d i + i^2.
+// Distances of a candidate to the colours of a cell, shifted past the index. With i counting from
+// the cell's least channel, d away from the candidate's, (d - i)^2 = d^2 - 2 d i + i^2; the last
+// term is the same for all candidates and is left out.
 struct CellTerms {
   int32_t least;            // to the colour with the least channels, and the index
   int32_t blue, green;      // -2 d
-  int32_t reds[kCellSide];  // i^2 - 2 d i
+  int32_t reds[kCellSide];  // -2 d i
 };
 
 CellTerms TermsOf(const CellCandidate& candidate, int blue, int green, int red) {
   const int b = candidate.blue - blue, g = candidate.green - green, r = candidate.red - red;
-  CellTerms terms{(b * b + g * g + r * r) << 8 | candidate.index, -512 * b, -512 * g, {}};
-  for (int i = 0; i < kCellSide; ++i) terms.reds[i] = 256 * (i * i - 2 * r * i);
+  CellTerms terms{(b * b + g * g + r * r) * 256 + candidate.index, -512 * b, -512 * g, {}};
+  for (int i = 0; i < kCellSide; ++i) terms.reds[i] = -512 * r * i;
   return terms;
 }
 
-// The positions of a plane's colours, and their sums of squares as above.
+// The places of a plane's colours in it.
 struct Plane {
-  alignas(64) int32_t blue[kPlane], green[kPlane], squares[kPlane];
+  alignas(64) int32_t blue[kPlane], green[kPlane];
 };
 
 constexpr Plane MakePlane() {
   Plane plane{};
   for (int i = 0; i < kPlane; ++i) {
-    const int b = i % kCellSide, g = i / kCellSide;
-    plane.blue[i] = b;
-    plane.green[i] = g;
-    plane.squares[i] = 256 * (b * b + g * g);
+    plane.blue[i] = i % kCellSide;
+    plane.green[i] = i / kCellSide;
   }
   return plane;
 }
@@ -95,14 +94,12 @@ HWY_INLINE void AnswerPart(const CellTerms* terms, size_t count, size_t first, u
   const hn::Rebind<uint32_t, D> words;
   const V blue = hn::Load(d, kPlaneColors.blue + first);
   const V green = hn::Load(d, kPlaneColors.green + first);
-  const V squares = hn::Load(d, kPlaneColors.squares + first);
   V best[kCellSide];
   for (V& lanes : best) lanes = hn::Set(d, INT32_MAX);
   for (size_t i = 0; i < count; ++i) {
     const CellTerms& t = terms[i];
-    const V key =
-        hn::Add(hn::Add(hn::Add(squares, hn::Set(d, t.least)), hn::Mul(blue, hn::Set(d, t.blue))),
-                hn::Mul(green, hn::Set(d, t.green)));
+    const V key = hn::Add(hn::Add(hn::Set(d, t.least), hn::Mul(blue, hn::Set(d, t.blue))),
+                          hn::Mul(green, hn::Set(d, t.green)));
     for (size_t r = 0; r < kCellSide; ++r)
       best[r] = hn::Min(best[r], hn::Add(key, hn::Set(d, t.reds[r])));
   }

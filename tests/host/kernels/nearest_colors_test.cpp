@@ -104,6 +104,11 @@ TEST(AnswerCellTest, EqualsTheReferenceInTheCornersOfTheCube) {
                     {blue, green, red});
 }
 
+TEST(AnswerCellTest, FindsTheOnlyCandidateAtTheOtherEndOfTheCube) {
+  CompareCell({{255, 255, 255}}, 255, {0, 0, 0});
+  CompareCell({{0, 0, 0}}, 200, {248, 248, 248});
+}
+
 TEST(CellPlacesTest, EqualsTheDefinitionForAllColors) {
   std::vector<uint8_t> row(256 * 256 * 4);
   std::vector<uint32_t> expected(256 * 256);
