@@ -176,12 +176,21 @@ HWY_INLINE LaneVector LowerByTable(LaneVector ggrb, LaneVector sum) {
   return hn::Sub(sum, hn::IfThenElseZero(LessThanAThousandth(Fraction(sum)), one));
 }
 
-/// Sums of which some are whole, made such that the top bytes are right. Neutral colours, which are
-/// common (paper, scans), need no table.
+HWY_INLINE bool AllAreEqual(const Quad& q) {
+  const auto first = hn::Set(Lanes(), hn::GetLane(q.v0));
+  return AllAreZero(ForEach([first](LaneVector v) { return hn::Xor(v, first); }, q));
+}
+
+/// Sums of which some are whole, made such that the top bytes are right. Neutral colours are common
+/// (paper, scans) and need no table; runs of one other colour need one look into it.
 HWY_INLINE Quad SettledSums(const Quad& ggrb, const Quad& sums) {
   const bool neutral = AllAreZero(ForEach([](LaneVector v) { return Tint(v); }, ggrb));
   if (neutral)
     return ForEach([](LaneVector v, LaneVector sum) { return LowerNeutral(v, sum); }, ggrb, sums);
+  if (AllAreEqual(ggrb)) {
+    const auto sum = LowerByTable(ggrb.v0, sums.v0);
+    return {sum, sum, sum, sum};
+  }
   return ForEach([](LaneVector v, LaneVector sum) { return LowerByTable(v, sum); }, ggrb, sums);
 }
 
