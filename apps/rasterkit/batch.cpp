@@ -12,6 +12,7 @@
 #include <fmt/format.h>
 
 #include <rasterkit/host/runtime/file_name.h>
+#include <rasterkit/host/runtime/text.h>
 
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/interruption.h"
@@ -42,6 +43,12 @@ void RequireWritableType(const std::string& output) {
                 output +
                     ": pictures are written as .bmp, .jpg, .jpeg, .png, .tif or .tiff, not as '" +
                     ExtractFileExt(output) + "'");
+}
+
+void RequireExtension(const std::string& output, const std::string& extension) {
+  if (UpperCase(ExtractFileExt(output)) == UpperCase(extension)) return;
+  throw Failure(exitWrongUsage,
+                output + ": written as " + extension + ", not as '" + ExtractFileExt(output) + "'");
 }
 
 void RequireDistinctOutputs(const std::vector<Job>& jobs) {
@@ -194,9 +201,15 @@ std::vector<Job> PlanSingle(const OutputOptions& options) {
 
 }  // namespace
 
-std::vector<Job> PlanJobs(const OutputOptions& options) {
+std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyExtension) {
   std::vector<Job> jobs = options.outDir.empty() ? PlanSingle(options) : PlanFolder(options);
-  for (const Job& job : jobs) RequireWritableType(job.output);
+  for (const Job& job : jobs) {
+    if (onlyExtension.empty()) {
+      RequireWritableType(job.output);
+    } else {
+      RequireExtension(job.output, onlyExtension);
+    }
+  }
   RequireDistinctOutputs(jobs);
   return jobs;
 }

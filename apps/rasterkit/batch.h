@@ -25,7 +25,8 @@ struct JobResult {
 
 /// Which input becomes which output. Throws Failure(exitWrongUsage) for a list that makes no sense:
 /// no output, an extension that cannot be written, two inputs with the same output.
-std::vector<Job> PlanJobs(const OutputOptions& options);
+/// `onlyExtension` (".ico") is the one that a verb writes when it writes no pictures.
+std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyExtension = "");
 
 /// Runs `work` for each job, several at a time with --jobs, prints results and errors in the order
 /// of the inputs and returns the exit code: that of the first input that failed.

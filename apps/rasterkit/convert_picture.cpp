@@ -7,14 +7,13 @@
 #include <fmt/format.h>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
-#include <rasterkit/host/graphics/canvas.h>
-#include <rasterkit/host/graphics/png_image.h>
 #include <rasterkit/host/runtime/errors.h>
 
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/interruption.h"
 #include "apps/rasterkit/map_placement.h"
 #include "apps/rasterkit/save_picture.h"
+#include "apps/rasterkit/transparency.h"
 #include "apps/rasterkit/turn.h"
 
 namespace rasterkit::tool {
@@ -23,22 +22,6 @@ namespace {
 /// The library's own table does not tell 15 from 16 bits.
 TPixelFormat FormatOfBits(int bits) {
   return bits == 15 ? pf15bit : GetPixelFormat(bits);
-}
-
-/// Draws a partly transparent picture onto the background colour, for types that know no
-/// transparency: what lies under transparent pixels was never meant to be seen.
-void DropTransparency(std::unique_ptr<TBitmap>& bitmap, TColor background) {
-  TPngImage picture;
-  picture.Assign(bitmap.get());
-  auto target = std::make_unique<TBitmap>();
-  target->ResetPixels(pf24bit, picture.Width(), picture.Height());
-  target->SetDpi(bitmap->Dpi());
-  target->SetProfile(bitmap->Profile());
-  bitmap.reset();
-  target->Canvas().Brush.Color = background;
-  target->Canvas().FillRect({0, 0, target->Width(), target->Height()});
-  target->Canvas().Draw(0, 0, picture);
-  bitmap = std::move(target);
 }
 
 TColor SolidBackground(const PictureOptions& options) {
@@ -93,8 +76,7 @@ void NotePages(const LoadedPicture& picture, JobResult& result) {
 void Save(const LoadedPicture& picture, const Job& job, const PictureOptions& options,
           const MapPlacement& placement, JobResult& result) {
   SaveOptions saving{options.quality, options.compression, CodecThreads(options), {}};
-  const bool isPlaced = WritableType(job.output) == PictureType::tiff && placement.tags;
-  if (isPlaced && StaysAsStored(picture, options)) {
+  if (WritableType(job.output) == PictureType::tiff && placement.tags) {
     saving.geo = placement.tags;
     for (const std::string& source : placement.kept) Remove(result.notCarriedOver, source);
     if (placement.doubt) result.warnings.push_back(*placement.doubt);
@@ -102,31 +84,40 @@ void Save(const LoadedPicture& picture, const Job& job, const PictureOptions& op
   SavePicture(*picture.bitmap, job.output, saving);
 }
 
+/// Paints or forgets what the output cannot hold, and reports it.
+void FitTransparency(Subject& picture, PictureType type) {
+  const Transparency lost = LostTransparency(*picture.bitmap, type, picture.options.bits);
+  if (lost == Transparency::painted) picture.PaintTransparency();
+  if (lost == Transparency::forgotten) picture.result.notCarriedOver.emplace_back("transparency");
+}
+
 JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& picture,
-                 const PictureWriter& write) {
+                 const PictureSteps& steps) {
   const PictureType type = WritableType(job.output);
-  const MapPlacement placement = PlacementOf(job.input, picture);
+  MapPlacement placement = PlacementOf(job.input, picture);
   JobResult result;
   result.warnings = picture.warnings;
   NotePages(picture, result);
   result.notCarriedOver = AtRisk(picture, placement);
+  if (!StaysAsStored(picture, options)) placement.tags.reset();
 
   TurnUpright(picture.bitmap, picture.photo.orientation.value_or(1));
   StopIfInterrupted();
   Turn(picture.bitmap, options);
-  const Transparency lost = LostTransparency(*picture.bitmap, type, options.bits);
-  if (lost != Transparency::none) result.notCarriedOver.emplace_back("transparency");
-  if (lost == Transparency::painted) DropTransparency(picture.bitmap, SolidBackground(options));
+  Subject subject{picture.bitmap, placement.tags, job, options, result};
+  if (steps.change) steps.change(subject);
+  StopIfInterrupted();
+  FitTransparency(subject, type);
   if (options.bits != 0) picture.bitmap->SetPixelFormat(FormatOfBits(options.bits));
   if (picture.bitmap->Profile()) Remove(result.notCarriedOver, "profile");
 
   StopIfInterrupted();
-  if (write) {
-    write(picture, job);
+  if (steps.write) {
+    steps.write(picture, job);
   } else {
     Save(picture, job, options, placement, result);
   }
-  result.type = PictureTypeName(type);
+  result.type = steps.typeName.empty() ? PictureTypeName(type) : steps.typeName;
   result.width = picture.bitmap->Width();
   result.height = picture.bitmap->Height();
   result.bits = picture.bitmap->StoredBits();
@@ -135,12 +126,25 @@ JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& p
 
 }  // namespace
 
-JobResult ConvertPicture(const Job& job, const PictureOptions& options,
-                         const PictureWriter& write) {
+int Subject::Threads() const {
+  return CodecThreads(options);
+}
+
+void Subject::PaintTransparency() {
+  if (!HasTransparency(*bitmap)) return;
+  DropTransparency(bitmap, SolidBackground(options));
+  result.notCarriedOver.emplace_back("transparency");
+}
+
+void Subject::Refuse(const std::string& reason) const {
+  throw Failure(exitOutputNotWritten, job.input + ": " + reason);
+}
+
+JobResult ConvertPicture(const Job& job, const PictureOptions& options, const PictureSteps& steps) {
   LoadedPicture picture = LoadPicture(job.input, CodecThreads(options));
   StopIfInterrupted();
   try {
-    return Change(job, options, picture, write);
+    return Change(job, options, picture, steps);
   } catch (const Error& error) {
     throw Failure(exitOutputNotWritten, job.output + ": " + error.Reason());
   } catch (const std::bad_alloc&) {

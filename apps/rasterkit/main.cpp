@@ -56,7 +56,12 @@ int Main(int argc, char** argv) {
       "Example:\n"
       "  rasterkit convert photo.jpg upright.png");
   std::vector<std::pair<const CLI::App*, VerbRunner>> verbs;
-  for (const auto add : {AddInfoVerb, AddConvertVerb, AddRotateVerb, AddGeoTiffVerb, AddExifVerb}) {
+  for (const auto add :
+       {AddInfoVerb,   AddConvertVerb,   AddRotateVerb,  AddMirrorVerb,     AddCropVerb,
+        AddResizeVerb, AddGrayVerb,      AddMonoVerb,    AddBrightnessVerb, AddContrastVerb,
+        AddAdjustVerb, AddWhitenVerb,    AddRecolorVerb, AddKeyColorVerb,   AddPdfWhiteVerb,
+        AddOpaqueVerb, AddSwapAlphaVerb, AddPaletteVerb, AddCombineVerb,    AddWatermarkVerb,
+        AddIconVerb,   AddCompareVerb,   AddGeoTiffVerb, AddExifVerb}) {
     VerbRunner run = add(app);
     verbs.emplace_back(app.get_subcommands({}).back(), std::move(run));
   }

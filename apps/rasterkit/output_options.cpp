@@ -9,10 +9,8 @@
 namespace rasterkit::tool {
 namespace {
 
-std::string CheckColor(const std::string& text) {
-  if (text == "auto") return {};
-  bool ok = text.size() == 6;
-  for (const char c : text) ok = ok && std::isxdigit(static_cast<unsigned char>(c)) != 0;
+std::string CheckBackground(const std::string& text) {
+  const bool ok = text == "auto" || CheckColor(text).empty();
   return ok ? std::string()
             : "a colour is six hexadecimal digits RRGGBB, or auto, not '" + text + "'";
 }
@@ -68,6 +66,12 @@ void AddBackground(CLI::App& verb, PictureOptions& options) {
           "--background", options.background,
           "colour of uncovered corners and behind dropped transparency [FFFFFF]; auto marks the "
           "corners transparent")
+      ->check(CheckBackground)
+      ->type_name("RRGGBB");
+}
+
+void AddSolidBackground(CLI::App& verb, PictureOptions& options) {
+  verb.add_option("--background", options.background, "colour behind dropped transparency [FFFFFF]")
       ->check(CheckColor)
       ->type_name("RRGGBB");
 }
@@ -105,6 +109,18 @@ void AddThreads(CLI::App& verb, PictureOptions& options) {
                   "threads for one picture, 1 to 100 [one a processor]")
       ->check(CLI::Range(1, 100))
       ->type_name("N");
+}
+
+std::string CheckColor(const std::string& text) {
+  bool ok = text.size() == 6;
+  for (const char c : text) ok = ok && std::isxdigit(static_cast<unsigned char>(c)) != 0;
+  return ok ? std::string() : "a colour is six hexadecimal digits RRGGBB, not '" + text + "'";
+}
+
+TColor ColorOf(const std::string& digits) {
+  const unsigned long rgb = std::stoul(digits, nullptr, 16);
+  return RGB(static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8),
+             static_cast<uint8_t>(rgb));
 }
 
 }  // namespace rasterkit::tool

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <rasterkit/host/codecs/tiff_encoder.h>
+#include <rasterkit/host/raster/pixel_format.h>
 
 namespace CLI {
 class App;
@@ -42,14 +43,24 @@ struct PictureOptions {
   TiffCompression compression = TiffCompression::standard;
   /// Of a turn and of reading and writing TIFF files; 0 is one for each processor.
   int threads = 0;
+  /// One picture alone: how far its operations are may be drawn.
+  bool showsProgress = false;
 };
 
 /// Each adds the option of that name, with the one meaning that it has in every verb.
 void AddAngle(CLI::App& verb, PictureOptions& options, bool required);
 void AddBackground(CLI::App& verb, PictureOptions& options);
+/// Of verbs that uncover no corners.
+void AddSolidBackground(CLI::App& verb, PictureOptions& options);
 void AddBits(CLI::App& verb, PictureOptions& options);
 void AddQuality(CLI::App& verb, PictureOptions& options);
 void AddCompression(CLI::App& verb, PictureOptions& options);
 void AddThreads(CLI::App& verb, PictureOptions& options);
+
+/// For options that are colours: six hexadecimal digits. The sentence says what is wrong, or is
+/// empty.
+std::string CheckColor(const std::string& text);
+/// The colour of such digits.
+TColor ColorOf(const std::string& digits);
 
 }  // namespace rasterkit::tool

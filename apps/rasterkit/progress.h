@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <mutex>
 #include <string>
+
+#include <rasterkit/bitmaptools/engine/manage_threads.h>
 
 namespace rasterkit::tool {
 
@@ -23,6 +26,23 @@ class Progress {
 
   size_t files_;
   size_t done_ = 0;
+  bool visible_;
+};
+
+/// A bar on stderr that shows how far one operation on one picture has come; silent when stderr is
+/// no terminal or when files are counted instead.
+class OperationBar {
+ public:
+  explicit OperationBar(bool isWanted);
+  ~OperationBar();
+  OperationBar(const OperationBar&) = delete;
+  OperationBar& operator=(const OperationBar&) = delete;
+
+  /// Draws, from any thread, as long as the bar lives; empty when it is silent.
+  TProgressEvent Event();
+
+ private:
+  std::mutex mutex_;
   bool visible_;
 };
 

@@ -27,10 +27,7 @@ int ThreadCount(const TBitmap& bitmap, const PictureOptions& options) {
 }  // namespace
 
 TColor BackgroundColor(const std::string& background) {
-  if (background == "auto") return -1;
-  const unsigned long rgb = std::stoul(background, nullptr, 16);
-  return RGB(static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8),
-             static_cast<uint8_t>(rgb));
+  return background == "auto" ? -1 : ColorOf(background);
 }
 
 void TurnUpright(std::unique_ptr<TBitmap>& bitmap, int orientation) {

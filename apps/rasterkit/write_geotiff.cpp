@@ -154,11 +154,11 @@ void Write(TBitmap& bitmap, const std::string& name, const Placement& placement)
 
 JobResult WriteGeoTiff(const Job& job, const PlacementOptions& options) {
   const Found found = FindPlacement(job.input, options);
-  JobResult result =
-      ConvertPicture(job, PictureOptions(), [&](LoadedPicture& picture, const Job& write) {
-        RequireStoredUpright(picture, write, found);
-        Write(*picture.bitmap, write.output, found.placement);
-      });
+  const PictureWriter write = [&](LoadedPicture& picture, const Job& written) {
+    RequireStoredUpright(picture, written, found);
+    Write(*picture.bitmap, written.output, found.placement);
+  };
+  JobResult result = ConvertPicture(job, PictureOptions(), {{}, write, {}});
   auto& lost = result.notCarriedOver;
   for (const std::string& source : found.carriedOver)
     lost.erase(std::remove(lost.begin(), lost.end(), source), lost.end());

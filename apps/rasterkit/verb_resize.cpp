@@ -1,0 +1,98 @@
+#include <fmt/format.h>
+
+#include <rasterkit/bitmaptools/engine/composition.h>
+
+#include "apps/rasterkit/index_rows.h"
+#include "apps/rasterkit/picture_size.h"
+#include "apps/rasterkit/picture_verb.h"
+#include "apps/rasterkit/transparency.h"
+
+namespace rasterkit::tool {
+namespace {
+
+struct ResizeOptions {
+  /// As typed; checked by then.
+  std::string size;
+  bool smooth = false;
+};
+
+/// Neither averages of palette entries nor of the words of 15 and 16 bits exist in the library: a
+/// picture of greys goes the way of true colours and comes back, others do when asked.
+class Stretching {
+ public:
+  Stretching(TBitmap& bitmap, bool smooth)
+      : isGray_(bitmap.PixelFormat() == pf8bit && IsGrayRamp(bitmap.Palette()) &&
+                !bitmap.Transparent()) {
+    const bool isTrueColor = !HasIndexes(bitmap) || smooth;
+    if (!isTrueColor && !isGray_) return;
+    KeyToAlpha(bitmap);
+    if (!HasAlpha(bitmap)) bitmap.SetPixelFormat(pf24bit);
+  }
+
+  void Finish(TBitmap& bitmap) const {
+    if (isGray_) bitmap.SetPixelFormat(pf8bit);
+  }
+
+ private:
+  bool isGray_;
+};
+
+/// The paper stays as large as it was: fewer pixels mean fewer in an inch.
+Resolution Scaled(const Resolution& dpi, double horizontal, double vertical) {
+  return dpi.IsKnown() ? Resolution{dpi.x * horizontal, dpi.y * vertical} : dpi;
+}
+
+void Stretch(std::unique_ptr<TBitmap>& bitmap, const PictureSize& size, bool smooth) {
+  const Stretching stretching(*bitmap, smooth);
+  const TAlphaFormat alpha = bitmap->AlphaFormat();
+  const HPALETTE palette = bitmap->Palette();
+  const ColorProfile profile = bitmap->Profile();
+  const Resolution dpi = Scaled(bitmap->Dpi(), static_cast<double>(size.width) / bitmap->Width(),
+                                static_cast<double>(size.height) / bitmap->Height());
+  const bool isTransparent = bitmap->Transparent();
+  const TColor key = bitmap->TransparentColor();
+  ResizeBitmap(bitmap, size.width, size.height, true);
+  bitmap->SetAlphaFormat(alpha);
+  bitmap->SetProfile(profile);
+  bitmap->SetDpi(dpi);
+  bitmap->SetTransparent(isTransparent);
+  if (isTransparent) bitmap->SetTransparentColor(key);
+  stretching.Finish(*bitmap);
+}
+
+/// The picture covers the same piece of the map with other pixels.
+void ScalePlace(std::optional<TiffGeoTags>& place, double columns, double rows) {
+  if (!place) return;
+  place->pixelScale[0] *= columns;
+  place->pixelScale[1] *= rows;
+}
+
+void ResizeTo(const ResizeOptions& options, Subject& picture) {
+  const int width = picture.bitmap->Width(), height = picture.bitmap->Height();
+  const PictureSize size = ParseSize(options.size).value().For(width, height);
+  Stretch(picture.bitmap, size, options.smooth);
+  ScalePlace(picture.place, static_cast<double>(width) / size.width,
+             static_cast<double>(height) / size.height);
+}
+
+}  // namespace
+
+VerbRunner AddResizeVerb(CLI::App& app) {
+  PictureVerb verb(
+      app, "resize", "give a picture another number of pixels",
+      "Photographs and greys are averaged when they shrink and interpolated when they "
+      "grow. Pictures with a\n"
+      "palette, black and white too, keep it and take the nearest pixel, unless "
+      "--smooth makes them true\n"
+      "colour. The size on paper stays: half the pixels are half the dots per inch.\n\n"
+      "Examples:\n"
+      "  rasterkit resize photo.jpg small.jpg --size 1000x\n"
+      "  rasterkit resize plan.png preview.png --size 800x600 --smooth");
+  const auto options = std::make_shared<ResizeOptions>();
+  verb.Text("--size", "WxH|Wx|xH", options->size, CheckSize,
+            "width and height in pixels; one of them alone keeps the proportions", Need::required);
+  verb.Flag("--smooth", options->smooth, "average pictures with a palette as well");
+  return verb.Changing([options](Subject& picture) { ResizeTo(*options, picture); });
+}
+
+}  // namespace rasterkit::tool
