@@ -142,6 +142,22 @@ TEST(Halftone, Should_WeightColorsByAlpha_When_Copying32Bit) {
   for (int i = 0; i < 8; ++i) EXPECT_EQ(target.Row(0)[i], expected[i]) << i;
 }
 
+TEST(Halftone, Should_EqualTheReference_When_Alpha255IsEverywhere_OrMissingInOnePixel) {
+  constexpr unsigned kSeed = 8;
+  std::printf("seed %u\n", kSeed);
+  std::mt19937 random(kSeed);
+  for (const TPixelFormat to : kEveryFormat) {
+    Raster source = test::RandomRaster(pf32bit, 13, 7, random);
+    for (int y = 0; y < 7; ++y)
+      for (int x = 0; x < 13; ++x) source.Row(y)[4 * x + 3] = 255;
+    source.alphaFormat = afDefined;
+    ExpectAsReference(test::GradientRaster(to, 20, 15), {1, 2, 6, 15}, source);
+    source.Row(6)[4 * 12 + 3] = 254;
+    ExpectAsReference(test::GradientRaster(to, 20, 15), {1, 2, 6, 15}, source);
+    ExpectAsReference(test::GradientRaster(to, 20, 15), {1, 2, 40, 15}, source);
+  }
+}
+
 TEST(Halftone, Should_NotAverage_When_ThereIsAKeyColor) {
   const Raster source = test::GradientRaster(pf24bit, 12, 9);
   Raster target = test::GradientRaster(pf24bit, 6, 4), plain = target.Clone();
