@@ -98,28 +98,38 @@ void BM_InWhite(benchmark::State& state) {
   SetNsPerPixel(state);
 }
 
-BENCHMARK(BM_Memcpy)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(BM_Memcpy)->Unit(benchmark::kMicrosecond)->MeasureProcessCPUTime()->UseRealTime();
 BENCHMARK(BM_Colors<rasterkit::Kontrast>)
     ->ArgsProduct({{30, 50}, {1, 2}, {noise, paper}})
     ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(BM_Colors<rasterkit::Helligkeit>)
     ->ArgsProduct({{20, 30, -30}, {1, 2}, {noise, paper}})
     ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(BM_Transfer<rasterkit::pmShadow>)
     ->ArgsProduct({{3000, 4000, 6000}, {1, 2}, {0, 1}})
     ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(BM_Transfer<rasterkit::pmTransparent>)
     ->ArgsProduct({{3000, 4000}, {1, 2}, {0}})
     ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(BM_Transfer<rasterkit::pmOverwrite>)
     ->ArgsProduct({{3000, 4000}, {1, 2}, {0}})
     ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
-BENCHMARK(BM_InWhite)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(BM_InWhite)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 
 #ifdef RASTERKIT_BESIDE_OPENCV
 cv::Mat MatOf(TBitmap& bitmap) {
@@ -151,10 +161,16 @@ void BM_OpenCvNearestAndMultiply(benchmark::State& state) {
   SetNsPerPixel(state);
 }
 
-BENCHMARK(BM_OpenCvScaleAndOffset)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(BM_OpenCvScaleAndOffset)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 BENCHMARK(BM_OpenCvNearestAndMultiply)
     ->ArgsProduct({{3000, 4000, 6000}, {1, 2}})
     ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
 #endif
 
