@@ -50,33 +50,43 @@ struct Constants {
       : low(hn::Set(Words(), b.low)),
         high(hn::Set(Words(), b.high)),
         error(hn::Set(UnsignedWords(), b.error)),
-        direction(hn::Set(Words(), b.errorIsUp ? 1 : 0)),
+        direction(hn::Set(Bytes(), b.errorIsUp ? 1 : 0)),
         gain(hn::Set(UnsignedWords(), b.gain)),
         most(hn::Set(Words(), 255)) {}
 
   ExpandGrays expand;
   WordVector low, high;
   hn::Vec<UnsignedWords> error;
-  WordVector direction;
+  ByteVector direction;
   hn::Vec<UnsignedWords> gain;
   WordVector most;
 };
 
-HWY_INLINE WordVector BrightenWords(const Constants& c, WordVector channel, WordVector gain) {
-  const UnsignedWords du;
-  const auto less = hn::MulFixedPoint15(channel, c.low);
-  const auto isHalf = hn::Sub(hn::MulFixedPoint15(channel, c.high), less);  // 0 or 1
-  const auto sum = hn::Add(hn::Add(channel, less), gain);
-  // The greatest power of two in the sum is above the error when it exceeds what they differ in.
-  const auto error = hn::BitCast(Words(), hn::MulHigh(hn::BitCast(du, channel), c.error));
-  const auto isExact = hn::Gt(hn::Xor(sum, error), error);
-  const auto up = hn::And(isHalf, hn::IfThenElse(isExact, sum, c.direction));
-  return hn::Min(hn::Add(sum, up), c.most);
+HWY_INLINE ByteVector RoundedProducts(WordVector even, WordVector odd, WordVector factor) {
+  return JoinBytes(hn::MulFixedPoint15(even, factor), hn::MulFixedPoint15(odd, factor));
 }
 
+/// 1 where the greatest power of two in the sum does not exceed the error: there the single lies on
+/// the error's side of the half.
+HWY_INLINE ByteVector UpWhereErrorCounts(const Constants& c, WordVector even, WordVector odd,
+                                         ByteVector sum) {
+  const UnsignedWords du;
+  const auto error = JoinBytes(hn::BitCast(Words(), hn::MulHigh(hn::BitCast(du, even), c.error)),
+                               hn::BitCast(Words(), hn::MulHigh(hn::BitCast(du, odd), c.error)));
+  const auto counts = hn::Eq(hn::Max(hn::Xor(sum, error), error), error);
+  return hn::IfThenElse(counts, c.direction, sum);
+}
+
+/// Sums are cut at 255, which is what they become anyway.
+template <bool kErrorCounts>
 HWY_INLINE ByteVector BrightenBytes(const Constants& c, ByteVector channels, ByteVector gains) {
-  return JoinBytes(BrightenWords(c, EvenBytes(channels), EvenBytes(gains)),
-                   BrightenWords(c, OddBytes(channels), OddBytes(gains)));
+  const auto even = EvenBytes(channels), odd = OddBytes(channels);
+  const auto less = RoundedProducts(even, odd, c.low);
+  const auto isHalf = hn::Sub(RoundedProducts(even, odd, c.high), less);  // 0 or 1
+  const auto sum = hn::SaturatedAdd(hn::SaturatedAdd(channels, less), gains);
+  if constexpr (kErrorCounts)
+    return hn::SaturatedAdd(sum, hn::And(isHalf, UpWhereErrorCounts(c, even, odd, sum)));
+  return hn::SaturatedAdd(sum, hn::And(isHalf, sum));
 }
 
 HWY_INLINE WordVector GainWords(const Constants& c, WordVector grays) {
@@ -86,6 +96,7 @@ HWY_INLINE WordVector GainWords(const Constants& c, WordVector grays) {
 }
 
 /// As many pixels as a vector has bytes.
+template <bool kErrorCounts>
 HWY_INLINE void BrightenVector(const Constants& c, const uint8_t* bgr, const uint8_t* grays,
                                uint8_t* target) {
   const Bytes d;
@@ -95,34 +106,46 @@ HWY_INLINE void BrightenVector(const Constants& c, const uint8_t* bgr, const uin
   const auto first = hn::LoadU(d, bgr);
   const auto second = hn::LoadU(d, bgr + lanes);
   const auto third = hn::LoadU(d, bgr + 2 * lanes);
-  hn::StoreU(BrightenBytes(c, first, c.expand.Part<0>(gains)), d, target);
-  hn::StoreU(BrightenBytes(c, second, c.expand.Part<1>(gains)), d, target + lanes);
-  hn::StoreU(BrightenBytes(c, third, c.expand.Part<2>(gains)), d, target + 2 * lanes);
+  hn::StoreU(BrightenBytes<kErrorCounts>(c, first, c.expand.Part<0>(gains)), d, target);
+  hn::StoreU(BrightenBytes<kErrorCounts>(c, second, c.expand.Part<1>(gains)), d, target + lanes);
+  hn::StoreU(BrightenBytes<kErrorCounts>(c, third, c.expand.Part<2>(gains)), d, target + 2 * lanes);
 }
+
+/// An error of half a half of the last place is below what a sum shows, as a sum is no less than
+/// its channel.
+constexpr uint16_t kNoSumShowsIt = 32768;
 
 constexpr size_t kPart = 1024;
 
+template <bool kErrorCounts>
 void BrightenPart(const Constants& c, const uint8_t* bgr, size_t width, uint8_t* target) {
   constexpr size_t kLanes = hn::MaxLanes(Bytes());
   uint8_t grays[kPart + kLanes];
   GrayOfRow24(bgr, width, grays);
   const size_t lanes = hn::Lanes(Bytes());
   size_t x = 0;
-  for (; x + lanes <= width; x += lanes) BrightenVector(c, bgr + 3 * x, grays + x, target + 3 * x);
+  for (; x + lanes <= width; x += lanes)
+    BrightenVector<kErrorCounts>(c, bgr + 3 * x, grays + x, target + 3 * x);
   if (x == width) return;
   // The rest in a vector of its own, as the row ends before it.
   uint8_t pixels[3 * kLanes] = {};
   std::memcpy(pixels, bgr + 3 * x, 3 * (width - x));
   std::memset(grays + width, 0, lanes);
-  BrightenVector(c, pixels, grays + x, pixels);
+  BrightenVector<kErrorCounts>(c, pixels, grays + x, pixels);
   std::memcpy(target + 3 * x, pixels, 3 * (width - x));
+}
+
+template <bool kErrorCounts>
+void BrightenParts(const Brightening& b, const uint8_t* bgr, size_t width, uint8_t* target) {
+  const Constants constants(b);
+  for (size_t x = 0; x < width; x += kPart)
+    BrightenPart<kErrorCounts>(constants, bgr + 3 * x, std::min(kPart, width - x), target + 3 * x);
 }
 
 void BrightenRow(const Brightening& b, const uint8_t* bgr, size_t width, uint8_t* target) {
   if (!b.hasForm) return BrightenOneByOne(b, bgr, width, target);
-  const Constants constants(b);
-  for (size_t x = 0; x < width; x += kPart)
-    BrightenPart(constants, bgr + 3 * x, std::min(kPart, width - x), target + 3 * x);
+  if (b.error > kNoSumShowsIt) return BrightenParts<true>(b, bgr, width, target);
+  BrightenParts<false>(b, bgr, width, target);
 }
 
 #endif

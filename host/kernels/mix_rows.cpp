@@ -32,12 +32,12 @@ struct Shaded {
     return static_cast<uint8_t>((source * shade + 127) / 255);
   }
 #if HWY_TARGET != HWY_SCALAR
-  /// n / 255 is (n + 1 + n / 256) / 256 for all n below 65535.
+  /// n / 255, rounded, is (m + m / 256) / 256 with m = n + 128, for all products of two bytes.
   HWY_INLINE hn::Vec<UnsignedWords> Quotient(WordVector shade, WordVector source) const {
     const UnsignedWords d;
     const auto product = hn::Mul(hn::BitCast(d, shade), hn::BitCast(d, source));
-    const auto n = hn::Add(product, hn::Set(d, 128));  // one more than the half
-    return hn::Add(n, hn::ShiftRight<8>(hn::Sub(n, hn::Set(d, 1))));
+    const auto m = hn::Add(product, hn::Set(d, 128));
+    return hn::Add(m, hn::ShiftRight<8>(m));
   }
   HWY_INLINE ByteVector OfVectors(ByteVector shade, ByteVector source) const {
     const UnsignedWords d;

@@ -47,6 +47,8 @@ struct Slope {
   explicit Slope(const ByteMap& map)
       : origin(hwy::HWY_NAMESPACE::Set(Words(), map.origin)),
         whole(hwy::HWY_NAMESPACE::Set(Words(), map.whole)),
+        offset(
+            hwy::HWY_NAMESPACE::Set(Words(), static_cast<int16_t>(map.origin * (1 - map.whole)))),
         low(hwy::HWY_NAMESPACE::Set(Words(), map.low)),
         high(hwy::HWY_NAMESPACE::Set(Words(), map.high)) {}
 
@@ -57,7 +59,7 @@ struct Slope {
     const Words d;
     const auto x = hn::Sub(bytes, origin);
     const auto part = hn::MulFixedPoint15(x, low);
-    auto sum = hn::Mul(x, whole);
+    auto sum = hn::Add(hn::Mul(bytes, whole), offset);
     if constexpr (kHalvesToEven) {
       const auto other = hn::MulFixedPoint15(x, high);
       const auto less = hn::Min(part, other);
@@ -67,11 +69,10 @@ struct Slope {
     } else {
       sum = hn::Add(sum, part);
     }
-    sum = hn::Add(sum, origin);
     return hn::Min(hn::Max(sum, hn::Zero(d)), hn::Set(d, 255));
   }
 
-  WordVector origin, whole, low, high;
+  WordVector origin, whole, offset, low, high;
 };
 
 #endif
