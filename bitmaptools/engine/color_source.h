@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include <rasterkit/bitmaptools/engine/index_rows.h>
+#include <rasterkit/bitmaptools/engine/seen_indexes.h>
 #include <rasterkit/host/kernels/pick_pixels.h>
 
 namespace rasterkit {
@@ -37,7 +37,7 @@ class ColorSource {
   const size_t count_;
   const bool wantsWhite_;
   std::optional<kernels::PixelPicker> picker_;
-  std::optional<IndexRows> indexRows_;
+  std::optional<SeenIndexes> indexRows_;
   std::array<uint8_t, 1024> palette_;
   std::array<uint8_t, 256> whiteIndexes_;
   const uint8_t* lastRow_ = nullptr;

@@ -1,9 +1,9 @@
 #include <array>
 #include <utility>
 
-#include <rasterkit/bitmaptools/engine/index_rows.h>
 #include <rasterkit/bitmaptools/engine/pixel_thread.h>
 #include <rasterkit/bitmaptools/engine/row_transfer.h>
+#include <rasterkit/bitmaptools/engine/seen_indexes.h>
 #include <rasterkit/bitmaptools/engine/transfer_palettes.h>
 
 namespace rasterkit::detail {
@@ -45,7 +45,7 @@ class IndexPartTransfer : public RowTransfer {
  private:
   int32_t first_;
   size_t count_;
-  IndexRows source_;
+  SeenIndexes source_;
   Changes changes_;
 };
 
@@ -74,7 +74,7 @@ class IndexInWhiteTransfer : public RowTransfer {
  private:
   int32_t first_;
   size_t count_;
-  IndexRows source_;
+  SeenIndexes source_;
   std::array<uint8_t, 256> put_;
   Changes places_;
 };

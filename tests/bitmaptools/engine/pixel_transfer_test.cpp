@@ -71,7 +71,8 @@ bool WritesTheSource(const Case& c, bool isPart) {
          c.targetFormat != c.sourceFormat && (!isPart || c.mode == pmOverwrite);
 }
 
-/// True when no two bands show the same source row, so that workers cannot meet there.
+/// True when no two bands show the same source row, so that workers cannot meet there. The products
+/// are extended, as the workers' are: near a half the shorter ones would name another row.
 bool BandsKeepApart(const Case& c, int threads, bool isPart) {
   std::vector<int> owner(static_cast<size_t>(c.sourceHeight), -1);
   const double scale = static_cast<double>(c.sourceRect.Bottom - c.sourceRect.Top) /
@@ -82,7 +83,7 @@ bool BandsKeepApart(const Case& c, int threads, bool isPart) {
     const int top = isPart ? 0 : c.targetRect.Top;
     for (int64_t y = first + top; y < end + top; ++y) {
       const int64_t row =
-          std::llrint(static_cast<double>(y - c.targetRect.Top) * scale) + c.sourceRect.Top;
+          std::llrintl(static_cast<long double>(y - c.targetRect.Top) * scale) + c.sourceRect.Top;
       if (row < 0 || row >= c.sourceHeight) continue;
       int& who = owner[static_cast<size_t>(row)];
       if (who >= 0 && who != band) return false;

@@ -16,9 +16,9 @@ namespace detail {
 
 /// The indexes that a worker sees in the rows of a 1-, 4- or 8-bit source, one byte for each
 /// column.
-class IndexRows {
+class SeenIndexes {
  public:
-  IndexRows(const TPixelThread& worker, const std::vector<int32_t>& columns);
+  SeenIndexes(const TPixelThread& worker, const std::vector<int32_t>& columns);
 
   /// Valid until the next call.
   const uint8_t* Read(const uint8_t* row);

@@ -1,10 +1,10 @@
-#include <rasterkit/bitmaptools/engine/index_rows.h>
 #include <rasterkit/bitmaptools/engine/pixel_thread.h>
+#include <rasterkit/bitmaptools/engine/seen_indexes.h>
 #include <rasterkit/host/graphics/bitmap.h>
 
 namespace rasterkit::detail {
 
-IndexRows::IndexRows(const TPixelThread& worker, const std::vector<int32_t>& columns)
+SeenIndexes::SeenIndexes(const TPixelThread& worker, const std::vector<int32_t>& columns)
     : firstColumn_(columns.front()), indexes_(columns.size()) {
   if (worker.nSrcBytes == 0)
     packed_.emplace(columns, worker.nSrcBit == 4 ? 4 : 1);
@@ -12,7 +12,7 @@ IndexRows::IndexRows(const TPixelThread& worker, const std::vector<int32_t>& col
     picker_.emplace(columns, 1, 1, worker.SrcBmp->Width());
 }
 
-const uint8_t* IndexRows::Read(const uint8_t* row) {
+const uint8_t* SeenIndexes::Read(const uint8_t* row) {
   if (packed_) {
     packed_->Read(row, indexes_.data());
   } else if (picker_->IsOneToOne()) {
