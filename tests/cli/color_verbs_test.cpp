@@ -13,6 +13,7 @@
 #include <rasterkit/host/raster/convert.h>
 
 #include "tests/cli/verb_run.h"
+#include "tests/support/profiles.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
 
@@ -121,6 +122,18 @@ TEST_F(CliGray, Palettes_Should_BecomeGrayAndKeepTheirDepth) {
 
 TEST_F(CliGray, Transparency_Should_Stay) {
   ExpectSameTransparency("gray", {});
+}
+
+TEST_F(CliGray, ProfileOfColors_Should_BeDroppedAndReported_When_TheOutputIsGray) {
+  Raster raster = Colors();
+  raster.profile = RgbProfile();
+  for (const char* verb : {"gray", "mono"}) {
+    const ToolResult result = RunVerb(verb, raster, {"--strict"});
+    EXPECT_EQ(result.code, 5) << verb;
+    EXPECT_THAT(result.err, HasSubstr("not carried over: profile")) << verb;
+    EXPECT_EQ(LoadFile(folder_ / "out.png").profile, nullptr) << verb;
+  }
+  EXPECT_NE(Changed("gray", raster, {"--true-color"}).profile, nullptr);
 }
 
 using CliMono = CliColors;
