@@ -77,9 +77,11 @@ class Cutter {
 
   // Puts the points of both sides together; returns where the second one begins.
   size_t Cut(const Box& box) {
-    const auto right = std::ranges::stable_partition(
-        Inside(box), [&](const ColorPoint& p) { return p.channel[box.axis] < box.limit; });
-    return box.last - right.size();
+    const std::span<ColorPoint> inside = Inside(box);
+    const auto right = std::stable_partition(
+        inside.begin(), inside.end(),
+        [&](const ColorPoint& point) { return point.channel[box.axis] < box.limit; });
+    return box.first + static_cast<size_t>(right - inside.begin());
   }
 
  private:
