@@ -92,6 +92,18 @@ TEST(GrayBits, Should_EqualTheReference_ForExceptionsOfTheLevel) {
   });
 }
 
+TEST(GrayBits, Should_CountWhiteAsBelowLevel256_AndBlackAsLevel0) {
+  const std::vector<uint8_t> white(4 * 70, 255), black(4 * 70);
+  test::ForEachSimdTarget([&](int64_t target) {
+    for (const int bytes : {3, 4}) {
+      ASSERT_EQ(BitsOf(white.data(), 70, bytes, 255)[8], 255) << hwy::TargetName(target);
+      ASSERT_EQ(BitsOf(white.data(), 70, bytes, 256)[0], 0) << hwy::TargetName(target);
+      ASSERT_EQ(BitsOf(black.data(), 70, bytes, 1)[0], 0) << hwy::TargetName(target);
+      ASSERT_EQ(BitsOf(black.data(), 70, bytes, 0)[0], 255) << hwy::TargetName(target);
+    }
+  });
+}
+
 TEST(GrayBits, Should_LeaveOnesBehindTheLastPixel) {
   const std::vector<uint8_t> black(3 * 70);
   test::ForEachSimdTarget([&](int64_t target) {

@@ -76,6 +76,17 @@ TEST(RecolorRows, Should_EqualTheReference_AndStayInsideTheRow_ForWidthsAndPlace
   }
 }
 
+TEST(RecolorRows, Should_LeaveWhiteAlone_AboveLevel255) {
+  const std::vector<uint8_t> white(4 * 70, 255);
+  test::ForEachSimdTarget([&](int64_t target) {
+    SCOPED_TRACE(hwy::TargetName(target));
+    for (const int bytes : {2, 3, 4}) {
+      ExpectInPlace(white, white, 0,
+                    [=](uint8_t* row) { Recolor(bytes, row, 70, GraysAbove(255), 0x010203); });
+    }
+  });
+}
+
 TEST(RecolorRows, Should_SplitEveryColourRight_AtEveryLevel) {
   test::ForEachSimdTarget([](int64_t target) {
     for (int level = 1; level <= 255; ++level) {
