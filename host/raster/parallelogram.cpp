@@ -209,6 +209,7 @@ void DrawColors(Raster& target, const Parallelogram& shape, const Raster& source
 
 void BlitParallelogram(Raster& target, const std::array<PixelPoint, 3>& corners,
                        const Raster& source, const PixelRect& part) {
+  if (target.Width() == 0 || source.Width() == 0) return;
   std::array<Corner, 3> abc;
   for (size_t i = 0; i < 3; ++i) abc[i] = {corners[i].x, corners[i].y};
   auto& [a, b, c] = abc;
