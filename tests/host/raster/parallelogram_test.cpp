@@ -114,6 +114,9 @@ TEST(Parallelogram, Should_DrawNothing_When_ItHasNoArea_OrLiesTooFarAway) {
   Raster drawn = target.Clone();
   BlitParallelogram(drawn, {{{0, 0}, {9, 0}, {0, 7}}}, source, {2, 2, 2, 4});
   BlitParallelogram(drawn, {{{0, 0}, {9, 0}, {1, 7}}}, Raster(pf24bit, 0, 0), {0, 0, 5, 4});
+  Raster narrow(pf8bit, 0, 5);
+  BlitParallelogram(narrow, {{{0, 0}, {9, 0}, {1, 7}}}, test::GradientRaster(pf8bit, 5, 4),
+                    {0, 0, 5, 4});
   EXPECT_TRUE(test::SamePixels(target, drawn));
 }
 
