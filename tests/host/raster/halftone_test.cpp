@@ -99,6 +99,21 @@ TEST(Halftone, Should_EqualTheReference_ForPlainRatios_OnWidePictures) {
   }
 }
 
+/// Rows are added up in bands of 16; weights of their own have only the first and the last of all.
+TEST(Halftone, Should_EqualTheReference_When_APixelCoversPartsOfManyRows) {
+  constexpr unsigned kSeed = 9;
+  std::printf("seed %u\n", kSeed);
+  std::mt19937 random(kSeed);
+  for (const TPixelFormat format : {pf8bit, pf24bit, pf32bit}) {
+    for (const auto& [from, to] : {std::pair(31, 2), std::pair(33, 2), std::pair(50, 3),
+                                   std::pair(67, 2), std::pair(161, 5), std::pair(999, 31)}) {
+      const Raster target = test::GradientRaster(format, 5, to);
+      ExpectAsReference(target, {0, 0, 5, to}, test::RandomRaster(format, 7, from, random));
+      ExpectAsReference(target, {0, to, 5, 0}, test::RandomRaster(pf24bit, 5, from, random));
+    }
+  }
+}
+
 TEST(Halftone, Should_KeepEveryColor_When_ThePictureHasOne) {
   for (const int value : {0, 1, 127, 128, 254, 255}) {
     Raster source(pf24bit, 61, 33);
