@@ -6,7 +6,6 @@
 #include <vector>
 
 #include <rasterkit/bitmaptools/engine/pixel_thread.h>
-#include <rasterkit/bitmaptools/pixels/bit_depths.h>
 #include <rasterkit/host/graphics/bitmap.h>
 #include <rasterkit/host/graphics/canvas.h>
 
@@ -123,6 +122,15 @@ class TransferWorker {
     return best;
   }
 
+  /// Both outputs are the byte's upper four bits: the first pixel counts for the pair.
+  static void SplitPair(uint8_t byte, uint8_t& left, uint8_t& right) {
+    left = byte / 16;
+    right = byte / 16;
+  }
+  static void JoinPair(uint8_t& byte, uint8_t left, uint8_t right) {
+    byte = static_cast<uint8_t>(left * 16 | right);
+  }
+
   static int64_t Scaled(int64_t distance, int targetSize, int sourceSize) {
     const double scale = static_cast<double>(sourceSize) / targetSize;
     const volatile long double product = static_cast<long double>(distance) * scale;
@@ -153,7 +161,7 @@ class TransferWorker {
     }
     if (tarBytes_ == 0) {
       if (x % 2 != 0) return false;
-      detail::SplitNibbles(tar_[x / 2], tarLeft_, tarRight_);
+      SplitPair(tar_[x / 2], tarLeft_, tarRight_);
       return tarLeft_ == tarWhite_ || tarRight_ == tarWhite_;
     }
     const Bgr color = tarBytes_ == 1 ? EntryOf(tarPalette_, tar_[x]) : At(tar_, tarBytes_, x);
@@ -164,7 +172,7 @@ class TransferWorker {
   bool SourceIsWhite() {
     if (srcBytes_ == 0 && Is4Bit(t_.source)) {
       if (sx_ % 2 == 0) {
-        detail::SplitNibbles(src_[sx_ / 2], srcLeft_, srcRight_);
+        SplitPair(src_[sx_ / 2], srcLeft_, srcRight_);
         return srcLeft_ == srcWhite_ || srcLeft_ == srcLastWhite_;
       }
       return srcRight_ == srcWhite_ || srcLeft_ == srcLastWhite_;
@@ -180,10 +188,10 @@ class TransferWorker {
 
   void Copy(int x) {
     if (tarBytes_ == 0 && Is4Bit(t_.target) && t_.task == ptAssignInWhite) {
-      detail::SplitNibbles(src_[sx_ / 2], srcLeft_, srcRight_);
+      SplitPair(src_[sx_ / 2], srcLeft_, srcRight_);
       if (tarLeft_ == tarWhite_) tarLeft_ = srcLeft_;
       if (tarRight_ == tarWhite_) tarRight_ = srcRight_;
-      detail::JoinNibbles(tar_[x / 2], tarLeft_, tarRight_);
+      JoinPair(tar_[x / 2], tarLeft_, tarRight_);
       // An odd width has no second pixel in its last byte.
       if (x + 1 == t_.target.Width()) tar_[x / 2] &= 0xF0;
       return;
@@ -191,7 +199,7 @@ class TransferWorker {
     if (tarBytes_ == 0) {
       const int bx = sx_ % 8;
       if (bx == 0) srcByte_ = src_[sx_ / 8];
-      if ((srcByte_ >> (7 - bx) & 1) == 0) detail::SetMonoBit(x, tar_, false);
+      if ((srcByte_ >> (7 - bx) & 1) == 0) tar_[x / 8] &= static_cast<uint8_t>(~(128 >> x % 8));
       return;
     }
     if (tarBytes_ == 1) {
@@ -227,9 +235,9 @@ class TransferWorker {
       const int rowBytes = Is4Bit(t_.target) ? (width + 1) / 2 : (width + 7) / 8;
       if (x / 2 >= rowBytes) return;
       uint8_t left, right;
-      detail::SplitNibbles(tar_[x / 2], left, right);
+      SplitPair(tar_[x / 2], left, right);
       (x % 2 != 0 ? right : left) = 0;
-      detail::JoinNibbles(tar_[x / 2], left, right);
+      JoinPair(tar_[x / 2], left, right);
       // Bits behind the last pixel stay zero.
       const int bits = width * (Is4Bit(t_.target) ? 4 : 1) % 8;
       if (x / 2 == rowBytes - 1 && bits != 0) tar_[x / 2] &= static_cast<uint8_t>(0xFF00 >> bits);

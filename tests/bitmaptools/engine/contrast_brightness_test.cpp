@@ -114,11 +114,20 @@ TEST(ContrastBrightnessTest, NullAndEmptyBitmapsStayAsTheyAre) {
 TEST(ContrastBrightnessTest, ThreadCountsBelowOneFailAfterTheConversion) {
   for (Routine routine : {Kontrast, Helligkeit}) {
     std::mt19937 random(4);
-    TBitmap bitmap = PaperBitmap(pf32bit, 9, 5, random);
-    EXPECT_THROW(routine(&bitmap, 10, 0, nullptr), DivisionByZeroError);
-    EXPECT_EQ(bitmap.PixelFormat(), pf24bit);
+    for (int threads : {0, -1, INT_MIN}) {
+      TBitmap bitmap = PaperBitmap(pf32bit, 9, 5, random);
+      EXPECT_THROW(routine(&bitmap, 10, threads, nullptr), DivisionByZeroError);
+      EXPECT_EQ(bitmap.PixelFormat(), pf24bit);
+    }
     TBitmap indexed = PaperBitmap(pf4bit, 9, 5, random);
     EXPECT_NO_THROW(routine(&indexed, 10, 0, nullptr));
+  }
+}
+
+TEST(ContrastBrightnessTest, FarTooManyThreadsAreCutToAQuarterOfTheRowsAndSpareNothing) {
+  for (int threads : {1000, INT_MAX}) {
+    EXPECT_EQ(After(Kontrast, 0, 0, 0, -50, threads), RGB(64, 64, 64));
+    EXPECT_EQ(After(Helligkeit, 0, 0, 0, 50, threads), RGB(127, 127, 127));
   }
 }
 

@@ -360,6 +360,24 @@ TEST(AssignPartBitmapTest, BitsOfAScaledSourceAreReadFromTheLastByteThatWasLoade
   EXPECT_EQ(target.PixelColor(2, 0), RGB(200, 200, 200));
 }
 
+TEST(AssignPartBitmapTest, BitsBeforeTheFirstWholeByteComeFromTheRowBeforeAndAreZeroInABandsFirst) {
+  for (int threads : {1, 2}) {
+    TBitmap target = Filled(pf24bit, 9, 8, {200, 200, 200}), source;
+    source.ResetPixels(pf1bit, 16, 8);
+    for (int y = 0; y < 8; ++y) std::fill_n(source.ScanLine(y), 2, uint8_t{0xFF});
+    // Columns 4 to 12: a byte is read at 8. All of the source is white, but not what a worker has
+    // in hand before its first byte.
+    AssignPartBitmap(&target, &source, {0, 0, 8, 8}, {4, 0, 12, 8}, threads, nullptr, pmOverwrite,
+                     0, false, false);
+    for (int y = 0; y < 8; ++y)
+      for (int x = 0; x < 9; ++x) {
+        const bool isFirst = y == 0 || (threads == 2 && y == 4);
+        EXPECT_EQ(target.PixelColor(x, y), isFirst && x < 4 ? RGB(0, 0, 0) : RGB(200, 200, 200))
+            << x << ", " << y << ", threads " << threads;
+      }
+  }
+}
+
 TEST(AssignInWhiteTest, WithLimit255ATransparentTargetGivesUpItsTransparentColourAlone) {
   for (int limit : {255, 254}) {
     TBitmap target = Filled(pf24bit, 3, 1, {251, 252, 253});
@@ -459,6 +477,15 @@ TEST(PixelTransferRulesTest, TooFewRowsForTheThreadsThrow) {
                                   pmOverwrite, 0, false, false),
                  DivisionByZeroError);
   EXPECT_TRUE(SamePixels(Filled(pf24bit, 3, 3, {1, 1, 1}), target));
+}
+
+TEST(PixelTransferRulesTest, FarTooManyThreadsAreCutToAQuarterOfTheRows) {
+  for (int threads : {1000, INT_MAX}) {
+    TBitmap target = Filled(pf24bit, 3, 90, {1, 1, 1}), source = Filled(pf24bit, 3, 90, {2, 2, 2});
+    AssignPartBitmap(&target, &source, {0, 0, 3, 90}, {0, 0, 3, 90}, threads, nullptr, pmOverwrite,
+                     0, false, false);
+    EXPECT_TRUE(SamePixels(source, target)) << threads;
+  }
 }
 
 TEST(PixelTransferRulesTest, OneBitmapMayBeSourceAndTarget) {

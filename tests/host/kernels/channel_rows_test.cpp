@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
@@ -86,7 +87,8 @@ TEST(ByteMapTest, EveryByteBecomesWhatItsTableSays) {
   test::ForEachSimdTarget([](int64_t target) {
     Row all(256);
     for (int i = 0; i < 256; ++i) all[static_cast<size_t>(i)] = static_cast<uint8_t>(i * 37);
-    for (int32_t percent = -300; percent <= 400; ++percent) {
+    // All slopes at first, then some up to the steepest and beyond.
+    for (int32_t percent = -12300; percent <= 12300; percent += std::abs(percent) < 400 ? 1 : 50) {
       const ByteTable table = ContrastTable(percent);
       Framed row(all);
       MapBytes(MakeByteMap(table, reference::FactorOf(percent), 128), row.Data(), all.size());
@@ -217,6 +219,11 @@ TEST(BrightenRowTest, WorksInPlaceAndStaysInsideTheRowAtWidthsUpTo200) {
       BrightenRow24(brightening, row.Data(), width, row.Data());
       ASSERT_EQ(row.Content(), rule.Of(pixels)) << width << ", " << hwy::TargetName(target);
       ASSERT_TRUE(row.FrameIsWhole()) << width << ", " << hwy::TargetName(target);
+      // From a row of exactly its size, so that reading beyond it would be seen.
+      Framed other(Row(3 * width, kPaint));
+      BrightenRow24(brightening, pixels.data(), width, other.Data());
+      ASSERT_EQ(other.Content(), row.Content()) << width << ", " << hwy::TargetName(target);
+      ASSERT_TRUE(other.FrameIsWhole()) << width << ", " << hwy::TargetName(target);
     }
   });
 }
