@@ -67,7 +67,7 @@ void ReplaceIndexes(TBitmap& bitmap, const std::array<uint8_t, 256>& table) {
           bytes[byte] | (table[static_cast<size_t>(packing.Index(byte, pixel))] & packing.mask)
                             << packing.Shift(pixel));
   const size_t rowBytes = bitmap.Content().RowBytes();
-  const unsigned used = static_cast<unsigned>(bitmap.Width() * packing.bits % kBitsOfByte);
+  const auto used = static_cast<unsigned>(bitmap.Width() * packing.bits % kBitsOfByte);
   const auto lastMask = static_cast<uint8_t>(used == 0 ? 0xFF : 0xFF00 >> used);
   for (int y = 0; y < bitmap.Height() && rowBytes > 0; ++y) {
     uint8_t* const row = bitmap.ScanLine(y);

@@ -173,7 +173,7 @@ class PixelCopy : public RowTransfer {
 
 }  // namespace
 
-std::unique_ptr<RowTransfer> MakeColorTransfer(const TPixelThread& worker, ColumnRun run) {
+std::unique_ptr<RowTransfer> MakeColorTransfer(const TPixelThread& worker, const ColumnRun& run) {
   if (worker.PixTakeOver) return std::make_unique<PixelCopy>(worker, run);
   if (worker.FPixelTask != ptAssignPart) return nullptr;
   // Between true-colour formats this writes the source.

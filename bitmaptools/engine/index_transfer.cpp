@@ -81,7 +81,7 @@ class IndexInWhiteTransfer : public RowTransfer {
 
 }  // namespace
 
-std::unique_ptr<RowTransfer> MakeIndexTransfer(const TPixelThread& worker, ColumnRun run) {
+std::unique_ptr<RowTransfer> MakeIndexTransfer(const TPixelThread& worker, const ColumnRun& run) {
   if (worker.FPixelTask == ptAssignPart) return std::make_unique<IndexPartTransfer>(worker, run);
   return std::make_unique<IndexInWhiteTransfer>(worker, run);
 }

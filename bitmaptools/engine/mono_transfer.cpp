@@ -64,7 +64,7 @@ bool IsByteByByte(const ColumnRun& run) {
 
 }  // namespace
 
-std::unique_ptr<RowTransfer> MakeMonoTransfer(const TPixelThread& worker, ColumnRun run) {
+std::unique_ptr<RowTransfer> MakeMonoTransfer(const TPixelThread& worker, const ColumnRun& run) {
   if (worker.FPixelTask != ptAssignPart || !worker.PixTakeOver) return nullptr;
   if (IsByteByByte(run)) return std::make_unique<MonoBytesTransfer>(run);
   return std::make_unique<MonoPartTransfer>(run);

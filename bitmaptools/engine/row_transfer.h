@@ -30,9 +30,9 @@ struct ColumnRun {
 std::unique_ptr<RowTransfer> MakeRowTransfer(const TPixelThread& worker, ColumnRun run);
 
 /// For targets of 24 and 32 bits, of 8 bits, and of 1 bit; null as above.
-std::unique_ptr<RowTransfer> MakeColorTransfer(const TPixelThread& worker, ColumnRun run);
-std::unique_ptr<RowTransfer> MakeIndexTransfer(const TPixelThread& worker, ColumnRun run);
-std::unique_ptr<RowTransfer> MakeMonoTransfer(const TPixelThread& worker, ColumnRun run);
+std::unique_ptr<RowTransfer> MakeColorTransfer(const TPixelThread& worker, const ColumnRun& run);
+std::unique_ptr<RowTransfer> MakeIndexTransfer(const TPixelThread& worker, const ColumnRun& run);
+std::unique_ptr<RowTransfer> MakeMonoTransfer(const TPixelThread& worker, const ColumnRun& run);
 
 }  // namespace detail
 }  // namespace rasterkit
