@@ -23,7 +23,9 @@ bool VisitPixels(const Raster& source, Visit visit) {
   const auto step =
       static_cast<uint32_t>(std::max(1.0, std::floor(std::sqrt(all / kSamplePixels))));
   uint32_t number = 0;
-  for (int y = static_cast<int>(step / 2); y < source.Height(); y += static_cast<int>(step)) {
+  // Pictures of hardly any height have no row so far down as half a step.
+  const int first = std::min(static_cast<int>(step / 2), (source.Height() - 1) / 2);
+  for (int y = first; y < source.Height(); y += static_cast<int>(step)) {
     RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
     for (size_t x = (number++ * 0x9E3779B1u >> 16) % step; x < pixels.size(); x += step)
       if (!visit(pixels[x])) return false;

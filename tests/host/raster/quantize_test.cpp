@@ -158,6 +158,19 @@ TEST(Quantize, Should_SeeAllColors_When_ALargePictureHasAPattern) {
   EXPECT_LT(MeanSquaredError(source, ConvertRaster(source, pf8bit)), 20);
 }
 
+// So wide that the net's meshes are higher than the picture, or so high that they are wider.
+TEST(Quantize, Should_SeeColors_When_ALargePictureIsALine) {
+  std::mt19937 random(16);
+  for (const bool isWide : {true, false}) {
+    Raster source(pf24bit, isWide ? 600000 : 1, isWide ? 1 : 600000);
+    for (int i = 0; i < 600000; ++i) {
+      uint8_t* pixel = isWide ? source.Row(0) + 3 * i : source.Row(i);
+      for (int c = 0; c < 3; ++c) pixel[c] = static_cast<uint8_t>(200 + random() % 16);
+    }
+    EXPECT_LT(MeanSquaredError(source, ConvertRaster(source, pf8bit)), 20) << isWide;
+  }
+}
+
 TEST(Quantize, Should_BeTheSameEveryTime) {
   std::mt19937 random(14);
   const Raster source = test::RandomRaster(pf32bit, 149, 151, random);
