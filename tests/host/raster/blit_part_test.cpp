@@ -1,3 +1,4 @@
+#include <cstring>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -182,6 +183,32 @@ TEST(BlitPart, Should_KeepTheIndex_When_ABlendedPixelHasNoOpacity) {
   std::copy_n(indexes, 3, target.Row(0));
   BlitBlended(target, {0, 0, 3, 1}, source, {0, 0, 3, 1}, {0, false});
   EXPECT_EQ(target.Row(0)[1], 2);
+}
+
+TEST(BlitPart, Should_KeepTheIndex_When_TwoEntriesHaveOneColor) {
+  const tagPALETTEENTRY twice[] = {{9, 9, 9, 0}, {200, 0, 0, 0}, {9, 9, 9, 0}};
+  Raster target(pf8bit, 2, 1), source(pf8bit, 2, 1);
+  target.palette = source.palette = HPALETTE(twice);
+  std::fill_n(target.Row(0), 2, uint8_t{2});
+  std::fill_n(source.Row(0), 2, uint8_t{1});
+  BlitKeyed(target, {0, 0, 2, 1}, source, {0, 0, 2, 1}, RGB(200, 0, 0));
+  EXPECT_EQ(target.Row(0)[0], 2) << "left out";
+  std::fill_n(target.Row(0), 2, uint8_t{1});
+  std::fill_n(source.Row(0), 2, uint8_t{2});
+  BlitBlended(target, {0, 0, 2, 1}, source, {0, 0, 2, 1}, {255, true});
+  EXPECT_EQ(target.Row(0)[1], 2) << "drawn without mixing";
+}
+
+TEST(BlitPart, Should_LeaveOutTheKey_AsWordsCanHoldIt) {
+  for (const TPixelFormat format : {pf15bit, pf16bit}) {
+    Raster target = test::GradientRaster(pf24bit, 2, 1), source(format, 2, 1);
+    const Raster before = target.Clone();
+    const uint16_t words[] = {static_cast<uint16_t>(format == pf15bit ? 0x0421 : 0x0841), 0};
+    std::memcpy(source.Row(0), words, sizeof words);
+    BlitKeyed(target, {0, 0, 2, 1}, source, {0, 0, 2, 1}, RGB(15, 11, 14));
+    EXPECT_EQ(target.PixelColor(0, 0), before.PixelColor(0, 0)) << format;
+    EXPECT_EQ(target.PixelColor(1, 0), clBlack) << format;
+  }
 }
 
 TEST(BlitPart, Should_MirrorAsTheImage_When_CentersFallBetweenPixels) {

@@ -98,6 +98,13 @@ TEST(Parallelogram, Should_MirrorThePart_When_ItsSidesAreExchanged) {
   BlitParallelogram(plain, other, source, {0, 0, 6, 4});
   EXPECT_TRUE(test::SamePixels(plain, mirrored));
   EXPECT_FALSE(test::SamePixels(test::GradientRaster(pf24bit, 12, 11), mirrored));
+  // From its lower side.
+  const Corners below{{{3, 8}, {10, 6}, {1, 2}}};
+  mirrored = test::GradientRaster(pf24bit, 12, 11), plain = mirrored.Clone();
+  BlitParallelogram(mirrored, slanted, source, {0, 4, 6, 0});
+  BlitParallelogram(plain, below, source, {0, 0, 6, 4});
+  EXPECT_TRUE(test::SamePixels(plain, mirrored));
+  EXPECT_FALSE(test::SamePixels(test::GradientRaster(pf24bit, 12, 11), mirrored));
 }
 
 TEST(Parallelogram, Should_DrawNothing_When_ItHasNoArea_OrLiesTooFarAway) {
