@@ -28,7 +28,7 @@ uint8_t GrayOf(double number, const NumberRange& range) {
   // Halved: the span of two finite numbers need not be finite. That of the tiniest ones is lost.
   const double span = range.greatest / 2 - range.least / 2;
   if (span == 0) return 0;
-  return static_cast<uint8_t>((number / 2 - range.least / 2) / span * 255 + 0.5);
+  return static_cast<uint8_t>(std::lround((number / 2 - range.least / 2) / span * 255));
 }
 
 NumberRange StretchNumbers(const double* numbers, Raster& raster) {

@@ -32,7 +32,7 @@ inline TBitmap ChangePalColors(const TBitmap& source, const TColorTable& entries
     bytes = w % 2 == 0 ? w / 2 : (w + 1) / 2;
   }
   bytes = std::min(bytes, static_cast<int>(source.Stride()));
-  for (int y = 0; y < source.Height(); ++y)
+  for (int y = 0; y < source.Height() && bytes > 0; ++y)
     std::memcpy(result.ScanLine(y), source.ScanLine(y), static_cast<size_t>(bytes));
   return result;
 }

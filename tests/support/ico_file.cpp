@@ -8,7 +8,8 @@ namespace {
 using ByteList = std::vector<uint8_t>;
 
 void Append(ByteList& bytes, uint32_t value, int count) {
-  for (int i = 0; i < count; ++i) bytes.push_back(static_cast<uint8_t>(value >> (8 * i)));
+  for (uint64_t rest = value; count > 0; --count, rest >>= 8)
+    bytes.push_back(static_cast<uint8_t>(rest));
 }
 
 void AppendRows(ByteList& bytes, const Raster& raster) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <random>
 
@@ -27,13 +28,14 @@ TBitmap DirtyBitmap(TPixelFormat format, int width, int height, std::mt19937& ra
 std::unique_ptr<TBitmap> CloneWithPadding(const TBitmap& bitmap) {
   std::unique_ptr<TBitmap> copy = bitmap.Clone();
   for (int y = 0; y < bitmap.Height(); ++y)
-    std::memcpy(copy->ScanLine(y), bitmap.ScanLine(y), bitmap.Stride());
+    std::copy_n(bitmap.ScanLine(y), bitmap.Stride(), copy->ScanLine(y));
   return copy;
 }
 
 void ExpectSameRows(const TBitmap& expected, const TBitmap& actual) {
   for (int y = 0; y < expected.Height(); ++y)
-    ASSERT_EQ(std::memcmp(expected.ScanLine(y), actual.ScanLine(y), expected.Stride()), 0)
+    ASSERT_TRUE(std::equal(expected.ScanLine(y), expected.ScanLine(y) + expected.Stride(),
+                           actual.ScanLine(y)))
         << "row " << y;
 }
 
