@@ -11,7 +11,8 @@
 /// get decides how wide they are kept. Nothing may overlap.
 namespace rasterkit::kernels {
 
-/// Rows and sums of columns are read, and sums written, up to this many elements beyond their end.
+/// Sums are read and written, and rows that grow are read, up to this many elements beyond their
+/// end.
 inline constexpr size_t kHalftonePadding = 32;
 
 /// Rounded division by a total in words: exact for all sums of bytes whose weights add up to it.
