@@ -10,3 +10,11 @@ pkg_check_modules(WEBP REQUIRED IMPORTED_TARGET libwebp)
 pkg_check_modules(LCMS2 REQUIRED IMPORTED_TARGET lcms2)
 set(RASTERKIT_DEPENDENCIES
     Threads::Threads JPEG::JPEG PNG::PNG TIFF::TIFF GIF::GIF PkgConfig::WEBP PkgConfig::LCMS2 fmt::fmt PkgConfig::HWY)
+
+if(RASTERKIT_DIALOGS)
+  find_package(Qt6 6.4 QUIET COMPONENTS Widgets Svg)
+  if(NOT Qt6_FOUND)
+    message(FATAL_ERROR "The dialogs need Qt 6.4 or newer with its Widgets and Svg modules (Debian: qt6-base-dev "
+                        "libqt6svg6-dev). -DRASTERKIT_DIALOGS=OFF builds the library and the tool without them.")
+  endif()
+endif()

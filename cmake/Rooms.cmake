@@ -1,6 +1,9 @@
 # The source tree is the include tree: `#include <rasterkit/host/runtime/errors.h>` is host/runtime/errors.h, in a
 # checkout and after installation alike.
 set(RASTERKIT_TOP_ROOMS host jpegexif tifftobmp bitmaptools package)
+if(RASTERKIT_DIALOGS)
+  list(APPEND RASTERKIT_TOP_ROOMS qt dialogs)
+endif()
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include/rasterkit)
 foreach(room IN LISTS RASTERKIT_TOP_ROOMS)
   file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${room} ${PROJECT_BINARY_DIR}/include/rasterkit/${room} SYMBOLIC)
@@ -11,12 +14,16 @@ function(rasterkit_room)
   cmake_parse_arguments(ROOM "" "" "PUBLIC_HEADERS;SOURCES" ${ARGN})
   list(TRANSFORM ROOM_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   target_sources(rasterkit_objects PRIVATE ${ROOM_SOURCES})
+  rasterkit_public_headers(${ROOM_PUBLIC_HEADERS})
+endfunction()
+
+# rasterkit_public_headers(a.h ...): headers of the calling folder that are installed and in the umbrella.
+function(rasterkit_public_headers)
   file(RELATIVE_PATH place ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
-  foreach(header IN LISTS ROOM_PUBLIC_HEADERS)
+  foreach(header IN LISTS ARGN)
     set_property(GLOBAL APPEND PROPERTY RASTERKIT_PUBLIC_HEADERS ${place}/${header})
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/rasterkit/${place})
   endforeach()
-  list(TRANSFORM ROOM_PUBLIC_HEADERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
-  install(FILES ${ROOM_PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/rasterkit/${place})
 endfunction()
 
 # After all rooms: <rasterkit/bitmaptools.h> and its like, each with every public header of its room, made from the

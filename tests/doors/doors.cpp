@@ -14,23 +14,15 @@ struct Room {
 
 /// From the ground up. Rooms of one floor do not know each other.
 constexpr Room kRooms[] = {
-    {"package/strings.", 0},
-    {"host/runtime/", 1},
-    {"host/kernels/", 2},
-    {"host/raster/", 3},
-    {"host/codecs/", 4},
-    {"host/metafiles/", 5},
-    {"host/graphics/", 6},
-    {"bitmaptools/pixels/", 7},
-    {"bitmaptools/engine/", 8},
-    {"tifftobmp/", 9},
-    {"jpegexif/", 9},
-    {"bitmaptools/files/", 10},
-    {"package/", 11},
-    {"umbrella/", 12},
-    {"qt/", 13},
-    {"dialogs/", 14},
-    {"apps/", 15},
+    {"package/strings.", 0},    {"host/runtime/", 1},
+    {"host/kernels/", 2},       {"host/raster/", 3},
+    {"host/codecs/", 4},        {"host/metafiles/", 5},
+    {"host/graphics/", 6},      {"bitmaptools/pixels/", 7},
+    {"bitmaptools/engine/", 8}, {"tifftobmp/", 9},
+    {"jpegexif/", 9},           {"bitmaptools/files/", 10},
+    {"package/", 11},           {"qt/", 12},
+    {"dialogs/", 13},           {"umbrella/qt.", 13},
+    {"umbrella/", 14},          {"apps/", 15},
     {"examples/", 15},
 };
 
@@ -41,9 +33,14 @@ const Room* RoomOf(std::string_view path) {
 }
 
 /// Headers that the build makes of each part's public ones; no files of the tree.
-constexpr std::string_view kUmbrellas[] = {"umbrella/host.h", "umbrella/bitmaptools.h",
-                                           "umbrella/jpegexif.h", "umbrella/tifftobmp.h",
-                                           "umbrella/package.h"};
+constexpr std::string_view kUmbrellas[] = {
+    "umbrella/host.h",    "umbrella/bitmaptools.h", "umbrella/jpegexif.h", "umbrella/tifftobmp.h",
+    "umbrella/package.h", "umbrella/qt.h",          "umbrella/dialogs.h"};
+
+/// Written by Qt's tools while building, and known to the file that includes it alone.
+bool IsGenerated(const Include& include) {
+  return include.isQuoted && (include.name.starts_with("ui_") || include.name.ends_with(".moc"));
+}
 
 bool Exists(const SourceTree& tree, const std::string& path) {
   const auto* umbrella = std::find(std::begin(kUmbrellas), std::end(kUmbrellas), path);
@@ -55,6 +52,7 @@ bool Exists(const SourceTree& tree, const std::string& path) {
 std::optional<std::string> Resolve(const SourceTree& tree, const std::string& from,
                                    const Include& include) {
   constexpr std::string_view house = "rasterkit/";
+  if (IsGenerated(include)) return std::nullopt;
   if (!include.isQuoted) {
     if (!include.name.starts_with(house)) return std::nullopt;
     const std::string name = include.name.substr(house.size());

@@ -102,6 +102,30 @@ TEST(WrongDoorsTest, QuotedIncludesUseTheSameDoors) {
               IsEmpty());
 }
 
+TEST(WrongDoorsTest, DialogsStandOnTheirToolkitAndThatOnThePackage) {
+  EXPECT_THAT(FindWrongDoors({
+                  {"package/strings.h", {}},
+                  {"bitmaptools/files/a.h", {}},
+                  {"qt/b.h", Including({"package/strings.h", "bitmaptools/files/a.h"})},
+                  {"dialogs/execbitmap/c.h", Including({"qt/b.h", "bitmaptools/files/a.h"})},
+                  {"apps/tool/main.cpp", Including({"dialogs/execbitmap/c.h", "qt.h"})},
+              }),
+              IsEmpty());
+  for (const char* lower : {"host/runtime/a.cpp", "package/a.cpp"}) {
+    EXPECT_EQ(FindWrongDoors({{"qt/b.h", {}}, {lower, Including({"qt/b.h"})}}).size(), 1u);
+  }
+  EXPECT_EQ(FindWrongDoors({{"dialogs/execbitmap/c.h", {}},
+                            {"qt/b.cpp", Including({"dialogs/execbitmap/c.h"})}})
+                .size(),
+            1u);
+}
+
+TEST(WrongDoorsTest, WhatQtsToolsWriteIsNoFileOfTheHouse) {
+  EXPECT_THAT(
+      FindWrongDoors({{"qt/b.cpp", {{"ui_b.h", true}, {"b.moc", true}, {"QDialog", false}}}}),
+      IsEmpty());
+}
+
 TEST(WrongDoorsTest, AMissingFileIsWrong) {
   EXPECT_EQ(FindWrongDoors({{"package/b.cpp", Including({"host/runtime/gone.h"})}}).size(), 1u);
   EXPECT_EQ(FindWrongDoors({{"package/b.cpp", {{"gone.h", true}}}}).size(), 1u);

@@ -13,7 +13,8 @@ namespace rasterkit::test {
 namespace {
 
 // Parts of the library, each with an umbrella header.
-constexpr const char* kParts[] = {"host", "bitmaptools", "jpegexif", "tifftobmp", "package"};
+constexpr const char* kParts[] = {"host",    "bitmaptools", "jpegexif", "tifftobmp",
+                                  "package", "qt",          "dialogs"};
 
 /// The names between PUBLIC_HEADERS and the next keyword of a room's list.
 std::set<std::string> ParsePublicHeaders(std::istream& list) {
@@ -21,7 +22,7 @@ std::set<std::string> ParsePublicHeaders(std::istream& list) {
   std::string word;
   while (list >> word && !word.ends_with("PUBLIC_HEADERS")) {
   }
-  while (list >> word && !word.starts_with("SOURCES")) {
+  while (list >> word && !word.starts_with("SOURCES") && !word.starts_with("HEADERS")) {
     headers.insert(word.substr(0, word.find(')')));
     if (word.ends_with(')')) break;
   }

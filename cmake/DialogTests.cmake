@@ -1,0 +1,35 @@
+# Programs that test what lies in qt/ and dialogs/.
+find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
+
+# No display and no settings of the user who runs the tests; leaks that Qt and fontconfig keep on purpose are named.
+set(RASTERKIT_FORM_ENVIRONMENT
+    QT_QPA_PLATFORM=offscreen
+    LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/forms/lsan.supp:print_suppressions=0)
+
+# What both kinds have. The whole archive: the registration of resources is called by nobody.
+function(rasterkit_dialogs_program name)
+  add_executable(${name} ${ARGN})
+  rasterkit_settings(${name})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${name}_autogen/mocs_compilation.cpp
+                              PROPERTIES COMPILE_OPTIONS -w)
+  target_compile_definitions(${name} PRIVATE QT_NO_KEYWORDS RASTERKIT_SOURCE_TREE="${PROJECT_SOURCE_DIR}")
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE $<LINK_LIBRARY:WHOLE_ARCHIVE,rasterkit_dialogs_for_tests> rasterkit_test_support)
+endfunction()
+
+# rasterkit_dialogs_test(NAME file.cpp ...): tests of widgets. The program has a QApplication; see tests/support/forms.
+function(rasterkit_dialogs_test name)
+  rasterkit_dialogs_program(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE rasterkit_form_test_support GTest::gmock)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 1200
+                       ENVIRONMENT "${RASTERKIT_FORM_ENVIRONMENT}")
+endfunction()
+
+# rasterkit_dialogs_model_test(NAME file.cpp ...): tests of models, which know no widget: no QApplication.
+function(rasterkit_dialogs_model_test name)
+  rasterkit_dialogs_program(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 1200
+                       ENVIRONMENT "${RASTERKIT_FORM_ENVIRONMENT}")
+endfunction()

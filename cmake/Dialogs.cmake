@@ -1,0 +1,38 @@
+# librasterkit-dialogs: the rooms of qt/ and dialogs/. It links librasterkit and reaches what that exports, no more.
+add_library(rasterkit_dialogs_objects OBJECT)
+rasterkit_settings(rasterkit_dialogs_objects)
+target_link_libraries(rasterkit_dialogs_objects PUBLIC Qt6::Widgets Qt6::Svg fmt::fmt)
+target_compile_definitions(rasterkit_dialogs_objects
+  PRIVATE RASTERKIT_BUILDING
+  # A host may compile without Qt's own keywords, so the headers do without them; and nothing that Qt 6.4 calls old.
+          QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+set_target_properties(rasterkit_dialogs_objects PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+# What Qt's tools write is theirs: its warnings are nobody's business here.
+set_source_files_properties(${PROJECT_BINARY_DIR}/rasterkit_dialogs_objects_autogen/mocs_compilation.cpp
+                            PROPERTIES COMPILE_OPTIONS -w)
+
+add_library(rasterkit_dialogs SHARED $<TARGET_OBJECTS:rasterkit_dialogs_objects>)
+add_library(rasterkit::dialogs ALIAS rasterkit_dialogs)
+rasterkit_settings(rasterkit_dialogs)
+target_link_libraries(rasterkit_dialogs PUBLIC rasterkit Qt6::Widgets PRIVATE Qt6::Svg fmt::fmt)
+set_target_properties(rasterkit_dialogs PROPERTIES OUTPUT_NAME rasterkit-dialogs EXPORT_NAME dialogs
+                                                   VERSION ${PROJECT_VERSION} SOVERSION 0)
+if(NOT RASTERKIT_SANITIZE)
+  # A hidden symbol of librasterkit is found missing here and not at the user's.
+  target_link_options(rasterkit_dialogs PRIVATE -Wl,--no-undefined)
+endif()
+
+# The same objects as an archive, for tests; see rasterkit_dialogs_test.
+add_library(rasterkit_dialogs_for_tests STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:rasterkit_dialogs_objects>)
+rasterkit_settings(rasterkit_dialogs_for_tests)
+target_link_libraries(rasterkit_dialogs_for_tests PUBLIC Qt6::Widgets Qt6::Svg fmt::fmt)
+
+# rasterkit_dialogs_room(PUBLIC_HEADERS a.h ... HEADERS b.h ... SOURCES a.cpp ... UI a.ui ... RESOURCES a.qrc ...): adds
+# a room. Forms are included as "ui_a.h". Headers with Q_OBJECT must be listed in one of the two lists of headers.
+function(rasterkit_dialogs_room)
+  cmake_parse_arguments(ROOM "" "" "PUBLIC_HEADERS;HEADERS;SOURCES;UI;RESOURCES" ${ARGN})
+  rasterkit_public_headers(${ROOM_PUBLIC_HEADERS})
+  set(files ${ROOM_PUBLIC_HEADERS} ${ROOM_HEADERS} ${ROOM_SOURCES} ${ROOM_UI} ${ROOM_RESOURCES})
+  list(TRANSFORM files PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  target_sources(rasterkit_dialogs_objects PRIVATE ${files})
+endfunction()

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QDialog>
+
+#include <rasterkit/host/runtime/export.h>
+#include <rasterkit/qt/translate_texts.h>
+
+namespace rasterkit {
+
+/// Modal results of the system's dialogs.
+inline constexpr int mrOk = 1;
+inline constexpr int mrCancel = 2;
+
+/// Base of every form: a modal window that stretches, follows the screen's scaling and the host's
+/// style, remembers its place under its object name, and leaves cleanly when the host quits.
+///
+/// A derived form keeps the `Ui::...` that Designer describes and calls `SetUpForm(ui)` first thing
+/// in its constructor. Its buttons end it with Qt's `accept()` and `reject()`.
+class RASTERKIT_EXPORT TScaledForm : public QDialog {
+  Q_OBJECT
+
+ public:
+  explicit TScaledForm(QWidget* parent = nullptr);
+
+  /// Shows the form and returns when it was closed: mrOk after `accept()`, mrCancel after
+  /// `reject()`, Escape, the window's frame or the end of the host's loop.
+  int ShowModal();
+
+ protected:
+  /// Builds the widgets and gives them the user's language.
+  template <typename Ui>
+  void SetUpForm(Ui& ui) {
+    ui.setupUi(this);
+    TranslateTexts(*this);
+  }
+};
+
+}  // namespace rasterkit
