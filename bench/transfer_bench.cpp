@@ -1,6 +1,7 @@
-// Contrast, brightness and pixel transfer over 12 megapixels of 24 bits, beside a memcpy of the
-// bytes and OpenCV's nearest work: scale and offset of every channel (which needs no grey value),
-// and a nearest resize followed by a multiplication. The second argument is the number of threads.
+// Contrast, brightness, sharpening, shift of colours and pixel transfer over 12 megapixels of 24
+// bits, beside a memcpy of the bytes and OpenCV's nearest work: scale and offset of every channel
+// (which needs no grey value), and a nearest resize followed by a multiplication. The second
+// argument is the number of threads.
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -10,6 +11,8 @@
 
 #include <rasterkit/bitmaptools/engine/contrast_brightness.h>
 #include <rasterkit/bitmaptools/engine/pixel_transfer.h>
+#include <rasterkit/bitmaptools/engine/sharpen.h>
+#include <rasterkit/bitmaptools/engine/shift_colors.h>
 #include <rasterkit/host/graphics/bitmap.h>
 
 #if __has_include(<opencv2/imgproc.hpp>)
@@ -71,6 +74,25 @@ void BM_Colors(benchmark::State& state) {
   SetNsPerPixel(state);
 }
 
+void BM_Sharpen(benchmark::State& state) {
+  TBitmap picture =
+      MakePicture(rasterkit::pf24bit, kWidth, kHeight, static_cast<Content>(state.range(1)));
+  for (auto _ : state) {
+    rasterkit::Sharpen(&picture, static_cast<int32_t>(state.range(0)));
+    benchmark::ClobberMemory();
+  }
+  SetNsPerPixel(state);
+}
+
+void BM_ShiftColors(benchmark::State& state) {
+  TBitmap picture = MakePicture(rasterkit::pf24bit, kWidth, kHeight, noise);
+  for (auto _ : state) {
+    rasterkit::ShiftColors(&picture, 10, -10, 5);
+    benchmark::ClobberMemory();
+  }
+  SetNsPerPixel(state);
+}
+
 template <rasterkit::TPixelMode kMode>
 void BM_Transfer(benchmark::State& state) {
   const auto sourceWidth = static_cast<int>(state.range(0));
@@ -109,6 +131,12 @@ BENCHMARK(BM_Colors<rasterkit::Helligkeit>)
     ->Unit(benchmark::kMicrosecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
+BENCHMARK(BM_Sharpen)
+    ->ArgsProduct({{40, -40}, {noise, paper}})
+    ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+BENCHMARK(BM_ShiftColors)->Unit(benchmark::kMicrosecond)->MeasureProcessCPUTime()->UseRealTime();
 BENCHMARK(BM_Transfer<rasterkit::pmShadow>)
     ->ArgsProduct({{3000, 4000, 6000}, {1, 2}, {0, 1}})
     ->Unit(benchmark::kMicrosecond)
