@@ -1,0 +1,24 @@
+#include <rasterkit/package/format_text.h>
+
+namespace rasterkit {
+
+std::string FormatText(std::string_view pattern, std::span<const std::string> values) {
+  std::string text;
+  size_t used = 0;
+  for (size_t i = 0; i < pattern.size(); ++i) {
+    const char next = i + 1 < pattern.size() ? pattern[i + 1] : '\0';
+    const bool isPlace = pattern[i] == '%' && (next == 'd' || next == 's');
+    if (pattern[i] == '%' && next == '%') {
+      text += '%';
+      ++i;
+    } else if (isPlace && used < values.size()) {
+      text += values[used++];
+      ++i;
+    } else {
+      text += pattern[i];
+    }
+  }
+  return text;
+}
+
+}  // namespace rasterkit
