@@ -110,7 +110,9 @@ void Add(const std::string& name, const MakePicture& make) {
     registered->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
-bool AddAll() {
+}  // namespace
+
+int main(int argc, char** argv) {
   Add("photograph", [] { return bench::PhotoLike(4000, 3000); });
   Add("small_photograph", [] { return bench::PhotoLike(1000, 750); });
   Add("plan", [] { return bench::PlanLike(4000, 3000); });
@@ -120,9 +122,6 @@ bool AddAll() {
     for (std::string name; std::getline(list, name, ':');)
       Add(name.substr(name.rfind('/') + 1), [name] { return FileAs24Bit(name); });
   }
-  return true;
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
 }
-
-[[maybe_unused]] const bool added = AddAll();
-
-}  // namespace

@@ -1,0 +1,136 @@
+#include <algorithm>
+#include <cmath>
+
+#include <rasterkit/dialogs/bitmapframe/bmp_cut_model.h>
+
+namespace rasterkit {
+namespace {
+
+/// How far an axis of the picture must shift so that it is centred, or covers the client area.
+double CenteringShift(double start, double end, double client) {
+  const double size = end - start;
+  if (size <= client) return (client - size) / 2 - start;
+  if (start > 0) return -start;
+  if (end < client) return client - end;
+  return 0;
+}
+
+}  // namespace
+
+void BmpCutModel::CalculateBmpPaintRect(bool fit) {
+  if (fOrgBitmap == nullptr) return;
+  RDRect paintRect(fBitmapRect);
+  if (fit) {
+    const double factor = paintRect.FitInRect(RDRect(view_->ClientRect()));
+    ChangePlace(paintRect, factor);
+  } else {
+    ChangePlace(paintRect, 1);
+    CenterInPaintBox();
+  }
+  if (!fDragIsActive) CalculateCutRect();
+}
+
+void BmpCutModel::CenterInPaintBox() {
+  const RDRect client(view_->ClientRect());
+  const double dx = CenteringShift(fPaintRect.Left, fPaintRect.Right, client.Right);
+  const double dy = CenteringShift(fPaintRect.Top, fPaintRect.Bottom, client.Bottom);
+  if (dx == 0 && dy == 0) return;
+  RDRect paintRect = fPaintRect;
+  paintRect.Move(dx, dy);
+  ChangePlace(paintRect, fStretchFactor);
+}
+
+void BmpCutModel::ChangePlace(const RDRect& paintRect, double stretchFactor) {
+  const RDRect dragged = ToBitmap(fCutRect);
+  const RDRect start = ToBitmap(RDRect(fDragStartPosition.X, fDragStartPosition.Y,
+                                       fDragStartPosition.X, fDragStartPosition.Y));
+  fPaintRect = paintRect;
+  fStretchFactor = stretchFactor;
+  if (!fDragIsActive) return;
+  fCutRect = ToBox(dragged);
+  const TRect newStart = ToBox(start).ToRect();
+  fDragStartPosition = {newStart.Left, newStart.Top};
+}
+
+RDRect BmpCutModel::ToBox(const RDRect& bitmapRect) const {
+  RDRect rect = bitmapRect;
+  rect.Move(-fBitmapRect.Left, -fBitmapRect.Top);
+  rect.Scale(fStretchFactor);
+  rect.Move(fPaintRect.Left, fPaintRect.Top);
+  return rect;
+}
+
+RDRect BmpCutModel::ToBitmap(const RDRect& boxRect) const {
+  RDRect rect = boxRect;
+  rect.Move(-fPaintRect.Left, -fPaintRect.Top);
+  // A box without area shows the picture at factor 0, from where no way leads back.
+  rect.Scale(fStretchFactor > 0 ? 1 / fStretchFactor : 0);
+  return rect;
+}
+
+void BmpCutModel::CalculateCutRect() {
+  fCutRect = ToBox(fBmpCutRect);
+  CalcMarkRects();
+}
+
+void BmpCutModel::CalculateBmpCutRect() {
+  if (!GetCutRectExists() || fStretchFactor <= 0) return;
+  RDRect rect = fCutRect;
+  rect.Move(-fPaintRect.Left, -fPaintRect.Top);
+  fBmpCutRect = {rect.Left / fStretchFactor, rect.Top / fStretchFactor, rect.Right / fStretchFactor,
+                 rect.Bottom / fStretchFactor};
+  fBmpCutRect.Intersect(RDRect(fBitmapRect));
+}
+
+void BmpCutModel::CalcMarkRects() {
+  fMarkRects.clear();
+  if (GetCutRectExists()) fMarkRects = MakeMarkRects(fCutRect.ToRect(), fMarkWidth);
+}
+
+EDragObjectType BmpCutModel::GetMouseTarget(int x, int y) const {
+  if (!FCutRectEnabled || !HasPixels() || !fPaintRect.Contains(x, y)) return doNone;
+  if (!GetCutRectExists() || !fCutRect.Contains(x, y)) return doFrame;
+  const EDragObjectType mark = MarkAt(fMarkRects, x, y);
+  return mark == doNone ? doMove : mark;
+}
+
+bool BmpCutModel::IsUnscaled() const {
+  constexpr double tolerance = 1e-6;
+  return std::abs(fStretchFactor - 1) < tolerance;
+}
+
+void BmpCutModel::OnResize() {
+  CalculateBmpPaintRect(true);
+  view_->Repaint();
+}
+
+bool BmpCutModel::MayZoomTo(const RDRect& rect) const {
+  constexpr double smallest = 1, largest = 1 << 27;
+  const double now = std::max(fPaintRect.Width(), fPaintRect.Height());
+  const double then = std::max(rect.Width(), rect.Height());
+  return then > now ? then <= largest : then >= smallest;
+}
+
+void BmpCutModel::OnMouseWheel(int wheelDelta, const TPoint& mousePos, bool& handled) {
+  handled = true;
+  if (!HasPixels()) return;
+  RDRect rect = fPaintRect;
+  rect.Stretch(wheelDelta >= 0 ? fStepSize : -fStepSize, mousePos.X, mousePos.Y);
+  if (!MayZoomTo(rect)) return;
+  const bool byHeight = fBitmapRect.Right <= fBitmapRect.Bottom;
+  ChangePlace(rect,
+              byHeight ? rect.Height() / fBitmapRect.Bottom : rect.Width() / fBitmapRect.Right);
+  if (!fDragIsActive) CalculateCutRect();
+  view_->Repaint();
+}
+
+void BmpCutModel::Pan(int x, int y) {
+  RDRect rect = fPaintRect;
+  rect.Move(x - fDragStartPosition.X, y - fDragStartPosition.Y);
+  fDragStartPosition = {x, y};
+  ChangePlace(rect, fStretchFactor);
+  CalculateCutRect();
+  view_->Repaint();
+}
+
+}  // namespace rasterkit

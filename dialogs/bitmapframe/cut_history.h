@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include <rasterkit/dialogs/bitmapframe/rd_rect.h>
+
+namespace rasterkit {
+
+/// The cuts that were, for undoing: the rectangle in bitmap pixels, or nothing for "no cut". Keeps
+/// the last 256.
+class CutHistory {
+ public:
+  using Cut = std::optional<RDRect>;
+
+  /// Remembers `before` when it differs from `after` by more than rounding.
+  void Note(const Cut& before, const Cut& after) {
+    const bool isSame = before && after ? AlmostEqual(*before, *after, kRounding)
+                                        : before.has_value() == after.has_value();
+    if (isSame) return;
+    if (cuts_.size() == kMost) cuts_.erase(cuts_.begin());
+    cuts_.push_back(before);
+  }
+  /// The last one, which is then forgotten; nothing when there is none.
+  std::optional<Cut> Take() {
+    if (cuts_.empty()) return std::nullopt;
+    const Cut last = cuts_.back();
+    cuts_.pop_back();
+    return last;
+  }
+  void Forget() { cuts_.clear(); }
+
+ private:
+  static constexpr size_t kMost = 256;
+  static constexpr double kRounding = 1e-6;
+
+  std::vector<Cut> cuts_;
+};
+
+}  // namespace rasterkit

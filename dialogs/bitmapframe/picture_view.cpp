@@ -1,0 +1,149 @@
+#include <algorithm>
+#include <cstring>
+
+#include <rasterkit/dialogs/bitmapframe/picture_view.h>
+#include <rasterkit/host/graphics/canvas.h>
+
+namespace rasterkit {
+namespace {
+
+constexpr int kSamplesPerSide = 64;
+
+bool SameRect(const TRect& a, const TRect& b) {
+  return a.Left == b.Left && a.Top == b.Top && a.Right == b.Right && a.Bottom == b.Bottom;
+}
+
+bool SameWindow(const PictureView::Window& a, const PictureView::Window& b) {
+  return a.width == b.width && a.height == b.height && a.background == b.background &&
+         SameRect(a.place, b.place);
+}
+
+/// The part of the place that is seen.
+TRect Seen(const PictureView::Window& window) {
+  return {std::max(window.place.Left, 0), std::max(window.place.Top, 0),
+          std::min(window.place.Right, window.width), std::min(window.place.Bottom, window.height)};
+}
+
+/// Along one axis, the source pixel under the centre of window pixel `i`: the same rule by which
+/// canvases stretch.
+int SourceUnder(int i, int start, int end, int sourceSize) {
+  const int64_t length = int64_t{end} - start;
+  return static_cast<int>((2 * (int64_t{i} - start) + 1) * sourceSize / (2 * length));
+}
+
+/// Half of each colour channel; alpha stays.
+uint32_t Halved(uint32_t pixel) {
+  return ((pixel >> 1) & 0x007F7F7F) | (pixel & 0xFF000000);
+}
+
+}  // namespace
+
+void PictureView::Show(const TBitmap* picture, unsigned version, const Window& window) {
+  const bool isSame =
+      isDrawn_ && picture == picture_ && version == version_ && SameWindow(window, window_);
+  picture_ = picture;
+  version_ = version;
+  window_ = window;
+  const uint64_t digest = SampleDigest();
+  if (isSame && digest == digest_) return;
+  digest_ = digest;
+  Draw();
+}
+
+void PictureView::Forget() {
+  isDrawn_ = false;
+  picture_ = nullptr;
+}
+
+void PictureView::Draw() {
+  darkening_.reset();
+  refinedRows_ = 0;
+  isDrawn_ = false;
+  plain_.ResetPixels(pf32bit, window_.width, window_.height);
+  TCanvas& canvas = plain_.Canvas();
+  canvas.Brush.Color = window_.background;
+  canvas.FillRect({0, 0, window_.width, window_.height});
+  if (picture_ != nullptr) canvas.StretchDraw(window_.place, *picture_);
+  isDrawn_ = true;
+}
+
+// FNV-1a over a grid of the pixels that are seen.
+uint64_t PictureView::SampleDigest() const {
+  uint64_t digest = 14695981039346656037u;
+  const auto add = [&](uint64_t value) { digest = (digest ^ value) * 1099511628211u; };
+  if (picture_ == nullptr || picture_->Empty()) return digest;
+  add(static_cast<uint64_t>(picture_->Width()));
+  add(static_cast<uint64_t>(picture_->Height()));
+  add(static_cast<uint64_t>(picture_->PixelFormat()));
+  const TRect seen = Seen(window_);
+  const int width = seen.Right - seen.Left, height = seen.Bottom - seen.Top;
+  if (width <= 0 || height <= 0) return digest;
+  const TRect& place = window_.place;
+  for (int j = 0; j < kSamplesPerSide; ++j) {
+    const int row = seen.Top + static_cast<int>(int64_t{j} * height / kSamplesPerSide);
+    const int y = SourceUnder(row, place.Top, place.Bottom, picture_->Height());
+    for (int i = 0; i < kSamplesPerSide; ++i) {
+      const int column = seen.Left + static_cast<int>(int64_t{i} * width / kSamplesPerSide);
+      const int x = SourceUnder(column, place.Left, place.Right, picture_->Width());
+      add(static_cast<uint64_t>(picture_->Content().PixelColor(x, y)));
+    }
+  }
+  return digest;
+}
+
+bool PictureView::CanRefine() const {
+  if (!isDrawn_ || picture_ == nullptr || picture_->Empty()) return false;
+  const bool isOpaque = !picture_->Transparent() && picture_->AlphaFormat() != afDefined;
+  const TRect& place = window_.place;
+  return isOpaque && place.Right - place.Left < picture_->Width() &&
+         place.Bottom - place.Top < picture_->Height();
+}
+
+bool PictureView::RefineRows(int count) {
+  if (!CanRefine()) return false;
+  const TRect seen = Seen(window_);
+  const int first = std::max(refinedRows_, seen.Top);
+  const int end = std::min(first + count, seen.Bottom);
+  if (first >= end || seen.Left >= seen.Right) return false;
+
+  TBitmap band;
+  band.ResetPixels(pf32bit, window_.width, end - first);
+  TRect place = window_.place;
+  place.Top -= first;
+  place.Bottom -= first;
+  band.Canvas().StretchMode = smHalftone;
+  band.Canvas().StretchDraw(place, *picture_);
+  const size_t start = static_cast<size_t>(seen.Left) * 4;
+  const size_t bytes = static_cast<size_t>(seen.Right - seen.Left) * 4;
+  for (int y = first; y < end; ++y)
+    std::memcpy(plain_.ScanLine(y) + start, band.ScanLine(y - first) + start, bytes);
+  refinedRows_ = end;
+  if (darkening_)
+    for (int y = first; y < end; ++y) DarkenRow(y, *darkening_);
+  return end < seen.Bottom;
+}
+
+const TBitmap& PictureView::Darkened(const DarkedBitmap& darkening) {
+  if (darkening_ == darkening) return darkened_;
+  darkening_.reset();
+  darkened_.ResetPixels(pf32bit, plain_.Width(), plain_.Height());
+  for (int y = 0; y < plain_.Height(); ++y) DarkenRow(y, darkening);
+  darkening_ = darkening;
+  return darkened_;
+}
+
+void PictureView::DarkenRow(int y, const DarkedBitmap& darkening) {
+  const auto* source = reinterpret_cast<const uint32_t*>(plain_.ScanLine(y));
+  auto* target = reinterpret_cast<uint32_t*>(darkened_.ScanLine(y));
+  std::copy_n(source, plain_.Width(), target);
+  const TRect seen = Seen(window_);
+  if (picture_ == nullptr || picture_->Empty() || y < seen.Top || y >= seen.Bottom) return;
+  const TRect& place = window_.place;
+  const int sourceY = SourceUnder(y, place.Top, place.Bottom, picture_->Height());
+  for (int x = seen.Left; x < seen.Right; ++x) {
+    const int sourceX = SourceUnder(x, place.Left, place.Right, picture_->Width());
+    if (!darkening.IsLit(sourceX, sourceY)) target[x] = Halved(target[x]);
+  }
+}
+
+}  // namespace rasterkit
