@@ -1,6 +1,8 @@
-// Drawing on the canvas: blending 32 over 24 bits, at the same size and stretched, and halftone
-// stretching, beside OpenCV, Qt and pixman with the same pictures. Items are target pixels, for
-// shrinking source pixels.
+// Drawing on the canvas: blending, at the same size and stretched, drawing without a key colour,
+// into parallelograms, and halftone stretching, beside OpenCV, Qt and pixman with the same pictures
+// and a memcpy of the bytes. Items are target pixels, for shrinking source pixels.
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -93,6 +95,85 @@ void BM_HalftoneEnlarge(benchmark::State& state) {
   Halftone(state, pf24bit, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
 }
 
+/// The photo in the format, or the overlay for 32 bits.
+TBitmap Source(TPixelFormat format, int width, int height) {
+  if (format == pf32bit) return TBitmap(Overlay(width, height));
+  TBitmap bitmap(width == kWidth ? Photo().Clone() : bench::PhotoLike(width, height));
+  bitmap.SetPixelFormat(format);
+  return bitmap;
+}
+
+void BM_Memcpy(benchmark::State& state) {
+  const TBitmap picture = Source(state.range(0) == 24 ? pf24bit : pf32bit, kWidth, kHeight);
+  std::vector<uint8_t> copy(picture.Stride() * kHeight);
+  for (auto _ : state) {
+    std::memcpy(copy.data(), picture.ScanLine(0), copy.size());
+    benchmark::ClobberMemory();
+  }
+  CountPixels(state, int64_t{kWidth} * kHeight);
+}
+BENCHMARK(BM_Memcpy)->ArgName("bits")->Arg(24)->Arg(32)->Unit(benchmark::kMillisecond);
+
+/// What is drawn where `part` of the target's size is stretched to the whole.
+template <class Draw>
+void DrawWhole(benchmark::State& state, TPixelFormat from, TPixelFormat to, double part,
+               Draw draw) {
+  TBitmap target = Source(to, kWidth, kHeight);
+  const TBitmap source =
+      Source(from, static_cast<int>(kWidth * part), static_cast<int>(kHeight * part));
+  const TRect dest{0, 0, kWidth, kHeight}, src{0, 0, source.Width(), source.Height()};
+  for (auto _ : state) draw(target.Canvas(), dest, source, src);
+  CountPixels(state, int64_t{kWidth} * kHeight);
+}
+
+void BlendFormats(benchmark::State& state, TPixelFormat from, TPixelFormat to, double part) {
+  DrawWhole(state, from, to, part,
+            [](TCanvas& canvas, const TRect& dest, const TBitmap& source, const TRect& src) {
+              canvas.AlphaBlend(dest, source, src, {128, true});
+            });
+}
+BENCHMARK_CAPTURE(BlendFormats, 24 over 24, pf24bit, pf24bit, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BlendFormats, 24 over 24 stretched, pf24bit, pf24bit, 0.625)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BlendFormats, 8 over 24, pf8bit, pf24bit, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BlendFormats, 24 over 32, pf24bit, pf32bit, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BlendFormats, 32 over 32, pf32bit, pf32bit, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BlendFormats, 32 over 32 stretched, pf32bit, pf32bit, 0.625)
+    ->Unit(benchmark::kMillisecond);
+
+/// The key is a colour that the photo hardly has, so nearly every pixel is drawn.
+void KeyedFormats(benchmark::State& state, TPixelFormat from, TPixelFormat to, double part) {
+  DrawWhole(state, from, to, part,
+            [](TCanvas& canvas, const TRect& dest, const TBitmap& source, const TRect& src) {
+              canvas.TransparentBlt(dest, source, src, 0xFFFFFF);
+            });
+}
+BENCHMARK_CAPTURE(KeyedFormats, 24 over 24, pf24bit, pf24bit, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(KeyedFormats, 24 over 24 stretched, pf24bit, pf24bit, 0.625)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(KeyedFormats, 1 over 32, pf1bit, pf32bit, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(KeyedFormats, 1 over 32 stretched, pf1bit, pf32bit, 0.625)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(KeyedFormats, 8 over 24, pf8bit, pf24bit, 1)->Unit(benchmark::kMillisecond);
+
+/// A whole mirror, a half turn and a slanted parallelogram.
+constexpr std::array<TPoint, 3> kMirror{{{kWidth, 0}, {0, 0}, {kWidth, kHeight}}};
+constexpr std::array<TPoint, 3> kHalfTurn{{{kWidth, kHeight}, {0, kHeight}, {kWidth, 0}}};
+constexpr std::array<TPoint, 3> kSlanted{{{400, 0}, {kWidth, 300}, {0, kHeight - 300}}};
+
+void Parallelogram(benchmark::State& state, TPixelFormat format,
+                   const std::array<TPoint, 3>& corners) {
+  DrawWhole(state, format, format, 1,
+            [&](TCanvas& canvas, const TRect&, const TBitmap& source, const TRect& src) {
+              canvas.PlgBlt(corners, source, src);
+            });
+}
+BENCHMARK_CAPTURE(Parallelogram, mirror 24, pf24bit, kMirror)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Parallelogram, half turn 24, pf24bit, kHalfTurn)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Parallelogram, slanted 24, pf24bit, kSlanted)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Parallelogram, slanted 32, pf32bit, kSlanted)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Parallelogram, slanted 8, pf8bit, kSlanted)->Unit(benchmark::kMillisecond);
+
 BENCHMARK(BM_BlendSameSize)->Arg(255)->Arg(128)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BlendStretched)->Arg(255)->Arg(128)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_HalftoneShrink)
@@ -131,6 +212,59 @@ void BM_OpenCvLinear(benchmark::State& state) {
   OpenCvResize(state, cv::INTER_LINEAR);
 }
 
+/// One weight for all pixels: OpenCV has no alpha.
+void BM_OpenCvWeighted(benchmark::State& state) {
+  cv::setNumThreads(1);
+  Raster picture = Photo().Clone(), over = Photo().Clone();
+  cv::Mat target = AsMat(picture);
+  const cv::Mat source = AsMat(over);
+  for (auto _ : state) cv::addWeighted(target, 0.5, source, 0.5, 0, target);
+  CountPixels(state, int64_t{kWidth} * kHeight);
+}
+BENCHMARK(BM_OpenCvWeighted)->Unit(benchmark::kMillisecond);
+
+void BM_OpenCvKeyed(benchmark::State& state) {
+  cv::setNumThreads(1);
+  Raster picture = Photo().Clone(), over = Photo().Clone();
+  cv::Mat target = AsMat(picture), scaled, mask;
+  const auto part = static_cast<double>(state.range(0)) / 1000;
+  const cv::Mat source =
+      AsMat(over)(cv::Rect(0, 0, static_cast<int>(kWidth * part), static_cast<int>(kHeight * part)))
+          .clone();
+  const cv::Scalar key(255, 255, 255);
+  for (auto _ : state) {
+    if (part != 1) cv::resize(source, scaled, target.size(), 0, 0, cv::INTER_NEAREST);
+    const cv::Mat& drawn = part != 1 ? scaled : source;
+    cv::inRange(drawn, key, key, mask);
+    cv::bitwise_not(mask, mask);
+    drawn.copyTo(target, mask);
+  }
+  CountPixels(state, int64_t{kWidth} * kHeight);
+}
+BENCHMARK(BM_OpenCvKeyed)
+    ->ArgName("thousandths")
+    ->Arg(1000)
+    ->Arg(625)
+    ->Unit(benchmark::kMillisecond);
+
+void OpenCvParallelogram(benchmark::State& state, const std::array<TPoint, 3>& corners) {
+  cv::setNumThreads(1);
+  Raster picture = Photo().Clone(), over = Photo().Clone();
+  cv::Mat target = AsMat(picture);
+  const cv::Mat source = AsMat(over);
+  const cv::Point2f from[3] = {{0, 0}, {kWidth, 0}, {0, kHeight}};
+  cv::Point2f to[3];
+  for (size_t i = 0; i < 3; ++i)
+    to[i] = {static_cast<float>(corners[i].X), static_cast<float>(corners[i].Y)};
+  const cv::Mat map = cv::getAffineTransform(from, to);
+  for (auto _ : state)
+    cv::warpAffine(source, target, map, target.size(), cv::INTER_NEAREST, cv::BORDER_TRANSPARENT);
+  CountPixels(state, int64_t{kWidth} * kHeight);
+}
+BENCHMARK_CAPTURE(OpenCvParallelogram, mirror 24, kMirror)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(OpenCvParallelogram, half turn 24, kHalfTurn)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(OpenCvParallelogram, slanted 24, kSlanted)->Unit(benchmark::kMillisecond);
+
 BENCHMARK(BM_OpenCvArea)
     ->Args({1000, 750})
     ->Args({1500, 1000})
@@ -150,6 +284,24 @@ QImage AsImage(Raster& raster, QImage::Format format) {
   return QImage(raster.Row(0), raster.Width(), raster.Height(),
                 static_cast<qsizetype>(raster.Stride()), format);
 }
+
+void BM_QtSlanted(benchmark::State& state) {
+  Raster photo = Photo().Clone(), over = Photo().Clone();
+  QImage target = AsImage(photo, QImage::Format_BGR888).convertToFormat(QImage::Format_RGB32);
+  const QImage source = AsImage(over, QImage::Format_BGR888).convertToFormat(QImage::Format_RGB32);
+  const auto& [origin, right, down] = kSlanted;
+  const QTransform map(static_cast<double>(right.X - origin.X) / kWidth,
+                       static_cast<double>(right.Y - origin.Y) / kWidth,
+                       static_cast<double>(down.X - origin.X) / kHeight,
+                       static_cast<double>(down.Y - origin.Y) / kHeight, origin.X, origin.Y);
+  for (auto _ : state) {
+    QPainter painter(&target);
+    painter.setTransform(map);
+    painter.drawImage(0, 0, source);
+  }
+  CountPixels(state, int64_t{kWidth} * kHeight);
+}
+BENCHMARK(BM_QtSlanted)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 /// Qt keeps its alpha premultiplied; the target is what it blends fastest onto: 32 bits as well as
 /// 24 are asked.
@@ -180,10 +332,26 @@ void BM_QtBlendStretchedOver32(benchmark::State& state) {
   QtBlend(state, QImage::Format_RGB32, 0.625);
 }
 
-BENCHMARK(BM_QtBlendSameSizeOver24)->Arg(255)->Arg(128)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_QtBlendSameSizeOver32)->Arg(255)->Arg(128)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_QtBlendStretchedOver24)->Arg(255)->Arg(128)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_QtBlendStretchedOver32)->Arg(255)->Arg(128)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_QtBlendSameSizeOver24)
+    ->Arg(255)
+    ->Arg(128)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(BM_QtBlendSameSizeOver32)
+    ->Arg(255)
+    ->Arg(128)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(BM_QtBlendStretchedOver24)
+    ->Arg(255)
+    ->Arg(128)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(BM_QtBlendStretchedOver32)
+    ->Arg(255)
+    ->Arg(128)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 #endif
 
 #ifdef RASTERKIT_BENCH_PIXMAN

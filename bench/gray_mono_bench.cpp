@@ -5,8 +5,6 @@
 // The number behind a name is the picture's height; it is 4000 pixels wide. 3000 rows come from
 // memory, 250 stay in the cache. What works in place gets a fresh picture each time, outside the
 // clock.
-#include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -20,6 +18,7 @@
 #include <rasterkit/host/runtime/pixel_memory.h>
 
 #include "bench/bench_pictures.h"
+#include "bench/bench_timing.h"
 
 #if RASTERKIT_BENCH_OPENCV
 #include <opencv2/imgproc.hpp>
@@ -56,24 +55,9 @@ PixelMemory Picture(int height, size_t bytesPerPixel = 3) {
   return picture;
 }
 
-/// Measures `work`, with `prepare` before it outside the clock. Tells nanoseconds a pixel of the
-/// fastest pass too, as that is what other programs on the machine disturb least.
 template <class Prepare, class Work>
 void Measure(benchmark::State& state, Prepare prepare, Work work) {
-  double least = 1e9;
-  for (auto _ : state) {
-    prepare();
-    benchmark::ClobberMemory();
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    benchmark::ClobberMemory();
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    state.SetIterationTime(taken.count());
-    least = std::min(least, taken.count());
-  }
-  const double pixels = static_cast<double>(state.range(0)) * kWidth;
-  state.SetItemsProcessed(state.iterations() * state.range(0) * kWidth);
-  state.counters["least_ns_per_pixel"] = least * 1e9 / pixels;
+  rasterkit::bench::MeasurePrepared(state, state.range(0) * kWidth, prepare, work);
 }
 
 /// Measures `work(pixels)`, which changes a picture of its own, on a fresh copy each time.

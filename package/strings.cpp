@@ -8,10 +8,16 @@
 namespace rasterkit {
 namespace {
 
-constexpr std::array kKeys = {rsAllSupportedFiles, rsBitmapToLargeToRotate, rsPaletteExceeded,
-                              // Crop tool.
-                              rsSizeOfPicture, rsInfoWidth, rsInfoHeight, rsInfoBitDepth,
-                              rsInfoCutWidth, rsInfoCutHeight, rsInfoCutMemsize};
+constexpr std::array kKeys = {
+    rsAllSupportedFiles, rsBitmapToLargeToRotate, rsPaletteExceeded,
+    // Buttons
+    rsCancel, rsCancelHint, rsHelp, rsHelpHint, rsOk, rsOkHint, rsRefresh, rsRefreshHint,
+    // File dialogs
+    rsFileIsFolder, rsFileNameTooLong, rsNoSuchFolder, rsOpenPicture, rsPreview, rsPreviewBroken,
+    rsPreviewLoading, rsPreviewNone, rsPreviewTooLarge, rsReplaceFile, rsSavePicture,
+    // Crop tool
+    rsSizeOfPicture, rsInfoWidth, rsInfoHeight, rsInfoBitDepth, rsInfoCutWidth, rsInfoCutHeight,
+    rsInfoCutMemsize};
 
 /// Shared, so that a text can be asked for while the translator is replaced.
 struct Installed {

@@ -15,7 +15,30 @@ inline constexpr std::string_view rsBitmapToLargeToRotate = "Bitmap to large to 
 inline constexpr std::string_view rsPaletteExceeded =
     "Palette überschritten. Benötige 24bit Farbtiefe.";
 
-// Crop tool. Width, height, memory size and its unit.
+/// The buttons that end a dialog, and what they say about themselves.
+inline constexpr std::string_view rsCancel = "Cancel";
+inline constexpr std::string_view rsCancelHint = "Closes without changes";
+inline constexpr std::string_view rsHelp = "Help";
+inline constexpr std::string_view rsHelpHint = "Shows help";
+inline constexpr std::string_view rsOk = "OK";
+inline constexpr std::string_view rsOkHint = "Takes over the changes and closes";
+inline constexpr std::string_view rsRefresh = "Refresh";
+inline constexpr std::string_view rsRefreshHint = "Sets everything back";
+
+/// The picture file dialogs and their preview; "%1" is a file's name.
+inline constexpr std::string_view rsFileIsFolder = "%1 is a folder.";
+inline constexpr std::string_view rsFileNameTooLong = "The name %1 is too long.";
+inline constexpr std::string_view rsNoSuchFolder = "There is no folder %1.";
+inline constexpr std::string_view rsOpenPicture = "Open picture";
+inline constexpr std::string_view rsPreview = "Preview";
+inline constexpr std::string_view rsPreviewBroken = "The file cannot be read as a picture";
+inline constexpr std::string_view rsPreviewLoading = "Loading ...";
+inline constexpr std::string_view rsPreviewNone = "No preview";
+inline constexpr std::string_view rsPreviewTooLarge = "Too large for a preview";
+inline constexpr std::string_view rsReplaceFile = "%1 exists already.\nReplace it?";
+inline constexpr std::string_view rsSavePicture = "Save picture";
+
+/// The crop tool. Width, height, memory size and its unit.
 inline constexpr std::string_view rsSizeOfPicture = "%d * %d px (%s [%s])";
 inline constexpr std::string_view rsInfoWidth = "Width=%d";
 inline constexpr std::string_view rsInfoHeight = "Height=%d";

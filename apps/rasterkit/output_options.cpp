@@ -25,6 +25,7 @@ std::string CheckAngle(const std::string& text) {
 std::vector<std::string> Names(
     const std::vector<std::pair<std::string, TiffCompression>>& compressions) {
   std::vector<std::string> names;
+  names.reserve(compressions.size());
   for (const auto& [name, compression] : compressions) names.push_back(name);
   return names;
 }

@@ -1,3 +1,6 @@
+#include <rasterkit/bitmaptools/engine/sharpen.h>
+#include <rasterkit/bitmaptools/engine/shift_colors.h>
+
 #include "apps/rasterkit/adjust_values.h"
 #include "apps/rasterkit/change_colors.h"
 #include "apps/rasterkit/exit_code.h"
@@ -15,8 +18,9 @@ struct Values {
 void ChangePixels(TBitmap& pixels, const Values& values, int threads) {
   ChangeBrightness(pixels, values.brightness, threads);
   ChangeContrast(pixels, values.contrast, threads);
-  Sharpen(pixels, values.sharpen);
-  ShiftColors(pixels, values.red, values.green, values.blue);
+  Sharpen(&pixels, values.sharpen);
+  ShiftColors(&pixels, static_cast<float>(values.red), static_cast<float>(values.green),
+              static_cast<float>(values.blue));
 }
 
 void Adjust(Subject& picture, const Values& values) {

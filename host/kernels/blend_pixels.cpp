@@ -36,8 +36,6 @@ void BlendRow(const uint8_t* source, size_t width, Opacity opacity, uint8_t* tar
 
 using Bytes = hn::ScalableTag<uint8_t>;
 using Words = hn::Repartition<uint16_t, Bytes>;
-using Lanes = hn::Repartition<int32_t, Bytes>;
-using Floats = hn::Repartition<float, Bytes>;
 using ByteVector = hn::Vec<Bytes>;
 using WordVector = hn::Vec<Words>;
 
@@ -67,86 +65,69 @@ HWY_INLINE ByteVector Mix(ByteVector s, ByteVector t, WordVector evenWeight, Wor
   return hn::BitCast(Bytes(), hn::Or(hn::ShiftRight<8>(even), top));
 }
 
-/// A vector of pixels whose opacity is one byte: the pixel's own or the constant.
-template <size_t kTargetBytes>
-HWY_INLINE void BlendBlockByByte(const uint8_t* source, Opacity opacity, uint8_t* target) {
+/// The rounded 65025th part of d w, for bytes d (in the high halves too: `raised` is 256 d) and
+/// products w of two bytes. With 65025 = 254 * 256 + 1 all of it fits into words: d w + 32512 is
+/// 256 `high` + `low`, and a quotient by 254 is right or, where its remainder does not cover it,
+/// one too large.
+HWY_INLINE WordVector ProductPart(WordVector d, WordVector raised, WordVector w) {
+  const Words words;
+  const auto low = hn::And(hn::Mul(d, w), hn::Set(words, 0xFF));
+  const auto high = hn::Add(hn::MulHigh(raised, w), hn::Set(words, 127));
+  // 33027 / 2^22 is a 127th, a little more: not enough to matter for 15 bits.
+  const auto quotient =
+      hn::ShiftRight<6>(hn::MulHigh(hn::ShiftRight<1>(high), hn::Set(words, 33027)));
+  const auto rest = hn::Sub(high, hn::Mul(quotient, hn::Set(words, 254)));
+  const auto remainder = hn::Or(hn::ShiftLeft<8>(rest), low);
+  const auto missing = hn::SaturatedSub(quotient, remainder);
+  return hn::Sub(quotient, hn::Min(missing, hn::Set(words, 1)));
+}
+
+/// The target moves towards the source by a part of their distance. No sum lies halfway between two
+/// results, as 65025 is odd, so that both directions round alike.
+HWY_INLINE ByteVector MixByProduct(ByteVector s, ByteVector t, WordVector evenWeight,
+                                   WordVector oddWeight) {
+  const auto up = hn::SaturatedSub(s, t), down = hn::SaturatedSub(t, s);
+  const auto d = hn::BitCast(Words(), hn::Or(up, down));
+  const auto evenD = hn::And(d, hn::Set(Words(), 0xFF)), oddD = hn::ShiftRight<8>(d);
+  const auto even = ProductPart(evenD, hn::ShiftLeft<8>(evenD), evenWeight);
+  const auto odd = ProductPart(oddD, hn::And(d, hn::Set(Words(), 0xFF00)), oddWeight);
+  const auto part = hn::BitCast(Bytes(), hn::Or(even, hn::ShiftLeft<8>(odd)));
+  const auto rises = hn::Eq(down, hn::Zero(Bytes()));
+  return hn::IfThenElse(rises, hn::Add(t, part), hn::Sub(t, part));
+}
+
+template <bool kByProduct>
+HWY_INLINE ByteVector Mixed(ByteVector s, ByteVector t, WordVector even, WordVector odd) {
+  if constexpr (kByProduct) return MixByProduct(s, t, even, odd);
+  return Mix(s, t, even, odd);
+}
+
+/// A vector of pixels. Their opacity is one byte, the pixel's own or the constant, or else the
+/// product of both.
+template <size_t kTargetBytes, bool kByProduct>
+HWY_INLINE void BlendBlock(const uint8_t* source, Opacity opacity, uint8_t* target) {
   const Bytes d;
   ByteVector sb, sg, sr, sa, tb, tg, tr;
   hn::LoadInterleaved4(d, source, sb, sg, sr, sa);
   const auto weight = opacity.pixelAlpha ? sa : hn::Set(d, opacity.constant);
   if (hn::AllTrue(d, hn::Eq(weight, hn::Zero(d)))) return;
-  const auto even = EvenBytes(weight), odd = OddBytes(weight);
+  auto even = EvenBytes(weight), odd = OddBytes(weight);
+  if constexpr (kByProduct) {
+    const auto constant = hn::Set(Words(), opacity.constant);
+    even = hn::Mul(even, constant), odd = hn::Mul(odd, constant);
+  }
   if constexpr (kTargetBytes == 3) {
     hn::LoadInterleaved3(d, target, tb, tg, tr);
-    hn::StoreInterleaved3(Mix(sb, tb, even, odd), Mix(sg, tg, even, odd), Mix(sr, tr, even, odd), d,
-                          target);
+    hn::StoreInterleaved3(Mixed<kByProduct>(sb, tb, even, odd),
+                          Mixed<kByProduct>(sg, tg, even, odd),
+                          Mixed<kByProduct>(sr, tr, even, odd), d, target);
   } else {
     ByteVector ta;
     hn::LoadInterleaved4(d, target, tb, tg, tr, ta);
-    hn::StoreInterleaved4(Mix(sb, tb, even, odd), Mix(sg, tg, even, odd), Mix(sr, tr, even, odd),
-                          Mix(hn::Set(d, 255), ta, even, odd), d, target);
-  }
-}
-
-/// As many pixels as a vector has lanes of 32 bits, of one channel.
-HWY_INLINE void MixLanes(const uint8_t* s, const uint8_t* alpha, uint8_t constant, uint8_t* t) {
-  constexpr int32_t kWhole = 255 * 255;
-  const Lanes d;
-  const Floats floats;
-  const hn::Rebind<uint8_t, Lanes> bytes;
-  const auto whole = hn::Set(d, kWhole);
-  const auto weight =
-      hn::Mul(hn::PromoteTo(d, hn::LoadU(bytes, alpha)), hn::Set(d, int32_t{constant}));
-  const auto there = hn::PromoteTo(d, hn::LoadU(bytes, t));
-  const auto drawn = hn::PromoteTo(d, hn::LoadU(bytes, s));
-  const auto sum = hn::Add(hn::Add(hn::Mul(drawn, weight), hn::Mul(there, hn::Sub(whole, weight))),
-                           hn::Set(d, kWhole / 2));
-  // Sums take 24 bits, so the conversion is exact; the factor is a little too small, so the
-  // quotient is right or short by one, which its remainder tells.
-  constexpr float kFactor = 1.0f / kWhole * (1 - 1.0f / (1 << 22));
-  const auto quotient =
-      hn::ConvertTo(d, hn::Mul(hn::ConvertTo(floats, sum), hn::Set(floats, kFactor)));
-  const auto remainder = hn::Sub(sum, hn::Mul(quotient, whole));
-  const auto short1 =
-      hn::VecFromMask(d, hn::Gt(remainder, hn::Set(d, kWhole - 1)));  // -1 where it is short
-  hn::StoreU(hn::DemoteTo(bytes, hn::Sub(quotient, short1)), bytes, t);
-}
-
-/// A vector of pixels whose opacity is a product of two bytes.
-template <size_t kTargetBytes>
-HWY_INLINE void BlendBlockByProduct(const uint8_t* source, Opacity opacity, uint8_t* target) {
-  const Bytes d;
-  HWY_ALIGN uint8_t s[4][kMaxPixels], t[4][kMaxPixels];
-  ByteVector sb, sg, sr, sa, tb, tg, tr, ta = hn::Zero(d);
-  hn::LoadInterleaved4(d, source, sb, sg, sr, sa);
-  if (hn::AllTrue(d, hn::Eq(sa, hn::Zero(d)))) return;
-  if constexpr (kTargetBytes == 3) {
-    hn::LoadInterleaved3(d, target, tb, tg, tr);
-  } else {
-    hn::LoadInterleaved4(d, target, tb, tg, tr, ta);
-  }
-  hn::Store(sb, d, s[0]), hn::Store(sg, d, s[1]), hn::Store(sr, d, s[2]);
-  hn::Store(hn::Set(d, 255), d, s[3]);
-  hn::Store(tb, d, t[0]), hn::Store(tg, d, t[1]), hn::Store(tr, d, t[2]), hn::Store(ta, d, t[3]);
-  HWY_ALIGN uint8_t alpha[kMaxPixels];
-  hn::Store(sa, d, alpha);
-  for (size_t c = 0; c < kTargetBytes; ++c)
-    for (size_t i = 0; i < hn::Lanes(d); i += hn::Lanes(Lanes()))
-      MixLanes(s[c] + i, alpha + i, opacity.constant, t[c] + i);
-  tb = hn::Load(d, t[0]), tg = hn::Load(d, t[1]), tr = hn::Load(d, t[2]);
-  if constexpr (kTargetBytes == 3) {
-    hn::StoreInterleaved3(tb, tg, tr, d, target);
-  } else {
-    hn::StoreInterleaved4(tb, tg, tr, hn::Load(d, t[3]), d, target);
-  }
-}
-
-template <size_t kTargetBytes, bool kByProduct>
-HWY_INLINE void BlendBlock(const uint8_t* source, Opacity opacity, uint8_t* target) {
-  if constexpr (kByProduct) {
-    BlendBlockByProduct<kTargetBytes>(source, opacity, target);
-  } else {
-    BlendBlockByByte<kTargetBytes>(source, opacity, target);
+    hn::StoreInterleaved4(Mixed<kByProduct>(sb, tb, even, odd),
+                          Mixed<kByProduct>(sg, tg, even, odd),
+                          Mixed<kByProduct>(sr, tr, even, odd),
+                          Mixed<kByProduct>(hn::Set(d, 255), ta, even, odd), d, target);
   }
 }
 

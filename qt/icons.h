@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QIcon>
+#include <QString>
+
+#include <rasterkit/host/runtime/export.h>
+
+namespace rasterkit {
+
+/// One of the project's own drawings: "post", "cancel", "help", "refresh", "undo", "crop", "fit",
+/// "actual-size", "picture". Sharp at every size, and drawn in dark colours on a light palette, in
+/// light ones on a dark palette, whichever the application has when it is painted. Disabled ones
+/// are pale. An unknown name gives an empty icon.
+RASTERKIT_EXPORT QIcon Icon(const QString& name);
+
+/// True when the application's windows are dark.
+RASTERKIT_EXPORT bool IsDarkStyle();
+
+}  // namespace rasterkit
