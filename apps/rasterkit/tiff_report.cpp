@@ -57,7 +57,7 @@ const char* NumberWord(int sampleFormat) {
 
 std::string PageWords(const TiffFacts& facts) {
   if (facts.pages <= 1) return {};
-  const std::string words = fmt::format(", {} pages", facts.pages);
+  std::string words = fmt::format(", {} pages", facts.pages);
   if (facts.secondaryPages == 0) return words;
   const char* const what =
       facts.secondaryPages == 1 ? "a smaller copy or mask" : "smaller copies or masks";
