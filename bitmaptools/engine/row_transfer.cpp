@@ -1,5 +1,3 @@
-#include <utility>
-
 #include <rasterkit/bitmaptools/engine/pixel_thread.h>
 #include <rasterkit/bitmaptools/engine/row_transfer.h>
 #include <rasterkit/host/graphics/bitmap.h>
@@ -17,11 +15,11 @@ bool IsOrdinary(const TPixelThread& worker) {
 
 }  // namespace
 
-std::unique_ptr<RowTransfer> MakeRowTransfer(const TPixelThread& worker, ColumnRun run) {
+std::unique_ptr<RowTransfer> MakeRowTransfer(const TPixelThread& worker, const ColumnRun& run) {
   if (run.columns.empty() || !IsOrdinary(worker)) return nullptr;
-  if (worker.nTarBytes >= 3) return MakeColorTransfer(worker, std::move(run));
-  if (worker.nTarBytes == 1) return MakeIndexTransfer(worker, std::move(run));
-  if (worker.nTarBit != 4) return MakeMonoTransfer(worker, std::move(run));
+  if (worker.nTarBytes >= 3) return MakeColorTransfer(worker, run);
+  if (worker.nTarBytes == 1) return MakeIndexTransfer(worker, run);
+  if (worker.nTarBit != 4) return MakeMonoTransfer(worker, run);
   return nullptr;
 }
 

@@ -27,7 +27,7 @@ struct ColumnRun {
 
 /// Null where only TransferRules serve: rows that other workers may touch, and rare pairs of
 /// formats.
-std::unique_ptr<RowTransfer> MakeRowTransfer(const TPixelThread& worker, ColumnRun run);
+std::unique_ptr<RowTransfer> MakeRowTransfer(const TPixelThread& worker, const ColumnRun& run);
 
 /// For targets of 24 and 32 bits, of 8 bits, and of 1 bit; null as above.
 std::unique_ptr<RowTransfer> MakeColorTransfer(const TPixelThread& worker, const ColumnRun& run);
