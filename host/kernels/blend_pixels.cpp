@@ -10,10 +10,8 @@
 // clang-format on
 
 HWY_BEFORE_NAMESPACE();
-namespace rasterkit::kernels {
-namespace HWY_NAMESPACE {
+namespace rasterkit::kernels::HWY_NAMESPACE {
 namespace {
-namespace hn = hwy::HWY_NAMESPACE;
 
 template <size_t kTargetBytes>
 void BlendOneByOne(const uint8_t* source, size_t width, Opacity opacity, uint8_t* target) {
@@ -33,6 +31,8 @@ void BlendRow(const uint8_t* source, size_t width, Opacity opacity, uint8_t* tar
 }
 
 #else
+
+namespace hn = hwy::HWY_NAMESPACE;
 
 using Bytes = hn::ScalableTag<uint8_t>;
 using Words = hn::Repartition<uint16_t, Bytes>;
@@ -167,8 +167,7 @@ void Over32(const uint8_t* source, size_t width, Opacity opacity, uint8_t* targe
 }
 
 }  // namespace
-}  // namespace HWY_NAMESPACE
-}  // namespace rasterkit::kernels
+}  // namespace rasterkit::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

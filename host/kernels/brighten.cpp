@@ -16,8 +16,7 @@
 // clang-format on
 
 HWY_BEFORE_NAMESPACE();
-namespace rasterkit::kernels {
-namespace HWY_NAMESPACE {
+namespace rasterkit::kernels::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -151,8 +150,7 @@ void BrightenRow(const Brightening& b, const uint8_t* bgr, size_t width, uint8_t
 #endif
 
 }  // namespace
-}  // namespace HWY_NAMESPACE
-}  // namespace rasterkit::kernels
+}  // namespace rasterkit::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

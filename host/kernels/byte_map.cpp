@@ -13,8 +13,7 @@
 // clang-format on
 
 HWY_BEFORE_NAMESPACE();
-namespace rasterkit::kernels {
-namespace HWY_NAMESPACE {
+namespace rasterkit::kernels::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -110,8 +109,7 @@ void Map(const ByteMap& map, uint8_t* bytes, size_t count) {
 }
 
 }  // namespace
-}  // namespace HWY_NAMESPACE
-}  // namespace rasterkit::kernels
+}  // namespace rasterkit::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

@@ -10,8 +10,7 @@
 // clang-format on
 
 HWY_BEFORE_NAMESPACE();
-namespace rasterkit::kernels {
-namespace HWY_NAMESPACE {
+namespace rasterkit::kernels::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -81,8 +80,7 @@ void Take(uint8_t* bgra, const uint8_t* source, const uint8_t* keep, size_t widt
 }
 
 }  // namespace
-}  // namespace HWY_NAMESPACE
-}  // namespace rasterkit::kernels
+}  // namespace rasterkit::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

@@ -12,8 +12,7 @@
 #include <rasterkit/host/kernels/byte_map.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace rasterkit::kernels {
-namespace HWY_NAMESPACE {
+namespace rasterkit::kernels::HWY_NAMESPACE {
 namespace {
 
 #if HWY_TARGET != HWY_SCALAR
@@ -52,7 +51,10 @@ struct Slope {
         low(hwy::HWY_NAMESPACE::Set(Words(), map.low)),
         high(hwy::HWY_NAMESPACE::Set(Words(), map.high)) {}
 
-  /// `kHalvesToEven` when `low` and `high` differ.
+  /// `kHalvesToEven` when `low` and `high` differ: they lie so close to the exact factor, on either
+  /// side of it or one of them on it, that the two rounded parts differ (by 1) where the exact part
+  /// is a half and nowhere else. There the even one of both sums is taken. When they are equal,
+  /// that one factor rounds all that there is to round as the table does.
   template <bool kHalvesToEven>
   HWY_INLINE WordVector Map(WordVector bytes) const {
     namespace hn = hwy::HWY_NAMESPACE;
@@ -78,8 +80,7 @@ struct Slope {
 #endif
 
 }  // namespace
-}  // namespace HWY_NAMESPACE
-}  // namespace rasterkit::kernels
+}  // namespace rasterkit::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif
