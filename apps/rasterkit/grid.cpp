@@ -6,18 +6,10 @@
 #include <cstring>
 #include <limits>
 
+#include <rasterkit/host/runtime/half.h>
+
 namespace rasterkit::tool {
 namespace {
-
-double HalfToDouble(uint16_t half) {
-  const int exponent = half >> 10 & 31, fraction = half & 1023;
-  const double sign = half >> 15 != 0 ? -1 : 1;
-  if (exponent == 31)
-    return fraction != 0 ? std::numeric_limits<double>::quiet_NaN()
-                         : sign * std::numeric_limits<double>::infinity();
-  return sign *
-         (exponent == 0 ? std::ldexp(fraction, -24) : std::ldexp(fraction + 1024, exponent - 25));
-}
 
 template <class T>
 T Read(const uint8_t* row, int column) {

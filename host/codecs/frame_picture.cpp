@@ -10,6 +10,7 @@
 #include <rasterkit/host/codecs/tiff_numbers.h>
 #include <rasterkit/host/kernels/exchange_red_blue.h>
 #include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/host/runtime/half.h>
 
 namespace rasterkit {
 namespace {
@@ -28,7 +29,7 @@ double SignedWord(const uint8_t* row, int x) {
   return NumberAt<int16_t>(row, x);
 }
 double Half(const uint8_t* row, int x) {
-  return detail::HalfToDouble(NumberAt<uint16_t>(row, x));
+  return HalfToDouble(NumberAt<uint16_t>(row, x));
 }
 double Float(const uint8_t* row, int x) {
   return static_cast<double>(NumberAt<float>(row, x));

@@ -1,9 +1,9 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
-#include <limits>
 
 #include <rasterkit/host/codecs/tiff_numbers.h>
+#include <rasterkit/host/runtime/half.h>
 
 namespace rasterkit::detail {
 
@@ -53,21 +53,6 @@ uint32_t BitsAt(const uint8_t* row, size_t bit, int bits) {
 }
 
 }  // namespace
-
-double HalfToDouble(uint16_t half) {
-  const int exponent = half >> 10 & 31;
-  const int fraction = half & 1023;
-  double value = 0;
-  if (exponent == 0) {
-    value = std::ldexp(fraction, -24);
-  } else if (exponent < 31) {
-    value = std::ldexp(1024 + fraction, exponent - 25);
-  } else {
-    value = fraction == 0 ? std::numeric_limits<double>::infinity()
-                          : std::numeric_limits<double>::quiet_NaN();
-  }
-  return half & 0x8000 ? -value : value;
-}
 
 void UnpackNumbers(const uint8_t* row, int bits, TiffNumber number, const TiffSampleRange& range,
                    double* numbers, size_t targetStep) {

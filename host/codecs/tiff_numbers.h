@@ -19,9 +19,6 @@ struct TiffSampleRange {
 void UnpackNumbers(const uint8_t* row, int bits, TiffNumber number, const TiffSampleRange& range,
                    double* numbers, size_t targetStep);
 
-/// An IEEE half as a double.
-double HalfToDouble(uint16_t half);
-
 /// The value that is shown at full brightness: 1 for floating numbers.
 double FullScale(int bits, TiffNumber number);
 

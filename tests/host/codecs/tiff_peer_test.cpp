@@ -10,8 +10,8 @@
 
 #include <rasterkit/host/codecs/tiff_decoder.h>
 #include <rasterkit/host/codecs/tiff_facts.h>
-#include <rasterkit/host/codecs/tiff_numbers.h>
 #include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/host/runtime/half.h>
 
 #include "tests/reference/tiff_reference.h"
 #include "tests/support/corpus.h"
@@ -238,7 +238,7 @@ bool ExpectAsPeer(const std::string& path, const TempFolder& folder) {
       const uint64_t pixel = FramePixel(frame.rows, x, y);
       bool isSame = false;
       if (frame.format == GUID_WICPixelFormat16bppGrayHalf) {
-        const double value = detail::HalfToDouble(static_cast<uint16_t>(pixel));
+        const double value = HalfToDouble(static_cast<uint16_t>(pixel));
         isSame = value == bands->Number(x, y, 0) || std::isnan(value);
       } else {
         isSame = pixel == PixelOf(*bands, meaning, frame.format, x, y);
