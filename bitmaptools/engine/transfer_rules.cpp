@@ -134,11 +134,11 @@ void TransferRules::TakeOverNibbles(int32_t x) {
   StorePacked(x / 2, joined);
 }
 
+// Joined nibbles may set bits behind the last pixel, which stay zero in the rows of a bitmap.
 void TransferRules::StorePacked(int32_t byte, uint8_t value) {
   const int32_t width = w_.TarBmp->Width();
   const int32_t bits = w_.nTarBit == 4 ? 4 : 1;
   const auto last = static_cast<int32_t>((int64_t{width} * bits - 1) / 8);
-  if (byte > last) return;
   const uint8_t mask = byte == last ? LastByteMask(width, bits) : 0xFF;
   Store(w_.Tar8 + byte, value & mask);
 }

@@ -39,6 +39,7 @@ class TransferRules {
   void MixInto(int32_t x, const Color& source);
   Color SourceEntry() const;
 
+  /// Into a byte of the target row.
   void StorePacked(int32_t byte, uint8_t value);
   const uint8_t* TargetRow() const;
   Color TargetColor(int32_t x) const;

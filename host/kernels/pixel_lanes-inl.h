@@ -63,9 +63,16 @@ HWY_INLINE LaneOrder SpreadOrder() {
   return OrderLanes([](int i) { return i / 4 * 3 + i % 4; });
 }
 
-/// The reverse: what lies in the first 12 bytes of each block, side by side. Then turned by `k`
-/// quarters of a vector, to where it belongs when three quarters of each of four vectors are
-/// joined and this is number `k`.
+/// The reverse: what lies in the first 12 bytes of each block, side by side: three quarters of a
+/// vector, here a b c. Then turned by `k` quarters, so that of four vectors each quarter stands
+/// where it belongs when they are joined to three:
+///
+///   order 0:  a0 b0 c0 ..
+///   order 1:  b1 c1 .. a1      first:   a0 b0 c0 a1
+///   order 2:  c2 .. a2 b2      second:  b1 c1 a2 b2
+///   order 3:  .. a3 b3 c3      third:   c2 a3 b3 c3
+///
+/// Nobody looks at the quarters marked by dots.
 HWY_INLINE LaneOrder JoinOrder(int k) {
   return OrderLanes([k](int i) {
     const int lanes = static_cast<int>(hn::Lanes(Lanes()));
@@ -113,8 +120,8 @@ HWY_INLINE void StoreLanes(LaneVector v, uint8_t* target) {
 
 #if HWY_TARGET <= HWY_AVX3
 
-/// Stores the lanes as three-byte pixels, in three whole vectors: a load from behind a masked or
-/// overlapping store would have to wait for it.
+/// Stores the lanes as three-byte pixels, in three whole vectors, each joined of two neighbours as
+/// at `JoinOrder`: a load from behind a masked or overlapping store would have to wait for it.
 HWY_INLINE void StorePacked(const PackedOrder& order, const Quad& q, uint8_t* target) {
   const size_t step = hn::Lanes(Bytes());
   const size_t quarter = hn::Lanes(Lanes()) / 4;
