@@ -106,6 +106,20 @@ TEST(PixelThreadTest, AWorkerByItselfTakesItsBandAndIsCountedDown) {
   for (int y = 0; y < 10; ++y) EXPECT_EQ(bitmap.ScanLine(y)[0], y < 5 ? 100 : 86) << y;
 }
 
+TEST(PixelThreadTest, AWorkerLooksAtTheRangeOfBrightnessItself) {
+  for (const int32_t percent : {0, 101, 150, -101, 100, -100}) {
+    TBitmap bitmap = Blank(pf24bit, 3, 4);
+    bitmap.ScanLine(0)[0] = 100;  // of 100, 255, 255 the grey value is 237
+    TManageThreads manager(1, 4, nullptr);
+    const auto worker = MakeThread<TPixelThread>(manager, 0, ptBrighten);
+    worker->InitBitmap(bitmap, percent);
+    worker->Start();
+    worker->WaitFor();
+    const int expected = percent == 100 ? 218 : percent == -100 ? 0 : 100;
+    EXPECT_EQ(bitmap.ScanLine(0)[0], expected) << percent;
+  }
+}
+
 TEST(PixelThreadTest, ABandBeyondTheLastRowEndsTheWorkerAlone) {
   TBitmap bitmap = Blank(pf24bit, 3, 9);
   for (int y = 0; y < 9; ++y) bitmap.ScanLine(y)[0] = 100;

@@ -1,0 +1,223 @@
+// What the long operations tell their callbacks: which rows count, from how many on, and how far it
+// goes. Calls come from the workers' threads at their ends, and from the timer on this thread.
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <rasterkit/bitmaptools/engine/composition.h>
+#include <rasterkit/bitmaptools/engine/contrast_brightness.h>
+#include <rasterkit/bitmaptools/engine/pixel_transfer.h>
+#include <rasterkit/host/graphics/bitmap.h>
+
+#include "tests/support/same_pixels.h"
+#include "tests/support/test_pictures.h"
+
+namespace rasterkit {
+namespace {
+
+/// Percentages in the order in which each thread was called.
+class Reports {
+ public:
+  TProgressEvent Event() {
+    return [this](float percent) {
+      const std::lock_guard lock(mutex_);
+      ofThreads_[std::this_thread::get_id()].push_back(percent);
+    };
+  }
+
+  size_t Count() const {
+    size_t count = 0;
+    for (const auto& [thread, percentages] : ofThreads_) count += percentages.size();
+    return count;
+  }
+
+  float Most() const {
+    float most = 0;
+    for (const auto& [thread, percentages] : ofThreads_)
+      most = std::max(most, *std::max_element(percentages.begin(), percentages.end()));
+    return most;
+  }
+  bool Rise() const {
+    return std::all_of(ofThreads_.begin(), ofThreads_.end(), [](const auto& entry) {
+      return entry.second.front() >= 0 && std::is_sorted(entry.second.begin(), entry.second.end());
+    });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::map<std::thread::id, std::vector<float>> ofThreads_;
+};
+
+/// An operation over so many rows.
+struct Operation {
+  std::string name;
+  /// Rows of the target beyond those that are worked on.
+  int spareRows;
+  std::function<void(TBitmap& target, TBitmap& source, int threads, TProgressEvent)> run;
+};
+
+TRect Whole(const TBitmap& bitmap) {
+  return {0, 0, bitmap.Width(), bitmap.Height()};
+}
+
+/// Those that count rows. The combinations leave out the last row of the target.
+std::vector<Operation> RowCounters() {
+  return {
+      {"AssignPartBitmap", 0,
+       [](TBitmap& to, TBitmap& from, int threads, TProgressEvent event) {
+         AssignPartBitmap(&to, &from, Whole(to), Whole(from), threads, std::move(event), pmShadow,
+                          0, false, false);
+       }},
+      {"AssignInWhite", 0,
+       [](TBitmap& to, TBitmap& from, int threads, TProgressEvent event) {
+         AssignInWhite(&to, &from, Whole(to), Whole(from), 0, threads, std::move(event));
+       }},
+      {"CombineGeoResTrans", 1,
+       [](TBitmap& to, TBitmap& from, int threads, TProgressEvent event) {
+         CombineGeoResTrans(&to, &from, 50, true, threads, std::move(event));
+       }},
+      {"CombineGeoResFix", 1,
+       [](TBitmap& to, TBitmap& from, int threads, TProgressEvent event) {
+         CombineGeoResFix(&to, &from, 50, false, threads, std::move(event));
+       }},
+      {"CombineBitmapsTransparent", 1,
+       [](TBitmap& to, TBitmap& from, int threads, TProgressEvent event) {
+         from.SetPixelFormat(pf1bit);
+         CombineBitmapsTransparent(&to, &from, 255, threads, std::move(event));
+       }},
+  };
+}
+
+TBitmap Picture(int rows) {
+  return TBitmap(test::GradientRaster(pf24bit, 4, rows));
+}
+
+TEST(ProgressTest, UpTo1000RowsNothingIsReported) {
+  for (const Operation& operation : RowCounters())
+    for (const int rows : {5, 1000}) {
+      TBitmap target = Picture(rows + operation.spareRows), source = Picture(rows + 1);
+      Reports reports;
+      operation.run(target, source, 2, reports.Event());
+      EXPECT_EQ(reports.Count(), 0u) << operation.name << ", " << rows;
+    }
+}
+
+TEST(ProgressTest, From1001RowsOnEveryWorkerReportsAndTheLastOneReports100Percent) {
+  for (const Operation& operation : RowCounters())
+    for (const int threads : {1, 2, 7}) {
+      TBitmap target = Picture(1001 + operation.spareRows), source = Picture(1002);
+      Reports reports;
+      operation.run(target, source, threads, reports.Event());
+      EXPECT_GE(reports.Count(), static_cast<size_t>(threads)) << operation.name;
+      EXPECT_TRUE(reports.Rise()) << operation.name << ", " << threads;
+      EXPECT_EQ(reports.Most(), 100.0f) << operation.name << ", " << threads;
+    }
+}
+
+TEST(ProgressTest, TheRowsOfTheTargetRectangleDecideAndNotThoseOfTheBitmaps) {
+  TBitmap target = Picture(3000), source = Picture(3000);
+  for (const int rows : {1000, 1001}) {
+    Reports reports;
+    AssignPartBitmap(&target, &source, {0, 0, 4, rows}, Whole(source), 2, reports.Event(), pmShadow,
+                     0, false, false);
+    EXPECT_EQ(reports.Count() > 0, rows == 1001);
+    EXPECT_EQ(reports.Most(), rows == 1001 ? 100.0f : 0.0f);
+  }
+}
+
+TEST(ProgressTest, RowsThatShowNothingOfTheSourceCountToo) {
+  TBitmap target = Picture(2000), source = Picture(10);
+  Reports reports;
+  AssignPartBitmap(&target, &source, {0, 0, 4, 2000}, {0, 0, 4, 2000}, 1, reports.Event(), pmShadow,
+                   0, false, false);
+  EXPECT_EQ(reports.Most(), 100.0f);
+}
+
+TEST(ProgressTest, RowsBelowTheTargetAreNeverDone) {
+  TBitmap target = Picture(1001), source = Picture(1001);
+  Reports reports;
+  AssignPartBitmap(&target, &source, {0, 0, 4, 2002}, Whole(source), 1, reports.Event(), pmShadow,
+                   0, false, false);
+  EXPECT_EQ(reports.Most(), 50.0f);
+}
+
+TEST(ProgressTest, BandsThatReachBeyondTheRectangleAreCountedAsWell) {
+  // 54 bands of 19 rows: the last but one ends at row 1007 of 1001.
+  TBitmap target = Picture(1100), source = Picture(1100);
+  Reports reports;
+  AssignPartBitmap(&target, &source, {0, 0, 4, 1001}, {0, 0, 4, 1001}, 54, reports.Event(),
+                   pmShadow, 0, false, false);
+  EXPECT_EQ(reports.Most(), static_cast<float>(100.0 * 1007 / 1001));
+}
+
+TEST(ProgressTest, NoCallbackIsNeededForAnyNumberOfRows) {
+  for (const Operation& operation : RowCounters())
+    for (const int threads : {1, 3}) {
+      TBitmap target = Picture(1200), source = Picture(1200), other = Picture(1200);
+      operation.run(target, source, threads, nullptr);
+      Reports reports;
+      TBitmap again = Picture(1200);
+      operation.run(again, other, threads, reports.Event());
+      EXPECT_TRUE(test::SamePixels(target, again)) << operation.name;
+    }
+}
+
+TEST(ProgressTest, ACallbackThatThrowsStopsNothing) {
+  for (const Operation& operation : RowCounters()) {
+    TBitmap expected = Picture(1200), actual = Picture(1200), source = Picture(1200),
+            other = Picture(1200);
+    operation.run(expected, source, 3, nullptr);
+    EXPECT_NO_THROW(operation.run(actual, other, 3, [](float) { throw std::runtime_error("no"); }));
+    EXPECT_TRUE(test::SamePixels(expected, actual)) << operation.name;
+  }
+}
+
+using ChangeOfColors = void (*)(TBitmap*, int32_t, int32_t, TProgressEvent);
+
+TEST(ProgressTest, ContrastAndBrightnessReport0PercentOnceAWorkerAtItsEnd) {
+  for (const ChangeOfColors change : {Kontrast, Helligkeit})
+    for (const int rows : {1000, 1001}) {
+      TBitmap bitmap = Picture(rows);
+      Reports reports;
+      change(&bitmap, 20, 3, reports.Event());
+      if (rows == 1000) {
+        EXPECT_EQ(reports.Count(), 0u);
+      } else {
+        EXPECT_GE(reports.Count(), 3u);
+      }
+      EXPECT_EQ(reports.Most(), 0.0f) << "these rows are not counted";
+    }
+}
+
+TEST(ProgressTest, ContrastAndBrightnessInTheCallingThreadAndOfPalettesReportNothing) {
+  for (const ChangeOfColors change : {Kontrast, Helligkeit}) {
+    Reports reports;
+    TBitmap bitmap = Picture(1500);
+    change(&bitmap, 20, 1, reports.Event());
+    bitmap.SetPixelFormat(pf8bit);
+    change(&bitmap, 20, 3, reports.Event());
+    EXPECT_EQ(reports.Count(), 0u);
+  }
+}
+
+TEST(ProgressTest, WhatIsBlendedReportsNothing) {
+  TBitmap target = Picture(1500), source = Picture(1500);
+  Reports reports;
+  CombineBitmapsTransparent(&target, &source, 100, 2, reports.Event());
+  source.SetPixelFormat(pf1bit);
+  CombineBitmapsTransparent(&target, &source, 254, 2, reports.Event());
+  target.SetPixelFormat(pf32bit);
+  CombineBitmapsTransparent(&target, &source, 255, 2, reports.Event());
+  EXPECT_EQ(reports.Count(), 0u);
+}
+
+}  // namespace
+}  // namespace rasterkit
