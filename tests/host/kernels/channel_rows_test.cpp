@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
 #include <random>
 #include <string>
@@ -97,6 +98,28 @@ TEST(ByteMapTest, EveryByteBecomesWhatItsTableSays) {
       ASSERT_EQ(row.Content(), expected) << percent << ", " << hwy::TargetName(target);
     }
   });
+}
+
+TEST(ByteMapTest, SlopesMayStartAtAnyByte) {
+  for (const int origin : {0, 1, 100, 128, 200, 255}) {
+    for (const double factor :
+         {-2.75, -1.0, -0.3, 0.0, 0.5, 0.999, 1.0, 1.25, 1.3, 1.5, 2.5, 7.1}) {
+      ByteTable table;
+      for (int i = 0; i < 256; ++i)
+        table[static_cast<size_t>(i)] = static_cast<uint8_t>(
+            std::clamp(std::nearbyint((i - origin) * factor) + origin, 0.0, 255.0));
+      const ByteMap map = MakeByteMap(table, factor, origin);
+      Row all(256);
+      for (int i = 0; i < 256; ++i) all[static_cast<size_t>(i)] = static_cast<uint8_t>(255 - i);
+      Row expected(all);
+      for (uint8_t& byte : expected) byte = table[byte];
+      test::ForEachSimdTarget([&](int64_t target) {
+        Row row(all);
+        MapBytes(map, row.data(), row.size());
+        ASSERT_EQ(row, expected) << origin << ", " << factor << ", " << hwy::TargetName(target);
+      });
+    }
+  }
 }
 
 TEST(ByteMapTest, TablesThatAreNoSlopeAreLookedUp) {
@@ -277,6 +300,40 @@ TEST(MixRowTest, EqualsTheRuleForAllPairsOfBytesAtEveryPercentage) {
       ASSERT_TRUE(row == expected) << percent << ", " << hwy::TargetName(target);
     });
   }
+}
+
+void ExpectSumsOfTables(const MixWeights& weights, const ByteTable& kept, const ByteTable& added) {
+  Row grounds(65536), sources(65536), keep(65536, 0), expected(65536);
+  for (size_t i = 0; i < 65536; ++i) {
+    grounds[i] = static_cast<uint8_t>(i);
+    sources[i] = static_cast<uint8_t>(i >> 8);
+    expected[i] = static_cast<uint8_t>(kept[grounds[i]] + added[sources[i]]);
+  }
+  test::ForEachSimdTarget([&](int64_t target) {
+    Row row(65536, kPaint);
+    MixRow(weights, row.data(), grounds.data(), sources.data(), keep.data(), row.size());
+    EXPECT_TRUE(row == expected) << hwy::TargetName(target);
+  });
+}
+
+TEST(MixRowTest, TablesThatAreNoSharesAreAddedUp) {
+  std::mt19937 random(19);
+  ByteTable any;
+  for (uint8_t& byte : any) byte = static_cast<uint8_t>(random());
+  const ByteTable half = KeptTable(0.5f);
+  const MixWeights keptIsNone = MakeMixWeights(any, 0.5, AddedTable(0.5f), 0.5);
+  EXPECT_FALSE(keptIsNone.hasForm);
+  ExpectSumsOfTables(keptIsNone, any, AddedTable(0.5f));
+  const MixWeights addedIsNone = MakeMixWeights(half, 0.5, any, 0.5);
+  EXPECT_FALSE(addedIsNone.hasForm);
+  ExpectSumsOfTables(addedIsNone, half, any);
+}
+
+TEST(MixRowTest, OfSumsAbove255TheLowByteCounts) {
+  const ByteTable all = KeptTable(0), whole = AddedTable(1);
+  const MixWeights weights = MakeMixWeights(all, 1, whole, 1);
+  EXPECT_TRUE(weights.hasForm);
+  ExpectSumsOfTables(weights, all, whole);
 }
 
 TEST(TakeRowTest, KeepsWhereItIsToldToAndStaysInsideTheRow) {

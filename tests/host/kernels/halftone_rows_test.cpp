@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -194,6 +195,77 @@ TEST(HalftoneRows, MeansOfColumns_Should_BeExact_When_SumsExceed53Bits) {
     MeansOfColumns(columns.data(), near, total, means.data());
     EXPECT_EQ(means, expected) << hwy::TargetName(simd);
   });
+}
+
+/// One tap of two columns for each of the sums of one channel; in the channels beside it the sums
+/// are one less and one more.
+struct ChosenSums {
+  HalftoneAxis axis;
+  std::vector<uint32_t> columns;
+  std::vector<uint8_t> means;
+
+  ChosenSums(uint32_t axisTotal, uint32_t rowsTotal) : rowsTotal_(rowsTotal) {
+    axis.total = axisTotal;
+    const int64_t total = Total();
+    for (int64_t mean = 0; mean <= 255; ++mean) {
+      Add(mean * total -
+          (total - 1) / 2);  // the least that is rounded up to it, and its neighbours
+      Add(mean * total);
+    }
+    columns.resize(columns.size() + kHalftonePadding);
+  }
+
+  int64_t Total() const { return int64_t{axis.total} * rowsTotal_; }
+
+ private:
+  void Add(int64_t sum) {
+    if (sum < 1 || sum >= 255 * Total()) return;
+    const uint32_t weight = axis.total - 1;
+    axis.taps.push_back({static_cast<int32_t>(columns.size() / 3), 2, weight, 1});
+    const uint64_t largest = uint64_t{255} * rowsTotal_;
+    uint32_t last[3];
+    for (int beside = -1; beside <= 1; ++beside) {
+      const auto wanted = static_cast<uint64_t>(sum + beside);
+      const uint64_t column = std::min(wanted / weight, largest);
+      columns.push_back(static_cast<uint32_t>(column));
+      last[beside + 1] = static_cast<uint32_t>(wanted - column * weight);
+      ASSERT_LE(last[beside + 1], largest);
+      means.push_back(Rounded(wanted, static_cast<uint64_t>(Total())));
+    }
+    columns.insert(columns.end(), last, last + 3);
+  }
+
+  uint32_t rowsTotal_;
+};
+
+/// Below 2^45 doubles divide, from there on whole numbers do, as white times 2^46 is no exact sum
+/// any more.
+TEST(HalftoneRows, MeansOfColumns_Should_BeExact_BesideEveryRoundingBorder_OfTotalsBeyondLongs) {
+  constexpr unsigned kSeed = 45;
+  std::mt19937 random(kSeed);
+  constexpr uint32_t kMost = 1u << 23;
+  std::vector<std::pair<uint32_t, uint32_t>> totals = {{4099, 4111},
+                                                       {kMost / 2 - 1, kMost - 1},
+                                                       {kMost / 2, kMost},
+                                                       {kMost - 1, kMost / 2},
+                                                       {kMost / 2 + 5, kMost - 1},
+                                                       {kMost - 3, kMost / 2 + 99999},
+                                                       {kMost - 1, kMost - 15},
+                                                       {kMost - 1, kMost - 1},
+                                                       {kMost, kMost}};
+  for (int i = 0; i < 40; ++i)
+    totals.emplace_back(kMost / 2 - random() % 5000, kMost - random() % 5000);
+  for (int i = 0; i < 20; ++i) totals.emplace_back(2 + random() % kMost, 2 + random() % kMost);
+  for (const auto& [axisTotal, rowsTotal] : totals) {
+    const ChosenSums sums(std::min(axisTotal, kMost), std::min(rowsTotal, kMost));
+    test::ForEachSimdTarget([&](int64_t simd) {
+      std::vector<uint8_t> means(sums.means.size());
+      MeansOfColumns(sums.columns.data(), sums.axis, static_cast<uint64_t>(sums.Total()),
+                     means.data());
+      ASSERT_EQ(means, sums.means)
+          << axisTotal << " x " << rowsTotal << ", " << hwy::TargetName(simd) << ", seed " << kSeed;
+    });
+  }
 }
 
 TEST(HalftoneGrowth, GrowRowAndMixRows_Should_BeExact_ForEveryLength) {
