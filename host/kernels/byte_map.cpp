@@ -124,9 +124,9 @@ int RoundedPart(int x, int16_t factor) {
 uint8_t BySlope(const ByteMap& map, int byte) {
   const int x = byte - map.origin;
   const int a = RoundedPart(x, map.low), b = RoundedPart(x, map.high);
-  int sum = x * map.whole + std::min(a, b);
+  int sum = map.origin + x * map.whole + std::min(a, b);
   if (a != b) sum += sum & 1;
-  return static_cast<uint8_t>(std::clamp(sum + map.origin, 0, 255));
+  return static_cast<uint8_t>(std::clamp(sum, 0, 255));
 }
 
 bool SlopeGivesTheTable(const ByteMap& map) {
