@@ -1,4 +1,6 @@
+#include <rasterkit/qt/modal_window.h>
 #include <rasterkit/qt/scaled_form.h>
+#include <rasterkit/qt/window_settings.h>
 
 namespace rasterkit {
 
@@ -9,7 +11,11 @@ TScaledForm::TScaledForm(QWidget* parent) : QDialog(parent) {
 }
 
 int TScaledForm::ShowModal() {
-  return exec() == QDialog::Accepted ? mrOk : mrCancel;
+  PutOverActiveWindow(*this);
+  LoadWindowSettings(*this, settingsName_);
+  const int answer = exec();
+  SaveWindowSettings(*this, settingsName_);
+  return answer == QDialog::Accepted ? mrOk : mrCancel;
 }
 
 }  // namespace rasterkit

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <string>
 
 #include <rasterkit/host/runtime/export.h>
 #include <rasterkit/qt/translate_texts.h>
@@ -26,6 +27,10 @@ class RASTERKIT_EXPORT TScaledForm : public QDialog {
   /// `reject()`, Escape, the window's frame or the end of the host's loop.
   int ShowModal();
 
+  /// Keeps the place under this name instead of the object name; for a form that comes in several
+  /// sizes.
+  void SetSettingsName(const std::string& name) { settingsName_ = name; }
+
  protected:
   /// Builds the widgets and gives them the user's language.
   template <typename Ui>
@@ -33,6 +38,9 @@ class RASTERKIT_EXPORT TScaledForm : public QDialog {
     ui.setupUi(this);
     TranslateTexts(*this);
   }
+
+ private:
+  std::string settingsName_;
 };
 
 }  // namespace rasterkit

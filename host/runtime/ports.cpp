@@ -21,6 +21,19 @@ uint32_t GetSysColor(uint32_t index) {
   return HostPorts().systemColor ? HostPorts().systemColor(index) : 0;
 }
 
+std::optional<std::string> ReadSetting(const std::string& section, const std::string& key) {
+  if (!HostPorts().readSetting) return std::nullopt;
+  return HostPorts().readSetting(section, key);
+}
+
+void WriteSetting(const std::string& section, const std::string& key, const std::string& value) {
+  if (HostPorts().writeSetting) HostPorts().writeSetting(section, key, value);
+}
+
+void ShowHelpTopic(int helpContext) {
+  if (HostPorts().helpTopic) HostPorts().helpTopic(helpContext);
+}
+
 int MinuteOfDay() {
   if (HostPorts().minuteOfDay) return HostPorts().minuteOfDay();
   const std::time_t now = std::time(nullptr);

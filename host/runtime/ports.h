@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <rasterkit/host/runtime/export.h>
@@ -38,6 +39,14 @@ struct Ports {
   std::function<void()> messagePump;
   /// The colour 0x00BBGGRR behind a system colour's index.
   std::function<uint32_t(uint32_t index)> systemColor;
+  /// A value of the host's settings file, or nothing when that has none of the name.
+  std::function<std::optional<std::string>(const std::string& section, const std::string& key)>
+      readSetting;
+  /// Keeps a value in the host's settings file.
+  std::function<void(const std::string& section, const std::string& key, const std::string& value)>
+      writeSetting;
+  /// Shows the help topic with this number.
+  std::function<void(int helpContext)> helpTopic;
   /// The minute of the local day, 0 to 1439; the system's clock when empty.
   std::function<int()> minuteOfDay;
 };
@@ -50,6 +59,12 @@ RASTERKIT_EXPORT void ShowMessage(const std::string& text);
 RASTERKIT_EXPORT bool ExecutePictureFileDialog(PictureFileDialog& dialog);
 /// Black when the port is empty.
 RASTERKIT_EXPORT uint32_t GetSysColor(uint32_t index);
+/// Nothing when the port is empty.
+RASTERKIT_EXPORT std::optional<std::string> ReadSetting(const std::string& section,
+                                                        const std::string& key);
+RASTERKIT_EXPORT void WriteSetting(const std::string& section, const std::string& key,
+                                   const std::string& value);
+RASTERKIT_EXPORT void ShowHelpTopic(int helpContext);
 /// Minute of the local day, 0 to 1439.
 RASTERKIT_EXPORT int MinuteOfDay();
 

@@ -46,6 +46,7 @@ void ThreadQueue::Post(Message message) {
   messages_.push_back(std::move(message));
   UpdateAttention();
   arrived_.notify_one();
+  WakeHost();
 }
 
 void ThreadQueue::WaitAndDispatch() {
@@ -84,12 +85,25 @@ void ThreadQueue::AddTimer(const std::shared_ptr<Timer>& timer) {
   timer->due = Clock::now() + timer->interval;
   if (std::find(timers_.begin(), timers_.end(), timer) == timers_.end()) timers_.push_back(timer);
   UpdateAttention();
+  WakeHost();
 }
 
 void ThreadQueue::RemoveTimer(const std::shared_ptr<Timer>& timer) {
   const std::lock_guard lock(mutex_);
   timers_.erase(std::remove(timers_.begin(), timers_.end(), timer), timers_.end());
   UpdateAttention();
+}
+
+void ThreadQueue::SetWakeUp(Message wake) {
+  const std::lock_guard lock(mutex_);
+  wakeHost_.swap(wake);
+}
+
+std::optional<std::chrono::milliseconds> ThreadQueue::TimeToNextTimer() const {
+  const std::lock_guard lock(mutex_);
+  if (timers_.empty()) return std::nullopt;
+  const auto left = std::max(NextDue() - Clock::now(), Clock::duration::zero());
+  return std::chrono::ceil<std::chrono::milliseconds>(left);
 }
 
 void ThreadQueue::Close() {
@@ -141,6 +155,11 @@ ThreadQueue::Clock::time_point ThreadQueue::NextDue() const {
   auto next = Clock::time_point::max();
   for (const std::shared_ptr<Timer>& timer : timers_) next = std::min(next, timer->due);
   return next;
+}
+
+/// Under the lock, so that SetWakeUp can promise that no call is under way.
+void ThreadQueue::WakeHost() {
+  if (wakeHost_) wakeHost_();
 }
 
 void ThreadQueue::UpdateAttention() {

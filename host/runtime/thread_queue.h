@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include <rasterkit/host/runtime/export.h>
@@ -53,6 +54,14 @@ class RASTERKIT_EXPORT ThreadQueue {
   /// `Application.HandleException`. Own thread only.
   void Dispatch();
 
+  /// For a host whose own event loop runs this thread: `wake` is called, on any thread, whenever a
+  /// message arrives or the timers change, and makes that loop call Dispatch soon. It must be
+  /// quick, may not throw and may not touch the queue. Empty removes it; none is running any more
+  /// when this returns.
+  void SetWakeUp(Message wake);
+  /// Time until the next timer is due, 0 when one is overdue, nothing while there is none.
+  std::optional<std::chrono::milliseconds> TimeToNextTimer() const;
+
   /// True when Dispatch might find something; one atomic load.
   bool NeedsAttention() const noexcept { return attention_.load(std::memory_order_acquire) != 0; }
 
@@ -72,11 +81,13 @@ class RASTERKIT_EXPORT ThreadQueue {
   bool Restart(const std::shared_ptr<Timer>& timer, Clock::time_point now);
   Clock::time_point NextDue() const;
   void UpdateAttention();
+  void WakeHost();
 
   mutable std::mutex mutex_;
   std::condition_variable arrived_;
   std::deque<Message> messages_;
   Timers timers_;
+  Message wakeHost_;
   std::atomic<size_t> attention_{0};
   bool closed_ = false;
 };

@@ -1,4 +1,6 @@
 #include <ctime>
+#include <map>
+#include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -22,6 +24,9 @@ TEST_F(PortsTest, EmptyPorts_AnswerAsACancelledDialogAndShowNothing) {
   EXPECT_EQ(GetSysColor(5), 0u);
   EXPECT_FALSE(HostPorts().pdfPageChooser);
   EXPECT_FALSE(HostPorts().messagePump);
+  WriteSetting("Settings", "Left", "1");
+  EXPECT_EQ(ReadSetting("Settings", "Left"), std::nullopt);
+  ShowHelpTopic(1);
 }
 
 TEST_F(PortsTest, MinuteOfDay_IsTheLocalClocksWhileThePortIsEmpty) {
@@ -57,6 +62,22 @@ TEST_F(PortsTest, FilledPorts_AreCalled) {
   EXPECT_EQ(dialog.FileName, "chosen.png");
   EXPECT_EQ(GetSysColor(21), 42u);
   EXPECT_EQ(MinuteOfDay(), 1439);
+}
+
+TEST_F(PortsTest, FilledSettingsAndHelp_AreCalled) {
+  std::map<std::string, std::string> kept;
+  HostPorts().writeSetting = [&](const std::string& section, const std::string& key,
+                                 const std::string& value) { kept[section + "/" + key] = value; };
+  HostPorts().readSetting = [&](const std::string& section, const std::string& key) {
+    return std::optional(kept[section + "/" + key]);
+  };
+  WriteSetting("Settings", "Left", "-7");
+  EXPECT_EQ(ReadSetting("Settings", "Left"), "-7");
+  EXPECT_EQ(ReadSetting("Other", "Left"), "");
+  int topic = 0;
+  HostPorts().helpTopic = [&](int helpContext) { topic = helpContext; };
+  ShowHelpTopic(570001);
+  EXPECT_EQ(topic, 570001);
 }
 
 }  // namespace

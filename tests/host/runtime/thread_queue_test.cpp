@@ -64,6 +64,51 @@ TEST_F(QueueTest, WaitAndDispatch_WakesForAMessageOfAnotherThread) {
   poster.join();
 }
 
+TEST_F(QueueTest, WakeUp_IsCalledForMessagesAndTimersUntilItIsRemoved) {
+  ThreadQueue& queue = ThreadQueue::Current();
+  int calls = 0;
+  queue.SetWakeUp([&] { ++calls; });
+  queue.Post([] {});
+  EXPECT_EQ(calls, 1);
+  const auto timer = std::make_shared<ThreadQueue::Timer>();
+  timer->interval = std::chrono::hours(1);
+  queue.AddTimer(timer);
+  EXPECT_EQ(calls, 2);
+  queue.SetWakeUp({});
+  queue.Post([] {});
+  EXPECT_EQ(calls, 2);
+  queue.RemoveTimer(timer);
+  queue.Dispatch();
+}
+
+TEST_F(QueueTest, WakeUp_RunsOnTheThreadThatPosts) {
+  ThreadQueue& queue = ThreadQueue::Current();
+  std::thread::id waker;
+  queue.SetWakeUp([&] { waker = std::this_thread::get_id(); });
+  std::thread poster([&] { queue.Post([] {}); });
+  const std::thread::id expected = poster.get_id();
+  poster.join();
+  queue.SetWakeUp({});
+  queue.Dispatch();
+  EXPECT_EQ(waker, expected);
+}
+
+TEST_F(QueueTest, TimeToNextTimer_IsThatOfTheFirstAndNeverNegative) {
+  ThreadQueue& queue = ThreadQueue::Current();
+  EXPECT_EQ(queue.TimeToNextTimer(), std::nullopt);
+  const auto late = std::make_shared<ThreadQueue::Timer>();
+  late->interval = std::chrono::hours(2);
+  queue.AddTimer(late);
+  EXPECT_GT(*queue.TimeToNextTimer(), std::chrono::hours(1));
+  const auto overdue = std::make_shared<ThreadQueue::Timer>();
+  overdue->interval = std::chrono::milliseconds(0);
+  queue.AddTimer(overdue);
+  EXPECT_EQ(*queue.TimeToNextTimer(), std::chrono::milliseconds(0));
+  queue.RemoveTimer(overdue);
+  queue.RemoveTimer(late);
+  EXPECT_EQ(queue.TimeToNextTimer(), std::nullopt);
+}
+
 TEST_F(QueueTest, PostToAThreadThatEnded_DropsTheMessage) {
   std::shared_ptr<ThreadQueue> queue;
   std::thread([&] { queue = ThreadQueue::Share(); }).join();

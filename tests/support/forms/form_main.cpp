@@ -6,6 +6,7 @@
 // A display of the developer's, and the settings in the home folder, are left alone.
 int main(int argc, char** argv) {
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  if (!qEnvironmentVariableIsSet("LC_ALL")) qputenv("LC_ALL", "C.UTF-8");
   QStandardPaths::setTestModeEnabled(true);
   testing::InitGoogleTest(&argc, argv);
   QApplication application(argc, argv);

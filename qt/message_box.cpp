@@ -1,0 +1,41 @@
+#include <QApplication>
+#include <QMessageBox>
+#include <QThread>
+
+#include <rasterkit/qt/message_box.h>
+#include <rasterkit/qt/modal_window.h>
+#include <rasterkit/qt/qt_text.h>
+
+namespace rasterkit {
+namespace {
+
+QString Caption() {
+  const QString name = QGuiApplication::applicationDisplayName();
+  return name.isEmpty() ? ResourceText("Message") : name;
+}
+
+void Show(const QString& text) {
+  QMessageBox box;
+  box.setObjectName(QStringLiteral("MessageBox"));
+  box.setWindowTitle(Caption());
+  box.setIcon(QMessageBox::Information);
+  // Not to be read as HTML: the text may hold a file's name.
+  box.setTextFormat(Qt::PlainText);
+  box.setText(text);
+  box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+  box.setStandardButtons(QMessageBox::Ok);
+  box.setAttribute(Qt::WA_QuitOnClose, false);
+  PutOverActiveWindow(box);
+  box.exec();
+}
+
+}  // namespace
+
+void ShowMessageBox(const std::string& text) {
+  const QString shown = ToQt(text);
+  if (QThread::currentThread() == qApp->thread()) return Show(shown);
+  QMetaObject::invokeMethod(
+      qApp, [shown] { Show(shown); }, Qt::QueuedConnection);
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,93 @@
+#include <QApplication>
+#include <QThread>
+#include <functional>
+#include <utility>
+#include <vector>
+
+#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/qt/message_box.h>
+#include <rasterkit/qt/qt_host.h>
+#include <rasterkit/qt/queue_runner.h>
+#include <rasterkit/qt/settings_store.h>
+#include <rasterkit/qt/system_colors.h>
+
+namespace rasterkit {
+namespace {
+
+void RequireApplication() {
+  if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) {
+    throw Error("dialogs need a QApplication, and there is none");
+  }
+  if (QThread::currentThread() != QCoreApplication::instance()->thread()) {
+    throw Error("dialogs can be opened on the thread of the QApplication only");
+  }
+}
+
+/// A worker that turned the loop would find nothing in it, so other threads save themselves the
+/// way.
+void TurnLoop() {
+  if (qApp != nullptr && QThread::currentThread() == qApp->thread()) {
+    QCoreApplication::processEvents();
+  }
+}
+
+/// Fills empty ports and empties those again.
+class FilledPorts {
+ public:
+  explicit FilledPorts(const std::string& settingsFile) {
+    const auto store = std::make_shared<SettingsStore>(settingsFile);
+    Fill(&Ports::messagePump, TurnLoop);
+    Fill(&Ports::messageBox, ShowMessageBox);
+    Fill(&Ports::systemColor, SystemColor);
+    Fill(&Ports::readSetting, [store](const std::string& section, const std::string& key) {
+      return store->Read(section, key);
+    });
+    Fill(&Ports::writeSetting,
+         [store](const std::string& section, const std::string& key, const std::string& value) {
+           store->Write(section, key, value);
+         });
+  }
+  ~FilledPorts() {
+    for (const auto& empty : emptying_) empty();
+  }
+  FilledPorts(const FilledPorts&) = delete;
+  FilledPorts& operator=(const FilledPorts&) = delete;
+
+ private:
+  template <typename Port, typename Function>
+  void Fill(Port Ports::*port, Function function) {
+    if (HostPorts().*port) return;
+    HostPorts().*port = std::move(function);
+    emptying_.emplace_back([port] { HostPorts().*port = nullptr; });
+  }
+
+  std::vector<std::function<void()>> emptying_;
+};
+
+}  // namespace
+
+struct QtHost::Adapter {
+  explicit Adapter(const std::string& settingsFile) : ports(settingsFile) {}
+
+  FilledPorts ports;
+  QueueRunner runner;
+};
+
+namespace {
+
+bool isServed = false;
+
+}  // namespace
+
+QtHost::QtHost(const std::string& settingsFile) {
+  RequireApplication();
+  if (std::exchange(isServed, true)) return;
+  adapter_ = std::make_unique<Adapter>(settingsFile);
+}
+
+QtHost::~QtHost() {
+  if (adapter_) isServed = false;
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QPalette>
+
+#include <rasterkit/host/runtime/export.h>
+
+namespace rasterkit {
+
+/// True for colours of light text on a dark ground; icons come in two drawings and go by this.
+RASTERKIT_EXPORT bool IsDark(const QPalette& palette);
+
+/// Neutral greys with a blue selection; every text has a contrast of at least 4.5 to 1 to its
+/// ground, disabled ones excepted.
+RASTERKIT_EXPORT QPalette LightPalette();
+RASTERKIT_EXPORT QPalette DarkPalette();
+
+}  // namespace rasterkit
