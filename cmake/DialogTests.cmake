@@ -33,3 +33,11 @@ function(rasterkit_dialogs_model_test name)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 1200
                        ENVIRONMENT "${RASTERKIT_FORM_ENVIRONMENT}")
 endfunction()
+
+# rasterkit_xvfb_test(PROGRAM FILTER): the cases of a program of rasterkit_dialogs_test once more, on a real display.
+function(rasterkit_xvfb_test program filter)
+  add_test(NAME Xvfb.${program} COMMAND ${PROJECT_SOURCE_DIR}/tests/support/forms/under_xvfb.sh
+                                        $<TARGET_FILE:${program}> --gtest_filter=${filter})
+  set_tests_properties(Xvfb.${program} PROPERTIES ENVIRONMENT "${RASTERKIT_FORM_ENVIRONMENT}" SKIP_RETURN_CODE 77
+                                                  TIMEOUT 1200)
+endfunction()

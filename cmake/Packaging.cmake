@@ -1,5 +1,6 @@
-# What `cmake --install` puts where: the library, its headers, the tool, and what other builds find it by
-# (find_package(rasterkit) and pkg-config rasterkit). Dependencies of the library stay inside it.
+# What `cmake --install` puts where: the libraries, their headers, the tool, and what other builds find them by
+# (find_package(rasterkit), with COMPONENTS dialogs for those on Qt; pkg-config rasterkit, rasterkit-dialogs).
+# Dependencies of the library stay inside it; the dialogs' headers need Qt's.
 include(CMakePackageConfigHelpers)
 
 rasterkit_umbrella_headers()
@@ -12,6 +13,15 @@ install(TARGETS rasterkit EXPORT rasterkit_targets)
 install(TARGETS rasterkit_tool)
 install(EXPORT rasterkit_targets FILE rasterkitTargets.cmake NAMESPACE rasterkit:: DESTINATION ${package_folder})
 
+if(RASTERKIT_DIALOGS)
+  target_compile_features(rasterkit_dialogs INTERFACE cxx_std_20)
+  set_target_properties(rasterkit_dialogs PROPERTIES INSTALL_RPATH "$ORIGIN")
+  # An export of their own: who wants the library alone need not have Qt.
+  install(TARGETS rasterkit_dialogs EXPORT rasterkit_dialogs_targets)
+  install(EXPORT rasterkit_dialogs_targets FILE rasterkitDialogsTargets.cmake NAMESPACE rasterkit::
+          DESTINATION ${package_folder})
+endif()
+
 configure_package_config_file(${PROJECT_SOURCE_DIR}/packaging/rasterkitConfig.cmake.in
                               ${PROJECT_BINARY_DIR}/rasterkitConfig.cmake INSTALL_DESTINATION ${package_folder})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/rasterkitConfigVersion.cmake COMPATIBILITY SameMinorVersion)
@@ -19,6 +29,12 @@ install(FILES ${PROJECT_BINARY_DIR}/rasterkitConfig.cmake ${PROJECT_BINARY_DIR}/
         DESTINATION ${package_folder})
 
 file(RELATIVE_PATH headers_from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /${CMAKE_INSTALL_INCLUDEDIR})
-configure_file(${PROJECT_SOURCE_DIR}/packaging/rasterkit.pc.in ${PROJECT_BINARY_DIR}/rasterkit.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/rasterkit.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(packages rasterkit)
+if(RASTERKIT_DIALOGS)
+  list(APPEND packages rasterkit-dialogs)
+endif()
+foreach(package IN LISTS packages)
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/${package}.pc.in ${PROJECT_BINARY_DIR}/${package}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${package}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})

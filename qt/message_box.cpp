@@ -1,5 +1,5 @@
+#include <QAbstractButton>
 #include <QApplication>
-#include <QMessageBox>
 #include <QThread>
 
 #include <rasterkit/qt/message_box.h>
@@ -15,18 +15,9 @@ QString Caption() {
 }
 
 void Show(const QString& text) {
-  QMessageBox box;
-  box.setObjectName(QStringLiteral("MessageBox"));
-  box.setWindowTitle(Caption());
-  box.setIcon(QMessageBox::Information);
-  // Not to be read as HTML: the text may hold a file's name.
-  box.setTextFormat(Qt::PlainText);
-  box.setText(text);
-  box.setTextInteractionFlags(Qt::TextSelectableByMouse);
-  box.setStandardButtons(QMessageBox::Ok);
-  box.setAttribute(Qt::WA_QuitOnClose, false);
-  PutOverActiveWindow(box);
-  box.exec();
+  const std::unique_ptr<QMessageBox> box = MakeMessageBox(text);
+  PutOverActiveWindow(*box);
+  box->exec();
 }
 
 }  // namespace
@@ -36,6 +27,21 @@ void ShowMessageBox(const std::string& text) {
   if (QThread::currentThread() == qApp->thread()) return Show(shown);
   QMetaObject::invokeMethod(
       qApp, [shown] { Show(shown); }, Qt::QueuedConnection);
+}
+
+std::unique_ptr<QMessageBox> MakeMessageBox(const QString& text) {
+  auto box = std::make_unique<QMessageBox>();
+  box->setObjectName(QStringLiteral("MessageBox"));
+  box->setWindowTitle(Caption());
+  box->setIcon(QMessageBox::Information);
+  // Not to be read as HTML: the text may hold a file's name.
+  box->setTextFormat(Qt::PlainText);
+  box->setText(text);
+  box->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  box->setStandardButtons(QMessageBox::Ok);
+  box->button(QMessageBox::Ok)->setText(ResourceText("OK"));
+  box->setAttribute(Qt::WA_QuitOnClose, false);
+  return box;
 }
 
 }  // namespace rasterkit

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QMessageBox>
+#include <memory>
 #include <string>
 
 #include <rasterkit/host/runtime/export.h>
@@ -10,5 +12,8 @@ namespace rasterkit {
 /// Called on another thread than the application's, it hands the text over and returns at once, as
 /// a thread that the application waits for must not wait for the application.
 RASTERKIT_EXPORT void ShowMessageBox(const std::string& text);
+
+/// The window that ShowMessageBox shows. Application's thread only.
+RASTERKIT_EXPORT std::unique_ptr<QMessageBox> MakeMessageBox(const QString& text);
 
 }  // namespace rasterkit

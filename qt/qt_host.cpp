@@ -15,6 +15,9 @@
 namespace rasterkit {
 namespace {
 
+/// One adapter serves, however many hosts there are.
+bool isServed = false;
+
 void RequireApplication() {
   if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) {
     throw Error("dialogs need a QApplication, and there is none");
@@ -74,16 +77,11 @@ struct QtHost::Adapter {
   QueueRunner runner;
 };
 
-namespace {
-
-bool isServed = false;
-
-}  // namespace
-
 QtHost::QtHost(const std::string& settingsFile) {
   RequireApplication();
-  if (std::exchange(isServed, true)) return;
+  if (isServed) return;
   adapter_ = std::make_unique<Adapter>(settingsFile);
+  isServed = true;
 }
 
 QtHost::~QtHost() {

@@ -31,3 +31,17 @@ run(${COMPILER} -std=c++20 ${SOURCE}/examples/upright.cpp -o ${consumer}/by-pkg-
 
 # The installed tool finds the installed library.
 run(${prefix}/${BINDIR}/rasterkit info upright.png)
+
+# A host on Qt, both ways again.
+if(DIALOGS)
+  set(ENV{QT_QPA_PLATFORM} offscreen)
+  run(${CMAKE_COMMAND} -S ${SOURCE}/tests/packaging/dialogs_consumer -B ${consumer}/dialogs -G Ninja
+      -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${COMPILER})
+  run(${CMAKE_COMMAND} --build ${consumer}/dialogs)
+  run(${consumer}/dialogs/consumer)
+  execute_process(COMMAND pkg-config --cflags --libs rasterkit-dialogs
+                  OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  separate_arguments(flags UNIX_COMMAND "${flags}")
+  run(${COMPILER} -std=c++20 -fPIC ${SOURCE}/tests/packaging/dialogs_consumer/consumer.cpp
+      -o ${consumer}/dialogs-by-pkg-config ${flags})
+endif()

@@ -1,0 +1,138 @@
+#include "tests/dialogs/gallery/form_rules.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <algorithm>
+#include <set>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <rasterkit/package/strings.h>
+
+#include "tests/dialogs/gallery/gallery.h"
+
+namespace rasterkit::test {
+namespace {
+
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// Shows each form of the house and hands it to a rule.
+void ForEachForm(const std::function<void(QWidget&)>& rule) {
+  ASSERT_THAT(Gallery(), testing::Not(IsEmpty()));
+  for (const Exhibited& exhibited : Gallery()) {
+    SCOPED_TRACE(exhibited.name);
+    const std::unique_ptr<QWidget> form = exhibited.make();
+    form->show();
+    QCoreApplication::processEvents();
+    rule(*form);
+  }
+}
+
+/// Makes every text 40 percent longer, as some languages do.
+class LongerTexts {
+ public:
+  LongerTexts() {
+    SetTranslator([](std::string_view key) {
+      std::string text(key);
+      return text.append((key.size() * 2 + 4) / 5, 'n');
+    });
+  }
+  ~LongerTexts() { SetTranslator({}); }
+};
+
+TEST(FormRules, Texts_Should_HaveTheirRoom) {
+  ForEachForm([](QWidget& form) { EXPECT_THAT(ClippedTexts(form), IsEmpty()); });
+}
+
+TEST(FormRules, Texts_Should_HaveTheirRoom_When_TheTranslationIsLonger) {
+  const LongerTexts longer;
+  ForEachForm([](QWidget& form) { EXPECT_THAT(ClippedTexts(form), IsEmpty()); });
+}
+
+TEST(FormRules, Texts_Should_HaveTheirRoom_When_TheFormIsAsSmallAsItGets) {
+  ForEachForm([](QWidget& form) {
+    form.resize(form.minimumSizeHint());
+    QCoreApplication::processEvents();
+    EXPECT_THAT(ClippedTexts(form), IsEmpty());
+  });
+}
+
+TEST(FormRules, Controls_Should_HaveNamesForScreenReaders) {
+  ForEachForm([](QWidget& form) { EXPECT_THAT(NamelessControls(form), IsEmpty()); });
+}
+
+TEST(FormRules, Controls_Should_HaveTips) {
+  ForEachForm([](QWidget& form) { EXPECT_THAT(ControlsWithoutTip(form), IsEmpty()); });
+}
+
+TEST(FormRules, Mnemonics_Should_CallOneControlEach) {
+  ForEachForm([](QWidget& form) { EXPECT_THAT(SharedMnemonics(form), IsEmpty()); });
+}
+
+/// "&Width" and "Width" are one key.
+std::string WithoutMnemonic(std::string_view key) {
+  std::string plain(key);
+  plain.erase(std::remove(plain.begin(), plain.end(), '&'), plain.end());
+  return plain;
+}
+
+TEST(FormRules, Texts_Should_StandInTheResourceTable) {
+  std::set<std::string> known;
+  for (const std::string_view key : ResourceStringKeys()) known.insert(WithoutMnemonic(key));
+  std::set<std::string> unknown;
+  SetTranslator([&](std::string_view key) {
+    const std::string plain = WithoutMnemonic(key);
+    const bool hasLetters = std::any_of(plain.begin(), plain.end(), [](unsigned char character) {
+      return std::isalpha(character) != 0;
+    });
+    if (hasLetters && !known.contains(plain)) unknown.insert(plain);
+    return std::string();
+  });
+  ForEachForm([](QWidget&) {});
+  SetTranslator({});
+  EXPECT_THAT(unknown, IsEmpty());
+}
+
+// The rules themselves.
+
+TEST(ClippedTexts, ANarrowLabel_Should_BeFound) {
+  QWidget form;
+  QLabel label("a text that wants more", &form);
+  label.setGeometry(0, 0, 20, 30);
+  form.show();
+  EXPECT_THAT(ClippedTexts(form), SizeIs(1));
+  label.resize(label.sizeHint());
+  form.resize(label.size());
+  EXPECT_THAT(ClippedTexts(form), IsEmpty());
+  label.move(5, 0);
+  EXPECT_THAT(ClippedTexts(form), SizeIs(1));
+}
+
+TEST(NamelessControls, AFieldWithoutALabel_Should_BeFound) {
+  QWidget form;
+  QLineEdit edit(&form);
+  form.show();
+  EXPECT_THAT(NamelessControls(form), SizeIs(1));
+  EXPECT_THAT(ControlsWithoutTip(form), SizeIs(1));
+  edit.setAccessibleName("name");
+  edit.setToolTip("tip");
+  EXPECT_THAT(NamelessControls(form), IsEmpty());
+  EXPECT_THAT(ControlsWithoutTip(form), IsEmpty());
+}
+
+TEST(SharedMnemonics, TwoButtonsOfOneLetter_Should_BeFound) {
+  QWidget form;
+  QPushButton first("&Red", &form);
+  QPushButton second("G&reen", &form);
+  form.show();
+  EXPECT_THAT(SharedMnemonics(form), SizeIs(1));
+  second.setText("&Green");
+  EXPECT_THAT(SharedMnemonics(form), IsEmpty());
+}
+
+}  // namespace
+}  // namespace rasterkit::test

@@ -1,0 +1,49 @@
+#include <QApplication>
+#include <QDir>
+#include <QStandardPaths>
+#include <cstdio>
+
+#include <rasterkit/qt/style.h>
+
+#include "tests/dialogs/gallery/gallery.h"
+#include "tests/support/forms/form_events.h"
+
+// dialogs_screenshots FOLDER light|dark: writes NAME-STYLE-SCALE.png of every form. The scale is
+// what the screen has, QT_SCALE_FACTOR=2 for 200 percent.
+namespace rasterkit::test {
+namespace {
+
+bool Photograph(const Exhibited& exhibited, const QDir& folder, const QString& style) {
+  const std::unique_ptr<QWidget> form = exhibited.make();
+  form->show();
+  QCoreApplication::processEvents();
+  const QImage image = GrabForm(*form);
+  const int percent = qRound(100 * image.devicePixelRatio());
+  const QString name = QStringLiteral("%1-%2-%3.png")
+                           .arg(QString::fromStdString(exhibited.name), style)
+                           .arg(percent);
+  std::printf("%s  %d x %d\n", qPrintable(folder.filePath(name)), image.width(), image.height());
+  return image.save(folder.filePath(name));
+}
+
+}  // namespace
+}  // namespace rasterkit::test
+
+int main(int argc, char** argv) {
+  using namespace rasterkit;
+  QStandardPaths::setTestModeEnabled(true);
+  const QApplication application(argc, argv);
+  const QStringList arguments = QCoreApplication::arguments();
+  if (arguments.size() != 3 || (arguments[2] != "light" && arguments[2] != "dark")) {
+    std::fprintf(stderr, "usage: dialogs_screenshots FOLDER light|dark\n");
+    return 2;
+  }
+  const QDir folder(arguments[1]);
+  if (!folder.mkpath(".")) return 4;
+  QApplication::setStyle("Fusion");
+  QApplication::setPalette(arguments[2] == "dark" ? DarkPalette() : LightPalette());
+  for (const test::Exhibited& exhibited : test::Gallery()) {
+    if (!test::Photograph(exhibited, folder, arguments[2])) return 4;
+  }
+  return 0;
+}
