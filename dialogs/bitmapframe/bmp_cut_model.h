@@ -117,6 +117,7 @@ class RASTERKIT_EXPORT BmpCutModel {
   /// Takes back the last change of the cut, be it drawn, moved, set or removed; false when there is
   /// none left. A bitmap of another size forgets them all.
   bool UndoCutRect();
+  bool CanUndo() const { return !history_.IsEmpty(); }
   /// Gives up a drag; the cut is what it was before. False when there is none.
   bool CancelDrag();
 

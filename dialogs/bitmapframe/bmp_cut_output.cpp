@@ -1,12 +1,11 @@
-#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
 #include <rasterkit/dialogs/bitmapframe/bmp_cut_model.h>
+#include <rasterkit/dialogs/bitmapframe/cut_bitmap.h>
 #include <rasterkit/dialogs/bitmapframe/memory_size.h>
-#include <rasterkit/host/raster/cut_out.h>
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/file_name.h>
 #include <rasterkit/package/format_text.h>
@@ -65,17 +64,7 @@ class BackedUpFile {
 
 std::unique_ptr<TBitmap> BmpCutModel::GetCutBitmap() const {
   if (!GetCutRectExists() || fOrgBitmap == nullptr) return nullptr;
-  const TRect wanted = CutPixels();
-  const PixelRect part{std::max(wanted.Left, 0), std::max(wanted.Top, 0),
-                       std::min(wanted.Right, fBitmapRect.Right),
-                       std::min(wanted.Bottom, fBitmapRect.Bottom)};
-  const bool isInside = part.left < part.right && part.top < part.bottom;
-  auto cut =
-      std::make_unique<TBitmap>(CutOut(fOrgBitmap->Content(), isInside ? part : PixelRect{}));
-  cut->AssignTransparency(*fOrgBitmap);
-  // An automatic transparent colour would follow another corner pixel.
-  if (fOrgBitmap->Transparent()) cut->SetTransparentColor(fOrgBitmap->TransparentColor());
-  return cut;
+  return CutBitmapTo(*fOrgBitmap, CutPixels());
 }
 
 std::unique_ptr<TBitmap> BmpCutModel::DarkedBmp() const {

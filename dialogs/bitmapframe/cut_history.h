@@ -29,6 +29,7 @@ class CutHistory {
     cuts_.pop_back();
     return last;
   }
+  bool IsEmpty() const { return cuts_.empty(); }
   void Forget() { cuts_.clear(); }
 
  private:

@@ -99,12 +99,21 @@ bool PictureView::CanRefine() const {
          place.Bottom - place.Top < picture_->Height();
 }
 
+TRect PictureView::RowsToRefine() const {
+  TRect rest = Seen(window_);
+  rest.Top = std::max(rest.Top, refinedRows_);
+  return rest;
+}
+
+bool PictureView::NeedsRefining() const {
+  const TRect rest = RowsToRefine();
+  return CanRefine() && rest.Left < rest.Right && rest.Top < rest.Bottom;
+}
+
 bool PictureView::RefineRows(int count) {
-  if (!CanRefine()) return false;
-  const TRect seen = Seen(window_);
-  const int first = std::max(refinedRows_, seen.Top);
-  const int end = std::min(first + count, seen.Bottom);
-  if (first >= end || seen.Left >= seen.Right) return false;
+  if (!NeedsRefining()) return false;
+  const TRect seen = RowsToRefine();
+  const int first = seen.Top, end = std::min(first + count, seen.Bottom);
 
   TBitmap band;
   band.ResetPixels(pf32bit, window_.width, end - first);

@@ -31,6 +31,8 @@ class RASTERKIT_EXPORT PictureView {
   /// when the picture's pixels were changed behind its back as far as a sample of those that are
   /// seen tells. `picture` may be null.
   void Show(const TBitmap* picture, unsigned version, const Window& window);
+  /// Whether there are rows that `RefineRows` would change.
+  bool NeedsRefining() const;
   /// Averages the next rows; true while there are more.
   bool RefineRows(int count);
   /// Makes the next `Show` start over.
@@ -45,6 +47,7 @@ class RASTERKIT_EXPORT PictureView {
  private:
   void Draw();
   bool CanRefine() const;
+  TRect RowsToRefine() const;
   uint64_t SampleDigest() const;
   void DarkenRow(int y, const DarkedBitmap& darkening);
 
