@@ -81,7 +81,7 @@ size_t MapByChange(const ByteMap& map, uint8_t* bytes, size_t count) {
   });
 }
 
-/// Slopes below one from 0 on: nothing to cut.
+/// Slopes from 0 to one, from byte 0 on: nothing to cut.
 size_t MapByFactor(const ByteMap& map, uint8_t* bytes, size_t count) {
   const auto factor = hn::Set(Words(), map.low);
   return ForEachVector(bytes, count, [factor](ByteVector pair) HWY_ATTR {
@@ -97,7 +97,7 @@ size_t MapWholeVectors(const ByteMap& map, uint8_t* bytes, size_t count) {
     return halvesToEven ? MapByChange<true>(map, bytes, count)
                         : MapByChange<false>(map, bytes, count);
   if (halvesToEven) return MapBySlope<true>(map, bytes, count);
-  if (map.origin == 0 && map.whole == 0) return MapByFactor(map, bytes, count);
+  if (map.origin == 0 && map.whole == 0 && map.low >= 0) return MapByFactor(map, bytes, count);
   return MapBySlope<false>(map, bytes, count);
 }
 
