@@ -10,7 +10,6 @@
 HWY_BEFORE_NAMESPACE();
 namespace rasterkit::kernels::HWY_NAMESPACE {
 namespace {
-namespace hn = hwy::HWY_NAMESPACE;
 
 template <size_t kPixelBytes>
 void ExchangeOneByOne(const uint8_t* pixels, size_t width, uint8_t* target) {
@@ -37,6 +36,8 @@ size_t Join24(const uint8_t*, const uint8_t*, const uint8_t*, size_t, uint8_t*) 
 }
 
 #else
+
+namespace hn = hwy::HWY_NAMESPACE;
 
 using Bytes = hn::ScalableTag<uint8_t>;
 using Block = hn::Full128<uint8_t>;
