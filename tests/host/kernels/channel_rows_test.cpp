@@ -88,14 +88,20 @@ TEST(ByteMapTest, EveryByteBecomesWhatItsTableSays) {
   test::ForEachSimdTarget([](int64_t target) {
     Row all(256);
     for (int i = 0; i < 256; ++i) all[static_cast<size_t>(i)] = static_cast<uint8_t>(i * 37);
-    // All slopes at first, then some up to the steepest and beyond.
-    for (int32_t percent = -12300; percent <= 12300; percent += std::abs(percent) < 400 ? 1 : 50) {
+    const auto expectTheTable = [&](int32_t percent) {
       const ByteTable table = ContrastTable(percent);
       Framed row(all);
       MapBytes(MakeByteMap(table, reference::FactorOf(percent), 128), row.Data(), all.size());
       Row expected(all);
       for (uint8_t& byte : expected) byte = table[byte];
       ASSERT_EQ(row.Content(), expected) << percent << ", " << hwy::TargetName(target);
+    };
+    // All slopes at first, then some up to the steepest and beyond, where words would overflow.
+    for (int32_t percent = -12300; percent <= 12300; percent += std::abs(percent) < 400 ? 1 : 50)
+      expectTheTable(percent);
+    for (int32_t percent = 25000; percent <= 99000; percent += 500) {
+      expectTheTable(percent);
+      expectTheTable(-percent);
     }
   });
 }
