@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -34,6 +35,16 @@ namespace {
   _exit(127);
 }
 
+/// Our end of a terminal, and the one that a process writes to.
+std::array<int, 2> OpenTerminal() {
+  const int ours = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (ours < 0 || grantpt(ours) != 0 || unlockpt(ours) != 0)
+    throw std::runtime_error("no terminal");
+  const int theirs = open(ptsname(ours), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (theirs < 0) throw std::runtime_error("no terminal");
+  return {ours, theirs};
+}
+
 void DrainPipes(std::array<std::pair<int, std::string*>, 2> pipes) {
   std::array<char, 4096> buffer;
   size_t open = pipes.size();
@@ -58,7 +69,10 @@ void DrainPipes(std::array<std::pair<int, std::string*>, 2> pipes) {
 
 ToolProcess::ToolProcess(const std::vector<std::string>& arguments, const ToolSetup& setup) {
   std::array<int, 2> out, err;
-  if (pipe2(out.data(), O_CLOEXEC) != 0 || pipe2(err.data(), O_CLOEXEC) != 0)
+  if (pipe2(out.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+  if (setup.hasTerminal)
+    err = OpenTerminal();
+  else if (pipe2(err.data(), O_CLOEXEC) != 0)
     throw std::runtime_error("no pipe");
   std::vector<std::string> words = {RASTERKIT_TOOL};
   words.insert(words.end(), arguments.begin(), arguments.end());

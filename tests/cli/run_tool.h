@@ -27,9 +27,12 @@ struct ToolSetup {
   std::string stdoutFile;
   /// Whoever reads stdout has gone away before the process starts.
   bool isReaderGone = false;
+  /// stderr is a terminal; lines that come from there end with "\r\n".
+  bool hasTerminal = false;
 };
 
-/// The tool as a process with its output in pipes (so that no progress bar is drawn), stdin empty.
+/// The tool as a process with its output in pipes (so that no progress bar is drawn unless asked
+/// for), stdin empty.
 class ToolProcess {
  public:
   explicit ToolProcess(const std::vector<std::string>& arguments, const ToolSetup& setup = {});
