@@ -77,7 +77,7 @@ TEST_F(CliProgress, ManyFiles_Should_BeCountedOnATerminal) {
 TEST_F(CliProgress, AMessage_Should_StandOnALineOfItsOwn_When_ABarIsShown) {
   WriteText(folder_ / "broken.png", "no picture");
   const ToolResult result = RunTool({"gray", folder_ / "broken.png", Picture("b.png", 9),
-                                     "--out-dir", folder_ / "out", "--keep-going"},
+                                     "--out-dir", folder_ / "out", "--continue"},
                                     OnTerminal());
   EXPECT_NE(result.code, 0);
   EXPECT_THAT(result.err, testing::ContainsRegex("\033\\[K[^\r]*broken\\.png: [^\r]*\r\n"));
