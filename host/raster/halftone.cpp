@@ -3,7 +3,7 @@
 #include <vector>
 
 #include <rasterkit/host/kernels/convert_rows.h>
-#include <rasterkit/host/kernels/halftone_alpha.h>
+#include <rasterkit/host/raster/alpha_means.h>
 #include <rasterkit/host/raster/blit.h>
 #include <rasterkit/host/raster/blit_axes.h>
 #include <rasterkit/host/raster/halftone.h>
@@ -44,48 +44,16 @@ HalftoneAxes MakeAxes(const PixelRect& place, const Raster& source, const PixelR
   return axes;
 }
 
-/// Calls `add(source row, weight)` for the rows that a tap covers.
-template <class Add>
-void ForEachWeight(const HalftoneTap& tap, uint32_t innerWeight, Add add) {
-  const int last = tap.first + tap.count - 1;
-  add(tap.first, tap.firstWeight);
-  for (int y = tap.first + 1; y < last; ++y) add(y, innerWeight);
-  if (tap.count > 1) add(last, tap.lastWeight);
-}
-
 /// Means of 32-bit pixels, weighted by their alpha.
-class AlphaMeans {
- public:
-  AlphaMeans(const Raster& source, const HalftoneAxes& axes)
-      : source_(source),
-        axes_(axes),
-        sums_(static_cast<size_t>(source.Width()) * kernels::kAlphaSums) {}
-
-  void Make(const HalftoneTap& rows, RGBArec* pixels) {
-    std::fill(sums_.begin(), sums_.end(), 0);
-    ForEachWeight(rows, axes_.rows.innerWeight, [&](int y, uint32_t weight) {
-      kernels::AddWeightedPixels32(source_.Row(y), static_cast<size_t>(source_.Width()), weight,
-                                   sums_.data());
-    });
-    kernels::MeanRow32(sums_.data(), axes_.columns, axes_.rows.total,
-                       reinterpret_cast<uint8_t*>(pixels));
-  }
-
- private:
-  const Raster& source_;
-  const HalftoneAxes& axes_;
-  std::vector<uint64_t> sums_;
-};
-
 void DrawAlphaMeans(Raster& target, const PixelRect& inside, const HalftoneAxes& axes,
                     const Raster& source, const PixelRule& rule) {
-  AlphaMeans means(source, axes);
+  const auto means = MakeAlphaMeans(source, axes);
   const int width = inside.right - inside.left;
   std::vector<RGBArec> pixels(static_cast<size_t>(width));
   const auto targetRows = MakeTargetRows(target, rule);
   int y = inside.top;
   for (const HalftoneTap& rows : axes.rows.taps) {
-    means.Make(rows, pixels.data());
+    means->Make(rows, pixels.data());
     targetRows->Write(y++, inside.left, width, pixels.data());
   }
 }

@@ -17,9 +17,6 @@ using kernels::HalftoneTap;
 using kernels::kHalftonePadding;
 using kernels::WordDivisor;
 
-/// Rows added up at once: not so many that their columns drive one another out of the cache.
-constexpr int kBandRows = 16;
-
 uint64_t TotalOf(const HalftoneAxes& axes) {
   return uint64_t{axes.columns.total} * axes.rows.total;
 }
@@ -96,9 +93,8 @@ class SummedMeans : public RowMeans {
     for (int done = 0; done < tap.count; done += kBandRows) {
       const int count = std::min(kBandRows, tap.count - done);
       std::array<uint32_t, kBandRows> weights;
-      weights.fill(axes_.rows.innerWeight);
-      if (done + count == tap.count) weights[static_cast<size_t>(count) - 1] = tap.lastWeight;
-      if (done == 0) weights[0] = tap.firstWeight;
+      for (int i = 0; i < count; ++i)
+        weights[static_cast<size_t>(i)] = TapWeight(tap, done + i, axes_.rows.innerWeight);
       kernels::WeightedRows rows = bands_.Rows(tap.first + done, count);
       rows.weights = weights.data();
       rows.adds = done > 0;

@@ -11,6 +11,15 @@ struct HalftoneAxes {
   kernels::HalftoneAxis columns, rows;
 };
 
+/// Rows added up at once: not so many that their columns drive one another out of the cache.
+inline constexpr int kBandRows = 16;
+
+/// What the `i`-th of the positions that a tap covers weighs.
+inline uint32_t TapWeight(const kernels::HalftoneTap& tap, int i, uint32_t innerWeight) {
+  if (i == 0) return tap.firstWeight;
+  return i + 1 < tap.count ? innerWeight : tap.lastWeight;
+}
+
 /// Rows of mean colours of a source in any format, whose alpha is not looked at.
 class RowMeans {
  public:

@@ -173,6 +173,38 @@ TEST(Halftone, Should_EqualTheReference_When_Alpha255IsEverywhere_OrMissingInOne
   }
 }
 
+/// Alpha that is 0 in wide areas, 255 in others, of every value between.
+Raster WithAreasOfAlpha(Raster raster, std::mt19937& random) {
+  uint8_t* alpha = nullptr;
+  for (int y = 0; y < raster.Height(); ++y) {
+    for (int x = 0; x < raster.Width(); ++x) {
+      alpha = raster.Row(y) + 4 * x + 3;
+      if (x / 5 % 3 != 2) *alpha = x / 5 % 3 == 0 ? 0 : 255;
+      if (random() % 61 == 0) *alpha = 1;
+    }
+  }
+  return raster;
+}
+
+TEST(Halftone, Should_EqualTheReference_When_AreasAreTransparent) {
+  constexpr unsigned kSeed = 10;
+  std::printf("seed %u\n", kSeed);
+  std::mt19937 random(kSeed);
+  constexpr int kSizes[][4] = {{64, 12, 16, 3},  {64, 12, 96, 18},  {67, 13, 16, 5},
+                               {61, 11, 97, 17}, {61, 34, 64, 2},   {50, 7, 61, 5},
+                               {1, 9, 70, 30},   {53, 1, 20, 1200}, {40, 40, 40, 40}};
+  for (const auto& [width, height, toWidth, toHeight] : kSizes) {
+    Raster source = WithAreasOfAlpha(test::RandomRaster(pf32bit, width, height, random), random);
+    source.alphaFormat = afDefined;
+    for (const TPixelFormat to : {pf24bit, pf32bit}) {
+      ExpectAsReference(test::GradientRaster(to, toWidth, toHeight), {0, 0, toWidth, toHeight},
+                        source);
+      ExpectAsReference(test::GradientRaster(to, toWidth, toHeight), {toWidth, toHeight, 0, 0},
+                        source);
+    }
+  }
+}
+
 TEST(Halftone, Should_NotAverage_When_ThereIsAKeyColor) {
   const Raster source = test::GradientRaster(pf24bit, 12, 9);
   Raster target = test::GradientRaster(pf24bit, 6, 4), plain = target.Clone();
@@ -218,10 +250,14 @@ TEST(Halftone, Should_BeExact_When_WeightsAreLarge) {
   constexpr unsigned kSeed = 7;
   std::mt19937 random(kSeed);
   const Raster wide = test::RandomRaster(pf24bit, 9973, 3, random);
+  const Raster translucent = WithAreasOfAlpha(test::RandomRaster(pf32bit, 9973, 3, random), random);
   for (const int length : {7, 9967, 10007}) {
     const Raster target = test::GradientRaster(pf24bit, 25, 4);
     const PixelRect place{-3, -2000, length - 3, 3001};
     ExpectAsReference(target, place, wide);
+    ExpectAsReference(test::GradientRaster(pf32bit, 25, 4), place, translucent);
+    ExpectAsReference(test::GradientRaster(pf32bit, 25, 4), {-3, -20000, length - 3, 20003},
+                      translucent);
   }
 }
 
