@@ -7,6 +7,7 @@
 #include <QSvgRenderer>
 
 #include <rasterkit/qt/icons.h>
+#include <rasterkit/qt/style.h>
 
 // In a program that links the archive, nothing but this call keeps the drawings.
 static void LoadDrawings() {
@@ -31,7 +32,7 @@ constexpr Ink inks[] = {
 constexpr double paleness = 0.4;
 
 QByteArray InColorsOfStyle(QByteArray drawing) {
-  if (!IsDarkStyle()) return drawing;
+  if (!IsDark(QGuiApplication::palette())) return drawing;
   for (const Ink& ink : inks) drawing.replace(ink.onLight, ink.onDark);
   return drawing;
 }
@@ -72,12 +73,6 @@ QIcon Icon(const QString& name) {
   if (!file.open(QIODevice::ReadOnly)) return {};
   // The icon owns its engine.
   return QIcon(std::make_unique<DrawingEngine>(file.readAll()).release());
-}
-
-bool IsDarkStyle() {
-  const QPalette palette = QGuiApplication::palette();
-  return palette.color(QPalette::Window).lightness() <
-         palette.color(QPalette::WindowText).lightness();
 }
 
 }  // namespace rasterkit

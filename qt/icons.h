@@ -13,7 +13,4 @@ namespace rasterkit {
 /// are pale. An unknown name gives an empty icon.
 RASTERKIT_EXPORT QIcon Icon(const QString& name);
 
-/// True when the application's windows are dark.
-RASTERKIT_EXPORT bool IsDarkStyle();
-
 }  // namespace rasterkit

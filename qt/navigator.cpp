@@ -41,7 +41,7 @@ QPushButton* NewButton(const Description& description, QWidget* parent) {
   button->setAccessibleDescription(ResourceText(description.toolTip));
   button->setAutoDefault(description.button == nbPost || description.button == nbCancel);
   if (description.key != QKeySequence::UnknownKey) {
-    // A hidden or disabled parent keeps its shortcut still.
+    // A hidden or disabled button has no shortcut either.
     auto* shortcut = new QShortcut(description.key, button);
     QObject::connect(shortcut, &QShortcut::activated, button, &QPushButton::click);
   }

@@ -6,6 +6,7 @@
 
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/qt/file_dialogs.h>
 #include <rasterkit/qt/message_box.h>
 #include <rasterkit/qt/qt_host.h>
 #include <rasterkit/qt/queue_runner.h>
@@ -42,6 +43,8 @@ class FilledPorts {
     const auto store = std::make_shared<SettingsStore>(settingsFile);
     Fill(&Ports::messagePump, TurnLoop);
     Fill(&Ports::messageBox, ShowMessageBox);
+    Fill(&Ports::pictureFileDialog,
+         [](PictureFileDialog& dialog) { return RunPictureFileDialog(dialog); });
     Fill(&Ports::systemColor, SystemColor);
     Fill(&Ports::readSetting, [store](const std::string& section, const std::string& key) {
       return store->Read(section, key);

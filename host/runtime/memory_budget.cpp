@@ -1,22 +1,34 @@
+#include <algorithm>
 #include <atomic>
+#include <limits>
 #include <string>
 
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/memory_budget.h>
+#include <rasterkit/host/runtime/picture_memory_scope.h>
 
 namespace rasterkit {
 namespace {
 
 std::atomic<uint64_t> limit{uint64_t{4} << 30};
+thread_local uint64_t limitOfThread = std::numeric_limits<uint64_t>::max();
 
 }  // namespace
 
 uint64_t PictureMemoryLimit() {
-  return limit.load(std::memory_order_relaxed);
+  return std::min(limit.load(std::memory_order_relaxed), limitOfThread);
 }
 
 void SetPictureMemoryLimit(uint64_t bytes) {
   limit.store(bytes, std::memory_order_relaxed);
+}
+
+PictureMemoryScope::PictureMemoryScope(uint64_t bytes) : before_(limitOfThread) {
+  limitOfThread = std::min(limitOfThread, bytes);
+}
+
+PictureMemoryScope::~PictureMemoryScope() {
+  limitOfThread = before_;
 }
 
 void RequirePictureMemory(uint64_t bytes, std::string_view what) {

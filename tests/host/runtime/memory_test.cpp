@@ -9,6 +9,7 @@
 #include <rasterkit/host/runtime/block_pool.h>
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/memory_budget.h>
+#include <rasterkit/host/runtime/picture_memory_scope.h>
 #include <rasterkit/host/runtime/pixel_memory.h>
 
 namespace rasterkit {
@@ -45,6 +46,20 @@ TEST_F(MemoryBudgetTest, Require_AllowsTheLimitItself) {
   EXPECT_NO_THROW(RequirePictureMemory(1000, "a picture"));
   EXPECT_THROW(RequirePictureMemory(1001, "a picture"), LimitError);
   EXPECT_NO_THROW(RequirePictureMemory(0, "a picture"));
+}
+
+TEST_F(MemoryBudgetTest, Scope_KeepsItsThreadToLess) {
+  SetPictureMemoryLimit(1000);
+  {
+    const PictureMemoryScope wide(2000);
+    EXPECT_EQ(PictureMemoryLimit(), 1000u);
+    const PictureMemoryScope narrow(100);
+    const PictureMemoryScope notWidened(500);
+    EXPECT_EQ(PictureMemoryLimit(), 100u);
+    EXPECT_THROW(RequirePictureMemory(101, "a picture"), LimitError);
+    std::thread([] { EXPECT_EQ(PictureMemoryLimit(), 1000u); }).join();
+  }
+  EXPECT_EQ(PictureMemoryLimit(), 1000u);
 }
 
 TEST_F(MemoryBudgetTest, Require_NamesLimitAndNeed) {
