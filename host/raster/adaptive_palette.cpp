@@ -45,6 +45,7 @@ struct Sums {
 
   std::array<int, 3> Mean() const {
     std::array<int, 3> mean{};
+    if (weight == 0) return mean;
     for (size_t c = 0; c < 3; ++c) mean[c] = static_cast<int>((channel[c] + weight / 2) / weight);
     return mean;
   }
