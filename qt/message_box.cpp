@@ -9,11 +9,6 @@
 namespace rasterkit {
 namespace {
 
-QString Caption() {
-  const QString name = QGuiApplication::applicationDisplayName();
-  return name.isEmpty() ? ResourceText("Message") : name;
-}
-
 void Show(const QString& text) {
   const std::unique_ptr<QMessageBox> box = MakeMessageBox(text);
   PutOverActiveWindow(*box);
@@ -32,14 +27,14 @@ void ShowMessageBox(const std::string& text) {
 std::unique_ptr<QMessageBox> MakeMessageBox(const QString& text) {
   auto box = std::make_unique<QMessageBox>();
   box->setObjectName(QStringLiteral("MessageBox"));
-  box->setWindowTitle(Caption());
+  box->setWindowTitle(QGuiApplication::applicationDisplayName());
   box->setIcon(QMessageBox::Information);
   // Not to be read as HTML: the text may hold a file's name.
   box->setTextFormat(Qt::PlainText);
   box->setText(text);
   box->setTextInteractionFlags(Qt::TextSelectableByMouse);
   box->setStandardButtons(QMessageBox::Ok);
-  box->button(QMessageBox::Ok)->setText(ResourceText("OK"));
+  box->button(QMessageBox::Ok)->setText(ResourceText(rsOk));
   box->setAttribute(Qt::WA_QuitOnClose, false);
   return box;
 }
