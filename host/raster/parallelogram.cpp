@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -42,6 +43,25 @@ Division MultiplyAndDivide(uint32_t factor, int64_t part, int64_t whole) {
 int64_t FloorDivide(int64_t a, int64_t b) {
   const int64_t quotient = a / b;
   return quotient - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0);
+}
+
+/// Positions in fixed point that step by a constant along a row: a rounded value and step, lifted
+/// so that nothing lies below the true position, and less than one part in `whole` above it. Cut,
+/// they are exact, since a fraction of `whole` parts is at least one short of the next number.
+constexpr int kFractionBits = 46;
+constexpr int64_t kLongestFixedSide = int64_t{1} << 16;
+
+/// floor(2^kFractionBits * (quotient + remainder / whole)).
+int64_t ToFixed(const Division& position, int64_t whole) {
+  constexpr int kHalfBits = kFractionBits / 2;
+  const Division upper = MultiplyAndDivide(1u << kHalfBits, position.remainder, whole);
+  const Division lower = MultiplyAndDivide(1u << kHalfBits, upper.remainder, whole);
+  return (((position.quotient << kHalfBits) + upper.quotient) << kHalfBits) + lower.quotient;
+}
+
+/// Value and step err by less than one unit each, the step as often as there are pixels.
+bool StayExact(int64_t whole, int64_t pixels) {
+  return whole < (int64_t{1} << kFractionBits) / (2 * pixels + 2);
 }
 
 /// Target columns from `first` on; `last` lies outside.
@@ -101,6 +121,14 @@ class SidePosition {
   Division step_, at_;
 };
 
+/// A run of target pixels whose source pixels all exist; `column` and `row` are those of the first
+/// one, in fixed point.
+struct FixedRun {
+  int first, count;
+  int64_t column, row;
+  int64_t columnStep, rowStep;
+};
+
 /// Single pixels of a source in any format.
 class PixelReader {
  public:
@@ -141,16 +169,38 @@ class Parallelogram {
     whole_ = 2 * std::abs(area);
     across_ = MakeSide(a, sign * (c.y - a.y), -sign * (c.x - a.x));
     down_ = MakeSide(a, -sign * (b.y - a.y), sign * (b.x - a.x));
+    if (whole_ == 0 || !IsPartNear()) return;
+    columnStep_ = FixedStep(across_, Extent(part.left, part.right));
+    rowStep_ = FixedStep(down_, Extent(part.top, part.bottom));
   }
 
   bool IsFlat() const { return whole_ == 0; }
+
+  /// Whether fixed point is exact for rows of `width` pixels, and no pixel lacks its source.
+  bool HasFixedRuns(int width) const { return IsPartNear() && StayExact(whole_, width); }
+
+  /// The pixels of row `y` below `width`, for which there are fixed runs.
+  FixedRun FixedRunOf(int y, int width) const {
+    const Run run = InsideRun(y, width);
+    if (run.first >= run.last) return {};
+    const int64_t lift = int64_t{width} + 1;
+    const auto position = [&](const Side& side, int low, int high) {
+      const Division at = MultiplyAndDivide(Extent(low, high), side.At(run.first, y), whole_);
+      return ToFixed({at.quotient + low, at.remainder}, whole_) + lift;
+    };
+    return {static_cast<int>(run.first),
+            static_cast<int>(run.last - run.first),
+            position(across_, part_.left, part_.right),
+            position(down_, part_.top, part_.bottom),
+            columnStep_,
+            rowStep_};
+  }
 
   /// Calls `put(x, sourceX, sourceY)` for the pixels of row `y` below `width` whose source exists,
   /// from left to right.
   template <class Put>
   void ForEachInRow(int y, int width, Put put) const {
-    Run run{0, std::min<int64_t>(width, kFarthest)};
-    run = down_.Inside(across_.Inside(run, y, whole_), y, whole_);
+    const Run run = InsideRun(y, width);
     if (run.first >= run.last) return;
     SidePosition across(across_, run.first, y, whole_, Extent(part_.left, part_.right));
     SidePosition down(down_, run.first, y, whole_, Extent(part_.top, part_.bottom));
@@ -167,13 +217,102 @@ class Parallelogram {
   static Side MakeSide(const Corner& origin, int64_t byX, int64_t byY) {
     return {(1 - 2 * origin.x) * byX + (1 - 2 * origin.y) * byY, 2 * byX, 2 * byY};
   }
+  /// Inside a source whose positions fixed point can hold.
+  bool IsPartNear() const {
+    return part_.left >= 0 && part_.top >= 0 && part_.right <= source_.Width() &&
+           part_.bottom <= source_.Height() &&
+           std::max(source_.Width(), source_.Height()) <= kLongestFixedSide;
+  }
+  Run InsideRun(int y, int width) const {
+    const Run run{0, std::min<int64_t>(width, kFarthest)};
+    return down_.Inside(across_.Inside(run, y, whole_), y, whole_);
+  }
+  /// Whole sides along a row do not count: then no run has two pixels.
+  int64_t FixedStep(const Side& side, uint32_t size) const {
+    const int64_t step =
+        ToFixed(MultiplyAndDivide(size, std::abs(side.byX) % whole_, whole_), whole_);
+    return side.byX < 0 ? -step : step;
+  }
   static uint32_t Extent(int low, int high) { return static_cast<uint32_t>(int64_t{high} - low); }
 
   const Raster& source_;
   PixelRect part_;
   int64_t whole_ = 0;
   Side across_{}, down_{};
+  int64_t columnStep_ = 0, rowStep_ = 0;
 };
+
+template <size_t kBytes>
+const uint8_t* PixelAt(const Raster& source, int64_t column, int64_t row) {
+  return source.Row(static_cast<int>(row >> kFractionBits)) +
+         static_cast<size_t>(column >> kFractionBits) * kBytes;
+}
+
+/// Moves the run's pixels to `target`, `kMoved` bytes each: with one too many, which the next pixel
+/// overwrites, the last pixel takes its own alone.
+template <size_t kBytes, size_t kMoved>
+void MovePixels(const Raster& source, const FixedRun& run, uint8_t* target) {
+  int64_t column = run.column, row = run.row;
+  for (int i = 1; i < run.count; ++i) {
+    std::memcpy(target, PixelAt<kBytes>(source, column, row), kMoved);
+    target += kBytes;
+    column += run.columnStep;
+    row += run.rowStep;
+  }
+  std::memcpy(target, PixelAt<kBytes>(source, column, row), kBytes);
+}
+
+/// The run's pixels side by side; not for packed formats.
+void MoveRun(const Raster& source, const FixedRun& run, uint8_t* target) {
+  const int64_t lastRow = run.row + (run.count - 1) * run.rowStep;
+  // Behind all rows but the last there is another one to read from.
+  const bool isAboveLastRow =
+      std::max(run.row, lastRow) >> kFractionBits < int64_t{source.Height()} - 1;
+  switch (StoredBitsPerPixel(source.Format())) {
+    case 8:
+      return MovePixels<1, 1>(source, run, target);
+    case 16:
+      return MovePixels<2, 2>(source, run, target);
+    case 24:
+      return isAboveLastRow ? MovePixels<3, 4>(source, run, target)
+                            : MovePixels<3, 3>(source, run, target);
+    default:
+      return MovePixels<4, 4>(source, run, target);
+  }
+}
+
+/// Pixels whose bytes are the same in both.
+bool MovesBytes(const Raster& target, const Raster& source) {
+  if (source.Format() == pf8bit) return SameIndexes(target, source);
+  return source.Format() == target.Format() &&
+         (source.Format() == pf24bit || source.Format() == pf32bit);
+}
+
+void DrawBytes(Raster& target, const Parallelogram& shape, const Raster& source) {
+  const auto bytes = static_cast<size_t>(StoredBitsPerPixel(source.Format()) / 8);
+  for (int y = 0; y < target.Height(); ++y) {
+    const FixedRun run = shape.FixedRunOf(y, target.Width());
+    if (run.count > 0) MoveRun(source, run, target.Row(y) + static_cast<size_t>(run.first) * bytes);
+  }
+}
+
+/// Runs of any but packed pixels, converted where they are drawn.
+void DrawConverted(Raster& target, const Parallelogram& shape, const Raster& source) {
+  PixelRule rule;
+  rule.kind = PixelRule::Kind::copy;
+  const auto targetRows = MakeTargetRows(target, rule);
+  const PixelTable table = MakePixelTable(source.palette);
+  const auto width = static_cast<size_t>(target.Width());
+  std::vector<uint8_t> moved(width * 4);
+  std::vector<RGBArec> pixels(width);
+  for (int y = 0; y < target.Height(); ++y) {
+    const FixedRun run = shape.FixedRunOf(y, target.Width());
+    if (run.count == 0) continue;
+    MoveRun(source, run, moved.data());
+    RowTo32(moved.data(), source.Format(), run.count, table, pixels.data());
+    targetRows->Write(y, run.first, run.count, pixels.data());
+  }
+}
 
 void DrawIndexes(Raster& target, const Parallelogram& shape, const Raster& source) {
   const PixelReader reader(source);
@@ -238,8 +377,12 @@ void BlitParallelogram(Raster& target, const std::array<PixelPoint, 3>& corners,
   }
   const Parallelogram shape(abc, source, plain);
   if (shape.IsFlat()) return;
-  if (SameIndexes(target, source)) {
+  if (shape.HasFixedRuns(target.Width()) && MovesBytes(target, source)) {
+    DrawBytes(target, shape, source);
+  } else if (SameIndexes(target, source)) {
     DrawIndexes(target, shape, source);
+  } else if (shape.HasFixedRuns(target.Width()) && StoredBitsPerPixel(source.Format()) >= 8) {
+    DrawConverted(target, shape, source);
   } else {
     DrawColors(target, shape, source);
   }

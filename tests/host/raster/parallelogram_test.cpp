@@ -61,6 +61,57 @@ TEST(Parallelogram, Should_EqualTheReference_ForEveryPairOfFormats) {
   }
 }
 
+/// Positions that step in fixed point, whole parts and exact borders included.
+TEST(Parallelogram, Should_EqualTheReference_ForEveryWidth_AndOnLargePictures) {
+  constexpr unsigned kSeed = 304;
+  std::printf("seed %u\n", kSeed);
+  std::mt19937 random(kSeed);
+  const auto any = [&](int low, int high) {
+    return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));
+  };
+  constexpr TPixelFormat kFormats[] = {pf8bit, pf15bit, pf16bit, pf24bit, pf32bit};
+  for (int width = 0; width <= 70; ++width) {
+    for (const TPixelFormat from : kFormats) {
+      for (const TPixelFormat to : {from, kFormats[width % 5]}) {
+        const Raster target = test::GradientRaster(to, width, any(1, 30));
+        const int w = any(1, 40), h = any(1, 40);
+        Raster source = test::RandomRaster(from, w, h, random);
+        if (IsIndexed(from) && from == to) source.palette = target.palette;
+        // One edge of the part with every size, so that the last row and column are met.
+        const PixelRect part{any(0, w - 1), any(0, h - 1), w, h};
+        for (const int unit : {1, 8}) {
+          Corners corners;
+          for (PixelPoint& corner : corners)
+            corner = {any(-2, 9) * 8 / unit, any(-2, 6) * 8 / unit};
+          ExpectAsReference(target, corners, source, part);
+        }
+      }
+    }
+  }
+  for (const TPixelFormat format : kFormats) {
+    const Raster source = test::RandomRaster(format, 500, 370, random);
+    const Raster target = test::GradientRaster(format, 577, 300);
+    const PixelRect all{0, 0, 500, 370};
+    ExpectAsReference(target, {{{50, 0}, {577, 33}, {0, 270}}}, source, all);
+    ExpectAsReference(target, {{{560, 290}, {30, 299}, {530, 3}}}, source, all);
+    ExpectAsReference(target, {{{-1000, -3000}, {3000, 200}, {-1700, 4000}}}, source, all);
+  }
+}
+
+/// So long a side or so large an area that fixed point would not be exact.
+TEST(Parallelogram, Should_EqualTheReference_When_FixedPointIsTooCoarse) {
+  constexpr unsigned kSeed = 305;
+  std::printf("seed %u\n", kSeed);
+  std::mt19937 random(kSeed);
+  const Raster target = test::GradientRaster(pf24bit, 61, 40);
+  const Raster wide = test::RandomRaster(pf24bit, (1 << 16) + 1, 2, random);
+  ExpectAsReference(target, {{{1, 0}, {60, 3}, {0, 38}}}, wide, {0, 0, wide.Width(), 2});
+  const Raster source = test::RandomRaster(pf24bit, 57, 43, random);
+  for (const int far : {100000, 400000, 3000000})
+    ExpectAsReference(target, {{{-far, -far}, {far, 7 - far}, {11 - far, far}}}, source,
+                      {0, 0, 57, 43});
+}
+
 TEST(Parallelogram, Should_MirrorAllButTheLastColumnAndRow_When_ThePartIsOneShort) {
   const int w = 7, h = 5;
   const Raster source = test::GradientRaster(pf24bit, w, h);
