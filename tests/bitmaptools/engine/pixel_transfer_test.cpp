@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <rasterkit/bitmaptools/engine/mixing.h>
 #include <rasterkit/bitmaptools/engine/pixel_transfer.h>
 #include <rasterkit/host/graphics/bitmap.h>
 #include <rasterkit/host/runtime/errors.h>
@@ -278,6 +279,15 @@ TEST(AssignPartBitmapTest, TransparentAt100LeavesTheTargetAndAt0TakesTheSource) 
 
 TEST(AssignPartBitmapTest, ShadowAt0IsAMultiplication) {
   EXPECT_EQ(PartOf(pf24bit, {128, 255, 0}, pf24bit, {100, 77, 99}, pmShadow, 0), RGB(0, 77, 50));
+}
+
+TEST(AssignPartBitmapTest, ShadesAreRoundedForEveryPairOfBytes) {
+  for (int pair = 0; pair < 65536; ++pair) {
+    const auto source = static_cast<uint8_t>(pair), shade = static_cast<uint8_t>(pair >> 8);
+    const uint8_t shaded = detail::Shaded(source, shade);
+    ASSERT_EQ(shaded, reference::Shaded(source, shade, false)) << pair;
+    ASSERT_EQ(shaded, reference::Shaded(source, shade, true)) << pair;
+  }
 }
 
 TEST(AssignPartBitmapTest, PercentagesOutOfRangeKeepTheLowByteInTransparentMode) {
