@@ -219,30 +219,40 @@ HWY_INLINE hn::Vec<D> SumTap(D d, const int32_t* column, const HalftoneTap& tap,
 
 /// Doubles hold the sums, so that only the quotient is rounded: it is right or short by one, and
 /// its remainder tells.
+template <class D>
+HWY_INLINE hn::Vec<D> MeansOfSums(D d, hn::Vec<D> sums, hn::Vec<D> divisor, hn::Vec<D> factor) {
+  const auto mean = hn::Floor(hn::Mul(sums, factor));
+  const auto rest = hn::Sub(sums, hn::Mul(mean, divisor));
+  return hn::Add(mean, hn::IfThenElseZero(hn::Ge(rest, divisor), hn::Set(d, 1.0)));
+}
+
+/// A pixel at a time is written with a byte too many, which the next one overwrites.
 void MeansInDoubles(const uint32_t* columns, const HalftoneAxis& axis, uint64_t total,
                     uint8_t* target) {
   const hn::CappedTag<double, 4> d;
   const hn::Rebind<int32_t, decltype(d)> dLongs;
+  const hn::Rebind<uint8_t, decltype(d)> dBytes;
   const auto inner = hn::Set(d, static_cast<double>(axis.innerWeight));
-  const uint64_t wholeHalf = total / 2;
-  const auto half = hn::Set(d, static_cast<double>(wholeHalf));
+  const auto half = hn::Set(d, static_cast<double>(total / 2));
   const auto divisor = hn::Set(d, static_cast<double>(total));
   const auto factor = hn::Set(d, 1 / static_cast<double>(total) * (1 - 1.0 / (1 << 30)));
-  const auto one = hn::Set(d, 1.0);
-  for (const HalftoneTap& tap : axis.taps) {
+  const auto make = [&](const HalftoneTap& tap, uint8_t* pixel) {
     // Sums of bytes whose weights add up to 2^23 at most are no negative numbers.
     const auto* column =
         reinterpret_cast<const int32_t*>(columns + 3 * static_cast<size_t>(tap.first));
-    HWY_ALIGN int32_t means[4];
     for (size_t c = 0; c < 4; c += hn::Lanes(d)) {
-      const auto sum = hn::Add(SumTap(d, column + c, tap, inner), half);
-      const auto mean = hn::Floor(hn::Mul(sum, factor));
-      const auto rest = hn::Sub(sum, hn::Mul(mean, divisor));
-      const auto whole = hn::Add(mean, hn::IfThenElseZero(hn::Ge(rest, divisor), one));
-      hn::StoreU(hn::DemoteTo(dLongs, whole), dLongs, means + c);
+      const auto sums = hn::Add(SumTap(d, column + c, tap, inner), half);
+      const auto means = hn::DemoteTo(dLongs, MeansOfSums(d, sums, divisor, factor));
+      hn::StoreU(hn::DemoteTo(dBytes, means), dBytes, pixel + c);
     }
-    for (size_t c = 0; c < 3; ++c) *target++ = static_cast<uint8_t>(means[c]);
-  }
+  };
+  if (axis.taps.empty()) return;
+  const HalftoneTap* last = &axis.taps.back();
+  for (const HalftoneTap* tap = axis.taps.data(); tap != last; ++tap, target += 3)
+    make(*tap, target);
+  uint8_t pixel[4];
+  make(*last, pixel);
+  std::copy_n(pixel, 3, target);
 }
 
 #endif
