@@ -1,7 +1,7 @@
 # Programs that test what lies in qt/ and dialogs/.
 find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 
-# No display and no settings of the user who runs the tests; leaks that Qt and fontconfig keep on purpose are named.
+# No display and no settings of the user who runs the tests; what fontconfig keeps on purpose is no leak.
 set(RASTERKIT_FORM_ENVIRONMENT
     QT_QPA_PLATFORM=offscreen
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/forms/lsan.supp:print_suppressions=0)
