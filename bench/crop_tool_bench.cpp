@@ -40,7 +40,6 @@ TBitmap& LargeBitmap() {
 class ShownTool {
  public:
   ShownTool() {
-    TheApplication();
     box.resize(kBoxWidth, kBoxHeight);
     box.show();
     tool.SetOrgBitmap(&LargeBitmap());
@@ -57,6 +56,7 @@ class ShownTool {
   void Release(QPoint at) { Send(QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton); }
   void Frame() { box.repaint(); }
 
+  QApplication& application = TheApplication();
   TPaintBox box;
   TBmpCutRect tool{&box, nullptr};
 };

@@ -17,7 +17,11 @@ constexpr std::array kKeys = {
     rsPreviewLoading, rsPreviewNone, rsPreviewTooLarge, rsReplaceFile, rsSavePicture,
     // Crop tool
     rsSizeOfPicture, rsInfoWidth, rsInfoHeight, rsInfoBitDepth, rsInfoCutWidth, rsInfoCutHeight,
-    rsInfoCutMemsize};
+    rsInfoCutMemsize, rsCropActualSize, rsCropActualSizeHint, rsCropDimensions,
+    rsCropDimensionsCaption, rsCropFit, rsCropFitHint, rsCropFitName, rsCropHeight,
+    rsCropHeightHint, rsCropLeft, rsCropLeftHint, rsCropPicture, rsCropRectangle,
+    rsCropRectangleHelp, rsCropRectangleHint, rsCropTop, rsCropTopHint, rsCropUndo, rsCropUndoHint,
+    rsCropWhole, rsCropWholeHint, rsCropWidth, rsCropWidthHint};
 
 /// Shared, so that a text can be asked for while the translator is replaced.
 struct Installed {

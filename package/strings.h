@@ -48,6 +48,37 @@ inline constexpr std::string_view rsInfoCutHeight = "Cut height=%d";
 /// Unit, then memory size.
 inline constexpr std::string_view rsInfoCutMemsize = "Cut memsize [%s]=%s";
 
+/// The window around the crop tool.
+inline constexpr std::string_view rsCropActualSize = "Actual size";
+inline constexpr std::string_view rsCropActualSizeHint = "Shows the picture pixel by pixel";
+inline constexpr std::string_view rsCropDimensions = "Bitmap dimensions";
+inline constexpr std::string_view rsCropDimensionsCaption = "Bitmap dimensions:";
+inline constexpr std::string_view rsCropFit = "Fit";
+inline constexpr std::string_view rsCropFitHint = "Shows the whole picture";
+inline constexpr std::string_view rsCropFitName = "Fit into the window";
+inline constexpr std::string_view rsCropHeight = "Height";
+inline constexpr std::string_view rsCropHeightHint = "Height of the rectangle in pixels";
+inline constexpr std::string_view rsCropLeft = "Left";
+inline constexpr std::string_view rsCropLeftHint =
+    "Left edge of the rectangle in pixels of the picture";
+inline constexpr std::string_view rsCropPicture = "Crop picture";
+inline constexpr std::string_view rsCropRectangle = "Picture with crop rectangle";
+inline constexpr std::string_view rsCropRectangleHelp =
+    "Drag to draw a rectangle. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize "
+    "it. The wheel zooms, the middle button pans.";
+inline constexpr std::string_view rsCropRectangleHint =
+    "Drag to draw, move or resize the rectangle; turn the wheel to zoom";
+inline constexpr std::string_view rsCropTop = "Top";
+inline constexpr std::string_view rsCropTopHint =
+    "Top edge of the rectangle in pixels of the picture";
+inline constexpr std::string_view rsCropUndo = "Undo";
+inline constexpr std::string_view rsCropUndoHint =
+    "Takes back the last change of the rectangle (Ctrl+Z)";
+inline constexpr std::string_view rsCropWhole = "Whole picture";
+inline constexpr std::string_view rsCropWholeHint = "Removes the rectangle (Delete)";
+inline constexpr std::string_view rsCropWidth = "Width";
+inline constexpr std::string_view rsCropWidthHint = "Width of the rectangle in pixels";
+
 /// Every key, for whoever writes a translation.
 [[gnu::visibility("default")]] std::span<const std::string_view> ResourceStringKeys();
 

@@ -3,6 +3,7 @@
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap.h>
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap_form.h>
 #include <rasterkit/dialogs/bitmapframe/cut_bitmap.h>
+#include <rasterkit/qt/modal_call.h>
 
 namespace rasterkit {
 namespace {
@@ -15,6 +16,7 @@ bool IsWhole(const TBitmap& bitmap, const TRect& rect) {
 }  // namespace
 
 bool ChooseCropRect(TBitmap& bitmap, TRect& rect) {
+  const TModalCall call;
   TFormCropBitmap form(bitmap, rect);
   if (form.ShowModal() != mrOk) return false;
   rect = form.ChosenRect();

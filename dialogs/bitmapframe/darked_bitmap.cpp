@@ -24,7 +24,14 @@ bool DarkedBitmap::IsLit(int x, int y) const {
   const bool moves = x < width_ - 1 && y < height_ - 1;
   if (moves && mirroredLeftRight_) x = width_ - 2 - x;
   if (moves && mirroredTopBottom_) y = height_ - 2 - y;
-  return x >= lit_.Left && x < lit_.Right && y >= lit_.Top && y < lit_.Bottom;
+  return x >= lit_.Left && x < lit_.Right && IsLitRow(y);
+}
+
+// The last row and the last column stay when the rest is mirrored.
+int DarkedBitmap::RowKind(int y) const {
+  const bool moves = y < height_ - 1;
+  const int mirroredY = moves && mirroredTopBottom_ ? height_ - 2 - y : y;
+  return (moves ? 1 : 0) | (IsLitRow(mirroredY) ? 2 : 0) | (IsLitRow(y) ? 4 : 0);
 }
 
 TBitmap DarkedBitmap::Make(const TBitmap& picture) const {

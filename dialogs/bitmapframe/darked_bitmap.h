@@ -18,6 +18,8 @@ class DarkedBitmap {
 
   /// Whether the pixel keeps its brightness.
   bool IsLit(int x, int y) const;
+  /// Rows of one kind, 0 to 7, are lit at the same columns.
+  int RowKind(int y) const;
 
   /// The whole darkened picture, 24-bit (32-bit with its alpha from a 32-bit picture): each channel
   /// of an unlit pixel halved and cut. `picture` has the size that was given to `Fill`.
@@ -26,6 +28,8 @@ class DarkedBitmap {
   friend bool operator==(const DarkedBitmap& a, const DarkedBitmap& b);
 
  private:
+  bool IsLitRow(int y) const { return y >= lit_.Top && y < lit_.Bottom; }
+
   int width_ = 0, height_ = 0;
   TRect lit_;
   bool mirroredLeftRight_ = false, mirroredTopBottom_ = false;

@@ -57,6 +57,7 @@ void PictureView::Forget() {
 
 void PictureView::Draw() {
   darkening_.reset();
+  brightnessKind_ = -1;
   refinedRows_ = 0;
   isDrawn_ = false;
   plain_.ResetPixels(pf32bit, window_.width, window_.height);
@@ -135,6 +136,7 @@ bool PictureView::RefineRows(int count) {
 const TBitmap& PictureView::Darkened(const DarkedBitmap& darkening) {
   if (darkening_ == darkening) return darkened_;
   darkening_.reset();
+  brightnessKind_ = -1;
   darkened_.ResetPixels(pf32bit, plain_.Width(), plain_.Height());
   for (int y = 0; y < plain_.Height(); ++y) DarkenRow(y, darkening);
   darkening_ = darkening;
@@ -144,15 +146,28 @@ const TBitmap& PictureView::Darkened(const DarkedBitmap& darkening) {
 void PictureView::DarkenRow(int y, const DarkedBitmap& darkening) {
   const auto* source = reinterpret_cast<const uint32_t*>(plain_.ScanLine(y));
   auto* target = reinterpret_cast<uint32_t*>(darkened_.ScanLine(y));
-  std::copy_n(source, plain_.Width(), target);
   const TRect seen = Seen(window_);
-  if (picture_ == nullptr || picture_->Empty() || y < seen.Top || y >= seen.Bottom) return;
-  const TRect& place = window_.place;
-  const int sourceY = SourceUnder(y, place.Top, place.Bottom, picture_->Height());
-  for (int x = seen.Left; x < seen.Right; ++x) {
-    const int sourceX = SourceUnder(x, place.Left, place.Right, picture_->Width());
-    if (!darkening.IsLit(sourceX, sourceY)) target[x] = Halved(target[x]);
+  if (picture_ == nullptr || picture_->Empty() || y < seen.Top || y >= seen.Bottom) {
+    std::copy_n(source, plain_.Width(), target);
+    return;
   }
+  MakeBrightness(SourceUnder(y, window_.place.Top, window_.place.Bottom, picture_->Height()),
+                 darkening);
+  const uint32_t* const stays = brightness_.data();
+  for (int x = 0; x < window_.width; ++x)
+    target[x] = (source[x] & stays[x]) | (Halved(source[x]) & ~stays[x]);
+}
+
+void PictureView::MakeBrightness(int sourceY, const DarkedBitmap& darkening) {
+  const int kind = darkening.RowKind(sourceY);
+  if (kind == brightnessKind_) return;
+  brightness_.assign(static_cast<size_t>(window_.width), ~uint32_t{0});
+  const TRect seen = Seen(window_);
+  for (int x = seen.Left; x < seen.Right; ++x) {
+    const int sourceX = SourceUnder(x, window_.place.Left, window_.place.Right, picture_->Width());
+    if (!darkening.IsLit(sourceX, sourceY)) brightness_[static_cast<size_t>(x)] = 0;
+  }
+  brightnessKind_ = kind;
 }
 
 }  // namespace rasterkit

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include <rasterkit/dialogs/bitmapframe/darked_bitmap.h>
 #include <rasterkit/host/graphics/bitmap.h>
@@ -50,6 +51,7 @@ class RASTERKIT_EXPORT PictureView {
   TRect RowsToRefine() const;
   uint64_t SampleDigest() const;
   void DarkenRow(int y, const DarkedBitmap& darkening);
+  void MakeBrightness(int sourceY, const DarkedBitmap& darkening);
 
   const TBitmap* picture_ = nullptr;
   unsigned version_ = 0;
@@ -61,6 +63,9 @@ class RASTERKIT_EXPORT PictureView {
 
   TBitmap darkened_;
   std::optional<DarkedBitmap> darkening_;
+  /// For each column of the window: all ones where rows of `brightnessKind_` stay as they are.
+  std::vector<uint32_t> brightness_;
+  int brightnessKind_ = -1;
 };
 
 }  // namespace rasterkit

@@ -76,6 +76,22 @@ TEST(DarkedBitmap, Should_BeWhatAMirroredCopyIs_When_MirroredAnyNumberOfTimes) {
   }
 }
 
+TEST(DarkedBitmap, RowKind_Should_MeanTheSameLitColumns) {
+  for (const TRect& lit : {TRect{1, 1, 4, 3}, {3, 2, 9, 6}, {5, 4, 9, 7}})
+    for (int mirrorings = 0; mirrorings < 4; ++mirrorings) {
+      DarkedBitmap darkening;
+      darkening.Fill(9, 7, lit);
+      if (mirrorings & 1) darkening.Swap(true);
+      if (mirrorings & 2) darkening.Swap(false);
+      for (int y = 0; y < 7; ++y)
+        for (int other = 0; other < 7; ++other) {
+          if (darkening.RowKind(y) != darkening.RowKind(other)) continue;
+          for (int x = 0; x < 9; ++x)
+            ASSERT_EQ(darkening.IsLit(x, y), darkening.IsLit(x, other)) << x << "," << y;
+        }
+    }
+}
+
 TEST(DarkedBitmap, Should_StartOver_When_FilledAgain) {
   const TBitmap picture = GradientBitmap(pf24bit, 9, 9);
   DarkedBitmap darkening = Darkening(picture, {0, 0, 3, 3});

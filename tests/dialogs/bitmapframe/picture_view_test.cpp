@@ -49,10 +49,11 @@ TEST(PictureView, Darkened_Should_EqualTheDarkenedPictureStretched_ToTheByte) {
   std::mt19937 random(kSeed);
   for (const TPixelFormat format : kEveryFormat) {
     TBitmap picture = RandomBitmap(format, 53, 37, random);
-    for (const bool mirrored : {false, true}) {
+    for (int mirrorings = 0; mirrorings < 4; ++mirrorings) {
       DarkedBitmap darkening;
-      darkening.Fill(53, 37, {11, 5, 40, 21});
-      if (mirrored) darkening.Swap(true);
+      darkening.Fill(53, 37, {11, 5, 53, 21});
+      if (mirrorings & 1) darkening.Swap(true);
+      if (mirrorings & 2) darkening.Swap(false);
       const TBitmap darked = darkening.Make(picture);
       for (const auto& window : kWindows) {
         PictureView view;
