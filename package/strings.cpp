@@ -21,7 +21,14 @@ constexpr std::array kKeys = {
     rsCropDimensionsCaption, rsCropFit, rsCropFitHint, rsCropFitName, rsCropHeight,
     rsCropHeightHint, rsCropLeft, rsCropLeftHint, rsCropPicture, rsCropRectangle,
     rsCropRectangleHelp, rsCropRectangleHint, rsCropTop, rsCropTopHint, rsCropUndo, rsCropUndoHint,
-    rsCropWhole, rsCropWholeHint, rsCropWidth, rsCropWidthHint};
+    rsCropWhole, rsCropWholeHint, rsCropWidth, rsCropWidthHint,
+    // Values
+    rsBlue, rsBlueHint, rsBrightness, rsBrightnessHint, rsChangeBitmapValues, rsChanged,
+    rsChangedHint, rsChangedPicture, rsColor, rsColorHint, rsContrast, rsContrastHint, rsGrayValue,
+    rsGrayValueHint, rsGreen, rsGreenHint, rsOptions, rsOriginal, rsOriginalHint, rsOriginalPicture,
+    rsRed, rsRedHint, rsSelectGrayValue, rsSharpen, rsSharpenHint,
+    // Size
+    rsChangeSize, rsHeightHint, rsProportional, rsProportionalHint, rsWidthAndHeight, rsWidthHint};
 
 /// Shared, so that a text can be asked for while the translator is replaced.
 struct Installed {

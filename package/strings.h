@@ -79,6 +79,45 @@ inline constexpr std::string_view rsCropWholeHint = "Removes the rectangle (Dele
 inline constexpr std::string_view rsCropWidth = "Width";
 inline constexpr std::string_view rsCropWidthHint = "Width of the rectangle in pixels";
 
+/// The change-values dialog.
+inline constexpr std::string_view rsBlue = "Blue";
+inline constexpr std::string_view rsBlueHint =
+    "Percentage by which blue becomes stronger or weaker";
+inline constexpr std::string_view rsBrightness = "Brightness [%]";
+inline constexpr std::string_view rsBrightnessHint = "Lighter above 0, darker below";
+inline constexpr std::string_view rsChangeBitmapValues = "Change values";
+inline constexpr std::string_view rsChanged = "Changed";
+inline constexpr std::string_view rsChangedHint = "What OK makes of the picture";
+inline constexpr std::string_view rsChangedPicture = "Changed picture";
+inline constexpr std::string_view rsColor = "Color";
+inline constexpr std::string_view rsColorHint = "The color of the three numbers";
+inline constexpr std::string_view rsContrast = "Contrast [%]";
+inline constexpr std::string_view rsContrastHint = "More contrast above 0, less below";
+inline constexpr std::string_view rsGrayValue = "Gray value";
+inline constexpr std::string_view rsGrayValueHint = "Darker colors become black, all others white";
+inline constexpr std::string_view rsGreen = "Green";
+inline constexpr std::string_view rsGreenHint =
+    "Percentage by which green becomes stronger or weaker";
+inline constexpr std::string_view rsOptions = "Options";
+inline constexpr std::string_view rsOriginal = "Original";
+inline constexpr std::string_view rsOriginalHint =
+    "Drag the picture, or use the arrow keys, to see another part of it";
+inline constexpr std::string_view rsOriginalPicture = "Original picture";
+inline constexpr std::string_view rsRed = "Red";
+inline constexpr std::string_view rsRedHint = "Percentage by which red becomes stronger or weaker";
+inline constexpr std::string_view rsSelectGrayValue = "Select gray value";
+inline constexpr std::string_view rsSharpen = "Sharpen [%]";
+inline constexpr std::string_view rsSharpenHint = "Sharper above 0, softer below";
+
+/// The change-size dialog.
+inline constexpr std::string_view rsChangeSize = "Change Size";
+inline constexpr std::string_view rsHeightHint = "New height in pixels";
+inline constexpr std::string_view rsProportional = "proportional";
+inline constexpr std::string_view rsProportionalHint =
+    "Each number follows the other, so that the picture keeps its shape";
+inline constexpr std::string_view rsWidthAndHeight = "Width / Height";
+inline constexpr std::string_view rsWidthHint = "New width in pixels";
+
 /// Every key, for whoever writes a translation.
 [[gnu::visibility("default")]] std::span<const std::string_view> ResourceStringKeys();
 

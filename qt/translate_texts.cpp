@@ -4,6 +4,7 @@
 #include <QTextEdit>
 #include <QVariant>
 
+#include <rasterkit/qt/navigator.h>
 #include <rasterkit/qt/qt_text.h>
 #include <rasterkit/qt/translate_texts.h>
 
@@ -64,12 +65,18 @@ void TranslateEntries(QWidget& widget) {
   }
 }
 
+/// The buttons of a navigator come with their texts in the user's language.
+bool IsTranslated(const QWidget& widget) {
+  return qobject_cast<const TNavigator*>(widget.parentWidget()) != nullptr;
+}
+
 }  // namespace
 
 void TranslateTexts(QWidget& form) {
   TranslateProperties(form);
   TranslateEntries(form);
   for (QWidget* widget : form.findChildren<QWidget*>()) {
+    if (IsTranslated(*widget)) continue;
     TranslateProperties(*widget);
     TranslateEntries(*widget);
   }

@@ -1,0 +1,43 @@
+#include <algorithm>
+
+#include <rasterkit/bitmaptools/engine/contrast_brightness.h>
+#include <rasterkit/bitmaptools/engine/sharpen.h>
+#include <rasterkit/bitmaptools/engine/shift_colors.h>
+#include <rasterkit/bitmaptools/pixels/gray_mono.h>
+#include <rasterkit/dialogs/execbitmap/value_change.h>
+
+namespace rasterkit {
+
+void AddTask(TaskSlots& slots, int32_t code) {
+  for (int32_t& slot : slots) {
+    if (slot == code) return;
+    if (slot == kTaskNone) {
+      slot = code;
+      return;
+    }
+  }
+}
+
+void ValueChange::Run(int32_t task, TBitmap& bitmap) const {
+  // One thread: black and white stay as they are.
+  constexpr int32_t threads = 1;
+  if (task == kTaskBrightness) Helligkeit(&bitmap, lightness, threads, nullptr);
+  if (task == kTaskContrast) Kontrast(&bitmap, contrast, threads, nullptr);
+  if (task == kTaskSharpen) Sharpen(&bitmap, sharpen);
+  if (task == kTaskColors)
+    ShiftColors(&bitmap, static_cast<float>(red), static_cast<float>(green),
+                static_cast<float>(blue));
+}
+
+void ValueChange::ApplyTo(TBitmap& bitmap) const {
+  if (operation == kOperationBlackAndWhite) return ColorBmpToSW(&bitmap, grayValue);
+  if (operation != kOperationValues) return;
+  for (const int32_t task : slots) Run(task, bitmap);
+}
+
+int ValueChange::Margin() const {
+  if (operation != kOperationValues || sharpen == 0) return 0;
+  return static_cast<int>(std::count(slots.begin(), slots.end(), kTaskSharpen));
+}
+
+}  // namespace rasterkit
