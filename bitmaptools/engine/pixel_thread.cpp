@@ -134,9 +134,7 @@ void TPixelThread::TransferBand() {
 }
 
 void TPixelThread::TransferPixels() {
-  detail::TransferRules rules(*this);
-  for (size_t i = 0; i < columns_.size(); ++i)
-    rules.TransferPixel(firstColumn_ + static_cast<int32_t>(i), columns_[i]);
+  detail::TransferRules(*this).TransferRow(firstColumn_, columns_);
 }
 
 void TPixelThread::FetchRows(int y) {

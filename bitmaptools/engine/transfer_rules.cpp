@@ -64,6 +64,46 @@ void TransferRules::TransferPixel(int32_t x, int32_t sx) {
     Combine(x);
 }
 
+void TransferRules::TransferRow(int32_t first, const std::vector<int32_t>& columns) {
+  if (!w_.PixTakeOver && w_.FPixelMode == pmOverwrite) {
+    if (w_.nTarBytes == 3 && w_.nSrcBytes == 4) return OverwriteSource<3, 4>(first, columns);
+    if (w_.nTarBytes == 4 && w_.nSrcBytes == 3) return OverwriteSource<4, 3>(first, columns);
+  }
+  for (size_t i = 0; i < columns.size(); ++i)
+    TransferPixel(first + static_cast<int32_t>(i), columns[i]);
+}
+
+// What decides is read once: a byte that is stored could be any of the worker's fields.
+template <size_t kTargetBytes, size_t kSourceBytes>
+void TransferRules::OverwriteSource(int32_t first, const std::vector<int32_t>& columns) {
+  const uint8_t* target = w_.Tar8 + static_cast<ptrdiff_t>(first) * kTargetBytes;
+  uint8_t* const source = w_.Src8;
+  const bool isPart = w_.FPixelTask == ptAssignPart, inWhite = w_.FPixelTask == ptAssignInWhite;
+  const bool nearWhite = w_.UseGray, byAlpha = kSourceBytes == 4 && w_.UseAlpha;
+  const auto limit = w_.FromGrayVal;
+  const Color key{w_.transB, w_.TransG, w_.transR};
+  const auto isNearWhite = [&](const Color& c) {
+    return c.r > limit && c.g > limit && c.b > limit;
+  };
+  const auto isKey = [&](const Color& c) { return c.r == key.r && c.g == key.g && c.b == key.b; };
+  int32_t lastColumn = w_.sx;
+  for (const int32_t column : columns) {
+    const Color color{Load(target), Load(target + 1), Load(target + 2)};
+    target += kTargetBytes;
+    if (inWhite && !(nearWhite ? isNearWhite(color) : isKey(color))) continue;
+    if (column < 0) continue;
+    lastColumn = column;
+    uint8_t* place = source + static_cast<size_t>(column) * kSourceBytes;
+    if (isPart && (byAlpha ? Load(place + 3) > 0
+                           : isNearWhite({Load(place), Load(place + 1), Load(place + 2)})))
+      continue;
+    Store(place, color.b);
+    Store(place + 1, color.g);
+    Store(place + 2, color.r);
+  }
+  w_.sx = lastColumn;
+}
+
 bool TransferRules::IsNearWhite(const Color& color) const {
   return color.r > w_.FromGrayVal && color.g > w_.FromGrayVal && color.b > w_.FromGrayVal;
 }

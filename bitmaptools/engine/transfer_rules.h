@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace rasterkit {
 
@@ -20,10 +22,17 @@ class TransferRules {
   /// The target pixel x of the rows at hand, whose source column is `sx` (-1: there is none).
   void TransferPixel(int32_t x, int32_t sx);
 
+  /// All pixels of the rows at hand from column `first` on, with their source columns.
+  void TransferRow(int32_t first, const std::vector<int32_t>& columns);
+
  private:
   struct Color {
     uint8_t b, g, r;
   };
+
+  /// Between rows of 24 and 32 bits whose source is written.
+  template <size_t kTargetBytes, size_t kSourceBytes>
+  void OverwriteSource(int32_t first, const std::vector<int32_t>& columns);
 
   bool TargetIsWhite(int32_t x);
   bool SourceIsWhite();
