@@ -93,6 +93,61 @@ TEST(PixelThreadTest, InitTarSrcRectDividesTheSizes) {
   EXPECT_EQ(worker->SrcR.Right, 2);
 }
 
+/// Lets a worker whose flags `setUp` has changed copy the whole source over the whole target.
+template <class SetUp>
+void TransferWhole(TBitmap& target, TBitmap& source, TPixelTask task, SetUp setUp) {
+  TManageThreads manager(1, target.Height(), nullptr);
+  ASSERT_TRUE(manager.InitByteBits(target, source));
+  const auto worker = MakeThread<TPixelThread>(manager, 0, task);
+  const TRect whole{0, 0, target.Width(), target.Height()};
+  worker->InitPixelMode(pmOverwrite, 0, true);
+  worker->InitTarSrcRect(whole, whole);
+  setUp(*worker);
+  worker->Start();
+  worker->WaitFor();
+}
+
+TEST(PixelThreadTest, WithUseAlphaSourcePixelsOfAnyAlphaAbove0CountAsWhite) {
+  for (const bool useAlpha : {false, true}) {
+    TBitmap target = Blank(pf32bit, 3, 1), source = Blank(pf32bit, 3, 1);
+    for (int i = 0; i < 12; ++i) {
+      target.ScanLine(0)[i] = 7;
+      source.ScanLine(0)[i] = 100;
+    }
+    source.ScanLine(0)[3] = 0;
+    source.ScanLine(0)[7] = 1;
+    for (int i = 8; i < 11; ++i) source.ScanLine(0)[i] = 255;
+    source.ScanLine(0)[11] = 0;
+    TransferWhole(target, source, ptAssignPart,
+                  [&](TPixelThread& worker) { worker.UseAlpha = useAlpha; });
+    EXPECT_EQ(target.ScanLine(0)[0], 100);
+    EXPECT_EQ(target.ScanLine(0)[4], useAlpha ? 7 : 100) << "dark, of alpha 1";
+    EXPECT_EQ(target.ScanLine(0)[8], useAlpha ? 255 : 7) << "white, of alpha 0";
+  }
+}
+
+TEST(PixelThreadTest, InvertedBitsOfTheSourceAreTakenTheOtherWayRound) {
+  for (const bool isInverted : {false, true}) {
+    TBitmap target = Blank(pf24bit, 2, 1), source = Blank(pf1bit, 2, 1);
+    source.ScanLine(0)[0] = 0x80;
+    TransferWhole(target, source, ptAssignPart,
+                  [&](TPixelThread& worker) { worker.SrcInv = isInverted; });
+    EXPECT_EQ(target.PixelColor(0, 0), isInverted ? clBlack : clWhite);
+    EXPECT_EQ(target.PixelColor(1, 0), isInverted ? clWhite : clBlack);
+  }
+}
+
+TEST(PixelThreadTest, InvertedBitsOfTheTargetAreNoPlaceForTheSource) {
+  for (const bool isInverted : {false, true}) {
+    TBitmap target = Blank(pf1bit, 2, 1), source = Blank(pf1bit, 2, 1);
+    target.ScanLine(0)[0] = 0x80;
+    source.ScanLine(0)[0] = 0;
+    TransferWhole(target, source, ptAssignInWhite,
+                  [&](TPixelThread& worker) { worker.TarInv = isInverted; });
+    EXPECT_EQ(target.ScanLine(0)[0], isInverted ? 0x80 : 0x00);
+  }
+}
+
 TEST(PixelThreadTest, AWorkerByItselfTakesItsBandAndIsCountedDown) {
   TBitmap bitmap = Blank(pf24bit, 3, 10);
   for (int y = 0; y < 10; ++y) bitmap.ScanLine(y)[0] = 100;

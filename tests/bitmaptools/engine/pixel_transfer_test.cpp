@@ -231,6 +231,34 @@ TEST_P(PixelTransferTest, EqualsTheReferenceAtEveryWidthUpTo70OneToOne) {
   });
 }
 
+TEST_P(PixelTransferTest, EqualsTheReferenceInRowsThatAreWorkedOnInSeveralParts) {
+  if (!reference::kLongDoubleIsExtended) GTEST_SKIP() << "no 80-bit arithmetic to compare with";
+  constexpr int kWidth = 2 * 1024 + 77;
+  test::ForEachSimdTarget([&](int64_t target) {
+    SCOPED_TRACE(hwy::TargetName(target));
+    uint32_t seed = 900;
+    for (TPixelFormat source : kFormats)
+      for (TPixelMode mode : kModes)
+        for (int sourceWidth : {kWidth, kWidth / 3}) {
+          Case c{GetParam(),
+                 source,
+                 kWidth,
+                 2,
+                 sourceWidth,
+                 2,
+                 {0, 0, kWidth, 2},
+                 {0, 0, sourceWidth, 2}};
+          c.mode = mode;
+          c.percent = 35;
+          c.useGray = seed % 2 == 0;
+          c.seed = seed++;
+          CheckPart(c, 1);
+          CheckInWhite(c, 1, 255);
+          if (testing::Test::HasFatalFailure()) return;
+        }
+  });
+}
+
 INSTANTIATE_TEST_SUITE_P(Formats, PixelTransferTest, testing::ValuesIn(kFormats),
                          [](const auto& info) {
                            return "Onto" + std::to_string(StoredBitsPerPixel(info.param)) + "Bit";
@@ -402,6 +430,17 @@ TEST(AssignInWhiteTest, WithLimit255ATransparentTargetGivesUpItsTransparentColou
     EXPECT_EQ(target.PixelColor(1, 0), limit == 255 ? RGB(9, 9, 9) : RGB(5, 6, 7));
     EXPECT_EQ(target.PixelColor(0, 0), limit == 255 ? RGB(253, 252, 251) : RGB(9, 9, 9));
   }
+}
+
+TEST(AssignInWhiteTest, ASystemColourAsTransparentColourCountsAsBlack) {
+  TBitmap target = Filled(pf24bit, 2, 1, {255, 255, 255}),
+          source = Filled(pf24bit, 2, 1, {9, 9, 9});
+  std::fill_n(target.ScanLine(0), 3, uint8_t{0});
+  target.SetTransparent(true);
+  target.SetTransparentColor(static_cast<TColor>(0x80000005u));  // the window's, which is white
+  AssignInWhite(&target, &source, {0, 0, 2, 1}, {0, 0, 2, 1}, 255, 1, nullptr);
+  EXPECT_EQ(target.PixelColor(0, 0), RGB(9, 9, 9));
+  EXPECT_EQ(target.PixelColor(1, 0), clWhite);
 }
 
 TEST(AssignInWhiteTest, TheAutomaticTransparentColourIsReadBeforeThePixelsChange) {
