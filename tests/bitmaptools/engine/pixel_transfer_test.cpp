@@ -519,6 +519,33 @@ TEST(PixelTransferRulesTest, ImpossibleFormatsChangeNothing) {
     }
 }
 
+TEST(PixelTransferRulesTest, BitmapsWithoutANamedFormatAreTakenAsWhatTheyAreStoredIn) {
+  struct Unnamed {
+    TPixelFormat format, stored;
+  };
+  constexpr Unnamed kUnnamed[] = {{pfDevice, pf32bit}, {pfCustom, pf32bit}, {pfCustom, pf24bit}};
+  const TRect whole{0, 0, 9, 5};
+  for (const Unnamed& unnamed : kUnnamed)
+    for (const bool isTarget : {false, true})
+      for (const TPixelMode mode : kModes) {
+        const Case c{isTarget ? unnamed.stored : pf24bit,
+                     isTarget ? pf24bit : unnamed.stored,
+                     9,
+                     5,
+                     9,
+                     5,
+                     whole,
+                     whole};
+        Pair expected = Pictures(c), actual = Pictures(c);
+        (isTarget ? actual.target : actual.source).SetPixelFormat(unnamed.format);
+        for (Pair* pair : {&expected, &actual})
+          AssignPartBitmap(&pair->target, &pair->source, whole, whole, 1, nullptr, mode, 30, false,
+                           false);
+        EXPECT_TRUE(BothAreSame(expected, actual))
+            << unnamed.format << " of " << unnamed.stored << (isTarget ? ", target" : ", source");
+      }
+}
+
 TEST(PixelTransferRulesTest, TooFewRowsForTheThreadsThrow) {
   TBitmap target = Filled(pf24bit, 3, 3, {1, 1, 1}), source = Filled(pf24bit, 3, 3, {2, 2, 2});
   for (int threads : {0, -1, 8})
