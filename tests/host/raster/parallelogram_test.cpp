@@ -98,6 +98,17 @@ TEST(Parallelogram, Should_EqualTheReference_ForEveryWidth_AndOnLargePictures) {
   }
 }
 
+TEST(Parallelogram, Should_LeaveOutPixelsWithoutASource_When_ThePartIsALittleTooLarge) {
+  constexpr unsigned kSeed = 306;
+  std::printf("seed %u\n", kSeed);
+  std::mt19937 random(kSeed);
+  const Raster target = test::GradientRaster(pf24bit, 61, 40);
+  const Raster source = test::RandomRaster(pf24bit, 21, 13, random);
+  for (const PixelRect part : {PixelRect{0, 0, 22, 13}, PixelRect{0, 0, 21, 14},
+                               PixelRect{-1, 0, 21, 13}, PixelRect{0, -1, 21, 13}})
+    ExpectAsReference(target, {{{3, 0}, {60, 5}, {0, 38}}}, source, part);
+}
+
 /// So long a side or so large an area that fixed point would not be exact.
 TEST(Parallelogram, Should_EqualTheReference_When_FixedPointIsTooCoarse) {
   constexpr unsigned kSeed = 305;
