@@ -51,6 +51,8 @@ void Stretch(std::unique_ptr<TBitmap>& bitmap, const PictureSize& size, bool smo
                                 static_cast<double>(size.height) / bitmap->Height());
   const bool isTransparent = bitmap->Transparent();
   const TColor key = bitmap->TransparentColor();
+  // The key colour is one of the pixels here: it is marked again below.
+  bitmap->SetTransparent(false);
   ResizeBitmap(bitmap, size.width, size.height, true);
   bitmap->SetAlphaFormat(alpha);
   bitmap->SetProfile(profile);

@@ -36,7 +36,8 @@ VerbRunner AddWatermarkVerb(CLI::App& app) {
                    "The mark is stretched over the whole picture. Where it is white the picture "
                    "stays; where it is dark,\n"
                    "light parts of the picture become darker and dark parts lighter. The output is "
-                   "24-bit.\n\n"
+                   "24-bit, with the\n"
+                   "transparency of the picture 32-bit.\n\n"
                    "Example:\n"
                    "  rasterkit watermark photo.jpg marked.jpg --with copyright.png");
   const auto file = std::make_shared<std::string>();

@@ -76,7 +76,10 @@ RASTERKIT_EXPORT void SwapBitmap(bool horizontal, TBitmap* bitmap);
 ///
 /// The result has the old format, palette included, when `keepFormat` is set, else it is pf32bit;
 /// alpha stays where both have 32 bits. Everything else is as in a new bitmap: not `Transparent`,
-/// transparent mode automatic, no resolution, no profile. An empty bitmap becomes white area.
+/// transparent mode automatic, no resolution, no profile. Where the old bitmap is `Transparent`
+/// without an alpha channel, pixels of its transparent colour become white (as far as the palette
+/// has it) and the others are the nearest pixels: clear the mark first to resize it as a plain
+/// picture. An empty bitmap becomes white area.
 /// Throws RangeError for a negative size and LimitError without memory; the old bitmap is then
 /// still there.
 RASTERKIT_EXPORT void ResizeBitmap(std::unique_ptr<TBitmap>& bitmap, int32_t newWidth,

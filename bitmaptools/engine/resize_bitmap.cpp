@@ -17,13 +17,26 @@ bool IsAveraged(TPixelFormat format) {
   return format == pf24bit || format == pf32bit;
 }
 
-/// Every pixel will be drawn, so that none needs the colour of new area, unless there is nothing to
-/// draw.
-void SetSize(TBitmap& bitmap, int32_t width, int32_t height, bool staysNew) {
-  if (staysNew)
-    bitmap.SetSize(width, height);
-  else
-    bitmap.ResetPixels(bitmap.PixelFormat(), width, height);
+/// Pixels of its transparent colour are not drawn. Where the alpha tells what is seen, it is copied
+/// and the colour does not count.
+bool HasHoles(const TBitmap& bitmap) {
+  const bool hasAlpha = bitmap.StoredBits() == 32 && bitmap.AlphaFormat() == afDefined;
+  return bitmap.Transparent() && !hasAlpha;
+}
+
+/// Gives the new bitmap its size and the picture, onto new area only where some of it stays to be
+/// seen.
+void Stretch(const TBitmap& source, int32_t width, int32_t height, TBitmap& target) {
+  const TRect whole{0, 0, width, height};
+  if (source.Empty()) {
+    target.SetSize(width, height);
+  } else if (HasHoles(source)) {
+    target.SetSize(width, height);
+    target.Canvas().StretchDraw(whole, source);
+  } else {
+    target.ResetPixels(target.PixelFormat(), width, height);
+    target.Canvas().CopyStretched(whole, source);
+  }
 }
 
 }  // namespace
@@ -35,9 +48,8 @@ void ResizeBitmap(std::unique_ptr<TBitmap>& bitmap, int32_t newWidth, int32_t ne
   resized->SetPixelFormat(keepFormat ? bitmap->PixelFormat() : pf32bit);
   TakeMeaning(*bitmap, *resized);
   resized->SetTransparentMode(tmAuto);
-  SetSize(*resized, newWidth, newHeight, bitmap->Empty());
   if (IsAveraged(resized->PixelFormat())) resized->Canvas().StretchMode = smHalftone;
-  resized->Canvas().CopyStretched({0, 0, newWidth, newHeight}, *bitmap);
+  Stretch(*bitmap, newWidth, newHeight, *resized);
   bitmap = std::move(resized);
 }
 

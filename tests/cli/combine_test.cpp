@@ -233,6 +233,17 @@ TEST_F(CliWatermark, SeveralPictures_Should_EachGetTheMark) {
   EXPECT_FALSE(SamePixels(under_, LoadFile(folder_ / "out/a.png")));
 }
 
+TEST_F(CliWatermark, Transparency_Should_Stay) {
+  under_ = GradientRaster(pf32bit, kWidth, kHeight);
+  under_.alphaFormat = afDefined;
+  for (int y = 0; y < kHeight; ++y)
+    for (int x = 0; x < kWidth; ++x) under_.Row(y)[4 * x + 3] = static_cast<uint8_t>(8 * x);
+  const Raster marked = Combined(GrayRaster(11, 7), {}, "watermark");
+  ASSERT_EQ(marked.Format(), pf32bit);
+  EXPECT_EQ(marked.alphaFormat, afDefined);
+  for (int x = 0; x < kWidth; ++x) EXPECT_EQ(marked.Row(9)[4 * x + 3], 8 * x) << x;
+}
+
 TEST_F(CliWatermark, Resolution_Should_Stay) {
   under_.resolution = {300, 300};
   EXPECT_NEAR(Combined(GrayRaster(3, 3), {}, "watermark").resolution.x, 300, 0.1);

@@ -112,12 +112,39 @@ TEST(ResizeBitmapTest, Transparency_Should_BeThatOfANewBitmap) {
   EXPECT_EQ(bitmap->TransparentColor(), corner);
 }
 
-TEST(ResizeBitmapTest, TransparentColour_Should_StayInTheResult) {
-  auto bitmap = std::make_unique<TBitmap>(test::GradientBitmap(pf24bit, 4, 4));
-  const std::unique_ptr<TBitmap> before = bitmap->Clone();
-  bitmap->SetTransparent(true);
-  ResizeBitmap(bitmap, 4, 4, true);
-  EXPECT_TRUE(SamePixels(*before, *bitmap));
+TEST(ResizeBitmapTest, TransparentColour_Should_LeaveNewAreaInEveryFormat) {
+  for (const TPixelFormat format : test::kEveryFormat) {
+    TBitmap before = test::GradientBitmap(format, 6, 4);
+    before.SetTransparent(true);
+    before.SetTransparentColor(before.PixelColor(2, 1));
+    for (const bool keepFormat : {false, true}) {
+      std::unique_ptr<TBitmap> bitmap = before.Clone();
+      ResizeBitmap(bitmap, 12, 8, keepFormat);
+      for (int y = 0; y < 8; ++y) {
+        for (int x = 0; x < 12; ++x) {
+          const TColor color = before.PixelColor(x / 2, y / 2);
+          const bool isHole = color == before.TransparentColor();
+          ASSERT_EQ(bitmap->PixelColor(x, y), isHole ? clWhite : color)
+              << "format " << format << ", keep " << keepFormat << ", " << x << ", " << y;
+        }
+      }
+    }
+  }
+}
+
+TEST(ResizeBitmapTest, AlphaChannel_Should_StayWhereTheBitmapIsTransparentToo) {
+  TBitmap before = test::GradientBitmap(pf32bit, 4, 4);
+  for (int x = 0; x < 4; ++x) before.ScanLine(1)[4 * x + 3] = static_cast<uint8_t>(60 * x);
+  before.SetAlphaFormat(afDefined);
+  before.SetTransparent(true);
+  before.SetTransparentColor(before.PixelColor(3, 2));
+  for (const bool keepFormat : {false, true}) {
+    std::unique_ptr<TBitmap> bitmap = before.Clone();
+    ResizeBitmap(bitmap, 4, 4, keepFormat);
+    EXPECT_EQ(bitmap->AlphaFormat(), afDefined);
+    for (int x = 1; x < 4; ++x) EXPECT_EQ(bitmap->ScanLine(1)[4 * x + 3], 60 * x);
+    EXPECT_EQ(bitmap->PixelColor(3, 2), before.PixelColor(3, 2));
+  }
 }
 
 TEST(ResizeBitmapTest, ZeroSizes_Should_GiveEmptyOrWhiteBitmaps) {
