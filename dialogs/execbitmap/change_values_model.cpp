@@ -145,7 +145,7 @@ void ChangeValuesModel::InitBmpPos(int boxWidth, int boxHeight) {
 ValueChange ChangeValuesModel::CurrentChange() const {
   ValueChange change;
   change.operation = operation_;
-  change.slots = slots_;
+  change.taskSlots = slots_;
   change.lightness = Value(ValueControl::lightness);
   change.contrast = Value(ValueControl::contrast);
   change.sharpen = Value(ValueControl::sharpen);

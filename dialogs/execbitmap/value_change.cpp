@@ -8,8 +8,8 @@
 
 namespace rasterkit {
 
-void AddTask(TaskSlots& slots, int32_t code) {
-  for (int32_t& slot : slots) {
+void AddTask(TaskSlots& taskSlots, int32_t code) {
+  for (int32_t& slot : taskSlots) {
     if (slot == code) return;
     if (slot == kTaskNone) {
       slot = code;
@@ -32,12 +32,12 @@ void ValueChange::Run(int32_t task, TBitmap& bitmap) const {
 void ValueChange::ApplyTo(TBitmap& bitmap) const {
   if (operation == kOperationBlackAndWhite) return ColorBmpToSW(&bitmap, grayValue);
   if (operation != kOperationValues) return;
-  for (const int32_t task : slots) Run(task, bitmap);
+  for (const int32_t task : taskSlots) Run(task, bitmap);
 }
 
 int ValueChange::Margin() const {
   if (operation != kOperationValues || sharpen == 0) return 0;
-  return static_cast<int>(std::count(slots.begin(), slots.end(), kTaskSharpen));
+  return static_cast<int>(std::count(taskSlots.begin(), taskSlots.end(), kTaskSharpen));
 }
 
 }  // namespace rasterkit

@@ -20,12 +20,12 @@ using TaskSlots = std::array<int32_t, 4>;
 
 /// Puts a task into the first empty slot, unless a slot before it has the task already or none is
 /// empty.
-void AddTask(TaskSlots& slots, int32_t code);
+void AddTask(TaskSlots& taskSlots, int32_t code);
 
 /// All that decides what becomes of a bitmap.
 struct ValueChange {
   int32_t operation = kOperationValues;
-  TaskSlots slots{};
+  TaskSlots taskSlots{};
   int32_t lightness = 0, contrast = 0, sharpen = 0;
   int32_t red = 0, green = 0, blue = 0;
   /// The threshold of operation 5.

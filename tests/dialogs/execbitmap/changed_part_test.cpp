@@ -31,7 +31,7 @@ void ApplyByReference(const ValueChange& change, TBitmap& bitmap) {
   if (change.operation == 5)
     reference::ColorBmpTo1Bit(bitmap, change.grayValue, 0, 0, 0, 255, 255, 255);
   if (change.operation != 0) return;
-  for (const int32_t task : change.slots) {
+  for (const int32_t task : change.taskSlots) {
     if (task == 1) reference::Helligkeit(bitmap, change.lightness, 1);
     if (task == 2) reference::Kontrast(bitmap, change.contrast, 1);
     if (task == 3) reference::Sharpen(bitmap, change.sharpen);
@@ -58,8 +58,8 @@ ValueChange RandomChange(std::mt19937& random) {
   ValueChange change;
   constexpr int32_t operations[] = {0, 0, 0, 0, 0, 0, 5, 5, 3};
   change.operation = operations[random() % std::size(operations)];
-  for (int32_t& slot : change.slots) slot = static_cast<int32_t>(random() % 5);
-  if (random() % 4 == 0) change.slots.fill(kTaskBrightness);
+  for (int32_t& slot : change.taskSlots) slot = static_cast<int32_t>(random() % 5);
+  if (random() % 4 == 0) change.taskSlots.fill(kTaskBrightness);
   change.lightness = percent();
   change.contrast = percent();
   change.sharpen = percent();
@@ -137,7 +137,7 @@ TEST(ChangedPartTest, AFormatWithoutASizeOfItsOwn_Should_BePreviewedToo) {
   TBitmap picture = PaperBitmap(pf24bit, 20, 9, random);
   picture.SetPixelFormat(pfCustom);
   ValueChange change;
-  change.slots = {kTaskSharpen, kTaskContrast};
+  change.taskSlots = {kTaskSharpen, kTaskContrast};
   change.sharpen = change.contrast = 60;
   TBitmap whole = CopyOf(picture);
   change.ApplyTo(whole);
@@ -153,7 +153,7 @@ TEST(ChangedPartTest, AnEmptyPart_Should_BeEmpty) {
 
 TEST(ChangedPartTest, OnlySharpening_Should_NeedNeighbours) {
   ValueChange change;
-  change.slots = {kTaskBrightness, kTaskSharpen, kTaskColors};
+  change.taskSlots = {kTaskBrightness, kTaskSharpen, kTaskColors};
   EXPECT_EQ(change.Margin(), 0);
   change.sharpen = 1;
   EXPECT_EQ(change.Margin(), 1);

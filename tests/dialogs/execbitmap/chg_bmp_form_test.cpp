@@ -410,7 +410,7 @@ TEST_F(ChangeBitmapDialogTest, Post_Should_ChangeTheBitmapAndTheValues) {
     QTest::mouseClick(&Child(form, "nbPost"), Qt::LeftButton);
   }));
   ValueChange expected;
-  expected.slots = {kTaskContrast, kTaskBrightness};
+  expected.taskSlots = {kTaskContrast, kTaskBrightness};
   expected.contrast = expected.lightness = 10;
   TBitmap changed = CopyOf(original);
   expected.ApplyTo(changed);
