@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
+#include <memory>
 
 #include <benchmark/benchmark.h>
 
@@ -19,7 +20,8 @@ QApplication& TheApplication() {
   static int argc = 1;
   static char name[] = "crop_tool_bench";
   static char* argv[] = {name, nullptr};
-  static QApplication application(argc, argv);
+  // Never destroyed: at the end of the process what it stands on may be gone before it.
+  static QApplication& application = *std::make_unique<QApplication>(argc, argv).release();
   return application;
 }
 

@@ -26,7 +26,8 @@ QApplication& TheApplication() {
   static char name[] = "values_dialog_bench";
   static char* arguments[] = {name, nullptr};
   qputenv("QT_QPA_PLATFORM", "offscreen");
-  static QApplication application(count, arguments);
+  // Never destroyed: at the end of the process what it stands on may be gone before it.
+  static QApplication& application = *std::make_unique<QApplication>(count, arguments).release();
   return application;
 }
 
