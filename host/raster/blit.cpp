@@ -51,6 +51,13 @@ void MoveBytes(Raster& target, const BlitAxes& axes, const Raster& source) {
                 static_cast<size_t>(axes.columns.Count()) * bytes);
 }
 
+/// The same rule, with as little to do for each pixel as the source allows.
+PixelRule CheapestRule(const Raster& source, PixelRule rule) {
+  // Pixels that had no alpha arrive with 255.
+  if (rule.kind == Kind::opaque && source.Format() != pf32bit) rule.kind = Kind::copy;
+  return rule;
+}
+
 PixelRect WholeOf(const Raster& raster) {
   return {0, 0, raster.Width(), raster.Height()};
 }
@@ -75,7 +82,7 @@ void BlitByAxes(Raster& target, const BlitAxes& axes, const Raster& source, cons
   if (CanMoveBytes(target, axes, source, rule)) return MoveBytes(target, axes, source);
   if (ReplacesAll(rule) && SameIndexes(target, source)) return CopyIndexes(target, axes, source);
   SourceRows sourceRows(source, axes.columns);
-  const auto targetRows = MakeTargetRows(target, rule);
+  const auto targetRows = MakeTargetRows(target, CheapestRule(source, rule));
   for (int i = 0; i < axes.rows.Count(); ++i)
     targetRows->Write(axes.rows.first + i, axes.columns.first, axes.columns.Count(),
                       sourceRows.Row(axes.rows.positions[static_cast<size_t>(i)]));

@@ -27,7 +27,11 @@ void PutKeyed(const RGBArec* pixels, size_t count, const RGBArec& key, RGBArec* 
 }
 
 void PutOpaque(const RGBArec* pixels, size_t count, RGBArec* target) {
-  for (size_t i = 0; i < count; ++i) target[i] = {pixels[i].b, pixels[i].g, pixels[i].r, 255};
+  for (size_t i = 0; i < count; ++i) {
+    RGBArec pixel = pixels[i];
+    pixel.a = 255;
+    target[i] = pixel;
+  }
 }
 
 void Put32(const RGBArec* pixels, size_t count, const PixelRule& rule, RGBArec* target) {
