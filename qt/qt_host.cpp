@@ -8,6 +8,7 @@
 #include <rasterkit/host/runtime/ports.h>
 #include <rasterkit/qt/file_dialogs.h>
 #include <rasterkit/qt/message_box.h>
+#include <rasterkit/qt/pdf_page_dialog.h>
 #include <rasterkit/qt/qt_host.h>
 #include <rasterkit/qt/queue_runner.h>
 #include <rasterkit/qt/settings_store.h>
@@ -45,6 +46,7 @@ class FilledPorts {
     Fill(&Ports::messageBox, ShowMessageBox);
     Fill(&Ports::pictureFileDialog,
          [](PictureFileDialog& dialog) { return RunPictureFileDialog(dialog); });
+    if (InstalledPdfPageDialog() != nullptr) Fill(&Ports::pdfPageChooser, InstalledPdfPageDialog());
     Fill(&Ports::systemColor, SystemColor);
     Fill(&Ports::readSetting, [store](const std::string& section, const std::string& key) {
       return store->Read(section, key);
@@ -72,6 +74,11 @@ class FilledPorts {
 };
 
 }  // namespace
+
+PdfPageDialog& InstalledPdfPageDialog() {
+  static constinit PdfPageDialog installed = nullptr;
+  return installed;
+}
 
 struct QtHost::Adapter {
   explicit Adapter(const std::string& settingsFile) : ports(settingsFile) {}

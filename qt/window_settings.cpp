@@ -64,9 +64,8 @@ bool LoadWindowSettings(QWidget& window, const std::string& givenName) {
   const std::optional<QRect> place = ReadPlace(name);
   if (!place) return false;
   PlaceWindow(window, *place);
-  if (ReadNumber(name, "Maximized").value_or(0) != 0) {
-    window.setWindowState(window.windowState() | Qt::WindowMaximized);
-  }
+  const bool isMaximized = ReadNumber(name, "Maximized").value_or(0) != 0;
+  window.setWindowState(window.windowState().setFlag(Qt::WindowMaximized, isMaximized));
   return true;
 }
 

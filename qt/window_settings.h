@@ -13,8 +13,8 @@ namespace rasterkit {
 inline constexpr const char* kWindowSection = "Settings";
 
 /// Gives a window that is not shown yet the place and size that SaveWindowSettings kept under
-/// `name` (the window's object name when empty), brought back to a screen that is there; false, and
-/// nothing is changed, when none is kept or what is kept is no place.
+/// `name` (the window's object name when empty), brought back to a screen that is there, maximised
+/// if it was; false, and nothing is changed, when none is kept or what is kept is no place.
 RASTERKIT_EXPORT bool LoadWindowSettings(QWidget& window, const std::string& name = "");
 
 /// Keeps where the window stands, and whether it is maximised, in the host's settings. A window

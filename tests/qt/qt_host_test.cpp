@@ -11,6 +11,7 @@
 #include <rasterkit/host/runtime/ports.h>
 #include <rasterkit/host/runtime/thread.h>
 #include <rasterkit/host/runtime/timer.h>
+#include <rasterkit/qt/pdf_page_dialog.h>
 #include <rasterkit/qt/qt_host.h>
 #include <rasterkit/qt/scaled_form.h>
 
@@ -175,6 +176,28 @@ TEST(QtHost, Ports_Should_BeFilledWhileItLivesAndEmptyAfterwards) {
   EXPECT_FALSE(HostPorts().systemColor);
   EXPECT_FALSE(HostPorts().readSetting);
   EXPECT_FALSE(HostPorts().writeSetting);
+}
+
+TEST(QtHost, PdfPageChooser_Should_BeTheDialogThatIsInstalled) {
+  const PdfPageDialog before = InstalledPdfPageDialog();
+  InstalledPdfPageDialog() = [](const std::string& pdfFile, std::string& pictureFile) {
+    pictureFile = pdfFile + ".png";
+    return 1;
+  };
+  {
+    const QtHost host;
+    std::string picture;
+    ASSERT_TRUE(HostPorts().pdfPageChooser);
+    EXPECT_EQ(HostPorts().pdfPageChooser("plan.pdf", picture), 1);
+    EXPECT_EQ(picture, "plan.pdf.png");
+  }
+  EXPECT_FALSE(HostPorts().pdfPageChooser);
+  InstalledPdfPageDialog() = nullptr;
+  {
+    const QtHost host;
+    EXPECT_FALSE(HostPorts().pdfPageChooser);
+  }
+  InstalledPdfPageDialog() = before;
 }
 
 TEST(QtHost, Port_Should_StayTheHosts_When_TheHostFilledIt) {

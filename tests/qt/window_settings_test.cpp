@@ -64,6 +64,16 @@ TEST_F(WindowSettingsTest, Window_Should_ComeBackMaximised_When_ItWasSavedSo) {
   EXPECT_TRUE(again.isMaximized());
 }
 
+TEST_F(WindowSettingsTest, Window_Should_NotOpenMaximised_When_ItWasSavedAtItsOwnSize) {
+  Keep(60, 70, 200, 150);
+  kept_["Settings/Form.Maximized"] = "0";
+  QWidget window;
+  window.setObjectName("Form");
+  window.setWindowState(Qt::WindowMaximized);
+  EXPECT_TRUE(LoadWindowSettings(window));
+  EXPECT_FALSE(window.isMaximized());
+}
+
 TEST_F(WindowSettingsTest, Place_Should_BeBroughtBack_When_ItsScreenIsGone) {
   Keep(90000, -90000, 200, 150);
   QWidget window;
