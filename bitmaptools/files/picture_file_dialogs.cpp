@@ -39,6 +39,12 @@ const char* SaveExtension(int filterIndex) {
   }
 }
 
+/// 0 while the port is empty.
+int ChoosePdfPage(const std::string& pdfFile, std::string& pictureFile) {
+  const auto& choosePage = HostPorts().pdfPageChooser;
+  return choosePage ? choosePage(pdfFile, pictureFile) : 0;
+}
+
 }  // namespace
 
 bool BitmapOpenDialog(const std::string& initialDir, const std::string& defaultExt,
@@ -55,7 +61,7 @@ bool BitmapOpenDialog(const std::string& initialDir, const std::string& defaultE
     return true;
   }
   fileName = initialDir + ChangeFileExt(ExtractFileName(dialog.FileName), ".png");
-  return ConvertPdfPageToBmpDialog(dialog.FileName, fileName) > 0;
+  return ChoosePdfPage(dialog.FileName, fileName) > 0;
 }
 
 bool BitmapSaveDialog(const std::string& initialDir, const std::string& defaultExt,
@@ -71,11 +77,6 @@ bool BitmapSaveDialog(const std::string& initialDir, const std::string& defaultE
   if (!ExecutePictureFileDialog(dialog)) return false;
   fileName = ChangeFileExt(dialog.FileName, SaveExtension(dialog.FilterIndex));
   return true;
-}
-
-int ConvertPdfPageToBmpDialog(const std::string& pdfFile, std::string& bmpFile) {
-  const auto& choosePage = HostPorts().pdfPageChooser;
-  return choosePage ? choosePage(pdfFile, bmpFile) : 0;
 }
 
 }  // namespace rasterkit

@@ -29,8 +29,4 @@ RASTERKIT_EXPORT bool BitmapOpenDialog(const std::string& initialDir, const std:
 RASTERKIT_EXPORT bool BitmapSaveDialog(const std::string& initialDir, const std::string& defaultExt,
                                        bool withMetafiles, std::string& fileName, bool changeDir);
 
-/// Lets the user pick and render a page of a PDF file into `bmpFile`, which may be changed. Above 0
-/// on success; 0 while the port `pdfPageChooser` is empty.
-RASTERKIT_EXPORT int ConvertPdfPageToBmpDialog(const std::string& pdfFile, std::string& bmpFile);
-
 }  // namespace rasterkit

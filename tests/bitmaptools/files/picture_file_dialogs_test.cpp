@@ -38,7 +38,6 @@ class PictureFileDialogsTest : public testing::Test {
 
 using BitmapOpenDialogTest = PictureFileDialogsTest;
 using BitmapSaveDialogTest = PictureFileDialogsTest;
-using ConvertPdfPageToBmpDialogTest = PictureFileDialogsTest;
 
 TEST_F(BitmapOpenDialogTest, ShowsWhatItWasGiven) {
   UserChooses("new.png");
@@ -202,20 +201,6 @@ TEST_F(BitmapSaveDialogTest, Cancel_LeavesTheNameUnchanged) {
   UserCancels();
   EXPECT_FALSE(BitmapSaveDialog("", "", true, fileName_, false));
   EXPECT_EQ(fileName_, "old.bmp");
-}
-
-TEST_F(ConvertPdfPageToBmpDialogTest, WithoutAPort_AnswersZero) {
-  EXPECT_EQ(ConvertPdfPageToBmpDialog("p.pdf", fileName_), 0);
-  EXPECT_EQ(fileName_, "old.bmp");
-}
-
-TEST_F(ConvertPdfPageToBmpDialogTest, AnswersAsThePort) {
-  HostPorts().pdfPageChooser = [](const std::string& pdfFile, std::string& pictureFile) {
-    pictureFile = pdfFile + ".bmp";
-    return 5;
-  };
-  EXPECT_EQ(ConvertPdfPageToBmpDialog("p.pdf", fileName_), 5);
-  EXPECT_EQ(fileName_, "p.pdf.bmp");
 }
 
 }  // namespace
