@@ -7,8 +7,6 @@
 
 #include <rasterkit/host/graphics/bitmap.h>
 
-#include "tests/reference/color.h"
-
 /// Sharpening and the shift of colours, written straight from the rules: pixel by pixel, from a
 /// copy of the whole picture.
 namespace rasterkit::reference {
@@ -61,8 +59,10 @@ inline void ShiftColors(TBitmap& bitmap, float red, float green, float blue) {
   const auto shifted = [](uint8_t channel, float percent) {
     const volatile long double quotient = percent / 100.0L;
     const volatile float factor = static_cast<float>(quotient + 1.0L);
-    const volatile float product = static_cast<float>(channel * static_cast<long double>(factor));
-    return ClampToByte(product);
+    const long double product = channel * static_cast<long double>(factor);
+    if (product > 255) return uint8_t{255};
+    if (product < 0) return uint8_t{0};
+    return static_cast<uint8_t>(llrintl(product));
   };
   for (int y = 0; y < bitmap.Height(); ++y)
     for (int x = 0; x < bitmap.Width(); ++x) {

@@ -47,6 +47,11 @@ TEST(ShiftColorsTest, Products_Should_BeCutAndHalvesBecomeEven) {
   EXPECT_EQ(After(RGB(200, 200, 200), -101, -300, -100), RGB(0, 0, 0));
 }
 
+TEST(ShiftColorsTest, Products_Should_NotBecomeSinglesBeforeTheyAreRounded) {
+  // 19.4999993, 16.5000004 and 0.50000001, which are halves in single precision.
+  EXPECT_EQ(After(RGB(15, 15, 10), 30, 10, -95), RGB(19, 17, 1));
+}
+
 TEST(ShiftColorsTest, Zeros_Should_KeepColorsAndStillConvertTo24Bit) {
   for (const TPixelFormat format : test::kEveryFormat) {
     std::mt19937 random(9);
