@@ -202,6 +202,15 @@ TEST_F(CutDrag, Frame_Should_LeaveTheEarlierFarEdge_When_DrawnBackOverItsStart) 
   ExpectBmpCutRect(180, 40, 240, 140);
 }
 
+TEST_F(CutDrag, Frame_Should_MoveRightAndBottom_When_TheMouseIsBackAtTheStart) {
+  it.Press(100, 100);
+  it.MoveTo(140, 150);
+  it.MoveTo(100, 150);
+  ExpectCutRect(100, 100, 100, 150);
+  it.MoveTo(140, 100);
+  ExpectCutRect(100, 100, 140, 100);
+}
+
 TEST_F(CutDrag, Frame_Should_BeClippedToThePicture_When_TheMouseLeavesIt) {
   it.Drag(60, 70, 900, -900);
   ExpectCutRect(60, 50, 300, 70);
@@ -314,6 +323,14 @@ TEST_F(CutDrag, SmallFrame_Should_RemoveTheCut_Unless_OneSideIsAboveTen) {
   EXPECT_TRUE(it.model.GetCutRectExists()) << "11 x 0";
   const TRect cut = it.model.CutPixels();
   EXPECT_EQ(cut.Bottom - cut.Top, 1) << "a line is one pixel high";
+}
+
+TEST_F(CutDrag, SmallCut_Should_Stay_When_ItIsClicked) {
+  it.model.SetBmpCutRect({200, 100, 216, 112});  // 8 x 6 in the box
+  it.Press(104, 103);
+  it.Release(104, 103);
+  EXPECT_TRUE(it.model.GetCutRectExists());
+  ExpectBmpCutRect(200, 100, 216, 112);
 }
 
 TEST_F(CutDrag, OtherButtons_Should_NotEndADrag) {
