@@ -26,7 +26,7 @@ namespace rasterkit {
 /// Painting costs what the box's pixels cost, however large the bitmap is: what is seen of it is
 /// kept (8 bytes for each device pixel of the box) and, where it is shrunk, smoothed while nothing
 /// else is to be done.
-class RASTERKIT_EXPORT TBmpCutRect : private CutView, public BmpCutModel {
+class RASTERKIT_EXPORT TBmpCutRect final : private CutView, public BmpCutModel {
  public:
   TBmpCutRect(TPaintBox* paintBox, QLabel* sizeLabel);
   ~TBmpCutRect();

@@ -285,21 +285,22 @@ TEST_F(FileDialogsTest, Save_Should_NotAsk_When_PromptIsNotWanted) {
 TEST_F(FileDialogsTest, Save_Should_Refuse_When_TheNameCannotBeWritten) {
   std::filesystem::create_directory(folder_.Path() / "taken.png");
   const std::string tooLong(253, 'n');
-  for (const auto& [name, text] :
-       {std::pair<std::string, std::string>{"no/such/plan", "There is no folder"},
-        {"taken", "taken.png is a folder."},
-        {tooLong, "is too long."}}) {
+  const std::pair<std::string, std::string> namesAndTexts[] = {
+      {"no/such/plan", "There is no folder"},
+      {"taken", "taken.png is a folder."},
+      {tooLong, "is too long."}};
+  for (const auto& nameAndText : namesAndTexts) {
     std::string fileName;
     asked_.clear();
     WhenModal([&](QWidget& window) {
-      NameEdit(window).setText(ToQt(name));
+      NameEdit(window).setText(ToQt(nameAndText.first));
       WhenAsked(QMessageBox::Ok);
       PressOk(window);
       EXPECT_TRUE(window.isVisible());
       window.close();
     });
     EXPECT_FALSE(BitmapSaveDialog(Folder(), ".png", false, fileName, false));
-    EXPECT_THAT(asked_, testing::HasSubstr(text));
+    EXPECT_THAT(asked_, testing::HasSubstr(nameAndText.second));
   }
 }
 

@@ -256,14 +256,14 @@ TEST(HalftoneRows, MeansOfColumns_Should_BeExact_BesideEveryRoundingBorder_OfTot
   for (int i = 0; i < 40; ++i)
     totals.emplace_back(kMost / 2 - random() % 5000, kMost - random() % 5000);
   for (int i = 0; i < 20; ++i) totals.emplace_back(2 + random() % kMost, 2 + random() % kMost);
-  for (const auto& [axisTotal, rowsTotal] : totals) {
-    const ChosenSums sums(std::min(axisTotal, kMost), std::min(rowsTotal, kMost));
+  for (const auto& total : totals) {
+    const ChosenSums sums(std::min(total.first, kMost), std::min(total.second, kMost));
     test::ForEachSimdTarget([&](int64_t simd) {
       std::vector<uint8_t> means(sums.means.size());
       MeansOfColumns(sums.columns.data(), sums.axis, static_cast<uint64_t>(sums.Total()),
                      means.data());
-      ASSERT_EQ(means, sums.means)
-          << axisTotal << " x " << rowsTotal << ", " << hwy::TargetName(simd) << ", seed " << kSeed;
+      ASSERT_EQ(means, sums.means) << total.first << " x " << total.second << ", "
+                                   << hwy::TargetName(simd) << ", seed " << kSeed;
     });
   }
 }
