@@ -28,7 +28,10 @@ constexpr std::array kKeys = {
     rsGrayValueHint, rsGreen, rsGreenHint, rsOptions, rsOriginal, rsOriginalHint, rsOriginalPicture,
     rsRed, rsRedHint, rsSelectGrayValue, rsSharpen, rsSharpenHint,
     // Size
-    rsChangeSize, rsHeightHint, rsProportional, rsProportionalHint, rsWidthAndHeight, rsWidthHint};
+    rsChangeSize, rsHeightHint, rsProportional, rsProportionalHint, rsWidthAndHeight, rsWidthHint,
+    // Editor
+    rsEditBitmap, rsEditConvertPdf, rsEditNoMemory, rsEditPageSize, rsEditPages, rsEditPdfFailed,
+    rsEditUnreadable};
 
 /// Shared, so that a text can be asked for while the translator is replaced.
 struct Installed {

@@ -118,6 +118,19 @@ inline constexpr std::string_view rsProportionalHint =
 inline constexpr std::string_view rsWidthAndHeight = "Width / Height";
 inline constexpr std::string_view rsWidthHint = "New width in pixels";
 
+/// The editor of graphics and PDF pages.
+inline constexpr std::string_view rsEditBitmap = "Edit bitmap";
+inline constexpr std::string_view rsEditConvertPdf = "Convert pdf to png";
+inline constexpr std::string_view rsEditNoMemory =
+    "Not enough RAM available for the image! Try a lower DPI-setting.";
+/// Width and height in pixels, both in millimetres, memory size and its unit.
+inline constexpr std::string_view rsEditPageSize = "%d * %d px, %d * %d mm (%s [%s])";
+inline constexpr std::string_view rsEditPages = "Page (total No. of pages %d)";
+/// An error's class and its text.
+inline constexpr std::string_view rsEditPdfFailed =
+    "PDF could not be rendered! Please contact Tarnwick Hotline.\r\nOriginal error was \"%s\": %s";
+inline constexpr std::string_view rsEditUnreadable = "The file %s cannot be read as a picture.";
+
 /// Every key, for whoever writes a translation.
 [[gnu::visibility("default")]] std::span<const std::string_view> ResourceStringKeys();
 

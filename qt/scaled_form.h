@@ -4,13 +4,10 @@
 #include <string>
 
 #include <rasterkit/host/runtime/export.h>
+#include <rasterkit/qt/modal_results.h>
 #include <rasterkit/qt/translate_texts.h>
 
 namespace rasterkit {
-
-/// Modal results of the system's dialogs.
-inline constexpr int mrOk = 1;
-inline constexpr int mrCancel = 2;
 
 /// Base of every form: a modal window that stretches, follows the screen's scaling and the host's
 /// style, remembers its place under its object name, and leaves cleanly when the host quits.

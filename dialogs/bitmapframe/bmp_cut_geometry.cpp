@@ -100,6 +100,7 @@ bool BmpCutModel::IsUnscaled() const {
 }
 
 void BmpCutModel::OnResize() {
+  fitsAnew_ = isReleased_;
   CalculateBmpPaintRect(true);
   view_->Repaint();
 }

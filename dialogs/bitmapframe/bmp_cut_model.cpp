@@ -49,9 +49,20 @@ void BmpCutModel::SetOrgBitmap(TBitmap* bitmap) {
   Raise(OnStateChanged);
 }
 
+void BmpCutModel::ReleaseBitmap() {
+  if (fOrgBitmap == nullptr) return;
+  StopDrag();
+  ++pictureVersion_;
+  fOrgBitmap = nullptr;
+  isReleased_ = true;
+  view_->Repaint();
+}
+
 void BmpCutModel::TakeBitmap(TBitmap& bitmap) {
-  const bool sizeChanged = fOrgBitmap == nullptr || bitmap.Width() != fBitmapRect.Right ||
-                           bitmap.Height() != fBitmapRect.Bottom;
+  const bool isFirst = fOrgBitmap == nullptr && !isReleased_;
+  const bool sizeChanged =
+      isFirst || bitmap.Width() != fBitmapRect.Right || bitmap.Height() != fBitmapRect.Bottom;
+  isReleased_ = false;
   if (sizeChanged) history_.Forget();
   if (GetCutRectExists() && sizeChanged && fBitmapRect.Right > 0)
     fBmpCutRect.Scale(static_cast<double>(bitmap.Width()) / fBitmapRect.Right);
@@ -60,11 +71,13 @@ void BmpCutModel::TakeBitmap(TBitmap& bitmap) {
   FillDarkedBitmap();
   ShowCutBmpSize();
   Raise(OnInfoChanged);
-  if (sizeChanged) CalculateBmpPaintRect(true);
+  if (sizeChanged || fitsAnew_) CalculateBmpPaintRect(true);
+  fitsAnew_ = false;
 }
 
 void BmpCutModel::ForgetBitmap() {
   fOrgBitmap = nullptr;
+  isReleased_ = fitsAnew_ = false;
   fDarkedBmp.reset();
   history_.Forget();
   fBitmapRect = {};

@@ -54,6 +54,9 @@ class RASTERKIT_EXPORT BmpCutModel {
   /// before. A cut stays, scaled by the ratio of the widths when the size changed.
   void SetOrgBitmap(TBitmap* bitmap);
   TBitmap* OrgBitmap() const { return fOrgBitmap; }
+  /// The bitmap goes before the one that follows it is made: until `SetOrgBitmap` nothing is seen,
+  /// which then finds place and cut as the bitmap before left them.
+  void ReleaseBitmap();
   /// Mirrors the bitmap in place as `SwapBitmap` does. The cut rectangle is mirrored left to right
   /// in both cases.
   void SwapBitmaps(bool horz);
@@ -118,6 +121,8 @@ class RASTERKIT_EXPORT BmpCutModel {
   /// none left. A bitmap of another size forgets them all.
   bool UndoCutRect();
   bool CanUndo() const { return !history_.IsEmpty(); }
+  /// The cut as it is now is where undoing ends.
+  void ForgetCutHistory() { history_.Forget(); }
   /// Gives up a drag; the cut is what it was before. False when there is none.
   bool CancelDrag();
 
@@ -202,6 +207,9 @@ class RASTERKIT_EXPORT BmpCutModel {
 
   CutView* view_;
   CutHistory history_;
+  /// There was a bitmap, and there will be another one.
+  bool isReleased_ = false;
+  bool fitsAnew_ = false;
   bool outlineIsShown_ = false;
   unsigned pictureVersion_ = 0;
 };

@@ -180,14 +180,15 @@ void TBmpCutRect::ShowSizeText(const std::string& text) {
 
 void TBmpCutRect::Paint(TPaintBox& box, QPainter& painter) {
   DrawPicture(painter);
-  if (!DragIsActive() && GetCutRectExists()) DrawCutArea(painter);
+  const bool showsCut = OrgBitmap() != nullptr && GetCutRectExists();
+  if (!DragIsActive() && showsCut) DrawCutArea(painter);
   if (OutlineIsShown()) DrawCutRectXor(painter);
   if (FSavePaint) FSavePaint(box, painter);
 }
 
 void TBmpCutRect::DrawPicture(QPainter& painter) {
   pictureView_.Show(OrgBitmap(), PictureVersion(), WindowFor(painter));
-  const bool isPlain = DragIsActive() || !GetCutRectExists();
+  const bool isPlain = OrgBitmap() == nullptr || DragIsActive() || !GetCutRectExists();
   const TBitmap& shown = isPlain ? pictureView_.Plain() : pictureView_.Darkened(*Darkening());
   if (shown.Empty()) return;
   QImage image = ViewOf(shown);
