@@ -86,7 +86,8 @@ class RASTERKIT_EXPORT BmpCutModel {
   /// extension says; the size written goes to `BmpWidth` and `BmpHeight`, 0 without a bitmap.
   /// Before the whole bitmap goes over an existing file, that is renamed: its extension ".ext"
   /// becomes ".~ext", replacing an older backup. Throws what `SaveWindowsBitmap` throws; the old
-  /// file then has its name back.
+  /// file and the backup are then as they were, and also where the extension has no kind and
+  /// nothing is written.
   void SaveBitmap(const std::string& aBmpName, bool UseCutRect, int& BmpWidth, int& BmpHeight);
 
   /// Places the bitmap: fitted into the paint box, or at its own size and centred. Nothing without
@@ -211,6 +212,7 @@ class RASTERKIT_EXPORT BmpCutModel {
   bool isReleased_ = false;
   bool fitsAnew_ = false;
   bool outlineIsShown_ = false;
+  bool isPanning_ = false;
   unsigned pictureVersion_ = 0;
 };
 

@@ -51,6 +51,7 @@ void BmpCutModel::MouseDown(CutButton button, const CutButtons& held, int x, int
   }
   if (!fDragIsActive && held.middle) {
     fDragStartPosition = {x, y};
+    isPanning_ = true;
     view_->ShowCursor(CutCursor::pan);
     return;
   }
@@ -72,7 +73,8 @@ void BmpCutModel::MouseMove(const CutButtons& held, int x, int y) {
   if (fDragIsActive) {
     if (fDraggedObject != doNone) DragTo(x, y);
   } else if (held.middle) {
-    Pan(x, y);
+    // A button that went down during a drag has no place to pan from.
+    if (isPanning_) Pan(x, y);
   } else if (!held.left) {
     view_->ShowCursor(FEntryMode == emGraphic ? CursorOf(GetMouseTarget(x, y))
                                               : CutCursor::standard);
@@ -124,6 +126,7 @@ void BmpCutModel::DragEdges(int x, int y) {
 
 void BmpCutModel::MouseUp(CutButton button, int, int) {
   if (!fDragIsActive && button == CutButton::middle) {
+    isPanning_ = false;
     view_->ShowCursor(CutCursor::standard);
   } else if (fDragIsActive && button == CutButton::left) {
     EndDrag();

@@ -41,24 +41,39 @@ void Rename(const std::string& from, const std::string& to) {
   if (error) throw FileError("cannot be renamed to \"" + to + "\": " + error.message(), from);
 }
 
-/// A file that stepped aside for another one. Unless that one was written, it gets its name back.
-class BackedUpFile {
+/// A file under another name; it gets its own back unless it is to stay there.
+class MovedFile {
  public:
-  explicit BackedUpFile(const std::string& fileName)
-      : fileName_(fileName), backup_(BackupName(fileName)) {
-    Rename(fileName_, backup_);
+  MovedFile(const std::string& from, const std::string& to) : from_(from), to_(to) {
+    Rename(from_, to_);
   }
-  ~BackedUpFile() {
-    std::error_code unreadable;
-    const bool isReplaced = std::filesystem::exists(ToPath(fileName_), unreadable);
-    if (!isReplaced) std::filesystem::rename(ToPath(backup_), ToPath(fileName_), unreadable);
+  ~MovedFile() {
+    std::error_code ignored;
+    if (!stays_) std::filesystem::rename(ToPath(to_), ToPath(from_), ignored);
   }
-  BackedUpFile(const BackedUpFile&) = delete;
-  BackedUpFile& operator=(const BackedUpFile&) = delete;
+  MovedFile(const MovedFile&) = delete;
+  MovedFile& operator=(const MovedFile&) = delete;
+
+  void Stay() { stays_ = true; }
+  void Remove() {
+    std::error_code ignored;
+    std::filesystem::remove(ToPath(to_), ignored);
+    stays_ = true;
+  }
 
  private:
-  std::string fileName_, backup_;
+  std::string from_, to_;
+  bool stays_ = false;
 };
+
+/// A short name beside the file that nothing has yet.
+std::string FreeNameBeside(const std::string& fileName) {
+  std::error_code ignored;
+  for (int i = 0;; ++i) {
+    const std::string name = ExtractFilePath(fileName) + "~" + std::to_string(i) + ".tmp";
+    if (!std::filesystem::exists(ToPath(name), ignored)) return name;
+  }
+}
 
 }  // namespace
 
@@ -114,10 +129,18 @@ void BmpCutModel::SaveBitmap(const std::string& aBmpName, bool UseCutRect, int& 
   BmpHeight = height;
 }
 
+// An older backup steps aside too: where nothing is written both files have their names back.
 void BmpCutModel::SaveWhole(const std::string& fileName) const {
-  std::optional<BackedUpFile> old;
-  if (IsRegularFile(fileName)) old.emplace(fileName);
-  SaveWindowsBitmap(*fOrgBitmap, 0, kQuality, fileName);
+  const auto save = [&] { SaveWindowsBitmap(*fOrgBitmap, 0, kQuality, fileName); };
+  if (!IsRegularFile(fileName)) return save();
+  const std::string backup = BackupName(fileName);
+  std::optional<MovedFile> older;
+  if (IsRegularFile(backup)) older.emplace(backup, FreeNameBeside(backup));
+  MovedFile old(fileName, backup);
+  save();
+  if (!IsRegularFile(fileName)) return;
+  old.Stay();
+  if (older) older->Remove();
 }
 
 }  // namespace rasterkit

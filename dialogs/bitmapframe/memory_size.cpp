@@ -1,4 +1,3 @@
-
 #include <rasterkit/dialogs/bitmapframe/memory_size.h>
 #include <rasterkit/host/runtime/rounding.h>
 

@@ -139,6 +139,9 @@ TEST_F(CropTool, Paint_Should_CallThePreviousHandlerAfterItsOwn_AndGiveItBack) {
     second.OnResize(other);
     const QImage shown = other.grab().toImage();
     EXPECT_EQ(shown.pixelColor(5, 5), QColor(Qt::green));
+    second.SetBmpCutRect({0, 0, 600, 400});
+    second.MouseDown(CutButton::left, {true}, 20, 15);
+    EXPECT_EQ(other.grab().toImage().pixelColor(5, 7), QColor(Qt::green)) << "over the outline";
     EXPECT_NE(shown.pixelColor(20, 20), other.palette().color(other.backgroundRole()));
   }
   EXPECT_FALSE(other.OnMouseDown);
@@ -180,6 +183,10 @@ TEST_F(CropTool, Press_Should_StartNoDrag_When_AKeyOrAnotherButtonIsHeld) {
     QTest::mouseRelease(&box, Qt::LeftButton, key, {60, 70});
   }
   Press({60, 70}, Qt::RightButton);
+  EXPECT_FALSE(tool->DragIsActive());
+  QMouseEvent both(QEvent::MouseButtonPress, QPointF(60, 70), box.mapToGlobal(QPoint(60, 70)),
+                   Qt::LeftButton, Qt::LeftButton | Qt::RightButton, Qt::NoModifier);
+  QApplication::sendEvent(&box, &both);
   EXPECT_FALSE(tool->DragIsActive());
   QTest::mouseRelease(&box, Qt::RightButton, Qt::NoModifier, {60, 70});
 }
@@ -243,6 +250,16 @@ TEST_F(CropTool, Wheel_Should_ZoomAboutTheMouse_When_TurnedByANotch) {
   EXPECT_NEAR(tool->PaintRect().Left, -5, 1e-9);
   TurnWheel(box, {100, 150}, -120);
   EXPECT_DOUBLE_EQ(tool->StretchFactor(), 0.49875);
+}
+
+TEST_F(CropTool, Wheel_Should_AlwaysBeHandled) {
+  for (const int delta : {120, -120, 30, 0}) {
+    QWheelEvent event(QPointF(100, 150), box.mapToGlobal(QPointF(100, 150)), {}, {0, delta},
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    event.ignore();
+    tool->OnMouseWheel(box, event);
+    EXPECT_TRUE(event.isAccepted()) << delta;
+  }
 }
 
 TEST_F(CropTool, Wheel_Should_SumUpToANotch_When_ATouchPadTurnsIt) {

@@ -143,6 +143,8 @@ TEST_F(CutDrag, Press_Should_StartNoDrag_When_AnotherKeyOrButtonIsHeld) {
   EXPECT_FALSE(it.model.DragIsActive());
   it.model.MouseDown(CutButton::left, {true, true, false}, 60, 70);
   EXPECT_FALSE(it.model.DragIsActive()) << "with the middle button held it pans";
+  EXPECT_EQ(it.view.cursor, CutCursor::pan);
+  EXPECT_EQ(it.model.DragStartPosition().Y, 70);
 }
 
 TEST_F(CutDrag, LeftClick_Should_OnlyReportItsPoint_When_TheEntryModeIsLineOrCoord) {
@@ -173,6 +175,20 @@ TEST_F(CutDrag, MiddleButton_Should_ChangeNothing_When_ADragIsActive) {
   ExpectCutRect(60, 70, 100, 120);
   it.model.MouseUp(CutButton::middle, 100, 120);
   EXPECT_TRUE(it.model.DragIsActive());
+  EXPECT_EQ(it.view.cursor, CutCursor::cross);
+}
+
+TEST_F(CutDrag, MiddleButton_Should_NotMakeThePictureJump_When_ItIsStillHeldAfterADrag) {
+  it.Press(60, 70);
+  it.model.MouseDown(CutButton::middle, {true, true}, 80, 80);
+  it.model.MouseMove({true, true}, 160, 170);
+  it.Release(160, 170);
+  it.model.MouseMove({false, true}, 161, 170);
+  EXPECT_EQ(it.model.PaintRect().Left, 0);
+  it.model.MouseUp(CutButton::middle, 161, 170);
+  it.model.MouseDown(CutButton::middle, {false, true}, 161, 170);
+  it.model.MouseMove({false, true}, 163, 170);
+  EXPECT_EQ(it.model.PaintRect().Left, 2);
 }
 
 TEST_F(CutDrag, Frame_Should_FollowTheMouse_When_DrawnInAnyDirection) {
@@ -296,6 +312,21 @@ TEST_F(CutDrag, Release_Should_RaiseEventsInOrder_When_ACutWasDrawn) {
   EXPECT_EQ(it.view.sizeText, "200 * 200 px (120 [kB])");
   EXPECT_TRUE(it.model.Darkening()->IsLit(120, 40));
   EXPECT_FALSE(it.model.Darkening()->IsLit(119, 40));
+}
+
+TEST_F(CutDrag, Release_Should_HaveEndedTheDrag_When_ItsEventsAreRaised) {
+  int raised = 0;
+  it.model.OnInfoChanged = [&](BmpCutModel& model) {
+    ++raised;
+    EXPECT_FALSE(model.DragIsActive());
+    EXPECT_EQ(model.DraggedObject(), doFrame);
+  };
+  it.model.OnChanged = [&](BmpCutModel& model) {
+    ++raised;
+    EXPECT_EQ(model.DraggedObject(), doNone);
+  };
+  it.Drag(60, 70, 160, 170);
+  EXPECT_EQ(raised, 2);
 }
 
 TEST_F(CutDrag, Click_Should_RemoveTheCutWithoutEvents_When_OnThePictureOutsideOfIt) {

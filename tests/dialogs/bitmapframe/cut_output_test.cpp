@@ -90,6 +90,8 @@ TEST_F(CutOutput, SizeText_Should_CountTheStoredBits_When_TheFormatHasNoneOfItsO
   bitmap.SetSize(100, 100);
   it.model.SetOrgBitmap(&bitmap);
   EXPECT_EQ(it.view.sizeText, "100 * 100 px (40 [kB])");
+  Show(pf15bit, 100, 100);
+  EXPECT_EQ(it.view.sizeText, "100 * 100 px (20 [kB])");
 }
 
 TEST_F(CutOutput, GetInfo_Should_TellThePicture_When_ThereIsNoCut) {
@@ -141,6 +143,14 @@ TEST_F(CutOutput, SaveBitmap_Should_ReplaceAnOlderBackup) {
   Show(pf8bit);
   Save("a.bmp", false);
   EXPECT_EQ(ReadFile(folder / "a.~bmp"), "old");
+  EXPECT_THAT(folder.Names(), ElementsAre("a.bmp", "a.~bmp"));
+}
+
+TEST_F(CutOutput, SaveBitmap_Should_ChangeTheLastExtensionOnly_When_TheNameHasSeveralDots) {
+  folder.Write("plan.v2.PNG", std::string_view("old"));
+  Show(pf8bit);
+  Save("plan.v2.PNG", false);
+  EXPECT_THAT(folder.Names(), ElementsAre("plan.v2.PNG", "plan.v2.~PNG"));
 }
 
 TEST_F(CutOutput, SaveBitmap_Should_MakeNoBackup_When_ACutIsSaved) {
@@ -187,6 +197,22 @@ TEST_F(CutOutput, SaveBitmap_Should_PutTheOldFileBack_When_NothingWasWritten) {
   Save("a.txt", false);
   EXPECT_THAT(folder.Names(), ElementsAre("a.emf", "a.txt"));
   EXPECT_EQ(ReadFile(folder / "a.emf"), "old");
+}
+
+TEST_F(CutOutput, SaveBitmap_Should_KeepTheOlderBackup_When_NothingWasWritten) {
+  for (const std::string name : {"a.emf", "a.txt", "a"}) {
+    folder.Write(name, std::string_view("old"));
+    const std::string backup = "a.~" + (name.size() > 2 ? name.substr(2) : "");
+    folder.Write(backup, std::string_view("older"));
+    Show(pf24bit);
+    try {
+      Save(name, false);
+    } catch (const Error&) {
+    }
+    EXPECT_EQ(ReadFile(folder / name), "old");
+    EXPECT_EQ(ReadFile(folder / backup), "older");
+  }
+  EXPECT_EQ(folder.Names().size(), 6u);
 }
 
 TEST_F(CutOutput, SaveBitmap_Should_Throw_When_TheFolderIsMissing) {

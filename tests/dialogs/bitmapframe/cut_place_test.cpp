@@ -77,6 +77,15 @@ TEST_F(CutPlace, SetOrgBitmap_Should_ScaleTheCutByTheWidths_When_TheSizeChanged)
   EXPECT_FALSE(it.model.Darkening()->IsLit(150, 99));
 }
 
+TEST_F(CutPlace, SetOrgBitmap_Should_FitAgainAndKeepTheCut_When_OnlyTheHeightChanged) {
+  Show(800, 400);
+  it.model.SetBmpCutRect({100, 40, 300, 200});
+  TBitmap higher = GradientBitmap(pf24bit, 800, 1200);
+  it.model.SetOrgBitmap(&higher);
+  EXPECT_DOUBLE_EQ(it.model.StretchFactor(), 0.25);
+  ExpectRect(it.model.BmpCutRect(), {100, 40, 300, 200});
+}
+
 TEST_F(CutPlace, SetOrgBitmap_Should_WriteTheSizeThenTellItsChange) {
   bitmap = GradientBitmap(pf24bit, 100, 100);
   it.model.SetOrgBitmap(&bitmap);
