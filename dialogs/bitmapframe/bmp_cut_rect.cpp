@@ -9,7 +9,8 @@
 
 #include <rasterkit/dialogs/bitmapframe/bmp_cut_rect.h>
 #include <rasterkit/dialogs/bitmapframe/cut_outline.h>
-#include <rasterkit/host/graphics/system_color.h>
+#include <rasterkit/qt/bitmap_image.h>
+#include <rasterkit/qt/qt_color.h>
 #include <rasterkit/qt/qt_text.h>
 
 namespace rasterkit {
@@ -19,16 +20,6 @@ constexpr int kOutlineColor = 0x808080;
 /// A pause this long in milliseconds, and the picture is smoothed in slices of so many.
 constexpr int kPauseBeforeRefining = 120, kRefiningSlice = 8;
 constexpr int kRowsAtATime = 2;
-
-QColor QtColor(TColor color) {
-  const TColor bgr = ResolveColor(color);
-  return QColor(bgr & 0xFF, bgr >> 8 & 0xFF, bgr >> 16 & 0xFF);
-}
-
-TColor ColorOf(const QColor& color) {
-  return RGB(static_cast<uint8_t>(color.red()), static_cast<uint8_t>(color.green()),
-             static_cast<uint8_t>(color.blue()));
-}
 
 QRect QtRect(const TRect& rect) {
   return QRect(QPoint(rect.Left, rect.Top), QPoint(rect.Right - 1, rect.Bottom - 1));
@@ -68,12 +59,6 @@ CutButtons HeldIn(const QMouseEvent& event) {
                                                           Qt::AltModifier | Qt::MetaModifier);
   return {event.buttons().testFlag(Qt::LeftButton), event.buttons().testFlag(Qt::MiddleButton),
           others != 0 || keys != 0};
-}
-
-/// A view of the rows, without a copy.
-QImage ViewOf(const TBitmap& bitmap) {
-  return QImage(bitmap.ScanLine(0), bitmap.Width(), bitmap.Height(),
-                static_cast<qsizetype>(bitmap.Stride()), QImage::Format_RGB32);
 }
 
 /// One step in the direction of an arrow key; nothing for other keys.
@@ -191,7 +176,7 @@ void TBmpCutRect::DrawPicture(QPainter& painter) {
   const bool isPlain = OrgBitmap() == nullptr || DragIsActive() || !GetCutRectExists();
   const TBitmap& shown = isPlain ? pictureView_.Plain() : pictureView_.Darkened(*Darkening());
   if (shown.Empty()) return;
-  QImage image = ViewOf(shown);
+  QImage image = ImageOfBitmap(shown);
   image.setDevicePixelRatio(painter.device()->devicePixelRatioF());
   painter.drawImage(QPointF(0, 0), image);
   const bool isBusy = DragIsActive() || refineTimer_.isActive();

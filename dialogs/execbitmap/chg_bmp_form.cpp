@@ -7,9 +7,11 @@
 #include <utility>
 
 #include <rasterkit/dialogs/execbitmap/chg_bmp_form.h>
+#include <rasterkit/qt/bitmap_image.h>
 #include <rasterkit/qt/edits.h>
 #include <rasterkit/qt/modal_call.h>
 #include <rasterkit/qt/navigator.h>
+#include <rasterkit/qt/qt_color.h>
 #include <rasterkit/qt/qt_text.h>
 
 #include "ui_chg_bmp_form.h"
@@ -24,11 +26,6 @@ constexpr ValueControl kControls[kValueControls] = {
 /// The previews' places in PanBmps.
 constexpr int kWidthsUnused = 36, kHeightUnused = 21, kGap = 24;
 constexpr int kLeft = (kWidthsUnused - kGap) / 2, kTop = kHeightUnused / 2;
-
-TColor ColorOf(const QColor& color) {
-  return RGB(static_cast<uint8_t>(color.red()), static_cast<uint8_t>(color.green()),
-             static_cast<uint8_t>(color.blue()));
-}
 
 /// The box in pixels of the screen: a picture is seen at its own size when each of its pixels is
 /// one of these.
@@ -176,8 +173,7 @@ void TFormChgBmp::PaintPreview(TPaintBox& box, QPainter& painter, TBitmap& conte
     content = isOriginal ? model_.OriginalPreview(ground) : model_.ChangedPreview(ground);
   }
   if (content.Empty()) return;
-  QImage image(content.ScanLine(0), content.Width(), content.Height(),
-               static_cast<qsizetype>(content.Stride()), QImage::Format_RGB32);
+  QImage image = ImageOfBitmap(content);
   image.setDevicePixelRatio(box.devicePixelRatioF());
   painter.drawImage(0, 0, image);
 }
@@ -227,9 +223,7 @@ void TFormChgBmp::ShowPanCursor(bool isDragging) {
 }
 
 void TFormChgBmp::PaintBoxFarbePaint(QPainter& painter) {
-  const TColor color = model_.SwatchColor();
-  painter.fillRect(ui_->PaintBoxFarbe->rect(),
-                   QColor(color & 0xFF, color >> 8 & 0xFF, color >> 16 & 0xFF));
+  painter.fillRect(ui_->PaintBoxFarbe->rect(), QtColor(model_.SwatchColor()));
 }
 
 bool ConfirmValues(ChangeValuesModel& model) {
