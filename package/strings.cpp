@@ -31,7 +31,12 @@ constexpr std::array kKeys = {
     rsChangeSize, rsHeightHint, rsProportional, rsProportionalHint, rsWidthAndHeight, rsWidthHint,
     // Editor
     rsEditBitmap, rsEditConvertPdf, rsEditNoMemory, rsEditPageSize, rsEditPages, rsEditPdfFailed,
-    rsEditUnreadable};
+    rsEditUnreadable, rsEdit256Colors, rsEditBlackWhite, rsEditCut, rsEditDimensions, rsEditFit,
+    rsEditGray, rsEditImage, rsEditMirror, rsEditOpen, rsEditOpenName, rsEditOriginalSize,
+    rsEditPage, rsEditPageHint, rsEditPageSizeCaption, rsEditPageSizeName, rsEditPictureHelp,
+    rsEditRendering, rsEditRenderingName, rsEditResolution, rsEditResolutionHint,
+    rsEditResolutionName, rsEditRotation, rsEditRotationHint, rsEditRotationName, rsEditSave,
+    rsEditSaveName, rsEditSize, rsEditWhole};
 
 /// Shared, so that a text can be asked for while the translator is replaced.
 struct Installed {
