@@ -19,3 +19,15 @@ if(RASTERKIT_DIALOGS)
                         "libqt6svg6-dev). -DRASTERKIT_DIALOGS=OFF builds the library and the tool without them.")
   endif()
 endif()
+
+if(RASTERKIT_DIALOGS AND NOT RASTERKIT_PDF)
+  message(FATAL_ERROR "The dialogs need RASTERKIT_PDF: one of them shows the pages of PDF files.")
+endif()
+if(RASTERKIT_PDF)
+  find_package(Qt6 6.4 QUIET COMPONENTS Gui Pdf)
+  if(NOT Qt6Pdf_FOUND)
+    message(FATAL_ERROR "Drawing PDF pages needs Qt 6.4 or newer with its Gui and Pdf modules (Debian: qt6-base-dev "
+                        "qt6-pdf-dev). -DRASTERKIT_PDF=OFF -DRASTERKIT_DIALOGS=OFF builds the library and the tool "
+                        "without them.")
+  endif()
+endif()

@@ -14,7 +14,7 @@ set_source_files_properties(${PROJECT_BINARY_DIR}/rasterkit_dialogs_objects_auto
 add_library(rasterkit_dialogs SHARED $<TARGET_OBJECTS:rasterkit_dialogs_objects>)
 add_library(rasterkit::dialogs ALIAS rasterkit_dialogs)
 rasterkit_settings(rasterkit_dialogs)
-target_link_libraries(rasterkit_dialogs PUBLIC rasterkit Qt6::Widgets PRIVATE Qt6::Svg fmt::fmt)
+target_link_libraries(rasterkit_dialogs PUBLIC rasterkit Qt6::Widgets PRIVATE rasterkit_pdf Qt6::Svg fmt::fmt)
 set_target_properties(rasterkit_dialogs PROPERTIES OUTPUT_NAME rasterkit-dialogs EXPORT_NAME dialogs
                                                    VERSION ${PROJECT_VERSION} SOVERSION 0)
 if(NOT RASTERKIT_SANITIZE)
@@ -25,7 +25,7 @@ endif()
 # The same objects as an archive, for tests; see rasterkit_dialogs_test.
 add_library(rasterkit_dialogs_for_tests STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:rasterkit_dialogs_objects>)
 rasterkit_settings(rasterkit_dialogs_for_tests)
-target_link_libraries(rasterkit_dialogs_for_tests PUBLIC Qt6::Widgets Qt6::Svg fmt::fmt)
+target_link_libraries(rasterkit_dialogs_for_tests PUBLIC rasterkit_pdf_for_tests Qt6::Widgets Qt6::Svg fmt::fmt)
 
 # rasterkit_dialogs_room(PUBLIC_HEADERS a.h ... HEADERS b.h ... SOURCES a.cpp ... UI a.ui ... RESOURCES a.qrc ...): adds
 # a room. Forms are included as "ui_a.h". Headers with Q_OBJECT must be listed in one of the two lists of headers.

@@ -1,5 +1,6 @@
 # What `cmake --install` puts where: the libraries, their headers, the tool, and what other builds find them by
-# (find_package(rasterkit), with COMPONENTS dialogs for those on Qt; pkg-config rasterkit, rasterkit-dialogs).
+# (find_package(rasterkit), with COMPONENTS pdf or dialogs for those on Qt; pkg-config rasterkit, rasterkit-pdf,
+# rasterkit-dialogs).
 # Dependencies of the library stay inside it; the dialogs' headers need Qt's.
 include(CMakePackageConfigHelpers)
 
@@ -13,10 +14,18 @@ install(TARGETS rasterkit EXPORT rasterkit_targets)
 install(TARGETS rasterkit_tool)
 install(EXPORT rasterkit_targets FILE rasterkitTargets.cmake NAMESPACE rasterkit:: DESTINATION ${package_folder})
 
+if(RASTERKIT_PDF)
+  target_compile_features(rasterkit_pdf INTERFACE cxx_std_20)
+  set_target_properties(rasterkit_pdf PROPERTIES INSTALL_RPATH "$ORIGIN")
+  # An export of their own: who wants the library alone need not have Qt.
+  install(TARGETS rasterkit_pdf EXPORT rasterkit_pdf_targets)
+  install(EXPORT rasterkit_pdf_targets FILE rasterkitPdfTargets.cmake NAMESPACE rasterkit::
+          DESTINATION ${package_folder})
+endif()
+
 if(RASTERKIT_DIALOGS)
   target_compile_features(rasterkit_dialogs INTERFACE cxx_std_20)
   set_target_properties(rasterkit_dialogs PROPERTIES INSTALL_RPATH "$ORIGIN")
-  # An export of their own: who wants the library alone need not have Qt.
   install(TARGETS rasterkit_dialogs EXPORT rasterkit_dialogs_targets)
   install(EXPORT rasterkit_dialogs_targets FILE rasterkitDialogsTargets.cmake NAMESPACE rasterkit::
           DESTINATION ${package_folder})
@@ -30,6 +39,9 @@ install(FILES ${PROJECT_BINARY_DIR}/rasterkitConfig.cmake ${PROJECT_BINARY_DIR}/
 
 file(RELATIVE_PATH headers_from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /${CMAKE_INSTALL_INCLUDEDIR})
 set(packages rasterkit)
+if(RASTERKIT_PDF)
+  list(APPEND packages rasterkit-pdf)
+endif()
 if(RASTERKIT_DIALOGS)
   list(APPEND packages rasterkit-dialogs)
 endif()

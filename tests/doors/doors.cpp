@@ -20,10 +20,10 @@ constexpr Room kRooms[] = {
     {"host/graphics/", 6},      {"bitmaptools/pixels/", 7},
     {"bitmaptools/engine/", 8}, {"tifftobmp/", 9},
     {"jpegexif/", 9},           {"bitmaptools/files/", 10},
-    {"package/", 11},           {"qt/", 12},
-    {"dialogs/", 13},           {"umbrella/qt.", 13},
-    {"umbrella/", 14},          {"apps/", 15},
-    {"examples/", 15},
+    {"package/", 11},           {"qt/pdf/", 12},
+    {"qt/", 13},                {"dialogs/", 14},
+    {"umbrella/qt.", 14},       {"umbrella/", 15},
+    {"apps/", 16},              {"examples/", 16},
 };
 
 const Room* RoomOf(std::string_view path) {

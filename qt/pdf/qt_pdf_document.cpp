@@ -1,0 +1,120 @@
+#include <chrono>
+#include <future>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include <rasterkit/qt/pdf/pdf_engine.h>
+#include <rasterkit/qt/pdf/qt_pdf_document.h>
+
+namespace rasterkit {
+namespace {
+
+constexpr std::chrono::milliseconds kBetweenQuestions{10};
+
+/// True for as long as it lives.
+class Mark {
+ public:
+  explicit Mark(bool& flag) : flag_(flag) { flag_ = true; }
+  ~Mark() { flag_ = false; }
+  Mark(const Mark&) = delete;
+  Mark& operator=(const Mark&) = delete;
+
+ private:
+  bool& flag_;
+};
+
+/// True when the result is there, false when `keepGoing` gave up.
+template <class Result>
+bool WaitFor(const std::future<Result>& result, const PdfDocument::PdfKeepGoing& keepGoing) {
+  if (!keepGoing) {
+    result.wait();
+    return true;
+  }
+  while (result.wait_for(kBetweenQuestions) != std::future_status::ready)
+    if (!keepGoing()) return false;
+  return true;
+}
+
+}  // namespace
+
+template <class Result>
+std::optional<Result> QtPdfDocument::Ask(Work<Result> work, const PdfKeepGoing& keepGoing) const {
+  if (isWaiting_) throw Error("PDF: the file is being read already", fileName_);
+  const Mark mark(isWaiting_);
+  // Whatever comes out of here early, the thread must not work for nobody.
+  struct GivesUp {
+    std::shared_ptr<std::atomic<bool>> flag = std::make_shared<std::atomic<bool>>(false);
+    ~GivesUp() { *flag = true; }
+  } givenUp;
+  const auto task = std::make_shared<std::packaged_task<Result(PdfEngine&)>>(
+      [work = std::move(work), flag = givenUp.flag](PdfEngine& engine) {
+        return work(engine, *flag);
+      });
+  std::future<Result> result = task->get_future();
+  thread_.Post([task](PdfEngine& engine) { (*task)(engine); });
+  if (!WaitFor(result, keepGoing)) return std::nullopt;
+  try {
+    return result.get();
+  } catch (Error& error) {
+    error.AttachFile(fileName_);
+    throw;
+  }
+}
+
+void QtPdfDocument::LoadFromFile(const std::string& fileName, const std::string& password) {
+  const auto open = [fileName, password](PdfEngine& engine, const std::atomic<bool>&) {
+    return engine.Open(fileName, password);
+  };
+  if (!isWaiting_) {
+    fileName_ = fileName;
+    pageCount_ = 0;
+    pageSizes_.clear();
+  }
+  pageCount_ = Ask<int>(open, {}).value();
+}
+
+PdfPageSize QtPdfDocument::PageSize(int index) const {
+  return KnownPageSize(index, {}).value();
+}
+
+bool QtPdfDocument::ExportPage(int index, double scale, PdfRotation rotation, TBitmap& bitmap,
+                               const PdfKeepGoing& keepGoing) {
+  if (!(scale > 0)) throw RangeError(fmt::format("PDF: a scale of {} is none", scale), fileName_);
+  const std::optional<PdfPageSize> size = KnownPageSize(index, keepGoing);
+  if (!size) return false;
+  try {
+    RequirePdfPage(*size, scale, rotation);
+  } catch (Error& error) {
+    error.AttachFile(fileName_);
+    throw;
+  }
+  const auto draw = [index, scale, rotation](PdfEngine& engine, const std::atomic<bool>& givenUp) {
+    return engine.Draw(index, scale, rotation, givenUp);
+  };
+  auto drawn = Ask<std::optional<TBitmap>>(draw, keepGoing);
+  if (!drawn || !*drawn) return false;
+  bitmap = std::move(**drawn);
+  return true;
+}
+
+void QtPdfDocument::RequirePage(int index) const {
+  if (index >= 0 && index < pageCount_) return;
+  throw RangeError(fmt::format("PDF: there is no page {} among {}", index + 1, pageCount_),
+                   fileName_);
+}
+
+std::optional<PdfPageSize> QtPdfDocument::KnownPageSize(int index,
+                                                        const PdfKeepGoing& keepGoing) const {
+  RequirePage(index);
+  const auto known = pageSizes_.find(index);
+  if (known != pageSizes_.end()) return known->second;
+  const auto measure = [index](const PdfEngine& engine, const std::atomic<bool>&) {
+    return engine.PageSize(index);
+  };
+  const std::optional<PdfPageSize> size = Ask<PdfPageSize>(measure, keepGoing);
+  if (size) pageSizes_.emplace(index, *size);
+  return size;
+}
+
+}  // namespace rasterkit
