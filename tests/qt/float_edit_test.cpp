@@ -72,6 +72,15 @@ TEST_F(FloatEditTest, Emptied_Should_KeepTheValueAndShowItAgain_When_Left) {
   EXPECT_EQ(changes_.count(), 0);
 }
 
+TEST_F(FloatEditTest, Emptied_Should_StayEmpty_When_AMenuOrAnotherWindowIsOnTop) {
+  QTest::keyClick(&edit_, Qt::Key_Delete);
+  for (const Qt::FocusReason reason : {Qt::PopupFocusReason, Qt::ActiveWindowFocusReason}) {
+    QFocusEvent left(QEvent::FocusOut, reason);
+    QApplication::sendEvent(&edit_, &left);
+    EXPECT_EQ(edit_.text(), "");
+  }
+}
+
 TEST_F(FloatEditTest, Emptied_Should_ShowTheValueAgain_When_EnterIsPressed) {
   QTest::keyClick(&edit_, Qt::Key_Delete);
   QTest::keyClick(&edit_, Qt::Key_Return);

@@ -54,6 +54,7 @@ TEST_F(NavigatorTest, EachButton_Should_TellItsName) {
 
 TEST_F(NavigatorTest, Enter_Should_Post_When_AFieldHasTheFocus) {
   Show();
+  EXPECT_TRUE(navigator_->Button(nbPost).isDefault());
   QSignalSpy post(navigator_, &TNavigator::postClicked);
   QTest::keyClick(edit_, Qt::Key_Return);
   EXPECT_EQ(post.count(), 1);

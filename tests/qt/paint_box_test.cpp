@@ -53,6 +53,14 @@ TEST_F(PaintBoxTest, OnPaint_Should_DrawWhatIsSeen) {
   EXPECT_EQ(GrabForm(*box_).pixelColor(99, 79), QColor(Qt::red));
 }
 
+TEST_F(PaintBoxTest, OnPaint_Should_BeClippedToWhatMustBePainted) {
+  QRectF clip;
+  box_->OnPaint = [&](TPaintBox&, QPainter& painter) { clip = painter.clipBoundingRect(); };
+  QImage image(100, 80, QImage::Format_RGB32);
+  box_->render(&image, {}, QRegion(10, 20, 30, 5));
+  EXPECT_EQ(clip, QRectF(10, 20, 30, 5));
+}
+
 TEST_F(PaintBoxTest, MouseHandlers_Should_GetButtonsAndPlaces) {
   std::vector<std::string> seen;
   const auto note = [&seen](const char* what) {
