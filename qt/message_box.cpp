@@ -1,7 +1,9 @@
 #include <QAbstractButton>
 #include <QApplication>
+#include <QStyle>
 #include <QThread>
 
+#include <rasterkit/qt/icons.h>
 #include <rasterkit/qt/message_box.h>
 #include <rasterkit/qt/modal_window.h>
 #include <rasterkit/qt/qt_text.h>
@@ -28,7 +30,9 @@ std::unique_ptr<QMessageBox> MakeMessageBox(const QString& text) {
   auto box = std::make_unique<QMessageBox>();
   box->setObjectName(QStringLiteral("MessageBox"));
   box->setWindowTitle(QGuiApplication::applicationDisplayName());
-  box->setIcon(QMessageBox::Information);
+  // Qt's own is a bitmap that screens of high density show coarse.
+  const int side = box->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, box.get());
+  box->setIconPixmap(Icon("info").pixmap(QSize(side, side), box->devicePixelRatioF()));
   // Not to be read as HTML: the text may hold a file's name.
   box->setTextFormat(Qt::PlainText);
   box->setText(text);

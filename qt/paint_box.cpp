@@ -2,6 +2,7 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QStyleOptionFocusRect>
 #include <QWheelEvent>
 
 #include <rasterkit/host/runtime/application.h>
@@ -32,6 +33,13 @@ TPaintBox::TPaintBox(QWidget* parent) : QWidget(parent) {
 
 QSize TPaintBox::sizeHint() const {
   return {240, 180};
+}
+
+void TPaintBox::PaintFocus(QPainter& painter) const {
+  if (!hasFocus()) return;
+  QStyleOptionFocusRect option;
+  option.initFrom(this);
+  style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
 }
 
 void TPaintBox::paintEvent(QPaintEvent* event) {

@@ -45,6 +45,9 @@ class RASTERKIT_EXPORT TPaintBox : public QWidget {
   /// After the box has got its new size.
   NotifyHandler OnResize;
 
+  /// The style's focus frame along the edge while the box has the focus; for the end of OnPaint.
+  void PaintFocus(QPainter& painter) const;
+
   QSize sizeHint() const override;
 
  protected:

@@ -1,3 +1,5 @@
+#include <QApplication>
+
 #include <rasterkit/qt/style.h>
 
 namespace rasterkit {
@@ -59,6 +61,16 @@ QPalette DarkPalette() {
                       .selection = "#2f6fb8",
                       .selectedText = "#ffffff",
                       .tip = "#3f3f3f"});
+}
+
+void UsePalette(const QPalette& palette) {
+  QApplication::setPalette(palette);
+  if (!IsDark(palette)) return;
+  // These paint no ground of their own: what they call window is only what outlines are made of.
+  QPalette outlined = palette;
+  outlined.setColor(QPalette::Window, "#a8a8a8");
+  for (const char* name : {"QSlider", "QAbstractSpinBox", "QLineEdit", "QCheckBox"})
+    QApplication::setPalette(outlined, name);
 }
 
 }  // namespace rasterkit

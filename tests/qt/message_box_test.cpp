@@ -22,6 +22,7 @@ TEST(MessageBox, Text_Should_BeShownPlain) {
     shown = box->text();
     format = box->textFormat();
     EXPECT_FALSE(box->windowTitle().isEmpty());
+    EXPECT_FALSE(box->iconPixmap().isNull());
   });
   ShowMessageBox("<b>Größe</b>");
   EXPECT_EQ(shown, QString::fromUtf8("<b>Größe</b>"));

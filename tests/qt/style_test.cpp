@@ -1,3 +1,5 @@
+#include <QApplication>
+#include <QSlider>
 #include <cmath>
 
 #include <gtest/gtest.h>
@@ -48,6 +50,24 @@ TEST(Style, DisabledTexts_Should_LookDisabled) {
     EXPECT_NE(palette.color(QPalette::Disabled, QPalette::ButtonText),
               palette.color(QPalette::Active, QPalette::ButtonText));
   }
+}
+
+TEST(Style, Ticks_Should_BeSeen_When_TheStyleIsDark) {
+  const QPalette before = QApplication::palette();
+  UsePalette(DarkPalette());
+  QSlider slider(Qt::Horizontal);
+  slider.setTickPosition(QSlider::TicksBelow);
+  slider.setTickInterval(10);
+  slider.resize(220, slider.sizeHint().height());
+  const QImage shown = slider.grab().toImage();
+  const QColor window = DarkPalette().color(QPalette::Window);
+  double best = 0;
+  for (int x = 0; x < shown.width(); ++x)
+    best = std::max(best, Contrast(shown.pixelColor(x, shown.height() - 3), window));
+  EXPECT_GE(best, 3);
+  UsePalette(before);
+  EXPECT_EQ(QApplication::palette("QSlider").color(QPalette::Window),
+            before.color(QPalette::Window));
 }
 
 }  // namespace
