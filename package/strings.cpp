@@ -26,7 +26,7 @@ constexpr std::array kKeys = {
     rsBlue, rsBlueHint, rsBrightness, rsBrightnessHint, rsChangeBitmapValues, rsChanged,
     rsChangedHint, rsChangedPicture, rsColor, rsColorHint, rsContrast, rsContrastHint, rsGrayValue,
     rsGrayValueHint, rsGreen, rsGreenHint, rsOptions, rsOriginal, rsOriginalHint, rsOriginalPicture,
-    rsRed, rsRedHint, rsSelectGrayValue, rsSharpen, rsSharpenHint,
+    rsRed, rsRedHint, rsRefreshValuesHint, rsSelectGrayValue, rsSharpen, rsSharpenHint,
     // Size
     rsChangeSize, rsHeightHint, rsProportional, rsProportionalHint, rsWidthAndHeight, rsWidthHint,
     // Editor

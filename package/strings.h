@@ -65,7 +65,7 @@ inline constexpr std::string_view rsCropPicture = "Crop picture";
 inline constexpr std::string_view rsCropRectangle = "Picture with crop rectangle";
 inline constexpr std::string_view rsCropRectangleHelp =
     "Drag to draw a rectangle. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize "
-    "it. The wheel zooms, the middle button pans.";
+    "it. The wheel, plus and minus zoom, the middle button and arrow keys with Alt pan.";
 inline constexpr std::string_view rsCropRectangleHint =
     "Drag to draw, move or resize the rectangle; turn the wheel to zoom";
 inline constexpr std::string_view rsCropTop = "Top";
@@ -105,6 +105,8 @@ inline constexpr std::string_view rsOriginalHint =
 inline constexpr std::string_view rsOriginalPicture = "Original picture";
 inline constexpr std::string_view rsRed = "Red";
 inline constexpr std::string_view rsRedHint = "Percentage by which red becomes stronger or weaker";
+inline constexpr std::string_view rsRefreshValuesHint =
+    "Sets everything to 0; from then on contrast, sharpness and colors count as well";
 inline constexpr std::string_view rsSelectGrayValue = "Select gray value";
 inline constexpr std::string_view rsSharpen = "Sharpen [%]";
 inline constexpr std::string_view rsSharpenHint = "Sharper above 0, softer below";

@@ -126,12 +126,19 @@ void BmpCutModel::OnMouseWheel(int wheelDelta, const TPoint& mousePos, bool& han
 }
 
 void BmpCutModel::Pan(int x, int y) {
-  RDRect rect = fPaintRect;
-  rect.Move(x - fDragStartPosition.X, y - fDragStartPosition.Y);
+  const int dx = x - fDragStartPosition.X, dy = y - fDragStartPosition.Y;
   fDragStartPosition = {x, y};
+  PanBy(dx, dy);
+}
+
+bool BmpCutModel::PanBy(int dx, int dy) {
+  if (!HasPixels()) return false;
+  RDRect rect = fPaintRect;
+  rect.Move(dx, dy);
   ChangePlace(rect, fStretchFactor);
-  CalculateCutRect();
+  if (!fDragIsActive) CalculateCutRect();
   view_->Repaint();
+  return true;
 }
 
 }  // namespace rasterkit

@@ -113,6 +113,9 @@ class RASTERKIT_EXPORT BmpCutModel {
   /// not taken. `handled` becomes true.
   void OnMouseWheel(int wheelDelta, const TPoint& mousePos, bool& handled);
 
+  /// Moves the picture by paint-box pixels, as far as one likes; false without a picture.
+  bool PanBy(int dx, int dy);
+
   /// Moves the cut by whole bitmap pixels inside the bitmap; false without a cut.
   bool MoveCutRect(int dx, int dy);
   /// Moves the right and bottom edge of the cut by whole bitmap pixels, inside the bitmap and down

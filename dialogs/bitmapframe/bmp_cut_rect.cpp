@@ -20,6 +20,8 @@ constexpr int kOutlineColor = 0x808080;
 /// A pause this long in milliseconds, and the picture is smoothed in slices of so many.
 constexpr int kPauseBeforeRefining = 120, kRefiningSlice = 8;
 constexpr int kRowsAtATime = 2;
+/// What an arrow key pans, in pixels of the box.
+constexpr int kPanStep = 20;
 
 QRect QtRect(const TRect& rect) {
   return QRect(QPoint(rect.Left, rect.Top), QPoint(rect.Right - 1, rect.Bottom - 1));
@@ -134,14 +136,27 @@ void TBmpCutRect::OnKeyDown(TPaintBox&, QKeyEvent& event) {
   const std::optional<TPoint> arrow = ArrowOf(event.key());
   bool handled = false;
   if (arrow) {
-    const int step = event.modifiers().testFlag(Qt::ShiftModifier) ? 10 : 1;
-    handled = event.modifiers().testFlag(Qt::ControlModifier)
-                  ? ResizeCutRect(arrow->X * step, arrow->Y * step)
-                  : MoveCutRect(arrow->X * step, arrow->Y * step);
+    handled = HandleArrow(*arrow, event.modifiers());
+  } else if (event.key() == Qt::Key_Plus || event.key() == Qt::Key_Minus) {
+    handled = ZoomByKey(event.key() == Qt::Key_Plus);
   } else if (event.matches(QKeySequence::Undo)) {
     handled = UndoCutRect();
   }
   event.setAccepted(handled);
+}
+
+bool TBmpCutRect::HandleArrow(const TPoint& arrow, Qt::KeyboardModifiers keys) {
+  const int factor = keys.testFlag(Qt::ShiftModifier) ? 10 : 1;
+  const int dx = arrow.X * factor, dy = arrow.Y * factor;
+  if (keys.testFlag(Qt::AltModifier)) return PanBy(-kPanStep * dx, -kPanStep * dy);
+  return keys.testFlag(Qt::ControlModifier) ? ResizeCutRect(dx, dy) : MoveCutRect(dx, dy);
+}
+
+bool TBmpCutRect::ZoomByKey(bool isIn) {
+  const TRect box = ClientRect();
+  bool handled = false;
+  if (OrgBitmap() != nullptr) OnMouseWheel(isIn ? 1 : -1, {box.Right / 2, box.Bottom / 2}, handled);
+  return handled;
 }
 
 TRect TBmpCutRect::ClientRect() const {

@@ -37,8 +37,9 @@ class RASTERKIT_EXPORT TBmpCutRect final : private CutView, public BmpCutModel {
   /// A notch of the wheel is a step; finer wheels and touch pads are summed up to one.
   void OnMouseWheel(TPaintBox& sender, QWheelEvent& event);
   /// Arrows move the cut by a pixel of the bitmap, with Shift by 10, and with Ctrl they move its
-  /// right and bottom edge instead; Ctrl+Z takes back the last change of the cut. Other keys are
-  /// ignored.
+  /// right and bottom edge instead; Ctrl+Z takes back the last change of the cut. Plus and minus
+  /// zoom about the middle of the box, arrows with Alt show what lies beyond its edge. Other keys
+  /// are ignored.
   void OnKeyDown(TPaintBox& sender, QKeyEvent& event);
 
   /// Fills the handles and draws the frame of the cut.
@@ -53,6 +54,8 @@ class RASTERKIT_EXPORT TBmpCutRect final : private CutView, public BmpCutModel {
   void ShowSizeText(const std::string& text) override;
 
   void TakeOver();
+  bool HandleArrow(const TPoint& arrow, Qt::KeyboardModifiers keys);
+  bool ZoomByKey(bool isIn);
   void Paint(TPaintBox& box, QPainter& painter);
   void DrawPicture(QPainter& painter);
   PictureView::Window WindowFor(const QPainter& painter) const;

@@ -1,7 +1,5 @@
 #include <QKeyEvent>
-#include <QPainter>
 #include <QScopedValueRollback>
-#include <QStyleOptionFocusRect>
 #include <algorithm>
 
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap_form.h>
@@ -10,22 +8,12 @@
 #include "ui_crop_bitmap_form.h"
 
 namespace rasterkit {
-namespace {
-
-/// The tool leaves the box's paint handler its turn, so this lies over the picture.
-void PaintFocus(TPaintBox& box, QPainter& painter) {
-  if (!box.hasFocus()) return;
-  QStyleOptionFocusRect option;
-  option.initFrom(&box);
-  box.style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, &box);
-}
-
-}  // namespace
 
 TFormCropBitmap::TFormCropBitmap(TBitmap& bitmap, const TRect& start, QWidget* parent)
     : TScaledForm(parent), ui_(std::make_unique<Ui::FormCropBitmap>()) {
   SetUpForm(*ui_);
-  ui_->PaintBox->OnPaint = PaintFocus;
+  // The tool leaves this handler its turn, so the frame lies over the picture.
+  ui_->PaintBox->OnPaint = [](TPaintBox& box, QPainter& painter) { box.PaintFocus(painter); };
   fBmpCutRect = std::make_unique<TBmpCutRect>(ui_->PaintBox, ui_->LabelSizeValue);
   ConnectControls();
   fBmpCutRect->SetOrgBitmap(&bitmap);
@@ -37,6 +25,7 @@ TFormCropBitmap::TFormCropBitmap(TBitmap& bitmap, const TRect& start, QWidget* p
     RDRect cut(start);
     cut.Intersect(RDRect(all));
     fBmpCutRect->SetBmpCutRect(cut);
+    fBmpCutRect->ForgetCutHistory();
   }
   fBmpCutRect->OnStateChanged = [this](BmpCutModel&) { ShowState(); };
   ShowState();

@@ -296,6 +296,21 @@ TEST_F(CropTool, CtrlZ_Should_UndoTheLastCut) {
   EXPECT_FALSE(tool->CutRectExists());
 }
 
+TEST_F(CropTool, PlusAndMinus_Should_ZoomAboutTheMiddle) {
+  QTest::keyClick(&box, Qt::Key_Plus);
+  EXPECT_DOUBLE_EQ(tool->StretchFactor(), 0.525);
+  EXPECT_TRUE(AlmostEqual(tool->PaintRect(), {-7.5, 45, 307.5, 255}, 1e-9));
+  QTest::keyClick(&box, Qt::Key_Minus);
+  EXPECT_DOUBLE_EQ(tool->StretchFactor(), 0.49875);
+}
+
+TEST_F(CropTool, ArrowsWithAlt_Should_ShowWhatLiesBeyondTheEdge) {
+  QTest::keyClick(&box, Qt::Key_Right, Qt::AltModifier);
+  EXPECT_TRUE(AlmostEqual(tool->PaintRect(), {-20, 50, 280, 250}, 1e-9));
+  QTest::keyClick(&box, Qt::Key_Up, Qt::AltModifier | Qt::ShiftModifier);
+  EXPECT_TRUE(AlmostEqual(tool->PaintRect(), {-20, 250, 280, 450}, 1e-9));
+}
+
 TEST_F(CropTool, Keys_Should_GoOn_When_TheToolHasNoUseForThem) {
   for (const int key : {Qt::Key_Left, Qt::Key_A, Qt::Key_Escape}) {
     QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);

@@ -64,6 +64,7 @@ TEST_F(CropForm, Should_BeginWithTheRectangle_When_OneIsGiven) {
   EXPECT_EQ(Number("SpEdTop"), 50);
   EXPECT_EQ(Number("SpEdWidth"), 200);
   EXPECT_EQ(Number("SpEdHeight"), 350);
+  EXPECT_FALSE(Find<QPushButton>("SpeedButtonUndo").isEnabled()) << "nothing was changed yet";
   Open({700, 0, 800, 10});
   EXPECT_FALSE(form->Tool().CutRectExists());
   Open({5, 5, 5, 9});

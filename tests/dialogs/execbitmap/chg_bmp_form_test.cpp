@@ -172,6 +172,7 @@ TEST_F(FormChgBmpTest, OtherOperations_Should_ShowThePicturesAlone) {
   Open(3);
   EXPECT_TRUE(Widget("PanIntens").isHidden());
   EXPECT_FALSE(Widget("GBColors").isVisible());
+  EXPECT_EQ(form->focusWidget(), &Widget("PaintBoxOrg"));
   ExpectPreviews();
 }
 
@@ -252,6 +253,8 @@ TEST_F(FormChgBmpTest, UntilRefresh_Should_BrightenFourTimesOnly) {
   QTest::keyClick(&Track("TrackContrast"), Qt::Key_PageUp);
   QTest::keyClick(&Track("TrackLightness"), Qt::Key_PageUp);
   EXPECT_EQ(model->Slots(), (TaskSlots{1, 1, 1, 1}));
+  const QString tip = Get<TNavigator>("NaviResult").Button(nbRefresh).toolTip();
+  EXPECT_TRUE(tip.contains("contrast") && tip.contains("F5")) << tip.toStdString();
   ExpectPreviews();
 }
 
