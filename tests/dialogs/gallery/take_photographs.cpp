@@ -6,6 +6,7 @@
 #include <rasterkit/qt/style.h>
 
 #include "tests/dialogs/gallery/gallery.h"
+#include "tests/dialogs/gallery/photograph_file_dialogs.h"
 #include "tests/support/forms/form_events.h"
 
 // dialogs_screenshots FOLDER light|dark: writes NAME-STYLE-SCALE.png of every form. The scale is
@@ -13,17 +14,19 @@
 namespace rasterkit::test {
 namespace {
 
-bool Photograph(const Exhibited& exhibited, const QDir& folder, const QString& style) {
+QImage Photograph(const Exhibited& exhibited) {
   const std::unique_ptr<QWidget> form = exhibited.make();
   form->show();
   QCoreApplication::processEvents();
-  const QImage image = GrabForm(*form);
+  return GrabForm(*form);
+}
+
+bool Keep(const QImage& image, const QDir& folder, const QString& name, const QString& style) {
   const int percent = qRound(100 * image.devicePixelRatio());
-  const QString name = QStringLiteral("%1-%2-%3.png")
-                           .arg(QString::fromStdString(exhibited.name), style)
-                           .arg(percent);
-  std::printf("%s  %d x %d\n", qPrintable(folder.filePath(name)), image.width(), image.height());
-  return image.save(folder.filePath(name));
+  const QString file =
+      folder.filePath(QStringLiteral("%1-%2-%3.png").arg(name, style).arg(percent));
+  std::printf("%s  %d x %d\n", qPrintable(file), image.width(), image.height());
+  return image.save(file);
 }
 
 }  // namespace
@@ -41,9 +44,12 @@ int main(int argc, char** argv) {
   const QDir folder(arguments[1]);
   if (!folder.mkpath(".")) return 4;
   QApplication::setStyle("Fusion");
-  QApplication::setPalette(arguments[2] == "dark" ? DarkPalette() : LightPalette());
+  const auto keep = [&](const QImage& image, const QString& name) {
+    return test::Keep(image, folder, name, arguments[2]);
+  };
+  UsePalette(arguments[2] == "dark" ? DarkPalette() : LightPalette());
   for (const test::Exhibited& exhibited : test::Gallery()) {
-    if (!test::Photograph(exhibited, folder, arguments[2])) return 4;
+    if (!keep(test::Photograph(exhibited), QString::fromStdString(exhibited.name))) return 4;
   }
-  return 0;
+  return test::PhotographFileDialogs(keep) ? 0 : 4;
 }
