@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-#include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/qt/display.h>
 #include <rasterkit/qt/modal_call.h>
 #include <rasterkit/qt/qt_host.h>
 #include <rasterkit/qt/style.h>
@@ -12,18 +12,6 @@
 
 namespace rasterkit {
 namespace {
-
-/// Qt ends the process where it finds no display; this looks first.
-void RequireDisplay() {
-#ifdef Q_OS_UNIX
-  const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
-  const bool needsServer =
-      platform.isEmpty() || platform.startsWith("xcb") || platform.startsWith("wayland");
-  if (needsServer && qgetenv("DISPLAY").isEmpty() && qgetenv("WAYLAND_DISPLAY").isEmpty()) {
-    throw Error("a dialog cannot be shown: there is no display (DISPLAY is not set)");
-  }
-#endif
-}
 
 /// QApplication sets the process's locale, after which the C library writes numbers with the user's
 /// decimal comma.
@@ -42,11 +30,10 @@ class KeptLocale {
   std::string numbers_;
 };
 
-/// An application for a host that has none. Qt keeps references to the arguments.
+/// An application for a host that has none, on a platform that is known to work.
 class OwnApplication {
  public:
-  OwnApplication() {
-    RequireDisplay();
+  OwnApplication() : platform_(UsablePlatform()) {
     application_.emplace(argc_, argv_);
     locale_.KeepNumbers();
     QApplication::setQuitOnLastWindowClosed(false);
@@ -55,9 +42,10 @@ class OwnApplication {
 
  private:
   KeptLocale locale_;
-  int argc_ = 1;
-  char name_[10] = "rasterkit";
-  char* argv_[2] = {name_, nullptr};
+  // Qt keeps references to the arguments.
+  std::string name_ = "rasterkit", option_ = "-platform", platform_;
+  int argc_ = 3;
+  char* argv_[4] = {name_.data(), option_.data(), platform_.data(), nullptr};
   std::optional<QApplication> application_;
 };
 
@@ -69,8 +57,8 @@ struct TModalCall::Services {
     host.emplace();
     if (!application) return;
     const std::string style = ReadSetting(kWindowSection, "Style").value_or("");
-    if (style == "dark") UsePalette(DarkPalette());
-    if (style == "light") UsePalette(LightPalette());
+    if (style == "dark") QApplication::setPalette(DarkPalette());
+    if (style == "light") QApplication::setPalette(LightPalette());
   }
 
   std::optional<OwnApplication> application;

@@ -12,9 +12,13 @@
 #include <rasterkit/qt/scaled_form.h>
 #include <rasterkit/qt/style.h>
 
+#include "tests/support/environment.h"
+
 // A host without a QApplication, or with one of its own.
 namespace rasterkit {
 namespace {
+
+using test::Environment;
 
 class ModalCallTest : public testing::Test {
  protected:
@@ -84,18 +88,38 @@ TEST_F(ModalCallTest, Call_Should_Throw_When_TheThreadIsNotTheApplications) {
   std::thread([] { EXPECT_THROW(TModalCall(), Error); }).join();
 }
 
+void ExpectNoWindow() {
+  EXPECT_THROW(TModalCall(), Error);
+  EXPECT_EQ(QCoreApplication::instance(), nullptr);
+}
+
 TEST_F(ModalCallTest, Call_Should_Throw_When_ThereIsNoDisplay) {
-  const QByteArray display = qgetenv("DISPLAY");
-  const QByteArray wayland = qgetenv("WAYLAND_DISPLAY");
-  for (const char* platform : {"", "xcb", "wayland"}) {
-    qputenv("QT_QPA_PLATFORM", platform);
-    qunsetenv("DISPLAY");
-    qunsetenv("WAYLAND_DISPLAY");
-    EXPECT_THROW(TModalCall(), Error) << platform;
-    EXPECT_EQ(QCoreApplication::instance(), nullptr);
+  for (const char* platform : {"", "xcb", "wayland", "wayland;xcb"}) {
+    const Environment environment(
+        {{"QT_QPA_PLATFORM", platform}, {"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}});
+    ExpectNoWindow();
   }
-  if (!display.isEmpty()) qputenv("DISPLAY", display);
-  if (!wayland.isEmpty()) qputenv("WAYLAND_DISPLAY", wayland);
+}
+
+TEST_F(ModalCallTest, Call_Should_Throw_When_TheDisplayDoesNotAnswer) {
+  for (const char* platform : {"", "xcb", "wayland"})
+    for (const char* display : {":4242", "nonsense", ":", ":-1"}) {
+      const Environment environment({{"QT_QPA_PLATFORM", platform},
+                                     {"DISPLAY", display},
+                                     {"WAYLAND_DISPLAY", "wayland-4242"}});
+      ExpectNoWindow();
+    }
+}
+
+TEST_F(ModalCallTest, Call_Should_Throw_When_QtHasNoSuchPlatform) {
+  const Environment environment("QT_QPA_PLATFORM", "paper;pencil:thin");
+  ExpectNoWindow();
+}
+
+TEST_F(ModalCallTest, Call_Should_TakeTheFirstPlatformThatWorks) {
+  const Environment environment("QT_QPA_PLATFORM", "paper;offscreen;minimal");
+  const TModalCall call;
+  EXPECT_EQ(QGuiApplication::platformName(), QLatin1String("offscreen"));
 }
 
 TEST_F(ModalCallTest, Locale_Should_StayTheProcesss) {
