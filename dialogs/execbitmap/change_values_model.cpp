@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include <rasterkit/dialogs/execbitmap/change_values_model.h>
 #include <rasterkit/dialogs/execbitmap/changed_part.h>
@@ -115,6 +117,11 @@ void ChangeValuesModel::Change(ValueControl control, int value) {
   ExecOperation();
 }
 
+void ChangeValuesModel::EnterAllTasks() {
+  slots_ = {kTaskBrightness, kTaskContrast, kTaskSharpen, kTaskColors};
+  ExecOperation();
+}
+
 void ChangeValuesModel::Reset() {
   values_.fill(0);
   slots_.fill(kTaskNone);
@@ -154,6 +161,14 @@ ValueChange ChangeValuesModel::CurrentChange() const {
   change.blue = Value(ValueControl::blue);
   change.grayValue = Value(ValueControl::grayValue);
   return change;
+}
+
+// The previews knew what is seen of it, and no more.
+void ChangeValuesModel::ApplyTo(TBitmap& bitmap) const {
+  const std::unique_ptr<TBitmap> working = bitmap.Clone();
+  CurrentChange().ApplyTo(*working);
+  bitmap = std::move(*working);
+  bitmap.SetModified(true);
 }
 
 TBitmap ChangeValuesModel::OriginalPreview(TColor ground) const {

@@ -56,6 +56,8 @@ class ChangeValuesModel {
   void Change(ValueControl control, int value);
   /// Enters a task to be applied after those that are there; see AddTask.
   void AddTag(int32_t code) { AddTask(slots_, code); }
+  /// Enters every task once, brightness first, then contrast, sharpening and colours.
+  void EnterAllTasks();
   /// Sets every number to 0 and empties the task slots.
   void Reset();
   /// Has the changed preview computed anew; does nothing while busy.
@@ -84,8 +86,9 @@ class ChangeValuesModel {
   /// What is seen of the original and of the changed picture, on a ground of a colour.
   TBitmap OriginalPreview(TColor ground) const;
   TBitmap ChangedPreview(TColor ground) const;
-  /// Changes a bitmap that is (a copy of) the original as a whole.
-  void ApplyTo(TBitmap& bitmap) const { CurrentChange().ApplyTo(bitmap); }
+  /// Changes a bitmap that is (a copy of) the original as a whole; a step that fails leaves it as
+  /// it was.
+  void ApplyTo(TBitmap& bitmap) const;
 
  private:
   static size_t Index(ValueControl control) { return static_cast<size_t>(control); }
