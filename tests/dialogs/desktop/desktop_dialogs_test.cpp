@@ -1,0 +1,81 @@
+#include <QApplication>
+#include <QDialog>
+#include <QTimer>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <rasterkit/dialogs/desktop/desktop_dialogs.h>
+#include <rasterkit/host/graphics/bitmap.h>
+
+namespace rasterkit {
+namespace {
+
+class DesktopDialogsTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    ASSERT_NE(dialogs, nullptr);
+  }
+
+  /// Ends the window that the caller is about to open.
+  static void EndWindow(int result) {
+    QTimer::singleShot(0, qApp, [result] {
+      if (auto* const window = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+        window->done(result);
+    });
+  }
+
+  const DesktopDialogs* const dialogs = rasterkit_desktop_dialogs(kDesktopVersion);
+  std::string error;
+};
+
+TEST_F(DesktopDialogsTest, OtherVersions_Should_HaveNoTable) {
+  EXPECT_EQ(rasterkit_desktop_dialogs(kDesktopVersion + 1), nullptr);
+  EXPECT_EQ(rasterkit_desktop_dialogs(kDesktopVersion - 1), nullptr);
+}
+
+TEST_F(DesktopDialogsTest, Application_Should_LiveFromStartToEnd) {
+  ASSERT_EQ(dialogs->start(error), DesktopAnswer::confirmed) << error;
+  EXPECT_NE(qApp, nullptr);
+  dialogs->end();
+  EXPECT_EQ(qApp, nullptr);
+  ASSERT_EQ(dialogs->start(error), DesktopAnswer::confirmed) << "once more";
+  dialogs->end();
+}
+
+TEST_F(DesktopDialogsTest, Answers_Should_BeThoseOfTheUser) {
+  ASSERT_EQ(dialogs->start(error), DesktopAnswer::confirmed) << error;
+  int32_t width = 8, height = 6;
+  EndWindow(QDialog::Accepted);
+  EXPECT_EQ(dialogs->editSize(width, height, error), DesktopAnswer::confirmed);
+  EndWindow(QDialog::Rejected);
+  EXPECT_EQ(dialogs->editSize(width, height, error), DesktopAnswer::cancelled);
+  TBitmap bitmap;
+  bitmap.SetSize(8, 6);
+  TRect rect{1, 2, 3, 4};
+  EndWindow(QDialog::Accepted);
+  EXPECT_EQ(dialogs->chooseCropRect(bitmap, rect, error), DesktopAnswer::confirmed);
+  EXPECT_EQ(rect.Bottom, 4);
+  TChgBmpValuesRec values;
+  EndWindow(QDialog::Rejected);
+  EXPECT_EQ(dialogs->adjustBitmap(bitmap, values, error), DesktopAnswer::cancelled);
+  dialogs->end();
+  EXPECT_EQ(error, "");
+}
+
+TEST_F(DesktopDialogsTest, Exceptions_Should_BecomeTexts) {
+  qputenv("QT_QPA_PLATFORM", "paper");
+  EXPECT_EQ(dialogs->start(error), DesktopAnswer::failed);
+  EXPECT_THAT(error, testing::HasSubstr("(paper)"));
+  error.clear();
+  int32_t width = 8, height = 6;
+  EXPECT_EQ(dialogs->editSize(width, height, error), DesktopAnswer::failed);
+  EXPECT_THAT(error, testing::HasSubstr("(paper)"));
+  EXPECT_EQ(width, 8);
+  EXPECT_EQ(qApp, nullptr);
+}
+
+}  // namespace
+}  // namespace rasterkit
