@@ -8,8 +8,7 @@
 namespace rasterkit {
 
 void PictureUndo::Begin(EditState state) {
-  step_.emplace();
-  step_->state = std::move(state);
+  step_ = Step{std::move(state), nullptr, nullptr, false};
   isNew_ = true;
 }
 
