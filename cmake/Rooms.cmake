@@ -1,8 +1,11 @@
 # The source tree is the include tree: `#include <rasterkit/host/runtime/errors.h>` is host/runtime/errors.h, in a
 # checkout and after installation alike.
 set(RASTERKIT_TOP_ROOMS host jpegexif tifftobmp bitmaptools package)
+if(RASTERKIT_PDF OR RASTERKIT_DIALOGS)
+  list(APPEND RASTERKIT_TOP_ROOMS qt)
+endif()
 if(RASTERKIT_DIALOGS)
-  list(APPEND RASTERKIT_TOP_ROOMS qt dialogs)
+  list(APPEND RASTERKIT_TOP_ROOMS dialogs)
 endif()
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include/rasterkit)
 # The tool knows what the dialogs are opened by, even where they are not built.

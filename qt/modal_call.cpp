@@ -57,8 +57,8 @@ struct TModalCall::Services {
     host.emplace();
     if (!application) return;
     const std::string style = ReadSetting(kWindowSection, "Style").value_or("");
-    if (style == "dark") QApplication::setPalette(DarkPalette());
-    if (style == "light") QApplication::setPalette(LightPalette());
+    if (style == "dark") UsePalette(DarkPalette());
+    if (style == "light") UsePalette(LightPalette());
   }
 
   std::optional<OwnApplication> application;

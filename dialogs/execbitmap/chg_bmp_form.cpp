@@ -1,4 +1,5 @@
 #include <QKeyEvent>
+#include <QKeySequence>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QSlider>
@@ -7,6 +8,7 @@
 #include <utility>
 
 #include <rasterkit/dialogs/execbitmap/chg_bmp_form.h>
+#include <rasterkit/package/strings.h>
 #include <rasterkit/qt/bitmap_image.h>
 #include <rasterkit/qt/edits.h>
 #include <rasterkit/qt/modal_call.h>
@@ -113,14 +115,26 @@ void TFormChgBmp::ShowOperation() {
   // Operations differ in height.
   SetSettingsName("FormChgBmp" + std::to_string(model_.Operation()));
   ui_->PanShowColor->setVisible(model_.ShowsSwatch());
-  ui_->NaviResult->Button(nbRefresh).setVisible(true);
+  ShowRefresh();
   const ScaleTexts& texts = model_.TextsOfGrayValue();
   ui_->LabVon->setText(ToQt(texts.LabVon));
   ui_->LabMitte->setText(ToQt(texts.LabMitte));
   ui_->LabMitte->setVisible(!texts.LabMitte.empty());
   ui_->LabBis->setText(ToQt(texts.LabBis));
+  ui_->PaintBoxOrg->setFocus();
   if (model_.ShowsEditingPanel()) ui_->TrackLightness->setFocus();
   if (model_.ShowsGrayValue()) ui_->TrackBar->setFocus();
+}
+
+/// Until it is pressed only brightness counts; nobody would guess.
+void TFormChgBmp::ShowRefresh() {
+  QPushButton& refresh = ui_->NaviResult->Button(nbRefresh);
+  refresh.setVisible(true);
+  if (!model_.ShowsEditingPanel()) return;
+  const QString hint = ResourceText(rsRefreshValuesHint);
+  const QString key = QKeySequence(QKeySequence::Refresh).toString(QKeySequence::NativeText);
+  refresh.setToolTip(hint + " (" + key + ")");
+  refresh.setAccessibleDescription(hint);
 }
 
 void TFormChgBmp::ShowValues() {
@@ -172,10 +186,11 @@ void TFormChgBmp::PaintPreview(TPaintBox& box, QPainter& painter, TBitmap& conte
     const TColor ground = ColorOf(box.palette().color(QPalette::Window));
     content = isOriginal ? model_.OriginalPreview(ground) : model_.ChangedPreview(ground);
   }
-  if (content.Empty()) return;
+  if (content.Empty()) return box.PaintFocus(painter);
   QImage image = ImageOfBitmap(content);
   image.setDevicePixelRatio(box.devicePixelRatioF());
   painter.drawImage(0, 0, image);
+  box.PaintFocus(painter);
 }
 
 TPoint TFormChgBmp::PixelOf(const QMouseEvent& event) const {

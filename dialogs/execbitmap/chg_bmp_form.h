@@ -38,6 +38,7 @@ class TFormChgBmp : public TScaledForm {
   void ConnectPreviews();
   void HidePanel(QWidget& panel);
   void ShowOperation();
+  void ShowRefresh();
   void ShowValues();
   void PanBmpsResize();
   void RepaintChanged();

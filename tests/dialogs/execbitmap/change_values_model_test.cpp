@@ -171,6 +171,13 @@ TEST_F(ChangeValuesModelTest, Operation5_Should_FollowTheThresholdAndNotReturnIt
   EXPECT_EQ(values.Red, 1);
 }
 
+TEST_F(ChangeValuesModelTest, TheGrayValue_Should_BeNoTask) {
+  Start(5);
+  model.Reset();
+  model.Change(grayValue, 200);
+  EXPECT_EQ(model.Slots(), TaskSlots{});
+}
+
 TEST_F(ChangeValuesModelTest, Operation5_Should_BeAllWhite_When_Refreshed) {
   Start(5);
   model.Reset();
@@ -221,6 +228,15 @@ TEST_F(ChangeValuesModelTest, Changes_Should_BeShownOnceAndPaintedOnce) {
   model.Reset();
   EXPECT_EQ(shown, 2);
   EXPECT_EQ(repaints, 2);
+}
+
+TEST_F(ChangeValuesModelTest, EveryOperation_Should_BePaintedFromItsStart) {
+  for (const int32_t operation : {0, 5, 3}) {
+    model.Load({});
+    repaints = 0;
+    model.SetOperation(operation);
+    EXPECT_EQ(repaints, 1) << operation;
+  }
 }
 
 TEST_F(ChangeValuesModelTest, Changes_Should_StayInTheirRange) {

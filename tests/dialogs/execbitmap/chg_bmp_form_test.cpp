@@ -47,6 +47,19 @@ TColor ColorAt(const QImage& image, int x, int y) {
              static_cast<uint8_t>(qBlue(pixel)));
 }
 
+/// How often a widget is painted.
+class PaintCounter : public QObject {
+ public:
+  explicit PaintCounter(QWidget& widget) { widget.installEventFilter(this); }
+  int count = 0;
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::Paint) ++count;
+    return false;
+  }
+};
+
 class FormChgBmpTest : public testing::Test {
  protected:
   void Open(int32_t operation, int width = 900, int height = 700,
@@ -159,6 +172,7 @@ TEST_F(FormChgBmpTest, OtherOperations_Should_ShowThePicturesAlone) {
   Open(3);
   EXPECT_TRUE(Widget("PanIntens").isHidden());
   EXPECT_FALSE(Widget("GBColors").isVisible());
+  EXPECT_EQ(form->focusWidget(), &Widget("PaintBoxOrg"));
   ExpectPreviews();
 }
 
@@ -239,6 +253,8 @@ TEST_F(FormChgBmpTest, UntilRefresh_Should_BrightenFourTimesOnly) {
   QTest::keyClick(&Track("TrackContrast"), Qt::Key_PageUp);
   QTest::keyClick(&Track("TrackLightness"), Qt::Key_PageUp);
   EXPECT_EQ(model->Slots(), (TaskSlots{1, 1, 1, 1}));
+  const QString tip = Get<TNavigator>("NaviResult").Button(nbRefresh).toolTip();
+  EXPECT_TRUE(tip.contains("contrast") && tip.contains("F5")) << tip.toStdString();
   ExpectPreviews();
 }
 
@@ -348,7 +364,10 @@ TEST_F(FormChgBmpTest, TheSwatch_Should_ShowTheColorOfTheNumbers) {
   form->show();
   QApplication::processEvents();
   EXPECT_EQ(ColorAt(test::GrabForm(Widget("PaintBoxFarbe")), 3, 3), RGB(200, 0, 90));
+  const PaintCounter paintings(Widget("PaintBoxFarbe"));
   QTest::keyClick(&Track("TBGreen"), Qt::Key_End);
+  QApplication::processEvents();
+  EXPECT_GT(paintings.count, 0);
   EXPECT_EQ(ColorAt(test::GrabForm(Widget("PaintBoxFarbe")), 3, 3), RGB(200, 255, 90));
 }
 
