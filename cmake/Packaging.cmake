@@ -29,6 +29,11 @@ if(RASTERKIT_DIALOGS)
   install(TARGETS rasterkit_dialogs EXPORT rasterkit_dialogs_targets)
   install(EXPORT rasterkit_dialogs_targets FILE rasterkitDialogsTargets.cmake NAMESPACE rasterkit::
           DESTINATION ${package_folder})
+  # What desktops show the editor by.
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/desktop/rasterkit.desktop
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/desktop/rasterkit.svg
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 endif()
 
 configure_package_config_file(${PROJECT_SOURCE_DIR}/packaging/rasterkitConfig.cmake.in

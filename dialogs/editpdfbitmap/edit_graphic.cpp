@@ -1,9 +1,11 @@
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/dialogs/editpdfbitmap/edit_graphic.h>
 #include <rasterkit/dialogs/editpdfbitmap/form_edit_pdf_bmp.h>
+#include <rasterkit/host/graphics/pdf_document.h>
 #include <rasterkit/host/runtime/file_name.h>
 #include <rasterkit/package/strings.h>
 #include <rasterkit/qt/modal_call.h>
+#include <rasterkit/qt/pdf/qt_pdf.h>
 #include <rasterkit/qt/pdf_page_dialog.h>
 
 namespace rasterkit {
@@ -14,11 +16,17 @@ const bool isInstalled = [] {
   return true;
 }();
 
+/// A host that has something of its own to draw pages with keeps that.
+void FillPdfPort() {
+  if (!PdfDocumentFactory()) UseQtPdf();
+}
+
 }  // namespace
 
 int ConvertPdfPageToBmpDialog(const std::string& pdfFile, std::string& bmpFile) {
   if (!FileExists(pdfFile)) return -1;
   const TModalCall call;
+  FillPdfPort();
   TFormEditPdfBmp form;
   EditPdfBmpModel& model = form.Model();
   const auto open = [&] {
@@ -34,6 +42,7 @@ int ConvertPdfPageToBmpDialog(const std::string& pdfFile, std::string& bmpFile) 
 bool EditGraphic(const std::string& dir, std::string& fileName, std::unique_ptr<TGraphic>& graphic,
                  int32_t&, int32_t&, int32_t&, int32_t&) {
   const TModalCall call;
+  FillPdfPort();
   TFormEditPdfBmp form;
   EditPdfBmpModel& model = form.Model();
   model.SetOrgCaption(ResourceString(rsEditBitmap));

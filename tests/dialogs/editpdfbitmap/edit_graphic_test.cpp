@@ -18,6 +18,8 @@
 #include <rasterkit/qt/preview_loader.h>
 
 #include "tests/dialogs/editpdfbitmap/editor_test.h"
+#include "tests/support/corpus.h"
+#include "tests/support/pdf_file.h"
 #include "tests/support/same_pixels.h"
 
 namespace rasterkit::test {
@@ -265,11 +267,100 @@ TEST_F(ConvertPdfPageToBmpDialogTest, Should_SayWhy_When_TheFileCannotBeOpened) 
   EXPECT_THAT(messages[0], HasSubstr("damaged"));
 }
 
-TEST_F(ConvertPdfPageToBmpDialogTest, Should_SayWhy_When_NothingDrawsPdfPages) {
-  PdfDocumentFactory() = nullptr;
+/// The same with files and what really draws their pages.
+class RealPdfTest : public EntryTest {
+ protected:
+  RealPdfTest() {
+    PdfDocumentFactory() = nullptr;
+    const PdfPageText plain{"0 0 144 216", PdfRectangle("0.8 0.1 0.2", 10, 20, 60, 40)};
+    const PdfPageText onItsSide{"0 0 144 216", PdfRectangle("0 0.2 0.9", 30, 5, 20, 90), "",
+                                "/Rotate 90"};
+    page = folder.Write("real.pdf", PdfText({plain, onItsSide}));
+  }
+};
+
+TEST_F(RealPdfTest, Page_Should_BeInTheFile_AsTheComponentDrawsIt) {
+  std::string fileName = folder / "real.png";
+  InEditor([&] {
+    EXPECT_EQ(Find<QLabel>("LabelPage").text(), "&Page (total No. of pages 2)");
+    auto& pages = Find<TSpinEditInt>("SpinEditPage");
+    pages.setFocus();
+    QTest::keyClick(&pages, Qt::Key_Up);
+    Type("CoBoResolution", "200");
+    Key("CoBoResolution", Qt::Key_Return);
+    Type("CoBoRotation", "90");
+    Key("CoBoRotation", Qt::Key_Return);
+    InSaveDialog("turned");
+    QTest::mouseClick(&Navigator(nbPost), Qt::LeftButton);
+  });
+  ASSERT_EQ(ConvertPdfPageToBmpDialog(page, fileName), 1);
+  EXPECT_THAT(messages, IsEmpty());
+  const std::unique_ptr<PdfDocument> document = CreatePdfDocument();
+  document->LoadFromFile(page);
+  auto expected = std::make_unique<TBitmap>();
+  document->ExportPage(1, 2, PdfRotation::none, *expected);
+  EXPECT_EQ(expected->Width(), 600);
+  ASSERT_TRUE(RotateBitmap(-90, expected, 0xFFFFFF, 4, {}));
+  TPngImage file;
+  file.LoadFromFile(fileName);
+  TBitmap written;
+  written.Assign(&file);
+  EXPECT_EQ(written.Width(), 400);
+  EXPECT_TRUE(SamePixels(*expected, written));
+}
+
+TEST_F(RealPdfTest, Should_SayWhy_When_TheFileIsLockedOrNoPdf) {
   std::string fileName = "unchanged";
+  const std::string locked = folder.Write("locked.pdf", EncryptedPdf(PdfReader::withPassword));
+  EXPECT_EQ(ConvertPdfPageToBmpDialog(locked, fileName), 0);
+  const std::string noPdf = folder.Write("text.pdf", "Dear reader, this is no PDF.");
+  EXPECT_EQ(ConvertPdfPageToBmpDialog(noPdf, fileName), 0);
+  const std::string empty = folder.Write("empty.pdf", "");
+  EXPECT_EQ(ConvertPdfPageToBmpDialog(empty, fileName), 0);
+  EXPECT_EQ(fileName, "unchanged");
+  ASSERT_THAT(messages, SizeIs(3));
+  EXPECT_THAT(messages[0], HasSubstr("password"));
+  EXPECT_NE(messages[1], messages[2]);
+  for (const std::string& message : messages) EXPECT_THAT(message, HasSubstr(".pdf"));
+}
+
+TEST_F(RealPdfTest, Should_SayThatThereIsNoMemory_When_ThePageIsAbsurd) {
+  page = folder.Write("absurd.pdf", PdfText({{"0 0 14400000 14400000", ""}}));
+  std::string fileName = "unchanged";
+  const std::function<void()> leave = [&] {
+    auto* window = qobject_cast<TFormEditPdfBmp*>(QApplication::activeModalWidget());
+    if (window == nullptr || messages.empty()) return QTimer::singleShot(5, &waiting, leave);
+    EXPECT_EQ(window->Model().WorkBitmap(), nullptr);
+    window->close();
+  };
+  QTimer::singleShot(5, &waiting, leave);
   EXPECT_EQ(ConvertPdfPageToBmpDialog(page, fileName), 0);
-  EXPECT_THAT(messages, SizeIs(1));
+  EXPECT_THAT(messages[0], HasSubstr("Not enough RAM"));
+}
+
+/// Damaged, encrypted and absurd ones among them: a message or a window, and no more.
+TEST_F(RealPdfTest, EveryFileOfTheCorpus_Should_BeSurvived) {
+  if (CorpusFolder().empty()) GTEST_SKIP() << "no corpus";
+  for (const auto& file : std::filesystem::directory_iterator(CorpusFolder() / "pdf")) {
+    if (file.path().extension() != ".pdf") continue;
+    SCOPED_TRACE(file.path().string());
+    bool isOver = false;
+    const std::function<void()> leave = [&] {
+      if (isOver) return;
+      auto* window = qobject_cast<TFormEditPdfBmp*>(QApplication::activeModalWidget());
+      const bool isAtRest = window != nullptr && !window->Model().IsRendering() &&
+                            (window->Model().WorkBitmap() != nullptr || !messages.empty());
+      if (!isAtRest) return QTimer::singleShot(5, &waiting, leave);
+      window->close();
+    };
+    messages.clear();
+    QTimer::singleShot(5, &waiting, leave);
+    std::string fileName = "unchanged";
+    EXPECT_EQ(ConvertPdfPageToBmpDialog(file.path().string(), fileName), 0);
+    EXPECT_EQ(fileName, "unchanged");
+    isOver = true;
+    QApplication::processEvents();
+  }
 }
 
 TEST_F(ConvertPdfPageToBmpDialogTest, FirstPage_Should_BeCancelled_InTheOpenWindow) {
