@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QStyleFactory>
 #include <algorithm>
 #include <set>
 
@@ -59,6 +60,35 @@ TEST(FormRules, Texts_Should_HaveTheirRoom_When_TheFormIsAsSmallAsItGets) {
     QCoreApplication::processEvents();
     EXPECT_THAT(ClippedTexts(form), IsEmpty());
   });
+}
+
+TEST(FormRules, Texts_Should_HaveTheirRoom_When_LongerOnesStandInTheSmallestForm) {
+  const LongerTexts longer;
+  ForEachForm([](QWidget& form) {
+    form.resize(form.minimumSizeHint());
+    QCoreApplication::processEvents();
+    EXPECT_THAT(ClippedTexts(form), IsEmpty());
+  });
+}
+
+TEST(FormRules, Texts_Should_HaveTheirRoom_InEveryStyle) {
+  for (const QString& style : QStyleFactory::keys()) {
+    SCOPED_TRACE(style.toStdString());
+    QApplication::setStyle(style);
+    ForEachForm([](QWidget& form) { EXPECT_THAT(ClippedTexts(form), IsEmpty()); });
+  }
+  QApplication::setStyle("Fusion");
+}
+
+TEST(FormRules, Texts_Should_HaveTheirRoom_When_TheFontIsLarge) {
+  const QFont before = QApplication::font();
+  QFont large = before;
+  for (const double factor : {1.5, 2.0}) {
+    large.setPointSizeF(before.pointSizeF() * factor);
+    QApplication::setFont(large);
+    ForEachForm([](QWidget& form) { EXPECT_THAT(ClippedTexts(form), IsEmpty()); });
+  }
+  QApplication::setFont(before);
 }
 
 TEST(FormRules, Controls_Should_HaveNamesForScreenReaders) {
