@@ -71,13 +71,14 @@ void EditPdfBmpModel::Mirror() {
   fBmpCutRect.ForgetCutHistory();
 }
 
-void EditPdfBmpModel::ApplyResolution() {
+void EditPdfBmpModel::ApplyResolution(bool isEntered) {
   double value = 0;
   const bool isNumber =
       ParseComboNumber(controls_.Text(EditControl::CoBoResolution), value, false) && value > 0;
   if (!names_.fIsPDF || !isNumber) return;
   // What was given up, or was too much, may be tried again.
-  if (value == fResolution && fWorkBitmap) return;
+  const bool isMissing = isEntered && !fWorkBitmap;
+  if (value == fResolution && !isMissing) return;
   BeginChange();
   GenerateBitmaps(false);
 }

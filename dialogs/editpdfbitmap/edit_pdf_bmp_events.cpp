@@ -57,7 +57,7 @@ void EditPdfBmpModel::CoBoResolutionChange(const std::string& text) {
   Handle([&] {
     controls_.TakeText(EditControl::CoBoResolution, text);
     ShowPageSize();
-    if (!fInEditCoBo) return ApplyResolution();
+    if (!fInEditCoBo) return ApplyResolution(false);
     fInEditCoBo = false;
   });
 }
@@ -66,7 +66,7 @@ bool EditPdfBmpModel::CoBoResolutionKeyPress(ComboKey key) {
   if (isHandling_) return false;
   if (key == ComboKey::enter) {
     fInEditCoBo = false;
-    Handle([&] { ApplyResolution(); });
+    Handle([&] { ApplyResolution(true); });
     return false;
   }
   const bool isTyping = key == ComboKey::backspace || key == ComboKey::digit;

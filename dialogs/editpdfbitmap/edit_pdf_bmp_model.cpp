@@ -73,7 +73,7 @@ bool EditPdfBmpModel::OpenGraphic(const std::string& name) {
   std::unique_ptr<TGraphic> graphic = LoadGraphic(name);
   if (!graphic) {
     ShowMessage(FormatText(ResourceString(rsEditUnreadable), std::array{name}));
-    if (fWorkBitmap) return false;
+    if (fWorkBitmap || names_.fIsPDF) return false;
   }
   TakeGraphic(std::move(graphic));
   names_.fOrgFilename = name;
@@ -109,7 +109,14 @@ void EditPdfBmpModel::SetOrgGraphic(std::unique_ptr<TGraphic> graphic) {
 }
 
 void EditPdfBmpModel::TakeGraphic(std::unique_ptr<TGraphic> graphic) {
-  std::unique_ptr<TBitmap> bitmap = GraphicIntoBitmap(graphic.get());
+  std::unique_ptr<TBitmap> bitmap;
+  try {
+    bitmap = GraphicIntoBitmap(graphic.get());
+  } catch (...) {
+    // What cannot be shown is handed out as it came.
+    if (!fOrgGraphic && !fWorkBitmap) fOrgGraphic = std::move(graphic);
+    throw;
+  }
   undo_.Forget();
   fOrgGraphic = std::move(graphic);
   names_.fIsPDF = false;

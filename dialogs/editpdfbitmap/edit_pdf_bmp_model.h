@@ -173,7 +173,7 @@ class EditPdfBmpModel {
   void ClickSetting(EditControl button, const std::function<bool(TBitmap&)>& change);
   void ClickBlackWhite();
   void Mirror();
-  void ApplyResolution();
+  void ApplyResolution(bool isEntered);
   void ApplyRotation();
   void ChangePage(int page);
   void ResetForPage();

@@ -1,0 +1,498 @@
+#include <new>
+#include <stdexcept>
+#include <system_error>
+#include <thread>
+
+#include <rasterkit/dialogs/editpdfbitmap/bitmap_settings.h>
+#include <rasterkit/host/runtime/application.h>
+#include <rasterkit/host/runtime/thread_queue.h>
+
+#include "tests/dialogs/editpdfbitmap/editor_fixture.h"
+#include "tests/support/memory_limit.h"
+
+/// The picture made anew: pages of a PDF, and a graphic whose target exists.
+namespace rasterkit::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+constexpr char kNoMemory[] = "Not enough RAM available for the image! Try a lower DPI-setting.";
+
+class EditRendering : public EditorTest {
+ protected:
+  /// The first `times` exports throw.
+  template <typename Failure>
+  void FailTimes(int times, const Failure& failure) {
+    pdf.onExport = [this, times, failure](const PdfDocument::PdfKeepGoing&) {
+      if (static_cast<int>(pdf.exports.size()) <= times) throw failure;
+      return true;
+    };
+  }
+  /// The user presses the cancel button while a page is being drawn.
+  void CancelWhileRendering() {
+    pdf.onExport = [this](const PdfDocument::PdfKeepGoing& keepGoing) {
+      EXPECT_TRUE(keepGoing());
+      model->NaviResultCancelClick();
+      return keepGoing();
+    };
+  }
+};
+
+TEST_F(EditRendering, RenderPdfToBmp_Should_ExportThePage_AtDpiOverAHundred) {
+  OpenPdf(3);
+  Type("300");
+  model->CoBoResolutionKeyPress(ComboKey::enter);
+  model->SpinEditPageChange(2);
+  ASSERT_THAT(pdf.exports, SizeIs(2));
+  EXPECT_EQ(pdf.exports[0].index, 0);
+  EXPECT_EQ(pdf.exports[0].scale, 3.0);
+  EXPECT_EQ(pdf.exports[1].index, 1);
+  EXPECT_EQ(pdf.exports[1].scale, 3.0);
+  EXPECT_EQ(pdf.exports[1].rotation, PdfRotation::none);
+  EXPECT_EQ(model->Resolution(), 300);
+  EXPECT_EQ(model->PageNumber(), 2);
+  EXPECT_TRUE(SamePixels(PdfPicture(1, 3.0), Work()));
+}
+
+TEST_F(EditRendering, RenderPdfToBmp_Should_SwitchTransparencyOff) {
+  OpenPdf();
+  EXPECT_FALSE(Work().Transparent());
+}
+
+TEST_F(EditRendering, RenderPdfToBmp_Should_NotFoldTheResolution) {
+  OpenPdf();
+  model->CoBoResolutionChange("600");
+  EXPECT_EQ(model->Resolution(), 600);
+}
+
+TEST_F(EditRendering, RenderPdfToBmp_Should_KeepTheResolution_When_TheBoxHoldsNoNumber) {
+  OpenPdf();
+  for (const char* text : {"", "dpi", "-", "0", "-72", "000"}) {
+    Forget();
+    model->CoBoResolutionChange(text);
+    EXPECT_THAT(pdf.exports, IsEmpty()) << text;
+    model->SpeedButtonGrayScaleClick();
+    ASSERT_THAT(pdf.exports, SizeIs(1)) << text;
+    EXPECT_EQ(pdf.exports[0].scale, 1.5) << text;
+  }
+}
+
+TEST_F(EditRendering, RenderPdfToBmp_Should_TakeWhatIsInTheBox_When_AnotherControlAsks) {
+  OpenPdf();
+  Type("200");
+  EXPECT_THAT(pdf.exports, IsEmpty());
+  model->SpeedButtonGrayScaleClick();
+  EXPECT_EQ(model->Resolution(), 200);
+  EXPECT_EQ(pdf.exports.back().scale, 2.0);
+}
+
+TEST_F(EditRendering, RenderPdfToBmp_Should_ClampThePage) {
+  OpenPdf(3);
+  model->SpinEditPageChange(7);
+  EXPECT_EQ(model->PageNumber(), 3);
+  model->SpinEditPageChange(-4);
+  EXPECT_EQ(model->PageNumber(), 1);
+  EXPECT_EQ(pdf.exports.back().index, 0);
+}
+
+TEST_F(EditRendering, RenderPdfToBmp_Should_GiveTheBitmapBackFirst) {
+  OpenPdf();
+  const MemoryLimit limit(40000);
+  const TBitmap* shown = &Work();
+  pdf.onExport = [&](const PdfDocument::PdfKeepGoing&) {
+    EXPECT_EQ(tool.OrgBitmap(), nullptr);
+    EXPECT_EQ(model->WorkBitmap(), nullptr);
+    return true;
+  };
+  EXPECT_EQ(tool.OrgBitmap(), shown);
+  model->CoBoResolutionChange("72");
+  EXPECT_EQ(tool.OrgBitmap(), &Work());
+}
+
+TEST_F(EditRendering, RealRenderPDF_Should_GiveAnEmptyBitmap_When_TheExportFails) {
+  pdf.onExport = [](const PdfDocument::PdfKeepGoing&) { return false; };
+  EXPECT_TRUE(model->SetOrgFilename("a.pdf"));
+  ASSERT_NE(model->WorkBitmap(), nullptr);
+  EXPECT_TRUE(Work().Empty());
+  EXPECT_THAT(messages, IsEmpty());
+}
+
+// Not enough memory.
+
+TEST_F(EditRendering, Shortage_Should_TryTheSameResolutionOnceMore) {
+  OpenPdf();
+  FailTimes(1, std::bad_alloc());
+  model->CoBoResolutionChange("600");
+  EXPECT_THAT(messages, ElementsAre(kNoMemory));
+  ASSERT_THAT(pdf.exports, SizeIs(2));
+  EXPECT_EQ(pdf.exports[0].scale, 6.0);
+  EXPECT_EQ(pdf.exports[1].scale, 6.0);
+  EXPECT_EQ(pdf.exports[1].rotation, PdfRotation::none);
+  EXPECT_TRUE(SamePixels(PdfPicture(0, 6.0), Work()));
+  EXPECT_FALSE(Work().Transparent());
+  EXPECT_EQ(Text(CoBoResolution), "150") << "the last good one is shown";
+  EXPECT_EQ(model->Resolution(), 150);
+  EXPECT_TRUE(model->BmpChanged());
+  EXPECT_THAT(view.closed, IsEmpty());
+  EXPECT_EQ(tool.OrgBitmap(), &Work());
+}
+
+TEST_F(EditRendering, Shortage_Should_LeaveAnEmptyView_When_ItComesTwice) {
+  OpenPdf();
+  FailTimes(2, LimitError("PDF: too many pixels"));
+  model->CoBoResolutionChange("600");
+  EXPECT_THAT(messages, ElementsAre(kNoMemory, "PDF: too many pixels"));
+  EXPECT_THAT(pdf.exports, SizeIs(2));
+  EXPECT_EQ(model->WorkBitmap(), nullptr);
+  EXPECT_EQ(tool.OrgBitmap(), nullptr);
+  EXPECT_THAT(view.closed, IsEmpty());
+  EXPECT_EQ(Text(CoBoResolution), "150");
+  model->CoBoResolutionChange("72");
+  EXPECT_TRUE(SamePixels(PdfPicture(0, 0.72), Work())) << "the window still works";
+}
+
+TEST_F(EditRendering, Shortage_Should_LeaveAnEmptyView_When_TheSecondErrorIsAnother) {
+  OpenPdf();
+  pdf.onExport = [this](const PdfDocument::PdfKeepGoing&) -> bool {
+    if (pdf.exports.size() == 1) throw std::bad_alloc();
+    throw FormatError("PDF: damaged");
+  };
+  model->CoBoResolutionChange("600");
+  EXPECT_THAT(messages, ElementsAre(kNoMemory, "PDF: damaged"));
+  EXPECT_EQ(model->WorkBitmap(), nullptr);
+  EXPECT_THAT(view.closed, IsEmpty());
+}
+
+TEST_F(EditRendering, Shortage_Should_BeErrorsOfTheSystemToo) {
+  OpenPdf();
+  FailTimes(1, std::system_error(std::make_error_code(std::errc::io_error)));
+  model->CoBoResolutionChange("72");
+  EXPECT_THAT(messages, ElementsAre(kNoMemory));
+  EXPECT_TRUE(SamePixels(PdfPicture(0, 0.72), Work()));
+}
+
+TEST_F(EditRendering, Shortage_Should_LeaveAWorkingWindow_When_TheFirstPageIsTooLarge) {
+  FailTimes(2, LimitError("PDF: too many pixels"));
+  EXPECT_TRUE(model->SetOrgFilename("a.pdf"));
+  EXPECT_EQ(model->WorkBitmap(), nullptr);
+  EXPECT_TRUE(Shown(CoBoResolution));
+  EXPECT_FALSE(Usable(NaviResultPost));
+  EXPECT_FALSE(Usable(SpeedButtonSave));
+  model->NaviResultPostClick();
+  EXPECT_THAT(view.closed, IsEmpty()) << "there is nothing to hand out";
+  model->CoBoResolutionKeyPress(ComboKey::enter);
+  ASSERT_NE(model->WorkBitmap(), nullptr) << "the same resolution may be tried again";
+  EXPECT_TRUE(Usable(NaviResultPost));
+  EXPECT_TRUE(Usable(SpeedButtonSave));
+}
+
+TEST_F(EditRendering, Shortage_Should_NotBeRemembered) {
+  OpenPdf();
+  FailTimes(1, std::bad_alloc());
+  model->CoBoResolutionChange("600");
+  EXPECT_EQ(settings["Settings/FormEditPdfBmp.Resolution"], "150");
+}
+
+// Other errors.
+
+TEST_F(EditRendering, OtherErrors_Should_BeTold_AndCloseTheWindow) {
+  OpenPdf();
+  FailTimes(1, FormatError("PDF: damaged", "a.pdf"));
+  model->CoBoResolutionChange("72");
+  EXPECT_THAT(messages,
+              ElementsAre("PDF could not be rendered! Please contact Tarnwick Hotline.\r\n"
+                          "Original error was \"FormatError\": a.pdf: PDF: damaged"));
+  EXPECT_THAT(view.closed, ElementsAre(mrCancel));
+  EXPECT_EQ(model->ModalResult(), mrCancel);
+  EXPECT_EQ(model->WorkBitmap(), nullptr);
+  EXPECT_EQ(tool.OrgBitmap(), nullptr);
+  EXPECT_THAT(pdf.exports, SizeIs(1)) << "no second attempt";
+}
+
+TEST_F(EditRendering, OtherErrors_Should_BearTheirClass) {
+  FailTimes(1, std::runtime_error("out of ink"));
+  model->SetOrgFilename("a.pdf");
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("\"runtime_error\": out of ink")));
+  EXPECT_THAT(view.closed, ElementsAre(mrCancel));
+}
+
+TEST_F(EditRendering, OtherErrors_Should_BeTold_When_TheyAreNoExceptions) {
+  FailTimes(1, 42);
+  model->SetOrgFilename("a.pdf");
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("PDF could not be rendered!")));
+  EXPECT_THAT(view.closed, ElementsAre(mrCancel));
+}
+
+TEST_F(EditRendering, OtherErrors_Should_BeThoseOfThePageToo) {
+  pdf.onPageSize = [](int) { throw FormatError("PDF: no box"); };
+  model->SetOrgFilename("a.pdf");
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("\"FormatError\": PDF: no box")));
+  EXPECT_EQ(Text(LabelPageSize), "");
+}
+
+// What comes after the picture is made.
+
+TEST_F(EditRendering, GenerateBitmaps_Should_ShowTheHourglass) {
+  OpenPdf();
+  model->CoBoResolutionChange("72");
+  EXPECT_THAT(view.calls, ElementsAre("hourglass", "rendering", "rendered", "repaint", "cursor"));
+}
+
+TEST_F(EditRendering, GenerateBitmaps_Should_TakeTheHourglassAway_When_ItFails) {
+  OpenPdf();
+  FailTimes(2, std::bad_alloc());
+  model->CoBoResolutionChange("72");
+  EXPECT_EQ(view.calls.back(), "cursor");
+}
+
+TEST_F(EditRendering, GenerateBitmaps_Should_KeepTheCut_ScaledWithTheResolution) {
+  OpenPdf();
+  Cut(10, 20, 40, 50);
+  model->CoBoResolutionChange("300");
+  ASSERT_TRUE(tool.GetCutRectExists());
+  EXPECT_TRUE(AlmostEqual(tool.BmpCutRect(), RDRect(20, 40, 80, 100), 1e-9));
+}
+
+TEST_F(EditRendering, GenerateBitmaps_Should_KeepTheZoom_When_TheSizeStays) {
+  OpenPdf();
+  model->SpeedButtonViewOrigClick();
+  const RDRect place = tool.PaintRect();
+  model->SpeedButtonGrayScaleClick();
+  EXPECT_TRUE(AlmostEqual(tool.PaintRect(), place, 1e-9));
+}
+
+TEST_F(EditRendering, GenerateBitmaps_Should_StartFromTheGraphic_When_TheTargetExisted) {
+  EditExisting();
+  ChooseAngle("90");
+  ChooseAngle("180");
+  auto expected = GradientBitmap(pf24bit, 40, 30).Clone();
+  RotatePicture(180, expected);
+  EXPECT_TRUE(SamePixels(*expected, Work())) << "turns start anew";
+  EXPECT_TRUE(model->BmpChanged());
+}
+
+TEST_F(EditRendering, ExecBmpSettings_Should_BeAppliedEachTime) {
+  OpenPdf();
+  model->SpeedButtonMirrorClick();
+  ChooseAngle("90");
+  model->CoBoResolutionChange("72");
+  auto expected = PdfPicture(0, 0.72).Clone();
+  ApplySettings({.mirror = true}, *expected);
+  RotatePicture(90, expected);
+  EXPECT_TRUE(SamePixels(*expected, Work()));
+  EXPECT_EQ(tool.OrgBitmap(), &Work());
+}
+
+TEST_F(EditRendering, ExecBmpSettings_Should_FollowTheButtons) {
+  EditExisting();
+  const struct {
+    EditControl button;
+    BitmapSettings settings;
+  } cases[] = {{SpeedButton256Colors, {.colors256 = true}},
+               {SpeedButtonGrayScale, {.gray = true}},
+               {SpeedButtonBlackWhite, {.blackWhite = true}}};
+  for (const auto& [button, settings] : cases) {
+    if (button == SpeedButton256Colors) model->SpeedButton256ColorsClick();
+    if (button == SpeedButtonGrayScale) model->SpeedButtonGrayScaleClick();
+    if (button == SpeedButtonBlackWhite) model->SpeedButtonBlackWhiteClick();
+    TBitmap expected = GradientBitmap(pf24bit, 40, 30);
+    ApplySettings(settings, expected);
+    EXPECT_TRUE(SamePixels(expected, Work()));
+    EXPECT_TRUE(Down(button));
+  }
+}
+
+TEST_F(EditRendering, BmpRotate_Should_GoBackToZero_When_ItIsRefused) {
+  OpenPdf();
+  {
+    const MemoryLimit limit(40000);
+    model->CoBoRotationChange("45");
+  }
+  EXPECT_THAT(messages, ElementsAre("Bitmap to large to rotate."));
+  EXPECT_EQ(model->Rotation(), 0);
+  EXPECT_EQ(Text(CoBoRotation), "0");
+  EXPECT_TRUE(SamePixels(PdfPicture(0, 1.5), Work()));
+}
+
+// While it works.
+
+TEST_F(EditRendering, Rendering_Should_LeaveNothingButCancel) {
+  OpenPdf();
+  pdf.onExport = [&](const PdfDocument::PdfKeepGoing& keepGoing) {
+    EXPECT_TRUE(model->IsRendering());
+    for (int i = 0; i < kEditControls; ++i) {
+      const auto control = static_cast<EditControl>(i);
+      EXPECT_EQ(Usable(control), control == NaviResultCancel) << i;
+    }
+    model->SpinEditPageChange(2);
+    model->SpeedButtonMirrorClick();
+    model->NaviResultPostClick();
+    model->FormDropFile("other.pdf");
+    EXPECT_FALSE(model->CoBoResolutionKeyPress(ComboKey::digit));
+    EXPECT_TRUE(model->FormKeyDown(EditKey::enter, false));
+    EXPECT_TRUE(model->FormKeyDown(EditKey::h, true));
+    return keepGoing();
+  };
+  model->CoBoResolutionChange("72");
+  EXPECT_FALSE(model->IsRendering());
+  EXPECT_THAT(pdf.exports, SizeIs(1));
+  EXPECT_FALSE(Down(SpeedButtonMirror));
+  EXPECT_THAT(view.closed, IsEmpty());
+  EXPECT_FALSE(model->InEditCoBo());
+  EXPECT_TRUE(Usable(SpeedButtonOpen));
+}
+
+TEST_F(EditRendering, Rendering_Should_TurnTheHostsLoop) {
+  OpenPdf();
+  int turns = 0;
+  ThreadQueue::Current();
+  HostPorts().messagePump = [&] { ++turns; };
+  pdf.onExport = [](const PdfDocument::PdfKeepGoing& keepGoing) {
+    std::this_thread::sleep_for(TApplication::PumpInterval * 2);
+    return keepGoing();
+  };
+  model->CoBoResolutionChange("72");
+  EXPECT_EQ(turns, 1);
+}
+
+TEST_F(EditRendering, Cancel_Should_BringThePictureBack) {
+  OpenPdf();
+  model->SpeedButtonMirrorClick();
+  const TBitmap before = std::move(*Work().Clone());
+  Cut(10, 20, 40, 50);
+  CancelWhileRendering();
+  ChooseAngle("90");
+  EXPECT_TRUE(SamePixels(before, Work()));
+  EXPECT_EQ(tool.OrgBitmap(), &Work());
+  EXPECT_EQ(model->Rotation(), 0);
+  EXPECT_EQ(Text(CoBoRotation), "0");
+  EXPECT_TRUE(AlmostEqual(tool.BmpCutRect(), RDRect(10, 20, 40, 50), 1e-9));
+  EXPECT_THAT(view.closed, IsEmpty());
+  EXPECT_THAT(messages, IsEmpty());
+  EXPECT_TRUE(Down(SpeedButtonMirror));
+}
+
+TEST_F(EditRendering, Cancel_Should_BringResolutionAndPageBack) {
+  OpenPdf(3);
+  CancelWhileRendering();
+  model->CoBoResolutionChange("600");
+  EXPECT_EQ(Text(CoBoResolution), "150");
+  EXPECT_EQ(model->Resolution(), 150);
+  model->SpinEditPageChange(2);
+  EXPECT_EQ(view.page, 1);
+  EXPECT_EQ(model->PageNumber(), 1);
+  EXPECT_EQ(settings["Settings/FormEditPdfBmp.Resolution"], "150");
+}
+
+TEST_F(EditRendering, Cancel_Should_LeaveAnEmptyView_When_ItIsTheFirstPage) {
+  CancelWhileRendering();
+  model->SetOrgFilename("a.pdf");
+  EXPECT_EQ(model->WorkBitmap(), nullptr);
+  EXPECT_THAT(view.closed, IsEmpty());
+  EXPECT_FALSE(Usable(NaviResultPost));
+  pdf.onExport = nullptr;
+  model->CoBoResolutionChange("150");
+  EXPECT_EQ(model->WorkBitmap(), nullptr) << "only Enter asks for the same once more";
+  model->CoBoResolutionKeyPress(ComboKey::enter);
+  EXPECT_NE(model->WorkBitmap(), nullptr);
+}
+
+TEST_F(EditRendering, Cancel_Should_LeaveAnEmptyView_When_ThePictureCouldNotBeKept) {
+  OpenPdf();
+  CancelWhileRendering();
+  const MemoryLimit limit(40000);
+  model->CoBoResolutionChange("72");
+  EXPECT_EQ(model->WorkBitmap(), nullptr);
+  EXPECT_EQ(tool.OrgBitmap(), nullptr);
+}
+
+TEST_F(EditRendering, Cancel_Should_Count_When_TheExportWentOnToItsEnd) {
+  OpenPdf();
+  pdf.onExport = [this](const PdfDocument::PdfKeepGoing&) {
+    model->NaviResultCancelClick();
+    return true;
+  };
+  model->CoBoResolutionChange("72");
+  EXPECT_EQ(model->Resolution(), 150);
+  EXPECT_TRUE(SamePixels(PdfPicture(0, 1.5), Work()));
+}
+
+TEST_F(EditRendering, Cancel_Should_NotLastLonger) {
+  OpenPdf();
+  CancelWhileRendering();
+  model->CoBoResolutionChange("72");
+  pdf.onExport = nullptr;
+  model->CoBoResolutionChange("200");
+  EXPECT_EQ(model->Resolution(), 200);
+}
+
+TEST_F(EditRendering, Escape_Should_CancelToo) {
+  OpenPdf();
+  pdf.onExport = [this](const PdfDocument::PdfKeepGoing& keepGoing) {
+    EXPECT_TRUE(model->FormKeyDown(EditKey::escape, false));
+    return keepGoing();
+  };
+  model->CoBoResolutionChange("72");
+  EXPECT_EQ(model->Resolution(), 150);
+  EXPECT_THAT(view.closed, IsEmpty());
+}
+
+TEST_F(EditRendering, FormClose_Should_CancelAndThenClose) {
+  OpenPdf();
+  pdf.onExport = [this](const PdfDocument::PdfKeepGoing& keepGoing) {
+    model->FormClose();
+    EXPECT_THAT(view.closed, IsEmpty());
+    return keepGoing();
+  };
+  model->CoBoResolutionChange("72");
+  EXPECT_EQ(model->Resolution(), 150);
+  EXPECT_THAT(view.closed, ElementsAre(mrCancel));
+}
+
+// Before it works.
+
+TEST_F(EditRendering, PageSize_Should_BeToldBeforeThePageIsRendered) {
+  pdf.pages = {{595.276, 841.89}};
+  std::string told;
+  pdf.onExport = [&](const PdfDocument::PdfKeepGoing&) {
+    told = Text(LabelPageSize);
+    return true;
+  };
+  model->SetOrgFilename("a.pdf");
+  EXPECT_EQ(told, "1240 * 1754 px, 210 * 297 mm (6.52 [MB])");
+}
+
+TEST_F(EditRendering, PageSize_Should_FollowWhatIsTyped) {
+  OpenPdf();
+  Type("30");
+  EXPECT_EQ(Text(LabelPageSize), "30 * 15 px, 25 * 13 mm (1350 [byte])");
+  Type("300");
+  EXPECT_EQ(Text(LabelPageSize), "300 * 150 px, 25 * 13 mm (135 [kB])");
+  EXPECT_THAT(pdf.exports, IsEmpty());
+}
+
+TEST_F(EditRendering, PageSize_Should_FollowThePage) {
+  OpenPdf();
+  pdf.pages = {{72, 36}, {36, 72}};
+  model->SetOrgFilename("two.pdf");
+  model->SpinEditPageChange(2);
+  EXPECT_THAT(Text(LabelPageSize), StartsWith("75 * 150 px"));
+}
+
+TEST_F(EditRendering, Resolution_Should_BeRemembered) {
+  OpenPdf();
+  model->CoBoResolutionChange("200");
+  EXPECT_EQ(settings["Settings/FormEditPdfBmp.Resolution"], "200");
+  StartAnew();
+  EXPECT_EQ(Text(CoBoResolution), "200");
+  EXPECT_EQ(model->Resolution(), 150) << "nothing is rendered yet";
+  OpenPdf();
+  EXPECT_EQ(model->Resolution(), 200);
+}
+
+}  // namespace
+}  // namespace rasterkit::test

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <rasterkit/host/graphics/pdf_document.h>
+
+#include "tests/support/test_pictures.h"
+
+namespace rasterkit::test {
+
+/// What a fake document does, and what was asked of it.
+struct PdfScript {
+  /// Of every file that is opened; a page of 72 x 36 points has 150 x 75 pixels at 150 dpi.
+  std::vector<PdfPageSize> pages{{72, 36}};
+  /// Instead of drawing: false for an export that fails, or something is thrown.
+  std::function<bool(const PdfDocument::PdfKeepGoing& keepGoing)> onExport;
+  std::function<void(const std::string& fileName)> onLoad;
+  std::function<void(int index)> onPageSize;
+
+  int documents = 0;
+  std::vector<std::string> loads;
+  struct Export {
+    int index;
+    double scale;
+    PdfRotation rotation;
+  };
+  std::vector<Export> exports;
+};
+
+/// What the fake draws: a gradient, with the page's number in its first pixel.
+inline TBitmap PdfPicture(int index, double scale, const PdfPageSize& size = {72, 36}) {
+  const PdfPixels pixels = PdfPagePixels(size, scale);
+  TBitmap bitmap =
+      GradientBitmap(pf24bit, static_cast<int>(pixels.width), static_cast<int>(pixels.height));
+  bitmap.ScanLine(0)[0] = static_cast<uint8_t>(200 + index);
+  return bitmap;
+}
+
+class FakePdf : public PdfDocument {
+ public:
+  explicit FakePdf(PdfScript& script) : script_(script) { ++script_.documents; }
+
+  void LoadFromFile(const std::string& fileName, const std::string&) override {
+    script_.loads.push_back(fileName);
+    isOpen_ = false;
+    if (script_.onLoad) script_.onLoad(fileName);
+    isOpen_ = true;
+  }
+  int PageCount() const override { return isOpen_ ? static_cast<int>(script_.pages.size()) : 0; }
+  PdfPageSize PageSize(int index) const override {
+    if (index < 0 || index >= PageCount()) throw RangeError("no such page");
+    if (script_.onPageSize) script_.onPageSize(index);
+    return script_.pages[static_cast<size_t>(index)];
+  }
+  bool ExportPage(int index, double scale, PdfRotation rotation, TBitmap& bitmap,
+                  const PdfKeepGoing& keepGoing) override {
+    script_.exports.push_back({index, scale, rotation});
+    const PdfPageSize size = PageSize(index);
+    if (script_.onExport && !script_.onExport(keepGoing)) return false;
+    bitmap = PdfPicture(index, scale, size);
+    bitmap.SetTransparent(true);
+    return true;
+  }
+
+ private:
+  PdfScript& script_;
+  bool isOpen_ = false;
+};
+
+}  // namespace rasterkit::test
