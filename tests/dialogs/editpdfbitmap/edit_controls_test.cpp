@@ -1,4 +1,4 @@
-#include "tests/dialogs/editpdfbitmap/editor_fixture.h"
+#include "tests/dialogs/editpdfbitmap/model_fixture.h"
 
 namespace rasterkit::test {
 namespace {

@@ -1,10 +1,10 @@
-#include "tests/dialogs/editpdfbitmap/editor_fixture.h"
+#include "tests/dialogs/editpdfbitmap/model_fixture.h"
 
 /// Every event, when there is no picture or none that can be seen.
 namespace rasterkit::test {
 namespace {
 
-class EditWithoutPicture : public EditorTest {
+class EditWithoutPicture : public EditModelTest {
  protected:
   void RaiseEveryEvent() {
     EditPdfBmpModel& it = *model;

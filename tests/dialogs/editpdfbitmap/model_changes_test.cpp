@@ -4,7 +4,7 @@
 #include <rasterkit/dialogs/editpdfbitmap/bitmap_settings.h>
 #include <rasterkit/host/graphics/jpeg_image.h>
 
-#include "tests/dialogs/editpdfbitmap/editor_fixture.h"
+#include "tests/dialogs/editpdfbitmap/model_fixture.h"
 #include "tests/support/memory_limit.h"
 
 /// What the controls do to the picture.
@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class EditChanges : public EditorTest {
+class EditChanges : public EditModelTest {
  protected:
   static TBitmap Given(TPixelFormat format = pf24bit) { return GradientBitmap(format, 40, 30); }
   void SetSize(int32_t width, int32_t height, bool proportional) {
@@ -28,198 +28,6 @@ class EditChanges : public EditorTest {
     };
   }
 };
-
-// The resolution's box.
-
-TEST_F(EditChanges, CoBoResolutionChange_Should_Render_When_TheNumberIsAnother) {
-  OpenPdf();
-  model->CoBoResolutionChange("150");
-  model->CoBoResolutionChange("150 dpi");
-  EXPECT_THAT(pdf.exports, IsEmpty());
-  model->CoBoResolutionChange("1a5");
-  EXPECT_EQ(model->Resolution(), 15);
-}
-
-TEST_F(EditChanges, CoBoResolutionChange_Should_BeIgnored_When_TheUserTypes) {
-  OpenPdf();
-  EXPECT_TRUE(model->CoBoResolutionKeyPress(ComboKey::digit));
-  EXPECT_TRUE(model->InEditCoBo());
-  model->CoBoResolutionChange("3");
-  EXPECT_FALSE(model->InEditCoBo()) << "a change ends it";
-  EXPECT_THAT(pdf.exports, IsEmpty());
-  EXPECT_TRUE(model->CoBoResolutionKeyPress(ComboKey::backspace));
-  EXPECT_TRUE(model->InEditCoBo());
-  model->CoBoResolutionChange("30");
-  EXPECT_THAT(pdf.exports, IsEmpty());
-  EXPECT_EQ(model->Resolution(), 150);
-}
-
-TEST_F(EditChanges, CoBoResolutionKeyPress_Should_Apply_When_ItIsEnter) {
-  OpenPdf();
-  Type("300");
-  EXPECT_FALSE(model->CoBoResolutionKeyPress(ComboKey::enter));
-  EXPECT_EQ(model->Resolution(), 300);
-  EXPECT_THAT(pdf.exports, SizeIs(1));
-  model->CoBoResolutionKeyPress(ComboKey::enter);
-  EXPECT_THAT(pdf.exports, SizeIs(1)) << "it is that already";
-}
-
-TEST_F(EditChanges, CoBoResolutionKeyPress_Should_Swallow_AllOtherKeys) {
-  OpenPdf();
-  EXPECT_FALSE(model->CoBoResolutionKeyPress(ComboKey::minus));
-  EXPECT_FALSE(model->CoBoResolutionKeyPress(ComboKey::other));
-  EXPECT_FALSE(model->InEditCoBo());
-}
-
-TEST_F(EditChanges, CoBoResolution_Should_BeWithoutEffect_When_TheSourceIsAGraphic) {
-  EditNew();
-  model->SpeedButtonGrayScaleClick();
-  const TBitmap before = std::move(*Work().Clone());
-  model->CoBoResolutionChange("72");
-  EXPECT_TRUE(SamePixels(before, Work()));
-}
-
-// The rotation's box.
-
-TEST_F(EditChanges, CoBoRotationChange_Should_TurnTheWorkBitmapOn_When_TheTargetIsNew) {
-  EditNew();
-  ChooseAngle("90");
-  ChooseAngle("180");
-  auto expected = Given().Clone();
-  RotatePicture(90, expected);
-  RotatePicture(180, expected);
-  EXPECT_TRUE(SamePixels(*expected, Work())) << "turns add up";
-  EXPECT_EQ(model->Rotation(), 180);
-  EXPECT_TRUE(model->BmpChanged());
-  EXPECT_EQ(tool.OrgBitmap(), &Work());
-  EXPECT_THAT(view.calls, Contains("repaint"));
-}
-
-TEST_F(EditChanges, CoBoRotationChange_Should_TurnNothing_When_TheAngleIsZeroAgain) {
-  EditNew();
-  ChooseAngle("90");
-  const TBitmap before = std::move(*Work().Clone());
-  ChooseAngle("0");
-  EXPECT_EQ(model->Rotation(), 0);
-  EXPECT_TRUE(SamePixels(before, Work()));
-}
-
-TEST_F(EditChanges, CoBoRotationChange_Should_KeepTheCut_When_TheTargetIsNew) {
-  EditNew();
-  Cut();
-  ChooseAngle("180");
-  EXPECT_TRUE(tool.GetCutRectExists());
-}
-
-TEST_F(EditChanges, CoBoRotationChange_Should_RemoveTheCut_When_ThePictureIsMadeAnew) {
-  EditExisting();
-  Cut();
-  ChooseAngle("90");
-  EXPECT_FALSE(tool.GetCutRectExists());
-  OpenPdf();
-  Cut();
-  ChooseAngle("180");
-  EXPECT_FALSE(tool.GetCutRectExists());
-  EXPECT_THAT(pdf.exports, SizeIs(1));
-  EXPECT_EQ(pdf.exports[0].rotation, PdfRotation::none);
-}
-
-TEST_F(EditChanges, CoBoRotationChange_Should_DoNothing_When_TheAngleIsTheSame) {
-  EditNew();
-  ChooseAngle("0");
-  ChooseAngle("360");
-  ChooseAngle("-");
-  ChooseAngle("");
-  EXPECT_FALSE(model->BmpChanged());
-  ChooseAngle("90");
-  const TBitmap* turned = &Work();
-  ChooseAngle("450");
-  EXPECT_EQ(&Work(), turned);
-}
-
-TEST_F(EditChanges, CoBoRotation_Should_WaitForEnter_When_TheUserTypes) {
-  EditNew();
-  TypeAngle("4");
-  TypeAngle("45");
-  TypeAngle("450");
-  EXPECT_EQ(model->Rotation(), 0);
-  EXPECT_TRUE(model->InEditCoBo()) << "a change does not end it";
-  EXPECT_FALSE(model->CoBoRotationKeyPress(ComboKey::enter));
-  EXPECT_FALSE(model->InEditCoBo());
-  EXPECT_EQ(model->Rotation(), 90);
-  auto expected = Given().Clone();
-  RotatePicture(90, expected);
-  EXPECT_TRUE(SamePixels(*expected, Work()));
-}
-
-TEST_F(EditChanges, CoBoRotation_Should_FoldNegativeAngles) {
-  EditNew();
-  TypeAngle("-400");
-  model->CoBoRotationKeyPress(ComboKey::enter);
-  EXPECT_EQ(model->Rotation(), -40);
-}
-
-TEST_F(EditChanges, CoBoRotationKeyPress_Should_TakeSignsAndDigits) {
-  EditNew();
-  for (const ComboKey key : {ComboKey::minus, ComboKey::digit, ComboKey::backspace}) {
-    model->CoBoExit();
-    EXPECT_TRUE(model->CoBoRotationKeyPress(key));
-    EXPECT_TRUE(model->InEditCoBo());
-  }
-  model->CoBoExit();
-  EXPECT_FALSE(model->InEditCoBo());
-  EXPECT_FALSE(model->CoBoRotationKeyPress(ComboKey::other));
-  EXPECT_FALSE(model->InEditCoBo());
-  EXPECT_EQ(model->Rotation(), 0);
-}
-
-TEST_F(EditChanges, CoBoRotation_Should_ShowZero_When_TheTurnIsRefused) {
-  EditNew();
-  const TBitmap* before = &Work();
-  {
-    const MemoryLimit limit(4000);
-    ChooseAngle("45");
-  }
-  EXPECT_EQ(&Work(), before);
-  EXPECT_EQ(model->Rotation(), 0);
-  EXPECT_EQ(Text(CoBoRotation), "0");
-  EXPECT_THAT(messages, ElementsAre("Bitmap to large to rotate."));
-}
-
-// The page.
-
-TEST_F(EditChanges, SpinEditPageChange_Should_SetTheSettingsBack_ButNot256Colors) {
-  OpenPdf(3);
-  for (const EditControl button :
-       {SpeedButtonMirror, SpeedButtonGrayScale, SpeedButtonBlackWhite}) {
-    if (button == SpeedButtonMirror) model->SpeedButtonMirrorClick();
-    if (button == SpeedButtonGrayScale) model->SpeedButtonGrayScaleClick();
-    if (button == SpeedButtonBlackWhite) model->SpeedButtonBlackWhiteClick();
-    ChooseAngle("90");
-    model->SpinEditPageChange(model->PageNumber() % 3 + 1);
-    EXPECT_FALSE(Down(button));
-    EXPECT_EQ(model->Rotation(), 0);
-    EXPECT_EQ(Text(CoBoRotation), "0");
-    EXPECT_TRUE(SamePixels(PdfPicture(model->PageNumber() - 1, 1.5), Work()));
-  }
-  model->SpeedButton256ColorsClick();
-  model->SpinEditPageChange(2);
-  EXPECT_TRUE(Down(SpeedButton256Colors));
-  EXPECT_EQ(Work().PixelFormat(), pf8bit);
-}
-
-TEST_F(EditChanges, SpinEditPageChange_Should_RemoveTheCut) {
-  OpenPdf(3);
-  Cut();
-  model->SpinEditPageChange(2);
-  EXPECT_FALSE(tool.GetCutRectExists());
-}
-
-TEST_F(EditChanges, SpinEditPageChange_Should_DoNothing_When_ThePageIsTheSame) {
-  OpenPdf(3);
-  model->SpinEditPageChange(1);
-  EXPECT_THAT(pdf.exports, IsEmpty());
-}
 
 // The settings.
 

@@ -1,4 +1,4 @@
-#include "tests/dialogs/editpdfbitmap/editor_fixture.h"
+#include "tests/dialogs/editpdfbitmap/model_fixture.h"
 #include "tests/support/memory_limit.h"
 
 /// Ctrl+Z.
@@ -7,7 +7,7 @@ namespace {
 
 using testing::IsEmpty;
 
-class EditUndo : public EditorTest {
+class EditUndo : public EditModelTest {
  protected:
   void Undo() { EXPECT_TRUE(model->FormKeyDown(EditKey::z, true)); }
   /// Whatever `change` does is taken back as if it had not been.

@@ -1,16 +1,11 @@
 #include <new>
 #include <stdexcept>
 #include <system_error>
-#include <thread>
 
-#include <rasterkit/dialogs/editpdfbitmap/bitmap_settings.h>
-#include <rasterkit/host/runtime/application.h>
-#include <rasterkit/host/runtime/thread_queue.h>
-
-#include "tests/dialogs/editpdfbitmap/editor_fixture.h"
+#include "tests/dialogs/editpdfbitmap/model_fixture.h"
 #include "tests/support/memory_limit.h"
 
-/// The picture made anew: pages of a PDF, and a graphic whose target exists.
+/// Pages of a PDF.
 namespace rasterkit::test {
 namespace {
 
@@ -22,7 +17,7 @@ using testing::StartsWith;
 
 constexpr char kNoMemory[] = "Not enough RAM available for the image! Try a lower DPI-setting.";
 
-class EditRendering : public EditorTest {
+class EditRendering : public EditModelTest {
  protected:
   /// The first `times` exports throw.
   template <typename Failure>
@@ -30,14 +25,6 @@ class EditRendering : public EditorTest {
     pdf.onExport = [this, times, failure](const PdfDocument::PdfKeepGoing&) {
       if (static_cast<int>(pdf.exports.size()) <= times) throw failure;
       return true;
-    };
-  }
-  /// The user presses the cancel button while a page is being drawn.
-  void CancelWhileRendering() {
-    pdf.onExport = [this](const PdfDocument::PdfKeepGoing& keepGoing) {
-      EXPECT_TRUE(keepGoing());
-      model->NaviResultCancelClick();
-      return keepGoing();
     };
   }
 };
@@ -232,225 +219,6 @@ TEST_F(EditRendering, OtherErrors_Should_BeThoseOfThePageToo) {
   model->SetOrgFilename("a.pdf");
   EXPECT_THAT(messages, ElementsAre(HasSubstr("\"FormatError\": PDF: no box")));
   EXPECT_EQ(Text(LabelPageSize), "");
-}
-
-// What comes after the picture is made.
-
-TEST_F(EditRendering, GenerateBitmaps_Should_ShowTheHourglass) {
-  OpenPdf();
-  model->CoBoResolutionChange("72");
-  EXPECT_THAT(view.calls, ElementsAre("hourglass", "rendering", "rendered", "repaint", "cursor"));
-}
-
-TEST_F(EditRendering, GenerateBitmaps_Should_TakeTheHourglassAway_When_ItFails) {
-  OpenPdf();
-  FailTimes(2, std::bad_alloc());
-  model->CoBoResolutionChange("72");
-  EXPECT_EQ(view.calls.back(), "cursor");
-}
-
-TEST_F(EditRendering, GenerateBitmaps_Should_KeepTheCut_ScaledWithTheResolution) {
-  OpenPdf();
-  Cut(10, 20, 40, 50);
-  model->CoBoResolutionChange("300");
-  ASSERT_TRUE(tool.GetCutRectExists());
-  EXPECT_TRUE(AlmostEqual(tool.BmpCutRect(), RDRect(20, 40, 80, 100), 1e-9));
-}
-
-TEST_F(EditRendering, GenerateBitmaps_Should_KeepTheZoom_When_TheSizeStays) {
-  OpenPdf();
-  model->SpeedButtonViewOrigClick();
-  const RDRect place = tool.PaintRect();
-  model->SpeedButtonGrayScaleClick();
-  EXPECT_TRUE(AlmostEqual(tool.PaintRect(), place, 1e-9));
-}
-
-TEST_F(EditRendering, GenerateBitmaps_Should_StartFromTheGraphic_When_TheTargetExisted) {
-  EditExisting();
-  ChooseAngle("90");
-  ChooseAngle("180");
-  auto expected = GradientBitmap(pf24bit, 40, 30).Clone();
-  RotatePicture(180, expected);
-  EXPECT_TRUE(SamePixels(*expected, Work())) << "turns start anew";
-  EXPECT_TRUE(model->BmpChanged());
-}
-
-TEST_F(EditRendering, ExecBmpSettings_Should_BeAppliedEachTime) {
-  OpenPdf();
-  model->SpeedButtonMirrorClick();
-  ChooseAngle("90");
-  model->CoBoResolutionChange("72");
-  auto expected = PdfPicture(0, 0.72).Clone();
-  ApplySettings({.mirror = true}, *expected);
-  RotatePicture(90, expected);
-  EXPECT_TRUE(SamePixels(*expected, Work()));
-  EXPECT_EQ(tool.OrgBitmap(), &Work());
-}
-
-TEST_F(EditRendering, ExecBmpSettings_Should_FollowTheButtons) {
-  EditExisting();
-  const struct {
-    EditControl button;
-    BitmapSettings settings;
-  } cases[] = {{SpeedButton256Colors, {.colors256 = true}},
-               {SpeedButtonGrayScale, {.gray = true}},
-               {SpeedButtonBlackWhite, {.blackWhite = true}}};
-  for (const auto& [button, settings] : cases) {
-    if (button == SpeedButton256Colors) model->SpeedButton256ColorsClick();
-    if (button == SpeedButtonGrayScale) model->SpeedButtonGrayScaleClick();
-    if (button == SpeedButtonBlackWhite) model->SpeedButtonBlackWhiteClick();
-    TBitmap expected = GradientBitmap(pf24bit, 40, 30);
-    ApplySettings(settings, expected);
-    EXPECT_TRUE(SamePixels(expected, Work()));
-    EXPECT_TRUE(Down(button));
-  }
-}
-
-TEST_F(EditRendering, BmpRotate_Should_GoBackToZero_When_ItIsRefused) {
-  OpenPdf();
-  {
-    const MemoryLimit limit(40000);
-    model->CoBoRotationChange("45");
-  }
-  EXPECT_THAT(messages, ElementsAre("Bitmap to large to rotate."));
-  EXPECT_EQ(model->Rotation(), 0);
-  EXPECT_EQ(Text(CoBoRotation), "0");
-  EXPECT_TRUE(SamePixels(PdfPicture(0, 1.5), Work()));
-}
-
-// While it works.
-
-TEST_F(EditRendering, Rendering_Should_LeaveNothingButCancel) {
-  OpenPdf();
-  pdf.onExport = [&](const PdfDocument::PdfKeepGoing& keepGoing) {
-    EXPECT_TRUE(model->IsRendering());
-    for (int i = 0; i < kEditControls; ++i) {
-      const auto control = static_cast<EditControl>(i);
-      EXPECT_EQ(Usable(control), control == NaviResultCancel) << i;
-    }
-    model->SpinEditPageChange(2);
-    model->SpeedButtonMirrorClick();
-    model->NaviResultPostClick();
-    model->FormDropFile("other.pdf");
-    EXPECT_FALSE(model->CoBoResolutionKeyPress(ComboKey::digit));
-    EXPECT_TRUE(model->FormKeyDown(EditKey::enter, false));
-    EXPECT_TRUE(model->FormKeyDown(EditKey::h, true));
-    return keepGoing();
-  };
-  model->CoBoResolutionChange("72");
-  EXPECT_FALSE(model->IsRendering());
-  EXPECT_THAT(pdf.exports, SizeIs(1));
-  EXPECT_FALSE(Down(SpeedButtonMirror));
-  EXPECT_THAT(view.closed, IsEmpty());
-  EXPECT_FALSE(model->InEditCoBo());
-  EXPECT_TRUE(Usable(SpeedButtonOpen));
-}
-
-TEST_F(EditRendering, Rendering_Should_TurnTheHostsLoop) {
-  OpenPdf();
-  int turns = 0;
-  ThreadQueue::Current();
-  HostPorts().messagePump = [&] { ++turns; };
-  pdf.onExport = [](const PdfDocument::PdfKeepGoing& keepGoing) {
-    std::this_thread::sleep_for(TApplication::PumpInterval * 2);
-    return keepGoing();
-  };
-  model->CoBoResolutionChange("72");
-  EXPECT_EQ(turns, 1);
-}
-
-TEST_F(EditRendering, Cancel_Should_BringThePictureBack) {
-  OpenPdf();
-  model->SpeedButtonMirrorClick();
-  const TBitmap before = std::move(*Work().Clone());
-  Cut(10, 20, 40, 50);
-  CancelWhileRendering();
-  ChooseAngle("90");
-  EXPECT_TRUE(SamePixels(before, Work()));
-  EXPECT_EQ(tool.OrgBitmap(), &Work());
-  EXPECT_EQ(model->Rotation(), 0);
-  EXPECT_EQ(Text(CoBoRotation), "0");
-  EXPECT_TRUE(AlmostEqual(tool.BmpCutRect(), RDRect(10, 20, 40, 50), 1e-9));
-  EXPECT_THAT(view.closed, IsEmpty());
-  EXPECT_THAT(messages, IsEmpty());
-  EXPECT_TRUE(Down(SpeedButtonMirror));
-}
-
-TEST_F(EditRendering, Cancel_Should_BringResolutionAndPageBack) {
-  OpenPdf(3);
-  CancelWhileRendering();
-  model->CoBoResolutionChange("600");
-  EXPECT_EQ(Text(CoBoResolution), "150");
-  EXPECT_EQ(model->Resolution(), 150);
-  model->SpinEditPageChange(2);
-  EXPECT_EQ(view.page, 1);
-  EXPECT_EQ(model->PageNumber(), 1);
-  EXPECT_EQ(settings["Settings/FormEditPdfBmp.Resolution"], "150");
-}
-
-TEST_F(EditRendering, Cancel_Should_LeaveAnEmptyView_When_ItIsTheFirstPage) {
-  CancelWhileRendering();
-  model->SetOrgFilename("a.pdf");
-  EXPECT_EQ(model->WorkBitmap(), nullptr);
-  EXPECT_THAT(view.closed, IsEmpty());
-  EXPECT_FALSE(Usable(NaviResultPost));
-  pdf.onExport = nullptr;
-  model->CoBoResolutionChange("150");
-  EXPECT_EQ(model->WorkBitmap(), nullptr) << "only Enter asks for the same once more";
-  model->CoBoResolutionKeyPress(ComboKey::enter);
-  EXPECT_NE(model->WorkBitmap(), nullptr);
-}
-
-TEST_F(EditRendering, Cancel_Should_LeaveAnEmptyView_When_ThePictureCouldNotBeKept) {
-  OpenPdf();
-  CancelWhileRendering();
-  const MemoryLimit limit(40000);
-  model->CoBoResolutionChange("72");
-  EXPECT_EQ(model->WorkBitmap(), nullptr);
-  EXPECT_EQ(tool.OrgBitmap(), nullptr);
-}
-
-TEST_F(EditRendering, Cancel_Should_Count_When_TheExportWentOnToItsEnd) {
-  OpenPdf();
-  pdf.onExport = [this](const PdfDocument::PdfKeepGoing&) {
-    model->NaviResultCancelClick();
-    return true;
-  };
-  model->CoBoResolutionChange("72");
-  EXPECT_EQ(model->Resolution(), 150);
-  EXPECT_TRUE(SamePixels(PdfPicture(0, 1.5), Work()));
-}
-
-TEST_F(EditRendering, Cancel_Should_NotLastLonger) {
-  OpenPdf();
-  CancelWhileRendering();
-  model->CoBoResolutionChange("72");
-  pdf.onExport = nullptr;
-  model->CoBoResolutionChange("200");
-  EXPECT_EQ(model->Resolution(), 200);
-}
-
-TEST_F(EditRendering, Escape_Should_CancelToo) {
-  OpenPdf();
-  pdf.onExport = [this](const PdfDocument::PdfKeepGoing& keepGoing) {
-    EXPECT_TRUE(model->FormKeyDown(EditKey::escape, false));
-    return keepGoing();
-  };
-  model->CoBoResolutionChange("72");
-  EXPECT_EQ(model->Resolution(), 150);
-  EXPECT_THAT(view.closed, IsEmpty());
-}
-
-TEST_F(EditRendering, FormClose_Should_CancelAndThenClose) {
-  OpenPdf();
-  pdf.onExport = [this](const PdfDocument::PdfKeepGoing& keepGoing) {
-    model->FormClose();
-    EXPECT_THAT(view.closed, IsEmpty());
-    return keepGoing();
-  };
-  model->CoBoResolutionChange("72");
-  EXPECT_EQ(model->Resolution(), 150);
-  EXPECT_THAT(view.closed, ElementsAre(mrCancel));
 }
 
 // Before it works.

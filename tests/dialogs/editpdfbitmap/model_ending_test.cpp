@@ -2,7 +2,7 @@
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
 #include <rasterkit/host/runtime/file_name.h>
 
-#include "tests/dialogs/editpdfbitmap/editor_fixture.h"
+#include "tests/dialogs/editpdfbitmap/model_fixture.h"
 
 /// Keys, files that are opened and saved, and how the window ends.
 namespace rasterkit::test {
@@ -13,7 +13,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class EditEnding : public EditorTest {
+class EditEnding : public EditModelTest {
  protected:
   TBitmap Saved(const std::string& name) {
     TBitmap bitmap;

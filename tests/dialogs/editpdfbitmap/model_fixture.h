@@ -73,9 +73,9 @@ class RecordingEditView : public EditPdfBmpView {
 
 /// A model with its view and crop tool, fake documents behind the port, and the host's ports
 /// recorded.
-class EditorTest : public testing::Test {
+class EditModelTest : public testing::Test {
  protected:
-  EditorTest() {
+  EditModelTest() {
     Ports& ports = HostPorts();
     ports.messageBox = [this](const std::string& text) { messages.push_back(text); };
     ports.helpTopic = [this](int topic) { topics.push_back(topic); };
@@ -95,7 +95,7 @@ class EditorTest : public testing::Test {
     PdfDocumentFactory() = [this] { return std::make_unique<FakePdf>(pdf); };
     StartAnew();
   }
-  ~EditorTest() override {
+  ~EditModelTest() override {
     model.reset();
     HostPorts() = portsBefore_;
     PdfDocumentFactory() = makerBefore_;

@@ -1,11 +1,9 @@
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/graphics/metafile.h>
 #include <rasterkit/host/graphics/png_image.h>
 
-#include "tests/dialogs/editpdfbitmap/editor_fixture.h"
+#include "tests/dialogs/editpdfbitmap/model_fixture.h"
 #include "tests/support/memory_limit.h"
 
-/// Where the picture comes from, and the graphic that is handed out.
+/// Where the picture comes from.
 namespace rasterkit::test {
 namespace {
 
@@ -14,21 +12,12 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class EditSource : public EditorTest {
+class EditSource : public EditModelTest {
  protected:
   std::string WriteBitmap(const std::string& name, TPixelFormat format = pf24bit) {
     GradientBitmap(format, 21, 13).SaveToFile(folder / name);
     return folder / name;
   }
-  /// Edits a graphic of a class, whose target does not exist.
-  template <typename Graphic>
-  void EditNewOf() {
-    auto graphic = std::make_unique<Graphic>();
-    const TBitmap picture = GradientBitmap(pf24bit, 40, 30);
-    graphic->Assign(&picture);
-    model->SetOrgGraphic(std::move(graphic));
-  }
-  void Change() { model->SpeedButtonMirrorClick(); }
 };
 
 TEST_F(EditSource, Model_Should_StartAsItIsMade) {
@@ -84,7 +73,7 @@ TEST_F(EditSource, SetOrgCaption_Should_ShowInTheTitle) {
 TEST_F(EditSource, SetBmpDir_Should_LeaveNamesAndTitleAlone) {
   model->SetOrgCaption("Edit bitmap");
   model->SetBmpDir("maps/");
-  EditNewOf<TBitmap>();
+  model->SetOrgGraphic(GradientBitmap(pf24bit, 40, 30).Clone());
   EXPECT_EQ(model->GetBmpFilename(), "maps/");
   EXPECT_EQ(view.caption, "Edit bitmap");
   EXPECT_FALSE(model->BmpFileExisted());
@@ -319,96 +308,6 @@ TEST_F(EditSource, OpenPdf_Should_StartWithTheFirstPage_When_AnotherDocumentStoo
   EXPECT_EQ(model->Rotation(), 0);
   EXPECT_EQ(Text(CoBoRotation), "0");
   EXPECT_TRUE(SamePixels(PdfPicture(0, 1.5), Work()));
-}
-
-// What is handed out.
-
-TEST_F(EditSource, GetOrgGraphic_Should_BeTheVeryOne_When_NothingWasChanged) {
-  auto graphic = GradientBitmap(pf24bit, 21, 13).Clone();
-  const TGraphic* given = graphic.get();
-  model->SetOrgGraphic(std::move(graphic));
-  EXPECT_EQ(model->GetOrgGraphic().get(), given);
-}
-
-TEST_F(EditSource, GetOrgGraphic_Should_BeNone_When_NoneCameAndNothingWasChanged) {
-  model->SetOrgGraphic(nullptr);
-  EXPECT_EQ(model->GetOrgGraphic(), nullptr);
-}
-
-TEST_F(EditSource, GetOrgGraphic_Should_BeOfTheWorkBitmap_When_ItWasChanged) {
-  EditNew();
-  model->SpeedButtonGrayScaleClick();
-  const TBitmap expected = std::move(*Work().Clone());
-  const auto graphic = model->GetOrgGraphic();
-  ASSERT_NE(dynamic_cast<TBitmap*>(graphic.get()), nullptr);
-  EXPECT_TRUE(SamePixels(expected, static_cast<TBitmap&>(*graphic)));
-  EXPECT_TRUE(graphic->Modified());
-}
-
-TEST_F(EditSource, GetOrgGraphic_Should_BeTheCut_EvenWhenNothingElseWasChanged) {
-  EditNew();
-  Cut();
-  const auto expected = tool.GetCutBitmap();
-  const auto graphic = model->GetOrgGraphic();
-  EXPECT_TRUE(SamePixels(*expected, static_cast<TBitmap&>(*graphic)));
-  EXPECT_EQ(graphic->Width(), 20);
-  EXPECT_EQ(tool.OrgBitmap(), &Work());
-}
-
-TEST_F(EditSource, GetOrgGraphic_Should_BeOfTheSameClass) {
-  EditNewOf<TJPEGImage>();
-  Change();
-  EXPECT_NE(dynamic_cast<TJPEGImage*>(model->GetOrgGraphic().get()), nullptr);
-  EditNewOf<TPngImage>();
-  Change();
-  EXPECT_NE(dynamic_cast<TPngImage*>(model->GetOrgGraphic().get()), nullptr);
-}
-
-TEST_F(EditSource, GetOrgGraphic_Should_BeTheVeryOne_When_ItCannotBeShown) {
-  auto metafile = std::make_unique<TMetafile>();
-  const TGraphic* given = metafile.get();
-  model->SetOrgGraphic(std::move(metafile));
-  EXPECT_THAT(messages, SizeIs(1)) << "this version draws no metafiles";
-  EXPECT_EQ(model->WorkBitmap(), nullptr);
-  model->NaviResultPostClick();
-  EXPECT_THAT(view.closed, ElementsAre(mrOk));
-  EXPECT_EQ(model->GetOrgGraphic().get(), given);
-}
-
-TEST_F(EditSource, GetOrgGraphic_Should_BeAPng_When_AMetafileCannotTakeThePicture) {
-  for (const bool isEnhanced : {false, true}) {
-    StartAnew();
-    auto metafile = std::make_unique<TMetafile>();
-    metafile->SetEnhanced(isEnhanced);
-    model->SetOrgGraphic(std::move(metafile));
-    OpenPdf();
-    const auto graphic = model->GetOrgGraphic();
-    ASSERT_NE(dynamic_cast<TPngImage*>(graphic.get()), nullptr);
-    EXPECT_EQ(graphic->Width(), 150);
-  }
-}
-
-TEST_F(EditSource, GetOrgGraphic_Should_BeABitmap_When_NoneCame) {
-  model->SetOrgGraphic(nullptr);
-  Change();
-  EXPECT_NE(dynamic_cast<TBitmap*>(model->GetOrgGraphic().get()), nullptr);
-}
-
-TEST_F(EditSource, GetOrgGraphic_Should_KeepTheClassThatCameIn_When_APdfWasOpenedInItsPlace) {
-  EditNewOf<TJPEGImage>();
-  OpenPdf();
-  const auto graphic = model->GetOrgGraphic();
-  ASSERT_NE(dynamic_cast<TJPEGImage*>(graphic.get()), nullptr);
-  EXPECT_EQ(graphic->Width(), 150);
-}
-
-TEST_F(EditSource, GetOrgGraphic_Should_Throw_When_MemoryIsShort) {
-  EditNewOf<TPngImage>();
-  Change();
-  const TGraphic* before = model->OrgGraphic();
-  const MemoryLimit limit(100);
-  EXPECT_THROW(model->GetOrgGraphic(), LimitError);
-  EXPECT_EQ(model->OrgGraphic(), before);
 }
 
 }  // namespace
