@@ -249,6 +249,14 @@ TEST_F(CutDrag, Move_Should_AccumulateAndStayInside) {
   ExpectBmpCutRect(20, 100, 220, 300);
 }
 
+TEST_F(CutDrag, CutBeyondTheBitmap_Should_BeClipped_When_ADragEnds) {
+  it.model.SetBmpCutRect({-100, 50, 700, 250});
+  it.Press(100, 100);
+  ASSERT_EQ(it.model.DraggedObject(), doMove);
+  it.Release(100, 100);
+  ExpectBmpCutRect(0, 50, 600, 250);
+}
+
 TEST_F(CutDrag, Handles_Should_MoveTheirEdges_When_Dragged) {
   struct Case {
     TPoint from, to;
