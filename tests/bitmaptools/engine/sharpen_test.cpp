@@ -9,6 +9,7 @@
 #include <rasterkit/host/graphics/bitmap.h>
 
 #include "tests/reference/change_values_reference.h"
+#include "tests/support/copy_of.h"
 #include "tests/support/full_run.h"
 #include "tests/support/paper_pictures.h"
 #include "tests/support/same_pixels.h"
@@ -18,6 +19,7 @@
 namespace rasterkit {
 namespace {
 
+using test::CopyOf;
 using test::PaddingIsZero;
 using test::PaperBitmap;
 using test::SamePixels;
@@ -29,12 +31,6 @@ TBitmap Edge(uint8_t left, uint8_t right) {
   for (int y = 0; y < 4; ++y)
     for (int x = 0; x < 8; ++x) std::fill_n(bitmap.ScanLine(y) + 3 * x, 3, x < 4 ? left : right);
   return bitmap;
-}
-
-TBitmap CopyOf(const TBitmap& bitmap) {
-  TBitmap copy;
-  copy.Assign(&bitmap);
-  return copy;
 }
 
 /// Levels that lie near each other, so that the tolerance decides often.

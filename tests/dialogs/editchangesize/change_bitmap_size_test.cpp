@@ -7,6 +7,7 @@
 #include <rasterkit/host/graphics/bitmap.h>
 #include <rasterkit/host/runtime/errors.h>
 
+#include "tests/support/copy_of.h"
 #include "tests/support/paper_pictures.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
@@ -14,16 +15,11 @@
 namespace rasterkit {
 namespace {
 
+using test::CopyOf;
 using test::kEveryFormat;
 using test::PaddingIsZero;
 using test::RandomBitmap;
 using test::SamePixels;
-
-TBitmap CopyOf(const TBitmap& bitmap) {
-  TBitmap copy;
-  copy.Assign(&bitmap);
-  return copy;
-}
 
 class ChangeBitmapSizeTest : public testing::TestWithParam<TPixelFormat> {
  protected:

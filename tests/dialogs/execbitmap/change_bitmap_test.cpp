@@ -10,20 +10,16 @@
 
 #include "tests/reference/contrast_brightness_reference.h"
 #include "tests/reference/gray_mono.h"
+#include "tests/support/copy_of.h"
 #include "tests/support/paper_pictures.h"
 #include "tests/support/same_pixels.h"
 
 namespace rasterkit {
 namespace {
 
+using test::CopyOf;
 using test::PaperBitmap;
 using test::SamePixels;
-
-TBitmap CopyOf(const TBitmap& bitmap) {
-  TBitmap copy;
-  copy.Assign(&bitmap);
-  return copy;
-}
 
 void ExpectValues(const TChgBmpValuesRec& values, const std::array<int32_t, 7>& expected) {
   EXPECT_EQ((std::array{values.Red, values.Green, values.Blue, values.Sharpen, values.Contrast,

@@ -7,21 +7,17 @@
 #include "tests/reference/change_values_reference.h"
 #include "tests/reference/contrast_brightness_reference.h"
 #include "tests/reference/gray_mono.h"
+#include "tests/support/copy_of.h"
 #include "tests/support/paper_pictures.h"
 #include "tests/support/same_pixels.h"
 
 namespace rasterkit {
 namespace {
 
+using test::CopyOf;
 using test::PaperBitmap;
 using test::SamePixels;
 using enum ValueControl;
-
-TBitmap CopyOf(const TBitmap& bitmap) {
-  TBitmap copy;
-  copy.Assign(&bitmap);
-  return copy;
-}
 
 TBitmap Photo() {
   std::mt19937 random(62);

@@ -8,6 +8,7 @@
 #include "tests/reference/change_values_reference.h"
 #include "tests/reference/contrast_brightness_reference.h"
 #include "tests/reference/gray_mono.h"
+#include "tests/support/copy_of.h"
 #include "tests/support/full_run.h"
 #include "tests/support/paper_pictures.h"
 #include "tests/support/same_pixels.h"
@@ -15,16 +16,11 @@
 namespace rasterkit {
 namespace {
 
+using test::CopyOf;
 using test::PaperBitmap;
 using test::SamePixels;
 
 constexpr TColor kGround = 0x204060;
-
-TBitmap CopyOf(const TBitmap& bitmap) {
-  TBitmap copy;
-  copy.Assign(&bitmap);
-  return copy;
-}
 
 /// The change of the whole picture, step by step as the rules name them.
 void ApplyByReference(const ValueChange& change, TBitmap& bitmap) {

@@ -17,6 +17,7 @@
 #include <rasterkit/qt/edits.h>
 #include <rasterkit/qt/navigator.h>
 
+#include "tests/support/copy_of.h"
 #include "tests/support/forms/form_events.h"
 #include "tests/support/paper_pictures.h"
 #include "tests/support/same_pixels.h"
@@ -24,16 +25,11 @@
 namespace rasterkit {
 namespace {
 
+using test::CopyOf;
 using test::PaperBitmap;
 using test::SamePixels;
 using test::WhenModal;
 using enum ValueControl;
-
-TBitmap CopyOf(const TBitmap& bitmap) {
-  TBitmap copy;
-  copy.Assign(&bitmap);
-  return copy;
-}
 
 TBitmap Photo(int width, int height) {
   std::mt19937 random(62);
