@@ -59,6 +59,7 @@ class TFormEditPdfBmp : public TScaledForm, private EditPdfBmpView {
   bool EditSize(int32_t& width, int32_t& height, bool& proportional) override;
 
   QWidget& WidgetOf(EditControl control) const;
+  void Enable(QWidget& widget, bool enabled);
   void DressButtons();
   void ConnectButtons();
   void ConnectBoxes();

@@ -74,8 +74,12 @@ void TFormEditPdfBmp::SetVisible(EditControl control, bool visible) {
 }
 
 void TFormEditPdfBmp::SetEnabled(EditControl control, bool enabled) {
-  QWidget& widget = WidgetOf(control);
-  if (!enabled && focusBefore_ == nullptr && widget.hasFocus()) focusBefore_ = &widget;
+  Enable(WidgetOf(control), enabled);
+}
+
+/// What had the focus before a rest has it after it.
+void TFormEditPdfBmp::Enable(QWidget& widget, bool enabled) {
+  if (!enabled && focusBefore_ == nullptr && focusWidget() == &widget) focusBefore_ = &widget;
   widget.setEnabled(enabled);
   if (!enabled || focusBefore_ != &widget) return;
   widget.setFocus();
@@ -119,7 +123,7 @@ void TFormEditPdfBmp::ShowHourglass(bool shown) {
 }
 
 void TFormEditPdfBmp::ShowRendering(bool active) {
-  ui_->PaintBoxPdf->setEnabled(!active);
+  Enable(*ui_->PaintBoxPdf, !active);
   if (active) return progressDelay_.start();
   progressDelay_.stop();
   ui_->PanelRendering->hide();

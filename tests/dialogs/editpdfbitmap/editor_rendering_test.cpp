@@ -47,6 +47,15 @@ TEST_F(EditorRendering, Controls_Should_RestButForCancel) {
   EXPECT_EQ(Picture().Width(), 600);
 }
 
+TEST_F(EditorRendering, Focus_Should_BeOnThePicture_WhenTheFirstPageIsThere) {
+  OpenPdf();
+  EXPECT_EQ(form->focusWidget(), &Box());
+  paper.patience = 10;
+  Box().setFocus();
+  Find<TSpinEditInt>("SpinEditPage").setValue(2);
+  EXPECT_EQ(form->focusWidget(), &Box());
+}
+
 TEST_F(EditorRendering, Progress_Should_BeShown_When_ThePageTakesItsTime) {
   OpenPdf();
   EXPECT_FALSE(Find("PanelRendering").isVisible());

@@ -36,7 +36,9 @@ void DrawTitleBlock(QPainter& painter, int page, const char* title) {
 
 /// Lots of land along a road, with houses on them.
 void DrawSite(QPainter& painter) {
-  painter.fillRect(QRectF(11, 11, 275, 188), QColor(238, 243, 229));
+  const QRectF ground(11, 11, 275, 188);
+  painter.setClipRect(ground);
+  painter.fillRect(ground, QColor(238, 243, 229));
   const QPolygonF road({{11, 120}, {90, 112}, {170, 84}, {286, 70}});
   painter.setPen(QPen(QColor(140, 140, 140), 13, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin));
   painter.drawPolyline(road);
@@ -66,6 +68,7 @@ void DrawSite(QPainter& painter) {
       line << QPointF(x, 135 + 6 * i + 6 * std::sin((x + 14 * i) / 38.0));
     painter.drawPolyline(line);
   }
+  painter.setClipping(false);
 }
 
 void DrawSection(QPainter& painter, int page) {
@@ -102,6 +105,13 @@ const Exhibit kPlan("edit-pdf", [] {
   static const std::string plan = PlanFile();
   form->Model().SetOrgFilename(plan);
   form->Model().SetBmpFilename(plan + ".png");
+  return form;
+});
+
+const Exhibit kRendering("edit-rendering", [] {
+  auto form = std::make_unique<TFormEditPdfBmp>();
+  SetSizeOfExhibit(*form);
+  form->findChild<QWidget*>("PanelRendering")->show();
   return form;
 });
 
