@@ -126,11 +126,12 @@ void TFormChgBmp::ShowOperation() {
   if (model_.ShowsGrayValue()) ui_->TrackBar->setFocus();
 }
 
-/// Until it is pressed only brightness counts; nobody would guess.
+/// Where every slot is taken by brightness, only that counts until refresh; nobody would guess.
 void TFormChgBmp::ShowRefresh() {
   QPushButton& refresh = ui_->NaviResult->Button(nbRefresh);
   refresh.setVisible(true);
-  if (!model_.ShowsEditingPanel()) return;
+  constexpr TaskSlots taken = {kTaskBrightness, kTaskBrightness, kTaskBrightness, kTaskBrightness};
+  if (!model_.ShowsEditingPanel() || model_.Slots() != taken) return;
   const QString hint = ResourceText(rsRefreshValuesHint);
   const QString key = QKeySequence(QKeySequence::Refresh).toString(QKeySequence::NativeText);
   refresh.setToolTip(hint + " (" + key + ")");

@@ -251,6 +251,9 @@ TEST_F(FormChgBmpTest, UntilRefresh_Should_BrightenFourTimesOnly) {
   EXPECT_EQ(model->Slots(), (TaskSlots{1, 1, 1, 1}));
   const QString tip = Get<TNavigator>("NaviResult").Button(nbRefresh).toolTip();
   EXPECT_TRUE(tip.contains("contrast") && tip.contains("F5")) << tip.toStdString();
+  model->EnterAllTasks();
+  const TFormChgBmp other(*model);
+  EXPECT_FALSE(other.findChild<QPushButton*>("nbRefresh")->toolTip().contains("contrast"));
   ExpectPreviews();
 }
 
