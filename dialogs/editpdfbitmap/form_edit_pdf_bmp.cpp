@@ -43,6 +43,8 @@ TFormEditPdfBmp::TFormEditPdfBmp(QWidget* parent)
     : TScaledForm(parent), ui_(std::make_unique<Ui::FormEditPdfBmp>()) {
   SetUpForm(*ui_);
   DressButtons();
+  // The tool leaves this handler its turn, so the frame lies over the picture.
+  ui_->PaintBoxPdf->OnPaint = [](TPaintBox& box, QPainter& painter) { box.PaintFocus(painter); };
   fBmpCutRect = std::make_unique<TBmpCutRect>(ui_->PaintBoxPdf, ui_->LabelSizeValue);
   model_ = std::make_unique<EditPdfBmpModel>(static_cast<EditPdfBmpView&>(*this), *fBmpCutRect);
   ConnectButtons();
