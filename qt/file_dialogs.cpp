@@ -181,7 +181,7 @@ QString PictureChooser::CompletedName() const {
   const detail::FilterEntry* entry = Entry();
   if (files.size() != 1 || entry == nullptr || QFileInfo::exists(files[0])) return {};
   for (const std::string& extension : detail::ExtensionsOf(*entry)) {
-    const QString name = files[0] + ToQt(extension);
+    QString name = files[0] + ToQt(extension);
     if (QFileInfo(name).isFile()) return name;
   }
   return {};
@@ -209,7 +209,7 @@ void PictureChooser::AcceptSaving() {
   const QString fileName = NameForEntry(typed);
   if (!MayWrite(fileName)) return;
   chosen_ = fileName;
-  QDialog::accept();
+  done(QDialog::Accepted);
 }
 
 bool PictureChooser::MayWrite(const QString& fileName) {

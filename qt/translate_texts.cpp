@@ -29,7 +29,7 @@ QString WithoutMnemonic(const QString& text) {
 
 QString Translate(const QString& text) {
   if (text.isEmpty()) return text;
-  const QString translated = ResourceText(FromQt(text));
+  QString translated = ResourceText(FromQt(text));
   if (translated != text || !text.contains(u'&')) return translated;
   const QString plain = WithoutMnemonic(text);
   QString translatedPlain = ResourceText(FromQt(plain));

@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
@@ -44,7 +45,7 @@ void Rename(const std::string& from, const std::string& to) {
 /// A file under another name; it gets its own back unless it is to stay there.
 class MovedFile {
  public:
-  MovedFile(const std::string& from, const std::string& to) : from_(from), to_(to) {
+  MovedFile(std::string from, std::string to) : from_(std::move(from)), to_(std::move(to)) {
     Rename(from_, to_);
   }
   ~MovedFile() {
@@ -70,7 +71,7 @@ class MovedFile {
 std::string FreeNameBeside(const std::string& fileName) {
   std::error_code ignored;
   for (int i = 0;; ++i) {
-    const std::string name = ExtractFilePath(fileName) + "~" + std::to_string(i) + ".tmp";
+    std::string name = ExtractFilePath(fileName) + "~" + std::to_string(i) + ".tmp";
     if (!std::filesystem::exists(ToPath(name), ignored)) return name;
   }
 }
