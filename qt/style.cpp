@@ -69,7 +69,7 @@ void UsePalette(const QPalette& palette) {
   // These paint no ground of their own: what they call window is only what outlines are made of.
   QPalette outlined = palette;
   outlined.setColor(QPalette::Window, "#a8a8a8");
-  for (const char* name : {"QSlider", "QAbstractSpinBox", "QLineEdit", "QCheckBox"})
+  for (const char* name : {"QSlider", "QAbstractSpinBox", "QLineEdit", "QCheckBox", "QComboBox"})
     QApplication::setPalette(outlined, name);
 }
 
