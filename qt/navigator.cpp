@@ -64,11 +64,16 @@ TNavigator::TNavigator(QWidget* parent) : QWidget(parent) {
   row->addStretch(1);
   row->addWidget(buttons_[nbPost]);
   row->addWidget(buttons_[nbCancel]);
-  Button(nbPost).setDefault(true);
   setHelpVisible(false);
   setRefreshVisible(false);
   setFocusProxy(buttons_[nbPost]);
   setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+}
+
+void TNavigator::showEvent(QShowEvent* event) {
+  // Now there is a dialog to know of it, which would choose the first button of its tab order.
+  Button(nbPost).setDefault(true);
+  QWidget::showEvent(event);
 }
 
 void TNavigator::OnClicked(TNavigateButton button) {

@@ -42,6 +42,9 @@ class RASTERKIT_EXPORT TNavigator : public QWidget {
   void helpClicked();
   void refreshClicked();
 
+ protected:
+  void showEvent(QShowEvent* event) override;
+
  private:
   void OnClicked(TNavigateButton button);
 

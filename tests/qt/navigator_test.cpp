@@ -53,8 +53,10 @@ TEST_F(NavigatorTest, EachButton_Should_TellItsName) {
 }
 
 TEST_F(NavigatorTest, Enter_Should_Post_When_AFieldHasTheFocus) {
+  // A button that comes first would be the dialog's own choice.
+  auto* other = new QPushButton("Other", &dialog_);
+  QWidget::setTabOrder(edit_, other);
   Show();
-  EXPECT_TRUE(navigator_->Button(nbPost).isDefault());
   QSignalSpy post(navigator_, &TNavigator::postClicked);
   QTest::keyClick(edit_, Qt::Key_Return);
   EXPECT_EQ(post.count(), 1);
