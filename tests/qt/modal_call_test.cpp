@@ -123,6 +123,8 @@ TEST_F(ModalCallTest, Call_Should_TakeTheFirstPlatformThatWorks) {
 }
 
 TEST_F(ModalCallTest, Locale_Should_StayTheProcesss) {
+  // A language of its own, which an application would take over; once in a process.
+  qputenv("LC_ALL", "C.UTF-8");
   ASSERT_NE(std::setlocale(LC_ALL, "C"), nullptr);
   {
     const TModalCall call;

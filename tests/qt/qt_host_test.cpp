@@ -275,19 +275,21 @@ TEST_F(QtHostTest, ModalForms_Should_AllBeCancelled_When_TheHostQuitsBehindTwo) 
 
 TEST_F(QtHostTest, Host_Should_GoOn_When_ItsOnlyWindowWasTheDialog) {
   QApplication::setQuitOnLastWindowClosed(true);
-  bool wentOn = false;
-  QTimer::singleShot(0, [&] {
-    TScaledForm form;
-    test::WhenModal([&](QWidget&) { form.accept(); });
-    EXPECT_EQ(form.ShowModal(), mrOk);
-    // Behind whatever the closing of the form has posted.
+  for (const bool byFrame : {false, true}) {
+    bool wentOn = false;
     QTimer::singleShot(0, [&] {
-      wentOn = true;
-      QCoreApplication::quit();
+      TScaledForm form;
+      test::WhenModal([&](QWidget&) { byFrame ? static_cast<void>(form.close()) : form.accept(); });
+      EXPECT_EQ(form.ShowModal(), byFrame ? mrCancel : mrOk);
+      // Behind whatever the closing of the form has posted.
+      QTimer::singleShot(50, [&] {
+        wentOn = true;
+        QCoreApplication::quit();
+      });
     });
-  });
-  QApplication::exec();
-  EXPECT_TRUE(wentOn);
+    QApplication::exec();
+    EXPECT_TRUE(wentOn) << byFrame;
+  }
   QApplication::setQuitOnLastWindowClosed(false);
 }
 

@@ -188,6 +188,7 @@ TEST_F(ChangeValuesModelTest, OtherOperations_Should_ChangeNothingAndShowNoPanel
     Start(operation, {50, 50, 50, 50, 50, 50, 50});
     EXPECT_FALSE(model.ShowsEditingPanel());
     EXPECT_FALSE(model.ShowsGrayValue());
+    EXPECT_EQ(model.Caption(), "Change values");
     EXPECT_TRUE(SamePixels(photo, Result())) << operation;
   }
 }

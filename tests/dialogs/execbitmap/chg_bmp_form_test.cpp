@@ -303,6 +303,7 @@ TEST_F(FormChgBmpTest, Dragging_Should_NeedTheLeftButtonOverTheOriginal) {
        {std::pair{"PaintBoxOrg", Qt::RightButton}, {"PaintBoxChg", Qt::LeftButton}}) {
     QWidget& box = Widget(name);
     QTest::mousePress(&box, button, {}, {100, 80});
+    EXPECT_NE(box.cursor().shape(), Qt::ClosedHandCursor);
     QTest::mouseMove(&box, {80, 80});
     QTest::mouseRelease(&box, button, {}, {80, 80});
     EXPECT_EQ(model->Position().Offset().X, before) << name;
