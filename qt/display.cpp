@@ -4,6 +4,7 @@
 #include <QJsonObject>
 #include <QPluginLoader>
 #include <QStringList>
+#include <optional>
 
 #include <rasterkit/host/runtime/dynamic_library.h>
 #include <rasterkit/host/runtime/errors.h>
@@ -14,25 +15,26 @@ namespace {
 
 const QLatin1String kX11("xcb"), kWayland("wayland");
 
-/// As Qt itself finds out: the name of the server, the user's right to it, everything counts.
-bool AnswersX11() try {
+/// As Qt itself finds out: the name of the server, the user's right to it, everything counts. Null
+/// when it does not answer.
+std::shared_ptr<void> ConnectX11() try {
   const DynamicLibrary xcb("xcb", 1, "X11 is not installed", {});
-  void* const connection = xcb.Entry<void*(const char*, int*)>("xcb_connect")(nullptr, nullptr);
-  const bool answers = xcb.Entry<int(void*)>("xcb_connection_has_error")(connection) == 0;
-  xcb.Entry<void(void*)>("xcb_disconnect")(connection);
-  return answers;
+  const std::shared_ptr<void> connection(
+      xcb.Entry<void*(const char*, int*)>("xcb_connect")(nullptr, nullptr),
+      xcb.Entry<void(void*)>("xcb_disconnect"));
+  const bool answers = xcb.Entry<int(void*)>("xcb_connection_has_error")(connection.get()) == 0;
+  return answers ? connection : nullptr;
 } catch (const Error&) {
-  return false;
+  return nullptr;
 }
 
-bool AnswersWayland() try {
+std::shared_ptr<void> ConnectWayland() try {
   const DynamicLibrary wayland("wayland-client", 0, "Wayland is not installed", {});
   void* const connection = wayland.Entry<void*(const char*)>("wl_display_connect")(nullptr);
-  if (connection == nullptr) return false;
-  wayland.Entry<void(void*)>("wl_display_disconnect")(connection);
-  return true;
+  if (connection == nullptr) return nullptr;
+  return {connection, wayland.Entry<void(void*)>("wl_display_disconnect")};
 } catch (const Error&) {
-  return false;
+  return nullptr;
 }
 
 bool HasKey(const QJsonObject& metaData, const QString& platform) {
@@ -56,13 +58,15 @@ bool IsInstalled(const QString& platform) {
   return false;
 }
 
-/// `name` may have arguments behind a colon.
-bool IsUsable(const QString& name) {
+/// Nothing when it cannot be used. `name` may have arguments behind a colon.
+std::optional<UsablePlatform> TryPlatform(const QString& name) {
   const QString platform = name.section(QLatin1Char(':'), 0, 0);
-  if (!IsInstalled(platform)) return false;
-  if (platform.startsWith(kX11)) return AnswersX11();
-  if (platform.startsWith(kWayland)) return AnswersWayland();
-  return true;
+  if (!IsInstalled(platform)) return std::nullopt;
+  UsablePlatform usable{name.toStdString(), nullptr};
+  const bool isX11 = platform.startsWith(kX11);
+  if (!isX11 && !platform.startsWith(kWayland)) return usable;
+  usable.connection = isX11 ? ConnectX11() : ConnectWayland();
+  return usable.connection ? std::optional(usable) : std::nullopt;
 }
 
 /// Qt's own choice: Wayland in a session of it, but where windows get no frames there.
@@ -89,13 +93,13 @@ std::string Missing(const QByteArray& wanted) {
 
 }  // namespace
 
-std::string UsablePlatform() {
+UsablePlatform FindPlatform() {
   const QByteArray wanted = qgetenv("QT_QPA_PLATFORM");
   const QStringList names = wanted.isEmpty()
                                 ? DefaultPlatforms()
                                 : QString::fromLocal8Bit(wanted).split(QLatin1Char(';'));
   for (const QString& name : names)
-    if (IsUsable(name)) return name.toStdString();
+    if (const auto platform = TryPlatform(name)) return *platform;
   throw Error("a window cannot be opened: " + Missing(wanted));
 }
 

@@ -1,12 +1,21 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 namespace rasterkit {
 
-/// The name of a platform on which Qt can open windows now, as its option -platform takes it: the
-/// first usable one of QT_QPA_PLATFORM, else Wayland or X11. Qt ends the process where it finds
-/// none; this asks first. Throws Error that says what is missing.
-std::string UsablePlatform();
+/// A platform on which Qt can open windows now.
+struct UsablePlatform {
+  /// As Qt's option -platform takes it.
+  std::string name;
+  /// The connection to its display, if it has one. Keep it until Qt has its own: some servers begin
+  /// anew, and refuse others meanwhile, when their last client leaves.
+  std::shared_ptr<void> connection;
+};
+
+/// The first platform of QT_QPA_PLATFORM that can be used, else Wayland or X11. Qt ends the process
+/// where it finds none; this asks first. Throws Error that says what is missing.
+UsablePlatform FindPlatform();
 
 }  // namespace rasterkit

@@ -33,7 +33,10 @@ class KeptLocale {
 /// An application for a host that has none, on a platform that is known to work.
 class OwnApplication {
  public:
-  OwnApplication() : platform_(UsablePlatform()) {
+  OwnApplication() {
+    const UsablePlatform platform = FindPlatform();
+    platform_ = platform.name;
+    argv_[2] = platform_.data();
     application_.emplace(argc_, argv_);
     locale_.KeepNumbers();
     QApplication::setQuitOnLastWindowClosed(false);
@@ -45,7 +48,7 @@ class OwnApplication {
   // Qt keeps references to the arguments.
   std::string name_ = "rasterkit", option_ = "-platform", platform_;
   int argc_ = 3;
-  char* argv_[4] = {name_.data(), option_.data(), platform_.data(), nullptr};
+  char* argv_[4] = {name_.data(), option_.data(), nullptr, nullptr};
   std::optional<QApplication> application_;
 };
 

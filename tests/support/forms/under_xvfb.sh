@@ -4,7 +4,8 @@ set -u
 command -v Xvfb >/dev/null || { echo "skipped: Xvfb is not installed"; exit 77; }
 folder=$(mktemp -d) || exit 1
 mkfifo "$folder/display"
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$folder/display" 2>"$folder/log" &
+# A server that begins anew with each last client would refuse the next program for a moment.
+Xvfb -noreset -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$folder/display" 2>"$folder/log" &
 server=$!
 trap 'kill "$server" 2>/dev/null; wait "$server" 2>/dev/null; rm -rf "$folder"' EXIT
 # It tells its number as soon as it takes clients, and closes the pipe when it fails.
