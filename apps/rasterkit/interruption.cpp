@@ -15,7 +15,7 @@ namespace rasterkit::tool {
 namespace {
 
 std::atomic<bool> interrupted = false;
-std::atomic<int> waitingInputs = 0;
+std::atomic<int> waits = 0;
 std::atomic<int> outputs = 0;
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
               "signal handlers must not wait for a lock");
@@ -30,7 +30,7 @@ static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_alw
 void OnInterrupt(int signalNumber) {
   interrupted = true;
   std::signal(signalNumber, SIG_DFL);
-  if (waitingInputs > 0 && outputs == 0) EndAtOnce();
+  if (waits > 0 && outputs == 0) EndAtOnce();
 }
 
 bool IsPipeOrDevice(const std::string& file) {
@@ -58,17 +58,20 @@ void StopIfInterrupted() {
   if (IsInterrupted()) throw Failure(exitInterrupted, "interrupted");
 }
 
-InterruptibleInput::InterruptibleInput(const std::string& file) : mayWait_(IsPipeOrDevice(file)) {
-  if (!mayWait_) return;
-  ++waitingInputs;
+InterruptibleWait::InterruptibleWait() {
+  ++waits;
   if (!IsInterrupted()) return;
   // The request came before it could be acted upon.
-  --waitingInputs;
+  --waits;
   StopIfInterrupted();
 }
 
-InterruptibleInput::~InterruptibleInput() {
-  if (mayWait_) --waitingInputs;
+InterruptibleWait::~InterruptibleWait() {
+  --waits;
+}
+
+InterruptibleInput::InterruptibleInput(const std::string& file) {
+  if (IsPipeOrDevice(file)) wait_.emplace();
 }
 
 WholeOutput::WholeOutput() {
@@ -76,8 +79,8 @@ WholeOutput::WholeOutput() {
 }
 
 WholeOutput::~WholeOutput() {
-  // Another thread may wait for its input still.
-  if (--outputs == 0 && interrupted && waitingInputs > 0) EndAtOnce();
+  // Another thread may be waiting still.
+  if (--outputs == 0 && interrupted && waits > 0) EndAtOnce();
 }
 
 }  // namespace rasterkit::tool

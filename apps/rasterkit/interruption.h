@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace rasterkit::tool {
@@ -15,17 +16,23 @@ void StopIfInterrupted();
 
 bool IsInterrupted();
 
-/// While one lives, a file is read. A pipe may keep its reader waiting for ever, so that an
-/// interruption then ends the process at once, unless an output is being written.
+/// While one lives, the process may wait for ever, for the user or for whoever writes a pipe. An
+/// interruption then ends it at once, unless an output is being written.
+class InterruptibleWait {
+ public:
+  InterruptibleWait();
+  ~InterruptibleWait();
+  InterruptibleWait(const InterruptibleWait&) = delete;
+  InterruptibleWait& operator=(const InterruptibleWait&) = delete;
+};
+
+/// While one lives, a file is read, and waited for if it is a pipe.
 class InterruptibleInput {
  public:
   explicit InterruptibleInput(const std::string& file);
-  ~InterruptibleInput();
-  InterruptibleInput(const InterruptibleInput&) = delete;
-  InterruptibleInput& operator=(const InterruptibleInput&) = delete;
 
  private:
-  const bool mayWait_;
+  std::optional<InterruptibleWait> wait_;
 };
 
 /// While one lives, an output is written, which an interruption must not tear.

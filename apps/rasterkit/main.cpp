@@ -4,12 +4,14 @@
 #include <cstdio>
 #include <exception>
 #include <functional>
+#include <memory>
 #include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
 #include "apps/rasterkit/exit_code.h"
+#include "apps/rasterkit/help_format.h"
 #include "apps/rasterkit/interruption.h"
 #include "apps/rasterkit/standard_streams.h"
 #include "apps/rasterkit/verbs.h"
@@ -45,8 +47,8 @@ int Main(int argc, char** argv) {
       "rasterkit");
   app.set_version_flag("--version", "rasterkit " RASTERKIT_VERSION);
   app.require_subcommand(1);
-  app.get_formatter()->column_width(24);
-  app.get_formatter()->label("SUBCOMMAND", "VERB");
+  app.formatter(std::make_shared<HelpFormat>());
+  app.set_help_flag("-h,--help", "print this text");
   app.footer(
       "rasterkit VERB --help explains a verb.\n\n"
       "Inputs come first, the output last. Results go to stdout, everything else to stderr.\n"

@@ -9,6 +9,10 @@
 namespace rasterkit::tool {
 namespace {
 
+/// Titles in the help, behind the verb's own options.
+constexpr const char* kOfFiles = "Files and results";
+constexpr const char* kOfPicture = "Output picture";
+
 std::string CheckBackground(const std::string& text) {
   const bool ok = text == "auto" || CheckColor(text).empty();
   return ok ? std::string()
@@ -30,28 +34,42 @@ std::vector<std::string> Names(
   return names;
 }
 
+void AddThreadsFor(const std::string& work, CLI::App& verb, PictureOptions& options) {
+  verb.add_option("--threads", options.threads,
+                  "threads for " + work + ", 1 to 100 [one a processor]")
+      ->group(kOfPicture)
+      ->check(CLI::Range(1, 100))
+      ->type_name("N");
+}
+
 }  // namespace
 
 void AddOutputOptions(CLI::App& verb, OutputOptions& options) {
   verb.add_option("files", options.files,
-                  "one input, then the output; with --out-dir any number of inputs")
+                  "one input, then the output; with --out-dir any number of inputs and no output")
       ->required()
-      ->type_name("IN... OUT");
+      ->type_name("IN OUT");
   verb.add_option("--out-dir", options.outDir,
                   "write each picture into this folder (made if absent)")
+      ->group(kOfFiles)
       ->type_name("DIR");
-  verb.add_option("--jobs", options.jobs, "pictures worked on at the same time [1]")
+  verb.add_option("--jobs", options.jobs, "pictures worked on at the same time, 1 to 64 [1]")
+      ->group(kOfFiles)
       ->check(CLI::Range(1, 64))
       ->type_name("N");
-  verb.add_flag("--continue", options.keepGoing, "go on with the next picture after a failure");
-  verb.add_flag("--overwrite", options.overwrite, "replace existing outputs");
-  verb.add_flag("--strict", options.strict, "exit 5 when something was not carried over");
-  verb.add_flag("--json", options.json, "print one JSON object a picture on stdout");
+  verb.add_flag("--continue", options.keepGoing, "go on with the next picture after a failure")
+      ->group(kOfFiles);
+  verb.add_flag("--overwrite", options.overwrite, "replace existing outputs")->group(kOfFiles);
+  verb.add_flag("--strict", options.strict, "exit 5 when something was not carried over")
+      ->group(kOfFiles);
+  verb.add_flag("--json", options.json, "print one JSON object a picture on stdout")
+      ->group(kOfFiles);
 }
 
 void AddType(CLI::App& verb, OutputOptions& options) {
   verb.add_option("--type", options.type,
-                  "with --out-dir: bmp, jpg, png or tif; else as each input is called")
+                  "with --out-dir: bmp, jpg, png or tif [as each input is called]")
+      ->group(kOfFiles)
       ->type_name("EXT");
 }
 
@@ -67,24 +85,28 @@ void AddBackground(CLI::App& verb, PictureOptions& options) {
           "--background", options.background,
           "colour of uncovered corners and behind dropped transparency [FFFFFF]; auto marks the "
           "corners transparent")
+      ->group(kOfPicture)
       ->check(CheckBackground)
       ->type_name("RRGGBB");
 }
 
 void AddSolidBackground(CLI::App& verb, PictureOptions& options) {
   verb.add_option("--background", options.background, "colour behind dropped transparency [FFFFFF]")
+      ->group(kOfPicture)
       ->check(CheckColor)
       ->type_name("RRGGBB");
 }
 
 void AddBits(CLI::App& verb, PictureOptions& options) {
   verb.add_option("--bits", options.bits, "bits a pixel: 1, 4, 8, 15, 16, 24 or 32 [as the input]")
+      ->group(kOfPicture)
       ->check(CLI::IsMember({1, 4, 8, 15, 16, 24, 32}))
       ->type_name("N");
 }
 
 void AddQuality(CLI::App& verb, PictureOptions& options) {
   verb.add_option("--quality", options.quality, "JPEG quality, 1 to 100 [90]")
+      ->group(kOfPicture)
       ->check(CLI::Range(1, 100))
       ->type_name("Q");
 }
@@ -101,15 +123,17 @@ void AddCompression(CLI::App& verb, PictureOptions& options) {
               if (name == text) options.compression = compression;
           },
           "of TIFF: none, lzw, deflate, packbits, g4 (1-bit only) [standard: lzw, 1-bit g4]")
+      ->group(kOfPicture)
       ->check(CLI::IsMember(Names(names)))
       ->type_name("NAME");
 }
 
 void AddThreads(CLI::App& verb, PictureOptions& options) {
-  verb.add_option("--threads", options.threads,
-                  "threads for one picture, 1 to 100 [one a processor]")
-      ->check(CLI::Range(1, 100))
-      ->type_name("N");
+  AddThreadsFor("one picture", verb, options);
+}
+
+void AddFileThreads(CLI::App& verb, PictureOptions& options) {
+  AddThreadsFor("packing and unpacking a TIFF file", verb, options);
 }
 
 std::string CheckColor(const std::string& text) {

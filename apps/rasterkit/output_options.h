@@ -55,7 +55,10 @@ void AddSolidBackground(CLI::App& verb, PictureOptions& options);
 void AddBits(CLI::App& verb, PictureOptions& options);
 void AddQuality(CLI::App& verb, PictureOptions& options);
 void AddCompression(CLI::App& verb, PictureOptions& options);
+/// Of verbs whose own work is done by several threads.
 void AddThreads(CLI::App& verb, PictureOptions& options);
+/// Of verbs that leave threads to the reader and the writer of the files.
+void AddFileThreads(CLI::App& verb, PictureOptions& options);
 
 /// For options that are colours: six hexadecimal digits. The sentence says what is wrong, or is
 /// empty.

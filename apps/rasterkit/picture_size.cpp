@@ -9,13 +9,17 @@ namespace {
 
 constexpr int kLargestSide = 1000000;
 
+bool IsSide(int side) {
+  return side >= 1 && side <= kLargestSide;
+}
+
 /// 0 for no text at all.
 std::optional<int> ParseSide(const std::string& text) {
   if (text.empty()) return 0;
   int side = 0;
   const char* const end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, side);
-  const bool ok = error == std::errc() && rest == end && side >= 1 && side <= kLargestSide;
+  const bool ok = error == std::errc() && rest == end && IsSide(side);
   return ok ? std::optional<int>(side) : std::nullopt;
 }
 
@@ -33,6 +37,10 @@ PictureSize PictureSize::For(int oldWidth, int oldHeight) const {
   return *this;
 }
 
+bool PictureSize::IsPossible() const {
+  return IsSide(width) && IsSide(height);
+}
+
 std::optional<PictureSize> ParseSize(const std::string& text) {
   const size_t cross = text.find('x');
   if (cross == std::string::npos) return std::nullopt;
@@ -45,7 +53,9 @@ std::optional<PictureSize> ParseSize(const std::string& text) {
 std::string CheckSize(const std::string& text) {
   return ParseSize(text)
              ? std::string()
-             : "a size is WxH, Wx or xH in pixels (800x600, 800x, x600), not '" + text + "'";
+             : "a size is WxH, Wx or xH in pixels (800x600, 800x, x600), each from 1 to 1000000, "
+               "not '" +
+                   text + "'";
 }
 
 }  // namespace rasterkit::tool

@@ -12,6 +12,9 @@ struct PictureSize {
 
   /// Both sides for a picture of width x height, each at least 1.
   PictureSize For(int width, int height) const;
+
+  /// Both sides are from 1 to 1,000,000.
+  bool IsPossible() const;
 };
 
 /// Nothing for anything else than sizes from 1 to 1,000,000.

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/turn.h"
 
 #include <CLI/CLI.hpp>
@@ -72,18 +73,31 @@ void PictureVerb::Percent(int& percent) {
   Number("--percent", "P", percent, {-100, 100}, "how much, -100 to 100", Need::required);
 }
 
+void PictureVerb::Dialog(bool& isWanted, const std::string& description) {
+  Flag("--dialog", isWanted, description);
+  asksUser_ = &isWanted;
+}
+
 VerbRunner PictureVerb::Changing(PictureChange change) {
   return ChangingAfter([change = std::move(change)] { return change; });
 }
 
 VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
   AddOutputOptions(*verb_, *output_);
+  if (answer_) verb_->get_option("files")->type_name("IN [OUT]");
   AddType(*verb_, *output_);
   AddSolidBackground(*verb_, *picture_);
   AddQuality(*verb_, *picture_);
   AddCompression(*verb_, *picture_);
-  AddThreads(*verb_, *picture_);
-  return [output = output_, picture = picture_, answer = answer_, prepare = std::move(prepare)] {
+  if (worksOnThreads_) {
+    AddThreads(*verb_, *picture_);
+  } else {
+    AddFileThreads(*verb_, *picture_);
+  }
+  return [output = output_, picture = picture_, answer = answer_, asksUser = asksUser_,
+          prepare = std::move(prepare)] {
+    if (asksUser != nullptr && *asksUser && output->jobs > 1)
+      throw Failure(exitWrongUsage, "--dialog shows one picture at a time: without --jobs");
     if (answer && output->files.size() == 1 && output->outDir.empty())
       return answer(output->files[0], output->json);
     const std::vector<Job> jobs = PlanJobs(*output);

@@ -60,6 +60,11 @@ class PictureVerb {
   void With(std::string& file);
   /// `--percent P`: how much, -100 to 100.
   void Percent(int& percent);
+  /// `--dialog`: the user is asked, one picture after another.
+  void Dialog(bool& isWanted, const std::string& description);
+
+  /// The change is worked on by several threads; otherwise --threads is of the files alone.
+  void WorksOnThreads() { worksOnThreads_ = true; }
 
   /// What the verb does with one file and no place to write to, which is wrong usage otherwise.
   void AnsweringForOneFile(std::function<int(const std::string& file, bool json)> answer) {
@@ -77,6 +82,8 @@ class PictureVerb {
  private:
   CLI::App* verb_;
   std::function<int(const std::string& file, bool json)> answer_;
+  const bool* asksUser_ = nullptr;
+  bool worksOnThreads_ = false;
   std::shared_ptr<OutputOptions> output_ = std::make_shared<OutputOptions>();
   std::shared_ptr<PictureOptions> picture_ = std::make_shared<PictureOptions>();
 };

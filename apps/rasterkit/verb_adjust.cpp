@@ -1,32 +1,49 @@
+#include <memory>
+#include <optional>
+#include <utility>
+
 #include <rasterkit/bitmaptools/engine/sharpen.h>
 #include <rasterkit/bitmaptools/engine/shift_colors.h>
 
 #include "apps/rasterkit/adjust_values.h"
 #include "apps/rasterkit/change_colors.h"
+#include "apps/rasterkit/desktop.h"
+#include "apps/rasterkit/entry_colors.h"
 #include "apps/rasterkit/exit_code.h"
+#include "apps/rasterkit/index_rows.h"
 #include "apps/rasterkit/picture_verb.h"
 #include "apps/rasterkit/transparency.h"
 
 namespace rasterkit::tool {
 namespace {
 
-/// Percentages, -100 to 100.
+/// Percentages, -100 to 100, as far as they were given.
 struct Values {
-  int brightness = 0, contrast = 0, sharpen = 0, red = 0, green = 0, blue = 0;
+  std::optional<int> brightness, contrast, sharpen, red, green, blue;
+
+  bool AreGiven() const { return brightness || contrast || sharpen || red || green || blue; }
 };
 
-void ChangePixels(TBitmap& pixels, const Values& values, int threads) {
-  ChangeBrightness(pixels, values.brightness, threads);
-  ChangeContrast(pixels, values.contrast, threads);
-  Sharpen(&pixels, values.sharpen);
-  ShiftColors(&pixels, static_cast<float>(values.red), static_cast<float>(values.green),
-              static_cast<float>(values.blue));
+struct AdjustOptions {
+  Values values;
+  bool asksUser = false;
+};
+
+float Percent(const std::optional<int>& value) {
+  return static_cast<float>(value.value_or(0));
 }
 
-void Adjust(Subject& picture, const Values& values) {
+void ChangePixels(TBitmap& pixels, const Values& values, int threads) {
+  ChangeBrightness(pixels, values.brightness.value_or(0), threads);
+  ChangeContrast(pixels, values.contrast.value_or(0), threads);
+  Sharpen(&pixels, values.sharpen.value_or(0));
+  ShiftColors(&pixels, Percent(values.red), Percent(values.green), Percent(values.blue));
+}
+
+void Adjust(const Values& values, Subject& picture) {
   TBitmap& bitmap = *picture.bitmap;
   const auto change = [&](TBitmap& pixels) { ChangePixels(pixels, values, picture.Threads()); };
-  if (values.sharpen == 0) return ChangeColors(bitmap, change);
+  if (values.sharpen.value_or(0) == 0) return ChangeColors(bitmap, change);
   // Neighbours matter: a palette will not do.
   const AlphaPlane alphas(bitmap);
   bitmap.SetPixelFormat(pf24bit);
@@ -34,7 +51,46 @@ void Adjust(Subject& picture, const Values& values) {
   alphas.Restore(bitmap);
 }
 
-void AddValue(PictureVerb& verb, const std::string& name, int& value,
+TChgBmpValuesRec RecordOf(const Values& values) {
+  TChgBmpValuesRec record;
+  record.Brightness = values.brightness.value_or(0);
+  record.Contrast = values.contrast.value_or(0);
+  record.Sharpen = values.sharpen.value_or(0);
+  record.Red = values.red.value_or(0);
+  record.Green = values.green.value_or(0);
+  record.Blue = values.blue.value_or(0);
+  return record;
+}
+
+/// The window works on true colours. What comes out of it is what the user saw, so a palette stays
+/// only where it can say the same.
+void AskAndAdjust(const Desktop& desktop, const Values& start, Subject& picture) {
+  std::unique_ptr<TBitmap> pixels = picture.bitmap->Clone();
+  const AlphaPlane alphas(*pixels);
+  pixels->SetPixelFormat(pf24bit);
+  TChgBmpValuesRec values = RecordOf(start);
+  desktop.Adjust(*pixels, values, picture);
+  if (HasIndexes(*picture.bitmap)) {
+    const auto colors = ChangedEntries(*picture.bitmap, *pixels);
+    if (colors) return SetEntryColors(*picture.bitmap, *colors);
+  }
+  alphas.Restore(*pixels);
+  picture.bitmap = std::move(pixels);
+}
+
+PictureChange Prepare(const AdjustOptions& options) {
+  if (!options.values.AreGiven() && !options.asksUser)
+    throw Failure(exitWrongUsage,
+                  "adjust needs at least one of --brightness, --contrast, --sharpen, --red, "
+                  "--green, --blue, or --dialog");
+  const Values values = options.values;
+  if (!options.asksUser) return [values](Subject& picture) { Adjust(values, picture); };
+  return [values, desktop = std::make_shared<Desktop>()](Subject& picture) {
+    AskAndAdjust(*desktop, values, picture);
+  };
+}
+
+void AddValue(PictureVerb& verb, const std::string& name, std::optional<int>& value,
               const std::string& description) {
   verb.Number(name, "P", value, {-100, 100}, description);
 }
@@ -47,19 +103,25 @@ VerbRunner AddAdjustVerb(CLI::App& app) {
       "Percentages from -100 to 100; 0 is no change. They are applied in this order: "
       "brightness, contrast,\n"
       "sharpness, colours. Pictures with a palette keep it and their depth unless "
-      "--sharpen is given; all\n"
-      "others become true colour.\n\n"
-      "Example:\n"
-      "  rasterkit adjust photo.jpg better.jpg --brightness 10 --contrast 20 --sharpen "
-      "30 --blue -5");
-  const auto values = std::make_shared<Values>();
-  AddValue(verb, "--brightness", values->brightness, "lighter or darker [0]");
-  AddValue(verb, "--contrast", values->contrast, "more or less contrast [0]");
-  AddValue(verb, "--sharpen", values->sharpen, "sharper, or softer below 0 [0]");
-  AddValue(verb, "--red", values->red, "more or less red [0]");
-  AddValue(verb, "--green", values->green, "more or less green [0]");
-  AddValue(verb, "--blue", values->blue, "more or less blue [0]");
-  return verb.Changing([values](Subject& picture) { Adjust(picture, *values); });
+      "they are sharpened; all\n"
+      "others become true colour. The window of --dialog shows the picture as it is and as it will "
+      "be; who\n"
+      "cancels it gets exit code 1.\n\n"
+      "Examples:\n"
+      "  rasterkit adjust photo.jpg better.jpg --brightness 10 --contrast 20 --sharpen 30 --blue "
+      "-5\n"
+      "  rasterkit adjust photo.jpg better.jpg --dialog --contrast 20");
+  const auto options = std::make_shared<AdjustOptions>();
+  Values& values = options->values;
+  AddValue(verb, "--brightness", values.brightness, "lighter or darker, -100 to 100 [0]");
+  AddValue(verb, "--contrast", values.contrast, "more or less contrast, -100 to 100 [0]");
+  AddValue(verb, "--sharpen", values.sharpen, "sharper, or softer below 0, -100 to 100 [0]");
+  AddValue(verb, "--red", values.red, "more or less red, -100 to 100 [0]");
+  AddValue(verb, "--green", values.green, "more or less green, -100 to 100 [0]");
+  AddValue(verb, "--blue", values.blue, "more or less blue, -100 to 100 [0]");
+  verb.Dialog(options->asksUser, "set the values in a window; it begins with those given here");
+  verb.WorksOnThreads();
+  return verb.ChangingAfter([options] { return Prepare(*options); });
 }
 
 }  // namespace rasterkit::tool

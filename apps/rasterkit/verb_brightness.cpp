@@ -15,6 +15,7 @@ VerbRunner AddBrightnessVerb(CLI::App& app) {
                    "  rasterkit brightness faint.png stronger.png --percent -20");
   const auto percent = std::make_shared<int>(0);
   verb.Percent(*percent);
+  verb.WorksOnThreads();
   return verb.Changing([percent](Subject& picture) {
     ChangeColors(*picture.bitmap,
                  [&](TBitmap& pixels) { ChangeBrightness(pixels, *percent, picture.Threads()); });

@@ -78,6 +78,7 @@ VerbRunner AddCombineVerb(CLI::App& app) {
   verb.Number("--percent", "P", arguments->percent, {0, 100}, "0 to 100, see the modes");
   verb.Flag("--gray", arguments->gray,
             "transparent and shadow: what lies below counts by its grey values");
+  verb.WorksOnThreads();
   return verb.ChangingAfter([arguments] { return Combining(*arguments); });
 }
 

@@ -135,16 +135,20 @@ VerbRunner AddCompareVerb(CLI::App& app) {
   CLI::App& verb = *app.add_subcommand("compare", "tell whether two pictures are the same");
   verb.group("Verbs");
   verb.footer(
-      "Pictures are the same when they look the same: size, colours and opacity of the upright\n"
-      "pictures, whatever their type and depth. Exit code 0: the same, 1: different.\n\n"
+      "Both pictures are set upright, and what is seen is compared: size, and colour and opacity "
+      "of\n"
+      "every pixel. Type, depth, palette and resolution count with --exact only, metadata never.\n"
+      "Prints whether they are the same, else how many pixels differ, by how much and where "
+      "first.\n"
+      "Exit code 0: the same, 1: different, 3: one cannot be read.\n\n"
       "Examples:\n"
       "  rasterkit compare before.png after.bmp\n"
       "  rasterkit compare photo.png photo.jpg --tolerance 8");
   const auto options = std::make_shared<CompareOptions>();
-  auto* const exact = verb.add_flag("--exact", options->exact,
-                                    "depth, palette and resolution must be the same as well");
+  auto* const exact =
+      verb.add_flag("--exact", options->exact, "depth, palette and resolution count as well");
   verb.add_option("--tolerance", options->tolerance,
-                  "how far a channel may differ and still count as the same, 0 to 255 [0]")
+                  "by how much red, green, blue or opacity of a pixel may differ, 0 to 255 [0]")
       ->check(CLI::Range(0, 255))
       ->excludes(exact)
       ->type_name("N");

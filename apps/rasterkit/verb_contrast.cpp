@@ -15,6 +15,7 @@ VerbRunner AddContrastVerb(CLI::App& app) {
                    "  rasterkit contrast aerial.png background.png --percent -50");
   const auto percent = std::make_shared<int>(0);
   verb.Percent(*percent);
+  verb.WorksOnThreads();
   return verb.Changing([percent](Subject& picture) {
     ChangeColors(*picture.bitmap,
                  [&](TBitmap& pixels) { ChangeContrast(pixels, *percent, picture.Threads()); });

@@ -1,9 +1,12 @@
 #include <charconv>
+#include <memory>
 #include <optional>
 
 #include <fmt/format.h>
 
 #include "apps/rasterkit/crop_rows.h"
+#include "apps/rasterkit/desktop.h"
+#include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -11,6 +14,14 @@ namespace {
 
 struct Part {
   int left = 0, top = 0, width = 0, height = 0;
+
+  TRect Rect() const { return {left, top, left + width, top + height}; }
+};
+
+struct CropOptions {
+  /// As typed; checked by then, or empty.
+  std::string rect;
+  bool asksUser = false;
 };
 
 /// Whole numbers with commas between them, no more and no fewer than four.
@@ -52,25 +63,46 @@ void CropTo(const Part& part, Subject& picture) {
         fmt::format("the rectangle {},{},{},{} does not lie inside the picture, which "
                     "is {} x {}",
                     part.left, part.top, part.width, part.height, bitmap.Width(), bitmap.Height()));
-  Crop(*picture.bitmap, {part.left, part.top, part.left + part.width, part.top + part.height});
+  Crop(*picture.bitmap, part.Rect());
   MovePlace(picture.place, part);
+}
+
+/// Begins with `start`, where that lies in the picture.
+void AskAndCrop(const Desktop& desktop, const Part& start, Subject& picture) {
+  TRect rect = start.Rect();
+  desktop.ChooseCropRect(rect, picture);
+  CropTo({rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top}, picture);
+}
+
+PictureChange Prepare(const CropOptions& options) {
+  if (options.rect.empty() && !options.asksUser)
+    throw Failure(exitWrongUsage, "crop needs --rect X,Y,W,H or --dialog");
+  const Part part = ParsePart(options.rect).value_or(Part());
+  if (!options.asksUser) return [part](Subject& picture) { CropTo(part, picture); };
+  return [part, desktop = std::make_shared<Desktop>()](Subject& picture) {
+    AskAndCrop(*desktop, part, picture);
+  };
 }
 
 }  // namespace
 
 VerbRunner AddCropVerb(CLI::App& app) {
-  PictureVerb verb(app, "crop", "cut a rectangle out of a picture",
-                   "Pixels are counted in the upright picture, from 0,0 at the upper left. They "
-                   "are moved, none is changed.\n"
-                   "A rectangle that does not lie inside the picture is refused (exit code 4).\n\n"
-                   "Example:\n"
-                   "  rasterkit crop plan.png legend.png --rect 1200,80,640,480");
-  const auto text = std::make_shared<std::string>();
-  verb.Text("--rect", "X,Y,W,H", *text, CheckPart,
-            "left, top, width and height of what stays, in pixels", Need::required);
-  return verb.ChangingAfter([text]() -> PictureChange {
-    return [part = ParsePart(*text).value()](Subject& picture) { CropTo(part, picture); };
-  });
+  PictureVerb verb(
+      app, "crop", "cut a rectangle out of a picture",
+      "Pixels are counted in the upright picture, from 0,0 at the upper left. They "
+      "are moved, none is changed.\n"
+      "A rectangle that does not lie inside the picture is refused (exit code 4). With "
+      "--dialog a window\n"
+      "shows the picture, and the rectangle is drawn with the mouse; who cancels it "
+      "gets exit code 1.\n\n"
+      "Examples:\n"
+      "  rasterkit crop plan.png legend.png --rect 1200,80,640,480\n"
+      "  rasterkit crop plan.png legend.png --dialog");
+  const auto options = std::make_shared<CropOptions>();
+  verb.Text("--rect", "X,Y,W,H", options->rect, CheckPart,
+            "left, top, width and height of what stays, in pixels");
+  verb.Dialog(options->asksUser, "choose the rectangle in a window; it begins with that of --rect");
+  return verb.ChangingAfter([options] { return Prepare(*options); });
 }
 
 }  // namespace rasterkit::tool

@@ -151,7 +151,9 @@ VerbRunner AddExifVerb(CLI::App& app) {
   const auto output = std::make_shared<OutputOptions>();
   const auto options = std::make_shared<ExifOptions>();
   AddOutputOptions(verb, *output);
-  verb.get_option("files")->description("files to show; when writing, one input and the output");
+  verb.get_option("files")
+      ->type_name("IN... [OUT]")
+      ->description("files to show; when writing, one input and the output");
   CLI::Option* copy = verb.add_option("--copy-from", options->copyFrom,
                                       "write the input with the metadata of this photo")
                           ->type_name("PHOTO");

@@ -144,6 +144,7 @@ VerbRunner AddGeoTiffVerb(CLI::App& app) {
       "  rasterkit geotiff terrain.tif --at 10,20 --at-map 4468012.5,5333980");
   const auto options = std::make_shared<GeoTiffOptions>();
   AddOutputOptions(verb, options->output);
+  verb.get_option("files")->type_name("IN [OUT]");
   AddPositionOptions(verb, *options);
   AddQuestions(verb, *options);
   return [options] { return IsQuestion(*options) ? Ask(*options) : Write(*options); };

@@ -240,8 +240,14 @@ TEST_F(CliBrightness, Percent_Should_BeGivenAndInRange) {
 
 using CliAdjust = CliColors;
 
-TEST_F(CliAdjust, NoValues_Should_ChangeNothing) {
-  EXPECT_TRUE(SamePixels(Colors(), Changed("adjust", Colors(), {})));
+TEST_F(CliAdjust, ValuesOfZero_Should_ChangeNothing) {
+  EXPECT_TRUE(SamePixels(Colors(), Changed("adjust", Colors(), {"--red", "0"})));
+}
+
+TEST_F(CliAdjust, NoValues_Should_BeWrongUsage) {
+  const ToolResult result = RunVerb("adjust", Colors(), {});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_THAT(result.err, testing::HasSubstr("--brightness"));
 }
 
 TEST_F(CliAdjust, Values_Should_BeAppliedBrightnessFirstThenContrastThenColors) {

@@ -32,6 +32,21 @@ TEST(CliHelp, HelpOfEachVerb_Should_ShowAnExampleOfThatVerb) {
   }
 }
 
+TEST(CliHelp, UsageLine_Should_NameTheFiles) {
+  EXPECT_THAT(RunTool({"crop", "--help"}).out,
+              HasSubstr("Usage: rasterkit crop [OPTIONS] IN OUT\n"));
+  EXPECT_THAT(RunTool({"info", "--help"}).out,
+              HasSubstr("Usage: rasterkit info [OPTIONS] IN...\n"));
+  EXPECT_THAT(RunTool({"compare", "--help"}).out,
+              HasSubstr("Usage: rasterkit compare [OPTIONS] A B\n"));
+}
+
+TEST(CliHelp, OptionsOfAVerb_Should_SayWhatGoesTogether) {
+  EXPECT_THAT(RunTool({"rotate", "--help"}).out, HasSubstr("(required)"));
+  const std::string text = RunTool({"geotiff", "--help"}).out;
+  EXPECT_THAT(text, HasSubstr("(needs --pixel-size) (not with --world-file)"));
+}
+
 TEST(CliHelp, Version_Should_BeNameAndNumber) {
   const ToolResult result = RunTool({"--version"});
   EXPECT_EQ(result.code, 0);
@@ -60,6 +75,11 @@ TEST(CliHelp, WrongUsage_Should_Exit2AndPrintNothingOnStdout) {
       {"convert", "a.bmp", "b.png", "--type", "png"},
       {"convert", "--out-dir", "d", "--type", "gif", "a.bmp"},
       {"rotate", "a.bmp", "b.bmp"},
+      {"adjust", "a.bmp", "b.bmp"},
+      {"resize", "a.bmp", "b.bmp"},
+      {"crop", "a.bmp", "b.bmp"},
+      {"crop", "a.bmp", "b.bmp", "--dialog", "--jobs", "2"},
+      {"mirror", "a.bmp", "b.bmp", "--dialog"},
       {"rotate", "a.bmp", "b.bmp", "--angle", "1", "--threads", "0"},
   };
   for (const auto& line : lines) {

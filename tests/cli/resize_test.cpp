@@ -92,6 +92,15 @@ TEST_F(CliResize, TransparentColor_Should_NotBleedIntoItsNeighbors) {
   EXPECT_EQ(small.Row(0)[6 * 4 + 3], 0);
 }
 
+TEST_F(CliResize, TransparentEntry_Should_StayAnEntryOfThePalette) {
+  Raster raster = GradientRaster(pf8bit, 40, 20);
+  const Raster plain = ByLibrary(raster, 20, 30);
+  raster.transparentColor = raster.PixelColor(9, 9);
+  const Raster resized = Changed("resize", raster, {"--size", "20x30"});
+  EXPECT_TRUE(SameColors(plain, resized));
+  EXPECT_EQ(resized.transparentColor, raster.transparentColor);
+}
+
 TEST_F(CliResize, MapPosition_Should_CoverTheSameGround) {
   TMemoryStream stream;
   TiffWriteOptions options;

@@ -29,8 +29,16 @@ execute_process(COMMAND pkg-config --cflags --libs rasterkit
 separate_arguments(flags UNIX_COMMAND "${flags}")
 run(${COMPILER} -std=c++20 ${SOURCE}/examples/upright.cpp -o ${consumer}/by-pkg-config ${flags})
 
-# The installed tool finds the installed library.
+# The installed tool finds the installed library, and the dialogs beside that.
 run(${prefix}/${BINDIR}/rasterkit info upright.png)
+if(DIALOGS)
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env --unset=DISPLAY --unset=WAYLAND_DISPLAY --unset=QT_QPA_PLATFORM
+                          ${prefix}/${BINDIR}/rasterkit resize --dialog upright.png small.png
+                  WORKING_DIRECTORY ${consumer} RESULT_VARIABLE code ERROR_VARIABLE text)
+  if(NOT code EQUAL 4 OR NOT text MATCHES "DISPLAY is not set")
+    message(FATAL_ERROR "the installed tool did not find the installed dialogs: ${code} ${text}")
+  endif()
+endif()
 
 # A host on Qt, both ways again.
 if(DIALOGS)
@@ -39,6 +47,9 @@ if(DIALOGS)
       -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${COMPILER})
   run(${CMAKE_COMMAND} --build ${consumer}/dialogs)
   run(${consumer}/dialogs/consumer)
+  run(${CMAKE_COMMAND} -S ${SOURCE}/examples/qt-host -B ${consumer}/qt-host -G Ninja -DCMAKE_PREFIX_PATH=${prefix}
+      -DCMAKE_CXX_COMPILER=${COMPILER})
+  run(${CMAKE_COMMAND} --build ${consumer}/qt-host)
   execute_process(COMMAND pkg-config --cflags --libs rasterkit-dialogs
                   OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   separate_arguments(flags UNIX_COMMAND "${flags}")

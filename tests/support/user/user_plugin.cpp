@@ -1,0 +1,96 @@
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QTimer>
+#include <cstdio>
+#include <memory>
+
+#include "tests/support/user/user_script.h"
+
+#include <QtGui/QGenericPlugin>
+
+namespace rasterkit::test {
+namespace {
+
+/// Waits for modal windows and does in each what RASTERKIT_USER says: steps with semicolons between
+/// them, windows with bars ("type FlEdW 30; click ButtonOK | key Escape"). "action TEXT" in place
+/// of a window's steps is a command of the program's own window, "quit" closes that. A window that
+/// is still there after its steps, and one that nobody expected, is said on stderr and closed, so
+/// that no program waits for ever.
+class User : public QObject {
+ public:
+  User() : scripts_(qEnvironmentVariable("RASTERKIT_USER").split(QLatin1Char('|'))) {
+    constexpr int milliseconds = 20;
+    startTimer(milliseconds);
+  }
+
+ protected:
+  void timerEvent(QTimerEvent*) override {
+    if (isActing_) return;
+    auto* const window = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    if (window == nullptr) return Command();
+    if (!window->isVisible() || !isShown(*window)) return;
+    isActing_ = true;
+    Act(*window);
+    isActing_ = false;
+  }
+
+ private:
+  /// The command opens windows of its own, and is therefore not waited for.
+  void Command() {
+    const QString script = scripts_.value(next_).trimmed();
+    const bool quits = script == QLatin1String("quit");
+    if (!quits && !script.startsWith(QLatin1String("action "))) return;
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+      if (!window->isVisible()) continue;
+      ++next_;
+      if (quits) return void(window->close());
+      const QString text = script.section(QLatin1Char(' '), 1);
+      for (QAction* const action : window->findChildren<QAction*>())
+        if (action->text() == text) return QTimer::singleShot(0, action, &QAction::trigger);
+      std::fprintf(stderr, "user: there is no action %s\n", qPrintable(text));
+    }
+  }
+
+  /// Painted once, so that its layout is settled.
+  bool isShown(const QDialog& window) {
+    const bool isNew = seen_ != &window;
+    seen_ = &window;
+    return !isNew;
+  }
+
+  void Act(QDialog& window) {
+    seen_ = nullptr;
+    if (next_ >= scripts_.size())
+      return Leave(window, QStringLiteral("nobody expected this window"));
+    const QString script = scripts_[next_++];
+    for (const QString& step : script.split(QLatin1Char(';')))
+      if (!DoStep(window, step)) return Leave(window, QLatin1String("cannot do:") + step);
+    if (window.isVisible()) Leave(window, QStringLiteral("the window is still there"));
+  }
+
+  static void Leave(QDialog& window, const QString& reason) {
+    std::fprintf(stderr, "user: %s\n", qPrintable(reason));
+    window.reject();
+  }
+
+  QStringList scripts_;
+  int next_ = 0;
+  bool isActing_ = false;
+  const QDialog* seen_ = nullptr;
+};
+
+class UserPlugin : public QGenericPlugin {
+  Q_OBJECT
+  Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "user_plugin.json")
+
+ public:
+  QObject* create(const QString&, const QString&) override {
+    return std::make_unique<User>().release();
+  }
+};
+
+}  // namespace
+}  // namespace rasterkit::test
+
+#include "user_plugin.moc"

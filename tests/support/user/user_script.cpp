@@ -1,0 +1,64 @@
+#include "tests/support/user/user_script.h"
+
+#include <QTest>
+#include <csignal>
+
+namespace rasterkit::test {
+namespace {
+
+QPoint PointOf(const QString& text) {
+  return {text.section(QLatin1Char(','), 0, 0).toInt(),
+          text.section(QLatin1Char(','), 1, 1).toInt()};
+}
+
+bool Click(QWidget* widget) {
+  if (widget == nullptr || !widget->isEnabled()) return false;
+  QTest::mouseClick(widget, Qt::LeftButton);
+  return true;
+}
+
+bool Type(QWidget* widget, const QString& text) {
+  if (widget == nullptr || !widget->isEnabled()) return false;
+  widget->setFocus();
+  QTest::keyClick(widget, Qt::Key_A, Qt::ControlModifier);
+  QTest::keyClicks(widget, text);
+  QTest::keyClick(widget, Qt::Key_Tab);
+  return true;
+}
+
+bool Drag(QWidget* widget, QPoint from, QPoint to) {
+  if (widget == nullptr) return false;
+  QTest::mousePress(widget, Qt::LeftButton, Qt::NoModifier, from);
+  // QTest::mouseMove holds no button.
+  for (const QPoint& point : {(from + to) / 2, to}) {
+    QMouseEvent move(QEvent::MouseMove, point, widget->mapToGlobal(point), Qt::NoButton,
+                     Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(widget, &move);
+  }
+  QTest::mouseRelease(widget, Qt::LeftButton, Qt::NoModifier, to);
+  return true;
+}
+
+bool Press(QWidget& window, const QString& key) {
+  if (key != QLatin1String("Escape") && key != QLatin1String("Return")) return false;
+  QTest::keyClick(&window, key == QLatin1String("Escape") ? Qt::Key_Escape : Qt::Key_Return);
+  return true;
+}
+
+}  // namespace
+
+bool DoStep(QWidget& window, const QString& step) {
+  const QStringList words = step.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+  const QString what = words.value(0);
+  QWidget* const widget = window.findChild<QWidget*>(words.value(1));
+  if (what == QLatin1String("click")) return Click(widget);
+  if (what == QLatin1String("type")) return Type(widget, words.value(2));
+  if (what == QLatin1String("drag"))
+    return Drag(widget, PointOf(words.value(2)), PointOf(words.value(3)));
+  if (what == QLatin1String("key")) return Press(window, words.value(1));
+  if (what == QLatin1String("close")) return window.close();
+  if (what == QLatin1String("interrupt")) return std::raise(SIGINT) == 0;
+  return false;
+}
+
+}  // namespace rasterkit::test

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+
+namespace rasterkit::test {
+
+/// Does one step in a window:
+///
+///     click NAME            on the button of that object name
+///     type NAME TEXT        into the field, in place of what it holds
+///     drag NAME X,Y X,Y     with the left button over the widget
+///     key Escape            Escape or Return, into the window
+///     close                 by the window's frame
+///     interrupt             Ctrl-C in the terminal behind the program
+///
+/// False when there is no such widget or step.
+bool DoStep(QWidget& window, const QString& step);
+
+}  // namespace rasterkit::test
