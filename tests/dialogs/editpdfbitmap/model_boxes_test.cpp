@@ -21,10 +21,10 @@ class EditBoxes : public EditModelTest {
 
 TEST_F(EditBoxes, CoBoResolutionChange_Should_Render_When_TheNumberIsAnother) {
   OpenPdf();
-  model->CoBoResolutionChange("150");
-  model->CoBoResolutionChange("150 dpi");
+  ChooseResolution("150");
+  ChooseResolution("150 dpi");
   EXPECT_THAT(pdf.exports, IsEmpty());
-  model->CoBoResolutionChange("1a5");
+  ChooseResolution("1a5");
   EXPECT_EQ(model->Resolution(), 15);
 }
 
@@ -32,12 +32,12 @@ TEST_F(EditBoxes, CoBoResolutionChange_Should_BeIgnored_When_TheUserTypes) {
   OpenPdf();
   EXPECT_TRUE(model->CoBoResolutionKeyPress(ComboKey::digit));
   EXPECT_TRUE(model->InEditCoBo());
-  model->CoBoResolutionChange("3");
+  ChooseResolution("3");
   EXPECT_FALSE(model->InEditCoBo()) << "a change ends it";
   EXPECT_THAT(pdf.exports, IsEmpty());
   EXPECT_TRUE(model->CoBoResolutionKeyPress(ComboKey::backspace));
   EXPECT_TRUE(model->InEditCoBo());
-  model->CoBoResolutionChange("30");
+  ChooseResolution("30");
   EXPECT_THAT(pdf.exports, IsEmpty());
   EXPECT_EQ(model->Resolution(), 150);
 }
@@ -61,9 +61,10 @@ TEST_F(EditBoxes, CoBoResolutionKeyPress_Should_Swallow_AllOtherKeys) {
 
 TEST_F(EditBoxes, CoBoResolution_Should_BeWithoutEffect_When_TheSourceIsAGraphic) {
   EditNew();
-  model->SpeedButtonGrayScaleClick();
+  ChooseAngle("90");
+  ChooseAngle("180");
   const TBitmap before = std::move(*Work().Clone());
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_TRUE(SamePixels(before, Work()));
 }
 
@@ -184,14 +185,14 @@ TEST_F(EditBoxes, SpinEditPageChange_Should_SetTheSettingsBack_ButNot256Colors) 
     if (button == SpeedButtonGrayScale) model->SpeedButtonGrayScaleClick();
     if (button == SpeedButtonBlackWhite) model->SpeedButtonBlackWhiteClick();
     ChooseAngle("90");
-    model->SpinEditPageChange(model->PageNumber() % 3 + 1);
+    ChoosePage(model->PageNumber() % 3 + 1);
     EXPECT_FALSE(Down(button));
     EXPECT_EQ(model->Rotation(), 0);
     EXPECT_EQ(Text(CoBoRotation), "0");
     EXPECT_TRUE(SamePixels(PdfPicture(model->PageNumber() - 1, 1.5), Work()));
   }
   model->SpeedButton256ColorsClick();
-  model->SpinEditPageChange(2);
+  ChoosePage(2);
   EXPECT_TRUE(Down(SpeedButton256Colors));
   EXPECT_EQ(Work().PixelFormat(), pf8bit);
 }
@@ -199,13 +200,13 @@ TEST_F(EditBoxes, SpinEditPageChange_Should_SetTheSettingsBack_ButNot256Colors) 
 TEST_F(EditBoxes, SpinEditPageChange_Should_RemoveTheCut) {
   OpenPdf(3);
   Cut();
-  model->SpinEditPageChange(2);
+  ChoosePage(2);
   EXPECT_FALSE(tool.GetCutRectExists());
 }
 
 TEST_F(EditBoxes, SpinEditPageChange_Should_DoNothing_When_ThePageIsTheSame) {
   OpenPdf(3);
-  model->SpinEditPageChange(1);
+  ChoosePage(1);
   EXPECT_THAT(pdf.exports, IsEmpty());
 }
 

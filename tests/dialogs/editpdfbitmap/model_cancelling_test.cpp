@@ -34,7 +34,7 @@ TEST_F(EditCancelling, Rendering_Should_LeaveNothingButCancel) {
       const auto control = static_cast<EditControl>(i);
       EXPECT_EQ(Usable(control), control == NaviResultCancel) << i;
     }
-    model->SpinEditPageChange(2);
+    ChoosePage(2);
     model->SpeedButtonMirrorClick();
     model->NaviResultPostClick();
     model->FormDropFile("other.pdf");
@@ -43,7 +43,7 @@ TEST_F(EditCancelling, Rendering_Should_LeaveNothingButCancel) {
     EXPECT_TRUE(model->FormKeyDown(EditKey::h, true));
     return keepGoing();
   };
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_FALSE(model->IsRendering());
   EXPECT_THAT(pdf.exports, SizeIs(1));
   EXPECT_FALSE(Down(SpeedButtonMirror));
@@ -61,7 +61,7 @@ TEST_F(EditCancelling, Rendering_Should_TurnTheHostsLoop) {
     std::this_thread::sleep_for(TApplication::PumpInterval * 2);
     return keepGoing();
   };
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_EQ(turns, 1);
 }
 
@@ -85,10 +85,10 @@ TEST_F(EditCancelling, Cancel_Should_BringThePictureBack) {
 TEST_F(EditCancelling, Cancel_Should_BringResolutionAndPageBack) {
   OpenPdf(3);
   CancelWhileRendering();
-  model->CoBoResolutionChange("600");
+  ChooseResolution("600");
   EXPECT_EQ(Text(CoBoResolution), "150");
   EXPECT_EQ(model->Resolution(), 150);
-  model->SpinEditPageChange(2);
+  ChoosePage(2);
   EXPECT_EQ(view.page, 1);
   EXPECT_EQ(model->PageNumber(), 1);
   EXPECT_EQ(settings["Settings/FormEditPdfBmp.Resolution"], "150");
@@ -101,7 +101,7 @@ TEST_F(EditCancelling, Cancel_Should_LeaveAnEmptyView_When_ItIsTheFirstPage) {
   EXPECT_THAT(view.closed, IsEmpty());
   EXPECT_FALSE(Usable(NaviResultPost));
   pdf.onExport = nullptr;
-  model->CoBoResolutionChange("150");
+  ChooseResolution("150");
   EXPECT_EQ(model->WorkBitmap(), nullptr) << "only Enter asks for the same once more";
   model->CoBoResolutionKeyPress(ComboKey::enter);
   EXPECT_NE(model->WorkBitmap(), nullptr);
@@ -111,7 +111,7 @@ TEST_F(EditCancelling, Cancel_Should_LeaveAnEmptyView_When_ThePictureCouldNotBeK
   OpenPdf();
   CancelWhileRendering();
   const MemoryLimit limit(40000);
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_EQ(model->WorkBitmap(), nullptr);
   EXPECT_EQ(tool.OrgBitmap(), nullptr);
 }
@@ -122,7 +122,7 @@ TEST_F(EditCancelling, Cancel_Should_Count_When_TheExportWentOnToItsEnd) {
     model->NaviResultCancelClick();
     return true;
   };
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_EQ(model->Resolution(), 150);
   EXPECT_TRUE(SamePixels(PdfPicture(0, 1.5), Work()));
 }
@@ -130,9 +130,9 @@ TEST_F(EditCancelling, Cancel_Should_Count_When_TheExportWentOnToItsEnd) {
 TEST_F(EditCancelling, Cancel_Should_NotLastLonger) {
   OpenPdf();
   CancelWhileRendering();
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   pdf.onExport = nullptr;
-  model->CoBoResolutionChange("200");
+  ChooseResolution("200");
   EXPECT_EQ(model->Resolution(), 200);
 }
 
@@ -142,7 +142,7 @@ TEST_F(EditCancelling, Escape_Should_CancelToo) {
     EXPECT_TRUE(model->FormKeyDown(EditKey::escape, false));
     return keepGoing();
   };
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_EQ(model->Resolution(), 150);
   EXPECT_THAT(view.closed, IsEmpty());
 }
@@ -154,7 +154,7 @@ TEST_F(EditCancelling, FormClose_Should_CancelAndThenClose) {
     EXPECT_THAT(view.closed, IsEmpty());
     return keepGoing();
   };
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_EQ(model->Resolution(), 150);
   EXPECT_THAT(view.closed, ElementsAre(mrCancel));
 }

@@ -106,6 +106,15 @@ TEST_F(EditChanges, BlackWhite_Should_DisableWhatOneBitCannotTake) {
     EXPECT_FALSE(Usable(button));
 }
 
+TEST_F(EditChanges, BlackWhite_Should_DisableNothing_When_ItIsAPage) {
+  OpenPdf();
+  model->SpeedButtonBlackWhiteClick();
+  EXPECT_EQ(Work().PixelFormat(), pf1bit);
+  for (const EditControl button :
+       {SpeedButton256Colors, SpeedButtonGrayScale, SpeedButtonBlackWhite})
+    EXPECT_TRUE(Usable(button));
+}
+
 TEST_F(EditChanges, BlackWhite_Should_AskForTheThreshold_When_CtrlIsHeld) {
   EditNew();
   model->FormKeyDown(EditKey::other, true);
@@ -372,7 +381,7 @@ TEST_F(EditChanges, Events_Should_BeIgnored_When_TheModelSetsAControl) {
     if (control == CoBoRotation) model->CoBoRotationChange(text + "7");
   };
   ChooseAngle("90");
-  model->SpinEditPageChange(2);
+  ChoosePage(2);
   EXPECT_EQ(model->Rotation(), 0);
   EXPECT_THAT(pdf.exports, SizeIs(2));
 }

@@ -152,15 +152,27 @@ class EditModelTest : public testing::Test {
     tool.SetBmpCutRect({left, top, right, bottom});
   }
 
+  // The window shows what the user does before the model hears of it.
+  void ChooseResolution(const std::string& text) {
+    view.Of(CoBoResolution).text = text;
+    model->CoBoResolutionChange(text);
+  }
+  void ChooseAngle(const std::string& text) {
+    view.Of(CoBoRotation).text = text;
+    model->CoBoRotationChange(text);
+  }
+  void ChoosePage(int page) {
+    view.page = page;
+    model->SpinEditPageChange(page);
+  }
   void Type(const std::string& resolution) {
     model->CoBoResolutionKeyPress(ComboKey::digit);
-    model->CoBoResolutionChange(resolution);
+    ChooseResolution(resolution);
   }
   void TypeAngle(const std::string& angle) {
     model->CoBoRotationKeyPress(ComboKey::digit);
-    model->CoBoRotationChange(angle);
+    ChooseAngle(angle);
   }
-  void ChooseAngle(const std::string& angle) { model->CoBoRotationChange(angle); }
 
   const TBitmap& Work() { return *model->WorkBitmap(); }
   bool Shown(EditControl control) { return view.Of(control).visible; }

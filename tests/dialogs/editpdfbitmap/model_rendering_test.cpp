@@ -33,7 +33,7 @@ TEST_F(EditRendering, RenderPdfToBmp_Should_ExportThePage_AtDpiOverAHundred) {
   OpenPdf(3);
   Type("300");
   model->CoBoResolutionKeyPress(ComboKey::enter);
-  model->SpinEditPageChange(2);
+  ChoosePage(2);
   ASSERT_THAT(pdf.exports, SizeIs(2));
   EXPECT_EQ(pdf.exports[0].index, 0);
   EXPECT_EQ(pdf.exports[0].scale, 3.0);
@@ -52,7 +52,7 @@ TEST_F(EditRendering, RenderPdfToBmp_Should_SwitchTransparencyOff) {
 
 TEST_F(EditRendering, RenderPdfToBmp_Should_NotFoldTheResolution) {
   OpenPdf();
-  model->CoBoResolutionChange("600");
+  ChooseResolution("600");
   EXPECT_EQ(model->Resolution(), 600);
 }
 
@@ -60,7 +60,7 @@ TEST_F(EditRendering, RenderPdfToBmp_Should_KeepTheResolution_When_TheBoxHoldsNo
   OpenPdf();
   for (const char* text : {"", "dpi", "-", "0", "-72", "000"}) {
     Forget();
-    model->CoBoResolutionChange(text);
+    ChooseResolution(text);
     EXPECT_THAT(pdf.exports, IsEmpty()) << text;
     model->SpeedButtonGrayScaleClick();
     ASSERT_THAT(pdf.exports, SizeIs(1)) << text;
@@ -79,9 +79,9 @@ TEST_F(EditRendering, RenderPdfToBmp_Should_TakeWhatIsInTheBox_When_AnotherContr
 
 TEST_F(EditRendering, RenderPdfToBmp_Should_ClampThePage) {
   OpenPdf(3);
-  model->SpinEditPageChange(7);
+  ChoosePage(7);
   EXPECT_EQ(model->PageNumber(), 3);
-  model->SpinEditPageChange(-4);
+  ChoosePage(-4);
   EXPECT_EQ(model->PageNumber(), 1);
   EXPECT_EQ(pdf.exports.back().index, 0);
 }
@@ -96,7 +96,7 @@ TEST_F(EditRendering, RenderPdfToBmp_Should_GiveTheBitmapBackFirst) {
     return true;
   };
   EXPECT_EQ(tool.OrgBitmap(), shown);
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_EQ(tool.OrgBitmap(), &Work());
 }
 
@@ -113,7 +113,7 @@ TEST_F(EditRendering, RealRenderPDF_Should_GiveAnEmptyBitmap_When_TheExportFails
 TEST_F(EditRendering, Shortage_Should_TryTheSameResolutionOnceMore) {
   OpenPdf();
   FailTimes(1, std::bad_alloc());
-  model->CoBoResolutionChange("600");
+  ChooseResolution("600");
   EXPECT_THAT(messages, ElementsAre(kNoMemory));
   ASSERT_THAT(pdf.exports, SizeIs(2));
   EXPECT_EQ(pdf.exports[0].scale, 6.0);
@@ -131,14 +131,14 @@ TEST_F(EditRendering, Shortage_Should_TryTheSameResolutionOnceMore) {
 TEST_F(EditRendering, Shortage_Should_LeaveAnEmptyView_When_ItComesTwice) {
   OpenPdf();
   FailTimes(2, LimitError("PDF: too many pixels"));
-  model->CoBoResolutionChange("600");
+  ChooseResolution("600");
   EXPECT_THAT(messages, ElementsAre(kNoMemory, "PDF: too many pixels"));
   EXPECT_THAT(pdf.exports, SizeIs(2));
   EXPECT_EQ(model->WorkBitmap(), nullptr);
   EXPECT_EQ(tool.OrgBitmap(), nullptr);
   EXPECT_THAT(view.closed, IsEmpty());
   EXPECT_EQ(Text(CoBoResolution), "150");
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_TRUE(SamePixels(PdfPicture(0, 0.72), Work())) << "the window still works";
 }
 
@@ -148,7 +148,7 @@ TEST_F(EditRendering, Shortage_Should_LeaveAnEmptyView_When_TheSecondErrorIsAnot
     if (pdf.exports.size() == 1) throw std::bad_alloc();
     throw FormatError("PDF: damaged");
   };
-  model->CoBoResolutionChange("600");
+  ChooseResolution("600");
   EXPECT_THAT(messages, ElementsAre(kNoMemory, "PDF: damaged"));
   EXPECT_EQ(model->WorkBitmap(), nullptr);
   EXPECT_THAT(view.closed, IsEmpty());
@@ -157,7 +157,7 @@ TEST_F(EditRendering, Shortage_Should_LeaveAnEmptyView_When_TheSecondErrorIsAnot
 TEST_F(EditRendering, Shortage_Should_BeErrorsOfTheSystemToo) {
   OpenPdf();
   FailTimes(1, std::system_error(std::make_error_code(std::errc::io_error)));
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_THAT(messages, ElementsAre(kNoMemory));
   EXPECT_TRUE(SamePixels(PdfPicture(0, 0.72), Work()));
 }
@@ -180,7 +180,7 @@ TEST_F(EditRendering, Shortage_Should_LeaveAWorkingWindow_When_TheFirstPageIsToo
 TEST_F(EditRendering, Shortage_Should_NotBeRemembered) {
   OpenPdf();
   FailTimes(1, std::bad_alloc());
-  model->CoBoResolutionChange("600");
+  ChooseResolution("600");
   EXPECT_EQ(settings["Settings/FormEditPdfBmp.Resolution"], "150");
 }
 
@@ -189,7 +189,7 @@ TEST_F(EditRendering, Shortage_Should_NotBeRemembered) {
 TEST_F(EditRendering, OtherErrors_Should_BeTold_AndCloseTheWindow) {
   OpenPdf();
   FailTimes(1, FormatError("PDF: damaged", "a.pdf"));
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_THAT(messages,
               ElementsAre("PDF could not be rendered! Please contact Tarnwick Hotline.\r\n"
                           "Original error was \"FormatError\": a.pdf: PDF: damaged"));
@@ -247,13 +247,13 @@ TEST_F(EditRendering, PageSize_Should_FollowThePage) {
   OpenPdf();
   pdf.pages = {{72, 36}, {36, 72}};
   model->SetOrgFilename("two.pdf");
-  model->SpinEditPageChange(2);
+  ChoosePage(2);
   EXPECT_THAT(Text(LabelPageSize), StartsWith("75 * 150 px"));
 }
 
 TEST_F(EditRendering, Resolution_Should_BeRemembered) {
   OpenPdf();
-  model->CoBoResolutionChange("200");
+  ChooseResolution("200");
   EXPECT_EQ(settings["Settings/FormEditPdfBmp.Resolution"], "200");
   StartAnew();
   EXPECT_EQ(Text(CoBoResolution), "200");

@@ -17,21 +17,21 @@ class EditSettings : public EditModelTest {};
 
 TEST_F(EditSettings, GenerateBitmaps_Should_ShowTheHourglass) {
   OpenPdf();
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_THAT(view.calls, ElementsAre("hourglass", "rendering", "rendered", "repaint", "cursor"));
 }
 
 TEST_F(EditSettings, GenerateBitmaps_Should_TakeTheHourglassAway_When_ItFails) {
   OpenPdf();
   pdf.onExport = [](const PdfDocument::PdfKeepGoing&) -> bool { throw std::bad_alloc(); };
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   EXPECT_EQ(view.calls.back(), "cursor");
 }
 
 TEST_F(EditSettings, GenerateBitmaps_Should_KeepTheCut_ScaledWithTheResolution) {
   OpenPdf();
   Cut(10, 20, 40, 50);
-  model->CoBoResolutionChange("300");
+  ChooseResolution("300");
   ASSERT_TRUE(tool.GetCutRectExists());
   EXPECT_TRUE(AlmostEqual(tool.BmpCutRect(), RDRect(20, 40, 80, 100), 1e-9));
 }
@@ -58,7 +58,7 @@ TEST_F(EditSettings, ExecBmpSettings_Should_BeAppliedEachTime) {
   OpenPdf();
   model->SpeedButtonMirrorClick();
   ChooseAngle("90");
-  model->CoBoResolutionChange("72");
+  ChooseResolution("72");
   auto expected = PdfPicture(0, 0.72).Clone();
   ApplySettings({.mirror = true}, *expected);
   RotatePicture(90, expected);
@@ -89,7 +89,7 @@ TEST_F(EditSettings, BmpRotate_Should_GoBackToZero_When_ItIsRefused) {
   OpenPdf();
   {
     const MemoryLimit limit(40000);
-    model->CoBoRotationChange("45");
+    ChooseAngle("45");
   }
   EXPECT_THAT(messages, ElementsAre("Bitmap to large to rotate."));
   EXPECT_EQ(model->Rotation(), 0);

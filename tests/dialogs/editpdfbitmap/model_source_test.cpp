@@ -188,7 +188,7 @@ TEST_F(EditSource, SetOrgFilename_Should_NotAskForTheTarget_When_APdfComesFirst)
 
 TEST_F(EditSource, SetOrgFilename_Should_KeepThePage_When_ItIsPartOfADocumentThatFails) {
   OpenPdf(3);
-  model->SpinEditPageChange(2);
+  ChoosePage(2);
   const TBitmap shown = std::move(*Work().Clone());
   pdf.onLoad = [](const std::string& name) {
     if (name == "bad.pdf") throw FormatError("PDF: damaged", name);
@@ -198,7 +198,7 @@ TEST_F(EditSource, SetOrgFilename_Should_KeepThePage_When_ItIsPartOfADocumentTha
   EXPECT_THAT(view.closed, IsEmpty());
   EXPECT_TRUE(SamePixels(shown, Work()));
   EXPECT_EQ(view.caption, "plan.pdf - Convert pdf to png");
-  model->SpinEditPageChange(3);
+  ChoosePage(3);
   EXPECT_TRUE(SamePixels(PdfPicture(2, 1.5), Work())) << "the document is open again";
 }
 
@@ -300,7 +300,7 @@ TEST_F(EditSource, SetIsPDF_Should_EnableTheSettings_When_APictureOfOneBitWasThe
 
 TEST_F(EditSource, OpenPdf_Should_StartWithTheFirstPage_When_AnotherDocumentStoodElsewhere) {
   OpenPdf(3);
-  model->SpinEditPageChange(3);
+  ChoosePage(3);
   ChooseAngle("90");
   OpenPdf(1);
   EXPECT_EQ(model->PageNumber(), 1);

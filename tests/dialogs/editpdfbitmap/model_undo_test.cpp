@@ -76,9 +76,9 @@ TEST_F(EditUndo, Should_TakeBackEveryChange_When_AllIsMadeAnew) {
 TEST_F(EditUndo, Should_TakeBackEveryChange_When_ItIsAPage) {
   OpenPdf(3);
   Cut();
-  ExpectUndone([&] { model->CoBoResolutionChange("72"); });
+  ExpectUndone([&] { ChooseResolution("72"); });
   ExpectUndone([&] { ChooseAngle("90"); });
-  ExpectUndone([&] { model->SpinEditPageChange(3); });
+  ExpectUndone([&] { ChoosePage(3); });
   EXPECT_EQ(view.page, 1);
   ExpectUndone([&] { model->SpeedButton256ColorsClick(); });
 }
@@ -161,11 +161,11 @@ TEST_F(EditUndo, Should_StayWithinTheMemoryOfAPicture_When_APageFollows) {
   {
     // The page before takes 33900 bytes, and the one to come 72 * 36 * 4 while it is drawn.
     const MemoryLimit limit(33900 + 10367);
-    model->CoBoResolutionChange("72");
+    ChooseResolution("72");
   }
   EXPECT_EQ(model->Resolution(), 72);
   EXPECT_FALSE(model->CanUndo());
-  model->CoBoResolutionChange("150");
+  ChooseResolution("150");
   EXPECT_TRUE(model->CanUndo());
 }
 
