@@ -100,6 +100,7 @@ void PrintJson(const Job& job, const Outcome& outcome) {
   line["schema"] = 1;
   line["file"] = job.input;
   line["output"] = job.output;
+  if (job.page > 0) line["page"] = job.page;
   line["ok"] = ok;
   line["error"] = ok ? nlohmann::ordered_json() : nlohmann::ordered_json(outcome.error);
   line["type"] = ok ? nlohmann::ordered_json(outcome.result.type) : nlohmann::ordered_json();
@@ -185,7 +186,7 @@ class Batch {
 std::vector<Job> PlanFolder(const OutputOptions& options) {
   std::vector<Job> jobs;
   for (const std::string& input : options.files)
-    jobs.push_back({input, OutputName(options, input)});
+    jobs.push_back({input, OutputName(options, input), 0});
   return jobs;
 }
 
@@ -196,7 +197,7 @@ std::vector<Job> PlanSingle(const OutputOptions& options) {
   if (options.files.size() != 2)
     throw Failure(exitWrongUsage,
                   "one input and one output are wanted; many inputs go with --out-dir DIR");
-  return {{options.files[0], options.files[1]}};
+  return {{options.files[0], options.files[1], 0}};
 }
 
 }  // namespace
@@ -212,6 +213,11 @@ std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyE
   }
   RequireDistinctOutputs(jobs);
   return jobs;
+}
+
+void CheckOutputs(const std::vector<Job>& jobs) {
+  for (const Job& job : jobs) RequireWritableType(job.output);
+  RequireDistinctOutputs(jobs);
 }
 
 int RunJobs(const OutputOptions& options, const std::vector<Job>& jobs,

@@ -11,6 +11,8 @@ namespace rasterkit::tool {
 struct Job {
   std::string input;
   std::string output;
+  /// Of a PDF file, counted from 1; 0 for a whole picture.
+  int page = 0;
 };
 
 /// What a finished picture is like.
@@ -27,6 +29,9 @@ struct JobResult {
 /// no output, an extension that cannot be written, two inputs with the same output.
 /// `onlyExtension` (".ico") is the one that a verb writes when it writes no pictures.
 std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyExtension = "");
+
+/// Throws Failure(exitWrongUsage) for outputs that are no pictures, and for two of the same name.
+void CheckOutputs(const std::vector<Job>& jobs);
 
 /// Runs `work` for each job, several at a time with --jobs, prints results and errors in the order
 /// of the inputs and returns the exit code: that of the first input that failed.

@@ -16,8 +16,8 @@ void StopIfInterrupted();
 
 bool IsInterrupted();
 
-/// While one lives, the process may wait for ever, for the user or for whoever writes a pipe. An
-/// interruption then ends it at once, unless an output is being written.
+/// While one lives, the process may wait for ever, for the user, for whoever writes a pipe or for a
+/// page that is drawn. An interruption then ends it at once, unless an output is being written.
 class InterruptibleWait {
  public:
   InterruptibleWait();

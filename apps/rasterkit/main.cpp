@@ -63,7 +63,7 @@ int Main(int argc, char** argv) {
         AddResizeVerb, AddGrayVerb,      AddMonoVerb,    AddBrightnessVerb, AddContrastVerb,
         AddAdjustVerb, AddWhitenVerb,    AddRecolorVerb, AddKeyColorVerb,   AddPdfWhiteVerb,
         AddOpaqueVerb, AddSwapAlphaVerb, AddPaletteVerb, AddCombineVerb,    AddWatermarkVerb,
-        AddIconVerb,   AddCompareVerb,   AddGeoTiffVerb, AddExifVerb}) {
+        AddIconVerb,   AddCompareVerb,   AddGeoTiffVerb, AddExifVerb,       AddPdfVerb}) {
     VerbRunner run = add(app);
     verbs.emplace_back(app.get_subcommands({}).back(), std::move(run));
   }

@@ -45,9 +45,18 @@ void TakePositions(PictureFacts& facts) {
   const auto worldFile = FindWorldFile(facts.file);
   if (worldFile && !ReadWorldFile(*worldFile))
     facts.warnings.push_back(*worldFile + " does not begin with six numbers and is ignored");
-  if (!facts.error.empty()) return;
+  if (!facts.error.empty() || facts.pdf) return;
   if (const auto doubt = PositionDoubt(facts.positions, facts.width, facts.height))
     facts.warnings.push_back(*doubt);
+}
+
+void TakePdfFacts(PictureFacts& facts) {
+  try {
+    facts.pdf = GatherPdfFacts(facts.file, facts.warnings);
+    facts.error.clear();
+  } catch (const Failure& failure) {
+    facts.error = ReasonOf(failure.what(), facts.file);
+  }
 }
 
 }  // namespace
@@ -69,6 +78,7 @@ PictureFacts GatherFacts(const std::string& file) {
   facts.photo = loaded.photo;
   if (facts.error.empty() && loaded.type != PictureType::jpeg) facts.photo.rotation = 0;
   facts.warnings = loaded.warnings;
+  if (loaded.type == PictureType::pdf) TakePdfFacts(facts);
   facts.tiff = loaded.tiff;
   if (loaded.grid) facts.grid = GridTypeName(*loaded.grid);
   facts.pages = loaded.tiff ? loaded.tiff->pages : loaded.frames;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apps/rasterkit/geo_position.h"
+#include "apps/rasterkit/pdf_facts.h"
 #include "apps/rasterkit/photo_facts.h"
 
 namespace rasterkit::tool {
@@ -36,6 +37,8 @@ struct PictureFacts {
   std::vector<GeoPosition> positions;
   /// Of a TIFF file whose directories can be read, also when its pixels cannot.
   std::optional<TiffFacts> tiff;
+  /// Of a PDF file that was read: nothing is known of pixels then.
+  std::optional<PdfFacts> pdf;
 };
 
 /// Reads and decodes the file; never throws for a bad one.

@@ -24,7 +24,12 @@ using Json = nlohmann::ordered_json;
 /// `value` for a picture that was read, else null.
 template <class T>
 Json IfRead(const PictureFacts& facts, const T& value) {
-  return facts.error.empty() ? Json(value) : Json();
+  return facts.error.empty() && !facts.pdf ? Json(value) : Json();
+}
+
+Json PagesJson(const PictureFacts& facts) {
+  if (!facts.pdf) return IfRead(facts, facts.pages);
+  return facts.pdf->pages ? Json(*facts.pdf->pages) : Json();
 }
 
 Json FactsJson(const PictureFacts& facts) {
@@ -45,7 +50,7 @@ Json FactsJson(const PictureFacts& facts) {
   line["gps"] = GpsJson(facts.photo.gps);
   line["geo"] = GeoJson(facts.positions);
   line["grid"] = IfRead(facts, facts.grid);
-  line["pages"] = IfRead(facts, facts.pages);
+  line["pages"] = PagesJson(facts);
   line["tiff"] = facts.tiff ? TiffJson(*facts.tiff) : Json();
   line["bytes"] = facts.bytes;
   line["metadata"] = facts.metadata;
@@ -73,7 +78,19 @@ void PrintLooseTiePoints(const PictureFacts& facts) {
   if (points > 0 && !isPlaced) fmt::print("  {} tie points without a pixel size\n", points);
 }
 
+void PrintPdf(const PictureFacts& facts) {
+  constexpr double millimetresPerPoint = 25.4 / 72;
+  fmt::print("{}: pdf", facts.file);
+  if (const auto pages = facts.pdf->pages)
+    fmt::print(", {} page{}", *pages, *pages == 1 ? "" : "s");
+  if (const auto& page = facts.pdf->firstPage)
+    fmt::print(", the first {:.1f} x {:.1f} mm", page->width * millimetresPerPoint,
+               page->height * millimetresPerPoint);
+  fmt::print(", {} bytes\n", facts.bytes);
+}
+
 void PrintText(const PictureFacts& facts) {
+  if (facts.pdf) return PrintPdf(facts);
   fmt::print("{}: {}, {} x {} pixels, {} bit{}", facts.file, facts.type, facts.width, facts.height,
              facts.bits, facts.bits == 1 ? "" : "s");
   if (facts.paletteEntries > 0) fmt::print(", {} palette entries", facts.paletteEntries);

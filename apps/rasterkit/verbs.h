@@ -36,5 +36,6 @@ VerbRunner AddIconVerb(CLI::App& app);
 VerbRunner AddCompareVerb(CLI::App& app);
 VerbRunner AddGeoTiffVerb(CLI::App& app);
 VerbRunner AddExifVerb(CLI::App& app);
+VerbRunner AddPdfVerb(CLI::App& app);
 
 }  // namespace rasterkit::tool

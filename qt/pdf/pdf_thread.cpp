@@ -1,4 +1,5 @@
 #include <QPdfDocument>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
@@ -7,14 +8,21 @@
 #include <utility>
 #include <vector>
 
+#include <rasterkit/host/runtime/thread_time.h>
 #include <rasterkit/qt/pdf/pdf_engine.h>
 #include <rasterkit/qt/pdf/pdf_thread.h>
+#include <rasterkit/qt/pdf/stream_device.h>
 
 namespace rasterkit {
 namespace {
 
 /// An idle thread ends well within it.
 constexpr std::chrono::milliseconds kEndsWithin{100};
+
+/// Files that are read at all give a byte much sooner, however large they are.
+constexpr double kMostSecondsWithoutByte = 5;
+
+std::atomic<bool> isEngineStuck = false;
 
 /// Threads whose owner has gone before their last job ended.
 class OrphanThreads {
@@ -31,12 +39,18 @@ class OrphanThreads {
   }
 
   void JoinAll() {
+    if (isEngineStuck) return LeaveAll();
     for (std::vector<std::thread> threads; !(threads = Take()).empty();) {
       for (std::thread& thread : threads) thread.join();
     }
   }
 
  private:
+  /// They come to no end. The objects stay, as they never end themselves.
+  void LeaveAll() {
+    for (std::thread& thread : Take()) thread.detach();
+  }
+
   std::vector<std::thread> Take() {
     const std::lock_guard lock(mutex_);
     return std::exchange(threads_, {});
@@ -61,18 +75,22 @@ void WaitAtExit() {
 struct PdfThread::State {
   std::mutex mutex;
   std::condition_variable changed;
-  std::deque<Job> jobs;
+  std::deque<std::pair<Kind, Job>> jobs;
+  /// A job that only reads is running.
+  bool isReading = false;
   bool isEnding = false;
   bool hasEnded = false;
 
   /// The next job; empty at the end. Jobs that nobody waits for are not begun.
   Job Next() {
     std::unique_lock lock(mutex);
+    isReading = false;
     changed.wait(lock, [this] { return isEnding || !jobs.empty(); });
     if (isEnding) return {};
-    Job job = std::move(jobs.front());
+    auto [kind, job] = std::move(jobs.front());
     jobs.pop_front();
-    return job;
+    isReading = kind == Kind::reading;
+    return std::move(job);
   }
 
   void SayEnded() {
@@ -81,6 +99,25 @@ struct PdfThread::State {
     changed.notify_all();
   }
 };
+
+bool PdfThread::IsEngineStuck() {
+  return isEngineStuck;
+}
+
+bool PdfThread::GoesInCircles() {
+  {
+    const std::lock_guard lock(state_->mutex);
+    if (!state_->isReading) {
+      lastReading_.reset();
+      return false;
+    }
+  }
+  const Reading now{StreamDevice::Reads(), ProcessorSeconds(thread_)};
+  if (!lastReading_ || now.reads != lastReading_->reads) lastReading_ = now;
+  if (now.seconds - lastReading_->seconds <= kMostSecondsWithoutByte) return false;
+  isEngineStuck = true;
+  return true;
+}
 
 PdfThread::PdfThread() : state_(std::make_shared<State>()) {
   WaitAtExit();
@@ -101,9 +138,10 @@ PdfThread::~PdfThread() {
   }
 }
 
-void PdfThread::Post(Job job) {
+void PdfThread::Post(Kind kind, Job job) {
+  lastReading_.reset();
   const std::lock_guard lock(state_->mutex);
-  state_->jobs.push_back(std::move(job));
+  state_->jobs.emplace_back(kind, std::move(job));
   state_->changed.notify_all();
 }
 

@@ -24,42 +24,41 @@ class Mark {
   bool& flag_;
 };
 
-/// True when the result is there, false when `keepGoing` gave up.
-template <class Result>
-bool WaitFor(const std::future<Result>& result, const PdfDocument::PdfKeepGoing& keepGoing) {
-  if (!keepGoing) {
-    result.wait();
-    return true;
-  }
-  while (result.wait_for(kBetweenQuestions) != std::future_status::ready)
-    if (!keepGoing()) return false;
-  return true;
-}
-
 }  // namespace
 
 template <class Result>
-std::optional<Result> QtPdfDocument::Ask(Work<Result> work, const PdfKeepGoing& keepGoing) const {
+std::optional<Result> QtPdfDocument::Ask(PdfThread::Kind kind, Work<Result> work,
+                                         const PdfKeepGoing& keepGoing) const {
   if (isWaiting_) throw Error("PDF: the file is being read already", fileName_);
+  RequireFreeEngine();
   const Mark mark(isWaiting_);
   // Whatever comes out of here early, the thread must not work for nobody.
   struct GivesUp {
     std::shared_ptr<std::atomic<bool>> flag = std::make_shared<std::atomic<bool>>(false);
     ~GivesUp() { *flag = true; }
   } givenUp;
-  const auto task = std::make_shared<std::packaged_task<Result(PdfEngine&)>>(
+  const auto job = std::make_shared<std::packaged_task<Result(PdfEngine&)>>(
       [work = std::move(work), flag = givenUp.flag](PdfEngine& engine) {
         return work(engine, *flag);
       });
-  std::future<Result> result = task->get_future();
-  thread_.Post([task](PdfEngine& engine) { (*task)(engine); });
-  if (!WaitFor(result, keepGoing)) return std::nullopt;
+  std::future<Result> result = job->get_future();
+  thread_.Post(kind, [job](PdfEngine& engine) { (*job)(engine); });
+  while (result.wait_for(kBetweenQuestions) != std::future_status::ready)
+    if (!GoesOn(keepGoing)) return std::nullopt;
   try {
     return result.get();
   } catch (Error& error) {
     error.AttachFile(fileName_);
     throw;
   }
+}
+
+bool QtPdfDocument::GoesOn(const PdfKeepGoing& keepGoing) const {
+  if (thread_.GoesInCircles()) {
+    throw FormatError("PDF: the file is damaged and sends its reader round in circles", fileName_);
+  }
+  RequireFreeEngine();
+  return !keepGoing || keepGoing();
 }
 
 void QtPdfDocument::LoadFromFile(const std::string& fileName, const std::string& password) {
@@ -71,7 +70,7 @@ void QtPdfDocument::LoadFromFile(const std::string& fileName, const std::string&
     pageCount_ = 0;
     pageSizes_.clear();
   }
-  pageCount_ = Ask<int>(open, {}).value();
+  pageCount_ = Ask<int>(PdfThread::Kind::reading, open, {}).value();
 }
 
 PdfPageSize QtPdfDocument::PageSize(int index) const {
@@ -92,10 +91,16 @@ bool QtPdfDocument::ExportPage(int index, double scale, PdfRotation rotation, TB
   const auto draw = [index, scale, rotation](PdfEngine& engine, const std::atomic<bool>& givenUp) {
     return engine.Draw(index, scale, rotation, givenUp);
   };
-  auto drawn = Ask<std::optional<TBitmap>>(draw, keepGoing);
+  auto drawn = Ask<std::optional<TBitmap>>(PdfThread::Kind::drawing, draw, keepGoing);
   if (!drawn || !*drawn) return false;
   bitmap = std::move(**drawn);
   return true;
+}
+
+void QtPdfDocument::RequireFreeEngine() const {
+  if (!PdfThread::IsEngineStuck()) return;
+  throw Error("PDF: a damaged file holds the drawing component; the program must be started again",
+              fileName_);
 }
 
 void QtPdfDocument::RequirePage(int index) const {
@@ -112,7 +117,8 @@ std::optional<PdfPageSize> QtPdfDocument::KnownPageSize(int index,
   const auto measure = [index](const PdfEngine& engine, const std::atomic<bool>&) {
     return engine.PageSize(index);
   };
-  const std::optional<PdfPageSize> size = Ask<PdfPageSize>(measure, keepGoing);
+  const std::optional<PdfPageSize> size =
+      Ask<PdfPageSize>(PdfThread::Kind::reading, measure, keepGoing);
   if (size) pageSizes_.emplace(index, *size);
   return size;
 }

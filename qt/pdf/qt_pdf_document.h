@@ -33,7 +33,11 @@ class QtPdfDocument : public PdfDocument {
   using Work = std::function<Result(PdfEngine&, const std::atomic<bool>& givenUp)>;
 
   template <class Result>
-  std::optional<Result> Ask(Work<Result> work, const PdfKeepGoing& keepGoing) const;
+  std::optional<Result> Ask(PdfThread::Kind kind, Work<Result> work,
+                            const PdfKeepGoing& keepGoing) const;
+  /// False when the question is answered with giving up. Throws when there is no point in waiting.
+  bool GoesOn(const PdfKeepGoing& keepGoing) const;
+  void RequireFreeEngine() const;
   void RequirePage(int index) const;
   /// Nothing when `keepGoing` gave up.
   std::optional<PdfPageSize> KnownPageSize(int index, const PdfKeepGoing& keepGoing) const;

@@ -18,6 +18,9 @@ class StreamDevice : public QIODevice {
   /// waits for ever for those that a shortened file only promises.
   qint64 size() const override;
 
+  /// How often any such device was read from.
+  static int64_t Reads();
+
  protected:
   qint64 readData(char* data, qint64 most) override;
   qint64 writeData(const char*, qint64) override { return -1; }

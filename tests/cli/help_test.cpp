@@ -12,7 +12,8 @@ using testing::IsEmpty;
 const std::vector<std::string> kVerbs = {
     "info",       "convert",  "rotate",  "mirror",    "crop",    "resize",    "gray",      "mono",
     "brightness", "contrast", "adjust",  "whiten",    "recolor", "key-color", "pdf-white", "opaque",
-    "swap-alpha", "palette",  "combine", "watermark", "icon",    "compare",   "geotiff",   "exif"};
+    "swap-alpha", "palette",  "combine", "watermark", "icon",    "compare",   "geotiff",   "exif",
+    "pdf"};
 
 TEST(CliHelp, Help_Should_NameVerbsExitCodesAndAnExample) {
   const ToolResult result = RunTool({"--help"});

@@ -50,6 +50,43 @@ TEST_F(PdfHostile, Document_Should_Survive_When_BytesAreChanged) {
   }
 }
 
+/// A page tree that contains itself: the engine never comes out of it. In a process of its own, for
+/// which it is lost.
+int ReadACircle(const std::string& file, const std::string& other) {
+  const std::unique_ptr<PdfDocument> document = std::make_unique<QtPdfDocument>();
+  try {
+    document->LoadFromFile(file);
+    return 1;
+  } catch (const FormatError& error) {
+    if (error.Reason() != "PDF: the file is damaged and sends its reader round in circles")
+      return 2;
+  }
+  try {
+    const std::unique_ptr<PdfDocument> next = std::make_unique<QtPdfDocument>();
+    next->LoadFromFile(other);
+    return 3;
+  } catch (const Error& error) {
+    return error.File() == other ? 7 : 4;
+  }
+}
+
+TEST_F(PdfHostile, LoadFromFile_Should_ComeBack_When_PagesGoRoundInCircles) {
+  std::string circle = Sample();
+  circle.replace(circle.find("/Kids [4 0 R"), 12, "/Kids [2 0 R");
+  const std::string file = Folder().Write("circle.pdf", circle);
+  const std::string other = Folder().Write("other.pdf", Sample());
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(std::exit(ReadACircle(file, other)), testing::ExitedWithCode(7), "");
+}
+
+TEST_F(PdfHostile, Document_Should_Survive_When_TheCountOfPagesIsWrong) {
+  for (const char* count : {"/Count 9", "/Count 0", "/Count -"}) {
+    std::string bytes = Sample();
+    bytes.replace(bytes.find("/Count 2"), 8, count);
+    Survive(bytes);
+  }
+}
+
 /// A file made for reading from a server says where its first page ends; cut before that place, the
 /// engine would wait for bytes that never come.
 TEST_F(PdfHostile, LoadFromFile_Should_NotWaitForEver_When_ALinearizedFileIsCut) {
