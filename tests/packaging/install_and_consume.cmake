@@ -40,6 +40,26 @@ if(DIALOGS)
   endif()
 endif()
 
+# A host that draws PDF pages and knows nothing of Qt, both ways; and the installed tool finds the library.
+if(PDF)
+  file(WRITE ${consumer}/page.pdf "%PDF-1.4
+1 0 obj << /Type /Catalog /Pages 2 0 R >> endobj
+2 0 obj << /Type /Pages /Kids [3 0 R] /Count 1 >> endobj
+3 0 obj << /Type /Page /Parent 2 0 R /MediaBox [0 0 72 72] >> endobj
+trailer << /Size 4 /Root 1 0 R >>
+")
+  run(${CMAKE_COMMAND} -S ${SOURCE}/tests/packaging/pdf_consumer -B ${consumer}/pdf -G Ninja
+      -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${COMPILER})
+  run(${CMAKE_COMMAND} --build ${consumer}/pdf)
+  run(${consumer}/pdf/consumer page.pdf)
+  execute_process(COMMAND pkg-config --cflags --libs rasterkit-pdf
+                  OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  separate_arguments(flags UNIX_COMMAND "${flags}")
+  run(${COMPILER} -std=c++20 ${SOURCE}/tests/packaging/pdf_consumer/consumer.cpp -o ${consumer}/pdf-by-pkg-config
+      ${flags})
+  run(${prefix}/${BINDIR}/rasterkit pdf page.pdf page.png)
+endif()
+
 # A host on Qt, both ways again.
 if(DIALOGS)
   set(ENV{QT_QPA_PLATFORM} offscreen)
