@@ -22,7 +22,7 @@ const DesktopDialogs& LoadDialogs() try {
 
 /// Runs a dialog, which takes the place where its error goes.
 template <typename Dialog>
-void Confirm(const Subject& picture, Dialog dialog) {
+void Confirm(const std::string& input, Dialog dialog) {
   std::string error;
   DesktopAnswer answer;
   {
@@ -30,9 +30,8 @@ void Confirm(const Subject& picture, Dialog dialog) {
     answer = dialog(error);
   }
   StopIfInterrupted();
-  if (answer == DesktopAnswer::failed) picture.Refuse(error);
-  if (answer == DesktopAnswer::cancelled)
-    throw Failure(exitAnswerIsNo, picture.job.input + ": cancelled");
+  if (answer == DesktopAnswer::failed) throw Failure(exitOutputNotWritten, input + ": " + error);
+  if (answer == DesktopAnswer::cancelled) throw Failure(exitAnswerIsNo, input + ": cancelled");
 }
 
 }  // namespace
@@ -47,18 +46,34 @@ Desktop::~Desktop() {
 }
 
 void Desktop::Adjust(TBitmap& bitmap, TChgBmpValuesRec& values, const Subject& picture) const {
-  Confirm(picture,
+  Confirm(picture.job.input,
           [&](std::string& error) { return dialogs_.adjustBitmap(bitmap, values, error); });
 }
 
 void Desktop::EditSize(int32_t& width, int32_t& height, const Subject& picture) const {
-  Confirm(picture, [&](std::string& error) { return dialogs_.editSize(width, height, error); });
+  Confirm(picture.job.input,
+          [&](std::string& error) { return dialogs_.editSize(width, height, error); });
 }
 
 void Desktop::ChooseCropRect(TRect& rect, const Subject& picture) const {
-  Confirm(picture, [&](std::string& error) {
+  Confirm(picture.job.input, [&](std::string& error) {
     return dialogs_.chooseCropRect(*picture.bitmap, rect, error);
   });
+}
+
+void Desktop::OpenFile(std::string& fileName) const {
+  Confirm("edit", [&](std::string& error) { return dialogs_.openFile(fileName, error); });
+}
+
+void Desktop::EditGraphic(const std::string& dir, std::string& fileName,
+                          std::unique_ptr<TGraphic>& graphic) const {
+  Confirm(dir + fileName,
+          [&](std::string& error) { return dialogs_.editGraphic(dir, fileName, graphic, error); });
+}
+
+void Desktop::ConvertPdfPage(const std::string& pdfFile, std::string& pictureFile) const {
+  Confirm(pdfFile,
+          [&](std::string& error) { return dialogs_.convertPdfPage(pdfFile, pictureFile, error); });
 }
 
 }  // namespace rasterkit::tool

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include <rasterkit/dialogs/desktop/desktop_dialogs.h>
@@ -28,6 +29,13 @@ class Desktop {
   void Adjust(TBitmap& bitmap, TChgBmpValuesRec& values, const Subject& picture) const;
   void EditSize(int32_t& width, int32_t& height, const Subject& picture) const;
   void ChooseCropRect(TRect& rect, const Subject& picture) const;
+
+  /// Lets the user choose a picture or PDF file. See BitmapOpenDialog.
+  void OpenFile(std::string& fileName) const;
+  /// See EditGraphic and ConvertPdfPageToBmpDialog.
+  void EditGraphic(const std::string& dir, std::string& fileName,
+                   std::unique_ptr<TGraphic>& graphic) const;
+  void ConvertPdfPage(const std::string& pdfFile, std::string& pictureFile) const;
 
  private:
   const DesktopDialogs& dialogs_;

@@ -63,7 +63,8 @@ int Main(int argc, char** argv) {
         AddResizeVerb, AddGrayVerb,      AddMonoVerb,    AddBrightnessVerb, AddContrastVerb,
         AddAdjustVerb, AddWhitenVerb,    AddRecolorVerb, AddKeyColorVerb,   AddPdfWhiteVerb,
         AddOpaqueVerb, AddSwapAlphaVerb, AddPaletteVerb, AddCombineVerb,    AddWatermarkVerb,
-        AddIconVerb,   AddCompareVerb,   AddGeoTiffVerb, AddExifVerb,       AddPdfVerb}) {
+        AddIconVerb,   AddCompareVerb,   AddGeoTiffVerb, AddExifVerb,       AddPdfVerb,
+        AddEditVerb}) {
     VerbRunner run = add(app);
     verbs.emplace_back(app.get_subcommands({}).back(), std::move(run));
   }

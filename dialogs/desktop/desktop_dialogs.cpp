@@ -1,9 +1,11 @@
 #include <exception>
 #include <memory>
 
+#include <rasterkit/bitmaptools/files/picture_file_dialogs.h>
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap.h>
 #include <rasterkit/dialogs/desktop/desktop_dialogs.h>
 #include <rasterkit/dialogs/editchangesize/edit_size.h>
+#include <rasterkit/dialogs/editpdfbitmap/edit_graphic.h>
 #include <rasterkit/dialogs/execbitmap/adjust_bitmap.h>
 #include <rasterkit/qt/modal_call.h>
 
@@ -59,7 +61,25 @@ DesktopAnswer Crop(TBitmap& bitmap, TRect& rect, std::string& error) noexcept {
   return AnswerOf([&] { return ChooseCropRect(bitmap, rect); }, error);
 }
 
-constexpr DesktopDialogs kDialogs = {Start, End, Adjust, Resize, Crop};
+DesktopAnswer OpenFile(std::string& fileName, std::string& error) noexcept {
+  return AnswerOf([&] { return BitmapOpenDialog("", "", bfLoadBmp, fileName, true); }, error);
+}
+
+DesktopAnswer Edit(const std::string& dir, std::string& fileName,
+                   std::unique_ptr<TGraphic>& graphic, std::string& error) noexcept {
+  int32_t unused[4] = {};
+  const auto edit = [&] {
+    return EditGraphic(dir, fileName, graphic, unused[0], unused[1], unused[2], unused[3]);
+  };
+  return AnswerOf(edit, error);
+}
+
+DesktopAnswer ConvertPage(const std::string& pdfFile, std::string& pictureFile,
+                          std::string& error) noexcept {
+  return AnswerOf([&] { return ConvertPdfPageToBmpDialog(pdfFile, pictureFile) > 0; }, error);
+}
+
+constexpr DesktopDialogs kDialogs = {Start, End, Adjust, Resize, Crop, OpenFile, Edit, ConvertPage};
 
 }  // namespace
 

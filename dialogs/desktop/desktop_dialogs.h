@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include <rasterkit/dialogs/execbitmap/change_bitmap.h>
 #include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/host/graphics/graphic.h>
 #include <rasterkit/host/runtime/export.h>
 
 namespace rasterkit {
@@ -29,10 +31,19 @@ struct DesktopDialogs {
   DesktopAnswer (*editSize)(int32_t& width, int32_t& height, std::string& error) noexcept;
   /// ChooseCropRect.
   DesktopAnswer (*chooseCropRect)(TBitmap& bitmap, TRect& rect, std::string& error) noexcept;
+
+  /// BitmapOpenDialog for pictures and PDF files.
+  DesktopAnswer (*openFile)(std::string& fileName, std::string& error) noexcept;
+  /// EditGraphic.
+  DesktopAnswer (*editGraphic)(const std::string& dir, std::string& fileName,
+                               std::unique_ptr<TGraphic>& graphic, std::string& error) noexcept;
+  /// ConvertPdfPageToBmpDialog; a file that is not there counts as cancelled.
+  DesktopAnswer (*convertPdfPage)(const std::string& pdfFile, std::string& pictureFile,
+                                  std::string& error) noexcept;
 };
 
 /// Goes up with every change of the table, or of a type that its functions take.
-inline constexpr int32_t kDesktopVersion = 1;
+inline constexpr int32_t kDesktopVersion = 2;
 
 inline constexpr const char* kDesktopEntry = "rasterkit_desktop_dialogs";
 

@@ -71,6 +71,7 @@ class TFormEditPdfBmp : public TScaledForm, private EditPdfBmpView {
   /// True when the key has been used and `receiver` must not see it.
   bool KeyDown(const QObject& receiver, const QKeyEvent& event);
   bool PressButton(const QObject& receiver, const QKeyEvent& event);
+  bool TakePage(const QObject& receiver, const QKeyEvent& event);
   bool IsForPage(const QObject& receiver, const QKeyEvent& event) const;
   void LeaveBox(const QObject& box);
   void TellIfCtrlIsHeld();

@@ -94,7 +94,7 @@ bool TFormEditPdfBmp::KeyDown(const QObject& receiver, const QKeyEvent& event) {
   if (comboKey && &receiver == ui_->CoBoResolution)
     return !model_->CoBoResolutionKeyPress(*comboKey);
   if (comboKey && &receiver == ui_->CoBoRotation) return !model_->CoBoRotationKeyPress(*comboKey);
-  if (PressButton(receiver, event)) return true;
+  if (PressButton(receiver, event) || TakePage(receiver, event)) return true;
   if (IsForPage(receiver, event)) return false;
   return model_->FormKeyDown(EditKeyOf(event), HoldsCtrl(event));
 }
@@ -115,14 +115,20 @@ bool TFormEditPdfBmp::PressButton(const QObject& receiver, const QKeyEvent& even
 bool TFormEditPdfBmp::IsForPage(const QObject& receiver, const QKeyEvent& event) const {
   if (&receiver != ui_->SpinEditPage) return false;
   if (event.key() == Qt::Key_Delete) return true;
-  return event.key() != Qt::Key_Escape && HasPageToCome(*ui_->SpinEditPage);
+  return event.key() != Qt::Key_Escape && !IsEnter(event) && HasPageToCome(*ui_->SpinEditPage);
 }
 
-// Reached by keys that no control has used. The dialog's own answers to Enter and Escape would pass
-// the model by.
+bool TFormEditPdfBmp::TakePage(const QObject& receiver, const QKeyEvent& event) {
+  if (&receiver != ui_->SpinEditPage || !IsEnter(event)) return false;
+  if (!HasPageToCome(*ui_->SpinEditPage)) return false;
+  ui_->SpinEditPage->interpretText();
+  return true;
+}
+
+// Reached by keys that came to the window itself, and by those that no control had a use for: to
+// ask twice changes nothing. The dialog's own answers to Enter and Escape would pass the model by.
 void TFormEditPdfBmp::keyPressEvent(QKeyEvent* event) {
-  const bool isSeen = focusWidget() != nullptr && focusWidget() != this;
-  event->setAccepted(!isSeen && KeyDown(*this, *event));
+  event->setAccepted(KeyDown(*this, *event));
 }
 
 void TFormEditPdfBmp::keyReleaseEvent(QKeyEvent* event) {

@@ -28,10 +28,16 @@ DesktopAnswer Fail(std::string& error) noexcept {
 }
 
 constexpr DesktopDialogs kDialogs = {
-    Start, End,
+    Start,
+    End,
     [](TBitmap&, TChgBmpValuesRec&, std::string& error) noexcept { return Fail(error); },
     [](int32_t&, int32_t&, std::string& error) noexcept { return Fail(error); },
-    [](TBitmap&, TRect&, std::string& error) noexcept { return Fail(error); }};
+    [](TBitmap&, TRect&, std::string& error) noexcept { return Fail(error); },
+    [](std::string&, std::string& error) noexcept { return Fail(error); },
+    [](const std::string&, std::string&, std::unique_ptr<TGraphic>&, std::string& error) noexcept {
+      return Fail(error);
+    },
+    [](const std::string&, std::string&, std::string& error) noexcept { return Fail(error); }};
 
 }  // namespace
 

@@ -1,0 +1,74 @@
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include <fmt/format.h>
+
+#include <rasterkit/bitmaptools/files/graphic_files.h>
+#include <rasterkit/bitmaptools/files/load_via_wic.h>
+#include <rasterkit/host/runtime/file_name.h>
+#include <rasterkit/host/runtime/text.h>
+
+#include "apps/rasterkit/desktop.h"
+#include "apps/rasterkit/exit_code.h"
+#include "apps/rasterkit/verbs.h"
+
+#include <CLI/CLI.hpp>
+
+namespace rasterkit::tool {
+namespace {
+
+std::unique_ptr<TGraphic> LoadAnything(const std::string& file) {
+  std::unique_ptr<TGraphic> graphic = LoadGraphic(file);
+  if (!graphic) graphic = LoadViaWic(file);
+  if (!graphic) throw Failure(exitInputUnreadable, file + ": cannot be read as a picture");
+  return graphic;
+}
+
+std::string EditPage(const Desktop& desktop, const std::string& file) {
+  std::string picture = ChangeFileExt(file, ".png");
+  desktop.ConvertPdfPage(file, picture);
+  return picture;
+}
+
+std::string EditPicture(const Desktop& desktop, const std::string& file) {
+  std::unique_ptr<TGraphic> graphic = LoadAnything(file);
+  std::string name = ExtractFileName(file);
+  desktop.EditGraphic(ExtractFilePath(file), name, graphic);
+  return name;
+}
+
+int Run(std::string file) {
+  // Before a window is asked for.
+  if (!file.empty() && !FileExists(file))
+    throw Failure(exitInputUnreadable, file + ": there is no such file");
+  const Desktop desktop;
+  if (file.empty()) desktop.OpenFile(file);
+  // The save dialog changes the current folder.
+  file = std::filesystem::absolute(ToPath(file)).string();
+  const bool isPdf = CompareText(ExtractFileExt(file), ".pdf") == 0;
+  fmt::print("{}\n", isPdf ? EditPage(desktop, file) : EditPicture(desktop, file));
+  return exitDone;
+}
+
+}  // namespace
+
+VerbRunner AddEditVerb(CLI::App& app) {
+  CLI::App& verb = *app.add_subcommand("edit", "edit a picture or a page of a PDF in a window");
+  verb.group("Verbs");
+  verb.footer(
+      "Turns, mirrors, crops, resizes, changes colours; a page of a PDF is drawn at the "
+      "resolution that you choose.\n"
+      "OK writes the picture in its folder, under the name that you give it, and prints that "
+      "name; with nothing\n"
+      "changed nothing is written. Whoever cancels gets exit code 1. Without FILE a window asks "
+      "for one.\n\n"
+      "Examples:\n"
+      "  rasterkit edit photo.jpg\n"
+      "  rasterkit edit plan.pdf");
+  const auto file = std::make_shared<std::string>();
+  verb.add_option("file", *file, "a picture or a PDF file")->type_name("FILE");
+  return [file] { return Run(*file); };
+}
+
+}  // namespace rasterkit::tool
