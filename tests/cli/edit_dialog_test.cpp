@@ -25,7 +25,8 @@ TEST_F(CliDialogEdit, Ok_Should_PrintTheName_AndWriteNothing_When_NothingWasChan
 
 TEST_F(CliDialogEdit, Cancel_Should_Exit1) {
   SavePngFile(folder_ / "in.png", GradientRaster(pf24bit, 60, 40));
-  const std::string page = folder_.Write("plan.pdf", PdfText({{"0 0 72 72", ""}}));
+  const std::string page = folder_ / "plan.pdf";
+  WriteText(page, PdfText({{"0 0 72 72", ""}}));
   for (const std::string& file : {folder_ / "in.png", page}) {
     for (const char* script : {"key Escape", "click nbCancel", "close"}) {
       const ToolResult result = Run({"edit", file}, script);
@@ -41,7 +42,8 @@ TEST_F(CliDialogEdit, FileThatCannotBeRead_Should_Exit3_WithoutAWindow) {
   const ToolResult missing = Run({"edit", folder_ / "missing.png"}, "");
   EXPECT_EQ(missing.code, 3);
   EXPECT_THAT(missing.err, HasSubstr("there is no such file"));
-  const ToolResult broken = Run({"edit", folder_.Write("broken.png", "no picture")}, "");
+  WriteText(folder_ / "broken.png", "no picture");
+  const ToolResult broken = Run({"edit", folder_ / "broken.png"}, "");
   EXPECT_EQ(broken.code, 3);
   EXPECT_THAT(broken.err, HasSubstr("cannot be read as a picture"));
 }
