@@ -1,6 +1,7 @@
 #include <memory>
 
 #include "apps/rasterkit/draw_pages.h"
+#include "apps/rasterkit/numbers.h"
 #include "apps/rasterkit/page_list.h"
 #include "apps/rasterkit/pdf_report.h"
 #include "apps/rasterkit/verbs.h"
@@ -12,15 +13,20 @@ namespace {
 
 constexpr double kLeastDpi = 1, kMostDpi = 20000;
 
+/// (A range of the command line's library takes what is no number.)
+std::string CheckDpi(const std::string& text) {
+  const auto dpi = ParseNumber(text);
+  if (dpi && *dpi >= kLeastDpi && *dpi <= kMostDpi) return {};
+  return "pixels an inch are a number from 1 to 20000, not '" + text + "'";
+}
+
 void AddPdfOptions(CLI::App& verb, PdfOptions& options) {
   verb.add_option("--page", options.pages,
                   "pages to draw, counted from 1: 3, or 1-3,7 or 5- with --out-dir [1; all with "
                   "--out-dir]")
       ->check(CheckPages)
       ->type_name("LIST");
-  verb.add_option("--dpi", options.dpi, "pixels an inch [150]")
-      ->check(CLI::Range(kLeastDpi, kMostDpi))
-      ->type_name("D");
+  verb.add_option("--dpi", options.dpi, "pixels an inch [150]")->check(CheckDpi)->type_name("D");
   verb.add_option("--rotate", options.rotate,
                   "turn by -90, 0, 90, 180 or 270 degrees, positive counter-clockwise [0]")
       ->check(CLI::IsMember({-90, 0, 90, 180, 270}))

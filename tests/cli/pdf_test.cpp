@@ -116,9 +116,9 @@ TEST_F(CliPdf, Colors_Should_GoDown_When_GrayOrMonoIsAsked) {
   EXPECT_EQ(Run({In("plan.pdf"), In("gray.png"), "--gray", "--dpi", "100"}).code, 0);
   const Raster gray = LoadFile(In("gray.png"));
   EXPECT_EQ(gray.Format(), pf8bit);
-  EXPECT_EQ(gray.PixelColor(5, 5), 0x4C4C4Cu);
-  EXPECT_EQ(Run({In("plan.pdf"), In("mono.tif"), "--mono", "--dpi", "100"}).code, 0);
-  const Raster mono = LoadFile(In("mono.tif"));
+  EXPECT_EQ(gray.PixelColor(5, 5), 0x4B4B4Bu);
+  EXPECT_EQ(Run({In("plan.pdf"), In("mono.png"), "--mono", "--dpi", "100"}).code, 0);
+  const Raster mono = LoadFile(In("mono.png"));
   EXPECT_EQ(mono.Format(), pf1bit);
   EXPECT_EQ(mono.PixelColor(5, 5), 0x000000u);
   EXPECT_EQ(mono.PixelColor(45, 5), 0xFFFFFFu);
