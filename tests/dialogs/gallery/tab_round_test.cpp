@@ -43,7 +43,8 @@ class TabRound : public testing::TestWithParam<std::string> {
       if (exhibited.name == GetParam()) form = exhibited.make();
     form->show();
     form->activateWindow();
-    QApplication::processEvents();
+    // Only then is the focus painted.
+    EXPECT_TRUE(QTest::qWaitForWindowActive(form.get()));
   }
   std::unique_ptr<QWidget> form;
 };
