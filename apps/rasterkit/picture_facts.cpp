@@ -1,6 +1,8 @@
 #include "apps/rasterkit/picture_facts.h"
 
 #include <rasterkit/host/raster/pixel_format.h>
+#include <rasterkit/host/runtime/file_name.h>
+#include <rasterkit/host/runtime/text.h>
 
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/picture_file.h"
@@ -50,7 +52,16 @@ void TakePositions(PictureFacts& facts) {
     facts.warnings.push_back(*doubt);
 }
 
+/// Under any other name programs take it for a picture, which it is not.
+bool IsCalledPdf(const std::string& file) {
+  return UpperCase(ExtractFileExt(file)) == ".PDF";
+}
+
 void TakePdfFacts(PictureFacts& facts) {
+  if (!IsCalledPdf(facts.file)) {
+    facts.error += "; a PDF file needs a name that ends in .pdf";
+    return;
+  }
   try {
     facts.pdf = GatherPdfFacts(facts.file, facts.warnings);
     facts.error.clear();

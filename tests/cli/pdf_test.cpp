@@ -280,6 +280,20 @@ TEST_F(CliPdf, Info_Should_CountThePages_When_FileIsAPdf) {
             "PDF: the file is encrypted and needs a password");
 }
 
+TEST_F(CliPdf, Info_Should_RefuseAPdf_When_ItIsCalledAPicture) {
+  for (const char* name : {"plan.tif", "plan", "plan.pdf.jpg"}) {
+    std::filesystem::copy_file(In("plan.pdf"), In(name));
+    const ToolResult result = RunTool({"info", "--json", In(name)});
+    EXPECT_EQ(result.code, 3) << name;
+    const json facts = JsonLines(result.out).at(0);
+    EXPECT_EQ(facts["type"], "pdf") << name;
+    EXPECT_EQ(facts["ok"], false) << name;
+    EXPECT_THAT(std::string(facts["error"]), HasSubstr("needs a name that ends in .pdf")) << name;
+  }
+  std::filesystem::copy_file(In("plan.pdf"), In("LARGE.PDF"));
+  EXPECT_EQ(RunTool({"info", In("LARGE.PDF")}).code, 0);
+}
+
 TEST_F(CliPdf, EveryFile_Should_EndInWords_When_ItIsOfTheCorpus) {
   if (CorpusFolder().empty()) GTEST_SKIP() << "no corpus";
   for (const auto& entry : CorpusEntries("pdf")) {

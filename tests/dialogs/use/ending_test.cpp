@@ -28,6 +28,10 @@ struct Way {
   void (*end)(QWidget& window);
 };
 
+void PrintTo(const Way& way, std::ostream* out) {
+  *out << way.name;
+}
+
 constexpr Way kWays[] = {
     {"Escape", [](QWidget& window) { QTest::keyClick(&window, Qt::Key_Escape); }},
     {"Frame", [](QWidget& window) { window.close(); }},
@@ -44,7 +48,7 @@ class Ending : public testing::TestWithParam<Way> {
       WhenModal([&](QWidget& window) {
         // The focus comes with the activation.
         window.activateWindow();
-        QApplication::processEvents();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
         touch(window);
         GetParam().end(window);
       });

@@ -24,7 +24,7 @@ class Keyboard {
  public:
   explicit Keyboard(QWidget& window) : window_(window) {
     window.activateWindow();
-    QApplication::processEvents();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
   }
 
   Keyboard& Press(Qt::Key key, Qt::KeyboardModifiers keys = Qt::NoModifier, int times = 1) {
