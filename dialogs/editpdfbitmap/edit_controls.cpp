@@ -9,8 +9,8 @@ EditControls::EditControls(EditPdfBmpView& view) : view_(view) {
         EditControl::LabelPage, EditControl::SpinEditPage, EditControl::LabelPageSize})
     Of(hidden).visible = false;
   Of(EditControl::SpeedButtonCut).enabled = false;
-  Of(EditControl::CoBoResolution).text = "150";
-  Of(EditControl::CoBoRotation).text = "0";
+  TakeText(EditControl::CoBoResolution, "150");
+  TakeText(EditControl::CoBoRotation, "0");
   ShowAll();
 }
 

@@ -66,7 +66,7 @@ TEST_F(WindowSettingsTest, Window_Should_ComeBackMaximised_When_ItWasSavedSo) {
 
 TEST_F(WindowSettingsTest, Window_Should_NotOpenMaximised_When_ItWasSavedAtItsOwnSize) {
   Keep(60, 70, 200, 150);
-  kept_["Settings/Form.Maximized"] = "0";
+  kept_.insert_or_assign("Settings/Form.Maximized", std::string("0"));
   QWidget window;
   window.setObjectName("Form");
   window.setWindowState(Qt::WindowMaximized);
