@@ -19,4 +19,4 @@ endif()
 # The same objects as an archive, for tests and for the dialogs' tests.
 add_library(rasterkit_pdf_for_tests STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:rasterkit_pdf_objects>)
 rasterkit_settings(rasterkit_pdf_for_tests)
-target_link_libraries(rasterkit_pdf_for_tests PUBLIC Qt6::Gui Qt6::Pdf fmt::fmt)
+target_link_libraries(rasterkit_pdf_for_tests PUBLIC rasterkit_for_tests Qt6::Gui Qt6::Pdf fmt::fmt)
