@@ -13,6 +13,7 @@
 #include "tests/support/full_run.h"
 #include "tests/support/profiles.h"
 #include "tests/support/same_pixels.h"
+#include "tests/support/sanitizers.h"
 #include "tests/support/test_pictures.h"
 
 namespace rasterkit::test {
@@ -20,16 +21,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
-
-constexpr bool IsSanitized() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  return true;
-#elif defined(__has_feature)
-  return __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-  return false;
-#endif
-}
 
 class CliConvert : public testing::Test {
  protected:

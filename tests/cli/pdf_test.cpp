@@ -16,6 +16,7 @@
 #include "tests/support/corpus.h"
 #include "tests/support/pdf_file.h"
 #include "tests/support/same_pixels.h"
+#include "tests/support/sanitizers.h"
 
 namespace rasterkit::test {
 namespace {
@@ -307,6 +308,7 @@ TEST_F(CliPdf, EveryFile_Should_EndInWords_When_ItIsOfTheCorpus) {
 
 /// Without the library the tool still runs; librasterkit alone is found through the loader's path.
 TEST(CliPdfAbsent, Pdf_Should_SayWhatIsMissing_When_TheLibraryIsNotInstalled) {
+  if (IsSanitized()) GTEST_SKIP() << "libraries are looked for on the program's path";
   const TempFolder folder;
   WriteText(folder / "plan.pdf", PdfText({{}}));
   const std::filesystem::path tool = RASTERKIT_TOOL;
