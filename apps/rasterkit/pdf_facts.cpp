@@ -25,7 +25,7 @@ PdfFacts GatherPdfFacts(const std::string& file, std::vector<std::string>& warni
   try {
     facts.firstPage = SizeOfPage(*document, file, 1);
   } catch (const Failure&) {
-    warnings.push_back("page 1 is damaged");
+    warnings.emplace_back("page 1 is damaged");
   }
   return facts;
 }

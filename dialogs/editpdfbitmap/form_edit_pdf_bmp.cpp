@@ -64,7 +64,7 @@ TFormEditPdfBmp::TFormEditPdfBmp(QWidget* parent)
 TFormEditPdfBmp::~TFormEditPdfBmp() {
   // A box that loses the focus tells the model, which must be there still.
   hide();
-  ShowHourglass(false);
+  TFormEditPdfBmp::ShowHourglass(false);
 }
 
 int TFormEditPdfBmp::ShowEditor(std::function<void()> onShown) {
