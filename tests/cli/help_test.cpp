@@ -10,10 +10,10 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 const std::vector<std::string> kVerbs = {
-    "info",       "convert",  "rotate",  "mirror",    "crop",    "resize",    "gray",      "mono",
-    "brightness", "contrast", "adjust",  "whiten",    "recolor", "key-color", "pdf-white", "opaque",
-    "swap-alpha", "palette",  "combine", "watermark", "icon",    "compare",   "geotiff",   "exif",
-    "pdf"};
+    "info",      "convert",    "rotate",     "mirror",  "crop",    "resize",    "gray",
+    "mono",      "brightness", "contrast",   "adjust",  "whiten",  "recolor",   "key-color",
+    "pdf-white", "opaque",     "swap-alpha", "palette", "combine", "watermark", "icon",
+    "compare",   "geotiff",    "exif",       "pdf"};
 
 TEST(CliHelp, Help_Should_NameVerbsExitCodesAndAnExample) {
   const ToolResult result = RunTool({"--help"});

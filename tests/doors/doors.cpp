@@ -14,16 +14,26 @@ struct Room {
 
 /// From the ground up. Rooms of one floor do not know each other.
 constexpr Room kRooms[] = {
-    {"package/strings.", 0},    {"host/runtime/", 1},
-    {"host/kernels/", 2},       {"host/raster/", 3},
-    {"host/codecs/", 4},        {"host/metafiles/", 5},
-    {"host/graphics/", 6},      {"bitmaptools/pixels/", 7},
-    {"bitmaptools/engine/", 8}, {"tifftobmp/", 9},
-    {"jpegexif/", 9},           {"bitmaptools/files/", 10},
-    {"package/", 11},           {"qt/pdf/", 12},
-    {"qt/", 13},                {"dialogs/", 14},
-    {"umbrella/qt.", 14},       {"umbrella/", 15},
-    {"apps/", 16},              {"examples/", 16},
+    {"package/strings.", 0},
+    {"host/runtime/", 1},
+    {"host/kernels/", 2},
+    {"host/raster/", 3},
+    {"host/codecs/", 4},
+    {"host/metafiles/", 5},
+    {"host/graphics/", 6},
+    {"bitmaptools/pixels/", 7},
+    {"bitmaptools/engine/", 8},
+    {"tifftobmp/", 9},
+    {"jpegexif/", 9},
+    {"bitmaptools/files/", 10},
+    {"package/", 11},
+    {"qt/pdf/", 12},
+    {"qt/", 13},
+    {"dialogs/", 14},
+    {"umbrella/qt.", 14},
+    {"umbrella/", 15},
+    {"apps/", 16},
+    {"examples/", 16},
 };
 
 const Room* RoomOf(std::string_view path) {
