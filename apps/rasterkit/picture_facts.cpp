@@ -54,7 +54,7 @@ void TakePositions(PictureFacts& facts) {
 
 /// Under any other name programs take it for a picture, which it is not.
 bool IsCalledPdf(const std::string& file) {
-  return UpperCase(ExtractFileExt(file)) == ".PDF";
+  return CompareText(ExtractFileExt(file), ".pdf") == 0;
 }
 
 void TakePdfFacts(PictureFacts& facts) {
