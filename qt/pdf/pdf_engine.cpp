@@ -60,30 +60,39 @@ QPdfDocumentRenderOptions Options(PdfRotation rotation) {
   return options;
 }
 
-void PutRowsOnWhite(const QImage& image, int first, int last, TBitmap& bitmap) {
+void PutRowsOnWhite(const QImage& image, int first, int last, Raster& raster) {
   const auto width = static_cast<size_t>(image.width());
   for (int y = first; y < last; ++y) {
-    uint8_t* row = bitmap.ScanLine(y);
+    uint8_t* row = raster.Row(y);
     PutOnWhite(image.constScanLine(y), width, row);
-    std::fill(row + 3 * width, row + bitmap.Stride(), uint8_t{0});
+    std::fill(row + 3 * width, row + raster.Stride(), uint8_t{0});
   }
 }
 
-/// The engine's picture, four bytes a pixel, shrinks while the bitmap of three grows, so that both
-/// never take more than the former alone.
-bool MoveOntoWhite(QImage& image, const std::atomic<bool>& givenUp, TBitmap& bitmap) {
+/// The engine's picture, four bytes a pixel, shrinks while the raster of three grows, so that both
+/// never take more than the former alone. That holds for rows that nobody has touched yet.
+bool MoveOntoWhite(QImage& image, const std::atomic<bool>& givenUp, Raster& raster) {
   uint8_t* const data = image.bits();
   const auto rowBytes = static_cast<size_t>(image.bytesPerLine());
   size_t released = 0;
   for (int y = 0; y < image.height(); y += kRowsAtOnce) {
     if (givenUp) return false;
     const int end = std::min(y + kRowsAtOnce, image.height());
-    PutRowsOnWhite(image, y, end, bitmap);
+    PutRowsOnWhite(image, y, end, raster);
     const size_t done = static_cast<size_t>(end) * rowBytes;
     ReleasePages(data + released, done - released);
     released = done;
   }
   return true;
+}
+
+Raster FreshRows(QSize size) {
+  try {
+    return {pf24bit, size.width(), size.height()};
+  } catch (const LimitError&) {
+    // The budget was asked before; what is left is a system without memory.
+    throw std::bad_alloc();
+  }
 }
 
 }  // namespace
@@ -139,16 +148,10 @@ std::optional<TBitmap> PdfEngine::Draw(int index, double scale, PdfRotation rota
   const QSize size(static_cast<int>(pixels.width), static_cast<int>(pixels.height));
   QImage image = Render(index, size, rotation);
   if (givenUp) return std::nullopt;
-  TBitmap bitmap;
-  try {
-    bitmap.ResetPixels(pf24bit, size.width(), size.height());
-  } catch (const LimitError&) {
-    // The budget was asked before; what is left is a system without memory.
-    throw std::bad_alloc();
-  }
-  if (!MoveOntoWhite(image, givenUp, bitmap)) return std::nullopt;
-  bitmap.SetDpi({PdfResolution(scale), PdfResolution(scale)});
-  return bitmap;
+  Raster raster = FreshRows(size);
+  if (!MoveOntoWhite(image, givenUp, raster)) return std::nullopt;
+  raster.resolution = {PdfResolution(scale), PdfResolution(scale)};
+  return TBitmap(std::move(raster));
 }
 
 }  // namespace rasterkit

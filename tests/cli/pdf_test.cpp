@@ -77,6 +77,15 @@ TEST_F(CliPdf, FirstPage_Should_BeDrawnAt150Dpi_When_NothingIsSaid) {
   EXPECT_EQ(page.PixelColor(10, 10), 0x0000FFu);
 }
 
+TEST_F(CliPdf, LargePage_Should_TakeFourBytesAPixelAtMost_When_ItIsDrawnAndWritten) {
+  if (IsSanitized()) GTEST_SKIP() << "the sanitizers' own memory counts as well";
+  const ToolResult result = Run({In("plan.pdf"), In("out.bmp"), "--dpi", "8000"});
+  EXPECT_EQ(result.code, 0) << result.err;
+  constexpr uint64_t pixels = 4000 * 8000;
+  EXPECT_EQ(std::filesystem::file_size(In("out.bmp")), 54 + 3 * pixels);
+  EXPECT_LE(result.peakMemory, 4 * pixels + (uint64_t{64} << 20));
+}
+
 TEST_F(CliPdf, Pages_Should_BeNumbered_When_TheyGoIntoAFolder) {
   EXPECT_EQ(Run({In("plan.pdf"), "--out-dir", In("out")}).code, 0);
   EXPECT_TRUE(std::filesystem::exists(In("out/plan-1.png")));
