@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cmath>
+#include <optional>
+
+namespace rasterkit {
+
+/// A point of a drawing; what the unit is, the user says.
+struct PointD {
+  double x = 0, y = 0;
+  friend bool operator==(const PointD&, const PointD&) = default;
+};
+
+/// Two corners, in any order; right and bottom lie outside where pixels are meant.
+struct RectD {
+  double left = 0, top = 0, right = 0, bottom = 0;
+  double Width() const { return right - left; }
+  double Height() const { return bottom - top; }
+  friend bool operator==(const RectD&, const RectD&) = default;
+};
+
+/// An affine map of the plane, with row vectors as metafiles write them:
+///
+///     x' = m11 x + m21 y + dx
+///     y' = m12 x + m22 y + dy
+struct Affine {
+  double m11 = 1, m12 = 0, m21 = 0, m22 = 1, dx = 0, dy = 0;
+
+  static Affine Scaling(double x, double y) { return {x, 0, 0, y, 0, 0}; }
+  static Affine Translation(double x, double y) { return {1, 0, 0, 1, x, y}; }
+
+  PointD operator()(const PointD& p) const {
+    return {m11 * p.x + m21 * p.y + dx, m12 * p.x + m22 * p.y + dy};
+  }
+  /// The map without its translation: for lengths and directions.
+  PointD Direction(const PointD& d) const { return {m11 * d.x + m21 * d.y, m12 * d.x + m22 * d.y}; }
+  double Determinant() const { return m11 * m22 - m12 * m21; }
+  /// The factor that areas keep: the side of the square that a unit square is as large as.
+  double MeanScale() const { return std::sqrt(std::abs(Determinant())); }
+  /// Rectangles along the axes stay such.
+  bool KeepsAxes() const { return (m12 == 0 && m21 == 0) || (m11 == 0 && m22 == 0); }
+
+  /// First this map, then `next`.
+  Affine Then(const Affine& next) const {
+    return {m11 * next.m11 + m12 * next.m21,         m11 * next.m12 + m12 * next.m22,
+            m21 * next.m11 + m22 * next.m21,         m21 * next.m12 + m22 * next.m22,
+            dx * next.m11 + dy * next.m21 + next.dx, dx * next.m12 + dy * next.m22 + next.dy};
+  }
+  /// The way back; nothing for a map that folds the plane onto a line, or with numbers that are not
+  /// finite.
+  std::optional<Affine> Inverse() const {
+    const double d = Determinant();
+    if (d == 0 || !std::isfinite(d) || !std::isfinite(1 / d)) return std::nullopt;
+    return Affine{
+        m22 / d, -m12 / d, -m21 / d, m11 / d, (m21 * dy - m22 * dx) / d, (m12 * dx - m11 * dy) / d};
+  }
+  bool IsFinite() const {
+    return std::isfinite(m11) && std::isfinite(m12) && std::isfinite(m21) && std::isfinite(m22) &&
+           std::isfinite(dx) && std::isfinite(dy);
+  }
+  friend bool operator==(const Affine&, const Affine&) = default;
+};
+
+}  // namespace rasterkit
