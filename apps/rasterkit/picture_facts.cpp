@@ -2,7 +2,6 @@
 
 #include <rasterkit/host/raster/pixel_format.h>
 #include <rasterkit/host/runtime/file_name.h>
-#include <rasterkit/host/runtime/text.h>
 
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/picture_file.h"
@@ -52,13 +51,9 @@ void TakePositions(PictureFacts& facts) {
     facts.warnings.push_back(*doubt);
 }
 
-/// Under any other name programs take it for a picture, which it is not.
-bool IsCalledPdf(const std::string& file) {
-  return CompareText(ExtractFileExt(file), ".pdf") == 0;
-}
-
 void TakePdfFacts(PictureFacts& facts) {
-  if (!IsCalledPdf(facts.file)) {
+  // Under any other name programs take it for a picture, which it is not.
+  if (!IsPdfName(facts.file)) {
     facts.error += "; a PDF file needs a name that ends in .pdf";
     return;
   }

@@ -2,7 +2,6 @@
 #include <rasterkit/bitmaptools/files/picture_file_dialogs.h>
 #include <rasterkit/host/runtime/file_name.h>
 #include <rasterkit/host/runtime/ports.h>
-#include <rasterkit/host/runtime/text.h>
 
 namespace rasterkit {
 namespace {
@@ -55,8 +54,7 @@ bool BitmapOpenDialog(const std::string& initialDir, const std::string& defaultE
   dialog.InitialDir = initialDir;
   dialog.FileName = fileName;
   if (!ExecutePictureFileDialog(dialog)) return false;
-  const bool isPdf = CompareText(ExtractFileExt(dialog.FileName), ".pdf") == 0;
-  if (!isPdf || keepPdf) {
+  if (!IsPdfName(dialog.FileName) || keepPdf) {
     fileName = dialog.FileName;
     return true;
   }

@@ -19,8 +19,4 @@ std::string EditFileNames::Title(const std::string& caption) const {
   return (inFull ? fOrgFilename : ExtractFileName(fOrgFilename)) + " - " + caption;
 }
 
-bool IsPdfName(const std::string& fileName) {
-  return CompareText(ExtractFileExt(fileName), ".pdf") == 0;
-}
-
 }  // namespace rasterkit

@@ -23,7 +23,4 @@ struct EditFileNames {
   std::string Title(const std::string& caption) const;
 };
 
-/// By its extension, whatever its case.
-bool IsPdfName(const std::string& fileName);
-
 }  // namespace rasterkit

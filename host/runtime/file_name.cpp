@@ -1,6 +1,7 @@
 #include <system_error>
 
 #include <rasterkit/host/runtime/file_name.h>
+#include <rasterkit/host/runtime/text.h>
 
 namespace rasterkit {
 namespace {
@@ -33,6 +34,10 @@ std::string ExtractFilePath(std::string_view fileName) {
 
 std::string ChangeFileExt(std::string_view fileName, std::string_view extension) {
   return std::string(fileName.substr(0, ExtensionStart(fileName))).append(extension);
+}
+
+bool IsPdfName(std::string_view fileName) {
+  return CompareText(ExtractFileExt(fileName), ".pdf") == 0;
 }
 
 std::filesystem::path ToPath(std::string_view fileName) {

@@ -23,6 +23,9 @@ RASTERKIT_EXPORT std::string ExtractFilePath(std::string_view fileName);
 /// Replaces the extension (or appends it when there is none); `extension` is given with its dot.
 RASTERKIT_EXPORT std::string ChangeFileExt(std::string_view fileName, std::string_view extension);
 
+/// Whether the extension is ".pdf", whatever its case.
+RASTERKIT_EXPORT bool IsPdfName(std::string_view fileName);
+
 /// The one door from a UTF-8 name to the file system's own.
 RASTERKIT_EXPORT std::filesystem::path ToPath(std::string_view fileName);
 

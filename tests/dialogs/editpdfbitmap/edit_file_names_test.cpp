@@ -67,13 +67,5 @@ TEST(EditFileNames, Title_Should_HoldTheBareName_When_APdfLiesElsewhere) {
   EXPECT_EQ(names.Title("C"), "plan.pdf - C");
 }
 
-TEST(IsPdfName, Should_GoByTheExtension_WhateverItsCase) {
-  EXPECT_TRUE(IsPdfName("a.pdf"));
-  EXPECT_TRUE(IsPdfName("dir.x/a.b.PDF"));
-  EXPECT_FALSE(IsPdfName("a.pdf.png"));
-  EXPECT_FALSE(IsPdfName("pdf"));
-  EXPECT_FALSE(IsPdfName(""));
-}
-
 }  // namespace
 }  // namespace rasterkit::test

@@ -43,6 +43,15 @@ TEST(ChangeFileExtTest, ReplacesOrAppends) {
   EXPECT_EQ(ChangeFileExt("", ".bmp"), ".bmp");
 }
 
+TEST(IsPdfNameTest, GoesByTheExtensionWhateverItsCase) {
+  EXPECT_TRUE(IsPdfName("a.pdf"));
+  EXPECT_TRUE(IsPdfName("dir.x/a.b.PDF"));
+  EXPECT_FALSE(IsPdfName("a.pdf.png"));
+  EXPECT_FALSE(IsPdfName("pdf"));
+  EXPECT_FALSE(IsPdfName("dir.pdf/a"));
+  EXPECT_FALSE(IsPdfName(""));
+}
+
 TEST(ToPathTest, TakesUtf8) {
   EXPECT_TRUE(ToPath("Pläne/Übersicht.bmp").filename().u8string() == u8"Übersicht.bmp");
   EXPECT_EQ(ToPath("a\xFF").string(), "a\xFF") << "names of the system need not be UTF-8";
