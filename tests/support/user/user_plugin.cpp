@@ -1,9 +1,11 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QPointer>
 #include <QTimer>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include "tests/support/user/user_script.h"
 
@@ -13,7 +15,8 @@ namespace rasterkit::test {
 namespace {
 
 /// Waits for modal windows and does in each what RASTERKIT_USER says: steps with semicolons between
-/// them, windows with bars ("type FlEdW 30; click ButtonOK | key Escape"). "action TEXT" in place
+/// them, windows with bars in the order in which they open ("type FlEdW 30; click ButtonOK | key
+/// Escape"); a window that a step opens is dealt with before the next step. "action TEXT" in place
 /// of a window's steps is a command of the program's own window, "quit" closes that. A window that
 /// is still there after its steps, and one that nobody expected, is said on stderr and closed, so
 /// that no program waits for ever.
@@ -26,18 +29,22 @@ class User : public QObject {
 
  protected:
   void timerEvent(QTimerEvent*) override {
-    if (isActing_) return;
     auto* const window = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (window == nullptr) return Command();
-    if (!window->isVisible() || !isShown(*window)) return;
-    isActing_ = true;
-    Act(*window);
-    isActing_ = false;
+    if (window == actsOn_ || !window->isVisible() || !IsReady(*window)) return;
+    const QPointer<QDialog> before = std::exchange(actsOn_, window);
+    // Not from here: the timer rests until this event is over, and a step may open a window.
+    const auto act = [this, before] {
+      if (actsOn_) Act(*actsOn_);
+      actsOn_ = before;
+    };
+    QMetaObject::invokeMethod(this, act, Qt::QueuedConnection);
   }
 
  private:
   /// The command opens windows of its own, and is therefore not waited for.
   void Command() {
+    if (actsOn_) return;
     const QString script = scripts_.value(next_).trimmed();
     const bool quits = script == QLatin1String("quit");
     if (!quits && !script.startsWith(QLatin1String("action "))) return;
@@ -52,11 +59,15 @@ class User : public QObject {
     }
   }
 
-  /// Painted once, so that its layout is settled.
-  bool isShown(const QDialog& window) {
-    const bool isNew = seen_ != &window;
-    seen_ = &window;
-    return !isNew;
+  /// Painted once, so that its layout is settled, and not busy; but nobody waits for ever.
+  bool IsReady(const QDialog& window) {
+    constexpr int longest = 500;
+    if (std::exchange(seen_, &window) != &window) {
+      waited_ = 0;
+      return false;
+    }
+    const QString script = scripts_.value(next_);
+    return ++waited_ > longest || CanDoStep(window, script.section(QLatin1Char(';'), 0, 0));
   }
 
   void Act(QDialog& window) {
@@ -65,7 +76,8 @@ class User : public QObject {
       return Leave(window, QStringLiteral("nobody expected this window"));
     const QString script = scripts_[next_++];
     for (const QString& step : script.split(QLatin1Char(';')))
-      if (!DoStep(window, step)) return Leave(window, QLatin1String("cannot do:") + step);
+      if (!DoStep(window, step))
+        return Leave(window, QLatin1String("cannot do: ") + step.trimmed());
     if (window.isVisible()) Leave(window, QStringLiteral("the window is still there"));
   }
 
@@ -76,8 +88,9 @@ class User : public QObject {
 
   QStringList scripts_;
   int next_ = 0;
-  bool isActing_ = false;
+  QPointer<QDialog> actsOn_;
   const QDialog* seen_ = nullptr;
+  int waited_ = 0;
 };
 
 class UserPlugin : public QGenericPlugin {

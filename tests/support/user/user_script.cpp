@@ -1,7 +1,10 @@
 #include "tests/support/user/user_script.h"
 
+#include <QAbstractButton>
 #include <QTest>
+#include <algorithm>
 #include <csignal>
+#include <iterator>
 
 namespace rasterkit::test {
 namespace {
@@ -17,12 +20,12 @@ bool Click(QWidget* widget) {
   return true;
 }
 
-bool Type(QWidget* widget, const QString& text) {
+bool Type(QWidget* widget, const QString& text, Qt::Key last) {
   if (widget == nullptr || !widget->isEnabled()) return false;
   widget->setFocus();
   QTest::keyClick(widget, Qt::Key_A, Qt::ControlModifier);
   QTest::keyClicks(widget, text);
-  QTest::keyClick(widget, Qt::Key_Tab);
+  QTest::keyClick(widget, last);
   return true;
 }
 
@@ -45,14 +48,37 @@ bool Press(QWidget& window, const QString& key) {
   return true;
 }
 
+const QLatin1String kOnWidgets[] = {QLatin1String("click"), QLatin1String("type"),
+                                    QLatin1String("enter"), QLatin1String("drag")};
+
+QStringList WordsOf(const QString& step) {
+  return step.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+QWidget* WidgetOf(const QWidget& window, const QString& name) {
+  if (auto* const widget = window.findChild<QWidget*>(name)) return widget;
+  for (QAbstractButton* const button : window.findChildren<QAbstractButton*>())
+    if (button->text().remove(QLatin1Char('&')) == name) return button;
+  return nullptr;
+}
+
 }  // namespace
 
+bool CanDoStep(const QWidget& window, const QString& step) {
+  const QStringList words = WordsOf(step);
+  const auto isOne = [&](QLatin1String what) { return what == words.value(0); };
+  if (std::none_of(std::begin(kOnWidgets), std::end(kOnWidgets), isOne)) return true;
+  const QWidget* const widget = WidgetOf(window, words.value(1));
+  return widget != nullptr && widget->isEnabled();
+}
+
 bool DoStep(QWidget& window, const QString& step) {
-  const QStringList words = step.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+  const QStringList words = WordsOf(step);
   const QString what = words.value(0);
-  QWidget* const widget = window.findChild<QWidget*>(words.value(1));
+  QWidget* const widget = WidgetOf(window, words.value(1));
   if (what == QLatin1String("click")) return Click(widget);
-  if (what == QLatin1String("type")) return Type(widget, words.value(2));
+  if (what == QLatin1String("type")) return Type(widget, words.value(2), Qt::Key_Tab);
+  if (what == QLatin1String("enter")) return Type(widget, words.value(2), Qt::Key_Return);
   if (what == QLatin1String("drag"))
     return Drag(widget, PointOf(words.value(2)), PointOf(words.value(3)));
   if (what == QLatin1String("key")) return Press(window, words.value(1));

@@ -8,8 +8,9 @@ namespace rasterkit::test {
 
 /// Does one step in a window:
 ///
-///     click NAME            on the button of that object name
+///     click NAME            on the button of that object name, or else of that text
 ///     type NAME TEXT        into the field, in place of what it holds
+///     enter NAME TEXT       the same, with Return at its end
 ///     drag NAME X,Y X,Y     with the left button over the widget
 ///     key Escape            Escape or Return, into the window
 ///     close                 by the window's frame
@@ -17,5 +18,8 @@ namespace rasterkit::test {
 ///
 /// False when there is no such widget or step.
 bool DoStep(QWidget& window, const QString& step);
+
+/// Whether the widget that the step names, if it names one, is there and enabled.
+bool CanDoStep(const QWidget& window, const QString& step);
 
 }  // namespace rasterkit::test
