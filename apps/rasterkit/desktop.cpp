@@ -2,6 +2,7 @@
 
 #include <rasterkit/host/runtime/dynamic_library.h>
 #include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/host/runtime/ports.h>
 
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/interruption.h"
@@ -74,6 +75,12 @@ void Desktop::EditGraphic(const std::string& dir, std::string& fileName,
 void Desktop::ConvertPdfPage(const std::string& pdfFile, std::string& pictureFile) const {
   Confirm(pdfFile,
           [&](std::string& error) { return dialogs_.convertPdfPage(pdfFile, pictureFile, error); });
+}
+
+// The dialogs have filled the library's port.
+void Desktop::Tell(const std::string& text) const {
+  const InterruptibleWait wait;
+  ShowMessage(text);
 }
 
 }  // namespace rasterkit::tool

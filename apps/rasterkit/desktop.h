@@ -37,6 +37,9 @@ class Desktop {
                    std::unique_ptr<TGraphic>& graphic) const;
   void ConvertPdfPage(const std::string& pdfFile, std::string& pictureFile) const;
 
+  /// A message that the user closes.
+  void Tell(const std::string& text) const;
+
  private:
   const DesktopDialogs& dialogs_;
 };

@@ -55,7 +55,8 @@ std::string HelpFormat::make_option_desc(const CLI::Option* option) const {
 }
 
 std::string HelpFormat::make_option_usage(const CLI::Option* option) const {
-  return ValueName(*option);
+  const std::string name = ValueName(*option);
+  return option->get_required() ? name : "[" + name + "]";
 }
 
 }  // namespace rasterkit::tool

@@ -7,10 +7,10 @@
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/bitmaptools/files/load_via_wic.h>
 #include <rasterkit/host/runtime/file_name.h>
-#include <rasterkit/host/runtime/text.h>
 
 #include "apps/rasterkit/desktop.h"
 #include "apps/rasterkit/exit_code.h"
+#include "apps/rasterkit/pdf_file.h"
 #include "apps/rasterkit/verbs.h"
 
 #include <CLI/CLI.hpp>
@@ -25,14 +25,27 @@ std::unique_ptr<TGraphic> LoadAnything(const std::string& file) {
   return graphic;
 }
 
+/// What `open` gives. What cannot be opened is told in a window too: whoever chose the file in one,
+/// or in a desktop's menu, sees no terminal.
+template <typename Open>
+auto OpenOrTell(const Desktop& desktop, Open open) {
+  try {
+    return open();
+  } catch (const Failure& failure) {
+    desktop.Tell(failure.what());
+    throw;
+  }
+}
+
 std::string EditPage(const Desktop& desktop, const std::string& file) {
+  OpenOrTell(desktop, [&] { return OpenPdf(file, ""); });
   std::string picture = ChangeFileExt(file, ".png");
   desktop.ConvertPdfPage(file, picture);
   return picture;
 }
 
 std::string EditPicture(const Desktop& desktop, const std::string& file) {
-  std::unique_ptr<TGraphic> graphic = LoadAnything(file);
+  std::unique_ptr<TGraphic> graphic = OpenOrTell(desktop, [&] { return LoadAnything(file); });
   std::string name = ExtractFileName(file);
   desktop.EditGraphic(ExtractFilePath(file), name, graphic);
   return name;
@@ -46,8 +59,7 @@ int Run(std::string file) {
   if (file.empty()) desktop.OpenFile(file);
   // The save dialog changes the current folder.
   file = std::filesystem::absolute(ToPath(file)).string();
-  const bool isPdf = CompareText(ExtractFileExt(file), ".pdf") == 0;
-  fmt::print("{}\n", isPdf ? EditPage(desktop, file) : EditPicture(desktop, file));
+  fmt::print("{}\n", IsPdfName(file) ? EditPage(desktop, file) : EditPicture(desktop, file));
   return exitDone;
 }
 
@@ -61,8 +73,9 @@ VerbRunner AddEditVerb(CLI::App& app) {
       "resolution that you choose.\n"
       "OK writes the picture in its folder, under the name that you give it, and prints that "
       "name; with nothing\n"
-      "changed nothing is written. Whoever cancels gets exit code 1. Without FILE a window asks "
-      "for one.\n\n"
+      "changed nothing is written. Whoever cancels gets exit code 1; a file that cannot be opened, "
+      "which is told\n"
+      "in a window too, gives 3. Without FILE a window asks for one.\n\n"
       "Examples:\n"
       "  rasterkit edit photo.jpg\n"
       "  rasterkit edit plan.pdf");

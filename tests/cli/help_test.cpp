@@ -13,7 +13,7 @@ const std::vector<std::string> kVerbs = {
     "info",      "convert",    "rotate",     "mirror",  "crop",    "resize",    "gray",
     "mono",      "brightness", "contrast",   "adjust",  "whiten",  "recolor",   "key-color",
     "pdf-white", "opaque",     "swap-alpha", "palette", "combine", "watermark", "icon",
-    "compare",   "geotiff",    "exif",       "pdf"};
+    "compare",   "geotiff",    "exif",       "pdf",     "edit"};
 
 TEST(CliHelp, Help_Should_NameVerbsExitCodesAndAnExample) {
   const ToolResult result = RunTool({"--help"});
@@ -40,6 +40,8 @@ TEST(CliHelp, UsageLine_Should_NameTheFiles) {
               HasSubstr("Usage: rasterkit info [OPTIONS] IN...\n"));
   EXPECT_THAT(RunTool({"compare", "--help"}).out,
               HasSubstr("Usage: rasterkit compare [OPTIONS] A B\n"));
+  EXPECT_THAT(RunTool({"edit", "--help"}).out,
+              HasSubstr("Usage: rasterkit edit [OPTIONS] [FILE]\n"));
 }
 
 TEST(CliHelp, OptionsOfAVerb_Should_SayWhatGoesTogether) {
