@@ -70,6 +70,23 @@ TNavigator::TNavigator(QWidget* parent) : QWidget(parent) {
   setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
+void TNavigator::setCompact(bool compact) {
+  if (compact == isCompact_) return;
+  isCompact_ = compact;
+  for (const Description& description : descriptions) {
+    QPushButton& button = Button(description.button);
+    button.setText(compact ? QString() : ResourceText(description.text));
+    if (compact)
+      button.setFixedSize(kCompactButton, kCompactButton);
+    else {
+      button.setMinimumSize(0, 0);
+      button.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    }
+  }
+  layout()->setSpacing(compact ? 0 : -1);
+  setSizePolicy(compact ? QSizePolicy::Fixed : QSizePolicy::Preferred, QSizePolicy::Fixed);
+}
+
 void TNavigator::showEvent(QShowEvent* event) {
   // Now there is a dialog to know of it, which would choose the first button of its tab order.
   Button(nbPost).setDefault(true);

@@ -21,6 +21,7 @@ class RASTERKIT_EXPORT TNavigator : public QWidget {
   Q_OBJECT
   Q_PROPERTY(bool helpVisible READ isHelpVisible WRITE setHelpVisible)
   Q_PROPERTY(bool refreshVisible READ isRefreshVisible WRITE setRefreshVisible)
+  Q_PROPERTY(bool compact READ isCompact WRITE setCompact)
 
  public:
   /// OK and cancel are visible; help and refresh must be asked for.
@@ -33,6 +34,12 @@ class RASTERKIT_EXPORT TNavigator : public QWidget {
   void setHelpVisible(bool visible) { Button(nbHelp).setVisible(visible); }
   bool isRefreshVisible() const { return !Button(nbRefresh).isHidden(); }
   void setRefreshVisible(bool visible) { Button(nbRefresh).setVisible(visible); }
+
+  /// The width and height of a button of a compact bar.
+  static constexpr int kCompactButton = 28;
+  /// A compact bar shows the drawings without the texts, side by side: two buttons are 56 wide.
+  bool isCompact() const { return isCompact_; }
+  void setCompact(bool compact);
 
  Q_SIGNALS:
   /// Any button was pressed; one of the four below follows.
@@ -49,6 +56,7 @@ class RASTERKIT_EXPORT TNavigator : public QWidget {
   void OnClicked(TNavigateButton button);
 
   std::array<QPushButton*, 4> buttons_{};
+  bool isCompact_ = false;
 };
 
 }  // namespace rasterkit

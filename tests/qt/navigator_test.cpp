@@ -1,3 +1,4 @@
+#include <QApplication>
 #include <QDialog>
 #include <QSignalSpy>
 #include <QTest>
@@ -119,6 +120,33 @@ TEST(Navigator, Buttons_Should_HaveNamesAndIcons) {
     EXPECT_FALSE(navigator.Button(button).toolTip().isEmpty());
     EXPECT_FALSE(navigator.Button(button).icon().isNull());
   }
+}
+
+TEST_F(NavigatorTest, ACompactBar_Should_BeTwentyEightWideForEachButton) {
+  navigator_->setCompact(true);
+  Show();
+  EXPECT_EQ(navigator_->width(), 56);
+  navigator_->setHelpVisible(true);
+  QApplication::processEvents();
+  EXPECT_EQ(navigator_->width(), 84);
+  for (const auto button : {nbPost, nbCancel, nbHelp}) {
+    EXPECT_EQ(navigator_->Button(button).size(), QSize(28, 28));
+    EXPECT_EQ(navigator_->Button(button).text(), "");
+    EXPECT_FALSE(navigator_->Button(button).accessibleName().isEmpty());
+    EXPECT_FALSE(navigator_->Button(button).toolTip().isEmpty());
+  }
+}
+
+TEST_F(NavigatorTest, ACompactBar_Should_BecomeAUsualOneAgain) {
+  Show();
+  const QSize before = navigator_->Button(nbPost).size();
+  const QString text = navigator_->Button(nbPost).text();
+  navigator_->setCompact(true);
+  EXPECT_TRUE(navigator_->isCompact());
+  navigator_->setCompact(false);
+  QApplication::processEvents();
+  EXPECT_EQ(navigator_->Button(nbPost).text(), text);
+  EXPECT_EQ(navigator_->Button(nbPost).size(), before);
 }
 
 }  // namespace
