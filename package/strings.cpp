@@ -36,7 +36,14 @@ constexpr std::array kKeys = {
     rsEditPage, rsEditPageHint, rsEditPageSizeCaption, rsEditPageSizeName, rsEditPictureHelp,
     rsEditRendering, rsEditRenderingName, rsEditResolution, rsEditResolutionHint,
     rsEditResolutionName, rsEditRotation, rsEditRotationHint, rsEditRotationName, rsEditSave,
-    rsEditSaveName, rsEditSize, rsEditWhole};
+    rsEditSaveName, rsEditSize, rsEditWhole,
+    // Graphics settings
+    rsParas16Colors, rsParas256Colors, rsParasBlackWhite, rsParasBmpSize, rsParasCaption,
+    rsParasColors, rsParasColorsHint, rsParasJpeg, rsParasMaxCompression, rsParasMaxQuality,
+    rsParasMinQuality, rsParasMm, rsParasNoCompression, rsParasPixels, rsParasPng, rsParasQuality,
+    rsParasQualityHint, rsParasResolution, rsParasResolutionHint, rsParasSettings, rsParasTiff,
+    rsParasTrueColor, rsParasType, rsParasTypeHint, rsParasWidthHeight, rsParasWindowsBitmap,
+    rsUnitByte, rsUnitKilobyte, rsUnitMegabyte};
 
 /// Shared, so that a text can be asked for while the translator is replaced.
 struct Installed {
