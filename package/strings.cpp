@@ -15,6 +15,15 @@ constexpr std::array kKeys = {
     // File dialogs
     rsFileIsFolder, rsFileNameTooLong, rsNoSuchFolder, rsOpenPicture, rsPreview, rsPreviewBroken,
     rsPreviewLoading, rsPreviewNone, rsPreviewTooLarge, rsReplaceFile, rsSavePicture,
+    // Questions
+    rsNo, rsYes,
+    // Save window
+    rsFileListDate, rsFileListEmpty, rsFileListGone, rsFileListName, rsFileListReading,
+    rsFileListSize, rsFileListUnreadable, rsSaveAllFiles, rsSaveButton, rsSaveButtonHint,
+    rsSaveChooseFolder, rsSaveChooseFolderHint, rsSaveDetail, rsSaveFileExists,
+    rsSaveFileExistsPrompt, rsSaveFiles, rsSaveFilesHint, rsSaveFilter, rsSaveFilterHint,
+    rsSaveFolderUp, rsSaveGraphics, rsSaveList, rsSaveName, rsSaveNameHint, rsSaveNameIsExtension,
+    rsSaveNameReserved, rsSaveNameUnfit, rsSaveOptionsHint, rsSavePath, rsSavePathHint,
     // Crop tool
     rsSizeOfPicture, rsInfoWidth, rsInfoHeight, rsInfoBitDepth, rsInfoCutWidth, rsInfoCutHeight,
     rsInfoCutMemsize, rsCropActualSize, rsCropActualSizeHint, rsCropDimensions,

@@ -38,6 +38,49 @@ inline constexpr std::string_view rsPreviewTooLarge = "Too large for a preview";
 inline constexpr std::string_view rsReplaceFile = "%s exists already.\nReplace it?";
 inline constexpr std::string_view rsSavePicture = "Save picture";
 
+/// What a question is answered with.
+inline constexpr std::string_view rsNo = "&No";
+inline constexpr std::string_view rsYes = "&Yes";
+
+/// The list of a folder's files. "%s" is a reason of the system.
+inline constexpr std::string_view rsFileListDate = "Date";
+inline constexpr std::string_view rsFileListEmpty = "There are no files of this kind";
+inline constexpr std::string_view rsFileListGone = "There is no such folder";
+inline constexpr std::string_view rsFileListName = "Name";
+inline constexpr std::string_view rsFileListReading = "The folder is being read ...";
+inline constexpr std::string_view rsFileListSize = "Size";
+inline constexpr std::string_view rsFileListUnreadable = "The folder cannot be read: %s";
+
+/// The save window with a list of files; "%s" is a file's name.
+inline constexpr std::string_view rsSaveAllFiles = "All files (*.*)";
+inline constexpr std::string_view rsSaveButton = "Save";
+inline constexpr std::string_view rsSaveButtonHint = "Saves under this name";
+inline constexpr std::string_view rsSaveChooseFolder = "Choose a folder";
+inline constexpr std::string_view rsSaveChooseFolderHint = "Chooses another folder";
+inline constexpr std::string_view rsSaveDetail = "Detail";
+inline constexpr std::string_view rsSaveFileExists = "File already exists:\r\"%s\"\rOverwrite?";
+/// Shown as it is, its place for a name unfilled: the prompt of the folder chooser.
+inline constexpr std::string_view rsSaveFileExistsPrompt =
+    "File \"%s\" already exists - overwrite?";
+inline constexpr std::string_view rsSaveFiles = "Files of the folder";
+inline constexpr std::string_view rsSaveFilesHint =
+    "Choose a file to take its name; Enter opens a folder, Backspace leaves it";
+inline constexpr std::string_view rsSaveFilter = "Filter: ";
+inline constexpr std::string_view rsSaveFilterHint = "Kind of the file, and which files are listed";
+inline constexpr std::string_view rsSaveFolderUp = "One folder up";
+inline constexpr std::string_view rsSaveGraphics = "Save Graphics";
+inline constexpr std::string_view rsSaveList = "List";
+inline constexpr std::string_view rsSaveName = "File name:";
+inline constexpr std::string_view rsSaveNameHint = "Name of the file; a folder may stand before it";
+inline constexpr std::string_view rsSaveNameIsExtension = "%s is an extension without a name.";
+inline constexpr std::string_view rsSaveNameReserved = "The name %s is reserved by the system.";
+inline constexpr std::string_view rsSaveNameUnfit =
+    "The name %s has characters that a file's name cannot have.";
+inline constexpr std::string_view rsSaveOptionsHint = "Settings for the file";
+inline constexpr std::string_view rsSavePath = "Path:";
+inline constexpr std::string_view rsSavePathHint =
+    "The folder that is listed; type another one and press Enter";
+
 /// The crop tool. Width, height, memory size and its unit.
 inline constexpr std::string_view rsSizeOfPicture = "%d * %d px (%s [%s])";
 inline constexpr std::string_view rsInfoWidth = "Width=%d";

@@ -17,6 +17,26 @@ void Show(const QString& text) {
   box->exec();
 }
 
+/// Lines may end as on any system.
+QString WithPlainLineEnds(QString text) {
+  return text.replace("\r\n", "\n").replace('\r', '\n');
+}
+
+std::unique_ptr<QMessageBox> MakeBox(const char* name, const char* icon, const QString& text) {
+  auto box = std::make_unique<QMessageBox>();
+  box->setObjectName(name);
+  box->setWindowTitle(QGuiApplication::applicationDisplayName());
+  // Qt's own is a bitmap that screens of high density show coarse.
+  const int side = box->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, box.get());
+  box->setIconPixmap(Icon(icon).pixmap(QSize(side, side), box->devicePixelRatioF()));
+  // Not to be read as HTML: the text may hold a file's name.
+  box->setTextFormat(Qt::PlainText);
+  box->setText(WithPlainLineEnds(text));
+  box->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  box->setAttribute(Qt::WA_QuitOnClose, false);
+  return box;
+}
+
 }  // namespace
 
 void ShowMessageBox(const std::string& text) {
@@ -26,20 +46,27 @@ void ShowMessageBox(const std::string& text) {
       qApp, [shown] { Show(shown); }, Qt::QueuedConnection);
 }
 
+bool AskYesOrNo(const std::string& question) {
+  if (QThread::currentThread() != qApp->thread()) return false;
+  const std::unique_ptr<QMessageBox> box = MakeQuestionBox(ToQt(question));
+  PutOverActiveWindow(*box);
+  return box->exec() == QMessageBox::Yes;
+}
+
 std::unique_ptr<QMessageBox> MakeMessageBox(const QString& text) {
-  auto box = std::make_unique<QMessageBox>();
-  box->setObjectName(QStringLiteral("MessageBox"));
-  box->setWindowTitle(QGuiApplication::applicationDisplayName());
-  // Qt's own is a bitmap that screens of high density show coarse.
-  const int side = box->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, box.get());
-  box->setIconPixmap(Icon("info").pixmap(QSize(side, side), box->devicePixelRatioF()));
-  // Not to be read as HTML: the text may hold a file's name.
-  box->setTextFormat(Qt::PlainText);
-  box->setText(text);
-  box->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  auto box = MakeBox("MessageBox", "info", text);
   box->setStandardButtons(QMessageBox::Ok);
   box->button(QMessageBox::Ok)->setText(ResourceText(rsOk));
-  box->setAttribute(Qt::WA_QuitOnClose, false);
+  return box;
+}
+
+std::unique_ptr<QMessageBox> MakeQuestionBox(const QString& question) {
+  auto box = MakeBox("QuestionBox", "help", question);
+  box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+  box->button(QMessageBox::Yes)->setText(ResourceText(rsYes));
+  box->button(QMessageBox::No)->setText(ResourceText(rsNo));
+  box->setDefaultButton(QMessageBox::No);
+  box->setEscapeButton(QMessageBox::No);
   return box;
 }
 

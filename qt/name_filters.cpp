@@ -18,6 +18,8 @@ std::vector<std::string> Split(std::string_view text, char separator) {
   }
 }
 
+}  // namespace
+
 std::vector<std::string> SplitPatterns(std::string_view text) {
   std::vector<std::string> patterns;
   for (const std::string& piece : Split(text, ';')) {
@@ -27,8 +29,6 @@ std::vector<std::string> SplitPatterns(std::string_view text) {
   if (patterns.empty()) patterns.emplace_back("*");
   return patterns;
 }
-
-}  // namespace
 
 std::vector<FilterEntry> SplitFilter(std::string_view filter) {
   std::vector<FilterEntry> entries;

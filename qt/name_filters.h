@@ -15,6 +15,9 @@ struct FilterEntry {
   std::vector<std::string> patterns;
 };
 
+/// "*.tif; *.tiff" in pieces; "*" alone where there is none.
+std::vector<std::string> SplitPatterns(std::string_view text);
+
 /// The entries in their order, so that entry i has the filter index i + 1.
 std::vector<FilterEntry> SplitFilter(std::string_view filter);
 

@@ -7,6 +7,7 @@
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/ports.h>
 #include <rasterkit/qt/file_dialogs.h>
+#include <rasterkit/qt/folder_chooser.h>
 #include <rasterkit/qt/message_box.h>
 #include <rasterkit/qt/pdf_page_dialog.h>
 #include <rasterkit/qt/qt_host.h>
@@ -44,6 +45,8 @@ class FilledPorts {
     const auto store = std::make_shared<SettingsStore>(settingsFile);
     Fill(&Ports::messagePump, TurnLoop);
     Fill(&Ports::messageBox, ShowMessageBox);
+    Fill(&Ports::confirmation, AskYesOrNo);
+    Fill(&Ports::folderChooser, ChooseFolder);
     Fill(&Ports::pictureFileDialog,
          [](PictureFileDialog& dialog) { return RunPictureFileDialog(dialog); });
     if (InstalledPdfPageDialog() != nullptr) Fill(&Ports::pdfPageChooser, InstalledPdfPageDialog());

@@ -13,6 +13,18 @@ void ShowMessage(const std::string& text) {
   if (HostPorts().messageBox) HostPorts().messageBox(text);
 }
 
+bool Confirm(const std::string& question) {
+  return HostPorts().confirmation && HostPorts().confirmation(question);
+}
+
+bool SelectDirectoryEx(std::string& directory, const std::string& prompt, int options) {
+  if (!HostPorts().folderChooser) return false;
+  std::string chosen = directory;
+  if (!HostPorts().folderChooser(chosen, prompt, options)) return false;
+  directory = chosen;
+  return true;
+}
+
 bool ExecutePictureFileDialog(PictureFileDialog& dialog) {
   return HostPorts().pictureFileDialog && HostPorts().pictureFileDialog(dialog);
 }

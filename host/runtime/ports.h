@@ -30,6 +30,11 @@ struct PictureFileDialog {
 struct Ports {
   /// Shows a modal message.
   std::function<void(const std::string& text)> messageBox;
+  /// Asks a question that is answered with Yes or No; true for Yes.
+  std::function<bool(const std::string& question)> confirmation;
+  /// Runs a folder chooser that starts at `directory` and shows `prompt`; true when the user chose
+  /// one, which is then in `directory`. `options` are those of SelectDirectoryEx.
+  std::function<bool(std::string& directory, const std::string& prompt, int options)> folderChooser;
   /// Runs a picture open or save dialog; true when the user confirmed.
   std::function<bool(PictureFileDialog& dialog)> pictureFileDialog;
   /// Lets the user pick and render a page of a PDF file into `pictureFile`, which may be changed;
@@ -56,6 +61,13 @@ RASTERKIT_EXPORT Ports& HostPorts();
 
 /// Calls the port, or does what an empty one means.
 RASTERKIT_EXPORT void ShowMessage(const std::string& text);
+/// False when the port is empty.
+RASTERKIT_EXPORT bool Confirm(const std::string& question);
+/// Lets the user choose a folder, starting at `directory`, which becomes the one chosen; false, and
+/// `directory` as it was, when the user cancelled. `options` are bits for the chooser of a host;
+/// the one that comes with the dialogs has no choice to make and passes over them.
+RASTERKIT_EXPORT bool SelectDirectoryEx(std::string& directory, const std::string& prompt,
+                                        int options);
 RASTERKIT_EXPORT bool ExecutePictureFileDialog(PictureFileDialog& dialog);
 /// Black when the port is empty.
 RASTERKIT_EXPORT uint32_t GetSysColor(uint32_t index);

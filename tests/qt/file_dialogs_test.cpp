@@ -41,7 +41,7 @@ class FileDialogsTest : public testing::Test {
   }
   ~FileDialogsTest() override {
     QDir::setCurrent(before_);
-    detail::JoinLatePreviews();
+    detail::JoinLateTasks();
   }
 
   std::string Folder() const { return (folder_.Path() / "").string(); }

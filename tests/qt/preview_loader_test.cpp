@@ -83,7 +83,7 @@ TEST_F(PreviewLoaderTest, Destruction_Should_BeSafe_When_DecodingGoesOn) {
     std::this_thread::sleep_for(std::chrono::microseconds(i * 400));
     loader.reset();
   }
-  JoinLatePreviews();
+  JoinLateTasks();
   QTest::qWait(20);
   EXPECT_TRUE(widths_.empty());
 }

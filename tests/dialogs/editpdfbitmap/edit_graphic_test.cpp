@@ -38,7 +38,7 @@ class EntryTest : public EditorTest {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, ToQt(qtSettings / ""));
     page = folder.Write("plan.pdf", "%PDF-1.4 of a test");
   }
-  ~EntryTest() override { detail::JoinLatePreviews(); }
+  ~EntryTest() override { detail::JoinLateTasks(); }
 
   /// Runs `action` on the editor's window, which the caller is about to open, once there is
   /// nothing left to be rendered.

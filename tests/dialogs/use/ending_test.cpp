@@ -131,7 +131,7 @@ TEST_P(Ending, FileDialogs_Should_LeaveTheName) {
   const auto touch = [](QWidget&) {};
   Run(touch, [&] { isOpened = BitmapOpenDialog(path, "", bfAll, opened, true); });
   Run(touch, [&] { isSaved = BitmapSaveDialog(path, ".png", true, saved, false); });
-  detail::JoinLatePreviews();
+  detail::JoinLateTasks();
   EXPECT_FALSE(isOpened);
   EXPECT_FALSE(isSaved);
   EXPECT_EQ(opened, name);

@@ -1,0 +1,72 @@
+#include <QCollator>
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <numeric>
+#include <system_error>
+
+#include <rasterkit/host/runtime/file_name.h>
+#include <rasterkit/qt/folder_content.h>
+#include <rasterkit/qt/qt_text.h>
+
+namespace rasterkit::detail {
+namespace {
+
+FolderEntry Describe(const std::filesystem::path& path, QString name) {
+  const QFileInfo file(QFile::decodeName(path.c_str()));
+  FolderEntry entry;
+  entry.name = std::move(name);
+  entry.isFolder = file.isDir();
+  if (!entry.isFolder) entry.size = file.size();
+  const QDateTime time = file.lastModified();
+  if (time.isValid()) entry.time = time.toMSecsSinceEpoch();
+  return entry;
+}
+
+void SortByName(std::vector<FolderEntry>& entries) {
+  QCollator collator;
+  collator.setNumericMode(true);
+  collator.setCaseSensitivity(Qt::CaseInsensitive);
+  std::vector<QCollatorSortKey> keys;
+  keys.reserve(entries.size());
+  for (const FolderEntry& entry : entries) keys.push_back(collator.sortKey(entry.name));
+  std::vector<size_t> order(entries.size());
+  std::iota(order.begin(), order.end(), size_t{0});
+  std::sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+    const int difference = keys[a].compare(keys[b]);
+    return difference != 0 ? difference < 0 : entries[a].name < entries[b].name;
+  });
+  std::vector<FolderEntry> sorted;
+  sorted.reserve(entries.size());
+  for (const size_t index : order) sorted.push_back(std::move(entries[index]));
+  entries = std::move(sorted);
+}
+
+FolderContent Failed(const std::error_code& error) {
+  FolderContent content;
+  const bool isGone = error == std::errc::no_such_file_or_directory;
+  content.state = isGone ? FolderState::isGone : FolderState::isUnreadable;
+  content.reason = QString::fromLocal8Bit(error.message().c_str());
+  return content;
+}
+
+}  // namespace
+
+FolderContent ReadFolder(const std::string& directory, const std::atomic<bool>& isCancelled) {
+  FolderContent content;
+  std::error_code error;
+  std::filesystem::directory_iterator entry(ToPath(directory), error);
+  for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    if (isCancelled) return content;
+    QString name = QFile::decodeName(entry->path().filename().c_str());
+    if (name.startsWith(u'.')) continue;
+    content.entries.push_back(Describe(entry->path(), std::move(name)));
+  }
+  if (error) return Failed(error);
+  SortByName(content.entries);
+  content.state = FolderState::isRead;
+  return content;
+}
+
+}  // namespace rasterkit::detail
