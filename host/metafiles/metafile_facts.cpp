@@ -1,0 +1,127 @@
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include <rasterkit/host/codecs/picture_type.h>
+#include <rasterkit/host/metafiles/emf_contents.h>
+#include <rasterkit/host/metafiles/metafile_facts.h>
+#include <rasterkit/host/metafiles/wmf_extent.h>
+#include <rasterkit/host/metafiles/wmf_records.h>
+
+namespace rasterkit {
+namespace {
+
+using namespace detail;
+
+constexpr double kPixelsPerInch = 96, kHundredthsPerInch = 2540;
+/// Files without a size are drawn in pixels or, where that would be larger than any screen of
+/// their time, in twentieths of a point.
+constexpr int64_t kMostPixelUnits = 2048;
+constexpr double kTwipsPerInch = 1440;
+
+MetafileFacts::Box Wide(const EmfHeader::Box& box) {
+  return {box.left, box.top, box.right, box.bottom};
+}
+
+int PositiveInt(double value) {
+  constexpr double most = std::numeric_limits<int>::max();
+  return static_cast<int>(std::clamp(std::nearbyint(value), 1.0, most));
+}
+
+void SetSize(MetafileFacts& facts, double widthInches, double heightInches) {
+  facts.width = PositiveInt(widthInches * kPixelsPerInch);
+  facts.height = PositiveInt(heightInches * kPixelsPerInch);
+  facts.widthMm100 = PositiveInt(widthInches * kHundredthsPerInch);
+  facts.heightMm100 = PositiveInt(heightInches * kHundredthsPerInch);
+}
+
+void TakeHeader(const EmfHeader& header, MetafileFacts& facts) {
+  facts.bounds = Wide(header.bounds);
+  facts.frame = Wide(header.frame);
+  facts.deviceWidth = std::max(header.deviceWidth, 0);
+  facts.deviceHeight = std::max(header.deviceHeight, 0);
+  facts.deviceWidthMm = std::max(header.deviceWidthMm, 0.0);
+  facts.deviceHeightMm = std::max(header.deviceHeightMm, 0.0);
+  facts.program = header.program;
+  facts.title = header.title;
+  const bool hasDevice = facts.deviceWidth > 0 && facts.deviceHeight > 0 &&
+                         facts.deviceWidthMm > 0 && facts.deviceHeightMm > 0;
+  if (!hasDevice) {
+    // Without a device a pixel is what it is on a common screen.
+    facts.deviceWidth = facts.deviceHeight = static_cast<int>(kPixelsPerInch);
+    facts.deviceWidthMm = facts.deviceHeightMm = kHundredthsPerInch / 100;
+    facts.warnings.emplace_back("EMF: the header names no reference device");
+  }
+  if (facts.frame.Width() > 0 && facts.frame.Height() > 0) return;
+  facts.warnings.emplace_back("EMF: the frame is empty, the bounds are taken");
+  const double x = facts.deviceWidthMm * 100 / facts.deviceWidth;
+  const double y = facts.deviceHeightMm * 100 / facts.deviceHeight;
+  const auto scaled = [](int64_t value, double scale) {
+    return std::llround(static_cast<double>(value) * scale);
+  };
+  facts.frame = {scaled(facts.bounds.left, x), scaled(facts.bounds.top, y),
+                 scaled(facts.bounds.right + 1, x), scaled(facts.bounds.bottom + 1, y)};
+}
+
+MetafileFacts ReadEmf(std::span<const uint8_t> bytes) {
+  MetafileFacts facts;
+  facts.kind = MetafileKind::emf;
+  const EmfContents contents = ReadEmfContents(bytes);
+  facts.records = contents.records;
+  facts.hasEmfPlus = contents.hasEmfPlus;
+  facts.isEmfPlusOnly = contents.hasEmfPlusDrawing && !contents.hasDrawing;
+  if (!contents.damage.empty()) facts.warnings.push_back(contents.damage);
+  TakeHeader(contents.header, facts);
+  SetSize(facts, static_cast<double>(facts.frame.Width()) / kHundredthsPerInch,
+          static_cast<double>(facts.frame.Height()) / kHundredthsPerInch);
+  return facts;
+}
+
+void TakeExtent(const WmfContents& contents, MetafileFacts& facts) {
+  const WmfExtent& extent = contents.extent;
+  facts.bounds = {extent.left, extent.top, extent.right, extent.bottom};
+  const int64_t longest = std::max(std::abs(facts.bounds.Width()), std::abs(facts.bounds.Height()));
+  facts.unitsPerInch = longest > kMostPixelUnits ? kTwipsPerInch : kPixelsPerInch;
+  if (contents.unitsPerInch > 0) facts.unitsPerInch = contents.unitsPerInch;
+}
+
+MetafileFacts ReadWmf(std::span<const uint8_t> bytes) {
+  MetafileFacts facts;
+  const WmfContents contents = ReadWmfContents(bytes);
+  facts.records = contents.records;
+  if (!contents.damage.empty()) facts.warnings.push_back(contents.damage);
+  TakeExtent(contents, facts);
+  if (contents.placement) {
+    const WmfPlacement& placement = *contents.placement;
+    facts.kind = MetafileKind::placeableWmf;
+    const MetafileFacts::Box box{placement.left, placement.top, placement.right, placement.bottom};
+    if (box.Width() != 0 && box.Height() != 0) {
+      facts.bounds = box;
+    } else {
+      facts.warnings.emplace_back("WMF: the placeable header's box is empty");
+    }
+    if (placement.unitsPerInch > 0) {
+      facts.unitsPerInch = placement.unitsPerInch;
+    } else {
+      facts.warnings.emplace_back("WMF: the placeable header states no units an inch");
+    }
+  }
+  SetSize(facts, static_cast<double>(std::abs(facts.bounds.Width())) / facts.unitsPerInch,
+          static_cast<double>(std::abs(facts.bounds.Height())) / facts.unitsPerInch);
+  return facts;
+}
+
+}  // namespace
+
+MetafileFacts ReadMetafileFacts(std::span<const uint8_t> bytes) {
+  switch (SniffPictureType(bytes)) {
+    case PictureType::emf:
+      return ReadEmf(bytes);
+    case PictureType::wmf:
+      return ReadWmf(bytes);
+    default:
+      throw FormatError("metafile: the bytes are neither an enhanced nor a Windows metafile");
+  }
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,166 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <rasterkit/host/metafiles/wmf_extent.h>
+
+#include "tests/support/wmf_file.h"
+
+namespace rasterkit::test {
+namespace {
+
+using namespace detail;
+
+std::vector<WmfFunction> Functions(std::span<const uint8_t> bytes, std::string* damage = nullptr) {
+  WmfRecords records(bytes);
+  std::vector<WmfFunction> functions;
+  while (const auto record = records.Next()) functions.push_back(record->function);
+  if (damage != nullptr) *damage = records.Damage();
+  return functions;
+}
+
+WmfFile TwoLines() {
+  WmfFile file;
+  file.Add(WmfFunction::moveTo, {5, 3}).Add(WmfFunction::lineTo, {11, 17});
+  return file;
+}
+
+TEST(WmfRecords, Should_WalkToTheLastRecord_When_FileIsWhole) {
+  std::string damage = "unset";
+  EXPECT_THAT(
+      Functions(TwoLines().Bytes(), &damage),
+      testing::ElementsAre(WmfFunction::moveTo, WmfFunction::lineTo, WmfFunction::endOfFile));
+  EXPECT_EQ(damage, "");
+}
+
+TEST(WmfRecords, Should_ReadThePlacement_When_FileIsPlaceable) {
+  WmfFile file = TwoLines();
+  const auto plain = file.Bytes();
+  EXPECT_FALSE(WmfRecords(plain).Placement());
+  file.box = {{-7, 9, 300, -200}};
+  file.unitsPerInch = 1440;
+  const auto bytes = file.Bytes();
+  const auto placement = WmfRecords(bytes).Placement();
+  ASSERT_TRUE(placement);
+  EXPECT_EQ(placement->left, -7);
+  EXPECT_EQ(placement->top, 9);
+  EXPECT_EQ(placement->right, 300);
+  EXPECT_EQ(placement->bottom, -200);
+  EXPECT_EQ(placement->unitsPerInch, 1440);
+  EXPECT_EQ(Functions(bytes), Functions(plain));
+}
+
+TEST(WmfRecords, Should_BeRefused_When_ThereIsNoHeader) {
+  const auto whole = TwoLines().Bytes();
+  for (size_t count = 0; count < kWmfHeader; ++count) {
+    EXPECT_THROW(WmfRecords(std::span(whole).first(count)), FormatError) << count;
+  }
+  for (const size_t offset : {0, 2, 4}) {
+    auto bytes = whole;
+    bytes[offset] ^= 0x40;
+    EXPECT_THROW(WmfRecords{bytes}, FormatError) << offset;
+  }
+}
+
+TEST(WmfRecords, Should_KeepWhatIsWhole_When_DataEndInsideARecord) {
+  const auto bytes = TwoLines().Bytes();
+  for (size_t count = bytes.size() - 1; count >= kWmfHeader; --count) {
+    std::string damage;
+    const size_t records = Functions(std::span(bytes).first(count), &damage).size();
+    EXPECT_EQ(records, count >= kWmfHeader + 20 ? 2u : count >= kWmfHeader + 10 ? 1u : 0u) << count;
+    EXPECT_NE(damage, "") << count;
+  }
+}
+
+TEST(WmfRecords, Should_EndTheWalk_When_ASizeIsImpossible) {
+  for (const uint32_t words : {0u, 1u, 2u, 0x7FFFFFFFu, 0x80000002u, 0xFFFFFFFFu}) {
+    WmfFile file = TwoLines();
+    for (int i = 0; i < 4; ++i) file.records[i] = static_cast<uint8_t>(words >> (8 * i));
+    std::string damage;
+    EXPECT_TRUE(Functions(file.Bytes(), &damage).empty()) << words;
+    EXPECT_THAT(damage, testing::StartsWith("WMF: ")) << words;
+  }
+}
+
+TEST(WmfRecords, Should_AcceptALastRecordWithoutASize) {
+  WmfFile file = TwoLines();
+  file.hasEnd = false;
+  auto bytes = file.Bytes();
+  bytes.insert(bytes.end(), 6, 0);
+  std::string damage;
+  EXPECT_EQ(Functions(bytes, &damage).size(), 3u);
+  EXPECT_EQ(damage, "");
+}
+
+WmfExtent ExtentOf(const WmfFile& file) {
+  return ReadWmfContents(file.Bytes()).extent;
+}
+
+void ExpectExtent(const WmfExtent& extent, int left, int top, int right, int bottom) {
+  EXPECT_EQ(extent.left, left);
+  EXPECT_EQ(extent.top, top);
+  EXPECT_EQ(extent.right, right);
+  EXPECT_EQ(extent.bottom, bottom);
+}
+
+TEST(WmfContents, Should_TakeTheFirstWindow) {
+  WmfFile file;
+  file.Add(WmfFunction::setWindowOrg, {20, 10}).Add(WmfFunction::setWindowExt, {-50, 40});
+  file.Add(WmfFunction::setWindowOrg, {0, 0}).Add(WmfFunction::setWindowExt, {7, 7});
+  ExpectExtent(ExtentOf(file), 10, 20, 50, -30);
+}
+
+TEST(WmfContents, Should_TakeTheCoordinates_When_ThereIsNoWindow) {
+  const auto one = [](WmfFunction function, std::initializer_list<int64_t> words) {
+    WmfFile file;
+    return ExtentOf(file.Add(function, words));
+  };
+  ExpectExtent(ExtentOf(TwoLines()), 3, 5, 18, 12);
+  ExpectExtent(one(WmfFunction::rectangle, {40, 30, 20, 10}), 10, 20, 31, 41);
+  ExpectExtent(one(WmfFunction::ellipse, {40, 30, 20, 10}), 10, 20, 31, 41);
+  ExpectExtent(one(WmfFunction::roundRect, {99, 99, 40, 30, 20, 10}), 10, 20, 31, 41);
+  ExpectExtent(one(WmfFunction::pie, {99, 99, 99, 99, 40, 30, 20, 10}), 10, 20, 31, 41);
+  ExpectExtent(one(WmfFunction::polygon, {2, -1, 2, 8, 9}), -1, 2, 9, 10);
+  ExpectExtent(one(WmfFunction::polyPolygon, {2, 1, 2, -1, 2, 8, 9, 3, 30}), -1, 2, 9, 31);
+  ExpectExtent(one(WmfFunction::setPixel, {0, 0, 6, 4}), 4, 6, 5, 7);
+  ExpectExtent(one(WmfFunction::textOut, {3, 0x4141, 0x41, 6, 4}), 4, 6, 5, 7);
+  ExpectExtent(one(WmfFunction::extTextOut, {6, 4, 0, 0}), 4, 6, 5, 7);
+  ExpectExtent(one(WmfFunction::patBlt, {0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
+  ExpectExtent(one(WmfFunction::dibBitBlt, {0, 0, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
+  ExpectExtent(one(WmfFunction::dibStretchBlt, {0, 0, 9, 9, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
+  ExpectExtent(one(WmfFunction::stretchDib, {0, 0, 0, 9, 9, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
+  ExpectExtent(one(WmfFunction::setDibToDev, {0, 9, 9, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
+}
+
+TEST(WmfContents, Should_BeOneUnit_When_NothingIsDrawn) {
+  ExpectExtent(ExtentOf(WmfFile()), 0, 0, 1, 1);
+}
+
+TEST(WmfContents, Should_SkipRecords_When_TheyAreTooShort) {
+  WmfFile file;
+  file.Add(WmfFunction::polygon, {200, 1, 1}).Add(WmfFunction::rectangle, {1, 2});
+  file.Add(WmfFunction::polyPolygon, {3, 0xFFFF, 0xFFFF, 0xFFFF, 1, 1});
+  file.Add(WmfFunction::lineTo, {11, 17});
+  const WmfContents contents = ReadWmfContents(file.Bytes());
+  EXPECT_EQ(contents.records, 5u);
+  // A record's first points may count before its end is missed.
+  EXPECT_EQ(contents.extent.right, 18);
+  EXPECT_EQ(contents.extent.bottom, 12);
+}
+
+TEST(WmfContents, Should_KnowTheUnitsOfMetricModes) {
+  const auto units = [](int mode) {
+    WmfFile file;
+    return ReadWmfContents(file.Add(WmfFunction::setMapMode, {mode}).Bytes()).unitsPerInch;
+  };
+  EXPECT_EQ(units(1), 0);
+  EXPECT_EQ(units(2), 254);
+  EXPECT_EQ(units(3), 2540);
+  EXPECT_EQ(units(4), 100);
+  EXPECT_EQ(units(5), 1000);
+  EXPECT_EQ(units(6), 1440);
+  EXPECT_EQ(units(8), 0);
+  EXPECT_EQ(units(77), 0);
+}
+
+}  // namespace
+}  // namespace rasterkit::test

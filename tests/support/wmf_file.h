@@ -1,0 +1,29 @@
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include <rasterkit/host/metafiles/wmf_records.h>
+
+#include "tests/support/field_bytes.h"
+
+namespace rasterkit::test {
+
+/// A Windows metafile, record by record; header and last record are added.
+struct WmfFile {
+  /// Left, top, right, bottom in logical units; a plain file has none.
+  std::optional<std::array<int16_t, 4>> box;
+  uint16_t unitsPerInch = 96;
+  uint16_t objects = 8;
+  std::vector<uint8_t> records;
+  bool hasEnd = true;
+
+  WmfFile& Add(detail::WmfFunction function, const FieldBytes& parameters = {});
+  /// Parameters of a word each.
+  WmfFile& Add(detail::WmfFunction function, std::initializer_list<int64_t> words) {
+    return Add(function, FieldBytes().Words(words));
+  }
+  std::vector<uint8_t> Bytes() const;
+};
+
+}  // namespace rasterkit::test
