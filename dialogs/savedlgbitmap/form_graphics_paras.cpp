@@ -24,6 +24,8 @@ TFormGraphicsParas::TFormGraphicsParas(QWidget* parent)
     edit->setMaximum(INT32_MAX);
   }
   // The panels and the edits take turns in the same place.
+  for (QLabel* panel : {ui_->PanBmpW, ui_->PanBmpH})
+    panel->setMinimumHeight(ui_->FlEdWidth->sizeHint().height());
   ShowPixelEdits(false);
   resize(sizeHint());
   heightToShow_ = height();
