@@ -1,4 +1,3 @@
-#include <clocale>
 #include <limits>
 #include <string>
 
@@ -81,14 +80,6 @@ TEST(SizeTextsTest, AnyFloat_Should_BeSurvived) {
        {Limits::max(), Limits::lowest(), Limits::infinity(), Limits::quiet_NaN(), -1.5F})
     EXPECT_FALSE(TextOfMillimetres(value).empty());
   EXPECT_FALSE(Size(24, INT32_MAX, INT32_MAX).empty());
-}
-
-TEST(SizeTextsTest, Locale_Should_NotMatter) {
-  const std::string before = std::setlocale(LC_NUMERIC, nullptr);
-  if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no German locale";
-  EXPECT_EQ(Size(24, 1000, 1000), "3.00 [MB]");
-  EXPECT_EQ(TextOfMillimetres(12345678), "12345680");
-  std::setlocale(LC_NUMERIC, before.c_str());
 }
 
 }  // namespace
