@@ -19,6 +19,12 @@ if(RASTERKIT_DIALOGS)
     message(FATAL_ERROR "The dialogs need Qt 6.4 or newer with its Widgets and Svg modules (Debian: qt6-base-dev "
                         "libqt6svg6-dev). -DRASTERKIT_DIALOGS=OFF builds the library and the tool without them.")
   endif()
+  find_program(RASTERKIT_LRELEASE NAMES lrelease-qt6 lrelease6 lrelease NAMES_PER_DIR
+               HINTS ${QT6_INSTALL_PREFIX}/${QT6_INSTALL_BINS} DOC "Qt's program that makes catalogues of translations")
+  if(NOT RASTERKIT_LRELEASE)
+    message(FATAL_ERROR "The dialogs' languages need lrelease of Qt's tools (Debian: qt6-l10n-tools). "
+                        "-DRASTERKIT_DIALOGS=OFF builds the library and the tool without them.")
+  endif()
 endif()
 
 if(RASTERKIT_DIALOGS AND NOT RASTERKIT_PDF)

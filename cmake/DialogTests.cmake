@@ -1,9 +1,9 @@
 # Programs that test what lies in qt/ and dialogs/.
 find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 
-# No display and no settings of the user who runs the tests; what fontconfig keeps on purpose is no leak.
+# No display, no settings and no language of the user who runs the tests; what fontconfig keeps on purpose is no leak.
 set(RASTERKIT_FORM_ENVIRONMENT
-    QT_QPA_PLATFORM=offscreen
+    QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 LANGUAGE=
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/forms/lsan.supp:print_suppressions=0)
 
 # What both kinds have. The whole archive: the registration of resources is called by nobody.

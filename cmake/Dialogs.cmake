@@ -1,3 +1,6 @@
+# A language more is a file rasterkit_LANGUAGE.ts in qt/languages and its name here.
+set(RASTERKIT_LANGUAGES de)
+
 # librasterkit-dialogs: the rooms of qt/ and dialogs/. It links librasterkit and reaches what that exports, no more.
 add_library(rasterkit_dialogs_objects OBJECT)
 rasterkit_settings(rasterkit_dialogs_objects)
@@ -10,6 +13,31 @@ set_target_properties(rasterkit_dialogs_objects PROPERTIES AUTOMOC ON AUTOUIC ON
 # What Qt's tools write is theirs: its warnings are nobody's business here.
 set_source_files_properties(${PROJECT_BINARY_DIR}/rasterkit_dialogs_objects_autogen/mocs_compilation.cpp
                             PROPERTIES COMPILE_OPTIONS -w)
+
+# The catalogues of qt/languages: Qt's lrelease makes of each what programs read, and all are part of the library.
+set(languages_folder ${PROJECT_BINARY_DIR}/languages)
+set(catalogues "")
+set(catalogue_entries "")
+foreach(language IN LISTS RASTERKIT_LANGUAGES)
+  set(source ${PROJECT_SOURCE_DIR}/qt/languages/rasterkit_${language}.ts)
+  add_custom_command(OUTPUT ${languages_folder}/rasterkit_${language}.qm
+                     COMMAND ${RASTERKIT_LRELEASE} -silent ${source} -qm ${languages_folder}/rasterkit_${language}.qm
+                     DEPENDS ${source} VERBATIM)
+  list(APPEND catalogues ${languages_folder}/rasterkit_${language}.qm)
+  string(APPEND catalogue_entries "    <file>rasterkit_${language}.qm</file>\n")
+endforeach()
+file(CONFIGURE OUTPUT ${languages_folder}/languages.qrc CONTENT
+"<RCC>
+  <qresource prefix=\"/rasterkit/languages\">
+@catalogue_entries@  </qresource>
+</RCC>
+" @ONLY)
+add_custom_command(OUTPUT ${languages_folder}/languages.cpp
+                   COMMAND Qt6::rcc --name rasterkit_languages --output ${languages_folder}/languages.cpp
+                           ${languages_folder}/languages.qrc
+                   DEPENDS ${languages_folder}/languages.qrc ${catalogues} VERBATIM)
+target_sources(rasterkit_dialogs_objects PRIVATE ${languages_folder}/languages.cpp)
+set_source_files_properties(${languages_folder}/languages.cpp PROPERTIES COMPILE_OPTIONS -w SKIP_AUTOGEN ON)
 
 add_library(rasterkit_dialogs SHARED $<TARGET_OBJECTS:rasterkit_dialogs_objects>)
 add_library(rasterkit::dialogs ALIAS rasterkit_dialogs)

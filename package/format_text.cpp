@@ -1,6 +1,22 @@
+#include <mutex>
+#include <utility>
+
 #include <rasterkit/package/format_text.h>
 
 namespace rasterkit {
+namespace {
+
+struct Mark {
+  std::mutex mutex;
+  std::string text;
+};
+
+Mark& TheMark() {
+  static Mark mark;
+  return mark;
+}
+
+}  // namespace
 
 std::string FormatText(std::string_view pattern, std::span<const std::string> values) {
   std::string text;
@@ -19,6 +35,16 @@ std::string FormatText(std::string_view pattern, std::span<const std::string> va
     }
   }
   return text;
+}
+
+std::string DecimalMark() {
+  const std::lock_guard lock(TheMark().mutex);
+  return TheMark().text.empty() ? "." : TheMark().text;
+}
+
+void SetDecimalMark(std::string mark) {
+  const std::lock_guard lock(TheMark().mutex);
+  TheMark().text = std::move(mark);
 }
 
 }  // namespace rasterkit

@@ -52,22 +52,34 @@ constexpr std::array kKeys = {
     rsParasMinQuality, rsParasMm, rsParasNoCompression, rsParasPixels, rsParasPng, rsParasQuality,
     rsParasQualityHint, rsParasResolution, rsParasResolutionHint, rsParasSettings, rsParasTiff,
     rsParasTrueColor, rsParasType, rsParasTypeHint, rsParasWidthHeight, rsParasWindowsBitmap,
-    rsUnitByte, rsUnitKilobyte, rsUnitMegabyte};
+    rsUnitByte, rsUnitKilobyte, rsUnitMegabyte,
+    // File types
+    rsEnhancedMetafile, rsWindowsMetafile};
 
-/// Shared, so that a text can be asked for while the translator is replaced.
+/// Shared, so that a text can be asked for while a translator is replaced.
+using Shared = std::shared_ptr<const TTranslator>;
+
 struct Installed {
   std::mutex mutex;
-  std::shared_ptr<const TTranslator> translator;
+  Shared translator, catalogue;
 };
 
-Installed& TheTranslator() {
+Installed& TheInstalled() {
   static Installed installed;
   return installed;
 }
 
-std::shared_ptr<const TTranslator> CurrentTranslator() {
-  const std::lock_guard lock(TheTranslator().mutex);
-  return TheTranslator().translator;
+Shared CurrentTranslator() {
+  const std::lock_guard lock(TheInstalled().mutex);
+  return TheInstalled().translator ? TheInstalled().translator : TheInstalled().catalogue;
+}
+
+/// The one that was there ends after the lock: it may ask for texts itself.
+void Install(Shared Installed::*place, TTranslator translator) {
+  Shared installed;
+  if (translator) installed = std::make_shared<const TTranslator>(std::move(translator));
+  const std::lock_guard lock(TheInstalled().mutex);
+  (TheInstalled().*place).swap(installed);
 }
 
 }  // namespace
@@ -83,10 +95,11 @@ std::string ResourceString(std::string_view key) {
 }
 
 void SetTranslator(TTranslator translator) {
-  std::shared_ptr<const TTranslator> installed;
-  if (translator) installed = std::make_shared<const TTranslator>(std::move(translator));
-  const std::lock_guard lock(TheTranslator().mutex);
-  TheTranslator().translator.swap(installed);
+  Install(&Installed::translator, std::move(translator));
+}
+
+void SetCatalogue(TTranslator catalogue) {
+  Install(&Installed::catalogue, std::move(catalogue));
 }
 
 }  // namespace rasterkit

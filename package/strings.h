@@ -242,10 +242,16 @@ inline constexpr std::string_view rsUnitByte = "[byte]";
 inline constexpr std::string_view rsUnitKilobyte = "[kB]";
 inline constexpr std::string_view rsUnitMegabyte = "[MB]";
 
+/// Names of file types in the lists of file dialogs: what stands in front of the patterns. The
+/// lists that routines answer with keep them as they are; dialogs show them in the user's language.
+inline constexpr std::string_view rsEnhancedMetafile = "Enhanced Windows Metafile";
+inline constexpr std::string_view rsWindowsMetafile = "Windows Metafile";
+
 /// Every key, for whoever writes a translation.
 [[gnu::visibility("default")]] std::span<const std::string_view> ResourceStringKeys();
 
-/// The text for a key (UTF-8): what the translator makes of it, or the key itself.
+/// The text for a key (UTF-8): what the translator makes of it, or the key itself. Where no
+/// translator is installed, the catalogue is asked.
 [[gnu::visibility("default")]] std::string ResourceString(std::string_view key);
 
 /// Turns a key into the user's language; an empty answer means that it has no word for it.
@@ -254,5 +260,10 @@ using TTranslator = std::function<std::string(std::string_view key)>;
 /// Installs the translator, or removes it when empty. Safe on any thread; the translator is called
 /// on the thread that needs a text, by several at once where need be.
 [[gnu::visibility("default")]] void SetTranslator(TTranslator translator);
+
+/// Installs what is asked for as long as the host has installed no translator of its own, or
+/// removes it when empty: the place for the catalogues that come with the dialogs. As safe as the
+/// above.
+[[gnu::visibility("default")]] void SetCatalogue(TTranslator catalogue);
 
 }  // namespace rasterkit

@@ -18,6 +18,7 @@
 #include <rasterkit/package/format_text.h>
 #include <rasterkit/package/strings.h>
 #include <rasterkit/qt/file_dialogs.h>
+#include <rasterkit/qt/language.h>
 #include <rasterkit/qt/name_filters.h>
 #include <rasterkit/qt/picture_preview.h>
 #include <rasterkit/qt/qt_text.h>
@@ -83,6 +84,7 @@ PictureChooser::PictureChooser(const PictureFileDialog& wanted, QWidget* parent)
       entries_(detail::SplitFilter(wanted.Filter)) {
   setObjectName(isSaving_ ? "PictureSaveDialog" : "PictureOpenDialog");
   setAttribute(Qt::WA_QuitOnClose, false);
+  if (LanguageLocale() != locale()) setLocale(LanguageLocale());
   setWindowTitle(ResourceText(isSaving_ ? rsSavePicture : rsOpenPicture));
   setOption(QFileDialog::DontUseNativeDialog);
   // The descriptions name their patterns themselves.

@@ -8,6 +8,7 @@
 #include <rasterkit/host/runtime/ports.h>
 #include <rasterkit/qt/file_dialogs.h>
 #include <rasterkit/qt/folder_chooser.h>
+#include <rasterkit/qt/language.h>
 #include <rasterkit/qt/message_box.h>
 #include <rasterkit/qt/pdf_page_dialog.h>
 #include <rasterkit/qt/qt_host.h>
@@ -86,6 +87,7 @@ PdfPageDialog& InstalledPdfPageDialog() {
 struct QtHost::Adapter {
   explicit Adapter(const std::string& settingsFile) : ports(settingsFile) {}
 
+  detail::LanguageOfHost language;
   FilledPorts ports;
   QueueRunner runner;
 };

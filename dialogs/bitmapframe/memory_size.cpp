@@ -1,17 +1,18 @@
 #include <rasterkit/dialogs/bitmapframe/memory_size.h>
 #include <rasterkit/host/runtime/rounding.h>
+#include <rasterkit/package/format_text.h>
 
 namespace rasterkit {
 namespace {
 
-/// The decimal point is one whatever the process's locale says.
+/// The decimal mark is the one of the texts, whatever the process's locale says.
 std::string Fixed(double value, int decimals) {
   const int64_t scale = decimals == 2 ? 100 : 1;
   const int64_t scaled = Round(value * static_cast<double>(scale));
   std::string text = std::to_string(scaled / scale);
   if (decimals == 0) return text;
   const std::string rest = std::to_string(scaled % scale);
-  return text + "." + (rest.size() < 2 ? "0" : "") + rest;
+  return text + DecimalMark() + (rest.size() < 2 ? "0" : "") + rest;
 }
 
 }  // namespace

@@ -7,7 +7,8 @@ namespace rasterkit {
 /// How much memory pixels take, as people read it.
 struct MemorySize {
   std::string number;
-  /// "byte" up to 10000, "kB" (1000 bytes, no decimals) up to a million, "MB" (two decimals) above.
+  /// "byte" up to 10000, "kB" (1000 bytes, no decimals) up to a million, "MB" (two decimals, with
+  /// DecimalMark between) above.
   std::string unit;
 };
 

@@ -29,5 +29,13 @@ TEST(FormatText, Should_NotReadValuesAsPatterns_When_TheyHoldPercentSigns) {
   EXPECT_EQ(Filled("%s %s", {"%s", "b"}), "%s b");
 }
 
+TEST(DecimalMark, Should_BeAPoint_When_TheHostHasSetNone) {
+  EXPECT_EQ(DecimalMark(), ".");
+  SetDecimalMark(",");
+  EXPECT_EQ(DecimalMark(), ",");
+  SetDecimalMark("");
+  EXPECT_EQ(DecimalMark(), ".");
+}
+
 }  // namespace
 }  // namespace rasterkit::test

@@ -10,7 +10,10 @@ namespace {
 
 class StringsTest : public testing::Test {
  protected:
-  void TearDown() override { SetTranslator(nullptr); }
+  void TearDown() override {
+    SetTranslator(nullptr);
+    SetCatalogue(nullptr);
+  }
 };
 
 TEST_F(StringsTest, WithoutTranslator_AKeyIsItsOwnText) {
@@ -37,6 +40,19 @@ TEST_F(StringsTest, Translator_MayReplaceItselfWhileItIsAsked) {
   });
   EXPECT_EQ(ResourceString("x"), "first");
   EXPECT_EQ(ResourceString("x"), "x");
+}
+
+TEST_F(StringsTest, Catalogue_IsAskedWhereThereIsNoTranslator) {
+  SetCatalogue([](std::string_view key) { return key == "OK" ? "gut" : std::string(); });
+  EXPECT_EQ(ResourceString("OK"), "gut");
+  EXPECT_EQ(ResourceString("Cancel"), "Cancel");
+  SetTranslator([](std::string_view key) { return key == "Cancel" ? "non" : std::string(); });
+  EXPECT_EQ(ResourceString("OK"), "OK") << "the host's translator has no word, and so no one has";
+  EXPECT_EQ(ResourceString("Cancel"), "non");
+  SetTranslator(nullptr);
+  EXPECT_EQ(ResourceString("OK"), "gut");
+  SetCatalogue(nullptr);
+  EXPECT_EQ(ResourceString("OK"), "OK");
 }
 
 TEST_F(StringsTest, Keys_AreAllListed) {

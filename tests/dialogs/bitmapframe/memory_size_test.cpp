@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/bitmapframe/memory_size.h>
+#include <rasterkit/package/format_text.h>
 
 namespace rasterkit::test {
 namespace {
@@ -27,6 +28,13 @@ TEST(MemorySize, Should_BeMegabytesWithTwoDecimals_When_Larger) {
   EXPECT_EQ(Text(24, 1000, 1000), "3.00 MB");
   EXPECT_EQ(Text(8, 1050, 1000), "1.05 MB");
   EXPECT_EQ(Text(32, 30000, 30000), "3600.00 MB");
+}
+
+TEST(MemorySize, Should_HaveTheMarkOfTheTexts_When_ThereAreDecimals) {
+  SetDecimalMark(",");
+  EXPECT_EQ(Text(8, 1050, 1000), "1,05 MB");
+  EXPECT_EQ(Text(24, 100, 100), "30 kB");
+  SetDecimalMark("");
 }
 
 }  // namespace
