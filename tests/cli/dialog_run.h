@@ -28,6 +28,7 @@ class DialogTest : public testing::Test {
             // Remarks of Qt about the platform are no words of the tool.
             {"QT_LOGGING_RULES", "default.warning=false"},
             {"LC_ALL", "C.UTF-8"},
+            {"LANGUAGE", ""},
             {"HOME", HomeFolder()},
             {"XDG_CONFIG_HOME", HomeFolder()}};
   }
