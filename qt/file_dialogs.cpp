@@ -231,9 +231,14 @@ bool PictureChooser::MayWrite(const QString& fileName) {
     return false;
   }
   if (!asksBeforeOverwriting_ || !file.exists()) return true;
-  return QMessageBox::warning(this, windowTitle(), TextWithName(rsReplaceFile, file.fileName()),
-                              QMessageBox::Yes | QMessageBox::No,
-                              QMessageBox::No) == QMessageBox::Yes;
+  QMessageBox box(QMessageBox::Warning, windowTitle(), TextWithName(rsReplaceFile, file.fileName()),
+                  QMessageBox::Yes | QMessageBox::No, this);
+  // A file's name is no HTML.
+  box.setTextFormat(Qt::PlainText);
+  box.button(QMessageBox::Yes)->setText(ResourceText(rsYes));
+  box.button(QMessageBox::No)->setText(ResourceText(rsNo));
+  box.setDefaultButton(QMessageBox::No);
+  return box.exec() == QMessageBox::Yes;
 }
 
 void PictureChooser::Refuse(std::string_view key, const QString& name) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include <rasterkit/host/runtime/file_name.h>
+#include <rasterkit/package/strings.h>
 #include <rasterkit/qt/name_filters.h>
 #include <rasterkit/qt/qt_text.h>
 
@@ -43,8 +44,15 @@ std::vector<FilterEntry> SplitFilter(std::string_view filter) {
   return entries;
 }
 
+std::string ShownDescription(const std::string& description) {
+  const std::string whole = ResourceString(description);
+  const size_t patterns = description.rfind(" (");
+  if (whole != description || patterns == description.npos) return whole;
+  return ResourceString(description.substr(0, patterns)) + description.substr(patterns);
+}
+
 QString NameFilter(const FilterEntry& entry) {
-  QString text = ToQt(entry.description) + " (";
+  QString text = ToQt(ShownDescription(entry.description)) + " (";
   for (size_t i = 0; i < entry.patterns.size(); ++i) {
     if (i > 0) text += ' ';
     // "*.*" means every file, those without a dot as well.

@@ -21,7 +21,11 @@ std::vector<std::string> SplitPatterns(std::string_view text);
 /// The entries in their order, so that entry i has the filter index i + 1.
 std::vector<FilterEntry> SplitFilter(std::string_view filter);
 
-/// As Qt's dialog wants it: "description (*.tif *.tiff)".
+/// The description in the user's language: as a whole, or what stands in front of its patterns:
+/// "Windows bitmap (*.bmp)" may become "Windows-Bitmap (*.bmp)". The list itself keeps what it has.
+std::string ShownDescription(const std::string& description);
+
+/// As Qt's dialog wants it, in the user's language: "description (*.tif *.tiff)".
 QString NameFilter(const FilterEntry& entry);
 
 /// The extensions of the entry's patterns, with their dots; those with wildcards are left out.

@@ -2,6 +2,7 @@
 #include <charconv>
 
 #include <rasterkit/dialogs/savedlgbitmap/size_texts.h>
+#include <rasterkit/package/format_text.h>
 #include <rasterkit/package/strings.h>
 
 namespace rasterkit {
@@ -20,6 +21,13 @@ std::string Fixed(double value, int decimals) {
   return Written(value, std::chars_format::fixed, decimals);
 }
 
+/// With the decimal mark of the texts.
+std::string ForPeople(std::string number) {
+  const size_t point = number.find('.');
+  if (point != number.npos) number.replace(point, 1, DecimalMark());
+  return number;
+}
+
 double WithSevenDigits(double value) {
   const std::string text = Written(value, std::chars_format::scientific, 6);
   std::from_chars(text.data(), text.data() + text.size(), value);
@@ -33,7 +41,7 @@ BitmapSizeText TextOfBitmapSize(int bits, double width, double height) {
       static_cast<float>(bits) * static_cast<float>(width) * static_cast<float>(height) / 8;
   if (bytes <= 10000) return {Fixed(bytes, 0), rsUnitByte};
   if (bytes <= 1e6F) return {Fixed(bytes / 1000.0, 0), rsUnitKilobyte};
-  return {Fixed(bytes / 1e6, 2), rsUnitMegabyte};
+  return {ForPeople(Fixed(bytes / 1e6, 2)), rsUnitMegabyte};
 }
 
 std::string TextOfMillimetres(float millimetres) {

@@ -8,6 +8,7 @@
 #include <rasterkit/qt/guarded.h>
 #include <rasterkit/qt/icons.h>
 #include <rasterkit/qt/modal_call.h>
+#include <rasterkit/qt/name_filters.h>
 #include <rasterkit/qt/qt_text.h>
 
 #include "ui_form_save_dlg_ext.h"
@@ -29,7 +30,8 @@ class TFormSaveDlgExt::View : public SaveDialogView, public Ui::FormSaveDlgExt {
   void ShowFilters(const std::vector<std::string>& descriptions) override {
     const QSignalBlocker quiet(FilterComboBox);
     FilterComboBox->clear();
-    for (const std::string& description : descriptions) FilterComboBox->addItem(ToQt(description));
+    for (const std::string& description : descriptions)
+      FilterComboBox->addItem(ToQt(detail::ShownDescription(description)));
   }
   void ShowFilterPosition(int position) override {
     const QSignalBlocker quiet(FilterComboBox);

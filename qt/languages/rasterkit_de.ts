@@ -106,10 +106,6 @@ Möchten Sie die Datei ersetzen?</translation>
         <translation>Bild speichern</translation>
     </message>
     <message>
-        <source>All files</source>
-        <translation>Alle Dateien</translation>
-    </message>
-    <message>
         <source>Enhanced Windows Metafile</source>
         <translation>Erweiterte Windows-Metadatei</translation>
     </message>
@@ -602,6 +598,268 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>Remove rectangle</source>
         <translation>Rechteck entfernen</translation>
+    </message>
+    <!-- The save window -->
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>There are no files of this kind</source>
+        <translation>Es gibt keine Dateien dieser Art</translation>
+    </message>
+    <message>
+        <source>There is no such folder</source>
+        <translation>Diesen Ordner gibt es nicht</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>The folder is being read ...</source>
+        <translation>Der Ordner wird gelesen ...</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>The folder cannot be read: %s</source>
+        <translation>Der Ordner lässt sich nicht lesen: %s</translation>
+    </message>
+    <message>
+        <source>All files (*.*)</source>
+        <translation>Alle Dateien (*.*)</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Speichern</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Speichern</translation>
+    </message>
+    <message>
+        <source>Saves under this name</source>
+        <translation>Speichert unter diesem Namen</translation>
+    </message>
+    <message>
+        <source>Choose a folder</source>
+        <translation>Ordner wählen</translation>
+    </message>
+    <message>
+        <source>Chooses another folder</source>
+        <translation>Wählt einen anderen Ordner</translation>
+    </message>
+    <message>
+        <source>Detail</source>
+        <translation>Details</translation>
+    </message>
+    <message>
+        <source>File already exists:<byte value="xd"/>&quot;%s&quot;<byte value="xd"/>Overwrite?</source>
+        <translation>Die Datei ist bereits vorhanden:<byte value="xd"/>„%s“<byte value="xd"/>Überschreiben?</translation>
+    </message>
+    <message>
+        <source>File &quot;%s&quot; already exists - overwrite?</source>
+        <translation>Die Datei „%s“ ist bereits vorhanden - überschreiben?</translation>
+    </message>
+    <message>
+        <source>Files of the folder</source>
+        <translation>Dateien des Ordners</translation>
+    </message>
+    <message>
+        <source>Choose a file to take its name; Enter opens a folder, Backspace leaves it</source>
+        <translation>Wählen Sie eine Datei, um ihren Namen zu übernehmen; die Eingabetaste öffnet einen Ordner, die Rücktaste verlässt ihn</translation>
+    </message>
+    <message>
+        <source>Filter: </source>
+        <translation>Filter: </translation>
+    </message>
+    <message>
+        <source>F&amp;ilter: </source>
+        <translation>F&amp;ilter: </translation>
+    </message>
+    <message>
+        <source>Kind of the file, and which files are listed</source>
+        <translation>Art der Datei, und welche Dateien aufgelistet werden</translation>
+    </message>
+    <message>
+        <source>One folder up</source>
+        <translation>Übergeordneter Ordner</translation>
+    </message>
+    <message>
+        <source>Save Graphics</source>
+        <translation>Grafik speichern</translation>
+    </message>
+    <message>
+        <source>List</source>
+        <translation>Liste</translation>
+    </message>
+    <message>
+        <source>File name:</source>
+        <translation>Dateiname:</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>Datei&amp;name:</translation>
+    </message>
+    <message>
+        <source>Name of the file; a folder may stand before it</source>
+        <translation>Name der Datei; ein Ordner darf davor stehen</translation>
+    </message>
+    <message>
+        <source>%s is an extension without a name.</source>
+        <translation>%s ist eine Dateiendung ohne Namen.</translation>
+    </message>
+    <message>
+        <source>The name %s is reserved by the system.</source>
+        <translation>Der Name %s ist vom System reserviert.</translation>
+    </message>
+    <message>
+        <source>The name %s has characters that a file's name cannot have.</source>
+        <translation>Der Name %s enthält Zeichen, die in Dateinamen nicht erlaubt sind.</translation>
+    </message>
+    <message>
+        <source>Settings for the file</source>
+        <translation>Einstellungen für die Datei</translation>
+    </message>
+    <message>
+        <source>Path:</source>
+        <translation>Pfad:</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>&amp;Pfad:</translation>
+    </message>
+    <message>
+        <source>The folder that is listed; type another one and press Enter</source>
+        <translation>Der angezeigte Ordner; geben Sie einen anderen ein und drücken Sie die Eingabetaste</translation>
+    </message>
+    <message>
+        <source>&amp;Options</source>
+        <translation>&amp;Optionen</translation>
+    </message>
+    <!-- Settings of a graphic to be saved -->
+    <message>
+        <source>Graphics settings</source>
+        <translation>Grafikeinstellungen</translation>
+    </message>
+    <message>
+        <source>Graphics type</source>
+        <translation>Grafiktyp</translation>
+    </message>
+    <message>
+        <source>Graphics &amp;type</source>
+        <translation>Grafik&amp;typ</translation>
+    </message>
+    <message>
+        <source>Kind of the file</source>
+        <translation>Art der Datei</translation>
+    </message>
+    <message>
+        <source>TIFF</source>
+        <translation>TIFF</translation>
+    </message>
+    <message>
+        <source>Resolution / size</source>
+        <translation>Auflösung / Größe</translation>
+    </message>
+    <message>
+        <source>Dots per inch: how large the picture is on paper</source>
+        <translation>Punkte pro Zoll: wie groß das Bild auf dem Papier ist</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>&amp;Settings</source>
+        <translation>&amp;Einstellungen</translation>
+    </message>
+    <message>
+        <source>Colors that the picture may have</source>
+        <translation>Farben, die das Bild haben kann</translation>
+    </message>
+    <message>
+        <source>Color depth</source>
+        <translation>Farbtiefe</translation>
+    </message>
+    <message>
+        <source>Black and white (1 bit)</source>
+        <translation>Schwarzweiß (1 Bit)</translation>
+    </message>
+    <message>
+        <source>16 colors (4 bit)</source>
+        <translation>16 Farben (4 Bit)</translation>
+    </message>
+    <message>
+        <source>256 colors (8 bit)</source>
+        <translation>256 Farben (8 Bit)</translation>
+    </message>
+    <message>
+        <source>True color (24 bit)</source>
+        <translation>Echtfarben (24 Bit)</translation>
+    </message>
+    <message>
+        <source>Compression quality</source>
+        <translation>Kompressionsqualität</translation>
+    </message>
+    <message>
+        <source>Compression &amp;quality</source>
+        <translation>Kompressions&amp;qualität</translation>
+    </message>
+    <message>
+        <source>Smaller file or better picture</source>
+        <translation>Kleinere Datei oder besseres Bild</translation>
+    </message>
+    <message>
+        <source>Maximum compression</source>
+        <translation>Maximale Kompression</translation>
+    </message>
+    <message>
+        <source>No compression</source>
+        <translation>Keine Kompression</translation>
+    </message>
+    <message>
+        <source>Minimum quality</source>
+        <translation>Minimale Qualität</translation>
+    </message>
+    <message>
+        <source>Maximum quality</source>
+        <translation>Maximale Qualität</translation>
+    </message>
+    <message>
+        <source>Bitmap size [pixels]</source>
+        <translation>Bildgröße [Pixel]</translation>
+    </message>
+    <message>
+        <source>Width x Height</source>
+        <translation>Breite x Höhe</translation>
+    </message>
+    <message>
+        <source>&amp;Width x Height</source>
+        <translation>&amp;Breite x Höhe</translation>
+    </message>
+    <message>
+        <source>Size of Windows bitmap</source>
+        <translation>Größe als Windows-Bitmap</translation>
+    </message>
+    <message>
+        <source>Size in mm</source>
+        <translation>Größe in mm</translation>
+    </message>
+    <message>
+        <source>[byte]</source>
+        <translation>[Byte]</translation>
+    </message>
+    <message>
+        <source>[kB]</source>
+        <translation>[kB]</translation>
+    </message>
+    <message>
+        <source>[MB]</source>
+        <translation>[MB]</translation>
     </message>
 </context>
 </TS>

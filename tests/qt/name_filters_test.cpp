@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/files/file_filters.h>
+#include <rasterkit/package/strings.h>
 #include <rasterkit/qt/name_filters.h>
 
 namespace rasterkit::detail {
@@ -51,6 +52,20 @@ TEST(NameFilters, NameForEntry_Should_KeepTheName_When_TheEntryHasItsExtensionOr
   EXPECT_EQ(NameForEntry("a.png", tiff), "a.tif");
   EXPECT_EQ(NameForEntry("a.png", {"All", {"*"}}), "a.png");
   EXPECT_EQ(NameForEntry("a", {"All", {"*.*"}}), "a");
+}
+
+TEST(NameFilters, Descriptions_Should_BeShownInTheUsersLanguage) {
+  SetTranslator([](std::string_view key) {
+    if (key == rsSaveAllFiles) return std::string("Alle (*)");
+    return key == rsWindowsMetafile ? std::string("Metadatei") : std::string();
+  });
+  EXPECT_EQ(ShownDescription("Windows Metafile (*.wmf)"), "Metadatei (*.wmf)");
+  EXPECT_EQ(ShownDescription("Windows Metafile"), "Metadatei");
+  EXPECT_EQ(ShownDescription("All files (*.*)"), "Alle (*)");
+  EXPECT_EQ(ShownDescription("Plans (old) (*.plan)"), "Plans (old) (*.plan)");
+  EXPECT_EQ(NameFilter({"Windows Metafile (*.wmf)", {"*.wmf"}}), "Metadatei (*.wmf) (*.wmf)");
+  EXPECT_THAT(GetSaveFilter(true), testing::HasSubstr("|Windows Metafile (*.wmf)|*.wmf|"));
+  SetTranslator({});
 }
 
 }  // namespace
