@@ -53,10 +53,11 @@ QString Longer(const QString& text, Script script) {
 
 /// What is left of a text that is not in the pseudo language.
 QString Foreign(QString text) {
-  static const QRegularExpression translated("«[^»]*»"), key(R"( ?\([^)]*\)$)");
-  text.remove(u'&').remove(translated);
-  // "Shows help (F1)"; bidirectional marks.
-  text.remove(key);
+  // Keys as in "Shows help (F1)"; kinds and names of files in front of a caption; no text of ours.
+  static const QRegularExpression translated("«[^»]*»"), key(R"( ?\([^)]*\)$)"),
+      kind("^(BMP|JPG|PNG|TIF) "), file(R"(^[\w ]+\.\w{3} - )");
+  if (text == QGuiApplication::applicationDisplayName()) return {};
+  text.remove(u'&').remove(file).remove(kind).remove(translated).remove(key);
   const bool hasLetters =
       std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c.isLetter(); });
   return hasLetters ? text : QString();
@@ -123,7 +124,7 @@ std::string PseudoLanguage::Translated(std::string_view key, Script script) {
   const bool hasLetters =
       std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c.isLetter(); });
   if (!hasLetters) return std::string(key);
-  return FromQt(u"«" + Longer(WithOtherLetters(text, script), script) + u"»");
+  return FromQt(u'«' + Longer(WithOtherLetters(text, script), script) + u'»');
 }
 
 PseudoLanguage::PseudoLanguage(Script script) {

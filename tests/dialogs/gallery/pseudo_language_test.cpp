@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(Of, InLanguage, testing::ValuesIn(Languages()),
 
 TEST(PseudoLanguage, Should_KeepMnemonicsAndPlaces) {
   EXPECT_EQ(PseudoLanguage::Translated("&Width: %d [%s]", Script::accented),
-            "«&Ŵîðţĥ: %d [%s] ññññññ»");
+            "«&Ŵîðţĥ: %d [%s] ñññññ»");
   EXPECT_EQ(PseudoLanguage::Translated("ab", Script::rightToLeft), "«אב »");
   EXPECT_EQ(PseudoLanguage::Translated("-100", Script::accented), "-100");
 }
