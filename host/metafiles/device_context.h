@@ -243,8 +243,10 @@ class DeviceContext {
 
   void ExtTextOut(const TextRun& run);
 
- private:
+  /// What it is made of, for the files that implement it.
   struct Parts;
+
+ private:
   std::unique_ptr<Parts> parts_;
 };
 

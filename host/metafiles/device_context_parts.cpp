@@ -1,0 +1,189 @@
+#include <algorithm>
+
+#include <rasterkit/host/metafiles/device_context_parts.h>
+
+namespace rasterkit {
+
+using namespace detail;
+
+namespace {
+
+const LogicalPen& UsualPen() {
+  static const LogicalPen pen;
+  return pen;
+}
+
+const LogicalBrush& UsualBrush() {
+  static const LogicalBrush brush;
+  return brush;
+}
+
+}  // namespace
+
+DeviceContext::Parts::Parts(Raster& target, const PixelRect& clip, const ReferenceDevice& d,
+                            const Affine& toTarget)
+    : device(d),
+      deviceToTarget(toTarget.IsFinite() ? toTarget : Affine()),
+      painter(target, ClipRect(clip, target.Width(), target.Height())),
+      state(d) {
+  ClipChanged();
+}
+
+const Affine& DeviceContext::Parts::ToTarget() {
+  if (!toTarget_) {
+    const Affine map = state.ToDevice().Then(deviceToTarget);
+    toTarget_ = map.IsFinite() ? map : Affine();
+  }
+  return *toTarget_;
+}
+
+void DeviceContext::Parts::MappingChanged() {
+  toTarget_.reset();
+  pen_.reset();
+}
+
+void DeviceContext::Parts::ColorsChanged() {
+  pen_.reset();
+  brush_.reset();
+}
+
+void DeviceContext::Parts::ClipChanged() {
+  const PixelRect& frame = painter.Frame();
+  if (!state.metaClip) state.metaClip = ClipArea::OfRects({&frame, 1}, frame);
+  visibleClip_ = state.clip
+                     ? ClipArea::Combined(state.metaClip, state.clip, RegionMode::intersection)
+                     : state.metaClip;
+  painter.SetClip(visibleClip_);
+}
+
+void DeviceContext::Parts::CombineClip(const ClipArea::Pointer& area, RegionMode mode) {
+  const auto number = static_cast<uint32_t>(mode);
+  if (number < 1 || number > 5) return;
+  const PixelRect& frame = painter.Frame();
+  const ClipArea::Pointer current = state.clip ? state.clip : ClipArea::OfRects({&frame, 1}, frame);
+  state.clip = ClipArea::Combined(current, area, mode);
+  ClipChanged();
+}
+
+void DeviceContext::Parts::StateChanged() {
+  MappingChanged();
+  ColorsChanged();
+  ClipChanged();
+}
+
+const DeviceContext::Parts::PenParts& DeviceContext::Parts::Pen() {
+  if (pen_) return *pen_;
+  const LogicalPen& pen = state.pen ? *state.pen : UsualPen();
+  PenParts parts;
+  parts.ink.pixel = PixelOf(pen.color);
+  bool draws = (pen.style & pen_style::line) != pen_style::null;
+  if (pen.brush && (pen.style & pen_style::geometric)) {
+    const auto ink = InkOf(*pen.brush, state, deviceToTarget);
+    draws = draws && ink;
+    if (ink) parts.ink = *ink;
+  }
+  if (draws) {
+    parts.style = StrokeStyleOf(pen, {state.ToDevice(), deviceToTarget, state.miterLimit});
+    parts.style->serial = ++styleSerial_;
+    parts.style->fit.width = painter.Frame().right;
+    parts.style->fit.height = painter.Frame().bottom;
+  }
+  return pen_.emplace(std::move(parts));
+}
+
+const StrokeStyle* DeviceContext::Parts::PenStyle() {
+  const PenParts& pen = Pen();
+  return pen.style ? &*pen.style : nullptr;
+}
+
+const Ink& DeviceContext::Parts::PenInk() {
+  return Pen().ink;
+}
+
+const Ink* DeviceContext::Parts::BrushInk() {
+  if (!brush_) {
+    brush_ = InkOf(state.brush ? *state.brush : UsualBrush(), state, deviceToTarget);
+  }
+  return *brush_ ? &**brush_ : nullptr;
+}
+
+void DeviceContext::Parts::Fill(const Path& outline) {
+  const Ink* ink = BrushInk();
+  if (!ink) return;
+  Note(outline);
+  painter.Fill(outline, state.fill, *ink, Code());
+}
+
+void DeviceContext::Parts::Stroke(const Path& outline) {
+  const StrokeStyle* style = PenStyle();
+  if (!style) return;
+  Note(outline, style->Reach() - 2);
+  if (style->gapsAreFilled && state.backMode == BackgroundMode::opaque) {
+    StrokeStyle gaps = *style;
+    gaps.dashes.clear();
+    gaps.serial = 0;
+    painter.Stroke(outline, gaps, {.pixel = PixelOf(state.backColor)}, Code());
+  }
+  painter.Stroke(outline, *style, PenInk(), Code());
+}
+
+void DeviceContext::Parts::Shape(const Path& outline) {
+  if (isPathOpen) {
+    path.Append(outline);
+    startsFigure = true;
+    return;
+  }
+  Fill(outline);
+  Stroke(outline);
+}
+
+void DeviceContext::Parts::Line(const Path& outline) {
+  if (isPathOpen) {
+    path.Append(outline);
+    return;
+  }
+  Stroke(outline);
+}
+
+DeviceContext::Parts::Path DeviceContext::Parts::StartedPath() {
+  Path fresh;
+  if (!isPathOpen || startsFigure) fresh.MoveTo(Mapped(state.position));
+  startsFigure = false;
+  return fresh;
+}
+
+void DeviceContext::Parts::Note(const RectD& box, double reach) {
+  const RectD r = Normalized(box);
+  if (!drawn) {
+    drawn = {r.left - reach, r.top - reach, r.right + reach, r.bottom + reach};
+    return;
+  }
+  drawn->left = std::min(drawn->left, r.left - reach);
+  drawn->top = std::min(drawn->top, r.top - reach);
+  drawn->right = std::max(drawn->right, r.right + reach);
+  drawn->bottom = std::max(drawn->bottom, r.bottom + reach);
+}
+
+void DeviceContext::Parts::Note(const Path& outline, double reach) {
+  if (const auto bounds = outline.Bounds()) Note(*bounds, reach);
+}
+
+ClipArea::Pointer DeviceContext::Parts::AreaOf(std::span<const RectD> rects, RegionUnit unit) {
+  const Affine map = MapOf(unit);
+  if (map.KeepsAxes()) {
+    std::vector<PixelRect> boxes;
+    boxes.reserve(rects.size());
+    for (const RectD& rect : rects) boxes.push_back(RoundedBox(MappedBounds(Finite(rect), map)));
+    return ClipArea::OfRects(boxes, painter.Frame());
+  }
+  Path outline;
+  for (const RectD& rect : rects) {
+    Path one;
+    one.AddRect(Normalized(Finite(rect)));
+    one.Transform(map);
+    outline.Append(one);
+  }
+  return ClipArea::OfPath(outline, PolygonFill::winding, painter.Frame());
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,113 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <vector>
+
+#include <rasterkit/host/metafiles/brush_ink.h>
+#include <rasterkit/host/metafiles/device_context.h>
+#include <rasterkit/host/metafiles/drawing_state.h>
+#include <rasterkit/host/metafiles/font_faces.h>
+#include <rasterkit/host/metafiles/painter.h>
+#include <rasterkit/host/metafiles/pixel_boxes.h>
+
+namespace rasterkit {
+
+/// What a drawing context is made of, and what several kinds of operations share.
+struct DeviceContext::Parts {
+  using Path = detail::DrawingPath;
+
+  Parts(Raster& target, const PixelRect& clip, const ReferenceDevice& device,
+        const Affine& toTarget);
+
+  // ---- Mapping ----
+
+  /// Logical units to pixels of the target.
+  const Affine& ToTarget();
+  PointD Mapped(PointD logical) { return ToTarget()(logical); }
+  /// The map that takes rectangles of a unit to the target.
+  Affine MapOf(RegionUnit unit) { return unit == RegionUnit::device ? deviceToTarget : ToTarget(); }
+
+  /// After a change of what is mapped, of the pen, of the brush, or of what both take colours from.
+  void MappingChanged();
+  void PenChanged() { pen_.reset(); }
+  void BrushChanged() { brush_.reset(); }
+  void ColorsChanged();
+  void ClipChanged();
+  void StateChanged();
+
+  // ---- Drawing ----
+
+  /// Null for a pen that draws nothing.
+  const detail::StrokeStyle* PenStyle();
+  const detail::Ink& PenInk();
+  /// Null for a brush that paints nothing.
+  const detail::Ink* BrushInk();
+  detail::TernaryCode Code() const { return detail::CodeOf(state.rop); }
+
+  void Fill(const Path& outline);
+  void Stroke(const Path& outline);
+  /// Adds to the open path, or fills and draws.
+  void Shape(const Path& outline);
+  void Line(const Path& outline);
+  /// The path from the current position on, or a fresh one that starts there.
+  Path StartedPath();
+  /// Remembers that this part of the target would be painted, `reach` pixels more on every side.
+  void Note(const RectD& box, double reach = 0);
+  void Note(const Path& outline, double reach = 0);
+
+  /// The rectangles as areas of the target: edges rounded, or slanted where the map turns.
+  detail::ClipArea::Pointer AreaOf(std::span<const RectD> rects, RegionUnit unit);
+  void CombineClip(const detail::ClipArea::Pointer& area, RegionMode mode);
+  const detail::ClipArea::Pointer& VisibleClip() const { return visibleClip_; }
+
+  // ---- The parts ----
+
+  const ReferenceDevice device;
+  const Affine deviceToTarget;
+  detail::Painter painter;
+  detail::FontFaces fonts;
+
+  detail::DrawingState state;
+  std::vector<detail::DrawingState> saved;
+  /// Calls of SaveDC beyond what is kept.
+  uint64_t savedBeyond = 0;
+
+  bool isPathOpen = false;
+  /// The next line of the open path begins a figure at the current position.
+  bool startsFigure = true;
+  Path path;
+  /// What was to become the path's outline: it is drawn as what that pen covers.
+  std::optional<detail::StrokeStyle> widened;
+
+  std::optional<RectD> drawn;  ///< pixels of the target
+
+ private:
+  struct PenParts {
+    std::optional<detail::StrokeStyle> style;
+    detail::Ink ink;
+  };
+  const PenParts& Pen();
+
+  std::optional<Affine> toTarget_;
+  detail::ClipArea::Pointer visibleClip_;
+  std::optional<PenParts> pen_;
+  std::optional<std::optional<detail::Ink>> brush_;
+  uint64_t styleSerial_ = 0;
+};
+
+namespace detail {
+
+/// Numbers that are none count as 0.
+inline double Finite(double value) {
+  return std::isfinite(value) ? value : 0;
+}
+inline PointD Finite(PointD p) {
+  return {Finite(p.x), Finite(p.y)};
+}
+inline RectD Finite(const RectD& r) {
+  return {Finite(r.left), Finite(r.top), Finite(r.right), Finite(r.bottom)};
+}
+
+}  // namespace detail
+}  // namespace rasterkit

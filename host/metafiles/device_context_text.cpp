@@ -1,0 +1,97 @@
+#include <cmath>
+
+#include <rasterkit/host/metafiles/device_context_parts.h>
+#include <rasterkit/host/metafiles/text_layout.h>
+#include <rasterkit/host/metafiles/text_painter.h>
+
+/// Texts of a drawing context.
+namespace rasterkit {
+
+using namespace detail;
+
+namespace {
+
+/// Twelve points on the recording device, in logical units.
+double UsualEmHeight(const DeviceContext::Parts& parts) {
+  const double pixelsPerInch = parts.device.heightPx / parts.device.heightMm * 25.4;
+  const double pixels = 12 * (pixelsPerInch > 0 && pixelsPerInch < 1e5 ? pixelsPerInch : 96) / 72;
+  const double scale = std::abs(parts.state.page.ToDevice().m22);
+  return scale > 0 ? pixels / scale : pixels;
+}
+
+/// The reference point on the line's coordinates.
+PointD ReferenceOf(const TextLine& line, uint32_t align) {
+  PointD reference;
+  if ((align & text_align::horizontal) == text_align::right) reference.x = line.width;
+  if ((align & text_align::horizontal) == text_align::center) reference.x = line.width / 2;
+  const uint32_t vertical = align & text_align::vertical;
+  if (vertical == text_align::top) reference.y = -line.ascent;
+  if (vertical == text_align::bottom) reference.y = line.descent;
+  return reference;
+}
+
+/// Where the position goes when a text moves it; a centred one does not.
+void MovePosition(DrawingState& state, const TextLine& line, const TextPlacement& placement,
+                  PointD origin) {
+  const uint32_t side = state.textAlign & text_align::horizontal;
+  if (!(state.textAlign & text_align::updatePosition) || side == text_align::center) return;
+  const double sign = side == text_align::right ? -1 : 1;
+  const Affine toDevice = state.ToDevice();
+  const auto back = toDevice.Inverse();
+  if (!back) return;
+  const PointD moved = placement.places.Direction({sign * line.width, sign * line.drop});
+  const PointD device = toDevice(origin);
+  state.position = Finite((*back)(PointD{device.x + moved.x, device.y + moved.y}));
+}
+
+void FillTextBox(DeviceContext::Parts& parts, const RectD& box) {
+  DrawingPath outline;
+  outline.AddRect(Normalized(Finite(box)));
+  outline.Transform(parts.ToTarget());
+  parts.Note(outline);
+  parts.painter.Fill(outline, PolygonFill::winding, {.pixel = PixelOf(parts.state.backColor)},
+                     kCopyBrush);
+}
+
+}  // namespace
+
+void DeviceContext::ExtTextOut(const TextRun& run) {
+  Parts& parts = *parts_;
+  DrawingState& state = parts.state;
+  const bool movesPosition = (state.textAlign & text_align::updatePosition) != 0;
+  const PointD origin = movesPosition ? state.position : Finite(run.origin);
+  const bool hasBox = run.box && (run.options & text_option::opaque) != 0;
+  if (hasBox && !parts.isPathOpen) FillTextBox(parts, *run.box);
+  if (run.text.empty()) return;
+
+  const LogicalFont& font = Font();
+  const TextLine line = LayOutText(run, font, state, parts.fonts, UsualEmHeight(parts));
+  if (!line.face) return;
+  const TextPlacement onDevice = PlaceText(font, state, origin, ReferenceOf(line, state.textAlign));
+  const TextPlacement placement{onDevice.places.Then(parts.deviceToTarget),
+                                onDevice.letters.Then(parts.deviceToTarget)};
+  if (parts.isPathOpen) {
+    parts.path.Append(TextOutline(line, placement));
+    parts.startsFigure = true;
+  } else {
+    const bool isClipped = run.box && (run.options & text_option::clipped) != 0;
+    if (isClipped) {
+      const RectD box = *run.box;
+      parts.painter.SetClip(ClipArea::Combined(parts.VisibleClip(),
+                                               parts.AreaOf({&box, 1}, RegionUnit::logical),
+                                               RegionMode::intersection));
+    }
+    const bool fillsCell = state.backMode == BackgroundMode::opaque && !hasBox;
+    const DrawingPath cell = TextCell(line, placement);
+    parts.Note(cell);
+    if (fillsCell) {
+      parts.painter.Fill(cell, PolygonFill::winding, {.pixel = PixelOf(state.backColor)},
+                         kCopyBrush);
+    }
+    PaintText(parts.painter, line, placement, font, PixelOf(state.textColor));
+    if (isClipped) parts.painter.SetClip(parts.VisibleClip());
+  }
+  MovePosition(state, line, onDevice, origin);
+}
+
+}  // namespace rasterkit

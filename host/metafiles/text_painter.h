@@ -1,0 +1,17 @@
+#pragma once
+
+#include <rasterkit/host/metafiles/painter.h>
+#include <rasterkit/host/metafiles/text_layout.h>
+
+/// Lines of text on the target: `placement` leads to its pixels.
+namespace rasterkit::detail {
+
+/// The rectangle, turned like the text, from the highest to the lowest letter.
+DrawingPath TextCell(const TextLine& line, const TextPlacement& placement);
+/// The outlines of all letters.
+DrawingPath TextOutline(const TextLine& line, const TextPlacement& placement);
+/// Letters, and the lines under or through them that the font asks for.
+void PaintText(Painter& painter, const TextLine& line, const TextPlacement& placement,
+               const LogicalFont& font, uint32_t pixel);
+
+}  // namespace rasterkit::detail

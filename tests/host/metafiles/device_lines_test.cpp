@@ -1,0 +1,181 @@
+#include <gtest/gtest.h>
+
+#include "tests/support/drawing_paper.h"
+
+namespace rasterkit {
+namespace {
+
+using test::DrawingPaper;
+
+TEST(DeviceLines, Should_CoverPixelsFromTheFirstToBeforeTheLast_When_ALineRunsAlongAnAxis) {
+  DrawingPaper paper(6, 4);
+  paper.Dc().MoveTo({1, 1});
+  paper.Dc().LineTo({4, 1});
+  paper.Dc().MoveTo({5, 0});
+  paper.Dc().LineTo({5, 3});
+  EXPECT_EQ(paper.Picture(), R"(
+.....#
+.###.#
+.....#
+......
+)");
+}
+
+TEST(DeviceLines, Should_FillTheCorner_When_APolylineBends) {
+  DrawingPaper paper(6, 5);
+  const PointD points[] = {{1, 1}, {4, 1}, {4, 4}};
+  paper.Dc().Polyline(points);
+  EXPECT_EQ(paper.Picture(), R"(
+......
+.####.
+....#.
+....#.
+......
+)");
+}
+
+TEST(DeviceLines, Should_KeepSharp_When_LogicalUnitsFallBetweenPixels) {
+  DrawingPaper paper(6, 4, Affine::Scaling(0.37, 0.37));
+  paper.Dc().MoveTo({0, 5});
+  paper.Dc().LineTo({30, 5});
+  EXPECT_EQ(paper.Picture(), R"(
+......
+......
+######
+......
+)");
+}
+
+TEST(DeviceLines, Should_BeSoft_When_ALineIsSlanted) {
+  DrawingPaper paper(6, 6);
+  paper.Dc().MoveTo({0, 0});
+  paper.Dc().LineTo({6, 3});
+  const std::string picture = paper.Picture();
+  EXPECT_NE(picture.find('+'), std::string::npos);
+  EXPECT_EQ(paper.At(0, 5), clWhite);
+}
+
+TEST(DeviceLines, Should_BeOnePixelOfTheTarget_When_TheTargetIsCoarser) {
+  DrawingPaper paper(4, 3, Affine::Scaling(0.01, 0.01));
+  paper.Dc().MoveTo({0, 110});
+  paper.Dc().LineTo({400, 110});
+  EXPECT_EQ(paper.Picture(), "\n....\n####\n....\n");
+}
+
+TEST(DeviceLines, Should_BeOnePixelOfTheDevice_When_TheTargetIsFiner) {
+  DrawingPaper paper(6, 6, Affine::Scaling(2, 2));
+  paper.Dc().MoveTo({0, 1});
+  paper.Dc().LineTo({3, 1});
+  EXPECT_EQ(paper.Picture(), "\n......\n......\n######\n######\n......\n......\n");
+}
+
+TEST(DeviceLines, Should_PullALineInside_When_ItLiesOnTheFarEdge) {
+  DrawingPaper paper(3, 3);
+  paper.Dc().MoveTo({0, 3});
+  paper.Dc().LineTo({3, 3});
+  EXPECT_EQ(paper.Picture(), "\n...\n...\n###\n");
+}
+
+TEST(DeviceLines, Should_DrawWideLines_When_ThePenIsGeometric) {
+  DrawingPaper paper(7, 5);
+  paper.Pen(RGB(255, 0, 0), 3, pen_style::geometric | pen_style::flatCap);
+  paper.Dc().MoveTo({0, 2});
+  paper.Dc().LineTo({7, 2});
+  EXPECT_EQ(paper.At(3, 0), clWhite);
+  EXPECT_EQ(paper.At(3, 1), RGB(255, 0, 0));
+  EXPECT_EQ(paper.At(3, 3), RGB(255, 0, 0));
+  EXPECT_EQ(paper.At(3, 4), clWhite);
+}
+
+TEST(DeviceLines, Should_LeaveGaps_When_ThePenIsDottedAndTheBackgroundTransparent) {
+  DrawingPaper paper(12, 1);
+  paper.Dc().SetBkMode(BackgroundMode::transparent);
+  paper.Pen(clBlack, 0, pen_style::dot);
+  paper.Dc().MoveTo({0, 0});
+  paper.Dc().LineTo({12, 0});
+  EXPECT_EQ(paper.Picture(), "\n###...###...\n");
+}
+
+TEST(DeviceLines, Should_FillGapsWithTheBackground_When_ThePenIsDottedAndTheBackgroundOpaque) {
+  DrawingPaper paper(12, 1);
+  paper.Dc().SetBkColor(RGB(0, 255, 0));
+  paper.Pen(clBlack, 0, pen_style::dot);
+  paper.Dc().MoveTo({0, 0});
+  paper.Dc().LineTo({12, 0});
+  EXPECT_EQ(paper.Picture(), "\n###ggg###ggg\n");
+}
+
+TEST(DeviceLines, Should_UseOwnDashes_When_ThePenHasThem) {
+  DrawingPaper paper(12, 1);
+  LogicalPen pen;
+  pen.style = pen_style::user;
+  pen.dashes = {2, 1};
+  paper.Dc().SelectPen(std::make_shared<LogicalPen>(pen));
+  paper.Dc().SetBkMode(BackgroundMode::transparent);
+  paper.Dc().MoveTo({0, 0});
+  paper.Dc().LineTo({12, 0});
+  EXPECT_EQ(paper.Picture(), "\n##.##.##.##.\n");
+}
+
+TEST(DeviceLines, Should_DrawNothing_When_ThePenIsNull) {
+  DrawingPaper paper(3, 3);
+  paper.NoPen();
+  paper.Dc().LineTo({3, 3});
+  EXPECT_EQ(paper.Picture(), "\n...\n...\n...\n");
+  EXPECT_EQ(paper.Dc().CurrentPosition(), (PointD{3, 3}));
+}
+
+TEST(DeviceLines, Should_Survive_When_CoordinatesAreFarAwayOrNoNumbers) {
+  DrawingPaper paper(5, 5);
+  const double huge = 1e300, nan = std::nan("");
+  for (const double far : {1e9, -1e9, huge, -huge, nan, HUGE_VAL}) {
+    paper.Dc().MoveTo({far, 2});
+    paper.Dc().LineTo({-far, far});
+    const PointD points[] = {{far, far}, {0, far}, {far, 0}, {1, 1}};
+    paper.Dc().Polygon(points);
+    paper.Dc().PolyBezier(points);
+    paper.Dc().Ellipse({far, far, -far, 2});
+  }
+}
+
+TEST(DeviceLines, Should_CrossThePicture_When_BothEndsAreFarAway) {
+  DrawingPaper paper(5, 3);
+  paper.Dc().MoveTo({-1e9, 1});
+  paper.Dc().LineTo({1e9, 1});
+  EXPECT_EQ(paper.Picture(), "\n.....\n#####\n.....\n");
+}
+
+TEST(DeviceLines, Should_DrawEveryRun_When_ThePointsAreManyPolylines) {
+  DrawingPaper paper(5, 3);
+  const PointD points[] = {{0, 0}, {3, 0}, {0, 2}, {2, 2}};
+  const uint32_t counts[] = {2, 9};
+  paper.Dc().PolyPolyline(points, counts);
+  EXPECT_EQ(paper.Picture(), "\n###..\n.....\n##...\n");
+}
+
+TEST(DeviceLines, Should_CloseTheFigure_When_PolyDrawSaysSo) {
+  DrawingPaper paper(6, 6);
+  const PointD points[] = {{1, 1}, {4, 1}, {4, 4}, {1, 4}};
+  const uint8_t types[] = {6, 2, 2, 3};
+  paper.Dc().PolyDraw(points, types);
+  EXPECT_EQ(paper.Picture(), R"(
+......
+.####.
+.#..#.
+.#..#.
+.####.
+......
+)");
+}
+
+TEST(DeviceLines, Should_EndWhereTheLineEnds_When_DrawingFromTheCurrentPosition) {
+  DrawingPaper paper(4, 4);
+  const PointD line[] = {{1, 1}, {2, 3}}, curve[] = {{0, 0}, {1, 0}, {3, 0}, {9, 9}};
+  paper.Dc().PolylineTo(line);
+  EXPECT_EQ(paper.Dc().CurrentPosition(), (PointD{2, 3}));
+  paper.Dc().PolyBezierTo(curve);
+  EXPECT_EQ(paper.Dc().CurrentPosition(), (PointD{3, 0}));
+}
+
+}  // namespace
+}  // namespace rasterkit
