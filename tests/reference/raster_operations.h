@@ -20,8 +20,7 @@ inline uint32_t TernaryOperation(unsigned table, uint32_t brush, uint32_t source
                                  uint32_t picture) {
   uint32_t result = 0;
   for (unsigned bit = 0; bit < 32; ++bit) {
-    const unsigned place =
-        4 * (brush >> bit & 1) + 2 * (source >> bit & 1) + (picture >> bit & 1);
+    const unsigned place = 4 * (brush >> bit & 1) + 2 * (source >> bit & 1) + (picture >> bit & 1);
     result |= (table >> place & 1) << bit;
   }
   return result;

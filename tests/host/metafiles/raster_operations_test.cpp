@@ -1,3 +1,5 @@
+#include "tests/reference/raster_operations.h"
+
 #include <random>
 #include <vector>
 
@@ -5,7 +7,6 @@
 
 #include <rasterkit/host/metafiles/ternary_rows.h>
 
-#include "tests/reference/raster_operations.h"
 #include "tests/support/drawing_paper.h"
 
 namespace rasterkit {
@@ -17,7 +18,6 @@ using detail::TernaryCode;
 std::vector<uint32_t> RandomPixels(std::mt19937& random, size_t count) {
   std::vector<uint32_t> pixels(count);
   for (uint32_t& pixel : pixels) pixel = static_cast<uint32_t>(random());
-  // Each of the eight combinations of three bits occurs in the first eight whole pixels.
   return pixels;
 }
 
@@ -89,9 +89,8 @@ TEST(DeviceContextRop3, Should_CombineBrushSourceAndPicture_When_AnyOfThe256Code
   for (unsigned code = 0; code < 256; ++code) {
     FillRaster(paper.raster, {0, 0, 4, 3}, picture);
     paper.Dc().StretchBlt({1, 1, 3, 3}, {bitmap, {0, 0, 2, 2}}, code << 16);
-    const auto wanted =
-        static_cast<TColor>(reference::TernaryOperation(code, 0x0F0F0F, 0x333333, 0x555555) &
-                            0xFFFFFF);
+    const auto wanted = static_cast<TColor>(
+        reference::TernaryOperation(code, 0x0F0F0F, 0x333333, 0x555555) & 0xFFFFFF);
     EXPECT_EQ(paper.At(1, 1), wanted) << code;
     EXPECT_EQ(paper.At(2, 2), wanted) << code;
     EXPECT_EQ(paper.At(0, 0), picture);
@@ -111,8 +110,8 @@ TEST(DeviceContextRop2, Should_CombinePenAndPicture_When_AnyOfThe16IsSet) {
     paper.Dc().FillRgn({&area, 1}, RegionUnit::logical, brush);
     paper.Dc().MoveTo({0, 2});
     paper.Dc().LineTo({3, 2});
-    const auto wanted = static_cast<TColor>(
-        reference::BinaryOperation(number, 0x0F33C3, 0x335599) & 0xFFFFFF);
+    const auto wanted =
+        static_cast<TColor>(reference::BinaryOperation(number, 0x0F33C3, 0x335599) & 0xFFFFFF);
     EXPECT_EQ(paper.At(1, 1), wanted) << number;
     EXPECT_EQ(paper.At(2, 2), wanted) << number;
     EXPECT_EQ(paper.At(3, 2), 0x335599);
