@@ -19,7 +19,7 @@ namespace rasterkit::test {
 /// unless the test has one.
 class DialogTest : public testing::Test {
  protected:
-  static Environment::Variables WithUser(const std::string& script) {
+  Environment::Variables WithUser(const std::string& script) const {
     const char* const platform = std::getenv("QT_QPA_PLATFORM");
     return {{"QT_QPA_PLATFORM", platform ? platform : "offscreen"},
             {"QT_QPA_GENERIC_PLUGINS", "rasterkit-user"},
@@ -27,7 +27,7 @@ class DialogTest : public testing::Test {
             {"RASTERKIT_USER", script},
             // Remarks of Qt about the platform are no words of the tool.
             {"QT_LOGGING_RULES", "default.warning=false"},
-            {"LC_ALL", "C.UTF-8"},
+            {"LC_ALL", locale_},
             {"LANGUAGE", ""},
             {"HOME", HomeFolder()},
             {"XDG_CONFIG_HOME", HomeFolder()}};
@@ -72,6 +72,8 @@ class DialogTest : public testing::Test {
   bool HasOutput() const { return std::filesystem::exists(folder_ / "out.png"); }
 
   TempFolder folder_;
+  /// Of the user.
+  std::string locale_ = "C.UTF-8";
 
  private:
   /// What Qt and its friends keep until the process ends is no leak of the tool.

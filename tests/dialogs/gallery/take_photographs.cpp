@@ -3,14 +3,15 @@
 #include <QStandardPaths>
 #include <cstdio>
 
+#include <rasterkit/qt/language.h>
 #include <rasterkit/qt/style.h>
 
 #include "tests/dialogs/gallery/gallery.h"
 #include "tests/dialogs/gallery/photograph_file_dialogs.h"
 #include "tests/support/forms/form_events.h"
 
-// dialogs_screenshots FOLDER light|dark: writes NAME-STYLE-SCALE.png of every form. The scale is
-// what the screen has, QT_SCALE_FACTOR=2 for 200 percent.
+// dialogs_screenshots FOLDER light|dark LANGUAGE: writes NAME-LANGUAGE-STYLE-SCALE.png of every
+// form. The scale is what the screen has, QT_SCALE_FACTOR=2 for 200 percent.
 namespace rasterkit::test {
 namespace {
 
@@ -37,15 +38,16 @@ int main(int argc, char** argv) {
   QStandardPaths::setTestModeEnabled(true);
   const QApplication application(argc, argv);
   const QStringList arguments = QCoreApplication::arguments();
-  if (arguments.size() != 3 || (arguments[2] != "light" && arguments[2] != "dark")) {
-    std::fprintf(stderr, "usage: dialogs_screenshots FOLDER light|dark\n");
+  const bool isUsage = arguments.size() == 4 && (arguments[2] == "light" || arguments[2] == "dark");
+  if (!isUsage || !SetLanguage(arguments[3].toStdString())) {
+    std::fprintf(stderr, "usage: dialogs_screenshots FOLDER light|dark LANGUAGE\n");
     return 2;
   }
   const QDir folder(arguments[1]);
   if (!folder.mkpath(".")) return 4;
   QApplication::setStyle("Fusion");
   const auto keep = [&](const QImage& image, const QString& name) {
-    return test::Keep(image, folder, name, arguments[2]);
+    return test::Keep(image, folder, name + '-' + arguments[3], arguments[2]);
   };
   UsePalette(arguments[2] == "dark" ? DarkPalette() : LightPalette());
   for (const test::Exhibited& exhibited : test::Gallery()) {
