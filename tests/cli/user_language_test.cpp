@@ -7,9 +7,9 @@
 namespace rasterkit::test {
 namespace {
 
-class CliLanguage : public DialogTest {};
+class CliDialogLanguage : public DialogTest {};
 
-TEST_F(CliLanguage, Windows_Should_SpeakTheUsersLanguage) {
+TEST_F(CliDialogLanguage, Windows_Should_SpeakTheUsersLanguage) {
   const Raster raster = GradientRaster(pf24bit, 60, 40);
   locale_ = "de_DE.UTF-8";
   const ToolResult cancelled = RunVerb("resize", raster, "click Abbrechen");
@@ -24,7 +24,7 @@ TEST_F(CliLanguage, Windows_Should_SpeakTheUsersLanguage) {
   EXPECT_EQ(RunVerb("resize", raster, "click Cancel").code, 1) << "no catalogue";
 }
 
-TEST_F(CliLanguage, TheTerminal_Should_StayEnglish) {
+TEST_F(CliDialogLanguage, TheTerminal_Should_StayEnglish) {
   const ToolResult plain = Run({"resize", "--help"}, "");
   locale_ = "de_DE.UTF-8";
   const ToolResult german = Run({"resize", "--help"}, "");
