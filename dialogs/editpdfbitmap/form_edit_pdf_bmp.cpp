@@ -168,6 +168,8 @@ void TFormEditPdfBmp::ShowPictureMenu(const QPoint& place) {
   if (chosen == undo) model_->Undo();
   if (chosen == size) model_->FormKeyDown(EditKey::h, true);
   if (chosen == whole) model_->FormKeyDown(EditKey::del, false);
+  // No key is held.
+  model_->FormKeyUp();
 }
 
 bool TFormEditPdfBmp::event(QEvent* event) {

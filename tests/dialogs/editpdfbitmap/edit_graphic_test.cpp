@@ -153,36 +153,23 @@ TEST_F(EditGraphicTest, Graphic_Should_KeepItsClass) {
   EXPECT_NE(dynamic_cast<TJPEGImage*>(graphic.get()), nullptr);
 }
 
-TEST_F(EditGraphicTest, Changes_Should_StartAnew_When_TheTargetExists) {
+TEST_F(EditGraphicTest, Turns_Should_AddUp_UnlessTheTargetExists) {
   const TBitmap picture = GradientBitmap(pf24bit, 41, 30);
   picture.Clone()->SaveToFile(folder / "there.bmp");
-  std::unique_ptr<TGraphic> graphic = picture.Clone();
-  std::string fileName = "there.bmp";
-  int width = 0;
-  InEditor([&] {
-    Type("CoBoRotation", "90");
-    Key("CoBoRotation", Qt::Key_Return);
-    Type("CoBoRotation", "180");
-    Key("CoBoRotation", Qt::Key_Return);
-    width = Picture().Width();
-  });
-  EXPECT_FALSE(Edit(Dir(), fileName, graphic));
-  EXPECT_EQ(width, 41);
-}
-
-TEST_F(EditGraphicTest, Turns_Should_AddUp_When_TheTargetIsNew) {
-  std::unique_ptr<TGraphic> graphic = GradientBitmap(pf24bit, 41, 30).Clone();
-  std::string fileName = "new.bmp";
-  int width = 0;
-  InEditor([&] {
-    Type("CoBoRotation", "90");
-    Key("CoBoRotation", Qt::Key_Return);
-    Type("CoBoRotation", "180");
-    Key("CoBoRotation", Qt::Key_Return);
-    width = Picture().Width();
-  });
-  EXPECT_FALSE(Edit(Dir(), fileName, graphic));
-  EXPECT_EQ(width, 30);
+  for (const bool isThere : {false, true}) {
+    std::unique_ptr<TGraphic> graphic = picture.Clone();
+    std::string fileName = isThere ? "there.bmp" : "new.bmp";
+    int width = 0;
+    InEditor([&] {
+      for (const char* angle : {"90", "180"}) {
+        Type("CoBoRotation", angle);
+        Key("CoBoRotation", Qt::Key_Return);
+      }
+      width = Picture().Width();
+    });
+    EXPECT_FALSE(Edit(Dir(), fileName, graphic));
+    EXPECT_EQ(width, isThere ? 41 : 30);
+  }
 }
 
 TEST_F(EditGraphicTest, Everything_Should_StayAsItWas_When_Cancelled) {
@@ -228,8 +215,7 @@ TEST_F(ConvertPdfPageToBmpDialogTest, Page_Should_BeInTheFile_AsItWasChosen) {
   });
   ASSERT_EQ(ConvertPdfPageToBmpDialog(page, fileName), 1);
   EXPECT_EQ(fileName, folder / "page2.png");
-  TBitmap expected;
-  DrawPaper(expected, PdfPagePixels(paper.size, 3), 2);
+  TBitmap expected = PdfPicture(1, 3, kPage);
   SwapBitmap(true, &expected);
   TPngImage file;
   file.LoadFromFile(fileName);
@@ -251,11 +237,17 @@ TEST_F(ConvertPdfPageToBmpDialogTest, Resolution_Should_BeThatOfTheLastTime) {
   EXPECT_EQ(width, 400);
 }
 
+TEST_F(ConvertPdfPageToBmpDialogTest, Target_Should_NotBeAskedFor_When_ThePdfIsTheSource) {
+  std::string fileName = folder.Write("plan.png", "an old picture");
+  InEditor([&] { EXPECT_FALSE(Model().BmpFileExisted()); });
+  EXPECT_EQ(ConvertPdfPageToBmpDialog(page, fileName), 0);
+}
+
 TEST_F(ConvertPdfPageToBmpDialogTest, Should_AnswerMinusOne_WithoutAWindow_When_ThereIsNoFile) {
   std::string fileName = "unchanged";
   EXPECT_EQ(ConvertPdfPageToBmpDialog(folder / "missing.pdf", fileName), -1);
   EXPECT_EQ(fileName, "unchanged");
-  EXPECT_EQ(paper.exports, 0);
+  EXPECT_THAT(pdf.exports, IsEmpty());
 }
 
 TEST_F(ConvertPdfPageToBmpDialogTest, Should_SayWhy_When_TheFileCannotBeOpened) {
@@ -364,7 +356,7 @@ TEST_F(RealPdfTest, EveryFileOfTheCorpus_Should_BeSurvived) {
 }
 
 TEST_F(ConvertPdfPageToBmpDialogTest, FirstPage_Should_BeCancelled_InTheOpenWindow) {
-  paper.patience = 100'000;
+  pdf.patience = 100'000;
   std::string fileName = "unchanged";
   bool wasVisible = false;
   const std::function<void()> cancel = [&] {

@@ -28,7 +28,7 @@ class EditorRendering : public EditorTest {
 
 TEST_F(EditorRendering, Controls_Should_RestButForCancel) {
   OpenPdf();
-  paper.patience = 30;
+  pdf.patience = 30;
   std::vector<std::string> enabled;
   bool isAlive = false;
   WhileRendering([&] {
@@ -50,7 +50,7 @@ TEST_F(EditorRendering, Controls_Should_RestButForCancel) {
 TEST_F(EditorRendering, Focus_Should_BeOnThePicture_WhenTheFirstPageIsThere) {
   OpenPdf();
   EXPECT_EQ(form->focusWidget(), &Box());
-  paper.patience = 10;
+  pdf.patience = 10;
   Box().setFocus();
   Find<TSpinEditInt>("SpinEditPage").setValue(2);
   EXPECT_EQ(form->focusWidget(), &Box());
@@ -59,7 +59,7 @@ TEST_F(EditorRendering, Focus_Should_BeOnThePicture_WhenTheFirstPageIsThere) {
 TEST_F(EditorRendering, Progress_Should_BeShown_When_ThePageTakesItsTime) {
   OpenPdf();
   EXPECT_FALSE(Find("PanelRendering").isVisible());
-  paper.patience = 100;
+  pdf.patience = 100;
   bool isShown = false;
   WhileRendering([&] {
     QTimer::singleShot(350, &waiting, [&] { isShown = Find("PanelRendering").isVisible(); });
@@ -71,7 +71,7 @@ TEST_F(EditorRendering, Progress_Should_BeShown_When_ThePageTakesItsTime) {
 
 TEST_F(EditorRendering, Cancel_Should_BringThePictureBack) {
   OpenPdf();
-  paper.patience = 100'000;
+  pdf.patience = 100'000;
   WhileRendering([&] { QTest::mouseClick(&Navigator(nbCancel), Qt::LeftButton); });
   RenderAgain();
   EXPECT_FALSE(Model().ModalResult());
@@ -82,7 +82,7 @@ TEST_F(EditorRendering, Cancel_Should_BringThePictureBack) {
 
 TEST_F(EditorRendering, Escape_Should_CancelThePage_AndNotTheWindow) {
   OpenPdf();
-  paper.patience = 100'000;
+  pdf.patience = 100'000;
   WhileRendering([&] { QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape); });
   RenderAgain();
   EXPECT_FALSE(Model().ModalResult());
@@ -91,7 +91,7 @@ TEST_F(EditorRendering, Escape_Should_CancelThePage_AndNotTheWindow) {
 
 TEST_F(EditorRendering, Frame_Should_CloseTheWindow_When_ThePageIsGivenUp) {
   OpenPdf();
-  paper.patience = 100'000;
+  pdf.patience = 100'000;
   WhileRendering([&] { form->close(); });
   RenderAgain();
   EXPECT_EQ(Model().ModalResult(), mrCancel);
@@ -100,8 +100,8 @@ TEST_F(EditorRendering, Frame_Should_CloseTheWindow_When_ThePageIsGivenUp) {
 
 TEST_F(EditorRendering, Events_Should_BeIgnored_WhileAPageIsRendered) {
   OpenPdf();
-  paper.patience = 30;
-  const int before = paper.exports;
+  pdf.patience = 30;
+  const size_t before = pdf.exports.size();
   WhileRendering([&] {
     Click("SpeedButtonOpen");
     Find<QComboBox>("CoBoRotation").setEditText("90");
@@ -110,7 +110,7 @@ TEST_F(EditorRendering, Events_Should_BeIgnored_WhileAPageIsRendered) {
     TurnWheel(Box(), {10, 10}, 120);
   });
   RenderAgain();
-  EXPECT_EQ(paper.exports, before + 1);
+  EXPECT_EQ(pdf.exports.size(), before + 1);
   EXPECT_EQ(Model().Rotation(), 0);
   EXPECT_THAT(asked, IsEmpty());
   EXPECT_FALSE(Model().ModalResult());
@@ -118,7 +118,7 @@ TEST_F(EditorRendering, Events_Should_BeIgnored_WhileAPageIsRendered) {
 
 TEST_F(EditorRendering, Cursor_Should_BeTheUsualOneAfterwards) {
   OpenPdf();
-  paper.patience = 10;
+  pdf.patience = 10;
   bool hasHourglass = false;
   WhileRendering([&] { hasHourglass = QApplication::overrideCursor() != nullptr; });
   RenderAgain();

@@ -25,7 +25,7 @@
 #include <rasterkit/qt/qt_host.h>
 #include <rasterkit/qt/qt_text.h>
 
-#include "tests/dialogs/editpdfbitmap/paper_document.h"
+#include "tests/dialogs/editpdfbitmap/fake_pdf.h"
 #include "tests/support/forms/form_events.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/test_pictures.h"
@@ -50,6 +50,11 @@ class EditorTest : public testing::Test {
     };
     ports.messageBox = [this](const std::string& text) { messages.push_back(text); };
     ports.helpTopic = [this](int topic) { topics.push_back(topic); };
+    pdf.pages.assign(3, kPage);
+    pdf.onLoad = [](const std::string& fileName) {
+      if (fileName.find("damaged") != std::string::npos)
+        throw FormatError("the file is damaged", fileName);
+    };
     host = std::make_unique<QtHost>();
   }
   ~EditorTest() override {
@@ -129,14 +134,17 @@ class EditorTest : public testing::Test {
     return QPoint(qRound(place.Left + x * factor), qRound(place.Top + y * factor));
   }
 
+  /// Points; 2 by 3 inches.
+  static constexpr PdfPageSize kPage{144, 216};
+
   TempFolder folder;
   std::map<std::string, std::string> settings, sections;
   std::vector<std::string> messages;
   std::vector<int> topics;
   std::deque<std::pair<std::string, int>> answers;
   std::vector<PictureFileDialog> asked;
-  Paper paper;
-  PaperPort port{paper};
+  PdfScript pdf;
+  FakePdfPort pdfPort{pdf};
   std::unique_ptr<QtHost> host;
   std::unique_ptr<TFormEditPdfBmp> form;
 };

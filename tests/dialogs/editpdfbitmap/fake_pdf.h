@@ -1,8 +1,10 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <rasterkit/host/graphics/pdf_document.h>
@@ -11,7 +13,7 @@
 
 namespace rasterkit::test {
 
-/// What a fake document does, and what was asked of it.
+/// What fake documents do, and what was asked of them.
 struct PdfScript {
   /// Of every file that is opened; a page of 72 x 36 points has 150 x 75 pixels at 150 dpi.
   std::vector<PdfPageSize> pages{{72, 36}};
@@ -19,6 +21,8 @@ struct PdfScript {
   std::function<bool(const PdfDocument::PdfKeepGoing& keepGoing)> onExport;
   std::function<void(const std::string& fileName)> onLoad;
   std::function<void(int index)> onPageSize;
+  /// How often a page asks whether to go on, every 5 ms.
+  int patience = 0;
 
   int documents = 0;
   std::vector<std::string> loads;
@@ -60,6 +64,10 @@ class FakePdf : public PdfDocument {
     script_.exports.push_back({index, scale, rotation});
     const PdfPageSize size = PageSize(index);
     if (script_.onExport && !script_.onExport(keepGoing)) return false;
+    for (int i = 0; i < script_.patience; ++i) {
+      if (!keepGoing()) return false;
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
     bitmap = PdfPicture(index, scale, size);
     bitmap.SetTransparent(true);
     return true;
@@ -68,6 +76,20 @@ class FakePdf : public PdfDocument {
  private:
   PdfScript& script_;
   bool isOpen_ = false;
+};
+
+/// For as long as it lives, every PDF file is a fake document.
+class FakePdfPort {
+ public:
+  explicit FakePdfPort(PdfScript& script) : before_(PdfDocumentFactory()) {
+    PdfDocumentFactory() = [&script] { return std::make_unique<FakePdf>(script); };
+  }
+  ~FakePdfPort() { PdfDocumentFactory() = before_; }
+  FakePdfPort(const FakePdfPort&) = delete;
+  FakePdfPort& operator=(const FakePdfPort&) = delete;
+
+ private:
+  PdfDocumentMaker before_;
 };
 
 }  // namespace rasterkit::test

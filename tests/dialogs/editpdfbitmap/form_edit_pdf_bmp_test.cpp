@@ -98,7 +98,7 @@ TEST_F(EditorForm, Pdf_Should_HavePagesUpToItsLast) {
 }
 
 TEST_F(EditorForm, Pdf_Should_ShowNoPageSelector_When_ItHasOnePage) {
-  paper.pages = 1;
+  pdf.pages.resize(1);
   OpenPdf();
   EXPECT_FALSE(Find("LabelPage").isVisible());
   EXPECT_FALSE(Find("SpinEditPage").isVisible());
@@ -107,10 +107,10 @@ TEST_F(EditorForm, Pdf_Should_ShowNoPageSelector_When_ItHasOnePage) {
 
 TEST_F(EditorForm, PageSize_Should_BeTold_BeforeAnythingIsRendered) {
   OpenPdf();
-  const int before = paper.exports;
+  const size_t before = pdf.exports.size();
   Type("CoBoResolution", "600");
   EXPECT_EQ(Find<QLabel>("LabelPageSize").text(), "1200 * 1800 px, 51 * 76 mm (6.48 [MB])");
-  EXPECT_EQ(paper.exports, before);
+  EXPECT_EQ(pdf.exports.size(), before);
   EXPECT_EQ(Picture().Width(), 300);
 }
 
@@ -186,7 +186,7 @@ TEST_F(EditorForm, Window_Should_GoQuietly_WhileABoxHasTheFocus) {
   OpenPdf();
   Type("CoBoResolution", "300");
   form.reset();
-  EXPECT_EQ(paper.exports, 1);
+  EXPECT_THAT(pdf.exports, SizeIs(1));
 }
 
 TEST_F(EditorForm, Typing_Should_End_When_TheBoxIsLeft) {
@@ -208,8 +208,7 @@ TEST_F(EditorForm, Page_Should_BeRendered_AndStartUpright) {
   EXPECT_EQ(Model().PageNumber(), 2);
   EXPECT_EQ(Find<QComboBox>("CoBoRotation").currentText(), "0");
   EXPECT_FALSE(Button("SpeedButtonGrayScale").isChecked());
-  TBitmap expected;
-  DrawPaper(expected, PdfPagePixels(paper.size, 1.5), 2);
+  const TBitmap expected = PdfPicture(1, 1.5, kPage);
   EXPECT_TRUE(SamePixels(expected, Picture()));
 }
 

@@ -106,6 +106,30 @@ TEST_F(EditChanges, BlackWhite_Should_DisableWhatOneBitCannotTake) {
     EXPECT_FALSE(Usable(button));
 }
 
+TEST_F(EditChanges, BlackWhite_Should_DisableThemToo_When_AllIsMadeAnew) {
+  EditExisting();
+  model->SpeedButtonBlackWhiteClick();
+  for (const EditControl button :
+       {SpeedButton256Colors, SpeedButtonGrayScale, SpeedButtonBlackWhite, SpeedButtonEdit})
+    EXPECT_FALSE(Usable(button));
+  ChooseAngle("90");
+  EXPECT_EQ(Work().PixelFormat(), pf1bit);
+  for (const EditControl button :
+       {SpeedButton256Colors, SpeedButtonGrayScale, SpeedButtonBlackWhite, SpeedButtonEdit})
+    EXPECT_TRUE(Usable(button)) << "the source has colours, and the settings come after";
+}
+
+TEST_F(EditChanges, OtherSettings_Should_DisableNothing) {
+  EditExisting();
+  model->SpeedButtonGrayScaleClick();
+  EXPECT_EQ(Work().PixelFormat(), pf8bit);
+  EXPECT_TRUE(Usable(SpeedButton256Colors)) << "the source has more";
+  StartAnew();
+  EditNew();
+  model->SpeedButton256ColorsClick();
+  EXPECT_TRUE(Usable(SpeedButton256Colors));
+}
+
 TEST_F(EditChanges, BlackWhite_Should_DisableNothing_When_ItIsAPage) {
   OpenPdf();
   model->SpeedButtonBlackWhiteClick();
@@ -199,6 +223,14 @@ TEST_F(EditChanges, Cut_Should_LeaveTheCut) {
   EXPECT_TRUE(model->OrgGraphic()->Modified());
   EXPECT_TRUE(SamePixels(*expected, static_cast<const TBitmap&>(*model->OrgGraphic())));
   EXPECT_THAT(view.calls, Contains("repaint"));
+}
+
+TEST_F(EditChanges, Cut_Should_FitTheView_When_NothingIsCutOff) {
+  EditNew();
+  model->SpeedButtonViewOrigClick();
+  Cut(0, 0, 40, 30);
+  model->SpeedButtonCutClick();
+  EXPECT_EQ(tool.StretchFactor(), 10);
 }
 
 TEST_F(EditChanges, Cut_Should_DoNothing_When_ThereIsNone) {

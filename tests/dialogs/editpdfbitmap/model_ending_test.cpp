@@ -148,6 +148,7 @@ TEST_F(EditEnding, Save_Should_WriteNothing_When_TheNameIsNotConfirmed) {
 
 TEST_F(EditEnding, Open_Should_StartWhereTheSourceLies) {
   model->SetBmpFilename("maps/Photo.tif");
+  model->SetBmpFilename("elsewhere/target.bmp");
   model->SpeedButtonOpenClick();
   ASSERT_THAT(dialogs, SizeIs(1));
   EXPECT_EQ(dialogs[0].kind, PictureFileDialog::Kind::open);

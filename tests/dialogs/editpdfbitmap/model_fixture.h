@@ -92,13 +92,11 @@ class EditModelTest : public testing::Test {
       if (!onDialog) return false;
       return onDialog(dialog);
     };
-    PdfDocumentFactory() = [this] { return std::make_unique<FakePdf>(pdf); };
     StartAnew();
   }
   ~EditModelTest() override {
     model.reset();
     HostPorts() = portsBefore_;
-    PdfDocumentFactory() = makerBefore_;
     SetTranslator({});
   }
 
@@ -182,11 +180,11 @@ class EditModelTest : public testing::Test {
 
  private:
   const Ports portsBefore_ = HostPorts();
-  const PdfDocumentMaker makerBefore_ = PdfDocumentFactory();
 
  protected:
   TempFolder folder;
   PdfScript pdf;
+  FakePdfPort pdfPort{pdf};
   std::vector<std::string> messages;
   std::vector<int> topics;
   std::map<std::string, std::string> settings;

@@ -128,6 +128,15 @@ TEST_F(EditRendering, Shortage_Should_TryTheSameResolutionOnceMore) {
   EXPECT_EQ(tool.OrgBitmap(), &Work());
 }
 
+TEST_F(EditRendering, Shortage_Should_ShowTheLastGoodResolution_BeforeItIsTold) {
+  OpenPdf();
+  FailTimes(1, std::bad_alloc());
+  std::string shown;
+  HostPorts().messageBox = [&](const std::string&) { shown = Text(CoBoResolution); };
+  ChooseResolution("600");
+  EXPECT_EQ(shown, "150");
+}
+
 TEST_F(EditRendering, Shortage_Should_LeaveAnEmptyView_When_ItComesTwice) {
   OpenPdf();
   FailTimes(2, LimitError("PDF: too many pixels"));

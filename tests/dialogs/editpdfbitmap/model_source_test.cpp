@@ -298,6 +298,16 @@ TEST_F(EditSource, SetIsPDF_Should_EnableTheSettings_When_APictureOfOneBitWasThe
     EXPECT_TRUE(Usable(button));
 }
 
+TEST_F(EditSource, OpenPdf_Should_RemoveTheCut) {
+  EditNew();
+  Cut();
+  OpenPdf();
+  EXPECT_FALSE(tool.GetCutRectExists());
+  Cut();
+  OpenPdf();
+  EXPECT_FALSE(tool.GetCutRectExists());
+}
+
 TEST_F(EditSource, OpenPdf_Should_StartWithTheFirstPage_When_AnotherDocumentStoodElsewhere) {
   OpenPdf(3);
   ChoosePage(3);
