@@ -65,14 +65,22 @@ class DrawingEngine : public QIconEngine {
   QByteArray drawing_;
 };
 
-}  // namespace
-
-QIcon Icon(const QString& name) {
+QIcon IconOf(const QString& drawing) {
   LoadDrawings();
-  QFile file(":/rasterkit/icons/" + name + ".svg");
+  QFile file(drawing);
   if (!file.open(QIODevice::ReadOnly)) return {};
   // The icon owns its engine.
   return QIcon(std::make_unique<DrawingEngine>(file.readAll()).release());
+}
+
+}  // namespace
+
+QIcon Icon(const QString& name) {
+  return IconOf(":/rasterkit/icons/" + name + ".svg");
+}
+
+QIcon ProgramIcon() {
+  return IconOf(QStringLiteral(":/rasterkit/program.svg"));
 }
 
 }  // namespace rasterkit

@@ -14,4 +14,7 @@ namespace rasterkit {
 /// application has when it is painted. Disabled ones are pale. An unknown name gives an empty icon.
 RASTERKIT_EXPORT QIcon Icon(const QString& name);
 
+/// What desktops show the tool by, in colours of its own.
+QIcon ProgramIcon();
+
 }  // namespace rasterkit

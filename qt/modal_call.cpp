@@ -5,6 +5,7 @@
 
 #include <rasterkit/host/runtime/ports.h>
 #include <rasterkit/qt/display.h>
+#include <rasterkit/qt/icons.h>
 #include <rasterkit/qt/modal_call.h>
 #include <rasterkit/qt/qt_host.h>
 #include <rasterkit/qt/style.h>
@@ -41,6 +42,9 @@ class OwnApplication {
     locale_.KeepNumbers();
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle(QStringLiteral("Fusion"));
+    // What desktops group the windows by, and show them with.
+    QApplication::setDesktopFileName(QStringLiteral("rasterkit"));
+    QApplication::setWindowIcon(ProgramIcon());
   }
 
  private:

@@ -60,6 +60,20 @@ trailer << /Size 4 /Root 1 0 R >>
   run(${prefix}/${BINDIR}/rasterkit pdf page.pdf page.png)
 endif()
 
+# What desktops show the editor by.
+if(DIALOGS)
+  set(entry ${prefix}/share/applications/rasterkit.desktop)
+  foreach(file IN ITEMS ${entry} ${prefix}/share/icons/hicolor/scalable/apps/rasterkit.svg)
+    if(NOT EXISTS ${file})
+      message(FATAL_ERROR "not installed: ${file}")
+    endif()
+  endforeach()
+  find_program(validator desktop-file-validate)
+  if(validator)
+    run(${validator} ${entry})
+  endif()
+endif()
+
 # A host on Qt, both ways again.
 if(DIALOGS)
   set(ENV{QT_QPA_PLATFORM} offscreen)

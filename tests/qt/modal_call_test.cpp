@@ -38,6 +38,10 @@ TEST_F(ModalCallTest, Call_Should_MakeAnApplicationAndEndIt_When_TheHostHasNone)
     const TModalCall call;
     EXPECT_NE(qobject_cast<QApplication*>(QCoreApplication::instance()), nullptr);
     EXPECT_TRUE(HostPorts().messagePump);
+    // As in rasterkit.desktop, which desktops find icon and name by.
+    EXPECT_EQ(QGuiApplication::desktopFileName(), "rasterkit");
+    const QImage drawn = QGuiApplication::windowIcon().pixmap(48, 48).toImage();
+    EXPECT_EQ(QColor(drawn.pixel(5, 30)), QColor("#1f4e79")) << "the left rim";
     EXPECT_EQ(OpenAndCancel(), mrCancel);
   }
   EXPECT_EQ(QCoreApplication::instance(), nullptr);
@@ -69,6 +73,7 @@ TEST_F(ModalCallTest, Call_Should_UseTheHostsApplication_When_ThereIsOne) {
   const QApplication host(argc, argv);
   {
     const TModalCall call;
+    EXPECT_TRUE(QGuiApplication::windowIcon().isNull()) << "the windows are the host's";
     EXPECT_EQ(QCoreApplication::instance(), &host);
     EXPECT_EQ(OpenAndCancel(), mrCancel);
   }
