@@ -69,6 +69,7 @@ VerbRunner AddPdfVerb(CLI::App& app) {
   const auto options = std::make_shared<PdfOptions>();
   AddPdfOptions(verb, *options);
   AddOutputOptions(verb, options->output);
+  verb.get_option("files")->type_name("IN [OUT]");
   AddType(verb, options->output);
   AddQuality(verb, options->picture);
   AddCompression(verb, options->picture);

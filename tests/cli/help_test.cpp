@@ -42,6 +42,8 @@ TEST(CliHelp, UsageLine_Should_NameTheFiles) {
               HasSubstr("Usage: rasterkit compare [OPTIONS] A B\n"));
   EXPECT_THAT(RunTool({"edit", "--help"}).out,
               HasSubstr("Usage: rasterkit edit [OPTIONS] [FILE]\n"));
+  EXPECT_THAT(RunTool({"pdf", "--help"}).out,
+              HasSubstr("Usage: rasterkit pdf [OPTIONS] IN [OUT]\n"));
 }
 
 TEST(CliHelp, OptionsOfAVerb_Should_SayWhatGoesTogether) {
