@@ -2,8 +2,10 @@
 #include <QPdfWriter>
 #include <QTemporaryDir>
 #include <cmath>
+#include <utility>
 
 #include <rasterkit/dialogs/editpdfbitmap/form_edit_pdf_bmp.h>
+#include <rasterkit/host/graphics/pdf_document.h>
 #include <rasterkit/qt/pdf/qt_pdf.h>
 #include <rasterkit/qt/qt_text.h>
 
@@ -108,9 +110,34 @@ const Exhibit kPlan("edit-pdf", [] {
   return form;
 });
 
+/// Three sheets that the user of `editor` does not wait for.
+class SlowPlan : public PdfDocument {
+ public:
+  explicit SlowPlan(EditPdfBmpModel& editor) : editor_(editor) {}
+
+  void LoadFromFile(const std::string&, const std::string&) override {}
+  int PageCount() const override { return 3; }
+  PdfPageSize PageSize(int) const override { return {841.89, 595.28}; }
+  bool ExportPage(int, double, PdfRotation, TBitmap&, const PdfKeepGoing&) override {
+    editor_.NaviResultCancelClick();
+    return false;
+  }
+
+ private:
+  EditPdfBmpModel& editor_;
+};
+
+/// As while the first page is being rendered, which no photograph can wait for.
 const Exhibit kRendering("edit-rendering", [] {
   auto form = std::make_unique<TFormEditPdfBmp>();
   SetSizeOfExhibit(*form);
+  PdfDocumentMaker before = std::exchange(
+      PdfDocumentFactory(), [&form] { return std::make_unique<SlowPlan>(form->Model()); });
+  form->Model().SetOrgFilename("/plans/site plan.pdf");
+  PdfDocumentFactory() = std::move(before);
+  for (QWidget* const widget : form->findChildren<QWidget*>())
+    if (widget->focusPolicy() != Qt::NoFocus && widget->objectName() != QLatin1String("nbCancel"))
+      widget->setEnabled(false);
   form->findChild<QWidget*>("PanelRendering")->show();
   return form;
 });
