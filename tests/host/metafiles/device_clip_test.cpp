@@ -1,0 +1,179 @@
+#include <gtest/gtest.h>
+
+#include "tests/support/drawing_paper.h"
+
+namespace rasterkit {
+namespace {
+
+using test::DrawingPaper;
+
+/// Everything black that is not clipped.
+std::string Seen(DrawingPaper& paper) {
+  paper.Dc().PatBlt({-100, -100, 100, 100}, rop3::blackness);
+  const std::string picture = paper.Picture();
+  FillRaster(paper.raster, {0, 0, paper.raster.Width(), paper.raster.Height()}, clWhite);
+  return picture;
+}
+
+TEST(DeviceClip, Should_CutAndSpare_When_RectanglesAreIntersectedAndExcluded) {
+  DrawingPaper paper(6, 4);
+  paper.Dc().IntersectClipRect({1, 1, 5, 4});
+  paper.Dc().ExcludeClipRect({2, 2, 3, 4});
+  EXPECT_EQ(Seen(paper), R"(
+......
+.####.
+.#.##.
+.#.##.
+)");
+}
+
+TEST(DeviceClip, Should_CombineRegions_When_AnyModeIsGiven) {
+  const RectD first{0, 0, 3, 2}, second{2, 0, 5, 2};
+  const struct {
+    RegionMode mode;
+    const char* row;
+  } cases[] = {{RegionMode::intersection, "..#..."},
+               {RegionMode::unite, "#####."},
+               {RegionMode::exclusiveOr, "##.##."},
+               {RegionMode::difference, "##...."},
+               {RegionMode::copy, "..###."}};
+  for (const auto& c : cases) {
+    DrawingPaper paper(6, 1);
+    paper.Dc().ExtSelectClipRgn(std::span(&first, 1), RegionUnit::device, RegionMode::copy);
+    paper.Dc().ExtSelectClipRgn(std::span(&second, 1), RegionUnit::device, c.mode);
+    EXPECT_EQ(Seen(paper), std::string("\n") + c.row + "\n");
+  }
+}
+
+TEST(DeviceClip, Should_ClipNothing_When_ACopyHasNoRegion) {
+  DrawingPaper paper(3, 1);
+  paper.Dc().IntersectClipRect({0, 0, 1, 1});
+  paper.Dc().ExtSelectClipRgn(std::nullopt, RegionUnit::device, RegionMode::copy);
+  EXPECT_EQ(Seen(paper), "\n###\n");
+}
+
+TEST(DeviceClip, Should_ClipAll_When_TheRegionHasNoRectangles) {
+  DrawingPaper paper(3, 1);
+  paper.Dc().ExtSelectClipRgn(std::span<const RectD>(), RegionUnit::device, RegionMode::copy);
+  EXPECT_EQ(Seen(paper), "\n...\n");
+}
+
+TEST(DeviceClip, Should_StayInside_When_TheMetaRegionWasSet) {
+  DrawingPaper paper(5, 1);
+  paper.Dc().IntersectClipRect({0, 0, 3, 1});
+  paper.Dc().SetMetaRgn();
+  const RectD other{2, 0, 5, 1};
+  paper.Dc().ExtSelectClipRgn(std::span(&other, 1), RegionUnit::device, RegionMode::copy);
+  EXPECT_EQ(Seen(paper), "\n..#..\n");
+}
+
+TEST(DeviceClip, Should_Move_When_Offset) {
+  DrawingPaper paper(5, 1);
+  paper.Dc().IntersectClipRect({0, 0, 2, 1});
+  paper.Dc().OffsetClipRgn({2, 0});
+  EXPECT_EQ(Seen(paper), "\n..##.\n");
+}
+
+TEST(DeviceClip, Should_ComeBack_When_AStateIsRestored) {
+  DrawingPaper paper(3, 1);
+  paper.Dc().SaveDC();
+  paper.Dc().IntersectClipRect({0, 0, 1, 1});
+  EXPECT_EQ(Seen(paper), "\n#..\n");
+  EXPECT_TRUE(paper.Dc().RestoreDC(-1));
+  EXPECT_EQ(Seen(paper), "\n###\n");
+}
+
+void SelectCircle(DrawingPaper& paper, const RectD& box, RegionMode mode) {
+  paper.Dc().BeginPath();
+  paper.Dc().Ellipse(box);
+  paper.Dc().EndPath();
+  paper.Dc().SelectClipPath(mode);
+}
+
+/// The count of black pixels that are seen.
+int SeenPixels(DrawingPaper& paper) {
+  const std::string text = Seen(paper);
+  return static_cast<int>(std::count(text.begin(), text.end(), '#'));
+}
+
+TEST(DeviceClip, Should_ShowACircle_When_ThePathIsOne) {
+  DrawingPaper paper(40, 40);
+  SelectCircle(paper, {0, 0, 40, 40}, RegionMode::copy);
+  EXPECT_NEAR(SeenPixels(paper), 1256, 80);
+  // Lines, texts and blits as well.
+  paper.Pen(clBlack, 3);
+  paper.Dc().MoveTo({0, 1});
+  paper.Dc().LineTo({40, 1});
+  EXPECT_EQ(paper.At(2, 1), clWhite);
+  EXPECT_NE(paper.At(20, 1), clWhite);
+}
+
+TEST(DeviceClip, Should_CombineSoftEdges_When_PathsMeet) {
+  const struct {
+    RegionMode mode;
+    bool left, middle, right;
+  } cases[] = {{RegionMode::intersection, false, true, false},
+               {RegionMode::unite, true, true, true},
+               {RegionMode::exclusiveOr, true, false, true},
+               {RegionMode::difference, true, false, false},
+               {RegionMode::copy, false, true, true}};
+  for (const auto& c : cases) {
+    DrawingPaper paper(60, 40);
+    SelectCircle(paper, {0, 0, 40, 40}, RegionMode::copy);
+    SelectCircle(paper, {20, 0, 60, 40}, c.mode);
+    paper.Dc().PatBlt({0, 0, 60, 40}, rop3::blackness);
+    EXPECT_EQ(paper.At(5, 20) == clBlack, c.left);
+    EXPECT_EQ(paper.At(30, 20) == clBlack, c.middle);
+    EXPECT_EQ(paper.At(55, 20) == clBlack, c.right);
+    EXPECT_EQ(paper.At(1, 1), clWhite);
+  }
+}
+
+TEST(DeviceClip, Should_CutMasksByRectangles_When_BothAreUsed) {
+  DrawingPaper paper(40, 40);
+  SelectCircle(paper, {0, 0, 40, 40}, RegionMode::copy);
+  paper.Dc().IntersectClipRect({0, 0, 20, 40});
+  paper.Dc().ExcludeClipRect({0, 0, 40, 20});
+  paper.Dc().PatBlt({0, 0, 40, 40}, rop3::blackness);
+  EXPECT_EQ(paper.At(15, 25), clBlack);
+  EXPECT_EQ(paper.At(25, 25), clWhite);
+  EXPECT_EQ(paper.At(15, 15), clWhite);
+  EXPECT_EQ(paper.At(1, 38), clWhite);
+}
+
+TEST(DeviceClip, Should_DrawNothing_When_TheContextsOwnAreaIsEmpty) {
+  Raster raster(pf32bit, 3, 3);
+  FillRaster(raster, {0, 0, 3, 3}, clWhite);
+  DeviceContext context(raster, {2, 2, 1, 1}, ReferenceDevice{}, Affine());
+  context.Rectangle({0, 0, 3, 3});
+  context.LineTo({3, 3});
+  context.SetPixel({1, 1}, 0);
+  EXPECT_EQ(raster.PixelColor(1, 1), clWhite);
+}
+
+TEST(DeviceClip, Should_StayInsideItsArea_When_ThatIsAPartOfTheRaster) {
+  test::DrawingPaper paper(5, 4);
+  DeviceContext context(paper.raster, {1, 1, 4, 3}, ReferenceDevice{}, Affine());
+  LogicalBrush brush;
+  brush.color = clBlack;
+  context.SelectBrush(std::make_shared<LogicalBrush>(brush));
+  context.Ellipse({-10, -10, 20, 20});
+  context.ExtSelectClipRgn(std::nullopt, RegionUnit::device, RegionMode::copy);
+  context.PatBlt({0, 0, 5, 4}, rop3::patternCopy);
+  EXPECT_EQ(paper.Picture(), "\n.....\n.###.\n.###.\n.....\n");
+}
+
+TEST(DeviceClip, Should_WriteAlpha255_When_TheContextIsGone) {
+  Raster raster(pf32bit, 3, 1);
+  for (int x = 0; x < 12; ++x) raster.Row(0)[x] = 0;
+  {
+    DeviceContext context(raster, {0, 0, 2, 1}, ReferenceDevice{}, Affine());
+    context.SetPixel({0, 0}, RGB(255, 0, 0));
+  }
+  EXPECT_EQ(raster.Row(0)[3], 255);
+  EXPECT_EQ(raster.Row(0)[7], 255);
+  EXPECT_EQ(raster.Row(0)[11], 0);
+}
+
+}  // namespace
+}  // namespace rasterkit

@@ -1,0 +1,311 @@
+#include <gtest/gtest.h>
+
+#include "tests/support/drawing_paper.h"
+
+namespace rasterkit {
+namespace {
+
+using test::DrawingPaper;
+
+TEST(DeviceShapes, Should_FrameTheBoxInside_When_ARectangleIsDrawnInCompatibleMode) {
+  DrawingPaper paper(7, 6);
+  paper.Brush(RGB(0, 255, 0));
+  paper.Dc().Rectangle({1, 1, 6, 5});
+  EXPECT_EQ(paper.Picture(), R"(
+.......
+.#####.
+.#ggg#.
+.#ggg#.
+.#####.
+.......
+)");
+}
+
+TEST(DeviceShapes, Should_DrawTheFarEdgeToo_When_InAdvancedMode) {
+  DrawingPaper paper(7, 6);
+  paper.NoBrush();
+  paper.Dc().SetGraphicsMode(GraphicsMode::advanced);
+  paper.Dc().Rectangle({1, 1, 5, 4});
+  EXPECT_EQ(paper.Picture(), R"(
+.......
+.#####.
+.#...#.
+.#...#.
+.#####.
+.......
+)");
+}
+
+TEST(DeviceShapes, Should_FillWithoutAFrame_When_ThePenIsNull) {
+  DrawingPaper paper(5, 4);
+  paper.NoPen();
+  paper.Brush(clBlack);
+  paper.Dc().Rectangle({4, 3, 1, 1});
+  EXPECT_EQ(paper.Picture(), "\n.....\n.###.\n.###.\n.....\n");
+}
+
+TEST(DeviceShapes, Should_KeepOnePixel_When_ARectangleIsThinnerThanThat) {
+  DrawingPaper paper(5, 3, Affine::Scaling(0.1, 0.1));
+  paper.NoPen();
+  paper.Brush(clBlack);
+  paper.Dc().Rectangle({10, 12, 40, 14});
+  EXPECT_EQ(paper.Picture(), "\n.....\n.###.\n.....\n");
+}
+
+TEST(DeviceShapes, Should_StayInsideTheBox_When_ThePenIsInsideItsFrame) {
+  DrawingPaper paper(9, 9);
+  paper.NoBrush();
+  paper.Pen(clBlack, 2, pen_style::insideFrame | pen_style::geometric | pen_style::miterJoin);
+  paper.Dc().Rectangle({1, 1, 8, 8});
+  EXPECT_EQ(paper.At(1, 1), clBlack);
+  EXPECT_EQ(paper.At(2, 2), clBlack);
+  EXPECT_EQ(paper.At(3, 3), clWhite);
+  for (int i = 0; i < 9; ++i) {
+    EXPECT_EQ(paper.At(i, 0), clWhite);
+    EXPECT_EQ(paper.At(0, i), clWhite);
+    EXPECT_EQ(paper.At(i, 8), clWhite);
+  }
+}
+
+// The five corners of a star: its middle is enclosed twice.
+constexpr PointD kStar[] = {{20, 1}, {32, 38}, {1, 15}, {39, 15}, {8, 38}};
+
+TEST(DeviceShapes, Should_LeaveTheMiddleOfAStarFree_When_FilledInAlternation) {
+  DrawingPaper paper(40, 40);
+  paper.NoPen();
+  paper.Brush(clBlack);
+  paper.Dc().Polygon(kStar);
+  EXPECT_EQ(paper.At(20, 22), clWhite);
+  EXPECT_EQ(paper.At(20, 8), clBlack);
+}
+
+TEST(DeviceShapes, Should_FillTheMiddleOfAStar_When_FilledByWinding) {
+  DrawingPaper paper(40, 40);
+  paper.NoPen();
+  paper.Brush(clBlack);
+  paper.Dc().SetPolyFillMode(PolygonFill::winding);
+  paper.Dc().Polygon(kStar);
+  EXPECT_EQ(paper.At(20, 22), clBlack);
+}
+
+TEST(DeviceShapes, Should_CutAHole_When_APolyPolygonHasTwoFigures) {
+  DrawingPaper paper(7, 7);
+  paper.NoPen();
+  paper.Brush(clBlack);
+  const PointD points[] = {{1, 1}, {6, 1}, {6, 6}, {1, 6}, {3, 3}, {5, 3}, {5, 5}, {3, 5}};
+  const uint32_t counts[] = {4, 4};
+  paper.Dc().PolyPolygon(points, counts);
+  EXPECT_EQ(paper.Picture(), R"(
+.......
+.#####.
+.#####.
+.##..#.
+.##..#.
+.#####.
+.......
+)");
+}
+
+TEST(DeviceShapes, Should_TouchTheBoxAndBeRound_When_AnEllipseIsFilled) {
+  DrawingPaper paper(22, 12);
+  paper.NoPen();
+  paper.Brush(clBlack);
+  paper.Dc().Ellipse({1, 1, 21, 11});
+  EXPECT_EQ(paper.At(11, 6), clBlack);
+  EXPECT_EQ(paper.At(2, 2), clWhite);
+  EXPECT_EQ(paper.At(19, 9), clWhite);
+  EXPECT_NE(paper.At(1, 6), clWhite);
+  EXPECT_NE(paper.At(20, 6), clWhite);
+  EXPECT_NE(paper.At(11, 1), clWhite);
+  EXPECT_EQ(paper.At(0, 6), clWhite);
+  EXPECT_EQ(paper.At(11, 11), clWhite);
+}
+
+// Quarters: right, top, left, bottom of a circle with the centre (20, 20).
+struct Quarter {
+  PointD inside;
+  const char* name;
+};
+constexpr Quarter kUpperRight{{27, 13}, "upper right"}, kUpperLeft{{13, 13}, "upper left"},
+    kLowerLeft{{13, 27}, "lower left"}, kLowerRight{{27, 27}, "lower right"};
+
+TEST(DeviceShapes, Should_RunAgainstTheClock_When_APieGoesFromRightToTop) {
+  DrawingPaper paper(40, 40);
+  paper.NoPen();
+  paper.Brush(clBlack);
+  paper.Dc().Pie({0, 0, 40, 40}, {{40, 20}, {20, 0}});
+  const auto at = [&](const Quarter& q) {
+    return paper.At(static_cast<int>(q.inside.x), static_cast<int>(q.inside.y));
+  };
+  EXPECT_EQ(at(kUpperRight), clBlack);
+  for (const Quarter& other : {kUpperLeft, kLowerLeft, kLowerRight}) {
+    EXPECT_EQ(at(other), clWhite) << other.name;
+  }
+}
+
+TEST(DeviceShapes, Should_RunWithTheClock_When_TheArcDirectionSaysSo) {
+  DrawingPaper paper(40, 40);
+  paper.NoPen();
+  paper.Brush(clBlack);
+  paper.Dc().SetArcDirection(ArcDirection::clockwise);
+  paper.Dc().Pie({0, 0, 40, 40}, {{40, 20}, {20, 0}});
+  EXPECT_EQ(paper.At(27, 13), clWhite);
+  EXPECT_EQ(paper.At(13, 13), clBlack);
+  EXPECT_EQ(paper.At(27, 27), clBlack);
+}
+
+TEST(DeviceShapes, Should_RunAgainstTheClockAsSeen_When_TheYAxisPointsUp) {
+  DrawingPaper paper(40, 40);
+  paper.NoPen();
+  paper.Brush(clBlack);
+  paper.Dc().SetMapMode(MapMode::anisotropic);
+  paper.Dc().SetWindowExt({40, 40});
+  paper.Dc().SetViewportExt({40, -40});
+  paper.Dc().SetViewportOrg({0, 40});
+  paper.Dc().Pie({0, 40, 40, 0}, {{40, 20}, {20, 40}});
+  EXPECT_EQ(paper.At(27, 13), clBlack);
+  EXPECT_EQ(paper.At(13, 13), clWhite);
+  EXPECT_EQ(paper.At(27, 27), clWhite);
+}
+
+TEST(DeviceShapes, Should_BeAllOfIt_When_APieEndsWhereItBegins) {
+  DrawingPaper paper(40, 40);
+  paper.NoPen();
+  paper.Brush(clBlack);
+  paper.Dc().Pie({0, 0, 40, 40}, {{40, 20}, {40, 20}});
+  EXPECT_EQ(paper.At(27, 13), clBlack);
+  EXPECT_EQ(paper.At(13, 27), clBlack);
+}
+
+TEST(DeviceShapes, Should_LeaveTheCentreOut_When_AChordIsCut) {
+  DrawingPaper paper(40, 40);
+  paper.NoPen();
+  paper.Brush(clBlack);
+  paper.Dc().Chord({0, 0, 40, 40}, {{40, 20}, {20, 0}});
+  EXPECT_EQ(paper.At(32, 8), clBlack);
+  EXPECT_EQ(paper.At(24, 16), clWhite);
+}
+
+TEST(DeviceShapes, Should_RoundTheCorners_When_ARoundRectIsFilled) {
+  DrawingPaper paper(20, 20);
+  paper.NoPen();
+  paper.Brush(clBlack);
+  paper.Dc().RoundRect({0, 0, 20, 20}, {10, 10});
+  EXPECT_EQ(paper.At(0, 0), clWhite);
+  EXPECT_EQ(paper.At(19, 19), clWhite);
+  EXPECT_EQ(paper.At(10, 0), clBlack);
+  EXPECT_EQ(paper.At(0, 10), clBlack);
+}
+
+TEST(DeviceShapes, Should_StartWithALine_When_AnArcIsDrawnFromTheCurrentPosition) {
+  DrawingPaper paper(40, 40);
+  paper.Dc().MoveTo({39, 35});
+  paper.Dc().ArcTo({0, 0, 40, 40}, {{40, 20}, {20, 0}});
+  EXPECT_EQ(paper.At(39, 28), clBlack);
+  EXPECT_NEAR(paper.Dc().CurrentPosition().x, 19.5, 0.6);
+  EXPECT_NEAR(paper.Dc().CurrentPosition().y, 0, 0.6);
+}
+
+TEST(DeviceShapes, Should_GoAgainstTheClockInDegrees_When_AnAngleArcIsDrawn) {
+  DrawingPaper paper(40, 40);
+  paper.Dc().MoveTo({30, 20});
+  paper.Dc().AngleArc({20, 20}, 10, 0, 90);
+  EXPECT_NEAR(paper.Dc().CurrentPosition().x, 20, 1e-9);
+  EXPECT_NEAR(paper.Dc().CurrentPosition().y, 10, 1e-9);
+  EXPECT_NE(paper.At(27, 12), clWhite);
+  EXPECT_EQ(paper.At(12, 12), clWhite);
+}
+
+TEST(DevicePixels, Should_SetOnePixel_When_ScaledToOne) {
+  DrawingPaper paper(3, 3);
+  paper.Dc().SetPixel({1, 2}, RGB(255, 0, 0));
+  EXPECT_EQ(paper.Picture(), "\n...\n...\n.r.\n");
+}
+
+TEST(DevicePixels, Should_SetABlock_When_ThePictureIsLarger) {
+  DrawingPaper paper(6, 6, Affine::Scaling(2, 2));
+  paper.Dc().SetPixel({1, 2}, RGB(255, 0, 0));
+  EXPECT_EQ(paper.Picture(), "\n......\n......\n......\n......\n..rr..\n..rr..\n");
+}
+
+TEST(DeviceRegions, Should_FillFrameAndInvert_When_Asked) {
+  DrawingPaper paper(7, 6);
+  const RectD region[] = {{1, 1, 6, 5}};
+  LogicalBrush brush;
+  brush.color = RGB(0, 0, 255);
+  paper.Dc().FillRgn(region, RegionUnit::logical, brush);
+  brush.color = RGB(255, 0, 0);
+  paper.Dc().FrameRgn(region, RegionUnit::logical, brush, {1, 1});
+  EXPECT_EQ(paper.Picture(), R"(
+.......
+.rrrrr.
+.rbbbr.
+.rbbbr.
+.rrrrr.
+.......
+)");
+  paper.Dc().InvertRgn(region, RegionUnit::device);
+  EXPECT_EQ(paper.At(0, 0), clWhite);
+  EXPECT_EQ(paper.At(1, 1), RGB(0, 255, 255));
+  EXPECT_EQ(paper.At(2, 2), RGB(255, 255, 0));
+}
+
+TEST(DeviceFlood, Should_FillUpToTheBorder_When_TheBorderColourIsNamed) {
+  DrawingPaper paper(7, 6);
+  paper.NoBrush();
+  paper.Dc().Rectangle({1, 1, 6, 5});
+  paper.Brush(RGB(255, 0, 0));
+  paper.Dc().ExtFloodFill({3, 3}, clBlack, FloodFill::toBorder);
+  EXPECT_EQ(paper.Picture(), R"(
+.......
+.#####.
+.#rrr#.
+.#rrr#.
+.#####.
+.......
+)");
+}
+
+TEST(DeviceFlood, Should_FillTheSurfaceAround_When_TheSurfaceColourIsNamed) {
+  DrawingPaper paper(7, 6);
+  paper.NoBrush();
+  paper.Dc().Rectangle({1, 1, 6, 5});
+  paper.Brush(RGB(255, 0, 0));
+  paper.Dc().ExtFloodFill({0, 0}, clWhite, FloodFill::overSurface);
+  EXPECT_EQ(paper.At(6, 5), RGB(255, 0, 0));
+  EXPECT_EQ(paper.At(3, 3), clWhite);
+  paper.Dc().ExtFloodFill({1, 1}, clWhite, FloodFill::overSurface);
+  EXPECT_EQ(paper.At(1, 1), clBlack);
+}
+
+TEST(DeviceGradients, Should_GoFromColourToColour_When_ARectangleIsShaded) {
+  DrawingPaper paper(256, 2);
+  const GradientVertex vertices[] = {{{0, 0}, 0, 0, 0, 0}, {{256, 2}, 0xFF00, 0xFF00, 0xFF00, 0}};
+  const std::pair<uint32_t, uint32_t> rects[] = {{0, 1}, {0, 7}};
+  paper.Dc().GradientRects(vertices, rects, false);
+  for (int x = 0; x < 256; ++x) EXPECT_NEAR(paper.At(x, 1) & 255, x, 1) << x;
+}
+
+TEST(DeviceGradients, Should_GoDownward_When_Vertical) {
+  DrawingPaper paper(2, 4);
+  const GradientVertex vertices[] = {{{0, 0}, 0, 0, 0, 0}, {{2, 4}, 0x8000, 0, 0, 0}};
+  const std::pair<uint32_t, uint32_t> rects[] = {{0, 1}};
+  paper.Dc().GradientRects(vertices, rects, true);
+  EXPECT_EQ(paper.At(0, 0), RGB(16, 0, 0));
+  EXPECT_EQ(paper.At(1, 3), RGB(112, 0, 0));
+}
+
+TEST(DeviceGradients, Should_MixThreeColours_When_ATriangleIsShaded) {
+  DrawingPaper paper(31, 31);
+  const GradientVertex vertices[] = {
+      {{0, 0}, 0xFF00, 0, 0, 0}, {{31, 0}, 0, 0xFF00, 0, 0}, {{0, 31}, 0, 0, 0xFF00, 0}};
+  const std::array<uint32_t, 3> triangles[] = {{0, 1, 2}};
+  paper.Dc().GradientTriangles(vertices, triangles);
+  EXPECT_EQ(paper.At(30, 30), clWhite);
+  EXPECT_GT(paper.At(1, 1) & 255, 220);
+  EXPECT_GT(paper.At(28, 0) >> 8 & 255, 220);
+  EXPECT_GT(paper.At(0, 28) >> 16 & 255, 220);
+}
+
+}  // namespace
+}  // namespace rasterkit
