@@ -143,6 +143,11 @@ void Subject::Refuse(const std::string& reason) const {
 JobResult ConvertPicture(const Job& job, const PictureOptions& options, const PictureSteps& steps) {
   LoadedPicture picture = LoadPicture(job.input, CodecThreads(options));
   StopIfInterrupted();
+  return ConvertLoaded(picture, job, options, steps);
+}
+
+JobResult ConvertLoaded(LoadedPicture& picture, const Job& job, const PictureOptions& options,
+                        const PictureSteps& steps) {
   try {
     return Change(job, options, picture, steps);
   } catch (const Error& error) {

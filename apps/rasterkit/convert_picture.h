@@ -48,4 +48,8 @@ struct PictureSteps {
 JobResult ConvertPicture(const Job& job, const PictureOptions& options,
                          const PictureSteps& steps = {});
 
+/// The same for a picture that was loaded before; what is left of it then is undefined.
+JobResult ConvertLoaded(LoadedPicture& picture, const Job& job, const PictureOptions& options,
+                        const PictureSteps& steps = {});
+
 }  // namespace rasterkit::tool

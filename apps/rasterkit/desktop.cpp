@@ -72,6 +72,18 @@ void Desktop::EditGraphic(const std::string& dir, std::string& fileName,
           [&](std::string& error) { return dialogs_.editGraphic(dir, fileName, graphic, error); });
 }
 
+void Desktop::SaveBitmap(const std::string& dir, TrecSaveBitmap& rec, std::string& fileName) const {
+  Confirm(dir + fileName,
+          [&](std::string& error) { return dialogs_.saveBitmap(dir, rec, fileName, error); });
+}
+
+void Desktop::SaveBitmapPixels(const std::string& dir, TrecSaveBitmap& rec, int32_t& width,
+                               int32_t& height, std::string& fileName) const {
+  Confirm(dir + fileName, [&](std::string& error) {
+    return dialogs_.saveBitmapPixels(dir, rec, width, height, fileName, error);
+  });
+}
+
 void Desktop::ConvertPdfPage(const std::string& pdfFile, std::string& pictureFile) const {
   Confirm(pdfFile,
           [&](std::string& error) { return dialogs_.convertPdfPage(pdfFile, pictureFile, error); });

@@ -37,6 +37,11 @@ class Desktop {
                    std::unique_ptr<TGraphic>& graphic) const;
   void ConvertPdfPage(const std::string& pdfFile, std::string& pictureFile) const;
 
+  /// Lets the user choose under which name and how a picture is saved. See SaveBitmapDlgExt.
+  void SaveBitmap(const std::string& dir, TrecSaveBitmap& rec, std::string& fileName) const;
+  void SaveBitmapPixels(const std::string& dir, TrecSaveBitmap& rec, int32_t& width,
+                        int32_t& height, std::string& fileName) const;
+
   /// A message that the user closes.
   void Tell(const std::string& text) const;
 

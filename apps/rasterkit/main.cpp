@@ -64,7 +64,7 @@ int Main(int argc, char** argv) {
         AddAdjustVerb, AddWhitenVerb,    AddRecolorVerb, AddKeyColorVerb,   AddPdfWhiteVerb,
         AddOpaqueVerb, AddSwapAlphaVerb, AddPaletteVerb, AddCombineVerb,    AddWatermarkVerb,
         AddIconVerb,   AddCompareVerb,   AddGeoTiffVerb, AddExifVerb,       AddPdfVerb,
-        AddEditVerb}) {
+        AddEditVerb,   AddSaveAsVerb}) {
     VerbRunner run = add(app);
     verbs.emplace_back(app.get_subcommands({}).back(), std::move(run));
   }

@@ -14,6 +14,7 @@ using VerbRunner = std::function<int()>;
 /// Each verb adds its subcommand, options and help to the command line.
 VerbRunner AddInfoVerb(CLI::App& app);
 VerbRunner AddEditVerb(CLI::App& app);
+VerbRunner AddSaveAsVerb(CLI::App& app);
 VerbRunner AddConvertVerb(CLI::App& app);
 VerbRunner AddRotateVerb(CLI::App& app);
 VerbRunner AddMirrorVerb(CLI::App& app);

@@ -7,6 +7,7 @@
 #include <rasterkit/dialogs/editchangesize/edit_size.h>
 #include <rasterkit/dialogs/editpdfbitmap/edit_graphic.h>
 #include <rasterkit/dialogs/execbitmap/adjust_bitmap.h>
+#include <rasterkit/dialogs/savedlgbitmap/save_bitmap_dlg_ext.h>
 #include <rasterkit/qt/modal_call.h>
 
 namespace rasterkit {
@@ -79,7 +80,22 @@ DesktopAnswer ConvertPage(const std::string& pdfFile, std::string& pictureFile,
   return AnswerOf([&] { return ConvertPdfPageToBmpDialog(pdfFile, pictureFile) > 0; }, error);
 }
 
-constexpr DesktopDialogs kDialogs = {Start, End, Adjust, Resize, Crop, OpenFile, Edit, ConvertPage};
+DesktopAnswer SaveBitmap(const std::string& dir, TrecSaveBitmap& rec, std::string& fileName,
+                         std::string& error) noexcept {
+  const auto ask = [&] {
+    return SaveBitmapDlgExt(dir, rec, false, true, false, true, 0, 0, fileName);
+  };
+  return AnswerOf(ask, error);
+}
+
+DesktopAnswer SaveBitmapPixels(const std::string& dir, TrecSaveBitmap& rec, int32_t& width,
+                               int32_t& height, std::string& fileName,
+                               std::string& error) noexcept {
+  return AnswerOf([&] { return SaveBitmapDlgExt(dir, rec, width, height, fileName); }, error);
+}
+
+constexpr DesktopDialogs kDialogs = {Start,    End,  Adjust,      Resize,     Crop,
+                                     OpenFile, Edit, ConvertPage, SaveBitmap, SaveBitmapPixels};
 
 }  // namespace
 

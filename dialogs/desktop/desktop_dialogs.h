@@ -5,6 +5,7 @@
 #include <string>
 
 #include <rasterkit/dialogs/execbitmap/change_bitmap.h>
+#include <rasterkit/dialogs/savedlgbitmap/save_options.h>
 #include <rasterkit/host/graphics/canvas.h>
 #include <rasterkit/host/graphics/graphic.h>
 #include <rasterkit/host/runtime/export.h>
@@ -40,10 +41,18 @@ struct DesktopDialogs {
   /// ConvertPdfPageToBmpDialog; a file that is not there counts as cancelled.
   DesktopAnswer (*convertPdfPage)(const std::string& pdfFile, std::string& pictureFile,
                                   std::string& error) noexcept;
+
+  /// SaveBitmapDlgExt with the resolution among its options, and with the size in pixels; without
+  /// metafiles, and asking before an existing file is taken.
+  DesktopAnswer (*saveBitmap)(const std::string& dir, TrecSaveBitmap& rec, std::string& fileName,
+                              std::string& error) noexcept;
+  DesktopAnswer (*saveBitmapPixels)(const std::string& dir, TrecSaveBitmap& rec, int32_t& width,
+                                    int32_t& height, std::string& fileName,
+                                    std::string& error) noexcept;
 };
 
 /// Goes up with every change of the table, or of a type that its functions take.
-inline constexpr int32_t kDesktopVersion = 2;
+inline constexpr int32_t kDesktopVersion = 3;
 
 inline constexpr const char* kDesktopEntry = "rasterkit_desktop_dialogs";
 

@@ -84,5 +84,18 @@ TEST_F(CliDialogLibrary, WindowThatFails_Should_SayWhyAndForWhichPicture) {
     EXPECT_EQ(Refusal(verb), "rasterkit: " + (folder_ / "in.png") + ": the window fell over\n");
 }
 
+TEST_F(CliDialogLibrary, SaveWindowThatFails_Should_SayWhyAndWriteNothing) {
+  PlaceFake();
+  const Environment environment("LD_LIBRARY_PATH", Libraries().string());
+  for (const std::vector<std::string>& options : {{}, std::vector<std::string>{"--pixels"}}) {
+    std::vector<std::string> line = {"save-as", folder_ / "in.png"};
+    line.insert(line.end(), options.begin(), options.end());
+    const ToolResult result = RunTool(line);
+    EXPECT_EQ(result.code, 4);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "rasterkit: " + (folder_ / "in.png") + ": the window fell over\n");
+  }
+}
+
 }  // namespace
 }  // namespace rasterkit::test

@@ -37,7 +37,12 @@ constexpr DesktopDialogs kDialogs = {
     [](const std::string&, std::string&, std::unique_ptr<TGraphic>&, std::string& error) noexcept {
       return Fail(error);
     },
-    [](const std::string&, std::string&, std::string& error) noexcept { return Fail(error); }};
+    [](const std::string&, std::string&, std::string& error) noexcept { return Fail(error); },
+    [](const std::string&, TrecSaveBitmap&, std::string&, std::string& error) noexcept {
+      return Fail(error);
+    },
+    [](const std::string&, TrecSaveBitmap&, int32_t&, int32_t&, std::string&,
+       std::string& error) noexcept { return Fail(error); }};
 
 }  // namespace
 

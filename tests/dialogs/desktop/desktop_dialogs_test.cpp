@@ -61,6 +61,18 @@ TEST_F(DesktopDialogsTest, Answers_Should_BeThoseOfTheUser) {
   TChgBmpValuesRec values;
   EndWindow(QDialog::Rejected);
   EXPECT_EQ(dialogs->adjustBitmap(bitmap, values, error), DesktopAnswer::cancelled);
+  TrecSaveBitmap rec{6, 24, 96, 0, 90};
+  std::string name = "plan";
+  EndWindow(QDialog::Rejected);
+  EXPECT_EQ(dialogs->saveBitmap("/maps", rec, name, error), DesktopAnswer::cancelled);
+  EXPECT_EQ(name, "plan");
+  EndWindow(QDialog::Accepted);
+  EXPECT_EQ(dialogs->saveBitmap("/maps", rec, name, error), DesktopAnswer::confirmed);
+  EXPECT_EQ(name, "/maps/plan.jpg");
+  EndWindow(QDialog::Accepted);
+  EXPECT_EQ(dialogs->saveBitmapPixels("/maps", rec, width, height, name, error),
+            DesktopAnswer::confirmed);
+  EXPECT_EQ(width, 8);
   dialogs->end();
   EXPECT_EQ(error, "");
 }

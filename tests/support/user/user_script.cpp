@@ -1,6 +1,8 @@
 #include "tests/support/user/user_script.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
+#include <QKeySequence>
 #include <QTest>
 #include <algorithm>
 #include <csignal>
@@ -23,7 +25,10 @@ bool Click(QWidget* widget) {
 bool Type(QWidget* widget, const QString& text, Qt::Key last) {
   if (widget == nullptr || !widget->isEnabled()) return false;
   widget->setFocus();
-  QTest::keyClick(widget, Qt::Key_A, Qt::ControlModifier);
+  // A list would search for the key.
+  const auto* const list = qobject_cast<QComboBox*>(widget);
+  if (list == nullptr || list->isEditable())
+    QTest::keyClick(widget, Qt::Key_A, Qt::ControlModifier);
   QTest::keyClicks(widget, text);
   QTest::keyClick(widget, last);
   return true;
@@ -48,8 +53,17 @@ bool Press(QWidget& window, const QString& key) {
   return true;
 }
 
+bool PressOn(QWidget* widget, const QString& key) {
+  const QKeySequence keys(key);
+  if (widget == nullptr || !widget->isEnabled() || keys.isEmpty()) return false;
+  widget->setFocus();
+  QTest::keyClick(widget, keys[0].key());
+  return true;
+}
+
 const QLatin1String kOnWidgets[] = {QLatin1String("click"), QLatin1String("type"),
-                                    QLatin1String("enter"), QLatin1String("drag")};
+                                    QLatin1String("enter"), QLatin1String("drag"),
+                                    QLatin1String("press")};
 
 QStringList WordsOf(const QString& step) {
   return step.split(QLatin1Char(' '), Qt::SkipEmptyParts);
@@ -81,6 +95,7 @@ bool DoStep(QWidget& window, const QString& step) {
   if (what == QLatin1String("enter")) return Type(widget, words.value(2), Qt::Key_Return);
   if (what == QLatin1String("drag"))
     return Drag(widget, PointOf(words.value(2)), PointOf(words.value(3)));
+  if (what == QLatin1String("press")) return PressOn(widget, words.value(2));
   if (what == QLatin1String("key")) return Press(window, words.value(1));
   if (what == QLatin1String("close")) return window.close();
   if (what == QLatin1String("interrupt")) return std::raise(SIGINT) == 0;

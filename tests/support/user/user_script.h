@@ -9,9 +9,10 @@ namespace rasterkit::test {
 /// Does one step in a window:
 ///
 ///     click NAME            on the button of that object name, or else of that text
-///     type NAME TEXT        into the field, in place of what it holds
+///     type NAME TEXT        into the field, in place of what it holds; in a list, the entry
 ///     enter NAME TEXT       the same, with Return at its end
 ///     drag NAME X,Y X,Y     with the left button over the widget
+///     press NAME KEY        a key on the widget: Home, End, Left ...
 ///     key Escape            Escape or Return, into the window
 ///     close                 by the window's frame
 ///     interrupt             Ctrl-C in the terminal behind the program
