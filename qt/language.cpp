@@ -41,7 +41,7 @@ bool IsThere(const QString& language) {
 /// English gets it, whatever comes behind.
 QString BestOf(const QStringList& wanted) {
   for (const QString& name : wanted) {
-    const QString language = name.section(u'-', 0, 0).section(u'_', 0, 0);
+    QString language = name.section(u'-', 0, 0).section(u'_', 0, 0);
     if (language == kEnglish || IsThere(language)) return language;
   }
   return kEnglish;

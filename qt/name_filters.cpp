@@ -45,7 +45,7 @@ std::vector<FilterEntry> SplitFilter(std::string_view filter) {
 }
 
 std::string ShownDescription(const std::string& description) {
-  const std::string whole = ResourceString(description);
+  std::string whole = ResourceString(description);
   const size_t patterns = description.rfind(" (");
   if (whole != description || patterns == description.npos) return whole;
   return ResourceString(description.substr(0, patterns)) + description.substr(patterns);
