@@ -52,7 +52,7 @@ inline constexpr std::string_view rsFileListSize = "Size";
 inline constexpr std::string_view rsFileListUnreadable = "The folder cannot be read: %s";
 
 /// The save window with a list of files; "%s" is a file's name.
-inline constexpr std::string_view rsSaveAllFiles = "All files (*.*)";
+inline constexpr std::string_view rsSaveAllFiles = "All files";
 inline constexpr std::string_view rsSaveButton = "Save";
 inline constexpr std::string_view rsSaveButtonHint = "Saves under this name";
 inline constexpr std::string_view rsSaveChooseFolder = "Choose a folder";

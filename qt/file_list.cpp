@@ -238,8 +238,7 @@ void TFileListView::Fill(FolderContent content) {
 }
 
 void TFileListView::showEvent(QShowEvent* event) {
-  parts_->views->setAccessibleName(accessibleName());
-  parts_->views->setToolTip(toolTip());
+  parts_->views->SetTexts(accessibleName(), toolTip());
   QWidget::showEvent(event);
   Refresh();
 }

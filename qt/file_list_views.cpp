@@ -175,7 +175,8 @@ void FileListViews::SizeColumns() {
 
 void FileListViews::SizeNames() {
   const QFontMetrics metrics(names_->font());
-  const int icon = names_->style()->pixelMetric(QStyle::PM_ListViewIconSize, nullptr, names_);
+  const int icon = names_->style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, names_);
+  names_->setIconSize({icon, icon});
   const int most = 40 * metrics.averageCharWidth();
   const int text = std::min(metrics.horizontalAdvance(LongestName(model_)), most);
   const int space = metrics.height() / 4;
@@ -185,9 +186,12 @@ void FileListViews::SizeNames() {
 void FileListViews::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   SizeColumns();
+}
+
+void FileListViews::SetTexts(const QString& accessibleName, const QString& toolTip) {
   for (QAbstractItemView* view : Views()) {
-    view->setAccessibleName(accessibleName());
-    view->setToolTip(toolTip());
+    view->setAccessibleName(accessibleName);
+    view->setToolTip(toolTip);
   }
 }
 
@@ -210,6 +214,12 @@ bool FileListViews::HandleKey(int key, Qt::KeyboardModifiers modifiers) {
     Q_EMIT refreshPressed();
   } else if ((key == Qt::Key_Return || key == Qt::Key_Enter) && isPlain && SelectedRow() >= 0) {
     Q_EMIT rowActivated(SelectedRow());
+  } else if ((key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_Home) && isPlain &&
+             SelectedRow() < 0 && model_.rowCount() > 0) {
+    // With the focus the cursor came onto the first row, which a key would leave unselected.
+    View().setCurrentIndex(model_.index(0, 0));
+    View().selectionModel()->select(
+        model_.index(0, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
   } else {
     return false;
   }

@@ -33,6 +33,8 @@ class FileListViews : public QWidget {
   void SelectLater(const QString& name);
 
   void ShowNotice(const QString& text);
+  /// What both views say about themselves.
+  void SetTexts(const QString& accessibleName, const QString& toolTip);
 
  Q_SIGNALS:
   /// The user put the cursor on a row.

@@ -1,8 +1,9 @@
 #include <QCollator>
-#include <QDateTime>
 #include <QFile>
-#include <QFileInfo>
+#include <QLocale>
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
 #include <numeric>
 #include <system_error>
 
@@ -13,19 +14,32 @@
 namespace rasterkit::detail {
 namespace {
 
-FolderEntry Describe(const std::filesystem::path& path, QString name) {
-  const QFileInfo file(QFile::decodeName(path.c_str()));
+qint64 MillisecondsSince1970(std::filesystem::file_time_type time) {
+  const auto system = std::filesystem::file_time_type::clock::to_sys(time);
+  return std::chrono::duration_cast<std::chrono::milliseconds>(system.time_since_epoch()).count();
+}
+
+// Not by Qt's own means, whose dates know of time zones and take most of the time.
+FolderEntry Describe(const std::filesystem::directory_entry& file, QString name) {
+  std::error_code error;
   FolderEntry entry;
   entry.name = std::move(name);
-  entry.isFolder = file.isDir();
-  if (!entry.isFolder) entry.size = file.size();
-  const QDateTime time = file.lastModified();
-  if (time.isValid()) entry.time = time.toMSecsSinceEpoch();
+  entry.isFolder = file.is_directory(error);
+  const auto size = entry.isFolder ? 0 : file.file_size(error);
+  if (!error) entry.size = static_cast<qint64>(size);
+  const auto time = file.last_write_time(error);
+  if (!error) entry.time = MillisecondsSince1970(time);
   return entry;
 }
 
+/// The user's own; where that is of no language, which orders by bytes, English.
+QLocale LocaleOfNames() {
+  const QLocale locale = QLocale().collation();
+  return locale.language() == QLocale::C ? QLocale(QLocale::English) : locale;
+}
+
 void SortByName(std::vector<FolderEntry>& entries) {
-  QCollator collator;
+  QCollator collator(LocaleOfNames());
   collator.setNumericMode(true);
   collator.setCaseSensitivity(Qt::CaseInsensitive);
   std::vector<QCollatorSortKey> keys;
@@ -61,7 +75,7 @@ FolderContent ReadFolder(const std::string& directory, const std::atomic<bool>& 
     if (isCancelled) return content;
     QString name = QFile::decodeName(entry->path().filename().c_str());
     if (name.startsWith(u'.')) continue;
-    content.entries.push_back(Describe(entry->path(), std::move(name)));
+    content.entries.push_back(Describe(*entry, std::move(name)));
   }
   if (error) return Failed(error);
   SortByName(content.entries);

@@ -32,7 +32,7 @@ struct FolderContent {
 };
 
 /// Files and folders in `directory`, hidden ones left out, links as what they lead to. Takes about
-/// three microseconds an entry; gives up when cancelled, its answer is of no use then.
+/// seven microseconds an entry; gives up when cancelled, its answer is of no use then.
 FolderContent ReadFolder(const std::string& directory, const std::atomic<bool>& isCancelled);
 
 }  // namespace rasterkit::detail

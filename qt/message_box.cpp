@@ -64,7 +64,9 @@ std::unique_ptr<QMessageBox> MakeQuestionBox(const QString& question) {
   auto box = MakeBox("QuestionBox", "help", question);
   box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
   box->button(QMessageBox::Yes)->setText(ResourceText(rsYes));
+  box->button(QMessageBox::Yes)->setObjectName("ButtonYes");
   box->button(QMessageBox::No)->setText(ResourceText(rsNo));
+  box->button(QMessageBox::No)->setObjectName("ButtonNo");
   box->setDefaultButton(QMessageBox::No);
   box->setEscapeButton(QMessageBox::No);
   return box;

@@ -31,7 +31,8 @@ std::string Joined(const std::vector<std::string>& patterns) {
 
 SaveDialogModel::SaveDialogModel(SaveDialogView& view, const std::string& directory)
     : view_(view), directory_(WithSeparator(directory)) {
-  SetFilter(ResourceString(rsSaveAllFiles) + "|*.*");
+  // In the user's language where it is shown, as all descriptions.
+  SetFilter(std::string(rsSaveAllFiles) + " (*.*)|*.*");
   view_.SetOptionsVisible(false);
 }
 

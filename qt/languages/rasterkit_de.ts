@@ -629,8 +629,8 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Der Ordner lässt sich nicht lesen: %s</translation>
     </message>
     <message>
-        <source>All files (*.*)</source>
-        <translation>Alle Dateien (*.*)</translation>
+        <source>All files</source>
+        <translation>Alle Dateien</translation>
     </message>
     <message>
         <source>Save</source>

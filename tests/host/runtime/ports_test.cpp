@@ -21,12 +21,32 @@ TEST_F(PortsTest, EmptyPorts_AnswerAsACancelledDialogAndShowNothing) {
   dialog.FileName = "a.bmp";
   EXPECT_FALSE(ExecutePictureFileDialog(dialog));
   EXPECT_EQ(dialog.FileName, "a.bmp");
+  EXPECT_FALSE(Confirm("Overwrite?"));
+  std::string directory = "maps";
+  EXPECT_FALSE(SelectDirectoryEx(directory, "Which folder?", 37));
+  EXPECT_EQ(directory, "maps");
   EXPECT_EQ(GetSysColor(5), 0u);
   EXPECT_FALSE(HostPorts().pdfPageChooser);
   EXPECT_FALSE(HostPorts().messagePump);
   WriteSetting("Settings", "Left", "1");
   EXPECT_EQ(ReadSetting("Settings", "Left"), std::nullopt);
   ShowHelpTopic(1);
+}
+
+TEST_F(PortsTest, SelectDirectoryEx_KeepsTheFolder_WhenTheUserCancels) {
+  bool isChosen = true;
+  HostPorts().folderChooser = [&](std::string& directory, const std::string& prompt, int options) {
+    EXPECT_EQ(prompt, "Which folder?");
+    EXPECT_EQ(options, 37);
+    directory += "/north";
+    return isChosen;
+  };
+  std::string directory = "maps";
+  EXPECT_TRUE(SelectDirectoryEx(directory, "Which folder?", 37));
+  EXPECT_EQ(directory, "maps/north");
+  isChosen = false;
+  EXPECT_FALSE(SelectDirectoryEx(directory, "Which folder?", 37));
+  EXPECT_EQ(directory, "maps/north");
 }
 
 TEST_F(PortsTest, MinuteOfDay_IsTheLocalClocksWhileThePortIsEmpty) {
