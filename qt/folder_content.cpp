@@ -3,6 +3,7 @@
 #include <QLocale>
 #include <algorithm>
 #include <chrono>
+#include <exception>
 #include <filesystem>
 #include <numeric>
 #include <system_error>
@@ -65,9 +66,7 @@ FolderContent Failed(const std::error_code& error) {
   return content;
 }
 
-}  // namespace
-
-FolderContent ReadFolder(const std::string& directory, const std::atomic<bool>& isCancelled) {
+FolderContent Read(const std::string& directory, const std::atomic<bool>& isCancelled) {
   FolderContent content;
   std::error_code error;
   std::filesystem::directory_iterator entry(ToPath(directory), error);
@@ -81,6 +80,20 @@ FolderContent ReadFolder(const std::string& directory, const std::atomic<bool>& 
   SortByName(content.entries);
   content.state = FolderState::isRead;
   return content;
+}
+
+}  // namespace
+
+FolderContent ReadFolder(const std::string& directory, const std::atomic<bool>& isCancelled) {
+  try {
+    return Read(directory, isCancelled);
+  } catch (const std::exception& exception) {
+    // Memory may not be enough for what is there.
+    FolderContent content;
+    content.state = FolderState::isUnreadable;
+    content.reason = QString::fromLocal8Bit(exception.what());
+    return content;
+  }
 }
 
 }  // namespace rasterkit::detail

@@ -56,7 +56,7 @@ TEST(NameFilters, NameForEntry_Should_KeepTheName_When_TheEntryHasItsExtensionOr
 
 TEST(NameFilters, Descriptions_Should_BeShownInTheUsersLanguage) {
   SetTranslator([](std::string_view key) {
-    if (key == rsSaveAllFiles) return std::string("Alle (*)");
+    if (key == "All files (*.*)") return std::string("Alle (*)");
     return key == rsWindowsMetafile ? std::string("Metadatei") : std::string();
   });
   EXPECT_EQ(ShownDescription("Windows Metafile (*.wmf)"), "Metadatei (*.wmf)");
