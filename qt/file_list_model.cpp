@@ -5,6 +5,7 @@
 
 #include <rasterkit/qt/file_list_model.h>
 #include <rasterkit/qt/icons.h>
+#include <rasterkit/qt/language.h>
 #include <rasterkit/qt/qt_text.h>
 
 namespace rasterkit::detail {
@@ -89,7 +90,7 @@ int FileListModel::columnCount(const QModelIndex& parent) const {
 
 QString FileListModel::Text(const FolderEntry& entry, int column) const {
   if (column == colName) return entry.name;
-  const QLocale locale;
+  const QLocale locale = LanguageLocale();
   if (column == colSize) return entry.isFolder ? QString() : locale.formattedDataSize(entry.size);
   if (entry.time == 0) return {};
   return locale.toString(QDateTime::fromMSecsSinceEpoch(entry.time), QLocale::ShortFormat);

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include <rasterkit/qt/file_list_views.h>
+#include <rasterkit/qt/language.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -162,7 +163,7 @@ void FileListViews::ShowNotice(const QString& text) {
 
 void FileListViews::SizeColumns() {
   const QFontMetrics metrics(report_->font());
-  const QLocale locale;
+  const QLocale locale = LanguageLocale();
   const QDateTime wideDate(QDate(2028, 12, 28), QTime(22, 58));
   const auto set = [&](int column, const QString& sample) {
     const int wanted = metrics.horizontalAdvance(sample + "MM");
