@@ -66,8 +66,9 @@ QString Foreign(QString text) {
 class Finder {
  public:
   void Look(const QWidget& widget) {
-    const bool isQts = widget.objectName().startsWith("qt_");
-    if (isQts) return;
+    // What a message says may come from an exception; a question is ours.
+    const bool isQuestion = widget.window()->objectName() == "QuestionBox";
+    if (widget.objectName().startsWith("qt_") && !isQuestion) return;
     name_ = widget.objectName().isEmpty() ? QString(widget.metaObject()->className())
                                           : widget.objectName();
     if (widget.isWindow()) Check(widget.windowTitle());

@@ -8,6 +8,8 @@
 
 #include <rasterkit/bitmaptools/files/file_filters.h>
 #include <rasterkit/dialogs/savedlgext/form_save_dlg_ext.h>
+#include <rasterkit/package/format_text.h>
+#include <rasterkit/package/strings.h>
 #include <rasterkit/qt/file_list.h>
 #include <rasterkit/qt/message_box.h>
 #include <rasterkit/qt/qt_text.h>
@@ -72,7 +74,8 @@ class StagedSaveWindow : private Plans, public TFormSaveDlgExt {
 const Exhibit kReport("save-window", [] { return std::make_unique<StagedSaveWindow>(vsReport); });
 const Exhibit kList("save-window-list", [] { return std::make_unique<StagedSaveWindow>(vsList); });
 const Exhibit kQuestion("question-box", [] {
-  return MakeQuestionBox("File already exists:\r\"/home/anna/Plans/site plan.png\"\rOverwrite?");
+  const std::string file = "/home/anna/Plans/site plan.png";
+  return MakeQuestionBox(ToQt(FormatText(ResourceString(rsSaveFileExists), {&file, 1})));
 });
 
 }  // namespace
