@@ -14,8 +14,10 @@ std::optional<TiffGeoTags> TagsOf(const Affine& affine) {
   return TiffGeoTags{{perColumnX, -perRowY, 0}, {0, 0, 0, corner.x, corner.y, 0}};
 }
 
-std::vector<std::string> SourcesOf(const std::string& input, const TiffFacts& facts,
-                                   const std::vector<GeoPosition>& inTags) {
+}  // namespace
+
+std::vector<std::string> MapSources(const std::string& input, const TiffFacts& facts) {
+  const std::vector<GeoPosition> inTags = PositionsInTiff(facts);
   std::vector<std::string> sources;
   // A world file that cannot be read stays behind all the same.
   if (FindWorldFile(input)) sources.emplace_back("worldfile");
@@ -26,13 +28,11 @@ std::vector<std::string> SourcesOf(const std::string& input, const TiffFacts& fa
   return sources;
 }
 
-}  // namespace
-
 MapPlacement PlacementOf(const std::string& input, const LoadedPicture& picture) {
   const TiffFacts facts = picture.tiff.value_or(TiffFacts());
   const std::vector<GeoPosition> positions = PositionsOf(input, facts);
   MapPlacement placement;
-  placement.sources = SourcesOf(input, facts, PositionsInTiff(facts));
+  placement.sources = MapSources(input, facts);
   if (positions.empty()) return placement;
   placement.tags = TagsOf(positions.front().affine);
   for (const GeoPosition& position : positions) placement.kept.push_back(position.source);

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -11,6 +12,7 @@
 #include "apps/rasterkit/desktop.h"
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/pdf_file.h"
+#include "apps/rasterkit/picture_extras.h"
 #include "apps/rasterkit/verbs.h"
 
 #include <CLI/CLI.hpp>
@@ -46,8 +48,11 @@ std::string EditPage(const Desktop& desktop, const std::string& file) {
 
 std::string EditPicture(const Desktop& desktop, const std::string& file) {
   std::unique_ptr<TGraphic> graphic = OpenOrTell(desktop, [&] { return LoadAnything(file); });
+  // Read before the user may write over the file.
+  const std::vector<std::string> extras = PictureExtras(file);
   std::string name = ExtractFileName(file);
   desktop.EditGraphic(ExtractFilePath(file), name, graphic);
+  SayWhatIsLost(extras, name);
   return name;
 }
 

@@ -78,6 +78,19 @@ TEST_F(CliDialogEdit, Picture_Should_GoOverItsFile_When_TheUserSaysSo) {
   EXPECT_EQ(ReadBytes(folder_ / "in.~png"), before) << "the picture before is kept";
 }
 
+TEST_F(CliDialogEdit, Losses_Should_BeSaid_When_APictureIsWritten) {
+  SaveJpegFile(folder_ / "in.jpg", GradientRaster(pf24bit, 60, 40), 1);
+  WriteText(folder_ / "in.jgw", "1\n0\n0\n-1\n0\n0\n");
+  const ToolResult result = Run({"edit", folder_ / "in.jpg"},
+                                "click SpeedButtonMirror; click nbPost | enter fileNameEdit out");
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_EQ(result.out, (folder_ / "out.jpg") + "\n");
+  EXPECT_EQ(result.err,
+            "rasterkit: " + (folder_ / "out.jpg") + ": not carried over: exif, worldfile\n");
+  const ToolResult unchanged = Run({"edit", folder_ / "in.jpg"}, "key Return");
+  EXPECT_EQ(unchanged.err, "");
+}
+
 TEST_F(CliDialogEdit, Page_Should_BeInTheFile_AsItWasChosen) {
   const std::string page = folder_ / "plan.pdf";
   WriteText(page, PdfText({{"0 0 72 144", PdfRectangle("0.8 0.1 0.2", 10, 20, 30, 90)}}));

@@ -202,6 +202,17 @@ TEST_F(EditChanges, Mirror_Should_MirrorWhatIsSeen_WithTheCut) {
   }
 }
 
+TEST_F(EditChanges, Mirror_Should_LiftTheOthers) {
+  OpenPdf();
+  model->SpeedButtonGrayScaleClick();
+  TBitmap expected = std::move(*Work().Clone());
+  SwapBitmap(true, &expected);
+  model->SpeedButtonMirrorClick();
+  EXPECT_TRUE(Down(SpeedButtonMirror));
+  EXPECT_FALSE(Down(SpeedButtonGrayScale));
+  EXPECT_TRUE(SamePixels(expected, Work())) << "what is seen stays grey";
+}
+
 TEST_F(EditChanges, Mirror_Should_NotRenderAnew) {
   OpenPdf();
   model->SpeedButtonMirrorClick();
