@@ -62,7 +62,7 @@ void TFormGraphicsParas::HideHelp() {
 void TFormGraphicsParas::setVisible(bool visible) {
   if (visible && heightToShow_) {
     // A place that was kept is as high as the groups were then.
-    if (!isMaximized()) SetWindowHeight(*heightToShow_);
+    SetWindowHeight(*heightToShow_);
     model_->FormShow();
     heightToShow_.reset();
   }
@@ -132,7 +132,7 @@ void TFormGraphicsParas::SetWindowHeight(int height) {
   // Else the least height is still that of the groups before.
   layout()->activate();
   if (heightToShow_) heightToShow_ = height;
-  resize(width(), height);
+  if (!isMaximized()) resize(width(), height);
 }
 
 std::string TFormGraphicsParas::Text(ParasText text) const {

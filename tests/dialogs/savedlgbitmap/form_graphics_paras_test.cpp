@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -254,6 +255,26 @@ TEST_F(FormGraphicsParasTest, TheResolution_Should_ChangeThePixels) {
   EXPECT_EQ(Find<TSpinEditReal>("SpEdDpi").value(), 82);
   EXPECT_EQ(Text("PanBmpW"), "678");
   EXPECT_EQ(form.Model().GetSaveOptions().BitsPerInch, 82);
+}
+
+TEST_F(FormGraphicsParasTest, TheResolution_Should_TakeRealNumbers_AndBeReturnedRounded) {
+  Open({8, 24, 300, 0, 90}, 25.4F, 254);
+  for (const auto& [typed, pixels, kept] :
+       {std::tuple{"72.4", "724", 72}, {"72.5", "725", 72}, {"73.5", "735", 74}}) {
+    Type("SpEdDpi", typed);
+    EXPECT_EQ(Text("PanBmpH"), pixels);
+    EXPECT_EQ(form.Model().GetSaveOptions().BitsPerInch, kept) << typed;
+  }
+}
+
+TEST_F(FormGraphicsParasTest, AMaximizedWindow_Should_StaySo) {
+  form.setWindowState(Qt::WindowMaximized);
+  Open({1, 24, 96, 0, 90});
+  const QSize before = form.size();
+  Find<QComboBox>("CoBoGraphType").setCurrentIndex(1);
+  QApplication::processEvents();
+  EXPECT_TRUE(form.isMaximized());
+  EXPECT_EQ(form.size(), before);
 }
 
 TEST_F(FormGraphicsParasTest, TheColors_Should_ChangeTheSizeInMemory) {

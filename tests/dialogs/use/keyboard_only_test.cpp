@@ -10,6 +10,7 @@
 #include <rasterkit/dialogs/editchangesize/edit_size.h>
 #include <rasterkit/dialogs/execbitmap/change_bitmap.h>
 #include <rasterkit/dialogs/execbitmap/value_change.h>
+#include <rasterkit/dialogs/savedlgbitmap/edit_graphics_paras.h>
 #include <rasterkit/qt/edits.h>
 
 #include "tests/support/forms/form_events.h"
@@ -163,6 +164,20 @@ TEST(KeyboardOnly, EditSize_Should_TakeBothSizesAndTheBox) {
   EXPECT_EQ(width, 123);
   EXPECT_EQ(height, 46);
   EXPECT_FALSE(proportional);
+}
+
+TEST(KeyboardOnly, EditGraphicsParas_Should_SetTypeResolutionColorsAndQuality) {
+  TrecSaveBitmap rec{1, 24, 96, 0, 90};
+  WhenModal([](QWidget& window) {
+    Keyboard keyboard(window);
+    EXPECT_EQ(keyboard.Place(), "CoBoGraphType");
+    keyboard.Alt('s').Press(Qt::Key_Home);
+    keyboard.Alt('r').Press(Qt::Key_A, Qt::ControlModifier).Type("150");
+    keyboard.Alt('t').Press(Qt::Key_Down);
+    keyboard.Alt('q').Press(Qt::Key_Home).Press(Qt::Key_Right).Press(Qt::Key_Return);
+  });
+  ASSERT_TRUE(EditGraphicsParas(rec, true, true, true, true, 210, 297));
+  EXPECT_EQ(rec, (TrecSaveBitmap{6, 1, 150, 0, 11}));
 }
 
 }  // namespace
