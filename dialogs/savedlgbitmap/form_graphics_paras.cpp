@@ -1,3 +1,5 @@
+#include <initializer_list>
+
 #include <rasterkit/dialogs/savedlgbitmap/form_graphics_paras.h>
 #include <rasterkit/host/runtime/ports.h>
 #include <rasterkit/qt/edits.h>
@@ -144,8 +146,11 @@ void TFormGraphicsParas::SetText(ParasText text, const std::string& content) {
 }
 
 void TFormGraphicsParas::ShowPixelEdits(bool shown) {
-  for (TFloatEdit* edit : {ui_->FlEdWidth, ui_->FlEdHeight}) edit->setVisible(shown);
-  for (QLabel* panel : {ui_->PanBmpW, ui_->PanBmpH}) panel->setVisible(!shown);
+  // The letter of the one label would call a hidden field beside the panels.
+  for (QWidget* part :
+       std::initializer_list<QWidget*>{ui_->LabPixelEdits, ui_->FlEdWidth, ui_->FlEdHeight})
+    part->setVisible(shown);
+  for (QLabel* part : {ui_->LabBmpPixels, ui_->PanBmpW, ui_->PanBmpH}) part->setVisible(!shown);
 }
 
 void TFormGraphicsParas::SetSize(SizeEdit edit, double pixels) {
