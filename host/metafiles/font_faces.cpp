@@ -8,29 +8,10 @@
 
 #include <rasterkit/host/metafiles/font_faces.h>
 #include <rasterkit/host/metafiles/font_names.h>
+#include <rasterkit/host/metafiles/font_set.h>
 
 namespace rasterkit::detail {
 namespace {
-
-struct PatternRelease {
-  void operator()(FcPattern* pattern) const { FcPatternDestroy(pattern); }
-};
-using Pattern = std::unique_ptr<FcPattern, PatternRelease>;
-
-/// The system's fonts, read once. Not fontconfig's own current set, which writes to the error
-/// stream when it is not set up.
-FcConfig* SystemFonts() {
-  static FcConfig* const config = [] {
-    FcConfig* fresh = FcConfigCreate();
-    if (fresh == nullptr) return fresh;
-    if (!FcConfigParseAndLoad(fresh, nullptr, FcFalse)) {
-      FcConfigAppFontAddDir(fresh, reinterpret_cast<const FcChar8*>("/usr/share/fonts"));
-    }
-    FcConfigBuildFonts(fresh);
-    return fresh;
-  }();
-  return config;
-}
 
 void AddFamily(FcPattern* pattern, const char* family) {
   FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(family));
@@ -40,8 +21,8 @@ std::string WithoutVerticalMark(const std::string& name) {
   return name.starts_with('@') ? name.substr(1) : name;
 }
 
-Pattern Wanted(const LogicalFont& font, char32_t letter) {
-  Pattern pattern(FcPatternCreate());
+FontPattern Wanted(const LogicalFont& font, char32_t letter) {
+  FontPattern pattern(FcPatternCreate());
   const std::string name = WithoutVerticalMark(font.faceName);
   if (!name.empty()) AddFamily(pattern.get(), name.c_str());
   for (const char* family : StandInsFor(name)) AddFamily(pattern.get(), family);
@@ -176,13 +157,9 @@ FontFace* FontFaces::Found(const LogicalFont& font, char32_t letter) {
   // Each name costs a search: a file that names thousands of fonts gets the first one for the rest.
   if (letter == 0 && faces_.size() >= kMaxFaces) return faces_.begin()->second.get();
   std::unique_ptr<FontFace>& place = faces_[key];
-  const Pattern wanted = Wanted(font, letter);
-  FcConfig* config = SystemFonts();
-  if (!config || !wanted) return nullptr;
-  FcConfigSubstitute(config, wanted.get(), FcMatchPattern);
-  FcDefaultSubstitute(wanted.get());
-  FcResult result = FcResultNoMatch;
-  const Pattern match(FcFontMatch(config, wanted.get(), &result));
+  const FontPattern wanted = Wanted(font, letter);
+  if (!wanted) return nullptr;
+  const FontPattern match = NearestFont(wanted.get());
   if (!match) return nullptr;
   CairoFontFace face(cairo_ft_font_face_create_for_pattern(match.get()));
   if (cairo_font_face_status(face.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
