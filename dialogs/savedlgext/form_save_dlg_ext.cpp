@@ -16,7 +16,7 @@
 namespace rasterkit {
 
 /// The controls as the model sees them.
-class TFormSaveDlgExt::View : public SaveDialogView, public Ui::FormSaveDlgExt {
+class TFormSaveDlgExt::View final : public SaveDialogView, public Ui::FormSaveDlgExt {
  public:
   explicit View(TFormSaveDlgExt& form) : form_(form) {}
 
