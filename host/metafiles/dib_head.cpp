@@ -34,6 +34,18 @@ void ReadFields(std::span<const uint8_t> bytes, DibHead& head, uint64_t& stated)
   stated = fields.Long();
 }
 
+/// Masks that say what holds without any are as good as none.
+bool HasFourthByte(const DibHead& head, std::span<const uint8_t> bytes) {
+  if (head.bits != 32) return false;
+  if (head.compression == BmpCompression::none) return true;
+  const bool hasMasks = head.compression == BmpCompression::bitFields ||
+                        head.compression == BmpCompression::alphaBitFields;
+  if (!hasMasks || bytes.size() < bmp_field::masks + 12) return false;
+  MetafileBytes fields(bytes, bmp_field::masks);
+  const uint32_t red = fields.Long(), green = fields.Long(), blue = fields.Long();
+  return red == kBmpMasks888.red && green == kBmpMasks888.green && blue == kBmpMasks888.blue;
+}
+
 void Put(std::vector<uint8_t>& bytes, size_t offset, uint32_t value) {
   for (int i = 0; i < 4; ++i) bytes[offset + i] = static_cast<uint8_t>(value >> (8 * i));
 }
@@ -77,7 +89,7 @@ std::vector<uint8_t> FileHead(const DibHead& head, std::span<const uint8_t> byte
     const auto rows = static_cast<uint32_t>(*request.rows);
     Put(result, bmp_field::height, head.height < 0 ? 0 - rows : rows);
   }
-  if (request.keepsAlpha && head.bits == 32 && head.compression == BmpCompression::none) {
+  if (request.keepsAlpha && head.hasFourthByte) {
     result.resize(kBmpV4Header);
     Put(result, 0, kBmpV4Header);
     const uint32_t masks[] = {kBmpMasks888.red, kBmpMasks888.green, kBmpMasks888.blue,
@@ -102,6 +114,7 @@ DibHead ReadDibHead(std::span<const uint8_t> bytes, DibColors colors) {
   ReadFields(bytes, head, stated);
   head.tableOffset = uint64_t{head.headerBytes} + MaskBytes(head);
   if (head.tableOffset > bytes.size()) throw FormatError("metafile: a bitmap's masks are cut off");
+  head.hasFourthByte = HasFourthByte(head, bytes);
   head.entries = stated;
   if (head.entries == 0 && head.bits <= 8 && !head.IsEmbedded()) {
     head.entries = uint64_t{1} << head.bits;

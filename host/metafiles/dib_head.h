@@ -21,6 +21,9 @@ struct DibHead {
   uint64_t entries = 0;
   uint32_t entryBytes = 0;
   uint64_t tableOffset = 0;
+  /// 32 bits, blue in the lowest byte and red in the third, whether by masks or without: the fourth
+  /// may be alpha.
+  bool hasFourthByte = false;
 
   bool IsCore() const { return headerBytes == kBmpCoreHeader; }
   bool IsEmbedded() const {

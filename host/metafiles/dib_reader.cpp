@@ -86,8 +86,7 @@ Dib DibReader::Read(const DibParts& parts, const DibRequest& request) {
   Dib dib;
   dib.raster = DecodeBmp(stream);
   dib.isTopDown = head.height < 0;
-  const bool alphaIsKept =
-      request.keepsAlpha && head.bits == 32 && head.compression == BmpCompression::none;
+  const bool alphaIsKept = request.keepsAlpha && head.hasFourthByte;
   if (alphaIsKept && dib.raster.alphaFormat != afDefined) ClearAlpha(dib.raster);
   return dib;
 }

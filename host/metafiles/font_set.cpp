@@ -24,6 +24,13 @@ class SystemFonts {
     AddFolder("/usr/local/share/fonts");
   }
 
+  ~SystemFonts() {
+    if (fonts_) FcFontSetDestroy(fonts_);
+    if (config_) FcConfigDestroy(config_);
+  }
+  SystemFonts(const SystemFonts&) = delete;
+  SystemFonts& operator=(const SystemFonts&) = delete;
+
   FontPattern Nearest(FcPattern* wanted) {
     if (!config_ || !fonts_ || fonts_->nfont == 0) return nullptr;
     FcConfigSubstitute(config_, wanted, FcMatchPattern);
@@ -87,9 +94,8 @@ class SystemFonts {
 }  // namespace
 
 FontPattern NearestFont(FcPattern* wanted) {
-  // Kept for the life of the process: contexts on any thread share it.
-  static SystemFonts* const fonts = new SystemFonts;
-  return fonts->Nearest(wanted);
+  static SystemFonts fonts;
+  return fonts.Nearest(wanted);
 }
 
 }  // namespace rasterkit::detail

@@ -167,6 +167,19 @@ TEST(DibReader, Should_KeepAlpha_When_AskedTo) {
   }
 }
 
+TEST(DibReader, Should_KeepAlpha_When_MasksSayWhatHoldsWithoutThem) {
+  DibRequest request;
+  request.keepsAlpha = true;
+  BmpFile file = OnePixel32(77);
+  file.compression = 3;
+  file.masks = {0xFF0000, 0xFF00, 0xFF};
+  EXPECT_EQ(ReadPacked(file, request).raster.Row(0)[3], 77);
+  file.pixels[3] = 0;
+  EXPECT_EQ(ReadPacked(file, request).raster.Row(0)[3], 0);
+  file.masks = {0xFF, 0xFF00, 0xFF0000};
+  EXPECT_EQ(ReadPacked(file, request).raster.Row(0)[3], 255);
+}
+
 TEST(DibReader, Should_ReadTheRowsThatAreThere_When_OnlySomeAre) {
   BmpFile file = SixColors();
   file.pixels.resize(12);
