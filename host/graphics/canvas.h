@@ -92,6 +92,11 @@ class RASTERKIT_EXPORT TCanvas {
   /// else without the pixels of the key colour 0x00BBGGRR.
   void DrawRaster(const TRect& rect, const Raster& raster, std::optional<TColor> key);
 
+  /// Plays the records of a metafile so that its picture fills the rectangle (mirrored when right
+  /// lies before left or bottom above top). What the records do not paint stays as it was. Throws
+  /// as PlayMetafile does.
+  void DrawMetafile(const TRect& rect, std::span<const uint8_t> metafile);
+
   /// Mixes the part `src` of a bitmap into `dest`, the nearest pixels of it where they differ in
   /// size. A pixel without opacity changes nothing.
   void AlphaBlend(const TRect& dest, const TBitmap& source, const TRect& src,

@@ -1,31 +1,71 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <vector>
+
 #include <rasterkit/host/graphics/graphic.h>
+#include <rasterkit/host/metafiles/metafile_facts.h>
 
 namespace rasterkit {
 
-/// A Windows metafile. This version keeps the class and its mark for the type tables; reading and
-/// writing records throws UnsupportedError, which says that metafiles are not built yet.
+/// A Windows or enhanced metafile: records that are drawn when somebody looks.
+///
+/// The records are shared between copies and never change. The mark `Enhanced` says what the
+/// metafile counts as, and what it is saved as; loading sets it to what the bytes are.
 class RASTERKIT_EXPORT TMetafile : public TGraphic {
  public:
   /// Whether it counts as an enhanced metafile (EMF) or as a Windows metafile (WMF).
   bool Enhanced() const { return enhanced_; }
   void SetEnhanced(bool value) { enhanced_ = value; }
 
-  int Width() const override { return 0; }
-  int Height() const override { return 0; }
+  /// Size at 96 pixels an inch; a metafile without records is 0 x 0.
+  int Width() const override { return facts_.width; }
+  int Height() const override { return facts_.height; }
+  /// Size in 0.01 mm.
+  int MMWidth() const { return facts_.widthMm100; }
+  int MMHeight() const { return facts_.heightMm100; }
+  /// What the records say about themselves; all 0 without records.
+  const MetafileFacts& Facts() const { return facts_; }
+  /// The file as it was loaded.
+  std::span<const uint8_t> Bytes() const;
+
+  /// Takes either kind, whatever the file is called. Throws FormatError for bytes that are none.
   void LoadFromStream(TStream& stream) override;
+  /// Writes the kind that the mark names: the bytes as they are where they are of that kind; else
+  /// an enhanced metafile becomes a placeable WMF file with the picture, at 96 pixels an inch, as
+  /// one bitmap in it. Throws UnsupportedError for a Windows metafile that counts as an enhanced
+  /// one, FormatError without records.
   void SaveToStream(TStream& stream) override;
+  /// Draws into the rectangle of the canvas; what the records do not paint stays as it was. Throws
+  /// UnsupportedError where the drawing is in EMF+ records alone.
+  void DrawTo(TCanvas& canvas, const TRect& place) const override;
+  /// A bitmap of 24 bits and 96 pixels an inch with the drawing on white. Throws UnsupportedError
+  /// as `DrawTo` does, and without records.
   void AssignToBitmap(TBitmap& target) const override;
+
+  /// The drawing on `background` at any size, as 32 bits with alpha 255. `keepGoing` is asked now
+  /// and then, and ends the drawing by answering false; `warnings` gets what is wrong with the
+  /// records. Throws as `AssignToBitmap` does, LimitError beyond the picture memory budget,
+  /// RangeError for a size below 1.
+  Raster Draw(int width, int height, TColor background = clWhite,
+              const std::function<bool()>& keepGoing = {},
+              std::vector<std::string>* warnings = nullptr) const;
 
  protected:
   /// Another metafile shares its records and leaves this one's mark as it is; anything else throws
   /// UnsupportedError.
   void AssignFrom(const TGraphic& source) override;
-  void Clear() override {}
+  void Clear() override;
 
  private:
+  void RequireRecords() const;
+
   bool enhanced_ = true;
+  std::shared_ptr<const std::vector<uint8_t>> bytes_;
+  MetafileFacts facts_;
 };
 
 }  // namespace rasterkit

@@ -40,8 +40,9 @@ inline constexpr uint32_t geometric = 0x10000;
 }  // namespace pen_style
 
 /// What lines are drawn with. A geometric pen has its width in logical units and its own caps and
-/// joins; any other of a width above one pixel of the device is a solid round pen of that width,
-/// below that a cosmetic one, which is one pixel wide.
+/// joins; any other of a width above one pixel of the device is a solid round pen of that width.
+/// Below that it is a cosmetic one, which has dashes: one pixel of the device wide where the width
+/// is 0, else that width, and never less than a pixel of the raster.
 struct LogicalPen {
   uint32_t style = pen_style::solid;
   double width = 0;  ///< logical units; 0: one pixel of the device

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include <rasterkit/host/metafiles/emf_records.h>
 #include <rasterkit/host/metafiles/utf16.h>
@@ -30,6 +31,11 @@ size_t FixedBytes(const EmfRecord& record, uint32_t descriptionOffset) {
   const uint32_t formatBytes = fields.Long(), formatOffset = fields.Long();
   if (formatBytes != 0 && formatOffset != 0) end = std::min<size_t>(end, formatOffset);
   return end;
+}
+
+/// The same number of millimetres but for its fraction.
+bool IsNear(double exact, double rounded) {
+  return exact > 0 && std::abs(exact - rounded) <= std::max(1.0, rounded / 50);
 }
 
 void ReadDescription(const EmfRecord& record, uint32_t length, uint32_t offset, EmfHeader& header) {
@@ -77,7 +83,8 @@ EmfHeader ReadEmfHeader(const EmfRecord& record) {
   if (FixedBytes(record, offset) >= kMicrometersEnd) {
     fields.SetPosition(kPixelFormatEnd);
     const int32_t x = fields.Int(), y = fields.Int();
-    if (x > 0 && y > 0) {
+    // Where the description's place is a lie, these fields may be part of it.
+    if (IsNear(x / 1000.0, header.deviceWidthMm) && IsNear(y / 1000.0, header.deviceHeightMm)) {
       header.deviceWidthMm = x / 1000.0;
       header.deviceHeightMm = y / 1000.0;
     }

@@ -80,15 +80,27 @@ cairo_line_join_t Join(uint32_t style) {
 }
 
 PixelFit FitOf(double width, const Affine& deviceToTarget) {
-  const PointD center = deviceToTarget.Direction({0.5, 0.5});
+  // Lines run through the middles of the device's pixels; one that is thinner than these keeps to
+  // their upper left, where areas end.
+  const double pixel = deviceToTarget.MeanScale();
+  const double half = pixel > 0 ? 0.5 * std::min(1.0, width / pixel) : 0.5;
+  const PointD center = deviceToTarget.Direction({half, half});
   const bool isOdd = static_cast<int64_t>(std::floor(width + 0.5)) % 2 == 1;
   return {.grid = isOdd ? EdgeGrid::thin : EdgeGrid::broad, .toCenter = center};
+}
+
+/// A pen that names a width was a pixel wide for want of finer ones. Where there are such, it gets
+/// the width that was meant.
+double ThinWidth(const LogicalPen& pen, const PenSurroundings& around) {
+  const double width =
+      std::abs(pen.width) * around.toDevice.Then(around.deviceToTarget).MeanScale();
+  return std::isfinite(width) ? std::max(1.0, width) : 1;
 }
 
 StrokeStyle Cosmetic(const LogicalPen& pen, const PenSurroundings& around) {
   const double unit = std::max(1.0, around.deviceToTarget.MeanScale());
   StrokeStyle style;
-  style.width = std::min(unit, kMaxPenWidth);
+  style.width = std::min(pen.width == 0 ? unit : ThinWidth(pen, around), kMaxPenWidth);
   // Corners are whole pixels, but sharp bends have no spikes.
   style.miterLimit = 1.5;
   style.dashes = Dashes(pen, false, 1, unit);

@@ -135,12 +135,14 @@ TextLine LayOutText(const TextRun& run, const LogicalFont& font, const DrawingSt
 
 TextPlacement PlaceText(const LogicalFont& font, const DrawingState& state, PointD origin,
                         PointD reference) {
+  const Affine page = state.page.ToDevice();
+  // Against the clock where y points downward; letters stand upright on a page that is turned over,
+  // but their line follows the page's axes.
+  const double sense = (page.m11 < 0) != (page.m22 < 0) ? -1 : 1;
   const double angle =
-      std::isfinite(font.escapement) ? font.escapement * std::numbers::pi / 1800 : 0;
-  // Against the clock where y points downward.
+      std::isfinite(font.escapement) ? sense * font.escapement * std::numbers::pi / 1800 : 0;
   const double c = std::cos(angle), s = std::sin(angle);
   const Affine turn{c, -s, s, c, 0, 0};
-  const Affine page = state.page.ToDevice();
   const double across = std::abs(page.m11), down = std::abs(page.m22);
   TextPlacement placement;
   if (state.graphicsMode == GraphicsMode::advanced || state.world != Affine()) {

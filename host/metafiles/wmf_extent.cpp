@@ -138,11 +138,11 @@ void WmfSurvey::Look(const WmfRecord& record) {
       break;
     case WmfFunction::dibBitBlt:
     case WmfFunction::bitBlt:
-      AddSized(record, 4);
+      AddSized(record, record.HasBitmap() ? 4 : 5);
       break;
     case WmfFunction::dibStretchBlt:
     case WmfFunction::stretchBlt:
-      AddSized(record, 6);
+      AddSized(record, record.HasBitmap() ? 6 : 7);
       break;
     case WmfFunction::stretchDib:
       AddSized(record, 7);

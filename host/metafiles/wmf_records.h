@@ -102,6 +102,9 @@ struct WmfRecord {
   MetafileBytes Fields() const { return MetafileBytes(bytes, kWmfRecordHead); }
   /// Words of parameters that are there.
   size_t Words() const { return (bytes.size() - kWmfRecordHead) / 2; }
+  /// For the blits that may do without a bitmap: the high byte of a function counts the words of
+  /// parameters of a record that has none.
+  bool HasBitmap() const { return Words() != static_cast<size_t>(function) >> 8; }
 };
 
 /// What a placeable header says: the picture's box in logical units, and how many of them are an

@@ -14,9 +14,11 @@
 #include <rasterkit/host/graphics/metafile.h>
 #include <rasterkit/host/graphics/png_image.h>
 #include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/host/runtime/file_name.h>
 #include <rasterkit/host/runtime/memory_budget.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 
+#include "tests/support/emf_file.h"
 #include "tests/support/exif_builder.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/temp_folder.h"
@@ -77,6 +79,14 @@ class GraphicFiles : public ::testing::Test {
   std::string Renamed(const std::string& from, const std::string& to) const {
     std::filesystem::rename(from, folder_ / to);
     return folder_ / to;
+  }
+  /// A file with an enhanced metafile, 25 x 20 mm of blue.
+  std::string BlueEmf() const {
+    test::EmfFile file;
+    file.Add(detail::EmfType::createBrush, {1, 0, 0xFF0000, 0});
+    file.Add(detail::EmfType::selectObject, {1});
+    file.Add(detail::EmfType::rectangle, {0, 0, 99, 79});
+    return folder_.Write("blue.emf", file.Bytes());
   }
   test::TempFolder folder_;
 };
@@ -386,9 +396,29 @@ TEST_F(GraphicFiles, Save_Should_Throw_When_ThereIsNothingToSave) {
 TEST_F(GraphicFiles, Save_Should_ConvertAnEnhancedMetafile_When_TheExtensionIsItsOwn) {
   // It counts as plain, so that ".emf" asks for a conversion through a bitmap, which metafiles do
   // not take.
-  std::unique_ptr<TGraphic> graphic = CreateGraphicOfType(gtEmf);
-  EXPECT_THROW(SaveGraphic(folder_ / "a.emf", graphic), UnsupportedError);
-  EXPECT_TRUE(Is<TMetafile>(graphic));
+  for (const bool hasRecords : {false, true}) {
+    auto graphic = hasRecords ? LoadGraphic(BlueEmf()) : CreateGraphicOfType(gtEmf);
+    ASSERT_TRUE(Is<TMetafile>(graphic));
+    EXPECT_EQ(GetGraphicType(graphic.get()), gtWmf);
+    EXPECT_THROW(SaveGraphic(folder_ / "a.emf", graphic), UnsupportedError);
+    EXPECT_TRUE(Is<TMetafile>(graphic));
+    EXPECT_FALSE(FileExists(folder_ / "a.emf"));
+  }
+}
+
+TEST_F(GraphicFiles, Save_Should_WriteTheRecords_When_TheMarkNamesThem) {
+  // An enhanced metafile counts as a plain one: under ".wmf" its own class saves it.
+  std::unique_ptr<TGraphic> graphic = LoadGraphic(BlueEmf());
+  SaveGraphic(folder_ / "a.wmf", graphic);
+  EXPECT_EQ(test::ReadFile(folder_ / "a.wmf"), test::ReadFile(folder_ / "blue.emf"));
+}
+
+TEST_F(GraphicFiles, Save_Should_MakeAPictureOfAMetafile) {
+  std::unique_ptr<TGraphic> graphic = LoadGraphic(BlueEmf());
+  SaveGraphic(folder_ / "a.png", graphic);
+  ASSERT_TRUE(Is<TPngImage>(graphic));
+  EXPECT_EQ(graphic->Width(), 94);  // 25 mm
+  EXPECT_EQ(AsBitmap(*graphic).PixelColor(40, 40), 0xFF0000);
 }
 
 // ---- CopyGraphic
@@ -474,7 +504,15 @@ TEST_F(GraphicFiles, Rotate_Should_LeaveThePicture_When_ItCannotBeTurned) {
   EXPECT_TRUE(SamePixels(GradientBitmap(pf24bit, 21, 14), AsBitmap(*graphic)));
 }
 
-TEST_F(GraphicFiles, Rotate_Should_LeaveAMetafile_AsLongAsNoneIsDrawn) {
+TEST_F(GraphicFiles, Rotate_Should_MakeAPngOfAMetafile) {
+  std::unique_ptr<TGraphic> graphic = LoadGraphic(BlueEmf());
+  RotateGraphic(90, graphic, clBlack);
+  ASSERT_TRUE(Is<TPngImage>(graphic));
+  EXPECT_EQ(graphic->Width(), 76);
+  EXPECT_EQ(graphic->Height(), 94);
+}
+
+TEST_F(GraphicFiles, Rotate_Should_LeaveAMetafile_When_ItHasNoRecords) {
   std::unique_ptr<TGraphic> graphic = std::make_unique<TMetafile>();
   EXPECT_THROW(RotateGraphic(90, graphic, clBlack), UnsupportedError);
   EXPECT_TRUE(Is<TMetafile>(graphic));

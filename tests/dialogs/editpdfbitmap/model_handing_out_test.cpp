@@ -70,7 +70,7 @@ TEST_F(EditHandingOut, GetOrgGraphic_Should_BeTheVeryOne_When_ItCannotBeShown) {
   auto metafile = std::make_unique<TMetafile>();
   const TGraphic* given = metafile.get();
   model->SetOrgGraphic(std::move(metafile));
-  EXPECT_THAT(messages, SizeIs(1)) << "this version draws no metafiles";
+  EXPECT_THAT(messages, SizeIs(1)) << "it has no records that could be drawn";
   EXPECT_EQ(model->WorkBitmap(), nullptr);
   model->NaviResultPostClick();
   EXPECT_THAT(view.closed, ElementsAre(mrOk));

@@ -71,43 +71,5 @@ TEST(Picture, LoadFromFile_Should_UseTheClassOfTheExtension) {
   EXPECT_EQ(picture.Graphic(), nullptr);
 }
 
-// What a message says to somebody who tried.
-template <class Action>
-std::string Refusal(Action action) {
-  try {
-    action();
-  } catch (const UnsupportedError& error) {
-    return error.what();
-  }
-  return "nothing was refused";
-}
-
-TEST(Metafile, Should_RefuseByName_When_ContentIsNeeded) {
-  const test::TempFolder folder;
-  std::ofstream(folder / "a.wmf") << "whatever";
-  TMetafile metafile;
-  TBitmap bitmap = test::GradientBitmap(pf24bit, 9, 7);
-  TMemoryStream stream;
-  for (const std::string& text :
-       {Refusal([&] { metafile.LoadFromStream(stream); }),
-        Refusal([&] { metafile.SaveToStream(stream); }), Refusal([&] { metafile.Assign(&bitmap); }),
-        Refusal([&] { bitmap.Assign(&metafile); })})
-    EXPECT_NE(text.find("metafile"), std::string::npos) << text;
-  const std::string text = Refusal([&] { metafile.LoadFromFile(folder / "a.wmf"); });
-  EXPECT_NE(text.find("a.wmf"), std::string::npos) << text;
-  EXPECT_TRUE(test::SamePixels(test::GradientBitmap(pf24bit, 9, 7), bitmap));
-}
-
-TEST(Metafile, Assign_Should_KeepTheTargetsMark) {
-  TMetafile enhanced, plain;
-  EXPECT_TRUE(enhanced.Enhanced());
-  plain.SetEnhanced(false);
-  plain.Assign(&enhanced);
-  EXPECT_FALSE(plain.Enhanced());
-  enhanced.Assign(&plain);
-  EXPECT_TRUE(enhanced.Enhanced());
-  EXPECT_TRUE(enhanced.Empty());
-}
-
 }  // namespace
 }  // namespace rasterkit

@@ -1,0 +1,101 @@
+#include <algorithm>
+#include <cmath>
+#include <new>
+
+#include <rasterkit/host/metafiles/emf_player.h>
+#include <rasterkit/host/metafiles/metafile_facts.h>
+#include <rasterkit/host/metafiles/play_metafile.h>
+#include <rasterkit/host/metafiles/play_records.h>
+#include <rasterkit/host/metafiles/wmf_player.h>
+
+namespace rasterkit {
+namespace {
+
+using namespace detail;
+
+constexpr double kPixelsPerInch = 96, kMmPerInch = 25.4;
+
+/// The map that takes `source` to the place.
+Affine Fit(const RectD& source, const PixelRect& place) {
+  const double x = (static_cast<double>(place.right) - place.left) / source.Width();
+  const double y = (static_cast<double>(place.bottom) - place.top) / source.Height();
+  return {x, 0, 0, y, place.left - source.left * x, place.top - source.top * y};
+}
+
+PixelRect Ordered(const PixelRect& place) {
+  return {std::min(place.left, place.right), std::min(place.top, place.bottom),
+          std::max(place.left, place.right), std::max(place.top, place.bottom)};
+}
+
+struct Stage {
+  ReferenceDevice device;
+  Affine toTarget;
+};
+
+/// The frame, in pixels of the reference device, fills the place.
+Stage EmfStage(const MetafileFacts& facts, const PixelRect& place) {
+  Stage stage;
+  stage.device = {static_cast<double>(facts.deviceWidth), static_cast<double>(facts.deviceHeight),
+                  facts.deviceWidthMm, facts.deviceHeightMm};
+  const double x = stage.device.widthPx / (stage.device.widthMm * 100);
+  const double y = stage.device.heightPx / (stage.device.heightMm * 100);
+  const MetafileFacts::Box& frame = facts.frame;
+  const RectD pixels{static_cast<double>(frame.left) * x, static_cast<double>(frame.top) * y,
+                     static_cast<double>(frame.right) * x, static_cast<double>(frame.bottom) * y};
+  const bool isEmpty = !(pixels.Width() > 0 && pixels.Height() > 0);
+  stage.toTarget = Fit(isEmpty ? RectD{0, 0, 1, 1} : pixels, place);
+  return stage;
+}
+
+WmfPicture PictureOf(const MetafileFacts& facts) {
+  const MetafileFacts::Box& box = facts.bounds;
+  WmfPicture picture;
+  picture.window = {static_cast<double>(box.left), static_cast<double>(box.top),
+                    static_cast<double>(box.right), static_cast<double>(box.bottom)};
+  const double scale = kPixelsPerInch / facts.unitsPerInch;
+  picture.pixels = {std::abs(picture.window.Width()) * scale,
+                    std::abs(picture.window.Height()) * scale};
+  return picture;
+}
+
+/// The device is a common screen of the picture's size.
+Stage WmfStage(const WmfPicture& picture, const PixelRect& place) {
+  Stage stage;
+  const PointD& size = picture.pixels;
+  stage.device = {size.x, size.y, size.x * kMmPerInch / kPixelsPerInch,
+                  size.y * kMmPerInch / kPixelsPerInch};
+  stage.toTarget = Fit({0, 0, size.x, size.y}, place);
+  return stage;
+}
+
+}  // namespace
+
+PlayReport PlayMetafile(std::span<const uint8_t> bytes, Raster& target, const PixelRect& place,
+                        const std::function<bool()>& keepGoing) {
+  const MetafileFacts facts = ReadMetafileFacts(bytes);
+  if (facts.isEmfPlusOnly) {
+    throw UnsupportedError("EMF: the drawing is in EMF+ records alone, which are not drawn");
+  }
+  PlayReport report;
+  const PixelRect clip = ClipRect(Ordered(place), target.Width(), target.Height());
+  if (clip.right <= clip.left || clip.bottom <= clip.top) return report;
+  if (facts.kind == MetafileKind::emf) {
+    const Stage stage = EmfStage(facts, place);
+    DeviceContext context(target, clip, stage.device, stage.toTarget);
+    EmfPlayer player(context, bytes.size());
+    EmfRecords records(bytes);
+    PlayRecords(
+        records, [&](const EmfRecord& record) { return player.Play(record); }, keepGoing, report);
+  } else {
+    const WmfPicture picture = PictureOf(facts);
+    const Stage stage = WmfStage(picture, place);
+    DeviceContext context(target, clip, stage.device, stage.toTarget);
+    WmfPlayer player(context, picture, bytes.size());
+    WmfRecords records(bytes);
+    PlayRecords(
+        records, [&](const WmfRecord& record) { return player.Play(record); }, keepGoing, report);
+  }
+  return report;
+}
+
+}  // namespace rasterkit

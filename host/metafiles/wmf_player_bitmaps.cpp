@@ -1,0 +1,112 @@
+#include <rasterkit/host/metafiles/ddb_reader.h>
+#include <rasterkit/host/metafiles/raster_operations.h>
+#include <rasterkit/host/metafiles/wmf_fields.h>
+#include <rasterkit/host/metafiles/wmf_player.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// What comes before the bitmap of a blit.
+struct BlitFields {
+  uint32_t operation = 0;
+  RectD part, dest;
+};
+
+/// Operation, [size of the part,] its corner, [a word where there is no bitmap,] target.
+BlitFields ReadBlit(MetafileBytes& fields, bool isStretched, bool hasBitmap) {
+  BlitFields blit;
+  blit.operation = fields.Long();
+  PointD size = isStretched ? ReadReversedPoint(fields) : PointD();
+  const PointD corner = ReadReversedPoint(fields);
+  if (!hasBitmap) fields.Skip(2);
+  blit.dest = ReadReversedSizedRect(fields);
+  if (!isStretched) size = {blit.dest.Width(), blit.dest.Height()};
+  blit.part = {corner.x, corner.y, corner.x + size.x, corner.y + size.y};
+  return blit;
+}
+
+}  // namespace
+
+Dib WmfPlayer::Bitmap(std::span<const uint8_t> packed, DibColors colors) {
+  DibRequest request;
+  request.colors = colors;
+  request.palette = palette_;
+  return dibs_.Read(SplitPackedDib(packed, colors), request);
+}
+
+void WmfPlayer::BlitDib(const WmfRecord& record, bool isStretched) {
+  MetafileBytes fields = record.Fields();
+  const bool hasBitmap = record.HasBitmap();
+  const BlitFields blit = ReadBlit(fields, isStretched, hasBitmap);
+  if (!hasBitmap) {
+    if (!NeedsSource(blit.operation)) context_.PatBlt(blit.dest, blit.operation);
+    return;
+  }
+  const Dib dib = Bitmap(fields.Take(fields.Left()), DibColors::colors);
+  context_.StretchBlt(blit.dest, {dib.raster, blit.part}, blit.operation);
+}
+
+void WmfPlayer::BlitRaster(const WmfRecord& record, bool isStretched) {
+  MetafileBytes fields = record.Fields();
+  const bool hasBitmap = record.HasBitmap();
+  const BlitFields blit = ReadBlit(fields, isStretched, hasBitmap);
+  if (!hasBitmap) {
+    if (!NeedsSource(blit.operation)) context_.PatBlt(blit.dest, blit.operation);
+    return;
+  }
+  const Raster bitmap = ReadDdb(fields);
+  context_.StretchBlt(blit.dest, {bitmap, blit.part}, blit.operation);
+}
+
+void WmfPlayer::StretchBits(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  const uint32_t operation = fields.Long();
+  const DibColors colors = DibColorsOf(fields.Word());
+  const RectD part = ReadReversedSizedRect(fields), dest = ReadReversedSizedRect(fields);
+  const Dib dib = Bitmap(fields.Take(fields.Left()), colors);
+  context_.StretchBlt(dest, {dib.raster, FromFirstRow(part, dib)}, operation);
+}
+
+void WmfPlayer::SetBits(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  DibRequest request;
+  request.colors = DibColorsOf(fields.Word());
+  request.palette = palette_;
+  request.rows = fields.Word();
+  const uint16_t firstRow = fields.Word();
+  const PointD partCorner = ReadReversedPoint(fields), size = ReadReversedPoint(fields);
+  const PointD corner = ReadReversedPoint(fields);
+  const DibParts parts = SplitPackedDib(fields.Take(fields.Left()), request.colors);
+  const Dib dib = dibs_.Read(parts, request);
+  const RectD part{partCorner.x, partCorner.y, partCorner.x + size.x, partCorner.y + size.y};
+  context_.SetDIBitsToDevice(corner, {dib.raster, PartOfBand(part, dib, firstRow)});
+}
+
+bool WmfPlayer::PlayBitmap(const WmfRecord& record) {
+  switch (record.function) {
+    case WmfFunction::patBlt: {
+      MetafileBytes fields = record.Fields();
+      const uint32_t operation = fields.Long();
+      context_.PatBlt(ReadReversedSizedRect(fields), operation);
+      return true;
+    }
+    case WmfFunction::dibBitBlt:
+    case WmfFunction::dibStretchBlt:
+      BlitDib(record, record.function == WmfFunction::dibStretchBlt);
+      return true;
+    case WmfFunction::bitBlt:
+    case WmfFunction::stretchBlt:
+      BlitRaster(record, record.function == WmfFunction::stretchBlt);
+      return true;
+    case WmfFunction::stretchDib:
+      StretchBits(record);
+      return true;
+    case WmfFunction::setDibToDev:
+      SetBits(record);
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace rasterkit::detail

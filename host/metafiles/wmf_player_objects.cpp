@@ -1,0 +1,189 @@
+#include <algorithm>
+#include <cmath>
+
+#include <rasterkit/host/metafiles/ansi_text.h>
+#include <rasterkit/host/metafiles/ddb_reader.h>
+#include <rasterkit/host/metafiles/utf16.h>
+#include <rasterkit/host/metafiles/wmf_fields.h>
+#include <rasterkit/host/metafiles/wmf_player.h>
+
+namespace rasterkit::detail {
+namespace {
+
+constexpr uint16_t kPatternStyle = 3;
+constexpr uint8_t kDefaultCharset = 1;
+constexpr size_t kFaceNameBytes = 32;
+
+PenObject ReadPen(MetafileBytes& fields, const HPALETTE& palette) {
+  LogicalPen pen;
+  pen.style = fields.Word() & 0xFFu;
+  pen.width = std::abs(static_cast<double>(fields.Short()));
+  fields.Skip(2);
+  pen.color = StatedColor(fields.Long(), palette);
+  return std::make_shared<const LogicalPen>(std::move(pen));
+}
+
+BrushObject ReadBrush(MetafileBytes& fields, const HPALETTE& palette) {
+  const uint16_t style = fields.Word();
+  const TColor color = StatedColor(fields.Long(), palette);
+  return PlainBrush(style, color, fields.Left() >= 2 ? fields.Word() : 0);
+}
+
+std::string ReadFaceName(MetafileBytes& fields) {
+  const auto bytes = fields.Take(std::min(fields.Left(), kFaceNameBytes));
+  const auto end = std::find(bytes.begin(), bytes.end(), 0);
+  const auto name = bytes.first(static_cast<size_t>(end - bytes.begin()));
+  return Utf8FromUtf16(DecodeAnsiText(name, {}, kDefaultCharset).text);
+}
+
+FontObject ReadFont(MetafileBytes& fields) {
+  LogicalFont font;
+  font.height = fields.Short();
+  font.width = fields.Short();
+  font.escapement = fields.Short();
+  font.orientation = fields.Short();
+  font.weight = fields.Short();
+  font.italic = fields.Byte() != 0;
+  font.underline = fields.Byte() != 0;
+  font.strikeOut = fields.Byte() != 0;
+  font.charset = fields.Byte();
+  fields.Skip(3);  // precision of output and clipping, quality
+  font.pitchAndFamily = fields.Byte();
+  font.faceName = ReadFaceName(fields);
+  MarkSymbolFont(font);
+  return std::make_shared<const LogicalFont>(std::move(font));
+}
+
+HPALETTE ReadPalette(MetafileBytes& fields) {
+  fields.Skip(2);  // version
+  const uint16_t stated = fields.Word();
+  std::vector<tagPALETTEENTRY> entries(fields.Count(stated, 4));
+  for (tagPALETTEENTRY& entry : entries) {
+    const auto bytes = fields.Take(4);
+    entry = {bytes[0], bytes[1], bytes[2], bytes[3]};
+  }
+  return HPALETTE(entries);
+}
+
+/// A region as rows of equal height: numbers of edges, top, bottom, the edges in pairs, and the
+/// number of edges again.
+RegionObject ReadRegion(MetafileBytes& fields) {
+  fields.Skip(10);  // next in chain, kind, count, size
+  const uint16_t rows = fields.Word();
+  fields.Skip(2 + 8);  // longest row; box
+  RegionObject region;
+  for (uint16_t i = 0; i < rows; ++i) {
+    const uint16_t edges = fields.Word();
+    const double top = fields.Short(), bottom = fields.Short();
+    for (uint16_t edge = 0; edge + 1 < edges; edge += 2) {
+      const double left = fields.Short(), right = fields.Short();
+      region.rects.push_back({left, top, right, bottom});
+    }
+    fields.Skip(edges % 2 != 0 ? 4 : 2);
+  }
+  return region;
+}
+
+}  // namespace
+
+void WmfObjects::Add(MetafileObject object) {
+  if (free_.empty()) {
+    objects_.emplace_back(std::move(object));
+    return;
+  }
+  objects_[free_.top()] = std::move(object);
+  free_.pop();
+}
+
+void WmfObjects::Delete(size_t handle) {
+  if (Find(handle) == nullptr) return;
+  objects_[handle].reset();
+  free_.push(handle);
+}
+
+const MetafileObject* WmfObjects::Find(size_t handle) const {
+  return handle < objects_.size() && objects_[handle] ? &*objects_[handle] : nullptr;
+}
+
+BrushObject WmfPlayer::ReadBitmapBrush(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  if (record.function == WmfFunction::createPatternBrush) {
+    return PatternBrush(ReadDdbPattern(fields), true);
+  }
+  const bool isPattern = fields.Word() == kPatternStyle;
+  const uint16_t stated = fields.Word();
+  const DibColors colors = isPattern ? DibColors::colors : DibColorsOf(stated);
+  return PatternBrush(Bitmap(fields.Take(fields.Left()), colors).raster, isPattern);
+}
+
+MetafileObject WmfPlayer::ReadObject(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  switch (record.function) {
+    case WmfFunction::createPenIndirect:
+      return ReadPen(fields, palette_);
+    case WmfFunction::createBrushIndirect:
+      return ReadBrush(fields, palette_);
+    case WmfFunction::createFontIndirect:
+      return ReadFont(fields);
+    case WmfFunction::createPalette:
+      return ReadPalette(fields);
+    case WmfFunction::createRegion:
+      return ReadRegion(fields);
+    default:
+      return ReadBitmapBrush(record);
+  }
+}
+
+bool WmfPlayer::CreateObject(const WmfRecord& record) {
+  switch (record.function) {
+    case WmfFunction::createPenIndirect:
+    case WmfFunction::createBrushIndirect:
+    case WmfFunction::createFontIndirect:
+    case WmfFunction::createPalette:
+    case WmfFunction::createRegion:
+    case WmfFunction::createPatternBrush:
+    case WmfFunction::dibCreatePatternBrush:
+      break;
+    default:
+      return false;
+  }
+  try {
+    objects_.Add(ReadObject(record));
+  } catch (const Error&) {
+    // Later records count handles; the object that is not there has one too.
+    objects_.Add({});
+    throw;
+  }
+  return true;
+}
+
+void WmfPlayer::Select(size_t handle) {
+  const MetafileObject* object = objects_.Find(handle);
+  if (object == nullptr) return;
+  if (std::holds_alternative<RegionObject>(*object)) {
+    SelectClip(handle);
+  } else {
+    SelectObject(context_, *object);
+  }
+}
+
+bool WmfPlayer::PlayObject(const WmfRecord& record) {
+  switch (record.function) {
+    case WmfFunction::selectObject:
+      Select(record.Fields().Word());
+      return true;
+    case WmfFunction::deleteObject:
+      objects_.Delete(record.Fields().Word());
+      return true;
+    case WmfFunction::selectPalette: {
+      const MetafileObject* object = objects_.Find(record.Fields().Word());
+      const auto* palette = object == nullptr ? nullptr : std::get_if<HPALETTE>(object);
+      palette_ = palette == nullptr ? HPALETTE() : *palette;
+      return true;
+    }
+    default:
+      return CreateObject(record);
+  }
+}
+
+}  // namespace rasterkit::detail

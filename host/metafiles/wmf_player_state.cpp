@@ -1,0 +1,109 @@
+#include <cmath>
+
+#include <rasterkit/host/metafiles/wmf_fields.h>
+#include <rasterkit/host/metafiles/wmf_player.h>
+
+namespace rasterkit::detail {
+
+bool WmfPlayer::PlayState(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  switch (record.function) {
+    case WmfFunction::saveDc:
+      context_.SaveDC();
+      return true;
+    case WmfFunction::restoreDc:
+      context_.RestoreDC(fields.Short());
+      return true;
+    case WmfFunction::setTextColor:
+      context_.SetTextColor(Color(fields));
+      return true;
+    case WmfFunction::setBkColor:
+      context_.SetBkColor(Color(fields));
+      return true;
+    case WmfFunction::setBkMode:
+      context_.SetBkMode(static_cast<BackgroundMode>(fields.Word()));
+      return true;
+    case WmfFunction::setRop2:
+      context_.SetRop2(static_cast<Rop2>(fields.Word()));
+      return true;
+    case WmfFunction::setPolyFillMode:
+      context_.SetPolyFillMode(static_cast<PolygonFill>(fields.Word()));
+      return true;
+    case WmfFunction::setStretchBltMode:
+      context_.SetStretchBltMode(static_cast<StretchMode>(fields.Word()));
+      return true;
+    case WmfFunction::setTextAlign:
+      context_.SetTextAlign(fields.Word());
+      return true;
+    case WmfFunction::setTextCharExtra:
+      context_.SetTextCharacterExtra(fields.Short());
+      return true;
+    case WmfFunction::setTextJustification: {
+      const int16_t breaks = fields.Short();
+      context_.SetTextJustification(fields.Short(), breaks);
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
+/// A viewport counts in pixels of a device that nobody knows any more. The first one was the whole
+/// picture for the program that wrote it, and so it is here.
+PointD WmfPlayer::ViewportScaled(PointD recorded) const {
+  if (!firstViewport_) return recorded;
+  return {recorded.x * std::abs(picture_.pixels.x / firstViewport_->x),
+          recorded.y * std::abs(picture_.pixels.y / firstViewport_->y)};
+}
+
+bool WmfPlayer::PlayMapping(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  const auto scale = [&](auto set) {
+    const double yDenominator = fields.Short(), yNumerator = fields.Short();
+    const double xDenominator = fields.Short(), xNumerator = fields.Short();
+    (context_.*set)({xNumerator, yNumerator}, {xDenominator, yDenominator});
+  };
+  switch (record.function) {
+    case WmfFunction::setMapMode: {
+      const auto mode = static_cast<MapMode>(fields.Word());
+      // Pixels of the recorder's screen are no unit: they stay fitted into the picture.
+      if (mode != MapMode::text) context_.SetMapMode(mode);
+      return true;
+    }
+    case WmfFunction::setWindowOrg:
+      context_.SetWindowOrg(ReadReversedPoint(fields));
+      return true;
+    case WmfFunction::setWindowExt:
+      context_.SetWindowExt(ReadReversedPoint(fields));
+      return true;
+    case WmfFunction::offsetWindowOrg:
+      context_.OffsetWindowOrg(ReadReversedPoint(fields));
+      return true;
+    case WmfFunction::scaleWindowExt:
+      scale(&DeviceContext::ScaleWindowExt);
+      return true;
+    case WmfFunction::setViewportOrg:
+      context_.SetViewportOrg(ViewportScaled(ReadReversedPoint(fields)));
+      return true;
+    case WmfFunction::setViewportExt: {
+      const PointD extent = ReadReversedPoint(fields);
+      if (extent.x == 0 || extent.y == 0) return true;
+      if (!firstViewport_) firstViewport_ = extent;
+      context_.SetViewportExt(ViewportScaled(extent));
+      return true;
+    }
+    case WmfFunction::offsetViewportOrg:
+      context_.OffsetViewportOrg(ViewportScaled(ReadReversedPoint(fields)));
+      return true;
+    case WmfFunction::scaleViewportExt:
+      scale(&DeviceContext::ScaleViewportExt);
+      return true;
+    case WmfFunction::setLayout:
+      context_.SetLayout(fields.Word());
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <rasterkit/host/metafiles/play_metafile.h>
+#include <rasterkit/host/raster/fill.h>
+
+namespace rasterkit::test {
+
+/// The drawing on white, at the size of the whole picture.
+struct PlayedMetafile {
+  explicit PlayedMetafile(const std::vector<uint8_t>& bytes, int width = 100, int height = 80)
+      : raster(pf32bit, width, height) {
+    FillRaster(raster, {0, 0, width, height}, clWhite);
+    report = PlayMetafile(bytes, raster, {0, 0, width, height});
+  }
+  TColor At(int x, int y) const { return raster.PixelColor(x, y); }
+  /// Pixels that are not white.
+  int Painted() const {
+    int count = 0;
+    for (int y = 0; y < raster.Height(); ++y) {
+      for (int x = 0; x < raster.Width(); ++x) count += At(x, y) == clWhite ? 0 : 1;
+    }
+    return count;
+  }
+
+  Raster raster;
+  PlayReport report;
+};
+
+}  // namespace rasterkit::test
