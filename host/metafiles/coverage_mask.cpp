@@ -1,15 +1,35 @@
+#include <atomic>
+
 #include <rasterkit/host/metafiles/cairo_handles.h>
 #include <rasterkit/host/metafiles/coverage_mask.h>
 #include <rasterkit/host/runtime/memory_budget.h>
 
 namespace rasterkit::detail {
+namespace {
+
+std::atomic<uint64_t> bytesOfAllMasks = 0;
+
+}  // namespace
+
+MaskMemory::MaskMemory(uint64_t bytes) : bytes_(bytes) {
+  const uint64_t all = bytesOfAllMasks.fetch_add(bytes) + bytes;
+  try {
+    RequirePictureMemory(all, "metafile: masks of areas");
+  } catch (...) {
+    bytesOfAllMasks -= bytes;
+    throw;
+  }
+}
+
+MaskMemory::~MaskMemory() {
+  bytesOfAllMasks -= bytes_;
+}
 
 CoverageMask::CoverageMask(const PixelRect& box)
-    : box_(box), stride_((static_cast<size_t>(box.right - box.left) + 3) / 4 * 4) {
-  const size_t bytes = stride_ * static_cast<size_t>(box.bottom - box.top);
-  RequirePictureMemory(bytes, "metafile: mask of an area");
-  bytes_.resize(bytes);
-}
+    : box_(box),
+      stride_((static_cast<size_t>(box.right - box.left) + 3) / 4 * 4),
+      memory_(uint64_t{stride_} * static_cast<uint64_t>(box.bottom - box.top)),
+      bytes_(stride_ * static_cast<size_t>(box.bottom - box.top)) {}
 
 void CoverageMask::Draw(const std::function<void(cairo_t*)>& draw) {
   const CairoSurface surface(

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
+#include <utility>
 #include <vector>
 
 #include <cairo.h>
@@ -10,6 +10,20 @@
 #include <rasterkit/host/raster/fill.h>
 
 namespace rasterkit::detail {
+
+/// A claim on the memory of all masks that exist, which together keep to the picture memory budget:
+/// a few bytes of a file can put a mask by, and ask for the next one.
+class MaskMemory {
+ public:
+  /// Throws LimitError when the budget does not hold it.
+  explicit MaskMemory(uint64_t bytes);
+  ~MaskMemory();
+  MaskMemory(MaskMemory&& other) noexcept : bytes_(std::exchange(other.bytes_, 0)) {}
+  MaskMemory& operator=(MaskMemory&&) = delete;
+
+ private:
+  uint64_t bytes_;
+};
 
 /// How much of each pixel of a rectangle is meant, 0 to 255.
 class CoverageMask {
@@ -30,6 +44,7 @@ class CoverageMask {
  private:
   PixelRect box_;
   size_t stride_;
+  MaskMemory memory_;
   std::vector<uint8_t> bytes_;
 };
 

@@ -11,6 +11,10 @@ using namespace detail;
 
 namespace {
 
+/// A letter is two bytes of a file and hundreds as outlines: a path takes no more of them than
+/// this.
+constexpr size_t kMaxPathPoints = 1 << 24;
+
 /// Twelve points on the recording device, in logical units.
 double UsualEmHeight(const DeviceContext::Parts& parts) {
   const double pixelsPerInch = parts.device.heightPx / parts.device.heightMm * 25.4;
@@ -71,7 +75,9 @@ void DeviceContext::ExtTextOut(const TextRun& run) {
   const TextPlacement placement{onDevice.places.Then(parts.deviceToTarget),
                                 onDevice.letters.Then(parts.deviceToTarget)};
   if (parts.isPathOpen) {
-    parts.path.Append(TextOutline(line, placement));
+    if (parts.path.Points().size() < kMaxPathPoints) {
+      parts.path.Append(TextOutline(line, placement));
+    }
     parts.startsFigure = true;
   } else {
     const bool isClipped = run.box && (run.options & text_option::clipped) != 0;

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/host/runtime/picture_memory_scope.h>
+
 #include "tests/support/drawing_paper.h"
 
 namespace rasterkit {
@@ -139,6 +142,22 @@ TEST(DeviceClip, Should_CutMasksByRectangles_When_BothAreUsed) {
   EXPECT_EQ(paper.At(25, 25), clWhite);
   EXPECT_EQ(paper.At(15, 15), clWhite);
   EXPECT_EQ(paper.At(1, 38), clWhite);
+}
+
+TEST(DeviceClip, Should_RaiseLimitError_When_MasksOfManyStatesAreMoreThanTheBudget) {
+  DrawingPaper paper(100, 100);
+  const PictureMemoryScope small(50 * 100 * 100);
+  const auto putBy = [&](int count) {
+    for (int i = 0; i < count; ++i) {
+      paper.Dc().SaveDC();
+      SelectCircle(paper, {0, 0, 100, 100}, RegionMode::copy);
+    }
+  };
+  EXPECT_NO_THROW(putBy(20));
+  EXPECT_THROW(putBy(100), LimitError);
+  // What was put by is there, and so is the room when it is gone.
+  EXPECT_TRUE(paper.Dc().RestoreDC(1));
+  EXPECT_NO_THROW(putBy(20));
 }
 
 TEST(DeviceClip, Should_DrawNothing_When_TheContextsOwnAreaIsEmpty) {
