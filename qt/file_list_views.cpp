@@ -5,6 +5,7 @@
 #include <QLocale>
 #include <QScrollBar>
 #include <algorithm>
+#include <utility>
 
 #include <rasterkit/qt/file_list_views.h>
 #include <rasterkit/qt/language.h>
@@ -129,6 +130,7 @@ int FileListViews::SelectedRow() const {
 void FileListViews::SelectLater(const QString& name) {
   wanted_ = name;
   scrollX_ = scrollY_ = 0;
+  scrollsToWanted_ = !name.isEmpty();
 }
 
 void FileListViews::RememberSelection() {
@@ -142,10 +144,10 @@ void FileListViews::RestoreSelection() {
   if (!IsReport()) SizeNames();
   const int row = wanted_.isEmpty() ? -1 : model_.RowOf(wanted_);
   if (row >= 0) Select(row);
-  // Where the view was must not jump because a file came or went; a row out of sight is shown.
+  // The view must not jump because a file came or went.
   View().horizontalScrollBar()->setValue(scrollX_);
   View().verticalScrollBar()->setValue(scrollY_);
-  if (row >= 0 && scrollX_ == 0 && scrollY_ == 0) View().scrollTo(model_.index(row, 0));
+  if (row >= 0 && std::exchange(scrollsToWanted_, false)) View().scrollTo(model_.index(row, 0));
 }
 
 void FileListViews::Select(int row) {

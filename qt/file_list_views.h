@@ -69,6 +69,7 @@ class FileListViews : public QWidget {
   QLabel* notice_;
   QString wanted_;
   int scrollX_ = 0, scrollY_ = 0;
+  bool scrollsToWanted_ = false;
   bool isRestoring_ = false;
 };
 

@@ -28,6 +28,10 @@ namespace fs = std::filesystem;
 
 constexpr int kPatience = 20000;
 
+std::string Numbered(const char* name, int number) {
+  return std::string(name).append(std::to_string(number));
+}
+
 class FileListTest : public testing::Test {
  protected:
   FileListTest() {
@@ -340,6 +344,31 @@ TEST_F(FileListTest, InnerLists_Should_TakeOverNameAndTip) {
   }
 }
 
+TEST_F(FileListTest, Changes_Should_LeaveThePlaceThatIsSeen) {
+  for (int i = 0; i < 100; ++i) folder.Write(Numbered("z", i), "1");
+  Open();
+  QTest::keyClick(&View(), Qt::Key_Home);
+  QTest::keyClick(&View(), Qt::Key_End);
+  EXPECT_EQ(list.SelectedName(), "z99");
+  for (const int place : {0, 7}) {
+    Report().verticalScrollBar()->setValue(place);
+    const size_t before = list.Names().size();
+    folder.Write(Numbered("zz", place), "1");
+    WaitUntil([&] { return list.Names().size() == before + 1; });
+    EXPECT_EQ(Report().verticalScrollBar()->value(), place);
+    EXPECT_EQ(list.SelectedName(), "z99");
+  }
+}
+
+TEST_F(FileListTest, GoUp_Should_ShowTheFolderThatWasLeft) {
+  for (int i = 0; i < 100; ++i) fs::create_directory(folder.Path() / Numbered("m", i));
+  Open(In("Zone"));
+  list.GoUp();
+  WaitUntil([&] { return list.IsFilled(); });
+  EXPECT_EQ(list.SelectedName(), "Zone");
+  EXPECT_TRUE(Report().viewport()->rect().contains(PlaceOf("Zone")));
+}
+
 // Many files
 
 class LargeFolder : public testing::Test {
@@ -348,7 +377,7 @@ class LargeFolder : public testing::Test {
   static void SetUpTestSuite() {
     folder_ = std::make_unique<test::TempFolder>();
     for (int i = 0; i < kFiles; ++i)
-      folder_->Write("plan " + std::to_string(i) + (i % 2 == 0 ? ".png" : ".bmp"), "");
+      folder_->Write(Numbered("plan ", i).append(i % 2 == 0 ? ".png" : ".bmp"), "");
   }
   static void TearDownTestSuite() { folder_.reset(); }
 
@@ -390,7 +419,7 @@ TEST_F(LargeFolder, List_Should_BeReadToItsEnd_When_FilesKeepComing) {
   int written = 0;
   const bool isFilled = QTest::qWaitFor(
       [&] {
-        folder.Write("new " + std::to_string(written++), "");
+        folder.Write(Numbered("new ", written++), "");
         return list.IsFilled();
       },
       kPatience);
