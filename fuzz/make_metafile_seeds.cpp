@@ -44,7 +44,66 @@ EmfFile WithBitmap(const BmpFile& bitmap, size_t pixelBytes) {
   return file;
 }
 
+FieldBytes Points16(std::initializer_list<int64_t> coordinates) {
+  FieldBytes fields{0, 0, 99, 79, static_cast<int64_t>(coordinates.size() / 2)};
+  return fields.Words(coordinates);
+}
+
+EmfFile EmfShapes() {
+  EmfFile file;
+  file.Add(EmfType::createPen, {1, 1, 1, 0, 0xFF}).Add(EmfType::selectObject, {1});
+  file.Add(EmfType::createBrush, {2, 2, 0xFF00, 3}).Add(EmfType::selectObject, {2});
+  file.Add(EmfType::extCreatePen, {3, 0, 0, 0, 0, 0x12207, 5, 0, 0xFF0000, 0, 2, 7, 3});
+  file.Add(EmfType::rectangle, {3, 3, 40, 30}).Add(EmfType::selectObject, {3});
+  file.Add(EmfType::roundRect, {3, 3, 40, 30, 9, 7}).Add(EmfType::ellipse, {30, 5, 90, 60});
+  file.Add(EmfType::pie, {10, 10, 60, 50, 35, 0, 35, 80}).Add(EmfType::setArcDirection, {2});
+  file.Add(EmfType::chord, {10, 10, 60, 50, 35, 0, 35, 80}).Add(EmfType::setRop2, {7});
+  file.Add(EmfType::arcTo, {10, 10, 60, 50, 35, 0, 35, 80}).Add(EmfType::setBkMode, {1});
+  file.Add(EmfType::angleArc, FieldBytes{50, 40, 20}.Singles({0, 90}));
+  file.Add(EmfType::polyBezierTo16, Points16({20, 40, 30, 40, 50, 40}));
+  file.Add(EmfType::polyPolygon16,
+           FieldBytes{0, 0, 0, 0, 2, 6, 3, 3}.Words({1, 1, 9, 1, 5, 8, 20, 20, 40, 20, 30, 50}));
+  file.Add(EmfType::polyDraw16, Points16({10, 20, 50, 20}).Byte(6).Byte(3));
+  FieldBytes gradient{0, 0, 0, 0, 2, 1, 0};
+  gradient.Longs({0, 0}).Words({0, 9, 0, 0}).Longs({60, 50}).Words({0xFF00, 0, 0, 0});
+  file.Add(EmfType::gradientFill, gradient.Longs({0, 1}));
+  file.Add(EmfType::extFloodFill, {30, 30, 0xFF, 1}).Add(EmfType::setPixel, {5, 6, 0xABCDEF});
+  return file;
+}
+
+EmfFile EmfPaths() {
+  EmfFile file;
+  file.Add(EmfType::setMapMode, {8}).Add(EmfType::setWindowExt, {100, -80});
+  file.Add(EmfType::setViewportExt, {90, 70}).Add(EmfType::setViewportOrg, {5, 75});
+  file.Add(EmfType::setWorldTransform, FieldBytes().Singles({1, 0.2F, -0.2F, 1, 3, 4}));
+  file.Add(EmfType::saveDc).Add(EmfType::beginPath).Add(EmfType::moveTo, {10, 10});
+  file.Add(EmfType::polylineTo16, Points16({60, 10, 60, 50, 10, 50}));
+  file.Add(EmfType::closeFigure).Add(EmfType::endPath).Add(EmfType::widenPath);
+  file.Add(EmfType::selectClipPath, {3}).Add(EmfType::intersectClipRect, {5, 5, 50, 60});
+  FieldBytes region{48, 2, 32, 1, 1, 16, 0, 0, 0, 0, 20, 20, 70, 60};
+  file.Add(EmfType::extSelectClipRgn, region).Add(EmfType::setMetaRgn);
+  file.Add(EmfType::invertRgn, {0, 0, 0, 0, 48, 32, 1, 1, 16, 0, 0, 0, 0, 1, 2, 80, 70});
+  file.Add(EmfType::restoreDc, {-1}).Add(EmfType::scaleWindowExt, {2, 1, 2, 1});
+  return file.Add(EmfType::modifyWorldTransform, FieldBytes().Singles({2, 0, 0, 2, 0, 0}).Long(2));
+}
+
+EmfFile EmfText() {
+  EmfFile file;
+  FieldBytes font{1, -20, 0, 300, 300, 700, 0x01010001, 0};
+  font.Text(std::u16string_view(u"DejaVu Sans")).FillTo(4 + 92);
+  file.Add(EmfType::extCreateFont, font).Add(EmfType::selectObject, {1});
+  file.Add(EmfType::setTextAlign, {24 + 6}).Add(EmfType::setTextColor, {0xFF0000});
+  FieldBytes text{0, 0, 0, 0, 1};
+  text.Singles({1, 1}).Longs({50, 40, 3, 76, 6, 5, 10, 95, 70, 84});
+  file.Add(EmfType::extTextOutW, text.Text(std::u16string_view(u"Abc")).PadTo(4).Longs({9, 12, 9}));
+  FieldBytes brief{10, 20, 2, 0x300, 2};
+  return file.Add(EmfType::smallTextOut, brief.Singles({1, 1}).Text(std::string_view("Ab")));
+}
+
 void SaveEmf(const std::string& folder) {
+  Save(folder + "/shapes.emf", EmfShapes().Bytes());
+  Save(folder + "/paths.emf", EmfPaths().Bytes());
+  Save(folder + "/text.emf", EmfText().Bytes());
   EmfFile lines;
   lines.description = std::u16string(u"Seeds\0A title\0", 14);
   lines.micrometersX = 250000;
@@ -59,7 +118,35 @@ void SaveEmf(const std::string& folder) {
   Save(folder + "/bitmap_rle8.emf", WithBitmap(Indexed(), Indexed().pixels.size()).Bytes());
 }
 
+WmfFile WmfShapes() {
+  WmfFile file;
+  file.box = {{0, 0, 100, 80}};
+  file.Add(WmfFunction::createPenIndirect, FieldBytes().Words({1, 1, 0}).Long(0xFF));
+  file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(2).Long(0xFF00).Word(4));
+  file.Add(WmfFunction::selectObject, {0}).Add(WmfFunction::selectObject, {1});
+  file.Add(WmfFunction::rectangle, {50, 60, 10, 10}).Add(WmfFunction::ellipse, {50, 60, 10, 10});
+  file.Add(WmfFunction::roundRect, {9, 7, 50, 60, 10, 10}).Add(WmfFunction::saveDc);
+  file.Add(WmfFunction::pie, {80, 35, 0, 35, 50, 60, 10, 10}).Add(WmfFunction::setRop2, {7});
+  file.Add(WmfFunction::polygon, {3, 10, 10, 60, 10, 60, 50}).Add(WmfFunction::restoreDc, {-1});
+  FieldBytes region;
+  region.Words({0, 6}).Long(0).Words({0, 1, 2, 10, 10, 60, 50, 2, 10, 50, 10, 60, 2});
+  file.Add(WmfFunction::createRegion, region).Add(WmfFunction::invertRegion, {2});
+  file.Add(WmfFunction::selectClipRegion, {2}).Add(WmfFunction::deleteObject, {2});
+  file.Add(WmfFunction::patBlt, {0x21, 0xF0, 20, 30, 20, 10});
+  file.Add(WmfFunction::floodFill, FieldBytes().Long(0xFF).Words({20, 20}));
+  FieldBytes device;
+  device.Words({0x20, 0xCC, 0, 0, 1, 16, 20, 10, 0, 16, 1, 2, 0x0101, 0xFF00});
+  file.Add(WmfFunction::bitBlt, device);
+  FieldBytes font;
+  font.Words({-20, 0, 900, 900, 400}).Longs({0, 0}).Text(std::string_view("Symbol")).FillTo(50);
+  file.Add(WmfFunction::createFontIndirect, font).Add(WmfFunction::selectObject, {2});
+  FieldBytes text;
+  text.Words({20, 10, 3, 6, 5, 10, 95, 70}).Text(std::string_view("abc")).PadTo(2);
+  return file.Add(WmfFunction::extTextOut, text.Words({9, 9, 9}));
+}
+
 void SaveWmf(const std::string& folder) {
+  Save(folder + "/shapes.wmf", WmfShapes().Bytes());
   WmfFile lines;
   lines.Add(WmfFunction::moveTo, {5, 3}).Add(WmfFunction::lineTo, {11, 17});
   lines.Add(WmfFunction::polyPolygon, {2, 2, 3, 0, 0, 5, 5, 1, 1, 8, 2, 3, 7});

@@ -1,10 +1,11 @@
-// Any bytes as a Windows metafile: facts, records and the bitmaps inside them, or one of our
-// errors.
+// Any bytes as a Windows metafile: facts, records, the bitmaps inside them and a
+// drawing that touches nothing outside its place, or one of our errors.
 
 #include <cstdlib>
 
 #include <rasterkit/host/metafiles/dib_reader.h>
 #include <rasterkit/host/metafiles/metafile_facts.h>
+#include <rasterkit/host/metafiles/play_metafile.h>
 #include <rasterkit/host/metafiles/wmf_records.h>
 #include <rasterkit/host/runtime/memory_budget.h>
 
@@ -44,11 +45,35 @@ void Walk(std::span<const uint8_t> bytes) {
   Require(walked <= bytes.size());
 }
 
+constexpr int kSide = 48;
+constexpr PixelRect kPlace{8, 4, 40, 44};
+/// Records that are played at most: a few bytes each may fill the whole picture.
+constexpr int kMostQuestions = 40;
+
+/// Draws inside a frame of pixels that must stay as they are.
+void Draw(std::span<const uint8_t> bytes) {
+  Raster raster(pf32bit, kSide, kSide);
+  FillRaster(raster, {0, 0, kSide, kSide}, 0x123456);
+  int questions = 0;
+  try {
+    PlayMetafile(bytes, raster, kPlace, [&] { return ++questions < kMostQuestions; });
+  } catch (const Error&) {
+  }
+  for (int y = 0; y < kSide; ++y) {
+    for (int x = 0; x < kSide; ++x) {
+      const bool isInside =
+          x >= kPlace.left && x < kPlace.right && y >= kPlace.top && y < kPlace.bottom;
+      Require(isInside || raster.PixelColor(x, y) == 0x123456);
+    }
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   SetPictureMemoryLimit(kPictureLimit);
   const std::span<const uint8_t> bytes(data, size);
+  Draw(bytes);
   try {
     const MetafileFacts facts = ReadMetafileFacts(bytes);
     Require(facts.width > 0 && facts.height > 0 && facts.widthMm100 > 0 && facts.heightMm100 > 0);
