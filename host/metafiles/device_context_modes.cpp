@@ -129,7 +129,8 @@ void DeviceContext::SetMiterLimit(double limit) {
 
 void DeviceContext::SetBrushOrg(PointD origin) {
   parts_->state.brushOrigin = Finite(origin);
-  parts_->ColorsChanged();
+  parts_->PenChanged();
+  parts_->BrushChanged();
 }
 
 void DeviceContext::SetTextAlign(uint32_t align) {

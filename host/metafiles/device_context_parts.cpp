@@ -44,7 +44,11 @@ void DeviceContext::Parts::MappingChanged() {
 
 void DeviceContext::Parts::ColorsChanged() {
   pen_.reset();
-  brush_.reset();
+  // Patterns may be large, and most have colours of their own.
+  const LogicalBrush& brush = state.brush ? *state.brush : UsualBrush();
+  const bool takesColors =
+      brush.kind == LogicalBrush::hatched || (brush.kind == LogicalBrush::pattern && brush.isMono);
+  if (takesColors) brush_.reset();
 }
 
 void DeviceContext::Parts::ClipChanged() {
@@ -67,7 +71,7 @@ void DeviceContext::Parts::CombineClip(const ClipArea::Pointer& area, RegionMode
 
 void DeviceContext::Parts::StateChanged() {
   MappingChanged();
-  ColorsChanged();
+  BrushChanged();
   ClipChanged();
 }
 

@@ -52,6 +52,20 @@ TEST(DeviceBrushes, Should_FillGaps_When_TheBackgroundIsOpaque) {
   EXPECT_EQ(Count(paper.Picture(), 'r'), 56);
 }
 
+TEST(DeviceBrushes, Should_TakeTheColoursOfTheTime_When_TheyChangeBetweenFills) {
+  DrawingPaper paper(8, 8);
+  paper.Dc().SelectBrush(std::make_shared<LogicalBrush>(Hatched(0)));
+  paper.Dc().PatBlt({0, 0, 8, 8}, rop3::patternCopy);
+  EXPECT_EQ(Count(paper.Picture(), '.'), 56);
+  paper.Dc().SaveDC();
+  paper.Dc().SetBkColor(RGB(255, 0, 0));
+  paper.Dc().PatBlt({0, 0, 8, 8}, rop3::patternCopy);
+  EXPECT_EQ(Count(paper.Picture(), 'r'), 56);
+  paper.Dc().RestoreDC(-1);
+  paper.Dc().PatBlt({0, 0, 8, 8}, rop3::patternCopy);
+  EXPECT_EQ(Count(paper.Picture(), '.'), 56);
+}
+
 TEST(DeviceBrushes, Should_LayTheBitmapSideBySide_When_APatternHasAnOrigin) {
   auto bitmap = std::make_shared<Raster>(pf24bit, 2, 2);
   FillRaster(*bitmap, {0, 0, 2, 2}, clWhite);
