@@ -26,7 +26,7 @@ constexpr std::array kKeys = {
     rsSaveNameReserved, rsSaveNameUnfit, rsSaveOptionsHint, rsSavePath, rsSavePathHint,
     // Crop tool
     rsSizeOfPicture, rsInfoWidth, rsInfoHeight, rsInfoBitDepth, rsInfoCutWidth, rsInfoCutHeight,
-    rsInfoCutMemsize, rsCropActualSize, rsCropActualSizeHint, rsCropDimensions,
+    rsInfoCutMemsize, rsCutForReaders, rsNoCutForReaders, rsCropActualSize, rsCropActualSizeHint,
     rsCropDimensionsCaption, rsCropFit, rsCropFitHint, rsCropFitName, rsCropHeight,
     rsCropHeightHint, rsCropLeft, rsCropLeftHint, rsCropPicture, rsCropRectangle,
     rsCropRectangleHelp, rsCropRectangleHint, rsCropTop, rsCropTopHint, rsCropUndo, rsCropUndoHint,
@@ -42,10 +42,10 @@ constexpr std::array kKeys = {
     rsEditBitmap, rsEditConvertPdf, rsEditNoMemory, rsEditPageSize, rsEditPages, rsEditPdfFailed,
     rsEditUnreadable, rsEdit256Colors, rsEditBlackWhite, rsEditCut, rsEditDimensions, rsEditFit,
     rsEditGray, rsEditImage, rsEditMirror, rsEditOpen, rsEditOpenName, rsEditOriginalSize,
-    rsEditPage, rsEditPageHint, rsEditPageSizeCaption, rsEditPageSizeName, rsEditPictureHelp,
-    rsEditRendering, rsEditRenderingName, rsEditResolution, rsEditResolutionHint,
-    rsEditResolutionName, rsEditRotation, rsEditRotationHint, rsEditRotationName, rsEditSave,
-    rsEditSaveName, rsEditSize, rsEditWhole,
+    rsEditPage, rsEditPageHint, rsEditPageSizeCaption, rsEditPictureHelp, rsEditRendering,
+    rsEditRenderingName, rsEditResolution, rsEditResolutionHint, rsEditResolutionName,
+    rsEditRotation, rsEditRotationHint, rsEditRotationName, rsEditSave, rsEditSaveName, rsEditSize,
+    rsEditWhole,
     // Graphics settings
     rsParas16Colors, rsParas256Colors, rsParasBlackWhite, rsParasBmpSize, rsParasCaption,
     rsParasColors, rsParasColorsHint, rsParasJpeg, rsParasMaxCompression, rsParasMaxQuality,

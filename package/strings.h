@@ -88,13 +88,16 @@ inline constexpr std::string_view rsInfoHeight = "Height=%d";
 inline constexpr std::string_view rsInfoBitDepth = "Bit depth[bit]=%d";
 inline constexpr std::string_view rsInfoCutWidth = "Cut width=%d";
 inline constexpr std::string_view rsInfoCutHeight = "Cut height=%d";
+/// For screen readers: left, top, width and height in pixels of the picture.
+inline constexpr std::string_view rsCutForReaders =
+    "Rectangle: left %d, top %d, width %d, height %d";
+inline constexpr std::string_view rsNoCutForReaders = "No rectangle";
 /// Unit, then memory size.
 inline constexpr std::string_view rsInfoCutMemsize = "Cut memsize [%s]=%s";
 
 /// The window around the crop tool.
 inline constexpr std::string_view rsCropActualSize = "Actual size";
 inline constexpr std::string_view rsCropActualSizeHint = "Shows the picture pixel by pixel";
-inline constexpr std::string_view rsCropDimensions = "Bitmap dimensions";
 inline constexpr std::string_view rsCropDimensionsCaption = "Bitmap dimensions:";
 inline constexpr std::string_view rsCropFit = "Fit";
 inline constexpr std::string_view rsCropFitHint = "Shows the whole picture";
@@ -191,7 +194,6 @@ inline constexpr std::string_view rsEditOriginalSize = "View BMP in original siz
 inline constexpr std::string_view rsEditPage = "Page";
 inline constexpr std::string_view rsEditPageHint = "Page of the document";
 inline constexpr std::string_view rsEditPageSizeCaption = "Page at this resolution: ";
-inline constexpr std::string_view rsEditPageSizeName = "Page at this resolution";
 inline constexpr std::string_view rsEditPictureHelp =
     "Drag to draw a rectangle. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize "
     "it. The wheel zooms, the middle button pans. Ctrl+H changes the size, Ctrl+Z undoes.";

@@ -17,6 +17,7 @@
 #include <rasterkit/host/runtime/file_name.h>
 #include <rasterkit/package/format_text.h>
 #include <rasterkit/package/strings.h>
+#include <rasterkit/qt/clear_style.h>
 #include <rasterkit/qt/file_dialogs.h>
 #include <rasterkit/qt/language.h>
 #include <rasterkit/qt/name_filters.h>
@@ -95,6 +96,7 @@ PictureChooser::PictureChooser(const PictureFileDialog& wanted, QWidget* parent)
   AddPreview();
   WidenColumns();
   SetPlace(wanted);
+  detail::UseClearStyle(*this);
   connect(this, &QFileDialog::filterSelected, this, [this] { FollowFilter(); });
   if (isSaving_ || NameEdit() == nullptr) return;
   connect(NameEdit(), &QLineEdit::textChanged, this, [this] { EnableOpening(); });

@@ -3,6 +3,7 @@
 #include <QStyle>
 #include <QThread>
 
+#include <rasterkit/qt/clear_style.h>
 #include <rasterkit/qt/icons.h>
 #include <rasterkit/qt/message_box.h>
 #include <rasterkit/qt/modal_window.h>
@@ -57,6 +58,7 @@ std::unique_ptr<QMessageBox> MakeMessageBox(const QString& text) {
   auto box = MakeBox("MessageBox", "info", text);
   box->setStandardButtons(QMessageBox::Ok);
   box->button(QMessageBox::Ok)->setText(ResourceText(rsOk));
+  detail::UseClearStyle(*box);
   return box;
 }
 
@@ -69,6 +71,7 @@ std::unique_ptr<QMessageBox> MakeQuestionBox(const QString& question) {
   box->button(QMessageBox::No)->setObjectName("ButtonNo");
   box->setDefaultButton(QMessageBox::No);
   box->setEscapeButton(QMessageBox::No);
+  detail::UseClearStyle(*box);
   return box;
 }
 

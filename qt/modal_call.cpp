@@ -1,9 +1,11 @@
 #include <QApplication>
+#include <QStyle>
 #include <clocale>
 #include <optional>
 #include <string>
 
 #include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/qt/clear_style.h>
 #include <rasterkit/qt/display.h>
 #include <rasterkit/qt/icons.h>
 #include <rasterkit/qt/modal_call.h>
@@ -41,7 +43,7 @@ class OwnApplication {
     application_.emplace(argc_, argv_);
     locale_.KeepNumbers();
     QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setStyle(detail::NewClearStyle().release());
     // What desktops group the windows by, and show them with.
     QApplication::setDesktopFileName(QStringLiteral("rasterkit"));
     QApplication::setWindowIcon(ProgramIcon());
@@ -64,8 +66,10 @@ struct TModalCall::Services {
     host.emplace();
     if (!application) return;
     const std::string style = ReadSetting(kWindowSection, "Style").value_or("");
+    // A desktop without colours of its own has those of Qt, whose selection is pale.
+    const bool isPlain = QApplication::palette() == QApplication::style()->standardPalette();
     if (style == "dark") UsePalette(DarkPalette());
-    if (style == "light") UsePalette(LightPalette());
+    if (style == "light" || (style.empty() && isPlain)) UsePalette(LightPalette());
   }
 
   std::optional<OwnApplication> application;

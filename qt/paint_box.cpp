@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -7,6 +8,7 @@
 
 #include <rasterkit/host/runtime/application.h>
 #include <rasterkit/qt/paint_box.h>
+#include <rasterkit/qt/paint_box_reader.h>
 
 namespace rasterkit {
 namespace {
@@ -27,12 +29,20 @@ void Deliver(const Handler& handler, TPaintBox& box, Event& event) {
 }  // namespace
 
 TPaintBox::TPaintBox(QWidget* parent) : QWidget(parent) {
+  detail::TellReadersOfPaintBoxes();
   setMouseTracking(true);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
 QSize TPaintBox::sizeHint() const {
   return {240, 180};
+}
+
+void TPaintBox::SetContentText(const QString& text) {
+  if (text == contentText_) return;
+  contentText_ = text;
+  QAccessibleEvent event(this, QAccessible::DescriptionChanged);
+  QAccessible::updateAccessibility(&event);
 }
 
 void TPaintBox::PaintFocus(QPainter& painter) const {

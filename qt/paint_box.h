@@ -15,6 +15,9 @@ namespace rasterkit {
 /// TApplication::HandleException). A handler may replace handlers, itself among them, and may
 /// destroy the box.
 ///
+/// Screen readers meet it as a picture; give it an accessible name, and a description of the keys
+/// where it takes any.
+///
 /// Positions are pixels of the widget; `event.position()`. May stand in a Designer form as a
 /// promoted widget.
 class RASTERKIT_EXPORT TPaintBox : public QWidget {
@@ -45,6 +48,11 @@ class RASTERKIT_EXPORT TPaintBox : public QWidget {
   /// After the box has got its new size.
   NotifyHandler OnResize;
 
+  /// What the box shows now, in words for screen readers ("Rectangle: left 10 ..."); empty at
+  /// first. It goes before the box's own description, and readers are told of a change.
+  QString ContentText() const { return contentText_; }
+  void SetContentText(const QString& text);
+
   /// The style's focus frame along the edge while the box has the focus; for the end of OnPaint.
   void PaintFocus(QPainter& painter) const;
 
@@ -59,6 +67,9 @@ class RASTERKIT_EXPORT TPaintBox : public QWidget {
   void wheelEvent(QWheelEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  QString contentText_;
 };
 
 }  // namespace rasterkit

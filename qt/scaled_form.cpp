@@ -1,3 +1,9 @@
+#include <QAccessible>
+#include <QComboBox>
+#include <QEvent>
+#include <QLineEdit>
+
+#include <rasterkit/qt/clear_style.h>
 #include <rasterkit/qt/language.h>
 #include <rasterkit/qt/modal_window.h>
 #include <rasterkit/qt/scaled_form.h>
@@ -11,6 +17,28 @@ TScaledForm::TScaledForm(QWidget* parent) : QDialog(parent) {
   setSizeGripEnabled(true);
   // Numbers as the texts have them.
   if (LanguageLocale() != locale()) setLocale(LanguageLocale());
+}
+
+namespace {
+
+/// Screen readers meet the field inside of a box on its own, without the box's name.
+void NameFieldsOfBoxes(const QWidget& form) {
+  for (QComboBox* box : form.findChildren<QComboBox*>()) {
+    QLineEdit* field = box->lineEdit();
+    if (field == nullptr || !field->accessibleName().isEmpty()) continue;
+    if (const auto* reader = QAccessible::queryAccessibleInterface(box))
+      field->setAccessibleName(reader->text(QAccessible::Name));
+  }
+}
+
+}  // namespace
+
+bool TScaledForm::event(QEvent* event) {
+  const bool isUsed = QDialog::event(event);
+  if (event->type() == QEvent::Show) NameFieldsOfBoxes(*this);
+  if (event->type() == QEvent::Show || event->type() == QEvent::StyleChange)
+    detail::UseClearStyle(*this);
+  return isUsed;
 }
 
 int TScaledForm::ShowModal() {

@@ -10,7 +10,8 @@
 namespace rasterkit {
 
 /// Base of every form: a modal window that stretches, follows the screen's scaling and the host's
-/// style, remembers its place under its object name, and leaves cleanly when the host quits.
+/// style (where that is Fusion, with outlines and a focus that are seen), remembers its place under
+/// its object name, and leaves cleanly when the host quits.
 ///
 /// A derived form keeps the `Ui::...` that Designer describes and calls `SetUpForm(ui)` first thing
 /// in its constructor. Its buttons end it with Qt's `accept()` and `reject()`.
@@ -35,6 +36,8 @@ class RASTERKIT_EXPORT TScaledForm : public QDialog {
     ui.setupUi(this);
     TranslateTexts(*this);
   }
+
+  bool event(QEvent* event) override;
 
  private:
   std::string settingsName_;

@@ -1,12 +1,14 @@
 #include <QApplication>
+#include <QStyle>
 
+#include <rasterkit/qt/clear_style.h>
 #include <rasterkit/qt/style.h>
 
 namespace rasterkit {
 namespace {
 
 struct Colors {
-  QColor window, base, alternate, button, text, disabled, link, selection, selectedText, tip;
+  QColor window, base, alternate, button, text, disabled, hint, link, selection, selectedText, tip;
 };
 
 QPalette MakePalette(const Colors& colors) {
@@ -19,7 +21,7 @@ QPalette MakePalette(const Colors& colors) {
   palette.setColor(QPalette::BrightText, Qt::red);
   palette.setColor(QPalette::ToolTipBase, colors.tip);
   palette.setColor(QPalette::ToolTipText, colors.text);
-  palette.setColor(QPalette::PlaceholderText, colors.disabled);
+  palette.setColor(QPalette::PlaceholderText, colors.hint);
   palette.setColor(QPalette::Link, colors.link);
   palette.setColor(QPalette::Highlight, colors.selection);
   palette.setColor(QPalette::HighlightedText, colors.selectedText);
@@ -44,6 +46,7 @@ QPalette LightPalette() {
                       .button = "#e6e6e6",
                       .text = "#1b1b1b",
                       .disabled = "#8c8c8c",
+                      .hint = "#666666",
                       .link = "#0a58b0",
                       .selection = "#1f66b5",
                       .selectedText = "#ffffff",
@@ -57,6 +60,7 @@ QPalette DarkPalette() {
                       .button = "#3a3a3a",
                       .text = "#e8e8e8",
                       .disabled = "#808080",
+                      .hint = "#a0a0a0",
                       .link = "#78b4f5",
                       .selection = "#2f6fb8",
                       .selectedText = "#ffffff",
@@ -64,13 +68,10 @@ QPalette DarkPalette() {
 }
 
 void UsePalette(const QPalette& palette) {
+  // The application owns its style.
+  if (QApplication::style()->name() == u"fusion")
+    QApplication::setStyle(detail::NewClearStyle().release());
   QApplication::setPalette(palette);
-  if (!IsDark(palette)) return;
-  // These paint no ground of their own: what they call window is only what outlines are made of.
-  QPalette outlined = palette;
-  outlined.setColor(QPalette::Window, "#a8a8a8");
-  for (const char* name : {"QSlider", "QAbstractSpinBox", "QLineEdit", "QCheckBox", "QComboBox"})
-    QApplication::setPalette(outlined, name);
 }
 
 }  // namespace rasterkit

@@ -14,8 +14,8 @@ RASTERKIT_EXPORT bool IsDark(const QPalette& palette);
 RASTERKIT_EXPORT QPalette LightPalette();
 RASTERKIT_EXPORT QPalette DarkPalette();
 
-/// Gives the application a palette. On a dark one the outlines of track bars and fields, which
-/// Fusion draws a shade darker than the window, become light enough to be seen (3 to 1).
+/// Gives the application a palette. Where its style is Fusion, which draws outlines a shade darker
+/// than the window, outlines and focus then are strong enough to be seen (3 to 1).
 RASTERKIT_EXPORT void UsePalette(const QPalette& palette);
 
 }  // namespace rasterkit

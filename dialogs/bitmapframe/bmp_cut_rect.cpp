@@ -4,11 +4,15 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
+#include <array>
 #include <cmath>
 #include <optional>
+#include <string>
 
 #include <rasterkit/dialogs/bitmapframe/bmp_cut_rect.h>
 #include <rasterkit/dialogs/bitmapframe/cut_outline.h>
+#include <rasterkit/package/format_text.h>
+#include <rasterkit/package/strings.h>
 #include <rasterkit/qt/bitmap_image.h>
 #include <rasterkit/qt/qt_color.h>
 #include <rasterkit/qt/qt_text.h>
@@ -183,7 +187,19 @@ void TBmpCutRect::Paint(TPaintBox& box, QPainter& painter) {
   const bool showsCut = OrgBitmap() != nullptr && GetCutRectExists();
   if (!DragIsActive() && showsCut) DrawCutArea(painter);
   if (OutlineIsShown()) DrawCutRectXor(painter);
+  TellReaders();
   if (FSavePaint) FSavePaint(box, painter);
+}
+
+/// In words what was just painted; while the mouse drags, its steps would only be noise.
+void TBmpCutRect::TellReaders() {
+  if (DragIsActive() || fPaintBox == nullptr) return;
+  if (!GetCutRectExists()) return fPaintBox->SetContentText(ResourceText(rsNoCutForReaders));
+  const TRect cut = CutPixels();
+  const std::array values = {std::to_string(cut.Left), std::to_string(cut.Top),
+                             std::to_string(cut.Right - cut.Left),
+                             std::to_string(cut.Bottom - cut.Top)};
+  fPaintBox->SetContentText(ToQt(FormatText(ResourceString(rsCutForReaders), values)));
 }
 
 void TBmpCutRect::DrawPicture(QPainter& painter) {

@@ -54,6 +54,7 @@ class RASTERKIT_EXPORT TBmpCutRect final : private CutView, public BmpCutModel {
   void ShowSizeText(const std::string& text) override;
 
   void TakeOver();
+  void TellReaders();
   bool HandleArrow(const TPoint& arrow, Qt::KeyboardModifiers keys);
   bool ZoomByKey(bool isIn);
   void Paint(TPaintBox& box, QPainter& painter);

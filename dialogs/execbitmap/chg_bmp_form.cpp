@@ -163,10 +163,25 @@ void TFormChgBmp::PanBmpsResize() {
   ui_->PanChg->setGeometry(kLeft + width + kGap, kTop, width, height);
   ui_->PanOrg->layout()->activate();
   ui_->PanChg->layout()->activate();
-  const QSize box = PixelSize(*ui_->PaintBoxOrg);
-  model_.InitBmpPos(box.width(), box.height());
-  ShowPanCursor(false);
+  MeasurePreviews();
   RepaintPreviews();
+}
+
+void TFormChgBmp::MeasurePreviews() {
+  previewSize_ = PixelSize(*ui_->PaintBoxOrg);
+  model_.InitBmpPos(previewSize_.width(), previewSize_.height());
+  original_ = TBitmap();
+  changed_ = TBitmap();
+  ShowPanCursor(false);
+}
+
+/// The ground beside and below the pictures follows the style.
+void TFormChgBmp::changeEvent(QEvent* event) {
+  TScaledForm::changeEvent(event);
+  const bool isOfStyle =
+      event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange;
+  const bool hasPreviews = !previewSize_.isEmpty();
+  if (isOfStyle && hasPreviews) RepaintPreviews();
 }
 
 void TFormChgBmp::RepaintChanged() {
@@ -183,6 +198,11 @@ void TFormChgBmp::RepaintPreviews() {
 
 void TFormChgBmp::PaintPreview(TPaintBox& box, QPainter& painter, TBitmap& content,
                                bool isOriginal) {
+  // On another screen the box may have become another number of pixels without a change of size.
+  if (PixelSize(*ui_->PaintBoxOrg) != previewSize_) {
+    MeasurePreviews();
+    RepaintPreviews();
+  }
   if (content.Empty()) {
     const TColor ground = ColorOf(box.palette().color(QPalette::Window));
     content = isOriginal ? model_.OriginalPreview(ground) : model_.ChangedPreview(ground);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSize>
 #include <memory>
 
 #include <rasterkit/dialogs/execbitmap/change_values_model.h>
@@ -26,6 +27,7 @@ class TFormChgBmp : public TScaledForm {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   struct Controls {
@@ -41,6 +43,7 @@ class TFormChgBmp : public TScaledForm {
   void ShowRefresh();
   void ShowValues();
   void PanBmpsResize();
+  void MeasurePreviews();
   void RepaintChanged();
   void RepaintPreviews();
   void PaintPreview(TPaintBox& box, QPainter& painter, TBitmap& content, bool isOriginal);
@@ -54,6 +57,8 @@ class TFormChgBmp : public TScaledForm {
   ChangeValuesModel& model_;
   std::unique_ptr<Ui::FormChgBmp> ui_;
   bool isShowing_ = false;
+  /// Of a preview in pixels of the screen, as the model was told.
+  QSize previewSize_;
   /// What the previews show; empty until they are painted.
   TBitmap original_, changed_;
 };

@@ -1,29 +1,17 @@
 #include <QApplication>
 #include <QSlider>
-#include <cmath>
+#include <algorithm>
 
 #include <gtest/gtest.h>
 
 #include <rasterkit/qt/style.h>
 
+#include "tests/support/forms/color_contrast.h"
+
 namespace rasterkit {
 namespace {
 
-double Linear(double value) {
-  return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-}
-
-double Luminance(const QColor& color) {
-  return 0.2126 * Linear(color.redF()) + 0.7152 * Linear(color.greenF()) +
-         0.0722 * Linear(color.blueF());
-}
-
-/// As accessibility guidelines measure it: 1 to 21.
-double Contrast(const QColor& a, const QColor& b) {
-  const double brighter = std::max(Luminance(a), Luminance(b));
-  const double darker = std::min(Luminance(a), Luminance(b));
-  return (brighter + 0.05) / (darker + 0.05);
-}
+using test::Contrast;
 
 TEST(Style, IsDark_Should_TellThePalettesApart) {
   EXPECT_TRUE(IsDark(DarkPalette()));
@@ -40,6 +28,7 @@ TEST(Style, Texts_Should_BeReadable) {
     EXPECT_GE(contrast(QPalette::Text, QPalette::AlternateBase), 4.5);
     EXPECT_GE(contrast(QPalette::ButtonText, QPalette::Button), 4.5);
     EXPECT_GE(contrast(QPalette::HighlightedText, QPalette::Highlight), 4.5);
+    EXPECT_GE(contrast(QPalette::PlaceholderText, QPalette::Base), 4.5);
     EXPECT_GE(contrast(QPalette::ToolTipText, QPalette::ToolTipBase), 4.5);
     EXPECT_GE(contrast(QPalette::Link, QPalette::Window), 4.5);
   }

@@ -1,0 +1,204 @@
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QGroupBox>
+#include <QHash>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyleOption>
+#include <algorithm>
+
+#include <rasterkit/qt/clear_style.h>
+#include <rasterkit/qt/contrast.h>
+#include <rasterkit/qt/paint_box.h>
+#include <rasterkit/qt/style.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// Fusion brightens some outlines by up to a tenth after it was told their colour.
+constexpr double kOutlineContrast = 3.4, kFocusContrast = 4.5;
+constexpr int kFocusWidth = 2;
+/// Fusion draws outlines with the window's colour, darkened by so many percent.
+constexpr int kDarkening = 140;
+/// ... and that of the default button with the selection's.
+constexpr int kDarkeningOfDefault = 125;
+constexpr double kFillContrast = 3;
+
+QColor OutlineColor(const QPalette& palette) {
+  const QColor window = palette.color(QPalette::Window), base = palette.color(QPalette::Base);
+  return WithContrast(window, palette.color(QPalette::WindowText), {window, base},
+                      kOutlineContrast);
+}
+
+QColor FocusColor(const QPalette& palette) {
+  const QColor window = palette.color(QPalette::Window), base = palette.color(QPalette::Base);
+  return WithContrast(palette.color(QPalette::Highlight), palette.color(QPalette::WindowText),
+                      {window, base}, kFocusContrast);
+}
+
+/// What the travelled part of a track bar and the outline of the default button are made of.
+QColor HighlightColor(const QPalette& palette) {
+  const QColor color = palette.color(QPalette::Highlight);
+  if (!IsDark(palette)) return color;
+  return WithContrast(color, palette.color(QPalette::WindowText),
+                      {palette.color(QPalette::Window).lighter(kDarkeningOfDefault)}, kFillContrast)
+      .lighter(kDarkeningOfDefault);
+}
+
+/// A frame of whole pixels of the widget along the edge.
+void DrawFrame(QPainter& painter, const QRect& place, const QColor& color, int width) {
+  if (place.width() <= 2 * width || place.height() <= 2 * width) return;
+  const QRect inner = place.adjusted(width, width, -width, -width);
+  for (const QRect& strip : {QRect(place.left(), place.top(), place.width(), width),
+                             QRect(place.left(), inner.bottom() + 1, place.width(), width),
+                             QRect(place.left(), inner.top(), width, inner.height()),
+                             QRect(inner.right() + 1, inner.top(), width, inner.height())})
+    painter.fillRect(strip, color);
+}
+
+class ClearStyle : public QProxyStyle {
+ public:
+  ClearStyle() : QProxyStyle(QStringLiteral("fusion")) {}
+
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+    switch (element) {
+      case PE_FrameFocusRect:
+        return DrawFocusRect(*option, *painter, widget);
+      case PE_FrameGroupBox:
+        return DrawGroupFrame(*option, *painter, widget);
+      case PE_Frame:
+        return DrawPanelFrame(*option, *painter, widget);
+      case PE_FrameLineEdit:
+        DrawOutlined(*option, [&](const QStyleOption& clear) {
+          QProxyStyle::drawPrimitive(element, &clear, painter, widget);
+        });
+        return ShowFocus(*option, *painter);
+      case PE_PanelButtonCommand:
+      case PE_IndicatorCheckBox:
+      case PE_IndicatorRadioButton:
+        return DrawOutlined(*option, [&](const QStyleOption& clear) {
+          QProxyStyle::drawPrimitive(element, &clear, painter, widget);
+        });
+      default:
+        return QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+  }
+
+  void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const override {
+    if (element != CE_ProgressBarGroove)
+      return QProxyStyle::drawControl(element, option, painter, widget);
+    DrawOutlined(*option, [&](const QStyleOption& clear) {
+      QProxyStyle::drawControl(element, &clear, painter, widget);
+    });
+  }
+
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                          QPainter* painter, const QWidget* widget) const override {
+    const bool isField = control == CC_SpinBox || control == CC_ComboBox;
+    if (!isField && control != CC_Slider)
+      return QProxyStyle::drawComplexControl(control, option, painter, widget);
+    DrawOutlined(*option, [&](const QStyleOption& clear) {
+      QProxyStyle::drawComplexControl(control, static_cast<const QStyleOptionComplex*>(&clear),
+                                      painter, widget);
+    });
+    if (isField) ShowFocus(*option, *painter);
+  }
+
+ private:
+  /// Lets Fusion draw with a palette of which it makes outlines that are seen. The option is
+  /// Qt's, of a kind that only the drawing knows, so it is lent the palette.
+  template <typename Draw>
+  void DrawOutlined(const QStyleOption& option, const Draw& draw) const {
+    auto& lent = const_cast<QStyleOption&>(option);
+    const QPalette before = lent.palette;
+    lent.palette = OutlinedPalette(before);
+    draw(lent);
+    lent.palette = before;
+  }
+
+  /// Kept, because Fusion keeps its drawings by palette.
+  QPalette OutlinedPalette(const QPalette& palette) const {
+    constexpr qsizetype most = 64;
+    const auto found = outlined_.constFind(palette.cacheKey());
+    if (found != outlined_.constEnd()) return *found;
+    if (outlined_.size() >= most) outlined_.clear();
+    QPalette outlined = palette;
+    const QColor highlight = HighlightColor(palette);
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+      outlined.setColor(group, QPalette::Window, OutlineColor(palette).lighter(kDarkening));
+      if (group != QPalette::Disabled) outlined.setColor(group, QPalette::Highlight, highlight);
+    }
+    return outlined_[palette.cacheKey()] = outlined;
+  }
+
+  static void ShowFocus(const QStyleOption& option, QPainter& painter) {
+    if (option.state & State_HasFocus)
+      DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
+  }
+
+  /// What the mouse gave the focus to does not wear the frame before a key is used.
+  static void DrawFocusRect(const QStyleOption& option, QPainter& painter, const QWidget* widget) {
+    if (!(option.state & State_KeyboardFocusChange)) return;
+    DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
+    // Over a picture of the frame's own colour a second line is seen.
+    if (qobject_cast<const TPaintBox*>(widget) == nullptr) return;
+    const int inset = kFocusWidth;
+    DrawFrame(painter, option.rect.adjusted(inset, inset, -inset, -inset),
+              option.palette.color(QPalette::Window), 1);
+  }
+
+  void DrawGroupFrame(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
+    QProxyStyle::drawPrimitive(PE_FrameGroupBox, &option, &painter, widget);
+    // Below the title, as the base draws its own.
+    constexpr int gap = 3;
+    const auto* group = qobject_cast<const QGroupBox*>(widget);
+    const bool hasTitle = group == nullptr || group->isCheckable() || !group->title().isEmpty();
+    const int title = hasTitle ? std::max(proxy()->pixelMetric(PM_IndicatorHeight, &option, widget),
+                                          option.fontMetrics.height())
+                               : 0;
+    DrawFrame(painter, option.rect.adjusted(0, title + gap, 0, 0), OutlineColor(option.palette), 1);
+  }
+
+  void DrawPanelFrame(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
+    QProxyStyle::drawPrimitive(PE_Frame, &option, &painter, widget);
+    const bool isPopup = widget != nullptr && widget->window()->windowType() == Qt::Popup;
+    if (isPopup) return;
+    DrawFrame(painter, option.rect, OutlineColor(option.palette), 1);
+    const bool isList = qobject_cast<const QAbstractItemView*>(widget) != nullptr;
+    if (isList && widget->hasFocus())
+      DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
+  }
+
+  mutable QHash<qint64, QPalette> outlined_;
+};
+
+/// One for all windows; it goes with the application.
+QStyle& SharedClearStyle() {
+  const QString name = QStringLiteral("rasterkit-clear-style");
+  if (auto* style = qApp->findChild<QStyle*>(name, Qt::FindDirectChildrenOnly)) return *style;
+  QStyle* style = NewClearStyle().release();
+  style->setObjectName(name);
+  style->setParent(qApp);
+  return *style;
+}
+
+}  // namespace
+
+std::unique_ptr<QStyle> NewClearStyle() {
+  return std::make_unique<ClearStyle>();
+}
+
+void UseClearStyle(QWidget& window) {
+  const bool isFusion = QApplication::style()->name() == u"fusion";
+  QStyle* style = isFusion ? &SharedClearStyle() : nullptr;
+  for (QWidget* widget : window.findChildren<QWidget*>()) {
+    // A style that somebody gave this widget alone is theirs.
+    const bool isOwn = widget->testAttribute(Qt::WA_SetStyle) &&
+                       dynamic_cast<ClearStyle*>(widget->style()) == nullptr;
+    if (!isOwn && widget->testAttribute(Qt::WA_SetStyle) != isFusion) widget->setStyle(style);
+  }
+}
+
+}  // namespace rasterkit::detail

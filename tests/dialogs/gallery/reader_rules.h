@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QWidget>
+#include <string>
+#include <vector>
+
+/// What a screen reader meets in a form, and what a user of the keyboard finds; each function lists
+/// the faults of a form that is shown, a line a fault.
+namespace rasterkit::test {
+
+/// Goes through the form as screen readers do: every node has the role, the name and the states of
+/// what it is, numbers tell value and limits, buttons can be pressed, and labels say what they show.
+std::vector<std::string> ReaderFaults(QWidget& form);
+
+/// No two controls of one kind bear the same name.
+std::vector<std::string> TwinNames(QWidget& form);
+
+/// Every control that the keyboard reaches can be called from afar: by a mnemonic of its own or of
+/// its label, by keys of its own, because the window begins or ends with it, or because it stands
+/// behind a control that has a mnemonic for both.
+std::vector<std::string> ControlsWithoutKey(QWidget& form);
+
+}  // namespace rasterkit::test
