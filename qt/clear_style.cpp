@@ -16,7 +16,7 @@ namespace rasterkit::detail {
 namespace {
 
 /// Fusion brightens some outlines by up to a tenth after it was told their colour.
-constexpr double kOutlineContrast = 3.4, kFocusContrast = 4.5;
+constexpr double kOutlineContrast = 3.7, kFocusContrast = 4.5;
 constexpr int kFocusWidth = 2;
 /// Fusion draws outlines with the window's colour, darkened by so many percent.
 constexpr int kDarkening = 140;

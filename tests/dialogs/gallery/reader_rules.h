@@ -9,7 +9,8 @@
 namespace rasterkit::test {
 
 /// Goes through the form as screen readers do: every node has the role, the name and the states of
-/// what it is, numbers tell value and limits, buttons can be pressed, and labels say what they show.
+/// what it is, numbers tell value and limits, buttons can be pressed, and labels say what they
+/// show.
 std::vector<std::string> ReaderFaults(QWidget& form);
 
 /// No two controls of one kind bear the same name.

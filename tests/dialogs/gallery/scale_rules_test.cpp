@@ -1,0 +1,218 @@
+// Screens of every density, and what may change while a form is open.
+
+#include <QApplication>
+#include <QProgressBar>
+#include <QScreen>
+#include <QTest>
+#include <QToolButton>
+#include <QWindow>
+#include <set>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <rasterkit/dialogs/bitmapframe/crop_bitmap_form.h>
+#include <rasterkit/dialogs/execbitmap/chg_bmp_form.h>
+#include <rasterkit/qt/style.h>
+
+#include "tests/dialogs/gallery/form_rules.h"
+#include "tests/dialogs/gallery/gallery.h"
+#include "tests/support/forms/form_events.h"
+
+namespace rasterkit::test {
+namespace {
+
+using testing::IsEmpty;
+
+void Settle() {
+  for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+}
+
+/// A picture in which every pixel differs from its neighbours: whoever draws it at another size, or
+/// between two pixels, is found out.
+TBitmap Checkers(int width, int height) {
+  TBitmap bitmap;
+  bitmap.ResetPixels(pf24bit, width, height);
+  for (int y = 0; y < height; ++y) {
+    uint8_t* row = bitmap.ScanLine(y);
+    for (int x = 0; x < width; ++x)
+      for (int channel = 0; channel < 3; ++channel) row[3 * x + channel] = (x + y) % 2 * 255;
+  }
+  return bitmap;
+}
+
+/// The pixels of the screen in which a widget shows something.
+QImage Pixels(QWidget& form, const QWidget& widget) {
+  const QImage whole = form.grab().toImage();
+  const double scale = whole.devicePixelRatio();
+  const QRectF place(QPointF(widget.mapTo(&form, QPoint())) * scale, QSizeF(widget.size()) * scale);
+  return whole.copy(place.toAlignedRect() & whole.rect());
+}
+
+/// Pixels that are as their right or lower neighbour, or neither black nor white; the edge, where a
+/// frame may lie, is left out.
+int Blurred(const QImage& image) {
+  constexpr int edge = 4;
+  int blurred = 0;
+  for (int y = edge; y < image.height() - edge; ++y) {
+    for (int x = edge; x < image.width() - edge; ++x) {
+      const QRgb color = image.pixel(x, y);
+      const bool isPure = color == qRgb(0, 0, 0) || color == qRgb(255, 255, 255);
+      const bool isOther = color != image.pixel(x + 1, y) && color != image.pixel(x, y + 1);
+      blurred += isPure && isOther ? 0 : 1;
+    }
+  }
+  return blurred;
+}
+
+class ValuesOfCheckers : public testing::Test {
+ protected:
+  ValuesOfCheckers() {
+    model.SetOperation(0);
+    form.show();
+    Settle();
+  }
+  int BlurredIn(const char* box) { return Blurred(Pixels(form, *form.findChild<QWidget*>(box))); }
+
+  TBitmap picture = Checkers(3000, 2400);
+  ChangeValuesModel model{picture};
+  TFormChgBmp form{model};
+};
+
+TEST_F(ValuesOfCheckers, Previews_Should_ShowPixelsOfThePictureAsPixelsOfTheScreen) {
+  EXPECT_EQ(BlurredIn("PaintBoxOrg"), 0);
+  EXPECT_EQ(BlurredIn("PaintBoxChg"), 0);
+}
+
+TEST_F(ValuesOfCheckers, Previews_Should_StayCrisp_When_TheFormMovesToAnotherScreen) {
+  if (QGuiApplication::screens().size() < 2) GTEST_SKIP() << "one screen";
+  for (QScreen* screen : QGuiApplication::screens()) {
+    form.windowHandle()->setScreen(screen);
+    form.move(screen->geometry().topLeft() + QPoint(20, 20));
+    Settle();
+    ASSERT_EQ(form.devicePixelRatioF(), screen->devicePixelRatio());
+    EXPECT_EQ(BlurredIn("PaintBoxOrg"), 0) << screen->devicePixelRatio();
+    EXPECT_EQ(BlurredIn("PaintBoxChg"), 0) << screen->devicePixelRatio();
+  }
+}
+
+/// How far red reaches along a line of the photograph.
+int RedRun(const QImage& image, QPoint point, QPoint step) {
+  const auto isRed = [&](QPoint place) {
+    return image.rect().contains(place) && image.pixel(place) == qRgb(255, 0, 0);
+  };
+  int run = 0;
+  for (QPoint place = point; isRed(place); place += step) ++run;
+  for (QPoint place = point - step; isRed(place); place -= step) ++run;
+  return run;
+}
+
+TEST(HandlesOfTheCropTool, TheirSide_Should_BeTenPixels_ScaledAsTheScreenIs) {
+  TBitmap picture = Checkers(600, 400);
+  TFormCropBitmap form(picture, TRect{100, 100, 500, 300});
+  form.show();
+  Settle();
+  QWidget& box = *form.findChild<QWidget*>("PaintBox");
+  const QImage image = Pixels(form, box);
+  const double scale = image.devicePixelRatio();
+  const TRect cut = form.Tool().CutRect().ToRect();
+  const QPoint top = QPointF((cut.Left + cut.Right) / 2.0 * scale, cut.Top * scale).toPoint();
+  // Where the outline leaves the handle, below or above it.
+  const QPoint above = top - QPoint(0, qRound(3 * scale));
+  EXPECT_NEAR(RedRun(image, above, {1, 0}), 10 * scale, 1.01);
+  EXPECT_NEAR(RedRun(image, top, {0, 1}), 10 * scale, 1.01);
+}
+
+void ForEachForm(const std::function<void(QWidget&, const Exhibited&)>& rule) {
+  ASSERT_THAT(Gallery(), testing::Not(IsEmpty()));
+  for (const Exhibited& exhibited : Gallery()) {
+    SCOPED_TRACE(exhibited.name);
+    const std::unique_ptr<QWidget> form = exhibited.make();
+    form->show();
+    Settle();
+    rule(*form, exhibited);
+  }
+}
+
+TEST(ScaleRules, Drawings_Should_HaveThePixelsOfTheScreen) {
+  ForEachForm([](QWidget& form, const Exhibited&) {
+    for (const QAbstractButton* button : form.findChildren<QAbstractButton*>()) {
+      if (button->icon().isNull()) continue;
+      const double scale = form.devicePixelRatioF();
+      const QPixmap drawn = button->icon().pixmap(button->iconSize(), scale);
+      EXPECT_EQ(drawn.size(), (QSizeF(button->iconSize()) * scale).toSize())
+          << button->objectName().toStdString();
+    }
+  });
+}
+
+/// The work area of a screen of 1280 x 720 that is shown at 125 percent.
+constexpr QSize kSmallScreen(1024, 576);
+
+TEST(ScaleRules, EveryForm_Should_FitOnASmallScreen) {
+  ForEachForm([](QWidget& form, const Exhibited&) {
+    const QSize least = form.layout()->totalMinimumSize();
+    EXPECT_LE(least.width(), kSmallScreen.width());
+    EXPECT_LE(least.height(), kSmallScreen.height());
+  });
+}
+
+/// Puts the application's looks back.
+class ChangeOfStyle : public testing::Test {
+ protected:
+  ~ChangeOfStyle() override { Fusion(LightPalette()); }
+
+  static void Fusion(const QPalette& palette) {
+    QApplication::setStyle("Fusion");
+    UsePalette(palette);
+  }
+  /// A bar that runs is never the same twice.
+  static QImage Look(QWidget& form) {
+    for (auto* bar : form.findChildren<QProgressBar*>()) bar->setMaximum(100);
+    Settle();
+    return GrabForm(form);
+  }
+};
+
+TEST_F(ChangeOfStyle, Forms_Should_LookAsIfOpenedSo_When_TheColorsChange) {
+  for (const bool toDark : {true, false}) {
+    Fusion(toDark ? LightPalette() : DarkPalette());
+    ForEachForm([&](QWidget& form, const Exhibited& exhibited) {
+      Look(form);
+      UsePalette(toDark ? DarkPalette() : LightPalette());
+      const QImage changed = Look(form);
+      const std::unique_ptr<QWidget> fresh = exhibited.make();
+      fresh->show();
+      Settle();
+      EXPECT_EQ(changed, Look(*fresh)) << (toDark ? "to dark" : "to light");
+      UsePalette(toDark ? LightPalette() : DarkPalette());
+    });
+  }
+}
+
+TEST_F(ChangeOfStyle, Forms_Should_KeepTheirRoom_AndComeBack_When_TheStyleChanges) {
+  QApplication::setStyle("Fusion");
+  ForEachForm([](QWidget& form, const Exhibited&) {
+    const QImage before = Look(form);
+    QApplication::setStyle("Windows");
+    Settle();
+    EXPECT_THAT(ClippedTexts(form), IsEmpty());
+    QApplication::setStyle("Fusion");
+    EXPECT_EQ(before, Look(form));
+  });
+}
+
+TEST_F(ChangeOfStyle, Forms_Should_KeepTheirRoom_When_TheFontGrows) {
+  const QFont before = QApplication::font();
+  ForEachForm([&](QWidget& form, const Exhibited&) {
+    QFont large = before;
+    large.setPointSizeF(1.5 * before.pointSizeF());
+    QApplication::setFont(large);
+    Settle();
+    EXPECT_THAT(ClippedTexts(form), IsEmpty());
+    QApplication::setFont(before);
+  });
+}
+
+}  // namespace
+}  // namespace rasterkit::test
