@@ -1,5 +1,6 @@
 #include <QAbstractButton>
 #include <QApplication>
+#include <QEvent>
 #include <QStyle>
 #include <QThread>
 
@@ -23,13 +24,30 @@ QString WithPlainLineEnds(QString text) {
   return text.replace("\r\n", "\n").replace('\r', '\n');
 }
 
+/// With a drawing of our own: Qt's is a bitmap that screens of high density show coarse.
+class DrawnMessageBox : public QMessageBox {
+ public:
+  explicit DrawnMessageBox(const char* icon) : drawing_(Icon(icon)) { Draw(); }
+
+ protected:
+  void changeEvent(QEvent* event) override {
+    QMessageBox::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) Draw();
+  }
+
+ private:
+  void Draw() {
+    const int side = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
+    setIconPixmap(drawing_.pixmap(QSize(side, side), devicePixelRatioF()));
+  }
+
+  const QIcon drawing_;
+};
+
 std::unique_ptr<QMessageBox> MakeBox(const char* name, const char* icon, const QString& text) {
-  auto box = std::make_unique<QMessageBox>();
+  auto box = std::make_unique<DrawnMessageBox>(icon);
   box->setObjectName(name);
   box->setWindowTitle(QGuiApplication::applicationDisplayName());
-  // Qt's own is a bitmap that screens of high density show coarse.
-  const int side = box->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, box.get());
-  box->setIconPixmap(Icon(icon).pixmap(QSize(side, side), box->devicePixelRatioF()));
   // Not to be read as HTML: the text may hold a file's name.
   box->setTextFormat(Qt::PlainText);
   box->setText(WithPlainLineEnds(text));

@@ -177,7 +177,16 @@ const QLabel* LabelOf(const QWidget& form, const QWidget& widget) {
   return nullptr;
 }
 
+/// The letter of a group's title goes to the first control in it.
+bool BeginsGroup(const QWidget& widget) {
+  const auto* group = qobject_cast<const QGroupBox*>(widget.parentWidget());
+  if (group == nullptr || !HasMnemonic(group->title())) return false;
+  const QList<const QWidget*> inner = KeyboardControls(*group);
+  return !inner.isEmpty() && inner.first() == &widget;
+}
+
 bool HasMnemonic(const QWidget& form, const QWidget& widget) {
+  if (BeginsGroup(widget)) return true;
   const QLabel* label = LabelOf(form, widget);
   return HasMnemonic(TextOf(widget)) || (label != nullptr && HasMnemonic(label->text()));
 }

@@ -1,6 +1,7 @@
 // Screens of every density, and what may change while a form is open.
 
 #include <QApplication>
+#include <QLayout>
 #include <QProgressBar>
 #include <QScreen>
 #include <QTest>
@@ -160,18 +161,34 @@ TEST(ScaleRules, EveryForm_Should_FitOnASmallScreen) {
 /// Puts the application's looks back.
 class ChangeOfStyle : public testing::Test {
  protected:
-  ~ChangeOfStyle() override { Fusion(LightPalette()); }
+  // A blinking cursor is never the same twice.
+  ChangeOfStyle() { QApplication::setCursorFlashTime(0); }
+  ~ChangeOfStyle() override {
+    QApplication::setCursorFlashTime(flashTime_);
+    QApplication::setStyle("Fusion");
+    QApplication::setPalette(QPalette());
+  }
 
   static void Fusion(const QPalette& palette) {
     QApplication::setStyle("Fusion");
     UsePalette(palette);
   }
-  /// A bar that runs is never the same twice.
+  /// A photograph once nothing moves any more: pictures are smoothed while nothing else is done.
   static QImage Look(QWidget& form) {
+    constexpr int pause = 250, most = 40;
     for (auto* bar : form.findChildren<QProgressBar*>()) bar->setMaximum(100);
-    Settle();
-    return GrabForm(form);
+    QImage last = GrabForm(form);
+    for (int i = 0; i < most; ++i) {
+      QTest::qWait(pause);
+      const QImage now = GrabForm(form);
+      if (now == last) break;
+      last = now;
+    }
+    return last;
   }
+
+ private:
+  const int flashTime_ = QApplication::cursorFlashTime();
 };
 
 TEST_F(ChangeOfStyle, Forms_Should_LookAsIfOpenedSo_When_TheColorsChange) {
