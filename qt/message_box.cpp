@@ -27,7 +27,7 @@ QString WithPlainLineEnds(QString text) {
 /// With a drawing of our own: Qt's is a bitmap that screens of high density show coarse.
 class DrawnMessageBox : public QMessageBox {
  public:
-  explicit DrawnMessageBox(const char* icon) : drawing_(Icon(icon)) { Draw(); }
+  explicit DrawnMessageBox(const char* icon) : drawing_(rasterkit::Icon(icon)) { Draw(); }
 
  protected:
   void changeEvent(QEvent* event) override {

@@ -155,6 +155,14 @@ Möchten Sie die Datei ersetzen?</translation>
         <translation>Speicherbedarf des Ausschnitts [%s]=%s</translation>
     </message>
     <message>
+        <source>Rectangle: left %d, top %d, width %d, height %d</source>
+        <translation>Rechteck: links %d, oben %d, Breite %d, Höhe %d</translation>
+    </message>
+    <message>
+        <source>No rectangle</source>
+        <translation>Kein Rechteck</translation>
+    </message>
+    <message>
         <source>Actual size</source>
         <translation>Originalgröße</translation>
     </message>
@@ -165,10 +173,6 @@ Möchten Sie die Datei ersetzen?</translation>
     <message>
         <source>Shows the picture pixel by pixel</source>
         <translation>Zeigt das Bild Pixel für Pixel</translation>
-    </message>
-    <message>
-        <source>Bitmap dimensions</source>
-        <translation>Bildgröße</translation>
     </message>
     <message>
         <source>Bitmap dimensions:</source>
@@ -372,6 +376,10 @@ Möchten Sie die Datei ersetzen?</translation>
         <translation>Original</translation>
     </message>
     <message>
+        <source>&amp;Original</source>
+        <translation>&amp;Original</translation>
+    </message>
+    <message>
         <source>Drag the picture, or use the arrow keys, to see another part of it</source>
         <translation>Ziehen Sie das Bild mit der Maus oder benutzen Sie die Pfeiltasten, um einen anderen Teil zu sehen</translation>
     </message>
@@ -534,10 +542,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>Page at this resolution: </source>
         <translation>Seite bei dieser Auflösung: </translation>
-    </message>
-    <message>
-        <source>Page at this resolution</source>
-        <translation>Seite bei dieser Auflösung</translation>
     </message>
     <message>
         <source>Drag to draw a rectangle. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize it. The wheel zooms, the middle button pans. Ctrl+H changes the size, Ctrl+Z undoes.</source>
