@@ -1,5 +1,6 @@
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QFrame>
 #include <QGroupBox>
 #include <QHash>
 #include <QPainter>
@@ -10,7 +11,6 @@
 #include <rasterkit/qt/clear_style.h>
 #include <rasterkit/qt/contrast.h>
 #include <rasterkit/qt/paint_box.h>
-#include <rasterkit/qt/style.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -22,26 +22,32 @@ constexpr int kFocusWidth = 2;
 constexpr int kDarkening = 140;
 /// ... and that of the default button with the selection's.
 constexpr int kDarkeningOfDefault = 125;
-constexpr double kFillContrast = 3;
+constexpr double kFillContrast = 3.6;
+
+/// Of an enabled control, whichever state the one has that is drawn: palettes do not differ by it.
+QColor ColorIn(const QPalette& palette, QPalette::ColorRole role) {
+  return palette.color(QPalette::Active, role);
+}
 
 QColor OutlineColor(const QPalette& palette) {
-  const QColor window = palette.color(QPalette::Window), base = palette.color(QPalette::Base);
-  return WithContrast(window, palette.color(QPalette::WindowText), {window, base},
-                      kOutlineContrast);
+  const QColor window = ColorIn(palette, QPalette::Window);
+  return WithContrast(window, ColorIn(palette, QPalette::WindowText),
+                      {window, ColorIn(palette, QPalette::Base)}, kOutlineContrast);
 }
 
 QColor FocusColor(const QPalette& palette) {
-  const QColor window = palette.color(QPalette::Window), base = palette.color(QPalette::Base);
-  return WithContrast(palette.color(QPalette::Highlight), palette.color(QPalette::WindowText),
-                      {window, base}, kFocusContrast);
+  return WithContrast(ColorIn(palette, QPalette::Highlight), ColorIn(palette, QPalette::WindowText),
+                      {ColorIn(palette, QPalette::Window), ColorIn(palette, QPalette::Base)},
+                      kFocusContrast);
 }
 
 /// What the travelled part of a track bar and the outline of the default button are made of.
 QColor HighlightColor(const QPalette& palette) {
-  const QColor color = palette.color(QPalette::Highlight);
-  if (!IsDark(palette)) return color;
-  return WithContrast(color, palette.color(QPalette::WindowText),
-                      {palette.color(QPalette::Window).lighter(kDarkeningOfDefault)}, kFillContrast)
+  const QColor color = ColorIn(palette, QPalette::Highlight);
+  const QColor window = ColorIn(palette, QPalette::Window);
+  const QColor text = ColorIn(palette, QPalette::WindowText);
+  if (window.lightness() > text.lightness()) return color;
+  return WithContrast(color, text, {window.lighter(kDarkeningOfDefault)}, kFillContrast)
       .lighter(kDarkeningOfDefault);
 }
 
@@ -87,6 +93,9 @@ class ClearStyle : public QProxyStyle {
 
   void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                    const QWidget* widget) const override {
+    const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    if (element == CE_ShapedFrame && frame != nullptr && frame->frameShape == QFrame::Panel)
+      return DrawFrame(*painter, option->rect, OutlineColor(option->palette), 1);
     if (element != CE_ProgressBarGroove)
       return QProxyStyle::drawControl(element, option, painter, widget);
     DrawOutlined(*option, [&](const QStyleOption& clear) {
@@ -103,7 +112,8 @@ class ClearStyle : public QProxyStyle {
       QProxyStyle::drawComplexControl(control, static_cast<const QStyleOptionComplex*>(&clear),
                                       painter, widget);
     });
-    if (isField) ShowFocus(*option, *painter);
+    if (isField) return ShowFocus(*option, *painter);
+    DrawKnob(*option, *painter, widget);
   }
 
  private:
@@ -133,6 +143,22 @@ class ClearStyle : public QProxyStyle {
     return outlined_[palette.cacheKey()] = outlined;
   }
 
+  /// Its own outline is as pale as the groove.
+  void DrawKnob(const QStyleOptionComplex& option, QPainter& painter, const QWidget* widget) const {
+    if (!(option.subControls & SC_SliderHandle) || !(option.state & State_Enabled)) return;
+    const QRectF knob = proxy()->subControlRect(CC_Slider, &option, SC_SliderHandle, widget);
+    constexpr double inset = 1.5, half = 0.5, roundness = 2;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(OutlineColor(option.palette));
+    painter.setBrush(Qt::NoBrush);
+    // Fusion's knob is a little higher than the track bar.
+    const QRectF seen = QRectF(option.rect).adjusted(half, half, -half, -half);
+    painter.drawRoundedRect(knob.adjusted(inset, inset, -inset, -inset) & seen, roundness,
+                            roundness);
+    painter.restore();
+  }
+
   static void ShowFocus(const QStyleOption& option, QPainter& painter) {
     if (option.state & State_HasFocus)
       DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
@@ -146,7 +172,7 @@ class ClearStyle : public QProxyStyle {
     if (qobject_cast<const TPaintBox*>(widget) == nullptr) return;
     const int inset = kFocusWidth;
     DrawFrame(painter, option.rect.adjusted(inset, inset, -inset, -inset),
-              option.palette.color(QPalette::Window), 1);
+              ColorIn(option.palette, QPalette::Window), 1);
   }
 
   void DrawGroupFrame(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {

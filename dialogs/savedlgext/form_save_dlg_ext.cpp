@@ -1,4 +1,5 @@
 #include <QKeyEvent>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <utility>
 
@@ -64,6 +65,13 @@ TFormSaveDlgExt::TFormSaveDlgExt(QWidget* parent)
   view_->SBDetails->setIcon(Icon("details"));
   view_->OKButton->setIcon(Icon("save"));
   view_->CancelButton->setIcon(Icon("cancel"));
+  // What bears no letter of its own.
+  view_->SBUp->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Up));
+  view_->SBList->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_1));
+  view_->SBDetails->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_2));
+  view_->ButtonPath->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_O));
+  auto* toList = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_L), view_->FileListView);
+  connect(toList, &QShortcut::activated, view_->FileListView, qOverload<>(&QWidget::setFocus));
   view_->EditPath->installEventFilter(this);
   view_->EditFilename->setFocus();
   ConnectEdits();

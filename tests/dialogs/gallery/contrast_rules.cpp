@@ -80,13 +80,15 @@ class Photograph {
     return best;
   }
 
-  /// The best contrast on a way from `start`, which lies outside, in steps of a pixel.
+  /// The best contrast that two pixels have to each other on a way from `start`, which lies
+  /// outside, in steps of a pixel.
   double OnTheWay(QPoint start, const QPoint& step, int steps) const {
     if (!Holds(start)) return 21;
-    const QColor outside = At(start);
+    std::vector<QColor> met;
+    for (int i = 0; i < steps && Holds(start); ++i, start += step) met.push_back(At(start));
     double best = 1;
-    for (int i = 0; i < steps && Holds(start); ++i, start += step)
-      best = std::max(best, Contrast(At(start), outside));
+    for (const QColor& a : met)
+      for (const QColor& b : met) best = std::max(best, Contrast(a, b));
     return best;
   }
 
@@ -167,6 +169,12 @@ double OutlineOf(const Photograph& photograph, const QWidget& widget) {
   return IsFramed(widget) ? Outline(photograph, place, all) : 21;
 }
 
+/// What an outline takes; of a ground that shades off it would be the most frequent colour.
+QMargins InsideOutline(const QWidget& widget) {
+  const bool isButton = qobject_cast<const QPushButton*>(&widget) != nullptr;
+  return IsFramed(widget) || isButton ? QMargins(4, 4, 4, 4) : QMargins();
+}
+
 /// How much of a drawing differs from the ground by enough, 0 to 1.
 double SeenShare(const QImage& drawing, const QColor& ground) {
   int drawn = 0, seen = 0;
@@ -198,8 +206,13 @@ Faults FaintTexts(QWidget& form) {
   Faults faults;
   const Photograph photograph(form);
   for (const QWidget* widget : Controls(form)) {
-    if (TextOf(*widget).isEmpty() || !widget->isEnabled()) continue;
-    const double contrast = photograph.Strongest(photograph.Place(*widget, widget->rect()));
+    const QString text = TextOf(*widget);
+    // Dots alone are smaller than what can be measured.
+    const bool isRead = std::any_of(text.begin(), text.end(),
+                                    [](QChar character) { return character.isLetterOrNumber(); });
+    if (!isRead || !widget->isEnabled()) continue;
+    const QRect inner = widget->rect() - InsideOutline(*widget);
+    const double contrast = photograph.Strongest(photograph.Place(*widget, inner));
     if (contrast < kText) faults.push_back(NameOf(*widget) + "'s text has " + Rounded(contrast));
   }
   return faults;
@@ -222,7 +235,8 @@ Faults FaintIcons(QWidget& form) {
   const Photograph photograph(form);
   for (const QAbstractButton* button : form.findChildren<QAbstractButton*>()) {
     if (button->icon().isNull() || !button->isVisible() || !button->isEnabled()) continue;
-    const QColor ground = photograph.Ground(photograph.Place(*button, button->rect()));
+    const QRect inner = button->rect() - InsideOutline(*button);
+    const QColor ground = photograph.Ground(photograph.Place(*button, inner));
     const double share = SeenShare(button->icon().pixmap(button->iconSize() * 4).toImage(), ground);
     if (share < 0.5)
       faults.push_back(NameOf(*button) + "'s drawing is seen to " + Rounded(100 * share) + " %");

@@ -72,7 +72,12 @@ class Reader {
     if (dialog->role() != QAccessible::Dialog && dialog->role() != QAccessible::AlertMessage)
       Fault(form_, "is no dialog");
     if (Name(*dialog).isEmpty()) Fault(form_, "has no title");
-    for (const QWidget* widget : Controls(form_)) ReadControl(*widget);
+    for (const QWidget* widget : Controls(form_)) {
+      // What a list consists of is the list's to tell.
+      const bool isOfList =
+          qobject_cast<const QAbstractItemView*>(widget->parentWidget()) != nullptr;
+      if (!isOfList) ReadControl(*widget);
+    }
     return faults_;
   }
 
@@ -121,7 +126,10 @@ class Reader {
     }
     if (name.isEmpty()) return Fault(widget, "has no name");
     if (name.contains(u'&')) Fault(widget, "has a mnemonic in its name");
-    if (name.trimmed() != name || name.endsWith(u':') || name.endsWith(QLatin1String("...")))
+    // The name of a field that has none is its label's.
+    const bool isLabels = widget.accessibleName().isEmpty();
+    const bool isOdd = name.endsWith(u':') || name.endsWith(QLatin1String("..."));
+    if (!isLabels && (isOdd || name.trimmed() != name))
       Fault(widget, "has the name \"" + name.toStdString() + '"');
   }
 
@@ -194,7 +202,14 @@ bool HasMnemonic(const QWidget& form, const QWidget& widget) {
 bool HasKeys(const QWidget& widget) {
   const auto* button = qobject_cast<const QAbstractButton*>(&widget);
   if (button != nullptr && !button->shortcut().isEmpty()) return true;
-  return !widget.findChildren<QShortcut*>(Qt::FindDirectChildrenOnly).isEmpty();
+  // The focus of a control of several parts comes from the control.
+  for (const QWidget* whole = &widget; !whole->isWindow(); whole = whole->parentWidget()) {
+    const QWidget* part = whole;
+    while (part->focusProxy() != nullptr) part = part->focusProxy();
+    const bool hasKeys = !whole->findChildren<QShortcut*>(Qt::FindDirectChildrenOnly).isEmpty();
+    if (part == &widget && hasKeys) return true;
+  }
+  return false;
 }
 
 /// Enter and Escape press these.
@@ -254,7 +269,7 @@ Faults ControlsWithoutKey(QWidget& form) {
   Faults faults;
   for (const QWidget* widget : KeyboardControls(form)) {
     const bool beginsWindow = form.focusWidget() == widget;
-    if (beginsWindow || HasKeys(*widget) || EndsWindow(*widget)) continue;
+    if (!widget->isEnabled() || beginsWindow || HasKeys(*widget) || EndsWindow(*widget)) continue;
     if (HasMnemonic(form, *widget) || SharesMnemonic(form, *widget)) continue;
     faults.push_back(NameOf(*widget) + " has neither a mnemonic nor keys of its own");
   }

