@@ -16,6 +16,7 @@
 
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/interruption.h"
+#include "apps/rasterkit/metafile_output.h"
 #include "apps/rasterkit/progress.h"
 #include "apps/rasterkit/save_picture.h"
 
@@ -37,8 +38,9 @@ std::string OutputName(const OutputOptions& options, const std::string& input) {
   return (ToPath(options.outDir) / ToPath(name)).string();
 }
 
-void RequireWritableType(const std::string& output) {
+void RequireWritableType(const std::string& output, bool takesMetafiles) {
   if (WritableType(output) != PictureType::unknown) return;
+  if (takesMetafiles && IsMetafileName(output)) return;
   throw Failure(exitWrongUsage,
                 output +
                     ": pictures are written as .bmp, .jpg, .jpeg, .png, .tif or .tiff, not as '" +
@@ -206,7 +208,7 @@ std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyE
   std::vector<Job> jobs = options.outDir.empty() ? PlanSingle(options) : PlanFolder(options);
   for (const Job& job : jobs) {
     if (onlyExtension.empty()) {
-      RequireWritableType(job.output);
+      RequireWritableType(job.output, options.takesMetafiles);
     } else {
       RequireExtension(job.output, onlyExtension);
     }
@@ -216,7 +218,7 @@ std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyE
 }
 
 void CheckOutputs(const std::vector<Job>& jobs) {
-  for (const Job& job : jobs) RequireWritableType(job.output);
+  for (const Job& job : jobs) RequireWritableType(job.output, false);
   RequireDistinctOutputs(jobs);
 }
 

@@ -12,6 +12,7 @@
 #include "apps/rasterkit/exit_code.h"
 #include "apps/rasterkit/interruption.h"
 #include "apps/rasterkit/map_placement.h"
+#include "apps/rasterkit/metafile_output.h"
 #include "apps/rasterkit/save_picture.h"
 #include "apps/rasterkit/transparency.h"
 #include "apps/rasterkit/turn.h"
@@ -66,6 +67,17 @@ std::vector<std::string> AtRisk(const LoadedPicture& picture, const MapPlacement
   if (picture.grid) names.emplace_back("grid");
   if (picture.Pictures() > 1) names.emplace_back("pages");
   return names;
+}
+
+MetafileDrawing DrawingOf(const PictureOptions& options) {
+  MetafileDrawing drawing = options.metafile;
+  drawing.background = SolidBackground(options);
+  return drawing;
+}
+
+void NoteUnusedSize(LoadedPicture& picture, const PictureOptions& options) {
+  if (picture.metafile || !options.metafile.IsAsked()) return;
+  picture.warnings.emplace_back("--dpi and --size are for metafiles, this picture keeps its size");
 }
 
 void NotePages(const LoadedPicture& picture, JobResult& result) {
@@ -141,7 +153,9 @@ void Subject::Refuse(const std::string& reason) const {
 }
 
 JobResult ConvertPicture(const Job& job, const PictureOptions& options, const PictureSteps& steps) {
-  LoadedPicture picture = LoadPicture(job.input, CodecThreads(options));
+  if (IsMetafileName(job.output)) return ConvertMetafile(job);
+  LoadedPicture picture = LoadPicture(job.input, CodecThreads(options), DrawingOf(options));
+  NoteUnusedSize(picture, options);
   StopIfInterrupted();
   return ConvertLoaded(picture, job, options, steps);
 }

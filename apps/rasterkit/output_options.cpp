@@ -128,6 +128,26 @@ void AddCompression(CLI::App& verb, PictureOptions& options) {
       ->type_name("NAME");
 }
 
+void AddMetafileSize(CLI::App& verb, PictureOptions& options) {
+  const auto check = [](const std::string& text) {
+    double dpi = 0;
+    const bool ok = CLI::detail::lexical_cast(text, dpi) && dpi >= 1 && dpi <= 100000;
+    return ok ? std::string() : "pixels an inch are 1 to 100000, not '" + text + "'";
+  };
+  auto* dpi = verb.add_option("--dpi", options.metafile.dpi, "of a metafile: pixels an inch [96]")
+                  ->group(kOfPicture)
+                  ->check(check)
+                  ->type_name("N");
+  verb.add_option_function<std::string>(
+          "--size",
+          [&options](const std::string& text) { options.metafile.size = *ParseSize(text); },
+          "of a metafile: pixels it is drawn with, WxH, or one side alone (Wx, xH)")
+      ->group(kOfPicture)
+      ->check(CheckSize)
+      ->excludes(dpi)
+      ->type_name("WxH");
+}
+
 void AddThreads(CLI::App& verb, PictureOptions& options) {
   AddThreadsFor("one picture", verb, options);
 }

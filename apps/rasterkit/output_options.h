@@ -6,6 +6,8 @@
 #include <rasterkit/host/codecs/tiff_encoder.h>
 #include <rasterkit/host/raster/pixel_format.h>
 
+#include "apps/rasterkit/metafile_input.h"
+
 namespace CLI {
 class App;
 }
@@ -24,6 +26,8 @@ struct OutputOptions {
   bool overwrite = false;
   bool strict = false;
   bool json = false;
+  /// Outputs may be metafiles too.
+  bool takesMetafiles = false;
 };
 
 /// All but `type`, which has an option of its own.
@@ -43,6 +47,8 @@ struct PictureOptions {
   TiffCompression compression = TiffCompression::standard;
   /// Of a turn and of reading and writing TIFF files; 0 is one for each processor.
   int threads = 0;
+  /// Of metafiles.
+  MetafileDrawing metafile;
   /// One picture alone: how far its operations are may be drawn.
   bool showsProgress = false;
 };
@@ -55,6 +61,8 @@ void AddSolidBackground(CLI::App& verb, PictureOptions& options);
 void AddBits(CLI::App& verb, PictureOptions& options);
 void AddQuality(CLI::App& verb, PictureOptions& options);
 void AddCompression(CLI::App& verb, PictureOptions& options);
+/// Of metafiles: --dpi and --size, which exclude each other.
+void AddMetafileSize(CLI::App& verb, PictureOptions& options);
 /// Of verbs whose own work is done by several threads.
 void AddThreads(CLI::App& verb, PictureOptions& options);
 /// Of verbs that leave threads to the reader and the writer of the files.

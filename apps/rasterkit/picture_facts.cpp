@@ -86,6 +86,7 @@ PictureFacts GatherFacts(const std::string& file) {
   facts.warnings = loaded.warnings;
   if (loaded.type == PictureType::pdf) TakePdfFacts(facts);
   facts.tiff = loaded.tiff;
+  facts.metafile = loaded.metafile;
   if (loaded.grid) facts.grid = GridTypeName(*loaded.grid);
   facts.pages = loaded.tiff ? loaded.tiff->pages : loaded.frames;
   TakePositions(facts);

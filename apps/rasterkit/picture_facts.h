@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/host/metafiles/metafile_facts.h>
+
 #include "apps/rasterkit/geo_position.h"
 #include "apps/rasterkit/pdf_facts.h"
 #include "apps/rasterkit/photo_facts.h"
@@ -37,6 +39,8 @@ struct PictureFacts {
   std::vector<GeoPosition> positions;
   /// Of a TIFF file whose directories can be read, also when its pixels cannot.
   std::optional<TiffFacts> tiff;
+  /// Of a metafile, also when it cannot be drawn. Pixels are those at 96 an inch.
+  std::optional<MetafileFacts> metafile;
   /// Of a PDF file that was read: nothing is known of pixels then.
   std::optional<PdfFacts> pdf;
 };

@@ -60,9 +60,29 @@ Raster DecodeBytes(PictureType type, std::span<const uint8_t> bytes, CodecReport
   return DecodePicture(memory, &report);
 }
 
-void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, int threads) {
+bool IsMetafile(PictureType type) {
+  return type == PictureType::wmf || type == PictureType::emf;
+}
+
+/// What the records say is known even when they cannot be drawn.
+void LoadMetafile(LoadedFrame& loaded, std::span<const uint8_t> bytes,
+                  const MetafileDrawing& drawing) {
+  loaded.metafile = MetafileFactsOf(bytes);
+  loaded.warnings = loaded.metafile->warnings;
+  DrawnMetafile drawn = DrawMetafile(bytes, drawing);
+  loaded.frame.rows = std::move(drawn.rows);
+  for (std::string& warning : drawn.warnings) {
+    const auto& known = loaded.warnings;
+    if (std::find(known.begin(), known.end(), warning) != known.end()) continue;
+    loaded.warnings.push_back(std::move(warning));
+  }
+}
+
+void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, int threads,
+               const MetafileDrawing& drawing) {
   loaded.bytes = bytes.size();
   loaded.type = SniffPictureType(bytes);
+  if (IsMetafile(loaded.type)) return LoadMetafile(loaded, bytes, drawing);
   if (loaded.type == PictureType::tiff) {
     TSpanStream memory(bytes);
     return LoadTiff(loaded, memory, threads);
@@ -86,16 +106,16 @@ bool HasMetadata(PictureType type) {
 /// Bitmap and TIFF files can be huge: their rows go straight from the file to where they belong.
 /// What is no picture may be even larger and is not read at all. A pipe has no size and cannot be
 /// rewound.
-void LoadStream(LoadedFrame& loaded, TStream& stream, int threads) {
+void LoadStream(LoadedFrame& loaded, TStream& stream, int threads, const MetafileDrawing& drawing) {
   const bool isFile = stream.Size() > 0;
   if (isFile) loaded.type = SniffPictureType(stream);
   if (isFile && loaded.type == PictureType::tiff) return LoadTiff(loaded, stream, threads);
-  if (isFile && !HasMetadata(loaded.type)) {
+  if (isFile && !HasMetadata(loaded.type) && !IsMetafile(loaded.type)) {
     loaded.bytes = stream.Size();
     CodecReport report;
     return Take(loaded, DecodePicture(stream, &report), report);
   }
-  LoadBytes(loaded, isFile ? stream.ReadToEnd() : ReadUnsizedPicture(stream), threads);
+  LoadBytes(loaded, isFile ? stream.ReadToEnd() : ReadUnsizedPicture(stream), threads, drawing);
 }
 
 /// Runs a reading of the file; what it throws names the file.
@@ -120,17 +140,18 @@ Raster RowsToLookAt(LoadedFrame& loaded) {
 
 }  // namespace
 
-void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads) {
+void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads,
+                   const MetafileDrawing& drawing) {
   Guarded(file, [&] {
     const InterruptibleInput waiting(file);
     TFileStream stream(file);
-    LoadStream(frame, stream, threads);
+    LoadStream(frame, stream, threads, drawing);
   });
 }
 
-LoadedPicture LoadPicture(const std::string& file, int threads) {
+LoadedPicture LoadPicture(const std::string& file, int threads, const MetafileDrawing& drawing) {
   LoadedFrame loaded;
-  LoadFrameInto(loaded, file, threads);
+  LoadFrameInto(loaded, file, threads, drawing);
   LoadedPicture picture;
   Guarded(file, [&] { picture.bitmap = std::make_unique<TBitmap>(RowsToLookAt(loaded)); });
   static_cast<PictureFile&>(picture) = std::move(loaded);

@@ -11,6 +11,7 @@
 #include <rasterkit/host/graphics/bitmap.h>
 
 #include "apps/rasterkit/grid.h"
+#include "apps/rasterkit/metafile_input.h"
 #include "apps/rasterkit/photo_facts.h"
 
 namespace rasterkit::tool {
@@ -28,6 +29,9 @@ struct PictureFile {
   std::optional<TiffFacts> tiff;
   /// What the pixels of a TIFF file are when they are numbers, not colours.
   std::optional<GridType> grid;
+
+  /// Of a metafile.
+  std::optional<MetafileFacts> metafile;
 
   /// Pictures of an animation.
   int frames = 1;
@@ -48,11 +52,14 @@ struct LoadedFrame : PictureFile {
 
 /// Loads the first picture by content, whatever the file is called, as something to look at: the
 /// numbers of a grid become greys (see VisibleRows).
-/// `threads` decode it where its kind can share the work. Throws Failure(exitInputUnreadable).
-LoadedPicture LoadPicture(const std::string& file, int threads = 1);
+/// `threads` decode it where its kind can share the work; a metafile is drawn as `drawing` says.
+/// Throws Failure(exitInputUnreadable).
+LoadedPicture LoadPicture(const std::string& file, int threads = 1,
+                          const MetafileDrawing& drawing = {});
 
 /// Loads the rows; what was learnt before a failure (type, size of the file, facts of photograph
 /// and directories) stays in `frame`. Throws Failure(exitInputUnreadable).
-void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads = 1);
+void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads = 1,
+                   const MetafileDrawing& drawing = {});
 
 }  // namespace rasterkit::tool

@@ -14,12 +14,17 @@ VerbRunner AddConvertVerb(CLI::App& app) {
       "The output's extension chooses the type: .bmp, .jpg, .png, .tif. TIFF, GIF and WebP files "
       "of "
       "several\n"
-      "pictures give the first one.\n\n"
+      "pictures give the first one. A metafile becomes pixels, 96 an inch unless --dpi or --size "
+      "say\n"
+      "otherwise; under .emf or .wmf it stays one: copied as it is, or an EMF file as a WMF file "
+      "with its\n"
+      "picture in it.\n\n"
       "Examples:\n"
       "  rasterkit convert photo.jpg upright.png\n"
       "  rasterkit convert --out-dir site --type jpg --quality 80 --jobs 2 *.JPG\n"
       "  rasterkit convert plan.png plan.bmp --bits 1 --overwrite\n"
-      "  rasterkit convert scan.tif scan-small.tif --bits 1 --compression g4");
+      "  rasterkit convert scan.tif scan-small.tif --bits 1 --compression g4\n"
+      "  rasterkit convert drawing.emf drawing.png --dpi 300");
   const auto output = std::make_shared<OutputOptions>();
   const auto picture = std::make_shared<PictureOptions>();
   AddOutputOptions(verb, *output);
@@ -29,7 +34,9 @@ VerbRunner AddConvertVerb(CLI::App& app) {
   AddBits(verb, *picture);
   AddQuality(verb, *picture);
   AddCompression(verb, *picture);
+  AddMetafileSize(verb, *picture);
   AddThreads(verb, *picture);
+  output->takesMetafiles = true;
   return [output, picture] {
     return RunJobs(*output, PlanJobs(*output),
                    [&](const Job& job) { return ConvertPicture(job, *picture); });

@@ -32,6 +32,24 @@ Json PagesJson(const PictureFacts& facts) {
   return facts.pdf->pages ? Json(*facts.pdf->pages) : Json();
 }
 
+constexpr double kHundredths = 100;
+
+Json TextOrNull(const std::string& text) {
+  return text.empty() ? Json() : Json(text);
+}
+
+Json MetafileJson(const MetafileFacts& facts) {
+  Json json;
+  json["placeable"] = facts.kind == MetafileKind::placeableWmf;
+  json["width_mm"] = facts.widthMm100 / kHundredths;
+  json["height_mm"] = facts.heightMm100 / kHundredths;
+  json["records"] = facts.records;
+  json["emf_plus"] = facts.isEmfPlusOnly ? "only" : facts.hasEmfPlus ? "beside" : "none";
+  json["program"] = TextOrNull(facts.program);
+  json["title"] = TextOrNull(facts.title);
+  return json;
+}
+
 Json FactsJson(const PictureFacts& facts) {
   Json line;
   line["schema"] = 1;
@@ -52,6 +70,7 @@ Json FactsJson(const PictureFacts& facts) {
   line["grid"] = IfRead(facts, facts.grid);
   line["pages"] = PagesJson(facts);
   line["tiff"] = facts.tiff ? TiffJson(*facts.tiff) : Json();
+  line["metafile"] = facts.metafile ? MetafileJson(*facts.metafile) : Json();
   line["bytes"] = facts.bytes;
   line["metadata"] = facts.metadata;
   line["warnings"] = facts.warnings;
@@ -89,8 +108,21 @@ void PrintPdf(const PictureFacts& facts) {
   fmt::print(", {} bytes\n", facts.bytes);
 }
 
+void PrintMetafile(const PictureFacts& facts) {
+  const MetafileFacts& metafile = *facts.metafile;
+  const bool isPlaceable = metafile.kind == MetafileKind::placeableWmf;
+  fmt::print("{}: {}{}, {:.1f} x {:.1f} mm, {} x {} pixels at 96 dpi, {} records, {} bytes\n",
+             facts.file, isPlaceable ? "placeable " : "", facts.type,
+             metafile.widthMm100 / kHundredths, metafile.heightMm100 / kHundredths, facts.width,
+             facts.height, metafile.records, facts.bytes);
+  if (!metafile.title.empty()) fmt::print("  title: {}\n", Printable(metafile.title));
+  if (!metafile.program.empty()) fmt::print("  written by {}\n", Printable(metafile.program));
+  if (metafile.hasEmfPlus) fmt::print("  EMF+ records beside the plain ones, which are drawn\n");
+}
+
 void PrintText(const PictureFacts& facts) {
   if (facts.pdf) return PrintPdf(facts);
+  if (facts.metafile) return PrintMetafile(facts);
   fmt::print("{}: {}, {} x {} pixels, {} bit{}", facts.file, facts.type, facts.width, facts.height,
              facts.bits, facts.bits == 1 ? "" : "s");
   if (facts.paletteEntries > 0) fmt::print(", {} palette entries", facts.paletteEntries);

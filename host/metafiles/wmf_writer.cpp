@@ -13,8 +13,8 @@ namespace rasterkit::detail {
 namespace {
 
 constexpr int kMostUnits = 32767;
-/// As fine as boxes can be for pictures of common sizes.
-constexpr double kUnitsPerInch = 1440, kHundredthsPerInch = 2540;
+/// Units of 0.01 mm say the size exactly, up to a third of a metre.
+constexpr double kHundredthsPerInch = 2540, kUnitsPerInch = kHundredthsPerInch;
 
 class WmfBytes {
  public:

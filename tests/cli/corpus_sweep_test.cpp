@@ -80,6 +80,8 @@ class CorpusSweep : public testing::TestWithParam<std::string> {
 
   void CheckSize(const CorpusEntry& entry, const json& facts) {
     if (!facts.at("ok") || entry.at("width").empty()) return;
+    // The index counts pixels of the devices that metafiles were made for.
+    if (!facts.at("metafile").is_null()) return;
     Expect(facts.at("width") == std::stoi(entry.at("width")), entry,
            "width " + facts.at("width").dump());
     Expect(facts.at("height") == std::stoi(entry.at("height")), entry,

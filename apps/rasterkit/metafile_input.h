@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <rasterkit/host/metafiles/metafile_facts.h>
+#include <rasterkit/host/raster/raster.h>
+
+#include "apps/rasterkit/picture_size.h"
+
+namespace rasterkit::tool {
+
+/// How a metafile becomes pixels.
+struct MetafileDrawing {
+  /// Pixels an inch; 0 is 96, or what `size` makes of the picture.
+  double dpi = 0;
+  /// Both sides 0: as large as `dpi` makes it.
+  PictureSize size;
+  /// What the records do not paint.
+  TColor background = clWhite;
+
+  bool IsAsked() const { return dpi > 0 || size.width > 0 || size.height > 0; }
+};
+
+struct DrawnMetafile {
+  MetafileFacts facts;
+  /// 24 bits; its resolution is what the drawing was made for.
+  Raster rows;
+  std::vector<std::string> warnings;
+};
+
+/// What the records say about themselves. Throws the library's errors for bytes that are none.
+MetafileFacts MetafileFactsOf(std::span<const uint8_t> bytes);
+
+/// Draws the records. Throws the library's errors: for bytes that cannot be drawn, and for more
+/// pixels than there may be.
+DrawnMetafile DrawMetafile(std::span<const uint8_t> bytes, const MetafileDrawing& drawing);
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,78 @@
+#include "apps/rasterkit/metafile_output.h"
+
+#include <new>
+
+#include <rasterkit/host/codecs/picture_type.h>
+#include <rasterkit/host/graphics/metafile.h>
+#include <rasterkit/host/runtime/atomic_file.h>
+#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/host/runtime/file_name.h>
+#include <rasterkit/host/runtime/text.h>
+
+#include "apps/rasterkit/exit_code.h"
+#include "apps/rasterkit/interruption.h"
+
+namespace rasterkit::tool {
+namespace {
+
+bool IsEmfName(const std::string& file) {
+  return UpperCase(ExtractFileExt(file)) == ".EMF";
+}
+
+void RequireMetafile(PictureType type, const std::string& file) {
+  if (type == PictureType::emf || type == PictureType::wmf) return;
+  throw Failure(exitOutputNotWritten, file + ": pixels cannot become a metafile");
+}
+
+void Load(TMetafile& metafile, const std::string& file) {
+  try {
+    const InterruptibleInput waiting(file);
+    TFileStream stream(file);
+    // A large picture need not be read to be refused; a pipe cannot be looked at before.
+    if (stream.Size() > 0) RequireMetafile(SniffPictureType(stream), file);
+    const std::vector<uint8_t> bytes = stream.ReadToEnd();
+    RequireMetafile(SniffPictureType(bytes), file);
+    TSpanStream memory(bytes);
+    metafile.LoadFromStream(memory);
+  } catch (const Error& error) {
+    throw Failure(exitInputUnreadable, file + ": " + error.Reason());
+  }
+}
+
+void Save(TMetafile& metafile, const std::string& file) {
+  try {
+    const WholeOutput whole;
+    AtomicFile target(file);
+    metafile.SaveToStream(target);
+    target.Commit();
+  } catch (const Error& error) {
+    throw Failure(exitOutputNotWritten, file + ": " + error.Reason());
+  } catch (const std::bad_alloc&) {
+    throw Failure(exitOutputNotWritten, file + ": not enough memory");
+  }
+}
+
+}  // namespace
+
+bool IsMetafileName(const std::string& file) {
+  return IsEmfName(file) || UpperCase(ExtractFileExt(file)) == ".WMF";
+}
+
+JobResult ConvertMetafile(const Job& job) {
+  TMetafile metafile;
+  Load(metafile, job.input);
+  const bool wasEnhanced = metafile.Enhanced();
+  metafile.SetEnhanced(IsEmfName(job.output));
+  StopIfInterrupted();
+  Save(metafile, job.output);
+  JobResult result;
+  result.type = metafile.Enhanced() ? "emf" : "wmf";
+  result.width = metafile.Width();
+  result.height = metafile.Height();
+  result.warnings = metafile.Facts().warnings;
+  // What was drawn as lines is pixels now.
+  if (wasEnhanced && !metafile.Enhanced()) result.notCarriedOver.emplace_back("records");
+  return result;
+}
+
+}  // namespace rasterkit::tool
