@@ -15,7 +15,10 @@
 #include <QStyle>
 #include <QStyleOptionButton>
 #include <QStyleOptionSlider>
+#include <QToolButton>
 #include <algorithm>
+
+#include <rasterkit/qt/navigator.h>
 
 #include "tests/dialogs/gallery/form_controls.h"
 #include "tests/support/forms/color_contrast.h"
@@ -166,12 +169,17 @@ double OutlineOf(const Photograph& photograph, const QWidget& widget) {
     return Outline(photograph, photograph.Place(*slider, KnobOf(*slider)), {kTop});
   if (const auto* box = qobject_cast<const QCheckBox*>(&widget))
     return Outline(photograph, photograph.Place(*box, IndicatorOf(*box)), all);
+  // The buttons of a compact bar share the outlines between them.
+  const auto* bar = qobject_cast<const TNavigator*>(widget.parentWidget());
+  if (bar != nullptr && bar->isCompact()) return Outline(photograph, place, {kTop, kBottom});
   return IsFramed(widget) ? Outline(photograph, place, all) : 21;
 }
 
 /// What an outline takes; of a ground that shades off it would be the most frequent colour.
 QMargins InsideOutline(const QWidget& widget) {
   const bool isButton = qobject_cast<const QPushButton*>(&widget) != nullptr;
+  // A flat button has its focus further inside.
+  if (qobject_cast<const QToolButton*>(&widget) != nullptr) return {6, 6, 6, 6};
   return IsFramed(widget) || isButton ? QMargins(4, 4, 4, 4) : QMargins();
 }
 
