@@ -111,6 +111,7 @@ TEST_F(GraphicsParasModelTest, AHiddenType_Should_StayInTheRecord) {
   Open({10, 24, 96, 0, 90});
   EXPECT_EQ(view.type, -1) << "the list is left alone";
   EXPECT_EQ(model.BmpType(), 10);
+  model.SetBmpType(6);
   EXPECT_EQ(model.GetSaveOptions().BitmapFormat, 10);
 }
 
@@ -218,6 +219,15 @@ TEST_F(GraphicsParasModelTest, TypesOfBitmaps_Should_ChangeTheTitleAlone) {
   EXPECT_EQ(view.windowHeight, before);
 }
 
+TEST_F(GraphicsParasModelTest, Titles_Should_HaveOnePrefix_When_TheUserGoesToAndFro) {
+  for (int i = 0; i < 2; ++i) {
+    model.CoBoGraphTypeChange(1);
+    EXPECT_EQ(view.titles[ParasGroup::jpeg], "JPG Settings");
+    model.CoBoGraphTypeChange(0);
+    EXPECT_EQ(view.titles[ParasGroup::bitmap], "BMP Settings");
+  }
+}
+
 TEST_F(GraphicsParasModelTest, TheSameType_Should_ChangeNothing) {
   model.SetBmpType(6);
   const int before = view.windowHeight;
@@ -294,6 +304,13 @@ TEST_F(GraphicsParasModelTest, Pixels_Should_BeRounded_HalvesToEven) {
   EXPECT_EQ(view.texts[ParasText::PanBmpH], "8");
 }
 
+TEST_F(GraphicsParasModelTest, Pixels_Should_FollowFromAFactorInSinglePrecision) {
+  // 7.5 inches: in double precision these were 562.5 pixels, which become 562.
+  Open({8, 24, 75, 0, 90}, 190.5F, 63.5F);
+  EXPECT_EQ(view.texts[ParasText::PanBmpW], "563");
+  EXPECT_EQ(view.texts[ParasText::PanBmpH], "188");
+}
+
 TEST_F(GraphicsParasModelTest, Pixels_Should_StayAtNone_When_TheResolutionIsHidden) {
   model.HideGroup(ParasGroup::resolution);
   Open({8, 24, 300, 0, 90}, 210, 297);
@@ -360,6 +377,8 @@ TEST_F(GraphicsParasModelTest, RoundingOfEdits_Should_NotAddUp) {
   EXPECT_EQ(model.RoundedHeight(), 0);
   model.FlEdSizeChange(SizeEdit::FlEdWidth, 500);
   EXPECT_EQ(model.RoundedHeight(), 2) << "halves become even";
+  EXPECT_EQ(view.sizes[SizeEdit::FlEdHeight], 2) << "edits hold whole numbers";
+  EXPECT_EQ(view.texts[ParasText::PanBmpSize], "3000") << "of what is shown";
   model.FlEdSizeChange(SizeEdit::FlEdWidth, 1000);
   EXPECT_EQ(model.RoundedHeight(), 3);
 }
