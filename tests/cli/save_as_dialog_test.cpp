@@ -126,6 +126,19 @@ TEST_F(CliDialogSaveAs, ADepthThatTheListHasNot_Should_Stay_When_NobodyOpensTheO
   EXPECT_TRUE(SamePixels(LoadFile(folder_ / "alpha.png"), LoadFile(file)));
 }
 
+TEST_F(CliDialogSaveAs,
+       ADepthThatTheListHasNot_Should_BecomeTrueColor_When_TheOptionsAreConfirmed) {
+  Raster raster = GradientRaster(pf32bit, 6, 4);
+  raster.alphaFormat = afDefined;
+  SavePngFile(folder_ / "alpha.png", raster);
+  const ToolResult result =
+      SaveAs(kNameIt + "click ButtonOptions; click OKButton | click nbPost", {}, "alpha.png");
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err,
+            "rasterkit: " + (folder_ / "new.png") + ": not carried over: transparency\n");
+  EXPECT_EQ(LoadFile(folder_ / "new.png").Format(), pf24bit);
+}
+
 TEST_F(CliDialogSaveAs, Pixels_Should_ResizeAsResizeDoes) {
   const std::string file =
       Saved(kNameIt + "click ButtonOptions; click OKButton | type FlEdWidth 30; click nbPost",
