@@ -666,7 +666,7 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     </message>
     <message>
         <source>File &quot;%s&quot; already exists - overwrite?</source>
-        <translation>Die Datei „%s“ ist bereits vorhanden - überschreiben?</translation>
+        <translation>Die Datei „%s“ ist bereits vorhanden – überschreiben?</translation>
     </message>
     <message>
         <source>Files of the folder</source>
@@ -710,7 +710,7 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     </message>
     <message>
         <source>Name of the file; a folder may stand before it</source>
-        <translation>Name der Datei; ein Ordner darf davor stehen</translation>
+        <translation>Name der Datei; ein Ordner darf davorstehen</translation>
     </message>
     <message>
         <source>%s is an extension without a name.</source>
