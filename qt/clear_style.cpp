@@ -22,6 +22,8 @@ constexpr int kFocusWidth = 2;
 constexpr int kDarkening = 140;
 /// ... and that of the default button with the selection's.
 constexpr int kDarkeningOfDefault = 125;
+/// Faces of buttons shade off to so many percent of their colour.
+constexpr int kSheen = 160;
 constexpr double kFillContrast = 3.6;
 
 /// Of an enabled control, whichever state the one has that is drawn: palettes do not differ by it.
@@ -37,7 +39,8 @@ QColor OutlineColor(const QPalette& palette) {
 
 QColor FocusColor(const QPalette& palette) {
   return WithContrast(ColorIn(palette, QPalette::Highlight), ColorIn(palette, QPalette::WindowText),
-                      {ColorIn(palette, QPalette::Window), ColorIn(palette, QPalette::Base)},
+                      {ColorIn(palette, QPalette::Window), ColorIn(palette, QPalette::Base),
+                       ColorIn(palette, QPalette::Button).lighter(kSheen)},
                       kFocusContrast);
 }
 
@@ -81,6 +84,10 @@ class ClearStyle : public QProxyStyle {
         });
         return ShowFocus(*option, *painter);
       case PE_PanelButtonCommand:
+        DrawOutlined(*option, [&](const QStyleOption& clear) {
+          QProxyStyle::drawPrimitive(element, &clear, painter, widget);
+        });
+        return ShowFocusOfKeys(*option, *painter);
       case PE_IndicatorCheckBox:
       case PE_IndicatorRadioButton:
         return DrawOutlined(*option, [&](const QStyleOption& clear) {
@@ -114,6 +121,7 @@ class ClearStyle : public QProxyStyle {
     });
     if (isField) return ShowFocus(*option, *painter);
     DrawKnob(*option, *painter, widget);
+    ShowFocusOfKeys(*option, *painter);
   }
 
  private:
@@ -162,6 +170,11 @@ class ClearStyle : public QProxyStyle {
   static void ShowFocus(const QStyleOption& option, QPainter& painter) {
     if (option.state & State_HasFocus)
       DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
+  }
+
+  /// Fusion only colours the outline of buttons and knobs.
+  static void ShowFocusOfKeys(const QStyleOption& option, QPainter& painter) {
+    if (option.state & State_KeyboardFocusChange) ShowFocus(option, painter);
   }
 
   /// What the mouse gave the focus to does not wear the frame before a key is used.

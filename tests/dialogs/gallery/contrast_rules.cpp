@@ -15,7 +15,6 @@
 #include <QStyle>
 #include <QStyleOptionButton>
 #include <QStyleOptionSlider>
-#include <QToolButton>
 #include <algorithm>
 
 #include <rasterkit/qt/navigator.h>
@@ -178,8 +177,6 @@ double OutlineOf(const Photograph& photograph, const QWidget& widget) {
 /// What an outline takes; of a ground that shades off it would be the most frequent colour.
 QMargins InsideOutline(const QWidget& widget) {
   const bool isButton = qobject_cast<const QPushButton*>(&widget) != nullptr;
-  // A flat button has its focus further inside.
-  if (qobject_cast<const QToolButton*>(&widget) != nullptr) return {6, 6, 6, 6};
   return IsFramed(widget) || isButton ? QMargins(4, 4, 4, 4) : QMargins();
 }
 
@@ -240,11 +237,14 @@ Faults FaintFrames(QWidget& form) {
 
 Faults FaintIcons(QWidget& form) {
   Faults faults;
+  // Its frame is no ground.
+  if (QWidget* focus = form.focusWidget()) focus->clearFocus();
   const Photograph photograph(form);
   for (const QAbstractButton* button : form.findChildren<QAbstractButton*>()) {
     if (button->icon().isNull() || !button->isVisible() || !button->isEnabled()) continue;
-    const QRect inner = button->rect() - InsideOutline(*button);
-    const QColor ground = photograph.Ground(photograph.Place(*button, inner));
+    // Between outline and focus.
+    const QRect spot(2, button->height() / 2, 1, 1);
+    const QColor ground = photograph.At(photograph.Place(*button, spot).center());
     const double share = SeenShare(button->icon().pixmap(button->iconSize() * 4).toImage(), ground);
     if (share < 0.5)
       faults.push_back(NameOf(*button) + "'s drawing is seen to " + Rounded(100 * share) + " %");
@@ -254,6 +254,8 @@ Faults FaintIcons(QWidget& form) {
 
 Faults FaintFocus(QWidget& form) {
   Faults faults;
+  // As from the first key on.
+  form.setAttribute(Qt::WA_KeyboardFocusChange);
   for (const QWidget* constant : KeyboardControls(form)) {
     auto* widget = const_cast<QWidget*>(constant);
     if (!widget->isEnabled()) continue;
