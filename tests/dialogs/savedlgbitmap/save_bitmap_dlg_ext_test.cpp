@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSlider>
@@ -281,6 +282,24 @@ TEST_F(SaveBitmapDlgExtTest, Options_Should_HideWhatTheCallerHides) {
       },
       flags));
   EXPECT_EQ(rec, (TrecSaveBitmap{8, 24, 300, 1, 90}));
+}
+
+TEST_F(SaveBitmapDlgExtTest, Options_Should_GetEachFlagAndSizeOfTheCaller) {
+  for (const bool hidesResolution : {true, false}) {
+    Flags flags;
+    (hidesResolution ? flags.showResolution : flags.showPixelSize) = false;
+    Save(
+        [&](QWidget& window) {
+          InOptions(window, [&](QWidget& options) {
+            EXPECT_EQ(IsVisible(options, "GBDpi"), !hidesResolution);
+            EXPECT_EQ(IsVisible(options, "GBPixels"), hidesResolution);
+            EXPECT_EQ(options.findChild<QLabel*>("PanWmm")->text(), "210");
+            EXPECT_EQ(options.findChild<QLabel*>("PanHmm")->text(), "297");
+            Post(options);
+          });
+        },
+        flags);
+  }
 }
 
 TEST_F(SaveBitmapDlgExtTest, CancelledOptions_Should_LeaveTheRecord) {
