@@ -136,6 +136,14 @@ TEST_F(SaveDialogModelTest, SetFilter_Should_ListTheEntriesAndUseTheFirstMask) {
   EXPECT_EQ(changes, 0);
 }
 
+TEST_F(SaveDialogModelTest, SetFilter_Should_ChooseTheFirstEntry_When_ALaterOneWasChosen) {
+  model.SetFilter(kFilter);
+  model.SetFilterIndex(3);
+  model.SetFilter("TIFF|*.tif");
+  EXPECT_EQ(model.GetFilterIndex(), 1);
+  EXPECT_EQ(view.mask, "*.tif");
+}
+
 TEST_F(SaveDialogModelTest, SetFilterIndex3_Should_SelectTheThirdEntryAndFireTheHandlerOnce) {
   model.SetFilter(kFilter);
   std::vector<std::string> masks;
@@ -321,6 +329,10 @@ TEST_F(SaveDialogModelTest, Save_Should_DoNothing_When_TheNameIsEmpty) {
   EXPECT_THAT(messages, IsEmpty());
   model.ConfirmOverwrite = false;
   EXPECT_FALSE(Save(""));
+  EXPECT_EQ(view.path, folder.Path().string());
+  model.EditPathChange("/no/such/folder");
+  EXPECT_FALSE(Save(""));
+  EXPECT_THAT(messages, IsEmpty());
 }
 
 TEST_F(SaveDialogModelTest, Save_Should_AskAboutTheFileThatWillBeWritten) {
