@@ -174,7 +174,7 @@ TEST(Catalogues, German_Should_DifferFromEnglish) {
   // The same word in both languages, or German from the beginning.
   const std::set<std::string_view> same = {
       rsOk,        rsOriginal,     rsProportional, rsPaletteExceeded, rsFileListName, rsSaveFilter,
-      rsParasTiff, rsUnitKilobyte, rsUnitMegabyte, "&proportional",   "F&ilter: "};
+      rsParasTiff, rsUnitKilobyte, rsUnitMegabyte, "&proportional",   "F&ilter: ",    "&Original"};
   ASSERT_TRUE(SetLanguage("de"));
   for (const std::string& text : AllTexts())
     EXPECT_EQ(ResourceString(text) == text, same.contains(text)) << text;
