@@ -31,6 +31,8 @@ double AngleToward(const EllipseArc& ellipse, PointD point) {
 }
 
 void AddArc(DrawingPath& path, const EllipseArc& arc, const Affine& map) {
+  // Angles toward points that are no numbers.
+  if (std::isnan(arc.sweep)) return;
   const double turns = std::clamp(arc.sweep, -8 * kQuarter, 8 * kQuarter);
   const int pieces = std::max(1, static_cast<int>(std::ceil(std::abs(turns) / kQuarter - 1e-9)));
   const double step = turns / pieces;
