@@ -45,10 +45,9 @@ class Sampler {
   /// Nothing outside, but a rounding error at the edge is forgiven.
   RGBArec Nearest(PointD p) const {
     const double slack = 0.5;
-    if (p.x < -slack || p.y < -slack || p.x > bitmap_.Width() + slack ||
-        p.y > bitmap_.Height() + slack) {
-      return {};
-    }
+    const bool isInside = p.x >= -slack && p.y >= -slack && p.x <= bitmap_.Width() + slack &&
+                          p.y <= bitmap_.Height() + slack;
+    if (!isInside) return {};
     return Pixel(std::clamp(static_cast<int>(std::floor(p.x)), 0, bitmap_.Width() - 1),
                  std::clamp(static_cast<int>(std::floor(p.y)), 0, bitmap_.Height() - 1));
   }

@@ -85,7 +85,7 @@ PixelFit FitOf(double width, const Affine& deviceToTarget) {
   const double pixel = deviceToTarget.MeanScale();
   const double half = pixel > 0 ? 0.5 * std::min(1.0, width / pixel) : 0.5;
   const PointD center = deviceToTarget.Direction({half, half});
-  const bool isOdd = static_cast<int64_t>(std::floor(width + 0.5)) % 2 == 1;
+  const bool isOdd = std::fmod(std::floor(width + 0.5), 2) == 1;
   return {.grid = isOdd ? EdgeGrid::thin : EdgeGrid::broad, .toCenter = center};
 }
 
