@@ -17,7 +17,7 @@ if(RASTERKIT_DIALOGS)
   find_package(Qt6 6.4 QUIET COMPONENTS Widgets Svg)
   if(NOT Qt6_FOUND)
     message(FATAL_ERROR "The dialogs need Qt 6.4 or newer with its Widgets and Svg modules (Debian: qt6-base-dev "
-                        "libqt6svg6-dev). -DRASTERKIT_DIALOGS=OFF builds the library and the tool without them.")
+                        "qt6-svg-dev). -DRASTERKIT_DIALOGS=OFF builds the library and the tool without them.")
   endif()
   find_program(RASTERKIT_LRELEASE NAMES lrelease-qt6 lrelease6 lrelease NAMES_PER_DIR
                HINTS ${QT6_INSTALL_PREFIX}/${QT6_INSTALL_BINS} DOC "Qt's program that makes catalogues of translations")

@@ -1,0 +1,143 @@
+// metafile_sheet OUT.png PICTURES GROUPS TITLE PICTURE... TITLE PICTURE...: contact sheet with
+// PICTURES pictures beside each other under each title, and GROUPS such groups in a row. A picture
+// that is not there leaves a grey field.
+
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include <rasterkit/host/codecs/decode_picture.h>
+#include <rasterkit/host/codecs/png_encoder.h>
+#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/host/metafiles/device_context.h>
+#include <rasterkit/host/raster/convert.h>
+#include <rasterkit/host/runtime/atomic_file.h>
+#include <rasterkit/host/runtime/stream.h>
+
+namespace {
+
+using rasterkit::PixelRect;
+using rasterkit::Raster;
+using rasterkit::TBitmap;
+
+constexpr int kCellWidth = 320, kCellHeight = 240, kTitle = 22, kGap = 8;
+constexpr rasterkit::TColor kPaper = 0xE8E8E8, kMissing = 0xB0B0B0;
+
+struct Group {
+  std::string title;
+  std::vector<std::string> pictures;
+};
+
+struct Layout {
+  int pictures = 1, groups = 1;
+
+  int GroupWidth() const { return pictures * (kCellWidth + kGap) + kGap; }
+  int GroupHeight() const { return kTitle + kCellHeight + kGap; }
+  PixelRect Cell(int group, int picture) const {
+    const int left = group % groups * GroupWidth() + kGap + picture * (kCellWidth + kGap);
+    const int top = group / groups * GroupHeight() + kTitle;
+    return {left, top, left + kCellWidth, top + kCellHeight};
+  }
+};
+
+std::optional<TBitmap> Load(const std::string& file) {
+  if (!std::filesystem::exists(file)) return std::nullopt;
+  rasterkit::TFileStream stream(file);
+  return TBitmap(rasterkit::DecodePicture(stream));
+}
+
+/// As large as the cell allows, never larger than the picture is, in its middle.
+PixelRect Fitted(const PixelRect& cell, int width, int height) {
+  const double scale = std::min(
+      {1.0, static_cast<double>(kCellWidth) / width, static_cast<double>(kCellHeight) / height});
+  const int w = std::max(1, static_cast<int>(width * scale));
+  const int h = std::max(1, static_cast<int>(height * scale));
+  const int left = cell.left + (kCellWidth - w) / 2, top = cell.top + (kCellHeight - h) / 2;
+  return {left, top, left + w, top + h};
+}
+
+rasterkit::TRect ToRect(const PixelRect& box) {
+  return {box.left, box.top, box.right, box.bottom};
+}
+
+TBitmap Paste(const std::vector<Group>& groups, const Layout& layout) {
+  const int count = static_cast<int>(groups.size());
+  TBitmap sheet;
+  sheet.SetPixelFormat(rasterkit::pf24bit);
+  sheet.SetSize(layout.groups * layout.GroupWidth(),
+                (count + layout.groups - 1) / layout.groups * layout.GroupHeight());
+  rasterkit::TCanvas& canvas = sheet.Canvas();
+  canvas.StretchMode = rasterkit::smHalftone;
+  canvas.Brush.Color = kPaper;
+  canvas.FillRect({0, 0, sheet.Width(), sheet.Height()});
+  canvas.Brush.Color = kMissing;
+  for (int i = 0; i < count; ++i) {
+    for (int k = 0; k < layout.pictures; ++k) {
+      const PixelRect cell = layout.Cell(i, k);
+      const auto& name = groups[static_cast<size_t>(i)].pictures[static_cast<size_t>(k)];
+      if (const std::optional<TBitmap> picture = Load(name)) {
+        canvas.StretchDraw(ToRect(Fitted(cell, picture->Width(), picture->Height())), *picture);
+      } else {
+        canvas.FillRect(ToRect(cell));
+      }
+    }
+  }
+  return sheet;
+}
+
+std::u16string Letters(const std::string& title) {
+  std::u16string letters;
+  for (const char c : title) letters.push_back(static_cast<unsigned char>(c) < 0x80 ? c : u'?');
+  return letters;
+}
+
+Raster WithTitles(const TBitmap& sheet, const std::vector<Group>& groups, const Layout& layout) {
+  Raster raster = rasterkit::ConvertRaster(sheet.Content(), rasterkit::pf32bit);
+  rasterkit::LogicalFont font;
+  font.height = -12;
+  font.faceName = "Arial";
+  rasterkit::DeviceContext context(raster, {0, 0, raster.Width(), raster.Height()}, {}, {});
+  context.SelectFont(std::make_shared<const rasterkit::LogicalFont>(font));
+  context.SetBkMode(rasterkit::BackgroundMode::transparent);
+  for (size_t i = 0; i < groups.size(); ++i) {
+    const PixelRect first = layout.Cell(static_cast<int>(i), 0);
+    const double left = first.left, top = first.top - kTitle;
+    const std::u16string letters = Letters(groups[i].title);
+    rasterkit::TextRun run;
+    run.origin = {left, top + 4};
+    run.options = rasterkit::text_option::clipped;
+    run.box = {left, top, left + layout.GroupWidth() - 2 * kGap, top + kTitle};
+    run.text = letters;
+    context.ExtTextOut(run);
+  }
+  return rasterkit::ConvertRaster(raster, rasterkit::pf24bit);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) try {
+  const Layout layout{argc > 3 ? std::atoi(argv[2]) : 0, argc > 3 ? std::atoi(argv[3]) : 0};
+  const bool isUsable = layout.pictures > 0 && layout.groups > 0 && argc > 4 &&
+                        (argc - 4) % (1 + layout.pictures) == 0;
+  if (!isUsable) {
+    fmt::print(stderr, "usage: metafile_sheet OUT.png PICTURES GROUPS (TITLE PICTURE...)...\n");
+    return 2;
+  }
+  std::vector<Group> groups;
+  for (int i = 4; i < argc; i += 1 + layout.pictures)
+    groups.push_back({argv[i], {argv + i + 1, argv + i + 1 + layout.pictures}});
+  rasterkit::AtomicFile file(argv[1]);
+  rasterkit::EncodePng(WithTitles(Paste(groups, layout), groups, layout), file);
+  file.Commit();
+  return 0;
+} catch (const std::exception& error) {
+  fmt::print(stderr, "metafile_sheet: {}\n", error.what());
+  return 1;
+}
