@@ -2,6 +2,7 @@
 #include <rasterkit/host/graphics/canvas.h>
 #include <rasterkit/host/graphics/metafile.h>
 #include <rasterkit/host/metafiles/play_metafile.h>
+#include <rasterkit/host/metafiles/wmf_to_emf.h>
 #include <rasterkit/host/metafiles/wmf_writer.h>
 #include <rasterkit/host/raster/convert.h>
 #include <rasterkit/host/raster/fill.h>
@@ -36,7 +37,7 @@ void TMetafile::SaveToStream(TStream& stream) {
   if (enhanced_ == areEnhanced) {
     stream.Write(*bytes_);
   } else if (enhanced_) {
-    throw UnsupportedError("a Windows metafile cannot be saved as an enhanced one by this version");
+    stream.Write(detail::EmfOfWmf(*bytes_));
   } else {
     stream.Write(
         detail::WmfOfPicture(Draw(Width(), Height()), facts_.widthMm100, facts_.heightMm100));

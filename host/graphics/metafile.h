@@ -36,8 +36,8 @@ class RASTERKIT_EXPORT TMetafile : public TGraphic {
   void LoadFromStream(TStream& stream) override;
   /// Writes the kind that the mark names: the bytes as they are where they are of that kind; else
   /// an enhanced metafile becomes a placeable WMF file with the picture, at 96 pixels an inch, as
-  /// one bitmap in it. Throws UnsupportedError for a Windows metafile that counts as an enhanced
-  /// one, FormatError without records.
+  /// one bitmap in it, and a Windows metafile becomes an EMF file that draws the same, record by
+  /// record. Throws FormatError without records, LimitError for what the kind cannot hold.
   void SaveToStream(TStream& stream) override;
   /// Draws into the rectangle of the canvas; what the records do not paint stays as it was. Throws
   /// UnsupportedError where the drawing is in EMF+ records alone.

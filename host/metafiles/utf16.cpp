@@ -29,4 +29,20 @@ std::string Utf8FromUtf16(std::u16string_view units) {
   return text;
 }
 
+std::u16string Utf16FromUtf8(std::string_view text) {
+  std::u16string units;
+  for (size_t i = 0; i < text.size();) {
+    const Utf8Step step = NextUtf8(text, i);
+    i += step.bytes;
+    if (step.valid && step.codePoint > 0xFFFF) {
+      const char32_t rest = step.codePoint - 0x10000;
+      units.push_back(static_cast<char16_t>(0xD800 + (rest >> 10)));
+      units.push_back(static_cast<char16_t>(0xDC00 + (rest & 0x3FF)));
+    } else {
+      units.push_back(static_cast<char16_t>(step.valid ? step.codePoint : kReplacement));
+    }
+  }
+  return units;
+}
+
 }  // namespace rasterkit::detail

@@ -32,4 +32,23 @@ inline PointD ReadShortPoint(MetafileBytes& fields) {
   return {x, static_cast<double>(fields.Short())};
 }
 
+/// What comes before the bitmap of a blit.
+struct WmfBlit {
+  uint32_t operation = 0;
+  RectD part, dest;
+};
+
+/// Operation, [size of the part,] its corner, [a word where there is no bitmap,] target.
+inline WmfBlit ReadBlit(MetafileBytes& fields, bool isStretched, bool hasBitmap) {
+  WmfBlit blit;
+  blit.operation = fields.Long();
+  PointD size = isStretched ? ReadReversedPoint(fields) : PointD();
+  const PointD corner = ReadReversedPoint(fields);
+  if (!hasBitmap) fields.Skip(2);
+  blit.dest = ReadReversedSizedRect(fields);
+  if (!isStretched) size = {blit.dest.Width(), blit.dest.Height()};
+  blit.part = {corner.x, corner.y, corner.x + size.x, corner.y + size.y};
+  return blit;
+}
+
 }  // namespace rasterkit::detail

@@ -14,6 +14,8 @@ namespace rasterkit::detail {
 class WmfObjects {
  public:
   void Add(MetafileObject object);
+  /// The handle that the last `Add` gave.
+  size_t Last() const { return last_; }
   void Delete(size_t handle);
   /// Null for a handle that is free.
   const MetafileObject* Find(size_t handle) const;
@@ -21,6 +23,7 @@ class WmfObjects {
  private:
   std::vector<std::optional<MetafileObject>> objects_;
   std::priority_queue<size_t, std::vector<size_t>, std::greater<>> free_;
+  size_t last_ = 0;
 };
 
 /// What the picture's box is: where the window of a new context lies, and how many pixels of the
@@ -39,6 +42,10 @@ class WmfPlayer {
   /// False for a kind of record that is not known or leaves nothing to be seen. Throws an Error
   /// when the record is damaged; the context may be used on.
   bool Play(const WmfRecord& record);
+
+  const WmfObjects& Objects() const { return objects_; }
+  /// Pixels of our device for those of the device that the file's viewport counts in.
+  PointD ViewportScaled(PointD recorded) const;
 
  private:
   // Each answers whether the record is one of its family.
@@ -60,9 +67,6 @@ class WmfPlayer {
   const RegionObject& RegionOf(size_t handle) const;
   const LogicalBrush& BrushOf(size_t handle) const;
   TColor Color(MetafileBytes& fields) const { return StatedColor(fields.Long(), palette_); }
-
-  /// Pixels of our device for those of the device that the file's viewport counts in.
-  PointD ViewportScaled(PointD recorded) const;
 
   Dib Bitmap(std::span<const uint8_t> packed, DibColors colors);
   void BlitDib(const WmfRecord& record, bool isStretched);

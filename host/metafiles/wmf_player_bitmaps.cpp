@@ -4,29 +4,6 @@
 #include <rasterkit/host/metafiles/wmf_player.h>
 
 namespace rasterkit::detail {
-namespace {
-
-/// What comes before the bitmap of a blit.
-struct BlitFields {
-  uint32_t operation = 0;
-  RectD part, dest;
-};
-
-/// Operation, [size of the part,] its corner, [a word where there is no bitmap,] target.
-BlitFields ReadBlit(MetafileBytes& fields, bool isStretched, bool hasBitmap) {
-  BlitFields blit;
-  blit.operation = fields.Long();
-  PointD size = isStretched ? ReadReversedPoint(fields) : PointD();
-  const PointD corner = ReadReversedPoint(fields);
-  if (!hasBitmap) fields.Skip(2);
-  blit.dest = ReadReversedSizedRect(fields);
-  if (!isStretched) size = {blit.dest.Width(), blit.dest.Height()};
-  blit.part = {corner.x, corner.y, corner.x + size.x, corner.y + size.y};
-  return blit;
-}
-
-}  // namespace
-
 Dib WmfPlayer::Bitmap(std::span<const uint8_t> packed, DibColors colors) {
   DibRequest request;
   request.colors = colors;
@@ -37,7 +14,7 @@ Dib WmfPlayer::Bitmap(std::span<const uint8_t> packed, DibColors colors) {
 void WmfPlayer::BlitDib(const WmfRecord& record, bool isStretched) {
   MetafileBytes fields = record.Fields();
   const bool hasBitmap = record.HasBitmap();
-  const BlitFields blit = ReadBlit(fields, isStretched, hasBitmap);
+  const WmfBlit blit = ReadBlit(fields, isStretched, hasBitmap);
   if (!hasBitmap) {
     if (!NeedsSource(blit.operation)) context_.PatBlt(blit.dest, blit.operation);
     return;
@@ -49,7 +26,7 @@ void WmfPlayer::BlitDib(const WmfRecord& record, bool isStretched) {
 void WmfPlayer::BlitRaster(const WmfRecord& record, bool isStretched) {
   MetafileBytes fields = record.Fields();
   const bool hasBitmap = record.HasBitmap();
-  const BlitFields blit = ReadBlit(fields, isStretched, hasBitmap);
+  const WmfBlit blit = ReadBlit(fields, isStretched, hasBitmap);
   if (!hasBitmap) {
     if (!NeedsSource(blit.operation)) context_.PatBlt(blit.dest, blit.operation);
     return;

@@ -88,10 +88,12 @@ RegionObject ReadRegion(MetafileBytes& fields) {
 
 void WmfObjects::Add(MetafileObject object) {
   if (free_.empty()) {
+    last_ = objects_.size();
     objects_.emplace_back(std::move(object));
     return;
   }
-  objects_[free_.top()] = std::move(object);
+  last_ = free_.top();
+  objects_[last_] = std::move(object);
   free_.pop();
 }
 

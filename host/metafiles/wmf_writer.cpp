@@ -1,13 +1,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include <rasterkit/host/codecs/bmp_encoder.h>
-#include <rasterkit/host/codecs/bmp_format.h>
 #include <rasterkit/host/metafiles/drawing_modes.h>
+#include <rasterkit/host/metafiles/packed_bitmap.h>
 #include <rasterkit/host/metafiles/wmf_records.h>
 #include <rasterkit/host/metafiles/wmf_writer.h>
 #include <rasterkit/host/raster/convert.h>
-#include <rasterkit/host/runtime/stream.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -60,17 +58,6 @@ Extent ExtentOf(int widthMm100, int heightMm100) {
   return {side(widthMm100), side(heightMm100), static_cast<int>(units)};
 }
 
-/// A bitmap file without its file header is what records hold.
-std::vector<uint8_t> PackedDib(const Raster& picture) {
-  Raster rows = ConvertRaster(picture, pf24bit);
-  rows.profile.reset();
-  TMemoryStream stream;
-  EncodeBmp(rows, stream, BmpProfile::omit);
-  std::vector<uint8_t> bytes = stream.TakeBytes();
-  bytes.erase(bytes.begin(), bytes.begin() + kBmpFileHeaderBytes);
-  return bytes;
-}
-
 void AppendPlacement(const Extent& extent, WmfBytes& file) {
   WmfBytes head;
   head.Long(kWmfPlaceableKey);
@@ -90,7 +77,9 @@ std::vector<uint8_t> WmfOfPicture(const Raster& picture, int widthMm100, int hei
     throw LimitError("WMF: a picture of more than 32767 pixels a side cannot be written");
   }
   const Extent extent = ExtentOf(widthMm100, heightMm100);
-  const std::vector<uint8_t> dib = PackedDib(picture);
+  Raster rows = ConvertRaster(picture, pf24bit);
+  rows.profile.reset();
+  const std::vector<uint8_t> dib = PackedBitmap(rows);
   constexpr int64_t anisotropic = 8, colors = 0;
   WmfBytes records;
   records.Record(WmfFunction::setMapMode, {anisotropic});

@@ -149,12 +149,19 @@ TEST_F(CliMetafile, Convert_Should_PutThePictureOfAnEmfFileIntoAWmfFile) {
   EXPECT_EQ(LoadFile(folder_ / "around.png").PixelColor(90, 70), clWhite);
 }
 
+TEST_F(CliMetafile, Convert_Should_MakeAnEnhancedMetafileOfAWindowsMetafile) {
+  const std::string file = Write("a.wmf", SmallWmf());
+  EXPECT_EQ(Convert({file, folder_ / "a.emf"}).code, 0);
+  EXPECT_EQ(Convert({file, folder_ / "old.png"}).code, 0);
+  EXPECT_EQ(Convert({folder_ / "a.emf", folder_ / "new.png"}).code, 0);
+  EXPECT_TRUE(SameColors(LoadFile(folder_ / "old.png"), LoadFile(folder_ / "new.png")));
+}
+
 TEST_F(CliMetafile, Convert_Should_RefuseWhatCannotBecomeAMetafile) {
   SavePngFile(folder_ / "a.png", GrayRaster(9, 5));
   const ToolResult pixels = Convert({folder_ / "a.png", folder_ / "b.emf"});
   EXPECT_EQ(pixels.code, 4);
   EXPECT_THAT(pixels.err, HasSubstr("pixels cannot become a metafile"));
-  EXPECT_EQ(Convert({Write("a.wmf", SmallWmf()), folder_ / "c.emf"}).code, 4);
   EXPECT_EQ(Convert({Write("text.emf", {'x', 'y'}), folder_ / "d.emf"}).code, 4);
   for (const char* name : {"b.emf", "c.emf", "d.emf"}) {
     EXPECT_FALSE(std::filesystem::exists(folder_ / name)) << name;

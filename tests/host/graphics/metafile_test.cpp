@@ -126,12 +126,16 @@ TEST(Metafile, Save_Should_FitLargePicturesIntoThePlaceableBox) {
   EXPECT_NEAR(saved->MMHeight(), 40000, 20);
 }
 
-TEST(Metafile, Save_Should_Throw_When_AWindowsMetafileIsMarkedAsEnhanced) {
+TEST(Metafile, Save_Should_RecordAgain_When_AWindowsMetafileIsMarkedAsEnhanced) {
   const auto metafile = Loaded(HalfBlueWmf());
   metafile->SetEnhanced(true);
-  TMemoryStream stream;
-  EXPECT_THROW(metafile->SaveToStream(stream), UnsupportedError);
-  EXPECT_EQ(stream.Size(), 0u);
+  const auto saved = Loaded(Saved(*metafile));
+  EXPECT_TRUE(saved->Enhanced());
+  EXPECT_EQ(saved->Facts().kind, MetafileKind::emf);
+  EXPECT_EQ(saved->Facts().warnings, std::vector<std::string>());
+  EXPECT_EQ(saved->MMWidth(), metafile->MMWidth());
+  EXPECT_EQ(saved->MMHeight(), metafile->MMHeight());
+  EXPECT_TRUE(SameColors(metafile->Draw(96, 48), saved->Draw(96, 48)));
 }
 
 TEST(Metafile, WithoutRecords_Should_RefuseByName) {

@@ -1,0 +1,131 @@
+#include <algorithm>
+#include <string>
+
+#include <rasterkit/host/metafiles/packed_bitmap.h>
+#include <rasterkit/host/metafiles/utf16.h>
+#include <rasterkit/host/metafiles/wmf_recorder.h>
+
+namespace rasterkit::detail {
+namespace {
+
+constexpr size_t kFaceNameUnits = 32;
+
+/// Handles of enhanced metafiles start at 1.
+int64_t EmfHandle(size_t handle) {
+  return static_cast<int64_t>(handle) + 1;
+}
+
+/// What metafiles write between the font and the end of its record: names that nobody needs.
+constexpr size_t kFontBytes = 92, kFontRecordBytes = 320;
+
+}  // namespace
+
+void WmfRecorder::CreatePen(size_t handle, const LogicalPen& pen) {
+  EmfFields fields;
+  fields.Long(EmfHandle(handle)).Long(pen.style).Number(pen.width).Long(0).Long(pen.color);
+  writer_.Add(EmfType::createPen, fields);
+}
+
+void WmfRecorder::CreateBrush(size_t handle, const LogicalBrush& brush) {
+  enum Style : int64_t { kSolid = 0, kNull = 1, kHatched = 2 };
+  if (brush.kind != LogicalBrush::pattern) {
+    const int64_t style = brush.kind == LogicalBrush::null      ? kNull
+                          : brush.kind == LogicalBrush::hatched ? kHatched
+                                                                : kSolid;
+    writer_.Add(EmfType::createBrush, {EmfHandle(handle), style, brush.color, brush.hatch});
+    return;
+  }
+  constexpr uint32_t offset = 32;
+  const std::vector<uint8_t> dib = PackedBitmap(*brush.bitmap);
+  const DibParts parts = SplitPackedDib(dib, DibColors::colors);
+  const auto head = static_cast<int64_t>(parts.head.size());
+  EmfFields fields;
+  fields.Longs({EmfHandle(handle), static_cast<int64_t>(DibColors::colors), offset, head,
+                offset + head, static_cast<int64_t>(parts.bits.size())});
+  fields.Append(parts.head).Append(parts.bits);
+  writer_.Add(brush.isMono ? EmfType::createMonoBrush : EmfType::createDibPatternBrush, fields);
+}
+
+void WmfRecorder::CreateFont(size_t handle, const LogicalFont& font) {
+  EmfFields fields;
+  fields.Long(EmfHandle(handle)).Number(font.height).Number(font.width);
+  fields.Number(font.escapement).Number(font.orientation).Long(font.weight);
+  fields.Byte(font.italic).Byte(font.underline).Byte(font.strikeOut).Byte(font.charset);
+  fields.Byte(0).Byte(0).Byte(0).Byte(font.pitchAndFamily);
+  const std::u16string name = Utf16FromUtf8(font.faceName).substr(0, kFaceNameUnits - 1);
+  for (const char16_t unit : name) fields.Word(unit);
+  while (fields.Size() < 4 + kFontBytes) fields.Word(0);
+  while (fields.Size() < 4 + kFontRecordBytes) fields.Long(0);
+  writer_.Add(EmfType::extCreateFont, fields);
+}
+
+void WmfRecorder::CreatePalette(size_t handle, const HPALETTE& palette) {
+  constexpr int64_t version = 0x300;
+  const auto entries = palette.Entries();
+  EmfFields fields;
+  fields.Long(EmfHandle(handle)).Word(version).Word(static_cast<int64_t>(entries.size()));
+  for (const tagPALETTEENTRY& entry : entries) {
+    fields.Byte(entry.peRed).Byte(entry.peGreen).Byte(entry.peBlue).Byte(entry.peFlags);
+  }
+  writer_.Add(EmfType::createPalette, fields);
+}
+
+void WmfRecorder::Create(size_t handle) {
+  const MetafileObject* object = player_.Objects().Find(handle);
+  if (object == nullptr) return;
+  handles_ = std::max(handles_, handle + 2);
+  if (const auto* pen = std::get_if<PenObject>(object)) {
+    CreatePen(handle, **pen);
+  } else if (const auto* brush = std::get_if<BrushObject>(object)) {
+    CreateBrush(handle, **brush);
+  } else if (const auto* font = std::get_if<FontObject>(object)) {
+    CreateFont(handle, **font);
+  } else if (const auto* palette = std::get_if<HPALETTE>(object)) {
+    CreatePalette(handle, *palette);
+  }
+}
+
+void WmfRecorder::Select(size_t handle) {
+  const MetafileObject* object = player_.Objects().Find(handle);
+  if (object == nullptr) return;
+  if (const auto* region = std::get_if<RegionObject>(object)) {
+    SelectClip(region);
+    return;
+  }
+  if (const auto* pen = std::get_if<PenObject>(object)) {
+    state_.hasPen = ((*pen)->style & pen_style::line) != pen_style::null;
+  }
+  const bool isSeen = std::holds_alternative<PenObject>(*object) ||
+                      std::holds_alternative<BrushObject>(*object) ||
+                      std::holds_alternative<FontObject>(*object);
+  if (isSeen) writer_.Add(EmfType::selectObject, {EmfHandle(handle)});
+}
+
+bool WmfRecorder::RecordObject(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  switch (record.function) {
+    case WmfFunction::createPenIndirect:
+    case WmfFunction::createBrushIndirect:
+    case WmfFunction::createFontIndirect:
+    case WmfFunction::createPalette:
+    case WmfFunction::createRegion:
+    case WmfFunction::createPatternBrush:
+    case WmfFunction::dibCreatePatternBrush:
+      Create(player_.Objects().Last());
+      return true;
+    case WmfFunction::selectObject:
+      Select(fields.Word());
+      return true;
+    case WmfFunction::deleteObject:
+      // Regions have no handle here, and deleting one that is free does nothing.
+      writer_.Add(EmfType::deleteObject, {EmfHandle(fields.Word())});
+      return true;
+    case WmfFunction::selectPalette:
+      writer_.Add(EmfType::selectPalette, {EmfHandle(fields.Word())});
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace rasterkit::detail
