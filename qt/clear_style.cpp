@@ -7,6 +7,7 @@
 #include <QProxyStyle>
 #include <QStyleOption>
 #include <algorithm>
+#include <cmath>
 
 #include <rasterkit/qt/clear_style.h>
 #include <rasterkit/qt/contrast.h>
@@ -65,6 +66,13 @@ void DrawFrame(QPainter& painter, const QRect& place, const QColor& color, int w
     painter.fillRect(strip, color);
 }
 
+/// Where a pixel of the widget is no whole number of the screen's, Fusion's lines lie between two
+/// of them and are half as strong; this one does not.
+void SharpenOutline(const QStyleOption& option, QPainter& painter, const QRect& place) {
+  const double scale = painter.device()->devicePixelRatioF();
+  if (scale != std::floor(scale)) DrawFrame(painter, place, OutlineColor(option.palette), 1);
+}
+
 class ClearStyle : public QProxyStyle {
  public:
   ClearStyle() : QProxyStyle(QStringLiteral("fusion")) {}
@@ -82,6 +90,7 @@ class ClearStyle : public QProxyStyle {
         DrawOutlined(*option, [&](const QStyleOption& clear) {
           QProxyStyle::drawPrimitive(element, &clear, painter, widget);
         });
+        SharpenOutline(*option, *painter, option->rect);
         return ShowFocus(*option, *painter);
       case PE_PanelButtonCommand:
         DrawOutlined(*option, [&](const QStyleOption& clear) {
@@ -89,6 +98,10 @@ class ClearStyle : public QProxyStyle {
         });
         return ShowFocusOfKeys(*option, *painter);
       case PE_IndicatorCheckBox:
+        DrawOutlined(*option, [&](const QStyleOption& clear) {
+          QProxyStyle::drawPrimitive(element, &clear, painter, widget);
+        });
+        return SharpenOutline(*option, *painter, option->rect);
       case PE_IndicatorRadioButton:
         return DrawOutlined(*option, [&](const QStyleOption& clear) {
           QProxyStyle::drawPrimitive(element, &clear, painter, widget);
@@ -119,7 +132,10 @@ class ClearStyle : public QProxyStyle {
       QProxyStyle::drawComplexControl(control, static_cast<const QStyleOptionComplex*>(&clear),
                                       painter, widget);
     });
-    if (isField) return ShowFocus(*option, *painter);
+    if (isField) {
+      SharpenOutline(*option, *painter, option->rect);
+      return ShowFocus(*option, *painter);
+    }
     DrawKnob(*option, *painter, widget);
     ShowFocusOfKeys(*option, *painter);
   }
@@ -165,6 +181,7 @@ class ClearStyle : public QProxyStyle {
     painter.drawRoundedRect(knob.adjusted(inset, inset, -inset, -inset) & seen, roundness,
                             roundness);
     painter.restore();
+    SharpenOutline(option, painter, knob.adjusted(1, 1, -1, -1).toRect() & option.rect);
   }
 
   static void ShowFocus(const QStyleOption& option, QPainter& painter) {
