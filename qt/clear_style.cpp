@@ -96,6 +96,7 @@ class ClearStyle : public QProxyStyle {
         DrawOutlined(*option, [&](const QStyleOption& clear) {
           QProxyStyle::drawPrimitive(element, &clear, painter, widget);
         });
+        SharpenButton(*option, *painter);
         return ShowFocusOfKeys(*option, *painter);
       case PE_IndicatorCheckBox:
         DrawOutlined(*option, [&](const QStyleOption& clear) {
@@ -187,6 +188,14 @@ class ClearStyle : public QProxyStyle {
   static void ShowFocus(const QStyleOption& option, QPainter& painter) {
     if (option.state & State_HasFocus)
       DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
+  }
+
+  /// The default button's outline has a colour of its own, which is strong enough.
+  static void SharpenButton(const QStyleOption& option, QPainter& painter) {
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(&option);
+    constexpr auto others = QStyleOptionButton::Flat | QStyleOptionButton::DefaultButton;
+    if (button != nullptr && !(button->features & others))
+      SharpenOutline(option, painter, option.rect);
   }
 
   /// Fusion only colours the outline of buttons and knobs.
