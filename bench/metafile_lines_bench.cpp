@@ -1,6 +1,6 @@
-// Lines through a drawing context beside the same lines given to cairo: one call a line, black, one
-// pixel wide, on a white picture of 1000 x 1000. Short lines are those of a drawing, long ones
-// cross half of the picture.
+// Lines of an enhanced metafile, and through a drawing context, beside the same lines given to
+// cairo: one record or call a line, black, one pixel wide, on a white picture of 1000 x 1000. Short
+// lines are those of a drawing, long ones cross half of the picture.
 #include <algorithm>
 #include <random>
 #include <vector>
@@ -9,6 +9,8 @@
 #include <cairo.h>
 
 #include <rasterkit/host/metafiles/device_context.h>
+#include <rasterkit/host/metafiles/emf_writer.h>
+#include <rasterkit/host/metafiles/play_metafile.h>
 
 #include "bench/bench_timing.h"
 
@@ -38,6 +40,35 @@ rasterkit::Raster WhitePicture() {
   rasterkit::Raster picture(rasterkit::pf32bit, kSide, kSide);
   FillRaster(picture, {0, 0, kSide, kSide}, rasterkit::clWhite);
   return picture;
+}
+
+/// The lines as a file: a record that moves to the first corner, then one a line.
+std::vector<uint8_t> Metafile(const std::vector<PointD>& corners) {
+  using rasterkit::detail::EmfFields;
+  using rasterkit::detail::EmfType;
+  rasterkit::detail::EmfWriter writer;
+  writer.Add(EmfType::moveTo, EmfFields().Point(corners[0]));
+  for (size_t i = 1; i < corners.size(); ++i) {
+    writer.Add(EmfType::lineTo, EmfFields().Point(corners[i]));
+  }
+  constexpr int kPixelsOfAMetre = 3780;
+  constexpr int kSideMm100 = kSide * 100'000 / kPixelsOfAMetre;
+  return writer.Finish({.width = kSide,
+                        .height = kSide,
+                        .widthMm100 = kSideMm100,
+                        .heightMm100 = kSideMm100,
+                        .drawn = rasterkit::RectD{0, 0, kSide - 1.0, kSide - 1.0}});
+}
+
+void File(benchmark::State& state) {
+  const std::vector<uint8_t> bytes = Metafile(Corners(static_cast<int>(state.range(0))));
+  rasterkit::Raster picture;
+  rasterkit::bench::MeasurePrepared(
+      state, kLines, [&] { picture = WhitePicture(); },
+      [&] {
+        const auto report = rasterkit::PlayMetafile(bytes, picture, {0, 0, kSide, kSide});
+        if (report.played <= kLines) state.SkipWithError("lines were not drawn");
+      });
 }
 
 void Context(benchmark::State& state) {
@@ -73,6 +104,7 @@ void Cairo(benchmark::State& state) {
       });
 }
 
+BENCHMARK(File)->ArgName("reach")->Arg(10)->Arg(500)->UseManualTime();
 BENCHMARK(Context)->ArgName("reach")->Arg(10)->Arg(500)->UseManualTime();
 BENCHMARK(Cairo)->ArgName("reach")->Arg(10)->Arg(500)->UseManualTime();
 
