@@ -69,6 +69,64 @@ TEST(DeviceLines, Should_BeOnePixelOfTheDevice_When_TheTargetIsFiner) {
   EXPECT_EQ(paper.Picture(), "\n......\n......\n######\n######\n......\n......\n");
 }
 
+/// Units of half a pixel of the device, which is four pixels of the target wide.
+void UseHalfPixels(DrawingPaper& paper) {
+  paper.Dc().SetMapMode(MapMode::anisotropic);
+  paper.Dc().SetWindowExt({2, 2});
+  paper.Dc().SetViewportExt({1, 1});
+}
+
+TEST(DeviceLines, Should_BeAsThinAsMeant_When_ThePenIsThinnerThanAPixelOfTheDevice) {
+  DrawingPaper paper(4, 10, Affine::Scaling(4, 4));
+  UseHalfPixels(paper);
+  paper.Pen(clBlack, 1);
+  paper.Dc().MoveTo({0, 2});
+  paper.Dc().LineTo({2, 2});
+  // From the upper edge of the device's pixel, where an area would end.
+  EXPECT_EQ(paper.Picture(), "\n....\n....\n....\n....\n####\n####\n....\n....\n....\n....\n");
+}
+
+TEST(DeviceLines, Should_BeOnePixelOfTheDevice_When_AThinPenNamesNoWidth) {
+  DrawingPaper paper(4, 10, Affine::Scaling(4, 4));
+  UseHalfPixels(paper);
+  paper.Pen(clBlack, 0);
+  paper.Dc().MoveTo({0, 2});
+  paper.Dc().LineTo({2, 2});
+  EXPECT_EQ(paper.Picture(), "\n....\n....\n....\n....\n####\n####\n####\n####\n....\n....\n");
+}
+
+TEST(DeviceLines, Should_BeOnePixelOfTheTarget_When_AThinPenIsThinnerThanThat) {
+  DrawingPaper paper(4, 5, Affine::Scaling(1.5, 1.5));
+  UseHalfPixels(paper);
+  paper.Pen(clBlack, 0.1);
+  paper.Dc().MoveTo({0, 4});
+  paper.Dc().LineTo({8, 4});
+  EXPECT_EQ(paper.Picture(), "\n....\n....\n....\n####\n....\n");
+}
+
+TEST(DeviceLines, Should_LieWhereAreasEnd_When_AThinPenFramesOne) {
+  DrawingPaper filled(12, 12, Affine::Scaling(4, 4)), framed(12, 12, Affine::Scaling(4, 4));
+  const PointD square[] = {{2, 2}, {4, 2}, {4, 4}, {2, 4}};
+  for (DrawingPaper* paper : {&filled, &framed}) {
+    UseHalfPixels(*paper);
+    paper->Brush(clBlack);
+    paper->NoPen();
+  }
+  framed.Pen(RGB(255, 0, 0), 0.25);
+  filled.Dc().Polygon(square);
+  framed.Dc().Polygon(square);
+  EXPECT_EQ(filled.At(4, 4), clBlack);
+  EXPECT_EQ(filled.At(7, 7), clBlack);
+  for (int i = 4; i < 8; ++i) {
+    EXPECT_EQ(framed.At(i, 4), RGB(255, 0, 0)) << i;
+    EXPECT_EQ(framed.At(4, i), RGB(255, 0, 0)) << i;
+    EXPECT_EQ(framed.At(i, 8), RGB(255, 0, 0)) << i;
+    EXPECT_EQ(framed.At(8, i), RGB(255, 0, 0)) << i;
+  }
+  EXPECT_EQ(framed.At(3, 5), clWhite);
+  EXPECT_EQ(framed.At(9, 5), clWhite);
+}
+
 TEST(DeviceLines, Should_PullALineInside_When_ItLiesOnTheFarEdge) {
   DrawingPaper paper(3, 3);
   paper.Dc().MoveTo({0, 3});

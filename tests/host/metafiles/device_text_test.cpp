@@ -155,6 +155,46 @@ TEST(DeviceText, Should_StandUpright_When_TheYAxisPointsUp) {
   EXPECT_EQ(text.paper.At(box.right - 2, box.top), clWhite);
 }
 
+/// Letters of a line that is turned by a quarter, on a page of which axes are turned over.
+PixelRect TurnedOn(PointD viewportExt, PointD viewportOrg, PointD at) {
+  LogicalFont font = Fixed(-20);
+  font.escapement = 900;
+  Text text(font);
+  text.paper.Dc().SetMapMode(MapMode::anisotropic);
+  text.paper.Dc().SetWindowExt({1, 1});
+  text.paper.Dc().SetViewportExt(viewportExt);
+  text.paper.Dc().SetViewportOrg(viewportOrg);
+  text.paper.Dc().SetTextAlign(text_align::baseline);
+  text.Out(at, u"HH");
+  return text.Inked();
+}
+
+TEST(DeviceText, Should_TurnWithTheClock_When_TheYAxisPointsUp) {
+  NEEDS_FONT();
+  // The point (100, 50) of the raster, on either page.
+  const PixelRect down = TurnedOn({1, 1}, {0, 0}, {100, 50});
+  const PixelRect up = TurnedOn({1, -1}, {0, 100}, {100, 50});
+  EXPECT_LE(down.bottom, 50);
+  EXPECT_LE(down.right, 100);
+  EXPECT_GE(up.top, 50);
+  EXPECT_GE(up.left, 100);
+  EXPECT_EQ(up.bottom - up.top, down.bottom - down.top);
+}
+
+TEST(DeviceText, Should_TurnWithTheClock_When_TheXAxisPointsLeft) {
+  NEEDS_FONT();
+  const PixelRect left = TurnedOn({-1, 1}, {200, 0}, {100, 50});
+  EXPECT_GE(left.top, 50);
+  EXPECT_GE(left.left, 100);
+}
+
+TEST(DeviceText, Should_TurnAgainstTheClock_When_BothAxesAreTurnedOver) {
+  NEEDS_FONT();
+  const PixelRect both = TurnedOn({-1, -1}, {200, 100}, {100, 50});
+  EXPECT_LE(both.bottom, 50);
+  EXPECT_LE(both.right, 100);
+}
+
 TEST(DeviceText, Should_FillItsCell_When_TheBackgroundIsOpaque) {
   NEEDS_FONT();
   Text text;
