@@ -40,6 +40,35 @@ uint8_t Combine(int a, int b, RegionMode mode) {
   }
 }
 
+PixelRect BoxOf(const cairo_rectangle_int_t& r) {
+  return {r.x, r.y, r.x + r.width, r.y + r.height};
+}
+
+/// More rectangles than this take more memory than a mask, and more time. A few bytes of a file can
+/// ask for a rectangle for every other pixel, and for the next such area.
+constexpr int kMostRects = 4096;
+
+/// A region as a mask; what `limit`, where there is one, leaves of it.
+std::shared_ptr<const CoverageMask> MaskOf(const cairo_region_t* region,
+                                           const CoverageMask* limit) {
+  cairo_rectangle_int_t r;
+  cairo_region_get_extents(region, &r);
+  auto mask = std::make_shared<CoverageMask>(BoxOf(r));
+  const int left = r.x;
+  for (int i = 0; i < cairo_region_num_rectangles(region); ++i) {
+    cairo_region_get_rectangle(region, i, &r);
+    for (int y = r.y; y < r.y + r.height; ++y) {
+      uint8_t* row = mask->Row(y) + (r.x - left);
+      if (limit) {
+        std::copy_n(limit->Row(y) + (r.x - limit->Box().left), r.width, row);
+      } else {
+        std::fill_n(row, r.width, 255);
+      }
+    }
+  }
+  return mask;
+}
+
 PixelRect UnionBox(const PixelRect& a, const PixelRect& b) {
   if (IsEmpty(a)) return b;
   if (IsEmpty(b)) return a;
@@ -51,15 +80,17 @@ PixelRect UnionBox(const PixelRect& a, const PixelRect& b) {
 
 ClipArea::Pointer ClipArea::OfRegion(cairo_region_t* region,
                                      std::shared_ptr<const CoverageMask> mask) {
-  const std::shared_ptr<ClipArea> area(new ClipArea);
-  area->region_ = Own(region);
-  area->mask_ = std::move(mask);
+  const Region owned = Own(region);
   const int count = cairo_region_num_rectangles(region);
+  if (count > kMostRects) return OfMask(MaskOf(region, mask.get()));
+  const std::shared_ptr<ClipArea> area(new ClipArea);
+  area->region_ = owned;
+  area->mask_ = std::move(mask);
   area->rects_.reserve(static_cast<size_t>(count));
   for (int i = 0; i < count; ++i) {
     cairo_rectangle_int_t r;
     cairo_region_get_rectangle(region, i, &r);
-    area->rects_.push_back({r.x, r.y, r.x + r.width, r.y + r.height});
+    area->rects_.push_back(BoxOf(r));
     area->bounds_ = UnionBox(area->bounds_, area->rects_.back());
   }
   return area;

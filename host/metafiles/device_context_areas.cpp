@@ -35,9 +35,8 @@ void FillArea(DeviceContext::Parts& parts, const ClipArea::Pointer& area, const 
               TernaryCode code) {
   const ClipArea::Pointer visible =
       ClipArea::Combined(parts.VisibleClip(), area, RegionMode::intersection);
-  parts.painter.SetClip(visible);
+  const NarrowedClip narrowed(parts, visible);
   parts.painter.FillBox(visible->Bounds(), ink, code);
-  parts.painter.SetClip(parts.VisibleClip());
 }
 
 void NoteRects(DeviceContext::Parts& parts, std::span<const RectD> rects, RegionUnit unit) {

@@ -98,6 +98,20 @@ struct DeviceContext::Parts {
 
 namespace detail {
 
+/// Lets the painter paint inside `clip` only, for as long as this lives.
+class NarrowedClip {
+ public:
+  NarrowedClip(DeviceContext::Parts& parts, ClipArea::Pointer clip) : parts_(parts) {
+    parts_.painter.SetClip(std::move(clip));
+  }
+  ~NarrowedClip() { parts_.painter.SetClip(parts_.VisibleClip()); }
+  NarrowedClip(const NarrowedClip&) = delete;
+  NarrowedClip& operator=(const NarrowedClip&) = delete;
+
+ private:
+  DeviceContext::Parts& parts_;
+};
+
 /// Numbers that are none count as 0.
 inline double Finite(double value) {
   return std::isfinite(value) ? value : 0;

@@ -80,12 +80,12 @@ void DeviceContext::ExtTextOut(const TextRun& run) {
     }
     parts.startsFigure = true;
   } else {
-    const bool isClipped = run.box && (run.options & text_option::clipped) != 0;
-    if (isClipped) {
+    std::optional<NarrowedClip> clipped;
+    if (run.box && (run.options & text_option::clipped) != 0) {
       const RectD box = *run.box;
-      parts.painter.SetClip(ClipArea::Combined(parts.VisibleClip(),
-                                               parts.AreaOf({&box, 1}, RegionUnit::logical),
-                                               RegionMode::intersection));
+      clipped.emplace(parts, ClipArea::Combined(parts.VisibleClip(),
+                                                parts.AreaOf({&box, 1}, RegionUnit::logical),
+                                                RegionMode::intersection));
     }
     const bool fillsCell = state.backMode == BackgroundMode::opaque && !hasBox;
     const DrawingPath cell = TextCell(line, placement);
@@ -95,7 +95,6 @@ void DeviceContext::ExtTextOut(const TextRun& run) {
                          kCopyBrush);
     }
     PaintText(parts.painter, line, placement, font, PixelOf(state.textColor));
-    if (isClipped) parts.painter.SetClip(parts.VisibleClip());
   }
   MovePosition(state, line, onDevice, origin);
 }

@@ -11,6 +11,20 @@ namespace {
 constexpr uint32_t kNoBox = 0x100, kByteLetters = 0x200;
 constexpr size_t kScaleBytes = 8;
 
+/// A text has a graphics mode of its own; all other records are drawn in the advanced one.
+class TextMode {
+ public:
+  TextMode(DeviceContext& context, GraphicsMode mode) : context_(context) {
+    context_.SetGraphicsMode(mode);
+  }
+  ~TextMode() { context_.SetGraphicsMode(GraphicsMode::advanced); }
+  TextMode(const TextMode&) = delete;
+  TextMode& operator=(const TextMode&) = delete;
+
+ private:
+  DeviceContext& context_;
+};
+
 std::u16string Words(std::span<const uint8_t> bytes) {
   MetafileBytes fields(bytes);
   std::u16string text(bytes.size() / 2, u'\0');
@@ -59,9 +73,8 @@ void EmfPlayer::ShowText(const TextPlace& place, uint32_t mode, const Letters& l
   run.text = letters.text;
   run.steps = letters.steps;
   run.verticalSteps = letters.verticalSteps;
-  context_.SetGraphicsMode(static_cast<GraphicsMode>(mode));
+  const TextMode textMode(context_, static_cast<GraphicsMode>(mode));
   context_.ExtTextOut(run);
-  context_.SetGraphicsMode(GraphicsMode::advanced);
 }
 
 void EmfPlayer::DrawText(const EmfRecord& record, const TextPlace& place, LetterSize size,

@@ -160,6 +160,80 @@ TEST(DeviceClip, Should_RaiseLimitError_When_MasksOfManyStatesAreMoreThanTheBudg
   EXPECT_NO_THROW(putBy(20));
 }
 
+/// Every other row, and every other column, of which the one or the other is meant: more rectangles
+/// than anybody keeps.
+void SelectCheckers(DrawingPaper& paper, int side) {
+  std::vector<RectD> rows, columns;
+  for (int i = 0; i < side; i += 2) {
+    rows.push_back({0.0, i + 0.0, side + 0.0, i + 1.0});
+    columns.push_back({i + 0.0, 0.0, i + 1.0, side + 0.0});
+  }
+  paper.Dc().ExtSelectClipRgn(rows, RegionUnit::device, RegionMode::copy);
+  paper.Dc().ExtSelectClipRgn(columns, RegionUnit::device, RegionMode::exclusiveOr);
+}
+
+TEST(DeviceClip, Should_BeExact_When_AnAreaHasThousandsOfRectangles) {
+  DrawingPaper paper(200, 200);
+  SelectCheckers(paper, 200);
+  paper.Dc().IntersectClipRect({3, 0, 200, 200});
+  paper.Dc().ExcludeClipRect({100, 0, 102, 200});
+  paper.Dc().PatBlt({0, 0, 200, 200}, rop3::blackness);
+  for (int y = 0; y < 200; ++y) {
+    for (int x = 0; x < 200; ++x) {
+      const bool isSeen = x % 2 != y % 2 && x >= 3 && x != 100 && x != 101;
+      ASSERT_EQ(paper.At(x, y), isSeen ? clBlack : clWhite) << x << ", " << y;
+    }
+  }
+}
+
+TEST(DeviceClip, Should_BeExact_When_ACircleMeetsThousandsOfRectangles) {
+  DrawingPaper paper(200, 200), circle(200, 200);
+  SelectCheckers(paper, 200);
+  SelectCircle(paper, {0, 0, 200, 200}, RegionMode::intersection);
+  SelectCircle(circle, {0, 0, 200, 200}, RegionMode::copy);
+  for (DrawingPaper* each : {&paper, &circle}) {
+    each->Dc().PatBlt({0, 0, 200, 200}, rop3::blackness);
+  }
+  for (int y = 0; y < 200; ++y) {
+    for (int x = 0; x < 200; ++x) {
+      ASSERT_EQ(paper.At(x, y), x % 2 != y % 2 ? circle.At(x, y) : clWhite) << x << ", " << y;
+    }
+  }
+}
+
+TEST(DeviceClip, Should_RaiseLimitError_When_AreasOfManyRectanglesAreMoreThanTheBudget) {
+  DrawingPaper paper(200, 200);
+  SelectCheckers(paper, 200);
+  const PictureMemoryScope small(50 * 200 * 200);
+  const auto putBy = [&](int count) {
+    for (int i = 0; i < count; ++i) {
+      const RectD pixel{i + 0.0, 0, i + 1.0, 1};
+      paper.Dc().SaveDC();
+      paper.Dc().ExtSelectClipRgn(std::span(&pixel, 1), RegionUnit::device,
+                                  RegionMode::exclusiveOr);
+    }
+  };
+  EXPECT_NO_THROW(putBy(20));
+  EXPECT_THROW(putBy(100), LimitError);
+}
+
+TEST(DeviceClip, Should_BeWhatItWas_When_SomethingInsideANarrowerAreaDidNotFitTheBudget) {
+  DrawingPaper paper(200, 100);
+  SelectCircle(paper, {0, 0, 200, 100}, RegionMode::copy);
+  paper.Dc().SetBkMode(BackgroundMode::transparent);
+  TextRun run;
+  run.origin = {60, 40};
+  run.options = text_option::clipped;
+  run.box = {60, 30, 90, 60};
+  run.text = u"Text";
+  {
+    const PictureMemoryScope small(200 * 100 + 8);
+    EXPECT_THROW(paper.Dc().ExtTextOut(run), LimitError);
+  }
+  paper.Dc().PatBlt({0, 0, 200, 100}, rop3::blackness);
+  EXPECT_EQ(paper.At(150, 50), clBlack);
+}
+
 TEST(DeviceClip, Should_DrawNothing_When_TheContextsOwnAreaIsEmpty) {
   Raster raster(pf32bit, 3, 3);
   FillRaster(raster, {0, 0, 3, 3}, clWhite);

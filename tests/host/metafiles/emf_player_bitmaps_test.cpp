@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <rasterkit/host/metafiles/emf_player.h>
+#include <rasterkit/host/runtime/picture_memory_scope.h>
+
 #include "tests/support/emf_file.h"
 #include "tests/support/packed_dib.h"
 #include "tests/support/played_metafile.h"
@@ -233,6 +236,36 @@ TEST(EmfTexts, ManyTexts_Should_AllBeDrawn) {
   const int painted = PlayedMetafile(one.Bytes()).Painted();
   EXPECT_GT(painted, 10);
   EXPECT_EQ(PlayedMetafile(two.Bytes()).Painted(), 2 * painted);
+}
+
+TEST(EmfTexts, ModeOfAText_Should_EndWithIt_When_TheTextFails) {
+  EmfFile file = WithFont();
+  file.Add(EmfType::beginPath).Add(EmfType::ellipse, {0, 0, 100, 80}).Add(EmfType::endPath);
+  file.Add(EmfType::selectClipPath, {5});
+  FieldBytes text = TextFields(0, u"Text", {});
+  text.bytes[16] = 1;  // letters as of old
+  file.Add(EmfType::extTextOutW, text).Add(EmfType::rectangle, {20, 20, 60, 60});
+  const std::vector<uint8_t> bytes = file.Bytes();
+
+  Raster raster(pf32bit, 100, 80);
+  FillRaster(raster, {0, 0, 100, 80}, clWhite);
+  DeviceContext context(raster, {0, 0, 100, 80}, {1000, 800, 250, 200}, Affine());
+  EmfPlayer player(context, bytes.size());
+  EmfRecords records(bytes);
+  int failures = 0;
+  while (const auto record = records.Next()) {
+    std::optional<PictureMemoryScope> small;
+    if (record->type == EmfType::extTextOutW) small.emplace(100 * 80 + 8);
+    try {
+      player.Play(*record);
+    } catch (const LimitError&) {
+      ++failures;
+    }
+  }
+  EXPECT_EQ(failures, 1);
+  // The right and lower edge are drawn where the record says, and not a pixel before.
+  EXPECT_EQ(raster.PixelColor(60, 40), clBlack);
+  EXPECT_EQ(raster.PixelColor(59, 40), clWhite);
 }
 
 TEST(EmfTexts, TextBeyondTheRecord_Should_CostTheRecordAlone) {
