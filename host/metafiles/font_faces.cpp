@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 
 #include <cairo-ft.h>
 #include <fontconfig/fontconfig.h>
@@ -7,6 +8,7 @@
 #include <freetype/tttables.h>
 
 #include <rasterkit/host/metafiles/font_faces.h>
+#include <rasterkit/host/metafiles/font_lock.h>
 #include <rasterkit/host/metafiles/font_names.h>
 #include <rasterkit/host/metafiles/font_set.h>
 
@@ -48,7 +50,8 @@ bool BearsName(FcPattern* pattern, const std::string& name) {
   return false;
 }
 
-/// FreeType's view of a font, for as long as this lives.
+/// FreeType's view of a font, for as long as this lives. No thread draws letters meanwhile: theirs
+/// may come from the same open file.
 class LockedFace {
  public:
   explicit LockedFace(cairo_scaled_font_t* font)
@@ -63,6 +66,7 @@ class LockedFace {
   double UnitsPerEm() const { return face_->units_per_EM > 0 ? face_->units_per_EM : 1000; }
 
  private:
+  std::unique_lock<std::shared_mutex> alone_{OpenFonts()};
   cairo_scaled_font_t* font_;
   FT_Face face_;
 };
@@ -110,7 +114,10 @@ FontFace::FontFace(CairoFontFace face, bool isItself)
   cairo_matrix_init_scale(&size, 64, 64);
   cairo_matrix_init_identity(&identity);
   cairo_font_options_t* options = cairo_font_options_create();
-  sized_.reset(cairo_scaled_font_create(face_.get(), &size, &identity, options));
+  {
+    const std::shared_lock shared(OpenFonts());
+    sized_.reset(cairo_scaled_font_create(face_.get(), &size, &identity, options));
+  }
   cairo_font_options_destroy(options);
   metrics_ = MetricsOf(LockedFace(sized_.get()));
 }

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include <rasterkit/host/metafiles/flat_path.h>
+#include <rasterkit/host/metafiles/font_lock.h>
 #include <rasterkit/host/metafiles/pixel_boxes.h>
 #include <rasterkit/host/metafiles/text_painter.h>
 
@@ -82,6 +83,7 @@ DrawingPath LetterOutline(cairo_t* scratch, unsigned long index) {
 
 void ShowGlyphs(Painter& painter, std::span<const PlacedGlyph> run, const Affine& letters,
                 const TextPlacement& placement, const PixelRect& box, uint32_t pixel) {
+  const std::shared_lock shared(OpenFonts());
   const CairoScaledFont font = SizedFont(*run[0].face, letters);
   if (!font) return;
   std::vector<cairo_glyph_t> glyphs;
@@ -113,6 +115,7 @@ DrawingPath TextCell(const TextLine& line, const TextPlacement& placement) {
 }
 
 DrawingPath TextOutline(const TextLine& line, const TextPlacement& placement) {
+  const std::shared_lock shared(OpenFonts());
   const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1));
   const CairoContext scratch(cairo_create(surface.get()));
   const Affine letters = LetterMap(line, placement);
