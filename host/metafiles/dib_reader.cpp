@@ -79,7 +79,7 @@ Dib DibReader::Read(const DibParts& parts, const DibRequest& request) {
   const DibHead head = ReadDibHead(parts.head, request.colors);
   const PixelSize size =
       head.IsEmbedded() ? EmbeddedSize(head, parts.bits) : StatedSize(head, request);
-  // Both are 31 bits at most, so that their product fits.
+  // Both are 32 bits at most, so that their product fits.
   if (size.height != 0) Take(size.width * size.height, parts.bits.size());
   const std::vector<uint8_t> file = DibAsFile(head, parts, request);
   TSpanStream stream(file);

@@ -45,6 +45,7 @@ EmfFields& EmfFields::Longs(std::initializer_list<int64_t> values) {
 }
 
 EmfFields& EmfFields::Number(double value) {
+  if (std::isnan(value)) value = 0;
   constexpr double least = std::numeric_limits<int32_t>::min();
   constexpr double most = std::numeric_limits<int32_t>::max();
   return Long(static_cast<int64_t>(std::clamp(std::nearbyint(value), least, most)));

@@ -19,7 +19,8 @@ class EmfFields {
   EmfFields& Word(int64_t value) { return Put(value, 2); }
   EmfFields& Long(int64_t value) { return Put(value, 4); }
   EmfFields& Longs(std::initializer_list<int64_t> values);
-  /// Rounded to whole numbers; what does not fit 32 bits becomes the nearest that does.
+  /// Rounded to whole numbers; what does not fit 32 bits becomes the nearest that does, and what is
+  /// no number 0.
   EmfFields& Number(double value);
   EmfFields& Single(double value) {
     return Long(std::bit_cast<int32_t>(static_cast<float>(value)));

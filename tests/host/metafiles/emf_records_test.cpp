@@ -125,6 +125,56 @@ TEST(EmfHeader, Should_TakeMillimetres_When_HeaderIsShort) {
   EXPECT_EQ(header.program, "");
 }
 
+/// A header with micrometres, followed by a description, both of them as the test wants them.
+std::vector<uint8_t> WithMicrometers(int32_t x, int32_t y, std::u16string description = {}) {
+  EmfFile file;
+  file.micrometersX = x;
+  file.micrometersY = y;
+  file.description = std::move(description);
+  return file.Bytes();
+}
+
+double WidthMm(const std::vector<uint8_t>& bytes) {
+  return ReadEmfHeader(*EmfRecords(bytes).Next()).deviceWidthMm;
+}
+
+TEST(EmfHeader, Should_TakeMillimetres_When_MicrometresAreOthers) {
+  EXPECT_EQ(WidthMm(WithMicrometers(250900, 200100)), 250.9);
+  EXPECT_EQ(WidthMm(WithMicrometers(260000, 200000)), 250);
+  EXPECT_EQ(WidthMm(WithMicrometers(250000, 220000)), 250);
+  EXPECT_EQ(WidthMm(WithMicrometers(-250000, 200000)), 250);
+  EmfFile tiny;
+  tiny.deviceWidthMm = 1;
+  tiny.deviceHeightMm = 1;
+  tiny.micrometersX = tiny.micrometersY = 800;
+  auto bytes = tiny.Bytes();
+  EXPECT_EQ(WidthMm(bytes), 0.8);
+  bytes[100] = bytes[101] = 0;
+  EXPECT_EQ(WidthMm(bytes), 1);
+}
+
+TEST(EmfHeader, Should_TakeMillimetres_When_DescriptionOrPixelFormatLieWhereMicrometresWould) {
+  const auto setLong = [](std::vector<uint8_t>& bytes, size_t at, uint32_t value) {
+    for (size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<uint8_t>(value >> (8 * i));
+  };
+  auto described = WithMicrometers(250500, 200250, u"Plotter");
+  setLong(described, 64, 100);
+  EXPECT_EQ(WidthMm(described), 250);
+  auto formatted = WithMicrometers(250500, 200250);
+  setLong(formatted, 88, 8);
+  EXPECT_EQ(WidthMm(formatted), 250.5);  // no place: there is none
+  setLong(formatted, 92, 100);
+  EXPECT_EQ(WidthMm(formatted), 250);
+  setLong(formatted, 88, 0);
+  EXPECT_EQ(WidthMm(formatted), 250.5);
+}
+
+TEST(EmfHeader, Should_BeRefused_When_ItIsAnotherRecord) {
+  auto bytes = EmfFile().Bytes();
+  bytes[0] = 2;
+  EXPECT_THROW(ReadEmfHeader(*EmfRecords(bytes).Next()), FormatError);
+}
+
 TEST(EmfHeader, Should_BeRefused_When_SignatureIsAnother) {
   auto bytes = EmfFile().Bytes();
   bytes[40] = 'x';
