@@ -1,6 +1,7 @@
 // metafile_sheet OUT.png PICTURES GROUPS TITLE PICTURE... TITLE PICTURE...: contact sheet with
-// PICTURES pictures beside each other under each title, and GROUPS such groups in a row. A picture
-// that is not there leaves a grey field.
+// PICTURES pictures beside each other under each title, and GROUPS such groups in a row. The white
+// around a drawing is cut off, as some draw it on a page; a picture that is not there leaves a grey
+// field.
 
 #include <algorithm>
 #include <cstdlib>
@@ -18,6 +19,7 @@
 #include <rasterkit/host/graphics/canvas.h>
 #include <rasterkit/host/metafiles/device_context.h>
 #include <rasterkit/host/raster/convert.h>
+#include <rasterkit/host/raster/fill.h>
 #include <rasterkit/host/runtime/atomic_file.h>
 #include <rasterkit/host/runtime/stream.h>
 
@@ -27,7 +29,7 @@ using rasterkit::PixelRect;
 using rasterkit::Raster;
 using rasterkit::TBitmap;
 
-constexpr int kCellWidth = 320, kCellHeight = 240, kTitle = 22, kGap = 8;
+constexpr int kCellWidth = 480, kCellHeight = 360, kTitle = 22, kGap = 8;
 constexpr rasterkit::TColor kPaper = 0xE8E8E8, kMissing = 0xB0B0B0;
 
 struct Group {
@@ -47,16 +49,47 @@ struct Layout {
   }
 };
 
+/// `raster` has 32 bits; what lies in its transparent parts is white.
+bool IsWhite(const Raster& raster, int x, int y) {
+  const uint8_t* pixel = raster.Row(y) + static_cast<size_t>(x) * 4;
+  return pixel[3] == 0 || (pixel[0] == 255 && pixel[1] == 255 && pixel[2] == 255);
+}
+
+/// Around all that is not white; all of a picture that is nothing but white.
+PixelRect Drawn(const Raster& raster) {
+  PixelRect box{raster.Width(), raster.Height(), 0, 0};
+  for (int y = 0; y < raster.Height(); ++y) {
+    for (int x = 0; x < raster.Width(); ++x) {
+      if (IsWhite(raster, x, y)) continue;
+      box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x + 1),
+             std::max(box.bottom, y + 1)};
+    }
+  }
+  return box.right > box.left ? box : PixelRect{0, 0, raster.Width(), raster.Height()};
+}
+
 std::optional<TBitmap> Load(const std::string& file) {
   if (!std::filesystem::exists(file)) return std::nullopt;
   rasterkit::TFileStream stream(file);
-  return TBitmap(rasterkit::DecodePicture(stream));
+  const Raster whole =
+      rasterkit::ConvertRaster(rasterkit::DecodePicture(stream), rasterkit::pf32bit);
+  const PixelRect box = Drawn(whole);
+  Raster part(rasterkit::pf32bit, box.right - box.left, box.bottom - box.top);
+  rasterkit::FillRaster(part, {0, 0, part.Width(), part.Height()}, rasterkit::clWhite);
+  for (int y = 0; y < part.Height(); ++y) {
+    for (int x = 0; x < part.Width(); ++x) {
+      if (IsWhite(whole, box.left + x, box.top + y)) continue;
+      const uint8_t* from = whole.Row(box.top + y) + static_cast<size_t>(box.left + x) * 4;
+      std::copy_n(from, 3, part.Row(y) + static_cast<size_t>(x) * 4);
+    }
+  }
+  return TBitmap(rasterkit::ConvertRaster(part, rasterkit::pf24bit));
 }
 
-/// As large as the cell allows, never larger than the picture is, in its middle.
+/// As large as the cell allows, in its middle.
 PixelRect Fitted(const PixelRect& cell, int width, int height) {
-  const double scale = std::min(
-      {1.0, static_cast<double>(kCellWidth) / width, static_cast<double>(kCellHeight) / height});
+  const double scale =
+      std::min(static_cast<double>(kCellWidth) / width, static_cast<double>(kCellHeight) / height);
   const int w = std::max(1, static_cast<int>(width * scale));
   const int h = std::max(1, static_cast<int>(height * scale));
   const int left = cell.left + (kCellWidth - w) / 2, top = cell.top + (kCellHeight - h) / 2;
