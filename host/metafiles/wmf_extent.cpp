@@ -159,7 +159,10 @@ WmfExtent WmfSurvey::Extent() const {
   if (hasExt_) return {orgX_, orgY_, orgX_ + extX_, orgY_ + extY_};
   if (drawn_.IsEmpty()) return {0, 0, 1, 1};
   // Points are pixels here, and the last one is seen too.
-  WmfExtent extent = drawn_.Extent();
+  DrawnBox drawn = drawn_;
+  // A window that has a corner but no size begins there.
+  if (hasOrg_ && unitsPerInch_ > 0) drawn.Add(orgX_, orgY_);
+  const WmfExtent extent = drawn.Extent();
   return {extent.left, extent.top, extent.right + 1, extent.bottom + 1};
 }
 

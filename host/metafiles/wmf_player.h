@@ -33,6 +33,16 @@ struct WmfPicture {
   PointD pixels;
 };
 
+/// A mapping mode of a Windows metafile, and what it sets beside itself so that the picture's box
+/// is what is seen of it.
+struct WmfMode {
+  MapMode mode = MapMode::anisotropic;
+  std::optional<PointD> windowOrg, windowExt, viewportExt;
+};
+
+/// What the record of a mapping mode does; nothing for one that is left out.
+std::optional<WmfMode> WmfModeOf(uint16_t number, const WmfPicture& picture);
+
 /// Plays the records of a Windows metafile onto a drawing context, one at a time.
 class WmfPlayer {
  public:
@@ -44,6 +54,7 @@ class WmfPlayer {
   bool Play(const WmfRecord& record);
 
   const WmfObjects& Objects() const { return objects_; }
+  const WmfPicture& Picture() const { return picture_; }
   /// Pixels of our device for those of the device that the file's viewport counts in.
   PointD ViewportScaled(PointD recorded) const;
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 
 #include <rasterkit/host/metafiles/wmf_fields.h>
@@ -48,6 +49,29 @@ bool WmfPlayer::PlayState(const WmfRecord& record) {
   }
 }
 
+std::optional<WmfMode> WmfModeOf(uint16_t number, const WmfPicture& picture) {
+  const RectD& window = picture.window;
+  const auto mode = static_cast<MapMode>(number);
+  WmfMode set{.mode = mode, .windowOrg = {}, .windowExt = {}, .viewportExt = {}};
+  switch (mode) {
+    case MapMode::text:
+      // Pixels of the recorder's screen are no unit: they stay fitted into the picture.
+      return std::nullopt;
+    case MapMode::anisotropic:
+      return set;
+    case MapMode::isotropic:
+      // The mode's own extents are a page's, of which y points up.
+      set.windowExt = PointD{window.Width(), window.Height()};
+      set.viewportExt = picture.pixels;
+      return set;
+    default:
+      // Modes with a unit of their own have y point up: the box begins where it is highest.
+      set.windowOrg =
+          PointD{std::min(window.left, window.right), std::max(window.top, window.bottom)};
+      return set;
+  }
+}
+
 /// A viewport counts in pixels of a device that nobody knows any more. The first one was the whole
 /// picture for the program that wrote it, and so it is here.
 PointD WmfPlayer::ViewportScaled(PointD recorded) const {
@@ -65,9 +89,12 @@ bool WmfPlayer::PlayMapping(const WmfRecord& record) {
   };
   switch (record.function) {
     case WmfFunction::setMapMode: {
-      const auto mode = static_cast<MapMode>(fields.Word());
-      // Pixels of the recorder's screen are no unit: they stay fitted into the picture.
-      if (mode != MapMode::text) context_.SetMapMode(mode);
+      const std::optional<WmfMode> mode = WmfModeOf(fields.Word(), picture_);
+      if (!mode) return true;
+      context_.SetMapMode(mode->mode);
+      if (mode->windowOrg) context_.SetWindowOrg(*mode->windowOrg);
+      if (mode->windowExt) context_.SetWindowExt(*mode->windowExt);
+      if (mode->viewportExt) context_.SetViewportExt(*mode->viewportExt);
       return true;
     }
     case WmfFunction::setWindowOrg:

@@ -118,8 +118,16 @@ bool WmfRecorder::RecordMapping(const WmfRecord& record) {
   };
   switch (record.function) {
     case WmfFunction::setMapMode: {
-      const uint16_t mode = fields.Word();
-      if (mode != static_cast<uint16_t>(MapMode::text)) writer_.Add(EmfType::setMapMode, {mode});
+      const std::optional<WmfMode> mode = WmfModeOf(fields.Word(), player_.Picture());
+      if (!mode) return true;
+      writer_.Add(EmfType::setMapMode, {static_cast<int64_t>(mode->mode)});
+      if (mode->windowOrg) windowOrg(*mode->windowOrg);
+      if (mode->windowExt) {
+        writer_.Add(EmfType::setWindowExt, EmfFields().Point(*mode->windowExt));
+      }
+      if (mode->viewportExt) {
+        writer_.Add(EmfType::setViewportExt, EmfFields().Point(*mode->viewportExt));
+      }
       return true;
     }
     case WmfFunction::setWindowOrg:

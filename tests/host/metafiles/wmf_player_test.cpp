@@ -138,6 +138,48 @@ TEST(WmfPlayer, Window_Should_FillThePicture) {
   EXPECT_EQ(played.At(45, 35), clWhite);
 }
 
+TEST(WmfPlayer, IsotropicMode_Should_FitTheWindowIntoThePicture) {
+  WmfFile file = BlueAreas();
+  file.Add(WmfFunction::setMapMode, {7}).Add(WmfFunction::setWindowExt, {16, 20});
+  file.Add(WmfFunction::polygon, {4, 10, 8, 20, 8, 20, 16, 10, 16});
+  const PlayedMetafile played = Play(file);
+  EXPECT_EQ(played.At(95, 75), kBlue);
+  EXPECT_EQ(played.At(55, 45), kBlue);
+  EXPECT_EQ(played.At(45, 35), clWhite);
+  EXPECT_EQ(played.At(55, 35), clWhite);
+}
+
+TEST(WmfPlayer, IsotropicMode_Should_KeepUnitsSquare) {
+  WmfFile file = BlueAreas();
+  file.Add(WmfFunction::setMapMode, {7}).Add(WmfFunction::setWindowExt, {20, 20});
+  file.Add(WmfFunction::polygon, {4, 0, 0, 20, 0, 20, 20, 0, 20});
+  const PlayedMetafile played = Play(file);
+  EXPECT_EQ(played.At(79, 79), kBlue);
+  EXPECT_EQ(played.At(81, 40), clWhite);
+}
+
+TEST(WmfPlayer, MetricModes_Should_ShowWhatIsDrawn_When_NoWindowIsSet) {
+  // Millimetres below the page's upper edge: a box from (20, -20) to (80, -60).
+  WmfFile file = BlueAreas();
+  file.box.reset();
+  file.Add(WmfFunction::setMapMode, {2});
+  file.Add(WmfFunction::polygon, {4, 200, -200, 800, -200, 800, -600, 200, -600});
+  const PlayedMetafile played = Play(file);
+  EXPECT_EQ(played.At(2, 2), kBlue);
+  EXPECT_EQ(played.At(played.raster.Width() - 3, played.raster.Height() - 3), kBlue);
+}
+
+TEST(WmfPlayer, MetricModes_Should_BeginAtTheWindowsCorner_When_ItHasNoSize) {
+  WmfFile file = BlueAreas();
+  file.box.reset();
+  file.Add(WmfFunction::setMapMode, {2}).Add(WmfFunction::setWindowOrg, {0, 0});
+  file.Add(WmfFunction::polygon, {4, 400, -400, 800, -400, 800, -800, 400, -800});
+  const PlayedMetafile played = Play(file);
+  const int width = played.raster.Width(), height = played.raster.Height();
+  EXPECT_EQ(played.At(width * 3 / 4, height * 3 / 4), kBlue);
+  EXPECT_EQ(played.At(width / 4, height / 4), clWhite);
+}
+
 TEST(WmfPlayer, Window_Should_MoveAndScale) {
   const auto square = [](std::initializer_list<std::pair<WmfFunction, FieldBytes>> mapping) {
     WmfFile file = BlueAreas();

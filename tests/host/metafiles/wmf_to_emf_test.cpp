@@ -214,10 +214,11 @@ TEST(WmfToEmf, Mapping_Should_BeTheSame) {
       {{WmfFunction::offsetViewportOrg, {40, 50}}, {WmfFunction::offsetViewportOrg, {4, 5}}},
       {{WmfFunction::setViewportExt, {8000, 10000}}, {WmfFunction::setViewportOrg, {4000, 5000}}},
       {{WmfFunction::setMapMode, {1}}},
+      {{WmfFunction::setMapMode, {7}}},
       {{WmfFunction::setMapMode, {2}}, {WmfFunction::setWindowOrg, {30, -20}}},
       {{WmfFunction::setMapMode, {7}},
        {WmfFunction::setWindowExt, {100, 100}},
-       {WmfFunction::setWindowOrg, {30, -5}}},
+       {WmfFunction::setWindowOrg, {-30, -5}}},
   };
   for (const auto& mapping : mappings) {
     WmfFile file = BlueAreas();
