@@ -131,7 +131,8 @@ void DeviceContext::PolyPolyline(std::span<const PointD> points, std::span<const
 }
 
 void DeviceContext::Arc(const RectD& box, const ArcEnds& ends) {
-  const ShapeFrame frame = ShapeFrameOf(parts_->state, parts_->deviceToTarget, Finite(box));
+  const ShapeFrame frame =
+      ShapeFrameOf(parts_->state, parts_->deviceToTarget, Finite(box), parts_->PenStyle());
   const EllipseArc arc = ArcBetween(frame, frame.lineBox, ends, parts_->state.arcs);
   Parts::Path line;
   line.MoveTo(frame.toTarget(arc.Start()));
@@ -141,7 +142,8 @@ void DeviceContext::Arc(const RectD& box, const ArcEnds& ends) {
 }
 
 void DeviceContext::ArcTo(const RectD& box, const ArcEnds& ends) {
-  const ShapeFrame frame = ShapeFrameOf(parts_->state, parts_->deviceToTarget, Finite(box));
+  const ShapeFrame frame =
+      ShapeFrameOf(parts_->state, parts_->deviceToTarget, Finite(box), parts_->PenStyle());
   const EllipseArc arc = ArcBetween(frame, frame.lineBox, ends, parts_->state.arcs);
   Parts::Path line = parts_->StartedPath();
   line.LineTo(frame.toTarget(arc.Start()));

@@ -131,13 +131,29 @@ void DeviceContext::Parts::Stroke(const Path& outline) {
   painter.Stroke(outline, *style, PenInk(), Code());
 }
 
+bool DeviceContext::Parts::FillsToLines() {
+  return PenStyle() && deviceToTarget.MeanScale() > 1 + 1e-9;
+}
+
+DeviceContext::Parts::Path DeviceContext::Parts::AlongLines(const Path& outline) {
+  Path moved = outline;
+  if (const StrokeStyle* style = FillsToLines() ? PenStyle() : nullptr) {
+    moved.Transform(Affine::Translation(style->fit.toCenter.x, style->fit.toCenter.y));
+  }
+  return moved;
+}
+
 void DeviceContext::Parts::Shape(const Path& outline) {
   if (isPathOpen) {
     path.Append(outline);
     startsFigure = true;
     return;
   }
-  Fill(outline);
+  if (FillsToLines()) {
+    Fill(AlongLines(outline));
+  } else {
+    Fill(outline);
+  }
   Stroke(outline);
 }
 

@@ -47,6 +47,11 @@ struct DeviceContext::Parts {
 
   void Fill(const Path& outline);
   void Stroke(const Path& outline);
+  /// Pixels of the device are larger than those of the target, and the pen draws: it is seen that
+  /// lines run through their middles, and areas end there.
+  bool FillsToLines();
+  /// What is filled inside an outline that is drawn as well.
+  Path AlongLines(const Path& outline);
   /// Adds to the open path, or fills and draws.
   void Shape(const Path& outline);
   void Line(const Path& outline);

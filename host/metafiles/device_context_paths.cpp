@@ -79,7 +79,8 @@ void DeviceContext::StrokeAndFillPath() {
   if (parts_->isPathOpen) return;
   TakenPath taken = Take(*parts_);
   // Open figures are closed where a path is filled.
-  DrawingPath closed = WithClosedFigures(taken.outline);
+  const DrawingPath closed = WithClosedFigures(taken.outline);
+  if (!taken.widened) taken.outline = parts_->AlongLines(taken.outline);
   FillTaken(*parts_, taken);
   parts_->Stroke(closed);
 }

@@ -12,9 +12,9 @@ using namespace detail;
 namespace {
 
 /// The frame of a box, with the pen inside it where the pen wants that.
-ShapeFrame FrameOf(const DrawingState& state, const Affine& deviceToTarget, const RectD& box) {
-  ShapeFrame frame = ShapeFrameOf(state, deviceToTarget, Finite(box));
-  if (state.pen) KeepInside(frame, *state.pen);
+ShapeFrame FrameOf(DeviceContext::Parts& parts, const RectD& box) {
+  ShapeFrame frame = ShapeFrameOf(parts.state, parts.deviceToTarget, Finite(box), parts.PenStyle());
+  if (parts.state.pen) KeepInside(frame, *parts.state.pen);
   return frame;
 }
 
@@ -41,8 +41,9 @@ void DrawBoxed(DeviceContext::Parts& parts, const ShapeFrame& frame, MakeOutline
     parts.Shape(outline(frame.fillBox));
     return;
   }
-  parts.Fill(outline(frame.fillBox));
-  parts.Stroke(outline(frame.lineBox));
+  const DrawingPath line = outline(frame.lineBox);
+  parts.Fill(parts.FillsToLines() ? parts.AlongLines(line) : outline(frame.fillBox));
+  parts.Stroke(line);
 }
 
 }  // namespace
@@ -66,7 +67,7 @@ void DeviceContext::PolyPolygon(std::span<const PointD> points, std::span<const 
 }
 
 void DeviceContext::Rectangle(const RectD& box) {
-  const ShapeFrame frame = FrameOf(parts_->state, parts_->deviceToTarget, box);
+  const ShapeFrame frame = FrameOf(*parts_, box);
   DrawBoxed(*parts_, frame, [&](const RectD& rect) {
     Parts::Path outline;
     outline.AddRect(rect);
@@ -76,7 +77,7 @@ void DeviceContext::Rectangle(const RectD& box) {
 }
 
 void DeviceContext::RoundRect(const RectD& box, PointD corner) {
-  const ShapeFrame frame = FrameOf(parts_->state, parts_->deviceToTarget, box);
+  const ShapeFrame frame = FrameOf(*parts_, box);
   const PointD round = frame.fromLogical.Direction(Finite(corner));
   DrawBoxed(*parts_, frame, [&](const RectD& rect) {
     Parts::Path outline;
@@ -86,7 +87,7 @@ void DeviceContext::RoundRect(const RectD& box, PointD corner) {
 }
 
 void DeviceContext::Ellipse(const RectD& box) {
-  const ShapeFrame frame = FrameOf(parts_->state, parts_->deviceToTarget, box);
+  const ShapeFrame frame = FrameOf(*parts_, box);
   DrawBoxed(*parts_, frame, [&](const RectD& rect) {
     Parts::Path outline;
     AddEllipse(outline, rect, frame.toTarget);
@@ -95,14 +96,14 @@ void DeviceContext::Ellipse(const RectD& box) {
 }
 
 void DeviceContext::Chord(const RectD& box, const ArcEnds& ends) {
-  const ShapeFrame frame = FrameOf(parts_->state, parts_->deviceToTarget, box);
+  const ShapeFrame frame = FrameOf(*parts_, box);
   DrawBoxed(*parts_, frame, [&](const RectD& rect) {
     return ArcShape(frame, rect, ends, parts_->state.arcs, false);
   });
 }
 
 void DeviceContext::Pie(const RectD& box, const ArcEnds& ends) {
-  const ShapeFrame frame = FrameOf(parts_->state, parts_->deviceToTarget, box);
+  const ShapeFrame frame = FrameOf(*parts_, box);
   DrawBoxed(*parts_, frame, [&](const RectD& rect) {
     return ArcShape(frame, rect, ends, parts_->state.arcs, true);
   });

@@ -6,7 +6,8 @@
 
 namespace rasterkit::detail {
 
-ShapeFrame ShapeFrameOf(const DrawingState& state, const Affine& deviceToTarget, const RectD& box) {
+ShapeFrame ShapeFrameOf(const DrawingState& state, const Affine& deviceToTarget, const RectD& box,
+                        const StrokeStyle* pen) {
   const Affine toDevice = state.ToDevice();
   if (state.graphicsMode == GraphicsMode::advanced || !toDevice.KeepsAxes()) {
     const RectD logical = Normalized(box);
@@ -14,8 +15,9 @@ ShapeFrame ShapeFrameOf(const DrawingState& state, const Affine& deviceToTarget,
   }
   const RectD whole = MappedBounds(box, toDevice);
   RectD line = whole;
-  line.right = std::max(line.left, line.right - 1);
-  line.bottom = std::max(line.top, line.bottom - 1);
+  const double part = pen ? pen->pixelPart : 1;
+  line.right = std::max(line.left, line.right - part);
+  line.bottom = std::max(line.top, line.bottom - part);
   return {toDevice, deviceToTarget, whole, line};
 }
 

@@ -3,19 +3,22 @@
 #include <rasterkit/host/metafiles/arc_outline.h>
 #include <rasterkit/host/metafiles/device_context.h>
 #include <rasterkit/host/metafiles/drawing_state.h>
+#include <rasterkit/host/metafiles/stroke_style.h>
 
 namespace rasterkit::detail {
 
 /// The coordinates in which a boxed shape is made. In compatible mode they are the device's pixels,
-/// where the right and lower edge of a box are drawn one pixel before its corner; else the logical
-/// units.
+/// where the right and lower edge of a box are drawn one pixel before its corner (or as much of one
+/// as the pen is wide); else the logical units.
 struct ShapeFrame {
   Affine fromLogical, toTarget;
   RectD fillBox;  ///< what is filled
   RectD lineBox;  ///< what the pen goes along
 };
 
-ShapeFrame ShapeFrameOf(const DrawingState& state, const Affine& deviceToTarget, const RectD& box);
+/// `pen` may be null: nothing is drawn along the line then.
+ShapeFrame ShapeFrameOf(const DrawingState& state, const Affine& deviceToTarget, const RectD& box,
+                        const StrokeStyle* pen);
 
 /// Moves the pen's line inward by half of its width, for a pen that stays inside its frame.
 void KeepInside(ShapeFrame& frame, const LogicalPen& pen);

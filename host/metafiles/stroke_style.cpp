@@ -79,14 +79,16 @@ cairo_line_join_t Join(uint32_t style) {
   }
 }
 
-PixelFit FitOf(double width, const Affine& deviceToTarget) {
+/// Puts a line of that width, in pixels of the target, onto pixels.
+void Fit(StrokeStyle& style, double width, const Affine& deviceToTarget) {
   // Lines run through the middles of the device's pixels; one that is thinner than these keeps to
   // their upper left, where areas end.
   const double pixel = deviceToTarget.MeanScale();
-  const double half = pixel > 0 ? 0.5 * std::min(1.0, width / pixel) : 0.5;
-  const PointD center = deviceToTarget.Direction({half, half});
+  style.pixelPart = pixel > 0 ? std::min(1.0, width / pixel) : 1;
+  const double half = style.pixelPart / 2;
   const bool isOdd = std::fmod(std::floor(width + 0.5), 2) == 1;
-  return {.grid = isOdd ? EdgeGrid::thin : EdgeGrid::broad, .toCenter = center};
+  style.fit.grid = isOdd ? EdgeGrid::thin : EdgeGrid::broad;
+  style.fit.toCenter = deviceToTarget.Direction({half, half});
 }
 
 /// A pen that names a width was a pixel wide for want of finer ones. Where there are such, it gets
@@ -104,7 +106,7 @@ StrokeStyle Cosmetic(const LogicalPen& pen, const PenSurroundings& around) {
   // Corners are whole pixels, but sharp bends have no spikes.
   style.miterLimit = 1.5;
   style.dashes = Dashes(pen, false, 1, unit);
-  style.fit = FitOf(style.width, around.deviceToTarget);
+  Fit(style, style.width, around.deviceToTarget);
   style.fit.keepsEnds = true;
   return style;
 }
@@ -131,7 +133,7 @@ StrokeStyle Broad(const LogicalPen& pen, const PenSurroundings& around) {
   style.join = isGeometric ? Join(pen.style) : CAIRO_LINE_JOIN_ROUND;
   style.miterLimit = std::max(1.0, around.miterLimit);
   if (isGeometric) style.dashes = Dashes(pen, true, style.width, unit);
-  style.fit = FitOf(width * scale, around.deviceToTarget);
+  Fit(style, width * scale, around.deviceToTarget);
   return style;
 }
 

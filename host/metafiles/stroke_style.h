@@ -23,6 +23,8 @@ struct StrokeStyle {
   std::vector<double> dashes;  ///< in the unit of `width`; empty: none
   bool gapsAreFilled = false;  ///< with the background colour, where that is opaque
   PixelFit fit;
+  /// How much of a pixel of the recording device a line covers across: 1, or less for thinner ones.
+  double pixelPart = 1;
   /// Different for styles that differ, so that one that is set already is known; 0: never known.
   uint64_t serial = 0;
 

@@ -307,5 +307,56 @@ TEST(DeviceGradients, Should_MixThreeColours_When_ATriangleIsShaded) {
   EXPECT_GT(paper.At(0, 28) >> 16 & 255, 220);
 }
 
+/// Pixels where the blue of an area mixes with the white beside it: its frame does not cover them.
+int Slivers(const DrawingPaper& paper) {
+  int count = 0;
+  for (int y = 0; y < paper.raster.Height(); ++y) {
+    for (int x = 0; x < paper.raster.Width(); ++x) {
+      const TColor at = paper.At(x, y);
+      const int red = at & 255, blue = at >> 16 & 255;
+      count += red > 20 && blue > red + 20;
+    }
+  }
+  return count;
+}
+
+DrawingPaper Magnified() {
+  DrawingPaper paper(160, 160, Affine::Scaling(16, 16));
+  paper.Brush(RGB(0, 0, 255));
+  paper.Pen(clBlack);
+  return paper;
+}
+
+TEST(DeviceShapes, Should_FillUpToTheirLines_When_PixelsOfTheDeviceAreLarge) {
+  const PointD corners[] = {{5, 1}, {8, 5}, {5, 8}, {1, 5}};
+  DrawingPaper polygon = Magnified(), ellipse = Magnified(), path = Magnified();
+  polygon.Dc().Polygon(corners);
+  ellipse.Dc().Ellipse({1, 1, 9, 9});
+  path.Dc().BeginPath();
+  path.Dc().Polygon(corners);
+  path.Dc().EndPath();
+  path.Dc().StrokeAndFillPath();
+  for (const DrawingPaper* paper : {&polygon, &ellipse, &path}) {
+    EXPECT_EQ(paper->At(80, 80), RGB(0, 0, 255));
+    EXPECT_EQ(Slivers(*paper), 0);
+  }
+}
+
+TEST(DeviceShapes, Should_ReachTheBoxesEdge_When_ThePenIsThinnerThanAPixelOfTheDevice) {
+  DrawingPaper paper(160, 160, Affine::Scaling(16, 16));
+  paper.Dc().SetMapMode(MapMode::anisotropic);
+  paper.Dc().SetWindowExt({16, 16});
+  paper.Dc().SetViewportExt({1, 1});
+  paper.Brush(RGB(0, 0, 255));
+  paper.Pen(clBlack, 2);
+  paper.Dc().Rectangle({32, 32, 96, 96});
+  for (const int at : {32, 33, 94, 95}) {
+    EXPECT_EQ(paper.At(at, 64), clBlack) << at;
+    EXPECT_EQ(paper.At(64, at), clBlack) << at;
+  }
+  for (const int at : {31, 96}) EXPECT_EQ(paper.At(at, 64), clWhite) << at;
+  for (const int at : {34, 93}) EXPECT_EQ(paper.At(at, 64), RGB(0, 0, 255)) << at;
+}
+
 }  // namespace
 }  // namespace rasterkit
