@@ -73,6 +73,90 @@ TEST(DibReader, Should_ReadAShortTable) {
   EXPECT_EQ(dib.raster.PixelColor(3, 0), clBlack);
 }
 
+TEST(DibReader, Should_TakeTheEntriesThatAreThere_When_ATableIsCutOff) {
+  BmpFile file = FourIndexes();
+  file.palette = {0x111111, 0x222222};
+  const std::vector<uint8_t> bytes = PackedDib(file);
+  const std::span<const uint8_t> all(bytes);
+  for (const auto& [headBytes, entries] : {std::pair<size_t, int>(48, 2), {47, 1}, {44, 1}}) {
+    const DibParts parts{all.first(headBytes), all.subspan(48)};
+    const Raster raster = DibReader(1000).Read(parts, {}).raster;
+    EXPECT_EQ(raster.palette.Count(), entries) << headBytes;
+    EXPECT_EQ(raster.PixelColor(0, 0), 0x111111) << headBytes;
+    EXPECT_EQ(raster.PixelColor(3, 0), clBlack) << headBytes;
+  }
+}
+
+TEST(DibReader, Should_BeBlack_When_ThereIsNoTableAtAll) {
+  const std::vector<uint8_t> bytes = PackedDib(FourIndexes());
+  const std::span<const uint8_t> all(bytes);
+  const Raster raster = DibReader(1000).Read({all.first(40), all.subspan(40)}, {}).raster;
+  EXPECT_EQ(raster.Width(), 4);
+  for (int x = 0; x < 4; ++x) EXPECT_EQ(raster.PixelColor(x, 0), clBlack);
+}
+
+TEST(DibReader, Should_Refuse_When_MasksAreCutOff) {
+  BmpFile file;
+  file.width = 2;
+  file.bits = 16;
+  file.compression = 3;
+  file.masks = {0xF800, 0x07E0, 0x001F};
+  file.pixels = {0, 0, 0, 0};
+  const std::vector<uint8_t> bytes = PackedDib(file);
+  const std::span<const uint8_t> all(bytes);
+  for (size_t headBytes = 0; headBytes < 52; ++headBytes) {
+    EXPECT_THROW(DibReader(1000).Read({all.first(headBytes), all.subspan(52)}, {}), FormatError)
+        << headBytes;
+  }
+  EXPECT_NO_THROW(DibReader(1000).Read({all.first(52), all.subspan(52)}, {}));
+}
+
+TEST(DibReader, Should_ReadSomeRows_When_TheBitmapRunsDownward) {
+  BmpFile file = SixColors();
+  file.height = -500;
+  DibRequest request;
+  request.rows = 2;
+  const Dib dib = ReadPacked(file, request);
+  EXPECT_TRUE(dib.isTopDown);
+  ASSERT_EQ(dib.raster.Height(), 2);
+  EXPECT_EQ(dib.raster.PixelColor(0, 1), 0x0000FF);
+  EXPECT_EQ(dib.raster.PixelColor(0, 0), clWhite);
+}
+
+TEST(DibReader, Should_Refuse_When_SomeRowsAreNoneOrTooMany) {
+  for (const int32_t height : {2, -2}) {
+    for (const uint32_t rows : {0u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+      BmpFile file = SixColors();
+      file.height = height;
+      DibRequest request;
+      request.rows = rows;
+      EXPECT_THROW(ReadPacked(file, request), Error) << height << ", " << rows;
+    }
+  }
+}
+
+TEST(DibReader, Should_Refuse_When_ASideIsImpossible) {
+  for (const auto& [width, height] :
+       {std::pair(0, 2), {-3, 2}, {INT32_MIN, 2}, {3, 0}, {3, INT32_MIN}, {INT32_MAX, INT32_MAX}}) {
+    BmpFile file = SixColors();
+    file.width = width;
+    file.height = height;
+    EXPECT_THROW(ReadPacked(file), Error) << width << " x " << height;
+  }
+}
+
+TEST(DibReader, Should_ReadASmallBitmap_When_ItsBytesAreAlmostNone) {
+  BmpFile file = FourIndexes();
+  file.width = 4096;
+  file.height = 16;
+  file.compression = 1;
+  file.palette.assign(256, 0x445566);
+  file.pixels = {0, 1};  // runs end at once
+  const Raster raster = ReadPacked(file).raster;
+  EXPECT_EQ(raster.Width(), 4096);
+  EXPECT_EQ(raster.PixelColor(4095, 15), 0x665544);
+}
+
 TEST(DibReader, Should_SkipTheTableOfATrueColourBitmap) {
   BmpFile file = SixColors();
   file.colorsUsed = 2;

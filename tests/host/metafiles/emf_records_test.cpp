@@ -189,6 +189,8 @@ TEST(EmfHeader, Should_CutTheText_When_ItsLengthIsALie) {
   EXPECT_EQ(ReadEmfHeader(*EmfRecords(bytes).Next()).program, "abc");
   bytes[64] = 0xFF;  // and lies about its place
   EXPECT_EQ(ReadEmfHeader(*EmfRecords(bytes).Next()).program, "");
+  bytes[64] = 0;  // or has none
+  EXPECT_EQ(ReadEmfHeader(*EmfRecords(bytes).Next()).program, "");
 }
 
 FieldBytes PlusComment(std::initializer_list<uint16_t> types) {
@@ -212,6 +214,44 @@ TEST(EmfContents, Should_TellRecordsOfTheNewerKind) {
   EXPECT_EQ(contents.records, 4u);
   file.Add(EmfType::rectangle, {1, 1, 5, 5});
   EXPECT_TRUE(ReadEmfContents(file.Bytes()).hasDrawing);
+}
+
+TEST(EmfContents, Should_KnowWhichNewerRecordsDraw) {
+  const auto draws = [](uint16_t type) {
+    EmfFile file;
+    file.Add(EmfType::comment, PlusComment({type}));
+    return ReadEmfContents(file.Bytes()).hasEmfPlusDrawing;
+  };
+  for (const uint16_t type : {0x4009, 0x400A, 0x401B, 0x401C, 0x4036}) EXPECT_TRUE(draws(type));
+  for (const uint16_t type : {0x4001, 0x4008, 0x401D, 0x4035, 0x4037, 0x9}) {
+    EXPECT_FALSE(draws(type)) << type;
+  }
+}
+
+TEST(EmfContents, Should_EndAtTheNewerRecord_When_ItsSizeIsImpossible) {
+  const auto draws = [](int64_t size) {
+    EmfFile file;
+    FieldBytes fields{64, kEmfPlusMark, 0x4001, size, 0};
+    for (int i = 0; i < 3; ++i) fields.Longs({0x400A, 12, 0});
+    file.Add(EmfType::comment, fields);
+    return ReadEmfContents(file.Bytes()).hasEmfPlusDrawing;
+  };
+  EXPECT_TRUE(draws(12));
+  EXPECT_TRUE(draws(24));
+  EXPECT_TRUE(draws(36));
+  for (const uint32_t size : {0u, 1u, 4u, 8u, 11u, 48u, 49u, 60u, 0xFFFFu, 0xFFFFFFFFu}) {
+    EXPECT_FALSE(draws(size)) << size;
+  }
+}
+
+TEST(EmfContents, Should_IgnoreMarks_When_TheCommentIsTooShortForOne) {
+  for (const int64_t stated : {0, 1, 3}) {
+    EmfFile file;
+    file.Add(EmfType::comment, FieldBytes{stated, kEmfPlusMark, 0x400A, 12, 0});
+    const EmfContents contents = ReadEmfContents(file.Bytes());
+    EXPECT_FALSE(contents.hasEmfPlus) << stated;
+    EXPECT_FALSE(contents.hasEmfPlusDrawing) << stated;
+  }
 }
 
 TEST(EmfContents, Should_IgnoreOtherAndBrokenComments) {

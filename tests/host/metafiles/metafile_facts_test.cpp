@@ -37,6 +37,48 @@ TEST(MetafileFacts, Should_TakeTheBounds_When_FrameIsEmpty) {
               testing::ElementsAre("EMF: the frame is empty, the bounds are taken"));
 }
 
+TEST(MetafileFacts, Should_TakeTheBounds_When_FrameHasNoWidthOrHeight) {
+  for (const std::array<int32_t, 4>& frame :
+       {std::array{0, 0, 2500, 0}, {0, 0, 0, 2000}, {0, 10, 2500, 5}}) {
+    EmfFile file;
+    file.frame = frame;
+    file.bounds = {10, 20, 49, 39};
+    const MetafileFacts facts = ReadMetafileFacts(file.Bytes());
+    EXPECT_EQ(facts.frame.left, 250);
+    EXPECT_EQ(facts.frame.top, 500);
+    EXPECT_EQ(facts.widthMm100, 1000);
+    EXPECT_EQ(facts.heightMm100, 500);
+  }
+}
+
+TEST(MetafileFacts, Should_TakeACommonScreen_When_NoDeviceIsNamed) {
+  const auto broken = [](int32_t EmfFile::*field) {
+    EmfFile file;
+    file.frame = {0, 0, 0, 0};
+    file.bounds = {0, 0, 191, 95};
+    file.*field = 0;
+    return ReadMetafileFacts(file.Bytes());
+  };
+  for (const auto field : {&EmfFile::deviceWidth, &EmfFile::deviceHeight, &EmfFile::deviceWidthMm,
+                           &EmfFile::deviceHeightMm}) {
+    const MetafileFacts facts = broken(field);
+    EXPECT_EQ(facts.deviceWidthMm, 25.4);
+    EXPECT_EQ(facts.deviceHeight, 96);
+    EXPECT_EQ(facts.width, 192);
+    EXPECT_EQ(facts.height, 96);
+    EXPECT_EQ(facts.widthMm100, 5080);
+    EXPECT_THAT(facts.warnings, testing::Contains("EMF: the header names no reference device"));
+  }
+}
+
+TEST(MetafileFacts, Sizes_Should_BeRoundedToTheNearest) {
+  EmfFile file;
+  file.frame = {0, 0, 278, 279};  // 10.507 and 10.545 pixels
+  EXPECT_EQ(ReadMetafileFacts(file.Bytes()).width, 11);
+  file.frame = {0, 0, 277, 279};  // 10.469
+  EXPECT_EQ(ReadMetafileFacts(file.Bytes()).width, 10);
+}
+
 TEST(MetafileFacts, Should_HaveASize_When_NumbersAreExtreme) {
   EmfFile file;
   file.frame = {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
@@ -96,6 +138,19 @@ TEST(MetafileFacts, Should_TakeTwentiethsOfAPoint_When_PlainAndLarge) {
   EXPECT_EQ(facts.width, 192);
 }
 
+TEST(MetafileFacts, Should_LookAtTheLongerSide_When_UnitsAreNotSaid) {
+  const auto units = [](int64_t height, int64_t width) {
+    WmfFile file;
+    return ReadMetafileFacts(file.Add(WmfFunction::setWindowExt, {height, width}).Bytes())
+        .unitsPerInch;
+  };
+  EXPECT_EQ(units(10, 2048), 96);
+  EXPECT_EQ(units(10, 2049), 1440);
+  EXPECT_EQ(units(2048, 10), 96);
+  EXPECT_EQ(units(2049, 10), 1440);
+  EXPECT_EQ(units(-2049, 10), 1440);
+}
+
 TEST(MetafileFacts, Should_TakeTheModesUnit_When_PlainAndMetric) {
   WmfFile file;
   file.Add(WmfFunction::setMapMode, {2}).Add(WmfFunction::rectangle, {-127, 508, 0, 0});
@@ -113,6 +168,14 @@ TEST(MetafileFacts, Should_TellDrawingsThatAreNotDrawn) {
   EXPECT_TRUE(facts.isEmfPlusOnly);
   file.Add(EmfType::lineTo, {4, 4});
   facts = ReadMetafileFacts(file.Bytes());
+  EXPECT_TRUE(facts.hasEmfPlus);
+  EXPECT_FALSE(facts.isEmfPlusOnly);
+}
+
+TEST(MetafileFacts, Should_BeDrawn_When_NewerRecordsDrawNothing) {
+  EmfFile file;
+  file.Add(EmfType::comment, {16, kEmfPlusMark, 0x4001, 12, 0});
+  const MetafileFacts facts = ReadMetafileFacts(file.Bytes());
   EXPECT_TRUE(facts.hasEmfPlus);
   EXPECT_FALSE(facts.isEmfPlusOnly);
 }

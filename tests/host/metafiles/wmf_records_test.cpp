@@ -49,6 +49,31 @@ TEST(WmfRecords, Should_ReadThePlacement_When_FileIsPlaceable) {
   EXPECT_EQ(Functions(bytes), Functions(plain));
 }
 
+TEST(WmfRecords, Should_TakeBothKindsAndVersionsOfHeaders) {
+  auto bytes = TwoLines().Bytes();
+  for (const uint8_t type : {1, 2}) {
+    for (const uint8_t version : {1, 3}) {
+      bytes[0] = type;
+      bytes[5] = version;
+      EXPECT_EQ(Functions(bytes).size(), 3u) << int{type} << ", " << int{version};
+    }
+  }
+  bytes[0] = 3;
+  EXPECT_THROW(WmfRecords{bytes}, FormatError);
+  bytes[0] = 1;
+  bytes[5] = 2;
+  EXPECT_THROW(WmfRecords{bytes}, FormatError);
+}
+
+TEST(WmfRecords, Should_BeRefused_When_APlaceableHeaderIsCutOff) {
+  WmfFile file = TwoLines();
+  file.box = {{0, 0, 10, 10}};
+  const auto bytes = file.Bytes();
+  for (size_t count = 0; count < kWmfPlaceableHeader + kWmfHeader; ++count) {
+    EXPECT_THROW(WmfRecords(std::span(bytes).first(count)), FormatError) << count;
+  }
+}
+
 TEST(WmfRecords, Should_BeRefused_When_ThereIsNoHeader) {
   const auto whole = TwoLines().Bytes();
   for (size_t count = 0; count < kWmfHeader; ++count) {
@@ -109,6 +134,13 @@ TEST(WmfContents, Should_TakeTheFirstWindow) {
   ExpectExtent(ExtentOf(file), 10, 20, 50, -30);
 }
 
+TEST(WmfContents, Should_TakeTheNextWindow_When_OneHasNoWidthOrHeight) {
+  WmfFile file;
+  file.Add(WmfFunction::setWindowExt, {0, 5}).Add(WmfFunction::setWindowExt, {5, 0});
+  file.Add(WmfFunction::setWindowExt, {9, 7});
+  ExpectExtent(ExtentOf(file), 0, 0, 7, 9);
+}
+
 TEST(WmfContents, Should_TakeTheCoordinates_When_ThereIsNoWindow) {
   const auto one = [](WmfFunction function, std::initializer_list<int64_t> words) {
     WmfFile file;
@@ -127,6 +159,11 @@ TEST(WmfContents, Should_TakeTheCoordinates_When_ThereIsNoWindow) {
   ExpectExtent(one(WmfFunction::patBlt, {0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
   ExpectExtent(one(WmfFunction::dibBitBlt, {0, 0, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
   ExpectExtent(one(WmfFunction::dibStretchBlt, {0, 0, 9, 9, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
+  // Without a bitmap there is a word of room in its place.
+  ExpectExtent(one(WmfFunction::dibBitBlt, {0, 0, 0, 0, 99, 10, 20, 6, 4}), 4, 6, 25, 17);
+  ExpectExtent(one(WmfFunction::bitBlt, {0, 0, 0, 0, 99, 10, 20, 6, 4}), 4, 6, 25, 17);
+  ExpectExtent(one(WmfFunction::dibStretchBlt, {0, 0, 9, 9, 0, 0, 99, 10, 20, 6, 4}), 4, 6, 25, 17);
+  ExpectExtent(one(WmfFunction::stretchBlt, {0, 0, 9, 9, 0, 0, 99, 10, 20, 6, 4}), 4, 6, 25, 17);
   ExpectExtent(one(WmfFunction::stretchDib, {0, 0, 0, 9, 9, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
   ExpectExtent(one(WmfFunction::setDibToDev, {0, 9, 9, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
 }
@@ -160,6 +197,10 @@ TEST(WmfContents, Should_KnowTheUnitsOfMetricModes) {
   EXPECT_EQ(units(6), 1440);
   EXPECT_EQ(units(8), 0);
   EXPECT_EQ(units(77), 0);
+  WmfFile two;
+  two.Add(WmfFunction::setMapMode, {8}).Add(WmfFunction::setMapMode, {5});
+  two.Add(WmfFunction::setMapMode, {6});
+  EXPECT_EQ(ReadWmfContents(two.Bytes()).unitsPerInch, 1000);
 }
 
 }  // namespace
