@@ -153,7 +153,7 @@ void Subject::Refuse(const std::string& reason) const {
 }
 
 JobResult ConvertPicture(const Job& job, const PictureOptions& options, const PictureSteps& steps) {
-  if (IsMetafileName(job.output)) return ConvertMetafile(job);
+  if (IsMetafileName(job.output)) return ConvertMetafile(job, options);
   LoadedPicture picture = LoadPicture(job.input, CodecThreads(options), DrawingOf(options));
   NoteUnusedSize(picture, options);
   StopIfInterrupted();

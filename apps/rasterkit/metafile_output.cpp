@@ -21,6 +21,7 @@ bool IsEmfName(const std::string& file) {
 
 void RequireMetafile(PictureType type, const std::string& file) {
   if (type == PictureType::emf || type == PictureType::wmf) return;
+  if (type == PictureType::unknown) throw FormatError("the data are no picture of a known kind");
   throw Failure(exitOutputNotWritten, file + ": pixels cannot become a metafile");
 }
 
@@ -52,13 +53,23 @@ void Save(TMetafile& metafile, const std::string& file) {
   }
 }
 
+bool IsForPixels(const PictureOptions& options) {
+  return options.metafile.IsAsked() || options.bits != 0 ||
+         options.background != PictureOptions().background;
+}
+
 }  // namespace
 
 bool IsMetafileName(const std::string& file) {
   return IsEmfName(file) || UpperCase(ExtractFileExt(file)) == ".WMF";
 }
 
-JobResult ConvertMetafile(const Job& job) {
+JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
+  if (options.angle != 0) {
+    throw Failure(exitWrongUsage, job.output +
+                                      ": a metafile is not turned; --angle needs an output of "
+                                      "pixels (.bmp, .jpg, .png, .tif)");
+  }
   TMetafile metafile;
   Load(metafile, job.input);
   const bool wasEnhanced = metafile.Enhanced();
@@ -70,6 +81,11 @@ JobResult ConvertMetafile(const Job& job) {
   result.width = metafile.Width();
   result.height = metafile.Height();
   result.warnings = metafile.Facts().warnings;
+  if (IsForPixels(options)) {
+    result.warnings.emplace_back(
+        "--background, --bits, --dpi and --size are for outputs of pixels; a metafile is written "
+        "as it is");
+  }
   // What was drawn as lines is pixels now.
   if (wasEnhanced && !metafile.Enhanced()) result.notCarriedOver.emplace_back("records");
   return result;

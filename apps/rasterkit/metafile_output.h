@@ -3,6 +3,7 @@
 #include <string>
 
 #include "apps/rasterkit/batch.h"
+#include "apps/rasterkit/output_options.h"
 
 namespace rasterkit::tool {
 
@@ -10,8 +11,8 @@ namespace rasterkit::tool {
 bool IsMetafileName(const std::string& file);
 
 /// Writes the metafile `job.input` under `job.output`: as it is when it is of the output's kind,
-/// else in that kind. Throws Failure for inputs that are no metafiles, and for kinds that one
-/// cannot become.
-JobResult ConvertMetafile(const Job& job);
+/// else in that kind. Throws Failure for inputs that are no metafiles, for kinds that one cannot
+/// become, and for a turn, which records do not take; other options for pixels get a warning.
+JobResult ConvertMetafile(const Job& job, const PictureOptions& options);
 
 }  // namespace rasterkit::tool

@@ -68,7 +68,10 @@ void AddOutputOptions(CLI::App& verb, OutputOptions& options) {
 
 void AddType(CLI::App& verb, OutputOptions& options) {
   verb.add_option("--type", options.type,
-                  "with --out-dir: bmp, jpg, png or tif [as each input is called]")
+                  options.takesMetafiles
+                      ? "with --out-dir: bmp, jpg, png, tif, or of metafiles emf or wmf [as each "
+                        "input is called]"
+                      : "with --out-dir: bmp, jpg, png or tif [as each input is called]")
       ->group(kOfFiles)
       ->type_name("EXT");
 }

@@ -16,9 +16,9 @@ VerbRunner AddConvertVerb(CLI::App& app) {
       "several\n"
       "pictures give the first one. A metafile becomes pixels, 96 an inch unless --dpi or --size "
       "say\n"
-      "otherwise; under .emf or .wmf it stays one: copied as it is, or an EMF file as a WMF file "
-      "with its\n"
-      "picture in it.\n\n"
+      "otherwise; under .emf or .wmf it stays one: copied as it is, an EMF file as a WMF file with "
+      "its\n"
+      "picture in it, a WMF file as an EMF file that draws the same.\n\n"
       "Examples:\n"
       "  rasterkit convert photo.jpg upright.png\n"
       "  rasterkit convert --out-dir site --type jpg --quality 80 --jobs 2 *.JPG\n"
@@ -27,6 +27,7 @@ VerbRunner AddConvertVerb(CLI::App& app) {
       "  rasterkit convert drawing.emf drawing.png --dpi 300");
   const auto output = std::make_shared<OutputOptions>();
   const auto picture = std::make_shared<PictureOptions>();
+  output->takesMetafiles = true;
   AddOutputOptions(verb, *output);
   AddType(verb, *output);
   AddAngle(verb, *picture, false);
@@ -36,7 +37,6 @@ VerbRunner AddConvertVerb(CLI::App& app) {
   AddCompression(verb, *picture);
   AddMetafileSize(verb, *picture);
   AddThreads(verb, *picture);
-  output->takesMetafiles = true;
   return [output, picture] {
     return RunJobs(*output, PlanJobs(*output),
                    [&](const Job& job) { return ConvertPicture(job, *picture); });

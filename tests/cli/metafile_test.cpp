@@ -162,10 +162,46 @@ TEST_F(CliMetafile, Convert_Should_RefuseWhatCannotBecomeAMetafile) {
   const ToolResult pixels = Convert({folder_ / "a.png", folder_ / "b.emf"});
   EXPECT_EQ(pixels.code, 4);
   EXPECT_THAT(pixels.err, HasSubstr("pixels cannot become a metafile"));
-  EXPECT_EQ(Convert({Write("text.emf", {'x', 'y'}), folder_ / "d.emf"}).code, 4);
-  for (const char* name : {"b.emf", "c.emf", "d.emf"}) {
+  const ToolResult text = Convert({Write("text.emf", {'x', 'y'}), folder_ / "d.emf"});
+  EXPECT_EQ(text.code, 3);
+  EXPECT_THAT(text.err, HasSubstr("text.emf: the data are no picture of a known kind"));
+  EXPECT_EQ(Convert({Write("plus.emf", NewerRecordsAlone()), folder_ / "e.wmf"}).code, 4);
+  for (const char* name : {"b.emf", "c.emf", "d.emf", "e.wmf"}) {
     EXPECT_FALSE(std::filesystem::exists(folder_ / name)) << name;
   }
+}
+
+TEST_F(CliMetafile, Convert_Should_RefuseToTurnRecords) {
+  const ToolResult turned =
+      Convert({Write("a.emf", QuarterEmf()), folder_ / "b.emf", "--angle", "90"});
+  EXPECT_EQ(turned.code, 2);
+  EXPECT_THAT(turned.err, HasSubstr("a metafile is not turned"));
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "b.emf"));
+  EXPECT_EQ(Convert({folder_ / "a.emf", folder_ / "c.emf", "--angle", "0"}).code, 0);
+}
+
+TEST_F(CliMetafile, Convert_Should_WarnThatRecordsTakeNoOptionsOfPixels) {
+  const std::string file = Write("a.emf", QuarterEmf());
+  const std::vector<std::vector<std::string>> choices = {
+      {"--dpi", "300"}, {"--size", "50x"}, {"--bits", "8"}, {"--background", "FF0000"}};
+  for (const std::vector<std::string>& choice : choices) {
+    const ToolResult result =
+        Convert({file, folder_ / "b.emf", "--overwrite", choice[0], choice[1]});
+    EXPECT_EQ(result.code, 0) << choice[0];
+    EXPECT_THAT(result.err, HasSubstr("are for outputs of pixels")) << choice[0];
+    EXPECT_EQ(ReadBytes(folder_ / "b.emf"), ReadBytes(file)) << choice[0];
+  }
+  EXPECT_EQ(Convert({file, folder_ / "c.emf", "--background", "FFFFFF"}).err, "");
+}
+
+TEST_F(CliMetafile, Convert_Should_WriteMetafilesIntoAFolder_When_TheTypeIsOne) {
+  Write("a.emf", QuarterEmf());
+  Write("b.wmf", SmallWmf());
+  const ToolResult result = Convert({folder_ / "a.emf", folder_ / "b.wmf", "--out-dir",
+                                     folder_ / "out", "--type", "emf", "--jobs", "2"});
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_EQ(ReadBytes(folder_ / "out/a.emf"), QuarterEmf());
+  EXPECT_EQ(Facts(folder_ / "out/b.emf")["type"], "emf");
 }
 
 TEST_F(CliMetafile, OtherVerbs_Should_TakeTheDrawing) {
