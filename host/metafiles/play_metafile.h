@@ -24,9 +24,9 @@ struct PlayReport {
 };
 
 /// Draws a metafile so that its picture fills `place`; mirrored where right lies before left or
-/// bottom above top. What the metafile does not paint stays as it was.
+/// bottom above top. What the metafile does not paint keeps its colour.
 ///
-/// `target` has 32 bits; nothing outside `place` is touched, and painted pixels get alpha 255.
+/// `target` has 32 bits; nothing outside `place` is touched, and all of it gets alpha 255.
 /// `keepGoing` is asked now and then, when there is one, and ends the drawing by answering false.
 /// Throws FormatError for bytes that are no metafile, UnsupportedError for one whose drawing is in
 /// records of the newer kind ("EMF+") alone.

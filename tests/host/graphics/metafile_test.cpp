@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -222,6 +224,19 @@ TEST(Metafile, Canvas_Should_KeepWhatIsNotPainted) {
     for (const auto& [x, y] : {std::pair(5, 20), std::pair(40, 20), std::pair(20, 5)}) {
       EXPECT_EQ(bitmap.PixelColor(x, y), before.PixelColor(x, y)) << format;
     }
+  }
+}
+
+TEST(Metafile, Canvas_Should_MakeTheRectangleOpaque_When_TheBitmapHasAlpha) {
+  TBitmap bitmap(Raster(pf32bit, 40, 20));
+  for (int y = 0; y < 20; ++y) std::memset(bitmap.ScanLine(y), 0x40, 160);
+  bitmap.Canvas().StretchDraw({10, 5, 30, 15}, *Loaded(HalfBlueEmf()));
+  const auto pixel = [&](int x, int y) { return bitmap.Content().Row(y) + 4 * x; };
+  EXPECT_EQ(pixel(12, 10)[3], 255);
+  EXPECT_EQ(pixel(28, 10)[3], 255);
+  EXPECT_EQ(pixel(28, 10)[0], 0x40);
+  for (const auto& [x, y] : {std::pair(9, 10), {30, 10}, {20, 4}, {20, 15}}) {
+    EXPECT_EQ(pixel(x, y)[3], 0x40) << x << ", " << y;
   }
 }
 
