@@ -1,4 +1,6 @@
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include <rasterkit/host/metafiles/font_set.h>
@@ -12,11 +14,24 @@ namespace {
 constexpr int kMaxFolders = 5000;
 constexpr int kMaxScannedFiles = 5000;
 
+/// Whether the configuration that the environment names, if it names one, ends as one does. Of
+/// others fontconfig complains on the error stream, whatever it is told.
+bool IsConfigurationWhole() {
+  const char* const name = std::getenv("FONTCONFIG_FILE");
+  if (!name || *name == '\0') return true;
+  std::ifstream file(name, std::ios::binary);
+  if (!file) return true;  // it is looked for elsewhere, and nothing is said when it is nowhere
+  std::string text(size_t{1} << 20, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<size_t>(file.gcount()));
+  return text.find("<fontconfig") != text.npos && text.find("</fontconfig>") != text.npos;
+}
+
 class SystemFonts {
  public:
   SystemFonts() : config_(FcConfigCreate()), fonts_(FcFontSetCreate()) {
     if (!config_ || !fonts_) return;
-    if (FcConfigParseAndLoad(config_, nullptr, FcFalse)) {
+    if (IsConfigurationWhole() && FcConfigParseAndLoad(config_, nullptr, FcFalse)) {
       AddFolders(FcConfigGetFontDirs(config_));
       if (fonts_->nfont > 0) return;
     }

@@ -6,6 +6,7 @@
 #include "tests/cli/run_tool.h"
 #include "tests/cli/sample_files.h"
 #include "tests/support/emf_file.h"
+#include "tests/support/environment.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
 #include "tests/support/wmf_file.h"
@@ -202,6 +203,42 @@ TEST_F(CliMetafile, Convert_Should_WriteMetafilesIntoAFolder_When_TheTypeIsOne) 
   EXPECT_EQ(result.code, 0) << result.err;
   EXPECT_EQ(ReadBytes(folder_ / "out/a.emf"), QuarterEmf());
   EXPECT_EQ(Facts(folder_ / "out/b.emf")["type"], "emf");
+}
+
+/// "Text" in a font that is nowhere.
+std::vector<uint8_t> TextWmf() {
+  WmfFile file;
+  file.box = {{0, 0, 200, 100}};
+  FieldBytes font = FieldBytes().Words({-40, 0, 0, 0, 400}).Longs({0, 0});
+  file.Add(WmfFunction::createFontIndirect, font.Text(std::string_view("Nowhere")).FillTo(50));
+  file.Add(WmfFunction::selectObject, {0});
+  FieldBytes text = FieldBytes().Word(4).Text(std::string_view("Text")).Words({20, 20});
+  return file.Add(WmfFunction::textOut, text).Bytes();
+}
+
+TEST_F(CliMetafile, Convert_Should_BeSilent_When_FontsAreNotSetUp) {
+  const std::string file = Write("a.wmf", TextWmf());
+  const auto configuration = [&](const std::string& name, const std::string& text) {
+    return Write(name, std::vector<uint8_t>(text.begin(), text.end()));
+  };
+  const std::vector<std::string> configurations = {
+      "/dev/null",
+      folder_ / "nowhere.conf",
+      configuration("empty.conf", ""),
+      configuration("cut.conf", "<?xml version=\"1.0\"?><fontconfig><dir>/usr/sh"),
+      configuration("text.conf", "fonts are in the cupboard"),
+      configuration("none.conf", "<?xml version=\"1.0\"?><fontconfig></fontconfig>"),
+      configuration("away.conf",
+                    "<?xml version=\"1.0\"?><fontconfig><dir>/nowhere</dir></fontconfig>")};
+  for (const std::string& name : configurations) {
+    const Environment environment({{"FONTCONFIG_FILE", name},
+                                   {"HOME", "/nowhere"},
+                                   {"XDG_CACHE_HOME", "/nowhere"},
+                                   {"XDG_CONFIG_HOME", "/nowhere"}});
+    const ToolResult result = Convert({file, folder_ / "a.png", "--overwrite"});
+    EXPECT_EQ(result.code, 0) << name;
+    EXPECT_EQ(result.err, "") << name;
+  }
 }
 
 TEST_F(CliMetafile, OtherVerbs_Should_TakeTheDrawing) {
