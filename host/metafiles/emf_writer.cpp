@@ -90,7 +90,9 @@ std::vector<uint8_t> EmfWriter::Finish(const EmfPicture& picture) {
   fields.Word(static_cast<int64_t>(std::min(picture.handles, kMostHandles))).Word(0);
   fields.Longs({0, 0, 0});  // no description, no palette
   fields.Longs({picture.width, picture.height});
-  fields.Number(picture.widthMm100 / 100.0).Number(picture.heightMm100 / 100.0);
+  // Whole millimetres, which other programs divide by.
+  fields.Number(std::max(1.0, picture.widthMm100 / 100.0));
+  fields.Number(std::max(1.0, picture.heightMm100 / 100.0));
   fields.Longs({0, 0, 0});  // no pixel format
   fields.Longs({picture.widthMm100 * micrometersPerHundredth,
                 picture.heightMm100 * micrometersPerHundredth});

@@ -77,9 +77,7 @@ std::vector<uint8_t> WmfOfPicture(const Raster& picture, int widthMm100, int hei
     throw LimitError("WMF: a picture of more than 32767 pixels a side cannot be written");
   }
   const Extent extent = ExtentOf(widthMm100, heightMm100);
-  Raster rows = ConvertRaster(picture, pf24bit);
-  rows.profile.reset();
-  const std::vector<uint8_t> dib = PackedBitmap(rows);
+  const std::vector<uint8_t> dib = PackedBitmap(ConvertRaster(picture, pf24bit));
   constexpr int64_t anisotropic = 8, colors = 0;
   WmfBytes records;
   records.Record(WmfFunction::setMapMode, {anisotropic});

@@ -208,6 +208,7 @@ TEST(Metafile, Draw_Should_TakeAnySizeAndBackground) {
   EXPECT_EQ(raster.PixelColor(90, 40), 0x123456);
   EXPECT_EQ(raster.Row(40)[4 * 90 + 3], 255);
   EXPECT_THROW(metafile->Draw(0, 5), RangeError);
+  EXPECT_THROW(metafile->Draw(5, 0), RangeError);
   EXPECT_THROW(metafile->Draw(5, -1), RangeError);
   const MemoryLimit limit(1000);
   EXPECT_THROW(metafile->Draw(100, 100), LimitError);
@@ -238,6 +239,71 @@ TEST(Metafile, Canvas_Should_MakeTheRectangleOpaque_When_TheBitmapHasAlpha) {
   for (const auto& [x, y] : {std::pair(9, 10), {30, 10}, {20, 4}, {20, 15}}) {
     EXPECT_EQ(pixel(x, y)[3], 0x40) << x << ", " << y;
   }
+}
+
+TEST(Metafile, Canvas_Should_KeepIndexes_When_ColoursAreTheSame) {
+  Raster raster(pf8bit, 60, 40);
+  const tagPALETTEENTRY entries[] = {{9, 9, 9, 0}, {9, 9, 9, 0}, {0, 0, 255, 0}, {9, 9, 9, 0}};
+  raster.palette = HPALETTE(entries);
+  for (int y = 0; y < 40; ++y) std::memset(raster.Row(y), 3, 60);
+  TBitmap bitmap(std::move(raster));
+  EmfFile file;
+  file.frame = {0, 0, 1500, 1000};
+  file.Add(EmfType::createBrush, {1, 0, kBlue, 0}).Add(EmfType::selectObject, {1});
+  file.Add(EmfType::selectObject, {0x80000008}).Add(EmfType::rectangle, {20, 10, 40, 30});
+  bitmap.Canvas().StretchDraw({0, 0, 60, 40}, *Loaded(file.Bytes()));
+  const auto index = [&](int x, int y) { return bitmap.Content().Row(y)[x]; };
+  EXPECT_EQ(index(30, 20), 2);
+  for (const auto& [x, y] : {std::pair(19, 20), {41, 20}, {59, 20}, {30, 9}, {30, 31}}) {
+    EXPECT_EQ(index(x, y), 3) << x << ", " << y;
+  }
+}
+
+TEST(Metafile, Canvas_Should_MarkTheBitmapAsChanged) {
+  for (const TPixelFormat format : {pf24bit, pf32bit}) {
+    TBitmap bitmap = GradientBitmap(format, 9, 7);
+    TMemoryStream stream;
+    bitmap.SaveToStream(stream);
+    stream.SetPosition(0);
+    bitmap.LoadFromStream(stream);
+    ASSERT_FALSE(bitmap.Modified());
+    bitmap.Canvas().Draw(0, 0, *Loaded(HalfBlueEmf()));
+    EXPECT_TRUE(bitmap.Modified());
+  }
+}
+
+TEST(Metafile, Bitmap_Should_BearTheMetafilesTransparency) {
+  const auto metafile = Loaded(HalfBlueEmf());
+  metafile->SetTransparent(true);
+  TBitmap bitmap;
+  bitmap.Assign(metafile.get());
+  EXPECT_TRUE(bitmap.Transparent());
+  metafile->SetTransparent(false);
+  bitmap.Assign(metafile.get());
+  EXPECT_FALSE(bitmap.Transparent());
+}
+
+TEST(Metafile, Draw_Should_AskAndWarn) {
+  EmfFile file;
+  file.hasEnd = false;
+  for (int i = 0; i < 200; ++i) file.Add(EmfType::lineTo, {i, 10});
+  file.Add(EmfType::rectangle, {1});
+  const auto metafile = Loaded(file.Bytes());
+  std::vector<std::string> warnings{"before"};
+  int asked = 0;
+  metafile->Draw(
+      50, 40, clWhite,
+      [&] {
+        ++asked;
+        return true;
+      },
+      &warnings);
+  EXPECT_GE(asked, 3);
+  EXPECT_THAT(warnings, testing::ElementsAre("before", testing::HasSubstr("ends before its"),
+                                             testing::HasSubstr("data end")));
+  asked = 0;
+  metafile->Draw(50, 40, clWhite, [&] { return ++asked < 2; });
+  EXPECT_EQ(asked, 2);
 }
 
 TEST(Metafile, Canvas_Should_MirrorAndClip) {

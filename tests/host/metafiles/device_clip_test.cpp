@@ -160,6 +160,39 @@ TEST(DeviceClip, Should_RaiseLimitError_When_MasksOfManyStatesAreMoreThanTheBudg
   EXPECT_NO_THROW(putBy(20));
 }
 
+TEST(DeviceClip, Should_AddCoverage_When_SoftAreasAreUnited) {
+  const auto half = [](DrawingPaper& paper, double top, RegionMode mode) {
+    paper.Dc().BeginPath();
+    const PointD slanted[] = {{0, top}, {8, top + 8}, {0, top + 8}};
+    paper.Dc().Polygon(slanted);
+    paper.Dc().EndPath();
+    paper.Dc().SelectClipPath(mode);
+  };
+  DrawingPaper once(8, 8), twice(8, 8);
+  half(once, 0, RegionMode::copy);
+  half(twice, 0, RegionMode::copy);
+  half(twice, 0, RegionMode::unite);
+  for (DrawingPaper* each : {&once, &twice}) {
+    each->Dc().PatBlt({0, 0, 8, 8}, rop3::blackness);
+  }
+  const int soft = 255 - (once.At(3, 3) & 255), united = 255 - (twice.At(3, 3) & 255);
+  EXPECT_GT(soft, 60);
+  EXPECT_LT(soft, 200);
+  EXPECT_NEAR(united, 2 * soft - soft * soft / 255, 2);
+}
+
+TEST(DeviceClip, Should_StayAsItIs_When_TheModeIsNone) {
+  for (const uint32_t mode : {0u, 6u, 0xFFFFFFFFu}) {
+    DrawingPaper paper(4, 1);
+    paper.Dc().IntersectClipRect({0, 0, 2, 1});
+    const RectD other{1, 0, 4, 1};
+    paper.Dc().ExtSelectClipRgn(std::span(&other, 1), RegionUnit::device,
+                                static_cast<RegionMode>(mode));
+    paper.Dc().ExtSelectClipRgn(std::nullopt, RegionUnit::device, static_cast<RegionMode>(mode));
+    EXPECT_EQ(Seen(paper), "\n##..\n") << mode;
+  }
+}
+
 /// Every other row, and every other column, of which the one or the other is meant: more rectangles
 /// than anybody keeps.
 void SelectCheckers(DrawingPaper& paper, int side) {

@@ -84,6 +84,22 @@ TEST(DevicePaths, Should_LeaveOpenFiguresOpen_When_OnlyStroked) {
   EXPECT_EQ(paper.At(1, 2), clWhite);
 }
 
+TEST(DevicePaths, Should_KeepTheFirstPen_When_WidenedTwice) {
+  DrawingPaper paper(9, 7);
+  paper.Pen(clBlack, 3, pen_style::geometric | pen_style::flatCap);
+  paper.Dc().BeginPath();
+  paper.Dc().MoveTo({0, 3});
+  paper.Dc().LineTo({9, 3});
+  paper.Dc().EndPath();
+  paper.Dc().WidenPath();
+  paper.Pen(clBlack, 7, pen_style::geometric | pen_style::flatCap);
+  paper.Dc().WidenPath();
+  paper.Brush(RGB(255, 0, 0));
+  paper.Dc().FillPath();
+  EXPECT_EQ(paper.At(4, 1), clWhite);
+  EXPECT_EQ(paper.At(4, 3), RGB(255, 0, 0));
+}
+
 TEST(DevicePaths, Should_FillWhatThePenCovers_When_Widened) {
   DrawingPaper paper(9, 7);
   paper.Pen(clBlack, 3, pen_style::geometric | pen_style::flatCap);

@@ -177,6 +177,18 @@ TEST(DeviceShapes, Should_BeAllOfIt_When_APieEndsWhereItBegins) {
   EXPECT_EQ(paper.At(13, 27), clBlack);
 }
 
+TEST(DeviceShapes, Should_BeAllOfIt_When_AnArcEndsWhereItBegins_InBothDirections) {
+  for (const ArcDirection direction : {ArcDirection::clockwise, ArcDirection::counterclockwise}) {
+    DrawingPaper paper(40, 40);
+    paper.Pen(clBlack);
+    paper.Dc().SetArcDirection(direction);
+    paper.Dc().Arc({0, 0, 40, 40}, {{40, 20}, {40, 20}});
+    EXPECT_NE(paper.At(20, 0), clWhite);
+    EXPECT_NE(paper.At(0, 20), clWhite);
+    EXPECT_NE(paper.At(20, 38), clWhite);
+  }
+}
+
 TEST(DeviceShapes, Should_LeaveTheCentreOut_When_AChordIsCut) {
   DrawingPaper paper(40, 40);
   paper.NoPen();

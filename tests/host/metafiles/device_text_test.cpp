@@ -125,6 +125,27 @@ TEST(DeviceText, Should_MoveThePosition_When_TheAlignmentSaysSo) {
   EXPECT_LT(text.Inked().left, 14);
 }
 
+TEST(DeviceText, Should_MoveThePositionBack_When_AlignedToTheRight) {
+  NEEDS_FONT();
+  const double steps[] = {30, 15};
+  for (const auto& [align, x] : {std::pair(text_align::right, 55.0), {text_align::center, 100.0}}) {
+    Text text;
+    text.paper.Dc().SetTextAlign(text_align::updatePosition | align);
+    text.paper.Dc().MoveTo({100, 10});
+    text.Out({}, u"ab", steps);
+    EXPECT_EQ(text.paper.Dc().CurrentPosition(), (PointD{x, 10})) << align;
+  }
+}
+
+TEST(DeviceText, Should_StandOnItsLowestPoint_When_AlignedToTheBottom) {
+  NEEDS_FONT();
+  Text text;
+  text.paper.Dc().SetTextAlign(text_align::bottom);
+  text.Out({10, 60}, u"H");
+  // Descent 0.236 of 20 pixels.
+  EXPECT_NEAR(text.Inked().bottom, 60 - 4.7, 1);
+}
+
 TEST(DeviceText, Should_RunUpward_When_TurnedByAQuarter) {
   NEEDS_FONT();
   LogicalFont font = Fixed(-20);

@@ -1,0 +1,166 @@
+// Objects that a damaged or unusual file makes, in records of both kinds of metafiles.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/emf_file.h"
+#include "tests/support/played_metafile.h"
+#include "tests/support/wmf_file.h"
+
+namespace rasterkit::test {
+namespace {
+
+using namespace detail;
+
+constexpr TColor kRed = 0x0000FF, kBlue = 0xFF0000;
+constexpr int64_t kGeometric = 0x10000, kFlatCap = 0x200, kUserDashes = 7;
+constexpr int64_t kNullPen = 0x80000008;
+
+PlayedMetafile Play(const EmfFile& file) {
+  return PlayedMetafile(file.Bytes());
+}
+PlayedMetafile Play(const WmfFile& file) {
+  return PlayedMetafile(file.Bytes());
+}
+
+EmfFile EmfWithLine(EmfType create, const FieldBytes& pen) {
+  EmfFile file;
+  file.Add(create, pen).Add(EmfType::selectObject, {1});
+  return file.Add(EmfType::moveTo, {20, 40}).Add(EmfType::lineTo, {60, 40});
+}
+
+TEST(EmfObjects, PlainPens_Should_HaveRoundEnds_WhateverElseTheirStyleSays) {
+  const PlayedMetafile played =
+      Play(EmfWithLine(EmfType::createPen, {1, kGeometric | kFlatCap, 20, 0, kRed}));
+  EXPECT_EQ(played.At(65, 40), kRed);
+}
+
+TEST(EmfObjects, ExtendedPens_Should_DoWithoutDashes_When_TheRecordEndsBeforeTheirNumber) {
+  const FieldBytes pen{1, 0, 0, 0, 0, kGeometric, 20, 0, kRed, 0};
+  EXPECT_EQ(Play(EmfWithLine(EmfType::extCreatePen, pen)).At(40, 34), kRed);
+}
+
+TEST(EmfObjects, ExtendedPens_Should_UseTheFirstDashes_When_MoreAreStatedThanAreUsed) {
+  FieldBytes pen{1, 0, 0, 0, 0, kGeometric | kFlatCap | kUserDashes, 4, 0, kRed, 0, 0x7FFFFFFF};
+  for (int i = 0; i < 16; ++i) pen.Long(5);
+  const PlayedMetafile played = Play(EmfWithLine(EmfType::extCreatePen, pen));
+  EXPECT_EQ(played.At(22, 40), kRed);
+  EXPECT_EQ(played.At(27, 40), clWhite);
+  EXPECT_EQ(played.At(32, 40), kRed);
+}
+
+TEST(EmfObjects, ExtendedPens_Should_BeLeftOut_When_DashesAreMissing) {
+  FieldBytes pen{1, 0, 0, 0, 0, kGeometric | kUserDashes, 4, 0, kRed, 0, 3, 5, 5};
+  const PlayedMetafile played = Play(EmfWithLine(EmfType::extCreatePen, pen));
+  EXPECT_EQ(played.report.warnings.size(), 1u);
+  EXPECT_EQ(played.At(22, 42), clWhite);
+}
+
+TEST(EmfObjects, PaletteChanges_Should_BeginWhereTheySay_AndEndWithThePalette) {
+  const auto changed = [](int64_t start, std::initializer_list<int64_t> entries) {
+    EmfFile file;
+    FieldBytes palette{3};
+    palette.Words({0x300, 3}).Longs({0x111111, 0x222222, 0x333333});
+    file.Add(EmfType::createPalette, palette).Add(EmfType::selectPalette, {3});
+    FieldBytes changes{3, start, static_cast<int64_t>(entries.size())};
+    file.Add(EmfType::setPaletteEntries, changes.Longs(entries));
+    for (int i = 0; i < 3; ++i) file.Add(EmfType::setPixel, {i, 0, 0x01000000 + i});
+    const PlayedMetafile played = Play(file);
+    return std::array{played.At(0, 0), played.At(1, 0), played.At(2, 0)};
+  };
+  EXPECT_EQ(changed(0, {0xAAAAAA}), (std::array{0xAAAAAA, 0x222222, 0x333333}));
+  EXPECT_EQ(changed(2, {0xAAAAAA, 0xBBBBBB}), (std::array{0x111111, 0x222222, 0xAAAAAA}));
+  for (const int64_t beyond : {int64_t{3}, int64_t{0x7FFFFFFF}, int64_t{0xFFFFFFFF}}) {
+    EXPECT_EQ(changed(beyond, {0xAAAAAA}), (std::array{0x111111, 0x222222, 0x333333})) << beyond;
+  }
+}
+
+TEST(EmfObjects, Deleting_Should_LeaveWhatIsSelected) {
+  EmfFile file;
+  file.Add(EmfType::createBrush, {1, 0, kBlue, 0}).Add(EmfType::selectObject, {1});
+  file.Add(EmfType::selectObject, {kNullPen}).Add(EmfType::deleteObject, {1});
+  file.Add(EmfType::deleteObject, {1}).Add(EmfType::deleteObject, {kNullPen});
+  file.Add(EmfType::createBrush, {1, 0, kRed, 0});
+  file.Add(EmfType::rectangle, {0, 0, 40, 40});
+  EXPECT_EQ(Play(file).At(20, 20), kBlue);
+}
+
+/// A blue brush (0), selected, and no pen (1).
+WmfFile BlueAreas() {
+  WmfFile file;
+  file.box = {{0, 0, 100, 80}};
+  file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(kBlue).Word(0));
+  file.Add(WmfFunction::createPenIndirect, FieldBytes().Words({5, 0, 0}).Long(0));
+  return file.Add(WmfFunction::selectObject, {0}).Add(WmfFunction::selectObject, {1});
+}
+
+TEST(WmfObjects, Brushes_Should_DoWithoutAHatch_When_TheRecordEndsBeforeIt) {
+  WmfFile file = BlueAreas();
+  file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(kRed));
+  file.Add(WmfFunction::selectObject, {2}).Add(WmfFunction::rectangle, {40, 40, 0, 0});
+  const PlayedMetafile played = Play(file);
+  EXPECT_EQ(played.At(20, 20), kRed);
+  EXPECT_EQ(played.report.warnings, std::vector<std::string>());
+}
+
+TEST(WmfObjects, Handles_Should_BeNone_When_TheObjectIsGone) {
+  WmfFile file = BlueAreas();
+  file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(kRed).Word(0));
+  file.Add(WmfFunction::deleteObject, {2}).Add(WmfFunction::deleteObject, {2});
+  file.Add(WmfFunction::selectObject, {2}).Add(WmfFunction::selectObject, {0xFFFF});
+  file.Add(WmfFunction::rectangle, {40, 40, 0, 0});
+  EXPECT_EQ(Play(file).At(20, 20), kBlue);
+  // A handle that was deleted twice is given out once.
+  file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(kRed).Word(0));
+  file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(0).Word(0));
+  file.Add(WmfFunction::selectObject, {2}).Add(WmfFunction::rectangle, {40, 40, 0, 0});
+  EXPECT_EQ(Play(file).At(20, 20), kRed);
+}
+
+/// Rows of a region: number of edges, top, bottom, edges, number of edges.
+FieldBytes Region(std::initializer_list<std::initializer_list<int64_t>> rows) {
+  FieldBytes fields;
+  fields.Words({0, 6, 0, 0, 0, static_cast<int64_t>(rows.size()), 2, 0, 0, 100, 80});
+  for (const auto& row : rows) fields.Words(row);
+  return fields;
+}
+
+TEST(WmfObjects, Regions_Should_HaveAllPairsOfEdges_AndNoOddOne) {
+  const auto painted = [](const FieldBytes& region) {
+    WmfFile file = BlueAreas();
+    file.Add(WmfFunction::createRegion, region).Add(WmfFunction::paintRegion, {2});
+    return Play(file);
+  };
+  const PlayedMetafile two = painted(Region({{4, 0, 20, 10, 30, 50, 70, 4}}));
+  EXPECT_EQ(two.At(20, 10), kBlue);
+  EXPECT_EQ(two.At(40, 10), clWhite);
+  EXPECT_EQ(two.At(60, 10), kBlue);
+  const PlayedMetafile odd =
+      painted(Region({{3, 0, 20, 10, 30, 50, 3}, {2, 40, 60, 10, 30, 2}, {0, 60, 70, 0}}));
+  EXPECT_EQ(odd.At(20, 10), kBlue);
+  EXPECT_EQ(odd.At(60, 10), clWhite);
+  EXPECT_EQ(odd.At(20, 50), kBlue);
+  EXPECT_EQ(odd.report.warnings, std::vector<std::string>());
+}
+
+TEST(WmfObjects, NoRegion_Should_TakeTheClippingAway) {
+  WmfFile file = BlueAreas();
+  file.Add(WmfFunction::intersectClipRect, {10, 10, 0, 0});
+  file.Add(WmfFunction::selectClipRegion, {0}).Add(WmfFunction::rectangle, {60, 60, 0, 0});
+  EXPECT_EQ(Play(file).At(40, 40), kBlue);
+}
+
+TEST(WmfMapping, EmptyViewports_Should_BeIgnored_AndTheFirstOneBeTheWholePicture) {
+  WmfFile file = BlueAreas();
+  file.Add(WmfFunction::setViewportExt, {0, 50}).Add(WmfFunction::setViewportExt, {50, 0});
+  file.Add(WmfFunction::setViewportExt, {800, 1000});
+  file.Add(WmfFunction::setViewportExt, {400, 500});
+  file.Add(WmfFunction::rectangle, {80, 100, 0, 0});
+  const PlayedMetafile played = Play(file);
+  EXPECT_EQ(played.At(45, 35), kBlue);
+  EXPECT_EQ(played.At(55, 35), clWhite);
+  EXPECT_EQ(played.At(45, 45), clWhite);
+}
+
+}  // namespace
+}  // namespace rasterkit::test
