@@ -107,8 +107,9 @@ namespace text_option {
 inline constexpr uint32_t opaque = 0x0002;        ///< the rectangle gets the background colour
 inline constexpr uint32_t clipped = 0x0004;       ///< letters show inside the rectangle only
 inline constexpr uint32_t glyphIndexes = 0x0010;  ///< numbers of the font's pictures, no characters
-inline constexpr uint32_t rightToLeft = 0x0080;
-inline constexpr uint32_t pairs = 0x2000;  ///< the steps have a vertical part as well
+inline constexpr uint32_t rightToLeft = 0x0080;   ///< the line as a whole runs to the left
+inline constexpr uint32_t asOrdered = 0x1000;     ///< letters are in the order they are seen in
+inline constexpr uint32_t pairs = 0x2000;         ///< the steps have a vertical part as well
 }  // namespace text_option
 
 /// Mirrors the page left to right when bit 0 is set.

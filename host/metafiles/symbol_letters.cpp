@@ -1,10 +1,12 @@
 #include <algorithm>
-#include <iterator>
 
 #include <rasterkit/host/metafiles/symbol_letters.h>
 
 namespace rasterkit::detail {
 namespace {
+
+/// Stands in the tables for a code without a letter.
+constexpr char32_t kNone = U'_';
 
 /// From code 0x20.
 constexpr std::u32string_view kGreekLow =
@@ -18,35 +20,108 @@ constexpr std::u32string_view kGreekHigh =
     U"◊〈®©™∑⎛⎜⎝⎡⎢⎣⎧⎨⎩⎪€〉∫⌠⎮⌡⎞⎟⎠⎤⎥⎦⎫⎬⎭";
 static_assert(kGreekLow.size() == 0x7F - 0x20 && kGreekHigh.size() == 0xFF - 0xA0);
 
-struct Mark {
-  unsigned char code;
-  char32_t letter;
+// From code 0x20, two rows of sixteen codes a line. Letters that common fonts have stand for those
+// of the same shape that are thinner, bolder or larger.
+constexpr std::u32string_view kWingdings =
+    U" ✏✂✁👓🔔📖🕯☎✆✉🖃📪📫📬📭📁📂📄🗏🗐🗄⌛⌨🖰🖲🖳🖴🖫🖬"
+    U"✇"
+    U"✍"
+    U"🖎✌👌👍👎☜☞☝☟✋☺😐☹💣☠⚐🏱✈☼💧❄✟✞🕈✠✡☪☯ॐ☸"
+    U"♈"
+    U"♉"
+    U"♊♋♌♍♎♏♐♑♒♓&&●❍■□□❑❒⧫⧫◆❖◆⌧⍓⌘❀✿❝❞▯"
+    U"⓪➀➁➂➃➄➅➆➇➈➉⓿➊➋➌➍➎➏➐➑➒➓🙢🙠🙡🙣🙞🙜🙝🙟"
+    U"·"
+    U"•"
+    U"▪○○○◉◎❍▪◻🟁✦★✶✴✹✵⯐⌖⟡⌑�✪✰🕐🕑🕒🕓🕔🕕🕖"
+    U"🕗"
+    U"🕘"
+    U"🕙🕚🕛⮰⮱⮲⮳⮴⮵⮶⮷🙪🙫🙕🙔🙗🙖🙐🙑🙒🙓⌫⌦⮘➢⮙⮛⮈➲⮉"
+    U"⮋"
+    U"←"
+    U"→↑↓↖↗↙↘⬅➡⬆⬇⬉⬈⬋⬊⇦⇨⇧⇩⬄⇳⬁⬀⬃⬂▭▫✗✓☒☑_";
+
+constexpr std::u32string_view kWingdings2 =
+    U" 🖊🖋🖌🖍✄✀☏🕽🗅🗆🗇🗈🗉🗊🗋🗌🗍📋🗑🗔🖵🖶🖷🖸"
+    U"🖭"
+    U"🖯🖱👍👎☜☞"
+    U"☚☛☜☞☚☛☝☟🖠🖡☝☟🖢🖣✋✗✓☒☑☒☒⊗⊗⊘⊘&&&&‽‽‽"
+    U"‽🙦🙤🙥🙧🙚🙘🙙🙛⓪①②③④⑤⑥⑦⑧⑨⑩⓿❶❷❸❹❺❻❼❽❾"
+    U"❿"
+    U"_"
+    U"☉🌕☽☾⸿✝✝🕜🕝🕞🕟🕠🕡🕢🕣🕤🕥🕦🕧🙨🙩⋅••●○○○○⊙"
+    U"◉"
+    U"▪"
+    U"▪◾■□□□□▣▣▣▣◆◆◆◆◇◈◈◈◈⧫⧫⧫⧫◊◊◖◗◓◒■◆"
+    U"⬟⯂⬣⬢⯃⯄++✚✚✚✚✚××✕✕✖✖✖******✱✱✱✱✱✱"
+    U"✳✳✳✳✳🟀🟂✦✦★★✶✶✴✴✹✹🟃🟇✯🟍🟔✦⯍※⁂______";
+
+constexpr std::u32string_view kWingdings3 =
+    U" ←→↑↓↖↗↙↘⇤⇥⤒⤓⇱⇲⇞⇟↔↕⇠⇢⇡⇣↯↲↳↰↱⮤⮥⮦"
+    U"↴"
+    U"↩↪↵⮓⇆⇵↹⭿⇇⇉⇈⇊↶⮍⮎⮌↻↺⎋⌤⌃⌥␣⍽⇪⇪⇦⇨⇦⇨⇦"
+    U"⇨"
+    U"⇦⇨⇦⇨⇦⇨←→↑↓↖↗↙↘↔↕▲▼△▽◀▶◁▷◣◢◤◥◂▸▴_"
+    U"▾▲▼◀▶◀▶▲▼←→↑↓←→↑↓⬅➡⬆⬇⬅➡⬆⬇←→↑↓←→↑"
+    U"↓←→↑↓←→←→⬅➡⬅____➡⬅➡⬅➡⬅➡⬆⬇⬅➡⬆⬇⬅➡⬆"
+    U"⬇⬅➡⬆⬇⬅➡⬆⬇⮨⮩⮪⮫⮬⮭⮮⮯←→↑↓↖↗↙↘←→↑↓↖↗"
+    U"↙"
+    U"↘⬅➡⬆⬇⬉⬈⬋⬊◀▶▲▼◀▶▲▼_______________";
+
+constexpr std::u32string_view kWebdings =
+    U" 🕷🕸🕲🕶🏆🎖🖇🗨🗩🗰🗱🌶🎗🙾🙼▁□❐◀▶▲▼⏪⏩⏮⏭⏸■●"
+    U"🗚"
+    U"🗳"
+    U"🛠🏗🏘🏙🏚🏜🏭🏛🏠🏖🏝🛣🔍🏔👁👂🏞🏕🛤🏟🛳🕬🕫🕨🔈♥"
+    U"🎕"
+    U"🗬🙽🗭🗪🗫"
+    U"⮔✔🚲□🛡📦🛱■🚑ℹ✈🛰🟈🕴●🛥🚔↻✕❓🚲🚇🚍⛳⊘⊖🚭🗮"
+    U"|"
+    U"🗯🗲_";
+
+/// Pieces of formulas; marks above letters stand alone, as they are put there by their place.
+constexpr std::u32string_view kFormulas =
+    U" __ˋˆ˜˙_________________________"
+    U"___∐ƛ____∩_…⋯⋮⋰⋱_∵___∪__________"
+    U"‵↦↕⇕____ħ___ℓ∓_∘________________";
+
+struct Table {
+  std::string_view name;  ///< of the font, in small letters
+  std::u32string_view letters;
 };
+constexpr Table kTables[] = {{"wingdings", kWingdings},
+                             {"wingdings 2", kWingdings2},
+                             {"wingdings 3", kWingdings3},
+                             {"webdings", kWebdings},
+                             {"mt extra", kFormulas}};
 
-/// In the order of their codes.
-constexpr Mark kMarks[] = {
-    {0x20, U' '}, {0x22, U'✂'}, {0x28, U'☎'}, {0x2A, U'✉'}, {0x36, U'⌛'}, {0x3E, U'✇'},
-    {0x3F, U'✍'}, {0x41, U'✌'}, {0x45, U'☜'}, {0x46, U'☞'}, {0x47, U'☝'}, {0x48, U'☟'},
-    {0x4A, U'☺'}, {0x4C, U'☹'}, {0x4E, U'☠'}, {0x4F, U'⚐'}, {0x51, U'✈'}, {0x52, U'☼'},
-    {0x54, U'❄'}, {0x58, U'✠'}, {0x59, U'✡'}, {0x5A, U'☪'}, {0x5B, U'☯'}, {0x5D, U'☸'},
-    {0x6C, U'●'}, {0x6D, U'❍'}, {0x6E, U'■'}, {0x6F, U'□'}, {0x71, U'❑'}, {0x72, U'❒'},
-    {0x73, U'⬧'}, {0x74, U'⧫'}, {0x75, U'◆'}, {0x76, U'❖'}, {0x77, U'⬥'}, {0x7B, U'❀'},
-    {0x7C, U'✿'}, {0x7D, U'❝'}, {0x7E, U'❞'}, {0x80, U'⓪'}, {0x81, U'①'}, {0x82, U'②'},
-    {0x83, U'③'}, {0x84, U'④'}, {0x85, U'⑤'}, {0x86, U'⑥'}, {0x87, U'⑦'}, {0x88, U'⑧'},
-    {0x89, U'⑨'}, {0x8A, U'⑩'}, {0x8B, U'⓿'}, {0x8C, U'❶'}, {0x8D, U'❷'}, {0x8E, U'❸'},
-    {0x8F, U'❹'}, {0x90, U'❺'}, {0x91, U'❻'}, {0x92, U'❼'}, {0x93, U'❽'}, {0x94, U'❾'},
-    {0x95, U'❿'}, {0x9E, U'·'}, {0x9F, U'•'}, {0xA1, U'○'}, {0xA4, U'◉'}, {0xA5, U'◎'},
-    {0xA7, U'▪'}, {0xA8, U'◻'}, {0xAA, U'✦'}, {0xAB, U'★'}, {0xAC, U'✶'}, {0xAD, U'✴'},
-    {0xAE, U'✹'}, {0xAF, U'✵'}, {0xB1, U'⌖'}, {0xB6, U'✰'}, {0xD5, U'⌫'}, {0xD6, U'⌦'},
-    {0xD8, U'➢'}, {0xDF, U'←'}, {0xE0, U'→'}, {0xE1, U'↑'}, {0xE2, U'↓'}, {0xE3, U'↖'},
-    {0xE4, U'↗'}, {0xE5, U'↙'}, {0xE6, U'↘'}, {0xE8, U'➔'}, {0xEF, U'⇦'}, {0xF0, U'⇨'},
-    {0xF1, U'⇧'}, {0xF2, U'⇩'}, {0xF3, U'⬄'}, {0xF4, U'⇳'}, {0xFB, U'✗'}, {0xFC, U'✓'},
-    {0xFD, U'☒'}, {0xFE, U'☑'}};
+/// Fonts with the signs that have a block of their own, in the same order but for a few.
+constexpr std::string_view kOrnamentFonts[] = {"zapfdingbats", "zapf dingbats", "itc zapf dingbats",
+                                               "monotype sorts"};
 
-bool StartsWith(std::string_view name, std::string_view lower) {
-  const auto same = [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + 32 : a) == b; };
-  return name.size() >= lower.size() && std::equal(lower.begin(), lower.end(), name.begin(),
-                                                   [&](char b, char a) { return same(a, b); });
+constexpr char Lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+
+bool IsName(std::string_view name, std::string_view lower) {
+  return std::equal(name.begin(), name.end(), lower.begin(), lower.end(),
+                    [](char a, char b) { return Lower(a) == b; });
+}
+
+bool IsMathematics(std::string_view name) {
+  constexpr std::string_view lower = "symbol";
+  return name.size() >= lower.size() && IsName(name.substr(0, lower.size()), lower);
+}
+
+bool IsOrnaments(std::string_view name) {
+  return std::any_of(std::begin(kOrnamentFonts), std::end(kOrnamentFonts),
+                     [&](std::string_view lower) { return IsName(name, lower); });
+}
+
+const Table* TableOf(std::string_view name) {
+  const Table* table = std::find_if(std::begin(kTables), std::end(kTables),
+                                    [&](const Table& t) { return IsName(name, t.name); });
+  return table == std::end(kTables) ? nullptr : table;
 }
 
 char32_t Mathematics(unsigned code) {
@@ -54,18 +129,33 @@ char32_t Mathematics(unsigned code) {
   return code >= 0xA0 && code < 0xFF ? kGreekHigh[code - 0xA0] : 0;
 }
 
-char32_t MarkOf(unsigned code) {
-  const auto* mark = std::lower_bound(std::begin(kMarks), std::end(kMarks), code,
-                                      [](const Mark& m, unsigned c) { return m.code < c; });
-  return mark != std::end(kMarks) && mark->code == code ? mark->letter : 0;
+char32_t Ornament(unsigned code) {
+  // Signs that were characters before the block was made.
+  constexpr std::pair<unsigned, char32_t> others[] = {
+      {0x20, U' '}, {0x25, U'☎'}, {0x2A, U'☛'}, {0x2B, U'☞'}, {0x48, U'★'}, {0x6C, U'●'},
+      {0x6E, U'■'}, {0x73, U'▲'}, {0x74, U'▼'}, {0x75, U'◆'}, {0x77, U'◗'}, {0xA8, U'♣'},
+      {0xA9, U'♦'}, {0xAA, U'♥'}, {0xAB, U'♠'}, {0xD5, U'→'}, {0xD6, U'↔'}, {0xD7, U'↕'}};
+  for (const auto& [at, letter] : others) {
+    if (at == code) return letter;
+  }
+  if (code >= 0x21 && code <= 0x7E) return 0x2701 + (code - 0x21);
+  if (code >= 0xAC && code <= 0xB5) return U'①' + (code - 0xAC);
+  return code >= 0xA1 && code <= 0xFE && code != 0xF0 ? 0x2761 + (code - 0xA1) : 0;
 }
 
 }  // namespace
 
+bool IsSymbolFont(std::string_view faceName) {
+  return IsMathematics(faceName) || IsOrnaments(faceName) || TableOf(faceName) != nullptr;
+}
+
 char32_t SymbolLetter(std::string_view faceName, unsigned code) {
-  if (StartsWith(faceName, "wingdings") && faceName.size() == 9) return MarkOf(code);
-  if (StartsWith(faceName, "symbol")) return Mathematics(code);
-  return 0;
+  if (IsMathematics(faceName)) return Mathematics(code);
+  if (IsOrnaments(faceName)) return Ornament(code);
+  const Table* table = TableOf(faceName);
+  if (!table || code < 0x20 || code - 0x20 >= table->letters.size()) return 0;
+  const char32_t letter = table->letters[code - 0x20];
+  return letter == kNone ? 0 : letter;
 }
 
 }  // namespace rasterkit::detail

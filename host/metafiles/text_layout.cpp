@@ -4,26 +4,12 @@
 
 #include <rasterkit/host/metafiles/symbol_letters.h>
 #include <rasterkit/host/metafiles/text_layout.h>
+#include <rasterkit/host/metafiles/text_letters.h>
 
 namespace rasterkit::detail {
 namespace {
 
-constexpr uint8_t kSymbolCharset = 2;
-
-/// A unit of a text as a letter: what it stands for and how many units that takes.
-struct Letter {
-  char32_t codePoint = 0;
-  size_t units = 1;
-};
-
-Letter LetterAt(std::u16string_view text, size_t at) {
-  const char16_t unit = text[at];
-  const bool isHigh = unit >= 0xD800 && unit < 0xDC00;
-  if (isHigh && at + 1 < text.size() && text[at + 1] >= 0xDC00 && text[at + 1] < 0xE000) {
-    return {0x10000 + ((char32_t{unit} - 0xD800) << 10) + (char32_t{text[at + 1]} - 0xDC00), 2};
-  }
-  return {unit, 1};
-}
+constexpr uint8_t kDefaultCharset = 1, kSymbolCharset = 2;
 
 /// In western fonts of the usual making the letters from the space on have the glyphs from 3 on.
 char32_t UsualLetterOf(char16_t glyph) {
@@ -39,7 +25,12 @@ struct FoundGlyph {
 class GlyphFinder {
  public:
   GlyphFinder(const LogicalFont& font, FontFaces& faces, FontFace& face)
-      : font_(font), faces_(faces), face_(face) {}
+      : font_(font),
+        faces_(faces),
+        face_(face),
+        isKnown_(IsSymbolFont(font.faceName)),
+        hasSymbols_(font.charset == kSymbolCharset ||
+                    (font.charset == kDefaultCharset && isKnown_)) {}
 
   FoundGlyph ByIndex(char16_t index) const {
     if (face_.IsItself()) return {&face_, face_.Glyph(index)};
@@ -47,11 +38,33 @@ class GlyphFinder {
     return letter == 0 ? FoundGlyph() : ByLetter(letter);
   }
 
+  FoundGlyph ByLetter(const TextLetter& letter) const {
+    const FoundGlyph found = ByLetter(letter.codePoint);
+    const bool isBox = !found.glyph.isThere || found.glyph.index == 0;
+    return isBox && letter.plain != letter.codePoint ? ByLetter(letter.plain) : found;
+  }
+
   FoundGlyph ByLetter(char32_t letter) const {
-    const bool isSymbolCode = letter < 0x100 || (letter >= 0xF000 && letter < 0xF100);
-    if (isSymbolCode && (font_.charset == kSymbolCharset || letter >= 0xF000)) {
-      return BySymbolCode(letter & 0xFF);
+    const bool isPrivate = letter >= 0xF000 && letter < 0xF100;
+    const bool isSymbolCode = letter < 0x100 || isPrivate;
+    if (isSymbolCode && (isPrivate || hasSymbols_)) return BySymbolCode(letter & 0xFF);
+    return ByPlainLetter(letter);
+  }
+
+ private:
+  FoundGlyph BySymbolCode(unsigned code) const {
+    if (face_.IsItself()) {
+      const FontGlyph glyph = face_.SymbolLetter(code);
+      if (glyph.isThere) return {&face_, glyph};
     }
+    const char32_t letter = SymbolLetter(font_.faceName, code);
+    if (letter != 0) return ByPlainLetter(letter);
+    // A wrong letter says something that was not meant; a box says that one is missing.
+    if (isKnown_ && code > 0x20) return {&face_, face_.Glyph(0)};
+    return ByPlainLetter(char32_t{code});
+  }
+
+  FoundGlyph ByPlainLetter(char32_t letter) const {
     const FontGlyph own = face_.Letter(letter);
     if (own.isThere || letter < 0x20) return {&face_, own};
     if (FontFace* other = faces_.FindWithLetter(font_, letter)) {
@@ -61,28 +74,10 @@ class GlyphFinder {
     return {&face_, face_.Glyph(0)};
   }
 
- private:
-  FoundGlyph BySymbolCode(unsigned code) const {
-    if (face_.IsItself()) {
-      const FontGlyph glyph = face_.SymbolLetter(code);
-      if (glyph.isThere) return {&face_, glyph};
-    }
-    const char32_t letter = detail::SymbolLetter(font_.faceName, code);
-    return ByPlainLetter(letter != 0 ? letter : char32_t{code});
-  }
-
-  FoundGlyph ByPlainLetter(char32_t letter) const {
-    const FontGlyph own = face_.Letter(letter);
-    if (own.isThere) return {&face_, own};
-    if (FontFace* other = faces_.FindWithLetter(font_, letter)) {
-      return {other, other->Letter(letter)};
-    }
-    return {&face_, own};
-  }
-
   const LogicalFont& font_;
   FontFaces& faces_;
   FontFace& face_;
+  const bool isKnown_, hasSymbols_;
 };
 
 void TakeHeights(TextLine& line, const LogicalFont& font, double usualEmHeight) {
@@ -97,6 +92,21 @@ void TakeHeights(TextLine& line, const LogicalFont& font, double usualEmHeight) 
   if (width > 0 && line.emHeight > 0) {
     line.stretch = width / (metrics.averageWidth * line.emHeight);
   }
+}
+
+/// The letters of a text in the order they are seen in; glyphs are in it already.
+std::vector<TextLetter> LettersOfRun(const TextRun& run, uint32_t align) {
+  std::vector<TextLetter> letters;
+  if (run.options & text_option::glyphIndexes) {
+    letters.reserve(run.text.size());
+    for (size_t i = 0; i < run.text.size(); ++i)
+      letters.push_back({run.text[i], i, 1, run.text[i]});
+    return letters;
+  }
+  if (run.options & text_option::asOrdered) return LettersOf(run.text);
+  const bool runsLeft =
+      (run.options & text_option::rightToLeft) != 0 || (align & text_align::rightToLeft) != 0;
+  return SeenLetters(run.text, runsLeft);
 }
 
 double StepOr(std::span<const double> steps, size_t at, double otherwise) {
@@ -116,17 +126,19 @@ TextLine LayOutText(const TextRun& run, const LogicalFont& font, const DrawingSt
   const bool arePairs = (run.options & text_option::pairs) != 0;
   const double breakExtra = state.breaks > 0 ? state.breakExtra / state.breaks : 0;
   PointD at;
-  for (size_t i = 0; i < run.text.size();) {
-    const Letter letter = areIndexes ? Letter{run.text[i]} : LetterAt(run.text, i);
+  for (const TextLetter& letter : LettersOfRun(run, state.textAlign)) {
     const FoundGlyph found =
-        areIndexes ? finder.ByIndex(run.text[i]) : finder.ByLetter(letter.codePoint);
+        areIndexes ? finder.ByIndex(run.text[letter.at]) : finder.ByLetter(letter);
     if (found.glyph.isThere) line.glyphs.push_back({found.face, found.glyph.index, at});
+    const bool isSpace = !areIndexes && letter.codePoint == U' ';
     const double own = found.glyph.advance * line.emHeight * line.stretch + state.textExtra +
-                       (letter.codePoint == U' ' ? breakExtra : 0);
-    at.x += StepOr(run.steps, i, own);
-    if (arePairs) at.y += StepOr(run.verticalSteps, i, 0);
-    for (size_t rest = 1; rest < letter.units; ++rest) at.x += StepOr(run.steps, i + rest, 0);
-    i += letter.units;
+                       (isSpace ? breakExtra : 0);
+    at.x += StepOr(run.steps, letter.at, own);
+    // Along the letters' upward direction.
+    if (arePairs) at.y -= StepOr(run.verticalSteps, letter.at, 0);
+    for (size_t rest = 1; rest < letter.units; ++rest) {
+      at.x += StepOr(run.steps, letter.at + rest, 0);
+    }
   }
   line.width = at.x;
   line.drop = at.y;

@@ -339,6 +339,56 @@ TEST(DeviceText, Should_ShowGreek_When_TheSymbolFontIsNotThere) {
   EXPECT_EQ(coded.paper.Picture(), greek.paper.Picture());
 }
 
+TEST(DeviceText, Should_ShowABox_When_ASymbolIsNotKnown) {
+  NEEDS_FONT();
+  LogicalFont marks = Fixed(-20);
+  marks.faceName = "Wingdings 2";
+  marks.charset = 2;
+  detail::FontFaces faces;
+  if (const auto* face = faces.Find(marks); face && face->IsItself()) GTEST_SKIP();
+  Text known(marks), mark(marks), unknown(marks);
+  LogicalFont uncoded = marks;
+  uncoded.charset = 0;
+  mark.Select(uncoded);
+  known.Out({10, 20}, u"P");
+  mark.Out({10, 20}, u"✓");
+  EXPECT_EQ(known.paper.Picture(), mark.paper.Picture());
+  unknown.Out({10, 20}, u"\x7F");
+  EXPECT_NE(unknown.Inked().right, 0);
+}
+
+TEST(DeviceText, Should_MoveUp_When_StepsHaveAVerticalPart) {
+  NEEDS_FONT();
+  Text text;
+  text.paper.Dc().SetTextAlign(text_align::baseline);
+  TextRun run;
+  run.origin = {10, 50};
+  run.options = text_option::pairs;
+  run.text = u"HH";
+  const double steps[] = {100, 20}, rises[] = {30, 0};
+  run.steps = steps;
+  run.verticalSteps = rises;
+  text.paper.Dc().ExtTextOut(run);
+  EXPECT_EQ(text.Inked().bottom, 50);
+  EXPECT_NEAR(text.Inked().top, 50 - 30 - 14.6, 1);
+}
+
+TEST(DeviceText, Should_BeReadFromTheRight_When_LettersAreHebrew) {
+  NEEDS_FONT();
+  Text read, seen, asIs;
+  read.Out({10, 20}, u"אב");
+  seen.Out({10, 20}, u"בא", {}, text_option::asOrdered);
+  asIs.Out({10, 20}, u"אב", {}, text_option::asOrdered);
+  EXPECT_EQ(read.paper.Picture(), seen.paper.Picture());
+  EXPECT_NE(read.paper.Picture(), asIs.paper.Picture());
+  // Each letter keeps its own step.
+  const double steps[] = {60, 25}, turned[] = {25, 60};
+  Text stepped, expected;
+  stepped.Out({10, 20}, u"אב", steps);
+  expected.Out({10, 20}, u"בא", turned, text_option::asOrdered);
+  EXPECT_EQ(stepped.paper.Picture(), expected.paper.Picture());
+}
+
 TEST(DeviceText, Should_BecomeOutlines_When_APathIsOpen) {
   NEEDS_FONT();
   Text text(Fixed(-60));
