@@ -63,9 +63,9 @@ struct BitmapPart {
 ///
 /// While a path is open, lines, shapes and texts add to the path and draw nothing.
 ///
-/// Nothing throws but LimitError and std::bad_alloc, where a copy of the picture's part that is
-/// worked on does not fit the picture memory budget; the context may be used on. One context is
-/// used by one thread at a time; contexts of different rasters do not meet.
+/// Nothing throws but LimitError, where a copy of the picture's part does not fit the memory budget
+/// or a gradient covers it hundreds of times, and std::bad_alloc; the context may be used on. One
+/// context is used by one thread at a time; contexts of different rasters do not meet.
 class DeviceContext {
  public:
   /// Draws on `target`, which has 32 bits and stays alive and in place as long as the context does,

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include <rasterkit/host/metafiles/device_context_parts.h>
+#include <rasterkit/host/runtime/errors.h>
 
 /// Gradients of a drawing context.
 namespace rasterkit {
@@ -29,11 +30,33 @@ Shade ShadeOf(const GradientVertex& vertex) {
           static_cast<double>(vertex.blue)};
 }
 
-/// Lets `color` decide on each pixel of the box that is seen, by its centre: an alpha of 0 leaves
+/// A record lists shapes with a few bytes each, and every one may cover the whole picture. Drawings
+/// that people make cover it a few times, fans of triangles more often.
+class Patience {
+ public:
+  explicit Patience(const PixelRect& picture)
+      : left_(std::max(kPixels, kPictures * Pixels(picture))) {}
+
+  /// Throws LimitError when the shapes so far have covered more than anybody waits for.
+  void Take(const PixelRect& box) {
+    const int64_t pixels = Pixels(box);
+    if (pixels > left_) throw LimitError("metafile: a gradient covers the picture too often");
+    left_ -= pixels;
+  }
+
+ private:
+  static int64_t Pixels(const PixelRect& box) {
+    return IsEmpty(box) ? 0 : int64_t{box.right - box.left} * (box.bottom - box.top);
+  }
+  static constexpr int64_t kPixels = 1 << 28, kPictures = 256;
+
+  int64_t left_;
+};
+
+/// Lets `color` decide on each pixel of the box, which is seen, by its centre: an alpha of 0 leaves
 /// the picture as it is.
 template <class Color>
-void Shaded(DeviceContext::Parts& parts, const PixelRect& wanted, Color color) {
-  const PixelRect box = Intersection(wanted, parts.painter.Clip().Bounds());
+void Shaded(DeviceContext::Parts& parts, const PixelRect& box, Color color) {
   if (IsEmpty(box)) return;
   Raster pixels(pf32bit, box.right - box.left, box.bottom - box.top);
   for (int y = box.top; y < box.bottom; ++y) {
@@ -45,8 +68,27 @@ void Shaded(DeviceContext::Parts& parts, const PixelRect& wanted, Color color) {
   parts.painter.PutSource(box, pixels, {}, kCopySource);
 }
 
+/// The same for colours that change across only, or down only: one line of them tells all.
+template <class Color>
+void ShadedInLines(DeviceContext::Parts& parts, const PixelRect& box, bool isAcross, Color color) {
+  if (IsEmpty(box)) return;
+  const int width = box.right - box.left;
+  Raster pixels(pf32bit, width, box.bottom - box.top);
+  const auto row = [&](int y) { return reinterpret_cast<RGBArec*>(pixels.Row(y)); };
+  for (int y = 0; y < pixels.Height(); ++y) {
+    if (!isAcross) {
+      std::fill_n(row(y), width, color(PointD{box.left + 0.5, box.top + y + 0.5}));
+    } else if (y > 0) {
+      std::copy_n(row(0), width, row(y));
+    } else {
+      for (int x = 0; x < width; ++x) row(0)[x] = color(PointD{box.left + x + 0.5, box.top + 0.5});
+    }
+  }
+  parts.painter.PutSource(box, pixels, {}, kCopySource);
+}
+
 void FillRect(DeviceContext::Parts& parts, const GradientVertex& first,
-              const GradientVertex& second, bool isVertical) {
+              const GradientVertex& second, bool isVertical, Patience& patience) {
   const Affine& map = parts.ToTarget();
   const PointD a = Finite(first.point), b = Finite(second.point);
   const auto back = map.Inverse();
@@ -56,19 +98,31 @@ void FillRect(DeviceContext::Parts& parts, const GradientVertex& first,
   const RectD bounds = MappedBounds(rect, map);
   parts.Note(bounds);
   const Shade from = ShadeOf(first), to = ShadeOf(second);
-  const bool isUpright = map.KeepsAxes();
-  Shaded(parts, isUpright ? SeenBox(bounds) : CoveringBox(bounds, 0), [&](PointD center) {
-    const PointD p = (*back)(center);
-    const bool isInside =
-        isUpright || (p.x >= rect.left && p.x < rect.right && p.y >= rect.top && p.y < rect.bottom);
-    if (!isInside) return RGBArec{};
+  const auto colorAt = [&](PointD p) {
     const double part = std::clamp((isVertical ? p.y - a.y : p.x - a.x) / length, 0.0, 1.0);
     return from.Plus(to, part).Plus(from, -part).Pixel();
+  };
+  const PixelRect& visible = parts.painter.Clip().Bounds();
+  if (map.KeepsAxes()) {
+    const PixelRect box = Intersection(SeenBox(bounds), visible);
+    patience.Take(box);
+    const bool isTurned = map.m12 != 0;
+    ShadedInLines(parts, box, isVertical == isTurned,
+                  [&](PointD center) { return colorAt((*back)(center)); });
+    return;
+  }
+  const PixelRect box = Intersection(CoveringBox(bounds, 0), visible);
+  patience.Take(box);
+  Shaded(parts, box, [&](PointD center) {
+    const PointD p = (*back)(center);
+    const bool isInside =
+        p.x >= rect.left && p.x < rect.right && p.y >= rect.top && p.y < rect.bottom;
+    return isInside ? colorAt(p) : RGBArec{};
   });
 }
 
 void FillTriangle(DeviceContext::Parts& parts, const GradientVertex& a, const GradientVertex& b,
-                  const GradientVertex& c) {
+                  const GradientVertex& c, Patience& patience) {
   const PointD o = parts.Mapped(Finite(a.point)), p = parts.Mapped(Finite(b.point)),
                q = parts.Mapped(Finite(c.point));
   const Affine map{p.x - o.x, p.y - o.y, q.x - o.x, q.y - o.y, o.x, o.y};
@@ -78,8 +132,10 @@ void FillTriangle(DeviceContext::Parts& parts, const GradientVertex& a, const Gr
                      std::max({o.x, p.x, q.x}), std::max({o.y, p.y, q.y})};
   parts.Note(bounds);
   const Shade first = ShadeOf(a), second = ShadeOf(b), third = ShadeOf(c);
+  const PixelRect box = Intersection(CoveringBox(bounds, 0), parts.painter.Clip().Bounds());
+  patience.Take(box);
   // Edges are hard: triangles lie side by side, and soft ones would leave seams.
-  Shaded(parts, CoveringBox(bounds, 0), [&](PointD center) {
+  Shaded(parts, box, [&](PointD center) {
     const PointD w = (*back)(center);
     const double rest = 1 - w.x - w.y;
     if (w.x < 0 || w.y < 0 || rest < 0) return RGBArec{};
@@ -92,17 +148,19 @@ void FillTriangle(DeviceContext::Parts& parts, const GradientVertex& a, const Gr
 void DeviceContext::GradientRects(std::span<const GradientVertex> vertices,
                                   std::span<const std::pair<uint32_t, uint32_t>> rects,
                                   bool isVertical) {
+  Patience patience(parts_->painter.Frame());
   for (const auto& [first, second] : rects) {
     if (first >= vertices.size() || second >= vertices.size()) continue;
-    FillRect(*parts_, vertices[first], vertices[second], isVertical);
+    FillRect(*parts_, vertices[first], vertices[second], isVertical, patience);
   }
 }
 
 void DeviceContext::GradientTriangles(std::span<const GradientVertex> vertices,
                                       std::span<const std::array<uint32_t, 3>> triangles) {
+  Patience patience(parts_->painter.Frame());
   for (const auto& [a, b, c] : triangles) {
     if (std::max({a, b, c}) >= vertices.size()) continue;
-    FillTriangle(*parts_, vertices[a], vertices[b], vertices[c]);
+    FillTriangle(*parts_, vertices[a], vertices[b], vertices[c], patience);
   }
 }
 

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <rasterkit/host/runtime/errors.h>
+
 #include "tests/support/drawing_paper.h"
+#include "tests/support/full_run.h"
 
 namespace rasterkit {
 namespace {
@@ -305,6 +308,45 @@ TEST(DeviceGradients, Should_GoDownward_When_Vertical) {
   paper.Dc().GradientRects(vertices, rects, true);
   EXPECT_EQ(paper.At(0, 0), RGB(16, 0, 0));
   EXPECT_EQ(paper.At(1, 3), RGB(112, 0, 0));
+}
+
+TEST(DeviceGradients, Should_TurnWithThePage_When_TheWorldIsTurned) {
+  const GradientVertex vertices[] = {{{0, 0}, 0, 0, 0, 0}, {{8, 4}, 0x8000, 0, 0, 0}};
+  const std::pair<uint32_t, uint32_t> rects[] = {{0, 1}};
+  const auto shaded = [&](const Affine& world, bool isVertical) {
+    DrawingPaper paper(8, 8);
+    paper.Dc().SetWorldTransform(world);
+    paper.Dc().GradientRects(vertices, rects, isVertical);
+    paper.context.reset();
+    return std::move(paper.raster);
+  };
+  // x runs down the paper, y across it.
+  const Affine turned{0, 1, 1, 0, 0, 0};
+  for (int i = 0; i < 8; ++i) {
+    EXPECT_EQ(shaded(turned, false).PixelColor(0, i), RGB(8 + 16 * i, 0, 0)) << i;
+    EXPECT_EQ(shaded(turned, false).PixelColor(3, i), RGB(8 + 16 * i, 0, 0)) << i;
+    EXPECT_EQ(shaded(Affine(), false).PixelColor(i, 3), RGB(8 + 16 * i, 0, 0)) << i;
+    EXPECT_EQ(shaded({-1, 0, 0, 1, 8, 0}, false).PixelColor(7 - i, 3), RGB(8 + 16 * i, 0, 0)) << i;
+  }
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(shaded(turned, true).PixelColor(i, 7), RGB(16 + 32 * i, 0, 0)) << i;
+  }
+  EXPECT_EQ(shaded(turned, true).PixelColor(4, 0), clWhite);
+  // Aslant each pixel is asked, and those outside are left alone.
+  const Raster aslant = shaded({0.5, 0.5, -0.5, 0.5, 4, 0}, false);
+  EXPECT_EQ(aslant.PixelColor(0, 0), clWhite);
+  EXPECT_EQ(aslant.PixelColor(7, 0), clWhite);
+  EXPECT_NEAR(aslant.PixelColor(5, 3) & 255, 72, 10);
+}
+
+TEST(DeviceGradients, Should_RaiseLimitError_When_OneRecordCoversThePictureHundredsOfTimes) {
+  if (!test::IsFullRun()) GTEST_SKIP() << "takes seconds: in the long run of the tests";
+  DrawingPaper paper(1000, 1000);
+  const GradientVertex vertices[] = {{{0, 0}, 0, 0, 0, 0}, {{1000, 1000}, 0x8000, 0, 0, 0}};
+  std::vector<std::pair<uint32_t, uint32_t>> rects(250, {0, 1});
+  EXPECT_NO_THROW(paper.Dc().GradientRects(vertices, rects, false));
+  rects.resize(300, {0, 1});
+  EXPECT_THROW(paper.Dc().GradientRects(vertices, rects, false), LimitError);
 }
 
 TEST(DeviceGradients, Should_MixThreeColours_When_ATriangleIsShaded) {

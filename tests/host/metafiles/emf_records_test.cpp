@@ -244,6 +244,12 @@ TEST(EmfContents, Should_EndAtTheNewerRecord_When_ItsSizeIsImpossible) {
   }
 }
 
+TEST(EmfContents, Should_NotWalkIntoANewerRecord_When_ItsSizeIsLessThanItsHead) {
+  EmfFile file;
+  file.Add(EmfType::comment, FieldBytes{64, kEmfPlusMark, 0x4001, 8, 0x400A, 12, 0, 0, 0});
+  EXPECT_FALSE(ReadEmfContents(file.Bytes()).hasEmfPlusDrawing);
+}
+
 TEST(EmfContents, Should_IgnoreMarks_When_TheCommentIsTooShortForOne) {
   for (const int64_t stated : {0, 1, 3}) {
     EmfFile file;
