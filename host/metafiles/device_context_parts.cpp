@@ -118,6 +118,14 @@ void DeviceContext::Parts::Fill(const Path& outline) {
   painter.Fill(outline, state.fill, *ink, Code());
 }
 
+void DeviceContext::Parts::FillAlone(const Path& outline) {
+  Fill(outline);
+  const Ink* ink = BrushInk();
+  if (!ink || ink->tile || state.rop != Rop2::copyPen) return;
+  const Path seams = filledEdges_.SharedWith(outline);
+  if (!seams.Empty()) painter.Stroke(seams, StrokeStyle(), *ink, Code());
+}
+
 void DeviceContext::Parts::Stroke(const Path& outline) {
   const StrokeStyle* style = PenStyle();
   if (!style) return;
@@ -147,6 +155,10 @@ void DeviceContext::Parts::Shape(const Path& outline) {
   if (isPathOpen) {
     path.Append(outline);
     startsFigure = true;
+    return;
+  }
+  if (!PenStyle()) {
+    FillAlone(outline);
     return;
   }
   if (FillsToLines()) {

@@ -10,6 +10,7 @@
 #include <rasterkit/host/metafiles/font_faces.h>
 #include <rasterkit/host/metafiles/painter.h>
 #include <rasterkit/host/metafiles/pixel_boxes.h>
+#include <rasterkit/host/metafiles/shared_edges.h>
 
 namespace rasterkit {
 
@@ -46,6 +47,8 @@ struct DeviceContext::Parts {
   detail::TernaryCode Code() const { return detail::CodeOf(state.rop); }
 
   void Fill(const Path& outline);
+  /// Without an outline that would cover its edges: no background shows where areas meet.
+  void FillAlone(const Path& outline);
   void Stroke(const Path& outline);
   /// Pixels of the device are larger than those of the target, and the pen draws: it is seen that
   /// lines run through their middles, and areas end there.
@@ -99,6 +102,7 @@ struct DeviceContext::Parts {
   std::optional<PenParts> pen_;
   std::optional<std::optional<detail::Ink>> brush_;
   uint64_t styleSerial_ = 0;
+  detail::SharedEdges filledEdges_;
 };
 
 namespace detail {

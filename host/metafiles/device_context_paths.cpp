@@ -55,7 +55,7 @@ TakenPath Take(DeviceContext::Parts& parts) {
 
 void FillTaken(DeviceContext::Parts& parts, const TakenPath& taken) {
   if (!taken.widened) {
-    parts.Fill(taken.outline);
+    parts.FillAlone(taken.outline);
   } else if (const Ink* ink = parts.BrushInk()) {
     parts.Note(taken.outline, taken.widened->Reach());
     parts.painter.Stroke(taken.outline, *taken.widened, *ink, parts.Code());

@@ -412,5 +412,63 @@ TEST(DeviceShapes, Should_ReachTheBoxesEdge_When_ThePenIsThinnerThanAPixelOfTheD
   for (const int at : {34, 93}) EXPECT_EQ(paper.At(at, 64), RGB(0, 0, 255)) << at;
 }
 
+/// How far the reddest pixel is from blue, where two areas meet on white paper.
+int MostRed(const DrawingPaper& paper) {
+  int most = 0;
+  for (int y = 4; y < 34; ++y) {
+    for (int x = 4; x < 36; ++x) most = std::max(most, static_cast<int>(paper.At(x, y) & 255));
+  }
+  return most;
+}
+
+DrawingPaper BlueAreas() {
+  DrawingPaper paper(40, 40);
+  paper.NoPen();
+  paper.Brush(RGB(0, 0, 255));
+  return paper;
+}
+
+constexpr PointD kUpper[] = {{4, 4}, {36, 4}, {36, 35}}, kLower[] = {{4, 4}, {36, 35}, {4, 36}};
+
+TEST(DeviceShapes, Should_ShowNoBackground_When_AreasMeetAtASlantedEdge) {
+  DrawingPaper polygons = BlueAreas(), turned = BlueAreas(), paths = BlueAreas();
+  polygons.Dc().Polygon(kUpper);
+  polygons.Dc().Polygon(kLower);
+  const PointD backward[] = {kLower[2], kLower[1], kLower[0]};
+  turned.Dc().Polygon(kUpper);
+  turned.Dc().Polygon(backward);
+  for (const auto& corners : {kUpper, kLower}) {
+    paths.Dc().BeginPath();
+    paths.Dc().Polygon({corners, 3});
+    paths.Dc().EndPath();
+    paths.Dc().FillPath();
+  }
+  for (const DrawingPaper* paper : {&polygons, &turned, &paths}) EXPECT_LT(MostRed(*paper), 16);
+}
+
+TEST(DeviceShapes, Should_NotGrow_When_TheyLieOnEachOther) {
+  DrawingPaper once = BlueAreas(), over = BlueAreas(), apart = BlueAreas();
+  once.Dc().Polygon(kUpper);
+  over.Dc().Polygon(kUpper);
+  over.Dc().Polygon(kUpper);
+  // Below the edge, where a line along it would show.
+  for (int i = 8; i < 34; ++i) EXPECT_EQ(over.At(i, i + 1), once.At(i, i + 1)) << i;
+  const PointD far[] = {{4, 4.25}, {36, 35.25}, {4, 36}};
+  apart.Dc().Polygon(kUpper);
+  apart.Dc().Polygon(far);
+  EXPECT_GT(MostRed(apart), 30) << "areas that do not touch keep their gap";
+}
+
+TEST(DeviceShapes, Should_NotDrawAlongEdges_When_TheOperationLooksAtThePicture) {
+  DrawingPaper paper = BlueAreas(), alone = BlueAreas();
+  paper.Dc().SetRop2(Rop2::xorPen);
+  paper.Dc().Polygon(kUpper);
+  paper.Dc().Polygon(kLower);
+  alone.Dc().SetRop2(Rop2::xorPen);
+  alone.Dc().Polygon(kUpper);
+  // Where the second area does not reach the first one is as it was.
+  for (int i = 8; i < 34; ++i) EXPECT_EQ(paper.At(i + 2, i), alone.At(i + 2, i)) << i;
+}
+
 }  // namespace
 }  // namespace rasterkit
