@@ -84,8 +84,6 @@ class WmfPlayer {
   void BlitRaster(const WmfRecord& record, bool isStretched);
   void StretchBits(const WmfRecord& record);
   void SetBits(const WmfRecord& record);
-  void DrawText(std::span<const uint8_t> bytes, PointD origin, uint32_t options, const RectD& box,
-                MetafileBytes steps);
 
   DeviceContext& context_;
   const WmfPicture picture_;

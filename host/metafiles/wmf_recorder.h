@@ -65,8 +65,6 @@ class WmfRecorder {
   void StretchBits(const WmfRecord& record);
   void SetBits(const WmfRecord& record);
 
-  void Text(std::span<const uint8_t> bytes, PointD origin, uint32_t options, const RectD& box,
-            MetafileBytes steps);
   std::vector<double> MeasuredSteps(const std::u16string& text, PointD origin);
 
   EmfWriter& writer_;

@@ -1,8 +1,8 @@
 #include <cmath>
 
 #include <rasterkit/host/metafiles/ansi_text.h>
-#include <rasterkit/host/metafiles/wmf_fields.h>
 #include <rasterkit/host/metafiles/wmf_recorder.h>
+#include <rasterkit/host/metafiles/wmf_text.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -35,15 +35,12 @@ std::vector<double> WmfRecorder::MeasuredSteps(const std::u16string& text, Point
   return steps;
 }
 
-void WmfRecorder::Text(std::span<const uint8_t> bytes, PointD origin, uint32_t options,
-                       const RectD& box, MetafileBytes steps) {
-  std::vector<double> across;
-  if (!bytes.empty() && steps.Left() >= 2 * bytes.size()) {
-    for (size_t i = 0; i < bytes.size(); ++i) across.push_back(steps.Short());
-  }
-  AnsiText decoded = DecodeAnsiText(bytes, across, context_.Font().charset);
+bool WmfRecorder::RecordText(const WmfRecord& record) {
+  const std::optional<WmfText> text = ReadWmfText(record);
+  if (!text) return false;
+  AnsiText decoded = DecodeAnsiText(text->bytes, text->steps, context_.Font().charset);
   if (state_.textExtra != 0 && decoded.steps.empty()) {
-    decoded.steps = MeasuredSteps(decoded.text, origin);
+    decoded.steps = MeasuredSteps(decoded.text, text->origin);
   }
   const auto count = static_cast<int64_t>(decoded.text.size());
   const bool hasSteps = decoded.steps.size() == decoded.text.size() && count > 0;
@@ -57,41 +54,13 @@ void WmfRecorder::Text(std::span<const uint8_t> bytes, PointD origin, uint32_t o
   fields.NoBounds().Long(static_cast<int64_t>(GraphicsMode::compatible));
   fields.Single(std::abs(scale.x) * kHundredthsPerPixel);
   fields.Single(std::abs(scale.y) * kHundredthsPerPixel);
-  fields.Point(origin).Longs({count, textOffset, options}).Rect(box);
+  fields.Point(text->origin).Longs({count, textOffset, text->options}).Rect(text->box);
   fields.Long(hasSteps ? stepsOffset : 0).Append(letters.Bytes());
   if (hasSteps) {
     for (const double step : decoded.steps) fields.Number(step);
   }
   writer_.Add(EmfType::extTextOutW, fields);
-}
-
-bool WmfRecorder::RecordText(const WmfRecord& record) {
-  MetafileBytes fields = record.Fields();
-  switch (record.function) {
-    case WmfFunction::textOut: {
-      const uint16_t count = fields.Word();
-      const auto bytes = fields.Take(count);
-      if (count % 2 != 0) fields.Skip(1);
-      Text(bytes, ReadReversedPoint(fields), 0, {}, MetafileBytes({}));
-      return true;
-    }
-    case WmfFunction::extTextOut: {
-      const PointD origin = ReadReversedPoint(fields);
-      const uint16_t count = fields.Word();
-      const uint32_t options = fields.Word();
-      RectD box;
-      if ((options & (text_option::opaque | text_option::clipped)) != 0) {
-        const PointD topLeft = ReadShortPoint(fields), bottomRight = ReadShortPoint(fields);
-        box = {topLeft.x, topLeft.y, bottomRight.x, bottomRight.y};
-      }
-      const auto bytes = fields.Take(count);
-      if (count % 2 != 0 && fields.Left() > 0) fields.Skip(1);
-      Text(bytes, origin, options, box, fields);
-      return true;
-    }
-    default:
-      return false;
-  }
+  return true;
 }
 
 }  // namespace rasterkit::detail

@@ -149,6 +149,7 @@ TEST(Metafile, WithoutRecords_Should_RefuseByName) {
   EXPECT_THROW(bitmap.Assign(&metafile), UnsupportedError);
   EXPECT_TRUE(SamePixels(GradientBitmap(pf24bit, 9, 7), bitmap));
   bitmap.Canvas().Draw(0, 0, metafile);
+  metafile.DrawTo(bitmap.Canvas(), {0, 0, 5, 5});
   EXPECT_TRUE(SamePixels(GradientBitmap(pf24bit, 9, 7), bitmap));
 }
 

@@ -191,6 +191,10 @@ TEST(DeviceClip, Should_StayAsItIs_When_TheModeIsNone) {
     paper.Dc().ExtSelectClipRgn(std::nullopt, RegionUnit::device, static_cast<RegionMode>(mode));
     EXPECT_EQ(Seen(paper), "\n##..\n") << mode;
   }
+  DrawingPaper round(40, 40);
+  SelectCircle(round, {0, 0, 10, 10}, static_cast<RegionMode>(6));
+  round.Dc().PatBlt({0, 0, 40, 40}, rop3::blackness);
+  EXPECT_EQ(round.At(35, 35), clBlack);
 }
 
 /// Every other row, and every other column, of which the one or the other is meant: more rectangles

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/emf_file.h"
+#include "tests/support/packed_dib.h"
 #include "tests/support/played_metafile.h"
 #include "tests/support/wmf_file.h"
 
@@ -141,6 +142,22 @@ TEST(WmfObjects, Regions_Should_HaveAllPairsOfEdges_AndNoOddOne) {
   EXPECT_EQ(odd.At(60, 10), clWhite);
   EXPECT_EQ(odd.At(20, 50), kBlue);
   EXPECT_EQ(odd.report.warnings, std::vector<std::string>());
+}
+
+TEST(WmfObjects, Patterns_Should_HaveColours_WhateverTheirTableIsSaidToHold) {
+  BmpFile columns;
+  columns.width = 8;
+  columns.bits = 1;
+  columns.palette = {0, 0xFFFFFF};
+  columns.pixels = {0x0F, 0, 0, 0};
+  WmfFile file = BlueAreas();
+  file.Add(WmfFunction::setTextColor, FieldBytes{kRed});
+  file.Add(WmfFunction::dibCreatePatternBrush,
+           FieldBytes().Words({3, 1}).Bytes(PackedDib(columns)));
+  file.Add(WmfFunction::selectObject, {2}).Add(WmfFunction::rectangle, {80, 100, 0, 0});
+  const PlayedMetafile played = Play(file);
+  EXPECT_EQ(played.At(17, 30), kRed);
+  EXPECT_EQ(played.At(21, 30), clWhite);
 }
 
 TEST(WmfObjects, NoRegion_Should_TakeTheClippingAway) {
