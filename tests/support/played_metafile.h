@@ -17,10 +17,11 @@ struct PlayedMetafile {
   }
   TColor At(int x, int y) const { return raster.PixelColor(x, y); }
   /// Pixels that are not white.
-  int Painted() const {
+  int Painted() const { return PaintedIn({0, 0, raster.Width(), raster.Height()}); }
+  int PaintedIn(const PixelRect& box) const {
     int count = 0;
-    for (int y = 0; y < raster.Height(); ++y) {
-      for (int x = 0; x < raster.Width(); ++x) count += At(x, y) == clWhite ? 0 : 1;
+    for (int y = box.top; y < box.bottom; ++y) {
+      for (int x = box.left; x < box.right; ++x) count += At(x, y) == clWhite ? 0 : 1;
     }
     return count;
   }

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <rasterkit/host/metafiles/emf_records.h>
 #include <rasterkit/host/metafiles/metafile_facts.h>
 #include <rasterkit/host/metafiles/wmf_to_emf.h>
 
@@ -195,6 +196,47 @@ TEST(WmfToEmf, Brushes_Should_BeTheSame) {
   }
 }
 
+TEST(WmfToEmf, DeviceBitmapBrushes_Should_BeTheSame) {
+  FieldBytes brush;
+  brush.Words({0, 8, 1, 2}).Byte(1).Byte(1).Long(0).FillTo(32).Byte(0x0F).Byte(0);
+  WmfFile file = BlueAreas();
+  file.Add(WmfFunction::setTextColor, FieldBytes{kRed});
+  file.Add(WmfFunction::setBkColor, FieldBytes{kGreen});
+  file.Add(WmfFunction::createPatternBrush, brush).Add(WmfFunction::selectObject, {3});
+  ExpectSame(file.Add(WmfFunction::rectangle, {80, 100, 0, 0}));
+}
+
+TEST(WmfToEmf, DeletedObjects_Should_NotBeSelected) {
+  WmfFile file = BlueAreas();
+  file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(kGreen).Word(0));
+  file.Add(WmfFunction::deleteObject, {3}).Add(WmfFunction::selectObject, {3});
+  file.Add(WmfFunction::rectangle, {40, 50, 0, 0});
+  const std::vector<uint8_t> emf = EmfOfWmf(file.Bytes());
+  EXPECT_EQ(PlayedMetafile(emf).At(20, 20), kBlue);
+  std::vector<uint32_t> handles;
+  EmfRecords records(emf);
+  while (const auto record = records.Next()) {
+    if (record->type == EmfType::deleteObject) handles.push_back(record->Fields().Long());
+  }
+  EXPECT_THAT(handles, testing::ElementsAre(4));
+}
+
+TEST(WmfToEmf, Modes_Should_BeTheSame) {
+  WmfFile gaps = BlueAreas();
+  gaps.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(2).Long(kGreen).Word(1));
+  gaps.Add(WmfFunction::setBkColor, FieldBytes{kRed}).Add(WmfFunction::setBkMode, {1});
+  gaps.Add(WmfFunction::selectObject, {3}).Add(WmfFunction::rectangle, {80, 100, 0, 0});
+  ExpectSame(gaps);
+  WmfFile smooth = BlueAreas();
+  FieldBytes bitmap;
+  bitmap.Words({0x20, 0xCC, 0, 2, 3, 0, 0, 40, 60, 20, 10}).Bytes(PackedDib(SixColors()));
+  smooth.Add(WmfFunction::setStretchBltMode, {4}).Add(WmfFunction::stretchDib, bitmap);
+  ExpectSame(smooth);
+  WmfFile mirrored = BlueAreas();
+  mirrored.Add(WmfFunction::setLayout, {1, 0}).Add(WmfFunction::rectangle, {40, 30, 20, 10});
+  ExpectSame(mirrored);
+}
+
 TEST(WmfToEmf, State_Should_BeSavedAndRestored) {
   WmfFile file = RedAndBlue();
   file.Add(WmfFunction::saveDc).Add(WmfFunction::setRop2, {7});
@@ -213,6 +255,7 @@ TEST(WmfToEmf, Mapping_Should_BeTheSame) {
       {{WmfFunction::scaleViewportExt, {1, 2, 1, 4}}},
       {{WmfFunction::offsetViewportOrg, {40, 50}}, {WmfFunction::offsetViewportOrg, {4, 5}}},
       {{WmfFunction::setViewportExt, {8000, 10000}}, {WmfFunction::setViewportOrg, {4000, 5000}}},
+      {{WmfFunction::setViewportExt, {8000, 10000}}, {WmfFunction::setViewportExt, {2000, 5000}}},
       {{WmfFunction::setMapMode, {1}}},
       {{WmfFunction::setMapMode, {7}}},
       {{WmfFunction::setMapMode, {2}}, {WmfFunction::setWindowOrg, {30, -20}}},
