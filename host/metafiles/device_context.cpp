@@ -5,6 +5,21 @@ namespace rasterkit {
 
 using namespace detail;
 
+namespace {
+
+/// The ten colours at either end of what indexed bitmaps have.
+HPALETTE TwentyColors() {
+  constexpr size_t atEachEnd = 10;
+  const HPALETTE all = DefaultPalette(pf8bit);
+  const auto entries = all.Entries();
+  const auto first = entries.first(atEachEnd), last = entries.last(atEachEnd);
+  std::vector<tagPALETTEENTRY> twenty(first.begin(), first.end());
+  twenty.insert(twenty.end(), last.begin(), last.end());
+  return HPALETTE(twenty);
+}
+
+}  // namespace
+
 DeviceContext::DeviceContext(Raster& target, const PixelRect& clip, const ReferenceDevice& device,
                              const Affine& toTarget)
     : parts_(std::make_unique<Parts>(target, clip, device, toTarget)) {}
@@ -63,6 +78,19 @@ void DeviceContext::SelectFont(std::shared_ptr<const LogicalFont> font) {
 const LogicalFont& DeviceContext::Font() const {
   static const LogicalFont usual;
   return parts_->state.font ? *parts_->state.font : usual;
+}
+
+void DeviceContext::SelectPalette(std::shared_ptr<HPALETTE> palette) {
+  parts_->state.palette = std::move(palette);
+}
+
+const std::shared_ptr<HPALETTE>& DeviceContext::SelectedPalette() const {
+  return parts_->state.palette;
+}
+
+const HPALETTE& DeviceContext::Palette() const {
+  static const HPALETTE usual = TwentyColors();
+  return parts_->state.palette ? *parts_->state.palette : usual;
 }
 
 PointD DeviceContext::DevicePoint(PointD logical) const {

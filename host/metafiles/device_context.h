@@ -12,6 +12,7 @@
 #include <rasterkit/host/metafiles/drawing_modes.h>
 #include <rasterkit/host/metafiles/drawing_objects.h>
 #include <rasterkit/host/raster/fill.h>
+#include <rasterkit/host/raster/palette.h>
 
 namespace rasterkit {
 
@@ -130,6 +131,13 @@ class DeviceContext {
   void SelectFont(std::shared_ptr<const LogicalFont> font);
   /// The font that is selected.
   const LogicalFont& Font() const;
+  /// Null selects what a new context has: the twenty colours that all devices showed. Whoever
+  /// shares a palette may change it while it is selected.
+  void SelectPalette(std::shared_ptr<HPALETTE> palette);
+  /// Null for that of a new context.
+  const std::shared_ptr<HPALETTE>& SelectedPalette() const;
+  /// What numbers of colours mean now.
+  const HPALETTE& Palette() const;
   /// What the current mapping makes of a point: pixels of the recording device.
   PointD DevicePoint(PointD logical) const;
   PointD CurrentPosition() const;

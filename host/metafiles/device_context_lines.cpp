@@ -25,7 +25,7 @@ void DeviceContext::LineTo(PointD target) {
   if (style && !fillsGaps) {
     // Drawings of a hundred thousand lines come this way: no path is made.
     const PointD a = parts.Mapped(parts.state.position), b = parts.Mapped(to);
-    parts.Note({a.x, a.y, b.x, b.y}, style->Reach() - 2);
+    parts.NoteStroke({a.x, a.y, b.x, b.y}, *style);
     parts.painter.StrokeLine(a, b, *style, parts.PenInk(), parts.Code());
   } else if (style || parts.isPathOpen) {
     Parts::Path line = parts.StartedPath();

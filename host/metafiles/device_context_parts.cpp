@@ -129,7 +129,7 @@ void DeviceContext::Parts::FillAlone(const Path& outline) {
 void DeviceContext::Parts::Stroke(const Path& outline) {
   const StrokeStyle* style = PenStyle();
   if (!style) return;
-  Note(outline, style->Reach() - 2);
+  if (const auto bounds = outline.Bounds()) NoteStroke(*bounds, *style);
   if (style->gapsAreFilled && state.backMode == BackgroundMode::opaque) {
     StrokeStyle gaps = *style;
     gaps.dashes.clear();
@@ -194,6 +194,11 @@ void DeviceContext::Parts::Note(const RectD& box, double reach) {
   drawn->top = std::min(drawn->top, r.top - reach);
   drawn->right = std::max(drawn->right, r.right + reach);
   drawn->bottom = std::max(drawn->bottom, r.bottom + reach);
+}
+
+void DeviceContext::Parts::NoteStroke(const RectD& box, const StrokeStyle& style) {
+  const PointD to = style.fit.toCenter;
+  Note({box.left + to.x, box.top + to.y, box.right + to.x, box.bottom + to.y}, style.Overhang());
 }
 
 void DeviceContext::Parts::Note(const Path& outline, double reach) {

@@ -63,6 +63,8 @@ struct DeviceContext::Parts {
   /// Remembers that this part of the target would be painted, `reach` pixels more on every side.
   void Note(const RectD& box, double reach = 0);
   void Note(const Path& outline, double reach = 0);
+  /// The same for what the pen draws along a box.
+  void NoteStroke(const RectD& box, const detail::StrokeStyle& style);
 
   /// The rectangles as areas of the target: edges rounded, or slanted where the map turns.
   detail::ClipArea::Pointer AreaOf(std::span<const RectD> rects, RegionUnit unit);

@@ -6,6 +6,7 @@
 #include <rasterkit/host/metafiles/drawing_modes.h>
 #include <rasterkit/host/metafiles/drawing_objects.h>
 #include <rasterkit/host/metafiles/page_mapping.h>
+#include <rasterkit/host/raster/palette.h>
 
 namespace rasterkit::detail {
 
@@ -36,6 +37,7 @@ struct DrawingState {
   std::shared_ptr<const LogicalPen> pen;
   std::shared_ptr<const LogicalBrush> brush;
   std::shared_ptr<const LogicalFont> font;
+  std::shared_ptr<HPALETTE> palette;
   PointD position;
 
   /// What is clipped for good, and what beside that; null: nothing but the frame's edge.

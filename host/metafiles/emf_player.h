@@ -14,8 +14,8 @@ class EmfPlayer {
   /// `context` stays alive as long as the player; `fileBytes` bounds what bitmaps may cost.
   EmfPlayer(DeviceContext& context, uint64_t fileBytes);
 
-  /// False for a kind of record that is not known or leaves nothing to be seen. Throws an Error
-  /// when the record is damaged; the context may be used on.
+  /// False for a kind of record that is not known. Throws an Error when the record is damaged; the
+  /// context may be used on.
   bool Play(const EmfRecord& record);
 
  private:
@@ -25,6 +25,7 @@ class EmfPlayer {
   bool PlayState(const EmfRecord& record);
   bool PlayMapping(const EmfRecord& record);
   bool PlayObject(const EmfRecord& record);
+  bool PlayPalette(const EmfRecord& record);
   bool PlayPath(const EmfRecord& record);
   bool PlayRegion(const EmfRecord& record);
   bool PlayBitmap(const EmfRecord& record);
@@ -44,12 +45,14 @@ class EmfPlayer {
   void CreateExtendedPen(const EmfRecord& record);
   void CreateFont(const EmfRecord& record);
   void CreatePatternBrush(const EmfRecord& record, bool isMono);
-  void CreatePalette(const EmfRecord& record);
-  void SetPaletteEntries(const EmfRecord& record);
   BrushObject BrushOf(uint32_t handle) const;
+  /// Null where the handle names no palette.
+  PaletteObject PaletteOf(uint32_t handle) const;
   /// Remembers an object under its handle. Throws RangeError for a handle that no file needs.
   void Keep(uint32_t handle, MetafileObject object);
-  TColor Color(MetafileBytes& fields) const { return StatedColor(fields.Long(), palette_); }
+  TColor Color(MetafileBytes& fields) const {
+    return StatedColor(fields.Long(), context_.Palette());
+  }
 
   /// Where a record keeps its bitmap: offset and size of head and rows.
   struct BitmapPlace {
@@ -58,6 +61,15 @@ class EmfPlayer {
   };
   static BitmapPlace ReadPlace(MetafileBytes& fields);
   Dib Bitmap(const EmfRecord& record, const BitmapPlace& place, DibRequest request);
+  /// A bitmap, the part of it that is shown, and the mask that may stand beside it.
+  struct MaskedBitmap {
+    Dib dib;
+    RectD box;
+    std::optional<Dib> mask;
+    PixelPoint maskOrigin;
+    BitmapPart Part() const { return {dib.raster, box}; }
+  };
+  MaskedBitmap ReadMasked(const EmfRecord& record, MetafileBytes& fields, const RectD& box);
   void Blit(const EmfRecord& record);
   void Mask(const EmfRecord& record);
   void Parallelogram(const EmfRecord& record);
@@ -84,7 +96,6 @@ class EmfPlayer {
   DeviceContext& context_;
   DibReader dibs_;
   std::unordered_map<uint32_t, MetafileObject> objects_;
-  HPALETTE palette_;
   /// Kept from record to record, since most have a few points only.
   std::vector<PointD> points_;
 };

@@ -29,7 +29,7 @@ EmfPlayer::BitmapPlace EmfPlayer::ReadPlace(MetafileBytes& fields) {
 }
 
 Dib EmfPlayer::Bitmap(const EmfRecord& record, const BitmapPlace& place, DibRequest request) {
-  request.palette = palette_;
+  request.palette = context_.Palette();
   const DibParts parts{record.Part(place.headOffset, place.headBytes),
                        record.Part(place.bitsOffset, place.bitsBytes)};
   return dibs_.Read(parts, request);
@@ -65,10 +65,27 @@ void EmfPlayer::Blit(const EmfRecord& record) {
   if (isBlend) {
     context_.AlphaBlend(dest, source, constantAlpha, hasAlpha);
   } else if (record.type == EmfType::transparentBlt) {
-    context_.TransparentBlt(dest, source, StatedColor(operation, palette_));
+    context_.TransparentBlt(dest, source, StatedColor(operation, context_.Palette()));
   } else {
     context_.StretchBlt(dest, source, operation);
   }
+}
+
+/// What follows the box that names the source's part, where a mask may stand beside the bitmap.
+EmfPlayer::MaskedBitmap EmfPlayer::ReadMasked(const EmfRecord& record, MetafileBytes& fields,
+                                              const RectD& box) {
+  const Affine transform = ReadSourceMatrix(fields);
+  fields.Skip(4);  // background colour of the source
+  DibRequest request, maskRequest;
+  request.colors = DibColorsOf(fields.Long());
+  const BitmapPlace place = ReadPlace(fields);
+  const int32_t maskX = fields.Int(), maskY = fields.Int();
+  maskRequest.colors = DibColorsOf(fields.Long());
+  const BitmapPlace maskPlace = ReadPlace(fields);
+  MaskedBitmap masked{
+      Bitmap(record, place, request), SourcePart(box, transform), std::nullopt, {maskX, maskY}};
+  if (!maskPlace.IsEmpty()) masked.mask = Bitmap(record, maskPlace, maskRequest);
+  return masked;
 }
 
 void EmfPlayer::Mask(const EmfRecord& record) {
@@ -77,24 +94,13 @@ void EmfPlayer::Mask(const EmfRecord& record) {
   const RectD dest = ReadSizedRect(fields);
   const uint32_t operation = fields.Long();
   const PointD corner = ReadPoint(fields);
-  const Affine transform = ReadSourceMatrix(fields);
-  fields.Skip(4);
-  DibRequest request;
-  request.colors = DibColorsOf(fields.Long());
-  const BitmapPlace place = ReadPlace(fields);
-  const int32_t maskX = fields.Int(), maskY = fields.Int();
-  DibRequest maskRequest;
-  maskRequest.colors = DibColorsOf(fields.Long());
-  const BitmapPlace maskPlace = ReadPlace(fields);
-  const Dib dib = Bitmap(record, place, request);
-  const RectD box{corner.x, corner.y, corner.x + dest.Width(), corner.y + dest.Height()};
-  const BitmapPart source{dib.raster, SourcePart(box, transform)};
-  if (maskPlace.IsEmpty()) {
-    context_.StretchBlt(dest, source, operation);
-    return;
+  const MaskedBitmap source = ReadMasked(
+      record, fields, {corner.x, corner.y, corner.x + dest.Width(), corner.y + dest.Height()});
+  if (source.mask) {
+    context_.MaskBlt(dest, source.Part(), source.mask->raster, source.maskOrigin, operation);
+  } else {
+    context_.StretchBlt(dest, source.Part(), operation);
   }
-  const Dib mask = Bitmap(record, maskPlace, maskRequest);
-  context_.MaskBlt(dest, source, mask.raster, {maskX, maskY}, operation);
 }
 
 void EmfPlayer::Parallelogram(const EmfRecord& record) {
@@ -102,24 +108,9 @@ void EmfPlayer::Parallelogram(const EmfRecord& record) {
   fields.Skip(kEmfBoundsBytes);
   std::array<PointD, 3> corners;
   for (PointD& corner : corners) corner = ReadPoint(fields);
-  const RectD box = ReadSizedRect(fields);
-  const Affine transform = ReadSourceMatrix(fields);
-  fields.Skip(4);
-  DibRequest request;
-  request.colors = DibColorsOf(fields.Long());
-  const BitmapPlace place = ReadPlace(fields);
-  const int32_t maskX = fields.Int(), maskY = fields.Int();
-  DibRequest maskRequest;
-  maskRequest.colors = DibColorsOf(fields.Long());
-  const BitmapPlace maskPlace = ReadPlace(fields);
-  const Dib dib = Bitmap(record, place, request);
-  const BitmapPart source{dib.raster, SourcePart(box, transform)};
-  if (maskPlace.IsEmpty()) {
-    context_.PlgBlt(corners, source, nullptr, {});
-    return;
-  }
-  const Dib mask = Bitmap(record, maskPlace, maskRequest);
-  context_.PlgBlt(corners, source, &mask.raster, {maskX, maskY});
+  const MaskedBitmap source = ReadMasked(record, fields, ReadSizedRect(fields));
+  context_.PlgBlt(corners, source.Part(), source.mask ? &source.mask->raster : nullptr,
+                  source.maskOrigin);
 }
 
 void EmfPlayer::StretchBits(const EmfRecord& record) {

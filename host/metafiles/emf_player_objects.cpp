@@ -42,15 +42,6 @@ LogicalFont ReadFont(MetafileBytes& fields) {
   return font;
 }
 
-std::vector<tagPALETTEENTRY> ReadEntries(MetafileBytes& fields, size_t stated) {
-  std::vector<tagPALETTEENTRY> entries(fields.Count(stated, 4));
-  for (tagPALETTEENTRY& entry : entries) {
-    const auto bytes = fields.Take(4);
-    entry = {bytes[0], bytes[1], bytes[2], bytes[3]};
-  }
-  return entries;
-}
-
 }  // namespace
 
 void EmfPlayer::Keep(uint32_t handle, MetafileObject object) {
@@ -98,14 +89,16 @@ void EmfPlayer::CreateExtendedPen(const EmfRecord& record) {
   LogicalPen pen;
   pen.style = fields.Long();
   pen.width = fields.Long();
-  const uint32_t brushStyle = fields.Long();
-  pen.color = Color(fields);
+  const uint32_t brushStyle = fields.Long(), statedColor = fields.Long();
+  pen.color = StatedColor(statedColor, context_.Palette());
   const uint32_t hatch = fields.Long();
   constexpr uint32_t mostDashes = 16;
   const uint32_t dashes = fields.Left() >= 4 ? std::min(fields.Long(), mostDashes) : 0;
   for (size_t i = fields.Count(dashes, 4); i > 0; --i) pen.dashes.push_back(fields.Long());
   if (brushStyle == kPattern || brushStyle == kDibPattern || brushStyle == kDibPatternPointer) {
-    if (!place.IsEmpty()) pen.brush = PatternBrush(Bitmap(record, place, {}).raster, false);
+    DibRequest request;
+    request.colors = DibColorsOf(statedColor & 0xFFFF);
+    if (!place.IsEmpty()) pen.brush = PatternBrush(Bitmap(record, place, request).raster, false);
   } else if (brushStyle != 0) {
     pen.brush = PlainBrush(brushStyle, pen.color, hatch);
   }
@@ -125,31 +118,6 @@ void EmfPlayer::CreatePatternBrush(const EmfRecord& record, bool isMono) {
   request.colors = DibColorsOf(fields.Long());
   const BitmapPlace place = ReadPlace(fields);
   Keep(handle, PatternBrush(Bitmap(record, place, request).raster, isMono));
-}
-
-void EmfPlayer::CreatePalette(const EmfRecord& record) {
-  MetafileBytes fields = record.Fields();
-  const uint32_t handle = fields.Long();
-  fields.Skip(2);  // version
-  const uint16_t count = fields.Word();
-  Keep(handle, HPALETTE(ReadEntries(fields, count)));
-}
-
-void EmfPlayer::SetPaletteEntries(const EmfRecord& record) {
-  MetafileBytes fields = record.Fields();
-  const uint32_t handle = fields.Long(), start = fields.Long(), count = fields.Long();
-  const std::vector<tagPALETTEENTRY> changes = ReadEntries(fields, count);
-  const auto found = objects_.find(handle);
-  if (found == objects_.end()) return;
-  const auto* palette = std::get_if<HPALETTE>(&found->second);
-  if (palette == nullptr) return;
-  const bool isSelected = *palette == palette_;
-  std::vector<tagPALETTEENTRY> entries(palette->Entries().begin(), palette->Entries().end());
-  for (size_t i = 0; i < changes.size() && start + i < entries.size(); ++i) {
-    entries[start + i] = changes[i];
-  }
-  found->second = HPALETTE(entries);
-  if (isSelected) palette_ = HPALETTE(entries);
 }
 
 bool EmfPlayer::PlayObject(const EmfRecord& record) {
@@ -180,19 +148,6 @@ bool EmfPlayer::PlayObject(const EmfRecord& record) {
     case EmfType::createDibPatternBrush:
       CreatePatternBrush(record, record.type == EmfType::createMonoBrush);
       return true;
-    case EmfType::createPalette:
-      CreatePalette(record);
-      return true;
-    case EmfType::setPaletteEntries:
-      SetPaletteEntries(record);
-      return true;
-    case EmfType::selectPalette: {
-      const auto found = objects_.find(fields.Long());
-      const auto* palette =
-          found == objects_.end() ? nullptr : std::get_if<HPALETTE>(&found->second);
-      palette_ = palette == nullptr ? HPALETTE() : *palette;
-      return true;
-    }
     default:
       return false;
   }

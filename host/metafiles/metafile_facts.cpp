@@ -6,6 +6,7 @@
 #include <rasterkit/host/metafiles/emf_contents.h>
 #include <rasterkit/host/metafiles/metafile_facts.h>
 #include <rasterkit/host/metafiles/wmf_extent.h>
+#include <rasterkit/host/metafiles/wmf_measure.h>
 #include <rasterkit/host/metafiles/wmf_records.h>
 
 namespace rasterkit {
@@ -77,12 +78,44 @@ MetafileFacts ReadEmf(std::span<const uint8_t> bytes) {
   return facts;
 }
 
-void TakeExtent(const WmfContents& contents, MetafileFacts& facts) {
-  const WmfExtent& extent = contents.extent;
-  facts.bounds = {extent.left, extent.top, extent.right, extent.bottom};
-  const int64_t longest = std::max(std::abs(facts.bounds.Width()), std::abs(facts.bounds.Height()));
-  facts.unitsPerInch = longest > kMostPixelUnits ? kTwipsPerInch : kPixelsPerInch;
-  if (contents.unitsPerInch > 0) facts.unitsPerInch = contents.unitsPerInch;
+/// What the mapping mode says, else by the box's size.
+double UnitsPerInch(const MetafileFacts::Box& box, double stated) {
+  if (stated > 0) return stated;
+  const int64_t longest = std::max(std::abs(box.Width()), std::abs(box.Height()));
+  return longest > kMostPixelUnits ? kTwipsPerInch : kPixelsPerInch;
+}
+
+/// The box in whole units, at least one large; a unit is a pixel of a common screen or what the
+/// mapping mode says.
+MetafileFacts::Box DrawnBox(const RectD& drawn, double unitsPerInch) {
+  constexpr double most = 1 << 24;
+  const double scale = unitsPerInch > 0 ? unitsPerInch / kPixelsPerInch : 1;
+  const auto whole = [&](double pixels) -> int64_t {
+    return std::llround(std::clamp(pixels * scale, -most, most));
+  };
+  MetafileFacts::Box box{whole(drawn.left), whole(drawn.top), whole(drawn.right),
+                         whole(drawn.bottom)};
+  box.right = std::max(box.right, box.left + 1);
+  box.bottom = std::max(box.bottom, box.top + 1);
+  return box;
+}
+
+void TakeExtent(std::span<const uint8_t> bytes, const WmfContents& contents, MetafileFacts& facts) {
+  if (contents.windowExt) {
+    const PointD origin = contents.windowOrg.value_or(PointD()), extent = *contents.windowExt;
+    facts.bounds = {static_cast<int>(origin.x), static_cast<int>(origin.y),
+                    static_cast<int>(origin.x + extent.x), static_cast<int>(origin.y + extent.y)};
+  } else {
+    RectD drawn = MeasureWmf(bytes).value_or(RectD{0, 0, 1, 1});
+    // A page that counts lengths and names its corner, but no size, begins there.
+    if (contents.windowOrg && contents.unitsPerInch > 0) {
+      drawn = {std::min(drawn.left, 0.0), std::min(drawn.top, 0.0), std::max(drawn.right, 0.0),
+               std::max(drawn.bottom, 0.0)};
+    }
+    facts.bounds = DrawnBox(drawn, contents.unitsPerInch);
+    facts.boundsAreDrawn = true;
+  }
+  facts.unitsPerInch = UnitsPerInch(facts.bounds, contents.unitsPerInch);
 }
 
 MetafileFacts ReadWmf(std::span<const uint8_t> bytes) {
@@ -90,16 +123,22 @@ MetafileFacts ReadWmf(std::span<const uint8_t> bytes) {
   const WmfContents contents = ReadWmfContents(bytes);
   facts.records = contents.records;
   if (!contents.damage.empty()) facts.warnings.push_back(contents.damage);
-  TakeExtent(contents, facts);
+  MetafileFacts::Box box;
+  if (contents.placement) {
+    const WmfPlacement& placement = *contents.placement;
+    box = {placement.left, placement.top, placement.right, placement.bottom};
+  }
+  const bool hasBox = box.Width() != 0 && box.Height() != 0;
+  if (hasBox) {
+    facts.bounds = box;
+    facts.unitsPerInch = UnitsPerInch(box, contents.unitsPerInch);
+  } else {
+    TakeExtent(bytes, contents, facts);
+  }
   if (contents.placement) {
     const WmfPlacement& placement = *contents.placement;
     facts.kind = MetafileKind::placeableWmf;
-    const MetafileFacts::Box box{placement.left, placement.top, placement.right, placement.bottom};
-    if (box.Width() != 0 && box.Height() != 0) {
-      facts.bounds = box;
-    } else {
-      facts.warnings.emplace_back("WMF: the placeable header's box is empty");
-    }
+    if (!hasBox) facts.warnings.emplace_back("WMF: the placeable header's box is empty");
     if (placement.unitsPerInch > 0) {
       facts.unitsPerInch = placement.unitsPerInch;
     } else {

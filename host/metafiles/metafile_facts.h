@@ -23,6 +23,8 @@ struct MetafileFacts {
   /// EMF: the drawing's box in pixels of the reference device, the last ones included. WMF: the
   /// picture's box in logical units; it may be upside down.
   Box bounds;
+  /// WMF: the file states no box and no window; `bounds` is around what it draws, y downward.
+  bool boundsAreDrawn = false;
   /// EMF: the picture's box on the reference device in 0.01 mm.
   Box frame;
   /// EMF: the reference device's size; 0 for WMF.

@@ -13,8 +13,6 @@ namespace {
 
 using namespace detail;
 
-constexpr double kPixelsPerInch = 96, kMmPerInch = 25.4;
-
 /// The map that takes `source` to the place.
 Affine Fit(const RectD& source, const PixelRect& place) {
   const double x = (static_cast<double>(place.right) - place.left) / source.Width();
@@ -47,27 +45,6 @@ Stage EmfStage(const MetafileFacts& facts, const PixelRect& place) {
   return stage;
 }
 
-WmfPicture PictureOf(const MetafileFacts& facts) {
-  const MetafileFacts::Box& box = facts.bounds;
-  WmfPicture picture;
-  picture.window = {static_cast<double>(box.left), static_cast<double>(box.top),
-                    static_cast<double>(box.right), static_cast<double>(box.bottom)};
-  const double scale = kPixelsPerInch / facts.unitsPerInch;
-  picture.pixels = {std::abs(picture.window.Width()) * scale,
-                    std::abs(picture.window.Height()) * scale};
-  return picture;
-}
-
-/// The device is a common screen of the picture's size.
-Stage WmfStage(const WmfPicture& picture, const PixelRect& place) {
-  Stage stage;
-  const PointD& size = picture.pixels;
-  stage.device = {size.x, size.y, size.x * kMmPerInch / kPixelsPerInch,
-                  size.y * kMmPerInch / kPixelsPerInch};
-  stage.toTarget = Fit({0, 0, size.x, size.y}, place);
-  return stage;
-}
-
 }  // namespace
 
 PlayReport PlayMetafile(std::span<const uint8_t> bytes, Raster& target, const PixelRect& place,
@@ -87,9 +64,9 @@ PlayReport PlayMetafile(std::span<const uint8_t> bytes, Raster& target, const Pi
     PlayRecords(
         records, [&](const EmfRecord& record) { return player.Play(record); }, keepGoing, report);
   } else {
-    const WmfPicture picture = PictureOf(facts);
-    const Stage stage = WmfStage(picture, place);
-    DeviceContext context(target, clip, stage.device, stage.toTarget);
+    const WmfPicture picture = PictureOfWmf(facts);
+    const Affine toTarget = Fit({0, 0, picture.pixels.x, picture.pixels.y}, place);
+    DeviceContext context(target, clip, picture.device, toTarget);
     WmfPlayer player(context, picture, bytes.size());
     WmfRecords records(bytes);
     PlayRecords(

@@ -101,12 +101,4 @@ void MarkSymbolFont(LogicalFont& font) {
   }
 }
 
-TColor StatedColor(uint32_t stated, const HPALETTE& palette) {
-  constexpr uint32_t index = 1;
-  if (stated >> 24 == index && palette) {
-    return EntryColor(palette.Entry(static_cast<int>(stated & 0xFFFF)));
-  }
-  return static_cast<TColor>(stated & 0xFFFFFF);
-}
-
 }  // namespace rasterkit::detail

@@ -163,6 +163,11 @@ double StrokeStyle::Reach() const {
   return width * scale * std::min(join, 1000.0) / 2 + 2;
 }
 
+double StrokeStyle::Overhang() const {
+  const bool isRound = join != CAIRO_LINE_JOIN_MITER && cap != CAIRO_LINE_CAP_SQUARE;
+  return isRound && !nib ? width / 2 : Reach() - 2;
+}
+
 StrokeStyle StrokeStyleOf(const LogicalPen& pen, const PenSurroundings& around) {
   const double deviceWidth = std::abs(pen.width) * around.toDevice.MeanScale();
   const bool isGeometric = (pen.style & geometric) != 0;

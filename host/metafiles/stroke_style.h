@@ -28,8 +28,10 @@ struct StrokeStyle {
   /// Different for styles that differ, so that one that is set already is known; 0: never known.
   uint64_t serial = 0;
 
-  /// How far the line reaches beyond its coordinates, in pixels.
+  /// How far the line reaches beyond its coordinates, in pixels: with room for soft edges, and
+  /// without.
   double Reach() const;
+  double Overhang() const;
 };
 
 /// What a pen's style depends on beside the pen.

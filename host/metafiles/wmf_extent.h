@@ -1,20 +1,16 @@
 #pragma once
 
+#include <rasterkit/host/metafiles/affine.h>
 #include <rasterkit/host/metafiles/wmf_records.h>
 
 namespace rasterkit::detail {
 
-/// A box in logical units; it may be upside down.
-struct WmfExtent {
-  int left = 0, top = 0, right = 0, bottom = 0;
-};
-
 /// What a Windows metafile holds, counted and not drawn.
 struct WmfContents {
   std::optional<WmfPlacement> placement;
-  /// The first window that the records set, else the box of the coordinates that they draw at (and
-  /// 1 unit where there are none).
-  WmfExtent extent;
+  /// Where the first window that the records set begins, and how large it is: logical units. It may
+  /// be upside down, but is not empty.
+  std::optional<PointD> windowOrg, windowExt;
   /// What the first mapping mode with a fixed unit says; 0 for the others.
   double unitsPerInch = 0;
   uint32_t records = 0;

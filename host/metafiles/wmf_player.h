@@ -5,6 +5,7 @@
 
 #include <rasterkit/host/metafiles/dib_reader.h>
 #include <rasterkit/host/metafiles/player_objects.h>
+#include <rasterkit/host/metafiles/wmf_picture.h>
 #include <rasterkit/host/metafiles/wmf_records.h>
 
 namespace rasterkit::detail {
@@ -26,13 +27,6 @@ class WmfObjects {
   size_t last_ = 0;
 };
 
-/// What the picture's box is: where the window of a new context lies, and how many pixels of the
-/// device it is large.
-struct WmfPicture {
-  RectD window;
-  PointD pixels;
-};
-
 /// A mapping mode of a Windows metafile, and what it sets beside itself so that the picture's box
 /// is what is seen of it.
 struct WmfMode {
@@ -49,14 +43,16 @@ class WmfPlayer {
   /// `context` stays alive as long as the player; `fileBytes` bounds what bitmaps may cost.
   WmfPlayer(DeviceContext& context, const WmfPicture& picture, uint64_t fileBytes);
 
-  /// False for a kind of record that is not known or leaves nothing to be seen. Throws an Error
-  /// when the record is damaged; the context may be used on.
+  /// False for a kind of record that is not known. Throws an Error when the record is damaged; the
+  /// context may be used on.
   bool Play(const WmfRecord& record);
 
   const WmfObjects& Objects() const { return objects_; }
   const WmfPicture& Picture() const { return picture_; }
-  /// Pixels of our device for those of the device that the file's viewport counts in.
+  /// Pixels of our device for those of the device that the file's viewport counts in: a length, and
+  /// where a viewport begins.
   PointD ViewportScaled(PointD recorded) const;
+  PointD ViewportPlace(PointD recorded) const;
 
  private:
   // Each answers whether the record is one of its family.
@@ -65,6 +61,7 @@ class WmfPlayer {
   bool PlayState(const WmfRecord& record);
   bool PlayMapping(const WmfRecord& record);
   bool PlayObject(const WmfRecord& record);
+  bool PlayPalette(const WmfRecord& record);
   bool PlayRegion(const WmfRecord& record);
   bool PlayBitmap(const WmfRecord& record);
   bool PlayText(const WmfRecord& record);
@@ -77,7 +74,9 @@ class WmfPlayer {
   void SelectClip(size_t handle);
   const RegionObject& RegionOf(size_t handle) const;
   const LogicalBrush& BrushOf(size_t handle) const;
-  TColor Color(MetafileBytes& fields) const { return StatedColor(fields.Long(), palette_); }
+  TColor Color(MetafileBytes& fields) const {
+    return StatedColor(fields.Long(), context_.Palette());
+  }
 
   Dib Bitmap(std::span<const uint8_t> packed, DibColors colors);
   void BlitDib(const WmfRecord& record, bool isStretched);
@@ -89,7 +88,6 @@ class WmfPlayer {
   const WmfPicture picture_;
   DibReader dibs_;
   WmfObjects objects_;
-  HPALETTE palette_;
   /// The first viewport that the file sets, which is taken for the whole picture.
   std::optional<PointD> firstViewport_;
 };

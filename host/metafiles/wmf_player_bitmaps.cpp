@@ -7,7 +7,7 @@ namespace rasterkit::detail {
 Dib WmfPlayer::Bitmap(std::span<const uint8_t> packed, DibColors colors) {
   DibRequest request;
   request.colors = colors;
-  request.palette = palette_;
+  request.palette = context_.Palette();
   return dibs_.Read(SplitPackedDib(packed, colors), request);
 }
 
@@ -48,7 +48,7 @@ void WmfPlayer::SetBits(const WmfRecord& record) {
   MetafileBytes fields = record.Fields();
   DibRequest request;
   request.colors = DibColorsOf(fields.Word());
-  request.palette = palette_;
+  request.palette = context_.Palette();
   request.rows = fields.Word();
   const uint16_t firstRow = fields.Word();
   const PointD partCorner = ReadReversedPoint(fields), size = ReadReversedPoint(fields);

@@ -54,15 +54,10 @@ FontObject ReadFont(MetafileBytes& fields) {
   return std::make_shared<const LogicalFont>(std::move(font));
 }
 
-HPALETTE ReadPalette(MetafileBytes& fields) {
+PaletteObject ReadPalette(MetafileBytes& fields) {
   fields.Skip(2);  // version
-  const uint16_t stated = fields.Word();
-  std::vector<tagPALETTEENTRY> entries(fields.Count(stated, 4));
-  for (tagPALETTEENTRY& entry : entries) {
-    const auto bytes = fields.Take(4);
-    entry = {bytes[0], bytes[1], bytes[2], bytes[3]};
-  }
-  return HPALETTE(entries);
+  const uint16_t count = fields.Word();
+  return std::make_shared<HPALETTE>(ReadPaletteEntries(fields, count));
 }
 
 /// A region as rows of equal height: numbers of edges, top, bottom, the edges in pairs, and the
@@ -122,9 +117,9 @@ MetafileObject WmfPlayer::ReadObject(const WmfRecord& record) {
   MetafileBytes fields = record.Fields();
   switch (record.function) {
     case WmfFunction::createPenIndirect:
-      return ReadPen(fields, palette_);
+      return ReadPen(fields, context_.Palette());
     case WmfFunction::createBrushIndirect:
-      return ReadBrush(fields, palette_);
+      return ReadBrush(fields, context_.Palette());
     case WmfFunction::createFontIndirect:
       return ReadFont(fields);
     case WmfFunction::createPalette:
@@ -177,14 +172,37 @@ bool WmfPlayer::PlayObject(const WmfRecord& record) {
     case WmfFunction::deleteObject:
       objects_.Delete(record.Fields().Word());
       return true;
+    default:
+      return CreateObject(record);
+  }
+}
+
+/// Palettes are changed while they are selected; the one of a new context is nobody's to change.
+bool WmfPlayer::PlayPalette(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  const PaletteObject& selected = context_.SelectedPalette();
+  switch (record.function) {
     case WmfFunction::selectPalette: {
-      const MetafileObject* object = objects_.Find(record.Fields().Word());
-      const auto* palette = object == nullptr ? nullptr : std::get_if<HPALETTE>(object);
-      palette_ = palette == nullptr ? HPALETTE() : *palette;
+      const MetafileObject* object = objects_.Find(fields.Word());
+      const auto* palette = object == nullptr ? nullptr : std::get_if<PaletteObject>(object);
+      context_.SelectPalette(palette == nullptr ? nullptr : *palette);
+      return true;
+    }
+    case WmfFunction::setPaletteEntries:
+    case WmfFunction::animatePalette: {
+      const uint16_t start = fields.Word(), count = fields.Word();
+      const auto changes = ReadPaletteEntries(fields, count);
+      const bool isAnimation = record.function == WmfFunction::animatePalette;
+      if (selected) (isAnimation ? AnimateEntries : ChangeEntries)(*selected, start, changes);
+      return true;
+    }
+    case WmfFunction::resizePalette: {
+      const uint16_t count = fields.Word();
+      if (selected) ResizePalette(*selected, count);
       return true;
     }
     default:
-      return CreateObject(record);
+      return false;
   }
 }
 

@@ -66,6 +66,7 @@ std::optional<WmfMode> WmfModeOf(uint16_t number, const WmfPicture& picture) {
       return set;
     default:
       // Modes with a unit of their own have y point up: the box begins where it is highest.
+      if (picture.isMeasured) return set;
       set.windowOrg =
           PointD{std::min(window.left, window.right), std::max(window.top, window.bottom)};
       return set;
@@ -78,6 +79,11 @@ PointD WmfPlayer::ViewportScaled(PointD recorded) const {
   if (!firstViewport_) return recorded;
   return {recorded.x * std::abs(picture_.pixels.x / firstViewport_->x),
           recorded.y * std::abs(picture_.pixels.y / firstViewport_->y)};
+}
+
+PointD WmfPlayer::ViewportPlace(PointD recorded) const {
+  const PointD scaled = ViewportScaled(recorded);
+  return {picture_.origin.x + scaled.x, picture_.origin.y + scaled.y};
 }
 
 bool WmfPlayer::PlayMapping(const WmfRecord& record) {
@@ -110,7 +116,7 @@ bool WmfPlayer::PlayMapping(const WmfRecord& record) {
       scale(&DeviceContext::ScaleWindowExt);
       return true;
     case WmfFunction::setViewportOrg:
-      context_.SetViewportOrg(ViewportScaled(ReadReversedPoint(fields)));
+      context_.SetViewportOrg(ViewportPlace(ReadReversedPoint(fields)));
       return true;
     case WmfFunction::setViewportExt: {
       const PointD extent = ReadReversedPoint(fields);

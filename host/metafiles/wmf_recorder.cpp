@@ -15,16 +15,20 @@ WmfRecorder::WmfRecorder(EmfWriter& writer, DeviceContext& context, const WmfPla
     : writer_(writer), context_(context), player_(player) {
   const RectD& window = picture.window;
   state_.windowOrg = {window.left, window.top};
+  state_.viewportOrg = picture.origin;
   writer_.Add(EmfType::setMapMode, {static_cast<int64_t>(MapMode::anisotropic)});
   writer_.Add(EmfType::setWindowOrg, EmfFields().Point({window.left, window.top}));
   writer_.Add(EmfType::setWindowExt, EmfFields().Point({window.Width(), window.Height()}));
   writer_.Add(EmfType::setViewportExt, EmfFields().Point(picture.pixels));
+  if (picture.origin != PointD()) {
+    writer_.Add(EmfType::setViewportOrg, EmfFields().Point(picture.origin));
+  }
 }
 
 void WmfRecorder::Record(const WmfRecord& record) {
   RecordObject(record) || RecordShape(record) || RecordPoints(record) || RecordPixels(record) ||
       RecordState(record) || RecordMode(record) || RecordText(record) || RecordMapping(record) ||
-      RecordBitmap(record) || RecordRegion(record);
+      RecordBitmap(record) || RecordRegion(record) || RecordPalette(record);
 }
 
 void WmfRecorder::Restore(int32_t number) {
@@ -139,7 +143,7 @@ bool WmfRecorder::RecordMapping(const WmfRecord& record) {
     case WmfFunction::scaleWindowExt:
       return scale(EmfType::scaleWindowExt);
     case WmfFunction::setViewportOrg:
-      return viewportOrg(player_.ViewportScaled(ReadReversedPoint(fields)));
+      return viewportOrg(player_.ViewportPlace(ReadReversedPoint(fields)));
     case WmfFunction::offsetViewportOrg:
       return viewportOrg(
           Sum(state_.viewportOrg, player_.ViewportScaled(ReadReversedPoint(fields))));

@@ -26,6 +26,8 @@ class WmfRecorder {
   /// What SaveDC puts by of what the player does not tell.
   struct State {
     bool hasPen = true;
+    /// Absent: the palette of a new context.
+    std::optional<size_t> palette;
     double textExtra = 0;
     ArcDirection arcs = ArcDirection::counterclockwise;
     PointD windowOrg, viewportOrg;
@@ -51,6 +53,7 @@ class WmfRecorder {
   void CreateBrush(size_t handle, const LogicalBrush& brush);
   void CreateFont(size_t handle, const LogicalFont& font);
   void CreatePalette(size_t handle, const HPALETTE& palette);
+  bool RecordPalette(const WmfRecord& record);
   const RegionObject* RegionOf(size_t handle) const;
   void FillRegion(EmfType type, const WmfRecord& record);
 

@@ -18,6 +18,15 @@ int64_t EmfHandle(size_t handle) {
 /// What metafiles write between the font and the end of its record: names that nobody needs.
 constexpr size_t kFontBytes = 92, kFontRecordBytes = 320;
 
+/// The handle of the palette that every context begins with.
+constexpr int64_t kStockPalette = 0x8000000F;
+
+void AppendEntries(std::span<const tagPALETTEENTRY> entries, EmfFields& fields) {
+  for (const tagPALETTEENTRY& entry : entries) {
+    fields.Byte(entry.peRed).Byte(entry.peGreen).Byte(entry.peBlue).Byte(entry.peFlags);
+  }
+}
+
 }  // namespace
 
 void WmfRecorder::CreatePen(size_t handle, const LogicalPen& pen) {
@@ -64,9 +73,7 @@ void WmfRecorder::CreatePalette(size_t handle, const HPALETTE& palette) {
   const auto entries = palette.Entries();
   EmfFields fields;
   fields.Long(EmfHandle(handle)).Word(version).Word(static_cast<int64_t>(entries.size()));
-  for (const tagPALETTEENTRY& entry : entries) {
-    fields.Byte(entry.peRed).Byte(entry.peGreen).Byte(entry.peBlue).Byte(entry.peFlags);
-  }
+  AppendEntries(entries, fields);
   writer_.Add(EmfType::createPalette, fields);
 }
 
@@ -80,8 +87,8 @@ void WmfRecorder::Create(size_t handle) {
     CreateBrush(handle, **brush);
   } else if (const auto* font = std::get_if<FontObject>(object)) {
     CreateFont(handle, **font);
-  } else if (const auto* palette = std::get_if<HPALETTE>(object)) {
-    CreatePalette(handle, *palette);
+  } else if (const auto* palette = std::get_if<PaletteObject>(object)) {
+    CreatePalette(handle, **palette);
   }
 }
 
@@ -120,8 +127,39 @@ bool WmfRecorder::RecordObject(const WmfRecord& record) {
       // Regions have no handle here, and deleting one that is free does nothing.
       writer_.Add(EmfType::deleteObject, {EmfHandle(fields.Word())});
       return true;
-    case WmfFunction::selectPalette:
-      writer_.Add(EmfType::selectPalette, {EmfHandle(fields.Word())});
+    default:
+      return false;
+  }
+}
+
+/// What a record made of the selected palette, as that is now.
+bool WmfRecorder::RecordPalette(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  switch (record.function) {
+    case WmfFunction::selectPalette: {
+      const size_t handle = fields.Word();
+      const MetafileObject* object = player_.Objects().Find(handle);
+      const bool isPalette = object != nullptr && std::holds_alternative<PaletteObject>(*object);
+      state_.palette = isPalette ? std::optional(handle) : std::nullopt;
+      writer_.Add(EmfType::selectPalette, {isPalette ? EmfHandle(handle) : kStockPalette});
+      return true;
+    }
+    case WmfFunction::setPaletteEntries:
+    case WmfFunction::animatePalette: {
+      const auto entries = context_.Palette().Entries();
+      const size_t start = fields.Word(), stated = fields.Word();
+      if (!state_.palette || start >= entries.size()) return true;
+      const size_t count = std::min(stated, entries.size() - start);
+      EmfFields written;
+      written.Longs({EmfHandle(*state_.palette), static_cast<int64_t>(start)});
+      written.Long(static_cast<int64_t>(count));
+      AppendEntries(entries.subspan(start, count), written);
+      writer_.Add(EmfType::setPaletteEntries, written);
+      return true;
+    }
+    case WmfFunction::resizePalette:
+      if (!state_.palette) return true;
+      writer_.Add(EmfType::resizePalette, {EmfHandle(*state_.palette), context_.Palette().Count()});
       return true;
     default:
       return false;

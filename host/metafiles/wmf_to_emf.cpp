@@ -4,28 +4,13 @@
 #include <rasterkit/host/metafiles/wmf_to_emf.h>
 
 namespace rasterkit::detail {
-namespace {
-
-WmfPicture WindowOf(const MetafileFacts& facts) {
-  const MetafileFacts::Box& box = facts.bounds;
-  WmfPicture picture;
-  picture.window = {static_cast<double>(box.left), static_cast<double>(box.top),
-                    static_cast<double>(box.right), static_cast<double>(box.bottom)};
-  picture.pixels = {static_cast<double>(facts.width), static_cast<double>(facts.height)};
-  return picture;
-}
-
-}  // namespace
-
 std::vector<uint8_t> EmfOfWmf(std::span<const uint8_t> bytes) {
   const MetafileFacts facts = ReadMetafileFacts(bytes);
   if (facts.kind == MetafileKind::emf) throw FormatError("WMF: the metafile is an enhanced one");
-  const WmfPicture window = WindowOf(facts);
+  const WmfPicture window = PictureOfWmf(facts);
   // The player's state and what it would paint are asked for, never its pixels.
   Raster unseen(pf32bit, 1, 1);
-  const ReferenceDevice device{window.pixels.x, window.pixels.y, facts.widthMm100 / 100.0,
-                               facts.heightMm100 / 100.0};
-  DeviceContext context(unseen, {0, 0, 1, 1}, device, Affine());
+  DeviceContext context(unseen, {0, 0, 1, 1}, window.device, Affine());
   WmfPlayer player(context, window, bytes.size());
   EmfWriter writer;
   WmfRecorder recorder(writer, context, player, window);
@@ -42,8 +27,8 @@ std::vector<uint8_t> EmfOfWmf(std::span<const uint8_t> bytes) {
   EmfPicture picture;
   picture.width = facts.width;
   picture.height = facts.height;
-  picture.widthMm100 = facts.widthMm100;
-  picture.heightMm100 = facts.heightMm100;
+  picture.widthMm100 = window.widthMm100;
+  picture.heightMm100 = window.heightMm100;
   picture.drawn = context.DrawnBounds();
   picture.handles = recorder.Handles();
   return writer.Finish(picture);

@@ -54,6 +54,7 @@ TEST(WmfPlayerState, PolyFillMode_Should_DecideAboutTheInside) {
 
 TEST(WmfPlayerState, MetricModes_Should_CountMillimetresUpward) {
   WmfFile file = BlueAreas();
+  file.box = {{0, 0, 100, -80}};
   // 10 mm are 37.8 pixels of a common screen.
   file.Add(WmfFunction::setMapMode, {2}).Add(WmfFunction::rectangle, {-100, 100, 0, 0});
   const PlayedMetafile played = Play(file);

@@ -116,72 +116,32 @@ TEST(WmfRecords, Should_AcceptALastRecordWithoutASize) {
   EXPECT_EQ(damage, "");
 }
 
-WmfExtent ExtentOf(const WmfFile& file) {
-  return ReadWmfContents(file.Bytes()).extent;
-}
-
-void ExpectExtent(const WmfExtent& extent, int left, int top, int right, int bottom) {
-  EXPECT_EQ(extent.left, left);
-  EXPECT_EQ(extent.top, top);
-  EXPECT_EQ(extent.right, right);
-  EXPECT_EQ(extent.bottom, bottom);
-}
-
 TEST(WmfContents, Should_TakeTheFirstWindow) {
   WmfFile file;
+  EXPECT_FALSE(ReadWmfContents(file.Bytes()).windowExt);
   file.Add(WmfFunction::setWindowOrg, {20, 10}).Add(WmfFunction::setWindowExt, {-50, 40});
   file.Add(WmfFunction::setWindowOrg, {0, 0}).Add(WmfFunction::setWindowExt, {7, 7});
-  ExpectExtent(ExtentOf(file), 10, 20, 50, -30);
+  const WmfContents contents = ReadWmfContents(file.Bytes());
+  EXPECT_EQ(contents.windowOrg, (PointD{10, 20}));
+  EXPECT_EQ(contents.windowExt, (PointD{40, -50}));
 }
 
 TEST(WmfContents, Should_TakeTheNextWindow_When_OneHasNoWidthOrHeight) {
   WmfFile file;
   file.Add(WmfFunction::setWindowExt, {0, 5}).Add(WmfFunction::setWindowExt, {5, 0});
   file.Add(WmfFunction::setWindowExt, {9, 7});
-  ExpectExtent(ExtentOf(file), 0, 0, 7, 9);
+  EXPECT_EQ(ReadWmfContents(file.Bytes()).windowExt, (PointD{7, 9}));
 }
 
-TEST(WmfContents, Should_TakeTheCoordinates_When_ThereIsNoWindow) {
-  const auto one = [](WmfFunction function, std::initializer_list<int64_t> words) {
-    WmfFile file;
-    return ExtentOf(file.Add(function, words));
-  };
-  ExpectExtent(ExtentOf(TwoLines()), 3, 5, 18, 12);
-  ExpectExtent(one(WmfFunction::rectangle, {40, 30, 20, 10}), 10, 20, 31, 41);
-  ExpectExtent(one(WmfFunction::ellipse, {40, 30, 20, 10}), 10, 20, 31, 41);
-  ExpectExtent(one(WmfFunction::roundRect, {99, 99, 40, 30, 20, 10}), 10, 20, 31, 41);
-  ExpectExtent(one(WmfFunction::pie, {99, 99, 99, 99, 40, 30, 20, 10}), 10, 20, 31, 41);
-  ExpectExtent(one(WmfFunction::polygon, {2, -1, 2, 8, 9}), -1, 2, 9, 10);
-  ExpectExtent(one(WmfFunction::polyPolygon, {2, 1, 2, -1, 2, 8, 9, 3, 30}), -1, 2, 9, 31);
-  ExpectExtent(one(WmfFunction::setPixel, {0, 0, 6, 4}), 4, 6, 5, 7);
-  ExpectExtent(one(WmfFunction::textOut, {3, 0x4141, 0x41, 6, 4}), 4, 6, 5, 7);
-  ExpectExtent(one(WmfFunction::extTextOut, {6, 4, 0, 0}), 4, 6, 5, 7);
-  ExpectExtent(one(WmfFunction::patBlt, {0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
-  ExpectExtent(one(WmfFunction::dibBitBlt, {0, 0, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
-  ExpectExtent(one(WmfFunction::dibStretchBlt, {0, 0, 9, 9, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
-  // Without a bitmap there is a word of room in its place.
-  ExpectExtent(one(WmfFunction::dibBitBlt, {0, 0, 0, 0, 99, 10, 20, 6, 4}), 4, 6, 25, 17);
-  ExpectExtent(one(WmfFunction::bitBlt, {0, 0, 0, 0, 99, 10, 20, 6, 4}), 4, 6, 25, 17);
-  ExpectExtent(one(WmfFunction::dibStretchBlt, {0, 0, 9, 9, 0, 0, 99, 10, 20, 6, 4}), 4, 6, 25, 17);
-  ExpectExtent(one(WmfFunction::stretchBlt, {0, 0, 9, 9, 0, 0, 99, 10, 20, 6, 4}), 4, 6, 25, 17);
-  ExpectExtent(one(WmfFunction::stretchDib, {0, 0, 0, 9, 9, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
-  ExpectExtent(one(WmfFunction::setDibToDev, {0, 9, 9, 0, 0, 10, 20, 6, 4}), 4, 6, 25, 17);
-}
-
-TEST(WmfContents, Should_BeOneUnit_When_NothingIsDrawn) {
-  ExpectExtent(ExtentOf(WmfFile()), 0, 0, 1, 1);
-}
-
-TEST(WmfContents, Should_SkipRecords_When_TheyAreTooShort) {
+TEST(WmfContents, Should_SkipRecords_When_TheyAreTooShortOrEmpty) {
   WmfFile file;
-  file.Add(WmfFunction::polygon, {200, 1, 1}).Add(WmfFunction::rectangle, {1, 2});
-  file.Add(WmfFunction::polyPolygon, {3, 0xFFFF, 0xFFFF, 0xFFFF, 1, 1});
-  file.Add(WmfFunction::lineTo, {11, 17});
+  file.Add(WmfFunction::setMapMode).Add(WmfFunction::setWindowOrg, {1});
+  file.Add(WmfFunction::setWindowExt, {1}).Add(WmfFunction::setWindowExt, {5, 0});
+  file.Add(WmfFunction::setWindowExt, {17, 11});
   const WmfContents contents = ReadWmfContents(file.Bytes());
-  EXPECT_EQ(contents.records, 5u);
-  // A record's first points may count before its end is missed.
-  EXPECT_EQ(contents.extent.right, 18);
-  EXPECT_EQ(contents.extent.bottom, 12);
+  EXPECT_EQ(contents.records, 6u);
+  EXPECT_FALSE(contents.windowOrg);
+  EXPECT_EQ(contents.windowExt, (PointD{11, 17}));
 }
 
 TEST(WmfContents, Should_KnowTheUnitsOfMetricModes) {
