@@ -13,6 +13,28 @@ void CopyPoints(MetafileBytes& from, uint64_t stated, EmfFields& to) {
   to.Append(from.Take(4 * count));
 }
 
+/// Where a coordinate lies on the device.
+struct DeviceAxis {
+  double origin = 0, pixelsPerUnit = 1;
+  double Pixel(double unit) const { return std::floor(origin + unit * pixelsPerUnit + 0.5); }
+};
+
+/// The nearest whole unit on the same pixel of the device; the nearest one where none is.
+double WholeUnit(double exact, const DeviceAxis& axis) {
+  const double nearest = std::nearbyint(exact), other = nearest + (exact > nearest ? 1 : -1);
+  const double pixel = axis.Pixel(exact);
+  return axis.Pixel(nearest) != pixel && axis.Pixel(other) == pixel ? other : nearest;
+}
+
+/// Moves the edge that lies further to the right, or further down, on the device by a pixel.
+void Shorten(double& from, double& to, const DeviceAxis& axis) {
+  const double unitsPerPixel = 1 / axis.pixelsPerUnit;
+  double& far = (to > from) == (unitsPerPixel > 0) ? to : from;
+  const double& near = &far == &to ? from : to;
+  const double pixel = std::min(std::abs(unitsPerPixel), std::abs(far - near));
+  far = WholeUnit(far - (unitsPerPixel > 0 ? pixel : -pixel), axis);
+}
+
 }  // namespace
 
 PointD WmfRecorder::Scale() const {
@@ -25,16 +47,10 @@ PointD WmfRecorder::Scale() const {
 RectD WmfRecorder::Reached(const RectD& box) const {
   const PointD scale = Scale();
   if (!state_.hasPen || scale.x == 0 || scale.y == 0) return box;
+  const PointD origin = context_.DevicePoint({0, 0});
   RectD reached = box;
-  const auto shorten = [](double& from, double& to, double unitsPerPixel) {
-    // The edge that lies further to the right, or further down, on the device.
-    double& far = (to > from) == (unitsPerPixel > 0) ? to : from;
-    const double& near = &far == &to ? from : to;
-    const double pixel = std::min(std::abs(unitsPerPixel), std::abs(far - near));
-    far -= unitsPerPixel > 0 ? pixel : -pixel;
-  };
-  shorten(reached.left, reached.right, 1 / scale.x);
-  shorten(reached.top, reached.bottom, 1 / scale.y);
+  Shorten(reached.left, reached.right, {origin.x, scale.x});
+  Shorten(reached.top, reached.bottom, {origin.y, scale.y});
   return reached;
 }
 

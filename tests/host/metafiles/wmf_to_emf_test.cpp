@@ -133,6 +133,22 @@ TEST(WmfToEmf, Shapes_Should_BeTheSame) {
   }
 }
 
+TEST(WmfToEmf, OutlinedBoxes_Should_EndAtTheSamePixel_When_UnitsAreSmaller) {
+  for (const int turn : {1, -1}) {
+    WmfFile file = RedAndBlue();
+    // 2.37 units a pixel across, 3.1 down, and the window begins between two pixels.
+    file.Add(WmfFunction::setWindowExt, {turn * 248, 237});
+    file.Add(WmfFunction::setWindowOrg, {turn * 1, 1});
+    for (int i = 0; i < 10; ++i) {
+      file.Add(WmfFunction::rectangle, {turn * 61 + i, 10 + 23 * i, turn * 13, 3 + 21 * i});
+    }
+    const std::vector<uint8_t> wmf = file.Bytes();
+    const PlayedMetafile old(wmf), now(EmfOfWmf(wmf));
+    EXPECT_GT(old.Painted(), 100);
+    EXPECT_TRUE(SameColors(old.raster, now.raster)) << turn;
+  }
+}
+
 TEST(WmfToEmf, Arcs_Should_RunTheSameWay_When_ThePageIsUpsideDown) {
   WmfFile file = RedAndBlue();
   file.box = {{0, 80, 100, 0}};
