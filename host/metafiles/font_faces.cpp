@@ -184,10 +184,13 @@ FontFace* FontFaces::FindWithLetter(const LogicalFont& font, char32_t letter) {
   for (FontFace* face : helpers_) {
     if (face->Letter(letter).isThere) return face;
   }
-  if (searches_ >= kMaxSearches) return nullptr;
+  if (searches_ >= kMaxSearches || missing_.contains(letter)) return nullptr;
   ++searches_;
   FontFace* face = Found(font, letter);
-  if (!face || !face->Letter(letter).isThere) return nullptr;
+  if (!face || !face->Letter(letter).isThere) {
+    missing_.insert(letter);
+    return nullptr;
+  }
   helpers_.push_back(face);
   return face;
 }

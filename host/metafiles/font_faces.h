@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -75,6 +76,8 @@ class FontFaces {
   std::map<Key, std::unique_ptr<FontFace>> faces_;
   /// Those that had letters which the font that was asked for has not.
   std::vector<FontFace*> helpers_;
+  /// Letters that no font has; a text may ask for one again and again.
+  std::set<char32_t> missing_;
   size_t searches_ = 0;
 };
 

@@ -339,6 +339,14 @@ TEST(DeviceText, Should_ShowGreek_When_TheSymbolFontIsNotThere) {
   EXPECT_EQ(coded.paper.Picture(), greek.paper.Picture());
 }
 
+TEST(DeviceText, Should_FindOtherLetters_When_OneIsMissingEverywhere) {
+  NEEDS_FONT();
+  detail::FontFaces faces;
+  constexpr char32_t nobodys = 0x10FFFF;
+  for (int i = 0; i < 1000; ++i) ASSERT_EQ(faces.FindWithLetter(Fixed(-20), nobodys), nullptr);
+  EXPECT_NE(faces.FindWithLetter(Fixed(-20), U'A'), nullptr);
+}
+
 TEST(DeviceText, Should_ShowABox_When_ASymbolIsNotKnown) {
   NEEDS_FONT();
   LogicalFont marks = Fixed(-20);
