@@ -32,14 +32,16 @@ std::optional<RectD> BitmapPlace(const WmfRecord& record) {
 
 std::optional<RectD> MeasureWmf(std::span<const uint8_t> bytes) {
   constexpr double pixelsPerInch = 96, mmPerInch = 25.4;
+  constexpr uint32_t mostQuestions = kMostMeasuredRecords / kRecordsBetweenQuestions;
   Raster unseen(pf32bit, 1, 1);
   const ReferenceDevice screen{pixelsPerInch, pixelsPerInch, mmPerInch, mmPerInch};
-  DeviceContext context(unseen, {0, 0, 1, 1}, screen, Affine());
+  DeviceContext context(unseen, {0, 0, 0, 0}, screen, Affine());
   const WmfPicture picture{
       .window = {0, 0, 1, 1}, .pixels = {1, 1}, .isMeasured = true, .origin = {}, .device = screen};
   WmfPlayer player(context, picture, bytes.size());
   WmfRecords records(bytes);
   PlayReport report;
+  uint32_t questions = 0;
   PlayRecords(
       records,
       [&](const WmfRecord& record) {
@@ -48,7 +50,7 @@ std::optional<RectD> MeasureWmf(std::span<const uint8_t> bytes) {
         context.PatBlt(*place, rop3::blackness);
         return true;
       },
-      {}, report);
+      [&] { return ++questions <= mostQuestions; }, report);
   return context.DrawnBounds();
 }
 

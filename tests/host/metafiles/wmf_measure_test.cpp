@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/host/metafiles/metafile_facts.h>
+#include <rasterkit/host/metafiles/wmf_measure.h>
 #include <rasterkit/host/metafiles/wmf_to_emf.h>
 
 #include "tests/support/packed_dib.h"
@@ -160,6 +161,16 @@ TEST(WmfMeasure, Should_BeBounded_When_NumbersAreAbsurd) {
   EXPECT_GT(facts.bounds.Width(), 0);
   EXPECT_LE(facts.bounds.Width(), 1 << 25);
   EXPECT_GT(facts.width, 0);
+}
+
+TEST(WmfMeasure, Should_End_When_RecordsAreMoreThanAnyDrawingHas) {
+  WmfFile file;
+  for (uint32_t i = 0; i < kMostMeasuredRecords; ++i) file.Add(WmfFunction::setPixel, {0, 0, 6, 4});
+  file.Add(WmfFunction::setPixel, {0, 0, 60, 40});
+  const std::vector<uint8_t> bytes = file.Bytes();
+  const auto drawn = MeasureWmf(bytes);
+  ASSERT_TRUE(drawn);
+  EXPECT_EQ(*drawn, (RectD{4, 6, 5, 7}));
 }
 
 TEST(WmfMeasure, Should_NotBeAsked_When_TheFileSaysItsSize) {
