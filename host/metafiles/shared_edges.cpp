@@ -43,29 +43,42 @@ uint64_t Mixed(uint64_t hash, double value) {
 
 }  // namespace
 
+bool SharedEdges::Meets(const Edge& edge) {
+  uint64_t hash = 0;
+  for (const double part : {edge.from.x, edge.from.y, edge.to.x, edge.to.y}) {
+    hash = Mixed(hash, part);
+  }
+  Shelf& shelf = shelves_[hash % kShelves];
+  Edge* room = nullptr;
+  for (Edge& known : shelf.edges) {
+    if (!known.isThere) {
+      room = &known;
+    } else if (known.from == edge.from && known.to == edge.to) {
+      known.isThere = known.isAreaLeft == edge.isAreaLeft;
+      return !known.isThere;
+    }
+  }
+  if (!room) room = &shelf.edges[shelf.next++ % shelf.edges.size()];
+  *room = edge;
+  return false;
+}
+
 DrawingPath SharedEdges::SharedWith(const DrawingPath& outline) {
   DrawingPath shared;
   const std::span<const PointD> corners = outline.Points();
   if (corners.size() > kMostCorners || !IsOneFigureOfLines(outline)) return shared;
-  if (edges_.empty()) edges_.resize(kEdges);
+  if (shelves_.empty()) shelves_.resize(kShelves);
   const bool isWithClock = Turn(corners) > 0;
   PointD last = corners.back();
   for (const PointD& corner : corners) {
     const bool isForward = std::tie(last.x, last.y) < std::tie(corner.x, corner.y);
-    const Edge edge{isForward ? last : corner, isForward ? corner : last, isForward != isWithClock};
+    const Edge edge{isForward ? last : corner, isForward ? corner : last, isForward != isWithClock,
+                    true};
     last = corner;
-    if (!IsSlanted(edge.from, edge.to)) continue;
-    uint64_t hash = 0;
-    for (const double part : {edge.from.x, edge.from.y, edge.to.x, edge.to.y}) {
-      hash = Mixed(hash, part);
-    }
-    Edge& place = edges_[hash % kEdges];
-    const bool isKnown = place.from == edge.from && place.to == edge.to;
-    if (isKnown && place.isAreaLeft != edge.isAreaLeft) {
+    if (IsSlanted(edge.from, edge.to) && Meets(edge)) {
       shared.MoveTo(edge.from);
       shared.LineTo(edge.to);
     }
-    place = edge;
   }
   return shared;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <vector>
 
 #include <rasterkit/host/metafiles/drawing_path.h>
@@ -20,11 +21,20 @@ class SharedEdges {
   struct Edge {
     PointD from, to;  ///< the lesser point first
     bool isAreaLeft = false;
+    bool isThere = false;
   };
-  static constexpr size_t kEdges = 4096, kMostCorners = 256;
+  static constexpr size_t kShelves = 2048, kMostCorners = 256;
+  /// A few edges whose places give the same number.
+  struct Shelf {
+    std::array<Edge, 4> edges;
+    unsigned next = 0;  ///< the one that goes when there is no room
+  };
 
-  /// By their places; a new one takes the room of an old one.
-  std::vector<Edge> edges_;
+  /// Whether an earlier area lies on the edge's other side; the edge is done with then, else
+  /// remembered.
+  bool Meets(const Edge& edge);
+
+  std::vector<Shelf> shelves_;
 };
 
 }  // namespace rasterkit::detail

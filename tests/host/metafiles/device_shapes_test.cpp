@@ -446,6 +446,26 @@ TEST(DeviceShapes, Should_ShowNoBackground_When_AreasMeetAtASlantedEdge) {
   for (const DrawingPaper* paper : {&polygons, &turned, &paths}) EXPECT_LT(MostRed(*paper), 16);
 }
 
+TEST(DeviceShapes, Should_ShowNoBackground_When_AreasAreMany) {
+  // A sheet of slanted squares, row after row: each meets one of the row before.
+  constexpr int kAcross = 40;
+  DrawingPaper paper(200, 200);
+  paper.NoPen();
+  paper.Brush(RGB(0, 0, 255));
+  const auto at = [](int x, int y) { return PointD{x * 5.0 + y % 2 * 1.3, y * 5.0 + x % 2 * 1.7}; };
+  for (int y = 0; y < kAcross; ++y) {
+    for (int x = 0; x < kAcross; ++x) {
+      const PointD corners[] = {at(x, y), at(x + 1, y), at(x + 1, y + 1), at(x, y + 1)};
+      paper.Dc().Polygon(corners);
+    }
+  }
+  int shining = 0;
+  for (int y = 5; y < 195; ++y) {
+    for (int x = 5; x < 195; ++x) shining += (paper.At(x, y) & 255) > 24;
+  }
+  EXPECT_EQ(shining, 0);
+}
+
 TEST(DeviceShapes, Should_NotGrow_When_TheyLieOnEachOther) {
   DrawingPaper once = BlueAreas(), over = BlueAreas(), apart = BlueAreas();
   once.Dc().Polygon(kUpper);
