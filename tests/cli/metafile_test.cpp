@@ -92,6 +92,11 @@ TEST_F(CliMetafile, Info_Should_TellDamage) {
   file.hasEnd = false;
   const json facts = Facts(Write("a.emf", file.Bytes()));
   EXPECT_THAT(facts["warnings"].dump(), HasSubstr("the data end before the last record"));
+  EmfFile unframed;
+  unframed.frame = {0, 0, 0, 0};
+  EXPECT_THAT(Facts(Write("b.emf", unframed.Bytes()))["warnings"].dump(),
+              HasSubstr("the frame is empty"));
+  EXPECT_EQ(Facts(Write("c.wmf", WmfFile().Bytes()))["metafile"]["placeable"], false);
 }
 
 TEST_F(CliMetafile, Convert_Should_DrawAt96PixelsAnInch) {
@@ -116,6 +121,7 @@ TEST_F(CliMetafile, Convert_Should_TakeDpiSizeAndBackground) {
   EXPECT_EQ(wide.Width(), 500);
   EXPECT_NEAR(wide.Height(), 400, 5);
   EXPECT_NEAR(wide.resolution.x, 508, 1);
+  EXPECT_NEAR(wide.resolution.y, wide.Height() * 25.4 / 20, 1);
   EXPECT_EQ(Convert({file, folder_ / "red.png", "--background", "FF0000"}).code, 0);
   EXPECT_EQ(LoadFile(folder_ / "red.png").PixelColor(90, 70), 0x0000FF);
   EXPECT_EQ(Convert({file, folder_ / "b.png", "--size", "5x5", "--dpi", "100"}).code, 2);
@@ -137,6 +143,14 @@ TEST_F(CliMetafile, Convert_Should_CopyMetafilesOfTheSameKind) {
   EXPECT_EQ(Convert({Write("wrong.emf", SmallWmf()), folder_ / "b.wmf"}).code, 0);
   EXPECT_EQ(ReadBytes(folder_ / "b.wmf"), ReadBytes(folder_ / "wrong.emf"));
   EXPECT_EQ(Convert({Write("plus.emf", NewerRecordsAlone()), folder_ / "c.emf"}).code, 0);
+  const ToolResult plain = Convert({Write("a.wmf", SmallWmf()), folder_ / "d.wmf", "--strict"});
+  EXPECT_EQ(plain.code, 0);
+  EXPECT_EQ(plain.err, "");
+  EmfFile cut;
+  cut.hasEnd = false;
+  const ToolResult damaged = Convert({Write("cut.emf", cut.Bytes()), folder_ / "e.emf"});
+  EXPECT_EQ(damaged.code, 0);
+  EXPECT_THAT(damaged.err, HasSubstr("the data end before the last record"));
 }
 
 TEST_F(CliMetafile, Convert_Should_PutThePictureOfAnEmfFileIntoAWmfFile) {

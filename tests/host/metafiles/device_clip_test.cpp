@@ -238,6 +238,25 @@ TEST(DeviceClip, Should_BeExact_When_ACircleMeetsThousandsOfRectangles) {
   }
 }
 
+TEST(DeviceClip, Should_KeepSoftEdges_When_ThousandsOfRectanglesAreCutOutOfACircle) {
+  DrawingPaper paper(200, 200), circle(200, 200);
+  SelectCircle(circle, {0, 0, 200, 200}, RegionMode::copy);
+  SelectCircle(paper, {0, 0, 200, 200}, RegionMode::copy);
+  for (int i = 0; i < 200; i += 2) {
+    paper.Dc().ExcludeClipRect({i + 0.0, 0, i + 1.0, 200});
+    paper.Dc().ExcludeClipRect({0, i + 0.0, 200, i + 1.0});
+  }
+  for (DrawingPaper* each : {&paper, &circle}) {
+    each->Dc().PatBlt({0, 0, 200, 200}, rop3::blackness);
+  }
+  for (int y = 0; y < 200; ++y) {
+    for (int x = 0; x < 200; ++x) {
+      const bool isCut = x % 2 == 0 || y % 2 == 0;
+      ASSERT_EQ(paper.At(x, y), isCut ? clWhite : circle.At(x, y)) << x << ", " << y;
+    }
+  }
+}
+
 TEST(DeviceClip, Should_RaiseLimitError_When_AreasOfManyRectanglesAreMoreThanTheBudget) {
   DrawingPaper paper(200, 200);
   SelectCheckers(paper, 200);

@@ -144,6 +144,38 @@ TEST(EmfBitmaps, AlphaBlend_Should_MixByTheSourcesAlpha) {
               191, 1);
 }
 
+TEST(EmfBitmaps, AlphaBlend_Should_TakeTheSourceForOpaque_When_TheFormatIsNone) {
+  BmpFile clear = HalfBlack();
+  clear.pixels = {0, 0, 0, 0};
+  for (const int64_t format : {0x00, 0x02, 0xFF}) {
+    FieldBytes fields =
+        BlitFields({10, 20, 30, 20}, format << 24 | 0xFF0000, {0, 0}, clear, 8).Longs({1, 1});
+    EXPECT_EQ(Play(EmfType::alphaBlend, fields.Bytes(PackedDib(clear))).At(20, 30), clBlack)
+        << format;
+  }
+}
+
+TEST(EmfBitmaps, BlendsAndKeys_Should_DrawNothing_When_ThereIsNoBitmap) {
+  for (const EmfType type : {EmfType::alphaBlend, EmfType::transparentBlt}) {
+    // Numbers that would paint if they were operations: black, the brush.
+    for (const int64_t operation : {int64_t{0}, kPatternCopy}) {
+      EmfFile file;
+      file.Add(EmfType::createBrush, {1, 0, kGreen, 0}).Add(EmfType::selectObject, {1});
+      FieldBytes fields{0, 0, 0, 0, 10, 20, 30, 20, operation, 0, 0};
+      fields.Bytes(Identity().bytes).Longs({0, 0, 0, 0, 0, 0, 1, 1});
+      EXPECT_EQ(PlayedMetafile(file.Add(type, fields).Bytes()).Painted(), 0) << operation;
+    }
+  }
+}
+
+TEST(EmfBitmaps, BitBlt_Should_TakeTheWholeBitmap_When_TheSourcesMatrixIsEmpty) {
+  FieldBytes fields = BlitFields({10, 20, 3, 2}, kSourceCopy, {0, 0}, SixColors(), 0);
+  std::fill_n(fields.bytes.begin() + 44, 24, uint8_t{0});
+  const PlayedMetafile played = Play(EmfType::bitBlt, fields.Bytes(PackedDib(SixColors())));
+  EXPECT_EQ(played.At(10, 20), kRed);
+  EXPECT_EQ(played.At(12, 20), kBlue);
+}
+
 TEST(EmfBitmaps, TransparentBlt_Should_LeaveTheKeyOut) {
   FieldBytes fields = BlitFields({10, 20, 30, 20}, kGreen, {0, 0}, SixColors(), 8);
   fields.Longs({3, 2});
@@ -220,6 +252,32 @@ TEST(EmfTexts, BytesAndShortRecords_Should_ShowTheSameLetters) {
     EXPECT_EQ(played.Painted(), expected.Painted());
     EXPECT_EQ(played.At(20, 40), expected.At(20, 40));
   }
+}
+
+TEST(EmfTexts, Steps_Should_BeTheFontsOwn_When_TheRecordDoesNotHoldThem) {
+  EmfFile plain = WithFont();
+  plain.Add(EmfType::extTextOutW, TextFields(0, u"II", {}));
+  const PlayedMetafile expected(plain.Bytes());
+  for (const int64_t offset : {int64_t{77}, int64_t{1000}, int64_t{0x7FFFFFFF}, int64_t{-1}}) {
+    EmfFile file = WithFont();
+    FieldBytes fields = TextFields(0, u"II", {});
+    for (size_t i = 0; i < 4; ++i) fields.bytes[64 + i] = static_cast<uint8_t>(offset >> (8 * i));
+    const PlayedMetafile played(file.Add(EmfType::extTextOutW, fields).Bytes());
+    EXPECT_EQ(played.Painted(), expected.Painted()) << offset;
+    EXPECT_EQ(played.report.warnings, std::vector<std::string>()) << offset;
+  }
+}
+
+TEST(EmfTexts, ShortRecords_Should_NeitherClipNorFill_When_TheyHaveNoBox) {
+  const auto played = [](int64_t options) {
+    EmfFile file = WithFont();
+    FieldBytes fields{10, 20, 2, 0x300 | options, 2};
+    file.Add(EmfType::smallTextOut, fields.Singles({1, 1}).Text(std::string_view("Ab")));
+    return PlayedMetafile(file.Bytes());
+  };
+  EXPECT_GT(played(0).Painted(), 50);
+  EXPECT_EQ(played(4).Painted(), played(0).Painted());
+  EXPECT_EQ(played(6).Painted(), played(0).Painted());
 }
 
 TEST(EmfTexts, ManyTexts_Should_AllBeDrawn) {

@@ -144,6 +144,46 @@ TEST(WmfToEmf, Handles_Should_CountTheHighestOneAndZero) {
   const std::vector<uint8_t> bytes = EmfOfWmf(file.Bytes());
   EXPECT_EQ(MetafileBytes(bytes, 56).Word(), 4);
   EXPECT_EQ(MetafileBytes(EmfOfWmf(WmfFile().Bytes()), 56).Word(), 1);
+  file.Add(WmfFunction::deleteObject, {0});
+  file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(0).Word(0));
+  EXPECT_EQ(MetafileBytes(EmfOfWmf(file.Bytes()), 56).Word(), 4);
+}
+
+TEST(WmfToEmf, RecordsThatSayNothing_Should_BeLeftOut) {
+  const std::vector<uint8_t> nothing = EmfOfWmf(WmfFile().Bytes());
+  const auto written = [](WmfFunction function, std::initializer_list<int64_t> words) {
+    WmfFile file;
+    file.Add(function, words);
+    return EmfOfWmf(file.Bytes());
+  };
+  EXPECT_EQ(written(WmfFunction::setViewportExt, {0, 50}), nothing);
+  EXPECT_EQ(written(WmfFunction::setViewportExt, {50, 0}), nothing);
+  EXPECT_EQ(written(WmfFunction::paintRegion, {7}), nothing);
+  EXPECT_EQ(written(WmfFunction::selectObject, {7}), nothing);
+  EXPECT_EQ(written(WmfFunction::escape, {15, 0}), nothing);
+}
+
+TEST(WmfToEmf, BlitsWithoutABitmap_Should_BeLeftOut_When_TheyNeedOne) {
+  const auto records = [](int64_t operation) {
+    WmfFile file;
+    file.box = {{0, 0, 100, 80}};
+    file.Add(WmfFunction::dibBitBlt, {0x20, operation, 0, 0, 0, 20, 30, 10, 10});
+    return ReadMetafileFacts(EmfOfWmf(file.Bytes())).records;
+  };
+  EXPECT_EQ(records(0xF0), records(0xCC) + 1);
+}
+
+TEST(WmfToEmf, Texts_Should_NameNoSteps_When_TheyHaveNone) {
+  WmfFile file;
+  file.box = {{0, 0, 100, 80}};
+  file.Add(WmfFunction::textOut, {4, 0x6554, 0x7478, 20, 20});
+  const std::vector<uint8_t> bytes = EmfOfWmf(file.Bytes());
+  EmfRecords records(bytes);
+  std::optional<EmfRecord> record = records.Next();
+  while (record && record->type != EmfType::extTextOutW) record = records.Next();
+  ASSERT_TRUE(record);
+  EXPECT_EQ(Long(record->bytes, 44), 4u) << "letters";
+  EXPECT_EQ(Long(record->bytes, 72), 0u) << "steps";
 }
 
 }  // namespace

@@ -86,6 +86,77 @@ TEST(EmfObjects, Deleting_Should_LeaveWhatIsSelected) {
   EXPECT_EQ(Play(file).At(20, 20), kBlue);
 }
 
+TEST(EmfState, MiterLimits_Should_BeWholeNumbersOrSingles) {
+  const auto spike = [](const FieldBytes& limit) {
+    EmfFile file;
+    constexpr int64_t miterJoin = 0x2000;
+    const FieldBytes pen{1, 0, 0, 0, 0, kGeometric | kFlatCap | miterJoin, 8, 0, kRed, 0, 0};
+    file.Add(EmfType::extCreatePen, pen).Add(EmfType::selectObject, {1});
+    file.Add(EmfType::setMiterLimit, limit);
+    file.Add(EmfType::polyline16, FieldBytes{0, 0, 0, 0, 3}.Words({10, 30, 60, 40, 10, 50}));
+    return Play(file).At(70, 40) == kRed;
+  };
+  EXPECT_TRUE(spike({10}));
+  EXPECT_FALSE(spike({2}));
+  EXPECT_TRUE(spike(FieldBytes().Single(10)));
+  EXPECT_FALSE(spike(FieldBytes().Single(2)));
+}
+
+TEST(EmfShapes, Gradients_Should_BeLeftOut_When_TheirModeIsNone) {
+  for (const int64_t mode : {3, 4, 77}) {
+    FieldBytes fields{0, 0, 0, 0, 2, 1, mode};
+    fields.Longs({0, 0}).Words({0, 0, 0, 0}).Longs({100, 80}).Words({0xFF00, 0, 0, 0});
+    EXPECT_EQ(Play(EmfFile().Add(EmfType::gradientFill, fields.Longs({0, 1, 0}))).Painted(), 0);
+  }
+}
+
+/// Size of the header, kind, count, size, box, rectangle.
+FieldBytes OneRectRegion(int64_t headerBytes, int64_t count) {
+  FieldBytes fields{0, 0, 0, 0, 48, headerBytes, 1, count, 16};
+  if (headerBytes >= 32) fields.Longs({10, 10, 60, 50});
+  if (headerBytes > 32) fields.FillTo(fields.bytes.size() + headerBytes - 32);
+  return fields.Longs({10, 10, 60, 50});
+}
+
+TEST(EmfShapes, Regions_Should_BeginBehindTheirHeader_WhateverItsSize) {
+  for (const int64_t headerBytes : {32, 40}) {
+    const PlayedMetafile played =
+        Play(EmfFile().Add(EmfType::invertRgn, OneRectRegion(headerBytes, 1)));
+    EXPECT_EQ(played.At(30, 30), clBlack) << headerBytes;
+    EXPECT_EQ(played.At(70, 30), clWhite) << headerBytes;
+  }
+  for (const int64_t headerBytes : {int64_t{1000}, int64_t{0xFFFFFFFF}}) {
+    FieldBytes fields = OneRectRegion(32, 1);
+    for (size_t i = 0; i < 4; ++i) {
+      fields.bytes[20 + i] = static_cast<uint8_t>(headerBytes >> (8 * i));
+    }
+    const PlayedMetafile played = Play(EmfFile().Add(EmfType::invertRgn, fields));
+    EXPECT_EQ(played.Painted(), 0) << headerBytes;
+    EXPECT_THAT(played.report.warnings, testing::ElementsAre(testing::HasSubstr("ends before")));
+  }
+}
+
+TEST(EmfShapes, Regions_Should_CostTheRecordAlone_When_RectanglesAreMissing) {
+  for (const int64_t count : {int64_t{2}, int64_t{0x7FFFFFFF}, int64_t{0xFFFFFFFF}}) {
+    const PlayedMetafile played = Play(EmfFile().Add(EmfType::invertRgn, OneRectRegion(32, count)));
+    EXPECT_EQ(played.Painted(), 0) << count;
+    EXPECT_THAT(played.report.warnings, testing::ElementsAre(testing::HasSubstr("ends before")));
+  }
+}
+
+TEST(EmfWarnings, Should_BeAFew_When_EveryRecordHasAnother) {
+  EmfFile file;
+  for (int i = 0; i < 60; ++i) {
+    FieldBytes fields{0, 0, 0, 0, 0, 0, 0, 0, 3, 2, 80, 4, 80, 0, 0, 0xCC0020, 9, 9};
+    // A bitmap whose header would be of 200 bytes and more.
+    file.Add(EmfType::stretchDibits, fields.Long(200 + i));
+    file.Add(EmfType::rectangle, {1});
+  }
+  const PlayedMetafile played = Play(file);
+  EXPECT_EQ(played.report.warnings.size(), 20u);
+  EXPECT_EQ(played.report.skipped, 120u);
+}
+
 /// A blue brush (0), selected, and no pen (1).
 WmfFile BlueAreas() {
   WmfFile file;

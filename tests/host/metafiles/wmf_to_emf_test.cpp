@@ -267,6 +267,7 @@ TEST(WmfToEmf, Mapping_Should_BeTheSame) {
   const std::vector<std::pair<WmfFunction, std::vector<int64_t>>> mappings[] = {
       {{WmfFunction::setWindowOrg, {-10, -10}}, {WmfFunction::setWindowExt, {20, 20}}},
       {{WmfFunction::offsetWindowOrg, {-40, -50}}},
+      {{WmfFunction::setWindowOrg, {-20, -10}}, {WmfFunction::offsetWindowOrg, {-4, -5}}},
       {{WmfFunction::scaleWindowExt, {2, 1, 4, 1}}},
       {{WmfFunction::scaleViewportExt, {1, 2, 1, 4}}},
       {{WmfFunction::offsetViewportOrg, {40, 50}}, {WmfFunction::offsetViewportOrg, {4, 5}}},
@@ -343,6 +344,14 @@ TEST(WmfToEmf, Bitmaps_Should_BeTheSame) {
   blit(WmfFunction::setDibToDev, {0, 2, 0, 0, 0, 2, 3, 20, 10}, dib);
   blit(WmfFunction::bitBlt, {0x20, 0xCC, 0, 0, 1, 16, 20, 10}, ddb);
   blit(WmfFunction::stretchBlt, {0x20, 0xCC, 1, 16, 0, 0, 20, 32, 20, 10}, ddb);
+  // A head of 18 bytes, which is no multiple of four.
+  BmpFile core;
+  core.headerBytes = 12;
+  core.width = 4;
+  core.bits = 1;
+  core.palette = {0xFF0000, 0x0000FF};
+  core.pixels = {0xA0, 0, 0, 0};
+  blit(WmfFunction::stretchDib, {0x20, 0xCC, 0, 1, 4, 0, 0, 20, 40, 20, 10}, PackedDib(core));
   blit(WmfFunction::patBlt, {0x21, 0xF0, 20, 30, 20, 10}, {});
   blit(WmfFunction::dibBitBlt, {0x21, 0xF0, 0, 0, 0, 20, 30, 20, 10}, {});
   blit(WmfFunction::dibStretchBlt, {0x49, 0x5A, 1, 1, 0, 0, 0, 20, 30, 20, 10}, {});
