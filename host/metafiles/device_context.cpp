@@ -26,6 +26,14 @@ DeviceContext::DeviceContext(Raster& target, const PixelRect& clip, const Refere
 
 DeviceContext::~DeviceContext() = default;
 
+void DeviceContext::CountWork(double cost) {
+  parts_->work.Take(cost);
+}
+
+void DeviceContext::AllowWork(double more) {
+  parts_->work.Allow(more);
+}
+
 std::optional<RectD> DeviceContext::DrawnBounds() const {
   const auto back = parts_->deviceToTarget.Inverse();
   if (!parts_->drawn || !back) return std::nullopt;

@@ -65,8 +65,9 @@ struct BitmapPart {
 /// While a path is open, lines, shapes and texts add to the path and draw nothing.
 ///
 /// Nothing throws but LimitError, where a copy of the picture's part does not fit the memory budget
-/// or a gradient covers it hundreds of times, and std::bad_alloc; the context may be used on. One
-/// context is used by one thread at a time; contexts of different rasters do not meet.
+/// or a shape is beyond all measure, and std::bad_alloc; the context may be used on.
+/// DrawingWorkError says that all calls together cost too much: nothing more is painted from there
+/// on. One context is used by one thread at a time; contexts of different rasters do not meet.
 class DeviceContext {
  public:
   /// Draws on `target`, which has 32 bits and stays alive and in place as long as the context does,
@@ -77,6 +78,12 @@ class DeviceContext {
   ~DeviceContext();
   DeviceContext(const DeviceContext&) = delete;
   DeviceContext& operator=(const DeviceContext&) = delete;
+
+  /// Counts work that is done elsewhere for this drawing (see DrawingWork), as reading bitmaps is.
+  /// Throws DrawingWorkError when it becomes too much.
+  void CountWork(double cost);
+  /// Lets the drawing cost so much more than one of its size usually may.
+  void AllowWork(double more);
 
   /// What all calls so far would have painted without any clipping, in pixels of the recording
   /// device; nothing when that is nothing. For pictures that do not say how large they are: play

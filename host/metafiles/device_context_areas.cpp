@@ -19,22 +19,22 @@ PixelRect DevicePixel(const Affine& deviceToTarget, PointD at) {
 }
 
 /// The pixels of `area` that lie within this many of its edge.
-ClipArea::Pointer FrameOfArea(const ClipArea::Pointer& area, int across, int down,
-                              const PixelRect& frame) {
+ClipArea::Pointer FrameOfArea(DeviceContext::Parts& parts, const ClipArea::Pointer& area,
+                              int across, int down) {
   ClipArea::Pointer inner = area;
   for (const int dx : {-across, 0, across}) {
     for (const int dy : {-down, 0, down}) {
       if (dx == 0 && dy == 0) continue;
-      inner = ClipArea::Combined(inner, area->Moved(dx, dy, frame), RegionMode::intersection);
+      inner = parts.Combined(inner, parts.Moved(*area, dx, dy), RegionMode::intersection);
     }
   }
-  return ClipArea::Combined(area, inner, RegionMode::difference);
+  return parts.Combined(area, inner, RegionMode::difference);
 }
 
 void FillArea(DeviceContext::Parts& parts, const ClipArea::Pointer& area, const Ink& ink,
               TernaryCode code) {
   const ClipArea::Pointer visible =
-      ClipArea::Combined(parts.VisibleClip(), area, RegionMode::intersection);
+      parts.Combined(parts.VisibleClip(), area, RegionMode::intersection);
   const NarrowedClip narrowed(parts, visible);
   parts.painter.FillBox(visible->Bounds(), ink, code);
 }
@@ -54,7 +54,7 @@ void DeviceContext::SetPixel(PointD at, TColor color) {
 
 void DeviceContext::FillRgn(std::span<const RectD> region, RegionUnit unit,
                             const LogicalBrush& brush) {
-  const auto ink = InkOf(brush, parts_->state, parts_->deviceToTarget);
+  const auto ink = parts_->InkOf(brush);
   if (!ink) return;
   NoteRects(*parts_, region, unit);
   FillArea(*parts_, parts_->AreaOf(region, unit), *ink, parts_->Code());
@@ -62,7 +62,7 @@ void DeviceContext::FillRgn(std::span<const RectD> region, RegionUnit unit,
 
 void DeviceContext::FrameRgn(std::span<const RectD> region, RegionUnit unit,
                              const LogicalBrush& brush, PointD thickness) {
-  const auto ink = InkOf(brush, parts_->state, parts_->deviceToTarget);
+  const auto ink = parts_->InkOf(brush);
   if (!ink) return;
   const Affine map = parts_->MapOf(unit);
   const PointD t = Finite(thickness);
@@ -71,7 +71,7 @@ void DeviceContext::FrameRgn(std::span<const RectD> region, RegionUnit unit,
   const int down = pixels(t.y * std::hypot(map.m21, map.m22));
   NoteRects(*parts_, region, unit);
   const ClipArea::Pointer area = parts_->AreaOf(region, unit);
-  FillArea(*parts_, FrameOfArea(area, across, down, parts_->painter.Frame()), *ink, parts_->Code());
+  FillArea(*parts_, FrameOfArea(*parts_, area, across, down), *ink, parts_->Code());
 }
 
 void DeviceContext::InvertRgn(std::span<const RectD> region, RegionUnit unit) {

@@ -12,8 +12,26 @@ using namespace detail;
 
 namespace {
 
+RectD BoundsOf(const BitmapCorners& corners) {
+  const PointD a = corners.topLeft, b = corners.topRight, c = corners.bottomLeft;
+  const PointD d{b.x + c.x - a.x, b.y + c.y - a.y};
+  return {std::min({a.x, b.x, c.x, d.x}), std::min({a.y, b.y, c.y, d.y}),
+          std::max({a.x, b.x, c.x, d.x}), std::max({a.y, b.y, c.y, d.y})};
+}
+
 BitmapCorners CornersOf(const RectD& rect, const Affine& map) {
   return {map({rect.left, rect.top}), map({rect.right, rect.top}), map({rect.left, rect.bottom})};
+}
+
+/// What is seen of it is computed pixel by pixel, from all of the bitmap.
+std::optional<PlacedBitmap> PlaceCounted(DeviceContext::Parts& parts, const BitmapPart& source,
+                                         const BitmapCorners& corners, Sampling sampling,
+                                         bool hasAlpha) {
+  const PixelRect& visible = parts.painter.Clip().Bounds();
+  parts.work.Take(ReadingCost(source.bitmap) +
+                  PixelsOf(Intersection(visible, CoveringBox(BoundsOf(corners), 1))) *
+                      kSampledPixel);
+  return PlaceBitmap(source, corners, visible, sampling, hasAlpha);
 }
 
 /// How a bitmap is scaled: operations that work on bits need the bitmap's own.
@@ -39,8 +57,7 @@ std::optional<PlacedBitmap> Place(DeviceContext::Parts& parts, const RectD& dest
                                   bool hasAlpha = false) {
   const RectD rect = Finite(dest);
   parts.Note(MappedBounds(rect, parts.ToTarget()));
-  return PlaceBitmap(source, CornersOf(rect, parts.ToTarget()), parts.painter.Clip().Bounds(),
-                     sampling, hasAlpha);
+  return PlaceCounted(parts, source, CornersOf(rect, parts.ToTarget()), sampling, hasAlpha);
 }
 
 /// The mask's pixels in the place of the source's.
@@ -50,8 +67,7 @@ std::optional<PlacedBitmap> PlaceMask(DeviceContext::Parts& parts, const BitmapC
   const Raster bits = MaskBits(mask);
   const double left = origin.x, top = origin.y;
   const RectD part{left, top, left + sourcePart.Width(), top + sourcePart.Height()};
-  return PlaceBitmap({bits, part}, corners, parts.painter.Clip().Bounds(), Sampling::nearest,
-                     false);
+  return PlaceCounted(parts, {bits, part}, corners, Sampling::nearest, false);
 }
 
 }  // namespace
@@ -83,9 +99,8 @@ void DeviceContext::SetDIBitsToDevice(PointD topLeft, const BitmapPart& source) 
   const RectD& part = source.part;
   const RectD dest{at.x, at.y, at.x + part.Width(), at.y + part.Height()};
   parts.Note(MappedBounds(dest, parts.deviceToTarget));
-  const auto placed =
-      PlaceBitmap(source, CornersOf(dest, parts.deviceToTarget), parts.painter.Clip().Bounds(),
-                  SamplingFor(kCopySource, parts.state), false);
+  const auto placed = PlaceCounted(parts, source, CornersOf(dest, parts.deviceToTarget),
+                                   SamplingFor(kCopySource, parts.state), false);
   if (placed) Put(parts, *placed, {}, kCopySource);
 }
 
@@ -110,9 +125,8 @@ void DeviceContext::PlgBlt(const std::array<PointD, 3>& corners, const BitmapPar
   const BitmapCorners to{parts.Mapped(Finite(corners[0])), parts.Mapped(Finite(corners[1])),
                          parts.Mapped(Finite(corners[2]))};
   for (const PointD& p : {to.topLeft, to.topRight, to.bottomLeft}) parts.Note({p.x, p.y, p.x, p.y});
-  auto placed =
-      PlaceBitmap(source, to, parts.painter.Clip().Bounds(),
-                  mask ? Sampling::nearest : SamplingFor(kCopySource, parts.state), false);
+  auto placed = PlaceCounted(
+      parts, source, to, mask ? Sampling::nearest : SamplingFor(kCopySource, parts.state), false);
   if (!placed) return;
   if (mask) {
     const auto shape = PlaceMask(parts, to, source.part, *mask, maskOrigin);

@@ -16,8 +16,8 @@ void DeviceContext::ExcludeClipRect(const RectD& rect) {
 void DeviceContext::OffsetClipRgn(PointD by) {
   if (!parts_->state.clip) return;
   const PointD moved = parts_->ToTarget().Direction(Finite(by));
-  parts_->state.clip = parts_->state.clip->Moved(NearestEdge(moved.x), NearestEdge(moved.y),
-                                                 parts_->painter.Frame());
+  parts_->state.clip =
+      parts_->Moved(*parts_->state.clip, NearestEdge(moved.x), NearestEdge(moved.y));
   parts_->ClipChanged();
 }
 

@@ -2,7 +2,6 @@
 #include <cmath>
 
 #include <rasterkit/host/metafiles/device_context_parts.h>
-#include <rasterkit/host/runtime/errors.h>
 
 /// Gradients of a drawing context.
 namespace rasterkit {
@@ -30,34 +29,12 @@ Shade ShadeOf(const GradientVertex& vertex) {
           static_cast<double>(vertex.blue)};
 }
 
-/// A record lists shapes with a few bytes each, and every one may cover the whole picture. Drawings
-/// that people make cover it a few times, fans of triangles more often.
-class Patience {
- public:
-  explicit Patience(const PixelRect& picture)
-      : left_(std::max(kPixels, kPictures * Pixels(picture))) {}
-
-  /// Throws LimitError when the shapes so far have covered more than anybody waits for.
-  void Take(const PixelRect& box) {
-    const int64_t pixels = Pixels(box);
-    if (pixels > left_) throw LimitError("metafile: a gradient covers the picture too often");
-    left_ -= pixels;
-  }
-
- private:
-  static int64_t Pixels(const PixelRect& box) {
-    return IsEmpty(box) ? 0 : int64_t{box.right - box.left} * (box.bottom - box.top);
-  }
-  static constexpr int64_t kPixels = 1 << 28, kPictures = 256;
-
-  int64_t left_;
-};
-
 /// Lets `color` decide on each pixel of the box, which is seen, by its centre: an alpha of 0 leaves
 /// the picture as it is.
 template <class Color>
 void Shaded(DeviceContext::Parts& parts, const PixelRect& box, Color color) {
   if (IsEmpty(box)) return;
+  parts.work.Take(PixelsOf(box) * kSampledPixel);
   Raster pixels(pf32bit, box.right - box.left, box.bottom - box.top);
   for (int y = box.top; y < box.bottom; ++y) {
     auto* row = reinterpret_cast<RGBArec*>(pixels.Row(y - box.top));
@@ -72,6 +49,7 @@ void Shaded(DeviceContext::Parts& parts, const PixelRect& box, Color color) {
 template <class Color>
 void ShadedInLines(DeviceContext::Parts& parts, const PixelRect& box, bool isAcross, Color color) {
   if (IsEmpty(box)) return;
+  parts.work.Take(PixelsOf(box) * kPlainPixel);
   const int width = box.right - box.left;
   Raster pixels(pf32bit, width, box.bottom - box.top);
   const auto row = [&](int y) { return reinterpret_cast<RGBArec*>(pixels.Row(y)); };
@@ -88,7 +66,7 @@ void ShadedInLines(DeviceContext::Parts& parts, const PixelRect& box, bool isAcr
 }
 
 void FillRect(DeviceContext::Parts& parts, const GradientVertex& first,
-              const GradientVertex& second, bool isVertical, Patience& patience) {
+              const GradientVertex& second, bool isVertical) {
   const Affine& map = parts.ToTarget();
   const PointD a = Finite(first.point), b = Finite(second.point);
   const auto back = map.Inverse();
@@ -105,14 +83,12 @@ void FillRect(DeviceContext::Parts& parts, const GradientVertex& first,
   const PixelRect& visible = parts.painter.Clip().Bounds();
   if (map.KeepsAxes()) {
     const PixelRect box = Intersection(SeenBox(bounds), visible);
-    patience.Take(box);
     const bool isTurned = map.m12 != 0;
     ShadedInLines(parts, box, isVertical == isTurned,
                   [&](PointD center) { return colorAt((*back)(center)); });
     return;
   }
   const PixelRect box = Intersection(CoveringBox(bounds, 0), visible);
-  patience.Take(box);
   Shaded(parts, box, [&](PointD center) {
     const PointD p = (*back)(center);
     const bool isInside =
@@ -122,7 +98,7 @@ void FillRect(DeviceContext::Parts& parts, const GradientVertex& first,
 }
 
 void FillTriangle(DeviceContext::Parts& parts, const GradientVertex& a, const GradientVertex& b,
-                  const GradientVertex& c, Patience& patience) {
+                  const GradientVertex& c) {
   const PointD o = parts.Mapped(Finite(a.point)), p = parts.Mapped(Finite(b.point)),
                q = parts.Mapped(Finite(c.point));
   const Affine map{p.x - o.x, p.y - o.y, q.x - o.x, q.y - o.y, o.x, o.y};
@@ -133,7 +109,6 @@ void FillTriangle(DeviceContext::Parts& parts, const GradientVertex& a, const Gr
   parts.Note(bounds);
   const Shade first = ShadeOf(a), second = ShadeOf(b), third = ShadeOf(c);
   const PixelRect box = Intersection(CoveringBox(bounds, 0), parts.painter.Clip().Bounds());
-  patience.Take(box);
   // Edges are hard: triangles lie side by side, and soft ones would leave seams.
   Shaded(parts, box, [&](PointD center) {
     const PointD w = (*back)(center);
@@ -148,19 +123,19 @@ void FillTriangle(DeviceContext::Parts& parts, const GradientVertex& a, const Gr
 void DeviceContext::GradientRects(std::span<const GradientVertex> vertices,
                                   std::span<const std::pair<uint32_t, uint32_t>> rects,
                                   bool isVertical) {
-  Patience patience(parts_->painter.Frame());
+  parts_->work.Take(static_cast<double>(rects.size()) * kShape);
   for (const auto& [first, second] : rects) {
     if (first >= vertices.size() || second >= vertices.size()) continue;
-    FillRect(*parts_, vertices[first], vertices[second], isVertical, patience);
+    FillRect(*parts_, vertices[first], vertices[second], isVertical);
   }
 }
 
 void DeviceContext::GradientTriangles(std::span<const GradientVertex> vertices,
                                       std::span<const std::array<uint32_t, 3>> triangles) {
-  Patience patience(parts_->painter.Frame());
+  parts_->work.Take(static_cast<double>(triangles.size()) * kShape);
   for (const auto& [a, b, c] : triangles) {
     if (std::max({a, b, c}) >= vertices.size()) continue;
-    FillTriangle(*parts_, vertices[a], vertices[b], vertices[c], patience);
+    FillTriangle(*parts_, vertices[a], vertices[b], vertices[c]);
   }
 }
 

@@ -24,7 +24,8 @@ DeviceContext::Parts::Parts(Raster& target, const PixelRect& clip, const Referen
                             const Affine& toTarget)
     : device(d),
       deviceToTarget(toTarget.IsFinite() ? toTarget : Affine()),
-      painter(target, ClipRect(clip, target.Width(), target.Height())),
+      work(PixelsOf(ClipRect(clip, target.Width(), target.Height()))),
+      painter(target, ClipRect(clip, target.Width(), target.Height()), work),
       state(d) {
   ClipChanged();
 }
@@ -54,9 +55,8 @@ void DeviceContext::Parts::ColorsChanged() {
 void DeviceContext::Parts::ClipChanged() {
   const PixelRect& frame = painter.Frame();
   if (!state.metaClip) state.metaClip = ClipArea::OfRects({&frame, 1}, frame);
-  visibleClip_ = state.clip
-                     ? ClipArea::Combined(state.metaClip, state.clip, RegionMode::intersection)
-                     : state.metaClip;
+  visibleClip_ =
+      state.clip ? Combined(state.metaClip, state.clip, RegionMode::intersection) : state.metaClip;
   painter.SetClip(visibleClip_);
 }
 
@@ -65,7 +65,7 @@ void DeviceContext::Parts::CombineClip(const ClipArea::Pointer& area, RegionMode
   if (number < 1 || number > 5) return;
   const PixelRect& frame = painter.Frame();
   const ClipArea::Pointer current = state.clip ? state.clip : ClipArea::OfRects({&frame, 1}, frame);
-  state.clip = ClipArea::Combined(current, area, mode);
+  state.clip = Combined(current, area, mode);
   ClipChanged();
 }
 
@@ -82,7 +82,7 @@ const DeviceContext::Parts::PenParts& DeviceContext::Parts::Pen() {
   parts.ink.pixel = PixelOf(pen.color);
   bool draws = (pen.style & pen_style::line) != pen_style::null;
   if (pen.brush && (pen.style & pen_style::geometric)) {
-    const auto ink = InkOf(*pen.brush, state, deviceToTarget);
+    const auto ink = InkOf(*pen.brush);
     draws = draws && ink;
     if (ink) parts.ink = *ink;
   }
@@ -106,7 +106,7 @@ const Ink& DeviceContext::Parts::PenInk() {
 
 const Ink* DeviceContext::Parts::BrushInk() {
   if (!brush_) {
-    brush_ = InkOf(state.brush ? *state.brush : UsualBrush(), state, deviceToTarget);
+    brush_ = InkOf(state.brush ? *state.brush : UsualBrush());
   }
   return *brush_ ? &**brush_ : nullptr;
 }
@@ -205,13 +205,57 @@ void DeviceContext::Parts::Note(const Path& outline, double reach) {
   if (const auto bounds = outline.Bounds()) Note(*bounds, reach);
 }
 
+void DeviceContext::Parts::TakeArea(const ClipArea& area) {
+  // Areas of too many rectangles have become masks.
+  work.Take(area.HasMask() ? PixelsOf(area.Bounds())
+                           : static_cast<double>(area.Rects().size()) * kRegionRect);
+}
+
+ClipArea::Pointer DeviceContext::Parts::Combined(const ClipArea::Pointer& current,
+                                                 const ClipArea::Pointer& other, RegionMode mode) {
+  work.Take(CombinationCost(*current, *other, mode));
+  const ClipArea::Pointer area = ClipArea::Combined(current, other, mode);
+  TakeArea(*area);
+  return area;
+}
+
+ClipArea::Pointer DeviceContext::Parts::Moved(const ClipArea& area, int dx, int dy) {
+  work.Take(static_cast<double>(area.Rects().size()) * kRegionRect);
+  if (area.HasMask()) work.Take(PixelsOf(area.Bounds()));
+  return area.Moved(dx, dy, painter.Frame());
+}
+
+ClipArea::Pointer DeviceContext::Parts::RegionOf(std::span<const PixelRect> boxes) {
+  RequireRegion(boxes, painter.Frame());
+  work.Take(static_cast<double>(boxes.size()) * kRegionRect);
+  const ClipArea::Pointer area = ClipArea::OfRects(boxes, painter.Frame());
+  TakeArea(*area);
+  return area;
+}
+
+ClipArea::Pointer DeviceContext::Parts::AreaOfPath(const Path& outline, PolygonFill fill) {
+  const PixelRect& frame = painter.Frame();
+  const auto bounds = outline.Bounds();
+  if (bounds) {
+    const PixelRect box = Intersection(CoveringBox(*bounds, 1), frame);
+    work.Take(OutlineCost(outline, box) + PixelsOf(box));
+  }
+  return ClipArea::OfPath(outline, fill, frame);
+}
+
+std::optional<Ink> DeviceContext::Parts::InkOf(const LogicalBrush& brush) {
+  auto ink = detail::InkOf(brush, state, deviceToTarget);
+  if (ink && ink->tile) work.Take(static_cast<double>(ink->tile->pixels.size()) * kSourcePixel);
+  return ink;
+}
+
 ClipArea::Pointer DeviceContext::Parts::AreaOf(std::span<const RectD> rects, RegionUnit unit) {
   const Affine map = MapOf(unit);
   if (map.KeepsAxes()) {
     std::vector<PixelRect> boxes;
     boxes.reserve(rects.size());
     for (const RectD& rect : rects) boxes.push_back(RoundedBox(MappedBounds(Finite(rect), map)));
-    return ClipArea::OfRects(boxes, painter.Frame());
+    return RegionOf(boxes);
   }
   Path outline;
   for (const RectD& rect : rects) {
@@ -220,7 +264,7 @@ ClipArea::Pointer DeviceContext::Parts::AreaOf(std::span<const RectD> rects, Reg
     one.Transform(map);
     outline.Append(one);
   }
-  return ClipArea::OfPath(outline, PolygonFill::winding, painter.Frame());
+  return AreaOfPath(outline, PolygonFill::winding);
 }
 
 }  // namespace rasterkit

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <span>
+#include <tuple>
 #include <vector>
 
 #include <rasterkit/host/metafiles/brush_ink.h>
 #include <rasterkit/host/metafiles/device_context.h>
+#include <rasterkit/host/metafiles/drawing_cost.h>
 #include <rasterkit/host/metafiles/drawing_state.h>
 #include <rasterkit/host/metafiles/font_faces.h>
 #include <rasterkit/host/metafiles/painter.h>
@@ -69,12 +72,20 @@ struct DeviceContext::Parts {
   /// The rectangles as areas of the target: edges rounded, or slanted where the map turns.
   detail::ClipArea::Pointer AreaOf(std::span<const RectD> rects, RegionUnit unit);
   void CombineClip(const detail::ClipArea::Pointer& area, RegionMode mode);
+  /// Clip areas, with what they cost.
+  detail::ClipArea::Pointer Combined(const detail::ClipArea::Pointer& current,
+                                     const detail::ClipArea::Pointer& other, RegionMode mode);
+  detail::ClipArea::Pointer Moved(const detail::ClipArea& area, int dx, int dy);
+  detail::ClipArea::Pointer AreaOfPath(const Path& outline, PolygonFill fill);
+  /// A brush's ink, with what it costs.
+  std::optional<detail::Ink> InkOf(const LogicalBrush& brush);
   const detail::ClipArea::Pointer& VisibleClip() const { return visibleClip_; }
 
   // ---- The parts ----
 
   const ReferenceDevice device;
   const Affine deviceToTarget;
+  detail::DrawingWork work;
   detail::Painter painter;
   detail::FontFaces fonts;
 
@@ -92,7 +103,15 @@ struct DeviceContext::Parts {
 
   std::optional<RectD> drawn;  ///< pixels of the target
 
+  /// Fonts and maps that letters were drawn with of late.
+  using LetterKey = std::tuple<const detail::FontFace*, double, double, double, double>;
+  std::set<LetterKey> letterMaps;
+
  private:
+  /// What making the area cost.
+  void TakeArea(const detail::ClipArea& area);
+  detail::ClipArea::Pointer RegionOf(std::span<const PixelRect> boxes);
+
   struct PenParts {
     std::optional<detail::StrokeStyle> style;
     detail::Ink ink;

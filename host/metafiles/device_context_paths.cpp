@@ -30,7 +30,9 @@ void DeviceContext::CloseFigure() {
 }
 
 void DeviceContext::FlattenPath() {
-  if (!parts_->isPathOpen) parts_->path = Flattened(parts_->path);
+  if (parts_->isPathOpen) return;
+  parts_->work.Take(OutlineCost(parts_->path, parts_->painter.Frame()));
+  parts_->path = Flattened(parts_->path);
 }
 
 void DeviceContext::WidenPath() {
@@ -88,10 +90,13 @@ void DeviceContext::StrokeAndFillPath() {
 void DeviceContext::SelectClipPath(RegionMode mode) {
   if (parts_->isPathOpen) return;
   const TakenPath taken = Take(*parts_);
+  if (!taken.widened) {
+    parts_->CombineClip(parts_->AreaOfPath(taken.outline, parts_->state.fill), mode);
+    return;
+  }
   const PixelRect& frame = parts_->painter.Frame();
-  parts_->CombineClip(taken.widened ? AreaOfStroke(taken.outline, *taken.widened, frame)
-                                    : ClipArea::OfPath(taken.outline, parts_->state.fill, frame),
-                      mode);
+  parts_->work.Take(StrokeCost(taken.outline, *taken.widened, frame) + PixelsOf(frame));
+  parts_->CombineClip(AreaOfStroke(taken.outline, *taken.widened, frame), mode);
 }
 
 }  // namespace rasterkit

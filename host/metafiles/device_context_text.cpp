@@ -48,6 +48,26 @@ void MovePosition(DrawingState& state, const TextLine& line, const TextPlacement
   state.position = Finite((*back)(PointD{device.x + moved.x, device.y + moved.y}));
 }
 
+/// Letters of a size that is new are made; large ones are outlines, as those of a path are.
+void TakeLetters(DeviceContext::Parts& parts, const TextLine& line,
+                 const TextPlacement& placement) {
+  const Affine letters = LetterMap(line, placement);
+  if (!letters.IsFinite()) return;
+  const double count = static_cast<double>(line.glyphs.size());
+  const bool areOutlines = parts.isPathOpen || AreLettersOutlines(letters);
+  if (areOutlines) {
+    parts.work.Take(count * kLetterOutline);
+    return;
+  }
+  // As many as cairo keeps.
+  constexpr size_t most = 200;
+  if (parts.letterMaps.size() >= most) parts.letterMaps.clear();
+  const DeviceContext::Parts::LetterKey key{line.face, letters.m11, letters.m12, letters.m21,
+                                            letters.m22};
+  if (parts.letterMaps.insert(key).second) parts.work.Take(kNewLetters);
+  parts.work.Take(count * std::abs(letters.Determinant()) * kPlainPixel);
+}
+
 void FillTextBox(DeviceContext::Parts& parts, const RectD& box) {
   DrawingPath outline;
   outline.AddRect(Normalized(Finite(box)));
@@ -69,23 +89,25 @@ void DeviceContext::ExtTextOut(const TextRun& run) {
   if (run.text.empty()) return;
 
   const LogicalFont& font = Font();
+  parts.work.Take(static_cast<double>(run.text.size()) * kLetter);
   const TextLine line = LayOutText(run, font, state, parts.fonts, UsualEmHeight(parts));
   if (!line.face) return;
   const TextPlacement onDevice = PlaceText(font, state, origin, ReferenceOf(line, state.textAlign));
   const TextPlacement placement{onDevice.places.Then(parts.deviceToTarget),
                                 onDevice.letters.Then(parts.deviceToTarget)};
+  TakeLetters(parts, line, placement);
   if (parts.isPathOpen) {
     if (parts.path.Points().size() < kMaxPathPoints) {
       parts.path.Append(TextOutline(line, placement));
     }
     parts.startsFigure = true;
   } else {
-    std::optional<NarrowedClip> clipped;
+    std::optional<NarrowedClip> clip;
     if (run.box && (run.options & text_option::clipped) != 0) {
       const RectD box = *run.box;
-      clipped.emplace(parts, ClipArea::Combined(parts.VisibleClip(),
-                                                parts.AreaOf({&box, 1}, RegionUnit::logical),
-                                                RegionMode::intersection));
+      clip.emplace(parts,
+                   parts.Combined(parts.VisibleClip(), parts.AreaOf({&box, 1}, RegionUnit::logical),
+                                  RegionMode::intersection));
     }
     const bool fillsCell = state.backMode == BackgroundMode::opaque && !hasBox;
     const DrawingPath cell = TextCell(line, placement);

@@ -1,3 +1,4 @@
+#include <rasterkit/host/metafiles/drawing_cost.h>
 #include <rasterkit/host/metafiles/emf_fields.h>
 #include <rasterkit/host/metafiles/emf_player.h>
 #include <rasterkit/host/metafiles/raster_operations.h>
@@ -32,7 +33,9 @@ Dib EmfPlayer::Bitmap(const EmfRecord& record, const BitmapPlace& place, DibRequ
   request.palette = context_.Palette();
   const DibParts parts{record.Part(place.headOffset, place.headBytes),
                        record.Part(place.bitsOffset, place.bitsBytes)};
-  return dibs_.Read(parts, request);
+  Dib dib = dibs_.Read(parts, request);
+  context_.CountWork(ReadingCost(dib.raster));
+  return dib;
 }
 
 /// Copying, stretching, blending and keying begin alike: bounds, target, what is done, corner and

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <vector>
 
+#include <rasterkit/host/metafiles/drawing_cost.h>
 #include <rasterkit/host/metafiles/flood_fill.h>
 #include <rasterkit/host/metafiles/pixel_boxes.h>
 
@@ -14,7 +15,9 @@ class Flood {
         box_(painter.Clip().Bounds()),
         color_(color & 0xFFFFFF),
         kind_(kind),
-        mask_(box_) {}
+        mask_(box_) {
+    painter.Work().Take(PixelsOf(box_));
+  }
 
   bool Start(PixelPoint at) {
     if (!IsFree(at.x, at.y)) return false;
@@ -41,6 +44,7 @@ class Flood {
     int left = at.x, right = at.x + 1;
     while (IsFree(left - 1, at.y)) --left;
     while (IsFree(right, at.y)) ++right;
+    painter_.Work().Take((right - left) * kFloodPixel);
     std::fill(mask_.Row(at.y) + (left - box_.left), mask_.Row(at.y) + (right - box_.left), 255);
     for (const int y : {at.y - 1, at.y + 1}) {
       bool wasFree = false;

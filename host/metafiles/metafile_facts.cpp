@@ -58,7 +58,9 @@ void TakeHeader(const EmfHeader& header, MetafileFacts& facts) {
   const double x = facts.deviceWidthMm * 100 / facts.deviceWidth;
   const double y = facts.deviceHeightMm * 100 / facts.deviceHeight;
   const auto scaled = [](int64_t value, double scale) {
-    return std::llround(static_cast<double>(value) * scale);
+    // A frame has 32 bits.
+    constexpr double most = std::numeric_limits<int32_t>::max();
+    return std::llround(std::clamp(static_cast<double>(value) * scale, -most, most));
   };
   facts.frame = {scaled(facts.bounds.left, x), scaled(facts.bounds.top, y),
                  scaled(facts.bounds.right + 1, x), scaled(facts.bounds.bottom + 1, y)};

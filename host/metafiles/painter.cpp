@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstring>
 
+#include <rasterkit/host/metafiles/drawing_cost.h>
 #include <rasterkit/host/metafiles/painter.h>
 #include <rasterkit/host/metafiles/pixel_boxes.h>
 #include <rasterkit/host/runtime/errors.h>
@@ -54,7 +55,8 @@ bool CutLine(PointD& from, PointD& to, const PixelRect& box, double reach) {
 
 }  // namespace
 
-Painter::Painter(Raster& target, const PixelRect& frame) : target_(target), frame_(frame) {
+Painter::Painter(Raster& target, const PixelRect& frame, DrawingWork& work)
+    : target_(target), frame_(frame), work_(work) {
   const int width = frame.right - frame.left, height = frame.bottom - frame.top;
   if (width > kMaxSide || height > kMaxSide) {
     throw LimitError("metafile: no more than 32767 x 32767 pixels are drawn at a time");
@@ -117,15 +119,23 @@ bool Painter::IsDirect(const Ink& ink, TernaryCode code) const {
 
 void Painter::Draw(const PixelRect& wanted, const Ink& ink, TernaryCode code,
                    const std::function<void(cairo_t*)>& draw) {
+  DrawAtCost(wanted, ink, code, PixelsOf(Intersection(wanted, clip_->Bounds())) * kPlainPixel,
+             draw);
+}
+
+void Painter::DrawAtCost(const PixelRect& wanted, const Ink& ink, TernaryCode code,
+                         double directCost, const std::function<void(cairo_t*)>& draw) {
   const Task task(ink, code);
   const PixelRect box = Intersection(wanted, clip_->Bounds());
   if (IsEmpty(box) || task.DoesNothing()) return;
   if (IsDirect(task.ink, task.code)) {
+    work_.Take(directCost);
     cairo_t* cairo = Direct();
     SetDirectColor(task.ink.pixel);
     draw(cairo);
     return;
   }
+  work_.Take(directCost + PixelsOf(box));
   CoverageMask shape(box);
   shape.Draw(draw);
   Compose(box, {.ink = task.ink, .code = task.code, .shape = &shape});
@@ -138,7 +148,10 @@ void Painter::Fill(const DrawingPath& path, PolygonFill fill, const Ink& ink, Te
     FillBox(SeenBox(*rect), ink, code);
     return;
   }
-  Draw(CoveringBox(*bounds, 1), ink, code, [&](cairo_t* cairo) {
+  const PixelRect box = CoveringBox(*bounds, 1);
+  const PixelRect seen = Intersection(box, clip_->Bounds());
+  const double cost = OutlineCost(path, seen) + PixelsOf(seen) * kPlainPixel;
+  DrawAtCost(box, ink, code, cost, [&](cairo_t* cairo) {
     path.EmitTo(cairo, {.grid = EdgeGrid::fill});
     cairo_set_fill_rule(
         cairo, fill == PolygonFill::winding ? CAIRO_FILL_RULE_WINDING : CAIRO_FILL_RULE_EVEN_ODD);
@@ -150,8 +163,9 @@ void Painter::Stroke(const DrawingPath& path, const StrokeStyle& style, const In
                      TernaryCode code) {
   const auto bounds = path.Bounds();
   if (!bounds) return;
-  Draw(CoveringBox(*bounds, style.Reach()), ink, code,
-       [&](cairo_t* cairo) { StrokePathWith(cairo, path, style); });
+  DrawAtCost(CoveringBox(*bounds, style.Reach()), ink, code,
+             StrokeCost(path, style, clip_->Bounds()),
+             [&](cairo_t* cairo) { StrokePathWith(cairo, path, style); });
   styleSerial_ = 0;
 }
 
@@ -164,13 +178,18 @@ void Painter::StrokeLine(PointD from, PointD to, const StrokeStyle& style, const
   const double margin = style.dashes.empty() ? reach : std::max(reach, 65536.0);
   if (!CutLine(from, to, area, margin)) return;
   const PixelRect box = CoveringBox(Normalized({from.x, from.y, to.x, to.y}), reach);
-  Draw(box, ink, code, [&](cairo_t* cairo) {
+  DrawAtCost(box, ink, code, StrokeCost(from, to, style, area), [&](cairo_t* cairo) {
     if (cairo != cairo_.get() || style.serial == 0 || style.serial != styleSerial_) {
       ApplyStroke(cairo, style);
     }
     if (cairo == cairo_.get()) styleSerial_ = style.serial;
     cairo_move_to(cairo, from.x, from.y);
     cairo_line_to(cairo, to.x, to.y);
+    if (!style.dashes.empty() &&
+        DashesAlong(style, std::hypot(to.x - from.x, to.y - from.y)) == 0) {
+      cairo_set_dash(cairo, nullptr, 0, 0);
+      styleSerial_ = 0;
+    }
     StrokeApplied(cairo, style);
   });
 }
@@ -213,6 +232,7 @@ uint32_t Painter::Pixel(int x, int y) const {
 }
 
 void Painter::Compose(const PixelRect& box, const Layer& layer) {
+  work_.Take(PixelsOf(box) * (IsPlain(layer) ? kPlainPixel : kComposedPixel));
   cairo_surface_flush(surface_.get());
   const size_t width = static_cast<size_t>(box.right - box.left);
   if (brushRow_.size() < width) {
@@ -221,18 +241,25 @@ void Painter::Compose(const PixelRect& box, const Layer& layer) {
     resultRow_.resize(width);
     coverageRow_.resize(width);
   }
+  double rows = 0;
   for (const PixelRect& rect : clip_->RectsFrom(box.top)) {
     if (rect.top >= box.bottom) break;
     const PixelRect part = Intersection(rect, box);
+    rows += IsEmpty(part) ? 1 : part.bottom - part.top;
     if (!IsEmpty(part)) ComposeRect(part, layer);
   }
   cairo_surface_mark_dirty(surface_.get());
+  work_.Take(rows * kRegionRect);
+}
+
+bool Painter::IsPlain(const Layer& layer) const {
+  return layer.shape == nullptr && layer.code == kCopyBrush && !layer.ink.tile &&
+         !clip_->HasMask() && layer.source == nullptr;
 }
 
 void Painter::ComposeRect(const PixelRect& box, const Layer& layer) {
   const int count = box.right - box.left;
-  const bool isPlain = layer.shape == nullptr && layer.code == kCopyBrush && !layer.ink.tile &&
-                       !clip_->HasMask() && layer.source == nullptr;
+  const bool isPlain = IsPlain(layer);
   for (int y = box.top; y < box.bottom; ++y) {
     if (isPlain) {
       std::fill_n(TargetRow(y) + box.left, count, layer.ink.pixel);

@@ -5,6 +5,7 @@
 
 #include <rasterkit/host/metafiles/cairo_handles.h>
 #include <rasterkit/host/metafiles/clip_area.h>
+#include <rasterkit/host/metafiles/drawing_work.h>
 #include <rasterkit/host/metafiles/ink.h>
 #include <rasterkit/host/metafiles/stroke_style.h>
 #include <rasterkit/host/metafiles/ternary_rows.h>
@@ -17,8 +18,9 @@ namespace rasterkit::detail {
 class Painter {
  public:
   /// `target` has 32 bits. `frame` lies inside it and is at most kMaxSide wide and high. Pixels of
-  /// the frame have alpha 255 when the painter is gone.
-  Painter(Raster& target, const PixelRect& frame);
+  /// the frame have alpha 255 when the painter is gone. What is painted is taken from `work`, which
+  /// stays alive as long as the painter.
+  Painter(Raster& target, const PixelRect& frame, DrawingWork& work);
   ~Painter();
   Painter(const Painter&) = delete;
   Painter& operator=(const Painter&) = delete;
@@ -26,6 +28,7 @@ class Painter {
   static constexpr int kMaxSide = 32767;
 
   const PixelRect& Frame() const { return frame_; }
+  DrawingWork& Work() const { return work_; }
   void SetClip(ClipArea::Pointer clip);
   const ClipArea& Clip() const { return *clip_; }
 
@@ -65,12 +68,18 @@ class Painter {
   void MakeContext();
   void SetDirectColor(uint32_t pixel);
   bool IsDirect(const Ink& ink, TernaryCode code) const;
+  /// As `Draw`; where cairo paints alone, that costs `directCost`.
+  void DrawAtCost(const PixelRect& box, const Ink& ink, TernaryCode code, double directCost,
+                  const std::function<void(cairo_t*)>& draw);
   void Compose(const PixelRect& box, const Layer& layer);
+  /// Pixels get one colour, whatever they were.
+  bool IsPlain(const Layer& layer) const;
   void ComposeRect(const PixelRect& box, const Layer& layer);
   void ComposeRow(int y, int left, int count, const Layer& layer);
 
   Raster& target_;
   const PixelRect frame_;
+  DrawingWork& work_;
   ClipArea::Pointer clip_;
   CairoSurface surface_;
   CairoContext cairo_;

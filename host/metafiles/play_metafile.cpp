@@ -45,6 +45,17 @@ Stage EmfStage(const MetafileFacts& facts, const PixelRect& place) {
   return stage;
 }
 
+/// What the drawing may cost beyond the usual: a large file is expected to take its time, and so is
+/// a picture that is wanted larger than the file says.
+double MoreWork(const MetafileFacts& facts, const PixelRect& place, size_t bytes) {
+  constexpr double perByte = 300;
+  const PixelRect whole = Ordered(place);
+  const double wanted =
+      (double{1} * whole.right - whole.left) * (double{1} * whole.bottom - whole.top);
+  const double larger = std::max(1.0, wanted / (double{1} * facts.width * facts.height));
+  return DrawingWork::kLeast * (larger - 1) + perByte * static_cast<double>(bytes);
+}
+
 }  // namespace
 
 PlayReport PlayMetafile(std::span<const uint8_t> bytes, Raster& target, const PixelRect& place,
@@ -59,6 +70,7 @@ PlayReport PlayMetafile(std::span<const uint8_t> bytes, Raster& target, const Pi
   if (facts.kind == MetafileKind::emf) {
     const Stage stage = EmfStage(facts, place);
     DeviceContext context(target, clip, stage.device, stage.toTarget);
+    context.AllowWork(MoreWork(facts, place, bytes.size()));
     EmfPlayer player(context, bytes.size());
     EmfRecords records(bytes);
     PlayRecords(
@@ -67,6 +79,7 @@ PlayReport PlayMetafile(std::span<const uint8_t> bytes, Raster& target, const Pi
     const WmfPicture picture = PictureOfWmf(facts);
     const Affine toTarget = Fit({0, 0, picture.pixels.x, picture.pixels.y}, place);
     DeviceContext context(target, clip, picture.device, toTarget);
+    context.AllowWork(MoreWork(facts, place, bytes.size()));
     WmfPlayer player(context, picture, bytes.size());
     WmfRecords records(bytes);
     PlayRecords(

@@ -20,7 +20,8 @@ struct PlayReport {
   uint32_t skipped = 0;
   /// Each reason once, in the order of the records.
   std::vector<std::string> warnings;
-  /// False when `keepGoing` said so before the last record.
+  /// False when `keepGoing` said so before the last record, or when the records asked for more work
+  /// than any picture shows, which a warning tells.
   bool isComplete = true;
 };
 

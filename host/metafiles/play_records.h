@@ -4,6 +4,7 @@
 #include <functional>
 #include <new>
 
+#include <rasterkit/host/metafiles/drawing_work.h>
 #include <rasterkit/host/metafiles/play_metafile.h>
 #include <rasterkit/host/runtime/errors.h>
 
@@ -32,6 +33,11 @@ void PlayRecords(Records& records, const Play& play, const std::function<bool()>
     }
     try {
       ++(play(*record) ? report.played : report.skipped);
+    } catch (const DrawingWorkError& error) {
+      // It would be said of every record from here on.
+      Warn(report, error.Reason());
+      report.isComplete = false;
+      return;
     } catch (const Error& error) {
       ++report.skipped;
       Warn(report, error.Reason());

@@ -147,15 +147,17 @@ double Length(const DrawingPath& path) {
   return length;
 }
 
-/// More dashes than anybody sees: each takes time, however far outside the picture it is.
-bool HasTooManyDashes(const StrokeStyle& style, double length) {
-  if (style.dashes.empty()) return false;
+}  // namespace
+
+double DashesAlong(const StrokeStyle& style, double length) {
+  if (style.dashes.empty()) return 0;
+  // Each takes time, however far outside the picture it is.
+  constexpr double most = 200'000;
   const double scale = style.nib ? style.nib->MeanScale() : 1;
   const double period = std::accumulate(style.dashes.begin(), style.dashes.end(), 0.0) * scale;
-  return !(length / period * static_cast<double>(style.dashes.size()) < 200'000);
+  const double count = length / period * static_cast<double>(style.dashes.size());
+  return count < most ? count : 0;
 }
-
-}  // namespace
 
 double StrokeStyle::Reach() const {
   const double scale = nib ? std::hypot(nib->m11, nib->m12) + std::hypot(nib->m21, nib->m22) : 1;
@@ -199,7 +201,7 @@ void StrokeApplied(cairo_t* cairo, const StrokeStyle& style) {
 void StrokePathWith(cairo_t* cairo, const DrawingPath& path, const StrokeStyle& style) {
   path.EmitTo(cairo, style.fit);
   ApplyStroke(cairo, style);
-  if (HasTooManyDashes(style, Length(path))) cairo_set_dash(cairo, nullptr, 0, 0);
+  if (DashesAlong(style, Length(path)) == 0) cairo_set_dash(cairo, nullptr, 0, 0);
   StrokeApplied(cairo, style);
 }
 

@@ -44,6 +44,10 @@ struct PenSurroundings {
 /// The style of a pen that draws anything.
 StrokeStyle StrokeStyleOf(const LogicalPen& pen, const PenSurroundings& around);
 
+/// Dashes along a line of so many pixels; 0 without any, and where there are more than anybody
+/// sees: such a line is drawn without gaps.
+double DashesAlong(const StrokeStyle& style, double length);
+
 /// Sets width, caps, joins, dashes and the nib's matrix.
 void ApplyStroke(cairo_t* cairo, const StrokeStyle& style);
 

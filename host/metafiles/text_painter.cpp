@@ -17,11 +17,6 @@ constexpr double kOutlineSize = 256;
 /// Smaller than this, or flatter, nothing is seen of a letter, and cairo takes no such font.
 constexpr double kMinGlyphPixels = 0.05;
 
-/// From letters of one unit to the target.
-Affine LetterMap(const TextLine& line, const TextPlacement& placement) {
-  return Affine::Scaling(line.emHeight * line.stretch, line.emHeight).Then(placement.letters);
-}
-
 /// A rectangle on the line's coordinates.
 DrawingPath LineRect(const RectD& rect, const TextLine& line, const TextPlacement& placement) {
   // Letters may be drawn on another scale than the steps between them: heights are the letters'.
@@ -110,6 +105,15 @@ PixelRect GlyphBox(std::span<const PlacedGlyph> glyphs, const Affine& letters,
 
 }  // namespace
 
+Affine LetterMap(const TextLine& line, const TextPlacement& placement) {
+  return Affine::Scaling(line.emHeight * line.stretch, line.emHeight).Then(placement.letters);
+}
+
+bool AreLettersOutlines(const Affine& letters) {
+  return std::max(std::hypot(letters.m11, letters.m12), std::hypot(letters.m21, letters.m22)) >
+         kMaxGlyphPixels;
+}
+
 DrawingPath TextCell(const TextLine& line, const TextPlacement& placement) {
   return LineRect({0, -line.ascent, line.width, line.descent}, line, placement);
 }
@@ -144,7 +148,7 @@ void PaintText(Painter& painter, const TextLine& line, const TextPlacement& plac
   const double down = std::hypot(letters.m21, letters.m22);
   const double flattest = std::abs(letters.Determinant()) / std::max(across, down);
   if (!(std::min(across, down) > kMinGlyphPixels) || !(flattest > kMinGlyphPixels)) return;
-  if (std::max(across, down) > kMaxGlyphPixels) {
+  if (AreLettersOutlines(letters)) {
     painter.Fill(TextOutline(line, placement), PolygonFill::winding, {.pixel = pixel}, kCopyBrush);
   } else {
     ForEachRun(line.glyphs, [&](std::span<const PlacedGlyph> run) {

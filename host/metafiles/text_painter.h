@@ -6,6 +6,10 @@
 /// Lines of text on the target: `placement` leads to its pixels.
 namespace rasterkit::detail {
 
+/// From letters of one unit to the target.
+Affine LetterMap(const TextLine& line, const TextPlacement& placement);
+/// Whether letters are so large that they are drawn as outlines.
+bool AreLettersOutlines(const Affine& letters);
 /// The rectangle, turned like the text, from the highest to the lowest letter.
 DrawingPath TextCell(const TextLine& line, const TextPlacement& placement);
 /// The outlines of all letters.

@@ -1,4 +1,5 @@
 #include <rasterkit/host/metafiles/ddb_reader.h>
+#include <rasterkit/host/metafiles/drawing_cost.h>
 #include <rasterkit/host/metafiles/raster_operations.h>
 #include <rasterkit/host/metafiles/wmf_fields.h>
 #include <rasterkit/host/metafiles/wmf_player.h>
@@ -8,7 +9,9 @@ Dib WmfPlayer::Bitmap(std::span<const uint8_t> packed, DibColors colors) {
   DibRequest request;
   request.colors = colors;
   request.palette = context_.Palette();
-  return dibs_.Read(SplitPackedDib(packed, colors), request);
+  Dib dib = dibs_.Read(SplitPackedDib(packed, colors), request);
+  context_.CountWork(ReadingCost(dib.raster));
+  return dib;
 }
 
 void WmfPlayer::BlitDib(const WmfRecord& record, bool isStretched) {
@@ -55,6 +58,7 @@ void WmfPlayer::SetBits(const WmfRecord& record) {
   const PointD corner = ReadReversedPoint(fields);
   const DibParts parts = SplitPackedDib(fields.Take(fields.Left()), request.colors);
   const Dib dib = dibs_.Read(parts, request);
+  context_.CountWork(ReadingCost(dib.raster));
   const RectD part{partCorner.x, partCorner.y, partCorner.x + size.x, partCorner.y + size.y};
   context_.SetDIBitsToDevice(corner, {dib.raster, PartOfBand(part, dib, firstRow)});
 }

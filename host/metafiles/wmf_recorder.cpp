@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <rasterkit/host/metafiles/wmf_fields.h>
 #include <rasterkit/host/metafiles/wmf_recorder.h>
 
@@ -31,10 +33,23 @@ void WmfRecorder::Record(const WmfRecord& record) {
       RecordBitmap(record) || RecordRegion(record) || RecordPalette(record);
 }
 
+/// The context keeps no more of them either.
+void WmfRecorder::Save() {
+  constexpr size_t kept = 4096;
+  if (saved_.size() >= kept) {
+    ++savedBeyond_;
+  } else {
+    saved_.push_back(state_);
+  }
+}
+
 void WmfRecorder::Restore(int32_t number) {
-  const auto count = static_cast<int64_t>(saved_.size());
+  const auto kept = static_cast<int64_t>(saved_.size());
+  const int64_t count = kept + savedBeyond_;
   const int64_t index = number < 0 ? count + number : int64_t{number} - 1;
   if (index < 0 || index >= count) return;
+  savedBeyond_ = std::max<int64_t>(0, index - kept);
+  if (index >= kept) return;
   state_ = saved_[static_cast<size_t>(index)];
   saved_.resize(static_cast<size_t>(index));
 }
@@ -43,7 +58,7 @@ bool WmfRecorder::RecordState(const WmfRecord& record) {
   MetafileBytes fields = record.Fields();
   switch (record.function) {
     case WmfFunction::saveDc:
-      saved_.push_back(state_);
+      Save();
       writer_.Add(EmfType::saveDc);
       return true;
     case WmfFunction::restoreDc: {

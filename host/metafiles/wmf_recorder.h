@@ -45,6 +45,7 @@ class WmfRecorder {
   bool RecordBitmap(const WmfRecord& record);
   bool RecordText(const WmfRecord& record);
 
+  void Save();
   void Restore(int32_t number);
   void Select(size_t handle);
   void SelectClip(const RegionObject* region);
@@ -75,6 +76,8 @@ class WmfRecorder {
   const WmfPlayer& player_;
   State state_;
   std::vector<State> saved_;
+  /// SaveDC beyond what is kept.
+  int64_t savedBeyond_ = 0;
   size_t handles_ = 1;
 };
 

@@ -24,6 +24,8 @@ std::vector<uint8_t> EmfOfWmf(std::span<const uint8_t> bytes) {
         return isPlayed;
       },
       {}, report);
+  // Half of a drawing must not be taken for all of it.
+  if (!report.isComplete) throw LimitError(report.warnings.back());
   EmfPicture picture;
   picture.width = facts.width;
   picture.height = facts.height;
