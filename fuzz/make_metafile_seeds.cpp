@@ -1,14 +1,19 @@
 // Writes the seeds of the metafile fuzzers: small files with records of every family.
-// usage: make_metafile_seeds FOLDER_OF_EMF FOLDER_OF_WMF
+// usage: make_metafile_seeds FOLDER_OF_EMF FOLDER_OF_WMF FOLDER_OF_WMF_TO_EMF
 
 #include <cstdio>
 #include <fstream>
 #include <string>
 
+#include <rasterkit/host/codecs/jpeg_encoder.h>
+#include <rasterkit/host/codecs/png_encoder.h>
+
 #include "tests/support/emf_file.h"
 #include "tests/support/packed_dib.h"
+#include "tests/support/test_pictures.h"
 #include "tests/support/wmf_file.h"
 
+using namespace rasterkit;
 using namespace rasterkit::detail;
 using namespace rasterkit::test;
 
@@ -100,6 +105,56 @@ EmfFile EmfText() {
   return file.Add(EmfType::smallTextOut, brief.Singles({1, 1}).Text(std::string_view("Ab")));
 }
 
+/// A whole file of another kind in the place of the rows.
+BmpFile Embedded(uint32_t compression, std::vector<uint8_t> bytes) {
+  BmpFile file;
+  file.width = 5;
+  file.height = 3;
+  file.bits = 0;
+  file.compression = compression;
+  file.pixels = std::move(bytes);
+  return file;
+}
+
+BmpFile WithPng() {
+  TMemoryStream png;
+  EncodePng(GradientRaster(pf24bit, 5, 3), png);
+  return Embedded(5, png.TakeBytes());
+}
+
+BmpFile WithJpeg() {
+  return Embedded(4, EncodeJpeg(GradientRaster(pf24bit, 5, 3), 90));
+}
+
+/// The bitmaps that are mixed, keyed, masked or set aslant, and patterns.
+EmfFile EmfBlends() {
+  BmpFile bitmap = SixColors();
+  bitmap.bits = 32;
+  bitmap.pixels.assign(24, 0x5A);
+  const std::vector<uint8_t> dib = PackedDib(bitmap);
+  EmfFile file;
+  file.Add(EmfType::setStretchBltMode, {4});
+  FieldBytes pattern{2, 0, 32, 40, 72, 24};
+  file.Add(EmfType::createDibPatternBrush, pattern.Bytes(dib)).Add(EmfType::selectObject, {2});
+  for (const auto& [type, operation] : {std::pair{EmfType::alphaBlend, 0x01FF0000},
+                                        {EmfType::transparentBlt, 0x5A5A5A},
+                                        {EmfType::stretchBlt, 0xB8074A}}) {
+    FieldBytes fields{0, 0, 99, 79, 5, 5, 60, 40, operation, 0, 0};
+    fields.Singles({1, 0, 0, 1, 0, 0}).Longs({0, 0, 108, 40, 148, 24, 3, 2});
+    file.Add(type, fields.Bytes(dib));
+  }
+  FieldBytes slanted{0, 0, 99, 79, 10, 10, 80, 20, 5, 70, 0, 0, 3, 2};
+  slanted.Singles({1, 0, 0, 1, 0, 0}).Longs({0, 0, 140, 40, 180, 24, 0, 0, 0, 140, 40, 180, 24});
+  file.Add(EmfType::plgBlt, slanted.Bytes(dib));
+  FieldBytes masked{0, 0, 99, 79, 50, 40, 30, 30, 0x00CC0020, 0, 0};
+  masked.Singles({1, 0, 0, 1, 0, 0}).Longs({0, 0, 128, 40, 168, 24, 0, 0, 0, 128, 40, 168, 24});
+  file.Add(EmfType::maskBlt, masked.Bytes(dib));
+  FieldBytes mesh{0, 0, 0, 0, 3, 1, 2};
+  for (const int corner : {0, 60, 90})
+    mesh.Longs({corner, 90 - corner}).Words({0xFF00, corner, 0, 0});
+  return file.Add(EmfType::gradientFill, mesh.Longs({0, 1, 2}));
+}
+
 void SaveEmf(const std::string& folder) {
   Save(folder + "/shapes.emf", EmfShapes().Bytes());
   Save(folder + "/paths.emf", EmfPaths().Bytes());
@@ -115,6 +170,9 @@ void SaveEmf(const std::string& folder) {
   lines.hasEnd = false;
   Save(folder + "/plus_without_end.emf", lines.Bytes());
   Save(folder + "/bitmap24.emf", WithBitmap(SixColors(), SixColors().pixels.size()).Bytes());
+  Save(folder + "/blends.emf", EmfBlends().Bytes());
+  Save(folder + "/bitmap_png.emf", WithBitmap(WithPng(), WithPng().pixels.size()).Bytes());
+  Save(folder + "/bitmap_jpeg.emf", WithBitmap(WithJpeg(), WithJpeg().pixels.size()).Bytes());
   Save(folder + "/bitmap_rle8.emf", WithBitmap(Indexed(), Indexed().pixels.size()).Bytes());
 }
 
@@ -145,7 +203,36 @@ WmfFile WmfShapes() {
   return file.Add(WmfFunction::extTextOut, text.Words({9, 9, 9}));
 }
 
+/// Modes, mapping and clipping between what they change.
+WmfFile WmfStates() {
+  WmfFile file;
+  file.box = {{0, 0, 200, 160}};
+  file.Add(WmfFunction::setMapMode, {8}).Add(WmfFunction::setWindowOrg, {-5, -5});
+  file.Add(WmfFunction::setWindowExt, {160, 200}).Add(WmfFunction::offsetWindowOrg, {2, 2});
+  file.Add(WmfFunction::setViewportOrg, {1, 1}).Add(WmfFunction::setViewportExt, {80, 100});
+  file.Add(WmfFunction::scaleWindowExt, {2, 3, 2, 3}).Add(WmfFunction::saveDc);
+  file.Add(WmfFunction::offsetViewportOrg, {3, 3}).Add(WmfFunction::setLayout, {1});
+  file.Add(WmfFunction::setTextCharExtra, {3}).Add(WmfFunction::setTextJustification, {2, 9});
+  file.Add(WmfFunction::setTextAlign, {25}).Add(WmfFunction::setBkMode, {1});
+  file.Add(WmfFunction::setTextColor, FieldBytes().Long(0xFF0000)).Add(WmfFunction::moveTo, {9, 9});
+  file.Add(WmfFunction::textOut, FieldBytes().Word(4).Text("a bc").Words({40, 10}));
+  file.Add(WmfFunction::restoreDc, {-1}).Add(WmfFunction::setPolyFillMode, {2});
+  file.Add(WmfFunction::intersectClipRect, {120, 150, 5, 5});
+  file.Add(WmfFunction::excludeClipRect, {60, 70, 40, 40}).Add(WmfFunction::offsetClipRgn, {1, 1});
+  FieldBytes brush;
+  brush.Words({3, 0}).Bytes(PackedDib(SixColors()));
+  file.Add(WmfFunction::dibCreatePatternBrush, brush).Add(WmfFunction::selectObject, {0});
+  file.Add(WmfFunction::chord, {80, 35, 0, 35, 50, 60, 10, 10});
+  file.Add(WmfFunction::arc, {80, 35, 0, 35, 50, 60, 10, 10});
+  file.Add(WmfFunction::extFloodFill, FieldBytes().Word(1).Long(0xFFFFFF).Words({70, 80}));
+  FieldBytes region;
+  region.Words({0, 6}).Long(0).Words({0, 1, 2, 10, 10, 60, 50, 2, 10, 50, 10, 60, 2});
+  file.Add(WmfFunction::createRegion, region).Add(WmfFunction::paintRegion, {1});
+  return file.Add(WmfFunction::frameRegion, {1, 0, 2, 2}).Add(WmfFunction::fillRegion, {1, 0});
+}
+
 void SaveWmf(const std::string& folder) {
+  Save(folder + "/states.wmf", WmfStates().Bytes());
   Save(folder + "/shapes.wmf", WmfShapes().Bytes());
   WmfFile lines;
   lines.Add(WmfFunction::moveTo, {5, 3}).Add(WmfFunction::lineTo, {11, 17});
@@ -167,8 +254,10 @@ void SaveWmf(const std::string& folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) return 2;
+  if (argc != 4) return 2;
   SaveEmf(argv[1]);
   SaveWmf(argv[2]);
+  SaveWmf(argv[3]);
+  Save(std::string(argv[3]) + "/shapes.emf", EmfShapes().Bytes());
   return 0;
 }

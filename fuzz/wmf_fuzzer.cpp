@@ -1,9 +1,11 @@
 // Any bytes as a Windows metafile: facts, records, the bitmaps inside them and a
 // drawing that touches nothing outside its place, or one of our errors.
 
+#include <algorithm>
 #include <cstdlib>
 
 #include <rasterkit/host/metafiles/dib_reader.h>
+#include <rasterkit/host/metafiles/drawing_work.h>
 #include <rasterkit/host/metafiles/metafile_facts.h>
 #include <rasterkit/host/metafiles/play_metafile.h>
 #include <rasterkit/host/metafiles/wmf_records.h>
@@ -45,26 +47,30 @@ void Walk(std::span<const uint8_t> bytes) {
   Require(walked <= bytes.size());
 }
 
-constexpr int kSide = 48;
-constexpr PixelRect kPlace{8, 4, 40, 44};
-/// Records that are played at most: a few bytes each may fill the whole picture.
-constexpr int kMostQuestions = 40;
+constexpr int kWidth = 176, kHeight = 144;
+constexpr PixelRect kPlace{8, 4, 168, 132};
+constexpr uint32_t kGround = 0xFF123456;
+/// What a drawing may cost, so that thousands are tried: many times the whole picture.
+constexpr double kMostWork = 1e7;
+
+bool IsGround(const uint32_t* first, const uint32_t* last) {
+  return std::all_of(first, last, [](uint32_t pixel) { return (pixel | 0xFF000000) == kGround; });
+}
 
 /// Draws inside a frame of pixels that must stay as they are.
 void Draw(std::span<const uint8_t> bytes) {
-  Raster raster(pf32bit, kSide, kSide);
-  FillRaster(raster, {0, 0, kSide, kSide}, 0x123456);
-  int questions = 0;
+  Raster raster(pf32bit, kWidth, kHeight);
+  FillRaster(raster, {0, 0, kWidth, kHeight}, 0x563412);
+  const DrawingWorkScope work(kMostWork);
   try {
-    PlayMetafile(bytes, raster, kPlace, [&] { return ++questions < kMostQuestions; });
+    PlayMetafile(bytes, raster, kPlace);
   } catch (const Error&) {
   }
-  for (int y = 0; y < kSide; ++y) {
-    for (int x = 0; x < kSide; ++x) {
-      const bool isInside =
-          x >= kPlace.left && x < kPlace.right && y >= kPlace.top && y < kPlace.bottom;
-      Require(isInside || raster.PixelColor(x, y) == 0x123456);
-    }
+  for (int y = 0; y < kHeight; ++y) {
+    const auto* row = reinterpret_cast<const uint32_t*>(raster.Row(y));
+    const bool isOutside = y < kPlace.top || y >= kPlace.bottom;
+    Require(IsGround(row, row + (isOutside ? kWidth : kPlace.left)));
+    Require(IsGround(row + kPlace.right, row + kWidth));
   }
 }
 
