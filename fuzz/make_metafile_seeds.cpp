@@ -155,6 +155,36 @@ EmfFile EmfBlends() {
   return file.Add(EmfType::gradientFill, mesh.Longs({0, 1, 2}));
 }
 
+/// Regions, floods, bands of bitmaps and the less common modes.
+EmfFile EmfAreas() {
+  EmfFile file;
+  file.Add(EmfType::createBrush, {1, 0, 0xFF00, 0}).Add(EmfType::selectObject, {1});
+  file.Add(EmfType::createPen, {2, 0, 1, 0, 0xFF}).Add(EmfType::selectObject, {2});
+  FieldBytes region{32, 1, 2, 32, 5, 5, 60, 50, 5, 5, 60, 20, 5, 20, 40, 50};
+  for (const auto& [type, before] : {std::pair{EmfType::fillRgn, FieldBytes{1}},
+                                     {EmfType::frameRgn, FieldBytes{1, 2, 2}},
+                                     {EmfType::paintRgn, FieldBytes{}}}) {
+    FieldBytes fields{0, 0, 0, 0, 64};
+    file.Add(type, fields.Bytes(before.bytes).Bytes(region.bytes));
+  }
+  file.Add(EmfType::excludeClipRect, {70, 60, 80, 70});
+  file.Add(EmfType::extFloodFill, {90, 5, 0xFFFFFF, 1})
+      .Add(EmfType::extFloodFill, {2, 2, 0xFF00, 0});
+  file.Add(EmfType::setMapMode, {7}).Add(EmfType::setWindowExt, {100, 100});
+  file.Add(EmfType::scaleViewportExt, {1, 2, 1, 2}).Add(EmfType::setTextJustification, {9, 1});
+  file.Add(EmfType::beginPath).Add(EmfType::ellipse, {5, 5, 90, 70}).Add(EmfType::endPath);
+  file.Add(EmfType::flattenPath).Add(EmfType::strokePath, {0, 0, 0, 0});
+  file.Add(EmfType::setMapMode, {2}).Add(EmfType::moveTo, {5, -5}).Add(EmfType::lineTo, {90, -70});
+  file.Add(EmfType::setMapMode, {1}).Add(EmfType::setLayout, {1});
+  const std::vector<uint8_t> dib = PackedDib(SixColors());
+  FieldBytes band{0, 0, 99, 79, 10, 10, 0, 0, 3, 2, 76, 40, 116, 24, 0, 0, 2};
+  file.Add(EmfType::setDibitsToDevice, band.Bytes(dib));
+  FieldBytes texts{0, 0, 0, 0, 1};
+  texts.Singles({1, 1}).Longs(
+      {2, 5, 40, 2, 120, 0, 0, 0, 0, 0, 0, 9, 60, 1, 122, 0, 0, 0, 0, 0, 0});
+  return file.Add(EmfType::polyTextOutW, texts.Text(std::u16string_view(u"A b")).PadTo(4));
+}
+
 void SaveEmf(const std::string& folder) {
   Save(folder + "/shapes.emf", EmfShapes().Bytes());
   Save(folder + "/paths.emf", EmfPaths().Bytes());
@@ -170,6 +200,7 @@ void SaveEmf(const std::string& folder) {
   lines.hasEnd = false;
   Save(folder + "/plus_without_end.emf", lines.Bytes());
   Save(folder + "/bitmap24.emf", WithBitmap(SixColors(), SixColors().pixels.size()).Bytes());
+  Save(folder + "/areas.emf", EmfAreas().Bytes());
   Save(folder + "/blends.emf", EmfBlends().Bytes());
   Save(folder + "/bitmap_png.emf", WithBitmap(WithPng(), WithPng().pixels.size()).Bytes());
   Save(folder + "/bitmap_jpeg.emf", WithBitmap(WithJpeg(), WithJpeg().pixels.size()).Bytes());
@@ -225,6 +256,15 @@ WmfFile WmfStates() {
   file.Add(WmfFunction::chord, {80, 35, 0, 35, 50, 60, 10, 10});
   file.Add(WmfFunction::arc, {80, 35, 0, 35, 50, 60, 10, 10});
   file.Add(WmfFunction::extFloodFill, FieldBytes().Word(1).Long(0xFFFFFF).Words({70, 80}));
+  FieldBytes palette;
+  palette.Words({0x300, 2}).Longs({0x00FF00, 0x0000FF});
+  file.Add(WmfFunction::createPalette, palette).Add(WmfFunction::selectPalette, {1});
+  FieldBytes blit;
+  blit.Words({0x20, 0xCC, 0, 0, 0, 20, 20, 5, 70}).Bytes(PackedDib(SixColors()));
+  file.Add(WmfFunction::dibBitBlt, blit);
+  FieldBytes band;
+  band.Words({0, 2, 0, 0, 0, 2, 3, 50, 60}).Bytes(PackedDib(SixColors()));
+  file.Add(WmfFunction::setDibToDev, band).Add(WmfFunction::deleteObject, {1});
   FieldBytes region;
   region.Words({0, 6}).Long(0).Words({0, 1, 2, 10, 10, 60, 50, 2, 10, 50, 10, 60, 2});
   file.Add(WmfFunction::createRegion, region).Add(WmfFunction::paintRegion, {1});

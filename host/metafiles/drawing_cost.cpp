@@ -129,7 +129,7 @@ double CostOf(const Extent& extent, const StrokeStyle& style, double area) {
   const double dashes = DashesAlong(style, extent.length);
   const double seenDashes = dashes * std::min(1.0, extent.seenLength / (extent.length + 1));
   const double pieces =
-      extent.pieces + dashes + (extent.seenCorners + seenDashes) * NibPoints(style);
+      extent.pieces + 2 * dashes + (extent.seenCorners + seenDashes) * NibPoints(style);
   if (!(pieces <= kMostPieces)) {
     throw LimitError("metafile: a line of more pieces than can be drawn");
   }
