@@ -30,6 +30,8 @@ class DrawingWork {
 
   /// Every drawing may cost so much, and a large one so much for each of its pixels.
   static constexpr double kLeast = 5e9, kPerPixel = 50;
+  /// And so much more for each byte of the file: a large one is expected to take its time.
+  static constexpr double kPerByte = 300;
 
  private:
   [[noreturn]] void ThrowTooMuch() const;

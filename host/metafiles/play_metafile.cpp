@@ -48,12 +48,11 @@ Stage EmfStage(const MetafileFacts& facts, const PixelRect& place) {
 /// What the drawing may cost beyond the usual: a large file is expected to take its time, and so is
 /// a picture that is wanted larger than the file says.
 double MoreWork(const MetafileFacts& facts, const PixelRect& place, size_t bytes) {
-  constexpr double perByte = 300;
   const PixelRect whole = Ordered(place);
   const double wanted =
       (double{1} * whole.right - whole.left) * (double{1} * whole.bottom - whole.top);
   const double larger = std::max(1.0, wanted / (double{1} * facts.width * facts.height));
-  return DrawingWork::kLeast * (larger - 1) + perByte * static_cast<double>(bytes);
+  return DrawingWork::kLeast * (larger - 1) + DrawingWork::kPerByte * static_cast<double>(bytes);
 }
 
 }  // namespace

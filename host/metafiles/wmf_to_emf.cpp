@@ -11,6 +11,7 @@ std::vector<uint8_t> EmfOfWmf(std::span<const uint8_t> bytes) {
   // The player's state and what it would paint are asked for, never its pixels.
   Raster unseen(pf32bit, 1, 1);
   DeviceContext context(unseen, {0, 0, 1, 1}, window.device, Affine());
+  context.AllowWork(DrawingWork::kPerByte * static_cast<double>(bytes.size()));
   WmfPlayer player(context, window, bytes.size());
   EmfWriter writer;
   WmfRecorder recorder(writer, context, player, window);
