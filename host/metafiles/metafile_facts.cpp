@@ -93,7 +93,8 @@ MetafileFacts::Box DrawnBox(const RectD& drawn, double unitsPerInch) {
   constexpr double most = 1 << 24;
   const double scale = unitsPerInch > 0 ? unitsPerInch / kPixelsPerInch : 1;
   const auto whole = [&](double pixels) -> int64_t {
-    return std::llround(std::clamp(pixels * scale, -most, most));
+    // Coordinates that run beyond all numbers are none in the end.
+    return std::isnan(pixels) ? 0 : std::llround(std::clamp(pixels * scale, -most, most));
   };
   MetafileFacts::Box box{whole(drawn.left), whole(drawn.top), whole(drawn.right),
                          whole(drawn.bottom)};

@@ -94,6 +94,33 @@ TEST(MetafileFacts, Should_HaveASize_When_NumbersAreExtreme) {
   EXPECT_EQ(facts.heightMm100, 1);
 }
 
+TEST(MetafileFacts, Should_HaveASize_When_BoundsAreExtremeAndPixelsAreHuge) {
+  EmfFile file;
+  file.frame = {0, 0, 0, 0};
+  file.bounds = {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
+  file.deviceWidth = file.deviceHeight = 1;
+  file.deviceWidthMm = file.deviceHeightMm = INT32_MAX;
+  const MetafileFacts facts = ReadMetafileFacts(file.Bytes());
+  EXPECT_LT(facts.frame.left, 0);
+  EXPECT_GT(facts.frame.right, 0);
+  EXPECT_GE(facts.widthMm100, 1 << 30);
+  EXPECT_GE(facts.heightMm100, 1 << 30);
+}
+
+TEST(MetafileFacts, Should_HaveASize_When_CoordinatesOfAPlainFileRunAway) {
+  for (const int steps : {60, 66, 67, 68, 69, 70, 80}) {
+    WmfFile file;
+    file.Add(WmfFunction::setMapMode, {8});
+    for (int i = 0; i < steps; ++i) file.Add(WmfFunction::scaleWindowExt, {32767, 1, 32767, 1});
+    file.Add(WmfFunction::moveTo, {30000, 30000}).Add(WmfFunction::lineTo, {-30000, 30000});
+    const MetafileFacts facts = ReadMetafileFacts(file.Bytes());
+    EXPECT_LE(std::abs(facts.bounds.left), 1 << 24) << steps;
+    EXPECT_LE(std::abs(facts.bounds.bottom), 1 << 24) << steps;
+    EXPECT_GE(facts.width, 1) << steps;
+    EXPECT_GE(facts.heightMm100, 1) << steps;
+  }
+}
+
 TEST(MetafileFacts, Should_TakeBoxAndUnits_When_Placeable) {
   WmfFile file;
   file.box = {{-100, 50, 900, -450}};
