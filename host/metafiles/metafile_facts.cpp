@@ -87,20 +87,31 @@ double UnitsPerInch(const MetafileFacts::Box& box, double stated) {
   return longest > kMostPixelUnits ? kTwipsPerInch : kPixelsPerInch;
 }
 
-/// The box in whole units, at least one large; a unit is a pixel of a common screen or what the
-/// mapping mode says.
-MetafileFacts::Box DrawnBox(const RectD& drawn, double unitsPerInch) {
-  constexpr double most = 1 << 24;
-  const double scale = unitsPerInch > 0 ? unitsPerInch / kPixelsPerInch : 1;
-  const auto whole = [&](double pixels) -> int64_t {
-    // Coordinates that run beyond all numbers are none in the end.
-    return std::isnan(pixels) ? 0 : std::llround(std::clamp(pixels * scale, -most, most));
+/// The box in units of which `unitsPerPixel` are a pixel of a common screen, grown to whole pixels
+/// so that nothing is cut.
+MetafileFacts::Box GrownBox(const RectD& drawn, double unitsPerPixel) {
+  constexpr double most = 1 << 20, noise = 1e-3;
+  // Coordinates that run beyond all numbers are none in the end.
+  const auto bounded = [&](double pixel) {
+    return std::isnan(pixel) ? 0 : std::clamp(pixel, -most, most);
   };
-  MetafileFacts::Box box{whole(drawn.left), whole(drawn.top), whole(drawn.right),
-                         whole(drawn.bottom)};
-  box.right = std::max(box.right, box.left + 1);
-  box.bottom = std::max(box.bottom, box.top + 1);
-  return box;
+  const auto units = [&](double pixel) -> int64_t { return std::llround(pixel * unitsPerPixel); };
+  const double left = std::floor(bounded(drawn.left) + noise);
+  const double top = std::floor(bounded(drawn.top) + noise);
+  return {units(left), units(top),
+          units(std::max(std::ceil(bounded(drawn.right) - noise), left + 1)),
+          units(std::max(std::ceil(bounded(drawn.bottom) - noise), top + 1))};
+}
+
+/// A unit is a pixel, what the mapping mode says, or a twentieth of a point.
+MetafileFacts::Box DrawnBox(const RectD& drawn, double statedUnits) {
+  if (statedUnits > 0) return GrownBox(drawn, statedUnits / kPixelsPerInch);
+  const MetafileFacts::Box box = GrownBox(drawn, 1);
+  if (UnitsPerInch(box, 0) == kPixelsPerInch) return box;
+  constexpr double twipsPerPixel = kTwipsPerInch / kPixelsPerInch;
+  return GrownBox({drawn.left / twipsPerPixel, drawn.top / twipsPerPixel,
+                   drawn.right / twipsPerPixel, drawn.bottom / twipsPerPixel},
+                  twipsPerPixel);
 }
 
 void TakeExtent(std::span<const uint8_t> bytes, const WmfContents& contents, MetafileFacts& facts) {

@@ -12,6 +12,7 @@ namespace {
 using namespace pen_style;
 
 constexpr double kMaxPenWidth = 1 << 20;
+constexpr double kThinMiterLimit = 1.5;
 
 /// Lengths of dashes and gaps: of a cosmetic pen in pixels of the device, of a geometric one in
 /// widths.
@@ -104,7 +105,7 @@ StrokeStyle Cosmetic(const LogicalPen& pen, const PenSurroundings& around) {
   StrokeStyle style;
   style.width = std::min(pen.width == 0 ? unit : ThinWidth(pen, around), kMaxPenWidth);
   // Corners are whole pixels, but sharp bends have no spikes.
-  style.miterLimit = 1.5;
+  style.miterLimit = kThinMiterLimit;
   style.dashes = Dashes(pen, false, 1, unit);
   Fit(style, style.width, around.deviceToTarget);
   style.fit.keepsEnds = true;
@@ -166,8 +167,9 @@ double StrokeStyle::Reach() const {
 }
 
 double StrokeStyle::Overhang() const {
-  const bool isRound = join != CAIRO_LINE_JOIN_MITER && cap != CAIRO_LINE_CAP_SQUARE;
-  return isRound && !nib ? width / 2 : Reach() - 2;
+  // Thin pens have corners of a pixel, not spikes.
+  const bool hasSpikes = join == CAIRO_LINE_JOIN_MITER && miterLimit > kThinMiterLimit;
+  return hasSpikes || cap == CAIRO_LINE_CAP_SQUARE || nib ? Reach() - 2 : width / 2;
 }
 
 StrokeStyle StrokeStyleOf(const LogicalPen& pen, const PenSurroundings& around) {

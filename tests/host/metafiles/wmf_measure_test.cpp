@@ -110,11 +110,12 @@ TEST(WmfMeasure, Should_CountMillimetres_When_TheModeDoes) {
   file.records.insert(file.records.end(), square.begin(), square.end());
   const MetafileFacts facts = FactsOf(file);
   EXPECT_EQ(facts.unitsPerInch, 254);
-  EXPECT_NEAR(static_cast<double>(facts.bounds.Width()), 30, 1);
-  EXPECT_NEAR(static_cast<double>(facts.bounds.top), -60, 1) << "y downward";
+  // Up to two pixels more, which are 2.65 units each.
+  EXPECT_NEAR(static_cast<double>(facts.bounds.Width()), 33, 3);
+  EXPECT_NEAR(static_cast<double>(facts.bounds.top), -61, 2) << "y downward";
   const PlayedMetafile played(file.Bytes(), 110, 150);
   EXPECT_EQ(played.At(10, 10), kBlue);
-  EXPECT_EQ(played.At(100, 140), kBlue);
+  EXPECT_EQ(played.At(95, 130), kBlue);
 }
 
 TEST(WmfMeasure, Should_BeginAtTheCorner_When_AMetricPageNamesIt) {
@@ -125,8 +126,29 @@ TEST(WmfMeasure, Should_BeginAtTheCorner_When_AMetricPageNamesIt) {
   const MetafileFacts facts = FactsOf(file);
   EXPECT_EQ(facts.bounds.left, 0);
   EXPECT_EQ(facts.bounds.top, 0);
-  EXPECT_NEAR(static_cast<double>(facts.bounds.right), 40, 1);
-  EXPECT_NEAR(static_cast<double>(facts.bounds.bottom), 80, 1);
+  EXPECT_NEAR(static_cast<double>(facts.bounds.right), 41, 2);
+  EXPECT_NEAR(static_cast<double>(facts.bounds.bottom), 81, 2);
+}
+
+TEST(WmfMeasure, Should_CutNothing_When_EdgesLieBetweenPixels) {
+  // Twentieths of a point, 15 a pixel: a frame whose edges are part of a pixel away from any.
+  for (const int away : {1, 7, 8, 14}) {
+    WmfFile file;
+    file.Add(WmfFunction::createPenIndirect, FieldBytes().Words({5, 0, 0}).Long(0));
+    file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(kBlue).Word(0));
+    file.Add(WmfFunction::selectObject, {0}).Add(WmfFunction::selectObject, {1});
+    const int left = 300 + away, right = 3600 - away;
+    file.Add(WmfFunction::polygon, {4, left, left, right, left, right, right, left, right});
+    const MetafileFacts facts = FactsOf(file);
+    EXPECT_EQ(facts.unitsPerInch, 1440);
+    EXPECT_LE(facts.bounds.left, left);
+    EXPECT_GE(facts.bounds.right, right);
+    EXPECT_EQ(facts.bounds.left % 15, 0);
+    EXPECT_EQ(facts.width, 220);
+    const PlayedMetafile played(file.Bytes(), 220 * 15, 220 * 15);
+    EXPECT_EQ(played.PaintedIn({away, 1000, 3300 - away, 1001}), 3300 - 2 * away);
+    EXPECT_EQ(played.PaintedIn({0, 1000, 3300, 1001}), 3300 - 2 * away);
+  }
 }
 
 TEST(WmfMeasure, Should_HoldWholeTexts) {
