@@ -260,7 +260,7 @@ WmfFile WmfStates() {
   palette.Words({0x300, 2}).Longs({0x00FF00, 0x0000FF});
   file.Add(WmfFunction::createPalette, palette).Add(WmfFunction::selectPalette, {1});
   FieldBytes blit;
-  blit.Words({0x20, 0xCC, 0, 0, 0, 20, 20, 5, 70}).Bytes(PackedDib(SixColors()));
+  blit.Words({0x20, 0xCC, 0, 0, 20, 20, 5, 70}).Bytes(PackedDib(SixColors()));
   file.Add(WmfFunction::dibBitBlt, blit);
   FieldBytes band;
   band.Words({0, 2, 0, 0, 0, 2, 3, 50, 60}).Bytes(PackedDib(SixColors()));
