@@ -86,15 +86,16 @@ void AddAngle(CLI::App& verb, PictureOptions& options, bool required) {
 void AddBackground(CLI::App& verb, PictureOptions& options) {
   verb.add_option(
           "--background", options.background,
-          "colour of uncovered corners and behind dropped transparency [FFFFFF]; auto marks the "
-          "corners transparent")
+          "colour of uncovered corners, behind dropped transparency and behind metafiles [FFFFFF]; "
+          "auto marks the corners transparent")
       ->group(kOfPicture)
       ->check(CheckBackground)
       ->type_name("RRGGBB");
 }
 
 void AddSolidBackground(CLI::App& verb, PictureOptions& options) {
-  verb.add_option("--background", options.background, "colour behind dropped transparency [FFFFFF]")
+  verb.add_option("--background", options.background,
+                  "colour behind dropped transparency and behind metafiles [FFFFFF]")
       ->group(kOfPicture)
       ->check(CheckColor)
       ->type_name("RRGGBB");
