@@ -41,8 +41,22 @@ void DrawBoxed(DeviceContext::Parts& parts, const ShapeFrame& frame, MakeOutline
     parts.Shape(outline(frame.fillBox));
     return;
   }
-  const DrawingPath line = outline(frame.lineBox);
-  parts.Fill(parts.FillsToLines() ? parts.AlongLines(line) : outline(frame.fillBox));
+  parts.Fill(outline(frame.fillBox));
+  parts.Stroke(outline(frame.lineBox));
+}
+
+/// The same for outlines that are round: the filling ends under the middle of the pen, as its soft
+/// edge would shine through beside the pen's.
+template <class MakeOutline>
+void DrawRound(DeviceContext::Parts& parts, const ShapeFrame& frame, MakeOutline outline) {
+  const StrokeStyle* pen = parts.isPathOpen ? nullptr : parts.PenStyle();
+  if (pen == nullptr) {
+    DrawBoxed(parts, frame, outline);
+    return;
+  }
+  DrawingPath line = outline(frame.lineBox), area = line;
+  area.Transform(Affine::Translation(pen->fit.toCenter.x, pen->fit.toCenter.y));
+  parts.Fill(area);
   parts.Stroke(line);
 }
 
@@ -79,7 +93,7 @@ void DeviceContext::Rectangle(const RectD& box) {
 void DeviceContext::RoundRect(const RectD& box, PointD corner) {
   const ShapeFrame frame = FrameOf(*parts_, box);
   const PointD round = frame.fromLogical.Direction(Finite(corner));
-  DrawBoxed(*parts_, frame, [&](const RectD& rect) {
+  DrawRound(*parts_, frame, [&](const RectD& rect) {
     Parts::Path outline;
     AddRoundRect(outline, rect, round, frame.toTarget);
     return outline;
@@ -88,7 +102,7 @@ void DeviceContext::RoundRect(const RectD& box, PointD corner) {
 
 void DeviceContext::Ellipse(const RectD& box) {
   const ShapeFrame frame = FrameOf(*parts_, box);
-  DrawBoxed(*parts_, frame, [&](const RectD& rect) {
+  DrawRound(*parts_, frame, [&](const RectD& rect) {
     Parts::Path outline;
     AddEllipse(outline, rect, frame.toTarget);
     return outline;
@@ -97,14 +111,14 @@ void DeviceContext::Ellipse(const RectD& box) {
 
 void DeviceContext::Chord(const RectD& box, const ArcEnds& ends) {
   const ShapeFrame frame = FrameOf(*parts_, box);
-  DrawBoxed(*parts_, frame, [&](const RectD& rect) {
+  DrawRound(*parts_, frame, [&](const RectD& rect) {
     return ArcShape(frame, rect, ends, parts_->state.arcs, false);
   });
 }
 
 void DeviceContext::Pie(const RectD& box, const ArcEnds& ends) {
   const ShapeFrame frame = FrameOf(*parts_, box);
-  DrawBoxed(*parts_, frame, [&](const RectD& rect) {
+  DrawRound(*parts_, frame, [&](const RectD& rect) {
     return ArcShape(frame, rect, ends, parts_->state.arcs, true);
   });
 }
