@@ -125,6 +125,12 @@ TEST(EmfShapes, Regions_Should_BeginBehindTheirHeader_WhateverItsSize) {
     EXPECT_EQ(played.At(30, 30), clBlack) << headerBytes;
     EXPECT_EQ(played.At(70, 30), clWhite) << headerBytes;
   }
+  for (const int64_t headerBytes : {0, 4, 12}) {
+    // Less than what every header has counts as that.
+    const FieldBytes brief{0, 0, 0, 0, 48, headerBytes, 1, 1, 10, 10, 60, 50};
+    const PlayedMetafile played = Play(EmfFile().Add(EmfType::invertRgn, brief));
+    EXPECT_EQ(played.At(30, 30), clBlack) << headerBytes;
+  }
   for (const int64_t headerBytes : {int64_t{1000}, int64_t{0xFFFFFFFF}}) {
     FieldBytes fields = OneRectRegion(32, 1);
     for (size_t i = 0; i < 4; ++i) {
