@@ -226,8 +226,10 @@ ClipArea::Pointer DeviceContext::Parts::Moved(const ClipArea& area, int dx, int 
 }
 
 ClipArea::Pointer DeviceContext::Parts::RegionOf(std::span<const PixelRect> boxes) {
+  // Each is mapped, put in its place among the others and joined with its neighbours.
+  constexpr double storedRect = 250;
+  work.Take(static_cast<double>(boxes.size()) * storedRect);
   RequireRegion(boxes, painter.Frame());
-  work.Take(static_cast<double>(boxes.size()) * kRegionRect);
   const ClipArea::Pointer area = ClipArea::OfRects(boxes, painter.Frame());
   TakeArea(*area);
   return area;
