@@ -8,7 +8,7 @@
 #include <benchmark/benchmark.h>
 #include <cairo.h>
 
-#include <rasterkit/host/metafiles/device_context.h>
+#include <rasterkit/host/drawing/device_context.h>
 #include <rasterkit/host/metafiles/emf_writer.h>
 #include <rasterkit/host/metafiles/play_metafile.h>
 

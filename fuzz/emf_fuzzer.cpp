@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include <rasterkit/host/drawing/drawing_work.h>
 #include <rasterkit/host/metafiles/dib_reader.h>
-#include <rasterkit/host/metafiles/drawing_work.h>
 #include <rasterkit/host/metafiles/emf_records.h>
 #include <rasterkit/host/metafiles/metafile_facts.h>
 #include <rasterkit/host/metafiles/play_metafile.h>

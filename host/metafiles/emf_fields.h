@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include <rasterkit/host/metafiles/affine.h>
+#include <rasterkit/host/drawing/affine.h>
 #include <rasterkit/host/metafiles/metafile_bytes.h>
 
 /// Fields that many records of enhanced metafiles share.

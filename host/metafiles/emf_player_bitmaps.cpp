@@ -1,4 +1,4 @@
-#include <rasterkit/host/metafiles/drawing_cost.h>
+#include <rasterkit/host/drawing/drawing_cost.h>
 #include <rasterkit/host/metafiles/emf_fields.h>
 #include <rasterkit/host/metafiles/emf_player.h>
 #include <rasterkit/host/metafiles/raster_operations.h>

@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include <rasterkit/host/metafiles/affine.h>
+#include <rasterkit/host/drawing/affine.h>
 #include <rasterkit/host/metafiles/emf_records.h>
 
 namespace rasterkit::detail {

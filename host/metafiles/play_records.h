@@ -4,7 +4,7 @@
 #include <functional>
 #include <new>
 
-#include <rasterkit/host/metafiles/drawing_work.h>
+#include <rasterkit/host/drawing/drawing_work.h>
 #include <rasterkit/host/metafiles/play_metafile.h>
 #include <rasterkit/host/runtime/errors.h>
 

@@ -4,7 +4,7 @@
 #include <variant>
 #include <vector>
 
-#include <rasterkit/host/metafiles/device_context.h>
+#include <rasterkit/host/drawing/device_context.h>
 #include <rasterkit/host/metafiles/metafile_bytes.h>
 #include <rasterkit/host/raster/palette.h>
 

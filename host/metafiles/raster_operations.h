@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include <rasterkit/host/metafiles/affine.h>
+#include <rasterkit/host/drawing/affine.h>
 #include <rasterkit/host/metafiles/dib_reader.h>
 
 /// What the players of both kinds of metafiles have to know about blits.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/host/metafiles/affine.h>
+#include <rasterkit/host/drawing/affine.h>
 #include <rasterkit/host/metafiles/wmf_records.h>
 
 namespace rasterkit::detail {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/host/metafiles/affine.h>
+#include <rasterkit/host/drawing/affine.h>
 #include <rasterkit/host/metafiles/metafile_bytes.h>
 
 /// Fields that many records of Windows metafiles share. Parameters come last one first.

@@ -4,7 +4,7 @@
 #include <optional>
 #include <span>
 
-#include <rasterkit/host/metafiles/affine.h>
+#include <rasterkit/host/drawing/affine.h>
 
 namespace rasterkit::detail {
 

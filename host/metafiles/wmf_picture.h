@@ -1,7 +1,7 @@
 #pragma once
 
-#include <rasterkit/host/metafiles/affine.h>
-#include <rasterkit/host/metafiles/drawing_objects.h>
+#include <rasterkit/host/drawing/affine.h>
+#include <rasterkit/host/drawing/drawing_objects.h>
 #include <rasterkit/host/metafiles/metafile_facts.h>
 
 namespace rasterkit::detail {

@@ -1,5 +1,5 @@
+#include <rasterkit/host/drawing/drawing_cost.h>
 #include <rasterkit/host/metafiles/ddb_reader.h>
-#include <rasterkit/host/metafiles/drawing_cost.h>
 #include <rasterkit/host/metafiles/raster_operations.h>
 #include <rasterkit/host/metafiles/wmf_fields.h>
 #include <rasterkit/host/metafiles/wmf_player.h>

@@ -1,4 +1,4 @@
-#include <rasterkit/host/metafiles/drawing_modes.h>
+#include <rasterkit/host/drawing/drawing_modes.h>
 #include <rasterkit/host/metafiles/wmf_fields.h>
 #include <rasterkit/host/metafiles/wmf_text.h>
 

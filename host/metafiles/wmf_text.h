@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include <rasterkit/host/metafiles/affine.h>
+#include <rasterkit/host/drawing/affine.h>
 #include <rasterkit/host/metafiles/wmf_records.h>
 
 namespace rasterkit::detail {

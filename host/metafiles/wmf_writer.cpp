@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include <rasterkit/host/metafiles/drawing_modes.h>
+#include <rasterkit/host/drawing/drawing_modes.h>
 #include <rasterkit/host/metafiles/packed_bitmap.h>
 #include <rasterkit/host/metafiles/wmf_records.h>
 #include <rasterkit/host/metafiles/wmf_writer.h>

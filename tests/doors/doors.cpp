@@ -19,6 +19,7 @@ constexpr Room kRooms[] = {
     {"host/kernels/", 2},
     {"host/raster/", 3},
     {"host/codecs/", 4},
+    {"host/drawing/", 4},
     {"host/metafiles/", 5},
     {"host/graphics/", 6},
     {"bitmaptools/pixels/", 7},

@@ -15,9 +15,9 @@
 
 #include <rasterkit/host/codecs/decode_picture.h>
 #include <rasterkit/host/codecs/png_encoder.h>
+#include <rasterkit/host/drawing/device_context.h>
 #include <rasterkit/host/graphics/bitmap.h>
 #include <rasterkit/host/graphics/canvas.h>
-#include <rasterkit/host/metafiles/device_context.h>
 #include <rasterkit/host/raster/convert.h>
 #include <rasterkit/host/raster/fill.h>
 #include <rasterkit/host/runtime/atomic_file.h>

@@ -8,8 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/metafiles/drawing_cost.h>
-#include <rasterkit/host/metafiles/drawing_work.h>
+#include <rasterkit/host/drawing/drawing_cost.h>
+#include <rasterkit/host/drawing/drawing_work.h>
 #include <rasterkit/host/metafiles/wmf_to_emf.h>
 #include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/picture_memory_scope.h>
