@@ -53,7 +53,7 @@ void DeviceContext::SaveDC() {
 
 bool DeviceContext::RestoreDC(int32_t number) {
   auto& saved = parts_->saved;
-  const int64_t count = static_cast<int64_t>(saved.size() + parts_->savedBeyond);
+  const auto count = static_cast<int64_t>(saved.size() + parts_->savedBeyond);
   const int64_t wanted = number < 0 ? count + number : int64_t{number} - 1;
   if (wanted < 0 || wanted >= count) return false;
   if (wanted >= static_cast<int64_t>(saved.size())) {

@@ -214,7 +214,7 @@ void DeviceContext::Parts::TakeArea(const ClipArea& area) {
 ClipArea::Pointer DeviceContext::Parts::Combined(const ClipArea::Pointer& current,
                                                  const ClipArea::Pointer& other, RegionMode mode) {
   work.Take(CombinationCost(*current, *other, mode));
-  const ClipArea::Pointer area = ClipArea::Combined(current, other, mode);
+  ClipArea::Pointer area = ClipArea::Combined(current, other, mode);
   TakeArea(*area);
   return area;
 }
@@ -230,7 +230,7 @@ ClipArea::Pointer DeviceContext::Parts::RegionOf(std::span<const PixelRect> boxe
   constexpr double storedRect = 250;
   work.Take(static_cast<double>(boxes.size()) * storedRect);
   RequireRegion(boxes, painter.Frame());
-  const ClipArea::Pointer area = ClipArea::OfRects(boxes, painter.Frame());
+  ClipArea::Pointer area = ClipArea::OfRects(boxes, painter.Frame());
   TakeArea(*area);
   return area;
 }

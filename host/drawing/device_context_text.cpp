@@ -53,7 +53,7 @@ void TakeLetters(DeviceContext::Parts& parts, const TextLine& line,
                  const TextPlacement& placement) {
   const Affine letters = LetterMap(line, placement);
   if (!letters.IsFinite()) return;
-  const double count = static_cast<double>(line.glyphs.size());
+  const auto count = static_cast<double>(line.glyphs.size());
   const bool areOutlines = parts.isPathOpen || AreLettersOutlines(letters);
   if (areOutlines) {
     parts.work.Take(count * kLetterOutline);

@@ -73,7 +73,7 @@ class LockedFace {
 
 FontMetrics MetricsOf(const LockedFace& locked) {
   FontMetrics metrics;
-  const FT_Face face = locked.Get();
+  FT_FaceRec* const face = locked.Get();
   if (!face || !FT_IS_SCALABLE(face)) return metrics;
   const double em = locked.UnitsPerEm();
   metrics.ascent = face->ascender / em;
@@ -140,8 +140,8 @@ FontGlyph FontFace::Letter(char32_t codePoint) {
 
 FontGlyph FontFace::SymbolLetter(unsigned code) {
   return Look(kSymbolKeys | code, [&](const LockedFace& locked) {
-    const FT_Face face = locked.Get();
-    const FT_CharMap before = face->charmap;
+    FT_FaceRec* const face = locked.Get();
+    FT_CharMapRec* const before = face->charmap;
     if (FT_Select_Charmap(face, FT_ENCODING_MS_SYMBOL) != 0) return FontGlyph();
     FT_UInt index = FT_Get_Char_Index(face, 0xF000 + code);
     if (index == 0) index = FT_Get_Char_Index(face, code);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include <rasterkit/host/drawing/drawing_cost.h>
 #include <rasterkit/host/drawing/painter.h>
@@ -26,7 +27,7 @@ struct Task {
   Ink ink;
   TernaryCode code;
 
-  Task(const Ink& i, TernaryCode c) : ink(i), code(c) {
+  Task(Ink i, TernaryCode c) : ink(std::move(i)), code(c) {
     if (ink.tile || NeedsPicture(code) || NeedsSource(code)) return;
     ink.pixel = ConstantResult(code, ink.pixel);
     code = kCopyBrush;
@@ -234,7 +235,7 @@ uint32_t Painter::Pixel(int x, int y) const {
 void Painter::Compose(const PixelRect& box, const Layer& layer) {
   work_.Take(PixelsOf(box) * (IsPlain(layer) ? kPlainPixel : kComposedPixel));
   cairo_surface_flush(surface_.get());
-  const size_t width = static_cast<size_t>(box.right - box.left);
+  const auto width = static_cast<size_t>(box.right - box.left);
   if (brushRow_.size() < width) {
     brushRow_.resize(width);
     sourceRow_.resize(width);

@@ -116,7 +116,7 @@ void LeaveThinAlone(std::span<const PointD> points, uint8_t* flags) {
       points.begin(), points.end(), [](const PointD& a, const PointD& b) { return a.y < b.y; });
   const bool isNarrow = right->x - left->x < kThinnest, isFlat = bottom->y - top->y < kThinnest;
   if (!isNarrow && !isFlat) return;
-  const uint8_t kept = static_cast<uint8_t>(~((isNarrow ? kDown : 0) | (isFlat ? kAcross : 0)));
+  const auto kept = static_cast<uint8_t>(~((isNarrow ? kDown : 0) | (isFlat ? kAcross : 0)));
   for (size_t i = 0; i < points.size(); ++i) flags[i] &= kept;
 }
 
@@ -146,7 +146,7 @@ std::vector<uint8_t> PointFlags(const DrawingPath& path, EdgeGrid grid) {
 }  // namespace
 
 void FitLine(PointD& from, PointD& to, const PixelFit& fit) {
-  const uint8_t flags = static_cast<uint8_t>(DirectionOf(from, to) | kEnd);
+  const auto flags = static_cast<uint8_t>(DirectionOf(from, to) | kEnd);
   from = Fitted(from, flags, fit);
   to = Fitted(to, flags, fit);
 }

@@ -72,7 +72,7 @@ class Sampler {
       a += weight;
     }
     if (!(a > 0)) return {};
-    const auto byte = [](double value) { return static_cast<uint8_t>(value + 0.5); };
+    const auto byte = [](double value) { return static_cast<uint8_t>(std::floor(value + 0.5)); };
     return {byte(b / a), byte(g / a), byte(r / a), byte(a)};
   }
 
