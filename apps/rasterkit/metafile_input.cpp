@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include <fmt/format.h>
+
 #include <rasterkit/host/graphics/metafile.h>
 #include <rasterkit/host/raster/convert.h>
+#include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/host/runtime/stream.h>
 
 #include "apps/rasterkit/interruption.h"
@@ -19,11 +22,28 @@ int Pixels(int mm100, double dpi) {
   return static_cast<int>(std::clamp(std::round(mm100 * dpi / kHundredthsPerInch), 1.0, most));
 }
 
+/// The size that the file says.
+PictureSize OwnSize(const TMetafile& metafile, bool isForFacts) {
+  constexpr double mostPixels = 1 << 28, mostForFacts = 1 << 24;
+  const int width = metafile.Width(), height = metafile.Height();
+  const double pixels = double{1} * width * height;
+  if (isForFacts && pixels > mostForFacts) {
+    const double smaller = std::sqrt(mostForFacts / pixels);
+    return {std::max(1, static_cast<int>(width * smaller)),
+            std::max(1, static_cast<int>(height * smaller))};
+  }
+  if (pixels <= mostPixels) return {width, height};
+  throw LimitError(fmt::format(
+      "metafile: the drawing is {} x {} pixels large; `rasterkit convert` draws it smaller with "
+      "--size or --dpi",
+      width, height));
+}
+
 PictureSize SizeOf(const TMetafile& metafile, const MetafileDrawing& drawing) {
   if (drawing.size.width > 0 || drawing.size.height > 0) {
     return drawing.size.For(metafile.Width(), metafile.Height());
   }
-  if (drawing.dpi <= 0) return {metafile.Width(), metafile.Height()};
+  if (drawing.dpi <= 0) return OwnSize(metafile, drawing.isForFacts);
   return {Pixels(metafile.MMWidth(), drawing.dpi), Pixels(metafile.MMHeight(), drawing.dpi)};
 }
 

@@ -20,6 +20,8 @@ struct MetafileDrawing {
   PictureSize size;
   /// What the records do not paint.
   TColor background = clWhite;
+  /// Nobody looks at the pixels: a large drawing may be made smaller.
+  bool isForFacts = false;
 
   bool IsAsked() const { return dpi > 0 || size.width > 0 || size.height > 0; }
 };
@@ -34,8 +36,9 @@ struct DrawnMetafile {
 /// What the records say about themselves. Throws the library's errors for bytes that are none.
 MetafileFacts MetafileFactsOf(std::span<const uint8_t> bytes);
 
-/// Draws the records. Throws the library's errors: for bytes that cannot be drawn, and for more
-/// pixels than there may be.
+/// Draws the records. Throws the library's errors: for bytes that cannot be drawn, for more pixels
+/// than there may be, and for more than 268 million where no size was asked for, as a few damaged
+/// bytes in a header say so sooner than anybody who draws.
 DrawnMetafile DrawMetafile(std::span<const uint8_t> bytes, const MetafileDrawing& drawing);
 
 }  // namespace rasterkit::tool

@@ -72,8 +72,14 @@ PictureFacts GatherFacts(const std::string& file) {
   facts.file = file;
   LoadedFrame loaded;
   try {
-    LoadFrameInto(loaded, file);
+    MetafileDrawing drawing;
+    drawing.isForFacts = true;
+    LoadFrameInto(loaded, file, 1, drawing);
     TakePixelFacts(facts, loaded.frame);
+    if (loaded.metafile) {
+      facts.width = loaded.metafile->width;
+      facts.height = loaded.metafile->height;
+    }
   } catch (const Failure& failure) {
     facts.error = ReasonOf(failure.what(), file);
   }

@@ -109,6 +109,32 @@ TEST_F(CliMetafile, Convert_Should_DrawAt96PixelsAnInch) {
   EXPECT_NEAR(picture.resolution.x, 96, 0.1);
 }
 
+/// 6.3 x 6.3 m: 24,000 pixels a side.
+std::vector<uint8_t> HugeEmf() {
+  EmfFile file;
+  file.frame = {0, 0, 635'000, 635'000};
+  return file.Add(EmfType::rectangle, {10, 10, 40, 30}).Bytes();
+}
+
+TEST_F(CliMetafile, Info_Should_TellTheSize_When_ThePictureWouldBeHuge) {
+  const json facts = Facts(Write("a.emf", HugeEmf()));
+  EXPECT_EQ(facts["width"], 24'000);
+  EXPECT_EQ(facts["height"], 24'000);
+  EXPECT_EQ(facts["metafile"]["width_mm"], 6350);
+}
+
+TEST_F(CliMetafile, Convert_Should_DrawHugePicturesOnlyAsLargeAsAsked) {
+  const std::string huge = Write("a.emf", HugeEmf());
+  const ToolResult refused = Convert({huge, folder_ / "a.png"});
+  EXPECT_EQ(refused.code, 3);
+  EXPECT_THAT(refused.err, HasSubstr("a.emf: metafile: the drawing is 24000 x 24000 pixels large"));
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "a.png"));
+  EXPECT_EQ(Convert({huge, folder_ / "b.png", "--dpi", "1"}).code, 0);
+  EXPECT_EQ(LoadFile(folder_ / "b.png").Width(), 250);
+  EXPECT_EQ(Convert({huge, folder_ / "c.png", "--size", "120x"}).code, 0);
+  EXPECT_EQ(LoadFile(folder_ / "c.png").Height(), 120);
+}
+
 TEST_F(CliMetafile, Convert_Should_TakeDpiSizeAndBackground) {
   const std::string file = Write("a.emf", QuarterEmf());
   EXPECT_EQ(Convert({file, folder_ / "dpi.png", "--dpi", "254"}).code, 0);
