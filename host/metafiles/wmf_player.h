@@ -37,6 +37,9 @@ struct WmfMode {
 /// What the record of a mapping mode does; nothing for one that is left out.
 std::optional<WmfMode> WmfModeOf(uint16_t number, const WmfPicture& picture);
 
+/// Whether records of this kind make an object and give it the lowest handle that is free.
+bool MakesObject(WmfFunction function);
+
 /// Plays the records of a Windows metafile onto a drawing context, one at a time.
 class WmfPlayer {
  public:

@@ -131,8 +131,8 @@ MetafileObject WmfPlayer::ReadObject(const WmfRecord& record) {
   }
 }
 
-bool WmfPlayer::CreateObject(const WmfRecord& record) {
-  switch (record.function) {
+bool MakesObject(WmfFunction function) {
+  switch (function) {
     case WmfFunction::createPenIndirect:
     case WmfFunction::createBrushIndirect:
     case WmfFunction::createFontIndirect:
@@ -140,10 +140,14 @@ bool WmfPlayer::CreateObject(const WmfRecord& record) {
     case WmfFunction::createRegion:
     case WmfFunction::createPatternBrush:
     case WmfFunction::dibCreatePatternBrush:
-      break;
+      return true;
     default:
       return false;
   }
+}
+
+bool WmfPlayer::CreateObject(const WmfRecord& record) {
+  if (!MakesObject(record.function)) return false;
   try {
     objects_.Add(ReadObject(record));
   } catch (const Error&) {

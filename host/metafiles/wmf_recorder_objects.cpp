@@ -109,17 +109,12 @@ void WmfRecorder::Select(size_t handle) {
 }
 
 bool WmfRecorder::RecordObject(const WmfRecord& record) {
+  if (MakesObject(record.function)) {
+    Create(player_.Objects().Last());
+    return true;
+  }
   MetafileBytes fields = record.Fields();
   switch (record.function) {
-    case WmfFunction::createPenIndirect:
-    case WmfFunction::createBrushIndirect:
-    case WmfFunction::createFontIndirect:
-    case WmfFunction::createPalette:
-    case WmfFunction::createRegion:
-    case WmfFunction::createPatternBrush:
-    case WmfFunction::dibCreatePatternBrush:
-      Create(player_.Objects().Last());
-      return true;
     case WmfFunction::selectObject:
       Select(fields.Word());
       return true;
