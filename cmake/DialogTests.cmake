@@ -1,4 +1,4 @@
-# Programs that test what lies in qt/ and dialogs/.
+# Programs that test what lies in rasterkit/qt and rasterkit/dialogs.
 find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 
 # No display, no settings and no language of the user who runs the tests; what fontconfig keeps on purpose is no leak.

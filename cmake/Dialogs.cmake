@@ -1,7 +1,7 @@
-# A language more is a file rasterkit_LANGUAGE.ts in qt/languages and its name here.
+# A language more is a file rasterkit_LANGUAGE.ts in rasterkit/strings/languages and its name here.
 set(RASTERKIT_LANGUAGES de)
 
-# librasterkit-dialogs: the rooms of qt/ and dialogs/. It links librasterkit and reaches what that exports, no more.
+# librasterkit-dialogs: the rooms rasterkit/qt and rasterkit/dialogs. It links librasterkit and reaches what that exports, no more.
 add_library(rasterkit_dialogs_objects OBJECT)
 rasterkit_settings(rasterkit_dialogs_objects)
 target_link_libraries(rasterkit_dialogs_objects PUBLIC Qt6::Widgets Qt6::Svg fmt::fmt)
@@ -14,12 +14,12 @@ set_target_properties(rasterkit_dialogs_objects PROPERTIES AUTOMOC ON AUTOUIC ON
 set_source_files_properties(${PROJECT_BINARY_DIR}/rasterkit_dialogs_objects_autogen/mocs_compilation.cpp
                             PROPERTIES COMPILE_OPTIONS -w)
 
-# The catalogues of qt/languages: Qt's lrelease makes of each what programs read, and all are part of the library.
+# The catalogues of rasterkit/strings/languages: Qt's lrelease makes of each what programs read, and all are part of the library.
 set(languages_folder ${PROJECT_BINARY_DIR}/languages)
 set(catalogues "")
 set(catalogue_entries "")
 foreach(language IN LISTS RASTERKIT_LANGUAGES)
-  set(source ${PROJECT_SOURCE_DIR}/qt/languages/rasterkit_${language}.ts)
+  set(source ${PROJECT_SOURCE_DIR}/rasterkit/strings/languages/rasterkit_${language}.ts)
   add_custom_command(OUTPUT ${languages_folder}/rasterkit_${language}.qm
                      COMMAND ${RASTERKIT_LRELEASE} -silent ${source} -qm ${languages_folder}/rasterkit_${language}.qm
                      DEPENDS ${source} VERBATIM)
@@ -55,12 +55,12 @@ add_library(rasterkit_dialogs_for_tests STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS
 rasterkit_settings(rasterkit_dialogs_for_tests)
 target_link_libraries(rasterkit_dialogs_for_tests PUBLIC rasterkit_pdf_for_tests Qt6::Widgets Qt6::Svg fmt::fmt)
 
-# rasterkit_dialogs_room(PUBLIC_HEADERS a.h ... HEADERS b.h ... SOURCES a.cpp ... UI a.ui ... RESOURCES a.qrc ...): adds
-# a room. Forms are included as "ui_a.h". Headers with Q_OBJECT must be listed in one of the two lists of headers.
+# rasterkit_dialogs_room(PROMISED a.h ... INSTALLED b.h ... HEADERS c.h ... SOURCES a.cpp ... UI a.ui ... RESOURCES a.qrc ...): adds
+# a room. Forms are included as "ui_a.h". Headers with Q_OBJECT must be listed in one of the three lists of headers.
 function(rasterkit_dialogs_room)
-  cmake_parse_arguments(ROOM "" "" "PUBLIC_HEADERS;HEADERS;SOURCES;UI;RESOURCES" ${ARGN})
-  rasterkit_public_headers(${ROOM_PUBLIC_HEADERS})
-  set(files ${ROOM_PUBLIC_HEADERS} ${ROOM_HEADERS} ${ROOM_SOURCES} ${ROOM_UI} ${ROOM_RESOURCES})
+  cmake_parse_arguments(ROOM "" "" "PROMISED;INSTALLED;HEADERS;SOURCES;UI;RESOURCES" ${ARGN})
+  rasterkit_headers(PROMISED ${ROOM_PROMISED} INSTALLED ${ROOM_INSTALLED})
+  set(files ${ROOM_PROMISED} ${ROOM_INSTALLED} ${ROOM_HEADERS} ${ROOM_SOURCES} ${ROOM_UI} ${ROOM_RESOURCES})
   list(TRANSFORM files PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   target_sources(rasterkit_dialogs_objects PRIVATE ${files})
 endfunction()

@@ -4,7 +4,13 @@
 # Dependencies of the library stay inside it; the dialogs' headers need Qt's.
 include(CMakePackageConfigHelpers)
 
-rasterkit_umbrella_headers()
+set(umbrellas bitmaptools graphics jpegexif raster rasterkit runtime startup strings tifftobmp)
+if(RASTERKIT_DIALOGS)
+  list(APPEND umbrellas dialogs qt)
+endif()
+foreach(umbrella IN LISTS umbrellas)
+  install(FILES ${PROJECT_SOURCE_DIR}/rasterkit/${umbrella}.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/rasterkit)
+endforeach()
 target_compile_features(rasterkit INTERFACE cxx_std_20)
 file(RELATIVE_PATH library_from_tool /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 set_target_properties(rasterkit_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_tool}")

@@ -1,4 +1,4 @@
-# librasterkit-pdf: the pages of PDF files, drawn by Qt PDF (qt/pdf). A library of its own, so that neither librasterkit
+# librasterkit-pdf: the pages of PDF files, drawn by Qt PDF (rasterkit/qt/pdf). A library of its own, so that neither librasterkit
 # nor the tool needs Qt; the tool opens it when it meets a PDF file.
 add_library(rasterkit_pdf_objects OBJECT)
 rasterkit_settings(rasterkit_pdf_objects)

@@ -9,9 +9,9 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/host/codecs/decode_picture.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/runtime/stream.h>
+#include <rasterkit/codecs/decode_picture.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/runtime/files/stream.h>
 
 namespace {
 

@@ -8,12 +8,12 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/host/codecs/decode_picture.h>
-#include <rasterkit/host/codecs/png_encoder.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/graphics/canvas.h>
-#include <rasterkit/host/runtime/atomic_file.h>
-#include <rasterkit/host/runtime/stream.h>
+#include <rasterkit/codecs/decode_picture.h>
+#include <rasterkit/codecs/png/png_encoder.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/graphics/canvas.h>
+#include <rasterkit/runtime/files/atomic_file.h>
+#include <rasterkit/runtime/files/stream.h>
 
 namespace {
 

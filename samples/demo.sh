@@ -2,7 +2,7 @@
 # demo.sh FOLDER_OF_PROGRAMS: the main job on the pictures of this folder. ./run demo calls it after building.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-rasterkit=$1/apps/rasterkit/rasterkit
+rasterkit=$1/tool/rasterkit
 check_upright=$1/samples/check_upright
 contact_sheet=$1/samples/contact_sheet
 out=demo-output

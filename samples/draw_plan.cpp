@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/graphics/canvas.h>
 
 namespace rasterkit::samples {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/graphics/bitmap.h>
 
 namespace rasterkit::samples {
 

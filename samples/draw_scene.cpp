@@ -5,7 +5,7 @@
 #include <cmath>
 #include <string_view>
 
-#include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/graphics/canvas.h>
 
 namespace rasterkit::samples {
 namespace {

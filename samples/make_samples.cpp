@@ -8,11 +8,11 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/bitmaptools/engine/orient.h>
-#include <rasterkit/host/codecs/bmp_encoder.h>
-#include <rasterkit/host/codecs/jpeg_encoder.h>
-#include <rasterkit/host/codecs/png_encoder.h>
-#include <rasterkit/host/runtime/atomic_file.h>
+#include <rasterkit/bitmaptools/rotation/orient.h>
+#include <rasterkit/codecs/bmp/bmp_encoder.h>
+#include <rasterkit/codecs/jpeg/jpeg_encoder.h>
+#include <rasterkit/codecs/png/png_encoder.h>
+#include <rasterkit/runtime/files/atomic_file.h>
 
 #include "samples/draw_plan.h"
 #include "samples/draw_scene.h"

@@ -8,10 +8,9 @@
 #include <QStatusBar>
 #include <QToolBar>
 
-#include <rasterkit/bitmaptools.h>
 #include <rasterkit/dialogs.h>
-#include <rasterkit/host.h>
 #include <rasterkit/qt.h>
+#include <rasterkit/rasterkit.h>
 
 namespace rk = rasterkit;
 

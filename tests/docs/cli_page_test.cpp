@@ -36,8 +36,9 @@ std::set<std::string> RoutinesOfPage() {
 /// Free functions that the headers of the units export.
 std::set<std::string> ExportedRoutines() {
   std::set<std::string> routines;
-  for (const char* room : {"bitmaptools", "jpegexif", "tifftobmp", "package"}) {
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(SourceFolder() / room)) {
+  for (const char* room : {"bitmaptools", "jpegexif", "tifftobmp", "startup"}) {
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(SourceFolder() / "rasterkit" / room)) {
       if (entry.path().extension() != ".h") continue;
       const std::string text =
           ReadDocument(std::filesystem::relative(entry.path(), SourceFolder()));

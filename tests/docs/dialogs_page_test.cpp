@@ -16,7 +16,7 @@ std::string Page() {
 }
 
 std::vector<std::string> Layouts() {
-  return FindAll(Page(), "`(dialogs/[a-z_/]+\\.ui)`");
+  return FindAll(Page(), "`(rasterkit/dialogs/[a-z_/]+\\.ui)`");
 }
 
 TEST(DocsDialogs, Controls_Should_AllBeExplained) {

@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/cli/dialog_run.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
+#include "tests/tool/support/dialog_run.h"
 
 namespace rasterkit::test {
 namespace {

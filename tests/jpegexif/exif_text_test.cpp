@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/jpegexif/date_time.h>
 #include <rasterkit/jpegexif/exif_text.h>
+#include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
 namespace {

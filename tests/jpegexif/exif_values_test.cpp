@@ -1,7 +1,7 @@
 #include <random>
 
-#include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/jpegexif/exif_text.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/jpegexif/exif_fixture.h"
 

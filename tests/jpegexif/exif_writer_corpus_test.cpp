@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/codecs/jpeg_decoder.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/jpegexif/exif_writer.h>
 #include <rasterkit/jpegexif/image_data.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/reference/exif_writer_reference.h"
 #include "tests/support/corpus.h"

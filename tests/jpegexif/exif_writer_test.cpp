@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/graphics/jpeg_image.h>
 #include <rasterkit/jpegexif/exif_writer.h>
 #include <rasterkit/jpegexif/image_data.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/reference/exif_writer_reference.h"
 #include "tests/support/exif_builder.h"

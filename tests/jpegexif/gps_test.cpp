@@ -1,4 +1,4 @@
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/jpegexif/exif_fixture.h"
 

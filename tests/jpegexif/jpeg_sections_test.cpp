@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/jpegexif/image_data.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/support/exif_builder.h"
 

@@ -4,10 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/runtime/errors.h>
 #include <rasterkit/jpegexif/image_data.h>
 #include <rasterkit/jpegexif/photo_queries.h>
 #include <rasterkit/jpegexif/raw_orientation.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/support/exif_builder.h"
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/jpegexif/exif_fixture.h"
 #include "tests/reference/exif_writer_reference.h"

@@ -13,15 +13,15 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/host/codecs/decode_picture.h>
-#include <rasterkit/host/codecs/png_encoder.h>
-#include <rasterkit/host/drawing/device_context.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/graphics/canvas.h>
-#include <rasterkit/host/raster/convert.h>
-#include <rasterkit/host/raster/fill.h>
-#include <rasterkit/host/runtime/atomic_file.h>
-#include <rasterkit/host/runtime/stream.h>
+#include <rasterkit/codecs/decode_picture.h>
+#include <rasterkit/codecs/png/png_encoder.h>
+#include <rasterkit/drawing/context/device_context.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/graphics/canvas.h>
+#include <rasterkit/raster/convert.h>
+#include <rasterkit/raster/fill.h>
+#include <rasterkit/runtime/files/atomic_file.h>
+#include <rasterkit/runtime/files/stream.h>
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <optional>
 
-#include <rasterkit/host/raster/blit.h>
+#include <rasterkit/raster/stretch/blit.h>
 
 #include "tests/reference/convert_reference.h"
 

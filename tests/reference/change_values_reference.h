@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <memory>
 
-#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/graphics/bitmap.h>
 
 /// Sharpening and the shift of colours, written straight from the rules: pixel by pixel, from a
 /// copy of the whole picture.

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
-#include <rasterkit/host/raster/pixel_format.h>
+#include <rasterkit/raster/pixel_format.h>
 
 #include "tests/reference/gray.h"
 

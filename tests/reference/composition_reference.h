@@ -5,8 +5,8 @@
 #include <cstring>
 #include <memory>
 
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/runtime/stream.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/runtime/files/stream.h>
 
 #include "tests/reference/color.h"
 #include "tests/reference/gray.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/graphics/bitmap.h>
 
 #include "tests/reference/palettes.h"
 #include "tests/reference/pixel_mixing_reference.h"

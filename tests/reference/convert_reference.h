@@ -5,7 +5,7 @@
 #include <set>
 #include <vector>
 
-#include <rasterkit/host/raster/raster.h>
+#include <rasterkit/raster/raster.h>
 
 /// Conversions between pixel formats written straight from their rules, a pixel at a time. Adaptive
 /// palettes are left out: which colours they choose is no rule.

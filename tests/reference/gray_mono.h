@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/raster/palette.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/raster/palette.h>
 
 #include "tests/reference/gray.h"
 #include "tests/reference/palettes.h"

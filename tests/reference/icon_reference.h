@@ -1,7 +1,7 @@
 #pragma once
 
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/graphics/canvas.h>
 
 /// What the colours of an icon made of a bitmap are, a pixel at a time.
 namespace rasterkit::reference {

@@ -8,8 +8,8 @@
 #include <span>
 #include <vector>
 
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/raster/palette.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/raster/palette.h>
 
 /// Palette operations written straight from their rules, slow and obvious.
 namespace rasterkit::reference {

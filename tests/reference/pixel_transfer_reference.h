@@ -6,8 +6,8 @@
 #include <vector>
 
 #include <rasterkit/bitmaptools/engine/pixel_thread.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/graphics/canvas.h>
 
 #include "tests/reference/pixel_mixing_reference.h"
 

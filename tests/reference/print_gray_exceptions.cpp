@@ -1,4 +1,4 @@
-// Prints the list in host/kernels/gray_exceptions.cpp: the pairs red * 256 + green for which a blue
+// Prints the list in rasterkit/kernels/gray/gray_exceptions.cpp: the pairs red * 256 + green for which a blue
 // exists that makes the grey value's exact sum whole while the extended sum lies just below it.
 #include <cstdio>
 

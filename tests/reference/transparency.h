@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/raster/palette.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/raster/palette.h>
 
 #include "tests/reference/gray.h"
 #include "tests/reference/palettes.h"

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include <rasterkit/host/drawing/device_context.h>
+#include <rasterkit/drawing/context/device_context.h>
 
 namespace rasterkit::test {
 

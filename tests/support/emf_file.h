@@ -3,7 +3,7 @@
 #include <array>
 #include <string>
 
-#include <rasterkit/host/metafiles/emf_records.h>
+#include <rasterkit/metafiles/emf/emf_records.h>
 
 #include "tests/support/field_bytes.h"
 

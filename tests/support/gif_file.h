@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include <rasterkit/host/raster/palette.h>
+#include <rasterkit/raster/palette.h>
 
 namespace rasterkit::test {
 

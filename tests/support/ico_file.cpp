@@ -1,6 +1,6 @@
 #include "tests/support/ico_file.h"
 
-#include <rasterkit/host/codecs/png_encoder.h>
+#include <rasterkit/codecs/png/png_encoder.h>
 
 namespace rasterkit::test {
 namespace {

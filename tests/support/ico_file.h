@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include <rasterkit/host/raster/raster.h>
+#include <rasterkit/raster/raster.h>
 
 /// Icon files, part by part, so that each test may lie anywhere.
 namespace rasterkit::test {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/host/runtime/memory_budget.h>
+#include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit::test {
 

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/graphics/bitmap.h>
 
 #include "tests/support/test_pictures.h"
 

@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/runtime/errors.h>
-#include <rasterkit/host/runtime/stream.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit::test {
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <vector>
 
-#include <rasterkit/host/metafiles/play_metafile.h>
-#include <rasterkit/host/raster/fill.h>
+#include <rasterkit/metafiles/play_metafile.h>
+#include <rasterkit/raster/fill.h>
 
 namespace rasterkit::test {
 

@@ -2,7 +2,7 @@
 
 #include <lcms2.h>
 
-#include <rasterkit/host/raster/raster.h>
+#include <rasterkit/raster/raster.h>
 
 namespace rasterkit::test {
 

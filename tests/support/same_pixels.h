@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/raster/raster.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/raster/raster.h>
 
 /// Comparisons for EXPECT_TRUE; a failure lists the first mismatches with their coordinates.
 namespace rasterkit::test {

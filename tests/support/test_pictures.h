@@ -2,8 +2,8 @@
 
 #include <random>
 
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/raster/raster.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/raster/raster.h>
 
 /// Pictures made by rule, in every format. Ask for odd and unequal sizes.
 namespace rasterkit::test {

@@ -5,8 +5,8 @@
 #include <random>
 #include <vector>
 
-#include <rasterkit/host/kernels/pixel_rows.h>
-#include <rasterkit/host/raster/pixel_format.h>
+#include <rasterkit/kernels/rows/pixel_rows.h>
+#include <rasterkit/raster/pixel_format.h>
 
 namespace rasterkit::test {
 

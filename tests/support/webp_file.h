@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <rasterkit/host/raster/raster.h>
+#include <rasterkit/raster/raster.h>
 
 /// WebP files: pictures packed by the library, containers put together chunk by chunk.
 namespace rasterkit::test {

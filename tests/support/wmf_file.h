@@ -3,7 +3,7 @@
 #include <array>
 #include <optional>
 
-#include <rasterkit/host/metafiles/wmf_records.h>
+#include <rasterkit/metafiles/wmf/wmf_records.h>
 
 #include "tests/support/field_bytes.h"
 

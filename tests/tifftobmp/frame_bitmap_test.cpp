@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/runtime/errors.h>
 #include <rasterkit/tifftobmp/frame_bitmap.h>
 #include <rasterkit/tifftobmp/wic_formats.h>
 

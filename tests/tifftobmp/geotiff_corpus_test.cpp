@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/runtime/errors.h>
 #include <rasterkit/tifftobmp/geotiff_reader.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 

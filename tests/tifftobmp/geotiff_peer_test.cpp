@@ -9,8 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/codecs/tiff_encoder.h>
-#include <rasterkit/host/runtime/stream.h>
+#include <rasterkit/codecs/tiff/tiff_encoder.h>
+#include <rasterkit/runtime/files/stream.h>
 #include <rasterkit/tifftobmp/geotiff_writer.h>
 
 #include "tests/support/temp_folder.h"

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/graphics/png_image.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/graphics/png_image.h>
+#include <rasterkit/runtime/errors.h>
 #include <rasterkit/tifftobmp/geotiff_reader.h>
 
 #include "tests/support/temp_folder.h"

@@ -8,9 +8,9 @@
 #include <gtest/gtest.h>
 #include <tiff.h>
 
-#include <rasterkit/host/codecs/tiff_facts.h>
-#include <rasterkit/host/raster/convert.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/codecs/tiff/tiff_facts.h>
+#include <rasterkit/raster/convert.h>
+#include <rasterkit/runtime/errors.h>
 #include <rasterkit/tifftobmp/geotiff_writer.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 

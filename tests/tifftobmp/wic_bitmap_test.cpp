@@ -6,10 +6,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <rasterkit/host/graphics/canvas.h>
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/graphics/png_image.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/graphics/canvas.h>
+#include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/graphics/png_image.h>
+#include <rasterkit/runtime/errors.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 
 #include "tests/support/same_pixels.h"

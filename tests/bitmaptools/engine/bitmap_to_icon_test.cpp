@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/engine/composition.h>
-#include <rasterkit/host/graphics/icon.h>
+#include <rasterkit/graphics/icon.h>
 
 #include "tests/reference/icon_reference.h"
 #include "tests/support/same_pixels.h"

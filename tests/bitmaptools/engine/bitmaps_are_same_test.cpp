@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/engine/composition.h>
-#include <rasterkit/host/kernels/equal_colors.h>
+#include <rasterkit/kernels/rows/equal_colors.h>
 
 #include "tests/reference/composition_reference.h"
 #include "tests/support/simd_targets.h"

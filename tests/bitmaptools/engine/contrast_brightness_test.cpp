@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/engine/contrast_brightness.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/reference/contrast_brightness_reference.h"
 #include "tests/support/full_run.h"

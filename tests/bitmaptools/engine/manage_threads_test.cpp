@@ -6,10 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/engine/manage_threads.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/runtime/application.h>
-#include <rasterkit/host/runtime/errors.h>
-#include <rasterkit/host/runtime/thread_queue.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/threads/application.h>
+#include <rasterkit/runtime/threads/thread_queue.h>
 
 namespace rasterkit {
 namespace {

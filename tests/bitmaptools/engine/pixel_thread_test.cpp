@@ -2,8 +2,8 @@
 
 #include <rasterkit/bitmaptools/engine/manage_threads.h>
 #include <rasterkit/bitmaptools/engine/pixel_thread.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/runtime/thread_queue.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/runtime/threads/thread_queue.h>
 
 namespace rasterkit {
 namespace {

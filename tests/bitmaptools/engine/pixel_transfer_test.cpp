@@ -12,8 +12,8 @@
 
 #include <rasterkit/bitmaptools/engine/mixing.h>
 #include <rasterkit/bitmaptools/engine/pixel_transfer.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/reference/pixel_transfer_reference.h"
 #include "tests/support/full_run.h"

@@ -15,7 +15,7 @@
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/bitmaptools/engine/contrast_brightness.h>
 #include <rasterkit/bitmaptools/engine/pixel_transfer.h>
-#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/graphics/bitmap.h>
 
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/engine/composition.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/reference/combine_reference.h"
 #include "tests/support/same_pixels.h"

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/engine/sharpen.h>
-#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/graphics/bitmap.h>
 
 #include "tests/reference/change_values_reference.h"
 #include "tests/support/copy_of.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/engine/shift_colors.h>
-#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/graphics/bitmap.h>
 
 #include "tests/reference/change_values_reference.h"
 #include "tests/reference/gray.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/engine/composition.h>
-#include <rasterkit/host/kernels/swap_alpha.h>
+#include <rasterkit/kernels/mix/swap_alpha.h>
 
 #include "tests/reference/composition_reference.h"
 #include "tests/support/same_pixels.h"

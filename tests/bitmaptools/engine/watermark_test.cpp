@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/engine/composition.h>
-#include <rasterkit/host/kernels/watermark.h>
+#include <rasterkit/kernels/mix/watermark.h>
 
 #include "tests/reference/composition_reference.h"
 #include "tests/support/full_run.h"

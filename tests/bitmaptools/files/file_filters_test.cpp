@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/files/file_filters.h>
-#include <rasterkit/package/strings.h>
+#include <rasterkit/strings/strings.h>
 
 namespace rasterkit {
 namespace {

@@ -6,9 +6,9 @@
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/bitmaptools/files/load_via_wic.h>
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
-#include <rasterkit/host/codecs/gif_decoder.h>
-#include <rasterkit/host/codecs/webp_decoder.h>
-#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/codecs/gif/gif_decoder.h>
+#include <rasterkit/codecs/webp/webp_decoder.h>
+#include <rasterkit/graphics/bitmap.h>
 
 #include "tests/support/gif_file.h"
 #include "tests/support/same_pixels.h"

@@ -9,13 +9,13 @@
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/bitmaptools/files/load_via_wic.h>
-#include <rasterkit/host/codecs/jpeg_encoder.h>
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/graphics/metafile.h>
-#include <rasterkit/host/graphics/png_image.h>
-#include <rasterkit/host/runtime/errors.h>
-#include <rasterkit/host/runtime/file_name.h>
-#include <rasterkit/host/runtime/memory_budget.h>
+#include <rasterkit/codecs/jpeg/jpeg_encoder.h>
+#include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/graphics/metafile.h>
+#include <rasterkit/graphics/png_image.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/memory/memory_budget.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 
 #include "tests/support/emf_file.h"

@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/graphics/icon.h>
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/graphics/metafile.h>
-#include <rasterkit/host/graphics/png_image.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/graphics/icon.h>
+#include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/graphics/metafile.h>
+#include <rasterkit/graphics/png_image.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 
 namespace rasterkit {

@@ -5,7 +5,7 @@
 
 #include <rasterkit/bitmaptools/files/file_filters.h>
 #include <rasterkit/bitmaptools/files/picture_file_dialogs.h>
-#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/runtime/ports.h>
 
 namespace rasterkit {
 namespace {

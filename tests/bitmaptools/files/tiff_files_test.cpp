@@ -8,8 +8,8 @@
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/bitmaptools/files/load_via_wic.h>
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/graphics/png_image.h>
+#include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/graphics/png_image.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 
 #include "tests/support/plain_tiff.h"

@@ -7,10 +7,10 @@
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/graphics/png_image.h>
-#include <rasterkit/host/runtime/errors.h>
-#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/graphics/png_image.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/ports.h>
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 
 #include "tests/support/same_pixels.h"

@@ -4,13 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/bitmaptools/engine/rotate.h>
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
-#include <rasterkit/host/codecs/jpeg_encoder.h>
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/graphics/png_image.h>
-#include <rasterkit/host/runtime/errors.h>
-#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/bitmaptools/rotation/rotate.h>
+#include <rasterkit/codecs/jpeg/jpeg_encoder.h>
+#include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/graphics/png_image.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/ports.h>
 
 #include "tests/support/exif_builder.h"
 #include "tests/support/profiles.h"

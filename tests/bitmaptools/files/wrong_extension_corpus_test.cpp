@@ -5,8 +5,8 @@
 
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/bitmaptools/files/graphic_types.h>
-#include <rasterkit/host/graphics/metafile.h>
-#include <rasterkit/host/runtime/file_name.h>
+#include <rasterkit/graphics/metafile.h>
+#include <rasterkit/runtime/files/file_name.h>
 
 #include "tests/support/corpus.h"
 

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/pixels/bit_depths.h>
-#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/graphics/bitmap.h>
 
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"

@@ -7,8 +7,8 @@
 
 #include <rasterkit/bitmaptools/pixels/palette_merge.h>
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/runtime/ports.h>
 
 #include "tests/reference/palettes.h"
 #include "tests/support/same_pixels.h"

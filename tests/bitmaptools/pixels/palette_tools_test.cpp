@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/runtime/ports.h>
 
 #include "tests/reference/palettes.h"
 #include "tests/support/same_pixels.h"

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/graphics/bitmap.h>
 
 #include "tests/support/same_pixels.h"
 #include "tests/support/simd_targets.h"

@@ -8,9 +8,9 @@
 
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap.h>
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap_form.h>
-#include <rasterkit/package/strings.h>
-#include <rasterkit/qt/edits.h>
-#include <rasterkit/qt/navigator.h>
+#include <rasterkit/qt/controls/edits.h>
+#include <rasterkit/qt/controls/navigator.h>
+#include <rasterkit/strings/strings.h>
 
 #include "tests/support/forms/form_events.h"
 #include "tests/support/same_pixels.h"

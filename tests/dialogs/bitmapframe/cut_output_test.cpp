@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
-#include <rasterkit/host/runtime/errors.h>
-#include <rasterkit/package/strings.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/strings/strings.h>
 
 #include "tests/dialogs/bitmapframe/recording_view.h"
 #include "tests/support/same_pixels.h"

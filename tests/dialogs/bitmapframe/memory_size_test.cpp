@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/bitmapframe/memory_size.h>
-#include <rasterkit/package/format_text.h>
+#include <rasterkit/strings/format_text.h>
 
 namespace rasterkit::test {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/bitmapframe/picture_view.h>
-#include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/graphics/canvas.h>
 
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"

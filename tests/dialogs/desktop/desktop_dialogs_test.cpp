@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/desktop/desktop_dialogs.h>
-#include <rasterkit/host/graphics/bitmap.h>
+#include <rasterkit/graphics/bitmap.h>
 
 namespace rasterkit {
 namespace {

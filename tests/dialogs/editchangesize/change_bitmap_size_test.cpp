@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/editchangesize/change_bitmap_size.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/support/copy_of.h"
 #include "tests/support/paper_pictures.h"

@@ -10,7 +10,7 @@
 
 #include <rasterkit/dialogs/editchangesize/change_size_form.h>
 #include <rasterkit/dialogs/editchangesize/edit_size.h>
-#include <rasterkit/qt/edits.h>
+#include <rasterkit/qt/controls/edits.h>
 
 #include "tests/support/forms/form_events.h"
 

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/engine/composition.h>
-#include <rasterkit/bitmaptools/engine/rotate.h>
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
+#include <rasterkit/bitmaptools/rotation/rotate.h>
 #include <rasterkit/dialogs/editpdfbitmap/bitmap_settings.h>
-#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/runtime/ports.h>
 
 #include "tests/support/memory_limit.h"
 #include "tests/support/same_pixels.h"

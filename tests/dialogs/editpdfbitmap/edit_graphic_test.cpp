@@ -7,15 +7,15 @@
 #include <filesystem>
 
 #include <rasterkit/bitmaptools/engine/composition.h>
-#include <rasterkit/bitmaptools/engine/rotate.h>
 #include <rasterkit/bitmaptools/files/picture_file_dialogs.h>
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
+#include <rasterkit/bitmaptools/rotation/rotate.h>
 #include <rasterkit/dialogs/bitmapframe/cut_bitmap.h>
 #include <rasterkit/dialogs/editpdfbitmap/edit_graphic.h>
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/graphics/png_image.h>
-#include <rasterkit/qt/file_dialogs.h>
-#include <rasterkit/qt/preview_loader.h>
+#include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/graphics/png_image.h>
+#include <rasterkit/qt/files/file_dialogs.h>
+#include <rasterkit/qt/preview/preview_loader.h>
 
 #include "tests/dialogs/editpdfbitmap/editor_test.h"
 #include "tests/support/corpus.h"

@@ -18,12 +18,12 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/editpdfbitmap/form_edit_pdf_bmp.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/runtime/ports.h>
-#include <rasterkit/qt/edits.h>
-#include <rasterkit/qt/navigator.h>
-#include <rasterkit/qt/qt_host.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/qt/controls/edits.h>
+#include <rasterkit/qt/controls/navigator.h>
+#include <rasterkit/qt/host/qt_host.h>
 #include <rasterkit/qt/qt_text.h>
+#include <rasterkit/runtime/ports.h>
 
 #include "tests/dialogs/editpdfbitmap/fake_pdf.h"
 #include "tests/support/forms/form_events.h"

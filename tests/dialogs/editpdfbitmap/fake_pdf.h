@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include <rasterkit/host/graphics/pdf_document.h>
+#include <rasterkit/graphics/pdf_document.h>
 
 #include "tests/support/test_pictures.h"
 

@@ -2,7 +2,7 @@
 
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
-#include <rasterkit/host/graphics/png_image.h>
+#include <rasterkit/graphics/png_image.h>
 
 #include "tests/dialogs/editpdfbitmap/editor_test.h"
 #include "tests/support/same_pixels.h"

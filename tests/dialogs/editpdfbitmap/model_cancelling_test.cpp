@@ -1,7 +1,7 @@
 #include <thread>
 
-#include <rasterkit/host/runtime/application.h>
-#include <rasterkit/host/runtime/thread_queue.h>
+#include <rasterkit/runtime/threads/application.h>
+#include <rasterkit/runtime/threads/thread_queue.h>
 
 #include "tests/dialogs/editpdfbitmap/model_fixture.h"
 #include "tests/support/memory_limit.h"

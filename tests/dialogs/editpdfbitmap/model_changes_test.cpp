@@ -2,7 +2,7 @@
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
 #include <rasterkit/dialogs/editchangesize/change_bitmap_size.h>
 #include <rasterkit/dialogs/editpdfbitmap/bitmap_settings.h>
-#include <rasterkit/host/graphics/jpeg_image.h>
+#include <rasterkit/graphics/jpeg_image.h>
 
 #include "tests/dialogs/editpdfbitmap/model_fixture.h"
 #include "tests/support/memory_limit.h"

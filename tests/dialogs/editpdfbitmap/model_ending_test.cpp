@@ -1,6 +1,6 @@
 #include <rasterkit/bitmaptools/files/file_filters.h>
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
-#include <rasterkit/host/runtime/file_name.h>
+#include <rasterkit/runtime/files/file_name.h>
 
 #include "tests/dialogs/editpdfbitmap/model_fixture.h"
 

@@ -12,9 +12,9 @@
 
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/dialogs/editpdfbitmap/edit_pdf_bmp_model.h>
-#include <rasterkit/host/runtime/ports.h>
-#include <rasterkit/package/strings.h>
 #include <rasterkit/qt/modal_results.h>
+#include <rasterkit/runtime/ports.h>
+#include <rasterkit/strings/strings.h>
 
 #include "tests/dialogs/bitmapframe/recording_view.h"
 #include "tests/dialogs/editpdfbitmap/fake_pdf.h"

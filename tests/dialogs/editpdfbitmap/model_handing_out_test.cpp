@@ -1,6 +1,6 @@
-#include <rasterkit/host/graphics/jpeg_image.h>
-#include <rasterkit/host/graphics/metafile.h>
-#include <rasterkit/host/graphics/png_image.h>
+#include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/graphics/metafile.h>
+#include <rasterkit/graphics/png_image.h>
 
 #include "tests/dialogs/editpdfbitmap/model_fixture.h"
 #include "tests/support/memory_limit.h"

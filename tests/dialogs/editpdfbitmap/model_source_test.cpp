@@ -1,4 +1,4 @@
-#include <rasterkit/host/graphics/png_image.h>
+#include <rasterkit/graphics/png_image.h>
 
 #include "tests/dialogs/editpdfbitmap/model_fixture.h"
 #include "tests/support/memory_limit.h"

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/editpdfbitmap/page_size_text.h>
-#include <rasterkit/package/strings.h>
+#include <rasterkit/strings/strings.h>
 
 namespace rasterkit::test {
 namespace {

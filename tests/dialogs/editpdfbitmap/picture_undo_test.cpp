@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/editpdfbitmap/picture_undo.h>
-#include <rasterkit/host/graphics/metafile.h>
+#include <rasterkit/graphics/metafile.h>
 
 #include "tests/support/memory_limit.h"
 #include "tests/support/test_pictures.h"

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/editpdfbitmap/resolution_setting.h>
-#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/runtime/ports.h>
 
 namespace rasterkit::test {
 namespace {

@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/execbitmap/change_bitmap.h>
-#include <rasterkit/host/graphics/bitmap.h>
-#include <rasterkit/host/graphics/canvas.h>
-#include <rasterkit/host/runtime/errors.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/graphics/canvas.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tests/reference/contrast_brightness_reference.h"
 #include "tests/reference/gray_mono.h"

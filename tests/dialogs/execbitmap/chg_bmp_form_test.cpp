@@ -14,8 +14,8 @@
 #include <rasterkit/dialogs/execbitmap/change_bitmap.h>
 #include <rasterkit/dialogs/execbitmap/change_values_model.h>
 #include <rasterkit/dialogs/execbitmap/chg_bmp_form.h>
-#include <rasterkit/qt/edits.h>
-#include <rasterkit/qt/navigator.h>
+#include <rasterkit/qt/controls/edits.h>
+#include <rasterkit/qt/controls/navigator.h>
 
 #include "tests/support/copy_of.h"
 #include "tests/support/forms/form_events.h"

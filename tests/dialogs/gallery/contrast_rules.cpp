@@ -17,7 +17,7 @@
 #include <QStyleOptionSlider>
 #include <algorithm>
 
-#include <rasterkit/qt/navigator.h>
+#include <rasterkit/qt/controls/navigator.h>
 
 #include "tests/dialogs/gallery/form_controls.h"
 #include "tests/support/forms/color_contrast.h"

@@ -11,9 +11,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/qt/clear_style.h>
-#include <rasterkit/qt/icons.h>
-#include <rasterkit/qt/style.h>
+#include <rasterkit/qt/look/clear_style.h>
+#include <rasterkit/qt/look/icons.h>
+#include <rasterkit/qt/look/style.h>
 
 #include "tests/dialogs/gallery/gallery.h"
 #include "tests/support/forms/color_contrast.h"

@@ -2,7 +2,7 @@
 #include <span>
 
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap_form.h>
-#include <rasterkit/host/graphics/canvas.h>
+#include <rasterkit/graphics/canvas.h>
 
 #include "tests/dialogs/gallery/gallery.h"
 

@@ -3,7 +3,7 @@
 #include <QComboBox>
 
 #include <rasterkit/dialogs/editpdfbitmap/form_edit_pdf_bmp.h>
-#include <rasterkit/package/strings.h>
+#include <rasterkit/strings/strings.h>
 
 #include "samples/draw_scene.h"
 #include "tests/dialogs/gallery/gallery.h"

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include <rasterkit/dialogs/editpdfbitmap/form_edit_pdf_bmp.h>
-#include <rasterkit/host/graphics/pdf_document.h>
+#include <rasterkit/graphics/pdf_document.h>
 #include <rasterkit/qt/pdf/qt_pdf.h>
 #include <rasterkit/qt/qt_text.h>
 

@@ -11,7 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/package/strings.h>
+#include <rasterkit/strings/strings.h>
 
 #include "tests/dialogs/gallery/gallery.h"
 

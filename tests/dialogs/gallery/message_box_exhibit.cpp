@@ -1,4 +1,4 @@
-#include <rasterkit/qt/message_box.h>
+#include <rasterkit/qt/forms/message_box.h>
 
 #include "tests/dialogs/gallery/gallery.h"
 

@@ -8,7 +8,7 @@
 #include <QTest>
 
 #include <rasterkit/bitmaptools/files/picture_file_dialogs.h>
-#include <rasterkit/qt/qt_host.h>
+#include <rasterkit/qt/host/qt_host.h>
 #include <rasterkit/qt/qt_text.h>
 
 #include "tests/support/forms/form_events.h"

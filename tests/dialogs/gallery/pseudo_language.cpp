@@ -11,8 +11,8 @@
 #include <QRegularExpression>
 #include <QTabBar>
 
-#include <rasterkit/package/strings.h>
 #include <rasterkit/qt/qt_text.h>
+#include <rasterkit/strings/strings.h>
 
 namespace rasterkit::test {
 namespace {

@@ -8,8 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/package/strings.h>
-#include <rasterkit/qt/language.h>
+#include <rasterkit/qt/forms/language.h>
+#include <rasterkit/strings/strings.h>
 
 #include "tests/dialogs/gallery/form_rules.h"
 #include "tests/dialogs/gallery/gallery.h"

@@ -18,8 +18,8 @@
 #include <QToolButton>
 #include <map>
 
-#include <rasterkit/qt/navigator.h>
-#include <rasterkit/qt/paint_box.h>
+#include <rasterkit/qt/controls/navigator.h>
+#include <rasterkit/qt/controls/paint_box.h>
 
 #include "tests/dialogs/gallery/form_controls.h"
 

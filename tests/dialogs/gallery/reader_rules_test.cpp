@@ -12,8 +12,8 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap_form.h>
-#include <rasterkit/qt/edits.h>
-#include <rasterkit/qt/paint_box.h>
+#include <rasterkit/qt/controls/edits.h>
+#include <rasterkit/qt/controls/paint_box.h>
 
 #include "tests/dialogs/gallery/gallery.h"
 #include "tests/support/test_pictures.h"

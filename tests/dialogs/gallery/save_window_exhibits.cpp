@@ -8,11 +8,11 @@
 
 #include <rasterkit/bitmaptools/files/file_filters.h>
 #include <rasterkit/dialogs/savedlgext/form_save_dlg_ext.h>
-#include <rasterkit/package/format_text.h>
-#include <rasterkit/package/strings.h>
-#include <rasterkit/qt/file_list.h>
-#include <rasterkit/qt/message_box.h>
+#include <rasterkit/qt/files/file_list.h>
+#include <rasterkit/qt/forms/message_box.h>
 #include <rasterkit/qt/qt_text.h>
+#include <rasterkit/strings/format_text.h>
+#include <rasterkit/strings/strings.h>
 
 #include "tests/dialogs/gallery/gallery.h"
 

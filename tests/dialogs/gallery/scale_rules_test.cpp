@@ -15,7 +15,7 @@
 
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap_form.h>
 #include <rasterkit/dialogs/execbitmap/chg_bmp_form.h>
-#include <rasterkit/qt/style.h>
+#include <rasterkit/qt/look/style.h>
 
 #include "tests/dialogs/gallery/contrast_rules.h"
 #include "tests/dialogs/gallery/form_rules.h"

@@ -3,8 +3,8 @@
 #include <QStandardPaths>
 #include <cstdio>
 
-#include <rasterkit/qt/language.h>
-#include <rasterkit/qt/style.h>
+#include <rasterkit/qt/forms/language.h>
+#include <rasterkit/qt/look/style.h>
 
 #include "tests/dialogs/gallery/gallery.h"
 #include "tests/dialogs/gallery/photograph_file_dialogs.h"

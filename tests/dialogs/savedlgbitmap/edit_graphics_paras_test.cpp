@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/savedlgbitmap/edit_graphics_paras.h>
-#include <rasterkit/qt/edits.h>
-#include <rasterkit/qt/navigator.h>
+#include <rasterkit/qt/controls/edits.h>
+#include <rasterkit/qt/controls/navigator.h>
 
 #include "tests/support/forms/form_events.h"
 

@@ -12,9 +12,9 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/savedlgbitmap/form_graphics_paras.h>
-#include <rasterkit/host/runtime/ports.h>
-#include <rasterkit/qt/edits.h>
-#include <rasterkit/qt/navigator.h>
+#include <rasterkit/qt/controls/edits.h>
+#include <rasterkit/qt/controls/navigator.h>
+#include <rasterkit/runtime/ports.h>
 
 #include "tests/support/forms/form_events.h"
 

@@ -13,8 +13,8 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/savedlgbitmap/save_bitmap_dlg_ext.h>
-#include <rasterkit/host/runtime/ports.h>
-#include <rasterkit/qt/navigator.h>
+#include <rasterkit/qt/controls/navigator.h>
+#include <rasterkit/runtime/ports.h>
 
 #include "tests/support/forms/form_events.h"
 #include "tests/support/temp_folder.h"

@@ -1,8 +1,8 @@
 #include <QLabel>
 #include <QToolButton>
 
-#include <rasterkit/host/runtime/ports.h>
-#include <rasterkit/package/strings.h>
+#include <rasterkit/runtime/ports.h>
+#include <rasterkit/strings/strings.h>
 
 #include "tests/dialogs/savedlgext/save_window_test.h"
 

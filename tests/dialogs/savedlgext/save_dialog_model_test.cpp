@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include <rasterkit/package/strings.h>
+#include <rasterkit/strings/strings.h>
 
 #include "tests/dialogs/savedlgext/save_model_fixture.h"
 

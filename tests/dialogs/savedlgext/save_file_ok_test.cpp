@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/savedlgext/save_file_ok.h>
-#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/runtime/ports.h>
 
 #include "tests/support/forms/form_events.h"
 #include "tests/support/temp_folder.h"

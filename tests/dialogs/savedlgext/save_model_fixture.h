@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/savedlgext/save_dialog_model.h>
-#include <rasterkit/host/runtime/ports.h>
+#include <rasterkit/runtime/ports.h>
 
 #include "tests/dialogs/savedlgext/recording_save_view.h"
 #include "tests/support/temp_folder.h"

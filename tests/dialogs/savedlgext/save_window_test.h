@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/savedlgext/form_save_dlg_ext.h>
-#include <rasterkit/qt/file_list.h>
+#include <rasterkit/qt/files/file_list.h>
 
 #include "tests/support/forms/form_events.h"
 #include "tests/support/temp_folder.h"

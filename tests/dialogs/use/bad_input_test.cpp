@@ -9,7 +9,7 @@
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap.h>
 #include <rasterkit/dialogs/editchangesize/edit_size.h>
 #include <rasterkit/dialogs/execbitmap/change_bitmap.h>
-#include <rasterkit/qt/edits.h>
+#include <rasterkit/qt/controls/edits.h>
 
 #include "tests/support/forms/form_events.h"
 #include "tests/support/same_pixels.h"

@@ -11,9 +11,9 @@
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap.h>
 #include <rasterkit/dialogs/editchangesize/edit_size.h>
 #include <rasterkit/dialogs/execbitmap/change_bitmap.h>
-#include <rasterkit/host/runtime/ports.h>
-#include <rasterkit/qt/preview_loader.h>
-#include <rasterkit/qt/qt_host.h>
+#include <rasterkit/qt/host/qt_host.h>
+#include <rasterkit/qt/preview/preview_loader.h>
+#include <rasterkit/runtime/ports.h>
 
 #include "tests/support/forms/form_events.h"
 #include "tests/support/same_pixels.h"

@@ -11,7 +11,7 @@
 #include <rasterkit/dialogs/execbitmap/change_bitmap.h>
 #include <rasterkit/dialogs/execbitmap/value_change.h>
 #include <rasterkit/dialogs/savedlgbitmap/edit_graphics_paras.h>
-#include <rasterkit/qt/edits.h>
+#include <rasterkit/qt/controls/edits.h>
 
 #include "tests/support/forms/form_events.h"
 #include "tests/support/same_pixels.h"

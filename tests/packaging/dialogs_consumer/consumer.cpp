@@ -1,8 +1,8 @@
 #include <QApplication>
 
 #include <rasterkit/dialogs.h>
-#include <rasterkit/host.h>
 #include <rasterkit/qt.h>
+#include <rasterkit/rasterkit.h>
 
 // A host on Qt sees every public header, links both libraries, and finds its ports filled.
 int main(int argc, char** argv) {

@@ -1,4 +1,4 @@
-#include <rasterkit/host/graphics/pdf_document.h>
+#include <rasterkit/graphics/pdf_document.h>
 #include <rasterkit/qt/pdf/qt_pdf.h>
 
 // A host without Qt of its own draws the first page of a file.

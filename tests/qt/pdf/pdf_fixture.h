@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/host/graphics/pdf_document.h>
+#include <rasterkit/graphics/pdf_document.h>
 #include <rasterkit/qt/pdf/qt_pdf_document.h>
 
 #include "tests/support/pdf_file.h"

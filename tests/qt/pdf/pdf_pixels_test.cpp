@@ -4,9 +4,9 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/host/graphics/canvas.h>
-#include <rasterkit/host/graphics/png_image.h>
-#include <rasterkit/host/runtime/stream.h>
+#include <rasterkit/graphics/canvas.h>
+#include <rasterkit/graphics/png_image.h>
+#include <rasterkit/runtime/files/stream.h>
 
 #include "tests/qt/pdf/pdf_fixture.h"
 #include "tests/support/same_pixels.h"

@@ -1,0 +1,13 @@
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+
+#include <rasterkit/codecs/metadata.h>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const rasterkit::PictureMetadata metadata = rasterkit::ReadMetadata({data, size});
+  // The block must lie within the bytes given, to its last byte.
+  for (const uint8_t& byte : metadata.exif)
+    if (&byte < data || &byte >= data + size) std::abort();
+  return 0;
+}

@@ -1,0 +1,42 @@
+#include <cstring>
+
+#include <rasterkit/bitmaptools/engine/composition.h>
+#include <rasterkit/codecs/bmp/bmp_encoder.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/kernels/rows/equal_colors.h>
+
+namespace rasterkit {
+namespace {
+
+/// A file states an ignored alpha byte as 255, whatever it is.
+bool IgnoresAlpha(const Raster& raster) {
+  return raster.Format() == pf32bit && raster.alphaFormat == afIgnored;
+}
+
+/// What a file would hold of the rows from `y` on, as many as lie behind one another without a gap.
+bool SameStoredRows(const Raster& a, const Raster& b, int y, int count) {
+  const auto rows = static_cast<size_t>(count);
+  if (IgnoresAlpha(a))
+    return kernels::EqualColors32(a.Row(y), b.Row(y), static_cast<size_t>(a.Width()) * rows);
+  return std::memcmp(a.Row(y), b.Row(y), a.RowBytes() * rows) == 0;
+}
+
+bool SameRows(const Raster& a, const Raster& b) {
+  if (a.RowBytes() == 0 || a.Height() == 0) return true;
+  if (a.RowBytes() == a.Stride()) return SameStoredRows(a, b, 0, a.Height());
+  for (int y = 0; y < a.Height(); ++y)
+    if (!SameStoredRows(a, b, y, 1)) return false;
+  return true;
+}
+
+}  // namespace
+
+bool BitmapsAreSame(const TBitmap& a, const TBitmap& b) {
+  if (a.Width() != b.Width() || a.Height() != b.Height()) return false;
+  const Raster &first = a.Content(), &second = b.Content();
+  // Equal heads mean equal formats and so equal strides.
+  return detail::BmpHead(first, BmpProfile::omit) == detail::BmpHead(second, BmpProfile::omit) &&
+         SameRows(first, second);
+}
+
+}  // namespace rasterkit

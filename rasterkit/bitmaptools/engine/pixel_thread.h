@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <rasterkit/graphics/canvas.h>
+#include <rasterkit/raster/palette.h>
+#include <rasterkit/raster/pixel_format.h>
+#include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/threads/thread.h>
+
+namespace rasterkit {
+
+class TBitmap;
+class TManageThreads;
+
+/// How a source pixel is mixed into a target pixel. The order is established and must not change.
+enum TPixelMode : uint8_t { pmOverwrite, pmTransparent, pmShadow };
+
+/// What a pixel worker does. The order is established and must not change.
+enum TPixelTask : uint8_t { ptBrighten, ptContrast, ptAssignInWhite, ptAssignPart };
+
+/// One worker of brightness, contrast or a pixel transfer: it takes one band of rows, keeps its own
+/// copy of the manager's pixel-format facts, and writes the rows of its band of the target alone.
+///
+/// Made suspended by a driver on the calling thread, set up by its `Init...` routines, and handed
+/// to `StartAndFree`; its end is counted by the manager's `ThreadDone`. The transparent colour of
+/// the target is read when the worker is made, so all workers of one operation are made before the
+/// first one starts. After its work it calls the manager's `ProgressTimer` once when there is a
+/// timer. A band that reaches beyond the last row is done as far as the rows go.
+///
+/// 1- and 4-bit pixels are read a byte at a time: `SrcByte` when the source column is a multiple of
+/// 8, `SrcLeft` and `SrcRight` when it is even, `TarByte` when the target column is a multiple of
+/// 8. Between such columns the last byte read stays in force, from row to row too, and all start
+/// with 0. Where columns are left out, or a rectangle starts in the middle of a byte, the result
+/// depends on that and so on the bands.
+class RASTERKIT_EXPORT TPixelThread : public TThread {
+ public:
+  /// Takes band `iThread` and the format facts of the manager, which must outlive the worker.
+  TPixelThread(TManageThreads& ManageThreads, int32_t iThread, TPixelTask APixelTask);
+  ~TPixelThread() override;
+
+  /// Mode, percentage (any number) and grey variant of a transfer. Bitmaps of the same format are
+  /// copied pixel by pixel in `pmOverwrite`, indexed ones of up to 4 bits in every mode.
+  void InitPixelMode(TPixelMode APixMode, int32_t AProzent, bool AUseGray);
+  /// The rectangles of a transfer, whose ratio is the scale; the target's must not be of zero size.
+  /// Columns that lie outside either bitmap are left out.
+  void InitTarSrcRect(const TRect& TarRect, const TRect& SrcRect);
+  /// The pf24bit bitmap to be changed in place and the percentage, for ptBrighten and ptContrast.
+  void InitBitmap(TBitmap& ABitmap, int32_t AProzent);
+
+  TManageThreads& ManThreads;
+  /// Borrowed.
+  TBitmap* SrcBmp;
+  TBitmap* TarBmp;
+  /// First and last row of the band.
+  int32_t ia, ie;
+  TPixelTask FPixelTask;
+  TPixelMode FPixelMode = pmOverwrite;
+  /// Makes pixels of a 32-bit source count as white where their alpha is above 0. No routine sets
+  /// it.
+  bool UseAlpha = false;
+  /// The grey variant of a mode; in ptAssignInWhite: white means near-white, not the transparent
+  /// colour.
+  bool UseGray = false;
+  /// A colour is near-white when all its channels are above this.
+  int32_t FromGrayVal = 250;
+  int32_t nSrcBytes, nSrcBit, nTarBytes, nTarBit;
+  /// Pixels are copied in their own format instead of being mixed.
+  bool PixTakeOver;
+  /// Position of the pixel in its byte of eight.
+  int32_t bx = 0;
+  int32_t sx = 0, sy = 0;
+  int32_t Prozent = 0;
+  /// Weights of the mode.
+  float f = 1, fproz = 0;
+  /// Source pixels a target pixel.
+  double pwx = 0, pwy = 0;
+  TRect TarR, SrcR;
+  /// The rows at hand, in the pointer kind of their formats.
+  RGBArec* Tar32 = nullptr;
+  RGBArec* Src32 = nullptr;
+  RGBrec* Tar24 = nullptr;
+  RGBrec* Src24 = nullptr;
+  uint8_t* Tar8 = nullptr;
+  uint8_t* Src8 = nullptr;
+  uint8_t SrcByte = 0, TarByte = 0;
+  /// Read 1-bit pixels the other way round. No routine sets them.
+  bool SrcInv = false, TarInv = false;
+  /// Palettes, borrowed from the manager; null where there is none.
+  int32_t SrcAnz, TarAnz;
+  const TColorTable* SrcCol;
+  const TColorTable* TarCol;
+  int32_t TarBlack, TarWhite;
+  uint8_t TarLeft = 0, TarRight = 0, SrcLeft = 0, SrcRight = 0;
+  int32_t SrcWhite, SrcLastWhite;
+  /// The target's transparent colour.
+  uint8_t transR = 0, TransG = 0, transB = 0;
+
+ protected:
+  void Execute() override;
+
+ private:
+  void BrightenBand();
+  void ContrastBand();
+  void TransferBand();
+  void TransferPixels();
+  /// Points the row pointers at row y of the target and row `sy` of the source.
+  void FetchRows(int y);
+
+  /// Target columns from `firstColumn_` on and the source columns that they show.
+  int32_t firstColumn_ = 0;
+  std::vector<int32_t> columns_;
+};
+
+}  // namespace rasterkit

@@ -1,0 +1,56 @@
+#include <utility>
+
+#include <rasterkit/bitmaptools/engine/composition.h>
+#include <rasterkit/graphics/bitmap.h>
+
+namespace rasterkit {
+namespace {
+
+/// What the pixels mean goes along with them: the palette of indexes, the alpha channel.
+void TakeMeaning(const TBitmap& source, TBitmap& target) {
+  if (target.PixelFormat() == source.PixelFormat()) target.SetPalette(source.Palette());
+  if (target.StoredBits() == 32 && source.StoredBits() == 32)
+    target.SetAlphaFormat(source.AlphaFormat());
+}
+
+bool IsAveraged(TPixelFormat format) {
+  return format == pf24bit || format == pf32bit;
+}
+
+/// Pixels of its transparent colour are not drawn. Where the alpha tells what is seen, it is copied
+/// and the colour does not count.
+bool HasHoles(const TBitmap& bitmap) {
+  const bool hasAlpha = bitmap.StoredBits() == 32 && bitmap.AlphaFormat() == afDefined;
+  return bitmap.Transparent() && !hasAlpha;
+}
+
+/// Gives the new bitmap its size and the picture, onto new area only where some of it stays to be
+/// seen.
+void Stretch(const TBitmap& source, int32_t width, int32_t height, TBitmap& target) {
+  const TRect whole{0, 0, width, height};
+  if (source.Empty()) {
+    target.SetSize(width, height);
+  } else if (HasHoles(source)) {
+    target.SetSize(width, height);
+    target.Canvas().StretchDraw(whole, source);
+  } else {
+    target.ResetPixels(target.PixelFormat(), width, height);
+    target.Canvas().CopyStretched(whole, source);
+  }
+}
+
+}  // namespace
+
+void ResizeBitmap(std::unique_ptr<TBitmap>& bitmap, int32_t newWidth, int32_t newHeight,
+                  bool keepFormat) {
+  if (bitmap == nullptr) return;
+  auto resized = std::make_unique<TBitmap>();
+  resized->SetPixelFormat(keepFormat ? bitmap->PixelFormat() : pf32bit);
+  TakeMeaning(*bitmap, *resized);
+  resized->SetTransparentMode(tmAuto);
+  if (IsAveraged(resized->PixelFormat())) resized->Canvas().StretchMode = smHalftone;
+  Stretch(*bitmap, newWidth, newHeight, *resized);
+  bitmap = std::move(resized);
+}
+
+}  // namespace rasterkit

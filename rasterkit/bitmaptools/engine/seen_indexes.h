@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <rasterkit/bitmaptools/engine/packed_indexes.h>
+#include <rasterkit/kernels/transfer/pick_pixels.h>
+
+namespace rasterkit {
+
+class TPixelThread;
+
+namespace detail {
+
+/// The indexes that a worker sees in the rows of a 1-, 4- or 8-bit source, one byte for each
+/// column.
+class SeenIndexes {
+ public:
+  SeenIndexes(const TPixelThread& worker, const std::vector<int32_t>& columns);
+
+  /// Valid until the next call.
+  const uint8_t* Read(const uint8_t* row);
+
+  /// True when a row gives other indexes after another row.
+  bool DependsOnRowBefore() const { return packed_ && packed_->DependsOnRowBefore(); }
+
+ private:
+  int32_t firstColumn_;
+  std::optional<PackedIndexes> packed_;
+  std::optional<kernels::PixelPicker> picker_;
+  std::vector<uint8_t> indexes_;
+};
+
+}  // namespace detail
+}  // namespace rasterkit

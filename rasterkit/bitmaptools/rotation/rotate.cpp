@@ -1,0 +1,141 @@
+#include <cmath>
+#include <exception>
+#include <limits>
+#include <string>
+#include <utility>
+
+#include <rasterkit/bitmaptools/pixels/bit_depths.h>
+#include <rasterkit/bitmaptools/rotation/rotate.h>
+#include <rasterkit/bitmaptools/rotation/rotation_driver.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/kernels/turn/rotation_mapping.h>
+#include <rasterkit/kernels/turn/turn_pixels.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/ports.h>
+#include <rasterkit/runtime/rounding.h>
+#include <rasterkit/strings/strings.h>
+
+namespace rasterkit {
+namespace {
+
+// Said in English whatever the translator: quarter turns have never looked into the table.
+constexpr char kQuarterTurnFailed[] = "Bitmap to large to rotate.";
+
+bool HasTrueColorBytes(const TBitmap& bitmap) {
+  return bitmap.PixelFormat() == pf24bit || bitmap.PixelFormat() == pf32bit;
+}
+
+kernels::AxisTurn QuarterTurn(int64_t degrees) {
+  switch (degrees) {
+    case 90:
+      return kernels::kQuarterTurnCounterClockwise;
+    case 180:
+      return kernels::kHalfTurn;
+    default:
+      return kernels::kQuarterTurnClockwise;
+  }
+}
+
+std::unique_ptr<TBitmap> TurnedExactly(const TBitmap& source, kernels::AxisTurn turn) {
+  auto turned = std::make_unique<TBitmap>();
+  const int width = turn.transpose ? source.Height() : source.Width();
+  const int height = turn.transpose ? source.Width() : source.Height();
+  turned->ResetPixels(pf24bit, width, height);
+  const Resolution dpi = source.Dpi();
+  turned->SetDpi(turn.transpose ? Resolution{dpi.y, dpi.x} : dpi);
+  turned->SetProfile(source.Profile());
+  if (width == 0 || height == 0) return turned;
+  const kernels::ConstPixelRows from{source.ScanLine(0), source.Stride(), source.Width(),
+                                     source.Height()};
+  const kernels::PixelRows to{turned->ScanLine(0), turned->Stride(), width, height};
+  if (source.PixelFormat() == pf32bit)
+    kernels::TurnPixels32To24(from, to, turn);
+  else
+    kernels::TurnPixels(from, to, 24, turn);
+  return turned;
+}
+
+// A bitmap with everything of `source` but its size and pixels, which are undefined.
+std::unique_ptr<TBitmap> EmptyCopy(const TBitmap& source, int width, int height) {
+  auto copy = std::make_unique<TBitmap>();
+  copy->ResetPixels(source.PixelFormat(), width, height);
+  if (IsIndexed(source.PixelFormat())) copy->SetPalette(source.Palette());
+  copy->SetDpi(source.Dpi());
+  copy->SetProfile(source.Profile());
+  copy->SetAlphaFormat(source.AlphaFormat());
+  copy->SetTransparent(source.Transparent());
+  if (source.TransparentMode() == tmFixed) copy->SetTransparentColor(source.TransparentColor());
+  return copy;
+}
+
+int BitmapSide(int64_t side) {
+  if (side > std::numeric_limits<int>::max())
+    throw LimitError("a bitmap cannot be " + std::to_string(side) + " pixels wide or high");
+  return static_cast<int>(side);
+}
+
+bool NeedsConversion(const TBitmap& bitmap, int32_t background) {
+  const TPixelFormat format = bitmap.PixelFormat();
+  return format == pfDevice || format == pfCustom || (format == pf1bit && background == -1);
+}
+
+// Null when the format has no whole pixels. Works on a converted copy where one is needed, so that
+// an error leaves the caller's bitmap as it was.
+std::unique_ptr<TBitmap> TurnedByAngle(float angle, TBitmap& original, int32_t background,
+                                       int32_t threadsCount) {
+  std::unique_ptr<TBitmap> converted;
+  if (NeedsConversion(original, background)) converted = original.Clone();
+  const bool wasMono = original.PixelFormat() == pf1bit && background == -1;
+  if (wasMono) converted->SetPixelFormat(pf4bit);
+  TBitmap& source = converted ? *converted : original;
+
+  int32_t bytes = 0, bits = 0;
+  if (!detail::GetPixelByteInfo(source, bytes, bits)) return nullptr;
+  const kernels::Size size =
+      kernels::RotatedSize(source.Width(), source.Height(), kernels::SineCosineOfDegrees(angle));
+  std::unique_ptr<TBitmap> turned =
+      EmptyCopy(source, BitmapSide(size.width), BitmapSide(size.height));
+  detail::RunRotation({source, *turned, bytes, bits, wasMono, background, threadsCount, angle});
+  return turned;
+}
+
+}  // namespace
+
+float detail::NormalizeAngle(float angle) {
+  if (angle < -0.01f) {
+    // Each addition but the last one is exact, as 360 is a multiple of the angle's last place
+    // (below 1.3e8).
+    angle = std::fmod(angle, 360.0f);
+    if (angle < -0.01f) angle += 360.0f;
+  }
+  if (angle > 360.01f) {
+    // The loop stops one turn early where a rest of up to 0.01 is left.
+    angle = std::fmod(angle, 360.0f);
+    if (angle + 360.0 <= static_cast<double>(360.01f)) angle += 360.0f;
+  }
+  return angle;
+}
+
+bool RotateBitmap(float Angle, std::unique_ptr<TBitmap>& Bmp, int32_t BkColor, int32_t ThreadsCount,
+                  TBitmap*) {
+  if (!Bmp || !std::isfinite(Angle)) return false;
+  Angle = detail::NormalizeAngle(Angle);
+  if (Angle < 0.01f || Angle > 359.99f) return true;
+
+  const int64_t rounded = Round(Angle);
+  const bool isExact =
+      (rounded == 90 || rounded == 180 || rounded == 270) && HasTrueColorBytes(*Bmp);
+  try {
+    std::unique_ptr<TBitmap> turned = isExact ? TurnedExactly(*Bmp, QuarterTurn(rounded))
+                                              : TurnedByAngle(Angle, *Bmp, BkColor, ThreadsCount);
+    if (!turned) return false;
+    turned->SetModified(true);
+    Bmp = std::move(turned);
+    return true;
+  } catch (const std::exception&) {
+    ShowMessage(isExact ? kQuarterTurnFailed : ResourceString(rsBitmapToLargeToRotate));
+    return false;
+  }
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,235 @@
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <rasterkit/codecs/bmp/bmp_encoder.h>
+#include <rasterkit/codecs/bmp/bmp_format.h>
+#include <rasterkit/codecs/rows/alpha_rows.h>
+#include <rasterkit/runtime/errors.h>
+
+namespace rasterkit {
+namespace {
+
+using namespace detail;
+
+/// Bytes handed to the stream at once; rows are turned over on their way through a buffer of this
+/// size.
+constexpr size_t kBatchBytes = 512 * 1024;
+
+/// The rendering intent of photographs, which is what profiles here belong to.
+constexpr uint32_t kIntentImages = 4;
+
+class BmpEncoder {
+ public:
+  BmpEncoder(const Raster& raster, BmpProfile profile);
+  void FillHead();
+  const std::vector<uint8_t>& Head() const { return head_; }
+  void WriteTo(TStream& stream);
+
+ private:
+  bool HasAlpha() const { return raster_.Format() == pf32bit && raster_.alphaFormat == afDefined; }
+  bool HasProfile() const { return profile_ != nullptr; }
+  BmpMasks Masks() const;
+  /// The oldest kind of header that can say what has to be said, for the most readers.
+  uint32_t HeaderBytes() const;
+  uint32_t MaskBytesBehindHeader() const;
+  uint32_t PaletteEntries() const;
+  void RequireWritable() const;
+
+  void PutWord(size_t offset, uint32_t value);
+  void PutLong(size_t offset, uint32_t value);
+  void FillFileHeader();
+  void FillInfoHeader();
+  void FillMasks();
+  void FillColorSpace();
+  void FillPalette();
+  void CopyRow(int y, uint8_t* target) const;
+  void WriteRows(TStream& stream) const;
+
+  const Raster& raster_;
+  const std::vector<uint8_t>* profile_ = nullptr;
+  uint32_t headerBytes_ = 0;
+  uint64_t pixelBytes_ = 0, fileBytes_ = 0;
+  /// Everything before the first row.
+  std::vector<uint8_t> head_;
+};
+
+BmpEncoder::BmpEncoder(const Raster& raster, BmpProfile profile) : raster_(raster) {
+  if (profile == BmpProfile::embed && raster.profile && !raster.profile->empty()) {
+    profile_ = raster.profile.get();
+  }
+  headerBytes_ = HeaderBytes();
+  const size_t headBytes =
+      kBmpFileHeaderBytes + headerBytes_ + MaskBytesBehindHeader() + 4 * size_t{PaletteEntries()};
+  pixelBytes_ = uint64_t{raster.Stride()} * static_cast<uint64_t>(raster.Height());
+  fileBytes_ = headBytes + pixelBytes_ + (HasProfile() ? profile_->size() : 0);
+  head_.resize(headBytes);
+}
+
+void BmpEncoder::RequireWritable() const {
+  if (raster_.Width() == 0 || raster_.Height() == 0) {
+    throw FormatError("BMP: a picture without pixels cannot be written");
+  }
+  if (fileBytes_ > std::numeric_limits<uint32_t>::max()) {
+    throw LimitError("BMP: a file of " + std::to_string(fileBytes_) +
+                     " bytes is larger than the format can state");
+  }
+}
+
+BmpMasks BmpEncoder::Masks() const {
+  if (raster_.Format() == pf16bit) return kBmpMasks565;
+  if (!HasAlpha()) return {};
+  BmpMasks masks = kBmpMasks888;
+  masks.alpha = kBmpAlpha8888;
+  return masks;
+}
+
+uint32_t BmpEncoder::HeaderBytes() const {
+  if (HasProfile()) return kBmpV5Header;
+  return HasAlpha() ? kBmpV4Header : kBmpInfoHeader;
+}
+
+uint32_t BmpEncoder::MaskBytesBehindHeader() const {
+  return headerBytes_ == kBmpInfoHeader && Masks() != BmpMasks{} ? 12 : 0;
+}
+
+uint32_t BmpEncoder::PaletteEntries() const {
+  if (!IsIndexed(raster_.Format())) return 0;
+  // A count of 0 would mean a full palette; one black entry says the same as none.
+  return static_cast<uint32_t>(
+      std::clamp(raster_.palette.Count(), 1, 1 << StoredBitsPerPixel(raster_.Format())));
+}
+
+void BmpEncoder::PutWord(size_t offset, uint32_t value) {
+  head_[offset] = static_cast<uint8_t>(value);
+  head_[offset + 1] = static_cast<uint8_t>(value >> 8);
+}
+
+void BmpEncoder::PutLong(size_t offset, uint32_t value) {
+  PutWord(offset, value & 0xFFFF);
+  PutWord(offset + 2, value >> 16);
+}
+
+void BmpEncoder::FillFileHeader() {
+  head_[0] = 'B';
+  head_[1] = 'M';
+  PutLong(2, static_cast<uint32_t>(fileBytes_));
+  PutLong(10, static_cast<uint32_t>(head_.size()));
+}
+
+/// Pixels per metre as the header holds them; 0 for unknown.
+uint32_t PixelsPerMetre(double perInch) {
+  const double value = perInch / kMetresPerInch;
+  if (!(value > 0)) return 0;
+  return static_cast<uint32_t>(
+      std::lround(std::min(value, double{std::numeric_limits<int32_t>::max()})));
+}
+
+void BmpEncoder::FillInfoHeader() {
+  const auto put = [this](uint32_t field, uint32_t value) {
+    PutLong(kBmpFileHeaderBytes + field, value);
+  };
+  const BmpCompression compression =
+      Masks() == BmpMasks{} ? BmpCompression::none : BmpCompression::bitFields;
+  put(bmp_field::size, headerBytes_);
+  put(bmp_field::width, static_cast<uint32_t>(raster_.Width()));
+  put(bmp_field::height, static_cast<uint32_t>(raster_.Height()));
+  PutWord(kBmpFileHeaderBytes + bmp_field::planes, 1);
+  PutWord(kBmpFileHeaderBytes + bmp_field::bits,
+          static_cast<uint32_t>(StoredBitsPerPixel(raster_.Format())));
+  put(bmp_field::compression, static_cast<uint32_t>(compression));
+  put(bmp_field::imageBytes, static_cast<uint32_t>(pixelBytes_));
+  put(bmp_field::pixelsPerMetreX, PixelsPerMetre(raster_.resolution.x));
+  put(bmp_field::pixelsPerMetreY, PixelsPerMetre(raster_.resolution.y));
+  put(bmp_field::colorsUsed, PaletteEntries());
+}
+
+void BmpEncoder::FillMasks() {
+  const BmpMasks masks = Masks();
+  if (masks == BmpMasks{}) return;
+  const size_t place = kBmpFileHeaderBytes + bmp_field::masks;
+  PutLong(place, masks.red);
+  PutLong(place + 4, masks.green);
+  PutLong(place + 8, masks.blue);
+  if (headerBytes_ >= kBmpV4Header) PutLong(place + 12, masks.alpha);
+}
+
+void BmpEncoder::FillColorSpace() {
+  if (headerBytes_ < kBmpV4Header) return;
+  PutLong(kBmpFileHeaderBytes + bmp_field::colorSpace,
+          HasProfile() ? kBmpProfileEmbedded : kBmpSrgb);
+  if (!HasProfile()) return;
+  PutLong(kBmpFileHeaderBytes + bmp_field::intent, kIntentImages);
+  // The profile is found from the info header's start, unlike everything else.
+  PutLong(kBmpFileHeaderBytes + bmp_field::profileOffset,
+          static_cast<uint32_t>(head_.size() + pixelBytes_ - kBmpFileHeaderBytes));
+  PutLong(kBmpFileHeaderBytes + bmp_field::profileBytes, static_cast<uint32_t>(profile_->size()));
+}
+
+void BmpEncoder::FillPalette() {
+  const int count = static_cast<int>(PaletteEntries());
+  size_t place = head_.size() - 4 * static_cast<size_t>(count);
+  for (int i = 0; i < count; ++i, place += 4) {
+    const tagPALETTEENTRY entry = raster_.palette.Entry(i);
+    head_[place] = entry.peBlue;
+    head_[place + 1] = entry.peGreen;
+    head_[place + 2] = entry.peRed;
+  }
+}
+
+void BmpEncoder::CopyRow(int y, uint8_t* target) const {
+  const size_t rowBytes = raster_.RowBytes();
+  std::memcpy(target, raster_.Row(y), rowBytes);
+  std::memset(target + rowBytes, 0, raster_.Stride() - rowBytes);
+  if (raster_.Format() != pf32bit || HasAlpha()) return;
+  // Programs that take the unused byte for alpha then see an opaque picture.
+  MakeOpaque(target, static_cast<size_t>(raster_.Width()));
+}
+
+void BmpEncoder::WriteRows(TStream& stream) const {
+  const size_t stride = raster_.Stride();
+  const size_t batchRows =
+      std::clamp<size_t>(kBatchBytes / stride, 1, static_cast<size_t>(raster_.Height()));
+  std::vector<uint8_t> batch(batchRows * stride);
+  size_t filled = 0;
+  for (int y = raster_.Height() - 1; y >= 0; --y) {
+    CopyRow(y, batch.data() + filled);
+    filled += stride;
+    if (filled < batch.size() && y > 0) continue;
+    stream.Write({batch.data(), filled});
+    filled = 0;
+  }
+}
+
+void BmpEncoder::FillHead() {
+  FillFileHeader();
+  FillInfoHeader();
+  FillMasks();
+  FillColorSpace();
+  FillPalette();
+}
+
+void BmpEncoder::WriteTo(TStream& stream) {
+  RequireWritable();
+  FillHead();
+  stream.Write(head_);
+  WriteRows(stream);
+  if (HasProfile()) stream.Write(*profile_);
+}
+
+}  // namespace
+
+void EncodeBmp(const Raster& raster, TStream& stream, BmpProfile profile) {
+  BmpEncoder(raster, profile).WriteTo(stream);
+}
+
+std::vector<uint8_t> detail::BmpHead(const Raster& raster, BmpProfile profile) {
+  BmpEncoder encoder(raster, profile);
+  encoder.FillHead();
+  return encoder.Head();
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,129 @@
+#include <algorithm>
+#include <cstring>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <rasterkit/codecs/bmp/bmp_rows.h>
+#include <rasterkit/runtime/errors.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// Bytes read at once: enough to make calls cheap, few enough to finish rows while they are in the
+/// cache.
+constexpr size_t kBatchBytes = 512 * 1024;
+/// What the system takes in one scattered read.
+constexpr size_t kBatchRows = 1024;
+
+/// Bytes of the file's rows: with and without the padding at their end.
+size_t FileStride(const BmpHeader& header) {
+  return static_cast<size_t>(StrideBytes(header.width, header.bits));
+}
+uint64_t FileRowBytes(const BmpHeader& header) {
+  return (static_cast<uint64_t>(header.width) * static_cast<uint64_t>(header.bits) + 7) / 8;
+}
+
+class RowReader {
+ public:
+  RowReader(TStream& stream, const BmpHeader& header, const BmpRowRules& rules, Raster& raster)
+      : stream_(stream),
+        header_(header),
+        rules_(rules),
+        raster_(raster),
+        stride_(FileStride(header)),
+        batchRows_(static_cast<int>(std::clamp<size_t>(kBatchBytes / stride_, 1, kBatchRows))) {}
+
+  /// Fills all rows, with zeros where the data end early; returns how many were there completely.
+  int Read();
+
+ private:
+  /// Row `index` of the file, in the raster.
+  uint8_t* Target(int index) {
+    return raster_.Row(header_.topDown ? index : header_.height - 1 - index);
+  }
+  /// Brings up to `count` rows in, the first being `first`; returns the bytes that were there.
+  size_t ReadBatch(int first, int count);
+  size_t ReadStraight(int first, int count);
+  size_t ReadConverted(int count);
+  /// `place` is the row's offset in its batch, of which `got` bytes were there.
+  void FinishRow(int index, size_t place, size_t got);
+
+  TStream& stream_;
+  const BmpHeader& header_;
+  const BmpRowRules& rules_;
+  Raster& raster_;
+  const size_t stride_;
+  const int batchRows_;
+  std::vector<std::span<uint8_t>> pieces_;
+  std::vector<uint8_t> buffer_;
+};
+
+size_t RowReader::ReadStraight(int first, int count) {
+  pieces_.clear();
+  for (int i = 0; i < count; ++i) {
+    const std::span<uint8_t> row(Target(first + i), stride_);
+    // Rows of a top-down file lie one behind the other: one piece.
+    if (!pieces_.empty() && pieces_.back().data() + pieces_.back().size() == row.data()) {
+      pieces_.back() = {pieces_.back().data(), pieces_.back().size() + row.size()};
+    } else {
+      pieces_.push_back(row);
+    }
+  }
+  return stream_.ReadScattered(pieces_);
+}
+
+size_t RowReader::ReadConverted(int count) {
+  buffer_.resize(static_cast<size_t>(count) * stride_);
+  return stream_.Read(buffer_);
+}
+
+size_t RowReader::ReadBatch(int first, int count) {
+  return rules_.isConverted ? ReadConverted(count) : ReadStraight(first, count);
+}
+
+void RowReader::FinishRow(int index, size_t place, size_t got) {
+  const size_t there = got > place ? std::min(got - place, stride_) : 0;
+  uint8_t* source = rules_.isConverted ? buffer_.data() + place : Target(index);
+  std::memset(source + there, 0, stride_ - there);
+  if (rules_.finish) rules_.finish(source, Target(index));
+}
+
+int RowReader::Read() {
+  const size_t padding = stride_ - FileRowBytes(header_);
+  int complete = 0;
+  bool isAtEnd = false;
+  int count = 0;
+  for (int first = 0; first < header_.height; first += count) {
+    count = std::min(batchRows_, header_.height - first);
+    const size_t got = isAtEnd ? 0 : ReadBatch(first, count);
+    for (int i = 0; i < count; ++i) FinishRow(first + i, static_cast<size_t>(i) * stride_, got);
+    // The last row's padding may be missing: that takes nothing from the picture.
+    const int there =
+        static_cast<int>(std::min((got + padding) / stride_, static_cast<size_t>(count)));
+    if (!isAtEnd) complete += there;
+    isAtEnd = isAtEnd || there < count;
+  }
+  return complete;
+}
+
+}  // namespace
+
+void RequireOneBmpRow(const BmpHeader& header) {
+  if (header.pixelBytes >= FileRowBytes(header)) return;
+  throw FormatError("BMP: the data end inside the first of " + std::to_string(header.height) +
+                    " rows");
+}
+
+void ReadBmpRows(TStream& stream, const BmpHeader& header, const BmpRowRules& rules, Raster& raster,
+                 CodecReport& report) {
+  RequireOneBmpRow(header);
+  const int there = RowReader(stream, header, rules, raster).Read();
+  raster.ClearPadding();
+  if (there < header.height) {
+    report.warnings.push_back("BMP: premature end of data, " + std::to_string(there) + " of " +
+                              std::to_string(header.height) + " rows are there");
+  }
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <csetjmp>
+#include <string>
+#include <type_traits>
+
+#include <png.h>
+
+#include <rasterkit/codecs/rows/codec_report.h>
+
+namespace rasterkit::detail {
+
+/// libpng's error handling as values: a fatal error jumps out of the library to `RunPng`, warnings
+/// are kept, nothing is printed. Plain data, because the jump runs no destructors; `Throw` makes
+/// the exception afterwards.
+class PngErrors {
+ public:
+  /// The two functions that libpng is created with; its error pointer must be a PngErrors.
+  [[noreturn]] static void OnFatal(png_structp png, png_const_charp text);
+  static void OnWarning(png_structp png, png_const_charp text);
+
+  /// Throws what the last failed call left: LimitError when memory ran out, else FormatError.
+  [[noreturn]] void Throw() const;
+
+  /// "PNG: " and what libpng said last.
+  std::string Reason() const { return std::string("PNG: ") + message_; }
+  bool MessageIs(const char* text) const;
+
+  /// Appends the kept warnings to the report.
+  void CopyTo(CodecReport& report) const;
+
+  std::jmp_buf jump;
+
+ private:
+  static constexpr int keptWarnings = 8;
+  static constexpr int textBytes = 120;
+
+  char message_[textBytes] = "";
+  char warnings_[keptWarnings][textBytes] = {};
+  int warningCount_ = 0;
+};
+
+/// Runs `body`, which calls libpng; false when the library gave up. What `body` holds must need no
+/// destructor.
+template <class Body>
+bool RunPng(PngErrors& errors, const Body& body) {
+  static_assert(std::is_trivially_destructible_v<Body>);
+  if (setjmp(errors.jump) != 0) return false;
+  body();
+  return true;
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <rasterkit/codecs/rows/imaging_frame.h>
+
+namespace rasterkit::detail {
+
+/// The raster that holds frames of this pixel format: as many bits a pixel.
+constexpr TPixelFormat RasterFormatOf(WICPixelFormat format) {
+  switch (format) {
+    case GUID_WICPixelFormatBlackWhite:
+    case GUID_WICPixelFormat1bppIndexed:
+      return pf1bit;
+    case GUID_WICPixelFormat4bppIndexed:
+    case GUID_WICPixelFormat4bppGray:
+      return pf4bit;
+    case GUID_WICPixelFormat8bppIndexed:
+    case GUID_WICPixelFormat8bppGray:
+      return pf8bit;
+    case GUID_WICPixelFormat16bppBGR555:
+    case GUID_WICPixelFormat16bppBGR565:
+    case GUID_WICPixelFormat16bppGray:
+    case GUID_WICPixelFormat16bppGrayFixedPoint:
+    case GUID_WICPixelFormat16bppGrayHalf:
+      return pf16bit;
+    case GUID_WICPixelFormat24bppBGR:
+    case GUID_WICPixelFormat24bppRGB:
+      return pf24bit;
+    default:
+      return pf32bit;
+  }
+}
+
+constexpr int PixelBits(WICPixelFormat format) {
+  return StoredBitsPerPixel(RasterFormatOf(format));
+}
+
+}  // namespace rasterkit::detail

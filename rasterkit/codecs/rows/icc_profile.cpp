@@ -1,0 +1,26 @@
+#include <cstring>
+
+#include <rasterkit/codecs/rows/icc_profile.h>
+
+namespace rasterkit::detail {
+
+namespace {
+
+constexpr size_t headerBytes = 128;
+constexpr size_t colorSpaceAt = 16;
+constexpr size_t signatureAt = 36;
+
+}  // namespace
+
+bool ProfileFits(std::span<const uint8_t> profile, ProfileSpace space) {
+  if (profile.size() < headerBytes) return false;
+  if (std::memcmp(profile.data() + signatureAt, "acsp", 4) != 0) return false;
+  const char* name = space == ProfileSpace::gray ? "GRAY" : "RGB ";
+  return std::memcmp(profile.data() + colorSpaceAt, name, 4) == 0;
+}
+
+bool ProfileFits(const ColorProfile& profile, ProfileSpace space) {
+  return profile && ProfileFits(std::span(*profile), space);
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,246 @@
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include <rasterkit/codecs/tiff/tiff_blocks.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/memory/memory_budget.h>
+
+namespace rasterkit::detail {
+
+namespace {
+
+/// Pictures up to this many bytes are searched for the last sound row of every damaged block: that
+/// unpacks a block three times.
+constexpr uint64_t searchedBytes = uint64_t{1} << 30;
+/// The same where it takes some more times.
+constexpr uint64_t bisectedBytes = uint64_t{64} << 20;
+
+/// A byte that is hardly ever in the picture by chance, another one at each place.
+uint8_t Mark(size_t place) {
+  return static_cast<uint8_t>((static_cast<uint32_t>(place) * 0x9E3779B1u) >> 24);
+}
+
+uint16_t Reversed(uint16_t word) {
+  return __builtin_bswap16(word);
+}
+uint32_t Reversed(uint32_t word) {
+  return __builtin_bswap32(word);
+}
+uint64_t Reversed(uint64_t word) {
+  return __builtin_bswap64(word);
+}
+
+/// Reverses the bytes of each word, many words at a time once compiled.
+template <typename Word>
+void ReverseWords(uint8_t* bytes, size_t count) {
+  for (size_t at = 0; at + sizeof(Word) <= count; at += sizeof(Word)) {
+    Word word;
+    std::memcpy(&word, bytes + at, sizeof word);
+    const Word reversed = Reversed(word);
+    std::memcpy(bytes + at, &reversed, sizeof word);
+  }
+}
+
+/// While it lives, Deflate is unpacked by the library that writes everything before a fault; the
+/// faster one looks at whole pieces first.
+class PatientDeflate {
+ public:
+  PatientDeflate(TIFF* tiff, int compression)
+      : tiff_(compression == COMPRESSION_ADOBE_DEFLATE || compression == COMPRESSION_DEFLATE
+                  ? tiff
+                  : nullptr) {
+    if (tiff_ && TIFFGetField(tiff_, TIFFTAG_DEFLATE_SUBCODEC, &usual_))
+      TIFFSetField(tiff_, TIFFTAG_DEFLATE_SUBCODEC, DEFLATE_SUBCODEC_ZLIB);
+  }
+  ~PatientDeflate() {
+    if (tiff_) TIFFSetField(tiff_, TIFFTAG_DEFLATE_SUBCODEC, usual_);
+  }
+  PatientDeflate(const PatientDeflate&) = delete;
+  PatientDeflate& operator=(const PatientDeflate&) = delete;
+
+ private:
+  TIFF* const tiff_;
+  int usual_ = DEFLATE_SUBCODEC_ZLIB;
+};
+
+}  // namespace
+
+uint32_t TiffBlockReader::Read(uint32_t block, uint32_t first, uint32_t rows, uint8_t* target) {
+  const size_t rowBytes = layout_.grid.rowBytes;
+  const auto [offset, count] = ExtentOf(block);
+  if (offset == 0 && count == 0) {
+    FillSparse(target, rows * rowBytes);
+    return rows;
+  }
+  if (!IsPlain()) return ReadPacked(block, offset, count, rows, target);
+  const uint64_t skipped = uint64_t{first} * rowBytes;
+  if (count <= skipped) return 0;
+  return ReadPlain(offset + skipped, count - skipped, rows, target);
+}
+
+TiffExtent TiffBlockReader::ExtentOf(uint32_t block) const {
+  if (!layout_.joinedStrips.empty()) return layout_.joinedStrips[block];
+  return {TIFFGetStrileOffset(handle_.Tiff(), block),
+          TIFFGetStrileByteCount(handle_.Tiff(), block)};
+}
+
+uint32_t TiffBlockReader::ReadPlain(uint64_t offset, uint64_t count, uint32_t rows,
+                                    uint8_t* target) {
+  const size_t rowBytes = layout_.grid.rowBytes;
+  const auto wanted = static_cast<size_t>(std::min<uint64_t>(count, rows * uint64_t{rowBytes}));
+  const size_t there = handle_.Source().ReadAt(offset, {target, wanted});
+  ToProcessorOrder(target, there / rowBytes * rowBytes);
+  const auto whole = static_cast<uint32_t>(there / rowBytes);
+  if (whole < rows) errors_.emplace_back("the data end early");
+  return whole;
+}
+
+void TiffBlockReader::ToProcessorOrder(uint8_t* bytes, size_t count) const {
+  if (handle_.Field<uint16_t>(TIFFTAG_FILLORDER, FILLORDER_MSB2LSB) == FILLORDER_LSB2MSB)
+    TIFFReverseBits(bytes, static_cast<tmsize_t>(count));
+  if (!TIFFIsByteSwapped(handle_.Tiff())) return;
+  switch (layout_.bits) {
+    case 16:
+      return ReverseWords<uint16_t>(bytes, count);
+    case 24:
+      return TIFFSwabArrayOfTriples(bytes, static_cast<tmsize_t>(count / 3));
+    case 32:
+      return ReverseWords<uint32_t>(bytes, count);
+    case 64:
+      return ReverseWords<uint64_t>(bytes, count);
+    default:
+      return;
+  }
+}
+
+void TiffBlockReader::FillSparse(uint8_t* target, size_t bytes) const {
+  if (blanks_.sparseBytes == 1) {
+    std::memset(target, blanks_.sparse[0], bytes);
+    return;
+  }
+  for (size_t at = 0; at + blanks_.sparseBytes <= bytes; at += blanks_.sparseBytes)
+    std::memcpy(target + at, blanks_.sparse.data(), blanks_.sparseBytes);
+}
+
+uint32_t TiffBlockReader::ReadPacked(uint32_t block, uint64_t offset, uint64_t count, uint32_t rows,
+                                     uint8_t* target) {
+  const uint64_t size = handle_.Source().Size();
+  const uint64_t left = offset < size ? size - offset : 0;
+  const auto wanted = static_cast<size_t>(std::min(count, left));
+  RequirePictureMemory(wanted, "TIFF: a strip or tile");
+  if (raw_.Size() < wanted) raw_ = PixelMemory(wanted);
+  const size_t there = handle_.Source().ReadAt(offset, {raw_.Data(), wanted});
+  if (there < count) errors_.emplace_back("the data end early");
+  if (there == 0) return 0;
+  const uint32_t unpacked = UnpackedRows(rows);
+  if (Unpack(block, there, unpacked, target)) return rows;
+  if (IsFax() || PictureBytes() > searchedBytes) return 0;
+  const size_t errorsSoFar = errors_.size();
+  const uint32_t sound = std::min(rows, RowsThere(block, there, unpacked, target));
+  errors_.resize(errorsSoFar);
+  return sound;
+}
+
+bool TiffBlockReader::Unpack(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target) {
+  if (MayLeaveGaps()) std::memset(target, blanks_.whiteByte, rows * layout_.grid.rowBytes);
+  return UnpackOnto(block, rawBytes, rows, target);
+}
+
+bool TiffBlockReader::UnpackOnto(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target) {
+  const size_t bytes = rows * layout_.grid.rowBytes;
+  // Fax codecs go on behind damaged rows, and tell failure as success here.
+  const bool isWhole =
+      TIFFReadFromUserBuffer(handle_.Tiff(), block, raw_.Data(), static_cast<tmsize_t>(rawBytes),
+                             target, static_cast<tmsize_t>(bytes)) != 0;
+  std::vector<std::string> texts = handle_.Messages().TakeErrors();
+  for (std::string& text : handle_.Messages().TakeWarnings()) texts.push_back(std::move(text));
+  if (IsFax() && !texts.empty()) ClearUnreadRow(rows, target);
+  const bool isComplete = isWhole && (texts.empty() || !IsFax() || !IsBlank({target, bytes}));
+  std::move(texts.begin(), texts.end(), std::back_inserter(errors_));
+  return isComplete;
+}
+
+bool TiffBlockReader::IsFax() const {
+  switch (layout_.compression) {
+    case COMPRESSION_CCITTRLE:
+    case COMPRESSION_CCITTRLEW:
+    case COMPRESSION_CCITTFAX3:
+    case COMPRESSION_CCITTFAX4:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// The row that a fax codec gives up at becomes a row of zeros; where zeros show black that would
+/// be a line across the picture. Nothing but untouched rows may follow: others may be as they
+/// should.
+void TiffBlockReader::ClearUnreadRow(uint32_t rows, uint8_t* target) const {
+  const size_t rowBytes = layout_.grid.rowBytes;
+  const auto row = [&](uint32_t y) { return std::span(target + y * rowBytes, rowBytes); };
+  uint32_t written = rows;
+  while (written > 0 && IsBlank(row(written - 1))) written--;
+  if (written == 0 || written == rows) return;
+  const std::span<uint8_t> last = row(written - 1);
+  // The bits behind the picture's right edge are left alone.
+  const auto edge = static_cast<uint8_t>(0xFF00 >> (layout_.grid.width - 1) % 8 >> 1);
+  const bool isUnread =
+      (last.back() & edge) == 0 &&
+      std::all_of(last.begin(), last.end() - 1, [](uint8_t byte) { return byte == 0; });
+  if (isUnread) std::fill(last.begin(), last.end(), blanks_.whiteByte);
+}
+
+bool TiffBlockReader::IsBlank(std::span<const uint8_t> bytes) const {
+  return std::all_of(bytes.begin(), bytes.end(),
+                     [&](uint8_t byte) { return byte == blanks_.whiteByte; });
+}
+
+/// Whole rows that the codec writes before it fails.
+uint32_t TiffBlockReader::RowsWritten(uint32_t block, size_t rawBytes, uint32_t rows,
+                                      uint8_t* target) {
+  size_t end = rows * layout_.grid.rowBytes;
+  for (size_t i = 0; i < end; i++) target[i] = Mark(i);
+  const PatientDeflate patient(handle_.Tiff(), layout_.compression);
+  UnpackOnto(block, rawBytes, rows, target);
+  while (end > 0 && target[end - 1] == Mark(end - 1)) end--;
+  return static_cast<uint32_t>(end / layout_.grid.rowBytes);
+}
+
+uint32_t TiffBlockReader::RowsThere(uint32_t block, size_t rawBytes, uint32_t rows,
+                                    uint8_t* target) {
+  // Asked for no more than these, the codec has no reason to fail.
+  uint32_t unsound = RowsWritten(block, rawBytes, rows, target);
+  if (unsound == 0 || Unpack(block, rawBytes, unsound, target)) return unsound;
+  if (PictureBytes() > bisectedBytes) return 0;
+  // The greatest number of rows that unpack without an error: fewer rows need fewer bytes.
+  uint32_t sound = 0;
+  while (unsound - sound > 1) {
+    const uint32_t middle = sound + (unsound - sound) / 2;
+    (Unpack(block, rawBytes, middle, target) ? sound : unsound) = middle;
+  }
+  if (sound > 0) Unpack(block, rawBytes, sound, target);
+  return sound;
+}
+
+/// Of all blocks, unpacked.
+uint64_t TiffBlockReader::PictureBytes() const {
+  const uint64_t block = uint64_t{layout_.grid.rowBytes} * layout_.grid.height;
+  return block * layout_.grid.PerPlane() * layout_.planes.size();
+}
+
+bool TiffBlockReader::MayLeaveGaps() const {
+  switch (layout_.compression) {
+    case COMPRESSION_LZW:
+    case COMPRESSION_ADOBE_DEFLATE:
+    case COMPRESSION_DEFLATE:
+    case COMPRESSION_PACKBITS:
+    case COMPRESSION_ZSTD:
+    case COMPRESSION_LZMA:
+      return false;
+    default:
+      return true;
+  }
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <array>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <rasterkit/codecs/tiff/tiff_layout.h>
+#include <rasterkit/runtime/memory/pixel_memory.h>
+
+namespace rasterkit::detail {
+
+/// What to put where a file has nothing.
+struct TiffBlanks {
+  /// Sample byte that shows white, for codecs that may leave rows out without saying so.
+  uint8_t whiteByte = 0xFF;
+  /// Bytes of one sample, repeated: what a block that was left out of a sparse file holds.
+  std::array<uint8_t, 8> sparse{};
+  size_t sparseBytes = 1;
+};
+
+/// Reads strips and tiles, one at a time, for one thread.
+class TiffBlockReader {
+ public:
+  TiffBlockReader(TiffHandle& handle, const TiffLayout& layout, const TiffBlanks& blanks)
+      : handle_(handle), layout_(layout), blanks_(blanks) {}
+
+  /// True when rows of a block can be read one by one, as nothing is packed.
+  bool IsPlain() const { return layout_.compression == COMPRESSION_NONE; }
+  /// Rows that `Read` unpacks for a block of which the picture has `rows`: tiles are whole.
+  uint32_t UnpackedRows(uint32_t rows) const {
+    return layout_.grid.isTiled && !IsPlain() ? layout_.grid.height : rows;
+  }
+
+  /// Rows `first` to `first + rows - 1` of a block to `target`, which has room for `UnpackedRows`;
+  /// `first` is 0 unless the block is plain. Returns how many were there; the others hold
+  /// undefined bytes. Throws what the stream throws.
+  uint32_t Read(uint32_t block, uint32_t first, uint32_t rows, uint8_t* target);
+
+  /// What was wrong since the last call.
+  std::vector<std::string> TakeErrors() { return std::move(errors_); }
+
+ private:
+  TiffExtent ExtentOf(uint32_t block) const;
+  uint32_t ReadPlain(uint64_t offset, uint64_t count, uint32_t rows, uint8_t* target);
+  uint32_t ReadPacked(uint32_t block, uint64_t offset, uint64_t count, uint32_t rows,
+                      uint8_t* target);
+  uint32_t RowsThere(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
+  uint32_t RowsWritten(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
+  bool Unpack(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
+  bool UnpackOnto(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
+  void ToProcessorOrder(uint8_t* bytes, size_t count) const;
+  void ClearUnreadRow(uint32_t rows, uint8_t* target) const;
+  void FillSparse(uint8_t* target, size_t bytes) const;
+  uint64_t PictureBytes() const;
+  bool MayLeaveGaps() const;
+  bool IsFax() const;
+  bool IsBlank(std::span<const uint8_t> bytes) const;
+
+  TiffHandle& handle_;
+  const TiffLayout& layout_;
+  const TiffBlanks blanks_;
+  PixelMemory raw_;
+  std::vector<std::string> errors_;
+};
+
+}  // namespace rasterkit::detail

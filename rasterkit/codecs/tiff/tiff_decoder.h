@@ -1,0 +1,13 @@
+#pragma once
+
+#include <rasterkit/codecs/decode_frame.h>
+
+namespace rasterkit {
+
+/// Reads the first picture of a TIFF or BigTIFF file that starts at the stream's position; see
+/// docs/formats.md for the kinds. Rows are as stored: the orientation tag is the caller's matter
+/// (`ReadTiffFacts` tells it).
+RASTERKIT_EXPORT ImagingFrame DecodeTiff(TStream& stream, const FrameOptions& options = {},
+                                         CodecReport* report = nullptr);
+
+}  // namespace rasterkit

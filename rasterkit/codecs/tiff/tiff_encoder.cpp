@@ -1,0 +1,60 @@
+#include <algorithm>
+
+#include <rasterkit/codecs/rows/icc_profile.h>
+#include <rasterkit/codecs/tiff/tiff_encoder.h>
+#include <rasterkit/codecs/tiff/tiff_plan.h>
+#include <rasterkit/codecs/tiff/tiff_strips.h>
+
+namespace rasterkit {
+
+namespace {
+
+using detail::TiffOutput;
+using detail::TiffPlan;
+
+constexpr uint32_t pixelScaleTag = 33550, tiePointTag = 33922;
+constexpr int mostThreads = 64;
+
+void SetProfile(TiffOutput& output, const Raster& raster, const TiffPlan& plan) {
+  const bool isGray =
+      plan.photometric == PHOTOMETRIC_MINISBLACK || plan.photometric == PHOTOMETRIC_MINISWHITE;
+  const auto space = isGray ? detail::ProfileSpace::gray : detail::ProfileSpace::rgb;
+  if (!detail::ProfileFits(raster.profile, space)) return;
+  output.Set(TIFFTAG_ICCPROFILE, static_cast<uint32_t>(raster.profile->size()),
+             raster.profile->data());
+}
+
+void SetResolution(TiffOutput& output, const Resolution& resolution) {
+  if (!resolution.IsKnown()) return;
+  output.Set(TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+  output.Set(TIFFTAG_XRESOLUTION, resolution.x);
+  output.Set(TIFFTAG_YRESOLUTION, resolution.y);
+}
+
+/// The library does not know the tags of maps; each handle learns them anew.
+void SetGeoTags(TiffOutput& output, const TiffGeoTags& geo) {
+  static constexpr TIFFFieldInfo fields[] = {
+      {pixelScaleTag, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1,
+       const_cast<char*>("ModelPixelScaleTag")},
+      {tiePointTag, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1, const_cast<char*>("ModelTiepointTag")},
+  };
+  TIFFMergeFieldInfo(output.Tiff(), fields, static_cast<uint32_t>(std::size(fields)));
+  output.Set(pixelScaleTag, static_cast<int>(geo.pixelScale.size()), geo.pixelScale.data());
+  output.Set(tiePointTag, static_cast<int>(geo.tiePoint.size()), geo.tiePoint.data());
+}
+
+}  // namespace
+
+void EncodeTiff(const Raster& raster, TStream& stream, const TiffWriteOptions& options) {
+  const TiffPlan plan = detail::PlanTiff(raster, options);
+  TiffOutput output(stream, plan.isBig);
+  detail::SetStripTags(output, plan);
+  detail::SetColorTags(output, plan);
+  SetProfile(output, raster, plan);
+  SetResolution(output, raster.resolution);
+  if (options.geo) SetGeoTags(output, *options.geo);
+  detail::WriteStrips(output, raster, plan, std::clamp(options.threads, 1, mostThreads));
+  output.Finish();
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include <rasterkit/codecs/tiff/tiff_output.h>
+#include <rasterkit/codecs/tiff/tiff_plan.h>
+#include <rasterkit/runtime/files/stream.h>
+
+namespace rasterkit::detail {
+
+/// Packs strips as a file's own handle would, for one thread: a handle of its own whose file is
+/// never finished, and of which only the strips are kept.
+class TiffStripPacker {
+ public:
+  explicit TiffStripPacker(const TiffPlan& plan);
+
+  std::vector<uint8_t> Pack(uint32_t strip, std::span<const uint8_t> rows);
+
+ private:
+  /// Keeps what is written, wherever it should go: a strip comes in pieces that follow each other.
+  class Bytes : public TStream {
+   public:
+    size_t Read(std::span<uint8_t>) override { return 0; }
+    void Write(std::span<const uint8_t> source) override {
+      bytes.insert(bytes.end(), source.begin(), source.end());
+    }
+    uint64_t Position() const override { return 0; }
+    void SetPosition(uint64_t) override {}
+    uint64_t Size() const override { return bytes.size(); }
+
+    std::vector<uint8_t> bytes;
+  };
+
+  Bytes bytes_;
+  TiffOutput output_;
+};
+
+}  // namespace rasterkit::detail

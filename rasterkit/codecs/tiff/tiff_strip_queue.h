@@ -1,0 +1,40 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include <rasterkit/codecs/tiff/tiff_output.h>
+
+namespace rasterkit::detail {
+
+/// Gives strips to several threads and writes what they made of them, in the order of the strips.
+class TiffStripQueue {
+ public:
+  /// `window`: how many strips may be under way or wait for an earlier one, so that memory stays
+  /// bounded; at least the number of threads.
+  TiffStripQueue(TiffOutput& output, uint32_t strips, uint32_t window)
+      : output_(output), strips_(strips), window_(window) {}
+
+  /// The next strip to be packed; waits while too many are. Nothing when all are given out or one
+  /// failed.
+  std::optional<uint32_t> Next();
+  /// Takes the bytes of a strip and writes all that are due. Throws what the output throws.
+  void Put(uint32_t strip, std::vector<uint8_t> bytes);
+  /// Ends the work: no further strip is given out.
+  void Stop();
+
+ private:
+  TiffOutput& output_;
+  const uint32_t strips_, window_;
+  std::mutex mutex_;
+  std::condition_variable hasRoom_;
+  std::map<uint32_t, std::vector<uint8_t>> waiting_;
+  uint32_t next_ = 0, written_ = 0;
+  bool isStopped_ = false;
+};
+
+}  // namespace rasterkit::detail

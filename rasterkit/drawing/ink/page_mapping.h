@@ -1,0 +1,37 @@
+#pragma once
+
+#include <rasterkit/drawing/ink/affine.h>
+#include <rasterkit/drawing/ink/drawing_modes.h>
+#include <rasterkit/drawing/ink/drawing_objects.h>
+
+namespace rasterkit::detail {
+
+/// From page units to pixels of the recording device: what the window shows appears in the
+/// viewport.
+class PageMapping {
+ public:
+  explicit PageMapping(const ReferenceDevice& device);
+
+  void SetMode(MapMode mode);
+  /// Extents are kept in the modes isotropic and anisotropic only; 0 is no extent.
+  void SetWindowExt(PointD extent);
+  void SetViewportExt(PointD extent);
+  void ScaleWindowExt(PointD numerator, PointD denominator);
+  void ScaleViewportExt(PointD numerator, PointD denominator);
+
+  Affine ToDevice() const;
+
+  PointD windowOrg, viewportOrg;
+  bool isMirrored = false;  ///< left to right, about the middle of the device
+
+ private:
+  bool TakesExtents() const { return mode_ == MapMode::isotropic || mode_ == MapMode::anisotropic; }
+  void SetUnitsPerMm(double units);
+  void KeepSquare();
+
+  ReferenceDevice device_;
+  MapMode mode_ = MapMode::text;
+  PointD windowExt_{1, 1}, viewportExt_{1, 1};
+};
+
+}  // namespace rasterkit::detail

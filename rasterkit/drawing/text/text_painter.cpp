@@ -1,0 +1,170 @@
+#include <algorithm>
+#include <cmath>
+
+#include <rasterkit/drawing/ink/flat_path.h>
+#include <rasterkit/drawing/ink/pixel_boxes.h>
+#include <rasterkit/drawing/text/font_lock.h>
+#include <rasterkit/drawing/text/text_painter.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// Letters that are larger than so many pixels are drawn as outlines, as cairo would keep pictures
+/// of them.
+constexpr double kMaxGlyphPixels = 200;
+/// The size that outlines are taken at.
+constexpr double kOutlineSize = 256;
+/// Smaller than this, or flatter, nothing is seen of a letter, and cairo takes no such font.
+constexpr double kMinGlyphPixels = 0.05;
+
+/// A rectangle on the line's coordinates.
+DrawingPath LineRect(const RectD& rect, const TextLine& line, const TextPlacement& placement) {
+  // Letters may be drawn on another scale than the steps between them: heights are the letters'.
+  const auto point = [&](double x, double y) {
+    const double part = line.width != 0 ? x / line.width : 0;
+    const PointD base = placement.places(PointD{x, part * line.drop});
+    const PointD down = placement.letters.Direction({0, y});
+    return PointD{base.x + down.x, base.y + down.y};
+  };
+  DrawingPath outline;
+  outline.MoveTo(point(rect.left, rect.top));
+  outline.LineTo(point(rect.right, rect.top));
+  outline.LineTo(point(rect.right, rect.bottom));
+  outline.LineTo(point(rect.left, rect.bottom));
+  outline.Close();
+  return outline;
+}
+
+struct OptionsRelease {
+  void operator()(cairo_font_options_t* options) const { cairo_font_options_destroy(options); }
+};
+
+CairoScaledFont SizedFont(FontFace& face, const Affine& letters) {
+  const std::unique_ptr<cairo_font_options_t, OptionsRelease> options(cairo_font_options_create());
+  cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
+  // Pictures are shown at any size: letters stand where they were put, not where hints would.
+  cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
+  cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
+  const cairo_matrix_t size = LinearMatrix(letters);
+  cairo_matrix_t identity;
+  cairo_matrix_init_identity(&identity);
+  CairoScaledFont font(cairo_scaled_font_create(face.Face(), &size, &identity, options.get()));
+  if (cairo_scaled_font_status(font.get()) != CAIRO_STATUS_SUCCESS) font.reset();
+  return font;
+}
+
+/// Glyphs in a row that are of one font.
+template <class Use>
+void ForEachRun(const std::vector<PlacedGlyph>& glyphs, Use use) {
+  constexpr size_t atOnce = 1000;
+  for (size_t first = 0; first < glyphs.size();) {
+    size_t last = first + 1;
+    while (last < glyphs.size() && last - first < atOnce &&
+           glyphs[last].face == glyphs[first].face) {
+      ++last;
+    }
+    use(std::span(glyphs).subspan(first, last - first));
+    first = last;
+  }
+}
+
+/// The outline of one letter at the usual size, its point on the baseline at (0, 0).
+DrawingPath LetterOutline(cairo_t* scratch, unsigned long index) {
+  const cairo_glyph_t glyph{index, 0, 0};
+  cairo_new_path(scratch);
+  cairo_glyph_path(scratch, &glyph, 1);
+  return PathOf(scratch);
+}
+
+void ShowGlyphs(Painter& painter, std::span<const PlacedGlyph> run, const Affine& letters,
+                const TextPlacement& placement, const PixelRect& box, uint32_t pixel) {
+  const std::shared_lock shared(OpenFonts());
+  const CairoScaledFont font = SizedFont(*run[0].face, letters);
+  if (!font) return;
+  std::vector<cairo_glyph_t> glyphs;
+  glyphs.reserve(run.size());
+  for (const PlacedGlyph& placed : run) {
+    const PointD at = CairoPoint(placement.places(placed.at));
+    glyphs.push_back({placed.index, at.x, at.y});
+  }
+  painter.Draw(box, {.pixel = pixel}, kCopyBrush, [&](cairo_t* cairo) {
+    cairo_set_scaled_font(cairo, font.get());
+    cairo_show_glyphs(cairo, glyphs.data(), static_cast<int>(glyphs.size()));
+  });
+}
+
+/// What any of the letters may cover.
+PixelRect GlyphBox(std::span<const PlacedGlyph> glyphs, const Affine& letters,
+                   const TextPlacement& placement) {
+  const double reach =
+      3 * (std::hypot(letters.m11, letters.m12) + std::hypot(letters.m21, letters.m22)) + 2;
+  DrawingPath places;
+  for (const PlacedGlyph& glyph : glyphs) places.LineTo(placement.places(glyph.at));
+  return CoveringBox(*places.Bounds(), reach);
+}
+
+}  // namespace
+
+Affine LetterMap(const TextLine& line, const TextPlacement& placement) {
+  return Affine::Scaling(line.emHeight * line.stretch, line.emHeight).Then(placement.letters);
+}
+
+bool AreLettersOutlines(const Affine& letters) {
+  return std::max(std::hypot(letters.m11, letters.m12), std::hypot(letters.m21, letters.m22)) >
+         kMaxGlyphPixels;
+}
+
+DrawingPath TextCell(const TextLine& line, const TextPlacement& placement) {
+  return LineRect({0, -line.ascent, line.width, line.descent}, line, placement);
+}
+
+DrawingPath TextOutline(const TextLine& line, const TextPlacement& placement) {
+  const std::shared_lock shared(OpenFonts());
+  const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1));
+  const CairoContext scratch(cairo_create(surface.get()));
+  const Affine letters = LetterMap(line, placement);
+  DrawingPath outline;
+  ForEachRun(line.glyphs, [&](std::span<const PlacedGlyph> run) {
+    const CairoScaledFont font =
+        SizedFont(*run[0].face, Affine::Scaling(kOutlineSize, kOutlineSize));
+    if (!font) return;
+    cairo_set_scaled_font(scratch.get(), font.get());
+    for (const PlacedGlyph& glyph : run) {
+      const PointD at = placement.places(glyph.at);
+      DrawingPath letter = LetterOutline(scratch.get(), glyph.index);
+      letter.Transform(Affine::Scaling(1 / kOutlineSize, 1 / kOutlineSize)
+                           .Then(letters)
+                           .Then(Affine::Translation(at.x, at.y)));
+      outline.Append(letter);
+    }
+  });
+  return outline;
+}
+
+void PaintText(Painter& painter, const TextLine& line, const TextPlacement& placement,
+               const LogicalFont& font, uint32_t pixel) {
+  const Affine letters = LetterMap(line, placement);
+  const double across = std::hypot(letters.m11, letters.m12);
+  const double down = std::hypot(letters.m21, letters.m22);
+  const double flattest = std::abs(letters.Determinant()) / std::max(across, down);
+  if (!(std::min(across, down) > kMinGlyphPixels) || !(flattest > kMinGlyphPixels)) return;
+  if (AreLettersOutlines(letters)) {
+    painter.Fill(TextOutline(line, placement), PolygonFill::winding, {.pixel = pixel}, kCopyBrush);
+  } else {
+    ForEachRun(line.glyphs, [&](std::span<const PlacedGlyph> run) {
+      ShowGlyphs(painter, run, letters, placement, GlyphBox(run, letters, placement), pixel);
+    });
+  }
+  const FontMetrics& metrics = line.face->Metrics();
+  const auto rule = [&](double center, double thickness) {
+    // Never less than a pixel.
+    const double thick = std::max(thickness, 1 / down);
+    const double y = center * line.emHeight, half = thick * line.emHeight / 2;
+    painter.Fill(LineRect({0, y - half, line.width, y + half}, line, placement),
+                 PolygonFill::winding, {.pixel = pixel}, kCopyBrush);
+  };
+  if (font.underline) rule(metrics.underlineCenter, metrics.underlineWidth);
+  if (font.strikeOut) rule(metrics.strikeOutCenter, metrics.strikeOutWidth);
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,85 @@
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/graphics/canvas.h>
+#include <rasterkit/graphics/metafile.h>
+#include <rasterkit/metafiles/play_metafile.h>
+#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
+#include <rasterkit/metafiles/wmf/wmf_writer.h>
+#include <rasterkit/raster/convert.h>
+#include <rasterkit/raster/fill.h>
+#include <rasterkit/runtime/errors.h>
+
+namespace rasterkit {
+namespace {
+
+constexpr double kPixelsPerInch = 96;
+
+}  // namespace
+
+std::span<const uint8_t> TMetafile::Bytes() const {
+  return bytes_ ? std::span<const uint8_t>(*bytes_) : std::span<const uint8_t>();
+}
+
+void TMetafile::RequireRecords() const {
+  if (!bytes_) throw UnsupportedError("a metafile without records cannot be drawn");
+}
+
+void TMetafile::LoadFromStream(TStream& stream) {
+  auto bytes = std::make_shared<const std::vector<uint8_t>>(stream.ReadToEnd());
+  facts_ = ReadMetafileFacts(*bytes);
+  bytes_ = std::move(bytes);
+  enhanced_ = facts_.kind == MetafileKind::emf;
+  modified_ = false;
+}
+
+void TMetafile::SaveToStream(TStream& stream) {
+  if (!bytes_) throw FormatError("metafile: there are no records to save");
+  const bool areEnhanced = facts_.kind == MetafileKind::emf;
+  if (enhanced_ == areEnhanced) {
+    stream.Write(*bytes_);
+  } else if (enhanced_) {
+    stream.Write(detail::EmfOfWmf(*bytes_));
+  } else {
+    stream.Write(
+        detail::WmfOfPicture(Draw(Width(), Height()), facts_.widthMm100, facts_.heightMm100));
+  }
+}
+
+Raster TMetafile::Draw(int width, int height, TColor background,
+                       const std::function<bool()>& keepGoing,
+                       std::vector<std::string>* warnings) const {
+  RequireRecords();
+  if (width < 1 || height < 1) throw RangeError("a metafile cannot be drawn without any pixels");
+  Raster raster(pf32bit, width, height);
+  FillRaster(raster, {0, 0, width, height}, background);
+  const PlayReport report = PlayMetafile(*bytes_, raster, {0, 0, width, height}, keepGoing);
+  if (warnings != nullptr) {
+    warnings->insert(warnings->end(), report.warnings.begin(), report.warnings.end());
+  }
+  return raster;
+}
+
+void TMetafile::DrawTo(TCanvas& canvas, const TRect& place) const {
+  if (bytes_) canvas.DrawMetafile(place, *bytes_);
+}
+
+void TMetafile::AssignToBitmap(TBitmap& target) const {
+  RequireRecords();
+  TBitmap drawn(ConvertRaster(Draw(Width(), Height()), pf24bit));
+  drawn.SetDpi({kPixelsPerInch, kPixelsPerInch});
+  drawn.AssignTransparency(*this);
+  target.Assign(&drawn);
+}
+
+void TMetafile::AssignFrom(const TGraphic& source) {
+  const auto* metafile = dynamic_cast<const TMetafile*>(&source);
+  if (metafile == nullptr) throw UnsupportedError("a picture cannot become a metafile");
+  bytes_ = metafile->bytes_;
+  facts_ = metafile->facts_;
+}
+
+void TMetafile::Clear() {
+  bytes_.reset();
+  facts_ = {};
+}
+
+}  // namespace rasterkit

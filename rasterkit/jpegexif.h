@@ -1,0 +1,5 @@
+#pragma once
+
+/// EXIF data of photographs.
+#include <rasterkit/jpegexif/image_data.h>
+#include <rasterkit/jpegexif/photo_queries.h>

@@ -1,0 +1,179 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/jpegexif/byte_order.h>
+#include <rasterkit/jpegexif/exif_data.h>
+#include <rasterkit/jpegexif/exif_tags.h>
+#include <rasterkit/jpegexif/gps_data.h>
+#include <rasterkit/jpegexif/jpeg_sections.h>
+#include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/files/stream.h>
+
+namespace rasterkit {
+
+/// What an EXIF section begins with, behind its length.
+inline constexpr std::string_view ValidHeader("Exif\0", 5);
+
+/// What a directory entry says about its value.
+struct TTagInfo {
+  /// Bytes of the value: its count times the bytes of its type.
+  int64_t ByteCount = 0;
+  int64_t ValuePos = 0;
+  uint16_t FmtType = 0;
+  uint16_t Tag = 0;
+};
+
+/// The metadata sections of one JPEG file, and the EXIF section among them decoded.
+///
+/// An EXIF section ("Data" of its TSection, positions from 1) lies like this:
+///
+///     1    length, big-endian, counts itself
+///     3    "Exif" 0 0
+///     9    "II" or "MM", 42            <- all offsets of the directories count from here
+///     13   offset of the main directory: count, entries of 12 bytes, offset of the next directory
+///                                                       tag, type, count (2, 2, 4), value or its
+///                                                       offset (4)
+///
+/// Use a fresh object for each file. An object keeps pointers into itself and is therefore neither
+/// copied nor moved; one thread at a time.
+class RASTERKIT_EXPORT TImageData : public TEndInd {
+ public:
+  TImageData() = default;
+  TImageData(const TImageData&) = delete;
+  TImageData& operator=(const TImageData&) = delete;
+
+  /// Number of sections read, 0 to 20.
+  int32_t SectionCnt = 0;
+  /// In file order, counted from 1 (entry 0 is not used).
+  std::array<TSection, 22> Sections;
+  /// The last APP0 section.
+  PSection HeaderSegment = nullptr;
+  /// The first APP1 section, if it is among the first five sections; whatever it holds, also XMP.
+  PSection ExifSegment = nullptr;
+  /// The first APP13 section.
+  PSection IPTCSegment = nullptr;
+  /// The last COM section.
+  PSection CommentSegment = nullptr;
+  /// APP2, APP12 and APP14 sections in file order, counted from 1 (entry 0 is not used); a sixth is
+  /// not recorded.
+  std::array<PSection, 6> OtherSegments = {};
+  int32_t OthersCount = 0;
+  /// Groups whose entries are kept.
+  TTagTypes FTagTypes = kAllTagTypes;
+  /// A copy of the EXIF section's bytes.
+  std::string ExifBuff;
+  /// The directories visited so far, each as "[offset base:directory start]".
+  std::string DirStack;
+  /// Absent while no APP1 section was found.
+  std::unique_ptr<TExifData> ExifData;
+  /// Absent while no GPS directory was found.
+  std::unique_ptr<TGPSData> GPSData;
+  /// Whether display callbacks and code lists are applied.
+  bool ExifDecode = true;
+  /// The last decoding error; empty when there was none.
+  std::string ErrStr;
+  /// Set by a display callback that wants the plain formatted value kept.
+  bool UseRaw = false;
+
+  /// Reads the sections of a JPEG file from the stream's position and decodes the EXIF section.
+  /// True when an EXIF, IPTC, comment, APP2, APP12 or APP14 section was found. Afterwards the
+  /// stream stands behind what was read. Throws ConversionError when a GPS position or time does
+  /// not consist of three proper rationals.
+  bool ReadJpegSections(TStream& stream);
+  /// The same for a file, after ResetInfos. Throws FileError when it cannot be opened or read.
+  bool ReadJpegFile(const std::string& FileName);
+  /// Forgets what was found in an earlier file, except the list of other segments, which goes on
+  /// growing.
+  void ResetInfos();
+  /// Forgets the EXIF, IPTC, comment and other segments; header, sections and decoded values stay.
+  void ClearSections();
+  /// True when there is an EXIF, an IPTC or a comment segment.
+  bool HasMetaData() const;
+  /// All comment text of the photo, its parts separated by "\r": the comment section with its
+  /// length bytes, the EXIF comment, the printable bytes of the IPTC section, and the other
+  /// segments as they are. A byte string.
+  std::string GetComment() const;
+
+  /// Writes the start marker and the kept sections in a fixed order: EXIF (without one the APP0
+  /// section, without that one too a JFIF header of 300 dots per inch), IPTC, comment, others.
+  /// A photo with EXIF data so loses its APP0 section. Returns the bytes written behind the start
+  /// marker. Errors of the stream pass to the caller.
+  int32_t SaveExif(TStream& stream) const;
+  /// Writes the picture with the metadata of this object, in place of what its encoder wrote about
+  /// it. The file comes into being whole or not at all. Throws FormatError for an empty picture,
+  /// FileError when the file cannot be written.
+  void WriteExifJpeg(TJPEGImage& image, const std::string& FileName) const;
+  /// The same from one stream onto another: `jpegStream` holds a JPEG file from its beginning on
+  /// (which is not checked) and can be positioned. With `OhneH` (without header) the target gets
+  /// neither start marker nor metadata, only what follows them: the caller has written its own.
+  void WriteImageToStream(TStream& jpegStream, TStream& target, bool OhneH) const;
+
+  /// The bytes of the JPEG thumbnail as the section was read, empty when there is none. Only
+  /// thumbnails that begin with a quantization or a Huffman table are found. One byte behind the
+  /// end marker comes along; without an end marker everything to the section's end does.
+  std::string ExtractThumbnailBuffer() const;
+  /// The thumbnail as a picture. Null when there is none, or its directory does not call it a JPEG
+  /// (`ThumbType` 6); the tag tables do not admit the tag that says so, so that a photo just read
+  /// gives null. Throws FormatError when the bytes are damaged.
+  std::unique_ptr<TJPEGImage> ExtractThumbnailJPeg() const;
+  /// Cuts the EXIF section 14 bytes before the thumbnail's directory; the link to it stays in the
+  /// main directory. Nothing happens without a thumbnail. `ExifBuff` and `ExifData` keep what was
+  /// read.
+  void RemoveThumbnail();
+
+  /// Decodes `ExifSegment` from `ExifBuff`; needs both and `ExifData`.
+  void ProcessExif();
+  /// Decodes the directory at position `DirStart`, whose offsets count from `OffsetBase`.
+  void ProcessExifDir(int64_t DirStart, int64_t OffsetBase, int64_t ExifLength, TTagType tagType);
+  /// Reads entry `entryIndex` (from 0) of a directory; false when its value is empty.
+  bool GetTagInfo(std::string_view buff, int64_t OffsetBase, int64_t entryIndex, int64_t DirStart,
+                  TTagInfo& info) const;
+  /// Completes an entry, whose `Tag`, `Code`, `FormatS` and `CallBack` are set, from its raw value.
+  void FillTagEntry(std::string raw, uint16_t fmtType, int64_t valuePos, int64_t byteCount,
+                    TTagEntry& entry);
+  /// All of the bytes as one integer, of which the low 32 bits are returned. Short negative values
+  /// are not extended: a byte 0xFF is 255.
+  int32_t GetInt(std::string_view bytes) const;
+  /// The first value in the bytes as a number; 0 for a zero denominator and for types that are no
+  /// numbers.
+  double GetNumber(std::string_view bytes, uint16_t fmtType) const;
+  /// The values in the bytes, at most 128, as text: "1, 2", "1/2, 3/4".
+  std::string FormatNumber(std::string_view bytes, uint16_t fmtType, const std::string& formatS,
+                           const std::string& code) const;
+  /// Stores a decoded entry in `ExifData`.
+  void ProcTagExif(TTagEntry& entry);
+  /// Stores a decoded entry in `GPSData`.
+  void ProcTagGPS(TTagEntry& entry);
+  void pushDirStack(int64_t dirStart, int64_t offsetBase);
+  bool testDirStack(int64_t dirStart, int64_t offsetBase) const;
+
+ private:
+  /// What hostile sections may cost. Directories of an honest section do not overlap, so that both
+  /// limits lie far above what 65,535 bytes can hold. The directories need no limit: GPS
+  /// directories lead no further, and the main one holds 5,461 pointers at most.
+  struct Effort {
+    int entries = 64 * 1024;
+    int64_t valueBytes = 4 * 1024 * 1024;
+  };
+
+  bool ReadSections(detail::SectionReader& reader);
+  bool ReadSection(detail::SectionReader& reader);
+  bool DispatchSection(TSection& section, bool& sawOthers);
+  void KeepFirstApp1(TSection& section);
+
+  void TakeThumbnailLink(int64_t linkPos, int64_t OffsetBase, int64_t ExifLength);
+  bool ProcessEntry(const TTagInfo& info, int64_t OffsetBase, int64_t ExifLength, TTagType tagType);
+  void DispatchEntry(TTagEntry& entry, int64_t OffsetBase, int64_t ExifLength);
+  void FollowPointer(const TTagEntry& entry, int64_t OffsetBase, int64_t ExifLength);
+  std::string RawValue(const TTagInfo& info) const;
+
+  Effort effort_;
+};
+
+}  // namespace rasterkit

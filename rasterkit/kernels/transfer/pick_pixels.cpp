@@ -1,0 +1,109 @@
+#include <algorithm>
+#include <cstring>
+
+#include <rasterkit/kernels/transfer/pick_pixels.h>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE <rasterkit/kernels/transfer/pick_pixels.cpp>
+// clang-format off: this file is compiled once for each target by the next line.
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+// clang-format on
+
+HWY_BEFORE_NAMESPACE();
+namespace rasterkit::kernels::HWY_NAMESPACE {
+namespace {
+namespace hn = hwy::HWY_NAMESPACE;
+
+void DoSteps(const PixelPicker::Step* steps, size_t count, const uint8_t* row, uint8_t* target) {
+  for (const PixelPicker::Step* step = steps; step != steps + count; ++step) {
+#if HWY_TARGET == HWY_SCALAR
+    for (int i = 0; i < 16; ++i) target[step->target + i] = row[step->source + step->places[i]];
+#else
+    const hn::Full128<uint8_t> d;
+    const auto bytes = hn::LoadU(d, row + step->source);
+    hn::StoreU(hn::TableLookupBytes(bytes, hn::LoadU(d, step->places)), d, target + step->target);
+#endif
+  }
+}
+
+}  // namespace
+}  // namespace rasterkit::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace rasterkit::kernels {
+namespace {
+
+constexpr size_t kBlock = 16;
+
+template <int kBytes>
+void MoveSingles(const std::vector<PixelPicker::Single>& singles, const uint8_t* row,
+                 uint8_t* target) {
+  for (const PixelPicker::Single& single : singles)
+    std::memcpy(target + single.target, row + single.source, kBytes);
+}
+
+HWY_EXPORT(DoSteps);
+
+}  // namespace
+
+PixelPicker::PixelPicker(const std::vector<int32_t>& columns, int sourceBytes, int targetBytes,
+                         int32_t sourceWidth)
+    : sourceBytes_(static_cast<uint32_t>(sourceBytes)),
+      targetBytes_(static_cast<uint32_t>(targetBytes)),
+      rowBytes_(static_cast<size_t>(sourceWidth) * sourceBytes_),
+      targetRowBytes_(columns.size() * targetBytes_) {
+  for (size_t i = 0; i < columns.size(); ++i)
+    isOneToOne_ = isOneToOne_ && columns[i] == columns[0] + static_cast<int32_t>(i);
+  size_t next = 0;
+  while (next < columns.size()) {
+    if (AddStep(columns, next)) continue;
+    singles_.push_back({static_cast<uint32_t>(columns[next]) * sourceBytes_,
+                        static_cast<uint32_t>(next) * targetBytes_});
+    ++next;
+  }
+}
+
+/// Takes as many of the next columns as one block of the row and one of the target hold. False when
+/// that is one alone, or when a whole block would reach beyond either row.
+bool PixelPicker::AddStep(const std::vector<int32_t>& columns, size_t& next) {
+  const size_t target = next * targetBytes_;
+  if (rowBytes_ < kBlock || target + kBlock > targetRowBytes_) return false;
+  int32_t low = columns[next], high = low;
+  size_t end = next;
+  for (; end < columns.size() && (end - next + 1) * targetBytes_ <= kBlock; ++end) {
+    const int32_t newLow = std::min(low, columns[end]), newHigh = std::max(high, columns[end]);
+    if ((static_cast<size_t>(newHigh - newLow) + 1) * sourceBytes_ > kBlock) break;
+    low = newLow;
+    high = newHigh;
+  }
+  if (end - next < 2) return false;
+  Step step{};
+  const size_t source = std::min(static_cast<size_t>(low) * sourceBytes_, rowBytes_ - kBlock);
+  step.source = static_cast<uint32_t>(source);
+  step.target = static_cast<uint32_t>(target);
+  for (size_t i = next; i < end; ++i)
+    for (uint32_t byte = 0; byte < targetBytes_; ++byte)
+      step.places[(i - next) * targetBytes_ + byte] =
+          static_cast<uint8_t>(static_cast<size_t>(columns[i]) * sourceBytes_ + byte - source);
+  steps_.push_back(step);
+  next = end;
+  return true;
+}
+
+void PixelPicker::Pick(const uint8_t* row, uint8_t* target) const {
+  HWY_DYNAMIC_DISPATCH(DoSteps)(steps_.data(), steps_.size(), row, target);
+  // Blocks write beyond their pixels, so what lies between them comes last.
+  switch (targetBytes_) {
+    case 1:
+      return MoveSingles<1>(singles_, row, target);
+    case 3:
+      return MoveSingles<3>(singles_, row, target);
+    default:
+      return MoveSingles<4>(singles_, row, target);
+  }
+}
+
+}  // namespace rasterkit::kernels
+#endif

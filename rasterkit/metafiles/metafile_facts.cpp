@@ -1,0 +1,180 @@
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/metafiles/emf/emf_contents.h>
+#include <rasterkit/metafiles/metafile_facts.h>
+#include <rasterkit/metafiles/wmf/wmf_extent.h>
+#include <rasterkit/metafiles/wmf/wmf_measure.h>
+#include <rasterkit/metafiles/wmf/wmf_records.h>
+
+namespace rasterkit {
+namespace {
+
+using namespace detail;
+
+constexpr double kPixelsPerInch = 96, kHundredthsPerInch = 2540;
+/// Files without a size are drawn in pixels or, where that would be larger than any screen of
+/// their time, in twentieths of a point.
+constexpr int64_t kMostPixelUnits = 2048;
+constexpr double kTwipsPerInch = 1440;
+
+MetafileFacts::Box Wide(const EmfHeader::Box& box) {
+  return {box.left, box.top, box.right, box.bottom};
+}
+
+int PositiveInt(double value) {
+  constexpr double most = std::numeric_limits<int>::max();
+  return static_cast<int>(std::clamp(std::nearbyint(value), 1.0, most));
+}
+
+void SetSize(MetafileFacts& facts, double widthInches, double heightInches) {
+  facts.width = PositiveInt(widthInches * kPixelsPerInch);
+  facts.height = PositiveInt(heightInches * kPixelsPerInch);
+  facts.widthMm100 = PositiveInt(widthInches * kHundredthsPerInch);
+  facts.heightMm100 = PositiveInt(heightInches * kHundredthsPerInch);
+}
+
+void TakeHeader(const EmfHeader& header, MetafileFacts& facts) {
+  facts.bounds = Wide(header.bounds);
+  facts.frame = Wide(header.frame);
+  facts.deviceWidth = std::max(header.deviceWidth, 0);
+  facts.deviceHeight = std::max(header.deviceHeight, 0);
+  facts.deviceWidthMm = std::max(header.deviceWidthMm, 0.0);
+  facts.deviceHeightMm = std::max(header.deviceHeightMm, 0.0);
+  facts.program = header.program;
+  facts.title = header.title;
+  const bool hasDevice = facts.deviceWidth > 0 && facts.deviceHeight > 0 &&
+                         facts.deviceWidthMm > 0 && facts.deviceHeightMm > 0;
+  if (!hasDevice) {
+    // Without a device a pixel is what it is on a common screen.
+    facts.deviceWidth = facts.deviceHeight = static_cast<int>(kPixelsPerInch);
+    facts.deviceWidthMm = facts.deviceHeightMm = kHundredthsPerInch / 100;
+    facts.warnings.emplace_back("EMF: the header names no reference device");
+  }
+  if (facts.frame.Width() > 0 && facts.frame.Height() > 0) return;
+  facts.warnings.emplace_back("EMF: the frame is empty, the bounds are taken");
+  const double x = facts.deviceWidthMm * 100 / facts.deviceWidth;
+  const double y = facts.deviceHeightMm * 100 / facts.deviceHeight;
+  const auto scaled = [](int64_t value, double scale) {
+    // A frame has 32 bits.
+    constexpr double most = std::numeric_limits<int32_t>::max();
+    return std::llround(std::clamp(static_cast<double>(value) * scale, -most, most));
+  };
+  facts.frame = {scaled(facts.bounds.left, x), scaled(facts.bounds.top, y),
+                 scaled(facts.bounds.right + 1, x), scaled(facts.bounds.bottom + 1, y)};
+}
+
+MetafileFacts ReadEmf(std::span<const uint8_t> bytes) {
+  MetafileFacts facts;
+  facts.kind = MetafileKind::emf;
+  const EmfContents contents = ReadEmfContents(bytes);
+  facts.records = contents.records;
+  facts.hasEmfPlus = contents.hasEmfPlus;
+  facts.isEmfPlusOnly = contents.hasEmfPlusDrawing && !contents.hasDrawing;
+  if (!contents.damage.empty()) facts.warnings.push_back(contents.damage);
+  TakeHeader(contents.header, facts);
+  SetSize(facts, static_cast<double>(facts.frame.Width()) / kHundredthsPerInch,
+          static_cast<double>(facts.frame.Height()) / kHundredthsPerInch);
+  return facts;
+}
+
+/// What the mapping mode says, else by the box's size.
+double UnitsPerInch(const MetafileFacts::Box& box, double stated) {
+  if (stated > 0) return stated;
+  const int64_t longest = std::max(std::abs(box.Width()), std::abs(box.Height()));
+  return longest > kMostPixelUnits ? kTwipsPerInch : kPixelsPerInch;
+}
+
+/// The box in units of which `unitsPerPixel` are a pixel of a common screen, grown to whole pixels
+/// so that nothing is cut.
+MetafileFacts::Box GrownBox(const RectD& drawn, double unitsPerPixel) {
+  constexpr double most = 1 << 20, noise = 1e-3;
+  // Coordinates that run beyond all numbers are none in the end.
+  const auto bounded = [&](double pixel) {
+    return std::isnan(pixel) ? 0 : std::clamp(pixel, -most, most);
+  };
+  const auto units = [&](double pixel) -> int64_t { return std::llround(pixel * unitsPerPixel); };
+  const double left = std::floor(bounded(drawn.left) + noise);
+  const double top = std::floor(bounded(drawn.top) + noise);
+  return {units(left), units(top),
+          units(std::max(std::ceil(bounded(drawn.right) - noise), left + 1)),
+          units(std::max(std::ceil(bounded(drawn.bottom) - noise), top + 1))};
+}
+
+/// A unit is a pixel, what the mapping mode says, or a twentieth of a point.
+MetafileFacts::Box DrawnBox(const RectD& drawn, double statedUnits) {
+  if (statedUnits > 0) return GrownBox(drawn, statedUnits / kPixelsPerInch);
+  const MetafileFacts::Box box = GrownBox(drawn, 1);
+  if (UnitsPerInch(box, 0) == kPixelsPerInch) return box;
+  constexpr double twipsPerPixel = kTwipsPerInch / kPixelsPerInch;
+  return GrownBox({drawn.left / twipsPerPixel, drawn.top / twipsPerPixel,
+                   drawn.right / twipsPerPixel, drawn.bottom / twipsPerPixel},
+                  twipsPerPixel);
+}
+
+void TakeExtent(std::span<const uint8_t> bytes, const WmfContents& contents, MetafileFacts& facts) {
+  if (contents.windowExt) {
+    const PointD origin = contents.windowOrg.value_or(PointD()), extent = *contents.windowExt;
+    facts.bounds = {static_cast<int>(origin.x), static_cast<int>(origin.y),
+                    static_cast<int>(origin.x + extent.x), static_cast<int>(origin.y + extent.y)};
+  } else {
+    RectD drawn = MeasureWmf(bytes).value_or(RectD{0, 0, 1, 1});
+    // A page that counts lengths and names its corner, but no size, begins there.
+    if (contents.windowOrg && contents.unitsPerInch > 0) {
+      drawn = {std::min(drawn.left, 0.0), std::min(drawn.top, 0.0), std::max(drawn.right, 0.0),
+               std::max(drawn.bottom, 0.0)};
+    }
+    facts.bounds = DrawnBox(drawn, contents.unitsPerInch);
+    facts.boundsAreDrawn = true;
+  }
+  facts.unitsPerInch = UnitsPerInch(facts.bounds, contents.unitsPerInch);
+}
+
+MetafileFacts ReadWmf(std::span<const uint8_t> bytes) {
+  MetafileFacts facts;
+  const WmfContents contents = ReadWmfContents(bytes);
+  facts.records = contents.records;
+  if (!contents.damage.empty()) facts.warnings.push_back(contents.damage);
+  MetafileFacts::Box box;
+  if (contents.placement) {
+    const WmfPlacement& placement = *contents.placement;
+    box = {placement.left, placement.top, placement.right, placement.bottom};
+  }
+  const bool hasBox = box.Width() != 0 && box.Height() != 0;
+  if (hasBox) {
+    facts.bounds = box;
+    facts.unitsPerInch = UnitsPerInch(box, contents.unitsPerInch);
+  } else {
+    TakeExtent(bytes, contents, facts);
+  }
+  if (contents.placement) {
+    const WmfPlacement& placement = *contents.placement;
+    facts.kind = MetafileKind::placeableWmf;
+    if (!hasBox) facts.warnings.emplace_back("WMF: the placeable header's box is empty");
+    if (placement.unitsPerInch > 0) {
+      facts.unitsPerInch = placement.unitsPerInch;
+    } else {
+      facts.warnings.emplace_back("WMF: the placeable header states no units an inch");
+    }
+  }
+  SetSize(facts, static_cast<double>(std::abs(facts.bounds.Width())) / facts.unitsPerInch,
+          static_cast<double>(std::abs(facts.bounds.Height())) / facts.unitsPerInch);
+  return facts;
+}
+
+}  // namespace
+
+MetafileFacts ReadMetafileFacts(std::span<const uint8_t> bytes) {
+  switch (SniffPictureType(bytes)) {
+    case PictureType::emf:
+      return ReadEmf(bytes);
+    case PictureType::wmf:
+      return ReadWmf(bytes);
+    default:
+      throw FormatError("metafile: the bytes are neither an enhanced nor a Windows metafile");
+  }
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,149 @@
+#include <algorithm>
+#include <string>
+
+#include <rasterkit/metafiles/records/dib_head.h>
+#include <rasterkit/metafiles/records/metafile_bytes.h>
+#include <rasterkit/runtime/memory/memory_budget.h>
+
+namespace rasterkit::detail {
+namespace {
+
+uint32_t MaskBytes(const DibHead& head) {
+  if (head.headerBytes != kBmpInfoHeader) return 0;
+  if (head.compression == BmpCompression::bitFields) return 12;
+  return head.compression == BmpCompression::alphaBitFields ? 16 : 0;
+}
+
+void ReadFields(std::span<const uint8_t> bytes, DibHead& head, uint64_t& stated) {
+  MetafileBytes fields(bytes, 4);
+  if (head.IsCore()) {
+    head.width = fields.Word();
+    head.height = fields.Word();
+    fields.Skip(2);
+    head.bits = fields.Word();
+    return;
+  }
+  head.width = fields.Int();
+  head.height = fields.Int();
+  fields.Skip(2);
+  head.bits = fields.Word();
+  if (head.headerBytes < bmp_field::compression + 4) return;
+  head.compression = static_cast<BmpCompression>(fields.Long());
+  if (head.headerBytes < bmp_field::colorsUsed + 4) return;
+  fields.SetPosition(bmp_field::colorsUsed);
+  stated = fields.Long();
+}
+
+/// Masks that say what holds without any are as good as none.
+bool HasFourthByte(const DibHead& head, std::span<const uint8_t> bytes) {
+  if (head.bits != 32) return false;
+  if (head.compression == BmpCompression::none) return true;
+  const bool hasMasks = head.compression == BmpCompression::bitFields ||
+                        head.compression == BmpCompression::alphaBitFields;
+  if (!hasMasks || bytes.size() < bmp_field::masks + 12) return false;
+  MetafileBytes fields(bytes, bmp_field::masks);
+  const uint32_t red = fields.Long(), green = fields.Long(), blue = fields.Long();
+  return red == kBmpMasks888.red && green == kBmpMasks888.green && blue == kBmpMasks888.blue;
+}
+
+void Put(std::vector<uint8_t>& bytes, size_t offset, uint32_t value) {
+  for (int i = 0; i < 4; ++i) bytes[offset + i] = static_cast<uint8_t>(value >> (8 * i));
+}
+
+/// Entry `index` of the table, through the palette where it holds indexes.
+tagPALETTEENTRY TableEntry(const DibHead& head, std::span<const uint8_t> table, size_t index,
+                           const DibRequest& request) {
+  const uint8_t* entry = table.data() + index * head.entryBytes;
+  if (request.colors == DibColors::colors) return {entry[2], entry[1], entry[0], 0};
+  const HPALETTE palette = request.palette ? request.palette : DefaultPalette(pf8bit);
+  return palette.Entry(entry[0] | entry[1] << 8);
+}
+
+std::vector<tagPALETTEENTRY> Table(const DibHead& head, std::span<const uint8_t> bytes,
+                                   const DibRequest& request) {
+  std::vector<tagPALETTEENTRY> entries;
+  if (head.bits > 8 || head.IsEmbedded()) return entries;
+  const uint64_t most = uint64_t{1} << head.bits;
+  if (head.entryBytes == 0) {
+    const HPALETTE palette = request.palette ? request.palette : DefaultPalette(pf8bit);
+    const auto own = palette.Entries();
+    entries.assign(own.begin(), own.begin() + std::min<ptrdiff_t>(own.size(), most));
+  } else {
+    const std::span<const uint8_t> table =
+        bytes.subspan(std::min<uint64_t>(head.tableOffset, bytes.size()));
+    const uint64_t count = std::min({most, head.entries, uint64_t{table.size() / head.entryBytes}});
+    for (uint64_t i = 0; i < count; ++i) entries.push_back(TableEntry(head, table, i, request));
+  }
+  // A file without any entry would be taken for one with all of them.
+  if (entries.empty()) entries.emplace_back();
+  return entries;
+}
+
+/// The header and its masks as the file gets them.
+std::vector<uint8_t> FileHead(const DibHead& head, std::span<const uint8_t> bytes,
+                              const DibRequest& request) {
+  const size_t count = head.headerBytes + MaskBytes(head);
+  std::vector<uint8_t> result(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(count));
+  if (head.IsCore()) return result;
+  if (request.rows) {
+    const auto rows = static_cast<uint32_t>(*request.rows);
+    Put(result, bmp_field::height, head.height < 0 ? 0 - rows : rows);
+  }
+  if (request.keepsAlpha && head.hasFourthByte) {
+    result.resize(kBmpV4Header);
+    Put(result, 0, kBmpV4Header);
+    const uint32_t masks[] = {kBmpMasks888.red, kBmpMasks888.green, kBmpMasks888.blue,
+                              kBmpAlpha8888};
+    for (size_t i = 0; i < 4; ++i) Put(result, bmp_field::masks + 4 * i, masks[i]);
+  }
+  // What a profile's offset counts from is not there.
+  if (result.size() >= kBmpV4Header) Put(result, bmp_field::colorSpace, kBmpSrgb);
+  return result;
+}
+
+}  // namespace
+
+DibHead ReadDibHead(std::span<const uint8_t> bytes, DibColors colors) {
+  DibHead head;
+  head.headerBytes = MetafileBytes(bytes).Long();
+  if (!IsBmpHeaderSize(head.headerBytes) || head.headerBytes > bytes.size()) {
+    throw FormatError("metafile: a bitmap's header of " + std::to_string(head.headerBytes) +
+                      " bytes is not there or not known");
+  }
+  uint64_t stated = 0;
+  ReadFields(bytes, head, stated);
+  head.tableOffset = uint64_t{head.headerBytes} + MaskBytes(head);
+  if (head.tableOffset > bytes.size()) throw FormatError("metafile: a bitmap's masks are cut off");
+  head.hasFourthByte = HasFourthByte(head, bytes);
+  head.entries = stated;
+  if (head.entries == 0 && head.bits <= 8 && !head.IsEmbedded()) {
+    head.entries = uint64_t{1} << head.bits;
+  }
+  head.entryBytes = head.IsCore() ? 3 : 4;
+  if (colors == DibColors::paletteIndexes) head.entryBytes = 2;
+  if (colors == DibColors::noTable) head.entryBytes = 0;
+  return head;
+}
+
+std::vector<uint8_t> DibAsFile(const DibHead& head, const DibParts& parts,
+                               const DibRequest& request) {
+  RequirePictureMemory(parts.bits.size(), "metafile: a bitmap");
+  std::vector<uint8_t> file(kBmpFileHeaderBytes);
+  file[0] = 'B';
+  file[1] = 'M';
+  const std::vector<uint8_t> fileHead = FileHead(head, parts.head, request);
+  file.insert(file.end(), fileHead.begin(), fileHead.end());
+  const std::vector<tagPALETTEENTRY> entries = Table(head, parts.head, request);
+  if (!head.IsCore() && head.headerBytes >= bmp_field::colorsUsed + 4) {
+    Put(file, kBmpFileHeaderBytes + bmp_field::colorsUsed, static_cast<uint32_t>(entries.size()));
+  }
+  for (const tagPALETTEENTRY& entry : entries) {
+    file.insert(file.end(), {entry.peBlue, entry.peGreen, entry.peRed});
+    if (!head.IsCore()) file.push_back(0);
+  }
+  Put(file, 10, static_cast<uint32_t>(file.size()));
+  file.insert(file.end(), parts.bits.begin(), parts.bits.end());
+  return file;
+}
+
+}  // namespace rasterkit::detail

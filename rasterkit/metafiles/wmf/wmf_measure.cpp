@@ -1,0 +1,57 @@
+#include <rasterkit/metafiles/records/play_records.h>
+#include <rasterkit/metafiles/wmf/wmf_fields.h>
+#include <rasterkit/metafiles/wmf/wmf_measure.h>
+#include <rasterkit/metafiles/wmf/wmf_player.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// Where a bitmap would go; nothing for other kinds of records.
+std::optional<RectD> BitmapPlace(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  switch (record.function) {
+    case WmfFunction::dibBitBlt:
+    case WmfFunction::bitBlt:
+      return ReadBlit(fields, false, record.HasBitmap()).dest;
+    case WmfFunction::dibStretchBlt:
+    case WmfFunction::stretchBlt:
+      return ReadBlit(fields, true, record.HasBitmap()).dest;
+    case WmfFunction::stretchDib:
+      fields.Skip(14);  // operation, use of colours, and the bitmap's part
+      return ReadReversedSizedRect(fields);
+    case WmfFunction::setDibToDev: {
+      fields.Skip(10);  // use of colours, rows, and the part's corner
+      return ReadReversedSizedRect(fields);
+    }
+    default:
+      return std::nullopt;
+  }
+}
+
+}  // namespace
+
+std::optional<RectD> MeasureWmf(std::span<const uint8_t> bytes) {
+  constexpr double pixelsPerInch = 96, mmPerInch = 25.4;
+  constexpr uint32_t mostQuestions = kMostMeasuredRecords / kRecordsBetweenQuestions;
+  Raster unseen(pf32bit, 1, 1);
+  const ReferenceDevice screen{pixelsPerInch, pixelsPerInch, mmPerInch, mmPerInch};
+  DeviceContext context(unseen, {0, 0, 0, 0}, screen, Affine());
+  const WmfPicture picture{
+      .window = {0, 0, 1, 1}, .pixels = {1, 1}, .isMeasured = true, .origin = {}, .device = screen};
+  WmfPlayer player(context, picture, bytes.size());
+  WmfRecords records(bytes);
+  PlayReport report;
+  uint32_t questions = 0;
+  PlayRecords(
+      records,
+      [&](const WmfRecord& record) {
+        const std::optional<RectD> place = BitmapPlace(record);
+        if (!place) return player.Play(record);
+        context.PatBlt(*place, rop3::blackness);
+        return true;
+      },
+      [&] { return ++questions <= mostQuestions; }, report);
+  return context.DrawnBounds();
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,142 @@
+#include <algorithm>
+#include <cmath>
+
+#include <rasterkit/metafiles/wmf/wmf_fields.h>
+#include <rasterkit/metafiles/wmf/wmf_player.h>
+
+namespace rasterkit::detail {
+
+bool WmfPlayer::PlayState(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  switch (record.function) {
+    case WmfFunction::saveDc:
+      context_.SaveDC();
+      return true;
+    case WmfFunction::restoreDc:
+      context_.RestoreDC(fields.Short());
+      return true;
+    case WmfFunction::setTextColor:
+      context_.SetTextColor(Color(fields));
+      return true;
+    case WmfFunction::setBkColor:
+      context_.SetBkColor(Color(fields));
+      return true;
+    case WmfFunction::setBkMode:
+      context_.SetBkMode(static_cast<BackgroundMode>(fields.Word()));
+      return true;
+    case WmfFunction::setRop2:
+      context_.SetRop2(static_cast<Rop2>(fields.Word()));
+      return true;
+    case WmfFunction::setPolyFillMode:
+      context_.SetPolyFillMode(static_cast<PolygonFill>(fields.Word()));
+      return true;
+    case WmfFunction::setStretchBltMode:
+      context_.SetStretchBltMode(static_cast<StretchMode>(fields.Word()));
+      return true;
+    case WmfFunction::setTextAlign:
+      context_.SetTextAlign(fields.Word());
+      return true;
+    case WmfFunction::setTextCharExtra:
+      context_.SetTextCharacterExtra(fields.Short());
+      return true;
+    case WmfFunction::setTextJustification: {
+      const int16_t breaks = fields.Short();
+      context_.SetTextJustification(fields.Short(), breaks);
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
+std::optional<WmfMode> WmfModeOf(uint16_t number, const WmfPicture& picture) {
+  const RectD& window = picture.window;
+  const auto mode = static_cast<MapMode>(number);
+  WmfMode set{.mode = mode, .windowOrg = {}, .windowExt = {}, .viewportExt = {}};
+  switch (mode) {
+    case MapMode::text:
+      // Pixels of the recorder's screen are no unit: they stay fitted into the picture.
+      return std::nullopt;
+    case MapMode::anisotropic:
+      return set;
+    case MapMode::isotropic:
+      // The mode's own extents are a page's, of which y points up.
+      set.windowExt = PointD{window.Width(), window.Height()};
+      set.viewportExt = picture.pixels;
+      return set;
+    default:
+      // Modes with a unit of their own have y point up: the box begins where it is highest.
+      if (picture.isMeasured) return set;
+      set.windowOrg =
+          PointD{std::min(window.left, window.right), std::max(window.top, window.bottom)};
+      return set;
+  }
+}
+
+/// A viewport counts in pixels of a device that nobody knows any more. The first one was the whole
+/// picture for the program that wrote it, and so it is here.
+PointD WmfPlayer::ViewportScaled(PointD recorded) const {
+  if (!firstViewport_) return recorded;
+  return {recorded.x * std::abs(picture_.pixels.x / firstViewport_->x),
+          recorded.y * std::abs(picture_.pixels.y / firstViewport_->y)};
+}
+
+PointD WmfPlayer::ViewportPlace(PointD recorded) const {
+  const PointD scaled = ViewportScaled(recorded);
+  return {picture_.origin.x + scaled.x, picture_.origin.y + scaled.y};
+}
+
+bool WmfPlayer::PlayMapping(const WmfRecord& record) {
+  MetafileBytes fields = record.Fields();
+  const auto scale = [&](auto set) {
+    const double yDenominator = fields.Short(), yNumerator = fields.Short();
+    const double xDenominator = fields.Short(), xNumerator = fields.Short();
+    (context_.*set)({xNumerator, yNumerator}, {xDenominator, yDenominator});
+  };
+  switch (record.function) {
+    case WmfFunction::setMapMode: {
+      const std::optional<WmfMode> mode = WmfModeOf(fields.Word(), picture_);
+      if (!mode) return true;
+      context_.SetMapMode(mode->mode);
+      if (mode->windowOrg) context_.SetWindowOrg(*mode->windowOrg);
+      if (mode->windowExt) context_.SetWindowExt(*mode->windowExt);
+      if (mode->viewportExt) context_.SetViewportExt(*mode->viewportExt);
+      return true;
+    }
+    case WmfFunction::setWindowOrg:
+      context_.SetWindowOrg(ReadReversedPoint(fields));
+      return true;
+    case WmfFunction::setWindowExt:
+      context_.SetWindowExt(ReadReversedPoint(fields));
+      return true;
+    case WmfFunction::offsetWindowOrg:
+      context_.OffsetWindowOrg(ReadReversedPoint(fields));
+      return true;
+    case WmfFunction::scaleWindowExt:
+      scale(&DeviceContext::ScaleWindowExt);
+      return true;
+    case WmfFunction::setViewportOrg:
+      context_.SetViewportOrg(ViewportPlace(ReadReversedPoint(fields)));
+      return true;
+    case WmfFunction::setViewportExt: {
+      const PointD extent = ReadReversedPoint(fields);
+      if (extent.x == 0 || extent.y == 0) return true;
+      if (!firstViewport_) firstViewport_ = extent;
+      context_.SetViewportExt(ViewportScaled(extent));
+      return true;
+    }
+    case WmfFunction::offsetViewportOrg:
+      context_.OffsetViewportOrg(ViewportScaled(ReadReversedPoint(fields)));
+      return true;
+    case WmfFunction::scaleViewportExt:
+      scale(&DeviceContext::ScaleViewportExt);
+      return true;
+    case WmfFunction::setLayout:
+      context_.SetLayout(fields.Word());
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace rasterkit::detail

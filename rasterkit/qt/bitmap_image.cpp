@@ -1,0 +1,97 @@
+#include <memory>
+#include <utility>
+
+#include <rasterkit/qt/bitmap_image.h>
+#include <rasterkit/raster/stretch/blit.h>
+
+namespace rasterkit {
+namespace {
+
+/// The image format that means the same as the raster's pixels; Format_Invalid when there is none.
+/// Qt widens 15- and 16-bit colours otherwise than the house does.
+QImage::Format SameFormat(const Raster& raster) {
+  switch (raster.Format()) {
+    case pf1bit:
+      return QImage::Format_Mono;
+    case pf8bit:
+      return QImage::Format_Indexed8;
+    case pf24bit:
+      return QImage::Format_BGR888;
+    case pf32bit:
+      return raster.alphaFormat == afDefined ? QImage::Format_ARGB32 : QImage::Format_RGB32;
+    default:
+      return QImage::Format_Invalid;
+  }
+}
+
+/// All that an index can name; entries that the palette lacks are black.
+QList<QRgb> ColorTable(const Raster& raster) {
+  const int count = raster.Format() == pf1bit ? 2 : 256;
+  QList<QRgb> colors;
+  colors.reserve(count);
+  for (int i = 0; i < count; ++i) {
+    const tagPALETTEENTRY entry = raster.palette.Entry(i);
+    colors.append(qRgb(entry.peRed, entry.peGreen, entry.peBlue));
+  }
+  return colors;
+}
+
+bool CanBeViewed(const Raster& raster, const QRect& part) {
+  if (SameFormat(raster) == QImage::Format_Invalid) return false;
+  return raster.Format() != pf1bit || part.x() % 8 == 0;
+}
+
+/// `owner` is released with the last copy of the image; null for rows that somebody else keeps.
+QImage View(const Raster& raster, const QRect& part, std::unique_ptr<Raster> owner) {
+  const size_t offset =
+      static_cast<size_t>(part.x()) * static_cast<size_t>(StoredBitsPerPixel(raster.Format())) / 8;
+  const auto release = [](void* rows) { std::unique_ptr<Raster>(static_cast<Raster*>(rows)); };
+  Raster* const owned = owner.release();
+  QImage image(raster.Row(part.y()) + offset, part.width(), part.height(),
+               static_cast<qsizetype>(raster.Stride()), SameFormat(raster),
+               owned != nullptr ? static_cast<QImageCleanupFunction>(release) : nullptr, owned);
+  if (image.isNull()) {
+    if (owned != nullptr) release(owned);
+    return image;
+  }
+  if (IsIndexed(raster.Format())) image.setColorTable(ColorTable(raster));
+  return image;
+}
+
+QImage Copy(const Raster& raster, const QRect& part) {
+  Raster copy(pf24bit, part.width(), part.height());
+  BlitCopied(copy, {0, 0, part.width(), part.height()}, raster,
+             {part.x(), part.y(), part.x() + part.width(), part.y() + part.height()});
+  return ImageOfOwned(std::move(copy));
+}
+
+QRect WholeOf(const Raster& raster) {
+  return {0, 0, raster.Width(), raster.Height()};
+}
+
+}  // namespace
+
+QImage ImageOfPart(const Raster& raster, const QRect& part) {
+  const QRect inside = part & WholeOf(raster);
+  if (inside.isEmpty()) return {};
+  return CanBeViewed(raster, inside) ? View(raster, inside, nullptr) : Copy(raster, inside);
+}
+
+QImage ImageOfPart(const TBitmap& bitmap, const QRect& part) {
+  return ImageOfPart(bitmap.Content(), part);
+}
+
+QImage ImageOfBitmap(const TBitmap& bitmap) {
+  return ImageOfPart(bitmap.Content(), WholeOf(bitmap.Content()));
+}
+
+QImage ImageOfOwned(Raster raster) {
+  const QRect whole = WholeOf(raster);
+  if (whole.isEmpty()) return {};
+  if (!CanBeViewed(raster, whole)) return Copy(raster, whole);
+  auto owner = std::make_unique<Raster>(std::move(raster));
+  const Raster& rows = *owner;
+  return View(rows, whole, std::move(owner));
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <atomic>
+#include <memory>
+
+#include <rasterkit/runtime/threads/thread_queue.h>
+
+namespace rasterkit {
+
+/// Runs the queue of the thread that makes it from Qt's loop, whichever loop is turning: the
+/// application's, a modal dialog's, a nested one. So termination events and timers arrive while
+/// nobody waits for them. It costs nothing while the queue is empty.
+class QueueRunner : public QObject {
+ public:
+  QueueRunner();
+  ~QueueRunner() override;
+
+ protected:
+  bool event(QEvent* event) override;
+
+ private:
+  void Wake();
+  void Run();
+  void AwaitNextTimer();
+
+  const std::shared_ptr<ThreadQueue> queue_;
+  QTimer nextTimer_;
+  /// An event is under way already; one is enough.
+  std::atomic<bool> isAwake_{false};
+};
+
+}  // namespace rasterkit

@@ -1,0 +1,269 @@
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QFrame>
+#include <QGroupBox>
+#include <QHash>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyleOption>
+#include <algorithm>
+#include <cmath>
+
+#include <rasterkit/qt/controls/paint_box.h>
+#include <rasterkit/qt/look/clear_style.h>
+#include <rasterkit/qt/look/contrast.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// Fusion brightens some outlines by up to a tenth after it was told their colour.
+constexpr double kOutlineContrast = 3.7, kFocusContrast = 4.5;
+constexpr int kFocusWidth = 2;
+/// Fusion draws outlines with the window's colour, darkened by so many percent.
+constexpr int kDarkening = 140;
+/// ... and that of the default button with the selection's.
+constexpr int kDarkeningOfDefault = 125;
+/// Faces of buttons shade off to so many percent of their colour.
+constexpr int kSheen = 160;
+constexpr double kFillContrast = 3.6;
+
+/// Of an enabled control, whichever state the one has that is drawn: palettes do not differ by it.
+QColor ColorIn(const QPalette& palette, QPalette::ColorRole role) {
+  return palette.color(QPalette::Active, role);
+}
+
+QColor OutlineColor(const QPalette& palette) {
+  const QColor window = ColorIn(palette, QPalette::Window);
+  return WithContrast(window, ColorIn(palette, QPalette::WindowText),
+                      {window, ColorIn(palette, QPalette::Base)}, kOutlineContrast);
+}
+
+QColor FocusColor(const QPalette& palette) {
+  return WithContrast(ColorIn(palette, QPalette::Highlight), ColorIn(palette, QPalette::WindowText),
+                      {ColorIn(palette, QPalette::Window), ColorIn(palette, QPalette::Base),
+                       ColorIn(palette, QPalette::Button).lighter(kSheen)},
+                      kFocusContrast);
+}
+
+/// What the travelled part of a track bar and the outline of the default button are made of.
+QColor HighlightColor(const QPalette& palette) {
+  const QColor color = ColorIn(palette, QPalette::Highlight);
+  const QColor window = ColorIn(palette, QPalette::Window);
+  const QColor text = ColorIn(palette, QPalette::WindowText);
+  if (window.lightness() > text.lightness()) return color;
+  return WithContrast(color, text, {window.lighter(kDarkeningOfDefault)}, kFillContrast)
+      .lighter(kDarkeningOfDefault);
+}
+
+/// A frame of whole pixels of the widget along the edge.
+void DrawFrame(QPainter& painter, const QRect& place, const QColor& color, int width) {
+  if (place.width() <= 2 * width || place.height() <= 2 * width) return;
+  const QRect inner = place.adjusted(width, width, -width, -width);
+  for (const QRect& strip : {QRect(place.left(), place.top(), place.width(), width),
+                             QRect(place.left(), inner.bottom() + 1, place.width(), width),
+                             QRect(place.left(), inner.top(), width, inner.height()),
+                             QRect(inner.right() + 1, inner.top(), width, inner.height())})
+    painter.fillRect(strip, color);
+}
+
+/// Where a pixel of the widget is no whole number of the screen's, Fusion's lines lie between two
+/// of them and are half as strong; this one does not.
+void SharpenOutline(const QStyleOption& option, QPainter& painter, const QRect& place) {
+  const double scale = painter.device()->devicePixelRatioF();
+  if (scale != std::floor(scale)) DrawFrame(painter, place, OutlineColor(option.palette), 1);
+}
+
+class ClearStyle : public QProxyStyle {
+ public:
+  ClearStyle() : QProxyStyle(QStringLiteral("fusion")) {}
+
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+    switch (element) {
+      case PE_FrameFocusRect:
+        return DrawFocusRect(*option, *painter, widget);
+      case PE_FrameGroupBox:
+        return DrawGroupFrame(*option, *painter, widget);
+      case PE_Frame:
+        return DrawPanelFrame(*option, *painter, widget);
+      case PE_FrameLineEdit:
+        DrawOutlined(*option, [&](const QStyleOption& clear) {
+          QProxyStyle::drawPrimitive(element, &clear, painter, widget);
+        });
+        SharpenOutline(*option, *painter, option->rect);
+        return ShowFocus(*option, *painter);
+      case PE_PanelButtonCommand:
+        DrawOutlined(*option, [&](const QStyleOption& clear) {
+          QProxyStyle::drawPrimitive(element, &clear, painter, widget);
+        });
+        SharpenButton(*option, *painter);
+        return ShowFocusOfKeys(*option, *painter);
+      case PE_IndicatorCheckBox:
+        DrawOutlined(*option, [&](const QStyleOption& clear) {
+          QProxyStyle::drawPrimitive(element, &clear, painter, widget);
+        });
+        return SharpenOutline(*option, *painter, option->rect);
+      case PE_IndicatorRadioButton:
+        return DrawOutlined(*option, [&](const QStyleOption& clear) {
+          QProxyStyle::drawPrimitive(element, &clear, painter, widget);
+        });
+      default:
+        return QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+  }
+
+  void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const override {
+    const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    if (element == CE_ShapedFrame && frame != nullptr && frame->frameShape == QFrame::Panel)
+      return DrawFrame(*painter, option->rect, OutlineColor(option->palette), 1);
+    if (element != CE_ProgressBarGroove)
+      return QProxyStyle::drawControl(element, option, painter, widget);
+    DrawOutlined(*option, [&](const QStyleOption& clear) {
+      QProxyStyle::drawControl(element, &clear, painter, widget);
+    });
+  }
+
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                          QPainter* painter, const QWidget* widget) const override {
+    const bool isField = control == CC_SpinBox || control == CC_ComboBox;
+    if (!isField && control != CC_Slider)
+      return QProxyStyle::drawComplexControl(control, option, painter, widget);
+    DrawOutlined(*option, [&](const QStyleOption& clear) {
+      QProxyStyle::drawComplexControl(control, static_cast<const QStyleOptionComplex*>(&clear),
+                                      painter, widget);
+    });
+    if (isField) {
+      SharpenOutline(*option, *painter, option->rect);
+      return ShowFocus(*option, *painter);
+    }
+    DrawKnob(*option, *painter, widget);
+    ShowFocusOfKeys(*option, *painter);
+  }
+
+ private:
+  /// Lets Fusion draw with a palette of which it makes outlines that are seen. The option is
+  /// Qt's, of a kind that only the drawing knows, so it is lent the palette.
+  template <typename Draw>
+  void DrawOutlined(const QStyleOption& option, const Draw& draw) const {
+    auto& lent = const_cast<QStyleOption&>(option);
+    const QPalette before = lent.palette;
+    lent.palette = OutlinedPalette(before);
+    draw(lent);
+    lent.palette = before;
+  }
+
+  /// Kept, because Fusion keeps its drawings by palette.
+  QPalette OutlinedPalette(const QPalette& palette) const {
+    constexpr qsizetype most = 64;
+    const auto found = outlined_.constFind(palette.cacheKey());
+    if (found != outlined_.constEnd()) return *found;
+    if (outlined_.size() >= most) outlined_.clear();
+    QPalette outlined = palette;
+    const QColor highlight = HighlightColor(palette);
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+      outlined.setColor(group, QPalette::Window, OutlineColor(palette).lighter(kDarkening));
+      if (group != QPalette::Disabled) outlined.setColor(group, QPalette::Highlight, highlight);
+    }
+    return outlined_[palette.cacheKey()] = outlined;
+  }
+
+  /// Its own outline is as pale as the groove.
+  void DrawKnob(const QStyleOptionComplex& option, QPainter& painter, const QWidget* widget) const {
+    if (!(option.subControls & SC_SliderHandle) || !(option.state & State_Enabled)) return;
+    const QRectF knob = proxy()->subControlRect(CC_Slider, &option, SC_SliderHandle, widget);
+    constexpr double inset = 1.5, half = 0.5, roundness = 2;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(OutlineColor(option.palette));
+    painter.setBrush(Qt::NoBrush);
+    // Fusion's knob is a little higher than the track bar.
+    const QRectF seen = QRectF(option.rect).adjusted(half, half, -half, -half);
+    painter.drawRoundedRect(knob.adjusted(inset, inset, -inset, -inset) & seen, roundness,
+                            roundness);
+    painter.restore();
+    SharpenOutline(option, painter, knob.adjusted(1, 1, -1, -1).toRect() & option.rect);
+  }
+
+  static void ShowFocus(const QStyleOption& option, QPainter& painter) {
+    if (option.state & State_HasFocus)
+      DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
+  }
+
+  /// The default button's outline has a colour of its own, which is strong enough.
+  static void SharpenButton(const QStyleOption& option, QPainter& painter) {
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(&option);
+    constexpr auto others = QStyleOptionButton::Flat | QStyleOptionButton::DefaultButton;
+    if (button != nullptr && !(button->features & others))
+      SharpenOutline(option, painter, option.rect);
+  }
+
+  /// Fusion only colours the outline of buttons and knobs.
+  static void ShowFocusOfKeys(const QStyleOption& option, QPainter& painter) {
+    if (option.state & State_KeyboardFocusChange) ShowFocus(option, painter);
+  }
+
+  /// What the mouse gave the focus to does not wear the frame before a key is used.
+  static void DrawFocusRect(const QStyleOption& option, QPainter& painter, const QWidget* widget) {
+    if (!(option.state & State_KeyboardFocusChange)) return;
+    DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
+    // Over a picture of the frame's own colour a second line is seen.
+    if (qobject_cast<const TPaintBox*>(widget) == nullptr) return;
+    const int inset = kFocusWidth;
+    DrawFrame(painter, option.rect.adjusted(inset, inset, -inset, -inset),
+              ColorIn(option.palette, QPalette::Window), 1);
+  }
+
+  void DrawGroupFrame(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
+    QProxyStyle::drawPrimitive(PE_FrameGroupBox, &option, &painter, widget);
+    // Below the title, as the base draws its own.
+    constexpr int gap = 3;
+    const auto* group = qobject_cast<const QGroupBox*>(widget);
+    const bool hasTitle = group == nullptr || group->isCheckable() || !group->title().isEmpty();
+    const int title = hasTitle ? std::max(proxy()->pixelMetric(PM_IndicatorHeight, &option, widget),
+                                          option.fontMetrics.height())
+                               : 0;
+    DrawFrame(painter, option.rect.adjusted(0, title + gap, 0, 0), OutlineColor(option.palette), 1);
+  }
+
+  void DrawPanelFrame(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
+    QProxyStyle::drawPrimitive(PE_Frame, &option, &painter, widget);
+    const bool isPopup = widget != nullptr && widget->window()->windowType() == Qt::Popup;
+    if (isPopup) return;
+    DrawFrame(painter, option.rect, OutlineColor(option.palette), 1);
+    const bool isList = qobject_cast<const QAbstractItemView*>(widget) != nullptr;
+    if (isList && widget->hasFocus())
+      DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
+  }
+
+  mutable QHash<qint64, QPalette> outlined_;
+};
+
+/// One for all windows; it goes with the application.
+QStyle& SharedClearStyle() {
+  const QString name = QStringLiteral("rasterkit-clear-style");
+  if (auto* style = qApp->findChild<QStyle*>(name, Qt::FindDirectChildrenOnly)) return *style;
+  QStyle* style = NewClearStyle().release();
+  style->setObjectName(name);
+  style->setParent(qApp);
+  return *style;
+}
+
+}  // namespace
+
+std::unique_ptr<QStyle> NewClearStyle() {
+  return std::make_unique<ClearStyle>();
+}
+
+void UseClearStyle(QWidget& window) {
+  const bool isFusion = QApplication::style()->name() == u"fusion";
+  QStyle* style = isFusion ? &SharedClearStyle() : nullptr;
+  for (QWidget* widget : window.findChildren<QWidget*>()) {
+    // A style that somebody gave this widget alone is theirs.
+    const bool isOwn = widget->testAttribute(Qt::WA_SetStyle) &&
+                       dynamic_cast<ClearStyle*>(widget->style()) == nullptr;
+    if (!isOwn && widget->testAttribute(Qt::WA_SetStyle) != isFusion) widget->setStyle(style);
+  }
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,157 @@
+#include <algorithm>
+#include <array>
+#include <new>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include <rasterkit/qt/pdf/pdf_engine.h>
+#include <rasterkit/raster/white_paper.h>
+#include <rasterkit/runtime/memory/page_release.h>
+
+namespace rasterkit {
+namespace {
+
+/// Readers look for the mark this far, as mail programs put lines before it.
+constexpr size_t kHeaderWithin = 1024;
+
+/// Rows between two questions whether somebody still wants the page, and between two gifts of
+/// memory to the system.
+constexpr int kRowsAtOnce = 64;
+
+/// A pipe has no size and cannot be read twice: its bytes are kept.
+std::unique_ptr<TStream> OpenStream(const std::string& fileName) {
+  auto file = std::make_unique<TFileStream>(fileName);
+  if (file->Size() > 0) return file;
+  return std::make_unique<TMemoryStream>(file->ReadToEnd());
+}
+
+bool HasPdfMark(TStream& stream) {
+  std::array<uint8_t, kHeaderWithin> start;
+  stream.SetPosition(0);
+  const size_t read = stream.Read(start);
+  constexpr std::string_view mark = "%PDF-";
+  return std::search(start.begin(), start.begin() + read, mark.begin(), mark.end()) !=
+         start.begin() + read;
+}
+
+[[noreturn]] void ThrowLoadError(QPdfDocument::Error error, bool hasPassword, bool hasMark) {
+  switch (error) {
+    case QPdfDocument::Error::IncorrectPassword:
+      throw PdfPasswordError(hasPassword ? "PDF: the password is wrong"
+                                         : "PDF: the file is encrypted and needs a password");
+    case QPdfDocument::Error::UnsupportedSecurityScheme:
+      throw UnsupportedError("PDF: the file is protected in a way that is not known here");
+    default:
+      throw FormatError(hasMark ? "PDF: the file is damaged" : "PDF: the file is no PDF file");
+  }
+}
+
+QPdfDocumentRenderOptions Options(PdfRotation rotation) {
+  using Rotation = QPdfDocumentRenderOptions::Rotation;
+  constexpr Rotation rotations[] = {Rotation::None, Rotation::Clockwise90, Rotation::Clockwise180,
+                                    Rotation::Clockwise270};
+  QPdfDocumentRenderOptions options;
+  options.setRotation(rotations[static_cast<int>(rotation)]);
+  // Stamps, filled-in forms and notes belong to what a reader sees.
+  options.setRenderFlags(QPdfDocumentRenderOptions::RenderFlag::Annotations);
+  return options;
+}
+
+void PutRowsOnWhite(const QImage& image, int first, int last, Raster& raster) {
+  const auto width = static_cast<size_t>(image.width());
+  for (int y = first; y < last; ++y) {
+    uint8_t* row = raster.Row(y);
+    PutOnWhite(image.constScanLine(y), width, row);
+    std::fill(row + 3 * width, row + raster.Stride(), uint8_t{0});
+  }
+}
+
+/// The engine's picture, four bytes a pixel, shrinks while the raster of three grows, so that both
+/// never take more than the former alone. That holds for rows that nobody has touched yet.
+bool MoveOntoWhite(QImage& image, const std::atomic<bool>& givenUp, Raster& raster) {
+  uint8_t* const data = image.bits();
+  const auto rowBytes = static_cast<size_t>(image.bytesPerLine());
+  size_t released = 0;
+  for (int y = 0; y < image.height(); y += kRowsAtOnce) {
+    if (givenUp) return false;
+    const int end = std::min(y + kRowsAtOnce, image.height());
+    PutRowsOnWhite(image, y, end, raster);
+    const size_t done = static_cast<size_t>(end) * rowBytes;
+    ReleasePages(data + released, done - released);
+    released = done;
+  }
+  return true;
+}
+
+Raster FreshRows(QSize size) {
+  try {
+    return {pf24bit, size.width(), size.height()};
+  } catch (const LimitError&) {
+    // The budget was asked before; what is left is a system without memory.
+    throw std::bad_alloc();
+  }
+}
+
+}  // namespace
+
+int PdfEngine::Open(const std::string& fileName, const std::string& password) {
+  const std::shared_ptr<TStream> stream = OpenStream(fileName);
+  if (stream->Size() == 0) throw FormatError("PDF: the file is empty");
+  const bool hasMark = HasPdfMark(*stream);
+  Load(stream, password);
+  if (document_->error() == QPdfDocument::Error::IncorrectPassword && !password.empty()) {
+    Load(stream, {});
+  }
+  // A file whose pages cannot be counted is no error to the engine, and one whose first page is
+  // beyond repair has an error as its status alone.
+  const auto error = document_->error();
+  const bool isReady = document_->status() == QPdfDocument::Status::Ready;
+  const int pages = document_->pageCount();
+  if (isReady && error == QPdfDocument::Error::None && pages > 0) return pages;
+  if (pages == 0 && error == QPdfDocument::Error::None && hasMark) {
+    throw FormatError("PDF: the file has no pages");
+  }
+  ThrowLoadError(error, !password.empty(), hasMark);
+}
+
+void PdfEngine::Load(const std::shared_ptr<TStream>& stream, const std::string& password) {
+  document_.reset();
+  device_ = std::make_unique<StreamDevice>(stream);
+  document_ = std::make_unique<QPdfDocument>();
+  document_->setPassword(QString::fromStdString(password));
+  document_->load(device_.get());
+}
+
+PdfPageSize PdfEngine::PageSize(int index) const {
+  const QSizeF size = document_->pagePointSize(index);
+  // The engine's answer for a page that it cannot find in the file.
+  if (size == QSizeF()) throw FormatError(fmt::format("PDF: page {} is damaged", index + 1));
+  return {size.width(), size.height()};
+}
+
+QImage PdfEngine::Render(int index, QSize size, PdfRotation rotation) const {
+  // Whether the memory is there cannot be told from the engine's answer.
+  if (QImage(size, QImage::Format_ARGB32).isNull()) throw std::bad_alloc();
+  QImage image = document_->render(index, size, Options(rotation));
+  if (image.isNull()) throw FormatError(fmt::format("PDF: page {} is damaged", index + 1));
+  if (image.format() == QImage::Format_ARGB32) return image;
+  return std::move(image).convertToFormat(QImage::Format_ARGB32);
+}
+
+std::optional<TBitmap> PdfEngine::Draw(int index, double scale, PdfRotation rotation,
+                                       const std::atomic<bool>& givenUp) const {
+  if (givenUp) return std::nullopt;
+  const PdfPixels pixels = PdfPagePixels(PageSize(index), scale, rotation);
+  const QSize size(static_cast<int>(pixels.width), static_cast<int>(pixels.height));
+  QImage image = Render(index, size, rotation);
+  if (givenUp) return std::nullopt;
+  Raster raster = FreshRows(size);
+  if (!MoveOntoWhite(image, givenUp, raster)) return std::nullopt;
+  raster.resolution = {PdfResolution(scale), PdfResolution(scale)};
+  return TBitmap(std::move(raster));
+}
+
+}  // namespace rasterkit

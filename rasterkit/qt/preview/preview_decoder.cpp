@@ -1,0 +1,135 @@
+#include <QTransform>
+#include <algorithm>
+#include <cmath>
+#include <exception>
+#include <filesystem>
+#include <new>
+#include <system_error>
+#include <utility>
+
+#include <rasterkit/bitmaptools/files/graphic_types.h>
+#include <rasterkit/codecs/decode_frame.h>
+#include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/jpegexif/photo_queries.h>
+#include <rasterkit/qt/bitmap_image.h>
+#include <rasterkit/qt/preview/preview_decoder.h>
+#include <rasterkit/raster/stretch/halftone.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/memory/picture_memory_scope.h>
+#include <rasterkit/strings/strings.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// About a second of decoding, and no more memory than a dialog may ask for by the way.
+constexpr uint64_t previewMemory = uint64_t{384} << 20;
+
+/// Leaves the decoder; of no family, so that nobody takes it for damage.
+struct Cancelled {};
+
+/// A file that ends the reading when nobody wants it any more.
+class CancelledStream : public TStream {
+ public:
+  CancelledStream(const std::string& fileName, const std::atomic<bool>& isCancelled)
+      : file_(fileName), isCancelled_(isCancelled) {}
+
+  size_t Read(std::span<uint8_t> target) override {
+    // A decoder that takes the whole file at once would be deaf until its end.
+    constexpr size_t piece = size_t{4} << 20;
+    size_t done = 0;
+    while (done < target.size()) {
+      if (isCancelled_.load(std::memory_order_relaxed)) throw Cancelled();
+      const size_t count = file_.Read(target.subspan(done, std::min(piece, target.size() - done)));
+      if (count == 0) break;
+      done += count;
+    }
+    return done;
+  }
+  void Write(std::span<const uint8_t> source) override { file_.Write(source); }
+  uint64_t Position() const override { return file_.Position(); }
+  void SetPosition(uint64_t position) override { file_.SetPosition(position); }
+  uint64_t Size() const override { return file_.Size(); }
+
+ private:
+  TFileStream file_;
+  const std::atomic<bool>& isCancelled_;
+};
+
+bool IsDecoded(PictureType type) {
+  return type != PictureType::pdf && type != PictureType::wmf && type != PictureType::emf;
+}
+
+int Shrunk(int length, double factor) {
+  return std::max(1, static_cast<int>(std::lround(length * factor)));
+}
+
+/// The picture in at most `side` x `side` pixels.
+Raster Shrink(Raster raster, int side) {
+  const int longest = std::max(raster.Width(), raster.Height());
+  if (longest <= side) return raster;
+  const double factor = static_cast<double>(side) / longest;
+  const bool hasAlpha = raster.Format() == pf32bit && raster.alphaFormat == afDefined;
+  Raster small(hasAlpha ? pf32bit : pf24bit, Shrunk(raster.Width(), factor),
+               Shrunk(raster.Height(), factor));
+  small.alphaFormat = hasAlpha ? afDefined : afIgnored;
+  CopyHalftone(small, {0, 0, small.Width(), small.Height()}, raster);
+  return small;
+}
+
+/// Degrees, counter-clockwise, by which loading turns the photo; 0 where its EXIF data are broken.
+int RotationOf(const std::string& fileName) {
+  if (GetGraphicsType(ExtractFileExt(fileName)) != gtJpg) return 0;
+  int rotation = 0;
+  try {
+    GetJpgRotation(fileName, rotation);
+  } catch (const std::exception&) {
+    return 0;
+  }
+  return rotation;
+}
+
+Preview Decode(const std::string& fileName, int side, const std::atomic<bool>& isCancelled) {
+  CancelledStream stream(fileName, isCancelled);
+  const PictureType type = SniffPictureType(stream);
+  if (!IsDecoded(type)) return {{}, rsPreviewNone};
+  Raster raster = PictureOfFrame(DecodeFrame(stream));
+  Preview preview;
+  preview.width = raster.Width();
+  preview.height = raster.Height();
+  if (isCancelled) return preview;
+  preview.image = ImageOfOwned(Shrink(std::move(raster), side));
+  const int rotation = type == PictureType::jpeg ? RotationOf(fileName) : 0;
+  if (rotation != 0) {
+    preview.image = preview.image.transformed(QTransform().rotate(-rotation));
+    if (rotation % 180 != 0) std::swap(preview.width, preview.height);
+  }
+  if (preview.image.isNull()) preview.problem = rsPreviewNone;
+  return preview;
+}
+
+/// Opening a pipe would wait for its other end.
+bool IsPlainFile(const std::string& fileName) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(ToPath(fileName), error);
+}
+
+}  // namespace
+
+Preview DecodePreview(const std::string& fileName, int side, const std::atomic<bool>& isCancelled) {
+  try {
+    if (!IsPlainFile(fileName)) return {{}, rsPreviewNone};
+    const PictureMemoryScope budget(previewMemory);
+    return Decode(fileName, std::max(side, 1), isCancelled);
+  } catch (const Cancelled&) {
+    return {};
+  } catch (const LimitError&) {
+    return {{}, rsPreviewTooLarge};
+  } catch (const std::bad_alloc&) {
+    return {{}, rsPreviewTooLarge};
+  } catch (const std::exception&) {
+    return {{}, rsPreviewBroken};
+  }
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,21 @@
+#include <utility>
+
+#include <rasterkit/qt/preview/preview_loader.h>
+#include <rasterkit/strings/strings.h>
+
+namespace rasterkit::detail {
+
+PreviewLoader::PreviewLoader(Answer answer) : answer_(std::move(answer)) {}
+
+void PreviewLoader::Load(std::string fileName, int side) {
+  const auto decode = [this, fileName = std::move(fileName),
+                       side](const std::atomic<bool>& isCancelled) {
+    // Only the answer may look at this object, which can be gone by now.
+    const Preview preview = DecodePreview(fileName, side, isCancelled);
+    return [this, preview] { answer_(preview); };
+  };
+  // The dialog works without.
+  task_.Run(decode, [this] { answer_({{}, rsPreviewNone}); });
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QColor>
+
+#include <rasterkit/graphics/system_color.h>
+
+/// The house's colours as Qt's and back.
+namespace rasterkit {
+
+/// System colours are those of the host.
+inline QColor QtColor(TColor color) {
+  const TColor bgr = ResolveColor(color);
+  return QColor(bgr & 0xFF, bgr >> 8 & 0xFF, bgr >> 16 & 0xFF);
+}
+
+/// Without its alpha.
+inline TColor ColorOf(const QColor& color) {
+  return RGB(static_cast<uint8_t>(color.red()), static_cast<uint8_t>(color.green()),
+             static_cast<uint8_t>(color.blue()));
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include <rasterkit/raster/raster.h>
+
+namespace rasterkit {
+
+/// A colour and how many pixels bear it. Channels (blue, green, red) are in quarters: 0 to 1020.
+struct ColorPoint {
+  std::array<int16_t, 3> channel{};
+  uint64_t weight = 0;
+};
+
+constexpr ColorPoint MakeColorPoint(int red, int green, int blue, uint64_t weight) {
+  return {{static_cast<int16_t>(blue * 4), static_cast<int16_t>(green * 4),
+           static_cast<int16_t>(red * 4)},
+          weight};
+}
+
+/// The colours of a picture in a fixed order: each one as it is while there are few (a smooth
+/// gradient stays smooth), else the mean colours of a grid of 32 x 32 x 32 boxes. Of a large
+/// picture only a net of pixels is looked at, always the same one.
+std::vector<ColorPoint> CollectColorPoints(const Raster& source);
+
+}  // namespace rasterkit

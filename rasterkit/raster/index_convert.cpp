@@ -1,0 +1,157 @@
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <vector>
+
+#include <rasterkit/kernels/gray/gray.h>
+#include <rasterkit/kernels/rows/convert_rows.h>
+#include <rasterkit/raster/adaptive_palette.h>
+#include <rasterkit/raster/index_convert.h>
+#include <rasterkit/raster/row_conversion.h>
+
+namespace rasterkit {
+namespace {
+
+using IndexMap = std::array<uint8_t, 256>;
+
+using IndexCounts = std::array<uint64_t, 256>;
+
+IndexCounts CountIndexes(const Raster& source) {
+  IndexCounts counts{};
+  std::vector<uint8_t> indexes(static_cast<size_t>(source.Width()));
+  for (int y = 0; y < source.Height(); ++y) {
+    UnpackIndexes(source.Row(y), source.Format(), source.Width(), indexes.data());
+    for (const uint8_t index : indexes) ++counts[index];
+  }
+  return counts;
+}
+
+Raster MapIndexes(const Raster& source, TPixelFormat format, const IndexMap& map,
+                  HPALETTE palette) {
+  Raster target(format, source.Width(), source.Height());
+  target.CopyProperties(source);
+  target.palette = std::move(palette);
+  std::vector<uint8_t> indexes(static_cast<size_t>(source.Width()));
+  for (int y = 0; y < source.Height(); ++y) {
+    UnpackIndexes(source.Row(y), source.Format(), source.Width(), indexes.data());
+    for (uint8_t& index : indexes) index = map[index];
+    PackIndexes(indexes.data(), format, source.Width(), target.Row(y));
+  }
+  target.ClearPadding();
+  return target;
+}
+
+bool IsLight(const tagPALETTEENTRY& entry) {
+  return kernels::GrayOf(entry.peRed, entry.peGreen, entry.peBlue) > 127;
+}
+
+IndexMap KeepIndexes() {
+  IndexMap map;
+  for (size_t i = 0; i < map.size(); ++i) map[i] = static_cast<uint8_t>(i);
+  return map;
+}
+
+// The palette cut or filled up with black to the entries of the format.
+HPALETTE ResizedPalette(const HPALETTE& palette, size_t count) {
+  const TColorTable table = PaletteTable(palette);
+  return HPALETTE(std::span(table).first(count));
+}
+
+struct ColorMap {
+  IndexMap map{};
+  std::vector<tagPALETTEENTRY> entries;
+};
+
+// Numbers the distinct colours of the used indexes in index order; nothing when there are more than
+// `limit`.
+std::optional<ColorMap> MapColors(const IndexCounts& counts, const HPALETTE& palette,
+                                  size_t limit) {
+  ColorMap result;
+  for (int i = 0; i < 256; ++i) {
+    if (counts[static_cast<size_t>(i)] == 0) continue;
+    tagPALETTEENTRY entry = palette.Entry(i);
+    entry.peFlags = 0;
+    const auto found = std::ranges::find(result.entries, entry);
+    if (found == result.entries.end() && result.entries.size() == limit) return std::nullopt;
+    result.map[static_cast<size_t>(i)] = static_cast<uint8_t>(found - result.entries.begin());
+    if (found == result.entries.end()) result.entries.push_back(entry);
+  }
+  return result;
+}
+
+// An adaptive palette for the colours of the palette, weighted by how many pixels bear them.
+ColorMap MapNearest(const IndexCounts& counts, const HPALETTE& palette, size_t limit) {
+  std::vector<ColorPoint> points;
+  for (int i = 0; i < 256; ++i) {
+    const tagPALETTEENTRY entry = palette.Entry(i);
+    const uint64_t count = counts[static_cast<size_t>(i)];
+    if (count > 0)
+      points.push_back(MakeColorPoint(entry.peRed, entry.peGreen, entry.peBlue, count));
+  }
+  ColorMap result;
+  result.entries = ChooseAdaptivePalette(std::move(points), limit);
+  for (int i = 0; i < 256; ++i)
+    result.map[static_cast<size_t>(i)] =
+        static_cast<uint8_t>(NearestEntry(result.entries, EntryColor(palette.Entry(i))));
+  return result;
+}
+
+// Puts the darker of two colours first; a single colour stands beside the opposite of black and
+// white.
+void ArrangeTwoColors(ColorMap& colors) {
+  std::vector<tagPALETTEENTRY>& entries = colors.entries;
+  if (entries.empty()) return;
+  if (entries.size() == 1)
+    entries.push_back(IsLight(entries[0]) ? tagPALETTEENTRY{} : tagPALETTEENTRY{255, 255, 255, 0});
+  const auto weight = [](const tagPALETTEENTRY& e) {
+    return 297 * e.peRed + 589 * e.peGreen + 114 * e.peBlue;
+  };
+  if (weight(entries[0]) <= weight(entries[1])) return;
+  std::swap(entries[0], entries[1]);
+  for (uint8_t& index : colors.map) index ^= 1;
+}
+
+}  // namespace
+
+Raster ConvertIndexed(const Raster& source, TPixelFormat format) {
+  const auto limit = static_cast<size_t>(1) << StoredBitsPerPixel(format);
+  if (format > source.Format())
+    return MapIndexes(source, format, KeepIndexes(), ResizedPalette(source.palette, limit));
+
+  const IndexCounts counts = CountIndexes(source);
+  const auto beyond = counts.begin() + static_cast<ptrdiff_t>(limit);
+  if (std::all_of(beyond, counts.end(), [](uint64_t count) { return count == 0; }))
+    return MapIndexes(source, format, KeepIndexes(), ResizedPalette(source.palette, limit));
+
+  std::optional<ColorMap> colors = MapColors(counts, source.palette, limit);
+  if (!colors && format == pf1bit) return ThresholdToMono(source);
+  if (!colors) colors = MapNearest(counts, source.palette, limit);
+  if (format == pf1bit) ArrangeTwoColors(*colors);
+  colors->entries.resize(limit);
+  return MapIndexes(source, format, colors->map, HPALETTE(colors->entries));
+}
+
+Raster ThresholdToMono(const Raster& source) {
+  Raster target(pf1bit, source.Width(), source.Height());
+  const HPALETTE blackAndWhite = target.palette;
+  target.CopyProperties(source);
+  target.palette = blackAndWhite;
+  target.alphaFormat = afIgnored;
+  const PixelTable table = MakePixelTable(source.palette);
+  const auto width = static_cast<size_t>(source.Width());
+  std::vector<RGBArec> pixels(width);
+  std::vector<uint8_t> grays(width);
+  for (int y = 0; y < source.Height(); ++y) {
+    if (source.Format() == pf24bit) {
+      kernels::GrayOfRow24(source.Row(y), width, grays.data());
+    } else {
+      RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
+      kernels::GrayOfRow32(reinterpret_cast<const uint8_t*>(pixels.data()), width, grays.data());
+    }
+    kernels::BitsAbove(grays.data(), width, 127, target.Row(y));
+  }
+  target.ClearPadding();
+  return target;
+}
+
+}  // namespace rasterkit

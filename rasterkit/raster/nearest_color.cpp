@@ -1,0 +1,113 @@
+#include <algorithm>
+
+#include <rasterkit/raster/nearest_color.h>
+
+namespace rasterkit {
+namespace {
+
+using Candidate = kernels::CellCandidate;
+
+constexpr int kGroupSide = 16;
+constexpr int kGroupsASide = 256 / kGroupSide;
+
+// What the colours of most photographs need; memory that is not written to costs nothing.
+constexpr size_t kUsualAnswers = size_t{1} << 22;
+
+constexpr int Square(int value) {
+  return value * value;
+}
+
+// Squared distance on one axis from `value` to the nearest and to the farthest point of a cube that
+// starts at `low`.
+struct AxisRange {
+  int nearest, farthest;
+};
+
+// All from the doubled distance to the cube's middle.
+AxisRange DistanceToCube(int value, int low, int side) {
+  const int middle = std::abs(2 * (value - low) - (side - 1));
+  return {Square(std::max(middle - (side - 1), 0) / 2), Square((middle + side - 1) / 2)};
+}
+
+// Appends those of `from` that can be nearest to a colour of a cube. A candidate is out when even
+// its nearest point of the cube lies beyond the farthest point of another.
+void Append(std::span<const Candidate> from, int blue, int green, int red, int side,
+            std::vector<Candidate>& to) {
+  std::array<int, 256> nearest;
+  int bound = INT32_MAX;
+  for (size_t i = 0; i < from.size(); ++i) {
+    const AxisRange r = DistanceToCube(from[i].red, red, side);
+    const AxisRange g = DistanceToCube(from[i].green, green, side);
+    const AxisRange b = DistanceToCube(from[i].blue, blue, side);
+    nearest[i] = r.nearest + g.nearest + b.nearest;
+    bound = std::min(bound, r.farthest + g.farthest + b.farthest);
+  }
+  for (size_t i = 0; i < from.size(); ++i)
+    if (nearest[i] <= bound) to.push_back(from[i]);
+}
+
+}  // namespace
+
+NearestColor::NearestColor(std::span<const tagPALETTEENTRY> entries)
+    : groups_(kGroupsASide * kGroupsASide * kGroupsASide),
+      blocks_(32 * 32 * 32),
+      answers_(kernels::kCellColors) {
+  answers_.reserve(kUsualAnswers);
+  for (size_t i = 0; i < std::min<size_t>(entries.size(), 256); ++i) {
+    const auto sameColor = [&](const Candidate& entry) {
+      return entry.red == entries[i].peRed && entry.green == entries[i].peGreen &&
+             entry.blue == entries[i].peBlue;
+    };
+    if (std::ranges::any_of(entries_, sameColor)) continue;  // the lower index wins anyway
+    entries_.push_back(
+        {entries[i].peBlue, entries[i].peGreen, entries[i].peRed, static_cast<uint8_t>(i)});
+  }
+  if (entries_.empty()) entries_.push_back({});
+}
+
+void NearestColor::OfRow(const RGBArec* pixels, size_t count, uint8_t* indexes) {
+  places_.resize(std::max(places_.size(), count));
+  kernels::CellPlaces(reinterpret_cast<const uint8_t*>(pixels), count, places_.data());
+  // In locals: the indexes written might otherwise be these members.
+  const uint32_t* places = places_.data();
+  uint32_t* blocks = blocks_.data();
+  const uint8_t* answers = answers_.data();
+  for (size_t i = 0; i < count; ++i) {
+    const uint32_t cell = places[i] / kernels::kCellColors;
+    if (blocks[cell] == 0) [[unlikely]] {
+      blocks[cell] = AnswerCell(cell);
+      answers = answers_.data();
+    }
+    indexes[i] =
+        answers[size_t{blocks[cell]} * kernels::kCellColors + places[i] % kernels::kCellColors];
+  }
+}
+
+uint32_t NearestColor::AnswerCell(uint32_t cell) {
+  const int red = static_cast<int>(cell >> 10) * kernels::kCellSide;
+  const int green = static_cast<int>(cell >> 5 & 31) * kernels::kCellSide;
+  const int blue = static_cast<int>(cell & 31) * kernels::kCellSide;
+  const Group group = GroupOf(blue, green, red);
+  inReach_.clear();
+  Append({candidates_.data() + group.first, group.count}, blue, green, red, kernels::kCellSide,
+         inReach_);
+  const size_t place = answers_.size();
+  answers_.resize(place + kernels::kCellColors);
+  kernels::AnswerCell(inReach_.data(), inReach_.size(), blue, green, red, answers_.data() + place);
+  return static_cast<uint32_t>(place / kernels::kCellColors);
+}
+
+NearestColor::Group& NearestColor::GroupOf(int blue, int green, int red) {
+  const auto number = static_cast<size_t>(
+      (red / kGroupSide * kGroupsASide + green / kGroupSide) * kGroupsASide + blue / kGroupSide);
+  Group& group = groups_[number];
+  if (group.count == 0) {
+    group.first = static_cast<uint32_t>(candidates_.size());
+    Append(entries_, blue & -kGroupSide, green & -kGroupSide, red & -kGroupSide, kGroupSide,
+           candidates_);
+    group.count = static_cast<uint32_t>(candidates_.size()) - group.first;
+  }
+  return group;
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include <rasterkit/kernels/palette/nearest_colors.h>
+#include <rasterkit/raster/palette.h>
+#include <rasterkit/raster/pixel_format.h>
+
+namespace rasterkit {
+
+/// Finds the nearest palette entry of many colours: the least sum of squared channel differences,
+/// the lowest index among equals, exactly as `NearestEntry`.
+///
+/// The colour cube is cut into cells of 8 x 8 x 8 colours. A cell's first question settles all its
+/// colours: a picture asks for neighbours of a colour again and again. Only the few entries that
+/// can be nearest to a colour of the cell are compared; the many that cannot are ruled out for
+/// eight cells at once, then for the cell.
+class NearestColor {
+ public:
+  explicit NearestColor(std::span<const tagPALETTEENTRY> entries);
+
+  uint8_t Of(const RGBArec& pixel) {
+    const auto cell = static_cast<uint32_t>(pixel.r >> 3 << 10 | pixel.g >> 3 << 5 | pixel.b >> 3);
+    const auto inside =
+        static_cast<uint32_t>((pixel.r & 7) << 6 | (pixel.g & 7) << 3 | (pixel.b & 7));
+    return AnswerAt(cell * kernels::kCellColors + inside);
+  }
+
+  /// The same for `count` pixels.
+  void OfRow(const RGBArec* pixels, size_t count, uint8_t* indexes);
+
+ private:
+  using Candidate = kernels::CellCandidate;
+
+  // Part of candidates_; empty: not asked for.
+  struct Group {
+    uint32_t first = 0;
+    uint32_t count = 0;
+  };
+
+  uint8_t AnswerAt(uint32_t place) {
+    uint32_t& block = blocks_[place / kernels::kCellColors];
+    if (block == 0) [[unlikely]]
+      block = AnswerCell(place / kernels::kCellColors);
+    return answers_[size_t{block} * kernels::kCellColors + place % kernels::kCellColors];
+  }
+
+  uint32_t AnswerCell(uint32_t cell);
+  Group& GroupOf(int blue, int green, int red);
+
+  std::vector<Candidate> entries_;
+  std::vector<Group> groups_;
+  std::vector<Candidate> candidates_;
+  std::vector<Candidate> inReach_;  // of one cell, kept for its memory
+  std::vector<uint32_t> blocks_;    // of each cell, its number in answers_; 0: not answered yet
+  std::vector<uint8_t> answers_;
+  std::vector<uint32_t> places_;  // of a row's pixels
+};
+
+}  // namespace rasterkit

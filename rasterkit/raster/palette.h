@@ -1,0 +1,67 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include <rasterkit/raster/pixel_format.h>
+#include <rasterkit/runtime/export.h>
+
+namespace rasterkit {
+
+/// One palette entry, in this byte order.
+struct tagPALETTEENTRY {
+  uint8_t peRed = 0, peGreen = 0, peBlue = 0, peFlags = 0;
+  friend bool operator==(const tagPALETTEENTRY&, const tagPALETTEENTRY&) = default;
+};
+
+/// 256 palette entries; operations that take one also take the count of valid entries.
+using TColorTable = std::array<tagPALETTEENTRY, 256>;
+
+/// A palette handle: a small value that shares an immutable list of 0 to 256 entries. The empty
+/// handle is "no palette".
+class RASTERKIT_EXPORT HPALETTE {
+ public:
+  HPALETTE() = default;
+  /// At most 256 entries are taken; none gives the empty handle.
+  explicit HPALETTE(std::span<const tagPALETTEENTRY> entries);
+
+  explicit operator bool() const { return entries_ != nullptr; }
+  int Count() const { return entries_ ? static_cast<int>(entries_->size()) : 0; }
+  std::span<const tagPALETTEENTRY> Entries() const;
+  /// Entry `index`; black when it lies beyond the palette.
+  tagPALETTEENTRY Entry(int index) const;
+
+  /// Same entries, wherever they are kept.
+  friend bool operator==(const HPALETTE& a, const HPALETTE& b);
+
+ private:
+  std::shared_ptr<const std::vector<tagPALETTEENTRY>> entries_;
+};
+
+/// What a new indexed bitmap has: 1-bit black, white; 4-bit the 16 standard colours; 8-bit 256
+/// entries (the 20 standard colours, 10 at either end, between them a colour cube and greys). Empty
+/// for other formats.
+RASTERKIT_EXPORT HPALETTE DefaultPalette(TPixelFormat format);
+
+/// `count` greys from black to white, 2 to 256.
+RASTERKIT_EXPORT HPALETTE GrayPalette(int count);
+
+/// True when the palette is exactly the ramp (0,0,0), (1,1,1) ... (255,255,255).
+RASTERKIT_EXPORT bool IsGrayRamp(const HPALETTE& palette);
+
+/// The palette as a full table: entries beyond it are black.
+RASTERKIT_EXPORT TColorTable PaletteTable(const HPALETTE& palette);
+
+/// Index of the entry nearest to the colour 0x00BBGGRR: least sum of squared channel differences,
+/// the lowest index among equals; 0 when there are no entries.
+RASTERKIT_EXPORT int NearestEntry(std::span<const tagPALETTEENTRY> entries, TColor color);
+
+/// An entry's colour, 0x00BBGGRR.
+constexpr TColor EntryColor(const tagPALETTEENTRY& entry) {
+  return RGB(entry.peRed, entry.peGreen, entry.peBlue);
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <rasterkit/raster/raster.h>
+
+namespace rasterkit {
+
+/// A true-colour raster as pf8bit or pf4bit, judged by colours alone (alpha is dropped). The
+/// palette has all 256 or 16 entries.
+///
+/// With no more colours than entries the result is exact: a picture of greys gets the grey ramp at
+/// 8 bits, any other its colours in the order of their first appearance, then black. With more
+/// colours the palette is adaptive: chosen to keep the squared error small, every pixel gets the
+/// nearest entry (the lowest among equals), and nothing is dithered.
+Raster QuantizeRaster(const Raster& source, TPixelFormat format);
+
+}  // namespace rasterkit

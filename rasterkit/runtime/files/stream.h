@@ -1,0 +1,113 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <rasterkit/runtime/export.h>
+
+namespace rasterkit {
+
+/// A sequence of bytes with a position. Errors of the system are thrown as FileError.
+class RASTERKIT_EXPORT TStream {
+ public:
+  virtual ~TStream() = default;
+  TStream(const TStream&) = delete;
+  TStream& operator=(const TStream&) = delete;
+
+  /// Reads up to `target.size()` bytes from the position, moves it, and returns how many were there
+  /// (0 at the end).
+  virtual size_t Read(std::span<uint8_t> target) = 0;
+  /// Fills the pieces one after another as one read; returns the bytes read altogether.
+  virtual size_t ReadScattered(std::span<const std::span<uint8_t>> pieces);
+  /// Writes all of `source` at the position and moves it; throws when not everything could be
+  /// written.
+  virtual void Write(std::span<const uint8_t> source) = 0;
+
+  virtual uint64_t Position() const = 0;
+  virtual void SetPosition(uint64_t position) = 0;
+  virtual uint64_t Size() const = 0;
+
+  /// As Read, but throws FormatError("unexpected end of data") when fewer bytes are there.
+  void ReadExactly(std::span<uint8_t> target);
+  /// All bytes from the position to the end. Throws LimitError when they exceed the picture memory
+  /// budget.
+  std::vector<uint8_t> ReadToEnd();
+
+ protected:
+  TStream() = default;
+};
+
+/// A stream over bytes in memory that it owns and grows as needed.
+class RASTERKIT_EXPORT TMemoryStream : public TStream {
+ public:
+  TMemoryStream() = default;
+  /// Takes over `bytes`; the position is 0.
+  explicit TMemoryStream(std::vector<uint8_t> bytes);
+
+  size_t Read(std::span<uint8_t> target) override;
+  void Write(std::span<const uint8_t> source) override;
+  uint64_t Position() const override { return position_; }
+  void SetPosition(uint64_t position) override { position_ = position; }
+  uint64_t Size() const override { return bytes_.size(); }
+
+  void Clear();
+  std::span<const uint8_t> Bytes() const { return bytes_; }
+  std::vector<uint8_t> TakeBytes();
+
+  /// Replaces the content by the file's bytes; position 0.
+  void LoadFromFile(const std::string& fileName);
+  /// Writes the whole content, atomically (see AtomicFile).
+  void SaveToFile(const std::string& fileName) const;
+  /// Replaces the content by all bytes of `source`, from its beginning; position 0.
+  void LoadFromStream(TStream& source);
+
+ private:
+  std::vector<uint8_t> bytes_;
+  uint64_t position_ = 0;
+};
+
+/// Read-only view of bytes that somebody else keeps alive.
+class RASTERKIT_EXPORT TSpanStream : public TStream {
+ public:
+  explicit TSpanStream(std::span<const uint8_t> bytes) : bytes_(bytes) {}
+
+  size_t Read(std::span<uint8_t> target) override;
+  /// Always throws: the bytes are borrowed.
+  void Write(std::span<const uint8_t> source) override;
+  uint64_t Position() const override { return position_; }
+  void SetPosition(uint64_t position) override { position_ = position; }
+  uint64_t Size() const override { return bytes_.size(); }
+  std::span<const uint8_t> Bytes() const { return bytes_; }
+
+ private:
+  std::span<const uint8_t> bytes_;
+  uint64_t position_ = 0;
+};
+
+/// A file opened for reading; others may read it too, writers are kept out where the system knows
+/// such locks. A folder, a missing or an unreadable file throws FileError at once.
+class RASTERKIT_EXPORT TFileStream : public TStream {
+ public:
+  explicit TFileStream(const std::string& fileName);
+  ~TFileStream() override;
+
+  size_t Read(std::span<uint8_t> target) override;
+  size_t ReadScattered(std::span<const std::span<uint8_t>> pieces) override;
+  /// Always throws: files are written through AtomicFile.
+  void Write(std::span<const uint8_t> source) override;
+  uint64_t Position() const override;
+  void SetPosition(uint64_t position) override;
+  /// Size at opening, in bytes; 0 for pipes and devices, which are read from their beginning to
+  /// their end.
+  uint64_t Size() const override;
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace rasterkit

@@ -1,0 +1,47 @@
+#include <optional>
+
+#include <rasterkit/codecs/tiff/tiff_encoder.h>
+#include <rasterkit/graphics/name_errors.h>
+#include <rasterkit/runtime/files/atomic_file.h>
+#include <rasterkit/tifftobmp/geotiff_writer.h>
+
+namespace rasterkit {
+
+namespace {
+
+/// No map has pixels as small as this or smaller: such a size means "not placed".
+constexpr double smallestScale = 0.01;
+
+/// The sense of the first comparison matters: a NaN width leaves the decision to the height.
+bool IsPlaced(double scaleX, double scaleY) {
+  return !(scaleX <= smallestScale) && scaleY > smallestScale;
+}
+
+void WordsTo24(TBitmap& bitmap) {
+  const TPixelFormat stored = bitmap.Content().Format();
+  if (stored == pf15bit || stored == pf16bit) bitmap.SetPixelFormat(pf24bit);
+}
+
+TiffWriteOptions OptionsFor(bool rgbaData) {
+  TiffWriteOptions options;
+  options.exchangeRedBlue = rgbaData;
+  if (rgbaData) options.compression = TiffCompression::none;
+  return options;
+}
+
+}  // namespace
+
+void WriteBitmapToTiff(TBitmap& bitmap, const std::string& fileName, bool rgbaData, double x0,
+                       double y0, double scaleX, double scaleY) {
+  detail::NameErrors(fileName, [&] {
+    WordsTo24(bitmap);
+    TiffWriteOptions options = OptionsFor(rgbaData);
+    if (IsPlaced(scaleX, scaleY))
+      options.geo = TiffGeoTags{{scaleX, scaleY, 0}, {0, 0, 0, x0, y0, 0}};
+    AtomicFile file(fileName);
+    EncodeTiff(bitmap.Content(), file, options);
+    file.Commit();
+  });
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,164 @@
+// What users, shells and systems do to a tool without meaning any harm.
+
+#include <filesystem>
+#include <fstream>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "tests/support/gif_file.h"
+#include "tests/support/same_pixels.h"
+#include "tests/support/test_pictures.h"
+#include "tests/support/webp_file.h"
+#include "tests/tool/support/run_tool.h"
+#include "tests/tool/support/sample_files.h"
+
+namespace rasterkit::test {
+namespace {
+
+using testing::AnyOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class CliHostileUse : public testing::Test {
+ protected:
+  CliHostileUse() { SaveBmpFile(in_, picture_); }
+
+  TempFolder folder_;
+  Raster picture_ = GradientRaster(pf24bit, 400, 300);
+  std::string in_ = folder_ / "in.bmp";
+};
+
+/// Runs the tool by the shell with a redirection behind its arguments; returns its exit code.
+int RunByShell(const std::string& arguments, const std::string& redirection) {
+  const int status = std::system(("'" RASTERKIT_TOOL "' " + arguments + " " + redirection).c_str());
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128;
+}
+
+TEST_F(CliHostileUse, ClosedStdout_Should_Exit4AndKeepTheTextOutOfThePictures) {
+  std::string inputs;
+  for (int i = 0; i < 8; i++) {
+    const std::string copy = folder_ / ("in" + std::to_string(i) + ".bmp");
+    std::filesystem::copy_file(in_, copy);
+    inputs += "'" + copy + "' ";
+  }
+  for (const char* closed : {">&-", "<&- >&-", "<&- >&- 2>&-"}) {
+    SCOPED_TRACE(closed);
+    const std::string arguments = "convert --json --overwrite --jobs 4 --type bmp --out-dir '" +
+                                  folder_ / "out" + "' " + inputs;
+    EXPECT_EQ(RunByShell(arguments, std::string("2>'") + folder_ / "err" + "' " + closed), 4);
+    for (int i = 0; i < 8; i++) {
+      EXPECT_EQ(ReadBytes(folder_ / ("out/in" + std::to_string(i) + ".bmp")), ReadBytes(in_)) << i;
+    }
+  }
+  EXPECT_EQ(RunByShell("info '" + in_ + "'", ">&- 2>/dev/null"), 4);
+  EXPECT_EQ(RunByShell("convert '" + in_ + "' '" + folder_ / "quiet.png" + "'", ">&-"), 0)
+      << "nothing had to be said";
+}
+
+TEST_F(CliHostileUse, GoneReader_Should_Exit4AndFinishTheOutputs) {
+  ToolResult result =
+      RunTool({"info", in_}, {.fileSizeLimit = {}, .stdoutFile = "", .isReaderGone = true});
+  EXPECT_EQ(result.code, 4);
+  EXPECT_THAT(result.err, HasSubstr("stdout"));
+  result = RunTool({"convert", "--json", in_, folder_ / "out.png"},
+                   {.fileSizeLimit = {}, .stdoutFile = "", .isReaderGone = true});
+  EXPECT_EQ(result.code, 4);
+  EXPECT_TRUE(SamePixels(picture_, LoadFile(folder_ / "out.png")));
+}
+
+TEST_F(CliHostileUse, PipeAsOutputWhoseReaderLeaves_Should_Exit4AndNameIt) {
+  const std::string pipe = folder_ / "pipe.bmp";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  ToolProcess tool({"convert", in_, pipe});
+  // The picture does not fit into the pipe, so that the writer waits until the reader leaves.
+  const int reader = open(pipe.c_str(), O_RDONLY);
+  ASSERT_GE(reader, 0);
+  close(reader);
+  const ToolResult result = tool.Wait();
+  EXPECT_EQ(result.code, 4);
+  EXPECT_THAT(result.err, HasSubstr(pipe));
+  EXPECT_THAT(result.err, HasSubstr("Broken pipe"));
+}
+
+TEST_F(CliHostileUse, Names_Should_BeTakenAsTheyAre) {
+  const char* names[] = {"two words.png",
+                         "new\nline.png",
+                         "--overwrite.png",
+                         "\xFF\xFE\x80.png",
+                         "\xC3\xA4\xE2\x82\xAC.png",
+                         "'\"$(x);*.png"};
+  for (const char* name : names) {
+    const std::string file = folder_ / name;
+    const ToolResult result = RunTool({"convert", "--json", in_, file});
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_TRUE(SamePixels(picture_, LoadFile(file)));
+    EXPECT_EQ(JsonLines(result.out).size(), 1u) << "one line for each file";
+    const ToolResult info = RunTool({"info", "--json", file});
+    EXPECT_EQ(info.code, 0);
+    EXPECT_EQ(JsonLines(info.out).at(0)["width"], 400);
+  }
+  EXPECT_EQ(folder_.Names().size(), 1 + std::size(names));
+  const std::string longest = folder_ / (std::string(251, 'x') + ".png");
+  EXPECT_EQ(RunTool({"convert", in_, longest}).code, 0) << "as long as the system allows";
+  const std::string tooLong = folder_ / (std::string(252, 'x') + ".png");
+  EXPECT_EQ(RunTool({"convert", in_, tooLong}).code, 4);
+}
+
+TEST_F(CliHostileUse, HugeClaims_Should_BeRefusedWithoutTakingTheMemory) {
+  GifFile gif = PlainGif(5, 5);
+  gif.screenWidth = gif.screenHeight = 65535;
+  WriteBytes(folder_ / "huge.gif", gif.Bytes());
+  std::vector<uint8_t> chunks = WebpHeaderChunk(webpAnimation, 60000, 60000);
+  for (const auto& chunk :
+       {WebpChunk("ANIM", {0, 0, 0, 0, 0, 0}),
+        WebpFrameChunk(0, 0, 5, 5, ChunksOfWebp(LosslessWebp(GradientRaster(pf24bit, 5, 5))))})
+    chunks.insert(chunks.end(), chunk.begin(), chunk.end());
+  WriteBytes(folder_ / "huge.webp", WebpFile(chunks));
+  for (const char* name : {"huge.gif", "huge.webp"}) {
+    for (const std::string verb : {"info", "convert"}) {
+      std::vector<std::string> arguments = {verb, folder_ / name};
+      if (verb == "convert") arguments.push_back(folder_ / "out.png");
+      const ToolResult result = RunTool(arguments);
+      EXPECT_EQ(result.code, 3) << name;
+      EXPECT_THAT(result.err, HasSubstr(folder_ / name));
+      EXPECT_THAT(result.err,
+                  AnyOf(HasSubstr("60000 x 60000 pixels"), HasSubstr("65535 x 65535 pixels")));
+      EXPECT_LT(result.peakMemory, 128u << 20) << name;
+    }
+  }
+  EXPECT_THAT(folder_.Names(), ElementsAre("huge.gif", "huge.webp", "in.bmp"));
+}
+
+TEST_F(CliHostileUse, DataWithoutEnd_Should_BeRefusedWithoutReadingThem) {
+  const std::string huge = folder_ / "huge.png";
+  WriteText(huge, "no picture");
+  std::filesystem::resize_file(huge, uint64_t{20} << 30);  // a hole, no bytes on the disk
+  for (const std::string& file : {huge, std::string("/dev/zero")}) {
+    for (const std::string verb : {"info", "convert", "exif", "geotiff"}) {
+      SCOPED_TRACE(verb + " " + file);
+      std::vector<std::string> arguments = {verb, file};
+      if (verb == "convert") arguments.push_back(folder_ / "out.png");
+      const ToolResult result = RunTool(arguments);
+      EXPECT_EQ(result.code, 3);
+      EXPECT_THAT(result.err, HasSubstr(file + ": "));
+      EXPECT_LT(result.peakMemory, 128u << 20);
+    }
+  }
+}
+
+TEST_F(CliHostileUse, EmptyFile_Should_BeCalledEmpty) {
+  WriteText(folder_ / "empty.png", "");
+  for (const std::string& file : {folder_ / "empty.png", std::string("/dev/null")}) {
+    const ToolResult result = RunTool({"info", file});
+    EXPECT_EQ(result.code, 3);
+    EXPECT_THAT(result.err, HasSubstr(file + ": the file is empty"));
+  }
+}
+
+}  // namespace
+}  // namespace rasterkit::test

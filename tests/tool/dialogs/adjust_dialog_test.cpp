@@ -1,0 +1,107 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/same_pixels.h"
+#include "tests/support/test_pictures.h"
+#include "tests/tool/support/dialog_run.h"
+
+namespace rasterkit::test {
+namespace {
+
+using testing::HasSubstr;
+
+class CliDialogAdjust : public DialogTest {};
+
+/// The dialog leaves black and white alone where the verb does not: none of them here.
+Raster Colors() {
+  Raster raster = GradientRaster(pf24bit, 41, 23);
+  for (int y = 0; y < raster.Height(); ++y)
+    for (int i = 0; i < raster.Width() * 3; ++i)
+      raster.Row(y)[i] = static_cast<uint8_t>(20 + raster.Row(y)[i] / 2);
+  return raster;
+}
+
+TEST_F(CliDialogAdjust, ValuesOfTheCommandLine_Should_ActFromTheStart) {
+  for (const std::vector<std::string>& values :
+       {std::vector<std::string>{"--contrast", "40"},
+        {"--brightness", "10", "--contrast", "-20", "--sharpen", "30", "--red", "5"},
+        {"--green", "-100"},
+        {"--blue", "0"}})
+    EXPECT_TRUE(SamePixels(WithoutDialog("adjust", Colors(), values),
+                           Confirmed("adjust", Colors(), "click nbPost", values)))
+        << testing::PrintToString(values);
+}
+
+TEST_F(CliDialogAdjust, ValuesThatAreTyped_Should_BeThoseOfTheOutput) {
+  EXPECT_TRUE(SamePixels(
+      WithoutDialog("adjust", Colors(), {"--brightness", "20", "--contrast", "-30", "--blue", "7"}),
+      Confirmed("adjust", Colors(),
+                "type SpEdBlue 7; type SpEdContrast -30; type SpEdLightness 20; click nbPost")));
+}
+
+TEST_F(CliDialogAdjust, AfterRefresh_TheOrderOfTheUser_Should_Count) {
+  const std::string script =
+      "click nbRefresh; type SpEdContrast 10; type SpEdLightness 40; click nbPost";
+  const Raster contrastFirst = Confirmed("adjust", Colors(), script, {"--red", "50"});
+  SavePngFile(folder_ / "first.png", WithoutDialog("adjust", Colors(), {"--contrast", "10"}));
+  ASSERT_EQ(
+      RunTool({"adjust", folder_ / "first.png", folder_ / "then.png", "--brightness", "40"}).code,
+      0);
+  EXPECT_TRUE(SamePixels(LoadFile(folder_ / "then.png"), contrastFirst));
+  EXPECT_FALSE(
+      SamePixels(WithoutDialog("adjust", Colors(), {"--contrast", "10", "--brightness", "40"}),
+                 contrastFirst));
+}
+
+TEST_F(CliDialogAdjust, Palettes_Should_Stay_When_TheyCanSayTheSame) {
+  for (const TPixelFormat format : {pf1bit, pf4bit, pf8bit}) {
+    const Raster raster = GradientRaster(format, 41, 23);
+    const std::vector<std::string> values = {"--red", "-30", "--blue", "20"};
+    const Raster changed = Confirmed("adjust", raster, "click nbPost", values);
+    EXPECT_EQ(changed.Format(), format);
+    EXPECT_TRUE(SameColors(WithoutDialog("adjust", raster, values), changed));
+  }
+}
+
+TEST_F(CliDialogAdjust, Palettes_Should_BecomeTrueColor_When_ThePictureIsSharpened) {
+  const Raster raster = GradientRaster(pf4bit, 41, 23);
+  const std::vector<std::string> values = {"--sharpen", "60"};
+  const Raster changed = Confirmed("adjust", raster, "click nbPost", values);
+  EXPECT_EQ(changed.Format(), pf24bit);
+  EXPECT_TRUE(SamePixels(WithoutDialog("adjust", raster, values), changed));
+}
+
+TEST_F(CliDialogAdjust, Grays_Should_StayGrays) {
+  const Raster changed =
+      Confirmed("adjust", GrayRaster(41, 23), "click nbPost", {"--contrast", "-20"});
+  EXPECT_EQ(changed.Format(), pf8bit);
+  EXPECT_TRUE(IsGrayRamp(changed.palette));
+}
+
+TEST_F(CliDialogAdjust, Transparency_Should_Stay) {
+  Raster alpha = GradientRaster(pf32bit, 41, 23);
+  alpha.alphaFormat = afDefined;
+  const Raster changed = Confirmed("adjust", alpha, "click nbPost", {"--red", "30"});
+  ASSERT_EQ(changed.alphaFormat, afDefined);
+  for (int x = 0; x < 41; ++x) EXPECT_EQ(changed.Row(7)[x * 4 + 3], alpha.Row(7)[x * 4 + 3]);
+
+  Raster keyed = GradientRaster(pf8bit, 41, 23);
+  keyed.transparentColor = keyed.PixelColor(9, 9);
+  const std::vector<std::string> values = {"--red", "-30"};
+  const Raster plain = WithoutDialog("adjust", keyed, values);
+  const Raster asked = Confirmed("adjust", keyed, "click nbPost", values);
+  EXPECT_TRUE(SameColors(plain, asked));
+  EXPECT_EQ(asked.transparentColor, plain.transparentColor);
+}
+
+TEST_F(CliDialogAdjust, Cancel_Should_Exit1AndWriteNothing) {
+  for (const char* script : {"click nbCancel", "type SpEdLightness 20; key Escape", "close"}) {
+    const ToolResult result = RunVerb("adjust", Colors(), script);
+    EXPECT_EQ(result.code, 1) << script;
+    EXPECT_THAT(result.err, HasSubstr("cancelled")) << script;
+    EXPECT_FALSE(HasOutput()) << script;
+  }
+}
+
+}  // namespace
+}  // namespace rasterkit::test

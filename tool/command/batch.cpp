@@ -1,0 +1,235 @@
+#include "tool/command/batch.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include <fmt/format.h>
+
+#include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/text.h>
+
+#include "tool/command/exit_code.h"
+#include "tool/command/interruption.h"
+#include "tool/command/progress.h"
+#include "tool/pictures/metafile_output.h"
+#include "tool/pictures/save_picture.h"
+
+#include <nlohmann/json.hpp>
+
+namespace rasterkit::tool {
+namespace {
+
+struct Outcome {
+  ExitCode code = exitDone;
+  std::string error;
+  JobResult result;
+};
+
+std::string OutputName(const OutputOptions& options, const std::string& input) {
+  std::string name = ExtractFileName(input);
+  const bool hasDot = options.type.starts_with('.');
+  if (!options.type.empty()) name = ChangeFileExt(name, (hasDot ? "" : ".") + options.type);
+  return (ToPath(options.outDir) / ToPath(name)).string();
+}
+
+void RequireWritableType(const std::string& output, bool takesMetafiles) {
+  if (WritableType(output) != PictureType::unknown) return;
+  if (takesMetafiles && IsMetafileName(output)) return;
+  throw Failure(exitWrongUsage,
+                output +
+                    ": pictures are written as .bmp, .jpg, .jpeg, .png, .tif or .tiff, not as '" +
+                    ExtractFileExt(output) + "'");
+}
+
+void RequireExtension(const std::string& output, const std::string& extension) {
+  if (UpperCase(ExtractFileExt(output)) == UpperCase(extension)) return;
+  throw Failure(exitWrongUsage,
+                output + ": written as " + extension + ", not as '" + ExtractFileExt(output) + "'");
+}
+
+void RequireDistinctOutputs(const std::vector<Job>& jobs) {
+  std::map<std::filesystem::path, const Job*> seen;
+  for (const Job& job : jobs) {
+    std::error_code ignored;
+    const auto path = std::filesystem::weakly_canonical(ToPath(job.output), ignored);
+    const auto [place, isNew] = seen.emplace(path, &job);
+    if (isNew) continue;
+    throw Failure(exitWrongUsage, place->second->input + " and " + job.input +
+                                      " would both be written to " + job.output);
+  }
+}
+
+void RequireFreeOutput(const OutputOptions& options, const Job& job) {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(ToPath(job.output), ignored);
+  if (std::filesystem::is_directory(status))
+    throw Failure(exitOutputNotWritten, job.output + ": this is a folder");
+  if (std::filesystem::is_regular_file(status) && !options.overwrite)
+    throw Failure(exitOutputNotWritten, job.output + ": exists already (--overwrite replaces it)");
+}
+
+Outcome RunJob(const OutputOptions& options, const Job& job,
+               const std::function<JobResult(const Job&)>& work) {
+  Outcome outcome;
+  try {
+    StopIfInterrupted();
+    RequireFreeOutput(options, job);
+    outcome.result = work(job);
+    if (options.strict && !outcome.result.notCarriedOver.empty()) outcome.code = exitNotCarriedOver;
+  } catch (const Failure& failure) {
+    outcome.code = failure.Code();
+    outcome.error = failure.what();
+  } catch (const std::exception& error) {
+    outcome.code = exitOutputNotWritten;
+    outcome.error = job.input + ": " + error.what();
+  }
+  return outcome;
+}
+
+bool IsFailure(const Outcome& outcome) {
+  return !outcome.error.empty();
+}
+
+void PrintJson(const Job& job, const Outcome& outcome) {
+  nlohmann::ordered_json line;
+  const bool ok = !IsFailure(outcome);
+  line["schema"] = 1;
+  line["file"] = job.input;
+  line["output"] = job.output;
+  if (job.page > 0) line["page"] = job.page;
+  line["ok"] = ok;
+  line["error"] = ok ? nlohmann::ordered_json() : nlohmann::ordered_json(outcome.error);
+  line["type"] = ok ? nlohmann::ordered_json(outcome.result.type) : nlohmann::ordered_json();
+  line["width"] = ok ? nlohmann::ordered_json(outcome.result.width) : nlohmann::ordered_json();
+  line["height"] = ok ? nlohmann::ordered_json(outcome.result.height) : nlohmann::ordered_json();
+  line["bits"] = ok ? nlohmann::ordered_json(outcome.result.bits) : nlohmann::ordered_json();
+  line["not_carried_over"] = outcome.result.notCarriedOver;
+  line["warnings"] = outcome.result.warnings;
+  fmt::print("{}\n", line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+  // Who reads along hears of each picture when it is done.
+  std::fflush(stdout);
+}
+
+void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& outcome) {
+  for (const std::string& warning : outcome.result.warnings)
+    fmt::print(stderr, "rasterkit: {}: warning: {}\n", job.input, warning);
+  if (IsFailure(outcome)) fmt::print(stderr, "rasterkit: {}\n", outcome.error);
+  if (!outcome.result.notCarriedOver.empty())
+    fmt::print(stderr, "rasterkit: {}: not carried over: {}\n", job.output,
+               fmt::join(outcome.result.notCarriedOver, ", "));
+  if (options.json) PrintJson(job, outcome);
+}
+
+/// Hands out jobs to threads and prints outcomes in the order of the jobs.
+class Batch {
+ public:
+  Batch(const OutputOptions& options, const std::vector<Job>& jobs,
+        const std::function<JobResult(const Job&)>& work)
+      : options_(options),
+        jobs_(jobs),
+        work_(work),
+        outcomes_(jobs.size()),
+        progress_(jobs.size()) {}
+
+  int Run() {
+    std::vector<std::thread> helpers;
+    const size_t count = std::min(static_cast<size_t>(options_.jobs), jobs_.size());
+    for (size_t i = 1; i < count; ++i) helpers.emplace_back([this] { Work(); });
+    Work();
+    for (std::thread& helper : helpers) helper.join();
+    progress_.Clear();
+    return IsInterrupted() ? exitInterrupted : code_;
+  }
+
+ private:
+  void Work() {
+    while (!stopped_) {
+      const size_t index = next_++;
+      if (index >= jobs_.size()) return;
+      Outcome outcome = RunJob(options_, jobs_[index], work_);
+      if (IsFailure(outcome) && (!options_.keepGoing || outcome.code == exitInterrupted))
+        stopped_ = true;
+      Finish(index, std::move(outcome));
+    }
+  }
+
+  void Finish(size_t index, Outcome outcome) {
+    const std::lock_guard lock(mutex_);
+    outcomes_[index] = std::move(outcome);
+    progress_.Clear();
+    for (; printed_ < jobs_.size() && outcomes_[printed_]; ++printed_) {
+      const Outcome& finished = *outcomes_[printed_];
+      if (code_ == exitDone || (code_ == exitNotCarriedOver && IsFailure(finished)))
+        code_ = finished.code;
+      PrintOutcome(options_, jobs_[printed_], finished);
+      outcomes_[printed_]->result = {};
+    }
+    progress_.Advance();
+  }
+
+  const OutputOptions& options_;
+  const std::vector<Job>& jobs_;
+  const std::function<JobResult(const Job&)>& work_;
+  std::vector<std::optional<Outcome>> outcomes_;
+  std::atomic<size_t> next_ = 0;
+  std::atomic<bool> stopped_ = false;
+  std::mutex mutex_;
+  size_t printed_ = 0;
+  ExitCode code_ = exitDone;
+  Progress progress_;
+};
+
+std::vector<Job> PlanFolder(const OutputOptions& options) {
+  std::vector<Job> jobs;
+  for (const std::string& input : options.files)
+    jobs.push_back({input, OutputName(options, input), 0});
+  return jobs;
+}
+
+std::vector<Job> PlanSingle(const OutputOptions& options) {
+  if (!options.type.empty())
+    throw Failure(exitWrongUsage,
+                  "--type goes with --out-dir; a single output is named with its extension");
+  if (options.files.size() != 2)
+    throw Failure(exitWrongUsage,
+                  "one input and one output are wanted; many inputs go with --out-dir DIR");
+  return {{options.files[0], options.files[1], 0}};
+}
+
+}  // namespace
+
+std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyExtension) {
+  std::vector<Job> jobs = options.outDir.empty() ? PlanSingle(options) : PlanFolder(options);
+  for (const Job& job : jobs) {
+    if (onlyExtension.empty()) {
+      RequireWritableType(job.output, options.takesMetafiles);
+    } else {
+      RequireExtension(job.output, onlyExtension);
+    }
+  }
+  RequireDistinctOutputs(jobs);
+  return jobs;
+}
+
+void CheckOutputs(const std::vector<Job>& jobs) {
+  for (const Job& job : jobs) RequireWritableType(job.output, false);
+  RequireDistinctOutputs(jobs);
+}
+
+int RunJobs(const OutputOptions& options, const std::vector<Job>& jobs,
+            const std::function<JobResult(const Job&)>& work) {
+  if (!options.outDir.empty()) {
+    std::error_code error;
+    std::filesystem::create_directories(ToPath(options.outDir), error);
+    if (error) throw Failure(exitOutputNotWritten, options.outDir + ": " + error.message());
+  }
+  return Batch(options, jobs, work).Run();
+}
+
+}  // namespace rasterkit::tool

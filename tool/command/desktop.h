@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <rasterkit/dialogs/desktop/desktop_dialogs.h>
+
+#include "tool/pictures/convert_picture.h"
+
+namespace rasterkit::tool {
+
+/// The windows of the verbs that know --dialog. Their library is loaded for that alone: the tool
+/// itself needs no display and no toolkit. One at a time, on the main thread.
+///
+/// Each function shows one window and returns when the user confirmed it. It throws
+/// Failure(exitAnswerIsNo) when the user did not, and Failure(exitOutputNotWritten) when the window
+/// failed. An interruption ends the process while a window is open.
+class Desktop {
+ public:
+  /// Throws Failure(exitOutputNotWritten) where the dialogs are not installed or no window can be
+  /// opened.
+  Desktop();
+  ~Desktop();
+  Desktop(const Desktop&) = delete;
+  Desktop& operator=(const Desktop&) = delete;
+
+  /// See AdjustBitmap, EditSize and ChooseCropRect of the library.
+  void Adjust(TBitmap& bitmap, TChgBmpValuesRec& values, const Subject& picture) const;
+  void EditSize(int32_t& width, int32_t& height, const Subject& picture) const;
+  void ChooseCropRect(TRect& rect, const Subject& picture) const;
+
+  /// Lets the user choose a picture or PDF file. See BitmapOpenDialog.
+  void OpenFile(std::string& fileName) const;
+  /// See EditGraphic and ConvertPdfPageToBmpDialog.
+  void EditGraphic(const std::string& dir, std::string& fileName,
+                   std::unique_ptr<TGraphic>& graphic) const;
+  void ConvertPdfPage(const std::string& pdfFile, std::string& pictureFile) const;
+
+  /// Lets the user choose under which name and how a picture is saved. See SaveBitmapDlgExt.
+  void SaveBitmap(const std::string& dir, TrecSaveBitmap& rec, std::string& fileName) const;
+  void SaveBitmapPixels(const std::string& dir, TrecSaveBitmap& rec, int32_t& width,
+                        int32_t& height, std::string& fileName) const;
+
+  /// A message that the user closes.
+  void Tell(const std::string& text) const;
+
+ private:
+  const DesktopDialogs& dialogs_;
+};
+
+}  // namespace rasterkit::tool

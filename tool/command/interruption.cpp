@@ -1,0 +1,86 @@
+#include "tool/command/interruption.h"
+
+#include <atomic>
+#include <csignal>
+#include <filesystem>
+#include <string_view>
+
+#include <unistd.h>
+
+#include <rasterkit/runtime/files/file_name.h>
+
+#include "tool/command/exit_code.h"
+
+namespace rasterkit::tool {
+namespace {
+
+std::atomic<bool> interrupted = false;
+std::atomic<int> waits = 0;
+std::atomic<int> outputs = 0;
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
+              "signal handlers must not wait for a lock");
+
+/// Ends the process where it stands, with calls that a signal handler may make.
+[[noreturn]] void EndAtOnce() {
+  constexpr std::string_view text = "rasterkit: interrupted\n";
+  [[maybe_unused]] const auto ignored = write(STDERR_FILENO, text.data(), text.size());
+  _exit(exitInterrupted);
+}
+
+void OnInterrupt(int signalNumber) {
+  interrupted = true;
+  std::signal(signalNumber, SIG_DFL);
+  if (waits > 0 && outputs == 0) EndAtOnce();
+}
+
+bool IsPipeOrDevice(const std::string& file) {
+  std::error_code error;
+  const auto status = std::filesystem::status(ToPath(file), error);
+  return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+         !std::filesystem::is_directory(status);
+}
+
+}  // namespace
+
+void CatchInterruption() {
+  for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+    // A process that was started with the signal ignored (in the background) keeps ignoring it.
+    if (std::signal(signalNumber, OnInterrupt) == SIG_IGN) std::signal(signalNumber, SIG_IGN);
+  }
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
+bool IsInterrupted() {
+  return interrupted;
+}
+
+void StopIfInterrupted() {
+  if (IsInterrupted()) throw Failure(exitInterrupted, "interrupted");
+}
+
+InterruptibleWait::InterruptibleWait() {
+  ++waits;
+  if (!IsInterrupted()) return;
+  // The request came before it could be acted upon.
+  --waits;
+  StopIfInterrupted();
+}
+
+InterruptibleWait::~InterruptibleWait() {
+  --waits;
+}
+
+InterruptibleInput::InterruptibleInput(const std::string& file) {
+  if (IsPipeOrDevice(file)) wait_.emplace();
+}
+
+WholeOutput::WholeOutput() {
+  ++outputs;
+}
+
+WholeOutput::~WholeOutput() {
+  // Another thread may be waiting still.
+  if (--outputs == 0 && interrupted && waits > 0) EndAtOnce();
+}
+
+}  // namespace rasterkit::tool

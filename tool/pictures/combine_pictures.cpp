@@ -1,0 +1,73 @@
+#include "tool/pictures/combine_pictures.h"
+
+#include <algorithm>
+
+#include <rasterkit/bitmaptools/engine/pixel_transfer.h>
+#include <rasterkit/graphics/canvas.h>
+
+#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/transparency.h"
+
+namespace rasterkit::tool {
+namespace {
+
+TRect AllOf(const TBitmap& bitmap) {
+  return {0, 0, bitmap.Width(), bitmap.Height()};
+}
+
+/// Colours of a palette are not averaged: a plan's lines would become pale.
+std::unique_ptr<TBitmap> Stretched(const TBitmap& over, const TBitmap& under) {
+  auto source = over.Clone();
+  const bool isDrawing = HasIndexes(*source);
+  KeyToAlpha(*source);
+  if (!HasAlpha(*source)) source->SetPixelFormat(pf24bit);
+  if (source->Width() == under.Width() && source->Height() == under.Height()) return source;
+  auto target = std::make_unique<TBitmap>();
+  target->ResetPixels(source->PixelFormat(), under.Width(), under.Height());
+  target->SetAlphaFormat(source->AlphaFormat());
+  target->Canvas().StretchMode = isDrawing ? smPlain : smHalftone;
+  target->Canvas().CopyStretched(AllOf(*target), *source);
+  return target;
+}
+
+void DrawKeyed(TBitmap& under, const TBitmap& over, int percent) {
+  TBlendFunction blend;
+  blend.SourceConstantAlpha = static_cast<uint8_t>((255 * (100 - percent) + 50) / 100);
+  blend.PerPixelAlpha = HasAlpha(over);
+  if (blend.PerPixelAlpha) return under.Canvas().AlphaBlend(AllOf(under), over, AllOf(over), blend);
+  // Where white is left out both pictures are the same, and blending changes nothing.
+  const auto drawn = under.Clone();
+  drawn->Canvas().TransparentBlt(AllOf(*drawn), over, AllOf(over), clWhite);
+  under.Canvas().AlphaBlend(AllOf(under), *drawn, AllOf(*drawn), blend);
+}
+
+TPixelMode EngineMode(CombineMode mode) {
+  if (mode == CombineMode::transparent) return pmTransparent;
+  return mode == CombineMode::shadow ? pmShadow : pmOverwrite;
+}
+
+/// Both are 24-bit and of one size, and the rectangles are whole: nothing is scaled, and neither
+/// the last row nor the last column is left out.
+void Transfer(TBitmap& under, TBitmap& over, const CombineOptions& options, int threads,
+              const TProgressEvent& progress) {
+  constexpr int rowsOfThread = 4;
+  const int count = std::clamp(threads, 1, std::max(1, under.Height() / rowsOfThread));
+  const TRect all = AllOf(under);
+  if (options.mode == CombineMode::intoWhite)
+    return AssignInWhite(&under, &over, all, all, 0, count, progress);
+  AssignPartBitmap(&under, &over, all, all, count, progress, EngineMode(options.mode),
+                   options.percent, options.gray, false);
+}
+
+}  // namespace
+
+void CombinePictures(TBitmap& under, const TBitmap& over, const CombineOptions& options,
+                     int threads, const TProgressEvent& progress) {
+  under.SetPixelFormat(pf24bit);
+  std::unique_ptr<TBitmap> source = Stretched(over, under);
+  if (options.mode == CombineMode::key) return DrawKeyed(under, *source, options.percent);
+  if (HasAlpha(*source)) DropTransparency(source, clWhite);
+  Transfer(under, *source, options, threads, progress);
+}
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,24 @@
+#include "tool/pictures/crop_rows.h"
+
+#include <utility>
+
+#include <rasterkit/raster/cut_out.h>
+
+namespace rasterkit::tool {
+namespace {
+
+/// An automatic transparent colour would follow another corner pixel.
+void FixTransparentColor(TBitmap& bitmap) {
+  if (bitmap.Transparent()) bitmap.SetTransparentColor(bitmap.TransparentColor());
+}
+
+}  // namespace
+
+void Crop(TBitmap& bitmap, const TRect& rect) {
+  FixTransparentColor(bitmap);
+  TBitmap cut(CutOut(bitmap.Content(), {rect.Left, rect.Top, rect.Right, rect.Bottom}));
+  cut.AssignTransparency(bitmap);
+  bitmap = std::move(cut);
+}
+
+}  // namespace rasterkit::tool

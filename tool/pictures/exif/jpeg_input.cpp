@@ -1,0 +1,48 @@
+#include "tool/pictures/exif/jpeg_input.h"
+
+#include <algorithm>
+#include <new>
+
+#include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/codecs/unsized_picture.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/stream.h>
+
+#include "tool/command/exit_code.h"
+#include "tool/command/interruption.h"
+
+namespace rasterkit::tool {
+namespace {
+
+/// Of a device without an end no more is read than tells that it is no picture.
+std::vector<uint8_t> ReadAll(TFileStream& stream) {
+  if (stream.Size() > 0) return stream.ReadToEnd();
+  std::vector<uint8_t> bytes = ReadUnsizedPicture(stream);
+  if (SniffPictureType(bytes) == PictureType::unknown) throw FormatError("this is no JPEG file");
+  return bytes;
+}
+
+void RequireJpeg(std::span<const uint8_t> bytes) {
+  if (bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xD8) return;
+  const PictureType type = SniffPictureType(bytes);
+  if (type == PictureType::unknown) throw FormatError("this is no JPEG file");
+  throw FormatError(std::string("this is no JPEG file but ") + PictureTypeName(type));
+}
+
+}  // namespace
+
+std::vector<uint8_t> ReadJpegInput(const std::string& file) {
+  try {
+    const InterruptibleInput waiting(file);
+    TFileStream stream(file);
+    std::vector<uint8_t> bytes = ReadAll(stream);
+    RequireJpeg(bytes);
+    return bytes;
+  } catch (const Error& error) {
+    throw Failure(exitInputUnreadable, file + ": " + error.Reason());
+  } catch (const std::bad_alloc&) {
+    throw Failure(exitInputUnreadable, file + ": not enough memory");
+  }
+}
+
+}  // namespace rasterkit::tool

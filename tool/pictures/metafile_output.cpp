@@ -1,0 +1,94 @@
+#include "tool/pictures/metafile_output.h"
+
+#include <new>
+
+#include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/graphics/metafile.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/atomic_file.h>
+#include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/text.h>
+
+#include "tool/command/exit_code.h"
+#include "tool/command/interruption.h"
+
+namespace rasterkit::tool {
+namespace {
+
+bool IsEmfName(const std::string& file) {
+  return UpperCase(ExtractFileExt(file)) == ".EMF";
+}
+
+void RequireMetafile(PictureType type, const std::string& file) {
+  if (type == PictureType::emf || type == PictureType::wmf) return;
+  if (type == PictureType::unknown) throw FormatError("the data are no picture of a known kind");
+  throw Failure(exitOutputNotWritten, file + ": pixels cannot become a metafile");
+}
+
+void Load(TMetafile& metafile, const std::string& file) {
+  try {
+    const InterruptibleInput waiting(file);
+    TFileStream stream(file);
+    // A large picture need not be read to be refused; a pipe cannot be looked at before.
+    if (stream.Size() > 0) RequireMetafile(SniffPictureType(stream), file);
+    const std::vector<uint8_t> bytes = stream.ReadToEnd();
+    RequireMetafile(SniffPictureType(bytes), file);
+    TSpanStream memory(bytes);
+    metafile.LoadFromStream(memory);
+  } catch (const Error& error) {
+    throw Failure(exitInputUnreadable, file + ": " + error.Reason());
+  }
+}
+
+void Save(TMetafile& metafile, const std::string& file) {
+  try {
+    const WholeOutput whole;
+    AtomicFile target(file);
+    metafile.SaveToStream(target);
+    target.Commit();
+  } catch (const Error& error) {
+    throw Failure(exitOutputNotWritten, file + ": " + error.Reason());
+  } catch (const std::bad_alloc&) {
+    throw Failure(exitOutputNotWritten, file + ": not enough memory");
+  }
+}
+
+bool IsForPixels(const PictureOptions& options) {
+  return options.metafile.IsAsked() || options.bits != 0 ||
+         options.background != PictureOptions().background;
+}
+
+}  // namespace
+
+bool IsMetafileName(const std::string& file) {
+  return IsEmfName(file) || UpperCase(ExtractFileExt(file)) == ".WMF";
+}
+
+JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
+  if (options.angle != 0) {
+    throw Failure(exitWrongUsage, job.output +
+                                      ": a metafile is not turned; --angle needs an output of "
+                                      "pixels (.bmp, .jpg, .png, .tif)");
+  }
+  TMetafile metafile;
+  Load(metafile, job.input);
+  const bool wasEnhanced = metafile.Enhanced();
+  metafile.SetEnhanced(IsEmfName(job.output));
+  StopIfInterrupted();
+  Save(metafile, job.output);
+  JobResult result;
+  result.type = metafile.Enhanced() ? "emf" : "wmf";
+  result.width = metafile.Width();
+  result.height = metafile.Height();
+  result.warnings = metafile.Facts().warnings;
+  if (IsForPixels(options)) {
+    result.warnings.emplace_back(
+        "--background, --bits, --dpi and --size are for outputs of pixels; a metafile is written "
+        "as it is");
+  }
+  // What was drawn as lines is pixels now.
+  if (wasEnhanced && !metafile.Enhanced()) result.notCarriedOver.emplace_back("records");
+  return result;
+}
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,161 @@
+#include "tool/pictures/picture_file.h"
+
+#include <algorithm>
+#include <functional>
+#include <new>
+
+#include <rasterkit/codecs/decode_picture.h>
+#include <rasterkit/codecs/jpeg/jpeg_decoder.h>
+#include <rasterkit/codecs/metadata.h>
+#include <rasterkit/codecs/png/png_decoder.h>
+#include <rasterkit/codecs/tiff/tiff_decoder.h>
+#include <rasterkit/codecs/unsized_picture.h>
+#include <rasterkit/runtime/errors.h>
+
+#include "tool/command/exit_code.h"
+#include "tool/command/interruption.h"
+#include "tool/pictures/visible_rows.h"
+
+namespace rasterkit::tool {
+namespace {
+
+constexpr int kMostDecoders = 64;
+
+void AddWarnings(PictureFile& file, const CodecReport& report) {
+  file.warnings.insert(file.warnings.end(), report.warnings.begin(), report.warnings.end());
+}
+
+/// A file whose directories cannot be read is refused by the decoder, in its own words.
+void ReadFacts(LoadedFrame& loaded, TStream& stream) {
+  try {
+    loaded.tiff = ReadTiffFacts(stream);
+    loaded.photo.orientation = loaded.tiff->orientation;
+    loaded.metadata = loaded.tiff->metadata;
+  } catch (const Error&) {
+  }
+  stream.SetPosition(0);
+}
+
+/// TIFF files can be huge: facts and rows are read where they lie.
+void LoadTiff(LoadedFrame& loaded, TStream& stream, int threads) {
+  loaded.bytes = stream.Size();
+  ReadFacts(loaded, stream);
+  CodecReport report;
+  loaded.frame = DecodeTiff(stream, {std::min(threads, kMostDecoders)}, &report);
+  loaded.grid = GridTypeOf(loaded.frame.format);
+  AddWarnings(loaded, report);
+}
+
+/// The other kinds are pictures, whatever their rows are like.
+void Take(LoadedFrame& loaded, Raster rows, const CodecReport& report) {
+  loaded.frame.rows = std::move(rows);
+  AddWarnings(loaded, report);
+}
+
+/// Compressed kinds are decoded where their bytes are: a stream would copy them.
+Raster DecodeBytes(PictureType type, std::span<const uint8_t> bytes, CodecReport& report) {
+  if (type == PictureType::jpeg) return DecodeJpeg(bytes, &report);
+  if (type == PictureType::png) return DecodePng(bytes, &report);
+  TSpanStream memory(bytes);
+  return DecodePicture(memory, &report);
+}
+
+bool IsMetafile(PictureType type) {
+  return type == PictureType::wmf || type == PictureType::emf;
+}
+
+/// What the records say is known even when they cannot be drawn.
+void LoadMetafile(LoadedFrame& loaded, std::span<const uint8_t> bytes,
+                  const MetafileDrawing& drawing) {
+  loaded.metafile = MetafileFactsOf(bytes);
+  loaded.warnings = loaded.metafile->warnings;
+  DrawnMetafile drawn = DrawMetafile(bytes, drawing);
+  loaded.frame.rows = std::move(drawn.rows);
+  for (std::string& warning : drawn.warnings) {
+    const auto& known = loaded.warnings;
+    if (std::find(known.begin(), known.end(), warning) != known.end()) continue;
+    loaded.warnings.push_back(std::move(warning));
+  }
+}
+
+void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, int threads,
+               const MetafileDrawing& drawing) {
+  loaded.bytes = bytes.size();
+  loaded.type = SniffPictureType(bytes);
+  if (IsMetafile(loaded.type)) return LoadMetafile(loaded, bytes, drawing);
+  if (loaded.type == PictureType::tiff) {
+    TSpanStream memory(bytes);
+    return LoadTiff(loaded, memory, threads);
+  }
+  const PictureMetadata metadata = ReadMetadata(bytes);
+  loaded.metadata = metadata.kinds;
+  loaded.frames = metadata.pictures;
+  const bool isJpeg = loaded.type == PictureType::jpeg;
+  loaded.photo = isJpeg ? ReadPhotoFacts(bytes) : ReadExifFacts(metadata.exif);
+  loaded.warnings = loaded.photo.warnings;
+  CodecReport report;
+  Take(loaded, DecodeBytes(loaded.type, bytes, report), report);
+}
+
+/// Kinds whose files are looked at twice.
+bool HasMetadata(PictureType type) {
+  return type == PictureType::jpeg || type == PictureType::png || type == PictureType::gif ||
+         type == PictureType::webp;
+}
+
+/// Bitmap and TIFF files can be huge: their rows go straight from the file to where they belong.
+/// What is no picture may be even larger and is not read at all. A pipe has no size and cannot be
+/// rewound.
+void LoadStream(LoadedFrame& loaded, TStream& stream, int threads, const MetafileDrawing& drawing) {
+  const bool isFile = stream.Size() > 0;
+  if (isFile) loaded.type = SniffPictureType(stream);
+  if (isFile && loaded.type == PictureType::tiff) return LoadTiff(loaded, stream, threads);
+  if (isFile && !HasMetadata(loaded.type) && !IsMetafile(loaded.type)) {
+    loaded.bytes = stream.Size();
+    CodecReport report;
+    return Take(loaded, DecodePicture(stream, &report), report);
+  }
+  LoadBytes(loaded, isFile ? stream.ReadToEnd() : ReadUnsizedPicture(stream), threads, drawing);
+}
+
+/// Runs a reading of the file; what it throws names the file.
+void Guarded(const std::string& file, const std::function<void()>& reading) {
+  try {
+    reading();
+  } catch (const Error& error) {
+    throw Failure(exitInputUnreadable, file + ": " + error.Reason());
+  } catch (const std::bad_alloc&) {
+    throw Failure(exitInputUnreadable, file + ": not enough memory");
+  }
+}
+
+Raster RowsToLookAt(LoadedFrame& loaded) {
+  if (loaded.type != PictureType::tiff) return std::move(loaded.frame.rows);
+  CodecReport report;
+  const std::string noData = loaded.tiff ? loaded.tiff->noData : std::string();
+  Raster rows = VisibleRows(std::move(loaded.frame), noData, report);
+  AddWarnings(loaded, report);
+  return rows;
+}
+
+}  // namespace
+
+void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads,
+                   const MetafileDrawing& drawing) {
+  Guarded(file, [&] {
+    const InterruptibleInput waiting(file);
+    TFileStream stream(file);
+    LoadStream(frame, stream, threads, drawing);
+  });
+}
+
+LoadedPicture LoadPicture(const std::string& file, int threads, const MetafileDrawing& drawing) {
+  LoadedFrame loaded;
+  LoadFrameInto(loaded, file, threads, drawing);
+  LoadedPicture picture;
+  Guarded(file, [&] { picture.bitmap = std::make_unique<TBitmap>(RowsToLookAt(loaded)); });
+  static_cast<PictureFile&>(picture) = std::move(loaded);
+  return picture;
+}
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,60 @@
+#include "tool/pictures/placement/world_file.h"
+
+#include <algorithm>
+#include <cctype>
+#include <fstream>
+#include <sstream>
+
+#include <rasterkit/bitmaptools/files/graphic_types.h>
+#include <rasterkit/runtime/files/file_name.h>
+
+#include "tool/command/numbers.h"
+
+namespace rasterkit::tool {
+namespace {
+
+/// Six lines, and whatever somebody wrote below them.
+constexpr size_t kLongestWorldFile = 64 * 1024;
+
+/// The first `from` becomes `to`; false when there is none.
+bool Replace(std::string& text, char from, char to) {
+  const size_t at = text.find(from);
+  if (at != std::string::npos) text[at] = to;
+  return at != std::string::npos;
+}
+
+}  // namespace
+
+std::optional<std::string> FindWorldFile(const std::string& picture) {
+  const std::string upper = GetWorldFileExt(picture);
+  if (upper.empty()) return std::nullopt;
+  std::string lower = upper;
+  std::transform(lower.begin(), lower.end(), lower.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  for (const std::string& extension : {upper, lower}) {
+    const std::string name = ChangeFileExt(picture, extension);
+    if (name != picture && FileExists(name)) return name;
+  }
+  return std::nullopt;
+}
+
+std::optional<WorldFile> ReadWorldFile(const std::string& worldFile) {
+  std::ifstream in(ToPath(worldFile), std::ios::binary);
+  std::string text(kLongestWorldFile, '\0');
+  in.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<size_t>(in.gcount()));
+  WorldFile result{worldFile, {}, false};
+  std::istringstream words(text);
+  for (double& number : result.affine) {
+    std::string word;
+    words >> word;
+    if (word.find('.') == std::string::npos && Replace(word, ',', '.'))
+      result.hasDecimalCommas = true;
+    const auto value = ParseNumber(word);
+    if (!value) return std::nullopt;
+    number = *value;
+  }
+  return result;
+}
+
+}  // namespace rasterkit::tool

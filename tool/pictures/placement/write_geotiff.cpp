@@ -1,0 +1,169 @@
+#include "tool/pictures/placement/write_geotiff.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include <fmt/format.h>
+
+#include <rasterkit/codecs/tiff/tiff_encoder.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/atomic_file.h>
+#include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/files/stream.h>
+#include <rasterkit/tifftobmp/geotiff_writer.h>
+
+#include "tool/command/exit_code.h"
+#include "tool/command/interruption.h"
+#include "tool/pictures/convert_picture.h"
+#include "tool/pictures/placement/geo_position.h"
+#include "tool/pictures/placement/world_file.h"
+
+namespace rasterkit::tool {
+namespace {
+
+/// A placement and where it comes from.
+struct Found {
+  Placement placement;
+  /// "worldfile", "geotiff" ...; empty for the command line.
+  std::string source;
+  /// What of the input's own positions the output says; where they disagree, a warning does.
+  std::vector<std::string> carriedOver;
+  std::vector<std::string> warnings;
+};
+
+[[noreturn]] void Refuse(const std::string& file, const std::string& reason) {
+  throw Failure(exitOutputNotWritten, file + ": " + reason);
+}
+
+/// The tags hold two positive sizes and a corner; rather no output than one that lies elsewhere.
+Placement PlacementOf(const Affine& affine, const std::string& file) {
+  const auto [perColumnX, perColumnY, perRowX, perRowY, x, y] = affine;
+  const char* const tags = "which pixel scale and tie point cannot state";
+  if (perColumnY != 0 || perRowX != 0)
+    Refuse(file, fmt::format("turns or skews the picture (y per column {}, x per row {}), {}",
+                             perColumnY, perRowX, tags));
+  if (perColumnX == 0 || perRowY == 0)
+    Refuse(file, fmt::format("gives pixels no size (x per column {}, y per row {})", perColumnX,
+                             perRowY));
+  if (perColumnX < 0)
+    Refuse(file, fmt::format("has columns that run west (x per column {}), {}", perColumnX, tags));
+  if (perRowY > 0)
+    Refuse(file, fmt::format("has rows that run north (y per row {}), {}", perRowY, tags));
+  const MapPoint corner = UpperLeftCorner(affine);
+  return {corner.x, corner.y, perColumnX, -perRowY};
+}
+
+/// Why a file gave no six numbers. A pipe was read already and is not opened again.
+std::string ReasonForNoNumbers(const std::string& name) {
+  std::error_code ignored;
+  try {
+    if (!std::filesystem::is_fifo(ToPath(name), ignored)) const TFileStream opens(name);
+  } catch (const Error& error) {
+    return error.Reason();
+  }
+  return "no world file: it should begin with six numbers, one a line";
+}
+
+Found FromWorldFile(const std::string& name) {
+  const auto worldFile = ReadWorldFile(name);
+  if (!worldFile) throw Failure(exitInputUnreadable, name + ": " + ReasonForNoNumbers(name));
+  Found found{PlacementOf(worldFile->affine, name), "worldfile", {}, {}};
+  if (worldFile->hasDecimalCommas)
+    found.warnings.push_back(name + ": commas were read as decimal points");
+  return found;
+}
+
+/// The tags of the input itself; empty facts for anything but a readable TIFF file, whose fault
+/// loading will name.
+TiffFacts FactsOf(const std::string& file) {
+  try {
+    TFileStream stream(file);
+    return ReadTiffFacts(stream);
+  } catch (const Error&) {
+    return {};
+  }
+}
+
+/// A world file that was named need not be the one that lies beside the picture.
+Found FromNamedFile(const std::string& name, const std::string& input) {
+  Found found = FromWorldFile(name);
+  const auto beside = FindWorldFile(input);
+  std::error_code ignored;
+  if (beside && std::filesystem::equivalent(ToPath(name), ToPath(*beside), ignored))
+    found.carriedOver.emplace_back("worldfile");
+  return found;
+}
+
+Found FromInput(const std::string& input) {
+  const TiffFacts facts = FactsOf(input);
+  Found found;
+  if (const auto worldFile = FindWorldFile(input)) {
+    found = FromWorldFile(*worldFile);
+  } else if (const auto inTags = PositionsInTiff(facts); !inTags.empty()) {
+    found = {PlacementOf(inTags[0].affine, input), inTags[0].source, {}, {}};
+  } else {
+    Refuse(input, "has no position: give --origin and --pixel-size, or a world file");
+  }
+  const std::vector<GeoPosition> positions = PositionsOf(input, facts);
+  for (const GeoPosition& position : positions) found.carriedOver.push_back(position.source);
+  if (const auto doubt =
+          PositionDoubt(positions, static_cast<int>(facts.width), static_cast<int>(facts.height)))
+    found.warnings.push_back(*doubt);
+  return found;
+}
+
+Found FindPlacement(const std::string& input, const PlacementOptions& options) {
+  if (options.given) return {*options.given, "", {}, {}};
+  return options.worldFile.empty() ? FromInput(input) : FromNamedFile(options.worldFile, input);
+}
+
+/// World files and tags count columns and rows as they are stored.
+void RequireStoredUpright(const LoadedPicture& picture, const Job& job, const Found& found) {
+  const int orientation = picture.photo.orientation.value_or(1);
+  if (found.source.empty() || orientation == 1) return;
+  Refuse(job.input,
+         fmt::format("orientation {} turns the picture, and its position is that of the rows as "
+                     "stored; give --origin and --pixel-size of the upright picture",
+                     orientation));
+}
+
+/// The library's routine leaves the tags of smaller pixels away without a word.
+constexpr double kSmallestScale = 0.01;
+
+void WriteAnySize(const TBitmap& bitmap, const std::string& name, const Placement& placement) {
+  TiffWriteOptions options;
+  options.geo = {{placement.width, placement.height, 0}, {0, 0, 0, placement.x, placement.y, 0}};
+  AtomicFile file(name);
+  EncodeTiff(bitmap.Content(), file, options);
+  StopIfInterrupted();
+  file.Commit();
+}
+
+void Write(TBitmap& bitmap, const std::string& name, const Placement& placement) {
+  if (placement.width > kSmallestScale && placement.height > kSmallestScale) {
+    WriteBitmapToTiff(bitmap, name, false, placement.x, placement.y, placement.width,
+                      placement.height);
+    return;
+  }
+  if (bitmap.PixelFormat() == pf15bit || bitmap.PixelFormat() == pf16bit)
+    bitmap.SetPixelFormat(pf24bit);
+  WriteAnySize(bitmap, name, placement);
+}
+
+}  // namespace
+
+JobResult WriteGeoTiff(const Job& job, const PlacementOptions& options) {
+  const Found found = FindPlacement(job.input, options);
+  const PictureWriter write = [&](LoadedPicture& picture, const Job& written) {
+    RequireStoredUpright(picture, written, found);
+    Write(*picture.bitmap, written.output, found.placement);
+  };
+  JobResult result = ConvertPicture(job, PictureOptions(), {{}, write, {}});
+  auto& lost = result.notCarriedOver;
+  for (const std::string& source : found.carriedOver)
+    lost.erase(std::remove(lost.begin(), lost.end(), source), lost.end());
+  result.warnings.insert(result.warnings.end(), found.warnings.begin(), found.warnings.end());
+  return result;
+}
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,74 @@
+#include "tool/pictures/resize_picture.h"
+
+#include <rasterkit/bitmaptools/engine/composition.h>
+
+#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/transparency.h"
+
+namespace rasterkit::tool {
+namespace {
+
+/// Puts a bitmap into a format whose pixels the library averages. Neither averages of palette
+/// entries nor of the words of 15 and 16 bits exist there: a picture of greys goes the way of true
+/// colours and comes back, others with a palette go it when asked.
+class AveragedFormat {
+ public:
+  AveragedFormat(TBitmap& bitmap, bool smooth)
+      : isGray_(bitmap.PixelFormat() == pf8bit && IsGrayRamp(bitmap.Palette()) &&
+                !bitmap.Transparent()) {
+    const bool isTrueColor = !HasIndexes(bitmap) || smooth;
+    if (!isTrueColor && !isGray_) return;
+    KeyToAlpha(bitmap);
+    if (!HasAlpha(bitmap)) bitmap.SetPixelFormat(pf24bit);
+  }
+
+  void RestoreGrays(TBitmap& bitmap) const {
+    if (isGray_) bitmap.SetPixelFormat(pf8bit);
+  }
+
+ private:
+  bool isGray_;
+};
+
+/// The paper stays as large as it was: fewer pixels mean fewer in an inch.
+Resolution Scaled(const Resolution& dpi, double horizontal, double vertical) {
+  return dpi.IsKnown() ? Resolution{dpi.x * horizontal, dpi.y * vertical} : dpi;
+}
+
+void Stretch(std::unique_ptr<TBitmap>& bitmap, const PictureSize& size, bool smooth) {
+  const AveragedFormat format(*bitmap, smooth);
+  const TAlphaFormat alpha = bitmap->AlphaFormat();
+  const HPALETTE palette = bitmap->Palette();
+  const ColorProfile profile = bitmap->Profile();
+  const Resolution dpi = Scaled(bitmap->Dpi(), static_cast<double>(size.width) / bitmap->Width(),
+                                static_cast<double>(size.height) / bitmap->Height());
+  const bool isTransparent = bitmap->Transparent();
+  const TColor key = bitmap->TransparentColor();
+  // The key colour is one of the pixels here: it is marked again below.
+  bitmap->SetTransparent(false);
+  ResizeBitmap(bitmap, size.width, size.height, true);
+  bitmap->SetAlphaFormat(alpha);
+  bitmap->SetProfile(profile);
+  bitmap->SetDpi(dpi);
+  bitmap->SetTransparent(isTransparent);
+  if (isTransparent) bitmap->SetTransparentColor(key);
+  format.RestoreGrays(*bitmap);
+}
+
+/// The picture covers the same piece of the map with other pixels.
+void ScalePlace(std::optional<TiffGeoTags>& place, double columns, double rows) {
+  if (!place) return;
+  place->pixelScale[0] *= columns;
+  place->pixelScale[1] *= rows;
+}
+
+}  // namespace
+
+void ResizePicture(Subject& picture, const PictureSize& size, bool smooth) {
+  const int width = picture.bitmap->Width(), height = picture.bitmap->Height();
+  Stretch(picture.bitmap, size, smooth);
+  ScalePlace(picture.place, static_cast<double>(width) / size.width,
+             static_cast<double>(height) / size.height);
+}
+
+}  // namespace rasterkit::tool

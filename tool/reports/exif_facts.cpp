@@ -1,0 +1,110 @@
+#include "tool/reports/exif_facts.h"
+
+#include <fmt/format.h>
+
+#include <rasterkit/jpegexif/photo_queries.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/text.h>
+
+#include "tool/command/exit_code.h"
+#include "tool/pictures/exif/exif_thumbnail.h"
+#include "tool/pictures/exif/jpeg_header.h"
+#include "tool/pictures/exif/jpeg_input.h"
+#include "tool/reports/exif_names.h"
+
+namespace rasterkit::tool {
+namespace {
+
+std::string TextOf(const ExifBlock& block, const char* directory, uint16_t tag) {
+  const ExifDirectory* found = block.Find(directory);
+  const ExifEntry* entry = found != nullptr ? found->Find(tag) : nullptr;
+  return entry != nullptr ? block.Text(*entry) : "";
+}
+
+/// The EXIF form of a moment, "2019:07:04 13:05:09", as ISO 8601; empty when it is none.
+std::string IsoDate(std::string text) {
+  constexpr size_t length = 19, timePlace = 10;
+  if (text.size() != length || text[4] != ':' || text[7] != ':' || text[timePlace] != ' ')
+    return {};
+  try {
+    ParseExifDateTime(text);
+  } catch (const Error&) {
+    return {};
+  }
+  text[4] = text[7] = '-';
+  text[timePlace] = 'T';
+  return text;
+}
+
+/// When the photo was taken, else when its file was last changed.
+std::string DateOf(const ExifBlock& block) {
+  constexpr uint16_t dateTimeOriginal = 36867, dateTime = 306;
+  const std::string taken = IsoDate(TextOf(block, "exif", dateTimeOriginal));
+  return taken.empty() ? IsoDate(TextOf(block, "main", dateTime)) : taken;
+}
+
+void AddComment(ExifFacts& facts, const std::string& comment) {
+  if (!comment.empty()) facts.comments.push_back(comment);
+}
+
+void TakeThumbnail(ExifFacts& facts, const ExifBlock& block) {
+  const std::string bytes = ThumbnailBytes(block);
+  if (bytes.empty()) return;
+  const JpegHeader header =
+      ReadJpegHeader({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
+  facts.thumbnail = ExifFacts::Thumbnail{bytes.size(), header.width, header.height};
+}
+
+void TakeFields(ExifFacts& facts, const ExifBlock& block) {
+  for (const ExifDirectory& directory : block.Directories())
+    for (const ExifEntry& entry : directory.entries)
+      facts.fields.push_back(
+          {directory.name, entry.tag, ExifTagName(directory.name, entry.tag), block.Text(entry)});
+}
+
+void TakeExif(ExifFacts& facts, const JpegSegment& segment) {
+  constexpr uint16_t userComment = 37510;
+  const ExifBlock block(SectionBytes(segment));
+  facts.byteOrder = block.ByteOrder();
+  if (block.IsDamaged()) facts.warnings.emplace_back("EXIF: the section is damaged");
+  facts.date = DateOf(block);
+  const ExifDirectory* exif = block.Find("exif");
+  const ExifEntry* comment = exif != nullptr ? exif->Find(userComment) : nullptr;
+  if (comment != nullptr && block.Text(*comment) != fmt::format("{} bytes", comment->byteCount))
+    AddComment(facts, block.Text(*comment));
+  TakeThumbnail(facts, block);
+  TakeFields(facts, block);
+}
+
+void TakeHeader(ExifFacts& facts, const JpegHeader& header) {
+  facts.width = header.width;
+  facts.height = header.height;
+  if (!header.isComplete)
+    facts.warnings.emplace_back("JPEG: the header does not lead to picture data");
+  for (const JpegSegment& segment : header.segments) {
+    facts.sections.push_back(
+        {MarkerName(segment.marker), SegmentKind(segment), segment.place, segment.Size()});
+    if (facts.sections.back().kind == "comment")
+      AddComment(facts, Trim({reinterpret_cast<const char*>(segment.payload.data()),
+                              segment.payload.size()}));
+  }
+  if (const JpegSegment* exif = header.Find("exif")) TakeExif(facts, *exif);
+}
+
+}  // namespace
+
+ExifFacts ReadExifFactsOf(const std::string& file) {
+  ExifFacts facts;
+  facts.file = file;
+  try {
+    const std::vector<uint8_t> jpeg = ReadJpegInput(file);
+    facts.photo = ReadPhotoFacts(jpeg);
+    facts.warnings = facts.photo.warnings;
+    TakeHeader(facts, ReadJpegHeader(jpeg));
+  } catch (const Failure& failure) {
+    facts.error = failure.what();
+  }
+  return facts;
+}
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tool/reports/photo_facts.h"
+
+namespace rasterkit::tool {
+
+/// What the header of a JPEG file says.
+struct ExifFacts {
+  struct Field {
+    /// See ExifDirectory.
+    const char* directory;
+    uint16_t tag;
+    /// Empty for tags without an everyday name.
+    std::string name;
+    std::string value;
+  };
+  struct Section {
+    std::string marker;
+    /// See SegmentKind.
+    std::string kind;
+    size_t place, bytes;
+  };
+  struct Thumbnail {
+    size_t bytes;
+    int width, height;
+  };
+
+  std::string file;
+  /// Why the file cannot be read; empty when it can.
+  std::string error;
+  int width = 0, height = 0;
+  PhotoFacts photo;
+  /// "II", "MM", or empty.
+  std::string byteOrder;
+  /// "2019-07-04T13:05:09"; empty when no date can be read.
+  std::string date;
+  std::vector<std::string> comments;
+  std::optional<Thumbnail> thumbnail;
+  std::vector<Section> sections;
+  std::vector<Field> fields;
+  std::vector<std::string> warnings;
+};
+
+/// Never throws for what a file holds: `error` tells what is wrong.
+ExifFacts ReadExifFactsOf(const std::string& file);
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,22 @@
+#include "tool/reports/geo_text.h"
+
+#include <fmt/format.h>
+
+namespace rasterkit::tool {
+namespace {
+
+std::string SourceText(const GeoPosition& position) {
+  if (!position.file.empty()) return "world file " + position.file;
+  return position.source == "geotiff" ? "pixel scale and tie point" : "transformation matrix";
+}
+
+}  // namespace
+
+std::string PositionText(const GeoPosition& position) {
+  const auto [perColumnX, perColumnY, perRowX, perRowY, x, y] = position.affine;
+  return fmt::format(
+      "{}: pixel 0,0 has its centre at {},{}; one column on adds {},{}, one row down adds {},{}",
+      SourceText(position), x, y, perColumnX, perColumnY, perRowX, perRowY);
+}
+
+}  // namespace rasterkit::tool

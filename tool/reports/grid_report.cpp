@@ -1,0 +1,60 @@
+#include "tool/reports/grid_report.h"
+
+#include <cmath>
+
+#include "tool/command/exit_code.h"
+#include "tool/command/interruption.h"
+
+namespace rasterkit::tool {
+namespace {
+
+void Look(const GridFile& file, GridAnswer& answer) {
+  if (!answer.pixel || !file.grid->Holds(answer.pixel->x, answer.pixel->y)) return;
+  answer.value =
+      file.grid->At(static_cast<int>(answer.pixel->x), static_cast<int>(answer.pixel->y));
+  answer.isNoData = file.noData.Is(*answer.value);
+}
+
+GridAnswer AtPixel(const GridFile& file, MapPoint pixel) {
+  GridAnswer answer;
+  answer.pixel = pixel;
+  if (!file.positions.empty()) answer.map = ToMap(file.positions[0].affine, pixel.x, pixel.y);
+  Look(file, answer);
+  return answer;
+}
+
+/// A pixel reaches half its size around its centre.
+GridAnswer AtMapPoint(const GridFile& file, MapPoint point) {
+  GridAnswer answer;
+  answer.map = point;
+  answer.pixel = FromMap(file.positions[0].affine, point);
+  if (answer.pixel)
+    answer.pixel = {std::floor(answer.pixel->x + 0.5), std::floor(answer.pixel->y + 0.5)};
+  Look(file, answer);
+  return answer;
+}
+
+std::vector<GridAnswer> AnswerAll(const GridFile& file, const GridQuestions& questions) {
+  if (!questions.mapPoints.empty() && file.positions.empty())
+    throw Failure(exitAnswerIsNo,
+                  questions.file + ": has no position on a map, neither tags nor a world file");
+  std::vector<GridAnswer> answers;
+  for (const MapPoint& pixel : questions.pixels) answers.push_back(AtPixel(file, pixel));
+  for (const MapPoint& point : questions.mapPoints) answers.push_back(AtMapPoint(file, point));
+  return answers;
+}
+
+}  // namespace
+
+GridReport MakeGridReport(const GridQuestions& questions) {
+  GridReport report;
+  report.file = LoadGridFile(questions.file);
+  if (!report.file.grid) return report;
+  StopIfInterrupted();
+  report.answers = AnswerAll(report.file, questions);
+  report.statistics = Summarise(*report.file.grid, report.file.noData);
+  StopIfInterrupted();
+  return report;
+}
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,172 @@
+#include "tool/reports/show_grid.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include <fmt/format.h>
+
+#include "tool/command/exit_code.h"
+#include "tool/command/printable.h"
+#include "tool/reports/geo_json.h"
+#include "tool/reports/geo_text.h"
+
+#include <nlohmann/json.hpp>
+
+namespace rasterkit::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// ---- JSON -------------------------------------------------------------------------------------
+
+/// JSON knows no infinity and no NaN.
+Json NumberJson(double value) {
+  return std::isfinite(value) ? Json(value) : Json(fmt::format("{}", value));
+}
+
+/// Columns and rows are whole, but what a far map point would be need not fit any integer.
+Json PixelJson(const std::optional<MapPoint>& pixel) {
+  constexpr double kLargest = 9e15;
+  if (!pixel) return {};
+  if (std::abs(pixel->x) > kLargest || std::abs(pixel->y) > kLargest) return {pixel->x, pixel->y};
+  return {static_cast<int64_t>(pixel->x), static_cast<int64_t>(pixel->y)};
+}
+
+Json MapJson(const std::optional<MapPoint>& point) {
+  return point ? Json({point->x, point->y}) : Json();
+}
+
+Json AnswersJson(const std::vector<GridAnswer>& answers) {
+  Json list = Json::array();
+  for (const GridAnswer& answer : answers)
+    list.push_back({{"pixel", PixelJson(answer.pixel)},
+                    {"map", MapJson(answer.map)},
+                    {"value", answer.value ? NumberJson(*answer.value) : Json()},
+                    {"nodata", answer.isNoData}});
+  return list;
+}
+
+Json GridJson(const GridReport& report) {
+  const GridStatistics& statistics = report.statistics;
+  const bool hasValues = statistics.values > 0;
+  const std::string& noData = report.file.facts.noData;
+  Json line;
+  line["grid"] = GridTypeName(report.file.grid->Type());
+  line["width"] = report.file.grid->Width();
+  line["height"] = report.file.grid->Height();
+  line["samples"] = report.file.facts.samples;
+  line["pages"] = report.file.facts.pages;
+  line["minimum"] = hasValues ? Json(statistics.minimum) : Json();
+  line["maximum"] = hasValues ? Json(statistics.maximum) : Json();
+  line["mean"] = hasValues ? Json(statistics.mean) : Json();
+  line["values"] = statistics.values;
+  line["nodata"] = noData.empty() ? Json() : Json(noData);
+  line["nodata_values"] = statistics.noData;
+  line["not_finite_values"] = statistics.notFinite;
+  line["geo"] = GeoJson(report.file.positions);
+  line["at"] = AnswersJson(report.answers);
+  line["warnings"] = report.file.warnings;
+  return line;
+}
+
+void PrintJson(const std::string& file, const std::string& error, const Json& rest) {
+  Json line;
+  line["schema"] = 1;
+  line["file"] = file;
+  line["ok"] = error.empty();
+  line["error"] = error.empty() ? Json() : Json(error);
+  line.update(rest);
+  fmt::print("{}\n", line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+// ---- text -------------------------------------------------------------------------------------
+
+/// As few digits as tell the value from every other one of its type.
+std::string ValueText(const Grid& grid, double value) {
+  return grid.Type() == GridType::float32 ? fmt::format("{}", static_cast<float>(value))
+                                          : fmt::format("{}", value);
+}
+
+void PrintAnswer(const Grid& grid, const GridAnswer& answer) {
+  fmt::print("  at");
+  if (answer.pixel) fmt::print(" {},{}", answer.pixel->x, answer.pixel->y);
+  if (answer.map) fmt::print(" (map {},{})", answer.map->x, answer.map->y);
+  if (!answer.value) {
+    fmt::print(": outside\n");
+  } else {
+    fmt::print(": {}{}\n", ValueText(grid, *answer.value), answer.isNoData ? ", no data" : "");
+  }
+}
+
+void PrintStatistics(const GridReport& report) {
+  const GridStatistics& statistics = report.statistics;
+  const Grid& grid = *report.file.grid;
+  if (statistics.values > 0)
+    fmt::print("  minimum {}, maximum {}, mean {:.10g}\n", ValueText(grid, statistics.minimum),
+               ValueText(grid, statistics.maximum), statistics.mean);
+  fmt::print("  {} values", statistics.values);
+  if (statistics.noData > 0) fmt::print(", {} without data", statistics.noData);
+  if (statistics.notFinite > 0) fmt::print(", {} not finite", statistics.notFinite);
+  const std::string& noData = report.file.facts.noData;
+  if (!noData.empty()) fmt::print("; no data is {}", Printable(noData));
+  fmt::print("\n");
+}
+
+void PrintText(const std::string& name, const GridReport& report) {
+  const TiffFacts& facts = report.file.facts;
+  const Grid& grid = *report.file.grid;
+  fmt::print("{}: grid of {} x {}, {}", name, grid.Width(), grid.Height(),
+             GridTypeName(grid.Type()));
+  if (facts.samples > 1) fmt::print(", first of {} samples", facts.samples);
+  if (facts.pages > 1) fmt::print(", first of {} pages", facts.pages);
+  fmt::print("\n");
+  PrintStatistics(report);
+  for (const GeoPosition& position : report.file.positions)
+    fmt::print("  {}\n", PositionText(position));
+  if (report.file.positions.empty()) fmt::print("  no position on a map\n");
+  for (const GridAnswer& answer : report.answers) PrintAnswer(grid, answer);
+}
+
+// ---- the whole --------------------------------------------------------------------------------
+
+int SayNoGrid(const GridQuestions& questions, const TiffFacts& facts) {
+  if (questions.json) {
+    PrintJson(questions.file, "", {{"grid", "none"}});
+  } else {
+    const std::string found = facts.width == 0
+                                  ? "no TIFF file; to place a picture on a map, name an output"
+                                  : SamplesText(facts);
+    fmt::print("{}: no grid of float32, float16, uint16 or int16 values ({})\n", questions.file,
+               found);
+  }
+  return exitAnswerIsNo;
+}
+
+int Show(const GridQuestions& questions) {
+  const GridReport report = MakeGridReport(questions);
+  for (const std::string& warning : report.file.warnings)
+    fmt::print(stderr, "rasterkit: {}: warning: {}\n", questions.file, warning);
+  if (!report.file.grid) return SayNoGrid(questions, report.file.facts);
+  if (questions.json) {
+    PrintJson(questions.file, "", GridJson(report));
+  } else {
+    PrintText(questions.file, report);
+  }
+  const auto isOutside = [](const GridAnswer& answer) { return !answer.value; };
+  return std::any_of(report.answers.begin(), report.answers.end(), isOutside) ? exitAnswerIsNo
+                                                                              : exitDone;
+}
+
+}  // namespace
+
+int ShowGrid(const GridQuestions& questions) {
+  try {
+    return Show(questions);
+  } catch (const Failure& failure) {
+    if (questions.json) PrintJson(questions.file, failure.what(), Json::object());
+    throw;
+  }
+}
+
+}  // namespace rasterkit::tool

@@ -1,0 +1,108 @@
+#include <charconv>
+#include <memory>
+#include <optional>
+
+#include <fmt/format.h>
+
+#include "tool/command/desktop.h"
+#include "tool/command/exit_code.h"
+#include "tool/pictures/crop_rows.h"
+#include "tool/verbs/picture_verb.h"
+
+namespace rasterkit::tool {
+namespace {
+
+struct Part {
+  int left = 0, top = 0, width = 0, height = 0;
+
+  TRect Rect() const { return {left, top, left + width, top + height}; }
+};
+
+struct CropOptions {
+  /// As typed; checked by then, or empty.
+  std::string rect;
+  bool asksUser = false;
+};
+
+/// Whole numbers with commas between them, no more and no fewer than four.
+std::optional<Part> ParsePart(const std::string& text) {
+  int numbers[4] = {};
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  for (int i = 0; i < 4; ++i) {
+    const auto [rest, error] = std::from_chars(at, end, numbers[i]);
+    if (error != std::errc() || numbers[i] < 0) return std::nullopt;
+    const bool isLast = i == 3;
+    if (isLast ? rest != end : rest == end || *rest != ',') return std::nullopt;
+    at = rest + 1;
+  }
+  return Part{numbers[0], numbers[1], numbers[2], numbers[3]};
+}
+
+std::string CheckPart(const std::string& text) {
+  const auto part = ParsePart(text);
+  const bool ok = part && part->width > 0 && part->height > 0;
+  return ok ? std::string()
+            : "a rectangle is X,Y,W,H, whole numbers from 0, with a size above 0, not '" + text +
+                  "'";
+}
+
+/// The upper left corner moves; the pixels keep their size.
+void MovePlace(std::optional<TiffGeoTags>& place, const Part& part) {
+  if (!place) return;
+  place->tiePoint[3] += part.left * place->pixelScale[0];
+  place->tiePoint[4] -= part.top * place->pixelScale[1];
+}
+
+void CropTo(const Part& part, Subject& picture) {
+  const TBitmap& bitmap = *picture.bitmap;
+  const bool isInside = part.left < bitmap.Width() && part.width <= bitmap.Width() - part.left &&
+                        part.top < bitmap.Height() && part.height <= bitmap.Height() - part.top;
+  if (!isInside)
+    picture.Refuse(
+        fmt::format("the rectangle {},{},{},{} does not lie inside the picture, which "
+                    "is {} x {}",
+                    part.left, part.top, part.width, part.height, bitmap.Width(), bitmap.Height()));
+  Crop(*picture.bitmap, part.Rect());
+  MovePlace(picture.place, part);
+}
+
+/// Begins with `start`, where that lies in the picture.
+void AskAndCrop(const Desktop& desktop, const Part& start, Subject& picture) {
+  TRect rect = start.Rect();
+  desktop.ChooseCropRect(rect, picture);
+  CropTo({rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top}, picture);
+}
+
+PictureChange Prepare(const CropOptions& options) {
+  if (options.rect.empty() && !options.asksUser)
+    throw Failure(exitWrongUsage, "crop needs --rect X,Y,W,H or --dialog");
+  const Part part = ParsePart(options.rect).value_or(Part());
+  if (!options.asksUser) return [part](Subject& picture) { CropTo(part, picture); };
+  return [part, desktop = std::make_shared<Desktop>()](Subject& picture) {
+    AskAndCrop(*desktop, part, picture);
+  };
+}
+
+}  // namespace
+
+VerbRunner AddCropVerb(CLI::App& app) {
+  PictureVerb verb(
+      app, "crop", "cut a rectangle out of a picture",
+      "Pixels are counted in the upright picture, from 0,0 at the upper left. They "
+      "are moved, none is changed.\n"
+      "A rectangle that does not lie inside the picture is refused (exit code 4). With "
+      "--dialog a window\n"
+      "shows the picture, and the rectangle is drawn with the mouse; who cancels it "
+      "gets exit code 1.\n\n"
+      "Examples:\n"
+      "  rasterkit crop plan.png legend.png --rect 1200,80,640,480\n"
+      "  rasterkit crop plan.png legend.png --dialog");
+  const auto options = std::make_shared<CropOptions>();
+  verb.Text("--rect", "X,Y,W,H", options->rect, CheckPart,
+            "left, top, width and height of what stays, in pixels");
+  verb.Dialog(options->asksUser, "choose the rectangle in a window; it begins with that of --rect");
+  return verb.ChangingAfter([options] { return Prepare(*options); });
+}
+
+}  // namespace rasterkit::tool

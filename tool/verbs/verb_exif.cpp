@@ -1,0 +1,171 @@
+#include <memory>
+
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/atomic_file.h>
+
+#include "tool/command/batch.h"
+#include "tool/command/exit_code.h"
+#include "tool/command/interruption.h"
+#include "tool/pictures/exif/exif_copy.h"
+#include "tool/pictures/exif/exif_losses.h"
+#include "tool/pictures/exif/exif_thumbnail.h"
+#include "tool/pictures/exif/jpeg_header.h"
+#include "tool/pictures/exif/jpeg_input.h"
+#include "tool/pictures/save_picture.h"
+#include "tool/reports/exif_report.h"
+#include "tool/verbs/verbs.h"
+
+#include <CLI/CLI.hpp>
+
+namespace rasterkit::tool {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+struct ExifOptions {
+  std::string copyFrom;
+  bool thumbnail = false;
+  bool stripThumbnail = false;
+  bool keepOrientation = false;
+
+  bool IsWriting() const { return thumbnail || stripThumbnail || !copyFrom.empty(); }
+};
+
+void Save(std::span<const uint8_t> bytes, const std::string& name) {
+  try {
+    const WholeOutput whole;
+    AtomicFile file(name);
+    file.Write(bytes);
+    StopIfInterrupted();
+    file.Commit();
+  } catch (const Error& error) {
+    throw Failure(exitOutputNotWritten, name + ": " + error.Reason());
+  }
+}
+
+JobResult ResultFor(const Bytes& jpeg) {
+  const JpegHeader header = ReadJpegHeader(jpeg);
+  JobResult result;
+  result.type = "jpeg";
+  result.width = header.width;
+  result.height = header.height;
+  result.bits = header.components == 1 ? 8 : 24;
+  return result;
+}
+
+JobResult CopyFrom(const Bytes& photo, const ExifOptions& options, const Job& job) {
+  const Bytes picture = ReadJpegInput(job.input);
+  CopiedMetadata copied;
+  try {
+    copied = CopyMetadata(photo, picture, {options.keepOrientation, options.stripThumbnail});
+  } catch (const FormatError& error) {
+    throw Failure(exitInputUnreadable, job.input + ": " + error.Reason());
+  }
+  Save(copied.jpeg, job.output);
+  JobResult result = ResultFor(copied.jpeg);
+  result.warnings = std::move(copied.warnings);
+  result.notCarriedOver = LostByCopying(photo, picture, copied.jpeg);
+  return result;
+}
+
+JobResult StripThumbnail(const Job& job) {
+  const Bytes jpeg = ReadJpegInput(job.input);
+  const JpegHeader header = ReadJpegHeader(jpeg);
+  const JpegSegment* exif = header.Find("exif");
+  if (exif == nullptr) {
+    Save(jpeg, job.output);
+    return ResultFor(jpeg);
+  }
+  std::string section;
+  try {
+    section = WithoutThumbnail(ExifBlock(SectionBytes(*exif)));
+  } catch (const FormatError& error) {
+    throw Failure(exitInputUnreadable, job.input + ": " + error.Reason());
+  }
+  const auto place = [&jpeg](size_t at) { return jpeg.begin() + static_cast<std::ptrdiff_t>(at); };
+  Bytes result(jpeg.begin(), place(exif->place + 2));
+  result.insert(result.end(), section.begin(), section.end());
+  result.insert(result.end(), place(exif->place + exif->Size()), jpeg.end());
+  Save(result, job.output);
+  return ResultFor(result);
+}
+
+JobResult TakeThumbnail(const Job& job) {
+  const Bytes jpeg = ReadJpegInput(job.input);
+  const JpegHeader header = ReadJpegHeader(jpeg);
+  const JpegSegment* exif = header.Find("exif");
+  const std::string bytes =
+      exif != nullptr ? ThumbnailBytes(ExifBlock(SectionBytes(*exif))) : std::string();
+  if (bytes.empty())
+    throw Failure(exitOutputNotWritten, job.input + ": the photo has no JPEG thumbnail");
+  const Bytes thumbnail(bytes.begin(), bytes.end());
+  Save(thumbnail, job.output);
+  return ResultFor(thumbnail);
+}
+
+int Show(const std::vector<std::string>& files, bool json) {
+  int code = exitDone;
+  for (const std::string& file : files) {
+    StopIfInterrupted();
+    if (!ReportExif(file, json)) code = exitInputUnreadable;
+  }
+  return code;
+}
+
+/// Metadata is written into JPEG files alone.
+std::vector<Job> PlanJpegJobs(const OutputOptions& output) {
+  std::vector<Job> jobs = PlanJobs(output);
+  for (const Job& job : jobs)
+    if (WritableType(job.output) != PictureType::jpeg)
+      throw Failure(exitWrongUsage, job.output + ": the output is a JPEG file, .jpg or .jpeg");
+  return jobs;
+}
+
+int Run(const OutputOptions& output, const ExifOptions& options) {
+  if (!options.IsWriting()) {
+    if (!output.outDir.empty())
+      throw Failure(exitWrongUsage,
+                    "--out-dir goes with --copy-from, --thumbnail or --strip-thumbnail");
+    return Show(output.files, output.json);
+  }
+  const std::vector<Job> jobs = PlanJpegJobs(output);
+  if (options.thumbnail) return RunJobs(output, jobs, TakeThumbnail);
+  if (options.copyFrom.empty()) return RunJobs(output, jobs, StripThumbnail);
+  const Bytes photo = ReadJpegInput(options.copyFrom);
+  return RunJobs(output, jobs, [&](const Job& job) { return CopyFrom(photo, options, job); });
+}
+
+}  // namespace
+
+VerbRunner AddExifVerb(CLI::App& app) {
+  CLI::App& verb = *app.add_subcommand("exif", "show and copy metadata of photographs (JPEG)");
+  verb.group("Verbs");
+  verb.footer(
+      "Without an option that writes, all files are shown: sections, fields, date, position,\n"
+      "comments, thumbnail. Pixels are never encoded anew.\n\n"
+      "Examples:\n"
+      "  rasterkit exif photo.jpg\n"
+      "  rasterkit exif --copy-from photo.jpg edited.jpg complete.jpg\n"
+      "  rasterkit exif --thumbnail photo.jpg small.jpg\n"
+      "  rasterkit exif --strip-thumbnail --out-dir clean *.jpg");
+  const auto output = std::make_shared<OutputOptions>();
+  const auto options = std::make_shared<ExifOptions>();
+  AddOutputOptions(verb, *output);
+  verb.get_option("files")
+      ->type_name("IN... [OUT]")
+      ->description("files to show; when writing, one input and the output");
+  CLI::Option* copy = verb.add_option("--copy-from", options->copyFrom,
+                                      "write the input with the metadata of this photo")
+                          ->type_name("PHOTO");
+  verb.add_flag("--keep-orientation", options->keepOrientation,
+                "with --copy-from: the orientation tag states how the input lies")
+      ->needs(copy);
+  CLI::Option* strip = verb.add_flag("--strip-thumbnail", options->stripThumbnail,
+                                     "write the photo without its thumbnail");
+  verb.add_flag("--thumbnail", options->thumbnail, "write the photo's thumbnail")
+      ->excludes(copy)
+      ->excludes(strip);
+  return [output, options] { return Run(*output, *options); };
+}
+
+}  // namespace rasterkit::tool
