@@ -1,7 +1,7 @@
 #pragma once
 
-/// Everything of librasterkit that is promised. The Qt side and the dialogs have headers of their own:
-/// <rasterkit/qt.h> and <rasterkit/dialogs.h>.
+/// Everything of librasterkit that is promised. The Qt side and the dialogs have headers of their
+/// own: <rasterkit/qt.h> and <rasterkit/dialogs.h>.
 #include <rasterkit/bitmaptools.h>
 #include <rasterkit/graphics.h>
 #include <rasterkit/jpegexif.h>

@@ -6,8 +6,8 @@
 
 #include <rasterkit/drawing/ink/drawing_work.h>
 #include <rasterkit/metafiles/emf/emf_records.h>
-#include <rasterkit/metafiles/metafile_facts.h>
 #include <rasterkit/metafiles/play_metafile.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/records/dib_reader.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 

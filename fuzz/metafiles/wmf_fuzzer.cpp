@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include <rasterkit/drawing/ink/drawing_work.h>
-#include <rasterkit/metafiles/metafile_facts.h>
 #include <rasterkit/metafiles/play_metafile.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/records/dib_reader.h>
 #include <rasterkit/metafiles/wmf/wmf_records.h>
 #include <rasterkit/runtime/memory/memory_budget.h>

@@ -7,10 +7,10 @@
 #include <rasterkit/drawing/ink/drawing_work.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/metafiles/emf/emf_records.h>
-#include <rasterkit/metafiles/metafile_facts.h>
 #include <rasterkit/metafiles/play_metafile.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/wmf/wmf_records.h>
-#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
+#include <rasterkit/metafiles/wmf_to_emf.h>
 #include <rasterkit/runtime/files/stream.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 

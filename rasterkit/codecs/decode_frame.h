@@ -1,16 +1,11 @@
 #pragma once
 
 #include <rasterkit/codecs/rows/codec_report.h>
+#include <rasterkit/codecs/rows/frame_options.h>
 #include <rasterkit/codecs/rows/imaging_frame.h>
 #include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit {
-
-/// What a caller may ask of the decoder.
-struct FrameOptions {
-  /// Threads that decode strips and tiles, 1 to 64. The pixels do not depend on it.
-  int threads = 1;
-};
 
 /// The imaging codec: decodes the first picture of a file by content, whatever the file is called:
 /// TIFF, JPEG, PNG, BMP, GIF, WebP. RGB is delivered as 24bppBGR; what has no pixel format of its

@@ -2,8 +2,8 @@
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/metafiles/play_metafile.h>
-#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
 #include <rasterkit/metafiles/wmf/wmf_writer.h>
+#include <rasterkit/metafiles/wmf_to_emf.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/raster/fill.h>
 #include <rasterkit/runtime/errors.h>

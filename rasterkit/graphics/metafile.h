@@ -7,7 +7,7 @@
 #include <vector>
 
 #include <rasterkit/graphics/graphic.h>
-#include <rasterkit/metafiles/metafile_facts.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 
 namespace rasterkit {
 

@@ -3,8 +3,8 @@
 #include <new>
 
 #include <rasterkit/metafiles/emf/emf_player.h>
-#include <rasterkit/metafiles/metafile_facts.h>
 #include <rasterkit/metafiles/play_metafile.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/records/play_records.h>
 #include <rasterkit/metafiles/wmf/wmf_player.h>
 

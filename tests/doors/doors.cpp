@@ -7,67 +7,97 @@
 namespace rasterkit::test {
 namespace {
 
-struct Room {
-  std::string_view prefix;
+struct Folder {
+  std::string_view path;
   int floor;
 };
 
-/// From the ground up. Rooms of one floor do not know each other.
-constexpr Room kRooms[] = {
-    {"package/strings.", 0},
-    {"host/runtime/", 1},
-    {"host/kernels/", 2},
-    {"host/raster/", 3},
-    {"host/codecs/", 4},
-    {"host/drawing/", 4},
-    {"host/metafiles/", 5},
-    {"host/graphics/", 6},
-    {"bitmaptools/pixels/", 7},
-    {"bitmaptools/engine/", 8},
-    {"tifftobmp/", 9},
-    {"jpegexif/", 9},
-    {"bitmaptools/files/", 10},
-    {"package/", 11},
-    {"qt/pdf/", 12},
-    {"qt/", 13},
-    {"dialogs/", 14},
-    {"umbrella/qt.", 14},
-    {"umbrella/", 15},
-    {"apps/", 16},
-    {"examples/", 16},
+/// Every folder of the library and its hosts, from the ground up. A folder knows those on lower
+/// floors; folders of one floor do not know each other, so no circle of folders can arise. The
+/// folder rasterkit itself holds the umbrella headers, which are for hosts.
+constexpr Folder kFolders[] = {
+    {"rasterkit/strings", 0},
+    {"rasterkit/runtime", 1},
+    {"rasterkit/runtime/memory", 2},
+    {"rasterkit/runtime/threads", 2},
+    {"rasterkit/runtime/files", 3},
+    {"rasterkit/kernels/rows", 4},
+    {"rasterkit/kernels/halftone", 5},
+    {"rasterkit/kernels/gray", 6},
+    {"rasterkit/kernels/turn", 6},
+    {"rasterkit/kernels/mix", 7},
+    {"rasterkit/kernels/palette", 7},
+    {"rasterkit/kernels/transfer", 7},
+    {"rasterkit/raster", 8},
+    {"rasterkit/raster/stretch", 9},
+    {"rasterkit/codecs/rows", 10},
+    {"rasterkit/codecs/gif", 11},
+    {"rasterkit/codecs/jpeg", 11},
+    {"rasterkit/codecs/png", 11},
+    {"rasterkit/codecs/tiff", 11},
+    {"rasterkit/codecs/webp", 11},
+    {"rasterkit/codecs/bmp", 12},
+    {"rasterkit/codecs/ico", 13},
+    {"rasterkit/codecs", 13},
+    {"rasterkit/drawing/ink", 14},
+    {"rasterkit/drawing/text", 15},
+    {"rasterkit/drawing/context", 16},
+    {"rasterkit/metafiles/records", 17},
+    {"rasterkit/metafiles/emf", 18},
+    {"rasterkit/metafiles/wmf", 19},
+    {"rasterkit/metafiles", 20},
+    {"rasterkit/graphics", 21},
+    {"rasterkit/bitmaptools/pixels", 22},
+    {"rasterkit/jpegexif", 22},
+    {"rasterkit/bitmaptools/engine", 23},
+    {"rasterkit/tifftobmp", 23},
+    {"rasterkit/bitmaptools/rotation", 24},
+    {"rasterkit/bitmaptools/files", 25},
+    {"rasterkit/startup", 26},
+    {"rasterkit/qt", 27},
+    {"rasterkit/qt/pdf", 28},
+    {"rasterkit/qt/look", 29},
+    {"rasterkit/qt/controls", 30},
+    {"rasterkit/qt/forms", 31},
+    {"rasterkit/qt/preview", 32},
+    {"rasterkit/qt/files", 33},
+    {"rasterkit/qt/host", 34},
+    {"rasterkit/dialogs/bitmapframe", 35},
+    {"rasterkit/dialogs/editchangesize", 35},
+    {"rasterkit/dialogs/execbitmap", 35},
+    {"rasterkit/dialogs/savedlgext", 35},
+    {"rasterkit/dialogs/editpdfbitmap", 36},
+    {"rasterkit/dialogs/savedlgbitmap", 36},
+    {"rasterkit/dialogs/desktop", 37},
+    {"rasterkit", 38},
+    {"tool", 39},
+    {"examples", 39},
+    {"examples/qt-host", 39},
 };
 
-const Room* RoomOf(std::string_view path) {
-  const auto holds = [&](const Room& room) { return path.starts_with(room.prefix); };
-  const auto* room = std::find_if(std::begin(kRooms), std::end(kRooms), holds);
-  return room == std::end(kRooms) ? nullptr : room;
+/// The folders of the tool are one floor and know each other.
+std::string_view FolderOf(std::string_view path) {
+  return path.starts_with("tool/") ? "tool" : path.substr(0, path.rfind('/'));
 }
 
-/// Headers that the build makes of each part's public ones; no files of the tree.
-constexpr std::string_view kUmbrellas[] = {
-    "umbrella/host.h",    "umbrella/bitmaptools.h", "umbrella/jpegexif.h", "umbrella/tifftobmp.h",
-    "umbrella/package.h", "umbrella/qt.h",          "umbrella/dialogs.h"};
+const Folder* FindFolder(std::string_view path) {
+  const auto is = [&](const Folder& folder) { return folder.path == FolderOf(path); };
+  const auto* folder = std::find_if(std::begin(kFolders), std::end(kFolders), is);
+  return folder == std::end(kFolders) ? nullptr : folder;
+}
 
 /// Written by Qt's tools while building, and known to the file that includes it alone.
 bool IsGenerated(const Include& include) {
   return include.isQuoted && (include.name.starts_with("ui_") || include.name.ends_with(".moc"));
 }
 
-bool Exists(const SourceTree& tree, const std::string& path) {
-  const auto* umbrella = std::find(std::begin(kUmbrellas), std::end(kUmbrellas), path);
-  return umbrella != std::end(kUmbrellas) || tree.contains(path);
-}
-
 /// The house's own file that an include names, or nothing when it is somebody else's. A name that
 /// looks like the house's own is returned although no such file exists.
 std::optional<std::string> Resolve(const SourceTree& tree, const std::string& from,
                                    const Include& include) {
-  constexpr std::string_view house = "rasterkit/";
   if (IsGenerated(include)) return std::nullopt;
   if (!include.isQuoted) {
-    if (!include.name.starts_with(house)) return std::nullopt;
-    const std::string name = include.name.substr(house.size());
-    return name.find('/') == std::string::npos ? "umbrella/" + name : name;
+    return include.name.starts_with("rasterkit/") ? std::optional(include.name) : std::nullopt;
   }
   const std::string beside = from.substr(0, from.rfind('/') + 1) + include.name;
   return tree.contains(beside) ? beside : include.name;
@@ -81,12 +111,12 @@ void CheckDoor(const SourceTree& tree, const std::string& from, const Include& i
                std::vector<std::string>& faults) {
   const std::optional<std::string> target = Resolve(tree, from, include);
   if (!target) return;
-  if (!Exists(tree, *target)) {
+  if (!tree.contains(*target)) {
     faults.push_back(Describe(from, include) + ", which is no file of the house");
     return;
   }
-  const Room* here = RoomOf(from);
-  const Room* there = RoomOf(*target);
+  const Folder* here = FindFolder(from);
+  const Folder* there = FindFolder(*target);
   if (here == nullptr || there == nullptr || here == there) return;
   if (there->floor >= here->floor) {
     faults.push_back(Describe(from, include) + ": doors open downward only");
@@ -133,8 +163,17 @@ class CycleFinder {
 std::vector<std::string> FindWrongDoors(const SourceTree& tree) {
   std::vector<std::string> faults;
   for (const auto& [path, includes] : tree) {
-    if (RoomOf(path) == nullptr) faults.push_back(path + " lies in no room");
+    if (FindFolder(path) == nullptr) faults.push_back(path + " lies in no folder of the table");
     for (const Include& include : includes) CheckDoor(tree, path, include, faults);
+  }
+  return faults;
+}
+
+std::vector<std::string> FindMissingFolders(const SourceTree& tree) {
+  std::vector<std::string> faults;
+  for (const Folder& folder : kFolders) {
+    const auto lies = [&](const auto& file) { return FolderOf(file.first) == folder.path; };
+    if (std::none_of(tree.begin(), tree.end(), lies)) faults.emplace_back(folder.path);
   }
   return faults;
 }
@@ -147,8 +186,8 @@ std::vector<std::string> FindTwins(const SourceTree& tree) {
   std::map<std::string, std::string> places;
   std::vector<std::string> faults;
   for (const auto& [path, includes] : tree) {
-    // Programs are not part of the library: each has its main.
-    if (path.starts_with("apps/") || path.starts_with("examples/")) continue;
+    // Examples are programs of their own: each has its main.
+    if (path.starts_with("examples/")) continue;
     const auto [place, isNew] = places.emplace(path.substr(path.rfind('/') + 1), path);
     if (!isNew) faults.push_back(place->second + " and " + path + " bear the same name");
   }

@@ -8,8 +8,11 @@
 /// The rules of the house's doors, each a function that lists what is wrong, a line a fault.
 namespace rasterkit::test {
 
-/// Doors open downward only: a file includes its own room's files and those of lower floors.
+/// Doors open downward only: a file includes files of its own folder and of lower floors.
 std::vector<std::string> FindWrongDoors(const SourceTree& tree);
+
+/// Folders of the table that hold no source file.
+std::vector<std::string> FindMissingFolders(const SourceTree& tree);
 
 /// No file includes itself by way of others.
 std::vector<std::string> FindCycles(const SourceTree& tree);

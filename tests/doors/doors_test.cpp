@@ -12,7 +12,7 @@ using testing::IsEmpty;
 /// A file that includes others of the house by their path from the root.
 std::vector<Include> Including(std::initializer_list<const char*> paths) {
   std::vector<Include> includes;
-  for (const char* path : paths) includes.push_back({std::string("rasterkit/") + path, false});
+  for (const char* path : paths) includes.push_back({path, false});
   return includes;
 }
 
@@ -23,12 +23,16 @@ const SourceTree& TheHouse() {
 
 TEST(HouseTest, TheTreeIsRead) {
   EXPECT_GT(TheHouse().size(), 50u);
-  EXPECT_TRUE(TheHouse().contains("host/runtime/text.cpp"));
-  EXPECT_THAT(TheHouse().at("host/runtime/text.cpp"), testing::Not(IsEmpty()));
+  EXPECT_TRUE(TheHouse().contains("rasterkit/runtime/text.cpp"));
+  EXPECT_THAT(TheHouse().at("rasterkit/runtime/text.cpp"), testing::Not(IsEmpty()));
 }
 
 TEST(HouseTest, NoDoorOpensUpward) {
   EXPECT_THAT(FindWrongDoors(TheHouse()), IsEmpty());
+}
+
+TEST(HouseTest, EveryFolderOfTheTableIsThere) {
+  EXPECT_THAT(FindMissingFolders(TheHouse()), IsEmpty());
 }
 
 TEST(HouseTest, NoFileIncludesItselfByWayOfOthers) {
@@ -57,111 +61,148 @@ TEST(ParseIncludesTest, IgnoresComments) {
 TEST(WrongDoorsTest, DownwardAndInsideIsRight) {
   EXPECT_THAT(
       FindWrongDoors({
-          {"package/strings.h", {}},
-          {"host/runtime/text.h", {}},
-          {"host/runtime/text.cpp", Including({"host/runtime/text.h"})},
-          {"bitmaptools/files/a.cpp", Including({"package/strings.h", "host/runtime/text.h"})},
-          {"apps/tool/main.cpp", Including({"host.h", "host/runtime/text.h"})},
+          {"rasterkit/strings/strings.h", {}},
+          {"rasterkit/runtime/text.h", {}},
+          {"rasterkit/runtime/text.cpp", Including({"rasterkit/runtime/text.h"})},
+          {"rasterkit/bitmaptools/files/a.cpp",
+           Including({"rasterkit/strings/strings.h", "rasterkit/runtime/text.h"})},
+          {"rasterkit/rasterkit.h", Including({"rasterkit/runtime/text.h"})},
+          {"tool/main.cpp", Including({"rasterkit/rasterkit.h", "rasterkit/runtime/text.h"})},
+          {"tool/verbs/a.cpp", {{"tool/main.cpp", true}}},
       }),
       IsEmpty());
 }
 
 TEST(WrongDoorsTest, UpwardIsWrong) {
-  EXPECT_THAT(FindWrongDoors(
-                  {{"host/raster/a.h", {}}, {"host/runtime/b.h", Including({"host/raster/a.h"})}}),
-              ElementsAre("host/runtime/b.h includes rasterkit/host/raster/a.h: doors open "
+  EXPECT_THAT(FindWrongDoors({{"rasterkit/raster/a.h", {}},
+                              {"rasterkit/runtime/b.h", Including({"rasterkit/raster/a.h"})}}),
+              ElementsAre("rasterkit/runtime/b.h includes rasterkit/raster/a.h: doors open "
                           "downward only"));
 }
 
 TEST(WrongDoorsTest, BetweenRoomsOfOneFloorIsWrong) {
-  EXPECT_EQ(
-      FindWrongDoors({{"jpegexif/a.h", {}}, {"tifftobmp/b.h", Including({"jpegexif/a.h"})}}).size(),
-      1u);
+  EXPECT_EQ(FindWrongDoors({{"rasterkit/codecs/gif/a.h", {}},
+                            {"rasterkit/codecs/png/b.h", Including({"rasterkit/codecs/gif/a.h"})}})
+                .size(),
+            1u);
+}
+
+TEST(WrongDoorsTest, AFolderInsideARoomHasAFloorOfItsOwn) {
+  EXPECT_EQ(FindWrongDoors({{"rasterkit/raster/stretch/a.h", {}},
+                            {"rasterkit/raster/b.h", Including({"rasterkit/raster/stretch/a.h"})}})
+                .size(),
+            1u);
 }
 
 TEST(WrongDoorsTest, StringsLieBelowEverything) {
-  EXPECT_EQ(FindWrongDoors(
-                {{"host/runtime/a.h", {}}, {"package/strings.h", Including({"host/runtime/a.h"})}})
+  EXPECT_EQ(FindWrongDoors({{"rasterkit/runtime/a.h", {}},
+                            {"rasterkit/strings/strings.h", Including({"rasterkit/runtime/a.h"})}})
                 .size(),
             1u);
-  EXPECT_EQ(FindWrongDoors({{"package/start_up.h", {}},
-                            {"bitmaptools/files/a.h", Including({"package/start_up.h"})}})
+  EXPECT_EQ(FindWrongDoors(
+                {{"rasterkit/startup/start_up.h", {}},
+                 {"rasterkit/bitmaptools/files/a.h", Including({"rasterkit/startup/start_up.h"})}})
                 .size(),
             1u);
 }
 
 TEST(WrongDoorsTest, AnUmbrellaInsideTheLibraryIsWrong) {
-  EXPECT_EQ(FindWrongDoors({{"bitmaptools/files/a.h", Including({"host.h"})}}).size(), 1u);
+  EXPECT_EQ(
+      FindWrongDoors({{"rasterkit/rasterkit.h", {}},
+                      {"rasterkit/bitmaptools/files/a.h", Including({"rasterkit/rasterkit.h"})}})
+          .size(),
+      1u);
 }
 
 TEST(WrongDoorsTest, QuotedIncludesUseTheSameDoors) {
   EXPECT_EQ(
-      FindWrongDoors({{"apps/tool/a.h", {}}, {"package/b.cpp", {{"apps/tool/a.h", true}}}}).size(),
+      FindWrongDoors({{"tool/a.h", {}}, {"rasterkit/startup/b.cpp", {{"tool/a.h", true}}}}).size(),
       1u);
-  EXPECT_THAT(FindWrongDoors({{"apps/tool/a.h", {}}, {"apps/tool/b.cpp", {{"a.h", true}}}}),
-              IsEmpty());
+  EXPECT_THAT(FindWrongDoors({{"tool/a.h", {}}, {"tool/b.cpp", {{"a.h", true}}}}), IsEmpty());
 }
 
 TEST(WrongDoorsTest, DialogsStandOnTheirToolkitAndThatOnThePackage) {
-  EXPECT_THAT(FindWrongDoors({
-                  {"package/strings.h", {}},
-                  {"bitmaptools/files/a.h", {}},
-                  {"qt/b.h", Including({"package/strings.h", "bitmaptools/files/a.h"})},
-                  {"dialogs/execbitmap/c.h", Including({"qt/b.h", "bitmaptools/files/a.h"})},
-                  {"apps/tool/main.cpp", Including({"dialogs/execbitmap/c.h", "qt.h"})},
-              }),
-              IsEmpty());
-  for (const char* lower : {"host/runtime/a.cpp", "package/a.cpp"}) {
-    EXPECT_EQ(FindWrongDoors({{"qt/b.h", {}}, {lower, Including({"qt/b.h"})}}).size(), 1u);
+  EXPECT_THAT(
+      FindWrongDoors({
+          {"rasterkit/strings/strings.h", {}},
+          {"rasterkit/bitmaptools/files/a.h", {}},
+          {"rasterkit/qt/b.h",
+           Including({"rasterkit/strings/strings.h", "rasterkit/bitmaptools/files/a.h"})},
+          {"rasterkit/dialogs/execbitmap/c.h",
+           Including({"rasterkit/qt/b.h", "rasterkit/bitmaptools/files/a.h"})},
+          {"rasterkit/qt.h", Including({"rasterkit/qt/b.h"})},
+          {"tool/main.cpp", Including({"rasterkit/dialogs/execbitmap/c.h", "rasterkit/qt.h"})},
+      }),
+      IsEmpty());
+  for (const char* lower : {"rasterkit/runtime/a.cpp", "rasterkit/startup/a.cpp"}) {
+    EXPECT_EQ(
+        FindWrongDoors({{"rasterkit/qt/b.h", {}}, {lower, Including({"rasterkit/qt/b.h"})}}).size(),
+        1u);
   }
-  EXPECT_EQ(FindWrongDoors({{"dialogs/execbitmap/c.h", {}},
-                            {"qt/b.cpp", Including({"dialogs/execbitmap/c.h"})}})
-                .size(),
-            1u);
+  EXPECT_EQ(
+      FindWrongDoors({{"rasterkit/dialogs/execbitmap/c.h", {}},
+                      {"rasterkit/qt/b.cpp", Including({"rasterkit/dialogs/execbitmap/c.h"})}})
+          .size(),
+      1u);
 }
 
 TEST(WrongDoorsTest, WhatQtsToolsWriteIsNoFileOfTheHouse) {
-  EXPECT_THAT(
-      FindWrongDoors({{"qt/b.cpp", {{"ui_b.h", true}, {"b.moc", true}, {"QDialog", false}}}}),
-      IsEmpty());
+  EXPECT_THAT(FindWrongDoors({{"rasterkit/qt/b.cpp",
+                               {{"ui_b.h", true}, {"b.moc", true}, {"QDialog", false}}}}),
+              IsEmpty());
 }
 
 TEST(WrongDoorsTest, AMissingFileIsWrong) {
-  EXPECT_EQ(FindWrongDoors({{"package/b.cpp", Including({"host/runtime/gone.h"})}}).size(), 1u);
-  EXPECT_EQ(FindWrongDoors({{"package/b.cpp", {{"gone.h", true}}}}).size(), 1u);
+  EXPECT_EQ(
+      FindWrongDoors({{"rasterkit/startup/b.cpp", Including({"rasterkit/runtime/gone.h"})}}).size(),
+      1u);
+  EXPECT_EQ(FindWrongDoors({{"rasterkit/startup/b.cpp", {{"gone.h", true}}}}).size(), 1u);
 }
 
 TEST(WrongDoorsTest, AnUnknownUmbrellaIsWrong) {
-  EXPECT_EQ(FindWrongDoors({{"apps/tool/main.cpp", Including({"hosts.h"})}}).size(), 1u);
+  EXPECT_EQ(FindWrongDoors({{"tool/main.cpp", Including({"rasterkit/hosts.h"})}}).size(), 1u);
 }
 
 TEST(WrongDoorsTest, AFileOutsideEveryRoomIsWrong) {
-  EXPECT_THAT(FindWrongDoors({{"host/stray.h", {}}}), ElementsAre("host/stray.h lies in no room"));
+  EXPECT_THAT(FindWrongDoors({{"rasterkit/stray/a.h", {}}}),
+              ElementsAre("rasterkit/stray/a.h lies in no folder of the table"));
+}
+
+TEST(MissingFoldersTest, NamesThoseWithoutAFile) {
+  EXPECT_THAT(FindMissingFolders({{"rasterkit/strings/a.h", {}}}),
+              testing::AllOf(testing::Contains("rasterkit/runtime"),
+                             testing::Not(testing::Contains("rasterkit/strings"))));
 }
 
 TEST(CyclesTest, FindsLongOnes) {
-  EXPECT_THAT(FindCycles({{"host/runtime/a.h", Including({"host/runtime/b.h"})},
-                          {"host/runtime/b.h", Including({"host/runtime/c.h"})},
-                          {"host/runtime/c.h", Including({"host/runtime/a.h"})}}),
-              ElementsAre("host/runtime/a.h -> host/runtime/b.h -> host/runtime/c.h -> "
-                          "host/runtime/a.h"));
+  EXPECT_THAT(
+      FindCycles({{"rasterkit/runtime/a.h", Including({"rasterkit/runtime/b.h"})},
+                  {"rasterkit/runtime/b.h", Including({"rasterkit/runtime/c.h"})},
+                  {"rasterkit/runtime/c.h", Including({"rasterkit/runtime/a.h"})}}),
+      ElementsAre("rasterkit/runtime/a.h -> rasterkit/runtime/b.h -> rasterkit/runtime/c.h -> "
+                  "rasterkit/runtime/a.h"));
 }
 
 TEST(CyclesTest, FindsAFileThatIncludesItself) {
-  EXPECT_EQ(FindCycles({{"host/runtime/a.h", Including({"host/runtime/a.h"})}}).size(), 1u);
+  EXPECT_EQ(FindCycles({{"rasterkit/runtime/a.h", Including({"rasterkit/runtime/a.h"})}}).size(),
+            1u);
 }
 
 TEST(CyclesTest, TwoWaysToOneFileAreNone) {
-  EXPECT_THAT(FindCycles({{"host/runtime/a.h", Including({"host/runtime/b.h", "host/runtime/c.h"})},
-                          {"host/runtime/b.h", Including({"host/runtime/c.h"})},
-                          {"host/runtime/c.h", {}}}),
+  EXPECT_THAT(FindCycles({{"rasterkit/runtime/a.h",
+                           Including({"rasterkit/runtime/b.h", "rasterkit/runtime/c.h"})},
+                          {"rasterkit/runtime/b.h", Including({"rasterkit/runtime/c.h"})},
+                          {"rasterkit/runtime/c.h", {}}}),
               IsEmpty());
 }
 
 TEST(TwinsTest, SameNamesInTwoRoomsAreFound) {
-  EXPECT_THAT(FindTwins({{"host/kernels/rows.h", {}}, {"host/raster/rows.h", {}}}),
-              ElementsAre("host/kernels/rows.h and host/raster/rows.h bear the same name"));
-  EXPECT_THAT(FindTwins({{"host/kernels/rows.h", {}}, {"host/kernels/rows.cpp", {}}}), IsEmpty());
+  EXPECT_THAT(
+      FindTwins({{"rasterkit/kernels/rows/rows.h", {}}, {"rasterkit/raster/rows.h", {}}}),
+      ElementsAre("rasterkit/kernels/rows/rows.h and rasterkit/raster/rows.h bear the same name"));
+  EXPECT_THAT(
+      FindTwins({{"rasterkit/kernels/rows/rows.h", {}}, {"rasterkit/kernels/rows/rows.cpp", {}}}),
+      IsEmpty());
 }
 
 }  // namespace

@@ -7,8 +7,7 @@
 namespace rasterkit::test {
 namespace {
 
-constexpr const char* kFolders[] = {"host", "bitmaptools", "jpegexif", "tifftobmp", "package",
-                                    "qt",   "dialogs",     "apps",     "examples"};
+constexpr const char* kFolders[] = {"rasterkit", "tool", "examples"};
 
 std::string ReadText(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);

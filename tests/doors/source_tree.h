@@ -14,7 +14,7 @@ struct Include {
   bool isQuoted = false;
 };
 
-/// Source files by their path from the root of the tree, "host/runtime/text.h", with what they
+/// Source files by their path from the root of the tree, "rasterkit/runtime/text.h", with what they
 /// include.
 using SourceTree = std::map<std::string, std::vector<Include>>;
 

@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/metafiles/metafile_facts.h>
-#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
+#include <rasterkit/metafiles/wmf_to_emf.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
 

@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/metafiles/emf/emf_writer.h>
-#include <rasterkit/metafiles/metafile_facts.h>
-#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/wmf/wmf_writer.h>
+#include <rasterkit/metafiles/wmf_to_emf.h>
 #include <rasterkit/raster/fill.h>
 #include <rasterkit/runtime/memory/picture_memory_scope.h>
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include <rasterkit/metafiles/metafile_facts.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/raster/raster.h>
 
 #include "tool/pictures/picture_size.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include <rasterkit/metafiles/metafile_facts.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 
 #include "tool/pictures/placement/geo_position.h"
 #include "tool/reports/pdf_facts.h"

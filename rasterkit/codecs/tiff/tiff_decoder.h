@@ -1,6 +1,9 @@
 #pragma once
 
-#include <rasterkit/codecs/decode_frame.h>
+#include <rasterkit/codecs/rows/codec_report.h>
+#include <rasterkit/codecs/rows/frame_options.h>
+#include <rasterkit/codecs/rows/imaging_frame.h>
+#include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit {
 

@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include <rasterkit/drawing/context/device_context.h>
 #include <rasterkit/drawing/ink/drawing_state.h>
 #include <rasterkit/drawing/text/font_faces.h>
+#include <rasterkit/drawing/text/text_run.h>
 
 namespace rasterkit::detail {
 

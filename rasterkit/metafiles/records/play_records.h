@@ -5,7 +5,7 @@
 #include <new>
 
 #include <rasterkit/drawing/ink/drawing_work.h>
-#include <rasterkit/metafiles/play_metafile.h>
+#include <rasterkit/metafiles/records/play_report.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {

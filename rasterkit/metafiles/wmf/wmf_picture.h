@@ -2,7 +2,7 @@
 
 #include <rasterkit/drawing/ink/affine.h>
 #include <rasterkit/drawing/ink/drawing_objects.h>
-#include <rasterkit/metafiles/metafile_facts.h>
+#include <rasterkit/metafiles/records/metafile_facts.h>
 
 namespace rasterkit::detail {
 

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include <rasterkit/qt/controls/paint_box.h>
 #include <rasterkit/qt/look/clear_style.h>
 #include <rasterkit/qt/look/contrast.h>
 
@@ -208,7 +207,7 @@ class ClearStyle : public QProxyStyle {
     if (!(option.state & State_KeyboardFocusChange)) return;
     DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
     // Over a picture of the frame's own colour a second line is seen.
-    if (qobject_cast<const TPaintBox*>(widget) == nullptr) return;
+    if (widget == nullptr || !widget->inherits("rasterkit::TPaintBox")) return;
     const int inset = kFocusWidth;
     DrawFrame(painter, option.rect.adjusted(inset, inset, -inset, -inset),
               ColorIn(option.palette, QPalette::Window), 1);

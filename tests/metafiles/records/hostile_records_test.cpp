@@ -10,7 +10,7 @@
 
 #include <rasterkit/drawing/ink/drawing_cost.h>
 #include <rasterkit/drawing/ink/drawing_work.h>
-#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
+#include <rasterkit/metafiles/wmf_to_emf.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/picture_memory_scope.h>
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
+#include <rasterkit/metafiles/wmf_to_emf.h>
 
 #include "tests/support/emf_file.h"
 #include "tests/support/played_metafile.h"

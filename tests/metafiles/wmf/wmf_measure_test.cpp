@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/metafiles/metafile_facts.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/wmf/wmf_measure.h>
-#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
+#include <rasterkit/metafiles/wmf_to_emf.h>
 
 #include "tests/support/packed_dib.h"
 #include "tests/support/played_metafile.h"

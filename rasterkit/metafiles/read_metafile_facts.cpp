@@ -4,7 +4,7 @@
 
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/metafiles/emf/emf_contents.h>
-#include <rasterkit/metafiles/metafile_facts.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/wmf/wmf_extent.h>
 #include <rasterkit/metafiles/wmf/wmf_measure.h>
 #include <rasterkit/metafiles/wmf/wmf_records.h>

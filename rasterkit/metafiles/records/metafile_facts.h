@@ -1,11 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string>
 #include <vector>
-
-#include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
 
@@ -49,9 +46,5 @@ struct MetafileFacts {
   /// What is wrong with the file; what lies before the damage is there all the same.
   std::vector<std::string> warnings;
 };
-
-/// Looks through the records of a metafile, told by its first bytes. Throws FormatError for bytes
-/// that are none.
-RASTERKIT_EXPORT MetafileFacts ReadMetafileFacts(std::span<const uint8_t> bytes);
 
 }  // namespace rasterkit

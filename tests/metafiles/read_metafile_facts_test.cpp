@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/metafiles/metafile_facts.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/support/emf_file.h"

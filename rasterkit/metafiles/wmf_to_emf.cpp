@@ -1,7 +1,7 @@
-#include <rasterkit/metafiles/metafile_facts.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/records/play_records.h>
 #include <rasterkit/metafiles/wmf/wmf_recorder.h>
-#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
+#include <rasterkit/metafiles/wmf_to_emf.h>
 
 namespace rasterkit::detail {
 std::vector<uint8_t> EmfOfWmf(std::span<const uint8_t> bytes) {
