@@ -1,29 +1,19 @@
-// Any bytes as an enhanced metafile: facts, records, the bitmaps inside them and a
-// drawing that touches nothing outside its place, or one of our errors.
+// Any bytes as an EMF file: facts, records, embedded bitmaps and playback must succeed or throw an
+// Error of the library, and playback must not touch pixels outside its place.
 
-#include <algorithm>
-#include <cstdlib>
-
-#include <rasterkit/drawing/ink/drawing_work.h>
 #include <rasterkit/metafiles/emf/emf_records.h>
-#include <rasterkit/metafiles/play_metafile.h>
-#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/records/dib_reader.h>
-#include <rasterkit/runtime/memory/memory_budget.h>
+
+#include "fuzz/metafiles/metafile_checks.h"
 
 namespace {
 
 using namespace rasterkit;
 using namespace rasterkit::detail;
+using namespace rasterkit::fuzz;
 
-constexpr uint64_t kPictureLimit = 256 * 1024;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-/// Every place of the first records is tried as the head of a bitmap: what a record's offsets say
-/// may be anything.
+/// Tries every offset in the first bytes of a record as a bitmap header: the offsets in a record
+/// may have any value.
 void ReadBitmaps(const EmfRecord& record, DibReader& reader) {
   for (size_t offset = kEmfRecordHead; offset + 12 <= record.bytes.size() && offset < 128;
        offset += 4) {
@@ -38,52 +28,19 @@ void ReadBitmaps(const EmfRecord& record, DibReader& reader) {
   }
 }
 
-constexpr int kWidth = 176, kHeight = 144;
-constexpr PixelRect kPlace{8, 4, 168, 132};
-constexpr uint32_t kGround = 0xFF123456;
-/// What a drawing may cost, so that thousands are tried: many times the whole picture.
-constexpr double kMostWork = 1e7;
-
-bool IsGround(const uint32_t* first, const uint32_t* last) {
-  return std::all_of(first, last, [](uint32_t pixel) { return (pixel | 0xFF000000) == kGround; });
-}
-
-/// Draws inside a frame of pixels that must stay as they are.
-void Draw(std::span<const uint8_t> bytes) {
-  Raster raster(pf32bit, kWidth, kHeight);
-  FillRaster(raster, {0, 0, kWidth, kHeight}, 0x563412);
-  const DrawingWorkScope work(kMostWork);
-  try {
-    PlayMetafile(bytes, raster, kPlace);
-  } catch (const Error&) {
-  }
-  for (int y = 0; y < kHeight; ++y) {
-    const auto* row = reinterpret_cast<const uint32_t*>(raster.Row(y));
-    const bool isOutside = y < kPlace.top || y >= kPlace.bottom;
-    Require(IsGround(row, row + (isOutside ? kWidth : kPlace.left)));
-    Require(IsGround(row + kPlace.right, row + kWidth));
-  }
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   SetPictureMemoryLimit(kPictureLimit);
   const std::span<const uint8_t> bytes(data, size);
-  Draw(bytes);
+  RequirePlayInside(bytes);
   try {
-    const MetafileFacts facts = ReadMetafileFacts(bytes);
-    Require(facts.width > 0 && facts.height > 0 && facts.widthMm100 > 0 && facts.heightMm100 > 0);
+    const MetafileFacts facts = RequireSize(bytes);
     Require(!facts.isEmfPlusOnly || facts.hasEmfPlus);
   } catch (const FormatError&) {
   }
-  EmfRecords records(bytes);
   DibReader reader(size);
-  size_t walked = 0;
-  while (const auto record = records.Next()) {
-    walked += record->bytes.size();
-    ReadBitmaps(*record, reader);
-  }
-  Require(walked <= size);
+  RequireWalkInside<EmfRecords>(bytes,
+                                [&](const EmfRecord& record) { ReadBitmaps(record, reader); });
   return 0;
 }
