@@ -10,7 +10,7 @@
 #include <rasterkit/metafiles/play_metafile.h>
 #include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/wmf/wmf_records.h>
-#include <rasterkit/metafiles/wmf_to_emf.h>
+#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
 #include <rasterkit/runtime/files/stream.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
@@ -57,7 +57,7 @@ void Rewrite(std::span<const uint8_t> bytes) {
   if (before.kind == MetafileKind::emf) return;
   std::vector<uint8_t> written;
   try {
-    written = EmfOfWmf(bytes);
+    written = EmfOfWmf(bytes, before);
   } catch (const LimitError&) {
     return;
   }

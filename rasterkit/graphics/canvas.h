@@ -13,6 +13,7 @@ namespace rasterkit {
 class Raster;
 class TBitmap;
 class TGraphic;
+struct MetafileFacts;
 
 /// A rectangle of pixels; right and bottom lie outside.
 struct TRect {
@@ -96,6 +97,9 @@ class RASTERKIT_EXPORT TCanvas {
   /// lies before left or bottom above top). What the records do not paint stays as it was. Throws
   /// as PlayMetafile does.
   void DrawMetafile(const TRect& rect, std::span<const uint8_t> metafile);
+  /// Plays a metafile whose facts are known: what ReadMetafileFacts returns for these bytes.
+  void DrawMetafile(const TRect& rect, std::span<const uint8_t> metafile,
+                    const MetafileFacts& facts);
 
   /// Mixes the part `src` of a bitmap into `dest`, the nearest pixels of it where they differ in
   /// size. A pixel without opacity changes nothing.

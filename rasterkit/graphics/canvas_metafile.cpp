@@ -4,6 +4,7 @@
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/metafiles/play_metafile.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/raster/stretch/blit.h>
 
 namespace rasterkit {
@@ -33,10 +34,16 @@ void CopyChanges(const Raster& before, const Raster& after, int y, PixelPoint pl
 }  // namespace
 
 void TCanvas::DrawMetafile(const TRect& rect, std::span<const uint8_t> metafile) {
+  bitmap_->modified_ = true;
+  DrawMetafile(rect, metafile, ReadMetafileFacts(metafile));
+}
+
+void TCanvas::DrawMetafile(const TRect& rect, std::span<const uint8_t> metafile,
+                           const MetafileFacts& facts) {
   Raster& rows = bitmap_->raster_;
   bitmap_->modified_ = true;
   if (rows.Format() == pf32bit) {
-    PlayMetafile(metafile, rows, {rect.Left, rect.Top, rect.Right, rect.Bottom});
+    PlayMetafile(metafile, facts, rows, {rect.Left, rect.Top, rect.Right, rect.Bottom});
     return;
   }
   // Records are drawn in 32 bits. Only what they change comes back, so that equal colours keep
@@ -49,7 +56,7 @@ void TCanvas::DrawMetafile(const TRect& rect, std::span<const uint8_t> metafile)
   Raster before(pf32bit, clip.right - clip.left, clip.bottom - clip.top);
   BlitCopied(before, {0, 0, before.Width(), before.Height()}, rows, clip);
   Raster after = before.Clone();
-  PlayMetafile(metafile, after,
+  PlayMetafile(metafile, facts, after,
                {Moved(rect.Left, clip.left), Moved(rect.Top, clip.top),
                 Moved(rect.Right, clip.left), Moved(rect.Bottom, clip.top)});
   for (int y = 0; y < after.Height(); ++y) {

@@ -2,8 +2,8 @@
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/metafiles/play_metafile.h>
+#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
 #include <rasterkit/metafiles/wmf/wmf_writer.h>
-#include <rasterkit/metafiles/wmf_to_emf.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/raster/fill.h>
 #include <rasterkit/runtime/errors.h>
@@ -37,7 +37,7 @@ void TMetafile::SaveToStream(TStream& stream) {
   if (enhanced_ == areEnhanced) {
     stream.Write(*bytes_);
   } else if (enhanced_) {
-    stream.Write(detail::EmfOfWmf(*bytes_));
+    stream.Write(detail::EmfOfWmf(*bytes_, facts_));
   } else {
     stream.Write(
         detail::WmfOfPicture(Draw(Width(), Height()), facts_.widthMm100, facts_.heightMm100));
@@ -51,7 +51,7 @@ Raster TMetafile::Draw(int width, int height, TColor background,
   if (width < 1 || height < 1) throw RangeError("a metafile cannot be drawn without any pixels");
   Raster raster(pf32bit, width, height);
   FillRaster(raster, {0, 0, width, height}, background);
-  const PlayReport report = PlayMetafile(*bytes_, raster, {0, 0, width, height}, keepGoing);
+  const PlayReport report = PlayMetafile(*bytes_, facts_, raster, {0, 0, width, height}, keepGoing);
   if (warnings != nullptr) {
     warnings->insert(warnings->end(), report.warnings.begin(), report.warnings.end());
   }
@@ -59,7 +59,7 @@ Raster TMetafile::Draw(int width, int height, TColor background,
 }
 
 void TMetafile::DrawTo(TCanvas& canvas, const TRect& place) const {
-  if (bytes_) canvas.DrawMetafile(place, *bytes_);
+  if (bytes_) canvas.DrawMetafile(place, *bytes_, facts_);
 }
 
 void TMetafile::AssignToBitmap(TBitmap& target) const {

@@ -59,7 +59,11 @@ double MoreWork(const MetafileFacts& facts, const PixelRect& place, size_t bytes
 
 PlayReport PlayMetafile(std::span<const uint8_t> bytes, Raster& target, const PixelRect& place,
                         const std::function<bool()>& keepGoing) {
-  const MetafileFacts facts = ReadMetafileFacts(bytes);
+  return PlayMetafile(bytes, ReadMetafileFacts(bytes), target, place, keepGoing);
+}
+
+PlayReport PlayMetafile(std::span<const uint8_t> bytes, const MetafileFacts& facts, Raster& target,
+                        const PixelRect& place, const std::function<bool()>& keepGoing) {
   if (facts.isEmfPlusOnly) {
     throw UnsupportedError("EMF: the drawing is in EMF+ records alone, which are not drawn");
   }

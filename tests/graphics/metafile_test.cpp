@@ -3,10 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <rasterkit/drawing/ink/drawing_work.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/graphics/png_image.h>
+#include <rasterkit/metafiles/play_metafile.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/support/emf_file.h"
@@ -23,7 +25,7 @@ using namespace detail;
 
 constexpr TColor kBlue = 0xFF0000;
 
-/// 25.4 x 12.7 mm on a device of 96 pixels an inch; the left half is blue.
+/// 25.4 x 12.7 mm on a device of 96 dpi; the left half is blue.
 std::vector<uint8_t> HalfBlueEmf() {
   EmfFile file;
   file.frame = {0, 0, 2540, 1270};
@@ -38,7 +40,7 @@ std::vector<uint8_t> HalfBlueEmf() {
   return file.Bytes();
 }
 
-/// The same as a placeable Windows metafile.
+/// The same as a placeable WMF file.
 std::vector<uint8_t> HalfBlueWmf() {
   WmfFile file;
   file.box = {{0, 0, 960, 480}};
@@ -71,12 +73,26 @@ void ExpectHalfBlue(const Raster& raster) {
   EXPECT_EQ(raster.PixelColor(width - 1, height - 1), clWhite);
 }
 
+/// A WMF file without box and window: a blue square in one corner with letters in it, and a blue
+/// rectangle in the opposite corner. Its size, 100 x 80, is only known after playing all records.
+std::vector<uint8_t> UnsizedWmf() {
+  WmfFile file;
+  file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(kBlue).Word(0));
+  file.Add(WmfFunction::createPenIndirect, FieldBytes().Words({5, 0, 0}).Long(0));
+  file.Add(WmfFunction::selectObject, {0}).Add(WmfFunction::selectObject, {1});
+  file.Add(WmfFunction::setBkMode, {1}).Add(WmfFunction::rectangle, {30, 30, 0, 0});
+  // Letters cost work even where nothing is painted.
+  for (int i = 0; i < 100; ++i) file.Add(WmfFunction::textOut, {1, '.', 0, 0});
+  file.Add(WmfFunction::rectangle, {80, 100, 70, 90});
+  return file.Bytes();
+}
+
 TEST(Metafile, Load_Should_SetTheMarkByContent) {
   EXPECT_TRUE(Loaded(HalfBlueEmf())->Enhanced());
   EXPECT_FALSE(Loaded(HalfBlueWmf())->Enhanced());
 }
 
-TEST(Metafile, Size_Should_BePixelsAt96AndHundredthsOfAMillimetre) {
+TEST(Metafile, Size_Should_BePixelsAt96AndHundredthsOfAMillimeter) {
   for (const auto& bytes : {HalfBlueEmf(), HalfBlueWmf()}) {
     const auto metafile = Loaded(bytes);
     EXPECT_EQ(metafile->Width(), 96);
@@ -242,7 +258,7 @@ TEST(Metafile, Canvas_Should_MakeTheRectangleOpaque_When_TheBitmapHasAlpha) {
   }
 }
 
-TEST(Metafile, Canvas_Should_KeepIndexes_When_ColoursAreTheSame) {
+TEST(Metafile, Canvas_Should_KeepIndexes_When_ColorsAreTheSame) {
   Raster raster(pf8bit, 60, 40);
   const tagPALETTEENTRY entries[] = {{9, 9, 9, 0}, {9, 9, 9, 0}, {0, 0, 255, 0}, {9, 9, 9, 0}};
   raster.palette = HPALETTE(entries);
@@ -331,6 +347,63 @@ TEST(Metafile, NewerRecordsAlone_Should_LoadAndSave_ButNotDraw) {
   EXPECT_THROW(metafile->Draw(10, 10), UnsupportedError);
   TBitmap bitmap = GradientBitmap(pf24bit, 9, 7);
   EXPECT_THROW(bitmap.Assign(metafile.get()), UnsupportedError);
+}
+
+/// Checks that the size of a WMF file is not measured again. With a work budget that ends every
+/// playback early, measuring would only find the first square, which would then fill the picture.
+class MetafileFactsOnce : public ::testing::Test {
+ protected:
+  static constexpr double kWork = 20000;
+
+  void SetUp() override {
+    ASSERT_EQ(metafile_->Width(), 100);
+    ASSERT_EQ(metafile_->Height(), 80);
+  }
+  static void ExpectOnlyTheFirstSquare(const Raster& raster) {
+    EXPECT_EQ(raster.PixelColor(25, 25), kBlue);
+    EXPECT_EQ(raster.PixelColor(50, 40), clWhite);
+    EXPECT_EQ(raster.PixelColor(95, 75), clWhite);
+  }
+
+  const std::vector<uint8_t> bytes_ = UnsizedWmf();
+  const std::unique_ptr<TMetafile> metafile_ = Loaded(bytes_);
+};
+
+TEST_F(MetafileFactsOnce, PlayMetafile_Should_UseTheFactsThatItIsGiven) {
+  const DrawingWorkScope work(kWork);
+  const MetafileFacts cutShort = ReadMetafileFacts(bytes_);
+  ASSERT_EQ(cutShort.width, 30);
+  Raster given(pf32bit, 100, 80), read(pf32bit, 100, 80);
+  FillRaster(given, {0, 0, 100, 80}, clWhite);
+  FillRaster(read, {0, 0, 100, 80}, clWhite);
+  EXPECT_FALSE(PlayMetafile(bytes_, metafile_->Facts(), given, {0, 0, 100, 80}).isComplete);
+  PlayMetafile(bytes_, read, {0, 0, 100, 80});
+  ExpectOnlyTheFirstSquare(given);
+  EXPECT_EQ(read.PixelColor(50, 40), kBlue);
+}
+
+TEST_F(MetafileFactsOnce, Draw_Should_UseTheFactsThatLoadingRead) {
+  const DrawingWorkScope work(kWork);
+  ExpectOnlyTheFirstSquare(metafile_->Draw(100, 80));
+}
+
+TEST_F(MetafileFactsOnce, DrawTo_Should_UseTheFactsThatLoadingRead) {
+  const DrawingWorkScope work(kWork);
+  for (const TPixelFormat format : {pf32bit, pf24bit}) {
+    TBitmap bitmap;
+    bitmap.SetPixelFormat(format);
+    bitmap.SetSize(100, 80);
+    metafile_->DrawTo(bitmap.Canvas(), {0, 0, 100, 80});
+    ExpectOnlyTheFirstSquare(bitmap.Content());
+  }
+}
+
+TEST_F(MetafileFactsOnce, Assign_Should_ShareTheFacts) {
+  TMetafile copy;
+  copy.Assign(metafile_.get());
+  const DrawingWorkScope work(kWork);
+  EXPECT_EQ(copy.Width(), 100);
+  ExpectOnlyTheFirstSquare(copy.Draw(100, 80));
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/metafiles/read_metafile_facts.h>
-#include <rasterkit/metafiles/wmf_to_emf.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
 
@@ -182,7 +181,7 @@ TEST(MetafileCorpus, Should_DrawTheSame_When_WindowsMetafilesBecomeEnhancedOnes)
     if (file.facts.kind == MetafileKind::emf) continue;
     SCOPED_TRACE(file.path);
     ++recorded;
-    const std::vector<uint8_t> emf = detail::EmfOfWmf(file.bytes);
+    const std::vector<uint8_t> emf = EmfOf(file.bytes);
     const MetafileFacts facts = ReadMetafileFacts(emf);
     EXPECT_EQ(facts.kind, MetafileKind::emf);
     EXPECT_EQ(facts.width, file.facts.width);

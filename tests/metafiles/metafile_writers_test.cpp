@@ -6,10 +6,10 @@
 #include <rasterkit/metafiles/emf/emf_writer.h>
 #include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/wmf/wmf_writer.h>
-#include <rasterkit/metafiles/wmf_to_emf.h>
 #include <rasterkit/raster/fill.h>
 #include <rasterkit/runtime/memory/picture_memory_scope.h>
 
+#include "tests/support/played_metafile.h"
 #include "tests/support/wmf_file.h"
 
 namespace rasterkit::test {
@@ -141,20 +141,20 @@ TEST(WmfToEmf, Handles_Should_CountTheHighestOneAndZero) {
   for (int i = 0; i < 3; ++i) {
     file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(0).Word(0));
   }
-  const std::vector<uint8_t> bytes = EmfOfWmf(file.Bytes());
+  const std::vector<uint8_t> bytes = EmfOf(file.Bytes());
   EXPECT_EQ(MetafileBytes(bytes, 56).Word(), 4);
-  EXPECT_EQ(MetafileBytes(EmfOfWmf(WmfFile().Bytes()), 56).Word(), 1);
+  EXPECT_EQ(MetafileBytes(EmfOf(WmfFile().Bytes()), 56).Word(), 1);
   file.Add(WmfFunction::deleteObject, {0});
   file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(0).Word(0));
-  EXPECT_EQ(MetafileBytes(EmfOfWmf(file.Bytes()), 56).Word(), 4);
+  EXPECT_EQ(MetafileBytes(EmfOf(file.Bytes()), 56).Word(), 4);
 }
 
 TEST(WmfToEmf, RecordsThatSayNothing_Should_BeLeftOut) {
-  const std::vector<uint8_t> nothing = EmfOfWmf(WmfFile().Bytes());
+  const std::vector<uint8_t> nothing = EmfOf(WmfFile().Bytes());
   const auto written = [](WmfFunction function, std::initializer_list<int64_t> words) {
     WmfFile file;
     file.Add(function, words);
-    return EmfOfWmf(file.Bytes());
+    return EmfOf(file.Bytes());
   };
   EXPECT_EQ(written(WmfFunction::setViewportExt, {0, 50}), nothing);
   EXPECT_EQ(written(WmfFunction::setViewportExt, {50, 0}), nothing);
@@ -168,7 +168,7 @@ TEST(WmfToEmf, BlitsWithoutABitmap_Should_BeLeftOut_When_TheyNeedOne) {
     WmfFile file;
     file.box = {{0, 0, 100, 80}};
     file.Add(WmfFunction::dibBitBlt, {0x20, operation, 0, 0, 0, 20, 30, 10, 10});
-    return ReadMetafileFacts(EmfOfWmf(file.Bytes())).records;
+    return ReadMetafileFacts(EmfOf(file.Bytes())).records;
   };
   EXPECT_EQ(records(0xF0), records(0xCC) + 1);
 }
@@ -177,7 +177,7 @@ TEST(WmfToEmf, Texts_Should_NameNoSteps_When_TheyHaveNone) {
   WmfFile file;
   file.box = {{0, 0, 100, 80}};
   file.Add(WmfFunction::textOut, {4, 0x6554, 0x7478, 20, 20});
-  const std::vector<uint8_t> bytes = EmfOfWmf(file.Bytes());
+  const std::vector<uint8_t> bytes = EmfOf(file.Bytes());
   EmfRecords records(bytes);
   std::optional<EmfRecord> record = records.Next();
   while (record && record->type != EmfType::extTextOutW) record = records.Next();

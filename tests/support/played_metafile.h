@@ -4,9 +4,16 @@
 #include <vector>
 
 #include <rasterkit/metafiles/play_metafile.h>
+#include <rasterkit/metafiles/read_metafile_facts.h>
+#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
 #include <rasterkit/raster/fill.h>
 
 namespace rasterkit::test {
+
+/// Converts a WMF file to EMF.
+inline std::vector<uint8_t> EmfOf(const std::vector<uint8_t>& wmf) {
+  return detail::EmfOfWmf(wmf, ReadMetafileFacts(wmf));
+}
 
 /// The drawing on white, at the size of the whole picture.
 struct PlayedMetafile {

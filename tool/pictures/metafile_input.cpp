@@ -5,10 +5,8 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/graphics/metafile.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/runtime/errors.h>
-#include <rasterkit/runtime/files/stream.h>
 
 #include "tool/command/interruption.h"
 
@@ -18,21 +16,21 @@ namespace {
 constexpr double kDefaultDpi = 96, kHundredthsPerInch = 2540;
 
 int Pixels(int mm100, double dpi) {
-  constexpr double most = 1e9;
-  return static_cast<int>(std::clamp(std::round(mm100 * dpi / kHundredthsPerInch), 1.0, most));
+  constexpr double kMost = 1e9;
+  return static_cast<int>(std::clamp(std::round(mm100 * dpi / kHundredthsPerInch), 1.0, kMost));
 }
 
-/// The size that the file says.
+/// The size stated by the file.
 PictureSize OwnSize(const TMetafile& metafile, bool isForFacts) {
-  constexpr double mostPixels = 1 << 28, mostForFacts = 1 << 24;
+  constexpr double kMostPixels = 1 << 28, kMostForFacts = 1 << 24;
   const int width = metafile.Width(), height = metafile.Height();
   const double pixels = double{1} * width * height;
-  if (isForFacts && pixels > mostForFacts) {
-    const double smaller = std::sqrt(mostForFacts / pixels);
+  if (isForFacts && pixels > kMostForFacts) {
+    const double smaller = std::sqrt(kMostForFacts / pixels);
     return {std::max(1, static_cast<int>(width * smaller)),
             std::max(1, static_cast<int>(height * smaller))};
   }
-  if (pixels <= mostPixels) return {width, height};
+  if (pixels <= kMostPixels) return {width, height};
   throw LimitError(fmt::format(
       "metafile: the drawing is {} x {} pixels large; `rasterkit convert` draws it smaller with "
       "--size or --dpi",
@@ -59,21 +57,13 @@ Resolution ResolutionOf(const TMetafile& metafile, const MetafileDrawing& drawin
 
 }  // namespace
 
-MetafileFacts MetafileFactsOf(std::span<const uint8_t> bytes) {
-  return ReadMetafileFacts(bytes);
-}
-
-DrawnMetafile DrawMetafile(std::span<const uint8_t> bytes, const MetafileDrawing& drawing) {
-  TMetafile metafile;
-  TSpanStream stream(bytes);
-  metafile.LoadFromStream(stream);
+DrawnMetafile DrawMetafile(const TMetafile& metafile, const MetafileDrawing& drawing) {
   const PictureSize size = SizeOf(metafile, drawing);
   const auto keepGoing = [] {
     StopIfInterrupted();
     return true;
   };
   DrawnMetafile drawn;
-  drawn.facts = metafile.Facts();
   const Raster rows =
       metafile.Draw(size.width, size.height, drawing.background, keepGoing, &drawn.warnings);
   drawn.rows = ConvertRaster(rows, pf24bit);

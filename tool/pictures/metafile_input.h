@@ -1,44 +1,38 @@
 #pragma once
 
-#include <cstdint>
-#include <span>
 #include <string>
 #include <vector>
 
-#include <rasterkit/metafiles/read_metafile_facts.h>
+#include <rasterkit/graphics/metafile.h>
 #include <rasterkit/raster/raster.h>
 
 #include "tool/pictures/picture_size.h"
 
 namespace rasterkit::tool {
 
-/// How a metafile becomes pixels.
+/// Options for drawing a metafile.
 struct MetafileDrawing {
-  /// Pixels an inch; 0 is 96, or what `size` makes of the picture.
+  /// Dots per inch; 0 means 96, or the resolution that follows from `size`.
   double dpi = 0;
-  /// Both sides 0: as large as `dpi` makes it.
+  /// 0 x 0: the size that follows from `dpi`.
   PictureSize size;
-  /// What the records do not paint.
+  /// Color of the pixels that the records do not paint.
   TColor background = clWhite;
-  /// Nobody looks at the pixels: a large drawing may be made smaller.
+  /// The pixels are discarded: a large drawing may be drawn smaller.
   bool isForFacts = false;
 
   bool IsAsked() const { return dpi > 0 || size.width > 0 || size.height > 0; }
 };
 
 struct DrawnMetafile {
-  MetafileFacts facts;
-  /// 24 bits; its resolution is what the drawing was made for.
+  /// pf24bit, with the resolution that the drawing was made for.
   Raster rows;
   std::vector<std::string> warnings;
 };
 
-/// What the records say about themselves. Throws the library's errors for bytes that are none.
-MetafileFacts MetafileFactsOf(std::span<const uint8_t> bytes);
-
-/// Draws the records. Throws the library's errors: for bytes that cannot be drawn, for more pixels
-/// than there may be, and for more than 268 million where no size was asked for, as a few damaged
-/// bytes in a header say so sooner than anybody who draws.
-DrawnMetafile DrawMetafile(std::span<const uint8_t> bytes, const MetafileDrawing& drawing);
+/// Draws a loaded metafile. Throws UnsupportedError if it cannot be drawn, LimitError if the
+/// picture memory budget is exceeded, or if the file itself states more than 268 million pixels:
+/// such a header is more likely damaged than meant.
+DrawnMetafile DrawMetafile(const TMetafile& metafile, const MetafileDrawing& drawing);
 
 }  // namespace rasterkit::tool

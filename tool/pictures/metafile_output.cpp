@@ -29,7 +29,7 @@ void Load(TMetafile& metafile, const std::string& file) {
   try {
     const InterruptibleInput waiting(file);
     TFileStream stream(file);
-    // A large picture need not be read to be refused; a pipe cannot be looked at before.
+    // Reject a large file of another type without reading it; a pipe must be read first.
     if (stream.Size() > 0) RequireMetafile(SniffPictureType(stream), file);
     const std::vector<uint8_t> bytes = stream.ReadToEnd();
     RequireMetafile(SniffPictureType(bytes), file);
@@ -86,7 +86,7 @@ JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
         "--background, --bits, --dpi and --size are for outputs of pixels; a metafile is written "
         "as it is");
   }
-  // What was drawn as lines is pixels now.
+  // An EMF file is stored as one bitmap in a WMF file.
   if (wasEnhanced && !metafile.Enhanced()) result.notCarriedOver.emplace_back("records");
   return result;
 }

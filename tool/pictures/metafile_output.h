@@ -7,12 +7,12 @@
 
 namespace rasterkit::tool {
 
-/// Whether a file of this name holds a metafile: ".wmf", ".emf".
+/// Returns whether the file name has a metafile extension (".wmf", ".emf").
 bool IsMetafileName(const std::string& file);
 
-/// Writes the metafile `job.input` under `job.output`: as it is when it is of the output's kind,
-/// else in that kind. Throws Failure for inputs that are no metafiles, for kinds that one cannot
-/// become, and for a turn, which records do not take; other options for pixels get a warning.
+/// Writes the metafile `job.input` to `job.output`: unchanged if the output has the same format,
+/// else converted. Throws Failure if the input is not a metafile, if it cannot be converted, or if
+/// a rotation is set, which metafiles do not support. Other options for pixels add a warning.
 JobResult ConvertMetafile(const Job& job, const PictureOptions& options);
 
 }  // namespace rasterkit::tool

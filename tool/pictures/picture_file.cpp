@@ -67,9 +67,12 @@ bool IsMetafile(PictureType type) {
 /// What the records say is known even when they cannot be drawn.
 void LoadMetafile(LoadedFrame& loaded, std::span<const uint8_t> bytes,
                   const MetafileDrawing& drawing) {
-  loaded.metafile = MetafileFactsOf(bytes);
+  TMetafile metafile;
+  TSpanStream stream(bytes);
+  metafile.LoadFromStream(stream);
+  loaded.metafile = metafile.Facts();
   loaded.warnings = loaded.metafile->warnings;
-  DrawnMetafile drawn = DrawMetafile(bytes, drawing);
+  DrawnMetafile drawn = DrawMetafile(metafile, drawing);
   loaded.frame.rows = std::move(drawn.rows);
   for (std::string& warning : drawn.warnings) {
     const auto& known = loaded.warnings;

@@ -10,7 +10,6 @@
 
 #include <rasterkit/drawing/ink/drawing_cost.h>
 #include <rasterkit/drawing/ink/drawing_work.h>
-#include <rasterkit/metafiles/wmf_to_emf.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/picture_memory_scope.h>
 
@@ -213,9 +212,9 @@ TEST(HostileRecords, EmfOfWmf_Should_Refuse_When_TheWorkHasNoEnd) {
   file.box = {{0, 0, 100, 80}};
   for (int i = 0; i < 100; ++i) file.Add(WmfFunction::rectangle, {50, 60, 0, 0});
   const std::vector<uint8_t> bytes = file.Bytes();
-  EXPECT_FALSE(EmfOfWmf(bytes).empty());
+  EXPECT_FALSE(EmfOf(bytes).empty());
   const DrawingWorkScope work(50);
-  EXPECT_THROW(EmfOfWmf(bytes), LimitError);
+  EXPECT_THROW(EmfOf(bytes), LimitError);
 }
 
 /// Everything is drawn, or skipped record by record, and the drawing comes to its end.

@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/metafiles/wmf_to_emf.h>
-
 #include "tests/support/emf_file.h"
 #include "tests/support/played_metafile.h"
 #include "tests/support/same_pixels.h"
@@ -138,7 +136,7 @@ class WmfPixels {
   }
   void ExpectColors(const std::vector<TColor>& wanted) const {
     for (const bool isRecorded : {false, true}) {
-      const PlayedMetafile played(isRecorded ? EmfOfWmf(file_.Bytes()) : file_.Bytes());
+      const PlayedMetafile played(isRecorded ? EmfOf(file_.Bytes()) : file_.Bytes());
       std::vector<TColor> colors;
       for (int x = 0; x < count_; ++x) colors.push_back(played.At(x, 0));
       EXPECT_EQ(colors, wanted) << (isRecorded ? "as an enhanced metafile" : "as it is");

@@ -4,7 +4,6 @@
 
 #include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/wmf/wmf_measure.h>
-#include <rasterkit/metafiles/wmf_to_emf.h>
 
 #include "tests/support/packed_dib.h"
 #include "tests/support/played_metafile.h"
@@ -77,7 +76,7 @@ WmfFile BlueSquare() {
 
 /// Blue up to its edges, drawn as it is and as an enhanced metafile.
 void ExpectBlue(const WmfFile& file, int width, int height) {
-  const std::vector<uint8_t> bytes = file.Bytes(), emf = EmfOfWmf(bytes);
+  const std::vector<uint8_t> bytes = file.Bytes(), emf = EmfOf(bytes);
   const MetafileFacts facts = ReadMetafileFacts(bytes);
   EXPECT_EQ(facts.width, width);
   EXPECT_EQ(facts.height, height);

@@ -5,7 +5,6 @@
 
 #include <rasterkit/metafiles/emf/emf_records.h>
 #include <rasterkit/metafiles/read_metafile_facts.h>
-#include <rasterkit/metafiles/wmf_to_emf.h>
 
 #include "tests/support/packed_dib.h"
 #include "tests/support/played_metafile.h"
@@ -46,7 +45,7 @@ WmfFile WithFont(int escapement = 0, const char* face = "DejaVu Sans") {
 
 /// Both are drawn alike at the picture's size and larger; something is drawn at all.
 void ExpectSame(const WmfFile& file) {
-  const std::vector<uint8_t> wmf = file.Bytes(), emf = EmfOfWmf(wmf);
+  const std::vector<uint8_t> wmf = file.Bytes(), emf = EmfOf(wmf);
   const MetafileFacts before = ReadMetafileFacts(wmf), after = ReadMetafileFacts(emf);
   EXPECT_EQ(after.kind, MetafileKind::emf);
   EXPECT_EQ(after.warnings, std::vector<std::string>());
@@ -115,7 +114,7 @@ TEST(WmfToEmf, OutlinedBoxes_Should_EndAtTheSamePixel_When_UnitsAreSmaller) {
       file.Add(WmfFunction::rectangle, {turn * 61 + i, 10 + 23 * i, turn * 13, 3 + 21 * i});
     }
     const std::vector<uint8_t> wmf = file.Bytes();
-    const PlayedMetafile old(wmf), now(EmfOfWmf(wmf));
+    const PlayedMetafile old(wmf), now(EmfOf(wmf));
     EXPECT_GT(old.Painted(), 100);
     EXPECT_TRUE(SameColors(old.raster, now.raster)) << turn;
   }
@@ -199,7 +198,7 @@ TEST(WmfToEmf, DeletedObjects_Should_NotBeSelected) {
   file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(kGreen).Word(0));
   file.Add(WmfFunction::deleteObject, {3}).Add(WmfFunction::selectObject, {3});
   file.Add(WmfFunction::rectangle, {40, 50, 0, 0});
-  const std::vector<uint8_t> emf = EmfOfWmf(file.Bytes());
+  const std::vector<uint8_t> emf = EmfOf(file.Bytes());
   EXPECT_EQ(PlayedMetafile(emf).At(20, 20), kBlue);
   std::vector<uint32_t> handles;
   EmfRecords records(emf);
@@ -361,7 +360,7 @@ TEST(WmfToEmf, RoomBetweenLetters_Should_ComeNearIt) {
   text.Word(3).Text(std::string_view("III")).PadTo(2).Words({30, 10});
   WmfFile file = WithFont();
   file.Add(WmfFunction::setTextCharExtra, {25}).Add(WmfFunction::textOut, text);
-  const PlayedMetafile now(EmfOfWmf(file.Bytes()));
+  const PlayedMetafile now(EmfOf(file.Bytes()));
   const auto ink = [&](int left, int right) {
     int count = 0;
     for (int y = 0; y < 80; ++y) {

@@ -1,11 +1,9 @@
-#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/records/play_records.h>
 #include <rasterkit/metafiles/wmf/wmf_recorder.h>
-#include <rasterkit/metafiles/wmf_to_emf.h>
+#include <rasterkit/metafiles/wmf/wmf_to_emf.h>
 
 namespace rasterkit::detail {
-std::vector<uint8_t> EmfOfWmf(std::span<const uint8_t> bytes) {
-  const MetafileFacts facts = ReadMetafileFacts(bytes);
+std::vector<uint8_t> EmfOfWmf(std::span<const uint8_t> bytes, const MetafileFacts& facts) {
   if (facts.kind == MetafileKind::emf) throw FormatError("WMF: the metafile is an enhanced one");
   const WmfPicture window = PictureOfWmf(facts);
   // The player's state and what it would paint are asked for, never its pixels.
