@@ -2,6 +2,7 @@
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/metafiles/play_metafile.h>
+#include <rasterkit/metafiles/records/metafile_units.h>
 #include <rasterkit/metafiles/wmf/wmf_to_emf.h>
 #include <rasterkit/metafiles/wmf/wmf_writer.h>
 #include <rasterkit/raster/convert.h>
@@ -9,11 +10,6 @@
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
-namespace {
-
-constexpr double kPixelsPerInch = 96;
-
-}  // namespace
 
 std::span<const uint8_t> TMetafile::Bytes() const {
   return bytes_ ? std::span<const uint8_t>(*bytes_) : std::span<const uint8_t>();
@@ -65,7 +61,7 @@ void TMetafile::DrawTo(TCanvas& canvas, const TRect& place) const {
 void TMetafile::AssignToBitmap(TBitmap& target) const {
   RequireRecords();
   TBitmap drawn(ConvertRaster(Draw(Width(), Height()), pf24bit));
-  drawn.SetDpi({kPixelsPerInch, kPixelsPerInch});
+  drawn.SetDpi({detail::kMetafileDpi, detail::kMetafileDpi});
   drawn.AssignTransparency(*this);
   target.Assign(&drawn);
 }

@@ -5,6 +5,7 @@
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/metafiles/emf/emf_contents.h>
 #include <rasterkit/metafiles/read_metafile_facts.h>
+#include <rasterkit/metafiles/records/metafile_units.h>
 #include <rasterkit/metafiles/wmf/wmf_extent.h>
 #include <rasterkit/metafiles/wmf/wmf_measure.h>
 #include <rasterkit/metafiles/wmf/wmf_records.h>
@@ -14,7 +15,6 @@ namespace {
 
 using namespace detail;
 
-constexpr double kPixelsPerInch = 96, kHundredthsPerInch = 2540;
 /// Files without a size are drawn in pixels or, where that would be larger than any screen of
 /// their time, in twentieths of a point.
 constexpr int64_t kMostPixelUnits = 2048;
@@ -30,10 +30,10 @@ int PositiveInt(double value) {
 }
 
 void SetSize(MetafileFacts& facts, double widthInches, double heightInches) {
-  facts.width = PositiveInt(widthInches * kPixelsPerInch);
-  facts.height = PositiveInt(heightInches * kPixelsPerInch);
-  facts.widthMm100 = PositiveInt(widthInches * kHundredthsPerInch);
-  facts.heightMm100 = PositiveInt(heightInches * kHundredthsPerInch);
+  facts.width = PositiveInt(widthInches * kMetafileDpi);
+  facts.height = PositiveInt(heightInches * kMetafileDpi);
+  facts.widthMm100 = PositiveInt(widthInches * kMm100PerInch);
+  facts.heightMm100 = PositiveInt(heightInches * kMm100PerInch);
 }
 
 void TakeHeader(const EmfHeader& header, MetafileFacts& facts) {
@@ -49,8 +49,8 @@ void TakeHeader(const EmfHeader& header, MetafileFacts& facts) {
                          facts.deviceWidthMm > 0 && facts.deviceHeightMm > 0;
   if (!hasDevice) {
     // Without a device a pixel is what it is on a common screen.
-    facts.deviceWidth = facts.deviceHeight = static_cast<int>(kPixelsPerInch);
-    facts.deviceWidthMm = facts.deviceHeightMm = kHundredthsPerInch / 100;
+    facts.deviceWidth = facts.deviceHeight = static_cast<int>(kMetafileDpi);
+    facts.deviceWidthMm = facts.deviceHeightMm = kMm100PerInch / 100;
     facts.warnings.emplace_back("EMF: the header names no reference device");
   }
   if (facts.frame.Width() > 0 && facts.frame.Height() > 0) return;
@@ -75,8 +75,8 @@ MetafileFacts ReadEmf(std::span<const uint8_t> bytes) {
   facts.isEmfPlusOnly = contents.hasEmfPlusDrawing && !contents.hasDrawing;
   if (!contents.damage.empty()) facts.warnings.push_back(contents.damage);
   TakeHeader(contents.header, facts);
-  SetSize(facts, static_cast<double>(facts.frame.Width()) / kHundredthsPerInch,
-          static_cast<double>(facts.frame.Height()) / kHundredthsPerInch);
+  SetSize(facts, static_cast<double>(facts.frame.Width()) / kMm100PerInch,
+          static_cast<double>(facts.frame.Height()) / kMm100PerInch);
   return facts;
 }
 
@@ -84,7 +84,7 @@ MetafileFacts ReadEmf(std::span<const uint8_t> bytes) {
 double UnitsPerInch(const MetafileFacts::Box& box, double stated) {
   if (stated > 0) return stated;
   const int64_t longest = std::max(std::abs(box.Width()), std::abs(box.Height()));
-  return longest > kMostPixelUnits ? kTwipsPerInch : kPixelsPerInch;
+  return longest > kMostPixelUnits ? kTwipsPerInch : kMetafileDpi;
 }
 
 /// The box in units of which `unitsPerPixel` are a pixel of a common screen, grown to whole pixels
@@ -105,10 +105,10 @@ MetafileFacts::Box GrownBox(const RectD& drawn, double unitsPerPixel) {
 
 /// A unit is a pixel, what the mapping mode says, or a twentieth of a point.
 MetafileFacts::Box DrawnBox(const RectD& drawn, double statedUnits) {
-  if (statedUnits > 0) return GrownBox(drawn, statedUnits / kPixelsPerInch);
+  if (statedUnits > 0) return GrownBox(drawn, statedUnits / kMetafileDpi);
   const MetafileFacts::Box box = GrownBox(drawn, 1);
-  if (UnitsPerInch(box, 0) == kPixelsPerInch) return box;
-  constexpr double twipsPerPixel = kTwipsPerInch / kPixelsPerInch;
+  if (UnitsPerInch(box, 0) == kMetafileDpi) return box;
+  constexpr double twipsPerPixel = kTwipsPerInch / kMetafileDpi;
   return GrownBox({drawn.left / twipsPerPixel, drawn.top / twipsPerPixel,
                    drawn.right / twipsPerPixel, drawn.bottom / twipsPerPixel},
                   twipsPerPixel);

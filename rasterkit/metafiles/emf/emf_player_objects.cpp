@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include <rasterkit/metafiles/emf/emf_player.h>
-#include <rasterkit/metafiles/records/utf16.h>
+#include <rasterkit/metafiles/records/font_record.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -10,37 +10,8 @@ namespace {
 constexpr uint32_t kStockBit = 0x80000000;
 /// The header counts handles in 16 bits.
 constexpr uint32_t kMostHandles = 0x10000;
-constexpr size_t kFaceNameUnits = 32;
 
 enum ExtendedBrush : uint32_t { kPattern = 3, kDibPattern = 5, kDibPatternPointer = 6 };
-
-std::string ReadFaceName(MetafileBytes& fields) {
-  std::u16string name;
-  for (size_t i = 0; i < kFaceNameUnits && fields.Left() >= 2; ++i) {
-    const auto unit = static_cast<char16_t>(fields.Word());
-    if (unit == 0) break;
-    name.push_back(unit);
-  }
-  return Utf8FromUtf16(name);
-}
-
-LogicalFont ReadFont(MetafileBytes& fields) {
-  LogicalFont font;
-  font.height = fields.Int();
-  font.width = fields.Int();
-  font.escapement = fields.Int();
-  font.orientation = fields.Int();
-  font.weight = fields.Int();
-  font.italic = fields.Byte() != 0;
-  font.underline = fields.Byte() != 0;
-  font.strikeOut = fields.Byte() != 0;
-  font.charset = fields.Byte();
-  fields.Skip(3);  // precision of output and clipping, quality
-  font.pitchAndFamily = fields.Byte();
-  font.faceName = ReadFaceName(fields);
-  MarkSymbolFont(font);
-  return font;
-}
 
 }  // namespace
 
@@ -108,7 +79,7 @@ void EmfPlayer::CreateExtendedPen(const EmfRecord& record) {
 void EmfPlayer::CreateFont(const EmfRecord& record) {
   MetafileBytes fields = record.Fields();
   const uint32_t handle = fields.Long();
-  Keep(handle, std::make_shared<const LogicalFont>(ReadFont(fields)));
+  Keep(handle, std::make_shared<const LogicalFont>(ReadFont(fields, FontLayout::emf)));
 }
 
 void EmfPlayer::CreatePatternBrush(const EmfRecord& record, bool isMono) {

@@ -7,7 +7,6 @@
 namespace rasterkit::detail {
 namespace {
 
-constexpr uint32_t kEmfSignature = 0x464D4520;
 /// Offsets of the header's later fields, which older files do not have, and where each kind ends.
 constexpr size_t kPixelFormat = 88, kPixelFormatEnd = 100, kMicrometersEnd = 108;
 constexpr size_t kDescriptionLength = 60;

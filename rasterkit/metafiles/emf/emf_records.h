@@ -140,6 +140,9 @@ enum class EmfType : uint32_t {
 /// Bytes of a record's type and size.
 inline constexpr size_t kEmfRecordHead = 8;
 
+/// The header's signature, " EMF".
+inline constexpr uint32_t kEmfSignature = 0x464D4520;
+
 /// What a comment with drawing records of the newer kind starts with: "EMF+".
 inline constexpr uint32_t kEmfPlusMark = 0x2B464D45;
 

@@ -10,7 +10,7 @@ namespace rasterkit::detail {
 namespace {
 
 constexpr uint32_t kHeaderBytes = 108, kEndBytes = 20;
-constexpr int64_t kSignature = 0x464D4520, kVersion = 0x10000;
+constexpr int64_t kVersion = 0x10000;
 constexpr size_t kMostHandles = 0xFFFF;
 
 void AppendRecord(std::vector<uint8_t>& to, EmfType type, std::span<const uint8_t> fields) {
@@ -85,7 +85,7 @@ std::vector<uint8_t> EmfWriter::Finish(const EmfPicture& picture) {
   constexpr int64_t micrometersPerHundredth = 10;
   EmfFields fields;
   fields.Rect(HeaderBounds(picture));
-  fields.Longs({0, 0, picture.widthMm100, picture.heightMm100, kSignature, kVersion});
+  fields.Longs({0, 0, picture.widthMm100, picture.heightMm100, kEmfSignature, kVersion});
   fields.Longs({static_cast<int64_t>(bytes), int64_t{count_} + 2});
   fields.Word(static_cast<int64_t>(std::min(picture.handles, kMostHandles))).Word(0);
   fields.Longs({0, 0, 0});  // no description, no palette

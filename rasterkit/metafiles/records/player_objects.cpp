@@ -1,5 +1,4 @@
 #include <rasterkit/metafiles/records/player_objects.h>
-#include <rasterkit/runtime/text.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -92,13 +91,6 @@ BrushObject PatternBrush(Raster bitmap, bool isMono) {
   brush.isMono = isMono && bitmap.Format() == pf1bit;
   brush.bitmap = std::make_shared<const Raster>(std::move(bitmap));
   return std::make_shared<const LogicalBrush>(std::move(brush));
-}
-
-void MarkSymbolFont(LogicalFont& font) {
-  constexpr uint8_t symbols = 2;
-  for (const char* const name : {"Symbol", "Wingdings", "Wingdings 2", "Wingdings 3", "Webdings"}) {
-    if (CompareText(font.faceName, name) == 0) font.charset = symbols;
-  }
 }
 
 }  // namespace rasterkit::detail

@@ -36,10 +36,6 @@ BrushObject PlainBrush(uint32_t style, TColor color, uint32_t hatch);
 /// A brush of a bitmap; of two colours only where `isMono`.
 BrushObject PatternBrush(Raster bitmap, bool isMono);
 
-/// Marks fonts of symbols as such, which many writers forget. A font that is not there is then
-/// replaced by something that has the symbols.
-void MarkSymbolFont(LogicalFont& font);
-
 /// A stated colour: 0x00BBGGRR, or an index into the palette where the top byte is 1.
 TColor StatedColor(uint32_t stated, const HPALETTE& palette);
 

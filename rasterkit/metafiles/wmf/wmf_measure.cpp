@@ -1,3 +1,4 @@
+#include <rasterkit/metafiles/records/metafile_units.h>
 #include <rasterkit/metafiles/records/play_records.h>
 #include <rasterkit/metafiles/wmf/wmf_fields.h>
 #include <rasterkit/metafiles/wmf/wmf_measure.h>
@@ -31,10 +32,10 @@ std::optional<RectD> BitmapPlace(const WmfRecord& record) {
 }  // namespace
 
 std::optional<RectD> MeasureWmf(std::span<const uint8_t> bytes) {
-  constexpr double pixelsPerInch = 96, mmPerInch = 25.4;
-  constexpr uint32_t mostQuestions = kMostMeasuredRecords / kRecordsBetweenQuestions;
+  constexpr double kMmPerInch = kMm100PerInch / 100;
+  constexpr uint32_t kMostQuestions = kMostMeasuredRecords / kRecordsBetweenQuestions;
   Raster unseen(pf32bit, 1, 1);
-  const ReferenceDevice screen{pixelsPerInch, pixelsPerInch, mmPerInch, mmPerInch};
+  const ReferenceDevice screen{kMetafileDpi, kMetafileDpi, kMmPerInch, kMmPerInch};
   DeviceContext context(unseen, {0, 0, 0, 0}, screen, Affine());
   const WmfPicture picture{
       .window = {0, 0, 1, 1}, .pixels = {1, 1}, .isMeasured = true, .origin = {}, .device = screen};
@@ -50,7 +51,7 @@ std::optional<RectD> MeasureWmf(std::span<const uint8_t> bytes) {
         context.PatBlt(*place, rop3::blackness);
         return true;
       },
-      [&] { return ++questions <= mostQuestions; }, report);
+      [&] { return ++questions <= kMostQuestions; }, report);
   return context.DrawnBounds();
 }
 

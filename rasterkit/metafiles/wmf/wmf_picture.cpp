@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include <rasterkit/metafiles/records/metafile_units.h>
 #include <rasterkit/metafiles/wmf/wmf_picture.h>
 
 namespace rasterkit::detail {
@@ -9,9 +10,9 @@ namespace {
 /// 0.01 mm that come to so many pixels again, at most one away from what was measured: sizes are
 /// rounded twice where an enhanced metafile states them.
 int FittingHundredths(int pixels, int measured) {
-  constexpr double pixelsPerHundredth = 96.0 / 2540;
+  constexpr double kPixelsPerHundredth = kMetafileDpi / kMm100PerInch;
   for (const int hundredths : {measured, measured - 1, measured + 1}) {
-    if (std::nearbyint(hundredths * pixelsPerHundredth) == pixels) return hundredths;
+    if (std::nearbyint(hundredths * kPixelsPerHundredth) == pixels) return hundredths;
   }
   return measured;
 }

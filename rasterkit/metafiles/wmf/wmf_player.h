@@ -82,8 +82,7 @@ class WmfPlayer {
   }
 
   Dib Bitmap(std::span<const uint8_t> packed, DibColors colors);
-  void BlitDib(const WmfRecord& record, bool isStretched);
-  void BlitRaster(const WmfRecord& record, bool isStretched);
+  void Blit(const WmfRecord& record, bool isStretched, bool isDeviceBitmap);
   void StretchBits(const WmfRecord& record);
   void SetBits(const WmfRecord& record);
 

@@ -14,7 +14,7 @@ Dib WmfPlayer::Bitmap(std::span<const uint8_t> packed, DibColors colors) {
   return dib;
 }
 
-void WmfPlayer::BlitDib(const WmfRecord& record, bool isStretched) {
+void WmfPlayer::Blit(const WmfRecord& record, bool isStretched, bool isDeviceBitmap) {
   MetafileBytes fields = record.Fields();
   const bool hasBitmap = record.HasBitmap();
   const WmfBlit blit = ReadBlit(fields, isStretched, hasBitmap);
@@ -22,19 +22,9 @@ void WmfPlayer::BlitDib(const WmfRecord& record, bool isStretched) {
     if (!NeedsSource(blit.operation)) context_.PatBlt(blit.dest, blit.operation);
     return;
   }
-  const Dib dib = Bitmap(fields.Take(fields.Left()), DibColors::colors);
-  context_.StretchBlt(blit.dest, {dib.raster, blit.part}, blit.operation);
-}
-
-void WmfPlayer::BlitRaster(const WmfRecord& record, bool isStretched) {
-  MetafileBytes fields = record.Fields();
-  const bool hasBitmap = record.HasBitmap();
-  const WmfBlit blit = ReadBlit(fields, isStretched, hasBitmap);
-  if (!hasBitmap) {
-    if (!NeedsSource(blit.operation)) context_.PatBlt(blit.dest, blit.operation);
-    return;
-  }
-  const Raster bitmap = ReadDdb(fields);
+  const Raster bitmap = isDeviceBitmap
+                            ? ReadDdb(fields)
+                            : Bitmap(fields.Take(fields.Left()), DibColors::colors).raster;
   context_.StretchBlt(blit.dest, {bitmap, blit.part}, blit.operation);
 }
 
@@ -73,11 +63,11 @@ bool WmfPlayer::PlayBitmap(const WmfRecord& record) {
     }
     case WmfFunction::dibBitBlt:
     case WmfFunction::dibStretchBlt:
-      BlitDib(record, record.function == WmfFunction::dibStretchBlt);
+      Blit(record, record.function == WmfFunction::dibStretchBlt, false);
       return true;
     case WmfFunction::bitBlt:
     case WmfFunction::stretchBlt:
-      BlitRaster(record, record.function == WmfFunction::stretchBlt);
+      Blit(record, record.function == WmfFunction::stretchBlt, true);
       return true;
     case WmfFunction::stretchDib:
       StretchBits(record);

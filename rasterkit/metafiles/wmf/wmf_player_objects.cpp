@@ -1,9 +1,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include <rasterkit/metafiles/records/ansi_text.h>
 #include <rasterkit/metafiles/records/ddb_reader.h>
-#include <rasterkit/metafiles/records/utf16.h>
+#include <rasterkit/metafiles/records/font_record.h>
 #include <rasterkit/metafiles/wmf/wmf_fields.h>
 #include <rasterkit/metafiles/wmf/wmf_player.h>
 
@@ -11,8 +10,6 @@ namespace rasterkit::detail {
 namespace {
 
 constexpr uint16_t kPatternStyle = 3;
-constexpr uint8_t kDefaultCharset = 1;
-constexpr size_t kFaceNameBytes = 32;
 
 PenObject ReadPen(MetafileBytes& fields, const HPALETTE& palette) {
   LogicalPen pen;
@@ -27,31 +24,6 @@ BrushObject ReadBrush(MetafileBytes& fields, const HPALETTE& palette) {
   const uint16_t style = fields.Word();
   const TColor color = StatedColor(fields.Long(), palette);
   return PlainBrush(style, color, fields.Left() >= 2 ? fields.Word() : 0);
-}
-
-std::string ReadFaceName(MetafileBytes& fields) {
-  const auto bytes = fields.Take(std::min(fields.Left(), kFaceNameBytes));
-  const auto end = std::find(bytes.begin(), bytes.end(), 0);
-  const auto name = bytes.first(static_cast<size_t>(end - bytes.begin()));
-  return Utf8FromUtf16(DecodeAnsiText(name, {}, kDefaultCharset).text);
-}
-
-FontObject ReadFont(MetafileBytes& fields) {
-  LogicalFont font;
-  font.height = fields.Short();
-  font.width = fields.Short();
-  font.escapement = fields.Short();
-  font.orientation = fields.Short();
-  font.weight = fields.Short();
-  font.italic = fields.Byte() != 0;
-  font.underline = fields.Byte() != 0;
-  font.strikeOut = fields.Byte() != 0;
-  font.charset = fields.Byte();
-  fields.Skip(3);  // precision of output and clipping, quality
-  font.pitchAndFamily = fields.Byte();
-  font.faceName = ReadFaceName(fields);
-  MarkSymbolFont(font);
-  return std::make_shared<const LogicalFont>(std::move(font));
 }
 
 PaletteObject ReadPalette(MetafileBytes& fields) {
@@ -121,7 +93,7 @@ MetafileObject WmfPlayer::ReadObject(const WmfRecord& record) {
     case WmfFunction::createBrushIndirect:
       return ReadBrush(fields, context_.Palette());
     case WmfFunction::createFontIndirect:
-      return ReadFont(fields);
+      return std::make_shared<const LogicalFont>(ReadFont(fields, FontLayout::wmf));
     case WmfFunction::createPalette:
       return ReadPalette(fields);
     case WmfFunction::createRegion:

@@ -1,14 +1,13 @@
 #include <algorithm>
 #include <string>
 
+#include <rasterkit/metafiles/records/font_record.h>
 #include <rasterkit/metafiles/records/packed_bitmap.h>
 #include <rasterkit/metafiles/records/utf16.h>
 #include <rasterkit/metafiles/wmf/wmf_recorder.h>
 
 namespace rasterkit::detail {
 namespace {
-
-constexpr size_t kFaceNameUnits = 32;
 
 /// Handles of enhanced metafiles start at 1.
 int64_t EmfHandle(size_t handle) {
@@ -61,7 +60,7 @@ void WmfRecorder::CreateFont(size_t handle, const LogicalFont& font) {
   fields.Number(font.escapement).Number(font.orientation).Long(font.weight);
   fields.Byte(font.italic).Byte(font.underline).Byte(font.strikeOut).Byte(font.charset);
   fields.Byte(0).Byte(0).Byte(0).Byte(font.pitchAndFamily);
-  const std::u16string name = Utf16FromUtf8(font.faceName).substr(0, kFaceNameUnits - 1);
+  const std::u16string name = Utf16FromUtf8(font.faceName).substr(0, kFaceNameLength - 1);
   for (const char16_t unit : name) fields.Word(unit);
   while (fields.Size() < 4 + kFontBytes) fields.Word(0);
   while (fields.Size() < 4 + kFontRecordBytes) fields.Long(0);

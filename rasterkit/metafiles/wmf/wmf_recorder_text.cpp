@@ -1,6 +1,7 @@
 #include <cmath>
 
 #include <rasterkit/metafiles/records/ansi_text.h>
+#include <rasterkit/metafiles/records/metafile_units.h>
 #include <rasterkit/metafiles/wmf/wmf_recorder.h>
 #include <rasterkit/metafiles/wmf/wmf_text.h>
 
@@ -8,7 +9,7 @@ namespace rasterkit::detail {
 namespace {
 
 /// 0.01 mm a pixel of the device.
-constexpr double kHundredthsPerPixel = 2540.0 / 96;
+constexpr double kHundredthsPerPixel = kMm100PerInch / kMetafileDpi;
 
 }  // namespace
 

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include <rasterkit/drawing/ink/drawing_modes.h>
+#include <rasterkit/metafiles/records/metafile_units.h>
 #include <rasterkit/metafiles/records/packed_bitmap.h>
 #include <rasterkit/metafiles/wmf/wmf_records.h>
 #include <rasterkit/metafiles/wmf/wmf_writer.h>
@@ -12,7 +13,7 @@ namespace {
 
 constexpr int kMostUnits = 32767;
 /// Units of 0.01 mm say the size exactly, up to a third of a metre.
-constexpr double kHundredthsPerInch = 2540, kUnitsPerInch = kHundredthsPerInch;
+constexpr double kUnitsPerInch = kMm100PerInch;
 
 class WmfBytes {
  public:
@@ -49,11 +50,11 @@ struct Extent {
 
 /// The picture's box, with fewer units an inch where it would not fit otherwise.
 Extent ExtentOf(int widthMm100, int heightMm100) {
-  const double longest = std::max(widthMm100, heightMm100) / kHundredthsPerInch;
+  const double longest = std::max(widthMm100, heightMm100) / kMm100PerInch;
   const double units = std::max(1.0, std::min(kUnitsPerInch, std::floor(kMostUnits / longest)));
   const auto side = [&](int mm100) {
     return static_cast<int>(
-        std::clamp(std::nearbyint(mm100 / kHundredthsPerInch * units), 1.0, double{kMostUnits}));
+        std::clamp(std::nearbyint(mm100 / kMm100PerInch * units), 1.0, double{kMostUnits}));
   };
   return {side(widthMm100), side(heightMm100), static_cast<int>(units)};
 }
