@@ -1,6 +1,6 @@
-// Lines of an enhanced metafile, and through a drawing context, beside the same lines given to
-// cairo: one record or call a line, black, one pixel wide, on a white picture of 1000 x 1000. Short
-// lines are those of a drawing, long ones cross half of the picture.
+// Measures lines of an EMF file, and through a drawing context, against the same lines given to
+// cairo directly. One record or call per line; lines are black, one pixel wide, on a white picture
+// of 1000 x 1000 pixels. Short lines are those of a drawing; long ones cross half of the picture.
 #include <algorithm>
 #include <random>
 #include <vector>
@@ -21,7 +21,8 @@ using rasterkit::PointD;
 constexpr int kSide = 1000;
 constexpr size_t kLines = 100'000;
 
-/// Corners of one long line; neighbours lie up to `reach` apart in either direction.
+/// Returns the corners of one long line; consecutive ones lie up to `reach` apart in each
+/// direction.
 std::vector<PointD> Corners(int reach) {
   std::mt19937 random(8);
   std::vector<PointD> corners{{kSide / 2.0, kSide / 2.0}};
@@ -42,7 +43,7 @@ rasterkit::Raster WhitePicture() {
   return picture;
 }
 
-/// The lines as a file: a record that moves to the first corner, then one a line.
+/// Returns the lines as an EMF file: one record that moves to the first corner, then one per line.
 std::vector<uint8_t> Metafile(const std::vector<PointD>& corners) {
   using rasterkit::detail::EmfFields;
   using rasterkit::detail::EmfType;
@@ -51,8 +52,8 @@ std::vector<uint8_t> Metafile(const std::vector<PointD>& corners) {
   for (size_t i = 1; i < corners.size(); ++i) {
     writer.Add(EmfType::lineTo, EmfFields().Point(corners[i]));
   }
-  constexpr int kPixelsOfAMetre = 3780;
-  constexpr int kSideMm100 = kSide * 100'000 / kPixelsOfAMetre;
+  constexpr int kPixelsPerMeter = 3780;
+  constexpr int kSideMm100 = kSide * 100'000 / kPixelsPerMeter;
   return writer.Finish({.width = kSide,
                         .height = kSide,
                         .widthMm100 = kSideMm100,

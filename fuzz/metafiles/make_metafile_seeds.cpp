@@ -38,7 +38,7 @@ BmpFile Indexed() {
   return file;
 }
 
-/// A bitmap stretched over the picture: fields up to the bitmap are 80 bytes long with the head.
+/// A bitmap stretched over the picture. The record has 80 bytes before the bitmap.
 EmfFile WithBitmap(const BmpFile& bitmap, size_t pixelBytes) {
   const std::vector<uint8_t> dib = PackedDib(bitmap);
   const auto head = static_cast<int64_t>(dib.size() - pixelBytes);
@@ -105,7 +105,7 @@ EmfFile EmfText() {
   return file.Add(EmfType::smallTextOut, brief.Singles({1, 1}).Text(std::string_view("Ab")));
 }
 
-/// A whole file of another kind in the place of the rows.
+/// A bitmap that embeds a whole file of another format.
 BmpFile Embedded(uint32_t compression, std::vector<uint8_t> bytes) {
   BmpFile file;
   file.width = 5;
@@ -126,7 +126,7 @@ BmpFile WithJpeg() {
   return Embedded(4, EncodeJpeg(GradientRaster(pf24bit, 5, 3), 90));
 }
 
-/// The bitmaps that are mixed, keyed, masked or set aslant, and patterns.
+/// Bitmaps that are blended, keyed, masked or slanted, and patterns.
 EmfFile EmfBlends() {
   BmpFile bitmap = SixColors();
   bitmap.bits = 32;
@@ -155,7 +155,7 @@ EmfFile EmfBlends() {
   return file.Add(EmfType::gradientFill, mesh.Longs({0, 1, 2}));
 }
 
-/// Regions, floods, bands of bitmaps and the less common modes.
+/// Regions, flood fills, bands of bitmaps and the less common modes.
 EmfFile EmfAreas() {
   EmfFile file;
   file.Add(EmfType::createBrush, {1, 0, 0xFF00, 0}).Add(EmfType::selectObject, {1});
@@ -234,7 +234,7 @@ WmfFile WmfShapes() {
   return file.Add(WmfFunction::extTextOut, text.Words({9, 9, 9}));
 }
 
-/// Modes, mapping and clipping between what they change.
+/// Modes, mapping and clipping, each followed by something that it affects.
 WmfFile WmfStates() {
   WmfFile file;
   file.box = {{0, 0, 200, 160}};

@@ -1,33 +1,23 @@
-// Any bytes as a Windows metafile that is written as an enhanced one: what is written is a sound
-// file of the same size, whose records are walked to the last one and played without being refused.
-// Around it what a metafile object does: either kind of bytes is saved under either mark.
+// Any bytes as a WMF file that is converted to EMF: the result must be a valid file of the same
+// size whose records can all be walked and played. Also loads and saves any bytes as TMetafile, in
+// both formats.
 
-#include <cstdlib>
-
-#include <rasterkit/drawing/ink/drawing_work.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/metafiles/emf/emf_records.h>
-#include <rasterkit/metafiles/play_metafile.h>
-#include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/wmf/wmf_records.h>
 #include <rasterkit/metafiles/wmf/wmf_to_emf.h>
 #include <rasterkit/runtime/files/stream.h>
-#include <rasterkit/runtime/memory/memory_budget.h>
+
+#include "fuzz/metafiles/metafile_checks.h"
 
 namespace {
 
 using namespace rasterkit;
 using namespace rasterkit::detail;
+using namespace rasterkit::fuzz;
 
-constexpr uint64_t kPictureLimit = 256 * 1024;
-/// Larger files only repeat what smaller ones show, and each record costs a drawing.
+/// Larger files only repeat what smaller ones cover, and each record costs one drawing.
 constexpr size_t kMostBytes = 16 * 1024;
-/// What a drawing may cost, so that thousands are tried.
-constexpr double kMostWork = 1e7;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 void RequireSoundEmf(std::span<const uint8_t> written, const MetafileFacts& before) {
   EmfRecords records(written);
@@ -46,10 +36,10 @@ void RequireSoundEmf(std::span<const uint8_t> written, const MetafileFacts& befo
 }
 
 void PlayWritten(std::span<const uint8_t> written) {
-  constexpr int side = 96;
-  Raster raster(pf32bit, side, side);
-  FillRaster(raster, {0, 0, side, side}, clWhite);
-  PlayMetafile(written, raster, {0, 0, side, side});
+  constexpr int kSide = 96;
+  Raster raster(pf32bit, kSide, kSide);
+  FillRaster(raster, {0, 0, kSide, kSide}, clWhite);
+  PlayMetafile(written, raster, {0, 0, kSide, kSide});
 }
 
 void Rewrite(std::span<const uint8_t> bytes) {
@@ -57,7 +47,7 @@ void Rewrite(std::span<const uint8_t> bytes) {
   if (before.kind == MetafileKind::emf) return;
   std::vector<uint8_t> written;
   try {
-    written = EmfOfWmf(bytes, before);
+    written = ConvertWmfToEmf(bytes, before);
   } catch (const LimitError&) {
     return;
   }
@@ -65,7 +55,7 @@ void Rewrite(std::span<const uint8_t> bytes) {
   PlayWritten(written);
 }
 
-/// What is saved under a mark is of the kind that the mark names.
+/// The saved file must have the format that the Enhanced flag states.
 void SaveAs(const TMetafile& metafile, bool isEnhanced) {
   TMetafile copy;
   copy.Assign(&metafile);

@@ -11,12 +11,12 @@ namespace rasterkit {
 namespace {
 
 int Moved(int value, int by) {
-  // In 64 bits: a place may have any numbers.
+  // In 64 bits, as coordinates may have any value.
   return static_cast<int>(std::clamp<int64_t>(int64_t{value} - by, INT32_MIN, INT32_MAX));
 }
 
-/// Brings the pixels of row y that differ between `before` and `after` to the target, whose part
-/// they are from `place` on.
+/// Copies the pixels of row y that differ between `before` and `after` to the target, in which both
+/// lie at `place`.
 void CopyChanges(const Raster& before, const Raster& after, int y, PixelPoint place,
                  Raster& target) {
   const auto differs = [&](int x) {
@@ -46,7 +46,7 @@ void TCanvas::DrawMetafile(const TRect& rect, std::span<const uint8_t> metafile,
     PlayMetafile(metafile, facts, rows, {rect.Left, rect.Top, rect.Right, rect.Bottom});
     return;
   }
-  // Records are drawn in 32 bits. Only what they change comes back, so that equal colours keep
+  // Records are played in 32 bits. Only changed pixels are copied back, so that equal colors keep
   // their indexes.
   const PixelRect clip =
       ClipRect({std::min(rect.Left, rect.Right), std::min(rect.Top, rect.Bottom),

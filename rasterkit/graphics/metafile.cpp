@@ -28,15 +28,14 @@ void TMetafile::LoadFromStream(TStream& stream) {
 }
 
 void TMetafile::SaveToStream(TStream& stream) {
-  if (!bytes_) throw FormatError("metafile: there are no records to save");
+  if (!bytes_) throw FormatError("metafile: it has no records to save");
   const bool areEnhanced = facts_.kind == MetafileKind::emf;
   if (enhanced_ == areEnhanced) {
     stream.Write(*bytes_);
   } else if (enhanced_) {
-    stream.Write(detail::EmfOfWmf(*bytes_, facts_));
+    stream.Write(detail::ConvertWmfToEmf(*bytes_, facts_));
   } else {
-    stream.Write(
-        detail::WmfOfPicture(Draw(Width(), Height()), facts_.widthMm100, facts_.heightMm100));
+    stream.Write(detail::EncodeWmf(Draw(Width(), Height()), facts_.widthMm100, facts_.heightMm100));
   }
 }
 
@@ -44,7 +43,8 @@ Raster TMetafile::Draw(int width, int height, TColor background,
                        const std::function<bool()>& keepGoing,
                        std::vector<std::string>* warnings) const {
   RequireRecords();
-  if (width < 1 || height < 1) throw RangeError("a metafile cannot be drawn without any pixels");
+  if (width < 1 || height < 1)
+    throw RangeError("a metafile needs at least 1 x 1 pixels to be drawn");
   Raster raster(pf32bit, width, height);
   FillRaster(raster, {0, 0, width, height}, background);
   const PlayReport report = PlayMetafile(*bytes_, facts_, raster, {0, 0, width, height}, keepGoing);

@@ -11,53 +11,56 @@
 
 namespace rasterkit {
 
-/// A Windows or enhanced metafile: records that are drawn when somebody looks.
+/// A Windows metafile (WMF) or enhanced metafile (EMF): records that are played whenever the
+/// picture is drawn.
 ///
-/// The records are shared between copies and never change. The mark `Enhanced` says what the
-/// metafile counts as, and what it is saved as; loading sets it to what the bytes are.
+/// Copies share the records, which never change. The flag `Enhanced` states the format in which the
+/// metafile is saved; loading sets it to the format of the file.
 class RASTERKIT_EXPORT TMetafile : public TGraphic {
  public:
-  /// Whether it counts as an enhanced metafile (EMF) or as a Windows metafile (WMF).
+  /// The format in which the metafile is saved: enhanced (EMF) if true, else WMF.
   bool Enhanced() const { return enhanced_; }
   void SetEnhanced(bool value) { enhanced_ = value; }
 
-  /// Size at 96 pixels an inch; a metafile without records is 0 x 0.
+  /// Size in pixels at 96 dpi; a metafile without records is 0 x 0.
   int Width() const override { return facts_.width; }
   int Height() const override { return facts_.height; }
   /// Size in 0.01 mm.
   int MMWidth() const { return facts_.widthMm100; }
   int MMHeight() const { return facts_.heightMm100; }
-  /// What the records say about themselves; all 0 without records.
+  /// Properties of the metafile, read once when it is loaded; all 0 without records.
   const MetafileFacts& Facts() const { return facts_; }
-  /// The file as it was loaded.
+  /// The file as it was loaded; empty without records. Valid until the next load, assignment or
+  /// destruction.
   std::span<const uint8_t> Bytes() const;
 
-  /// Takes either kind, whatever the file is called. Throws FormatError for bytes that are none.
+  /// Loads either format, detected by content. Throws FormatError if the data is neither WMF nor
+  /// EMF.
   void LoadFromStream(TStream& stream) override;
-  /// Writes the kind that the mark names: the bytes as they are where they are of that kind; else
-  /// an enhanced metafile becomes a placeable WMF file with the picture, at 96 pixels an inch, as
-  /// one bitmap in it, and a Windows metafile becomes an EMF file that draws the same, record by
-  /// record. Throws FormatError without records, LimitError for what the kind cannot hold.
+  /// Saves in the format that the flag states. The same format is written unchanged. EMF is
+  /// converted to a placeable WMF file with one bitmap of the picture at 96 dpi. WMF is converted
+  /// to an EMF file that draws the same, record by record. Throws FormatError without records,
+  /// LimitError if the format cannot hold the picture.
   void SaveToStream(TStream& stream) override;
-  /// Draws into the rectangle of the canvas; what the records do not paint keeps its colour, and of
-  /// a 32-bit bitmap all of the rectangle gets alpha 255. Throws UnsupportedError where the drawing
-  /// is in EMF+ records alone.
+  /// Draws into the rectangle of the canvas. Pixels that the records do not paint keep their color;
+  /// in a 32-bit bitmap, the whole rectangle gets alpha 255. Throws UnsupportedError if the drawing
+  /// consists of EMF+ records only.
   void DrawTo(TCanvas& canvas, const TRect& place) const override;
-  /// A bitmap of 24 bits and 96 pixels an inch with the drawing on white. Throws UnsupportedError
-  /// as `DrawTo` does, and without records.
+  /// Assigns the drawing on white as a 24-bit bitmap at 96 dpi. Throws UnsupportedError without
+  /// records, or if the drawing consists of EMF+ records only.
   void AssignToBitmap(TBitmap& target) const override;
 
-  /// The drawing on `background` at any size, as 32 bits with alpha 255. `keepGoing` is asked now
-  /// and then, and ends the drawing by answering false; `warnings` gets what is wrong with the
-  /// records. Throws as `AssignToBitmap` does, LimitError beyond the picture memory budget,
-  /// RangeError for a size below 1.
+  /// Returns the drawing on `background` at any size as pf32bit with alpha 255. `keepGoing`, if
+  /// set, is called every 64 records; drawing stops if it returns false. Problems in the records
+  /// are appended to `warnings`. Throws the errors of `AssignToBitmap`, LimitError if the picture
+  /// memory budget is exceeded, RangeError if width or height is below 1.
   Raster Draw(int width, int height, TColor background = clWhite,
               const std::function<bool()>& keepGoing = {},
               std::vector<std::string>* warnings = nullptr) const;
 
  protected:
-  /// Another metafile shares its records and leaves this one's mark as it is; anything else throws
-  /// UnsupportedError.
+  /// Shares the records of another metafile and keeps the flag `Enhanced`. Throws UnsupportedError
+  /// for other sources.
   void AssignFrom(const TGraphic& source) override;
   void Clear() override;
 

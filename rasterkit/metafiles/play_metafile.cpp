@@ -13,7 +13,7 @@ namespace {
 
 using namespace detail;
 
-/// The map that takes `source` to the place.
+/// Returns the map from `source` to the place.
 Affine Fit(const RectD& source, const PixelRect& place) {
   const double x = (static_cast<double>(place.right) - place.left) / source.Width();
   const double y = (static_cast<double>(place.bottom) - place.top) / source.Height();
@@ -30,7 +30,7 @@ struct Stage {
   Affine toTarget;
 };
 
-/// The frame, in pixels of the reference device, fills the place.
+/// Maps the frame, in pixels of the reference device, to the place.
 Stage EmfStage(const MetafileFacts& facts, const PixelRect& place) {
   Stage stage;
   stage.device = {static_cast<double>(facts.deviceWidth), static_cast<double>(facts.deviceHeight),
@@ -45,14 +45,15 @@ Stage EmfStage(const MetafileFacts& facts, const PixelRect& place) {
   return stage;
 }
 
-/// What the drawing may cost beyond the usual: a large file is expected to take its time, and so is
-/// a picture that is wanted larger than the file says.
-double MoreWork(const MetafileFacts& facts, const PixelRect& place, size_t bytes) {
+/// Returns the extra work budget: for large files, and for pictures drawn larger than the file
+/// states.
+double ExtraWork(const MetafileFacts& facts, const PixelRect& place, size_t bytes) {
   const PixelRect whole = Ordered(place);
   const double wanted =
       (double{1} * whole.right - whole.left) * (double{1} * whole.bottom - whole.top);
   const double larger = std::max(1.0, wanted / (double{1} * facts.width * facts.height));
-  return DrawingWork::kLeast * (larger - 1) + DrawingWork::kPerByte * static_cast<double>(bytes);
+  return DrawingWork::kLeastBudget * (larger - 1) +
+         DrawingWork::kPerByte * static_cast<double>(bytes);
 }
 
 }  // namespace
@@ -65,7 +66,7 @@ PlayReport PlayMetafile(std::span<const uint8_t> bytes, Raster& target, const Pi
 PlayReport PlayMetafile(std::span<const uint8_t> bytes, const MetafileFacts& facts, Raster& target,
                         const PixelRect& place, const std::function<bool()>& keepGoing) {
   if (facts.isEmfPlusOnly) {
-    throw UnsupportedError("EMF: the drawing is in EMF+ records alone, which are not drawn");
+    throw UnsupportedError("EMF: the drawing consists of EMF+ records only, which are unsupported");
   }
   PlayReport report;
   const PixelRect clip = ClipRect(Ordered(place), target.Width(), target.Height());
@@ -73,7 +74,7 @@ PlayReport PlayMetafile(std::span<const uint8_t> bytes, const MetafileFacts& fac
   if (facts.kind == MetafileKind::emf) {
     const Stage stage = EmfStage(facts, place);
     DeviceContext context(target, clip, stage.device, stage.toTarget);
-    context.AllowWork(MoreWork(facts, place, bytes.size()));
+    context.RaiseWorkBudget(ExtraWork(facts, place, bytes.size()));
     EmfPlayer player(context, bytes.size());
     EmfRecords records(bytes);
     PlayRecords(
@@ -82,7 +83,7 @@ PlayReport PlayMetafile(std::span<const uint8_t> bytes, const MetafileFacts& fac
     const WmfPicture picture = PictureOfWmf(facts);
     const Affine toTarget = Fit({0, 0, picture.pixels.x, picture.pixels.y}, place);
     DeviceContext context(target, clip, picture.device, toTarget);
-    context.AllowWork(MoreWork(facts, place, bytes.size()));
+    context.RaiseWorkBudget(ExtraWork(facts, place, bytes.size()));
     WmfPlayer player(context, picture, bytes.size());
     WmfRecords records(bytes);
     PlayRecords(

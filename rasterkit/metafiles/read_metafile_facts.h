@@ -8,8 +8,8 @@
 
 namespace rasterkit {
 
-/// Looks through the records of a metafile, told by its first bytes. Throws FormatError for bytes
-/// that are none.
+/// Reads the facts of a metafile from all of its records. A WMF file without a size is played once,
+/// without painting, to measure its drawing. Throws FormatError if the data is neither WMF nor EMF.
 RASTERKIT_EXPORT MetafileFacts ReadMetafileFacts(std::span<const uint8_t> bytes);
 
 }  // namespace rasterkit

@@ -1,7 +1,7 @@
-// metafile_sheet OUT.png PICTURES GROUPS TITLE PICTURE... TITLE PICTURE...: contact sheet with
-// PICTURES pictures beside each other under each title, and GROUPS such groups in a row. The white
-// around a drawing is cut off, as some draw it on a page; a picture that is not there leaves a grey
-// field.
+// metafile_sheet OUT.png PICTURES GROUPS TITLE PICTURE... TITLE PICTURE...
+// Writes a contact sheet: under each title PICTURES pictures side by side, and GROUPS such groups
+// per row. White margins are cut off, as some programs draw them around the picture. A missing
+// picture leaves a gray field.
 
 #include <algorithm>
 #include <cstdlib>
@@ -49,13 +49,13 @@ struct Layout {
   }
 };
 
-/// `raster` has 32 bits; what lies in its transparent parts is white.
+/// `raster` is pf32bit; transparent parts count as white.
 bool IsWhite(const Raster& raster, int x, int y) {
   const uint8_t* pixel = raster.Row(y) + static_cast<size_t>(x) * 4;
   return pixel[3] == 0 || (pixel[0] == 255 && pixel[1] == 255 && pixel[2] == 255);
 }
 
-/// Around all that is not white; all of a picture that is nothing but white.
+/// Returns the bounding box of all pixels that are not white; the whole picture if all are.
 PixelRect Drawn(const Raster& raster) {
   PixelRect box{raster.Width(), raster.Height(), 0, 0};
   for (int y = 0; y < raster.Height(); ++y) {
@@ -86,7 +86,7 @@ std::optional<TBitmap> Load(const std::string& file) {
   return TBitmap(rasterkit::ConvertRaster(part, rasterkit::pf24bit));
 }
 
-/// As large as the cell allows, in its middle.
+/// Returns the largest place in the center of the cell.
 PixelRect Fitted(const PixelRect& cell, int width, int height) {
   const double scale =
       std::min(static_cast<double>(kCellWidth) / width, static_cast<double>(kCellHeight) / height);

@@ -1,4 +1,4 @@
-// Metafiles of the corpus, drawn at their own size; skipped where it is absent.
+// Draws the metafiles of the corpus at their own size; skipped if it is missing.
 
 #include <cstdlib>
 #include <map>
@@ -17,7 +17,7 @@
 namespace rasterkit::test {
 namespace {
 
-/// How much of each picture is not white, as it was when it had been looked at.
+/// The share of pixels that are not white, recorded after inspecting each picture.
 const std::map<std::string, double> kPaintedShares = {
     {"emf/docx4j__freehand_picture_saveas.emf", 0.488},
     {"emf/docx4j__freehand_ppt_saveas.emf", 0.041},
@@ -71,30 +71,30 @@ const std::map<std::string, double> kPaintedShares = {
     {"wrongext/wmf2svg__symbol-font-tables_is_wmf.emf", 0.220},
 };
 
-/// Damaged files, and what is said of them.
+/// Damaged files and their warnings.
 const std::map<std::string, std::vector<std::string>> kDamaged = {
     {"emf/libemf2svg__bad_corrupted_2014-12-02-215358.emf",
-     {"metafile: a record points beyond its end"}},
+     {"metafile: an offset lies outside its record"}},
     {"emf/libemf2svg__bad_corrupted_2014-12-02-215425.emf",
-     {"metafile: a record ends before its fields do"}},
+     {"metafile: a record is too short for its fields"}},
     {"emf/libemf2svg__bad_corrupted_2014-12-07-160856.emf", {"PNG: "}},
     {"emf/libemf2svg__bad_corrupted_2014-12-13-105759.emf",
-     {"PNG: ", "metafile: a record ends before its fields do"}},
+     {"PNG: ", "metafile: a record is too short for its fields"}},
     {"emf/libemf2svg__bad_corrupted_2014-12-13-133727.emf",
-     {"EMF: an object's handle is not possible"}},
+     {"EMF: an object has an invalid handle"}},
     {"wmf/poi__61338.wmf", {"WMF: the data end inside a record"}},
 };
 
-/// Drawn in records of the newer kind alone.
+/// Files drawn by EMF+ records only.
 const std::set<std::string> kRefused = {
     "emf/libemf2svg__bad_corrupted_2014-12-07-163010.emf",
     "emf/libemf2svg__test-038.emf",
 };
 
-/// Where a re-recorded file does not draw the very same pixels, and the mean difference of all
-/// channels then. Enhanced metafiles state the far edges of outlined boxes (and the size of
-/// outlined curves with them) and the room between letters in whole units. Measured: 0.011, 0.071,
-/// 0.077; a line that moves by a pixel all through a picture makes more than 1.
+/// Files whose EMF conversion does not draw exactly the same pixels, and the largest mean
+/// difference of all channels. EMF states the far edges of outlined boxes (and the size of outlined
+/// curves with them) and the space between letters in whole units. Measured: 0.011, 0.071, 0.077. A
+/// line that is moved by a pixel through the whole picture makes more than 1.
 const std::map<std::string, double> kRecordedDifferences = {
     {"wmf/libwmf__2doorvan.wmf", 0.03},
     {"wmf/libwmf__cell.wmf", 0.15},
@@ -105,12 +105,12 @@ struct CorpusMetafile {
   std::string path;
   std::vector<uint8_t> bytes;
   MetafileFacts facts;
-  /// The picture's size in pixels, bounded.
+  /// The size of the picture in pixels, limited.
   int width = 0, height = 0;
 };
 
 std::vector<CorpusMetafile> CorpusMetafiles() {
-  constexpr double mostPixels = 1100;
+  constexpr double kMostPixels = 1100;
   std::vector<CorpusMetafile> files;
   for (const std::string folder : {"emf", "wmf", "wrongext"}) {
     for (const CorpusEntry& entry : CorpusEntries(folder)) {
@@ -123,7 +123,7 @@ std::vector<CorpusMetafile> CorpusMetafiles() {
       file.bytes = stream.ReadToEnd();
       file.facts = ReadMetafileFacts(file.bytes);
       const double scale =
-          std::min(1.0, mostPixels / std::max(file.facts.width, file.facts.height));
+          std::min(1.0, kMostPixels / std::max(file.facts.width, file.facts.height));
       file.width = std::max(1, static_cast<int>(file.facts.width * scale));
       file.height = std::max(1, static_cast<int>(file.facts.height * scale));
       files.push_back(std::move(file));
@@ -144,7 +144,7 @@ TEST(MetafileCorpus, Should_DrawEveryFile) {
     }
     const PlayedMetafile played(file.bytes, file.width, file.height);
     ++drawn;
-    // Fonts differ from system to system, and small pictures are mostly edges.
+    // Fonts differ among systems, and small pictures consist mostly of edges.
     const auto wanted = kPaintedShares.find(file.path);
     ASSERT_NE(wanted, kPaintedShares.end());
     const double share = static_cast<double>(played.Painted()) / file.width / file.height;
@@ -165,7 +165,7 @@ TEST(MetafileCorpus, Should_DrawEveryFile) {
   EXPECT_EQ(drawn, kPaintedShares.size());
 }
 
-/// Mean difference of all channels, 0 to 255.
+/// Returns the mean difference of all channels, 0 to 255.
 double Difference(const Raster& a, const Raster& b) {
   double sum = 0;
   for (int y = 0; y < a.Height(); ++y) {
@@ -186,7 +186,7 @@ TEST(MetafileCorpus, Should_DrawTheSame_When_WindowsMetafilesBecomeEnhancedOnes)
     EXPECT_EQ(facts.kind, MetafileKind::emf);
     EXPECT_EQ(facts.width, file.facts.width);
     EXPECT_EQ(facts.height, file.facts.height);
-    // The bounds lie inside the picture.
+    // The bounds must lie inside the picture.
     EXPECT_GE(facts.bounds.left, 0);
     EXPECT_GE(facts.bounds.top, 0);
     EXPECT_LT(facts.bounds.right, facts.deviceWidth);

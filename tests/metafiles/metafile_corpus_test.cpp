@@ -1,4 +1,4 @@
-// Metafiles of the corpus; skipped where it is absent.
+// Reads the metafiles of the corpus; skipped if it is missing.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What is written is a file that other programs read too: sizes, counts and sums are true.
+// Written files must be readable by other programs: sizes, counts and checksums must be correct.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,8 +27,8 @@ uint32_t Long(std::span<const uint8_t> bytes, size_t at) {
   return MetafileBytes(bytes, at).Long();
 }
 
-TEST(WmfOfPicture, Header_Should_TellSizesAndSum) {
-  const std::vector<uint8_t> bytes = WmfOfPicture(White(5, 3), 132, 79);
+TEST(EncodeWmf, Header_Should_TellSizesAndSum) {
+  const std::vector<uint8_t> bytes = EncodeWmf(White(5, 3), 132, 79);
   MetafileBytes words(bytes);
   uint16_t sum = 0;
   for (size_t i = 0; i < kWmfPlaceableHeader / 2; ++i) sum ^= words.Word();
@@ -44,7 +44,7 @@ TEST(WmfOfPicture, Header_Should_TellSizesAndSum) {
   EXPECT_EQ(Long(plain, 12), longest);
 }
 
-TEST(WmfOfPicture, Box_Should_KeepTheSize_When_ASideIsLong) {
+TEST(EncodeWmf, Box_Should_KeepTheSize_When_ASideIsLong) {
   for (const auto& [width, height] : {std::pair(2540, 1270),
                                       {1270, 2540},
                                       {32767, 10},
@@ -52,18 +52,18 @@ TEST(WmfOfPicture, Box_Should_KeepTheSize_When_ASideIsLong) {
                                       {10000, 150000},
                                       {3000000, 20000},
                                       {1, 1}}) {
-    const MetafileFacts facts = ReadMetafileFacts(WmfOfPicture(White(2, 2), width, height));
+    const MetafileFacts facts = ReadMetafileFacts(EncodeWmf(White(2, 2), width, height));
     EXPECT_NEAR(facts.widthMm100, width, 1 + width / 20.0) << width << " x " << height;
     EXPECT_NEAR(facts.heightMm100, height, 1 + height / 20.0) << width << " x " << height;
     EXPECT_EQ(facts.warnings, std::vector<std::string>());
   }
 }
 
-TEST(WmfOfPicture, Should_Refuse_When_ASideIsMoreThanTheRecordHolds) {
-  EXPECT_NO_THROW(WmfOfPicture(White(32767, 1), 100, 100));
-  EXPECT_NO_THROW(WmfOfPicture(White(1, 32767), 100, 100));
-  EXPECT_THROW(WmfOfPicture(White(32768, 1), 100, 100), LimitError);
-  EXPECT_THROW(WmfOfPicture(White(1, 32768), 100, 100), LimitError);
+TEST(EncodeWmf, Should_Refuse_When_ASideIsMoreThanTheRecordHolds) {
+  EXPECT_NO_THROW(EncodeWmf(White(32767, 1), 100, 100));
+  EXPECT_NO_THROW(EncodeWmf(White(1, 32767), 100, 100));
+  EXPECT_THROW(EncodeWmf(White(32768, 1), 100, 100), LimitError);
+  EXPECT_THROW(EncodeWmf(White(1, 32768), 100, 100), LimitError);
 }
 
 TEST(EmfWriter, Header_Should_TellSizesAndCounts) {
@@ -111,7 +111,7 @@ TEST(EmfWriter, Bounds_Should_BeEmpty_When_NothingIsPainted) {
   const EmfHeader header = ReadEmfHeader(*EmfRecords(bytes).Next());
   EXPECT_LT(header.bounds.right, header.bounds.left);
   EXPECT_LT(header.bounds.bottom, header.bounds.top);
-  EXPECT_GE(Long(bytes, 80), 1u) << "millimetres that others divide by";
+  EXPECT_GE(Long(bytes, 80), 1u) << "millimeters that others divide by";
   EXPECT_GE(Long(bytes, 84), 1u);
 }
 

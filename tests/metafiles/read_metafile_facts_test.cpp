@@ -33,8 +33,7 @@ TEST(MetafileFacts, Should_TakeTheBounds_When_FrameIsEmpty) {
   const MetafileFacts facts = ReadMetafileFacts(file.Bytes());
   EXPECT_EQ(facts.frame.right, 2500);  // 100 pixels of 0.25 mm
   EXPECT_EQ(facts.frame.bottom, 2000);
-  EXPECT_THAT(facts.warnings,
-              testing::ElementsAre("EMF: the frame is empty, the bounds are taken"));
+  EXPECT_THAT(facts.warnings, testing::ElementsAre("EMF: the frame is empty; the bounds are used"));
 }
 
 TEST(MetafileFacts, Should_TakeTheBounds_When_FrameHasNoWidthOrHeight) {
@@ -67,7 +66,7 @@ TEST(MetafileFacts, Should_TakeACommonScreen_When_NoDeviceIsNamed) {
     EXPECT_EQ(facts.width, 192);
     EXPECT_EQ(facts.height, 96);
     EXPECT_EQ(facts.widthMm100, 5080);
-    EXPECT_THAT(facts.warnings, testing::Contains("EMF: the header names no reference device"));
+    EXPECT_THAT(facts.warnings, testing::Contains("EMF: the header states no reference device"));
   }
 }
 
@@ -210,7 +209,7 @@ TEST(MetafileFacts, Should_BeDrawn_When_NewerRecordsDrawNothing) {
 TEST(MetafileFacts, Should_BeRefused_When_BytesAreSomethingElse) {
   EXPECT_THROW(ReadMetafileFacts({}), FormatError);
   EXPECT_THROW(ReadMetafileFacts(FieldBytes().Text("BM and more").bytes), FormatError);
-  // A placeable header with nothing behind it.
+  // A placeable header without anything after it.
   EXPECT_THROW(ReadMetafileFacts(FieldBytes{kWmfPlaceableKey}.FillTo(22).bytes), FormatError);
 }
 

@@ -7,9 +7,9 @@
 
 namespace rasterkit::test {
 
-/// A white raster with a drawing context on it, read as text: one line a row.
+/// A white raster with a drawing context; its pixels can be read as text, one line per row.
 struct DrawingPaper {
-  /// One pixel of the device is one of the raster, unless `toTarget` says otherwise.
+  /// A pixel of the device is a pixel of the raster, unless `toTarget` maps it differently.
   DrawingPaper(int width, int height, const Affine& toTarget = {})
       : raster(pf32bit, width, height) {
     FillRaster(raster, {0, 0, width, height}, clWhite);
@@ -20,7 +20,7 @@ struct DrawingPaper {
   DeviceContext& Dc() { return *context; }
   TColor At(int x, int y) const { return raster.PixelColor(x, y); }
 
-  /// '.' white, '#' black, '+' a mixture of the two, 'r', 'g', 'b' the full colours, 'o' any other.
+  /// '.' white, '#' black, '+' a mixture of the two, 'r', 'g', 'b' the full colors, 'o' others.
   std::string Picture() const {
     std::string text = "\n";
     for (int y = 0; y < raster.Height(); ++y) {

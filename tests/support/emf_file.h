@@ -9,15 +9,15 @@
 
 namespace rasterkit::test {
 
-/// An enhanced metafile, record by record; header and last record are added. One pixel of its
-/// device is 0.25 mm, and the picture is 100 x 80 of them unless said otherwise.
+/// Builds an EMF file record by record; header and last record are added. By default a pixel of its
+/// device is 0.25 mm, and the picture has 100 x 80 of them.
 struct EmfFile {
-  /// Left, top, right, bottom; the last pixels belong to it.
+  /// Left, top, right, bottom; right and bottom are included.
   std::array<int32_t, 4> bounds = {0, 0, 99, 79};
-  /// 0.01 mm.
+  /// In 0.01 mm.
   std::array<int32_t, 4> frame = {0, 0, 2500, 2000};
   int32_t deviceWidth = 1000, deviceHeight = 800, deviceWidthMm = 250, deviceHeightMm = 200;
-  /// Written only when not 0.
+  /// Written only if not 0.
   int32_t micrometersX = 0, micrometersY = 0;
   std::u16string description;
   std::vector<uint8_t> records;

@@ -7,13 +7,13 @@
 
 namespace rasterkit::test {
 
-/// The bitmap as records hold it: the file without its file header.
+/// Returns the bitmap as stored in records: the BMP file without its file header.
 inline std::vector<uint8_t> PackedDib(const BmpFile& file) {
   const std::vector<uint8_t> bytes = file.Bytes();
   return {bytes.begin() + 14, bytes.end()};
 }
 
-/// 3 x 2 pixels of 24 bits, from the upper left one: red, green, blue, white, black, grey.
+/// 3 x 2 pixels of 24 bits from the upper left: red, green, blue, white, black, gray.
 inline BmpFile SixColors() {
   BmpFile file;
   file.width = 3;

@@ -10,7 +10,7 @@
 
 #include "tests/support/test_pictures.h"
 
-/// Random pictures with what plans and photographs are full of: white, almost white and black.
+/// Random pictures with the typical colors of plans and photographs: white, almost white and black.
 namespace rasterkit::test {
 
 inline HPALETTE PaperPalette(int count, std::mt19937& random) {
@@ -36,13 +36,13 @@ inline HPALETTE PaperPalette(int count, std::mt19937& random) {
   return HPALETTE(entries);
 }
 
-/// `paper` of 8 pixels (of 8-bit and wider formats) are white, almost white, or black.
+/// About `paper` of 8 pixels (in formats of 8 bits and more) are white, almost white, or black.
 inline TBitmap PaperBitmap(TPixelFormat format, int width, int height, std::mt19937& random,
                            unsigned paper = 4) {
   TBitmap bitmap = RandomBitmap(format, width, height, random);
   const int bytes = bitmap.StoredBits() / 8;
   if (IsIndexed(format)) {
-    // A palette may have fewer entries than the format has room for.
+    // A palette may have fewer entries than the pixel format allows.
     const int room = 1 << bitmap.StoredBits();
     bitmap.SetPalette(
         PaperPalette(random() % 3 == 0 ? 1 + static_cast<int>(random() % room) : room, random));

@@ -12,10 +12,10 @@ namespace rasterkit::test {
 
 /// Converts a WMF file to EMF.
 inline std::vector<uint8_t> EmfOf(const std::vector<uint8_t>& wmf) {
-  return detail::EmfOfWmf(wmf, ReadMetafileFacts(wmf));
+  return detail::ConvertWmfToEmf(wmf, ReadMetafileFacts(wmf));
 }
 
-/// The drawing on white, at the size of the whole picture.
+/// Plays a metafile on white; its picture fills the raster.
 struct PlayedMetafile {
   explicit PlayedMetafile(const std::vector<uint8_t>& bytes, int width = 100, int height = 80)
       : raster(pf32bit, width, height) {
@@ -23,7 +23,7 @@ struct PlayedMetafile {
     report = PlayMetafile(bytes, raster, {0, 0, width, height});
   }
   TColor At(int x, int y) const { return raster.PixelColor(x, y); }
-  /// Pixels that are not white.
+  /// Returns the number of pixels that are not white.
   int Painted() const { return PaintedIn({0, 0, raster.Width(), raster.Height()}); }
   int PaintedIn(const PixelRect& box) const {
     int count = 0;

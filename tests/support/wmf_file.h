@@ -9,9 +9,9 @@
 
 namespace rasterkit::test {
 
-/// A Windows metafile, record by record; header and last record are added.
+/// Builds a WMF file record by record; header and last record are added.
 struct WmfFile {
-  /// Left, top, right, bottom in logical units; a plain file has none.
+  /// Left, top, right, bottom in logical units; without it, no placeable header is written.
   std::optional<std::array<int16_t, 4>> box;
   uint16_t unitsPerInch = 96;
   uint16_t objects = 8;
@@ -19,7 +19,7 @@ struct WmfFile {
   bool hasEnd = true;
 
   WmfFile& Add(detail::WmfFunction function, const FieldBytes& parameters = {});
-  /// Parameters of a word each.
+  /// Adds a record whose parameters have a word each.
   WmfFile& Add(detail::WmfFunction function, std::initializer_list<int64_t> words) {
     return Add(function, FieldBytes().Words(words));
   }

@@ -32,7 +32,7 @@ PictureSize OwnSize(const TMetafile& metafile, bool isForFacts) {
   }
   if (pixels <= kMostPixels) return {width, height};
   throw LimitError(fmt::format(
-      "metafile: the drawing is {} x {} pixels large; `rasterkit convert` draws it smaller with "
+      "metafile: the drawing has {} x {} pixels; `rasterkit convert` draws it smaller with "
       "--size or --dpi",
       width, height));
 }

@@ -31,12 +31,12 @@ double AngleToward(const EllipseArc& ellipse, PointD point) {
 }
 
 void AddArc(DrawingPath& path, const EllipseArc& arc, const Affine& map) {
-  // Angles toward points that are no numbers.
+  // Angles toward non-finite points.
   if (std::isnan(arc.sweep)) return;
   const double turns = std::clamp(arc.sweep, -8 * kQuarter, 8 * kQuarter);
   const int pieces = std::max(1, static_cast<int>(std::ceil(std::abs(turns) / kQuarter - 1e-9)));
   const double step = turns / pieces;
-  // The curve that touches the arc at both ends and meets it in its middle.
+  // A Bezier curve that touches the arc at both ends and meets it in the middle.
   const double reach = 4.0 / 3 * std::tan(step / 4);
   for (int i = 0; i < pieces; ++i) {
     const double a = arc.start + i * step, b = a + step;

@@ -3,11 +3,11 @@
 #include <rasterkit/drawing/ink/affine.h>
 #include <rasterkit/drawing/ink/drawing_path.h>
 
-/// Ellipses and parts of them as curves, through a map to where they are drawn.
+/// Ellipses and elliptical arcs as curves, mapped to the target.
 namespace rasterkit::detail {
 
-/// A part of an ellipse. Angles are in radians of the circle that the ellipse is made of, growing
-/// from the x axis toward the y axis of its own coordinates.
+/// An elliptical arc. Angles are in radians on the unit circle that is mapped to the ellipse, from
+/// the x axis toward the y axis of the ellipse's coordinates.
 struct EllipseArc {
   PointD center;
   double radiusX = 0, radiusY = 0;
@@ -18,16 +18,16 @@ struct EllipseArc {
   PointD End() const { return PointAt(start + sweep); }
 };
 
-/// The ellipse inside a box, all of it.
+/// Returns the full ellipse inside a box.
 EllipseArc WholeEllipse(const RectD& box);
 
-/// The angle at which the ray from the centre through `point` meets the ellipse.
+/// Returns the angle at which the ray from the center through `point` meets the ellipse.
 double AngleToward(const EllipseArc& ellipse, PointD point);
 
-/// Goes on from the path's end, which must be the arc's start.
+/// Continues the path with an arc; the path must end at the start of the arc.
 void AddArc(DrawingPath& path, const EllipseArc& arc, const Affine& map);
 void AddEllipse(DrawingPath& path, const RectD& box, const Affine& map);
-/// `corner` is width and height of the ellipse at each corner.
+/// `corner` is the width and height of the ellipse at each corner.
 void AddRoundRect(DrawingPath& path, const RectD& box, PointD corner, const Affine& map);
 
 }  // namespace rasterkit::detail

@@ -2,19 +2,20 @@
 
 #include <rasterkit/raster/raster.h>
 
-/// Changes of the alpha of 32-bit pixels that are about to be drawn.
+/// Changes of the alpha of 32-bit pixels before they are drawn.
 namespace rasterkit::detail {
 
-/// A copy with colours as they are where the bitmap holds them times alpha.
+/// Returns a copy of a premultiplied bitmap with straight alpha.
 Raster WithStraightAlpha(const Raster& premultiplied);
-/// Alpha times factor / 255.
+/// Multiplies the alpha by factor / 255.
 void ScaleAlpha(Raster& pixels, uint8_t factor);
-/// Alpha 0 for pixels of the colour, whatever their alpha.
+/// Sets alpha 0 for all pixels of a color, whatever their alpha.
 void DropColor(Raster& pixels, uint32_t pixel);
-/// A copy of a mask that has white for 1 and black for 0; masks of more bits are as they look.
+/// Returns a copy of a mask with white for 1 and black for 0. A mask of more bits per pixel is used
+/// as displayed.
 Raster MaskBits(const Raster& mask);
-/// `front` keeps the pixels where the mask is not black, `back` the others; all three are of one
-/// size, or the mask is absent and all is back.
+/// Makes the pixels of `front` transparent where the mask is black, and those of `back` elsewhere.
+/// All three have the same size. Without a mask, `back` gets all pixels.
 void SplitByMask(Raster& front, Raster& back, const Raster* mask);
 
 }  // namespace rasterkit::detail

@@ -10,7 +10,7 @@ namespace rasterkit::detail {
 namespace {
 
 constexpr int kHatchSide = 8;
-/// A pixel of a tile becomes no larger than this, and a tile no larger than those.
+/// Largest block that a pixel of a tile becomes, and largest tile, in pixels.
 constexpr int kMaxBlock = 64;
 constexpr int kMaxTileSide = 8192;
 constexpr int kMaxEnlargedSide = 2048;
@@ -75,7 +75,7 @@ InkTile PatternTile(const LogicalBrush& brush, const DrawingState& state) {
   return tile;
 }
 
-/// Each pixel becomes a block of `side` pixels.
+/// Replaces each pixel by a block of `side` x `side` pixels.
 InkTile Enlarged(const InkTile& tile, int side) {
   InkTile large{tile.width * side, tile.height * side, {}, tile.hasGaps};
   large.pixels.reserve(static_cast<size_t>(large.width) * static_cast<size_t>(large.height));

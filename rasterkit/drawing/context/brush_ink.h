@@ -7,9 +7,9 @@
 
 namespace rasterkit::detail {
 
-/// What a brush paints with, nothing for one that paints nothing. Hatches and patterns are not made
-/// smaller where the target is coarser than the recording device, as they would be lost; on a finer
-/// one each of their pixels is a block of pixels.
+/// Returns the ink of a brush; nothing for the null brush. On a target coarser than the recording
+/// device, hatches and patterns keep their size, as they would be unreadable otherwise; on a finer
+/// one each of their pixels becomes a block of pixels.
 std::optional<Ink> InkOf(const LogicalBrush& brush, const DrawingState& state,
                          const Affine& deviceToTarget);
 

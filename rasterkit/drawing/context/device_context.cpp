@@ -7,12 +7,12 @@ using namespace detail;
 
 namespace {
 
-/// The ten colours at either end of what indexed bitmaps have.
+/// The first and last ten colors of the default palette of indexed bitmaps.
 HPALETTE TwentyColors() {
-  constexpr size_t atEachEnd = 10;
+  constexpr size_t kAtEachEnd = 10;
   const HPALETTE all = DefaultPalette(pf8bit);
   const auto entries = all.Entries();
-  const auto first = entries.first(atEachEnd), last = entries.last(atEachEnd);
+  const auto first = entries.first(kAtEachEnd), last = entries.last(kAtEachEnd);
   std::vector<tagPALETTEENTRY> twenty(first.begin(), first.end());
   twenty.insert(twenty.end(), last.begin(), last.end());
   return HPALETTE(twenty);
@@ -26,12 +26,12 @@ DeviceContext::DeviceContext(Raster& target, const PixelRect& clip, const Refere
 
 DeviceContext::~DeviceContext() = default;
 
-void DeviceContext::CountWork(double cost) {
-  parts_->work.Take(cost);
+void DeviceContext::ChargeWork(double cost) {
+  parts_->work.Charge(cost);
 }
 
-void DeviceContext::AllowWork(double more) {
-  parts_->work.Allow(more);
+void DeviceContext::RaiseWorkBudget(double more) {
+  parts_->work.Raise(more);
 }
 
 std::optional<RectD> DeviceContext::DrawnBounds() const {
@@ -41,10 +41,9 @@ std::optional<RectD> DeviceContext::DrawnBounds() const {
 }
 
 void DeviceContext::SaveDC() {
-  // Beyond what any drawing needs, states are counted only: each takes memory, and a file asks for
-  // one with eight bytes.
-  constexpr size_t kept = 4096;
-  if (parts_->saved.size() >= kept) {
+  // More states are only counted: each takes memory, and a record of eight bytes saves one.
+  constexpr size_t kKept = 4096;
+  if (parts_->saved.size() >= kKept) {
     ++parts_->savedBeyond;
   } else {
     parts_->saved.push_back(parts_->state);

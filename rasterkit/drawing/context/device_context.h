@@ -17,69 +17,70 @@
 
 namespace rasterkit {
 
-/// Two points on the rays at which an arc begins and ends: see `DeviceContext::Arc`.
+/// Two points on the rays at which an arc starts and ends; see `DeviceContext::Arc`.
 struct ArcEnds {
   PointD start, end;
 };
 
-/// A corner of a gradient: a point in logical units and its colour, 0 to 65535 a channel.
+/// A vertex of a gradient: a point in logical units and its color, 0 to 65535 per channel.
 struct GradientVertex {
   PointD point;
   uint16_t red = 0, green = 0, blue = 0, alpha = 0;
 };
 
-/// The part of a bitmap that a blit shows, in its pixels from the upper left corner; right before
-/// left or bottom above top mirrors. What of it lies outside the bitmap leaves the picture alone.
+/// The part of a bitmap to draw, in its pixels from the upper left corner. It is mirrored if right
+/// lies before left or bottom above top. Pixels outside the bitmap are not drawn.
 struct BitmapPart {
   const Raster& bitmap;
   RectD part;
 };
 
 /// A drawing context: pens, brushes, fonts, modes, a clipping region and a path, and the operations
-/// that draw with them on a raster. It knows no metafile; players call it.
+/// that draw with them on a raster. It is independent of the metafile formats, whose players call
+/// it.
 ///
-/// Coordinates are logical units unless a name says device: the world transform makes page units of
-/// them, the mapping mode pixels of the recording device, and `toTarget` pixels of the raster.
-/// Any finite numbers are allowed, others count as 0. Lines and curves are drawn with soft edges;
-/// edges along the axes are put onto pixels. A cosmetic pen is one pixel of the recording device
-/// wide, but never less than one of the raster. A "box" is given by two corners, of which the
-/// right and lower one is not drawn in compatible graphics mode.
+/// Coordinates are logical units unless a name says device. The world transform maps them to page
+/// units, the mapping mode to pixels of the recording device, and `toTarget` to pixels of the
+/// raster. All numbers are allowed; non-finite ones are read as 0. Lines and curves are
+/// antialiased; edges along the axes are aligned to pixels. A cosmetic pen is one pixel of the
+/// recording device wide, but at least one pixel of the raster. A "box" is given by two corners; in
+/// compatible graphics mode its right column and bottom row are not drawn.
 ///
-/// While a path is open, lines, shapes and texts add to the path and draw nothing.
+/// While a path is open, lines, shapes and texts are added to the path and are not drawn.
 ///
-/// Nothing throws but LimitError, where a copy of the picture's part does not fit the memory budget
-/// or a shape is beyond all measure, and std::bad_alloc; the context may be used on.
-/// DrawingWorkError says that all calls together cost too much: nothing more is painted from there
-/// on. One context is used by one thread at a time; contexts of different rasters do not meet.
+/// Throws only LimitError, if a copy of a part of the picture exceeds the memory budget or a shape
+/// is too complex, and std::bad_alloc; the context stays usable. DrawingWorkError, a LimitError,
+/// means that all calls together exceed the work budget: nothing is painted from then on. Use a
+/// context in one thread at a time; contexts of different rasters are independent.
 class DeviceContext {
  public:
-  /// Draws on `target`, which has 32 bits and stays alive and in place as long as the context does,
-  /// inside the pixels `clip` of it. Drawn pixels get alpha 255. `toTarget` takes pixels of the
-  /// recording device, after world transform and mapping, to pixels of the raster.
+  /// Draws on `target` inside the pixels `clip`. `target` must be pf32bit, outlive the context and
+  /// not be reallocated or moved. Drawn pixels get alpha 255. `toTarget` maps pixels of the
+  /// recording device to pixels of the raster.
   DeviceContext(Raster& target, const PixelRect& clip, const ReferenceDevice& device,
                 const Affine& toTarget);
   ~DeviceContext();
   DeviceContext(const DeviceContext&) = delete;
   DeviceContext& operator=(const DeviceContext&) = delete;
 
-  /// Counts work that is done elsewhere for this drawing (see DrawingWork), as reading bitmaps is.
-  /// Throws DrawingWorkError when it becomes too much.
-  void CountWork(double cost);
-  /// Lets the drawing cost so much more than one of its size usually may.
-  void AllowWork(double more);
+  /// Charges work that is done outside the context for this drawing, such as decoding bitmaps; see
+  /// DrawingWork. Throws DrawingWorkError if the budget is exceeded.
+  void ChargeWork(double cost);
+  /// Raises the work budget by `more`.
+  void RaiseWorkBudget(double more);
 
-  /// What all calls so far would have painted without any clipping, in pixels of the recording
-  /// device; nothing when that is nothing. For pictures that do not say how large they are: play
-  /// them on a raster of one pixel.
+  /// Returns the bounding box of everything that all calls would have painted without clipping, in
+  /// pixels of the recording device; nothing if that is empty. To find the size of a picture that
+  /// does not state it, play it on a raster of one pixel.
   std::optional<RectD> DrawnBounds() const;
 
   // ---- State ----
 
-  /// Puts all of the state by (everything but the path and the picture).
+  /// Saves the state: everything but the path and the picture.
   void SaveDC();
-  /// Negative: the state put by so many calls ago (-1 the last); positive: the one of that number,
-  /// counted from 1. What was put by later is dropped. False, and nothing happens, where there is
-  /// none.
+  /// Restores a saved state and drops those that were saved after it. A negative number counts back
+  /// from the last one (-1), a positive one counts from the first one (1). Returns false, and
+  /// changes nothing, if there is no such state.
   bool RestoreDC(int32_t number);
 
   void SetMapMode(MapMode mode);
@@ -89,7 +90,7 @@ class DeviceContext {
   void SetViewportExt(PointD extent);
   void OffsetWindowOrg(PointD by);
   void OffsetViewportOrg(PointD by);
-  /// Extents times `numerator` through `denominator`; nothing where one of either is 0.
+  /// Multiplies the extents by `numerator` / `denominator`; a no-op if one of their numbers is 0.
   void ScaleWindowExt(PointD numerator, PointD denominator);
   void ScaleViewportExt(PointD numerator, PointD denominator);
   void SetWorldTransform(const Affine& matrix);
@@ -110,25 +111,25 @@ class DeviceContext {
   void SetBrushOrg(PointD origin);
   /// See text_align.
   void SetTextAlign(uint32_t align);
-  /// Added to the step of every character, logical units.
+  /// Sets extra space after every character, in logical units.
   void SetTextCharacterExtra(double extra);
-  /// `extra` logical units are spread over `breaks` spaces.
+  /// Distributes `extra` logical units over `breaks` spaces.
   void SetTextJustification(double extra, int32_t breaks);
 
-  /// Null selects what a new context has: a black cosmetic pen, a white brush, the system's font.
+  /// Null selects the initial object: a black cosmetic pen, a white brush, the system font.
   void SelectPen(std::shared_ptr<const LogicalPen> pen);
   void SelectBrush(std::shared_ptr<const LogicalBrush> brush);
   void SelectFont(std::shared_ptr<const LogicalFont> font);
-  /// The font that is selected.
+  /// Returns the selected font.
   const LogicalFont& Font() const;
-  /// Null selects what a new context has: the twenty colours that all devices showed. Whoever
-  /// shares a palette may change it while it is selected.
+  /// Null selects the initial palette: the twenty colors common to all devices. A palette may be
+  /// changed by its owners while it is selected.
   void SelectPalette(std::shared_ptr<HPALETTE> palette);
-  /// Null for that of a new context.
+  /// Returns null for the initial palette.
   const std::shared_ptr<HPALETTE>& SelectedPalette() const;
-  /// What numbers of colours mean now.
+  /// Returns the palette that color indexes refer to.
   const HPALETTE& Palette() const;
-  /// What the current mapping makes of a point: pixels of the recording device.
+  /// Maps a logical point to pixels of the recording device.
   PointD DevicePoint(PointD logical) const;
   PointD CurrentPosition() const;
 
@@ -137,24 +138,24 @@ class DeviceContext {
   void MoveTo(PointD to);
   void LineTo(PointD to);
   void Polyline(std::span<const PointD> points);
-  /// From the current position, which becomes the last point.
+  /// Draws lines from the current position; the last point becomes the current position.
   void PolylineTo(std::span<const PointD> points);
-  /// A point, then three for each curve; a rest of fewer is left out.
+  /// `points` are a start point and three points per curve; incomplete curves are ignored.
   void PolyBezier(std::span<const PointD> points);
   void PolyBezierTo(std::span<const PointD> points);
-  /// `types` has for each point 6 (move), 2 (line) or 4 (curve, three in a row), and 1 more where
-  /// the figure is closed after it.
+  /// `types` has 6 (move), 2 (line) or 4 (curve, three in a row) for each point, plus 1 to close
+  /// the figure after it.
   void PolyDraw(std::span<const PointD> points, std::span<const uint8_t> types);
-  /// `counts` points each.
+  /// `counts` holds the number of points of each polyline.
   void PolyPolyline(std::span<const PointD> points, std::span<const uint32_t> counts);
-  /// Of the ellipse in the box, from the ray through `ends.start` to the ray through `ends.end`
-  /// (rays from the centre), in the arc direction.
+  /// Draws an arc of the ellipse in the box, in the arc direction, from the ray through
+  /// `ends.start` to the ray through `ends.end`. Both rays begin at the center.
   void Arc(const RectD& box, const ArcEnds& ends);
-  /// As `Arc`, after a line from the current position to its beginning; the position becomes its
-  /// end.
+  /// Draws a line from the current position to the start of the arc, then the arc; its end becomes
+  /// the current position.
   void ArcTo(const RectD& box, const ArcEnds& ends);
-  /// A line from the current position to the arc, and the arc: degrees against the clock, from the
-  /// x axis.
+  /// Draws a line from the current position to the arc, then the arc. Angles are counter-clockwise
+  /// degrees from the x axis.
   void AngleArc(PointD center, double radius, double startAngle, double sweepAngle);
 
   // ---- Shapes: filled with the brush, then drawn with the pen ----
@@ -162,7 +163,7 @@ class DeviceContext {
   void Polygon(std::span<const PointD> points);
   void PolyPolygon(std::span<const PointD> points, std::span<const uint32_t> counts);
   void Rectangle(const RectD& box);
-  /// `corner` is width and height of the ellipse that rounds each corner.
+  /// `corner` is the width and height of the ellipse at each corner.
   void RoundRect(const RectD& box, PointD corner);
   void Ellipse(const RectD& box);
   void Chord(const RectD& box, const ArcEnds& ends);
@@ -171,18 +172,19 @@ class DeviceContext {
   // ---- Pixels and areas ----
 
   void SetPixel(PointD at, TColor color);
-  /// Without pen, with a brush that need not be selected.
+  /// Fills a region with a brush that need not be selected.
   void FillRgn(std::span<const RectD> region, RegionUnit unit, const LogicalBrush& brush);
-  /// A frame of that width and height inside the region.
+  /// Fills a frame of that width and height inside the region.
   void FrameRgn(std::span<const RectD> region, RegionUnit unit, const LogicalBrush& brush,
                 PointD thickness);
   void InvertRgn(std::span<const RectD> region, RegionUnit unit);
-  /// With the selected brush.
+  /// Fills a region with the selected brush.
   void PaintRgn(std::span<const RectD> region, RegionUnit unit);
-  /// With the selected brush, from the pixel `at`; `color` is what `FloodFill` speaks of.
+  /// Fills from the pixel `at` with the selected brush; see `FloodFill` for `color`.
   void ExtFloodFill(PointD at, TColor color, FloodFill kind);
-  /// Between two corners of a rectangle each, by indexes into `vertices`: left to right, or top to
-  /// bottom. Indexes beyond the vertices leave their shape out.
+  /// Fills rectangles with gradients. Each rectangle is given by two corners, as indexes into
+  /// `vertices`; the color changes from left to right, or from top to bottom. Shapes with an
+  /// invalid index are left out.
   void GradientRects(std::span<const GradientVertex> vertices,
                      std::span<const std::pair<uint32_t, uint32_t>> rects, bool isVertical);
   void GradientTriangles(std::span<const GradientVertex> vertices,
@@ -194,14 +196,17 @@ class DeviceContext {
   void EndPath();
   void AbortPath();
   void CloseFigure();
-  /// Curves become lines.
+  /// Replaces curves by lines.
   void FlattenPath();
-  /// The path becomes the outline of what the pen would draw along it.
+  /// Replaces the path by the outline of what the pen would draw along it.
   void WidenPath();
-  /// These use the path up; they draw with the brush, the pen, or both.
+  /// Fills the path with the brush and discards it, as do the next three functions.
   void FillPath();
+  /// Draws along the path with the pen.
   void StrokePath();
+  /// Fills the path with the brush, then draws along it with the pen.
   void StrokeAndFillPath();
+  /// Combines the inside of the path with the clipping region.
   void SelectClipPath(RegionMode mode);
 
   // ---- Clipping ----
@@ -209,41 +214,43 @@ class DeviceContext {
   void IntersectClipRect(const RectD& rect);
   void ExcludeClipRect(const RectD& rect);
   void OffsetClipRgn(PointD by);
-  /// `copy` with an absent region takes all clipping away; a region without rectangles is empty.
+  /// `copy` without a region removes all clipping; a region without rectangles is empty.
   void ExtSelectClipRgn(std::optional<std::span<const RectD>> region, RegionUnit unit,
                         RegionMode mode);
-  /// What is clipped now stays so, until a state from before is restored.
+  /// Makes the current clipping permanent until a state saved before is restored.
   void SetMetaRgn();
 
   // ---- Bitmaps ----
-  // `dest` is in logical units; a corner more to the left or above mirrors. Rasters may have any
-  // format; what of a source lies outside it leaves the picture alone.
+  // `dest` is in logical units; it is mirrored if its second corner lies to the left of or above
+  // the first. Rasters may have any format. Pixels outside a source are not drawn.
 
-  /// By an operation that needs no source (see rop3), with the selected brush as pattern.
+  /// Draws with an operation that needs no source (see rop3) and the selected brush as pattern.
   void PatBlt(const RectD& dest, uint32_t rop);
-  /// BitBlt and StretchBlt.
+  /// Draws a bitmap, stretched if the sizes differ.
   void StretchBlt(const RectD& dest, const BitmapPart& source, uint32_t rop);
-  /// One pixel of the bitmap is one pixel of the recording device; `topLeft` is logical.
+  /// Draws a bitmap so that one pixel of it is one pixel of the recording device; `topLeft` is in
+  /// logical units.
   void SetDIBitsToDevice(PointD topLeft, const BitmapPart& source);
-  /// `rop` holds two operations: bits 16 to 23 where the mask has 1, bits 24 to 31 where it has 0
-  /// or ends. `maskOrigin` is the mask's pixel for the upper left one of `dest`.
+  /// Draws with two operations: bits 16 to 23 of `rop` where the mask is 1, bits 24 to 31 where it
+  /// is 0 or ends. `maskOrigin` is the mask's pixel at the upper left pixel of `dest`.
   void MaskBlt(const RectD& dest, const BitmapPart& source, const Raster& mask,
                PixelPoint maskOrigin, uint32_t rop);
-  /// Upper left, upper right and lower left corner; a mask shows the source where it has 1.
+  /// `corners` are upper left, upper right and lower left. With a mask, the source is drawn where
+  /// the mask is 1.
   void PlgBlt(const std::array<PointD, 3>& corners, const BitmapPart& source, const Raster* mask,
               PixelPoint maskOrigin);
-  /// With `hasAlpha` the source's bytes are premultiplied by its alpha, as metafiles hold them;
-  /// sources of less than 32 bits have none.
+  /// With `hasAlpha`, the source is premultiplied by its alpha, as in metafiles; sources of less
+  /// than 32 bits per pixel are opaque.
   void AlphaBlend(const RectD& dest, const BitmapPart& source, uint8_t constantAlpha,
                   bool hasAlpha);
-  /// Without the pixels of the colour `key`.
+  /// Draws all pixels but those of the color `key`.
   void TransparentBlt(const RectD& dest, const BitmapPart& source, TColor key);
 
   // ---- Text ----
 
   void ExtTextOut(const TextRun& run);
 
-  /// What it is made of, for the files that implement it.
+  /// Implementation, shared by device_context_*.cpp.
   struct Parts;
 
  private:

@@ -10,7 +10,7 @@ using namespace detail;
 
 namespace {
 
-/// One pixel of the recording device on the target: at least one pixel there.
+/// Returns one pixel of the recording device on the target: at least one pixel.
 PixelRect DevicePixel(const Affine& deviceToTarget, PointD at) {
   const double side = std::max(1.0, deviceToTarget.MeanScale());
   const int left = NearestEdge(at.x), top = NearestEdge(at.y);
@@ -18,7 +18,7 @@ PixelRect DevicePixel(const Affine& deviceToTarget, PointD at) {
           std::max(top + 1, NearestEdge(at.y + side))};
 }
 
-/// The pixels of `area` that lie within this many of its edge.
+/// Returns the pixels of `area` within this distance of its edge.
 ClipArea::Pointer FrameOfArea(DeviceContext::Parts& parts, const ClipArea::Pointer& area,
                               int across, int down) {
   ClipArea::Pointer inner = area;
@@ -40,7 +40,7 @@ void FillArea(DeviceContext::Parts& parts, const ClipArea::Pointer& area, const 
 }
 
 void NoteRects(DeviceContext::Parts& parts, std::span<const RectD> rects, RegionUnit unit) {
-  for (const RectD& rect : rects) parts.Note(MappedBounds(Finite(rect), parts.MapOf(unit)));
+  for (const RectD& rect : rects) parts.AddBounds(MappedBounds(Finite(rect), parts.MapOf(unit)));
 }
 
 }  // namespace
@@ -48,7 +48,7 @@ void NoteRects(DeviceContext::Parts& parts, std::span<const RectD> rects, Region
 void DeviceContext::SetPixel(PointD at, TColor color) {
   const PointD target = parts_->Mapped(Finite(at));
   const PixelRect box = DevicePixel(parts_->deviceToTarget, target);
-  parts_->Note({target.x, target.y, target.x + 1, target.y + 1});
+  parts_->AddBounds({target.x, target.y, target.x + 1, target.y + 1});
   parts_->painter.FillBox(box, {.pixel = PixelOf(color)}, kCopyBrush);
 }
 

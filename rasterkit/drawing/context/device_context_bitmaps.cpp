@@ -23,18 +23,18 @@ BitmapCorners CornersOf(const RectD& rect, const Affine& map) {
   return {map({rect.left, rect.top}), map({rect.right, rect.top}), map({rect.left, rect.bottom})};
 }
 
-/// What is seen of it is computed pixel by pixel, from all of the bitmap.
+/// Charges the visible pixels and all pixels of the bitmap.
 std::optional<PlacedBitmap> PlaceCounted(DeviceContext::Parts& parts, const BitmapPart& source,
                                          const BitmapCorners& corners, Sampling sampling,
                                          bool hasAlpha) {
   const PixelRect& visible = parts.painter.Clip().Bounds();
-  parts.work.Take(ReadingCost(source.bitmap) +
-                  PixelsOf(Intersection(visible, CoveringBox(BoundsOf(corners), 1))) *
-                      kSampledPixel);
+  parts.work.Charge(ReadingCost(source.bitmap) +
+                    PixelsOf(Intersection(visible, CoveringBox(BoundsOf(corners), 1))) *
+                        kSampledPixel);
   return PlaceBitmap(source, corners, visible, sampling, hasAlpha);
 }
 
-/// How a bitmap is scaled: operations that work on bits need the bitmap's own.
+/// Returns how to scale a bitmap: bitwise operations need its original pixels.
 Sampling SamplingFor(TernaryCode code, const DrawingState& state) {
   if (code != kCopySource) return Sampling::nearest;
   return state.stretch == StretchMode::halftone ? Sampling::smooth : Sampling::meanOrPlain;
@@ -46,7 +46,7 @@ void Put(DeviceContext::Parts& parts, const PlacedBitmap& placed, const Ink& ink
                           placed.shape ? &*placed.shape : nullptr);
 }
 
-/// The brush as an operand: one that paints nothing counts as white.
+/// Returns the brush as an operand; the null brush counts as white.
 Ink OperandBrush(DeviceContext::Parts& parts) {
   const Ink* ink = parts.BrushInk();
   return ink ? *ink : Ink{.pixel = PixelOf(clWhite)};
@@ -56,11 +56,11 @@ std::optional<PlacedBitmap> Place(DeviceContext::Parts& parts, const RectD& dest
                                   const BitmapPart& source, Sampling sampling,
                                   bool hasAlpha = false) {
   const RectD rect = Finite(dest);
-  parts.Note(MappedBounds(rect, parts.ToTarget()));
+  parts.AddBounds(MappedBounds(rect, parts.ToTarget()));
   return PlaceCounted(parts, source, CornersOf(rect, parts.ToTarget()), sampling, hasAlpha);
 }
 
-/// The mask's pixels in the place of the source's.
+/// Transforms the mask like the source.
 std::optional<PlacedBitmap> PlaceMask(DeviceContext::Parts& parts, const BitmapCorners& corners,
                                       const RectD& sourcePart, const Raster& mask,
                                       PixelPoint origin) {
@@ -79,7 +79,7 @@ void DeviceContext::PatBlt(const RectD& dest, uint32_t rop) {
   Parts::Path outline;
   outline.AddRect(Normalized(Finite(dest)));
   outline.Transform(parts.ToTarget());
-  parts.Note(outline);
+  parts.AddBounds(outline);
   parts.painter.Fill(outline, PolygonFill::winding, OperandBrush(parts), code);
 }
 
@@ -98,7 +98,7 @@ void DeviceContext::SetDIBitsToDevice(PointD topLeft, const BitmapPart& source) 
   const PointD at = DevicePoint(topLeft);
   const RectD& part = source.part;
   const RectD dest{at.x, at.y, at.x + part.Width(), at.y + part.Height()};
-  parts.Note(MappedBounds(dest, parts.deviceToTarget));
+  parts.AddBounds(MappedBounds(dest, parts.deviceToTarget));
   const auto placed = PlaceCounted(parts, source, CornersOf(dest, parts.deviceToTarget),
                                    SamplingFor(kCopySource, parts.state), false);
   if (placed) Put(parts, *placed, {}, kCopySource);
@@ -124,7 +124,9 @@ void DeviceContext::PlgBlt(const std::array<PointD, 3>& corners, const BitmapPar
   Parts& parts = *parts_;
   const BitmapCorners to{parts.Mapped(Finite(corners[0])), parts.Mapped(Finite(corners[1])),
                          parts.Mapped(Finite(corners[2]))};
-  for (const PointD& p : {to.topLeft, to.topRight, to.bottomLeft}) parts.Note({p.x, p.y, p.x, p.y});
+  for (const PointD& p : {to.topLeft, to.topRight, to.bottomLeft}) {
+    parts.AddBounds({p.x, p.y, p.x, p.y});
+  }
   auto placed = PlaceCounted(
       parts, source, to, mask ? Sampling::nearest : SamplingFor(kCopySource, parts.state), false);
   if (!placed) return;

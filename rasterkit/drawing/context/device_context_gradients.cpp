@@ -29,12 +29,11 @@ Shade ShadeOf(const GradientVertex& vertex) {
           static_cast<double>(vertex.blue)};
 }
 
-/// Lets `color` decide on each pixel of the box, which is seen, by its centre: an alpha of 0 leaves
-/// the picture as it is.
+/// Paints the visible box with `color(center)` of each pixel; alpha 0 leaves the pixel unchanged.
 template <class Color>
 void Shaded(DeviceContext::Parts& parts, const PixelRect& box, Color color) {
   if (IsEmpty(box)) return;
-  parts.work.Take(PixelsOf(box) * kSampledPixel);
+  parts.work.Charge(PixelsOf(box) * kSampledPixel);
   Raster pixels(pf32bit, box.right - box.left, box.bottom - box.top);
   for (int y = box.top; y < box.bottom; ++y) {
     auto* row = reinterpret_cast<RGBArec*>(pixels.Row(y - box.top));
@@ -45,11 +44,11 @@ void Shaded(DeviceContext::Parts& parts, const PixelRect& box, Color color) {
   parts.painter.PutSource(box, pixels, {}, kCopySource);
 }
 
-/// The same for colours that change across only, or down only: one line of them tells all.
+/// Paints colors that change in one direction only, which need to be computed for one line only.
 template <class Color>
 void ShadedInLines(DeviceContext::Parts& parts, const PixelRect& box, bool isAcross, Color color) {
   if (IsEmpty(box)) return;
-  parts.work.Take(PixelsOf(box) * kPlainPixel);
+  parts.work.Charge(PixelsOf(box) * kPlainPixel);
   const int width = box.right - box.left;
   Raster pixels(pf32bit, width, box.bottom - box.top);
   const auto row = [&](int y) { return reinterpret_cast<RGBArec*>(pixels.Row(y)); };
@@ -74,7 +73,7 @@ void FillRect(DeviceContext::Parts& parts, const GradientVertex& first,
   const RectD rect = Normalized({a.x, a.y, b.x, b.y});
   if (!back || rect.Width() == 0 || rect.Height() == 0) return;
   const RectD bounds = MappedBounds(rect, map);
-  parts.Note(bounds);
+  parts.AddBounds(bounds);
   const Shade from = ShadeOf(first), to = ShadeOf(second);
   const auto colorAt = [&](PointD p) {
     const double part = std::clamp((isVertical ? p.y - a.y : p.x - a.x) / length, 0.0, 1.0);
@@ -106,10 +105,10 @@ void FillTriangle(DeviceContext::Parts& parts, const GradientVertex& a, const Gr
   if (!back) return;
   const RectD bounds{std::min({o.x, p.x, q.x}), std::min({o.y, p.y, q.y}),
                      std::max({o.x, p.x, q.x}), std::max({o.y, p.y, q.y})};
-  parts.Note(bounds);
+  parts.AddBounds(bounds);
   const Shade first = ShadeOf(a), second = ShadeOf(b), third = ShadeOf(c);
   const PixelRect box = Intersection(CoveringBox(bounds, 0), parts.painter.Clip().Bounds());
-  // Edges are hard: triangles lie side by side, and soft ones would leave seams.
+  // No antialiasing: soft edges would leave seams between adjacent triangles.
   Shaded(parts, box, [&](PointD center) {
     const PointD w = (*back)(center);
     const double rest = 1 - w.x - w.y;
@@ -123,7 +122,7 @@ void FillTriangle(DeviceContext::Parts& parts, const GradientVertex& a, const Gr
 void DeviceContext::GradientRects(std::span<const GradientVertex> vertices,
                                   std::span<const std::pair<uint32_t, uint32_t>> rects,
                                   bool isVertical) {
-  parts_->work.Take(static_cast<double>(rects.size()) * kShape);
+  parts_->work.Charge(static_cast<double>(rects.size()) * kShape);
   for (const auto& [first, second] : rects) {
     if (first >= vertices.size() || second >= vertices.size()) continue;
     FillRect(*parts_, vertices[first], vertices[second], isVertical);
@@ -132,7 +131,7 @@ void DeviceContext::GradientRects(std::span<const GradientVertex> vertices,
 
 void DeviceContext::GradientTriangles(std::span<const GradientVertex> vertices,
                                       std::span<const std::array<uint32_t, 3>> triangles) {
-  parts_->work.Take(static_cast<double>(triangles.size()) * kShape);
+  parts_->work.Charge(static_cast<double>(triangles.size()) * kShape);
   for (const auto& [a, b, c] : triangles) {
     if (std::max({a, b, c}) >= vertices.size()) continue;
     FillTriangle(*parts_, vertices[a], vertices[b], vertices[c]);

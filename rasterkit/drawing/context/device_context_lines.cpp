@@ -23,9 +23,9 @@ void DeviceContext::LineTo(PointD target) {
   const bool fillsGaps =
       style && style->gapsAreFilled && parts.state.backMode == BackgroundMode::opaque;
   if (style && !fillsGaps) {
-    // Drawings of a hundred thousand lines come this way: no path is made.
+    // Fast path without a DrawingPath, for drawings of a hundred thousand lines.
     const PointD a = parts.Mapped(parts.state.position), b = parts.Mapped(to);
-    parts.NoteStroke({a.x, a.y, b.x, b.y}, *style);
+    parts.AddStrokeBounds({a.x, a.y, b.x, b.y}, *style);
     parts.painter.StrokeLine(a, b, *style, parts.PenInk(), parts.Code());
   } else if (style || parts.isPathOpen) {
     Parts::Path line = parts.StartedPath();
@@ -82,7 +82,7 @@ void DeviceContext::PolyBezierTo(std::span<const PointD> points) {
 }
 
 void DeviceContext::PolyDraw(std::span<const PointD> points, std::span<const uint8_t> types) {
-  constexpr uint8_t closes = 1, lineTo = 2, curveTo = 4, moveTo = 6;
+  constexpr uint8_t kCloses = 1, kLineTo = 2, kCurveTo = 4, kMoveTo = 6;
   Parts& parts = *parts_;
   const size_t count = std::min(points.size(), types.size());
   const auto map = [&](size_t i) { return parts.Mapped(Finite(points[i])); };
@@ -95,25 +95,25 @@ void DeviceContext::PolyDraw(std::span<const PointD> points, std::span<const uin
     parts.startsFigure = false;
   };
   for (size_t i = 0; i < count; ++i) {
-    const uint8_t kind = types[i] & ~closes;
-    if (kind == moveTo) {
+    const uint8_t kind = types[i] & ~kCloses;
+    if (kind == kMoveTo) {
       parts.state.position = figureStart = Finite(points[i]);
       parts.startsFigure = true;
       continue;
     }
-    if (kind == curveTo) {
+    if (kind == kCurveTo) {
       if (i + 2 >= count) break;
       begin();
       line.CurveTo(map(i), map(i + 1), map(i + 2));
       i += 2;
-    } else if (kind == lineTo) {
+    } else if (kind == kLineTo) {
       begin();
       line.LineTo(map(i));
     } else {
       break;
     }
     parts.state.position = Finite(points[i]);
-    if (types[i] & closes) {
+    if (types[i] & kCloses) {
       line.Close();
       parts.state.position = figureStart;
       parts.startsFigure = true;
@@ -153,11 +153,11 @@ void DeviceContext::ArcTo(const RectD& box, const ArcEnds& ends) {
 }
 
 void DeviceContext::AngleArc(PointD center, double radius, double startAngle, double sweepAngle) {
-  // Against the clock on the page as it is drawn with y downward: angles grow toward smaller y.
-  constexpr double radians = std::numbers::pi / 180;
+  // Counter-clockwise on the page with y downward: larger angles have a smaller y.
+  constexpr double kRadians = std::numbers::pi / 180;
   const EllipseArc arc{Finite(center), Finite(radius), Finite(radius),
-                       -Finite(startAngle) * radians,
-                       -std::clamp(Finite(sweepAngle), -720.0, 720.0) * radians};
+                       -Finite(startAngle) * kRadians,
+                       -std::clamp(Finite(sweepAngle), -720.0, 720.0) * kRadians};
   Parts::Path line = parts_->StartedPath();
   line.LineTo(parts_->Mapped(arc.Start()));
   AddArc(line, arc, parts_->ToTarget());

@@ -71,7 +71,7 @@ void DeviceContext::ModifyWorldTransform(const Affine& matrix, WorldChange chang
       changed = matrix;
       break;
   }
-  // A matrix that cannot be undone is refused, as everything would lie on one line.
+  // A singular matrix is ignored, as it would map everything onto one line.
   if (!changed.IsFinite() || changed.Determinant() == 0) return;
   world = changed;
   parts_->MappingChanged();

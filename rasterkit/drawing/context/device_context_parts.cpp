@@ -45,7 +45,7 @@ void DeviceContext::Parts::MappingChanged() {
 
 void DeviceContext::Parts::ColorsChanged() {
   pen_.reset();
-  // Patterns may be large, and most have colours of their own.
+  // Patterns may be large, and most do not depend on the text colors.
   const LogicalBrush& brush = state.brush ? *state.brush : UsualBrush();
   const bool takesColors =
       brush.kind == LogicalBrush::hatched || (brush.kind == LogicalBrush::pattern && brush.isMono);
@@ -114,7 +114,7 @@ const Ink* DeviceContext::Parts::BrushInk() {
 void DeviceContext::Parts::Fill(const Path& outline) {
   const Ink* ink = BrushInk();
   if (!ink) return;
-  Note(outline);
+  AddBounds(outline);
   painter.Fill(outline, state.fill, *ink, Code());
 }
 
@@ -129,7 +129,7 @@ void DeviceContext::Parts::FillAlone(const Path& outline) {
 void DeviceContext::Parts::Stroke(const Path& outline) {
   const StrokeStyle* style = PenStyle();
   if (!style) return;
-  if (const auto bounds = outline.Bounds()) NoteStroke(*bounds, *style);
+  if (const auto bounds = outline.Bounds()) AddStrokeBounds(*bounds, *style);
   if (style->gapsAreFilled && state.backMode == BackgroundMode::opaque) {
     StrokeStyle gaps = *style;
     gaps.dashes.clear();
@@ -184,7 +184,7 @@ DeviceContext::Parts::Path DeviceContext::Parts::StartedPath() {
   return fresh;
 }
 
-void DeviceContext::Parts::Note(const RectD& box, double reach) {
+void DeviceContext::Parts::AddBounds(const RectD& box, double reach) {
   const RectD r = Normalized(box);
   if (!drawn) {
     drawn = {r.left - reach, r.top - reach, r.right + reach, r.bottom + reach};
@@ -196,42 +196,43 @@ void DeviceContext::Parts::Note(const RectD& box, double reach) {
   drawn->bottom = std::max(drawn->bottom, r.bottom + reach);
 }
 
-void DeviceContext::Parts::NoteStroke(const RectD& box, const StrokeStyle& style) {
+void DeviceContext::Parts::AddStrokeBounds(const RectD& box, const StrokeStyle& style) {
   const PointD to = style.fit.toCenter;
-  Note({box.left + to.x, box.top + to.y, box.right + to.x, box.bottom + to.y}, style.Overhang());
+  AddBounds({box.left + to.x, box.top + to.y, box.right + to.x, box.bottom + to.y},
+            style.Overhang());
 }
 
-void DeviceContext::Parts::Note(const Path& outline, double reach) {
-  if (const auto bounds = outline.Bounds()) Note(*bounds, reach);
+void DeviceContext::Parts::AddBounds(const Path& outline, double reach) {
+  if (const auto bounds = outline.Bounds()) AddBounds(*bounds, reach);
 }
 
-void DeviceContext::Parts::TakeArea(const ClipArea& area) {
-  // Areas of too many rectangles have become masks.
-  work.Take(area.HasMask() ? PixelsOf(area.Bounds())
-                           : static_cast<double>(area.Rects().size()) * kRegionRect);
+void DeviceContext::Parts::ChargeArea(const ClipArea& area) {
+  // An area of too many rectangles is stored as a mask.
+  work.Charge(area.HasMask() ? PixelsOf(area.Bounds())
+                             : static_cast<double>(area.Rects().size()) * kRegionRect);
 }
 
 ClipArea::Pointer DeviceContext::Parts::Combined(const ClipArea::Pointer& current,
                                                  const ClipArea::Pointer& other, RegionMode mode) {
-  work.Take(CombinationCost(*current, *other, mode));
+  work.Charge(CombinationCost(*current, *other, mode));
   ClipArea::Pointer area = ClipArea::Combined(current, other, mode);
-  TakeArea(*area);
+  ChargeArea(*area);
   return area;
 }
 
 ClipArea::Pointer DeviceContext::Parts::Moved(const ClipArea& area, int dx, int dy) {
-  work.Take(static_cast<double>(area.Rects().size()) * kRegionRect);
-  if (area.HasMask()) work.Take(PixelsOf(area.Bounds()));
+  work.Charge(static_cast<double>(area.Rects().size()) * kRegionRect);
+  if (area.HasMask()) work.Charge(PixelsOf(area.Bounds()));
   return area.Moved(dx, dy, painter.Frame());
 }
 
 ClipArea::Pointer DeviceContext::Parts::RegionOf(std::span<const PixelRect> boxes) {
-  // Each is mapped, put in its place among the others and joined with its neighbours.
-  constexpr double storedRect = 250;
-  work.Take(static_cast<double>(boxes.size()) * storedRect);
+  // Cost of mapping a rectangle, sorting it and joining it with its neighbors.
+  constexpr double kStoredRect = 250;
+  work.Charge(static_cast<double>(boxes.size()) * kStoredRect);
   RequireRegion(boxes, painter.Frame());
   ClipArea::Pointer area = ClipArea::OfRects(boxes, painter.Frame());
-  TakeArea(*area);
+  ChargeArea(*area);
   return area;
 }
 
@@ -240,14 +241,14 @@ ClipArea::Pointer DeviceContext::Parts::AreaOfPath(const Path& outline, PolygonF
   const auto bounds = outline.Bounds();
   if (bounds) {
     const PixelRect box = Intersection(CoveringBox(*bounds, 1), frame);
-    work.Take(OutlineCost(outline, box) + PixelsOf(box));
+    work.Charge(OutlineCost(outline, box) + PixelsOf(box));
   }
   return ClipArea::OfPath(outline, fill, frame);
 }
 
 std::optional<Ink> DeviceContext::Parts::InkOf(const LogicalBrush& brush) {
   auto ink = detail::InkOf(brush, state, deviceToTarget);
-  if (ink && ink->tile) work.Take(static_cast<double>(ink->tile->pixels.size()) * kSourcePixel);
+  if (ink && ink->tile) work.Charge(static_cast<double>(ink->tile->pixels.size()) * kSourcePixel);
   return ink;
 }
 

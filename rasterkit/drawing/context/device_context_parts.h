@@ -17,7 +17,7 @@
 
 namespace rasterkit {
 
-/// What a drawing context is made of, and what several kinds of operations share.
+/// The parts of a drawing context, and helpers that several kinds of operations share.
 struct DeviceContext::Parts {
   using Path = detail::DrawingPath;
 
@@ -26,13 +26,13 @@ struct DeviceContext::Parts {
 
   // ---- Mapping ----
 
-  /// Logical units to pixels of the target.
+  /// Returns the map from logical units to pixels of the target.
   const Affine& ToTarget();
   PointD Mapped(PointD logical) { return ToTarget()(logical); }
-  /// The map that takes rectangles of a unit to the target.
+  /// Returns the map from units of a region to the target.
   Affine MapOf(RegionUnit unit) { return unit == RegionUnit::device ? deviceToTarget : ToTarget(); }
 
-  /// After a change of what is mapped, of the pen, of the brush, or of what both take colours from.
+  /// To be called after changes: of the mapping, the pen, the brush, or the colors of both.
   void MappingChanged();
   void PenChanged() { pen_.reset(); }
   void BrushChanged() { brush_.reset(); }
@@ -42,46 +42,48 @@ struct DeviceContext::Parts {
 
   // ---- Drawing ----
 
-  /// Null for a pen that draws nothing.
+  /// Returns null for the null pen.
   const detail::StrokeStyle* PenStyle();
   const detail::Ink& PenInk();
-  /// Null for a brush that paints nothing.
+  /// Returns null for the null brush.
   const detail::Ink* BrushInk();
   detail::TernaryCode Code() const { return detail::CodeOf(state.rop); }
 
   void Fill(const Path& outline);
-  /// Without an outline that would cover its edges: no background shows where areas meet.
+  /// Fills a shape whose edges no outline will cover, so that no background shows between adjacent
+  /// areas.
   void FillAlone(const Path& outline);
   void Stroke(const Path& outline);
-  /// Pixels of the device are larger than those of the target, and the pen draws: it is seen that
-  /// lines run through their middles, and areas end there.
+  /// Returns whether areas must be filled up to the centers of lines: the pen draws, and pixels of
+  /// the device are larger than those of the target, so that the offset of lines is visible.
   bool FillsToLines();
-  /// What is filled inside an outline that is drawn as well.
+  /// Returns the area to fill inside an outline that is drawn as well.
   Path AlongLines(const Path& outline);
-  /// Adds to the open path, or fills and draws.
+  /// Adds the outline to the open path, or fills and strokes it.
   void Shape(const Path& outline);
   void Line(const Path& outline);
-  /// The path from the current position on, or a fresh one that starts there.
+  /// Returns the open path, or a new one that starts at the current position.
   Path StartedPath();
-  /// Remembers that this part of the target would be painted, `reach` pixels more on every side.
-  void Note(const RectD& box, double reach = 0);
-  void Note(const Path& outline, double reach = 0);
-  /// The same for what the pen draws along a box.
-  void NoteStroke(const RectD& box, const detail::StrokeStyle& style);
+  /// Adds to the drawn bounds: the box, extended by `reach` pixels on every side.
+  void AddBounds(const RectD& box, double reach = 0);
+  void AddBounds(const Path& outline, double reach = 0);
+  /// Adds what the pen draws along a box.
+  void AddStrokeBounds(const RectD& box, const detail::StrokeStyle& style);
 
-  /// The rectangles as areas of the target: edges rounded, or slanted where the map turns.
+  /// Returns the rectangles as an area of the target: with rounded edges, or slanted if the map
+  /// rotates.
   detail::ClipArea::Pointer AreaOf(std::span<const RectD> rects, RegionUnit unit);
   void CombineClip(const detail::ClipArea::Pointer& area, RegionMode mode);
-  /// Clip areas, with what they cost.
+  /// Operations on clip areas that charge their cost.
   detail::ClipArea::Pointer Combined(const detail::ClipArea::Pointer& current,
                                      const detail::ClipArea::Pointer& other, RegionMode mode);
   detail::ClipArea::Pointer Moved(const detail::ClipArea& area, int dx, int dy);
   detail::ClipArea::Pointer AreaOfPath(const Path& outline, PolygonFill fill);
-  /// A brush's ink, with what it costs.
+  /// Returns the ink of a brush and charges its cost.
   std::optional<detail::Ink> InkOf(const LogicalBrush& brush);
   const detail::ClipArea::Pointer& VisibleClip() const { return visibleClip_; }
 
-  // ---- The parts ----
+  // ---- Parts ----
 
   const ReferenceDevice device;
   const Affine deviceToTarget;
@@ -91,25 +93,25 @@ struct DeviceContext::Parts {
 
   detail::DrawingState state;
   std::vector<detail::DrawingState> saved;
-  /// Calls of SaveDC beyond what is kept.
+  /// SaveDC calls beyond the limit of kept states.
   uint64_t savedBeyond = 0;
 
   bool isPathOpen = false;
-  /// The next line of the open path begins a figure at the current position.
+  /// The next line of the open path starts a figure at the current position.
   bool startsFigure = true;
   Path path;
-  /// What was to become the path's outline: it is drawn as what that pen covers.
+  /// Set by WidenPath: the path stands for what this pen covers along it.
   std::optional<detail::StrokeStyle> widened;
 
   std::optional<RectD> drawn;  ///< pixels of the target
 
-  /// Fonts and maps that letters were drawn with of late.
+  /// Recently used fonts and letter maps.
   using LetterKey = std::tuple<const detail::FontFace*, double, double, double, double>;
   std::set<LetterKey> letterMaps;
 
  private:
-  /// What making the area cost.
-  void TakeArea(const detail::ClipArea& area);
+  /// Charges the cost of creating the area.
+  void ChargeArea(const detail::ClipArea& area);
   detail::ClipArea::Pointer RegionOf(std::span<const PixelRect> boxes);
 
   struct PenParts {
@@ -128,7 +130,7 @@ struct DeviceContext::Parts {
 
 namespace detail {
 
-/// Lets the painter paint inside `clip` only, for as long as this lives.
+/// Restricts the painter to `clip` during the lifetime of this object.
 class NarrowedClip {
  public:
   NarrowedClip(DeviceContext::Parts& parts, ClipArea::Pointer clip) : parts_(parts) {
@@ -142,7 +144,7 @@ class NarrowedClip {
   DeviceContext::Parts& parts_;
 };
 
-/// Numbers that are none count as 0.
+/// NaN and infinity become 0.
 inline double Finite(double value) {
   return std::isfinite(value) ? value : 0;
 }

@@ -31,7 +31,7 @@ void DeviceContext::CloseFigure() {
 
 void DeviceContext::FlattenPath() {
   if (parts_->isPathOpen) return;
-  parts_->work.Take(OutlineCost(parts_->path, parts_->painter.Frame()));
+  parts_->work.Charge(OutlineCost(parts_->path, parts_->painter.Frame()));
   parts_->path = Flattened(parts_->path);
 }
 
@@ -42,7 +42,7 @@ void DeviceContext::WidenPath() {
 
 namespace {
 
-/// Takes the path out of the context, once it is finished.
+/// Takes the path out of the context if it is finished.
 struct TakenPath {
   DrawingPath outline;
   std::optional<StrokeStyle> widened;
@@ -59,7 +59,7 @@ void FillTaken(DeviceContext::Parts& parts, const TakenPath& taken) {
   if (!taken.widened) {
     parts.FillAlone(taken.outline);
   } else if (const Ink* ink = parts.BrushInk()) {
-    parts.Note(taken.outline, taken.widened->Reach());
+    parts.AddBounds(taken.outline, taken.widened->Reach());
     parts.painter.Stroke(taken.outline, *taken.widened, *ink, parts.Code());
   }
 }
@@ -80,7 +80,7 @@ void DeviceContext::StrokePath() {
 void DeviceContext::StrokeAndFillPath() {
   if (parts_->isPathOpen) return;
   TakenPath taken = Take(*parts_);
-  // Open figures are closed where a path is filled.
+  // Filling closes open figures.
   const DrawingPath closed = WithClosedFigures(taken.outline);
   if (!taken.widened) taken.outline = parts_->AlongLines(taken.outline);
   FillTaken(*parts_, taken);
@@ -95,7 +95,7 @@ void DeviceContext::SelectClipPath(RegionMode mode) {
     return;
   }
   const PixelRect& frame = parts_->painter.Frame();
-  parts_->work.Take(StrokeCost(taken.outline, *taken.widened, frame) + PixelsOf(frame));
+  parts_->work.Charge(StrokeCost(taken.outline, *taken.widened, frame) + PixelsOf(frame));
   parts_->CombineClip(AreaOfStroke(taken.outline, *taken.widened, frame), mode);
 }
 

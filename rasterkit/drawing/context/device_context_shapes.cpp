@@ -11,14 +11,14 @@ using namespace detail;
 
 namespace {
 
-/// The frame of a box, with the pen inside it where the pen wants that.
+/// Returns the frame of a box, with the pen inside it for the inside-frame style.
 ShapeFrame FrameOf(DeviceContext::Parts& parts, const RectD& box) {
   ShapeFrame frame = ShapeFrameOf(parts.state, parts.deviceToTarget, Finite(box), parts.PenStyle());
   if (parts.state.pen) KeepInside(frame, *parts.state.pen);
   return frame;
 }
 
-/// The outline of a chord, or of a pie where the centre belongs to it.
+/// Returns the outline of a chord, or of a pie, which includes the center.
 DrawingPath ArcShape(const ShapeFrame& frame, const RectD& box, const ArcEnds& ends,
                      ArcDirection direction, bool hasCenter) {
   const EllipseArc arc = ArcBetween(frame, box, ends, direction);
@@ -34,7 +34,7 @@ DrawingPath ArcShape(const ShapeFrame& frame, const RectD& box, const ArcEnds& e
   return outline;
 }
 
-/// Fills one box and draws along another, or adds to the open path.
+/// Fills one box and strokes another, or adds to the open path.
 template <class MakeOutline>
 void DrawBoxed(DeviceContext::Parts& parts, const ShapeFrame& frame, MakeOutline outline) {
   if (parts.isPathOpen) {
@@ -45,8 +45,8 @@ void DrawBoxed(DeviceContext::Parts& parts, const ShapeFrame& frame, MakeOutline
   parts.Stroke(outline(frame.lineBox));
 }
 
-/// The same for outlines that are round: the filling ends under the middle of the pen, as its soft
-/// edge would shine through beside the pen's.
+/// Does the same for round outlines: the filling ends at the center of the pen, as its soft edge
+/// would be visible beside the pen's.
 template <class MakeOutline>
 void DrawRound(DeviceContext::Parts& parts, const ShapeFrame& frame, MakeOutline outline) {
   const StrokeStyle* pen = parts.isPathOpen ? nullptr : parts.PenStyle();

@@ -11,11 +11,11 @@ using namespace detail;
 
 namespace {
 
-/// A letter is two bytes of a file and hundreds as outlines: a path takes no more of them than
-/// this.
+/// Most points that texts add to a path: a letter takes two bytes in a file, but hundreds as an
+/// outline.
 constexpr size_t kMaxPathPoints = 1 << 24;
 
-/// Twelve points on the recording device, in logical units.
+/// Returns twelve points on the recording device, in logical units.
 double UsualEmHeight(const DeviceContext::Parts& parts) {
   const double pixelsPerInch = parts.device.heightPx / parts.device.heightMm * 25.4;
   const double pixels = 12 * (pixelsPerInch > 0 && pixelsPerInch < 1e5 ? pixelsPerInch : 96) / 72;
@@ -23,7 +23,7 @@ double UsualEmHeight(const DeviceContext::Parts& parts) {
   return scale > 0 ? pixels / scale : pixels;
 }
 
-/// The reference point on the line's coordinates.
+/// Returns the reference point in the line's coordinates.
 PointD ReferenceOf(const TextLine& line, uint32_t align) {
   PointD reference;
   if ((align & text_align::horizontal) == text_align::right) reference.x = line.width;
@@ -34,7 +34,7 @@ PointD ReferenceOf(const TextLine& line, uint32_t align) {
   return reference;
 }
 
-/// Where the position goes when a text moves it; a centred one does not.
+/// Moves the current position after a text with `updatePosition`; centered text does not move it.
 void MovePosition(DrawingState& state, const TextLine& line, const TextPlacement& placement,
                   PointD origin) {
   const uint32_t side = state.textAlign & text_align::horizontal;
@@ -48,31 +48,32 @@ void MovePosition(DrawingState& state, const TextLine& line, const TextPlacement
   state.position = Finite((*back)(PointD{device.x + moved.x, device.y + moved.y}));
 }
 
-/// Letters of a size that is new are made; large ones are outlines, as those of a path are.
-void TakeLetters(DeviceContext::Parts& parts, const TextLine& line,
-                 const TextPlacement& placement) {
+/// Charges the letters: those of a new size must be rendered; large ones are outlines, like those
+/// of a path.
+void ChargeLetters(DeviceContext::Parts& parts, const TextLine& line,
+                   const TextPlacement& placement) {
   const Affine letters = LetterMap(line, placement);
   if (!letters.IsFinite()) return;
   const auto count = static_cast<double>(line.glyphs.size());
   const bool areOutlines = parts.isPathOpen || AreLettersOutlines(letters);
   if (areOutlines) {
-    parts.work.Take(count * kLetterOutline);
+    parts.work.Charge(count * kLetterOutline);
     return;
   }
-  // As many as cairo keeps.
-  constexpr size_t most = 200;
-  if (parts.letterMaps.size() >= most) parts.letterMaps.clear();
+  // The number of fonts that cairo caches.
+  constexpr size_t kMost = 200;
+  if (parts.letterMaps.size() >= kMost) parts.letterMaps.clear();
   const DeviceContext::Parts::LetterKey key{line.face, letters.m11, letters.m12, letters.m21,
                                             letters.m22};
-  if (parts.letterMaps.insert(key).second) parts.work.Take(kNewLetters);
-  parts.work.Take(count * std::abs(letters.Determinant()) * kPlainPixel);
+  if (parts.letterMaps.insert(key).second) parts.work.Charge(kNewLetters);
+  parts.work.Charge(count * std::abs(letters.Determinant()) * kPlainPixel);
 }
 
 void FillTextBox(DeviceContext::Parts& parts, const RectD& box) {
   DrawingPath outline;
   outline.AddRect(Normalized(Finite(box)));
   outline.Transform(parts.ToTarget());
-  parts.Note(outline);
+  parts.AddBounds(outline);
   parts.painter.Fill(outline, PolygonFill::winding, {.pixel = PixelOf(parts.state.backColor)},
                      kCopyBrush);
 }
@@ -89,13 +90,13 @@ void DeviceContext::ExtTextOut(const TextRun& run) {
   if (run.text.empty()) return;
 
   const LogicalFont& font = Font();
-  parts.work.Take(static_cast<double>(run.text.size()) * kLetter);
+  parts.work.Charge(static_cast<double>(run.text.size()) * kLetter);
   const TextLine line = LayOutText(run, font, state, parts.fonts, UsualEmHeight(parts));
   if (!line.face) return;
   const TextPlacement onDevice = PlaceText(font, state, origin, ReferenceOf(line, state.textAlign));
   const TextPlacement placement{onDevice.places.Then(parts.deviceToTarget),
                                 onDevice.letters.Then(parts.deviceToTarget)};
-  TakeLetters(parts, line, placement);
+  ChargeLetters(parts, line, placement);
   if (parts.isPathOpen) {
     if (parts.path.Points().size() < kMaxPathPoints) {
       parts.path.Append(TextOutline(line, placement));
@@ -111,7 +112,7 @@ void DeviceContext::ExtTextOut(const TextRun& run) {
     }
     const bool fillsCell = state.backMode == BackgroundMode::opaque && !hasBox;
     const DrawingPath cell = TextCell(line, placement);
-    parts.Note(cell);
+    parts.AddBounds(cell);
     if (fillsCell) {
       parts.painter.Fill(cell, PolygonFill::winding, {.pixel = PixelOf(state.backColor)},
                          kCopyBrush);

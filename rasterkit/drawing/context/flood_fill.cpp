@@ -16,7 +16,7 @@ class Flood {
         color_(color & 0xFFFFFF),
         kind_(kind),
         mask_(box_) {
-    painter.Work().Take(PixelsOf(box_));
+    painter.Work().Charge(PixelsOf(box_));
   }
 
   bool Start(PixelPoint at) {
@@ -36,15 +36,16 @@ class Flood {
     if (x < box_.left || x >= box_.right || y < box_.top || y >= box_.bottom) return false;
     if (mask_.Row(y)[x - box_.left] != 0) return false;
     const bool isColor = (painter_.Pixel(x, y) & 0xFFFFFF) == color_;
-    return isColor == (kind_ == FloodFill::overSurface) && painter_.Clip().Holds(x, y);
+    return isColor == (kind_ == FloodFill::overSurface) && painter_.Clip().Contains(x, y);
   }
 
-  /// Fills the row's run around `at`, and remembers one pixel of each free run above and below.
+  /// Fills the run of the row around `at`, and queues one pixel of each fillable run above and
+  /// below.
   void FillRun(PixelPoint at) {
     int left = at.x, right = at.x + 1;
     while (IsFree(left - 1, at.y)) --left;
     while (IsFree(right, at.y)) ++right;
-    painter_.Work().Take((right - left) * kFloodPixel);
+    painter_.Work().Charge((right - left) * kFloodPixel);
     std::fill(mask_.Row(at.y) + (left - box_.left), mask_.Row(at.y) + (right - box_.left), 255);
     for (const int y : {at.y - 1, at.y + 1}) {
       bool wasFree = false;

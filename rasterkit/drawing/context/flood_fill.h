@@ -6,8 +6,8 @@
 
 namespace rasterkit::detail {
 
-/// The pixels that a flood fill from `start` reaches inside the painter's clip, going across and
-/// down; nothing when it does not begin.
+/// Returns the pixels that a flood fill from `start` reaches inside the painter's clip, connected
+/// horizontally or vertically; nothing if the start pixel is not filled.
 std::optional<CoverageMask> FloodMask(const Painter& painter, PixelPoint start, uint32_t color,
                                       FloodFill kind);
 

@@ -13,8 +13,8 @@
 namespace rasterkit::detail {
 namespace {
 
-/// One direction of an upright bitmap: target pixels from `start` to `end` (which may lie before
-/// it) show `from` to `to` of the source.
+/// One direction of an upright bitmap: target pixels from `start` to `end`, in either order, show
+/// `from` to `to` of the source.
 struct Axis {
   int start, end;
   double from, to;
@@ -22,7 +22,7 @@ struct Axis {
   bool IsEmpty() const { return start == end || from == to; }
   int First() const { return std::min(start, end); }
   int Last() const { return std::max(start, end); }
-  /// The source pixel under the centre of target pixel `at`.
+  /// Returns the source pixel under the center of the target pixel `at`.
   int SourceOf(int at) const {
     const double part = (at + 0.5 - start) / (static_cast<double>(end) - start);
     return PixelNumber(std::floor(from + part * (to - from)));
@@ -30,7 +30,7 @@ struct Axis {
   bool Shrinks() const { return std::abs(to - from) > std::abs(static_cast<double>(end) - start); }
 };
 
-/// Edges on pixels; at least one pixel.
+/// Rounds the edges to pixels; at least one pixel.
 Axis AxisOf(double start, double end, double from, double to) {
   const RectD rect{start, 0, end, 0};
   const PixelRect box = SeenBox(rect);
@@ -39,7 +39,7 @@ Axis AxisOf(double start, double end, double from, double to) {
 
 struct Upright {
   Axis across, down;
-  PixelRect box;  ///< what of it is seen
+  PixelRect box;  ///< the visible part
 };
 
 Raster BlankRaster(const PixelRect& box) {
@@ -48,7 +48,7 @@ Raster BlankRaster(const PixelRect& box) {
   return raster;
 }
 
-/// Source columns for the pixels of the box; -1 where there is none.
+/// Returns the source columns of the box's pixels; -1 for none.
 std::vector<int> Columns(const Axis& axis, int first, int last, int sourceSize) {
   std::vector<int> columns;
   columns.reserve(static_cast<size_t>(last - first));
@@ -83,7 +83,7 @@ Raster Nearest(const Raster& bitmap, const Upright& place, bool hasAlpha) {
   return pixels;
 }
 
-/// The part as pixels of the bitmap, when it is made of whole pixels inside it.
+/// Returns the part as pixels if it has whole pixels inside the bitmap.
 std::optional<PixelRect> WholePixels(const Raster& bitmap, const RectD& part) {
   const RectD r = Normalized(part);
   const PixelRect box = RoundedBox(r);
@@ -98,7 +98,7 @@ std::optional<PixelRect> WholePixels(const Raster& bitmap, const RectD& part) {
   return box;
 }
 
-/// Means of what pixels cover. The part must be one of whole pixels.
+/// Returns the means of the covered areas. The part must have whole pixels.
 Raster Means(const Raster& bitmap, const PixelRect& part, const Upright& place, bool hasAlpha) {
   const bool isWhole = part.left == 0 && part.top == 0 && part.right == bitmap.Width() &&
                        part.bottom == bitmap.Height();
@@ -109,7 +109,7 @@ Raster Means(const Raster& bitmap, const PixelRect& part, const Upright& place, 
     source = &cut;
   }
   if (source->Format() == pf32bit && !hasAlpha) {
-    // Alpha that means nothing must not weigh.
+    // Undefined alpha must not be used as a weight.
     cut = ConvertRaster(*source, pf24bit);
     source = &cut;
   }

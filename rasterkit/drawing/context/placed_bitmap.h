@@ -8,33 +8,33 @@
 
 namespace rasterkit::detail {
 
-/// How the colour of a target pixel is found.
+/// How the color of a target pixel is sampled.
 enum class Sampling {
-  nearest,      ///< the bitmap's pixel under its centre
-  meanOrPlain,  ///< the mean of what it covers where the bitmap shrinks, else the nearest
-  smooth,       ///< the same, and interpolated where the bitmap grows
+  nearest,      ///< the bitmap's pixel under its center
+  meanOrPlain,  ///< the mean of the covered area when shrinking, else nearest
+  smooth,       ///< the same, but interpolated when enlarging
 };
 
-/// Where a bitmap's part goes, in pixels of the target.
+/// The place of a bitmap's part, in pixels of the target.
 struct BitmapCorners {
   PointD topLeft, topRight, bottomLeft;
 
-  /// Along the axes, perhaps mirrored.
+  /// Returns whether the sides are parallel to the axes; the bitmap may be mirrored.
   bool IsUpright() const { return topLeft.y == topRight.y && topLeft.x == bottomLeft.x; }
 };
 
-/// What a bitmap becomes on the target.
+/// A bitmap transformed to the target.
 struct PlacedBitmap {
   PixelRect box;
-  /// 32 bits; its first pixel lies at the box's upper left corner. Alpha says how much of a pixel
-  /// is meant.
+  /// pf32bit; the first pixel lies at the upper left corner of the box. Alpha is the coverage.
   Raster pixels;
-  /// Where the bitmap stands aslant: its shape.
+  /// The shape of a bitmap that is not parallel to the axes.
   std::optional<CoverageMask> shape;
 };
 
-/// The part of a bitmap that is seen inside `visible`; nothing when there is none. Pixels without a
-/// source get alpha 0. Sources count as opaque unless `hasAlpha` is set; then alpha is straight.
+/// Transforms the part of a bitmap that is visible inside `visible`; returns nothing if there is
+/// none. Pixels without a source get alpha 0. Sources are opaque unless `hasAlpha` is set; then
+/// their alpha is straight.
 std::optional<PlacedBitmap> PlaceBitmap(const BitmapPart& source, const BitmapCorners& corners,
                                         const PixelRect& visible, Sampling sampling, bool hasAlpha);
 

@@ -31,15 +31,15 @@ void KeepInside(ShapeFrame& frame, const LogicalPen& pen) {
 
 EllipseArc ArcBetween(const ShapeFrame& frame, const RectD& box, const ArcEnds& ends,
                       ArcDirection direction) {
-  constexpr double turn = 2 * std::numbers::pi;
+  constexpr double kTurn = 2 * std::numbers::pi;
   EllipseArc arc = WholeEllipse(box);
   arc.start = AngleToward(arc, frame.fromLogical(ends.start));
   double sweep = AngleToward(arc, frame.fromLogical(ends.end)) - arc.start;
-  // Angles grow clockwise where y points downward.
+  // With y downward, angles grow clockwise.
   if (direction == ArcDirection::clockwise) {
-    if (sweep <= 0) sweep += turn;
+    if (sweep <= 0) sweep += kTurn;
   } else if (sweep >= 0) {
-    sweep -= turn;
+    sweep -= kTurn;
   }
   arc.sweep = sweep;
   return arc;

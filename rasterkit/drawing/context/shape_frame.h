@@ -7,24 +7,24 @@
 
 namespace rasterkit::detail {
 
-/// The coordinates in which a boxed shape is made. In compatible mode they are the device's pixels,
-/// where the right and lower edge of a box are drawn one pixel before its corner (or as much of one
-/// as the pen is wide); else the logical units.
+/// The coordinates in which a boxed shape is built. In compatible mode these are pixels of the
+/// device, and the right and bottom edges of a box lie one pixel (or less for a thinner pen) before
+/// its corner. In advanced mode these are logical units.
 struct ShapeFrame {
   Affine fromLogical, toTarget;
-  RectD fillBox;  ///< what is filled
-  RectD lineBox;  ///< what the pen goes along
+  RectD fillBox;  ///< the box to fill
+  RectD lineBox;  ///< the box that the pen follows
 };
 
-/// `pen` may be null: nothing is drawn along the line then.
+/// `pen` is null if the outline is not drawn.
 ShapeFrame ShapeFrameOf(const DrawingState& state, const Affine& deviceToTarget, const RectD& box,
                         const StrokeStyle* pen);
 
-/// Moves the pen's line inward by half of its width, for a pen that stays inside its frame.
+/// Moves the outline inward by half of the pen's width, for the inside-frame style.
 void KeepInside(ShapeFrame& frame, const LogicalPen& pen);
 
-/// The arc of the ellipse in `box` between two rays, in frame units. Rays that are the same give
-/// all of it.
+/// Returns the arc of the ellipse in `box` between two rays, in units of the frame. Equal rays give
+/// the full ellipse.
 EllipseArc ArcBetween(const ShapeFrame& frame, const RectD& box, const ArcEnds& ends,
                       ArcDirection direction);
 

@@ -12,8 +12,8 @@ namespace {
 using Verb = DrawingPath::Verb;
 
 bool IsSlanted(PointD a, PointD b) {
-  constexpr double straight = 1.0 / 64;
-  return std::abs(a.x - b.x) >= straight && std::abs(a.y - b.y) >= straight;
+  constexpr double kStraight = 1.0 / 64;
+  return std::abs(a.x - b.x) >= kStraight && std::abs(a.y - b.y) >= kStraight;
 }
 
 bool IsOneFigureOfLines(const DrawingPath& outline) {
@@ -25,7 +25,7 @@ bool IsOneFigureOfLines(const DrawingPath& outline) {
   return true;
 }
 
-/// Above 0 where the corners go round with the clock, as y points downward.
+/// Returns a positive number if the corners run clockwise, with y downward.
 double Turn(std::span<const PointD> corners) {
   double area = 0;
   PointD last = corners.back();

@@ -7,31 +7,32 @@
 
 namespace rasterkit::detail {
 
-/// Finds edges at which an area lies against one that was filled before. Each covers half of the
-/// pixels there and lets through half of what the other left: the background shows as a fine line,
-/// which devices without soft edges never had.
+/// Finds edges between an area and one that was filled before. Antialiased, each area covers half
+/// of an edge's pixels and lets half of the rest through: the background shows as a thin line,
+/// which devices without antialiasing did not have.
 class SharedEdges {
  public:
-  /// The slanted edges of the outline that an earlier one has on its other side; edges along the
-  /// axes lie between pixels. The outline's own edges are remembered, the last few thousand of all.
-  /// Only single closed figures of not too many lines count.
+  /// Returns the slanted edges of the outline that an earlier outline has on its other side; edges
+  /// along the axes lie between pixels and need no repair. The outline's edges are stored for later
+  /// calls; a few thousand are kept. Only single closed figures with a limited number of lines
+  /// count.
   DrawingPath SharedWith(const DrawingPath& outline);
 
  private:
   struct Edge {
-    PointD from, to;  ///< the lesser point first
+    PointD from, to;  ///< the smaller point first
     bool isAreaLeft = false;
     bool isThere = false;
   };
   static constexpr size_t kShelves = 2048, kMostCorners = 256;
-  /// A few edges whose places give the same number.
+  /// A bucket of the hash table: edges with the same hash.
   struct Shelf {
     std::array<Edge, 4> edges;
-    unsigned next = 0;  ///< the one that goes when there is no room
+    unsigned next = 0;  ///< the edge that is replaced next
   };
 
-  /// Whether an earlier area lies on the edge's other side; the edge is done with then, else
-  /// remembered.
+  /// Returns whether an earlier area lies on the other side of the edge. If so the edge is removed,
+  /// else it is stored.
   bool Meets(const Edge& edge);
 
   std::vector<Shelf> shelves_;

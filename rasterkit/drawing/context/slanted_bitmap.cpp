@@ -10,7 +10,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// From the unit square to the target.
+/// Returns the map from the unit square to the target.
 Affine SquareMap(const BitmapCorners& corners) {
   const PointD o = corners.topLeft;
   return {corners.topRight.x - o.x,
@@ -28,7 +28,7 @@ DrawingPath Outline(const Affine& map) {
   return outline;
 }
 
-/// Pixels of a 32-bit bitmap at places between them.
+/// Samples a 32-bit bitmap at fractional positions.
 class Sampler {
  public:
   Sampler(const Raster& bitmap, bool isSmooth, bool hasAlpha)
@@ -42,7 +42,7 @@ class Sampler {
     if (!hasAlpha_) pixel.a = 255;
     return pixel;
   }
-  /// Nothing outside, but a rounding error at the edge is forgiven.
+  /// Returns a transparent pixel outside the bitmap, but tolerates rounding errors at its edge.
   RGBArec Nearest(PointD p) const {
     const double slack = 0.5;
     const bool isInside = p.x >= -slack && p.y >= -slack && p.x <= bitmap_.Width() + slack &&
@@ -51,7 +51,7 @@ class Sampler {
     return Pixel(std::clamp(static_cast<int>(std::floor(p.x)), 0, bitmap_.Width() - 1),
                  std::clamp(static_cast<int>(std::floor(p.y)), 0, bitmap_.Height() - 1));
   }
-  /// Between the centres of four pixels, colours weighted by alpha.
+  /// Interpolates between the centers of four pixels; colors are weighted by alpha.
   RGBArec Between(PointD p) const {
     if (Nearest(p).a == 0 && !hasAlpha_) return {};
     const double x = std::clamp(p.x - 0.5, 0.0, bitmap_.Width() - 1.0);
@@ -90,10 +90,10 @@ Raster Opaque32(const Raster& bitmap, bool hasAlpha) {
   return copy;
 }
 
-/// A bitmap that shrinks a lot is made small first, so that all of its pixels count.
+/// A bitmap that is shrunk a lot is reduced first, so that all of its pixels contribute.
 struct Shrunk {
   Raster bitmap;
-  double across = 1, down = 1;  ///< new size through old size
+  double across = 1, down = 1;  ///< new size / old size
 };
 
 Shrunk ShrinkFor(Raster bitmap, const RectD& part, const Affine& square) {

@@ -6,7 +6,7 @@
 
 namespace rasterkit::detail {
 
-/// `PlaceBitmap` for one that does not stand upright.
+/// Implements `PlaceBitmap` for bitmaps that are not parallel to the axes.
 std::optional<PlacedBitmap> PlaceSlanted(const BitmapPart& source, const BitmapCorners& corners,
                                          const PixelRect& visible, Sampling sampling,
                                          bool hasAlpha);

@@ -5,13 +5,14 @@
 
 namespace rasterkit {
 
-/// A point of a drawing; what the unit is, the user says.
+/// A point; the unit depends on the caller.
 struct PointD {
   double x = 0, y = 0;
   friend bool operator==(const PointD&, const PointD&) = default;
 };
 
-/// Two corners, in any order; right and bottom lie outside where pixels are meant.
+/// A rectangle given by two corners in any order. As an area of pixels it excludes right and
+/// bottom.
 struct RectD {
   double left = 0, top = 0, right = 0, bottom = 0;
   double Width() const { return right - left; }
@@ -19,7 +20,7 @@ struct RectD {
   friend bool operator==(const RectD&, const RectD&) = default;
 };
 
-/// An affine map of the plane, with row vectors as metafiles write them:
+/// An affine map of the plane, for row vectors as in metafiles:
 ///
 ///     x' = m11 x + m21 y + dx
 ///     y' = m12 x + m22 y + dy
@@ -32,22 +33,21 @@ struct Affine {
   PointD operator()(const PointD& p) const {
     return {m11 * p.x + m21 * p.y + dx, m12 * p.x + m22 * p.y + dy};
   }
-  /// The map without its translation: for lengths and directions.
+  /// Maps a vector: applies the map without its translation.
   PointD Direction(const PointD& d) const { return {m11 * d.x + m21 * d.y, m12 * d.x + m22 * d.y}; }
   double Determinant() const { return m11 * m22 - m12 * m21; }
-  /// The factor that areas keep: the side of the square that a unit square is as large as.
+  /// Returns the mean scale factor: the square root of the factor by which areas grow.
   double MeanScale() const { return std::sqrt(std::abs(Determinant())); }
-  /// Rectangles along the axes stay such.
+  /// Returns whether rectangles along the axes stay along the axes.
   bool KeepsAxes() const { return (m12 == 0 && m21 == 0) || (m11 == 0 && m22 == 0); }
 
-  /// First this map, then `next`.
+  /// Returns the map that applies this map first, then `next`.
   Affine Then(const Affine& next) const {
     return {m11 * next.m11 + m12 * next.m21,         m11 * next.m12 + m12 * next.m22,
             m21 * next.m11 + m22 * next.m21,         m21 * next.m12 + m22 * next.m22,
             dx * next.m11 + dy * next.m21 + next.dx, dx * next.m12 + dy * next.m22 + next.dy};
   }
-  /// The way back; nothing for a map that folds the plane onto a line, or with numbers that are not
-  /// finite.
+  /// Returns the inverse; nothing if the map is singular or has non-finite numbers.
   std::optional<Affine> Inverse() const {
     const double d = Determinant();
     if (d == 0 || !std::isfinite(d) || !std::isfinite(1 / d)) return std::nullopt;

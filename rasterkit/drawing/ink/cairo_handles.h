@@ -4,7 +4,7 @@
 
 #include <cairo.h>
 
-/// Owners of cairo's objects.
+/// Owning handles of cairo objects.
 namespace rasterkit::detail {
 
 template <auto release>
@@ -22,7 +22,7 @@ using CairoFontFace = std::unique_ptr<cairo_font_face_t, CairoRelease<cairo_font
 using CairoScaledFont =
     std::unique_ptr<cairo_scaled_font_t, CairoRelease<cairo_scaled_font_destroy>>;
 
-/// The map without its translation, as cairo writes it.
+/// Returns the map without its translation, as a cairo matrix.
 template <class Map>
 cairo_matrix_t LinearMatrix(const Map& map) {
   return {map.m11, map.m12, map.m21, map.m22, 0, 0};

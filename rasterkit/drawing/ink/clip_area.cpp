@@ -22,7 +22,7 @@ cairo_rectangle_int_t CairoRect(const PixelRect& r) {
   return {r.left, r.top, r.right - r.left, r.bottom - r.top};
 }
 
-/// round(a b / 255)
+/// Returns round(a b / 255).
 uint8_t Product(int a, int b) {
   return static_cast<uint8_t>((a * b + 127) / 255);
 }
@@ -44,11 +44,11 @@ PixelRect BoxOf(const cairo_rectangle_int_t& r) {
   return {r.x, r.y, r.x + r.width, r.y + r.height};
 }
 
-/// More rectangles than this take more memory than a mask, and more time. A few bytes of a file can
-/// ask for a rectangle for every other pixel, and for the next such area.
+/// More rectangles take more memory and time than a mask. A hostile file can describe a
+/// checkerboard region in a few bytes, repeatedly.
 constexpr int kMostRects = 4096;
 
-/// A region as a mask; what `limit`, where there is one, leaves of it.
+/// Returns a region as a mask, multiplied by `limit` if it is not null.
 std::shared_ptr<const CoverageMask> MaskOf(const cairo_region_t* region,
                                            const CoverageMask* limit) {
   cairo_rectangle_int_t r;
@@ -211,7 +211,7 @@ uint8_t ClipArea::At(int x, int y) const {
   return mask_ ? mask_->Row(y)[x - mask_->Box().left] : 255;
 }
 
-bool ClipArea::Holds(int x, int y) const {
+bool ClipArea::Contains(int x, int y) const {
   return At(x, y) > 127;
 }
 

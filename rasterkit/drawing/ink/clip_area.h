@@ -10,33 +10,33 @@
 
 namespace rasterkit::detail {
 
-/// A part of the picture: whole pixels in rectangles, and beside them a mask where edges are soft
-/// or slanted. Never changed once made, so that states share it.
+/// An area of the picture: rectangles of whole pixels, plus a mask if edges are soft or slanted.
+/// Immutable, so that saved states can share it.
 class ClipArea {
  public:
   using Pointer = std::shared_ptr<const ClipArea>;
 
   static Pointer OfRects(std::span<const PixelRect> rects, const PixelRect& frame);
-  /// What lies inside the path, cut to the frame.
+  /// Returns the inside of the path, clipped to the frame.
   static Pointer OfPath(const DrawingPath& path, PolygonFill fill, const PixelRect& frame);
-  /// What the mask covers.
+  /// Returns the area covered by the mask.
   static Pointer OfMask(std::shared_ptr<const CoverageMask> mask);
-  /// `current` and `other` as the mode says. Both lie in the same frame.
+  /// Combines `current` and `other` by the mode. Both must have the same frame.
   static Pointer Combined(const Pointer& current, const Pointer& other, RegionMode mode);
   Pointer Moved(int dx, int dy, const PixelRect& frame) const;
 
-  /// The pixels, each once, from top to bottom.
+  /// Returns the rectangles: they do not overlap and are sorted from top to bottom.
   const std::vector<PixelRect>& Rects() const { return rects_; }
-  /// Those of them that end below `top`: rectangles lie in bands from top to bottom, and in a band
-  /// from left to right.
+  /// Returns the rectangles that end below `top`. Rectangles lie in bands from top to bottom, and
+  /// from left to right in each band.
   std::span<const PixelRect> RectsFrom(int top) const;
-  /// Around all of it; may be empty.
+  /// Returns the bounding box; may be empty.
   const PixelRect& Bounds() const { return bounds_; }
   bool HasMask() const { return mask_ != nullptr; }
-  /// Takes down the coverage of a row's pixels that lie in `Rects()` to what the mask leaves.
+  /// Multiplies the coverage of pixels in one row by the mask. The pixels must lie in `Rects()`.
   void Limit(int y, int left, int count, uint8_t* coverage) const;
-  /// Whether the pixel lies inside, by more than half.
-  bool Holds(int x, int y) const;
+  /// Returns whether more than half of the pixel lies inside.
+  bool Contains(int x, int y) const;
 
  private:
   ClipArea() = default;

@@ -11,11 +11,11 @@
 
 namespace rasterkit::detail {
 
-/// A claim on the memory of all masks that exist, which together keep to the picture memory budget:
-/// a few bytes of a file can put a mask by, and ask for the next one.
+/// Counts the memory of all existing masks against the picture memory budget: a hostile file can
+/// keep many masks alive (SaveDC) at a few bytes each.
 class MaskMemory {
  public:
-  /// Throws LimitError when the budget does not hold it.
+  /// Throws LimitError if the picture memory budget is exceeded.
   explicit MaskMemory(uint64_t bytes);
   ~MaskMemory();
   MaskMemory(MaskMemory&& other) noexcept : bytes_(std::exchange(other.bytes_, 0)) {}
@@ -25,10 +25,10 @@ class MaskMemory {
   uint64_t bytes_;
 };
 
-/// How much of each pixel of a rectangle is meant, 0 to 255.
+/// The coverage of each pixel of a rectangle, 0 to 255.
 class CoverageMask {
  public:
-  /// Nothing is meant yet. Throws LimitError when the picture memory budget does not hold it.
+  /// Creates a mask of zeros. Throws LimitError if the picture memory budget is exceeded.
   explicit CoverageMask(const PixelRect& box);
 
   const PixelRect& Box() const { return box_; }
@@ -38,7 +38,7 @@ class CoverageMask {
     return bytes_.data() + static_cast<size_t>(y - box_.top) * stride_;
   }
 
-  /// Lets `draw` paint with an opaque colour; the coordinates are those of the box.
+  /// Calls `draw` to paint coverage with an opaque color, in the coordinates of the box.
   void Draw(const std::function<void(cairo_t*)>& draw);
 
  private:

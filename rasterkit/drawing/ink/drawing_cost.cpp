@@ -9,31 +9,31 @@ namespace {
 
 using Verb = DrawingPath::Verb;
 
-/// A row of pixels that an edge crosses, and a piece of an outline.
+/// Costs per pixel row that an edge crosses, and per piece of an outline.
 constexpr double kEdgeRow = 100, kPiece = 40;
-/// cairo keeps about a hundred bytes of each piece.
+/// cairo needs about 100 bytes per piece.
 constexpr double kMostPieces = 1 << 24;
 constexpr size_t kMostRects = size_t{1} << 24;
 
-/// The pixels that can be seen, and how far a pen reaches into them from outside.
+/// The visible pixels, extended by the reach of the pen.
 class View {
  public:
   View(const PixelRect& pixels, double reach) : pixels_(pixels), reach_(reach) {}
 
-  /// Whether something with these corners comes near.
+  /// Returns whether a segment between these points may touch the view.
   bool Meets(PointD a, PointD b) const {
     return std::max(a.x, b.x) >= pixels_.left - reach_ &&
            std::min(a.x, b.x) <= pixels_.right + reach_ &&
            std::max(a.y, b.y) >= pixels_.top - reach_ &&
            std::min(a.y, b.y) <= pixels_.bottom + reach_;
   }
-  /// Rows that a line crosses.
+  /// Returns the number of rows that a line crosses.
   double Rows(PointD a, PointD b) const {
     const double top = std::max<double>(pixels_.top, std::min(a.y, b.y) - reach_);
     const double bottom = std::min<double>(pixels_.bottom, std::max(a.y, b.y) + reach_);
     return std::max(0.0, bottom - top);
   }
-  /// More than any line has of itself inside.
+  /// Returns an upper bound of the length of a line inside the view.
   double Longest() const {
     return double{1} * pixels_.right - pixels_.left + pixels_.bottom - pixels_.top;
   }
@@ -43,14 +43,14 @@ class View {
   const double reach_;
 };
 
-/// What an outline is made of; curves count as the lines between their points.
+/// Sums of an outline; a curve counts as the lines between its points.
 class Extent {
  public:
   Extent(const PixelRect& box, double reach) : view_(box, reach) {}
 
   double pieces = 0, length = 0, rows = 0;
-  /// Of what comes near the picture, as cairo passes over the rest: corners that a nib goes around,
-  /// and the length.
+  /// Sums of the parts near the picture, as cairo skips the rest: corners that the nib turns
+  /// around, and the length.
   double seenCorners = 0, seenLength = 0;
 
   void AddPiece() { ++pieces; }
@@ -58,7 +58,7 @@ class Extent {
     ++pieces;
     if (AddPart(CairoPoint(from), CairoPoint(to))) ++seenCorners;
   }
-  /// From the point before `points`.
+  /// `from` is the point before `points`.
   void AddCurve(PointD from, const PointD* points) {
     const double before = length;
     PointD last = CairoPoint(from), least = last, most = last;
@@ -70,7 +70,7 @@ class Extent {
       last = next;
     }
     const bool isSeen = view_.Meets(least, most);
-    // Where a curve bends the nib turns little by little, once around at most.
+    // The nib turns in small steps along a curve, at most once around.
     pieces += isSeen ? 2 + 9 * std::sqrt(length - before) : 2;
     if (isSeen) seenCorners += 2;
   }
@@ -119,7 +119,7 @@ double WidthOf(const StrokeStyle& style) {
   return style.width * (style.nib ? style.nib->MeanScale() : 1);
 }
 
-/// Points of the nib between two lines, or at an end of one.
+/// Returns the number of nib points at a join or a cap.
 double NibPoints(const StrokeStyle& style) {
   const bool isRound = style.cap == CAIRO_LINE_CAP_ROUND || style.join == CAIRO_LINE_JOIN_ROUND;
   return isRound ? 3 + 2 * std::sqrt(WidthOf(style)) : 3;
@@ -131,7 +131,7 @@ double CostOf(const Extent& extent, const StrokeStyle& style, double area) {
   const double pieces =
       extent.pieces + 2 * dashes + (extent.seenCorners + seenDashes) * NibPoints(style);
   if (!(pieces <= kMostPieces)) {
-    throw LimitError("metafile: a line of more pieces than can be drawn");
+    throw LimitError("metafile: a line has too many pieces");
   }
   const double covered = std::min(extent.seenLength * WidthOf(style), extent.pieces * area);
   return pieces * kPiece + 2 * extent.rows * kEdgeRow + covered * kPlainPixel;
@@ -147,7 +147,7 @@ bool MixesMasks(const ClipArea& a, const ClipArea& b, RegionMode mode) {
 double OutlineCost(const DrawingPath& path, const PixelRect& box) {
   const Extent extent = ExtentOf(path, box, 0);
   if (!(extent.pieces <= kMostPieces)) {
-    throw LimitError("metafile: an outline of more pieces than can be drawn");
+    throw LimitError("metafile: an outline has too many pieces");
   }
   return extent.pieces * kPiece + extent.rows * kEdgeRow;
 }
@@ -183,7 +183,7 @@ void RequireRegion(std::span<const PixelRect> rects, const PixelRect& frame) {
   const size_t bands = std::min(2 * rects.size(), height);
   const size_t longest = std::min(rects.size(), width / 2 + 1);
   if (bands > kMostRects / longest) {
-    throw LimitError("metafile: a region of more rectangles than can be held");
+    throw LimitError("metafile: a region has too many rectangles");
   }
 }
 

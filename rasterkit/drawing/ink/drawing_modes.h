@@ -2,12 +2,13 @@
 
 #include <cstdint>
 
-/// The modes of a drawing context. Each enumerator has the number that metafiles write, so that a
-/// reader casts; a number without a name is ignored by the setter that gets it.
+/// The modes of a drawing context. Enumerators have the numbers that metafiles store, so that
+/// readers can cast; setters ignore a number without an enumerator.
 namespace rasterkit {
 
-/// What a unit of the page is. Text: a pixel, y downward. The metric ones: 0.1 mm, 0.01 mm,
-/// 0.01 inch, 0.001 inch, 1/1440 inch, y upward. Isotropic and anisotropic: by window and viewport.
+/// The unit of the page. `text`: one pixel, y downward. The metric modes: 0.1 mm, 0.01 mm, 0.01
+/// inch, 0.001 inch and 1/1440 inch, y upward. `isotropic` and `anisotropic`: set by window and
+/// viewport.
 enum class MapMode : uint32_t {
   text = 1,
   loMetric = 2,
@@ -19,22 +20,22 @@ enum class MapMode : uint32_t {
   anisotropic = 8
 };
 
-/// How a matrix changes the world transform. Left: the matrix is applied first, then what was
-/// there; right: the other way round.
+/// How a matrix changes the world transform. `left`: the matrix is applied before the current
+/// transform; `right`: after it.
 enum class WorldChange : uint32_t { identity = 1, left = 2, right = 3, set = 4 };
 
-/// Compatible: letters stand upright on the device, whatever the axes do, and are as wide as their
-/// height asks for. Advanced: letters follow every transform, mirrored and slanted.
+/// Compatible: letters stand upright on the device, whatever the direction of the axes, and their
+/// width follows from their height. Advanced: letters follow all transforms, including mirroring
+/// and shear.
 enum class GraphicsMode : uint32_t { compatible = 1, advanced = 2 };
 
-/// Whether gaps of hatches and dashes, and what lies behind letters, get the background colour.
+/// Whether gaps of hatches and dashes, and the area behind letters, get the background color.
 enum class BackgroundMode : uint32_t { transparent = 1, opaque = 2 };
 
 /// Which points lie inside a polygon that crosses itself.
 enum class PolygonFill : uint32_t { alternate = 1, winding = 2 };
 
-/// What a shrunken bitmap makes of the pixels that have no place; all but halftone take one of
-/// them.
+/// How a shrunken bitmap treats pixels that are dropped; all modes but halftone pick one pixel.
 enum class StretchMode : uint32_t {
   blackOnWhite = 1,
   whiteOnBlack = 2,
@@ -44,7 +45,7 @@ enum class StretchMode : uint32_t {
 
 enum class ArcDirection : uint32_t { counterclockwise = 1, clockwise = 2 };
 
-/// How a region or path meets the clipping region.
+/// How a region or path is combined with the clipping region.
 enum class RegionMode : uint32_t {
   intersection = 1,
   unite = 2,
@@ -53,14 +54,14 @@ enum class RegionMode : uint32_t {
   copy = 5
 };
 
-/// What the numbers of a region count: pixels of the recording device, or the units of the page.
+/// The unit of a region: pixels of the recording device, or logical units.
 enum class RegionUnit { device, logical };
 
-/// How a flood fill knows where to end: at pixels of the colour, or at pixels of any other colour.
+/// Where a flood fill stops: at pixels of the color, or at pixels of any other color.
 enum class FloodFill : uint32_t { toBorder = 0, overSurface = 1 };
 
-/// How pen and brush meet the picture: bit (2 pen + picture) of (number - 1) is the result.
-/// `copyPen` is the usual one.
+/// How pen and brush are combined with the picture: bit (2 pen + picture) of (number - 1) is the
+/// result. The default is `copyPen`.
 enum class Rop2 : uint32_t {
   black = 1,
   notMergePen = 2,
@@ -80,8 +81,8 @@ enum class Rop2 : uint32_t {
   white = 16
 };
 
-/// Raster operations with three operands, as metafiles write them: bits 16 to 23 are the truth
-/// table, bit (4 brush + 2 source + picture) of it the result; the low word says nothing more.
+/// Ternary raster operations as stored in metafiles: bits 16 to 23 are the truth table, whose bit
+/// (4 brush + 2 source + picture) is the result. The low word is redundant.
 namespace rop3 {
 inline constexpr uint32_t sourceCopy = 0x00CC0020;
 inline constexpr uint32_t sourceAnd = 0x008800C6;
@@ -94,7 +95,7 @@ inline constexpr uint32_t blackness = 0x00000042;
 inline constexpr uint32_t whiteness = 0x00FF0062;
 }  // namespace rop3
 
-/// Which point of a text its reference point is: a sum of one of each group.
+/// Which point of the text its reference point is: the sum of one flag of each group.
 namespace text_align {
 inline constexpr uint32_t updatePosition = 1;
 inline constexpr uint32_t left = 0, right = 2, center = 6, horizontal = 6;
@@ -102,17 +103,17 @@ inline constexpr uint32_t top = 0, bottom = 8, baseline = 24, vertical = 24;
 inline constexpr uint32_t rightToLeft = 256;
 }  // namespace text_align
 
-/// How a text is drawn: a sum.
+/// Text options, to be added.
 namespace text_option {
-inline constexpr uint32_t opaque = 0x0002;        ///< the rectangle gets the background colour
-inline constexpr uint32_t clipped = 0x0004;       ///< letters show inside the rectangle only
-inline constexpr uint32_t glyphIndexes = 0x0010;  ///< numbers of the font's pictures, no characters
-inline constexpr uint32_t rightToLeft = 0x0080;   ///< the line as a whole runs to the left
-inline constexpr uint32_t asOrdered = 0x1000;     ///< letters are in the order they are seen in
-inline constexpr uint32_t pairs = 0x2000;         ///< the steps have a vertical part as well
+inline constexpr uint32_t opaque = 0x0002;        ///< fills the rectangle with the background color
+inline constexpr uint32_t clipped = 0x0004;       ///< clips the text to the rectangle
+inline constexpr uint32_t glyphIndexes = 0x0010;  ///< glyph indexes instead of characters
+inline constexpr uint32_t rightToLeft = 0x0080;   ///< right-to-left text direction
+inline constexpr uint32_t asOrdered = 0x1000;     ///< characters are in visual order
+inline constexpr uint32_t pairs = 0x2000;         ///< steps also have a vertical part
 }  // namespace text_option
 
-/// Mirrors the page left to right when bit 0 is set.
+/// Mirrors the page horizontally if bit 0 is set.
 inline constexpr uint32_t kLayoutRightToLeft = 1;
 
 }  // namespace rasterkit

@@ -6,13 +6,13 @@
 namespace rasterkit::detail {
 
 double CairoNumber(double value) {
-  // 24 bits before the point, one for the sign, and room for what a broad pen adds.
-  constexpr double limit = 1 << 22;
-  return std::isfinite(value) ? std::clamp(value, -limit, limit) : 0;
+  // 24 integer bits: one for the sign, the rest with room for the width of a pen.
+  constexpr double kLimit = 1 << 22;
+  return std::isfinite(value) ? std::clamp(value, -kLimit, kLimit) : 0;
 }
 
 void DrawingPath::MoveTo(PointD to) {
-  // Of moves in a row the last counts.
+  // Only the last of consecutive moves counts.
   if (!verbs_.empty() && verbs_.back() == Verb::move) {
     points_.back() = to;
     return;

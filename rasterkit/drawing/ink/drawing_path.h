@@ -10,33 +10,35 @@
 
 namespace rasterkit::detail {
 
-/// How outlines are put onto pixels.
+/// How outlines are aligned to pixels.
 enum class EdgeGrid {
-  none,   ///< as they are
+  none,   ///< not aligned
   fill,   ///< edges along the axes lie between pixels
-  thin,   ///< for lines of an odd number of pixels: along the axes they run through pixel centres
-  broad,  ///< for lines of an even number of pixels: along the axes they run between pixels
+  thin,   ///< lines of odd width: run through pixel centers along the axes
+  broad,  ///< lines of even width: run between pixels along the axes
 };
 
-/// What puts an outline onto pixels: the grid, and how far a line lies from its coordinates, which
-/// name the upper left corner of a pixel of the recording device and mean its centre.
+/// How an outline is aligned to pixels: the grid, and the offset of lines. A coordinate names the
+/// upper left corner of a pixel of the recording device, but a line runs through the pixel's
+/// center.
 struct PixelFit {
   EdgeGrid grid = EdgeGrid::none;
   PointD toCenter = {};
-  /// Ends of open lines along an axis stay where they are: pixels of a line are counted from its
-  /// first to before its last.
+  /// Keeps the ends of open lines along an axis in place: a line covers its pixels from the first
+  /// to the one before the last.
   bool keepsEnds = false;
-  /// A line just outside this size is pulled inside: pictures are framed by lines on their edge.
+  /// The size of the picture. Lines just outside it are moved inside, as pictures have frames on
+  /// their edge.
   double width = 0, height = 0;
 };
 
-/// Cuts to what cairo's fixed-point numbers hold; numbers that are not finite become 0.
+/// Clamps to the range of cairo's fixed-point numbers; non-finite numbers become 0.
 double CairoNumber(double value);
 inline PointD CairoPoint(PointD p) {
   return {CairoNumber(p.x), CairoNumber(p.y)};
 }
 
-/// Figures of lines and curves, in pixels of the target.
+/// Figures made of lines and curves, in pixels of the target.
 class DrawingPath {
  public:
   enum class Verb : uint8_t { move, line, curve, close };
@@ -44,7 +46,8 @@ class DrawingPath {
   void MoveTo(PointD to);
   void LineTo(PointD to);
   void CurveTo(PointD c1, PointD c2, PointD to);
-  /// Lines and curves without a beginning start at the last figure's first point.
+  /// Closes the figure. A line or curve without a preceding move starts at the first point of the
+  /// last figure.
   void Close();
   void AddRect(const RectD& rect);
   void Append(const DrawingPath& other);
@@ -53,14 +56,14 @@ class DrawingPath {
 
   bool Empty() const { return verbs_.empty(); }
   const std::vector<Verb>& Verbs() const { return verbs_; }
-  /// One for a move or a line, three for a curve, none for a close.
+  /// Returns the points: one for a move or a line, three for a curve, none for a close.
   const std::vector<PointD>& Points() const { return points_; }
-  /// Of all points, control points included; nothing for an empty path.
+  /// Returns the bounding box of all points, including control points; nothing for an empty path.
   std::optional<RectD> Bounds() const;
-  /// The rectangle, when the path is no more than one along the axes.
+  /// Returns the rectangle if the path is a single rectangle along the axes.
   std::optional<RectD> AsRect() const;
 
-  /// Adds the path to the one of a cairo context without a transform.
+  /// Adds the path to the path of a cairo context that has no transform.
   void EmitTo(cairo_t* cairo, const PixelFit& fit = {}) const;
 
  private:
@@ -68,7 +71,7 @@ class DrawingPath {
   std::vector<PointD> points_;
 };
 
-/// The fit of a lone line, for those who draw many without a path.
+/// Aligns a single line, for callers that draw many lines without a path.
 void FitLine(PointD& from, PointD& to, const PixelFit& fit);
 
 }  // namespace rasterkit::detail

@@ -10,11 +10,11 @@
 
 namespace rasterkit::detail {
 
-/// What is put by and brought back together.
+/// The state that SaveDC saves and RestoreDC restores.
 struct DrawingState {
   explicit DrawingState(const ReferenceDevice& device) : page(device) {}
 
-  /// Logical units to pixels of the recording device.
+  /// Returns the map from logical units to pixels of the recording device.
   Affine ToDevice() const { return world.Then(page.ToDevice()); }
 
   PageMapping page;
@@ -40,7 +40,7 @@ struct DrawingState {
   std::shared_ptr<HPALETTE> palette;
   PointD position;
 
-  /// What is clipped for good, and what beside that; null: nothing but the frame's edge.
+  /// The meta region and the clipping region; null means no clipping inside the frame.
   ClipArea::Pointer metaClip, clip;
 };
 

@@ -11,15 +11,15 @@ thread_local double limitOfThread = std::numeric_limits<double>::infinity();
 }  // namespace
 
 DrawingWork::DrawingWork(double pixels)
-    : limit_(std::min(std::max(kLeast, kPerPixel * pixels), limitOfThread)) {}
+    : limit_(std::min(std::max(kLeastBudget, kPerPixel * pixels), limitOfThread)) {}
 
-void DrawingWork::Allow(double more) {
+void DrawingWork::Raise(double more) {
   limit_ = std::min(limit_ + more, limitOfThread);
 }
 
 void DrawingWork::ThrowTooMuch() const {
   throw DrawingWorkError(
-      "metafile: the drawing takes more work than any picture shows, the rest of it is left out");
+      "metafile: the drawing exceeds its work budget; the rest of it is left out");
 }
 
 DrawingWorkScope::DrawingWorkScope(double most) : before_(limitOfThread) {

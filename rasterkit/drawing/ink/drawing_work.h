@@ -4,33 +4,34 @@
 
 namespace rasterkit::detail {
 
-/// A drawing asks for more work than is done for one. It may be used on, and is told the same again
-/// by everything that paints.
+/// Thrown when a drawing exceeds its work budget. The context stays usable; every later paint call
+/// throws again.
 class DrawingWorkError : public LimitError {
  public:
   using LimitError::LimitError;
 };
 
-/// Adds up what a drawing costs. A few bytes of a file may ask for as much work as a whole picture
-/// is, and there may be millions of them; no picture shows so much.
+/// Counts the work of a drawing against a budget. A hostile file can describe the work of a whole
+/// picture in a few bytes, millions of times.
 ///
-/// The unit is one pixel that is computed, which takes about a nanosecond.
+/// The unit is one computed pixel, about one nanosecond.
 class DrawingWork {
  public:
-  /// For a drawing on so many pixels.
+  /// Sets the budget for a drawing of `pixels` pixels.
   explicit DrawingWork(double pixels);
 
-  /// Before work is done that costs so much. Throws DrawingWorkError when that is too much.
-  void Take(double cost) {
+  /// Charges `cost` to the budget; call before doing the work. Throws DrawingWorkError if the
+  /// budget is exceeded.
+  void Charge(double cost) {
     spent_ += cost;
     if (!(spent_ <= limit_)) ThrowTooMuch();
   }
-  /// Lets the drawing cost more.
-  void Allow(double more);
+  /// Raises the budget by `more`.
+  void Raise(double more);
 
-  /// Every drawing may cost so much, and a large one so much for each of its pixels.
-  static constexpr double kLeast = 5e9, kPerPixel = 50;
-  /// And so much more for each byte of the file: a large one is expected to take its time.
+  /// Least budget of a drawing, and budget per pixel of a large one.
+  static constexpr double kLeastBudget = 5e9, kPerPixel = 50;
+  /// Additional budget per byte of the file, as large files take longer.
   static constexpr double kPerByte = 300;
 
  private:
@@ -40,8 +41,8 @@ class DrawingWork {
   double spent_ = 0;
 };
 
-/// Lets drawings that the calling thread begins cost no more than this, for as long as it lives:
-/// for tests and for whoever cannot wait. Scopes nest.
+/// Limits the budget of drawings that the calling thread starts during the lifetime of this object,
+/// for tests and for callers with little time. Scopes nest.
 class DrawingWorkScope {
  public:
   explicit DrawingWorkScope(double most);

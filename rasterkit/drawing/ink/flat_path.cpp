@@ -7,7 +7,7 @@ namespace {
 
 using Verb = DrawingPath::Verb;
 
-/// A context to compute with, without pixels.
+/// Returns a context without pixels, for computing only.
 CairoContext Scratch() {
   const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1));
   return CairoContext(cairo_create(surface.get()));

@@ -6,13 +6,13 @@
 
 namespace rasterkit::detail {
 
-/// The path of a cairo context without a transform.
+/// Returns the path of a cairo context that has no transform.
 DrawingPath PathOf(cairo_t* cairo);
-/// Lines in place of curves, to a tenth of a pixel.
+/// Replaces curves by lines, within 0.1 pixels.
 DrawingPath Flattened(const DrawingPath& path);
-/// Every figure gets its last line.
+/// Closes every figure.
 DrawingPath WithClosedFigures(const DrawingPath& path);
-/// What the pen covers along the path.
+/// Returns the area that the pen covers along the path.
 ClipArea::Pointer AreaOfStroke(const DrawingPath& path, const StrokeStyle& style,
                                const PixelRect& frame);
 

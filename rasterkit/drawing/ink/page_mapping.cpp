@@ -27,7 +27,7 @@ void PageMapping::SetUnitsPerMm(double units) {
 }
 
 void PageMapping::SetMode(MapMode mode) {
-  constexpr double mmPerInch = 25.4;
+  constexpr double kMmPerInch = 25.4;
   switch (mode) {
     case MapMode::text:
       windowExt_ = viewportExt_ = {1, 1};
@@ -40,13 +40,13 @@ void PageMapping::SetMode(MapMode mode) {
       SetUnitsPerMm(100);
       break;
     case MapMode::loEnglish:
-      SetUnitsPerMm(100 / mmPerInch);
+      SetUnitsPerMm(100 / kMmPerInch);
       break;
     case MapMode::hiEnglish:
-      SetUnitsPerMm(1000 / mmPerInch);
+      SetUnitsPerMm(1000 / kMmPerInch);
       break;
     case MapMode::twips:
-      SetUnitsPerMm(1440 / mmPerInch);
+      SetUnitsPerMm(1440 / kMmPerInch);
       break;
     case MapMode::anisotropic:
       break;
@@ -80,8 +80,8 @@ void PageMapping::ScaleViewportExt(PointD numerator, PointD denominator) {
       {viewportExt_.x * numerator.x / denominator.x, viewportExt_.y * numerator.y / denominator.y});
 }
 
-/// In the isotropic mode a unit is as long across as down, in millimetres: the viewport shrinks in
-/// the direction where it would be longer.
+/// Makes isotropic units square in millimeters: shrinks the viewport in the direction in which a
+/// unit would be longer.
 void PageMapping::KeepSquare() {
   if (mode_ != MapMode::isotropic) return;
   const double across = std::abs(viewportExt_.x / windowExt_.x) * device_.widthMm / device_.widthPx;

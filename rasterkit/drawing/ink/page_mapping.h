@@ -6,14 +6,13 @@
 
 namespace rasterkit::detail {
 
-/// From page units to pixels of the recording device: what the window shows appears in the
-/// viewport.
+/// Maps page units to pixels of the recording device: the window is shown in the viewport.
 class PageMapping {
  public:
   explicit PageMapping(const ReferenceDevice& device);
 
   void SetMode(MapMode mode);
-  /// Extents are kept in the modes isotropic and anisotropic only; 0 is no extent.
+  /// Sets an extent. Used in the isotropic and anisotropic modes only; 0 is ignored.
   void SetWindowExt(PointD extent);
   void SetViewportExt(PointD extent);
   void ScaleWindowExt(PointD numerator, PointD denominator);
@@ -22,7 +21,7 @@ class PageMapping {
   Affine ToDevice() const;
 
   PointD windowOrg, viewportOrg;
-  bool isMirrored = false;  ///< left to right, about the middle of the device
+  bool isMirrored = false;  ///< mirrored about the vertical center line of the device
 
  private:
   bool TakesExtents() const { return mode_ == MapMode::isotropic || mode_ == MapMode::anisotropic; }

@@ -11,10 +11,10 @@
 namespace rasterkit::detail {
 namespace {
 
-/// More rectangles than this are a clip that cairo would go through for every line.
+/// A clip of more rectangles slows cairo down, as it visits all of them for every line.
 constexpr size_t kDirectRects = 64;
 
-/// What an operation makes of one colour where it does not look at the picture.
+/// Returns the result of an operation on one color, if the operation ignores the picture.
 uint32_t ConstantResult(TernaryCode code, uint32_t pixel) {
   uint32_t result = 0;
   const uint32_t none = 0;
@@ -22,7 +22,7 @@ uint32_t ConstantResult(TernaryCode code, uint32_t pixel) {
   return result | 0xFF000000;
 }
 
-/// The ink and operation with the same effect that are easiest to paint.
+/// The ink and operation with the same effect that are cheapest to paint.
 struct Task {
   Ink ink;
   TernaryCode code;
@@ -35,7 +35,7 @@ struct Task {
   bool DoesNothing() const { return code == 0xAA; }
 };
 
-/// The part of a line that lies within `reach` of the box; false when there is none.
+/// Cuts a line to the part within `reach` of the box; returns false if nothing is left.
 bool CutLine(PointD& from, PointD& to, const PixelRect& box, double reach) {
   const double dx = to.x - from.x, dy = to.y - from.y;
   double first = 0, last = 1;
@@ -60,7 +60,7 @@ Painter::Painter(Raster& target, const PixelRect& frame, DrawingWork& work)
     : target_(target), frame_(frame), work_(work) {
   const int width = frame.right - frame.left, height = frame.bottom - frame.top;
   if (width > kMaxSide || height > kMaxSide) {
-    throw LimitError("metafile: no more than 32767 x 32767 pixels are drawn at a time");
+    throw LimitError("metafile: at most 32767 x 32767 pixels can be drawn at a time");
   }
   clip_ = ClipArea::OfRects({&frame, 1}, frame);
   if (width <= 0 || height <= 0) return;
@@ -93,7 +93,7 @@ void Painter::SetClip(ClipArea::Pointer clip) {
 }
 
 cairo_t* Painter::Direct() {
-  // An operation that cairo refused ends its context.
+  // A cairo context that has failed stays unusable; create a new one.
   if (cairo_status(cairo_.get()) != CAIRO_STATUS_SUCCESS) MakeContext();
   if (!isClipSet_) {
     cairo_reset_clip(cairo_.get());
@@ -130,13 +130,13 @@ void Painter::DrawAtCost(const PixelRect& wanted, const Ink& ink, TernaryCode co
   const PixelRect box = Intersection(wanted, clip_->Bounds());
   if (IsEmpty(box) || task.DoesNothing()) return;
   if (IsDirect(task.ink, task.code)) {
-    work_.Take(directCost);
+    work_.Charge(directCost);
     cairo_t* cairo = Direct();
     SetDirectColor(task.ink.pixel);
     draw(cairo);
     return;
   }
-  work_.Take(directCost + PixelsOf(box));
+  work_.Charge(directCost + PixelsOf(box));
   CoverageMask shape(box);
   shape.Draw(draw);
   Compose(box, {.ink = task.ink, .code = task.code, .shape = &shape});
@@ -175,7 +175,7 @@ void Painter::StrokeLine(PointD from, PointD to, const StrokeStyle& style, const
   FitLine(from, to, style.fit);
   const double reach = style.Reach();
   const PixelRect& area = clip_->Bounds();
-  // A line that is cut would begin its dashes elsewhere: only those that are far too long are.
+  // Cutting a line shifts its dashes, so dashed lines are only cut if they are far too long.
   const double margin = style.dashes.empty() ? reach : std::max(reach, 65536.0);
   if (!CutLine(from, to, area, margin)) return;
   const PixelRect box = CoveringBox(Normalized({from.x, from.y, to.x, to.y}), reach);
@@ -233,7 +233,7 @@ uint32_t Painter::Pixel(int x, int y) const {
 }
 
 void Painter::Compose(const PixelRect& box, const Layer& layer) {
-  work_.Take(PixelsOf(box) * (IsPlain(layer) ? kPlainPixel : kComposedPixel));
+  work_.Charge(PixelsOf(box) * (IsPlain(layer) ? kPlainPixel : kComposedPixel));
   cairo_surface_flush(surface_.get());
   const auto width = static_cast<size_t>(box.right - box.left);
   if (brushRow_.size() < width) {
@@ -250,7 +250,7 @@ void Painter::Compose(const PixelRect& box, const Layer& layer) {
     if (!IsEmpty(part)) ComposeRect(part, layer);
   }
   cairo_surface_mark_dirty(surface_.get());
-  work_.Take(rows * kRegionRect);
+  work_.Charge(rows * kRegionRect);
 }
 
 bool Painter::IsPlain(const Layer& layer) const {

@@ -12,14 +12,14 @@
 
 namespace rasterkit::detail {
 
-/// Paints on the rows of a raster, inside a clip area. What copies one colour goes straight to
-/// cairo; everything else is computed here: the operation's result for a pixel is mixed into it by
-/// how much of the pixel the shape covers.
+/// Paints on a raster inside a clip area. Shapes of one color without a raster operation are
+/// painted by cairo directly. All others are computed here: the result of the operation is mixed
+/// into each pixel by the coverage of the shape.
 class Painter {
  public:
-  /// `target` has 32 bits. `frame` lies inside it and is at most kMaxSide wide and high. Pixels of
-  /// the frame have alpha 255 when the painter is gone. What is painted is taken from `work`, which
-  /// stays alive as long as the painter.
+  /// `target` must be pf32bit. `frame` must lie inside it and be at most kMaxSide wide and high.
+  /// When the painter is destroyed, all pixels of the frame have alpha 255. The cost of painting is
+  /// charged to `work`, which must outlive the painter.
   Painter(Raster& target, const PixelRect& frame, DrawingWork& work);
   ~Painter();
   Painter(const Painter&) = delete;
@@ -34,27 +34,27 @@ class Painter {
 
   void Fill(const DrawingPath& path, PolygonFill fill, const Ink& ink, TernaryCode code);
   void Stroke(const DrawingPath& path, const StrokeStyle& style, const Ink& ink, TernaryCode code);
-  /// A path of one line.
+  /// Strokes a single line.
   void StrokeLine(PointD from, PointD to, const StrokeStyle& style, const Ink& ink,
                   TernaryCode code);
   void FillBox(const PixelRect& box, const Ink& ink, TernaryCode code);
   void FillMask(const CoverageMask& shape, const Ink& ink, TernaryCode code);
-  /// Whatever `draw` covers inside the box.
+  /// Paints what `draw` covers inside the box.
   void Draw(const PixelRect& box, const Ink& ink, TernaryCode code,
             const std::function<void(cairo_t*)>& draw);
-  /// `source` has 32 bits; its first pixel lies at the box's upper left corner, its size is the
-  /// box's or larger, and its alpha says how much of a pixel is meant. `shape`, where there is one,
-  /// limits that, and holds the box.
+  /// Paints a bitmap. `source` is pf32bit; its first pixel lies at the upper left corner of the
+  /// box, it is at least as large as the box, and its alpha is the coverage. `shape`, if not null,
+  /// limits the coverage further and must contain the box.
   void PutSource(const PixelRect& box, const Raster& source, const Ink& ink, TernaryCode code,
                  const CoverageMask* shape = nullptr);
 
-  /// The colour of a pixel of the frame.
+  /// Returns the color of a pixel of the frame.
   uint32_t Pixel(int x, int y) const;
-  /// A row of the target, from its first pixel.
+  /// Returns a row of the target, from its first pixel.
   const uint32_t* PictureRow(int y) const;
 
  private:
-  /// What a part of the picture is computed from.
+  /// The inputs of one painted part of the picture.
   struct Layer {
     const Ink& ink;
     TernaryCode code;
@@ -68,11 +68,11 @@ class Painter {
   void MakeContext();
   void SetDirectColor(uint32_t pixel);
   bool IsDirect(const Ink& ink, TernaryCode code) const;
-  /// As `Draw`; where cairo paints alone, that costs `directCost`.
+  /// Does the same as `Draw`, but charges `directCost` if cairo paints alone.
   void DrawAtCost(const PixelRect& box, const Ink& ink, TernaryCode code, double directCost,
                   const std::function<void(cairo_t*)>& draw);
   void Compose(const PixelRect& box, const Layer& layer);
-  /// Pixels get one colour, whatever they were.
+  /// Returns whether all pixels get one color, independent of the picture.
   bool IsPlain(const Layer& layer) const;
   void ComposeRect(const PixelRect& box, const Layer& layer);
   void ComposeRow(int y, int left, int count, const Layer& layer);
@@ -86,7 +86,7 @@ class Painter {
   bool isClipSet_ = false;
   uint32_t color_ = 0;
   uint64_t styleSerial_ = 0;
-  /// Rows that are worked on.
+  /// Scratch rows.
   std::vector<uint32_t> brushRow_, sourceRow_, resultRow_;
   std::vector<uint8_t> coverageRow_;
 };

@@ -18,13 +18,13 @@ inline PixelRect Intersection(const PixelRect& a, const PixelRect& b) {
           std::min(a.bottom, b.bottom)};
 }
 
-/// Cuts to numbers that can be added to without thought.
+/// Clamps to a range in which sums and differences cannot overflow.
 inline int PixelNumber(double value) {
-  constexpr double limit = 1 << 28;
-  return std::isfinite(value) ? static_cast<int>(std::clamp(value, -limit, limit)) : 0;
+  constexpr double kLimit = 1 << 28;
+  return std::isfinite(value) ? static_cast<int>(std::clamp(value, -kLimit, kLimit)) : 0;
 }
 
-/// The nearest edge between pixels.
+/// Returns the nearest edge between pixels.
 inline int NearestEdge(double value) {
   return PixelNumber(std::floor(value + 0.5));
 }
@@ -34,14 +34,14 @@ inline RectD Normalized(const RectD& rect) {
           std::max(rect.left, rect.right), std::max(rect.top, rect.bottom)};
 }
 
-/// The pixels that a rectangle stands for: its edges rounded.
+/// Returns the pixels of a rectangle whose edges are rounded.
 inline PixelRect RoundedBox(const RectD& rect) {
   const RectD r = Normalized(rect);
   return {NearestEdge(r.left), NearestEdge(r.top), NearestEdge(r.right), NearestEdge(r.bottom)};
 }
 
-/// As `RoundedBox`, but at least one pixel wide and high where the rectangle is not empty: thin
-/// rectangles are drawn as lines.
+/// Rounds like `RoundedBox`, but to at least one pixel in each direction unless the rectangle is
+/// empty: thin rectangles are drawn as lines.
 inline PixelRect SeenBox(const RectD& rect) {
   const RectD r = Normalized(rect);
   PixelRect box = RoundedBox(r);
@@ -56,14 +56,14 @@ inline PixelRect SeenBox(const RectD& rect) {
   return box;
 }
 
-/// All pixels that a rectangle touches, and `margin` more on every side.
+/// Returns all pixels that a rectangle touches, extended by `margin` on every side.
 inline PixelRect CoveringBox(const RectD& rect, double margin) {
   const RectD r = Normalized(rect);
   return {PixelNumber(std::floor(r.left - margin)), PixelNumber(std::floor(r.top - margin)),
           PixelNumber(std::ceil(r.right + margin)), PixelNumber(std::ceil(r.bottom + margin))};
 }
 
-/// The rectangle around what a map makes of `rect`.
+/// Returns the bounding box of the mapped rectangle.
 inline RectD MappedBounds(const RectD& rect, const Affine& map) {
   const PointD corners[] = {map({rect.left, rect.top}), map({rect.right, rect.top}),
                             map({rect.left, rect.bottom}), map({rect.right, rect.bottom})};

@@ -4,21 +4,21 @@
 
 #include <rasterkit/drawing/ink/drawing_path.h>
 
-/// Puts outlines onto pixels: what runs along an axis gets sharp edges, everything else stays where
-/// it is and soft.
+/// Aligns outlines to pixels: lines along an axis get sharp edges; all others keep their place and
+/// soft edges.
 namespace rasterkit::detail {
 namespace {
 
 using Verb = DrawingPath::Verb;
 
-/// What is known about a point where lines meet.
+/// Flags of a point where lines meet.
 enum : uint8_t {
   kAcross = 1,  ///< a line along the x axis ends here
-  kDown = 2,    ///< a line along the y axis
+  kDown = 2,    ///< a line along the y axis ends here
   kEnd = 4,     ///< the first or last point of an open figure
 };
 
-/// Shorter than this across its direction, a line counts as one along an axis.
+/// A line whose extent across its direction is smaller counts as parallel to an axis.
 constexpr double kStraight = 1.0 / 64;
 
 uint8_t DirectionOf(PointD from, PointD to) {
@@ -28,7 +28,7 @@ uint8_t DirectionOf(PointD from, PointD to) {
   return 0;
 }
 
-/// A coordinate across a line, on the grid. `size` is the picture's in this direction.
+/// Aligns a coordinate across a line to the grid. `size` is the picture's size in this direction.
 double OnGrid(double value, EdgeGrid grid, double size) {
   switch (grid) {
     case EdgeGrid::fill:
@@ -53,19 +53,19 @@ PointD Fitted(PointD p, uint8_t flags, const PixelFit& fit) {
   if (!keepsY) p.y += fit.toCenter.y;
   if (flags & kDown) p.x = OnGrid(p.x, fit.grid, fit.width);
   if (flags & kAcross) p.y = OnGrid(p.y, fit.grid, fit.height);
-  // Ends along a line lie between pixels as well.
+  // Ends along a line lie between pixels, too.
   if (keepsX) p.x = OnGrid(p.x, EdgeGrid::fill, 0);
   if (keepsY) p.y = OnGrid(p.y, EdgeGrid::fill, 0);
   return p;
 }
 
-/// One figure: verbs[first, last) with its points from `point` on.
+/// One figure: verbs[first, last), with its points from `point` on.
 struct Figure {
   size_t first, last, point;
   bool isClosed;
 };
 
-/// Notes for each point of a figure which lines end there; `flags` run along with the points.
+/// Records for each point of a figure which lines end there; `flags` is parallel to the points.
 void NoteDirections(std::span<const Verb> verbs, const PointD* points, const Figure& figure,
                     uint8_t* flags) {
   size_t at = figure.point, start = figure.point;
@@ -95,7 +95,7 @@ void NoteDirections(std::span<const Verb> verbs, const PointD* points, const Fig
     }
   }
   if (!figure.isClosed) {
-    // A figure may come back to its first point without being closed: no free ends then.
+    // A figure that returns to its first point without being closed has no free ends.
     if (points[start] == points[at]) {
       flags[start] = flags[at] = static_cast<uint8_t>(flags[start] | flags[at]);
     } else {
@@ -105,8 +105,8 @@ void NoteDirections(std::span<const Verb> verbs, const PointD* points, const Fig
   }
 }
 
-/// A filled figure that is thinner than this keeps its edges where they are: on pixels both might
-/// come to lie on the same one.
+/// A thinner filled figure keeps its edges in place: aligned, both edges could land on the same
+/// line and the figure would vanish.
 constexpr double kThinnest = 2;
 
 void LeaveThinAlone(std::span<const PointD> points, uint8_t* flags) {

@@ -14,32 +14,32 @@ using namespace pen_style;
 constexpr double kMaxPenWidth = 1 << 20;
 constexpr double kThinMiterLimit = 1.5;
 
-/// Lengths of dashes and gaps: of a cosmetic pen in pixels of the device, of a geometric one in
-/// widths.
+/// Returns the lengths of dashes and gaps: in pixels of the device for a cosmetic pen, in multiples
+/// of the width for a geometric one.
 std::span<const double> NamedDashes(uint32_t line, bool isGeometric) {
-  static constexpr double cosmeticDash[] = {18, 6}, cosmeticDot[] = {3, 3},
-                          cosmeticDashDot[] = {9, 6, 3, 6},
-                          cosmeticDashDotDot[] = {9, 3, 3, 3, 3, 3}, alternating[] = {1, 1};
-  static constexpr double broadDash[] = {3, 1}, broadDot[] = {1, 1}, broadDashDot[] = {3, 1, 1, 1},
-                          broadDashDotDot[] = {3, 1, 1, 1, 1, 1};
+  static constexpr double kCosmeticDash[] = {18, 6}, kCosmeticDot[] = {3, 3},
+                          kCosmeticDashDot[] = {9, 6, 3, 6},
+                          kCosmeticDashDotDot[] = {9, 3, 3, 3, 3, 3}, kAlternating[] = {1, 1};
+  static constexpr double kBroadDash[] = {3, 1}, kBroadDot[] = {1, 1},
+                          kBroadDashDot[] = {3, 1, 1, 1}, kBroadDashDotDot[] = {3, 1, 1, 1, 1, 1};
   switch (line) {
     case dash:
-      return isGeometric ? std::span<const double>(broadDash) : cosmeticDash;
+      return isGeometric ? std::span<const double>(kBroadDash) : kCosmeticDash;
     case dot:
-      return isGeometric ? std::span<const double>(broadDot) : cosmeticDot;
+      return isGeometric ? std::span<const double>(kBroadDot) : kCosmeticDot;
     case dashDot:
-      return isGeometric ? std::span<const double>(broadDashDot) : cosmeticDashDot;
+      return isGeometric ? std::span<const double>(kBroadDashDot) : kCosmeticDashDot;
     case dashDotDot:
-      return isGeometric ? std::span<const double>(broadDashDotDot) : cosmeticDashDotDot;
+      return isGeometric ? std::span<const double>(kBroadDashDotDot) : kCosmeticDashDotDot;
     case pen_style::alternate:
-      return isGeometric ? std::span<const double>() : alternating;
+      return isGeometric ? std::span<const double>() : kAlternating;
     default:
       return {};
   }
 }
 
-/// `unit`: what a length of 1 is in the style's unit. cairo refuses lengths below 0, and a pattern
-/// of nothing.
+/// `unit` is the length of 1 in the unit of the style. cairo rejects negative lengths and patterns
+/// of total length 0.
 std::vector<double> Dashes(const LogicalPen& pen, bool isGeometric, double width, double unit) {
   const uint32_t line = pen.style & pen_style::line;
   std::vector<double> dashes;
@@ -80,10 +80,10 @@ cairo_line_join_t Join(uint32_t style) {
   }
 }
 
-/// Puts a line of that width, in pixels of the target, onto pixels.
+/// Aligns a line of that width, in pixels of the target, to pixels.
 void Fit(StrokeStyle& style, double width, const Affine& deviceToTarget) {
-  // Lines run through the middles of the device's pixels; one that is thinner than these keeps to
-  // their upper left, where areas end.
+  // Lines run through the centers of the device's pixels. A line thinner than such a pixel is drawn
+  // at the pixel's upper left, where areas end.
   const double pixel = deviceToTarget.MeanScale();
   style.pixelPart = pixel > 0 ? std::min(1.0, width / pixel) : 1;
   const double half = style.pixelPart / 2;
@@ -92,8 +92,8 @@ void Fit(StrokeStyle& style, double width, const Affine& deviceToTarget) {
   style.fit.toCenter = deviceToTarget.Direction({half, half});
 }
 
-/// A pen that names a width was a pixel wide for want of finer ones. Where there are such, it gets
-/// the width that was meant.
+/// Pens thinner than a device pixel were drawn one pixel wide on the recording device. On a finer
+/// target they get their nominal width.
 double ThinWidth(const LogicalPen& pen, const PenSurroundings& around) {
   const double width =
       std::abs(pen.width) * around.toDevice.Then(around.deviceToTarget).MeanScale();
@@ -104,7 +104,7 @@ StrokeStyle Cosmetic(const LogicalPen& pen, const PenSurroundings& around) {
   const double unit = std::max(1.0, around.deviceToTarget.MeanScale());
   StrokeStyle style;
   style.width = std::min(pen.width == 0 ? unit : ThinWidth(pen, around), kMaxPenWidth);
-  // Corners are whole pixels, but sharp bends have no spikes.
+  // Corners are whole pixels, but sharp bends get no spikes.
   style.miterLimit = kThinMiterLimit;
   style.dashes = Dashes(pen, false, 1, unit);
   Fit(style, style.width, around.deviceToTarget);
@@ -152,12 +152,12 @@ double Length(const DrawingPath& path) {
 
 double DashesAlong(const StrokeStyle& style, double length) {
   if (style.dashes.empty()) return 0;
-  // Each takes time, however far outside the picture it is.
-  constexpr double most = 200'000;
+  // Each dash takes time, even far outside the picture.
+  constexpr double kMost = 200'000;
   const double scale = style.nib ? style.nib->MeanScale() : 1;
   const double period = std::accumulate(style.dashes.begin(), style.dashes.end(), 0.0) * scale;
   const double count = length / period * static_cast<double>(style.dashes.size());
-  return count < most ? count : 0;
+  return count < kMost ? count : 0;
 }
 
 double StrokeStyle::Reach() const {
@@ -167,7 +167,7 @@ double StrokeStyle::Reach() const {
 }
 
 double StrokeStyle::Overhang() const {
-  // Thin pens have corners of a pixel, not spikes.
+  // Corners of thin pens are single pixels, not spikes.
   const bool hasSpikes = join == CAIRO_LINE_JOIN_MITER && miterLimit > kThinMiterLimit;
   return hasSpikes || cap == CAIRO_LINE_CAP_SQUARE || nib ? Reach() - 2 : width / 2;
 }

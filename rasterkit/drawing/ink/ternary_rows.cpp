@@ -7,7 +7,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Bit (first) of the table of a function of one operand.
+/// Bit `first` of the truth table of a unary function.
 template <unsigned table>
 uint32_t Unary(uint32_t a) {
   if constexpr (table == 0) return 0;
@@ -16,24 +16,24 @@ uint32_t Unary(uint32_t a) {
   return ~uint32_t{0};
 }
 
-/// Where b is 1 the upper half of the table counts, where it is 0 the lower one.
+/// The upper half of the truth table applies where b is 1, the lower half where it is 0.
 template <unsigned table>
 uint32_t Binary(uint32_t b, uint32_t a) {
-  constexpr unsigned low = table & 3, high = table >> 2;
-  if constexpr (low == high) {
-    return Unary<low>(a);
+  constexpr unsigned kLow = table & 3, kHigh = table >> 2;
+  if constexpr (kLow == kHigh) {
+    return Unary<kLow>(a);
   } else {
-    return (Unary<high>(a) & b) | (Unary<low>(a) & ~b);
+    return (Unary<kHigh>(a) & b) | (Unary<kLow>(a) & ~b);
   }
 }
 
 template <unsigned table>
 uint32_t Ternary(uint32_t c, uint32_t b, uint32_t a) {
-  constexpr unsigned low = table & 15, high = table >> 4;
-  if constexpr (low == high) {
-    return Binary<low>(b, a);
+  constexpr unsigned kLow = table & 15, kHigh = table >> 4;
+  if constexpr (kLow == kHigh) {
+    return Binary<kLow>(b, a);
   } else {
-    return (Binary<high>(b, a) & c) | (Binary<low>(b, a) & ~c);
+    return (Binary<kHigh>(b, a) & c) | (Binary<kLow>(b, a) & ~c);
   }
 }
 
@@ -51,7 +51,7 @@ constexpr std::array<Row, 256> MakeRows(std::index_sequence<tables...>) {
 
 constexpr std::array<Row, 256> kRows = MakeRows(std::make_index_sequence<256>());
 
-/// round(value / 255) for value up to 255 * 255.
+/// Returns round(value / 255) for values up to 255 * 255.
 constexpr uint32_t Divide255(uint32_t value) {
   return (value + 128 + ((value + 128) >> 8)) >> 8;
 }

@@ -4,7 +4,7 @@
 
 #include <rasterkit/drawing/ink/drawing_modes.h>
 
-/// Raster operations on rows of 32-bit pixels, bit by bit.
+/// Bitwise raster operations on rows of 32-bit pixels.
 namespace rasterkit::detail {
 
 /// The truth table of an operation: bit (4 brush + 2 source + picture) is the result.
@@ -18,7 +18,7 @@ constexpr TernaryCode CodeOf(uint32_t rop3) {
   return static_cast<TernaryCode>(rop3 >> 16);
 }
 
-/// The operation that does with the brush what `rop` does with the pen; numbers that are none copy.
+/// Returns the operation that applies `rop` with the brush as the pen; invalid numbers copy.
 constexpr TernaryCode CodeOf(Rop2 rop) {
   const auto number = static_cast<uint32_t>(rop);
   if (number < 1 || number > 16) return kCopyBrush;
@@ -37,12 +37,12 @@ constexpr bool NeedsPicture(TernaryCode code) {
   return ((code >> 1) & 0x55) != (code & 0x55);
 }
 
-/// picture = operation(brush, source, picture) for `count` pixels, all 32 bits of each.
+/// Computes picture = operation(brush, source, picture) for all 32 bits of `count` pixels.
 void TernaryRow(TernaryCode code, const uint32_t* brush, const uint32_t* source, uint32_t* picture,
                 int count);
 
-/// Mixes `drawn` into the picture: round((drawn c + picture (255 - c)) / 255) for each byte, c the
-/// pixel's coverage.
+/// Mixes `drawn` into the picture: round((drawn c + picture (255 - c)) / 255) for each byte, where
+/// c is the coverage of the pixel.
 void MixRow(const uint32_t* drawn, const uint8_t* coverage, uint32_t* picture, int count);
 
 }  // namespace rasterkit::detail

@@ -1,15 +1,15 @@
 #include <rasterkit/drawing/text/text_letters.h>
 
-/// Arabic letters look different alone, at the end, at the beginning and in the middle of a word.
-/// The forms have characters of their own, four (or two, for letters that never join the next one)
-/// in a row for each letter, in the order of the letters.
+/// Arabic letters change their shape: isolated, final, initial and medial. Each shape has a code
+/// point of its own: four consecutive ones per letter (two for letters that never join the next
+/// one), in the order of the letters.
 namespace rasterkit::detail {
 namespace {
 
 constexpr char32_t kFirst = 0x621, kLast = 0x64A, kTatweel = 0x640, kFirstForm = 0xFE80;
 constexpr char32_t kLam = 0x644;
 
-/// How many forms each letter from kFirst to kLast has.
+/// The number of forms of each letter from kFirst to kLast.
 constexpr unsigned char kForms[] = {1, 2, 2, 2, 2, 4, 2, 4, 2, 4, 4, 4, 4, 4, 2, 2, 2, 2, 4, 4, 4,
                                     4, 4, 4, 4, 4, 0, 0, 0, 0, 0, 0, 4, 4, 4, 4, 4, 4, 4, 2, 2, 4};
 static_assert(sizeof(kForms) == kLast - kFirst + 1);
@@ -31,12 +31,12 @@ bool JoinsPrevious(char32_t letter) {
   return letter == kTatweel || FormsOf(letter) >= 2;
 }
 
-/// Vowel signs above and below letters, which joins pass over.
+/// Vowel marks above and below letters, which do not interrupt a joining.
 bool IsMark(char32_t letter) {
   return (letter >= 0x64B && letter <= 0x65F) || letter == 0x670;
 }
 
-/// Lam and this letter as one, alone; 0 where they stay two.
+/// Returns the isolated ligature of lam and this letter; 0 if there is none.
 char32_t WithLam(char32_t alef) {
   switch (alef) {
     case 0x622:
@@ -56,7 +56,7 @@ char32_t WithLam(char32_t alef) {
 
 void JoinArabic(std::vector<TextLetter>& letters) {
   size_t kept = 0;
-  bool isJoined = false;  // the letter before joins this one
+  bool isJoined = false;  // the previous letter joins this one
   for (size_t i = 0; i < letters.size(); ++i) {
     TextLetter letter = letters[i];
     const char32_t code = letter.codePoint;

@@ -50,8 +50,8 @@ bool BearsName(FcPattern* pattern, const std::string& name) {
   return false;
 }
 
-/// FreeType's view of a font, for as long as this lives. No thread draws letters meanwhile: theirs
-/// may come from the same open file.
+/// Gives access to FreeType's face of a font during its lifetime. Other threads cannot draw letters
+/// meanwhile, as they may use the same open file.
 class LockedFace {
  public:
   explicit LockedFace(cairo_scaled_font_t* font)
@@ -161,7 +161,7 @@ FontFace* FontFaces::Found(const LogicalFont& font, char32_t letter) {
   const Key key{font.faceName, font.weight, font.italic, font.pitchAndFamily, letter};
   const auto known = faces_.find(key);
   if (known != faces_.end()) return known->second.get();
-  // Each name costs a search: a file that names thousands of fonts gets the first one for the rest.
+  // Each name costs a search: in a file with thousands of font names, the rest gets the first font.
   if (letter == 0 && faces_.size() >= kMaxFaces) return faces_.begin()->second.get();
   std::unique_ptr<FontFace>& place = faces_[key];
   const FontPattern wanted = Wanted(font, letter);
@@ -180,7 +180,7 @@ FontFace* FontFaces::Find(const LogicalFont& font) {
 }
 
 FontFace* FontFaces::FindWithLetter(const LogicalFont& font, char32_t letter) {
-  // A font that has helped out before is likely to do so again, and asking for one takes long.
+  // Try the fonts that helped before, as a search is slow.
   for (FontFace* face : helpers_) {
     if (face->Letter(letter).isThere) return face;
   }

@@ -16,17 +16,16 @@
 
 namespace rasterkit::detail {
 
-/// Lengths of a font in parts of its em square, downward from the baseline where not said
-/// otherwise.
+/// Metrics of a font as fractions of its em square. Positive is below the baseline unless noted.
 struct FontMetrics {
-  double ascent = 0.9;   ///< upward: of the highest letter
-  double descent = 0.2;  ///< of the lowest one
+  double ascent = 0.9;   ///< of the highest letter, above the baseline
+  double descent = 0.2;  ///< of the lowest letter
   double averageWidth = 0.5;
   double underlineCenter = 0.1, underlineWidth = 0.05;
   double strikeOutCenter = -0.26, strikeOutWidth = 0.05;
 };
 
-/// A picture of a letter, and how far the next one lies, in parts of the em square.
+/// A glyph and its advance width as a fraction of the em square.
 struct FontGlyph {
   unsigned long index = 0;
   double advance = 0;
@@ -36,15 +35,15 @@ struct FontGlyph {
 /// A font of the system.
 class FontFace {
  public:
-  /// `isItself`: it was found under the name that was asked for.
+  /// `isItself` is true if the font was found under the requested name.
   FontFace(CairoFontFace face, bool isItself);
 
   cairo_font_face_t* Face() const { return face_.get(); }
   bool IsItself() const { return isItself_; }
   const FontMetrics& Metrics() const { return metrics_; }
-  /// Remembered, as texts ask for the same few letters.
+  /// Returns the glyph of a character. Cached, as texts repeat few letters.
   FontGlyph Letter(char32_t codePoint);
-  /// The letter of a symbol font's own code, 0 to 255.
+  /// Returns the glyph for a code (0 to 255) of a symbol font's own encoding.
   FontGlyph SymbolLetter(unsigned code);
   FontGlyph Glyph(unsigned long index);
 
@@ -59,12 +58,12 @@ class FontFace {
   std::map<uint64_t, FontGlyph> known_;
 };
 
-/// Finds the system's fonts. One is used by one thread.
+/// Finds fonts of the system. Not thread-safe: use one per thread.
 class FontFaces {
  public:
-  /// The best there is for a font; null on a system without fonts.
+  /// Returns the best match for a font; null if the system has no fonts.
   FontFace* Find(const LogicalFont& font);
-  /// One that has the letter, in the font's style; null when none has.
+  /// Returns a font in the style of `font` that has the letter; null if there is none.
   FontFace* FindWithLetter(const LogicalFont& font, char32_t letter);
 
  private:
@@ -74,9 +73,9 @@ class FontFaces {
   static constexpr size_t kMaxFaces = 500, kMaxSearches = 100;
 
   std::map<Key, std::unique_ptr<FontFace>> faces_;
-  /// Those that had letters which the font that was asked for has not.
+  /// Fonts that had letters missing in a requested font.
   std::vector<FontFace*> helpers_;
-  /// Letters that no font has; a text may ask for one again and again.
+  /// Letters that no font has, to avoid searching for them again.
   std::set<char32_t> missing_;
   size_t searches_ = 0;
 };

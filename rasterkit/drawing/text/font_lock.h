@@ -4,9 +4,9 @@
 
 namespace rasterkit::detail {
 
-/// cairo opens a font's file once for all threads, and takes care of what it does with it itself.
-/// Who looks into an open font beside cairo holds this lock alone; who lets cairo draw letters
-/// shares it.
+/// Returns the lock of open fonts. cairo opens a font file once for all threads and guards only its
+/// own use of it. Code that looks into an open font without cairo locks exclusively; code that lets
+/// cairo draw letters locks shared.
 inline std::shared_mutex& OpenFonts() {
   static std::shared_mutex mutex;
   return mutex;

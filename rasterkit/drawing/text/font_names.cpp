@@ -91,10 +91,10 @@ std::span<const char* const> StandInsFor(std::string_view faceName) {
 }
 
 const char* GenericFamily(unsigned pitchAndFamily) {
-  constexpr unsigned serifs = 1, typewriter = 3, fixedPitch = 1;
+  constexpr unsigned kSerifs = 1, kTypewriter = 3, kFixedPitch = 1;
   const unsigned family = pitchAndFamily >> 4;
-  if (family == typewriter || (pitchAndFamily & 3) == fixedPitch) return "monospace";
-  return family == serifs ? "serif" : "sans-serif";
+  if (family == kTypewriter || (pitchAndFamily & 3) == kFixedPitch) return "monospace";
+  return family == kSerifs ? "serif" : "sans-serif";
 }
 
 }  // namespace rasterkit::detail

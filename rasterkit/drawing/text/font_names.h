@@ -5,14 +5,14 @@
 
 namespace rasterkit::detail {
 
-/// Families to take in place of one that is not there, best first; of the same widths where there
-/// is such a family. Names count without regard to case; none for names without a known stand-in.
+/// Returns replacements for a missing font family, best first; metric-compatible ones if they
+/// exist. Names are compared without regard to case. Empty for names without a known replacement.
 std::span<const char* const> StandInsFor(std::string_view faceName);
 
-/// The generic family for `pitchAndFamily` of a font, as fontconfig calls it.
+/// Returns fontconfig's name of the generic family for a font's `pitchAndFamily`.
 const char* GenericFamily(unsigned pitchAndFamily);
 
-/// Equal but for the case of ASCII letters.
+/// Compares without regard to the case of ASCII letters.
 bool IsSameName(std::string_view a, std::string_view b);
 
 }  // namespace rasterkit::detail

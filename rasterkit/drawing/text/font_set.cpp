@@ -5,22 +5,21 @@
 
 #include <rasterkit/drawing/text/font_set.h>
 
-/// A list of the system's fonts of the room's own. fontconfig's list would do the same, but making
-/// it writes to the error stream where no configuration is found, and where a folder has no cache
-/// and none can be written.
+/// Lists the fonts of the system without fontconfig's list: building that list prints to stderr if
+/// there is no configuration, or if a folder has no cache and none can be written.
 namespace rasterkit::detail {
 namespace {
 
 constexpr int kMaxFolders = 5000;
 constexpr int kMaxScannedFiles = 5000;
 
-/// Whether the configuration that the environment names, if it names one, ends as one does. Of
-/// others fontconfig complains on the error stream, whatever it is told.
+/// Returns whether the configuration file named by the environment, if any, is complete. fontconfig
+/// prints complaints about others to stderr, which cannot be turned off.
 bool IsConfigurationWhole() {
   const char* const name = std::getenv("FONTCONFIG_FILE");
   if (!name || *name == '\0') return true;
   std::ifstream file(name, std::ios::binary);
-  if (!file) return true;  // it is looked for elsewhere, and nothing is said when it is nowhere
+  if (!file) return true;  // found by a search path or not at all, without a message
   std::string text(size_t{1} << 20, '\0');
   file.read(text.data(), static_cast<std::streamsize>(text.size()));
   text.resize(static_cast<size_t>(file.gcount()));
@@ -63,7 +62,7 @@ class SystemFonts {
     FcStrListDone(names);
   }
 
-  /// By its cache, or by looking into its files.
+  /// Adds a folder by its cache, or by scanning its files.
   void AddFolder(const std::string& folder) {
     if (++folders_ > kMaxFolders) return;
     const auto* name = reinterpret_cast<const FcChar8*>(folder.c_str());

@@ -11,8 +11,8 @@ struct PatternRelease {
 };
 using FontPattern = std::unique_ptr<FcPattern, PatternRelease>;
 
-/// The font of the system that comes nearest to `wanted`; null where there is none. Any thread may
-/// ask; the fonts are looked up once, by the first.
+/// Returns the font of the system that best matches `wanted`; null if there are no fonts.
+/// Thread-safe; the first call lists the fonts.
 FontPattern NearestFont(FcPattern* wanted);
 
 }  // namespace rasterkit::detail

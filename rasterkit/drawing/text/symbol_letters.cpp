@@ -5,23 +5,23 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Stands in the tables for a code without a letter.
+/// Marks a code without a letter in the tables.
 constexpr char32_t kNone = U'_';
 
-/// From code 0x20.
+/// Codes from 0x20.
 constexpr std::u32string_view kGreekLow =
     U" !∀#∃%&∋()∗+,−./0123456789:;<=>?"
     U"≅ΑΒΧΔΕΦΓΗΙϑΚΛΜΝΟΠΘΡΣΤΥςΩΞΨΖ[∴]⊥_"
     U"‾αβχδεφγηιϕκλμνοπθρστυϖωξψζ{|}∼";
-/// From code 0xA0.
+/// Codes from 0xA0.
 constexpr std::u32string_view kGreekHigh =
     U"€ϒ′≤⁄∞ƒ♣♦♥♠↔←↑→↓°±″≥×∝∂•÷≠≡≈…⏐⎯↵"
     U"ℵℑℜ℘⊗⊕∅∩∪⊃⊇⊄⊂⊆∈∉∠∇®©™∏√⋅¬∧∨⇔⇐⇑⇒⇓"
     U"◊〈®©™∑⎛⎜⎝⎡⎢⎣⎧⎨⎩⎪€〉∫⌠⎮⌡⎞⎟⎠⎤⎥⎦⎫⎬⎭";
 static_assert(kGreekLow.size() == 0x7F - 0x20 && kGreekHigh.size() == 0xFF - 0xA0);
 
-// From code 0x20, sixteen codes a line. Letters that common fonts have stand for those of the same
-// shape that are thinner, bolder or larger.
+// Codes from 0x20, sixteen per line. Letters that common fonts have replace those of the same shape
+// that are thinner, bolder or larger.
 constexpr std::u32string_view kWingdings =
     U" ✏✂✁👓🔔📖🕯☎✆✉🖃📪📫📬📭"
     U"📁📂📄🗏🗐🗄⌛⌨🖰🖲🖳🖴🖫🖬✇✍"
@@ -78,14 +78,14 @@ constexpr std::u32string_view kWebdings =
     U"⮔✔🚲□🛡📦🛱■🚑ℹ✈🛰🟈🕴●🛥"
     U"🚔↻✕❓🚲🚇🚍⛳⊘⊖🚭🗮|🗯🗲_";
 
-/// Pieces of formulas; marks above letters stand alone, as they are put there by their place.
+/// Parts of formulas. Accents are spacing characters, as the record positions them.
 constexpr std::u32string_view kFormulas =
     U" __ˋˆ˜˙_________________________"
     U"___∐ƛ____∩_…⋯⋮⋰⋱_∵___∪__________"
     U"‵↦↕⇕____ħ___ℓ∓_∘________________";
 
 struct Table {
-  std::string_view name;  ///< of the font, in small letters
+  std::string_view name;  ///< of the font, in lower case
   std::u32string_view letters;
 };
 constexpr Table kTables[] = {{"wingdings", kWingdings},
@@ -94,7 +94,7 @@ constexpr Table kTables[] = {{"wingdings", kWingdings},
                              {"webdings", kWebdings},
                              {"mt extra", kFormulas}};
 
-/// Fonts with the signs that have a block of their own, in the same order but for a few.
+/// Fonts whose signs have a Unicode block of their own, in the same order with a few exceptions.
 constexpr std::string_view kOrnamentFonts[] = {"zapfdingbats", "zapf dingbats", "itc zapf dingbats",
                                                "monotype sorts"};
 
@@ -108,8 +108,8 @@ bool IsName(std::string_view name, std::string_view lower) {
 }
 
 bool IsMathematics(std::string_view name) {
-  constexpr std::string_view lower = "symbol";
-  return name.size() >= lower.size() && IsName(name.substr(0, lower.size()), lower);
+  constexpr std::string_view kLower = "symbol";
+  return name.size() >= kLower.size() && IsName(name.substr(0, kLower.size()), kLower);
 }
 
 bool IsOrnaments(std::string_view name) {
@@ -129,12 +129,12 @@ char32_t Mathematics(unsigned code) {
 }
 
 char32_t Ornament(unsigned code) {
-  // Signs that were characters before the block was made.
-  constexpr std::pair<unsigned, char32_t> others[] = {
+  // Signs that existed in Unicode before the block did.
+  constexpr std::pair<unsigned, char32_t> kOthers[] = {
       {0x20, U' '}, {0x25, U'☎'}, {0x2A, U'☛'}, {0x2B, U'☞'}, {0x48, U'★'}, {0x6C, U'●'},
       {0x6E, U'■'}, {0x73, U'▲'}, {0x74, U'▼'}, {0x75, U'◆'}, {0x77, U'◗'}, {0xA8, U'♣'},
       {0xA9, U'♦'}, {0xAA, U'♥'}, {0xAB, U'♠'}, {0xD5, U'→'}, {0xD6, U'↔'}, {0xD7, U'↕'}};
-  for (const auto& [at, letter] : others) {
+  for (const auto& [at, letter] : kOthers) {
     if (at == code) return letter;
   }
   if (code >= 0x21 && code <= 0x7E) return 0x2701 + (code - 0x21);

@@ -4,13 +4,13 @@
 
 namespace rasterkit::detail {
 
-/// Whether it is a font of symbols of which the next function knows the letters.
+/// Returns whether `SymbolLetter` knows the letters of this font.
 bool IsSymbolFont(std::string_view faceName);
 
-/// What a font of symbols that is not there would have shown for the byte `code`, as a character of
-/// other fonts: Greek and mathematics for "Symbol", marks and arrows for "Wingdings" and its kind,
-/// pieces of formulas for "MT Extra"; 0 where no such character is known, or no such font. Names
-/// count without regard to case.
+/// Returns the character of other fonts that stands for the byte `code` of a missing symbol font:
+/// Greek letters and mathematics for "Symbol", signs and arrows for "Wingdings" and similar fonts,
+/// parts of formulas for "MT Extra". Returns 0 if the font or the character is unknown. Names are
+/// compared without regard to case.
 char32_t SymbolLetter(std::string_view faceName, unsigned code);
 
 }  // namespace rasterkit::detail

@@ -11,7 +11,7 @@ namespace {
 
 constexpr uint8_t kDefaultCharset = 1, kSymbolCharset = 2;
 
-/// In western fonts of the usual making the letters from the space on have the glyphs from 3 on.
+/// Most western fonts have the letters from the space on at the glyphs from 3 on.
 char32_t UsualLetterOf(char16_t glyph) {
   return glyph >= 3 && glyph < 3 + 0x5F ? char32_t{glyph} + 29 : 0;
 }
@@ -21,7 +21,7 @@ struct FoundGlyph {
   FontGlyph glyph;
 };
 
-/// Finds the pictures of letters: in the font, else in another one that has them.
+/// Finds glyphs: in the font, else in another font that has the letter.
 class GlyphFinder {
  public:
   GlyphFinder(const LogicalFont& font, FontFaces& faces, FontFace& face)
@@ -59,7 +59,7 @@ class GlyphFinder {
     }
     const char32_t letter = SymbolLetter(font_.faceName, code);
     if (letter != 0) return ByPlainLetter(letter);
-    // A wrong letter says something that was not meant; a box says that one is missing.
+    // A missing-glyph box is better than a wrong letter, which changes the text.
     if (isKnown_ && code > 0x20) return {&face_, face_.Glyph(0)};
     return ByPlainLetter(char32_t{code});
   }
@@ -70,7 +70,7 @@ class GlyphFinder {
     if (FontFace* other = faces_.FindWithLetter(font_, letter)) {
       return {other, other->Letter(letter)};
     }
-    // The box that fonts have for what they have not.
+    // The missing-glyph box of the font.
     return {&face_, face_.Glyph(0)};
   }
 
@@ -94,7 +94,7 @@ void TakeHeights(TextLine& line, const LogicalFont& font, double usualEmHeight) 
   }
 }
 
-/// The letters of a text in the order they are seen in; glyphs are in it already.
+/// Returns the letters of a text in visual order; glyph indexes are already in it.
 std::vector<TextLetter> LettersOfRun(const TextRun& run, uint32_t align) {
   std::vector<TextLetter> letters;
   if (run.options & text_option::glyphIndexes) {
@@ -134,7 +134,7 @@ TextLine LayOutText(const TextRun& run, const LogicalFont& font, const DrawingSt
     const double own = found.glyph.advance * line.emHeight * line.stretch + state.textExtra +
                        (isSpace ? breakExtra : 0);
     at.x += StepOr(run.steps, letter.at, own);
-    // Along the letters' upward direction.
+    // In the upward direction of the letters.
     if (arePairs) at.y -= StepOr(run.verticalSteps, letter.at, 0);
     for (size_t rest = 1; rest < letter.units; ++rest) {
       at.x += StepOr(run.steps, letter.at + rest, 0);
@@ -148,8 +148,8 @@ TextLine LayOutText(const TextRun& run, const LogicalFont& font, const DrawingSt
 TextPlacement PlaceText(const LogicalFont& font, const DrawingState& state, PointD origin,
                         PointD reference) {
   const Affine page = state.page.ToDevice();
-  // Against the clock where y points downward; letters stand upright on a page that is turned over,
-  // but their line follows the page's axes.
+  // Counter-clockwise with y downward. On a flipped page the letters stay upright, but the line
+  // follows the axes of the page.
   const double sense = (page.m11 < 0) != (page.m22 < 0) ? -1 : 1;
   const double angle =
       std::isfinite(font.escapement) ? sense * font.escapement * std::numbers::pi / 1800 : 0;

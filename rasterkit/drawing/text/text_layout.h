@@ -8,38 +8,38 @@
 
 namespace rasterkit::detail {
 
-/// A letter in its place: on the line's coordinates, which begin at the baseline's left end, x to
-/// the right along it and y downward, in logical units.
+/// A glyph with its position on the line, in logical units: the origin is the left end of the
+/// baseline, x runs along it, y downward.
 struct PlacedGlyph {
   FontFace* face = nullptr;
   unsigned long index = 0;
   PointD at;
 };
 
-/// A line of text, laid out but not yet on the page.
+/// A line of text, laid out but not yet placed on the page.
 struct TextLine {
   std::vector<PlacedGlyph> glyphs;
-  double emHeight = 0;  ///< of the em square
-  double stretch = 1;   ///< letters are this much wider than designed
-  double width = 0;     ///< from the first letter to behind the last one
-  double drop = 0;      ///< how far the line's end lies below its beginning
+  double emHeight = 0;  ///< size of the em square
+  double stretch = 1;   ///< width of the letters relative to their design
+  double width = 0;     ///< from the first letter to the end of the last one
+  double drop = 0;      ///< how far the end of the line lies below its start
   FontFace* face = nullptr;
   double ascent = 0, descent = 0;
 };
 
-/// Lays the text out with the state's font. Empty, with no face, where the system has no font.
-/// `usualEmHeight` is for fonts that name no height, in logical units.
+/// Lays out the text. Returns a line without a face if the system has no fonts. `usualEmHeight`, in
+/// logical units, is used for fonts without a height.
 TextLine LayOutText(const TextRun& run, const LogicalFont& font, const DrawingState& state,
                     FontFaces& faces, double usualEmHeight);
 
-/// From the line's coordinates to pixels of the recording device.
+/// Maps from the line's coordinates to pixels of the recording device.
 struct TextPlacement {
-  Affine places;   ///< for where letters stand
+  Affine places;   ///< for the positions of letters
   Affine letters;  ///< for the letters themselves; no translation
 };
 
-/// How a text stands on the page: turned by the font's escapement, and upright in compatible mode.
-/// `reference` is the reference point on the line's coordinates, `origin` in logical units.
+/// Places a text on the page: rotated by the font's escapement, and upright in compatible mode.
+/// `reference` is the reference point in the line's coordinates, `origin` is in logical units.
 TextPlacement PlaceText(const LogicalFont& font, const DrawingState& state, PointD origin,
                         PointD reference);
 

@@ -22,7 +22,7 @@ std::vector<TextLetter> LettersOf(std::u16string_view text) {
 
 std::vector<TextLetter> SeenLetters(std::u16string_view text, bool runsLeft) {
   std::vector<TextLetter> letters = LettersOf(text);
-  // The first letters that run to the left are Hebrew ones.
+  // Hebrew letters are the first right-to-left letters.
   const bool isPlain =
       std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x590; });
   if (isPlain && !runsLeft) return letters;

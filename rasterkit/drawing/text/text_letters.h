@@ -6,25 +6,26 @@
 
 namespace rasterkit::detail {
 
-/// A letter of a text, and the units of it that it stands for.
+/// A letter of a text and the UTF-16 units that it represents.
 struct TextLetter {
   char32_t codePoint = 0;
   size_t at = 0, units = 1;
-  /// What to draw where no font has the letter's form.
+  /// The letter to draw if no font has this presentation form.
   char32_t plain = 0;
 };
 
-/// Letters in the order of the text. Half of a pair of units is a letter of its own.
+/// Splits a text into letters in logical order. An unpaired surrogate is a letter of its own.
 std::vector<TextLetter> LettersOf(std::u16string_view text);
 
-/// Arabic letters become the forms that they have beside each other; lam and alef become one.
+/// Replaces Arabic letters by their contextual forms and lam followed by alef by a ligature.
 void JoinArabic(std::vector<TextLetter>& letters);
 
-/// Puts letters into the order in which they are seen from the left: runs of Hebrew and Arabic from
-/// the right to the left, numbers in them not. `runsLeft`: so does the line as a whole.
+/// Reorders letters into visual order, from left to right: runs of Hebrew and Arabic are reversed,
+/// numbers in them are not. `runsLeft` is true if the whole line runs from right to left.
 void OrderByDirection(std::vector<TextLetter>& letters, bool runsLeft);
 
-/// Letters as they are seen from the left: the three above, where the text has any such letters.
+/// Returns the letters of a text in visual order: applies the three functions above, if the text
+/// has right-to-left letters.
 std::vector<TextLetter> SeenLetters(std::u16string_view text, bool runsLeft);
 
 }  // namespace rasterkit::detail

@@ -3,8 +3,8 @@
 
 #include <rasterkit/drawing/text/text_letters.h>
 
-/// The order of texts in which letters run to the right and to the left: strong letters give runs,
-/// what stands between two of the same direction goes with them, everything else with the line.
+/// Bidirectional order: letters with a strong direction form runs, neutral characters between two
+/// letters of one direction join them, all others take the direction of the line.
 namespace rasterkit::detail {
 namespace {
 
@@ -30,20 +30,20 @@ Kind KindOf(char32_t letter) {
                           letter == 0xB5 || letter == 0xBA;
     return isLetter ? Kind::right : Kind::neutral;
   }
-  // Punctuation, signs, arrows and spaces.
+  // Punctuation, symbols, arrows and spaces.
   const bool isNeutral = IsIn(letter, 0x2000, 0x2BFF) || IsIn(letter, 0x3000, 0x3004) ||
                          letter == 0xD7 || letter == 0xF7;
   return isNeutral ? Kind::neutral : Kind::right;
 }
 
-/// Brackets are turned over where they are read from the right.
+/// Brackets are mirrored in right-to-left text.
 char32_t Mirrored(char32_t letter) {
-  constexpr std::u32string_view pairs = U"()[]{}<>«»‹›≤≥";
-  const size_t at = pairs.find(letter);
-  return at == std::u32string_view::npos ? letter : pairs[at ^ 1];
+  constexpr std::u32string_view kPairs = U"()[]{}<>«»‹›≤≥";
+  const size_t at = kPairs.find(letter);
+  return at == std::u32string_view::npos ? letter : kPairs[at ^ 1];
 }
 
-/// Even levels run to the right, odd ones to the left; a higher one lies inside a lower.
+/// Even levels run to the right, odd ones to the left; a higher level is nested in a lower one.
 std::vector<uint8_t> LevelsOf(const std::vector<TextLetter>& letters, bool runsLeft) {
   const Kind line = runsLeft ? Kind::left : Kind::right;
   std::vector<Kind> kinds;
@@ -56,7 +56,7 @@ std::vector<uint8_t> LevelsOf(const std::vector<TextLetter>& letters, bool runsL
     if (kind == Kind::number && strong == Kind::right) kind = Kind::right;
     kinds.push_back(kind);
   }
-  // What a number stands for beside a neutral: it is part of the run that it lies in.
+  // Next to a neutral character, a number counts as part of the run that surrounds it.
   const auto side = [](Kind kind) { return kind == Kind::number ? Kind::left : kind; };
   for (size_t i = 0; i < kinds.size();) {
     size_t end = i;
@@ -77,7 +77,7 @@ std::vector<uint8_t> LevelsOf(const std::vector<TextLetter>& letters, bool runsL
   return levels;
 }
 
-/// Turns every run of letters of at least this level round.
+/// Reverses every run of letters of at least this level.
 void TurnRuns(std::vector<TextLetter>& letters, std::vector<uint8_t>& levels, uint8_t level) {
   for (size_t i = 0; i < letters.size();) {
     size_t end = i;

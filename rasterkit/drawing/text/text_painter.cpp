@@ -9,17 +9,16 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Letters that are larger than so many pixels are drawn as outlines, as cairo would keep pictures
-/// of them.
+/// Letters larger than this many pixels are drawn as outlines, as cairo would cache their bitmaps.
 constexpr double kMaxGlyphPixels = 200;
-/// The size that outlines are taken at.
+/// The size at which outlines are taken.
 constexpr double kOutlineSize = 256;
-/// Smaller than this, or flatter, nothing is seen of a letter, and cairo takes no such font.
+/// Smaller or flatter letters are invisible, and cairo rejects such fonts.
 constexpr double kMinGlyphPixels = 0.05;
 
-/// A rectangle on the line's coordinates.
+/// Maps a rectangle in the line's coordinates.
 DrawingPath LineRect(const RectD& rect, const TextLine& line, const TextPlacement& placement) {
-  // Letters may be drawn on another scale than the steps between them: heights are the letters'.
+  // The letters may be scaled differently from the advances; heights use the scale of letters.
   const auto point = [&](double x, double y) {
     const double part = line.width != 0 ? x / line.width : 0;
     const PointD base = placement.places(PointD{x, part * line.drop});
@@ -42,7 +41,7 @@ struct OptionsRelease {
 CairoScaledFont SizedFont(FontFace& face, const Affine& letters) {
   const std::unique_ptr<cairo_font_options_t, OptionsRelease> options(cairo_font_options_create());
   cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
-  // Pictures are shown at any size: letters stand where they were put, not where hints would.
+  // No hinting: letters keep their positions at any size.
   cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
   cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
   const cairo_matrix_t size = LinearMatrix(letters);
@@ -53,13 +52,13 @@ CairoScaledFont SizedFont(FontFace& face, const Affine& letters) {
   return font;
 }
 
-/// Glyphs in a row that are of one font.
+/// Calls `use` for each run of consecutive glyphs of one font.
 template <class Use>
 void ForEachRun(const std::vector<PlacedGlyph>& glyphs, Use use) {
-  constexpr size_t atOnce = 1000;
+  constexpr size_t kAtOnce = 1000;
   for (size_t first = 0; first < glyphs.size();) {
     size_t last = first + 1;
-    while (last < glyphs.size() && last - first < atOnce &&
+    while (last < glyphs.size() && last - first < kAtOnce &&
            glyphs[last].face == glyphs[first].face) {
       ++last;
     }
@@ -68,7 +67,7 @@ void ForEachRun(const std::vector<PlacedGlyph>& glyphs, Use use) {
   }
 }
 
-/// The outline of one letter at the usual size, its point on the baseline at (0, 0).
+/// Returns the outline of a letter in the size kOutlineSize, with its baseline point at (0, 0).
 DrawingPath LetterOutline(cairo_t* scratch, unsigned long index) {
   const cairo_glyph_t glyph{index, 0, 0};
   cairo_new_path(scratch);
@@ -93,7 +92,7 @@ void ShowGlyphs(Painter& painter, std::span<const PlacedGlyph> run, const Affine
   });
 }
 
-/// What any of the letters may cover.
+/// Returns a box around all pixels that the letters may cover.
 PixelRect GlyphBox(std::span<const PlacedGlyph> glyphs, const Affine& letters,
                    const TextPlacement& placement) {
   const double reach =
@@ -157,7 +156,7 @@ void PaintText(Painter& painter, const TextLine& line, const TextPlacement& plac
   }
   const FontMetrics& metrics = line.face->Metrics();
   const auto rule = [&](double center, double thickness) {
-    // Never less than a pixel.
+    // At least one pixel.
     const double thick = std::max(thickness, 1 / down);
     const double y = center * line.emHeight, half = thick * line.emHeight / 2;
     painter.Fill(LineRect({0, y - half, line.width, y + half}, line, placement),

@@ -3,18 +3,18 @@
 #include <rasterkit/drawing/ink/painter.h>
 #include <rasterkit/drawing/text/text_layout.h>
 
-/// Lines of text on the target: `placement` leads to its pixels.
+/// Painting lines of text. `placement` maps to pixels of the target.
 namespace rasterkit::detail {
 
-/// From letters of one unit to the target.
+/// Returns the map from letters of size 1 to the target.
 Affine LetterMap(const TextLine& line, const TextPlacement& placement);
-/// Whether letters are so large that they are drawn as outlines.
+/// Returns whether letters are so large that they are drawn as outlines.
 bool AreLettersOutlines(const Affine& letters);
-/// The rectangle, turned like the text, from the highest to the lowest letter.
+/// Returns the text's rectangle, from the highest to the lowest letter, rotated with the text.
 DrawingPath TextCell(const TextLine& line, const TextPlacement& placement);
-/// The outlines of all letters.
+/// Returns the outlines of all letters.
 DrawingPath TextOutline(const TextLine& line, const TextPlacement& placement);
-/// Letters, and the lines under or through them that the font asks for.
+/// Paints the letters, and the underline and strikeout lines of the font.
 void PaintText(Painter& painter, const TextLine& line, const TextPlacement& placement,
                const LogicalFont& font, uint32_t pixel);
 

@@ -59,15 +59,15 @@ bool Draws(EmfType type) {
   }
 }
 
-/// Records of the newer kind from clearing the picture to drawing text, and text at given places.
+/// Types of EMF+ records that draw: from Clear to DrawString, and DrawDriverString.
 bool DrawsPlus(uint32_t type) {
   return (type >= 0x4009 && type <= 0x401C) || type == 0x4036;
 }
 
 constexpr size_t kPlusRecordHead = 12;
 
-/// Whether a comment's records of the newer kind draw. They are type and flags in a word each and
-/// size and bytes of data in a long each.
+/// Returns whether the EMF+ records of a comment draw. Each record has 16-bit type and flags, and
+/// 32-bit sizes of the record and of its data.
 bool PlusRecordsDraw(std::span<const uint8_t> bytes) {
   while (bytes.size() >= kPlusRecordHead) {
     MetafileBytes fields(bytes);

@@ -4,19 +4,19 @@
 
 namespace rasterkit::detail {
 
-/// What an enhanced metafile holds, counted and not drawn.
+/// What an EMF file contains, without drawing it.
 struct EmfContents {
   EmfHeader header;
   uint32_t records = 0;
-  /// Records that leave something to be seen.
+  /// True if some record has a visible effect.
   bool hasDrawing = false;
-  /// Comments with records of the newer kind, and such that leave something to be seen.
+  /// True if there are comments with EMF+ records, and if some of these have a visible effect.
   bool hasEmfPlus = false, hasEmfPlusDrawing = false;
-  /// Why the walk ended before the last record; empty when it did not.
+  /// Why the walk ended before the last record; empty if it did not.
   std::string damage;
 };
 
-/// Throws FormatError when the first record is no header.
+/// Throws FormatError if the first record is not a header.
 EmfContents ReadEmfContents(std::span<const uint8_t> bytes);
 
 }  // namespace rasterkit::detail

@@ -5,10 +5,10 @@
 #include <rasterkit/drawing/ink/affine.h>
 #include <rasterkit/metafiles/records/metafile_bytes.h>
 
-/// Fields that many records of enhanced metafiles share.
+/// Fields that several EMF records share.
 namespace rasterkit::detail {
 
-/// Bytes of the box that drawing records state for themselves, and of a matrix.
+/// Bytes of the bounding box of drawing records, and of a matrix.
 inline constexpr size_t kEmfBoundsBytes = 16, kEmfMatrixBytes = 24;
 
 inline PointD ReadPoint(MetafileBytes& fields) {
@@ -16,14 +16,14 @@ inline PointD ReadPoint(MetafileBytes& fields) {
   return {x, static_cast<double>(fields.Int())};
 }
 
-/// Left, top, right, bottom.
+/// Fields: left, top, right, bottom.
 inline RectD ReadRect(MetafileBytes& fields) {
   const PointD topLeft = ReadPoint(fields);
   const PointD bottomRight = ReadPoint(fields);
   return {topLeft.x, topLeft.y, bottomRight.x, bottomRight.y};
 }
 
-/// A corner, and width and height.
+/// Fields: left, top, width, height.
 inline RectD ReadSizedRect(MetafileBytes& fields) {
   const PointD corner = ReadPoint(fields), size = ReadPoint(fields);
   return {corner.x, corner.y, corner.x + size.x, corner.y + size.y};
@@ -40,13 +40,13 @@ inline Affine ReadMatrix(MetafileBytes& fields) {
   return matrix;
 }
 
-/// A region: header with the number of rectangles, and the rectangles.
+/// Reads a region: a header with the number of rectangles, and the rectangles.
 inline std::vector<RectD> ReadRegion(MetafileBytes& fields) {
   const uint32_t headerBytes = fields.Long();
-  fields.Skip(4);  // the kind: rectangles
+  fields.Skip(4);  // type: rectangles
   const uint32_t stated = fields.Long();
-  constexpr uint32_t readSoFar = 12;
-  if (headerBytes > readSoFar) fields.Skip(headerBytes - readSoFar);
+  constexpr uint32_t kReadSoFar = 12;
+  if (headerBytes > kReadSoFar) fields.Skip(headerBytes - kReadSoFar);
   std::vector<RectD> rects(fields.Count(stated, 16));
   for (RectD& rect : rects) rect = ReadRect(fields);
   return rects;

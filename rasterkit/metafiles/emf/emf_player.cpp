@@ -3,8 +3,8 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Kinds that leave nothing to be seen: what frames the file, what is for other programs, colour
-/// management, and what is for devices of other kinds.
+/// Record types without a visible effect: file structure, private data of programs, color
+/// management, and other devices.
 bool IsSilent(EmfType type) {
   switch (type) {
     case EmfType::header:
@@ -40,12 +40,12 @@ bool IsSilent(EmfType type) {
 
 EmfPlayer::EmfPlayer(DeviceContext& context, uint64_t fileBytes)
     : context_(context), dibs_(fileBytes) {
-  // Boxes are recorded with the corner that they reach.
+  // Recorded boxes include their right and bottom edges, as in advanced mode.
   context_.SetGraphicsMode(GraphicsMode::advanced);
 }
 
 bool EmfPlayer::Play(const EmfRecord& record) {
-  // In the order of how often they occur.
+  // In the order of their frequency.
   return PlayLine(record) || PlayObject(record) || PlayState(record) || PlayText(record) ||
          PlayShape(record) || PlayPath(record) || PlayMapping(record) || PlayBitmap(record) ||
          PlayRegion(record) || PlayPalette(record) || IsSilent(record.type);

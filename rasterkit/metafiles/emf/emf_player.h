@@ -8,18 +8,18 @@
 
 namespace rasterkit::detail {
 
-/// Plays the records of an enhanced metafile onto a drawing context, one at a time.
+/// Plays the records of an EMF file on a drawing context, one at a time.
 class EmfPlayer {
  public:
-  /// `context` stays alive as long as the player; `fileBytes` bounds what bitmaps may cost.
+  /// `context` must outlive the player; `fileBytes` limits the size of bitmaps.
   EmfPlayer(DeviceContext& context, uint64_t fileBytes);
 
-  /// False for a kind of record that is not known. Throws an Error when the record is damaged; the
-  /// context may be used on.
+  /// Returns false if the record type is unknown. Throws an Error if the record is damaged; the
+  /// context stays usable.
   bool Play(const EmfRecord& record);
 
  private:
-  // Each answers whether the record is one of its family.
+  // Each returns whether the record belongs to its family.
   bool PlayLine(const EmfRecord& record);
   bool PlayShape(const EmfRecord& record);
   bool PlayState(const EmfRecord& record);
@@ -31,10 +31,10 @@ class EmfPlayer {
   bool PlayBitmap(const EmfRecord& record);
   bool PlayText(const EmfRecord& record);
 
-  /// Which of the two sizes the numbers of a record have.
+  /// The size of a record's coordinates: 16 or 32 bits.
   enum class PointSize { words, longs };
   std::span<const PointD> Points(MetafileBytes& fields, size_t count, PointSize size);
-  /// Bounds, a count and points.
+  /// Reads bounds, a count and points.
   std::span<const PointD> CountedPoints(const EmfRecord& record, PointSize size);
   void Polygons(const EmfRecord& record, PointSize size, bool isFilled);
   void PolyDraw(const EmfRecord& record, PointSize size);
@@ -46,22 +46,22 @@ class EmfPlayer {
   void CreateFont(const EmfRecord& record);
   void CreatePatternBrush(const EmfRecord& record, bool isMono);
   BrushObject BrushOf(uint32_t handle) const;
-  /// Null where the handle names no palette.
+  /// Returns null if the handle is not a palette.
   PaletteObject PaletteOf(uint32_t handle) const;
-  /// Remembers an object under its handle. Throws RangeError for a handle that no file needs.
+  /// Stores an object under its handle. Throws RangeError for a handle of 0x10000 or more.
   void Keep(uint32_t handle, MetafileObject object);
   TColor Color(MetafileBytes& fields) const {
     return StatedColor(fields.Long(), context_.Palette());
   }
 
-  /// Where a record keeps its bitmap: offset and size of head and rows.
+  /// The place of a bitmap in a record: offsets and sizes of header and rows.
   struct BitmapPlace {
     uint32_t headOffset = 0, headBytes = 0, bitsOffset = 0, bitsBytes = 0;
     bool IsEmpty() const { return headBytes == 0; }
   };
   static BitmapPlace ReadPlace(MetafileBytes& fields);
   Dib Bitmap(const EmfRecord& record, const BitmapPlace& place, DibRequest request);
-  /// A bitmap, the part of it that is shown, and the mask that may stand beside it.
+  /// A bitmap, the part of it to draw, and an optional mask.
   struct MaskedBitmap {
     Dib dib;
     RectD box;
@@ -96,7 +96,7 @@ class EmfPlayer {
   DeviceContext& context_;
   DibReader dibs_;
   std::unordered_map<uint32_t, MetafileObject> objects_;
-  /// Kept from record to record, since most have a few points only.
+  /// Reused for all records, as most have few points.
   std::vector<PointD> points_;
 };
 

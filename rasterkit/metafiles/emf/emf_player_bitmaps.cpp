@@ -6,13 +6,13 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Part of a bitmap that `box` names in the units of the context it was taken from.
+/// Returns the part of a bitmap that `box` selects in the units of its source context.
 RectD SourcePart(const RectD& box, const Affine& transform) {
   const PointD a = transform({box.left, box.top}), b = transform({box.right, box.bottom});
   return {a.x, a.y, b.x, b.y};
 }
 
-/// Some writers leave the matrix empty, which would show nothing.
+/// Some programs write an all-zero matrix, which would map everything to a point.
 Affine ReadSourceMatrix(MetafileBytes& fields) {
   const Affine matrix = ReadMatrix(fields);
   return matrix.KeepsAxes() && matrix.Determinant() != 0 ? matrix : Affine();
@@ -34,12 +34,12 @@ Dib EmfPlayer::Bitmap(const EmfRecord& record, const BitmapPlace& place, DibRequ
   const DibParts parts{record.Part(place.headOffset, place.headBytes),
                        record.Part(place.bitsOffset, place.bitsBytes)};
   Dib dib = dibs_.Read(parts, request);
-  context_.CountWork(ReadingCost(dib.raster));
+  context_.ChargeWork(ReadingCost(dib.raster));
   return dib;
 }
 
-/// Copying, stretching, blending and keying begin alike: bounds, target, what is done, corner and
-/// matrix of the source, colours, and the bitmap.
+/// Copying, stretching, blending and keying share their fields: bounds, target, operation, corner
+/// and matrix of the source, background color, color usage, and the bitmap.
 void EmfPlayer::Blit(const EmfRecord& record) {
   MetafileBytes fields = record.Fields();
   fields.Skip(kEmfBoundsBytes);
@@ -47,7 +47,7 @@ void EmfPlayer::Blit(const EmfRecord& record) {
   const uint32_t operation = fields.Long();
   const PointD corner = ReadPoint(fields);
   const Affine transform = ReadSourceMatrix(fields);
-  fields.Skip(4);  // background colour of the source
+  fields.Skip(4);  // background color of the source
   DibRequest request;
   request.colors = DibColorsOf(fields.Long());
   const BitmapPlace place = ReadPlace(fields);
@@ -74,11 +74,11 @@ void EmfPlayer::Blit(const EmfRecord& record) {
   }
 }
 
-/// What follows the box that names the source's part, where a mask may stand beside the bitmap.
+/// Reads the fields after the box of the source, which may include a mask.
 EmfPlayer::MaskedBitmap EmfPlayer::ReadMasked(const EmfRecord& record, MetafileBytes& fields,
                                               const RectD& box) {
   const Affine transform = ReadSourceMatrix(fields);
-  fields.Skip(4);  // background colour of the source
+  fields.Skip(4);  // background color of the source
   DibRequest request, maskRequest;
   request.colors = DibColorsOf(fields.Long());
   const BitmapPlace place = ReadPlace(fields);

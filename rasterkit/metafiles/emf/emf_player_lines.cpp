@@ -27,7 +27,7 @@ void EmfPlayer::Polygons(const EmfRecord& record, PointSize size, bool isFilled)
   MetafileBytes fields = record.Fields();
   fields.Skip(kEmfBoundsBytes);
   const uint32_t stated = fields.Long();
-  fields.Skip(4);  // the number of all points; the polygons' own numbers say it as well
+  fields.Skip(4);  // total number of points, which is the sum of the counts
   std::vector<uint32_t> counts(fields.Count(stated, 4));
   uint64_t all = 0;
   for (uint32_t& count : counts) all += count = fields.Long();
@@ -48,7 +48,7 @@ void EmfPlayer::PolyDraw(const EmfRecord& record, PointSize size) {
 }
 
 bool EmfPlayer::PlayLine(const EmfRecord& record) {
-  constexpr PointSize words = PointSize::words, longs = PointSize::longs;
+  constexpr PointSize kWords = PointSize::words, kLongs = PointSize::longs;
   switch (record.type) {
     case EmfType::moveTo: {
       MetafileBytes fields = record.Fields();
@@ -61,46 +61,46 @@ bool EmfPlayer::PlayLine(const EmfRecord& record) {
       return true;
     }
     case EmfType::polyline:
-      context_.Polyline(CountedPoints(record, longs));
+      context_.Polyline(CountedPoints(record, kLongs));
       return true;
     case EmfType::polyline16:
-      context_.Polyline(CountedPoints(record, words));
+      context_.Polyline(CountedPoints(record, kWords));
       return true;
     case EmfType::polylineTo:
-      context_.PolylineTo(CountedPoints(record, longs));
+      context_.PolylineTo(CountedPoints(record, kLongs));
       return true;
     case EmfType::polylineTo16:
-      context_.PolylineTo(CountedPoints(record, words));
+      context_.PolylineTo(CountedPoints(record, kWords));
       return true;
     case EmfType::polyBezier:
-      context_.PolyBezier(CountedPoints(record, longs));
+      context_.PolyBezier(CountedPoints(record, kLongs));
       return true;
     case EmfType::polyBezier16:
-      context_.PolyBezier(CountedPoints(record, words));
+      context_.PolyBezier(CountedPoints(record, kWords));
       return true;
     case EmfType::polyBezierTo:
-      context_.PolyBezierTo(CountedPoints(record, longs));
+      context_.PolyBezierTo(CountedPoints(record, kLongs));
       return true;
     case EmfType::polyBezierTo16:
-      context_.PolyBezierTo(CountedPoints(record, words));
+      context_.PolyBezierTo(CountedPoints(record, kWords));
       return true;
     case EmfType::polygon:
-      context_.Polygon(CountedPoints(record, longs));
+      context_.Polygon(CountedPoints(record, kLongs));
       return true;
     case EmfType::polygon16:
-      context_.Polygon(CountedPoints(record, words));
+      context_.Polygon(CountedPoints(record, kWords));
       return true;
     case EmfType::polyPolyline:
     case EmfType::polyPolyline16:
-      Polygons(record, record.type == EmfType::polyPolyline ? longs : words, false);
+      Polygons(record, record.type == EmfType::polyPolyline ? kLongs : kWords, false);
       return true;
     case EmfType::polyPolygon:
     case EmfType::polyPolygon16:
-      Polygons(record, record.type == EmfType::polyPolygon ? longs : words, true);
+      Polygons(record, record.type == EmfType::polyPolygon ? kLongs : kWords, true);
       return true;
     case EmfType::polyDraw:
     case EmfType::polyDraw16:
-      PolyDraw(record, record.type == EmfType::polyDraw ? longs : words);
+      PolyDraw(record, record.type == EmfType::polyDraw ? kLongs : kWords);
       return true;
     default:
       return false;

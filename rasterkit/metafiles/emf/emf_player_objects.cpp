@@ -6,9 +6,9 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Handles with this bit name objects that every device has.
+/// Handles with this bit are stock objects.
 constexpr uint32_t kStockBit = 0x80000000;
-/// The header counts handles in 16 bits.
+/// The header states the number of handles in 16 bits.
 constexpr uint32_t kMostHandles = 0x10000;
 
 enum ExtendedBrush : uint32_t { kPattern = 3, kDibPattern = 5, kDibPatternPointer = 6 };
@@ -16,7 +16,7 @@ enum ExtendedBrush : uint32_t { kPattern = 3, kDibPattern = 5, kDibPatternPointe
 }  // namespace
 
 void EmfPlayer::Keep(uint32_t handle, MetafileObject object) {
-  if (handle >= kMostHandles) throw RangeError("EMF: an object's handle is not possible");
+  if (handle >= kMostHandles) throw RangeError("EMF: an object has an invalid handle");
   objects_[handle] = std::move(object);
 }
 
@@ -37,7 +37,7 @@ BrushObject EmfPlayer::BrushOf(uint32_t handle) const {
     object = found->second;
   }
   const auto* brush = std::get_if<BrushObject>(&object);
-  if (brush == nullptr) throw RangeError("EMF: a record names a brush that is not there");
+  if (brush == nullptr) throw RangeError("EMF: a record refers to a missing brush");
   return *brush;
 }
 
@@ -45,7 +45,7 @@ void EmfPlayer::CreatePen(const EmfRecord& record) {
   MetafileBytes fields = record.Fields();
   const uint32_t handle = fields.Long();
   LogicalPen pen;
-  // Pens of this kind have none of the styles above the low byte.
+  // Plain pens only have the style bits of the low byte.
   pen.style = fields.Long() & 0xFF;
   pen.width = std::abs(static_cast<double>(fields.Int()));
   fields.Skip(4);
@@ -63,8 +63,8 @@ void EmfPlayer::CreateExtendedPen(const EmfRecord& record) {
   const uint32_t brushStyle = fields.Long(), statedColor = fields.Long();
   pen.color = StatedColor(statedColor, context_.Palette());
   const uint32_t hatch = fields.Long();
-  constexpr uint32_t mostDashes = 16;
-  const uint32_t dashes = fields.Left() >= 4 ? std::min(fields.Long(), mostDashes) : 0;
+  constexpr uint32_t kMostDashes = 16;
+  const uint32_t dashes = fields.Left() >= 4 ? std::min(fields.Long(), kMostDashes) : 0;
   for (size_t i = fields.Count(dashes, 4); i > 0; --i) pen.dashes.push_back(fields.Long());
   if (brushStyle == kPattern || brushStyle == kDibPattern || brushStyle == kDibPatternPointer) {
     DibRequest request;

@@ -22,13 +22,13 @@ GradientVertex ReadVertex(MetafileBytes& fields) {
 }  // namespace
 
 void EmfPlayer::Gradient(const EmfRecord& record) {
-  constexpr size_t vertexBytes = 16;
+  constexpr size_t kVertexBytes = 16;
   enum Mode : uint32_t { kAcross = 0, kDown = 1, kTriangles = 2 };
   MetafileBytes fields = record.Fields();
   fields.Skip(kEmfBoundsBytes);
   const uint32_t statedVertices = fields.Long(), statedShapes = fields.Long();
   const uint32_t mode = fields.Long();
-  std::vector<GradientVertex> vertices(fields.Count(statedVertices, vertexBytes));
+  std::vector<GradientVertex> vertices(fields.Count(statedVertices, kVertexBytes));
   for (GradientVertex& vertex : vertices) vertex = ReadVertex(fields);
   if (mode == kTriangles) {
     std::vector<std::array<uint32_t, 3>> triangles(fields.Count(statedShapes, 12));

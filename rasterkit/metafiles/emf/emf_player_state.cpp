@@ -4,13 +4,13 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Some writers state a whole number here and some a single; no sensible limit is so large a number
-/// that one could be taken for the other.
+/// Some programs write an integer here and some a float. The bits of a float above 0 are a larger
+/// integer than any sensible limit.
 double MiterLimit(MetafileBytes fields) {
-  constexpr uint32_t leastSingle = 0x10000;
+  constexpr uint32_t kLeastSingle = 0x10000;
   MetafileBytes again = fields;
   const uint32_t whole = fields.Long();
-  return whole < leastSingle ? whole : again.Single();
+  return whole < kLeastSingle ? whole : again.Single();
 }
 
 }  // namespace

@@ -7,11 +7,11 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Options of the short text record: no box follows, letters are bytes.
+/// Options of the small text record: no box follows; letters are bytes.
 constexpr uint32_t kNoBox = 0x100, kByteLetters = 0x200;
 constexpr size_t kScaleBytes = 8;
 
-/// A text has a graphics mode of its own; all other records are drawn in the advanced one.
+/// Sets the graphics mode of a text record; all other records use the advanced mode.
 class TextMode {
  public:
   TextMode(DeviceContext& context, GraphicsMode mode) : context_(context) {
@@ -32,7 +32,7 @@ std::u16string Words(std::span<const uint8_t> bytes) {
   return text;
 }
 
-/// Steps from letter to letter, and up and down in turn with them where the options say so.
+/// Advances of letters; with the option `pairs`, horizontal and vertical ones alternate.
 struct Steps {
   std::vector<double> across, down;
 };
@@ -40,7 +40,7 @@ struct Steps {
 Steps ReadSteps(const EmfRecord& record, uint32_t offset, uint32_t count, bool arePairs) {
   Steps steps;
   const uint64_t bytes = uint64_t{count} * (arePairs ? 8 : 4);
-  // Steps that are not there are the font's own.
+  // Without advances in the record, the font's own are used.
   if (offset == 0 || offset > record.bytes.size() || bytes > record.bytes.size() - offset) {
     return steps;
   }
@@ -113,20 +113,20 @@ void EmfPlayer::SmallText(const EmfRecord& record) {
     DrawText(record, place, LetterSize::words, mode);
     return;
   }
-  // The bytes are the low halves of UTF-16 units, whatever the font's charset is.
+  // The bytes are the low bytes of UTF-16 units, whatever the charset of the font is.
   const auto bytes = fields.Take(fields.Count(place.count, 1));
   const std::u16string text(bytes.begin(), bytes.end());
   ShowText(place, mode, {text, {}, {}});
 }
 
 void EmfPlayer::ManyTexts(const EmfRecord& record, LetterSize size) {
-  constexpr size_t placeBytes = 40;
+  constexpr size_t kPlaceBytes = 40;
   MetafileBytes fields = record.Fields();
   fields.Skip(kEmfBoundsBytes);
   const uint32_t mode = fields.Long();
   fields.Skip(kScaleBytes);
   const uint32_t stated = fields.Long();
-  for (size_t i = fields.Count(stated, placeBytes); i > 0; --i) {
+  for (size_t i = fields.Count(stated, kPlaceBytes); i > 0; --i) {
     DrawText(record, ReadTextPlace(fields), size, mode);
   }
 }

@@ -7,7 +7,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Offsets of the header's later fields, which older files do not have, and where each kind ends.
+/// Offsets of the header's extensions, which older files lack, and the ends of both extensions.
 constexpr size_t kPixelFormat = 88, kPixelFormatEnd = 100, kMicrometersEnd = 108;
 constexpr size_t kDescriptionLength = 60;
 
@@ -20,8 +20,8 @@ EmfHeader::Box ReadBox(MetafileBytes& fields) {
   return box;
 }
 
-/// The header's own fields end where its description or its pixel format begins; only what lies
-/// before is a field.
+/// Returns the size of the header without its description and pixel format, which may lie where a
+/// longer header has its extensions.
 size_t FixedBytes(const EmfRecord& record, uint32_t descriptionOffset) {
   size_t end = record.bytes.size();
   if (descriptionOffset != 0) end = std::min<size_t>(end, descriptionOffset);
@@ -32,7 +32,7 @@ size_t FixedBytes(const EmfRecord& record, uint32_t descriptionOffset) {
   return end;
 }
 
-/// The same number of millimetres but for its fraction.
+/// Returns whether both are the same number of millimeters, apart from rounding.
 bool IsNear(double exact, double rounded) {
   return exact > 0 && std::abs(exact - rounded) <= std::max(1.0, rounded / 50);
 }
@@ -56,7 +56,7 @@ void ReadDescription(const EmfRecord& record, uint32_t length, uint32_t offset, 
 
 std::span<const uint8_t> EmfRecord::Part(uint64_t offset, uint64_t count) const {
   if (offset > bytes.size() || count > bytes.size() - offset) {
-    throw FormatError("metafile: a record points beyond its end");
+    throw FormatError("metafile: an offset lies outside its record");
   }
   return bytes.subspan(static_cast<size_t>(offset), static_cast<size_t>(count));
 }
@@ -67,14 +67,14 @@ EmfHeader ReadEmfHeader(const EmfRecord& record) {
   header.bounds = ReadBox(fields);
   header.frame = ReadBox(fields);
   if (record.type != EmfType::header || fields.Long() != kEmfSignature) {
-    throw FormatError("EMF: the file does not start with the header of an enhanced metafile");
+    throw FormatError("EMF: the file does not start with an EMF header");
   }
   fields.Skip(4);  // version
   header.bytes = fields.Long();
   header.records = fields.Long();
   fields.SetPosition(kDescriptionLength);
   const uint32_t length = fields.Long(), offset = fields.Long();
-  fields.Skip(4);  // entries of the palette at the end
+  fields.Skip(4);  // number of palette entries
   header.deviceWidth = fields.Int();
   header.deviceHeight = fields.Int();
   header.deviceWidthMm = fields.Int();
@@ -82,7 +82,7 @@ EmfHeader ReadEmfHeader(const EmfRecord& record) {
   if (FixedBytes(record, offset) >= kMicrometersEnd) {
     fields.SetPosition(kPixelFormatEnd);
     const int32_t x = fields.Int(), y = fields.Int();
-    // Where the description's place is a lie, these fields may be part of it.
+    // If the offset of the description is wrong, these fields may be a part of the description.
     if (IsNear(x / 1000.0, header.deviceWidthMm) && IsNear(y / 1000.0, header.deviceHeightMm)) {
       header.deviceWidthMm = x / 1000.0;
       header.deviceHeightMm = y / 1000.0;
@@ -106,7 +106,7 @@ std::optional<EmfRecord> EmfRecords::Next() {
   record.type = static_cast<EmfType>(head.Long());
   const uint32_t size = head.Long();
   if (size < kEmfRecordHead) {
-    return Stop("EMF: a record of " + std::to_string(size) + " bytes is not possible");
+    return Stop("EMF: a record of " + std::to_string(size) + " bytes is invalid");
   }
   if (size > left_.size()) return Stop("EMF: the data end inside a record");
   record.bytes = left_.first(size);

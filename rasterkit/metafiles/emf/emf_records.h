@@ -7,12 +7,12 @@
 
 #include <rasterkit/metafiles/records/metafile_bytes.h>
 
-/// Enhanced metafiles, record by record.
+/// Enhanced metafiles (EMF), record by record.
 ///
-///     type (32 bits) | size in bytes, these 8 included | fields
+///     type (32 bits) | size in bytes, including these 8 | fields
 ///
-/// The first record is the header, the last one says that it is the last. Offsets inside a record
-/// count from its type.
+/// The first record is the header, the last one is endOfFile. Offsets in a record count from its
+/// type.
 namespace rasterkit::detail {
 
 enum class EmfType : uint32_t {
@@ -143,50 +143,50 @@ inline constexpr size_t kEmfRecordHead = 8;
 /// The header's signature, " EMF".
 inline constexpr uint32_t kEmfSignature = 0x464D4520;
 
-/// What a comment with drawing records of the newer kind starts with: "EMF+".
+/// The signature of a comment with EMF+ records, "EMF+".
 inline constexpr uint32_t kEmfPlusMark = 0x2B464D45;
 
 struct EmfRecord {
   EmfType type = EmfType::endOfFile;
-  /// The record from its type on.
+  /// The whole record, starting with its type.
   std::span<const uint8_t> bytes;
 
-  /// What follows type and size.
+  /// Returns the fields after type and size.
   MetafileBytes Fields() const { return MetafileBytes(bytes, kEmfRecordHead); }
-  /// `count` bytes from `offset`, which counts from the record's start. Throws FormatError when
-  /// they do not lie inside the record.
+  /// Returns `count` bytes at `offset` from the start of the record. Throws FormatError if they
+  /// exceed the record.
   std::span<const uint8_t> Part(uint64_t offset, uint64_t count) const;
 };
 
-/// The header's fields.
+/// The fields of the header.
 struct EmfHeader {
   struct Box {
     int32_t left = 0, top = 0, right = 0, bottom = 0;
   };
-  /// Both corners belong to it; pixels of the reference device.
+  /// In pixels of the reference device, right and bottom included.
   Box bounds;
-  /// 0.01 mm on the reference device.
+  /// In 0.01 mm on the reference device.
   Box frame;
   uint32_t bytes = 0, records = 0;
   int32_t deviceWidth = 0, deviceHeight = 0;
-  /// Millimetres, in fractions where the header has micrometres too.
+  /// In millimeters; with fractions if the header also states micrometers.
   double deviceWidthMm = 0, deviceHeightMm = 0;
-  /// The program and the picture's title, UTF-8, as far as the header names them.
+  /// The program that wrote the file and the title of the picture, UTF-8; may be empty.
   std::string program, title;
 };
 
-/// Reads the first record. Throws FormatError when it is no header of an enhanced metafile.
+/// Reads the first record. Throws FormatError if it is not an EMF header.
 EmfHeader ReadEmfHeader(const EmfRecord& record);
 
-/// Walks the records of a file, the header first and the last one included.
+/// Iterates over the records of a file, from the header to the last record.
 class EmfRecords {
  public:
   explicit EmfRecords(std::span<const uint8_t> bytes) : left_(bytes) {}
 
-  /// The next record, whose size has been checked; nothing behind the last one or where the bytes
-  /// stop making sense.
+  /// Returns the next record, whose size has been checked; nothing after the last record or at
+  /// damage.
   std::optional<EmfRecord> Next();
-  /// After the walk: why it ended before the record that says so; empty when it did not.
+  /// Returns why the iteration ended before the last record; empty if it did not.
   const std::string& Damage() const { return damage_; }
 
  private:

@@ -21,7 +21,7 @@ void AppendRecord(std::vector<uint8_t>& to, EmfType type, std::span<const uint8_
   to.insert(to.end(), fields.begin(), fields.end());
 }
 
-/// Both corners belong to the box; one that ends before it begins says that nothing is drawn.
+/// Right and bottom are included; a box that ends before it starts means an empty drawing.
 RectD HeaderBounds(const EmfPicture& picture) {
   if (!picture.drawn) return {0, 0, -1, -1};
   const RectD& drawn = *picture.drawn;
@@ -46,9 +46,9 @@ EmfFields& EmfFields::Longs(std::initializer_list<int64_t> values) {
 
 EmfFields& EmfFields::Number(double value) {
   if (std::isnan(value)) value = 0;
-  constexpr double least = std::numeric_limits<int32_t>::min();
-  constexpr double most = std::numeric_limits<int32_t>::max();
-  return Long(static_cast<int64_t>(std::clamp(std::nearbyint(value), least, most)));
+  constexpr double kLeast = std::numeric_limits<int32_t>::min();
+  constexpr double kMost = std::numeric_limits<int32_t>::max();
+  return Long(static_cast<int64_t>(std::clamp(std::nearbyint(value), kLeast, kMost)));
 }
 
 EmfFields& EmfFields::Rect(const RectD& rect) {
@@ -80,9 +80,9 @@ void EmfWriter::Add(EmfType type, const EmfFields& fields) {
 std::vector<uint8_t> EmfWriter::Finish(const EmfPicture& picture) {
   const uint64_t bytes = uint64_t{kHeaderBytes} + records_.size() + kEndBytes;
   if (bytes > std::numeric_limits<uint32_t>::max()) {
-    throw LimitError("EMF: a file of more than 4 GiB cannot be written");
+    throw LimitError("EMF: a file can have at most 4 GiB");
   }
-  constexpr int64_t micrometersPerHundredth = 10;
+  constexpr int64_t kMicrometersPerHundredth = 10;
   EmfFields fields;
   fields.Rect(HeaderBounds(picture));
   fields.Longs({0, 0, picture.widthMm100, picture.heightMm100, kEmfSignature, kVersion});
@@ -90,16 +90,16 @@ std::vector<uint8_t> EmfWriter::Finish(const EmfPicture& picture) {
   fields.Word(static_cast<int64_t>(std::min(picture.handles, kMostHandles))).Word(0);
   fields.Longs({0, 0, 0});  // no description, no palette
   fields.Longs({picture.width, picture.height});
-  // Whole millimetres, which other programs divide by.
+  // Whole millimeters, at least 1, as other programs divide by them.
   fields.Number(std::max(1.0, picture.widthMm100 / 100.0));
   fields.Number(std::max(1.0, picture.heightMm100 / 100.0));
   fields.Longs({0, 0, 0});  // no pixel format
-  fields.Longs({picture.widthMm100 * micrometersPerHundredth,
-                picture.heightMm100 * micrometersPerHundredth});
+  fields.Longs({picture.widthMm100 * kMicrometersPerHundredth,
+                picture.heightMm100 * kMicrometersPerHundredth});
   std::vector<uint8_t> file;
   AppendRecord(file, EmfType::header, fields.Bytes());
   file.insert(file.end(), records_.begin(), records_.end());
-  // No palette, and the record's size once more.
+  // No palette entries, and the record size once more.
   AppendRecord(file, EmfType::endOfFile, EmfFields().Longs({0, 16, kEndBytes}).Bytes());
   return file;
 }

@@ -12,28 +12,27 @@
 
 namespace rasterkit::detail {
 
-/// Fields of a record, little-endian, one after another.
+/// Builds the fields of a record, little-endian.
 class EmfFields {
  public:
   EmfFields& Byte(int64_t value) { return Put(value, 1); }
   EmfFields& Word(int64_t value) { return Put(value, 2); }
   EmfFields& Long(int64_t value) { return Put(value, 4); }
   EmfFields& Longs(std::initializer_list<int64_t> values);
-  /// Rounded to whole numbers; what does not fit 32 bits becomes the nearest that does, and what is
-  /// no number 0.
+  /// Appends a 32-bit integer: rounded and clamped; NaN becomes 0.
   EmfFields& Number(double value);
   EmfFields& Single(double value) {
     return Long(std::bit_cast<int32_t>(static_cast<float>(value)));
   }
   EmfFields& Point(PointD point) { return Number(point.x).Number(point.y); }
-  /// Left, top, right, bottom.
+  /// Appends left, top, right, bottom.
   EmfFields& Rect(const RectD& rect);
-  /// Left, top, width, height.
+  /// Appends left, top, width, height.
   EmfFields& SizedRect(const RectD& rect);
   EmfFields& Append(std::span<const uint8_t> more);
-  /// Zeros up to a multiple of four bytes.
+  /// Appends zeros up to a multiple of four bytes.
   EmfFields& Pad();
-  /// Zeros in place of the bounds of a drawing record, which players may do without.
+  /// Appends zeros as the bounds of a drawing record, which players do not need.
   EmfFields& NoBounds() { return Longs({0, 0, 0, 0}); }
 
   size_t Size() const { return bytes_.size(); }
@@ -45,26 +44,26 @@ class EmfFields {
   std::vector<uint8_t> bytes_;
 };
 
-/// What the header of a written file says.
+/// The contents of a written header.
 struct EmfPicture {
-  /// The reference device is exactly as large as the picture: pixels and 0.01 mm.
+  /// Size of the picture and of the reference device, which are equal: in pixels and in 0.01 mm.
   int width = 0, height = 0, widthMm100 = 0, heightMm100 = 0;
-  /// What is painted, pixels.
+  /// Bounding box of the painted pixels.
   std::optional<RectD> drawn;
-  /// Handles in use, number 0, which no object has, included.
+  /// Number of handles, including the reserved handle 0.
   size_t handles = 1;
 };
 
-/// Puts an enhanced metafile together.
+/// Builds an EMF file.
 class EmfWriter {
  public:
-  /// Throws LimitError when the file would be larger than the picture memory budget.
+  /// Appends a record. Throws LimitError if the file would exceed the picture memory budget.
   void Add(EmfType type, const EmfFields& fields = {});
   void Add(EmfType type, std::initializer_list<int64_t> longs) {
     Add(type, EmfFields().Longs(longs));
   }
-  /// The file, header and last record included. Throws LimitError beyond the 4 GiB that a header
-  /// can state.
+  /// Returns the file with header and last record. Throws LimitError above 4 GiB, the most that a
+  /// header can state.
   std::vector<uint8_t> Finish(const EmfPicture& picture);
 
  private:

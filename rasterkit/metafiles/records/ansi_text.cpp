@@ -14,7 +14,7 @@ constexpr char16_t kUnknown = 0xFFFD;
 struct CodePage {
   uint8_t charset;
   const char* name;
-  bool hasPairs;  ///< some characters take two bytes
+  bool hasPairs;  ///< some characters have two bytes
 };
 
 constexpr CodePage kCodePages[] = {
@@ -32,7 +32,7 @@ CodePage CodePageOf(uint8_t charset) {
   return {charset, "CP1252", false};
 }
 
-/// A conversion to UTF-16 by the system's tables; where those are missing, bytes count as Latin 1.
+/// Converts to UTF-16 with iconv's tables; if a table is missing, bytes are decoded as Latin-1.
 class Converter {
  public:
   explicit Converter(const char* codePage) : handle_(iconv_open("UTF-16LE", codePage)) {}
@@ -44,7 +44,7 @@ class Converter {
 
   bool IsThere() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
 
-  /// The characters of exactly these bytes; empty when they are none.
+  /// Converts exactly these bytes to one character; returns an empty string if they are invalid.
   std::u16string Convert(std::span<const uint8_t> bytes) const {
     std::array<char, 2> in{};
     std::copy(bytes.begin(), bytes.end(), in.begin());
@@ -53,7 +53,7 @@ class Converter {
     char* to = reinterpret_cast<char*>(out.data());
     size_t fromLeft = bytes.size(), toLeft = out.size();
     const size_t result = iconv(handle_, &from, &fromLeft, &to, &toLeft);
-    // Some tables keep a letter back until they have seen whether an accent follows.
+    // Some tables hold a letter back until they see whether an accent follows; flush it.
     iconv(handle_, nullptr, nullptr, &to, &toLeft);
     if (result == static_cast<size_t>(-1) || fromLeft != 0) {
       iconv(handle_, nullptr, nullptr, nullptr, nullptr);

@@ -7,16 +7,16 @@
 
 namespace rasterkit {
 
-/// A text of bytes turned into UTF-16, with the steps that belong to it.
+/// A text converted to UTF-16, with the advances of its units.
 struct AnsiText {
   std::u16string text;
   std::vector<double> steps;
 };
 
-/// The characters that the bytes stand for in a font of this charset (see LogicalFont); unknown
-/// charsets count as western, and a byte that stands for nothing becomes U+FFFD. `steps` has a
-/// number for each byte, or none: a character of two bytes gets both, units without a byte get 0.
-/// Symbol fonts (charset 2) keep their bytes, as U+F000 and up.
+/// Decodes the text of a font with this charset (see LogicalFont). An unknown charset is decoded as
+/// Western; an invalid byte becomes U+FFFD. `steps` has one advance per byte or is empty: a
+/// character of two bytes gets the sum of both, a unit without a byte gets 0. The bytes of symbol
+/// fonts (charset 2) become U+F000 and up.
 AnsiText DecodeAnsiText(std::span<const uint8_t> bytes, std::span<const double> steps,
                         uint8_t charset);
 

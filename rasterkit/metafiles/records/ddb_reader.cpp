@@ -12,19 +12,19 @@ struct DdbHead {
 };
 
 DdbHead ReadHead(MetafileBytes& fields) {
-  fields.Skip(2);  // kind
+  fields.Skip(2);  // type
   DdbHead head;
   head.width = fields.Short();
   head.height = fields.Short();
   head.rowBytes = fields.Word();
   const uint8_t planes = fields.Byte(), bits = fields.Byte();
   const bool isKnown = planes == 1 && (bits == 1 || bits == 24 || bits == 32);
-  if (!isKnown) throw UnsupportedError("WMF: a device's own bitmap of this depth is not read");
+  if (!isKnown) throw UnsupportedError("WMF: a device-dependent bitmap has an unsupported depth");
   head.format = bits == 1 ? pf1bit : bits == 24 ? pf24bit : pf32bit;
   const bool fits =
       head.width > 0 && head.height > 0 &&
       head.rowBytes >= (static_cast<size_t>(head.width) * static_cast<size_t>(bits) + 7) / 8;
-  if (!fits) throw FormatError("WMF: a device's own bitmap has an impossible size");
+  if (!fits) throw FormatError("WMF: a device-dependent bitmap has an invalid size");
   return head;
 }
 
@@ -47,9 +47,9 @@ Raster ReadDdb(MetafileBytes& fields) {
 }
 
 Raster ReadDdbPattern(MetafileBytes& fields) {
-  constexpr size_t pointerAndRoom = 4 + 18;
+  constexpr size_t kPointerAndRoom = 4 + 18;
   const DdbHead head = ReadHead(fields);
-  fields.Skip(pointerAndRoom);
+  fields.Skip(kPointerAndRoom);
   return ReadRows(fields, head);
 }
 

@@ -3,15 +3,15 @@
 #include <rasterkit/metafiles/records/metafile_bytes.h>
 #include <rasterkit/raster/raster.h>
 
-/// Bitmaps as old devices held them: kind, width, height, bytes of a row, planes, bits, and rows
-/// from top to bottom without colours of their own.
+/// Device-dependent bitmaps: type, width, height, bytes per row, planes, bits per pixel, and rows
+/// from top to bottom, without a palette.
 namespace rasterkit::detail {
 
-/// Reads header and rows: 1 bit a pixel (0 is black), 24 and 32 bits. Throws FormatError, and
-/// UnsupportedError for others.
+/// Reads header and rows with 1 (0 is black), 24 or 32 bits per pixel. Throws FormatError if the
+/// record is damaged, UnsupportedError for other bit depths.
 Raster ReadDdb(MetafileBytes& fields);
 
-/// The same with the room that a brush's record has between header and rows.
+/// Reads the bitmap of a pattern brush, which has a gap between header and rows.
 Raster ReadDdbPattern(MetafileBytes& fields);
 
 }  // namespace rasterkit::detail

@@ -34,7 +34,7 @@ void ReadFields(std::span<const uint8_t> bytes, DibHead& head, uint64_t& stated)
   stated = fields.Long();
 }
 
-/// Masks that say what holds without any are as good as none.
+/// Masks equal to the default ones count as no masks.
 bool HasFourthByte(const DibHead& head, std::span<const uint8_t> bytes) {
   if (head.bits != 32) return false;
   if (head.compression == BmpCompression::none) return true;
@@ -50,7 +50,7 @@ void Put(std::vector<uint8_t>& bytes, size_t offset, uint32_t value) {
   for (int i = 0; i < 4; ++i) bytes[offset + i] = static_cast<uint8_t>(value >> (8 * i));
 }
 
-/// Entry `index` of the table, through the palette where it holds indexes.
+/// Returns entry `index` of the color table; indexes are looked up in the palette.
 tagPALETTEENTRY TableEntry(const DibHead& head, std::span<const uint8_t> table, size_t index,
                            const DibRequest& request) {
   const uint8_t* entry = table.data() + index * head.entryBytes;
@@ -74,12 +74,12 @@ std::vector<tagPALETTEENTRY> Table(const DibHead& head, std::span<const uint8_t>
     const uint64_t count = std::min({most, head.entries, uint64_t{table.size() / head.entryBytes}});
     for (uint64_t i = 0; i < count; ++i) entries.push_back(TableEntry(head, table, i, request));
   }
-  // A file without any entry would be taken for one with all of them.
+  // A BMP file that states 0 entries has all of them, so write at least one.
   if (entries.empty()) entries.emplace_back();
   return entries;
 }
 
-/// The header and its masks as the file gets them.
+/// Returns the header and masks of the BMP file.
 std::vector<uint8_t> FileHead(const DibHead& head, std::span<const uint8_t> bytes,
                               const DibRequest& request) {
   const size_t count = head.headerBytes + MaskBytes(head);
@@ -96,7 +96,7 @@ std::vector<uint8_t> FileHead(const DibHead& head, std::span<const uint8_t> byte
                               kBmpAlpha8888};
     for (size_t i = 0; i < 4; ++i) Put(result, bmp_field::masks + 4 * i, masks[i]);
   }
-  // What a profile's offset counts from is not there.
+  // The offset of an embedded profile would point outside the file, so state sRGB instead.
   if (result.size() >= kBmpV4Header) Put(result, bmp_field::colorSpace, kBmpSrgb);
   return result;
 }
@@ -107,13 +107,13 @@ DibHead ReadDibHead(std::span<const uint8_t> bytes, DibColors colors) {
   DibHead head;
   head.headerBytes = MetafileBytes(bytes).Long();
   if (!IsBmpHeaderSize(head.headerBytes) || head.headerBytes > bytes.size()) {
-    throw FormatError("metafile: a bitmap's header of " + std::to_string(head.headerBytes) +
-                      " bytes is not there or not known");
+    throw FormatError("metafile: a bitmap header of " + std::to_string(head.headerBytes) +
+                      " bytes is truncated or unknown");
   }
   uint64_t stated = 0;
   ReadFields(bytes, head, stated);
   head.tableOffset = uint64_t{head.headerBytes} + MaskBytes(head);
-  if (head.tableOffset > bytes.size()) throw FormatError("metafile: a bitmap's masks are cut off");
+  if (head.tableOffset > bytes.size()) throw FormatError("metafile: bitmap masks are truncated");
   head.hasFourthByte = HasFourthByte(head, bytes);
   head.entries = stated;
   if (head.entries == 0 && head.bits <= 8 && !head.IsEmbedded()) {

@@ -9,20 +9,20 @@
 
 namespace rasterkit::detail {
 
-/// What the head of a bitmap says, before anything is believed.
+/// The header of a bitmap as stored; not yet validated.
 struct DibHead {
   uint32_t headerBytes = 0;
   int64_t width = 0;
-  /// Negative for rows from top to bottom.
+  /// Negative if rows run from top to bottom.
   int64_t height = 0;
   uint32_t bits = 0;
   BmpCompression compression = BmpCompression::none;
-  /// Entries of the table of colours and bytes of each, and where the table starts.
+  /// The color table: number of entries, bytes per entry, and offset.
   uint64_t entries = 0;
   uint32_t entryBytes = 0;
   uint64_t tableOffset = 0;
-  /// 32 bits, blue in the lowest byte and red in the third, whether by masks or without: the fourth
-  /// may be alpha.
+  /// 32 bits per pixel with blue in the lowest byte and red in the third, by masks or by default:
+  /// the fourth byte may be alpha.
   bool hasFourthByte = false;
 
   bool IsCore() const { return headerBytes == kBmpCoreHeader; }
@@ -32,14 +32,14 @@ struct DibHead {
   bool IsRle() const {
     return compression == BmpCompression::rle4 || compression == BmpCompression::rle8;
   }
-  /// Bytes from one row to the next of a bitmap that is not packed.
+  /// Returns the bytes per row of an uncompressed bitmap.
   uint64_t RowBytes() const { return (static_cast<uint64_t>(width) * bits + 31) / 32 * 4; }
 };
 
-/// Throws FormatError when the header is not there or of no known kind.
+/// Throws FormatError if the header is truncated or of an unknown size.
 DibHead ReadDibHead(std::span<const uint8_t> bytes, DibColors colors);
 
-/// The bitmap as a bitmap file, for the reader of such.
+/// Returns the bitmap as a BMP file.
 std::vector<uint8_t> DibAsFile(const DibHead& head, const DibParts& parts,
                                const DibRequest& request);
 

@@ -10,9 +10,9 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Pixels that bitmaps of one file may have beyond what its bytes account for.
+/// Pixels that the bitmaps of one file may have in addition to those that its size allows.
 constexpr uint64_t kFreePixels = uint64_t{1} << 28;
-/// The same for one bitmap. What packs best holds about a thousand pixels a byte.
+/// The same for one bitmap. The best compression stores about 1000 pixels per byte.
 constexpr uint64_t kFreePixelsEach = uint64_t{1} << 24;
 constexpr uint64_t kMostPixelsPerByte = 1024;
 
@@ -25,7 +25,7 @@ PixelSize EmbeddedSize(const DibHead& head, std::span<const uint8_t> bits) {
     const JpegFrame frame = ReadJpegFrame(bits);
     return {static_cast<uint64_t>(frame.width), static_cast<uint64_t>(frame.height)};
   }
-  // Signature, length and name of the first chunk; then the size, highest byte first.
+  // A PNG file has its signature and the length and name of the first chunk before the size.
   MetafileBytes fields(bits, 16);
   const auto big = [&] {
     uint32_t value = 0;
@@ -38,13 +38,13 @@ PixelSize EmbeddedSize(const DibHead& head, std::span<const uint8_t> bits) {
 
 PixelSize StatedSize(const DibHead& head, const DibRequest& request) {
   if (head.width <= 0 || head.height == 0 || head.bits > 32) {
-    throw FormatError("metafile: a bitmap of this size or depth is not possible");
+    throw FormatError("metafile: a bitmap has an invalid size or bit depth");
   }
   const uint64_t rows = request.rows ? *request.rows : static_cast<uint64_t>(std::abs(head.height));
   return {static_cast<uint64_t>(head.width), rows};
 }
 
-/// A bitmap alpha 0 everywhere is taken for one without alpha; here the bytes count as they are.
+/// The BMP decoder treats alpha 0 in all pixels as undefined; here the bytes count as they are.
 void ClearAlpha(Raster& raster) {
   for (int y = 0; y < raster.Height(); ++y) {
     uint8_t* row = raster.Row(y);
@@ -57,7 +57,7 @@ void ClearAlpha(Raster& raster) {
 DibParts SplitPackedDib(std::span<const uint8_t> bytes, DibColors colors) {
   const DibHead head = ReadDibHead(bytes, colors);
   const uint64_t end = head.tableOffset + head.entries * head.entryBytes;
-  if (end > bytes.size()) throw FormatError("metafile: a bitmap ends before its rows");
+  if (end > bytes.size()) throw FormatError("metafile: a bitmap has no rows");
   const auto split = static_cast<size_t>(end);
   return {bytes.first(split), bytes.subspan(split)};
 }
@@ -67,10 +67,10 @@ DibReader::DibReader(uint64_t fileBytes)
 
 void DibReader::Take(uint64_t pixels, uint64_t bytes) {
   if (pixels > kFreePixelsEach && pixels / kMostPixelsPerByte > bytes) {
-    throw LimitError("metafile: a bitmap is much larger than its bytes account for");
+    throw LimitError("metafile: a bitmap is too large for its amount of data");
   }
   if (pixels > pixelsLeft_) {
-    throw LimitError("metafile: its bitmaps are much larger than the file");
+    throw LimitError("metafile: the bitmaps are too large for the size of the file");
   }
   pixelsLeft_ -= pixels;
 }
@@ -79,7 +79,7 @@ Dib DibReader::Read(const DibParts& parts, const DibRequest& request) {
   const DibHead head = ReadDibHead(parts.head, request.colors);
   const PixelSize size =
       head.IsEmbedded() ? EmbeddedSize(head, parts.bits) : StatedSize(head, request);
-  // Both are 32 bits at most, so that their product fits.
+  // Both have at most 32 bits, so the product fits.
   if (size.height != 0) Take(size.width * size.height, parts.bits.size());
   const std::vector<uint8_t> file = DibAsFile(head, parts, request);
   TSpanStream stream(file);

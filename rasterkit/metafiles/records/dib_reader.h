@@ -7,54 +7,54 @@
 #include <rasterkit/raster/palette.h>
 #include <rasterkit/raster/raster.h>
 
-/// Bitmaps inside records: a header as in bitmap files, masks, a table of colours, and rows.
+/// Device-independent bitmaps in records: a header as in BMP files, masks, a color table, and rows.
 namespace rasterkit::detail {
 
-/// What the table of colours holds: colours, 16-bit indexes into the palette that is selected, or
-/// nothing because the pixels are such indexes themselves.
+/// What the color table holds: colors, 16-bit indexes into the selected palette, or nothing, as the
+/// pixels themselves are such indexes.
 enum class DibColors : uint32_t { colors = 0, paletteIndexes = 1, noTable = 2 };
 
-/// What a record states, which may be any number.
+/// Converts the value of a record; invalid values mean colors.
 constexpr DibColors DibColorsOf(uint32_t stated) {
   return stated == 1 || stated == 2 ? static_cast<DibColors>(stated) : DibColors::colors;
 }
 
-/// Where the parts of a bitmap lie in a record.
+/// The parts of a bitmap in a record.
 struct DibParts {
-  /// Header, masks and table of colours.
+  /// Header, masks and color table.
   std::span<const uint8_t> head;
   std::span<const uint8_t> bits;
 };
 
-/// Parts of a bitmap whose rows follow its table of colours. Throws FormatError when the bytes end
-/// before the rows.
+/// Splits a bitmap whose rows follow its color table. Throws FormatError if the data ends before
+/// the rows.
 DibParts SplitPackedDib(std::span<const uint8_t> bytes, DibColors colors);
 
 struct Dib {
   Raster raster;
-  /// The first row in the record is the topmost one.
+  /// True if the first row in the record is the top row.
   bool isTopDown = false;
 };
 
 struct DibRequest {
   DibColors colors = DibColors::colors;
-  /// What indexes mean where `colors` speaks of a palette; the default palette when empty.
+  /// The palette that indexes refer to; empty means the default palette.
   HPALETTE palette;
-  /// Keeps the fourth byte of 32-bit pixels as it is, which else counts as 255.
+  /// Keeps the fourth byte of 32-bit pixels as alpha; otherwise it is set to 255.
   bool keepsAlpha = false;
-  /// Rows that the record holds of the bitmap, when it holds only some.
+  /// The number of rows in the record, if it holds only a part of the bitmap.
   std::optional<uint32_t> rows;
 };
 
-/// Reads bitmaps of one metafile and keeps account of their size: a few bytes may state any size,
-/// and there may be many of them.
+/// Reads the bitmaps of one metafile and limits their total size: a hostile file can state large
+/// bitmaps in a few bytes, repeatedly.
 class DibReader {
  public:
   explicit DibReader(uint64_t fileBytes);
 
-  /// 1 to 32 bits, masks, RLE, JPEG and PNG inside; indexed bitmaps stay indexed. Rows that are not
-  /// there are 0. Throws FormatError, UnsupportedError and LimitError: the record has no bitmap
-  /// then.
+  /// Reads a bitmap of 1 to 32 bits per pixel, with masks, RLE, or an embedded JPEG or PNG. Indexed
+  /// bitmaps stay indexed; missing rows are 0. Throws FormatError, UnsupportedError or LimitError;
+  /// the record then has no bitmap.
   Dib Read(const DibParts& parts, const DibRequest& request);
 
  private:

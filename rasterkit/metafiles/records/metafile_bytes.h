@@ -8,8 +8,8 @@
 
 namespace rasterkit::detail {
 
-/// Reads little-endian fields one after another. Every read is checked against the bytes that are
-/// there; one that needs more throws FormatError, which ends the record and not the picture.
+/// Reads consecutive little-endian fields. Every read is bounds-checked and throws FormatError if
+/// the data ends; the player then skips the record and continues.
 class MetafileBytes {
  public:
   explicit MetafileBytes(std::span<const uint8_t> bytes, size_t position = 0) : bytes_(bytes) {
@@ -35,21 +35,21 @@ class MetafileBytes {
     return uint32_t{at[0]} | uint32_t{at[1]} << 8 | uint32_t{at[2]} << 16 | uint32_t{at[3]} << 24;
   }
   int32_t Int() { return static_cast<int32_t>(Long()); }
-  /// A single; numbers that are none count as 0, so that no arithmetic has to think of them.
+  /// Reads a 32-bit float; non-finite values are read as 0.
   double Single() {
     const auto value = std::bit_cast<float>(Long());
     return value - value == 0 ? value : 0;
   }
 
-  /// The next `count` bytes themselves.
+  /// Reads the next `count` bytes.
   std::span<const uint8_t> Take(size_t count) {
     if (count > Left()) ThrowTooShort();
     const auto taken = bytes_.subspan(position_, count);
     position_ += count;
     return taken;
   }
-  /// As many items of `itemBytes` bytes as are stated; throws before anybody reserves memory for
-  /// items that are not there.
+  /// Returns the stated number of items of `itemBytes` bytes each. Throws FormatError if they
+  /// exceed the data, so that no memory is allocated for missing items.
   size_t Count(uint64_t stated, size_t itemBytes) const {
     if (stated > Left() / itemBytes) ThrowTooShort();
     return static_cast<size_t>(stated);
@@ -57,7 +57,7 @@ class MetafileBytes {
 
  private:
   [[noreturn]] static void ThrowTooShort() {
-    throw FormatError("metafile: a record ends before its fields do");
+    throw FormatError("metafile: a record is too short for its fields");
   }
 
   std::span<const uint8_t> bytes_;

@@ -8,7 +8,7 @@ namespace rasterkit {
 
 enum class MetafileKind { wmf, placeableWmf, emf };
 
-/// What a metafile says about itself, without drawing it.
+/// Properties of a metafile, known without drawing it.
 struct MetafileFacts {
   MetafileKind kind = MetafileKind::wmf;
 
@@ -17,33 +17,34 @@ struct MetafileFacts {
     int64_t Width() const { return right - left; }
     int64_t Height() const { return bottom - top; }
   };
-  /// EMF: the drawing's box in pixels of the reference device, the last ones included. WMF: the
-  /// picture's box in logical units; it may be upside down.
+  /// EMF: bounding box of the drawing in pixels of the reference device, right and bottom included.
+  /// WMF: box of the picture in logical units; it may be flipped.
   Box bounds;
-  /// WMF: the file states no box and no window; `bounds` is around what it draws, y downward.
+  /// WMF: true if the file states neither a box nor a window; `bounds` is then the measured
+  /// bounding box of the drawing, y downward.
   bool boundsAreDrawn = false;
-  /// EMF: the picture's box on the reference device in 0.01 mm.
+  /// EMF: box of the picture on the reference device, in 0.01 mm.
   Box frame;
-  /// EMF: the reference device's size; 0 for WMF.
+  /// EMF: size of the reference device; 0 for WMF.
   int deviceWidth = 0, deviceHeight = 0;
   double deviceWidthMm = 0, deviceHeightMm = 0;
-  /// WMF: logical units that are an inch: as the placeable header says, else 96 (a unit is a pixel)
-  /// or, for drawings of more than 2048 units, 1440.
+  /// WMF: logical units per inch. From the placeable header, else 96 (a unit is a pixel), or 1440
+  /// for drawings of more than 2048 units.
   double unitsPerInch = 0;
 
-  /// The picture's size in pixels at 96 dpi and in 0.01 mm, 1 and up.
+  /// Size of the picture in pixels at 96 dpi and in 0.01 mm; at least 1.
   int width = 0, height = 0;
   int widthMm100 = 0, heightMm100 = 0;
 
-  /// Records that are there, the header of an EMF file included.
+  /// Number of records, including the header of an EMF file.
   uint32_t records = 0;
-  /// EMF: the file holds records of the newer kind too, which are not drawn.
+  /// EMF: true if the file also has EMF+ records, which are not drawn.
   bool hasEmfPlus = false;
-  /// EMF: the drawing is in records of that kind alone; there is nothing that could be drawn.
+  /// EMF: true if only EMF+ records draw; such a file cannot be drawn.
   bool isEmfPlusOnly = false;
-  /// EMF: the program that wrote the file and the picture's title, UTF-8; may be empty.
+  /// EMF: the program that wrote the file and the title of the picture, UTF-8; may be empty.
   std::string program, title;
-  /// What is wrong with the file; what lies before the damage is there all the same.
+  /// Damage found in the file. The records before it can be drawn.
   std::vector<std::string> warnings;
 };
 

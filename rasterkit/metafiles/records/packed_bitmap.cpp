@@ -8,7 +8,7 @@ namespace rasterkit::detail {
 std::vector<uint8_t> PackedBitmap(const Raster& raster) {
   TMemoryStream stream;
   EncodeBmp(raster, stream, BmpProfile::omit);
-  // A bitmap file without its file header.
+  // A BMP file without its file header.
   std::vector<uint8_t> bytes = stream.TakeBytes();
   bytes.erase(bytes.begin(), bytes.begin() + kBmpFileHeaderBytes);
   return bytes;

@@ -7,8 +7,8 @@
 
 namespace rasterkit::detail {
 
-/// The raster as records of metafiles hold bitmaps: header, masks, table of colours and rows,
-/// without a colour profile. Throws as EncodeBmp.
+/// Encodes a raster as a bitmap for records: header, masks, color table and rows, without a color
+/// profile. Throws the errors of EncodeBmp.
 std::vector<uint8_t> PackedBitmap(const Raster& raster);
 
 }  // namespace rasterkit::detail

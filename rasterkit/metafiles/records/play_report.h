@@ -6,16 +6,16 @@
 
 namespace rasterkit {
 
-/// What became of a metafile's records.
+/// The result of playing a metafile.
 struct PlayReport {
-  /// Records of kinds that are known, also of those that leave nothing to be seen.
+  /// Number of records of known types, including those without a visible effect.
   uint32_t played = 0;
-  /// Records that are damaged or of a kind that is not known, and lost nothing but themselves.
+  /// Number of records that were skipped: damaged ones and those of unknown types.
   uint32_t skipped = 0;
-  /// Each reason once, in the order of the records.
+  /// Reasons of skipped records and other damage, without duplicates, in the order of the records.
   std::vector<std::string> warnings;
-  /// False when `keepGoing` said so before the last record, or when the records asked for more work
-  /// than any picture shows, which a warning tells.
+  /// False if `keepGoing` stopped playback, or if the work budget was exceeded, which adds a
+  /// warning.
   bool isComplete = true;
 };
 

@@ -14,8 +14,8 @@ std::vector<tagPALETTEENTRY> CopyOf(const HPALETTE& palette) {
 }  // namespace
 
 TColor StatedColor(uint32_t stated, const HPALETTE& palette) {
-  constexpr uint32_t index = 1;
-  if (stated >> 24 == index) {
+  constexpr uint32_t kIndex = 1;
+  if (stated >> 24 == kIndex) {
     return EntryColor(palette.Entry(static_cast<int>(stated & 0xFFFF)));
   }
   return static_cast<TColor>(stated & 0xFFFFFF);
@@ -39,11 +39,11 @@ void ChangeEntries(HPALETTE& palette, size_t start, std::span<const tagPALETTEEN
 }
 
 void AnimateEntries(HPALETTE& palette, size_t start, std::span<const tagPALETTEENTRY> changes) {
-  constexpr uint8_t isAnimated = 1;
+  constexpr uint8_t kIsAnimated = 1;
   std::vector<tagPALETTEENTRY> entries = CopyOf(palette);
   for (size_t i = 0; i < changes.size() && start + i < entries.size(); ++i) {
     tagPALETTEENTRY& entry = entries[start + i];
-    if ((entry.peFlags & isAnimated) != 0) entry = changes[i];
+    if ((entry.peFlags & kIsAnimated) != 0) entry = changes[i];
   }
   palette = HPALETTE(entries);
 }

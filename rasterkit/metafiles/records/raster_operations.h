@@ -5,25 +5,25 @@
 #include <rasterkit/drawing/ink/affine.h>
 #include <rasterkit/metafiles/records/dib_reader.h>
 
-/// What the players of both kinds of metafiles have to know about blits.
+/// Helpers for blits that both players share.
 namespace rasterkit::detail {
 
-/// Whether an operation looks at the source: whether the halves of its truth table that differ in
-/// the source's bit differ.
+/// Returns whether an operation depends on the source: its truth table changes with the source's
+/// bit.
 constexpr bool NeedsSource(uint32_t rop) {
   const uint32_t table = rop >> 16 & 0xFF;
   return ((table >> 2 ^ table) & 0x33) != 0;
 }
 
-/// Parts of bitmaps whose rows run upward are counted from the lowest row; rasters from the
-/// uppermost one.
+/// Converts a part to coordinates of the raster: parts of bottom-up bitmaps are counted from the
+/// bottom row.
 inline RectD FromFirstRow(const RectD& part, const Dib& dib) {
   if (dib.isTopDown) return part;
   const double height = dib.raster.Height();
   return {part.left, height - part.bottom, part.right, height - part.top};
 }
 
-/// The same where the record holds the rows from `firstRow` on of a larger bitmap.
+/// Does the same for a record that holds only the rows from `firstRow` on of a larger bitmap.
 inline RectD PartOfBand(const RectD& part, const Dib& dib, uint32_t firstRow) {
   const double first = firstRow;
   return FromFirstRow({part.left, part.top - first, part.right, part.bottom - first}, dib);

@@ -5,10 +5,10 @@
 
 namespace rasterkit::detail {
 
-/// UTF-8 of UTF-16 units; a half of a pair without its other half becomes U+FFFD.
+/// Converts UTF-16 to UTF-8; an unpaired surrogate becomes U+FFFD.
 std::string Utf8FromUtf16(std::u16string_view units);
 
-/// UTF-16 of UTF-8; a byte that belongs to no character becomes U+FFFD.
+/// Converts UTF-8 to UTF-16; an invalid byte becomes U+FFFD.
 std::u16string Utf16FromUtf8(std::string_view text);
 
 }  // namespace rasterkit::detail

@@ -4,11 +4,11 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Logical units an inch of the mapping modes 2 to 6: 0.1 mm, 0.01 mm, 0.01 inch, 0.001 inch,
-/// twentieths of a point. The other modes have no unit of their own.
+/// Returns logical units per inch of the mapping modes 2 to 6: 0.1 mm, 0.01 mm, 0.01 inch, 0.001
+/// inch, 1/1440 inch. The other modes have no fixed unit.
 double UnitsOfMode(int mode) {
-  constexpr double units[] = {254, 2540, 100, 1000, 1440};
-  return mode >= 2 && mode <= 6 ? units[mode - 2] : 0;
+  constexpr double kUnits[] = {254, 2540, 100, 1000, 1440};
+  return mode >= 2 && mode <= 6 ? kUnits[mode - 2] : 0;
 }
 
 void Look(const WmfRecord& record, WmfContents& contents) {
@@ -41,7 +41,7 @@ WmfContents ReadWmfContents(std::span<const uint8_t> bytes) {
     try {
       Look(*record, contents);
     } catch (const FormatError&) {
-      // A record that is too short is not drawn either.
+      // Truncated records are ignored; the player skips them, too.
     }
   }
   contents.damage = records.Damage();

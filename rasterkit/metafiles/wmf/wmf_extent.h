@@ -5,20 +5,20 @@
 
 namespace rasterkit::detail {
 
-/// What a Windows metafile holds, counted and not drawn.
+/// What a WMF file contains, without drawing it.
 struct WmfContents {
   std::optional<WmfPlacement> placement;
-  /// Where the first window that the records set begins, and how large it is: logical units. It may
-  /// be upside down, but is not empty.
+  /// Origin and extent of the first window that the records set, in logical units. The extent may
+  /// be negative, but is not 0.
   std::optional<PointD> windowOrg, windowExt;
-  /// What the first mapping mode with a fixed unit says; 0 for the others.
+  /// From the first mapping mode with a fixed unit; 0 without one.
   double unitsPerInch = 0;
   uint32_t records = 0;
-  /// Why the walk ended before the last record; empty when it did not.
+  /// Why the walk ended before the last record; empty if it did not.
   std::string damage;
 };
 
-/// Throws FormatError when the bytes do not start with a header.
+/// Throws FormatError if the data does not start with a WMF header.
 WmfContents ReadWmfContents(std::span<const uint8_t> bytes);
 
 }  // namespace rasterkit::detail

@@ -3,42 +3,43 @@
 #include <rasterkit/drawing/ink/affine.h>
 #include <rasterkit/metafiles/records/metafile_bytes.h>
 
-/// Fields that many records of Windows metafiles share. Parameters come last one first.
+/// Fields that several WMF records share. Parameters are stored in reverse order.
 namespace rasterkit::detail {
 
-/// y, x.
+/// Fields: y, x.
 inline PointD ReadReversedPoint(MetafileBytes& fields) {
   const double y = fields.Short();
   return {static_cast<double>(fields.Short()), y};
 }
 
-/// Bottom, right, top, left.
+/// Fields: bottom, right, top, left.
 inline RectD ReadReversedRect(MetafileBytes& fields) {
   const PointD bottomRight = ReadReversedPoint(fields);
   const PointD topLeft = ReadReversedPoint(fields);
   return {topLeft.x, topLeft.y, bottomRight.x, bottomRight.y};
 }
 
-/// Height, width, y, x.
+/// Fields: height, width, y, x.
 inline RectD ReadReversedSizedRect(MetafileBytes& fields) {
   const PointD size = ReadReversedPoint(fields);
   const PointD corner = ReadReversedPoint(fields);
   return {corner.x, corner.y, corner.x + size.x, corner.y + size.y};
 }
 
-/// x, y, as in lists of points.
+/// Fields: x, y, as in lists of points.
 inline PointD ReadShortPoint(MetafileBytes& fields) {
   const double x = fields.Short();
   return {x, static_cast<double>(fields.Short())};
 }
 
-/// What comes before the bitmap of a blit.
+/// The fields of a blit before its bitmap.
 struct WmfBlit {
   uint32_t operation = 0;
   RectD part, dest;
 };
 
-/// Operation, [size of the part,] its corner, [a word where there is no bitmap,] target.
+/// Fields: operation, [size of the part if stretched,] corner of the part, [a word if there is no
+/// bitmap,] target.
 inline WmfBlit ReadBlit(MetafileBytes& fields, bool isStretched, bool hasBitmap) {
   WmfBlit blit;
   blit.operation = fields.Long();

@@ -7,7 +7,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Where a bitmap would go; nothing for other kinds of records.
+/// Returns the target of a bitmap record; nothing for other records.
 std::optional<RectD> BitmapPlace(const WmfRecord& record) {
   MetafileBytes fields = record.Fields();
   switch (record.function) {
@@ -18,10 +18,10 @@ std::optional<RectD> BitmapPlace(const WmfRecord& record) {
     case WmfFunction::stretchBlt:
       return ReadBlit(fields, true, record.HasBitmap()).dest;
     case WmfFunction::stretchDib:
-      fields.Skip(14);  // operation, use of colours, and the bitmap's part
+      fields.Skip(14);  // operation, color usage, part of the bitmap
       return ReadReversedSizedRect(fields);
     case WmfFunction::setDibToDev: {
-      fields.Skip(10);  // use of colours, rows, and the part's corner
+      fields.Skip(10);  // color usage, rows, corner of the part
       return ReadReversedSizedRect(fields);
     }
     default:
@@ -33,7 +33,7 @@ std::optional<RectD> BitmapPlace(const WmfRecord& record) {
 
 std::optional<RectD> MeasureWmf(std::span<const uint8_t> bytes) {
   constexpr double kMmPerInch = kMm100PerInch / 100;
-  constexpr uint32_t kMostQuestions = kMostMeasuredRecords / kRecordsBetweenQuestions;
+  constexpr uint32_t kMostCalls = kMostMeasuredRecords / kRecordsPerKeepGoing;
   Raster unseen(pf32bit, 1, 1);
   const ReferenceDevice screen{kMetafileDpi, kMetafileDpi, kMmPerInch, kMmPerInch};
   DeviceContext context(unseen, {0, 0, 0, 0}, screen, Affine());
@@ -42,7 +42,7 @@ std::optional<RectD> MeasureWmf(std::span<const uint8_t> bytes) {
   WmfPlayer player(context, picture, bytes.size());
   WmfRecords records(bytes);
   PlayReport report;
-  uint32_t questions = 0;
+  uint32_t calls = 0;
   PlayRecords(
       records,
       [&](const WmfRecord& record) {
@@ -51,7 +51,7 @@ std::optional<RectD> MeasureWmf(std::span<const uint8_t> bytes) {
         context.PatBlt(*place, rop3::blackness);
         return true;
       },
-      [&] { return ++questions <= kMostQuestions; }, report);
+      [&] { return ++calls <= kMostCalls; }, report);
   return context.DrawnBounds();
 }
 

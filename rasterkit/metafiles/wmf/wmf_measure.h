@@ -8,14 +8,14 @@
 
 namespace rasterkit::detail {
 
-/// Real drawings without a window have a few hundred.
+/// Limit of measured records; real drawings without a window have a few hundred.
 inline constexpr uint32_t kMostMeasuredRecords = 1 << 18;
 
-/// What a Windows metafile without a window would paint if nothing were clipped, texts included:
-/// pixels of a common screen, on which a unit is one unless the records say otherwise, y downward.
-/// Nothing for a drawing that paints nothing. Costs as much as drawing it where nothing is seen,
-/// bitmaps left out, and looks at `kMostMeasuredRecords` at most. Throws FormatError when the bytes
-/// do not start with a header.
+/// Measures the drawing of a WMF file without a window: the bounding box of everything that it
+/// would paint without clipping, text included. The unit is a pixel at 96 dpi, y downward; a
+/// logical unit is one pixel unless the records set another scale. Returns nothing if nothing is
+/// painted. Plays at most `kMostMeasuredRecords` records, without painting and without decoding
+/// bitmaps. Throws FormatError if the data does not start with a WMF header.
 std::optional<RectD> MeasureWmf(std::span<const uint8_t> bytes);
 
 }  // namespace rasterkit::detail

@@ -7,8 +7,8 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// 0.01 mm that come to so many pixels again, at most one away from what was measured: sizes are
-/// rounded twice where an enhanced metafile states them.
+/// Returns a length in 0.01 mm that rounds to this number of pixels and differs by at most 1 from
+/// the measured one: EMF readers compute pixels from it.
 int FittingHundredths(int pixels, int measured) {
   constexpr double kPixelsPerHundredth = kMetafileDpi / kMm100PerInch;
   for (const int hundredths : {measured, measured - 1, measured + 1}) {
@@ -33,7 +33,7 @@ WmfPicture PictureOfWmf(const MetafileFacts& facts) {
     picture.window = {left, top, left + width, top + height};
     return picture;
   }
-  // Records may move the window's origin as they like: what is drawn is moved behind the mapping.
+  // Records may move the origin of the window, so the offset is applied after the mapping.
   picture.window = {0, 0, width, height};
   picture.isMeasured = true;
   picture.origin = {std::nearbyint(-left * picture.pixels.x / width),

@@ -6,21 +6,21 @@
 
 namespace rasterkit::detail {
 
-/// Where a Windows metafile's picture lies, and on what device: a common screen of the picture's
-/// size in whole pixels. Playing and recording start from the same one, so that both round alike.
+/// The picture of a WMF file and its device: a screen of 96 dpi with the picture's size in whole
+/// pixels. Player and recorder use the same one, so that both round in the same way.
 struct WmfPicture {
-  /// The window of a new context, logical units. Its viewport is `pixels` large.
+  /// The initial window, in logical units. Its viewport has the size `pixels`.
   RectD window;
   PointD pixels;
-  /// The box is around what is drawn: modes leave the origin where it is.
+  /// True if the box was measured: mapping modes then keep the origin.
   bool isMeasured = false;
-  /// Where the origin of viewports lies, pixels from the picture's upper left corner.
+  /// The origin of viewports, in pixels from the upper left corner of the picture.
   PointD origin;
   ReferenceDevice device;
   int widthMm100 = 0, heightMm100 = 0;
 };
 
-/// The picture of a file of which these are the facts.
+/// Returns the picture of a file with these facts.
 WmfPicture PictureOfWmf(const MetafileFacts& facts);
 
 }  // namespace rasterkit::detail

@@ -3,8 +3,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Kinds that leave nothing to be seen: the end, what is for the device, and a mode of old that
-/// never meant anything.
+/// Record types without a visible effect: the end, device escapes, and a mode that never had one.
 bool IsSilent(WmfFunction function) {
   switch (function) {
     case WmfFunction::endOfFile:

@@ -10,15 +10,15 @@
 
 namespace rasterkit::detail {
 
-/// Handles of a Windows metafile: records create objects without naming a handle, and each takes
-/// the lowest one that is free.
+/// The handle table of a WMF file: a record that creates an object does not name a handle; the
+/// object gets the lowest free one.
 class WmfObjects {
  public:
   void Add(MetafileObject object);
-  /// The handle that the last `Add` gave.
+  /// Returns the handle that the last `Add` assigned.
   size_t Last() const { return last_; }
   void Delete(size_t handle);
-  /// Null for a handle that is free.
+  /// Returns null for a free handle.
   const MetafileObject* Find(size_t handle) const;
 
  private:
@@ -27,38 +27,38 @@ class WmfObjects {
   size_t last_ = 0;
 };
 
-/// A mapping mode of a Windows metafile, and what it sets beside itself so that the picture's box
-/// is what is seen of it.
+/// A mapping mode of a WMF file, and the window and viewport to set with it so that the picture's
+/// box stays visible.
 struct WmfMode {
   MapMode mode = MapMode::anisotropic;
   std::optional<PointD> windowOrg, windowExt, viewportExt;
 };
 
-/// What the record of a mapping mode does; nothing for one that is left out.
+/// Returns the effect of a mapping mode record; nothing for modes that are ignored.
 std::optional<WmfMode> WmfModeOf(uint16_t number, const WmfPicture& picture);
 
-/// Whether records of this kind make an object and give it the lowest handle that is free.
+/// Returns whether the record creates an object, which gets the lowest free handle.
 bool MakesObject(WmfFunction function);
 
-/// Plays the records of a Windows metafile onto a drawing context, one at a time.
+/// Plays the records of a WMF file on a drawing context, one at a time.
 class WmfPlayer {
  public:
-  /// `context` stays alive as long as the player; `fileBytes` bounds what bitmaps may cost.
+  /// `context` must outlive the player; `fileBytes` limits the size of bitmaps.
   WmfPlayer(DeviceContext& context, const WmfPicture& picture, uint64_t fileBytes);
 
-  /// False for a kind of record that is not known. Throws an Error when the record is damaged; the
-  /// context may be used on.
+  /// Returns false if the record type is unknown. Throws an Error if the record is damaged; the
+  /// context stays usable.
   bool Play(const WmfRecord& record);
 
   const WmfObjects& Objects() const { return objects_; }
   const WmfPicture& Picture() const { return picture_; }
-  /// Pixels of our device for those of the device that the file's viewport counts in: a length, and
-  /// where a viewport begins.
+  /// Convert from pixels of the file's device to pixels of this device: a length, and the origin of
+  /// a viewport.
   PointD ViewportScaled(PointD recorded) const;
   PointD ViewportPlace(PointD recorded) const;
 
  private:
-  // Each answers whether the record is one of its family.
+  // Each returns whether the record belongs to its family.
   bool PlayShape(const WmfRecord& record);
   bool PlayPoints(const WmfRecord& record);
   bool PlayState(const WmfRecord& record);
@@ -69,7 +69,7 @@ class WmfPlayer {
   bool PlayBitmap(const WmfRecord& record);
   bool PlayText(const WmfRecord& record);
 
-  /// Reads an object of a record; one that cannot be drawn with takes its handle all the same.
+  /// Creates the object of a record; a damaged object also takes its handle.
   bool CreateObject(const WmfRecord& record);
   MetafileObject ReadObject(const WmfRecord& record);
   BrushObject ReadBitmapBrush(const WmfRecord& record);
@@ -90,7 +90,7 @@ class WmfPlayer {
   const WmfPicture picture_;
   DibReader dibs_;
   WmfObjects objects_;
-  /// The first viewport that the file sets, which is taken for the whole picture.
+  /// The first viewport extent that the file sets; it stands for the whole picture.
   std::optional<PointD> firstViewport_;
 };
 

@@ -10,7 +10,7 @@ Dib WmfPlayer::Bitmap(std::span<const uint8_t> packed, DibColors colors) {
   request.colors = colors;
   request.palette = context_.Palette();
   Dib dib = dibs_.Read(SplitPackedDib(packed, colors), request);
-  context_.CountWork(ReadingCost(dib.raster));
+  context_.ChargeWork(ReadingCost(dib.raster));
   return dib;
 }
 
@@ -48,7 +48,7 @@ void WmfPlayer::SetBits(const WmfRecord& record) {
   const PointD corner = ReadReversedPoint(fields);
   const DibParts parts = SplitPackedDib(fields.Take(fields.Left()), request.colors);
   const Dib dib = dibs_.Read(parts, request);
-  context_.CountWork(ReadingCost(dib.raster));
+  context_.ChargeWork(ReadingCost(dib.raster));
   const RectD part{partCorner.x, partCorner.y, partCorner.x + size.x, partCorner.y + size.y};
   context_.SetDIBitsToDevice(corner, {dib.raster, PartOfBand(part, dib, firstRow)});
 }

@@ -32,12 +32,12 @@ PaletteObject ReadPalette(MetafileBytes& fields) {
   return std::make_shared<HPALETTE>(ReadPaletteEntries(fields, count));
 }
 
-/// A region as rows of equal height: numbers of edges, top, bottom, the edges in pairs, and the
-/// number of edges again.
+/// Reads a region as scanlines: number of edges, top, bottom, pairs of edges, and the number of
+/// edges again.
 RegionObject ReadRegion(MetafileBytes& fields) {
-  fields.Skip(10);  // next in chain, kind, count, size
+  fields.Skip(10);  // next in chain, type, count, size
   const uint16_t rows = fields.Word();
-  fields.Skip(2 + 8);  // longest row; box
+  fields.Skip(2 + 8);  // longest scanline, box
   RegionObject region;
   for (uint16_t i = 0; i < rows; ++i) {
     const uint16_t edges = fields.Word();
@@ -123,7 +123,7 @@ bool WmfPlayer::CreateObject(const WmfRecord& record) {
   try {
     objects_.Add(ReadObject(record));
   } catch (const Error&) {
-    // Later records count handles; the object that is not there has one too.
+    // A damaged object takes a handle, too, as later records refer to handles by number.
     objects_.Add({});
     throw;
   }
@@ -153,7 +153,7 @@ bool WmfPlayer::PlayObject(const WmfRecord& record) {
   }
 }
 
-/// Palettes are changed while they are selected; the one of a new context is nobody's to change.
+/// Palettes change while they are selected; the initial palette cannot be changed.
 bool WmfPlayer::PlayPalette(const WmfRecord& record) {
   MetafileBytes fields = record.Fields();
   const PaletteObject& selected = context_.SelectedPalette();

@@ -6,18 +6,18 @@ namespace rasterkit::detail {
 const RegionObject& WmfPlayer::RegionOf(size_t handle) const {
   const MetafileObject* object = objects_.Find(handle);
   const auto* region = object == nullptr ? nullptr : std::get_if<RegionObject>(object);
-  if (region == nullptr) throw RangeError("WMF: a record names a region that is not there");
+  if (region == nullptr) throw RangeError("WMF: a record refers to a missing region");
   return *region;
 }
 
 const LogicalBrush& WmfPlayer::BrushOf(size_t handle) const {
   const MetafileObject* object = objects_.Find(handle);
   const auto* brush = object == nullptr ? nullptr : std::get_if<BrushObject>(object);
-  if (brush == nullptr) throw RangeError("WMF: a record names a brush that is not there");
+  if (brush == nullptr) throw RangeError("WMF: a record refers to a missing brush");
   return **brush;
 }
 
-/// A handle of no region takes all clipping away: that is how writers say "none".
+/// Selecting a handle that is not a region removes the clipping: programs write that as "none".
 void WmfPlayer::SelectClip(size_t handle) {
   const MetafileObject* object = objects_.Find(handle);
   const auto* region = object == nullptr ? nullptr : std::get_if<RegionObject>(object);
@@ -30,7 +30,7 @@ void WmfPlayer::SelectClip(size_t handle) {
 
 bool WmfPlayer::PlayRegion(const WmfRecord& record) {
   MetafileBytes fields = record.Fields();
-  constexpr RegionUnit unit = RegionUnit::logical;
+  constexpr RegionUnit kUnit = RegionUnit::logical;
   switch (record.function) {
     case WmfFunction::intersectClipRect:
       context_.IntersectClipRect(ReadReversedRect(fields));
@@ -46,20 +46,20 @@ bool WmfPlayer::PlayRegion(const WmfRecord& record) {
       return true;
     case WmfFunction::fillRegion: {
       const RegionObject& region = RegionOf(fields.Word());
-      context_.FillRgn(region.rects, unit, BrushOf(fields.Word()));
+      context_.FillRgn(region.rects, kUnit, BrushOf(fields.Word()));
       return true;
     }
     case WmfFunction::frameRegion: {
       const RegionObject& region = RegionOf(fields.Word());
       const LogicalBrush& brush = BrushOf(fields.Word());
-      context_.FrameRgn(region.rects, unit, brush, ReadReversedPoint(fields));
+      context_.FrameRgn(region.rects, kUnit, brush, ReadReversedPoint(fields));
       return true;
     }
     case WmfFunction::invertRegion:
-      context_.InvertRgn(RegionOf(fields.Word()).rects, unit);
+      context_.InvertRgn(RegionOf(fields.Word()).rects, kUnit);
       return true;
     case WmfFunction::paintRegion:
-      context_.PaintRgn(RegionOf(fields.Word()).rects, unit);
+      context_.PaintRgn(RegionOf(fields.Word()).rects, kUnit);
       return true;
     default:
       return false;

@@ -55,17 +55,17 @@ std::optional<WmfMode> WmfModeOf(uint16_t number, const WmfPicture& picture) {
   WmfMode set{.mode = mode, .windowOrg = {}, .windowExt = {}, .viewportExt = {}};
   switch (mode) {
     case MapMode::text:
-      // Pixels of the recorder's screen are no unit: they stay fitted into the picture.
+      // Text mode has pixels of the recording screen, which is unknown: keep the current mapping.
       return std::nullopt;
     case MapMode::anisotropic:
       return set;
     case MapMode::isotropic:
-      // The mode's own extents are a page's, of which y points up.
+      // The extents of the mode itself are those of a page with y upward.
       set.windowExt = PointD{window.Width(), window.Height()};
       set.viewportExt = picture.pixels;
       return set;
     default:
-      // Modes with a unit of their own have y point up: the box begins where it is highest.
+      // Modes with a fixed unit have y upward, so the box starts at its highest y.
       if (picture.isMeasured) return set;
       set.windowOrg =
           PointD{std::min(window.left, window.right), std::max(window.top, window.bottom)};
@@ -73,8 +73,8 @@ std::optional<WmfMode> WmfModeOf(uint16_t number, const WmfPicture& picture) {
   }
 }
 
-/// A viewport counts in pixels of a device that nobody knows any more. The first one was the whole
-/// picture for the program that wrote it, and so it is here.
+/// A viewport is in pixels of an unknown device. The first one is taken for the whole picture, as
+/// it was for the program that wrote the file.
 PointD WmfPlayer::ViewportScaled(PointD recorded) const {
   if (!firstViewport_) return recorded;
   return {recorded.x * std::abs(picture_.pixels.x / firstViewport_->x),

@@ -33,10 +33,10 @@ void WmfRecorder::Record(const WmfRecord& record) {
       RecordBitmap(record) || RecordRegion(record) || RecordPalette(record);
 }
 
-/// The context keeps no more of them either.
+/// The same limit as in the context.
 void WmfRecorder::Save() {
-  constexpr size_t kept = 4096;
-  if (saved_.size() >= kept) {
+  constexpr size_t kKept = 4096;
+  if (saved_.size() >= kKept) {
     ++savedBeyond_;
   } else {
     saved_.push_back(state_);
@@ -68,7 +68,7 @@ bool WmfRecorder::RecordState(const WmfRecord& record) {
       return true;
     }
     case WmfFunction::setTextCharExtra:
-      // Enhanced metafiles have it in the steps of their texts.
+      // EMF has no such record; the advances of texts include it.
       state_.textExtra = fields.Short();
       return true;
     case WmfFunction::setTextJustification: {
@@ -81,7 +81,7 @@ bool WmfRecorder::RecordState(const WmfRecord& record) {
   }
 }
 
-/// Modes and colours, which are a number each.
+/// Modes and colors, which have one number each.
 bool WmfRecorder::RecordMode(const WmfRecord& record) {
   MetafileBytes fields = record.Fields();
   const auto word = [&](EmfType type) {
@@ -124,7 +124,7 @@ bool WmfRecorder::RecordMapping(const WmfRecord& record) {
     writer_.Add(type, {xNumerator, xDenominator, yNumerator, yDenominator});
     return true;
   };
-  // Enhanced metafiles have no records that move an origin.
+  // EMF has no records that move an origin, so write the new origin.
   const auto windowOrg = [&](PointD origin) {
     state_.windowOrg = origin;
     writer_.Add(EmfType::setWindowOrg, EmfFields().Point(origin));

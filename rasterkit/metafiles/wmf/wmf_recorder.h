@@ -5,35 +5,35 @@
 
 namespace rasterkit::detail {
 
-/// Writes records of a Windows metafile as those of an enhanced one.
+/// Converts WMF records to EMF records.
 ///
-/// Beside it a player follows the same records: objects, mapping and fonts are as they are at the
-/// record that is written.
+/// A player must play the same records in parallel, so that objects, mapping and fonts have their
+/// state at the record that is converted.
 class WmfRecorder {
  public:
-  /// `picture` is the window of a new context and the size of the device in pixels. Context and
-  /// player are those that `Record` is told of; all stay alive as long as the recorder.
+  /// `picture` is the initial window and the size of the device. `context` and `player` are those
+  /// that play the records. All arguments must outlive the recorder.
   WmfRecorder(EmfWriter& writer, DeviceContext& context, const WmfPlayer& player,
               const WmfPicture& picture);
 
-  /// Writes a record that the player has played; one that leaves nothing to be seen is left out.
-  /// Throws an Error for a damaged one.
+  /// Converts a record that the player has just played; records without a visible effect are
+  /// dropped. Throws an Error if the record is damaged.
   void Record(const WmfRecord& record);
-  /// Handles that the records use, number 0 included.
+  /// Returns the number of used handles, including the reserved handle 0.
   size_t Handles() const { return handles_; }
 
  private:
-  /// What SaveDC puts by of what the player does not tell.
+  /// The part of the SaveDC state that the player does not provide.
   struct State {
     bool hasPen = true;
-    /// Absent: the palette of a new context.
+    /// Absent: the initial palette.
     std::optional<size_t> palette;
     double textExtra = 0;
     ArcDirection arcs = ArcDirection::counterclockwise;
     PointD windowOrg, viewportOrg;
   };
 
-  // Each answers whether the record is one of its family.
+  // Each returns whether the record belongs to its family.
   bool RecordShape(const WmfRecord& record);
   bool RecordPoints(const WmfRecord& record);
   bool RecordPixels(const WmfRecord& record);
@@ -58,9 +58,9 @@ class WmfRecorder {
   const RegionObject* RegionOf(size_t handle) const;
   void FillRegion(EmfType type, const WmfRecord& record);
 
-  /// Device pixels a logical unit; negative where the axis points the other way.
+  /// Returns device pixels per logical unit; negative if an axis is flipped.
   PointD Scale() const;
-  /// A box with the corners that the pen reaches.
+  /// Returns the box extended to the edges that the pen reaches.
   RectD Reached(const RectD& box) const;
   void Arc(EmfType type, const WmfRecord& record);
 
@@ -76,7 +76,7 @@ class WmfRecorder {
   const WmfPlayer& player_;
   State state_;
   std::vector<State> saved_;
-  /// SaveDC beyond what is kept.
+  /// Number of SaveDC calls beyond the limit of kept states.
   int64_t savedBeyond_ = 0;
   size_t handles_ = 1;
 };

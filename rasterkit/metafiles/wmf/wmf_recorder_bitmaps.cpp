@@ -8,9 +8,9 @@
 namespace rasterkit::detail {
 namespace {
 
-constexpr int64_t kOne = 0x3F800000;  // as a single
+constexpr int64_t kOne = 0x3F800000;  // as a 32-bit float
 
-/// Where the parts of a bitmap lie that follow the fields of a record.
+/// Appends offsets and sizes of the bitmap that follows the fields of a record.
 void AppendPlace(const DibParts& parts, int64_t fieldBytes, EmfFields& fields) {
   const auto head = static_cast<int64_t>(parts.head.size());
   const auto bits = static_cast<int64_t>(parts.bits.size());
@@ -23,13 +23,13 @@ void AppendBitmap(const DibParts& parts, EmfFields& fields) {
   fields.Append(parts.head).Pad().Append(parts.bits);
 }
 
-/// What copying with and without a bitmap begins with.
+/// Returns the common first fields of blits with and without a bitmap.
 EmfFields BlitHead(const RectD& dest, uint32_t operation, PointD corner) {
   EmfFields fields;
   fields.NoBounds().SizedRect(dest).Long(operation).Point(corner);
   fields.Longs({kOne, 0, 0, kOne, 0, 0});
-  constexpr int64_t white = 0xFFFFFF;
-  return fields.Long(white).Long(static_cast<int64_t>(DibColors::colors));
+  constexpr int64_t kWhite = 0xFFFFFF;
+  return fields.Long(kWhite).Long(static_cast<int64_t>(DibColors::colors));
 }
 
 }  // namespace
@@ -40,7 +40,7 @@ void WmfRecorder::PatBlt(const RectD& dest, uint32_t operation) {
 }
 
 void WmfRecorder::Blit(const WmfRecord& record, bool isStretched, bool isDeviceBitmap) {
-  constexpr int64_t fieldBytes = 100;
+  constexpr int64_t kFieldBytes = 100;
   MetafileBytes fields = record.Fields();
   const bool hasBitmap = record.HasBitmap();
   const WmfBlit blit = ReadBlit(fields, isStretched, hasBitmap);
@@ -54,14 +54,14 @@ void WmfRecorder::Blit(const WmfRecord& record, bool isStretched, bool isDeviceB
       isDeviceBitmap ? std::span<const uint8_t>(converted) : fields.Take(fields.Left()),
       DibColors::colors);
   EmfFields written = BlitHead(blit.dest, blit.operation, {blit.part.left, blit.part.top});
-  AppendPlace(parts, fieldBytes, written);
+  AppendPlace(parts, kFieldBytes, written);
   written.Point({blit.part.Width(), blit.part.Height()});
   AppendBitmap(parts, written);
   writer_.Add(EmfType::stretchBlt, written);
 }
 
 void WmfRecorder::StretchBits(const WmfRecord& record) {
-  constexpr int64_t fieldBytes = 72;
+  constexpr int64_t kFieldBytes = 72;
   MetafileBytes fields = record.Fields();
   const uint32_t operation = fields.Long();
   const DibColors colors = DibColorsOf(fields.Word());
@@ -69,7 +69,7 @@ void WmfRecorder::StretchBits(const WmfRecord& record) {
   const DibParts parts = SplitPackedDib(fields.Take(fields.Left()), colors);
   EmfFields written;
   written.NoBounds().Point({dest.left, dest.top}).SizedRect(part);
-  AppendPlace(parts, fieldBytes, written);
+  AppendPlace(parts, kFieldBytes, written);
   written.Long(static_cast<int64_t>(colors)).Long(operation);
   written.Point({dest.Width(), dest.Height()});
   AppendBitmap(parts, written);
@@ -77,7 +77,7 @@ void WmfRecorder::StretchBits(const WmfRecord& record) {
 }
 
 void WmfRecorder::SetBits(const WmfRecord& record) {
-  constexpr int64_t fieldBytes = 68;
+  constexpr int64_t kFieldBytes = 68;
   MetafileBytes fields = record.Fields();
   const DibColors colors = DibColorsOf(fields.Word());
   const uint16_t rows = fields.Word(), firstRow = fields.Word();
@@ -86,7 +86,7 @@ void WmfRecorder::SetBits(const WmfRecord& record) {
   const DibParts parts = SplitPackedDib(fields.Take(fields.Left()), colors);
   EmfFields written;
   written.NoBounds().Point(corner).Point(partCorner).Point(size);
-  AppendPlace(parts, fieldBytes, written);
+  AppendPlace(parts, kFieldBytes, written);
   written.Longs({static_cast<int64_t>(colors), firstRow, rows});
   AppendBitmap(parts, written);
   writer_.Add(EmfType::setDibitsToDevice, written);

@@ -9,15 +9,15 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Handles of enhanced metafiles start at 1.
+/// EMF handles start at 1.
 int64_t EmfHandle(size_t handle) {
   return static_cast<int64_t>(handle) + 1;
 }
 
-/// What metafiles write between the font and the end of its record: names that nobody needs.
+/// The fields between font and end of the record are names that players do not need; write zeros.
 constexpr size_t kFontBytes = 92, kFontRecordBytes = 320;
 
-/// The handle of the palette that every context begins with.
+/// The handle of the initial palette.
 constexpr int64_t kStockPalette = 0x8000000F;
 
 void AppendEntries(std::span<const tagPALETTEENTRY> entries, EmfFields& fields) {
@@ -43,13 +43,13 @@ void WmfRecorder::CreateBrush(size_t handle, const LogicalBrush& brush) {
     writer_.Add(EmfType::createBrush, {EmfHandle(handle), style, brush.color, brush.hatch});
     return;
   }
-  constexpr uint32_t offset = 32;
+  constexpr uint32_t kOffset = 32;
   const std::vector<uint8_t> dib = PackedBitmap(*brush.bitmap);
   const DibParts parts = SplitPackedDib(dib, DibColors::colors);
   const auto head = static_cast<int64_t>(parts.head.size());
   EmfFields fields;
-  fields.Longs({EmfHandle(handle), static_cast<int64_t>(DibColors::colors), offset, head,
-                offset + head, static_cast<int64_t>(parts.bits.size())});
+  fields.Longs({EmfHandle(handle), static_cast<int64_t>(DibColors::colors), kOffset, head,
+                kOffset + head, static_cast<int64_t>(parts.bits.size())});
   fields.Append(parts.head).Append(parts.bits);
   writer_.Add(brush.isMono ? EmfType::createMonoBrush : EmfType::createDibPatternBrush, fields);
 }
@@ -68,10 +68,10 @@ void WmfRecorder::CreateFont(size_t handle, const LogicalFont& font) {
 }
 
 void WmfRecorder::CreatePalette(size_t handle, const HPALETTE& palette) {
-  constexpr int64_t version = 0x300;
+  constexpr int64_t kVersion = 0x300;
   const auto entries = palette.Entries();
   EmfFields fields;
-  fields.Long(EmfHandle(handle)).Word(version).Word(static_cast<int64_t>(entries.size()));
+  fields.Long(EmfHandle(handle)).Word(kVersion).Word(static_cast<int64_t>(entries.size()));
   AppendEntries(entries, fields);
   writer_.Add(EmfType::createPalette, fields);
 }
@@ -118,7 +118,7 @@ bool WmfRecorder::RecordObject(const WmfRecord& record) {
       Select(fields.Word());
       return true;
     case WmfFunction::deleteObject:
-      // Regions have no handle here, and deleting one that is free does nothing.
+      // Regions have no EMF handle; deleting a free handle is a no-op.
       writer_.Add(EmfType::deleteObject, {EmfHandle(fields.Word())});
       return true;
     default:
@@ -126,7 +126,7 @@ bool WmfRecorder::RecordObject(const WmfRecord& record) {
   }
 }
 
-/// What a record made of the selected palette, as that is now.
+/// Converts a change of the selected palette by its result.
 bool WmfRecorder::RecordPalette(const WmfRecord& record) {
   MetafileBytes fields = record.Fields();
   switch (record.function) {

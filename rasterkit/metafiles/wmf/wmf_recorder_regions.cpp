@@ -6,11 +6,12 @@
 namespace rasterkit::detail {
 namespace {
 
-/// The region as records hold it: a header with its number of rectangles and its box, and these.
+/// Appends a region: a header with the number of rectangles and the bounding box, and the
+/// rectangles.
 void AppendRegion(const RegionObject& region, EmfFields& fields) {
-  constexpr int64_t headBytes = 32, rectangles = 1, rectBytes = 16;
+  constexpr int64_t kHeadBytes = 32, kRectangles = 1, kRectBytes = 16;
   const auto count = static_cast<int64_t>(region.rects.size());
-  fields.Longs({headBytes, rectangles, count, count * rectBytes});
+  fields.Longs({kHeadBytes, kRectangles, count, count * kRectBytes});
   RectD box;
   for (size_t i = 0; i < region.rects.size(); ++i) {
     const RectD& rect = region.rects[i];
@@ -29,8 +30,8 @@ const RegionObject* WmfRecorder::RegionOf(size_t handle) const {
   return object == nullptr ? nullptr : std::get_if<RegionObject>(object);
 }
 
-/// Enhanced metafiles select regions in pixels. These are in logical units, and stay so as a box or
-/// as a path.
+/// EMF regions for clipping are in pixels. These are in logical units, so clip with a box or a
+/// path.
 void WmfRecorder::SelectClip(const RegionObject* region) {
   const auto copy = static_cast<int64_t>(RegionMode::copy);
   if (region == nullptr || region->rects.size() < 2) {

@@ -7,26 +7,26 @@
 namespace rasterkit::detail {
 namespace {
 
-/// A point as records with short coordinates hold it: x, y.
+/// Copies points with 16-bit coordinates: x, y.
 void CopyPoints(MetafileBytes& from, uint64_t stated, EmfFields& to) {
   const size_t count = from.Count(stated, 4);
   to.Append(from.Take(4 * count));
 }
 
-/// Where a coordinate lies on the device.
+/// The map of one coordinate to the device.
 struct DeviceAxis {
   double origin = 0, pixelsPerUnit = 1;
   double Pixel(double unit) const { return std::floor(origin + unit * pixelsPerUnit + 0.5); }
 };
 
-/// The nearest whole unit on the same pixel of the device; the nearest one where none is.
+/// Returns the nearest integer that lies on the same pixel of the device, else the nearest one.
 double WholeUnit(double exact, const DeviceAxis& axis) {
   const double nearest = std::nearbyint(exact), other = nearest + (exact > nearest ? 1 : -1);
   const double pixel = axis.Pixel(exact);
   return axis.Pixel(nearest) != pixel && axis.Pixel(other) == pixel ? other : nearest;
 }
 
-/// Moves the edge that lies further to the right, or further down, on the device by a pixel.
+/// Moves the right or bottom edge, as seen on the device, by one pixel.
 void Shorten(double& from, double& to, const DeviceAxis& axis) {
   const double unitsPerPixel = 1 / axis.pixelsPerUnit;
   double& far = (to > from) == (unitsPerPixel > 0) ? to : from;
@@ -42,8 +42,8 @@ PointD WmfRecorder::Scale() const {
   return {unit.x - origin.x, unit.y - origin.y};
 }
 
-/// A Windows metafile's boxes end one pixel before their right and lower edge, an enhanced one's at
-/// it. Without a pen both are filled alike.
+/// WMF boxes exclude their right and bottom edges, EMF boxes include them. Without a pen, both are
+/// filled alike.
 RectD WmfRecorder::Reached(const RectD& box) const {
   const PointD scale = Scale();
   if (!state_.hasPen || scale.x == 0 || scale.y == 0) return box;
@@ -54,8 +54,7 @@ RectD WmfRecorder::Reached(const RectD& box) const {
   return reached;
 }
 
-/// Arcs of a Windows metafile run against the clock on the device, those of an enhanced one in
-/// logical units.
+/// WMF arcs run counter-clockwise on the device, EMF arcs in logical units.
 void WmfRecorder::Arc(EmfType type, const WmfRecord& record) {
   MetafileBytes fields = record.Fields();
   const PointD end = ReadReversedPoint(fields), start = ReadReversedPoint(fields);

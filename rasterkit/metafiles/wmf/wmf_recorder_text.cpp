@@ -8,13 +8,13 @@
 namespace rasterkit::detail {
 namespace {
 
-/// 0.01 mm a pixel of the device.
+/// 0.01 mm per pixel of the device.
 constexpr double kHundredthsPerPixel = kMm100PerInch / kMetafileDpi;
 
 }  // namespace
 
-/// Letters with more room between them than the font gives, which only steps can say. Rounded from
-/// the beginning, so that the line's length stays right.
+/// Returns advances for text with extra space between letters. They are rounded as sums, so that
+/// the length of the line stays exact.
 std::vector<double> WmfRecorder::MeasuredSteps(const std::u16string& text, PointD origin) {
   const PointD before = context_.CurrentPosition();
   context_.SaveDC();
@@ -45,17 +45,17 @@ bool WmfRecorder::RecordText(const WmfRecord& record) {
   }
   const auto count = static_cast<int64_t>(decoded.text.size());
   const bool hasSteps = decoded.steps.size() == decoded.text.size() && count > 0;
-  constexpr int64_t textOffset = 76;
+  constexpr int64_t kTextOffset = 76;
   EmfFields letters;
   for (const char16_t unit : decoded.text) letters.Word(unit);
   letters.Pad();
-  const int64_t stepsOffset = textOffset + static_cast<int64_t>(letters.Size());
+  const int64_t stepsOffset = kTextOffset + static_cast<int64_t>(letters.Size());
   EmfFields fields;
   const PointD scale = Scale();
   fields.NoBounds().Long(static_cast<int64_t>(GraphicsMode::compatible));
   fields.Single(std::abs(scale.x) * kHundredthsPerPixel);
   fields.Single(std::abs(scale.y) * kHundredthsPerPixel);
-  fields.Point(text->origin).Longs({count, textOffset, text->options}).Rect(text->box);
+  fields.Point(text->origin).Longs({count, kTextOffset, text->options}).Rect(text->box);
   fields.Long(hasSteps ? stepsOffset : 0).Append(letters.Bytes());
   if (hasSteps) {
     for (const double step : decoded.steps) fields.Number(step);

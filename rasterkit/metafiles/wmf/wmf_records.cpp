@@ -28,7 +28,7 @@ void CheckHeader(std::span<const uint8_t> bytes) {
     return (type == 1 || type == 2) && words == kHeaderWords &&
            (version == 0x100 || version == 0x300);
   }();
-  if (!fits) throw FormatError("WMF: the file does not start with the header of a metafile");
+  if (!fits) throw FormatError("WMF: the file does not start with a WMF header");
 }
 
 }  // namespace
@@ -55,14 +55,14 @@ std::optional<WmfRecord> WmfRecords::Next() {
   const uint32_t words = head.Long();
   WmfRecord record;
   record.function = static_cast<WmfFunction>(head.Word());
-  // The last record is nothing but a mark, and some writers state no size for it.
+  // The last record has no parameters, and some programs state no size for it.
   ended_ = record.function == WmfFunction::endOfFile && words <= kRecordHeadWords;
   if (ended_) {
     record.bytes = left_.first(kWmfRecordHead);
     return record;
   }
   if (words < kRecordHeadWords) {
-    return Stop("WMF: a record of " + std::to_string(words) + " words is not possible");
+    return Stop("WMF: a record of " + std::to_string(words) + " words is invalid");
   }
   if (words > left_.size() / 2) return Stop("WMF: the data end inside a record");
   record.bytes = left_.first(size_t{2} * words);

@@ -7,12 +7,12 @@
 
 #include <rasterkit/metafiles/records/metafile_bytes.h>
 
-/// Windows metafiles, record by record.
+/// Windows metafiles (WMF), record by record.
 ///
 ///     [placeable header 22 bytes] | header 18 bytes | records
-///     size in words, these 3 included (32 bits) | function (16 bits) | parameters
+///     size in words, including these 3 (32 bits) | function (16 bits) | parameters
 ///
-/// Parameters come last one first: a rectangle is bottom, right, top, left.
+/// Parameters are stored in reverse order: a rectangle is bottom, right, top, left.
 namespace rasterkit::detail {
 
 enum class WmfFunction : uint16_t {
@@ -95,38 +95,38 @@ inline constexpr uint32_t kWmfPlaceableKey = 0x9AC6CDD7;
 
 struct WmfRecord {
   WmfFunction function = WmfFunction::endOfFile;
-  /// The record from its size on.
+  /// The whole record, starting with its size.
   std::span<const uint8_t> bytes;
 
-  /// The parameters.
+  /// Returns the parameters.
   MetafileBytes Fields() const { return MetafileBytes(bytes, kWmfRecordHead); }
-  /// Words of parameters that are there.
+  /// Returns the number of parameter words.
   size_t Words() const { return (bytes.size() - kWmfRecordHead) / 2; }
-  /// For the blits that may do without a bitmap: the high byte of a function counts the words of
-  /// parameters of a record that has none.
+  /// Returns whether a blit record has a bitmap: the high byte of the function is the number of
+  /// parameter words of a record without one.
   bool HasBitmap() const { return Words() != static_cast<size_t>(function) >> 8; }
 };
 
-/// What a placeable header says: the picture's box in logical units, and how many of them are an
-/// inch. The box may be upside down.
+/// The placeable header: the box of the picture in logical units, which may be flipped, and the
+/// units per inch.
 struct WmfPlacement {
   int left = 0, top = 0, right = 0, bottom = 0;
   int unitsPerInch = 0;
 };
 
-/// Walks the records of a file, the last one included. Throws FormatError when the bytes do not
-/// start with a header.
+/// Iterates over the records of a file, including the last one. Throws FormatError if the data does
+/// not start with a WMF header.
 class WmfRecords {
  public:
   explicit WmfRecords(std::span<const uint8_t> bytes);
 
-  /// Present in a placeable file.
+  /// Present if the file has a placeable header.
   const std::optional<WmfPlacement>& Placement() const { return placement_; }
 
-  /// The next record, whose size has been checked; nothing behind the last one or where the bytes
-  /// stop making sense.
+  /// Returns the next record, whose size has been checked; nothing after the last record or at
+  /// damage.
   std::optional<WmfRecord> Next();
-  /// After the walk: why it ended before the record that says so; empty when it did not.
+  /// Returns why the iteration ended before the last record; empty if it did not.
   const std::string& Damage() const { return damage_; }
 
  private:

@@ -5,7 +5,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Length, text filled up to a word, place.
+/// Fields: length, text padded to a word, position.
 WmfText ReadPlain(MetafileBytes fields) {
   WmfText text;
   const uint16_t count = fields.Word();
@@ -15,7 +15,7 @@ WmfText ReadPlain(MetafileBytes fields) {
   return text;
 }
 
-/// Steps fill the rest of the record, one for each byte of the text, or are not there.
+/// Reads one advance per byte from the rest of the record, if they are present.
 std::vector<double> ReadSteps(MetafileBytes fields, size_t count) {
   std::vector<double> steps;
   if (fields.Left() < 2 * count) return steps;
@@ -23,7 +23,7 @@ std::vector<double> ReadSteps(MetafileBytes fields, size_t count) {
   return steps;
 }
 
-/// Place, length, options, [box,] text filled up to a word, [steps].
+/// Fields: position, length, options, [box,] text padded to a word, [advances].
 WmfText ReadExtended(MetafileBytes fields) {
   WmfText text;
   text.origin = ReadReversedPoint(fields);

@@ -8,20 +8,20 @@
 
 namespace rasterkit::detail {
 
-/// A text as its record states it, in logical units.
+/// A text record, in logical units.
 struct WmfText {
-  /// In the charset of the font that is selected; they lie in the record.
+  /// In the charset of the selected font; a view into the record.
   std::span<const uint8_t> bytes;
   PointD origin;
-  /// See text_option; `box` is meant where one of them needs it.
+  /// See text_option; `box` is valid if an option needs it.
   uint32_t options = 0;
   RectD box;
-  /// From each byte to the next; empty where the record has none.
+  /// Advances, one per byte; empty if the record has none.
   std::vector<double> steps;
 };
 
-/// The text of a record of either kind of text, nothing for other records. Throws FormatError when
-/// the record ends before its text does.
+/// Reads a text record of either type; returns nothing for other records. Throws FormatError if the
+/// text is truncated.
 std::optional<WmfText> ReadWmfText(const WmfRecord& record);
 
 }  // namespace rasterkit::detail

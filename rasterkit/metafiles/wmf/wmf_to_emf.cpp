@@ -3,13 +3,13 @@
 #include <rasterkit/metafiles/wmf/wmf_to_emf.h>
 
 namespace rasterkit::detail {
-std::vector<uint8_t> EmfOfWmf(std::span<const uint8_t> bytes, const MetafileFacts& facts) {
-  if (facts.kind == MetafileKind::emf) throw FormatError("WMF: the metafile is an enhanced one");
+std::vector<uint8_t> ConvertWmfToEmf(std::span<const uint8_t> bytes, const MetafileFacts& facts) {
+  if (facts.kind == MetafileKind::emf) throw FormatError("WMF: the metafile is an EMF file");
   const WmfPicture window = PictureOfWmf(facts);
-  // The player's state and what it would paint are asked for, never its pixels.
+  // Only the state of the player and the painted bounds are used, not the pixels.
   Raster unseen(pf32bit, 1, 1);
   DeviceContext context(unseen, {0, 0, 1, 1}, window.device, Affine());
-  context.AllowWork(DrawingWork::kPerByte * static_cast<double>(bytes.size()));
+  context.RaiseWorkBudget(DrawingWork::kPerByte * static_cast<double>(bytes.size()));
   WmfPlayer player(context, window, bytes.size());
   EmfWriter writer;
   WmfRecorder recorder(writer, context, player, window);
@@ -23,7 +23,7 @@ std::vector<uint8_t> EmfOfWmf(std::span<const uint8_t> bytes, const MetafileFact
         return isPlayed;
       },
       {}, report);
-  // Half of a drawing must not be taken for all of it.
+  // A partial drawing must not pass for the whole one.
   if (!report.isComplete) throw LimitError(report.warnings.back());
   EmfPicture picture;
   picture.width = facts.width;

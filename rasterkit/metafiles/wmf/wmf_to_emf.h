@@ -12,6 +12,6 @@ namespace rasterkit::detail {
 /// stays text. Damaged records are skipped, as in playback. `facts` must be what ReadMetafileFacts
 /// returns for `bytes`. Throws FormatError if the data is not WMF, LimitError if the result exceeds
 /// the picture memory budget or the drawing exceeds its work budget.
-std::vector<uint8_t> EmfOfWmf(std::span<const uint8_t> bytes, const MetafileFacts& facts);
+std::vector<uint8_t> ConvertWmfToEmf(std::span<const uint8_t> bytes, const MetafileFacts& facts);
 
 }  // namespace rasterkit::detail

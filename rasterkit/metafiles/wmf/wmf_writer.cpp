@@ -12,7 +12,7 @@ namespace rasterkit::detail {
 namespace {
 
 constexpr int kMostUnits = 32767;
-/// Units of 0.01 mm say the size exactly, up to a third of a metre.
+/// Units of 0.01 mm state the size exactly, up to a third of a meter.
 constexpr double kUnitsPerInch = kMm100PerInch;
 
 class WmfBytes {
@@ -48,7 +48,7 @@ struct Extent {
   int unitsPerInch = 0;
 };
 
-/// The picture's box, with fewer units an inch where it would not fit otherwise.
+/// Returns the box of the picture, with fewer units per inch if it would be too large otherwise.
 Extent ExtentOf(int widthMm100, int heightMm100) {
   const double longest = std::max(widthMm100, heightMm100) / kMm100PerInch;
   const double units = std::max(1.0, std::min(kUnitsPerInch, std::floor(kMostUnits / longest)));
@@ -72,21 +72,21 @@ void AppendPlacement(const Extent& extent, WmfBytes& file) {
 
 }  // namespace
 
-std::vector<uint8_t> WmfOfPicture(const Raster& picture, int widthMm100, int heightMm100) {
+std::vector<uint8_t> EncodeWmf(const Raster& picture, int widthMm100, int heightMm100) {
   const int width = picture.Width(), height = picture.Height();
   if (width > kMostUnits || height > kMostUnits) {
-    throw LimitError("WMF: a picture of more than 32767 pixels a side cannot be written");
+    throw LimitError("WMF: at most 32767 pixels per side can be written");
   }
   const Extent extent = ExtentOf(widthMm100, heightMm100);
   const std::vector<uint8_t> dib = PackedBitmap(ConvertRaster(picture, pf24bit));
-  constexpr int64_t anisotropic = 8, colors = 0;
+  constexpr int64_t kAnisotropic = 8, kColors = 0;
   WmfBytes records;
-  records.Record(WmfFunction::setMapMode, {anisotropic});
+  records.Record(WmfFunction::setMapMode, {kAnisotropic});
   records.Record(WmfFunction::setWindowOrg, {0, 0});
   records.Record(WmfFunction::setWindowExt, {extent.height, extent.width});
   const size_t before = records.Bytes().size();
   records.Record(WmfFunction::stretchDib,
-                 {rop3::sourceCopy & 0xFFFF, rop3::sourceCopy >> 16, colors, height, width, 0, 0,
+                 {rop3::sourceCopy & 0xFFFF, rop3::sourceCopy >> 16, kColors, height, width, 0, 0,
                   extent.height, extent.width, 0, 0},
                  dib);
   const size_t longest = records.Bytes().size() - before;
@@ -94,10 +94,10 @@ std::vector<uint8_t> WmfOfPicture(const Raster& picture, int widthMm100, int hei
 
   WmfBytes file;
   AppendPlacement(extent, file);
-  constexpr int64_t inMemory = 1, version = 0x300, objects = 0;
-  file.Words({inMemory, kWmfHeader / 2, version});
+  constexpr int64_t kInMemory = 1, kVersion = 0x300, kObjects = 0;
+  file.Words({kInMemory, kWmfHeader / 2, kVersion});
   file.Long(static_cast<int64_t>((kWmfHeader + records.Bytes().size()) / 2));
-  file.Word(objects);
+  file.Word(kObjects);
   file.Long(static_cast<int64_t>(longest / 2));
   file.Word(0);
   file.Append(records.Bytes());

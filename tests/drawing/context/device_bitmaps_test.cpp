@@ -7,7 +7,7 @@ namespace {
 
 using test::DrawingPaper;
 
-/// Three pixels wide, two high: red, green, blue above black, white, red.
+/// 3 x 2 pixels: red, green, blue above black, white, red.
 Raster Colors() {
   Raster bitmap(pf24bit, 3, 2);
   const TColor colors[2][3] = {{RGB(255, 0, 0), RGB(0, 255, 0), RGB(0, 0, 255)},
@@ -78,7 +78,7 @@ TEST(DeviceBitmaps, Should_MaskAndPaint_When_TwoBlitsMakeACutOut) {
   const Raster bitmap = Colors();
   Raster mask(pf1bit, 3, 2);
   mask.palette = DefaultPalette(pf1bit);
-  *mask.Row(0) = 0x40;  // white where the picture stays
+  *mask.Row(0) = 0x40;  // white: keeps the picture
   *mask.Row(1) = 0xC0;
   Raster image = Colors();
   FillRaster(image, {1, 0, 2, 1}, clBlack);
@@ -94,14 +94,14 @@ TEST(DeviceBitmaps, Should_TakeOneOfTwoOperations_When_AMaskSaysWhich) {
   Raster mask(pf1bit, 2, 1);
   *mask.Row(0) = 0x80;
   DrawingPaper paper(3, 1);
-  // Copy where the mask has 1, black elsewhere, also where the mask has ended.
+  // Copies where the mask is 1; black elsewhere, and beyond the end of the mask.
   paper.Dc().MaskBlt({0, 0, 3, 1}, {bitmap, {0, 0, 3, 1}}, mask, {0, 0}, 0x00CC0020);
   EXPECT_EQ(paper.Picture(), "\nr##\n");
 }
 
 TEST(DeviceBitmaps, Should_MixByAlpha_When_Blended) {
   Raster bitmap(pf32bit, 2, 1);
-  // Half opaque red, colours times alpha, and a pixel that is not there.
+  // Half opaque red, premultiplied, and a fully transparent pixel.
   const uint8_t bytes[] = {0, 0, 128, 128, 0, 0, 0, 0};
   std::copy(std::begin(bytes), std::end(bytes), bitmap.Row(0));
   DrawingPaper paper(2, 1);
@@ -118,7 +118,7 @@ TEST(DeviceBitmaps, Should_MixByTheConstant_When_BlendedWithoutAlpha) {
   EXPECT_EQ(paper.At(0, 0), RGB(204, 204, 204));
 }
 
-TEST(DeviceBitmaps, Should_LeaveTheColourOut_When_ItIsTransparent) {
+TEST(DeviceBitmaps, Should_LeaveTheColorOut_When_ItIsTransparent) {
   const Raster bitmap = Colors();
   DrawingPaper paper(3, 2);
   FillRaster(paper.raster, {0, 0, 3, 2}, clBlack);
@@ -129,7 +129,7 @@ TEST(DeviceBitmaps, Should_LeaveTheColourOut_When_ItIsTransparent) {
 TEST(DeviceBitmaps, Should_Turn_When_AParallelogramStandsUpright) {
   const Raster bitmap = Colors();
   DrawingPaper paper(2, 3);
-  // A quarter turn to the right.
+  // A rotation by 90 degrees clockwise.
   paper.Dc().PlgBlt({PointD{2, 0}, PointD{2, 3}, PointD{0, 0}}, {bitmap, {0, 0, 3, 2}}, nullptr,
                     {0, 0});
   EXPECT_EQ(paper.Picture(), "\n#r\n.g\nrb\n");

@@ -52,7 +52,7 @@ TEST(DeviceBrushes, Should_FillGaps_When_TheBackgroundIsOpaque) {
   EXPECT_EQ(Count(paper.Picture(), 'r'), 56);
 }
 
-TEST(DeviceBrushes, Should_TakeTheColoursOfTheTime_When_TheyChangeBetweenFills) {
+TEST(DeviceBrushes, Should_TakeTheColorsOfTheTime_When_TheyChangeBetweenFills) {
   DrawingPaper paper(8, 8);
   paper.Dc().SelectBrush(std::make_shared<LogicalBrush>(Hatched(0)));
   paper.Dc().PatBlt({0, 0, 8, 8}, rop3::patternCopy);
@@ -80,7 +80,7 @@ TEST(DeviceBrushes, Should_LayTheBitmapSideBySide_When_APatternHasAnOrigin) {
   EXPECT_EQ(paper.Picture(), "\n.....\n.r.r.\n.....\n.r.r.\n");
 }
 
-TEST(DeviceBrushes, Should_TakeTextAndBackgroundColour_When_ThePatternIsMono) {
+TEST(DeviceBrushes, Should_TakeTextAndBackgroundColor_When_ThePatternIsMono) {
   auto bitmap = std::make_shared<Raster>(pf1bit, 2, 1);
   *bitmap->Row(0) = 0x40;
   LogicalBrush brush;
@@ -93,7 +93,7 @@ TEST(DeviceBrushes, Should_TakeTextAndBackgroundColour_When_ThePatternIsMono) {
   paper.Dc().SelectBrush(std::make_shared<LogicalBrush>(brush));
   paper.Dc().PatBlt({0, 0, 4, 1}, rop3::patternCopy);
   EXPECT_EQ(paper.Picture(), "\nrbrb\n");
-  // The colours are those of the time of drawing.
+  // The colors apply at the time of drawing.
   paper.Dc().SetTextColor(RGB(0, 255, 0));
   paper.Dc().PatBlt({0, 0, 4, 1}, rop3::patternCopy);
   EXPECT_EQ(paper.Picture(), "\ngbgb\n");

@@ -10,7 +10,7 @@ namespace {
 
 using test::DrawingPaper;
 
-/// Everything black that is not clipped.
+/// Paints everything inside the clipping region black.
 std::string Seen(DrawingPaper& paper) {
   paper.Dc().PatBlt({-100, -100, 100, 100}, rop3::blackness);
   const std::string picture = paper.Picture();
@@ -93,7 +93,7 @@ void SelectCircle(DrawingPaper& paper, const RectD& box, RegionMode mode) {
   paper.Dc().SelectClipPath(mode);
 }
 
-/// The count of black pixels that are seen.
+/// Returns the number of black pixels.
 int SeenPixels(DrawingPaper& paper) {
   const std::string text = Seen(paper);
   return static_cast<int>(std::count(text.begin(), text.end(), '#'));
@@ -103,7 +103,7 @@ TEST(DeviceClip, Should_ShowACircle_When_ThePathIsOne) {
   DrawingPaper paper(40, 40);
   SelectCircle(paper, {0, 0, 40, 40}, RegionMode::copy);
   EXPECT_NEAR(SeenPixels(paper), 1256, 80);
-  // Lines, texts and blits as well.
+  // Lines, text and blits are clipped, too.
   paper.Pen(clBlack, 3);
   paper.Dc().MoveTo({0, 1});
   paper.Dc().LineTo({40, 1});
@@ -155,7 +155,7 @@ TEST(DeviceClip, Should_RaiseLimitError_When_MasksOfManyStatesAreMoreThanTheBudg
   };
   EXPECT_NO_THROW(putBy(20));
   EXPECT_THROW(putBy(100), LimitError);
-  // What was put by is there, and so is the room when it is gone.
+  // The kept states can be restored, and their memory is free afterwards.
   EXPECT_TRUE(paper.Dc().RestoreDC(1));
   EXPECT_NO_THROW(putBy(20));
 }
@@ -197,8 +197,8 @@ TEST(DeviceClip, Should_StayAsItIs_When_TheModeIsNone) {
   EXPECT_EQ(round.At(35, 35), clBlack);
 }
 
-/// Every other row, and every other column, of which the one or the other is meant: more rectangles
-/// than anybody keeps.
+/// Selects every other row and every other column, combined by exclusive or: more rectangles than a
+/// clip area keeps.
 void SelectCheckers(DrawingPaper& paper, int side) {
   std::vector<RectD> rows, columns;
   for (int i = 0; i < side; i += 2) {

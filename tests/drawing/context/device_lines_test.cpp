@@ -69,7 +69,7 @@ TEST(DeviceLines, Should_BeOnePixelOfTheDevice_When_TheTargetIsFiner) {
   EXPECT_EQ(paper.Picture(), "\n......\n......\n######\n######\n......\n......\n");
 }
 
-/// Units of half a pixel of the device, which is four pixels of the target wide.
+/// Sets units of half a device pixel; a device pixel is four pixels of the target wide.
 void UseHalfPixels(DrawingPaper& paper) {
   paper.Dc().SetMapMode(MapMode::anisotropic);
   paper.Dc().SetWindowExt({2, 2});
@@ -82,7 +82,7 @@ TEST(DeviceLines, Should_BeAsThinAsMeant_When_ThePenIsThinnerThanAPixelOfTheDevi
   paper.Pen(clBlack, 1);
   paper.Dc().MoveTo({0, 2});
   paper.Dc().LineTo({2, 2});
-  // From the upper edge of the device's pixel, where an area would end.
+  // At the upper edge of the device's pixel, where an area would end.
   EXPECT_EQ(paper.Picture(), "\n....\n....\n....\n....\n####\n####\n....\n....\n....\n....\n");
 }
 

@@ -41,7 +41,7 @@ TEST(DevicePaths, Should_FillAndDraw_When_BothAreAsked) {
 .####.
 ......
 )");
-  // The path is used up.
+  // The path has been discarded.
   paper.Brush(clBlack);
   paper.Dc().StrokeAndFillPath();
   EXPECT_EQ(paper.At(2, 2), RGB(255, 0, 0));

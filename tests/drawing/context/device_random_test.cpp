@@ -16,7 +16,7 @@ namespace {
 constexpr int kWidth = 37, kHeight = 23;
 constexpr PixelRect kArea{5, 3, 30, 20};
 
-/// Calls of every operation in any order, with numbers from the picture's size to far beyond.
+/// Calls all operations in random order, with numbers from the size of the picture to far beyond.
 class RandomDrawing {
  public:
   RandomDrawing(DeviceContext& dc, unsigned seed) : dc_(dc), random_(seed) {
@@ -327,7 +327,7 @@ TEST(DeviceContext, Should_TouchNothingOutsideItsArea_When_AnythingIsDrawn) {
         try {
           drawing.Call();
         } catch (const LimitError&) {
-          // Broad pens around thousands of letters; the context may be used on.
+          // Wide pens around thousands of letters; the context stays usable.
         }
       }
     }

@@ -70,7 +70,7 @@ TEST(DeviceShapes, Should_StayInsideTheBox_When_ThePenIsInsideItsFrame) {
   }
 }
 
-// The five corners of a star: its middle is enclosed twice.
+// The five corners of a star; its center is enclosed twice.
 constexpr PointD kStar[] = {{20, 1}, {32, 38}, {1, 15}, {39, 15}, {8, 38}};
 
 TEST(DeviceShapes, Should_LeaveTheMiddleOfAStarFree_When_FilledInAlternation) {
@@ -124,7 +124,7 @@ TEST(DeviceShapes, Should_TouchTheBoxAndBeRound_When_AnEllipseIsFilled) {
   EXPECT_EQ(paper.At(11, 11), clWhite);
 }
 
-// Quarters: right, top, left, bottom of a circle with the centre (20, 20).
+// Quarters of a circle with the center (20, 20): right, top, left, bottom.
 struct Quarter {
   PointD inside;
   const char* name;
@@ -192,7 +192,7 @@ TEST(DeviceShapes, Should_BeAllOfIt_When_AnArcEndsWhereItBegins_InBothDirections
   }
 }
 
-TEST(DeviceShapes, Should_LeaveTheCentreOut_When_AChordIsCut) {
+TEST(DeviceShapes, Should_LeaveTheCenterOut_When_AChordIsCut) {
   DrawingPaper paper(40, 40);
   paper.NoPen();
   paper.Brush(clBlack);
@@ -265,7 +265,7 @@ TEST(DeviceRegions, Should_FillFrameAndInvert_When_Asked) {
   EXPECT_EQ(paper.At(2, 2), RGB(255, 255, 0));
 }
 
-TEST(DeviceFlood, Should_FillUpToTheBorder_When_TheBorderColourIsNamed) {
+TEST(DeviceFlood, Should_FillUpToTheBorder_When_TheBorderColorIsNamed) {
   DrawingPaper paper(7, 6);
   paper.NoBrush();
   paper.Dc().Rectangle({1, 1, 6, 5});
@@ -281,7 +281,7 @@ TEST(DeviceFlood, Should_FillUpToTheBorder_When_TheBorderColourIsNamed) {
 )");
 }
 
-TEST(DeviceFlood, Should_FillTheSurfaceAround_When_TheSurfaceColourIsNamed) {
+TEST(DeviceFlood, Should_FillTheSurfaceAround_When_TheSurfaceColorIsNamed) {
   DrawingPaper paper(7, 6);
   paper.NoBrush();
   paper.Dc().Rectangle({1, 1, 6, 5});
@@ -293,7 +293,7 @@ TEST(DeviceFlood, Should_FillTheSurfaceAround_When_TheSurfaceColourIsNamed) {
   EXPECT_EQ(paper.At(1, 1), clBlack);
 }
 
-TEST(DeviceGradients, Should_GoFromColourToColour_When_ARectangleIsShaded) {
+TEST(DeviceGradients, Should_GoFromColorToColor_When_ARectangleIsShaded) {
   DrawingPaper paper(256, 2);
   const GradientVertex vertices[] = {{{0, 0}, 0, 0, 0, 0}, {{256, 2}, 0xFF00, 0xFF00, 0xFF00, 0}};
   const std::pair<uint32_t, uint32_t> rects[] = {{0, 1}, {0, 7}};
@@ -320,7 +320,7 @@ TEST(DeviceGradients, Should_TurnWithThePage_When_TheWorldIsTurned) {
     paper.context.reset();
     return std::move(paper.raster);
   };
-  // x runs down the paper, y across it.
+  // x runs down the paper, y to the right.
   const Affine turned{0, 1, 1, 0, 0, 0};
   for (int i = 0; i < 8; ++i) {
     EXPECT_EQ(shaded(turned, false).PixelColor(0, i), RGB(8 + 16 * i, 0, 0)) << i;
@@ -332,7 +332,7 @@ TEST(DeviceGradients, Should_TurnWithThePage_When_TheWorldIsTurned) {
     EXPECT_EQ(shaded(turned, true).PixelColor(i, 7), RGB(16 + 32 * i, 0, 0)) << i;
   }
   EXPECT_EQ(shaded(turned, true).PixelColor(4, 0), clWhite);
-  // Aslant each pixel is asked, and those outside are left alone.
+  // In a slanted shape every pixel is tested, and those outside stay unchanged.
   const Raster aslant = shaded({0.5, 0.5, -0.5, 0.5, 4, 0}, false);
   EXPECT_EQ(aslant.PixelColor(0, 0), clWhite);
   EXPECT_EQ(aslant.PixelColor(7, 0), clWhite);
@@ -349,7 +349,7 @@ TEST(DeviceGradients, Should_RaiseLimitError_When_OneRecordCoversThePictureWitho
   EXPECT_THROW(paper.Dc().GradientRects(vertices, rects, false), LimitError);
 }
 
-TEST(DeviceGradients, Should_MixThreeColours_When_ATriangleIsShaded) {
+TEST(DeviceGradients, Should_MixThreeColors_When_ATriangleIsShaded) {
   DrawingPaper paper(31, 31);
   const GradientVertex vertices[] = {
       {{0, 0}, 0xFF00, 0, 0, 0}, {{31, 0}, 0, 0xFF00, 0, 0}, {{0, 31}, 0, 0, 0xFF00, 0}};
@@ -361,7 +361,8 @@ TEST(DeviceGradients, Should_MixThreeColours_When_ATriangleIsShaded) {
   EXPECT_GT(paper.At(0, 28) >> 16 & 255, 220);
 }
 
-/// Pixels where the blue of an area mixes with the white beside it: its frame does not cover them.
+/// Counts pixels in which the blue of an area is mixed with the white outside: its outline does not
+/// cover them.
 int Slivers(const DrawingPaper& paper) {
   int count = 0;
   for (int y = 0; y < paper.raster.Height(); ++y) {
@@ -412,7 +413,7 @@ TEST(DeviceShapes, Should_ReachTheBoxesEdge_When_ThePenIsThinnerThanAPixelOfTheD
   for (const int at : {34, 93}) EXPECT_EQ(paper.At(at, 64), RGB(0, 0, 255)) << at;
 }
 
-/// How far the reddest pixel is from blue, where two areas meet on white paper.
+/// Returns how far the reddest pixel is from blue, for two areas that touch on white paper.
 int MostRed(const DrawingPaper& paper) {
   int most = 0;
   for (int y = 4; y < 34; ++y) {
@@ -447,7 +448,7 @@ TEST(DeviceShapes, Should_ShowNoBackground_When_AreasMeetAtASlantedEdge) {
 }
 
 TEST(DeviceShapes, Should_ShowNoBackground_When_AreasAreMany) {
-  // A sheet of slanted squares, row after row: each meets one of the row before.
+  // A sheet of slanted squares, row by row: each touches one of the previous row.
   constexpr int kAcross = 40;
   DrawingPaper paper(200, 200);
   paper.NoPen();
@@ -486,7 +487,7 @@ TEST(DeviceShapes, Should_NotDrawAlongEdges_When_TheOperationLooksAtThePicture) 
   paper.Dc().Polygon(kLower);
   alone.Dc().SetRop2(Rop2::xorPen);
   alone.Dc().Polygon(kUpper);
-  // Where the second area does not reach the first one is as it was.
+  // Outside the second area, the first one is unchanged.
   for (int i = 8; i < 34; ++i) EXPECT_EQ(paper.At(i + 2, i), alone.At(i + 2, i)) << i;
 }
 

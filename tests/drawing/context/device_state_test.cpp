@@ -7,7 +7,7 @@ namespace {
 
 using test::DrawingPaper;
 
-constexpr ReferenceDevice kDevice{1000, 500, 250, 125};  // 4 pixels a millimetre
+constexpr ReferenceDevice kDevice{1000, 500, 250, 125};  // 4 pixels per millimeter
 
 struct Context {
   Raster raster{pf32bit, 1, 1};
@@ -76,7 +76,7 @@ TEST(DeviceMapping, Should_ComposeMatrices_When_TheWorldIsChanged) {
   Context c;
   const Affine move = Affine::Translation(10, 0), scale = Affine::Scaling(2, 3);
   c.dc.SetWorldTransform(scale);
-  c.dc.ModifyWorldTransform(move, WorldChange::left);  // first moved, then scaled
+  c.dc.ModifyWorldTransform(move, WorldChange::left);  // moved first, then scaled
   ExpectNear(c.dc.DevicePoint({1, 1}), {22, 3});
   c.dc.SetWorldTransform(scale);
   c.dc.ModifyWorldTransform(move, WorldChange::right);
@@ -129,7 +129,7 @@ TEST(DeviceState, Should_StayWithinBounds_When_AMillionStatesArePutBy) {
   EXPECT_FALSE(c.dc.RestoreDC(-1));
 }
 
-TEST(DeviceState, Should_RestorePenBrushAndColours_When_Asked) {
+TEST(DeviceState, Should_RestorePenBrushAndColors_When_Asked) {
   DrawingPaper paper(3, 2);
   paper.Pen(RGB(255, 0, 0));
   paper.Dc().SaveDC();

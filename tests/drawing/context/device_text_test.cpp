@@ -10,7 +10,7 @@ namespace {
 
 using test::DrawingPaper;
 
-/// A font that the tests bring along.
+/// A font that comes with the tests.
 LogicalFont Fixed(double height) {
   LogicalFont font;
   font.height = height;
@@ -46,7 +46,7 @@ struct Text {
     run.steps = steps;
     paper.Dc().ExtTextOut(run);
   }
-  /// Around all that is not white; empty when there is none.
+  /// Returns the bounding box of all pixels that are not white; empty if there are none.
   PixelRect Inked() const {
     PixelRect box{1000, 1000, 0, 0};
     for (int y = 0; y < paper.raster.Height(); ++y) {
@@ -67,7 +67,7 @@ TEST(DeviceText, Should_StandOnTheBaseline_When_AlignedToIt) {
   text.Out({10, 50}, u"H");
   const PixelRect box = text.Inked();
   EXPECT_EQ(box.bottom, 50);
-  // Capitals of this font are 0.729 of the em square high.
+  // Capital letters of this font are 0.729 em high.
   EXPECT_NEAR(box.bottom - box.top, 14.6, 1);
   EXPECT_NEAR(box.left, 12, 1);
 }
@@ -76,7 +76,7 @@ TEST(DeviceText, Should_HangFromItsTop_When_AlignedToTheTop) {
   NEEDS_FONT();
   Text text;
   text.Out({10, 20}, u"H");
-  // Ascent 0.928 and capitals 0.729 of 20 pixels.
+  // The ascent is 0.928 em, capital letters are 0.729 em; an em has 20 pixels.
   EXPECT_NEAR(text.Inked().top, 20 + 18.6 - 14.6, 1);
 }
 
@@ -103,7 +103,7 @@ TEST(DeviceText, Should_StepAsTold_When_StepsAreGiven) {
   EXPECT_NEAR(text.Inked().right, 104, 2);
 }
 
-TEST(DeviceText, Should_EndOrCentreAtThePoint_When_AlignedSo) {
+TEST(DeviceText, Should_EndOrCenterAtThePoint_When_AlignedSo) {
   NEEDS_FONT();
   Text right, center;
   right.paper.Dc().SetTextAlign(text_align::right);
@@ -142,7 +142,7 @@ TEST(DeviceText, Should_StandOnItsLowestPoint_When_AlignedToTheBottom) {
   Text text;
   text.paper.Dc().SetTextAlign(text_align::bottom);
   text.Out({10, 60}, u"H");
-  // Descent 0.236 of 20 pixels.
+  // The descent is 0.236 em of 20 pixels.
   EXPECT_NEAR(text.Inked().bottom, 60 - 4.7, 1);
 }
 
@@ -176,7 +176,7 @@ TEST(DeviceText, Should_StandUpright_When_TheYAxisPointsUp) {
   EXPECT_EQ(text.paper.At(box.right - 2, box.top), clWhite);
 }
 
-/// Letters of a line that is turned by a quarter, on a page of which axes are turned over.
+/// Letters of a line rotated by 90 degrees, on a page with flipped axes.
 PixelRect TurnedOn(PointD viewportExt, PointD viewportOrg, PointD at) {
   LogicalFont font = Fixed(-20);
   font.escapement = 900;
@@ -192,7 +192,7 @@ PixelRect TurnedOn(PointD viewportExt, PointD viewportOrg, PointD at) {
 
 TEST(DeviceText, Should_TurnWithTheClock_When_TheYAxisPointsUp) {
   NEEDS_FONT();
-  // The point (100, 50) of the raster, on either page.
+  // The point (100, 50) of the raster on both pages.
   const PixelRect down = TurnedOn({1, 1}, {0, 0}, {100, 50});
   const PixelRect up = TurnedOn({1, -1}, {0, 100}, {100, 50});
   EXPECT_LE(down.bottom, 50);
@@ -342,8 +342,8 @@ TEST(DeviceText, Should_ShowGreek_When_TheSymbolFontIsNotThere) {
 TEST(DeviceText, Should_FindOtherLetters_When_OneIsMissingEverywhere) {
   NEEDS_FONT();
   detail::FontFaces faces;
-  constexpr char32_t nobodys = 0x10FFFF;
-  for (int i = 0; i < 1000; ++i) ASSERT_EQ(faces.FindWithLetter(Fixed(-20), nobodys), nullptr);
+  constexpr char32_t kNobodys = 0x10FFFF;
+  for (int i = 0; i < 1000; ++i) ASSERT_EQ(faces.FindWithLetter(Fixed(-20), kNobodys), nullptr);
   EXPECT_NE(faces.FindWithLetter(Fixed(-20), U'A'), nullptr);
 }
 
@@ -389,7 +389,7 @@ TEST(DeviceText, Should_BeReadFromTheRight_When_LettersAreHebrew) {
   asIs.Out({10, 20}, u"אב", {}, text_option::asOrdered);
   EXPECT_EQ(read.paper.Picture(), seen.paper.Picture());
   EXPECT_NE(read.paper.Picture(), asIs.paper.Picture());
-  // Each letter keeps its own step.
+  // Each letter keeps its own advance.
   const double steps[] = {60, 25}, turned[] = {25, 60};
   Text stepped, expected;
   stepped.Out({10, 20}, u"אב", steps);

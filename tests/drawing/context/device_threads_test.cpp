@@ -10,7 +10,7 @@ namespace {
 
 using test::DrawingPaper;
 
-/// Lines of letters and signs, small and large, in fonts that all come from the same few files.
+/// Lines of letters and signs, small and large, in fonts from the same few files.
 Raster PageOfText() {
   DrawingPaper paper(300, 200);
   DeviceContext& dc = paper.Dc();
@@ -40,21 +40,21 @@ bool AreSame(const Raster& a, const Raster& b) {
   return true;
 }
 
-/// Contexts of all threads share the fonts' files, which are read while other letters are drawn.
+/// Contexts of all threads share the font files, which are read while other threads draw letters.
 TEST(DeviceThreads, Texts_Should_BeTheSame_When_SeveralThreadsDrawAtOnce) {
   const Raster alone = PageOfText();
-  constexpr int threads = 8, pages = 12;
-  std::vector<int> different(threads, 0);
+  constexpr int kThreads = 8, kPages = 12;
+  std::vector<int> different(kThreads, 0);
   std::vector<std::thread> running;
-  for (int i = 0; i < threads; ++i) {
+  for (int i = 0; i < kThreads; ++i) {
     running.emplace_back([&, i] {
-      for (int page = 0; page < pages; ++page) {
+      for (int page = 0; page < kPages; ++page) {
         if (!AreSame(alone, PageOfText())) ++different[static_cast<size_t>(i)];
       }
     });
   }
   for (std::thread& thread : running) thread.join();
-  EXPECT_EQ(different, std::vector<int>(threads, 0));
+  EXPECT_EQ(different, std::vector<int>(kThreads, 0));
 }
 
 }  // namespace

@@ -59,7 +59,7 @@ std::u32string Joined(std::u16string_view text) {
   return joined;
 }
 
-TEST(ArabicForms, Should_FollowTheirNeighbours) {
+TEST(ArabicForms, Should_FollowTheirNeighbors) {
   EXPECT_EQ(Joined(u"\x0628\x064A\x062A"), U"\xFE91\xFEF4\xFE96") << "beh, yeh, teh";
   EXPECT_EQ(Joined(u"\x0628"), U"\xFE8F");
   EXPECT_EQ(Joined(u"\x062F\x0627\x0631"), U"\xFEA9\xFE8D\xFEAD") << "letters that never join";

@@ -1,4 +1,4 @@
-// Bitmaps and texts in records of enhanced metafiles.
+// Bitmaps and text in EMF records.
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ using namespace detail;
 constexpr TColor kRed = 0x0000FF, kBlue = 0xFF0000, kGreen = 0x00FF00;
 constexpr int64_t kSourceCopy = 0xCC0020, kPatternCopy = 0xF00021;
 
-/// Where a bitmap lies that follows `fieldBytes` of fields behind type and size.
+/// The place of a bitmap that follows `fieldBytes` bytes of fields after type and size.
 struct DibPlace {
   DibPlace(const BmpFile& bitmap, int64_t fieldBytes)
       : dib(PackedDib(bitmap)),
@@ -35,7 +35,7 @@ FieldBytes Identity() {
   return FieldBytes().Singles({1, 0, 0, 1, 0, 0});
 }
 
-/// What blits have in common: target, operation, source's corner, matrix, bitmap.
+/// The common fields of blits: target, operation, corner of the source, matrix, bitmap.
 FieldBytes BlitFields(std::initializer_list<int64_t> dest, int64_t operation,
                       std::initializer_list<int64_t> corner, const BmpFile& bitmap,
                       int64_t moreBytes) {
@@ -85,7 +85,7 @@ TEST(EmfBitmaps, StretchDibits_Should_CountItsPartFromTheLowestRow) {
 }
 
 TEST(EmfBitmaps, SetDibits_Should_DrawTheRowsThatAreThere) {
-  BmpFile upper = SixColors();  // only its second row from below
+  BmpFile upper = SixColors();  // only its second row from the bottom
   upper.pixels.erase(upper.pixels.begin(), upper.pixels.begin() + 12);
   FieldBytes fields{0, 0, 0, 0, 10, 20, 0, 0, 3, 2};
   fields.Bytes(DibPlace(upper, 68).Fields().bytes).Longs({0, 1, 1});
@@ -107,7 +107,7 @@ BmpFile LeftColumn() {
 
 TEST(EmfBitmaps, MaskBlt_Should_CopyWhereTheMaskIsSet) {
   const auto pixels = static_cast<int64_t>(PackedDib(SixColors()).size());
-  // Where the mask is 0 the picture stays: operation 0xAA.
+  // Where the mask is 0, the picture stays: operation 0xAA.
   FieldBytes fields = BlitFields({10, 20, 3, 2}, 0xAACC0000, {0, 0}, SixColors(), 28);
   fields.Longs({0, 0, 0}).Bytes(DibPlace(LeftColumn(), 120 + pixels).Fields().bytes);
   const PlayedMetafile played =
@@ -157,7 +157,7 @@ TEST(EmfBitmaps, AlphaBlend_Should_TakeTheSourceForOpaque_When_TheFormatIsNone) 
 
 TEST(EmfBitmaps, BlendsAndKeys_Should_DrawNothing_When_ThereIsNoBitmap) {
   for (const EmfType type : {EmfType::alphaBlend, EmfType::transparentBlt}) {
-    // Numbers that would paint if they were operations: black, the brush.
+    // Values that would paint if they were operations: black, the brush.
     for (const int64_t operation : {int64_t{0}, kPatternCopy}) {
       EmfFile file;
       file.Add(EmfType::createBrush, {1, 0, kGreen, 0}).Add(EmfType::selectObject, {1});
@@ -186,12 +186,12 @@ TEST(EmfBitmaps, TransparentBlt_Should_LeaveTheKeyOut) {
 
 TEST(EmfBitmaps, BrokenBitmap_Should_CostTheRecordAlone) {
   FieldBytes fields = BlitFields({10, 20, 3, 2}, kSourceCopy, {0, 0}, SixColors(), 0);
-  const PlayedMetafile played = Play(EmfType::bitBlt, fields);  // and no bitmap behind it
+  const PlayedMetafile played = Play(EmfType::bitBlt, fields);  // without a bitmap
   EXPECT_EQ(played.Painted(), 0);
   EXPECT_EQ(played.report.warnings.size(), 1u);
 }
 
-/// A font of 30 pixels (1), selected, and what texts have before their place.
+/// A font of 30 pixels (1) is selected. Also the fields of texts before their position.
 EmfFile WithFont() {
   EmfFile file;
   FieldBytes font{1, -30, 0, 0, 0, 400, 0, 0};
@@ -301,7 +301,7 @@ TEST(EmfTexts, ModeOfAText_Should_EndWithIt_When_TheTextFails) {
   file.Add(EmfType::beginPath).Add(EmfType::ellipse, {0, 0, 100, 80}).Add(EmfType::endPath);
   file.Add(EmfType::selectClipPath, {5});
   FieldBytes text = TextFields(0, u"Text", {});
-  text.bytes[16] = 1;  // letters as of old
+  text.bytes[16] = 1;  // compatible graphics mode
   file.Add(EmfType::extTextOutW, text).Add(EmfType::rectangle, {20, 20, 60, 60});
   const std::vector<uint8_t> bytes = file.Bytes();
 
@@ -321,7 +321,7 @@ TEST(EmfTexts, ModeOfAText_Should_EndWithIt_When_TheTextFails) {
     }
   }
   EXPECT_EQ(failures, 1);
-  // The right and lower edge are drawn where the record says, and not a pixel before.
+  // The right and bottom edges are drawn where the record states, not one pixel before.
   EXPECT_EQ(raster.PixelColor(60, 40), clBlack);
   EXPECT_EQ(raster.PixelColor(59, 40), clWhite);
 }

@@ -1,4 +1,4 @@
-// Records of enhanced metafiles that draw nothing themselves: each changes what is drawn after it.
+// EMF records that draw nothing themselves: each affects what is drawn after it.
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ PlayedMetafile Play(const EmfFile& file) {
   return PlayedMetafile(file.Bytes());
 }
 
-/// A brush of vertical red lines, the first of which runs through x = 0, on green.
+/// A brush of vertical red lines on green; the first line runs through x = 0.
 EmfFile Hatched() {
   EmfFile file = BlueAreas();
   file.Add(EmfType::setBkColor, {kGreen}).Add(EmfType::createBrush, {2, 2, kRed, 1});
@@ -87,7 +87,7 @@ TEST(EmfState, MiterLimit_Should_CutSharpCorners_WholeOrSingle) {
 }
 
 TEST(EmfState, Layout_Should_MirrorTheDevice) {
-  EmfFile file = BlueAreas();  // whose device is 1000 pixels wide
+  EmfFile file = BlueAreas();  // with a device 1000 pixels wide
   file.Add(EmfType::setLayout, {1}).Add(EmfType::rectangle, {940, 20, 980, 40});
   EXPECT_EQ(Play(file).At(30, 30), kBlue);
   EXPECT_EQ(Play(file).At(70, 30), clWhite);
@@ -103,7 +103,7 @@ TEST(EmfState, WindowExtent_Should_ScaleDown) {
   EXPECT_EQ(played.At(18, 42), clWhite);
 }
 
-/// A font of so many pixels, selected, on a transparent background.
+/// A font of this many pixels is selected, on a transparent background.
 EmfFile WithFont(int pixels) {
   EmfFile file;
   FieldBytes font{1, -pixels, 0, 0, 0, 400, 0, 0};

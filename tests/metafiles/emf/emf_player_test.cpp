@@ -1,5 +1,5 @@
-// Each record of enhanced metafiles does what it says; what the operations look like in detail is
-// the drawing context's business.
+// Each type of EMF record has its effect. The tests of the drawing context cover the operations in
+// detail.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ using namespace detail;
 constexpr TColor kRed = 0x0000FF, kBlue = 0xFF0000, kGreen = 0x00FF00;
 constexpr int64_t kStock = 0x80000000, kNullBrush = kStock + 5, kNullPen = kStock + 8;
 
-/// A file whose first objects are a red pen of one pixel (1) and a blue brush (2), both selected.
+/// A file whose first objects, a red pen one pixel wide (1) and a blue brush (2), are selected.
 EmfFile RedAndBlue() {
   EmfFile file;
   file.Add(EmfType::createPen, {1, 0, 1, 0, kRed}).Add(EmfType::selectObject, {1});
@@ -35,7 +35,7 @@ PlayedMetafile Play(const EmfFile& file) {
   return PlayedMetafile(file.Bytes());
 }
 
-/// Bounds, a count, and points of a word or a long each.
+/// Bounds, a count, and points with coordinates of 16 or 32 bits.
 FieldBytes Points(std::initializer_list<int64_t> coordinates, bool areWords) {
   FieldBytes fields{0, 0, 0, 0, static_cast<int64_t>(coordinates.size() / 2)};
   return areWords ? fields.Words(coordinates) : fields.Longs(coordinates);
@@ -68,7 +68,7 @@ TEST(EmfPlayer, Lines_Should_UseThePen) {
   EXPECT_EQ(line.At(30, 22), clWhite);
 }
 
-/// Two squares from (10, 10) to (30, 30) and from (50, 10) to (70, 30).
+/// Two squares: from (10, 10) to (30, 30) and from (50, 10) to (70, 30).
 FieldBytes TwoSquares(bool areWords) {
   FieldBytes fields{0, 0, 0, 0, 2, 8, 4, 4};
   for (const int x : {10, 50}) {
@@ -148,7 +148,7 @@ TEST(EmfPlayer, ArcsWithALine_Should_StartAtThePosition) {
   EXPECT_NE(Play(angle).At(50, 20), clWhite) << "its end";
 }
 
-TEST(EmfPlayer, Pixels_Should_HaveTheirColour) {
+TEST(EmfPlayer, Pixels_Should_HaveTheirColor) {
   EmfFile file;
   file.Add(EmfType::setPixel, {33, 44, kGreen});
   EXPECT_EQ(Play(file).At(33, 44), kGreen);
@@ -247,11 +247,11 @@ TEST(EmfPlayer, PatternBrushes_Should_ShowTheirBitmap) {
   EXPECT_EQ(colored.At(17, 30), kGreen);
   EXPECT_EQ(colored.At(21, 30), kRed);
   const PlayedMetafile mono = filled(EmfType::createMonoBrush);
-  EXPECT_EQ(mono.At(17, 30), kBlue) << "0 is the text colour";
-  EXPECT_EQ(mono.At(21, 30), 0x808080) << "1 is the background colour";
+  EXPECT_EQ(mono.At(17, 30), kBlue) << "0 is the text color";
+  EXPECT_EQ(mono.At(21, 30), 0x808080) << "1 is the background color";
 }
 
-TEST(EmfPlayer, Palettes_Should_GiveColoursByIndex) {
+TEST(EmfPlayer, Palettes_Should_GiveColorsByIndex) {
   EmfFile file = BlueAreas();
   FieldBytes palette{3};
   palette.Words({0x300, 2}).Longs({0x112233, 0x445566});
@@ -282,7 +282,7 @@ TEST(EmfPlayer, PolyFillMode_Should_DecideAboutTheInside) {
   const auto star = [](int mode) {
     EmfFile file = BlueAreas();
     file.Add(EmfType::setPolyFillMode, {mode});
-    // Twice round the same square.
+    // The same square twice, in the same direction.
     file.Add(EmfType::polygon16,
              Points({10, 10, 50, 10, 50, 50, 10, 50, 10, 10, 50, 10, 50, 50, 10, 50}, true));
     return Play(file).At(30, 30);
@@ -351,7 +351,7 @@ TEST(EmfPlayer, Paths_Should_BeFilledStrokedAndClip) {
   EXPECT_EQ(clipped.At(80, 30), clWhite);
 }
 
-/// A region of one rectangle, as records hold it.
+/// A region of one rectangle, as stored in records.
 FieldBytes Region(std::initializer_list<int64_t> rect) {
   return FieldBytes{32, 1, 1, 16, 0, 0, 0, 0}.Longs(rect);
 }
@@ -413,18 +413,18 @@ TEST(EmfPlayer, Damage_Should_CostTheRecordAlone) {
   const PlayedMetafile played = Play(file);
   EXPECT_EQ(played.At(5, 5), kBlue);
   EXPECT_THAT(played.report.warnings,
-              testing::ElementsAre("metafile: a record ends before its fields do"));
+              testing::ElementsAre("metafile: a record is too short for its fields"));
 }
 
-TEST(EmfPlayer, Cancelling_Should_EndTheDrawing) {
+TEST(EmfPlayer, Canceling_Should_EndTheDrawing) {
   EmfFile file = BlueAreas();
   for (int i = 0; i < 1000; ++i) file.Add(EmfType::setPixel, {i % 100, 5, 0});
   Raster raster(pf32bit, 100, 80);
-  int questions = 0;
+  int calls = 0;
   const PlayReport report =
-      PlayMetafile(file.Bytes(), raster, {0, 0, 100, 80}, [&] { return ++questions < 3; });
+      PlayMetafile(file.Bytes(), raster, {0, 0, 100, 80}, [&] { return ++calls < 3; });
   EXPECT_FALSE(report.isComplete);
-  EXPECT_EQ(questions, 3);
+  EXPECT_EQ(calls, 3);
   EXPECT_LT(report.played, 500u);
 }
 

@@ -62,7 +62,7 @@ TEST(EmfRecords, Should_TellThatTheEndIsMissing) {
 TEST(EmfRecords, Should_KeepWhatIsWhole_When_DataEndInsideARecord) {
   const auto bytes = TwoLines().Bytes();
   const size_t whole = bytes.size();
-  // From the last byte of the last record back to the beginning, each cut loses what it halves.
+  // Each cut, from the last byte back to the start, loses the records that it cuts.
   for (size_t count = whole - 1; count > 0; --count) {
     std::string damage;
     const size_t records = Types(std::span(bytes).first(count), &damage).size();
@@ -118,14 +118,14 @@ TEST(EmfHeader, Should_ReadSizesAndTexts) {
   EXPECT_EQ(header.title, "Ground floor");
 }
 
-TEST(EmfHeader, Should_TakeMillimetres_When_HeaderIsShort) {
+TEST(EmfHeader, Should_TakeMillimeters_When_HeaderIsShort) {
   const auto bytes = EmfFile().Bytes();
   const EmfHeader header = ReadEmfHeader(*EmfRecords(bytes).Next());
   EXPECT_EQ(header.deviceWidthMm, 250);
   EXPECT_EQ(header.program, "");
 }
 
-/// A header with micrometres, followed by a description, both of them as the test wants them.
+/// A header with micrometers, followed by a description.
 std::vector<uint8_t> WithMicrometers(int32_t x, int32_t y, std::u16string description = {}) {
   EmfFile file;
   file.micrometersX = x;
@@ -138,7 +138,7 @@ double WidthMm(const std::vector<uint8_t>& bytes) {
   return ReadEmfHeader(*EmfRecords(bytes).Next()).deviceWidthMm;
 }
 
-TEST(EmfHeader, Should_TakeMillimetres_When_MicrometresAreOthers) {
+TEST(EmfHeader, Should_TakeMillimeters_When_MicrometersAreOthers) {
   EXPECT_EQ(WidthMm(WithMicrometers(250900, 200100)), 250.9);
   EXPECT_EQ(WidthMm(WithMicrometers(260000, 200000)), 250);
   EXPECT_EQ(WidthMm(WithMicrometers(250000, 220000)), 250);
@@ -153,7 +153,7 @@ TEST(EmfHeader, Should_TakeMillimetres_When_MicrometresAreOthers) {
   EXPECT_EQ(WidthMm(bytes), 1);
 }
 
-TEST(EmfHeader, Should_TakeMillimetres_When_DescriptionOrPixelFormatLieWhereMicrometresWould) {
+TEST(EmfHeader, Should_TakeMillimeters_When_DescriptionOrPixelFormatLieWhereMicrometersWould) {
   const auto setLong = [](std::vector<uint8_t>& bytes, size_t at, uint32_t value) {
     for (size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<uint8_t>(value >> (8 * i));
   };
@@ -162,7 +162,7 @@ TEST(EmfHeader, Should_TakeMillimetres_When_DescriptionOrPixelFormatLieWhereMicr
   EXPECT_EQ(WidthMm(described), 250);
   auto formatted = WithMicrometers(250500, 200250);
   setLong(formatted, 88, 8);
-  EXPECT_EQ(WidthMm(formatted), 250.5);  // no place: there is none
+  EXPECT_EQ(WidthMm(formatted), 250.5);  // offset 0: no description
   setLong(formatted, 92, 100);
   EXPECT_EQ(WidthMm(formatted), 250);
   setLong(formatted, 88, 0);
@@ -187,9 +187,9 @@ TEST(EmfHeader, Should_CutTheText_When_ItsLengthIsALie) {
   auto bytes = file.Bytes();
   bytes[60] = bytes[61] = bytes[62] = bytes[63] = 0xFF;
   EXPECT_EQ(ReadEmfHeader(*EmfRecords(bytes).Next()).program, "abc");
-  bytes[64] = 0xFF;  // and lies about its place
+  bytes[64] = 0xFF;  // with a wrong offset
   EXPECT_EQ(ReadEmfHeader(*EmfRecords(bytes).Next()).program, "");
-  bytes[64] = 0;  // or has none
+  bytes[64] = 0;  // without an offset
   EXPECT_EQ(ReadEmfHeader(*EmfRecords(bytes).Next()).program, "");
 }
 
@@ -265,7 +265,7 @@ TEST(EmfContents, Should_IgnoreOtherAndBrokenComments) {
   file.Add(EmfType::comment, {4, 0x43494447}).Add(EmfType::comment, {0});
   file.Add(EmfType::comment, {0x7FFFFFFF, 0}).Add(EmfType::comment);
   EXPECT_FALSE(ReadEmfContents(file.Bytes()).hasEmfPlus);
-  // A size of 0 must not be walked for ever.
+  // A size of 0 must not cause an endless loop.
   file.Add(EmfType::comment, FieldBytes{64, kEmfPlusMark, 0x4001, 0, 0, 0, 0});
   const EmfContents contents = ReadEmfContents(file.Bytes());
   EXPECT_TRUE(contents.hasEmfPlus);

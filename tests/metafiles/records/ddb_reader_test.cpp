@@ -9,7 +9,7 @@ namespace {
 
 using namespace detail;
 
-/// Kind, size, bytes of a row, planes and bits, and what follows.
+/// Type, size, bytes per row, planes, bits per pixel, and the rows.
 FieldBytes Ddb(int width, int height, int rowBytes, int bits, const std::vector<uint8_t>& rows,
                int planes = 1) {
   FieldBytes fields;
@@ -30,10 +30,10 @@ TEST(DdbReader, Should_ReadRowsFromTopToBottom) {
   EXPECT_EQ(mono.PixelColor(8, 0), clWhite);
   EXPECT_EQ(mono.PixelColor(0, 1), clBlack);
   EXPECT_EQ(mono.PixelColor(7, 1), clWhite);
-  const Raster colour = Read(Ddb(1, 2, 4, 24, {1, 2, 3, 99, 4, 5, 6, 99}));
-  EXPECT_EQ(colour.Format(), pf24bit);
-  EXPECT_EQ(colour.PixelColor(0, 0), 0x010203);
-  EXPECT_EQ(colour.PixelColor(0, 1), 0x040506);
+  const Raster color = Read(Ddb(1, 2, 4, 24, {1, 2, 3, 99, 4, 5, 6, 99}));
+  EXPECT_EQ(color.Format(), pf24bit);
+  EXPECT_EQ(color.PixelColor(0, 0), 0x010203);
+  EXPECT_EQ(color.PixelColor(0, 1), 0x040506);
   const Raster deep = Read(Ddb(2, 1, 8, 32, {1, 2, 3, 0, 4, 5, 6, 0}));
   EXPECT_EQ(deep.Format(), pf32bit);
   EXPECT_EQ(deep.PixelColor(1, 0), 0x040506);

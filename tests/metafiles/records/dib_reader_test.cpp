@@ -33,7 +33,7 @@ BmpFile FourIndexes() {
   return file;
 }
 
-TEST(DibReader, Should_ReadTrueColour) {
+TEST(DibReader, Should_ReadTrueColor) {
   const Dib dib = ReadPacked(SixColors());
   EXPECT_EQ(dib.raster.Format(), pf24bit);
   EXPECT_FALSE(dib.isTopDown);
@@ -50,7 +50,7 @@ TEST(DibReader, Should_TellTopDownRows) {
   EXPECT_EQ(dib.raster.PixelColor(0, 1), 0x0000FF);
 }
 
-TEST(DibReader, Should_ReadTheTableOfColours) {
+TEST(DibReader, Should_ReadTheTableOfColors) {
   for (const bool isCore : {false, true}) {
     BmpFile file = FourIndexes();
     if (isCore) file.headerBytes = 12;
@@ -151,13 +151,13 @@ TEST(DibReader, Should_ReadASmallBitmap_When_ItsBytesAreAlmostNone) {
   file.height = 16;
   file.compression = 1;
   file.palette.assign(256, 0x445566);
-  file.pixels = {0, 1};  // runs end at once
+  file.pixels = {0, 1};  // the runs end at once
   const Raster raster = ReadPacked(file).raster;
   EXPECT_EQ(raster.Width(), 4096);
   EXPECT_EQ(raster.PixelColor(4095, 15), 0x665544);
 }
 
-TEST(DibReader, Should_SkipTheTableOfATrueColourBitmap) {
+TEST(DibReader, Should_SkipTheTableOfATrueColorBitmap) {
   BmpFile file = SixColors();
   file.colorsUsed = 2;
   file.palette = {0x111111, 0x222222};
@@ -168,7 +168,7 @@ TEST(DibReader, Should_LookUpIndexes_When_TheTableHoldsSuch) {
   BmpFile file = FourIndexes();
   file.colorsUsed = 4;
   std::vector<uint8_t> bytes = PackedDib(file);
-  const uint8_t table[] = {2, 0, 1, 0, 0, 0, 9, 0};  // words
+  const uint8_t table[] = {2, 0, 1, 0, 0, 0, 9, 0};  // 16-bit indexes
   bytes.insert(bytes.begin() + 40, std::begin(table), std::end(table));
   const tagPALETTEENTRY entries[] = {{10, 0, 0, 0}, {20, 0, 0, 0}, {30, 0, 0, 0}};
   DibRequest request{DibColors::paletteIndexes, HPALETTE(entries), false, {}};
@@ -284,7 +284,7 @@ TEST(DibReader, Should_Refuse_When_HeadOrTableIsCutOff) {
     const auto cut = std::span(bytes).first(count);
     EXPECT_THROW(SplitPackedDib(cut, DibColors::colors), FormatError) << count;
   }
-  // The head is whole, and not even one row is.
+  // The header is complete, but not a single row is.
   const std::vector<uint8_t> head(bytes.begin(), bytes.begin() + 40 + 4 * 256);
   EXPECT_THROW(ReadPacked(head), FormatError);
 }
@@ -304,7 +304,7 @@ TEST(DibReader, Should_Refuse_When_SizeIsNotAccountedFor) {
   TMemoryStream png;
   EncodePng(GradientRaster(pf24bit, 5, 3), png);
   std::vector<uint8_t> bytes = png.TakeBytes();
-  bytes[16] = bytes[20] = 1;  // 16 million pixels each way
+  bytes[16] = bytes[20] = 1;  // 16 million pixels in each direction
   EXPECT_THROW(ReadPacked(Embedded(5, bytes)), LimitError);
 }
 
@@ -325,7 +325,7 @@ TEST(DibReader, Should_EndAtSomeTime_When_EachOfManyBitmapsIsLarge) {
 
 TEST(DibReader, Should_KeepToThePictureMemory) {
   const MemoryLimit limit(64);
-  EXPECT_THROW(ReadPacked(FourIndexes()), FormatError);  // its table is not there
+  EXPECT_THROW(ReadPacked(FourIndexes()), FormatError);  // the color table is missing
   BmpFile file = SixColors();
   file.pixels.resize(100);
   EXPECT_THROW(ReadPacked(file), LimitError);

@@ -1,6 +1,6 @@
-// Records that ask for more than a picture can show: every kind of work is counted, and a drawing
-// ends where it costs too much; numbers beyond all measure neither hang nor take memory. No test
-// looks at a clock: what is not bounded would not come back.
+// Hostile records: every kind of work is charged, and playback stops when its work budget is
+// exceeded. Extreme numbers neither hang nor exhaust memory. No test reads a clock: unlimited work
+// would never return.
 
 #include <cmath>
 #include <limits>
@@ -29,7 +29,7 @@ constexpr int64_t kFar = 0x7FFFFFFF;
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNoNumber = std::numeric_limits<float>::quiet_NaN();
 
-/// A file is a preparation and records that are repeated.
+/// A file made of a preparation and of records that are repeated.
 struct Repeated {
   const char* name;
   EmfFile once;
@@ -44,7 +44,7 @@ struct Repeated {
   }
 };
 
-/// A region of one rectangle in every other pixel of every other row.
+/// A region with one rectangle in every other pixel of every other row.
 FieldBytes Checkered(int columns, int rows) {
   FieldBytes region{32, 1, int64_t{columns} * rows, int64_t{columns} * rows * 16, 0, 0, 100, 80};
   for (int y = 0; y < rows; ++y) {
@@ -66,7 +66,7 @@ FieldBytes Stretched(const BmpFile& bitmap, size_t pixelBytes, int64_t width, in
   return fields.Bytes(dib);
 }
 
-/// A large bitmap of no more than a few bytes.
+/// A large bitmap of few bytes.
 BmpFile Blank() {
   BmpFile file;
   file.width = file.height = 1000;
@@ -102,7 +102,7 @@ EmfFile ClippedByAnEllipse() {
   return file.Add(EmfType::selectClipPath, {1});
 }
 
-/// Every kind of work that a record of a few bytes can ask for.
+/// All kinds of work that a record of a few bytes can cause.
 std::vector<Repeated> KindsOfWork() {
   const FieldBytes box{0, 0, 100, 80};
   const FieldBytes whole = Checkered(50, 40);
@@ -183,7 +183,7 @@ TEST(HostileRecords, PlayMetafile_Should_EndWithAWarning_When_TheWorkHasNoEnd) {
     const PlayedMetafile played(kind.Bytes(kind.again.records.size() > 9000 ? 300 : 3000));
     EXPECT_FALSE(played.report.isComplete);
     ASSERT_EQ(played.report.warnings.size(), 1U);
-    EXPECT_THAT(played.report.warnings[0], HasSubstr("more work than any picture shows"));
+    EXPECT_THAT(played.report.warnings[0], HasSubstr("exceeds its work budget"));
     EXPECT_GT(played.report.played, 0U);
   }
 }
@@ -207,7 +207,7 @@ TEST(HostileRecords, PlayMetafile_Should_CostWhatItDid_When_TheScopeOfAnotherDra
   EXPECT_TRUE(PlayedMetafile(bytes).report.isComplete);
 }
 
-TEST(HostileRecords, EmfOfWmf_Should_Refuse_When_TheWorkHasNoEnd) {
+TEST(HostileRecords, ConvertWmfToEmf_Should_Refuse_When_TheWorkHasNoEnd) {
   WmfFile file;
   file.box = {{0, 0, 100, 80}};
   for (int i = 0; i < 100; ++i) file.Add(WmfFunction::rectangle, {50, 60, 0, 0});
@@ -217,7 +217,7 @@ TEST(HostileRecords, EmfOfWmf_Should_Refuse_When_TheWorkHasNoEnd) {
   EXPECT_THROW(EmfOf(bytes), LimitError);
 }
 
-/// Everything is drawn, or skipped record by record, and the drawing comes to its end.
+/// All records must be played or skipped, and playback must end.
 void ExpectEnd(const EmfFile& file) {
   EXPECT_TRUE(PlayedMetafile(file.Bytes()).report.isComplete);
 }
@@ -307,27 +307,27 @@ TEST(HostileRecords, Bitmaps_Should_End_When_PlacesAreFarOrDegenerate) {
 TEST(HostileRecords, Curves_Should_BeSkipped_When_TheyAreTooManyPieces) {
   EmfFile file;
   file.Add(EmfType::setWorldTransform, FieldBytes().Singles({100, 0, 0, 100, 0, 0}));
-  constexpr int64_t curves = 5000;
-  FieldBytes points{0, 0, 0, 0, 3 * curves + 1};
+  constexpr int64_t kCurves = 5000;
+  FieldBytes points{0, 0, 0, 0, 3 * kCurves + 1};
   points.Words({0, 0});
-  for (int64_t i = 0; i < curves; ++i) points.Words({-30000, 30000, 30000, 30000, 0, 0});
+  for (int64_t i = 0; i < kCurves; ++i) points.Words({-30000, 30000, 30000, 30000, 0, 0});
   file.Add(EmfType::polyBezier16, points);
   const PlayedMetafile played(file.Bytes());
   EXPECT_EQ(played.Painted(), 0);
   ASSERT_EQ(played.report.warnings.size(), 1U);
-  EXPECT_THAT(played.report.warnings[0], HasSubstr("more pieces than can be drawn"));
+  EXPECT_THAT(played.report.warnings[0], HasSubstr("too many pieces"));
 }
 
 TEST(HostileRecords, SaveDC_Should_RestoreTheFirst_When_ThereAreAMillion) {
   EmfFile file;
   file.Add(EmfType::createBrush, {1, 0, 0xFF, 0}).Add(EmfType::selectObject, {1});
   file.Add(EmfType::saveDc).Add(EmfType::selectObject, {0x80000000});
-  constexpr int count = 1000000;
+  constexpr int kCount = 1000000;
   const EmfFile one = EmfFile().Add(EmfType::saveDc);
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < kCount; ++i) {
     file.records.insert(file.records.end(), one.records.begin(), one.records.end());
   }
-  file.Add(EmfType::restoreDc, {-count - 1}).Add(EmfType::rectangle, {0, 0, 90, 70});
+  file.Add(EmfType::restoreDc, {-kCount - 1}).Add(EmfType::rectangle, {0, 0, 90, 70});
   EXPECT_EQ(PlayedMetafile(file.Bytes()).At(40, 40), 0x0000FF);
 }
 

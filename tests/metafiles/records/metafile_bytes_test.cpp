@@ -30,7 +30,7 @@ TEST(MetafileBytes, Should_Throw_When_AFieldDoesNotFit) {
     EXPECT_THROW(bytes.Long(), FormatError) << start;
     EXPECT_THROW(bytes.Take(bytes.Left() + 1), FormatError) << start;
     EXPECT_THROW(bytes.Skip(bytes.Left() + 1), FormatError) << start;
-    // What did not fit was not taken.
+    // A failed read does not move the position.
     EXPECT_EQ(bytes.Position(), start);
     EXPECT_EQ(bytes.Take(bytes.Left()).size(), 4 - start);
   }
@@ -61,7 +61,7 @@ TEST(MetafileBytes, Count_Should_BeWhatTheBytesHold) {
   EXPECT_THROW(bytes.Count(5, 4), FormatError);
   EXPECT_THROW(bytes.Count(1, 17), FormatError);
   EXPECT_THROW(bytes.Count(UINT64_MAX, 1), FormatError);
-  // A product that would be small again in 32 or 64 bits.
+  // A product that overflows to a small number in 32 or 64 bits.
   EXPECT_THROW(bytes.Count(uint64_t{1} << 32, 16), FormatError);
   EXPECT_THROW(bytes.Count(uint64_t{1} << 62, 16), FormatError);
 }

@@ -1,4 +1,4 @@
-// Objects that a damaged or unusual file makes, in records of both kinds of metafiles.
+// Objects of damaged or unusual files, in records of both formats.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -89,8 +89,8 @@ TEST(EmfObjects, Deleting_Should_LeaveWhatIsSelected) {
 TEST(EmfState, MiterLimits_Should_BeWholeNumbersOrSingles) {
   const auto spike = [](const FieldBytes& limit) {
     EmfFile file;
-    constexpr int64_t miterJoin = 0x2000;
-    const FieldBytes pen{1, 0, 0, 0, 0, kGeometric | kFlatCap | miterJoin, 8, 0, kRed, 0, 0};
+    constexpr int64_t kMiterJoin = 0x2000;
+    const FieldBytes pen{1, 0, 0, 0, 0, kGeometric | kFlatCap | kMiterJoin, 8, 0, kRed, 0, 0};
     file.Add(EmfType::extCreatePen, pen).Add(EmfType::selectObject, {1});
     file.Add(EmfType::setMiterLimit, limit);
     file.Add(EmfType::polyline16, FieldBytes{0, 0, 0, 0, 3}.Words({10, 30, 60, 40, 10, 50}));
@@ -110,7 +110,7 @@ TEST(EmfShapes, Gradients_Should_BeLeftOut_When_TheirModeIsNone) {
   }
 }
 
-/// Size of the header, kind, count, size, box, rectangle.
+/// Size of the header, type, count, size, box, rectangle.
 FieldBytes OneRectRegion(int64_t headerBytes, int64_t count) {
   FieldBytes fields{0, 0, 0, 0, 48, headerBytes, 1, count, 16};
   if (headerBytes >= 32) fields.Longs({10, 10, 60, 50});
@@ -126,7 +126,7 @@ TEST(EmfShapes, Regions_Should_BeginBehindTheirHeader_WhateverItsSize) {
     EXPECT_EQ(played.At(70, 30), clWhite) << headerBytes;
   }
   for (const int64_t headerBytes : {0, 4, 12}) {
-    // Less than what every header has counts as that.
+    // A header size below the minimum counts as the minimum.
     const FieldBytes brief{0, 0, 0, 0, 48, headerBytes, 1, 1, 10, 10, 60, 50};
     const PlayedMetafile played = Play(EmfFile().Add(EmfType::invertRgn, brief));
     EXPECT_EQ(played.At(30, 30), clBlack) << headerBytes;
@@ -138,7 +138,7 @@ TEST(EmfShapes, Regions_Should_BeginBehindTheirHeader_WhateverItsSize) {
     }
     const PlayedMetafile played = Play(EmfFile().Add(EmfType::invertRgn, fields));
     EXPECT_EQ(played.Painted(), 0) << headerBytes;
-    EXPECT_THAT(played.report.warnings, testing::ElementsAre(testing::HasSubstr("ends before")));
+    EXPECT_THAT(played.report.warnings, testing::ElementsAre(testing::HasSubstr("too short")));
   }
 }
 
@@ -146,7 +146,7 @@ TEST(EmfShapes, Regions_Should_CostTheRecordAlone_When_RectanglesAreMissing) {
   for (const int64_t count : {int64_t{2}, int64_t{0x7FFFFFFF}, int64_t{0xFFFFFFFF}}) {
     const PlayedMetafile played = Play(EmfFile().Add(EmfType::invertRgn, OneRectRegion(32, count)));
     EXPECT_EQ(played.Painted(), 0) << count;
-    EXPECT_THAT(played.report.warnings, testing::ElementsAre(testing::HasSubstr("ends before")));
+    EXPECT_THAT(played.report.warnings, testing::ElementsAre(testing::HasSubstr("too short")));
   }
 }
 
@@ -154,7 +154,7 @@ TEST(EmfWarnings, Should_BeAFew_When_EveryRecordHasAnother) {
   EmfFile file;
   for (int i = 0; i < 60; ++i) {
     FieldBytes fields{0, 0, 0, 0, 0, 0, 0, 0, 3, 2, 80, 4, 80, 0, 0, 0xCC0020, 9, 9};
-    // A bitmap whose header would be of 200 bytes and more.
+    // A bitmap whose header states 200 bytes and more.
     file.Add(EmfType::stretchDibits, fields.Long(200 + i));
     file.Add(EmfType::rectangle, {1});
   }
@@ -163,7 +163,7 @@ TEST(EmfWarnings, Should_BeAFew_When_EveryRecordHasAnother) {
   EXPECT_EQ(played.report.skipped, 120u);
 }
 
-/// A blue brush (0), selected, and no pen (1).
+/// A blue brush (0) is selected, and no pen (1).
 WmfFile BlueAreas() {
   WmfFile file;
   file.box = {{0, 0, 100, 80}};
@@ -188,14 +188,14 @@ TEST(WmfObjects, Handles_Should_BeNone_When_TheObjectIsGone) {
   file.Add(WmfFunction::selectObject, {2}).Add(WmfFunction::selectObject, {0xFFFF});
   file.Add(WmfFunction::rectangle, {40, 40, 0, 0});
   EXPECT_EQ(Play(file).At(20, 20), kBlue);
-  // A handle that was deleted twice is given out once.
+  // A handle that is deleted twice is assigned once.
   file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(kRed).Word(0));
   file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(0).Word(0));
   file.Add(WmfFunction::selectObject, {2}).Add(WmfFunction::rectangle, {40, 40, 0, 0});
   EXPECT_EQ(Play(file).At(20, 20), kRed);
 }
 
-/// Rows of a region: number of edges, top, bottom, edges, number of edges.
+/// Scanlines of a region: number of edges, top, bottom, edges, number of edges.
 FieldBytes Region(std::initializer_list<std::initializer_list<int64_t>> rows) {
   FieldBytes fields;
   fields.Words({0, 6, 0, 0, 0, static_cast<int64_t>(rows.size()), 2, 0, 0, 100, 80});
@@ -221,7 +221,7 @@ TEST(WmfObjects, Regions_Should_HaveAllPairsOfEdges_AndNoOddOne) {
   EXPECT_EQ(odd.report.warnings, std::vector<std::string>());
 }
 
-TEST(WmfObjects, Patterns_Should_HaveColours_WhateverTheirTableIsSaidToHold) {
+TEST(WmfObjects, Patterns_Should_HaveColors_WhateverTheirTableIsSaidToHold) {
   BmpFile columns;
   columns.width = 8;
   columns.bits = 1;

@@ -1,4 +1,4 @@
-// Palettes of both kinds of metafiles, and the kinds of records that leave nothing to be seen.
+// Palettes in both formats, and record types without a visible effect.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,14 +16,14 @@ using namespace detail;
 constexpr int64_t kFirst = 0x01000000, kSecond = 0x01000001, kThird = 0x01000002;
 constexpr int64_t kStockPalette = 0x8000000F, kAnimated = 0x01000000;
 
-/// A palette (3) of two colours, selected.
+/// A palette (3) of two colors, selected.
 EmfFile TwoColors() {
   FieldBytes palette{3};
   palette.Words({0x300, 2}).Longs({0x112233, 0x445566});
   return EmfFile().Add(EmfType::createPalette, palette).Add(EmfType::selectPalette, {3});
 }
 
-/// Colours of pixels that a file sets one after another, from the left upper corner on.
+/// Reads the colors of pixels that a file sets one after another, from the upper left corner.
 class Pixels {
  public:
   explicit Pixels(EmfFile& file) : file_(file) {}
@@ -99,7 +99,7 @@ FieldBytes BitmapHead(int64_t entries) {
   return FieldBytes{40, 2, 1}.Words({1, 8}).Longs({0, 0, 0, 0, entries, 0});
 }
 
-/// Where a bitmap of 2 x 1 pixels is copied to, and how its colours are stated.
+/// Copies a bitmap of 2 x 1 pixels; `colors` is its color usage.
 EmfFile WithBitmap(const FieldBytes& head, int64_t colors) {
   const auto headBytes = static_cast<int64_t>(head.bytes.size());
   FieldBytes fields{0, 0, 0, 0, 10, 20, 0, 0, 2, 1, 80, headBytes, 80 + headBytes, 4};
@@ -108,7 +108,7 @@ EmfFile WithBitmap(const FieldBytes& head, int64_t colors) {
   return TwoColors().Add(EmfType::stretchDibits, fields);
 }
 
-TEST(EmfPalettes, Should_ColourBitmaps_When_TheyHoldNumbers) {
+TEST(EmfPalettes, Should_ColorBitmaps_When_TheyHoldNumbers) {
   const PlayedMetafile table(WithBitmap(BitmapHead(2).Words({1, 0}), 1).Bytes());
   EXPECT_EQ(table.At(10, 20), 0x445566);
   EXPECT_EQ(table.At(11, 20), 0x112233);
@@ -117,7 +117,7 @@ TEST(EmfPalettes, Should_ColourBitmaps_When_TheyHoldNumbers) {
   EXPECT_EQ(none.At(11, 20), 0x445566);
 }
 
-/// A palette (0) of three colours, of which the third is made to change under way.
+/// A palette (0) of three colors; the third has the animation flag.
 WmfFile ThreeColors() {
   WmfFile file;
   file.box = {{0, 0, 100, 80}};
@@ -126,7 +126,7 @@ WmfFile ThreeColors() {
   return file.Add(WmfFunction::createPalette, palette).Add(WmfFunction::selectPalette, {0});
 }
 
-/// The same for Windows metafiles; what they become is drawn as well.
+/// The same for WMF files, which are also drawn after conversion to EMF.
 class WmfPixels {
  public:
   explicit WmfPixels(WmfFile& file) : file_(file) {}
@@ -172,7 +172,7 @@ TEST(WmfPalettes, Should_ComeBackWithTheState) {
   file.Add(WmfFunction::saveDc).Add(WmfFunction::selectPalette, {77});
   WmfPixels pixels(file);
   pixels.Set(kSecond);
-  // Nobody changes the palette that every context begins with.
+  // The initial palette cannot be changed.
   file.Add(WmfFunction::setPaletteEntries, FieldBytes().Words({1, 1}).Long(0x778899));
   file.Add(WmfFunction::resizePalette, {2});
   pixels.Set(kSecond);

@@ -1,4 +1,4 @@
-// Windows metafiles that say nothing about their size are as large as what they draw.
+// WMF files without a size are as large as their drawing.
 
 #include <gtest/gtest.h>
 
@@ -50,7 +50,7 @@ TEST(WmfMeasure, Should_BeAroundWhatIsDrawn_When_ThereIsNoWindow) {
   expectOne(WmfFunction::dibBitBlt, {0x21, 0xF0, 0, 0, 0, 10, 20, 6, 4}, 4, 6, 24, 16);
 }
 
-/// Bitmaps are not looked at, and need not be whole.
+/// Bitmaps are not decoded and may be incomplete.
 TEST(WmfMeasure, Should_CountBitmapsByTheirPlace) {
   const auto expectOne = [](WmfFunction function, std::initializer_list<int64_t> words) {
     SCOPED_TRACE(static_cast<int>(function));
@@ -74,7 +74,7 @@ WmfFile BlueSquare() {
   return file.Add(WmfFunction::polygon, {4, 10, 20, 40, 20, 40, 60, 10, 60});
 }
 
-/// Blue up to its edges, drawn as it is and as an enhanced metafile.
+/// Expects blue up to the edges, drawn as WMF and as EMF.
 void ExpectBlue(const WmfFile& file, int width, int height) {
   const std::vector<uint8_t> bytes = file.Bytes(), emf = EmfOf(bytes);
   const MetafileFacts facts = ReadMetafileFacts(bytes);
@@ -102,14 +102,14 @@ TEST(WmfMeasure, Should_FollowTheOrigin_When_RecordsMoveIt) {
   }
 }
 
-TEST(WmfMeasure, Should_CountMillimetres_When_TheModeDoes) {
+TEST(WmfMeasure, Should_CountMillimeters_When_TheModeDoes) {
   WmfFile file;
   file.Add(WmfFunction::setMapMode, {2});
   const std::vector<uint8_t> square = BlueSquare().records;
   file.records.insert(file.records.end(), square.begin(), square.end());
   const MetafileFacts facts = FactsOf(file);
   EXPECT_EQ(facts.unitsPerInch, 254);
-  // Up to two pixels more, which are 2.65 units each.
+  // Up to two pixels more, of 2.65 units each.
   EXPECT_NEAR(static_cast<double>(facts.bounds.Width()), 33, 3);
   EXPECT_NEAR(static_cast<double>(facts.bounds.top), -61, 2) << "y downward";
   const PlayedMetafile played(file.Bytes(), 110, 150);
@@ -130,7 +130,7 @@ TEST(WmfMeasure, Should_BeginAtTheCorner_When_AMetricPageNamesIt) {
 }
 
 TEST(WmfMeasure, Should_CutNothing_When_EdgesLieBetweenPixels) {
-  // Twentieths of a point, 15 a pixel: a frame whose edges are part of a pixel away from any.
+  // Twips, 15 per pixel: a frame whose edges lie a fraction of a pixel away from pixel edges.
   for (const int away : {1, 7, 8, 14}) {
     WmfFile file;
     file.Add(WmfFunction::createPenIndirect, FieldBytes().Words({5, 0, 0}).Long(0));
@@ -163,7 +163,7 @@ TEST(WmfMeasure, Should_HoldWholeTexts) {
   EXPECT_GT(facts.bounds.Width(), 100);
   EXPECT_GT(facts.bounds.Height(), 40);
   EXPECT_LT(facts.bounds.Height(), 60);
-  // Nothing touches the right edge: the last letter is whole.
+  // Nothing touches the right edge: the last letter is complete.
   const PlayedMetafile played(file.Bytes(), facts.width, facts.height);
   EXPECT_GT(played.PaintedIn({facts.width - 30, 0, facts.width, facts.height}), 50);
   EXPECT_EQ(played.PaintedIn({facts.width - 1, 0, facts.width, facts.height}), 0);

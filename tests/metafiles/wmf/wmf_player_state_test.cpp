@@ -1,4 +1,4 @@
-// Records of Windows metafiles that draw nothing themselves: each changes what is drawn after it.
+// WMF records that draw nothing themselves: each affects what is drawn after it.
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ using namespace detail;
 constexpr TColor kRed = 0x0000FF, kBlue = 0xFF0000, kGreen = 0x00FF00;
 constexpr int64_t kNullPenStyle = 5;
 
-/// 100 x 80 units that are pixels; a blue brush (0) is selected, and no pen (1).
+/// 100 x 80 units of one pixel each; a blue brush (0) is selected, and no pen (1).
 WmfFile BlueAreas() {
   WmfFile file;
   file.box = {{0, 0, 100, 80}};
@@ -43,7 +43,7 @@ TEST(WmfPlayerState, PolyFillMode_Should_DecideAboutTheInside) {
   const auto star = [](int mode) {
     WmfFile file = BlueAreas();
     file.Add(WmfFunction::setPolyFillMode, {mode});
-    // Twice round the same square.
+    // The same square twice, in the same direction.
     file.Add(WmfFunction::polygon,
              {8, 10, 10, 50, 10, 50, 50, 10, 50, 10, 10, 50, 10, 50, 50, 10, 50});
     return Play(file).At(30, 30);
@@ -52,10 +52,10 @@ TEST(WmfPlayerState, PolyFillMode_Should_DecideAboutTheInside) {
   EXPECT_EQ(star(2), kBlue);
 }
 
-TEST(WmfPlayerState, MetricModes_Should_CountMillimetresUpward) {
+TEST(WmfPlayerState, MetricModes_Should_CountMillimetersUpward) {
   WmfFile file = BlueAreas();
   file.box = {{0, 0, 100, -80}};
-  // 10 mm are 37.8 pixels of a common screen.
+  // 10 mm are 37.8 pixels at 96 dpi.
   file.Add(WmfFunction::setMapMode, {2}).Add(WmfFunction::rectangle, {-100, 100, 0, 0});
   const PlayedMetafile played = Play(file);
   EXPECT_EQ(played.At(36, 36), kBlue);
@@ -83,7 +83,7 @@ TEST(WmfPlayerState, Layout_Should_MirrorThePicture) {
 }
 
 TEST(WmfPlayerState, DeviceBitmaps_Should_BecomeBrushes) {
-  // 8 x 1 pixels; a pointer, room, and one row: the left half is 0.
+  // 8 x 1 pixels; a pointer, a gap, and one row: the left half is 0.
   FieldBytes brush;
   brush.Words({0, 8, 1, 2}).Byte(1).Byte(1).Long(0).FillTo(32).Byte(0x0F).Byte(0);
   WmfFile file = BlueAreas();
@@ -91,8 +91,8 @@ TEST(WmfPlayerState, DeviceBitmaps_Should_BecomeBrushes) {
   file.Add(WmfFunction::setBkColor, FieldBytes{kGreen});
   file.Add(WmfFunction::createPatternBrush, brush).Add(WmfFunction::selectObject, {2});
   file.Add(WmfFunction::rectangle, {80, 100, 0, 0});
-  EXPECT_EQ(Play(file).At(17, 30), kRed) << "0 is the text colour";
-  EXPECT_EQ(Play(file).At(21, 30), kGreen) << "1 is the background colour";
+  EXPECT_EQ(Play(file).At(17, 30), kRed) << "0 is the text color";
+  EXPECT_EQ(Play(file).At(21, 30), kGreen) << "1 is the background color";
 }
 
 /// With a font of 20 units, which is handle 2.

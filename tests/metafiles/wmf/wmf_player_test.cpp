@@ -1,5 +1,5 @@
-// Each record of Windows metafiles does what it says; what the operations look like in detail is
-// the drawing context's business.
+// Each type of WMF record has its effect. The tests of the drawing context cover the operations in
+// detail.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ using namespace detail;
 constexpr TColor kRed = 0x0000FF, kBlue = 0xFF0000, kGreen = 0x00FF00;
 constexpr int64_t kNullPenStyle = 5;
 
-/// 100 x 80 units that are pixels; a red pen (0) and a blue brush (1) are selected.
+/// 100 x 80 units of one pixel each; a red pen (0) and a blue brush (1) are selected.
 WmfFile RedAndBlue() {
   WmfFile file;
   file.box = {{0, 0, 100, 80}};
@@ -78,7 +78,7 @@ TEST(WmfPlayer, ManyPolygons_Should_BeSeparate) {
   EXPECT_EQ(played.At(40, 20), clWhite);
 }
 
-TEST(WmfPlayer, PixelsAndFloods_Should_HaveTheirColour) {
+TEST(WmfPlayer, PixelsAndFloods_Should_HaveTheirColor) {
   WmfFile file = RedAndBlue();
   file.Add(WmfFunction::setPixel, FieldBytes().Long(kGreen).Words({44, 33}));
   EXPECT_EQ(Play(file).At(33, 44), kGreen);
@@ -159,7 +159,7 @@ TEST(WmfPlayer, IsotropicMode_Should_KeepUnitsSquare) {
 }
 
 TEST(WmfPlayer, MetricModes_Should_ShowWhatIsDrawn_When_NoWindowIsSet) {
-  // Millimetres below the page's upper edge: a box from (20, -20) to (80, -60).
+  // Millimeters below the upper edge of the page: a box from (20, -20) to (80, -60).
   WmfFile file = BlueAreas();
   file.box.reset();
   file.Add(WmfFunction::setMapMode, {2});
@@ -213,7 +213,7 @@ TEST(WmfPlayer, UpsideDownBox_Should_BeDrawnUpright) {
   EXPECT_EQ(Play(file).At(20, 60), clWhite);
 }
 
-/// One row of a region from (left, top) to (right, bottom).
+/// One scanline of a region from (left, top) to (right, bottom).
 FieldBytes RegionFields(int left, int top, int right, int bottom) {
   FieldBytes fields;
   fields.Words({0, 6}).Long(0).Words({0, 1, 2, left, top, right, bottom});
@@ -256,7 +256,7 @@ TEST(WmfPlayer, Bitmaps_Should_BeStretchedOverTheirPlace) {
     FieldBytes fields;
     return Play(BlueAreas().Add(function, fields.Words(words).Bytes(PackedDib(SixColors()))));
   };
-  // Operation, usage, size and corner of the part, size and corner of the place.
+  // Operation, usage, size and corner of the part, size and corner of the target.
   const PlayedMetafile dib =
       blit(WmfFunction::stretchDib, {0x20, 0xCC, 0, 2, 3, 0, 0, 20, 30, 20, 10});
   EXPECT_EQ(dib.At(15, 25), kRed);
@@ -279,7 +279,7 @@ TEST(WmfPlayer, Blits_Should_UseTheBrush_When_ThereIsNoBitmap) {
   EXPECT_EQ(blit(WmfFunction::dibBitBlt, {0x20, 0xCC, 0, 0, 0, 20, 30, 20, 10}), clWhite);
 }
 
-/// A bitmap of an old device: 16 x 1 pixels, the left half black.
+/// A device-dependent bitmap: 16 x 1 pixels, the left half black.
 FieldBytes DeviceBitmap() {
   FieldBytes fields;
   return fields.Words({0, 16, 1, 2}).Byte(1).Byte(1).Byte(0x00).Byte(0xFF);
@@ -313,11 +313,11 @@ TEST(WmfPlayer, PatternBrushes_Should_ShowTheirBitmap) {
   };
   EXPECT_EQ(filled(5).At(17, 30), kGreen);
   EXPECT_EQ(filled(5).At(21, 30), kRed);
-  EXPECT_EQ(filled(3).At(17, 30), kBlue) << "0 is the text colour";
-  EXPECT_EQ(filled(3).At(21, 30), 0x808080) << "1 is the background colour";
+  EXPECT_EQ(filled(3).At(17, 30), kBlue) << "0 is the text color";
+  EXPECT_EQ(filled(3).At(21, 30), 0x808080) << "1 is the background color";
 }
 
-TEST(WmfPlayer, Palettes_Should_GiveColoursByIndex) {
+TEST(WmfPlayer, Palettes_Should_GiveColorsByIndex) {
   WmfFile file = BlueAreas();
   file.Add(WmfFunction::createPalette, FieldBytes().Words({0x300, 2}).Longs({0x112233, 0x445566}));
   file.Add(WmfFunction::selectPalette, {3});
@@ -373,7 +373,7 @@ TEST(WmfPlayer, Damage_Should_CostTheRecordAlone) {
   const PlayedMetafile played = Play(file);
   EXPECT_EQ(played.At(5, 5), kBlue);
   EXPECT_THAT(played.report.warnings,
-              testing::ElementsAre("metafile: a record ends before its fields do"));
+              testing::ElementsAre("metafile: a record is too short for its fields"));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A Windows metafile that became an enhanced one draws the same, family by family of records.
+// A WMF file that is converted to EMF draws the same; one test per family of records.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ using namespace detail;
 
 constexpr int64_t kRed = 0x0000FF, kBlue = 0xFF0000, kGreen = 0x00FF00;
 
-/// 100 x 80 units that are pixels; a red pen (0) and a blue brush (1) are selected.
+/// 100 x 80 units of one pixel each; a red pen (0) and a blue brush (1) are selected.
 WmfFile RedAndBlue() {
   WmfFile file;
   file.box = {{0, 0, 100, 80}};
@@ -43,7 +43,7 @@ WmfFile WithFont(int escapement = 0, const char* face = "DejaVu Sans") {
   return file.Add(WmfFunction::createFontIndirect, font).Add(WmfFunction::selectObject, {3});
 }
 
-/// Both are drawn alike at the picture's size and larger; something is drawn at all.
+/// Expects equal drawings at the size of the picture and larger, and that something is drawn.
 void ExpectSame(const WmfFile& file) {
   const std::vector<uint8_t> wmf = file.Bytes(), emf = EmfOf(wmf);
   const MetafileFacts before = ReadMetafileFacts(wmf), after = ReadMetafileFacts(emf);
@@ -107,7 +107,7 @@ TEST(WmfToEmf, Shapes_Should_BeTheSame) {
 TEST(WmfToEmf, OutlinedBoxes_Should_EndAtTheSamePixel_When_UnitsAreSmaller) {
   for (const int turn : {1, -1}) {
     WmfFile file = RedAndBlue();
-    // 2.37 units a pixel across, 3.1 down, and the window begins between two pixels.
+    // 2.37 units per pixel across, 3.1 down, and a window that begins between two pixels.
     file.Add(WmfFunction::setWindowExt, {turn * 248, 237});
     file.Add(WmfFunction::setWindowOrg, {turn * 1, 1});
     for (int i = 0; i < 10; ++i) {
@@ -148,7 +148,7 @@ TEST(WmfToEmf, PixelsAndFloods_Should_BeTheSame) {
 
 TEST(WmfToEmf, Handles_Should_BeThoseOfTheWindowsMetafile) {
   WmfFile file = BlueAreas();
-  file.Add(WmfFunction::createFontIndirect, {1});  // broken, and takes 3 all the same
+  file.Add(WmfFunction::createFontIndirect, {1});  // damaged, but takes handle 3
   file.Add(WmfFunction::deleteObject, {1}).Add(WmfFunction::deleteObject, {0});
   for (const int64_t color : {kGreen, kRed, int64_t{0}}) {  // 0, 1, 4
     file.Add(WmfFunction::createBrushIndirect, FieldBytes().Word(0).Long(color).Word(0));
@@ -263,7 +263,7 @@ TEST(WmfToEmf, Mapping_Should_BeTheSame) {
   }
 }
 
-/// A region of two rows.
+/// A region of two scanlines.
 FieldBytes TwoRows() {
   FieldBytes fields;
   fields.Words({0, 6}).Long(0).Words({0, 2, 2, 10, 10, 90, 70});
@@ -315,7 +315,7 @@ TEST(WmfToEmf, Bitmaps_Should_BeTheSame) {
   blit(WmfFunction::setDibToDev, {0, 2, 0, 0, 0, 2, 3, 20, 10}, dib);
   blit(WmfFunction::bitBlt, {0x20, 0xCC, 0, 0, 1, 16, 20, 10}, ddb);
   blit(WmfFunction::stretchBlt, {0x20, 0xCC, 1, 16, 0, 0, 20, 32, 20, 10}, ddb);
-  // A head of 18 bytes, which is no multiple of four.
+  // A header of 18 bytes, which is not a multiple of four.
   BmpFile core;
   core.headerBytes = 12;
   core.width = 4;
@@ -328,7 +328,7 @@ TEST(WmfToEmf, Bitmaps_Should_BeTheSame) {
   blit(WmfFunction::dibStretchBlt, {0x49, 0x5A, 1, 1, 0, 0, 0, 20, 30, 20, 10}, {});
 }
 
-TEST(WmfToEmf, Palettes_Should_GiveTheSameColours) {
+TEST(WmfToEmf, Palettes_Should_GiveTheSameColors) {
   WmfFile file = BlueAreas();
   file.Add(WmfFunction::createPalette, FieldBytes().Words({0x300, 2}).Longs({0x112233, 0x445566}));
   file.Add(WmfFunction::selectPalette, {3});

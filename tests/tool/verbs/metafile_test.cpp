@@ -127,7 +127,7 @@ TEST_F(CliMetafile, Convert_Should_DrawHugePicturesOnlyAsLargeAsAsked) {
   const std::string huge = Write("a.emf", HugeEmf());
   const ToolResult refused = Convert({huge, folder_ / "a.png"});
   EXPECT_EQ(refused.code, 3);
-  EXPECT_THAT(refused.err, HasSubstr("a.emf: metafile: the drawing is 24000 x 24000 pixels large"));
+  EXPECT_THAT(refused.err, HasSubstr("a.emf: metafile: the drawing has 24000 x 24000 pixels"));
   EXPECT_FALSE(std::filesystem::exists(folder_ / "a.png"));
   EXPECT_EQ(Convert({huge, folder_ / "b.png", "--dpi", "1"}).code, 0);
   EXPECT_EQ(LoadFile(folder_ / "b.png").Width(), 250);

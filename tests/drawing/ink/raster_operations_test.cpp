@@ -78,7 +78,7 @@ TEST(MixRow, Should_RoundToTheNearest_When_AnyCoverageMixesAnyBytes) {
   }
 }
 
-// The codes once more as a drawing sees them: whole pixels of known colours.
+// The codes as seen in a drawing: whole pixels of known colors.
 
 TEST(DeviceContextRop3, Should_CombineBrushSourceAndPicture_When_AnyOfThe256CodesIsBlitted) {
   const TColor brush = 0x0F0F0F, source = 0x333333, picture = 0x555555;
