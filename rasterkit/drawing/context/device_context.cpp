@@ -42,8 +42,7 @@ std::optional<RectD> DeviceContext::DrawnBounds() const {
 
 void DeviceContext::SaveDC() {
   // More states are only counted: each takes memory, and a record of eight bytes saves one.
-  constexpr size_t kKept = 4096;
-  if (parts_->saved.size() >= kKept) {
+  if (parts_->saved.size() >= kMostSavedStates) {
     ++parts_->savedBeyond;
   } else {
     parts_->saved.push_back(parts_->state);

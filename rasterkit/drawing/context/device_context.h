@@ -76,6 +76,8 @@ class DeviceContext {
 
   // ---- State ----
 
+  /// The number of states that SaveDC keeps; further calls are only counted.
+  static constexpr size_t kMostSavedStates = 4096;
   /// Saves the state: everything but the path and the picture.
   void SaveDC();
   /// Restores a saved state and drops those that were saved after it. A negative number counts back

@@ -33,10 +33,8 @@ void WmfRecorder::Record(const WmfRecord& record) {
       RecordBitmap(record) || RecordRegion(record) || RecordPalette(record);
 }
 
-/// The same limit as in the context.
 void WmfRecorder::Save() {
-  constexpr size_t kKept = 4096;
-  if (saved_.size() >= kKept) {
+  if (saved_.size() >= DeviceContext::kMostSavedStates) {
     ++savedBeyond_;
   } else {
     saved_.push_back(state_);
