@@ -82,9 +82,7 @@ HWY_INLINE Constants MakeConstants() {
 HWY_INLINE SignedLaneVector AddProducts(const Constants& c, SignedLaneVector start,
                                         LaneVector words, WordVector weights) {
   const auto numbers = hn::Xor(hn::BitCast(Words(), words), c.wordBias);
-  auto odd = hn::Zero(SignedLanes());
-  const auto even = hn::ReorderWidenMulAccumulate(SignedLanes(), numbers, weights, start, odd);
-  return hn::RearrangeToOddPlusEven(even, odd);
+  return hn::Add(start, SumOfProducts(numbers, weights));
 }
 
 HWY_INLINE LaneVector GraySum(const Constants& c, LaneVector ggrb) {

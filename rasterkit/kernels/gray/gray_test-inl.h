@@ -36,21 +36,12 @@ HWY_INLINE GrayTest MakeGrayTest(int level) {
           GrayExceptionsOf(level)};
 }
 
-/// `start` plus, for each lane, the products of its two words with their weights.
-HWY_INLINE SignedLaneVector AddWeighted(SignedLaneVector start, LaneVector words,
-                                        WordVector weights) {
-  auto odd = hn::Zero(SignedLanes());
-  const auto even = hn::ReorderWidenMulAccumulate(SignedLanes(), hn::BitCast(Words(), words),
-                                                  weights, start, odd);
-  return hn::RearrangeToOddPlusEven(even, odd);
-}
-
 HWY_INLINE SignedLaneVector Thousandths(const GrayTest& test, LaneVector bgr) {
   const hn::RebindToUnsigned<Words> words;
   const auto blueRed = hn::And(bgr, hn::Set(Lanes(), 0x00FF00FF));
   const auto green = hn::BitCast(Lanes(), hn::ShiftRight<8>(hn::BitCast(words, bgr)));
-  const auto half = AddWeighted(hn::Zero(SignedLanes()), blueRed, test.blueRed);
-  return AddWeighted(half, green, test.green);
+  return hn::Add(SumOfProducts(hn::BitCast(Words(), blueRed), test.blueRed),
+                 SumOfProducts(hn::BitCast(Words(), green), test.green));
 }
 
 HWY_INLINE LaneMask Reaches(const GrayTest& test, LaneVector sum) {

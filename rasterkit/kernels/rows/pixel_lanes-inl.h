@@ -50,6 +50,15 @@ HWY_INLINE Quad ForEach(Function function, const Quad& a, const Quad& b) {
   return {function(a.v0, b.v0), function(a.v1, b.v1), function(a.v2, b.v2), function(a.v3, b.v3)};
 }
 
+/// For each lane the sum of the products of its two words. Both sums begin with zero: what one
+/// begins with belongs to another lane on some processors, which add neighbors at the end.
+HWY_INLINE SignedLaneVector SumOfProducts(WordVector a, WordVector b) {
+  auto odd = hn::Zero(SignedLanes());
+  const auto even =
+      hn::ReorderWidenMulAccumulate(SignedLanes(), a, b, hn::Zero(SignedLanes()), odd);
+  return hn::RearrangeToOddPlusEven(even, odd);
+}
+
 /// The order of lanes that `lane(i)` says.
 template <class LaneOf>
 HWY_INLINE LaneOrder OrderLanes(LaneOf lane) {
