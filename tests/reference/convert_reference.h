@@ -7,6 +7,8 @@
 
 #include <rasterkit/raster/raster.h>
 
+#include "tests/reference/gray.h"
+
 /// Conversions between pixel formats written straight from their rules, a pixel at a time. Adaptive
 /// palettes are left out: which colours they choose is no rule.
 namespace rasterkit::reference {
@@ -99,8 +101,8 @@ inline void WritePixel(Raster& raster, int x, int y, const ReferencePixel& pixel
 }
 
 inline int Gray(const ReferencePixel& pixel) {
-  const long double sum = pixel.red * 0.297L + pixel.green * 0.589L + pixel.blue * 0.114L;
-  return static_cast<int>(sum);
+  return GrayInExtended(static_cast<uint8_t>(pixel.red), static_cast<uint8_t>(pixel.green),
+                        static_cast<uint8_t>(pixel.blue));
 }
 
 inline int ColorNumber(const ReferencePixel& p) {

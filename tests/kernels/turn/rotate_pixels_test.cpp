@@ -68,12 +68,7 @@ std::vector<float> Angles() {
   return angles;
 }
 
-class RotatePixelsTest : public testing::TestWithParam<int> {
- protected:
-  void SetUp() override {
-    if (!reference::kHasExtendedPrecision) GTEST_SKIP() << "no 80-bit arithmetic to compare with";
-  }
-};
+class RotatePixelsTest : public testing::TestWithParam<int> {};
 
 TEST_P(RotatePixelsTest, EqualsTheReferenceAtSmallSizesAndEveryWholeDegree) {
   std::mt19937 random(20 + GetParam());
