@@ -15,9 +15,10 @@ function(rasterkit_settings target)
   if(RASTERKIT_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
-  # i386 hosts: the same double arithmetic as everywhere else, not the 80-bit unit's.
+  # i386 hosts: the same double arithmetic as everywhere else, not the 80-bit unit's; and files beyond 2 GiB.
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "i[3-6]86" OR (CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64" AND CMAKE_SIZEOF_VOID_P EQUAL 4))
     target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse)
+    target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
   endif()
   if(RASTERKIT_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${RASTERKIT_SANITIZE} -fno-omit-frame-pointer
