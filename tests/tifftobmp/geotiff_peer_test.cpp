@@ -25,6 +25,11 @@ bool IsInstalled(const std::string& program) {
   return std::system(("command -v " + program + " >/dev/null 2>&1").c_str()) == 0;
 }
 
+/// Whether a command ends well.
+bool Works(const std::string& command) {
+  return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+}
+
 /// What a command prints, warnings included.
 std::string OutputOf(const std::string& command) {
   std::string text;
@@ -136,7 +141,7 @@ std::string Colors(const Raster& raster) {
 }
 
 TEST_F(GeoTiffPeer, ImageMagick_Should_SeeTheSamePixels) {
-  if (!IsInstalled("convert")) GTEST_SKIP() << "ImageMagick is not installed";
+  if (!Works("convert -version")) GTEST_SKIP() << "ImageMagick is not installed";
   const unsigned seed = std::random_device{}();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937 random(seed);
