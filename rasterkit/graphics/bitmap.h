@@ -28,7 +28,7 @@ class RASTERKIT_EXPORT TBitmap : public TGraphic {
   TBitmap(TBitmap&&) noexcept;
   TBitmap& operator=(TBitmap&&) noexcept;
   /// A bitmap with the raster's rows, palette, resolution, profile, alpha mark and transparent
-  /// colour.
+  /// color.
   explicit TBitmap(Raster raster);
 
   /// A whole copy, spelled out because it is expensive.
@@ -60,7 +60,7 @@ class RASTERKIT_EXPORT TBitmap : public TGraphic {
   size_t Stride() const;
 
   HPALETTE Palette() const;
-  /// Replaces the palette; indexes stay. Ignored palettes of true-colour bitmaps are dropped (the
+  /// Replaces the palette; indexes stay. Ignored palettes of true-color bitmaps are dropped (the
   /// empty handle).
   void SetPalette(HPALETTE palette);
 
@@ -72,7 +72,7 @@ class RASTERKIT_EXPORT TBitmap : public TGraphic {
   ColorProfile Profile() const;
   void SetProfile(ColorProfile profile);
 
-  /// Colour of a pixel through the palette where there is one; clBlack outside the bitmap.
+  /// Color of a pixel through the palette where there is one; clBlack outside the bitmap.
   TColor PixelColor(int x, int y) const;
 
   /// The drawing surface; made on first use and owned by the bitmap.

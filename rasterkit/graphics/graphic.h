@@ -13,7 +13,7 @@ class TBitmap;
 class TCanvas;
 struct TRect;
 
-/// Whether the transparent colour follows the bottom-left pixel or was set.
+/// Whether the transparent color follows the bottom-left pixel or was set.
 enum TTransparentMode { tmAuto, tmFixed };
 
 /// The common base of all picture kinds. It can be drawn, loaded, saved and assigned to another
@@ -38,7 +38,7 @@ class RASTERKIT_EXPORT TGraphic {
   /// They belong to the graphic and stay until it changes.
   virtual const Raster* Rows() const { return nullptr; }
 
-  /// Takes over what `source` shows, with its transparency, mode and colour; an absent source
+  /// Takes over what `source` shows, with its transparency, mode and color; an absent source
   /// empties the graphic. Throws UnsupportedError for a pair without a rule (a bitmap into a
   /// metafile).
   void Assign(const TGraphic* source);
@@ -51,7 +51,7 @@ class RASTERKIT_EXPORT TGraphic {
   virtual void SaveToStream(TStream& stream) = 0;
 
   /// Draws the graphic stretched into the rectangle of the canvas. Rows with a defined alpha
-  /// channel are blended; else the pixels of the transparent colour are left out when the graphic
+  /// channel are blended; else the pixels of the transparent color are left out when the graphic
   /// is `Transparent`.
   virtual void DrawTo(TCanvas& canvas, const TRect& place) const;
 
@@ -59,10 +59,10 @@ class RASTERKIT_EXPORT TGraphic {
   virtual void SetTransparent(bool value) { transparent_ = value; }
   TTransparentMode TransparentMode() const { return transparentMode_; }
   void SetTransparentMode(TTransparentMode mode) { transparentMode_ = mode; }
-  /// The colour taken as transparent: in automatic mode the bottom-left pixel's, else the one that
+  /// The color taken as transparent: in automatic mode the bottom-left pixel's, else the one that
   /// was set.
   virtual TColor TransparentColor() const;
-  /// Sets the colour and makes the mode fixed.
+  /// Sets the color and makes the mode fixed.
   virtual void SetTransparentColor(TColor color);
 
   /// Transparent, TransparentMode and TransparentColor as `source` has them.

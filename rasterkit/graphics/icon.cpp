@@ -19,7 +19,7 @@ void RequireOneSize(const TBitmap& color, const TBitmap& mask) {
   const auto sizeOf = [](const TBitmap& bitmap) {
     return std::to_string(bitmap.Width()) + " x " + std::to_string(bitmap.Height());
   };
-  throw RangeError("an icon cannot be made of colours of " + sizeOf(color) +
+  throw RangeError("an icon cannot be made of colors of " + sizeOf(color) +
                    " pixels and a mask of " + sizeOf(mask));
 }
 

@@ -12,7 +12,7 @@ namespace rasterkit {
 /// drawn. Loading takes the largest picture of an icon file, the deepest among equals.
 ///
 /// Like every picture with an alpha channel it is `Transparent` with white, for those who take the
-/// colours without it.
+/// colors without it.
 class RASTERKIT_EXPORT TIcon : public TGraphic {
  public:
   TIcon();
@@ -20,10 +20,10 @@ class RASTERKIT_EXPORT TIcon : public TGraphic {
   TIcon(TIcon&&) noexcept;
   TIcon& operator=(TIcon&&) noexcept;
 
-  /// An icon of a colour bitmap and a mask; see `SetColorAndMask`.
+  /// An icon of a color bitmap and a mask; see `SetColorAndMask`.
   static std::unique_ptr<TIcon> FromColorAndMask(const TBitmap& color, const TBitmap& mask);
 
-  /// Replaces the content. The alpha of a 32-bit colour bitmap counts, whatever its alpha mark
+  /// Replaces the content. The alpha of a 32-bit color bitmap counts, whatever its alpha mark
   /// says, when any of it is not 0; else the mask, as a 1-bit bitmap, says what is transparent: its
   /// ones. Both bitmaps stay with the caller. Throws
   /// RangeError, and keeps the icon as it was, when they are empty or differ in size.
@@ -33,9 +33,9 @@ class RASTERKIT_EXPORT TIcon : public TGraphic {
   int Height() const override { return color_.Height(); }
   const Raster* Rows() const override { return &color_.Content(); }
 
-  /// The colours with their alpha, 32-bit.
+  /// The colors with their alpha, 32-bit.
   const TBitmap& ColorBitmap() const { return color_; }
-  /// The mask that belongs to the colours, 1-bit: ones where the alpha is 0.
+  /// The mask that belongs to the colors, 1-bit: ones where the alpha is 0.
   std::unique_ptr<TBitmap> MaskBitmap() const;
 
   void LoadFromStream(TStream& stream) override;
@@ -46,7 +46,7 @@ class RASTERKIT_EXPORT TIcon : public TGraphic {
 
  protected:
   /// Any picture becomes an icon of its size: transparent where its defined alpha or its
-  /// transparent colour says so.
+  /// transparent color says so.
   void AssignFrom(const TGraphic& source) override;
   void Clear() override;
 

@@ -33,7 +33,7 @@ class RASTERKIT_EXPORT TJPEGImage : public TGraphic {
   /// an empty picture.
   void Compress();
 
-  /// True when the picture is grey (8-bit with a grey ramp).
+  /// True when the picture is gray (8-bit with a gray ramp).
   bool Grayscale() const;
 
   void LoadFromStream(TStream& stream) override;
@@ -41,12 +41,12 @@ class RASTERKIT_EXPORT TJPEGImage : public TGraphic {
   void SaveToStream(TStream& stream) override;
   void AssignToBitmap(TBitmap& target) const override;
 
-  /// The decoded picture: 8-bit grey or 24-bit. Transparency is this graphic's matter: ask here,
+  /// The decoded picture: 8-bit gray or 24-bit. Transparency is this graphic's matter: ask here,
   /// not there.
   const TBitmap& Bitmap() const;
 
  protected:
-  /// A JPEG picture's bytes and quality come along; an 8-bit picture with a grey ramp stays grey,
+  /// A JPEG picture's bytes and quality come along; an 8-bit picture with a gray ramp stays gray,
   /// everything else becomes 24-bit.
   void AssignFrom(const TGraphic& source) override;
   void Clear() override;

@@ -39,7 +39,7 @@ class RASTERKIT_EXPORT TMetafile : public TGraphic {
   /// one bitmap in it, and a Windows metafile becomes an EMF file that draws the same, record by
   /// record. Throws FormatError without records, LimitError for what the kind cannot hold.
   void SaveToStream(TStream& stream) override;
-  /// Draws into the rectangle of the canvas; what the records do not paint keeps its colour, and of
+  /// Draws into the rectangle of the canvas; what the records do not paint keeps its color, and of
   /// a 32-bit bitmap all of the rectangle gets alpha 255. Throws UnsupportedError where the drawing
   /// is in EMF+ records alone.
   void DrawTo(TCanvas& canvas, const TRect& place) const override;

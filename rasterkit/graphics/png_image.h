@@ -4,7 +4,7 @@
 
 namespace rasterkit {
 
-/// A PNG picture. What it loads says whether it is `Transparent`: by a tRNS chunk (its colour) or
+/// A PNG picture. What it loads says whether it is `Transparent`: by a tRNS chunk (its color) or
 /// by an alpha channel (white). Drawing blends the alpha channel.
 class RASTERKIT_EXPORT TPngImage : public TGraphic {
  public:
@@ -16,7 +16,7 @@ class RASTERKIT_EXPORT TPngImage : public TGraphic {
   const Raster* Rows() const override { return &Bitmap().Content(); }
 
   void LoadFromStream(TStream& stream) override;
-  /// A transparent picture without an alpha channel gets its colour as tRNS. Throws FormatError for
+  /// A transparent picture without an alpha channel gets its color as tRNS. Throws FormatError for
   /// an empty picture.
   void SaveToStream(TStream& stream) override;
   void AssignToBitmap(TBitmap& target) const override;

@@ -34,7 +34,7 @@ struct Sums {
     return rest;
   }
 
-  // The part of the squares that one colour for all the points explains.
+  // The part of the squares that one color for all the points explains.
   double Explained() const {
     if (weight == 0) return 0;
     double squares = 0;

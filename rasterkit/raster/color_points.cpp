@@ -7,10 +7,10 @@
 namespace rasterkit {
 namespace {
 
-// Up to this many colours are taken one by one.
+// Up to this many colors are taken one by one.
 constexpr size_t kManyColors = 16384;
 
-// About this many pixels tell what colours a picture has.
+// About this many pixels tell what colors a picture has.
 constexpr double kSamplePixels = 1 << 17;
 
 // Visits pixels of a net over the picture, all of a small one. Each of its rows begins elsewhere,
@@ -33,7 +33,7 @@ bool VisitPixels(const Raster& source, Visit visit) {
   return true;
 }
 
-// Distinct colours by open addressing, half full at most.
+// Distinct colors by open addressing, half full at most.
 class DistinctColors {
  public:
   DistinctColors() : slots_(kManyColors * 2, 0) {}
@@ -61,7 +61,7 @@ class DistinctColors {
   std::vector<ColorPoint> points;
 
  private:
-  std::vector<uint32_t> slots_;  // number of the colour plus 1; 0 is free
+  std::vector<uint32_t> slots_;  // number of the color plus 1; 0 is free
   std::vector<uint32_t> colors_;
   uint32_t lastColor_ = ~0u;
   size_t last_ = 0;

@@ -32,7 +32,7 @@ Raster ConvertToTrueColor(const Raster& source, TPixelFormat format) {
   return target;
 }
 
-// No pixel says which colours are wanted: the palette of a new picture.
+// No pixel says which colors are wanted: the palette of a new picture.
 Raster ConvertEmpty(const Raster& source, TPixelFormat format) {
   Raster target(format, source.Width(), source.Height());
   const HPALETTE palette = target.palette;

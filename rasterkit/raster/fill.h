@@ -22,7 +22,7 @@ PixelRect ClipRect(const PixelRect& rect, int width, int height);
 /// bits.
 std::span<const tagPALETTEENTRY> EntriesInReach(const Raster& raster);
 
-/// Fills the rectangle, clipped to the raster, with the colour 0x00BBGGRR: the nearest palette
+/// Fills the rectangle, clipped to the raster, with the color 0x00BBGGRR: the nearest palette
 /// entry of an indexed raster, alpha 255 of a 32-bit one. The row padding is left alone.
 RASTERKIT_EXPORT void FillRaster(Raster& raster, const PixelRect& rect, TColor color);
 

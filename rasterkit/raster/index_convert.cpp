@@ -62,7 +62,7 @@ struct ColorMap {
   std::vector<tagPALETTEENTRY> entries;
 };
 
-// Numbers the distinct colours of the used indexes in index order; nothing when there are more than
+// Numbers the distinct colors of the used indexes in index order; nothing when there are more than
 // `limit`.
 std::optional<ColorMap> MapColors(const IndexCounts& counts, const HPALETTE& palette,
                                   size_t limit) {
@@ -79,7 +79,7 @@ std::optional<ColorMap> MapColors(const IndexCounts& counts, const HPALETTE& pal
   return result;
 }
 
-// An adaptive palette for the colours of the palette, weighted by how many pixels bear them.
+// An adaptive palette for the colors of the palette, weighted by how many pixels bear them.
 ColorMap MapNearest(const IndexCounts& counts, const HPALETTE& palette, size_t limit) {
   std::vector<ColorPoint> points;
   for (int i = 0; i < 256; ++i) {
@@ -96,7 +96,7 @@ ColorMap MapNearest(const IndexCounts& counts, const HPALETTE& palette, size_t l
   return result;
 }
 
-// Puts the darker of two colours first; a single colour stands beside the opposite of black and
+// Puts the darker of two colors first; a single color stands beside the opposite of black and
 // white.
 void ArrangeTwoColors(ColorMap& colors) {
   std::vector<tagPALETTEENTRY>& entries = colors.entries;

@@ -10,7 +10,7 @@ using Candidate = kernels::CellCandidate;
 constexpr int kGroupSide = 16;
 constexpr int kGroupsASide = 256 / kGroupSide;
 
-// What the colours of most photographs need; memory that is not written to costs nothing.
+// What the colors of most photographs need; memory that is not written to costs nothing.
 constexpr size_t kUsualAnswers = size_t{1} << 22;
 
 constexpr int Square(int value) {
@@ -29,7 +29,7 @@ AxisRange DistanceToCube(int value, int low, int side) {
   return {Square(std::max(middle - (side - 1), 0) / 2), Square((middle + side - 1) / 2)};
 }
 
-// Appends those of `from` that can be nearest to a colour of a cube. A candidate is out when even
+// Appends those of `from` that can be nearest to a color of a cube. A candidate is out when even
 // its nearest point of the cube lies beyond the farthest point of another.
 void Append(std::span<const Candidate> from, int blue, int green, int red, int side,
             std::vector<Candidate>& to) {

@@ -11,12 +11,12 @@
 
 namespace rasterkit {
 
-/// Finds the nearest palette entry of many colours: the least sum of squared channel differences,
+/// Finds the nearest palette entry of many colors: the least sum of squared channel differences,
 /// the lowest index among equals, exactly as `NearestEntry`.
 ///
-/// The colour cube is cut into cells of 8 x 8 x 8 colours. A cell's first question settles all its
-/// colours: a picture asks for neighbours of a colour again and again. Only the few entries that
-/// can be nearest to a colour of the cell are compared; the many that cannot are ruled out for
+/// The color cube is cut into cells of 8 x 8 x 8 colors. A cell's first question settles all its
+/// colors: a picture asks for neighbors of a color again and again. Only the few entries that
+/// can be nearest to a color of the cell are compared; the many that cannot are ruled out for
 /// eight cells at once, then for the cell.
 class NearestColor {
  public:

@@ -41,12 +41,12 @@ class RASTERKIT_EXPORT HPALETTE {
   std::shared_ptr<const std::vector<tagPALETTEENTRY>> entries_;
 };
 
-/// What a new indexed bitmap has: 1-bit black, white; 4-bit the 16 standard colours; 8-bit 256
-/// entries (the 20 standard colours, 10 at either end, between them a colour cube and greys). Empty
+/// What a new indexed bitmap has: 1-bit black, white; 4-bit the 16 standard colors; 8-bit 256
+/// entries (the 20 standard colors, 10 at either end, between them a color cube and grays). Empty
 /// for other formats.
 RASTERKIT_EXPORT HPALETTE DefaultPalette(TPixelFormat format);
 
-/// `count` greys from black to white, 2 to 256.
+/// `count` grays from black to white, 2 to 256.
 RASTERKIT_EXPORT HPALETTE GrayPalette(int count);
 
 /// True when the palette is exactly the ramp (0,0,0), (1,1,1) ... (255,255,255).
@@ -55,11 +55,11 @@ RASTERKIT_EXPORT bool IsGrayRamp(const HPALETTE& palette);
 /// The palette as a full table: entries beyond it are black.
 RASTERKIT_EXPORT TColorTable PaletteTable(const HPALETTE& palette);
 
-/// Index of the entry nearest to the colour 0x00BBGGRR: least sum of squared channel differences,
+/// Index of the entry nearest to the color 0x00BBGGRR: least sum of squared channel differences,
 /// the lowest index among equals; 0 when there are no entries.
 RASTERKIT_EXPORT int NearestEntry(std::span<const tagPALETTEENTRY> entries, TColor color);
 
-/// An entry's colour, 0x00BBGGRR.
+/// An entry's color, 0x00BBGGRR.
 constexpr TColor EntryColor(const tagPALETTEENTRY& entry) {
   return RGB(entry.peRed, entry.peGreen, entry.peBlue);
 }

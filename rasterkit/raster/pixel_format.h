@@ -4,13 +4,13 @@
 
 namespace rasterkit {
 
-/// Colour 0x00BBGGRR, red in the low byte; a negative value names a system colour of the host.
+/// Color 0x00BBGGRR, red in the low byte; a negative value names a system color of the host.
 using TColor = int32_t;
 
 inline constexpr TColor clBlack = 0x000000;
 inline constexpr TColor clWhite = 0xFFFFFF;
 
-/// Packs a colour: r | g << 8 | b << 16.
+/// Packs a color: r | g << 8 | b << 16.
 constexpr TColor RGB(uint8_t r, uint8_t g, uint8_t b) {
   return static_cast<TColor>(r | (g << 8) | (b << 16));
 }

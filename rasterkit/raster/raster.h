@@ -41,7 +41,7 @@ class RASTERKIT_EXPORT Raster {
   Raster(Raster&& other) noexcept;
   Raster& operator=(Raster&& other) noexcept;
   Raster Clone() const;
-  /// Palette, resolution, profile, alpha mark and transparent colour of `other`; the rows stay.
+  /// Palette, resolution, profile, alpha mark and transparent color of `other`; the rows stay.
   void CopyProperties(const Raster& other);
 
   TPixelFormat Format() const { return format_; }
@@ -56,7 +56,7 @@ class RASTERKIT_EXPORT Raster {
   const uint8_t* Row(int y) const { return memory_.Data() + static_cast<size_t>(y) * stride_; }
   /// Zeroes the bits and bytes between the last pixel and the end of each row.
   void ClearPadding();
-  /// The colour 0x00BBGGRR of the pixel, through the palette where there is one; it must lie
+  /// The color 0x00BBGGRR of the pixel, through the palette where there is one; it must lie
   /// inside.
   TColor PixelColor(int x, int y) const;
 
@@ -64,7 +64,7 @@ class RASTERKIT_EXPORT Raster {
   Resolution resolution;
   ColorProfile profile;
   TAlphaFormat alphaFormat = afIgnored;
-  /// The colour that a file marks as transparent (a PNG's tRNS, white for one with an alpha
+  /// The color that a file marks as transparent (a PNG's tRNS, white for one with an alpha
   /// channel).
   std::optional<TColor> transparentColor;
 

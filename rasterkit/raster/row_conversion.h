@@ -6,7 +6,7 @@
 #include <rasterkit/raster/palette.h>
 #include <rasterkit/raster/pixel_format.h>
 
-/// Rows from any pixel format to the two true-colour layouts, and from 32-bit rows to the others.
+/// Rows from any pixel format to the two true-color layouts, and from 32-bit rows to the others.
 /// Conversions without a direct way go through one row of 32-bit pixels.
 namespace rasterkit {
 

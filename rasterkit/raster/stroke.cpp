@@ -58,7 +58,7 @@ struct PenRow {
   int first, count;
 };
 
-// The pixels of a square whose centres lie in the circle that touches its sides.
+// The pixels of a square whose centers lie in the circle that touches its sides.
 std::vector<PenRow> MakePen(int width) {
   std::vector<PenRow> rows;
   const auto squared = [](int64_t value) { return value * value; };

@@ -15,7 +15,7 @@ enum class PaintMode { copy, exclusiveOr };
 RASTERKIT_EXPORT void PaintRect(Raster& raster, const PixelRect& rect, TColor color,
                                 PaintMode mode);
 
-/// Draws the lines between neighbouring points, both ends included, with a round pen of `width`
+/// Draws the lines between neighboring points, both ends included, with a round pen of `width`
 /// pixels (below 1 counts as 1). Every pixel is painted once, however often lines cross it. The
 /// points may lie anywhere (coordinates beyond 2^28 count as 2^28); the time depends on the
 /// raster's size and the pen's width alone. Fewer than two points draw nothing.

@@ -63,7 +63,7 @@ FrameBitmap BitmapOfFrame(ImagingFrame frame, ReadMode mode) {
   HPALETTE palette = PaletteOf(frame, traits);
   Raster rows = TakeRows(frame.rows, traits.bits);
   rows.palette = std::move(palette);
-  // A colour that the file marks as transparent stays visible; only alpha counts.
+  // A color that the file marks as transparent stays visible; only alpha counts.
   rows.transparentColor.reset();
   auto bitmap = std::make_unique<TBitmap>(std::move(rows));
   bitmap->SetTransparent(traits.mark == FrameMark::alpha);

@@ -12,7 +12,7 @@ namespace rasterkit::detail {
 enum class ReadMode {
   /// Any frame becomes a bitmap; pixels that an alpha mark makes wholly transparent become white.
   picture,
-  /// Frames of colours give nothing, grids of numbers a bitmap with the numbers as they are.
+  /// Frames of colors give nothing, grids of numbers a bitmap with the numbers as they are.
   raster
 };
 
@@ -25,7 +25,7 @@ struct FrameBitmap {
 
 /// The rows of the frame move over as they are, with resolution, profile and whether alpha is
 /// defined. Indexed frames get their palette through `CreateColorPalette` (none: the one of a new
-/// bitmap), grey ones a ramp. Throws FormatError("Invalid image") when rows and pixel format of the
+/// bitmap), gray ones a ramp. Throws FormatError("Invalid image") when rows and pixel format of the
 /// frame disagree.
 FrameBitmap BitmapOfFrame(ImagingFrame frame, ReadMode mode);
 

@@ -11,7 +11,7 @@ namespace rasterkit {
 /// whatever the file is called, and saves as TIFF.
 ///
 /// A loaded picture is never `Transparent`: where its file has an alpha channel of 8 bits, pixels
-/// of alpha 0 become opaque white, and colours that a file only marks as transparent stay visible.
+/// of alpha 0 become opaque white, and colors that a file only marks as transparent stay visible.
 /// Grids keep their numbers: floats become the pixels of a pf32bit bitmap, words those of a pf16bit
 /// one (see ReadGeoTiffIntoBitmap). Streams carry the Windows bitmap form of the base class;
 /// whoever needs TIFF bytes goes through a file.

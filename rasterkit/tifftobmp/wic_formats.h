@@ -8,7 +8,7 @@ namespace rasterkit::detail {
 
 enum class FrameMark {
   none,
-  /// The palette is a grey ramp, not the codec's.
+  /// The palette is a gray ramp, not the codec's.
   gray,
   /// The bitmap is transparent at first.
   alpha

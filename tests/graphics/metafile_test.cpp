@@ -76,7 +76,7 @@ TEST(Metafile, Load_Should_SetTheMarkByContent) {
   EXPECT_FALSE(Loaded(HalfBlueWmf())->Enhanced());
 }
 
-TEST(Metafile, Size_Should_BePixelsAt96AndHundredthsOfAMillimetre) {
+TEST(Metafile, Size_Should_BePixelsAt96AndHundredthsOfAMillimeter) {
   for (const auto& bytes : {HalfBlueEmf(), HalfBlueWmf()}) {
     const auto metafile = Loaded(bytes);
     EXPECT_EQ(metafile->Width(), 96);
@@ -242,7 +242,7 @@ TEST(Metafile, Canvas_Should_MakeTheRectangleOpaque_When_TheBitmapHasAlpha) {
   }
 }
 
-TEST(Metafile, Canvas_Should_KeepIndexes_When_ColoursAreTheSame) {
+TEST(Metafile, Canvas_Should_KeepIndexes_When_ColorsAreTheSame) {
   Raster raster(pf8bit, 60, 40);
   const tagPALETTEENTRY entries[] = {{9, 9, 9, 0}, {9, 9, 9, 0}, {0, 0, 255, 0}, {9, 9, 9, 0}};
   raster.palette = HPALETTE(entries);

@@ -26,7 +26,7 @@ double MeanSquaredError(const Raster& a, const Raster& b) {
   return sum / (double{1} * a.Width() * a.Height());
 }
 
-// Error of the nearest colours of a fixed cube: 8 x 8 x 4 entries at 8 bits, 2 x 4 x 2 at 4 bits.
+// Error of the nearest colors of a fixed cube: 8 x 8 x 4 entries at 8 bits, 2 x 4 x 2 at 4 bits.
 double CubeError(const Raster& source, TPixelFormat format) {
   std::vector<tagPALETTEENTRY> cube;
   const int reds = format == pf8bit ? 8 : 2, greens = format == pf8bit ? 8 : 4;
@@ -61,7 +61,7 @@ TEST(Quantize, Should_BeExact_When_ColorsAreAsManyAsEntries) {
         EXPECT_EQ(result.palette.Count(), to == pf8bit ? 256 : 16);
         EXPECT_TRUE(test::PaddingIsZero(result));
         if (colors <= result.palette.Count()) {
-          EXPECT_TRUE(test::SameColors(source, result)) << colors << " colours";
+          EXPECT_TRUE(test::SameColors(source, result)) << colors << " colors";
         }
       }
     }
@@ -118,7 +118,7 @@ TEST(Quantize, Should_UseEveryEntry_When_ColorsAreJustTooMany) {
 }
 
 TEST(Quantize, Should_StaySmooth_When_PictureIsAGradientOfCloseColors) {
-  // 512 colours that differ by single steps: coarse boxes alone would make bands of eight.
+  // 512 colors that differ by single steps: coarse boxes alone would make bands of eight.
   Raster source(pf24bit, 512, 3);
   for (int y = 0; y < 3; ++y) {
     for (int x = 0; x < 512; ++x) {

@@ -74,7 +74,7 @@ inline Raster DrawBy(const Raster& target, const Raster& source, const SourceOf&
   return result;
 }
 
-/// The source position under the centre of a target position. `start` to `end` shows `partStart` to
+/// The source position under the center of a target position. `start` to `end` shows `partStart` to
 /// `partEnd`; a picture mirrored is the mirror image of the plain one.
 inline std::optional<int> PartPosition(int target, int start, int end, int partStart, int partEnd) {
   const int64_t low = std::min(start, end), high = std::max(start, end);
@@ -100,7 +100,7 @@ inline int64_t FloorOf(int64_t a, int64_t b) {
   return a / b - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0);
 }
 
-/// The parallelogram by Cramer's rule, all in doubled coordinates so that centres are whole. The
+/// The parallelogram by Cramer's rule, all in doubled coordinates so that centers are whole. The
 /// part must not be mirrored.
 inline Raster DrawParallelogram(const Raster& target, const std::array<PixelPoint, 3>& corners,
                                 const Raster& source, const PixelRect& part) {

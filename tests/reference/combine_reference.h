@@ -41,7 +41,7 @@ inline Raster CombineBitmapsTransparent(TBitmap& target, TBitmap& source, uint8_
 }
 
 /// A picture of the new size. The palette stays with its indexes; 32-bit pictures keep their alpha,
-/// by which their colours are weighted.
+/// by which their colors are weighted.
 inline Raster ResizeBitmap(const TBitmap& bitmap, int width, int height, bool keepFormat) {
   const TPixelFormat format = keepFormat ? bitmap.PixelFormat() : pf32bit;
   Raster resized(format, width, height);

@@ -56,7 +56,7 @@ inline uint8_t TiffByte(long double share) {
   return static_cast<uint8_t>(std::floor(share * 255 + 0.5L));
 }
 
-/// B, G, R, A of a pixel of grey, RGB, inks or a palette; alpha 255 without an alpha sample.
+/// B, G, R, A of a pixel of gray, RGB, inks or a palette; alpha 255 without an alpha sample.
 /// `number` tells the value of each of its samples.
 template <typename Number>
 std::array<uint8_t, 4> TiffPixel(const TiffMeaning& meaning, const Number& number) {

@@ -126,7 +126,7 @@ TEST_F(GeoTiffPeer, Tiffinfo_Should_HaveNothingToComplainAbout) {
   }
 }
 
-/// The colours of every pixel, four bytes R G B A each.
+/// The colors of every pixel, four bytes R G B A each.
 std::string Colors(const Raster& raster) {
   std::string bytes;
   for (int y = 0; y < raster.Height(); y++) {

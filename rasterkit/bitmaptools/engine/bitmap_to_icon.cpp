@@ -15,7 +15,7 @@ TBitmap NewBitmap(TPixelFormat format, int width, int height) {
   return bitmap;
 }
 
-/// Pixels of the key colour become clear white, all others opaque.
+/// Pixels of the key color become clear white, all others opaque.
 void MakeClear(TBitmap& bitmap, TColor key) {
   constexpr uint32_t kColor = 0x00FFFFFF;
   uint8_t red, green, blue;

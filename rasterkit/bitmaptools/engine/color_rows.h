@@ -15,7 +15,7 @@ std::array<uint8_t, 256> ContrastTable(int32_t percent);
 /// What darkening (percent below 0) makes of each channel value.
 std::array<uint8_t, 256> DarkenTable(int32_t percent);
 
-/// One colour, red first, brightened or darkened by -100 to 100 percent.
+/// One color, red first, brightened or darkened by -100 to 100 percent.
 void BrightenColor(int32_t percent, uint8_t& red, uint8_t& green, uint8_t& blue);
 
 /// False for black and for white; a red of 254 counts as white already, while green and blue must
@@ -25,7 +25,7 @@ constexpr bool IsNotBlackOrWhite(uint8_t red, uint8_t green, uint8_t blue) {
   return red != 0 || green != 0 || blue != 0;
 }
 
-/// Which colours of a row stay as they are.
+/// Which colors of a row stay as they are.
 enum class Spared { none, blackAndWhite };
 
 /// Changes rows `first` to `last` of a pf24bit bitmap. Throws RangeError when the last row does not

@@ -14,7 +14,7 @@ class TPixelThread;
 
 namespace detail {
 
-/// The colours that a worker sees in the rows of any source, as pixels B G R, and which of them are
+/// The colors that a worker sees in the rows of any source, as pixels B G R, and which of them are
 /// white. A row that comes again (as most do when a picture grows) is not looked at twice.
 class ColorSource {
  public:

@@ -31,7 +31,7 @@ kernels::MixWeights TransparentWeights(float weight) {
   return kernels::MakeMixWeights(kept, 1.0 - static_cast<double>(weight), added, weight);
 }
 
-/// What each grey value of the target shades the source with.
+/// What each gray value of the target shades the source with.
 kernels::ByteTable GrayShades(float factor, float weight) {
   kernels::ByteTable shades;
   for (int i = 0; i < 256; ++i) {
@@ -88,7 +88,7 @@ class ColorPartTransfer : public RowTransfer {
       kernels::ShadeRow(target, ground, colors, keep, 3 * width);
   }
 
-  /// What the source is mixed with: the target's colours, or what its brightened colours or grey
+  /// What the source is mixed with: the target's colors, or what its brightened colors or gray
   /// values are.
   const uint8_t* Ground(const uint8_t* target, size_t width) {
     if (!useGray_) {
@@ -176,7 +176,7 @@ class PixelCopy : public RowTransfer {
 std::unique_ptr<RowTransfer> MakeColorTransfer(const TPixelThread& worker, const ColumnRun& run) {
   if (worker.PixTakeOver) return std::make_unique<PixelCopy>(worker, run);
   if (worker.FPixelTask != ptAssignPart) return nullptr;
-  // Between true-colour formats this writes the source.
+  // Between true-color formats this writes the source.
   const bool isMono = worker.nSrcBytes == 0 && worker.nSrcBit != 4;
   if (worker.FPixelMode == pmOverwrite && !isMono) return nullptr;
   return std::make_unique<ColorPartTransfer>(worker, run);

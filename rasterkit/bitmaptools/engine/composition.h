@@ -46,21 +46,21 @@ RASTERKIT_EXPORT void CombineGeoResFix(TBitmap* target, TBitmap* source, int32_t
                                        TProgressEvent AProgress);
 
 /// Makes the clear pixels of a pf32bit bitmap opaque and all others clear: alpha 0 becomes 255, any
-/// other alpha 0. The colours stay. Other formats stay as they are.
+/// other alpha 0. The colors stay. Other formats stay as they are.
 RASTERKIT_EXPORT void SwapAlpha(TBitmap* bitmap);
 
 /// A new pf24bit copy of the graphic with the watermark pressed into it, stretched over the whole
 /// picture (nearest pixel toward the top left).
 ///
 /// The watermark is converted to pf8bit for good; the red of a pixel's palette entry is its
-/// strength: 250 and more leave the picture as it is, below that dark pixels (grey up to 127) are
+/// strength: 250 and more leave the picture as it is, below that dark pixels (gray up to 127) are
 /// pulled toward white and light ones darkened, the more the darker the watermark. A watermark of
 /// zero size leaves no mark.
 RASTERKIT_EXPORT std::unique_ptr<TBitmap> WaterMarkedBitmap(const TGraphic& graphic,
                                                             TBitmap& watermark);
 
 /// Makes an icon of the bitmap, or of its left half (the picture of a button strip: width div 2).
-/// The colour of the top-left pixel is the key: pixels of that colour become clear, all others
+/// The color of the top-left pixel is the key: pixels of that color become clear, all others
 /// opaque. A picture of zero size leaves the icon as it was, and so does one of which no icon can
 /// be made: then it throws what the making of the icon throws.
 RASTERKIT_EXPORT void CopyBitmapToIcon(TBitmap* bitmap, TIcon& icon, bool leftHalfOnly);
@@ -71,13 +71,13 @@ RASTERKIT_EXPORT void CopyBitmapToIcon(TBitmap* bitmap, TIcon& icon, bool leftHa
 RASTERKIT_EXPORT void SwapBitmap(bool horizontal, TBitmap* bitmap);
 
 /// Replaces the bitmap by one of the new size in pixels, stretched: pf24bit and pf32bit results by
-/// area average when shrinking and bilinear when growing (32-bit colours weighted by their alpha),
+/// area average when shrinking and bilinear when growing (32-bit colors weighted by their alpha),
 /// others by the nearest pixel.
 ///
 /// The result has the old format, palette included, when `keepFormat` is set, else it is pf32bit;
 /// alpha stays where both have 32 bits. Everything else is as in a new bitmap: not `Transparent`,
 /// transparent mode automatic, no resolution, no profile. Where the old bitmap is `Transparent`
-/// without an alpha channel, pixels of its transparent colour become white (as far as the palette
+/// without an alpha channel, pixels of its transparent color become white (as far as the palette
 /// has it) and the others are the nearest pixels: clear the mark first to resize it as a plain
 /// picture. An empty bitmap becomes white area.
 /// Throws RangeError for a negative size and LimitError without memory; the old bitmap is then
@@ -86,8 +86,8 @@ RASTERKIT_EXPORT void ResizeBitmap(std::unique_ptr<TBitmap>& bitmap, int32_t new
                                    int32_t newHeight, bool keepFormat);
 
 /// True when both bitmaps would be saved to streams as the same bytes: size, stored format,
-/// palette, resolution in pixels per metre and every stored pixel count, not only what is seen.
-/// The colour profile does not, nor an alpha byte that is ignored.
+/// palette, resolution in pixels per meter and every stored pixel count, not only what is seen.
+/// The color profile does not, nor an alpha byte that is ignored.
 RASTERKIT_EXPORT bool BitmapsAreSame(const TBitmap& a, const TBitmap& b);
 
 }  // namespace rasterkit

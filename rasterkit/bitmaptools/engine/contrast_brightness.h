@@ -13,7 +13,7 @@
 ///
 /// Palettes and the single thread leave black (0, 0, 0) and white ((254 or 255, 255, 255), red
 /// first) as they are; several threads change every pixel. Null and empty bitmaps stay as they are.
-/// True-colour bitmaps with too few rows for the threads, and thread counts below 1, become pf24bit
+/// True-color bitmaps with too few rows for the threads, and thread counts below 1, become pf24bit
 /// and throw DivisionByZeroError, as in TManageThreads.
 ///
 /// Workers do not count rows, so `AProgress`, which is used above 1000 rows and by several threads
@@ -21,14 +21,14 @@
 /// thread.
 namespace rasterkit {
 
-/// Moves each channel away from 128 by `Value` percent (towards it below 0, beyond it below -100),
+/// Moves each channel away from 128 by `Value` percent (toward it below 0, beyond it below -100),
 /// halves to even, cut to 0 to 255. Any value is taken.
 RASTERKIT_EXPORT void Kontrast(TBitmap* Bitmap, int32_t Value, int32_t ThreadsCount,
                                TProgressEvent AProgress);
 
 /// Darkens (`Value` -100 to -1) by scaling each channel, or brightens (1 to 100) by scaling it and
-/// adding a share of the distance of the colour's grey value from white, cut at 255, so that dark
-/// colours gain more than light ones. Other values change nothing.
+/// adding a share of the distance of the color's gray value from white, cut at 255, so that dark
+/// colors gain more than light ones. Other values change nothing.
 RASTERKIT_EXPORT void Helligkeit(TBitmap* Bitmap, int32_t Value, int32_t ThreadsCount,
                                  TProgressEvent AProgress);
 

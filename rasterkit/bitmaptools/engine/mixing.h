@@ -25,7 +25,7 @@ inline float TransparentWeight(int32_t percent) {
   return static_cast<float>(1.0 - percent / 100.0);
 }
 
-/// What a colour of this grey value gains in each channel.
+/// What a color of this gray value gains in each channel.
 inline int64_t BrightnessGain(uint8_t gray, float weight) {
   return Trunc((255 - gray) * static_cast<double>(weight));
 }

@@ -24,7 +24,7 @@ enum TPixelTask : uint8_t { ptBrighten, ptContrast, ptAssignInWhite, ptAssignPar
 /// copy of the manager's pixel-format facts, and writes the rows of its band of the target alone.
 ///
 /// Made suspended by a driver on the calling thread, set up by its `Init...` routines, and handed
-/// to `StartAndFree`; its end is counted by the manager's `ThreadDone`. The transparent colour of
+/// to `StartAndFree`; its end is counted by the manager's `ThreadDone`. The transparent color of
 /// the target is read when the worker is made, so all workers of one operation are made before the
 /// first one starts. After its work it calls the manager's `ProgressTimer` once when there is a
 /// timer. A band that reaches beyond the last row is done as far as the rows go.
@@ -40,7 +40,7 @@ class RASTERKIT_EXPORT TPixelThread : public TThread {
   TPixelThread(TManageThreads& ManageThreads, int32_t iThread, TPixelTask APixelTask);
   ~TPixelThread() override;
 
-  /// Mode, percentage (any number) and grey variant of a transfer. Bitmaps of the same format are
+  /// Mode, percentage (any number) and gray variant of a transfer. Bitmaps of the same format are
   /// copied pixel by pixel in `pmOverwrite`, indexed ones of up to 4 bits in every mode.
   void InitPixelMode(TPixelMode APixMode, int32_t AProzent, bool AUseGray);
   /// The rectangles of a transfer, whose ratio is the scale; the target's must not be of zero size.
@@ -60,10 +60,10 @@ class RASTERKIT_EXPORT TPixelThread : public TThread {
   /// Makes pixels of a 32-bit source count as white where their alpha is above 0. No routine sets
   /// it.
   bool UseAlpha = false;
-  /// The grey variant of a mode; in ptAssignInWhite: white means near-white, not the transparent
-  /// colour.
+  /// The gray variant of a mode; in ptAssignInWhite: white means near-white, not the transparent
+  /// color.
   bool UseGray = false;
-  /// A colour is near-white when all its channels are above this.
+  /// A color is near-white when all its channels are above this.
   int32_t FromGrayVal = 250;
   int32_t nSrcBytes, nSrcBit, nTarBytes, nTarBit;
   /// Pixels are copied in their own format instead of being mixed.
@@ -94,7 +94,7 @@ class RASTERKIT_EXPORT TPixelThread : public TThread {
   int32_t TarBlack, TarWhite;
   uint8_t TarLeft = 0, TarRight = 0, SrcLeft = 0, SrcRight = 0;
   int32_t SrcWhite, SrcLastWhite;
-  /// The target's transparent colour.
+  /// The target's transparent color.
   uint8_t transR = 0, TransG = 0, transB = 0;
 
  protected:

@@ -27,18 +27,18 @@
 namespace rasterkit {
 
 /// Copies every source pixel that is not white: the palette's first or last pure white entry in a
-/// pf4bit source, a set bit in a pf1bit one, else a colour with all channels above 250.
+/// pf4bit source, a set bit in a pf1bit one, else a color with all channels above 250.
 ///
 /// - Same formats and pmOverwrite (up to 8 bits every mode): the pixel is copied, alpha included;
 ///   8-bit indexes are mapped to the nearest palette entry; a pf1bit pixel clears the target's, and
 ///   pf4bit rows are treated by the same rule, bit by bit.
-/// - Otherwise an indexed target gets its black, a true-colour target black from a pf1bit source
-///   and a mix of both colours from all others; alpha stays.
-/// - pmTransparent: `Prozent` percent of the target (or of its grey value, with `UseGray`) plus the
+/// - Otherwise an indexed target gets its black, a true-color target black from a pf1bit source
+///   and a mix of both colors from all others; alpha stays.
+/// - pmTransparent: `Prozent` percent of the target (or of its gray value, with `UseGray`) plus the
 ///   rest of the source. Outside 0 to 100 the sums keep their low byte.
 /// - pmShadow: the target, brightened by `Prozent` percent, shades the source channel by channel
-///   (with `UseGray`: by its grey value).
-/// - pmOverwrite between pf24bit and pf32bit copies the wrong way: the target's colour into the
+///   (with `UseGray`: by its gray value).
+/// - pmOverwrite between pf24bit and pf32bit copies the wrong way: the target's color into the
 ///   source, and the target stays.
 ///
 /// The rows worked on are those from 0 to the height of `TarRect`, wherever its top is: rows above
@@ -51,7 +51,7 @@ RASTERKIT_EXPORT void AssignPartBitmap(TBitmap* TarBmp, TBitmap* SrcBmp, const T
 
 /// Copies source pixels only to where the target shows nothing.
 ///
-/// That is: pixels of exactly the transparent colour when the target is `Transparent` and
+/// That is: pixels of exactly the transparent color when the target is `Transparent` and
 /// `TransLimit` is 255, else pixels with all channels above 250 (`TransLimit` does nothing else);
 /// set bits of a pf1bit target; in a pf4bit target pairs of pixels of which the first has index 0.
 /// Same formats are copied (8-bit: mapped to the nearest entry; pf1bit: clear bits only; pf4bit:

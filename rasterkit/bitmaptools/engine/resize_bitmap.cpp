@@ -17,8 +17,8 @@ bool IsAveraged(TPixelFormat format) {
   return format == pf24bit || format == pf32bit;
 }
 
-/// Pixels of its transparent colour are not drawn. Where the alpha tells what is seen, it is copied
-/// and the colour does not count.
+/// Pixels of its transparent color are not drawn. Where the alpha tells what is seen, it is copied
+/// and the color does not count.
 bool HasHoles(const TBitmap& bitmap) {
   const bool hasAlpha = bitmap.StoredBits() == 32 && bitmap.AlphaFormat() == afDefined;
   return bitmap.Transparent() && !hasAlpha;

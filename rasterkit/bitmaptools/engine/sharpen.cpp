@@ -14,7 +14,7 @@ constexpr size_t kPixel = sizeof(RGBrec);
 
 using PaddedRow = std::vector<uint8_t>;
 
-/// A row with its outer pixels repeated, so that every pixel has neighbours.
+/// A row with its outer pixels repeated, so that every pixel has neighbors.
 void CopyPadded(const TBitmap& bitmap, int y, PaddedRow& row) {
   const uint8_t* const source = bitmap.ScanLine(std::clamp(y, 0, bitmap.Height() - 1));
   const size_t bytes = bitmap.Content().RowBytes();

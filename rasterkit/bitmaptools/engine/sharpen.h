@@ -12,7 +12,7 @@ class TBitmap;
 /// numbers beyond count as 100 and -100. Bitmaps of other formats become pf24bit first.
 ///
 /// Each channel moves away from the mean of the 3 x 3 pixels around it by twice the percentage of
-/// its distance, or towards it by the percentage. A pixel whose eight neighbours all differ from it
+/// its distance, or toward it by the percentage. A pixel whose eight neighbors all differ from it
 /// by less than 4 levels in every channel is left alone. Rows and columns beyond the edge count as
 /// the edge. So a part of a picture that has one pixel more on each side (where there is one) gets
 /// the same pixels as the whole. Null and empty bitmaps stay as they are.

@@ -193,7 +193,7 @@ void TransferRules::Combine(int32_t x) {
   if (w_.nSrcBytes >= 3) return MixInto(x, SourceColor());
   if (!isPart) return;
   if (w_.nSrcBytes == 1 || w_.nSrcBit == 4) {
-    // Without a pixel of that colour there is nothing to overwrite.
+    // Without a pixel of that color there is nothing to overwrite.
     if (w_.FPixelMode != pmOverwrite) MixInto(x, SourceEntry());
     return;
   }

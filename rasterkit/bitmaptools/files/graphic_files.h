@@ -62,7 +62,7 @@ RASTERKIT_EXPORT std::unique_ptr<TGraphic> ConvertBitmap(TBitmap& bitmap, int ty
                                                          int quality);
 
 /// A new bitmap with the graphic's picture; 10 x 10 and blank for null. A transparent PNG is drawn
-/// onto white in 24 bits, and the bitmap is transparent in the PNG's transparent colour.
+/// onto white in 24 bits, and the bitmap is transparent in the PNG's transparent color.
 RASTERKIT_EXPORT std::unique_ptr<TBitmap> GraphicIntoBitmap(const TGraphic* graphic);
 
 namespace detail {

@@ -5,7 +5,7 @@
 #include <rasterkit/runtime/export.h>
 
 /// The two ready-made file dialogs. They run through the port `pictureFileDialog`; without it they
-/// are cancelled.
+/// are canceled.
 namespace rasterkit {
 
 /// Which files BitmapOpenDialog offers: all kinds, all but metafiles, or those for a map's

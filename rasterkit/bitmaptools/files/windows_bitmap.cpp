@@ -42,7 +42,7 @@ std::unique_ptr<TBitmap> IntoBitmap(std::unique_ptr<TGraphic> graphic) {
   return bitmap;
 }
 
-/// Hosts draw 8-bit bitmaps with white as paper, and handle palettes of 16 or 256 colours.
+/// Hosts draw 8-bit bitmaps with white as paper, and handle palettes of 16 or 256 colors.
 void CleanPalette(TBitmap& bitmap) {
   if (bitmap.PixelFormat() != pf8bit) return;
   if (bitmap.Transparent() && bitmap.TransparentColor() != clWhite) bitmap.SetTransparent(false);

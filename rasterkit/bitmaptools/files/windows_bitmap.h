@@ -16,8 +16,8 @@ namespace rasterkit {
 /// success the caller owns the new bitmap; else it is null.
 ///
 /// - A Windows bitmap comes as it is; a TIFF (or what is called so) through `LoadViaWic`.
-/// - Of other kinds, an 8-bit bitmap is transparent only where its transparent colour is white, and
-///   a palette of 17 to 255 colours is filled up to 256 with black.
+/// - Of other kinds, an 8-bit bitmap is transparent only where its transparent color is white, and
+///   a palette of 17 to 255 colors is filled up to 256 with black.
 /// - Metafiles are not read: the bitmap is empty (ask `CanLoadBitmap` first).
 ///
 /// False when there is no such file, its extension is unknown, or no codec reads the TIFF. What is

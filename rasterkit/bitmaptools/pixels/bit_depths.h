@@ -10,8 +10,8 @@ class TBitmap;
 namespace detail {
 
 /// Splits a byte of two 4-bit pixels. Both outputs carry the high nibble, so that on a 4-bit bitmap
-/// odd pixels read as their even neighbour; every reader and writer of single 4-bit pixels shares
-/// this behaviour.
+/// odd pixels read as their even neighbor; every reader and writer of single 4-bit pixels shares
+/// this behavior.
 inline void SplitNibbles(uint8_t value, uint8_t& high, uint8_t& low) {
   high = value >> 4;
   low = value >> 4;

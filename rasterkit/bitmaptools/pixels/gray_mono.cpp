@@ -23,7 +23,7 @@ TBitmap WithoutPixels(const TBitmap& bitmap, TPixelFormat format) {
   return fresh;
 }
 
-/// Calls `rowOf24` or `rowOf32(row, y)` for every row: colours as they are in true-colour bitmaps,
+/// Calls `rowOf24` or `rowOf32(row, y)` for every row: colors as they are in true-color bitmaps,
 /// else converted to 24 bits row by row.
 template <class RowOf24, class RowOf32>
 void ReadColors(const TBitmap& bitmap, RowOf24 rowOf24, RowOf32 rowOf32) {

@@ -4,7 +4,7 @@
 
 #include <rasterkit/runtime/export.h>
 
-/// Bitmaps made grey, or black and white. Everything runs on the thread that owns the bitmap and
+/// Bitmaps made gray, or black and white. Everything runs on the thread that owns the bitmap and
 /// changes it in place; transparency, resolution and profile stay. A bitmap that is absent (null)
 /// is left alone. Throws LimitError, with the bitmap unchanged, where the new rows exceed the
 /// memory budget.
@@ -12,7 +12,7 @@ namespace rasterkit {
 
 class TBitmap;
 
-/// Turns a bitmap of any format into a pf1bit one of two colours: pixels whose grey value is below
+/// Turns a bitmap of any format into a pf1bit one of two colors: pixels whose gray value is below
 /// `threshold` get the first, all others the second. At 0 and less every pixel gets the second,
 /// above 255 the first.
 ///
@@ -25,12 +25,12 @@ RASTERKIT_EXPORT void ColorBmpTo1Bit(TBitmap* bitmap, int32_t threshold, int32_t
 /// `ColorBmpTo1Bit` in black (below the threshold) and white.
 RASTERKIT_EXPORT void ColorBmpToSW(TBitmap* bitmap, int32_t threshold);
 
-/// Makes a bitmap grey.
+/// Makes a bitmap gray.
 ///
 /// A pf24bit bitmap keeps its format if `keepTrueColor` is set: each pixel's channels become its
-/// grey value. A palette of 16 or 256 entries is made grey, while every pixel keeps its index (see
+/// gray value. A palette of 16 or 256 entries is made gray, while every pixel keeps its index (see
 /// `ChangePalColors` for what is kept of a row where palette and format disagree). Every other
-/// bitmap becomes a pf8bit one with the 256 greys as its palette, each pixel the index of its grey
+/// bitmap becomes a pf8bit one with the 256 grays as its palette, each pixel the index of its gray
 /// value; alpha is dropped.
 RASTERKIT_EXPORT void BitmapToGray(TBitmap* bitmap, bool keepTrueColor);
 

@@ -4,12 +4,12 @@
 
 #include <rasterkit/raster/palette.h>
 
-/// Work on tables of palette entries that only this room and its neighbours need. `count` says how
+/// Work on tables of palette entries that only this room and its neighbors need. `count` says how
 /// many entries of a table are valid; more than 256 counts as 256.
 namespace rasterkit::detail {
 
 /// As `CreateColorPalette`, but with count + 1 entries and no rounding up; the last one is the
-/// given colour. Makes room for a background colour in a palette that is not full, so `count` is
+/// given color. Makes room for a background color in a palette that is not full, so `count` is
 /// cut to 0 to 255.
 HPALETTE CreatePaletteWithColor(const TColorTable& entries, int32_t count, uint8_t red,
                                 uint8_t green, uint8_t blue);

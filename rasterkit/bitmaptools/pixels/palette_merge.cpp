@@ -21,8 +21,8 @@ class CommonPalette {
  public:
   CommonPalette() { slots_.fill(kFree); }
 
-  /// Finds an entry for a colour that a bitmap has at `index`; false when all are taken by other
-  /// colours.
+  /// Finds an entry for a color that a bitmap has at `index`; false when all are taken by other
+  /// colors.
   bool Take(TColor color, uint8_t index) {
     if (slots_[index] == kFree) slots_[index] = color;
     if (slots_[index] == color || Holds(color)) return true;
@@ -32,7 +32,7 @@ class CommonPalette {
     return true;
   }
 
-  /// The colours; a free entry is a system colour to `GetRGB` and so becomes black.
+  /// The colors; a free entry is a system color to `GetRGB` and so becomes black.
   std::unique_ptr<TColorTable> Table() const {
     auto table = std::make_unique<TColorTable>();
     for (size_t i = 0; i < slots_.size(); ++i) {

@@ -32,18 +32,18 @@ RASTERKIT_EXPORT int32_t GetPaletteColors(const HPALETTE& palette,
 /// 16 entries loses its right half.
 RASTERKIT_EXPORT void ChangePalColors(TBitmap& bitmap, const TColorTable& entries, int32_t count);
 
-/// Gives the palette entry that the top-left pixel uses a new colour. A system colour is resolved
+/// Gives the palette entry that the top-left pixel uses a new color. A system color is resolved
 /// by the host. Other formats than pf4bit and pf8bit, empty bitmaps and an index beyond the palette
 /// change nothing.
 RASTERKIT_EXPORT void ChgFirstPixCol(TBitmap& bitmap, TColor color);
 
 /// The palette index of a pixel of a pf4bit or pf8bit bitmap; 0 for other formats and for an empty
-/// bitmap. An odd pixel of a pf4bit bitmap reads as its even neighbour.
+/// bitmap. An odd pixel of a pf4bit bitmap reads as its even neighbor.
 RASTERKIT_EXPORT uint8_t GetPalColor(int32_t x, int32_t y, const TBitmap& bitmap);
 
 /// Writes the palette index of a pixel of a pf4bit or pf8bit bitmap; other formats stay unchanged.
 ///
-/// On pf4bit, writing an even pixel also gives its odd neighbour the old even value, and writing an
+/// On pf4bit, writing an even pixel also gives its odd neighbor the old even value, and writing an
 /// odd pixel leaves the even one as it is; an index above 15 is not masked and spills into the even
 /// pixel.
 RASTERKIT_EXPORT void SetPalColor(int32_t x, int32_t y, TBitmap& bitmap, uint8_t index);

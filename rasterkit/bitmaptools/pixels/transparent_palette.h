@@ -10,7 +10,7 @@ class TBitmap;
 /// palettes of exactly 16 or 256 entries are handled.
 namespace detail {
 
-/// Gives pixels whose entry's grey is above `threshold` the index of white, which replaces the
+/// Gives pixels whose entry's gray is above `threshold` the index of white, which replaces the
 /// brightest entry where the palette has none.
 void SetPaletteToTransparent(TBitmap& bitmap, uint8_t threshold);
 

@@ -5,7 +5,7 @@
 
 /// Whole-pixel turns and mirrors of any pixel format: nothing is interpolated, lost or added.
 /// Format, palette, profile and alpha mark stay; a resolution is exchanged with the sides. What was
-/// transparent stays transparent: an automatic transparent colour, which would follow another
+/// transparent stays transparent: an automatic transparent color, which would follow another
 /// corner pixel, becomes the fixed one it was.
 namespace rasterkit {
 

@@ -9,7 +9,7 @@ namespace rasterkit {
 
 class TBitmap;
 
-/// Turns a bitmap counter-clockwise by any angle about its centre, nearest pixel, and replaces it
+/// Turns a bitmap counter-clockwise by any angle about its center, nearest pixel, and replaces it
 /// by the turned one, whose size is the bounding box.
 ///
 /// - `Angle` in degrees. It is brought to -0.01 to 360.01 by whole turns; within 0.01 of none or a
@@ -21,7 +21,7 @@ class TBitmap;
 ///   first row, at 270 the first column, at 180 both are background.
 /// - `BkColor` fills the corners. With -1 it is near-white, (254, 255, 255), which is added to a
 ///   palette with room for it (a 1-bit bitmap becomes 4-bit first); a full palette gives its
-///   largest colour number below white. The result is then transparent in that colour.
+///   largest color number below white. The result is then transparent in that color.
 /// - `ThreadsCount` workers, clamped to 1 to 100; one means the calling thread, whose queue is kept
 ///   alive. Fewer rows than an eighth of the threads or so fail (see TManageThreads).
 /// - `Bmp2` is accepted and not used.

@@ -6,12 +6,12 @@
 
 namespace rasterkit::detail {
 
-/// Rows of means of 32-bit pixels, the colours weighted by alpha.
+/// Rows of means of 32-bit pixels, the colors weighted by alpha.
 class AlphaMeans {
  public:
   virtual ~AlphaMeans() = default;
   /// Makes the target row of the tap `rows`: one pixel for each tap of the columns. Where the alpha
-  /// of everything that a pixel takes is 0 its colours are plain means.
+  /// of everything that a pixel takes is 0 its colors are plain means.
   virtual void Make(const kernels::HalftoneTap& rows, RGBArec* target) = 0;
 };
 

@@ -5,9 +5,9 @@
 
 namespace rasterkit::detail {
 
-/// Which way a centre that falls exactly between two source pixels goes when the picture is
+/// Which way a center that falls exactly between two source pixels goes when the picture is
 /// mirrored: `image` makes the mirrored picture the mirror image of the plain one, `floor` takes
-/// the pixel to the right of (or below) the mapped centre, as in the plain one.
+/// the pixel to the right of (or below) the mapped center, as in the plain one.
 enum class MirroredTie { image, floor };
 
 /// One axis of a stretch. `start` to `end` on the target (the end lies outside; before the start it
@@ -17,7 +17,7 @@ struct AxisSpan {
   int partStart = 0, partEnd = 0;
 };
 
-/// For the target positions `first`, `first + 1` and so on: the source position under each centre.
+/// For the target positions `first`, `first + 1` and so on: the source position under each center.
 /// Only positions inside both pictures are there.
 struct AxisPositions {
   int first = 0;

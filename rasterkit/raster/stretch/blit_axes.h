@@ -20,7 +20,7 @@ BlitAxes MapAxes(const Raster& target, const PixelRect& place, const Raster& sou
 /// Draws source pixel (columns[x], rows[y]) onto target pixel (x, y), for all that the axes name.
 void BlitByAxes(Raster& target, const BlitAxes& axes, const Raster& source, const PixelRule& rule);
 
-/// Whether an index means the same colour in both: one indexed format, one palette.
+/// Whether an index means the same color in both: one indexed format, one palette.
 bool SameIndexes(const Raster& target, const Raster& source);
 
 /// Blended by a defined alpha channel, else opaque, without the key where there is one.

@@ -110,7 +110,7 @@ class SummedMeans : public RowMeans {
 };
 
 /// No axis shrinks: each source row is stretched once, and lies there for all target rows between
-/// it and its neighbour.
+/// it and its neighbor.
 class GrownMeans : public RowMeans {
  public:
   GrownMeans(const Raster& source, const HalftoneAxes& axes)
@@ -137,7 +137,7 @@ class GrownMeans : public RowMeans {
     std::vector<uint16_t> sums;
   };
 
-  /// Neighbouring rows never need the same place.
+  /// Neighboring rows never need the same place.
   const uint16_t* RowSums(int y) {
     StretchedRow& row = rows_[static_cast<size_t>(y % 2)];
     if (row.y != y) {

@@ -20,7 +20,7 @@ inline uint32_t TapWeight(const kernels::HalftoneTap& tap, int i, uint32_t inner
   return i + 1 < tap.count ? innerWeight : tap.lastWeight;
 }
 
-/// Rows of mean colours of a source in any format, whose alpha is not looked at.
+/// Rows of mean colors of a source in any format, whose alpha is not looked at.
 class RowMeans {
  public:
   virtual ~RowMeans() = default;

@@ -69,14 +69,14 @@ struct Run {
   int64_t first, last;
 };
 
-/// How far along one side of the parallelogram the centre of pixel (x, y) lies: (start + x * byX +
+/// How far along one side of the parallelogram the center of pixel (x, y) lies: (start + x * byX +
 /// y * byY) / whole, from 0 up to but without 1.
 struct Side {
   int64_t start, byX, byY;
 
   int64_t At(int64_t x, int64_t y) const { return start + x * byX + y * byY; }
 
-  /// The part of the run where the centres lie inside.
+  /// The part of the run where the centers lie inside.
   Run Inside(const Run& run, int64_t y, int64_t whole) const {
     const int64_t at0 = At(0, y);
     if (byX == 0) return at0 >= 0 && at0 < whole ? run : Run{0, 0};
@@ -213,7 +213,7 @@ class Parallelogram {
   }
 
  private:
-  /// Centres lie half a pixel from the corner's coordinates: everything is doubled.
+  /// Centers lie half a pixel from the corner's coordinates: everything is doubled.
   static Side MakeSide(const Corner& origin, int64_t byX, int64_t byY) {
     return {(1 - 2 * origin.x) * byX + (1 - 2 * origin.y) * byY, 2 * byX, 2 * byY};
   }

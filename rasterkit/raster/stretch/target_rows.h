@@ -12,7 +12,7 @@ struct PixelRule {
   enum class Kind {
     copy,    ///< replaces it, alpha included
     opaque,  ///< replaces it; the alpha of a 32-bit target becomes 255
-    keyed,   ///< opaque, but pixels of the key colour are left out
+    keyed,   ///< opaque, but pixels of the key color are left out
     blend    ///< is mixed in
   };
   Kind kind = Kind::opaque;
@@ -21,10 +21,10 @@ struct PixelRule {
   RGBArec key{};
 };
 
-/// The colour of a key 0x00BBGGRR as pixels of this format can hold it.
+/// The color of a key 0x00BBGGRR as pixels of this format can hold it.
 RGBArec KeyPixel(TColor key, TPixelFormat format);
 
-/// Draws rows of 32-bit pixels into a raster of any format. On an indexed raster a colour becomes
+/// Draws rows of 32-bit pixels into a raster of any format. On an indexed raster a color becomes
 /// the nearest entry; a pixel that is left out or has no opacity keeps its index.
 class TargetRows {
  public:

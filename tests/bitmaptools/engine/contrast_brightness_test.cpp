@@ -74,7 +74,7 @@ TEST(KontrastTest, BlackAndWhiteAreSparedByTheSingleThreadAlone) {
   EXPECT_EQ(After(Kontrast, 254, 255, 255, -50, 2), RGB(191, 192, 192));
 }
 
-TEST(HelligkeitTest, At100DarkColoursBecomeWhite) {
+TEST(HelligkeitTest, At100DarkColorsBecomeWhite) {
   EXPECT_EQ(After(Helligkeit, 10, 20, 30, 100, 1), RGB(255, 255, 255));
 }
 

@@ -329,7 +329,7 @@ TEST(AssignPartBitmapTest, OverwriteBetweenFormatsChangesTheSourceAndKeepsTheTar
   EXPECT_TRUE(SamePixels(Filled(pf32bit, 3, 2, {1, 2, 3}, 77), source));
 }
 
-TEST(AssignPartBitmapTest, CopiesAlphaBetweenEqual32BitFormatsAndKeepsItWhereColoursAreMixed) {
+TEST(AssignPartBitmapTest, CopiesAlphaBetweenEqual32BitFormatsAndKeepsItWhereColorsAreMixed) {
   for (TPixelMode mode : {pmOverwrite, pmTransparent}) {
     TBitmap target = Filled(pf32bit, 1, 1, {1, 2, 3}, 40),
             source = Filled(pf32bit, 1, 1, {9, 8, 7}, 77);
@@ -413,7 +413,7 @@ TEST(AssignPartBitmapTest, BitsBeforeTheFirstWholeByteComeFromTheRowBeforeAndAre
   }
 }
 
-TEST(AssignInWhiteTest, WithLimit255ATransparentTargetGivesUpItsTransparentColourAlone) {
+TEST(AssignInWhiteTest, WithLimit255ATransparentTargetGivesUpItsTransparentColorAlone) {
   for (int limit : {255, 254}) {
     TBitmap target = Filled(pf24bit, 3, 1, {251, 252, 253});
     target.SetTransparent(true);
@@ -429,7 +429,7 @@ TEST(AssignInWhiteTest, WithLimit255ATransparentTargetGivesUpItsTransparentColou
   }
 }
 
-TEST(AssignInWhiteTest, ASystemColourAsTransparentColourCountsAsBlack) {
+TEST(AssignInWhiteTest, ASystemColorAsTransparentColorCountsAsBlack) {
   TBitmap target = Filled(pf24bit, 2, 1, {255, 255, 255}),
           source = Filled(pf24bit, 2, 1, {9, 9, 9});
   std::fill_n(target.ScanLine(0), 3, uint8_t{0});
@@ -440,7 +440,7 @@ TEST(AssignInWhiteTest, ASystemColourAsTransparentColourCountsAsBlack) {
   EXPECT_EQ(target.PixelColor(1, 0), clWhite);
 }
 
-TEST(AssignInWhiteTest, TheAutomaticTransparentColourIsReadBeforeThePixelsChange) {
+TEST(AssignInWhiteTest, TheAutomaticTransparentColorIsReadBeforeThePixelsChange) {
   // The bottom-left pixel is itself replaced, by the worker that comes last.
   TBitmap target = Filled(pf24bit, 4, 8, {1, 2, 3}), source = Filled(pf24bit, 4, 8, {9, 9, 9});
   target.SetTransparent(true);

@@ -84,7 +84,7 @@ TEST(SharpenTest, LargerValues_Should_ActStronger) {
   }
 }
 
-TEST(SharpenTest, NeighboursLessThanFourLevelsAway_Should_LeaveAPixelAlone) {
+TEST(SharpenTest, NeighborsLessThanFourLevelsAway_Should_LeaveAPixelAlone) {
   for (const int percent : {100, -100}) {
     TBitmap within = Edge(100, 103), beyond = Edge(100, 104);
     Sharpen(&within, percent);

@@ -27,7 +27,7 @@ class PictureFileDialogsTest : public testing::Test {
   void UserCancels() {
     HostPorts().pictureFileDialog = [this](PictureFileDialog& dialog) {
       shown_ = dialog;
-      dialog.FileName = "typed but cancelled";
+      dialog.FileName = "typed but canceled";
       return false;
     };
   }
@@ -89,7 +89,7 @@ TEST_F(BitmapOpenDialogTest, Cancel_LeavesTheNameUnchanged) {
   EXPECT_EQ(fileName_, "old.bmp");
 }
 
-TEST_F(BitmapOpenDialogTest, WithoutAPort_IsCancelled) {
+TEST_F(BitmapOpenDialogTest, WithoutAPort_IsCanceled) {
   EXPECT_FALSE(BitmapOpenDialog("", "", bfAll, fileName_, false));
   EXPECT_EQ(fileName_, "old.bmp");
 }

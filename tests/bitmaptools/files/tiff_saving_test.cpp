@@ -184,7 +184,7 @@ TEST_F(TiffSaving, SaveWindowsBitmap_Should_WriteATiff_And_LeaveTheBitmap) {
     SaveWindowsBitmap(bitmap, 0, 0, folder_ / "a.tif");
     EXPECT_TRUE(IsTiff(test::ReadFile(folder_ / "a.tif"))) << format;
     EXPECT_TRUE(SamePixels(*before, bitmap)) << format;
-    EXPECT_EQ(bitmap.PixelFormat(), format) << "words become colours in the file only";
+    EXPECT_EQ(bitmap.PixelFormat(), format) << "words become colors in the file only";
   }
 }
 

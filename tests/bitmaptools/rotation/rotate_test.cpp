@@ -247,7 +247,7 @@ TEST_P(RotateFormatsTest, EqualsTheReferenceWithOneToSevenThreads) {
       ASSERT_EQ(bitmap->PixelFormat(), format);
       if (threads == 1) {
         // Corner pixels of these sizes are uncovered at some row unless the turn is a quarter; the
-        // background pixel is what a fill with the colour gives.
+        // background pixel is what a fill with the color gives.
         TBitmap fill;
         fill.ResetPixels(format, 1, 1);
         if (IsIndexed(format)) fill.SetPalette(original->Palette());

@@ -212,7 +212,7 @@ TEST(BlitPart, Should_LeaveOutTheKey_AsWordsCanHoldIt) {
 }
 
 TEST(BlitPart, Should_MirrorAsTheImage_When_CentersFallBetweenPixels) {
-  // Two pixels become one: the centre lies between them, and the right one is taken; mirrored it
+  // Two pixels become one: the center lies between them, and the right one is taken; mirrored it
   // is the left one, which is the same picture seen in a mirror.
   const Raster source = test::GradientRaster(pf24bit, 2, 1);
   Raster drawn = test::GradientRaster(pf24bit, 1, 1);

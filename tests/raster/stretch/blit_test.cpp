@@ -16,7 +16,7 @@ using test::kEveryFormat;
 Raster RandomRaster15Clean(TPixelFormat format, int width, int height, std::mt19937& random) {
   Raster raster = test::RandomRaster(format, width, height, random);
   if (format != pf15bit) return raster;
-  // The unused highest bit of 15-bit words is no part of the colour.
+  // The unused highest bit of 15-bit words is no part of the color.
   for (int y = 0; y < height; ++y)
     for (int x = 0; x < width; ++x) raster.Row(y)[2 * x + 1] &= 0x7F;
   return raster;

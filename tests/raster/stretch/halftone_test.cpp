@@ -142,7 +142,7 @@ TEST(Halftone, Should_InterpolateBetweenCenters_When_Growing) {
   std::copy_n(pixels, 6, source.Row(0));
   Raster target(pf24bit, 4, 1);
   BlitHalftone(target, {0, 0, 4, 1}, source);
-  // Centres of the target lie at -0.25, 0.25, 0.75 and 1.25 source pixels.
+  // Centers of the target lie at -0.25, 0.25, 0.75 and 1.25 source pixels.
   const uint8_t expected[] = {0, 0, 0, 25, 25, 50, 75, 75, 150, 100, 100, 200};
   for (int i = 0; i < 12; ++i) EXPECT_EQ(target.Row(0)[i], expected[i]) << i;
 }

@@ -193,7 +193,7 @@ TEST(Parallelogram, Should_CoverAll_When_ItIsHuge) {
   const int far = 1 << 27;
   Raster drawn = test::GradientRaster(pf24bit, 9, 7);
   const Raster source = test::GradientRaster(pf24bit, 5, 4);
-  // Nearly a square around the target, whose centre pixel it shows everywhere.
+  // Nearly a square around the target, whose center pixel it shows everywhere.
   BlitParallelogram(drawn, {{{-far, -far}, {far, 1 - far}, {-far, far}}}, source, {0, 0, 5, 3});
   for (int y = 0; y < 7; ++y)
     for (int x = 0; x < 9; ++x) EXPECT_EQ(drawn.PixelColor(x, y), source.PixelColor(2, 1));
