@@ -24,7 +24,10 @@ std::unique_ptr<TBitmap> Stretched(const TBitmap& over, const TBitmap& under) {
   if (source->Width() == under.Width() && source->Height() == under.Height()) return source;
   auto target = std::make_unique<TBitmap>();
   target->ResetPixels(source->PixelFormat(), under.Width(), under.Height());
-  target->SetAlphaFormat(source->AlphaFormat());
+  target->CarryFrom(*source, {.resolution = false,
+                              .profile = false,
+                              .palette = false,
+                              .transparency = CarriedTransparency::none});
   target->Canvas().StretchMode = isDrawing ? smPlain : smHalftone;
   target->Canvas().CopyStretched(AllOf(*target), *source);
   return target;

@@ -37,21 +37,16 @@ Resolution Scaled(const Resolution& dpi, double horizontal, double vertical) {
 
 void Stretch(std::unique_ptr<TBitmap>& bitmap, const PictureSize& size, bool smooth) {
   const AveragedFormat format(*bitmap, smooth);
-  const TAlphaFormat alpha = bitmap->AlphaFormat();
-  const HPALETTE palette = bitmap->Palette();
-  const ColorProfile profile = bitmap->Profile();
+  // Without pixels: resizing frees the bitmap before its properties are needed.
+  TBitmap properties;
+  properties.CarryFrom(*bitmap, {.transparency = CarriedTransparency::fixed});
   const Resolution dpi = Scaled(bitmap->Dpi(), static_cast<double>(size.width) / bitmap->Width(),
                                 static_cast<double>(size.height) / bitmap->Height());
-  const bool isTransparent = bitmap->Transparent();
-  const TColor key = bitmap->TransparentColor();
   // The key colour is one of the pixels here: it is marked again below.
   bitmap->SetTransparent(false);
   ResizeBitmap(bitmap, size.width, size.height, true);
-  bitmap->SetAlphaFormat(alpha);
-  bitmap->SetProfile(profile);
+  bitmap->CarryFrom(properties, {.palette = false});
   bitmap->SetDpi(dpi);
-  bitmap->SetTransparent(isTransparent);
-  if (isTransparent) bitmap->SetTransparentColor(key);
   format.RestoreGrays(*bitmap);
 }
 

@@ -50,8 +50,8 @@ void DropTransparency(std::unique_ptr<TBitmap>& bitmap, TColor background) {
   picture.Assign(bitmap.get());
   auto target = std::make_unique<TBitmap>();
   target->ResetPixels(pf24bit, picture.Width(), picture.Height());
-  target->SetDpi(bitmap->Dpi());
-  target->SetProfile(bitmap->Profile());
+  target->CarryFrom(
+      *bitmap, {.palette = false, .alphaFormat = false, .transparency = CarriedTransparency::none});
   bitmap.reset();
   target->Canvas().Brush.Color = background;
   target->Canvas().FillRect({0, 0, target->Width(), target->Height()});

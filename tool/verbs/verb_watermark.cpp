@@ -19,13 +19,13 @@ std::unique_ptr<TBitmap> LoadMark(const std::string& file) {
 
 void Press(const TBitmap& mark, Subject& picture) {
   const AlphaPlane alphas(*picture.bitmap);
-  const Resolution dpi = picture.bitmap->Dpi();
-  const ColorProfile profile = picture.bitmap->Profile();
   // The routine converts its mark, so that each picture needs one of its own.
   const auto ownMark = mark.Clone();
-  picture.bitmap = WaterMarkedBitmap(*picture.bitmap, *ownMark);
-  picture.bitmap->SetDpi(dpi);
-  picture.bitmap->SetProfile(profile);
+  auto marked = WaterMarkedBitmap(*picture.bitmap, *ownMark);
+  marked->CarryFrom(
+      *picture.bitmap,
+      {.palette = false, .alphaFormat = false, .transparency = CarriedTransparency::none});
+  picture.bitmap = std::move(marked);
   alphas.Restore(*picture.bitmap);
 }
 

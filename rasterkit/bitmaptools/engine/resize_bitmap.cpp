@@ -6,11 +6,14 @@
 namespace rasterkit {
 namespace {
 
-/// What the pixels mean goes along with them: the palette of indexes, the alpha channel.
-void TakeMeaning(const TBitmap& source, TBitmap& target) {
-  if (target.PixelFormat() == source.PixelFormat()) target.SetPalette(source.Palette());
-  if (target.StoredBits() == 32 && source.StoredBits() == 32)
-    target.SetAlphaFormat(source.AlphaFormat());
+/// Carries what gives the pixels their meaning and nothing else: the palette of indexes, the alpha
+/// mark of alpha bytes.
+void CarryMeaning(const TBitmap& source, TBitmap& target) {
+  const bool hasAlphaBytes = source.StoredBits() == 32 && target.StoredBits() == 32;
+  target.CarryFrom(source, {.resolution = false,
+                            .profile = false,
+                            .alphaFormat = hasAlphaBytes,
+                            .transparency = CarriedTransparency::none});
 }
 
 bool IsAveraged(TPixelFormat format) {
@@ -46,7 +49,7 @@ void ResizeBitmap(std::unique_ptr<TBitmap>& bitmap, int32_t newWidth, int32_t ne
   if (bitmap == nullptr) return;
   auto resized = std::make_unique<TBitmap>();
   resized->SetPixelFormat(keepFormat ? bitmap->PixelFormat() : pf32bit);
-  TakeMeaning(*bitmap, *resized);
+  CarryMeaning(*bitmap, *resized);
   resized->SetTransparentMode(tmAuto);
   if (IsAveraged(resized->PixelFormat())) resized->Canvas().StretchMode = smHalftone;
   Stretch(*bitmap, newWidth, newHeight, *resized);

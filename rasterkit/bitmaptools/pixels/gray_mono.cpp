@@ -13,13 +13,11 @@
 namespace rasterkit {
 namespace {
 
-/// A bitmap that has all of another but pixels and palette.
+/// A bitmap with everything of another but its pixels and what describes them.
 TBitmap WithoutPixels(const TBitmap& bitmap, TPixelFormat format) {
   TBitmap fresh;
   fresh.ResetPixels(format, bitmap.Width(), bitmap.Height());
-  fresh.SetDpi(bitmap.Dpi());
-  fresh.SetProfile(bitmap.Profile());
-  fresh.AssignTransparency(bitmap);
+  fresh.CarryFrom(bitmap, {.palette = false, .alphaFormat = false});
   return fresh;
 }
 

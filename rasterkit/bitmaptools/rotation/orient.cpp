@@ -44,17 +44,6 @@ TPixelFormat FormatOfBits(int bits) {
   }
 }
 
-void CopyProperties(const TBitmap& source, TBitmap& target, bool exchangeSides) {
-  if (IsIndexed(source.PixelFormat())) target.SetPalette(source.Palette());
-  const Resolution dpi = source.Dpi();
-  target.SetDpi(exchangeSides ? Resolution{dpi.y, dpi.x} : dpi);
-  target.SetProfile(source.Profile());
-  target.SetAlphaFormat(source.AlphaFormat());
-  const bool keepsColor = source.Transparent() || source.TransparentMode() == tmFixed;
-  if (keepsColor) target.SetTransparentColor(source.TransparentColor());
-  target.SetTransparent(source.Transparent());
-}
-
 }  // namespace
 
 void Reorient(TBitmap& bitmap, Orientation orientation) {
@@ -74,7 +63,8 @@ void Reorient(TBitmap& bitmap, Orientation orientation) {
                         {turned.ScanLine(0), turned.Stride(), width, height}, source.StoredBits(),
                         turn);
   }
-  CopyProperties(bitmap, turned, turn.transpose);
+  turned.CarryFrom(bitmap,
+                   {.exchangedAxes = turn.transpose, .transparency = CarriedTransparency::fixed});
   turned.SetModified(true);
   bitmap = std::move(turned);
 }

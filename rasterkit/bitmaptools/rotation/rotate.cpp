@@ -41,9 +41,10 @@ std::unique_ptr<TBitmap> TurnedExactly(const TBitmap& source, kernels::AxisTurn 
   const int width = turn.transpose ? source.Height() : source.Width();
   const int height = turn.transpose ? source.Width() : source.Height();
   turned->ResetPixels(pf24bit, width, height);
-  const Resolution dpi = source.Dpi();
-  turned->SetDpi(turn.transpose ? Resolution{dpi.y, dpi.x} : dpi);
-  turned->SetProfile(source.Profile());
+  turned->CarryFrom(source, {.exchangedAxes = turn.transpose,
+                             .palette = false,
+                             .alphaFormat = false,
+                             .transparency = CarriedTransparency::none});
   if (width == 0 || height == 0) return turned;
   const kernels::ConstPixelRows from{source.ScanLine(0), source.Stride(), source.Width(),
                                      source.Height()};
@@ -59,12 +60,7 @@ std::unique_ptr<TBitmap> TurnedExactly(const TBitmap& source, kernels::AxisTurn 
 std::unique_ptr<TBitmap> EmptyCopy(const TBitmap& source, int width, int height) {
   auto copy = std::make_unique<TBitmap>();
   copy->ResetPixels(source.PixelFormat(), width, height);
-  if (IsIndexed(source.PixelFormat())) copy->SetPalette(source.Palette());
-  copy->SetDpi(source.Dpi());
-  copy->SetProfile(source.Profile());
-  copy->SetAlphaFormat(source.AlphaFormat());
-  copy->SetTransparent(source.Transparent());
-  if (source.TransparentMode() == tmFixed) copy->SetTransparentColor(source.TransparentColor());
+  copy->CarryFrom(source);
   return copy;
 }
 
