@@ -11,6 +11,7 @@
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/missing_rows.h>
 #include <rasterkit/codecs/rows/stretch_numbers.h>
+#include <rasterkit/codecs/tiff/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_directory.h>
 #include <rasterkit/codecs/tiff/tiff_library_rows.h>
@@ -24,7 +25,6 @@ namespace {
 using namespace detail;
 
 constexpr double centimetresPerInch = 2.54;
-constexpr uint16_t tagNoData = 42113;
 constexpr uint32_t mostProfileBytes = 16 << 20;
 
 Resolution ResolutionOf(const TiffHandle& handle) {
@@ -186,7 +186,7 @@ TiffBlanks FrameReader::Blanks() const {
   TiffBlanks blanks;
   const bool isLowWhite = layout_.isInverted || layout_.photometric == PHOTOMETRIC_SEPARATED;
   if (isLowWhite) blanks.whiteByte = 0;
-  const auto noData = ParseNumber(directory_.Text(tagNoData));
+  const auto noData = ParseNumber(directory_.Text(kNoDataTag));
   if (!noData) return blanks;
   switch (layout_.format) {
     case GUID_WICPixelFormat8bppGray:

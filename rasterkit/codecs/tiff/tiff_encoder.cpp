@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include <rasterkit/codecs/rows/icc_profile.h>
+#include <rasterkit/codecs/tiff/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/codecs/tiff/tiff_plan.h>
 #include <rasterkit/codecs/tiff/tiff_strips.h>
@@ -12,7 +13,6 @@ namespace {
 using detail::TiffOutput;
 using detail::TiffPlan;
 
-constexpr uint32_t pixelScaleTag = 33550, tiePointTag = 33922;
 constexpr int mostThreads = 64;
 
 void SetProfile(TiffOutput& output, const Raster& raster, const TiffPlan& plan) {
@@ -34,13 +34,15 @@ void SetResolution(TiffOutput& output, const Resolution& resolution) {
 /// The library does not know the tags of maps; each handle learns them anew.
 void SetGeoTags(TiffOutput& output, const TiffGeoTags& geo) {
   static constexpr TIFFFieldInfo fields[] = {
-      {pixelScaleTag, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1,
+      {detail::kPixelScaleTag, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1,
        const_cast<char*>("ModelPixelScaleTag")},
-      {tiePointTag, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1, const_cast<char*>("ModelTiepointTag")},
+      {detail::kTiePointTag, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1,
+       const_cast<char*>("ModelTiepointTag")},
   };
   TIFFMergeFieldInfo(output.Tiff(), fields, static_cast<uint32_t>(std::size(fields)));
-  output.Set(pixelScaleTag, static_cast<int>(geo.pixelScale.size()), geo.pixelScale.data());
-  output.Set(tiePointTag, static_cast<int>(geo.tiePoint.size()), geo.tiePoint.data());
+  output.Set(detail::kPixelScaleTag, static_cast<int>(geo.pixelScale.size()),
+             geo.pixelScale.data());
+  output.Set(detail::kTiePointTag, static_cast<int>(geo.tiePoint.size()), geo.tiePoint.data());
 }
 
 }  // namespace

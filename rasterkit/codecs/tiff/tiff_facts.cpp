@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <tiff.h>
 
+#include <rasterkit/codecs/tiff/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/tiff_directory.h>
 #include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/runtime/errors.h>
@@ -13,14 +14,6 @@ namespace {
 
 using detail::TiffDirectory;
 
-constexpr uint16_t tagPixelScale = 33550;
-constexpr uint16_t tagTiePoints = 33922;
-constexpr uint16_t tagTransformation = 34264;
-constexpr uint16_t tagGeoKeys = 34735;
-constexpr uint16_t tagNoData = 42113;
-constexpr uint16_t keyRasterType = 1025;
-/// From here on keys speak of coordinate systems; below, of the raster.
-constexpr uint16_t keyFirstOfSystem = 2048;
 constexpr int mostPages = 65535;
 
 /// Tie points beyond this many are not looked at: a warped picture has some hundreds.
@@ -37,12 +30,12 @@ std::vector<double> Grouped(const TiffDirectory& directory, uint16_t tag, size_t
 /// Keys are quadruples of id, place of the value (0: here), count and value; the first quadruple
 /// says how many follow.
 void ReadGeoKeys(const TiffDirectory& directory, TiffFacts& facts) {
-  const std::vector<double> keys = directory.Numbers(tagGeoKeys, 4 * 1024);
+  const std::vector<double> keys = directory.Numbers(detail::kGeoKeysTag, 4 * 1024);
   for (size_t i = 4; i + 4 <= keys.size(); i += 4) {
-    if (keys[i] >= keyFirstOfSystem) facts.hasCoordinateSystem = true;
+    if (keys[i] >= detail::kFirstSystemKey) facts.hasCoordinateSystem = true;
     const bool isHere = keys[i + 1] == 0 && keys[i + 2] == 1;
     const bool isKnown = keys[i + 3] == 1 || keys[i + 3] == 2;
-    if (facts.rasterType == 0 && keys[i] == keyRasterType && isHere && isKnown)
+    if (facts.rasterType == 0 && keys[i] == detail::kRasterTypeKey && isHere && isKnown)
       facts.rasterType = static_cast<int>(keys[i + 3]);
   }
 }
@@ -99,11 +92,11 @@ TiffFacts FactsOf(TStream& stream) {
   const TiffDirectory::Pages pages = directory.CountDirectories(mostPages);
   facts.pages = pages.all;
   facts.secondaryPages = pages.secondary;
-  facts.pixelScale = Grouped(directory, tagPixelScale, 3, 3);
-  facts.tiePoints = Grouped(directory, tagTiePoints, 6, 6 * mostTiePoints);
-  facts.transformation = Grouped(directory, tagTransformation, 16, 16);
+  facts.pixelScale = Grouped(directory, detail::kPixelScaleTag, 3, 3);
+  facts.tiePoints = Grouped(directory, detail::kTiePointTag, 6, 6 * mostTiePoints);
+  facts.transformation = Grouped(directory, detail::kTransformationTag, 16, 16);
   ReadGeoKeys(directory, facts);
-  facts.noData = directory.Text(tagNoData);
+  facts.noData = directory.Text(detail::kNoDataTag);
   facts.metadata = MetadataKinds(directory);
   return facts;
 }

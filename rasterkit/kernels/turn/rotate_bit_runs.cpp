@@ -8,6 +8,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include <rasterkit/kernels/turn/fast_rotation.h>
 #include <rasterkit/kernels/turn/rotate_bit_runs.h>
 
 // Where a run ends.
@@ -34,7 +35,6 @@
 namespace rasterkit::kernels {
 namespace {
 
-constexpr int kFastSize = 1 << 17;
 constexpr double kLeastSine = 1.0 / (1 << 13);
 // Beyond it runs are so short that single pixels are faster.
 constexpr double kMostSine = 0.2;
@@ -304,9 +304,8 @@ HWY_EXPORT(RotateRows);
 
 bool TakesLongRuns(const RotationMapping& mapping, int targetHeight) {
   const double sine = std::fabs(mapping.Sine());
-  const bool fits = mapping.SourceWidth() <= kFastSize && mapping.SourceHeight() <= kFastSize &&
-                    mapping.TargetWidth() <= 2 * kFastSize && targetHeight <= 2 * kFastSize;
-  return fits && (sine == 0 || (sine >= kLeastSine && sine <= kMostSine));
+  return HasFastSize(mapping, targetHeight) &&
+         (sine == 0 || (sine >= kLeastSine && sine <= kMostSine));
 }
 
 void RotateBitRuns(const RotationMapping& mapping, const ConstPixelRows& source,

@@ -8,6 +8,7 @@
 #include <hwy/highway.h>
 
 #include <rasterkit/kernels/rows/packed_pixels.h>
+#include <rasterkit/kernels/turn/fast_rotation.h>
 #include <rasterkit/kernels/turn/rotate_bit_runs.h>
 #include <rasterkit/kernels/turn/rotate_pixels.h>
 
@@ -40,7 +41,6 @@ namespace {
 
 constexpr int kTileWidth = 128;  // lanes have 8 bits for the distance from the tile's begin
 constexpr int kPrefetchStep = 8;
-constexpr int kFastSize = 1 << 17;
 constexpr int kFractionBits = 40;
 constexpr int kLaneFractionBits = 24;
 constexpr double kMargin = 1.0 / (1 << 17);
@@ -383,8 +383,7 @@ void RotatePixels(const RotationMapping& mapping, const ConstPixelRows& source,
     for (int y = firstRow; y < lastRow; ++y) ClearPadding(target, y, 1);
     return;
   }
-  const bool fast = source.width <= kFastSize && source.height <= kFastSize &&
-                    target.width <= 2 * kFastSize && target.height <= 2 * kFastSize;
+  const bool fast = HasFastSize(mapping, target.height);
   // Steps along rows of 2^23 pixels would leave 64 bits; the exact rule needs none.
   Job job{mapping,
           source,
