@@ -25,6 +25,20 @@ bool GetJpgRotation(const std::string& FileName, int& Rotation) {
   return Rotation >= 1;
 }
 
+bool detail::RotationOfPhoto(std::span<const uint8_t> photo, const std::string& fileName,
+                             int& rotation) {
+  rotation = 0;
+  TImageData image;
+  TSpanStream stream(photo);
+  try {
+    if (image.ReadJpegSections(stream) && image.ExifData) rotation = image.ExifData->Rotation;
+  } catch (Error& error) {
+    error.AttachFile(fileName);
+    throw;
+  }
+  return rotation >= 1;
+}
+
 bool GetJpgDate(const std::string& FileName, TDateTime& Date) {
   Date = 0;
   TImageData image;

@@ -6,6 +6,7 @@
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
 #include <rasterkit/bitmaptools/rotation/rotate.h>
+#include <rasterkit/graphics/jpeg_image.h>
 #include <rasterkit/jpegexif/photo_queries.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/ports.h>
@@ -26,9 +27,11 @@ std::unique_ptr<TGraphic> LoadByType(int type, const std::string& fileName, floa
   if (type == gtWmf || type == gtEmf) return std::make_unique<TBitmap>();
   std::unique_ptr<TGraphic> graphic = CreateGraphicOfType(type);
   graphic->LoadFromFile(fileName);
-  int rotation = 0;
-  if (type == gtJpg && GetJpgRotation(fileName, rotation)) {
-    angle = static_cast<float>(rotation) + angle;
+  if (type == gtJpg) {
+    const auto& photo = dynamic_cast<const TJPEGImage&>(*graphic);
+    int rotation = 0;
+    if (detail::RotationOfPhoto(photo.CompressedData(), fileName, rotation))
+      angle = static_cast<float>(rotation) + angle;
   }
   return graphic;
 }
@@ -37,6 +40,8 @@ std::unique_ptr<TBitmap> IntoBitmap(std::unique_ptr<TGraphic> graphic) {
   if (GetGraphicType(graphic.get()) == gtBmp) {
     return std::unique_ptr<TBitmap>(static_cast<TBitmap*>(graphic.release()));
   }
+  if (auto* photo = dynamic_cast<TJPEGImage*>(graphic.get()))
+    return std::make_unique<TBitmap>(photo->TakeBitmap());
   auto bitmap = std::make_unique<TBitmap>();
   bitmap->Assign(graphic.get());
   return bitmap;
