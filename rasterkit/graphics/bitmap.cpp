@@ -41,7 +41,7 @@ TBitmap::TBitmap(TBitmap&& other) noexcept
 
 TBitmap& TBitmap::operator=(TBitmap&& other) noexcept {
   if (this == &other) return *this;
-  // The base takes its own fields only.
+  // Moves the fields of the base only.
   TGraphic::operator=(static_cast<TGraphic&&>(other));
   raster_ = std::move(other.raster_);
   format_ = std::exchange(other.format_, pfDevice);
@@ -49,8 +49,8 @@ TBitmap& TBitmap::operator=(TBitmap&& other) noexcept {
   return *this;
 }
 
-// A canvas that somebody may hold a reference to stays where it is and takes over pen and brush
-// only.
+// An existing canvas stays, because references to it may exist, and takes over pen, brush and
+// stretch mode only.
 void TBitmap::TakeCanvas(TBitmap& other) noexcept {
   if (!other.canvas_) return;
   if (canvas_) {
@@ -198,7 +198,7 @@ void TBitmap::CarryFrom(const TBitmap& source, const Carry& carry) {
     std::swap(properties.resolution.x, properties.resolution.y);
   if (!carry.profile) properties.profile = own.profile;
   if (!carry.alphaFormat) properties.alphaFormat = own.alphaFormat;
-  // A bitmap keeps its transparency itself.
+  // A bitmap keeps its transparency outside the raster.
   properties.transparentColor = own.transparentColor;
   CarryTransparency(source, carry.transparency);
   modified_ = true;

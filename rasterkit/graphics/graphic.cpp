@@ -63,7 +63,7 @@ void TGraphic::SetTransparentColor(TColor color) {
 
 void TGraphic::AssignTransparency(const TGraphic& source) {
   transparency_ = source.transparency_;
-  // A class may answer for itself.
+  // A class may override this one.
   transparency_.isOn = source.Transparent();
 }
 

@@ -29,7 +29,7 @@ bool HasAnyAlpha(const Raster& raster) {
   return false;
 }
 
-/// Alpha 255, and 0 for the pixels that `isTransparent(x, y)` names.
+/// Sets alpha to 0 where `isTransparent(x, y)` is true, else to 255.
 template <class Predicate>
 void SetAlpha(Raster& raster, Predicate isTransparent) {
   for (int y = 0; y < raster.Height(); ++y)

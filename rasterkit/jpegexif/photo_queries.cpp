@@ -9,7 +9,7 @@
 namespace rasterkit {
 namespace {
 
-/// Three whole numbers between colons.
+/// Three integers between colons.
 std::array<int32_t, 3> ThreeNumbers(const std::string& text) {
   const std::string rest = StrAfter(text, ":");
   return {StrToInt(StrBefore(text, ":")), StrToInt(StrBefore(rest, ":")),

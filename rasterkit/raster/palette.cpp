@@ -21,7 +21,7 @@ constexpr std::array<tagPALETTEENTRY, 16> kStandardColors = {
 constexpr tagPALETTEENTRY kMoneyGreen = Entry(192, 220, 192), kSkyBlue = Entry(166, 202, 240),
                           kCream = Entry(255, 251, 240), kMediumGray = Entry(160, 160, 164);
 
-// 10 dark standard colors, a 6 x 6 x 6 cube, 20 grays between the cube's own, 10 light standard
+// 10 dark standard colors, a 6 x 6 x 6 cube, 20 grays between those of the cube, 10 light standard
 // colors.
 std::vector<tagPALETTEENTRY> MakeDefault256() {
   std::vector<tagPALETTEENTRY> entries(kStandardColors.begin(), kStandardColors.begin() + 8);

@@ -17,8 +17,8 @@ void RequireSize(int width, int height) {
                    " pixels");
 }
 
-// Bytes of all rows; saturates instead of wrapping, so that the budget refuses what 64 bits cannot
-// count.
+// Bytes of all rows. Saturates instead of wrapping, so that the budget refuses sizes beyond 64
+// bits.
 uint64_t RowsBytes(uint64_t stride, uint64_t height) {
   if (height != 0 && stride > std::numeric_limits<uint64_t>::max() / height)
     return std::numeric_limits<uint64_t>::max();

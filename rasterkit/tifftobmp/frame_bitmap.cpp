@@ -27,8 +27,8 @@ TPixelFormat FormatOfBits(int bits) {
   }
 }
 
-/// The rows under another format of as many bits. Codecs deliver the one that is asked for, so that
-/// the copy is rare.
+/// Copies the rows to another format with the same number of bits. The copy is rare, because codecs
+/// usually deliver the requested format.
 Raster RowsAs(TPixelFormat format, const Raster& rows) {
   Raster renamed(format, rows.Width(), rows.Height());
   renamed.CopyProperties(rows);
@@ -49,7 +49,7 @@ HPALETTE PaletteOf(const ImagingFrame& frame, const BitmapTraits& traits) {
   if (traits.mark == FrameMark::gray) return GrayPalette(1 << traits.bits);
   const HPALETTE& ofCodec = frame.rows.palette;
   const TPixelFormat format = FormatOfBits(traits.bits);
-  // The bits of a black and white frame say all; that is also what a new 1-bit bitmap shows.
+  // A black and white frame needs no palette of its own: a new 1-bit bitmap has black and white.
   const bool hasPalette = IsIndexed(format) && frame.format != GUID_WICPixelFormatBlackWhite;
   if (!hasPalette || !ofCodec) return DefaultPalette(format);
   return CreateColorPalette(PaletteTable(ofCodec), ofCodec.Count());

@@ -20,15 +20,15 @@ bool IsAveraged(TPixelFormat format) {
   return format == pf24bit || format == pf32bit;
 }
 
-/// Pixels of its transparent color are not drawn. Where the alpha tells what is seen, it is copied
-/// and the color does not count.
+/// Tells whether pixels of the transparent color are left out. If there is an alpha channel, it is
+/// copied and the color does not count.
 bool HasHoles(const TBitmap& bitmap) {
   const bool hasAlpha = bitmap.StoredBits() == 32 && bitmap.AlphaFormat() == afDefined;
   return bitmap.Transparent() && !hasAlpha;
 }
 
-/// Gives the new bitmap its size and the picture, onto new area only where some of it stays to be
-/// seen.
+/// Sets the size of the new bitmap and draws the picture. New area is filled only if some of it
+/// stays visible.
 void Stretch(const TBitmap& source, int32_t width, int32_t height, TBitmap& target) {
   const TRect whole{0, 0, width, height};
   if (source.Empty()) {

@@ -25,7 +25,7 @@ constexpr std::string_view kOpenTiffAndPdfEntries =
 constexpr std::string_view kMetafileEntries =
     "|Windows Metafile (*.wmf)|*.wmf|Enhanced Windows Metafile (*.emf)|*.emf";
 
-/// The place of `ext` in the table plus the index of its first entry; 1 when it is not there.
+/// Position of `ext` in the table plus the index of the first entry; 1 if it is not listed.
 int IndexOf(const std::string& ext, Extensions table, int indexOfFirst) {
   const std::string name = ext.starts_with('.') ? Utf16Substring(ext, 1, 3) : ext;
   for (size_t place = 0; place < table.size(); ++place) {

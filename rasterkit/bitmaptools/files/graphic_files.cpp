@@ -27,9 +27,8 @@ void LoadUpright(const std::string& fileName, int type, std::unique_ptr<TGraphic
   }
 }
 
-/// Copies a picture into a graphic of another kind. Raster kinds hand over their pixels directly; a
-/// metafile, and the lack of a graphic, become a bitmap first, also when the target is a metafile
-/// again.
+/// Copies a picture into a graphic of another class. Raster classes are assigned directly. A
+/// metafile, or no graphic, becomes a bitmap first, even if the target is a metafile too.
 void AssignPicture(TGraphic& target, const TGraphic* source) {
   if (source != nullptr && dynamic_cast<const TMetafile*>(source) == nullptr) {
     target.Assign(source);

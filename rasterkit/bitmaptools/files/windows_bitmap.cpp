@@ -15,15 +15,15 @@
 namespace rasterkit {
 namespace {
 
-/// Angles in degrees up to here are no turn.
+/// Angles up to this one, in degrees, do not turn.
 constexpr float kNoTurn = 0.1f;
 
-/// The picture in a class that can read its kind; null when there is none. A photo adds its own
+/// Loads the picture into the class of its type; null if there is none. A photo adds its own
 /// rotation to the angle.
 std::unique_ptr<TGraphic> LoadByType(int type, const std::string& fileName, float& angle) {
   if (type == gtTif) return LoadViaWic(fileName);
   if (type == gtNone || type == gtJpgAlt) return nullptr;
-  // A metafile is not read: what is not a picture of pixels gives an empty bitmap.
+  // A metafile is not read and gives an empty bitmap.
   if (type == gtWmf || type == gtEmf) return std::make_unique<TBitmap>();
   std::unique_ptr<TGraphic> graphic = CreateGraphicOfType(type);
   graphic->LoadFromFile(fileName);
@@ -47,7 +47,7 @@ std::unique_ptr<TBitmap> IntoBitmap(std::unique_ptr<TGraphic> graphic) {
   return bitmap;
 }
 
-/// Hosts draw 8-bit bitmaps with white as paper, and handle palettes of 16 or 256 colors.
+/// Hosts draw 8-bit bitmaps with white as paper, and support palettes of 16 or 256 colors.
 void CleanPalette(TBitmap& bitmap) {
   if (bitmap.PixelFormat() != pf8bit) return;
   if (bitmap.Transparent() && bitmap.TransparentColor() != clWhite) bitmap.SetTransparent(false);

@@ -13,7 +13,7 @@
 namespace rasterkit {
 namespace {
 
-/// A bitmap with everything of another but its pixels and what describes them.
+/// Makes a bitmap with the size and the properties of another, except those that describe its rows.
 TBitmap WithoutPixels(const TBitmap& bitmap, TPixelFormat format) {
   TBitmap fresh;
   fresh.ResetPixels(format, bitmap.Width(), bitmap.Height());
