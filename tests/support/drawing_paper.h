@@ -20,7 +20,7 @@ struct DrawingPaper {
   DeviceContext& Dc() { return *context; }
   TColor At(int x, int y) const { return raster.PixelColor(x, y); }
 
-  /// '.' white, '#' black, '+' a mixture of the two, 'r', 'g', 'b' the full colours, 'o' any other.
+  /// '.' white, '#' black, '+' a mixture of the two, 'r', 'g', 'b' the full colors, 'o' any other.
   std::string Picture() const {
     std::string text = "\n";
     for (int y = 0; y < raster.Height(); ++y) {

@@ -13,7 +13,7 @@ inline std::vector<uint8_t> PackedDib(const BmpFile& file) {
   return {bytes.begin() + 14, bytes.end()};
 }
 
-/// 3 x 2 pixels of 24 bits, from the upper left one: red, green, blue, white, black, grey.
+/// 3 x 2 pixels of 24 bits, from the upper left one: red, green, blue, white, black, gray.
 inline BmpFile SixColors() {
   BmpFile file;
   file.width = 3;

@@ -1,4 +1,4 @@
-// Which lanes of pixels lie on a side of the grey scale. For kernel files only, which include it
+// Which lanes of pixels lie on a side of the gray scale. For kernel files only, which include it
 // once for each SIMD target.
 #if defined(RASTERKIT_HOST_KERNELS_GRAY_TEST_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef RASTERKIT_HOST_KERNELS_GRAY_TEST_INL_H_
@@ -18,10 +18,10 @@ namespace rasterkit::kernels::HWY_NAMESPACE {
 
 #if HWY_TARGET != HWY_SCALAR
 
-/// Asks lanes B G R and anything whether their grey is `level` or more.
+/// Asks lanes B G R and anything whether their gray is `level` or more.
 ///
 /// It is where 297 r + 589 g + 114 b reaches 1000 times the level; only where it equals that do the
-/// level's few exceptions count, colours whose grey is one less.
+/// level's few exceptions count, colors whose gray is one less.
 struct GrayTest {
   WordVector blueRed, green;
   SignedLaneVector least, justBelow;

@@ -14,12 +14,12 @@
 // Where a run ends.
 //
 // Along a target row the source row changes by one at places that lie 1 / |sine| apart, and the
-// source column, which otherwise moves by one a pixel, stands still once at places that lie
+// source column, which otherwise moves by one per pixel, repeats once at places that lie
 // 1 / (1 - |cosine|) apart. Both kinds of breaks are stepped in fixed point from the row's begin. A
 // break is the first pixel at or past its place, certainly so where no whole number lies within
 // `margin` of the place; the others (nearly none) are found by asking the exact rule.
 //
-// The margin covers, for pictures of at most kFastSize pixels a side,
+// The margin covers, for pictures of at most kFastSize pixels per side,
 //
 //     the row's begin, a double within DoubleError() < 2^-29, and the roundings of the
 //     extended sum, both divided by the slope                                       < 2^-28 / slope

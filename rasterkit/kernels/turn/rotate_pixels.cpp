@@ -26,9 +26,9 @@
 //     step error 2^-25 times at most 127 pixels within the tile                    < 2^-18
 //     together                                                                     < kMargin
 //
-// for pictures of at most kFastSize pixels a side; larger ones take every pixel by the exact rule.
-// Pixels whose fraction is below 2 kMargin (one in 2^15, or exact halves) are done again by the
-// exact rule, which decides like the extended sum.
+// for pictures of at most kFastSize pixels per side; larger ones take every pixel by the exact
+// rule. Pixels whose fraction is below 2 kMargin (one in 2^15, or exact halves) are done again by
+// the exact rule, which decides like the extended sum.
 //
 // A wrong guess near a half is at most one pixel too far at the end of a run, never before its
 // begin, as the margin lifts: reading stays inside the rows unless the last row is near, and such
@@ -287,9 +287,8 @@ void RotateTileRow(const Job& job, const RowStart& start, int y, int left, int r
               static_cast<size_t>(right - last) * kBytes);
 }
 
-// Asks for the source of the tile to come while this one is done: the processor does not foresee
-// slanted paths. One pixel of eight along each row, shifted from row to row, meets nearly all cache
-// lines.
+// Prefetches the next tile's source: hardware prefetchers cannot follow a slanted path. One pixel
+// of eight along each row, shifted from row to row, meets nearly all cache lines.
 template <int kBits>
 HWY_INLINE void PrefetchTileRow(const Job& job, const RowStart& start, int y, int left, int right) {
   if (!job.fast) return;

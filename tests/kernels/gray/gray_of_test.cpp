@@ -10,7 +10,7 @@ namespace {
 using reference::GrayInExtended;
 using reference::GrayInWholeNumbers;
 
-/// Calls `check(r, g, b)` for all 16,777,216 colours until it answers false.
+/// Calls `check(r, g, b)` for all 16,777,216 colors until it answers false.
 template <class Check>
 void ForEveryColor(Check check) {
   for (int r = 0; r < 256; ++r) {

@@ -202,7 +202,7 @@ TEST(BrightenRowTest, EqualsTheRuleForEveryPercentageAndAllPairsOfChannels) {
   }
 }
 
-TEST(BrightenRowTest, EqualsTheRuleForEveryColourAtSomePercentages) {
+TEST(BrightenRowTest, EqualsTheRuleForEveryColorAtSomePercentages) {
   if (!test::IsFullRun()) GTEST_SKIP() << "in the full run";
   for (int32_t percent : {1, 5, 6, 7, 17, 18, 19, 25, 30, 31, 43, 45, 50, 57, 69, 75, 99, 100}) {
     const BrightnessRule rule(percent);
@@ -415,7 +415,7 @@ TEST(PixelMasksTest, AQuickLookMissesNoBlackAndNoWhite) {
   });
 }
 
-TEST(ColorRows32Test, TakePixelsOrColoursAndStayInsideTheRow) {
+TEST(ColorRows32Test, TakePixelsOrColorsAndStayInsideTheRow) {
   test::ForEachSimdTarget([](int64_t target) {
     std::mt19937 random(14);
     for (size_t width = 0; width <= 80; ++width) {

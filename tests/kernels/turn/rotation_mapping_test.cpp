@@ -125,7 +125,7 @@ TEST(RotatedSizeTest, FortyFiveDegreesGiveTheSameOnBothSides) {
 }
 
 TEST(RotatedSizeTest, ThirtyDegreesHaveASineOfExactlyAHalf) {
-  // 5 * 0.5 = 2.5 and 7 * 0.5 = 3.5 round to the even neighbour
+  // 5 * 0.5 = 2.5 and 7 * 0.5 = 3.5 round to the even neighbor
   EXPECT_EQ(RotatedSize(5, 7, SineCosineOfDegrees(30)).width, 4 + 4);
   EXPECT_EQ(RotatedSize(5, 7, SineCosineOfDegrees(30)).height, 2 + 6);
 }
