@@ -14,6 +14,7 @@ QueueRunner::QueueRunner() : queue_(ThreadQueue::Share()) {
   nextTimer_.setSingleShot(true);
   nextTimer_.setTimerType(Qt::PreciseTimer);
   connect(&nextTimer_, &QTimer::timeout, this, &QueueRunner::Run);
+  /// Handles what was queued before this object existed.
   queue_->SetWakeUp([this] { Wake(); });
   // For what came before there was anybody to wake.
   Wake();
@@ -30,7 +31,7 @@ bool QueueRunner::event(QEvent* event) {
   return true;
 }
 
-/// Any thread.
+/// Called on any thread.
 void QueueRunner::Wake() {
   if (!isAwake_.exchange(true)) QCoreApplication::postEvent(this, new QEvent(kWakeEvent));
 }
