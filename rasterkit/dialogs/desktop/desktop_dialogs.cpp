@@ -19,7 +19,7 @@ void Say(std::string& error, const char* text) noexcept try {
   error.clear();
 }
 
-/// What `dialog` answers, without its exceptions.
+/// Converts the answer and the exceptions of `dialog`.
 template <typename Dialog>
 DesktopAnswer AnswerOf(Dialog dialog, std::string& error) noexcept try {
   return dialog() ? DesktopAnswer::confirmed : DesktopAnswer::cancelled;

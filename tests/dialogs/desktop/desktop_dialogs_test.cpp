@@ -19,7 +19,7 @@ class DesktopDialogsTest : public testing::Test {
     ASSERT_NE(dialogs, nullptr);
   }
 
-  /// Ends the window that the caller is about to open.
+  /// Closes the window that the caller opens next.
   static void EndWindow(int result) {
     QTimer::singleShot(0, qApp, [result] {
       if (auto* const window = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
