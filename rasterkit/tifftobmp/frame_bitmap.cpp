@@ -3,29 +3,13 @@
 
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
 #include <rasterkit/bitmaptools/pixels/transparency.h>
+#include <rasterkit/raster/format_of_bits.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/tifftobmp/frame_bitmap.h>
 #include <rasterkit/tifftobmp/wic_formats.h>
 
 namespace rasterkit::detail {
 namespace {
-
-TPixelFormat FormatOfBits(int bits) {
-  switch (bits) {
-    case 1:
-      return pf1bit;
-    case 4:
-      return pf4bit;
-    case 8:
-      return pf8bit;
-    case 16:
-      return pf16bit;
-    case 24:
-      return pf24bit;
-    default:
-      return pf32bit;
-  }
-}
 
 /// Copies the rows to another format with the same number of bits. The copy is rare, because codecs
 /// usually deliver the requested format.

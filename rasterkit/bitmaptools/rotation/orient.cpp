@@ -2,6 +2,7 @@
 
 #include <rasterkit/bitmaptools/rotation/orient.h>
 #include <rasterkit/kernels/turn/turn_pixels.h>
+#include <rasterkit/raster/format_of_bits.h>
 
 namespace rasterkit {
 namespace {
@@ -24,23 +25,6 @@ kernels::AxisTurn TurnFor(Orientation orientation) {
       return kernels::kQuarterTurnCounterClockwise;
     default:
       return {};
-  }
-}
-
-TPixelFormat FormatOfBits(int bits) {
-  switch (bits) {
-    case 1:
-      return pf1bit;
-    case 4:
-      return pf4bit;
-    case 8:
-      return pf8bit;
-    case 16:
-      return pf16bit;
-    case 24:
-      return pf24bit;
-    default:
-      return pf32bit;
   }
 }
 
