@@ -62,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 2 || data[0] != 0xFF || data[1] != 0xD8) return 0;
   const JpegHeader header = ReadJpegHeader(file);
   for (const JpegSegment& segment : header.segments) MarkerName(segment.marker);
-  if (const JpegSegment* exif = header.Find("exif")) {
+  if (const JpegSegment* exif = header.Find(rasterkit::MetadataKind::exif)) {
     const ExifBlock block(SectionBytes(*exif));
     ReadFields(block);
     CutThumbnail(block);

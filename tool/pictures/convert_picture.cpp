@@ -6,7 +6,8 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/bitmaptools/files/graphic_types.h>
+#include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/raster/format_of_bits.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tool/command/exit_code.h"
@@ -20,11 +21,6 @@
 namespace rasterkit::tool {
 namespace {
 
-/// The library's own table does not tell 15 from 16 bits.
-TPixelFormat FormatOfBits(int bits) {
-  return bits == 15 ? pf15bit : GetPixelFormat(bits);
-}
-
 TColor SolidBackground(const PictureOptions& options) {
   const TColor color = BackgroundColor(options.background);
   return color < 0 ? clWhite : color;
@@ -36,11 +32,13 @@ TColor SolidBackground(const PictureOptions& options) {
 enum class Transparency { none, forgotten, painted };
 
 Transparency LostTransparency(const TBitmap& bitmap, PictureType type, int bits) {
+  const Codec* codec = FindCodec(type);
   if (bitmap.AlphaFormat() == afDefined) {
-    const bool keepsAlpha = type != PictureType::jpeg && (bits == 0 || bits == 32);
+    const bool keepsAlpha = (codec == nullptr || codec->keepsAlpha) && (bits == 0 || bits == 32);
     return keepsAlpha ? Transparency::none : Transparency::painted;
   }
-  if (!bitmap.Transparent() || type == PictureType::png) return Transparency::none;
+  if (!bitmap.Transparent() || (codec != nullptr && codec->keepsTransparentColor))
+    return Transparency::none;
   return type == PictureType::jpeg ? Transparency::painted : Transparency::forgotten;
 }
 
@@ -61,11 +59,11 @@ bool StaysAsStored(const LoadedPicture& picture, const PictureOptions& options) 
 
 /// What no output of the tool can hold, and what the position of the input is called.
 std::vector<std::string> AtRisk(const LoadedPicture& picture, const MapPlacement& placement) {
-  std::vector<std::string> names = picture.metadata;
-  if (picture.photo.gps) names.emplace_back("gps");
+  std::vector<std::string> names = MetadataKindNames(picture.metadata);
+  if (picture.photo.gps) names.emplace_back(MetadataKindName(MetadataKind::gps));
   names.insert(names.end(), placement.sources.begin(), placement.sources.end());
-  if (picture.grid) names.emplace_back("grid");
-  if (picture.Pictures() > 1) names.emplace_back("pages");
+  if (picture.grid) names.emplace_back(MetadataKindName(MetadataKind::grid));
+  if (picture.Pictures() > 1) names.emplace_back(MetadataKindName(MetadataKind::pages));
   return names;
 }
 
@@ -100,7 +98,8 @@ void Save(const LoadedPicture& picture, const Job& job, const PictureOptions& op
 void FitTransparency(Subject& picture, PictureType type) {
   const Transparency lost = LostTransparency(*picture.bitmap, type, picture.options.bits);
   if (lost == Transparency::painted) picture.PaintTransparency();
-  if (lost == Transparency::forgotten) picture.result.notCarriedOver.emplace_back("transparency");
+  if (lost == Transparency::forgotten)
+    picture.result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::transparency));
 }
 
 JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& picture,
@@ -121,7 +120,8 @@ JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& p
   StopIfInterrupted();
   FitTransparency(subject, type);
   if (options.bits != 0) picture.bitmap->SetPixelFormat(FormatOfBits(options.bits));
-  if (picture.bitmap->Profile()) Remove(result.notCarriedOver, "profile");
+  if (picture.bitmap->Profile())
+    Remove(result.notCarriedOver, MetadataKindName(MetadataKind::profile));
 
   StopIfInterrupted();
   if (steps.write) {
@@ -145,7 +145,7 @@ int Subject::Threads() const {
 void Subject::PaintTransparency() {
   if (!HasTransparency(*bitmap)) return;
   DropTransparency(bitmap, SolidBackground(options));
-  result.notCarriedOver.emplace_back("transparency");
+  result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::transparency));
 }
 
 void Subject::Refuse(const std::string& reason) const {

@@ -3,6 +3,7 @@
 #include <new>
 
 #include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/codecs/rows/metadata_kind.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
@@ -87,7 +88,8 @@ JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
         "as it is");
   }
   // What was drawn as lines is pixels now.
-  if (wasEnhanced && !metafile.Enhanced()) result.notCarriedOver.emplace_back("records");
+  if (wasEnhanced && !metafile.Enhanced())
+    result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::records));
   return result;
 }
 

@@ -4,10 +4,9 @@
 #include <functional>
 #include <new>
 
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_picture.h>
-#include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/codecs/metadata.h>
-#include <rasterkit/codecs/png/png_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/runtime/errors.h>
@@ -52,14 +51,6 @@ void Take(LoadedFrame& loaded, Raster rows, const CodecReport& report) {
   AddWarnings(loaded, report);
 }
 
-/// Compressed kinds are decoded where their bytes are: a stream would copy them.
-Raster DecodeBytes(PictureType type, std::span<const uint8_t> bytes, CodecReport& report) {
-  if (type == PictureType::jpeg) return DecodeJpeg(bytes, &report);
-  if (type == PictureType::png) return DecodePng(bytes, &report);
-  TSpanStream memory(bytes);
-  return DecodePicture(memory, &report);
-}
-
 bool IsMetafile(PictureType type) {
   return type == PictureType::wmf || type == PictureType::emf;
 }
@@ -94,13 +85,13 @@ void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, int threads,
   loaded.photo = isJpeg ? ReadPhotoFacts(bytes) : ReadExifFacts(metadata.exif);
   loaded.warnings = loaded.photo.warnings;
   CodecReport report;
-  Take(loaded, DecodeBytes(loaded.type, bytes, report), report);
+  Take(loaded, DecodePicture(bytes, &report), report);
 }
 
-/// Kinds whose files are looked at twice.
+/// True for formats whose files are read twice: once for metadata, once for the pixels.
 bool HasMetadata(PictureType type) {
-  return type == PictureType::jpeg || type == PictureType::png || type == PictureType::gif ||
-         type == PictureType::webp;
+  const Codec* codec = FindCodec(type);
+  return codec != nullptr && codec->readMetadata != nullptr;
 }
 
 /// Bitmap and TIFF files can be huge: their rows go straight from the file to where they belong.

@@ -21,8 +21,8 @@ struct PictureFile {
   PictureType type = PictureType::unknown;
   /// The orientation is also that of a TIFF file's own tag.
   PhotoFacts photo;
-  /// What lies in the file beside the pixels: see PictureMetadata::kinds and TiffFacts::metadata.
-  std::vector<std::string> metadata;
+  /// What the file holds beside the pixels: see PictureMetadata::kinds and TiffFacts::metadata.
+  std::vector<MetadataKind> metadata;
   std::vector<std::string> warnings;
   uint64_t bytes = 0;
   /// Of a TIFF file whose directories can be read.

@@ -82,13 +82,14 @@ void TakeHeader(ExifFacts& facts, const JpegHeader& header) {
   if (!header.isComplete)
     facts.warnings.emplace_back("JPEG: the header does not lead to picture data");
   for (const JpegSegment& segment : header.segments) {
-    facts.sections.push_back(
-        {MarkerName(segment.marker), SegmentKind(segment), segment.place, segment.Size()});
-    if (facts.sections.back().kind == "comment")
+    const std::optional<MetadataKind> kind = SegmentKind(segment);
+    facts.sections.push_back({MarkerName(segment.marker), kind ? MetadataKindName(*kind) : "",
+                              segment.place, segment.Size()});
+    if (kind == MetadataKind::comment)
       AddComment(facts, Trim({reinterpret_cast<const char*>(segment.payload.data()),
                               segment.payload.size()}));
   }
-  if (const JpegSegment* exif = header.Find("exif")) TakeExif(facts, *exif);
+  if (const JpegSegment* exif = header.Find(MetadataKind::exif)) TakeExif(facts, *exif);
 }
 
 }  // namespace

@@ -7,7 +7,8 @@ namespace {
 
 std::string SourceText(const GeoPosition& position) {
   if (!position.file.empty()) return "world file " + position.file;
-  return position.source == "geotiff" ? "pixel scale and tie point" : "transformation matrix";
+  return position.source == MetadataKindName(MetadataKind::geoTiff) ? "pixel scale and tie point"
+                                                                    : "transformation matrix";
 }
 
 }  // namespace

@@ -86,7 +86,7 @@ PictureFacts GatherFacts(const std::string& file) {
   const bool wasOpened = loaded.bytes > 0 || facts.error.empty();
   if (wasOpened) facts.type = PictureTypeName(loaded.type);
   facts.bytes = loaded.bytes;
-  facts.metadata = loaded.metadata;
+  facts.metadata = MetadataKindNames(loaded.metadata);
   facts.photo = loaded.photo;
   if (facts.error.empty() && loaded.type != PictureType::jpeg) facts.photo.rotation = 0;
   facts.warnings = loaded.warnings;

@@ -71,7 +71,7 @@ JobResult CopyFrom(const Bytes& photo, const ExifOptions& options, const Job& jo
 JobResult StripThumbnail(const Job& job) {
   const Bytes jpeg = ReadJpegInput(job.input);
   const JpegHeader header = ReadJpegHeader(jpeg);
-  const JpegSegment* exif = header.Find("exif");
+  const JpegSegment* exif = header.Find(MetadataKind::exif);
   if (exif == nullptr) {
     Save(jpeg, job.output);
     return ResultFor(jpeg);
@@ -93,7 +93,7 @@ JobResult StripThumbnail(const Job& job) {
 JobResult TakeThumbnail(const Job& job) {
   const Bytes jpeg = ReadJpegInput(job.input);
   const JpegHeader header = ReadJpegHeader(jpeg);
-  const JpegSegment* exif = header.Find("exif");
+  const JpegSegment* exif = header.Find(MetadataKind::exif);
   const std::string bytes =
       exif != nullptr ? ThumbnailBytes(ExifBlock(SectionBytes(*exif))) : std::string();
   if (bytes.empty())

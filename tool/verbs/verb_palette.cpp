@@ -78,7 +78,7 @@ void CheckTransparency(Subject& picture, const Entries& entries, TColor transpar
   if (!picture.bitmap->Transparent()) return;
   if (entries.Has(transparent)) return picture.bitmap->SetTransparentColor(transparent);
   picture.bitmap->SetTransparent(false);
-  picture.result.notCarriedOver.emplace_back("transparency");
+  picture.result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::transparency));
 }
 
 void ChangeEntries(const PaletteOptions& options, Subject& picture) {

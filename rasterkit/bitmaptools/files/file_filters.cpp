@@ -12,6 +12,8 @@ namespace {
 
 using Extensions = std::span<const std::string_view>;
 
+// The lists stand here and are not made from the codec table: hosts store the indexes, so a new
+// format must not move an entry. GIF and WebP files have no entry.
 constexpr std::array<std::string_view, 7> kOpenExtensions = {"bmp", "jpg", "png", "tif",
                                                              "pdf", "wmf", "emf"};
 constexpr std::array<std::string_view, 5> kGeoExtensions = {"bmp", "jpg", "png", "tif", "pdf"};

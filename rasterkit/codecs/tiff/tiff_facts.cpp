@@ -40,26 +40,26 @@ void ReadGeoKeys(const TiffDirectory& directory, TiffFacts& facts) {
   }
 }
 
-std::vector<std::string> MetadataKinds(const TiffDirectory& directory) {
-  struct Kind {
-    const char* name;
+std::vector<MetadataKind> MetadataKinds(const TiffDirectory& directory) {
+  struct TagsOfKind {
+    MetadataKind kind;
     std::vector<uint16_t> tags;
   };
-  const Kind kinds[] = {
-      {"text",
+  const TagsOfKind kinds[] = {
+      {MetadataKind::text,
        {TIFFTAG_DOCUMENTNAME, TIFFTAG_IMAGEDESCRIPTION, TIFFTAG_MAKE, TIFFTAG_MODEL,
         TIFFTAG_PAGENAME, TIFFTAG_SOFTWARE, TIFFTAG_DATETIME, TIFFTAG_ARTIST, TIFFTAG_HOSTCOMPUTER,
         TIFFTAG_COPYRIGHT}},
-      {"xmp", {TIFFTAG_XMLPACKET}},
-      {"iptc", {TIFFTAG_RICHTIFFIPTC, TIFFTAG_PHOTOSHOP}},
-      {"profile", {TIFFTAG_ICCPROFILE}},
-      {"exif", {TIFFTAG_EXIFIFD, TIFFTAG_GPSIFD}},
+      {MetadataKind::xmp, {TIFFTAG_XMLPACKET}},
+      {MetadataKind::iptc, {TIFFTAG_RICHTIFFIPTC, TIFFTAG_PHOTOSHOP}},
+      {MetadataKind::profile, {TIFFTAG_ICCPROFILE}},
+      {MetadataKind::exif, {TIFFTAG_EXIFIFD, TIFFTAG_GPSIFD}},
   };
-  std::vector<std::string> found;
-  for (const Kind& kind : kinds) {
-    if (std::any_of(kind.tags.begin(), kind.tags.end(),
+  std::vector<MetadataKind> found;
+  for (const TagsOfKind& row : kinds) {
+    if (std::any_of(row.tags.begin(), row.tags.end(),
                     [&](uint16_t tag) { return directory.Has(tag); }))
-      found.emplace_back(kind.name);
+      found.push_back(row.kind);
   }
   return found;
 }

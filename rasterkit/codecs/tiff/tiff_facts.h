@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/codecs/rows/metadata_kind.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/stream.h>
 
@@ -38,9 +39,9 @@ struct TiffFacts {
   bool hasCoordinateSystem = false;
   /// Tag 42113 as text, without blanks around it.
   std::string noData;
-  /// What else is there, as in PictureMetadata: "exif" (also a position alone), "xmp", "iptc",
-  /// "text" (description, maker, software ...), "profile".
-  std::vector<std::string> metadata;
+  /// What else the file holds: exif (also for a position alone), xmp, iptc, text (description,
+  /// maker, software and so on), profile.
+  std::vector<MetadataKind> metadata;
 };
 
 /// Reads the tags of a TIFF file that starts at the stream's position. Throws FormatError for bytes

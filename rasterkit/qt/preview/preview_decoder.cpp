@@ -8,8 +8,8 @@
 #include <utility>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_frame.h>
-#include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/jpegexif/photo_queries.h>
 #include <rasterkit/qt/bitmap_image.h>
 #include <rasterkit/qt/preview/preview_decoder.h>
@@ -56,8 +56,10 @@ class CanceledStream : public TStream {
   const std::atomic<bool>& isCanceled_;
 };
 
+/// An unknown file goes to the decoder, which reports it as broken.
 bool IsDecoded(PictureType type) {
-  return type != PictureType::pdf && type != PictureType::wmf && type != PictureType::emf;
+  const Codec* codec = FindCodec(type);
+  return codec == nullptr || codec->IsDecoded();
 }
 
 int Shrunk(int length, double factor) {

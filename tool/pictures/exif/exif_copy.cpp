@@ -1,7 +1,6 @@
 #include "tool/pictures/exif/exif_copy.h"
 
 #include <array>
-#include <cstring>
 #include <deque>
 
 #include <fmt/format.h>
@@ -18,8 +17,8 @@ namespace {
 
 using Bytes = std::span<const uint8_t>;
 
-bool Is(const JpegSegment& segment, const char* kind) {
-  return std::strcmp(SegmentKind(segment), kind) == 0;
+bool Is(const JpegSegment& segment, MetadataKind kind) {
+  return SegmentKind(segment) == kind;
 }
 
 bool IsMetadata(const JpegSegment& segment) {
@@ -43,7 +42,7 @@ bool IsMetadata(const JpegSegment& segment) {
 bool IsStoredAsRgb(const JpegHeader& header, bool hasJfif) {
   constexpr size_t transformPlace = 11;
   if (hasJfif || header.components != 3) return false;
-  const JpegSegment* adobe = header.Find("adobe");
+  const JpegSegment* adobe = header.Find(MetadataKind::adobe);
   if (adobe != nullptr && adobe->payload.size() > transformPlace)
     return adobe->payload[transformPlace] == 0;
   return header.componentNames == "RGB";
@@ -90,11 +89,13 @@ class Copy {
   /// behind.
   void TakeFromPhoto(const JpegSegment& segment) {
     const bool isOfPixels =
-        Is(segment, "adobe") || (Is(segment, "profile") && picture_.Find("profile") != nullptr);
-    if (isOfPixels || Is(segment, "mpf") || !IsMetadata(segment)) return;
+        Is(segment, MetadataKind::adobe) ||
+        (Is(segment, MetadataKind::profile) && picture_.Find(MetadataKind::profile) != nullptr);
+    if (isOfPixels || Is(segment, MetadataKind::mpf) || !IsMetadata(segment)) return;
     if (segment.marker == kMarkerApp0) {
-      if (Is(segment, "jfif")) saved_.HeaderSegment = Keep(segment, SectionBytes(segment));
-    } else if (Is(segment, "exif") && saved_.ExifSegment == nullptr) {
+      if (Is(segment, MetadataKind::jfif))
+        saved_.HeaderSegment = Keep(segment, SectionBytes(segment));
+    } else if (Is(segment, MetadataKind::exif) && saved_.ExifSegment == nullptr) {
       saved_.ExifSegment = Keep(segment, ExifFor(SectionBytes(segment)));
     } else if (segment.marker == kMarkerApp13 && saved_.IPTCSegment == nullptr) {
       saved_.IPTCSegment = Keep(segment, SectionBytes(segment));
@@ -106,8 +107,9 @@ class Copy {
   }
 
   void TakeFromPicture(const JpegSegment& segment) {
-    if (Is(segment, "adobe") || Is(segment, "profile")) behind_.push_back(segment);
-    if (Is(segment, "jfif") && saved_.HeaderSegment == nullptr)
+    if (Is(segment, MetadataKind::adobe) || Is(segment, MetadataKind::profile))
+      behind_.push_back(segment);
+    if (Is(segment, MetadataKind::jfif) && saved_.HeaderSegment == nullptr)
       saved_.HeaderSegment = Keep(segment, SectionBytes(segment));
   }
 
@@ -138,7 +140,7 @@ class Copy {
 
   void WriteSaved(TMemoryStream& target) {
     saved_.SaveExif(target);
-    const JpegSegment* jfif = picture_.Find("jfif");
+    const JpegSegment* jfif = picture_.Find(MetadataKind::jfif);
     const bool isRgb = IsStoredAsRgb(picture_, jfif != nullptr);
     const bool hasHeader = saved_.ExifSegment == nullptr;
     if (IsStoredAsRgb(picture_, hasHeader) != isRgb) {

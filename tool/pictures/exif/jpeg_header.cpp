@@ -60,26 +60,26 @@ bool StartsWith(Bytes bytes, std::string_view text) {
 struct Mark {
   uint8_t marker;
   std::string_view start;
-  const char* kind;
+  MetadataKind kind;
 };
 
 constexpr std::array<Mark, 9> kMarks = {{
-    {kMarkerApp0, "JFIF\0"sv, "jfif"},
-    {kMarkerApp1, "Exif\0"sv, "exif"},
-    {kMarkerApp1, "http://ns.adobe.com/x"sv, "xmp"},
-    {kMarkerApp2, "ICC_PROFILE\0"sv, "profile"},
-    {kMarkerApp2, "MPF\0"sv, "mpf"},
-    {kMarkerApp13, ""sv, "iptc"},
-    {kMarkerApp14, "Adobe"sv, "adobe"},
-    {kMarkerCom, ""sv, "comment"},
-    {kMarkerApp0, "JFXX\0"sv, "jfxx"},
+    {kMarkerApp0, "JFIF\0"sv, MetadataKind::jfif},
+    {kMarkerApp1, "Exif\0"sv, MetadataKind::exif},
+    {kMarkerApp1, "http://ns.adobe.com/x"sv, MetadataKind::xmp},
+    {kMarkerApp2, "ICC_PROFILE\0"sv, MetadataKind::profile},
+    {kMarkerApp2, "MPF\0"sv, MetadataKind::mpf},
+    {kMarkerApp13, ""sv, MetadataKind::iptc},
+    {kMarkerApp14, "Adobe"sv, MetadataKind::adobe},
+    {kMarkerCom, ""sv, MetadataKind::comment},
+    {kMarkerApp0, "JFXX\0"sv, MetadataKind::jfxx},
 }};
 
 }  // namespace
 
-const JpegSegment* JpegHeader::Find(const char* kind) const {
+const JpegSegment* JpegHeader::Find(MetadataKind kind) const {
   for (const JpegSegment& segment : segments)
-    if (std::strcmp(SegmentKind(segment), kind) == 0) return &segment;
+    if (SegmentKind(segment) == kind) return &segment;
   return nullptr;
 }
 
@@ -125,11 +125,11 @@ std::string MarkerName(uint8_t marker) {
   }
 }
 
-const char* SegmentKind(const JpegSegment& segment) {
+std::optional<MetadataKind> SegmentKind(const JpegSegment& segment) {
   const auto mark = std::find_if(kMarks.begin(), kMarks.end(), [&](const Mark& candidate) {
     return candidate.marker == segment.marker && StartsWith(segment.payload, candidate.start);
   });
-  return mark == kMarks.end() ? "" : mark->kind;
+  return mark == kMarks.end() ? std::nullopt : std::optional(mark->kind);
 }
 
 std::string SectionBytes(const JpegSegment& segment) {

@@ -2,9 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
+
+#include <rasterkit/codecs/rows/metadata_kind.h>
 
 namespace rasterkit::tool {
 
@@ -31,8 +34,8 @@ struct JpegHeader {
   /// One byte each, such as "\1\2\3" or "RGB".
   std::string componentNames;
 
-  /// Null when there is none of that kind (see SegmentKind).
-  const JpegSegment* Find(const char* kind) const;
+  /// The first section of a kind; null if there is none.
+  const JpegSegment* Find(MetadataKind kind) const;
 };
 
 /// Walks the sections of a file that begins with the start marker. Bytes between sections are
@@ -42,9 +45,8 @@ JpegHeader ReadJpegHeader(std::span<const uint8_t> jpeg);
 /// "APP1", "COM", "DQT", "SOF0" ...; "FFxx" for rare ones.
 std::string MarkerName(uint8_t marker);
 
-/// What a section holds: "jfif", "exif", "xmp", "profile", "mpf", "iptc", "adobe", "comment";
-/// empty when it belongs to the picture or nobody here knows it.
-const char* SegmentKind(const JpegSegment& segment);
+/// What a section holds; nothing if it belongs to the picture or is unknown.
+std::optional<MetadataKind> SegmentKind(const JpegSegment& segment);
 
 /// The bytes of a section from its length on, as the library keeps them.
 std::string SectionBytes(const JpegSegment& segment);

@@ -55,9 +55,10 @@ double GreatestDistance(const Affine& a, const Affine& b, int width, int height)
 std::vector<GeoPosition> PositionsInTiff(const TiffFacts& facts) {
   std::vector<GeoPosition> positions;
   if (facts.pixelScale.size() >= 2 && facts.tiePoints.size() >= 6)
-    positions.push_back({"geotiff", "", FromScale(facts)});
+    positions.push_back({MetadataKindName(MetadataKind::geoTiff), "", FromScale(facts)});
   if (facts.transformation.size() >= 16)
-    positions.push_back({"geotiff-transformation", "", FromTransformation(facts)});
+    positions.push_back(
+        {MetadataKindName(MetadataKind::geoTiffTransformation), "", FromTransformation(facts)});
   positions.erase(std::remove_if(positions.begin(), positions.end(),
                                  [](const auto& p) { return !PlacesSomething(p.affine); }),
                   positions.end());
@@ -69,7 +70,7 @@ std::optional<GeoPosition> PositionBeside(const std::string& picture) {
   if (!name) return std::nullopt;
   const auto worldFile = ReadWorldFile(*name);
   if (!worldFile) return std::nullopt;
-  return GeoPosition{"worldfile", worldFile->file, worldFile->affine};
+  return GeoPosition{MetadataKindName(MetadataKind::worldFile), worldFile->file, worldFile->affine};
 }
 
 std::vector<GeoPosition> PositionsOf(const std::string& picture, const TiffFacts& facts) {

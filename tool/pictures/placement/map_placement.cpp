@@ -20,11 +20,13 @@ std::vector<std::string> MapSources(const std::string& input, const TiffFacts& f
   const std::vector<GeoPosition> inTags = PositionsInTiff(facts);
   std::vector<std::string> sources;
   // A world file that cannot be read stays behind all the same.
-  if (FindWorldFile(input)) sources.emplace_back("worldfile");
+  if (FindWorldFile(input)) sources.emplace_back(MetadataKindName(MetadataKind::worldFile));
   for (const GeoPosition& position : inTags) sources.push_back(position.source);
-  if (inTags.empty() && !facts.tiePoints.empty()) sources.emplace_back("tie-points");
-  if (facts.hasCoordinateSystem) sources.emplace_back("coordinate-system");
-  if (!facts.noData.empty()) sources.emplace_back("nodata");
+  if (inTags.empty() && !facts.tiePoints.empty())
+    sources.emplace_back(MetadataKindName(MetadataKind::tiePoints));
+  if (facts.hasCoordinateSystem)
+    sources.emplace_back(MetadataKindName(MetadataKind::coordinateSystem));
+  if (!facts.noData.empty()) sources.emplace_back(MetadataKindName(MetadataKind::noData));
   return sources;
 }
 

@@ -67,7 +67,8 @@ std::string ReasonForNoNumbers(const std::string& name) {
 Found FromWorldFile(const std::string& name) {
   const auto worldFile = ReadWorldFile(name);
   if (!worldFile) throw Failure(exitInputUnreadable, name + ": " + ReasonForNoNumbers(name));
-  Found found{PlacementOf(worldFile->affine, name), "worldfile", {}, {}};
+  Found found{
+      PlacementOf(worldFile->affine, name), MetadataKindName(MetadataKind::worldFile), {}, {}};
   if (worldFile->hasDecimalCommas)
     found.warnings.push_back(name + ": commas were read as decimal points");
   return found;
@@ -90,7 +91,7 @@ Found FromNamedFile(const std::string& name, const std::string& input) {
   const auto beside = FindWorldFile(input);
   std::error_code ignored;
   if (beside && std::filesystem::equivalent(ToPath(name), ToPath(*beside), ignored))
-    found.carriedOver.emplace_back("worldfile");
+    found.carriedOver.emplace_back(MetadataKindName(MetadataKind::worldFile));
   return found;
 }
 
