@@ -86,7 +86,9 @@ TEST(CodecTable, Alpha_Should_SurviveWhereTheRowSaysSo) {
     const Raster again = WriteAndRead(codec, raster);
     const bool hasAlpha = again.Format() == pf32bit && again.alphaFormat == afDefined;
     EXPECT_EQ(hasAlpha, codec.keepsAlpha) << codec.name;
-    if (hasAlpha) EXPECT_EQ(again.Row(1)[4 * 2 + 3], 100) << codec.name;
+    if (hasAlpha) {
+      EXPECT_EQ(again.Row(1)[4 * 2 + 3], 100) << codec.name;
+    }
   }
 }
 

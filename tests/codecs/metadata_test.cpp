@@ -95,7 +95,7 @@ TEST(Metadata, OtherBytes_Should_HaveNone) {
     EXPECT_THAT(Read(bytes).kinds, IsEmpty());
 }
 
-/// A GIF file of a palette of four colours on a screen of two by two pixels.
+/// A GIF file of a palette of four colors on a screen of two by two pixels.
 std::string Gif(const std::string& blocks) {
   return "GIF89a\2\0\2\0\x81\0\0"s + std::string(12, '\x40') + blocks + ";";
 }

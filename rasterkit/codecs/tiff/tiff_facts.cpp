@@ -14,12 +14,12 @@ namespace {
 
 using detail::TiffDirectory;
 
-constexpr int mostPages = 65535;
+constexpr int kMostPages = 65535;
 
-/// Tie points beyond this many are not looked at: a warped picture has some hundreds.
-constexpr size_t mostTiePoints = 4096;
+/// Further tie points are ignored: a warped picture has some hundreds.
+constexpr size_t kMostTiePoints = 4096;
 
-/// The tag's numbers when they come in groups of `group`, else nothing.
+/// Reads a tag whose numbers come in groups of `group`; empty if they do not.
 std::vector<double> Grouped(const TiffDirectory& directory, uint16_t tag, size_t group,
                             size_t most) {
   std::vector<double> values = directory.Numbers(tag, most);
@@ -27,8 +27,8 @@ std::vector<double> Grouped(const TiffDirectory& directory, uint16_t tag, size_t
   return values;
 }
 
-/// Keys are quadruples of id, place of the value (0: here), count and value; the first quadruple
-/// says how many follow.
+/// Keys are quadruples of id, place of the value (0: here), count and value. The first quadruple
+/// holds the number of those that follow.
 void ReadGeoKeys(const TiffDirectory& directory, TiffFacts& facts) {
   const std::vector<double> keys = directory.Numbers(detail::kGeoKeysTag, 4 * 1024);
   for (size_t i = 4; i + 4 <= keys.size(); i += 4) {
@@ -71,7 +71,7 @@ void ReadPixelLayout(const TiffDirectory& directory, TiffFacts& facts) {
   facts.width = directory.Number(TIFFTAG_IMAGEWIDTH).value_or(0);
   facts.height = directory.Number(TIFFTAG_IMAGELENGTH).value_or(0);
   if (facts.width == 0 || facts.height == 0)
-    throw FormatError("TIFF: the first directory tells no size");
+    throw FormatError("TIFF: the first directory has no size");
   facts.bitsPerSample = number(TIFFTAG_BITSPERSAMPLE, 1);
   facts.samples = number(TIFFTAG_SAMPLESPERPIXEL, 1);
   facts.sampleFormat = number(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
@@ -89,11 +89,11 @@ TiffFacts FactsOf(TStream& stream) {
   ReadPixelLayout(directory, facts);
   facts.isBigTiff = directory.IsBigTiff();
   facts.isBigEndian = directory.IsBigEndian();
-  const TiffDirectory::Pages pages = directory.CountDirectories(mostPages);
+  const TiffDirectory::Pages pages = directory.CountDirectories(kMostPages);
   facts.pages = pages.all;
   facts.secondaryPages = pages.secondary;
   facts.pixelScale = Grouped(directory, detail::kPixelScaleTag, 3, 3);
-  facts.tiePoints = Grouped(directory, detail::kTiePointTag, 6, 6 * mostTiePoints);
+  facts.tiePoints = Grouped(directory, detail::kTiePointTag, 6, 6 * kMostTiePoints);
   facts.transformation = Grouped(directory, detail::kTransformationTag, 16, 16);
   ReadGeoKeys(directory, facts);
   facts.noData = directory.Text(detail::kNoDataTag);

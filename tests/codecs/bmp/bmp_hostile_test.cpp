@@ -1,5 +1,5 @@
-// Files that lie, end early or ask for the moon: a picture with a warning, or an error that says
-// why.
+// Damaged, truncated and exaggerating files: they give a picture with a warning, or an error with the
+// reason.
 
 #include <limits>
 
