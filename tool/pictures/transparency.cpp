@@ -3,6 +3,8 @@
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/png_image.h>
 
+#include "tool/command/color_digits.h"
+
 namespace rasterkit::tool {
 namespace {
 
@@ -19,7 +21,8 @@ void ForgetTransparency(TBitmap& bitmap) {
   bitmap.SetAlphaFormat(afIgnored);
 }
 
-/// By way of 24 bits, as the fourth byte of a 32-bit picture without an alpha channel is anything.
+/// Converts to 24-bit first: the fourth byte of a 32-bit picture without an alpha channel is
+/// undefined.
 void MakeOpaqueAlpha(TBitmap& bitmap) {
   ForgetTransparency(bitmap);
   if (bitmap.PixelFormat() == pf32bit) bitmap.SetPixelFormat(pf24bit);

@@ -16,7 +16,7 @@ std::string SourceText(const GeoPosition& position) {
 std::string PositionText(const GeoPosition& position) {
   const auto [perColumnX, perColumnY, perRowX, perRowY, x, y] = position.affine;
   return fmt::format(
-      "{}: pixel 0,0 has its centre at {},{}; one column on adds {},{}, one row down adds {},{}",
+      "{}: pixel 0,0 has its center at {},{}; one column on adds {},{}, one row down adds {},{}",
       SourceText(position), x, y, perColumnX, perColumnY, perRowX, perRowY);
 }
 
