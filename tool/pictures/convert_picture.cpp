@@ -26,9 +26,9 @@ TColor SolidBackground(const PictureOptions& options) {
   return color < 0 ? clWhite : color;
 }
 
-/// What becomes of transparency that the output cannot hold. Pixels of an alpha channel, and all
-/// that JPEG would blur, are painted onto the background; a bitmap file keeps the pixels of a
-/// transparent colour and forgets that they were.
+/// What happens to transparency that the output cannot hold. Alpha channels, and any transparency
+/// in JPEG, are painted onto the background. A bitmap file keeps the pixels of a transparent color
+/// but not the mark.
 enum class Transparency { none, forgotten, painted };
 
 Transparency LostTransparency(const TBitmap& bitmap, PictureType type, int bits) {
@@ -46,18 +46,18 @@ void Remove(std::vector<std::string>& names, const std::string& name) {
   names.erase(std::remove(names.begin(), names.end(), name), names.end());
 }
 
-/// One for each processor unless told otherwise.
+/// One thread per processor unless --threads is given.
 int CodecThreads(const PictureOptions& options) {
   if (options.threads > 0) return options.threads;
   return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, 64u));
 }
 
-/// Rows stay where they are, so that what places them on a map still holds.
+/// True if rows and columns stay as stored, so that the map position of the input stays valid.
 bool StaysAsStored(const LoadedPicture& picture, const PictureOptions& options) {
   return picture.photo.orientation.value_or(1) == 1 && std::remainder(options.angle, 360.0) == 0;
 }
 
-/// What no output of the tool can hold, and what the position of the input is called.
+/// Lists metadata that no output of the tool can hold, and the sources of the input's map position.
 std::vector<std::string> AtRisk(const LoadedPicture& picture, const MapPlacement& placement) {
   std::vector<std::string> names = MetadataKindNames(picture.metadata);
   if (picture.photo.gps) names.emplace_back(MetadataKindName(MetadataKind::gps));
@@ -75,12 +75,14 @@ MetafileDrawing DrawingOf(const PictureOptions& options) {
 
 void NoteUnusedSize(LoadedPicture& picture, const PictureOptions& options) {
   if (picture.metafile || !options.metafile.IsAsked()) return;
-  picture.warnings.emplace_back("--dpi and --size are for metafiles, this picture keeps its size");
+  picture.warnings.emplace_back(
+      "--dpi and --size apply only to metafiles; this picture keeps its size");
 }
 
 void NotePages(const LoadedPicture& picture, JobResult& result) {
   if (picture.Pictures() <= 1) return;
-  result.warnings.push_back(fmt::format("the first of {} pictures is taken", picture.Pictures()));
+  result.warnings.push_back(
+      fmt::format("only the first of {} pictures is used", picture.Pictures()));
 }
 
 void Save(const LoadedPicture& picture, const Job& job, const PictureOptions& options,
@@ -94,7 +96,7 @@ void Save(const LoadedPicture& picture, const Job& job, const PictureOptions& op
   SavePicture(*picture.bitmap, job.output, saving);
 }
 
-/// Paints or forgets what the output cannot hold, and reports it.
+/// Removes transparency that the output cannot hold, and reports it.
 void FitTransparency(Subject& picture, PictureType type) {
   const Transparency lost = LostTransparency(*picture.bitmap, type, picture.options.bits);
   if (lost == Transparency::painted) picture.PaintTransparency();
@@ -167,7 +169,7 @@ JobResult ConvertLoaded(LoadedPicture& picture, const Job& job, const PictureOpt
   } catch (const Error& error) {
     throw Failure(exitOutputNotWritten, job.output + ": " + error.Reason());
   } catch (const std::bad_alloc&) {
-    throw Failure(exitOutputNotWritten, job.output + ": not enough memory");
+    throw Failure(exitOutputNotWritten, job.output + ": out of memory");
   }
 }
 

@@ -18,24 +18,24 @@ namespace {
 constexpr double kDefaultDpi = 96, kHundredthsPerInch = 2540;
 
 int Pixels(int mm100, double dpi) {
-  constexpr double most = 1e9;
-  return static_cast<int>(std::clamp(std::round(mm100 * dpi / kHundredthsPerInch), 1.0, most));
+  constexpr double kMost = 1e9;
+  return static_cast<int>(std::clamp(std::round(mm100 * dpi / kHundredthsPerInch), 1.0, kMost));
 }
 
-/// The size that the file says.
+/// The size that the file states, in pixels at 96 pixels per inch.
 PictureSize OwnSize(const TMetafile& metafile, bool isForFacts) {
-  constexpr double mostPixels = 1 << 28, mostForFacts = 1 << 24;
+  constexpr double kMostPixels = 1 << 28, kMostForFacts = 1 << 24;
   const int width = metafile.Width(), height = metafile.Height();
   const double pixels = double{1} * width * height;
-  if (isForFacts && pixels > mostForFacts) {
-    const double smaller = std::sqrt(mostForFacts / pixels);
+  if (isForFacts && pixels > kMostForFacts) {
+    const double smaller = std::sqrt(kMostForFacts / pixels);
     return {std::max(1, static_cast<int>(width * smaller)),
             std::max(1, static_cast<int>(height * smaller))};
   }
-  if (pixels <= mostPixels) return {width, height};
+  if (pixels <= kMostPixels) return {width, height};
   throw LimitError(fmt::format(
-      "metafile: the drawing is {} x {} pixels large; `rasterkit convert` draws it smaller with "
-      "--size or --dpi",
+      "metafile: the drawing has {} x {} pixels; `rasterkit convert` with --size or --dpi "
+      "makes it smaller",
       width, height));
 }
 

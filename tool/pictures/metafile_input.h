@@ -12,15 +12,15 @@
 
 namespace rasterkit::tool {
 
-/// How a metafile becomes pixels.
+/// How a metafile is turned into pixels.
 struct MetafileDrawing {
-  /// Pixels an inch; 0 is 96, or what `size` makes of the picture.
+  /// Pixels per inch; 0 is 96, or follows from `size`.
   double dpi = 0;
-  /// Both sides 0: as large as `dpi` makes it.
+  /// Both sides 0: the size follows from `dpi`.
   PictureSize size;
-  /// What the records do not paint.
+  /// Color of pixels that the records do not paint.
   TColor background = clWhite;
-  /// Nobody looks at the pixels: a large drawing may be made smaller.
+  /// The pixels are not shown to anyone: a large drawing may be scaled down.
   bool isForFacts = false;
 
   bool IsAsked() const { return dpi > 0 || size.width > 0 || size.height > 0; }
@@ -28,17 +28,18 @@ struct MetafileDrawing {
 
 struct DrawnMetafile {
   MetafileFacts facts;
-  /// 24 bits; its resolution is what the drawing was made for.
+  /// 24-bit; its resolution is that of the drawing.
   Raster rows;
   std::vector<std::string> warnings;
 };
 
-/// What the records say about themselves. Throws the library's errors for bytes that are none.
+/// Reads size, program and title from the records. Throws the library's errors if the bytes are not
+/// a metafile.
 MetafileFacts MetafileFactsOf(std::span<const uint8_t> bytes);
 
-/// Draws the records. Throws the library's errors: for bytes that cannot be drawn, for more pixels
-/// than there may be, and for more than 268 million where no size was asked for, as a few damaged
-/// bytes in a header say so sooner than anybody who draws.
+/// Draws the records. Throws the library's errors if the bytes cannot be drawn, if the drawing has
+/// too many pixels, or, without a requested size, if it has more than 268 million: such a size is
+/// more likely a damaged header than a real drawing.
 DrawnMetafile DrawMetafile(std::span<const uint8_t> bytes, const MetafileDrawing& drawing);
 
 }  // namespace rasterkit::tool

@@ -22,15 +22,16 @@ bool IsEmfName(const std::string& file) {
 
 void RequireMetafile(PictureType type, const std::string& file) {
   if (type == PictureType::emf || type == PictureType::wmf) return;
-  if (type == PictureType::unknown) throw FormatError("the data are no picture of a known kind");
-  throw Failure(exitOutputNotWritten, file + ": pixels cannot become a metafile");
+  if (type == PictureType::unknown) throw FormatError("the data is not a picture of a known type");
+  throw Failure(exitOutputNotWritten,
+                file + ": a picture of pixels cannot be written as a metafile");
 }
 
 void Load(TMetafile& metafile, const std::string& file) {
   try {
     const InterruptibleInput waiting(file);
     TFileStream stream(file);
-    // A large picture need not be read to be refused; a pipe cannot be looked at before.
+    // Refuses a large picture without reading all of it. A pipe cannot be read twice.
     if (stream.Size() > 0) RequireMetafile(SniffPictureType(stream), file);
     const std::vector<uint8_t> bytes = stream.ReadToEnd();
     RequireMetafile(SniffPictureType(bytes), file);
@@ -50,7 +51,7 @@ void Save(TMetafile& metafile, const std::string& file) {
   } catch (const Error& error) {
     throw Failure(exitOutputNotWritten, file + ": " + error.Reason());
   } catch (const std::bad_alloc&) {
-    throw Failure(exitOutputNotWritten, file + ": not enough memory");
+    throw Failure(exitOutputNotWritten, file + ": out of memory");
   }
 }
 
@@ -67,9 +68,10 @@ bool IsMetafileName(const std::string& file) {
 
 JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
   if (options.angle != 0) {
-    throw Failure(exitWrongUsage, job.output +
-                                      ": a metafile is not turned; --angle needs an output of "
-                                      "pixels (.bmp, .jpg, .png, .tif)");
+    throw Failure(exitWrongUsage,
+                  job.output +
+                      ": a metafile cannot be turned; --angle requires an output of "
+                      "pixels (.bmp, .jpg, .png, .tif)");
   }
   TMetafile metafile;
   Load(metafile, job.input);
@@ -84,10 +86,10 @@ JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
   result.warnings = metafile.Facts().warnings;
   if (IsForPixels(options)) {
     result.warnings.emplace_back(
-        "--background, --bits, --dpi and --size are for outputs of pixels; a metafile is written "
-        "as it is");
+        "--background, --bits, --dpi and --size apply only to outputs of pixels; a metafile is "
+        "written unchanged");
   }
-  // What was drawn as lines is pixels now.
+  // The WMF file holds pixels instead of the records.
   if (wasEnhanced && !metafile.Enhanced())
     result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::records));
   return result;

@@ -7,12 +7,12 @@
 
 namespace rasterkit::tool {
 
-/// Whether a file of this name holds a metafile: ".wmf", ".emf".
+/// True if a file of this name is a metafile: ".wmf", ".emf".
 bool IsMetafileName(const std::string& file);
 
-/// Writes the metafile `job.input` under `job.output`: as it is when it is of the output's kind,
-/// else in that kind. Throws Failure for inputs that are no metafiles, for kinds that one cannot
-/// become, and for a turn, which records do not take; other options for pixels get a warning.
+/// Writes the metafile `job.input` to `job.output`: unchanged if it has the type of the output,
+/// else converted. Throws Failure if the input is not a metafile, if its type cannot be converted,
+/// and for --angle, because records cannot be turned. Other options for pixels cause a warning.
 JobResult ConvertMetafile(const Job& job, const PictureOptions& options);
 
 }  // namespace rasterkit::tool

@@ -39,7 +39,7 @@ std::vector<std::string> ExtrasOfBytes(const std::string& file, const std::vecto
   return names;
 }
 
-/// Bitmap files, which may be huge, have nothing in them to look for.
+/// Bitmap files can be huge and have no metadata.
 std::vector<std::string> ExtrasOf(const std::string& file) {
   TFileStream stream(file);
   const PictureType type = SniffPictureType(stream);

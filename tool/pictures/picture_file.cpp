@@ -24,7 +24,7 @@ void AddWarnings(PictureFile& file, const CodecReport& report) {
   file.warnings.insert(file.warnings.end(), report.warnings.begin(), report.warnings.end());
 }
 
-/// A file whose directories cannot be read is refused by the decoder, in its own words.
+/// If the directories cannot be read, the decoder reports the error.
 void ReadFacts(LoadedFrame& loaded, TStream& stream) {
   try {
     loaded.tiff = ReadTiffFacts(stream);
@@ -35,7 +35,7 @@ void ReadFacts(LoadedFrame& loaded, TStream& stream) {
   stream.SetPosition(0);
 }
 
-/// TIFF files can be huge: facts and rows are read where they lie.
+/// TIFF files can be huge: facts and rows are read directly from the stream.
 void LoadTiff(LoadedFrame& loaded, TStream& stream, int threads) {
   loaded.bytes = stream.Size();
   ReadFacts(loaded, stream);
@@ -45,7 +45,7 @@ void LoadTiff(LoadedFrame& loaded, TStream& stream, int threads) {
   AddWarnings(loaded, report);
 }
 
-/// The other kinds are pictures, whatever their rows are like.
+/// The other types are pictures, never grids.
 void Take(LoadedFrame& loaded, Raster rows, const CodecReport& report) {
   loaded.frame.rows = std::move(rows);
   AddWarnings(loaded, report);
@@ -55,7 +55,7 @@ bool IsMetafile(PictureType type) {
   return type == PictureType::wmf || type == PictureType::emf;
 }
 
-/// What the records say is known even when they cannot be drawn.
+/// Facts of the records are stored even if drawing fails.
 void LoadMetafile(LoadedFrame& loaded, std::span<const uint8_t> bytes,
                   const MetafileDrawing& drawing) {
   loaded.metafile = MetafileFactsOf(bytes);
@@ -94,9 +94,8 @@ bool HasMetadata(PictureType type) {
   return codec != nullptr && codec->readMetadata != nullptr;
 }
 
-/// Bitmap and TIFF files can be huge: their rows go straight from the file to where they belong.
-/// What is no picture may be even larger and is not read at all. A pipe has no size and cannot be
-/// rewound.
+/// Bitmap and TIFF files can be huge: their rows are read directly from the stream. A file that is
+/// not a picture is not read at all. A pipe has no size and cannot be rewound.
 void LoadStream(LoadedFrame& loaded, TStream& stream, int threads, const MetafileDrawing& drawing) {
   const bool isFile = stream.Size() > 0;
   if (isFile) loaded.type = SniffPictureType(stream);
@@ -109,14 +108,14 @@ void LoadStream(LoadedFrame& loaded, TStream& stream, int threads, const Metafil
   LoadBytes(loaded, isFile ? stream.ReadToEnd() : ReadUnsizedPicture(stream), threads, drawing);
 }
 
-/// Runs a reading of the file; what it throws names the file.
+/// Runs a function that reads the file; adds the file name to errors.
 void Guarded(const std::string& file, const std::function<void()>& reading) {
   try {
     reading();
   } catch (const Error& error) {
     throw Failure(exitInputUnreadable, file + ": " + error.Reason());
   } catch (const std::bad_alloc&) {
-    throw Failure(exitInputUnreadable, file + ": not enough memory");
+    throw Failure(exitInputUnreadable, file + ": out of memory");
   }
 }
 

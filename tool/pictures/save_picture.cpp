@@ -55,7 +55,7 @@ void SavePicture(const TBitmap& bitmap, const std::string& name, const SaveOptio
   } catch (const Error& error) {
     throw Failure(exitOutputNotWritten, name + ": " + error.Reason());
   } catch (const std::bad_alloc&) {
-    throw Failure(exitOutputNotWritten, name + ": not enough memory");
+    throw Failure(exitOutputNotWritten, name + ": out of memory");
   }
 }
 

@@ -10,8 +10,8 @@
 namespace rasterkit::tool {
 namespace {
 
-/// The same numbers as floats, which hold all of them exactly, with NaN for "no data": the library
-/// stretches around those.
+/// Converts the numbers to floats, which hold all of them exactly, with NaN for "no data": the
+/// library's stretch ignores NaN.
 ImagingFrame WithoutNoData(ImagingFrame frame, GridType type, const NoData& noData) {
   Raster floats(pf32bit, frame.rows.Width(), frame.rows.Height());
   floats.CopyProperties(frame.rows);

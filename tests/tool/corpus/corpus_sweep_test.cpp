@@ -105,10 +105,10 @@ class CorpusSweep : public testing::TestWithParam<std::string> {
     double latitude = 0, longitude = 0;
     std::sscanf(text.c_str(), "%lf,%lf", &latitude, &longitude);
     if (!facts.at("gps").is_object()) return Expect(false, entry, "has no position");
-    constexpr double tolerance = 1e-6;
-    Expect(std::abs(facts["gps"]["latitude"].get<double>() - latitude) < tolerance, entry,
+    constexpr double kTolerance = 1e-6;
+    Expect(std::abs(facts["gps"]["latitude"].get<double>() - latitude) < kTolerance, entry,
            "latitude " + facts["gps"]["latitude"].dump());
-    Expect(std::abs(facts["gps"]["longitude"].get<double>() - longitude) < tolerance, entry,
+    Expect(std::abs(facts["gps"]["longitude"].get<double>() - longitude) < kTolerance, entry,
            "longitude " + facts["gps"]["longitude"].dump());
   }
 
@@ -145,7 +145,7 @@ class CorpusSweep : public testing::TestWithParam<std::string> {
     if (std::sscanf(text.c_str() + at, "geotransform=%lf,%lf,%lf,%lf,%lf,%lf", &t[0], &t[1], &t[2],
                     &t[3], &t[4], &t[5]) != 6)
       return;
-    // The index counts from the corner of the first pixel, the tool from its centre.
+    // The index counts from the corner of the first pixel, the tool from its center.
     const double expected[6] = {
         t[1], t[4], t[2], t[5], t[0] + (t[1] + t[2]) / 2, t[3] + (t[4] + t[5]) / 2};
     for (int i = 0; i < 6; ++i) {

@@ -117,7 +117,7 @@ TEST_F(ExifPeer, Copy_Should_CarryAllTagsIntoAnotherPicture) {
                    name);
 }
 
-/// Pictures of every colour model, under metadata with and without EXIF data.
+/// Pictures of every color model, under metadata with and without EXIF data.
 TEST(ExifCorpusPictures, Copy_Should_ChangeNoPixel) {
   if (CorpusFolder().empty()) GTEST_SKIP() << "no corpus";
   const TempFolder folder;

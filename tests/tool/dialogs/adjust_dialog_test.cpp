@@ -98,7 +98,7 @@ TEST_F(CliDialogAdjust, Cancel_Should_Exit1AndWriteNothing) {
   for (const char* script : {"click nbCancel", "type SpEdLightness 20; key Escape", "close"}) {
     const ToolResult result = RunVerb("adjust", Colors(), script);
     EXPECT_EQ(result.code, 1) << script;
-    EXPECT_THAT(result.err, HasSubstr("cancelled")) << script;
+    EXPECT_THAT(result.err, HasSubstr("canceled")) << script;
     EXPECT_FALSE(HasOutput()) << script;
   }
 }

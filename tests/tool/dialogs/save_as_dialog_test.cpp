@@ -159,7 +159,7 @@ TEST_F(CliDialogSaveAs, PixelsOfNone_Should_BeRefused) {
              {"--pixels"});
   EXPECT_EQ(result.code, 4);
   EXPECT_EQ(result.out, "");
-  EXPECT_THAT(result.err, HasSubstr("0 x 0 is no size"));
+  EXPECT_THAT(result.err, HasSubstr("0 x 0 is not a valid size"));
   EXPECT_FALSE(std::filesystem::exists(folder_ / "new.png"));
 }
 
@@ -194,7 +194,7 @@ TEST_F(CliDialogSaveAs, Cancel_Should_Exit1) {
     const ToolResult result = SaveAs(script);
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "rasterkit: " + (folder_ / "in.png") + ": cancelled\n") << script;
+    EXPECT_EQ(result.err, "rasterkit: " + (folder_ / "in.png") + ": canceled\n") << script;
   }
   EXPECT_THAT(folder_.Names(), ElementsAre("in.png"));
 }

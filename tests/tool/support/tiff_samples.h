@@ -10,7 +10,7 @@
 /// TIFF files for the tool to work on.
 namespace rasterkit::test {
 
-/// Uncompressed, one strip; neighbouring pixels differ.
+/// Uncompressed, one strip; neighboring pixels differ.
 TiffFile GrayTiff(uint32_t width, uint32_t height, uint16_t bits);
 TiffFile ColorTiff(uint32_t width, uint32_t height);
 
@@ -22,7 +22,7 @@ void SetPosition(TIFF* tiff, double size, double x, double y);
 void SetLooseTiePoints(TIFF* tiff);
 void SetNoData(TIFF* tiff, const char* text);
 
-/// 8-bit grey pages of those sizes; `copies` are the indexes of pages that call themselves a
+/// 8-bit gray pages of those sizes; `copies` are the indexes of pages that call themselves a
 /// smaller copy. Pixels of page i are 50 i.
 void WritePages(const std::string& file, const std::vector<std::pair<uint32_t, uint32_t>>& sizes,
                 const std::vector<size_t>& copies);

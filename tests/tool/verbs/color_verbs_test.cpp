@@ -1,4 +1,4 @@
-// Verbs that change colours: beside the library's routines on true colour, and by the same rule on
+// Verbs that change colors: beside the library's routines on true color, and by the same rule on
 // every palette.
 
 #include <functional>
@@ -27,7 +27,7 @@ TColor Gray(TColor color) {
   return RGB(gray, gray, gray);
 }
 
-/// A 24-bit picture of every kind of colour: dark, light, black, white, nearly white.
+/// A 24-bit picture of every kind of color: dark, light, black, white, nearly white.
 Raster Colors() {
   Raster raster = GradientRaster(pf24bit, 83, 52);
   for (int x = 0; x < 20; ++x)
@@ -279,7 +279,7 @@ TEST_F(CliAdjust, Sharpen_Should_StrengthenAnEdgeAndSoftenItBelowZero) {
   edge.ClearPadding();
   const Raster sharper = Changed("adjust", edge, {"--sharpen", "50"});
   const Raster softer = Changed("adjust", edge, {"--sharpen", "-100"});
-  // Three of nine neighbours are 30 away: the mean is 10 nearer to the other side.
+  // Three of nine neighbors are 30 away: the mean is 10 nearer to the other side.
   EXPECT_EQ(sharper.Row(1)[9], 80);
   EXPECT_EQ(sharper.Row(1)[12], 130);
   EXPECT_EQ(softer.Row(1)[9], 100);

@@ -24,7 +24,7 @@ bool IsNearWhite(TColor color) {
   return red > 250 && green > 250 && blue > 250;
 }
 
-/// Every second column from the third on is this colour.
+/// Every second column from the third on is this color.
 Raster Striped(Raster raster, uint8_t value) {
   for (int y = 0; y < raster.Height(); ++y)
     for (int x = 2; x < raster.Width(); x += 2)

@@ -64,7 +64,7 @@ class CliGeoTiffWrite : public testing::Test {
   std::string out_ = folder_ / "plan.tif";
 };
 
-TEST_F(CliGeoTiffWrite, WorldFile_Should_BecomeTheCorner_When_ItStatesACentre) {
+TEST_F(CliGeoTiffWrite, WorldFile_Should_BecomeTheCorner_When_ItStatesACenter) {
   WriteText(folder_ / "plan.pgw", "0.5\n0.0\n0.0\n-0.25\n4468000.25\n5333999.875\n");
   const ToolResult result = Write();
   EXPECT_EQ(result.code, 0) << result.err;
@@ -215,7 +215,7 @@ TEST_F(CliGeoTiffWrite, Photograph_Should_BeRefused_When_AWorldFileSpeaksOfItsSt
 
 class CliGeoTiffRewrite : public CliGeoTiffWrite {
  protected:
-  /// A grey 8-bit TIFF with tags of its own.
+  /// A gray 8-bit TIFF with tags of its own.
   void SaveTiff(samples::GridTiff grid) {
     grid.width = 3;
     grid.height = 2;

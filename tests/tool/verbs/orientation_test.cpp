@@ -58,7 +58,7 @@ Raster SetUpright(const Raster& stored, int orientation) {
   return upright;
 }
 
-/// Orientation, whether the photograph is grey (8-bit).
+/// Orientation, whether the photograph is gray (8-bit).
 class CliOrientation : public testing::TestWithParam<std::tuple<int, bool>> {
  protected:
   int Orientation() const { return std::get<0>(GetParam()); }
