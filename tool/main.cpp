@@ -42,7 +42,7 @@ HelpPage ToolHelp() {
       "'rasterkit VERB --help' explains a verb."};
   help.sections = {{"Exit codes",
                     {{"0", "done"},
-                     {"1", "the answer is no"},
+                     {"1", "the answer is no, or a window was canceled"},
                      {"2", "wrong usage"},
                      {"3", "an input cannot be read"},
                      {"4", "an output was not written"},

@@ -89,6 +89,19 @@ struct CommandLine::Parts {
     return exitDone;
   }
 
+  /// Says which option has too few or too many values; `what` begins with its name and a colon.
+  std::string Mismatch(const std::string& what) const {
+    const std::string name = what.substr(0, what.find(':'));
+    const VerbParts* const verb = Chosen();
+    if (verb == nullptr) return what;
+    for (const OptionParts& option : verb->options) {
+      if (option.parsed->get_name() != name) continue;
+      if (option.name.empty()) return "the required files are " + option.entry.name;
+      return name + (option.parsed->count() > 1 ? " was given more than once" : " needs a value");
+    }
+    return what;
+  }
+
   int Refuse(const std::string& what) const {
     const VerbParts* const verb = Chosen();
     const std::string name = verb == nullptr ? "rasterkit" : "rasterkit " + verb->help.name;
@@ -122,6 +135,10 @@ std::optional<int> CommandLine::Parse(int argc, char** argv) {
   } catch (const CLI::CallForVersion& version) {
     std::printf("%s\n", version.what());
     return exitDone;
+  } catch (const CLI::ExtrasError&) {
+    return parts_->Refuse("unknown argument: " + Joined(parts_->app.remaining(true)));
+  } catch (const CLI::ArgumentMismatch& error) {
+    return parts_->Refuse(parts_->Mismatch(error.what()));
   } catch (const CLI::ParseError& error) {
     return parts_->Refuse(error.what());
   }

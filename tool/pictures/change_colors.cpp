@@ -4,7 +4,7 @@
 #include <array>
 #include <vector>
 
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/transparency.h"
 
 namespace rasterkit::tool {

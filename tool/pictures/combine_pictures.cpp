@@ -5,7 +5,7 @@
 #include <rasterkit/bitmaptools/engine/pixel_transfer.h>
 #include <rasterkit/graphics/canvas.h>
 
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/transparency.h"
 
 namespace rasterkit::tool {

@@ -2,7 +2,7 @@
 
 #include <rasterkit/bitmaptools/engine/composition.h>
 
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/transparency.h"
 
 namespace rasterkit::tool {

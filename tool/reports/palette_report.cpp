@@ -7,7 +7,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/json.h"
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/picture_file.h"
 #include "tool/pictures/transparency.h"
 

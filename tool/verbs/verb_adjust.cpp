@@ -10,7 +10,7 @@
 #include "tool/pictures/adjust_values.h"
 #include "tool/pictures/change_colors.h"
 #include "tool/pictures/entry_colors.h"
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
 
@@ -101,7 +101,7 @@ VerbRunner AddAdjustVerb(CommandLine& line) {
   PictureVerb verb(
       line,
       {"adjust",
-       "change brightness, contrast, sharpness and colors at once",
+       "change brightness, contrast, sharpness and colors",
        {"Values are percentages from -100 to 100; 0 changes nothing. They are applied in this "
         "order: brightness, contrast, sharpness, colors.",
         "Pictures with a palette keep the palette and their depth unless they are sharpened; all "

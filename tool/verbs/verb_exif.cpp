@@ -152,8 +152,7 @@ VerbRunner AddExifVerb(CommandLine& line) {
                    "files to show; with an option that writes, one input and the output");
   const Option copy = verb.Text("--copy-from", "PHOTO", options->copyFrom, {},
                                 "write the input with the metadata of this photograph");
-  verb.Flag("--keep-orientation", options->keepOrientation,
-            "with --copy-from: keep the orientation of the input")
+  verb.Flag("--keep-orientation", options->keepOrientation, "keep the orientation of the input")
       .Needs(copy);
   const Option strip = verb.Flag("--strip-thumbnail", options->stripThumbnail,
                                  "write the photograph without its thumbnail");

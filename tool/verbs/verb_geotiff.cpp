@@ -122,7 +122,7 @@ int Write(GeoTiffOptions options) {
 VerbRunner AddGeoTiffVerb(CommandLine& line) {
   Verb verb = line.AddVerb(
       {"geotiff",
-       "write a picture with its map position; show the values of a grid",
+       "write the map position, or show the values of a grid",
        {"With an output: writes the picture upright as a TIFF file with its position on the map. "
         "The position comes from --origin and --pixel-size, or else from a world file, or else "
         "from the tags of the input.",

@@ -1,7 +1,7 @@
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
 
 #include "tool/pictures/change_colors.h"
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
 

@@ -6,7 +6,7 @@
 
 #include "tool/command/color_digits.h"
 #include "tool/command/exit_code.h"
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/reports/palette_report.h"
 #include "tool/verbs/picture_verb.h"
 

@@ -37,7 +37,7 @@ void AddPdfOptions(Verb& verb, PdfArguments& arguments) {
   const Option mono = verb.Flag("--mono", arguments.mono, "write 1-bit black and white");
   gray.Excludes(mono);
   verb.Number("--threshold", "T", options.threshold, {0, 256},
-              "with --mono: lowest gray value that becomes white, 0 to 256 [125]")
+              "lowest gray value that becomes white, 0 to 256 [125]")
       .Needs(mono);
   verb.Text("--password", "TEXT", options.password, {},
             "password of an encrypted file (other users of the machine may see the command line)");

@@ -5,7 +5,7 @@
 
 #include <rasterkit/bitmaptools/pixels/transparency.h>
 
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -66,7 +66,7 @@ VerbRunner AddPdfWhiteVerb(CommandLine& line) {
   PictureVerb verb(
       line,
       {"pdf-white",
-       "make white the color that a PDF export treats as transparent",
+       "make white the transparent color of PDF exports",
        {"PDF exports treat the color of the bottom left pixel as transparent. That pixel becomes "
         "white; in a palette white also becomes the last entry. No other pixel looks different."},
        {"rasterkit pdf-white plan.png plan-for-pdf.png"}});

@@ -19,7 +19,7 @@ VerbRunner AddSwapAlphaVerb(CommandLine& line) {
   PictureVerb verb(
       line,
       {"swap-alpha",
-       "make transparent pixels visible and all others transparent",
+       "swap transparent and visible pixels",
        {"Fully transparent pixels become visible. All others become transparent, even if they are "
         "partly transparent. Colors do not change. A picture without transparency is refused (exit "
         "code 4)."},

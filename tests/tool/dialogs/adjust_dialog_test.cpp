@@ -12,7 +12,7 @@ using testing::HasSubstr;
 
 class CliDialogAdjust : public DialogTest {};
 
-/// The dialog leaves black and white alone where the verb does not: none of them here.
+/// A picture without black and white: the dialog does not change them, but the verb does.
 Raster Colors() {
   Raster raster = GradientRaster(pf24bit, 41, 23);
   for (int y = 0; y < raster.Height(); ++y)

@@ -1,4 +1,4 @@
-// What becomes of --dialog where the user cannot be asked, or does not want to be.
+// --dialog if no window can be opened, or if an error comes first.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -34,7 +34,7 @@ class CliDialogSaveAs : public DialogTest {
     line.insert(line.end(), options.begin(), options.end());
     return Run(line, script);
   }
-  /// Runs it, and returns the file that must have been written.
+  /// Runs the verb and returns the file that it must have written.
   std::string Saved(const std::string& script, const std::string& name,
                     const std::vector<std::string>& options = {},
                     const std::string& file = "in.png") {
@@ -44,7 +44,7 @@ class CliDialogSaveAs : public DialogTest {
     EXPECT_EQ(result.out, (folder_ / name) + "\n");
     return folder_ / name;
   }
-  /// What the library's own routine writes of the picture.
+  /// The file that the library's own routine writes.
   std::vector<uint8_t> WrittenByLibrary(int bits, int quality, const std::string& extension,
                                         const std::string& file = "in.png") {
     std::unique_ptr<TBitmap> bitmap;

@@ -37,7 +37,7 @@ class CliPdf : public testing::Test {
     WriteText(folder_ / "plan.pdf", PdfText({Page("1 0 0"), Page("0 1 0"), Page("0 0 1")}));
   }
 
-  /// Half an inch by one, the color in its upper left quarter inch.
+  /// A page of 0.5 x 1 inch; its top left quarter inch is colored.
   static PdfPageText Page(const std::string& color) {
     return {"0 0 36 72", PdfRectangle(color, 0, 54, 18, 18)};
   }
@@ -315,7 +315,7 @@ TEST_F(CliPdf, EveryFile_Should_EndInWords_When_ItIsOfTheCorpus) {
   }
 }
 
-/// Without the library the tool still runs; librasterkit alone is found through the loader's path.
+/// The tool runs without the PDF library; librasterkit alone is found through the loader's path.
 TEST(CliPdfAbsent, Pdf_Should_SayWhatIsMissing_When_TheLibraryIsNotInstalled) {
   if (IsSanitized()) GTEST_SKIP() << "libraries are looked for on the program's path";
   const TempFolder folder;

@@ -1,4 +1,4 @@
-// What `info` says of TIFF files: layout, pages, grids, positions, damage.
+// `info` on TIFF files: layout, pages, grids, positions, damage.
 
 #include <algorithm>
 #include <tuple>
@@ -212,7 +212,7 @@ TEST_F(CliTiffInfo, DamagedRows_Should_BeReadAroundWithAWarning) {
   file.compression = COMPRESSION_ADOBE_DEFLATE;
   std::vector<uint8_t> bytes = file.Bytes();
   ASSERT_GT(bytes.size(), 2000u);
-  // Packed rows in the middle; libtiff writes the directory behind them.
+  // Compressed rows come first; libtiff writes the directory after them.
   std::fill(bytes.begin() + 400, bytes.begin() + 600, uint8_t{0xAA});
   WriteBytes(file_, bytes);
   const json facts = FactsOf(file_);

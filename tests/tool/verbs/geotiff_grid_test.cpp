@@ -1,4 +1,4 @@
-// The verb geotiff with one file alone: what a grid of numbers holds.
+// The verb geotiff with one file and no output: the contents of a grid.
 
 #include <bit>
 #include <cmath>
@@ -338,7 +338,7 @@ TEST_F(CliGeoTiffGrid, AtMap_Should_Exit1_When_ThereIsNoPosition) {
   const ToolResult result = RunTool({"geotiff", file_, "--at-map", "1,2"});
   EXPECT_EQ(result.code, 1);
   EXPECT_THAT(result.err, HasSubstr("no position"));
-  // a scale of 0 is none either
+  // a scale of 0 is invalid
   grid_.pixelScale = {0, 0, 0};
   grid_.tiePoints = {0, 0, 0, 100, 200, 0};
   Save({1, 2, 3, 4, 5, 6});

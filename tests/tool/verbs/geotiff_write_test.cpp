@@ -1,4 +1,4 @@
-// The verb geotiff with an output: any picture becomes a TIFF that knows where it lies.
+// The verb geotiff with an output: writes a picture as a TIFF file with its map position.
 
 #include <filesystem>
 
@@ -42,7 +42,7 @@ class CliGeoTiffWrite : public testing::Test {
     return RunTool(options);
   }
 
-  /// The position with the numbers that the file must hold to the last bit.
+  /// The position with the numbers that the file must hold exactly.
   void ExpectPosition(double x, double y, double width, double height) {
     const TiffFacts facts = FactsOf(out_);
     EXPECT_THAT(facts.pixelScale, ElementsAre(width, height, 0));

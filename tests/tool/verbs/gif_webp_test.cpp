@@ -15,7 +15,7 @@ using nlohmann::json;
 using testing::Contains;
 using testing::HasSubstr;
 
-/// Files of the project's own making that the fuzzers start from.
+/// Sample files of this project, which are also seeds of the fuzzers.
 std::string Seed(const std::string& name) {
   return std::string(RASTERKIT_SAMPLES) + "/../fuzz/seeds/" + name;
 }

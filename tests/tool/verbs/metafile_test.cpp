@@ -20,7 +20,7 @@ using testing::HasSubstr;
 
 constexpr TColor kBlue = 0xFF0000;
 
-/// 25 x 20 mm; the upper left quarter is blue.
+/// 25 x 20 mm; the top left quarter is blue.
 std::vector<uint8_t> QuarterEmf() {
   EmfFile file;
   file.description = std::u16string(u"Drawer\0Ground floor\0", 20);
@@ -109,7 +109,7 @@ TEST_F(CliMetafile, Convert_Should_DrawAt96PixelsAnInch) {
   EXPECT_NEAR(picture.resolution.x, 96, 0.1);
 }
 
-/// 6.3 x 6.3 m: 24,000 pixels a side.
+/// 6.3 x 6.3 m: 24,000 pixels per side.
 std::vector<uint8_t> HugeEmf() {
   EmfFile file;
   file.frame = {0, 0, 635'000, 635'000};
@@ -245,7 +245,7 @@ TEST_F(CliMetafile, Convert_Should_WriteMetafilesIntoAFolder_When_TheTypeIsOne) 
   EXPECT_EQ(Facts(folder_ / "out/b.emf")["type"], "emf");
 }
 
-/// "Text" in a font that is nowhere.
+/// "Text" in a font that does not exist.
 std::vector<uint8_t> TextWmf() {
   WmfFile file;
   file.box = {{0, 0, 200, 100}};

@@ -175,7 +175,7 @@ TEST_F(CliTiffConvert, Rotate_Should_TurnWhatIsSeen) {
   TiffFile file = ColorTiff(23, 14);
   file.setTags = [](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_ORIENTATION, 6); };
   Save("a.tif", file);
-  // Orientation 6 asks for a quarter turn clockwise; one counter-clockwise undoes it.
+  // Orientation 6 is a quarter turn clockwise; one counter-clockwise undoes it.
   EXPECT_EQ(Run("rotate", "a.tif", "b.tif", {"--angle", "90"})["width"], 23);
   file.setTags = {};
   Save("plain.tif", file);

@@ -8,7 +8,7 @@
 /// Palette indexes of 1-, 4- and 8-bit bitmaps, pixel by pixel.
 namespace rasterkit::tool {
 
-/// True if the bitmap has a palette.
+/// True if the pixels of the bitmap are palette indexes.
 bool HasIndexes(const TBitmap& bitmap);
 
 /// Most entries that a palette of the bitmap's format can have: 2, 16 or 256.

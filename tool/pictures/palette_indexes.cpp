@@ -1,4 +1,4 @@
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 
 #include <rasterkit/raster/pixel_format.h>
 
