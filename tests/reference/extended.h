@@ -60,8 +60,9 @@ class ExtendedInWholeNumbers {
     }
     const uint64_t high = a.bits_ + whole;
     if (high >= a.bits_) return Rounded(a.isNegative_, high, part, more, a.exponent_ - 64);
-    return Rounded(a.isNegative_, uint64_t{1} << 63 | high >> 1, high << 63 | part >> 1,
-                   more || (part & 1) != 0, a.exponent_ - 63);
+    // A carry comes of whole units only, so nothing is left and the last bit of `part` is zero.
+    return Rounded(a.isNegative_, uint64_t{1} << 63 | high >> 1, high << 63 | part >> 1, false,
+                   a.exponent_ - 63);
   }
 
   friend constexpr ExtendedInWholeNumbers operator-(ExtendedInWholeNumbers a,

@@ -152,6 +152,9 @@ TEST(ExtendedTest, InWholeNumbers_Should_RoundOnceAndToTheEvenNumber) {
   EXPECT_EQ(Number(top) + half + Number(0x1p-60), Number(top));  // twice: the first sum is even
   EXPECT_EQ(Number(top) + (half + Number(0x1p-60)), Number(top + 1));
   EXPECT_EQ(Number(~uint64_t{0}) + half, Number(top) * 2);
+  const Number large = Number(top) * 0x1p65;
+  EXPECT_EQ(large - Number(top), large);
+  EXPECT_EQ((large - Number(top + 1)).Bits(), ~uint64_t{0});
   EXPECT_EQ((Number(1) / 3).Bits(), 0xAAAAAAAAAAAAAAABu);
   EXPECT_EQ((Number(297) / 1000).Bits(), 0x9810624DD2F1A9FCu);
   EXPECT_EQ(static_cast<int>(Number(-7) / 2), -3);
