@@ -23,7 +23,7 @@ using namespace detail;
 
 constexpr TColor kBlue = 0xFF0000;
 
-/// 25.4 x 12.7 mm on a device of 96 pixels an inch; the left half is blue.
+/// 25.4 x 12.7 mm on a device of 96 pixels per inch; the left half is blue.
 std::vector<uint8_t> HalfBlueEmf() {
   EmfFile file;
   file.frame = {0, 0, 2540, 1270};

@@ -18,8 +18,8 @@ namespace {
 
 using test::CorpusEntry;
 
-/// Without a header the components' names make it red, green and blue; the header of 300 dpi that
-/// such a file gets says luminance and differences.
+/// Without a header its component names mean red, green and blue; the header of 300 dpi that such a
+/// file gets means luminance and differences.
 constexpr char kColorsByName[] = "jpeg/serenity__rgb_components.jpg";
 
 class ExifWriterCorpus : public ::testing::TestWithParam<const char*> {
@@ -42,7 +42,7 @@ std::string TextOf(TStream& stream) {
   return {bytes.begin(), bytes.end()};
 }
 
-/// Coordinates stay as they are: some files' are none, which would end the reading.
+/// Reads without decoding, because invalid coordinates in some files would end the reading.
 void ReadPlainly(TImageData& image, TStream& stream) {
   stream.SetPosition(0);
   image.ExifDecode = false;

@@ -33,7 +33,7 @@ Raster WithPalette(Raster raster, int count, std::mt19937& random) {
   return raster;
 }
 
-// All 65,536 words, a row for each high byte.
+// All 65,536 words, one row per high byte.
 Raster EveryWord(TPixelFormat format) {
   Raster raster(format, 256, 256);
   for (int y = 0; y < 256; ++y) {

@@ -9,7 +9,7 @@
 namespace rasterkit::test {
 namespace {
 
-/// The value of pixel x of a row, counted in bits from the left.
+/// Value of pixel x of a row, counted in bits from the left.
 uint64_t StoredPixel(const Raster& raster, int x, int y) {
   const int bits = StoredBitsPerPixel(raster.Format());
   uint64_t value = 0;

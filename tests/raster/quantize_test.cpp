@@ -142,7 +142,7 @@ TEST(Quantize, Should_BeMuchBetterThanACube) {
   }
 }
 
-// Larger than the net of pixels that chooses the palette, with a pattern as wide as its meshes.
+// Larger than the grid of sampled pixels, with a pattern of the same width as its cells.
 TEST(Quantize, Should_SeeAllColors_When_ALargePictureHasAPattern) {
   Raster source(pf24bit, 1300, 1000);
   std::mt19937 random(15);
@@ -158,7 +158,7 @@ TEST(Quantize, Should_SeeAllColors_When_ALargePictureHasAPattern) {
   EXPECT_LT(MeanSquaredError(source, ConvertRaster(source, pf8bit)), 20);
 }
 
-// So wide that the net's meshes are higher than the picture, or so high that they are wider.
+// So wide that the cells of the grid are higher than the picture, or so high that they are wider.
 TEST(Quantize, Should_SeeColors_When_ALargePictureIsALine) {
   std::mt19937 random(16);
   for (const bool isWide : {true, false}) {

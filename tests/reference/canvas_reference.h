@@ -8,7 +8,7 @@
 #include "tests/reference/blend.h"
 #include "tests/reference/blit_reference.h"
 
-/// Drawing a part of a picture onto another one, a pixel at a time, straight from the rules.
+/// Drawing a part of a picture onto another one, pixel by pixel, straight from the rules.
 namespace rasterkit::reference {
 
 enum class Way { copied, opaque, keyed, blended };
@@ -20,10 +20,10 @@ struct Manner {
   TColor key = 0;
 };
 
-/// Where the source pixel of a target pixel is; nothing where none is drawn.
+/// Position of the source pixel of a target pixel; no value if none is drawn.
 using SourceOf = std::function<std::optional<std::pair<int, int>>(int x, int y)>;
 
-/// What `drawn` makes of the pixel that is there; nothing when it stays.
+/// Result of `drawn` on a target pixel; no value if it stays.
 inline std::optional<ReferencePixel> Met(const ReferencePixel& there, ReferencePixel drawn,
                                          const Manner& manner) {
   switch (manner.way) {

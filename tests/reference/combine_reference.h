@@ -4,7 +4,7 @@
 #include "tests/reference/halftone_reference.h"
 #include "tests/reference/pixel_transfer_reference.h"
 
-/// Bitmaps laid over one another and resampled, straight from the rules.
+/// Composing and resizing of bitmaps, straight from the rules.
 namespace rasterkit::reference {
 
 inline PixelRect WholeOf(const TBitmap& bitmap) {

@@ -8,10 +8,10 @@
 
 #include "tests/support/tiff_file.h"
 
-/// What the pixels of a TIFF file are worth, one by one, straight from the meaning of its tags.
+/// Colors of the pixels of a TIFF file, one by one, straight from the meaning of its tags.
 namespace rasterkit::reference {
 
-/// The tags that say what a pixel's numbers mean.
+/// Tags that define the meaning of a pixel's numbers.
 struct TiffMeaning {
   uint16_t bits = 8, sampleFormat = 1, photometric = 1;
   std::vector<uint16_t> extraSamples;

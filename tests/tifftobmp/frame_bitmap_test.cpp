@@ -73,7 +73,7 @@ ImagingFrame Copy(const ImagingFrame& frame) {
   return copy;
 }
 
-/// The picture that a copy of the frame gives.
+/// Picture from a copy of the frame.
 std::unique_ptr<TBitmap> PictureOf(const ImagingFrame& frame) {
   return BitmapOfFrame(Copy(frame), ReadMode::picture).bitmap;
 }

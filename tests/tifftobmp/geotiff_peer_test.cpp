@@ -1,5 +1,5 @@
-// Files that are written here as other programs read them: the same pixels, the same place. A
-// development test, skipped where a program is absent.
+// Files written here, read by other programs: the same pixels and position. A development test,
+// skipped if a program is missing.
 
 #include <cstdio>
 #include <cstdlib>
@@ -25,12 +25,12 @@ bool IsInstalled(const std::string& program) {
   return std::system(("command -v " + program + " >/dev/null 2>&1").c_str()) == 0;
 }
 
-/// Whether a command ends well.
+/// True if a command succeeds.
 bool Works(const std::string& command) {
   return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
 }
 
-/// What a command prints, warnings included.
+/// Output of a command, warnings included.
 std::string OutputOf(const std::string& command) {
   std::string text;
   FILE* pipe = popen((command + " 2>&1").c_str(), "r");
@@ -53,7 +53,7 @@ class GeoTiffPeer : public testing::Test {
   const std::string name_ = folder_ / "a.tif";
 };
 
-/// All numbers behind a heading, as many as asked for.
+/// The requested number of numbers behind a heading.
 std::vector<double> NumbersBehind(const std::string& text, const std::string& heading,
                                   size_t count) {
   std::vector<double> numbers;

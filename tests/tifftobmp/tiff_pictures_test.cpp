@@ -46,7 +46,7 @@ class TiffPictures : public testing::Test {
   test::TempFolder folder_;
 };
 
-/// The rows without their padding.
+/// Rows without their padding.
 std::string Rows(const TBitmap& bitmap) {
   std::string rows;
   for (int y = 0; y < bitmap.Height(); ++y) {

@@ -13,7 +13,7 @@
 namespace rasterkit {
 namespace {
 
-/// One thing that is changed in a bitmap, and whether its file shows it.
+/// A change of a bitmap, and whether its file differs then.
 struct Change {
   const char* name;
   std::function<void(TBitmap&)> make;

@@ -100,7 +100,6 @@ TEST(CarriedByRoutines, GrayAndMono_Should_CarryAllButTheAlphaMark) {
   for (const TPixelFormat format : test::kEveryFormat) {
     const auto mono = Sample(format);
     ColorBmpToSW(mono.get(), 100);
-    // A new bitmap of the same format would share the mark with the old one.
     Expect({kDpi, true, false, true}, *mono, Name(format));
     EXPECT_EQ(mono->Palette(), GrayPalette(2));
   }

@@ -33,7 +33,7 @@ TBitmap Edge(uint8_t left, uint8_t right) {
   return bitmap;
 }
 
-/// Levels that lie near each other, so that the tolerance decides often.
+/// Levels close to each other, so that the tolerance matters often.
 TBitmap Grainy(int width, int height, std::mt19937& random) {
   TBitmap bitmap;
   bitmap.ResetPixels(pf24bit, width, height);

@@ -1,4 +1,4 @@
-// GIF and WebP pictures under the names of other kinds: the loading by content shows them.
+// GIF and WebP pictures with extensions of other types, which are loaded by content.
 
 #include <gtest/gtest.h>
 

@@ -349,7 +349,7 @@ TEST_F(GraphicFiles, FailedSave_Should_LeaveTheVariable_When_TheFolderIsMissing)
   EXPECT_TRUE(Is<TBitmap>(graphic));
 }
 
-/// The disk is full from a certain file size on.
+/// Makes the disk full from a certain file size on.
 class FullDisk {
  public:
   explicit FullDisk(rlim_t bytes) : signal_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -394,8 +394,8 @@ TEST_F(GraphicFiles, Save_Should_Throw_When_ThereIsNothingToSave) {
 }
 
 TEST_F(GraphicFiles, Save_Should_ConvertAnEnhancedMetafile_When_TheExtensionIsItsOwn) {
-  // It counts as plain, so that ".emf" asks for a conversion through a bitmap, which metafiles do
-  // not take.
+  // It counts as plain, so ".emf" needs a conversion through a bitmap, which metafiles do not
+  // support.
   for (const bool hasRecords : {false, true}) {
     auto graphic = hasRecords ? LoadGraphic(BlueEmf()) : CreateGraphicOfType(gtEmf);
     ASSERT_TRUE(Is<TMetafile>(graphic));

@@ -1,4 +1,4 @@
-// TIFF files through the routines that move graphics between files, streams and classes.
+// TIFF files in the conversions of graphics between files, streams and classes.
 
 #include <cstring>
 
@@ -23,7 +23,7 @@ using test::SamePixels;
 
 constexpr int kWidth = 5, kHeight = 3;
 
-/// What `ColorTiff` shows.
+/// Picture of `ColorTiff`.
 TBitmap Expected() {
   TBitmap bitmap;
   bitmap.ResetPixels(pf24bit, kWidth, kHeight);

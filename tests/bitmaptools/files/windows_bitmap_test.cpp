@@ -53,7 +53,7 @@ std::string JpegLying(int orientation) {
   return JpegWith(
       test::ExifSection(writer.Tiff({writer.Short(274, static_cast<uint16_t>(orientation))})));
 }
-/// Its GPS directory holds one number where three belong.
+/// Its GPS directory holds one number instead of three.
 std::string JpegWithUnreadableExif() {
   const TiffWriter writer(ByteOrder::intel);
   return JpegWith(
@@ -74,7 +74,7 @@ class WindowsBitmap : public testing::Test {
     graphic.SaveToFile(folder_ / name);
     return folder_ / name;
   }
-  /// Loads what must be loadable.
+  /// Loads a file that must be loadable.
   TBitmap Loaded(const std::string& fileName, float angle = 0) const {
     std::unique_ptr<TBitmap> bitmap;
     EXPECT_TRUE(LoadWindowsBitmap(fileName, angle, bitmap));
@@ -154,7 +154,7 @@ TEST_F(LoadWindows, PaletteOfAPng_Should_Stay_When_ItHas16Or256Colors) {
 }
 
 TEST_F(LoadWindows, PixelsUnderAShortPalette_Should_Stay) {
-  // A palette of 16 that were replaced would take half of each row with it.
+  // Replacing a palette of 16 entries would erase half of each row.
   for (const int colors : {2, 16}) {
     const TBitmap source = IndexedBitmap(colors);
     EXPECT_TRUE(SamePixels(source, Loaded(Saved<TPngImage>(source, "a.png")))) << colors;

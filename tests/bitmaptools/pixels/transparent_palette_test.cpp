@@ -35,7 +35,7 @@ HPALETTE TryingPalette(int count, std::mt19937& random) {
   return HPALETTE(std::span(table).first(static_cast<size_t>(count)));
 }
 
-/// Bitmaps of every indexed format, width 0 to 70 and size of palette, whether they fit or not.
+/// Bitmaps of every indexed format, width 0 to 70 and size of palette, matching or not.
 template <class Body>
 void ForEachPaletteBitmap(unsigned seed, Body body) {
   std::mt19937 random(seed);

@@ -159,7 +159,7 @@ TEST(BlitPart, Should_Survive_When_RectanglesAreHuge) {
       BlitBlended(drawn, place, source, part, {99, false});
     }
   }
-  // All of the numbers onto all of them: each target pixel takes the source pixel at its place.
+  // The whole number range onto itself: each target pixel takes the source pixel at its position.
   Raster drawn = test::GradientRaster(pf24bit, 11, 9);
   BlitCopied(drawn, {kLow, kLow, kHigh, kHigh}, source, {kLow, kLow, kHigh, kHigh});
   EXPECT_EQ(drawn.PixelColor(4, 3), source.PixelColor(4, 3));

@@ -82,7 +82,7 @@ TEST(Blit, Should_BlendEveryAlphaWithEveryValue) {
 }
 
 TEST(Blit, Should_KeepTheSource_When_AllOf16BitKeyIsWidened) {
-  // A key of pure red cannot be held by 16-bit pixels: the nearest that they hold is meant.
+  // 16-bit pixels cannot hold pure red: the key is the nearest color that they can hold.
   Raster source(pf16bit, 2, 1);
   source.Row(0)[0] = 0x00;
   source.Row(0)[1] = 0xF8;  // red

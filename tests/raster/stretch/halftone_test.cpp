@@ -80,7 +80,7 @@ TEST(Halftone, Should_EqualTheReference_ForEverySizeOfOneAxis) {
   }
 }
 
-/// The ratios that have ways of their own, wide enough for every vector length.
+/// Ratios with code of their own, wide enough for every vector length.
 TEST(Halftone, Should_EqualTheReference_ForPlainRatios_OnWidePictures) {
   constexpr unsigned kSeed = 6;
   std::printf("seed %u\n", kSeed);
@@ -99,7 +99,7 @@ TEST(Halftone, Should_EqualTheReference_ForPlainRatios_OnWidePictures) {
   }
 }
 
-/// Rows are added up in bands of 16; weights of their own have only the first and the last of all.
+/// Rows are summed in bands of 16; only the first and the last row have weights of their own.
 TEST(Halftone, Should_EqualTheReference_When_APixelCoversPartsOfManyRows) {
   constexpr unsigned kSeed = 9;
   std::printf("seed %u\n", kSeed);
