@@ -45,7 +45,9 @@ void Expect(const Carried& expected, const TBitmap& bitmap, const std::string& w
   EXPECT_EQ(bitmap.AlphaFormat() == afDefined, expected.isAlphaDefined) << what;
   EXPECT_EQ(bitmap.Transparent(), expected.isTransparent) << what;
   EXPECT_EQ(bitmap.TransparentMode(), expected.isTransparent ? tmFixed : tmAuto) << what;
-  if (expected.isTransparent) EXPECT_EQ(bitmap.TransparentColor(), kKey) << what;
+  if (expected.isTransparent) {
+    EXPECT_EQ(bitmap.TransparentColor(), kKey) << what;
+  }
 }
 
 std::string Name(TPixelFormat format) {
