@@ -47,7 +47,7 @@ std::string ValueOf(const std::string& literals) {
 /// The constants in the source of a header, whatever their type.
 std::vector<Constant> ConstantsIn(const std::string& source) {
   static const std::regex pattern(
-      R"re(\b(rs[A-Z0-9]\w*)\s*(?:=|\{)\s*((?:"(?:[^"\\]|\\.)*"\s*)+))re");
+      R"re(\b(rs[A-Z0-9]\w*)\s*[={(]\s*(?:[\w:]+\s*[{(]\s*)?((?:"(?:[^"\\]|\\.)*"\s*)+))re");
   std::vector<Constant> constants;
   for (std::sregex_iterator match(source.begin(), source.end(), pattern), end; match != end;
        ++match)
@@ -85,12 +85,15 @@ TEST(TextTable, Should_HoldNoTextTwice) {
 TEST(ConstantsIn, Should_ReadLiteralsOfSeveralLinesAndEscapes) {
   const auto constants = ConstantsIn(
       "inline constexpr std::string_view rsOne = \"a\\r\\\"%s\\\"\\n\";\n"
-      "constexpr auto\n    rsTwo =\n    \"b \"\n    \"c\";\nint other = 3; // rsThree\n");
-  ASSERT_EQ(constants.size(), 2u);
+      "constexpr auto\n    rsTwo =\n    \"b \"\n    \"c\";\nint other = 3;  // rsNone\n"
+      "inline constexpr auto rsThree = std::string_view(\"d;\");\n");
+  ASSERT_EQ(constants.size(), 3u);
   EXPECT_EQ(constants[0].name, "rsOne");
   EXPECT_EQ(constants[0].text, "a\r\"%s\"\n");
   EXPECT_EQ(constants[1].name, "rsTwo");
   EXPECT_EQ(constants[1].text, "b c");
+  EXPECT_EQ(constants[2].name, "rsThree");
+  EXPECT_EQ(constants[2].text, "d;");
 }
 
 }  // namespace

@@ -68,7 +68,6 @@ TFormEditPdfBmp::~TFormEditPdfBmp() {
 }
 
 int TFormEditPdfBmp::ShowEditor(std::function<void()> onShown) {
-  /// The program from which the file comes waits for the end of this event.
   if (onShown) QMetaObject::invokeMethod(this, Guarded(std::move(onShown)), Qt::QueuedConnection);
   if (!model_->ModalResult()) ShowModal();
   return model_->ModalResult().value_or(mrCancel);
@@ -215,7 +214,7 @@ void TFormEditPdfBmp::dropEvent(QDropEvent* event) {
   const std::string file = FromQt(FileIn(*event->mimeData()));
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  // The program that the file comes from waits for the end of this event.
+  // The program from which the file comes waits for the end of this event.
   QMetaObject::invokeMethod(
       this, [this, file] { model_->FormDropFile(file); }, Qt::QueuedConnection);
 }

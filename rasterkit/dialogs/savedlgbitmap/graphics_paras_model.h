@@ -45,7 +45,9 @@ class GraphicsParasModel {
   int32_t RoundedWidth() const;
   int32_t RoundedHeight() const;
 
-  // Called when the window is first shown.
+  // Events of the window.
+
+  /// Called when the window is first shown.
   void FormShow();
   void CoBoGraphTypeChange(int position);
   void SpEdDpiChange(double dpi);

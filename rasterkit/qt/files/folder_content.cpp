@@ -59,7 +59,6 @@ void SortByName(std::vector<FolderEntry>& entries) {
 }
 
 FolderContent Failed(const std::error_code& error) {
-  /// A large folder may exceed the memory.
   FolderContent content;
   const bool isGone = error == std::errc::no_such_file_or_directory;
   content.state = isGone ? FolderState::isGone : FolderState::isUnreadable;
@@ -89,7 +88,7 @@ FolderContent ReadFolder(const std::string& directory, const std::atomic<bool>& 
   try {
     return Read(directory, isCanceled);
   } catch (const std::exception& exception) {
-    // Memory may not be enough for what is there.
+    // A large folder may exceed the memory.
     FolderContent content;
     content.state = FolderState::isUnreadable;
     content.reason = QString::fromLocal8Bit(exception.what());

@@ -14,9 +14,8 @@ QueueRunner::QueueRunner() : queue_(ThreadQueue::Share()) {
   nextTimer_.setSingleShot(true);
   nextTimer_.setTimerType(Qt::PreciseTimer);
   connect(&nextTimer_, &QTimer::timeout, this, &QueueRunner::Run);
-  /// Handles what was queued before this object existed.
   queue_->SetWakeUp([this] { Wake(); });
-  // For what came before there was anybody to wake.
+  // Handles what was queued before this object existed.
   Wake();
 }
 
