@@ -12,7 +12,7 @@ namespace rasterkit::tool {
 /// The arguments of the process: one verb, its options and its files.
 class CommandLine {
  public:
-  /// `help` is the page of the tool; the verbs are added to it as a section behind its options.
+  /// `help` is the page of the tool; the list of verbs and the options are added to it.
   /// `version` is printed for --version.
   CommandLine(const HelpPage& help, const std::string& version);
   ~CommandLine();

@@ -1,4 +1,4 @@
-// What stands behind the handles of options.h; for the files that implement the command line.
+// Implementation of the handles in options.h, shared by options.cpp and command_line.cpp.
 
 #pragma once
 

@@ -30,7 +30,7 @@ struct VerbHelp {
   std::string description;
   std::vector<std::string> paragraphs;
   std::vector<std::string> examples;
-  /// Words to explain behind the options, such as the choices of one of them.
+  /// Terms explained after the options, such as the choices of one of them.
   HelpSection terms = {};
 };
 

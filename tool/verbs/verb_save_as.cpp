@@ -28,7 +28,7 @@ struct SaveAsOptions {
 };
 
 /// Initial values of the window, and what the user chose.
-struct Wishes {
+struct Settings {
   TrecSaveBitmap rec;
   PictureSize size;
   std::string fileName;
@@ -57,7 +57,7 @@ PictureSize UprightSize(const LoadedPicture& picture) {
 }
 
 /// Initial values from the picture. 0 dots per inch if the file states no resolution.
-Wishes AsItIs(const std::string& file, const LoadedPicture& picture) {
+Settings AsItIs(const std::string& file, const LoadedPicture& picture) {
   constexpr int kUsualQuality = 90;
   const int32_t type = GraphicTypeOf(picture.type);
   const int32_t dpi = static_cast<int32_t>(std::lrint(picture.bitmap->Dpi().x));
@@ -68,17 +68,17 @@ Wishes AsItIs(const std::string& file, const LoadedPicture& picture) {
   return {{type, picture.bitmap->StoredBits(), dpi, 0, kUsualQuality}, UprightSize(picture), name};
 }
 
-Wishes Ask(const std::string& file, const Wishes& start, bool asksForPixels) {
-  Wishes wishes = start;
+Settings Ask(const std::string& file, const Settings& start, bool asksForPixels) {
+  Settings settings = start;
   const std::string dir = ExtractFilePath(file);
   const Desktop desktop;
   if (asksForPixels) {
-    desktop.SaveBitmapPixels(dir, wishes.rec, wishes.size.width, wishes.size.height,
-                             wishes.fileName);
+    desktop.SaveBitmapPixels(dir, settings.rec, settings.size.width, settings.size.height,
+                             settings.fileName);
   } else {
-    desktop.SaveBitmap(dir, wishes.rec, wishes.fileName);
+    desktop.SaveBitmap(dir, settings.rec, settings.fileName);
   }
-  return wishes;
+  return settings;
 }
 
 void ChangeSize(Subject& picture, const PictureSize& size) {
@@ -90,32 +90,32 @@ void ChangeSize(Subject& picture, const PictureSize& size) {
 }
 
 /// Applies the settings that the user changed. Unchanged settings keep their exact values.
-void Fulfil(const Wishes& wishes, const Wishes& start, Subject& picture) {
+void Apply(const Settings& settings, const Settings& start, Subject& picture) {
   const bool isOtherSize =
-      wishes.size.width != start.size.width || wishes.size.height != start.size.height;
-  if (isOtherSize) ChangeSize(picture, wishes.size);
-  if (wishes.rec.BitsPerInch == start.rec.BitsPerInch) return;
-  const double dpi = wishes.rec.BitsPerInch;
+      settings.size.width != start.size.width || settings.size.height != start.size.height;
+  if (isOtherSize) ChangeSize(picture, settings.size);
+  if (settings.rec.BitsPerInch == start.rec.BitsPerInch) return;
+  const double dpi = settings.rec.BitsPerInch;
   picture.bitmap->SetDpi({dpi, dpi});
 }
 
 int Run(const SaveAsOptions& options) {
   const std::string file = std::filesystem::absolute(ToPath(options.file)).string();
   LoadedPicture picture = LoadPicture(file);
-  const Wishes start = AsItIs(file, picture);
-  const Wishes wishes = Ask(file, start, options.asksForPixels);
+  const Settings start = AsItIs(file, picture);
+  const Settings settings = Ask(file, start, options.asksForPixels);
   PictureOptions saving;
-  saving.quality = wishes.rec.JpgQuality;
-  if (wishes.rec.BitsPerPix != start.rec.BitsPerPix) saving.bits = wishes.rec.BitsPerPix;
+  saving.quality = settings.rec.JpgQuality;
+  if (settings.rec.BitsPerPix != start.rec.BitsPerPix) saving.bits = settings.rec.BitsPerPix;
   PictureSteps steps;
-  steps.change = [&](Subject& subject) { Fulfil(wishes, start, subject); };
+  steps.change = [&](Subject& subject) { Apply(settings, start, subject); };
   OutputOptions output;
   // The window has already asked about overwriting.
   output.overwrite = true;
   output.strict = options.strict;
   const auto save = [&](const Job& job) { return ConvertLoaded(picture, job, saving, steps); };
-  const int code = RunJobs(output, {{file, wishes.fileName}}, save);
-  if (code == exitDone || code == exitNotCarriedOver) fmt::print("{}\n", wishes.fileName);
+  const int code = RunJobs(output, {{file, settings.fileName}}, save);
+  if (code == exitDone || code == exitNotCarriedOver) fmt::print("{}\n", settings.fileName);
   return code;
 }
 
