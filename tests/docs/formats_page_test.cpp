@@ -119,17 +119,6 @@ TEST(DocsFormats, Page_Should_BeFoundIncomplete_When_ARowIsNew) {
   EXPECT_THAT(FindUndocumented(invented, written), ElementsAre("invented"));
 }
 
-TEST(DocsFormats, Page_Should_HaveNoRowOutsideATable) {
-  const std::vector<std::string> lines = LinesOf(ReadDocument("docs/formats.md"));
-  for (size_t i = 0; i < lines.size(); ++i) {
-    if (!lines[i].starts_with('|') || (i > 0 && lines[i - 1].starts_with('|'))) continue;
-    ASSERT_LT(i + 1, lines.size());
-    EXPECT_TRUE(lines[i + 1].starts_with("|---")) << "no table starts with: " << lines[i];
-    for (size_t row = i; row < lines.size() && lines[row].starts_with('|'); ++row)
-      EXPECT_EQ(CellsOf(lines[row]).size(), CellsOf(lines[i]).size()) << lines[row];
-  }
-}
-
 TEST(DocsFormats, FuzzTargets_Should_CoverEachRowOfTheTable) {
   EXPECT_THAT(FindUnfuzzed(CodecTable(), FuzzTargets()), IsEmpty());
   for (const std::string& target : LinesOf(FuzzTargets()))
