@@ -164,7 +164,7 @@ TEST(PngEncoder, Should_KeepResolutionAndProfile_When_Written) {
   EXPECT_NEAR(decoded.resolution.y, 72, 0.013);
   ASSERT_NE(decoded.profile, nullptr);
   EXPECT_EQ(*decoded.profile, *source.profile);
-  // What was rounded once to whole dots a meter stays.
+  // A value that was rounded once to whole dots per meter stays.
   EXPECT_EQ(DecodePng(Encoded(decoded)).resolution, decoded.resolution);
 
   Raster gray = GrayRaster(9, 5);
