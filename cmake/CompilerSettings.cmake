@@ -28,7 +28,7 @@ function(rasterkit_settings target)
   if(RASTERKIT_FUZZERS)
     target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
   endif()
-  # Vectors of unknown length cannot be members of structures, as kernels have them.
+  # Scalable vectors cannot be members of structs, which the kernels use.
   target_compile_definitions(${target} PRIVATE HWY_DISABLED_TARGETS=HWY_SVE|HWY_SVE2|HWY_SVE_256|HWY_SVE2_128|HWY_RVV)
   if(RASTERKIT_SCALAR_ONLY)
     target_compile_definitions(${target} PRIVATE HWY_COMPILE_ONLY_SCALAR)
