@@ -62,8 +62,8 @@ TEST(DocsLibrary, Examples_Should_AllBeQuoted) {
 TEST(DocsLibrary, Examples_Should_AllBeBuilt) {
   const std::string list = ReadDocument("examples/CMakeLists.txt");
   for (const std::string& path : Examples())
-    EXPECT_THAT(
-        list, testing::ContainsRegex("[( ]" + std::filesystem::path(path).stem().string() + "[ )]"))
+    EXPECT_THAT(list, testing::ContainsRegex(
+                          "[( \n]" + std::filesystem::path(path).stem().string() + "[ )\n]"))
         << path;
 }
 

@@ -5,7 +5,7 @@ namespace {
 
 #define UNITS                                                                           \
   "(?:bits|bytes|words|dots|pixels|points|samples|colou?rs|entries|indexes|lines|rows|" \
-  "files|records|units|values|numbers|frames|steps|degrees|headers|programs|" \
+  "files|records|units|values|numbers|frames|steps|degrees|headers|programs|"           \
   "nanoseconds|microseconds|milliseconds|seconds|ns|ms|megabytes|kilobytes|[kmg]i?b|"   \
   "millimet(?:re|er)s|inches|characters|operations|executions)"
 #define THINGS                                                                             \
@@ -26,7 +26,7 @@ constexpr WordRule kRules[] = {
     {"purpose a ", "\\bpurpose a " THINGS "\\b", "per"},
     // Invalid.
     {"none",
-     "(?:^|[^a-z])(?!there)[a-z]+[,:]? (?:is|are|was|were) none\\b(?! of| at all| in| other|[-_])",
+     "\\b(?!there\\b)[a-z]+[,:]? (?:is|are|was|were) none\\b(?! of| at all| in| other|[-_])",
      "invalid, unsupported, or \"is not a ...\""},
     // Requires.
     {"asks for", "\\basks for\\b", "requires, needs, requests"},
