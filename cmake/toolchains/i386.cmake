@@ -1,5 +1,5 @@
 # 32-bit x86 on amd64: Debian's cross compiler. The kernel runs such programs itself; they name the loader and the
-# libraries of the sysroot, those that libraries ask for included (an old-style run path holds for these too).
+# libraries of the sysroot, including those that libraries need (an old-style run path holds for these too).
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(architecture i386)
 set(triplet i386-linux-gnu)

@@ -39,7 +39,7 @@ void TCanvas::DrawMetafile(const TRect& rect, std::span<const uint8_t> metafile)
     PlayMetafile(metafile, rows, {rect.Left, rect.Top, rect.Right, rect.Bottom});
     return;
   }
-  // Records are drawn in 32 bits. Only what they change comes back, so that equal colours keep
+  // Records are drawn in 32 bits. Only what they change comes back, so that equal colors keep
   // their indexes.
   const PixelRect clip =
       ClipRect({std::min(rect.Left, rect.Right), std::min(rect.Top, rect.Bottom),

@@ -25,8 +25,8 @@ struct FrameBitmap {
 
 /// Moves the rows of the frame into a bitmap, with resolution, profile and alpha mark. An indexed
 /// frame gets its palette through `CreateColorPalette` (that of a new bitmap if it has none), a
-/// gray one a ramp. Throws FormatError("Invalid image") if rows and pixel format of the frame do
-/// not match.
+/// gray one gets a ramp. Throws FormatError("Invalid image") if rows and pixel format of the frame
+/// do not match.
 FrameBitmap BitmapOfFrame(ImagingFrame frame, ReadMode mode);
 
 }  // namespace rasterkit::detail

@@ -58,6 +58,13 @@ bool IsInFileName(std::string_view line, size_t position) {
   });
 }
 
+/// Whether the match is a whole word in quotes or code marks.
+bool IsKey(std::string_view line, size_t position, size_t length) {
+  const size_t end = position + length;
+  if (position == 0 || end >= line.size() || line[position - 1] != line[end]) return false;
+  return line[end] == '"' || line[end] == '`';
+}
+
 }  // namespace
 
 std::vector<Finding> FindWords(std::string_view text) {
@@ -76,9 +83,11 @@ std::vector<Finding> FindWords(std::string_view text) {
       for (std::sregex_iterator match(lower.begin(), lower.end(), compiled.pattern), end;
            match != end; ++match) {
         const auto position = static_cast<size_t>(match->position());
+        const auto length = static_cast<size_t>(match->length());
         if (position >= lines[i].size() || IsInFileName(joined, position)) continue;
-        findings.push_back({i + 1, joined.substr(position, static_cast<size_t>(match->length())),
-                            std::string(compiled.rule->say)});
+        if (IsKey(joined, position, length)) continue;
+        findings.push_back(
+            {i + 1, joined.substr(position, length), std::string(compiled.rule->say)});
       }
     }
   }

@@ -3,10 +3,10 @@
 namespace rasterkit::test {
 namespace {
 
-#define UNITS                                                                           \
-  "(?:bits|bytes|words|dots|pixels|points|samples|colou?rs|entries|indexes|lines|rows|" \
-  "files|records|units|values|numbers|frames|steps|degrees|headers|programs|"           \
-  "nanoseconds|microseconds|milliseconds|seconds|ns|ms|megabytes|kilobytes|[kmg]i?b|"   \
+#define UNITS                                                                         \
+  "(?:bits|bytes|words|dots|pixels|points|samples|colou?rs|indexes|lines|rows|"       \
+  "files|records|units|values|numbers|frames|steps|degrees|headers|programs|"         \
+  "nanoseconds|microseconds|milliseconds|seconds|ns|ms|megabytes|kilobytes|[kmg]i?b|" \
   "millimet(?:re|er)s|inches|characters|operations|executions)"
 #define THINGS                                                                             \
   "(?:pixel|sample|inch|met(?:re|er)|millimet(?:re|er)|row|column|line|channel|file|room|" \
@@ -26,7 +26,7 @@ constexpr WordRule kRules[] = {
     {"purpose a ", "\\bpurpose a " THINGS "\\b", "per"},
     // Invalid.
     {"none",
-     "\\b(?!there\\b)[a-z]+[,:]? (?:is|are|was|were) none\\b(?! of| at all| in| other|[-_])",
+     "\\b(?!there\\b)[a-z]+[,:]? (?:is|are|was|were) none\\b(?! of| at all| in| other|[-_,])",
      "invalid, unsupported, or \"is not a ...\""},
     // Requires.
     {"asks for", "\\basks for\\b", "requires, needs, requests"},
@@ -59,7 +59,7 @@ constexpr WordRule kRules[] = {
     {"neighbour", "", "neighbor"},
     {"centre", "", "center"},
     {"centring", "", "centering"},
-    {"metre", "metres?(?![a-z])", "meter"},
+    {"metre", "(?:milli|centi|kilo)?metres?(?![a-z])", "meter"},
     {"cancelled", "", "canceled"},
     {"cancelling", "", "canceling"},
     {"labelled", "", "labeled"},
@@ -84,7 +84,7 @@ constexpr WordRule kRules[] = {
     {"serialis", "serialis(?:e|ing|ation)", "serialize"},
     {"synchronis", "synchronis(?:e|ing|ation)", "synchronize"},
     {"quantis", "quantis(?:e|ing|ation)", "quantize"},
-    {"rasteris", "rasteris(?:e|ing|ation)", "rasterize"},
+    {"rasteris", "rasteris(?:e[drs]?|ing|ation)(?![a-z])", "rasterize"},
     {"generalis", "generalis(?:e|ing|ation)", "generalize"},
     {"specialis", "specialis(?:e|ing|ation)", "specialize"},
     {"utilis", "utilis(?:e|ing|ation)", "utilize"},

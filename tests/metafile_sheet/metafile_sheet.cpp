@@ -1,6 +1,6 @@
 // metafile_sheet OUT.png PICTURES GROUPS TITLE PICTURE... TITLE PICTURE...: contact sheet with
 // PICTURES pictures beside each other under each title, and GROUPS such groups in a row. The white
-// around a drawing is cut off, as some draw it on a page; a picture that is not there leaves a grey
+// around a drawing is cut off, as some draw it on a page; a picture that is not there leaves a gray
 // field.
 
 #include <algorithm>

@@ -9,7 +9,7 @@
 
 #include "tests/reference/extended.h"
 
-/// Sharpening and the shift of colours, written straight from the rules: pixel by pixel, from a
+/// Sharpening and the shift of colors, written straight from the rules: pixel by pixel, from a
 /// copy of the whole picture.
 namespace rasterkit::reference {
 
@@ -20,7 +20,7 @@ inline int ChannelOf(const TBitmap& bitmap, int x, int y, int channel) {
   return bitmap.ScanLine(row)[3 * column + channel];
 }
 
-inline bool HasFarNeighbour(const TBitmap& bitmap, int x, int y) {
+inline bool HasFarNeighbor(const TBitmap& bitmap, int x, int y) {
   for (int channel = 0; channel < 3; ++channel)
     for (int dy = -1; dy <= 1; ++dy)
       for (int dx = -1; dx <= 1; ++dx)
@@ -39,7 +39,7 @@ inline void Sharpen(TBitmap& bitmap, int32_t percent) {
   const int64_t share = RoundEven(Extended(percent > 0 ? 2 * percent : percent) / 100 / 9 * 32768);
   for (int y = 0; y < bitmap.Height(); ++y)
     for (int x = 0; x < bitmap.Width(); ++x) {
-      if (!HasFarNeighbour(*copy, x, y)) continue;
+      if (!HasFarNeighbor(*copy, x, y)) continue;
       for (int channel = 0; channel < 3; ++channel) {
         const int value = ChannelOf(*copy, x, y, channel);
         int distance = 0;

@@ -52,13 +52,13 @@ inline void SwapAlpha(TBitmap& bitmap) {
 
 /// The mirror by its parallelogram: upper-left (w - 1, 0), upper-right (0, 0), lower-left (w - 1,
 /// h - 1), or the same standing on its head; the source is one pixel short both ways. A target
-/// pixel is written when its centre lies inside, from the source pixel that its centre falls into.
+/// pixel is written when its center lies inside, from the source pixel that its center falls into.
 inline void SwapBitmap(bool horizontal, TBitmap& bitmap) {
   const std::unique_ptr<TBitmap> copy = bitmap.Clone();
   const int w = bitmap.Width(), h = bitmap.Height();
   for (int y = 0; y < h; ++y) {
     for (int x = 0; x < w; ++x) {
-      // Pixel centres, counted in halves of a pixel.
+      // Pixel centers, counted in halves of a pixel.
       const int u = horizontal ? 2 * (w - 1) - (2 * x + 1) : 2 * x + 1;
       const int v = horizontal ? 2 * y + 1 : 2 * (h - 1) - (2 * y + 1);
       if (u < 0 || v < 0 || u >= 2 * (w - 1) || v >= 2 * (h - 1)) continue;
@@ -67,7 +67,7 @@ inline void SwapBitmap(bool horizontal, TBitmap& bitmap) {
   }
 }
 
-/// One channel of a pixel of grey `gray` under a watermark of strength `v`; extended arithmetic,
+/// One channel of a pixel of gray `gray` under a watermark of strength `v`; extended arithmetic,
 /// singles where a value is stored or handed over as single.
 inline uint8_t WatermarkedChannel(uint8_t c, uint8_t gray, uint8_t v) {
   if (v >= 250) return c;

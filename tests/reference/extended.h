@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <type_traits>
 
-/// Numbers of the 80-bit extended format, which the rules of many operations ask for: 64
+/// Numbers of the 80-bit extended format, which the rules of many operations require: 64
 /// significant bits, every result the nearest such number, of two equally near ones the even one.
 namespace rasterkit::reference {
 

@@ -4,7 +4,7 @@
 
 #include "tests/reference/extended.h"
 
-/// The grey value written straight from its rule, slow and obvious: red * 0.297 + green * 0.589 +
+/// The gray value written straight from its rule, slow and obvious: red * 0.297 + green * 0.589 +
 /// blue * 0.114 in the 80-bit extended format, cut toward zero.
 namespace rasterkit::reference {
 

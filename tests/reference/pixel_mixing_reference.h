@@ -7,7 +7,7 @@
 #include "tests/reference/extended.h"
 #include "tests/reference/gray.h"
 
-/// What contrast, brightness and the mixing modes make of a colour, written straight from the
+/// What contrast, brightness and the mixing modes make of a color, written straight from the
 /// rules: extended intermediates, singles where a value is stored as single.
 namespace rasterkit::reference {
 

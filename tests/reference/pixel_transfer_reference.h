@@ -258,7 +258,7 @@ class TransferWorker {
       Put(tar_, tarBytes_, x, {0, 0, 0});
     } else {
       const uint8_t index = srcBytes_ == 1 ? src_[sx_] : (sx_ % 2 == 0 ? srcLeft_ : srcRight_);
-      // What an overwritten colour of a table was is nobody's pixel.
+      // An overwritten entry of the palette is not a pixel.
       if (t_.mode != pmOverwrite) Mix(x, EntryOf(srcPalette_, index));
     }
   }

@@ -32,7 +32,7 @@ void Confirm(const std::string& input, Dialog dialog) {
   }
   StopIfInterrupted();
   if (answer == DesktopAnswer::failed) throw Failure(exitOutputNotWritten, input + ": " + error);
-  if (answer == DesktopAnswer::cancelled) throw Failure(exitAnswerIsNo, input + ": canceled");
+  if (answer == DesktopAnswer::canceled) throw Failure(exitAnswerIsNo, input + ": canceled");
 }
 
 }  // namespace

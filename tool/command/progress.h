@@ -18,7 +18,7 @@ class Progress {
   Progress& operator=(const Progress&) = delete;
 
   void Advance();
-  /// Erases the bar, so that a message can be printed in its place.
+  /// Erases the bar, so that a message can be printed on its line.
   void Clear();
 
  private:

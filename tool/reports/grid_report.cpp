@@ -52,7 +52,7 @@ GridReport MakeGridReport(const GridQuestions& questions) {
   if (!report.file.grid) return report;
   StopIfInterrupted();
   report.answers = AnswerAll(report.file, questions);
-  report.statistics = Summarise(*report.file.grid, report.file.noData);
+  report.statistics = Summarize(*report.file.grid, report.file.noData);
   StopIfInterrupted();
   return report;
 }

@@ -13,7 +13,7 @@
 namespace rasterkit {
 
 /// How a dialog ended.
-enum class DesktopAnswer : int32_t { confirmed, cancelled, failed };
+enum class DesktopAnswer : int32_t { confirmed, canceled, failed };
 
 /// The dialogs for a program without Qt. The program opens librasterkit-dialogs when it needs one
 /// (DynamicLibrary), gets this table from its one C entry, and calls `start` before and `end` after

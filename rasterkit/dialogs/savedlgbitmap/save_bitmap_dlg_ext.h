@@ -5,9 +5,9 @@
 #include <rasterkit/dialogs/savedlgbitmap/save_options.h>
 #include <rasterkit/runtime/export.h>
 
-/// Asks for a file name, a file type and the save options in one window. Both routines return when
-/// it is closed. They must run on the thread that owns the application object, write nothing, and
-/// throw Error if no window can be shown.
+/// Lets the user enter a file name, a file type and the save options in one window. Both routines
+/// return when it is closed. They must run on the thread that owns the application object, write
+/// nothing, and throw Error if no window can be shown.
 ///
 /// The window starts in the folder `dir` with `fileName`. Its file type is that of the name's
 /// extension, or that of `rec.BitmapFormat` if the name has no dot. A window that starts without a

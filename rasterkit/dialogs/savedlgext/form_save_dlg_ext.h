@@ -14,7 +14,7 @@ class SaveDialogModel;
 /// A save window with a list of the files in the folder: file name, filter, path with a folder
 /// chooser, and an options button if it has a handler. Base class of windows for one kind of files.
 ///
-/// The flags limit what the user can do: "Save" with an empty name does nothing, and the window
+/// The flags limit what the user can do: "Save" with an empty name has no effect, and the window
 /// asks before overwriting an existing file (see SaveFileOK). A folder typed as the name is opened;
 /// a folder before the name becomes the current one. A missing folder or an invalid name (reserved,
 /// too long, or that of a folder) is refused with a message, and the window stays open.
@@ -87,7 +87,7 @@ class RASTERKIT_EXPORT TFormSaveDlgExt : public TScaledForm {
   /// Called after another filter was chosen, with its mask already set on the list.
   THandler& OnFilterChange;
   /// Called for Delete and for Shift+Delete in the list, which is read again afterwards, as after a
-  /// change of the filter. Without a handler the key does nothing.
+  /// change of the filter. Without a handler the key has no effect.
   THandler& OnDeleteKey;
   THandler& OnShiftDeleteKey;
 

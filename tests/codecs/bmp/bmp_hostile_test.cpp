@@ -1,5 +1,5 @@
-// Damaged, truncated and exaggerating files: they give a picture with a warning, or an error with the
-// reason.
+// Damaged, truncated and exaggerating files: they give a picture with a warning, or an error with
+// the reason.
 
 #include <limits>
 

@@ -129,7 +129,7 @@ TEST(FormRules, Texts_Should_StandInTheResourceTable) {
 
 TEST(ClippedTexts, ANarrowLabel_Should_BeFound) {
   QWidget form;
-  QLabel label("a text that wants more", &form);
+  QLabel label("a text that needs more", &form);
   label.setGeometry(0, 0, 20, 30);
   form.show();
   EXPECT_THAT(ClippedTexts(form), SizeIs(1));

@@ -408,7 +408,7 @@ TEST_F(SaveBitmapDlgExtTest, AWindowWithoutAName_Should_TakeWhateverIsTyped) {
   fileName.clear();
   EXPECT_TRUE(SavePixels(save));
   EXPECT_EQ(fileName, Place("plan.png"));
-  EXPECT_TRUE(questions.empty()) << "nobody is asked";
+  EXPECT_TRUE(questions.empty()) << "no question is asked";
 }
 
 TEST_F(SaveBitmapDlgExtTest, AWindowWithoutAName_Should_TakeNothingToo) {

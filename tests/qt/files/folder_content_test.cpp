@@ -25,14 +25,14 @@ std::vector<std::string> Names(const FolderContent& content) {
 }
 
 /// Drops root's rights for a test; permissions do not apply to root.
-class Nobody {
+class UnprivilegedUser {
  public:
-  Nobody() : wasRoot_(geteuid() == 0 && seteuid(65534) == 0) {}
-  ~Nobody() {
+  UnprivilegedUser() : wasRoot_(geteuid() == 0 && seteuid(65534) == 0) {}
+  ~UnprivilegedUser() {
     if (wasRoot_ && seteuid(0) != 0) std::abort();
   }
-  Nobody(const Nobody&) = delete;
-  Nobody& operator=(const Nobody&) = delete;
+  UnprivilegedUser(const UnprivilegedUser&) = delete;
+  UnprivilegedUser& operator=(const UnprivilegedUser&) = delete;
 
  private:
   const bool wasRoot_;
@@ -100,7 +100,7 @@ TEST(ReadFolder, AFolderThatMayNotBeRead_Should_SayWhy) {
   std::filesystem::permissions(locked, std::filesystem::perms::none);
   FolderContent content;
   {
-    const Nobody nobody;
+    const UnprivilegedUser user;
     content = ReadFolder(locked.string(), kGoOn);
   }
   EXPECT_EQ(content.state, FolderState::isUnreadable);

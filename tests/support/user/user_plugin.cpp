@@ -74,7 +74,7 @@ class User : public QObject {
   void Act(QDialog& window) {
     seen_ = nullptr;
     if (next_ >= scripts_.size())
-      return Leave(window, QStringLiteral("nobody expected this window"));
+      return Leave(window, QStringLiteral("this window was not expected"));
     const QString script = scripts_[next_++];
     for (const QString& step : script.split(QLatin1Char(';')))
       if (!DoStep(window, step))

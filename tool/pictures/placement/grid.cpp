@@ -83,7 +83,7 @@ double Grid::At(int column, int row) const {
   return ReadValue(type_, rows_.Row(row), column);
 }
 
-GridStatistics Summarise(const Grid& grid, const NoData& noData) {
+GridStatistics Summarize(const Grid& grid, const NoData& noData) {
   GridStatistics result;
   double minimum = std::numeric_limits<double>::infinity(), maximum = -minimum, sum = 0;
   for (int y = 0; y < grid.Height(); ++y) {

@@ -65,6 +65,6 @@ struct GridStatistics {
   uint64_t notFinite = 0;
 };
 
-GridStatistics Summarise(const Grid& grid, const NoData& noData);
+GridStatistics Summarize(const Grid& grid, const NoData& noData);
 
 }  // namespace rasterkit::tool
