@@ -18,6 +18,7 @@ TEST(FindLayoutFaults, Should_FindLongLines) {
   EXPECT_THAT(FindLayoutFaults("a\n" + kLong + "\n"), ElementsAre("2: has 101 columns"));
   EXPECT_THAT(FindLayoutFaults(kLong.substr(1)), IsEmpty());
   EXPECT_THAT(FindLayoutFaults("[a](" + kLong + ") b"), IsEmpty());
+  EXPECT_THAT(FindLayoutFaults("![" + kLong + "](a.png)"), IsEmpty());
   EXPECT_THAT(FindLayoutFaults("[a](b) " + kLong), ElementsAre("1: has 105 columns"));
   EXPECT_THAT(FindLayoutFaults("## " + kLong + "\n```\n" + kLong + "\n```\n"), IsEmpty());
   // Characters count, not bytes.

@@ -14,10 +14,10 @@ std::string_view TrimLeft(std::string_view line) {
   return first == std::string_view::npos ? std::string_view() : line.substr(first);
 }
 
-/// Characters, not bytes, without the targets of links.
+/// Characters, not bytes, without images and the targets of links.
 size_t WidthOf(const std::string& line) {
-  static const std::regex kTarget(R"(\]\([^)]*\))");
-  const std::string shown = std::regex_replace(line, kTarget, "]");
+  static const std::regex kHidden(R"(!\[[^\]]*\]\([^)]*\)|\]\([^)]*\))");
+  const std::string shown = std::regex_replace(line, kHidden, "]");
   return static_cast<size_t>(std::count_if(shown.begin(), shown.end(), [](char c) {
     return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
   }));
