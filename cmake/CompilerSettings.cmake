@@ -1,5 +1,5 @@
-# What every target is compiled with. A fused multiply-add rounds once where a product and a sum round twice, so
-# contraction stays off everywhere: results must not depend on the processor.
+# The compiler settings of every target. A fused multiply-add rounds once, a product and a sum round twice. Contraction
+# is off everywhere, because results must not depend on the processor.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -15,9 +15,10 @@ function(rasterkit_settings target)
   if(RASTERKIT_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
-  # i386 hosts: the same double arithmetic as everywhere else, not the 80-bit unit's.
+  # i386: double arithmetic as on other processors, not that of the 80-bit unit; and files beyond 2 GiB.
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "i[3-6]86" OR (CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64" AND CMAKE_SIZEOF_VOID_P EQUAL 4))
     target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse)
+    target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
   endif()
   if(RASTERKIT_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${RASTERKIT_SANITIZE} -fno-omit-frame-pointer
@@ -27,6 +28,8 @@ function(rasterkit_settings target)
   if(RASTERKIT_FUZZERS)
     target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
   endif()
+  # Scalable vectors cannot be members of structs, which the kernels use.
+  target_compile_definitions(${target} PRIVATE HWY_DISABLED_TARGETS=HWY_SVE|HWY_SVE2|HWY_SVE_256|HWY_SVE2_128|HWY_RVV)
   if(RASTERKIT_SCALAR_ONLY)
     target_compile_definitions(${target} PRIVATE HWY_COMPILE_ONLY_SCALAR)
   endif()

@@ -1,12 +1,12 @@
-# Programs that test what lies in rasterkit/qt and rasterkit/dialogs.
+# Test programs for rasterkit/qt and rasterkit/dialogs.
 find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 
-# No display, no settings and no language of the user who runs the tests; what fontconfig keeps on purpose is no leak.
+# Tests run without the user's display, settings and language. Memory that fontconfig never frees is not a leak.
 set(RASTERKIT_FORM_ENVIRONMENT
     QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 LANGUAGE=
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/forms/lsan.supp:print_suppressions=0)
 
-# What both kinds have. The whole archive: the registration of resources is called by nobody.
+# Settings of both kinds of tests. The whole archive is linked: no code calls the registration of resources.
 function(rasterkit_dialogs_program name)
   add_executable(${name} ${ARGN})
   rasterkit_settings(${name})
@@ -18,7 +18,7 @@ function(rasterkit_dialogs_program name)
   target_link_libraries(${name} PRIVATE $<LINK_LIBRARY:WHOLE_ARCHIVE,rasterkit_dialogs_for_tests> rasterkit_test_support)
 endfunction()
 
-# rasterkit_dialogs_test(NAME file.cpp ...): tests of widgets. The program has a QApplication; see tests/support/forms.
+# rasterkit_dialogs_test(NAME file.cpp ...): tests of widgets. The program has a QApplication (tests/support/forms).
 function(rasterkit_dialogs_test name)
   rasterkit_dialogs_program(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE rasterkit_form_test_support GTest::gmock)
@@ -26,7 +26,7 @@ function(rasterkit_dialogs_test name)
                        ENVIRONMENT "${RASTERKIT_FORM_ENVIRONMENT}")
 endfunction()
 
-# rasterkit_dialogs_model_test(NAME file.cpp ...): tests of models, which know no widget: no QApplication.
+# rasterkit_dialogs_model_test(NAME file.cpp ...): tests of models, without widgets and QApplication.
 function(rasterkit_dialogs_model_test name)
   rasterkit_dialogs_program(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main)
@@ -34,7 +34,7 @@ function(rasterkit_dialogs_model_test name)
                        ENVIRONMENT "${RASTERKIT_FORM_ENVIRONMENT}")
 endfunction()
 
-# rasterkit_xvfb_test(PROGRAM FILTER): the cases of a program of rasterkit_dialogs_test once more, on a real display.
+# rasterkit_xvfb_test(PROGRAM FILTER): cases of a rasterkit_dialogs_test program on an X server.
 function(rasterkit_xvfb_test program filter)
   add_test(NAME Xvfb.${program} COMMAND ${PROJECT_SOURCE_DIR}/tests/support/forms/under_xvfb.sh
                                         $<TARGET_FILE:${program}> --gtest_filter=${filter})

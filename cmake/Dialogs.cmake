@@ -1,20 +1,20 @@
-# A language more is a file rasterkit_LANGUAGE.ts in rasterkit/strings/languages and its name here.
+# A new language is a file rasterkit_LANGUAGE.ts in rasterkit/strings/languages and its name here.
 set(RASTERKIT_LANGUAGES de)
 
-# librasterkit-dialogs: the rooms rasterkit/qt and rasterkit/dialogs. It links librasterkit and reaches what that exports, no more.
+# librasterkit-dialogs: the rooms rasterkit/qt and rasterkit/dialogs. It uses only what librasterkit exports.
 add_library(rasterkit_dialogs_objects OBJECT)
 rasterkit_settings(rasterkit_dialogs_objects)
 target_link_libraries(rasterkit_dialogs_objects PUBLIC Qt6::Widgets Qt6::Svg fmt::fmt)
 target_compile_definitions(rasterkit_dialogs_objects
   PRIVATE RASTERKIT_BUILDING
-  # A host may compile without Qt's own keywords, so the headers do without them; and nothing that Qt 6.4 calls old.
+  # Hosts may compile without Qt's keywords, so the headers must not need them. Nothing deprecated in Qt 6.4 is used.
           QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 set_target_properties(rasterkit_dialogs_objects PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
-# What Qt's tools write is theirs: its warnings are nobody's business here.
+# Silence warnings in moc output.
 set_source_files_properties(${PROJECT_BINARY_DIR}/rasterkit_dialogs_objects_autogen/mocs_compilation.cpp
                             PROPERTIES COMPILE_OPTIONS -w)
 
-# The catalogues of rasterkit/strings/languages: Qt's lrelease makes of each what programs read, and all are part of the library.
+# Qt's lrelease compiles each catalogue of rasterkit/strings/languages; all are embedded in the library.
 set(languages_folder ${PROJECT_BINARY_DIR}/languages)
 set(catalogues "")
 set(catalogue_entries "")
@@ -46,11 +46,11 @@ target_link_libraries(rasterkit_dialogs PUBLIC rasterkit Qt6::Widgets PRIVATE ra
 set_target_properties(rasterkit_dialogs PROPERTIES OUTPUT_NAME rasterkit-dialogs EXPORT_NAME dialogs
                                                    VERSION ${PROJECT_VERSION} SOVERSION 0)
 if(NOT RASTERKIT_SANITIZE)
-  # A hidden symbol of librasterkit is found missing here and not at the user's.
+  # Report a symbol that librasterkit does not export when linking, not at run time.
   target_link_options(rasterkit_dialogs PRIVATE -Wl,--no-undefined)
 endif()
 
-# The same objects as an archive, for tests; see rasterkit_dialogs_test.
+# The same objects as a static library, for tests; see rasterkit_dialogs_test.
 add_library(rasterkit_dialogs_for_tests STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:rasterkit_dialogs_objects>)
 rasterkit_settings(rasterkit_dialogs_for_tests)
 target_link_libraries(rasterkit_dialogs_for_tests PUBLIC rasterkit_pdf_for_tests Qt6::Widgets Qt6::Svg fmt::fmt)

@@ -1,7 +1,6 @@
-# What `cmake --install` puts where: the libraries, their headers, the tool, and what other builds find them by
-# (find_package(rasterkit), with COMPONENTS pdf or dialogs for those on Qt; pkg-config rasterkit, rasterkit-pdf,
-# rasterkit-dialogs).
-# Dependencies of the library stay inside it; the dialogs' headers need Qt's.
+# Installs the libraries, their headers, the tool, and the files for find_package(rasterkit) (COMPONENTS pdf, dialogs)
+# and pkg-config (rasterkit, rasterkit-pdf, rasterkit-dialogs). Hosts need none of the library's dependencies; the
+# headers of the dialogs need Qt.
 include(CMakePackageConfigHelpers)
 
 set(umbrellas bitmaptools graphics jpegexif raster rasterkit runtime startup strings tifftobmp)
@@ -23,7 +22,7 @@ install(EXPORT rasterkit_targets FILE rasterkitTargets.cmake NAMESPACE rasterkit
 if(RASTERKIT_PDF)
   target_compile_features(rasterkit_pdf INTERFACE cxx_std_20)
   set_target_properties(rasterkit_pdf PROPERTIES INSTALL_RPATH "$ORIGIN")
-  # An export of their own: who wants the library alone need not have Qt.
+  # A separate export, so that the library alone does not require Qt.
   install(TARGETS rasterkit_pdf EXPORT rasterkit_pdf_targets)
   install(EXPORT rasterkit_pdf_targets FILE rasterkitPdfTargets.cmake NAMESPACE rasterkit::
           DESTINATION ${package_folder})
@@ -35,11 +34,20 @@ if(RASTERKIT_DIALOGS)
   install(TARGETS rasterkit_dialogs EXPORT rasterkit_dialogs_targets)
   install(EXPORT rasterkit_dialogs_targets FILE rasterkitDialogsTargets.cmake NAMESPACE rasterkit::
           DESTINATION ${package_folder})
-  # What desktops show the editor by.
+  # The desktop's entry for the editor and its icon.
   install(FILES ${PROJECT_SOURCE_DIR}/packaging/desktop/rasterkit.desktop
           DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
   install(FILES ${PROJECT_SOURCE_DIR}/packaging/desktop/rasterkit.svg
           DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+endif()
+
+# Builds everything that `cmake --install` copies, without tests and samples.
+add_custom_target(installed_files DEPENDS rasterkit rasterkit_tool)
+if(RASTERKIT_PDF)
+  add_dependencies(installed_files rasterkit_pdf)
+endif()
+if(RASTERKIT_DIALOGS)
+  add_dependencies(installed_files rasterkit_dialogs)
 endif()
 
 configure_package_config_file(${PROJECT_SOURCE_DIR}/packaging/rasterkitConfig.cmake.in

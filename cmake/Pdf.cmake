@@ -1,5 +1,5 @@
-# librasterkit-pdf: the pages of PDF files, drawn by Qt PDF (rasterkit/qt/pdf). A library of its own, so that neither librasterkit
-# nor the tool needs Qt; the tool opens it when it meets a PDF file.
+# librasterkit-pdf: draws pages of PDF files with Qt PDF (rasterkit/qt/pdf). It is a separate library, so that neither
+# librasterkit nor the tool needs Qt; the tool opens it for a PDF file.
 add_library(rasterkit_pdf_objects OBJECT)
 rasterkit_settings(rasterkit_pdf_objects)
 target_link_libraries(rasterkit_pdf_objects PUBLIC Qt6::Gui Qt6::Pdf fmt::fmt)
@@ -16,7 +16,7 @@ if(NOT RASTERKIT_SANITIZE)
   target_link_options(rasterkit_pdf PRIVATE -Wl,--no-undefined)
 endif()
 
-# The same objects as an archive, for tests and for the dialogs' tests.
+# The same objects as a static library, for its tests and those of the dialogs.
 add_library(rasterkit_pdf_for_tests STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:rasterkit_pdf_objects>)
 rasterkit_settings(rasterkit_pdf_for_tests)
 target_link_libraries(rasterkit_pdf_for_tests PUBLIC rasterkit_for_tests Qt6::Gui Qt6::Pdf fmt::fmt)

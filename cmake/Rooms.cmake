@@ -1,9 +1,9 @@
 # The source tree is the include tree: `#include <rasterkit/runtime/errors.h>` is rasterkit/runtime/errors.h, in a
 # checkout and after installation alike.
 #
-# An installed header is either promised or merely installed. PROMISED ones keep their contents within a version's
-# promise; each is in the umbrella of its room (rasterkit/ROOM.h) and in docs/library.md. INSTALLED ones are there because
-# promised ones include them, or for programs that follow the library closely; they may change in any version.
+# An installed header is either PROMISED or INSTALLED. A promised header stays compatible; it is in the umbrella header of
+# its room (rasterkit/ROOM.h) and in docs/library.md. The others are installed because promised headers include them, or
+# for programs that follow the library closely; they may change in any version.
 
 # rasterkit_room(PROMISED a.h ... INSTALLED b.h ... SOURCES a.cpp ...): adds a room to the library.
 function(rasterkit_room)

@@ -1,5 +1,5 @@
-// Runs a fuzz target once over every file of the folders given, without a fuzzing engine: a crash
-// found once stays found.
+// Runs a fuzz target once over every file of the given folders, without a fuzzing engine, so that a
+// crash found once cannot come back.
 
 #include <cstdint>
 #include <cstdio>

@@ -8,7 +8,7 @@ namespace rasterkit::samples {
 /// way is up. 24-bit; every pixel is computed, so that the picture is ours.
 TBitmap DrawScene(int width, int height);
 
-/// The same as an 8-bit picture with a ramp of 256 greys.
+/// The same as an 8-bit picture with a ramp of 256 grays.
 TBitmap DrawGrayScene(int width, int height);
 
 }  // namespace rasterkit::samples

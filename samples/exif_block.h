@@ -8,7 +8,7 @@ namespace rasterkit::samples {
 
 enum class ByteOrder { intel, motorola };
 
-/// Degrees, north and east positive, and metres above sea level.
+/// Degrees, north and east positive, and meters above sea level.
 struct Place {
   double latitude, longitude, altitude;
 };

@@ -90,7 +90,7 @@ using GeoCombination = void (*)(TBitmap*, TBitmap*, int32_t, bool, int32_t, TPro
 void AddGeo(const std::string& name, GeoCombination combine, TPixelFormat sourceFormat) {
   for (const bool gray : {false, true}) {
     for (const int threads : {1, 2}) {
-      Add(name + (gray ? " grey/rasterkit/" : "/rasterkit/") + std::to_string(threads),
+      Add(name + (gray ? " gray/rasterkit/" : "/rasterkit/") + std::to_string(threads),
           [=](benchmark::State& state) {
             TBitmap target = Picture(pf24bit), source = Picture(sourceFormat);
             Measure(state, [&] { combine(&target, &source, 30, gray, threads, nullptr); });

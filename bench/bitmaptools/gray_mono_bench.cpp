@@ -1,5 +1,5 @@
-// Operations that look at the grey of each pixel, row by row on one thread, beside a memcpy of the
-// picture's bytes and beside what OpenCV, Leptonica and Qt have for the same (their grey has the
+// Operations that look at the gray of each pixel, row by row on one thread, beside a memcpy of the
+// picture's bytes and beside what OpenCV, Leptonica and Qt have for the same (their gray has the
 // usual weights 0.299, 0.587, 0.114: the same work, other numbers).
 //
 // The number behind a name is the picture's height; it is 4000 pixels wide. 3000 rows come from
@@ -215,7 +215,7 @@ RASTERKIT_CASE(OpenCvKeyColor);
 #if RASTERKIT_BENCH_LEPTONICA
 
 /// Measures `work(source)`, which makes a picture, from 32-bit pixels: Leptonica's only true
-/// colour.
+/// color.
 template <class Work>
 void FromPix(benchmark::State& state, Work work) {
   const auto height = static_cast<int>(state.range(0));

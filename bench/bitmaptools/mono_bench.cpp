@@ -9,7 +9,7 @@
 #include <rasterkit/bitmaptools/rotation/rotate.h>
 #include <rasterkit/graphics/bitmap.h>
 
-// Turning a black-and-white plan (A0 at 300 dots an inch), items = pixels of the plan.
+// Turning a black-and-white plan (A0 at 300 dots per inch), items = pixels of the plan.
 namespace {
 
 using rasterkit::TBitmap;

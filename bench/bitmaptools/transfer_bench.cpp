@@ -1,6 +1,6 @@
-// Contrast, brightness, sharpening, shift of colours and pixel transfer over 12 megapixels, beside
+// Contrast, brightness, sharpening, shift of colors and pixel transfer over 12 megapixels, beside
 // a memcpy of the bytes and OpenCV's nearest work: scale and offset of every channel (which needs
-// no grey value), a nearest resize followed by a multiplication, a weighted sum or a copy through a
+// no gray value), a nearest resize followed by a multiplication, a weighted sum or a copy through a
 // mask. Arguments are named.
 #include <algorithm>
 #include <array>
@@ -40,7 +40,7 @@ constexpr rasterkit::TPixelFormat FormatOf(int64_t bits) {
                       : rasterkit::pf32bit;
 }
 
-/// Random colours, or white with a tenth of them.
+/// Random colors, or white with a tenth of them.
 TBitmap MakePicture(rasterkit::TPixelFormat format, int width, int height, Content content) {
   TBitmap bitmap;
   bitmap.ResetPixels(format, width, height);
@@ -108,7 +108,7 @@ void BM_ShiftColors(benchmark::State& state) {
   SetNsPerPixel(state);
 }
 
-/// Arguments: width of the source, threads, grey, bits of the source and of the target.
+/// Arguments: width of the source, threads, gray, bits of the source and of the target.
 template <rasterkit::TPixelMode kMode>
 void BM_Transfer(benchmark::State& state) {
   const auto sourceWidth = static_cast<int>(state.range(0));
@@ -170,7 +170,7 @@ BENCHMARK(BM_Sharpen)
     ->UseRealTime();
 BENCHMARK(BM_ShiftColors)->Unit(benchmark::kMicrosecond)->MeasureProcessCPUTime()->UseRealTime();
 void TransferCases(benchmark::internal::Benchmark* benchmark) {
-  benchmark->ArgNames({"source", "threads", "grey", "from", "to"})
+  benchmark->ArgNames({"source", "threads", "gray", "from", "to"})
       ->ArgsProduct({{3000, 4000, 6000}, {1, 2}, {0, 1}, {24}, {24}})
       ->ArgsProduct({{3000, 4000}, {1, 2}, {0}, {1, 8, 32}, {24}})
       ->ArgsProduct({{3000, 4000}, {1, 2}, {0}, {24, 32}, {32}})

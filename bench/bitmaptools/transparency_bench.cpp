@@ -1,5 +1,5 @@
-// Transparency, grey and black-and-white of whole bitmaps of 12 megapixels, one thread, beside a
-// memcpy of the bytes and beside the same work of OpenCV, Leptonica and Qt (whose greys have
+// Transparency, gray and black-and-white of whole bitmaps of 12 megapixels, one thread, beside a
+// memcpy of the bytes and beside the same work of OpenCV, Leptonica and Qt (whose grays have
 // weights of their own). Each pass gets a fresh bitmap, copied outside the clock. What only changes
 // a palette or one pixel (BitmapToGray and CheckTransColForPDF of some formats) is not timed.
 #include <array>
@@ -36,7 +36,7 @@ constexpr int kWidth = 4000, kHeight = 3000;
 constexpr int64_t kPixels = int64_t{kWidth} * kHeight;
 constexpr uint8_t kThreshold = 127;
 
-/// The photograph in a format; an 8-bit one has a palette of 256 colours.
+/// The photograph in a format; an 8-bit one has a palette of 256 colors.
 TBitmap Picture(TPixelFormat format) {
   static const Raster photo = bench::PhotoLike(kWidth, kHeight);
   TBitmap bitmap(photo.Clone());
@@ -183,7 +183,7 @@ void RegisterOpenCv() {
 #endif
 
 #if RASTERKIT_BENCH_LEPTONICA
-/// From 32-bit pixels: Leptonica's only true colour.
+/// From 32-bit pixels: Leptonica's only true color.
 void LeptonicaThreshold(benchmark::State& state) {
   const TBitmap picture = Picture(pf32bit);
   PIX* source = pixCreate(kWidth, kHeight, 32);

@@ -1,4 +1,4 @@
-// Windows bitmap files of 36 MB, 24 bits a pixel, beside a copy of their bytes in memory and Qt.
+// Windows bitmap files of 36 MB, 24 bits per pixel, beside a copy of their bytes in memory and Qt.
 
 #include <cstdint>
 #include <cstdlib>

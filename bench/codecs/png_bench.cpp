@@ -1,5 +1,5 @@
 // Saving and loading 12 megapixels of PNG: time and file size of each level, for a picture like a
-// photograph and one like a plan, in true colour and with a palette. Qt's codec is the peer where
+// photograph and one like a plan, in true color and with a palette. Qt's codec is the peer where
 // it is installed.
 
 #include <benchmark/benchmark.h>

@@ -1,4 +1,4 @@
-// TIFF files on a file system in memory, read and written on one thread: 12 megapixels of colour, a
+// TIFF files on a file system in memory, read and written on one thread: 12 megapixels of color, a
 // plan of bits, a grid of floats. Peers in the same run are libtiff alone, which exchanges red and
 // blue in its strips, and GDAL where it is installed.
 

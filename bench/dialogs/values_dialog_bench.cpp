@@ -31,7 +31,7 @@ QApplication& TheApplication() {
   return application;
 }
 
-/// Every colour and no even area.
+/// Every color and no even area.
 const TBitmap& Picture(rasterkit::TPixelFormat format) {
   static std::unique_ptr<TBitmap> picture;
   if (picture && picture->PixelFormat() == format) return *picture;

@@ -1,4 +1,4 @@
-// Grey values of a 36 MB picture, row by row, beside a memcpy of its bytes and OpenCV's conversion
+// Gray values of a 36 MB picture, row by row, beside a memcpy of its bytes and OpenCV's conversion
 // (whose weights are the usual 0.299, 0.587, 0.114 in fixed point with rounding: the same work,
 // other numbers).
 #include <cstdint>
@@ -23,7 +23,7 @@ constexpr size_t kPixels = size_t{kWidth} * kHeight;
 
 enum class Content { noise, paper, doubtful };
 
-/// A picture of random colours, of neutral greys, or of one colour whose exact grey value is whole.
+/// A picture of random colors, of neutral grays, or of one color whose exact gray value is whole.
 std::vector<uint8_t> MakePicture(Content content, int bytesPerPixel) {
   std::vector<uint8_t> picture(kPixels * bytesPerPixel);
   std::mt19937 random(36);

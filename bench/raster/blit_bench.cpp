@@ -1,4 +1,4 @@
-// Drawing on the canvas: blending, at the same size and stretched, drawing without a key colour,
+// Drawing on the canvas: blending, at the same size and stretched, drawing without a key color,
 // into parallelograms, and halftone stretching, beside OpenCV, Qt and pixman with the same pictures
 // and a memcpy of the bytes. Items are target pixels, for shrinking source pixels.
 #include <algorithm>
@@ -141,7 +141,7 @@ BENCHMARK_CAPTURE(BlendFormats, 32 over 32, pf32bit, pf32bit, 1)->Unit(benchmark
 BENCHMARK_CAPTURE(BlendFormats, 32 over 32 stretched, pf32bit, pf32bit, 0.625)
     ->Unit(benchmark::kMillisecond);
 
-/// The key is a colour that the photo hardly has, so nearly every pixel is drawn.
+/// The key is a color that the photo hardly has, so nearly every pixel is drawn.
 void KeyedFormats(benchmark::State& state, TPixelFormat from, TPixelFormat to, double part) {
   DrawWhole(state, from, to, part,
             [](TCanvas& canvas, const TRect& dest, const TBitmap& source, const TRect& src) {

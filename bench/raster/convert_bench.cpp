@@ -1,6 +1,6 @@
 // Conversions between pixel formats of a 12-megapixel picture, whole rasters with their allocation,
 // beside a memcpy of the 24-bit bytes, OpenCV (cvtColor between 24 and 32 bits) and Qt
-// (convertToFormat without dithering; beyond 256 colours its palette is a fixed cube, not one
+// (convertToFormat without dithering; beyond 256 colors its palette is a fixed cube, not one
 // chosen for the picture).
 #include <cstdint>
 #include <cstring>
@@ -31,7 +31,7 @@ constexpr int kHeight = 3000;
 
 enum class Content { photo, fewColors };
 
-// Few colours are the photograph's own, cut to two bits a channel: 64 at most.
+// Few colors are the photograph's own, cut to two bits per channel: 64 at most.
 Raster MakePicture(Content content, TPixelFormat format) {
   Raster picture = bench::PhotoLike(kWidth, kHeight);
   if (content == Content::fewColors) {

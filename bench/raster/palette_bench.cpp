@@ -1,5 +1,5 @@
-// 24-bit pictures with 256 colours of their own, beside Leptonica's median cut (without dithering).
-// The counter `rms` is the root of the mean squared distance of a pixel's colour. Pictures made by
+// 24-bit pictures with 256 colors of their own, beside Leptonica's median cut (without dithering).
+// The counter `rms` is the root of the mean squared distance of a pixel's color. Pictures made by
 // rule, and the files that RASTERKIT_BENCH_PICTURES names (separated by colons).
 #include <cmath>
 #include <cstdlib>

@@ -49,7 +49,7 @@ inline Raster PhotoLike(int width, int height) {
   return raster;
 }
 
-/// Like a plan: thin dark and coloured lines, hatches and filled areas on white. pf24bit.
+/// Like a plan: thin dark and colored lines, hatches and filled areas on white. pf24bit.
 inline Raster PlanLike(int width, int height) {
   Raster raster(pf24bit, width, height);
   for (int y = 0; y < height; y++) std::fill_n(raster.Row(y), raster.Stride(), uint8_t{255});

@@ -9,8 +9,8 @@
 /// Timing of work that needs a fresh picture each time. Register with `UseManualTime()`.
 namespace rasterkit::bench {
 
-/// Measures `work()`, with `prepare()` before it outside the clock: nanoseconds a pixel, on average
-/// and in the fastest pass, as that is what other programs on the machine disturb least.
+/// Measures `work()`, with `prepare()` before it outside the clock: nanoseconds per pixel, on
+/// average and in the fastest pass, as that is what other programs on the machine disturb least.
 template <class Prepare, class Work>
 void MeasurePrepared(benchmark::State& state, int64_t pixels, Prepare prepare, Work work) {
   double least = 1e9, sum = 0;

@@ -38,7 +38,7 @@ class HostWindow : public QMainWindow {
   }
 
  private:
-  /// What a command throws must not unwind Qt's loop: Guarded shows it in a message box.
+  /// An exception of a command must not unwind Qt's event loop: Guarded shows it in a message box.
   void AddCommand(const char* text, void (HostWindow::*command)()) {
     connect(bar_.addAction(text), &QAction::triggered, this, rk::Guarded([this, command] {
               if (bitmap_ || command == &HostWindow::Open) (this->*command)();
@@ -73,7 +73,7 @@ class HostWindow : public QMainWindow {
     if (rk::CropBitmap(*bitmap_, cut_)) Show();
   }
 
-  /// Mixes another picture in, with a bar that says how far it is.
+  /// Mixes another picture in, with a progress bar.
   void LayOver() {
     std::string fileName;
     if (!rk::BitmapOpenDialog("", "", rk::bfLoadBmp, fileName, true)) return;

@@ -1,5 +1,5 @@
-// Bitmap files: any bytes give a picture or an Error; a picture survives being written and read
-// again.
+// Any bytes as a bitmap file give a picture or an Error. A decoded picture is the same after it was
+// written and read again.
 
 #include <cstdint>
 #include <cstdio>
@@ -19,8 +19,8 @@ using namespace rasterkit;
 
 namespace {
 
-/// A few bytes may claim any size; filling the default budget's 4 GiB for each input would leave
-/// no time to look for faults. Every way through the code is there at this size too.
+/// A few bytes can claim any size, and filling the default limit of 4 GiB for each input would take
+/// too long. Every path is taken at this size too.
 constexpr uint64_t kPictureLimit = 256 * 1024;
 
 void Require(bool holds, const char* what) {
@@ -49,10 +49,10 @@ void RequireSamePicture(const Raster& a, const Raster& b) {
   Require(a.Format() == b.Format(), "same format");
   Require(a.Width() == b.Width() && a.Height() == b.Height(), "same size");
   for (int y = 0; y < a.Height(); ++y) {
-    Require(std::memcmp(a.Row(y), b.Row(y), a.Stride()) == 0, "same rows, padding and all");
+    Require(std::memcmp(a.Row(y), b.Row(y), a.Stride()) == 0, "same rows, padding included");
   }
   for (int i = 0; i < 256; ++i) {
-    Require(a.palette.Entry(i) == b.palette.Entry(i), "same colours");
+    Require(a.palette.Entry(i) == b.palette.Entry(i), "same colors");
   }
   Require(a.alphaFormat == b.alphaFormat, "same alpha mark");
   Require(a.resolution == b.resolution, "same resolution");
@@ -60,8 +60,8 @@ void RequireSamePicture(const Raster& a, const Raster& b) {
   Require(a.profile == nullptr || *a.profile == *b.profile, "same profile");
 }
 
-/// Embedded pictures have what bitmap files cannot say: resolutions of any fraction, alpha that is
-/// 0 everywhere.
+/// Embedded JPEG and PNG pictures can hold what bitmap files cannot: fractional resolutions, alpha
+/// that is 0 everywhere.
 bool IsEmbedded(std::span<const uint8_t> bytes) {
   const size_t field = detail::kBmpFileHeaderBytes + detail::bmp_field::compression;
   if (bytes.size() < field + 4) return false;
@@ -76,7 +76,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::span<const uint8_t> bytes(data, size);
   std::optional<Raster> raster = Decode(bytes);
   if (!raster) return 0;
-  Require(SniffPictureType(bytes) == PictureType::bmp, "what is read is recognised");
+  Require(SniffPictureType(bytes) == PictureType::bmp, "what is read is recognized");
   Raster again = WriteAndRead(*raster);
   if (IsEmbedded(bytes)) {
     raster = std::move(again);

@@ -1,24 +1,21 @@
-// Any bytes as an icon file: a picture or one of our errors, and what was decoded survives writing
-// and reading unchanged.
+// Any bytes as an icon file give a picture or an Error. A decoded picture is the same after it was
+// written and read again.
 
 #include <algorithm>
-#include <cstdlib>
 
 #include <rasterkit/codecs/ico/ico_decoder.h>
 #include <rasterkit/codecs/ico/ico_encoder.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
+#include "fuzz/require.h"
+
 namespace {
 
 using namespace rasterkit;
 
-// A few bytes may claim any size; this is room for the largest icon that can be written.
-constexpr uint64_t pictureLimit = 256 * 256 * 4;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
+// A few bytes can claim any size; this is enough for the largest icon that can be written.
+constexpr uint64_t kPictureLimit = 256 * 256 * 4;
 
 void RoundTrip(const Raster& raster) {
   TMemoryStream stream;
@@ -32,7 +29,7 @@ void RoundTrip(const Raster& raster) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  SetPictureMemoryLimit(pictureLimit);
+  SetPictureMemoryLimit(kPictureLimit);
   try {
     const Raster raster = DecodeIco({data, size});
     Require(raster.Format() == pf32bit && raster.alphaFormat == afDefined);

@@ -1,5 +1,5 @@
-// Any bytes as a JPEG file: a picture or one of our errors, and what was decoded can be written and
-// read again.
+// Any bytes as a JPEG file give a picture or an Error. A decoded picture can be written and read
+// again.
 
 #include <cstdlib>
 
@@ -12,9 +12,9 @@ namespace {
 
 using namespace rasterkit;
 
-// A few bytes may ask for a picture as large as the budget, and for a dozen walks over it. 4 MiB
-// keep a run within milliseconds and take every path that larger pictures take.
-constexpr uint64_t pictureLimit = 4 << 20;
+// A few bytes can claim a picture of any size and a dozen scans over it. 4 MiB keep a run within
+// milliseconds and take every path that larger pictures take.
+constexpr uint64_t kPictureLimit = 4 << 20;
 
 void RoundTrip(const Raster& raster) {
   if (raster.Width() > 65500 || raster.Height() > 65500) return;
@@ -28,7 +28,7 @@ void RoundTrip(const Raster& raster) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  SetPictureMemoryLimit(pictureLimit);
+  SetPictureMemoryLimit(kPictureLimit);
   try {
     CodecReport report;
     const Raster raster = DecodeJpeg({data, size}, &report);

@@ -1,4 +1,4 @@
-// Writes the seeds of the bitmap fuzzer: one tiny file for each way through the decoder.
+// Writes the seeds of the bitmap fuzzer: one tiny file per path of the decoder.
 // usage: make_bmp_seeds FOLDER
 
 #include <cstdio>

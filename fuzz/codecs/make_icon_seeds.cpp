@@ -1,4 +1,4 @@
-// Writes the seeds of the icon fuzzer: one small file for each kind of picture.
+// Writes the seeds of the icon fuzzer: one small file per kind of picture.
 // usage: make_icon_seeds FOLDER
 
 #include <cstdio>

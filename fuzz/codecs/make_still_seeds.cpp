@@ -1,4 +1,4 @@
-// Writes the seeds of the GIF and WebP fuzzers: one small file for each kind.
+// Writes the seeds of the GIF and WebP fuzzers: one small file per kind.
 // usage: make_still_seeds GIF-FOLDER WEBP-FOLDER
 
 #include <cstdio>

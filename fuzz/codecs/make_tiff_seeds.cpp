@@ -1,4 +1,4 @@
-// Writes the seeds of the TIFF fuzzer: one tiny file for each kind of pixels and each codec.
+// Writes the seeds of the TIFF fuzzer: one tiny file per kind of pixels and codec.
 // usage: make_tiff_seeds FOLDER
 
 #include <cstdio>
@@ -56,7 +56,7 @@ TiffFile Tiled(TiffFile file, bool isPlanar = false) {
 
 void SaveKinds() {
   for (const uint16_t bits : {1, 2, 4, 8, 12, 16, 24, 32, 64})
-    Save("grey" + std::to_string(bits), Pixels(PHOTOMETRIC_MINISBLACK, 1, bits));
+    Save("gray" + std::to_string(bits), Pixels(PHOTOMETRIC_MINISBLACK, 1, bits));
   for (const uint16_t bits : {1, 4, 8, 16})
     Save("white0_" + std::to_string(bits), Pixels(PHOTOMETRIC_MINISWHITE, 1, bits));
   for (const uint16_t bits : {1, 2, 4, 8})
@@ -144,7 +144,7 @@ void SaveJpeg() {
   file.photometric = PHOTOMETRIC_MINISBLACK;
   file.samples = 1;
   file.setTags = nullptr;
-  Save("jpeg_grey", file);
+  Save("jpeg_gray", file);
   file = Pixels(PHOTOMETRIC_YCBCR, 3, 8);
   file.setTags = [](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_YCBCRSUBSAMPLING, 1, 1); };
   Save("ycbcr", file);

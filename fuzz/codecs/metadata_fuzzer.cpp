@@ -6,7 +6,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const rasterkit::PictureMetadata metadata = rasterkit::ReadMetadata({data, size});
-  // The block must lie within the bytes given, to its last byte.
+  // Every byte of the block must lie within the bytes given.
   for (const uint8_t& byte : metadata.exif)
     if (&byte < data || &byte >= data + size) std::abort();
   return 0;

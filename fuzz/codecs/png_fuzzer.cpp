@@ -1,8 +1,7 @@
-// Any bytes as a PNG file: a picture or one of our errors, and what was decoded survives writing
-// and reading unchanged.
+// Any bytes as a PNG file give a picture or an Error. A decoded picture is the same after it was
+// written and read again.
 
 #include <algorithm>
-#include <cstdlib>
 #include <vector>
 
 #include <zlib.h>
@@ -12,17 +11,15 @@
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
+#include "fuzz/require.h"
+
 namespace {
 
 using namespace rasterkit;
 
-// A few bytes may ask for a picture as large as the budget. 4 MiB keep a run within milliseconds
-// and take every path that larger pictures take.
-constexpr uint64_t pictureLimit = 4 << 20;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
+// A few bytes can claim a picture of any size. 4 MiB keep a run within milliseconds and take every
+// path that larger pictures take.
+constexpr uint64_t kPictureLimit = 4 << 20;
 
 void RoundTrip(const Raster& raster) {
   TMemoryStream stream;
@@ -52,7 +49,7 @@ uint32_t BigEndian32(const uint8_t* bytes) {
   return uint32_t{bytes[0]} << 24 | uint32_t{bytes[1]} << 16 | uint32_t{bytes[2]} << 8 | bytes[3];
 }
 
-/// Makes every chunk's checksum right, so that changed bytes get past it.
+/// Corrects the checksum of every chunk, so that changed bytes reach the decoder.
 void RepairChecksums(std::vector<uint8_t>& file) {
   size_t position = 8;
   while (position + 12 <= file.size()) {
@@ -69,7 +66,7 @@ void RepairChecksums(std::vector<uint8_t>& file) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  SetPictureMemoryLimit(pictureLimit);
+  SetPictureMemoryLimit(kPictureLimit);
   std::vector<uint8_t> repaired(data, data + size);
   RepairChecksums(repaired);
   Decode(repaired);

@@ -1,7 +1,6 @@
-// Any bytes as a TIFF file: a picture or one of our errors, the same on one thread and on three.
+// Any bytes as a TIFF file give a picture or an Error, the same on one thread and on three.
 
 #include <algorithm>
-#include <cstdlib>
 #include <optional>
 #include <string>
 
@@ -10,17 +9,15 @@
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
+#include "fuzz/require.h"
+
 namespace {
 
 using namespace rasterkit;
 
-// A few bytes may ask for a picture as large as the budget. 4 MiB keep a run within milliseconds
-// and take every path that larger pictures take.
-constexpr uint64_t pictureLimit = 4 << 20;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
+// A few bytes can claim a picture of any size. 4 MiB keep a run within milliseconds and take every
+// path that larger pictures take.
+constexpr uint64_t kPictureLimit = 4 << 20;
 
 struct Result {
   std::optional<ImagingFrame> frame;
@@ -65,7 +62,7 @@ void ReadFacts(std::span<const uint8_t> bytes) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  SetPictureMemoryLimit(pictureLimit);
+  SetPictureMemoryLimit(kPictureLimit);
   ReadFacts({data, size});
   const Result one = Decode({data, size}, 1);
   RequireSame(one, Decode({data, size}, 3));

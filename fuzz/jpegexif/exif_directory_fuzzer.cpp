@@ -1,23 +1,20 @@
-// The bytes of one EXIF section, from behind its length on, through the directory reader.
+// Reads any bytes as the content of an EXIF section, which follows its length.
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <string>
 
 #include <rasterkit/jpegexif/image_data.h>
 #include <rasterkit/runtime/errors.h>
 
+#include "fuzz/require.h"
+
 namespace {
 
 constexpr size_t kLargestContent = 65535 - 2;
-/// What one section may make the reader keep, whatever it claims.
+/// Limit of what the reader keeps for one section, whatever the section claims.
 constexpr size_t kMostKeptBytes = 32u << 20;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 }  // namespace
 
@@ -35,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   try {
     image.ProcessExif();
   } catch (const ConversionError&) {
-    // A GPS position that is none.
+    // An invalid GPS position.
   }
   size_t kept = image.DirStack.size();
   for (const TTagEntry& entry : image.ExifData->FTagArray) {

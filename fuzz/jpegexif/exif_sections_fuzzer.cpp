@@ -1,18 +1,14 @@
-// A whole JPEG file through the section reader, the comment text and the tool's own orientation
-// walk.
+// Reads the sections, the comment and the orientation of any bytes as a JPEG file.
 
 #include <cstdint>
-#include <cstdlib>
 
 #include <rasterkit/jpegexif/image_data.h>
 #include <rasterkit/jpegexif/raw_orientation.h>
 #include <rasterkit/runtime/errors.h>
 
-namespace {
+#include "fuzz/require.h"
 
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
+namespace {
 
 void ReadSections(rasterkit::TSpanStream& stream) {
   rasterkit::TImageData image;
@@ -21,7 +17,7 @@ void ReadSections(rasterkit::TSpanStream& stream) {
     Require(found == (image.HasMetaData() || image.OthersCount > 0));
     Require(stream.Position() <= stream.Size());
   } catch (const rasterkit::ConversionError&) {
-    // A GPS position that is none.
+    // An invalid GPS position.
   }
   Require(image.SectionCnt >= 0 && image.SectionCnt <= 20);
   Require(image.OthersCount >= 0 && image.OthersCount <= 5);

@@ -1,28 +1,25 @@
-// Metadata of any file, written and read back: what arrives is what was read. The thumbnail comes
-// out of the section's own bytes and can be cut off.
+// Writes the metadata of any file and reads them back unchanged. The thumbnail is part of the
+// section's bytes and can be removed.
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include <rasterkit/jpegexif/image_data.h>
 #include <rasterkit/runtime/errors.h>
 
+#include "fuzz/require.h"
+
 namespace {
 
 using rasterkit::PSection;
 using rasterkit::TImageData;
 
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-/// A JPEG file without metadata, as far as a reader of sections looks.
+/// The start of a JPEG file without metadata; a section reader needs no more.
 constexpr uint8_t kPlainJpeg[] = {0xFF, 0xD8, 0xFF, 0xDB, 0, 3, 1, 0xFF, 0xDA, 0, 3, 1, 0xFF, 0xD9};
 
-/// False when a GPS position ended the reading.
+/// Returns false if an invalid GPS position ended the reading.
 bool Read(TImageData& image, rasterkit::TStream& stream) {
   try {
     image.ReadJpegSections(stream);
@@ -54,7 +51,7 @@ void RequireSame(PSection written, PSection read) {
   Require(written->Data == read->Data);
 }
 
-/// Without EXIF, IPTC and comment a reader gives up at the fifth section.
+/// Without EXIF, IPTC and comment a reader stops at the fifth section.
 int32_t OthersThatAreFound(const TImageData& image) {
   return image.HasMetaData() ? image.OthersCount : std::min(image.OthersCount, 3);
 }
@@ -90,7 +87,7 @@ void RequireReadBack(const TImageData& image, bool isReadWhole) {
   if (again.OthersCount == image.OthersCount) Require(Saved(again) == Saved(image));
 }
 
-/// The picture data is the end of the file, whatever the file holds.
+/// The picture data are the end of the file, whatever the file holds.
 void RequireEndOfFile(const TImageData& image, std::span<const uint8_t> jpeg) {
   const std::vector<uint8_t> rest = Written(image, jpeg, true);
   Require(rest.size() <= jpeg.size());

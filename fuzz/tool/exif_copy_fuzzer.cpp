@@ -1,14 +1,14 @@
-// Any file through what the verb `exif` does: all fields as text, the thumbnail out and off, the
-// metadata in front of another picture.
+// Does with any file what the verb `exif` does: prints all fields, takes and removes the thumbnail,
+// and copies the metadata to another picture.
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include <rasterkit/runtime/errors.h>
 
+#include "fuzz/require.h"
 #include "tool/pictures/exif/exif_copy.h"
 #include "tool/pictures/exif/exif_thumbnail.h"
 #include "tool/pictures/exif/jpeg_header.h"
@@ -17,11 +17,7 @@ namespace {
 
 using namespace rasterkit::tool;
 
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-/// A JPEG file without metadata, as far as headers are looked at.
+/// The start of a JPEG file without metadata; header readers need no more.
 constexpr uint8_t kPlainJpeg[] = {0xFF, 0xD8, 0xFF, 0xDB, 0, 3, 1, 0xFF, 0xDA, 0, 3, 1, 0xFF, 0xD9};
 
 void ReadFields(const ExifBlock& block) {
@@ -62,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 2 || data[0] != 0xFF || data[1] != 0xD8) return 0;
   const JpegHeader header = ReadJpegHeader(file);
   for (const JpegSegment& segment : header.segments) MarkerName(segment.marker);
-  if (const JpegSegment* exif = header.Find("exif")) {
+  if (const JpegSegment* exif = header.Find(rasterkit::MetadataKind::exif)) {
     const ExifBlock block(SectionBytes(*exif));
     ReadFields(block);
     CutThumbnail(block);

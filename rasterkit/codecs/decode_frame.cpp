@@ -1,9 +1,8 @@
 #include <utility>
 
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/decode_picture.h>
-#include <rasterkit/codecs/picture_type.h>
-#include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -31,14 +30,9 @@ WICPixelFormat FrameFormat(const Raster& raster) {
 }
 
 ImagingFrame DecodeSized(TStream& stream, const FrameOptions& options, CodecReport* report) {
-  switch (SniffPictureType(stream)) {
-    case PictureType::unknown:
-      throw FormatError("Invalid image");
-    case PictureType::tiff:
-      return DecodeTiff(stream, options, report);
-    default:
-      break;
-  }
+  const Codec* codec = FindCodec(SniffPictureType(stream));
+  if (codec == nullptr) throw FormatError("Invalid image");
+  if (codec->decodeFrame != nullptr) return codec->decodeFrame(stream, options, report);
   ImagingFrame frame;
   frame.rows = DecodePicture(stream, report);
   frame.format = FrameFormat(frame.rows);

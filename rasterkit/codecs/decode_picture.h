@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <span>
+
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/raster/raster.h>
@@ -7,9 +10,12 @@
 
 namespace rasterkit {
 
-/// Decodes by content, whatever the file is called: BMP, JPEG, PNG, GIF, WebP. Throws
-/// UnsupportedError for a kind that is known but not decoded here (it names the kind), FormatError
-/// for one that is not known.
+/// Decodes a BMP, JPEG, PNG, GIF or WebP file by content, whatever its name is. Throws
+/// UnsupportedError for a known format that is not decoded here (it names the format), FormatError
+/// for an unknown one.
 RASTERKIT_EXPORT Raster DecodePicture(TStream& stream, CodecReport* report = nullptr);
+
+/// Decodes a file that lies in memory, without copying its bytes.
+RASTERKIT_EXPORT Raster DecodePicture(std::span<const uint8_t> file, CodecReport* report = nullptr);
 
 }  // namespace rasterkit

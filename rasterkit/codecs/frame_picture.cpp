@@ -35,7 +35,7 @@ double Float(const uint8_t* row, int x) {
   return static_cast<double>(NumberAt<float>(row, x));
 }
 
-/// An 8-bit raster of the same size with the ramp of greys; what describes colours stays behind.
+/// An 8-bit raster of the same size with a gray ramp; palette and alpha mark are not copied.
 Raster GrayRasterFor(const Raster& numbers) {
   Raster grays(pf8bit, numbers.Width(), numbers.Height());
   grays.CopyProperties(numbers);
@@ -88,7 +88,7 @@ Raster WithPalette(Raster rows, HPALETTE palette) {
   return rows;
 }
 
-/// 15-bit rows whose raster goes by another format of as many bits.
+/// Converts a raster of 15-bit rows that has another 16-bit format.
 Raster As15Bit(Raster rows) {
   if (rows.Format() == pf15bit) return rows;
   Raster renamed(pf15bit, rows.Width(), rows.Height());

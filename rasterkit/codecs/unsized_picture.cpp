@@ -1,17 +1,14 @@
 #include <algorithm>
 #include <utility>
 
-#include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
 namespace {
 
-/// Enough for every kind's mark, also for that of a PDF behind foreign bytes.
-constexpr size_t kSniffedBytes = 1024;
-
-/// Gives bytes that were read already before those that still come.
+/// Gives the bytes that were read already, then those of the pipe.
 class ContinuedStream : public TStream {
  public:
   ContinuedStream(std::span<const uint8_t> first, TStream& rest) : first_(first), rest_(rest) {}
@@ -39,7 +36,7 @@ class ContinuedStream : public TStream {
 }  // namespace
 
 std::vector<uint8_t> ReadUnsizedPicture(TStream& stream) {
-  std::vector<uint8_t> first(kSniffedBytes);
+  std::vector<uint8_t> first(kSignatureBytes);
   first.resize(stream.Read(first));
   if (SniffPictureType(first) == PictureType::unknown) return first;
   return ContinuedStream(first, stream).ReadToEnd();

@@ -7,9 +7,9 @@
 
 namespace rasterkit {
 
-/// The bytes of a pipe or a device, which has no size and gives them only once: all of them when
-/// the first ones are those of a known kind of picture, else the first ones alone, as a device may
-/// never end. Throws LimitError when they exceed the picture memory budget.
+/// Reads a pipe or a device, which has no size and gives its bytes only once: all bytes if the
+/// first ones are those of a known format, else the first ones alone, because a device may never
+/// end. Throws LimitError if the bytes exceed the picture memory limit.
 RASTERKIT_EXPORT std::vector<uint8_t> ReadUnsizedPicture(TStream& stream);
 
 }  // namespace rasterkit

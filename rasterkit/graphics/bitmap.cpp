@@ -28,7 +28,7 @@ TBitmap::~TBitmap() = default;
 
 TBitmap::TBitmap(Raster raster) : raster_(std::move(raster)), format_(raster_.Format()) {
   if (!raster_.transparentColor) return;
-  transparent_ = true;
+  transparency_.isOn = true;
   SetTransparentColor(*std::exchange(raster_.transparentColor, std::nullopt));
 }
 
@@ -41,7 +41,7 @@ TBitmap::TBitmap(TBitmap&& other) noexcept
 
 TBitmap& TBitmap::operator=(TBitmap&& other) noexcept {
   if (this == &other) return *this;
-  // The base takes its own fields only.
+  // Moves the fields of the base only.
   TGraphic::operator=(static_cast<TGraphic&&>(other));
   raster_ = std::move(other.raster_);
   format_ = std::exchange(other.format_, pfDevice);
@@ -49,8 +49,8 @@ TBitmap& TBitmap::operator=(TBitmap&& other) noexcept {
   return *this;
 }
 
-// A canvas that somebody may hold a reference to stays where it is and takes over pen and brush
-// only.
+// An existing canvas stays, because references to it may exist, and takes over pen, brush and
+// stretch mode only.
 void TBitmap::TakeCanvas(TBitmap& other) noexcept {
   if (!other.canvas_) return;
   if (canvas_) {
@@ -185,6 +185,36 @@ ColorProfile TBitmap::Profile() const {
 void TBitmap::SetProfile(ColorProfile profile) {
   raster_.profile = std::move(profile);
   modified_ = true;
+}
+
+void TBitmap::CarryFrom(const TBitmap& source, const Carry& carry) {
+  const RasterProperties own = raster_.Properties();
+  RasterProperties& properties = raster_.Properties();
+  properties = source.raster_.Properties();
+  const bool hasSameIndexes = IsIndexed(format_) && source.format_ == format_;
+  if (!carry.palette || !hasSameIndexes) properties.palette = own.palette;
+  if (!carry.resolution) properties.resolution = own.resolution;
+  if (carry.resolution && carry.exchangedAxes)
+    std::swap(properties.resolution.x, properties.resolution.y);
+  if (!carry.profile) properties.profile = own.profile;
+  if (!carry.alphaFormat) properties.alphaFormat = own.alphaFormat;
+  // A bitmap keeps its transparency outside the raster.
+  properties.transparentColor = own.transparentColor;
+  CarryTransparency(source, carry.transparency);
+  modified_ = true;
+}
+
+void TBitmap::CarryTransparency(const TBitmap& source, CarriedTransparency transparency) {
+  switch (transparency) {
+    case CarriedTransparency::none:
+      return;
+    case CarriedTransparency::same:
+      return AssignTransparency(source);
+    case CarriedTransparency::fixed:
+      if (source.Transparent() || source.TransparentMode() == tmFixed)
+        SetTransparentColor(source.TransparentColor());
+      SetTransparent(source.Transparent());
+  }
 }
 
 TColor TBitmap::PixelColor(int x, int y) const {

@@ -21,7 +21,7 @@ PixelRect ToPixels(const TRect& rect) {
   return {rect.Left, rect.Top, rect.Right, rect.Bottom};
 }
 
-// Where a picture ends. Beyond the last coordinate there is nothing that could show it.
+// End of a drawn graphic; clamped, because nothing beyond the last coordinate is visible.
 int EndOf(int start, int size) {
   return static_cast<int>(std::min<int64_t>(int64_t{start} + size, INT32_MAX));
 }
@@ -45,8 +45,8 @@ void TCanvas::Rectangle(int left, int top, int right, int bottom) {
   DrawFrame({left, top, right, bottom});
 }
 
-// Four strips that do not overlap, so that XOR meets each pixel once, and the brush in what is
-// left.
+// Draws four strips that do not overlap, so that XOR changes each pixel once, and fills the rest
+// with the brush.
 void TCanvas::DrawFrame(const TRect& rect) {
   const int64_t shorter =
       std::min(int64_t{rect.Right} - rect.Left, int64_t{rect.Bottom} - rect.Top);
@@ -81,7 +81,7 @@ void TCanvas::StretchDraw(const TRect& rect, const TGraphic& graphic) {
   if (!graphic.Empty()) graphic.DrawTo(*this, rect);
 }
 
-// What is drawn onto itself is read from a copy.
+// A bitmap that is drawn onto itself is read from a copy.
 template <class Action>
 void TCanvas::DrawFrom(const Raster& source, Action draw) {
   if (&source == &bitmap_->raster_) {

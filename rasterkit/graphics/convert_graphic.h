@@ -5,8 +5,8 @@
 
 namespace rasterkit::detail {
 
-/// What a graphic shows, as a new bitmap in the format that `formatFor` chooses for its rows. The
-/// rows are converted on the way: there is never a second copy in the old format.
+/// Converts the picture of a graphic to a new bitmap in the format that `formatFor` chooses for its
+/// rows, without a second copy in the old format.
 TBitmap ConvertGraphic(const TGraphic& source, TPixelFormat (*formatFor)(const Raster& rows));
 
 }  // namespace rasterkit::detail

@@ -51,20 +51,20 @@ void TGraphic::DrawTo(TCanvas& canvas, const TRect& place) const {
 }
 
 TColor TGraphic::TransparentColor() const {
-  const Raster* rows = transparentMode_ == tmAuto ? Rows() : nullptr;
-  if (rows == nullptr) return transparentColor_;
+  const Raster* rows = transparency_.mode == tmAuto ? Rows() : nullptr;
+  if (rows == nullptr) return transparency_.color;
   return Empty() ? clBlack : rows->PixelColor(0, rows->Height() - 1);
 }
 
 void TGraphic::SetTransparentColor(TColor color) {
-  transparentColor_ = color;
-  transparentMode_ = tmFixed;
+  transparency_.color = color;
+  transparency_.mode = tmFixed;
 }
 
 void TGraphic::AssignTransparency(const TGraphic& source) {
-  transparent_ = source.Transparent();
-  transparentMode_ = source.transparentMode_;
-  transparentColor_ = source.transparentColor_;
+  transparency_ = source.transparency_;
+  // A class may override this one.
+  transparency_.isOn = source.Transparent();
 }
 
 }  // namespace rasterkit

@@ -13,17 +13,17 @@ class TBitmap;
 class TCanvas;
 struct TRect;
 
-/// Whether the transparent colour follows the bottom-left pixel or was set.
+/// Whether the transparent color is that of the bottom-left pixel or was set.
 enum TTransparentMode { tmAuto, tmFixed };
 
-/// The common base of all picture kinds. It can be drawn, loaded, saved and assigned to another
-/// kind.
+/// Base class of all graphics, which can be drawn, loaded, saved and assigned to a graphic of
+/// another class.
 ///
-/// Loading and saving by file name adds the name to every error that passes; saving is atomic. A
-/// failed load leaves the graphic as it was.
+/// Loading and saving by file name add the name to every error. Saving is atomic. A failed load
+/// leaves the graphic as it was.
 ///
-/// `Modified` becomes true with every change through the class's own routines (pixels written
-/// through row pointers cannot be seen) and false with loading and with saving to a file.
+/// `Modified` becomes true with every change through the class's own routines, but not when pixels
+/// are written through row pointers. It becomes false by loading and by saving to a file.
 class RASTERKIT_EXPORT TGraphic {
  public:
   virtual ~TGraphic() = default;
@@ -34,12 +34,12 @@ class RASTERKIT_EXPORT TGraphic {
   virtual int Width() const = 0;
   virtual int Height() const = 0;
   bool Empty() const { return Width() == 0 || Height() == 0; }
-  /// The rows that the graphic shows, where it holds such; null for one that must be drawn first.
-  /// They belong to the graphic and stay until it changes.
+  /// Rows that the graphic shows; null for a graphic that must be drawn first. The graphic owns
+  /// them; they are valid until it changes.
   virtual const Raster* Rows() const { return nullptr; }
 
-  /// Takes over what `source` shows, with its transparency, mode and colour; an absent source
-  /// empties the graphic. Throws UnsupportedError for a pair without a rule (a bitmap into a
+  /// Takes over the picture of `source` with its transparency, mode and color; null empties the
+  /// graphic. Throws UnsupportedError if the class cannot take the picture (a bitmap into a
   /// metafile).
   void Assign(const TGraphic* source);
 
@@ -47,32 +47,32 @@ class RASTERKIT_EXPORT TGraphic {
   virtual void SaveToFile(const std::string& fileName);
   /// Reads from the stream's position to its end.
   virtual void LoadFromStream(TStream& stream) = 0;
-  /// Writes at the stream's position, which is left at the end of what was written.
+  /// Writes at the stream's position, which is behind the written bytes afterwards.
   virtual void SaveToStream(TStream& stream) = 0;
 
-  /// Draws the graphic stretched into the rectangle of the canvas. Rows with a defined alpha
-  /// channel are blended; else the pixels of the transparent colour are left out when the graphic
-  /// is `Transparent`.
+  /// Draws the graphic stretched into a rectangle of the canvas. Rows with a defined alpha channel
+  /// are blended. Else pixels of the transparent color are left out if the graphic is
+  /// `Transparent`.
   virtual void DrawTo(TCanvas& canvas, const TRect& place) const;
 
-  virtual bool Transparent() const { return transparent_; }
-  virtual void SetTransparent(bool value) { transparent_ = value; }
-  TTransparentMode TransparentMode() const { return transparentMode_; }
-  void SetTransparentMode(TTransparentMode mode) { transparentMode_ = mode; }
-  /// The colour taken as transparent: in automatic mode the bottom-left pixel's, else the one that
-  /// was set.
+  virtual bool Transparent() const { return transparency_.isOn; }
+  virtual void SetTransparent(bool value) { transparency_.isOn = value; }
+  TTransparentMode TransparentMode() const { return transparency_.mode; }
+  void SetTransparentMode(TTransparentMode mode) { transparency_.mode = mode; }
+  /// Color that counts as transparent: in automatic mode that of the bottom-left pixel, else the
+  /// one that was set.
   virtual TColor TransparentColor() const;
-  /// Sets the colour and makes the mode fixed.
+  /// Sets the color and makes the mode fixed.
   virtual void SetTransparentColor(TColor color);
 
-  /// Transparent, TransparentMode and TransparentColor as `source` has them.
+  /// Copies Transparent, TransparentMode and TransparentColor of `source`.
   void AssignTransparency(const TGraphic& source);
 
   bool Modified() const { return modified_; }
   void SetModified(bool value) { modified_ = value; }
 
-  /// Makes `target` show this graphic, transparency included: what `TBitmap::Assign` of this
-  /// graphic does. The target stays as it was when that fails.
+  /// Assigns this graphic to `target`, transparency included, as `TBitmap::Assign` does. The target
+  /// stays as it was if that fails.
   virtual void AssignToBitmap(TBitmap& target) const = 0;
 
  protected:
@@ -80,16 +80,19 @@ class RASTERKIT_EXPORT TGraphic {
   TGraphic(TGraphic&&) noexcept = default;
   TGraphic& operator=(TGraphic&&) noexcept = default;
 
-  /// The part of `Assign` that knows the concrete class; `source` is never null and never this
-  /// graphic.
+  /// Assigns the content; implemented by each class. `source` is never this graphic.
   virtual void AssignFrom(const TGraphic& source) = 0;
   /// Drops all content.
   virtual void Clear() = 0;
 
-  bool transparent_ = false;
-  TTransparentMode transparentMode_ = tmAuto;
-  TColor transparentColor_ = clWhite;
+  struct Transparency {
+    bool isOn = false;
+    TTransparentMode mode = tmAuto;
+    TColor color = clWhite;
+  };
+
   bool modified_ = false;
+  Transparency transparency_;
 };
 
 }  // namespace rasterkit

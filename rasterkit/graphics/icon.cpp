@@ -19,7 +19,7 @@ void RequireOneSize(const TBitmap& color, const TBitmap& mask) {
   const auto sizeOf = [](const TBitmap& bitmap) {
     return std::to_string(bitmap.Width()) + " x " + std::to_string(bitmap.Height());
   };
-  throw RangeError("an icon cannot be made of colours of " + sizeOf(color) +
+  throw RangeError("an icon cannot be made of colors of " + sizeOf(color) +
                    " pixels and a mask of " + sizeOf(mask));
 }
 
@@ -29,7 +29,7 @@ bool HasAnyAlpha(const Raster& raster) {
   return false;
 }
 
-/// Alpha 255, and 0 for the pixels that `isTransparent(x, y)` names.
+/// Sets alpha to 0 where `isTransparent(x, y)` is true, else to 255.
 template <class Predicate>
 void SetAlpha(Raster& raster, Predicate isTransparent) {
   for (int y = 0; y < raster.Height(); ++y)

@@ -12,7 +12,7 @@ namespace rasterkit {
 /// drawn. Loading takes the largest picture of an icon file, the deepest among equals.
 ///
 /// Like every picture with an alpha channel it is `Transparent` with white, for those who take the
-/// colours without it.
+/// colors without it.
 class RASTERKIT_EXPORT TIcon : public TGraphic {
  public:
   TIcon();
@@ -20,22 +20,21 @@ class RASTERKIT_EXPORT TIcon : public TGraphic {
   TIcon(TIcon&&) noexcept;
   TIcon& operator=(TIcon&&) noexcept;
 
-  /// An icon of a colour bitmap and a mask; see `SetColorAndMask`.
+  /// Makes an icon from a color bitmap and a mask; see `SetColorAndMask`.
   static std::unique_ptr<TIcon> FromColorAndMask(const TBitmap& color, const TBitmap& mask);
 
-  /// Replaces the content. The alpha of a 32-bit colour bitmap counts, whatever its alpha mark
-  /// says, when any of it is not 0; else the mask, as a 1-bit bitmap, says what is transparent: its
-  /// ones. Both bitmaps stay with the caller. Throws
-  /// RangeError, and keeps the icon as it was, when they are empty or differ in size.
+  /// Replaces the content. The alpha of a 32-bit color bitmap is used, whatever its alpha mark is,
+  /// if any of it is not 0. Else the mask, converted to 1 bit, is used: ones are transparent.
+  /// Throws RangeError, with the icon unchanged, if the bitmaps are empty or differ in size.
   void SetColorAndMask(const TBitmap& color, const TBitmap& mask);
 
   int Width() const override { return color_.Width(); }
   int Height() const override { return color_.Height(); }
   const Raster* Rows() const override { return &color_.Content(); }
 
-  /// The colours with their alpha, 32-bit.
+  /// 32-bit bitmap of the colors with their alpha.
   const TBitmap& ColorBitmap() const { return color_; }
-  /// The mask that belongs to the colours, 1-bit: ones where the alpha is 0.
+  /// 1-bit mask of the colors: ones where alpha is 0.
   std::unique_ptr<TBitmap> MaskBitmap() const;
 
   void LoadFromStream(TStream& stream) override;
@@ -45,8 +44,8 @@ class RASTERKIT_EXPORT TIcon : public TGraphic {
   void AssignToBitmap(TBitmap& target) const override;
 
  protected:
-  /// Any picture becomes an icon of its size: transparent where its defined alpha or its
-  /// transparent colour says so.
+  /// Makes an icon of any picture, in its size. Its defined alpha, else its transparent color,
+  /// becomes the transparency.
   void AssignFrom(const TGraphic& source) override;
   void Clear() override;
 

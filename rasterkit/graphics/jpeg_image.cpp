@@ -7,12 +7,20 @@
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
+namespace {
+
+/// The format in which a JPEG picture keeps these rows.
+TPixelFormat FormatFor(const Raster& rows) {
+  return rows.Format() == pf8bit && IsGrayRamp(rows.palette) ? pf8bit : pf24bit;
+}
+
+}  // namespace
 
 TJPEGImage::TJPEGImage() = default;
 TJPEGImage::~TJPEGImage() = default;
 
-// Compressing keeps the size, so a picture that is decoded later need not be decoded for it; but
-// the decoding of another thread may be about to replace the bitmap.
+// Compressing keeps the size, so the picture need not be decoded for it. The lock is needed because
+// another thread may be replacing the bitmap by the decoded one.
 int TJPEGImage::Width() const {
   const std::lock_guard lock(decoding_);
   return bitmap_.Width();
@@ -34,6 +42,33 @@ const TBitmap& TJPEGImage::Bitmap() const {
     decodeLater_ = false;
   }
   return bitmap_;
+}
+
+std::span<const uint8_t> TJPEGImage::CompressedData() const {
+  if (!compressed_) return {};
+  return *compressed_;
+}
+
+TBitmap TJPEGImage::TakeBitmap() {
+  Bitmap();
+  TBitmap taken = std::move(bitmap_);
+  taken.AssignTransparency(*this);
+  taken.SetModified(true);
+  Clear();
+  modified_ = true;
+  return taken;
+}
+
+void TJPEGImage::AssignMoved(TBitmap&& bitmap) {
+  if (bitmap.Content().Format() != FormatFor(bitmap.Content())) {
+    Assign(&bitmap);
+  } else {
+    Clear();
+    bitmap_ = TBitmap(std::move(bitmap.raster_));
+    AssignTransparency(bitmap);
+    modified_ = true;
+  }
+  bitmap = TBitmap();
 }
 
 TJPEGImage::Bytes TJPEGImage::Encode() const {
@@ -67,9 +102,7 @@ void TJPEGImage::AssignToBitmap(TBitmap& target) const {
 }
 
 void TJPEGImage::AssignFrom(const TGraphic& source) {
-  bitmap_ = detail::ConvertGraphic(source, [](const Raster& rows) {
-    return rows.Format() == pf8bit && IsGrayRamp(rows.palette) ? pf8bit : pf24bit;
-  });
+  bitmap_ = detail::ConvertGraphic(source, FormatFor);
   decodeLater_ = false;
   const auto* jpeg = dynamic_cast<const TJPEGImage*>(&source);
   compressed_ = jpeg != nullptr ? jpeg->compressed_ : nullptr;

@@ -4,18 +4,19 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <vector>
 
 #include <rasterkit/graphics/bitmap.h>
 
 namespace rasterkit {
 
-/// A JPEG picture. Loading decodes at once, so that a broken file fails there; the compressed bytes
-/// are kept and saved unchanged as long as the picture was not changed.
+/// A JPEG picture. Loading decodes at once, so a broken file fails there. The compressed bytes are
+/// kept, and saved unchanged until the picture changes.
 ///
-/// A picture that was assigned is encoded at `Compress` or at the first save. `Compress` makes the
-/// graphic what its bytes hold: from then on it shows the compressed picture with its losses,
-/// decoded when somebody first looks. A save never changes what is shown.
+/// An assigned picture is encoded by `Compress` or the first save. After `Compress` the graphic
+/// shows the compressed picture with its losses, which is decoded on first use. Saving never
+/// changes what is shown.
 class RASTERKIT_EXPORT TJPEGImage : public TGraphic {
  public:
   TJPEGImage();
@@ -25,15 +26,15 @@ class RASTERKIT_EXPORT TJPEGImage : public TGraphic {
   int Height() const override;
   const Raster* Rows() const override { return &Bitmap().Content(); }
 
-  /// Any byte, 90 at first; clamped to 1 to 100 when encoding. A change takes effect at the next
-  /// encoding: kept bytes stay until `Compress` or another picture.
+  /// Quality for encoding, 90 by default; any byte is accepted and clamped to 1 to 100. A change
+  /// takes effect at the next encoding: kept bytes stay until `Compress` or another picture.
   int CompressionQuality() const { return quality_; }
   void SetCompressionQuality(uint8_t quality) { quality_ = quality; }
-  /// Encodes the picture now with the quality set, in place of the kept bytes. Nothing happens to
-  /// an empty picture.
+  /// Encodes the picture now, at the current quality, and replaces the kept bytes. No-op for an
+  /// empty picture.
   void Compress();
 
-  /// True when the picture is grey (8-bit with a grey ramp).
+  /// Tells whether the picture is gray (8-bit with a gray ramp).
   bool Grayscale() const;
 
   void LoadFromStream(TStream& stream) override;
@@ -41,13 +42,23 @@ class RASTERKIT_EXPORT TJPEGImage : public TGraphic {
   void SaveToStream(TStream& stream) override;
   void AssignToBitmap(TBitmap& target) const override;
 
-  /// The decoded picture: 8-bit grey or 24-bit. Transparency is this graphic's matter: ask here,
-  /// not there.
+  /// The decoded picture: 8-bit gray or 24-bit. Its transparency has no meaning; use that of this
+  /// graphic.
   const TBitmap& Bitmap() const;
+  /// Compressed data: the loaded file, or the result of the last encoding; empty before the first
+  /// encoding. Valid until the picture changes.
+  std::span<const uint8_t> CompressedData() const;
+
+  /// Moves the picture out, with the transparency of this graphic, which is empty afterwards. Gives
+  /// what assigning it to a new bitmap gives, without a copy of the rows.
+  TBitmap TakeBitmap();
+  /// Assigns a bitmap without a copy of its rows if their format fits; `bitmap` is empty
+  /// afterwards.
+  void AssignMoved(TBitmap&& bitmap);
 
  protected:
-  /// A JPEG picture's bytes and quality come along; an 8-bit picture with a grey ramp stays grey,
-  /// everything else becomes 24-bit.
+  /// Takes over bytes and quality of another JPEG picture. An 8-bit picture with a gray ramp stays
+  /// gray; everything else becomes 24-bit.
   void AssignFrom(const TGraphic& source) override;
   void Clear() override;
 
@@ -56,7 +67,7 @@ class RASTERKIT_EXPORT TJPEGImage : public TGraphic {
 
   Bytes Encode() const;
 
-  // Any number of threads may look at one picture, and the first of them decodes.
+  // Any number of threads may read one picture; the first of them decodes it.
   mutable std::mutex decoding_;
   mutable std::atomic<bool> decodeLater_ = false;
   mutable TBitmap bitmap_;

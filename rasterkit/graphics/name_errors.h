@@ -7,8 +7,7 @@
 
 namespace rasterkit::detail {
 
-/// Runs `action` and adds the file's name to every error that passes; exhausted memory becomes a
-/// LimitError.
+/// Runs `action` and adds the file's name to every error. Out of memory becomes a LimitError.
 template <class Action>
 void NameErrors(const std::string& fileName, Action action) {
   try {

@@ -20,7 +20,7 @@ bool IsQuarterTurn(PdfRotation rotation) {
   return rotation == PdfRotation::clockwise90 || rotation == PdfRotation::clockwise270;
 }
 
-/// True for no number as well.
+/// True for NaN too.
 bool IsNoSize(double points) {
   return !(points > 0) || std::isinf(points);
 }

@@ -11,7 +11,7 @@
 
 namespace rasterkit {
 
-/// A graphic class as a value: which one it is, and how to make an empty one.
+/// A graphic class as a value: its type, and how to create an empty graphic.
 struct TGraphicClass {
   std::type_index type;
   std::function<std::unique_ptr<TGraphic>()> create;
@@ -22,17 +22,16 @@ struct TGraphicClass {
   }
 };
 
-/// The host's picture registry: which class loads which extension. Safe on any thread.
+/// The host's picture registry, which maps extensions to graphic classes. Thread-safe.
 class RASTERKIT_EXPORT TPicture {
  public:
-  /// Registers a class; later registrations are found first. `extension` without dot, compared
-  /// exactly but for case.
+  /// Registers a class; later registrations are found first. `extension` has no dot and is compared
+  /// without regard to case.
   static void RegisterFileFormat(const std::string& extension, const std::string& description,
                                  const TGraphicClass& graphicClass);
   /// Removes every registration of the class.
   static void UnregisterGraphicClass(const TGraphicClass& graphicClass);
-  /// An empty graphic for the extension (with or without dot), or null when nothing is registered
-  /// for it.
+  /// Creates an empty graphic for an extension (with or without dot); null if none is registered.
   static std::unique_ptr<TGraphic> CreateForExtension(const std::string& extension);
 
   struct Format {
@@ -40,13 +39,13 @@ class RASTERKIT_EXPORT TPicture {
     std::string description;
     TGraphicClass graphicClass;
   };
-  /// All registrations, the host's own first (BMP, WMF, EMF, PNG, ICO).
+  /// All registrations, the built-in ones first (BMP, WMF, EMF, PNG, ICO).
   static std::vector<Format> Formats();
 
-  /// Loads through the class registered for the file's extension; UnsupportedError when there is
-  /// none.
+  /// Loads through the class registered for the file's extension. Throws UnsupportedError if there
+  /// is none.
   void LoadFromFile(const std::string& fileName);
-  /// The loaded graphic, owned by the picture; null while there is none.
+  /// Loaded graphic, owned by the picture; null if none is loaded.
   TGraphic* Graphic() const { return graphic_.get(); }
   std::unique_ptr<TGraphic> TakeGraphic() { return std::move(graphic_); }
 

@@ -4,8 +4,8 @@
 
 namespace rasterkit {
 
-/// A PNG picture. What it loads says whether it is `Transparent`: by a tRNS chunk (its colour) or
-/// by an alpha channel (white). Drawing blends the alpha channel.
+/// A PNG picture. A loaded one is `Transparent` if it has a tRNS chunk (with its color) or an alpha
+/// channel (with white). Drawing blends the alpha channel.
 class RASTERKIT_EXPORT TPngImage : public TGraphic {
  public:
   TPngImage();
@@ -16,17 +16,18 @@ class RASTERKIT_EXPORT TPngImage : public TGraphic {
   const Raster* Rows() const override { return &Bitmap().Content(); }
 
   void LoadFromStream(TStream& stream) override;
-  /// A transparent picture without an alpha channel gets its colour as tRNS. Throws FormatError for
-  /// an empty picture.
+  /// Writes a PNG file; a transparent picture without an alpha channel gets its color as tRNS.
+  /// Throws FormatError for an empty picture.
   void SaveToStream(TStream& stream) override;
   void AssignToBitmap(TBitmap& target) const override;
 
-  /// The decoded picture: 1-, 4- or 8-bit, 24-bit, or 32-bit with an alpha channel. Transparency is
-  /// this graphic's matter: ask here, not there.
+  /// The decoded picture: 1-, 4- or 8-bit, 24-bit, or 32-bit with an alpha channel. Its
+  /// transparency has no meaning; use that of this graphic.
   const TBitmap& Bitmap() const { return bitmap_; }
 
  protected:
-  /// Indexed pictures stay; a 32-bit one stays when its alpha is defined; all else becomes 24-bit.
+  /// Keeps the format of indexed pictures, and of 32-bit ones if their alpha is defined; everything
+  /// else becomes 24-bit.
   void AssignFrom(const TGraphic& source) override;
   void Clear() override;
 

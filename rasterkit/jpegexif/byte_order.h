@@ -6,10 +6,10 @@
 
 #include <rasterkit/runtime/export.h>
 
-/// Everything in this room keeps bytes in `std::string` (byte strings, not text) and counts their
-/// positions from 1, as the established fields `RawPos` and `CommentPosn` do: position p is the
-/// p-th byte. Positions are 64-bit, so that no sum of offsets from a file wraps. Bytes outside a
-/// buffer read as 0 and are never written.
+/// This folder keeps bytes in `std::string` (byte strings, not text) and counts their positions
+/// from 1, as in the fields `RawPos` and `CommentPosn`: position p is the p-th byte. Positions are
+/// 64-bit, so no sum of offsets from a file overflows. Bytes outside a buffer read as 0 and are
+/// never written.
 namespace rasterkit {
 
 /// Integers of 16 and 32 bits in a byte string, in either byte order.
@@ -22,7 +22,7 @@ class RASTERKIT_EXPORT TEndInd {
   uint32_t Get16u(std::string_view buff, int64_t oset) const;
   /// Unsigned value of the four bytes from position `oset`.
   uint32_t Get32u(std::string_view buff, int64_t oset) const;
-  /// The same four bytes as a signed value.
+  /// Signed value of the four bytes from position `oset`.
   int32_t Get32s(std::string_view buff, int64_t oset) const;
 
   /// Four bytes that hold `data`.
@@ -37,7 +37,7 @@ class RASTERKIT_EXPORT TEndInd {
   void Scatter(std::string& buff, uint32_t value, int64_t posn, int count) const;
 };
 
-/// The byte at a 1-based position, 0 outside the buffer.
+/// Byte at a 1-based position; 0 outside the buffer.
 constexpr uint8_t ByteAt(std::string_view buff, int64_t position) {
   const bool inside = position >= 1 && position <= static_cast<int64_t>(buff.size());
   return inside ? static_cast<uint8_t>(buff[static_cast<size_t>(position - 1)]) : 0;

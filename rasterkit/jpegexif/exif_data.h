@@ -11,7 +11,7 @@ namespace rasterkit {
 
 class TImageData;
 
-/// The groups of directories, and with them of tags.
+/// Groups of directories and of their tags.
 enum TTagType : uint8_t { tagExif, tagGPS, tagSpec, tagThumb };
 
 /// A set of tag groups.
@@ -46,8 +46,8 @@ struct TTagEntry {
   std::string Code;
   /// Display text of the value.
   std::string Inhalt;
-  /// The value's bytes as far as the section holds them. Where it does not hold all, zeros follow,
-  /// but no more than 128 numbers need.
+  /// Bytes of the value, as far as the section holds them. Missing bytes are zero, but only as many
+  /// as 128 numbers need.
   std::string RawBuff;
   /// 1-based position of the value in the EXIF buffer.
   int64_t RawPos = 0;
@@ -58,9 +58,8 @@ struct TTagEntry {
   TCallFunc CallBack = nullptr;
 };
 
-/// What an EXIF section says about its photo. With the built-in tag tables only `Rotation`, the
-/// thumbnail's place and the entries are ever filled; the other fields belong to tags that those
-/// tables do not admit.
+/// Decoded EXIF section of a photo. The built-in tag tables fill only `Rotation`, the place of the
+/// thumbnail and the entries; the other fields belong to tags that these tables do not admit.
 class RASTERKIT_EXPORT TExifData {
  public:
   explicit TExifData(TTagTypes WantedTagTypes) : TagTypes(WantedTagTypes) {}
@@ -80,22 +79,22 @@ class RASTERKIT_EXPORT TExifData {
   std::string Comments;
   int64_t CommentPosn = 0;
   int64_t CommentSize = 0;
-  /// The groups whose entries are kept.
+  /// Groups whose entries are kept.
   TTagTypes TagTypes;
-  /// The entries in rows 0 to FTagCount - 1; rows behind them are spare.
+  /// Entries in rows 0 to FTagCount - 1; the rows behind them are unused.
   std::vector<TTagEntry> FTagArray;
   int32_t FTagCount = 0;
   int32_t MaxTag = 0;
   /// Offset of the thumbnail's directory from the TIFF header.
   int32_t ThumbStart = 0;
-  /// Bytes from there to the end of the section, and established 11 more.
+  /// Bytes from there to the end of the section, plus 11.
   int32_t ThumbLength = 0;
   int32_t ThumbType = 0;
 
-  /// Keeps a copy of the entry when its group is wanted; returns the row of the last entry kept, -1
-  /// while there is none.
+  /// Keeps a copy of the entry if its group is kept. Returns the row of the last kept entry; -1 if
+  /// there is none.
   int AddTagToArray(const TTagEntry& nextTag);
-  /// True when the thumbnail's directory lies behind the TIFF header and is large enough to hold a
+  /// Tells whether the thumbnail's directory lies behind the TIFF header and is large enough for a
   /// picture.
   bool HasThumbnail() const;
 };

@@ -11,7 +11,7 @@ using detail::kTiffPos;
 
 constexpr int64_t kEntryBytes = 12;
 constexpr int64_t kMaxInPlace = 4;
-/// What 128 numbers of 8 bytes need: formatting never looks further.
+/// Bytes of 128 numbers of 8 bytes, the most that formatting uses.
 constexpr int64_t kMaxNumberBytes = 128 * 8;
 
 constexpr char kIllegalDirectory[] = "Illegally sized directory";
@@ -50,8 +50,8 @@ void TImageData::ProcessExifDir(int64_t DirStart, int64_t OffsetBase, int64_t Ex
   pushDirStack(DirStart, OffsetBase);
   const int64_t count = Get16u(ExifBuff, DirStart);
   const int64_t linkPos = DirStart + 2 + kEntryBytes * count;
-  // The start counts on both sides, so that it is the directory's own size that is bounded.
-  // Established: directories that reach past the section's end are read as far as they go.
+  // The start counts on both sides, so the size of the directory itself is limited. Directories
+  // that reach past the end of the section are read up to its end.
   if (linkPos > DirStart + OffsetBase + ExifLength) {
     ErrStr = kIllegalDirectory;
     return;
@@ -68,7 +68,7 @@ void TImageData::ProcessExifDir(int64_t DirStart, int64_t OffsetBase, int64_t Ex
   }
 }
 
-/// The directory that follows the first one is taken to be the thumbnail's.
+/// The directory behind the first one counts as that of the thumbnail.
 void TImageData::TakeThumbnailLink(int64_t linkPos, int64_t OffsetBase, int64_t ExifLength) {
   if (ExifData->ThumbStart != 0 || ExifData->TiffFmt) return;
   ExifData->ThumbStart = Get32s(ExifBuff, linkPos);
@@ -92,7 +92,7 @@ bool TImageData::GetTagInfo(std::string_view buff, int64_t OffsetBase, int64_t e
   return true;
 }
 
-/// Decodes one entry, if its tag is known; false when the section has cost too much already.
+/// Decodes one entry if its tag is known; false if the section exceeds the work limits.
 bool TImageData::ProcessEntry(const TTagInfo& info, int64_t OffsetBase, int64_t ExifLength,
                               TTagType tagType) {
   const TTagRow* row = detail::FindTagRow(tagType, info.Tag);

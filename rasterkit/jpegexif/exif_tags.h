@@ -5,7 +5,7 @@
 
 #include <rasterkit/jpegexif/exif_data.h>
 
-/// The tags that this room knows. A directory entry whose tag has no row is passed over.
+/// Tags that the EXIF reader knows. A directory entry whose tag has no row is skipped.
 namespace rasterkit {
 
 enum ExifTag : uint16_t {
@@ -17,7 +17,7 @@ enum ExifTag : uint16_t {
   kTagInteropDirectory = 40965,
 };
 
-/// A row of a tag table: what is fixed about a tag.
+/// Row of a tag table.
 struct TTagRow {
   uint16_t Tag = 0;
   const char* Code = "";
@@ -26,10 +26,10 @@ struct TTagRow {
 
 namespace detail {
 
-/// Formats three rationals (degrees, minutes, seconds), stores them in the GPS data and shows them.
+/// Stores three rationals (degrees, minutes, seconds) in the GPS data and returns them as text.
 std::string CoordinateText(const std::string& instr, uint16_t tag, TImageData& image);
-/// Formats three rationals (hours, minutes, seconds, each cut to a whole number), stores them and
-/// shows HH:MM:SS.
+/// Stores three rationals (hours, minutes, seconds, each truncated) in the GPS data and returns
+/// HH:MM:SS.
 std::string TimeText(const std::string& instr, uint16_t tag, TImageData& image);
 
 constexpr std::array<TTagRow, 31> MakeGpsTable() {
@@ -42,8 +42,8 @@ constexpr std::array<TTagRow, 31> MakeGpsTable() {
 
 }  // namespace detail
 
-/// Main, EXIF and thumbnail directories. The orientation's code list pairs no value with a text, so
-/// its display text is always empty. Row 0 is empty and admits nothing, not even a tag 0.
+/// Main, EXIF and thumbnail directories. The code list of the orientation pairs no value with a
+/// text, so its display text is always empty. Row 0 is empty and admits nothing, not even a tag 0.
 inline constexpr std::array<TTagRow, 3> kExifTable = {TTagRow{},
                                                       TTagRow{kTagOrientation, "1,3,6,8", nullptr},
                                                       TTagRow{kTagGpsDirectory, "", nullptr}};
@@ -53,13 +53,13 @@ inline constexpr std::array<TTagRow, 31> kGpsTable = detail::MakeGpsTable();
 
 namespace detail {
 
-/// The row of a tag in the table of its directory's group; null when the tag is not admitted there.
+/// Row of a tag in the table of its directory's group; null if the tag is not admitted there.
 const TTagRow* FindTagRow(TTagType group, uint16_t tag);
 
 }  // namespace detail
 
-/// Bytes a value of a TIFF field type takes. Floating-point types and types that do not exist count
-/// 0, which makes their entries empty.
+/// Bytes per value of a TIFF field type. Floating-point and unknown types have 0, which makes their
+/// entries empty.
 constexpr int BytesPerType(uint16_t fmtType) {
   constexpr std::array<int, 11> kBytes = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8};
   return fmtType < kBytes.size() ? kBytes[fmtType] : 0;

@@ -24,7 +24,7 @@ std::string NumberText(double value, std::chars_format format, int precision) {
   return result.ec == std::errc() ? std::string(text.data(), result.ptr) : std::string();
 }
 
-/// Converts by the letter of a directive; empty for a letter that is not known.
+/// Converts by the letter of a directive; empty for an unknown letter.
 std::string ByLetter(char letter, int precision, double value) {
   const int digits = precision < 0 ? (letter == 'd' ? 0 : 6) : precision;
   switch (letter) {

@@ -45,7 +45,7 @@ std::string UpToZero(std::string_view bytes) {
   return std::string(bytes.substr(0, bytes.find('\0')));
 }
 
-/// Replaces the first "%s" of the template; empty when it has none.
+/// Replaces the first "%s" of the template; empty if it has none.
 std::string TextInTemplate(const std::string& pattern, const std::string& text) {
   const size_t place = pattern.find("%s");
   return place == std::string::npos ? ""

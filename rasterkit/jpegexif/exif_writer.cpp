@@ -1,4 +1,4 @@
-// The metadata of a photo put in front of new picture data.
+// Writes the metadata of a photo in front of new picture data.
 
 #include <array>
 #include <span>
@@ -35,7 +35,7 @@ struct SectionHead {
   uint64_t length = 0;
 };
 
-/// What stands at a place of a JPEG file; bytes behind its end count as 0.
+/// Reads marker and length of a section; bytes behind the end of the file count as 0.
 SectionHead ReadHead(TStream& jpeg, uint64_t position) {
   std::array<uint8_t, 4> bytes = {};
   jpeg.SetPosition(position);

@@ -10,7 +10,7 @@ namespace rasterkit {
 
 /// A latitude or a longitude.
 struct RASTERKIT_EXPORT TrecKoordGPS {
-  /// 'N', 'S', 'E' or 'W'; 0 where the photo names none.
+  /// 'N', 'S', 'E' or 'W'; 0 if the photo states none.
   char Ref = '\0';
   double Grad = 0;
   double GMin = 0;
@@ -26,7 +26,7 @@ struct TrecWinkelGPS {
   double Winkel = 0;
 };
 
-/// What the GPS directory of a photo says.
+/// Decoded GPS directory of a photo.
 class RASTERKIT_EXPORT TGPSData {
  public:
   int32_t VersionID = 0;
@@ -34,7 +34,7 @@ class RASTERKIT_EXPORT TGPSData {
   TrecKoordGPS Longitude;
   /// 0 above sea level, 1 below.
   uint8_t AltitudeRef = 0;
-  /// Metres from sea level, in the direction of `AltitudeRef`.
+  /// Meters from sea level, in the direction of `AltitudeRef`.
   double Altitude = 0;
   /// Time of day, UTC.
   TDateTime TimeStamp = 0;
@@ -57,7 +57,7 @@ class RASTERKIT_EXPORT TGPSData {
   TDateTime DateStamp = 0;
   int32_t Differential = 0;
 
-  /// Metres above sea level; a place below it counts as 0.
+  /// Meters above sea level; 0 for a place below it.
   double Elevation() const { return AltitudeRef == 0 ? Altitude : 0; }
 };
 

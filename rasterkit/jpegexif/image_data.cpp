@@ -5,11 +5,11 @@ namespace rasterkit {
 namespace {
 
 constexpr int32_t kMaxSections = 20;
-/// A file whose first sections hold no metadata is not searched further.
+/// If these first sections hold no metadata, the search ends.
 constexpr int32_t kSectionsToSearch = 5;
 constexpr int32_t kMaxOthers = 5;
 
-/// The characters of an IPTC section that count as text.
+/// Characters of an IPTC section that count as text.
 std::string PrintablePart(std::string_view bytes) {
   std::string text;
   for (const char byte : bytes) {
@@ -51,8 +51,8 @@ bool TImageData::ReadSections(detail::SectionReader& reader) {
   return sawOthers || HasMetaData();
 }
 
-/// Reads the next section into the next slot; false when its length cannot be one, and the slot
-/// then stays free.
+/// Reads the next section into the next slot. Returns false if its length is invalid; the slot then
+/// stays free.
 bool TImageData::ReadSection(detail::SectionReader& reader) {
   uint8_t marker = reader.ReadByte();
   while (marker == 0xFF) marker = reader.ReadByte();
@@ -69,7 +69,7 @@ bool TImageData::ReadSection(detail::SectionReader& reader) {
   return true;
 }
 
-/// Puts the newest section to its use; false when the picture data begins or the file ends.
+/// Dispatches the last section by its type; false if the picture data begins or the file ends.
 bool TImageData::DispatchSection(TSection& section, bool& sawOthers) {
   switch (section.DType) {
     case kMarkerEoi:
@@ -99,8 +99,8 @@ bool TImageData::DispatchSection(TSection& section, bool& sawOthers) {
   return true;
 }
 
-/// The first APP1 is the photo's EXIF section even if it holds something else; later ones give
-/// their slot back.
+/// The first APP1 section counts as the EXIF section even if it holds something else; the slot of a
+/// later one is reused.
 void TImageData::KeepFirstApp1(TSection& section) {
   if (SectionCnt > kSectionsToSearch || ExifSegment != nullptr) {
     --SectionCnt;

@@ -17,10 +17,10 @@
 
 namespace rasterkit {
 
-/// What an EXIF section begins with, behind its length.
+/// First bytes of an EXIF section behind its length.
 inline constexpr std::string_view ValidHeader("Exif\0", 5);
 
-/// What a directory entry says about its value.
+/// Type, place and size of a directory entry's value.
 struct TTagInfo {
   /// Bytes of the value: its count times the bytes of its type.
   int64_t ByteCount = 0;
@@ -31,7 +31,7 @@ struct TTagInfo {
 
 /// The metadata sections of one JPEG file, and the EXIF section among them decoded.
 ///
-/// An EXIF section ("Data" of its TSection, positions from 1) lies like this:
+/// Layout of an EXIF section ("Data" of its TSection, positions from 1):
 ///
 ///     1    length, big-endian, counts itself
 ///     3    "Exif" 0 0
@@ -40,8 +40,8 @@ struct TTagInfo {
 ///                                                       tag, type, count (2, 2, 4), value or its
 ///                                                       offset (4)
 ///
-/// Use a fresh object for each file. An object keeps pointers into itself and is therefore neither
-/// copied nor moved; one thread at a time.
+/// Use a new object for each file, and from one thread at a time. An object keeps pointers into
+/// itself and therefore cannot be copied or moved.
 class RASTERKIT_EXPORT TImageData : public TEndInd {
  public:
   TImageData() = default;
@@ -50,11 +50,11 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
 
   /// Number of sections read, 0 to 20.
   int32_t SectionCnt = 0;
-  /// In file order, counted from 1 (entry 0 is not used).
+  /// Sections in file order, counted from 1 (entry 0 is not used).
   std::array<TSection, 22> Sections;
   /// The last APP0 section.
   PSection HeaderSegment = nullptr;
-  /// The first APP1 section, if it is among the first five sections; whatever it holds, also XMP.
+  /// The first APP1 section if it is among the first five sections, whatever it holds (also XMP).
   PSection ExifSegment = nullptr;
   /// The first APP13 section.
   PSection IPTCSegment = nullptr;
@@ -66,84 +66,85 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
   int32_t OthersCount = 0;
   /// Groups whose entries are kept.
   TTagTypes FTagTypes = kAllTagTypes;
-  /// A copy of the EXIF section's bytes.
+  /// Copy of the EXIF section's bytes.
   std::string ExifBuff;
-  /// The directories visited so far, each as "[offset base:directory start]".
+  /// Directories visited so far, each as "[offset base:directory start]".
   std::string DirStack;
-  /// Absent while no APP1 section was found.
+  /// Null if no APP1 section was found.
   std::unique_ptr<TExifData> ExifData;
-  /// Absent while no GPS directory was found.
+  /// Null if no GPS directory was found.
   std::unique_ptr<TGPSData> GPSData;
   /// Whether display callbacks and code lists are applied.
   bool ExifDecode = true;
-  /// The last decoding error; empty when there was none.
+  /// Last decoding error; empty if there was none.
   std::string ErrStr;
-  /// Set by a display callback that wants the plain formatted value kept.
+  /// Set by a display callback to keep the plain formatted value.
   bool UseRaw = false;
 
   /// Reads the sections of a JPEG file from the stream's position and decodes the EXIF section.
-  /// True when an EXIF, IPTC, comment, APP2, APP12 or APP14 section was found. Afterwards the
-  /// stream stands behind what was read. Throws ConversionError when a GPS position or time does
-  /// not consist of three proper rationals.
+  /// Returns true if an EXIF, IPTC, comment, APP2, APP12 or APP14 section was found. The stream's
+  /// position is behind the sections afterwards. Throws ConversionError if a GPS position or time
+  /// does not consist of three valid rationals.
   bool ReadJpegSections(TStream& stream);
-  /// The same for a file, after ResetInfos. Throws FileError when it cannot be opened or read.
+  /// Calls ResetInfos, then reads a file as ReadJpegSections does. Throws FileError if it cannot be
+  /// opened or read.
   bool ReadJpegFile(const std::string& FileName);
-  /// Forgets what was found in an earlier file, except the list of other segments, which goes on
+  /// Discards what was found in an earlier file, except the list of other segments, which keeps
   /// growing.
   void ResetInfos();
-  /// Forgets the EXIF, IPTC, comment and other segments; header, sections and decoded values stay.
+  /// Discards the EXIF, IPTC, comment and other segments; header, sections and decoded values stay.
   void ClearSections();
-  /// True when there is an EXIF, an IPTC or a comment segment.
+  /// Tells whether there is an EXIF, an IPTC or a comment segment.
   bool HasMetaData() const;
-  /// All comment text of the photo, its parts separated by "\r": the comment section with its
+  /// All comments of the photo as a byte string, separated by "\r": the comment section with its
   /// length bytes, the EXIF comment, the printable bytes of the IPTC section, and the other
-  /// segments as they are. A byte string.
+  /// segments unchanged.
   std::string GetComment() const;
 
-  /// Writes the start marker and the kept sections in a fixed order: EXIF (without one the APP0
-  /// section, without that one too a JFIF header of 300 dots per inch), IPTC, comment, others.
-  /// A photo with EXIF data so loses its APP0 section. Returns the bytes written behind the start
+  /// Writes the start marker and the kept sections in a fixed order: EXIF (if there is none, the
+  /// APP0 section, or else a JFIF header of 300 dots per inch), IPTC, comment, others. So a photo
+  /// with EXIF data loses its APP0 section. Returns the number of bytes written behind the start
   /// marker. Errors of the stream pass to the caller.
   int32_t SaveExif(TStream& stream) const;
-  /// Writes the picture with the metadata of this object, in place of what its encoder wrote about
-  /// it. The file comes into being whole or not at all. Throws FormatError for an empty picture,
-  /// FileError when the file cannot be written.
+  /// Writes a picture with the metadata of this object instead of those of its encoder. The file is
+  /// written atomically. Throws FormatError for an empty picture, FileError if the file cannot be
+  /// written.
   void WriteExifJpeg(TJPEGImage& image, const std::string& FileName) const;
-  /// The same from one stream onto another: `jpegStream` holds a JPEG file from its beginning on
-  /// (which is not checked) and can be positioned. With `OhneH` (without header) the target gets
-  /// neither start marker nor metadata, only what follows them: the caller has written its own.
+  /// Copies a JPEG file with the metadata of this object instead of its own. `jpegStream` holds the
+  /// file from its beginning on (which is not checked) and must be seekable. With `OhneH` (without
+  /// header) the target gets only what follows start marker and metadata; the caller has written
+  /// its own.
   void WriteImageToStream(TStream& jpegStream, TStream& target, bool OhneH) const;
 
-  /// The bytes of the JPEG thumbnail as the section was read, empty when there is none. Only
-  /// thumbnails that begin with a quantization or a Huffman table are found. One byte behind the
-  /// end marker comes along; without an end marker everything to the section's end does.
+  /// Bytes of the JPEG thumbnail when the section was read; empty if there is none. Finds only
+  /// thumbnails that begin with a quantization or a Huffman table. Includes one byte behind the end
+  /// marker, or without an end marker everything to the end of the section.
   std::string ExtractThumbnailBuffer() const;
-  /// The thumbnail as a picture. Null when there is none, or its directory does not call it a JPEG
-  /// (`ThumbType` 6); the tag tables do not admit the tag that says so, so that a photo just read
-  /// gives null. Throws FormatError when the bytes are damaged.
+  /// The thumbnail as a picture. Null if there is none or its directory does not mark it as JPEG
+  /// (`ThumbType` 6). The tag tables do not admit that tag, so a photo that was just read gives
+  /// null. Throws FormatError if the bytes are damaged.
   std::unique_ptr<TJPEGImage> ExtractThumbnailJPeg() const;
   /// Cuts the EXIF section 14 bytes before the thumbnail's directory; the link to it stays in the
-  /// main directory. Nothing happens without a thumbnail. `ExifBuff` and `ExifData` keep what was
-  /// read.
+  /// main directory. `ExifBuff` and `ExifData` stay. No-op without a thumbnail.
   void RemoveThumbnail();
 
   /// Decodes `ExifSegment` from `ExifBuff`; needs both and `ExifData`.
   void ProcessExif();
   /// Decodes the directory at position `DirStart`, whose offsets count from `OffsetBase`.
   void ProcessExifDir(int64_t DirStart, int64_t OffsetBase, int64_t ExifLength, TTagType tagType);
-  /// Reads entry `entryIndex` (from 0) of a directory; false when its value is empty.
+  /// Reads entry `entryIndex` (from 0) of a directory; false if its value is empty.
   bool GetTagInfo(std::string_view buff, int64_t OffsetBase, int64_t entryIndex, int64_t DirStart,
                   TTagInfo& info) const;
   /// Completes an entry, whose `Tag`, `Code`, `FormatS` and `CallBack` are set, from its raw value.
   void FillTagEntry(std::string raw, uint16_t fmtType, int64_t valuePos, int64_t byteCount,
                     TTagEntry& entry);
-  /// All of the bytes as one integer, of which the low 32 bits are returned. Short negative values
-  /// are not extended: a byte 0xFF is 255.
+  /// Low 32 bits of the integer that all bytes form. Short negative values are not sign-extended: a
+  /// byte 0xFF is 255.
   int32_t GetInt(std::string_view bytes) const;
-  /// The first value in the bytes as a number; 0 for a zero denominator and for types that are no
-  /// numbers.
+  /// First value in the bytes as a number; 0 for a zero denominator and for types that are not
+  /// numeric.
   double GetNumber(std::string_view bytes, uint16_t fmtType) const;
-  /// The values in the bytes, at most 128, as text: "1, 2", "1/2, 3/4".
+  /// Formats the values in the bytes, at most 128: "1, 2", "1/2, 3/4".
   std::string FormatNumber(std::string_view bytes, uint16_t fmtType, const std::string& formatS,
                            const std::string& code) const;
   /// Stores a decoded entry in `ExifData`.
@@ -154,9 +155,9 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
   bool testDirStack(int64_t dirStart, int64_t offsetBase) const;
 
  private:
-  /// What hostile sections may cost. Directories of an honest section do not overlap, so that both
-  /// limits lie far above what 65,535 bytes can hold. The directories need no limit: GPS
-  /// directories lead no further, and the main one holds 5,461 pointers at most.
+  /// Work limits for hostile sections. The directories of a valid section do not overlap, so both
+  /// limits are far above what 65,535 bytes can hold. The number of directories needs no limit: GPS
+  /// directories point to no other, and the main one holds at most 5,461 pointers.
   struct Effort {
     int entries = 64 * 1024;
     int64_t valueBytes = 4 * 1024 * 1024;

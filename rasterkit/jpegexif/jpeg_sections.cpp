@@ -30,7 +30,7 @@ void SectionReader::Append(std::string& target, size_t count) {
   next_ += buffered;
   const size_t missing = count - buffered;
   if (missing == 0) return;
-  // One read brings the rest of the section and, behind it, what will be asked for next.
+  // One read gets the rest of the section and the bytes behind it, which are needed next.
   const size_t filled = target.size();
   target.append(missing, '\0');
   auto* rest = reinterpret_cast<uint8_t*>(target.data()) + filled;
@@ -52,7 +52,7 @@ void SectionReader::Skip(size_t count) {
     stream_.SetPosition(fetched_);
     return;
   }
-  // What states no size, such as a pipe, has to be read through.
+  // A stream without a size, such as a pipe, cannot be positioned.
   while (count > 0 && Refill()) {
     next_ = std::min(count, end_);
     count -= next_;

@@ -11,11 +11,11 @@ namespace rasterkit {
 
 /// One marker section of a JPEG file.
 struct TSection {
-  /// The section's bytes, beginning with the two length bytes; the marker itself is not stored.
+  /// Bytes of the section from its two length bytes on; the marker itself is not stored.
   std::string Data;
   /// Second byte of the marker.
   int32_t DType = 0;
-  /// The length as stored in the file, its own two bytes included.
+  /// Length as stored in the file, its own two bytes included.
   int32_t Size = 0;
   /// Not used by the reader.
   int32_t Base = 0;
@@ -23,7 +23,7 @@ struct TSection {
 
 using PSection = TSection*;
 
-/// Second bytes of the markers that matter here.
+/// Second bytes of the markers that are used here.
 enum JpegMarker : int32_t {
   kMarkerSoi = 0xD8,
   kMarkerEoi = 0xD9,
@@ -39,9 +39,8 @@ enum JpegMarker : int32_t {
 
 namespace detail {
 
-/// Reads the small pieces of a JPEG header from a stream with few reads of the system, and never
-/// much more than the header: a photo's sections usually arrive with the first read, its picture
-/// data is not touched.
+/// Reads the small pieces of a JPEG header with few system calls, and little more than the header:
+/// the sections of a photo usually arrive with the first read, and its picture data is not read.
 class SectionReader {
  public:
   /// Reads from the stream's position on. The stream must outlive the reader, which moves its
@@ -50,23 +49,23 @@ class SectionReader {
   SectionReader(const SectionReader&) = delete;
   SectionReader& operator=(const SectionReader&) = delete;
 
-  /// The next byte, 0 behind the end.
+  /// Reads the next byte; 0 behind the end.
   uint8_t ReadByte();
-  /// A big-endian word, with 0 for bytes behind the end.
+  /// Reads a big-endian word, with 0 for bytes behind the end.
   int32_t ReadWord();
   /// Appends `count` bytes to `target`, zeros for those behind the end.
   void Append(std::string& target, size_t count);
   void Skip(size_t count);
-  /// True when a byte was asked for that is not there.
+  /// Tells whether a read went beyond the end.
   bool IsPastEnd() const { return isPastEnd_; }
-  /// Place in the stream of the next byte.
+  /// Position of the next byte in the stream.
   uint64_t Position() const { return fetched_ - (end_ - next_); }
 
  private:
   bool Refill();
 
   TStream& stream_;
-  /// Place in the stream behind the buffered bytes.
+  /// Position in the stream behind the buffered bytes.
   uint64_t fetched_;
   size_t next_ = 0;
   size_t end_ = 0;

@@ -9,7 +9,7 @@
 namespace rasterkit {
 namespace {
 
-/// Three whole numbers between colons.
+/// Three integers between colons.
 std::array<int32_t, 3> ThreeNumbers(const std::string& text) {
   const std::string rest = StrAfter(text, ":");
   return {StrToInt(StrBefore(text, ":")), StrToInt(StrBefore(rest, ":")),
@@ -23,6 +23,20 @@ bool GetJpgRotation(const std::string& FileName, int& Rotation) {
   TImageData image;
   if (image.ReadJpegFile(FileName) && image.ExifData) Rotation = image.ExifData->Rotation;
   return Rotation >= 1;
+}
+
+bool detail::RotationOfPhoto(std::span<const uint8_t> photo, const std::string& fileName,
+                             int& rotation) {
+  rotation = 0;
+  TImageData image;
+  TSpanStream stream(photo);
+  try {
+    if (image.ReadJpegSections(stream) && image.ExifData) rotation = image.ExifData->Rotation;
+  } catch (Error& error) {
+    error.AttachFile(fileName);
+    throw;
+  }
+  return rotation >= 1;
 }
 
 bool GetJpgDate(const std::string& FileName, TDateTime& Date) {

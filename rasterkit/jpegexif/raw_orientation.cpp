@@ -6,7 +6,7 @@
 namespace rasterkit {
 namespace {
 
-/// No writer puts more sections before a picture; a longer chain is a trap.
+/// No writer puts more sections before a picture; a longer chain is hostile.
 constexpr int kMaxSections = 4096;
 
 bool HasLength(int marker) {
@@ -14,7 +14,7 @@ bool HasLength(int marker) {
   return marker != 0 && marker != kTem && !(marker >= kRst0 && marker <= kSoi);
 }
 
-/// Moves to the next marker, whatever lies before it, and returns its second byte; 0 at the end.
+/// Skips to the next marker and returns its second byte; 0 at the end.
 int NextMarker(detail::SectionReader& reader) {
   while (!reader.IsPastEnd()) {
     if (reader.ReadByte() != 0xFF) continue;
@@ -25,8 +25,7 @@ int NextMarker(detail::SectionReader& reader) {
   return 0;
 }
 
-/// The value of an orientation entry, whatever integer type its writer chose; 0 where there is
-/// none.
+/// Value of an orientation entry of any integer type; 0 if there is none.
 int OrientationAt(const TEndInd& order, std::string_view data, int64_t entryPos) {
   const uint32_t type = order.Get16u(data, entryPos + 2);
   switch (type) {

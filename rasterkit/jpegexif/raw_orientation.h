@@ -8,7 +8,7 @@
 
 namespace rasterkit {
 
-/// The orientation that a JPEG file's EXIF data states:
+/// Reads the orientation that the EXIF data of a JPEG file states:
 ///
 ///     1        2       3      4         5            6           7          8
 ///
@@ -18,14 +18,13 @@ namespace rasterkit {
 ///     88          88      88  88
 ///     88          88  888888  888888
 ///
-/// Unlike GetJpgRotation, which answers for the plain turns only and takes the first APP1 section
-/// for the EXIF one, this looks through the whole header, past XMP and any number of other
-/// sections, and is forgiving about damage: whatever can still be read counts. The stream is read
-/// from its position; afterwards it stands anywhere. No value when the bytes are no JPEG, or state
-/// no orientation from 1 to 8.
+/// Unlike GetJpgRotation, which supports rotations only and expects EXIF data in the first APP1
+/// section, this searches the whole header, past XMP and any number of other sections, and
+/// tolerates damage as far as possible. Reads from the stream's position, which is undefined
+/// afterwards. No value if the data is not JPEG or states no orientation from 1 to 8.
 RASTERKIT_EXPORT std::optional<int> ReadRawOrientation(TStream& stream);
 
-/// The same for a file. Throws FileError when it cannot be opened or read.
+/// Reads the orientation of a JPEG file. Throws FileError if it cannot be opened or read.
 RASTERKIT_EXPORT std::optional<int> ReadRawOrientation(const std::string& fileName);
 
 }  // namespace rasterkit

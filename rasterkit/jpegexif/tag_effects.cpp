@@ -1,4 +1,4 @@
-// What a decoded entry means for the photo: the fields of the EXIF and the GPS data that it fills.
+// Stores decoded entries in the fields of the EXIF and the GPS data.
 
 #include <algorithm>
 #include <cmath>
@@ -11,7 +11,7 @@
 namespace rasterkit {
 namespace {
 
-/// Orientation 3, 6 and 8 are plain turns; the mirrored ones count as upright.
+/// Orientations 3, 6 and 8 are rotations; the mirrored ones count as upright.
 int32_t RotationOf(int32_t orientation) {
   switch (orientation) {
     case 3:
@@ -29,8 +29,8 @@ char FirstCharacter(const TTagEntry& entry) {
   return entry.Inhalt.empty() ? '\0' : entry.Inhalt.front();
 }
 
-/// Four version bytes as one number. The third byte's weight is 11: established, and compared by
-/// callers.
+/// Four version bytes as one number. The weight of the third byte is 11, which is part of the
+/// interface.
 int32_t VersionNumber(const std::string& raw) {
   return ByteAt(raw, 1) * 1000 + ByteAt(raw, 2) * 100 + ByteAt(raw, 3) * 11;
 }
@@ -50,15 +50,15 @@ TrecKoordGPS* CoordinateOf(TGPSData& gps, uint16_t tag) {
   }
 }
 
-/// The whole part, cut to what 32 bits hold.
+/// Integer part, clamped to 32 bits.
 int32_t WholeNumber(double value) {
   constexpr double kLeast = std::numeric_limits<int32_t>::min();
   constexpr double kMost = std::numeric_limits<int32_t>::max();
   return static_cast<int32_t>(std::clamp(value, kLeast, kMost));
 }
 
-/// The text of a user comment: behind the eight bytes that name its character code, without its
-/// last byte.
+/// Text of a user comment: behind the eight bytes that state its character code, without its last
+/// byte.
 void StoreComment(TExifData& exif, TTagEntry& entry) {
   constexpr size_t kCodePrefix = 8;
   exif.CommentPosn = entry.RawPos;

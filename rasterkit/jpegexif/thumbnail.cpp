@@ -1,4 +1,4 @@
-// The small picture that an EXIF section carries.
+// The thumbnail in an EXIF section.
 
 #include <algorithm>
 #include <span>
@@ -14,7 +14,7 @@ constexpr std::string_view kStartAndQuantization("\xFF\xD8\xFF\xDB");
 constexpr std::string_view kStartAndHuffman("\xFF\xD8\xFF\xC4");
 constexpr std::string_view kEndOfImage("\xFF\xD9");
 
-/// The bytes among which the thumbnail lies, as far as the section holds them.
+/// Bytes that contain the thumbnail, as far as the section holds them.
 std::string_view ThumbnailArea(std::string_view section, const TExifData& exif) {
   const auto start = static_cast<size_t>(exif.ThumbStart) - 1;
   if (start >= section.size()) return {};
@@ -30,7 +30,7 @@ std::string TImageData::ExtractThumbnailBuffer() const {
   if (start == std::string_view::npos) start = area.find(kStartAndHuffman);
   if (start == std::string_view::npos) return {};
   std::string_view picture = area.substr(start);
-  // Established: one byte behind the end marker comes along, which no decoder minds.
+  // One byte behind the end marker is included, which decoders ignore.
   constexpr size_t kBytesFromEnd = kEndOfImage.size() + 1;
   const size_t end = picture.find(kEndOfImage);
   if (end != std::string_view::npos) picture = picture.substr(0, end + kBytesFromEnd);
@@ -52,7 +52,7 @@ std::unique_ptr<TJPEGImage> TImageData::ExtractThumbnailJPeg() const {
 
 void TImageData::RemoveThumbnail() {
   if (ExifSegment == nullptr || !ExifData || !ExifData->HasThumbnail()) return;
-  // Established: the cut lies 14 bytes before the thumbnail's directory.
+  // The cut is 14 bytes before the thumbnail's directory.
   const int32_t length = ExifData->ThumbStart - 6;
   std::string& data = ExifSegment->Data;
   if (static_cast<size_t>(length) >= data.size()) return;

@@ -7,8 +7,8 @@
 namespace rasterkit {
 namespace {
 
-/// The image format that means the same as the raster's pixels; Format_Invalid when there is none.
-/// Qt widens 15- and 16-bit colours otherwise than the house does.
+/// Returns the image format with the same pixel layout; Format_Invalid if there is none. Qt
+/// converts 15- and 16-bit colors differently from this library.
 QImage::Format SameFormat(const Raster& raster) {
   switch (raster.Format()) {
     case pf1bit:
@@ -24,7 +24,7 @@ QImage::Format SameFormat(const Raster& raster) {
   }
 }
 
-/// All that an index can name; entries that the palette lacks are black.
+/// Returns an entry for every possible index; missing palette entries are black.
 QList<QRgb> ColorTable(const Raster& raster) {
   const int count = raster.Format() == pf1bit ? 2 : 256;
   QList<QRgb> colors;
@@ -41,7 +41,7 @@ bool CanBeViewed(const Raster& raster, const QRect& part) {
   return raster.Format() != pf1bit || part.x() % 8 == 0;
 }
 
-/// `owner` is released with the last copy of the image; null for rows that somebody else keeps.
+/// `owner` is destroyed with the last copy of the image; null if the rows are owned elsewhere.
 QImage View(const Raster& raster, const QRect& part, std::unique_ptr<Raster> owner) {
   const size_t offset =
       static_cast<size_t>(part.x()) * static_cast<size_t>(StoredBitsPerPixel(raster.Format())) / 8;

@@ -7,30 +7,30 @@
 #include <rasterkit/raster/raster.h>
 #include <rasterkit/runtime/export.h>
 
-/// Bitmaps for Qt to paint.
+/// Bitmaps as images that Qt can paint.
 ///
-///     pf1bit   Format_Mono, views of parts that start at a whole byte
+///     pf1bit   Format_Mono; only views of parts that start at a whole byte
 ///     pf8bit   Format_Indexed8
 ///     pf24bit  Format_BGR888
-///     pf32bit  Format_ARGB32 where alpha is defined, else Format_RGB32
+///     pf32bit  Format_ARGB32 if alpha is defined, else Format_RGB32
 ///
-/// An image in one of these formats is a view: it shows the bitmap's own rows, which must outlive
-/// it and stay where they are, and Qt copies them before it writes. All other formats and parts are
-/// copied into 24 bits, with the colours that the house gives them; such an image stands for
-/// itself.
+/// An image in one of these formats is a view of the bitmap's own rows, which must outlive it and
+/// must not move. Qt copies the rows before it writes to the image. All other formats and parts are
+/// copied into 24 bits with the colors of this library; such an image is independent of the bitmap.
 ///
-/// Qt paints no further than 32,767 pixels into an image: paint a larger bitmap by parts.
+/// Qt paints only the first 32,767 pixels of an image in each direction: paint a larger bitmap in
+/// parts.
 namespace rasterkit {
 
-/// The pixels of the bitmap that lie in `part` (clipped to it); a null image when there are none.
-/// Throws LimitError when a copy finds no memory.
+/// Returns the pixels of the bitmap in `part` (clipped to the bitmap); a null image if there are
+/// none. Throws LimitError if there is not enough memory for a copy.
 RASTERKIT_EXPORT QImage ImageOfPart(const Raster& raster, const QRect& part);
 RASTERKIT_EXPORT QImage ImageOfPart(const TBitmap& bitmap, const QRect& part);
 
-/// The whole bitmap.
+/// Returns the whole bitmap.
 RASTERKIT_EXPORT QImage ImageOfBitmap(const TBitmap& bitmap);
 
-/// An image that owns the raster.
+/// Returns an image that owns the raster.
 RASTERKIT_EXPORT QImage ImageOfOwned(Raster raster);
 
 }  // namespace rasterkit

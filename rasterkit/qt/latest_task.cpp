@@ -9,13 +9,13 @@
 
 namespace rasterkit::detail {
 
-/// What the thread and the task share, whichever of them ends first.
+/// Shared by the thread and the task, which may end in either order.
 struct LatestTask::Job {
   Work work;
-  std::atomic<bool> isCancelled = false;
+  std::atomic<bool> isCanceled = false;
   std::atomic<bool> isDone = false;
   std::mutex mutex;
-  /// Null once the task is gone; guarded by the mutex.
+  /// Null after the task was destroyed; guarded by the mutex.
   LatestTask* task = nullptr;
 };
 
@@ -23,7 +23,7 @@ namespace {
 
 using DoneMark = std::shared_ptr<const std::atomic<bool>>;
 
-/// Threads whose task is gone.
+/// Threads whose task was destroyed.
 class LateThreads {
  public:
   ~LateThreads() { Join(); }
@@ -35,7 +35,7 @@ class LateThreads {
       late.thread.join();
       return true;
     });
-    // The application's end comes before that of the libraries, whose memory the work uses.
+    // The application ends before the libraries whose memory the work uses.
     if (threads_.empty()) qAddPostRoutine(JoinLateTasks);
     threads_.push_back({std::move(thread), std::move(done)});
   }
@@ -72,7 +72,7 @@ void JoinLateTasks() {
 
 LatestTask::~LatestTask() {
   if (!job_) return;
-  job_->isCancelled = true;
+  job_->isCanceled = true;
   {
     const std::lock_guard lock(job_->mutex);
     job_->task = nullptr;
@@ -87,13 +87,13 @@ LatestTask::~LatestTask() {
 void LatestTask::Run(Work work, Answer withoutThread) {
   Request request{std::move(work), std::move(withoutThread)};
   if (!job_) return Start(std::move(request));
-  job_->isCancelled = true;
+  job_->isCanceled = true;
   next_ = std::move(request);
 }
 
 void LatestTask::Cancel() {
   next_.reset();
-  if (job_) job_->isCancelled = true;
+  if (job_) job_->isCanceled = true;
 }
 
 void LatestTask::Start(Request request) {
@@ -109,11 +109,11 @@ void LatestTask::Start(Request request) {
 }
 
 void LatestTask::RunJob(const std::shared_ptr<Job>& job) {
-  const Answer answer = job->work(job->isCancelled);
+  const Answer answer = job->work(job->isCanceled);
   const std::lock_guard lock(job->mutex);
   job->isDone = true;
   if (job->task == nullptr) return;
-  // Dropped by Qt when the task goes before its turn comes.
+  // Qt drops the event if the task is destroyed first.
   QMetaObject::invokeMethod(
       job->task, [task = job->task, job, answer] { task->Finish(job, answer); },
       Qt::QueuedConnection);
@@ -124,7 +124,7 @@ void LatestTask::Finish(const std::shared_ptr<Job>& job, const Answer& answer) {
   job_.reset();
   if (next_) {
     Start(*std::exchange(next_, std::nullopt));
-  } else if (!job->isCancelled) {
+  } else if (!job->isCanceled) {
     Application.Guard([&] { answer(); });
   }
 }

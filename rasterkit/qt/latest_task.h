@@ -7,26 +7,27 @@
 #include <optional>
 #include <thread>
 
-/// Work beside the thread that shows its results. Internal to the room.
+/// Background work whose results are shown by the thread that started it. Internal to this folder.
 namespace rasterkit::detail {
 
-/// Does one piece of work at a time on a thread of its own, always the one asked for last. May be
-/// destroyed at any moment and does not wait then: work that cannot be interrupted runs to its end
-/// unheard, and is joined before the application object goes.
+/// Runs one job at a time on a separate thread, always the latest one requested. May be destroyed
+/// at any time without waiting: a job that cannot be interrupted runs to its end, its answer is
+/// dropped, and it is joined before the application object is destroyed.
 class LatestTask : public QObject {
  public:
-  /// What is done on this object's thread, through Qt's loop, once the work is done.
+  /// Called on the thread of this object, through Qt's event loop, after the work is done.
   using Answer = std::function<void()>;
-  /// Runs on the other thread; may end early once `isCancelled`, its answer is dropped then.
-  using Work = std::function<Answer(const std::atomic<bool>& isCancelled)>;
+  /// Runs on the other thread. It may end early once `isCanceled` is set; its answer is dropped
+  /// then.
+  using Work = std::function<Answer(const std::atomic<bool>& isCanceled)>;
 
   LatestTask() = default;
   ~LatestTask() override;
 
-  /// Asks for some work; what was asked for before is given up. `withoutThread` is called instead
-  /// when the system has no further thread.
+  /// Requests a job and cancels the previous request. `withoutThread` is called instead if the
+  /// system cannot start a thread.
   void Run(Work work, Answer withoutThread);
-  /// Gives up what was asked for; it is not answered.
+  /// Cancels the request; its answer is not called.
   void Cancel();
 
  private:
@@ -45,7 +46,7 @@ class LatestTask : public QObject {
   std::optional<Request> next_;
 };
 
-/// Waits for work that outlived those who asked for it.
+/// Waits for the jobs whose LatestTask was destroyed.
 void JoinLateTasks();
 
 }  // namespace rasterkit::detail

@@ -2,7 +2,7 @@
 
 namespace rasterkit {
 
-/// Modal results of the system's dialogs.
+/// Modal results of the dialogs.
 inline constexpr int mrOk = 1;
 inline constexpr int mrCancel = 2;
 

@@ -4,16 +4,16 @@
 
 #include <rasterkit/graphics/system_color.h>
 
-/// The house's colours as Qt's and back.
+/// Converts between TColor and QColor.
 namespace rasterkit {
 
-/// System colours are those of the host.
+/// Converts a color; system colors are resolved with the colors of the host.
 inline QColor QtColor(TColor color) {
   const TColor bgr = ResolveColor(color);
   return QColor(bgr & 0xFF, bgr >> 8 & 0xFF, bgr >> 16 & 0xFF);
 }
 
-/// Without its alpha.
+/// Converts a color without its alpha.
 inline TColor ColorOf(const QColor& color) {
   return RGB(static_cast<uint8_t>(color.red()), static_cast<uint8_t>(color.green()),
              static_cast<uint8_t>(color.blue()));

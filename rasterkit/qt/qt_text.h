@@ -5,7 +5,7 @@
 
 #include <rasterkit/strings/strings.h>
 
-/// The house's UTF-8 as Qt's text and back.
+/// Converts between UTF-8 and QString.
 namespace rasterkit {
 
 inline QString ToQt(const std::string& utf8) {
@@ -16,7 +16,7 @@ inline std::string FromQt(const QString& text) {
   return text.toStdString();
 }
 
-/// A text of the resource table in the user's language.
+/// Returns a text of the resource table in the user's language.
 inline QString ResourceText(std::string_view key) {
   return ToQt(ResourceString(key));
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kSettlingRounds = 6;
 
-// Weight and weighted channel sums of some points. The sums are whole numbers, exact in 64 bits.
+// Weight and weighted channel sums of points. The sums are integers, exact in 64 bits.
 struct Sums {
   uint64_t weight = 0;
   std::array<uint64_t, 3> channel{};
@@ -34,7 +34,7 @@ struct Sums {
     return rest;
   }
 
-  // The part of the squares that one colour for all the points explains.
+  // Part of the sum of squares that one color for all points accounts for.
   double Explained() const {
     if (weight == 0) return 0;
     double squares = 0;
@@ -51,8 +51,8 @@ struct Sums {
   }
 };
 
-// Points `first` to `last - 1`, and where to cut them best: those whose channel `axis` is below
-// `limit` go to one side, and the error falls by `gain`.
+// Points `first` to `last - 1` and their best cut: points whose channel `axis` is below `limit` go
+// to one side, which reduces the error by `gain`.
 struct Box {
   size_t first = 0, last = 0;
   size_t axis = 0;
@@ -62,8 +62,8 @@ struct Box {
 
 constexpr size_t kChannelValues = 255 * 4 + 1;
 
-// Finds the best cuts of boxes: their points by the value of one channel, which is all that a cut
-// depends on.
+// Finds the best cuts of boxes from the sums of their points per channel value, which is all that a
+// cut depends on.
 class Cutter {
  public:
   explicit Cutter(std::vector<ColorPoint>& points) : points_(points), slices_(kChannelValues) {}
@@ -76,7 +76,7 @@ class Cutter {
     return box;
   }
 
-  // Puts the points of both sides together; returns where the second one begins.
+  // Partitions the points by side; returns where the second side begins.
   size_t Cut(const Box& box) {
     const std::span<ColorPoint> inside = Inside(box);
     const auto right = std::stable_partition(
@@ -90,7 +90,7 @@ class Cutter {
     return {points_.data() + box.first, box.last - box.first};
   }
 
-  // Leaves `box` with the better of its own cut and the best one across `axis`.
+  // Replaces the cut of `box` by the best one across `axis` if that is better.
   void FindCut(const Sums& all, size_t axis, Box& box) {
     size_t low = kChannelValues, high = 0;
     for (const ColorPoint& point : Inside(box)) {
@@ -142,8 +142,8 @@ kernels::ColorList ListOf(const std::vector<std::array<int, 3>>& means) {
   return list;
 }
 
-// Each round gives every point to its nearest mean and moves the means to the middle of their
-// points; a mean without points stays.
+// Each round assigns every point to its nearest mean and moves the means to the centers of their
+// points. A mean without points stays.
 void Settle(const std::vector<ColorPoint>& points, std::vector<std::array<int, 3>>& means) {
   for (int round = 0; round < kSettlingRounds; ++round) {
     const kernels::ColorList list = ListOf(means);

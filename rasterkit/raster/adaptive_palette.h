@@ -7,9 +7,9 @@
 
 namespace rasterkit {
 
-/// Chooses `count` (2 to 256) colours that keep the squared error of the points small. The set of
-/// points is cut again and again where the error falls most, then the means settle in a few rounds
-/// of nearest assignment. Deterministic; fewer points than entries are followed by black.
+/// Chooses `count` (2 to 256) colors that keep the squared error of the points small. The set of
+/// points is split repeatedly where that reduces the error most; then a few rounds of nearest
+/// assignment refine the means. Deterministic. Unused entries are black.
 std::vector<tagPALETTEENTRY> ChooseAdaptivePalette(std::vector<ColorPoint> points, size_t count);
 
 }  // namespace rasterkit

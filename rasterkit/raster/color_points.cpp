@@ -7,14 +7,14 @@
 namespace rasterkit {
 namespace {
 
-// Up to this many colours are taken one by one.
+// Up to this number, colors are kept exactly.
 constexpr size_t kManyColors = 16384;
 
-// About this many pixels tell what colours a picture has.
+// About this number of pixels is sampled.
 constexpr double kSamplePixels = 1 << 17;
 
-// Visits pixels of a net over the picture, all of a small one. Each of its rows begins elsewhere,
-// so that a pattern in the picture does not fall through.
+// Visits pixels of a grid over the picture, or all pixels of a small one. Each row of the grid has
+// another offset, so that a pattern in the picture is not missed.
 template <class Visit>
 bool VisitPixels(const Raster& source, Visit visit) {
   const PixelTable table = MakePixelTable(source.palette);
@@ -23,7 +23,7 @@ bool VisitPixels(const Raster& source, Visit visit) {
   const auto step =
       static_cast<uint32_t>(std::max(1.0, std::floor(std::sqrt(all / kSamplePixels))));
   uint32_t number = 0;
-  // Pictures of hardly any height have no row so far down as half a step.
+  // A picture may have fewer rows than half a step.
   const int first = std::min(static_cast<int>(step / 2), (source.Height() - 1) / 2);
   for (int y = first; y < source.Height(); y += static_cast<int>(step)) {
     RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
@@ -33,7 +33,7 @@ bool VisitPixels(const Raster& source, Visit visit) {
   return true;
 }
 
-// Distinct colours by open addressing, half full at most.
+// Distinct colors by open addressing, half full at most.
 class DistinctColors {
  public:
   DistinctColors() : slots_(kManyColors * 2, 0) {}
@@ -61,7 +61,7 @@ class DistinctColors {
   std::vector<ColorPoint> points;
 
  private:
-  std::vector<uint32_t> slots_;  // number of the colour plus 1; 0 is free
+  std::vector<uint32_t> slots_;  // number of the color plus 1; 0 is free
   std::vector<uint32_t> colors_;
   uint32_t lastColor_ = ~0u;
   size_t last_ = 0;

@@ -8,7 +8,7 @@
 
 namespace rasterkit {
 
-/// A colour and how many pixels bear it. Channels (blue, green, red) are in quarters: 0 to 1020.
+/// A color and its number of pixels. Channels (blue, green, red) are in quarters: 0 to 1020.
 struct ColorPoint {
   std::array<int16_t, 3> channel{};
   uint64_t weight = 0;
@@ -20,9 +20,9 @@ constexpr ColorPoint MakeColorPoint(int red, int green, int blue, uint64_t weigh
           weight};
 }
 
-/// The colours of a picture in a fixed order: each one as it is while there are few (a smooth
-/// gradient stays smooth), else the mean colours of a grid of 32 x 32 x 32 boxes. Of a large
-/// picture only a net of pixels is looked at, always the same one.
+/// Collects the colors of a picture in a fixed order. A few colors are kept exactly, so that a
+/// smooth gradient stays smooth; many become the mean colors of a grid of 32 x 32 x 32 boxes. A
+/// large picture is sampled at fixed positions.
 std::vector<ColorPoint> CollectColorPoints(const Raster& source);
 
 }  // namespace rasterkit

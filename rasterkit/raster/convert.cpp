@@ -32,7 +32,7 @@ Raster ConvertToTrueColor(const Raster& source, TPixelFormat format) {
   return target;
 }
 
-// No pixel says which colours are wanted: the palette of a new picture.
+// There are no pixels to choose colors from: the palette is that of a new picture.
 Raster ConvertEmpty(const Raster& source, TPixelFormat format) {
   Raster target(format, source.Width(), source.Height());
   const HPALETTE palette = target.palette;

@@ -8,7 +8,7 @@ namespace {
 
 constexpr size_t kBitsOfByte = 8;
 
-/// Bytes that begin inside a byte of the source row are put together from two neighbours.
+/// Combines two source bytes if the target byte begins inside a source byte.
 void CopyBits(const uint8_t* source, size_t sourceBytes, size_t firstBit, uint8_t* target,
               size_t targetBytes) {
   const uint8_t* const first = source + firstBit / kBitsOfByte;

@@ -5,9 +5,8 @@
 
 namespace rasterkit {
 
-/// A new raster with the rectangle `part` of the source, which must lie inside it. Stored pixels
-/// move, none is changed, in any format; palette, resolution, profile, alpha mark and transparent
-/// colour come along.
+/// Copies the rectangle `part` of a raster of any format into a new one, with all properties.
+/// Stored pixels do not change. Throws RangeError if `part` does not lie inside the source.
 RASTERKIT_EXPORT Raster CutOut(const Raster& source, const PixelRect& part);
 
 }  // namespace rasterkit

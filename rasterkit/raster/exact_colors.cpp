@@ -8,13 +8,13 @@
 namespace rasterkit {
 namespace {
 
-// Up to 256 colours with numbers in the order of their first appearance; open addressing, a quarter
-// full at most.
+// Up to 256 colors, numbered in the order of their first appearance; open addressing, at most a
+// quarter full.
 class ColorNumbers {
  public:
   explicit ColorNumbers(int limit) : limit_(limit) { slots_.fill(kFree); }
 
-  // The colour's number, or -1 when it would be one more than the limit.
+  // Number of the color; -1 if it would exceed the limit.
   int Find(uint32_t color) {
     uint32_t slot = color * 0x9E3779B1u >> 22;
     while (slots_[slot] != kFree) {
@@ -51,7 +51,7 @@ bool AllGray(const ColorNumbers& numbers) {
   return true;
 }
 
-// A grey picture's bytes are its greys, and its palette says so.
+// The bytes of a gray picture are its gray values, with the gray ramp as palette.
 void UseGrayRamp(const ColorNumbers& numbers, Raster& target) {
   for (int y = 0; y < target.Height(); ++y) {
     uint8_t* row = target.Row(y);

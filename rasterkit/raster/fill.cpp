@@ -7,7 +7,7 @@
 namespace rasterkit {
 namespace {
 
-// Bits `first` to `last - 1` of a row (bit 0 is the first pixel's) take the bits of `pattern`,
+// Sets bits `first` to `last - 1` of a row (bit 0 is the first pixel) to the bits of `pattern`,
 // which repeats every byte.
 void FillBits(uint8_t* row, size_t first, size_t last, uint8_t pattern) {
   const auto mix = [&](uint8_t& byte, int mask) {
@@ -25,7 +25,7 @@ void FillBits(uint8_t* row, size_t first, size_t last, uint8_t pattern) {
   if (tailMask != 0) mix(row[lastByte], tailMask);
 }
 
-// Bytes of one pixel in `bytes`; returns how many they are.
+// Writes the bytes of one pixel to `bytes` and returns their number.
 size_t PixelBytes(TPixelFormat format, TColor color, uint8_t* bytes) {
   switch (format) {
     case pf15bit:
@@ -55,7 +55,7 @@ void FillIndexed(Raster& raster, const PixelRect& rect, TColor color) {
   }
 }
 
-// Writes the pixel once and doubles what is there; further rows copy the first.
+// Writes the pixel once and doubles the written part repeatedly; further rows copy the first.
 void FillTrueColor(Raster& raster, const PixelRect& rect, TColor color) {
   uint8_t pixel[4];
   const size_t pixelBytes = PixelBytes(raster.Format(), color, pixel);

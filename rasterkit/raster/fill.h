@@ -15,15 +15,14 @@ struct PixelPoint {
   int x = 0, y = 0;
 };
 
-/// The part of `rect` inside a picture of this size; may be empty (right <= left or bottom <= top).
+/// Part of `rect` inside a picture of this size; may be empty (right <= left or bottom <= top).
 PixelRect ClipRect(const PixelRect& rect, int width, int height);
 
-/// The palette entries that a pixel can name: those beyond 2 or 16 are out of reach of 1 and 4
-/// bits.
+/// Palette entries that a pixel can refer to: at most 2 with 1 bit, 16 with 4 bits.
 std::span<const tagPALETTEENTRY> EntriesInReach(const Raster& raster);
 
-/// Fills the rectangle, clipped to the raster, with the colour 0x00BBGGRR: the nearest palette
-/// entry of an indexed raster, alpha 255 of a 32-bit one. The row padding is left alone.
+/// Fills a rectangle, clipped to the raster, with the color 0x00BBGGRR. An indexed raster gets the
+/// nearest palette entry, a 32-bit raster alpha 255. The row padding does not change.
 RASTERKIT_EXPORT void FillRaster(Raster& raster, const PixelRect& rect, TColor color);
 
 }  // namespace rasterkit

@@ -51,7 +51,7 @@ IndexMap KeepIndexes() {
   return map;
 }
 
-// The palette cut or filled up with black to the entries of the format.
+// Cuts the palette, or fills it up with black, to the number of entries of the format.
 HPALETTE ResizedPalette(const HPALETTE& palette, size_t count) {
   const TColorTable table = PaletteTable(palette);
   return HPALETTE(std::span(table).first(count));
@@ -62,7 +62,7 @@ struct ColorMap {
   std::vector<tagPALETTEENTRY> entries;
 };
 
-// Numbers the distinct colours of the used indexes in index order; nothing when there are more than
+// Numbers the distinct colors of the used indexes in index order; no value if there are more than
 // `limit`.
 std::optional<ColorMap> MapColors(const IndexCounts& counts, const HPALETTE& palette,
                                   size_t limit) {
@@ -79,7 +79,7 @@ std::optional<ColorMap> MapColors(const IndexCounts& counts, const HPALETTE& pal
   return result;
 }
 
-// An adaptive palette for the colours of the palette, weighted by how many pixels bear them.
+// Adaptive palette for the colors of the palette, weighted by their numbers of pixels.
 ColorMap MapNearest(const IndexCounts& counts, const HPALETTE& palette, size_t limit) {
   std::vector<ColorPoint> points;
   for (int i = 0; i < 256; ++i) {
@@ -96,8 +96,8 @@ ColorMap MapNearest(const IndexCounts& counts, const HPALETTE& palette, size_t l
   return result;
 }
 
-// Puts the darker of two colours first; a single colour stands beside the opposite of black and
-// white.
+// Puts the darker of two colors first. A single color is paired with black if it is light, else
+// with white.
 void ArrangeTwoColors(ColorMap& colors) {
   std::vector<tagPALETTEENTRY>& entries = colors.entries;
   if (entries.empty()) return;

@@ -4,13 +4,13 @@
 
 namespace rasterkit {
 
-/// An indexed raster in another indexed format. Indexes are kept where all that are used fit (the
-/// palette is cut, or filled up with black to 16 or 256 entries); else colours are kept where they
-/// fit; else the rules for true colours apply: an adaptive palette at 4 bits, grey above 127 is
-/// white at 1 bit.
+/// Converts an indexed raster to another indexed format. Indexes are kept if all used ones fit (the
+/// palette is cut, or filled up with black to 16 or 256 entries). Else colors are kept if they fit.
+/// Else the rules for true color apply: an adaptive palette at 4 bits; at 1 bit, gray above 127 is
+/// white.
 Raster ConvertIndexed(const Raster& source, TPixelFormat format);
 
-/// Any raster as black and white: grey above 127 is white (bit 1).
+/// Converts any raster to black and white: gray above 127 is white (bit 1).
 Raster ThresholdToMono(const Raster& source);
 
 }  // namespace rasterkit

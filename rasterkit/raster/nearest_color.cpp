@@ -10,7 +10,7 @@ using Candidate = kernels::CellCandidate;
 constexpr int kGroupSide = 16;
 constexpr int kGroupsASide = 256 / kGroupSide;
 
-// What the colours of most photographs need; memory that is not written to costs nothing.
+// Enough for the colors of most photographs; memory that is not written to costs nothing.
 constexpr size_t kUsualAnswers = size_t{1} << 22;
 
 constexpr int Square(int value) {
@@ -29,8 +29,8 @@ AxisRange DistanceToCube(int value, int low, int side) {
   return {Square(std::max(middle - (side - 1), 0) / 2), Square((middle + side - 1) / 2)};
 }
 
-// Appends those of `from` that can be nearest to a colour of a cube. A candidate is out when even
-// its nearest point of the cube lies beyond the farthest point of another.
+// Appends the entries of `from` that can be nearest to a color of a cube. A candidate is excluded
+// if even its nearest point of the cube is farther than the farthest point of another.
 void Append(std::span<const Candidate> from, int blue, int green, int red, int side,
             std::vector<Candidate>& to) {
   std::array<int, 256> nearest;
@@ -68,7 +68,7 @@ NearestColor::NearestColor(std::span<const tagPALETTEENTRY> entries)
 void NearestColor::OfRow(const RGBArec* pixels, size_t count, uint8_t* indexes) {
   places_.resize(std::max(places_.size(), count));
   kernels::CellPlaces(reinterpret_cast<const uint8_t*>(pixels), count, places_.data());
-  // In locals: the indexes written might otherwise be these members.
+  // Local copies: the written indexes could alias these members.
   const uint32_t* places = places_.data();
   uint32_t* blocks = blocks_.data();
   const uint8_t* answers = answers_.data();

@@ -11,13 +11,13 @@
 
 namespace rasterkit {
 
-/// Finds the nearest palette entry of many colours: the least sum of squared channel differences,
+/// Finds the nearest palette entries of many colors: the least sum of squared channel differences,
 /// the lowest index among equals, exactly as `NearestEntry`.
 ///
-/// The colour cube is cut into cells of 8 x 8 x 8 colours. A cell's first question settles all its
-/// colours: a picture asks for neighbours of a colour again and again. Only the few entries that
-/// can be nearest to a colour of the cell are compared; the many that cannot are ruled out for
-/// eight cells at once, then for the cell.
+/// The color cube is divided into cells of 8 x 8 x 8 colors. The first lookup in a cell computes
+/// all its colors, because a picture has many similar colors. Only the few entries that can be
+/// nearest to a color of the cell are compared; the others are excluded for eight cells at once,
+/// then for the cell.
 class NearestColor {
  public:
   explicit NearestColor(std::span<const tagPALETTEENTRY> entries);
@@ -29,13 +29,13 @@ class NearestColor {
     return AnswerAt(cell * kernels::kCellColors + inside);
   }
 
-  /// The same for `count` pixels.
+  /// Finds the entries of `count` pixels.
   void OfRow(const RGBArec* pixels, size_t count, uint8_t* indexes);
 
  private:
   using Candidate = kernels::CellCandidate;
 
-  // Part of candidates_; empty: not asked for.
+  // Range of candidates_; empty until it is needed.
   struct Group {
     uint32_t first = 0;
     uint32_t count = 0;
@@ -55,7 +55,7 @@ class NearestColor {
   std::vector<Group> groups_;
   std::vector<Candidate> candidates_;
   std::vector<Candidate> inReach_;  // of one cell, kept for its memory
-  std::vector<uint32_t> blocks_;    // of each cell, its number in answers_; 0: not answered yet
+  std::vector<uint32_t> blocks_;    // for each cell, its number in answers_; 0: not computed yet
   std::vector<uint8_t> answers_;
   std::vector<uint32_t> places_;  // of a row's pixels
 };

@@ -17,12 +17,12 @@ constexpr std::array<tagPALETTEENTRY, 16> kStandardColors = {
     Entry(128, 128, 128), Entry(255, 0, 0),   Entry(0, 255, 0),   Entry(255, 255, 0),
     Entry(0, 0, 255),     Entry(255, 0, 255), Entry(0, 255, 255), Entry(255, 255, 255)};
 
-// The four colours that 8-bit palettes hold beyond the 16 standard ones.
+// The four colors that 8-bit palettes hold beyond the 16 standard ones.
 constexpr tagPALETTEENTRY kMoneyGreen = Entry(192, 220, 192), kSkyBlue = Entry(166, 202, 240),
                           kCream = Entry(255, 251, 240), kMediumGray = Entry(160, 160, 164);
 
-// 10 dark standard colours, a 6 x 6 x 6 cube, 20 greys between the cube's own, 10 light standard
-// colours.
+// 10 dark standard colors, a 6 x 6 x 6 cube, 20 grays between those of the cube, 10 light standard
+// colors.
 std::vector<tagPALETTEENTRY> MakeDefault256() {
   std::vector<tagPALETTEENTRY> entries(kStandardColors.begin(), kStandardColors.begin() + 8);
   entries.push_back(kMoneyGreen);

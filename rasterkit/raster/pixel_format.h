@@ -4,28 +4,28 @@
 
 namespace rasterkit {
 
-/// Colour 0x00BBGGRR, red in the low byte; a negative value names a system colour of the host.
+/// Color 0x00BBGGRR, red in the low byte; a negative value names a system color of the host.
 using TColor = int32_t;
 
 inline constexpr TColor clBlack = 0x000000;
 inline constexpr TColor clWhite = 0xFFFFFF;
 
-/// Packs a colour: r | g << 8 | b << 16.
+/// Packs a color: r | g << 8 | b << 16.
 constexpr TColor RGB(uint8_t r, uint8_t g, uint8_t b) {
   return static_cast<TColor>(r | (g << 8) | (b << 16));
 }
 
-/// How the pixels of a row are stored. The order is established and must not change.
+/// How the pixels of a row are stored. The numbers of the enumerators are part of the interface.
 ///
-///     pf1bit    8 pixels a byte, the first in bit 7; index into the palette
-///     pf4bit    2 pixels a byte, the first in the high nibble; index into the palette
+///     pf1bit    8 pixels per byte, the first in bit 7; index into the palette
+///     pf4bit    2 pixels per byte, the first in the high nibble; index into the palette
 ///     pf8bit    index into the palette
 ///     pf15bit   little-endian word  0rrrrrgg gggbbbbb
 ///     pf16bit   little-endian word  rrrrrggg gggbbbbb
 ///     pf24bit   bytes B G R
 ///     pf32bit   bytes B G R A, alpha straight (not premultiplied)
 ///     pfDevice  no format of its own; stored and written as 32-bit
-///     pfCustom  a layout without a name here; the stored bits say what it is
+///     pfCustom  a layout without a name here; use the number of stored bits
 enum TPixelFormat {
   pfDevice,
   pf1bit,
@@ -38,7 +38,7 @@ enum TPixelFormat {
   pfCustom
 };
 
-/// Bits a pixel takes in memory: 1, 4, 8, 16, 16, 24, 32; pfDevice and pfCustom 32.
+/// Bits per pixel in memory: 1, 4, 8, 16, 16, 24, 32; pfDevice and pfCustom 32.
 constexpr int StoredBitsPerPixel(TPixelFormat format) {
   switch (format) {
     case pf1bit:
@@ -62,7 +62,7 @@ constexpr bool IsIndexed(TPixelFormat format) {
 }
 
 /// Bytes from one row to the next: rows are padded to 4 bytes. `width` in pixels, not negative.
-/// Counted in 64 bits, since a file may claim a row that a 32-bit host cannot address.
+/// A 64-bit number, because a file may claim a row that a 32-bit host cannot address.
 constexpr uint64_t StrideBytes(int64_t width, int bitsPerPixel) {
   return static_cast<uint64_t>((width * bitsPerPixel + 31) / 32 * 4);
 }

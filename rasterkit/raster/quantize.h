@@ -4,13 +4,13 @@
 
 namespace rasterkit {
 
-/// A true-colour raster as pf8bit or pf4bit, judged by colours alone (alpha is dropped). The
-/// palette has all 256 or 16 entries.
+/// Converts a true-color raster to pf8bit or pf4bit, without alpha. The palette has 256 or 16
+/// entries.
 ///
-/// With no more colours than entries the result is exact: a picture of greys gets the grey ramp at
-/// 8 bits, any other its colours in the order of their first appearance, then black. With more
-/// colours the palette is adaptive: chosen to keep the squared error small, every pixel gets the
-/// nearest entry (the lowest among equals), and nothing is dithered.
+/// If there are no more colors than entries, the result is exact: at 8 bits a gray picture gets the
+/// gray ramp; any other gets its colors in the order of their first appearance, then black. Else
+/// the palette is chosen to keep the squared error small, and every pixel gets the nearest entry
+/// (the lowest index among equals). There is no dithering.
 Raster QuantizeRaster(const Raster& source, TPixelFormat format);
 
 }  // namespace rasterkit

@@ -17,8 +17,8 @@ void RequireSize(int width, int height) {
                    " pixels");
 }
 
-// Bytes of all rows; saturates instead of wrapping, so that the budget refuses what 64 bits cannot
-// count.
+// Bytes of all rows. Saturates instead of wrapping, so that the budget refuses sizes beyond 64
+// bits.
 uint64_t RowsBytes(uint64_t stride, uint64_t height) {
   if (height != 0 && stride > std::numeric_limits<uint64_t>::max() / height)
     return std::numeric_limits<uint64_t>::max();
@@ -50,11 +50,7 @@ Raster::Raster(Raster&& other) noexcept {
 
 Raster& Raster::operator=(Raster&& other) noexcept {
   if (this == &other) return *this;
-  palette = std::exchange(other.palette, {});
-  resolution = std::exchange(other.resolution, {});
-  profile = std::exchange(other.profile, {});
-  alphaFormat = std::exchange(other.alphaFormat, afIgnored);
-  transparentColor = std::exchange(other.transparentColor, {});
+  Properties() = std::exchange(other.Properties(), {});
   format_ = std::exchange(other.format_, pf32bit);
   width_ = std::exchange(other.width_, 0);
   height_ = std::exchange(other.height_, 0);
@@ -69,14 +65,6 @@ Raster Raster::Clone() const {
     std::memcpy(copy.Row(0), Row(0), stride_ * static_cast<size_t>(height_));
   copy.CopyProperties(*this);
   return copy;
-}
-
-void Raster::CopyProperties(const Raster& other) {
-  palette = other.palette;
-  resolution = other.resolution;
-  profile = other.profile;
-  alphaFormat = other.alphaFormat;
-  transparentColor = other.transparentColor;
 }
 
 void Raster::ClearPadding() {

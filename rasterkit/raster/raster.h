@@ -12,7 +12,7 @@
 
 namespace rasterkit {
 
-/// Dots per inch in both directions; 0 where a file states none.
+/// Dots per inch in both directions; 0 if unknown.
 struct Resolution {
   double x = 0, y = 0;
   bool IsKnown() const { return x > 0 && y > 0; }
@@ -22,27 +22,41 @@ struct Resolution {
 /// An ICC profile's bytes, shared and never changed.
 using ColorProfile = std::shared_ptr<const std::vector<uint8_t>>;
 
-/// Whether the fourth byte of a 32-bit pixel means something.
+/// Whether the fourth byte of a 32-bit pixel is alpha (`afDefined`) or has no meaning.
 enum TAlphaFormat { afIgnored, afDefined };
 
-/// Rows of pixels and what belongs to them: what codecs deliver and take, and what a TBitmap is
-/// made of.
+/// What a picture carries besides its rows. Copied as a whole: a property that is added here goes
+/// wherever the others go (see also `TBitmap::CarryFrom`).
+struct RasterProperties {
+  HPALETTE palette;
+  Resolution resolution;
+  ColorProfile profile;
+  TAlphaFormat alphaFormat = afIgnored;
+  /// The color that a file marks as transparent (a PNG's tRNS; white for a PNG with an alpha
+  /// channel).
+  std::optional<TColor> transparentColor;
+};
+
+/// Rows of pixels and their properties: the input and output of codecs, and the content of a
+/// TBitmap.
 ///
-/// Rows run from top to bottom, each `Stride()` bytes, with padding written as zero. Move-only;
-/// copies are spelled out with `Clone`.
-class RASTERKIT_EXPORT Raster {
+/// Rows run from top to bottom, each `Stride()` bytes, with padding written as zero. Move-only; use
+/// `Clone` for a copy.
+class RASTERKIT_EXPORT Raster : public RasterProperties {
  public:
   Raster() = default;
-  /// Rows with undefined content and the format's default palette. `format` is pf1bit to pf32bit.
-  /// Throws LimitError when the rows exceed the picture memory budget, RangeError for a negative
-  /// size.
+  /// Allocates rows with undefined content and the format's default palette. `format` is pf1bit to
+  /// pf32bit. Throws LimitError if the rows exceed the picture memory budget, RangeError for a
+  /// negative size.
   Raster(TPixelFormat format, int width, int height);
-  /// The raster moved from is empty, 0 x 0.
+  /// Moves rows and properties; `other` is empty afterwards, 0 x 0.
   Raster(Raster&& other) noexcept;
   Raster& operator=(Raster&& other) noexcept;
   Raster Clone() const;
-  /// Palette, resolution, profile, alpha mark and transparent colour of `other`; the rows stay.
-  void CopyProperties(const Raster& other);
+  RasterProperties& Properties() { return *this; }
+  const RasterProperties& Properties() const { return *this; }
+  /// Takes over all properties of `other`; the rows stay.
+  void CopyProperties(const Raster& other) { Properties() = other.Properties(); }
 
   TPixelFormat Format() const { return format_; }
   int Width() const { return width_; }
@@ -56,17 +70,8 @@ class RASTERKIT_EXPORT Raster {
   const uint8_t* Row(int y) const { return memory_.Data() + static_cast<size_t>(y) * stride_; }
   /// Zeroes the bits and bytes between the last pixel and the end of each row.
   void ClearPadding();
-  /// The colour 0x00BBGGRR of the pixel, through the palette where there is one; it must lie
-  /// inside.
+  /// Color 0x00BBGGRR of a pixel, through the palette if there is one. The pixel must lie inside.
   TColor PixelColor(int x, int y) const;
-
-  HPALETTE palette;
-  Resolution resolution;
-  ColorProfile profile;
-  TAlphaFormat alphaFormat = afIgnored;
-  /// The colour that a file marks as transparent (a PNG's tRNS, white for one with an alpha
-  /// channel).
-  std::optional<TColor> transparentColor;
 
  private:
   TPixelFormat format_ = pf32bit;

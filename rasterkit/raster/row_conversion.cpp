@@ -16,8 +16,8 @@ constexpr TColor ColorOf(const RGBArec& pixel) {
   return RGB(pixel.r, pixel.g, pixel.b);
 }
 
-// `store` takes position and index, from left to right; whole bytes first, so that their pixels
-// unroll.
+// Calls `store` with position and index, from left to right; whole bytes first, so that the
+// compiler unrolls their pixels.
 template <int kBits, class Store>
 void ForEachPackedIndex(const uint8_t* row, int width, Store store) {
   constexpr int kPerByte = 8 / kBits, kMask = (1 << kBits) - 1;

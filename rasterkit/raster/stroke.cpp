@@ -41,7 +41,7 @@ void XorRect(Raster& raster, const PixelRect& rect, TColor color) {
   }
 }
 
-// Products of two coordinates stay within 64 bits, and no pen is wider than any picture needs.
+// Keeps products of two coordinates within 64 bits; no picture needs a wider pen.
 constexpr int kFarthest = 1 << 28;
 constexpr int kWidestPen = 1 << 15;
 
@@ -53,12 +53,12 @@ int64_t DivideToFloor(int64_t value, int64_t divisor) {
   return value / divisor - (value % divisor < 0 ? 1 : 0);
 }
 
-// What a round pen covers in one row of its square.
+// Pixels that a round pen covers in one row of its square.
 struct PenRow {
   int first, count;
 };
 
-// The pixels of a square whose centres lie in the circle that touches its sides.
+// Pixels of a square whose centers lie in the inscribed circle.
 std::vector<PenRow> MakePen(int width) {
   std::vector<PenRow> rows;
   const auto squared = [](int64_t value) { return value * value; };
@@ -70,7 +70,7 @@ std::vector<PenRow> MakePen(int width) {
   return rows;
 }
 
-// Which pixels a pen has touched, so that each is painted once.
+// Pixels that the pen has touched, so that each is painted once.
 class Coverage {
  public:
   Coverage(int width, int height, int penWidth)
@@ -108,7 +108,7 @@ class Coverage {
   }
 
  private:
-  // step * rise / length to the nearest, halves up.
+  // step * rise / length, rounded to nearest, halves up.
   static int64_t Across(int64_t step, int64_t rise, int64_t length) {
     if (length == 0) return 0;
     const int64_t sign = length < 0 ? -1 : 1;

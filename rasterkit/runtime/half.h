@@ -6,8 +6,8 @@
 
 namespace rasterkit {
 
-/// An IEEE half (1 bit sign, 5 exponent, 10 fraction) as a double, exactly. Zero and infinity keep
-/// their sign; what is not a number has none.
+/// Converts an IEEE half (1 bit sign, 5 exponent, 10 fraction) to a double, exactly. Zero and
+/// infinity keep their sign; NaN does not.
 inline double HalfToDouble(uint16_t half) {
   constexpr int kBias = 25;  // of exponents of whole fractions: 15, and the fraction's 10 bits
   const int exponent = half >> 10 & 31, fraction = half & 1023;

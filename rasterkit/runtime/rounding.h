@@ -5,8 +5,8 @@
 
 namespace rasterkit {
 
-/// Rounds to the nearest integer, halves to the even neighbour: Round(2.5) = 2, Round(3.5) = 4.
-/// `value` must fit into 64 bits; relies on the default rounding mode of the processor.
+/// Rounds to the nearest integer, halves to even: Round(2.5) = 2, Round(3.5) = 4.
+/// `value` must fit into 64 bits. Requires the processor's default rounding mode.
 inline int64_t Round(double value) {
   return std::llrint(value);
 }

@@ -6,32 +6,31 @@
 
 #include <rasterkit/runtime/export.h>
 
-/// Text helpers. Text is UTF-8; byte strings that only look like text are treated byte by byte.
+/// Text helpers. Text is UTF-8; other byte strings are processed byte by byte.
 namespace rasterkit {
 
-/// Upper-cases the letters a to z only, whatever the locale.
+/// Converts the letters a to z to upper case, independent of the locale.
 RASTERKIT_EXPORT std::string UpperCase(std::string_view text);
 
-/// Upper-cases by the locale the process has set (one code point to one code point; bytes that are
-/// not UTF-8 stay).
+/// Converts to upper case by the locale of the process, one code point to one code point. Bytes
+/// that are not UTF-8 stay unchanged.
 RASTERKIT_EXPORT std::string AnsiUpperCase(std::string_view text);
 
-/// Compares without regard to the case of a to z: negative, 0 or positive.
+/// Compares, ignoring the case of a to z: negative, 0 or positive.
 RASTERKIT_EXPORT int CompareText(std::string_view a, std::string_view b);
 
-/// Without leading and trailing characters from 0 to 32.
+/// Removes leading and trailing characters from 0 to 32.
 RASTERKIT_EXPORT std::string Trim(std::string_view text);
 
-/// The whole number that `text` holds in decimal (blanks around it and a sign allowed).
-/// Throws ConversionError, which quotes the text, when it is anything else or does not fit into 32
-/// bits.
+/// Parses a decimal integer; a sign and surrounding blanks are allowed. Throws ConversionError,
+/// which quotes the text, for anything else and for numbers that do not fit into 32 bits.
 RASTERKIT_EXPORT int32_t StrToInt(std::string_view text);
 
-/// Number of UTF-16 units of a UTF-8 text: what counts of characters mean throughout.
+/// Counts the UTF-16 units of a UTF-8 text. All character counts of the library are such units.
 RASTERKIT_EXPORT size_t Utf16Length(std::string_view text);
 
-/// Units `first` to `first + count - 1` (0-based UTF-16 units) of a UTF-8 text, cut at its end; a
-/// surrogate pair that would be halved is left out.
+/// Extracts the UTF-16 units `first` to `first + count - 1` (from 0) of a UTF-8 text, cut at its
+/// end. A surrogate pair that is only half inside is left out.
 RASTERKIT_EXPORT std::string Utf16Substring(std::string_view text, size_t first, size_t count);
 
 }  // namespace rasterkit

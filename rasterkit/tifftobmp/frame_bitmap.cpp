@@ -3,6 +3,7 @@
 
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
 #include <rasterkit/bitmaptools/pixels/transparency.h>
+#include <rasterkit/raster/format_of_bits.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/tifftobmp/frame_bitmap.h>
 #include <rasterkit/tifftobmp/wic_formats.h>
@@ -10,25 +11,8 @@
 namespace rasterkit::detail {
 namespace {
 
-TPixelFormat FormatOfBits(int bits) {
-  switch (bits) {
-    case 1:
-      return pf1bit;
-    case 4:
-      return pf4bit;
-    case 8:
-      return pf8bit;
-    case 16:
-      return pf16bit;
-    case 24:
-      return pf24bit;
-    default:
-      return pf32bit;
-  }
-}
-
-/// The rows under another format of as many bits. Codecs deliver the one that is asked for, so that
-/// the copy is rare.
+/// Copies the rows to another format with the same number of bits. The copy is rare, because codecs
+/// usually deliver the requested format.
 Raster RowsAs(TPixelFormat format, const Raster& rows) {
   Raster renamed(format, rows.Width(), rows.Height());
   renamed.CopyProperties(rows);
@@ -49,7 +33,7 @@ HPALETTE PaletteOf(const ImagingFrame& frame, const BitmapTraits& traits) {
   if (traits.mark == FrameMark::gray) return GrayPalette(1 << traits.bits);
   const HPALETTE& ofCodec = frame.rows.palette;
   const TPixelFormat format = FormatOfBits(traits.bits);
-  // The bits of a black and white frame say all; that is also what a new 1-bit bitmap shows.
+  // A black and white frame needs no palette of its own: a new 1-bit bitmap has black and white.
   const bool hasPalette = IsIndexed(format) && frame.format != GUID_WICPixelFormatBlackWhite;
   if (!hasPalette || !ofCodec) return DefaultPalette(format);
   return CreateColorPalette(PaletteTable(ofCodec), ofCodec.Count());
@@ -63,7 +47,7 @@ FrameBitmap BitmapOfFrame(ImagingFrame frame, ReadMode mode) {
   HPALETTE palette = PaletteOf(frame, traits);
   Raster rows = TakeRows(frame.rows, traits.bits);
   rows.palette = std::move(palette);
-  // A colour that the file marks as transparent stays visible; only alpha counts.
+  // A color that the file marks as transparent stays visible; only alpha counts.
   rows.transparentColor.reset();
   auto bitmap = std::make_unique<TBitmap>(std::move(rows));
   bitmap->SetTransparent(traits.mark == FrameMark::alpha);

@@ -6,27 +6,27 @@
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/tifftobmp/geotiff_reader.h>
 
-/// The one way from a decoded frame to a bitmap, for pictures and for grids.
+/// Conversion of a decoded frame to a bitmap, for pictures and for grids.
 namespace rasterkit::detail {
 
 enum class ReadMode {
-  /// Any frame becomes a bitmap; pixels that an alpha mark makes wholly transparent become white.
+  /// Any frame becomes a bitmap; pixels of alpha 0 become white if the frame has an alpha mark.
   picture,
-  /// Frames of colours give nothing, grids of numbers a bitmap with the numbers as they are.
+  /// A frame of colors gives no bitmap, a grid a bitmap with its numbers unchanged.
   raster
 };
 
 struct FrameBitmap {
-  /// Null when raster mode found no numbers.
+  /// Null if raster mode found no numbers.
   std::unique_ptr<TBitmap> bitmap;
-  /// How its pixels are to be read.
+  /// How to interpret its pixels.
   TWICFloatFormat floatFormat = ffNoFloat;
 };
 
-/// The rows of the frame move over as they are, with resolution, profile and whether alpha is
-/// defined. Indexed frames get their palette through `CreateColorPalette` (none: the one of a new
-/// bitmap), grey ones a ramp. Throws FormatError("Invalid image") when rows and pixel format of the
-/// frame disagree.
+/// Moves the rows of the frame into a bitmap, with resolution, profile and alpha mark. An indexed
+/// frame gets its palette through `CreateColorPalette` (that of a new bitmap if it has none), a
+/// gray one gets a ramp. Throws FormatError("Invalid image") if rows and pixel format of the frame
+/// do not match.
 FrameBitmap BitmapOfFrame(ImagingFrame frame, ReadMode mode);
 
 }  // namespace rasterkit::detail

@@ -6,8 +6,8 @@
 
 namespace rasterkit::detail {
 
-/// Decodes the first picture of a file by its content. Throws FileError when the file cannot be
-/// opened, else what the codec throws; every error names the file.
+/// Decodes the first picture of a file by its content. Throws FileError if the file cannot be
+/// opened, else the codec's error; every error names the file.
 FrameBitmap ReadFrame(const std::string& fileName, ReadMode mode);
 
 }  // namespace rasterkit::detail

@@ -9,12 +9,12 @@ namespace rasterkit {
 
 namespace {
 
-/// No map has pixels as small as this or smaller: such a size means "not placed".
-constexpr double smallestScale = 0.01;
+/// Map pixels are larger than this, in map units: a size up to it means "not placed".
+constexpr double kSmallestScale = 0.01;
 
-/// The sense of the first comparison matters: a NaN width leaves the decision to the height.
+/// The first comparison is negated so that with a NaN width only the height counts.
 bool IsPlaced(double scaleX, double scaleY) {
-  return !(scaleX <= smallestScale) && scaleY > smallestScale;
+  return !(scaleX <= kSmallestScale) && scaleY > kSmallestScale;
 }
 
 void WordsTo24(TBitmap& bitmap) {

@@ -7,19 +7,19 @@
 
 namespace rasterkit {
 
-/// The bitmap behind TIFF files: a TBitmap that loads through the imaging codec, by content,
-/// whatever the file is called, and saves as TIFF.
+/// Bitmap for TIFF files: a TBitmap that loads through the imaging codec, by content, whatever the
+/// extension, and saves as TIFF.
 ///
-/// A loaded picture is never `Transparent`: where its file has an alpha channel of 8 bits, pixels
-/// of alpha 0 become opaque white, and colours that a file only marks as transparent stay visible.
-/// Grids keep their numbers: floats become the pixels of a pf32bit bitmap, words those of a pf16bit
-/// one (see ReadGeoTiffIntoBitmap). Streams carry the Windows bitmap form of the base class;
-/// whoever needs TIFF bytes goes through a file.
+/// A loaded picture is never `Transparent`: if its file has an alpha channel of 8 bits, pixels of
+/// alpha 0 become opaque white; colors that a file marks as transparent stay visible. Grids keep
+/// their numbers: floats become the pixels of a pf32bit bitmap, words those of a pf16bit one (see
+/// ReadGeoTiffIntoBitmap). Streams use the Windows bitmap format of the base class; for TIFF data
+/// use a file.
 class RASTERKIT_EXPORT TWICBitmap : public TBitmap {
  public:
-  /// Throws FileError when the file cannot be opened, else an error with the codec's own text, or
-  /// "Invalid image" when no codec knows the bytes; every error names the file, and the bitmap is
-  /// then unchanged.
+  /// Loads any supported file. Throws FileError if it cannot be opened, else an error with the
+  /// codec's own text, or "Invalid image" if no codec knows the data. Every error names the file;
+  /// the bitmap is then unchanged.
   void LoadFromFile(const std::string& fileName) override;
   /// Writes a TIFF file without geo tags, atomically; see WriteBitmapToTiff.
   void SaveToFile(const std::string& fileName) override;

@@ -112,7 +112,7 @@ TEST(DecodePicture, Should_DecodeEmbeddedPicture_When_BitmapFileHoldsOne) {
   }
 }
 
-/// Sizes as stated for what is decoded here, a clean error for everything else.
+/// Supported files have their stated size; all others give an error.
 void ExpectContentDecides(CorpusEntry entry) {
   const std::string path = entry["path"];
   const bool isDecoded =

@@ -75,18 +75,19 @@ TEST(FramePicture, Should_GoFromLeastToGreatest_When_Halves) {
 }
 
 TEST(FramePicture, Should_GoFromLeastToGreatest_When_Floats) {
-  constexpr float most = std::numeric_limits<float>::max();
-  constexpr float none = std::numeric_limits<float>::quiet_NaN();
+  constexpr float kMost = std::numeric_limits<float>::max();
+  constexpr float kNone = std::numeric_limits<float>::quiet_NaN();
   CodecReport report;
   Raster raster = PictureOfFrame(
-      Grid<float>(GUID_WICPixelFormat32bppGrayFloat, 3, {-most, most, 0, none, 1, -1}), &report);
+      Grid<float>(GUID_WICPixelFormat32bppGrayFloat, 3, {-kMost, kMost, 0, kNone, 1, -1}), &report);
   ExpectGrays(raster);
   EXPECT_THAT(Values(raster), ElementsAre(0, 255, 128, 255, 128, 128));
   EXPECT_EQ(report.warnings.size(), 1u);
-  raster = PictureOfFrame(Grid<float>(GUID_WICPixelFormat32bppGrayFloat, 2, {7, 7, none, 7}));
+  raster = PictureOfFrame(Grid<float>(GUID_WICPixelFormat32bppGrayFloat, 2, {7, 7, kNone, 7}));
   EXPECT_THAT(Values(raster), ElementsAre(0, 0, 255, 0));
   report = {};
-  raster = PictureOfFrame(Grid<float>(GUID_WICPixelFormat32bppGrayFloat, 1, {none, none}), &report);
+  raster =
+      PictureOfFrame(Grid<float>(GUID_WICPixelFormat32bppGrayFloat, 1, {kNone, kNone}), &report);
   EXPECT_THAT(Values(raster), ElementsAre(255, 255));
   EXPECT_THAT(report.warnings, ElementsAre(HasSubstr("no number")));
 }

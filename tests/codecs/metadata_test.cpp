@@ -47,13 +47,14 @@ TEST(Metadata, Jpeg_Should_ListEachKindOnceInFileOrder) {
   const PictureMetadata metadata =
       Read(Jpeg(Segment('\xE0', "JFIF\0"s) + xmp + exif + exif + Segment('\xED', "Photoshop") +
                 Segment('\xFE', "words") + Segment('\xE2', "ICC_PROFILE\0\1\1"s)));
-  EXPECT_THAT(metadata.kinds, ElementsAre("xmp", "exif", "iptc", "comment", "profile"));
+  EXPECT_THAT(metadata.kinds, ElementsAre(MetadataKind::xmp, MetadataKind::exif, MetadataKind::iptc,
+                                          MetadataKind::comment, MetadataKind::profile));
   EXPECT_EQ(ExifText(metadata), "II*\0"s);
 }
 
 TEST(Metadata, Jpeg_Should_SkipFillBytesBeforeAMarker) {
   EXPECT_THAT(Read("\xFF\xD8\xFF\xFF"s + Segment('\xFE', "words") + "\xFF\xD9"s).kinds,
-              ElementsAre("comment"));
+              ElementsAre(MetadataKind::comment));
 }
 
 TEST(Metadata, Jpeg_Should_EndTheWalkAtTheScan) {
@@ -71,7 +72,7 @@ TEST(Metadata, Jpeg_Should_EndTheWalk_When_ALengthIsTooSmallOrTooLarge) {
 
 TEST(Metadata, Jpeg_Should_GiveAnEmptyBlock_When_TheExifSegmentIsCutBehindItsName) {
   const PictureMetadata metadata = Read(Jpeg(Segment('\xE1', "Exif\0"s)));
-  EXPECT_THAT(metadata.kinds, ElementsAre("exif"));
+  EXPECT_THAT(metadata.kinds, ElementsAre(MetadataKind::exif));
   EXPECT_TRUE(metadata.exif.empty());
 }
 
@@ -79,7 +80,8 @@ TEST(Metadata, Png_Should_ListItsChunks) {
   const PictureMetadata metadata =
       Read(Png(Chunk("iCCP", "p") + Chunk("tEXt", "a") + Chunk("iTXt", "XML:com.adobe.xmp") +
                Chunk("IDAT", "data") + Chunk("eXIf", "MM\0*"s)));
-  EXPECT_THAT(metadata.kinds, ElementsAre("profile", "text", "xmp", "exif"));
+  EXPECT_THAT(metadata.kinds, ElementsAre(MetadataKind::profile, MetadataKind::text,
+                                          MetadataKind::xmp, MetadataKind::exif));
   EXPECT_EQ(ExifText(metadata), "MM\0*"s);
 }
 
@@ -93,7 +95,7 @@ TEST(Metadata, OtherBytes_Should_HaveNone) {
     EXPECT_THAT(Read(bytes).kinds, IsEmpty());
 }
 
-/// A GIF file of a palette of four colours on a screen of two by two pixels.
+/// A GIF file of a palette of four colors on a screen of two by two pixels.
 std::string Gif(const std::string& blocks) {
   return "GIF89a\2\0\2\0\x81\0\0"s + std::string(12, '\x40') + blocks + ";";
 }
@@ -113,7 +115,8 @@ TEST(Metadata, Gif_Should_ListKindsAndCountPictures) {
                                 GifExtension('\xFF', "XMP DataXMP") +
                                 GifExtension('\xFF', "ICCRGBG1012") + GifPicture(true);
   const PictureMetadata metadata = Read(Gif(animation));
-  EXPECT_THAT(metadata.kinds, ElementsAre("comment", "xmp", "profile"));
+  EXPECT_THAT(metadata.kinds,
+              ElementsAre(MetadataKind::comment, MetadataKind::xmp, MetadataKind::profile));
   EXPECT_EQ(metadata.pictures, 3);
   EXPECT_EQ(Read(Gif(GifPicture(false))).pictures, 1);
   EXPECT_EQ(Read(Gif("")).pictures, 1);
@@ -145,7 +148,7 @@ TEST(Metadata, Webp_Should_CountPicturesOfAnAnimation) {
   const PictureMetadata metadata =
       Read("RIFF"s + static_cast<char>(chunks.size() + 4) + "\0\0\0WEBP"s + chunks);
   EXPECT_EQ(metadata.pictures, 2);
-  EXPECT_THAT(metadata.kinds, ElementsAre("xmp"));
+  EXPECT_THAT(metadata.kinds, ElementsAre(MetadataKind::xmp));
 }
 
 }  // namespace

@@ -29,15 +29,23 @@ const std::map<std::string, std::string>& ReadAnyway() {
   return table;
 }
 
-/// The bits that the index's text means in a raster: samples times channels, 16-bit ones halved.
-TPixelFormat ExpectedFormat(const std::string& bits) {
-  if (bits == "1 grey" || bits == "1 palette") return pf1bit;
-  if (bits == "2 grey" || bits == "2 palette" || bits == "4 grey" || bits == "4 palette")
+/// The index has its own spelling of gray.
+std::string WithGray(std::string bits) {
+  const size_t place = bits.find("gr");
+  if (place != std::string::npos) bits.replace(place, 4, "gray");
+  return bits;
+}
+
+/// The pixel format for a text of the index: samples times channels, 16-bit samples halved.
+TPixelFormat ExpectedFormat(const std::string& ofIndex) {
+  const std::string bits = WithGray(ofIndex);
+  if (bits == "1 gray" || bits == "1 palette") return pf1bit;
+  if (bits == "2 gray" || bits == "2 palette" || bits == "4 gray" || bits == "4 palette")
     return pf4bit;
-  if (bits == "8 grey" || bits == "8 palette" || bits == "16 grey" || bits == "8x1") return pf8bit;
+  if (bits == "8 gray" || bits == "8 palette" || bits == "16 gray" || bits == "8x1") return pf8bit;
   if (bits == "8 rgb" || bits == "16 rgb" || bits == "8x3" || bits == "8 8 8x3" || bits == "8x4")
     return pf24bit;
-  if (bits.find("rgba") != std::string::npos || bits.find("grey+alpha") != std::string::npos)
+  if (bits.find("rgba") != std::string::npos || bits.find("gray+alpha") != std::string::npos)
     return pf32bit;
   return pfDevice;
 }

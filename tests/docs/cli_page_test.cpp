@@ -17,14 +17,6 @@ std::string Page() {
   return ReadDocument("docs/cli.md");
 }
 
-std::set<std::string> VerbsOfTool() {
-  const std::string help = OutputOf(RASTERKIT_TOOL " --help");
-  const size_t list = std::min(help.find("\nVerbs:"), help.size());
-  const std::string verbs = help.substr(list, help.find("\n\n", list) - list);
-  const auto found = FindAll(verbs, "\n  ([a-z-]+) ");
-  return {found.begin(), found.end()};
-}
-
 /// Rows "| `Routine` | verb |" of the table.
 std::set<std::string> RoutinesOfPage() {
   const std::string page = Page();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -19,5 +20,8 @@ std::vector<std::string> FindAll(const std::string& text, const std::string& pat
 
 /// What a command of the shell prints.
 std::string OutputOf(const std::string& command);
+
+/// The verbs that `rasterkit --help` lists.
+std::set<std::string> VerbsOfTool();
 
 }  // namespace rasterkit::test

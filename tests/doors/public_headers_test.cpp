@@ -1,8 +1,6 @@
 // What is installed: each header is promised, and then in the umbrella of its room, or merely
 // installed, and then in no umbrella.
 
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
 #include <sstream>
@@ -11,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/doors/header_lists.h"
 #include "tests/doors/source_tree.h"
 
 namespace rasterkit::test {
@@ -21,45 +20,8 @@ using testing::IsEmpty;
 
 using Names = std::set<std::string>;
 
-/// What the list of one room offers.
-struct RoomHeaders {
-  Names promised, installed;
-};
-
-/// The names behind PROMISED and INSTALLED, each up to the next keyword.
-RoomHeaders ParseRoom(std::istream& list) {
-  RoomHeaders headers;
-  Names* current = nullptr;
-  for (std::string word; list >> word;) {
-    // The first keyword may stand right behind the bracket.
-    const std::string keyword = word.substr(word.find('(') + 1);
-    if (keyword == "PROMISED") {
-      current = &headers.promised;
-    } else if (keyword == "INSTALLED") {
-      current = &headers.installed;
-    } else if (word.find(".h") == std::string::npos) {
-      current = nullptr;
-    } else if (current != nullptr) {
-      current->insert(word.substr(0, word.find(')')));
-      if (word.ends_with(')')) current = nullptr;
-    }
-  }
-  return headers;
-}
-
-/// Of all rooms, as include names.
-RoomHeaders AllHeaders() {
-  const std::filesystem::path root = RASTERKIT_SOURCE_TREE;
-  RoomHeaders all;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(root / "rasterkit")) {
-    if (entry.path().filename() != "CMakeLists.txt") continue;
-    const std::string room = entry.path().parent_path().lexically_relative(root).generic_string();
-    std::ifstream list(entry.path());
-    const RoomHeaders headers = ParseRoom(list);
-    for (const std::string& name : headers.promised) all.promised.insert(room + "/" + name);
-    for (const std::string& name : headers.installed) all.installed.insert(room + "/" + name);
-  }
-  return all;
+HeaderLists AllHeaders() {
+  return ReadHeaderLists(RASTERKIT_SOURCE_TREE);
 }
 
 const SourceTree& Tree() {
@@ -79,7 +41,7 @@ std::string RoomOf(const std::string& header) {
 }
 
 TEST(InstalledHeadersTest, IncludeOnlyInstalledHeaders) {
-  const RoomHeaders headers = AllHeaders();
+  const HeaderLists headers = AllHeaders();
   Names all = headers.promised;
   all.insert(headers.installed.begin(), headers.installed.end());
   EXPECT_GT(headers.promised.size(), 20u);
@@ -94,7 +56,7 @@ TEST(InstalledHeadersTest, IncludeOnlyInstalledHeaders) {
 }
 
 TEST(InstalledHeadersTest, NoneIsBothPromisedAndMerelyInstalled) {
-  const RoomHeaders headers = AllHeaders();
+  const HeaderLists headers = AllHeaders();
   for (const std::string& header : headers.promised)
     EXPECT_FALSE(headers.installed.contains(header)) << header;
 }
@@ -122,12 +84,12 @@ TEST(UmbrellasTest, TheFrontHoldsEveryRoomWithoutQt) {
   EXPECT_EQ(IncludesOf("rasterkit/rasterkit.h"), rooms);
 }
 
-TEST(ParseRoomTest, ReadsBothLists) {
+TEST(ParseHeaderListsTest, ReadsBothLists) {
   const auto parse = [](const char* text) {
     std::istringstream list(text);
-    return ParseRoom(list);
+    return ParseHeaderLists(list);
   };
-  const RoomHeaders both =
+  const HeaderLists both =
       parse("rasterkit_room(\n  PROMISED a.h b.h\n  c.h\n  INSTALLED d.h\n  SOURCES a.cpp)\n");
   EXPECT_THAT(both.promised, ElementsAre("a.h", "b.h", "c.h"));
   EXPECT_THAT(both.installed, ElementsAre("d.h"));

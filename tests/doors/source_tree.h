@@ -18,7 +18,7 @@ struct Include {
 /// include.
 using SourceTree = std::map<std::string, std::vector<Include>>;
 
-/// The #include lines of a text; those in comments are none.
+/// The #include lines of a text; those in comments are ignored.
 std::vector<Include> ParseIncludes(std::string_view text);
 
 /// Reads every .h and .cpp file below the folders of `root` that hold the house's sources.

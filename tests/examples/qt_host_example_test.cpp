@@ -41,7 +41,7 @@ TEST_F(QtHostExample, Dialogs_Should_ChangeThePicture) {
   for (int x = 0; x < 17; ++x) EXPECT_EQ(changed.PixelColor(x, 4) & 0xFF, 0) << "no red";
 }
 
-TEST_F(QtHostExample, CancelledDialogs_Should_LeaveThePicture) {
+TEST_F(QtHostExample, CanceledDialogs_Should_LeaveThePicture) {
   EXPECT_TRUE(SameColors(GradientRaster(pf24bit, 60, 40),
                          Saved("action Size | type FlEdW 7; key Escape |"
                                "action Crop | type SpEdLeft 9; click nbCancel |"
@@ -58,7 +58,7 @@ TEST_F(QtHostExample, OtherPicture_Should_BeLaidOver) {
 
 TEST_F(QtHostExample, FileThatIsNoPicture_Should_BeSaid) {
   WriteText(folder_ / "in.png", "no picture");
-  // A message, and the program goes on.
+  // A message, and the program continues.
   const ToolResult result = Run({folder_ / "in.png"}, "key Return | quit");
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.err, "");

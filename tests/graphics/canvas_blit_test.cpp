@@ -120,7 +120,7 @@ TEST(CanvasBlit, Should_ReadTheOldPixels_When_SourceIsTheTarget) {
     TBitmap self = GradientBitmap(format, 11, 9);
     TBitmap steps = GradientBitmap(format, 11, 9);
     draw(self, self);
-    // The same from a copy made before each step.
+    // The expected result, from a copy made before each step.
     TCanvas& canvas = steps.Canvas();
     canvas.AlphaBlend({1, 1, 9, 8}, *steps.Clone(), {0, 0, 10, 9}, {140, true});
     canvas.TransparentBlt({9, 0, 2, 7}, *steps.Clone(), {1, 1, 11, 9}, RGB(1, 2, 3));

@@ -110,7 +110,7 @@ TEST(Canvas, Draw_Should_LeaveOutTheTransparentColor) {
     target.Canvas().Brush.Color = clBlack;
     target.Canvas().FillRect({0, 0, 9, 9});
     target.Canvas().Draw(2, 3, picture);
-    EXPECT_EQ(target.PixelColor(2, 3), clBlack) << "bottom-left colour is transparent";
+    EXPECT_EQ(target.PixelColor(2, 3), clBlack) << "bottom-left color is transparent";
     picture.SetTransparent(false);
     target.Canvas().Draw(2, 3, picture);
     EXPECT_EQ(target.PixelColor(2, 3), clWhite);

@@ -95,7 +95,7 @@ TEST(Icon, Assign_Should_CarryAlphaOrTransparentColor_BothWays) {
   TIcon icon;
   icon.Assign(&keyed);
   EXPECT_TRUE(test::SameColors(keyed.Content(), icon.ColorBitmap().Content()));
-  EXPECT_EQ(AlphaAt(icon.ColorBitmap(), 0, 4), 0) << "the bottom-left pixel's colour";
+  EXPECT_EQ(AlphaAt(icon.ColorBitmap(), 0, 4), 0) << "the bottom-left pixel's color";
   EXPECT_EQ(AlphaAt(icon.ColorBitmap(), 5, 0), 255);
   TIcon copy;
   copy.Assign(&icon);

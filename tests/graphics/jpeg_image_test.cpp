@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -167,6 +168,75 @@ TEST(JpegImage, Draw_Should_ShowThePicture) {
   target.SetSize(45, 31);
   target.Canvas().Draw(0, 0, jpeg);
   EXPECT_TRUE(test::SamePixels(jpeg.Bitmap(), target));
+}
+
+TEST(JpegImage, CompressedData_Should_BeTheFileOrTheLastEncoding) {
+  const std::vector<uint8_t> file = SampleFile();
+  TJPEGImage jpeg;
+  EXPECT_TRUE(jpeg.CompressedData().empty());
+  Load(jpeg, file);
+  EXPECT_TRUE(std::ranges::equal(jpeg.CompressedData(), file));
+  const TBitmap picture = test::GradientBitmap(pf24bit, 45, 31);
+  jpeg.Assign(&picture);
+  EXPECT_TRUE(jpeg.CompressedData().empty()) << "not encoded before the first save";
+  const std::vector<uint8_t> saved = Saved(jpeg);
+  EXPECT_TRUE(std::ranges::equal(jpeg.CompressedData(), saved));
+}
+
+TEST(JpegImage, TakeBitmap_Should_GiveWhatAssigningGives_WithTheSameRows) {
+  for (const bool isCompressed : {false, true}) {
+    TJPEGImage jpeg;
+    Load(jpeg, SampleFile());
+    jpeg.SetTransparentColor(RGB(1, 2, 3));
+    jpeg.SetTransparent(true);
+    if (isCompressed) jpeg.Compress();
+    TBitmap assigned;
+    assigned.Assign(&jpeg);
+    const uint8_t* const rows = jpeg.Bitmap().ScanLine(0);
+    TBitmap taken = jpeg.TakeBitmap();
+    EXPECT_EQ(taken.ScanLine(0), rows) << "moved";
+    EXPECT_TRUE(test::SamePixels(assigned, taken));
+    EXPECT_EQ(taken.PixelFormat(), assigned.PixelFormat());
+    EXPECT_EQ(taken.Dpi(), assigned.Dpi());
+    EXPECT_EQ(taken.Transparent(), assigned.Transparent());
+    EXPECT_EQ(taken.TransparentColor(), assigned.TransparentColor());
+    EXPECT_EQ(taken.Modified(), assigned.Modified());
+    EXPECT_TRUE(jpeg.Empty());
+    EXPECT_TRUE(jpeg.CompressedData().empty());
+  }
+}
+
+TEST(JpegImage, AssignMoved_Should_GiveWhatAssigningGives) {
+  for (const TPixelFormat format : test::kEveryFormat) {
+    TBitmap picture = test::GradientBitmap(format, 45, 31);
+    picture.SetDpi({300, 150});
+    picture.SetTransparent(true);
+    picture.SetTransparentColor(RGB(1, 2, 3));
+    TJPEGImage assigned, moved;
+    assigned.Assign(&picture);
+    Load(moved, SampleFile());
+    const uint8_t* const rows = picture.ScanLine(0);
+    moved.AssignMoved(std::move(picture));
+    EXPECT_EQ(moved.Bitmap().ScanLine(0) == rows, format == pf24bit) << format;
+    EXPECT_TRUE(test::SamePixels(assigned.Bitmap(), moved.Bitmap())) << format;
+    EXPECT_EQ(moved.Bitmap().PixelFormat(), assigned.Bitmap().PixelFormat());
+    EXPECT_EQ(moved.Bitmap().Dpi(), assigned.Bitmap().Dpi());
+    EXPECT_EQ(moved.Bitmap().Transparent(), assigned.Bitmap().Transparent());
+    EXPECT_EQ(moved.Transparent(), assigned.Transparent());
+    EXPECT_EQ(moved.TransparentColor(), assigned.TransparentColor());
+    EXPECT_EQ(moved.Modified(), assigned.Modified());
+    EXPECT_EQ(Saved(moved), Saved(assigned)) << format;
+    EXPECT_TRUE(picture.Empty());  // NOLINT(bugprone-use-after-move): it is empty then
+  }
+}
+
+TEST(JpegImage, AssignMoved_Should_MoveGrayRows) {
+  TBitmap picture(test::GrayRaster(45, 31));
+  const uint8_t* const rows = picture.ScanLine(0);
+  TJPEGImage jpeg;
+  jpeg.AssignMoved(std::move(picture));
+  EXPECT_EQ(jpeg.Bitmap().ScanLine(0), rows);
+  EXPECT_TRUE(jpeg.Grayscale());
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 
 namespace rasterkit::test {
 
-/// Feeds EXIF data to a fresh TImageData as if a photo held it.
+/// Feeds EXIF data to a new TImageData as if a photo held it.
 class ExifFixture : public ::testing::Test {
  protected:
   /// `content` is what follows the length bytes of the section.
@@ -30,7 +30,7 @@ class ExifFixture : public ::testing::Test {
   std::unique_ptr<TImageData> image_ = std::make_unique<TImageData>();
 };
 
-/// The same in both byte orders.
+/// The tests of the fixture in both byte orders.
 class ExifInBothOrders : public ExifFixture, public ::testing::WithParamInterface<ByteOrder> {
  protected:
   TiffWriter writer_{GetParam()};

@@ -7,7 +7,7 @@
 namespace rasterkit {
 namespace {
 
-TEST(ExifText, Constants_Should_BeTheEstablishedOnes) {
+TEST(ExifText, Constants_Should_HaveTheirFixedValues) {
   EXPECT_STREQ(cDataSep, ", ");
   EXPECT_STREQ(cDecodeSep, ",");
   EXPECT_STREQ(cDelim, " = ");

@@ -18,9 +18,9 @@ namespace {
 
 using test::CorpusEntry;
 
-/// Without a header the components' names make it red, green and blue; the header of 300 dpi that
-/// such a file gets says luminance and differences.
-constexpr char kColoursByName[] = "jpeg/serenity__rgb_components.jpg";
+/// Without a header its component names mean red, green and blue; the header of 300 dpi that such a
+/// file gets means luminance and differences.
+constexpr char kColorsByName[] = "jpeg/serenity__rgb_components.jpg";
 
 class ExifWriterCorpus : public ::testing::TestWithParam<const char*> {
  protected:
@@ -42,7 +42,7 @@ std::string TextOf(TStream& stream) {
   return {bytes.begin(), bytes.end()};
 }
 
-/// Coordinates stay as they are: some files' are none, which would end the reading.
+/// Reads without decoding, because invalid coordinates in some files would end the reading.
 void ReadPlainly(TImageData& image, TStream& stream) {
   stream.SetPosition(0);
   image.ExifDecode = false;
@@ -104,7 +104,7 @@ TEST_P(ExifWriterCorpus, Thumbnails_Should_BeWhatTheReferenceFinds_And_BeGone_Wh
 TEST_P(ExifWriterCorpus, Pixels_Should_BeTheSame) {
   size_t compared = 0;
   for (const CorpusEntry& entry : entries_) {
-    if (entry.at("expected") != "loads" || entry.at("path") == kColoursByName) continue;
+    if (entry.at("expected") != "loads" || entry.at("path") == kColorsByName) continue;
     TMemoryStream file, target;
     file.LoadFromFile(Name(entry));
     // Small files suffice: the whole of the data is compared above.

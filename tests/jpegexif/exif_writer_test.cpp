@@ -135,7 +135,7 @@ TEST_F(ExifWriter, SaveExif_Should_PassOnTheStreamsError) {
 
 class Skipping : public ::testing::Test {
  protected:
-  /// What is left of a file behind its metadata, with the start marker put in front.
+  /// Rest of a file behind its metadata, with the start marker in front.
   static std::string Rest(const std::string& jpeg) {
     TSpanStream stream = StreamOf(jpeg);
     stream.SetPosition(jpeg.size() / 2);

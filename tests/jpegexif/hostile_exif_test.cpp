@@ -11,8 +11,8 @@ using test::TiffWriter;
 
 constexpr size_t kLargestTiff = 65535 - 2 - 6;
 
-/// Sections that are made to cost as much as possible. The work is bounded by counters, so that
-/// what a section may keep is a number, not a time.
+/// Sections that cost as much as possible. Counters limit the work, so the tests check numbers, not
+/// times.
 class HostileExif : public test::ExifFixture {
  protected:
   TiffWriter writer_{ByteOrder::intel};

@@ -38,7 +38,7 @@ class Thumbnail : public test::ExifFixture {
     ASSERT_TRUE(Exif().HasThumbnail());
     ASSERT_EQ(Exif().ThumbStart, static_cast<int32_t>(exif_.directory));
   }
-  /// What is extracted, checked against the reference.
+  /// Extracted bytes, compared with the reference.
   std::string Buffer() const {
     const std::string buffer = image_->ExtractThumbnailBuffer();
     EXPECT_EQ(buffer, reference::ExtractThumbnailBuffer(*image_));

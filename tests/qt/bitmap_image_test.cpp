@@ -15,7 +15,7 @@ using test::kEveryFormat;
 using test::RandomBitmap;
 using test::WithoutUnusedBits;
 
-/// 0x00BBGGRR as the image has it.
+/// The pixel of the image as 0x00BBGGRR.
 TColor ColorAt(const QImage& image, int x, int y) {
   const QColor color = image.pixelColor(x, y);
   return RGB(static_cast<uint8_t>(color.red()), static_cast<uint8_t>(color.green()),

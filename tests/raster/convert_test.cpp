@@ -33,7 +33,7 @@ Raster WithPalette(Raster raster, int count, std::mt19937& random) {
   return raster;
 }
 
-// All 65,536 words, a row for each high byte.
+// All 65,536 words, one row per high byte.
 Raster EveryWord(TPixelFormat format) {
   Raster raster(format, 256, 256);
   for (int y = 0; y < 256; ++y) {
@@ -171,7 +171,7 @@ TEST(Convert, TwoColors_Should_BeKept_When_IndexedBecomes1Bit) {
   source.palette = HPALETTE(table);
   const Raster result = ConvertRaster(source, pf1bit);
   EXPECT_TRUE(test::SameColors(source, result));
-  EXPECT_EQ(result.Row(0)[0], 0xA0) << "the darker colour is 0";
+  EXPECT_EQ(result.Row(0)[0], 0xA0) << "the darker color is 0";
 }
 
 TEST(Convert, Gray_Should_BeWhiteAbove127_When_1Bit) {
@@ -186,7 +186,7 @@ TEST(Convert, Gray_Should_BeWhiteAbove127_When_1Bit) {
 }
 
 TEST(Convert, Gray_Should_BeCutInExtendedPrecision_When_SumIsExactly128) {
-  // Every colour whose thousandths are exactly 128000: rounding of the weights decides.
+  // Every color whose thousandths are exactly 128000: rounding of the weights decides.
   int cases = 0;
   Raster source(pf24bit, 1, 1);
   source.ClearPadding();

@@ -9,7 +9,7 @@
 namespace rasterkit::test {
 namespace {
 
-/// The value of pixel x of a row, counted in bits from the left.
+/// Value of pixel x of a row, counted in bits from the left.
 uint64_t StoredPixel(const Raster& raster, int x, int y) {
   const int bits = StoredBitsPerPixel(raster.Format());
   uint64_t value = 0;
@@ -21,8 +21,8 @@ uint64_t StoredPixel(const Raster& raster, int x, int y) {
 }
 
 TEST(CutOut, Should_MoveStoredPixels_When_ThePartLiesAnywhereInAnyFormat) {
-  constexpr unsigned seed = 20261121;
-  std::mt19937 random(seed);
+  constexpr unsigned kSeed = 20261121;
+  std::mt19937 random(kSeed);
   for (const TPixelFormat format : kEveryFormat)
     for (const PixelRect part :
          {PixelRect{0, 0, 21, 13}, {1, 2, 20, 3}, {7, 0, 8, 13}, {8, 5, 17, 9}}) {
@@ -35,7 +35,7 @@ TEST(CutOut, Should_MoveStoredPixels_When_ThePartLiesAnywhereInAnyFormat) {
       for (int y = 0; y < cut.Height(); ++y)
         for (int x = 0; x < cut.Width(); ++x)
           ASSERT_EQ(StoredPixel(cut, x, y), StoredPixel(source, x + part.left, y + part.top))
-              << "format " << format << " at " << x << "," << y << ", seed " << seed;
+              << "format " << format << " at " << x << "," << y << ", seed " << kSeed;
     }
 }
 

@@ -57,7 +57,7 @@ TEST(Fill, Should_TakeTheNearestEntry_When_Indexed) {
   }
 }
 
-// Black, dark grey, black up to the last that a pixel can name, then the wanted colour.
+// Black, dark gray, black up to the last entry that a pixel can refer to, then the requested color.
 Raster WithColorOutOfReach(TPixelFormat format, TColor color) {
   Raster raster(format, 9, 3);
   std::vector<tagPALETTEENTRY> entries(size_t{1} << StoredBitsPerPixel(format));

@@ -26,7 +26,7 @@ double MeanSquaredError(const Raster& a, const Raster& b) {
   return sum / (double{1} * a.Width() * a.Height());
 }
 
-// Error of the nearest colours of a fixed cube: 8 x 8 x 4 entries at 8 bits, 2 x 4 x 2 at 4 bits.
+// Error of the nearest colors of a fixed cube: 8 x 8 x 4 entries at 8 bits, 2 x 4 x 2 at 4 bits.
 double CubeError(const Raster& source, TPixelFormat format) {
   std::vector<tagPALETTEENTRY> cube;
   const int reds = format == pf8bit ? 8 : 2, greens = format == pf8bit ? 8 : 4;
@@ -61,7 +61,7 @@ TEST(Quantize, Should_BeExact_When_ColorsAreAsManyAsEntries) {
         EXPECT_EQ(result.palette.Count(), to == pf8bit ? 256 : 16);
         EXPECT_TRUE(test::PaddingIsZero(result));
         if (colors <= result.palette.Count()) {
-          EXPECT_TRUE(test::SameColors(source, result)) << colors << " colours";
+          EXPECT_TRUE(test::SameColors(source, result)) << colors << " colors";
         }
       }
     }
@@ -118,7 +118,7 @@ TEST(Quantize, Should_UseEveryEntry_When_ColorsAreJustTooMany) {
 }
 
 TEST(Quantize, Should_StaySmooth_When_PictureIsAGradientOfCloseColors) {
-  // 512 colours that differ by single steps: coarse boxes alone would make bands of eight.
+  // 512 colors that differ by single steps: coarse boxes alone would make bands of eight.
   Raster source(pf24bit, 512, 3);
   for (int y = 0; y < 3; ++y) {
     for (int x = 0; x < 512; ++x) {
@@ -142,7 +142,7 @@ TEST(Quantize, Should_BeMuchBetterThanACube) {
   }
 }
 
-// Larger than the net of pixels that chooses the palette, with a pattern as wide as its meshes.
+// Larger than the grid of sampled pixels, with a pattern of the same width as its cells.
 TEST(Quantize, Should_SeeAllColors_When_ALargePictureHasAPattern) {
   Raster source(pf24bit, 1300, 1000);
   std::mt19937 random(15);
@@ -158,7 +158,7 @@ TEST(Quantize, Should_SeeAllColors_When_ALargePictureHasAPattern) {
   EXPECT_LT(MeanSquaredError(source, ConvertRaster(source, pf8bit)), 20);
 }
 
-// So wide that the net's meshes are higher than the picture, or so high that they are wider.
+// So wide that the cells of the grid are higher than the picture, or so high that they are wider.
 TEST(Quantize, Should_SeeColors_When_ALargePictureIsALine) {
   std::mt19937 random(16);
   for (const bool isWide : {true, false}) {

@@ -10,7 +10,7 @@
 /// Drawing rows onto rows, a pixel at a time.
 namespace rasterkit::reference {
 
-/// The source position under the centre of a target pixel; nothing outside the stretched picture.
+/// The source position under the center of a target pixel; nothing outside the stretched picture.
 inline std::optional<int> SourcePosition(int target, int start, int end, int sourceSize) {
   const int low = std::min(start, end), high = std::max(start, end);
   if (target < low || target >= high) return std::nullopt;
@@ -39,7 +39,7 @@ inline int BlendChannel(int source, int target, int alpha) {
   return static_cast<int>(std::floor(source * a + target * (1 - a) + 0.5 + 1e-9));
 }
 
-/// The target after `source` was drawn into `place`. `key` must be a colour the source can hold.
+/// The target after `source` was drawn into `place`. `key` must be a color the source can hold.
 inline Raster Blit(const Raster& target, const PixelRect& place, const Raster& source,
                    std::optional<TColor> key) {
   Raster result = target.Clone();

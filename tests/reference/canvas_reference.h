@@ -8,7 +8,7 @@
 #include "tests/reference/blend.h"
 #include "tests/reference/blit_reference.h"
 
-/// Drawing a part of a picture onto another one, a pixel at a time, straight from the rules.
+/// Drawing a part of a picture onto another one, pixel by pixel, straight from the rules.
 namespace rasterkit::reference {
 
 enum class Way { copied, opaque, keyed, blended };
@@ -20,10 +20,10 @@ struct Manner {
   TColor key = 0;
 };
 
-/// Where the source pixel of a target pixel is; nothing where none is drawn.
+/// Position of the source pixel of a target pixel; no value if none is drawn.
 using SourceOf = std::function<std::optional<std::pair<int, int>>(int x, int y)>;
 
-/// What `drawn` makes of the pixel that is there; nothing when it stays.
+/// Result of `drawn` on a target pixel; no value if it stays.
 inline std::optional<ReferencePixel> Met(const ReferencePixel& there, ReferencePixel drawn,
                                          const Manner& manner) {
   switch (manner.way) {
@@ -74,7 +74,7 @@ inline Raster DrawBy(const Raster& target, const Raster& source, const SourceOf&
   return result;
 }
 
-/// The source position under the centre of a target position. `start` to `end` shows `partStart` to
+/// The source position under the center of a target position. `start` to `end` shows `partStart` to
 /// `partEnd`; a picture mirrored is the mirror image of the plain one.
 inline std::optional<int> PartPosition(int target, int start, int end, int partStart, int partEnd) {
   const int64_t low = std::min(start, end), high = std::max(start, end);
@@ -100,7 +100,7 @@ inline int64_t FloorOf(int64_t a, int64_t b) {
   return a / b - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0);
 }
 
-/// The parallelogram by Cramer's rule, all in doubled coordinates so that centres are whole. The
+/// The parallelogram by Cramer's rule, all in doubled coordinates so that centers are whole. The
 /// part must not be mirrored.
 inline Raster DrawParallelogram(const Raster& target, const std::array<PixelPoint, 3>& corners,
                                 const Raster& source, const PixelRect& part) {

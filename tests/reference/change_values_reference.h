@@ -7,7 +7,9 @@
 
 #include <rasterkit/graphics/bitmap.h>
 
-/// Sharpening and the shift of colours, written straight from the rules: pixel by pixel, from a
+#include "tests/reference/extended.h"
+
+/// Sharpening and the shift of colors, written straight from the rules: pixel by pixel, from a
 /// copy of the whole picture.
 namespace rasterkit::reference {
 
@@ -18,7 +20,7 @@ inline int ChannelOf(const TBitmap& bitmap, int x, int y, int channel) {
   return bitmap.ScanLine(row)[3 * column + channel];
 }
 
-inline bool HasFarNeighbour(const TBitmap& bitmap, int x, int y) {
+inline bool HasFarNeighbor(const TBitmap& bitmap, int x, int y) {
   for (int channel = 0; channel < 3; ++channel)
     for (int dy = -1; dy <= 1; ++dy)
       for (int dx = -1; dx <= 1; ++dx)
@@ -34,19 +36,17 @@ inline void Sharpen(TBitmap& bitmap, int32_t percent) {
   percent = std::clamp(percent, -100, 100);
   const auto copy = bitmap.Clone();
   // Per nine times the distance from the mean, in 1 / 32768.
-  const auto share = static_cast<int64_t>(
-      llrintl((percent > 0 ? 2.0L * percent : 1.0L * percent) / 100 / 9 * 32768));
+  const int64_t share = RoundEven(Extended(percent > 0 ? 2 * percent : percent) / 100 / 9 * 32768);
   for (int y = 0; y < bitmap.Height(); ++y)
     for (int x = 0; x < bitmap.Width(); ++x) {
-      if (!HasFarNeighbour(*copy, x, y)) continue;
+      if (!HasFarNeighbor(*copy, x, y)) continue;
       for (int channel = 0; channel < 3; ++channel) {
         const int value = ChannelOf(*copy, x, y, channel);
         int distance = 0;
         for (int dy = -1; dy <= 1; ++dy)
           for (int dx = -1; dx <= 1; ++dx)
             distance += value - ChannelOf(*copy, x + dx, y + dy, channel);
-        const auto change =
-            static_cast<int64_t>(floorl(static_cast<long double>(distance * share) / 32768 + 0.5L));
+        const int64_t change = (distance * share + 16384) >> 15;  // halves go up
         bitmap.ScanLine(y)[3 * x + channel] =
             static_cast<uint8_t>(std::clamp<int64_t>(value + change, 0, 255));
       }
@@ -57,12 +57,11 @@ inline void ShiftColors(TBitmap& bitmap, float red, float green, float blue) {
   if (bitmap.Width() == 0 || bitmap.Height() == 0) return;
   bitmap.SetPixelFormat(pf24bit);
   const auto shifted = [](uint8_t channel, float percent) {
-    const volatile long double quotient = percent / 100.0L;
-    const volatile float factor = static_cast<float>(quotient + 1.0L);
-    const long double product = channel * static_cast<long double>(factor);
+    const auto factor = static_cast<float>(Extended(percent) / 100 + 1);
+    const Extended product = channel * Extended(factor);
     if (product > 255) return uint8_t{255};
     if (product < 0) return uint8_t{0};
-    return static_cast<uint8_t>(llrintl(product));
+    return static_cast<uint8_t>(RoundEven(product));
   };
   for (int y = 0; y < bitmap.Height(); ++y)
     for (int x = 0; x < bitmap.Width(); ++x) {

@@ -5,6 +5,7 @@
 
 #include <rasterkit/raster/pixel_format.h>
 
+#include "tests/reference/extended.h"
 #include "tests/reference/gray.h"
 
 /// Brightness written straight from its rule: extended intermediates, singles where a value is
@@ -21,17 +22,16 @@ inline TColor ColorBrightness(TColor color, int32_t percent) {
   const uint32_t bits = color < 0 ? 0 : static_cast<uint32_t>(color);
   uint8_t channels[3] = {static_cast<uint8_t>(bits), static_cast<uint8_t>(bits >> 8),
                          static_cast<uint8_t>(bits >> 16)};
-  const volatile long double quotient = percent / 100.0L;
-  const volatile float f = static_cast<float>(1.0L + quotient);
-  const volatile float d = static_cast<float>(static_cast<long double>(f) - 1.0L);
+  const auto f = static_cast<float>(1 + Extended(percent) / 100);
+  const auto d = static_cast<float>(Extended(f) - 1);
   const int gray = GrayInWholeNumbers(channels[0], channels[1], channels[2]);
-  const auto lift = static_cast<int64_t>((255 - gray) * static_cast<long double>(d));
+  const auto lift = static_cast<int64_t>((255 - gray) * Extended(d));
   for (uint8_t& channel : channels) {
-    const volatile long double product = channel * static_cast<long double>(f);
+    const Extended product = channel * Extended(f);
     if (percent < 0) {
-      channel = static_cast<uint8_t>(llrintl(product) & 0xFF);
+      channel = static_cast<uint8_t>(RoundEven(product) & 0xFF);
     } else {
-      channel = ClampToByte(static_cast<float>(product + static_cast<long double>(lift)));
+      channel = ClampToByte(static_cast<float>(product + lift));
     }
   }
   return RGB(channels[0], channels[1], channels[2]);

@@ -4,7 +4,7 @@
 #include "tests/reference/halftone_reference.h"
 #include "tests/reference/pixel_transfer_reference.h"
 
-/// Bitmaps laid over one another and resampled, straight from the rules.
+/// Composing and resizing of bitmaps, straight from the rules.
 namespace rasterkit::reference {
 
 inline PixelRect WholeOf(const TBitmap& bitmap) {
@@ -41,7 +41,7 @@ inline Raster CombineBitmapsTransparent(TBitmap& target, TBitmap& source, uint8_
 }
 
 /// A picture of the new size. The palette stays with its indexes; 32-bit pictures keep their alpha,
-/// by which their colours are weighted.
+/// by which their colors are weighted.
 inline Raster ResizeBitmap(const TBitmap& bitmap, int width, int height, bool keepFormat) {
   const TPixelFormat format = keepFormat ? bitmap.PixelFormat() : pf32bit;
   Raster resized(format, width, height);

@@ -9,6 +9,7 @@
 #include <rasterkit/runtime/files/stream.h>
 
 #include "tests/reference/color.h"
+#include "tests/reference/extended.h"
 #include "tests/reference/gray.h"
 
 /// Composition of bitmaps written straight from its rules, slow and obvious.
@@ -51,13 +52,13 @@ inline void SwapAlpha(TBitmap& bitmap) {
 
 /// The mirror by its parallelogram: upper-left (w - 1, 0), upper-right (0, 0), lower-left (w - 1,
 /// h - 1), or the same standing on its head; the source is one pixel short both ways. A target
-/// pixel is written when its centre lies inside, from the source pixel that its centre falls into.
+/// pixel is written when its center lies inside, from the source pixel that its center falls into.
 inline void SwapBitmap(bool horizontal, TBitmap& bitmap) {
   const std::unique_ptr<TBitmap> copy = bitmap.Clone();
   const int w = bitmap.Width(), h = bitmap.Height();
   for (int y = 0; y < h; ++y) {
     for (int x = 0; x < w; ++x) {
-      // Pixel centres, counted in halves of a pixel.
+      // Pixel centers, counted in halves of a pixel.
       const int u = horizontal ? 2 * (w - 1) - (2 * x + 1) : 2 * x + 1;
       const int v = horizontal ? 2 * y + 1 : 2 * (h - 1) - (2 * y + 1);
       if (u < 0 || v < 0 || u >= 2 * (w - 1) || v >= 2 * (h - 1)) continue;
@@ -66,22 +67,17 @@ inline void SwapBitmap(bool horizontal, TBitmap& bitmap) {
   }
 }
 
-/// One channel of a pixel of grey `gray` under a watermark of strength `v`; extended arithmetic,
+/// One channel of a pixel of gray `gray` under a watermark of strength `v`; extended arithmetic,
 /// singles where a value is stored or handed over as single.
 inline uint8_t WatermarkedChannel(uint8_t c, uint8_t gray, uint8_t v) {
   if (v >= 250) return c;
   if (gray <= 127) {
-    const volatile long double quotient = v / 255.0L;
-    const volatile float f = static_cast<float>(1.0L - quotient);
-    const volatile long double rise = (255 - c) * static_cast<long double>(f);
-    return ClampToByte(static_cast<float>(c + rise));
+    const auto f = static_cast<float>(1 - Extended(v) / 255);
+    return ClampToByte(static_cast<float>(c + (255 - c) * Extended(f)));
   }
-  const volatile long double quotient = gray / 255.0L;
-  const volatile long double above = quotient - 0.5L;
-  const volatile long double product = above * (255 - v);
-  const volatile long double sum = product + v;
-  const volatile float f = static_cast<float>(sum / 255);
-  return static_cast<uint8_t>(llrintl(c * static_cast<long double>(f)));
+  const Extended above = Extended(gray) / 255 - 0.5;
+  const auto f = static_cast<float>((above * (255 - v) + v) / 255);
+  return static_cast<uint8_t>(RoundEven(c * Extended(f)));
 }
 
 inline std::unique_ptr<TBitmap> WaterMarkedBitmap(const TGraphic& graphic, TBitmap& watermark) {
@@ -90,14 +86,13 @@ inline std::unique_ptr<TBitmap> WaterMarkedBitmap(const TGraphic& graphic, TBitm
   result->SetPixelFormat(pf24bit);
   watermark.SetPixelFormat(pf8bit);
   if (watermark.Empty() || result->Empty()) return result;
-  const auto sx = static_cast<float>(static_cast<long double>(watermark.Width()) / result->Width());
-  const auto sy =
-      static_cast<float>(static_cast<long double>(watermark.Height()) / result->Height());
+  const auto sx = static_cast<float>(Extended(watermark.Width()) / result->Width());
+  const auto sy = static_cast<float>(Extended(watermark.Height()) / result->Height());
   for (int y = 0; y < result->Height(); ++y) {
-    const uint8_t* mark = watermark.ScanLine(static_cast<int>(y * static_cast<long double>(sy)));
+    const uint8_t* mark = watermark.ScanLine(static_cast<int>(y * Extended(sy)));
     auto* row = reinterpret_cast<RGBrec*>(result->ScanLine(y));
     for (int x = 0; x < result->Width(); ++x) {
-      const uint8_t index = mark[static_cast<int>(x * static_cast<long double>(sx))];
+      const uint8_t index = mark[static_cast<int>(x * Extended(sx))];
       const uint8_t v = watermark.Palette().Entry(index).peRed;
       const uint8_t gray = GrayInWholeNumbers(row[x].r, row[x].g, row[x].b);
       row[x].b = WatermarkedChannel(row[x].b, gray, v);

@@ -7,8 +7,10 @@
 
 #include <rasterkit/raster/raster.h>
 
+#include "tests/reference/gray.h"
+
 /// Conversions between pixel formats written straight from their rules, a pixel at a time. Adaptive
-/// palettes are left out: which colours they choose is no rule.
+/// palettes are left out: which colors they choose is no rule.
 namespace rasterkit::reference {
 
 struct ReferencePixel {
@@ -99,8 +101,8 @@ inline void WritePixel(Raster& raster, int x, int y, const ReferencePixel& pixel
 }
 
 inline int Gray(const ReferencePixel& pixel) {
-  const long double sum = pixel.red * 0.297L + pixel.green * 0.589L + pixel.blue * 0.114L;
-  return static_cast<int>(sum);
+  return GrayInExtended(static_cast<uint8_t>(pixel.red), static_cast<uint8_t>(pixel.green),
+                        static_cast<uint8_t>(pixel.blue));
 }
 
 inline int ColorNumber(const ReferencePixel& p) {
@@ -197,7 +199,7 @@ class Conversion {
     return {0, number / 65536, number / 256 % 256, number % 256, 255};
   }
 
-  // Darker first; a single colour beside the opposite of black and white.
+  // Darker first; a single color beside the opposite of black and white.
   static void ArrangeTwo(std::vector<int>& colors) {
     if (colors.size() == 1) colors.push_back(Gray(FromNumber(colors[0])) > 127 ? 0 : 0xFFFFFF);
     const auto weight = [](int number) {

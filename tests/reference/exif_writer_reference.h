@@ -53,7 +53,7 @@ inline std::string SaveExif(const TImageData& image) {
   return bytes;
 }
 
-/// Place, from 0, of the picture data in a JPEG file.
+/// Position, from 0, of the picture data in a JPEG file.
 inline int64_t PictureDataPlace(const std::string& jpeg) {
   const auto byteAt = [&jpeg](int64_t place) {
     const std::string byte = Copy(jpeg, place + 1, 1);

@@ -8,7 +8,7 @@
 #include "tests/reference/gray.h"
 #include "tests/reference/palettes.h"
 
-/// Grey and monochrome conversion written straight from the rules, slow and obvious: through a
+/// Gray and monochrome conversion written straight from the rules, slow and obvious: through a
 /// 24-bit copy of the whole bitmap.
 namespace rasterkit::reference {
 

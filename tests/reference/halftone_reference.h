@@ -4,14 +4,14 @@
 
 #include "tests/reference/canvas_reference.h"
 
-/// Halftone stretching, a pixel at a time: every source pixel is asked for its weight.
+/// Halftone stretching, pixel by pixel: every source pixel gets its weight.
 namespace rasterkit::reference {
 
-/// How much source position `j` of `size` weighs for target position `i` of `length`; for each
-/// target position the weights add up to HalftoneTotal.
+/// Weight of source position `j` of `size` for target position `i` of `length`. The weights of a
+/// target position add up to HalftoneTotal.
 inline int64_t HalftoneWeight(int64_t i, int64_t length, int64_t j, int64_t size) {
   if (length <= size) {
-    // Both cut into size * length pieces: what the two have in common.
+    // Overlap of the two, in units of 1 / (size * length).
     const int64_t from = std::max(i * size, j * length);
     const int64_t to = std::min((i + 1) * size, (j + 1) * length);
     return std::max<int64_t>(to - from, 0);

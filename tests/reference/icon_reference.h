@@ -3,7 +3,7 @@
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
 
-/// What the colours of an icon made of a bitmap are, a pixel at a time.
+/// What the colors of an icon made of a bitmap are, a pixel at a time.
 namespace rasterkit::reference {
 
 /// `bitmap` must not be transparent and must have pixels, also in its half.

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-/// Nearest colours as the rule reads: least sum of squared channel differences, the first among
+/// Nearest colors as the rule reads: least sum of squared channel differences, the first among
 /// equals.
 namespace rasterkit::reference {
 

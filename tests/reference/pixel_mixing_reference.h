@@ -4,9 +4,10 @@
 #include <cstdint>
 
 #include "tests/reference/color.h"
+#include "tests/reference/extended.h"
 #include "tests/reference/gray.h"
 
-/// What contrast, brightness and the mixing modes make of a colour, written straight from the
+/// What contrast, brightness and the mixing modes make of a color, written straight from the
 /// rules: extended intermediates, singles where a value is stored as single.
 namespace rasterkit::reference {
 
@@ -14,28 +15,22 @@ struct Bgr {
   uint8_t b = 0, g = 0, r = 0;
 };
 
-inline int64_t RoundEven(long double x) {
-  return llrintl(x);
-}
-inline int64_t TruncToZero(long double x) {
+inline int64_t TruncToZero(Extended x) {
   return static_cast<int64_t>(x);
 }
 
 /// `Percent / 100 + 1`, stored as single.
 inline float FactorOf(int32_t percent) {
-  const volatile long double quotient = percent / 100.0L;
-  const volatile float factor = static_cast<float>(quotient + 1.0L);
-  return factor;
+  return static_cast<float>(Extended(percent) / 100 + 1);
 }
 
 inline float FactorMinusOne(float factor) {
-  const volatile float weight = static_cast<float>(static_cast<long double>(factor) - 1.0L);
-  return weight;
+  return static_cast<float>(Extended(factor) - 1);
 }
 
 inline uint8_t ContrastOf(uint8_t channel, int32_t value) {
   const float factor = FactorOf(value);
-  const int64_t v = RoundEven((channel - 128) * static_cast<long double>(factor)) + 128;
+  const int64_t v = RoundEven((channel - 128) * Extended(factor)) + 128;
   if (v > 255) return 255;
   if (v < 0) return 0;
   return static_cast<uint8_t>(v);
@@ -49,9 +44,7 @@ inline bool IsNotBlackOrWhite(uint8_t r, uint8_t g, uint8_t b) {
 
 /// channel * factor + add as a single, rounded and cut.
 inline uint8_t Lifted(uint8_t channel, float factor, int64_t add) {
-  const volatile long double product = channel * static_cast<long double>(factor);
-  const volatile float sum = static_cast<float>(product + static_cast<long double>(add));
-  return ClampToByte(sum);
+  return ClampToByte(static_cast<float>(channel * Extended(factor) + add));
 }
 
 /// For percentages from -100 to 100 but 0.
@@ -60,11 +53,11 @@ inline Bgr BrightnessOf(Bgr color, int32_t value) {
   const float weight = FactorMinusOne(factor);
   if (value < 0) {
     for (uint8_t* channel : {&color.b, &color.g, &color.r})
-      *channel = static_cast<uint8_t>(RoundEven(*channel * static_cast<long double>(factor)));
+      *channel = static_cast<uint8_t>(RoundEven(*channel * Extended(factor)));
     return color;
   }
   const int gray = GrayInWholeNumbers(color.r, color.g, color.b);
-  const int64_t add = TruncToZero((255 - gray) * static_cast<long double>(weight));
+  const int64_t add = TruncToZero((255 - gray) * Extended(weight));
   for (uint8_t* channel : {&color.b, &color.g, &color.r}) *channel = Lifted(*channel, factor, add);
   return color;
 }
@@ -74,14 +67,12 @@ struct TransparentWeights {
   float f;
 };
 inline TransparentWeights TransparentWeightsOf(int32_t percent) {
-  const volatile long double quotient = percent / 100.0L;
-  const volatile float f = static_cast<float>(1.0L - quotient);
-  return {f};
+  return {static_cast<float>(1 - Extended(percent) / 100)};
 }
 
 inline uint8_t MixTransparent(uint8_t target, uint8_t source, float f) {
-  const int64_t kept = TruncToZero((1.0L - static_cast<long double>(f)) * target);
-  const int64_t added = RoundEven(source * static_cast<long double>(f));
+  const int64_t kept = TruncToZero((1 - Extended(f)) * target);
+  const int64_t added = RoundEven(source * Extended(f));
   return static_cast<uint8_t>((kept + added) & 0xFF);
 }
 
@@ -95,9 +86,8 @@ inline Bgr MixTransparent(Bgr t, Bgr s, int32_t percent, bool useGray) {
 
 /// Round(source * (shade / 255)), the quotient in extended precision or stored as single.
 inline uint8_t Shaded(uint8_t source, uint8_t shade, bool quotientIsSingle) {
-  const volatile long double quotient = shade / 255.0L;
-  const volatile float single = static_cast<float>(quotient);
-  const long double k = quotientIsSingle ? static_cast<long double>(single) : quotient;
+  const Extended quotient = Extended(shade) / 255;
+  const Extended k = quotientIsSingle ? Extended(static_cast<float>(quotient)) : quotient;
   return static_cast<uint8_t>(RoundEven(source * k));
 }
 
@@ -105,7 +95,7 @@ inline Bgr MixShadow(Bgr t, Bgr s, int32_t percent, bool useGray) {
   const float fproz = FactorOf(percent);
   const float f = FactorMinusOne(fproz);
   const uint8_t gray = GrayInWholeNumbers(t.r, t.g, t.b);
-  const int64_t add = TruncToZero((255 - gray) * static_cast<long double>(f));
+  const int64_t add = TruncToZero((255 - gray) * Extended(f));
   if (useGray) {
     const uint8_t shade = Lifted(gray, fproz, add);
     return {Shaded(s.b, shade, true), Shaded(s.g, shade, true), Shaded(s.r, shade, true)};

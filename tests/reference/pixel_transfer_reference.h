@@ -20,8 +20,8 @@ using Bands = std::vector<std::pair<int64_t, int64_t>>;
 
 /// How so many rows are divided among so many threads (which must suffice).
 inline Bands BandsOf(int32_t threads, int32_t rows) {
-  if (rows < threads / 4.0L) threads = static_cast<int32_t>(llrintl(rows / 4.0L));
-  const int64_t step = llrintl(static_cast<long double>(rows) / threads);
+  if (rows < Extended(threads) / 4) threads = static_cast<int32_t>(RoundEven(Extended(rows) / 4));
+  const int64_t step = RoundEven(Extended(rows) / threads);
   Bands bands;
   for (int32_t i = 0; i < threads; ++i)
     bands.emplace_back(i * step, i + 1 == threads ? rows : (i + 1) * step);
@@ -133,8 +133,7 @@ class TransferWorker {
 
   static int64_t Scaled(int64_t distance, int targetSize, int sourceSize) {
     const double scale = static_cast<double>(sourceSize) / targetSize;
-    const volatile long double product = static_cast<long double>(distance) * scale;
-    return llrintl(product);
+    return RoundEven(Extended(distance) * scale);
   }
 
   bool Is4Bit(const TBitmap& bitmap) const { return bitmap.PixelFormat() == pf4bit; }
@@ -259,7 +258,7 @@ class TransferWorker {
       Put(tar_, tarBytes_, x, {0, 0, 0});
     } else {
       const uint8_t index = srcBytes_ == 1 ? src_[sx_] : (sx_ % 2 == 0 ? srcLeft_ : srcRight_);
-      // What an overwritten colour of a table was is nobody's pixel.
+      // An overwritten entry of the palette is not a pixel.
       if (t_.mode != pmOverwrite) Mix(x, EntryOf(srcPalette_, index));
     }
   }

@@ -1,5 +1,6 @@
-// Prints the list in rasterkit/kernels/gray/gray_exceptions.cpp: the pairs red * 256 + green for which a blue
-// exists that makes the grey value's exact sum whole while the extended sum lies just below it.
+// Prints the list in rasterkit/kernels/gray/gray_exceptions.cpp: the pairs red * 256 + green for
+// which a blue exists that makes the gray value's exact sum whole while the extended sum lies just
+// below it.
 #include <cstdio>
 
 #include "tests/reference/gray.h"

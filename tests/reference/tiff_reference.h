@@ -8,10 +8,10 @@
 
 #include "tests/support/tiff_file.h"
 
-/// What the pixels of a TIFF file are worth, one by one, straight from the meaning of its tags.
+/// Colors of the pixels of a TIFF file, one by one, straight from the meaning of its tags.
 namespace rasterkit::reference {
 
-/// The tags that say what a pixel's numbers mean.
+/// Tags that define the meaning of a pixel's numbers.
 struct TiffMeaning {
   uint16_t bits = 8, sampleFormat = 1, photometric = 1;
   std::vector<uint16_t> extraSamples;
@@ -56,7 +56,7 @@ inline uint8_t TiffByte(long double share) {
   return static_cast<uint8_t>(std::floor(share * 255 + 0.5L));
 }
 
-/// B, G, R, A of a pixel of grey, RGB, inks or a palette; alpha 255 without an alpha sample.
+/// B, G, R, A of a pixel of gray, RGB, inks or a palette; alpha 255 without an alpha sample.
 /// `number` tells the value of each of its samples.
 template <typename Number>
 std::array<uint8_t, 4> TiffPixel(const TiffMeaning& meaning, const Number& number) {

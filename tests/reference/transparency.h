@@ -29,7 +29,7 @@ inline uint8_t GrayOfWord565(uint16_t word) {
   return GrayInWholeNumbers(red, green, blue);
 }
 
-/// Both recolouring operations; `isMeant` is asked about the grey of each pixel.
+/// Both recoloring operations; `isMeant` is asked about the gray of each pixel.
 template <class IsMeant>
 void SetColorByGray(TBitmap& bitmap, bool handles16, IsMeant isMeant, uint8_t red, uint8_t green,
                     uint8_t blue, uint8_t alpha) {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-/// The rule, a pixel at a time: what is fully transparent becomes opaque white.
+/// The rule, pixel by pixel: fully transparent pixels become opaque white.
 namespace rasterkit::reference {
 
 inline std::vector<uint8_t> Whitened(std::vector<uint8_t> bgra) {

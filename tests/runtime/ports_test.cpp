@@ -15,8 +15,8 @@ class PortsTest : public testing::Test {
   void TearDown() override { HostPorts() = Ports(); }
 };
 
-TEST_F(PortsTest, EmptyPorts_AnswerAsACancelledDialogAndShowNothing) {
-  ShowMessage("nobody sees this");
+TEST_F(PortsTest, EmptyPorts_AnswerAsACanceledDialogAndShowNothing) {
+  ShowMessage("never shown");
   PictureFileDialog dialog;
   dialog.FileName = "a.bmp";
   EXPECT_FALSE(ExecutePictureFileDialog(dialog));

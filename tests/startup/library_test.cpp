@@ -14,7 +14,7 @@ TEST(LibraryTest, LoadedByTheSystem_HasStartedUp) {
   EXPECT_EQ(InitializationCount(Unit::Bitmaptools), 1);
 }
 
-TEST(LibraryTest, HostThatInitialisesToo_MayFinaliseAgain) {
+TEST(LibraryTest, HostThatInitializesToo_MayFinalizeAgain) {
   Initialize();
   Finalize();
   EXPECT_NE(TPicture::CreateForExtension(".jpg"), nullptr);

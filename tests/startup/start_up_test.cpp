@@ -34,7 +34,7 @@ int RegistrationsOf(const std::string& extension) {
                     [&](const TPicture::Format& format) { return format.extension == extension; }));
 }
 
-TEST(StartUpTest, Loading_InitialisesEachUnitOnce) {
+TEST(StartUpTest, Loading_InitializesEachUnitOnce) {
   for (const Unit unit : kUnits) EXPECT_EQ(InitializationCount(unit), 1);
 }
 
@@ -69,7 +69,7 @@ TEST(StartUpTest, RegisteredFormats_LoadATiff) {
   EXPECT_EQ(bitmap->PixelColor(1, 0), RGB(4, 5, 6));
 }
 
-TEST(StartUpTest, InitialisedTwice_RegistersOnceAndNeedsTwoFinalisations) {
+TEST(StartUpTest, InitializedTwice_RegistersOnceAndNeedsTwoFinalizations) {
   Initialize();
   EXPECT_EQ(InitializationCount(Unit::Bitmaptools), 2);
   EXPECT_EQ(RegistrationsOf("JPG"), 1);
@@ -85,7 +85,7 @@ TEST(StartUpTest, InitialisedTwice_RegistersOnceAndNeedsTwoFinalisations) {
   EXPECT_EQ(InitializationCount(Unit::Savedlgext), 1);
 }
 
-TEST(StartUpTest, FinalisedTooOften_StaysAtZero) {
+TEST(StartUpTest, FinalizedTooOften_StaysAtZero) {
   Finalize();
   Finalize();
   Finalize();

@@ -30,8 +30,8 @@ std::vector<uint8_t> BmpFile::Head() const {
   Put(bytes, kInfo + 6 + 2 * sizeBytes, 2, bits);
   if (isCore) return bytes;
   Put(bytes, kInfo + 16, 4, compression);
-  Put(bytes, kInfo + 24, 4, static_cast<uint32_t>(pixelsPerMetreX));
-  Put(bytes, kInfo + 28, 4, static_cast<uint32_t>(pixelsPerMetreY));
+  Put(bytes, kInfo + 24, 4, static_cast<uint32_t>(pixelsPerMeterX));
+  Put(bytes, kInfo + 28, 4, static_cast<uint32_t>(pixelsPerMeterY));
   Put(bytes, kInfo + 32, 4, colorsUsed);
   for (size_t i = 0; i < masks.size(); ++i) Put(bytes, kInfo + 40 + 4 * i, 4, masks[i]);
   return bytes;

@@ -14,7 +14,7 @@ struct BmpFile {
   int32_t width = 1, height = 1;
   uint16_t bits = 24;
   uint32_t compression = 0;
-  int32_t pixelsPerMetreX = 0, pixelsPerMetreY = 0;
+  int32_t pixelsPerMeterX = 0, pixelsPerMeterY = 0;
   uint32_t colorsUsed = 0;
   /// Red, green, blue, alpha, as far as given: within the header, or behind one that is too short.
   std::vector<uint32_t> masks = {};

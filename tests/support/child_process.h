@@ -21,7 +21,7 @@ int RunInChild(Work work) {
 }
 
 /// As a full disk: the system refuses every byte of a file from `bytes` on. For a child process.
-inline void LimitFileSize(uint64_t bytes) {
+inline void LimitFileSize(rlim_t bytes) {
   std::signal(SIGXFSZ, SIG_IGN);
   const rlimit limit{bytes, bytes};
   setrlimit(RLIMIT_FSIZE, &limit);

@@ -16,7 +16,7 @@ struct IcoPicture {
 
 /// A picture as an icon holds it: info header, palette, rows from bottom to top, mask. The raster
 /// has 1, 4, 8, 24 or 32 bits; the mask (1-bit, of the same size) may be absent, and then the
-/// header states the colours alone when `stateBoth` is not set.
+/// header states the colors alone when `stateBoth` is not set.
 IcoPicture IcoBitmap(const Raster& colors, const Raster* mask, bool stateBoth = true);
 
 /// A PNG file as a picture.

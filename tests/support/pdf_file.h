@@ -19,7 +19,7 @@ struct PdfPageText {
 /// Helvetica.
 std::string PdfText(const std::vector<PdfPageText>& pages);
 
-/// A filled rectangle in the colour "R G B", each from 0 to 1, as a page's content.
+/// A filled rectangle in the color "R G B", each from 0 to 1, as a page's content.
 std::string PdfRectangle(const std::string& color, double x, double y, double width, double height);
 
 /// One page of an inch with a red rectangle of half an inch at its lower left, encrypted with a key

@@ -21,10 +21,10 @@ struct PlainTiff {
   std::string rows = {};
   /// All reds, then greens, then blues, of 16 bits.
   std::vector<uint16_t> colorMap = {};
-  /// What samples beyond the colours mean: 0 nothing, 1 associated alpha, 2 unassociated alpha.
+  /// What samples beyond the colors mean: 0 nothing, 1 associated alpha, 2 unassociated alpha.
   std::vector<uint16_t> extraSamples = {};
   ByteOrder order = ByteOrder::intel;
-  /// 1 to 8; 6 asks for a quarter turn clockwise.
+  /// 1 to 8; 6 is a quarter turn clockwise.
   uint16_t orientation = 1;
 };
 

@@ -20,7 +20,7 @@ inline ColorProfile RgbProfile() {
   return SavedProfile(cmsCreate_sRGBProfile());
 }
 
-/// A true ICC profile for greys.
+/// A true ICC profile for grays.
 inline ColorProfile GrayProfile() {
   cmsToneCurve* curve = cmsBuildGamma(nullptr, 2.2);
   const ColorProfile profile = SavedProfile(cmsCreateGrayProfile(cmsD50_xyY(), curve));

@@ -17,7 +17,7 @@ inline pid_t ThisThread() {
   return gettid();
 }
 
-/// 'R' while the thread runs or wants to, 'S' while it sleeps in the system.
+/// 'R' while the thread runs or is ready to run, 'S' while it sleeps in the system.
 inline char ThreadState(pid_t thread) {
   std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
   std::string line;

@@ -5,7 +5,7 @@
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/raster/raster.h>
 
-/// Pictures made by rule, in every format. Ask for odd and unequal sizes.
+/// Generated pictures in every format. Use odd and unequal sizes.
 namespace rasterkit::test {
 
 inline constexpr TPixelFormat kEveryFormat[] = {pf1bit,  pf4bit,  pf8bit, pf15bit,
@@ -18,11 +18,11 @@ Raster GradientRaster(TPixelFormat format, int width, int height);
 /// Every bit random (with a random palette of 2, 16 or 256 entries); the padding is zero.
 Raster RandomRaster(TPixelFormat format, int width, int height, std::mt19937& random);
 
-/// Every pixel one of `colors` random colours; pf24bit or pf32bit.
+/// Every pixel one of `colors` random colors; pf24bit or pf32bit.
 Raster FewColorsRaster(TPixelFormat format, int width, int height, int colors,
                        std::mt19937& random);
 
-/// 8-bit with the grey ramp, values that rise with x and y.
+/// 8-bit with the gray ramp, values that rise with x and y.
 Raster GrayRaster(int width, int height);
 
 HPALETTE RandomPalette(int count, std::mt19937& random);

@@ -30,8 +30,8 @@ struct TiffFile {
   std::vector<uint16_t> colorMap;
   /// Sets further tags before the pixels are written.
   std::function<void(TIFF*)> setTags;
-  /// Rows of all samples together, or those of one plane behind those of the other; whole bytes a
-  /// row, words in the processor's order.
+  /// Rows of interleaved samples, or planes one after another. Each row takes whole bytes; words
+  /// are in the processor's byte order.
   std::vector<uint8_t> pixels;
   /// Strips as they go to the file, instead of the pixels.
   std::vector<std::vector<uint8_t>> packedStrips;
@@ -47,7 +47,7 @@ struct TiffFile {
 /// Strips as they lie in a file of one plane that libtiff can read.
 std::vector<std::vector<uint8_t>> PackedStrips(const std::vector<uint8_t>& bytes);
 
-/// The samples as libtiff alone unpacks them, arranged as `TiffFile::pixels`; those of JPEG colours
+/// The samples as libtiff alone unpacks them, arranged as `TiffFile::pixels`; those of JPEG colors
 /// as RGB. `file` says how they lie.
 std::vector<uint8_t> SamplesByLibrary(const TiffFile& file, const std::vector<uint8_t>& bytes);
 

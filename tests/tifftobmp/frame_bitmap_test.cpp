@@ -73,7 +73,7 @@ ImagingFrame Copy(const ImagingFrame& frame) {
   return copy;
 }
 
-/// The picture that a copy of the frame gives.
+/// Picture from a copy of the frame.
 std::unique_ptr<TBitmap> PictureOf(const ImagingFrame& frame) {
   return BitmapOfFrame(Copy(frame), ReadMode::picture).bitmap;
 }
@@ -144,7 +144,7 @@ TEST_P(FrameBitmapOf, ResolutionAndProfile_Should_TravelAlong) {
   }
 }
 
-TEST_P(FrameBitmapOf, ColourMarkedAsTransparent_Should_StayVisible) {
+TEST_P(FrameBitmapOf, ColorMarkedAsTransparent_Should_StayVisible) {
   ImagingFrame frame = Frame(GetParam());
   frame.rows.transparentColor = RGB(1, 2, 3);
   const auto bitmap = PictureOf(frame);
@@ -192,7 +192,7 @@ TEST(FrameBitmapNumbers, Floats_Should_ArriveBitForBit) {
   }
 }
 
-TEST(FrameBitmapNumbers, FifteenBitColours_Should_BeTakenAs16BitWords) {
+TEST(FrameBitmapNumbers, FifteenBitColors_Should_BeTakenAs16BitWords) {
   ImagingFrame frame;
   frame.format = GUID_WICPixelFormat16bppBGR555;
   frame.rows = GradientRaster(pf15bit, 13, 7);
@@ -273,7 +273,7 @@ TEST(FrameBitmapPalette, BlackWhiteFrame_Should_ShowItsOnesWhite) {
   }
 }
 
-TEST(FrameBitmapPalette, ColourFrame_Should_HaveNone) {
+TEST(FrameBitmapPalette, ColorFrame_Should_HaveNone) {
   for (const WICPixelFormat format :
        {GUID_WICPixelFormat16bppGray, GUID_WICPixelFormat24bppBGR, GUID_WICPixelFormat32bppBGRA}) {
     ImagingFrame frame = Frame(format);
@@ -306,7 +306,7 @@ TEST(FrameBitmapAlpha, ClearPixels_Should_BecomeOpaqueWhite_InPictures) {
   EXPECT_EQ(bitmap->AlphaFormat(), afDefined);
 }
 
-TEST(FrameBitmapAlpha, ClearPixels_Should_KeepTheirColours_When_TheFrameWasConverted) {
+TEST(FrameBitmapAlpha, ClearPixels_Should_KeepTheirColors_When_TheFrameWasConverted) {
   ImagingFrame frame = AlphaFrame(GUID_WICPixelFormat32bppBGRA);
   frame.isConverted = true;
   const auto bitmap = PictureOf(frame);
@@ -320,7 +320,7 @@ TEST(FrameBitmapAlpha, FourthByte_Should_MeanNothing_When_TheFormatHasNoAlpha) {
   EXPECT_EQ(Bytes(*bitmap), (std::vector<uint8_t>{1, 2, 3, 0, 4, 5, 6, 1}));
 }
 
-TEST(FrameBitmapAlpha, ColoursWithAlpha_Should_GiveNoRaster) {
+TEST(FrameBitmapAlpha, ColorsWithAlpha_Should_GiveNoRaster) {
   EXPECT_EQ(BitmapOfFrame(AlphaFrame(GUID_WICPixelFormat32bppBGRA), ReadMode::raster).bitmap,
             nullptr);
 }

@@ -1,4 +1,4 @@
-// Real GeoTIFF and TIFF files: which of them are grids, and that their numbers arrive to the bit.
+// Real GeoTIFF and TIFF files: which of them are grids, and that their numbers are bit-exact.
 
 #include <cstdio>
 #include <cstring>
@@ -19,7 +19,7 @@ namespace {
 
 using test::CorpusEntry;
 
-/// "key=value; " in the facts of an entry; empty when the key is not there.
+/// "key=value; " in the facts of an entry; empty if there is no such key.
 std::string Fact(const CorpusEntry& entry, const std::string& key) {
   const std::string facts = "; " + entry.at("facts") + "; ";
   const size_t place = facts.find("; " + key + "=");
@@ -33,8 +33,7 @@ bool HasOnlyOneMeaningfulSample(const CorpusEntry& entry) {
          Fact(entry, "extra_samples").find("alpha") == std::string::npos;
 }
 
-/// How the file's numbers are to be read; nothing for pairs of numbers and for depths between the
-/// usual ones.
+/// Format of the file's numbers; no value for pairs of numbers and for unusual depths.
 std::optional<TWICFloatFormat> ExpectedFloatFormat(const CorpusEntry& entry) {
   if (!HasOnlyOneMeaningfulSample(entry)) return ffNoFloat;
   const std::string bits = entry.at("bits").substr(0, entry.at("bits").find('x'));
@@ -54,7 +53,7 @@ struct Grid {
   TWICFloatFormat floatFormat = ffNoFloat;
 };
 
-/// Nothing when the file was refused.
+/// No value if the file was rejected.
 std::optional<Grid> Read(const std::string& fileName) {
   Grid grid;
   try {
@@ -106,7 +105,7 @@ TEST_P(GeoTiffCorpus, Grids_Should_BeTold_From_Pictures) {
   EXPECT_GE(pictures, 10);
 }
 
-/// The first band as the independent reader sees it: rows of samples, little-endian.
+/// The first band as another reader decodes it: rows of samples, little-endian.
 std::string RawBand(const std::string& fileName, const test::TempFolder& folder) {
   const std::string raw = folder / "band";
   const std::string command =

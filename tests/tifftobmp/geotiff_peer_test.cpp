@@ -1,5 +1,5 @@
-// Files that are written here as other programs read them: the same pixels, the same place. A
-// development test, skipped where a program is absent.
+// Files written here, read by other programs: the same pixels and position. A development test,
+// skipped if a program is missing.
 
 #include <cstdio>
 #include <cstdlib>
@@ -25,7 +25,12 @@ bool IsInstalled(const std::string& program) {
   return std::system(("command -v " + program + " >/dev/null 2>&1").c_str()) == 0;
 }
 
-/// What a command prints, warnings included.
+/// True if a command succeeds.
+bool Works(const std::string& command) {
+  return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+/// Output of a command, warnings included.
 std::string OutputOf(const std::string& command) {
   std::string text;
   FILE* pipe = popen((command + " 2>&1").c_str(), "r");
@@ -48,7 +53,7 @@ class GeoTiffPeer : public testing::Test {
   const std::string name_ = folder_ / "a.tif";
 };
 
-/// All numbers behind a heading, as many as asked for.
+/// The requested number of numbers behind a heading.
 std::vector<double> NumbersBehind(const std::string& text, const std::string& heading,
                                   size_t count) {
   std::vector<double> numbers;
@@ -121,7 +126,7 @@ TEST_F(GeoTiffPeer, Tiffinfo_Should_HaveNothingToComplainAbout) {
   }
 }
 
-/// The colours of every pixel, four bytes R G B A each.
+/// The colors of every pixel, four bytes R G B A each.
 std::string Colors(const Raster& raster) {
   std::string bytes;
   for (int y = 0; y < raster.Height(); y++) {
@@ -136,7 +141,7 @@ std::string Colors(const Raster& raster) {
 }
 
 TEST_F(GeoTiffPeer, ImageMagick_Should_SeeTheSamePixels) {
-  if (!IsInstalled("convert")) GTEST_SKIP() << "ImageMagick is not installed";
+  if (!Works("convert -version")) GTEST_SKIP() << "ImageMagick is not installed";
   const unsigned seed = std::random_device{}();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937 random(seed);

@@ -23,7 +23,7 @@ class GeoTiffReader : public testing::Test {
     graphic.SaveToFile(folder_ / "a.tif");
     return folder_ / "a.tif";
   }
-  void ExpectColours(const std::string& fileName) {
+  void ExpectColors(const std::string& fileName) {
     bitmap_ = std::make_unique<TBitmap>(GradientBitmap(pf24bit, 3, 2));
     floatFormat_ = ffWord;
     EXPECT_FALSE(ReadGeoTiffIntoBitmap(fileName, bitmap_, floatFormat_));
@@ -50,12 +50,12 @@ class GeoTiffReader : public testing::Test {
   TWICFloatFormat floatFormat_ = ffNoFloat;
 };
 
-TEST_F(GeoTiffReader, Colours_Should_GiveFalse) {
+TEST_F(GeoTiffReader, Colors_Should_GiveFalse) {
   for (const TPixelFormat format : {pf1bit, pf4bit, pf8bit, pf24bit, pf32bit}) {
-    ExpectColours(Saved<TBitmap>(format));
-    ExpectColours(Saved<TPngImage>(format));
+    ExpectColors(Saved<TBitmap>(format));
+    ExpectColors(Saved<TPngImage>(format));
   }
-  ExpectColours(Saved<TJPEGImage>(pf24bit));
+  ExpectColors(Saved<TJPEGImage>(pf24bit));
 }
 
 TEST_F(GeoTiffReader, UnknownBytes_Should_BeAnInvalidImage) {

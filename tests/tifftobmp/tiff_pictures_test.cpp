@@ -46,7 +46,7 @@ class TiffPictures : public testing::Test {
   test::TempFolder folder_;
 };
 
-/// The rows without their padding.
+/// Rows without their padding.
 std::string Rows(const TBitmap& bitmap) {
   std::string rows;
   for (int y = 0; y < bitmap.Height(); ++y) {
@@ -106,7 +106,7 @@ TEST_F(TiffWords, Halves_Should_ArriveAsTheyAre) {
 
 // ---- Pictures
 
-TEST_F(TiffPictures, Colours_Should_Have24Bits_And_GiveNoGrid) {
+TEST_F(TiffPictures, Colors_Should_Have24Bits_And_GiveNoGrid) {
   const PlainTiff tiff{2, 1, {8, 8, 8}, 2, 1, Bytes({1, 2, 3, 4, 5, 6})};
   const TWICBitmap bitmap = Picture(tiff);
   EXPECT_EQ(bitmap.PixelFormat(), pf24bit);
@@ -124,7 +124,7 @@ TEST_F(TiffPictures, ClearPixels_Should_BecomeOpaqueWhite_When_AlphaHas8Bits) {
   ExpectNoGrid(tiff);
 }
 
-TEST_F(TiffPictures, ClearPixels_Should_KeepTheirColours_When_AlphaHas16Bits) {
+TEST_F(TiffPictures, ClearPixels_Should_KeepTheirColors_When_AlphaHas16Bits) {
   for (const ByteOrder order : kOrders) {
     PlainTiff tiff{2, 1, {16, 16, 16, 16}, 2, 1, "", {}, {2}, order};
     tiff.rows = NumberBytes<uint16_t>({257, 2 * 257, 3 * 257, 0, 0, 128, 129, 65535}, order);
@@ -135,7 +135,7 @@ TEST_F(TiffPictures, ClearPixels_Should_KeepTheirColours_When_AlphaHas16Bits) {
   }
 }
 
-TEST_F(TiffPictures, Colours48_Should_Become32Bits) {
+TEST_F(TiffPictures, Colors48_Should_Become32Bits) {
   PlainTiff tiff{1, 1, {16, 16, 16}, 2};
   tiff.rows = NumberBytes<uint16_t>({257, 2 * 257, 3 * 257}, ByteOrder::intel);
   const TWICBitmap bitmap = Picture(tiff);
@@ -144,7 +144,7 @@ TEST_F(TiffPictures, Colours48_Should_Become32Bits) {
   ExpectNoGrid(tiff);
 }
 
-TEST_F(TiffPictures, PressColours_Should_Become32Bits) {
+TEST_F(TiffPictures, PressColors_Should_Become32Bits) {
   const PlainTiff tiff{2, 1, {8, 8, 8, 8}, 5, 1, Bytes({0, 0, 0, 0, 0, 0, 0, 255})};
   const TWICBitmap bitmap = Picture(tiff);
   EXPECT_EQ(bitmap.PixelFormat(), pf32bit);
@@ -154,7 +154,7 @@ TEST_F(TiffPictures, PressColours_Should_Become32Bits) {
 
 TEST_F(TiffPictures, Bits_Should_BeShownRight_InEitherPolarity) {
   for (const uint16_t blackIs : {0, 1}) {
-    // The tag says which colour a 0 has: 0 white, 1 black.
+    // The tag says which color a 0 has: 0 white, 1 black.
     const PlainTiff tiff{3, 1, {1}, blackIs, 1, Bytes({0x40})};
     const TWICBitmap bitmap = Picture(tiff);
     EXPECT_EQ(bitmap.PixelFormat(), pf1bit);

@@ -63,7 +63,7 @@ TEST_F(WicBitmap, FullyTransparentPixels_Should_BecomeOpaqueWhite) {
   EXPECT_EQ(second, (std::vector<uint8_t>{4, 5, 6, 1}));
 }
 
-TEST_F(WicBitmap, KeyColour_Should_StayVisible) {
+TEST_F(WicBitmap, KeyColor_Should_StayVisible) {
   TBitmap source = GradientBitmap(pf8bit, 5, 3);
   source.SetTransparent(true);
   source.SetTransparentColor(source.PixelColor(1, 1));

@@ -21,25 +21,25 @@ TEST_P(WicFormats, Row_Should_SayBitsMarkAndFloatFormat) {
   EXPECT_EQ(TraitsOf(format).floatFormat, traits.floatFormat);
 }
 
-constexpr FrameMark plain = FrameMark::none, gray = FrameMark::gray, alpha = FrameMark::alpha;
+constexpr FrameMark kPlain = FrameMark::none, kGray = FrameMark::gray, kAlpha = FrameMark::alpha;
 
 constexpr Row kRows[] = {
-    {GUID_WICPixelFormatBlackWhite, {1, plain, ffNoFloat}},
-    {GUID_WICPixelFormat1bppIndexed, {1, plain, ffNoFloat}},
-    {GUID_WICPixelFormat4bppIndexed, {4, plain, ffNoFloat}},
-    {GUID_WICPixelFormat8bppIndexed, {8, plain, ffNoFloat}},
-    {GUID_WICPixelFormat24bppBGR, {24, plain, ffNoFloat}},
-    {GUID_WICPixelFormat24bppRGB, {24, plain, ffNoFloat}},
-    {GUID_WICPixelFormat32bppBGR, {32, plain, ffNoFloat}},
-    {GUID_WICPixelFormat32bppBGRA, {32, alpha, ffNoFloat}},
-    {GUID_WICPixelFormat32bppGrayFloat, {32, plain, ffSingle}},
-    {GUID_WICPixelFormat4bppGray, {4, gray, ffNoFloat}},
-    {GUID_WICPixelFormat8bppGray, {8, gray, ffNoFloat}},
-    {GUID_WICPixelFormat16bppBGR555, {16, plain, ffNoFloat}},
-    {GUID_WICPixelFormat16bppBGR565, {16, plain, ffNoFloat}},
-    {GUID_WICPixelFormat16bppGray, {16, plain, ffWord}},
-    {GUID_WICPixelFormat16bppGrayFixedPoint, {16, plain, ffSmallInt}},
-    {GUID_WICPixelFormat16bppGrayHalf, {16, plain, ffSmallInt}},
+    {GUID_WICPixelFormatBlackWhite, {1, kPlain, ffNoFloat}},
+    {GUID_WICPixelFormat1bppIndexed, {1, kPlain, ffNoFloat}},
+    {GUID_WICPixelFormat4bppIndexed, {4, kPlain, ffNoFloat}},
+    {GUID_WICPixelFormat8bppIndexed, {8, kPlain, ffNoFloat}},
+    {GUID_WICPixelFormat24bppBGR, {24, kPlain, ffNoFloat}},
+    {GUID_WICPixelFormat24bppRGB, {24, kPlain, ffNoFloat}},
+    {GUID_WICPixelFormat32bppBGR, {32, kPlain, ffNoFloat}},
+    {GUID_WICPixelFormat32bppBGRA, {32, kAlpha, ffNoFloat}},
+    {GUID_WICPixelFormat32bppGrayFloat, {32, kPlain, ffSingle}},
+    {GUID_WICPixelFormat4bppGray, {4, kGray, ffNoFloat}},
+    {GUID_WICPixelFormat8bppGray, {8, kGray, ffNoFloat}},
+    {GUID_WICPixelFormat16bppBGR555, {16, kPlain, ffNoFloat}},
+    {GUID_WICPixelFormat16bppBGR565, {16, kPlain, ffNoFloat}},
+    {GUID_WICPixelFormat16bppGray, {16, kPlain, ffWord}},
+    {GUID_WICPixelFormat16bppGrayFixedPoint, {16, kPlain, ffSmallInt}},
+    {GUID_WICPixelFormat16bppGrayHalf, {16, kPlain, ffSmallInt}},
 };
 
 INSTANTIATE_TEST_SUITE_P(Table, WicFormats, testing::ValuesIn(kRows),
@@ -54,9 +54,9 @@ TEST(WicFormatsTable, Rows_Should_BeAllPixelFormats) {
 TEST(WicFormatsTable, ConvertedFrame_Should_HaveNoAlphaMark) {
   ImagingFrame frame;
   frame.format = GUID_WICPixelFormat32bppBGRA;
-  EXPECT_EQ(TraitsOf(frame).mark, alpha);
+  EXPECT_EQ(TraitsOf(frame).mark, kAlpha);
   frame.isConverted = true;
-  EXPECT_EQ(TraitsOf(frame), (BitmapTraits{32, plain, ffNoFloat}));
+  EXPECT_EQ(TraitsOf(frame), (BitmapTraits{32, kPlain, ffNoFloat}));
 }
 
 TEST(WicFormatsTable, FloatFormats_Should_KeepTheirNumbers) {

@@ -16,11 +16,10 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/json.h"
 #include "tool/command/progress.h"
 #include "tool/pictures/metafile_output.h"
 #include "tool/pictures/save_picture.h"
-
-#include <nlohmann/json.hpp>
 
 namespace rasterkit::tool {
 namespace {
@@ -42,15 +41,14 @@ void RequireWritableType(const std::string& output, bool takesMetafiles) {
   if (WritableType(output) != PictureType::unknown) return;
   if (takesMetafiles && IsMetafileName(output)) return;
   throw Failure(exitWrongUsage,
-                output +
-                    ": pictures are written as .bmp, .jpg, .jpeg, .png, .tif or .tiff, not as '" +
+                output + ": the name must end in .bmp, .jpg, .jpeg, .png, .tif or .tiff, not in '" +
                     ExtractFileExt(output) + "'");
 }
 
 void RequireExtension(const std::string& output, const std::string& extension) {
   if (UpperCase(ExtractFileExt(output)) == UpperCase(extension)) return;
-  throw Failure(exitWrongUsage,
-                output + ": written as " + extension + ", not as '" + ExtractFileExt(output) + "'");
+  throw Failure(exitWrongUsage, output + ": must end in " + extension + ", not in '" +
+                                    ExtractFileExt(output) + "'");
 }
 
 void RequireDistinctOutputs(const std::vector<Job>& jobs) {
@@ -71,7 +69,7 @@ void RequireFreeOutput(const OutputOptions& options, const Job& job) {
   if (std::filesystem::is_directory(status))
     throw Failure(exitOutputNotWritten, job.output + ": this is a folder");
   if (std::filesystem::is_regular_file(status) && !options.overwrite)
-    throw Failure(exitOutputNotWritten, job.output + ": exists already (--overwrite replaces it)");
+    throw Failure(exitOutputNotWritten, job.output + ": already exists (--overwrite replaces it)");
 }
 
 Outcome RunJob(const OutputOptions& options, const Job& job,
@@ -97,22 +95,24 @@ bool IsFailure(const Outcome& outcome) {
 }
 
 void PrintJson(const Job& job, const Outcome& outcome) {
-  nlohmann::ordered_json line;
   const bool ok = !IsFailure(outcome);
-  line["schema"] = 1;
-  line["file"] = job.input;
-  line["output"] = job.output;
-  if (job.page > 0) line["page"] = job.page;
-  line["ok"] = ok;
-  line["error"] = ok ? nlohmann::ordered_json() : nlohmann::ordered_json(outcome.error);
-  line["type"] = ok ? nlohmann::ordered_json(outcome.result.type) : nlohmann::ordered_json();
-  line["width"] = ok ? nlohmann::ordered_json(outcome.result.width) : nlohmann::ordered_json();
-  line["height"] = ok ? nlohmann::ordered_json(outcome.result.height) : nlohmann::ordered_json();
-  line["bits"] = ok ? nlohmann::ordered_json(outcome.result.bits) : nlohmann::ordered_json();
-  line["not_carried_over"] = outcome.result.notCarriedOver;
-  line["warnings"] = outcome.result.warnings;
-  fmt::print("{}\n", line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
-  // Who reads along hears of each picture when it is done.
+  const auto ifOk = [ok](const Json& value) { return ok ? value : Json(); };
+  const JobResult& result = outcome.result;
+  JsonObject line;
+  line.Add("schema", 1);
+  line.Add("file", job.input);
+  line.Add("output", job.output);
+  if (job.page > 0) line.Add("page", job.page);
+  line.Add("ok", ok);
+  line.Add("error", TextOrNull(outcome.error));
+  line.Add("type", ifOk(result.type));
+  line.Add("width", ifOk(result.width));
+  line.Add("height", ifOk(result.height));
+  line.Add("bits", ifOk(result.bits));
+  line.Add("not_carried_over", result.notCarriedOver);
+  line.Add("warnings", result.warnings);
+  PrintLine(line);
+  // A program that reads along sees each picture as soon as it is done.
   std::fflush(stdout);
 }
 
@@ -126,7 +126,7 @@ void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& o
   if (options.json) PrintJson(job, outcome);
 }
 
-/// Hands out jobs to threads and prints outcomes in the order of the jobs.
+/// Distributes jobs to threads and prints outcomes in the order of the jobs.
 class Batch {
  public:
   Batch(const OutputOptions& options, const std::vector<Job>& jobs,
@@ -195,10 +195,10 @@ std::vector<Job> PlanFolder(const OutputOptions& options) {
 std::vector<Job> PlanSingle(const OutputOptions& options) {
   if (!options.type.empty())
     throw Failure(exitWrongUsage,
-                  "--type goes with --out-dir; a single output is named with its extension");
+                  "--type requires --out-dir; the extension of a single output gives its type");
   if (options.files.size() != 2)
     throw Failure(exitWrongUsage,
-                  "one input and one output are wanted; many inputs go with --out-dir DIR");
+                  "one input and one output are required; several inputs require --out-dir DIR");
   return {{options.files[0], options.files[1], 0}};
 }
 

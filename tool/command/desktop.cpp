@@ -15,13 +15,13 @@ const DesktopDialogs& LoadDialogs() try {
   const DesktopDialogs* const dialogs = library.Entry<DesktopEntry>(kDesktopEntry)(kDesktopVersion);
   if (dialogs == nullptr)
     throw Failure(exitOutputNotWritten,
-                  library.File() + ": the dialogs are of another version than this tool");
+                  library.File() + ": the dialogs and this tool have different versions");
   return *dialogs;
 } catch (const Error& error) {
   throw Failure(exitOutputNotWritten, error.what());
 }
 
-/// Runs a dialog, which takes the place where its error goes.
+/// Runs a dialog. The dialog stores its error in the argument.
 template <typename Dialog>
 void Confirm(const std::string& input, Dialog dialog) {
   std::string error;
@@ -32,7 +32,7 @@ void Confirm(const std::string& input, Dialog dialog) {
   }
   StopIfInterrupted();
   if (answer == DesktopAnswer::failed) throw Failure(exitOutputNotWritten, input + ": " + error);
-  if (answer == DesktopAnswer::cancelled) throw Failure(exitAnswerIsNo, input + ": cancelled");
+  if (answer == DesktopAnswer::canceled) throw Failure(exitAnswerIsNo, input + ": canceled");
 }
 
 }  // namespace
@@ -89,7 +89,7 @@ void Desktop::ConvertPdfPage(const std::string& pdfFile, std::string& pictureFil
           [&](std::string& error) { return dialogs_.convertPdfPage(pdfFile, pictureFile, error); });
 }
 
-// The dialogs have filled the library's port.
+// The dialogs have connected the library's message box port.
 void Desktop::Tell(const std::string& text) const {
   const InterruptibleWait wait;
   ShowMessage(text);

@@ -10,15 +10,15 @@
 
 namespace rasterkit::tool {
 
-/// The windows of the verbs that know --dialog. Their library is loaded for that alone: the tool
-/// itself needs no display and no toolkit. One at a time, on the main thread.
+/// The windows of the verbs with --dialog. Their library is loaded only when needed: the tool
+/// itself requires no display and no toolkit. One at a time, on the main thread.
 ///
-/// Each function shows one window and returns when the user confirmed it. It throws
-/// Failure(exitAnswerIsNo) when the user did not, and Failure(exitOutputNotWritten) when the window
+/// Each function shows one window and returns after the user confirmed it. It throws
+/// Failure(exitAnswerIsNo) if the user canceled, and Failure(exitOutputNotWritten) if the window
 /// failed. An interruption ends the process while a window is open.
 class Desktop {
  public:
-  /// Throws Failure(exitOutputNotWritten) where the dialogs are not installed or no window can be
+  /// Throws Failure(exitOutputNotWritten) if the dialogs are not installed or no window can be
   /// opened.
   Desktop();
   ~Desktop();
@@ -37,12 +37,12 @@ class Desktop {
                    std::unique_ptr<TGraphic>& graphic) const;
   void ConvertPdfPage(const std::string& pdfFile, std::string& pictureFile) const;
 
-  /// Lets the user choose under which name and how a picture is saved. See SaveBitmapDlgExt.
+  /// Lets the user choose name, type and options for saving a picture. See SaveBitmapDlgExt.
   void SaveBitmap(const std::string& dir, TrecSaveBitmap& rec, std::string& fileName) const;
   void SaveBitmapPixels(const std::string& dir, TrecSaveBitmap& rec, int32_t& width,
                         int32_t& height, std::string& fileName) const;
 
-  /// A message that the user closes.
+  /// Shows a message until the user closes it.
   void Tell(const std::string& text) const;
 
  private:

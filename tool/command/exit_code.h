@@ -5,19 +5,19 @@
 
 namespace rasterkit::tool {
 
-/// What the process answers. It is never 0 without the output.
+/// Exit codes of the process. 0 is returned only if all outputs were written.
 enum ExitCode {
   exitDone = 0,
   exitAnswerIsNo = 1,
   exitWrongUsage = 2,
   exitInputUnreadable = 3,
   exitOutputNotWritten = 4,
-  /// With --strict: the output is there, but something of the input was not carried over.
+  /// With --strict: the output was written, but something of the input was not carried over.
   exitNotCarriedOver = 5,
   exitInterrupted = 130,
 };
 
-/// An end of the work that has an exit code of its own.
+/// An error with its own exit code.
 class Failure : public std::runtime_error {
  public:
   Failure(ExitCode code, const std::string& message) : std::runtime_error(message), code_(code) {}

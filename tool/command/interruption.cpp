@@ -20,10 +20,10 @@ std::atomic<int> outputs = 0;
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
               "signal handlers must not wait for a lock");
 
-/// Ends the process where it stands, with calls that a signal handler may make.
+/// Ends the process at once, using only functions that are safe in a signal handler.
 [[noreturn]] void EndAtOnce() {
-  constexpr std::string_view text = "rasterkit: interrupted\n";
-  [[maybe_unused]] const auto ignored = write(STDERR_FILENO, text.data(), text.size());
+  constexpr std::string_view kText = "rasterkit: interrupted\n";
+  [[maybe_unused]] const auto ignored = write(STDERR_FILENO, kText.data(), kText.size());
   _exit(exitInterrupted);
 }
 
@@ -44,7 +44,7 @@ bool IsPipeOrDevice(const std::string& file) {
 
 void CatchInterruption() {
   for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
-    // A process that was started with the signal ignored (in the background) keeps ignoring it.
+    // A process that starts with the signal ignored (in the background) keeps ignoring it.
     if (std::signal(signalNumber, OnInterrupt) == SIG_IGN) std::signal(signalNumber, SIG_IGN);
   }
   std::signal(SIGXFSZ, SIG_IGN);
@@ -61,7 +61,7 @@ void StopIfInterrupted() {
 InterruptibleWait::InterruptibleWait() {
   ++waits;
   if (!IsInterrupted()) return;
-  // The request came before it could be acted upon.
+  // The request came before this wait began.
   --waits;
   StopIfInterrupted();
 }
@@ -79,7 +79,7 @@ WholeOutput::WholeOutput() {
 }
 
 WholeOutput::~WholeOutput() {
-  // Another thread may be waiting still.
+  // Another thread may also be waiting.
   if (--outputs == 0 && interrupted && waits > 0) EndAtOnce();
 }
 

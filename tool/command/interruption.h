@@ -5,19 +5,20 @@
 
 namespace rasterkit::tool {
 
-/// From now on the first Ctrl-C (or another polite request to end) only asks the work to stop, so
-/// that no half-written file stays behind; a second one ends the process at once. A file-size limit
-/// of the shell becomes an ordinary write error.
+/// Installs the signal handlers. The first Ctrl-C (or termination request) asks the work to stop,
+/// so that no incomplete file is left; a second one ends the process at once. Exceeding the shell's
+/// file size limit becomes an ordinary write error.
 void CatchInterruption();
 
-/// Throws Failure(exitInterrupted) once the user has asked to stop. Called between the steps of a
-/// picture and right before an output gets its name.
+/// Throws Failure(exitInterrupted) if the user requested a stop. Called between the steps of a
+/// picture and just before an output gets its name.
 void StopIfInterrupted();
 
 bool IsInterrupted();
 
-/// While one lives, the process may wait for ever, for the user, for whoever writes a pipe or for a
-/// page that is drawn. An interruption then ends it at once, unless an output is being written.
+/// Marks a wait without a time limit: for the user, for the writer of a pipe, or for a page that is
+/// drawn. During its lifetime an interruption ends the process at once, unless an output is being
+/// written.
 class InterruptibleWait {
  public:
   InterruptibleWait();
@@ -26,7 +27,7 @@ class InterruptibleWait {
   InterruptibleWait& operator=(const InterruptibleWait&) = delete;
 };
 
-/// While one lives, a file is read, and waited for if it is a pipe.
+/// Marks the reading of a file as a wait if the file is a pipe.
 class InterruptibleInput {
  public:
   explicit InterruptibleInput(const std::string& file);
@@ -35,7 +36,7 @@ class InterruptibleInput {
   std::optional<InterruptibleWait> wait_;
 };
 
-/// While one lives, an output is written, which an interruption must not tear.
+/// Marks the writing of an output, which an interruption must not cut short.
 class WholeOutput {
  public:
   WholeOutput();

@@ -6,11 +6,10 @@
 
 namespace rasterkit::tool {
 
-/// A finite number that is the whole text, with a point whatever the user's language; nothing for
-/// anything else.
+/// Parses a finite number with a decimal point, in every locale; nothing for any other text.
 std::optional<double> ParseNumber(const std::string& text);
 
-/// Numbers with commas between them; nothing when one of them is none.
+/// Parses numbers with commas between them; nothing if one of them is invalid.
 std::optional<std::vector<double>> ParseNumbers(const std::string& text);
 
 }  // namespace rasterkit::tool

@@ -1,12 +1,11 @@
 #include "tool/command/printable.h"
 
-#include <nlohmann/json.hpp>
+#include "tool/command/json.h"
 
 namespace rasterkit::tool {
 
 std::string Printable(const std::string& text) {
-  using nlohmann::json;
-  const std::string quoted = json(text).dump(-1, ' ', false, json::error_handler_t::replace);
+  const std::string quoted = Json(text).Text();
   return quoted.substr(1, quoted.size() - 2);
 }
 

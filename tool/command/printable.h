@@ -4,8 +4,8 @@
 
 namespace rasterkit::tool {
 
-/// Text out of a file with escapes for what would steer the terminal, for quotes, and for bytes
-/// that are no UTF-8.
+/// Escapes text from a file for printing: control characters, quotes, and bytes that are not valid
+/// UTF-8.
 std::string Printable(const std::string& text);
 
 }  // namespace rasterkit::tool

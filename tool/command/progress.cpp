@@ -10,9 +10,9 @@ namespace rasterkit::tool {
 namespace {
 
 void DrawBar(double share, const std::string& label) {
-  constexpr size_t width = 40;
-  const auto filled = static_cast<size_t>(share * width);
-  fmt::print(stderr, "\r[{:#<{}}{:.<{}}] {}", "", filled, "", width - filled, label);
+  constexpr size_t kWidth = 40;
+  const auto filled = static_cast<size_t>(share * kWidth);
+  fmt::print(stderr, "\r[{:#<{}}{:.<{}}] {}", "", filled, "", kWidth - filled, label);
   std::fflush(stderr);
 }
 

@@ -8,8 +8,8 @@
 
 namespace rasterkit::tool {
 
-/// A bar on stderr that counts finished files; silent when stderr is no terminal or there is only
-/// one file.
+/// A progress bar on stderr that counts finished files. Hidden if stderr is not a terminal or there
+/// is only one file.
 class Progress {
  public:
   explicit Progress(size_t files);
@@ -18,7 +18,7 @@ class Progress {
   Progress& operator=(const Progress&) = delete;
 
   void Advance();
-  /// Removes the bar's line, so that a message can be printed in its place.
+  /// Erases the bar, so that a message can be printed on its line.
   void Clear();
 
  private:
@@ -29,8 +29,8 @@ class Progress {
   bool visible_;
 };
 
-/// A bar on stderr that shows how far one operation on one picture has come; silent when stderr is
-/// no terminal or when files are counted instead.
+/// A progress bar on stderr for one operation on one picture. Hidden if stderr is not a terminal or
+/// several files are processed.
 class OperationBar {
  public:
   explicit OperationBar(bool isWanted);
@@ -38,7 +38,8 @@ class OperationBar {
   OperationBar(const OperationBar&) = delete;
   OperationBar& operator=(const OperationBar&) = delete;
 
-  /// Draws, from any thread, as long as the bar lives; empty when it is silent.
+  /// The event that draws the bar, callable from any thread during the lifetime of this object;
+  /// empty if the bar is hidden.
   TProgressEvent Event();
 
  private:

@@ -11,8 +11,8 @@ namespace rasterkit::tool {
 void PrepareStandardStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(stream, F_GETFD) >= 0) continue;
-    // The lowest free number is taken. Only reading is allowed, so that results which go nowhere
-    // are noticed.
+    // open() returns the lowest free descriptor. It is read-only, so that writing results to it
+    // fails.
     if (open("/dev/null", O_RDONLY) != stream) return;
   }
   std::signal(SIGPIPE, SIG_IGN);

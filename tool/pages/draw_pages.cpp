@@ -23,7 +23,7 @@
 namespace rasterkit::tool {
 namespace {
 
-/// The port turns clockwise, the tool counter-clockwise.
+/// The library turns clockwise, the tool counter-clockwise.
 PdfRotation RotationOf(int degrees) {
   switch ((degrees + 360) % 360) {
     case 90:
@@ -37,7 +37,7 @@ PdfRotation RotationOf(int degrees) {
   }
 }
 
-/// Opened files that wait for their next page; a document draws one page at a time.
+/// Open files that wait for their next page; a document draws one page at a time.
 class OpenedFiles {
  public:
   std::unique_ptr<PdfDocument> Take(const std::string& file, const std::string& password) {
@@ -58,7 +58,7 @@ class OpenedFiles {
     idle_[file].push_back(std::move(document));
   }
 
-  /// Nobody will ask for another page of the file.
+  /// Closes a file of which no more pages are needed.
   void Close(const std::string& file) {
     const std::lock_guard lock(mutex_);
     idle_.erase(file);
@@ -89,7 +89,7 @@ class PageDrawer {
     if (options_.output.outDir.empty()) {
       jobs.push_back(PlanJobs(options_.output).front());
       if (!options_.pages.empty() && !PageList::Parse(options_.pages)->IsOnePage())
-        throw Failure(exitWrongUsage, "several pages go with --out-dir DIR");
+        throw Failure(exitWrongUsage, "several pages require --out-dir DIR");
       jobs[0].page = options_.pages.empty() ? 1 : PageList::Parse(options_.pages)->Of(1).back();
       SayWhatIsComing(jobs[0].input, {jobs[0].page});
       return jobs;
@@ -99,7 +99,7 @@ class PageDrawer {
     return jobs;
   }
 
-  /// A file that cannot be read has one job, which says so in its turn.
+  /// A file that cannot be read gets one job, which reports the error in order.
   void PlanFile(const std::string& input, std::vector<Job>& jobs) {
     int count = 1;
     std::vector<int> pages = {1};
@@ -114,7 +114,7 @@ class PageDrawer {
     for (const int page : pages) jobs.push_back({input, OutputName(input, page, count), page});
   }
 
-  /// plan.pdf becomes plan-07.png, with as many digits as the last page has.
+  /// Returns plan-07.png for plan.pdf: the page number has as many digits as the number of pages.
   std::string OutputName(const std::string& input, int page, int count) const {
     const std::string& type = options_.output.type;
     const std::string extension = type.empty() ? ".png" : (type.starts_with('.') ? "" : ".") + type;
@@ -124,7 +124,7 @@ class PageDrawer {
     return (ToPath(options_.output.outDir) / ToPath(name)).string();
   }
 
-  /// Pixels and memory of the page, or of the largest of several.
+  /// Prints the pixels and memory of the page, or of the largest of several.
   void SayWhatIsComing(const std::string& input, const std::vector<int>& pages) {
     try {
       auto document = files_.Take(input, options_.password);
@@ -141,13 +141,12 @@ class PageDrawer {
       const std::string what =
           pages.size() == 1 ? fmt::format("page {} of {}", pages[0], count)
                             : fmt::format("{} pages of {}, the largest", pages.size(), count);
-      fmt::print(
-          stderr,
-          "rasterkit: {}: {}: {:.0f} x {:.0f} pixels at {:g} dpi, {:.0f} MiB while it is drawn\n",
-          input, what, largest.width, largest.height, options_.dpi,
-          std::ceil(largest.Bytes() / 1048576));
+      fmt::print(stderr,
+                 "rasterkit: {}: {}: {:.0f} x {:.0f} pixels at {:g} dpi, {:.0f} MiB of memory\n",
+                 input, what, largest.width, largest.height, options_.dpi,
+                 std::ceil(largest.Bytes() / 1048576));
     } catch (const Failure&) {
-      // The job says it.
+      // The job reports the error.
     }
   }
 
@@ -172,8 +171,8 @@ class PageDrawer {
 
   TBitmap DrawPage(PdfDocument& document, const Job& job) const {
     if (job.page > document.PageCount()) {
-      throw Failure(exitOutputNotWritten, fmt::format("{}: there is no page {} among {}", job.input,
-                                                      job.page, document.PageCount()));
+      throw Failure(exitOutputNotWritten, fmt::format("{}: there is no page {}, the file has {}",
+                                                      job.input, job.page, document.PageCount()));
     }
     const auto where = [&](const std::string& reason) {
       return fmt::format("{}: page {}: {}", job.input, job.page, reason);
@@ -187,8 +186,7 @@ class PageDrawer {
     } catch (const Error& error) {
       throw Failure(exitInputUnreadable, where(error.Reason()));
     } catch (const std::bad_alloc&) {
-      throw Failure(exitOutputNotWritten,
-                    where("the system has not enough memory; fewer dpi need less"));
+      throw Failure(exitOutputNotWritten, where("out of memory; a lower --dpi needs less"));
     }
     return bitmap;
   }

@@ -54,7 +54,7 @@ std::vector<int> PageList::Of(int count) const {
 
 std::string CheckPages(const std::string& text) {
   if (PageList::Parse(text)) return {};
-  return "pages are named like 3 or 1-3,7 or 5- (counted from 1), not '" + text + "'";
+  return "pages are a list such as 3 or 1-3,7 or 5-, counted from 1, not '" + text + "'";
 }
 
 }  // namespace rasterkit::tool

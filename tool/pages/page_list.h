@@ -6,23 +6,23 @@
 
 namespace rasterkit::tool {
 
-/// Pages as people name them, counted from 1: "3", "1-3,7", "5-" for all from the fifth on.
+/// A list of pages as typed, counted from 1: "3", "1-3,7", "5-" for page 5 and all later ones.
 class PageList {
  public:
-  /// Nothing for a text that is no such list.
+  /// Parses a list; nothing for an invalid text.
   static std::optional<PageList> Parse(const std::string& text);
 
-  /// The pages in the order named, of a file with `count` pages; what the file does not have comes
-  /// too, once for each range that reaches beyond the end: the caller says so.
+  /// Returns the pages, in the order given, of a file with `count` pages. A range that reaches
+  /// beyond the end adds one page that does not exist, so that the caller can report it.
   std::vector<int> Of(int count) const;
 
-  /// True when the list names one page, whatever the file.
+  /// True if the list names exactly one page, whatever the file.
   bool IsOnePage() const { return ranges_.size() == 1 && ranges_[0].first == ranges_[0].last; }
 
  private:
   struct Range {
     int first = 1;
-    /// kOpen for all that follow.
+    /// kOpen for all later pages.
     int last = 1;
   };
   static constexpr int kOpen = 0;
@@ -31,7 +31,7 @@ class PageList {
   std::vector<Range> ranges_;
 };
 
-/// For options: a sentence, or nothing when the text is such a list.
+/// Check of the option. Says what is wrong, or returns an empty string.
 std::string CheckPages(const std::string& text);
 
 }  // namespace rasterkit::tool

@@ -9,7 +9,8 @@
 namespace rasterkit::tool {
 
 void UsePdfLibrary() {
-  static const DynamicLibrary library("rasterkit-pdf", 0, "what draws PDF pages is not installed");
+  static const DynamicLibrary library("rasterkit-pdf", 0,
+                                      "the component for PDF files is not installed");
   static const bool isUsed = (library.Entry<void()>("RasterkitUseQtPdf")(), true);
   static_cast<void>(isUsed);
 }

@@ -7,13 +7,13 @@
 
 namespace rasterkit::tool {
 
-/// Opens librasterkit-pdf, the first time. Throws UnsupportedError when it is not installed.
+/// Loads librasterkit-pdf on the first call. Throws UnsupportedError if it is not installed.
 void UsePdfLibrary();
 
-/// Throws Failure(exitInputUnreadable), also when PDF files cannot be drawn here.
+/// Opens a PDF file. Throws Failure(exitInputUnreadable), also if PDF files cannot be drawn here.
 std::unique_ptr<PdfDocument> OpenPdf(const std::string& file, const std::string& password);
 
-/// The size of a page, counted from 1. Throws Failure(exitInputUnreadable).
+/// Returns the size of a page, counted from 1. Throws Failure(exitInputUnreadable).
 PdfPageSize SizeOfPage(const PdfDocument& document, const std::string& file, int page);
 
 }  // namespace rasterkit::tool

@@ -7,10 +7,11 @@
 namespace rasterkit::tool {
 namespace {
 
-/// One thread would spare black and white, and the library wants rows for its threads.
+/// At least 2: with one thread the library leaves black and white unchanged. At most one thread per
+/// four rows.
 int EngineThreads(const TBitmap& pixels, int threads) {
-  constexpr int rowsOfThread = 4;
-  return std::clamp(threads, 2, std::max(2, pixels.Height() / rowsOfThread));
+  constexpr int kRowsOfThread = 4;
+  return std::clamp(threads, 2, std::max(2, pixels.Height() / kRowsOfThread));
 }
 
 }  // namespace

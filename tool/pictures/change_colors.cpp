@@ -4,7 +4,7 @@
 #include <array>
 #include <vector>
 
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/transparency.h"
 
 namespace rasterkit::tool {
@@ -35,17 +35,17 @@ bool Has(const Entries& entries, TColor color) {
                      [&](const tagPALETTEENTRY& entry) { return EntryColor(entry) == color; });
 }
 
-/// Bit i of a number as a low bit of blue, red and green in turn: small numbers are small steps.
+/// Spreads the bits of a number over the low bits of blue, red and green: small numbers give small
+/// color differences.
 TColor SmallStep(unsigned number) {
-  constexpr int channels[] = {16, 0, 8};
+  constexpr int kChannels[] = {16, 0, 8};
   TColor step = 0;
   for (int bit = 0; bit < 24; ++bit)
-    step |= static_cast<TColor>(number >> bit & 1) << (channels[bit % 3] + bit / 3);
+    step |= static_cast<TColor>(number >> bit & 1) << (kChannels[bit % 3] + bit / 3);
   return step;
 }
 
-/// A colour like the wanted one. The hidden entries must not look like one that is seen, and the
-/// other way round.
+/// Finds a color close to `wanted`. Transparent entries must not share a color with visible ones.
 TColor Unused(const Entries& visible, TColor wanted) {
   unsigned number = 0;
   while (Has(visible, wanted ^ SmallStep(number))) ++number;
@@ -56,14 +56,14 @@ bool IsGray(const tagPALETTEENTRY& entry) {
   return entry.peRed == entry.peGreen && entry.peRed == entry.peBlue;
 }
 
-/// An 8-bit grey picture stays one: its indexes are its greys.
+/// An 8-bit gray picture stays gray: its indexes are its gray values.
 void ChangeGrays(TBitmap& bitmap, const Entries& after) {
   std::array<uint8_t, 256> grays{};
   for (size_t i = 0; i < after.size(); ++i) grays[i] = after[i].peRed;
   ReplaceIndexes(bitmap, grays);
 }
 
-/// Gives the transparent entries a colour that no other has.
+/// Gives the transparent entries a color that no other entry has.
 void KeepHidden(TBitmap& bitmap, const Entries& before, Entries& after) {
   const TColor hidden = bitmap.TransparentColor();
   Entries visible;

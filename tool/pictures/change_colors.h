@@ -6,17 +6,17 @@
 
 namespace rasterkit::tool {
 
-/// Changes the pixels of a 24-bit bitmap in place, each by its own colour. May look at the colour
-/// of the bottom-left pixel.
+/// Changes the pixels of a 24-bit bitmap in place, each by its own color. It may read the color of
+/// the bottom-left pixel.
 using ColorChange = std::function<void(TBitmap& pixels)>;
 
-/// Runs a change of colours on a picture of any kind, every pixel for itself.
+/// Changes the colors of a picture of any kind, each pixel independently.
 ///
-/// A picture with a palette keeps its depth and its indexes: the entries go through the change as a
-/// column of pixels, below them the colour of the bottom-left pixel. An 8-bit grey picture stays
-/// one as long as the change knows greys only. All others become 24-bit. What was transparent stays
-/// so: a transparent entry gets a colour that no other has, a transparent colour of true-colour
-/// pictures becomes an alpha channel.
+/// A picture with a palette keeps its depth and its indexes: the change runs over the entries, laid
+/// out as a column of pixels with the color of the bottom-left pixel below them. An 8-bit gray
+/// picture stays one if the change yields only grays. All other pictures become 24-bit.
+/// Transparency is kept: a transparent entry gets a color that no other entry has, and a
+/// transparent color of a true-color picture becomes an alpha channel.
 void ChangeColors(TBitmap& bitmap, const ColorChange& change);
 
 }  // namespace rasterkit::tool

@@ -5,7 +5,7 @@
 #include <rasterkit/bitmaptools/engine/pixel_transfer.h>
 #include <rasterkit/graphics/canvas.h>
 
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/transparency.h"
 
 namespace rasterkit::tool {
@@ -15,7 +15,7 @@ TRect AllOf(const TBitmap& bitmap) {
   return {0, 0, bitmap.Width(), bitmap.Height()};
 }
 
-/// Colours of a palette are not averaged: a plan's lines would become pale.
+/// Palette colors are not averaged: thin lines of a plan would fade.
 std::unique_ptr<TBitmap> Stretched(const TBitmap& over, const TBitmap& under) {
   auto source = over.Clone();
   const bool isDrawing = HasIndexes(*source);
@@ -24,7 +24,10 @@ std::unique_ptr<TBitmap> Stretched(const TBitmap& over, const TBitmap& under) {
   if (source->Width() == under.Width() && source->Height() == under.Height()) return source;
   auto target = std::make_unique<TBitmap>();
   target->ResetPixels(source->PixelFormat(), under.Width(), under.Height());
-  target->SetAlphaFormat(source->AlphaFormat());
+  target->CarryFrom(*source, {.resolution = false,
+                              .profile = false,
+                              .palette = false,
+                              .transparency = CarriedTransparency::none});
   target->Canvas().StretchMode = isDrawing ? smPlain : smHalftone;
   target->Canvas().CopyStretched(AllOf(*target), *source);
   return target;
@@ -35,7 +38,7 @@ void DrawKeyed(TBitmap& under, const TBitmap& over, int percent) {
   blend.SourceConstantAlpha = static_cast<uint8_t>((255 * (100 - percent) + 50) / 100);
   blend.PerPixelAlpha = HasAlpha(over);
   if (blend.PerPixelAlpha) return under.Canvas().AlphaBlend(AllOf(under), over, AllOf(over), blend);
-  // Where white is left out both pictures are the same, and blending changes nothing.
+  // Where white is left out, both pictures are equal, and blending changes nothing.
   const auto drawn = under.Clone();
   drawn->Canvas().TransparentBlt(AllOf(*drawn), over, AllOf(over), clWhite);
   under.Canvas().AlphaBlend(AllOf(under), *drawn, AllOf(*drawn), blend);
@@ -46,12 +49,12 @@ TPixelMode EngineMode(CombineMode mode) {
   return mode == CombineMode::shadow ? pmShadow : pmOverwrite;
 }
 
-/// Both are 24-bit and of one size, and the rectangles are whole: nothing is scaled, and neither
-/// the last row nor the last column is left out.
+/// Both are 24-bit and of the same size, and the rectangles cover them completely: nothing is
+/// scaled, and the last row and column are included.
 void Transfer(TBitmap& under, TBitmap& over, const CombineOptions& options, int threads,
               const TProgressEvent& progress) {
-  constexpr int rowsOfThread = 4;
-  const int count = std::clamp(threads, 1, std::max(1, under.Height() / rowsOfThread));
+  constexpr int kRowsOfThread = 4;
+  const int count = std::clamp(threads, 1, std::max(1, under.Height() / kRowsOfThread));
   const TRect all = AllOf(under);
   if (options.mode == CombineMode::intoWhite)
     return AssignInWhite(&under, &over, all, all, 0, count, progress);

@@ -9,11 +9,11 @@
 namespace rasterkit::tool {
 namespace {
 
-/// 32-bit rows whose fourth byte says how opaque a pixel is.
+/// Converts to 32-bit rows whose fourth byte is the opacity of the pixel.
 void MakeComparable(TBitmap& bitmap) {
   KeyToAlpha(bitmap);
   if (HasAlpha(bitmap)) return;
-  // From 24-bit rows the fourth byte becomes 255, whatever was in it.
+  // Converting from 24-bit sets the fourth byte to 255.
   if (bitmap.PixelFormat() == pf32bit) bitmap.SetPixelFormat(pf24bit);
   bitmap.SetPixelFormat(pf32bit);
 }

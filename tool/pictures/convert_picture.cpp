@@ -6,7 +6,8 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/bitmaptools/files/graphic_types.h>
+#include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/raster/format_of_bits.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tool/command/exit_code.h"
@@ -20,27 +21,24 @@
 namespace rasterkit::tool {
 namespace {
 
-/// The library's own table does not tell 15 from 16 bits.
-TPixelFormat FormatOfBits(int bits) {
-  return bits == 15 ? pf15bit : GetPixelFormat(bits);
-}
-
 TColor SolidBackground(const PictureOptions& options) {
   const TColor color = BackgroundColor(options.background);
   return color < 0 ? clWhite : color;
 }
 
-/// What becomes of transparency that the output cannot hold. Pixels of an alpha channel, and all
-/// that JPEG would blur, are painted onto the background; a bitmap file keeps the pixels of a
-/// transparent colour and forgets that they were.
+/// What happens to transparency that the output cannot hold. Alpha channels, and any transparency
+/// in JPEG, are painted onto the background. A bitmap file keeps the pixels of a transparent color
+/// but not the mark.
 enum class Transparency { none, forgotten, painted };
 
 Transparency LostTransparency(const TBitmap& bitmap, PictureType type, int bits) {
+  const Codec* codec = FindCodec(type);
   if (bitmap.AlphaFormat() == afDefined) {
-    const bool keepsAlpha = type != PictureType::jpeg && (bits == 0 || bits == 32);
+    const bool keepsAlpha = (codec == nullptr || codec->keepsAlpha) && (bits == 0 || bits == 32);
     return keepsAlpha ? Transparency::none : Transparency::painted;
   }
-  if (!bitmap.Transparent() || type == PictureType::png) return Transparency::none;
+  if (!bitmap.Transparent() || (codec != nullptr && codec->keepsTransparentColor))
+    return Transparency::none;
   return type == PictureType::jpeg ? Transparency::painted : Transparency::forgotten;
 }
 
@@ -48,24 +46,24 @@ void Remove(std::vector<std::string>& names, const std::string& name) {
   names.erase(std::remove(names.begin(), names.end(), name), names.end());
 }
 
-/// One for each processor unless told otherwise.
+/// One thread per processor unless --threads is given.
 int CodecThreads(const PictureOptions& options) {
   if (options.threads > 0) return options.threads;
   return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, 64u));
 }
 
-/// Rows stay where they are, so that what places them on a map still holds.
+/// True if rows and columns stay as stored, so that the map position of the input stays valid.
 bool StaysAsStored(const LoadedPicture& picture, const PictureOptions& options) {
   return picture.photo.orientation.value_or(1) == 1 && std::remainder(options.angle, 360.0) == 0;
 }
 
-/// What no output of the tool can hold, and what the position of the input is called.
+/// Lists metadata that no output of the tool can hold, and the sources of the input's map position.
 std::vector<std::string> AtRisk(const LoadedPicture& picture, const MapPlacement& placement) {
-  std::vector<std::string> names = picture.metadata;
-  if (picture.photo.gps) names.emplace_back("gps");
+  std::vector<std::string> names = MetadataKindNames(picture.metadata);
+  if (picture.photo.gps) names.emplace_back(MetadataKindName(MetadataKind::gps));
   names.insert(names.end(), placement.sources.begin(), placement.sources.end());
-  if (picture.grid) names.emplace_back("grid");
-  if (picture.Pictures() > 1) names.emplace_back("pages");
+  if (picture.grid) names.emplace_back(MetadataKindName(MetadataKind::grid));
+  if (picture.Pictures() > 1) names.emplace_back(MetadataKindName(MetadataKind::pages));
   return names;
 }
 
@@ -77,12 +75,14 @@ MetafileDrawing DrawingOf(const PictureOptions& options) {
 
 void NoteUnusedSize(LoadedPicture& picture, const PictureOptions& options) {
   if (picture.metafile || !options.metafile.IsAsked()) return;
-  picture.warnings.emplace_back("--dpi and --size are for metafiles, this picture keeps its size");
+  picture.warnings.emplace_back(
+      "--dpi and --size apply only to metafiles; this picture keeps its size");
 }
 
 void NotePages(const LoadedPicture& picture, JobResult& result) {
   if (picture.Pictures() <= 1) return;
-  result.warnings.push_back(fmt::format("the first of {} pictures is taken", picture.Pictures()));
+  result.warnings.push_back(
+      fmt::format("only the first of {} pictures is used", picture.Pictures()));
 }
 
 void Save(const LoadedPicture& picture, const Job& job, const PictureOptions& options,
@@ -96,11 +96,12 @@ void Save(const LoadedPicture& picture, const Job& job, const PictureOptions& op
   SavePicture(*picture.bitmap, job.output, saving);
 }
 
-/// Paints or forgets what the output cannot hold, and reports it.
+/// Removes transparency that the output cannot hold, and reports it.
 void FitTransparency(Subject& picture, PictureType type) {
   const Transparency lost = LostTransparency(*picture.bitmap, type, picture.options.bits);
   if (lost == Transparency::painted) picture.PaintTransparency();
-  if (lost == Transparency::forgotten) picture.result.notCarriedOver.emplace_back("transparency");
+  if (lost == Transparency::forgotten)
+    picture.result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::transparency));
 }
 
 JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& picture,
@@ -121,7 +122,8 @@ JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& p
   StopIfInterrupted();
   FitTransparency(subject, type);
   if (options.bits != 0) picture.bitmap->SetPixelFormat(FormatOfBits(options.bits));
-  if (picture.bitmap->Profile()) Remove(result.notCarriedOver, "profile");
+  if (picture.bitmap->Profile())
+    Remove(result.notCarriedOver, MetadataKindName(MetadataKind::profile));
 
   StopIfInterrupted();
   if (steps.write) {
@@ -145,7 +147,7 @@ int Subject::Threads() const {
 void Subject::PaintTransparency() {
   if (!HasTransparency(*bitmap)) return;
   DropTransparency(bitmap, SolidBackground(options));
-  result.notCarriedOver.emplace_back("transparency");
+  result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::transparency));
 }
 
 void Subject::Refuse(const std::string& reason) const {
@@ -167,7 +169,7 @@ JobResult ConvertLoaded(LoadedPicture& picture, const Job& job, const PictureOpt
   } catch (const Error& error) {
     throw Failure(exitOutputNotWritten, job.output + ": " + error.Reason());
   } catch (const std::bad_alloc&) {
-    throw Failure(exitOutputNotWritten, job.output + ": not enough memory");
+    throw Failure(exitOutputNotWritten, job.output + ": out of memory");
   }
 }
 

@@ -8,47 +8,48 @@
 
 namespace rasterkit::tool {
 
-/// A picture in the hands of a verb: it stands upright, and nothing is written yet.
+/// A picture that a verb changes: it is upright and not yet written.
 struct Subject {
   std::unique_ptr<TBitmap>& bitmap;
-  /// Where a TIFF output lies on the map; nothing when the input says nothing or was turned. Who
-  /// moves pixels adapts or clears it.
+  /// Map position of a TIFF output; nothing if the input states none or was turned. Code that moves
+  /// pixels must adapt or clear it.
   std::optional<TiffGeoTags>& place;
   const Job& job;
   const PictureOptions& options;
-  /// Warnings and losses can be added.
+  /// The change may add warnings and losses.
   JobResult& result;
 
-  /// Threads for the work on one picture, as --threads says: 1 to 100.
+  /// Threads for the work on one picture according to --threads, 1 to 100.
   int Threads() const;
-  /// Paints what is transparent onto the background and reports the loss.
+  /// Paints transparent parts with the background color and reports the loss.
   void PaintTransparency();
-  /// Ends the work on this picture: nothing is written, and the reason is said.
+  /// Stops the work on this picture: nothing is written. Throws Failure(exitOutputNotWritten) with
+  /// the reason.
   [[noreturn]] void Refuse(const std::string& reason) const;
 };
 
 /// What a verb does to a picture.
 using PictureChange = std::function<void(Subject& picture)>;
 
-/// The last step: writes a finished picture under the job's output name. `picture.photo` still says
-/// how the file's rows lay before they were set upright.
+/// Writes a finished picture to the job's output; the last step. `picture.photo` still holds the
+/// orientation of the input file.
 using PictureWriter = std::function<void(LoadedPicture& picture, const Job& job)>;
 
 struct PictureSteps {
-  /// Nothing when empty.
+  /// No change if empty.
   PictureChange change;
-  /// SavePicture when empty.
+  /// SavePicture if empty.
   PictureWriter write;
-  /// What the results call the type of a file that is no picture type of the tool.
+  /// Type name for the results, if the output is not one of the tool's picture types.
   std::string typeName;
 };
 
-/// The way of one picture: load, set upright, turn, change, convert to another depth, write. Throws
+/// Processes one picture: load, turn upright, turn, change, convert to another depth, write. Throws
 /// Failure.
 JobResult ConvertPicture(const Job& job, const PictureOptions& options,
                          const PictureSteps& steps = {});
 
-/// The same for a picture that was loaded before; what is left of it then is undefined.
+/// Processes a picture that is already loaded, and leaves it in an unspecified state.
 JobResult ConvertLoaded(LoadedPicture& picture, const Job& job, const PictureOptions& options,
                         const PictureSteps& steps = {});
 

@@ -7,7 +7,7 @@
 namespace rasterkit::tool {
 namespace {
 
-/// An automatic transparent colour would follow another corner pixel.
+/// Fixes an automatic transparent color: it would change with the corner pixel.
 void FixTransparentColor(TBitmap& bitmap) {
   if (bitmap.Transparent()) bitmap.SetTransparentColor(bitmap.TransparentColor());
 }

@@ -5,8 +5,8 @@
 
 namespace rasterkit::tool {
 
-/// Cuts the bitmap to a rectangle that lies inside it. Stored pixels move, none is changed, in any
-/// format; a transparent colour stays the colour that it was.
+/// Crops the bitmap to a rectangle inside it. Stored pixels move but do not change, in any format;
+/// the transparent color stays the same.
 void Crop(TBitmap& bitmap, const TRect& rect);
 
 }  // namespace rasterkit::tool

@@ -1,7 +1,7 @@
 #include "tool/pictures/entry_colors.h"
 
 #include "tool/pictures/change_colors.h"
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 
 namespace rasterkit::tool {
 

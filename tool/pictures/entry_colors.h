@@ -7,15 +7,15 @@
 
 namespace rasterkit::tool {
 
-/// What became of the colours of a palette: one for each index of the format, nothing for an index
-/// that no pixel has.
+/// New colors of a palette: one per index of the format; nothing for an index that no pixel uses.
 using EntryColors = std::vector<std::optional<TColor>>;
 
-/// Compares a bitmap with a palette and the same picture in 24 bits with other colours. Nothing
-/// when pixels of one entry became different: no palette can say that.
+/// Compares a bitmap with a palette with a 24-bit version of the same picture that has other
+/// colors. Returns nothing if pixels of the same entry became different: no palette can express
+/// that.
 std::optional<EntryColors> ChangedEntries(const TBitmap& before, const TBitmap& after);
 
-/// Gives the entries these colours; see ChangeColors for what stays.
+/// Sets the colors of the entries; see ChangeColors for what is kept.
 void SetEntryColors(TBitmap& bitmap, const EntryColors& colors);
 
 }  // namespace rasterkit::tool

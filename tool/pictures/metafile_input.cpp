@@ -32,8 +32,8 @@ PictureSize OwnSize(const TMetafile& metafile, bool isForFacts) {
   }
   if (pixels <= kMostPixels) return {width, height};
   throw LimitError(fmt::format(
-      "metafile: the drawing has {} x {} pixels; `rasterkit convert` draws it smaller with "
-      "--size or --dpi",
+      "metafile: the drawing has {} x {} pixels; `rasterkit convert` with --size or --dpi "
+      "makes it smaller",
       width, height));
 }
 

@@ -3,6 +3,7 @@
 #include <new>
 
 #include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/codecs/rows/metadata_kind.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
@@ -21,8 +22,9 @@ bool IsEmfName(const std::string& file) {
 
 void RequireMetafile(PictureType type, const std::string& file) {
   if (type == PictureType::emf || type == PictureType::wmf) return;
-  if (type == PictureType::unknown) throw FormatError("the data are no picture of a known kind");
-  throw Failure(exitOutputNotWritten, file + ": pixels cannot become a metafile");
+  if (type == PictureType::unknown) throw FormatError("the data is not a picture of a known type");
+  throw Failure(exitOutputNotWritten,
+                file + ": a picture of pixels cannot be written as a metafile");
 }
 
 void Load(TMetafile& metafile, const std::string& file) {
@@ -49,7 +51,7 @@ void Save(TMetafile& metafile, const std::string& file) {
   } catch (const Error& error) {
     throw Failure(exitOutputNotWritten, file + ": " + error.Reason());
   } catch (const std::bad_alloc&) {
-    throw Failure(exitOutputNotWritten, file + ": not enough memory");
+    throw Failure(exitOutputNotWritten, file + ": out of memory");
   }
 }
 
@@ -66,9 +68,10 @@ bool IsMetafileName(const std::string& file) {
 
 JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
   if (options.angle != 0) {
-    throw Failure(exitWrongUsage, job.output +
-                                      ": a metafile is not turned; --angle needs an output of "
-                                      "pixels (.bmp, .jpg, .png, .tif)");
+    throw Failure(exitWrongUsage,
+                  job.output +
+                      ": a metafile cannot be turned; --angle requires an output of "
+                      "pixels (.bmp, .jpg, .png, .tif)");
   }
   TMetafile metafile;
   Load(metafile, job.input);
@@ -83,11 +86,12 @@ JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
   result.warnings = metafile.Facts().warnings;
   if (IsForPixels(options)) {
     result.warnings.emplace_back(
-        "--background, --bits, --dpi and --size are for outputs of pixels; a metafile is written "
-        "as it is");
+        "--background, --bits, --dpi and --size apply only to outputs of pixels; a metafile is "
+        "written unchanged");
   }
-  // An EMF file is stored as one bitmap in a WMF file.
-  if (wasEnhanced && !metafile.Enhanced()) result.notCarriedOver.emplace_back("records");
+  // The WMF file holds pixels instead of the records.
+  if (wasEnhanced && !metafile.Enhanced())
+    result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::records));
   return result;
 }
 

@@ -21,24 +21,25 @@ namespace {
 
 std::vector<std::string> ExtrasOfTiff(const std::string& file, TStream& stream) {
   const TiffFacts facts = ReadTiffFacts(stream);
-  std::vector<std::string> names = facts.metadata;
+  std::vector<std::string> names = MetadataKindNames(facts.metadata);
   const std::vector<std::string> sources = MapSources(file, facts);
   names.insert(names.end(), sources.begin(), sources.end());
-  if (facts.pages - facts.secondaryPages > 1) names.emplace_back("pages");
+  if (facts.pages - facts.secondaryPages > 1)
+    names.emplace_back(MetadataKindName(MetadataKind::pages));
   return names;
 }
 
 std::vector<std::string> ExtrasOfBytes(const std::string& file, const std::vector<uint8_t>& bytes) {
   const PictureMetadata metadata = ReadMetadata(bytes);
-  std::vector<std::string> names = metadata.kinds;
-  if (ReadExifFacts(metadata.exif).gps) names.emplace_back("gps");
+  std::vector<std::string> names = MetadataKindNames(metadata.kinds);
+  if (ReadExifFacts(metadata.exif).gps) names.emplace_back(MetadataKindName(MetadataKind::gps));
   const std::vector<std::string> sources = MapSources(file, {});
   names.insert(names.end(), sources.begin(), sources.end());
-  if (metadata.pictures > 1) names.emplace_back("pages");
+  if (metadata.pictures > 1) names.emplace_back(MetadataKindName(MetadataKind::pages));
   return names;
 }
 
-/// Bitmap files, which may be huge, have nothing in them to look for.
+/// Bitmap files can be huge and have no metadata.
 std::vector<std::string> ExtrasOf(const std::string& file) {
   TFileStream stream(file);
   const PictureType type = SniffPictureType(stream);

@@ -5,12 +5,12 @@
 
 namespace rasterkit::tool {
 
-/// What a picture file holds beside the pixels of its first picture, by the names that reports of
-/// what was not carried over use: "exif", "gps", "worldfile", "pages" and the like. Nothing is
-/// decoded; a file that cannot be read has none.
+/// Lists what a picture file contains beside the pixels of its first picture, with the names used
+/// in reports of losses: "exif", "gps", "worldfile", "pages" and so on. Decodes nothing; a file
+/// that cannot be read has no extras.
 std::vector<std::string> PictureExtras(const std::string& file);
 
-/// Says on stderr what of `before` the file written to `output` has not.
+/// Prints on stderr which items of `before` the file `output` does not contain.
 void SayWhatIsLost(const std::vector<std::string>& before, const std::string& output);
 
 }  // namespace rasterkit::tool

@@ -4,10 +4,9 @@
 #include <functional>
 #include <new>
 
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_picture.h>
-#include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/codecs/metadata.h>
-#include <rasterkit/codecs/png/png_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/runtime/errors.h>
@@ -25,7 +24,7 @@ void AddWarnings(PictureFile& file, const CodecReport& report) {
   file.warnings.insert(file.warnings.end(), report.warnings.begin(), report.warnings.end());
 }
 
-/// A file whose directories cannot be read is refused by the decoder, in its own words.
+/// If the directories cannot be read, the decoder reports the error.
 void ReadFacts(LoadedFrame& loaded, TStream& stream) {
   try {
     loaded.tiff = ReadTiffFacts(stream);
@@ -36,7 +35,7 @@ void ReadFacts(LoadedFrame& loaded, TStream& stream) {
   stream.SetPosition(0);
 }
 
-/// TIFF files can be huge: facts and rows are read where they lie.
+/// TIFF files can be huge: facts and rows are read directly from the stream.
 void LoadTiff(LoadedFrame& loaded, TStream& stream, int threads) {
   loaded.bytes = stream.Size();
   ReadFacts(loaded, stream);
@@ -46,25 +45,17 @@ void LoadTiff(LoadedFrame& loaded, TStream& stream, int threads) {
   AddWarnings(loaded, report);
 }
 
-/// The other kinds are pictures, whatever their rows are like.
+/// The other types are pictures, never grids.
 void Take(LoadedFrame& loaded, Raster rows, const CodecReport& report) {
   loaded.frame.rows = std::move(rows);
   AddWarnings(loaded, report);
-}
-
-/// Compressed kinds are decoded where their bytes are: a stream would copy them.
-Raster DecodeBytes(PictureType type, std::span<const uint8_t> bytes, CodecReport& report) {
-  if (type == PictureType::jpeg) return DecodeJpeg(bytes, &report);
-  if (type == PictureType::png) return DecodePng(bytes, &report);
-  TSpanStream memory(bytes);
-  return DecodePicture(memory, &report);
 }
 
 bool IsMetafile(PictureType type) {
   return type == PictureType::wmf || type == PictureType::emf;
 }
 
-/// What the records say is known even when they cannot be drawn.
+/// Facts of the records are stored even if drawing fails.
 void LoadMetafile(LoadedFrame& loaded, std::span<const uint8_t> bytes,
                   const MetafileDrawing& drawing) {
   TMetafile metafile;
@@ -97,18 +88,17 @@ void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, int threads,
   loaded.photo = isJpeg ? ReadPhotoFacts(bytes) : ReadExifFacts(metadata.exif);
   loaded.warnings = loaded.photo.warnings;
   CodecReport report;
-  Take(loaded, DecodeBytes(loaded.type, bytes, report), report);
+  Take(loaded, DecodePicture(bytes, &report), report);
 }
 
-/// Kinds whose files are looked at twice.
+/// True for formats whose files are read twice: once for metadata, once for the pixels.
 bool HasMetadata(PictureType type) {
-  return type == PictureType::jpeg || type == PictureType::png || type == PictureType::gif ||
-         type == PictureType::webp;
+  const Codec* codec = FindCodec(type);
+  return codec != nullptr && codec->readMetadata != nullptr;
 }
 
-/// Bitmap and TIFF files can be huge: their rows go straight from the file to where they belong.
-/// What is no picture may be even larger and is not read at all. A pipe has no size and cannot be
-/// rewound.
+/// Bitmap and TIFF files can be huge: their rows are read directly from the stream. A file that is
+/// not a picture is not read at all. A pipe has no size and cannot be rewound.
 void LoadStream(LoadedFrame& loaded, TStream& stream, int threads, const MetafileDrawing& drawing) {
   const bool isFile = stream.Size() > 0;
   if (isFile) loaded.type = SniffPictureType(stream);
@@ -121,14 +111,14 @@ void LoadStream(LoadedFrame& loaded, TStream& stream, int threads, const Metafil
   LoadBytes(loaded, isFile ? stream.ReadToEnd() : ReadUnsizedPicture(stream), threads, drawing);
 }
 
-/// Runs a reading of the file; what it throws names the file.
+/// Runs a function that reads the file; adds the file name to errors.
 void Guarded(const std::string& file, const std::function<void()>& reading) {
   try {
     reading();
   } catch (const Error& error) {
     throw Failure(exitInputUnreadable, file + ": " + error.Reason());
   } catch (const std::bad_alloc&) {
-    throw Failure(exitInputUnreadable, file + ": not enough memory");
+    throw Failure(exitInputUnreadable, file + ": out of memory");
   }
 }
 

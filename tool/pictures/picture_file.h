@@ -16,49 +16,48 @@
 
 namespace rasterkit::tool {
 
-/// What a file says beside its pixels.
+/// What a file states beside its pixels.
 struct PictureFile {
   PictureType type = PictureType::unknown;
-  /// The orientation is also that of a TIFF file's own tag.
+  /// Includes the orientation tag of a TIFF file.
   PhotoFacts photo;
-  /// What lies in the file beside the pixels: see PictureMetadata::kinds and TiffFacts::metadata.
-  std::vector<std::string> metadata;
+  /// Kinds of metadata in the file: see PictureMetadata::kinds and TiffFacts::metadata.
+  std::vector<MetadataKind> metadata;
   std::vector<std::string> warnings;
   uint64_t bytes = 0;
-  /// Of a TIFF file whose directories can be read.
+  /// Set for a TIFF file whose directories can be read.
   std::optional<TiffFacts> tiff;
-  /// What the pixels of a TIFF file are when they are numbers, not colours.
+  /// Set for a TIFF file whose pixels are numbers, not colors.
   std::optional<GridType> grid;
 
-  /// Of a metafile.
+  /// Set for a metafile.
   std::optional<MetafileFacts> metafile;
 
-  /// Pictures of an animation.
+  /// Number of pictures of an animation.
   int frames = 1;
 
-  /// Pictures in the file, smaller copies and masks of others not counted.
+  /// Number of pictures in the file, without smaller copies and masks of others.
   int Pictures() const { return tiff ? tiff->pages - tiff->secondaryPages : frames; }
 };
 
-/// A picture as its file holds it, not yet turned upright.
+/// A picture as stored in its file, not yet turned upright.
 struct LoadedPicture : PictureFile {
   std::unique_ptr<TBitmap> bitmap;
 };
 
-/// The rows as decoded: the numbers of a grid are not yet made visible.
+/// The rows as decoded: numbers of a grid are not yet converted to grays.
 struct LoadedFrame : PictureFile {
   ImagingFrame frame;
 };
 
-/// Loads the first picture by content, whatever the file is called, as something to look at: the
-/// numbers of a grid become greys (see VisibleRows).
-/// `threads` decode it where its kind can share the work; a metafile is drawn as `drawing` says.
-/// Throws Failure(exitInputUnreadable).
+/// Loads the first picture of a file for viewing. The type is detected from the content, and the
+/// numbers of a grid become grays (see VisibleRows). Decodes on several `threads` if the type
+/// allows it; a metafile is drawn according to `drawing`. Throws Failure(exitInputUnreadable).
 LoadedPicture LoadPicture(const std::string& file, int threads = 1,
                           const MetafileDrawing& drawing = {});
 
-/// Loads the rows; what was learnt before a failure (type, size of the file, facts of photograph
-/// and directories) stays in `frame`. Throws Failure(exitInputUnreadable).
+/// Loads the rows. Facts that were read before a failure (type, file size, photograph, directories)
+/// stay in `frame`. Throws Failure(exitInputUnreadable).
 void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads = 1,
                    const MetafileDrawing& drawing = {});
 

@@ -13,7 +13,7 @@ bool IsSide(int side) {
   return side >= 1 && side <= kLargestSide;
 }
 
-/// 0 for no text at all.
+/// Returns 0 for an empty text.
 std::optional<int> ParseSide(const std::string& text) {
   if (text.empty()) return 0;
   int side = 0;

@@ -2,15 +2,15 @@
 
 #include <rasterkit/bitmaptools/engine/composition.h>
 
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/transparency.h"
 
 namespace rasterkit::tool {
 namespace {
 
-/// Puts a bitmap into a format whose pixels the library averages. Neither averages of palette
-/// entries nor of the words of 15 and 16 bits exist there: a picture of greys goes the way of true
-/// colours and comes back, others with a palette go it when asked.
+/// Converts a bitmap to a format whose pixels the library averages. It cannot average palette
+/// indexes and 15- and 16-bit pixels: a gray picture becomes true color and is converted back
+/// afterwards, other pictures with a palette become true color only if requested.
 class AveragedFormat {
  public:
   AveragedFormat(TBitmap& bitmap, bool smooth)
@@ -30,32 +30,27 @@ class AveragedFormat {
   bool isGray_;
 };
 
-/// The paper stays as large as it was: fewer pixels mean fewer in an inch.
+/// Keeps the size on paper: fewer pixels are fewer dots per inch.
 Resolution Scaled(const Resolution& dpi, double horizontal, double vertical) {
   return dpi.IsKnown() ? Resolution{dpi.x * horizontal, dpi.y * vertical} : dpi;
 }
 
 void Stretch(std::unique_ptr<TBitmap>& bitmap, const PictureSize& size, bool smooth) {
   const AveragedFormat format(*bitmap, smooth);
-  const TAlphaFormat alpha = bitmap->AlphaFormat();
-  const HPALETTE palette = bitmap->Palette();
-  const ColorProfile profile = bitmap->Profile();
+  // Without pixels: resizing frees the bitmap before its properties are needed.
+  TBitmap properties;
+  properties.CarryFrom(*bitmap, {.transparency = CarriedTransparency::fixed});
   const Resolution dpi = Scaled(bitmap->Dpi(), static_cast<double>(size.width) / bitmap->Width(),
                                 static_cast<double>(size.height) / bitmap->Height());
-  const bool isTransparent = bitmap->Transparent();
-  const TColor key = bitmap->TransparentColor();
-  // The key colour is one of the pixels here: it is marked again below.
+  // The key color is drawn like any other color and marked again below.
   bitmap->SetTransparent(false);
   ResizeBitmap(bitmap, size.width, size.height, true);
-  bitmap->SetAlphaFormat(alpha);
-  bitmap->SetProfile(profile);
+  bitmap->CarryFrom(properties, {.palette = false});
   bitmap->SetDpi(dpi);
-  bitmap->SetTransparent(isTransparent);
-  if (isTransparent) bitmap->SetTransparentColor(key);
   format.RestoreGrays(*bitmap);
 }
 
-/// The picture covers the same piece of the map with other pixels.
+/// Keeps the map area, with pixels of another size.
 void ScalePlace(std::optional<TiffGeoTags>& place, double columns, double rows) {
   if (!place) return;
   place->pixelScale[0] *= columns;

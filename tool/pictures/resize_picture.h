@@ -5,8 +5,8 @@
 
 namespace rasterkit::tool {
 
-/// Gives a picture another number of pixels; it stays as large on paper, and where it is on the
-/// map. Pictures with a palette take the nearest pixel unless `smooth` makes them true colour;
+/// Changes the number of pixels of a picture. Its size on paper and its place on the map stay the
+/// same. Pictures with a palette use the nearest pixel unless `smooth` turns them into true color;
 /// others are averaged.
 void ResizePicture(Subject& picture, const PictureSize& size, bool smooth);
 

@@ -3,14 +3,10 @@
 #include <algorithm>
 #include <new>
 
-#include <rasterkit/codecs/bmp/bmp_encoder.h>
-#include <rasterkit/codecs/jpeg/jpeg_encoder.h>
-#include <rasterkit/codecs/png/png_encoder.h>
-#include <rasterkit/raster/convert.h>
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
 #include <rasterkit/runtime/files/file_name.h>
-#include <rasterkit/runtime/text.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
@@ -20,72 +16,46 @@ namespace {
 
 constexpr int kMostEncoders = 64;
 
-void SaveJpeg(const TBitmap& bitmap, AtomicFile& file, int quality) {
-  const Raster& content = bitmap.Content();
-  const bool isGray = content.Format() == pf8bit && IsGrayRamp(bitmap.Palette());
-  if (isGray || content.Format() == pf24bit) {
-    file.Write(EncodeJpeg(content, quality));
-  } else {
-    file.Write(EncodeJpeg(ConvertRaster(content, pf24bit), quality));
-  }
-}
-
-/// The codec takes the transparent colour from the raster, the bitmap keeps it beside its own.
-void SavePng(const TBitmap& bitmap, AtomicFile& file) {
-  if (!bitmap.Transparent()) return EncodePng(bitmap.Content(), file);
+/// The codec takes the transparent color from the raster, the bitmap keeps it beside its own.
+void Encode(const TBitmap& bitmap, const Codec& codec, AtomicFile& file,
+            const SaveOptions& options) {
+  EncodeOptions encoding;
+  encoding.quality = options.quality;
+  encoding.tiff.compression = options.compression;
+  encoding.tiff.threads = std::min(options.threads, kMostEncoders);
+  encoding.tiff.geo = options.geo;
+  if (!bitmap.Transparent() || !codec.keepsTransparentColor)
+    return codec.encode(bitmap.Content(), file, encoding);
   Raster content = bitmap.Content().Clone();
   content.transparentColor = bitmap.TransparentColor();
-  EncodePng(content, file);
+  codec.encode(content, file, encoding);
 }
 
-void SaveTiff(const TBitmap& bitmap, AtomicFile& file, const SaveOptions& options) {
-  const Raster& content = bitmap.Content();
-  TiffWriteOptions packing;
-  packing.compression = options.compression;
-  packing.threads = std::min(options.threads, kMostEncoders);
-  packing.geo = options.geo;
-  if (content.Format() == pf15bit || content.Format() == pf16bit) {
-    EncodeTiff(ConvertRaster(content, pf24bit), file, packing);
-  } else {
-    EncodeTiff(content, file, packing);
-  }
-}
-
-void Encode(const TBitmap& bitmap, PictureType type, AtomicFile& file, const SaveOptions& options) {
-  switch (type) {
-    case PictureType::bmp:
-      return EncodeBmp(bitmap.Content(), file, BmpProfile::embed);
-    case PictureType::png:
-      return SavePng(bitmap, file);
-    case PictureType::tiff:
-      return SaveTiff(bitmap, file, options);
-    default:
-      return SaveJpeg(bitmap, file, options.quality);
-  }
+const Codec* CodecFor(const std::string& file) {
+  const Codec* codec = FindCodecOfExtension(ExtractFileExt(file));
+  return codec != nullptr && codec->encode != nullptr ? codec : nullptr;
 }
 
 }  // namespace
 
 PictureType WritableType(const std::string& file) {
-  const std::string extension = UpperCase(ExtractFileExt(file));
-  if (extension == ".BMP") return PictureType::bmp;
-  if (extension == ".JPG" || extension == ".JPEG") return PictureType::jpeg;
-  if (extension == ".PNG") return PictureType::png;
-  if (extension == ".TIF" || extension == ".TIFF") return PictureType::tiff;
-  return PictureType::unknown;
+  const Codec* codec = CodecFor(file);
+  return codec != nullptr ? codec->type : PictureType::unknown;
 }
 
 void SavePicture(const TBitmap& bitmap, const std::string& name, const SaveOptions& options) {
   try {
     const WholeOutput whole;
     AtomicFile file(name);
-    Encode(bitmap, WritableType(name), file, options);
+    const Codec* codec = CodecFor(name);
+    // Names that the verbs accept have a codec; the save dialog can give any name.
+    Encode(bitmap, codec != nullptr ? *codec : *FindCodec(PictureType::jpeg), file, options);
     StopIfInterrupted();
     file.Commit();
   } catch (const Error& error) {
     throw Failure(exitOutputNotWritten, name + ": " + error.Reason());
   } catch (const std::bad_alloc&) {
-    throw Failure(exitOutputNotWritten, name + ": not enough memory");
+    throw Failure(exitOutputNotWritten, name + ": out of memory");
   }
 }
 

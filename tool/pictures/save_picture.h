@@ -10,20 +10,20 @@
 namespace rasterkit::tool {
 
 struct SaveOptions {
-  /// Of JPEG files, 1 to 100.
+  /// JPEG quality, 1 to 100.
   int quality = 90;
-  /// Of TIFF files: how they are packed, on how many threads, and where on the map they lie.
+  /// For TIFF files: compression, number of threads, map position.
   TiffCompression compression = TiffCompression::standard;
   int threads = 1;
   std::optional<TiffGeoTags> geo;
 };
 
-/// What a file of this name would be written as: bmp, jpeg, png, tiff, or unknown.
+/// Returns the type of a file with this name: bmp, jpeg, png, tiff, or unknown if the tool cannot
+/// write it.
 PictureType WritableType(const std::string& file);
 
-/// Writes the bitmap as the name's extension says, whole or not at all. Throws
-/// Failure(exitOutputNotWritten), or Failure(exitInterrupted) as long as the file has not got its
-/// name.
+/// Writes the bitmap with the type that the extension of `file` names, completely or not at all.
+/// Throws Failure(exitOutputNotWritten), or Failure(exitInterrupted) before the file has its name.
 void SavePicture(const TBitmap& bitmap, const std::string& file, const SaveOptions& options);
 
 }  // namespace rasterkit::tool

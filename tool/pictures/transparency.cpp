@@ -3,6 +3,8 @@
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/png_image.h>
 
+#include "tool/command/color_digits.h"
+
 namespace rasterkit::tool {
 namespace {
 
@@ -19,7 +21,8 @@ void ForgetTransparency(TBitmap& bitmap) {
   bitmap.SetAlphaFormat(afIgnored);
 }
 
-/// By way of 24 bits, as the fourth byte of a 32-bit picture without an alpha channel is anything.
+/// Converts to 24-bit first: the fourth byte of a 32-bit picture without an alpha channel is
+/// undefined.
 void MakeOpaqueAlpha(TBitmap& bitmap) {
   ForgetTransparency(bitmap);
   if (bitmap.PixelFormat() == pf32bit) bitmap.SetPixelFormat(pf24bit);
@@ -50,8 +53,8 @@ void DropTransparency(std::unique_ptr<TBitmap>& bitmap, TColor background) {
   picture.Assign(bitmap.get());
   auto target = std::make_unique<TBitmap>();
   target->ResetPixels(pf24bit, picture.Width(), picture.Height());
-  target->SetDpi(bitmap->Dpi());
-  target->SetProfile(bitmap->Profile());
+  target->CarryFrom(
+      *bitmap, {.palette = false, .alphaFormat = false, .transparency = CarriedTransparency::none});
   bitmap.reset();
   target->Canvas().Brush.Color = background;
   target->Canvas().FillRect({0, 0, target->Width(), target->Height()});

@@ -8,33 +8,32 @@
 
 namespace rasterkit::tool {
 
-/// The bitmap has an alpha channel that means something.
+/// True if the bitmap has a defined alpha channel.
 bool HasAlpha(const TBitmap& bitmap);
 
-/// Some pixels are not to be seen: by an alpha channel or by a transparent colour.
+/// True if the bitmap has transparent pixels: an alpha channel or a transparent color.
 bool HasTransparency(const TBitmap& bitmap);
 
-/// Draws a partly transparent picture onto the background colour as 24-bit pixels: what lies under
-/// transparent pixels was never meant to be seen.
+/// Draws a partly transparent picture onto the background color as 24-bit pixels. Colors under
+/// transparent pixels are lost.
 void DropTransparency(std::unique_ptr<TBitmap>& bitmap, TColor background);
 
-/// Makes every pixel of the colour transparent: by marking the colour, or in the alpha channel
-/// where something else is transparent already.
+/// Makes every pixel of the color transparent: marks the color, or changes the alpha channel if
+/// other pixels are already transparent.
 void MarkTransparent(TBitmap& bitmap, TColor color);
 
-/// An alpha channel in place of a transparent colour; a picture without transparency stays as it
-/// is.
+/// Replaces a transparent color by an alpha channel. No-op without transparency.
 void KeyToAlpha(TBitmap& bitmap);
 
-/// Makes the bitmap 32-bit with an alpha channel that shows what was seen before.
+/// Converts the bitmap to 32-bit with an alpha channel; it looks the same.
 void MakeAlphaChannel(TBitmap& bitmap);
 
-/// How opaque each pixel is, row by row, kept beside a picture whose colours change.
+/// Keeps the opacity of each pixel while the colors of a picture change.
 class AlphaPlane {
  public:
-  /// Takes the transparency out: the bitmap is then opaque, and 24-bit when it had some.
+  /// Removes the transparency: the bitmap is then opaque, and 24-bit if it had any.
   explicit AlphaPlane(TBitmap& bitmap);
-  /// Puts it back where there was one: the bitmap is then 32-bit with an alpha channel.
+  /// Restores the transparency, if there was any: the bitmap is then 32-bit with an alpha channel.
   void Restore(TBitmap& bitmap) const;
 
  private:

@@ -7,6 +7,7 @@
 #include <rasterkit/bitmaptools/rotation/orient.h>
 #include <rasterkit/bitmaptools/rotation/rotate.h>
 
+#include "tool/command/color_digits.h"
 #include "tool/command/exit_code.h"
 
 namespace rasterkit::tool {
@@ -14,8 +15,8 @@ namespace {
 
 constexpr double kNearQuarter = 0.5;
 
-// Turned pictures of one or two rows have nothing to share among many threads, and the library
-// refuses to; from three by three pixels on there are always more rows.
+// The library refuses more threads than rows. Turned pictures of at least 3 x 3 pixels always have
+// enough rows.
 constexpr int kThinPicture = 2;
 
 int ThreadCount(const TBitmap& bitmap, const PictureOptions& options) {
@@ -44,7 +45,7 @@ void Turn(std::unique_ptr<TBitmap>& bitmap, const PictureOptions& options) {
   if (angle == 0) return;
   if (!RotateBitmap(static_cast<float>(angle), bitmap, BackgroundColor(options.background),
                     ThreadCount(*bitmap, options), nullptr))
-    throw Failure(exitOutputNotWritten, "the picture is too large to be turned");
+    throw Failure(exitOutputNotWritten, "the picture is too large to turn");
 }
 
 }  // namespace rasterkit::tool

@@ -8,15 +8,15 @@
 
 namespace rasterkit::tool {
 
-/// Sets a picture of EXIF orientation 1 to 8 upright by moving whole pixels, in any pixel format.
+/// Turns a picture of EXIF orientation 1 to 8 upright by moving whole pixels, in any pixel format.
 void TurnUpright(std::unique_ptr<TBitmap>& bitmap, int orientation);
 
-/// Turns by any angle. Multiples of a quarter turn move whole pixels, in any format and on any
-/// edge; the rest within half a degree of one is turned from there, so that 89.6 degrees are
-/// not 90.
+/// Turns by any angle. Multiples of 90 degrees move whole pixels, in any format. An angle within
+/// half a degree of such a multiple is split into that multiple and a small turn, so that 89.6
+/// degrees are not rounded to 90.
 void Turn(std::unique_ptr<TBitmap>& bitmap, const PictureOptions& options);
 
-/// The colour that `--background RRGGBB` names; -1 for "auto".
+/// The color of `--background RRGGBB`; -1 for "auto".
 TColor BackgroundColor(const std::string& background);
 
 }  // namespace rasterkit::tool

@@ -10,12 +10,11 @@
 namespace rasterkit::tool {
 namespace {
 
-/// The same numbers as floats, which hold all of them exactly, with NaN for "no data": the library
-/// stretches around those.
+/// Converts the numbers to floats, which hold all of them exactly, with NaN for "no data": the
+/// library's stretch ignores NaN.
 ImagingFrame WithoutNoData(ImagingFrame frame, GridType type, const NoData& noData) {
   Raster floats(pf32bit, frame.rows.Width(), frame.rows.Height());
-  floats.resolution = frame.rows.resolution;
-  floats.profile = frame.rows.profile;
+  floats.CopyProperties(frame.rows);
   const Grid grid(std::move(frame.rows), type);
   for (int y = 0; y < grid.Height(); ++y) {
     for (int x = 0; x < grid.Width(); ++x) {

@@ -7,9 +7,9 @@
 
 namespace rasterkit::tool {
 
-/// The frame as a picture to look at, with notes of what had to be done to numbers: words are shown
-/// by their whole range, other numbers between their least and greatest one. What is `noData` by
-/// the file's own word is white and does not count there.
+/// Converts the frame to a picture for viewing, and reports what was done to numbers: 16-bit
+/// integers are shown with their whole range, other numbers between their minimum and maximum. The
+/// value `noData` of the file is white and does not count for these.
 Raster VisibleRows(ImagingFrame frame, const std::string& noData, CodecReport& report);
 
 }  // namespace rasterkit::tool

@@ -21,10 +21,10 @@ std::string TextOf(const ExifBlock& block, const char* directory, uint16_t tag) 
   return entry != nullptr ? block.Text(*entry) : "";
 }
 
-/// The EXIF form of a moment, "2019:07:04 13:05:09", as ISO 8601; empty when it is none.
+/// Converts an EXIF date, "2019:07:04 13:05:09", to ISO 8601; empty if it is invalid.
 std::string IsoDate(std::string text) {
-  constexpr size_t length = 19, timePlace = 10;
-  if (text.size() != length || text[4] != ':' || text[7] != ':' || text[timePlace] != ' ')
+  constexpr size_t kLength = 19, kTimePlace = 10;
+  if (text.size() != kLength || text[4] != ':' || text[7] != ':' || text[kTimePlace] != ' ')
     return {};
   try {
     ParseExifDateTime(text);
@@ -32,15 +32,15 @@ std::string IsoDate(std::string text) {
     return {};
   }
   text[4] = text[7] = '-';
-  text[timePlace] = 'T';
+  text[kTimePlace] = 'T';
   return text;
 }
 
-/// When the photo was taken, else when its file was last changed.
+/// The date when the photo was taken, or else when its file was last changed.
 std::string DateOf(const ExifBlock& block) {
-  constexpr uint16_t dateTimeOriginal = 36867, dateTime = 306;
-  const std::string taken = IsoDate(TextOf(block, "exif", dateTimeOriginal));
-  return taken.empty() ? IsoDate(TextOf(block, "main", dateTime)) : taken;
+  constexpr uint16_t kDateTimeOriginal = 36867, kDateTime = 306;
+  const std::string taken = IsoDate(TextOf(block, "exif", kDateTimeOriginal));
+  return taken.empty() ? IsoDate(TextOf(block, "main", kDateTime)) : taken;
 }
 
 void AddComment(ExifFacts& facts, const std::string& comment) {
@@ -63,13 +63,13 @@ void TakeFields(ExifFacts& facts, const ExifBlock& block) {
 }
 
 void TakeExif(ExifFacts& facts, const JpegSegment& segment) {
-  constexpr uint16_t userComment = 37510;
+  constexpr uint16_t kUserComment = 37510;
   const ExifBlock block(SectionBytes(segment));
   facts.byteOrder = block.ByteOrder();
   if (block.IsDamaged()) facts.warnings.emplace_back("EXIF: the section is damaged");
   facts.date = DateOf(block);
   const ExifDirectory* exif = block.Find("exif");
-  const ExifEntry* comment = exif != nullptr ? exif->Find(userComment) : nullptr;
+  const ExifEntry* comment = exif != nullptr ? exif->Find(kUserComment) : nullptr;
   if (comment != nullptr && block.Text(*comment) != fmt::format("{} bytes", comment->byteCount))
     AddComment(facts, block.Text(*comment));
   TakeThumbnail(facts, block);
@@ -82,13 +82,14 @@ void TakeHeader(ExifFacts& facts, const JpegHeader& header) {
   if (!header.isComplete)
     facts.warnings.emplace_back("JPEG: the header does not lead to picture data");
   for (const JpegSegment& segment : header.segments) {
-    facts.sections.push_back(
-        {MarkerName(segment.marker), SegmentKind(segment), segment.place, segment.Size()});
-    if (facts.sections.back().kind == "comment")
+    const std::optional<MetadataKind> kind = SegmentKind(segment);
+    facts.sections.push_back({MarkerName(segment.marker), kind ? MetadataKindName(*kind) : "",
+                              segment.place, segment.Size()});
+    if (kind == MetadataKind::comment)
       AddComment(facts, Trim({reinterpret_cast<const char*>(segment.payload.data()),
                               segment.payload.size()}));
   }
-  if (const JpegSegment* exif = header.Find("exif")) TakeExif(facts, *exif);
+  if (const JpegSegment* exif = header.Find(MetadataKind::exif)) TakeExif(facts, *exif);
 }
 
 }  // namespace

@@ -10,13 +10,13 @@
 
 namespace rasterkit::tool {
 
-/// What the header of a JPEG file says.
+/// What the header of a JPEG file states.
 struct ExifFacts {
   struct Field {
     /// See ExifDirectory.
     const char* directory;
     uint16_t tag;
-    /// Empty for tags without an everyday name.
+    /// Empty for uncommon tags.
     std::string name;
     std::string value;
   };
@@ -32,13 +32,13 @@ struct ExifFacts {
   };
 
   std::string file;
-  /// Why the file cannot be read; empty when it can.
+  /// Why the file cannot be read; empty on success.
   std::string error;
   int width = 0, height = 0;
   PhotoFacts photo;
   /// "II", "MM", or empty.
   std::string byteOrder;
-  /// "2019-07-04T13:05:09"; empty when no date can be read.
+  /// "2019-07-04T13:05:09"; empty if there is no valid date.
   std::string date;
   std::vector<std::string> comments;
   std::optional<Thumbnail> thumbnail;
@@ -47,7 +47,7 @@ struct ExifFacts {
   std::vector<std::string> warnings;
 };
 
-/// Never throws for what a file holds: `error` tells what is wrong.
+/// Reads the header. Never throws for the content of a file: `error` says what is wrong.
 ExifFacts ReadExifFactsOf(const std::string& file);
 
 }  // namespace rasterkit::tool

@@ -4,8 +4,8 @@
 
 namespace rasterkit::tool {
 
-/// What the EXIF standard calls a tag, in a directory of that name (see ExifDirectory); empty for
-/// tags that are no everyday ones.
+/// Name of a tag in the EXIF standard, in a directory of that name (see ExifDirectory); empty for
+/// uncommon tags.
 const char* ExifTagName(const char* directory, uint16_t tag);
 
 }  // namespace rasterkit::tool

@@ -4,66 +4,64 @@
 
 #include <fmt/format.h>
 
+#include "tool/command/json.h"
 #include "tool/command/printable.h"
 #include "tool/reports/exif_facts.h"
 #include "tool/reports/geo_json.h"
 
-#include <nlohmann/json.hpp>
-
 namespace rasterkit::tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-Json TextOrNull(const std::string& text) {
-  return text.empty() ? Json() : Json(text);
-}
-
 Json SectionsJson(const ExifFacts& facts) {
-  Json list = Json::array();
+  JsonList list;
   for (const ExifFacts::Section& section : facts.sections)
-    list.push_back({{"marker", section.marker},
-                    {"kind", TextOrNull(section.kind)},
-                    {"place", section.place},
-                    {"bytes", section.bytes}});
+    list.Add(JsonObject()
+                 .Add("marker", section.marker)
+                 .Add("kind", TextOrNull(section.kind))
+                 .Add("place", section.place)
+                 .Add("bytes", section.bytes));
   return list;
 }
 
 Json FieldsJson(const ExifFacts& facts) {
-  Json list = Json::array();
+  JsonList list;
   for (const ExifFacts::Field& field : facts.fields)
-    list.push_back({{"directory", field.directory},
-                    {"tag", field.tag},
-                    {"name", TextOrNull(field.name)},
-                    {"value", field.value}});
+    list.Add(JsonObject()
+                 .Add("directory", field.directory)
+                 .Add("tag", field.tag)
+                 .Add("name", TextOrNull(field.name))
+                 .Add("value", field.value));
   return list;
 }
 
 Json ThumbnailJson(const std::optional<ExifFacts::Thumbnail>& thumbnail) {
   if (!thumbnail) return {};
-  return {{"bytes", thumbnail->bytes}, {"width", thumbnail->width}, {"height", thumbnail->height}};
+  return JsonObject()
+      .Add("bytes", thumbnail->bytes)
+      .Add("width", thumbnail->width)
+      .Add("height", thumbnail->height);
 }
 
 void PrintJson(const ExifFacts& facts) {
   const PhotoFacts& photo = facts.photo;
-  Json line;
-  line["schema"] = 1;
-  line["file"] = facts.file;
-  line["ok"] = facts.error.empty();
-  line["error"] = TextOrNull(facts.error);
-  line["width"] = facts.error.empty() ? Json(facts.width) : Json();
-  line["height"] = facts.error.empty() ? Json(facts.height) : Json();
-  line["byte_order"] = TextOrNull(facts.byteOrder);
-  line["orientation"] = photo.orientation ? Json(*photo.orientation) : Json();
-  line["rotation"] = photo.rotation ? Json(*photo.rotation) : Json();
-  line["date"] = TextOrNull(facts.date);
-  line["gps"] = GpsJson(photo.gps);
-  line["comments"] = facts.comments;
-  line["thumbnail"] = ThumbnailJson(facts.thumbnail);
-  line["sections"] = SectionsJson(facts);
-  line["fields"] = FieldsJson(facts);
-  line["warnings"] = facts.warnings;
-  fmt::print("{}\n", line.dump(-1, ' ', false, Json::error_handler_t::replace));
+  JsonObject line;
+  line.Add("schema", 1);
+  line.Add("file", facts.file);
+  line.Add("ok", facts.error.empty());
+  line.Add("error", TextOrNull(facts.error));
+  line.Add("width", facts.error.empty() ? Json(facts.width) : Json());
+  line.Add("height", facts.error.empty() ? Json(facts.height) : Json());
+  line.Add("byte_order", TextOrNull(facts.byteOrder));
+  line.Add("orientation", photo.orientation);
+  line.Add("rotation", photo.rotation);
+  line.Add("date", TextOrNull(facts.date));
+  line.Add("gps", GpsJson(photo.gps));
+  line.Add("comments", facts.comments);
+  line.Add("thumbnail", ThumbnailJson(facts.thumbnail));
+  line.Add("sections", SectionsJson(facts));
+  line.Add("fields", FieldsJson(facts));
+  line.Add("warnings", facts.warnings);
+  PrintLine(line);
 }
 
 void PrintFields(const ExifFacts& facts) {

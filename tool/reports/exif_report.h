@@ -4,8 +4,8 @@
 
 namespace rasterkit::tool {
 
-/// Prints what the header of a JPEG file says, as text or as one JSON object on a line. An input
-/// that cannot be read is reported as the verb's other errors are; then the result is false.
+/// Prints the header of a JPEG file, as text or as one JSON object on a line. Returns false if the
+/// input cannot be read; the error is then printed on stderr.
 bool ReportExif(const std::string& file, bool json);
 
 }  // namespace rasterkit::tool

@@ -2,23 +2,24 @@
 
 namespace rasterkit::tool {
 
-nlohmann::ordered_json GeoJson(const std::vector<GeoPosition>& positions) {
-  auto list = nlohmann::ordered_json::array();
+Json GeoJson(const std::vector<GeoPosition>& positions) {
+  JsonList list;
   for (const GeoPosition& position : positions) {
-    nlohmann::ordered_json entry = {{"source", position.source}};
-    if (!position.file.empty()) entry["file"] = position.file;
-    entry["affine"] = position.affine;
-    list.push_back(std::move(entry));
+    JsonObject entry;
+    entry.Add("source", position.source);
+    if (!position.file.empty()) entry.Add("file", position.file);
+    entry.Add("affine", position.affine);
+    list.Add(entry);
   }
   return list;
 }
 
-nlohmann::ordered_json GpsJson(const std::optional<GpsPosition>& gps) {
+Json GpsJson(const std::optional<GpsPosition>& gps) {
   if (!gps) return {};
-  return {{"latitude", gps->latitude},
-          {"longitude", gps->longitude},
-          {"altitude",
-           gps->altitude ? nlohmann::ordered_json(*gps->altitude) : nlohmann::ordered_json()}};
+  return JsonObject()
+      .Add("latitude", gps->latitude)
+      .Add("longitude", gps->longitude)
+      .Add("altitude", gps->altitude);
 }
 
 }  // namespace rasterkit::tool

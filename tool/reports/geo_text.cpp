@@ -7,7 +7,8 @@ namespace {
 
 std::string SourceText(const GeoPosition& position) {
   if (!position.file.empty()) return "world file " + position.file;
-  return position.source == "geotiff" ? "pixel scale and tie point" : "transformation matrix";
+  return position.source == MetadataKindName(MetadataKind::geoTiff) ? "pixel scale and tie point"
+                                                                    : "transformation matrix";
 }
 
 }  // namespace
@@ -15,7 +16,7 @@ std::string SourceText(const GeoPosition& position) {
 std::string PositionText(const GeoPosition& position) {
   const auto [perColumnX, perColumnY, perRowX, perRowY, x, y] = position.affine;
   return fmt::format(
-      "{}: pixel 0,0 has its centre at {},{}; one column on adds {},{}, one row down adds {},{}",
+      "{}: pixel 0,0 has its center at {},{}; one column on adds {},{}, one row down adds {},{}",
       SourceText(position), x, y, perColumnX, perColumnY, perRowX, perRowY);
 }
 

@@ -6,8 +6,8 @@
 
 namespace rasterkit::tool {
 
-/// One line for people: "world file a.tfw: pixel 0,0 has its centre at 10,20; one column on adds
-/// 2,0, one row down adds 0,-2".
+/// Describes a position in one line: "world file a.tfw: pixel 0,0 has its center at 10,20; one
+/// column on adds 2,0, one row down adds 0,-2".
 std::string PositionText(const GeoPosition& position);
 
 }  // namespace rasterkit::tool

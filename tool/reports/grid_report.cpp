@@ -23,7 +23,7 @@ GridAnswer AtPixel(const GridFile& file, MapPoint pixel) {
   return answer;
 }
 
-/// A pixel reaches half its size around its centre.
+/// A pixel extends half its size around its center.
 GridAnswer AtMapPoint(const GridFile& file, MapPoint point) {
   GridAnswer answer;
   answer.map = point;
@@ -37,7 +37,7 @@ GridAnswer AtMapPoint(const GridFile& file, MapPoint point) {
 std::vector<GridAnswer> AnswerAll(const GridFile& file, const GridQuestions& questions) {
   if (!questions.mapPoints.empty() && file.positions.empty())
     throw Failure(exitAnswerIsNo,
-                  questions.file + ": has no position on a map, neither tags nor a world file");
+                  questions.file + ": has no position on a map: no tags and no world file");
   std::vector<GridAnswer> answers;
   for (const MapPoint& pixel : questions.pixels) answers.push_back(AtPixel(file, pixel));
   for (const MapPoint& point : questions.mapPoints) answers.push_back(AtMapPoint(file, point));
@@ -52,7 +52,7 @@ GridReport MakeGridReport(const GridQuestions& questions) {
   if (!report.file.grid) return report;
   StopIfInterrupted();
   report.answers = AnswerAll(report.file, questions);
-  report.statistics = Summarise(*report.file.grid, report.file.noData);
+  report.statistics = Summarize(*report.file.grid, report.file.noData);
   StopIfInterrupted();
   return report;
 }

@@ -11,33 +11,33 @@ namespace rasterkit::tool {
 
 struct GridQuestions {
   std::string file;
-  /// Columns and rows, counted from 0 at the upper left.
+  /// Columns and rows, counted from 0 at the top left.
   std::vector<MapPoint> pixels;
   std::vector<MapPoint> mapPoints;
   bool json = false;
 };
 
-/// One answered question.
+/// The value at one point.
 struct GridAnswer {
-  /// The pixel that was asked for, or the one around the map point; empty when no pixel can be.
+  /// The requested pixel, or the one at the map point; empty if the point has no pixel.
   std::optional<MapPoint> pixel;
-  /// Empty when the grid has no position.
+  /// Empty if the grid has no position.
   std::optional<MapPoint> map;
-  /// Empty outside the grid.
+  /// Empty if the point is outside the grid.
   std::optional<double> value;
   bool isNoData = false;
 };
 
-/// All that is told about a grid.
+/// Everything that is reported about a grid.
 struct GridReport {
   GridFile file;
-  /// These two say nothing when `file` has no grid.
+  /// Unused if `file` has no grid.
   GridStatistics statistics;
   std::vector<GridAnswer> answers;
 };
 
-/// Throws Failure(exitInputUnreadable), and Failure(exitAnswerIsNo) when map points are asked of a
-/// grid without a position.
+/// Reads the grid and its values. Throws Failure(exitInputUnreadable), and Failure(exitAnswerIsNo)
+/// if map points are requested from a grid without a position.
 GridReport MakeGridReport(const GridQuestions& questions);
 
 }  // namespace rasterkit::tool

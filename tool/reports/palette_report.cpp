@@ -6,16 +6,15 @@
 #include <fmt/format.h>
 
 #include "tool/command/exit_code.h"
-#include "tool/pictures/entry_rows.h"
+#include "tool/command/json.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/picture_file.h"
 #include "tool/pictures/transparency.h"
-
-#include <nlohmann/json.hpp>
 
 namespace rasterkit::tool {
 namespace {
 
-/// An entry as people and programs are told of it.
+/// A palette entry as it is printed.
 struct EntryLine {
   int index = 0;
   std::string color;
@@ -52,39 +51,30 @@ void PrintText(const std::string& file, const TBitmap& bitmap,
                line.isTransparent ? ", transparent" : "");
 }
 
-void PrintJson(const std::string& file, const TBitmap& bitmap,
+/// `bits` is null if the picture cannot be read.
+void PrintJson(const std::string& file, const std::string& error, const Json& bits,
                const std::vector<EntryLine>& lines) {
-  nlohmann::ordered_json object;
-  object["schema"] = 1;
-  object["file"] = file;
-  object["ok"] = true;
-  object["error"] = nullptr;
-  object["bits"] = bitmap.StoredBits();
-  object["entries"] = nlohmann::ordered_json::array();
+  JsonList entries;
   for (const EntryLine& line : lines)
-    object["entries"].push_back({{"index", line.index},
-                                 {"color", line.color},
-                                 {"pixels", line.pixels},
-                                 {"transparent", line.isTransparent}});
-  fmt::print("{}\n", object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
-}
-
-void PrintFailure(const std::string& file, const std::string& error) {
-  nlohmann::ordered_json object;
-  object["schema"] = 1;
-  object["file"] = file;
-  object["ok"] = false;
-  object["error"] = error;
-  object["bits"] = nullptr;
-  object["entries"] = nlohmann::ordered_json::array();
-  fmt::print("{}\n", object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+    entries.Add(JsonObject()
+                    .Add("index", line.index)
+                    .Add("color", line.color)
+                    .Add("pixels", line.pixels)
+                    .Add("transparent", line.isTransparent));
+  PrintLine(JsonObject()
+                .Add("schema", 1)
+                .Add("file", file)
+                .Add("ok", error.empty())
+                .Add("error", TextOrNull(error))
+                .Add("bits", bits)
+                .Add("entries", entries));
 }
 
 LoadedPicture Load(const std::string& file, bool json) {
   try {
     return LoadPicture(file);
   } catch (const Failure& failure) {
-    if (json) PrintFailure(file, failure.what());
+    if (json) PrintJson(file, failure.what(), nullptr, {});
     throw;
   }
 }
@@ -96,7 +86,11 @@ int ShowPalette(const std::string& file, bool json) {
   for (const std::string& warning : picture.warnings)
     fmt::print(stderr, "rasterkit: {}: warning: {}\n", file, warning);
   const std::vector<EntryLine> lines = LinesOf(*picture.bitmap);
-  json ? PrintJson(file, *picture.bitmap, lines) : PrintText(file, *picture.bitmap, lines);
+  if (json) {
+    PrintJson(file, {}, picture.bitmap->StoredBits(), lines);
+  } else {
+    PrintText(file, *picture.bitmap, lines);
+  }
   return lines.empty() ? exitAnswerIsNo : exitDone;
 }
 

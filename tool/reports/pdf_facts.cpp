@@ -16,7 +16,7 @@ PdfFacts GatherPdfFacts(const std::string& file, std::vector<std::string>& warni
   try {
     UsePdfLibrary();
   } catch (const Error& error) {
-    warnings.push_back(std::string("the pages are not counted: ") + error.what());
+    warnings.push_back(std::string("the pages were not counted: ") + error.what());
     return {};
   }
   const auto document = OpenPdf(file, {});

@@ -8,15 +8,15 @@
 
 namespace rasterkit::tool {
 
-/// What `info` says about a PDF file. It has pages and no pixels of its own.
+/// What `info` prints about a PDF file, which has pages and no pixels of its own.
 struct PdfFacts {
-  /// Nothing where PDF files cannot be read, and for a pipe, which cannot be read twice.
+  /// Empty if PDF files cannot be read here, and for a pipe, which cannot be read twice.
   std::optional<int> pages;
   std::optional<PdfPageSize> firstPage;
 };
 
-/// Throws Failure(exitInputUnreadable) for a file that is encrypted or damaged. That the component
-/// for PDF files is missing is a warning.
+/// Reads the facts. Throws Failure(exitInputUnreadable) if the file is encrypted or damaged. A
+/// missing PDF component is a warning.
 PdfFacts GatherPdfFacts(const std::string& file, std::vector<std::string>& warnings);
 
 }  // namespace rasterkit::tool

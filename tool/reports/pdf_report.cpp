@@ -1,5 +1,6 @@
 #include "tool/reports/pdf_report.h"
 
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <optional>
@@ -7,22 +8,19 @@
 #include <fmt/format.h>
 
 #include "tool/command/exit_code.h"
+#include "tool/command/json.h"
 #include "tool/pages/pdf_file.h"
-
-#include <nlohmann/json.hpp>
 
 namespace rasterkit::tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-constexpr double kMillimetresPerPoint = 25.4 / 72;
+constexpr double kMillimetersPerPoint = 25.4 / 72;
 
 double Rounded(double value, double steps) {
   return std::round(value * steps) / steps;
 }
 
-/// What is wrong with drawing the page at that size, or nothing.
+/// Why the page cannot be drawn at that size; empty if it can.
 std::string Refusal(const PdfPageSize& size, double scale) {
   try {
     RequirePdfPage(size, scale);
@@ -34,35 +32,38 @@ std::string Refusal(const PdfPageSize& size, double scale) {
 
 Json PageJson(int page, const PdfPageSize& size, double scale) {
   const PdfPixels pixels = PdfPagePixels(size, scale);
-  const std::string refusal = Refusal(size, scale);
-  Json line;
-  line["page"] = page;
-  line["points"] = {Rounded(size.width, 1000), Rounded(size.height, 1000)};
-  line["millimetres"] = {Rounded(size.width * kMillimetresPerPoint, 100),
-                         Rounded(size.height * kMillimetresPerPoint, 100)};
-  line["pixels"] = {pixels.width, pixels.height};
-  line["bytes"] = pixels.Bytes();
-  line["error"] = refusal.empty() ? Json() : Json(refusal);
-  return line;
+  return JsonObject()
+      .Add("page", page)
+      .Add("points", std::array{Rounded(size.width, 1000), Rounded(size.height, 1000)})
+      .Add("millimetres", std::array{Rounded(size.width * kMillimetersPerPoint, 100),
+                                     Rounded(size.height * kMillimetersPerPoint, 100)})
+      .Add("pixels", std::array{pixels.width, pixels.height})
+      .Add("bytes", pixels.Bytes())
+      .Add("error", TextOrNull(Refusal(size, scale)));
 }
 
 Json DamagedPageJson(int page, const std::string& error) {
-  return {{"page", page},     {"points", Json()}, {"millimetres", Json()},
-          {"pixels", Json()}, {"bytes", Json()},  {"error", error}};
+  return JsonObject()
+      .Add("page", page)
+      .Add("points", nullptr)
+      .Add("millimetres", nullptr)
+      .Add("pixels", nullptr)
+      .Add("bytes", nullptr)
+      .Add("error", error);
 }
 
 void PrintPage(int page, const PdfPageSize& size, double scale) {
   const PdfPixels pixels = PdfPagePixels(size, scale);
   fmt::print(
       "  page {}: {:.6g} x {:.6g} points, {:.1f} x {:.1f} mm, {:.0f} x {:.0f} pixels, {:.0f} MiB\n",
-      page, size.width, size.height, size.width * kMillimetresPerPoint,
-      size.height * kMillimetresPerPoint, pixels.width, pixels.height,
+      page, size.width, size.height, size.width * kMillimetersPerPoint,
+      size.height * kMillimetersPerPoint, pixels.width, pixels.height,
       std::ceil(pixels.Bytes() / 1048576));
   const std::string refusal = Refusal(size, scale);
   if (!refusal.empty()) fmt::print("    cannot be drawn: {}\n", refusal);
 }
 
-/// The size of a page, or why there is none.
+/// The size of a page, or nothing and the reason in `error`.
 std::optional<PdfPageSize> TrySize(const PdfDocument& document, const std::string& file, int page,
                                    std::string& error) {
   try {
@@ -73,19 +74,15 @@ std::optional<PdfPageSize> TrySize(const PdfDocument& document, const std::strin
   }
 }
 
-void PrintJson(const Json& line) {
-  fmt::print("{}\n", line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
-}
-
-Json Heading(const std::string& file, double dpi, const std::string& error) {
-  Json line;
-  line["schema"] = 1;
-  line["file"] = file;
-  line["ok"] = error.empty();
-  line["error"] = error.empty() ? Json() : Json(error);
-  line["dpi"] = dpi;
-  line["pages"] = Json::array();
-  return line;
+void PrintJson(const std::string& file, double dpi, const std::string& error,
+               const JsonList& pages) {
+  PrintLine(JsonObject()
+                .Add("schema", 1)
+                .Add("file", file)
+                .Add("ok", error.empty())
+                .Add("error", TextOrNull(error))
+                .Add("dpi", dpi)
+                .Add("pages", pages));
 }
 
 }  // namespace
@@ -95,25 +92,24 @@ int ReportPages(const std::string& file, const std::string& password, double dpi
   try {
     document = OpenPdf(file, password);
   } catch (const Failure& failure) {
-    if (json) PrintJson(Heading(file, dpi, failure.what()));
+    if (json) PrintJson(file, dpi, failure.what(), {});
     throw;
   }
-  Json line = Heading(file, dpi, {});
+  JsonList pages;
   const int count = document->PageCount();
   if (!json) fmt::print("{}: {} page{}, at {:g} dpi\n", file, count, count == 1 ? "" : "s", dpi);
   for (int page = 1; page <= count; ++page) {
     std::string error;
     const auto size = TrySize(*document, file, page, error);
     if (json) {
-      line["pages"].push_back(size ? PageJson(page, *size, dpi / 100)
-                                   : DamagedPageJson(page, error));
+      pages.Add(size ? PageJson(page, *size, dpi / 100) : DamagedPageJson(page, error));
     } else if (size) {
       PrintPage(page, *size, dpi / 100);
     } else {
       fmt::print("  page {}: damaged\n", page);
     }
   }
-  if (json) PrintJson(line);
+  if (json) PrintJson(file, dpi, {}, pages);
   return exitDone;
 }
 

@@ -12,17 +12,18 @@
 namespace rasterkit::tool {
 namespace {
 
-/// What fits into a segment behind its length and "Exif" 0 0.
+/// Largest EXIF block of a segment: its length field and "Exif" 0 0 need the rest.
 constexpr size_t kLargestExif = 65535 - 8;
 
-/// Entries of the GPS directory.
+/// Tags of the GPS directory.
 enum GpsTag : uint16_t { gpsLatitude = 2, gpsLongitude = 4, gpsAltitude = 6 };
 
-/// Rationals are pairs of four bytes each. Cameras without reception write 0/0, which is no number.
+/// Reads rationals, pairs of 32-bit integers. Cameras without GPS reception write 0/0, which is not
+/// a number.
 bool HasDenominator(const std::string& rationals) {
-  constexpr size_t pair = 8, half = 4;
-  for (size_t at = 0; at + pair <= rationals.size(); at += pair)
-    if (rationals.compare(at + half, half, std::string(half, '\0')) != 0) return true;
+  constexpr size_t kPair = 8, kHalf = 4;
+  for (size_t at = 0; at + kPair <= rationals.size(); at += kPair)
+    if (rationals.compare(at + kHalf, kHalf, std::string(kHalf, '\0')) != 0) return true;
   return false;
 }
 
@@ -33,7 +34,7 @@ bool HasGpsNumber(const TExifData& data, GpsTag tag) {
   });
 }
 
-/// Nothing lies 0 degrees south: a zero loses its sign.
+/// Turns -0 into 0.
 double WithoutSignOfZero(double value) {
   return value + 0.0;
 }
@@ -53,8 +54,8 @@ std::optional<GpsPosition> PositionOf(const TImageData& data) {
   return position;
 }
 
-/// A JPEG header with nothing but the EXIF block in it, which the section reader finds whatever
-/// stood before it.
+/// Builds a JPEG header that contains only the EXIF block, so that the section reader finds the
+/// block at any place in the file.
 std::vector<uint8_t> HeaderAround(std::span<const uint8_t> exif) {
   const size_t length = exif.size() + 8;
   const std::array<uint8_t, 12> front = {0xFF,
@@ -77,15 +78,15 @@ std::vector<uint8_t> HeaderAround(std::span<const uint8_t> exif) {
   return header;
 }
 
-/// GetJpgRotation over bytes that are in memory already.
+/// GetJpgRotation for bytes in memory.
 int RotationQuery(std::span<const uint8_t> jpeg) {
   TImageData data;
   TSpanStream file(jpeg);
   return data.ReadJpegSections(file) && data.ExifData ? data.ExifData->Rotation : 0;
 }
 
-/// Runs a reading of the EXIF block; what it raises becomes a warning, as the picture itself may be
-/// sound.
+/// Runs a function that reads the EXIF block. Errors become warnings, because the picture itself
+/// may be intact.
 template <class Reading>
 void WithWarning(PhotoFacts& facts, Reading reading) {
   try {
@@ -101,7 +102,7 @@ void WithWarning(PhotoFacts& facts, Reading reading) {
 
 PhotoFacts ReadPhotoFacts(std::span<const uint8_t> jpeg) {
   PhotoFacts facts = ReadExifFacts(ReadMetadata(jpeg).exif);
-  // Its walk forgives damage that ends the plain one.
+  // ReadRawOrientation tolerates damage that stops TImageData.
   TSpanStream file(jpeg);
   facts.orientation = ReadRawOrientation(file);
   WithWarning(facts, [&] { facts.rotation = RotationQuery(jpeg); });

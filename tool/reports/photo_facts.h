@@ -9,30 +9,28 @@
 namespace rasterkit::tool {
 
 struct GpsPosition {
-  /// Degrees, north and east positive.
+  /// Degrees; north and east are positive.
   double latitude = 0, longitude = 0;
-  /// Metres above sea level, negative below.
+  /// Meters above sea level.
   std::optional<double> altitude;
 };
 
-/// What a picture's EXIF block says about how the photograph was taken.
+/// What the EXIF block of a picture states about the photograph.
 struct PhotoFacts {
-  /// The orientation tag, 1 to 8, as it stands in the file; nothing when there is none.
+  /// The orientation tag as stored in the file, 1 to 8; nothing if there is none.
   std::optional<int> orientation;
-  /// Degrees by which the photo query wants the picture turned: 0, 90, 180 or 270; nothing when it
-  /// raises an error.
+  /// Degrees by which the photo query turns the picture: 0, 90, 180 or 270; nothing if it throws.
   std::optional<int> rotation;
   std::optional<GpsPosition> gps;
-  /// What of the segment could not be understood.
+  /// Parts of the segment that could not be read.
   std::vector<std::string> warnings;
 };
 
-/// Of a whole JPEG file. Orientation and position are found wherever among the segments the EXIF
-/// block lies, also where the photo query does not look any more.
+/// Reads the facts of a whole JPEG file. Finds orientation and position in any segment, even where
+/// the photo query does not look.
 PhotoFacts ReadPhotoFacts(std::span<const uint8_t> jpeg);
 
-/// Of an EXIF block alone (see PictureMetadata::exif), wherever it comes from; there is no photo
-/// query for it.
+/// Reads the facts of an EXIF block (see PictureMetadata::exif). There is no photo query for it.
 PhotoFacts ReadExifFacts(std::span<const uint8_t> exif);
 
 }  // namespace rasterkit::tool

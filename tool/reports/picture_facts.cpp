@@ -10,13 +10,13 @@
 namespace rasterkit::tool {
 namespace {
 
-/// The reason without the file's name in front, which a line of `info` has already.
+/// The reason without the file name, which the line of `info` already contains.
 std::string ReasonOf(const std::string& message, const std::string& file) {
   const std::string prefix = file + ": ";
   return message.rfind(prefix, 0) == 0 ? message.substr(prefix.size()) : message;
 }
 
-/// Grey frames leave their palette to whoever shows them: a ramp.
+/// Gray frames have no palette: they use a gray ramp.
 int PaletteEntries(const ImagingFrame& frame) {
   switch (frame.format) {
     case GUID_WICPixelFormatBlackWhite:
@@ -40,7 +40,7 @@ void TakePixelFacts(PictureFacts& facts, const ImagingFrame& frame) {
   if (rows.resolution.IsKnown()) facts.dpi = {rows.resolution.x, rows.resolution.y};
 }
 
-/// Every position, and what is doubtful about them.
+/// Adds all positions, and warnings about them.
 void TakePositions(PictureFacts& facts) {
   facts.positions = PositionsOf(facts.file, facts.tiff.value_or(TiffFacts()));
   const auto worldFile = FindWorldFile(facts.file);
@@ -52,9 +52,9 @@ void TakePositions(PictureFacts& facts) {
 }
 
 void TakePdfFacts(PictureFacts& facts) {
-  // Under any other name programs take it for a picture, which it is not.
+  // Other programs would take a PDF file under another name for a picture.
   if (!IsPdfName(facts.file)) {
-    facts.error += "; a PDF file needs a name that ends in .pdf";
+    facts.error += "; the name of a PDF file must end in .pdf";
     return;
   }
   try {
@@ -86,7 +86,7 @@ PictureFacts GatherFacts(const std::string& file) {
   const bool wasOpened = loaded.bytes > 0 || facts.error.empty();
   if (wasOpened) facts.type = PictureTypeName(loaded.type);
   facts.bytes = loaded.bytes;
-  facts.metadata = loaded.metadata;
+  facts.metadata = MetadataKindNames(loaded.metadata);
   facts.photo = loaded.photo;
   if (facts.error.empty() && loaded.type != PictureType::jpeg) facts.photo.rotation = 0;
   facts.warnings = loaded.warnings;

@@ -14,38 +14,38 @@
 
 namespace rasterkit::tool {
 
-/// All that `info` says about one file.
+/// Everything that `info` prints about a file.
 struct PictureFacts {
   std::string file;
-  /// Empty when the picture could be read.
+  /// Empty if the picture could be read.
   std::string error;
   std::vector<std::string> warnings;
-  /// By content: "bmp", "jpeg" ...; "unknown" when nothing fits, empty when the file could not be
-  /// opened.
+  /// Detected from the content: "bmp", "jpeg" and so on; "unknown" for any other content, empty if
+  /// the file could not be opened.
   std::string type;
   uint64_t bytes = 0;
 
-  /// The rest down to `grid` is known of a picture that was decoded.
+  /// The members down to `grid` are set if the picture was decoded.
   int width = 0, height = 0, bits = 0;
   int pages = 1;
   int paletteEntries = 0;
   bool transparent = false;
   std::optional<std::array<double, 2>> dpi;
   std::vector<std::string> metadata;
-  /// "none", or the numbers of a grid: "float32", "uint16" ...
+  /// "none", or the number type of a grid: "float32", "uint16" and so on.
   std::string grid = "none";
 
   PhotoFacts photo;
   std::vector<GeoPosition> positions;
-  /// Of a TIFF file whose directories can be read, also when its pixels cannot.
+  /// Set for a TIFF file whose directories can be read, even if its pixels cannot.
   std::optional<TiffFacts> tiff;
-  /// Of a metafile, also when it cannot be drawn. Pixels are those at 96 an inch.
+  /// Set for a metafile, even if it cannot be drawn. Width and height are pixels at 96 per inch.
   std::optional<MetafileFacts> metafile;
-  /// Of a PDF file that was read: nothing is known of pixels then.
+  /// Set for a PDF file; facts about pixels are unset then.
   std::optional<PdfFacts> pdf;
 };
 
-/// Reads and decodes the file; never throws for a bad one.
+/// Reads and decodes the file. Never throws for a damaged file.
 PictureFacts GatherFacts(const std::string& file);
 
 }  // namespace rasterkit::tool

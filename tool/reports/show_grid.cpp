@@ -1,88 +1,87 @@
 #include "tool/reports/show_grid.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 
 #include <fmt/format.h>
 
 #include "tool/command/exit_code.h"
+#include "tool/command/json.h"
 #include "tool/command/printable.h"
 #include "tool/reports/geo_json.h"
 #include "tool/reports/geo_text.h"
 
-#include <nlohmann/json.hpp>
-
 namespace rasterkit::tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 // ---- JSON -------------------------------------------------------------------------------------
 
-/// JSON knows no infinity and no NaN.
+/// JSON has no infinity and no NaN: they become text.
 Json NumberJson(double value) {
   return std::isfinite(value) ? Json(value) : Json(fmt::format("{}", value));
 }
 
-/// Columns and rows are whole, but what a far map point would be need not fit any integer.
+/// Columns and rows are integers, but those of a far map point may not fit into one.
 Json PixelJson(const std::optional<MapPoint>& pixel) {
   constexpr double kLargest = 9e15;
   if (!pixel) return {};
-  if (std::abs(pixel->x) > kLargest || std::abs(pixel->y) > kLargest) return {pixel->x, pixel->y};
-  return {static_cast<int64_t>(pixel->x), static_cast<int64_t>(pixel->y)};
+  if (std::abs(pixel->x) > kLargest || std::abs(pixel->y) > kLargest)
+    return std::array{pixel->x, pixel->y};
+  return std::array{static_cast<int64_t>(pixel->x), static_cast<int64_t>(pixel->y)};
 }
 
 Json MapJson(const std::optional<MapPoint>& point) {
-  return point ? Json({point->x, point->y}) : Json();
+  return point ? Json(std::array{point->x, point->y}) : Json();
 }
 
 Json AnswersJson(const std::vector<GridAnswer>& answers) {
-  Json list = Json::array();
+  JsonList list;
   for (const GridAnswer& answer : answers)
-    list.push_back({{"pixel", PixelJson(answer.pixel)},
-                    {"map", MapJson(answer.map)},
-                    {"value", answer.value ? NumberJson(*answer.value) : Json()},
-                    {"nodata", answer.isNoData}});
+    list.Add(JsonObject()
+                 .Add("pixel", PixelJson(answer.pixel))
+                 .Add("map", MapJson(answer.map))
+                 .Add("value", answer.value ? NumberJson(*answer.value) : Json())
+                 .Add("nodata", answer.isNoData));
   return list;
 }
 
-Json GridJson(const GridReport& report) {
+JsonObject GridJson(const GridReport& report) {
   const GridStatistics& statistics = report.statistics;
   const bool hasValues = statistics.values > 0;
-  const std::string& noData = report.file.facts.noData;
-  Json line;
-  line["grid"] = GridTypeName(report.file.grid->Type());
-  line["width"] = report.file.grid->Width();
-  line["height"] = report.file.grid->Height();
-  line["samples"] = report.file.facts.samples;
-  line["pages"] = report.file.facts.pages;
-  line["minimum"] = hasValues ? Json(statistics.minimum) : Json();
-  line["maximum"] = hasValues ? Json(statistics.maximum) : Json();
-  line["mean"] = hasValues ? Json(statistics.mean) : Json();
-  line["values"] = statistics.values;
-  line["nodata"] = noData.empty() ? Json() : Json(noData);
-  line["nodata_values"] = statistics.noData;
-  line["not_finite_values"] = statistics.notFinite;
-  line["geo"] = GeoJson(report.file.positions);
-  line["at"] = AnswersJson(report.answers);
-  line["warnings"] = report.file.warnings;
+  JsonObject line;
+  line.Add("grid", GridTypeName(report.file.grid->Type()));
+  line.Add("width", report.file.grid->Width());
+  line.Add("height", report.file.grid->Height());
+  line.Add("samples", report.file.facts.samples);
+  line.Add("pages", report.file.facts.pages);
+  line.Add("minimum", hasValues ? Json(statistics.minimum) : Json());
+  line.Add("maximum", hasValues ? Json(statistics.maximum) : Json());
+  line.Add("mean", hasValues ? Json(statistics.mean) : Json());
+  line.Add("values", statistics.values);
+  line.Add("nodata", TextOrNull(report.file.facts.noData));
+  line.Add("nodata_values", statistics.noData);
+  line.Add("not_finite_values", statistics.notFinite);
+  line.Add("geo", GeoJson(report.file.positions));
+  line.Add("at", AnswersJson(report.answers));
+  line.Add("warnings", report.file.warnings);
   return line;
 }
 
-void PrintJson(const std::string& file, const std::string& error, const Json& rest) {
-  Json line;
-  line["schema"] = 1;
-  line["file"] = file;
-  line["ok"] = error.empty();
-  line["error"] = error.empty() ? Json() : Json(error);
-  line.update(rest);
-  fmt::print("{}\n", line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+void PrintJson(const std::string& file, const std::string& error, const JsonObject& rest) {
+  JsonObject line;
+  line.Add("schema", 1)
+      .Add("file", file)
+      .Add("ok", error.empty())
+      .Add("error", TextOrNull(error))
+      .Add(rest);
+  PrintLine(line);
 }
 
 // ---- text -------------------------------------------------------------------------------------
 
-/// As few digits as tell the value from every other one of its type.
+/// The shortest text that identifies the value among those of its type.
 std::string ValueText(const Grid& grid, double value) {
   return grid.Type() == GridType::float32 ? fmt::format("{}", static_cast<float>(value))
                                           : fmt::format("{}", value);
@@ -128,14 +127,14 @@ void PrintText(const std::string& name, const GridReport& report) {
   for (const GridAnswer& answer : report.answers) PrintAnswer(grid, answer);
 }
 
-// ---- the whole --------------------------------------------------------------------------------
+// ---- report -----------------------------------------------------------------------------------
 
 int SayNoGrid(const GridQuestions& questions, const TiffFacts& facts) {
   if (questions.json) {
-    PrintJson(questions.file, "", {{"grid", "none"}});
+    PrintJson(questions.file, "", JsonObject().Add("grid", "none"));
   } else {
     const std::string found = facts.width == 0
-                                  ? "no TIFF file; to place a picture on a map, name an output"
+                                  ? "not a TIFF file; to place a picture on a map, add an output"
                                   : SamplesText(facts);
     fmt::print("{}: no grid of float32, float16, uint16 or int16 values ({})\n", questions.file,
                found);
@@ -164,7 +163,7 @@ int ShowGrid(const GridQuestions& questions) {
   try {
     return Show(questions);
   } catch (const Failure& failure) {
-    if (questions.json) PrintJson(questions.file, failure.what(), Json::object());
+    if (questions.json) PrintJson(questions.file, failure.what(), {});
     throw;
   }
 }

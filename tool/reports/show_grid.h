@@ -4,9 +4,9 @@
 
 namespace rasterkit::tool {
 
-/// Prints what the grid of a GeoTIFF holds: size, type, range, mean, the value for "no data",
-/// position, and the values that were asked for. Returns exitDone, or exitAnswerIsNo when the file
-/// holds no grid or a point lies outside. Throws Failure as MakeGridReport does.
+/// Prints a summary of the grid of a GeoTIFF: size, type, range, mean, the value for "no data",
+/// position, and the requested values. Returns exitDone, or exitAnswerIsNo if the file has no grid
+/// or a point is outside. Throws the Failures of MakeGridReport.
 int ShowGrid(const GridQuestions& questions);
 
 }  // namespace rasterkit::tool

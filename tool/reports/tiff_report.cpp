@@ -5,7 +5,7 @@
 namespace rasterkit::tool {
 namespace {
 
-/// How a photometric interpretation is called, and how many samples it needs.
+/// Name of a photometric interpretation, and the number of samples that it needs.
 struct Colors {
   std::string name;
   int samples = 1;
@@ -15,7 +15,7 @@ Colors ColorsOf(const TiffFacts& facts) {
   switch (facts.photometric) {
     case 0:
     case 1:
-      return {facts.bitsPerSample == 1 && facts.samples == 1 ? "black and white" : "grey", 1};
+      return {facts.bitsPerSample == 1 && facts.samples == 1 ? "black and white" : "gray", 1};
     case 2:
       return {"RGB", 3};
     case 3:
@@ -31,7 +31,7 @@ Colors ColorsOf(const TiffFacts& facts) {
     case 10:
       return {"Lab", 3};
     case 32803:
-      return {"colour filter array", 1};
+      return {"color filter array", 1};
     case 32844:
       return {"LogL", 1};
     case 32845:
@@ -87,21 +87,20 @@ std::string TiffText(const TiffFacts& facts) {
                      facts.isBigTiff ? ", BigTIFF" : "", PageWords(facts));
 }
 
-nlohmann::ordered_json TiffJson(const TiffFacts& facts) {
-  using Json = nlohmann::ordered_json;
-  Json json;
-  json["pixels"] = PixelWords(facts);
-  json["bits_per_sample"] = facts.bitsPerSample;
-  json["samples"] = facts.samples;
-  json["compression"] = TiffCompressionName(facts.compression);
-  json["layout"] = facts.isTiled ? "tiles" : "strips";
-  json["planar"] = facts.isPlanar;
-  json["byte_order"] = ByteOrder(facts);
-  json["bigtiff"] = facts.isBigTiff;
-  json["secondary_pages"] = facts.secondaryPages;
-  json["nodata"] = facts.noData.empty() ? Json() : Json(facts.noData);
-  json["coordinate_system"] = facts.hasCoordinateSystem;
-  json["tie_points"] = facts.tiePoints.size() / 6;
+Json TiffJson(const TiffFacts& facts) {
+  JsonObject json;
+  json.Add("pixels", PixelWords(facts));
+  json.Add("bits_per_sample", facts.bitsPerSample);
+  json.Add("samples", facts.samples);
+  json.Add("compression", TiffCompressionName(facts.compression));
+  json.Add("layout", facts.isTiled ? "tiles" : "strips");
+  json.Add("planar", facts.isPlanar);
+  json.Add("byte_order", ByteOrder(facts));
+  json.Add("bigtiff", facts.isBigTiff);
+  json.Add("secondary_pages", facts.secondaryPages);
+  json.Add("nodata", TextOrNull(facts.noData));
+  json.Add("coordinate_system", facts.hasCoordinateSystem);
+  json.Add("tie_points", facts.tiePoints.size() / 6);
   return json;
 }
 

@@ -10,14 +10,14 @@
 #include "tool/pictures/adjust_values.h"
 #include "tool/pictures/change_colors.h"
 #include "tool/pictures/entry_colors.h"
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
 namespace {
 
-/// Percentages, -100 to 100, as far as they were given.
+/// Percentages, -100 to 100, if they were given.
 struct Values {
   std::optional<int> brightness, contrast, sharpen, red, green, blue;
 
@@ -44,7 +44,7 @@ void Adjust(const Values& values, Subject& picture) {
   TBitmap& bitmap = *picture.bitmap;
   const auto change = [&](TBitmap& pixels) { ChangePixels(pixels, values, picture.Threads()); };
   if (values.sharpen.value_or(0) == 0) return ChangeColors(bitmap, change);
-  // Neighbours matter: a palette will not do.
+  // Sharpening depends on neighboring pixels, so it cannot change the palette alone.
   const AlphaPlane alphas(bitmap);
   bitmap.SetPixelFormat(pf24bit);
   change(bitmap);
@@ -62,8 +62,8 @@ TChgBmpValuesRec RecordOf(const Values& values) {
   return record;
 }
 
-/// The window works on true colours. What comes out of it is what the user saw, so a palette stays
-/// only where it can say the same.
+/// The window works on true color. The result must be what the user saw, so the palette is kept
+/// only if it can express that.
 void AskAndAdjust(const Desktop& desktop, const Values& start, Subject& picture) {
   std::unique_ptr<TBitmap> pixels = picture.bitmap->Clone();
   const AlphaPlane alphas(*pixels);
@@ -97,20 +97,19 @@ void AddValue(PictureVerb& verb, const std::string& name, std::optional<int>& va
 
 }  // namespace
 
-VerbRunner AddAdjustVerb(CLI::App& app) {
+VerbRunner AddAdjustVerb(CommandLine& line) {
   PictureVerb verb(
-      app, "adjust", "change brightness, contrast, sharpness and colours at once",
-      "Percentages from -100 to 100; 0 is no change. They are applied in this order: "
-      "brightness, contrast,\n"
-      "sharpness, colours. Pictures with a palette keep it and their depth unless "
-      "they are sharpened; all\n"
-      "others become true colour. The window of --dialog shows the picture as it is and as it will "
-      "be; who\n"
-      "cancels it gets exit code 1.\n\n"
-      "Examples:\n"
-      "  rasterkit adjust photo.jpg better.jpg --brightness 10 --contrast 20 --sharpen 30 --blue "
-      "-5\n"
-      "  rasterkit adjust photo.jpg better.jpg --dialog --contrast 20");
+      line,
+      {"adjust",
+       "change brightness, contrast, sharpness and colors",
+       {"Values are percentages from -100 to 100; 0 changes nothing. They are applied in this "
+        "order: brightness, contrast, sharpness, colors.",
+        "Pictures with a palette keep the palette and their depth unless they are sharpened; all "
+        "others become true color.",
+        "With --dialog a window shows the picture before and after the change. Canceling the "
+        "window ends with exit code 1."},
+       {"rasterkit adjust photo.jpg better.jpg --brightness 10 --contrast 20 --sharpen 30",
+        "rasterkit adjust photo.jpg better.jpg --dialog --contrast 20"}});
   const auto options = std::make_shared<AdjustOptions>();
   Values& values = options->values;
   AddValue(verb, "--brightness", values.brightness, "lighter or darker, -100 to 100 [0]");
@@ -119,7 +118,7 @@ VerbRunner AddAdjustVerb(CLI::App& app) {
   AddValue(verb, "--red", values.red, "more or less red, -100 to 100 [0]");
   AddValue(verb, "--green", values.green, "more or less green, -100 to 100 [0]");
   AddValue(verb, "--blue", values.blue, "more or less blue, -100 to 100 [0]");
-  verb.Dialog(options->asksUser, "set the values in a window; it begins with those given here");
+  verb.Dialog(options->asksUser, "set the values in a window that starts with those given here");
   verb.WorksOnThreads();
   return verb.ChangingAfter([options] { return Prepare(*options); });
 }

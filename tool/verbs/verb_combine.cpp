@@ -9,7 +9,7 @@
 namespace rasterkit::tool {
 namespace {
 
-/// As typed; the mode is checked by then.
+/// Options as typed; the mode is already checked.
 struct CombineArguments {
   std::string mode = "key", file;
   std::optional<int> percent;
@@ -17,13 +17,13 @@ struct CombineArguments {
 };
 
 const std::map<std::string, CombineMode>& Modes() {
-  static const std::map<std::string, CombineMode> modes = {
+  static const std::map<std::string, CombineMode> kModes = {
       {"key", CombineMode::key},
       {"transparent", CombineMode::transparent},
       {"shadow", CombineMode::shadow},
       {"overwrite", CombineMode::overwrite},
       {"into-white", CombineMode::intoWhite}};
-  return modes;
+  return kModes;
 }
 
 CombineOptions OptionsOf(const CombineArguments& arguments) {
@@ -32,11 +32,12 @@ CombineOptions OptionsOf(const CombineArguments& arguments) {
   const bool mixes =
       options.mode == CombineMode::transparent || options.mode == CombineMode::shadow;
   if (arguments.gray && !mixes)
-    throw Failure(exitWrongUsage, "--gray goes with --mode transparent and --mode shadow");
+    throw Failure(exitWrongUsage, "--gray requires --mode transparent or --mode shadow");
   if (arguments.percent && !mixes && options.mode != CombineMode::key)
-    throw Failure(exitWrongUsage, "--percent means nothing with --mode " + arguments.mode);
-  constexpr int half = 50;
-  options.percent = arguments.percent.value_or(options.mode == CombineMode::transparent ? half : 0);
+    throw Failure(exitWrongUsage, "--percent cannot be used with --mode " + arguments.mode);
+  constexpr int kHalf = 50;
+  options.percent =
+      arguments.percent.value_or(options.mode == CombineMode::transparent ? kHalf : 0);
   options.gray = arguments.gray;
   return options;
 }
@@ -53,31 +54,35 @@ PictureChange Combining(const CombineArguments& arguments) {
 
 }  // namespace
 
-VerbRunner AddCombineVerb(CLI::App& app) {
+VerbRunner AddCombineVerb(CommandLine& line) {
   PictureVerb verb(
-      app, "combine", "lay another picture over a picture",
-      "The other picture is stretched over the whole one. The output is 24-bit.\n"
-      "Modes, which say what is seen of the other picture:\n"
-      "  key          all but its white, or its own transparency; --percent 40 lets 40 % of what "
-      "lies\n"
-      "               below show through [0]\n"
-      "  transparent  a mix, --percent of it from below [50]; near white is left out\n"
-      "  shadow       shaded by what lies below, which --percent brightens first [0]; near white "
-      "is\n"
-      "               left out\n"
-      "  overwrite    all but near white\n"
-      "  into-white   only where the picture below is near white\n"
-      "Near white has red, green and blue above 250.\n\n"
-      "Examples:\n"
-      "  rasterkit combine aerial.jpg map.png --with plan.png\n"
-      "  rasterkit combine aerial.jpg map.png --with zones.png --mode transparent --percent 70");
+      line,
+      {"combine",
+       "lay a second picture over a picture",
+       {"The second picture is stretched over the whole first one. The output is 24-bit.",
+        "The mode says which parts of the second picture are drawn and how. A pixel is near white "
+        "if its red, green and blue are all above 250."},
+       {"rasterkit combine aerial.jpg map.png --with plan.png",
+        "rasterkit combine aerial.jpg map.png --with zones.png --mode transparent --percent 70"},
+       {"Modes",
+        {{"key",
+          "draws all pixels except white ones, or except its own transparent ones; --percent 40 "
+          "lets 40 % of the first picture show through [0]"},
+         {"transparent",
+          "mixes both pictures with --percent of the first one [50]; near white is left out"},
+         {"shadow",
+          "shades the second picture with the first one, which --percent brightens before [0]; "
+          "near white is left out"},
+         {"overwrite", "draws all pixels except near white"},
+         {"into-white", "draws only where the first picture is near white"}}}});
   const auto arguments = std::make_shared<CombineArguments>();
   verb.With(arguments->file);
   verb.OneOf("--mode", "MODE", arguments->mode,
-             {"key", "transparent", "shadow", "overwrite", "into-white"}, "how, see below [key]");
-  verb.Number("--percent", "P", arguments->percent, {0, 100}, "0 to 100, see the modes");
+             {"key", "transparent", "shadow", "overwrite", "into-white"},
+             "how the pictures are combined, see Modes [key]");
+  verb.Number("--percent", "P", arguments->percent, {0, 100}, "0 to 100, see Modes");
   verb.Flag("--gray", arguments->gray,
-            "transparent and shadow: what lies below counts by its grey values");
+            "in the modes transparent and shadow: use the gray values of the first picture");
   verb.WorksOnThreads();
   return verb.ChangingAfter([arguments] { return Combining(*arguments); });
 }

@@ -6,12 +6,11 @@
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/runtime/errors.h>
 
+#include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
+#include "tool/command/json.h"
 #include "tool/pictures/compare_pictures.h"
 #include "tool/verbs/picture_verb.h"
-
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 namespace rasterkit::tool {
 namespace {
@@ -26,9 +25,9 @@ struct CompareOptions {
 struct Comparison {
   std::string size[2];
   int bits[2] = {};
-  /// Nothing when the sizes differ.
+  /// Empty if the sizes differ.
   std::optional<PictureDifference> difference;
-  /// The library's own test: also depth, palette and resolution are the same.
+  /// The result of BitmapsAreSame: depth, palette and resolution count as well.
   bool isExact = false;
 
   bool LooksSame() const { return difference && difference->pixels == 0; }
@@ -63,42 +62,41 @@ std::string Text(const Comparison& result, const CompareOptions& options) {
   if (difference.greatest > 0)
     return fmt::format("{}: no pixel differs by more than {} of 255",
                        options.exact ? "different" : "same", difference.greatest);
-  return fmt::format("{} as stored ({}), the same to look at",
+  return fmt::format("{} as stored ({}), the pixels look the same",
                      options.exact ? "different" : "same; different", StoredText(result));
 }
 
-using Value = nlohmann::ordered_json;
-
-void Print(const Value& object) {
-  fmt::print("{}\n", object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+/// `rest` holds the members that are null after a failure.
+void PrintJson(const CompareOptions& options, const std::string& error, const JsonObject& rest) {
+  JsonObject object;
+  object.Add("schema", 1)
+      .Add("files", options.files)
+      .Add("ok", error.empty())
+      .Add("error", TextOrNull(error))
+      .Add(rest);
+  PrintLine(object);
 }
 
-void PrintJson(const CompareOptions& options, const Comparison& result, bool isSame) {
+void PrintResult(const CompareOptions& options, const Comparison& result, bool isSame) {
   const auto& difference = result.difference;
-  const bool hasFirst = difference && difference->pixels > 0;
-  Print({{"schema", 1},
-         {"files", options.files},
-         {"ok", true},
-         {"error", nullptr},
-         {"same", isSame},
-         {"exact", result.isExact},
-         {"sizes_differ", !difference.has_value()},
-         {"differing_pixels", difference ? Value(difference->pixels) : Value()},
-         {"greatest_difference", difference ? Value(difference->greatest) : Value()},
-         {"first", hasFirst ? Value::array({difference->x, difference->y}) : Value()}});
+  Json first;
+  if (difference && difference->pixels > 0) first = std::vector<int>{difference->x, difference->y};
+  JsonObject rest;
+  rest.Add("same", isSame)
+      .Add("exact", result.isExact)
+      .Add("sizes_differ", !difference.has_value())
+      .Add("differing_pixels", difference ? Json(difference->pixels) : Json())
+      .Add("greatest_difference", difference ? Json(difference->greatest) : Json())
+      .Add("first", first);
+  PrintJson(options, {}, rest);
 }
 
 void PrintFailure(const CompareOptions& options, const std::string& error) {
-  Print({{"schema", 1},
-         {"files", options.files},
-         {"ok", false},
-         {"error", error},
-         {"same", nullptr},
-         {"exact", nullptr},
-         {"sizes_differ", nullptr},
-         {"differing_pixels", nullptr},
-         {"greatest_difference", nullptr},
-         {"first", nullptr}});
+  JsonObject rest;
+  for (const char* const name :
+       {"same", "exact", "sizes_differ", "differing_pixels", "greatest_difference", "first"})
+    rest.Add(name, nullptr);
+  PrintJson(options, error, rest);
 }
 
 Comparison LoadAndCompare(const CompareOptions& options) {
@@ -109,7 +107,7 @@ Comparison LoadAndCompare(const CompareOptions& options) {
   } catch (const Error& error) {
     throw Failure(exitInputUnreadable, error.Reason());
   } catch (const std::bad_alloc&) {
-    throw Failure(exitInputUnreadable, "not enough memory to compare the pictures");
+    throw Failure(exitInputUnreadable, "out of memory while comparing the pictures");
   }
 }
 
@@ -118,7 +116,7 @@ int Run(const CompareOptions& options) {
     const Comparison result = LoadAndCompare(options);
     const bool isSame = options.exact ? result.isExact : result.LooksSame();
     if (options.json) {
-      PrintJson(options, result, isSame);
+      PrintResult(options, result, isSame);
     } else {
       fmt::print("{}\n", Text(result, options));
     }
@@ -131,32 +129,26 @@ int Run(const CompareOptions& options) {
 
 }  // namespace
 
-VerbRunner AddCompareVerb(CLI::App& app) {
-  CLI::App& verb = *app.add_subcommand("compare", "tell whether two pictures are the same");
-  verb.group("Verbs");
-  verb.footer(
-      "Both pictures are set upright, and what is seen is compared: size, and colour and opacity "
-      "of\n"
-      "every pixel. Type, depth, palette and resolution count with --exact only, metadata never.\n"
-      "Prints whether they are the same, else how many pixels differ, by how much and where "
-      "first.\n"
-      "Exit code 0: the same, 1: different, 3: one cannot be read.\n\n"
-      "Examples:\n"
-      "  rasterkit compare before.png after.bmp\n"
-      "  rasterkit compare photo.png photo.jpg --tolerance 8");
+VerbRunner AddCompareVerb(CommandLine& line) {
+  Verb verb = line.AddVerb(
+      {"compare",
+       "tell whether two pictures look the same",
+       {"Both pictures are turned upright. Then their sizes and the color and opacity of every "
+        "pixel are compared. File type, depth, palette and resolution count only with --exact, "
+        "metadata never.",
+        "Prints whether the pictures are the same, or how many pixels differ, by how much, and "
+        "where the first one is. The exit code is 0 for the same, 1 for different, and 3 if a "
+        "picture cannot be read."},
+       {"rasterkit compare before.png after.bmp",
+        "rasterkit compare photo.png photo.jpg --tolerance 8"}});
   const auto options = std::make_shared<CompareOptions>();
-  auto* const exact =
-      verb.add_flag("--exact", options->exact, "depth, palette and resolution count as well");
-  verb.add_option("--tolerance", options->tolerance,
-                  "by how much red, green, blue or opacity of a pixel may differ, 0 to 255 [0]")
-      ->check(CLI::Range(0, 255))
-      ->excludes(exact)
-      ->type_name("N");
-  verb.add_flag("--json", options->json, "print one JSON object on stdout");
-  verb.add_option("files", options->files, "the two pictures")
-      ->required()
-      ->expected(2)
-      ->type_name("A B");
+  const Option exact =
+      verb.Flag("--exact", options->exact, "compare depth, palette and resolution as well");
+  verb.Number("--tolerance", "N", options->tolerance, {0, 255},
+              "ignore differences of red, green, blue and opacity up to N, 0 to 255 [0]")
+      .Excludes(exact);
+  verb.Flag("--json", options->json, "print one JSON object on stdout");
+  verb.Files("A B", options->files, 2, "the two pictures");
   return [options] { return Run(*options); };
 }
 

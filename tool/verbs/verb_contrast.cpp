@@ -4,15 +4,16 @@
 
 namespace rasterkit::tool {
 
-VerbRunner AddContrastVerb(CLI::App& app) {
-  PictureVerb verb(app, "contrast", "raise or lower the contrast of a picture",
-                   "Every channel moves away from middle grey (above 0) or towards it (below 0); "
-                   "at -100 all is one grey.\n"
-                   "Pictures with a palette keep it and their depth, all others become true "
-                   "colour.\n\n"
-                   "Examples:\n"
-                   "  rasterkit contrast scan.jpg clear.jpg --percent 40\n"
-                   "  rasterkit contrast aerial.png background.png --percent -50");
+VerbRunner AddContrastVerb(CommandLine& line) {
+  PictureVerb verb(
+      line,
+      {"contrast",
+       "raise or lower the contrast of a picture",
+       {"Every channel moves away from middle gray (above 0) or towards it (below 0); at -100 the "
+        "whole picture has one gray value.",
+        "Pictures with a palette keep the palette and their depth; all others become true color."},
+       {"rasterkit contrast scan.jpg clear.jpg --percent 40",
+        "rasterkit contrast aerial.png background.png --percent -50"}});
   const auto percent = std::make_shared<int>(0);
   verb.Percent(*percent);
   verb.WorksOnThreads();

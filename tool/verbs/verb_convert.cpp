@@ -1,36 +1,33 @@
 #include <memory>
 
+#include "tool/command/command_line.h"
+#include "tool/command/shared_options.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/verbs/verbs.h"
 
-#include <CLI/CLI.hpp>
-
 namespace rasterkit::tool {
 
-VerbRunner AddConvertVerb(CLI::App& app) {
-  CLI::App& verb = *app.add_subcommand("convert", "write a picture upright in any supported type");
-  verb.group("Verbs");
-  verb.footer(
-      "The output's extension chooses the type: .bmp, .jpg, .png, .tif. TIFF, GIF and WebP files "
-      "of "
-      "several\n"
-      "pictures give the first one. A metafile becomes pixels, 96 an inch unless --dpi or --size "
-      "say\n"
-      "otherwise; under .emf or .wmf it stays one: copied as it is, an EMF file as a WMF file with "
-      "its\n"
-      "picture in it, a WMF file as an EMF file that draws the same.\n\n"
-      "Examples:\n"
-      "  rasterkit convert photo.jpg upright.png\n"
-      "  rasterkit convert --out-dir site --type jpg --quality 80 --jobs 2 *.JPG\n"
-      "  rasterkit convert plan.png plan.bmp --bits 1 --overwrite\n"
-      "  rasterkit convert scan.tif scan-small.tif --bits 1 --compression g4\n"
-      "  rasterkit convert drawing.emf drawing.png --dpi 300");
+VerbRunner AddConvertVerb(CommandLine& line) {
+  Verb verb = line.AddVerb(
+      {"convert",
+       "turn a picture upright and write it as another type",
+       {"The extension of the output chooses its type: .bmp, .jpg, .png or .tif. TIFF, GIF and "
+        "WebP files with several pictures give the first one.",
+        "A metafile becomes pixels, at 96 pixels per inch unless --dpi or --size is given. If the "
+        "output ends in .emf or .wmf, a metafile stays a metafile: the same type is copied, an "
+        "EMF file becomes a WMF file that contains its picture, and a WMF file becomes an EMF "
+        "file that draws the same."},
+       {"rasterkit convert photo.jpg upright.png",
+        "rasterkit convert --out-dir site --type jpg --quality 80 --jobs 2 *.JPG",
+        "rasterkit convert plan.png plan.bmp --bits 1 --overwrite",
+        "rasterkit convert scan.tif scan-small.tif --bits 1 --compression g4",
+        "rasterkit convert drawing.emf drawing.png --dpi 300"}});
   const auto output = std::make_shared<OutputOptions>();
   const auto picture = std::make_shared<PictureOptions>();
   output->takesMetafiles = true;
   AddOutputOptions(verb, *output);
   AddType(verb, *output);
-  AddAngle(verb, *picture, false);
+  AddAngle(verb, *picture);
   AddBackground(verb, *picture);
   AddBits(verb, *picture);
   AddQuality(verb, *picture);

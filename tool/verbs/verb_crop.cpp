@@ -19,12 +19,12 @@ struct Part {
 };
 
 struct CropOptions {
-  /// As typed; checked by then, or empty.
+  /// Rectangle as typed, already checked; or empty.
   std::string rect;
   bool asksUser = false;
 };
 
-/// Whole numbers with commas between them, no more and no fewer than four.
+/// Parses exactly four integers with commas between them.
 std::optional<Part> ParsePart(const std::string& text) {
   int numbers[4] = {};
   const char* at = text.data();
@@ -43,11 +43,12 @@ std::string CheckPart(const std::string& text) {
   const auto part = ParsePart(text);
   const bool ok = part && part->width > 0 && part->height > 0;
   return ok ? std::string()
-            : "a rectangle is X,Y,W,H, whole numbers from 0, with a size above 0, not '" + text +
-                  "'";
+            : "a rectangle is X,Y,W,H: whole numbers, X and Y at least 0, W and H at least 1, not "
+              "'" +
+                  text + "'";
 }
 
-/// The upper left corner moves; the pixels keep their size.
+/// Moves the top left corner on the map; the size of the pixels stays the same.
 void MovePlace(std::optional<TiffGeoTags>& place, const Part& part) {
   if (!place) return;
   place->tiePoint[3] += part.left * place->pixelScale[0];
@@ -60,14 +61,14 @@ void CropTo(const Part& part, Subject& picture) {
                         part.top < bitmap.Height() && part.height <= bitmap.Height() - part.top;
   if (!isInside)
     picture.Refuse(
-        fmt::format("the rectangle {},{},{},{} does not lie inside the picture, which "
-                    "is {} x {}",
+        fmt::format("the rectangle {},{},{},{} is not inside the picture, which "
+                    "has {} x {} pixels",
                     part.left, part.top, part.width, part.height, bitmap.Width(), bitmap.Height()));
   Crop(*picture.bitmap, part.Rect());
   MovePlace(picture.place, part);
 }
 
-/// Begins with `start`, where that lies in the picture.
+/// Starts with the rectangle `start` if it is inside the picture.
 void AskAndCrop(const Desktop& desktop, const Part& start, Subject& picture) {
   TRect rect = start.Rect();
   desktop.ChooseCropRect(rect, picture);
@@ -86,22 +87,22 @@ PictureChange Prepare(const CropOptions& options) {
 
 }  // namespace
 
-VerbRunner AddCropVerb(CLI::App& app) {
+VerbRunner AddCropVerb(CommandLine& line) {
   PictureVerb verb(
-      app, "crop", "cut a rectangle out of a picture",
-      "Pixels are counted in the upright picture, from 0,0 at the upper left. They "
-      "are moved, none is changed.\n"
-      "A rectangle that does not lie inside the picture is refused (exit code 4). With "
-      "--dialog a window\n"
-      "shows the picture, and the rectangle is drawn with the mouse; who cancels it "
-      "gets exit code 1.\n\n"
-      "Examples:\n"
-      "  rasterkit crop plan.png legend.png --rect 1200,80,640,480\n"
-      "  rasterkit crop plan.png legend.png --dialog");
+      line,
+      {"crop",
+       "cut a rectangle out of a picture",
+       {"Pixels are counted in the upright picture, from 0,0 at the top left. No pixel changes its "
+        "color. A rectangle that is not inside the picture is refused (exit code 4).",
+        "With --dialog a window shows the picture, and you draw the rectangle with the mouse. "
+        "Canceling the window ends with exit code 1."},
+       {"rasterkit crop plan.png legend.png --rect 1200,80,640,480",
+        "rasterkit crop plan.png legend.png --dialog"}});
   const auto options = std::make_shared<CropOptions>();
   verb.Text("--rect", "X,Y,W,H", options->rect, CheckPart,
-            "left, top, width and height of what stays, in pixels");
-  verb.Dialog(options->asksUser, "choose the rectangle in a window; it begins with that of --rect");
+            "left, top, width and height of the part to keep, in pixels");
+  verb.Dialog(options->asksUser,
+              "choose the rectangle in a window that starts with the one of --rect");
   return verb.ChangingAfter([options] { return Prepare(*options); });
 }
 

@@ -9,13 +9,12 @@
 #include <rasterkit/bitmaptools/files/load_via_wic.h>
 #include <rasterkit/runtime/files/file_name.h>
 
+#include "tool/command/command_line.h"
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
 #include "tool/pages/pdf_file.h"
 #include "tool/pictures/picture_extras.h"
 #include "tool/verbs/verbs.h"
-
-#include <CLI/CLI.hpp>
 
 namespace rasterkit::tool {
 namespace {
@@ -23,12 +22,12 @@ namespace {
 std::unique_ptr<TGraphic> LoadAnything(const std::string& file) {
   std::unique_ptr<TGraphic> graphic = LoadGraphic(file);
   if (!graphic) graphic = LoadViaWic(file);
-  if (!graphic) throw Failure(exitInputUnreadable, file + ": cannot be read as a picture");
+  if (!graphic) throw Failure(exitInputUnreadable, file + ": is not a readable picture");
   return graphic;
 }
 
-/// What `open` gives. What cannot be opened is told in a window too: whoever chose the file in one,
-/// or in a desktop's menu, sees no terminal.
+/// Returns the result of `open`. Also shows an error in a window: a user who chose the file in a
+/// window or in a desktop menu sees no terminal.
 template <typename Open>
 auto OpenOrTell(const Desktop& desktop, Open open) {
   try {
@@ -48,7 +47,7 @@ std::string EditPage(const Desktop& desktop, const std::string& file) {
 
 std::string EditPicture(const Desktop& desktop, const std::string& file) {
   std::unique_ptr<TGraphic> graphic = OpenOrTell(desktop, [&] { return LoadAnything(file); });
-  // Read before the user may write over the file.
+  // Read the extras before the user may overwrite the file.
   const std::vector<std::string> extras = PictureExtras(file);
   std::string name = ExtractFileName(file);
   desktop.EditGraphic(ExtractFilePath(file), name, graphic);
@@ -57,9 +56,9 @@ std::string EditPicture(const Desktop& desktop, const std::string& file) {
 }
 
 int Run(std::string file) {
-  // Before a window is asked for.
+  // Check the file before a window opens.
   if (!file.empty() && !FileExists(file))
-    throw Failure(exitInputUnreadable, file + ": there is no such file");
+    throw Failure(exitInputUnreadable, file + ": no such file");
   const Desktop desktop;
   if (file.empty()) desktop.OpenFile(file);
   // The save dialog changes the current folder.
@@ -70,22 +69,20 @@ int Run(std::string file) {
 
 }  // namespace
 
-VerbRunner AddEditVerb(CLI::App& app) {
-  CLI::App& verb = *app.add_subcommand("edit", "edit a picture or a page of a PDF in a window");
-  verb.group("Verbs");
-  verb.footer(
-      "Turns, mirrors, crops, resizes, changes colours; a page of a PDF is drawn at the "
-      "resolution that you choose.\n"
-      "OK writes the picture in its folder, under the name that you give it, and prints that "
-      "name; with nothing\n"
-      "changed nothing is written. Whoever cancels gets exit code 1; a file that cannot be opened, "
-      "which is told\n"
-      "in a window too, gives 3. Without FILE a window asks for one.\n\n"
-      "Examples:\n"
-      "  rasterkit edit photo.jpg\n"
-      "  rasterkit edit plan.pdf");
+VerbRunner AddEditVerb(CommandLine& line) {
+  Verb verb = line.AddVerb(
+      {"edit",
+       "edit a picture or a page of a PDF file in a window",
+       {"The window turns, mirrors, crops and resizes the picture and changes its colors. A page "
+        "of a PDF file is drawn at the resolution that you choose.",
+        "OK writes the picture into its folder under the name that you enter and prints that "
+        "name. If you changed nothing, nothing is written. Canceling the window ends with exit "
+        "code 1.",
+        "Without FILE a window lets you choose one. If the file cannot be opened, a window says "
+        "so, and the exit code is 3."},
+       {"rasterkit edit photo.jpg", "rasterkit edit plan.pdf"}});
   const auto file = std::make_shared<std::string>();
-  verb.add_option("file", *file, "a picture or a PDF file")->type_name("FILE");
+  verb.File("FILE", *file, "a picture or a PDF file", false);
   return [file] { return Run(*file); };
 }
 

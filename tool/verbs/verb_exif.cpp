@@ -4,8 +4,10 @@
 #include <rasterkit/runtime/files/atomic_file.h>
 
 #include "tool/command/batch.h"
+#include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/shared_options.h"
 #include "tool/pictures/exif/exif_copy.h"
 #include "tool/pictures/exif/exif_losses.h"
 #include "tool/pictures/exif/exif_thumbnail.h"
@@ -14,8 +16,6 @@
 #include "tool/pictures/save_picture.h"
 #include "tool/reports/exif_report.h"
 #include "tool/verbs/verbs.h"
-
-#include <CLI/CLI.hpp>
 
 namespace rasterkit::tool {
 namespace {
@@ -71,7 +71,7 @@ JobResult CopyFrom(const Bytes& photo, const ExifOptions& options, const Job& jo
 JobResult StripThumbnail(const Job& job) {
   const Bytes jpeg = ReadJpegInput(job.input);
   const JpegHeader header = ReadJpegHeader(jpeg);
-  const JpegSegment* exif = header.Find("exif");
+  const JpegSegment* exif = header.Find(MetadataKind::exif);
   if (exif == nullptr) {
     Save(jpeg, job.output);
     return ResultFor(jpeg);
@@ -93,7 +93,7 @@ JobResult StripThumbnail(const Job& job) {
 JobResult TakeThumbnail(const Job& job) {
   const Bytes jpeg = ReadJpegInput(job.input);
   const JpegHeader header = ReadJpegHeader(jpeg);
-  const JpegSegment* exif = header.Find("exif");
+  const JpegSegment* exif = header.Find(MetadataKind::exif);
   const std::string bytes =
       exif != nullptr ? ThumbnailBytes(ExifBlock(SectionBytes(*exif))) : std::string();
   if (bytes.empty())
@@ -112,12 +112,12 @@ int Show(const std::vector<std::string>& files, bool json) {
   return code;
 }
 
-/// Metadata is written into JPEG files alone.
+/// Metadata can be written only into JPEG files.
 std::vector<Job> PlanJpegJobs(const OutputOptions& output) {
   std::vector<Job> jobs = PlanJobs(output);
   for (const Job& job : jobs)
     if (WritableType(job.output) != PictureType::jpeg)
-      throw Failure(exitWrongUsage, job.output + ": the output is a JPEG file, .jpg or .jpeg");
+      throw Failure(exitWrongUsage, job.output + ": the output must end in .jpg or .jpeg");
   return jobs;
 }
 
@@ -125,7 +125,7 @@ int Run(const OutputOptions& output, const ExifOptions& options) {
   if (!options.IsWriting()) {
     if (!output.outDir.empty())
       throw Failure(exitWrongUsage,
-                    "--out-dir goes with --copy-from, --thumbnail or --strip-thumbnail");
+                    "--out-dir requires --copy-from, --thumbnail or --strip-thumbnail");
     return Show(output.files, output.json);
   }
   const std::vector<Job> jobs = PlanJpegJobs(output);
@@ -137,34 +137,28 @@ int Run(const OutputOptions& output, const ExifOptions& options) {
 
 }  // namespace
 
-VerbRunner AddExifVerb(CLI::App& app) {
-  CLI::App& verb = *app.add_subcommand("exif", "show and copy metadata of photographs (JPEG)");
-  verb.group("Verbs");
-  verb.footer(
-      "Without an option that writes, all files are shown: sections, fields, date, position,\n"
-      "comments, thumbnail. Pixels are never encoded anew.\n\n"
-      "Examples:\n"
-      "  rasterkit exif photo.jpg\n"
-      "  rasterkit exif --copy-from photo.jpg edited.jpg complete.jpg\n"
-      "  rasterkit exif --thumbnail photo.jpg small.jpg\n"
-      "  rasterkit exif --strip-thumbnail --out-dir clean *.jpg");
+VerbRunner AddExifVerb(CommandLine& line) {
+  Verb verb = line.AddVerb(
+      {"exif",
+       "show and copy the metadata of JPEG photographs",
+       {"Without an option that writes, the metadata of every file is shown: sections, fields, "
+        "date, position, comments, thumbnail. Writing never encodes pixels again."},
+       {"rasterkit exif photo.jpg", "rasterkit exif --copy-from photo.jpg edited.jpg complete.jpg",
+        "rasterkit exif --thumbnail photo.jpg small.jpg",
+        "rasterkit exif --strip-thumbnail --out-dir clean *.jpg"}});
   const auto output = std::make_shared<OutputOptions>();
   const auto options = std::make_shared<ExifOptions>();
-  AddOutputOptions(verb, *output);
-  verb.get_option("files")
-      ->type_name("IN... [OUT]")
-      ->description("files to show; when writing, one input and the output");
-  CLI::Option* copy = verb.add_option("--copy-from", options->copyFrom,
-                                      "write the input with the metadata of this photo")
-                          ->type_name("PHOTO");
-  verb.add_flag("--keep-orientation", options->keepOrientation,
-                "with --copy-from: the orientation tag states how the input lies")
-      ->needs(copy);
-  CLI::Option* strip = verb.add_flag("--strip-thumbnail", options->stripThumbnail,
-                                     "write the photo without its thumbnail");
-  verb.add_flag("--thumbnail", options->thumbnail, "write the photo's thumbnail")
-      ->excludes(copy)
-      ->excludes(strip);
+  AddOutputOptions(verb, *output, "IN... [OUT]",
+                   "files to show; with an option that writes, one input and the output");
+  const Option copy = verb.Text("--copy-from", "PHOTO", options->copyFrom, {},
+                                "write the input with the metadata of this photograph");
+  verb.Flag("--keep-orientation", options->keepOrientation, "keep the orientation of the input")
+      .Needs(copy);
+  const Option strip = verb.Flag("--strip-thumbnail", options->stripThumbnail,
+                                 "write the photograph without its thumbnail");
+  verb.Flag("--thumbnail", options->thumbnail, "write the thumbnail of the photograph")
+      .Excludes(copy)
+      .Excludes(strip);
   return [output, options] { return Run(*output, *options); };
 }
 

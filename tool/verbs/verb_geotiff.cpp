@@ -5,21 +5,21 @@
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/text.h>
 
+#include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/numbers.h"
 #include "tool/command/output_options.h"
+#include "tool/command/shared_options.h"
 #include "tool/pictures/placement/write_geotiff.h"
 #include "tool/reports/show_grid.h"
 #include "tool/verbs/verbs.h"
-
-#include <CLI/CLI.hpp>
 
 namespace rasterkit::tool {
 namespace {
 
 struct GeoTiffOptions {
   OutputOptions output;
-  /// As typed; checked by then.
+  /// Values as typed, already checked.
   std::string origin, pixelSize, worldFile;
   std::vector<std::string> at, atMap;
 };
@@ -47,46 +47,36 @@ std::string CheckPixelSize(const std::string& text) {
   const auto numbers = ParseNumbers(text);
   const bool ok = numbers && numbers->size() <= 2 && numbers->front() > 0 && numbers->back() > 0;
   return ok ? std::string()
-            : "a pixel size is S or SX,SY, above 0 (rows run south), not '" + text + "'";
+            : "a pixel size is S or SX,SY, numbers above 0 (rows run south), not '" + text + "'";
 }
 
-void AddPositionOptions(CLI::App& verb, GeoTiffOptions& options) {
-  auto* const origin =
-      verb.add_option("--origin", options.origin,
-                      "map position of the upper left corner of the upper left pixel")
-          ->check(CheckPoint)
-          ->type_name("X,Y");
-  auto* const size =
-      verb.add_option("--pixel-size", options.pixelSize, "width and height of a pixel in map units")
-          ->check(CheckPixelSize)
-          ->type_name("S|SX,SY");
-  origin->needs(size);
-  size->needs(origin);
-  verb.add_option("--world-file", options.worldFile,
-                  "take the position from this file [the one beside the input]")
-      ->excludes(origin)
-      ->type_name("FILE");
+void AddPositionOptions(Verb& verb, GeoTiffOptions& options) {
+  const Option origin = verb.Text("--origin", "X,Y", options.origin, CheckPoint,
+                                  "map position of the top left corner of the top left pixel");
+  const Option size = verb.Text("--pixel-size", "S|SX,SY", options.pixelSize, CheckPixelSize,
+                                "width and height of a pixel in map units");
+  origin.Needs(size);
+  size.Needs(origin);
+  verb.Text("--world-file", "FILE", options.worldFile, {},
+            "read the position from this file [the world file beside the input]")
+      .Excludes(origin);
 }
 
-void AddQuestions(CLI::App& verb, GeoTiffOptions& options) {
-  verb.add_option("--at", options.at, "the value of a pixel, counted from 0,0; repeatable")
-      ->check(CheckPixel)
-      ->allow_extra_args(false)
-      ->type_name("COLUMN,ROW");
-  verb.add_option("--at-map", options.atMap, "the value at a map position; repeatable")
-      ->check(CheckPoint)
-      ->allow_extra_args(false)
-      ->type_name("X,Y");
+void AddQuestions(Verb& verb, GeoTiffOptions& options) {
+  verb.Texts("--at", "COLUMN,ROW", options.at, CheckPixel,
+             "show the value of a pixel, counted from 0,0; can be repeated");
+  verb.Texts("--at-map", "X,Y", options.atMap, CheckPoint,
+             "show the value at a map position; can be repeated");
 }
 
-/// One file and no place to write to.
+/// True for one file and no output.
 bool IsQuestion(const GeoTiffOptions& options) {
   return options.output.files.size() == 1 && options.output.outDir.empty();
 }
 
 int Ask(const GeoTiffOptions& options) {
   if (!options.origin.empty() || !options.worldFile.empty())
-    throw Failure(exitWrongUsage, "a position is given, but no output");
+    throw Failure(exitWrongUsage, "a position requires an output");
   GridQuestions questions;
   questions.file = options.output.files[0];
   questions.json = options.output.json;
@@ -99,7 +89,8 @@ void RequireTiffNames(const std::vector<Job>& jobs) {
   for (const Job& job : jobs) {
     const std::string extension = UpperCase(ExtractFileExt(job.output));
     if (extension != ".TIF" && extension != ".TIFF")
-      throw Failure(exitWrongUsage, job.output + ": positions are written into .tif and .tiff");
+      throw Failure(exitWrongUsage,
+                    job.output + ": a picture with a position must end in .tif or .tiff");
   }
 }
 
@@ -114,11 +105,11 @@ PlacementOptions PlacementOf(const GeoTiffOptions& options) {
 
 int Write(GeoTiffOptions options) {
   if (!options.at.empty() || !options.atMap.empty())
-    throw Failure(exitWrongUsage, "--at and --at-map ask about one file that is there already");
+    throw Failure(exitWrongUsage, "--at and --at-map require one file and no output");
   const bool isOnePosition = !options.origin.empty() || !options.worldFile.empty();
   if (!options.output.outDir.empty()) options.output.type = "tif";
   if (isOnePosition && !options.output.outDir.empty() && options.output.files.size() > 1)
-    throw Failure(exitWrongUsage, "one position would place every picture at the same spot");
+    throw Failure(exitWrongUsage, "one position cannot be used for several pictures");
   const std::vector<Job> jobs = PlanJobs(options.output);
   RequireTiffNames(jobs);
   const PlacementOptions placement = PlacementOf(options);
@@ -128,23 +119,20 @@ int Write(GeoTiffOptions options) {
 
 }  // namespace
 
-VerbRunner AddGeoTiffVerb(CLI::App& app) {
-  CLI::App& verb =
-      *app.add_subcommand("geotiff", "write a picture with its map position; show a grid's values");
-  verb.group("Verbs");
-  verb.footer(
-      "With an output: writes the picture upright as TIFF with its position on the map, from "
-      "--origin and\n"
-      "--pixel-size, else from a world file, else from the input's own tags. With one file alone: "
-      "says what\n"
-      "grid of numbers it holds; exit code 1 when it holds none or a point lies outside.\n\n"
-      "Examples:\n"
-      "  rasterkit geotiff plan.png plan.tif\n"
-      "  rasterkit geotiff scan.jpg scan.tif --origin 4468000,5334000 --pixel-size 0.05\n"
-      "  rasterkit geotiff terrain.tif --at 10,20 --at-map 4468012.5,5333980");
+VerbRunner AddGeoTiffVerb(CommandLine& line) {
+  Verb verb = line.AddVerb(
+      {"geotiff",
+       "write the map position, or show the values of a grid",
+       {"With an output: writes the picture upright as a TIFF file with its position on the map. "
+        "The position comes from --origin and --pixel-size, or else from a world file, or else "
+        "from the tags of the input.",
+        "With one file and no output: shows the grid of numbers in the file and the values at the "
+        "given points. The exit code is 1 if the file has no grid or a point is outside it."},
+       {"rasterkit geotiff plan.png plan.tif",
+        "rasterkit geotiff scan.jpg scan.tif --origin 4468000,5334000 --pixel-size 0.05",
+        "rasterkit geotiff terrain.tif --at 10,20 --at-map 4468012.5,5333980"}});
   const auto options = std::make_shared<GeoTiffOptions>();
-  AddOutputOptions(verb, options->output);
-  verb.get_option("files")->type_name("IN [OUT]");
+  AddOutputOptions(verb, options->output, "IN [OUT]");
   AddPositionOptions(verb, *options);
   AddQuestions(verb, *options);
   return [options] { return IsQuestion(*options) ? Ask(*options) : Write(*options); };

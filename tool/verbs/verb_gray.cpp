@@ -1,7 +1,7 @@
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
 
 #include "tool/pictures/change_colors.h"
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
 
@@ -14,22 +14,22 @@ void MakeGray(Subject& picture, bool trueColor) {
   if (trueColor || HasIndexes(bitmap) || HasTransparency(bitmap))
     return ChangeColors(bitmap, inPlace);
   BitmapToGray(&bitmap, false);
-  // A profile of colours says nothing about greys.
+  // A color profile does not apply to gray pixels.
   bitmap.SetProfile({});
 }
 
 }  // namespace
 
-VerbRunner AddGrayVerb(CLI::App& app) {
-  PictureVerb verb(app, "gray", "make a picture grey",
-                   "True colour becomes 8-bit grey. Pictures with a palette keep their depth and "
-                   "get a grey palette;\n"
-                   "pictures with transparency keep it and stay true colour.\n\n"
-                   "Examples:\n"
-                   "  rasterkit gray photo.jpg gray.jpg\n"
-                   "  rasterkit gray photo.jpg gray.png --true-color");
+VerbRunner AddGrayVerb(CommandLine& line) {
+  PictureVerb verb(
+      line,
+      {"gray",
+       "make a picture gray",
+       {"True color becomes 8-bit gray. Pictures with a palette keep their depth and "
+        "get a gray palette. Pictures with transparency keep it and stay true color."},
+       {"rasterkit gray photo.jpg gray.jpg", "rasterkit gray photo.jpg gray.png --true-color"}});
   const auto trueColor = std::make_shared<bool>(false);
-  verb.Flag("--true-color", *trueColor, "keep true colour: 24-bit, not 8-bit");
+  verb.Flag("--true-color", *trueColor, "keep true color: 24-bit instead of 8-bit");
   return verb.Changing([trueColor](Subject& picture) { MakeGray(picture, *trueColor); });
 }
 

@@ -6,21 +6,21 @@
 #include <rasterkit/graphics/icon.h>
 #include <rasterkit/runtime/files/atomic_file.h>
 
+#include "tool/command/command_line.h"
 #include "tool/command/interruption.h"
+#include "tool/command/shared_options.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/pictures/crop_rows.h"
 #include "tool/pictures/picture_size.h"
 #include "tool/pictures/transparency.h"
 #include "tool/verbs/verbs.h"
 
-#include <CLI/CLI.hpp>
-
 namespace rasterkit::tool {
 namespace {
 
 struct IconOptions {
   OutputOptions output;
-  /// As typed; checked by then. Empty keeps the size.
+  /// Size as typed, already checked. Empty keeps the size.
   std::string size;
   bool leftHalf = false;
   bool solid = false;
@@ -28,7 +28,8 @@ struct IconOptions {
 
 constexpr int kLargestIcon = 256;
 
-/// What is transparent in the picture stays so; else the colour of the top left pixel becomes it.
+/// Keeps the transparency of the picture. Without any, makes the color of the top left pixel
+/// transparent.
 void MakeAlpha(std::unique_ptr<TBitmap>& bitmap, bool solid) {
   if (HasTransparency(*bitmap) || solid) return MakeAlphaChannel(*bitmap);
   TIcon icon;
@@ -36,7 +37,8 @@ void MakeAlpha(std::unique_ptr<TBitmap>& bitmap, bool solid) {
   bitmap = icon.ColorBitmap().Clone();
 }
 
-/// After the key colour has become alpha, so that it does not bleed into its neighbours.
+/// Scales the picture after the key color became alpha, so that it does not bleed into neighboring
+/// pixels.
 void Stretch(std::unique_ptr<TBitmap>& bitmap, const std::string& size) {
   const auto wanted = ParseSize(size).value().For(bitmap->Width(), bitmap->Height());
   auto stretched = std::make_unique<TBitmap>();
@@ -83,25 +85,22 @@ int Run(IconOptions options) {
 
 }  // namespace
 
-VerbRunner AddIconVerb(CLI::App& app) {
-  CLI::App& verb = *app.add_subcommand("icon", "make a Windows icon (.ico) of a picture");
-  verb.group("Verbs");
-  verb.footer(
-      "What is transparent in the picture is so in the icon. In a picture without transparency the "
-      "colour of the\n"
-      "top left pixel becomes transparent everywhere, unless --solid is given.\n\n"
-      "Examples:\n"
-      "  rasterkit icon logo.png logo.ico --size 64x64\n"
-      "  rasterkit icon button-strip.bmp button.ico --left-half");
+VerbRunner AddIconVerb(CommandLine& line) {
+  Verb verb = line.AddVerb(
+      {"icon",
+       "make a Windows icon (.ico) from a picture",
+       {"Transparent parts of the picture are transparent in the icon. If the picture has no "
+        "transparency, all pixels with the color of the top left pixel become transparent, unless "
+        "--solid is given."},
+       {"rasterkit icon logo.png logo.ico --size 64x64",
+        "rasterkit icon button-strip.bmp button.ico --left-half"}});
   const auto options = std::make_shared<IconOptions>();
-  verb.add_option("--size", options->size,
-                  "width and height in pixels, at most 256; one of them alone keeps the "
-                  "proportions [as it is]")
-      ->check(CheckSize)
-      ->type_name("WxH|Wx|xH");
-  verb.add_flag("--left-half", options->leftHalf,
-                "take the left half: the first picture of a button strip");
-  verb.add_flag("--solid", options->solid, "no colour becomes transparent");
+  verb.Text("--size", "WxH|Wx|xH", options->size, CheckSize,
+            "width and height in pixels, at most 256; one side alone keeps the proportions [size "
+            "of the picture]");
+  verb.Flag("--left-half", options->leftHalf,
+            "use only the left half: the first picture of a button strip");
+  verb.Flag("--solid", options->solid, "make no color transparent");
   AddOutputOptions(verb, options->output);
   return [options] { return Run(*options); };
 }

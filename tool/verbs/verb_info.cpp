@@ -4,8 +4,10 @@
 
 #include <fmt/format.h>
 
+#include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/json.h"
 #include "tool/command/printable.h"
 #include "tool/reports/geo_json.h"
 #include "tool/reports/geo_text.h"
@@ -13,67 +15,56 @@
 #include "tool/reports/tiff_report.h"
 #include "tool/verbs/verbs.h"
 
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
-
 namespace rasterkit::tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
+constexpr double kHundredths = 100;
 
-/// `value` for a picture that was read, else null.
-template <class T>
-Json IfRead(const PictureFacts& facts, const T& value) {
-  return facts.error.empty() && !facts.pdf ? Json(value) : Json();
+/// `value` if the picture was read, else null.
+Json IfRead(const PictureFacts& facts, const Json& value) {
+  return facts.error.empty() && !facts.pdf ? value : Json();
 }
 
 Json PagesJson(const PictureFacts& facts) {
-  if (!facts.pdf) return IfRead(facts, facts.pages);
-  return facts.pdf->pages ? Json(*facts.pdf->pages) : Json();
-}
-
-constexpr double kHundredths = 100;
-
-Json TextOrNull(const std::string& text) {
-  return text.empty() ? Json() : Json(text);
+  return facts.pdf ? Json(facts.pdf->pages) : IfRead(facts, facts.pages);
 }
 
 Json MetafileJson(const MetafileFacts& facts) {
-  Json json;
-  json["placeable"] = facts.kind == MetafileKind::placeableWmf;
-  json["width_mm"] = facts.widthMm100 / kHundredths;
-  json["height_mm"] = facts.heightMm100 / kHundredths;
-  json["records"] = facts.records;
-  json["emf_plus"] = facts.isEmfPlusOnly ? "only" : facts.hasEmfPlus ? "beside" : "none";
-  json["program"] = TextOrNull(facts.program);
-  json["title"] = TextOrNull(facts.title);
+  JsonObject json;
+  json.Add("placeable", facts.kind == MetafileKind::placeableWmf);
+  json.Add("width_mm", facts.widthMm100 / kHundredths);
+  json.Add("height_mm", facts.heightMm100 / kHundredths);
+  json.Add("records", facts.records);
+  json.Add("emf_plus", facts.isEmfPlusOnly ? "only" : facts.hasEmfPlus ? "beside" : "none");
+  json.Add("program", TextOrNull(facts.program));
+  json.Add("title", TextOrNull(facts.title));
   return json;
 }
 
 Json FactsJson(const PictureFacts& facts) {
-  Json line;
-  line["schema"] = 1;
-  line["file"] = facts.file;
-  line["ok"] = facts.error.empty();
-  line["error"] = facts.error.empty() ? Json() : Json(facts.error);
-  line["type"] = facts.type.empty() ? Json() : Json(facts.type);
-  line["width"] = IfRead(facts, facts.width);
-  line["height"] = IfRead(facts, facts.height);
-  line["bits"] = IfRead(facts, facts.bits);
-  line["palette_entries"] = IfRead(facts, facts.paletteEntries);
-  line["transparent"] = IfRead(facts, facts.transparent);
-  line["dpi"] = facts.dpi ? Json(*facts.dpi) : Json();
-  line["orientation"] = facts.photo.orientation ? Json(*facts.photo.orientation) : Json();
-  line["rotation"] = facts.photo.rotation ? Json(*facts.photo.rotation) : Json();
-  line["gps"] = GpsJson(facts.photo.gps);
-  line["geo"] = GeoJson(facts.positions);
-  line["grid"] = IfRead(facts, facts.grid);
-  line["pages"] = PagesJson(facts);
-  line["tiff"] = facts.tiff ? TiffJson(*facts.tiff) : Json();
-  line["metafile"] = facts.metafile ? MetafileJson(*facts.metafile) : Json();
-  line["bytes"] = facts.bytes;
-  line["metadata"] = facts.metadata;
-  line["warnings"] = facts.warnings;
+  JsonObject line;
+  line.Add("schema", 1);
+  line.Add("file", facts.file);
+  line.Add("ok", facts.error.empty());
+  line.Add("error", TextOrNull(facts.error));
+  line.Add("type", TextOrNull(facts.type));
+  line.Add("width", IfRead(facts, facts.width));
+  line.Add("height", IfRead(facts, facts.height));
+  line.Add("bits", IfRead(facts, facts.bits));
+  line.Add("palette_entries", IfRead(facts, facts.paletteEntries));
+  line.Add("transparent", IfRead(facts, facts.transparent));
+  line.Add("dpi", facts.dpi);
+  line.Add("orientation", facts.photo.orientation);
+  line.Add("rotation", facts.photo.rotation);
+  line.Add("gps", GpsJson(facts.photo.gps));
+  line.Add("geo", GeoJson(facts.positions));
+  line.Add("grid", IfRead(facts, facts.grid));
+  line.Add("pages", PagesJson(facts));
+  line.Add("tiff", facts.tiff ? TiffJson(*facts.tiff) : Json());
+  line.Add("metafile", facts.metafile ? MetafileJson(*facts.metafile) : Json());
+  line.Add("bytes", facts.bytes);
+  line.Add("metadata", facts.metadata);
+  line.Add("warnings", facts.warnings);
   return line;
 }
 
@@ -89,7 +80,7 @@ void PrintOrientation(const PictureFacts& facts) {
   fmt::print("\n");
 }
 
-/// Ground control points: they tie pixels to the map, but give them no size.
+/// Prints ground control points: they tie pixels to the map but define no pixel size.
 void PrintLooseTiePoints(const PictureFacts& facts) {
   const size_t points = facts.tiff ? facts.tiff->tiePoints.size() / 6 : 0;
   const bool isPlaced = std::any_of(facts.positions.begin(), facts.positions.end(),
@@ -98,13 +89,13 @@ void PrintLooseTiePoints(const PictureFacts& facts) {
 }
 
 void PrintPdf(const PictureFacts& facts) {
-  constexpr double millimetresPerPoint = 25.4 / 72;
+  constexpr double kMillimetersPerPoint = 25.4 / 72;
   fmt::print("{}: pdf", facts.file);
   if (const auto pages = facts.pdf->pages)
     fmt::print(", {} page{}", *pages, *pages == 1 ? "" : "s");
   if (const auto& page = facts.pdf->firstPage)
-    fmt::print(", the first {:.1f} x {:.1f} mm", page->width * millimetresPerPoint,
-               page->height * millimetresPerPoint);
+    fmt::print(", the first {:.1f} x {:.1f} mm", page->width * kMillimetersPerPoint,
+               page->height * kMillimetersPerPoint);
   fmt::print(", {} bytes\n", facts.bytes);
 }
 
@@ -117,7 +108,8 @@ void PrintMetafile(const PictureFacts& facts) {
              facts.height, metafile.records, facts.bytes);
   if (!metafile.title.empty()) fmt::print("  title: {}\n", Printable(metafile.title));
   if (!metafile.program.empty()) fmt::print("  written by {}\n", Printable(metafile.program));
-  if (metafile.hasEmfPlus) fmt::print("  EMF+ records beside the plain ones, which are drawn\n");
+  if (metafile.hasEmfPlus)
+    fmt::print("  contains EMF+ records as well; the plain records are drawn\n");
 }
 
 void PrintText(const PictureFacts& facts) {
@@ -145,8 +137,7 @@ void PrintText(const PictureFacts& facts) {
 
 void PrintFacts(const PictureFacts& facts, bool json) {
   if (json) {
-    fmt::print("{}\n",
-               FactsJson(facts).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+    PrintLine(FactsJson(facts));
   } else if (facts.error.empty()) {
     PrintText(facts);
   }
@@ -158,20 +149,17 @@ void PrintFacts(const PictureFacts& facts, bool json) {
 
 }  // namespace
 
-VerbRunner AddInfoVerb(CLI::App& app) {
-  CLI::App& verb = *app.add_subcommand("info", "say what a file holds");
-  verb.group("Verbs");
-  verb.footer(
-      "The type is told by content, whatever the file is called. Every picture is decoded, so that "
-      "ok means\n"
-      "that it can be read.\n\n"
-      "Examples:\n"
-      "  rasterkit info photo.jpg\n"
-      "  rasterkit info --json *.png | jq .width");
+VerbRunner AddInfoVerb(CommandLine& line) {
+  Verb verb =
+      line.AddVerb({"info",
+                    "show what a file contains",
+                    {"The type is detected from the content, not from the file name. Every "
+                     "picture is decoded, so \"ok\" means that it can be read."},
+                    {"rasterkit info photo.jpg", "rasterkit info --json *.png | jq .width"}});
   const auto files = std::make_shared<std::vector<std::string>>();
   const auto json = std::make_shared<bool>(false);
-  verb.add_option("files", *files, "files to look at")->required()->type_name("IN...");
-  verb.add_flag("--json", *json, "print one JSON object a file, one line each");
+  verb.Files("IN...", *files, "files to look at");
+  verb.Flag("--json", *json, "print one JSON object per file, each on its own line");
   return [files, json] {
     ExitCode code = exitDone;
     for (const std::string& file : *files) {

@@ -1,5 +1,6 @@
 #include <rasterkit/bitmaptools/pixels/transparency.h>
 
+#include "tool/command/color_digits.h"
 #include "tool/pictures/change_colors.h"
 #include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
@@ -20,18 +21,18 @@ void ReplaceKey(TBitmap& bitmap, const KeyOptions& options) {
 
 }  // namespace
 
-VerbRunner AddKeyColorVerb(CLI::App& app) {
+VerbRunner AddKeyColorVerb(CommandLine& line) {
   PictureVerb verb(
-      app, "key-color", "replace the colour of the bottom left pixel everywhere",
-      "The colour of the bottom left pixel is the one that programs take as "
-      "transparent when none is\n"
-      "marked: the key colour. Every pixel of exactly that colour gets the new one.\n\n"
-      "Examples:\n"
-      "  rasterkit key-color symbol.bmp on-white.bmp --color FFFFFF\n"
-      "  rasterkit key-color symbol.bmp symbol.png --color FF00FF --transparent");
+      line,
+      {"key-color",
+       "replace the color of the bottom left pixel everywhere",
+       {"If a picture marks no color as transparent, many programs use the color of the bottom "
+        "left pixel: the key color. Every pixel of exactly that color gets the new color."},
+       {"rasterkit key-color symbol.bmp on-white.bmp --color FFFFFF",
+        "rasterkit key-color symbol.bmp symbol.png --color FF00FF --transparent"}});
   const auto options = std::make_shared<KeyOptions>();
-  verb.Color("--color", options->color, "the new colour", Need::required);
-  verb.Flag("--transparent", options->transparent, "mark the new colour as transparent (PNG)");
+  verb.Color("--color", options->color, "the new color").Required();
+  verb.Flag("--transparent", options->transparent, "mark the new color as transparent (PNG)");
   return verb.Changing([options](Subject& picture) { ReplaceKey(*picture.bitmap, *options); });
 }
 

@@ -12,7 +12,7 @@ struct Sides {
 
 PictureChange Mirroring(const Sides& sides) {
   if (!sides.horizontal && !sides.vertical)
-    throw Failure(exitWrongUsage, "--horizontal or --vertical is wanted, or both");
+    throw Failure(exitWrongUsage, "mirror needs --horizontal or --vertical, or both");
   return [sides](Subject& picture) {
     if (sides.horizontal) Reorient(*picture.bitmap, Orientation::FlipHorizontally);
     if (sides.vertical) Reorient(*picture.bitmap, Orientation::FlipVertically);
@@ -22,15 +22,16 @@ PictureChange Mirroring(const Sides& sides) {
 
 }  // namespace
 
-VerbRunner AddMirrorVerb(CLI::App& app) {
-  PictureVerb verb(app, "mirror", "exchange left and right, or top and bottom",
-                   "Every pixel of the upright picture moves, none is changed, in any depth.\n\n"
-                   "Examples:\n"
-                   "  rasterkit mirror slide.jpg readable.jpg --horizontal\n"
-                   "  rasterkit mirror plan.png flipped.png --vertical");
+VerbRunner AddMirrorVerb(CommandLine& line) {
+  PictureVerb verb(line, {"mirror",
+                          "swap left and right, or top and bottom",
+                          {"Mirrors the upright picture. Pixels move but do not change, at any "
+                           "depth. At least one of --horizontal and --vertical is required."},
+                          {"rasterkit mirror slide.jpg readable.jpg --horizontal",
+                           "rasterkit mirror plan.png flipped.png --vertical"}});
   const auto sides = std::make_shared<Sides>();
-  verb.Flag("--horizontal", sides->horizontal, "left becomes right");
-  verb.Flag("--vertical", sides->vertical, "top becomes bottom");
+  verb.Flag("--horizontal", sides->horizontal, "swap left and right");
+  verb.Flag("--vertical", sides->vertical, "swap top and bottom");
   return verb.ChangingAfter([sides] { return Mirroring(*sides); });
 }
 

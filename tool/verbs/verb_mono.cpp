@@ -1,6 +1,7 @@
 #include <rasterkit/bitmaptools/pixels/color.h>
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
 
+#include "tool/command/color_digits.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -23,19 +24,20 @@ void MakeMono(Subject& picture, const MonoOptions& options) {
 
 }  // namespace
 
-VerbRunner AddMonoVerb(CLI::App& app) {
-  PictureVerb verb(app, "mono", "make a picture black and white",
-                   "Pixels whose grey value is below the threshold become black, all others white; "
-                   "the output is 1-bit.\n"
-                   "At 0 everything is white, at 256 everything black.\n\n"
-                   "Examples:\n"
-                   "  rasterkit mono scan.jpg plan.tif --threshold 160\n"
-                   "  rasterkit mono scan.jpg blueprint.png --dark 003080 --light F0F8FF");
+VerbRunner AddMonoVerb(CommandLine& line) {
+  PictureVerb verb(line,
+                   {"mono",
+                    "make a picture black and white",
+                    {"Pixels with a gray value below the threshold become black, all others "
+                     "white. The output is 1-bit. With threshold 0 everything is white, with 256 "
+                     "everything is black."},
+                    {"rasterkit mono scan.jpg plan.tif --threshold 160",
+                     "rasterkit mono scan.jpg blueprint.png --dark 003080 --light F0F8FF"}});
   const auto options = std::make_shared<MonoOptions>();
   verb.Number("--threshold", "T", options->threshold, {0, 256},
-              "grey value from which on a pixel is light, 0 to 256 [125]");
-  verb.Color("--dark", options->dark, "colour of what is darker [000000]");
-  verb.Color("--light", options->light, "colour of the rest [FFFFFF]");
+              "lowest gray value that becomes white, 0 to 256 [125]");
+  verb.Color("--dark", options->dark, "color instead of black [000000]");
+  verb.Color("--light", options->light, "color instead of white [FFFFFF]");
   return verb.Changing([options](Subject& picture) { MakeMono(picture, *options); });
 }
 

@@ -1,13 +1,14 @@
 #include <rasterkit/bitmaptools/pixels/transparency.h>
 
-#include "tool/pictures/entry_rows.h"
+#include "tool/command/color_digits.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
 namespace {
 
-/// A palette keeps its depth: its transparent entries get the colour.
+/// Keeps the palette and its depth: transparent entries get the background color.
 void PaintKeyEntries(TBitmap& bitmap, TColor background) {
   const TColor key = bitmap.TransparentColor();
   TColorTable table = PaletteTable(bitmap.Palette());
@@ -25,7 +26,7 @@ void MakeOpaque(Subject& picture) {
   const TColor background = ColorOf(picture.options.background);
   if (!HasTransparency(bitmap)) return;
   if (HasIndexes(bitmap)) return PaintKeyEntries(bitmap, background);
-  // On white the library's routine does it for what is wholly transparent; the rest is blended.
+  // For white, ResetTransparent handles fully transparent pixels; the rest is blended.
   bitmap.SetTransparent(true);
   if (background == clWhite) ResetTransparent(bitmap);
   DropTransparency(picture.bitmap, background);
@@ -33,13 +34,13 @@ void MakeOpaque(Subject& picture) {
 
 }  // namespace
 
-VerbRunner AddOpaqueVerb(CLI::App& app) {
-  PictureVerb verb(app, "opaque", "paint what is transparent",
-                   "Transparent pixels get the background colour, partly transparent ones are "
-                   "blended with it.\n\n"
-                   "Examples:\n"
-                   "  rasterkit opaque logo.png on-white.png\n"
-                   "  rasterkit opaque logo.png on-gray.png --background C0C0C0");
+VerbRunner AddOpaqueVerb(CommandLine& line) {
+  PictureVerb verb(line, {"opaque",
+                          "paint transparent parts with the background color",
+                          {"Transparent pixels get the background color. Partly transparent "
+                           "pixels are blended with it."},
+                          {"rasterkit opaque logo.png on-white.png",
+                           "rasterkit opaque logo.png on-gray.png --background C0C0C0"}});
   return verb.Changing(MakeOpaque);
 }
 

@@ -4,8 +4,9 @@
 
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
 
+#include "tool/command/color_digits.h"
 #include "tool/command/exit_code.h"
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/reports/palette_report.h"
 #include "tool/verbs/picture_verb.h"
 
@@ -13,12 +14,12 @@ namespace rasterkit::tool {
 namespace {
 
 struct PaletteOptions {
-  /// As typed; checked by then.
+  /// Values as typed, already checked.
   std::vector<std::string> set;
   std::string first;
 };
 
-/// One entry's new colour.
+/// The new color of an entry.
 struct EntryColorChange {
   int index = 0;
   TColor color = 0;
@@ -40,8 +41,8 @@ std::string CheckEntry(const std::string& text) {
                                 text + "'";
 }
 
-/// A palette's entries in hand. The library's way of replacing them keeps whole rows only where the
-/// number of entries fits the depth; here all pixels stay whatever it is.
+/// The entries of a bitmap's palette. Changing them here keeps all pixels; the library's routine
+/// keeps whole rows only if the number of entries matches the depth.
 class Entries {
  public:
   explicit Entries(TBitmap& bitmap) : bitmap_(bitmap) {
@@ -73,18 +74,18 @@ class Entries {
   int count_ = 0;
 };
 
-/// A transparent colour that no entry has any more hides nothing.
+/// Updates the transparent color: if no entry has it after the change, no pixel is transparent.
 void CheckTransparency(Subject& picture, const Entries& entries, TColor transparent) {
   if (!picture.bitmap->Transparent()) return;
   if (entries.Has(transparent)) return picture.bitmap->SetTransparentColor(transparent);
   picture.bitmap->SetTransparent(false);
-  picture.result.notCarriedOver.emplace_back("transparency");
+  picture.result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::transparency));
 }
 
 void ChangeEntries(const PaletteOptions& options, Subject& picture) {
   TBitmap& bitmap = *picture.bitmap;
   if (!HasIndexes(bitmap))
-    picture.Refuse(fmt::format("a {}-bit picture has no palette (convert --bits 8 makes one)",
+    picture.Refuse(fmt::format("a {}-bit picture has no palette (convert --bits 8 creates one)",
                                bitmap.StoredBits()));
   const TColor transparent = bitmap.TransparentColor();
   Entries entries(bitmap);
@@ -100,26 +101,28 @@ void ChangeEntries(const PaletteOptions& options, Subject& picture) {
 PictureChange Changing(const PaletteOptions& options) {
   if (options.set.empty() && options.first.empty())
     throw Failure(exitWrongUsage,
-                  "--set or --first says what to change; one file alone shows its palette");
+                  "palette needs --set or --first to change a picture, or one file and no output "
+                  "to show its palette");
   return [options](Subject& picture) { ChangeEntries(options, picture); };
 }
 
 }  // namespace
 
-VerbRunner AddPaletteVerb(CLI::App& app) {
-  PictureVerb verb(app, "palette", "show a picture's palette, or change its entries",
-                   "With one file alone: lists the entries of its palette and how many pixels use "
-                   "each; exit code 1\n"
-                   "when it has none. With an output: gives entries another colour; every pixel "
-                   "keeps its entry.\n\n"
-                   "Examples:\n"
-                   "  rasterkit palette plan.png\n"
-                   "  rasterkit palette plan.png red-roads.png --set 3=FF0000 --set 4=C00000\n"
-                   "  rasterkit palette scan.bmp white-paper.bmp --first FFFFFF");
+VerbRunner AddPaletteVerb(CommandLine& line) {
+  PictureVerb verb(
+      line,
+      {"palette",
+       "show the palette of a picture, or change its entries",
+       {"With one file and no output: lists the palette entries and how many pixels use each. The "
+        "exit code is 1 if the picture has no palette.",
+        "With an output: gives entries another color. Every pixel keeps its entry."},
+       {"rasterkit palette plan.png",
+        "rasterkit palette plan.png red-roads.png --set 3=FF0000 --set 4=C00000",
+        "rasterkit palette scan.bmp white-paper.bmp --first FFFFFF"}});
   const auto options = std::make_shared<PaletteOptions>();
   verb.Texts("--set", "N=RRGGBB", options->set, CheckEntry,
-             "the colour of entry N, counted from 0; repeatable");
-  verb.Color("--first", options->first, "the colour of the entry that the top left pixel uses");
+             "new color of entry N, counted from 0; can be repeated");
+  verb.Color("--first", options->first, "new color of the entry that the top left pixel uses");
   verb.AnsweringForOneFile(ShowPalette);
   return verb.ChangingAfter([options] { return Changing(*options); });
 }

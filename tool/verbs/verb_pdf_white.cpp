@@ -5,7 +5,7 @@
 
 #include <rasterkit/bitmaptools/pixels/transparency.h>
 
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -15,7 +15,7 @@ using Entries = std::vector<tagPALETTEENTRY>;
 
 constexpr tagPALETTEENTRY kWhite = {255, 255, 255, 0};
 
-/// The last white entry; else a place for one: behind the others, or where no pixel points.
+/// Finds the last white entry, or else makes one: at the end, or in place of an unused entry.
 std::optional<size_t> PlaceOfWhite(const TBitmap& bitmap, Entries& entries) {
   for (size_t i = entries.size(); i-- > 0;)
     if (EntryColor(entries[i]) == clWhite) return i;
@@ -33,9 +33,9 @@ std::optional<size_t> PlaceOfWhite(const TBitmap& bitmap, Entries& entries) {
   return std::nullopt;
 }
 
-/// White changes places with the last entry, and pixels follow, so that no other pixel looks
-/// different. The library's routine knows palettes of 16 and 256 entries only, and takes two pixels
-/// of 4 bits for one.
+/// Swaps white with the last entry and updates the pixels, so that no other pixel looks different.
+/// The library's routine supports only palettes of 16 and 256 entries, and handles two 4-bit pixels
+/// as one.
 bool WhitenPalette(TBitmap& bitmap) {
   const HPALETTE palette = bitmap.Palette();
   Entries entries(palette.Entries().begin(), palette.Entries().end());
@@ -54,20 +54,22 @@ bool WhitenPalette(TBitmap& bitmap) {
 
 void PrepareForPdf(TBitmap& bitmap) {
   if (HasIndexes(bitmap) && WhitenPalette(bitmap)) return;
-  // A full palette without white has no room for it; 15-bit words are unknown to the routine.
+  // A full palette without white has no room for it, and the library's routine does not support
+  // 15-bit pixels.
   if (HasIndexes(bitmap) || bitmap.PixelFormat() == pf15bit) bitmap.SetPixelFormat(pf24bit);
   CheckTransColForPDF(&bitmap);
 }
 
 }  // namespace
 
-VerbRunner AddPdfWhiteVerb(CLI::App& app) {
-  PictureVerb verb(app, "pdf-white", "make white the colour that a PDF export takes as transparent",
-                   "Exports take the colour of the bottom left pixel as transparent. That pixel "
-                   "becomes white; in a\n"
-                   "palette white also becomes the last entry. No other pixel looks different.\n\n"
-                   "Example:\n"
-                   "  rasterkit pdf-white plan.png plan-for-pdf.png");
+VerbRunner AddPdfWhiteVerb(CommandLine& line) {
+  PictureVerb verb(
+      line,
+      {"pdf-white",
+       "make white the transparent color of PDF exports",
+       {"PDF exports treat the color of the bottom left pixel as transparent. That pixel becomes "
+        "white; in a palette white also becomes the last entry. No other pixel looks different."},
+       {"rasterkit pdf-white plan.png plan-for-pdf.png"}});
   return verb.Changing([](Subject& picture) { PrepareForPdf(*picture.bitmap); });
 }
 

@@ -3,6 +3,7 @@
 #include <rasterkit/bitmaptools/pixels/color.h>
 #include <rasterkit/bitmaptools/pixels/transparency.h>
 
+#include "tool/command/color_digits.h"
 #include "tool/pictures/change_colors.h"
 #include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
@@ -34,24 +35,22 @@ void Recolor(TBitmap& bitmap, const RecolorOptions& options) {
 
 }  // namespace
 
-VerbRunner AddRecolorVerb(CLI::App& app) {
-  PictureVerb verb(app, "recolor", "give light or dark pixels a colour",
-                   "Pixels whose grey value is above the threshold, with --darker those below it, "
-                   "get the colour.\n"
-                   "--alpha makes them more or less transparent as well; the output is then 32-bit "
-                   "(PNG, TIFF, BMP).\n\n"
-                   "Examples:\n"
-                   "  rasterkit recolor plan.png red.png --threshold 128 --darker --color C00000\n"
-                   "  rasterkit recolor scan.jpg faint.png --threshold 200 --color FFFFFF --alpha "
-                   "0");
+VerbRunner AddRecolorVerb(CommandLine& line) {
+  PictureVerb verb(
+      line,
+      {"recolor",
+       "give light or dark pixels a new color",
+       {"Pixels with a gray value above the threshold get the color; with --darker, pixels below "
+        "it. --alpha also sets their opacity; the output is then 32-bit (PNG, TIFF, BMP)."},
+       {"rasterkit recolor plan.png red.png --threshold 128 --darker --color C00000",
+        "rasterkit recolor scan.jpg faint.png --threshold 200 --color FFFFFF --alpha 0"}});
   const auto options = std::make_shared<RecolorOptions>();
-  verb.Number("--threshold", "T", options->threshold, {0, 255}, "a grey value, 0 to 255",
-              Need::required);
-  verb.Color("--color", options->color, "the new colour", Need::required);
-  verb.Flag("--darker", options->darker,
-            "pixels darker than the threshold instead of lighter ones");
+  verb.Number("--threshold", "T", options->threshold, {0, 255}, "a gray value, 0 to 255")
+      .Required();
+  verb.Color("--color", options->color, "the new color").Required();
+  verb.Flag("--darker", options->darker, "change pixels below the threshold, not above it");
   verb.Number("--alpha", "A", options->alpha, {0, 255},
-              "opacity of these pixels, 0 (transparent) to 255 (opaque) [as it is]");
+              "opacity of these pixels, 0 (transparent) to 255 (opaque) [unchanged]");
   return verb.Changing([options](Subject& picture) { Recolor(*picture.bitmap, *options); });
 }
 

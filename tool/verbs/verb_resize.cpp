@@ -12,13 +12,13 @@ namespace rasterkit::tool {
 namespace {
 
 struct ResizeOptions {
-  /// As typed; checked by then, or empty.
+  /// Size as typed, already checked; or empty.
   std::string size;
   bool smooth = false;
   bool asksUser = false;
 };
 
-/// The size that was typed, else the picture's own.
+/// The given size, or else that of the picture.
 PictureSize SizeFor(const std::string& typed, const TBitmap& bitmap) {
   const PictureSize own{bitmap.Width(), bitmap.Height()};
   return ParseSize(typed).value_or(own).For(own.width, own.height);
@@ -27,8 +27,9 @@ PictureSize SizeFor(const std::string& typed, const TBitmap& bitmap) {
 PictureSize AskForSize(const Desktop& desktop, PictureSize size, const Subject& picture) {
   desktop.EditSize(size.width, size.height, picture);
   if (!size.IsPossible())
-    picture.Refuse(fmt::format("{} x {} is no size: width and height are from 1 to 1000000",
-                               size.width, size.height));
+    picture.Refuse(
+        fmt::format("{} x {} is not a valid size: width and height must be from 1 to 1000000",
+                    size.width, size.height));
   return size;
 }
 
@@ -45,25 +46,24 @@ PictureChange Prepare(const ResizeOptions& options) {
 
 }  // namespace
 
-VerbRunner AddResizeVerb(CLI::App& app) {
-  PictureVerb verb(app, "resize", "give a picture another number of pixels",
-                   "Photographs and greys are averaged when they shrink and interpolated when they "
-                   "grow. Pictures with a\n"
-                   "palette, black and white too, keep it and take the nearest pixel, unless "
-                   "--smooth makes them true\n"
-                   "colour. The size on paper stays: half the pixels are half the dots per inch. "
-                   "Who cancels the "
-                   "dialog\n"
-                   "gets exit code 1.\n\n"
-                   "Examples:\n"
-                   "  rasterkit resize photo.jpg small.jpg --size 1000x\n"
-                   "  rasterkit resize plan.png preview.png --size 800x600 --smooth\n"
-                   "  rasterkit resize photo.jpg small.jpg --dialog");
+VerbRunner AddResizeVerb(CommandLine& line) {
+  PictureVerb verb(
+      line,
+      {"resize",
+       "change the number of pixels of a picture",
+       {"True color and gray pictures are averaged when they shrink and interpolated when they "
+        "grow. Other pictures with a palette, black and white included, keep it and use the "
+        "nearest pixel, unless --smooth turns them into true color.",
+        "The size on paper stays the same: half the pixels are half the dots per inch. Canceling "
+        "the window of --dialog ends with exit code 1."},
+       {"rasterkit resize photo.jpg small.jpg --size 1000x",
+        "rasterkit resize plan.png preview.png --size 800x600 --smooth",
+        "rasterkit resize photo.jpg small.jpg --dialog"}});
   const auto options = std::make_shared<ResizeOptions>();
   verb.Text("--size", "WxH|Wx|xH", options->size, CheckSize,
-            "width and height in pixels, 1 to 1000000; one of them alone keeps the proportions");
+            "width and height in pixels, 1 to 1000000; one side alone keeps the proportions");
   verb.Flag("--smooth", options->smooth, "average pictures with a palette as well");
-  verb.Dialog(options->asksUser, "enter the size in a window; it begins with that of --size");
+  verb.Dialog(options->asksUser, "enter the size in a window that starts with the one of --size");
   return verb.ChangingAfter([options] { return Prepare(*options); });
 }
 

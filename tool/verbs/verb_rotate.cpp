@@ -1,27 +1,25 @@
 #include <memory>
 
+#include "tool/command/command_line.h"
+#include "tool/command/shared_options.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/verbs/verbs.h"
 
-#include <CLI/CLI.hpp>
-
 namespace rasterkit::tool {
 
-VerbRunner AddRotateVerb(CLI::App& app) {
-  CLI::App& verb = *app.add_subcommand("rotate", "turn a picture by any angle");
-  verb.group("Verbs");
-  verb.footer(
-      "The picture is turned as it is seen: a photograph is set upright first. Multiples of 90 "
-      "degrees\n"
-      "move whole pixels and change none.\n\n"
-      "Examples:\n"
-      "  rasterkit rotate plan.png turned.png --angle 30 --background C0C0C0\n"
-      "  rasterkit rotate photo.jpg left.jpg --angle 90 --quality 95");
+VerbRunner AddRotateVerb(CommandLine& line) {
+  Verb verb = line.AddVerb(
+      {"rotate",
+       "turn a picture by any angle",
+       {"The picture is turned as you see it: a photograph is turned upright first. Multiples of "
+        "90 degrees move whole pixels and change none."},
+       {"rasterkit rotate plan.png turned.png --angle 30 --background C0C0C0",
+        "rasterkit rotate photo.jpg left.jpg --angle 90 --quality 95"}});
   const auto output = std::make_shared<OutputOptions>();
   const auto picture = std::make_shared<PictureOptions>();
   AddOutputOptions(verb, *output);
   AddType(verb, *output);
-  AddAngle(verb, *picture, true);
+  AddAngle(verb, *picture).Required();
   AddBackground(verb, *picture);
   AddQuality(verb, *picture);
   AddCompression(verb, *picture);

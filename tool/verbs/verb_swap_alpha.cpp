@@ -8,21 +8,22 @@ namespace {
 
 void Swap(Subject& picture) {
   if (!HasTransparency(*picture.bitmap))
-    picture.Refuse("nothing in the picture is transparent; swapped, all of it would be");
+    picture.Refuse("the picture has no transparency; swapping would hide all of it");
   KeyToAlpha(*picture.bitmap);
   SwapAlpha(picture.bitmap.get());
 }
 
 }  // namespace
 
-VerbRunner AddSwapAlphaVerb(CLI::App& app) {
-  PictureVerb verb(app, "swap-alpha", "exchange transparent and visible",
-                   "What is wholly transparent becomes visible; all else, also what is partly "
-                   "transparent, becomes\n"
-                   "transparent. Colours stay. A picture without transparency is refused (exit "
-                   "code 4).\n\n"
-                   "Example:\n"
-                   "  rasterkit swap-alpha hole.png plug.png");
+VerbRunner AddSwapAlphaVerb(CommandLine& line) {
+  PictureVerb verb(
+      line,
+      {"swap-alpha",
+       "swap transparent and visible pixels",
+       {"Fully transparent pixels become visible. All others become transparent, even if they are "
+        "partly transparent. Colors do not change. A picture without transparency is refused (exit "
+        "code 4)."},
+       {"rasterkit swap-alpha hole.png plug.png"}});
   return verb.Changing(Swap);
 }
 

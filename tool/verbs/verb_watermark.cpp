@@ -7,8 +7,8 @@
 namespace rasterkit::tool {
 namespace {
 
-/// The library goes by the red of the mark's palette: as greys, every colour counts by its
-/// darkness, and no colour is lost on the way to a palette.
+/// WaterMarkedBitmap uses only the red channel of the mark's palette. In a gray mark every color
+/// counts by its darkness, and no color is lost in the conversion to a palette.
 std::unique_ptr<TBitmap> LoadMark(const std::string& file) {
   std::unique_ptr<TBitmap> mark = LoadUpright(file);
   if (HasTransparency(*mark)) DropTransparency(mark, clWhite);
@@ -19,27 +19,29 @@ std::unique_ptr<TBitmap> LoadMark(const std::string& file) {
 
 void Press(const TBitmap& mark, Subject& picture) {
   const AlphaPlane alphas(*picture.bitmap);
-  const Resolution dpi = picture.bitmap->Dpi();
-  const ColorProfile profile = picture.bitmap->Profile();
-  // The routine converts its mark, so that each picture needs one of its own.
+  // The routine converts its mark, so each picture needs a copy.
   const auto ownMark = mark.Clone();
-  picture.bitmap = WaterMarkedBitmap(*picture.bitmap, *ownMark);
-  picture.bitmap->SetDpi(dpi);
-  picture.bitmap->SetProfile(profile);
+  auto marked = WaterMarkedBitmap(*picture.bitmap, *ownMark);
+  marked->CarryFrom(
+      *picture.bitmap,
+      {.palette = false, .alphaFormat = false, .transparency = CarriedTransparency::none});
+  picture.bitmap = std::move(marked);
   alphas.Restore(*picture.bitmap);
 }
 
 }  // namespace
 
-VerbRunner AddWatermarkVerb(CLI::App& app) {
-  PictureVerb verb(app, "watermark", "press a mark into a picture",
-                   "The mark is stretched over the whole picture. Where it is white the picture "
-                   "stays; where it is dark,\n"
-                   "light parts of the picture become darker and dark parts lighter. The output is "
-                   "24-bit, with the\n"
-                   "transparency of the picture 32-bit.\n\n"
-                   "Example:\n"
-                   "  rasterkit watermark photo.jpg marked.jpg --with copyright.png");
+VerbRunner AddWatermarkVerb(CommandLine& line) {
+  PictureVerb verb(
+      line,
+      {"watermark",
+       "put a second picture on a picture as a watermark",
+       {"The second picture, the mark, is stretched over the whole picture. White parts of the "
+        "mark change nothing. "
+        "Under dark parts of the mark, light parts of the picture become darker and dark parts "
+        "lighter.",
+        "The output is 24-bit, or 32-bit if the picture has transparency."},
+       {"rasterkit watermark photo.jpg marked.jpg --with copyright.png"}});
   const auto file = std::make_shared<std::string>();
   verb.With(*file);
   return verb.ChangingAfter([file]() -> PictureChange {

@@ -20,16 +20,17 @@ void Whiten(TBitmap& bitmap, const WhitenOptions& options) {
 
 }  // namespace
 
-VerbRunner AddWhitenVerb(CLI::App& app) {
-  PictureVerb verb(app, "whiten", "turn light pixels white",
-                   "Pixels whose grey value is above the threshold become white: the grey paper of "
-                   "a scan, for instance.\n\n"
-                   "Examples:\n"
-                   "  rasterkit whiten scan.jpg clean.png --threshold 200\n"
-                   "  rasterkit whiten scan.jpg overlay.png --threshold 200 --transparent");
+VerbRunner AddWhitenVerb(CommandLine& line) {
+  PictureVerb verb(line, {"whiten",
+                          "turn light pixels white",
+                          {"Pixels with a gray value above the threshold become white, for example "
+                           "the gray paper of a scan."},
+                          {"rasterkit whiten scan.jpg clean.png --threshold 200",
+                           "rasterkit whiten scan.jpg overlay.png --threshold 200 --transparent"}});
   const auto options = std::make_shared<WhitenOptions>();
   verb.Number("--threshold", "T", options->threshold, {0, 255},
-              "grey value above which a pixel becomes white, 0 to 255", Need::required);
+              "highest gray value that stays as it is, 0 to 255")
+      .Required();
   verb.Flag("--transparent", options->transparent, "mark white as transparent (PNG)");
   return verb.Changing([options](Subject& picture) { Whiten(*picture.bitmap, *options); });
 }

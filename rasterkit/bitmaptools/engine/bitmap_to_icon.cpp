@@ -15,7 +15,7 @@ TBitmap NewBitmap(TPixelFormat format, int width, int height) {
   return bitmap;
 }
 
-/// Pixels of the key colour become clear white, all others opaque.
+/// Makes pixels of the key color transparent white, all others opaque.
 void MakeClear(TBitmap& bitmap, TColor key) {
   constexpr uint32_t kColor = 0x00FFFFFF;
   uint8_t red, green, blue;
@@ -42,7 +42,7 @@ void CopyBitmapToIcon(TBitmap* bitmap, TIcon& icon, bool leftHalfOnly) {
   TBitmap color = NewBitmap(pf32bit, width, height);
   color.Canvas().Draw(0, 0, *bitmap);
   MakeClear(color, color.PixelColor(0, 0));
-  // The alpha says it all; the mask stays as it was created.
+  // The alpha channel is used; the mask stays as it was created.
   icon.SetColorAndMask(color, NewBitmap(pf1bit, width, height));
 }
 

@@ -8,12 +8,12 @@
 namespace rasterkit {
 namespace {
 
-/// A file states an ignored alpha byte as 255, whatever it is.
+/// In a file an undefined alpha byte is always 255.
 bool IgnoresAlpha(const Raster& raster) {
   return raster.Format() == pf32bit && raster.alphaFormat == afIgnored;
 }
 
-/// What a file would hold of the rows from `y` on, as many as lie behind one another without a gap.
+/// Content of the file for the rows from `y` on, as far as they are contiguous in memory.
 bool SameStoredRows(const Raster& a, const Raster& b, int y, int count) {
   const auto rows = static_cast<size_t>(count);
   if (IgnoresAlpha(a))
@@ -34,7 +34,7 @@ bool SameRows(const Raster& a, const Raster& b) {
 bool BitmapsAreSame(const TBitmap& a, const TBitmap& b) {
   if (a.Width() != b.Width() || a.Height() != b.Height()) return false;
   const Raster &first = a.Content(), &second = b.Content();
-  // Equal heads mean equal formats and so equal strides.
+  // Equal headers mean equal formats, and so equal strides.
   return detail::BmpHead(first, BmpProfile::omit) == detail::BmpHead(second, BmpProfile::omit) &&
          SameRows(first, second);
 }

@@ -14,10 +14,10 @@ namespace {
 
 using Table = std::array<uint8_t, 256>;
 
-/// Rows are worked on in parts that stay in the nearest cache from step to step.
+/// Rows are processed in parts that stay in the first-level cache.
 constexpr size_t kPart = 1024;
 
-/// `change(pixels, width)` applied to parts of each row of a pf24bit bitmap.
+/// Calls `change(pixels, width)` for parts of each row of a pf24bit bitmap.
 template <class Change>
 void ChangeRows(TBitmap& bitmap, int32_t first, int32_t last, Change change) {
   const auto width = static_cast<size_t>(bitmap.Width());

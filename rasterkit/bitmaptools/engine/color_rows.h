@@ -9,29 +9,28 @@ class TBitmap;
 
 namespace detail {
 
-/// What contrast makes of each channel value.
+/// Result of contrast for each channel value.
 std::array<uint8_t, 256> ContrastTable(int32_t percent);
 
-/// What darkening (percent below 0) makes of each channel value.
+/// Result of darkening (percent below 0) for each channel value.
 std::array<uint8_t, 256> DarkenTable(int32_t percent);
 
-/// One colour, red first, brightened or darkened by -100 to 100 percent.
+/// Brightens or darkens one color by -100 to 100 percent.
 void BrightenColor(int32_t percent, uint8_t& red, uint8_t& green, uint8_t& blue);
 
-/// False for black and for white; a red of 254 counts as white already, while green and blue must
-/// be 255.
+/// Tells whether a color is neither black nor white. White has red 254 or 255, green and blue 255.
 constexpr bool IsNotBlackOrWhite(uint8_t red, uint8_t green, uint8_t blue) {
   if (red >= 254 && green == 255 && blue == 255) return false;
   return red != 0 || green != 0 || blue != 0;
 }
 
-/// Which colours of a row stay as they are.
+/// Colors of a row that do not change.
 enum class Spared { none, blackAndWhite };
 
-/// Changes rows `first` to `last` of a pf24bit bitmap. Throws RangeError when the last row does not
-/// exist, after doing those that do.
+/// Changes rows `first` to `last` of a pf24bit bitmap. Throws RangeError if the last row does not
+/// exist, after changing the existing ones.
 void ContrastRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared);
-/// Percentages outside -100 to 100, and 0, change nothing.
+/// Brightens or darkens rows likewise. No-op for 0 percent and outside -100 to 100.
 void BrightenRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared);
 
 }  // namespace detail

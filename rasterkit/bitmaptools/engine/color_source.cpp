@@ -21,7 +21,7 @@ ColorSource::ColorSource(const TPixelThread& worker, const std::vector<int32_t>&
   }
   indexRows_.emplace(worker, columns);
   indexWhite_.resize(count_);
-  // The colours of a 1-bit source have no say: what is not white is black.
+  // The colors of a 1-bit source are not used: every pixel that is not white is black.
   const bool isMono = sourceBytes_ == 0 && worker.nSrcBit != 4;
   palette_ = isMono ? std::array<uint8_t, 1024>{} : SourceColors(worker);
   for (int i = 0; i < 256; ++i)

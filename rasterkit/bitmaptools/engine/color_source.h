@@ -14,18 +14,18 @@ class TPixelThread;
 
 namespace detail {
 
-/// The colours that a worker sees in the rows of any source, as pixels B G R, and which of them are
-/// white. A row that comes again (as most do when a picture grows) is not looked at twice.
+/// Colors that a worker sees in the rows of any source, as pixels B G R, and which of them are
+/// white. A repeated row (as most are when a picture grows) is processed once.
 class ColorSource {
  public:
-  /// `wantsWhite`: whether `White` will be asked for.
+  /// `wantsWhite` tells whether `White` will be called.
   ColorSource(const TPixelThread& worker, const std::vector<int32_t>& columns, bool wantsWhite);
 
   void Read(const uint8_t* row);
 
-  /// Of the row read last.
+  /// Colors of the row that was read last.
   const uint8_t* Colors() const { return colors_; }
-  /// Three bytes for each pixel: 255 where it is white.
+  /// Three bytes per pixel: 255 if it is white.
   const uint8_t* White() const { return white_.data(); }
 
  private:

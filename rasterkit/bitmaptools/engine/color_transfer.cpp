@@ -18,7 +18,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Rows are worked on in parts that stay in the nearest cache from step to step.
+/// Rows are processed in parts that stay in the first-level cache.
 constexpr size_t kPart = 1024;
 using PartBuffer = std::array<uint8_t, 3 * kPart>;
 
@@ -31,7 +31,7 @@ kernels::MixWeights TransparentWeights(float weight) {
   return kernels::MakeMixWeights(kept, 1.0 - static_cast<double>(weight), added, weight);
 }
 
-/// What each grey value of the target shades the source with.
+/// Shade of the source for each gray value of the target.
 kernels::ByteTable GrayShades(float factor, float weight) {
   kernels::ByteTable shades;
   for (int i = 0; i < 256; ++i) {
@@ -41,7 +41,7 @@ kernels::ByteTable GrayShades(float factor, float weight) {
   return shades;
 }
 
-/// Into a target of 24 or 32 bits, from any source.
+/// Transfer into a target of 24 or 32 bits, from any source.
 class ColorPartTransfer : public RowTransfer {
  public:
   ColorPartTransfer(const TPixelThread& worker, const ColumnRun& run)
@@ -88,8 +88,7 @@ class ColorPartTransfer : public RowTransfer {
       kernels::ShadeRow(target, ground, colors, keep, 3 * width);
   }
 
-  /// What the source is mixed with: the target's colours, or what its brightened colours or grey
-  /// values are.
+  /// Values that the source is mixed with: the target's colors, brightened colors or gray values.
   const uint8_t* Ground(const uint8_t* target, size_t width) {
     if (!useGray_) {
       if (mode_ == pmTransparent) return target;
@@ -115,8 +114,8 @@ class ColorPartTransfer : public RowTransfer {
   std::array<uint8_t, kPart> grays_;
 };
 
-/// Whole pixels between rows of the same format, where the source (ptAssignPart) or the target
-/// (ptAssignInWhite) says so.
+/// Transfer of whole pixels between rows of the same format, chosen by the source (ptAssignPart) or
+/// the target (ptAssignInWhite).
 class PixelCopy : public RowTransfer {
  public:
   PixelCopy(const TPixelThread& worker, const ColumnRun& run)
@@ -176,7 +175,7 @@ class PixelCopy : public RowTransfer {
 std::unique_ptr<RowTransfer> MakeColorTransfer(const TPixelThread& worker, const ColumnRun& run) {
   if (worker.PixTakeOver) return std::make_unique<PixelCopy>(worker, run);
   if (worker.FPixelTask != ptAssignPart) return nullptr;
-  // Between true-colour formats this writes the source.
+  // Between true-color formats this writes the source.
   const bool isMono = worker.nSrcBytes == 0 && worker.nSrcBit != 4;
   if (worker.FPixelMode == pmOverwrite && !isMono) return nullptr;
   return std::make_unique<ColorPartTransfer>(worker, run);

@@ -7,13 +7,13 @@
 namespace rasterkit {
 namespace {
 
-/// What the pixel engine is given for a whole bitmap: it writes column `Right` too, but not row
+/// Rectangle of a whole bitmap for the pixel engine, which writes column `Right` too, but not row
 /// `Bottom`.
 TRect FullRect(const TBitmap& bitmap) {
   return {0, 0, bitmap.Width() - 1, bitmap.Height() - 1};
 }
 
-/// A whole bitmap for everything that draws, where right and bottom lie outside.
+/// Rectangle of a whole bitmap for drawing, with right and bottom exclusive.
 TRect WholeRect(const TBitmap& bitmap) {
   return {0, 0, bitmap.Width(), bitmap.Height()};
 }
@@ -22,7 +22,7 @@ TBlendFunction BlendOf(const TBitmap& source, uint8_t alpha) {
   return {alpha, source.PixelFormat() == pf32bit};
 }
 
-/// Both rectangles are the target's: the source is not stretched.
+/// Uses the target's rectangle twice, so the source is not stretched.
 void Transfer(TBitmap& target, TBitmap& source, int32_t threads, TProgressEvent progress,
               TPixelMode mode, int32_t percent, bool useGray, bool last) {
   const TRect full = FullRect(target);

@@ -11,7 +11,7 @@
 namespace rasterkit {
 namespace {
 
-/// `change` applied to every palette entry but black and white.
+/// Applies `change` to every palette entry except black and white.
 template <class Change>
 void ChangePalette(TBitmap& bitmap, Change change) {
   std::unique_ptr<TColorTable> entries;

@@ -9,20 +9,20 @@
 namespace rasterkit::detail {
 namespace {
 
-/// What becomes of a target index: the bits of `kept` stay, the others are `added`.
+/// Change of a target index: the bits of `kept` stay, those of `added` are set.
 struct Change {
   uint8_t kept;
   uint8_t added;
 };
 using Changes = std::array<Change, 256>;
 
-/// What source index `index` puts into an 8-bit target.
+/// Change of an 8-bit target by source index `index`.
 uint8_t PutIndex(const TPixelThread& worker, int index) {
   return worker.PixTakeOver ? MappedIndex(worker, static_cast<uint8_t>(index))
                             : static_cast<uint8_t>(worker.TarBlack);
 }
 
-/// Into an 8-bit target, whatever it shows.
+/// Transfer into an 8-bit target, whatever its pixels are.
 class IndexPartTransfer : public RowTransfer {
  public:
   IndexPartTransfer(const TPixelThread& worker, const ColumnRun& run)
@@ -49,7 +49,7 @@ class IndexPartTransfer : public RowTransfer {
   Changes changes_;
 };
 
-/// Into the white pixels of an 8-bit target.
+/// Transfer into the white pixels of an 8-bit target.
 class IndexInWhiteTransfer : public RowTransfer {
  public:
   IndexInWhiteTransfer(const TPixelThread& worker, const ColumnRun& run)

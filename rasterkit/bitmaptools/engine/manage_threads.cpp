@@ -95,7 +95,7 @@ void TManageThreads::DoProgress() {
 
 void TManageThreads::ProgressTimer(const TTimer*) {
   if (!Progress) return;
-  // A 64-bit product: the percentage stays right above 21 million rows too.
+  // A 64-bit product, so that the percentage is correct above 21 million rows too.
   const int64_t hundredfold = int64_t{100} * AnzProg.load(std::memory_order_relaxed);
   Progress(static_cast<float>(static_cast<double>(hundredfold) / MaxProg));
 }

@@ -19,9 +19,9 @@ class TBitmap;
 /// Reports the percentage of work done, 0 to 100. May be empty.
 using TProgressEvent = std::function<void(float Prozent)>;
 
-/// What one long pixel operation needs to be done by several threads: bands of rows, a count of the
-/// finished ones, a timer that reports it, and the pixel-format facts of source and target, which
-/// each worker copies when it is made.
+/// Shared state of one long pixel operation on several threads: bands of rows, the number of
+/// finished rows, a timer that reports it, and the pixel-format fields of source and target, which
+/// each worker copies when it is created.
 ///
 /// It lives exactly as long as the operation, on the calling thread. Workers only read it, but for
 /// `DoProgress` (any thread) and `ThreadDone` (which their termination event runs on the calling
@@ -33,13 +33,13 @@ using TProgressEvent = std::function<void(float Prozent)>;
 ///
 /// Worker i takes the rows `iBis[i]` to `iBis[i + 1] - 1`. The bands are not clipped to the
 /// picture: as their height is rounded, a band can be empty, have its end before its begin (both
-/// mean that nothing is to do), or reach beyond the last row; a worker that asks for a missing row
-/// ends there, alone.
+/// mean that there is nothing to do), or reach beyond the last row; a worker ends at the first
+/// missing row, without effect on the others.
 class RASTERKIT_EXPORT TManageThreads {
  public:
-  /// Divides `MaxProgress` rows among the threads; with a callback, which makes sense from 1001
-  /// rows on, the timer starts on the calling thread. Throws DivisionByZeroError as InitThreads
-  /// does; `ThreadsCount` below 1 counts as 0.
+  /// Divides `MaxProgress` rows among the threads. With a callback, which is useful from 1001 rows
+  /// on, starts the timer on the calling thread. Throws DivisionByZeroError as InitThreads does;
+  /// `ThreadsCount` below 1 counts as 0.
   TManageThreads(int32_t ThreadsCount, int32_t MaxProgress, TProgressEvent AProgress);
   ~TManageThreads();
   TManageThreads(const TManageThreads&) = delete;
@@ -47,59 +47,58 @@ class RASTERKIT_EXPORT TManageThreads {
 
   /// Fixes the number of threads and fills `iBis`. Fewer rows than a quarter of the threads reduce
   /// the count to a quarter of the rows, halves to even: 8 threads for 1 row become none. Throws
-  /// DivisionByZeroError when no thread is left.
+  /// DivisionByZeroError if no thread is left.
   void InitThreads(int32_t AHeight);
 
-  /// Takes source and target and fills the pixel-format fields. True when pixels can be moved from
-  /// one to the other: a 15- or 16-bit format never takes part, and an indexed target takes no
-  /// wider pixels than its own. Bitmaps without a format of their own are switched to 24- or
-  /// 32-bit.
+  /// Sets source and target and fills the pixel-format fields. Returns true if pixels can be
+  /// transferred: 15- and 16-bit formats are unsupported, and so are indexed targets with wider
+  /// source pixels. Bitmaps without a format of their own are switched to 24- or 32-bit.
   bool InitByteBits(TBitmap& ATarBmp, TBitmap& ASrcBmp);
 
-  /// Called by a worker at each row. While a single band is left, it also keeps the caller's event
-  /// loop alive (this does nothing on a worker's thread).
+  /// Called by a worker at each row. While a single band is left, it also dispatches the caller's
+  /// event loop (no-op on a worker's thread).
   void DoProgress();
 
   /// Calls `Progress` with the share of the rows counted so far, perhaps a little late. Runs on
-  /// every tick of the timer, and at the end of a pixel worker on that worker's thread: callbacks
-  /// must bear both.
+  /// every tick of the timer, and at the end of a pixel worker on that worker's thread; callbacks
+  /// must support both.
   void ProgressTimer(const TTimer* Sender = nullptr);
 
   /// Termination event of workers that free themselves: one fewer is running.
   void ThreadDone(const TThread& Sender);
 
-  /// Rows that make 100 %; set only with a callback.
+  /// Number of rows that is 100 %; set only with a callback.
   int32_t MaxProg = 0;
   /// Rows done so far, of all workers together; changed under `CS`.
   std::atomic<int32_t> AnzProg{0};
   TProgressEvent Progress;
   /// Guards the counting of rows.
   TCriticalSection CS;
-  /// Ticks every 100 ms; only there with a callback.
+  /// Ticks every 100 ms; null without a callback.
   std::unique_ptr<TTimer> Timer;
   /// Borrowed.
   TBitmap* TarBmp = nullptr;
   TBitmap* SrcBmp = nullptr;
-  /// Bytes a pixel: 0 for 1 and 4 bits, 1, 2, 3 or 4. `n...Bit`: bits of a pixel that takes less
+  /// Bytes per pixel: 0 for 1 and 4 bits, 1, 2, 3 or 4. `n...Bit`: bits of a pixel that takes less
   /// than a byte, else 0.
   int32_t nSrcBytes = 0;
   int32_t nSrcBit = 0;
   int32_t nTarBytes = 0;
   int32_t nTarBit = 0;
-  /// Palette entries of an indexed source and of an 8-bit target, and how many there are.
+  /// Palette entries of an indexed source and of an 8-bit target, and their numbers.
   int32_t SrcAnz = 0;
   int32_t TarAnz = 0;
   std::unique_ptr<TColorTable> SrcCol;
   std::unique_ptr<TColorTable> TarCol;
-  /// Entry of an 8-bit target that stands for black: the first black one, else the nearest to it,
-  /// -1 when none is nearer than 255.
+  /// Entry of an 8-bit target that is used as black: the first black one, else the nearest to it;
+  /// -1 if none is nearer than 255.
   int32_t TarBlack = 0;
   /// First pure white entry, or -1.
   int32_t TarWhite = 0;
   int32_t SrcWhite = 0;
-  /// The last entry when it is pure white, else -1.
+  /// The last entry if it is pure white, else -1.
   int32_t SrcLastWhite = 0;
-  /// Number of workers; of workers still running where they count themselves down.
+  /// Number of workers; if they use `ThreadDone`, of those that are running.
   std::atomic<int32_t> AnzThreads{0};
   /// Band limits: AnzThreads + 1 entries, from 0 to the number of rows.
   std::vector<int32_t> iBis;

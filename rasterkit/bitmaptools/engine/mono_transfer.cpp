@@ -32,7 +32,7 @@ class MonoPartTransfer : public RowTransfer {
   std::vector<uint8_t> bits_;
 };
 
-/// The same where both rows begin with a byte and go on side by side.
+/// Does the same for rows that both begin at a byte and have consecutive columns.
 class MonoBytesTransfer : public RowTransfer {
  public:
   explicit MonoBytesTransfer(const ColumnRun& run)

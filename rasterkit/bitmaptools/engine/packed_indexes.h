@@ -5,17 +5,17 @@
 
 namespace rasterkit::detail {
 
-/// The indexes that a worker sees in 1- and 4-bit rows: a byte is read at columns that begin one
-/// (4-bit rows have two pixels there, of which the first counts for both), and stays in force until
-/// the next, over the end of a row too. It starts as 0.
+/// Indexes that a worker sees in 1- and 4-bit rows. A byte is read at columns where one begins (in
+/// 4-bit rows the first of its two pixels counts for both) and used until the next is read, also
+/// beyond the end of a row. It starts as 0.
 class PackedIndexes {
  public:
   PackedIndexes(const std::vector<int32_t>& columns, int32_t bits);
 
-  /// One byte for each column.
+  /// Reads a row into one byte per column.
   void Read(const uint8_t* row, uint8_t* indexes);
 
-  /// True when the first indexes of a row come from the row before.
+  /// Tells whether the first indexes of a row come from the row before.
   bool DependsOnRowBefore() const { return inherited_ > 0; }
 
  private:

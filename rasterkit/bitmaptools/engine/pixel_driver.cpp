@@ -28,7 +28,7 @@ void RunPixelWorkers(TManageThreads& manager, const MakePixelWorker& makeWorker)
       ++started;
     }
   } catch (...) {
-    // Those that run use the manager and the bitmaps until their end is counted.
+    // Running workers use the manager and the bitmaps until their end is counted.
     WaitUntilRunning(manager, count - started);
     throw;
   }

@@ -17,7 +17,7 @@ int64_t SpanOf(int32_t from, int32_t to) {
   return int64_t{to} - from;
 }
 
-/// Those of the columns that have a source column; they are neighbours, as scaling keeps the order.
+/// Columns that have a source column; they are consecutive, because scaling keeps the order.
 detail::ColumnRun RunOf(int32_t first, const std::vector<int32_t>& columns) {
   const auto isThere = [](int32_t column) { return column >= 0; };
   const auto begin = std::find_if(columns.begin(), columns.end(), isThere);

@@ -6,26 +6,29 @@
 namespace rasterkit {
 namespace {
 
-/// What the pixels mean goes along with them: the palette of indexes, the alpha channel.
-void TakeMeaning(const TBitmap& source, TBitmap& target) {
-  if (target.PixelFormat() == source.PixelFormat()) target.SetPalette(source.Palette());
-  if (target.StoredBits() == 32 && source.StoredBits() == 32)
-    target.SetAlphaFormat(source.AlphaFormat());
+/// Carries what gives the pixels their meaning and nothing else: the palette of indexes, the alpha
+/// mark of alpha bytes.
+void CarryMeaning(const TBitmap& source, TBitmap& target) {
+  const bool hasAlphaBytes = source.StoredBits() == 32 && target.StoredBits() == 32;
+  target.CarryFrom(source, {.resolution = false,
+                            .profile = false,
+                            .alphaFormat = hasAlphaBytes,
+                            .transparency = CarriedTransparency::none});
 }
 
 bool IsAveraged(TPixelFormat format) {
   return format == pf24bit || format == pf32bit;
 }
 
-/// Pixels of its transparent colour are not drawn. Where the alpha tells what is seen, it is copied
-/// and the colour does not count.
+/// Tells whether pixels of the transparent color are left out. If there is an alpha channel, it is
+/// copied and the color does not count.
 bool HasHoles(const TBitmap& bitmap) {
   const bool hasAlpha = bitmap.StoredBits() == 32 && bitmap.AlphaFormat() == afDefined;
   return bitmap.Transparent() && !hasAlpha;
 }
 
-/// Gives the new bitmap its size and the picture, onto new area only where some of it stays to be
-/// seen.
+/// Sets the size of the new bitmap and draws the picture. New area is filled only if some of it
+/// stays visible.
 void Stretch(const TBitmap& source, int32_t width, int32_t height, TBitmap& target) {
   const TRect whole{0, 0, width, height};
   if (source.Empty()) {
@@ -46,7 +49,7 @@ void ResizeBitmap(std::unique_ptr<TBitmap>& bitmap, int32_t newWidth, int32_t ne
   if (bitmap == nullptr) return;
   auto resized = std::make_unique<TBitmap>();
   resized->SetPixelFormat(keepFormat ? bitmap->PixelFormat() : pf32bit);
-  TakeMeaning(*bitmap, *resized);
+  CarryMeaning(*bitmap, *resized);
   resized->SetTransparentMode(tmAuto);
   if (IsAveraged(resized->PixelFormat())) resized->Canvas().StretchMode = smHalftone;
   Stretch(*bitmap, newWidth, newHeight, *resized);

@@ -5,7 +5,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// The limit that the kernels know.
+/// Limit of the kernels.
 constexpr int32_t kNearWhite = 250;
 
 bool IsOrdinary(const TPixelThread& worker) {

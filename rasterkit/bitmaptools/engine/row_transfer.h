@@ -10,12 +10,12 @@ class TPixelThread;
 
 namespace detail {
 
-/// Moves whole rows by kernels and tables, with the results of TransferRules.
+/// Transfers whole rows by kernels and tables, with the results of TransferRules.
 class RowTransfer {
  public:
   virtual ~RowTransfer() = default;
 
-  /// The rows from their first byte on; the rows of one worker come in its order.
+  /// Transfers a row, passed from its first byte on; call it for the rows of one worker in order.
   virtual void TransferRow(uint8_t* target, const uint8_t* source) = 0;
 };
 
@@ -25,11 +25,11 @@ struct ColumnRun {
   std::vector<int32_t> columns;
 };
 
-/// Null where only TransferRules serve: rows that other workers may touch, and rare pairs of
-/// formats.
+/// Makes the transfer for a worker. Null if TransferRules must be used: for rows that other workers
+/// may access, and for rare pairs of formats.
 std::unique_ptr<RowTransfer> MakeRowTransfer(const TPixelThread& worker, const ColumnRun& run);
 
-/// For targets of 24 and 32 bits, of 8 bits, and of 1 bit; null as above.
+/// Make transfers for targets of 24 and 32 bits, of 8 bits, and of 1 bit; null as above.
 std::unique_ptr<RowTransfer> MakeColorTransfer(const TPixelThread& worker, const ColumnRun& run);
 std::unique_ptr<RowTransfer> MakeIndexTransfer(const TPixelThread& worker, const ColumnRun& run);
 std::unique_ptr<RowTransfer> MakeMonoTransfer(const TPixelThread& worker, const ColumnRun& run);

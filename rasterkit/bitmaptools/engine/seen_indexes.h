@@ -14,8 +14,7 @@ class TPixelThread;
 
 namespace detail {
 
-/// The indexes that a worker sees in the rows of a 1-, 4- or 8-bit source, one byte for each
-/// column.
+/// Indexes that a worker sees in the rows of a 1-, 4- or 8-bit source, one byte per column.
 class SeenIndexes {
  public:
   SeenIndexes(const TPixelThread& worker, const std::vector<int32_t>& columns);
@@ -23,7 +22,7 @@ class SeenIndexes {
   /// Valid until the next call.
   const uint8_t* Read(const uint8_t* row);
 
-  /// True when a row gives other indexes after another row.
+  /// Tells whether the indexes of a row depend on the row before.
   bool DependsOnRowBefore() const { return packed_ && packed_->DependsOnRowBefore(); }
 
  private:

@@ -14,7 +14,7 @@ constexpr size_t kPixel = sizeof(RGBrec);
 
 using PaddedRow = std::vector<uint8_t>;
 
-/// A row with its outer pixels repeated, so that every pixel has neighbours.
+/// Row with its outer pixels repeated, so that every pixel has neighbors.
 void CopyPadded(const TBitmap& bitmap, int y, PaddedRow& row) {
   const uint8_t* const source = bitmap.ScanLine(std::clamp(y, 0, bitmap.Height() - 1));
   const size_t bytes = bitmap.Content().RowBytes();
@@ -23,7 +23,7 @@ void CopyPadded(const TBitmap& bitmap, int y, PaddedRow& row) {
   std::copy_n(source + bytes - kPixel, kPixel, row.data() + kPixel + bytes);
 }
 
-/// What a percentage of the distance from the mean is of nine times that distance.
+/// Factor that turns nine times the distance from the mean into a percentage of that distance.
 int16_t ShareOf(int32_t percent) {
   const int weight = percent > 0 ? 2 * percent : percent;
   return static_cast<int16_t>(Round(weight * 32768.0 / 900));
@@ -36,7 +36,7 @@ void Sharpen(TBitmap* bitmap, int32_t percent) {
   bitmap->SetPixelFormat(pf24bit);
   const int16_t share = ShareOf(std::clamp(percent, -100, 100));
   const auto width = static_cast<size_t>(bitmap->Width());
-  // Above, at and below the row that is written, as they were.
+  // Original rows above, at and below the row that is written.
   std::array<PaddedRow, 3> rows;
   for (PaddedRow& row : rows) row.resize((width + 2) * kPixel);
   CopyPadded(*bitmap, 0, rows[1]);

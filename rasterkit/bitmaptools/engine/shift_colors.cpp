@@ -11,14 +11,15 @@ namespace {
 
 using ChannelTable = std::array<uint8_t, 256>;
 
-/// What is no number becomes 0.
+/// NaN becomes 0.
 uint8_t RoundedAndCut(double value) {
   if (value > 255) return 255;
   return value >= 0 ? static_cast<uint8_t>(Round(value)) : uint8_t{0};
 }
 
-/// What the percentage makes of each channel value. The product of a channel and a single is exact
-/// in double, and is not made a single: 15 times 1.3 is a little less than 19.5 and becomes 19.
+/// Result of the percentage for each channel value. The product of a channel and a single is exact
+/// in double and must not be rounded to single: 15 times 1.3 is a little less than 19.5 and
+/// becomes 19.
 ChannelTable TableOf(float percent) {
   const auto factor = static_cast<float>(static_cast<double>(percent) / 100 + 1);
   ChannelTable table{};

@@ -4,9 +4,9 @@
 
 namespace rasterkit {
 
-// The parallelogram onto which the copy goes is one pixel short of the bitmap both ways, and so is
-// what is copied: its first column takes the last but one, so that the last one never moves.
-// Mirroring that part within itself is the same without a copy.
+// The rule is a copy onto a parallelogram that is one pixel smaller than the bitmap in both
+// directions, and so is the copied part: the first column gets the last but one, and the last one
+// stays. Mirroring that part in place gives the same without a copy.
 void SwapBitmap(bool horizontal, TBitmap* bitmap) {
   if (bitmap == nullptr || bitmap->Width() < 2 || bitmap->Height() < 2) return;
   const kernels::PixelRows part{bitmap->ScanLine(0), bitmap->Stride(), bitmap->Width() - 1,

@@ -12,7 +12,7 @@
 namespace rasterkit::detail {
 namespace {
 
-// Rows are never const objects; only those who must not change them see them so.
+// The memory of a row is never const, so const can be cast away where a rule writes the source.
 std::atomic_ref<uint8_t> Shared(const uint8_t* byte) {
   return std::atomic_ref<uint8_t>(*const_cast<uint8_t*>(byte));
 }
@@ -29,7 +29,7 @@ constexpr int32_t Bit(uint8_t byte, int32_t position) {
   return byte >> (7 - position) & 1;
 }
 
-/// The bits of the last byte of a row that belong to pixels.
+/// Bits of the last byte of a row that belong to pixels.
 uint8_t LastByteMask(int32_t width, int32_t bits) {
   const auto used = static_cast<int>(int64_t{width} * bits % 8);
   return used == 0 ? 0xFF : static_cast<uint8_t>(0xFF00 >> used);
@@ -73,7 +73,7 @@ void TransferRules::TransferRow(int32_t first, const std::vector<int32_t>& colum
     TransferPixel(first + static_cast<int32_t>(i), columns[i]);
 }
 
-// What decides is read once: a byte that is stored could be any of the worker's fields.
+// The fields are read once, because a stored byte could alias any of them.
 template <size_t kTargetBytes, size_t kSourceBytes>
 void TransferRules::OverwriteSource(int32_t first, const std::vector<int32_t>& columns) {
   const uint8_t* target = w_.Tar8 + static_cast<ptrdiff_t>(first) * kTargetBytes;
@@ -144,7 +144,7 @@ bool TransferRules::PackedSourceIsWhite() {
     SplitNibbles(Load(w_.Src8 + w_.sx / 2), w_.SrcLeft, w_.SrcRight);
     return w_.SrcLeft == w_.SrcWhite || w_.SrcLeft == w_.SrcLastWhite;
   }
-  // The left value against the last white: established results depend on it.
+  // The rule compares the left value with the last white.
   return w_.SrcRight == w_.SrcWhite || w_.SrcLeft == w_.SrcLastWhite;
 }
 
@@ -174,7 +174,7 @@ void TransferRules::TakeOverNibbles(int32_t x) {
   StorePacked(x / 2, joined);
 }
 
-// Joined nibbles may set bits behind the last pixel, which stay zero in the rows of a bitmap.
+// Joined nibbles may set bits behind the last pixel, which must be zero in the rows of a bitmap.
 void TransferRules::StorePacked(int32_t byte, uint8_t value) {
   const int32_t width = w_.TarBmp->Width();
   const int32_t bits = w_.nTarBit == 4 ? 4 : 1;
@@ -193,7 +193,7 @@ void TransferRules::Combine(int32_t x) {
   if (w_.nSrcBytes >= 3) return MixInto(x, SourceColor());
   if (!isPart) return;
   if (w_.nSrcBytes == 1 || w_.nSrcBit == 4) {
-    // Without a pixel of that colour there is nothing to overwrite.
+    // Without a pixel of that color there is nothing to overwrite.
     if (w_.FPixelMode != pmOverwrite) MixInto(x, SourceEntry());
     return;
   }

@@ -10,19 +10,18 @@ class TPixelThread;
 
 namespace detail {
 
-/// The rules of a pixel transfer for one pixel after the other, in every combination of formats.
-/// The rows that need no speed go this way, and those that must: where the target's rows are the
-/// source's too, or the source is written, other workers may touch the same bytes. Each byte is
-/// therefore read and written as a relaxed atomic.
+/// Rules of a pixel transfer, pixel by pixel, for every combination of formats. Used for rare
+/// formats, and if the target's rows are the source's too or the source is written: then other
+/// workers may access the same bytes, so each byte is read and written as a relaxed atomic.
 class TransferRules {
  public:
-  /// Uses and changes the worker's state; its row pointers are set by the caller.
+  /// Uses and changes the worker's state; the caller sets its row pointers.
   explicit TransferRules(TPixelThread& worker) : w_(worker) {}
 
-  /// The target pixel x of the rows at hand, whose source column is `sx` (-1: there is none).
+  /// Transfers target pixel x of the current rows, whose source column is `sx` (-1: none).
   void TransferPixel(int32_t x, int32_t sx);
 
-  /// All pixels of the rows at hand from column `first` on, with their source columns.
+  /// Transfers all pixels of the current rows from column `first` on, with their source columns.
   void TransferRow(int32_t first, const std::vector<int32_t>& columns);
 
  private:
@@ -30,7 +29,7 @@ class TransferRules {
     uint8_t b, g, r;
   };
 
-  /// Between rows of 24 and 32 bits whose source is written.
+  /// Transfers between rows of 24 and 32 bits, whose source is written.
   template <size_t kTargetBytes, size_t kSourceBytes>
   void OverwriteSource(int32_t first, const std::vector<int32_t>& columns);
 

@@ -11,9 +11,9 @@
 namespace rasterkit {
 namespace {
 
-/// Where on the watermark each position of the picture lies, on one axis: the position times the
-/// scale in single precision, cut. The product is exact; the scale may be a little too large, which
-/// shows from 2^24 pixels on.
+/// Position on the watermark for each position of the picture, along one axis: the position times
+/// the scale in single precision, truncated. The product is exact; the scale may be a little too
+/// large, which matters from 2^24 pixels on.
 class Positions {
  public:
   Positions(int markSize, int size)
@@ -28,7 +28,7 @@ class Positions {
   int last_;
 };
 
-/// The watermark's strength under each pixel of a picture's rows.
+/// Strength of the watermark at each pixel of a picture's rows.
 class Strengths {
  public:
   Strengths(const TBitmap& watermark, int width, int height)

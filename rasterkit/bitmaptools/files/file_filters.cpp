@@ -12,6 +12,8 @@ namespace {
 
 using Extensions = std::span<const std::string_view>;
 
+// The lists stand here and are not made from the codec table: hosts store the indexes, so a new
+// format must not move an entry. GIF and WebP files have no entry.
 constexpr std::array<std::string_view, 7> kOpenExtensions = {"bmp", "jpg", "png", "tif",
                                                              "pdf", "wmf", "emf"};
 constexpr std::array<std::string_view, 5> kGeoExtensions = {"bmp", "jpg", "png", "tif", "pdf"};
@@ -25,7 +27,7 @@ constexpr std::string_view kOpenTiffAndPdfEntries =
 constexpr std::string_view kMetafileEntries =
     "|Windows Metafile (*.wmf)|*.wmf|Enhanced Windows Metafile (*.emf)|*.emf";
 
-/// The place of `ext` in the table plus the index of its first entry; 1 when it is not there.
+/// Position of `ext` in the table plus the index of the first entry; 1 if it is not listed.
 int IndexOf(const std::string& ext, Extensions table, int indexOfFirst) {
   const std::string name = ext.starts_with('.') ? Utf16Substring(ext, 1, 3) : ext;
   for (size_t place = 0; place < table.size(); ++place) {

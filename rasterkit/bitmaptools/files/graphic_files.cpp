@@ -5,6 +5,7 @@
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/bitmaptools/files/load_via_wic.h>
 #include <rasterkit/bitmaptools/rotation/rotate.h>
+#include <rasterkit/graphics/jpeg_image.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/graphics/png_image.h>
 #include <rasterkit/jpegexif/photo_queries.h>
@@ -15,17 +16,19 @@
 namespace rasterkit {
 namespace {
 
+/// Opens the file once: the EXIF data are read from the bytes that the photo keeps.
 void LoadUpright(const std::string& fileName, int type, std::unique_ptr<TGraphic>& graphic) {
   graphic->LoadFromFile(fileName);
+  if (type != gtJpg) return;
+  const auto& photo = dynamic_cast<const TJPEGImage&>(*graphic);
   int rotation = 0;
-  if (type == gtJpg && GetJpgRotation(fileName, rotation)) {
+  if (detail::RotationOfPhoto(photo.CompressedData(), fileName, rotation)) {
     RotateGraphic(static_cast<float>(rotation), graphic, clBlack);
   }
 }
 
-/// Copies a picture into a graphic of another kind. Raster kinds hand over their pixels directly; a
-/// metafile, and the lack of a graphic, become a bitmap first, also when the target is a metafile
-/// again.
+/// Copies a picture into a graphic of another class. Raster classes are assigned directly. A
+/// metafile, or no graphic, becomes a bitmap first, even if the target is a metafile too.
 void AssignPicture(TGraphic& target, const TGraphic* source) {
   if (source != nullptr && dynamic_cast<const TMetafile*>(source) == nullptr) {
     target.Assign(source);
@@ -36,13 +39,15 @@ void AssignPicture(TGraphic& target, const TGraphic* source) {
   target.Assign(&bitmap);
 }
 
-/// The graphic itself when it is a plain bitmap, else its picture as a new one, moved out of a
-/// bitmap of another class; releases the graphic before more memory is asked for.
+/// Returns the graphic itself if it is a plain bitmap, else its picture as a new one, which is
+/// moved out if the class allows that. Frees the graphic before the caller needs more memory.
 std::unique_ptr<TBitmap> TakeBitmap(int type, std::unique_ptr<TGraphic>& graphic) {
   if (type == gtBmp) return std::unique_ptr<TBitmap>(static_cast<TBitmap*>(graphic.release()));
   auto bitmap = std::make_unique<TBitmap>();
   if (type == gtTif) {
     *bitmap = std::move(static_cast<TBitmap&>(*graphic));
+  } else if (type == gtJpg) {
+    *bitmap = dynamic_cast<TJPEGImage&>(*graphic).TakeBitmap();
   } else {
     bitmap->Assign(graphic.get());
   }
@@ -50,13 +55,18 @@ std::unique_ptr<TBitmap> TakeBitmap(int type, std::unique_ptr<TGraphic>& graphic
   return bitmap;
 }
 
-/// The rotated bitmap as a graphic of the type it had before.
+/// Makes the rotated bitmap a graphic of the type it had before.
 std::unique_ptr<TGraphic> IntoType(int type, TBitmap& bitmap) {
   if (type == gtTif) {
     auto tiff = std::make_unique<TWICBitmap>();
     static_cast<TBitmap&>(*tiff) = std::move(bitmap);
     tiff->SetModified(true);
     return tiff;
+  }
+  if (type == gtJpg) {
+    auto jpeg = std::make_unique<TJPEGImage>();
+    jpeg->AssignMoved(std::move(bitmap));
+    return jpeg;
   }
   const bool wasMetafile = type == gtWmf || type == gtEmf;
   std::unique_ptr<TGraphic> graphic =

@@ -11,8 +11,8 @@
 namespace rasterkit {
 namespace {
 
-/// The file between a stream and the one class that works on files only; gone when the transfer is
-/// over, however it ends.
+/// Temporary file between a stream and the class that supports files only; removed by the
+/// destructor.
 class TempGraphicFile {
  public:
   explicit TempGraphicFile(const std::string& tempDir)

@@ -2,6 +2,7 @@
 #include <string_view>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/jpeg_image.h>
 #include <rasterkit/graphics/metafile.h>
@@ -13,18 +14,29 @@
 namespace rasterkit {
 namespace {
 
-struct ExtensionType {
-  std::string_view extension;
+/// A format with a graphic type, and the extension of its world file in upper case.
+struct GraphicFormat {
   int type;
+  PictureType picture;
+  std::string_view worldExtension;
 };
 
-/// Image and world-file extensions, upper case without the dot.
-constexpr std::array kExtensionTypes = {
-    ExtensionType{"BMP", gtBmp}, ExtensionType{"BPW", gtBmp}, ExtensionType{"WMF", gtWmf},
-    ExtensionType{"EMF", gtEmf}, ExtensionType{"JPG", gtJpg}, ExtensionType{"JGW", gtJpg},
-    ExtensionType{"PNG", gtPng}, ExtensionType{"PGW", gtPng}, ExtensionType{"TIF", gtTif},
-    ExtensionType{"TFW", gtTif},
+/// PDF, GIF and WebP files have no graphic type.
+constexpr std::array kGraphicFormats = {
+    GraphicFormat{gtBmp, PictureType::bmp, "BPW"}, GraphicFormat{gtWmf, PictureType::wmf, ""},
+    GraphicFormat{gtEmf, PictureType::emf, ""},    GraphicFormat{gtJpg, PictureType::jpeg, "JGW"},
+    GraphicFormat{gtPng, PictureType::png, "PGW"}, GraphicFormat{gtTif, PictureType::tiff, "TFW"},
 };
+
+/// In lower case without the dot. Other extensions of a format have no graphic type: ".jpeg" has
+/// none, and ".tiff" counts because only three characters of it are compared.
+std::string_view UsualExtension(const GraphicFormat& format) {
+  return FindCodec(format.picture)->extensions.front();
+}
+
+std::string WithDot(std::string_view extension) {
+  return std::string(".").append(extension);
+}
 
 std::unique_ptr<TGraphic> MakeMetafile(bool enhanced) {
   auto metafile = std::make_unique<TMetafile>();
@@ -40,42 +52,33 @@ bool Is(const TGraphic* g) {
 }  // namespace
 
 std::string GetGraphicsExt(int type) {
-  switch (type) {
-    case gtBmp:
-      return ".bmp";
-    case gtWmf:
-      return ".wmf";
-    case gtJpgAlt:
-    case gtJpg:
-      return ".jpg";
-    case gtEmf:
-      return ".emf";
-    case gtPng:
-      return ".png";
-    case gtTif:
-      return ".tif";
-    default:
-      return "";
+  if (type == gtJpgAlt) type = gtJpg;
+  for (const GraphicFormat& format : kGraphicFormats) {
+    if (format.type == type) return WithDot(UsualExtension(format));
   }
+  return "";
 }
 
 int GetGraphicsType(const std::string& ext) {
   std::string name = AnsiUpperCase(ext);
   if (name.starts_with('.')) name = Utf16Substring(name, 1, 3);
-  for (const auto& [extension, type] : kExtensionTypes) {
-    if (name == extension) return type;
+  if (name.empty()) return gtNone;
+  for (const GraphicFormat& format : kGraphicFormats) {
+    if (name == UpperCase(UsualExtension(format)) || name == format.worldExtension)
+      return format.type;
   }
   return gtNone;
 }
 
 std::string GetWorldFileExt(const std::string& name) {
-  // Plain upper-casing here: a Turkish locale would turn ".tif" into something that is no
+  // UpperCase ignores the locale: a Turkish one would turn ".tif" into something that is no
   // extension.
-  const std::string ext = UpperCase(name.starts_with('.') ? name : ExtractFileExt(name));
-  if (ext == ".PNG") return ".PGW";
-  if (ext == ".TIF" || ext == ".TIFF") return ".TFW";
-  if (ext == ".BMP") return ".BPW";
-  if (ext == ".JPG") return ".JGW";
+  std::string ext = UpperCase(name.starts_with('.') ? name : ExtractFileExt(name));
+  if (ext == ".TIFF") ext = ".TIF";
+  for (const GraphicFormat& format : kGraphicFormats) {
+    if (ext == UpperCase(WithDot(UsualExtension(format))) && !format.worldExtension.empty())
+      return WithDot(format.worldExtension);
+  }
   return "";
 }
 

@@ -4,28 +4,30 @@
 
 #include <rasterkit/runtime/export.h>
 
-/// The two ready-made file dialogs. They run through the port `pictureFileDialog`; without it they
-/// are cancelled.
+/// File dialogs for opening and saving a picture. They use the port `pictureFileDialog`; without it
+/// they count as canceled.
 namespace rasterkit {
 
-/// Which files BitmapOpenDialog offers: all kinds, all but metafiles, or those for a map's
+/// Files that BitmapOpenDialog offers: all types, all but metafiles, or those for a map's
 /// background.
 enum TBitmapFilter : int { bfAll = 0, bfLoadBmp = 1, bfGeo = 2 };
 
-/// Lets the user choose a picture file; `fileName` is the first suggestion and then the answer.
-/// `defaultExt` chooses the filter entry at first.
+/// Lets the user choose a picture file. `fileName` is the suggested name on entry and the chosen
+/// one on return. `defaultExt` selects the initial filter entry.
 ///
-/// A PDF file is answered as it is when `keepPdf`; else a page of it is made a PNG picture through
-/// the port `pdfPageChooser`, and `fileName` becomes that picture's name: `initialDir` (with its
-/// separator, none is added) and the PDF file's bare name with ".png", or what the port made of it.
+/// A PDF file is returned as it is if `keepPdf` is set. Else the port `pdfPageChooser` converts one
+/// of its pages to a PNG picture, and `fileName` becomes the name of that picture: `initialDir`
+/// (with its separator, none is added) and the PDF file's base name with ".png", or the name that
+/// the port chose.
 ///
-/// False, with `fileName` unchanged, when the user cancels; false too when no page was made.
+/// Returns false, with `fileName` unchanged, if the user cancels; also false if no page was
+/// converted.
 RASTERKIT_EXPORT bool BitmapOpenDialog(const std::string& initialDir, const std::string& defaultExt,
                                        TBitmapFilter filter, std::string& fileName, bool keepPdf);
 
-/// Lets the user choose a name for a picture; whatever extension the name has, it gets that of the
-/// chosen filter entry. Asks before overwriting; without `changeDir` the process's folder stays as
-/// it is. False, with `fileName` unchanged, when the user cancels.
+/// Lets the user choose a name for a picture. The name gets the extension of the chosen filter
+/// entry, whatever it had. Asks before overwriting. Without `changeDir` the current folder of the
+/// process stays. Returns false, with `fileName` unchanged, if the user cancels.
 RASTERKIT_EXPORT bool BitmapSaveDialog(const std::string& initialDir, const std::string& defaultExt,
                                        bool withMetafiles, std::string& fileName, bool changeDir);
 

@@ -16,7 +16,7 @@ TBitmap Converted(const TBitmap& bitmap, TPixelFormat format) {
   return copy;
 }
 
-/// The bitmap's own way of saving would mark it as unmodified.
+/// SaveToFile of the bitmap would mark it as unmodified.
 void SaveAsBmp(const TBitmap& bitmap, const std::string& fileName) {
   AtomicFile file(fileName);
   EncodeBmp(bitmap.Content(), file, BmpProfile::embed);

@@ -6,6 +6,7 @@
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
 #include <rasterkit/bitmaptools/rotation/rotate.h>
+#include <rasterkit/graphics/jpeg_image.h>
 #include <rasterkit/jpegexif/photo_queries.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/ports.h>
@@ -14,21 +15,23 @@
 namespace rasterkit {
 namespace {
 
-/// Angles in degrees up to here are no turn.
+/// Angles up to this one, in degrees, do not turn.
 constexpr float kNoTurn = 0.1f;
 
-/// The picture in a class that can read its kind; null when there is none. A photo adds its own
+/// Loads the picture into the class of its type; null if there is none. A photo adds its own
 /// rotation to the angle.
 std::unique_ptr<TGraphic> LoadByType(int type, const std::string& fileName, float& angle) {
   if (type == gtTif) return LoadViaWic(fileName);
   if (type == gtNone || type == gtJpgAlt) return nullptr;
-  // A metafile is not read: what is not a picture of pixels gives an empty bitmap.
+  // A metafile is not read and gives an empty bitmap.
   if (type == gtWmf || type == gtEmf) return std::make_unique<TBitmap>();
   std::unique_ptr<TGraphic> graphic = CreateGraphicOfType(type);
   graphic->LoadFromFile(fileName);
-  int rotation = 0;
-  if (type == gtJpg && GetJpgRotation(fileName, rotation)) {
-    angle = static_cast<float>(rotation) + angle;
+  if (type == gtJpg) {
+    const auto& photo = dynamic_cast<const TJPEGImage&>(*graphic);
+    int rotation = 0;
+    if (detail::RotationOfPhoto(photo.CompressedData(), fileName, rotation))
+      angle = static_cast<float>(rotation) + angle;
   }
   return graphic;
 }
@@ -37,12 +40,14 @@ std::unique_ptr<TBitmap> IntoBitmap(std::unique_ptr<TGraphic> graphic) {
   if (GetGraphicType(graphic.get()) == gtBmp) {
     return std::unique_ptr<TBitmap>(static_cast<TBitmap*>(graphic.release()));
   }
+  if (auto* photo = dynamic_cast<TJPEGImage*>(graphic.get()))
+    return std::make_unique<TBitmap>(photo->TakeBitmap());
   auto bitmap = std::make_unique<TBitmap>();
   bitmap->Assign(graphic.get());
   return bitmap;
 }
 
-/// Hosts draw 8-bit bitmaps with white as paper, and handle palettes of 16 or 256 colours.
+/// Hosts draw 8-bit bitmaps with white as paper, and support palettes of 16 or 256 colors.
 void CleanPalette(TBitmap& bitmap) {
   if (bitmap.PixelFormat() != pf8bit) return;
   if (bitmap.Transparent() && bitmap.TransparentColor() != clWhite) bitmap.SetTransparent(false);

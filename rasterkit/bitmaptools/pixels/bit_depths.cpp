@@ -4,7 +4,8 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Measures a format without a size of its own and gives the bitmap one.
+/// Gets the bytes of a format without a size of its own, and switches the bitmap to one with a
+/// size.
 bool SettleFormat(TBitmap& bitmap, int32_t& bytesPerPixel) {
   if (!BytesOfBits(bitmap.StoredBits(), bytesPerPixel)) return false;
   bitmap.SetPixelFormat(bytesPerPixel == 3 ? pf24bit : pf32bit);

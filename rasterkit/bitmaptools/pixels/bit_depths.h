@@ -9,9 +9,8 @@ class TBitmap;
 /// How pixels are packed at each bit depth.
 namespace detail {
 
-/// Splits a byte of two 4-bit pixels. Both outputs carry the high nibble, so that on a 4-bit bitmap
-/// odd pixels read as their even neighbour; every reader and writer of single 4-bit pixels shares
-/// this behaviour.
+/// Splits a byte of two 4-bit pixels. Both outputs are the high nibble, so odd pixels of a 4-bit
+/// bitmap read as their even neighbor; all functions for single 4-bit pixels share this behavior.
 inline void SplitNibbles(uint8_t value, uint8_t& high, uint8_t& low) {
   high = value >> 4;
   low = value >> 4;
@@ -43,24 +42,24 @@ inline void SetMonoBit(int32_t n, uint8_t* row, bool value) {
   byte = static_cast<uint8_t>(value ? byte | mask : byte & ~mask);
 }
 
-/// True when the pixel at `position` (0 the first, 7 the last) of a byte of a 1-bit row equals
-/// `value`; positions outside 0 to 7 always do.
+/// Tells whether the pixel at `position` (0 the first, 7 the last) of a byte of a 1-bit row equals
+/// `value`. True for positions outside 0 to 7.
 inline bool TestMonoBit(int32_t position, uint8_t byte, bool value) {
   const int mask = position < 0 || position > 7 ? 0 : 128 >> position;
   return (byte & mask) == (value ? mask : 0);
 }
 
-/// Bytes that a pixel takes (0 for pf1bit and pf4bit) and, where a pixel takes less than a byte,
-/// its bits (else 0).
+/// Gets the bytes per pixel (0 for pf1bit and pf4bit) and, if a pixel takes less than a byte, its
+/// bits (else 0).
 ///
-/// pfDevice and pfCustom have no size of their own: they are measured by their stored bits, and the
-/// bitmap is then switched to pf24bit where that makes three bytes, else to pf32bit. False, with
-/// the bitmap unchanged, when the stored bits are no whole bytes or the format is unknown;
-/// `bytesPerPixel` is 0 then.
+/// pfDevice and pfCustom have no size of their own: their stored bits count, and the bitmap is
+/// switched to pf24bit if those are three bytes, else to pf32bit. Returns false, with the bitmap
+/// unchanged and `bytesPerPixel` 0, if the stored bits are not whole bytes or the format is
+/// unknown.
 bool GetPixelByteInfo(TBitmap& bitmap, int32_t& bytesPerPixel, int32_t& bitsPerPixel);
 
-/// The rule for measured bits: whole bytes into `bytesPerPixel`. False when there is a byte and a
-/// part of another.
+/// Converts bits to whole bytes in `bytesPerPixel`. Returns false if they are more than a byte but
+/// not whole bytes.
 bool BytesOfBits(int32_t bits, int32_t& bytesPerPixel);
 
 }  // namespace detail

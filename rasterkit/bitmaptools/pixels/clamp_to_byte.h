@@ -7,8 +7,8 @@
 
 namespace rasterkit::detail {
 
-/// `value` rounded to the nearest channel value, halves to even, cut to 0 to 255. NaN gives 0, the
-/// low byte of what processors answer when they are asked to round it.
+/// Rounds `value` to the nearest channel value, halves to even, clamped to 0 to 255. NaN gives 0,
+/// the low byte of what processors return when they round it.
 inline uint8_t ClampToByte(float value) {
   if (value > 255) return 255;
   if (value < 0 || std::isnan(value)) return 0;

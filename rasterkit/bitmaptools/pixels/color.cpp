@@ -6,7 +6,7 @@
 namespace rasterkit {
 namespace {
 
-/// `change` applied to each channel.
+/// Applies `change` to each channel.
 template <class Change>
 TColor ForEachChannel(TColor color, Change change) {
   uint8_t red, green, blue;
@@ -14,7 +14,7 @@ TColor ForEachChannel(TColor color, Change change) {
   return RGB(change(red), change(green), change(blue));
 }
 
-/// The factor is negative below -100 percent; the low byte of the product is kept all the same.
+/// The factor is negative below -100 percent; the low byte of the product is kept then too.
 TColor Darken(TColor color, float factor) {
   return ForEachChannel(color, [factor](uint8_t channel) {
     return static_cast<uint8_t>(Round(channel * static_cast<double>(factor)));
@@ -50,9 +50,8 @@ uint8_t GrayValue(TColor color) {
 }
 
 TColor ColorBrightness(TColor color, int32_t percent) {
-  // Rounding to double first is harmless: a quotient by 100 that is not itself halfway between two
-  // single-precision numbers keeps a distance from every such halfway point that exceeds the error
-  // of double by far.
+  // Rounding to double first is harmless: a quotient by 100 that is not halfway between two
+  // single-precision numbers is much farther from every halfway point than the error of double.
   const auto factor = static_cast<float>(1.0 + percent / 100.0);
   return percent < 0 ? Darken(color, factor) : Brighten(color, factor);
 }

@@ -13,17 +13,15 @@
 namespace rasterkit {
 namespace {
 
-/// A bitmap that has all of another but pixels and palette.
+/// Makes a bitmap with the size and the properties of another, except those that describe its rows.
 TBitmap WithoutPixels(const TBitmap& bitmap, TPixelFormat format) {
   TBitmap fresh;
   fresh.ResetPixels(format, bitmap.Width(), bitmap.Height());
-  fresh.SetDpi(bitmap.Dpi());
-  fresh.SetProfile(bitmap.Profile());
-  fresh.AssignTransparency(bitmap);
+  fresh.CarryFrom(bitmap, {.palette = false, .alphaFormat = false});
   return fresh;
 }
 
-/// Calls `rowOf24` or `rowOf32(row, y)` for every row: colours as they are in true-colour bitmaps,
+/// Calls `rowOf24` or `rowOf32(row, y)` for every row: colors as they are in true-color bitmaps,
 /// else converted to 24 bits row by row.
 template <class RowOf24, class RowOf32>
 void ReadColors(const TBitmap& bitmap, RowOf24 rowOf24, RowOf32 rowOf32) {

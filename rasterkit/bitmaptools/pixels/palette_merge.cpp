@@ -16,13 +16,13 @@ namespace {
 /// `CreateColorPalette` rounds this up to 256 entries, of which the last is black.
 constexpr int32_t kCommonEntries = 255;
 
-/// The 256 entries of the common palette while they are handed out.
+/// The 256 entries of the common palette while they are assigned.
 class CommonPalette {
  public:
   CommonPalette() { slots_.fill(kFree); }
 
-  /// Finds an entry for a colour that a bitmap has at `index`; false when all are taken by other
-  /// colours.
+  /// Finds an entry for a color that a bitmap has at `index`; false if other colors use all of
+  /// them.
   bool Take(TColor color, uint8_t index) {
     if (slots_[index] == kFree) slots_[index] = color;
     if (slots_[index] == color || Holds(color)) return true;
@@ -32,7 +32,7 @@ class CommonPalette {
     return true;
   }
 
-  /// The colours; a free entry is a system colour to `GetRGB` and so becomes black.
+  /// Colors of the entries. A free entry holds a system color, which `GetRGB` makes black.
   std::unique_ptr<TColorTable> Table() const {
     auto table = std::make_unique<TColorTable>();
     for (size_t i = 0; i < slots_.size(); ++i) {
@@ -52,7 +52,7 @@ class CommonPalette {
   std::array<TColor, 256> slots_;
 };
 
-/// Takes an entry for each index that occurs in the bitmap, in the order in which they occur.
+/// Assigns an entry to each index that the bitmap uses, in order of appearance.
 bool TakeColorsOf(const TBitmap& bitmap, CommonPalette& common) {
   const HPALETTE palette = bitmap.Palette();
   const size_t bytes = std::min(static_cast<size_t>(bitmap.Width()), bitmap.Stride());

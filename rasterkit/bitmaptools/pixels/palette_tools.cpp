@@ -12,8 +12,7 @@
 namespace rasterkit {
 namespace {
 
-/// Bytes of a row that keep their content under a palette of `count` entries; may exceed the row's
-/// own bytes.
+/// Bytes of a row that are kept with a palette of `count` entries; may exceed the bytes of the row.
 size_t KeptBytes(int width, int32_t count) {
   const auto pixels = static_cast<size_t>(width);
   switch (count) {
@@ -26,7 +25,8 @@ size_t KeptBytes(int width, int32_t count) {
   }
 }
 
-/// Makes each row from byte `kept` on as it is in a new bitmap of the same stored format and size.
+/// Sets each row from byte `kept` on to the content of a new bitmap of the same stored format and
+/// size.
 void WhitenRowEnds(TBitmap& bitmap, size_t kept) {
   const size_t rowBytes = bitmap.Content().RowBytes();
   if (bitmap.Height() == 0 || kept >= rowBytes) return;

@@ -23,7 +23,7 @@ void ChangeRows(TBitmap& bitmap, Change change) {
   bitmap.SetModified(true);
 }
 
-/// The two formats that both sides of the grey scale are recoloured in.
+/// Recolors the two formats that support both sides of the gray scale.
 void RecolorBytes(TBitmap& bitmap, GraySide side, uint32_t color) {
   if (bitmap.PixelFormat() == pf24bit) {
     ChangeRows(bitmap, [=](uint8_t* row, size_t width) {

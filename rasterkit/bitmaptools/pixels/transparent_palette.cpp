@@ -23,7 +23,7 @@ uint8_t GrayOfEntry(const tagPALETTEENTRY& entry) {
   return GrayValue(entry.peRed, entry.peGreen, entry.peBlue);
 }
 
-/// A palette that is handled, and what it says about the rows.
+/// Supported palette, and how it makes rows to be read.
 struct FullPalette {
   std::unique_ptr<TColorTable> entries;
   int count = 0;
@@ -36,14 +36,14 @@ struct FullPalette {
   tagPALETTEENTRY& Entry(int index) const { return (*entries)[static_cast<size_t>(index)]; }
 };
 
-/// Index of the last white entry; -1 when there is none.
+/// Index of the last white entry; -1 if there is none.
 int LastWhite(const FullPalette& palette) {
   int i = palette.Last();
   while (i >= 0 && !IsWhite(palette.Entry(i))) --i;
   return i;
 }
 
-/// The entry of the greatest sum, the highest index among equals; 0 when none is above 3.
+/// Entry of the greatest sum, the highest index among equals; 0 if none is above 3.
 int Brightest(const FullPalette& palette) {
   int best = 0;
   int bestSum = 3;
@@ -57,7 +57,7 @@ int Brightest(const FullPalette& palette) {
   return best;
 }
 
-/// The index of white; the brightest entry becomes white where there is none.
+/// Index of white; the brightest entry becomes white if there is none.
 int EnsureWhite(TBitmap& bitmap, const FullPalette& palette) {
   const int white = LastWhite(palette);
   if (white >= 0) return white;
@@ -68,8 +68,8 @@ int EnsureWhite(TBitmap& bitmap, const FullPalette& palette) {
   return brightest;
 }
 
-/// Calls `change(row, bytes)` for the bytes of each row that the palette's rule looks at. A row
-/// may have fewer where palette and pixel format disagree.
+/// Calls `change(row, bytes)` for the bytes of each row that the palette's rule uses. A row may
+/// have fewer if palette and pixel format do not match.
 template <class Change>
 void ChangeIndexes(TBitmap& bitmap, const FullPalette& palette, Change change) {
   const auto width = static_cast<size_t>(bitmap.Width());

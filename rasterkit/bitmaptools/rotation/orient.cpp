@@ -2,6 +2,7 @@
 
 #include <rasterkit/bitmaptools/rotation/orient.h>
 #include <rasterkit/kernels/turn/turn_pixels.h>
+#include <rasterkit/raster/format_of_bits.h>
 
 namespace rasterkit {
 namespace {
@@ -27,34 +28,6 @@ kernels::AxisTurn TurnFor(Orientation orientation) {
   }
 }
 
-TPixelFormat FormatOfBits(int bits) {
-  switch (bits) {
-    case 1:
-      return pf1bit;
-    case 4:
-      return pf4bit;
-    case 8:
-      return pf8bit;
-    case 16:
-      return pf16bit;
-    case 24:
-      return pf24bit;
-    default:
-      return pf32bit;
-  }
-}
-
-void CopyProperties(const TBitmap& source, TBitmap& target, bool exchangeSides) {
-  if (IsIndexed(source.PixelFormat())) target.SetPalette(source.Palette());
-  const Resolution dpi = source.Dpi();
-  target.SetDpi(exchangeSides ? Resolution{dpi.y, dpi.x} : dpi);
-  target.SetProfile(source.Profile());
-  target.SetAlphaFormat(source.AlphaFormat());
-  const bool keepsColor = source.Transparent() || source.TransparentMode() == tmFixed;
-  if (keepsColor) target.SetTransparentColor(source.TransparentColor());
-  target.SetTransparent(source.Transparent());
-}
-
 }  // namespace
 
 void Reorient(TBitmap& bitmap, Orientation orientation) {
@@ -74,7 +47,8 @@ void Reorient(TBitmap& bitmap, Orientation orientation) {
                         {turned.ScanLine(0), turned.Stride(), width, height}, source.StoredBits(),
                         turn);
   }
-  CopyProperties(bitmap, turned, turn.transpose);
+  turned.CarryFrom(bitmap,
+                   {.exchangedAxes = turn.transpose, .transparency = CarriedTransparency::fixed});
   turned.SetModified(true);
   bitmap = std::move(turned);
 }

@@ -3,14 +3,14 @@
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/runtime/export.h>
 
-/// Whole-pixel turns and mirrors of any pixel format: nothing is interpolated, lost or added.
-/// Format, palette, profile and alpha mark stay; a resolution is exchanged with the sides. What was
-/// transparent stays transparent: an automatic transparent colour, which would follow another
-/// corner pixel, becomes the fixed one it was.
+/// Exact rotation by quarter turns, and mirroring, in any pixel format. Format, palette, profile
+/// and alpha mark stay; the resolutions of x and y are exchanged with the sides. Transparent pixels
+/// stay transparent: an automatic transparent color, which would change with the corner pixel,
+/// becomes fixed.
 namespace rasterkit {
 
-/// What makes a picture upright, named by composition. The values are those of the EXIF orientation
-/// tag; the letter shows how the stored picture lies.
+/// Operation that makes a picture upright. The values are those of the EXIF orientation tag; the
+/// letter shows the stored picture.
 ///
 ///     1        2        3        4        5          6          7          8
 ///     XXXXXX   XXXXXX       XX   XX       XXXXXXXXXX XX                 XX XXXXXXXXXX
@@ -29,16 +29,15 @@ enum class Orientation {
   Rotate90CounterClockwise = 8,
 };
 
-/// Makes a picture upright that lies as the EXIF orientation `orientation` says. Other values than
-/// 1 to 8 say nothing and change nothing. Throws LimitError when there is no memory for the turned
-/// copy; the bitmap is then as it was.
+/// Makes a picture with the EXIF orientation `orientation` upright. No-op for values outside 1
+/// to 8. Throws LimitError, with the bitmap unchanged, if there is not enough memory for the turned
+/// copy.
 RASTERKIT_EXPORT void Reorient(TBitmap& bitmap, int orientation);
 
-/// The same by name.
+/// Makes a picture upright by a named operation.
 RASTERKIT_EXPORT void Reorient(TBitmap& bitmap, Orientation orientation);
 
-/// Turns by `quarters` quarter turns counter-clockwise (negative: clockwise); any number is taken
-/// modulo 4.
+/// Turns by `quarters` quarter turns counter-clockwise (negative: clockwise), modulo 4.
 RASTERKIT_EXPORT void TurnQuarters(TBitmap& bitmap, int quarters);
 
 }  // namespace rasterkit

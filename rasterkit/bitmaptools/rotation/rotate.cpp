@@ -18,7 +18,7 @@
 namespace rasterkit {
 namespace {
 
-// Said in English whatever the translator: quarter turns have never looked into the table.
+// Always English: the message of quarter turns is not translated.
 constexpr char kQuarterTurnFailed[] = "Bitmap to large to rotate.";
 
 bool HasTrueColorBytes(const TBitmap& bitmap) {
@@ -41,9 +41,10 @@ std::unique_ptr<TBitmap> TurnedExactly(const TBitmap& source, kernels::AxisTurn 
   const int width = turn.transpose ? source.Height() : source.Width();
   const int height = turn.transpose ? source.Width() : source.Height();
   turned->ResetPixels(pf24bit, width, height);
-  const Resolution dpi = source.Dpi();
-  turned->SetDpi(turn.transpose ? Resolution{dpi.y, dpi.x} : dpi);
-  turned->SetProfile(source.Profile());
+  turned->CarryFrom(source, {.exchangedAxes = turn.transpose,
+                             .palette = false,
+                             .alphaFormat = false,
+                             .transparency = CarriedTransparency::none});
   if (width == 0 || height == 0) return turned;
   const kernels::ConstPixelRows from{source.ScanLine(0), source.Stride(), source.Width(),
                                      source.Height()};
@@ -55,16 +56,11 @@ std::unique_ptr<TBitmap> TurnedExactly(const TBitmap& source, kernels::AxisTurn 
   return turned;
 }
 
-// A bitmap with everything of `source` but its size and pixels, which are undefined.
+// Makes a bitmap with all properties of `source`; its pixels are undefined.
 std::unique_ptr<TBitmap> EmptyCopy(const TBitmap& source, int width, int height) {
   auto copy = std::make_unique<TBitmap>();
   copy->ResetPixels(source.PixelFormat(), width, height);
-  if (IsIndexed(source.PixelFormat())) copy->SetPalette(source.Palette());
-  copy->SetDpi(source.Dpi());
-  copy->SetProfile(source.Profile());
-  copy->SetAlphaFormat(source.AlphaFormat());
-  copy->SetTransparent(source.Transparent());
-  if (source.TransparentMode() == tmFixed) copy->SetTransparentColor(source.TransparentColor());
+  copy->CarryFrom(source);
   return copy;
 }
 
@@ -79,8 +75,8 @@ bool NeedsConversion(const TBitmap& bitmap, int32_t background) {
   return format == pfDevice || format == pfCustom || (format == pf1bit && background == -1);
 }
 
-// Null when the format has no whole pixels. Works on a converted copy where one is needed, so that
-// an error leaves the caller's bitmap as it was.
+// Null if the format is unsupported. Uses a converted copy if one is needed, so that an error
+// leaves the caller's bitmap as it was.
 std::unique_ptr<TBitmap> TurnedByAngle(float angle, TBitmap& original, int32_t background,
                                        int32_t threadsCount) {
   std::unique_ptr<TBitmap> converted;
@@ -103,13 +99,13 @@ std::unique_ptr<TBitmap> TurnedByAngle(float angle, TBitmap& original, int32_t b
 
 float detail::NormalizeAngle(float angle) {
   if (angle < -0.01f) {
-    // Each addition but the last one is exact, as 360 is a multiple of the angle's last place
+    // Each addition but the last one is exact, because 360 is a multiple of the angle's last place
     // (below 1.3e8).
     angle = std::fmod(angle, 360.0f);
     if (angle < -0.01f) angle += 360.0f;
   }
   if (angle > 360.01f) {
-    // The loop stops one turn early where a rest of up to 0.01 is left.
+    // The loop stops one turn early if a remainder of up to 0.01 is left.
     angle = std::fmod(angle, 360.0f);
     if (angle + 360.0 <= static_cast<double>(360.01f)) angle += 360.0f;
   }

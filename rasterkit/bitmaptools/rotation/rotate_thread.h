@@ -12,11 +12,11 @@ namespace rasterkit {
 class TBitmap;
 class TManageThreads;
 
-/// The rows of a bitmap, fetched once and shared by the workers that read them.
+/// Rows of a bitmap, fetched once and shared by the workers that read them.
 using TOwnScanLines = std::shared_ptr<const std::vector<const uint8_t*>>;
 
-/// Turns one band of rows. Made suspended, owned by the driver; writes the rows of its band in
-/// `TarBmp` and nothing else.
+/// Worker that rotates one band of rows. Created suspended and owned by the driver; writes only the
+/// rows of its band in `TarBmp`.
 class RASTERKIT_EXPORT TRotateThread : public TThread {
  public:
   /// `nBytes` is 0 for 1- and 4-bit bitmaps; `iAnf` and `iEnd` are the first and the last row of
@@ -36,8 +36,8 @@ class RASTERKIT_EXPORT TRotateThread : public TThread {
   TManageThreads& ManThreads;
   const uint32_t Background;
 
-  /// The work itself, for a driver that does it on its own thread. Throws RangeError when the band
-  /// reaches beyond the last row, after doing the rows that are there.
+  /// Rotates the band; public for a driver that does it on its own thread. Throws RangeError if the
+  /// band reaches beyond the last row, after processing the existing rows.
   void RotateBand();
 
  protected:

@@ -16,8 +16,8 @@ TColor ColorOf(const tagPALETTEENTRY& entry) {
   return RGB(entry.peRed, entry.peGreen, entry.peBlue);
 }
 
-// A bitmap that was 1-bit needs one black and one white; the first entry that is neither the first
-// of them is free.
+// A bitmap that was 1-bit needs one black and one white entry. The first entry that is neither the
+// first black nor the first white is free.
 void PutNearWhiteOverSpareEntry(TColorTable& entries, int32_t count) {
   int blacks = 0, whites = 0;
   for (int32_t i = 0; i < count; ++i) {

@@ -5,9 +5,9 @@
 
 namespace rasterkit::detail {
 
-/// The colour that corners get when the caller leaves the choice open: near-white, which no scanner
-/// or camera makes by itself, put into the target's palette where that has room; else the palette's
-/// largest colour number below white. Makes the target transparent in it.
+/// Chooses the color of the corners for the automatic background: near-white, which scanners and
+/// cameras do not produce, added to the target's palette if that is not full; else the palette's
+/// largest color number below white. Makes the target transparent in it.
 TColor ChooseBackground(const RotationTask& task);
 
 }  // namespace rasterkit::detail

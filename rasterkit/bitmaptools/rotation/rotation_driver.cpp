@@ -15,8 +15,7 @@ namespace {
 
 constexpr int32_t kMostThreads = 100;
 
-// The bytes of a pixel that is filled with `color`, as the canvas fills it (the nearest palette
-// entry, alpha 255).
+// Bytes of a pixel that the canvas fills with `color` (the nearest palette entry, alpha 255).
 uint32_t FilledPixel(const TBitmap& like, TColor color) {
   TBitmap sample;
   sample.ResetPixels(like.PixelFormat(), 1, 1);

@@ -8,11 +8,11 @@ class TBitmap;
 
 namespace detail {
 
-/// What `RunRotation` works on and with.
+/// Arguments of `RunRotation`.
 struct RotationTask {
   /// Read only.
   const TBitmap& source;
-  /// Has format, palette and size of the result; its pixels are undefined before.
+  /// Has format, palette and size of the result; its pixels are undefined on entry.
   TBitmap& target;
   int32_t bytesPerPixel;
   int32_t bitsPerPixel;
@@ -25,11 +25,11 @@ struct RotationTask {
   float angle;
 };
 
-/// How many workers a caller's number asks for: 1 to 100, as many as can be waited for at once.
+/// Number of workers for a caller's number: 1 to 100, the most that can be waited for at once.
 int32_t RotationThreads(int32_t threadsCount);
 
-/// Chooses the background, divides the rows among the threads and waits for all of them. Throws
-/// when there are no bands or no further thread.
+/// Chooses the background, divides the rows among the threads and waits for all of them. Throws if
+/// there are no bands or a thread cannot be created.
 void RunRotation(const RotationTask& task);
 
 }  // namespace detail

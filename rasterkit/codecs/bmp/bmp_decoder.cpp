@@ -19,7 +19,7 @@ namespace {
 
 using namespace detail;
 
-/// A stored pixel whose layout is a raster's own needs no conversion.
+/// Pixels in the layout of a raster need no conversion.
 bool IsStoredAs(const BmpHeader& header, int bits, BmpMasks masks) {
   return header.bits == bits && header.masks == masks;
 }
@@ -60,7 +60,7 @@ bool IsConverted(const BmpHeader& header, TPixelFormat format) {
   }
 }
 
-/// Four 2-bit indexes a byte become two bytes of two nibbles.
+/// Expands a byte of four 2-bit indexes to two bytes of two nibbles.
 void Widen2BitRow(const uint8_t* source, uint8_t* target, size_t width) {
   for (size_t x = 0; x < width; x += 4, ++source) {
     *target++ = static_cast<uint8_t>((*source >> 6 << 4) | (*source >> 4 & 3));
@@ -68,7 +68,7 @@ void Widen2BitRow(const uint8_t* source, uint8_t* target, size_t width) {
   }
 }
 
-/// The bit above 5-5-5 means nothing in the file and is 0 in the raster.
+/// Clears the bit above 5-5-5, which is undefined in the file.
 void ClearTopBits(uint8_t* row, size_t width) {
   for (size_t x = 0; x < width; ++x) row[2 * x + 1] &= 0x7F;
 }
@@ -86,7 +86,7 @@ HPALETTE ReadPalette(TStream& stream, uint64_t start, const BmpHeader& header) {
   return HPALETTE(entries);
 }
 
-/// Bytes of the file that are wanted whole: an embedded picture, a colour profile.
+/// Reads a part of the file completely: an embedded picture, a color profile.
 std::vector<uint8_t> ReadPart(TStream& stream, uint64_t position, uint64_t count) {
   RequirePictureMemory(count, "BMP: a part of the file");
   std::vector<uint8_t> bytes(count);
@@ -155,7 +155,7 @@ Raster BmpDecoder::DecodePixels() {
 }
 
 void BmpDecoder::RequireMemory(TPixelFormat format) const {
-  // In 64 bits on every host: the lengths of rows are as untrusted as their number.
+  // 64 bits on every system: neither the length of rows nor their number can be trusted.
   const auto rowBits =
       static_cast<uint64_t>(header_.width) * static_cast<uint64_t>(StoredBitsPerPixel(format));
   const uint64_t bytes = (rowBits + 31) / 32 * 4 * static_cast<uint64_t>(header_.height);
@@ -195,7 +195,7 @@ void BmpDecoder::ReadRows(Raster& raster) {
   if (alphaSeen) {
     raster.alphaFormat = afDefined;
   } else if (hasAlpha) {
-    // Many writers state an alpha channel and leave it 0: such a picture is opaque, not invisible.
+    // Many programs state an alpha channel and leave it 0: such a picture is opaque, not invisible.
     for (int y = 0; y < header_.height; ++y) MakeOpaque(raster.Row(y), width);
   }
 }
@@ -208,7 +208,7 @@ void BmpDecoder::AddProfile(Raster& raster) {
 
 Raster DecodeStream(TStream& stream, CodecReport& report) {
   if (stream.Size() > stream.Position()) return BmpDecoder(stream, report).Decode();
-  // Pipes have no size and cannot be read from any place but their beginning.
+  // Pipes have no size and no random access.
   const std::vector<uint8_t> bytes = stream.ReadToEnd();
   if (bytes.empty()) throw FormatError("BMP: there are no data");
   TSpanStream memory(bytes);
@@ -222,7 +222,7 @@ Raster DecodeBmp(TStream& stream, CodecReport* report) {
   try {
     return DecodeStream(stream, report != nullptr ? *report : unread);
   } catch (const std::bad_alloc&) {
-    throw LimitError("BMP: the system has no memory for the picture");
+    throw LimitError("BMP: out of memory");
   }
 }
 

@@ -15,11 +15,10 @@ namespace {
 
 using namespace detail;
 
-/// Bytes handed to the stream at once; rows are turned over on their way through a buffer of this
-/// size.
+/// Bytes per write; a buffer of this size reverses the order of rows.
 constexpr size_t kBatchBytes = 512 * 1024;
 
-/// The rendering intent of photographs, which is what profiles here belong to.
+/// The rendering intent of photographs.
 constexpr uint32_t kIntentImages = 4;
 
 class BmpEncoder {
@@ -33,7 +32,7 @@ class BmpEncoder {
   bool HasAlpha() const { return raster_.Format() == pf32bit && raster_.alphaFormat == afDefined; }
   bool HasProfile() const { return profile_ != nullptr; }
   BmpMasks Masks() const;
-  /// The oldest kind of header that can say what has to be said, for the most readers.
+  /// The oldest sufficient header, which most programs read.
   uint32_t HeaderBytes() const;
   uint32_t MaskBytesBehindHeader() const;
   uint32_t PaletteEntries() const;
@@ -75,7 +74,7 @@ void BmpEncoder::RequireWritable() const {
   }
   if (fileBytes_ > std::numeric_limits<uint32_t>::max()) {
     throw LimitError("BMP: a file of " + std::to_string(fileBytes_) +
-                     " bytes is larger than the format can state");
+                     " bytes is larger than the format allows");
   }
 }
 
@@ -98,7 +97,7 @@ uint32_t BmpEncoder::MaskBytesBehindHeader() const {
 
 uint32_t BmpEncoder::PaletteEntries() const {
   if (!IsIndexed(raster_.Format())) return 0;
-  // A count of 0 would mean a full palette; one black entry says the same as none.
+  // A count of 0 would mean a full palette; one black entry is equal to none.
   return static_cast<uint32_t>(
       std::clamp(raster_.palette.Count(), 1, 1 << StoredBitsPerPixel(raster_.Format())));
 }
@@ -120,9 +119,9 @@ void BmpEncoder::FillFileHeader() {
   PutLong(10, static_cast<uint32_t>(head_.size()));
 }
 
-/// Pixels per metre as the header holds them; 0 for unknown.
-uint32_t PixelsPerMetre(double perInch) {
-  const double value = perInch / kMetresPerInch;
+/// Pixels per meter as the header holds them; 0 for unknown.
+uint32_t PixelsPerMeter(double perInch) {
+  const double value = perInch / kMetersPerInch;
   if (!(value > 0)) return 0;
   return static_cast<uint32_t>(
       std::lround(std::min(value, double{std::numeric_limits<int32_t>::max()})));
@@ -142,8 +141,8 @@ void BmpEncoder::FillInfoHeader() {
           static_cast<uint32_t>(StoredBitsPerPixel(raster_.Format())));
   put(bmp_field::compression, static_cast<uint32_t>(compression));
   put(bmp_field::imageBytes, static_cast<uint32_t>(pixelBytes_));
-  put(bmp_field::pixelsPerMetreX, PixelsPerMetre(raster_.resolution.x));
-  put(bmp_field::pixelsPerMetreY, PixelsPerMetre(raster_.resolution.y));
+  put(bmp_field::pixelsPerMeterX, PixelsPerMeter(raster_.resolution.x));
+  put(bmp_field::pixelsPerMeterY, PixelsPerMeter(raster_.resolution.y));
   put(bmp_field::colorsUsed, PaletteEntries());
 }
 
@@ -163,7 +162,7 @@ void BmpEncoder::FillColorSpace() {
           HasProfile() ? kBmpProfileEmbedded : kBmpSrgb);
   if (!HasProfile()) return;
   PutLong(kBmpFileHeaderBytes + bmp_field::intent, kIntentImages);
-  // The profile is found from the info header's start, unlike everything else.
+  // The offset of the profile counts from the info header, unlike all others.
   PutLong(kBmpFileHeaderBytes + bmp_field::profileOffset,
           static_cast<uint32_t>(head_.size() + pixelBytes_ - kBmpFileHeaderBytes));
   PutLong(kBmpFileHeaderBytes + bmp_field::profileBytes, static_cast<uint32_t>(profile_->size()));
@@ -185,7 +184,7 @@ void BmpEncoder::CopyRow(int y, uint8_t* target) const {
   std::memcpy(target, raster_.Row(y), rowBytes);
   std::memset(target + rowBytes, 0, raster_.Stride() - rowBytes);
   if (raster_.Format() != pf32bit || HasAlpha()) return;
-  // Programs that take the unused byte for alpha then see an opaque picture.
+  // Some programs take the unused byte for alpha; they must see an opaque picture.
   MakeOpaque(target, static_cast<size_t>(raster_.Width()));
 }
 

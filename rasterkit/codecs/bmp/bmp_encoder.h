@@ -8,20 +8,20 @@
 
 namespace rasterkit {
 
-/// Whether a bitmap file carries the raster's ICC profile (files do, the stream form does not).
+/// Whether the ICC profile of the raster is written (yes in files, no in the stream form).
 enum class BmpProfile { omit, embed };
 
-/// Writes a Windows bitmap file at the stream's position, for other programs to read: bottom-up,
-/// uncompressed, with the oldest header that says all there is to say (info; v4 for defined alpha;
-/// v5 for a profile). An ignored alpha byte is written as 255, resolution as whole pixels per
-/// metre. Throws FormatError for a picture without pixels (no reader takes such a file),
-/// LimitError for one beyond the 4 GiB that the format can state.
+/// Writes a Windows bitmap file at the stream's position: bottom-up, uncompressed, with the oldest
+/// sufficient header, which most programs read (info; v4 for defined alpha; v5 for a profile). An
+/// ignored alpha byte is written as 255, the resolution as whole pixels per meter. Throws
+/// FormatError for a picture without pixels, which no program reads, and LimitError for a file
+/// above the 4 GiB limit of the format.
 RASTERKIT_EXPORT void EncodeBmp(const Raster& raster, TStream& stream, BmpProfile profile);
 
 namespace detail {
 
-/// What EncodeBmp writes before the first row: headers, masks and palette. Also of a picture that
-/// it would refuse.
+/// Gives what EncodeBmp writes before the first row: headers, masks and palette. Works also for a
+/// picture that EncodeBmp refuses.
 std::vector<uint8_t> BmpHead(const Raster& raster, BmpProfile profile);
 
 }  // namespace detail

@@ -3,21 +3,21 @@
 #include <cstdint>
 #include <span>
 
-/// Layout of Windows and OS/2 bitmap files, shared by what reads and what writes them.
+/// Layout of Windows and OS/2 bitmap files, for decoder and encoder.
 ///
-///     file header 14 bytes | info header | colour masks | palette | pixel rows | ICC profile
+///     file header 14 bytes | info header | color masks | palette | pixel rows | ICC profile
 ///
 /// Everything is little-endian; rows are padded to 4 bytes and usually run from bottom to top.
 namespace rasterkit::detail {
 
 inline constexpr uint32_t kBmpFileHeaderBytes = 14;
 
-/// The info header's first field is its size, and its size says which kind it is.
+/// The first field of the info header is its size, which tells the kind of header.
 inline constexpr uint32_t kBmpCoreHeader = 12;
-/// OS/2 2.x headers are cut after any field; what is missing counts as 0.
+/// OS/2 2.x headers can end after any field; missing fields are 0.
 inline constexpr uint32_t kBmpShortestOs2Header = 16;
 inline constexpr uint32_t kBmpInfoHeader = 40;
-/// As the one before, with masks for three and for four channels.
+/// Info headers with masks for three and for four channels.
 inline constexpr uint32_t kBmpMaskHeader = 52, kBmpAlphaMaskHeader = 56;
 inline constexpr uint32_t kBmpLongestOs2Header = 64;
 inline constexpr uint32_t kBmpV4Header = 108, kBmpV5Header = 124;
@@ -25,8 +25,8 @@ inline constexpr uint32_t kBmpV4Header = 108, kBmpV5Header = 124;
 /// Offsets of the fields in all headers but the core header, from the header's start.
 namespace bmp_field {
 inline constexpr uint32_t size = 0, width = 4, height = 8, planes = 12, bits = 14;
-inline constexpr uint32_t compression = 16, imageBytes = 20, pixelsPerMetreX = 24;
-inline constexpr uint32_t pixelsPerMetreY = 28, colorsUsed = 32, masks = 40, colorSpace = 56;
+inline constexpr uint32_t compression = 16, imageBytes = 20, pixelsPerMeterX = 24;
+inline constexpr uint32_t pixelsPerMeterY = 28, colorsUsed = 32, masks = 40, colorSpace = 56;
 inline constexpr uint32_t intent = 108, profileOffset = 112, profileBytes = 116;
 }  // namespace bmp_field
 
@@ -40,10 +40,10 @@ enum class BmpCompression : uint32_t {
   alphaBitFields = 6,
 };
 
-/// Values of `bmp_field::colorSpace`: the profile follows the pixels, or the colours are sRGB.
+/// Values of `bmp_field::colorSpace`: the profile follows the pixels, or the colors are sRGB.
 inline constexpr uint32_t kBmpProfileEmbedded = 0x4D424544, kBmpSrgb = 0x73524742;
 
-/// Which bits of a stored pixel hold which channel; an alpha mask of 0 means no alpha.
+/// The bits of each channel in a stored pixel; an alpha mask of 0 means no alpha.
 struct BmpMasks {
   uint32_t red = 0, green = 0, blue = 0, alpha = 0;
   friend bool operator==(const BmpMasks&, const BmpMasks&) = default;
@@ -53,10 +53,10 @@ inline constexpr BmpMasks kBmpMasks565{0xF800, 0x07E0, 0x001F, 0};
 inline constexpr BmpMasks kBmpMasks888{0xFF0000, 0x00FF00, 0x0000FF, 0};
 inline constexpr uint32_t kBmpAlpha8888 = 0xFF000000;
 
-/// Resolutions are stored as whole pixels per metre.
-inline constexpr double kMetresPerInch = 0.0254;
+/// Resolutions are stored as whole pixels per meter.
+inline constexpr double kMetersPerInch = 0.0254;
 
-/// True for the header sizes that OS/2 2.x has to itself.
+/// True for header sizes that only OS/2 2.x has.
 constexpr bool IsOs2BmpHeader(uint32_t headerBytes) {
   return headerBytes >= kBmpShortestOs2Header && headerBytes <= kBmpLongestOs2Header &&
          headerBytes != kBmpInfoHeader && headerBytes != kBmpMaskHeader &&
@@ -69,7 +69,7 @@ constexpr bool IsBmpHeaderSize(uint32_t headerBytes) {
          (headerBytes >= kBmpShortestOs2Header && headerBytes <= kBmpLongestOs2Header);
 }
 
-/// Little-endian fields; the caller has checked that the bytes are there.
+/// Reads little-endian fields. The caller has checked that the bytes are there.
 constexpr uint32_t BmpWord(std::span<const uint8_t> bytes, size_t offset) {
   return static_cast<uint32_t>(bytes[offset] | (bytes[offset + 1] << 8));
 }

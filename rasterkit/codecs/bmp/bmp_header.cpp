@@ -9,13 +9,13 @@
 namespace rasterkit::detail {
 namespace {
 
-/// The longest header and, behind a plain info header, four masks.
+/// The longest header, or an info header and four masks.
 using HeaderBytes = std::array<uint8_t, kBmpV5Header + 16>;
 
-/// More entries than a byte can address are the sign of a damaged header, not of a large palette.
+/// A header that states more entries than a byte can address is damaged.
 constexpr uint32_t kMostPaletteEntries = 256;
 
-/// One reading of one file's headers.
+/// Reads the headers of one file.
 class HeaderReader {
  public:
   HeaderReader(TStream& stream, uint64_t start, CodecReport& report);
@@ -23,7 +23,7 @@ class HeaderReader {
 
  private:
   uint32_t Field(uint32_t offset) const {
-    // What a short header leaves out counts as 0.
+    // Fields that a short header lacks are 0.
     return offset + 4 <= headerBytes_ ? BmpLong(bytes_, offset) : 0;
   }
   bool IsCore() const { return headerBytes_ == kBmpCoreHeader; }
@@ -48,7 +48,7 @@ class HeaderReader {
   uint32_t headerBytes_ = 0;
   HeaderBytes bytes_{};
   BmpHeader header_;
-  /// Where the header and the masks behind it end, from the start of the file.
+  /// The end of the header and its masks, from the start of the file.
   uint64_t headerEnd_ = 0;
 };
 
@@ -64,7 +64,7 @@ HeaderReader::HeaderReader(TStream& stream, uint64_t start, CodecReport& report)
   const size_t count = stream.Read(bytes_);
   if (count >= 4) headerBytes_ = BmpLong(bytes_, 0);
   if (!IsBmpHeaderSize(headerBytes_)) {
-    throw FormatError("BMP: a header of " + std::to_string(headerBytes_) + " bytes is not known");
+    throw FormatError("BMP: a header of " + std::to_string(headerBytes_) + " bytes is unknown");
   }
   if (count < headerBytes_) throw FormatError("BMP: the data end inside the header");
   headerEnd_ = kBmpFileHeaderBytes + headerBytes_;
@@ -96,14 +96,14 @@ void HeaderReader::ReadInfoFields() {
   const auto width = static_cast<int32_t>(Field(bmp_field::width));
   const auto height = static_cast<int32_t>(Field(bmp_field::height));
   if (!IsEmbedded()) ReadSize(width, height);
-  const auto x = static_cast<int32_t>(Field(bmp_field::pixelsPerMetreX));
-  const auto y = static_cast<int32_t>(Field(bmp_field::pixelsPerMetreY));
-  header_.resolution.x = std::max(x, 0) * kMetresPerInch;
-  header_.resolution.y = std::max(y, 0) * kMetresPerInch;
+  const auto x = static_cast<int32_t>(Field(bmp_field::pixelsPerMeterX));
+  const auto y = static_cast<int32_t>(Field(bmp_field::pixelsPerMeterY));
+  header_.resolution.x = std::max(x, 0) * kMetersPerInch;
+  header_.resolution.y = std::max(y, 0) * kMetersPerInch;
 }
 
 void HeaderReader::ReadSize(int64_t width, int64_t height) {
-  // In 64 bits the lowest negative height has an opposite too.
+  // In 64 bits the lowest height can be negated too.
   const int64_t rows = height < 0 ? -height : height;
   if (width <= 0 || rows == 0 || rows > std::numeric_limits<int32_t>::max()) {
     throw FormatError("BMP: a size of " + std::to_string(width) + " x " + std::to_string(height) +
@@ -117,11 +117,11 @@ void HeaderReader::ReadSize(int64_t width, int64_t height) {
 void HeaderReader::ReadCompression() {
   const uint32_t code = Field(bmp_field::compression);
   if (IsOs2BmpHeader(headerBytes_)) {
-    if (code == 3) throw UnsupportedError("BMP: OS/2 Huffman compression is not read");
-    if (code == 4) throw UnsupportedError("BMP: OS/2 24-bit run lengths are not read");
+    if (code == 3) throw UnsupportedError("BMP: OS/2 Huffman compression is not supported");
+    if (code == 4) throw UnsupportedError("BMP: OS/2 24-bit run lengths are not supported");
   }
   if (code > static_cast<uint32_t>(BmpCompression::alphaBitFields)) {
-    throw UnsupportedError("BMP: compression " + std::to_string(code) + " is not known");
+    throw UnsupportedError("BMP: compression " + std::to_string(code) + " is unknown");
   }
   header_.compression = static_cast<BmpCompression>(code);
 }
@@ -150,7 +150,7 @@ void HeaderReader::CheckDepth() const {
       break;
   }
   if (!fits) {
-    throw FormatError("BMP: " + std::to_string(bits) + " bits a pixel are not possible with " +
+    throw FormatError("BMP: " + std::to_string(bits) + " bits per pixel are not possible with " +
                       "compression " + std::to_string(static_cast<int>(header_.compression)));
   }
 }
@@ -161,7 +161,7 @@ void HeaderReader::ReadMasks() {
                         header_.compression == BmpCompression::alphaBitFields;
   if (!hasMasks) {
     header_.masks = header_.bits == 16 ? kBmpMasks555 : kBmpMasks888;
-    // Plain 32-bit pixels have alpha only where the header says so.
+    // 32-bit pixels without masks have alpha only if the header says so.
     const bool statesAlpha = headerBytes_ == kBmpAlphaMaskHeader || headerBytes_ >= kBmpV4Header;
     if (header_.bits == 32 && statesAlpha &&
         BmpLong(bytes_, bmp_field::masks + 12) == kBmpAlpha8888) {
@@ -170,12 +170,12 @@ void HeaderReader::ReadMasks() {
     return;
   }
   if (headerBytes_ < kBmpInfoHeader || IsOs2BmpHeader(headerBytes_)) {
-    throw FormatError("BMP: the header has no room for colour masks");
+    throw FormatError("BMP: the header has no room for color masks");
   }
   const bool hasAlpha =
       header_.compression == BmpCompression::alphaBitFields || headerBytes_ >= kBmpAlphaMaskHeader;
   const uint64_t masksEnd = kBmpFileHeaderBytes + bmp_field::masks + (hasAlpha ? 16 : 12);
-  if (masksEnd > fileBytes_) throw FormatError("BMP: the data end inside the colour masks");
+  if (masksEnd > fileBytes_) throw FormatError("BMP: the data end inside the color masks");
   headerEnd_ = std::max(headerEnd_, masksEnd);
   const auto mask = [&](uint32_t channel) {
     return BmpLong(bytes_, bmp_field::masks + 4 * channel);
@@ -200,7 +200,8 @@ void HeaderReader::ReadPixelPlace() {
   if (statedPixelOffset_ > headerEnd_ ||
       (statedPixelOffset_ == headerEnd_ && header_.paletteEntries == 0)) {
     header_.pixelOffset = statedPixelOffset_;
-    // Some writers state a full palette and write only what they need; the offset tells.
+    // Some programs state a full palette and write only the entries they need; the offset of the
+    // pixels limits their number.
     const uint64_t room = (statedPixelOffset_ - headerEnd_) / entryBytes;
     header_.paletteEntries =
         static_cast<int>(std::min(room, static_cast<uint64_t>(header_.paletteEntries)));
@@ -223,7 +224,7 @@ void HeaderReader::ReadProfilePlace() {
   const uint64_t count = Field(bmp_field::profileBytes);
   if (count == 0) return;
   if (offset + count > fileBytes_) {
-    report_.warnings.emplace_back("BMP: the colour profile lies beyond the end of the data");
+    report_.warnings.emplace_back("BMP: the color profile lies beyond the end of the data");
     return;
   }
   header_.profileOffset = offset;

@@ -7,7 +7,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Wider channels are scaled one by one: their tables would cost more than most pictures.
+/// Wider channels are scaled one by one: their tables would be larger than most pictures.
 constexpr int kWidestTable = 16;
 
 }  // namespace
@@ -17,8 +17,8 @@ BmpChannel::BmpChannel(uint32_t mask, int pixelBits)
   const uint32_t highest = mask_ >> shift_;
   if ((highest & (uint64_t{highest} + 1)) != 0 ||
       static_cast<int>(std::bit_width(mask)) > pixelBits) {
-    throw FormatError("BMP: the colour mask " + std::to_string(mask) +
-                      " is no run of bits within " + std::to_string(pixelBits));
+    throw FormatError("BMP: the color mask " + std::to_string(mask) + " is no run of bits within " +
+                      std::to_string(pixelBits));
   }
   if (static_cast<int>(std::bit_width(highest)) > kWidestTable) return;
   scaled_.resize(size_t{highest} + 1);
@@ -40,7 +40,7 @@ BmpMaskedRows::BmpMaskedRows(const BmpMasks& masks, int pixelBits)
       blue_(masks.blue, pixelBits),
       alpha_(masks.alpha, pixelBits) {
   if ((masks.red | masks.green | masks.blue) == 0) {
-    throw FormatError("BMP: all colour masks are empty");
+    throw FormatError("BMP: all color masks are empty");
   }
 }
 

@@ -8,7 +8,7 @@
 
 namespace rasterkit::detail {
 
-/// Takes one channel out of a stored pixel and scales it to 0 to 255: round(value * 255 / highest
+/// Extracts one channel of a stored pixel and scales it to 0 to 255: round(value * 255 / highest
 /// value).
 class BmpChannel {
  public:
@@ -30,15 +30,15 @@ class BmpChannel {
   std::vector<uint8_t> scaled_;
 };
 
-/// Turns rows of 16-, 24- or 32-bit pixels with any masks into pf24bit rows, or pf32bit with alpha.
+/// Converts rows of 16-, 24- or 32-bit pixels with any masks to pf24bit, or pf32bit with alpha.
 class BmpMaskedRows {
  public:
-  /// Throws FormatError as BmpChannel does, and when no colour has a mask.
+  /// Throws FormatError as BmpChannel does, and if no color has a mask.
   BmpMaskedRows(const BmpMasks& masks, int pixelBits);
 
-  /// `target` has 3 bytes a pixel, B G R.
+  /// `target` has 3 bytes per pixel, B G R.
   void To24(const uint8_t* source, uint8_t* target, size_t width) const;
-  /// `target` has 4 bytes a pixel, B G R A; alpha is 255 where there is no alpha mask.
+  /// `target` has 4 bytes per pixel, B G R A; alpha is 255 without an alpha mask.
   void To32(const uint8_t* source, uint8_t* target, size_t width) const;
 
  private:

@@ -9,20 +9,20 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Second bytes behind a count of 0; 3 and up is the length of a run of single pixels.
+/// The second byte after a count of 0; 3 and above is the length of a run of single pixels.
 enum RleEscape : int { endOfRow = 0, endOfPicture = 1, delta = 2 };
 
-/// Pixels that one run of two bytes makes at most.
+/// Most pixels of one run of two bytes.
 constexpr uint64_t kLongestRun = 255;
-/// Below this a picture may be blank for all that its data say.
+/// Pictures up to this size may have no data.
 constexpr uint64_t kFreePictureBytes = 16 * 1024 * 1024;
 
-/// Single bytes of a stream, fetched in blocks.
+/// Reads single bytes of a stream, buffered.
 class ByteSource {
  public:
   explicit ByteSource(TStream& stream) : stream_(stream) {}
 
-  /// The next byte, -1 at the end.
+  /// The next byte; -1 at the end.
   int Next() {
     if (next_ == filled_ && !Fill()) return -1;
     return block_[next_++];
@@ -50,18 +50,17 @@ class RleReader {
 
   void Read();
 
-  /// Whether the data told every pixel: an end code was there, or nothing was missing when they
-  /// ended.
+  /// True if the data gave every pixel: they had an end code, or ended after the last pixel.
   bool IsComplete() const { return hasEnd_ || IsLastRowDone(); }
   bool WasCut() const { return wasCut_; }
-  /// Rows that are behind the place where the data ended.
+  /// Number of rows before the place where the data ended.
   int RowsThere() const { return static_cast<int>(y_); }
 
  private:
   bool IsLastRowDone() const {
     return y_ >= raster_.Height() || (y_ == raster_.Height() - 1 && x_ >= raster_.Width());
   }
-  /// One code; false when reading is over.
+  /// Reads one code; false at the end.
   bool Step();
   bool Escape(int code);
   bool Delta();
@@ -75,14 +74,14 @@ class RleReader {
   ByteSource source_;
   Raster& raster_;
   const bool topDown_, isRle4_;
-  /// Where the next pixel goes, in the file's order of rows. Both grow by at most 255 a code, so
-  /// they cannot overflow before the data end.
+  /// The place of the next pixel, in the row order of the file. Both grow by at most 255 per code,
+  /// so they cannot overflow before the data end.
   int64_t x_ = 0, y_ = 0;
   bool hasEnd_ = false, wasCut_ = false;
 };
 
 void RleReader::Read() {
-  // Codes behind the last row have nothing to say.
+  // Codes after the last row have no effect.
   while (y_ < raster_.Height() && Step()) {
   }
 }
@@ -129,7 +128,7 @@ bool RleReader::SinglePixels(int count) {
     Put(static_cast<uint8_t>(value >> 4));
     if (2 * i + 1 < count) Put(value & 15);
   }
-  // Runs of single pixels fill whole words.
+  // Runs of single pixels are padded to whole words.
   return bytes % 2 == 0 || source_.Next() >= 0;
 }
 
@@ -151,7 +150,7 @@ void RleReader::Put(uint8_t index) {
   } else if (!isRle4_) {
     Row()[x_] = index;
   } else {
-    // No code goes back, so each nibble of the zeroed rows is put at most once.
+    // No code moves back, so each nibble of the zeroed rows is written at most once.
     Row()[x_ / 2] |= static_cast<uint8_t>(x_ % 2 == 0 ? index << 4 : index);
   }
   ++x_;

@@ -10,13 +10,13 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Bytes read at once: enough to make calls cheap, few enough to finish rows while they are in the
+/// Bytes per read: large enough for few calls, small enough to finish rows while they are in the
 /// cache.
 constexpr size_t kBatchBytes = 512 * 1024;
-/// What the system takes in one scattered read.
+/// Limit of the system for one scattered read.
 constexpr size_t kBatchRows = 1024;
 
-/// Bytes of the file's rows: with and without the padding at their end.
+/// Bytes of a row of the file, with and without padding.
 size_t FileStride(const BmpHeader& header) {
   return static_cast<size_t>(StrideBytes(header.width, header.bits));
 }
@@ -34,19 +34,19 @@ class RowReader {
         stride_(FileStride(header)),
         batchRows_(static_cast<int>(std::clamp<size_t>(kBatchBytes / stride_, 1, kBatchRows))) {}
 
-  /// Fills all rows, with zeros where the data end early; returns how many were there completely.
+  /// Fills all rows, missing data with zeros; returns the number of complete rows.
   int Read();
 
  private:
-  /// Row `index` of the file, in the raster.
+  /// The row of the raster for row `index` of the file.
   uint8_t* Target(int index) {
     return raster_.Row(header_.topDown ? index : header_.height - 1 - index);
   }
-  /// Brings up to `count` rows in, the first being `first`; returns the bytes that were there.
+  /// Reads up to `count` rows from row `first` on; returns the bytes that were there.
   size_t ReadBatch(int first, int count);
   size_t ReadStraight(int first, int count);
   size_t ReadConverted(int count);
-  /// `place` is the row's offset in its batch, of which `got` bytes were there.
+  /// `place` is the offset of the row in its batch, of which `got` bytes were there.
   void FinishRow(int index, size_t place, size_t got);
 
   TStream& stream_;
@@ -63,7 +63,7 @@ size_t RowReader::ReadStraight(int first, int count) {
   pieces_.clear();
   for (int i = 0; i < count; ++i) {
     const std::span<uint8_t> row(Target(first + i), stride_);
-    // Rows of a top-down file lie one behind the other: one piece.
+    // Rows of a top-down file are contiguous: one read.
     if (!pieces_.empty() && pieces_.back().data() + pieces_.back().size() == row.data()) {
       pieces_.back() = {pieces_.back().data(), pieces_.back().size() + row.size()};
     } else {
@@ -98,7 +98,7 @@ int RowReader::Read() {
     count = std::min(batchRows_, header_.height - first);
     const size_t got = isAtEnd ? 0 : ReadBatch(first, count);
     for (int i = 0; i < count; ++i) FinishRow(first + i, static_cast<size_t>(i) * stride_, got);
-    // The last row's padding may be missing: that takes nothing from the picture.
+    // The padding of the last row may be missing.
     const int there =
         static_cast<int>(std::min((got + padding) / stride_, static_cast<size_t>(count)));
     if (!isAtEnd) complete += there;

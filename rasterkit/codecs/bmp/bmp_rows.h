@@ -9,22 +9,22 @@
 
 namespace rasterkit::detail {
 
-/// What a row of the file goes through on its way into the raster.
+/// How a row of the file is converted to a row of the raster.
 struct BmpRowRules {
-  /// False when the file's rows can be read straight into the raster's.
+  /// False if rows of the file can be read straight into the raster.
   bool isConverted = false;
-  /// Finishes row `target`; `source` is the file's row when it is converted, else equal to
-  /// `target`. Pixels only: padding is cleared by the caller.
+  /// Finishes row `target`. `source` is the row of the file if it is converted, else equal to
+  /// `target`. Pixels only: the caller clears the padding.
   std::function<void(const uint8_t* source, uint8_t* target)> finish;
 };
 
-/// Reads uncompressed rows from the stream's position into `raster`; rows that are not there become
-/// 0, with a warning. Throws FormatError when not even one row is there.
+/// Reads uncompressed rows from the stream's position into `raster`. Missing rows become 0, with a
+/// warning. Throws FormatError if not one row is there.
 void ReadBmpRows(TStream& stream, const BmpHeader& header, const BmpRowRules& rules, Raster& raster,
                  CodecReport& report);
 
-/// The check of `ReadBmpRows` by itself, for use before the raster is made: a short file that
-/// claims a huge picture must not cost its memory.
+/// Does the check of `ReadBmpRows` alone, before the raster is made: a short file that claims a
+/// huge picture must not allocate its memory.
 void RequireOneBmpRow(const BmpHeader& header);
 
 }  // namespace rasterkit::detail

@@ -18,14 +18,14 @@ namespace {
 
 using detail::GifReader;
 
-/// Below this many bytes a screen may be as empty as it likes.
-constexpr uint64_t alwaysAllowed = uint64_t{256} << 20;
-/// Pixels that one byte can become at most, rounded up: the longest code stands for 3839 pixels and
-/// takes a byte and a half.
-constexpr uint64_t largestRatio = 4096;
+/// Screens up to this many bytes may be empty.
+constexpr uint64_t kAlwaysAllowed = uint64_t{256} << 20;
+/// Most pixels per byte, rounded up: the longest code gives 3839 pixels and takes a byte and a
+/// half.
+constexpr uint64_t kLargestRatio = 4096;
 
-/// Where the picture lies on its screen. Some writers state a screen that is too small, or none: it
-/// grows to hold the picture.
+/// The place of the picture on its screen. Some programs state a screen that is too small, or none:
+/// it grows to hold the picture.
 struct Layout {
   int screenWidth = 0, screenHeight = 0;
   int left = 0, top = 0, width = 0, height = 0;
@@ -43,7 +43,7 @@ struct Layout {
   bool CoversScreen() const { return width == screenWidth && height == screenHeight; }
 };
 
-/// Refuses what cannot be there before any memory of that size is taken.
+/// Refuses impossible sizes before that much memory is allocated.
 void RequirePlausibleSize(const Layout& layout, size_t fileBytes) {
   if (layout.width == 0 || layout.height == 0) throw FormatError("GIF: the picture has no size");
   const std::string what =
@@ -51,7 +51,7 @@ void RequirePlausibleSize(const Layout& layout, size_t fileBytes) {
   const uint64_t need =
       StrideBytes(layout.screenWidth, 8) * static_cast<uint64_t>(layout.screenHeight);
   RequirePictureMemory(need, what);
-  if (need > alwaysAllowed && fileBytes * largestRatio < need)
+  if (need > kAlwaysAllowed && fileBytes * kLargestRatio < need)
     throw FormatError(what + ": the file is far too small to hold it");
 }
 
@@ -63,28 +63,28 @@ HPALETTE PaletteOf(const ColorMapObject& map) {
   return HPALETTE(entries);
 }
 
-/// The picture's own palette, else that of the whole file.
+/// The palette of the picture, else that of the file.
 HPALETTE PaletteOf(const GifFileType& gif, CodecReport& report) {
   if (gif.Image.ColorMap) return PaletteOf(*gif.Image.ColorMap);
   if (gif.SColorMap) return PaletteOf(*gif.SColorMap);
-  report.warnings.emplace_back("GIF: the file has no palette, greys take its place");
+  report.warnings.emplace_back("GIF: the file has no palette, a gray one is used");
   return GrayPalette(256);
 }
 
-/// The entry that a screen shows around its picture.
+/// The palette entry of the area around the picture.
 uint8_t BackgroundIndex(const GifReader& reader, const HPALETTE& palette) {
   const GifFileType& gif = reader.Gif();
   if (reader.TransparentIndex()) return static_cast<uint8_t>(*reader.TransparentIndex());
   if (!gif.SColorMap) return 0;
   const int index = std::min(gif.SBackGroundColor, gif.SColorMap->ColorCount - 1);
   if (!gif.Image.ColorMap) return static_cast<uint8_t>(index);
-  // The number counts for the file's palette, not for the picture's own.
+  // The index is one of the file's palette, not of the picture's.
   const GifColorType& color = gif.SColorMap->Colors[index];
   return static_cast<uint8_t>(
       NearestEntry(palette.Entries(), RGB(color.Red, color.Green, color.Blue)));
 }
 
-/// True when a pixel shows the transparent entry's colour by way of another entry.
+/// True if an opaque pixel has the color of the transparent entry.
 bool IsColorShownElsewhere(const Raster& raster, int transparent) {
   std::array<bool, 256> isTwin{};
   for (int i = 0; i < raster.palette.Count(); i++)
@@ -99,16 +99,17 @@ bool IsColorShownElsewhere(const Raster& raster, int transparent) {
   return false;
 }
 
-/// The rows in the order in which the file has them. Interlaced files have every eighth row first.
+/// The rows in the order of the file. Interlaced files start with every eighth row.
 std::vector<int> RowOrder(const Layout& layout) {
   struct Pass {
     int first, step;
   };
-  constexpr Pass plain[] = {{0, 1}};
-  constexpr Pass interlaced[] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
+  constexpr Pass kPlainPasses[] = {{0, 1}};
+  constexpr Pass kInterlacedPasses[] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
   std::vector<int> order;
   order.reserve(static_cast<size_t>(layout.height));
-  for (const Pass& pass : layout.interlaced ? std::span<const Pass>(interlaced) : plain)
+  for (const Pass& pass :
+       layout.interlaced ? std::span<const Pass>(kInterlacedPasses) : kPlainPasses)
     for (int y = pass.first; y < layout.height; y += pass.step) order.push_back(y);
   return order;
 }
@@ -117,7 +118,7 @@ uint8_t* PictureRow(Raster& raster, const Layout& layout, int y) {
   return raster.Row(layout.top + y) + layout.left;
 }
 
-/// Decodes into the raster; returns the number of rows that are there.
+/// Decodes into the raster; returns the number of decoded rows.
 size_t DecodeRows(GifReader& reader, const Layout& layout, const std::vector<int>& order,
                   Raster& raster) {
   size_t count = 0;
@@ -128,8 +129,8 @@ size_t DecodeRows(GifReader& reader, const Layout& layout, const std::vector<int
   throw FormatError(reader.IsCutOff() ? "GIF: the data end before the first row" : reader.Reason());
 }
 
-/// Rows that the data do not reach repeat those above, as long as the first pass goes, so that an
-/// early end leaves a coarse picture and no holes; the others become white.
+/// Fills missing rows. If the first pass is complete, they repeat the rows above, so that a
+/// truncated file gives a coarse picture without holes; else they become white.
 void FillMissing(const Layout& layout, const std::vector<int>& order, size_t count,
                  Raster& raster) {
   std::vector<bool> isThere(order.size());
@@ -194,8 +195,7 @@ Raster DecodeGif(std::span<const uint8_t> bytes, CodecReport* report) {
     noticed.warnings.emplace_back("GIF: the file is cut off");
   }
   if (raster.transparentColor && IsColorShownElsewhere(raster, *transparent))
-    noticed.warnings.emplace_back(
-        "GIF: opaque pixels of the transparent colour become transparent");
+    noticed.warnings.emplace_back("GIF: opaque pixels of the transparent color become transparent");
   if (report)
     std::move(noticed.warnings.begin(), noticed.warnings.end(),
               std::back_inserter(report->warnings));

@@ -58,9 +58,9 @@ void GifReader::ReadExtension() {
   }
 }
 
-/// Picture data come in blocks, each with its length in front; giflib takes none of a block that is
-/// not whole. Where the file ends within one, the reader goes on with a copy that states the length
-/// which is there and ends properly, so that no row is lost.
+/// Picture data are blocks, each after its length; giflib decodes nothing of an incomplete block.
+/// If the file ends within one, the reader continues with a copy that states the available length
+/// and has an end, so that no row is lost.
 void GifReader::MendEnd() {
   size_t block = position_;
   while (block < bytes_.size() && bytes_[block] != 0) {
@@ -84,7 +84,7 @@ bool GifReader::ReadRow(uint8_t* row, int width) {
 
 std::string GifReader::Reason() const {
   if (ranDry_) return "GIF: unexpected end of the file";
-  // Some faults come without a number.
+  // Some errors have no number.
   const char* text = GifErrorString(gif_ ? gif_->Error : openError_);
   return std::string("GIF: ") + (text ? text : "the file is damaged");
 }

@@ -10,7 +10,7 @@
 
 namespace rasterkit::detail {
 
-/// The giflib decoder over bytes in memory, closed on every way out.
+/// A giflib decoder for bytes in memory; the destructor closes it.
 class GifReader {
  public:
   /// Reads the header and the global palette.
@@ -19,19 +19,19 @@ class GifReader {
   GifReader(const GifReader&) = delete;
   GifReader& operator=(const GifReader&) = delete;
 
-  /// Goes to the data of the first picture, whose place, size and palette `Gif()` then tells.
+  /// Goes to the data of the first picture; `Gif()` then has its place, size and palette.
   void FindFirstPicture();
 
   const GifFileType& Gif() const { return *gif_; }
-  /// The entry that the picture does not show, if it names one.
+  /// The transparent palette entry, if there is one.
   std::optional<int> TransparentIndex() const { return transparentIndex_; }
-  /// True when the file ends within the picture data.
+  /// True if the file ends within the picture data.
   bool IsCutOff() const { return isCutOff_; }
 
-  /// Decodes the next `width` pixels; false when there are no more.
+  /// Decodes the next `width` pixels; false if there are no more.
   bool ReadRow(uint8_t* row, int width);
 
-  /// "GIF: " and what giflib said last.
+  /// "GIF: " and the last message of giflib.
   std::string Reason() const;
 
  private:

@@ -32,13 +32,13 @@ bool IsPng(Bytes bytes) {
          std::equal(std::begin(kSignature), std::end(kSignature), bytes.begin());
 }
 
-/// Bits a pixel by the picture's own header: the directory often states none.
+/// Bits per pixel in the header of the picture: the directory often states none.
 uint32_t DepthOf(Bytes picture) {
   if (IsPng(picture)) return 32;
   return picture.size() >= kBmpInfoHeader ? BmpWord(picture, bmp_field::bits) : 0;
 }
 
-/// Nothing for an entry that points outside the file.
+/// Reads an entry; nothing if it points outside the file.
 std::optional<Entry> ReadEntry(Bytes file, size_t place) {
   const auto side = [&](size_t field) {
     const int stated = file[place + field];
@@ -70,7 +70,7 @@ Entry ChooseEntry(Bytes file) {
   return *best;
 }
 
-/// Alpha of a picture that has an alpha channel nowhere but in its transparent colour.
+/// Alpha of a picture whose only transparency is its transparent color.
 void ApplyTransparentColor(Raster& raster, TColor color) {
   for (int y = 0; y < raster.Height(); ++y)
     for (int x = 0; x < raster.Width(); ++x)
@@ -86,7 +86,7 @@ Raster DecodePngEntry(const Entry& entry, CodecReport& report) {
   return raster;
 }
 
-/// A picture without a file header, made into a bitmap file for the bitmap decoder.
+/// Converts a picture without file header to a bitmap file for the bitmap decoder.
 class BitmapEntry {
  public:
   explicit BitmapEntry(const Entry& entry) : entry_(entry), picture_(entry.bytes) {
@@ -94,7 +94,7 @@ class BitmapEntry {
     if (headerBytes_ < kBmpInfoHeader || !IsBmpHeaderSize(headerBytes_) ||
         IsOs2BmpHeader(headerBytes_) || headerBytes_ > picture_.size())
       throw FormatError("ICO: a picture's header of " + std::to_string(headerBytes_) +
-                        " bytes is not known");
+                        " bytes is unknown");
     bits_ = BmpWord(picture_, bmp_field::bits);
     compression_ = BmpLong(picture_, bmp_field::compression);
     RequirePlainRows();
@@ -111,32 +111,32 @@ class BitmapEntry {
   }
 
  private:
-  /// Where the mask stands is known behind such rows only.
+  /// The place of the mask is known for these compressions only.
   void RequirePlainRows() const {
     for (const BmpCompression plain :
          {BmpCompression::none, BmpCompression::bitFields, BmpCompression::alphaBitFields})
       if (compression_ == static_cast<uint32_t>(plain)) return;
     throw UnsupportedError("ICO: a picture with compression " + std::to_string(compression_) +
-                           " is not read");
+                           " is not supported");
   }
 
   void ReadSize() {
     const auto stated = static_cast<int32_t>(BmpLong(picture_, bmp_field::height));
     topDown_ = stated < 0;
     const int64_t rows = topDown_ ? -int64_t{stated} : stated;
-    // Colours and mask together; some writers state the colours alone and write no mask.
+    // Colors and mask together; some programs state the colors alone and write no mask.
     const auto width = static_cast<int32_t>(BmpLong(picture_, bmp_field::width));
     hasMask_ = !(rows == entry_.height && width == entry_.width);
     height_ = hasMask_ ? rows / 2 : rows;
   }
 
-  /// 32-bit pixels of an icon have an alpha channel, which a plain bitmap header cannot say.
+  /// 32-bit pixels of an icon have an alpha channel, which an info header cannot state.
   bool AddsMasks() const {
     return bits_ == 32 && compression_ == static_cast<uint32_t>(BmpCompression::none) &&
            headerBytes_ == kBmpInfoHeader;
   }
 
-  /// Where the pixels start in the picture.
+  /// Offset of the pixels in the picture.
   size_t PixelOffset() const {
     size_t offset = headerBytes_;
     if (headerBytes_ == kBmpInfoHeader) {
@@ -178,7 +178,7 @@ class BitmapEntry {
     for (size_t i = 0; i < 4; ++i) file[offset + i] = static_cast<uint8_t>(value >> (8 * i));
   }
 
-  /// The mask stands behind the rows. Where it ends early, what is left is opaque.
+  /// Applies the mask, which follows the rows. Pixels beyond its end are opaque.
   void ApplyMask(Raster& raster) const {
     const auto width = static_cast<size_t>(raster.Width()), height = static_cast<size_t>(height_);
     const uint64_t stride = StrideBytes(raster.Width(), 1);

@@ -7,12 +7,12 @@
 
 namespace rasterkit {
 
-/// Reads the largest picture of an icon file, the deepest among equals, as a 32-bit raster with a
-/// defined alpha channel: a PNG, or 1 to 32 bits with a mask. The mask says which pixels are
-/// transparent, except in a picture that has an alpha channel with anything in it.
+/// Reads the largest picture of an icon file, or the deepest of the largest ones, as a 32-bit
+/// raster with defined alpha. It is a PNG file, or has 1 to 32 bits per pixel and a mask. The mask
+/// gives the transparent pixels, unless the picture has an alpha channel that is not all 0.
 ///
-/// Data that end early give the rows that are there and a warning. Throws FormatError for bytes
-/// that are no icon file, UnsupportedError for what the bitmap decoder does not read, LimitError.
+/// A truncated file gives the rows that are there and a warning. Throws FormatError if the bytes
+/// are no icon file, UnsupportedError if the bitmap decoder does not support it, LimitError.
 RASTERKIT_EXPORT Raster DecodeIco(std::span<const uint8_t> bytes, CodecReport* report = nullptr);
 
 }  // namespace rasterkit

@@ -26,11 +26,11 @@ void PutLong(ByteList& bytes, size_t offset, uint32_t value) {
 void RequireIcon(const Raster& raster) {
   if (raster.Width() == 0 || raster.Height() == 0)
     throw FormatError("ICO: there is no picture to save");
-  if (raster.Format() != pf32bit) throw FormatError("ICO: a picture needs 32 bits a pixel");
+  if (raster.Format() != pf32bit) throw FormatError("ICO: a picture needs 32 bits per pixel");
   if (raster.Width() > kLargestIcon || raster.Height() > kLargestIcon)
     throw LimitError("ICO: a picture of " + std::to_string(raster.Width()) + " x " +
                      std::to_string(raster.Height()) +
-                     " pixels is larger than 256 x 256, the most that the format can state");
+                     " pixels is larger than 256 x 256, the limit of the format");
 }
 
 /// Directory and info header.

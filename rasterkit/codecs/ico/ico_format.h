@@ -3,12 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Layout of icon files, shared by what reads and what writes them.
+/// Layout of icon files, for decoder and encoder.
 ///
 ///     directory 6 bytes | 16 bytes for each picture | the pictures
 ///
 /// A picture is a PNG file, or a bitmap file without its file header: info header, palette, rows of
-/// colours, then rows of a 1-bit mask (ones are transparent). The info header states the height of
+/// colors, then rows of a 1-bit mask (ones are transparent). The info header states the height of
 /// both kinds of rows together. Everything is little-endian, rows are padded to 4 bytes.
 namespace rasterkit::detail {
 
@@ -22,7 +22,7 @@ inline constexpr size_t reserved = 0, type = 2, count = 4;
 inline constexpr size_t width = 0, height = 1, planes = 4, bits = 6, bytes = 8, offset = 12;
 }  // namespace ico_field
 
-/// An entry has one byte for each side, and 0 says 256.
+/// An entry has one byte per side; 0 means 256.
 inline constexpr int kLargestIcon = 256;
 
 }  // namespace rasterkit::detail

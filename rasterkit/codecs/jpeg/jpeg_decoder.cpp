@@ -22,29 +22,29 @@ using detail::JpegErrors;
 using detail::JpegLayout;
 using detail::JpegReader;
 
-/// Rows asked for in one call; the codec hands out fewer as it likes.
-constexpr int rowsAtOnce = 16;
+/// Rows per call; the codec may give fewer.
+constexpr int kRowsAtOnce = 16;
 
-/// Pixels that all scans together may walk over. A scan costs time for every block even when it
-/// holds a few bytes, so that a small file could ask for minutes; a real file of the largest size
-/// within the default budget has a dozen.
-constexpr uint64_t scanPixelBudget = uint64_t{1} << 34;
-/// A scan of a tiny picture counts as this many pixels.
-constexpr uint64_t smallestScan = 1 << 16;
+/// Limit of the pixels of all scans together. A scan takes time for every block even if it holds
+/// only a few bytes, so that a small file could take minutes. Real files of the largest size within
+/// the default memory limit have about twelve scans.
+constexpr uint64_t kScanPixelBudget = uint64_t{1} << 34;
+/// Smallest cost of a scan, in pixels.
+constexpr uint64_t kSmallestScan = 1 << 16;
 
-/// Room for what the codec itself allocates beside coefficients; none of it grows with the height.
-constexpr uint64_t codecSlack = 64 << 20;
+/// Memory that the codec allocates beside the coefficients; it does not grow with the height.
+constexpr uint64_t kCodecSlack = 64 << 20;
 
 void RequireSupported(const JpegFrame& frame) {
   if (frame.lossless) throw UnsupportedError("JPEG: lossless files are not supported");
   if (frame.hierarchical) throw UnsupportedError("JPEG: hierarchical files are not supported");
   if (frame.bits != 8)
-    throw UnsupportedError(fmt::format("JPEG: {} bits a sample are not supported", frame.bits));
+    throw UnsupportedError(fmt::format("JPEG: {} bits per sample are not supported", frame.bits));
   if (frame.components != 1 && frame.components != 3 && frame.components != 4) {
     throw UnsupportedError(fmt::format("JPEG: {} components are not supported", frame.components));
   }
   if (frame.width == 0 || frame.height == 0)
-    throw FormatError("JPEG: the frame header states no size");
+    throw FormatError("JPEG: the frame header has no size");
 }
 
 uint64_t RoundUp(uint64_t value, int step) {
@@ -52,7 +52,7 @@ uint64_t RoundUp(uint64_t value, int step) {
   return (value + unit - 1) / unit * unit;
 }
 
-/// Bytes of the coefficients that the library keeps when a picture comes in many scans.
+/// Bytes of the coefficients that the library keeps for a picture of many scans.
 uint64_t CoefficientBytes(const jpeg_decompress_struct& codec) {
   uint64_t blocks = 0;
   for (int i = 0; i < codec.num_components; i++) {
@@ -80,8 +80,8 @@ void ChooseOutput(jpeg_decompress_struct& codec) {
   }
 }
 
-/// First row of which the file holds nothing; the height while no end was met. Throws when no whole
-/// row is there.
+/// The first row without data; the height if the data are complete. Throws if no complete row is
+/// there.
 int FirstMissingRow(const JpegReader& reader, const JpegLayout& layout) {
   const jpeg_decompress_struct& codec = reader.Codec();
   const auto height = static_cast<int64_t>(codec.output_height);
@@ -94,9 +94,9 @@ int FirstMissingRow(const JpegReader& reader, const JpegLayout& layout) {
   return static_cast<int>(std::min(height, (int64_t{errors.endedInRow} + 1) * bandRows));
 }
 
-/// Reads up to `rowsAtOnce` rows to the places given; returns their number.
+/// Reads up to `kRowsAtOnce` rows to the given places; returns their number.
 int ReadRows(JpegReader& reader, uint8_t* first, size_t stride, int wanted) {
-  JSAMPROW rows[rowsAtOnce];
+  JSAMPROW rows[kRowsAtOnce];
   for (int i = 0; i < wanted; i++) rows[i] = first + static_cast<size_t>(i) * stride;
   int count = 0;
   jpeg_decompress_struct* codec = &reader.Codec();
@@ -106,14 +106,14 @@ int ReadRows(JpegReader& reader, uint8_t* first, size_t stride, int wanted) {
   return count;
 }
 
-/// Decodes into the raster as far as there is something; returns the first row that is not there.
+/// Decodes the available rows into the raster; returns the first missing one.
 int DecodeRows(JpegReader& reader, const JpegLayout& layout, Raster& raster) {
   const bool inks = reader.Codec().out_color_space == JCS_CMYK;
   const auto width = static_cast<size_t>(raster.Width());
-  std::vector<uint8_t> inkRows(inks ? width * 4 * rowsAtOnce : 0);
+  std::vector<uint8_t> inkRows(inks ? width * 4 * kRowsAtOnce : 0);
   int y = 0;
   while (y < FirstMissingRow(reader, layout)) {
-    const int wanted = std::min(rowsAtOnce, raster.Height() - y);
+    const int wanted = std::min(kRowsAtOnce, raster.Height() - y);
     const int count = inks ? ReadRows(reader, inkRows.data(), width * 4, wanted)
                            : ReadRows(reader, raster.Row(y), raster.Stride(), wanted);
     if (count == 0) throw FormatError("JPEG: the decoder delivers no more rows");
@@ -126,8 +126,8 @@ int DecodeRows(JpegReader& reader, const JpegLayout& layout, Raster& raster) {
   return std::min(y, FirstMissingRow(reader, layout));
 }
 
-/// Looks for the end marker behind the rows. Rows that are sound stay valid whatever follows them;
-/// where they are damaged as well, the file is beyond use.
+/// Reads the end marker after the rows. Intact rows stay valid whatever follows them; if the rows
+/// are damaged too, the file is refused.
 void ReadEnd(JpegReader& reader, CodecReport& report) {
   jpeg_decompress_struct* codec = &reader.Codec();
   if (reader.Try([codec] { jpeg_finish_decompress(codec); })) return;
@@ -137,8 +137,8 @@ void ReadEnd(JpegReader& reader, CodecReport& report) {
   report.warnings.emplace_back("JPEG: what follows the picture data is damaged");
 }
 
-/// The file's profile when it describes the raster's pixels; null with a warning for one that is
-/// broken.
+/// The profile of the file if it describes the pixels of the raster; null and a warning for an
+/// invalid profile.
 ColorProfile ProfileOf(const JpegLayout& layout, CodecReport& report) {
   if (layout.profile.empty() || layout.frame.components == 4) return nullptr;
   std::vector<uint8_t> bytes = detail::JoinProfile(layout.profile);
@@ -146,7 +146,7 @@ ColorProfile ProfileOf(const JpegLayout& layout, CodecReport& report) {
       layout.frame.components == 1 ? detail::ProfileSpace::gray : detail::ProfileSpace::rgb;
   if (!detail::ProfileFits(std::span(bytes), space)) {
     report.warnings.emplace_back(
-        "JPEG: the colour profile is broken or of another kind and is left out");
+        "JPEG: the color profile is invalid or of another kind and is ignored");
     return nullptr;
   }
   return std::make_shared<const std::vector<uint8_t>>(std::move(bytes));
@@ -161,12 +161,12 @@ void ReportEnd(const JpegReader& reader, const JpegLayout& layout, CodecReport& 
   if (!errors.dataEnded || (layout.manyScans && !errors.endedInFirstScan)) return;
   const uint64_t whole =
       uint64_t{errors.endedInRow} * static_cast<uint64_t>(codec.max_v_samp_factor) * DCTSIZE;
-  report.warnings.push_back(fmt::format("JPEG: the data end early, {} of {} rows are there whole",
+  report.warnings.push_back(fmt::format("JPEG: the data end early, {} of {} rows are there",
                                         std::min<uint64_t>(whole, codec.output_height),
                                         codec.output_height));
 }
 
-/// Checks what the picture will cost before anything of its size is allocated.
+/// Checks the memory and time for the picture before anything of its size is allocated.
 void RequireMemory(JpegReader& reader, const JpegLayout& layout, TPixelFormat format) {
   jpeg_decompress_struct& codec = reader.Codec();
   const uint64_t rowBytes = StrideBytes(codec.image_width, StoredBitsPerPixel(format));
@@ -174,10 +174,11 @@ void RequireMemory(JpegReader& reader, const JpegLayout& layout, TPixelFormat fo
   const uint64_t need = rowBytes * codec.image_height + coefficients;
   RequirePictureMemory(
       need, fmt::format("JPEG picture of {} x {} pixels", codec.image_width, codec.image_height));
-  codec.mem->max_memory_to_use = static_cast<long>(std::min<uint64_t>(need + codecSlack, LONG_MAX));
+  codec.mem->max_memory_to_use =
+      static_cast<long>(std::min<uint64_t>(need + kCodecSlack, LONG_MAX));
   if (!layout.manyScans) return;
-  const uint64_t pixels = std::max(uint64_t{codec.image_width} * codec.image_height, smallestScan);
-  reader.LimitScans(static_cast<int>(scanPixelBudget / pixels));
+  const uint64_t pixels = std::max(uint64_t{codec.image_width} * codec.image_height, kSmallestScan);
+  reader.LimitScans(static_cast<int>(kScanPixelBudget / pixels));
 }
 
 }  // namespace

@@ -13,15 +13,15 @@ namespace rasterkit {
 
 namespace {
 
-constexpr int rowsAtOnce = 16;
-constexpr size_t smallestBuffer = 1 << 16;
-/// What 255 segments of 65,519 bytes hold.
-constexpr size_t largestProfile = size_t{255} * 65519;
+constexpr int kRowsAtOnce = 16;
+constexpr size_t kSmallestBuffer = 1 << 16;
+/// The content of 255 segments of 65,519 bytes.
+constexpr size_t kLargestProfile = size_t{255} * 65519;
 
-/// The libjpeg encoder into a growing block of memory, destroyed on every way out.
+/// A libjpeg encoder that writes to a growing block of memory; the destructor destroys it.
 class JpegWriter {
  public:
-  explicit JpegWriter(size_t expectedBytes) : output_(std::max(expectedBytes, smallestBuffer)) {
+  explicit JpegWriter(size_t expectedBytes) : output_(std::max(expectedBytes, kSmallestBuffer)) {
     codec_.err = errors_.Install();
     codec_.client_data = &errors_;
     target_.base.init_destination = [](j_compress_ptr) {};
@@ -66,7 +66,7 @@ class JpegWriter {
     return TRUE;
   }
 
-  /// Doubles the buffer; called when it is full. No exception may pass through the library.
+  /// Doubles the full buffer. No exception may pass through the library.
   bool Grow() noexcept {
     const size_t used = output_.size();
     try {
@@ -88,14 +88,14 @@ class JpegWriter {
 void RequireEncodable(const Raster& raster) {
   const bool gray = raster.Format() == pf8bit && IsGrayRamp(raster.palette);
   if (!gray && raster.Format() != pf24bit) {
-    throw FormatError("JPEG: only 24-bit pictures and 8-bit ones with a grey ramp can be written");
+    throw FormatError("JPEG: only 24-bit pictures and 8-bit ones with a gray ramp can be written");
   }
   if (raster.Width() == 0 || raster.Height() == 0)
     throw FormatError("JPEG: an empty picture cannot be written");
   if (raster.Width() > JPEG_MAX_DIMENSION || raster.Height() > JPEG_MAX_DIMENSION) {
-    throw LimitError(fmt::format(
-        "JPEG: {} x {} pixels are more than the {} that the format takes in one direction",
-        raster.Width(), raster.Height(), JPEG_MAX_DIMENSION));
+    throw LimitError(
+        fmt::format("JPEG: {} x {} pixels are more than {} per side, the limit of the format",
+                    raster.Width(), raster.Height(), JPEG_MAX_DIMENSION));
   }
 }
 
@@ -107,21 +107,20 @@ uint16_t DensityValue(double value) {
   return static_cast<uint16_t>(std::clamp(std::round(value), 1.0, 65535.0));
 }
 
-/// Dots per inch; per centimetre where only that is a whole number, as the field holds no
-/// fractions.
+/// Dots per inch, or per centimeter if only that is a whole number: the field holds no fractions.
 void SetDensity(jpeg_compress_struct& codec, const Resolution& resolution) {
   if (!resolution.IsKnown()) return;
   const bool inches = IsWhole(resolution.x) && IsWhole(resolution.y);
-  const bool centimetres = !inches && IsWhole(resolution.x / 2.54) && IsWhole(resolution.y / 2.54);
-  const double unit = centimetres ? 2.54 : 1;
-  codec.density_unit = centimetres ? 2 : 1;
+  const bool centimeters = !inches && IsWhole(resolution.x / 2.54) && IsWhole(resolution.y / 2.54);
+  const double unit = centimeters ? 2.54 : 1;
+  codec.density_unit = centimeters ? 2 : 1;
   codec.X_density = DensityValue(resolution.x / unit);
   codec.Y_density = DensityValue(resolution.y / unit);
 }
 
-/// The library's defaults beside the quality: colour at half resolution in both directions,
-/// standard Huffman tables (tables of the picture's own save a few per cent and cost a second
-/// pass), accurate integer transform.
+/// Defaults of the library except for the quality: color at half resolution in both directions,
+/// standard Huffman tables (optimized tables save a few percent and cost a second pass), accurate
+/// integer transform.
 void Configure(jpeg_compress_struct& codec, const Raster& raster, int quality) {
   const bool gray = raster.Format() == pf8bit;
   codec.image_width = static_cast<JDIMENSION>(raster.Width());
@@ -140,7 +139,7 @@ std::vector<uint8_t> EncodeJpeg(const Raster& raster, int quality) {
   const auto space =
       raster.Format() == pf8bit ? detail::ProfileSpace::gray : detail::ProfileSpace::rgb;
   const bool withProfile =
-      detail::ProfileFits(raster.profile, space) && raster.profile->size() <= largestProfile;
+      detail::ProfileFits(raster.profile, space) && raster.profile->size() <= kLargestProfile;
   const size_t pixelBytes = raster.RowBytes() * static_cast<size_t>(raster.Height());
   JpegWriter writer(pixelBytes / 8);
   jpeg_compress_struct& codec = writer.Codec();
@@ -152,11 +151,11 @@ std::vector<uint8_t> EncodeJpeg(const Raster& raster, int quality) {
       jpeg_write_icc_profile(&codec, raster.profile->data(),
                              static_cast<unsigned>(raster.profile->size()));
     }
-    JSAMPROW rows[rowsAtOnce];
+    JSAMPROW rows[kRowsAtOnce];
     while (codec.next_scanline < codec.image_height) {
       const int y = static_cast<int>(codec.next_scanline);
-      const int count = std::min(rowsAtOnce, raster.Height() - y);
-      // The library takes its input as not constant, and leaves it alone.
+      const int count = std::min(kRowsAtOnce, raster.Height() - y);
+      // The library takes a pointer to non-constant rows but does not change them.
       for (int i = 0; i < count; i++) rows[i] = const_cast<uint8_t*>(raster.Row(y + i));
       jpeg_write_scanlines(&codec, rows, static_cast<JDIMENSION>(count));
     }

@@ -13,7 +13,7 @@ JpegErrors& ErrorsOf(j_common_ptr codec) {
   return *static_cast<JpegErrors*>(codec->client_data);
 }
 
-/// Warnings about the picture data themselves, not about what surrounds them.
+/// Warnings about the picture data, not about the rest of the file.
 bool IsDataDamage(int code) {
   return code == JWRN_HIT_MARKER || code == JWRN_HUFF_BAD_CODE || code == JWRN_MUST_RESYNC ||
          code == JWRN_BOGUS_PROGRESSION;
@@ -41,12 +41,12 @@ void JpegErrors::OnMessage(j_common_ptr codec, int level) {
   errors.damaged = errors.damaged || IsDataDamage(errors.base_.msg_code);
   if (errors.base_.msg_code == JWRN_HIT_MARKER && codec->is_decompressor) {
     const auto decoder = reinterpret_cast<j_decompress_ptr>(codec);
-    // With restart intervals the decoder may find its way back behind any other marker.
+    // With restart intervals the decoder can resume after any other marker.
     if (decoder->unread_marker == JPEG_EOI || decoder->restart_interval == 0)
       errors.NoteEnd(decoder);
   }
   errors.base_.num_warnings++;
-  if (errors.warningCount_ == keptWarnings) return;
+  if (errors.warningCount_ == kKeptWarnings) return;
   char* text = errors.warnings_[errors.warningCount_];
   errors.base_.format_message(codec, text);
   for (int i = 0; i < errors.warningCount_; i++) {

@@ -11,31 +11,30 @@
 
 namespace rasterkit::detail {
 
-/// libjpeg's error handling as values: a fatal error jumps out of the library to `RunJpeg`,
-/// warnings are kept, nothing is printed. Plain data, because the jump runs no destructors; `Throw`
-/// makes the exception afterwards.
+/// Keeps the errors of libjpeg: a fatal error jumps out of the library to `RunJpeg`, warnings are
+/// kept, nothing is printed. Plain data, because the jump runs no destructors; `Throw` makes the
+/// exception afterwards.
 class JpegErrors {
  public:
-  /// Prepares the handler; the address must stay the same as long as the codec object lives.
+  /// Prepares the handler. Its address must not change while the codec object lives.
   jpeg_error_mgr* Install();
 
-  /// Ends the current call into libjpeg with a text of our own, which `Throw` turns into a
-  /// LimitError.
+  /// Ends the current call into libjpeg; `Throw` then throws a LimitError with this text.
   [[noreturn]] void FailWithLimit(const char* reason);
 
-  /// Throws what the last failed call left: LimitError, UnsupportedError or FormatError.
+  /// Throws the error of the last failed call: LimitError, UnsupportedError or FormatError.
   [[noreturn]] void Throw() const;
 
   /// Appends the kept warnings to the report.
   void CopyTo(CodecReport& report) const;
 
-  /// Set when the picture data are damaged somewhere.
+  /// True if the picture data are damaged somewhere.
   bool damaged = false;
-  /// Set when the picture data ended before all rows were decoded.
+  /// True if the picture data ended before all rows were decoded.
   bool dataEnded = false;
   /// The row of MCUs in which they ended.
   unsigned endedInRow = 0;
-  /// True when that was in the first scan, so that later rows hold nothing at all.
+  /// True if that was in the first scan: then later rows hold nothing at all.
   bool endedInFirstScan = false;
 
   /// Notes the end of the data at the decoder's current row, once.
@@ -44,7 +43,7 @@ class JpegErrors {
   std::jmp_buf jump;
 
  private:
-  static constexpr int keptWarnings = 8;
+  static constexpr int kKeptWarnings = 8;
 
   static void OnFatal(j_common_ptr codec);
   static void OnMessage(j_common_ptr codec, int level);
@@ -53,12 +52,12 @@ class JpegErrors {
   jpeg_error_mgr base_{};
   char message_[JMSG_LENGTH_MAX] = "";
   bool limit_ = false;
-  char warnings_[keptWarnings][JMSG_LENGTH_MAX] = {};
+  char warnings_[kKeptWarnings][JMSG_LENGTH_MAX] = {};
   int warningCount_ = 0;
 };
 
-/// Runs `body`, which calls libjpeg; false when the library gave up. What `body` holds must need no
-/// destructor.
+/// Runs `body`, which calls libjpeg; false if the library failed. `body` must hold nothing that
+/// needs a destructor.
 template <class Body>
 bool RunJpeg(JpegErrors& errors, const Body& body) {
   static_assert(std::is_trivially_destructible_v<Body>);

@@ -10,22 +10,22 @@ namespace {
 
 using Bytes = std::span<const uint8_t>;
 
-constexpr uint8_t markerStart = 0xFF;
-constexpr uint8_t markerDht = 0xC4, markerJpg = 0xC8, markerDac = 0xCC;
-constexpr uint8_t markerSoi = 0xD8, markerEoi = 0xD9, markerSos = 0xDA, markerApp2 = 0xE2;
-constexpr char profileName[] = "ICC_PROFILE";
+constexpr uint8_t kMarkerStart = 0xFF;
+constexpr uint8_t kMarkerDht = 0xC4, kMarkerJpg = 0xC8, kMarkerDac = 0xCC;
+constexpr uint8_t kMarkerSoi = 0xD8, kMarkerEoi = 0xD9, kMarkerSos = 0xDA, kMarkerApp2 = 0xE2;
+constexpr char kProfileName[] = "ICC_PROFILE";
 
 bool IsRestart(uint8_t marker) {
   return marker >= 0xD0 && marker <= 0xD7;
 }
 
 bool HasNoLength(uint8_t marker) {
-  return marker == 0x01 || IsRestart(marker) || marker == markerSoi;
+  return marker == 0x01 || IsRestart(marker) || marker == kMarkerSoi;
 }
 
 bool IsFrame(uint8_t marker) {
-  return marker >= 0xC0 && marker <= 0xCF && marker != markerDht && marker != markerJpg &&
-         marker != markerDac;
+  return marker >= 0xC0 && marker <= 0xCF && marker != kMarkerDht && marker != kMarkerJpg &&
+         marker != kMarkerDac;
 }
 
 class Walker {
@@ -33,7 +33,7 @@ class Walker {
   explicit Walker(Bytes bytes) : bytes_(bytes) {}
 
   JpegLayout Walk() {
-    if (bytes_.size() < 2 || bytes_[0] != markerStart || bytes_[1] != markerSoi) {
+    if (bytes_.size() < 2 || bytes_[0] != kMarkerStart || bytes_[1] != kMarkerSoi) {
       throw FormatError("JPEG: the start marker is missing");
     }
     position_ = 2;
@@ -44,17 +44,16 @@ class Walker {
   }
 
  private:
-  /// Moves behind the next marker; bytes that belong to none are skipped. False at the end of the
-  /// file.
+  /// Moves behind the next marker; other bytes are skipped. False at the end of the file.
   bool NextMarker(uint8_t& marker) {
     while (position_ < bytes_.size()) {
       const auto* start = bytes_.data() + position_;
       const auto* found =
-          static_cast<const uint8_t*>(std::memchr(start, markerStart, bytes_.size() - position_));
+          static_cast<const uint8_t*>(std::memchr(start, kMarkerStart, bytes_.size() - position_));
       if (!found) break;
       position_ = static_cast<size_t>(found - bytes_.data());
       markerAt_ = position_;
-      while (position_ < bytes_.size() && bytes_[position_] == markerStart) position_++;
+      while (position_ < bytes_.size() && bytes_[position_] == kMarkerStart) position_++;
       if (position_ == bytes_.size()) return false;
       marker = bytes_[position_++];
       if (marker != 0) return true;
@@ -63,11 +62,11 @@ class Walker {
     return false;
   }
 
-  /// The segment at the position without its length, and moves behind it. False when it is cut off.
+  /// Reads the segment at the position without its length. False if it is truncated.
   bool NextSegment(Bytes& segment) {
     if (bytes_.size() - position_ < 2) return false;
     const auto length = static_cast<size_t>(bytes_[position_] << 8 | bytes_[position_ + 1]);
-    // A length below its own two bytes is taken as an empty segment, as decoders do.
+    // A length below its own two bytes means an empty segment, as in decoders.
     if (length < 2) {
       segment = {};
       position_ += 2;
@@ -84,15 +83,15 @@ class Walker {
     uint8_t marker = 0;
     while (NextMarker(marker)) {
       if (HasNoLength(marker)) continue;
-      if (marker == markerEoi) throw FormatError("JPEG: the file holds no picture");
+      if (marker == kMarkerEoi) throw FormatError("JPEG: the file holds no picture");
       Bytes segment;
       if (!NextSegment(segment)) break;
       if (IsFrame(marker) && !frameSeen) {
         ReadFrame(marker, segment);
         frameSeen = true;
-      } else if (marker == markerApp2) {
+      } else if (marker == kMarkerApp2) {
         NoteProfile(segment);
-      } else if (marker == markerSos) {
+      } else if (marker == kMarkerSos) {
         if (!frameSeen) throw FormatError("JPEG: a scan comes before the frame header");
         const int componentsInScan = segment.empty() ? 0 : segment[0];
         layout_.manyScans =
@@ -118,19 +117,20 @@ class Walker {
   }
 
   void NoteProfile(Bytes segment) {
-    constexpr size_t nameBytes = sizeof profileName;
-    if (segment.size() < nameBytes + 2 || std::memcmp(segment.data(), profileName, nameBytes) != 0)
+    constexpr size_t kNameBytes = sizeof kProfileName;
+    if (segment.size() < kNameBytes + 2 ||
+        std::memcmp(segment.data(), kProfileName, kNameBytes) != 0)
       return;
     layout_.profile.push_back(
-        {segment[nameBytes], segment[nameBytes + 1], segment.subspan(nameBytes + 2)});
+        {segment[kNameBytes], segment[kNameBytes + 1], segment.subspan(kNameBytes + 2)});
   }
 
-  /// To the end marker, or to the segment that the file's end cuts off.
+  /// Walks to the end marker, or to a truncated segment.
   void WalkScans() {
     uint8_t marker = 0;
     while (NextMarker(marker)) {
       if (HasNoLength(marker)) continue;
-      if (marker == markerEoi) return;
+      if (marker == kMarkerEoi) return;
       const size_t markerAt = markerAt_;
       Bytes segment;
       if (NextSegment(segment)) continue;

@@ -8,32 +8,30 @@
 
 namespace rasterkit::detail {
 
-/// One APP2 segment of a colour profile that is spread over several.
+/// One APP2 segment of a color profile, which can take several.
 struct JpegProfilePiece {
   int number = 0, count = 0;
   std::span<const uint8_t> bytes;
 };
 
-/// How a JPEG file is laid out, learnt by walking its markers; nothing is decoded.
+/// The layout of a JPEG file, from its markers; nothing is decoded.
 struct JpegLayout {
   JpegFrame frame;
-  /// Several scans make up the picture (progressive, or one for each component): all of them must
-  /// be read.
+  /// The picture has several scans (progressive, or one per component); all of them must be read.
   bool manyScans = false;
   std::vector<JpegProfilePiece> profile;
-  /// Bytes up to which every segment is whole. Beyond it lies a segment that the file's end cuts
-  /// off.
+  /// Bytes up to which all segments are complete. A truncated segment follows.
   size_t wholeBytes = 0;
   bool cutOff = false;
 };
 
-/// Walks from the start to the first scan, for pictures of many scans to the end of the file. Bytes
-/// between segments are skipped, as decoders do. Throws FormatError when there is no frame or no
-/// scan, or a header segment is cut off.
+/// Walks from the start to the first scan, or to the end of the file if there are many scans. Bytes
+/// between segments are skipped, as decoders do. Throws FormatError if there is no frame or no
+/// scan, or a header segment is truncated.
 JpegLayout ReadJpegLayout(std::span<const uint8_t> bytes);
 
-/// The pieces put together in their order; empty when there are none or some are missing. A single
-/// piece is taken whatever its number says.
+/// Joins the pieces in their order; empty if there are none or some are missing. A single piece is
+/// taken whatever its number is.
 std::vector<uint8_t> JoinProfile(const std::vector<JpegProfilePiece>& pieces);
 
 }  // namespace rasterkit::detail

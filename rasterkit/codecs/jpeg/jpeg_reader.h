@@ -9,7 +9,7 @@
 
 namespace rasterkit::detail {
 
-/// The libjpeg decoder over bytes in memory, destroyed on every way out.
+/// A libjpeg decoder for bytes in memory; the destructor destroys it.
 class JpegReader {
  public:
   explicit JpegReader(std::span<const uint8_t> bytes) : bytes_(bytes) {
@@ -36,23 +36,23 @@ class JpegReader {
   const jpeg_decompress_struct& Codec() const { return codec_; }
   const JpegErrors& Errors() const { return errors_; }
 
-  /// Calls libjpeg in `body`; throws what it gave up for, after which only destruction is left.
+  /// Calls libjpeg in `body` and throws its error. After an error the reader can only be destroyed.
   template <class Body>
   void Run(const Body& body) {
     if (!RunJpeg(errors_, body)) {
-      // The destructor does not run when the constructor throws.
+      // The destructor does not run if the constructor throws.
       jpeg_destroy_decompress(&codec_);
       errors_.Throw();
     }
   }
 
-  /// The same, but answers false instead of throwing; only destruction is left then.
+  /// The same, but returns false instead of throwing.
   template <class Body>
   bool Try(const Body& body) {
     return RunJpeg(errors_, body);
   }
 
-  /// Makes the library give up after more than `count` scans.
+  /// Makes the library fail after more than `count` scans.
   void LimitScans(int count) {
     scanLimit_ = count;
     progress_.base.progress_monitor = OnProgress;
@@ -70,14 +70,14 @@ class JpegReader {
     return *static_cast<JpegErrors*>(codec->client_data);
   }
 
-  /// The bytes are used up: goes on as if the end marker stood there.
+  /// Called at the end of the bytes: continues as if the end marker stood there.
   static boolean OnEnd(j_decompress_ptr codec) {
-    static constexpr uint8_t endMarker[] = {0xFF, JPEG_EOI};
-    // Arithmetic decoding says nothing when it runs dry; the other kind tells exactly (see
+    static constexpr uint8_t kEndMarker[] = {0xFF, JPEG_EOI};
+    // Arithmetic decoding does not report the end of data; Huffman decoding does (see
     // JpegErrors).
     if (codec->arith_code) ErrorsOf(codec).NoteEnd(codec);
-    codec->src->next_input_byte = endMarker;
-    codec->src->bytes_in_buffer = sizeof endMarker;
+    codec->src->next_input_byte = kEndMarker;
+    codec->src->bytes_in_buffer = sizeof kEndMarker;
     return TRUE;
   }
 

@@ -17,24 +17,24 @@ namespace {
 using Bytes = std::span<const uint8_t>;
 using detail::PngReader;
 
-/// Largest memory for one chunk that is no picture data: a colour profile, once inflated.
-constexpr size_t chunkBytes = 16 << 20;
-constexpr size_t signatureBytes = 8;
-constexpr double metresPerInch = 0.0254;
+/// Memory limit of one chunk other than picture data: an inflated color profile.
+constexpr size_t kChunkBytes = 16 << 20;
+constexpr size_t kSignatureBytes = 8;
+constexpr double kMetersPerInch = 0.0254;
 
-/// Chunks that are not looked at: their texts may inflate to anything, and gamma is ignored. The
-/// list's form is libpng's: names of four letters, each with a zero.
-constexpr png_byte ignoredChunks[] =
+/// Ignored chunks: texts can inflate to any size, and gamma is not used. The list has the form of
+/// libpng: names of four letters, each with a zero.
+constexpr png_byte kIgnoredChunks[] =
     "tEXt\0zTXt\0iTXt\0tIME\0eXIf\0sPLT\0hIST\0pCAL\0sCAL\0oFFs\0bKGD\0sBIT\0gAMA\0cHRM\0sRGB";
-constexpr int ignoredChunkCount = sizeof ignoredChunks / 5;
+constexpr int kIgnoredChunkCount = sizeof kIgnoredChunks / 5;
 
 uint32_t BigEndian32(const uint8_t* bytes) {
   return uint32_t{bytes[0]} << 24 | uint32_t{bytes[1]} << 16 | uint32_t{bytes[2]} << 8 | bytes[3];
 }
 
-/// True when a chunk reaches beyond the file or the end chunk is missing.
+/// True if a chunk reaches beyond the file or the end chunk is missing.
 bool IsTruncated(Bytes file) {
-  size_t position = signatureBytes;
+  size_t position = kSignatureBytes;
   while (position + 12 <= file.size()) {
     const size_t length = BigEndian32(file.data() + position);
     if (length > file.size() - position - 12) return true;
@@ -58,10 +58,9 @@ Header ReadHeader(PngReader& reader, Bytes file) {
   png_structp png = reader.Png();
   reader.Run([&] {
     png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-    png_set_chunk_malloc_max(png, chunkBytes);
-    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, ignoredChunks, ignoredChunkCount);
-    // Byte by byte where the end is missing, so that no row that is there is lost in a block that
-    // is not whole.
+    png_set_chunk_malloc_max(png, kChunkBytes);
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, kIgnoredChunks, kIgnoredChunkCount);
+    // Byte by byte if the end is missing, so that no row is lost in an incomplete block.
     png_set_compression_buffer_size(png, IsTruncated(file) ? 1 : 1 << 16);
     png_read_info(png, reader.Info());
   });
@@ -97,14 +96,14 @@ HPALETTE PaletteOf(const PngReader& reader, const Header& header) {
   return {};
 }
 
-/// A sample as 8 bits: the share of full scale, rounded.
+/// Scales a sample to 8 bits, rounded.
 uint8_t ScaleSample(unsigned value, int bitDepth) {
   const unsigned full = (1u << bitDepth) - 1;
   return static_cast<uint8_t>((std::min(value, full) * 255u + full / 2) / full);
 }
 
-/// The colour that the file marks as transparent. Entries of a palette that are only partly
-/// transparent have no place in a raster of one key colour: they become opaque, with a warning.
+/// The transparent color of the file. Partly transparent palette entries become opaque, with a
+/// warning, because a raster has one key color only.
 std::optional<TColor> TransparentColorOf(const PngReader& reader, const Header& header,
                                          const HPALETTE& palette, CodecReport& report) {
   if (header.HasAlpha()) return clWhite;
@@ -126,8 +125,8 @@ std::optional<TColor> TransparentColorOf(const PngReader& reader, const Header& 
   }
   if (lost)
     report.warnings.emplace_back(
-        result ? "PNG: one palette colour stays transparent, the others become opaque"
-               : "PNG: the partly transparent palette colours become opaque");
+        result ? "PNG: one palette color stays transparent, the others become opaque"
+               : "PNG: the partly transparent palette colors become opaque");
   return result;
 }
 
@@ -136,7 +135,7 @@ Resolution ResolutionOf(const PngReader& reader) {
   int unit = PNG_RESOLUTION_UNKNOWN;
   if (!png_get_pHYs(reader.Png(), reader.Info(), &x, &y, &unit) || unit != PNG_RESOLUTION_METER)
     return {};
-  return {x * metresPerInch, y * metresPerInch};
+  return {x * kMetersPerInch, y * kMetersPerInch};
 }
 
 ColorProfile ProfileOf(const PngReader& reader, const Header& header) {
@@ -146,14 +145,14 @@ ColorProfile ProfileOf(const PngReader& reader, const Header& header) {
   png_uint_32 size = 0;
   if (!png_get_iCCP(reader.Png(), reader.Info(), &name, &compression, &bytes, &size))
     return nullptr;
-  // Grey with alpha becomes colour pixels, which a profile for greys does not describe.
+  // Gray with alpha becomes color pixels, which a gray profile does not describe.
   const auto space = header.IsGray() ? detail::ProfileSpace::gray : detail::ProfileSpace::rgb;
   if (!detail::ProfileFits(Bytes(bytes, size), space)) return nullptr;
   return std::make_shared<const std::vector<uint8_t>>(bytes, bytes + size);
 }
 
-/// Asks libpng for rows as the raster stores them, all but 2-bit samples, which ExpandTwoBits
-/// spreads.
+/// Makes libpng deliver rows in the layout of the raster, except for 2-bit samples: see
+/// ExpandTwoBits.
 void RequestRows(png_structp png, const Header& header) {
   // Exact: libpng's division by 257 rounds to nearest.
   if (header.bitDepth == 16) png_set_scale_16(png);
@@ -161,8 +160,8 @@ void RequestRows(png_structp png, const Header& header) {
   if (header.HasAlpha() || header.colorType == PNG_COLOR_TYPE_RGB) png_set_bgr(png);
 }
 
-/// Spreads a row of 2-bit samples to 4-bit ones in place, from its end so that nothing is
-/// overwritten unread. The row's padding takes what lies beyond the last pixel.
+/// Expands a row of 2-bit samples to 4-bit ones in place, from its end so that nothing is
+/// overwritten unread. Samples beyond the last pixel go to the padding.
 void ExpandTwoBits(uint8_t* row, int width) {
   for (int i = (width - 1) / 4; i >= 0; i--) {
     const int samples = row[i];
@@ -171,9 +170,9 @@ void ExpandTwoBits(uint8_t* row, int width) {
   }
 }
 
-/// Reads rows from the top until all are there or the data end; returns the first row that is
-/// missing. The passes of an interlaced picture paint whole blocks, so that an early end leaves a
-/// coarse picture and no holes.
+/// Reads rows from the top to the end of the data; returns the first missing row. The passes of an
+/// interlaced picture paint whole blocks, so that a truncated file gives a coarse picture without
+/// holes.
 int DecodeRows(PngReader& reader, const Header& header, Raster& raster) {
   png_structp png = reader.Png();
   struct {
@@ -195,7 +194,7 @@ int DecodeRows(PngReader& reader, const Header& header, Raster& raster) {
   return at.pass == 0 ? at.y : raster.Height();
 }
 
-/// Checks what follows the rows: a checksum that is wrong refuses the file, an early end does not.
+/// Checks the rest of the file: a wrong checksum is an error, an early end is not.
 void ReadEnd(PngReader& reader) {
   if (!reader.Try([&] { png_read_end(reader.Png(), nullptr); }) && !reader.RanDry())
     reader.Errors().Throw();

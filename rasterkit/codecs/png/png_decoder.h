@@ -7,11 +7,11 @@
 
 namespace rasterkit {
 
-/// Decodes a PNG file's bytes: palettes stay (1-, 4-, 8-bit; 2-bit becomes 4-bit), grey becomes an
-/// indexed raster with a grey ramp (1- and 4-bit stay, 2-bit becomes 4-bit), true colour pf24bit,
-/// with an alpha channel pf32bit (afDefined); 16-bit samples are rounded to 8; gamma is ignored.
-/// tRNS sets `transparentColor` (several: the first fully transparent one), an alpha channel sets
-/// it to white. Resolution and ICC profile come along. A truncated file gives the rows that are
+/// Decodes a PNG file. Palettes stay (1-, 4-, 8-bit; 2-bit becomes 4-bit); gray becomes an indexed
+/// raster with a gray ramp (1- and 4-bit stay, 2-bit becomes 4-bit); true color becomes pf24bit,
+/// with an alpha channel pf32bit (afDefined). 16-bit samples are rounded to 8. Gamma is ignored.
+/// tRNS sets `transparentColor` (of several, the first fully transparent one); an alpha channel
+/// sets it to white. Resolution and ICC profile are kept. A truncated file gives the rows that are
 /// there and a warning. Throws FormatError, LimitError.
 RASTERKIT_EXPORT Raster DecodePng(std::span<const uint8_t> bytes, CodecReport* report = nullptr);
 

@@ -13,11 +13,11 @@ namespace {
 
 using detail::PngWriter;
 
-/// Bytes of picture data in one chunk; the library's 8 KiB mean a thousand writes for a photograph.
-constexpr size_t chunkBytes = 1 << 18;
-constexpr double metresPerInch = 0.0254;
+/// Bytes of picture data per chunk; the 8 KiB of the library cause a thousand writes for a photo.
+constexpr size_t kChunkBytes = 1 << 18;
+constexpr double kMetersPerInch = 0.0254;
 
-/// What the file will hold.
+/// The header of the file.
 struct Layout {
   int bitDepth = 8;
   int colorType = PNG_COLOR_TYPE_RGB;
@@ -38,8 +38,8 @@ int LargestIndex(const Raster& raster) {
   return largest;
 }
 
-/// The raster's entries. Where pixels point beyond them, black ones follow: that is what such
-/// pixels show, and readers refuse a file that leaves them open.
+/// The entries of the raster. If pixels point beyond them, black entries follow: such pixels are
+/// black, and other programs refuse a file without these entries.
 std::vector<png_color> PaletteOf(const Raster& raster, int bits) {
   int count = std::min(raster.palette.Count(), 1 << bits);
   if (count < 1 << bits) count = std::max(count, LargestIndex(raster) + 1);
@@ -51,8 +51,8 @@ std::vector<png_color> PaletteOf(const Raster& raster, int bits) {
   return colors;
 }
 
-/// Indexed rasters whose palette is the full grey ramp become grey, which needs no palette and
-/// reads back the same.
+/// Indexed rasters with the full gray ramp become gray, which needs no palette and is read back the
+/// same.
 Layout LayoutOf(const Raster& raster) {
   Layout layout;
   if (IsIndexed(raster.Format())) {
@@ -78,8 +78,8 @@ uint8_t BlueOf(TColor color) {
   return static_cast<uint8_t>(color >> 16);
 }
 
-/// The key colour: alpha 0 for every entry of that colour, or the sample values that mean it. A
-/// colour that no pixel can have, and any beside an alpha channel, is left out.
+/// The key color: alpha 0 for each entry of that color, or its sample values. A color that no pixel
+/// can have, and every color beside an alpha channel, is left out.
 void SetTransparency(png_structp png, png_infop info, const Layout& layout, TColor color) {
   png_color_16 samples{};
   if (layout.colorType == PNG_COLOR_TYPE_PALETTE) {
@@ -106,9 +106,9 @@ void SetTransparency(png_structp png, png_infop info, const Layout& layout, TCol
   }
 }
 
-png_uint_32 DotsPerMetre(double dotsPerInch) {
+png_uint_32 DotsPerMeter(double dotsPerInch) {
   return static_cast<png_uint_32>(
-      std::clamp(std::round(dotsPerInch / metresPerInch), 1.0, 2147483647.0));
+      std::clamp(std::round(dotsPerInch / kMetersPerInch), 1.0, 2147483647.0));
 }
 
 void SetHeader(png_structp png, png_infop info, const Raster& raster, const Layout& layout) {
@@ -117,12 +117,12 @@ void SetHeader(png_structp png, png_infop info, const Raster& raster, const Layo
                PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   if (!layout.palette.empty())
     png_set_PLTE(png, info, layout.palette.data(), static_cast<int>(layout.palette.size()));
-  // A negative colour names one of the host's, which a file cannot.
+  // A negative color is a system color, which a file cannot hold.
   if (raster.transparentColor && *raster.transparentColor >= 0) {
     SetTransparency(png, info, layout, *raster.transparentColor);
   }
   if (raster.resolution.IsKnown()) {
-    png_set_pHYs(png, info, DotsPerMetre(raster.resolution.x), DotsPerMetre(raster.resolution.y),
+    png_set_pHYs(png, info, DotsPerMeter(raster.resolution.x), DotsPerMeter(raster.resolution.y),
                  PNG_RESOLUTION_METER);
   }
   const bool gray = layout.colorType == PNG_COLOR_TYPE_GRAY;
@@ -133,17 +133,17 @@ void SetHeader(png_structp png, png_infop info, const Raster& raster, const Layo
   }
 }
 
-/// Chosen by measuring 12 megapixels like a photograph and like a plan. True colour: level 1 takes
-/// a quarter of level 6's time for a file 7 % larger, and level 2 a fifth more time for half a per
-/// cent. Packed and indexed pictures are small enough for level 2.
+/// Measured with 12 megapixels of a photograph and of a plan. True color: level 1 takes a quarter
+/// of the time of level 6, the file is 7 % larger, and level 2 takes a fifth more time for half a
+/// percent. Indexed pictures are small enough for level 2.
 int DefaultLevel(const Layout& layout) {
   return layout.colorType == PNG_COLOR_TYPE_PALETTE || layout.bitDepth < 8 ? 2 : 1;
 }
 
-/// One filter for all rows; trying all of them takes 1.6 times as long for 3 %. Against the row
-/// above is best for plans (a third less than against the pixel before) and within 2 % of the best
-/// for photographs. The 256 entries of an 8-bit palette lie in no order, so that differences of
-/// indexes say little.
+/// One filter for all rows: trying all filters takes 1.6 times as long and saves 3 %. The
+/// difference to the row above is best for plans (a third less than to the previous pixel) and
+/// within 2 % of the best for photographs. The entries of an 8-bit palette have no order, so that
+/// differences of indexes do not help.
 int FilterFor(const Layout& layout) {
   const bool unordered = layout.colorType == PNG_COLOR_TYPE_PALETTE && layout.bitDepth == 8;
   return unordered ? PNG_FILTER_NONE : PNG_FILTER_UP;
@@ -153,7 +153,7 @@ void SetCompression(png_structp png, const Layout& layout, int level) {
   png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
   png_set_benign_errors(png, 1);
   png_set_compression_level(png, level < 0 ? DefaultLevel(layout) : std::min(level, 9));
-  png_set_compression_buffer_size(png, chunkBytes);
+  png_set_compression_buffer_size(png, kChunkBytes);
   png_set_filter(png, PNG_FILTER_TYPE_BASE, FilterFor(layout));
 }
 

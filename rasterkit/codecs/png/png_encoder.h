@@ -5,10 +5,10 @@
 
 namespace rasterkit {
 
-/// Writes a PNG file at the stream's position: 1-, 4- and 8-bit palettes stay, 15/16-bit becomes
-/// 24, 32-bit has an alpha channel when it is defined and is written as 24-bit when it is not.
-/// `transparentColor` becomes tRNS. `level` is zlib's 0 to 9; -1 is the default, chosen for size
-/// against time.
+/// Writes a PNG file at the stream's position. 1-, 4- and 8-bit palettes stay; 15- and 16-bit
+/// become 24-bit; 32-bit keeps its alpha channel if alpha is defined, else it becomes 24-bit.
+/// `transparentColor` becomes tRNS. `level` is zlib's 0 to 9; -1 chooses by pixel format. Throws
+/// FormatError for an empty raster.
 RASTERKIT_EXPORT void EncodePng(const Raster& raster, TStream& stream, int level = -1);
 
 }  // namespace rasterkit

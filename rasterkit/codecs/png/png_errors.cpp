@@ -22,9 +22,9 @@ void PngErrors::OnFatal(png_structp png, png_const_charp text) {
 
 void PngErrors::OnWarning(png_structp png, png_const_charp text) {
   PngErrors& errors = ErrorsOf(png);
-  if (errors.warningCount_ == keptWarnings) return;
+  if (errors.warningCount_ == kKeptWarnings) return;
   char* kept = errors.warnings_[errors.warningCount_];
-  std::snprintf(kept, textBytes, "%s", text);
+  std::snprintf(kept, kTextBytes, "%s", text);
   for (int i = 0; i < errors.warningCount_; i++) {
     if (std::strcmp(errors.warnings_[i], kept) == 0) return;
   }

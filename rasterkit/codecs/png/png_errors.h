@@ -10,19 +10,19 @@
 
 namespace rasterkit::detail {
 
-/// libpng's error handling as values: a fatal error jumps out of the library to `RunPng`, warnings
-/// are kept, nothing is printed. Plain data, because the jump runs no destructors; `Throw` makes
-/// the exception afterwards.
+/// Keeps the errors of libpng: a fatal error jumps out of the library to `RunPng`, warnings are
+/// kept, nothing is printed. Plain data, because the jump runs no destructors; `Throw` makes the
+/// exception afterwards.
 class PngErrors {
  public:
   /// The two functions that libpng is created with; its error pointer must be a PngErrors.
   [[noreturn]] static void OnFatal(png_structp png, png_const_charp text);
   static void OnWarning(png_structp png, png_const_charp text);
 
-  /// Throws what the last failed call left: LimitError when memory ran out, else FormatError.
+  /// Throws the error of the last failed call: LimitError if out of memory, else FormatError.
   [[noreturn]] void Throw() const;
 
-  /// "PNG: " and what libpng said last.
+  /// "PNG: " and the last message of libpng.
   std::string Reason() const { return std::string("PNG: ") + message_; }
   bool MessageIs(const char* text) const;
 
@@ -32,16 +32,16 @@ class PngErrors {
   std::jmp_buf jump;
 
  private:
-  static constexpr int keptWarnings = 8;
-  static constexpr int textBytes = 120;
+  static constexpr int kKeptWarnings = 8;
+  static constexpr int kTextBytes = 120;
 
-  char message_[textBytes] = "";
-  char warnings_[keptWarnings][textBytes] = {};
+  char message_[kTextBytes] = "";
+  char warnings_[kKeptWarnings][kTextBytes] = {};
   int warningCount_ = 0;
 };
 
-/// Runs `body`, which calls libpng; false when the library gave up. What `body` holds must need no
-/// destructor.
+/// Runs `body`, which calls libpng; false if the library failed. `body` must hold nothing that
+/// needs a destructor.
 template <class Body>
 bool RunPng(PngErrors& errors, const Body& body) {
   static_assert(std::is_trivially_destructible_v<Body>);

@@ -9,7 +9,7 @@
 
 namespace rasterkit::detail {
 
-/// The libpng decoder over bytes in memory, destroyed on every way out.
+/// A libpng decoder for bytes in memory; the destructor destroys it.
 class PngReader {
  public:
   explicit PngReader(std::span<const uint8_t> bytes) : bytes_(bytes) {
@@ -29,10 +29,10 @@ class PngReader {
   png_structp Png() const { return png_; }
   png_infop Info() const { return info_; }
   const PngErrors& Errors() const { return errors_; }
-  /// True when the library asked for more bytes than there are.
+  /// True if the library needed more bytes than there are.
   bool RanDry() const { return ranDry_; }
 
-  /// Calls libpng in `body`; false when it gave up, after which only queries are allowed.
+  /// Calls libpng in `body`; false if it failed, after which only queries are allowed.
   template <class Body>
   bool Try(const Body& body) {
     return RunPng(errors_, body);

@@ -9,7 +9,7 @@
 
 namespace rasterkit::detail {
 
-/// The libpng encoder onto a stream, destroyed on every way out.
+/// A libpng encoder that writes to a stream; the destructor destroys it.
 class PngWriter {
  public:
   explicit PngWriter(TStream& stream) : stream_(stream) {
@@ -29,7 +29,7 @@ class PngWriter {
   png_structp Png() const { return png_; }
   png_infop Info() const { return info_; }
 
-  /// Calls libpng in `body`; throws what the stream threw, or what the library gave up for.
+  /// Calls libpng in `body`; throws the error of the stream, else that of the library.
   template <class Body>
   void Run(const Body& body) {
     if (RunPng(errors_, body)) return;
@@ -38,7 +38,7 @@ class PngWriter {
   }
 
  private:
-  /// No exception may pass through the library: it is kept, and the library is told to give up.
+  /// No exception may pass through the library: it is kept, and the library is made to fail.
   static void OnWrite(png_structp png, png_bytep bytes, size_t count) {
     auto& writer = *static_cast<PngWriter*>(png_get_io_ptr(png));
     if (!writer.Write(bytes, count)) png_error(png, "the stream takes no more");

@@ -7,8 +7,7 @@
 namespace rasterkit::detail {
 namespace {
 
-// Whole pixels at a time: the compiler then works on many of them at once, which it does not for
-// every fourth byte.
+// Works on whole pixels, which the compiler vectorizes; it does not for every fourth byte.
 constexpr auto kAlpha = std::bit_cast<uint32_t>(std::array<uint8_t, 4>{0, 0, 0, 255});
 
 uint32_t LoadPixel(const uint8_t* place) {

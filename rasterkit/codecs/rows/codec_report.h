@@ -5,7 +5,7 @@
 
 namespace rasterkit {
 
-/// What a decoder noticed without giving up: "JPEG: premature end of data, 120 of 480 rows are
+/// What a decoder noticed without failing: "JPEG: premature end of data, 120 of 480 rows are
 /// there".
 struct CodecReport {
   std::vector<std::string> warnings;

@@ -4,7 +4,7 @@
 
 namespace rasterkit::detail {
 
-/// The raster that holds frames of this pixel format: as many bits a pixel.
+/// The format of a raster that holds such a frame: it has as many bits per pixel.
 constexpr TPixelFormat RasterFormatOf(WICPixelFormat format) {
   switch (format) {
     case GUID_WICPixelFormatBlackWhite:

@@ -2,7 +2,7 @@
 
 namespace rasterkit {
 
-/// How a frame is decoded.
+/// Options of a frame decoder.
 struct FrameOptions {
   /// Threads that decode strips and tiles, 1 to 64. The pixels do not depend on it.
   int threads = 1;

@@ -6,17 +6,17 @@ namespace rasterkit::detail {
 
 namespace {
 
-constexpr size_t headerBytes = 128;
-constexpr size_t colorSpaceAt = 16;
-constexpr size_t signatureAt = 36;
+constexpr size_t kHeaderBytes = 128;
+constexpr size_t kColorSpaceAt = 16;
+constexpr size_t kSignatureAt = 36;
 
 }  // namespace
 
 bool ProfileFits(std::span<const uint8_t> profile, ProfileSpace space) {
-  if (profile.size() < headerBytes) return false;
-  if (std::memcmp(profile.data() + signatureAt, "acsp", 4) != 0) return false;
+  if (profile.size() < kHeaderBytes) return false;
+  if (std::memcmp(profile.data() + kSignatureAt, "acsp", 4) != 0) return false;
   const char* name = space == ProfileSpace::gray ? "GRAY" : "RGB ";
-  return std::memcmp(profile.data() + colorSpaceAt, name, 4) == 0;
+  return std::memcmp(profile.data() + kColorSpaceAt, name, 4) == 0;
 }
 
 bool ProfileFits(const ColorProfile& profile, ProfileSpace space) {

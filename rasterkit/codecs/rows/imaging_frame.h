@@ -4,10 +4,10 @@
 
 namespace rasterkit {
 
-/// Pixel formats of decoded frames, by their established names. Rows are those of a `Raster`; words
-/// and floats are as the processor has them.
+/// Pixel formats of decoded frames. Rows are those of a `Raster`; words and floats have the byte
+/// order of the processor.
 ///
-///     BlackWhite             1 bit a pixel, 0 is black
+///     BlackWhite             1 bit per pixel, 0 is black
 ///     1-, 4-, 8bppIndexed    index into the palette
 ///     4-, 8bppGray           0 is black
 ///     24bppBGR, 24bppRGB     three bytes in the order of the letters
@@ -37,16 +37,16 @@ enum WICPixelFormat {
   GUID_WICPixelFormat16bppGrayHalf
 };
 
-/// One decoded picture in a pixel format of the codec's own, with its rows as they came out.
+/// One decoded picture in one of the pixel formats above.
 struct ImagingFrame {
   WICPixelFormat format = GUID_WICPixelFormat24bppBGR;
-  /// A raster of 1, 4, 8, 16, 24 or 32 bits a pixel; its own `Format()` says no more than that
-  /// (16-bit frames of every kind are pf16bit, floats pf32bit). The palette counts for indexed
-  /// formats only. Resolution, ICC profile and alpha mark (32bppBGRA: defined) come along.
+  /// A raster of 1, 4, 8, 16, 24 or 32 bits per pixel. Its own `Format()` gives only that number:
+  /// all 16-bit frames are pf16bit, floats are pf32bit. The palette is valid for indexed formats
+  /// only. Resolution, ICC profile and alpha mark (32bppBGRA: defined) are those of the file.
   Raster rows;
-  /// The file's own pixel format (16-bit colour, CMYK ...) has no name above, and the codec made
-  /// 32bppBGRA of it. The table of bitmaps knows no alpha mark for such frames: their pixels of
-  /// alpha 0 keep their colours, those of a frame that is 32bppBGRA by itself become white.
+  /// True if the pixel format of the file (16-bit color, CMYK and so on) has no name above, so that
+  /// the codec converted it to 32bppBGRA. Pixels with alpha 0 of such a frame keep their colors;
+  /// those of a file that is 32bppBGRA itself become white.
   bool isConverted = false;
 };
 

@@ -25,7 +25,8 @@ NumberRange RangeOf(const double* numbers, size_t count) {
 uint8_t GrayOf(double number, const NumberRange& range) {
   if (std::isnan(number)) return 255;
   if (std::isinf(number)) return number > 0 ? 255 : 0;
-  // Halved: the span of two finite numbers need not be finite. That of the tiniest ones is lost.
+  // Halved, because the difference of two finite numbers can be infinite. Subnormal differences are
+  // lost.
   const double span = range.greatest / 2 - range.least / 2;
   if (span == 0) return 0;
   return static_cast<uint8_t>(std::lround((number / 2 - range.least / 2) / span * 255));

@@ -31,7 +31,7 @@ void RunOnThreads(int threads, const std::function<void()>& own,
       others.back()->Start();
     }
   } catch (const LimitError&) {
-    // As many as the system has.
+    // The system has no more threads.
   }
   own();
   for (const auto& thread : others) thread->WaitFor();

@@ -4,8 +4,8 @@
 
 namespace rasterkit::detail {
 
-/// Runs `own` here and `other` on `threads - 1` further threads, or as many as the system has; the
-/// first error of any is thrown after all have ended. Whoever fails must make the others end.
+/// Runs `own` on this thread and `other` on `threads - 1` further ones, or on as many as the system
+/// has. Throws the first error after all have ended. A function that fails must end the others.
 void RunOnThreads(int threads, const std::function<void()>& own,
                   const std::function<void()>& other);
 

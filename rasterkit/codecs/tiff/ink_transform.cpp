@@ -21,15 +21,15 @@ using Profile = std::unique_ptr<void, CloseProfile>;
 }  // namespace
 
 struct InkTransform::State {
-  /// Outlives what is made in it.
+  /// Outlives the transforms that are made with it.
   std::unique_ptr<_cmsContext_struct, DeleteContext> context{cmsCreateContext(nullptr, nullptr)};
   std::unique_ptr<void, DeleteTransform> transform;
 
-  /// True when the library can go from one to the other.
+  /// True if the library can convert from one to the other.
   bool Connect(const Profile& source, uint32_t sourceFormat, uint32_t intent) {
     const Profile screen(cmsCreate_sRGBProfileTHR(context.get()));
     if (!source || !screen) return false;
-    // Without a cache in the transform, which threads would have to share.
+    // No cache in the transform: threads would have to share it.
     transform.reset(cmsCreateTransformTHR(context.get(), source.get(), sourceFormat, screen.get(),
                                           TYPE_BGR_8, intent, cmsFLAGS_NOCACHE));
     return transform != nullptr;

@@ -7,17 +7,17 @@
 
 namespace rasterkit::detail {
 
-/// Inks, or L* a* b*, to sRGB by colour management. Usable by several threads at once.
+/// Converts inks, or L* a* b*, to sRGB by color management. Several threads may use it at once.
 class InkTransform {
  public:
-  /// Words C M Y K (65535 is all ink) through an ICC profile of such inks; null when the bytes are
-  /// none.
+  /// For words C M Y K (65535 is full ink), by an ICC profile of such inks; null if the bytes are
+  /// no profile.
   static std::unique_ptr<const InkTransform> OfInks(std::span<const uint8_t> profile);
-  /// Doubles L* (0 to 100), a*, b* of the daylight that ICC profiles use.
+  /// For doubles L* (0 to 100), a*, b* with the illuminant of ICC profiles.
   static std::unique_ptr<const InkTransform> OfLab();
   ~InkTransform();
 
-  /// `width` pixels to bytes B G R.
+  /// Converts `width` pixels to bytes B G R.
   void ToBgr(const void* pixels, size_t width, uint8_t* bgr) const;
 
  private:

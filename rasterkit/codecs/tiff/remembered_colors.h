@@ -9,16 +9,16 @@
 
 namespace rasterkit::detail {
 
-/// A transform with a memory for its latest colours: pictures repeat theirs, and a profile takes
-/// far longer than looking one up. `Number` and `count` are those of the transform's points. For
-/// one thread.
+/// A transform with a cache of its latest colors: pictures repeat colors, and a profile takes far
+/// longer than a lookup. `Number` and `count` are those of the points of the transform. For one
+/// thread.
 template <typename Number, size_t count>
 class RememberedColors {
  public:
   explicit RememberedColors(std::shared_ptr<const InkTransform> transform)
-      : transform_(std::move(transform)), known_(size_t{1} << indexBits) {}
+      : transform_(std::move(transform)), known_(size_t{1} << kIndexBits) {}
 
-  /// The transform's own result for each of `width` points: B G R.
+  /// Gives the result of the transform for each of `width` points: B G R.
   void ToBgr(const Number* points, size_t width, uint8_t* bgr) {
     asked_.clear();
     places_.clear();
@@ -41,7 +41,7 @@ class RememberedColors {
   }
 
  private:
-  static constexpr int indexBits = 12;
+  static constexpr int kIndexBits = 12;
 
   struct Known {
     std::array<Number, count> point{};
@@ -57,7 +57,7 @@ class RememberedColors {
       mixed = (mixed ^ bits) * 0x9E3779B97F4A7C15u;
       mixed ^= mixed >> 32;
     }
-    return mixed & ((size_t{1} << indexBits) - 1);
+    return mixed & ((size_t{1} << kIndexBits) - 1);
   }
 
   void Remember(const Number* point, const uint8_t* bgr) {

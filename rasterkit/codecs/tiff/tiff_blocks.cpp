@@ -10,13 +10,13 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// Pictures up to this many bytes are searched for the last sound row of every damaged block: that
+/// Pictures up to this many bytes are searched for the last intact row of each damaged block, which
 /// unpacks a block three times.
-constexpr uint64_t searchedBytes = uint64_t{1} << 30;
-/// The same where it takes some more times.
-constexpr uint64_t bisectedBytes = uint64_t{64} << 20;
+constexpr uint64_t kSearchedBytes = uint64_t{1} << 30;
+/// The limit for a search that unpacks a block more often.
+constexpr uint64_t kBisectedBytes = uint64_t{64} << 20;
 
-/// A byte that is hardly ever in the picture by chance, another one at each place.
+/// A byte that is rarely in the picture by chance, different at each place.
 uint8_t Mark(size_t place) {
   return static_cast<uint8_t>((static_cast<uint32_t>(place) * 0x9E3779B1u) >> 24);
 }
@@ -31,7 +31,7 @@ uint64_t Reversed(uint64_t word) {
   return __builtin_bswap64(word);
 }
 
-/// Reverses the bytes of each word, many words at a time once compiled.
+/// Reverses the bytes of each word; the compiler vectorizes the loop.
 template <typename Word>
 void ReverseWords(uint8_t* bytes, size_t count) {
   for (size_t at = 0; at + sizeof(Word) <= count; at += sizeof(Word)) {
@@ -42,8 +42,8 @@ void ReverseWords(uint8_t* bytes, size_t count) {
   }
 }
 
-/// While it lives, Deflate is unpacked by the library that writes everything before a fault; the
-/// faster one looks at whole pieces first.
+/// While it lives, Deflate is unpacked by the library that writes everything up to an error; the
+/// faster library only unpacks intact blocks.
 class PatientDeflate {
  public:
   PatientDeflate(TIFF* tiff, int compression)
@@ -135,7 +135,7 @@ uint32_t TiffBlockReader::ReadPacked(uint32_t block, uint64_t offset, uint64_t c
   if (there == 0) return 0;
   const uint32_t unpacked = UnpackedRows(rows);
   if (Unpack(block, there, unpacked, target)) return rows;
-  if (IsFax() || PictureBytes() > searchedBytes) return 0;
+  if (IsFax() || PictureBytes() > kSearchedBytes) return 0;
   const size_t errorsSoFar = errors_.size();
   const uint32_t sound = std::min(rows, RowsThere(block, there, unpacked, target));
   errors_.resize(errorsSoFar);
@@ -149,7 +149,7 @@ bool TiffBlockReader::Unpack(uint32_t block, size_t rawBytes, uint32_t rows, uin
 
 bool TiffBlockReader::UnpackOnto(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target) {
   const size_t bytes = rows * layout_.grid.rowBytes;
-  // Fax codecs go on behind damaged rows, and tell failure as success here.
+  // Fax codecs continue after damaged rows and report success.
   const bool isWhole =
       TIFFReadFromUserBuffer(handle_.Tiff(), block, raw_.Data(), static_cast<tmsize_t>(rawBytes),
                              target, static_cast<tmsize_t>(bytes)) != 0;
@@ -173,9 +173,8 @@ bool TiffBlockReader::IsFax() const {
   }
 }
 
-/// The row that a fax codec gives up at becomes a row of zeros; where zeros show black that would
-/// be a line across the picture. Nothing but untouched rows may follow: others may be as they
-/// should.
+/// A fax codec leaves a row of zeros at an error; if 0 is black that would be a line across the
+/// picture. Only untouched rows may follow: otherwise the zeros may be real.
 void TiffBlockReader::ClearUnreadRow(uint32_t rows, uint8_t* target) const {
   const size_t rowBytes = layout_.grid.rowBytes;
   const auto row = [&](uint32_t y) { return std::span(target + y * rowBytes, rowBytes); };
@@ -183,7 +182,7 @@ void TiffBlockReader::ClearUnreadRow(uint32_t rows, uint8_t* target) const {
   while (written > 0 && IsBlank(row(written - 1))) written--;
   if (written == 0 || written == rows) return;
   const std::span<uint8_t> last = row(written - 1);
-  // The bits behind the picture's right edge are left alone.
+  // The bits beyond the right edge of the picture do not count.
   const auto edge = static_cast<uint8_t>(0xFF00 >> (layout_.grid.width - 1) % 8 >> 1);
   const bool isUnread =
       (last.back() & edge) == 0 &&
@@ -196,7 +195,7 @@ bool TiffBlockReader::IsBlank(std::span<const uint8_t> bytes) const {
                      [&](uint8_t byte) { return byte == blanks_.whiteByte; });
 }
 
-/// Whole rows that the codec writes before it fails.
+/// Number of complete rows that the codec writes before it fails.
 uint32_t TiffBlockReader::RowsWritten(uint32_t block, size_t rawBytes, uint32_t rows,
                                       uint8_t* target) {
   size_t end = rows * layout_.grid.rowBytes;
@@ -209,11 +208,11 @@ uint32_t TiffBlockReader::RowsWritten(uint32_t block, size_t rawBytes, uint32_t 
 
 uint32_t TiffBlockReader::RowsThere(uint32_t block, size_t rawBytes, uint32_t rows,
                                     uint8_t* target) {
-  // Asked for no more than these, the codec has no reason to fail.
+  // If only these rows are requested, the codec does not fail.
   uint32_t unsound = RowsWritten(block, rawBytes, rows, target);
   if (unsound == 0 || Unpack(block, rawBytes, unsound, target)) return unsound;
-  if (PictureBytes() > bisectedBytes) return 0;
-  // The greatest number of rows that unpack without an error: fewer rows need fewer bytes.
+  if (PictureBytes() > kBisectedBytes) return 0;
+  // Finds the greatest number of rows that unpack without an error: fewer rows need fewer bytes.
   uint32_t sound = 0;
   while (unsound - sound > 1) {
     const uint32_t middle = sound + (unsound - sound) / 2;
@@ -223,7 +222,7 @@ uint32_t TiffBlockReader::RowsThere(uint32_t block, size_t rawBytes, uint32_t ro
   return sound;
 }
 
-/// Of all blocks, unpacked.
+/// Bytes of all unpacked blocks.
 uint64_t TiffBlockReader::PictureBytes() const {
   const uint64_t block = uint64_t{layout_.grid.rowBytes} * layout_.grid.height;
   return block * layout_.grid.PerPlane() * layout_.planes.size();

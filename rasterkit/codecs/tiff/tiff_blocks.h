@@ -10,11 +10,11 @@
 
 namespace rasterkit::detail {
 
-/// What to put where a file has nothing.
+/// The values of samples that the file lacks.
 struct TiffBlanks {
-  /// Sample byte that shows white, for codecs that may leave rows out without saying so.
+  /// Sample byte that shows white, for codecs that can skip rows without an error.
   uint8_t whiteByte = 0xFF;
-  /// Bytes of one sample, repeated: what a block that was left out of a sparse file holds.
+  /// Bytes of one sample, repeated: the content of blocks that a sparse file leaves out.
   std::array<uint8_t, 8> sparse{};
   size_t sparseBytes = 1;
 };
@@ -25,19 +25,19 @@ class TiffBlockReader {
   TiffBlockReader(TiffHandle& handle, const TiffLayout& layout, const TiffBlanks& blanks)
       : handle_(handle), layout_(layout), blanks_(blanks) {}
 
-  /// True when rows of a block can be read one by one, as nothing is packed.
+  /// True if the rows of a block can be read one by one because they are not compressed.
   bool IsPlain() const { return layout_.compression == COMPRESSION_NONE; }
-  /// Rows that `Read` unpacks for a block of which the picture has `rows`: tiles are whole.
+  /// Rows that `Read` unpacks for a block of which the picture has `rows`: all rows of a tile.
   uint32_t UnpackedRows(uint32_t rows) const {
     return layout_.grid.isTiled && !IsPlain() ? layout_.grid.height : rows;
   }
 
-  /// Rows `first` to `first + rows - 1` of a block to `target`, which has room for `UnpackedRows`;
-  /// `first` is 0 unless the block is plain. Returns how many were there; the others hold
-  /// undefined bytes. Throws what the stream throws.
+  /// Reads rows `first` to `first + rows - 1` of a block into `target`, which has room for
+  /// `UnpackedRows`; `first` is 0 unless the block is uncompressed. Returns the number of rows that
+  /// were there; the others hold undefined bytes. Throws the errors of the stream.
   uint32_t Read(uint32_t block, uint32_t first, uint32_t rows, uint8_t* target);
 
-  /// What was wrong since the last call.
+  /// The errors since the last call.
   std::vector<std::string> TakeErrors() { return std::move(errors_); }
 
  private:

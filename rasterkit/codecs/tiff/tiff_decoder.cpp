@@ -11,6 +11,7 @@
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/missing_rows.h>
 #include <rasterkit/codecs/rows/stretch_numbers.h>
+#include <rasterkit/codecs/tiff/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_directory.h>
 #include <rasterkit/codecs/tiff/tiff_library_rows.h>
@@ -23,9 +24,8 @@ namespace {
 
 using namespace detail;
 
-constexpr double centimetresPerInch = 2.54;
-constexpr uint16_t tagNoData = 42113;
-constexpr uint32_t mostProfileBytes = 16 << 20;
+constexpr double kCentimetersPerInch = 2.54;
+constexpr uint32_t kMostProfileBytes = 16 << 20;
 
 Resolution ResolutionOf(const TiffHandle& handle) {
   float x = 0, y = 0;
@@ -35,20 +35,20 @@ Resolution ResolutionOf(const TiffHandle& handle) {
   const int unit = handle.Field<uint16_t>(TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
   const bool isKnown = std::isfinite(x) && std::isfinite(y) && x > 0 && y > 0;
   if (!isKnown || (unit != RESUNIT_INCH && unit != RESUNIT_CENTIMETER)) return {};
-  const double factor = unit == RESUNIT_CENTIMETER ? centimetresPerInch : 1;
+  const double factor = unit == RESUNIT_CENTIMETER ? kCentimetersPerInch : 1;
   return {x * factor, y * factor};
 }
 
 std::span<const uint8_t> ProfileBytes(const TiffHandle& handle) {
   uint32_t size = 0;
   const uint8_t* bytes = nullptr;
-  if (!TIFFGetField(handle.Tiff(), TIFFTAG_ICCPROFILE, &size, &bytes) || size > mostProfileBytes)
+  if (!TIFFGetField(handle.Tiff(), TIFFTAG_ICCPROFILE, &size, &bytes) || size > kMostProfileBytes)
     return {};
   return {bytes, size};
 }
 
-/// The file's profile where it describes the pixels that are delivered. Inks and the like have
-/// become colours of the screen by then.
+/// The profile of the file if it describes the delivered pixels. Inks and the like are RGB by
+/// then.
 ColorProfile ProfileOf(const TiffHandle& handle, const TiffLayout& layout) {
   const bool isGray =
       layout.photometric == PHOTOMETRIC_MINISWHITE || layout.photometric == PHOTOMETRIC_MINISBLACK;
@@ -62,8 +62,8 @@ ColorProfile ProfileOf(const TiffHandle& handle, const TiffLayout& layout) {
   return std::make_shared<const std::vector<uint8_t>>(bytes.begin(), bytes.end());
 }
 
-/// The colour map of a palette file. Its words hold bytes times 256 or times 257; some programs
-/// write plain bytes.
+/// The color map of a palette file. Its words are bytes times 256 or times 257; some programs write
+/// plain bytes.
 std::vector<tagPALETTEENTRY> FileEntries(const TiffHandle& handle, const TiffLayout& layout) {
   const uint16_t *red = nullptr, *green = nullptr, *blue = nullptr;
   if (!TIFFGetField(handle.Tiff(), TIFFTAG_COLORMAP, &red, &green, &blue))
@@ -82,7 +82,7 @@ std::vector<tagPALETTEENTRY> FileEntries(const TiffHandle& handle, const TiffLay
   return entries;
 }
 
-/// The number of the tag "no data" as one sample of a grid.
+/// The value of the tag "no data" as one sample of a grid.
 template <typename T>
 void SetSample(std::array<uint8_t, 8>& bytes, size_t& count, double number) {
   if constexpr (std::is_integral_v<T>) {
@@ -101,7 +101,7 @@ std::optional<double> ParseNumber(const std::string& text) {
   return number;
 }
 
-/// One picture on its way from the file to a frame.
+/// Decodes one picture into a frame.
 class FrameReader {
  public:
   FrameReader(TStream& stream, const FrameOptions& options, CodecReport& report)
@@ -146,13 +146,12 @@ class FrameReader {
   TiffColors colors_;
 };
 
-/// The library makes up what is missing, one tag after the other, until nothing of the file is
-/// left.
+/// libtiff invents missing tags; a directory without the essential ones is refused.
 void FrameReader::RequirePixelTags() const {
   const bool hasCounts =
       directory_.Has(TIFFTAG_STRIPBYTECOUNTS) || directory_.Has(TIFFTAG_TILEBYTECOUNTS);
   if (!hasCounts && !directory_.Has(TIFFTAG_PHOTOMETRIC))
-    throw FormatError("TIFF: the directory does not say what its pixels are");
+    throw FormatError("TIFF: the directory does not describe its pixels");
 }
 
 void FrameReader::KeepWarnings(TiffHandle& handle) {
@@ -178,7 +177,7 @@ void FrameReader::ChooseInks(TiffHandle& handle) {
     colors_.inks = InkTransform::OfLab();
   } else if (layout_.rows == TiffRowKind::cmyk && !ProfileBytes(handle).empty()) {
     colors_.inks = InkTransform::OfInks(ProfileBytes(handle));
-    if (!colors_.inks) Warn("the colour profile does not fit its inks and is left out");
+    if (!colors_.inks) Warn("the color profile does not fit its inks and is ignored");
   }
 }
 
@@ -186,7 +185,7 @@ TiffBlanks FrameReader::Blanks() const {
   TiffBlanks blanks;
   const bool isLowWhite = layout_.isInverted || layout_.photometric == PHOTOMETRIC_SEPARATED;
   if (isLowWhite) blanks.whiteByte = 0;
-  const auto noData = ParseNumber(directory_.Text(tagNoData));
+  const auto noData = ParseNumber(directory_.Text(detail::kNoDataTag));
   if (!noData) return blanks;
   switch (layout_.format) {
     case GUID_WICPixelFormat8bppGray:
@@ -212,11 +211,11 @@ TiffTarget FrameReader::Target(Raster& raster) const {
   target.data = raster.Row(0);
   target.stride = raster.Stride();
   target.bitsPerPixel = StoredBitsPerPixel(raster.Format());
-  // As a word or a float all ones are the greatest value and no number.
+  // All bits set: the greatest word, or NaN.
   target.blank.fill(WhiteByte(raster));
   if (layout_.format == GUID_WICPixelFormat16bppGrayFixedPoint) {
-    constexpr int16_t greatest = std::numeric_limits<int16_t>::max();
-    std::memcpy(target.blank.data(), &greatest, sizeof greatest);
+    constexpr int16_t kGreatest = std::numeric_limits<int16_t>::max();
+    std::memcpy(target.blank.data(), &kGreatest, sizeof kGreatest);
   }
   return target;
 }
@@ -228,7 +227,7 @@ TiffOutcome FrameReader::ReadStretched(TiffHandle& handle, Raster& raster) {
   target.data = numbers.Data();
   target.stride = stride;
   target.bitsPerPixel = 64;
-  target.blank.fill(0xFF);  // no number
+  target.blank.fill(0xFF);  // NaN
   TiffOutcome outcome =
       ReadTiffBlocks(handle, layout_, colors_, Blanks(), target, options_.threads);
   const NumberRange range = StretchNumbers(reinterpret_cast<const double*>(numbers.Data()), raster);
@@ -258,7 +257,7 @@ void FrameReader::Judge(const TiffOutcome& outcome) {
   }
   if (outcome.damagedBlocks > 0) {
     Warn(outcome.soundRows > 0
-             ? fmt::format("the data are damaged or end early, {} of {} rows are whole",
+             ? fmt::format("the data are damaged or end early, {} of {} rows are complete",
                            outcome.soundRows, layout_.height)
              : fmt::format("{} of {} strips or tiles are damaged", outcome.damagedBlocks,
                            outcome.blocks));

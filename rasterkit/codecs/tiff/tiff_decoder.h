@@ -8,8 +8,8 @@
 namespace rasterkit {
 
 /// Reads the first picture of a TIFF or BigTIFF file that starts at the stream's position; see
-/// docs/formats.md for the kinds. Rows are as stored: the orientation tag is the caller's matter
-/// (`ReadTiffFacts` tells it).
+/// docs/formats.md for the supported kinds. Rows are as stored: the caller applies the orientation
+/// tag (see `ReadTiffFacts`).
 RASTERKIT_EXPORT ImagingFrame DecodeTiff(TStream& stream, const FrameOptions& options = {},
                                          CodecReport* report = nullptr);
 

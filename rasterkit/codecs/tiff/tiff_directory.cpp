@@ -11,9 +11,9 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// Entries of a directory that are looked at; every tag there is has a number below.
-constexpr uint64_t mostEntries = 65536;
-constexpr size_t mostTextBytes = 4096;
+/// Most entries of a directory: tag numbers are 16-bit.
+constexpr uint64_t kMostEntries = 65536;
+constexpr size_t kMostTextBytes = 4096;
 
 enum Type : uint16_t {
   typeByte = 1,
@@ -34,7 +34,7 @@ enum Type : uint16_t {
   typeDirectory8 = 18
 };
 
-/// Bytes of one value; 0 for a type without a meaning.
+/// Bytes of one value; 0 for an unknown type.
 int TypeBytes(uint16_t type) {
   switch (type) {
     case typeByte:
@@ -63,10 +63,10 @@ int TypeBytes(uint16_t type) {
 }
 
 std::string Trimmed(const std::string& text) {
-  constexpr const char* blanks = " \t\r\n";
-  const size_t first = text.find_first_not_of(blanks);
+  constexpr const char* kBlanks = " \t\r\n";
+  const size_t first = text.find_first_not_of(kBlanks);
   if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 }  // namespace
@@ -106,7 +106,7 @@ void TiffDirectory::ReadHeader() {
   isBigEndian_ = bytes[0] == 'M';
   const uint64_t version = Integer(bytes.data() + 2, 2);
   isBig_ = version == 43;
-  if (version != 42 && !isBig_) throw FormatError("TIFF: the header is of no known version");
+  if (version != 42 && !isBig_) throw FormatError("TIFF: the version of the header is unknown");
   if (isBig_ && !ReadAt(0, bytes.data(), 16)) throw FormatError("TIFF: the header is cut off");
   first_ = isBig_ ? Integer(bytes.data() + 8, 8) : Integer(bytes.data() + 4, 4);
 }
@@ -114,7 +114,7 @@ void TiffDirectory::ReadHeader() {
 std::optional<TiffDirectory::Location> TiffDirectory::LocateDirectory(uint64_t offset) const {
   const int countBytes = isBig_ ? 8 : 2;
   const auto count = IntegerAt(offset, countBytes);
-  if (!count || *count > mostEntries) return std::nullopt;
+  if (!count || *count > kMostEntries) return std::nullopt;
   return Location{*count, offset + static_cast<uint64_t>(countBytes)};
 }
 
@@ -181,28 +181,28 @@ std::vector<double> TiffDirectory::Numbers(uint16_t tag, size_t most) const {
 
 std::optional<uint32_t> TiffDirectory::Number(uint16_t tag) const {
   const auto values = Numbers(tag, 1);
-  constexpr double greatest = 4294967295.0;
-  if (values.empty() || !(values[0] >= 0 && values[0] <= greatest)) return std::nullopt;
+  constexpr double kGreatest = 4294967295.0;
+  if (values.empty() || !(values[0] >= 0 && values[0] <= kGreatest)) return std::nullopt;
   return static_cast<uint32_t>(values[0]);
 }
 
 std::string TiffDirectory::Text(uint16_t tag) const {
   const auto found = entries_.find(tag);
   if (found == entries_.end() || TypeBytes(found->second.type) != 1) return {};
-  std::string text(static_cast<size_t>(std::min<uint64_t>(found->second.count, mostTextBytes)),
+  std::string text(static_cast<size_t>(std::min<uint64_t>(found->second.count, kMostTextBytes)),
                    '\0');
   if (!ReadAt(found->second.valuesAt, reinterpret_cast<uint8_t*>(text.data()), text.size()))
     return {};
   return Trimmed(text.substr(0, text.find('\0')));
 }
 
-/// The tag has the lowest number of all, and entries are sorted.
+/// Entries are sorted, and this tag has the lowest number.
 bool TiffDirectory::IsSecondary(const Location& directory) const {
-  constexpr uint64_t tagSubfileType = 254, reducedOrMask = 1 | 4;
-  if (directory.entries == 0 || IntegerAt(directory.at, 2) != tagSubfileType) return false;
+  constexpr uint64_t kTagSubfileType = 254, kReducedOrMask = 1 | 4;
+  if (directory.entries == 0 || IntegerAt(directory.at, 2) != kTagSubfileType) return false;
   const bool isShort = IntegerAt(directory.at + 2, 2) == typeShort;
   const auto kind = IntegerAt(directory.at + (isBig_ ? 12 : 8), isShort ? 2 : 4);
-  return kind && (*kind & reducedOrMask) != 0;
+  return kind && (*kind & kReducedOrMask) != 0;
 }
 
 TiffDirectory::Pages TiffDirectory::CountDirectories(int most) const {

@@ -10,7 +10,7 @@
 
 namespace rasterkit::detail {
 
-/// One entry of a directory; where its values lie is known, they are not read yet.
+/// One entry of a directory: the place of its values, which are not read yet.
 struct TiffEntry {
   uint16_t type = 0;
   uint64_t count = 0;
@@ -18,34 +18,34 @@ struct TiffEntry {
   uint64_t valuesAt = 0;
 };
 
-/// The directories of a TIFF or BigTIFF file as numbers and texts, read without the pixels' codecs:
-/// everything is checked against the size of the file, and nothing larger than what is asked for is
-/// held.
+/// The directories of a TIFF or BigTIFF file as numbers and texts, read without libtiff. All is
+/// checked against the size of the file, and no more than the requested values is kept in
+/// memory.
 class TiffDirectory {
  public:
   /// Reads header and first directory of the file that starts at the stream's position. Throws
-  /// FormatError when there is none.
+  /// FormatError if there is none.
   explicit TiffDirectory(TStream& stream);
 
   bool IsBigTiff() const { return isBig_; }
   bool IsBigEndian() const { return isBigEndian_; }
   bool Has(uint16_t tag) const { return entries_.contains(tag); }
 
-  /// Values of the tag as numbers, at most `most` of them; empty when the tag is absent, of a type
-  /// that holds no numbers, or reaches beyond the end of the file.
+  /// Gives at most `most` values of the tag as numbers; empty if the tag is absent, has a type
+  /// without numbers, or reaches beyond the end of the file.
   std::vector<double> Numbers(uint16_t tag, size_t most) const;
-  /// First value of the tag as a whole number of 0 to 2^32 - 1.
+  /// Gives the first value of the tag as a whole number from 0 to 2^32 - 1.
   std::optional<uint32_t> Number(uint16_t tag) const;
-  /// A tag of bytes as text up to its first zero, at most 4096 bytes of it, without blanks around
+  /// Gives a tag of bytes as text up to its first zero, at most 4096 bytes, without blanks around
   /// it.
   std::string Text(uint16_t tag) const;
 
   struct Pages {
     int all = 0;
-    /// Those that call themselves a smaller copy or the mask of another.
+    /// Those that are marked as a smaller copy or the mask of another one.
     int secondary = 0;
   };
-  /// Directories of the main chain, which may lead in a circle; at most `most`.
+  /// Counts the directories of the main chain, which may be circular; at most `most`.
   Pages CountDirectories(int most) const;
 
  private:

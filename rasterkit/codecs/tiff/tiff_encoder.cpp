@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include <rasterkit/codecs/rows/icc_profile.h>
+#include <rasterkit/codecs/tiff/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/codecs/tiff/tiff_plan.h>
 #include <rasterkit/codecs/tiff/tiff_strips.h>
@@ -12,8 +13,7 @@ namespace {
 using detail::TiffOutput;
 using detail::TiffPlan;
 
-constexpr uint32_t pixelScaleTag = 33550, tiePointTag = 33922;
-constexpr int mostThreads = 64;
+constexpr int kMostThreads = 64;
 
 void SetProfile(TiffOutput& output, const Raster& raster, const TiffPlan& plan) {
   const bool isGray =
@@ -31,16 +31,18 @@ void SetResolution(TiffOutput& output, const Resolution& resolution) {
   output.Set(TIFFTAG_YRESOLUTION, resolution.y);
 }
 
-/// The library does not know the tags of maps; each handle learns them anew.
+/// libtiff does not know the tags of GeoTIFF; each handle must be told.
 void SetGeoTags(TiffOutput& output, const TiffGeoTags& geo) {
-  static constexpr TIFFFieldInfo fields[] = {
-      {pixelScaleTag, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1,
+  static constexpr TIFFFieldInfo kFields[] = {
+      {detail::kPixelScaleTag, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1,
        const_cast<char*>("ModelPixelScaleTag")},
-      {tiePointTag, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1, const_cast<char*>("ModelTiepointTag")},
+      {detail::kTiePointTag, -1, -1, TIFF_DOUBLE, FIELD_CUSTOM, 1, 1,
+       const_cast<char*>("ModelTiepointTag")},
   };
-  TIFFMergeFieldInfo(output.Tiff(), fields, static_cast<uint32_t>(std::size(fields)));
-  output.Set(pixelScaleTag, static_cast<int>(geo.pixelScale.size()), geo.pixelScale.data());
-  output.Set(tiePointTag, static_cast<int>(geo.tiePoint.size()), geo.tiePoint.data());
+  TIFFMergeFieldInfo(output.Tiff(), kFields, static_cast<uint32_t>(std::size(kFields)));
+  output.Set(detail::kPixelScaleTag, static_cast<int>(geo.pixelScale.size()),
+             geo.pixelScale.data());
+  output.Set(detail::kTiePointTag, static_cast<int>(geo.tiePoint.size()), geo.tiePoint.data());
 }
 
 }  // namespace
@@ -53,7 +55,7 @@ void EncodeTiff(const Raster& raster, TStream& stream, const TiffWriteOptions& o
   SetProfile(output, raster, plan);
   SetResolution(output, raster.resolution);
   if (options.geo) SetGeoTags(output, *options.geo);
-  detail::WriteStrips(output, raster, plan, std::clamp(options.threads, 1, mostThreads));
+  detail::WriteStrips(output, raster, plan, std::clamp(options.threads, 1, kMostThreads));
   output.Finish();
 }
 

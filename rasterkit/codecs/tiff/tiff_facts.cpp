@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <tiff.h>
 
+#include <rasterkit/codecs/tiff/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/tiff_directory.h>
 #include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/runtime/errors.h>
@@ -13,20 +14,12 @@ namespace {
 
 using detail::TiffDirectory;
 
-constexpr uint16_t tagPixelScale = 33550;
-constexpr uint16_t tagTiePoints = 33922;
-constexpr uint16_t tagTransformation = 34264;
-constexpr uint16_t tagGeoKeys = 34735;
-constexpr uint16_t tagNoData = 42113;
-constexpr uint16_t keyRasterType = 1025;
-/// From here on keys speak of coordinate systems; below, of the raster.
-constexpr uint16_t keyFirstOfSystem = 2048;
-constexpr int mostPages = 65535;
+constexpr int kMostPages = 65535;
 
-/// Tie points beyond this many are not looked at: a warped picture has some hundreds.
-constexpr size_t mostTiePoints = 4096;
+/// Further tie points are ignored: a warped picture has some hundreds.
+constexpr size_t kMostTiePoints = 4096;
 
-/// The tag's numbers when they come in groups of `group`, else nothing.
+/// Reads a tag whose numbers come in groups of `group`; empty if they do not.
 std::vector<double> Grouped(const TiffDirectory& directory, uint16_t tag, size_t group,
                             size_t most) {
   std::vector<double> values = directory.Numbers(tag, most);
@@ -34,39 +27,39 @@ std::vector<double> Grouped(const TiffDirectory& directory, uint16_t tag, size_t
   return values;
 }
 
-/// Keys are quadruples of id, place of the value (0: here), count and value; the first quadruple
-/// says how many follow.
+/// Keys are quadruples of id, place of the value (0: here), count and value. The first quadruple
+/// holds the number of those that follow.
 void ReadGeoKeys(const TiffDirectory& directory, TiffFacts& facts) {
-  const std::vector<double> keys = directory.Numbers(tagGeoKeys, 4 * 1024);
+  const std::vector<double> keys = directory.Numbers(detail::kGeoKeysTag, 4 * 1024);
   for (size_t i = 4; i + 4 <= keys.size(); i += 4) {
-    if (keys[i] >= keyFirstOfSystem) facts.hasCoordinateSystem = true;
+    if (keys[i] >= detail::kFirstSystemKey) facts.hasCoordinateSystem = true;
     const bool isHere = keys[i + 1] == 0 && keys[i + 2] == 1;
     const bool isKnown = keys[i + 3] == 1 || keys[i + 3] == 2;
-    if (facts.rasterType == 0 && keys[i] == keyRasterType && isHere && isKnown)
+    if (facts.rasterType == 0 && keys[i] == detail::kRasterTypeKey && isHere && isKnown)
       facts.rasterType = static_cast<int>(keys[i + 3]);
   }
 }
 
-std::vector<std::string> MetadataKinds(const TiffDirectory& directory) {
-  struct Kind {
-    const char* name;
+std::vector<MetadataKind> MetadataKinds(const TiffDirectory& directory) {
+  struct TagsOfKind {
+    MetadataKind kind;
     std::vector<uint16_t> tags;
   };
-  const Kind kinds[] = {
-      {"text",
+  const TagsOfKind kinds[] = {
+      {MetadataKind::text,
        {TIFFTAG_DOCUMENTNAME, TIFFTAG_IMAGEDESCRIPTION, TIFFTAG_MAKE, TIFFTAG_MODEL,
         TIFFTAG_PAGENAME, TIFFTAG_SOFTWARE, TIFFTAG_DATETIME, TIFFTAG_ARTIST, TIFFTAG_HOSTCOMPUTER,
         TIFFTAG_COPYRIGHT}},
-      {"xmp", {TIFFTAG_XMLPACKET}},
-      {"iptc", {TIFFTAG_RICHTIFFIPTC, TIFFTAG_PHOTOSHOP}},
-      {"profile", {TIFFTAG_ICCPROFILE}},
-      {"exif", {TIFFTAG_EXIFIFD, TIFFTAG_GPSIFD}},
+      {MetadataKind::xmp, {TIFFTAG_XMLPACKET}},
+      {MetadataKind::iptc, {TIFFTAG_RICHTIFFIPTC, TIFFTAG_PHOTOSHOP}},
+      {MetadataKind::profile, {TIFFTAG_ICCPROFILE}},
+      {MetadataKind::exif, {TIFFTAG_EXIFIFD, TIFFTAG_GPSIFD}},
   };
-  std::vector<std::string> found;
-  for (const Kind& kind : kinds) {
-    if (std::any_of(kind.tags.begin(), kind.tags.end(),
+  std::vector<MetadataKind> found;
+  for (const TagsOfKind& row : kinds) {
+    if (std::any_of(row.tags.begin(), row.tags.end(),
                     [&](uint16_t tag) { return directory.Has(tag); }))
-      found.emplace_back(kind.name);
+      found.push_back(row.kind);
   }
   return found;
 }
@@ -78,7 +71,7 @@ void ReadPixelLayout(const TiffDirectory& directory, TiffFacts& facts) {
   facts.width = directory.Number(TIFFTAG_IMAGEWIDTH).value_or(0);
   facts.height = directory.Number(TIFFTAG_IMAGELENGTH).value_or(0);
   if (facts.width == 0 || facts.height == 0)
-    throw FormatError("TIFF: the first directory tells no size");
+    throw FormatError("TIFF: the first directory has no size");
   facts.bitsPerSample = number(TIFFTAG_BITSPERSAMPLE, 1);
   facts.samples = number(TIFFTAG_SAMPLESPERPIXEL, 1);
   facts.sampleFormat = number(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
@@ -96,14 +89,14 @@ TiffFacts FactsOf(TStream& stream) {
   ReadPixelLayout(directory, facts);
   facts.isBigTiff = directory.IsBigTiff();
   facts.isBigEndian = directory.IsBigEndian();
-  const TiffDirectory::Pages pages = directory.CountDirectories(mostPages);
+  const TiffDirectory::Pages pages = directory.CountDirectories(kMostPages);
   facts.pages = pages.all;
   facts.secondaryPages = pages.secondary;
-  facts.pixelScale = Grouped(directory, tagPixelScale, 3, 3);
-  facts.tiePoints = Grouped(directory, tagTiePoints, 6, 6 * mostTiePoints);
-  facts.transformation = Grouped(directory, tagTransformation, 16, 16);
+  facts.pixelScale = Grouped(directory, detail::kPixelScaleTag, 3, 3);
+  facts.tiePoints = Grouped(directory, detail::kTiePointTag, 6, 6 * kMostTiePoints);
+  facts.transformation = Grouped(directory, detail::kTransformationTag, 16, 16);
   ReadGeoKeys(directory, facts);
-  facts.noData = directory.Text(tagNoData);
+  facts.noData = directory.Text(detail::kNoDataTag);
   facts.metadata = MetadataKinds(directory);
   return facts;
 }

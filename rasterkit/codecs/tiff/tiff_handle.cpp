@@ -14,14 +14,13 @@ namespace rasterkit::detail {
 
 namespace {
 
-constexpr size_t keptTexts = 8;
-constexpr size_t textBytes = 240;
+constexpr size_t kKeptTexts = 8;
+constexpr size_t kTextBytes = 240;
 
-/// Called from within the library, which no exception may pass: a text for which there is no memory
-/// is lost.
+/// Called by the library, through which no exception may pass: if out of memory, the text is lost.
 void Keep(std::vector<std::string>& texts, const char* format, va_list arguments) noexcept try {
-  if (texts.size() >= keptTexts) return;
-  char text[textBytes];
+  if (texts.size() >= kKeptTexts) return;
+  char text[kTextBytes];
   std::vsnprintf(text, sizeof text, format, arguments);
   std::string_view view = text;
   while (view.ends_with('\n') || view.ends_with('.')) view.remove_suffix(1);
@@ -29,7 +28,7 @@ void Keep(std::vector<std::string>& texts, const char* format, va_list arguments
 } catch (const std::bad_alloc&) {
 }
 
-/// Tags that libtiff does not know are no fault of a file: those of GeoTIFF are among them.
+/// Tags that libtiff does not know are no error: those of GeoTIFF are among them.
 bool IsNoise(const char* format) {
   return std::string_view(format).starts_with("Unknown field with tag");
 }
@@ -39,8 +38,8 @@ struct OptionsDeleter {
 };
 
 tmsize_t LargestAllocation() {
-  constexpr auto most = static_cast<uint64_t>(std::numeric_limits<tmsize_t>::max());
-  return static_cast<tmsize_t>(std::min(PictureMemoryLimit(), most));
+  constexpr auto kMost = static_cast<uint64_t>(std::numeric_limits<tmsize_t>::max());
+  return static_cast<tmsize_t>(std::min(PictureMemoryLimit(), kMost));
 }
 
 }  // namespace
@@ -61,8 +60,7 @@ TiffHandle::TiffHandle(TiffSource& source) : source_(source) {
   TIFFOpenOptionsSetErrorHandlerExtR(options.get(), TiffMessages::OnError, &messages_);
   TIFFOpenOptionsSetWarningHandlerExtR(options.get(), TiffMessages::OnWarning, &messages_);
   TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), LargestAllocation());
-  // Without memory mapping and without the library's way of cutting a large strip into small ones:
-  // where the rows lie is our own matter.
+  // Without memory mapping, and without splitting large strips: this room finds the rows itself.
   tiff_ = TIFFClientOpenExt("picture", "rmc", this, OnRead, OnWrite, OnSeek, OnClose, OnSize,
                             nullptr, nullptr, options.get());
   if (tiff_) return;

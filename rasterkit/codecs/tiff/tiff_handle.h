@@ -10,10 +10,10 @@
 
 namespace rasterkit::detail {
 
-/// What libtiff said through one handle. Bounded: a damaged file may complain about every row.
+/// Messages of libtiff for one handle. Bounded: a damaged file can give one for every row.
 class TiffMessages {
  public:
-  /// Texts since the last call, each once.
+  /// The texts since the last call, each once.
   std::vector<std::string> TakeErrors() { return std::exchange(errors_, {}); }
   std::vector<std::string> TakeWarnings() { return std::exchange(warnings_, {}); }
 
@@ -26,12 +26,12 @@ class TiffMessages {
   std::vector<std::string> errors_, warnings_;
 };
 
-/// A libtiff handle over a source, at the first directory of the file. It prints nothing, takes no
-/// single piece of memory beyond the picture memory budget, and is closed on every way out.
+/// A libtiff handle for a source, at the first directory of the file. It prints nothing and
+/// allocates no block above the picture memory limit; the destructor closes it.
 class TiffHandle {
  public:
-  /// Throws FormatError with libtiff's own text when the first directory cannot be read, else what
-  /// the source throws. The source must outlive the handle.
+  /// Throws FormatError with the text of libtiff if the first directory cannot be read, and the
+  /// errors of the source. The source must outlive the handle.
   explicit TiffHandle(TiffSource& source);
   ~TiffHandle();
   TiffHandle(const TiffHandle&) = delete;
@@ -41,7 +41,7 @@ class TiffHandle {
   TiffMessages& Messages() { return messages_; }
   TiffSource& Source() const { return source_; }
 
-  /// The tag's value, or the one that stands for its absence; `T` must be the tag's own type.
+  /// The value of the tag, or its default if it is absent; `T` must be the type of the tag.
   template <typename T>
   T Field(uint32_t tag, T otherwise) const {
     T value{};

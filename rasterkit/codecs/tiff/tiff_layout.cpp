@@ -69,7 +69,7 @@ class LayoutReader {
   void JoinStrips();
 
   bool IsYcbcr() const { return layout_.photometric == PHOTOMETRIC_YCBCR; }
-  /// One sample a pixel lies in each row that is read.
+  /// True if each row that is read has one sample per pixel.
   bool IsAlone() const { return samples_ == 1 || isPlanar_; }
   bool IsUnsigned(int bits) const {
     return layout_.number == TiffNumber::unsignedInteger && layout_.bits == bits;
@@ -87,21 +87,21 @@ class LayoutReader {
     layout_.isConverted = isConverted;
   }
   void Convert(TiffRowKind rows) { SetRows(rows, GUID_WICPixelFormat32bppBGRA, true); }
-  /// The pixels as they are when nothing lies between them, else picked out of their neighbours.
+  /// Direct rows if there are no other samples between the pixels, else picked samples.
   void SetWholeSamples(WICPixelFormat format) {
     SetRows(IsAlone() ? TiffRowKind::same : TiffRowKind::firstSample, format, false);
   }
   void RequireSamples(int count) const {
     if (samples_ < count)
       throw FormatError(
-          fmt::format("TIFF: {} samples a pixel are too few for its kind of colours", samples_));
+          fmt::format("TIFF: {} samples per pixel are too few for this kind of color", samples_));
   }
 
   TiffHandle& handle_;
   TiffLayout layout_;
   int samples_ = 1;
   bool isPlanar_ = false;
-  /// Of the file, before planes are chosen.
+  /// Samples of the file, before planes are chosen.
   std::optional<int> alphaSample_;
 };
 
@@ -121,8 +121,8 @@ void LayoutReader::ReadSamples() {
   if (format == SAMPLEFORMAT_IEEEFP || format == SAMPLEFORMAT_COMPLEXIEEEFP)
     layout_.number = TiffNumber::floating;
   if (isComplex && layout_.bits % 2 == 0) {
-    // The real parts are what can be shown; imaginary ones lie between them.
-    if (isPlanar_) throw UnsupportedError("TIFF: complex numbers in planes are not read");
+    // Only real parts are shown; imaginary parts lie between them.
+    if (isPlanar_) throw UnsupportedError("TIFF: complex numbers in planes are not supported");
     layout_.isComplex = true;
     layout_.bits /= 2;
     samples_ *= 2;
@@ -132,7 +132,7 @@ void LayoutReader::ReadSamples() {
                           ? bits == 16 || bits == 32 || bits == 64
                           : (bits >= 1 && bits <= 32) || bits == 64;
   if (!isRead || samples_ < 1)
-    throw UnsupportedError(fmt::format("TIFF: samples of {} bits are not read", bits));
+    throw UnsupportedError(fmt::format("TIFF: samples of {} bits are not supported", bits));
 }
 
 void LayoutReader::ReadPhotometric() {
@@ -181,7 +181,7 @@ void LayoutReader::ChooseGrayRows() {
     if (isWord) return SetWholeSamples(GUID_WICPixelFormat16bppGray);
     return Convert(bits < 16 ? TiffRowKind::scaled : TiffRowKind::stretched);
   }
-  // Values of a grid, whatever a picture would make of them.
+  // Values of a grid, not colors.
   layout_.isInverted = false;
   if (layout_.number == TiffNumber::signedInteger && isWord)
     return SetWholeSamples(GUID_WICPixelFormat16bppGrayFixedPoint);
@@ -195,7 +195,7 @@ void LayoutReader::ChooseGrayRows() {
 void LayoutReader::ChoosePaletteRows() {
   const int bits = layout_.bits;
   if (bits > 16 || layout_.number == TiffNumber::floating)
-    throw UnsupportedError(fmt::format("TIFF: palette indexes of {} bits are not read", bits));
+    throw UnsupportedError(fmt::format("TIFF: palette indexes of {} bits are not supported", bits));
   layout_.number = TiffNumber::unsignedInteger;
   if (!alphaSample_ && bits == 8) return SetWholeSamples(GUID_WICPixelFormat8bppIndexed);
   if (!alphaSample_ && IsAlone() && bits == 4)
@@ -215,7 +215,8 @@ void LayoutReader::ChooseRgbRows() {
 void LayoutReader::ChooseInkRows() {
   RequireSamples(4);
   if (Field<uint16_t>(TIFFTAG_INKSET, INKSET_CMYK) != INKSET_CMYK)
-    throw UnsupportedError("TIFF: inks other than cyan, magenta, yellow and black are not read");
+    throw UnsupportedError(
+        "TIFF: inks other than cyan, magenta, yellow and black are not supported");
   Convert(TiffRowKind::cmyk);
 }
 
@@ -239,7 +240,7 @@ void LayoutReader::ChooseRows() {
     default:
       break;
   }
-  throw UnsupportedError(fmt::format("TIFF: pixels of the kind {} with {} bits are not read",
+  throw UnsupportedError(fmt::format("TIFF: pixels of the kind {} with {} bits are not supported",
                                      layout_.photometric, layout_.bits));
 }
 
@@ -289,7 +290,7 @@ void LayoutReader::ReadGrid() {
   grid.rowBytes = static_cast<size_t>(rowBytes);
 }
 
-/// Many programs write a strip for every row; the file is read in larger pieces all the same.
+/// Many programs write a strip per row; they are read in larger pieces.
 void LayoutReader::JoinStrips() {
   TiffBlockGrid& grid = layout_.grid;
   if (grid.isTiled || grid.down == 1 || layout_.compression != COMPRESSION_NONE ||
@@ -325,7 +326,7 @@ void PrepareTiff(TiffHandle& handle) {
 TiffLayout ReadTiffLayout(TiffHandle& handle) {
   const int compression = handle.Field<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
   if (!TIFFIsCODECConfigured(static_cast<uint16_t>(compression)))
-    throw UnsupportedError("TIFF: packing by " + TiffCompressionName(compression) + " is not read");
+    throw UnsupportedError("TIFF: " + TiffCompressionName(compression) + " is not supported");
   return LayoutReader(handle).Read();
 }
 

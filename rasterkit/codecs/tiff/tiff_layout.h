@@ -12,17 +12,17 @@ namespace rasterkit::detail {
 
 enum class TiffNumber { unsignedInteger, signedInteger, floating };
 
-/// How the rows of the file become rows of the frame.
+/// How rows of the file are converted to rows of the frame.
 enum class TiffRowKind {
-  /// They are the frame's own, perhaps with all bits inverted.
+  /// They are equal, or all bits are inverted.
   same,
-  /// One sample of several, of 8, 16 or 32 bits, is the frame's pixel.
+  /// One of several samples of 8, 16 or 32 bits is the pixel.
   firstSample,
   /// 8-bit RGB to B G R.
   rgb,
-  /// Whole bytes or words of grey or RGB, with or without alpha, to B G R A.
+  /// Whole bytes or words of gray or RGB, with or without alpha, to B G R A.
   integers,
-  /// Any depth of grey or RGB by the share of full scale, to B G R A.
+  /// Gray or RGB of any depth, scaled to 8 bits, to B G R A.
   scaled,
   /// Palette indexes to B G R A.
   indexed,
@@ -30,52 +30,52 @@ enum class TiffRowKind {
   cmyk,
   /// L* a* b* to B G R A.
   lab,
-  /// Numbers without a natural range: stretched between the least and the greatest one.
+  /// Numbers without a natural range, stretched between the least and the greatest one.
   stretched,
-  /// What only the library's own conversion to RGBA knows.
+  /// Kinds that only libtiff can convert to RGBA.
   library
 };
 
-/// Strips and tiles in one: a grid of blocks, each as the codec packed it.
+/// Strips or tiles: a grid of compressed blocks.
 struct TiffBlockGrid {
   bool isTiled = false;
   uint32_t width = 0, height = 0;
   uint32_t across = 1, down = 1;
-  /// Bytes of one row of one block, of one plane where they are separate.
+  /// Bytes of one row of a block; of one plane if planes are separate.
   size_t rowBytes = 0;
 
   uint32_t PerPlane() const { return across * down; }
 };
 
-/// Where bytes lie in the file.
+/// A range of bytes in the file.
 struct TiffExtent {
   uint64_t offset = 0, count = 0;
 };
 
-/// What the first directory says about its pixels, checked: sizes are not zero and fit together.
+/// The pixel layout of the first directory, checked: sizes are not zero and consistent.
 struct TiffLayout {
   uint32_t width = 0, height = 0;
-  /// Of a sample, or of each part of a complex one.
+  /// Bits of a sample, or of each part of a complex one.
   int bits = 1;
   TiffNumber number = TiffNumber::unsignedInteger;
   bool isComplex = false;
   int compression = 1, photometric = 0;
-  /// Samples of a pixel that carry its colour, the first ones: 1, 3 or 4.
+  /// Number of color samples, which are the first ones of a pixel: 1, 3 or 4.
   int channels = 1;
-  /// Samples from one pixel to the next in the rows that are converted: all of them where they lie
-  /// together, the planes that are read where they are separate.
+  /// Samples from one pixel to the next in the converted rows: all samples if they are interleaved,
+  /// else the planes that are read.
   int pitch = 1;
-  /// Which of those is the alpha channel.
+  /// The index of the alpha channel among those.
   std::optional<int> alphaAt;
-  /// Colours are multiplied by alpha.
+  /// True if colors are premultiplied by alpha.
   bool isAssociated = false;
-  /// The least value is white.
+  /// True if the least value is white.
   bool isInverted = false;
-  /// The planes that are read; a single 0 where samples lie together.
+  /// The planes that are read; a single 0 if samples are interleaved.
   std::vector<uint16_t> planes;
   TiffBlockGrid grid;
-  /// Where the rows of each of the file's planes lie when its strips are not packed and follow each
-  /// other without a gap; the grid then has one block a plane.
+  /// The place of each plane's rows if strips are uncompressed and follow each other without a gap;
+  /// the grid then has one block per plane.
   std::vector<TiffExtent> joinedStrips;
   TiffRowKind rows = TiffRowKind::same;
   WICPixelFormat format = GUID_WICPixelFormat24bppBGR;
@@ -84,17 +84,16 @@ struct TiffLayout {
   int Bytes() const { return bits / 8; }
 };
 
-/// Sets what the library wants to know before anything is read; the same for every handle of a
-/// file.
+/// Configures a handle before anything is read; the same for every handle of a file.
 void PrepareTiff(TiffHandle& handle);
 
-/// Throws FormatError for a directory that makes no sense and UnsupportedError for pixels of a kind
-/// that is not read. The handle is prepared.
+/// Throws FormatError for an invalid directory and UnsupportedError for an unsupported kind of
+/// pixels. The handle must be prepared.
 TiffLayout ReadTiffLayout(TiffHandle& handle);
 
-/// Throws LimitError when the picture, or what decoding needs beside it, exceeds the picture memory
-/// budget, and FormatError when the file is far too small to hold such a picture, before any memory
-/// is taken.
+/// Throws LimitError if the picture, or the memory for decoding it, exceeds the picture memory
+/// limit, and FormatError if the file is far too small to hold such a picture. Allocates
+/// nothing.
 void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout);
 
 }  // namespace rasterkit::detail

@@ -8,16 +8,16 @@ namespace rasterkit::detail {
 
 namespace {
 
-constexpr size_t messageBytes = 1024;
+constexpr size_t kMessageBytes = 1024;
 
-/// libtiff's converter, ended on every way out.
+/// libtiff's converter; the destructor ends it.
 class RgbaImage {
  public:
   explicit RgbaImage(TIFF* tiff) {
-    // The converter delivers the last row first; told that the file begins with the last row, it
-    // leaves the rows as they are.
+    // The converter delivers the last row first. With an orientation that starts with the last row,
+    // it keeps the order.
     TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_BOTLEFT);
-    char message[messageBytes] = "";
+    char message[kMessageBytes] = "";
     const bool isMade =
         TIFFRGBAImageOK(tiff, message) != 0 && TIFFRGBAImageBegin(&image_, tiff, 0, message) != 0;
     if (!isMade) throw UnsupportedError(std::string("TIFF: ") + message);
@@ -58,7 +58,7 @@ TiffOutcome ReadTiffByLibrary(TiffHandle& handle, const TiffLayout& layout,
   outcome.soundRows = layout.height;
   for (uint32_t y = 0; y < layout.height; y += band) {
     const uint32_t rows = std::min(band, layout.height - y);
-    // Rows that the library gives up on stay white.
+    // Rows that the library cannot decode stay white.
     std::memset(pixels.Data(), 0xFF, pixels.Size());
     outcome.blocks++;
     const bool isWhole = image.Read(y, layout.width, rows, words);

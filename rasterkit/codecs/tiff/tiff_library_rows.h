@@ -4,9 +4,9 @@
 
 namespace rasterkit::detail {
 
-/// Reads a picture by libtiff's own conversion to RGBA, a row of strips or tiles at a time: 24-bit
-/// targets B G R, 32-bit ones B G R A. Rows are as stored, whatever the orientation tag says.
-/// Throws UnsupportedError when the library cannot convert such pixels.
+/// Reads a picture by libtiff's own conversion to RGBA, a row of strips or tiles at a time, into
+/// 24-bit B G R or 32-bit B G R A. Rows are as stored, whatever the orientation tag says. Throws
+/// UnsupportedError if the library cannot convert such pixels.
 TiffOutcome ReadTiffByLibrary(TiffHandle& handle, const TiffLayout& layout,
                               const TiffTarget& target);
 

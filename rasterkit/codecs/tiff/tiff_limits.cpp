@@ -12,7 +12,7 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// Below this many bytes a picture may be as empty as it likes: sparse grids and blank pages are.
+/// Pictures up to this many bytes may be empty, as sparse grids and blank pages are.
 uint64_t AlwaysAllowed() {
   return std::min(PictureMemoryLimit(), uint64_t{256} << 20);
 }
@@ -28,12 +28,12 @@ uint64_t Plus(uint64_t a, uint64_t b) {
                                                       : a + b;
 }
 
-/// Bytes that one packed byte can become at most, by the codec's own rules, and twice that, as a
-/// file that was cut off in the middle still shows its first rows.
+/// Most bytes per compressed byte by the rules of the codec, doubled, so that the first half of a
+/// truncated file is shown.
 uint64_t LargestRatio(const TiffLayout& layout) {
   switch (layout.compression) {
     case COMPRESSION_NONE:
-      // Short of that there is next to nothing to show.
+      // With less, there is almost nothing to show.
       return 64;
     case COMPRESSION_PACKBITS:
       return 128;
@@ -55,7 +55,7 @@ uint64_t LargestRatio(const TiffLayout& layout) {
   }
 }
 
-/// Packed bytes that the file has for the picture, as far as it reaches.
+/// Compressed bytes of the picture that are within the file.
 uint64_t PackedBytes(TiffHandle& handle, const TiffLayout& layout) {
   const uint64_t size = handle.Source().Size();
   uint64_t sum = 0;
@@ -78,8 +78,8 @@ uint64_t PackedBytes(TiffHandle& handle, const TiffLayout& layout) {
 void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout) {
   const std::string what =
       fmt::format("TIFF picture of {} x {} pixels", layout.width, layout.height);
-  constexpr uint32_t mostPixels = std::numeric_limits<int>::max();
-  if (layout.width > mostPixels || layout.height > mostPixels)
+  constexpr uint32_t kMostPixels = std::numeric_limits<int>::max();
+  if (layout.width > kMostPixels || layout.height > kMostPixels)
     throw LimitError(what + ": too wide or too high");
   const TiffBlockGrid& grid = layout.grid;
   const uint64_t targetRow = StrideBytes(layout.width, PixelBits(layout.format));
@@ -92,7 +92,7 @@ void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout) {
     need = Plus(need, band);
   } else {
     const uint64_t block = Times(Times(grid.rowBytes, grid.height), layout.planes.size());
-    // Plain rows are read some at a time; packed blocks are unpacked whole.
+    // Uncompressed rows are read in pieces; compressed blocks are unpacked completely.
     if (layout.compression != COMPRESSION_NONE) need = Plus(need, block);
     decoded = std::max(decoded, Times(block, grid.PerPlane()));
   }

@@ -10,7 +10,7 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// 0 to 1 as a whole number of 0 to `full`, halves rounded up.
+/// Scales 0 to 1 to a whole number from 0 to `full`; halves are rounded up.
 int OfFull(double share, int full) {
   return (static_cast<int>(share * (2 * full)) + 1) / 2;
 }
@@ -19,13 +19,13 @@ uint8_t ShareToByte(double share) {
   return static_cast<uint8_t>(OfFull(share, 255));
 }
 
-/// Cuts to 0 to 1; what is no number becomes 0.
+/// Clamps to 0 to 1; NaN becomes 0.
 double Clamp(double share) {
   return share > 0 ? std::min(share, 1.0) : 0.0;
 }
 
-/// Unpacks the samples of a row that matter to doubles, the colours of a pixel first and alpha
-/// behind them, for what a kind of pixels makes of them.
+/// Unpacks the needed samples of a row to doubles: the colors of a pixel, then alpha. Derived
+/// classes convert them.
 class NumberWriter : public TiffRowWriter {
  public:
   explicit NumberWriter(const TiffLayout& layout)
@@ -50,14 +50,14 @@ class NumberWriter : public TiffRowWriter {
   virtual void WritePixels(const double* pixels, size_t width, uint8_t* target) = 0;
 
   size_t Channels() const { return static_cast<size_t>(layout_.channels); }
-  /// Numbers of one pixel.
+  /// Number of doubles per pixel.
   size_t Pitch() const { return pitch_; }
   const TiffLayout& Layout() const { return layout_; }
   double Share(double number) const { return Clamp(number / full_); }
   double Alpha(const double* pixel) const {
     return layout_.alphaAt ? Share(pixel[Channels()]) : 1.0;
   }
-  /// A share of light as a byte, without the alpha that it may be multiplied by.
+  /// Converts a color from 0 to 1 to a byte; divides premultiplied alpha out.
   uint8_t Byte(double share, double alpha) const {
     if (layout_.isAssociated && alpha > 0) share = std::min(share / alpha, 1.0);
     return ShareToByte(share);
@@ -164,7 +164,7 @@ class LabRows : public NumberWriter {
   }
 
  private:
-  /// a* and b* are signed, or begin at -128 where the file says it is meant for ICC's programs.
+  /// a* and b* are signed; in ICC L*a*b* they start at -128.
   void ToPoint(const double* pixel, double* point) const {
     const double unit = Layout().bits == 16 ? 256 : 1;
     point[0] = pixel[0] / (256 * unit - 1) * 100;
@@ -186,7 +186,7 @@ class LabRows : public NumberWriter {
   std::vector<uint8_t> bgr_;
 };
 
-/// Keeps the first number of each pixel for later.
+/// Copies the first number of each pixel, to be stretched later.
 class StretchedRows : public NumberWriter {
  public:
   using NumberWriter::NumberWriter;

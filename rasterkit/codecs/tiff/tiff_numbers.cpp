@@ -9,7 +9,7 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// Goes through the samples of a range that are whole bytes.
+/// Visits the samples of a range that are whole bytes.
 template <typename Read>
 void ForEachSample(const uint8_t* row, size_t bytes, const TiffSampleRange& range, double* numbers,
                    size_t targetStep, const Read& read) {
@@ -31,19 +31,19 @@ double Half(const uint8_t* sample) {
   return HalfToDouble(half);
 }
 
-/// Two's complement of `bits` bits.
+/// Reads two's complement of `bits` bits.
 double Signed(uint32_t value, int bits) {
   const int unused = 32 - bits;
   return static_cast<int32_t>(value << unused) >> unused;
 }
 
 uint32_t Whole24(const uint8_t* sample) {
-  constexpr bool isLowFirst = std::endian::native == std::endian::little;
-  return uint32_t{sample[1]} << 8 | uint32_t{sample[isLowFirst ? 0 : 2]} |
-         uint32_t{sample[isLowFirst ? 2 : 0]} << 16;
+  constexpr bool kIsLowFirst = std::endian::native == std::endian::little;
+  return uint32_t{sample[1]} << 8 | uint32_t{sample[kIsLowFirst ? 0 : 2]} |
+         uint32_t{sample[kIsLowFirst ? 2 : 0]} << 16;
 }
 
-/// `bits` bits from a bit of the row on, the high one first.
+/// Reads `bits` bits from a bit of the row on, the high bit first.
 uint32_t BitsAt(const uint8_t* row, size_t bit, int bits) {
   uint64_t value = 0;
   const size_t end = bit + static_cast<size_t>(bits);

@@ -14,7 +14,7 @@ struct OptionsDeleter {
   void operator()(TIFFOpenOptions* options) const { TIFFOpenOptionsFree(options); }
 };
 
-/// The library takes bytes to be written by a pointer to changeable ones and leaves them alone.
+/// The library takes a non-constant pointer but does not change the bytes.
 void* Changeable(std::span<const uint8_t> bytes) {
   return const_cast<uint8_t*>(bytes.data());
 }
@@ -33,7 +33,7 @@ TiffOutput::TiffOutput(TStream& stream, bool isBig) : stream_(stream), start_(st
 }
 
 TiffOutput::~TiffOutput() {
-  // Closing would write a directory, which an abandoned file must not get.
+  // Closing would write a directory; an incomplete file must not get one.
   isOpen_ = false;
   if (tiff_) TIFFClose(tiff_);
 }
@@ -61,7 +61,7 @@ void TiffOutput::Require(bool isDone) {
   throw FormatError("TIFF: " + (errors.empty() ? "the picture cannot be written" : errors[0]));
 }
 
-/// Called from within the library, which no exception may pass.
+/// Called by the library, through which no exception may pass.
 bool TiffOutput::Write(std::span<const uint8_t> bytes) noexcept {
   if (!isOpen_ || error_) return false;
   try {

@@ -10,8 +10,8 @@
 
 namespace rasterkit::detail {
 
-/// A libtiff handle that writes one picture from the stream's position on, whatever lies there. It
-/// prints nothing and is closed on every way out; only `Finish` makes a file of what was written.
+/// A libtiff handle that writes one picture from the stream's position on. It prints nothing, and
+/// the destructor closes it; only `Finish` makes the file complete.
 class TiffOutput {
  public:
   /// Writes the header. The stream must outlive the handle.
@@ -22,17 +22,17 @@ class TiffOutput {
 
   TIFF* Tiff() const { return tiff_; }
 
-  /// The values as the tag's type wants them; see TIFFSetField.
+  /// Sets a tag; the values must have the type of the tag (see TIFFSetField).
   template <typename... Values>
   void Set(uint32_t tag, Values... values) {
     Require(TIFFSetField(tiff_, tag, values...) == 1);
   }
 
-  /// Packs the rows of a strip and writes them. They stay as they are.
+  /// Compresses the rows of a strip and writes them; does not change them.
   void WriteStrip(uint32_t strip, std::span<const uint8_t> rows);
-  /// Writes a strip's bytes as they are.
+  /// Writes the compressed bytes of a strip.
   void WritePacked(uint32_t strip, std::span<const uint8_t> bytes);
-  /// Writes the directory; the stream is then behind the file.
+  /// Writes the directory; the stream is then at the end of the file.
   void Finish();
 
  private:
@@ -43,7 +43,7 @@ class TiffOutput {
   static int OnClose(thandle_t self);
 
   bool Write(std::span<const uint8_t> bytes) noexcept;
-  /// Throws what the stream threw, else what the library complained about.
+  /// Throws the error of the stream, else that of the library.
   void Require(bool isDone);
 
   TStream& stream_;

@@ -14,14 +14,13 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// Rows that are not packed are read this many bytes at a time, so that they are still near when
-/// they are converted.
-constexpr size_t pieceBytes = 256 << 10;
+/// Bytes per read of uncompressed rows: few enough to stay in the cache until they are converted.
+constexpr size_t kPieceBytes = 256 << 10;
 
-/// Notes that a caller gets to read; every damaged block has its own.
-constexpr size_t mostNotes = 8;
+/// Most messages for the caller; every damaged block can have its own.
+constexpr size_t kMostNotes = 8;
 
-/// A block's place in the picture.
+/// The place of a block in the picture.
 struct Place {
   uint32_t x = 0, y = 0, width = 0, height = 0;
 };
@@ -36,13 +35,13 @@ Place PlaceOf(const TiffLayout& layout, uint32_t position) {
   return place;
 }
 
-/// What was wrong with one block.
+/// The errors of one block.
 struct Fault {
   uint32_t missingRows = 0;
   std::vector<std::string> notes;
 };
 
-/// What all threads share.
+/// State that all threads share.
 struct Job {
   const TiffLayout& layout;
   const TiffColors& colors;
@@ -54,7 +53,7 @@ struct Job {
   std::map<uint32_t, Fault> faults{};
 };
 
-/// Works off blocks, on one thread.
+/// Reads blocks on one thread.
 class BlockWorker {
  public:
   BlockWorker(TiffHandle& handle, Job& job)
@@ -77,7 +76,7 @@ class BlockWorker {
     const auto bits = static_cast<size_t>(job_.target.bitsPerPixel);
     return job_.target.Row(place.y + y) + place.x * bits / 8;
   }
-  /// The rows can be read to where they belong.
+  /// True if rows can be read straight into the target.
   bool IsDirect(const Place& place, uint32_t rows) const {
     return !layout_.grid.isTiled && place.x == 0 && WorksInPlace(layout_) &&
            (rows == 1 || layout_.grid.rowBytes == job_.target.stride);
@@ -87,7 +86,7 @@ class BlockWorker {
   const TiffLayout& layout_;
   TiffBlockReader reader_;
   std::unique_ptr<TiffRowWriter> writer_;
-  /// Rows of each plane, one plane behind the other.
+  /// Rows of each plane, one plane after the other.
   PixelMemory rows_;
   std::vector<const uint8_t*> planes_;
 };
@@ -96,7 +95,7 @@ void BlockWorker::ReadBlock(uint32_t position) {
   const Place place = PlaceOf(layout_, position);
   uint32_t piece = place.height;
   if (reader_.IsPlain()) {
-    const size_t rows = std::max<size_t>(1, pieceBytes / layout_.grid.rowBytes);
+    const size_t rows = std::max<size_t>(1, kPieceBytes / layout_.grid.rowBytes);
     piece = static_cast<uint32_t>(std::min<size_t>(rows, place.height));
   }
   uint32_t y = 0;
@@ -114,7 +113,7 @@ void BlockWorker::ReadBlock(uint32_t position) {
   job_.faults.emplace(position, std::move(fault));
 }
 
-/// Rows of all planes; returns how many every plane has.
+/// Reads the rows of all planes; returns how many every plane has.
 uint32_t BlockWorker::ReadPiece(uint32_t position, const Place& place, uint32_t first,
                                 uint32_t rows) {
   const TiffBlockGrid& grid = layout_.grid;
@@ -160,7 +159,7 @@ void BlockWorker::FillRows(const Place& place, uint32_t y, uint32_t rows) const 
   }
 }
 
-/// No more threads than blocks to share and than the memory budget has room for. Plain rows gain
+/// At most one thread per block, and as many as the memory limit allows. Uncompressed rows gain
 /// nothing from a second thread.
 int UsefulThreads(const TiffLayout& layout, int threads) {
   const TiffBlockGrid& grid = layout.grid;
@@ -179,7 +178,7 @@ TiffOutcome OutcomeOf(const Job& job) {
   uint32_t emptyBlocks = 0;
   for (const auto& [position, fault] : job.faults) {
     for (const std::string& note : fault.notes) {
-      if (outcome.notes.size() < mostNotes &&
+      if (outcome.notes.size() < kMostNotes &&
           std::find(outcome.notes.begin(), outcome.notes.end(), note) == outcome.notes.end())
         outcome.notes.push_back(note);
     }
@@ -211,7 +210,7 @@ TiffOutcome ReadTiffBlocks(TiffHandle& handle, const TiffLayout& layout, const T
     guarded([&] {
       TiffHandle further(handle.Source());
       PrepareTiff(further);
-      // What there is to say about the directory the first handle has said.
+      // The first handle has reported the errors of the directory.
       further.Messages() = {};
       BlockWorker(further, job).Run();
     });

@@ -9,30 +9,30 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// Bytes of rows in a strip: enough to pack well and to write at once, few enough to stay in a
-/// processor's cache and to give several threads something to do.
-constexpr size_t stripBytes = 256 << 10;
+/// Bytes of rows per strip: enough for good compression and large writes, few enough for the cache
+/// and for work on several threads.
+constexpr size_t kStripBytes = 256 << 10;
 
-/// Deflate looks back 32 KiB. In strips of that size a photograph takes two thirds of the time that
-/// it takes in large ones, for the same bytes; a plan takes a third more bytes, and still fewer
-/// than in the strips of 8 KiB that others write.
-constexpr size_t deflateStripBytes = 32 << 10;
+/// Deflate looks back 32 KiB. In strips of that size a photograph takes two thirds of the time of
+/// large strips, for the same size. A plan becomes a third larger, but stays smaller than in the
+/// usual strips of 8 KiB.
+constexpr size_t kDeflateStripBytes = 32 << 10;
 
-/// Level 6 takes a sixth more time for a photograph and half more for a plan, for no and for an
-/// eighth fewer bytes.
-constexpr int deflateLevel = 4;
+/// Level 6 takes a sixth more time for a photograph and saves nothing; for a plan it takes half
+/// more and saves an eighth.
+constexpr int kDeflateLevel = 4;
 
-/// Room for header, tags, palette and profile beside the strips.
-constexpr uint64_t spareBytes = uint64_t{64} << 20;
+/// Bytes for header, tags, palette and profile.
+constexpr uint64_t kSpareBytes = uint64_t{64} << 20;
 
-/// By colours alone: the flags of an entry say nothing of how it looks.
+/// Compares the colors alone: the flags of an entry do not change how it looks.
 bool IsRamp(const HPALETTE& palette, int bits) {
   const HPALETTE ramp = GrayPalette(1 << bits);
   const auto isSame = [](const tagPALETTEENTRY& a, const tagPALETTEENTRY& b) {
     return EntryColor(a) == EntryColor(b);
   };
-  const auto entries = palette.Entries(), greys = ramp.Entries();
-  return std::equal(entries.begin(), entries.end(), greys.begin(), greys.end(), isSame);
+  const auto entries = palette.Entries(), grays = ramp.Entries();
+  return std::equal(entries.begin(), entries.end(), grays.begin(), grays.end(), isSame);
 }
 
 bool IsReversedBlackWhite(const HPALETTE& palette) {
@@ -94,13 +94,14 @@ uint16_t CompressionOf(const TiffPlan& plan, TiffCompression compression) {
     case TiffCompression::packBits:
       return COMPRESSION_PACKBITS;
     case TiffCompression::group4:
-      if (plan.bits != 1) throw FormatError("TIFF: CCITT G4 packs 1-bit pictures only");
+      if (plan.bits != 1) throw FormatError("TIFF: CCITT G4 compresses 1-bit pictures only");
       return COMPRESSION_CCITTFAX4;
   }
   return COMPRESSION_NONE;
 }
 
-/// Neighbours of a palette are no neighbours in colour, so that their difference says nothing.
+/// Differences of palette indexes do not compress better: neighboring indexes have unrelated
+/// colors.
 uint16_t PredictorOf(const TiffPlan& plan) {
   const bool isPacked =
       plan.compression == COMPRESSION_LZW || plan.compression == COMPRESSION_ADOBE_DEFLATE;
@@ -110,20 +111,20 @@ uint16_t PredictorOf(const TiffPlan& plan) {
 
 uint32_t RowsPerStrip(const TiffPlan& plan) {
   const bool isDeflate = plan.compression == COMPRESSION_ADOBE_DEFLATE;
-  const size_t rows = (isDeflate ? deflateStripBytes : stripBytes) / plan.rowBytes;
+  const size_t rows = (isDeflate ? kDeflateStripBytes : kStripBytes) / plan.rowBytes;
   return static_cast<uint32_t>(std::clamp<size_t>(rows, 1, size_t{plan.height}));
 }
 
 }  // namespace
 
 bool NeedsBigTiff(uint64_t rowBytes, uint64_t height, uint16_t compression) {
-  // How far each way of packing can grow rows at worst: LZW has codes of up to 12 bits for a byte,
-  // G4 12 bits for two pixels; the others add a few bytes to a block.
+  // The worst case of each compression: LZW has codes of up to 12 bits per byte, G4 12 bits per two
+  // pixels; the others add a few bytes per block.
   uint64_t growth = 16;
   if (compression == COMPRESSION_LZW) growth = 25;
   if (compression == COMPRESSION_CCITTFAX4) growth = 16 * 6 + 1;
   if (compression == COMPRESSION_PACKBITS || compression == COMPRESSION_ADOBE_DEFLATE) growth = 17;
-  const uint64_t most = (uint64_t{1} << 32) - spareBytes;
+  const uint64_t most = (uint64_t{1} << 32) - kSpareBytes;
   return rowBytes * growth / 16 > most / height;
 }
 
@@ -144,7 +145,7 @@ TiffPlan PlanTiff(const Raster& raster, const TiffWriteOptions& options) {
   plan.predictor = PredictorOf(plan);
   plan.rowBytes = (size_t{plan.width} * plan.bits * plan.samples + 7) / 8;
   plan.rowsPerStrip = RowsPerStrip(plan);
-  if (plan.compression == COMPRESSION_ADOBE_DEFLATE) plan.level = deflateLevel;
+  if (plan.compression == COMPRESSION_ADOBE_DEFLATE) plan.level = kDeflateLevel;
   plan.isBig = NeedsBigTiff(plan.rowBytes, plan.height, plan.compression);
   return plan;
 }

@@ -9,29 +9,29 @@
 
 namespace rasterkit::detail {
 
-/// How the rows of a raster become rows of a TIFF file.
+/// How rows of a raster are converted to rows of a TIFF file.
 enum class TiffRowOrder {
   same,
   /// B G R to R G B.
   rgb,
-  /// B G R and a byte without meaning to R G B.
+  /// B G R and an unused byte to R G B.
   rgbOf32,
   /// B G R A to R G B A.
   rgba
 };
 
-/// What a TIFF file of a raster will hold, numbers as the tags number them.
+/// The content of a TIFF file of a raster, with the numbers of the tags.
 struct TiffPlan {
   uint32_t width = 0, height = 0;
   uint16_t bits = 8, samples = 1;
   uint16_t photometric = 0, compression = 1, predictor = 1;
-  /// How hard Deflate tries, 1 to 9; nothing for other ways to pack.
+  /// Level of Deflate, 1 to 9; nothing for other compressions.
   std::optional<int> level;
   bool hasAlpha = false;
   TiffRowOrder order = TiffRowOrder::same;
   size_t rowBytes = 0;
   uint32_t rowsPerStrip = 1;
-  /// Offsets of 64 bits.
+  /// True for 64-bit offsets.
   bool isBig = false;
   /// All reds, then greens, then blues of a palette file, 16 bits each.
   std::vector<uint16_t> colorMap;
@@ -39,11 +39,10 @@ struct TiffPlan {
   uint32_t Strips() const { return (height + rowsPerStrip - 1) / rowsPerStrip; }
 };
 
-/// Throws FormatError for a raster that a TIFF file cannot hold that way.
+/// Throws FormatError for a raster that cannot be written this way.
 TiffPlan PlanTiff(const Raster& raster, const TiffWriteOptions& options);
 
-/// True when a file of that many bytes of rows, packed that way, could exceed what offsets of 32
-/// bits reach.
+/// True if a file with that many bytes of rows and that compression could exceed 32-bit offsets.
 bool NeedsBigTiff(uint64_t rowBytes, uint64_t height, uint16_t compression);
 
 }  // namespace rasterkit::detail

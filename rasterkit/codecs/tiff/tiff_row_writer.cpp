@@ -11,7 +11,7 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// All bits of `count` bytes inverted, word by word; source and target may be the same.
+/// Inverts all bits of `count` bytes, word by word; source and target may be the same.
 void Invert(const uint8_t* source, size_t count, uint8_t* target) {
   size_t i = 0;
   for (uint64_t word = 0; i + sizeof word <= count; i += sizeof word) {
@@ -92,7 +92,7 @@ class RgbaRows : public TiffRowWriter {
   }
 };
 
-/// A sample as 8 bits: the share of full scale, rounded.
+/// Scales a sample to 8 bits, rounded.
 uint8_t ToByte(uint8_t value) {
   return value;
 }
@@ -100,8 +100,7 @@ uint8_t ToByte(uint16_t value) {
   return static_cast<uint8_t>((value * 255u + 32895u) >> 16);
 }
 
-/// A colour that was multiplied by alpha, as it was before, in 8 bits. Where alpha is 0 nothing can
-/// be undone.
+/// Divides alpha out of a premultiplied 8-bit color. With alpha 0 the color stays.
 template <typename T>
 uint8_t Unmultiplied(T color, T alpha) {
   if (alpha == 0) return ToByte(color);
@@ -116,7 +115,7 @@ T Load(const uint8_t* bytes) {
   return value;
 }
 
-/// Grey or RGB of whole bytes or words, together in one row.
+/// Gray or RGB of whole bytes or words, interleaved in one row.
 template <typename T>
 class IntegerRows : public TiffRowWriter {
  public:
@@ -146,7 +145,7 @@ class IntegerRows : public TiffRowWriter {
   const TiffLayout layout_;
 };
 
-/// Puts the samples of separate planes together for a writer that wants them so.
+/// Interleaves the samples of separate planes for a writer that needs it.
 class JoinedPlanes : public TiffRowWriter {
  public:
   JoinedPlanes(const TiffLayout& layout, std::unique_ptr<TiffRowWriter> writer)

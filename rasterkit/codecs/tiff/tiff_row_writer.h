@@ -10,33 +10,33 @@
 
 namespace rasterkit::detail {
 
-/// Turns rows of samples, unpacked and in the processor's byte order, into rows of the frame.
+/// Converts rows of unpacked samples in the byte order of the processor to rows of the frame.
 class TiffRowWriter {
  public:
   virtual ~TiffRowWriter() = default;
-  /// `planes` has a row for each plane that is read; `width` pixels of the frame are written to
-  /// `target`, which may be the row itself where `WorksInPlace` says so.
+  /// `planes` has one row per plane that is read. Writes `width` pixels of the frame to `target`,
+  /// which may be the row itself if `WorksInPlace` is true.
   virtual void Write(const uint8_t* const* planes, size_t width, uint8_t* target) = 0;
 };
 
-/// What the pixels mean beside their layout; shared by all threads.
+/// The meaning of the pixels; shared by all threads.
 struct TiffColors {
-  /// Of a palette file, one for each index: deep ones have more than a palette holds.
+  /// One color per index of a palette file; deep files have more than a palette can hold.
   std::vector<tagPALETTEENTRY> entries;
-  /// For inks with a profile; else the plain formula.
+  /// For inks with a profile; without it the simple formula is used.
   std::shared_ptr<const InkTransform> inks;
 };
 
-/// Rows of the file are as long as those of the frame and can be written over by them.
+/// True if rows of the file are as long as those of the frame and can be overwritten.
 bool WorksInPlace(const TiffLayout& layout);
 
-/// A writer for one thread. For stretched numbers the frame's pixel is a double.
+/// Makes a writer for one thread. Pixels of stretched numbers are doubles.
 std::unique_ptr<TiffRowWriter> MakeRowWriter(const TiffLayout& layout, const TiffColors& colors);
 
-/// The writers for pixels of unusual depth and of indirect colours.
+/// Make the writers for unusual depths and indirect colors.
 std::unique_ptr<TiffRowWriter> MakeNumberWriter(const TiffLayout& layout, const TiffColors& colors);
 
-/// Rows of separate planes as one row of `pitch` samples a pixel, each `bytes` long.
+/// Rows of separate planes as one row of `pitch` samples per pixel, each `bytes` long.
 void JoinSamples(const uint8_t* const* planes, size_t count, size_t bytes, size_t width,
                  uint8_t* target);
 

@@ -9,8 +9,8 @@
 
 namespace rasterkit::detail {
 
-/// The bytes of a TIFF file within a stream, for several readers at once: one at a time has the
-/// stream.
+/// The bytes of a TIFF file within a stream, for several threads, which use the stream one at a
+/// time.
 class TiffSource {
  public:
   /// The file starts at the stream's position and ends with the stream, which must outlive the
@@ -20,11 +20,11 @@ class TiffSource {
 
   uint64_t Size() const { return size_; }
 
-  /// Reads bytes at an offset of the file; returns how many were there. Throws what the stream
-  /// throws.
+  /// Reads bytes at an offset of the file; returns how many were there. Throws the errors of the
+  /// stream.
   size_t ReadAt(uint64_t offset, std::span<uint8_t> target);
 
-  /// The same for callers that no exception may pass: 0 on an error, which is kept.
+  /// The same for callers that must not throw: 0 on an error, which is kept.
   size_t TryReadAt(uint64_t offset, std::span<uint8_t> target) noexcept;
   /// Throws the first error that was kept.
   void RethrowKept();

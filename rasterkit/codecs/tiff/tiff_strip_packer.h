@@ -10,8 +10,8 @@
 
 namespace rasterkit::detail {
 
-/// Packs strips as a file's own handle would, for one thread: a handle of its own whose file is
-/// never finished, and of which only the strips are kept.
+/// Compresses strips as the handle of a file would, for one thread: has a handle of its own whose
+/// file is never finished, and keeps only the strips.
 class TiffStripPacker {
  public:
   explicit TiffStripPacker(const TiffPlan& plan);
@@ -19,7 +19,7 @@ class TiffStripPacker {
   std::vector<uint8_t> Pack(uint32_t strip, std::span<const uint8_t> rows);
 
  private:
-  /// Keeps what is written, wherever it should go: a strip comes in pieces that follow each other.
+  /// Keeps all bytes that are written: the pieces of a strip follow each other.
   class Bytes : public TStream {
    public:
     size_t Read(std::span<uint8_t>) override { return 0; }

@@ -6,7 +6,7 @@ namespace rasterkit::detail {
 
 std::optional<uint32_t> TiffStripQueue::Next() {
   std::unique_lock lock(mutex_);
-  // The thread with the earliest strip never waits here, so that the others' turn comes.
+  // The thread with the earliest strip never waits here, so that the others can continue.
   hasRoom_.wait(lock, [&] { return isStopped_ || next_ >= strips_ || next_ - written_ < window_; });
   if (isStopped_ || next_ >= strips_) return std::nullopt;
   return next_++;

@@ -11,20 +11,21 @@
 
 namespace rasterkit::detail {
 
-/// Gives strips to several threads and writes what they made of them, in the order of the strips.
+/// Gives strips to several threads and writes their results in the order of the strips.
 class TiffStripQueue {
  public:
-  /// `window`: how many strips may be under way or wait for an earlier one, so that memory stays
-  /// bounded; at least the number of threads.
+  /// `window`: how many strips may be in work or wait for an earlier one, to limit memory; at least
+  /// the number of threads.
   TiffStripQueue(TiffOutput& output, uint32_t strips, uint32_t window)
       : output_(output), strips_(strips), window_(window) {}
 
-  /// The next strip to be packed; waits while too many are. Nothing when all are given out or one
-  /// failed.
+  /// Gives the next strip to compress; waits while too many are in work. Nothing if all are given
+  /// out or one failed.
   std::optional<uint32_t> Next();
-  /// Takes the bytes of a strip and writes all that are due. Throws what the output throws.
+  /// Takes the bytes of a strip and writes all strips that are due. Throws the errors of the
+  /// output.
   void Put(uint32_t strip, std::vector<uint8_t> bytes);
-  /// Ends the work: no further strip is given out.
+  /// Ends the work: gives out no further strip.
   void Stop();
 
  private:

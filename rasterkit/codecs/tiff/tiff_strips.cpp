@@ -13,21 +13,21 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// Strips under way or waiting for an earlier one, for each thread.
-constexpr uint32_t stripsAThread = 4;
+/// Strips in work or waiting for an earlier one, per thread.
+constexpr uint32_t kStripsPerThread = 4;
 
-/// No more threads than strips to share and than the memory budget has room for. Plain rows gain
+/// At most one thread per strip, and as many as the memory limit allows. Uncompressed rows gain
 /// nothing from a second thread.
 int UsefulThreads(const TiffPlan& plan, int threads) {
   if (plan.compression == COMPRESSION_NONE) return 1;
   const uint64_t strip = uint64_t{plan.rowBytes} * plan.rowsPerStrip;
-  const uint64_t affordable = PictureMemoryLimit() / (4 * stripsAThread) / strip;
+  const uint64_t affordable = PictureMemoryLimit() / (4 * kStripsPerThread) / strip;
   const uint64_t most = std::min<uint64_t>(plan.Strips(), std::max<uint64_t>(1, affordable));
   return static_cast<int>(std::min(most, static_cast<uint64_t>(threads)));
 }
 
 void PackOnThreads(TiffOutput& output, const Raster& raster, const TiffPlan& plan, int threads) {
-  TiffStripQueue queue(output, plan.Strips(), stripsAThread * static_cast<uint32_t>(threads));
+  TiffStripQueue queue(output, plan.Strips(), kStripsPerThread * static_cast<uint32_t>(threads));
   const auto work = [&] {
     try {
       TiffStripRows rows(raster, plan);

@@ -15,7 +15,7 @@ class TiffStripRows {
   /// Raster and plan must outlive the object.
   TiffStripRows(const Raster& raster, const TiffPlan& plan) : raster_(raster), plan_(plan) {}
 
-  /// One row behind the other without padding; valid until the next call.
+  /// The rows without padding; valid until the next call.
   std::span<const uint8_t> Strip(uint32_t strip);
 
  private:
@@ -26,13 +26,13 @@ class TiffStripRows {
   PixelMemory rows_;
 };
 
-/// Sets the tags that say how rows are packed; a picture's strips may be packed by several handles.
+/// Sets the tags of the compression, for each handle that compresses strips of the picture.
 void SetStripTags(TiffOutput& output, const TiffPlan& plan);
 
-/// Sets the tags that say what the samples mean, once for each file.
+/// Sets the tags that describe the samples, once per file.
 void SetColorTags(TiffOutput& output, const TiffPlan& plan);
 
-/// Packs and writes all strips, on up to `threads` threads; the bytes do not depend on their
+/// Compresses and writes all strips on up to `threads` threads; the bytes do not depend on their
 /// number.
 void WriteStrips(TiffOutput& output, const Raster& raster, const TiffPlan& plan, int threads);
 

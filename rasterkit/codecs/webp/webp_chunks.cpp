@@ -6,7 +6,7 @@ namespace rasterkit::detail {
 
 namespace {
 
-constexpr size_t fileHeader = 12, chunkHeader = 8, lengthAt = 4;
+constexpr size_t kFileHeader = 12, kChunkHeader = 8, kLengthAt = 4;
 
 uint32_t LittleEndian32(std::span<const uint8_t> bytes) {
   return bytes[0] | uint32_t{bytes[1]} << 8 | uint32_t{bytes[2]} << 16 | uint32_t{bytes[3]} << 24;
@@ -15,16 +15,16 @@ uint32_t LittleEndian32(std::span<const uint8_t> bytes) {
 }  // namespace
 
 WebpChunks::WebpChunks(std::span<const uint8_t> file)
-    : rest_(file.subspan(std::min(fileHeader, file.size()))) {}
+    : rest_(file.subspan(std::min(kFileHeader, file.size()))) {}
 
 bool WebpChunks::Next() {
-  if (rest_.size() < chunkHeader) return false;
-  const size_t length = LittleEndian32(rest_.subspan(lengthAt));
-  name_ = rest_.first(lengthAt);
-  rest_ = rest_.subspan(chunkHeader);
+  if (rest_.size() < kChunkHeader) return false;
+  const size_t length = LittleEndian32(rest_.subspan(kLengthAt));
+  name_ = rest_.first(kLengthAt);
+  rest_ = rest_.subspan(kChunkHeader);
   isWhole_ = length <= rest_.size();
   data_ = rest_.first(std::min(length, rest_.size()));
-  // Chunks begin at even offsets.
+  // Chunks start at even offsets.
   rest_ = rest_.subspan(std::min(data_.size() + length % 2, rest_.size()));
   return true;
 }
@@ -35,8 +35,8 @@ bool WebpChunks::IsNamed(std::string_view name) const {
 }
 
 bool IsWebpCutOff(std::span<const uint8_t> file) {
-  return file.size() < fileHeader ||
-         LittleEndian32(file.subspan(lengthAt)) > file.size() - chunkHeader;
+  return file.size() < kFileHeader ||
+         LittleEndian32(file.subspan(kLengthAt)) > file.size() - kChunkHeader;
 }
 
 }  // namespace rasterkit::detail

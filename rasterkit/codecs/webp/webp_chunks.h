@@ -11,11 +11,11 @@ class WebpChunks {
  public:
   explicit WebpChunks(std::span<const uint8_t> file);
 
-  /// Goes to the next chunk; false when there is none.
+  /// Goes to the next chunk; false if there is none.
   bool Next();
 
   bool IsNamed(std::string_view name) const;
-  /// As much of it as the file holds.
+  /// The part of the data that the file holds.
   std::span<const uint8_t> Data() const { return data_; }
   bool IsWhole() const { return isWhole_; }
 
@@ -24,7 +24,7 @@ class WebpChunks {
   bool isWhole_ = false;
 };
 
-/// True when the file is shorter than it states itself.
+/// True if the file is shorter than its header states.
 bool IsWebpCutOff(std::span<const uint8_t> file);
 
 }  // namespace rasterkit::detail

@@ -19,15 +19,15 @@ namespace {
 
 using Bytes = std::span<const uint8_t>;
 
-/// Below this many bytes an animation's canvas may be as empty as it likes.
-constexpr uint64_t alwaysAllowed = uint64_t{256} << 20;
-/// Beyond that, its first picture covers at least this part of it.
-constexpr uint64_t largestCanvasOverPicture = 64;
+/// Canvases up to this many bytes may be empty.
+constexpr uint64_t kAlwaysAllowed = uint64_t{256} << 20;
+/// The first picture must cover at least one part in this many of a larger canvas.
+constexpr uint64_t kLargestCanvasOverPicture = 64;
 
 [[noreturn]] void ThrowStatus(VP8StatusCode status) {
   switch (status) {
     case VP8_STATUS_OUT_OF_MEMORY:
-      throw LimitError("WebP: not enough memory");
+      throw LimitError("WebP: out of memory");
     case VP8_STATUS_UNSUPPORTED_FEATURE:
       throw UnsupportedError("WebP: the file uses a feature that is not supported");
     case VP8_STATUS_SUSPENDED:
@@ -53,17 +53,17 @@ struct Picture {
   bool hasAlpha = false, isLossless = false;
 
   bool CoversCanvas() const { return width == canvasWidth && height == canvasHeight; }
-  /// What an animation's picture leaves free of its canvas is transparent.
+  /// The rest of an animation's canvas is transparent, so it needs alpha.
   TPixelFormat Format() const { return hasAlpha || !CoversCanvas() ? pf32bit : pf24bit; }
 };
 
-/// Takes what the compressed picture says about itself.
+/// Reads the properties of the compressed picture.
 void TakeFeatures(Picture& picture, const WebPBitstreamFeatures& features) {
-  constexpr int lossless = 2;
+  constexpr int kLossless = 2;
   picture.width = features.width;
   picture.height = features.height;
   picture.hasAlpha = features.has_alpha != 0;
-  picture.isLossless = features.format == lossless;
+  picture.isLossless = features.format == kLossless;
 }
 
 Picture StillPicture(Bytes bytes, const WebPBitstreamFeatures& features) {
@@ -79,19 +79,19 @@ int LittleEndian24(Bytes bytes) {
   return bytes[0] | bytes[1] << 8 | bytes[2] << 16;
 }
 
-/// Of a frame's chunk: place (halved) and size (less one) of its picture, what is of no interest
-/// here, the compressed picture.
+/// Reads a frame chunk: place (halved) and size (minus one) of its picture, ignored fields, the
+/// compressed picture.
 Picture PictureOfFrameChunk(Bytes chunk) {
-  constexpr size_t header = 16;
-  if (chunk.size() < header) ThrowStatus(VP8_STATUS_NOT_ENOUGH_DATA);
+  constexpr size_t kHeader = 16;
+  if (chunk.size() < kHeader) ThrowStatus(VP8_STATUS_NOT_ENOUGH_DATA);
   Picture picture;
   picture.left = 2 * LittleEndian24(chunk);
   picture.top = 2 * LittleEndian24(chunk.subspan(3));
-  picture.data = chunk.subspan(header);
+  picture.data = chunk.subspan(kHeader);
   TakeFeatures(picture, FeaturesOf(picture.data));
   if (picture.width != LittleEndian24(chunk.subspan(6)) + 1 ||
       picture.height != LittleEndian24(chunk.subspan(9)) + 1)
-    throw FormatError("WebP: the animation's first picture has not the size that is stated");
+    throw FormatError("WebP: the animation's first picture does not have its stated size");
   return picture;
 }
 
@@ -118,18 +118,18 @@ uint64_t Area(int width, int height) {
   return static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
 }
 
-/// Refuses what is too large before any memory of that size is taken.
+/// Refuses pictures that are too large before that much memory is allocated.
 void RequirePlausibleSize(const Picture& picture) {
   const std::string what =
       fmt::format("WebP picture of {} x {} pixels", picture.canvasWidth, picture.canvasHeight);
   const uint64_t rows = StrideBytes(picture.canvasWidth, StoredBitsPerPixel(picture.Format())) *
                         static_cast<uint64_t>(picture.canvasHeight);
-  // The library keeps lossless pictures whole, and alpha planes beside their packed form.
+  // The library keeps complete lossless pictures, and alpha planes also in compressed form.
   const uint64_t bytesKept = picture.isLossless ? 4 : picture.hasAlpha ? 2 : 0;
   RequirePictureMemory(rows + bytesKept * Area(picture.width, picture.height), what);
-  if (rows > alwaysAllowed &&
+  if (rows > kAlwaysAllowed &&
       Area(picture.canvasWidth, picture.canvasHeight) / Area(picture.width, picture.height) >
-          largestCanvasOverPicture)
+          kLargestCanvasOverPicture)
     throw FormatError(what + ": the canvas is far too large for its first picture");
 }
 
@@ -138,16 +138,15 @@ struct DecoderEnd {
 };
 
 struct Outcome {
-  /// Rows that are there, from the first one on.
+  /// Number of decoded rows from the top.
   int rows = 0;
   bool isDamaged = false;
 };
 
-/// Decodes into the raster as far as there is something.
+/// Decodes the available rows into the raster.
 Outcome DecodeRows(const Picture& picture, Raster& raster) {
   WebPDecoderConfig config;
-  if (!WebPInitDecoderConfig(&config))
-    throw UnsupportedError("WebP: the library is of another version");
+  if (!WebPInitDecoderConfig(&config)) throw UnsupportedError("WebP: libwebp has another version");
   const bool hasAlpha = raster.Format() == pf32bit;
   const size_t pixelBytes = hasAlpha ? 4 : 3;
   WebPRGBABuffer& target = config.output.u.RGBA;
@@ -158,9 +157,9 @@ Outcome DecodeRows(const Picture& picture, Raster& raster) {
   target.size = raster.Stride() * (static_cast<size_t>(picture.height) - 1) +
                 static_cast<size_t>(picture.width) * pixelBytes;
 
-  // The decoder that takes a file piece by piece is the one that shows the rows which are there.
+  // Only the incremental decoder gives the rows of a truncated file.
   const std::unique_ptr<WebPIDecoder, DecoderEnd> decoder(WebPIDecode(nullptr, 0, &config));
-  if (!decoder) throw LimitError("WebP: not enough memory");
+  if (!decoder) throw LimitError("WebP: out of memory");
   const VP8StatusCode status = WebPIUpdate(decoder.get(), picture.data.data(), picture.data.size());
   if (status == VP8_STATUS_OK) return {picture.height};
   if (status == VP8_STATUS_OUT_OF_MEMORY) ThrowStatus(status);
@@ -177,13 +176,13 @@ ColorProfile ProfileOf(Bytes bytes, CodecReport& report) {
     if (detail::ProfileFits(profile, detail::ProfileSpace::rgb))
       return std::make_shared<const std::vector<uint8_t>>(profile.begin(), profile.end());
     report.warnings.emplace_back(
-        "WebP: the colour profile is broken or of another kind and is left out");
+        "WebP: the color profile is invalid or of another kind and is ignored");
     return nullptr;
   }
   return nullptr;
 }
 
-/// What is free of the canvas is transparent.
+/// Makes the rest of the canvas transparent.
 void ClearCanvas(Raster& raster) {
   for (int y = 0; y < raster.Height(); y++) std::memset(raster.Row(y), 0, raster.RowBytes());
 }

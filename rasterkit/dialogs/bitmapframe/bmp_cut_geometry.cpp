@@ -6,7 +6,7 @@
 namespace rasterkit {
 namespace {
 
-/// How far an axis of the picture must shift so that it is centred, or covers the client area.
+/// Returns the shift of an axis that centers the picture or makes it cover the client area.
 double CenteringShift(double start, double end, double client) {
   const double size = end - start;
   if (size <= client) return (client - size) / 2 - start;
@@ -63,7 +63,7 @@ RDRect BmpCutModel::ToBox(const RDRect& bitmapRect) const {
 RDRect BmpCutModel::ToBitmap(const RDRect& boxRect) const {
   RDRect rect = boxRect;
   rect.Move(-fPaintRect.Left, -fPaintRect.Top);
-  // A box without area shows the picture at factor 0, from where no way leads back.
+  // A box without area shows the picture at factor 0, which has no inverse.
   rect.Scale(fStretchFactor > 0 ? 1 / fStretchFactor : 0);
   return rect;
 }
@@ -95,8 +95,8 @@ EDragObjectType BmpCutModel::GetMouseTarget(int x, int y) const {
 }
 
 bool BmpCutModel::IsUnscaled() const {
-  constexpr double tolerance = 1e-6;
-  return std::abs(fStretchFactor - 1) < tolerance;
+  constexpr double kTolerance = 1e-6;
+  return std::abs(fStretchFactor - 1) < kTolerance;
 }
 
 void BmpCutModel::OnResize() {
@@ -106,10 +106,10 @@ void BmpCutModel::OnResize() {
 }
 
 bool BmpCutModel::MayZoomTo(const RDRect& rect) const {
-  constexpr double smallest = 1, largest = 1 << 27;
+  constexpr double kSmallest = 1, kLargest = 1 << 27;
   const double now = std::max(fPaintRect.Width(), fPaintRect.Height());
   const double then = std::max(rect.Width(), rect.Height());
-  return then > now ? then <= largest : then >= smallest;
+  return then > now ? then <= kLargest : then >= kSmallest;
 }
 
 void BmpCutModel::OnMouseWheel(int wheelDelta, const TPoint& mousePos, bool& handled) {

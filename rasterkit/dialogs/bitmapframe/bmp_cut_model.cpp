@@ -9,18 +9,18 @@
 namespace rasterkit {
 namespace {
 
-/// Both ends of the cut along one axis in whole pixels of a bitmap that ends at `bitmapEnd`. A cut
-/// of less than a pixel is the pixel that its middle lies in.
+/// Returns both ends of the cut along one axis in whole pixels of a bitmap that ends at
+/// `bitmapEnd`. A cut of less than a pixel becomes the pixel that contains its middle.
 std::pair<int, int> WholePixels(int start, int end, double middle, int bitmapEnd) {
   if (end > start) return {start, end};
-  // What lies on the bitmap's very end belongs to the last pixel.
+  // The very end of the bitmap belongs to the last pixel.
   const int pixel = static_cast<int>(std::floor(middle)) - (middle == bitmapEnd ? 1 : 0);
   return {pixel, pixel + 1};
 }
 
 double MiddleOf(double a, double b) {
-  constexpr double limit = 1 << 30;
-  return std::clamp(a + (b - a) / 2, -limit, limit);
+  constexpr double kLimit = 1 << 30;
+  return std::clamp(a + (b - a) / 2, -kLimit, kLimit);
 }
 
 }  // namespace

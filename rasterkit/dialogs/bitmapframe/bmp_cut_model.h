@@ -16,15 +16,15 @@
 
 namespace rasterkit {
 
-/// Whether the left button works the cut rectangle (emGraphic) or reports the point it hits.
+/// Whether the left button edits the cut rectangle (emGraphic) or reports the clicked point.
 enum TEntryMode { emGraphic, emLine, emCoord };
 
 enum class CutButton { left, middle, right };
 
-/// What is held down while the mouse does something.
+/// The buttons and keys that are held during a mouse event.
 struct CutButtons {
   bool left = false, middle = false;
-  /// Another button, or a shift, control or alt key.
+  /// Another button, or Shift, Ctrl or Alt.
   bool others = false;
 };
 
@@ -33,65 +33,66 @@ using TCutNotifyEvent = std::function<void(BmpCutModel& sender)>;
 /// x and y in paint-box pixels.
 using TNotifyBmpRefPointChanged = std::function<void(BmpCutModel& sender, int x, int y)>;
 
-/// The crop tool without its widgets: which part of which bitmap is seen where, the cut rectangle,
-/// and what mouse and keys make of them.
+/// The crop tool without its widgets: the visible part of a bitmap, the cut rectangle, and the
+/// effect of mouse and keys on them.
 ///
-/// Two systems of coordinates, both with y downward: bitmap pixels and paint-box pixels. The
-/// rectangle in one follows from that in the other:
+/// There are two coordinate systems, both with y downward: bitmap pixels and paint-box pixels. The
+/// rectangle in one follows from the rectangle in the other:
 ///
 ///     fCutRect = (fBmpCutRect - top left of fBitmapRect) * fStretchFactor + top left of fPaintRect
 ///
-/// A bitmap without pixels is handled as one that shows nothing; without a bitmap there is no cut.
-/// The bitmap belongs to the caller and must outlive its use here; after changing its pixels call
-/// `SetOrgBitmap` again or repaint. One thread.
+/// A bitmap without pixels shows nothing; without a bitmap there is no cut. The caller owns the
+/// bitmap, which must outlive its use here; after changing its pixels call `SetOrgBitmap` again or
+/// repaint. Not thread-safe.
 class RASTERKIT_EXPORT BmpCutModel {
  public:
   explicit BmpCutModel(CutView& view) : view_(&view) {}
   BmpCutModel(const BmpCutModel&) = delete;
   BmpCutModel& operator=(const BmpCutModel&) = delete;
 
-  /// Shows a bitmap (not owned; null for none), fitted when its size is not that of the one
-  /// before. A cut stays, scaled by the ratio of the widths when the size changed.
+  /// Shows a bitmap (not owned; null for none). It is fitted if its size differs from the previous
+  /// one. A cut stays, scaled by the ratio of the widths if the size changed.
   void SetOrgBitmap(TBitmap* bitmap);
   TBitmap* OrgBitmap() const { return fOrgBitmap; }
-  /// The bitmap goes before the one that follows it is made: until `SetOrgBitmap` nothing is seen,
-  /// which then finds place and cut as the bitmap before left them.
+  /// Releases the bitmap before its successor is made: nothing is shown until `SetOrgBitmap`, which
+  /// then restores the position and the cut.
   void ReleaseBitmap();
-  /// Mirrors the bitmap in place as `SwapBitmap` does. The cut rectangle is mirrored left to right
-  /// in both cases.
+  /// Mirrors the bitmap in place like `SwapBitmap`. The cut rectangle is mirrored left to right in
+  /// both cases.
   void SwapBitmaps(bool horz);
 
-  /// Makes `rect` (bitmap pixels) the cut, as it is; nothing without a bitmap.
+  /// Sets the cut to `rect` (bitmap pixels) without clipping; ignored without a bitmap.
   void SetBmpCutRect(const RDRect& rect);
   const RDRect& BmpCutRect() const { return fBmpCutRect; }
-  /// Ends the cut. Neither repaints nor writes the size label.
+  /// Removes the cut. Neither repaints nor updates the size label.
   void DelCutRect();
   bool GetCutRectExists() const { return fDarkedBmp.has_value(); }
   bool CutRectExists() const { return GetCutRectExists(); }
-  /// A new bitmap of the same pixel format and palette with the pixels of the cut; null without a
-  /// cut, 0 x 0 for a cut that lies outside the bitmap.
+  /// Returns a new bitmap of the same pixel format and palette with the pixels of the cut; null
+  /// without a cut, 0 x 0 if the cut is outside the bitmap.
   std::unique_ptr<TBitmap> GetCutBitmap() const;
   std::unique_ptr<TBitmap> CutBitmap() const { return GetCutBitmap(); }
-  /// The cut in whole bitmap pixels: corners rounded, and where nothing is left along an axis, the
-  /// pixel that the cut lies in. Not clipped.
+  /// Returns the cut in whole bitmap pixels: corners rounded, and at least the pixel that contains
+  /// the cut along each axis. Not clipped.
   TRect CutPixels() const;
-  /// The picture with the outside of the cut darkened, whole; null without a cut.
+  /// Returns the whole picture with the outside of the cut darkened; null without a cut.
   std::unique_ptr<TBitmap> DarkedBmp() const;
   const std::optional<DarkedBitmap>& Darkening() const { return fDarkedBmp; }
 
-  /// Replaces `strings` by lines with width, height and bit depth of the bitmap and, with a cut,
-  /// width, height and memory size of it; none without a bitmap.
+  /// Replaces `strings` by lines with the width, height and bit depth of the bitmap and, with a
+  /// cut, its width, height and memory size; empty without a bitmap.
   void GetInfo(std::vector<std::string>& strings) const;
-  /// Writes the cut (when there is one and it is wanted) or the whole bitmap in the kind that the
-  /// extension says; the size written goes to `BmpWidth` and `BmpHeight`, 0 without a bitmap.
-  /// Before the whole bitmap goes over an existing file, that is renamed: its extension ".ext"
-  /// becomes ".~ext", replacing an older backup. Throws what `SaveWindowsBitmap` throws; the old
-  /// file and the backup are then as they were, and also where the extension has no kind and
-  /// nothing is written.
+  /// Writes the cut (if there is one and `UseCutRect` is set) or the whole bitmap in the format of
+  /// the extension. `BmpWidth` and `BmpHeight` receive the written size, 0 without a bitmap.
+  ///
+  /// Before the whole bitmap replaces an existing file, that file is renamed: its extension ".ext"
+  /// becomes ".~ext", replacing an older backup. Throws the errors of `SaveWindowsBitmap`; the old
+  /// file and the backup are unchanged then, and also if the extension has no format and nothing is
+  /// written.
   void SaveBitmap(const std::string& aBmpName, bool UseCutRect, int& BmpWidth, int& BmpHeight);
 
-  /// Places the bitmap: fitted into the paint box, or at its own size and centred. Nothing without
-  /// a bitmap.
+  /// Positions the bitmap: fitted into the paint box, or centered at its own size. No-op without a
+  /// bitmap.
   void CalculateBmpPaintRect(bool fit);
   void SetFitInOrgBmp(bool fit) { CalculateBmpPaintRect(fit); }
   void CalculateCutRect();
@@ -106,14 +107,14 @@ class RASTERKIT_EXPORT BmpCutModel {
   void MouseMove(const CutButtons& held, int x, int y);
   void MouseUp(CutButton button, int x, int y);
   void MouseLeave();
-  /// The paint box has a new size: the bitmap is fitted again.
+  /// Fits the bitmap again after the paint box changed its size.
   void OnResize();
-  /// Zooms by a step of the wheel about a point in paint-box pixels: in for a delta of 0 and more,
-  /// out below. A step that would leave less than a pixel of the picture, or more than 2^27, is
-  /// not taken. `handled` becomes true.
+  /// Zooms by one step about a point in paint-box pixels: in if the delta is 0 or more, else out.
+  /// Ignored if less than one pixel of the picture or more than 2^27 would remain. Sets `handled`
+  /// to true.
   void OnMouseWheel(int wheelDelta, const TPoint& mousePos, bool& handled);
 
-  /// Moves the picture by paint-box pixels, as far as one likes; false without a picture.
+  /// Moves the picture by paint-box pixels without limits; false without a picture.
   bool PanBy(int dx, int dy);
 
   /// Moves the cut by whole bitmap pixels inside the bitmap; false without a cut.
@@ -121,13 +122,13 @@ class RASTERKIT_EXPORT BmpCutModel {
   /// Moves the right and bottom edge of the cut by whole bitmap pixels, inside the bitmap and down
   /// to one pixel; false without a cut.
   bool ResizeCutRect(int dx, int dy);
-  /// Takes back the last change of the cut, be it drawn, moved, set or removed; false when there is
-  /// none left. A bitmap of another size forgets them all.
+  /// Undoes the last change of the cut (drawn, moved, set or removed); false if there is none. A
+  /// bitmap of another size clears the history.
   bool UndoCutRect();
   bool CanUndo() const { return !history_.IsEmpty(); }
-  /// The cut as it is now is where undoing ends.
+  /// Clears the history: the current cut cannot be undone.
   void ForgetCutHistory() { history_.Forget(); }
-  /// Gives up a drag; the cut is what it was before. False when there is none.
+  /// Cancels a drag and restores the cut of before; false if there is no drag.
   bool CancelDrag();
 
   void SetEntryMode(TEntryMode mode) { FEntryMode = mode; }
@@ -147,21 +148,21 @@ class RASTERKIT_EXPORT BmpCutModel {
   int FrameWidth() const { return fFrameWidth; }
   int MarkWidth() const { return fMarkWidth; }
   double StepSize() const { return fStepSize; }
-  /// Whether the outline of `CutRect` lies over the picture now: during a drag.
+  /// Whether the outline of `CutRect` is drawn over the picture: during a drag.
   bool OutlineIsShown() const { return outlineIsShown_; }
-  /// Whether the picture is drawn pixel by pixel.
+  /// Whether the picture is drawn at its own size.
   bool IsUnscaled() const;
-  /// Changes whenever the bitmap was handed over or changed through this class, so that what was
-  /// made of its pixels can be told to be old.
+  /// Changes whenever the bitmap is set or changed through this class, so that copies of its pixels
+  /// can be recognized as outdated.
   unsigned PictureVersion() const { return pictureVersion_; }
 
-  /// Raised after a drag (or a key) changed the cut.
+  /// Called after a drag or a key changed the cut.
   TCutNotifyEvent OnChanged;
   TNotifyBmpRefPointChanged OnBmpRefPointChanged;
-  /// Raised when the size information changes.
+  /// Called if the size information changes.
   TCutNotifyEvent OnInfoChanged;
-  /// Raised after everything that changed the bitmap, the cut or whether there is one, for whoever
-  /// shows more than the events above tell.
+  /// Called after every change of the bitmap or the cut, for users that need more than the events
+  /// above.
   TCutNotifyEvent OnStateChanged;
 
  private:
@@ -169,7 +170,7 @@ class RASTERKIT_EXPORT BmpCutModel {
   CutHistory::Cut CurrentCut() const;
   RDRect ToBox(const RDRect& bitmapRect) const;
   RDRect ToBitmap(const RDRect& boxRect) const;
-  /// Changes where the bitmap lies; what is being dragged stays on the pixels that it lies on.
+  /// Changes the position of the bitmap; a dragged object stays on its bitmap pixels.
   void ChangePlace(const RDRect& paintRect, double stretchFactor);
   void ForgetBitmap();
   void TakeBitmap(TBitmap& bitmap);
@@ -211,7 +212,7 @@ class RASTERKIT_EXPORT BmpCutModel {
 
   CutView* view_;
   CutHistory history_;
-  /// There was a bitmap, and there will be another one.
+  /// The bitmap was released and another one will follow.
   bool isReleased_ = false;
   bool fitsAnew_ = false;
   bool outlineIsShown_ = false;

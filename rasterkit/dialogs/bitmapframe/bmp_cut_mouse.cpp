@@ -5,7 +5,8 @@
 namespace rasterkit {
 namespace {
 
-/// A new rectangle that is no wider and no higher than this, in paint-box pixels, is a click.
+/// A new rectangle that is no wider and no higher than this, in paint-box pixels, counts as a
+/// click.
 constexpr double kClickSize = 10;
 
 CutCursor CursorOf(EDragObjectType target) {
@@ -73,7 +74,7 @@ void BmpCutModel::MouseMove(const CutButtons& held, int x, int y) {
   if (fDragIsActive) {
     if (fDraggedObject != doNone) DragTo(x, y);
   } else if (held.middle) {
-    // A button that went down during a drag has no place to pan from.
+    // A button that was pressed during a drag has no starting point for panning.
     if (isPanning_) Pan(x, y);
   } else if (!held.left) {
     view_->ShowCursor(FEntryMode == emGraphic ? CursorOf(GetMouseTarget(x, y))
@@ -81,7 +82,7 @@ void BmpCutModel::MouseMove(const CutButtons& held, int x, int y) {
   }
 }
 
-// The painting that follows takes the old outline away and shows the new one.
+// The following repaint removes the old outline and shows the new one.
 void BmpCutModel::DragTo(int x, int y) {
   switch (fDraggedObject) {
     case doMove:
@@ -102,15 +103,15 @@ void BmpCutModel::DragMove(int x, int y) {
   fDragStartPosition = {x, y};
 }
 
-// The edge on the other side of the start keeps what it had, so that a way back over the start
-// leaves the far edge where it was.
+// The edge on the other side of the starting point keeps its value: dragging back over that point
+// leaves the far edge in place.
 void BmpCutModel::DragFrame(int x, int y) {
   (x >= fDragStartPosition.X ? fCutRect.Right : fCutRect.Left) = x;
   (y >= fDragStartPosition.Y ? fCutRect.Bottom : fCutRect.Top) = y;
   fCutRect.Intersect(fPaintRect);
 }
 
-// The smallest size gives way where the picture has no room for it.
+// The minimum size is reduced if the picture has no room for it.
 void BmpCutModel::DragEdges(int x, int y) {
   const double least = 2.0 * fMarkWidth;
   const Edges edges = EdgesOf(fDraggedObject);

@@ -42,7 +42,7 @@ void Rename(const std::string& from, const std::string& to) {
   if (error) throw FileError("cannot be renamed to \"" + to + "\": " + error.message(), from);
 }
 
-/// A file under another name; it gets its own back unless it is to stay there.
+/// A renamed file; it gets its own name back unless the new one is kept.
 class MovedFile {
  public:
   MovedFile(std::string from, std::string to) : from_(std::move(from)), to_(std::move(to)) {
@@ -67,7 +67,7 @@ class MovedFile {
   bool stays_ = false;
 };
 
-/// A short name beside the file that nothing has yet.
+/// Returns a short unused name in the folder of the file.
 std::string FreeNameBeside(const std::string& fileName) {
   std::error_code ignored;
   for (int i = 0;; ++i) {
@@ -130,7 +130,7 @@ void BmpCutModel::SaveBitmap(const std::string& aBmpName, bool UseCutRect, int& 
   BmpHeight = height;
 }
 
-// An older backup steps aside too: where nothing is written both files have their names back.
+// An older backup is renamed too: if nothing is written, both files get their names back.
 void BmpCutModel::SaveWhole(const std::string& fileName) const {
   const auto save = [&] { SaveWindowsBitmap(*fOrgBitmap, 0, kQuality, fileName); };
   if (!IsRegularFile(fileName)) return save();

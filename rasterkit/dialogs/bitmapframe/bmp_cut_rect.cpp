@@ -21,10 +21,10 @@ namespace rasterkit {
 namespace {
 
 constexpr int kOutlineColor = 0x808080;
-/// A pause this long in milliseconds, and the picture is smoothed in slices of so many.
+/// Pause in milliseconds before the picture is smoothed, and length of a smoothing slice.
 constexpr int kPauseBeforeRefining = 120, kRefiningSlice = 8;
 constexpr int kRowsAtATime = 2;
-/// What an arrow key pans, in pixels of the box.
+/// Step of an arrow key when panning, in pixels of the box.
 constexpr int kPanStep = 20;
 
 QRect QtRect(const TRect& rect) {
@@ -53,7 +53,7 @@ Qt::CursorShape ShapeOf(CutCursor cursor) {
   return Qt::ArrowCursor;
 }
 
-/// The button that an event is about; the model knows only three.
+/// Returns the button of an event; the model has only three.
 CutButton ButtonOf(const QMouseEvent& event) {
   if (event.button() == Qt::LeftButton) return CutButton::left;
   return event.button() == Qt::MiddleButton ? CutButton::middle : CutButton::right;
@@ -67,7 +67,7 @@ CutButtons HeldIn(const QMouseEvent& event) {
           others != 0 || keys != 0};
 }
 
-/// One step in the direction of an arrow key; nothing for other keys.
+/// Returns one step in the direction of an arrow key; nothing for other keys.
 std::optional<TPoint> ArrowOf(int key) {
   switch (key) {
     case Qt::Key_Left:
@@ -124,14 +124,14 @@ void TBmpCutRect::OnResize(TPaintBox&) {
 }
 
 void TBmpCutRect::OnMouseWheel(TPaintBox&, QWheelEvent& event) {
-  constexpr int notch = QWheelEvent::DefaultDeltasPerStep;
-  // Turning back starts at once, whatever was summed up.
+  constexpr int kNotch = QWheelEvent::DefaultDeltasPerStep;
+  // A change of direction discards the sum of before.
   const int delta = event.angleDelta().y();
   if ((delta < 0) != (wheelDelta_ < 0)) wheelDelta_ = 0;
   wheelDelta_ += delta;
   const QPoint point = event.position().toPoint();
   bool handled = true;
-  for (; std::abs(wheelDelta_) >= notch; wheelDelta_ -= wheelDelta_ > 0 ? notch : -notch)
+  for (; std::abs(wheelDelta_) >= kNotch; wheelDelta_ -= wheelDelta_ > 0 ? kNotch : -kNotch)
     OnMouseWheel(wheelDelta_, {point.x(), point.y()}, handled);
   event.setAccepted(handled);
 }
@@ -167,7 +167,7 @@ TRect TBmpCutRect::ClientRect() const {
   return fPaintBox == nullptr ? TRect{} : TRect{0, 0, fPaintBox->width(), fPaintBox->height()};
 }
 
-// What is being smoothed may be another picture soon.
+// The smoothed picture may be outdated.
 void TBmpCutRect::Repaint() {
   refineTimer_.stop();
   if (fPaintBox != nullptr) fPaintBox->update();
@@ -191,7 +191,7 @@ void TBmpCutRect::Paint(TPaintBox& box, QPainter& painter) {
   if (FSavePaint) FSavePaint(box, painter);
 }
 
-/// In words what was just painted; while the mouse drags, its steps would only be noise.
+/// Describes what was painted; not during a drag, whose steps would be too many.
 void TBmpCutRect::TellReaders() {
   if (DragIsActive() || fPaintBox == nullptr) return;
   if (!GetCutRectExists()) return fPaintBox->SetContentText(ResourceText(rsNoCutForReaders));
@@ -214,7 +214,7 @@ void TBmpCutRect::DrawPicture(QPainter& painter) {
   if (!isBusy && pictureView_.NeedsRefining()) refineTimer_.start(kPauseBeforeRefining);
 }
 
-// Everything in pixels of the device, so that a screen of high density shows all of them.
+// All values are in device pixels, so that a high-density screen shows all of them.
 PictureView::Window TBmpCutRect::WindowFor(const QPainter& painter) const {
   const double scale = painter.device()->devicePixelRatioF();
   RDRect place = PaintRect();

@@ -16,16 +16,16 @@ class QWheelEvent;
 namespace rasterkit {
 
 /// The crop tool: turns a paint box and a size label into a viewer for one bitmap with a cut
-/// rectangle. The base class says what it shows and does; this one paints it and hands it the
-/// mouse.
+/// rectangle. The base class defines what is shown and what happens; this class paints it and
+/// forwards the mouse.
 ///
-/// It owns neither box nor label (there may be no label) and takes over the box's mouse and paint
-/// handlers as long as it lives; the paint handler that was there is called after its own painting.
-/// Resizing, wheel and keys belong to the owner, who forwards them to the three handlers below.
+/// It does not own the box or the label (the label may be null). While it lives it replaces the
+/// mouse and paint handlers of the box; the previous paint handler is called after its own
+/// painting. The owner forwards resizing, wheel and keys to the three handlers below.
 ///
-/// Painting costs what the box's pixels cost, however large the bitmap is: what is seen of it is
-/// kept (8 bytes for each device pixel of the box) and, where it is shrunk, smoothed while nothing
-/// else is to be done.
+/// The cost of painting depends on the pixels of the box, not on the size of the bitmap: the
+/// visible part is kept (8 bytes per device pixel of the box) and smoothed when idle if it is
+/// shrunk.
 class RASTERKIT_EXPORT TBmpCutRect final : private CutView, public BmpCutModel {
  public:
   TBmpCutRect(TPaintBox* paintBox, QLabel* sizeLabel);
@@ -34,17 +34,16 @@ class RASTERKIT_EXPORT TBmpCutRect final : private CutView, public BmpCutModel {
   using BmpCutModel::OnMouseWheel;
   using BmpCutModel::OnResize;
   void OnResize(TPaintBox& sender);
-  /// A notch of the wheel is a step; finer wheels and touch pads are summed up to one.
+  /// One notch of the wheel is one step; the deltas of finer wheels and touch pads are added up.
   void OnMouseWheel(TPaintBox& sender, QWheelEvent& event);
-  /// Arrows move the cut by a pixel of the bitmap, with Shift by 10, and with Ctrl they move its
-  /// right and bottom edge instead; Ctrl+Z takes back the last change of the cut. Plus and minus
-  /// zoom about the middle of the box, arrows with Alt show what lies beyond its edge. Other keys
-  /// are ignored.
+  /// Arrows move the cut by one bitmap pixel, with Shift by 10; with Ctrl they move its right and
+  /// bottom edge. Ctrl+Z undoes the last change of the cut. Plus and minus zoom about the center of
+  /// the box, arrows with Alt pan. Other keys are ignored.
   void OnKeyDown(TPaintBox& sender, QKeyEvent& event);
 
   /// Fills the handles and draws the frame of the cut.
   void DrawCutArea(QPainter& painter) const;
-  /// Draws the outline of the cut by exclusive or: drawing it twice restores the picture.
+  /// Draws the outline of the cut with exclusive or: drawing it twice restores the picture.
   void DrawCutRectXor(QPainter& painter) const;
 
  private:

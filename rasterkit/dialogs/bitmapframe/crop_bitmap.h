@@ -7,14 +7,15 @@ namespace rasterkit {
 
 class TBitmap;
 
-/// Lets the user choose a part of the bitmap in a modal window with the crop tool. It begins with
-/// `rect` (bitmap pixels; the whole bitmap where it is empty or lies outside). True when the user
-/// confirmed: `rect` is then the part chosen, inside the bitmap, the whole of it where no rectangle
-/// was drawn. Else `rect` stays as it was. The bitmap's pixels are not changed. Throws Error when
-/// no window can be shown.
+/// Lets the user choose a part of the bitmap in a modal window with the crop tool. It starts with
+/// `rect` (bitmap pixels; the whole bitmap if it is empty or outside). Returns true if the user
+/// confirmed: `rect` is the chosen part then, inside the bitmap, or the whole bitmap if no
+/// rectangle was drawn. Otherwise `rect` does not change. The pixels of the bitmap do not change.
+/// Throws Error if no window can be shown.
 RASTERKIT_EXPORT bool ChooseCropRect(TBitmap& bitmap, TRect& rect);
 
-/// The same, and a confirmed part becomes the bitmap: same pixel format and palette.
+/// Like ChooseCropRect; in addition, a confirmed part replaces the bitmap with the same pixel
+/// format and palette.
 RASTERKIT_EXPORT bool CropBitmap(TBitmap& bitmap, TRect& rect);
 
 }  // namespace rasterkit

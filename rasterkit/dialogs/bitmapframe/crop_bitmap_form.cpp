@@ -12,7 +12,7 @@ namespace rasterkit {
 TFormCropBitmap::TFormCropBitmap(TBitmap& bitmap, const TRect& start, QWidget* parent)
     : TScaledForm(parent), ui_(std::make_unique<Ui::FormCropBitmap>()) {
   SetUpForm(*ui_);
-  // The tool leaves this handler its turn, so the frame lies over the picture.
+  // The tool calls this handler after its own painting, so the frame is over the picture.
   ui_->PaintBox->OnPaint = [](TPaintBox& box, QPainter& painter) { box.PaintFocus(painter); };
   fBmpCutRect = std::make_unique<TBmpCutRect>(ui_->PaintBox, ui_->LabelSizeValue);
   ConnectControls();
@@ -88,7 +88,7 @@ void TFormCropBitmap::SpEdChange() {
   fBmpCutRect->SetBmpCutRect(RDRect(rect));
 }
 
-// The tool itself leaves the size text alone when a cut ends.
+// The tool itself does not update the size text when a cut ends.
 void TFormCropBitmap::ShowState() {
   fBmpCutRect->ShowCutBmpSize();
   ui_->SpeedButtonWhole->setEnabled(fBmpCutRect->GetCutRectExists());
@@ -110,7 +110,7 @@ void TFormCropBitmap::ShowNumbers() {
   ui_->SpEdHeight->setValue(numbers.height);
 }
 
-// Keys that the control with the focus has no use for.
+// Keys that the focused control does not use.
 void TFormCropBitmap::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape && fBmpCutRect->CancelDrag()) return;
   if (event->key() == Qt::Key_Delete) return SpeedButtonWholeClick();

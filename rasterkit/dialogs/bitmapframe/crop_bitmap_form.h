@@ -18,11 +18,11 @@ class TFormCropBitmap : public TScaledForm {
   Q_OBJECT
 
  public:
-  /// Begins with `start` as the cut, in bitmap pixels, where that holds any pixel.
+  /// Starts with `start` as the cut, in bitmap pixels, if it contains any pixel.
   TFormCropBitmap(TBitmap& bitmap, const TRect& start, QWidget* parent = nullptr);
   ~TFormCropBitmap() override;
 
-  /// What is to stay of the bitmap: the cut, or the whole.
+  /// Returns the part of the bitmap to keep: the cut, or the whole bitmap.
   TRect ChosenRect() const { return CropNumbersOf(*fBmpCutRect).Rect(); }
   TBmpCutRect& Tool() { return *fBmpCutRect; }
 
@@ -30,7 +30,7 @@ class TFormCropBitmap : public TScaledForm {
   void SpeedButtonOrgSizeClick();
   void SpeedButtonUndoClick();
   void SpeedButtonWholeClick();
-  /// One of the four numbers is another one.
+  /// Called if one of the four numbers changed.
   void SpEdChange();
 
  protected:

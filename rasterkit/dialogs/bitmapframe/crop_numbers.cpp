@@ -5,7 +5,7 @@
 namespace rasterkit {
 namespace {
 
-/// One axis: a start and a length inside [0, end).
+/// Limits a start and a length along one axis to [0, end).
 void Limit(int& start, int& length, int end) {
   start = std::clamp(start, 0, std::max(end - 1, 0));
   length = std::clamp(length, std::min(1, end), end - start);

@@ -12,11 +12,11 @@ struct CropNumbers {
   friend bool operator==(const CropNumbers&, const CropNumbers&) = default;
 };
 
-/// The part of the cut that lies in the bitmap; the whole bitmap where there is no cut.
+/// Returns the part of the cut inside the bitmap; the whole bitmap if there is no cut.
 CropNumbers CropNumbersOf(const BmpCutModel& model);
 
-/// The nearest rectangle of at least one pixel that lies in the bitmap: left and top stay where
-/// they can, the size gives way. Nothing of a bitmap without pixels.
+/// Returns the nearest rectangle of at least one pixel inside the bitmap: left and top stay if
+/// possible, the size shrinks. Empty if the bitmap has no pixels.
 CropNumbers InsideBitmap(const CropNumbers& wanted, const TRect& bitmapRect);
 
 }  // namespace rasterkit

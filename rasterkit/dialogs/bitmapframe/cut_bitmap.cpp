@@ -12,7 +12,7 @@ std::unique_ptr<TBitmap> CutBitmapTo(const TBitmap& bitmap, const TRect& rect) {
   const bool isInside = part.left < part.right && part.top < part.bottom;
   auto cut = std::make_unique<TBitmap>(CutOut(bitmap.Content(), isInside ? part : PixelRect{}));
   cut->AssignTransparency(bitmap);
-  // An automatic transparent colour would follow another corner pixel.
+  // An automatic transparent color would be taken from another corner pixel.
   if (bitmap.Transparent()) cut->SetTransparentColor(bitmap.TransparentColor());
   return cut;
 }

@@ -7,8 +7,8 @@
 
 namespace rasterkit {
 
-/// A new bitmap with the part of `bitmap` that lies in `rect`: same pixel format and palette, and
-/// the transparent colour stays the colour that it was. 0 x 0 where they do not meet.
+/// Returns a new bitmap with the part of `bitmap` inside `rect`: same pixel format, palette and
+/// transparent color. 0 x 0 if they do not intersect.
 std::unique_ptr<TBitmap> CutBitmapTo(const TBitmap& bitmap, const TRect& rect);
 
 }  // namespace rasterkit

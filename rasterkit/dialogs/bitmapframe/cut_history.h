@@ -8,13 +8,13 @@
 
 namespace rasterkit {
 
-/// The cuts that were, for undoing: the rectangle in bitmap pixels, or nothing for "no cut". Keeps
-/// the last 256.
+/// The undo history of the cut: rectangles in bitmap pixels, or nothing for "no cut". Keeps the
+/// last 256.
 class CutHistory {
  public:
   using Cut = std::optional<RDRect>;
 
-  /// Remembers `before` when it differs from `after` by more than rounding.
+  /// Stores `before` if it differs from `after` by more than rounding.
   void Note(const Cut& before, const Cut& after) {
     const bool isSame = before && after ? AlmostEqual(*before, *after, kRounding)
                                         : before.has_value() == after.has_value();
@@ -22,7 +22,7 @@ class CutHistory {
     if (cuts_.size() == kMost) cuts_.erase(cuts_.begin());
     cuts_.push_back(before);
   }
-  /// The last one, which is then forgotten; nothing when there is none.
+  /// Returns and removes the last entry; nothing if there is none.
   std::optional<Cut> Take() {
     if (cuts_.empty()) return std::nullopt;
     const Cut last = cuts_.back();

@@ -7,7 +7,7 @@ namespace rasterkit {
 std::vector<TRect> OutlineStrips(const TRect& rect, int width, const TRect& client) {
   const int before = width / 2, after = width - before;
   const TRect outer{rect.Left - before, rect.Top - before, rect.Right + after, rect.Bottom + after};
-  // Where the sides meet there is nothing inside.
+  // Empty if the sides meet.
   const int innerLeft = rect.Left + after, innerTop = rect.Top + after;
   const int innerRight = std::max(rect.Right - before, innerLeft);
   const int innerBottom = std::max(rect.Bottom - before, innerTop);

@@ -6,9 +6,9 @@
 
 namespace rasterkit {
 
-/// The line of `width` pixels through the corners of `rect` and back to the first, as rectangles
-/// that do not overlap, so that exclusive or meets each pixel once; clipped to `client`. Empty
-/// rectangles are left out.
+/// Returns the outline of `rect` with lines of `width` pixels through its corners, as rectangles
+/// that do not overlap, so that exclusive or inverts each pixel once. Clipped to `client`; empty
+/// rectangles are omitted.
 std::vector<TRect> OutlineStrips(const TRect& rect, int width, const TRect& client);
 
 }  // namespace rasterkit

@@ -6,7 +6,7 @@
 
 namespace rasterkit {
 
-/// What the mouse cursor tells about what a press would grab.
+/// The mouse cursor, which shows what a press would grab.
 enum class CutCursor {
   standard,
   sizeAll,
@@ -18,15 +18,15 @@ enum class CutCursor {
   pan
 };
 
-/// What the crop tool needs of whoever shows it. Nothing here may throw.
+/// What the crop tool needs from its widgets. The functions must not throw.
 class CutView {
  public:
-  /// The paint box's drawing area: (0, 0, width, height) in paint-box pixels.
+  /// Returns the drawing area of the paint box: (0, 0, width, height) in paint-box pixels.
   virtual TRect ClientRect() const = 0;
-  /// Asks for a new painting, soon.
+  /// Schedules a repaint.
   virtual void Repaint() = 0;
   virtual void ShowCursor(CutCursor cursor) = 0;
-  /// Puts the text into the size label, where there is one.
+  /// Shows the text in the size label, if there is one.
   virtual void ShowSizeText(const std::string& text) = 0;
 
  protected:

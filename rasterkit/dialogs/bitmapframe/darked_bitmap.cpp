@@ -27,7 +27,7 @@ bool DarkedBitmap::IsLit(int x, int y) const {
   return x >= lit_.Left && x < lit_.Right && IsLitRow(y);
 }
 
-// The last row and the last column stay when the rest is mirrored.
+// The last row and the last column stay in place when the rest is mirrored.
 int DarkedBitmap::RowKind(int y) const {
   const bool moves = y < height_ - 1;
   const int mirroredY = moves && mirroredTopBottom_ ? height_ - 2 - y : y;

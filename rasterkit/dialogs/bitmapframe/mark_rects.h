@@ -6,7 +6,7 @@
 
 namespace rasterkit {
 
-/// What the mouse grabs. The order is established.
+/// The object that the mouse grabs. The numeric order is part of the interface.
 enum EDragObjectType {
   doNone,
   doMove,
@@ -27,18 +27,19 @@ struct RMarkRect {
   TRect RectData;
 };
 
-/// The twelve handles of a rectangle, in the order in which the mouse tries them:
+/// Returns the twelve handles of a rectangle in the order in which the mouse checks them:
 ///
 ///     +--+           +--+     a corner has two, along its edges, inside the rectangle: `side`
 ///     |     +---+       |     long and half as thick
 ///     +     |   |       +
-///           +---+             an edge has one square, its centre on the middle of the edge
+///           +---+             an edge has one square, centered on the middle of the edge
 ///
-/// Edges left, top, right, bottom come first, then the corners left-top, right-top, left-bottom and
-/// right-bottom. `side` is in pixels, at least 1.
+/// The edges left, top, right, bottom come first, then the corners left-top, right-top, left-bottom
+/// and right-bottom. `side` is in pixels, at least 1.
 std::vector<RMarkRect> MakeMarkRects(const TRect& rect, int side);
 
-/// The type of the first handle that holds the point, its borders included; doNone when none does.
+/// Returns the type of the first handle that contains the point, borders included; doNone if there
+/// is none.
 EDragObjectType MarkAt(const std::vector<RMarkRect>& marks, int x, int y);
 
 }  // namespace rasterkit

@@ -5,7 +5,7 @@
 namespace rasterkit {
 namespace {
 
-/// The decimal mark is the one of the texts, whatever the process's locale says.
+/// With the decimal mark of the texts, independent of the locale of the process.
 std::string Fixed(double value, int decimals) {
   const int64_t scale = decimals == 2 ? 100 : 1;
   const int64_t scaled = Round(value * static_cast<double>(scale));

@@ -18,20 +18,20 @@ bool SameWindow(const PictureView::Window& a, const PictureView::Window& b) {
          SameRect(a.place, b.place);
 }
 
-/// The part of the place that is seen.
+/// Returns the visible part of the place.
 TRect Seen(const PictureView::Window& window) {
   return {std::max(window.place.Left, 0), std::max(window.place.Top, 0),
           std::min(window.place.Right, window.width), std::min(window.place.Bottom, window.height)};
 }
 
-/// Along one axis, the source pixel under the centre of window pixel `i`: the same rule by which
+/// Returns the source pixel under the center of window pixel `i` along one axis: the rule by which
 /// canvases stretch.
 int SourceUnder(int i, int start, int end, int sourceSize) {
   const int64_t length = int64_t{end} - start;
   return static_cast<int>((2 * (int64_t{i} - start) + 1) * sourceSize / (2 * length));
 }
 
-/// Half of each colour channel; alpha stays.
+/// Halves each color channel; alpha stays.
 uint32_t Halved(uint32_t pixel) {
   return ((pixel >> 1) & 0x007F7F7F) | (pixel & 0xFF000000);
 }
@@ -68,7 +68,7 @@ void PictureView::Draw() {
   isDrawn_ = true;
 }
 
-// FNV-1a over a grid of the pixels that are seen.
+// FNV-1a over a grid of the visible pixels.
 uint64_t PictureView::SampleDigest() const {
   uint64_t digest = 14695981039346656037u;
   const auto add = [&](uint64_t value) { digest = (digest ^ value) * 1099511628211u; };

@@ -10,39 +10,37 @@
 
 namespace rasterkit {
 
-/// What is seen of a picture of any size through a window, kept so that painting it again costs no
-/// more than the window's pixels.
+/// The visible part of a picture of any size in a window, kept so that painting it again costs only
+/// the window's pixels.
 ///
-/// A first view takes the nearest pixel of the picture for each pixel of the window: its time
-/// depends on the window alone. `RefineRows` then replaces rows by the average of what they cover,
-/// where the picture is shrunk and has no transparency. Memory: 8 bytes for each pixel of the
-/// window.
+/// The first version takes the nearest picture pixel for each window pixel: its time depends only
+/// on the window. `RefineRows` then replaces rows by averages if the picture is shrunk and has no
+/// transparency. Memory: 8 bytes per pixel of the window.
 class RASTERKIT_EXPORT PictureView {
  public:
   /// All in pixels of the window.
   struct Window {
     int width = 0, height = 0;
-    /// Where the whole picture lies; may reach beyond the window as far as 2^29.
+    /// Position of the whole picture; may reach up to 2^29 beyond the window.
     TRect place;
     /// Shown beside the picture and through its transparent pixels.
     TColor background = 0;
   };
 
-  /// Makes the view anew where the window, the picture or its `version` is another one, and also
-  /// when the picture's pixels were changed behind its back as far as a sample of those that are
-  /// seen tells. `picture` may be null.
+  /// Rebuilds the view if the window, the picture or its `version` changed, or if a sample of the
+  /// visible pixels differs. `picture` may be null.
   void Show(const TBitmap* picture, unsigned version, const Window& window);
-  /// Whether there are rows that `RefineRows` would change.
+  /// Whether `RefineRows` would change any rows.
   bool NeedsRefining() const;
   /// Averages the next rows; true while there are more.
   bool RefineRows(int count);
-  /// Makes the next `Show` start over.
+  /// Makes the next `Show` rebuild the view.
   void Forget();
 
-  /// pf32bit, as large as the window.
+  /// pf32bit, with the size of the window.
   const TBitmap& Plain() const { return plain_; }
-  /// The same with the picture darkened: byte for byte what the darkened picture would look like,
-  /// as long as it is not refined or blended.
+  /// Returns the view with the picture darkened: byte-identical to a view of the darkened picture
+  /// unless it is refined or blended.
   const TBitmap& Darkened(const DarkedBitmap& darkening);
 
  private:
@@ -63,7 +61,8 @@ class RASTERKIT_EXPORT PictureView {
 
   TBitmap darkened_;
   std::optional<DarkedBitmap> darkening_;
-  /// For each column of the window: all ones where rows of `brightnessKind_` stay as they are.
+  /// A mask per column of the window: all ones where rows of `brightnessKind_` keep their
+  /// brightness.
   std::vector<uint32_t> brightness_;
   int brightnessKind_ = -1;
 };

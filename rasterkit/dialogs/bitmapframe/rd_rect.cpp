@@ -8,20 +8,20 @@
 namespace rasterkit {
 namespace {
 
-/// How far to move [start, end] by at most `shift` so that it stays inside [low, high].
+/// Returns `shift` limited so that [start, end] stays inside [low, high].
 double ShiftInside(double start, double end, double shift, double low, double high) {
   const double inside = std::min(shift, high - end);
   return std::max(inside, low - start);
 }
 
 int ToPixel(double coordinate) {
-  constexpr double limit = 1 << 30;
-  // A coordinate that is no number must not reach the cast.
-  if (!(coordinate > -limit)) return -(1 << 30);
-  return static_cast<int>(Round(std::min(coordinate, limit)));
+  constexpr double kLimit = 1 << 30;
+  // NaN must not reach the cast.
+  if (!(coordinate > -kLimit)) return -(1 << 30);
+  return static_cast<int>(Round(std::min(coordinate, kLimit)));
 }
 
-/// The bounds over a side of no length would not limit anything.
+/// A side of length 0 gives no limit.
 double Ratio(double size, double length) {
   return length > 0 ? size / length : std::numeric_limits<double>::infinity();
 }

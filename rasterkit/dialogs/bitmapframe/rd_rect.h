@@ -4,8 +4,8 @@
 
 namespace rasterkit {
 
-/// A rectangle of double-precision coordinates, y downward. Right and bottom are where it ends, so
-/// that its size is their difference; a rectangle may be empty or a single point.
+/// A rectangle with double-precision coordinates, y downward. Right and bottom are exclusive, so
+/// that the size is their difference; it may be empty or a single point.
 struct RDRect {
   double Left = 0, Top = 0, Right = 0, Bottom = 0;
 
@@ -20,23 +20,22 @@ struct RDRect {
   bool IsEmpty() const { return Width() <= 0 || Height() <= 0; }
 
   void Move(double dx, double dy);
-  /// Moves as far as `bounds` allow. What is larger than them begins at their left or top.
+  /// Moves as far as `bounds` allow. A rectangle larger than `bounds` is aligned at their left or
+  /// top.
   void MoveInRect(double dx, double dy, const RDRect& bounds);
-  /// Scales by 1 + step about the point (x, y), which stays where it is: [0, 10] stretched by 0.5
-  /// about 2 is [-1, 14].
+  /// Scales by 1 + step about the fixed point (x, y): [0, 10] stretched by 0.5 about 2 is [-1, 14].
   void Stretch(double step, double x, double y);
   /// Multiplies every coordinate: scales about (0, 0).
   void Scale(double factor);
-  /// Draws each edge back into `bounds`; a rectangle outside of them ends as a line or point on
-  /// their border.
+  /// Clamps each edge to `bounds`; a rectangle outside becomes a line or point on their border.
   void Intersect(const RDRect& bounds);
-  /// The edges belong to the rectangle.
+  /// Whether the point is inside; the edges belong to the rectangle.
   bool Contains(double x, double y) const;
-  /// Scales uniformly and moves, so that the rectangle is as large as fits and centred in `bounds`.
-  /// Returns the factor; a rectangle without any size is only centred, factor 1.
+  /// Scales uniformly and moves the rectangle so that it is as large as possible and centered in
+  /// `bounds`. Returns the factor; a rectangle without size is only centered, factor 1.
   double FitInRect(const RDRect& bounds);
-  /// The integer form: every coordinate rounded, halves to even. Coordinates beyond 2^30 become
-  /// 2^30.
+  /// Returns the rectangle with every coordinate rounded, halves to even. Coordinates are clamped
+  /// to 2^30.
   TRect ToRect() const;
 
   friend bool operator==(const RDRect&, const RDRect&) = default;

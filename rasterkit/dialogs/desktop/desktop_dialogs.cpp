@@ -19,10 +19,10 @@ void Say(std::string& error, const char* text) noexcept try {
   error.clear();
 }
 
-/// What `dialog` answers, without its exceptions.
+/// Converts the answer and the exceptions of `dialog`.
 template <typename Dialog>
 DesktopAnswer AnswerOf(Dialog dialog, std::string& error) noexcept try {
-  return dialog() ? DesktopAnswer::confirmed : DesktopAnswer::cancelled;
+  return dialog() ? DesktopAnswer::confirmed : DesktopAnswer::canceled;
 } catch (const std::exception& exception) {
   Say(error, exception.what());
   return DesktopAnswer::failed;

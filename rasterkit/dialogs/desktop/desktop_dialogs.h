@@ -13,15 +13,15 @@
 namespace rasterkit {
 
 /// How a dialog ended.
-enum class DesktopAnswer : int32_t { confirmed, cancelled, failed };
+enum class DesktopAnswer : int32_t { confirmed, canceled, failed };
 
-/// The dialogs for a program that has no Qt: it opens librasterkit-dialogs when one is wanted
-/// (DynamicLibrary), asks its one C entry for this table, and calls `start` before and `end` after
-/// its dialogs, all on one thread. None of the functions throws; one that failed says why in
-/// `error` and has changed nothing else.
+/// The dialogs for a program without Qt. The program opens librasterkit-dialogs when it needs one
+/// (DynamicLibrary), gets this table from its one C entry, and calls `start` before and `end` after
+/// its dialogs, all on one thread. No function throws; one that fails sets `error` and changes
+/// nothing else.
 struct DesktopDialogs {
-  /// Makes the application for all dialogs to come. Fails where no window can be opened; `end` is
-  /// then not called.
+  /// Creates the application object for all following dialogs. Fails if no window can be opened; do
+  /// not call `end` then.
   DesktopAnswer (*start)(std::string& error) noexcept;
   void (*end)() noexcept;
 
@@ -38,12 +38,12 @@ struct DesktopDialogs {
   /// EditGraphic.
   DesktopAnswer (*editGraphic)(const std::string& dir, std::string& fileName,
                                std::unique_ptr<TGraphic>& graphic, std::string& error) noexcept;
-  /// ConvertPdfPageToBmpDialog; a file that is not there counts as cancelled.
+  /// ConvertPdfPageToBmpDialog; a missing file counts as canceled.
   DesktopAnswer (*convertPdfPage)(const std::string& pdfFile, std::string& pictureFile,
                                   std::string& error) noexcept;
 
-  /// SaveBitmapDlgExt with the resolution among its options, and with the size in pixels; without
-  /// metafiles, and asking before an existing file is taken.
+  /// SaveBitmapDlgExt with the resolution among its options and with the size in pixels, without
+  /// metafiles; asks before overwriting a file.
   DesktopAnswer (*saveBitmap)(const std::string& dir, TrecSaveBitmap& rec, std::string& fileName,
                               std::string& error) noexcept;
   DesktopAnswer (*saveBitmapPixels)(const std::string& dir, TrecSaveBitmap& rec, int32_t& width,
@@ -51,13 +51,13 @@ struct DesktopDialogs {
                                     std::string& error) noexcept;
 };
 
-/// Goes up with every change of the table, or of a type that its functions take.
+/// Incremented with every change of the table or of a type that its functions use.
 inline constexpr int32_t kDesktopVersion = 3;
 
 inline constexpr const char* kDesktopEntry = "rasterkit_desktop_dialogs";
 
-/// The table of version `version`; null when this library has another. It lives as long as the
-/// process.
+/// Returns the table of version `version`; null if this library has another version. Valid until
+/// the process ends.
 using DesktopEntry = const DesktopDialogs*(int32_t version);
 extern "C" RASTERKIT_EXPORT DesktopEntry rasterkit_desktop_dialogs;
 

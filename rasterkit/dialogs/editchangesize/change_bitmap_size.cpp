@@ -8,7 +8,7 @@ std::unique_ptr<TBitmap> ChangeBitmapSize(const TBitmap* bitmap, int32_t width, 
                                           bool stretch) {
   if (bitmap == nullptr) return nullptr;
   auto resized = std::make_unique<TBitmap>();
-  // A format of its own takes whatever the rows are stored in.
+  // A custom format has the depth of its rows.
   if (bitmap->PixelFormat() == pfCustom) resized->SetPixelFormat(bitmap->Content().Format());
   resized->SetPixelFormat(bitmap->PixelFormat());
   resized->SetPalette(bitmap->Palette());

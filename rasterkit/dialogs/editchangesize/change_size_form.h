@@ -13,7 +13,7 @@ namespace rasterkit {
 
 class TFloatEdit;
 
-/// The window of the change-size dialog. The model, which knows everything, must outlive it.
+/// The window of the change-size dialog. Its model must outlive it.
 class TFormChangeSize : public TScaledForm {
   Q_OBJECT
 
@@ -21,7 +21,7 @@ class TFormChangeSize : public TScaledForm {
   explicit TFormChangeSize(ChangeSizeModel& model, QWidget* parent = nullptr);
   ~TFormChangeSize() override;
 
-  /// A field holds another number.
+  /// Called if a field has another number.
   void FlEdChange(TFloatEdit& sender);
 
  private:

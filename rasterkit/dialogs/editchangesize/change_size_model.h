@@ -5,22 +5,22 @@
 
 namespace rasterkit {
 
-/// All that the change-size dialog knows and does, without a window.
+/// The state and the rules of the change-size dialog, without a window.
 class ChangeSizeModel {
  public:
   enum class Field { width, height };
-  /// The greatest number a field takes.
+  /// The largest number that a field accepts.
   static constexpr double kGreatest = INT32_MAX;
 
-  /// The sizes that the dialog starts with fix the proportion for as long as it is open.
+  /// The starting sizes define the proportion while the dialog is open.
   ChangeSizeModel(int32_t startWidth, int32_t startHeight);
 
-  /// Called when a field must show another number than the user entered there.
+  /// Called if a field must show another number than the user entered.
   std::function<void(Field field, double value)> OnField;
 
-  /// The user (or the form, setting a field) made a field hold `value`. The other one follows while
-  /// the box is checked, always by the starting sizes, so that rounding does not add up. What
-  /// `OnField` hands back is only stored.
+  /// The user (or the form, by setting a field) set a field to `value`. The other field follows
+  /// while the box is checked, always by the starting sizes, so that rounding errors do not add up.
+  /// Values set by `OnField` are only stored.
   void FlEdChange(Field sender, double value);
 
   double Width() const { return width_; }
@@ -29,7 +29,7 @@ class ChangeSizeModel {
   /// Checking the box changes no number until one is edited again.
   void SetProportional(bool checked) { isProportional_ = checked; }
 
-  /// What the dialog answers when it is confirmed: halves become even.
+  /// Returns the result of the dialog, rounded, halves to even.
   int32_t RoundedWidth() const;
   int32_t RoundedHeight() const;
 

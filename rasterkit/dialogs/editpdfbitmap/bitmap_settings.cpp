@@ -16,9 +16,9 @@ void ApplySettings(const BitmapSettings& settings, TBitmap& bitmap) {
 }
 
 bool RotatePicture(int degrees, std::unique_ptr<TBitmap>& bitmap) {
-  constexpr int32_t white = 0xFFFFFF, threads = 4;
+  constexpr int32_t kWhite = 0xFFFFFF, kThreads = 4;
   if (degrees == 0) return true;
-  return RotateBitmap(static_cast<float>(-degrees), bitmap, white, threads, nullptr);
+  return RotateBitmap(static_cast<float>(-degrees), bitmap, kWhite, kThreads, nullptr);
 }
 
 }  // namespace rasterkit

@@ -6,19 +6,19 @@
 
 namespace rasterkit {
 
-/// What the four buttons ask for.
+/// The settings of the four buttons.
 struct BitmapSettings {
   bool mirror = false, colors256 = false, gray = false, blackWhite = false;
 };
 
-/// The grey value below which a pixel becomes black.
+/// Pixels with a smaller gray value become black.
 inline constexpr int kBlackWhiteThreshold = 125;
 
-/// Applies them in the order of the fields; black and white only where grey is not asked for.
+/// Applies the settings in the order of the fields; black and white only without gray.
 void ApplySettings(const BitmapSettings& settings, TBitmap& bitmap);
 
-/// Turns the bitmap clockwise by so many degrees, on white; 0 does nothing. False when it cannot be
-/// turned: then it is as it was, and the user has been told.
+/// Rotates the bitmap clockwise by `degrees` on white; no-op for 0. Returns false if it cannot be
+/// rotated: it does not change then, and the user has seen a message.
 bool RotatePicture(int degrees, std::unique_ptr<TBitmap>& bitmap);
 
 }  // namespace rasterkit

@@ -13,21 +13,21 @@ bool IsDigit(char character) {
 
 int64_t FoldAngle(int64_t angle) {
   if (angle >= 360) return angle % 360;
-  // From -360 to -1, for -360 is not far enough out to be folded.
+  // The result is -360 to -1, because -360 is above the limit for folding.
   return angle < -360 ? (angle + 1) % 360 - 1 : angle;
 }
 
 }  // namespace
 
 bool ParseComboNumber(std::string_view text, double& value, bool foldAngle) {
-  constexpr int64_t greatest = std::numeric_limits<int32_t>::max();
+  constexpr int64_t kGreatest = std::numeric_limits<int32_t>::max();
   bool hasStarted = false, isNegative = false, hasDigit = false;
   int64_t number = 0;
   for (const char character : text) {
     if (!hasStarted && character == '-') hasStarted = isNegative = true;
     if (!IsDigit(character)) continue;
     hasStarted = hasDigit = true;
-    number = std::min(number * 10 + (character - '0'), greatest);
+    number = std::min(number * 10 + (character - '0'), kGreatest);
   }
   if (!hasDigit) return false;
   if (isNegative) number = -number;

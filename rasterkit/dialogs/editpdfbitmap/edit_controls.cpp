@@ -3,7 +3,7 @@
 namespace rasterkit {
 
 EditControls::EditControls(EditPdfBmpView& view) : view_(view) {
-  // The cut is made when the picture is saved; its button has no other use.
+  // The cut is applied when the picture is saved, so its button has no function.
   for (const EditControl hidden :
        {EditControl::SpeedButtonCut, EditControl::LabelDpiX, EditControl::CoBoResolution,
         EditControl::LabelPage, EditControl::SpinEditPage, EditControl::LabelPageSize})

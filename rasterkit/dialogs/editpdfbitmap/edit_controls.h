@@ -7,8 +7,8 @@
 
 namespace rasterkit {
 
-/// What the window's controls show, kept beside the window so that it can be asked for. Everything
-/// that changes is handed to the view at once.
+/// The state of the window's controls, kept outside the window so that it can be read. Every change
+/// is passed to the view at once.
 class EditControls {
  public:
   explicit EditControls(EditPdfBmpView& view);
@@ -16,23 +16,24 @@ class EditControls {
   bool Visible(EditControl control) const { return Of(control).visible; }
   void SetVisible(EditControl control, bool visible);
 
-  /// Whether it can be used now: not while busy, unless it is the cancel button.
+  /// Whether the control is enabled now: not while busy, except for the cancel button.
   bool Enabled(EditControl control) const;
   void SetEnabled(EditControl control, bool enabled);
-  /// Disables every control but the cancel button for a while.
+  /// Disables every control except the cancel button while busy.
   void SetBusy(bool busy);
 
-  /// Mirror, grey, black-white and 256 colours stay down when clicked. They are one group: at most
-  /// one of them is down, and a click on that one lifts it.
+  /// Mirror, gray, black-white and 256 colors stay down when clicked. They are one group: at most
+  /// one of them is down, and a click on it releases it.
   bool Down(EditControl button) const { return Of(button).down; }
   void SetDown(EditControl button, bool down);
   void Click(EditControl button);
-  /// Hands the four to the view once more, for a window whose buttons go down by themselves.
+  /// Passes the state of the four buttons to the view again, for a window whose buttons change by
+  /// themselves.
   void ShowDown();
 
   const std::string& Text(EditControl control) const { return Of(control).text; }
   void SetText(EditControl control, const std::string& text);
-  /// The user (or a list) wrote a box's text: the view has it already.
+  /// Stores the text that the user (or a list) entered into a box, which shows it already.
   void TakeText(EditControl control, const std::string& text) { Of(control).text = text; }
 
   int Page() const { return page_; }

@@ -4,22 +4,22 @@
 
 namespace rasterkit {
 
-/// The editor's files: where its picture comes from and where it goes.
+/// The source and the target file of the editor.
 struct EditFileNames {
-  /// The source, a PDF or a graphic; empty while there is none.
+  /// The source, a PDF file or a graphic; empty if there is none.
   std::string fOrgFilename;
   bool fIsPDF = false;
-  /// The target: folder (with its separator) and name in it.
+  /// The target: folder (with its separator) and file name.
   std::string fBmpDir, fBmpName;
-  /// The target was there when it was first named, and no source was known by then.
+  /// The target existed when it was first set and there was no source yet.
   bool fBmpFileExisted = false;
 
-  /// Names the target. Without a source it is the source too, and it is noted whether it exists.
+  /// Sets the target. Without a source it becomes the source too, and whether it exists is stored.
   void SetBmpFilename(const std::string& name);
   std::string GetBmpFilename() const { return fBmpDir + fBmpName; }
 
-  /// The window's title: the source's name and the caption. A graphic that lies in another folder
-  /// than the target (case does not count) is named in full.
+  /// Returns the title of the window: the name of the source and the caption. A graphic in another
+  /// folder than the target (ignoring case) is shown with its full path.
   std::string Title(const std::string& caption) const;
 };
 

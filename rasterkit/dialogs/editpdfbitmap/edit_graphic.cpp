@@ -16,7 +16,7 @@ const bool isInstalled = [] {
   return true;
 }();
 
-/// A host that has something of its own to draw pages with keeps that.
+/// A host that draws pages with its own code keeps it.
 void FillPdfPort() {
   if (!PdfDocumentFactory()) UseQtPdf();
 }

@@ -7,31 +7,32 @@
 #include <rasterkit/graphics/graphic.h>
 #include <rasterkit/runtime/export.h>
 
-/// The editor of graphics and PDF pages: a window in which the user turns, mirrors, crops, resizes
-/// a picture, changes its colours and saves it. Both entries run it to its end, on the thread that
-/// owns the application object where there is one; both throw Error when no window can be shown.
+/// The editor of graphics and PDF pages: a window in which the user rotates, mirrors, crops,
+/// resizes a picture, changes its colors and saves it. Both routines return when it is closed. They
+/// must run on the thread that owns the application object, if there is one, and throw Error if no
+/// window can be shown.
 namespace rasterkit {
 
-/// Lets the user make a picture of a page of a PDF file. `bmpFile` is the first suggestion for the
-/// picture's name. The page is drawn at the resolution that the user chooses, and written when the
-/// user confirms.
+/// Lets the user make a picture of a page of a PDF file. `bmpFile` is the suggested name of the
+/// picture. The page is drawn at the resolution that the user chooses and written when the user
+/// confirms.
 ///
-/// 1 when the picture was written: `bmpFile` is then the picture's name. 0 when the user cancelled,
-/// or the file cannot be opened or drawn, which the user was told; -1, and no window, when there is
-/// no such file. `bmpFile` is then unchanged.
+/// Returns 1 if the picture was written: `bmpFile` is its name then. Returns 0 if the user
+/// canceled, or if the file cannot be opened or drawn, which the user was told; -1, without a
+/// window, if the file does not exist. `bmpFile` does not change then.
 RASTERKIT_EXPORT int ConvertPdfPageToBmpDialog(const std::string& pdfFile, std::string& bmpFile);
 
-/// Lets the user edit a copy of `graphic` (null: a blank picture). `fileName` is the picture's name
-/// so far, of which only the part behind the folder counts; `dir` (with its separator) is the
-/// folder that it is saved in.
+/// Lets the user edit a copy of `graphic` (null: a blank picture). `fileName` is the current name
+/// of the picture, without regard to a folder in it; `dir` (with its separator) is the folder in
+/// which it is saved.
 ///
-/// Where `dir` and `fileName` name a file that exists, each change starts anew from the graphic;
-/// else changes add up.
+/// If `dir` and `fileName` name an existing file, each change starts again from the graphic;
+/// otherwise changes add up.
 ///
-/// True when the user confirmed: what was changed is then in the file `fileName`, which is the full
-/// name now, and `graphic` is the edited one, of the same class where that can take pixels. Without
-/// changes nothing is written. False when the user cancelled; then nothing is changed. The four
-/// numbers are left alone.
+/// Returns true if the user confirmed: the result is in the file `fileName` then, which is the full
+/// name, and `graphic` is the edited one, of the same class if that class can hold pixels. Without
+/// changes nothing is written. Returns false and changes nothing if the user canceled. The four
+/// numbers are not used.
 RASTERKIT_EXPORT bool EditGraphic(const std::string& dir, std::string& fileName,
                                   std::unique_ptr<TGraphic>& graphic, int32_t&, int32_t&, int32_t&,
                                   int32_t&);

@@ -18,7 +18,7 @@ bool EditPdfBmpModel::AppliesAtOnce() const {
   return !names_.fIsPDF && !names_.fBmpFileExisted;
 }
 
-/// A change of the work bitmap as it is. False when it was not made; then nothing has happened.
+/// Changes the work bitmap. Returns false if nothing was changed.
 bool EditPdfBmpModel::ChangeInPlace(const std::function<bool()>& change) {
   if (!fWorkBitmap) return false;
   EditState before = CurrentState();
@@ -30,8 +30,8 @@ bool EditPdfBmpModel::ChangeInPlace(const std::function<bool()>& change) {
   return true;
 }
 
-/// Shows the work bitmap, whose pixels are other ones; the changes of the crop rectangle before it
-/// can no longer be taken back.
+/// Shows the work bitmap after its pixels changed; earlier changes of the crop rectangle can no
+/// longer be undone.
 void EditPdfBmpModel::ShowChanged() {
   fBmpCutRect.SetOrgBitmap(fWorkBitmap.get());
   fBmpCutRect.ForgetCutHistory();
@@ -76,7 +76,7 @@ void EditPdfBmpModel::ApplyResolution(bool isEntered) {
   const bool isNumber =
       ParseComboNumber(controls_.Text(EditControl::CoBoResolution), value, false) && value > 0;
   if (!names_.fIsPDF || !isNumber) return;
-  // What was given up, or was too much, may be tried again.
+  // A resolution that was canceled or too large may be tried again.
   const bool isMissing = isEntered && !fWorkBitmap;
   if (value == fResolution && !isMissing) return;
   BeginChange();
@@ -113,7 +113,7 @@ void EditPdfBmpModel::ChangePage(int page) {
   GenerateBitmaps(true);
 }
 
-/// What was chosen for one page is not for the next; 256 colours are.
+/// Settings of one page do not apply to the next, except for 256 colors.
 void EditPdfBmpModel::ResetForPage() {
   fRotation = 0;
   controls_.SetText(EditControl::CoBoRotation, "0");
@@ -123,7 +123,7 @@ void EditPdfBmpModel::ResetForPage() {
     controls_.SetDown(button, false);
 }
 
-/// The new work bitmap is another one; the one before is kept for undoing where memory allows.
+/// Sets a new work bitmap; the previous one is kept for undo if memory allows.
 void EditPdfBmpModel::ReplaceWorkBitmap(std::unique_ptr<TBitmap> bitmap) {
   ReleaseWorkBitmap(PixelBytes(*bitmap));
   fWorkBitmap = std::move(bitmap);

@@ -23,8 +23,7 @@ void EditPdfBmpModel::Handle(const std::function<void()>& action) {
   if (closesAfterwards_) Close(mrCancel);
 }
 
-/// An event threw: the picture becomes what it was, where that was kept, and whoever shows it gets
-/// to know which it is.
+/// After an exception: restores the previous picture if it was kept, and updates the view.
 void EditPdfBmpModel::PutRight() {
   if (undo_.IsNew() && undo_.HasStep()) return TakeStepBack();
   if (undo_.IsNew() && undo_.AwaitsBitmap()) TakeState(undo_.Take().state);
@@ -32,7 +31,7 @@ void EditPdfBmpModel::PutRight() {
   CheckBmpAction();
 }
 
-/// A page that was given up cannot be saved.
+/// A page whose rendering was canceled cannot be saved.
 void EditPdfBmpModel::ShowAvailability() {
   controls_.SetEnabled(EditControl::SpeedButtonSave, fWorkBitmap != nullptr);
   controls_.SetEnabled(EditControl::NaviResultPost, fWorkBitmap || !names_.fIsPDF);
@@ -193,7 +192,7 @@ void EditPdfBmpModel::SpeedButtonSaveClick() {
 
 // Ways out.
 
-/// The name goes into the target's folder, wherever the user has been meanwhile.
+/// The name is used in the target's folder, whichever folder the user went to.
 bool EditPdfBmpModel::RunSaveDialog() {
   std::string name = names_.fBmpName;
   const std::string extension = ExtractFileExt(name);
@@ -221,7 +220,7 @@ void EditPdfBmpModel::NaviResultPostClick() {
 }
 
 void EditPdfBmpModel::NaviResultCancelClick() {
-  if (isRendering_) isCancelled_ = true;
+  if (isRendering_) isCanceled_ = true;
   Handle([&] { Close(mrCancel); });
 }
 
@@ -230,14 +229,14 @@ void EditPdfBmpModel::NaviResultHelpClick() {
 }
 
 void EditPdfBmpModel::FormClose() {
-  if (isRendering_) isCancelled_ = closesAfterwards_ = true;
+  if (isRendering_) isCanceled_ = closesAfterwards_ = true;
   Handle([&] { Close(mrCancel); });
 }
 
 // Keys.
 
 bool EditPdfBmpModel::FormKeyDown(EditKey key, bool ctrl) {
-  if (isRendering_ && key == EditKey::escape) isCancelled_ = true;
+  if (isRendering_ && key == EditKey::escape) isCanceled_ = true;
   if (isHandling_) return true;
   if (fInEditCoBo) return false;
   fCtrlPressed = ctrl;

@@ -16,8 +16,8 @@
 namespace rasterkit {
 namespace {
 
-/// The picture as a graphic of the type. A metafile, which takes no pixels, becomes a PNG, as it
-/// does when it is rotated; what was no graphic becomes a bitmap.
+/// Returns the picture as a graphic of the type. A metafile, which cannot hold pixels, becomes a
+/// PNG, as it does when it is rotated; without a type it becomes a bitmap.
 std::unique_ptr<TGraphic> GraphicOfType(TBitmap& bitmap, int type) {
   if (type == gtWmf || type == gtEmf) type = gtPng;
   if (type == gtNone) type = gtBmp;
@@ -87,15 +87,14 @@ bool EditPdfBmpModel::OpenPdf(const std::string& name) {
     fPdfFile->LoadFromFile(name);
   } catch (const std::exception& error) {
     ShowMessage(error.what());
-    // The document has nothing open now, but its pages may be needed still.
+    // The document is closed now, but its pages may be needed again.
     if (names_.fIsPDF) Application.Guard([&] { fPdfFile->LoadFromFile(names_.fOrgFilename); });
     return false;
   }
   names_.fOrgFilename = name;
   names_.fIsPDF = true;
   undo_.Forget();
-  // The page before was one of another document. As with every other page, its turn is not this
-  // one's.
+  // The previous page was of another document. As for every other page, its rotation is not kept.
   const int lastPage = std::max(fPdfFile->PageCount(), 1);
   if (controls_.Page() != 1) ResetForPage();
   controls_.SetPage(1, lastPage);
@@ -113,7 +112,7 @@ void EditPdfBmpModel::TakeGraphic(std::unique_ptr<TGraphic> graphic) {
   try {
     bitmap = GraphicIntoBitmap(graphic.get());
   } catch (...) {
-    // What cannot be shown is handed out as it came.
+    // A graphic that cannot be shown is returned unchanged.
     if (!fOrgGraphic && !fWorkBitmap) fOrgGraphic = std::move(graphic);
     throw;
   }
@@ -151,7 +150,7 @@ void EditPdfBmpModel::ShowPageControls() {
     controls_.SetEnabled(button, true);
 }
 
-/// A page of a PDF is not edited any further. The button of the cut stays hidden either way.
+/// A page of a PDF is not edited further. The cut button stays hidden in both cases.
 void EditPdfBmpModel::ShowEditButton(bool shown) {
   if (controls_.Visible(EditControl::SpeedButtonEdit) == shown) return;
   controls_.SetVisible(EditControl::SpeedButtonEdit, shown);

@@ -14,8 +14,8 @@
 
 namespace rasterkit {
 
-/// What a key typed into a combo box means. Keys that only move the caret or the focus are none of
-/// these and stay with the box; Delete counts as backspace.
+/// The meaning of a key typed into a combo box. Keys that only move the caret or the focus are
+/// handled by the box; Delete counts as backspace.
 enum class ComboKey { backspace, digit, minus, enter, other };
 
 /// Keys of the window.
@@ -23,20 +23,19 @@ enum class EditKey { enter, escape, del, h, z, other };
 
 inline constexpr int kHelpOfPdf = 570001, kHelpOfGraphic = 570002;
 
-/// All that the editor of graphics and PDF pages knows and does, without a window.
+/// The state and the rules of the editor of graphics and PDF pages, without a window.
 ///
-/// There are two ways to work on a graphic. Where its target file did not exist, everything is done
-/// to the work bitmap at once, and turns add up. Where it did, as for a page of a PDF, the picture
-/// is made anew from its source each time, and the settings are applied to it in their order.
+/// There are two ways to edit a graphic. If its target file did not exist, every change is applied
+/// to the work bitmap at once, and rotations add up. If it did, or for a page of a PDF, the picture
+/// is made again from its source each time, and the settings are applied to it in their order.
 ///
-/// Events are named after their controls. None of them throws: what goes wrong is told in a message
-/// (the port `messageBox`), and the picture is as it was before, as far as that could be kept. An
-/// event that arrives while another one is at work, be it that the window's loop is turned, that
-/// a dialog is open or that the model sets a control, is ignored; while a page is being rendered
-/// only cancelling is heard. One thread.
+/// Events are named after their controls. None of them throws: errors are shown in a message (the
+/// port `messageBox`), and the previous picture is kept if possible. An event that arrives while
+/// another one is handled (the window's loop runs, a dialog is open, or the model sets a control)
+/// is ignored; while a page is rendered only canceling is accepted. Not thread-safe.
 class EditPdfBmpModel {
  public:
-  /// The view, and the crop tool that shows the picture, must outlive the model. It takes the
+  /// The view and the crop tool that shows the picture must outlive the model, which uses the
   /// tool's `OnStateChanged`.
   EditPdfBmpModel(EditPdfBmpView& view, BmpCutModel& cutRect);
   ~EditPdfBmpModel();
@@ -45,39 +44,39 @@ class EditPdfBmpModel {
 
   // How it starts.
 
-  /// The window's own caption, which the title ends with.
+  /// Sets the window's own caption, with which the title ends.
   void SetOrgCaption(const std::string& caption);
   const std::string& OrgCaption() const { return fOrgCaption; }
-  /// Opens a source file: the PDF's first page is rendered, a graphic is shown as it is. A file
-  /// that cannot be opened is told in a message; then all stays as it was, and it is false. (A
-  /// graphic that cannot be read is shown as a blank picture when there is none before it.)
+  /// Opens a source file: the first page of a PDF is rendered, a graphic is shown as it is. If a
+  /// file cannot be opened, it shows a message, changes nothing and returns false. (A graphic that
+  /// cannot be read is shown as a blank picture if there was none before.)
   bool SetOrgFilename(const std::string& name);
-  /// Names the target (see EditFileNames), and with it the source when none is known.
+  /// Sets the target (see EditFileNames), and also the source if there is none.
   void SetBmpFilename(const std::string& name);
   std::string GetBmpFilename() const { return names_.GetBmpFilename(); }
-  /// Folder of a target that has no name yet, with its separator.
+  /// Sets the folder of a target without a name, with its separator.
   void SetBmpDir(const std::string& dir) { names_.fBmpDir = dir; }
   /// Edits a graphic, which may be null: a blank picture.
   void SetOrgGraphic(std::unique_ptr<TGraphic> graphic);
 
   // How it ends.
 
-  /// The graphic to hand out, of the class of that which came in: the very one when nothing was
-  /// changed, else a new one of the work bitmap, cut. Call it once, after the window was closed
-  /// with `mrOk`. Throws LimitError without memory; the graphic then is still here.
+  /// Returns the result in the class of the graphic that was set: the same object if nothing was
+  /// changed, else a new one with the cut work bitmap. Call it once, after the window was closed
+  /// with `mrOk`. Throws LimitError if out of memory; the graphic is kept then.
   std::unique_ptr<TGraphic> GetOrgGraphic();
-  /// What the window was closed with.
+  /// Returns the modal result with which the window was closed.
   std::optional<int> ModalResult() const { return modalResult_; }
 
   // Events of the controls.
 
-  /// The text is that of the edit line, typed or chosen from the list.
+  /// The text of the edit line, typed or chosen from the list.
   void CoBoResolutionChange(const std::string& text);
   void CoBoRotationChange(const std::string& text);
-  /// Before the box sees the key; true when it may have it.
+  /// Called before the box handles the key; true if the box may handle it.
   bool CoBoResolutionKeyPress(ComboKey key);
   bool CoBoRotationKeyPress(ComboKey key);
-  /// The focus has left a combo box: nobody types there any more. Nothing is applied.
+  /// A combo box lost the focus; its text is not applied.
   void CoBoExit();
   void SpinEditPageChange(int page);
 
@@ -93,24 +92,24 @@ class EditPdfBmpModel {
   void SpeedButtonSaveClick();
 
   void NaviResultPostClick();
-  /// While a page is being rendered, ends that and no more.
+  /// While a page is rendered, cancels only the rendering.
   void NaviResultCancelClick();
   void NaviResultHelpClick();
 
-  /// Keys that no combo box has used; true when the window has used it.
+  /// Handles keys that no combo box has used; true if the window used the key.
   bool FormKeyDown(EditKey key, bool ctrl);
   void FormKeyUp() { fCtrlPressed = false; }
-  /// `mousePos` in paint-box pixels; always true, for it counts as handled.
+  /// `mousePos` in paint-box pixels; returns true: the wheel is always handled.
   bool FormMouseWheel(int wheelDelta, const TPoint& mousePos);
   void FormActivate();
   void FormResize();
-  /// The user closes the window by its frame; a page that is being rendered is given up first.
+  /// The user closes the window by its frame; a page that is being rendered is canceled first.
   void FormClose();
-  /// A file was dropped onto the window: as if it had been chosen with the open button.
+  /// A file was dropped onto the window: the same as choosing it with the open button.
   void FormDropFile(const std::string& fileName);
 
-  /// Takes back the last change of the crop rectangle, or else of the picture (one step, as far as
-  /// memory allows).
+  /// Undoes the last change of the crop rectangle, or else of the picture (one step, if memory
+  /// allows).
   void Undo();
   bool CanUndo() const;
 
@@ -128,13 +127,13 @@ class EditPdfBmpModel {
   int Resolution() const { return fResolution; }
   int PageNumber() const { return fPageNumber; }
   int HelpContext() const { return helpContext_; }
-  /// A page is being rendered.
+  /// Whether a page is being rendered.
   bool IsRendering() const { return isRendering_; }
   const EditControls& Controls() const { return controls_; }
 
  private:
   class RenderingTime;
-  enum class Rendered { done, cancelled, shortage, failed };
+  enum class Rendered { done, canceled, shortage, failed };
 
   // Sources: edit_pdf_bmp_model.cpp
   bool OpenSource(const std::string& name);
@@ -223,7 +222,7 @@ class EditPdfBmpModel {
   std::optional<int> modalResult_;
   bool isHandling_ = false;
   bool isRendering_ = false;
-  bool isCancelled_ = false;
+  bool isCanceled_ = false;
   bool closesAfterwards_ = false;
 };
 

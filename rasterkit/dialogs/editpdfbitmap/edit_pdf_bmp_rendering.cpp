@@ -20,7 +20,7 @@
 namespace rasterkit {
 namespace {
 
-/// The hourglass for as long as it lives.
+/// Shows the hourglass while it lives.
 class HourglassTime {
  public:
   explicit HourglassTime(EditPdfBmpView& view) : view_(view) { view_.ShowHourglass(true); }
@@ -32,7 +32,7 @@ class HourglassTime {
   EditPdfBmpView& view_;
 };
 
-/// What can be helped by asking for less.
+/// Whether a lower resolution would avoid the error.
 bool IsShortage(const std::exception& error) {
   return dynamic_cast<const std::bad_alloc*>(&error) != nullptr ||
          dynamic_cast<const LimitError*>(&error) != nullptr ||
@@ -49,7 +49,7 @@ void ShowFailure(const std::string& errorClass, const std::string& text) {
 
 }  // namespace
 
-/// Controls and view know that a page is being rendered for as long as it lives.
+/// While it lives, controls and view know that a page is being rendered.
 class EditPdfBmpModel::RenderingTime {
  public:
   explicit RenderingTime(EditPdfBmpModel& model) : model_(model) { Set(true); }
@@ -78,7 +78,7 @@ void EditPdfBmpModel::GenerateBitmaps(bool deleteCut) {
   view_.Repaint();
 }
 
-/// False when there is no picture to go on with.
+/// Returns false if there is no picture to continue with.
 bool EditPdfBmpModel::MakeFromSource() {
   if (names_.fIsPDF) return RenderPdfToBmp();
   std::unique_ptr<TBitmap> bitmap = GraphicIntoBitmap(fOrgGraphic.get());
@@ -87,7 +87,7 @@ bool EditPdfBmpModel::MakeFromSource() {
   return true;
 }
 
-/// Keeps it for undoing where memory allows.
+/// Keeps the bitmap for undo if memory allows.
 void EditPdfBmpModel::ReleaseWorkBitmap(uint64_t bytesToCome) {
   fBmpCutRect.ReleaseBitmap();
   if (!fWorkBitmap) return undo_.Forget();
@@ -115,7 +115,7 @@ bool EditPdfBmpModel::RenderPdfToBmp() {
       fResolution = resolution;
       WriteResolution(resolution);
       return true;
-    case Rendered::cancelled:
+    case Rendered::canceled:
       return TakeCancellation();
     case Rendered::shortage:
       return RenderAgain(resolution);
@@ -130,7 +130,7 @@ bool EditPdfBmpModel::RenderPdfToBmp() {
 EditPdfBmpModel::Rendered EditPdfBmpModel::TryRender(int resolution) {
   try {
     ReleaseWorkBitmap(BytesOfPage(resolution));
-    return RenderPage(resolution) ? Rendered::done : Rendered::cancelled;
+    return RenderPage(resolution) ? Rendered::done : Rendered::canceled;
   } catch (const std::exception& error) {
     if (IsShortage(error)) return Rendered::shortage;
     ShowFailure(ErrorClassName(error), error.what());
@@ -140,8 +140,8 @@ EditPdfBmpModel::Rendered EditPdfBmpModel::TryRender(int resolution) {
   return Rendered::failed;
 }
 
-/// The last good resolution is shown, but the one that was asked for is tried once more: perhaps
-/// others have given memory back, as undoing does now.
+/// Shows the last good resolution, but tries the requested one once more: memory may have been
+/// released meanwhile, as by the undo step here.
 bool EditPdfBmpModel::RenderAgain(int resolution) {
   undo_.Forget();
   controls_.SetText(EditControl::CoBoResolution, std::to_string(fResolution));
@@ -157,26 +157,26 @@ bool EditPdfBmpModel::RenderAgain(int resolution) {
   }
 }
 
-/// False when the user gave it up.
+/// Returns false if the user canceled.
 bool EditPdfBmpModel::RenderPage(int resolution) {
   fWorkBitmap = RealRenderPDF(fPageNumber, resolution, PdfRotation::none);
   fWorkBitmap->SetTransparent(false);
-  return !isCancelled_;
+  return !isCanceled_;
 }
 
 std::unique_ptr<TBitmap> EditPdfBmpModel::RealRenderPDF(int page, int resolution,
                                                         PdfRotation rotation) {
   auto bitmap = std::make_unique<TBitmap>();
   const RenderingTime time(*this);
-  isCancelled_ = false;
+  isCanceled_ = false;
   fPdfFile->ExportPage(page - 1, ScaleOf(resolution), rotation, *bitmap, [this] {
     Application.ProcessMessages();
-    return !isCancelled_;
+    return !isCanceled_;
   });
   return bitmap;
 }
 
-/// The picture before comes back, if it is still there.
+/// Restores the previous picture if it is still in memory.
 bool EditPdfBmpModel::TakeCancellation() {
   if (undo_.HasStep()) {
     TakeStepBack();
@@ -194,10 +194,10 @@ void EditPdfBmpModel::ShowNothing() {
 }
 
 uint64_t EditPdfBmpModel::BytesOfPage(int resolution) const {
-  constexpr double most = 1e18;
+  constexpr double kMost = 1e18;
   const PdfPageSize size = fPdfFile->PageSize(fPageNumber - 1);
   const double bytes = PdfPagePixels(size, ScaleOf(resolution)).Bytes();
-  return static_cast<uint64_t>(std::min(bytes, most));
+  return static_cast<uint64_t>(std::min(bytes, kMost));
 }
 
 void EditPdfBmpModel::ShowPageSize() {
@@ -206,7 +206,7 @@ void EditPdfBmpModel::ShowPageSize() {
   if (isKnown) controls_.SetText(EditControl::LabelPageSize, SizeOfPage());
 }
 
-/// Empty for a page that is damaged; rendering will tell.
+/// Empty for a damaged page; rendering reports the error.
 std::string EditPdfBmpModel::SizeOfPage() const {
   try {
     return PageSizeText(fPdfFile->PageSize(controls_.Page() - 1), ResolutionInBox());

@@ -11,7 +11,7 @@ EditState EditPdfBmpModel::CurrentState() const {
   state.pageNumber = fPageNumber;
   state.page = fPageNumber > 0 ? fPageNumber : controls_.Page();
   state.bmpChanged = fBmpChanged;
-  // The numbers of the picture that is seen, not what was typed since.
+  // The numbers of the visible picture, without text that was typed later.
   state.resolutionText =
       names_.fIsPDF ? std::to_string(fResolution) : controls_.Text(EditControl::CoBoResolution);
   state.rotationText = std::to_string(fRotation);
@@ -54,7 +54,7 @@ bool EditPdfBmpModel::CanUndo() const {
 
 void EditPdfBmpModel::Undo() {
   Handle([&] {
-    // After every change of the picture the tool forgets, so that what it knows is the later.
+    // Every change of the picture clears the tool's history, so the tool's entries are newer.
     if (fBmpCutRect.UndoCutRect()) return;
     if (undo_.HasStep()) TakeStepBack();
   });

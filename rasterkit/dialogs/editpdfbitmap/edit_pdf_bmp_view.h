@@ -27,7 +27,7 @@ enum class EditControl {
   CoBoRotation,
   LabelPage,
   SpinEditPage,
-  /// What the page will be at the resolution in the box: pixels, millimetres, memory.
+  /// The size of the page at the resolution in the box: pixels, millimeters, memory.
   LabelPageSize,
   NaviResultPost,
   NaviResultCancel,
@@ -35,34 +35,35 @@ enum class EditControl {
 };
 inline constexpr int kEditControls = 20;
 
-/// What the editor's model needs of its window. What it changes here it knows already: events that
-/// a control raises while it is being set are ignored.
+/// What the editor's model needs from its window. The model ignores events that a control emits
+/// while the model sets it.
 ///
-/// The first five are called for all controls when the model is made, so that the window need not
-/// know how it starts. Nothing here may throw but the two dialogs.
+/// The first five functions are called for all controls when the model is created, so that the
+/// window needs no initial state. Only the two dialogs may throw.
 class EditPdfBmpView {
  public:
   virtual void SetVisible(EditControl control, bool visible) = 0;
   virtual void SetEnabled(EditControl control, bool enabled) = 0;
-  /// Of the four buttons that stay down.
+  /// Sets one of the four buttons that stay down.
   virtual void SetDown(EditControl button, bool down) = 0;
-  /// Of labels and of the boxes' edit lines.
+  /// Sets the text of a label or of the edit line of a box.
   virtual void SetText(EditControl control, const std::string& text) = 0;
-  /// The page and the last page that `SpinEditPage` offers.
+  /// Sets the page and the last page of `SpinEditPage`.
   virtual void SetPage(int page, int lastPage) = 0;
 
   virtual void SetCaption(const std::string& caption) = 0;
-  /// Widens `PanelControlButtons` by so many widths of `SpeedButtonEdit`; negative to narrow it.
+  /// Widens `PanelControlButtons` by `editButtons` widths of `SpeedButtonEdit`; a negative number
+  /// narrows it.
   virtual void WidenButtonPanel(int editButtons) = 0;
-  /// Asks for a new painting of the picture, soon.
+  /// Schedules a repaint of the picture.
   virtual void Repaint() = 0;
-  /// The hourglass or the usual cursor.
+  /// Shows the hourglass or the usual cursor.
   virtual void ShowHourglass(bool shown) = 0;
-  /// From `true` to `false` a page is being rendered, within an event. The controls are disabled
-  /// by then, all but the cancel button, and the host's loop is turned all the time (the port
+  /// Called with true before and with false after a page is rendered, within one event. Meanwhile
+  /// all controls except the cancel button are disabled and the host's loop is run (the port
   /// `messagePump`).
   virtual void ShowRendering(bool active) = 0;
-  /// Ends the window with `mrOk` or `mrCancel`. It may not be shown yet: then it must not be.
+  /// Closes the window with `mrOk` or `mrCancel`. If it is not shown yet, it must not be shown.
   virtual void Close(int modalResult) = 0;
 
   /// Runs the change-values dialog (see ChangeBitmap).

@@ -26,11 +26,11 @@ namespace rasterkit {
 namespace {
 
 constexpr QSize kLeastSize(775, 775);
-/// Milliseconds; a page that takes no longer does not flash a message.
+/// In milliseconds; a page that is rendered faster shows no message.
 constexpr int kPauseBeforeProgress = 250;
 constexpr int kNotch = 120;
 
-/// The first file of this machine that is being dropped; empty when there is none.
+/// Returns the first local file that is dropped; empty if there is none.
 QString FileIn(const QMimeData& data) {
   for (const QUrl& url : data.urls())
     if (url.isLocalFile()) return url.toLocalFile();
@@ -43,7 +43,7 @@ TFormEditPdfBmp::TFormEditPdfBmp(QWidget* parent)
     : TScaledForm(parent), ui_(std::make_unique<Ui::FormEditPdfBmp>()) {
   SetUpForm(*ui_);
   DressButtons();
-  // The tool leaves this handler its turn, so the frame lies over the picture.
+  // The tool calls this handler after its own painting, so the frame is over the picture.
   ui_->PaintBoxPdf->OnPaint = [](TPaintBox& box, QPainter& painter) { box.PaintFocus(painter); };
   fBmpCutRect = std::make_unique<TBmpCutRect>(ui_->PaintBoxPdf, ui_->LabelSizeValue);
   model_ = std::make_unique<EditPdfBmpModel>(static_cast<EditPdfBmpView&>(*this), *fBmpCutRect);
@@ -55,14 +55,14 @@ TFormEditPdfBmp::TFormEditPdfBmp(QWidget* parent)
   progressDelay_.setSingleShot(true);
   progressDelay_.setInterval(kPauseBeforeProgress);
   connect(&progressDelay_, &QTimer::timeout, ui_->PanelRendering, &QWidget::show);
-  // The panel around it is grey, in every style.
+  // The panel around it is gray in every style.
   ui_->PanelRendering->setBackgroundRole(QPalette::Base);
   setWindowState(Qt::WindowMaximized);
   ui_->PaintBoxPdf->setFocus();
 }
 
 TFormEditPdfBmp::~TFormEditPdfBmp() {
-  // A box that loses the focus tells the model, which must be there still.
+  // A box that loses the focus calls the model, which must exist then.
   hide();
   TFormEditPdfBmp::ShowHourglass(false);
 }
@@ -125,13 +125,13 @@ void TFormEditPdfBmp::ConnectBoxes() {
       {ui_->CoBoResolution, &EditPdfBmpModel::CoBoResolutionChange},
       {ui_->CoBoRotation, &EditPdfBmpModel::CoBoRotationChange}};
   for (const auto& [box, handler] : handlers) {
-    // A number that begins like one in the list is not that one.
+    // A number must not be completed to one in the list.
     box->setCompleter(nullptr);
-    // Nor is one chosen because the box is left.
+    // Leaving the box must not select an entry.
     disconnect(box->lineEdit(), &QLineEdit::editingFinished, box, nullptr);
     connect(box, &QComboBox::editTextChanged, this,
             [this, handler = handler](const QString& text) { (*model_.*handler)(FromQt(text)); });
-    // Whoever takes a number from the list has stopped typing.
+    // Choosing from the list ends the typing.
     connect(box, &QComboBox::activated, this, [this, box = box, handler = handler] {
       model_->CoBoExit();
       (*model_.*handler)(FromQt(box->currentText()));
@@ -139,7 +139,7 @@ void TFormEditPdfBmp::ConnectBoxes() {
   }
   connect(ui_->SpinEditPage, &QSpinBox::valueChanged, this,
           [this](int page) { model_->SpinEditPageChange(page); });
-  // A file that is dropped there is for the window.
+  // A file that is dropped on a field is opened by the window.
   for (QLineEdit* line : findChildren<QLineEdit*>()) line->setAcceptDrops(false);
 }
 
@@ -175,14 +175,14 @@ void TFormEditPdfBmp::ShowPictureMenu(const QPoint& place) {
 bool TFormEditPdfBmp::event(QEvent* event) {
   if (event->type() == QEvent::LayoutRequest) KeepMinimumSize();
   if (event->type() == QEvent::WindowActivate && model_) {
-    // It was let go while another window had the keyboard.
+    // The key was released while another window had the keyboard.
     if (!QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier)) model_->FormKeyUp();
     model_->FormActivate();
   }
   return TScaledForm::event(event);
 }
 
-/// Longer texts want more, and a small screen has less to give.
+/// Longer texts need more room, and a small screen has less.
 void TFormEditPdfBmp::KeepMinimumSize() {
   const QSize least = kLeastSize.boundedTo(screen()->availableGeometry().size());
   setMinimumSize(least.expandedTo(layout()->totalMinimumSize()));
@@ -190,7 +190,7 @@ void TFormEditPdfBmp::KeepMinimumSize() {
 
 void TFormEditPdfBmp::wheelEvent(QWheelEvent* event) {
   const QPoint point = ui_->PaintBoxPdf->mapFromGlobal(event->globalPosition()).toPoint();
-  // Finer wheels and touch pads are summed up to a notch.
+  // The deltas of finer wheels and touch pads are added up to a notch.
   for (wheelRest_ += event->angleDelta().y(); std::abs(wheelRest_) >= kNotch;) {
     const int notch = wheelRest_ > 0 ? kNotch : -kNotch;
     wheelRest_ -= notch;
@@ -214,7 +214,7 @@ void TFormEditPdfBmp::dropEvent(QDropEvent* event) {
   const std::string file = FromQt(FileIn(*event->mimeData()));
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  // The program that the file comes from waits for the end of this event.
+  // The program from which the file comes waits for the end of this event.
   QMetaObject::invokeMethod(
       this, [this, file] { model_->FormDropFile(file); }, Qt::QueuedConnection);
 }

@@ -16,8 +16,7 @@ class FormEditPdfBmp;
 
 namespace rasterkit {
 
-/// The window of the editor. Everything is decided by its model; the window hands it the events and
-/// shows what it says.
+/// The window of the editor. It forwards all events to its model and shows the model's state.
 class TFormEditPdfBmp : public TScaledForm, private EditPdfBmpView {
   Q_OBJECT
 
@@ -28,8 +27,8 @@ class TFormEditPdfBmp : public TScaledForm, private EditPdfBmpView {
   EditPdfBmpModel& Model() { return *model_; }
   TBmpCutRect& Tool() { return *fBmpCutRect; }
 
-  /// Shows the window until the model closes it. `onShown` runs first thing in it, so that what
-  /// takes long can be seen and cancelled.
+  /// Shows the window until the model closes it. `onShown` runs first in its loop, so that long
+  /// operations are visible and can be canceled.
   int ShowEditor(std::function<void()> onShown = {});
 
  protected:
@@ -68,7 +67,7 @@ class TFormEditPdfBmp : public TScaledForm, private EditPdfBmpView {
   void ShowPictureMenu(const QPoint& place);
 
   void WatchKeyboard();
-  /// True when the key has been used and `receiver` must not see it.
+  /// Returns true if the key was used and `receiver` must not get it.
   bool KeyDown(const QObject& receiver, const QKeyEvent& event);
   bool PressButton(const QObject& receiver, const QKeyEvent& event);
   bool TakePage(const QObject& receiver, const QKeyEvent& event);
@@ -79,7 +78,7 @@ class TFormEditPdfBmp : public TScaledForm, private EditPdfBmpView {
   std::unique_ptr<Ui::FormEditPdfBmp> ui_;
   std::unique_ptr<TBmpCutRect> fBmpCutRect;
   std::unique_ptr<EditPdfBmpModel> model_;
-  /// Had the focus when it was disabled, and gets it back.
+  /// The control that had the focus when it was disabled; it gets the focus back.
   QPointer<QWidget> focusBefore_;
   QTimer progressDelay_;
   int wheelRest_ = 0;

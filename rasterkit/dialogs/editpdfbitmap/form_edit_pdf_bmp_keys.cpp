@@ -10,7 +10,7 @@
 
 #include "ui_form_edit_pdf_bmp.h"
 
-/// The window sees the keys and the wheel of its controls before they do.
+/// The window gets the keys and wheel events of its controls before the controls do.
 namespace rasterkit {
 namespace {
 
@@ -38,7 +38,8 @@ EditKey EditKeyOf(const QKeyEvent& event) {
   }
 }
 
-/// What the key writes into a combo box; nothing when it only moves about or is a command.
+/// Returns the key's effect on the text of a combo box; nothing if it only moves the caret or is a
+/// command.
 std::optional<ComboKey> ComboKeyOf(const QKeyEvent& event) {
   if (IsEnter(event)) return ComboKey::enter;
   if (event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Delete) return ComboKey::backspace;
@@ -52,7 +53,7 @@ std::optional<ComboKey> ComboKeyOf(const QKeyEvent& event) {
   return text[0] == u'-' ? ComboKey::minus : ComboKey::other;
 }
 
-/// A page has been typed that is not taken over yet.
+/// Whether a typed page was not applied yet.
 bool HasPageToCome(const QSpinBox& box) {
   return box.text() != QString::number(box.value());
 }
@@ -99,7 +100,7 @@ bool TFormEditPdfBmp::KeyDown(const QObject& receiver, const QKeyEvent& event) {
   return model_->FormKeyDown(EditKeyOf(event), HoldsCtrl(event));
 }
 
-/// Enter presses the cancel or help button that it stands on; everywhere else it confirms.
+/// Enter presses a focused cancel or help button; everywhere else it confirms.
 bool TFormEditPdfBmp::PressButton(const QObject& receiver, const QKeyEvent& event) {
   if (!IsEnter(event)) return false;
   for (const TNavigateButton which : {nbCancel, nbHelp}) {
@@ -111,7 +112,7 @@ bool TFormEditPdfBmp::PressButton(const QObject& receiver, const QKeyEvent& even
   return false;
 }
 
-/// What is typed into the number of the page is not for the window.
+/// Keys typed into the page number are not for the window.
 bool TFormEditPdfBmp::IsForPage(const QObject& receiver, const QKeyEvent& event) const {
   if (&receiver != ui_->SpinEditPage) return false;
   if (event.key() == Qt::Key_Delete) return true;
@@ -125,8 +126,8 @@ bool TFormEditPdfBmp::TakePage(const QObject& receiver, const QKeyEvent& event) 
   return true;
 }
 
-// Reached by keys that came to the window itself, and by those that no control had a use for: to
-// ask twice changes nothing. The dialog's own answers to Enter and Escape would pass the model by.
+// Gets keys for the window itself and keys that no control used: handling them twice changes
+// nothing. The default Enter and Escape of QDialog would bypass the model.
 void TFormEditPdfBmp::keyPressEvent(QKeyEvent* event) {
   event->setAccepted(KeyDown(*this, *event));
 }

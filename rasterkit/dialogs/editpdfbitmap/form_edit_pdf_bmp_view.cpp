@@ -11,11 +11,11 @@
 
 #include "ui_form_edit_pdf_bmp.h"
 
-/// What the model asks of the window.
+/// The view of the model.
 namespace rasterkit {
 namespace {
 
-/// "Page (total No. of pages 3)" is called by its first letter.
+/// "Page (total No. of pages 3)" gets its first letter as mnemonic.
 QString WithMnemonic(QString text) {
   return "&" + text.replace(u'&', QLatin1String("&&"));
 }
@@ -77,7 +77,7 @@ void TFormEditPdfBmp::SetEnabled(EditControl control, bool enabled) {
   Enable(WidgetOf(control), enabled);
 }
 
-/// What had the focus before a rest has it after it.
+/// A control that had the focus when it was disabled gets the focus back.
 void TFormEditPdfBmp::Enable(QWidget& widget, bool enabled) {
   if (!enabled && focusBefore_ == nullptr && focusWidget() == &widget) focusBefore_ = &widget;
   widget.setEnabled(enabled);
@@ -106,7 +106,7 @@ void TFormEditPdfBmp::SetCaption(const std::string& caption) {
   setWindowTitle(ToQt(caption));
 }
 
-// The layout gives the panel the width of the buttons that are seen.
+// The layout gives the panel the width of its visible buttons.
 void TFormEditPdfBmp::WidenButtonPanel(int) {}
 
 void TFormEditPdfBmp::Repaint() {

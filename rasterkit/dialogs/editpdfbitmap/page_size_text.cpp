@@ -12,13 +12,13 @@ namespace {
 
 constexpr int kBits = 24;
 
-/// A file may state a page of any size.
+/// A file may contain a page size of any value.
 int Whole(double value) {
-  constexpr double greatest = std::numeric_limits<int>::max();
-  return value > 0 ? static_cast<int>(std::min(std::round(value), greatest)) : 0;
+  constexpr double kGreatest = std::numeric_limits<int>::max();
+  return value > 0 ? static_cast<int>(std::min(std::round(value), kGreatest)) : 0;
 }
 
-std::string Millimetres(double points) {
+std::string Millimeters(double points) {
   return std::to_string(Whole(points * 25.4 / 72));
 }
 
@@ -29,7 +29,7 @@ std::string PageSizeText(const PdfPageSize& page, int resolution) {
   const int width = Whole(pixels.width), height = Whole(pixels.height);
   const MemorySize memory = MemorySizeOf(kBits, width, height);
   const std::string values[] = {std::to_string(width),   std::to_string(height),
-                                Millimetres(page.width), Millimetres(page.height),
+                                Millimeters(page.width), Millimeters(page.height),
                                 memory.number,           memory.unit};
   return FormatText(ResourceString(rsEditPageSize), values);
 }

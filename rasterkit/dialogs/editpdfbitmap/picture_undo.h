@@ -11,7 +11,7 @@
 
 namespace rasterkit {
 
-/// The settings beside a picture.
+/// The settings that belong to a picture.
 struct EditState {
   int rotation = 0, resolution = 0, pageNumber = 0, page = 1;
   bool bmpChanged = false;
@@ -21,34 +21,34 @@ struct EditState {
   std::optional<RDRect> cut;
 };
 
-/// The last change of the picture, to be taken back: one step.
+/// The last change of the picture, for undo: one step.
 class PictureUndo {
  public:
   struct Step {
     EditState state;
     std::unique_ptr<TBitmap> bitmap;
-    /// Only where the change made a new one.
+    /// Null unless the change made a new one.
     std::unique_ptr<TGraphic> graphic;
     bool hasGraphic = false;
   };
 
-  /// A new change begins; the one before can no longer be taken back.
+  /// Begins a new change; the previous one can no longer be undone.
   void Begin(EditState state);
-  /// The bitmap as it was before; null when it could not be kept, which forgets the change.
+  /// Stores the bitmap of before; null if it could not be kept, which discards the step.
   void KeepBitmap(std::unique_ptr<TBitmap> bitmap);
-  /// The graphic as it was before the change, unless that and the bitmap are too much beside a
-  /// picture of so many bytes: then the change is forgotten.
+  /// Stores the graphic of before. Discards the step if the graphic and the bitmap need too much
+  /// memory in addition to a picture of `bytesOfPicture` bytes.
   void KeepGraphic(std::unique_ptr<TGraphic> graphic, uint64_t bytesOfPicture);
   void Forget() { step_.reset(); }
-  /// The change is made.
+  /// Ends the change.
   void Settle() { isNew_ = false; }
 
   bool HasStep() const { return step_ && step_->bitmap; }
-  /// A change has begun and nothing is kept for it yet.
+  /// Whether a change has begun and nothing is stored for it yet.
   bool AwaitsBitmap() const { return step_ && !step_->bitmap; }
-  /// What is kept belongs to a change that is not settled yet.
+  /// Whether the stored step belongs to a change that has not ended.
   bool IsNew() const { return isNew_; }
-  /// The step, which is then forgotten; only when there is one.
+  /// Returns and removes the step; requires that there is one.
   Step Take();
 
  private:
@@ -56,14 +56,14 @@ class PictureUndo {
   bool isNew_ = false;
 };
 
-/// Memory of a graphic's rows in bytes, as far as it has any.
+/// Returns the memory of a graphic's rows in bytes; 0 if it has none.
 uint64_t PixelBytes(const TGraphic& graphic);
 
-/// Whether a picture and what is kept of the one before stay within what one picture may take
+/// Whether a picture and the stored previous one together fit into the memory limit of one picture
 /// (see PictureMemoryLimit).
 bool MayKeep(uint64_t bytesBefore, uint64_t bytesOfPicture);
 
-/// A copy to be kept for undoing; null where it would be too much, or there is no memory for it.
+/// Returns a copy for undo; null if it would need too much memory or allocation fails.
 std::unique_ptr<TBitmap> CopyForUndo(const TBitmap* bitmap);
 
 }  // namespace rasterkit

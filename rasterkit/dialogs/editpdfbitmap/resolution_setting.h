@@ -4,8 +4,8 @@
 
 namespace rasterkit {
 
-/// The resolution in dpi that was rendered last, from the host's settings; nothing when none is
-/// kept there, or no sensible one.
+/// Returns the last rendered resolution in dots per inch from the host's settings; nothing if none
+/// is stored or the value is invalid.
 std::optional<int> ReadResolution();
 void WriteResolution(int dpi);
 

@@ -5,14 +5,14 @@
 
 namespace rasterkit {
 
-/// The window of `ChangeBitmap` (operation 0) for those who give values to begin with and expect to
-/// see them: each of them counts from the start, brightness first, then contrast, sharpness and
-/// colours. Once refresh was pressed, they are applied in the order in which they were touched.
+/// Runs the window of `ChangeBitmap` (operation 0) with all given values in effect from the start:
+/// brightness first, then contrast, sharpness and colors. After refresh was pressed, they are
+/// applied in the order in which they were changed.
 ///
-/// True, with the bitmap changed and the values of the dialog in `values`, when the user pressed
-/// OK; otherwise both stay as they were. Brightness and contrast leave pixels that are black or
-/// white as they are. Throws Error when no window can be opened, and LimitError when the changed
-/// picture exceeds the memory budget. Runs on the thread of the application object.
+/// Returns true if the user pressed OK: the bitmap is changed then and `values` has the values of
+/// the dialog; otherwise both do not change. Brightness and contrast do not change black or white
+/// pixels. Throws Error if no window can be opened, and LimitError if the changed picture exceeds
+/// the memory budget. Runs on the thread of the application object.
 RASTERKIT_EXPORT bool AdjustBitmap(TBitmap& bitmap, TChgBmpValuesRec& values);
 
 }  // namespace rasterkit

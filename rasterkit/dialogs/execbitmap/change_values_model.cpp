@@ -11,7 +11,7 @@ namespace {
 
 constexpr ValueControl kColors[] = {ValueControl::red, ValueControl::green, ValueControl::blue};
 
-/// Busy from its making to its end, whatever happens in between.
+/// Marks the model as busy while it lives, also if an exception is thrown.
 class BusyTime {
  public:
   explicit BusyTime(bool& busy) : busy_(busy), before_(busy) { busy_ = true; }
@@ -100,8 +100,8 @@ void ChangeValuesModel::SetOperation(int32_t operation) {
   operation_ = operation;
   if (operation == kOperationValues) SetTBcolorMinMax(-100, 100);
   if (operation == kOperationBlackAndWhite) {
-    constexpr int firstThreshold = 125;
-    SetTrackBarToFarbe(firstThreshold);
+    constexpr int kFirstThreshold = 125;
+    SetTrackBarToFarbe(kFirstThreshold);
   }
   ExecOperation();
 }
@@ -163,7 +163,7 @@ ValueChange ChangeValuesModel::CurrentChange() const {
   return change;
 }
 
-// The previews knew what is seen of it, and no more.
+// The previews computed only the visible part.
 void ChangeValuesModel::ApplyTo(TBitmap& bitmap) const {
   const std::unique_ptr<TBitmap> working = bitmap.Clone();
   CurrentChange().ApplyTo(*working);

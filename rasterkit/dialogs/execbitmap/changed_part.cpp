@@ -6,19 +6,19 @@
 namespace rasterkit {
 namespace {
 
-/// Changing the palette of a bitmap keeps so many bits a pixel of each row.
+/// Returns how many bits per pixel of each row remain when the palette of a bitmap changes.
 int BitsKeptOfPalette(int count) {
   if (count == 2) return 1;
   return count == 16 ? 4 : 8;
 }
 
-/// Whether a pixel's fate depends on its place in the row.
+/// Whether the result of a pixel depends on its position in the row.
 bool NeedsWholeRows(const TBitmap& picture) {
   return IsIndexed(picture.PixelFormat()) &&
          BitsKeptOfPalette(picture.Palette().Count()) < picture.StoredBits();
 }
 
-/// What must be computed for `part`.
+/// Returns the area that must be computed for `part`.
 PixelRect PartToCompute(const TBitmap& picture, const TRect& part, int margin) {
   const bool wholeRows = NeedsWholeRows(picture);
   return {wholeRows ? 0 : std::max(part.Left - margin, 0), std::max(part.Top - margin, 0),
@@ -32,7 +32,7 @@ TBitmap CopyOfPart(const TBitmap& picture, const PixelRect& part) {
   return copy;
 }
 
-/// The changed part, and where `part` lies in it.
+/// The changed area, and the position of `part` in it.
 struct Changed {
   TBitmap pixels;
   TPoint origin;
@@ -46,7 +46,7 @@ Changed ChangePart(const TBitmap& picture, const TRect& part, const ValueChange&
   return result;
 }
 
-/// Automatic is the colour of the bottom-left pixel of the whole.
+/// An automatic color is that of the bottom-left pixel of the whole picture.
 TColor TransparentColorOf(const TBitmap& picture, const ValueChange& change) {
   if (picture.TransparentMode() == tmFixed) return picture.TransparentColor();
   const int bottom = picture.Height() - 1;

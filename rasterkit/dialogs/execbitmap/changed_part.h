@@ -6,12 +6,12 @@
 
 namespace rasterkit {
 
-/// A change computed for what is seen of a large picture only.
+/// Applies a change only to the visible part of a large picture.
 ///
-/// The result is a pf32bit bitmap of the size of `part` (which must lie inside the picture), as the
-/// changed picture would be drawn on a ground of the colour `ground`: the pixels are to the byte
-/// those that the change makes of the whole picture. Time and memory depend on the part, but for
-/// pictures whose palette does not fit their format: of these whole rows are computed.
+/// Returns a pf32bit bitmap of the size of `part` (which must be inside the picture), as the
+/// changed picture would be drawn on the background color `ground`: byte-identical to a change of
+/// the whole picture. Time and memory depend on the part, except for pictures whose palette does
+/// not fit their format: whole rows are computed then.
 TBitmap DrawChangedPart(const TBitmap& picture, const TRect& part, const ValueChange& change,
                         TColor ground);
 

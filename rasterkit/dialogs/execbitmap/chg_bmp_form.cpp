@@ -25,12 +25,12 @@ constexpr ValueControl kControls[kValueControls] = {
     ValueControl::lightness, ValueControl::contrast, ValueControl::sharpen,  ValueControl::red,
     ValueControl::green,     ValueControl::blue,     ValueControl::grayValue};
 
-/// The previews' places in PanBmps.
+/// The positions of the previews in PanBmps.
 constexpr int kWidthsUnused = 36, kHeightUnused = 21, kGap = 24;
 constexpr int kLeft = (kWidthsUnused - kGap) / 2, kTop = kHeightUnused / 2;
 
-/// The box in pixels of the screen: a picture is seen at its own size when each of its pixels is
-/// one of these.
+/// Returns the size of the box in screen pixels: a picture at its own size has one picture pixel
+/// per screen pixel.
 QSize PixelSize(const QWidget& box) {
   return (QSizeF(box.size()) * box.devicePixelRatioF()).toSize();
 }
@@ -102,7 +102,7 @@ void TFormChgBmp::ConnectPreviews() {
   ui_->PaintBoxFarbe->OnPaint = [this](TPaintBox&, QPainter& p) { PaintBoxFarbePaint(p); };
 }
 
-/// The form keeps no room for a panel that its operation has no use for.
+/// The form keeps no room for a panel that its operation does not use.
 void TFormChgBmp::HidePanel(QWidget& panel) {
   panel.hide();
   resize(width(), height() - panel.sizeHint().height() - layout()->spacing());
@@ -112,7 +112,7 @@ void TFormChgBmp::ShowOperation() {
   setWindowTitle(ToQt(model_.Caption()));
   if (!model_.ShowsGrayValue()) HidePanel(*ui_->PanIntens);
   if (!model_.ShowsEditingPanel()) HidePanel(*ui_->PanEdit);
-  // Operations differ in height.
+  // The operations have different heights.
   SetSettingsName("FormChgBmp" + std::to_string(model_.Operation()));
   ui_->PanShowColor->setVisible(model_.ShowsSwatch());
   ShowRefresh();
@@ -126,12 +126,13 @@ void TFormChgBmp::ShowOperation() {
   if (model_.ShowsGrayValue()) ui_->TrackBar->setFocus();
 }
 
-/// Where every slot is taken by brightness, only that counts until refresh; nobody would guess.
+/// While all task slots hold brightness, the other controls have no effect until Refresh; explain
+/// that in the tip.
 void TFormChgBmp::ShowRefresh() {
   QPushButton& refresh = ui_->NaviResult->Button(nbRefresh);
   refresh.setVisible(true);
-  constexpr TaskSlots taken = {kTaskBrightness, kTaskBrightness, kTaskBrightness, kTaskBrightness};
-  if (!model_.ShowsEditingPanel() || model_.Slots() != taken) return;
+  constexpr TaskSlots kTaken = {kTaskBrightness, kTaskBrightness, kTaskBrightness, kTaskBrightness};
+  if (!model_.ShowsEditingPanel() || model_.Slots() != kTaken) return;
   const QString hint = ResourceText(rsRefreshValuesHint);
   const QString key = QKeySequence(QKeySequence::Refresh).toString(QKeySequence::NativeText);
   refresh.setToolTip(hint + " (" + key + ")");
@@ -175,7 +176,7 @@ void TFormChgBmp::MeasurePreviews() {
   ShowPanCursor(false);
 }
 
-/// The ground beside and below the pictures follows the style.
+/// The background beside and below the pictures follows the style.
 void TFormChgBmp::changeEvent(QEvent* event) {
   TScaledForm::changeEvent(event);
   const bool isOfStyle =
@@ -198,7 +199,7 @@ void TFormChgBmp::RepaintPreviews() {
 
 void TFormChgBmp::PaintPreview(TPaintBox& box, QPainter& painter, TBitmap& content,
                                bool isOriginal) {
-  // On another screen the box may have become another number of pixels without a change of size.
+  // On another screen the box may have another number of pixels although its size is the same.
   if (PixelSize(*ui_->PaintBoxOrg) != previewSize_) {
     MeasurePreviews();
     RepaintPreviews();
@@ -231,20 +232,20 @@ void TFormChgBmp::PaintBoxOrgMouseMove(QMouseEvent& event) {
 }
 
 void TFormChgBmp::PaintBoxOrgKeyDown(QKeyEvent& event) {
-  constexpr int step = 20;
+  constexpr int kStep = 20;
   int right = 0, down = 0;
   switch (event.key()) {
     case Qt::Key_Left:
-      right = -step;
+      right = -kStep;
       break;
     case Qt::Key_Right:
-      right = step;
+      right = kStep;
       break;
     case Qt::Key_Up:
-      down = -step;
+      down = -kStep;
       break;
     case Qt::Key_Down:
-      down = step;
+      down = kStep;
       break;
     default:
       return event.ignore();

@@ -17,7 +17,7 @@ namespace rasterkit {
 
 class TSpinEditInt;
 
-/// The window of the change-values dialog. The model, which knows everything, must outlive it.
+/// The window of the change-values dialog. Its model must outlive it.
 class TFormChgBmp : public TScaledForm {
   Q_OBJECT
 
@@ -57,13 +57,13 @@ class TFormChgBmp : public TScaledForm {
   ChangeValuesModel& model_;
   std::unique_ptr<Ui::FormChgBmp> ui_;
   bool isShowing_ = false;
-  /// Of a preview in pixels of the screen, as the model was told.
+  /// Size of a preview in pixels of the screen, as passed to the model.
   QSize previewSize_;
-  /// What the previews show; empty until they are painted.
+  /// The content of the previews; empty until they are painted.
   TBitmap original_, changed_;
 };
 
-/// Runs the dialog; true when the user pressed OK.
+/// Runs the dialog; true if the user pressed OK.
 bool ConfirmValues(ChangeValuesModel& model);
 
 }  // namespace rasterkit

@@ -6,26 +6,26 @@
 
 namespace rasterkit {
 
-/// Which part of a picture a box of another size shows at the picture's own size. All numbers are
-/// pixels of the picture.
+/// The part of a picture that a box shows at the picture's own size. All numbers are picture
+/// pixels.
 class PreviewPosition {
  public:
-  /// Shows the middle of a picture that is larger than the box, else its beginning: along each axis
-  /// the offset starts at half of the excess, halves to even.
+  /// Shows the center of a picture that is larger than the box, else its beginning: along each axis
+  /// the offset is half of the excess, halves to even.
   void InitBmpPos(int bitmapWidth, int bitmapHeight, int boxWidth, int boxHeight);
 
   /// A button was pressed at `mouse`.
   void Press(TPoint mouse) { mouse_ = mouse; }
-  /// The mouse was dragged to `mouse`: the picture goes with it as far as there is any. True when
-  /// the offset is another one.
+  /// The mouse was dragged to `mouse`: the picture follows up to its edges. True if the offset
+  /// changed.
   bool Drag(TPoint mouse);
-  /// Shows what lies so many pixels further right and down; true when the offset is another one.
+  /// Moves the visible part right and down; true if the offset changed.
   bool Scroll(int64_t right, int64_t down);
 
-  /// The pixel of the picture at the upper left corner of the box.
+  /// Returns the picture pixel at the upper left corner of the box.
   TPoint Offset() const { return offset_; }
   TPoint MaxOffset() const { return maxOffset_; }
-  /// What is seen of the picture.
+  /// Returns the visible part of the picture.
   TRect Visible() const;
 
  private:

@@ -19,10 +19,10 @@ void AddTask(TaskSlots& taskSlots, int32_t code) {
 }
 
 void ValueChange::Run(int32_t task, TBitmap& bitmap) const {
-  // One thread: black and white stay as they are.
-  constexpr int32_t threads = 1;
-  if (task == kTaskBrightness) Helligkeit(&bitmap, lightness, threads, nullptr);
-  if (task == kTaskContrast) Kontrast(&bitmap, contrast, threads, nullptr);
+  // With one thread black and white pixels do not change.
+  constexpr int32_t kThreads = 1;
+  if (task == kTaskBrightness) Helligkeit(&bitmap, lightness, kThreads, nullptr);
+  if (task == kTaskContrast) Kontrast(&bitmap, contrast, kThreads, nullptr);
   if (task == kTaskSharpen) Sharpen(&bitmap, sharpen);
   if (task == kTaskColors)
     ShiftColors(&bitmap, static_cast<float>(red), static_cast<float>(green),

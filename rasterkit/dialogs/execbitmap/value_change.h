@@ -18,11 +18,11 @@ enum : int32_t { kTaskNone, kTaskBrightness, kTaskContrast, kTaskSharpen, kTaskC
 /// The order in which the tasks are applied.
 using TaskSlots = std::array<int32_t, 4>;
 
-/// Puts a task into the first empty slot, unless a slot before it has the task already or none is
+/// Puts a task into the first empty slot, unless it is already in a slot before that or no slot is
 /// empty.
 void AddTask(TaskSlots& taskSlots, int32_t code);
 
-/// All that decides what becomes of a bitmap.
+/// All parameters of a change of a bitmap.
 struct ValueChange {
   int32_t operation = kOperationValues;
   TaskSlots taskSlots{};
@@ -33,7 +33,7 @@ struct ValueChange {
 
   /// Changes the bitmap, on the calling thread.
   void ApplyTo(TBitmap& bitmap) const;
-  /// How many pixels around a part of a picture have a say in what becomes of it.
+  /// Returns the number of surrounding pixels that affect the result for a part of a picture.
   int Margin() const;
 
   friend bool operator==(const ValueChange&, const ValueChange&) = default;

@@ -25,7 +25,7 @@ bool EditGraphicsParasPixels(TrecSaveBitmap& rec, int& width, int& height) {
   TFormGraphicsParas form;
   GraphicsParasModel& model = form.Model();
   model.HideGroup(ParasGroup::resolution);
-  model.HideGroup(ParasGroup::millimetres);
+  model.HideGroup(ParasGroup::millimeters);
   model.SetBmpSize(width, height);
   model.SetSaveOptions(rec);
   if (form.ShowModal() != mrOk) return false;

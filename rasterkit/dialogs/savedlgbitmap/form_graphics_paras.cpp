@@ -12,7 +12,7 @@
 namespace rasterkit {
 namespace {
 
-/// Of two buttons of the navigator.
+/// The width of two buttons of the navigator.
 constexpr int kWidthWithoutHelp = 56;
 
 }  // namespace
@@ -25,7 +25,7 @@ TFormGraphicsParas::TFormGraphicsParas(QWidget* parent)
     edit->setNegativeAllowed(false);
     edit->setMaximum(INT32_MAX);
   }
-  // The panels and the edits take turns in the same place.
+  // The panels and the edits are shown alternately in the same place.
   for (QLabel* panel : {ui_->PanBmpW, ui_->PanBmpH})
     panel->setMinimumHeight(ui_->FlEdWidth->sizeHint().height());
   ShowPixelEdits(false);
@@ -63,7 +63,7 @@ void TFormGraphicsParas::HideHelp() {
 
 void TFormGraphicsParas::setVisible(bool visible) {
   if (visible && heightToShow_) {
-    // A place that was kept is as high as the groups were then.
+    // A stored position has the height of other groups.
     SetWindowHeight(*heightToShow_);
     model_->FormShow();
     heightToShow_.reset();
@@ -87,7 +87,7 @@ QGroupBox& TFormGraphicsParas::BoxOf(ParasGroup group) const {
       return *ui_->GBJpeg;
     case ParasGroup::pixelSize:
       return *ui_->GBPixels;
-    case ParasGroup::millimetres:
+    case ParasGroup::millimeters:
       break;
   }
   return *ui_->GBMm;
@@ -122,7 +122,7 @@ void TFormGraphicsParas::SetTitle(ParasGroup group, const std::string& title) {
 }
 
 int TFormGraphicsParas::Height(ParasGroup group) const {
-  // A panel is never higher or lower than it wants to be.
+  // The height of a panel is always its size hint.
   return PanelOf(group).sizeHint().height();
 }
 
@@ -131,7 +131,7 @@ void TFormGraphicsParas::SetVisible(ParasGroup group, bool visible) {
 }
 
 void TFormGraphicsParas::SetWindowHeight(int height) {
-  // Else the least height is still that of the groups before.
+  // Otherwise the minimum height is that of the previous groups.
   layout()->activate();
   if (heightToShow_) heightToShow_ = height;
   if (!isMaximized()) resize(width(), height);
@@ -146,7 +146,7 @@ void TFormGraphicsParas::SetText(ParasText text, const std::string& content) {
 }
 
 void TFormGraphicsParas::ShowPixelEdits(bool shown) {
-  // The letter of the one label would call a hidden field beside the panels.
+  // The mnemonic of the one label would belong to a hidden field while the panels are shown.
   for (QWidget* part :
        std::initializer_list<QWidget*>{ui_->LabPixelEdits, ui_->FlEdWidth, ui_->FlEdHeight})
     part->setVisible(shown);

@@ -15,7 +15,7 @@ class FormGraphicsParas;
 
 namespace rasterkit {
 
-/// The window "Graphics settings". It opens with help; what to show is asked of its model.
+/// The window "Graphics settings". It opens with the help button; its model sets what is shown.
 class TFormGraphicsParas : public TScaledForm, private GraphicsParasView {
   Q_OBJECT
 
@@ -24,10 +24,10 @@ class TFormGraphicsParas : public TScaledForm, private GraphicsParasView {
   ~TFormGraphicsParas() override;
 
   GraphicsParasModel& Model() { return *model_; }
-  /// Leaves the navigator with OK and cancel.
+  /// Leaves only OK and Cancel in the navigator.
   void HideHelp();
 
-  /// Qt's way to show and hide a window; the first time, the model does its part before.
+  /// Shows or hides the window; the model prepares it before it is first shown.
   void setVisible(bool visible) override;
 
  private:
@@ -53,7 +53,7 @@ class TFormGraphicsParas : public TScaledForm, private GraphicsParasView {
 
   std::unique_ptr<Ui::FormGraphicsParas> ui_;
   std::unique_ptr<GraphicsParasModel> model_;
-  /// What the groups need, until the window is shown.
+  /// The height of the groups, until the window is shown.
   std::optional<int> heightToShow_;
 };
 

@@ -15,17 +15,17 @@ namespace {
 
 constexpr int kLeastQuality = 10, kMostQuality = 100, kUsualQuality = 90;
 constexpr int kLeastHeight = 100;
-constexpr float kLeastMillimetres = 0.01F;
-constexpr double kMillimetresPerInch = 25.4;
+constexpr float kLeastMillimeters = 0.01F;
+constexpr double kMillimetersPerInch = 25.4;
 
-/// Counts of pixels or dots; what is no number is none.
+/// Rounds a number of pixels or dots; 0 if it is not finite.
 int32_t Rounded(double value) {
-  constexpr double greatest = std::numeric_limits<int32_t>::max();
-  return value > 0 ? static_cast<int32_t>(Round(std::min(value, greatest))) : 0;
+  constexpr double kGreatest = std::numeric_limits<int32_t>::max();
+  return value > 0 ? static_cast<int32_t>(Round(std::min(value, kGreatest))) : 0;
 }
 
-bool IsShowable(float millimetres) {
-  return std::isfinite(millimetres) && millimetres >= kLeastMillimetres;
+bool IsShowable(float millimeters) {
+  return std::isfinite(millimeters) && millimeters >= kLeastMillimeters;
 }
 
 /// "JPG " for 6.
@@ -77,16 +77,16 @@ void GraphicsParasModel::SetSizeMM(float width, float height) {
   view_.ShowPixelEdits(false);
   widthMm_ = width;
   heightMm_ = height;
-  view_.SetText(ParasText::PanWmm, TextOfMillimetres(width));
-  view_.SetText(ParasText::PanHmm, TextOfMillimetres(height));
-  if (!IsShowable(width) || !IsShowable(height)) HideGroup(ParasGroup::millimetres);
+  view_.SetText(ParasText::PanWmm, TextOfMillimeters(width));
+  view_.SetText(ParasText::PanHmm, TextOfMillimeters(height));
+  if (!IsShowable(width) || !IsShowable(height)) HideGroup(ParasGroup::millimeters);
 }
 
 void GraphicsParasModel::SetBmpSize(int32_t width, int32_t height) {
   hasEdits_ = true;
   view_.ShowPixelEdits(true);
   pixels_ = {static_cast<double>(width), static_cast<double>(height)};
-  // The edits hold no negative numbers.
+  // The edits accept no negative numbers.
   edited_ = {std::max(pixels_.width, 0.0), std::max(pixels_.height, 0.0)};
   const Setting setting(*this);
   view_.SetSize(SizeEdit::FlEdWidth, edited_.width);
@@ -158,7 +158,7 @@ int32_t GraphicsParasModel::RoundedHeight() const {
 
 void GraphicsParasModel::CalcPixSize() {
   if (hasEdits_ || !Visible(ParasGroup::resolution)) return;
-  const double factor = static_cast<float>(dpi_ / kMillimetresPerInch);
+  const double factor = static_cast<float>(dpi_ / kMillimetersPerInch);
   pixels_ = {static_cast<double>(Rounded(widthMm_ * factor)),
              static_cast<double>(Rounded(heightMm_ * factor))};
 }
@@ -184,7 +184,7 @@ void GraphicsParasModel::FormShow() {
   CalcPixSize();
   ShowPixSize();
   view_.SetWindowHeight(std::max(view_.WindowHeight(), kLeastHeight));
-  isInitialising_ = false;
+  isInitializing_ = false;
 }
 
 void GraphicsParasModel::CoBoGraphTypeChange(int position) {
@@ -214,9 +214,9 @@ void GraphicsParasModel::FlEdSizeChange(SizeEdit edit, double pixels) {
   if (settings_ != 0) return;
   const bool isWidth = edit == SizeEdit::FlEdWidth;
   (isWidth ? edited_.width : edited_.height) = pixels;
-  if (isInitialising_ || pixels_.width < 1 || pixels_.height < 1) return;
+  if (isInitializing_ || pixels_.width < 1 || pixels_.height < 1) return;
   const Setting setting(*this);
-  // What is shown is what counts.
+  // The shown number is the one that counts.
   if (isWidth) {
     edited_.height = Rounded(pixels * pixels_.height / pixels_.width);
     view_.SetSize(SizeEdit::FlEdHeight, edited_.height);

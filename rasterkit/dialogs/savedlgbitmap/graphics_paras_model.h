@@ -12,39 +12,42 @@ namespace rasterkit {
 /// The help topic of the settings window.
 inline constexpr int kHelpOfGraphicsParas = 530200;
 
-/// All that the settings window knows and does, without a window. Sizes come width first.
+/// The state and the rules of the settings window, without a window. Sizes are given as width,
+/// height.
 ///
-/// Before it is shown, groups are hidden, the size is set (in millimetres or in pixels), and then
-/// the record.
+/// Before it is shown, hide groups, set the size (in millimeters or in pixels), and then the
+/// record.
 class GraphicsParasModel {
  public:
-  /// The window shows all groups by now, and its own texts.
+  /// Requires that the window shows all groups and its own texts.
   explicit GraphicsParasModel(GraphicsParasView& view);
 
-  /// The window becomes shorter by the group's height. A hidden group stays so.
+  /// Hides a group and makes the window shorter by its height. The group stays hidden.
   void HideGroup(ParasGroup group);
   bool Visible(ParasGroup group) const { return visible_[static_cast<size_t>(group)]; }
 
-  /// The picture's size on paper, from which its pixels follow with each resolution. Sizes below
-  /// 0.01, and what is no number, are not shown.
+  /// Sets the picture's size on paper, which gives its pixels at each resolution. Sizes below 0.01
+  /// and non-finite ones are not shown.
   void SetSizeMM(float width, float height);
-  /// The picture's size in pixels, which the user may change in this proportion.
+  /// Sets the picture's size in pixels, which the user may change in this proportion.
   void SetBmpSize(int32_t width, int32_t height);
 
   void SetSaveOptions(const TrecSaveBitmap& rec);
-  /// The record with what the user set. Its type and resolution stay where these are hidden.
+  /// Returns the record with the user's settings. The type and the resolution do not change if they
+  /// are hidden.
   TrecSaveBitmap GetSaveOptions() const;
 
-  /// Shows the settings of a graphic type; JPEG has others than the rest.
+  /// Shows the settings of a graphic type; JPEG has other settings than the rest.
   void SetBmpType(int32_t type);
   int32_t BmpType() const { return type_; }
 
-  /// What SetBmpSize was given, or what the user made of it, rounded, halves to even.
+  /// Returns the size in pixels that was set or that the user entered, rounded, halves to even.
   int32_t RoundedWidth() const;
   int32_t RoundedHeight() const;
 
-  // What happens in the window.
-  /// Shown for the first time.
+  // Events of the window.
+
+  /// Called when the window is first shown.
   void FormShow();
   void CoBoGraphTypeChange(int position);
   void SpEdDpiChange(double dpi);
@@ -56,7 +59,7 @@ class GraphicsParasModel {
   struct Size {
     double width = 0, height = 0;
   };
-  /// While it lives, events of controls are the model's own doing.
+  /// While it lives, events of controls are caused by the model itself.
   class Setting;
 
   void SetVisible(ParasGroup group, bool visible);
@@ -68,7 +71,7 @@ class GraphicsParasModel {
 
   GraphicsParasView& view_;
   std::array<bool, kParasGroups> visible_;
-  /// As they are without a type and a unit.
+  /// The titles without a type and a unit.
   std::string orgBitmapTitle_, orgJpegTitle_, orgSizeCaption_;
   TrecSaveBitmap rec_;
   int32_t type_ = 0;
@@ -76,12 +79,12 @@ class GraphicsParasModel {
   int32_t bits_ = 24;
   int32_t quality_ = 0;
   float widthMm_ = 0, heightMm_ = 0;
-  /// In pixels: what was given, or follows from the resolution.
+  /// In pixels: the given size, or the one that follows from the resolution.
   Size pixels_;
-  /// What the edits hold; these are the size where they are shown.
+  /// The content of the edits; this is the size if they are shown.
   Size edited_;
   bool hasEdits_ = false;
-  bool isInitialising_ = true;
+  bool isInitializing_ = true;
   int settings_ = 0;
 };
 

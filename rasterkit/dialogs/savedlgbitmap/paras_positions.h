@@ -2,17 +2,17 @@
 
 #include <cstdint>
 
-/// Entries of the lists in the settings window, counted from 0. Nothing selected counts as -1.
+/// Entries of the lists in the settings window, counted from 0. -1 means no selection.
 namespace rasterkit {
 
-/// The graphic type of an entry: 1, 6, 8, 10; any other position is PNG.
+/// Returns the graphic type of an entry: 1, 6, 8, 10; PNG for any other position.
 int32_t GraphicTypeAt(int position);
-/// The entry of a graphic type; any other type stands with PNG.
+/// Returns the entry of a graphic type; that of PNG for any other type.
 int PositionOfGraphicType(int32_t type);
 
-/// The bits a pixel of an entry: 1, 4, 8, 24; any other position is 24.
+/// Returns the bits per pixel of an entry: 1, 4, 8, 24; 24 for any other position.
 int32_t ColorDepthAt(int position);
-/// The entry of a number of bits; any other number stands with 24.
+/// Returns the entry of a bit depth; that of 24 for any other number.
 int PositionOfColorDepth(int32_t bits);
 
 }  // namespace rasterkit

@@ -6,7 +6,7 @@
 namespace rasterkit {
 namespace {
 
-/// What the two have in common before the window is shown.
+/// Common part of both routines before the window is shown.
 void Prepare(TSaveGraphicsDlg& dialog, const std::string& dir, int32_t type, bool withMetafiles,
              const std::string& fileName) {
   dialog.SetAcceptWithoutChecks(fileName.empty());
@@ -17,7 +17,7 @@ void Prepare(TSaveGraphicsDlg& dialog, const std::string& dir, int32_t type, boo
   dialog.SetFilterIndex(SaveGraphicsModel::FirstFilterIndex(fileName, type));
 }
 
-/// Shows it, and takes over what was confirmed.
+/// Shows the window and stores a confirmed result.
 bool Confirmed(TSaveGraphicsDlg& dialog, TrecSaveBitmap& rec, std::string& fileName) {
   if (dialog.ShowModal() != mrOk) return false;
   rec = dialog.Model().Result(dialog.GetFilterIndex());

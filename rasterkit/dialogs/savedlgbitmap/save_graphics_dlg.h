@@ -13,9 +13,9 @@ struct ParasChoice {
   float sizeA = 0, sizeB = 0;
 };
 
-/// The save window for graphics: the chosen kind of file decides the extension and whether there
-/// are options. Its owner makes `FilterChange` its filter-change event and one of the two clicks
-/// its options button.
+/// The save window for graphics: the chosen file type sets the extension and whether there are
+/// options. The owner connects `FilterChange` with the filter-change event and one of the two click
+/// handlers with the options button.
 class TSaveGraphicsDlg : public TFormSaveDlgExt {
   Q_OBJECT
 
@@ -28,7 +28,7 @@ class TSaveGraphicsDlg : public TFormSaveDlgExt {
   void FilterChange();
   /// Opens the settings of the chosen type, without the type itself and without help.
   void OptionsClick();
-  /// Opens them with the size in pixels of the model.
+  /// Opens the settings with the size in pixels of the model.
   void BmpSizeClick();
 
  private:

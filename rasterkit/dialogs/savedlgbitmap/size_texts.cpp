@@ -8,9 +8,10 @@
 namespace rasterkit {
 namespace {
 
-/// As printf writes it: what counts at a half is the number itself, not a decimal near it.
+/// Like printf: halves are decided by the exact value of the double, not by a nearby decimal
+/// number.
 std::string Written(double value, std::chars_format format, int decimals) {
-  // The greatest float has 39 digits.
+  // The largest float has 39 digits.
   std::array<char, 64> text{};
   const auto end =
       std::to_chars(text.data(), text.data() + text.size(), value, format, decimals).ptr;
@@ -21,7 +22,7 @@ std::string Fixed(double value, int decimals) {
   return Written(value, std::chars_format::fixed, decimals);
 }
 
-/// With the decimal mark of the texts.
+/// Inserts the decimal mark of the texts.
 std::string ForPeople(std::string number) {
   const size_t point = number.find('.');
   if (point != number.npos) number.replace(point, 1, DecimalMark());
@@ -44,10 +45,10 @@ BitmapSizeText TextOfBitmapSize(int bits, double width, double height) {
   return {ForPeople(Fixed(bytes / 1e6, 2)), rsUnitMegabyte};
 }
 
-std::string TextOfMillimetres(float millimetres) {
-  constexpr float sevenDigits = 9999999.0F;
-  if (millimetres <= sevenDigits) return Fixed(millimetres, 0);
-  return Fixed(WithSevenDigits(millimetres), 0);
+std::string TextOfMillimeters(float millimeters) {
+  constexpr float kSevenDigits = 9999999.0F;
+  if (millimeters <= kSevenDigits) return Fixed(millimeters, 0);
+  return Fixed(WithSevenDigits(millimeters), 0);
 }
 
 }  // namespace rasterkit

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-/// Sizes as the settings window shows them, whatever the process's locale is.
+/// Sizes as the settings window shows them, independent of the locale of the process.
 namespace rasterkit {
 
 struct BitmapSizeText {
@@ -12,12 +12,12 @@ struct BitmapSizeText {
   std::string_view unit;
 };
 
-/// The memory that the pixels take without their rows' padding: up to 10,000 in bytes, up to
-/// 1,000,000 in thousands, above in millions with two decimals (see DecimalMark). Computed in
-/// single precision; halves of what is written go to the even digit.
+/// Returns the memory of the pixels without row padding: up to 10,000 in bytes, up to 1,000,000 in
+/// thousands, above in millions with two decimals (see DecimalMark). Computed in single precision
+/// and rounded, halves to even.
 BitmapSizeText TextOfBitmapSize(int bits, double width, double height);
 
-/// Whole millimetres, with no more than 7 digits that are not 0.
-std::string TextOfMillimetres(float millimetres);
+/// Returns whole millimeters with at most 7 significant digits.
+std::string TextOfMillimeters(float millimeters);
 
 }  // namespace rasterkit

@@ -16,7 +16,7 @@
 
 namespace rasterkit {
 
-/// The controls as the model sees them.
+/// Connects the model with the controls.
 class TFormSaveDlgExt::View final : public SaveDialogView, public Ui::FormSaveDlgExt {
  public:
   explicit View(TFormSaveDlgExt& form) : form_(form) {}
@@ -48,7 +48,7 @@ class TFormSaveDlgExt::View final : public SaveDialogView, public Ui::FormSaveDl
     edit.setText(ToQt(text));
   }
 
-  // Messages and questions need somebody who shows them.
+  // Messages and questions require an application object.
   const TModalCall call_;
   TFormSaveDlgExt& form_;
 };
@@ -65,7 +65,7 @@ TFormSaveDlgExt::TFormSaveDlgExt(QWidget* parent)
   view_->SBDetails->setIcon(Icon("details"));
   view_->OKButton->setIcon(Icon("save"));
   view_->CancelButton->setIcon(Icon("cancel"));
-  // What bears no letter of its own.
+  // Controls without a mnemonic.
   view_->SBUp->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Up));
   view_->SBList->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_1));
   view_->SBDetails->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_2));
@@ -130,14 +130,14 @@ bool TFormSaveDlgExt::eventFilter(QObject* watched, QEvent* event) {
   const int key = static_cast<QKeyEvent*>(event)->key();
   if (key != Qt::Key_Return && key != Qt::Key_Enter)
     return TScaledForm::eventFilter(watched, event);
-  // Enter means the folder here, not the button that saves.
+  // Enter applies to the folder here, not to the save button.
   Application.Guard([this] { model_->EditPathEnter(); });
   return true;
 }
 
 void TFormSaveDlgExt::showEvent(QShowEvent* event) {
   TScaledForm::showEvent(event);
-  // Whoever named no folder gets the current one, and is to see which that is.
+  // Without a folder the window shows the current one and its path.
   if (view_->EditPath->text().isEmpty()) SetInitialDir(GetInitialDir());
 }
 

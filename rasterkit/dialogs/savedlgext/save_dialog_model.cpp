@@ -31,7 +31,7 @@ std::string Joined(const std::vector<std::string>& patterns) {
 
 SaveDialogModel::SaveDialogModel(SaveDialogView& view, const std::string& directory)
     : view_(view), directory_(WithSeparator(directory)) {
-  // In the user's language where it is shown, as all descriptions.
+  // In English; the view translates it like all descriptions.
   SetFilter(std::string(rsSaveAllFiles) + " (*.*)|*.*");
   view_.SetOptionsVisible(false);
 }
@@ -94,7 +94,7 @@ void SaveDialogModel::EditFilenameChange(const std::string& text) {
   isFolderSelected_ = false;
 }
 
-/// Another folder was typed than the one that is listed.
+/// Whether another folder than the listed one was typed.
 bool SaveDialogModel::IsPathPending() const {
   return !path_.empty() && WithSeparator(path_) != directory_;
 }
@@ -142,7 +142,7 @@ void SaveDialogModel::ButtonOptionsClick() {
 
 void SaveDialogModel::ButtonPathClick() {
   std::string folder = path_;
-  // The prompt is the question about overwriting with its place for a name unfilled, as ever.
+  // The prompt is the overwrite question with its placeholder unfilled.
   if (SelectDirectoryEx(folder, ResourceString(rsSaveFileExistsPrompt), kFolderChooserOptions))
     SetInitialDir(folder);
 }
@@ -162,13 +162,13 @@ void SaveDialogModel::OKButtonClick() {
   if (!ConfirmOverwrite || SaveFileOK(GetFileName())) view_.CloseOk();
 }
 
-/// The name field holds a folder: that is shown, and nothing is saved.
+/// Opens the folder in the name field; nothing is saved.
 void SaveDialogModel::EnterNamedFolder() {
   SetInitialDir(PlaceOf(name_, directory_));
   ShowName(isFolderSelected_ ? nameBeforeFolder_ : std::string());
 }
 
-/// A folder before the name is shown, and the name alone stays; false when there is no such folder.
+/// Opens the folder before the name and leaves only the name; false if there is no such folder.
 bool SaveDialogModel::GoToTypedFolder() {
   const std::string folder = ExtractFilePath(name_);
   if (folder.empty()) return true;

@@ -8,14 +8,14 @@
 
 namespace rasterkit {
 
-/// All that the save window knows and does, without a window.
+/// The state and the rules of the save window, without a window.
 class SaveDialogModel {
  public:
   using THandler = std::function<void()>;
-  /// What a host's folder chooser is told.
+  /// The options passed to the host's folder chooser.
   static constexpr int kFolderChooserOptions = 37;
 
-  /// `view` must outlive the model; `directory` is the folder that its list shows by itself.
+  /// `view` must outlive the model; `directory` is the folder that its list shows initially.
   SaveDialogModel(SaveDialogView& view, const std::string& directory);
 
   // What the owner of the window sets.
@@ -24,7 +24,7 @@ class SaveDialogModel {
   bool ConfirmOverwrite = true;
   bool AcceptWithoutChecks = false;
 
-  /// The list's folder, directly followed by the name with its extension replaced by DefaultExt.
+  /// Returns the list's folder followed by the name with its extension replaced by DefaultExt.
   std::string GetFileName() const;
   void SetFileName(const std::string& name);
   const std::string& GetInitialDir() const { return directory_; }
@@ -39,9 +39,9 @@ class SaveDialogModel {
   // What the user does.
   void EditFilenameChange(const std::string& text);
   void EditPathChange(const std::string& text) { path_ = text; }
-  /// Enter in the path edit: shows the folder, or says that there is none.
+  /// Enter in the path edit: shows the folder, or a message if it is missing.
   void EditPathEnter();
-  /// The focus left the path edit: shows the folder where there is one.
+  /// The path edit lost the focus: shows the folder if it exists.
   void EditPathExit();
   void FilterComboBoxChange(int position);
   void SBListClick() { view_.ShowReport(false); }
@@ -70,7 +70,7 @@ class SaveDialogModel {
   std::string directory_;
   std::string path_;
   std::string name_;
-  /// What stood in the name field before a folder was selected; it comes back when that is entered.
+  /// The name in the field before a folder was selected; it is restored when that folder is opened.
   std::string nameBeforeFolder_;
   bool isFolderSelected_ = false;
   std::string filter_;

@@ -5,8 +5,8 @@
 
 namespace rasterkit {
 
-/// What the save window's model needs of its window. What it changes here it knows already: events
-/// that a control raises while it is being set are ignored.
+/// What the model of the save window needs from its window. The model ignores events that a control
+/// emits while the model sets it.
 class SaveDialogView {
  public:
   /// `EditFilename`.
@@ -15,7 +15,7 @@ class SaveDialogView {
   virtual void ShowPath(const std::string& path) = 0;
   /// The folder of `FileListView`, with a separator at its end.
   virtual void ShowDirectory(const std::string& directory) = 0;
-  /// The mask of `FileListView`, which reads its folder afresh.
+  /// The mask of `FileListView`, which reads its folder again.
   virtual void ShowMask(const std::string& mask) = 0;
   /// Report or list style of `FileListView`.
   virtual void ShowReport(bool report) = 0;
@@ -25,7 +25,7 @@ class SaveDialogView {
   virtual void ShowFilterPosition(int position) = 0;
   virtual void SetOptionsVisible(bool visible) = 0;
   virtual void SetSelPathVisible(bool visible) = 0;
-  /// Ends the window with `mrOk`.
+  /// Closes the window with `mrOk`.
   virtual void CloseOk() = 0;
 
  protected:

@@ -11,7 +11,7 @@ namespace rasterkit {
 
 bool SaveFileOK(const std::string& fileName) {
   if (!FileExists(fileName)) return true;
-  // A host that asks by itself needs no windows of ours.
+  // A host with its own confirmation needs no windows of this library.
   std::optional<TModalCall> call;
   if (!HostPorts().confirmation) call.emplace();
   return Confirm(FormatText(ResourceString(rsSaveFileExists), {&fileName, 1}));

@@ -11,7 +11,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// The limit of nearly every disk, in bytes.
+/// The limit of nearly every file system, in bytes.
 constexpr size_t kLongestName = 255;
 
 std::string WithoutHome(const std::string& typed) {
@@ -30,24 +30,24 @@ bool IsBlank(const std::string& text) {
 
 bool IsUnfit(char character) {
   const auto byte = static_cast<unsigned char>(character);
-  // Wildcards are meant as a filter, and would be one to whoever opens the file.
+  // Wildcards are meant as a filter and would act as one when the file is opened.
   return byte < 0x20 || byte == 0x7f || character == '*' || character == '?';
 }
 
-/// Names of devices, with any extension, on systems that the file may be taken to.
+/// Whether the name is a device on other systems, with any extension.
 bool IsDevice(const std::string& name) {
   std::string stem = name.substr(0, name.find('.'));
   stem.erase(std::min(stem.find_last_not_of(' ') + 1, stem.size()));
   std::transform(stem.begin(), stem.end(), stem.begin(),
                  [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
-  constexpr std::array<std::string_view, 6> devices = {"CON", "PRN",    "AUX",
-                                                       "NUL", "CONIN$", "CONOUT$"};
-  if (std::find(devices.begin(), devices.end(), stem) != devices.end()) return true;
+  constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN",    "AUX",
+                                                        "NUL", "CONIN$", "CONOUT$"};
+  if (std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end()) return true;
   const bool isPort = stem.starts_with("COM") || stem.starts_with("LPT");
   return isPort && stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9';
 }
 
-/// Where the character begins that `position` lies in.
+/// Returns the start of the character at `position`.
 size_t CharacterStart(const std::string& text, size_t position) {
   while (position > 0 && (static_cast<unsigned char>(text[position]) & 0xc0) == 0x80) --position;
   return position;
@@ -81,10 +81,10 @@ std::string_view FaultOfName(const std::string& name) {
 }
 
 std::string Shortened(const std::string& name) {
-  constexpr size_t kept = 40;
-  if (name.size() <= 2 * kept + 3) return name;
-  const size_t head = CharacterStart(name, kept);
-  const size_t tail = CharacterStart(name, name.size() - kept);
+  constexpr size_t kKept = 40;
+  if (name.size() <= 2 * kKept + 3) return name;
+  const size_t head = CharacterStart(name, kKept);
+  const size_t tail = CharacterStart(name, name.size() - kKept);
   return name.substr(0, head) + "…" + name.substr(tail);
 }
 

@@ -36,7 +36,7 @@ void GrayInPlace24(uint8_t* bgr, size_t width) {
 
 // A pixel takes a lane of 32 bits, as bytes G G R B. They read as two words, g + 256 g and
 // r + 256 b, and moved up by a byte as two others, 256 g and g + 256 r. The sum of the four, each
-// times its weight, is the grey value in units of 2^-24: its top byte is the result.
+// times its weight, is the gray value in units of 2^-24: its top byte is the result.
 constexpr int16_t kWeights[4] = {5833, 7471, 32669, 19435};
 constexpr int64_t kRed = kWeights[1] + 256 * kWeights[3];
 constexpr int64_t kGreen = 257 * kWeights[0] + 256 * kWeights[2] + kWeights[3];
@@ -82,9 +82,7 @@ HWY_INLINE Constants MakeConstants() {
 HWY_INLINE SignedLaneVector AddProducts(const Constants& c, SignedLaneVector start,
                                         LaneVector words, WordVector weights) {
   const auto numbers = hn::Xor(hn::BitCast(Words(), words), c.wordBias);
-  auto odd = hn::Zero(SignedLanes());
-  const auto even = hn::ReorderWidenMulAccumulate(SignedLanes(), numbers, weights, start, odd);
-  return hn::RearrangeToOddPlusEven(even, odd);
+  return hn::Add(start, SumOfProducts(numbers, weights));
 }
 
 HWY_INLINE LaneVector GraySum(const Constants& c, LaneVector ggrb) {
@@ -150,12 +148,12 @@ HWY_INLINE bool AllAreZero(const Quad& q) {
   return hn::AllTrue(Lanes(), hn::Eq(any, hn::Zero(Lanes())));
 }
 
-/// Zero in the lanes of neutral colours.
+/// Zero in the lanes of neutral colors.
 HWY_INLINE LaneVector Tint(LaneVector ggrb) {
   return hn::ShiftRight<16>(hn::Xor(ggrb, hn::ShiftLeft<8>(ggrb)));
 }
 
-/// Of the neutral colours, whose sums are all whole, only the levels 89 and 178 fall short: they
+/// Of the neutral colors, whose sums are all whole, only the levels 89 and 178 fall short: they
 /// need no table.
 HWY_INLINE LaneVector LowerNeutral(LaneVector ggrb, LaneVector sum) {
   const Lanes d;
@@ -181,8 +179,8 @@ HWY_INLINE bool AllAreEqual(const Quad& q) {
   return AllAreZero(ForEach([first](LaneVector v) { return hn::Xor(v, first); }, q));
 }
 
-/// Sums of which some are whole, made such that the top bytes are right. Neutral colours are common
-/// (paper, scans) and need no table; runs of one other colour need one look into it.
+/// Sums of which some are whole, made such that the top bytes are right. Neutral colors are common
+/// (paper, scans) and need no table; runs of one other color need one look into it.
 HWY_INLINE Quad SettledSums(const Quad& ggrb, const Quad& sums) {
   const bool neutral = AllAreZero(ForEach([](LaneVector v) { return Tint(v); }, ggrb));
   if (neutral)
@@ -194,7 +192,7 @@ HWY_INLINE Quad SettledSums(const Quad& ggrb, const Quad& sums) {
   return ForEach([](LaneVector v, LaneVector sum) { return LowerByTable(v, sum); }, ggrb, sums);
 }
 
-/// Lanes with the grey value of each pixel in their top byte. Three-byte pixels are read a quarter
+/// Lanes with the gray value of each pixel in their top byte. Three-byte pixels are read a quarter
 /// of a vector too far.
 template <int kBytes>
 HWY_INLINE Quad GrayOfQuad(const Constants& c, const uint8_t* pixels) {
@@ -225,7 +223,7 @@ void GrayOfRow(const uint8_t* pixels, size_t width, uint8_t* gray) {
   GrayOfPixels<kBytes>(pixels + rest * kBytes, readAhead, gray + rest);
 }
 
-/// Replaces the pixels of a quad by their grey values.
+/// Replaces the pixels of a quad by their gray values.
 struct ReplaceByGray {
   Constants constants;
   PackedOrder threeTimes;

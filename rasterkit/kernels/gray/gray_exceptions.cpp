@@ -5,7 +5,7 @@
 namespace rasterkit::kernels {
 namespace {
 
-// red * 256 + green of every colour whose sum falls short; printed by
+// red * 256 + green of every color whose sum falls short; printed by
 // tests/reference/print_gray_exceptions.cpp, which computes the extended sums in whole numbers.
 constexpr uint16_t kExceptions[] = {
     0x0723, 0x0E46, 0x134B, 0x1559, 0x1739, 0x1C82, 0x1C8C, 0x1C96, 0x1CBA, 0x1D61, 0x1D6B, 0x1D99,

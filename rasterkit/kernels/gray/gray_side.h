@@ -4,8 +4,8 @@
 
 namespace rasterkit::kernels {
 
-/// One side of the grey scale: the greys from `level` on (`upper`), or those below it. `level` may
-/// be any number: at 0 and less every grey lies above, beyond 255 every grey lies below.
+/// One side of the gray scale: the grays from `level` on (`upper`), or those below it. `level` may
+/// be any number: at 0 and less every gray lies above, beyond 255 every gray lies below.
 struct GraySide {
   int level;
   bool upper;

@@ -1,4 +1,4 @@
-// Which lanes of pixels lie on a side of the grey scale. For kernel files only, which include it
+// Which lanes of pixels lie on a side of the gray scale. For kernel files only, which include it
 // once for each SIMD target.
 #if defined(RASTERKIT_HOST_KERNELS_GRAY_TEST_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef RASTERKIT_HOST_KERNELS_GRAY_TEST_INL_H_
@@ -18,10 +18,10 @@ namespace rasterkit::kernels::HWY_NAMESPACE {
 
 #if HWY_TARGET != HWY_SCALAR
 
-/// Asks lanes B G R and anything whether their grey is `level` or more.
+/// Asks lanes B G R and anything whether their gray is `level` or more.
 ///
 /// It is where 297 r + 589 g + 114 b reaches 1000 times the level; only where it equals that do the
-/// level's few exceptions count, colours whose grey is one less.
+/// level's few exceptions count, colors whose gray is one less.
 struct GrayTest {
   WordVector blueRed, green;
   SignedLaneVector least, justBelow;
@@ -36,21 +36,12 @@ HWY_INLINE GrayTest MakeGrayTest(int level) {
           GrayExceptionsOf(level)};
 }
 
-/// `start` plus, for each lane, the products of its two words with their weights.
-HWY_INLINE SignedLaneVector AddWeighted(SignedLaneVector start, LaneVector words,
-                                        WordVector weights) {
-  auto odd = hn::Zero(SignedLanes());
-  const auto even = hn::ReorderWidenMulAccumulate(SignedLanes(), hn::BitCast(Words(), words),
-                                                  weights, start, odd);
-  return hn::RearrangeToOddPlusEven(even, odd);
-}
-
 HWY_INLINE SignedLaneVector Thousandths(const GrayTest& test, LaneVector bgr) {
   const hn::RebindToUnsigned<Words> words;
   const auto blueRed = hn::And(bgr, hn::Set(Lanes(), 0x00FF00FF));
   const auto green = hn::BitCast(Lanes(), hn::ShiftRight<8>(hn::BitCast(words, bgr)));
-  const auto half = AddWeighted(hn::Zero(SignedLanes()), blueRed, test.blueRed);
-  return AddWeighted(half, green, test.green);
+  return hn::Add(SumOfProducts(hn::BitCast(Words(), blueRed), test.blueRed),
+                 SumOfProducts(hn::BitCast(Words(), green), test.green));
 }
 
 HWY_INLINE LaneMask Reaches(const GrayTest& test, LaneVector sum) {

@@ -48,7 +48,7 @@ void ReplaceColor(uint8_t* bgr, size_t width, uint32_t from, uint32_t to) {
 
 #else
 
-/// Gives the pixels of a quad that lie on the side `kUpper` the colour. A quad without such pixels
+/// Gives the pixels of a quad that lie on the side `kUpper` the color. A quad without such pixels
 /// is not written.
 template <int kBytes, bool kUpper>
 struct RecolorQuad {
@@ -77,7 +77,7 @@ void RecolorPixels(uint8_t* pixels, size_t width, GraySide side, uint32_t color)
     EditRow<kBytes>(RecolorQuad<kBytes, false>{orders, test, colors}, pixels, width);
 }
 
-/// Gives the pixels of a quad that have one colour another.
+/// Gives the pixels of a quad that have one color another.
 struct ReplaceColorOfQuad {
   PixelOrders orders;
   LaneVector from, to;

@@ -96,7 +96,7 @@ bool DivideBlock(size_t pixels, Block<Real>& block) {
 
 #else
 
-/// Colours times alpha, and alpha times 1, of the pixels from `row` on. The products fit the lower
+/// Colors times alpha, and alpha times 1, of the pixels from `row` on. The products fit the lower
 /// halves of the lanes.
 template <class D>
 HWY_INLINE hn::Vec<D> TimesAlpha(D d, const uint8_t* row) {

@@ -7,11 +7,11 @@
 #include <rasterkit/kernels/halftone/halftone_axis.h>
 #include <rasterkit/kernels/halftone/halftone_rows.h>
 
-/// Means of B G R A pixels, the colours weighted by alpha; exact, halves rounded up. Rows are added
+/// Means of B G R A pixels, the colors weighted by alpha; exact, halves rounded up. Rows are added
 /// up first, then columns, and each sum is divided once.
 namespace rasterkit::kernels {
 
-/// Four sums for each pixel: the three colours times alpha, the alpha.
+/// Four sums for each pixel: the three colors times alpha, the alpha.
 inline constexpr size_t kOpacitySums = 4;
 
 /// For each of `width` pixels of the rows the weighted sums. The weights of one target row add up
@@ -35,13 +35,13 @@ struct AlphaColumns {
   AlphaColumns(const HalftoneAxis& columns, uint32_t rowsTotal);
 };
 
-/// Target pixels B G R A, one for each tap: alpha is the mean, colours are means weighted by alpha.
+/// Target pixels B G R A, one for each tap: alpha is the mean, colors are means weighted by alpha.
 /// Where there is no alpha at all they become 0; the indexes of those pixels are put into
 /// `transparent`, which has room for all, and their number is returned.
 size_t MeansByAlpha(const int32_t* sums, const AlphaColumns& columns, uint8_t* target,
                     uint32_t* transparent);
 
-/// Seven sums for each pixel: the three colours times alpha, the alpha, the three colours.
+/// Seven sums for each pixel: the three colors times alpha, the alpha, the three colors.
 inline constexpr size_t kAlphaSums = 7;
 
 /// The same in whole numbers for all totals: adds a row of pixels, `weight` times, to the sums. The
@@ -49,7 +49,7 @@ inline constexpr size_t kAlphaSums = 7;
 void AddWeightedPixels32(const uint8_t* pixels, size_t width, uint32_t weight, uint64_t* sums);
 
 /// Target pixels from rows whose weights add up to `rowsTotal`; where there is no alpha at all the
-/// colours are plain means.
+/// colors are plain means.
 void MeanRow32(const uint64_t* sums, const HalftoneAxis& columns, uint32_t rowsTotal,
                uint8_t* target);
 

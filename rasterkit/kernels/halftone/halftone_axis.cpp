@@ -19,7 +19,7 @@ HalftoneTap CoveringTap(int64_t i, int64_t size, int64_t length) {
   return tap;
 }
 
-/// The centre of target position i lies `place` / `unit` behind the centre of source position 0.
+/// The center of target position i lies `place` / `unit` behind the center of source position 0.
 HalftoneTap InterpolatingTap(int64_t place, int64_t unit, int64_t sourceSize) {
   HalftoneTap tap;
   tap.firstWeight = static_cast<uint32_t>(unit);
@@ -42,7 +42,7 @@ HalftoneAxis MakeHalftoneAxis(int64_t length, int64_t sourceSize, int64_t first,
   const int64_t divisor = std::gcd(length, sourceSize);
   const int64_t size = sourceSize / divisor, place = length / divisor;
   const bool grows = place > size;
-  // Centres are half positions apart from the corners; the halves cancel where both are odd.
+  // Centers are half positions apart from the corners; the halves cancel where both are odd.
   const int64_t halves = (size + place) % 2 == 0 ? 1 : 2;
   axis.shrinks = size > place;
   axis.innerWeight = static_cast<uint32_t>(grows ? 0 : place);

@@ -19,8 +19,8 @@ struct HalftoneTap {
 /// One axis of a halftone stretch: exact weights in whole numbers, made as small as they can be.
 ///
 /// Where the picture shrinks, a target position covers size / length source positions, each of
-/// which weighs as much as is covered of it. Where it grows, the centre of a target position lies
-/// between the centres of two source positions, which weigh the more the nearer they are; at both
+/// which weighs as much as is covered of it. Where it grows, the center of a target position lies
+/// between the centers of two source positions, which weigh the more the nearer they are; at both
 /// ends the outermost position counts alone.
 struct HalftoneAxis {
   std::vector<HalftoneTap> taps;
@@ -32,7 +32,7 @@ struct HalftoneAxis {
 };
 
 /// Weights for the target positions `first` to `last - 1` of a picture of `sourceSize` positions on
-/// a place of `length` positions, both 1 to kLongestHalftoneSide; mirrored where asked for.
+/// a place of `length` positions, both 1 to kLongestHalftoneSide; in reverse order if `mirrored`.
 HalftoneAxis MakeHalftoneAxis(int64_t length, int64_t sourceSize, int64_t first, int64_t last,
                               bool mirrored);
 

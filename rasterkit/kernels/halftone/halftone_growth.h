@@ -27,7 +27,7 @@ struct GrowthPlan {
 /// For an axis whose taps have at most two positions and whose total fits a byte's 256 values.
 GrowthPlan PlanGrowth(const HalftoneAxis& axis);
 
-/// Weighted sums of two neighbouring pixels B G R each. Up to kHalftonePadding elements beyond the
+/// Weighted sums of two neighboring pixels B G R each. Up to kHalftonePadding elements beyond the
 /// source row are read, and beyond the sums written.
 void GrowRow(const uint8_t* pixels, const GrowthPlan& plan, uint16_t* sums);
 

@@ -8,7 +8,7 @@
 // clang-format on
 
 // All searches carry distance and number in one lane, the number in the low eight bits: the minimum
-// of the lanes is the nearest colour, and the first one among equals. 3 * 1023 squared takes 22
+// of the lanes is the nearest color, and the first one among equals. 3 * 1023 squared takes 22
 // bits.
 
 #ifndef RASTERKIT_NEAREST_COLORS_ONCE
@@ -16,13 +16,13 @@
 namespace rasterkit::kernels {
 namespace {
 
-constexpr int kPlane = kCellSide * kCellSide;  // colours of a cell with the same red
+constexpr int kPlane = kCellSide * kCellSide;  // colors of a cell with the same red
 
-// Distances of a candidate to the colours of a cell, shifted past the index. With i counting from
+// Distances of a candidate to the colors of a cell, shifted past the index. With i counting from
 // the cell's least channel, d away from the candidate's, (d - i)^2 = d^2 - 2 d i + i^2; the last
 // term is the same for all candidates and is left out.
 struct CellTerms {
-  int32_t least;            // to the colour with the least channels, and the index
+  int32_t least;            // to the color with the least channels, and the index
   int32_t blue, green;      // -2 d
   int32_t reds[kCellSide];  // -2 d i
 };
@@ -34,7 +34,7 @@ CellTerms TermsOf(const CellCandidate& candidate, int blue, int green, int red) 
   return terms;
 }
 
-// The places of a plane's colours in it.
+// The places of a plane's colors in it.
 struct Plane {
   alignas(64) int32_t blue[kPlane], green[kPlane];
 };
@@ -87,7 +87,7 @@ uint8_t FindInList(const ColorList& colors, int blue, int green, int red) {
   return static_cast<uint8_t>(hn::GetLane(hn::MinOfLanes(d, best)));
 }
 
-// A vector of colours with the same red, from number `first` of the plane on, for all eight reds.
+// A vector of colors with the same red, from number `first` of the plane on, for all eight reds.
 HWY_INLINE void AnswerPart(const CellTerms* terms, size_t count, size_t first, uint8_t* answers) {
   const D d;
   const hn::Rebind<uint8_t, D> bytes;

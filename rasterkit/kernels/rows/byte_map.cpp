@@ -156,10 +156,10 @@ ByteMap MakeByteMap(const ByteTable& table, double factor, int origin) {
   const auto part = static_cast<int>(std::floor((factor - whole) * 32768));
   map.origin = static_cast<int16_t>(origin);
   map.whole = static_cast<int16_t>(whole);
-  // Which neighbour of the exact part rounds all halves as the table does shows when they are
+  // Which neighbor of the exact part rounds all halves as the table does shows when they are
   // tried.
-  constexpr int kNeighbours[][2] = {{0, 0}, {1, 1}, {-1, -1}, {0, 1}, {-1, 1}};
-  for (const auto& [low, high] : kNeighbours) {
+  constexpr int kNeighbors[][2] = {{0, 0}, {1, 1}, {-1, -1}, {0, 1}, {-1, 1}};
+  for (const auto& [low, high] : kNeighbors) {
     map.low = static_cast<int16_t>(part + low);
     map.high = static_cast<int16_t>(part + high);
     map.hasSlope = SlopeGivesTheTable(map);

@@ -5,7 +5,7 @@
 
 namespace rasterkit::kernels {
 
-/// Whether two rows of `count` pixels B G R A have the same colours; alpha takes no part. Reading
+/// Whether two rows of `count` pixels B G R A have the same colors; alpha takes no part. Reading
 /// ends soon after the first difference.
 bool EqualColors32(const uint8_t* a, const uint8_t* b, size_t count);
 

@@ -8,13 +8,13 @@
 /// are written.
 namespace rasterkit::kernels {
 
-/// Three bytes a pixel.
+/// Exchanges red and blue of pixels of three bytes.
 void ExchangeRedBlue24(const uint8_t* pixels, size_t width, uint8_t* target);
 
-/// Four bytes a pixel; the fourth is copied.
+/// Exchanges red and blue of pixels of four bytes; the fourth byte is copied.
 void ExchangeRedBlue32(const uint8_t* pixels, size_t width, uint8_t* target);
 
-/// `width` pixels B G R from a row of each colour.
+/// `width` pixels B G R from a row of each color.
 void JoinPlanes24(const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t width,
                   uint8_t* target);
 

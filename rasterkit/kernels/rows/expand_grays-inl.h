@@ -15,8 +15,8 @@ namespace {
 
 #if HWY_TARGET != HWY_SCALAR
 
-/// Turns a vector of bytes, one a pixel, into three vectors of B G R pixels whose channels are that
-/// byte.
+/// Turns a vector of bytes, one per pixel, into three vectors of B G R pixels whose channels are
+/// that byte.
 class ExpandGrays {
   using D = hwy::HWY_NAMESPACE::ScalableTag<uint8_t>;
   using D32 = hwy::HWY_NAMESPACE::Repartition<uint32_t, D>;
@@ -42,7 +42,7 @@ class ExpandGrays {
   }
 
  private:
-  // A block of 16 grey values fills three blocks of pixels: each of those first gets the block that
+  // A block of 16 gray values fills three blocks of pixels: each of those first gets the block that
   // it needs, and then the bytes in it.
   static HWY_INLINE V Lookup(V grays, Order blocks, V places) {
     namespace hn = hwy::HWY_NAMESPACE;

@@ -50,6 +50,15 @@ HWY_INLINE Quad ForEach(Function function, const Quad& a, const Quad& b) {
   return {function(a.v0, b.v0), function(a.v1, b.v1), function(a.v2, b.v2), function(a.v3, b.v3)};
 }
 
+/// For each lane the sum of the products of its two words. Both sums begin with zero: what one
+/// begins with belongs to another lane on some processors, which add neighbors at the end.
+HWY_INLINE SignedLaneVector SumOfProducts(WordVector a, WordVector b) {
+  auto odd = hn::Zero(SignedLanes());
+  const auto even =
+      hn::ReorderWidenMulAccumulate(SignedLanes(), a, b, hn::Zero(SignedLanes()), odd);
+  return hn::RearrangeToOddPlusEven(even, odd);
+}
+
 /// The order of lanes that `lane(i)` says.
 template <class LaneOf>
 HWY_INLINE LaneOrder OrderLanes(LaneOf lane) {
@@ -72,7 +81,7 @@ HWY_INLINE LaneOrder SpreadOrder() {
 ///   order 2:  c2 .. a2 b2      second:  b1 c1 a2 b2
 ///   order 3:  .. a3 b3 c3      third:   c2 a3 b3 c3
 ///
-/// Nobody looks at the quarters marked by dots.
+/// The quarters marked by dots are not used.
 HWY_INLINE LaneOrder JoinOrder(int k) {
   return OrderLanes([k](int i) {
     const int lanes = static_cast<int>(hn::Lanes(Lanes()));
@@ -81,8 +90,8 @@ HWY_INLINE LaneOrder JoinOrder(int k) {
   });
 }
 
-/// Loads bytes such that four pixels start each block of 16. Of three-byte pixels a quarter of a
-/// vector behind them is read too.
+/// Loads bytes such that four pixels start each block of 16. With three-byte pixels, a quarter of
+/// a vector behind them is read too.
 template <int kBytes>
 HWY_INLINE ByteVector LoadSpread(const LaneOrder& spread, const uint8_t* pixels) {
   const auto loaded = hn::LoadU(Bytes(), pixels);
@@ -120,7 +129,7 @@ HWY_INLINE void StoreLanes(LaneVector v, uint8_t* target) {
 
 #if HWY_TARGET <= HWY_AVX3
 
-/// Stores the lanes as three-byte pixels, in three whole vectors, each joined of two neighbours as
+/// Stores the lanes as three-byte pixels, in three whole vectors, each joined of two neighbors as
 /// at `JoinOrder`: a load from behind a masked or overlapping store would have to wait for it.
 HWY_INLINE void StorePacked(const PackedOrder& order, const Quad& q, uint8_t* target) {
   const size_t step = hn::Lanes(Bytes());

@@ -157,7 +157,7 @@ HWY_AFTER_NAMESPACE();
 namespace rasterkit::kernels {
 namespace {
 
-/// The factor of `GainWords` that gives (255 - grey) * weight, cut, for every grey value: the
+/// The factor of `GainWords` that gives (255 - gray) * weight, cut, for every gray value: the
 /// weight's 15 bits or their successor.
 uint16_t GainFactor(float weight) {
   const auto bits = static_cast<int>(std::floor(weight * 32768.0));

@@ -7,7 +7,7 @@ namespace rasterkit::kernels {
 
 /// How pixels are brightened: each channel becomes channel * factor + gain as a single-precision
 /// number, rounded to the nearest whole one, halves to even, cut to 0 to 255; the gain is (255 -
-/// grey value) * weight, cut toward zero.
+/// gray value) * weight, cut toward zero.
 ///
 /// For `percent` from 0 to 100 (factor 1 + percent / 100, weight the factor less 1, both singles)
 /// there is a form in 16-bit numbers that gives the same bytes, for all channel values and gains;
@@ -21,7 +21,7 @@ struct Brightening {
   /// The percentage in thirty-two-thousandths, cut and rounded up: channel times either, rounded,
   /// differs where there is a half.
   int16_t low = 0, high = 0;
-  /// (255 - grey) * 2 times this, cut to its upper 16 bits, is the gain.
+  /// (255 - gray) * 2 times this, cut to its upper 16 bits, is the gain.
   uint16_t gain = 0;
   /// The single's error in halves of its last place, times 2^16, and whether it is above 0.
   uint16_t error = 0;

@@ -18,7 +18,7 @@ class PixelPicker {
   PixelPicker(const std::vector<int32_t>& columns, int sourceBytes, int targetBytes,
               int32_t sourceWidth);
 
-  /// True when the columns are one another's neighbours, from left to right.
+  /// True when the columns are one another's neighbors, from left to right.
   bool IsOneToOne() const { return isOneToOne_; }
 
   /// Pixel i of `target` becomes pixel `columns[i]` of `row`. Exactly the target's pixels are

@@ -122,7 +122,7 @@ void Expand(const uint8_t* grays, size_t width, uint8_t* bgr) {
   ExpandOneByOne(grays + x, width - x, bgr + 3 * x);
 }
 
-/// Looks at every three neighbouring bytes, whether they are a pixel or not.
+/// Looks at every three neighboring bytes, whether they are a pixel or not.
 bool MayHold(const uint8_t* bgr, size_t width) {
   const Bytes d;
   const size_t lanes = hn::Lanes(d), count = 3 * width;

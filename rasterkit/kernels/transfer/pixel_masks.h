@@ -10,7 +10,7 @@ namespace rasterkit::kernels {
 /// Are all channels above 250? With `asked` false: is any not?
 void NearWhite24(const uint8_t* bgr, size_t width, bool asked, uint8_t* mask);
 
-/// Is the colour (0x00RRGGBB) any other than this?
+/// Is the color (0x00RRGGBB) any other than this?
 void OtherColor24(const uint8_t* bgr, size_t width, uint32_t color, uint8_t* mask);
 
 /// Is it black, or white with a red of 254 or 255?

@@ -20,13 +20,13 @@ namespace hn = hwy::HWY_NAMESPACE;
 /// Rows are worked on in parts whose notes fit on the stack and stay in the nearest cache.
 constexpr size_t kPart = 1024;
 
-/// For each byte of a part, 255 where a neighbour is far from it, else 0.
+/// For each byte of a part, 255 where a neighbor is far from it, else 0.
 using FarBytes = std::array<uint8_t, 3 * kPart>;
 
 /// The rows around a part, each from one pixel before it.
 using ThreeRows = std::array<const uint8_t*, 3>;
 
-/// Byte `i` of a part; its eight neighbours are bytes of the same channel.
+/// Byte `i` of a part; its eight neighbors are bytes of the same channel.
 void SharpenByte(int share, const ThreeRows& rows, size_t i, uint8_t* target, FarBytes& far) {
   const int center = rows[1][i + 3];
   int sum = 0, least = 255, most = 0;
@@ -42,7 +42,7 @@ void SharpenByte(int share, const ThreeRows& rows, size_t i, uint8_t* target, Fa
   far[i] = std::max(most - center, center - least) >= kSharpenTolerance ? 255 : 0;
 }
 
-/// Gives pixel `x` of a part its old channels back where none of its neighbours is far.
+/// Gives pixel `x` of a part its old channels back where none of its neighbors is far.
 void KeepPixel(const ThreeRows& rows, size_t x, uint8_t* target, const FarBytes& far) {
   const size_t i = 3 * x;
   if ((far[i] | far[i + 1] | far[i + 2]) == 0) std::copy_n(rows[1] + i + 3, 3, target + i);

@@ -5,8 +5,8 @@
 
 namespace rasterkit::kernels {
 
-/// A pixel whose neighbours all lie less than so many levels away from it, in every channel, stays
-/// as it is: noise and grain are not what anybody wants sharper.
+/// A pixel stays unchanged if all its neighbors differ by fewer levels than this in every channel:
+/// noise and film grain must not be sharpened.
 inline constexpr int kSharpenTolerance = 4;
 
 /// Moves each channel of `width` pixels B G R away from the mean of the 3 x 3 pixels around it.

@@ -8,17 +8,18 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include <rasterkit/kernels/turn/fast_rotation.h>
 #include <rasterkit/kernels/turn/rotate_bit_runs.h>
 
 // Where a run ends.
 //
 // Along a target row the source row changes by one at places that lie 1 / |sine| apart, and the
-// source column, which otherwise moves by one a pixel, stands still once at places that lie
+// source column, which otherwise moves by one per pixel, repeats once at places that lie
 // 1 / (1 - |cosine|) apart. Both kinds of breaks are stepped in fixed point from the row's begin. A
 // break is the first pixel at or past its place, certainly so where no whole number lies within
 // `margin` of the place; the others (nearly none) are found by asking the exact rule.
 //
-// The margin covers, for pictures of at most kFastSize pixels a side,
+// The margin covers, for pictures of at most kFastSize pixels per side,
 //
 //     the row's begin, a double within DoubleError() < 2^-29, and the roundings of the
 //     extended sum, both divided by the slope                                       < 2^-28 / slope
@@ -34,7 +35,6 @@
 namespace rasterkit::kernels {
 namespace {
 
-constexpr int kFastSize = 1 << 17;
 constexpr double kLeastSine = 1.0 / (1 << 13);
 // Beyond it runs are so short that single pixels are faster.
 constexpr double kMostSine = 0.2;
@@ -304,9 +304,8 @@ HWY_EXPORT(RotateRows);
 
 bool TakesLongRuns(const RotationMapping& mapping, int targetHeight) {
   const double sine = std::fabs(mapping.Sine());
-  const bool fits = mapping.SourceWidth() <= kFastSize && mapping.SourceHeight() <= kFastSize &&
-                    mapping.TargetWidth() <= 2 * kFastSize && targetHeight <= 2 * kFastSize;
-  return fits && (sine == 0 || (sine >= kLeastSine && sine <= kMostSine));
+  return HasFastSize(mapping, targetHeight) &&
+         (sine == 0 || (sine >= kLeastSine && sine <= kMostSine));
 }
 
 void RotateBitRuns(const RotationMapping& mapping, const ConstPixelRows& source,

@@ -8,6 +8,7 @@
 #include <hwy/highway.h>
 
 #include <rasterkit/kernels/rows/packed_pixels.h>
+#include <rasterkit/kernels/turn/fast_rotation.h>
 #include <rasterkit/kernels/turn/rotate_bit_runs.h>
 #include <rasterkit/kernels/turn/rotate_pixels.h>
 
@@ -25,9 +26,9 @@
 //     step error 2^-25 times at most 127 pixels within the tile                    < 2^-18
 //     together                                                                     < kMargin
 //
-// for pictures of at most kFastSize pixels a side; larger ones take every pixel by the exact rule.
-// Pixels whose fraction is below 2 kMargin (one in 2^15, or exact halves) are done again by the
-// exact rule, which decides like the extended sum.
+// for pictures of at most kFastSize pixels per side; larger ones take every pixel by the exact
+// rule. Pixels whose fraction is below 2 kMargin (one in 2^15, or exact halves) are done again by
+// the exact rule, which decides like the extended sum.
 //
 // A wrong guess near a half is at most one pixel too far at the end of a run, never before its
 // begin, as the margin lifts: reading stays inside the rows unless the last row is near, and such
@@ -40,7 +41,6 @@ namespace {
 
 constexpr int kTileWidth = 128;  // lanes have 8 bits for the distance from the tile's begin
 constexpr int kPrefetchStep = 8;
-constexpr int kFastSize = 1 << 17;
 constexpr int kFractionBits = 40;
 constexpr int kLaneFractionBits = 24;
 constexpr double kMargin = 1.0 / (1 << 17);
@@ -287,9 +287,8 @@ void RotateTileRow(const Job& job, const RowStart& start, int y, int left, int r
               static_cast<size_t>(right - last) * kBytes);
 }
 
-// Asks for the source of the tile to come while this one is done: the processor does not foresee
-// slanted paths. One pixel of eight along each row, shifted from row to row, meets nearly all cache
-// lines.
+// Prefetches the next tile's source: hardware prefetchers cannot follow a slanted path. One pixel
+// of eight along each row, shifted from row to row, meets nearly all cache lines.
 template <int kBits>
 HWY_INLINE void PrefetchTileRow(const Job& job, const RowStart& start, int y, int left, int right) {
   if (!job.fast) return;
@@ -383,8 +382,7 @@ void RotatePixels(const RotationMapping& mapping, const ConstPixelRows& source,
     for (int y = firstRow; y < lastRow; ++y) ClearPadding(target, y, 1);
     return;
   }
-  const bool fast = source.width <= kFastSize && source.height <= kFastSize &&
-                    target.width <= 2 * kFastSize && target.height <= 2 * kFastSize;
+  const bool fast = HasFastSize(mapping, target.height);
   // Steps along rows of 2^23 pixels would leave 64 bits; the exact rule needs none.
   Job job{mapping,
           source,

@@ -16,12 +16,12 @@ struct Size {
 Size RotatedSize(int width, int height, const SineCosine& turn);
 
 /// Which source pixel a target pixel shows when a picture is turned counter-clockwise (rows counted
-/// downward) about its centre, nearest pixel:
+/// downward) about its center, nearest pixel:
 ///
 ///     column = Round(dx * cos - dy * sin + source width / 2)      dx = x - target width / 2
 ///     row    = Round(dx * sin + dy * cos + source height / 2)     dy = y - target height / 2
 ///
-/// in extended precision, halves to even, the four centres in single precision. Both are monotone
+/// in extended precision, halves to even, the four centers in single precision. Both are monotone
 /// along a target row, as every step of the sum is: the pixels with a source are one run.
 class RotationMapping {
  public:
@@ -55,7 +55,7 @@ class RotationMapping {
  private:
   double sine_, cosine_;
   int sourceWidth_, sourceHeight_, targetWidth_;
-  // Twice the centres: whole numbers, also where single precision has cut them.
+  // Twice the centers: whole numbers, also where single precision has cut them.
   int64_t doubledSourceX_, doubledSourceY_, doubledTargetX_, doubledTargetY_;
   double doubleError_;
 };

@@ -12,17 +12,17 @@
 namespace rasterkit {
 namespace {
 
-/// Whole numbers up to here are exact in a double, and fit into a field.
-constexpr double widestRange = 1e15;
-constexpr int pageSteps = 10;
-/// What one notch of the wheel counts, in eighths of a degree.
-constexpr int notch = 120;
+/// Integers up to this limit are exact in a double and fit into a field.
+constexpr double kWidestRange = 1e15;
+constexpr int kPageSteps = 10;
+/// One notch of the wheel, in eighths of a degree.
+constexpr int kNotch = 120;
 
 bool EndsEditing(const QKeyEvent& event) {
   return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
 }
 
-/// Lets a field's rules correct and judge what is typed.
+/// Validates and corrects typed text with the rules of a field.
 class NumberValidator : public QValidator {
  public:
   NumberValidator(const detail::NumberText& rules, QObject* parent)
@@ -40,7 +40,7 @@ class NumberValidator : public QValidator {
 
 std::unique_ptr<detail::HeldNumber> NewNumber(const QWidget& field) {
   auto number = std::make_unique<detail::HeldNumber>();
-  number->text = {field.locale(), 2, -widestRange, widestRange};
+  number->text = {field.locale(), 2, -kWidestRange, kWidestRange};
   return number;
 }
 
@@ -55,7 +55,7 @@ TFloatEdit::TFloatEdit(QWidget* parent) : QLineEdit(parent), number_(NewNumber(*
 }
 
 TFloatEdit::~TFloatEdit() {
-  // It refers to the number, which goes first.
+  // The validator refers to the number, which is destroyed first.
   setValidator(nullptr);
 }
 
@@ -74,7 +74,7 @@ int TFloatEdit::decimals() const {
 }
 
 void TFloatEdit::setDecimals(int decimals) {
-  number_->text.decimals = std::clamp(decimals, 0, detail::NumberText::mostDecimals);
+  number_->text.decimals = std::clamp(decimals, 0, detail::NumberText::kMostDecimals);
   ShowValue();
 }
 
@@ -83,7 +83,7 @@ bool TFloatEdit::isNegativeAllowed() const {
 }
 
 void TFloatEdit::setNegativeAllowed(bool allowed) {
-  // Where the maximum is 0, nothing negative is left in either case.
+  // With a maximum of 0 there are no negative numbers in either case.
   SetRange(allowed ? -maximum() : 0, maximum());
 }
 
@@ -131,7 +131,7 @@ void TFloatEdit::keyPressEvent(QKeyEvent* event) {
   const bool isPage = key == Qt::Key_PageUp || key == Qt::Key_PageDown;
   const bool isUp = key == Qt::Key_Up || key == Qt::Key_PageUp;
   if (!isReadOnly() && (isPage || isUp || key == Qt::Key_Down)) {
-    StepBy((isUp ? 1 : -1) * (isPage ? pageSteps : 1));
+    StepBy((isUp ? 1 : -1) * (isPage ? kPageSteps : 1));
     event->accept();
     return;
   }
@@ -143,10 +143,10 @@ void TFloatEdit::wheelEvent(QWheelEvent* event) {
   if (isReadOnly()) return QLineEdit::wheelEvent(event);
   // Fine wheels and touch pads send parts of a notch.
   wheelRest_ += event->angleDelta().y();
-  const int notches = wheelRest_ / notch;
-  wheelRest_ -= notches * notch;
+  const int notches = wheelRest_ / kNotch;
+  wheelRest_ -= notches * kNotch;
   const bool isPage = event->modifiers().testFlag(Qt::ControlModifier);
-  if (notches != 0) StepBy(notches * (isPage ? pageSteps : 1));
+  if (notches != 0) StepBy(notches * (isPage ? kPageSteps : 1));
   event->accept();
 }
 
@@ -197,7 +197,7 @@ int TSpinEditReal::decimals() const {
 }
 
 void TSpinEditReal::setDecimals(int decimals) {
-  number_->text.decimals = std::clamp(decimals, 0, detail::NumberText::mostDecimals);
+  number_->text.decimals = std::clamp(decimals, 0, detail::NumberText::kMostDecimals);
   ShowValue();
   updateGeometry();
 }
@@ -261,15 +261,15 @@ QSize TSpinEditReal::SizeFor(double least, double greatest) const {
 
 QSize TSpinEditReal::sizeHint() const {
   ensurePolished();
-  // A range without practical limits asks for no more room than numbers of everyday.
-  constexpr double everyday = 1e9;
-  return SizeFor(std::max(minimum(), -everyday), std::min(maximum(), everyday));
+  // A range without practical limits gets the width of usual numbers.
+  constexpr double kEveryday = 1e9;
+  return SizeFor(std::max(minimum(), -kEveryday), std::min(maximum(), kEveryday));
 }
 
 QSize TSpinEditReal::minimumSizeHint() const {
   ensurePolished();
-  constexpr double small = 999;
-  return SizeFor(std::max(minimum(), -small), std::min(maximum(), small));
+  constexpr double kSmall = 999;
+  return SizeFor(std::max(minimum(), -kSmall), std::min(maximum(), kSmall));
 }
 
 QValidator::State TSpinEditReal::validate(QString& input, int& pos) const {

@@ -7,21 +7,22 @@
 
 #include <rasterkit/runtime/export.h>
 
-/// Fields for numbers. Whatever is typed or pasted into them, their value is a finite number within
-/// the range: keys that cannot belong to a number do nothing, and a field that was left empty or
+/// Fields for numbers. Their value is always a finite number within the range, whatever is typed or
+/// pasted: keys that cannot be part of a number are ignored. A field that is left empty or
 /// unfinished shows its last value again when the user leaves it or presses Enter.
 ///
-/// The arrow keys and the mouse wheel change the number by a step, Page Up and Page Down and the
-/// wheel with Ctrl by ten. Point and comma both are the decimal point, shown as the locale has it.
-/// Each class may stand in a Designer form as a promoted widget; names follow Qt's spin boxes.
+/// The arrow keys and the mouse wheel change the number by one step; Page Up, Page Down and the
+/// wheel with Ctrl change it by ten. Point and comma are both accepted as the decimal mark and
+/// shown as the locale requires. Each class can be a promoted widget in a Designer form. The names
+/// follow Qt's spin boxes.
 namespace rasterkit {
 
 namespace detail {
 struct HeldNumber;
 }
 
-/// A line edit for a number. Its value is a double; the display is rounded to `decimals` digits,
-/// the value is not.
+/// A line edit for a number. Its value is a double; only the display is rounded to `decimals`
+/// digits.
 class RASTERKIT_EXPORT TFloatEdit : public QLineEdit {
   Q_OBJECT
   Q_PROPERTY(double value READ value WRITE setValue NOTIFY valueChanged)
@@ -31,34 +32,34 @@ class RASTERKIT_EXPORT TFloatEdit : public QLineEdit {
   Q_PROPERTY(double singleStep READ singleStep WRITE setSingleStep)
 
  public:
-  /// Shows 0, with two decimals, between -10^15 and 10^15.
+  /// Starts at 0 with two decimals and the range -10^15 to 10^15.
   explicit TFloatEdit(QWidget* parent = nullptr);
   ~TFloatEdit() override;
 
-  /// The number that was set, or that was typed last.
+  /// Returns the number that was set or typed last.
   double value() const;
-  /// Sets the number, kept in the range; infinities and what is no number are ignored. Fires
-  /// `valueChanged` only when the display changes: two fields that set each other come to rest.
+  /// Sets the number, clamped to the range; infinities and NaN are ignored. Emits `valueChanged`
+  /// only if the display changes, so that two fields that set each other come to rest.
   void setValue(double value);
 
-  /// Digits behind the decimal point, 0 to 15. More of them cannot be typed.
+  /// Digits after the decimal mark, 0 to 15. More digits cannot be typed.
   int decimals() const;
   void setDecimals(int decimals);
 
-  /// Without negative numbers the least value is 0, else it is -maximum.
+  /// Whether negative numbers are allowed: the minimum is -maximum then, else 0.
   bool isNegativeAllowed() const;
   void setNegativeAllowed(bool allowed);
 
-  /// The greatest value; finite and not negative.
+  /// The largest value; finite and not negative.
   double maximum() const;
   void setMaximum(double maximum);
 
-  /// What an arrow key or a notch of the wheel adds to the number shown; 1 at first.
+  /// The step of an arrow key or a wheel notch; 1 by default.
   double singleStep() const { return singleStep_; }
   void setSingleStep(double step);
 
  Q_SIGNALS:
-  /// The value is another one: typed, stepped or set.
+  /// Emitted if the value was changed by typing, a step or setValue().
   void valueChanged(double value);
 
  protected:
@@ -80,7 +81,7 @@ class RASTERKIT_EXPORT TFloatEdit : public QLineEdit {
   bool isShowing_ = false;
 };
 
-/// A spin box for a whole number, at first any of 32 bits.
+/// A spin box for an integer; the default range is that of 32 bits.
 class RASTERKIT_EXPORT TSpinEditInt : public QSpinBox {
   Q_OBJECT
 
@@ -88,7 +89,7 @@ class RASTERKIT_EXPORT TSpinEditInt : public QSpinBox {
   explicit TSpinEditInt(QWidget* parent = nullptr);
 };
 
-/// A spin box for a double, which keeps it unrounded: the display has `decimals` digits.
+/// A spin box for a double. Only the display is rounded to `decimals` digits.
 class RASTERKIT_EXPORT TSpinEditReal : public QAbstractSpinBox {
   Q_OBJECT
   Q_PROPERTY(double value READ value WRITE setValue NOTIFY valueChanged USER true)
@@ -98,21 +99,22 @@ class RASTERKIT_EXPORT TSpinEditReal : public QAbstractSpinBox {
   Q_PROPERTY(double singleStep READ singleStep WRITE setSingleStep)
 
  public:
-  /// Shows 0, with two decimals, between -10^15 and 10^15.
+  /// Starts at 0 with two decimals and the range -10^15 to 10^15.
   explicit TSpinEditReal(QWidget* parent = nullptr);
   ~TSpinEditReal() override;
 
   double value() const;
-  /// As TFloatEdit::setValue.
+  /// Like TFloatEdit::setValue.
   void setValue(double value);
 
-  /// Digits behind the decimal point, 0 to 15.
+  /// Digits after the decimal mark, 0 to 15.
   int decimals() const;
   void setDecimals(int decimals);
 
   double minimum() const;
   double maximum() const;
-  /// A limit beyond the other one takes that one along; limits that are no numbers are ignored.
+  /// Sets a limit; the other limit moves with it if they would cross. NaN and infinities are
+  /// ignored.
   void setMinimum(double minimum);
   void setMaximum(double maximum);
   void setRange(double minimum, double maximum);

@@ -18,7 +18,7 @@ struct Description {
   QKeySequence::StandardKey key;
 };
 
-constexpr Description descriptions[] = {
+constexpr Description kDescriptions[] = {
     {nbPost, "nbPost", rsOk, rsOkHint, "post", QKeySequence::UnknownKey},
     {nbCancel, "nbCancel", rsCancel, rsCancelHint, "cancel", QKeySequence::UnknownKey},
     {nbHelp, "nbHelp", rsHelp, rsHelpHint, "help", QKeySequence::HelpContents},
@@ -41,7 +41,7 @@ QPushButton* NewButton(const Description& description, QWidget* parent) {
   button->setAccessibleDescription(ResourceText(description.toolTip));
   button->setAutoDefault(description.button == nbPost || description.button == nbCancel);
   if (description.key != QKeySequence::UnknownKey) {
-    // A hidden or disabled button has no shortcut either.
+    // The shortcut of a hidden or disabled button is inactive.
     auto* shortcut = new QShortcut(description.key, button);
     QObject::connect(shortcut, &QShortcut::activated, button, &QPushButton::click);
   }
@@ -51,7 +51,7 @@ QPushButton* NewButton(const Description& description, QWidget* parent) {
 }  // namespace
 
 TNavigator::TNavigator(QWidget* parent) : QWidget(parent) {
-  for (const Description& description : descriptions) {
+  for (const Description& description : kDescriptions) {
     QPushButton* button = NewButton(description, this);
     buttons_[description.button] = button;
     connect(button, &QPushButton::clicked, this,
@@ -73,7 +73,7 @@ TNavigator::TNavigator(QWidget* parent) : QWidget(parent) {
 void TNavigator::setCompact(bool compact) {
   if (compact == isCompact_) return;
   isCompact_ = compact;
-  for (const Description& description : descriptions) {
+  for (const Description& description : kDescriptions) {
     QPushButton& button = Button(description.button);
     button.setText(compact ? QString() : ResourceText(description.text));
     if (compact)
@@ -88,7 +88,7 @@ void TNavigator::setCompact(bool compact) {
 }
 
 void TNavigator::showEvent(QShowEvent* event) {
-  // Now there is a dialog to know of it, which would choose the first button of its tab order.
+  // Only now the dialog exists, which would otherwise choose the first button in tab order.
   Button(nbPost).setDefault(true);
   QWidget::showEvent(event);
 }

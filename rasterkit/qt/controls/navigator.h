@@ -8,15 +8,15 @@
 
 namespace rasterkit {
 
-/// The buttons of a navigator, in the order of the tab key.
+/// The buttons of a navigator in tab order.
 enum TNavigateButton { nbPost, nbCancel, nbHelp, nbRefresh };
 
-/// The bar of buttons that ends a dialog: post (OK), cancel, help, refresh. Refresh and help stand
+/// The row of buttons that closes a dialog: post (OK), cancel, help, refresh. Refresh and help are
 /// at the left, OK and cancel at the right.
 ///
-/// OK is the default button of the dialog, Enter presses it; F1 and F5 press help and refresh while
-/// these are visible. Escape is the dialog's own. Names for screen readers and tooltips come along.
-/// May stand in a Designer form as a promoted widget.
+/// OK is the default button of the dialog: Enter presses it. F1 and F5 press help and refresh while
+/// these are visible. Escape is handled by the dialog. Names for screen readers and tooltips are
+/// set. Can be a promoted widget in a Designer form.
 class RASTERKIT_EXPORT TNavigator : public QWidget {
   Q_OBJECT
   Q_PROPERTY(bool helpVisible READ isHelpVisible WRITE setHelpVisible)
@@ -24,10 +24,10 @@ class RASTERKIT_EXPORT TNavigator : public QWidget {
   Q_PROPERTY(bool compact READ isCompact WRITE setCompact)
 
  public:
-  /// OK and cancel are visible; help and refresh must be asked for.
+  /// OK and cancel are visible at first, help and refresh are hidden.
   explicit TNavigator(QWidget* parent = nullptr);
 
-  /// A button, to enable it or to give it another text.
+  /// A button, for enabling it or changing its text.
   QPushButton& Button(TNavigateButton button) const { return *buttons_[button]; }
 
   bool isHelpVisible() const { return !Button(nbHelp).isHidden(); }
@@ -35,9 +35,9 @@ class RASTERKIT_EXPORT TNavigator : public QWidget {
   bool isRefreshVisible() const { return !Button(nbRefresh).isHidden(); }
   void setRefreshVisible(bool visible) { Button(nbRefresh).setVisible(visible); }
 
-  /// The width and height of a button of a compact bar.
+  /// Width and height in pixels of a button of a compact bar.
   static constexpr int kCompactButton = 28;
-  /// A compact bar shows the drawings without the texts, side by side: two buttons are 56 wide.
+  /// A compact bar shows icons without texts, side by side: two buttons are 56 pixels wide.
   bool isCompact() const { return isCompact_; }
   void setCompact(bool compact);
 

@@ -12,7 +12,7 @@ bool IsPoint(QChar c) {
   return c == u'.' || c == u',' || c == QChar(0x066B);
 }
 
-/// Without spaces of any kind and with the locale's own point turned into one that IsPoint knows.
+/// Removes all spaces and replaces the locale's decimal mark by one that IsPoint recognizes.
 QString Plain(const QString& text, const QLocale& locale) {
   QString own = text;
   const QString point = locale.decimalPoint();
@@ -21,7 +21,7 @@ QString Plain(const QString& text, const QLocale& locale) {
   return own;
 }
 
-/// Takes out what groups digits ("1,234.5", "1.234,5"): points of another kind than the last one.
+/// Removes digit grouping ("1,234.5", "1.234,5"): marks that differ from the last one.
 void RemoveGrouping(QString& text) {
   const auto last = std::find_if(text.crbegin(), text.crend(), IsPoint);
   if (last == text.crend()) return;
@@ -29,7 +29,7 @@ void RemoveGrouping(QString& text) {
   text.removeIf([kept](QChar c) { return IsPoint(c) && c != kept; });
 }
 
-/// The number in ASCII, as far as it is made of what a number is made of; else nothing.
+/// Returns the number in ASCII, or nothing if the text has other characters.
 std::optional<QByteArray> InAscii(const QString& plain) {
   QByteArray ascii;
   bool hasPoint = false;
@@ -56,7 +56,7 @@ qsizetype DecimalsOf(const QByteArray& ascii) {
 }
 
 QValidator::State StateInRange(double value, double minimum, double maximum) {
-  // A further digit leads away from 0, never back to it.
+  // A further digit moves the number away from 0.
   if (value > maximum) return value > 0 ? QValidator::Invalid : QValidator::Intermediate;
   if (value < minimum) return value < 0 ? QValidator::Invalid : QValidator::Intermediate;
   return QValidator::Acceptable;

@@ -5,14 +5,14 @@
 #include <QValidator>
 #include <optional>
 
-/// Numbers as people type and read them. Internal to the room; the fields of edits.h stand on it.
+/// Numbers as people type and read them, for the fields of edits.h. Internal to this folder.
 namespace rasterkit::detail {
 
-/// How a number is written: fixed point with `decimals` digits, the locale's decimal point and no
-/// grouping.
+/// The text form of a number: fixed-point with `decimals` digits, the locale's decimal mark and no
+/// digit grouping.
 struct NumberText {
   /// A double shows no more digits than these truthfully.
-  static constexpr int mostDecimals = 15;
+  static constexpr int kMostDecimals = 15;
 
   QLocale locale;
   int decimals = 0;
@@ -20,31 +20,31 @@ struct NumberText {
 
   QString Format(double value) const;
 
-  /// What may stand in a field. Spaces are taken out of `text`, a point or a comma becomes the
-  /// locale's decimal point, and what groups digits goes where a decimal point follows it.
+  /// Checks the text of a field. Removes spaces from `text`, replaces a point or comma by the
+  /// locale's decimal mark, and removes digit grouping if a decimal mark follows.
   ///
-  /// Invalid: letters, two signs, more decimals than there are, a number that no further key brings
-  /// back into the range. Intermediate: the beginning of a number ("", "-", ".").
+  /// Invalid: letters, two signs, too many decimals, a number that no further key can bring back
+  /// into the range. Intermediate: the beginning of a number ("", "-", ".").
   QValidator::State Check(QString& text) const;
 
-  /// The number in the text when Check finds it acceptable; always finite and in the range.
+  /// Returns the number in the text if Check() accepts it; always finite and in the range.
   std::optional<double> Read(QString text) const;
 };
 
-/// A number in a field: the double that was set, whatever part of it the display shows.
+/// The number in a field: the double that was set, even if the display rounds it.
 struct HeldNumber {
   NumberText text;
   double value = 0;
 
-  /// Takes `wanted`, kept in the range; what is no number is left out. True when it shows otherwise
-  /// than before.
+  /// Sets the number, clamped to the range; NaN and infinities are ignored. True if the display
+  /// changes.
   bool Set(double wanted);
-  /// Takes what was typed where that is a number; true when the value is another one now.
+  /// Takes the typed text if it is a number; true if the value changes.
   bool Type(const QString& typed);
-  /// The value that `steps` of this width lead to from what is shown.
+  /// Returns the shown number changed by `steps` steps of the given width.
   double Stepped(double step, int steps) const;
-  /// False where a field shows something else than the value and must be written anew. Different
-  /// ways to write the shown number ("7.", "007") count as the same.
+  /// False if the field shows something else than the value and must be updated. Different
+  /// notations of the shown number ("7.", "007") count as equal.
   bool IsShownBy(const QString& shown) const;
 };
 

@@ -13,13 +13,13 @@
 namespace rasterkit {
 namespace {
 
-/// Runs a copy: the field may be given another handler, or go with its box, while this one runs.
+/// Calls a copy: the handler may replace the field or destroy the box while it runs.
 template <typename Handler, typename... Arguments>
 void Call(Handler handler, Arguments&... arguments) {
   Application.Guard([&] { handler(arguments...); });
 }
 
-/// Hands an event to its handler; without one it goes on to the parent.
+/// Passes an event to its handler; without one the event goes to the parent.
 template <typename Handler, typename Event>
 void Deliver(const Handler& handler, TPaintBox& box, Event& event) {
   event.setAccepted(static_cast<bool>(handler));

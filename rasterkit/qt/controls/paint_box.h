@@ -9,17 +9,17 @@ class QPainter;
 
 namespace rasterkit {
 
-/// A plain area whose owner paints it and answers its mouse. Handlers are fields, so that a tool
-/// that takes a box over can keep and call what was there before; an empty one does nothing, and
-/// the event goes on to the parent. What a handler throws is shown and stops there (see
-/// TApplication::HandleException). A handler may replace handlers, itself among them, and may
+/// A plain area whose owner paints it and handles its mouse and keys. Handlers are fields, so that
+/// a tool that takes over the box can keep and call the previous ones. Without a handler the event
+/// goes to the parent. Exceptions of a handler are shown to the user and end there (see
+/// TApplication::HandleException). A handler may replace handlers, including itself, and may
 /// destroy the box.
 ///
-/// Screen readers meet it as a picture; give it an accessible name, and a description of the keys
-/// where it takes any.
+/// Screen readers see it as a picture: set an accessible name, and a description of the keys if it
+/// handles any.
 ///
-/// Positions are pixels of the widget; `event.position()`. May stand in a Designer form as a
-/// promoted widget.
+/// Positions are in pixels of the widget (`event.position()`). Can be a promoted widget in a
+/// Designer form.
 class RASTERKIT_EXPORT TPaintBox : public QWidget {
   Q_OBJECT
 
@@ -32,28 +32,30 @@ class RASTERKIT_EXPORT TPaintBox : public QWidget {
 
   explicit TPaintBox(QWidget* parent = nullptr);
 
-  /// The painter is clipped to what must be painted (`painter.clipBoundingRect()`), on the form's
-  /// background.
+  /// Called with a painter that is clipped to the area to paint (`painter.clipBoundingRect()`), on
+  /// the background of the form.
   PaintHandler OnPaint;
-  /// A second press of a double click is a press as well.
+  /// Called for each press, including the second one of a double click.
   MouseHandler OnMouseDown;
-  /// Moves with and without a button held.
+  /// Called with and without a pressed button.
   MouseHandler OnMouseMove;
   MouseHandler OnMouseUp;
   NotifyHandler OnMouseLeave;
   WheelHandler OnMouseWheel;
-  /// Keys arrive while the box has the focus; give it a focus policy for that. A handler calls
-  /// `event.ignore()` for keys that it has no use for.
+  /// Called while the box has the focus, which requires a focus policy. A handler calls
+  /// `event.ignore()` for keys that it does not use.
   KeyHandler OnKeyDown;
-  /// After the box has got its new size.
+  /// Called after the box has its new size.
   NotifyHandler OnResize;
 
-  /// What the box shows now, in words for screen readers ("Rectangle: left 10 ..."); empty at
-  /// first. It goes before the box's own description, and readers are told of a change.
+  /// Describes what the box shows now, for screen readers ("Rectangle: left 10 ..."); empty at
+  /// first. It is read before the description of the box, and screen readers are notified of
+  /// changes.
   QString ContentText() const { return contentText_; }
   void SetContentText(const QString& text);
 
-  /// The style's focus frame along the edge while the box has the focus; for the end of OnPaint.
+  /// Paints the style's focus frame along the edge if the box has the focus; call at the end of
+  /// OnPaint.
   void PaintFocus(QPainter& painter) const;
 
   QSize sizeHint() const override;

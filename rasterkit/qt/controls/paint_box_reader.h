@@ -2,8 +2,8 @@
 
 namespace rasterkit::detail {
 
-/// From here on screen readers meet every TPaintBox as a picture: with its name, with what it says
-/// of its contents now, and then how it is used. May be called as often as one likes.
+/// Makes screen readers see every TPaintBox as a picture with its name, its current content and its
+/// description. Can be called more than once.
 void TellReadersOfPaintBoxes();
 
 }  // namespace rasterkit::detail

@@ -29,10 +29,10 @@ namespace {
 
 using Kind = PictureFileDialog::Kind;
 
-/// A name that would make a message wider than the screen loses its middle.
+/// Removes the middle of a name that would make a message wider than the screen.
 QString Shortened(const QString& name) {
-  constexpr qsizetype most = 80;
-  return name.size() <= most ? name : name.left(most / 2) + "…" + name.right(most / 2 - 1);
+  constexpr qsizetype kMost = 80;
+  return name.size() <= kMost ? name : name.left(kMost / 2) + "…" + name.right(kMost / 2 - 1);
 }
 
 QString TextWithName(std::string_view key, const QString& name) {
@@ -45,9 +45,9 @@ class PictureChooser : public QFileDialog {
  public:
   PictureChooser(const PictureFileDialog& wanted, QWidget* parent);
 
-  /// After it was accepted.
+  /// Valid after the dialog was accepted.
   QString ChosenFile() const { return chosen_; }
-  /// 1-based; `without` when there are no entries.
+  /// 1-based; `without` if there are no entries.
   int ChosenFilterIndex(int without) const;
 
  protected:
@@ -142,11 +142,11 @@ void PictureChooser::AddPreview() {
   resize(sizeHint().expandedTo({920, 520}));
 }
 
-/// The list of details begins with columns too narrow for sizes and dates.
+/// The initial columns of the details view are too narrow for sizes and dates.
 void PictureChooser::WidenColumns() {
   const auto* list = findChild<QTreeView*>("treeView");
   if (list == nullptr) return;
-  // Only what is seen is measured, however large the folder.
+  // Measures only visible rows: a folder may be large.
   list->header()->setResizeContentsPrecision(0);
   list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
@@ -154,7 +154,7 @@ void PictureChooser::WidenColumns() {
 
 int PictureChooser::ChosenFilterIndex(int without) const {
   if (entries_.empty()) return without;
-  // Two entries may bear the same text, which is all that the dialog's own answer is.
+  // Two entries may have the same text, which is the dialog's only answer.
   if (const auto* box = findChild<QComboBox*>("fileTypeCombo")) return box->currentIndex() + 1;
   return static_cast<int>(nameFilters().indexOf(selectedNameFilter())) + 1;
 }
@@ -170,7 +170,7 @@ QString PictureChooser::NameForEntry(const QString& name) const {
   return entry == nullptr ? name : ToQt(detail::NameForEntry(FromQt(name), *entry));
 }
 
-/// The name that is being typed shows what it will be saved as.
+/// Updates the typed name to the one that will be saved.
 void PictureChooser::FollowFilter() {
   QLineEdit* edit = NameEdit();
   if (!isSaving_ || edit == nullptr || edit->text().isEmpty()) return;
@@ -178,8 +178,8 @@ void PictureChooser::FollowFilter() {
   edit->setText(NameForEntry(edit->text()));
 }
 
-/// The existing file that was meant by a name without its extension; empty when there is none, and
-/// for every other name.
+/// Returns the existing file for a name without its extension; empty if there is none, and for
+/// every other name.
 QString PictureChooser::CompletedName() const {
   const QStringList files = selectedFiles();
   const detail::FilterEntry* entry = Entry();
@@ -191,7 +191,7 @@ QString PictureChooser::CompletedName() const {
   return {};
 }
 
-/// Qt's dialog has disabled the button for a file that is not there, before this is called.
+/// Enables the button again, which Qt's dialog has disabled for a missing file.
 void PictureChooser::EnableOpening() {
   const auto* buttons = findChild<QDialogButtonBox*>("buttonBox");
   QPushButton* open = buttons != nullptr ? buttons->button(QDialogButtonBox::Open) : nullptr;
@@ -200,7 +200,7 @@ void PictureChooser::EnableOpening() {
 
 void PictureChooser::AcceptOpening() {
   const QString completed = CompletedName();
-  // Not by selectFile, which leaves the text of a field with the focus alone.
+  // selectFile() does not change the text of a field that has the focus.
   if (!completed.isEmpty() && NameEdit() != nullptr) NameEdit()->setText(completed);
   QFileDialog::accept();
   if (result() == QDialog::Accepted) chosen_ = selectedFiles().value(0);
@@ -208,7 +208,7 @@ void PictureChooser::AcceptOpening() {
 
 void PictureChooser::AcceptSaving() {
   const QString typed = selectedFiles().value(0);
-  // Enters the folder.
+  // Opens the folder.
   if (typed.isEmpty() || QFileInfo(typed).isDir()) return QFileDialog::accept();
   const QString fileName = NameForEntry(typed);
   if (!MayWrite(fileName)) return;
@@ -226,16 +226,16 @@ bool PictureChooser::MayWrite(const QString& fileName) {
     Refuse(rsFileIsFolder, file.fileName());
     return false;
   }
-  // The system's limit on nearly every disk, counted in bytes.
-  constexpr size_t longestName = 255;
-  if (FromQt(file.fileName()).size() > longestName) {
+  // The limit of nearly every file system, in bytes.
+  constexpr size_t kLongestName = 255;
+  if (FromQt(file.fileName()).size() > kLongestName) {
     Refuse(rsFileNameTooLong, file.fileName());
     return false;
   }
   if (!asksBeforeOverwriting_ || !file.exists()) return true;
   QMessageBox box(QMessageBox::Warning, windowTitle(), TextWithName(rsReplaceFile, file.fileName()),
                   QMessageBox::Yes | QMessageBox::No, this);
-  // A file's name is no HTML.
+  // A file name must not be interpreted as HTML.
   box.setTextFormat(Qt::PlainText);
   box.button(QMessageBox::Yes)->setText(ResourceText(rsYes));
   box.button(QMessageBox::No)->setText(ResourceText(rsNo));
@@ -250,7 +250,7 @@ void PictureChooser::Refuse(std::string_view key, const QString& name) {
 }  // namespace
 
 bool RunPictureFileDialog(PictureFileDialog& dialog, QWidget* parent) {
-  // Nobody to ask: as an empty port.
+  // Without an application the dialog counts as canceled, like an empty port.
   if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) return false;
   if (QThread::currentThread() != qApp->thread()) return false;
   PictureChooser chooser(dialog, parent != nullptr ? parent : QApplication::activeWindow());

@@ -19,11 +19,11 @@ using detail::FolderState;
 
 namespace {
 
-// Milliseconds.
+// In milliseconds.
 constexpr int kPauseForMoreChanges = 100;
 constexpr int kPatience = 300;
 constexpr int kLookAgain = 2000;
-/// Looking again finds what the system does not tell of; it takes at most this part of the time.
+/// Polling finds changes that the system does not report; it may take 1/20 of the time.
 constexpr int kLookAgainShare = 20;
 
 std::string WithSeparator(const std::string& directory) {
@@ -51,7 +51,7 @@ struct TFileListView::Parts {
   QFileSystemWatcher watcher;
   QTimer readSoon, lookAgain, patience;
   QElapsedTimer reading;
-  /// The folder that is being read just now; empty between.
+  /// The folder that is being read; empty if none.
   std::string inReading;
   bool readsAgain = false;
   detail::LatestTask reader;
@@ -96,7 +96,7 @@ TFileListView::TFileListView(QWidget* parent)
   connect(&parts.lookAgain, &QTimer::timeout, this, &TFileListView::Refresh);
   connect(&parts.patience, &QTimer::timeout, this, [this] { parts_->ShowNotice(); });
   connect(&parts.watcher, &QFileSystemWatcher::directoryChanged, this, [this] {
-    // Many changes are read at once, but a stream of them is not waited for.
+    // Many changes are read together, but continuous changes do not delay the reading.
     if (!parts_->readSoon.isActive()) parts_->readSoon.start();
   });
 }
@@ -147,7 +147,7 @@ void TFileListView::Enter(const std::string& directory, const QString& nameToSel
 std::string TFileListView::ParentOf(const std::string& directory) {
   std::error_code error;
   const auto path = std::filesystem::absolute(ToPath(directory + "/."), error).lexically_normal();
-  // "/maps/" has an empty name, so that the first parent is itself.
+  // "/maps/" has an empty file name, so the first parent is the folder itself.
   return WithSeparator(path.parent_path().parent_path().string());
 }
 
@@ -206,19 +206,19 @@ bool TFileListView::IsFilled() const {
 void TFileListView::Refresh() {
   parts_->readSoon.stop();
   parts_->lookAgain.stop();
-  // A folder that changes faster than it is read must not stay unread for ever.
+  // A folder that changes faster than it is read must be shown at some time.
   parts_->readsAgain = parts_->inReading == parts_->directory;
   if (parts_->readsAgain) return;
   parts_->inReading = parts_->directory;
   parts_->reading.start();
   const std::string directory = parts_->directory;
-  const auto read = [this, directory](const std::atomic<bool>& isCancelled) {
-    auto content = std::make_shared<FolderContent>(detail::ReadFolder(directory, isCancelled));
+  const auto read = [this, directory](const std::atomic<bool>& isCanceled) {
+    auto content = std::make_shared<FolderContent>(detail::ReadFolder(directory, isCanceled));
     return [this, content] { Fill(std::move(*content)); };
   };
   parts_->reader.Run(read, [this, directory] {
-    const std::atomic<bool> isCancelled = false;
-    Fill(detail::ReadFolder(directory, isCancelled));
+    const std::atomic<bool> isCanceled = false;
+    Fill(detail::ReadFolder(directory, isCanceled));
   });
 }
 

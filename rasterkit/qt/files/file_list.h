@@ -13,65 +13,66 @@ namespace detail {
 struct FolderContent;
 }
 
-/// Names in columns, or a row for each file with size and date.
+/// Names in columns, or one row per file with size and date.
 enum TViewStyle { vsList, vsReport };
 
-/// A list of what stands in one folder: its folders, and those files that fit a mask; hidden ones
-/// are left out. It is read beside the window, which stays alive however large or slow the folder
-/// is, and follows changes on disk. A click on a column's title sorts by it, folders stay first.
+/// A list of the subfolders of a folder and the files that match a mask, without hidden ones. It is
+/// read on another thread, so that the window stays responsive however large or slow the folder is,
+/// and follows changes on disk. A click on a column header sorts by it; folders stay first.
 ///
-/// A double click or Enter enters a folder, Backspace or Alt+Up goes one folder up, F5 reads
-/// afresh. Where there is nothing to show, a text in the list says why. May stand in a Designer
-/// form as a promoted widget, whose accessible name and tip the inner lists take over.
+/// A double click or Enter opens a folder, Backspace or Alt+Up goes to the parent folder, F5 reads
+/// the folder again. If there is nothing to show, a text in the list says why. Can be a promoted
+/// widget in a Designer form; the inner lists use its accessible name and tooltip.
 class RASTERKIT_EXPORT TFileListView : public QWidget {
   Q_OBJECT
 
  public:
-  /// Shows the current folder, every file, in report style.
+  /// Shows all files of the current folder in report style.
   explicit TFileListView(QWidget* parent = nullptr);
   ~TFileListView() override;
 
-  /// The folder's name as it was set, with a separator at its end.
+  /// Returns the folder as it was set, with a separator at its end.
   const std::string& Directory() const;
-  /// Shows another folder, which need not exist (yet); an empty name changes nothing.
+  /// Shows another folder, which may be missing; an empty name is ignored.
   void SetDirectory(const std::string& directory);
 
-  /// As in filter lists, "*.tif;*.tiff"; folders always fit.
+  /// The file mask as in filter lists, "*.tif;*.tiff"; folders always match.
   const std::string& Mask() const;
-  /// Also reads the folder afresh.
+  /// Sets the mask and reads the folder again.
   void SetMask(const std::string& mask);
 
   TViewStyle ViewStyle() const;
   void SetViewStyle(TViewStyle style);
 
-  /// The entry under the cursor; empty when there is none.
+  /// Returns the entry under the cursor; empty if there is none.
   std::string SelectedName() const;
   bool IsFolderSelected() const;
 
-  /// The names that are listed, in their order.
+  /// Returns the listed names in their order.
   std::vector<std::string> Names() const;
-  /// What is shown in place of files: that the folder is gone, or cannot be read; empty else.
+  /// Returns the text shown instead of files (folder missing or unreadable), or an empty text.
   std::string Notice() const;
-  /// The list shows what the folder holds, as far as it is known by now.
+  /// True if the list shows the content of the folder, as far as it is known.
   bool IsFilled() const;
 
-  /// Reads the folder afresh.
+  /// Reads the folder again.
   void Refresh();
-  /// Enters the folder above, with the cursor on the one that was left.
+  /// Opens the parent folder with the cursor on the folder that was left.
   void GoUp();
-  /// The folder above another one, with a separator at its end; itself where there is none.
+  /// Returns the parent of a folder with a separator at its end; the folder itself if it has no
+  /// parent.
   static std::string ParentOf(const std::string& directory);
 
  Q_SIGNALS:
-  /// The user put the cursor on an entry; not emitted when the list changes by itself.
+  /// Emitted if the user moved the cursor to an entry; not emitted if the list changes by itself.
   void entrySelected(const QString& name, bool isFolder);
-  /// The user double clicked a file, or pressed Enter on it.
+  /// Emitted if the user double-clicked a file or pressed Enter on it.
   void fileActivated(const QString& name);
-  /// The user entered a folder, which is now the directory.
+  /// Emitted if the user opened a folder, which is the directory now.
   void directoryEntered(const QString& directory);
-  /// Delete was pressed.
+  /// Emitted if the user pressed Delete.
   void deletePressed(bool withShift);
-  /// What the folder holds was read, and has changed since it was read before.
+  /// Emitted if the content of the folder was read and differs from the last one.
   void filled();
 
  protected:

@@ -22,7 +22,7 @@ void FileListModel::SetContent(FolderContent content) {
   endResetModel();
 }
 
-/// Sizes and dates may differ, as long as they do not order the rows.
+/// Sizes and dates may differ unless the rows are sorted by them.
 bool FileListModel::ShowsTheSameNames(const FolderContent& content) const {
   return sortColumn_ == colName && content.state == content_.state &&
          std::equal(content.entries.begin(), content.entries.end(), content_.entries.begin(),
@@ -65,7 +65,7 @@ bool FileListModel::ComesBefore(int a, int b) const {
   const auto inOrder = [isAscending](auto x, auto y) { return isAscending ? x < y : y < x; };
   if (sortColumn_ == colSize && first.size != second.size) return inOrder(first.size, second.size);
   if (sortColumn_ == colDate && first.time != second.time) return inOrder(first.time, second.time);
-  // The entries come in the order of their names, which settles what is equal as well.
+  // The entries are sorted by name, which is also the order of equal ones.
   return sortColumn_ == colName ? inOrder(a, b) : a < b;
 }
 

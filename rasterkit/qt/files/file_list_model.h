@@ -6,11 +6,11 @@
 #include <rasterkit/qt/files/file_mask.h>
 #include <rasterkit/qt/files/folder_content.h>
 
-/// The rows of a file list. Internal to the room.
+/// The rows of a file list. Internal to this folder.
 namespace rasterkit::detail {
 
-/// The folders of a folder and those files that fit a mask, folders first whatever the order.
-/// Names, sizes and dates become texts only where they are looked at.
+/// The subfolders of a folder and the files that match a mask; folders come first in every order.
+/// Names, sizes and dates are converted to texts only when they are shown.
 class FileListModel : public QAbstractTableModel {
  public:
   enum Column { colName, colSize, colDate };
@@ -18,13 +18,13 @@ class FileListModel : public QAbstractTableModel {
 
   using QAbstractTableModel::QAbstractTableModel;
 
-  /// Shows another content. Resets the model, unless the same names stay in the same places.
+  /// Shows another content. Resets the model unless the names and their order are the same.
   void SetContent(FolderContent content);
   const FolderContent& Content() const { return content_; }
   void SetMask(const std::string& mask);
 
   const FolderEntry& Entry(int row) const;
-  /// -1 when there is none.
+  /// Returns the row of an entry, or -1.
   int RowOf(const QString& name) const;
 
   int rowCount(const QModelIndex& parent = {}) const override;
@@ -43,7 +43,7 @@ class FileListModel : public QAbstractTableModel {
   FileMask mask_{""};
   int sortColumn_ = colName;
   Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
-  /// Indexes of entries.
+  /// Indexes of the entries.
   std::vector<int> rows_;
 };
 

@@ -13,7 +13,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// The longest in letters, which is near enough and needs no drawing.
+/// Returns the name with the most characters: a good approximation that needs no text measuring.
 QString LongestName(const FileListModel& model) {
   QString longest;
   for (int row = 0; row < model.rowCount(); ++row) {
@@ -30,7 +30,7 @@ QLabel* MakeNotice(QWidget* parent) {
   notice->setTextFormat(Qt::PlainText);
   notice->setAlignment(Qt::AlignCenter);
   notice->setMargin(notice->fontMetrics().height());
-  // It stands on the ground of the views.
+  // It has the background of the views.
   notice->setForegroundRole(QPalette::Text);
   notice->setAttribute(Qt::WA_TransparentForMouseEvents);
   notice->hide();
@@ -68,7 +68,7 @@ QAbstractItemView& FileListViews::View() const {
 void FileListViews::SetUpReport() {
   report_->setObjectName("FileListReport");
   report_->setRootIsDecorated(false);
-  // Rows of one height need not be measured, however many there are.
+  // Rows of equal height need no measuring, however many there are.
   report_->setUniformRowHeights(true);
   report_->setAllColumnsShowFocus(true);
   report_->setModel(&model_);
@@ -104,7 +104,7 @@ void FileListViews::FollowView(QAbstractItemView& view) {
           [tellSelected](const QItemSelection& selected) {
             if (!selected.isEmpty()) tellSelected(selected.indexes().first());
           });
-  // The entry that is selected already may be meant once more.
+  // The user may click the selected entry again.
   connect(&view, &QAbstractItemView::clicked, this, tellSelected);
   connect(&view, &QAbstractItemView::doubleClicked, this,
           [this](const QModelIndex& index) { Q_EMIT rowActivated(index.row()); });
@@ -144,7 +144,7 @@ void FileListViews::RestoreSelection() {
   if (!IsReport()) SizeNames();
   const int row = wanted_.isEmpty() ? -1 : model_.RowOf(wanted_);
   if (row >= 0) Select(row);
-  // The view must not jump because a file came or went.
+  // The view must not jump if a file appears or disappears.
   View().horizontalScrollBar()->setValue(scrollX_);
   View().verticalScrollBar()->setValue(scrollY_);
   if (row >= 0 && std::exchange(scrollsToWanted_, false)) View().scrollTo(model_.index(row, 0));
@@ -219,7 +219,7 @@ bool FileListViews::HandleKey(int key, Qt::KeyboardModifiers modifiers) {
     Q_EMIT rowActivated(SelectedRow());
   } else if ((key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_Home) && isPlain &&
              SelectedRow() < 0 && model_.rowCount() > 0) {
-    // With the focus the cursor came onto the first row, which a key would leave unselected.
+    // With the focus the cursor moved to the first row, which a key would leave unselected.
     View().setCurrentIndex(model_.index(0, 0));
     View().selectionModel()->select(
         model_.index(0, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);

@@ -9,12 +9,12 @@
 
 #include <rasterkit/qt/files/file_list_model.h>
 
-/// What is seen of a file list. Internal to the room.
+/// The visible part of a file list. Internal to this folder.
 namespace rasterkit::detail {
 
-/// The two views of a file list's rows, one of which is seen, and the text in place of rows. Knows
-/// keys and mouse, and nothing of the disk. The entry that is selected stays so when the rows
-/// change.
+/// The two views of the rows of a file list, one of which is visible, and the text shown instead of
+/// rows. Handles keys and mouse and does not access the disk. The selected entry stays selected if
+/// the rows change.
 class FileListViews : public QWidget {
   Q_OBJECT
 
@@ -27,19 +27,19 @@ class FileListViews : public QWidget {
   bool IsReport() const { return stack_->currentWidget() == report_; }
   void ShowReport(bool report);
 
-  /// -1 when there is none.
+  /// Returns the selected row, or -1.
   int SelectedRow() const;
-  /// Selects the entry as soon as it is among the rows; an empty name is none.
+  /// Selects the entry as soon as it is among the rows; an empty name selects nothing.
   void SelectLater(const QString& name);
 
   void ShowNotice(const QString& text);
-  /// What both views say about themselves.
+  /// Sets the accessible name and the tooltip of both views.
   void SetTexts(const QString& accessibleName, const QString& toolTip);
 
  Q_SIGNALS:
-  /// The user put the cursor on a row.
+  /// Emitted if the user moved the cursor to a row.
   void rowSelected(int row);
-  /// The user double clicked a row, or pressed Enter on it.
+  /// Emitted if the user double-clicked a row or pressed Enter on it.
   void rowActivated(int row);
   void deletePressed(bool withShift);
   void upPressed();

@@ -11,7 +11,7 @@ bool HasWildcard(const QString& text) {
   return text.contains(u'*') || text.contains(u'?');
 }
 
-/// By hand, as Qt's own patterns know sets in brackets too, which names may well contain.
+/// Not Qt's own wildcards: they also support sets in brackets, which are common in file names.
 QRegularExpression Expression(const QString& pattern) {
   QString expression;
   for (const QChar character : pattern) {

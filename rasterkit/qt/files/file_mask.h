@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-/// Patterns of file names. Internal to the room.
+/// Patterns of file names. Internal to this folder.
 namespace rasterkit::detail {
 
-/// Patterns as in filter lists, "*.tif;*.tiff": "*" is any characters, "?" is one, upper and lower
-/// case are the same. "*.*" is every file, those without a dot as well, and so is an empty mask.
+/// File name patterns as in filter lists, "*.tif;*.tiff": "*" matches any characters, "?" exactly
+/// one; case is ignored. "*.*" and an empty mask match every file, also those without a dot.
 class FileMask {
  public:
   explicit FileMask(const std::string& mask);
@@ -18,7 +18,7 @@ class FileMask {
 
  private:
   bool fitsAll_ = false;
-  /// Of the patterns that are an extension and no more, nearly all.
+  /// Patterns that are only an extension, which is the usual case.
   std::vector<QString> endings_;
   std::vector<QRegularExpression> others_;
 };

@@ -27,7 +27,7 @@ bool ChooseFolder(std::string& directory, const std::string& prompt, int) {
   dialog.setObjectName("FolderChooser");
   dialog.setAttribute(Qt::WA_QuitOnClose, false);
   dialog.setWindowTitle(ToQt(prompt));
-  // The desktop's own would hide the prompt or be another one in each.
+  // Native dialogs may hide the prompt and differ between desktops.
   dialog.setOption(QFileDialog::DontUseNativeDialog);
   dialog.setOption(QFileDialog::ShowDirsOnly);
   dialog.setFileMode(QFileDialog::Directory);

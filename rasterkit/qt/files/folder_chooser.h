@@ -6,11 +6,11 @@
 
 namespace rasterkit {
 
-/// Lets the user choose a folder in a modal window over the active one, with `prompt` as its title;
-/// what the port `folderChooser` is filled with. It starts at `directory`, or at the nearest folder
-/// above that exists, else at the current one. True when the user chose a folder, which is then in
-/// `directory`, absolute; else that stays as it was. Without a QApplication, and on another thread
-/// than its own, the dialog is cancelled. `options` are passed over.
+/// Lets the user choose a folder in a modal window over the active one; `prompt` is the title. It
+/// fills the port `folderChooser`. The window starts at `directory`, or at its nearest existing
+/// parent, else at the current folder. Returns true if the user chose a folder, which is in
+/// `directory` then, absolute; otherwise `directory` does not change. Without a QApplication, or on
+/// another thread than the application's, the dialog counts as canceled. `options` are ignored.
 RASTERKIT_EXPORT bool ChooseFolder(std::string& directory, const std::string& prompt, int options);
 
 }  // namespace rasterkit

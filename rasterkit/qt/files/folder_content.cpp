@@ -20,7 +20,7 @@ qint64 MillisecondsSince1970(std::filesystem::file_time_type time) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(system.time_since_epoch()).count();
 }
 
-// Not by Qt's own means, whose dates know of time zones and take most of the time.
+// Not with QFileInfo, whose time zone conversion takes most of the time.
 FolderEntry Describe(const std::filesystem::directory_entry& file, QString name) {
   std::error_code error;
   FolderEntry entry;
@@ -33,7 +33,7 @@ FolderEntry Describe(const std::filesystem::directory_entry& file, QString name)
   return entry;
 }
 
-/// The user's own; where that is of no language, which orders by bytes, English.
+/// Returns the user's locale; English if that is the C locale, which sorts by bytes.
 QLocale LocaleOfNames() {
   const QLocale locale = QLocale().collation();
   return locale.language() == QLocale::C ? QLocale(QLocale::English) : locale;
@@ -66,12 +66,12 @@ FolderContent Failed(const std::error_code& error) {
   return content;
 }
 
-FolderContent Read(const std::string& directory, const std::atomic<bool>& isCancelled) {
+FolderContent Read(const std::string& directory, const std::atomic<bool>& isCanceled) {
   FolderContent content;
   std::error_code error;
   std::filesystem::directory_iterator entry(ToPath(directory), error);
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-    if (isCancelled) return content;
+    if (isCanceled) return content;
     QString name = QFile::decodeName(entry->path().filename().c_str());
     if (name.startsWith(u'.')) continue;
     content.entries.push_back(Describe(*entry, std::move(name)));
@@ -84,11 +84,11 @@ FolderContent Read(const std::string& directory, const std::atomic<bool>& isCanc
 
 }  // namespace
 
-FolderContent ReadFolder(const std::string& directory, const std::atomic<bool>& isCancelled) {
+FolderContent ReadFolder(const std::string& directory, const std::atomic<bool>& isCanceled) {
   try {
-    return Read(directory, isCancelled);
+    return Read(directory, isCanceled);
   } catch (const std::exception& exception) {
-    // Memory may not be enough for what is there.
+    // A large folder may exceed the memory.
     FolderContent content;
     content.state = FolderState::isUnreadable;
     content.reason = QString::fromLocal8Bit(exception.what());

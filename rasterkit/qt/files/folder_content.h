@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// What stands in a folder. Internal to the room.
+/// The content of a folder. Internal to this folder.
 namespace rasterkit::detail {
 
 struct FolderEntry {
@@ -13,7 +13,7 @@ struct FolderEntry {
   bool isFolder = false;
   /// In bytes.
   qint64 size = 0;
-  /// Of the last change, in milliseconds since 1970, universal time; 0 when it is not known.
+  /// Last change in milliseconds since 1970 UTC; 0 if unknown.
   qint64 time = 0;
 
   bool operator==(const FolderEntry&) const = default;
@@ -23,16 +23,16 @@ enum class FolderState { isReading, isRead, isGone, isUnreadable };
 
 struct FolderContent {
   FolderState state = FolderState::isReading;
-  /// Why it is unreadable, in the system's words.
+  /// The system's error message if the folder is unreadable.
   QString reason;
-  /// By name as people sort: without regard to case, and "plan 2" before "plan 10".
+  /// Sorted by name as people sort: case-insensitive, and "plan 2" before "plan 10".
   std::vector<FolderEntry> entries;
 
   bool operator==(const FolderContent&) const = default;
 };
 
-/// Files and folders in `directory`, hidden ones left out, links as what they lead to. Takes about
-/// seven microseconds an entry; gives up when cancelled, its answer is of no use then.
-FolderContent ReadFolder(const std::string& directory, const std::atomic<bool>& isCancelled);
+/// Reads the files and folders in `directory` without hidden ones; symbolic links are followed.
+/// Takes about seven microseconds per entry. If canceled it returns early with an unusable result.
+FolderContent ReadFolder(const std::string& directory, const std::atomic<bool>& isCanceled);
 
 }  // namespace rasterkit::detail

@@ -37,7 +37,7 @@ std::vector<FilterEntry> SplitFilter(std::string_view filter) {
   const std::vector<std::string> pieces = Split(filter, '|');
   for (size_t i = 0; i < pieces.size(); i += 2) {
     const bool hasPattern = i + 1 < pieces.size();
-    // A list that ends with a separator has no further entry.
+    // A separator at the end does not start another entry.
     if (!hasPattern && pieces[i].empty()) break;
     entries.push_back({pieces[i], SplitPatterns(hasPattern ? pieces[i + 1] : "")});
   }
@@ -55,7 +55,7 @@ QString NameFilter(const FilterEntry& entry) {
   QString text = ToQt(ShownDescription(entry.description)) + " (";
   for (size_t i = 0; i < entry.patterns.size(); ++i) {
     if (i > 0) text += ' ';
-    // "*.*" means every file, those without a dot as well.
+    // "*.*" matches every file, also those without a dot.
     text += entry.patterns[i] == "*.*" ? QString("*") : ToQt(entry.patterns[i]);
   }
   return text + ')';

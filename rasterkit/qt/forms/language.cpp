@@ -16,12 +16,12 @@ namespace {
 constexpr QLatin1String kFolder(":/rasterkit/languages"), kPrefix("rasterkit_"), kSuffix(".qm"),
     kEnglish("en");
 
-/// One group for all texts: a text means the same in every window.
+/// One context for all texts: a text has the same meaning in every window.
 constexpr char kContext[] = "rasterkit";
 
-/// State of the process; only the application's thread comes here.
+/// State of the process; used only by the application's thread.
 struct State {
-  /// As it was chosen; empty for what the host's locale says.
+  /// The language set by SetLanguage(); empty: follow the host's locale.
   QString chosen;
   QString language = kEnglish;
   bool isHosted = false;
@@ -37,8 +37,8 @@ bool IsThere(const QString& language) {
   return QFile::exists(kFolder + u'/' + kPrefix + language + kSuffix);
 }
 
-/// The first of the user's languages that there is: "de-AT", "de", "fr" gives "de". Who prefers
-/// English gets it, whatever comes behind.
+/// Returns the first of the user's languages that has a catalogue: "de-AT", "de", "fr" gives "de".
+/// If English comes first, the result is English.
 QString BestOf(const QStringList& wanted) {
   for (const QString& name : wanted) {
     QString language = name.section(u'-', 0, 0).section(u'_', 0, 0);
@@ -47,7 +47,7 @@ QString BestOf(const QStringList& wanted) {
   return kEnglish;
 }
 
-/// "de_AT" gives "de"; nothing for what is not known.
+/// "de_AT" gives "de"; nothing for an unknown language.
 std::optional<QString> Known(const QString& name) {
   const QLocale locale(name);
   const bool isEnglish = locale.language() == QLocale::English;
@@ -59,12 +59,12 @@ std::optional<QString> Known(const QString& name) {
 }
 
 void RemoveCatalogueOfQt() {
-  // After the application's end nothing is installed any more.
+  // No translator is installed after the application object was destroyed.
   if (TheState().ofQt && qApp != nullptr) QCoreApplication::removeTranslator(TheState().ofQt.get());
   TheState().ofQt.reset();
 }
 
-/// A host that has seen to Qt's texts itself is left alone.
+/// Whether the host has installed a translator for Qt's texts itself.
 bool QtIsTranslated() {
   return QCoreApplication::translate("QFileDialog", "Files of type:") !=
          QLatin1String("Files of type:");
@@ -75,13 +75,13 @@ void InstallCatalogueOfQt(const QString& language) {
   if (qApp == nullptr || language == kEnglish || QtIsTranslated()) return;
   auto catalogue = std::make_unique<QTranslator>();
   const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
-  // Not every system has it; Qt's texts are English there.
+  // Not every system has this catalogue; Qt's texts are English without it.
   if (!catalogue->load(QLatin1String("qtbase_") + language, folder)) return;
   QCoreApplication::installTranslator(catalogue.get());
   TheState().ofQt = std::move(catalogue);
 }
 
-/// Shared by whoever asks for a text while the language changes.
+/// Shared ownership: a thread may be translating while the language changes.
 TTranslator CatalogueOf(const QString& language) {
   const auto catalogue = std::make_shared<QTranslator>();
   if (!catalogue->load(kPrefix + language + kSuffix, kFolder)) return {};
@@ -98,7 +98,7 @@ void Use(const QString& language) {
   if (TheState().isHosted) InstallCatalogueOfQt(language);
 }
 
-/// What holds where nobody has chosen.
+/// Uses the host's language unless one was set.
 void UseLanguageOfHost() {
   Use(TheState().isHosted ? BestOf(QLocale().uiLanguages()) : QString(kEnglish));
 }

@@ -6,35 +6,34 @@
 
 #include <rasterkit/runtime/export.h>
 
-/// The language of the texts. Catalogues are part of librasterkit-dialogs (`qt/languages`). The
-/// texts follow the host's locale (`QLocale()`, the system's unless the host has set another) for
-/// as long as a QtHost lives, without a call; texts for which there is no catalogue are English. A
-/// translator of the host's own (`SetTranslator`) wins over all of this.
+/// The language of the texts. The catalogues are in `rasterkit/strings/languages` and are part of
+/// librasterkit-dialogs. While a QtHost lives, the texts follow the host's locale without a call
+/// (`QLocale()`, the system's unless the host has set another). Texts without a translation are
+/// English. A translator of the host (`SetTranslator`) takes precedence.
 ///
-/// All functions belong to the thread of the application.
+/// All functions must be called on the thread of the application.
 namespace rasterkit {
 
-/// Chooses a language for the rest of the process: "de", "de_AT", "de-CH", "en"; "" follows
-/// the host again. False, and everything stays, when there is no catalogue for it. Windows that are
-/// open keep their texts; the next ones have the new language.
+/// Sets the language for the rest of the process: "de", "de_AT", "de-CH", "en"; "" follows the host
+/// again. Returns false and changes nothing if there is no catalogue for it. Open windows keep
+/// their texts; new ones have the new language.
 ///
-/// Where the texts of Qt itself (Open, Yes, the list of files) have no translator yet, Qt's
-/// catalogue of the same language is installed beside it for as long as a QtHost lives.
+/// If the texts of Qt itself (Open, Yes, the list of files) have no translator yet, Qt's catalogue
+/// of the same language is installed as well while a QtHost lives.
 RASTERKIT_EXPORT bool SetLanguage(const std::string& language);
 
-/// The language in use: "en" or one of Languages().
+/// Returns the current language: "en" or one of Languages().
 RASTERKIT_EXPORT std::string Language();
 
-/// What SetLanguage knows beside "en", by name: "de".
+/// Returns the languages that SetLanguage accepts besides "en", by name: "de".
 RASTERKIT_EXPORT std::vector<std::string> Languages();
 
-/// What numbers in windows are written by: the host's locale, unless a language was chosen that is
-/// not the locale's.
+/// Returns the locale for numbers in windows: the host's, unless another language was set.
 RASTERKIT_EXPORT QLocale LanguageLocale();
 
 namespace detail {
 
-/// What QtHost holds: the host's language while it lives.
+/// Uses the host's language while it lives; owned by QtHost.
 class LanguageOfHost {
  public:
   LanguageOfHost();

@@ -19,12 +19,12 @@ void Show(const QString& text) {
   box->exec();
 }
 
-/// Lines may end as on any system.
+/// Converts the line ends of all systems.
 QString WithPlainLineEnds(QString text) {
   return text.replace("\r\n", "\n").replace('\r', '\n');
 }
 
-/// With a drawing of our own: Qt's is a bitmap that screens of high density show coarse.
+/// With an icon of this library: Qt's is a bitmap, which is coarse on high-density screens.
 class DrawnMessageBox : public QMessageBox {
  public:
   explicit DrawnMessageBox(const char* icon) : drawing_(rasterkit::Icon(icon)) { Draw(); }
@@ -48,7 +48,7 @@ std::unique_ptr<QMessageBox> MakeBox(const char* name, const char* icon, const Q
   auto box = std::make_unique<DrawnMessageBox>(icon);
   box->setObjectName(name);
   box->setWindowTitle(QGuiApplication::applicationDisplayName());
-  // Not to be read as HTML: the text may hold a file's name.
+  // A text with a file name must not be interpreted as HTML.
   box->setTextFormat(Qt::PlainText);
   box->setText(WithPlainLineEnds(text));
   box->setTextInteractionFlags(Qt::TextSelectableByMouse);

@@ -12,16 +12,16 @@
 namespace rasterkit {
 
 TScaledForm::TScaledForm(QWidget* parent) : QDialog(parent) {
-  // A host without a window of its own must not end because its dialog did.
+  // A host without a window must not quit because its dialog was closed.
   setAttribute(Qt::WA_QuitOnClose, false);
   setSizeGripEnabled(true);
-  // Numbers as the texts have them.
+  // Numbers have the language of the texts.
   if (LanguageLocale() != locale()) setLocale(LanguageLocale());
 }
 
 namespace {
 
-/// Screen readers meet the field inside of a box on its own, without the box's name.
+/// Screen readers visit the field inside a combo box separately, without the name of the box.
 void NameFieldsOfBoxes(const QWidget& form) {
   for (QComboBox* box : form.findChildren<QComboBox*>()) {
     QLineEdit* field = box->lineEdit();
@@ -39,6 +39,24 @@ bool TScaledForm::event(QEvent* event) {
   if (event->type() == QEvent::Show || event->type() == QEvent::StyleChange)
     detail::UseClearStyle(*this);
   return isUsed;
+}
+
+void TScaledForm::setVisible(bool visible) {
+  if (visible && isHidden()) FitToTexts();
+  QDialog::setVisible(visible);
+}
+
+/// A hidden window does not follow texts that become longer. If it grew only after it is on the
+/// screen, a late message of the X server could set its first size again.
+void TScaledForm::FitToTexts() {
+  const QList<QWidget*> widgets = findChildren<QWidget*>();
+  // Children come after their parents in the list, and must report their sizes before them.
+  for (auto widget = widgets.rbegin(); widget != widgets.rend(); ++widget) {
+    (*widget)->ensurePolished();
+    (*widget)->updateGeometry();
+  }
+  // Qt itself chooses the size of a window that has none.
+  if (testAttribute(Qt::WA_Resized) && !isMaximized()) resize(size().expandedTo(minimumSizeHint()));
 }
 
 int TScaledForm::ShowModal() {

@@ -9,28 +9,31 @@
 
 namespace rasterkit {
 
-/// Base of every form: a modal window that stretches, follows the screen's scaling and the host's
-/// style (where that is Fusion, with outlines and a focus that are seen), remembers its place under
-/// its object name, and leaves cleanly when the host quits.
+/// Base of every form: a resizable modal window. It follows the scale of the screen and the style
+/// of the host, stores its position under its object name, and closes cleanly when the host quits.
+/// If the style is Fusion, outlines and the focus are drawn with more contrast.
 ///
-/// A derived form keeps the `Ui::...` that Designer describes and calls `SetUpForm(ui)` first thing
-/// in its constructor. Its buttons end it with Qt's `accept()` and `reject()`.
+/// A derived form owns the `Ui::...` of its Designer file and calls `SetUpForm(ui)` first in its
+/// constructor. Its buttons close it with Qt's `accept()` and `reject()`.
 class RASTERKIT_EXPORT TScaledForm : public QDialog {
   Q_OBJECT
 
  public:
   explicit TScaledForm(QWidget* parent = nullptr);
 
-  /// Shows the form and returns when it was closed: mrOk after `accept()`, mrCancel after
-  /// `reject()`, Escape, the window's frame or the end of the host's loop.
+  /// Shows the form and returns when it is closed: mrOk after `accept()`, mrCancel after
+  /// `reject()`, Escape, the close button of the frame or the end of the host's event loop.
   int ShowModal();
 
-  /// Keeps the place under this name instead of the object name; for a form that comes in several
+  /// Shows or hides the window, which opens large enough for its texts.
+  void setVisible(bool visible) override;
+
+  /// Stores the position under this name instead of the object name. For a form that has several
   /// sizes.
   void SetSettingsName(const std::string& name) { settingsName_ = name; }
 
  protected:
-  /// Builds the widgets and gives them the user's language.
+  /// Creates the widgets and translates their texts.
   template <typename Ui>
   void SetUpForm(Ui& ui) {
     ui.setupUi(this);
@@ -40,6 +43,8 @@ class RASTERKIT_EXPORT TScaledForm : public QDialog {
   bool event(QEvent* event) override;
 
  private:
+  void FitToTexts();
+
   std::string settingsName_;
 };
 

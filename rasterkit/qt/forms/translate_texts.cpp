@@ -38,7 +38,7 @@ QString Translate(const QString& text) {
   return translatedPlain;
 }
 
-/// The text of these is what the user typed.
+/// Whether the text was typed by the user.
 bool HoldsUserText(const QWidget& widget, const char* property) {
   if (qstrcmp(property, "text") != 0) return false;
   return qobject_cast<const QLineEdit*>(&widget) != nullptr ||
@@ -65,7 +65,7 @@ void TranslateEntries(QWidget& widget) {
   }
 }
 
-/// The buttons of a navigator come with their texts in the user's language.
+/// The buttons of a navigator set their translated texts themselves.
 bool IsTranslated(const QWidget& widget) {
   return qobject_cast<const TNavigator*>(widget.parentWidget()) != nullptr;
 }

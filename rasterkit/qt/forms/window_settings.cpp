@@ -20,7 +20,7 @@ std::optional<int> ReadNumber(const std::string& name, const char* what) {
   if (!text) return std::nullopt;
   bool isNumber = false;
   const int number = ToQt(*text).toInt(&isNumber);
-  // Further out than any desk; sums of such numbers must not overflow.
+  // Larger than any desktop; sums of such numbers must not overflow.
   if (!isNumber || std::abs(static_cast<int64_t>(number)) > 1'000'000) return std::nullopt;
   return number;
 }

@@ -15,8 +15,8 @@ namespace {
 
 const QLatin1String kX11("xcb"), kWayland("wayland");
 
-/// As Qt itself finds out: the name of the server, the user's right to it, everything counts. Null
-/// when it does not answer.
+/// Connects like Qt itself, so that the server name and the user's permission are checked. Null if
+/// the server does not answer.
 std::shared_ptr<void> ConnectX11() try {
   const DynamicLibrary xcb("xcb", 1, "X11 is not installed", {});
   const std::shared_ptr<void> connection(
@@ -44,9 +44,9 @@ bool HasKey(const QJsonObject& metaData, const QString& platform) {
   return false;
 }
 
-/// Whether Qt has a plugin for the platform, be it of its own or linked in.
+/// Whether Qt has a plugin for the platform, installed or linked in.
 bool IsInstalled(const QString& platform) {
-  // Where it says plugins are is not looked at in Qt's way here: Qt may have it.
+  // That folder is not searched here; Qt may find the plugin in it.
   if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM_PLUGIN_PATH")) return true;
   for (const QStaticPlugin& plugin : QPluginLoader::staticPlugins())
     if (HasKey(plugin.metaData(), platform)) return true;
@@ -58,7 +58,7 @@ bool IsInstalled(const QString& platform) {
   return false;
 }
 
-/// Nothing when it cannot be used. `name` may have arguments behind a colon.
+/// Returns nothing if the platform cannot be used. `name` may have arguments after a colon.
 std::optional<UsablePlatform> TryPlatform(const QString& name) {
   const QString platform = name.section(QLatin1Char(':'), 0, 0);
   if (!IsInstalled(platform)) return std::nullopt;
@@ -69,14 +69,14 @@ std::optional<UsablePlatform> TryPlatform(const QString& name) {
   return usable.connection ? std::optional(usable) : std::nullopt;
 }
 
-/// Qt's own choice: Wayland in a session of it, but where windows get no frames there.
+/// Qt's own choice: Wayland in a Wayland session, except where its windows get no frames.
 QStringList DefaultPlatforms() {
   const bool isWayland = qgetenv("XDG_SESSION_TYPE") == "wayland" &&
                          !qgetenv("XDG_CURRENT_DESKTOP").toLower().contains("gnome");
   return isWayland ? QStringList{kWayland, kX11} : QStringList{kX11, kWayland};
 }
 
-/// What the user is told to mend.
+/// Returns what the user must install or set up.
 std::string Missing(const QByteArray& wanted) {
   if (!wanted.isEmpty())
     return "none of the platforms that QT_QPA_PLATFORM names (" + wanted.toStdString() +

@@ -5,17 +5,17 @@
 
 namespace rasterkit {
 
-/// A platform on which Qt can open windows now.
+/// A platform plugin with which Qt can open windows now.
 struct UsablePlatform {
-  /// As Qt's option -platform takes it.
+  /// In the notation of Qt's option -platform.
   std::string name;
-  /// The connection to its display, if it has one. Keep it until Qt has its own: some servers begin
-  /// anew, and refuse others meanwhile, when their last client leaves.
+  /// The connection to its display, if it has one. Keep it until Qt has its own: some servers reset
+  /// when their last client leaves and refuse other clients meanwhile.
   std::shared_ptr<void> connection;
 };
 
-/// The first platform of QT_QPA_PLATFORM that can be used, else Wayland or X11. Qt ends the process
-/// where it finds none; this asks first. Throws Error that says what is missing.
+/// Returns the first usable platform of QT_QPA_PLATFORM, else Wayland or X11. Qt ends the process
+/// if it finds none, so check first. Throws an Error that says what is missing.
 UsablePlatform FindPlatform();
 
 }  // namespace rasterkit

@@ -16,8 +16,8 @@
 namespace rasterkit {
 namespace {
 
-/// QApplication sets the process's locale, after which the C library writes numbers with the user's
-/// decimal comma.
+/// QApplication sets the locale of the process, after which the C library writes numbers with the
+/// user's decimal comma.
 class KeptLocale {
  public:
   KeptLocale()
@@ -33,7 +33,7 @@ class KeptLocale {
   std::string numbers_;
 };
 
-/// An application for a host that has none, on a platform that is known to work.
+/// An application object for a host without one, on a platform that was checked.
 class OwnApplication {
  public:
   OwnApplication() {
@@ -44,7 +44,7 @@ class OwnApplication {
     locale_.KeepNumbers();
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle(detail::NewClearStyle().release());
-    // What desktops group the windows by, and show them with.
+    // Desktops use it to group the windows and to find their icon.
     QApplication::setDesktopFileName(QStringLiteral("rasterkit"));
     QApplication::setWindowIcon(ProgramIcon());
   }
@@ -66,7 +66,7 @@ struct TModalCall::Services {
     host.emplace();
     if (!application) return;
     const std::string style = ReadSetting(kWindowSection, "Style").value_or("");
-    // A desktop without colours of its own has those of Qt, whose selection is pale.
+    // A desktop without its own colors has Qt's, whose selection is pale.
     const bool isPlain = QApplication::palette() == QApplication::style()->standardPalette();
     if (style == "dark") UsePalette(DarkPalette());
     if (style == "light" || (style.empty() && isPlain)) UsePalette(LightPalette());

@@ -6,15 +6,15 @@
 
 namespace rasterkit {
 
-/// What an exported routine that opens a dialog holds for as long as it runs, before it makes its
-/// form. Where the host has no QApplication, one is made and ended with the call: in Qt's style
-/// Fusion, with dark or light colours where the setting "Style" in section "Settings" is "dark" or
-/// "light". The process's locale stays as it was. Where the host has no QtHost, the same. Calls may
-/// nest.
+/// The environment of an exported routine that opens a dialog; create it before the form and keep
+/// it until the routine returns. If the host has no QApplication, one is created for the time of
+/// the call: style Fusion, with dark or light colors if the setting "Style" in section "Settings"
+/// is "dark" or "light". The locale of the process does not change. A missing QtHost is created the
+/// same way. Calls may be nested.
 class RASTERKIT_EXPORT TModalCall {
  public:
-  /// Throws Error when no dialog can be shown: no display, an application object without widgets,
-  /// or another thread than the application's.
+  /// Throws Error if no dialog can be shown: no display, an application object without widgets, or
+  /// another thread than the application's.
   TModalCall();
   ~TModalCall();
   TModalCall(const TModalCall&) = delete;

@@ -8,8 +8,8 @@ namespace rasterkit {
 /// `pdfPageChooser`.
 using PdfPageDialog = int (*)(const std::string& pdfFile, std::string& pictureFile);
 
-/// What a QtHost fills that port with; null for nothing. The dialog stands on a floor above this
-/// one, so it puts itself here when the library is loaded.
+/// The function with which a QtHost fills that port; null if there is none. The dialog is in a
+/// higher room, so it installs itself here when the library is loaded.
 PdfPageDialog& InstalledPdfPageDialog();
 
 }  // namespace rasterkit

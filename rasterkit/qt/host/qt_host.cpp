@@ -19,7 +19,7 @@
 namespace rasterkit {
 namespace {
 
-/// One adapter serves, however many hosts there are.
+/// One adapter is active, however many hosts there are.
 bool isServed = false;
 
 void RequireApplication() {
@@ -31,15 +31,14 @@ void RequireApplication() {
   }
 }
 
-/// A worker that turned the loop would find nothing in it, so other threads save themselves the
-/// way.
+/// The loop of other threads has no events, so they return at once.
 void TurnLoop() {
   if (qApp != nullptr && QThread::currentThread() == qApp->thread()) {
     QCoreApplication::processEvents();
   }
 }
 
-/// Fills empty ports and empties those again.
+/// Fills empty ports and clears them at the end.
 class FilledPorts {
  public:
   explicit FilledPorts(const std::string& settingsFile) {

@@ -7,17 +7,18 @@
 
 namespace rasterkit {
 
-/// Makes a Qt application the host: for as long as it lives, every port of `HostPorts()` that was
-/// empty has its Qt side (message pump, message box, picture file dialogs, the dialog for a page of
-/// a PDF file, system colours, settings), and termination events and timers of the application's
-/// thread arrive from whatever Qt loop is turning. Texts are in the host's language (language.h).
+/// Connects a Qt application with the library. While it lives, every port of `HostPorts()` that was
+/// empty is filled with its Qt implementation (message pump, message box, picture file dialogs, the
+/// dialog for a page of a PDF file, system colors, settings). Termination events and timers of the
+/// application's thread arrive from every running Qt event loop. Texts are in the host's language
+/// (language.h).
 ///
-/// Make one right after the QApplication and on its thread, and end it before that. Several may
-/// live at once; the first one serves. Ports that the host filled itself are left alone.
+/// Create it right after the QApplication, on its thread, and destroy it before the QApplication.
+/// Several may live at once; the first one is active. Ports that the host filled do not change.
 class RASTERKIT_EXPORT QtHost {
  public:
-  /// `settingsFile` is the INI file for window places; empty takes SettingsStore::DefaultFile.
-  /// Throws Error when there is no QApplication or it lives on another thread.
+  /// `settingsFile` is the INI file for window positions; empty means SettingsStore::DefaultFile.
+  /// Throws Error if there is no QApplication or it lives on another thread.
   explicit QtHost(const std::string& settingsFile = "");
   ~QtHost();
   QtHost(const QtHost&) = delete;

@@ -15,7 +15,7 @@ QueueRunner::QueueRunner() : queue_(ThreadQueue::Share()) {
   nextTimer_.setTimerType(Qt::PreciseTimer);
   connect(&nextTimer_, &QTimer::timeout, this, &QueueRunner::Run);
   queue_->SetWakeUp([this] { Wake(); });
-  // For what came before there was anybody to wake.
+  // Handles what was queued before this object existed.
   Wake();
 }
 
@@ -30,7 +30,7 @@ bool QueueRunner::event(QEvent* event) {
   return true;
 }
 
-/// Any thread.
+/// Called on any thread.
 void QueueRunner::Wake() {
   if (!isAwake_.exchange(true)) QCoreApplication::postEvent(this, new QEvent(kWakeEvent));
 }

@@ -9,9 +9,9 @@
 
 namespace rasterkit {
 
-/// Runs the queue of the thread that makes it from Qt's loop, whichever loop is turning: the
-/// application's, a modal dialog's, a nested one. So termination events and timers arrive while
-/// nobody waits for them. It costs nothing while the queue is empty.
+/// Runs the queue of the thread that creates it from every running Qt event loop: the
+/// application's, a modal dialog's, a nested one. So termination events and timers arrive while no
+/// code waits for them. Free while the queue is empty.
 class QueueRunner : public QObject {
  public:
   QueueRunner();
@@ -27,7 +27,7 @@ class QueueRunner : public QObject {
 
   const std::shared_ptr<ThreadQueue> queue_;
   QTimer nextTimer_;
-  /// An event is under way already; one is enough.
+  /// An event is already posted; one is enough.
   std::atomic<bool> isAwake_{false};
 };
 

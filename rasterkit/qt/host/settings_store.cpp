@@ -8,7 +8,7 @@
 namespace rasterkit {
 namespace {
 
-/// A slash would open a section in the section.
+/// Replaces slashes, which would start a subsection.
 QString Name(const std::string& section, const std::string& key) {
   QString name = ToQt(key);
   name.replace(u'/', u'_');
@@ -32,7 +32,7 @@ std::optional<std::string> SettingsStore::Read(const std::string& section,
   const QSettings settings(file_, QSettings::IniFormat);
   const QVariant value = settings.value(Name(section, key));
   if (!value.isValid()) return std::nullopt;
-  // A text with a comma that somebody wrote by hand comes back as a list.
+  // A text with a comma that was edited by hand is read as a list.
   return FromQt(value.toStringList().join(QStringLiteral(", ")));
 }
 

@@ -8,15 +8,15 @@
 
 namespace rasterkit {
 
-/// The host's settings file: an INI file of sections with keys and texts (UTF-8). One that is
-/// missing or no INI file reads as empty; one that cannot be written loses what is written.
+/// The settings file of the host: an INI file with sections, keys and texts (UTF-8). A missing or
+/// invalid file reads as empty; what cannot be written is lost without an error.
 class RASTERKIT_EXPORT SettingsStore {
  public:
-  /// `file` is where the settings lie; empty takes DefaultFile.
+  /// `file` is the path of the settings file; empty means DefaultFile().
   explicit SettingsStore(const std::string& file = "");
 
-  /// "rasterkit.ini", or the application's name with that extension, in the user's folder for
-  /// settings.
+  /// Returns "rasterkit.ini", or the application's name with that extension, in the user's settings
+  /// folder.
   static std::string DefaultFile();
 
   std::optional<std::string> Read(const std::string& section, const std::string& key) const;

@@ -15,8 +15,7 @@ struct Source {
   QPalette::ColorGroup group = QPalette::Active;
 };
 
-/// By index. Captions, which Qt does not know, take the colours of a selection; number 25 is
-/// unused.
+/// By index. Captions, which Qt does not have, take the colors of a selection; number 25 is unused.
 constexpr std::array<Source, 31> kSources{{
     {Role::Button},                         // scroll bar
     {Role::Dark},                           // desktop

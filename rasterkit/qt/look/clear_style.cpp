@@ -15,18 +15,18 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Fusion brightens some outlines by up to a tenth after it was told their colour.
+/// Fusion lightens some outlines by up to a tenth of the given color.
 constexpr double kOutlineContrast = 3.7, kFocusContrast = 4.5;
 constexpr int kFocusWidth = 2;
-/// Fusion draws outlines with the window's colour, darkened by so many percent.
+/// Percentage by which Fusion darkens the window's color for outlines.
 constexpr int kDarkening = 140;
-/// ... and that of the default button with the selection's.
+/// Percentage by which Fusion darkens the selection's color for the outline of the default button.
 constexpr int kDarkeningOfDefault = 125;
-/// Faces of buttons shade off to so many percent of their colour.
+/// Percentage of the color at the lightest end of a button's gradient.
 constexpr int kSheen = 160;
 constexpr double kFillContrast = 3.6;
 
-/// Of an enabled control, whichever state the one has that is drawn: palettes do not differ by it.
+/// Always the Active group: outlines do not depend on the control's state.
 QColor ColorIn(const QPalette& palette, QPalette::ColorRole role) {
   return palette.color(QPalette::Active, role);
 }
@@ -44,7 +44,7 @@ QColor FocusColor(const QPalette& palette) {
                       kFocusContrast);
 }
 
-/// What the travelled part of a track bar and the outline of the default button are made of.
+/// Returns the color of the filled part of a track bar and of the default button's outline.
 QColor HighlightColor(const QPalette& palette) {
   const QColor color = ColorIn(palette, QPalette::Highlight);
   const QColor window = ColorIn(palette, QPalette::Window);
@@ -54,7 +54,7 @@ QColor HighlightColor(const QPalette& palette) {
       .lighter(kDarkeningOfDefault);
 }
 
-/// A frame of whole pixels of the widget along the edge.
+/// Draws a frame of whole widget pixels along the edge.
 void DrawFrame(QPainter& painter, const QRect& place, const QColor& color, int width) {
   if (place.width() <= 2 * width || place.height() <= 2 * width) return;
   const QRect inner = place.adjusted(width, width, -width, -width);
@@ -65,8 +65,8 @@ void DrawFrame(QPainter& painter, const QRect& place, const QColor& color, int w
     painter.fillRect(strip, color);
 }
 
-/// Where a pixel of the widget is no whole number of the screen's, Fusion's lines lie between two
-/// of them and are half as strong; this one does not.
+/// Draws the outline on whole pixels of the screen. At fractional scales Fusion's lines are between
+/// two pixels and only half as strong.
 void SharpenOutline(const QStyleOption& option, QPainter& painter, const QRect& place) {
   const double scale = painter.device()->devicePixelRatioF();
   if (scale != std::floor(scale)) DrawFrame(painter, place, OutlineColor(option.palette), 1);
@@ -141,8 +141,8 @@ class ClearStyle : public QProxyStyle {
   }
 
  private:
-  /// Lets Fusion draw with a palette of which it makes outlines that are seen. The option is
-  /// Qt's, of a kind that only the drawing knows, so it is lent the palette.
+  /// Lets Fusion draw with a palette that gives visible outlines. The option is Qt's, of a type
+  /// that only the caller knows, so its palette is replaced temporarily.
   template <typename Draw>
   void DrawOutlined(const QStyleOption& option, const Draw& draw) const {
     auto& lent = const_cast<QStyleOption&>(option);
@@ -152,12 +152,12 @@ class ClearStyle : public QProxyStyle {
     lent.palette = before;
   }
 
-  /// Kept, because Fusion keeps its drawings by palette.
+  /// Cached, because Fusion caches its drawings by palette.
   QPalette OutlinedPalette(const QPalette& palette) const {
-    constexpr qsizetype most = 64;
+    constexpr qsizetype kMost = 64;
     const auto found = outlined_.constFind(palette.cacheKey());
     if (found != outlined_.constEnd()) return *found;
-    if (outlined_.size() >= most) outlined_.clear();
+    if (outlined_.size() >= kMost) outlined_.clear();
     QPalette outlined = palette;
     const QColor highlight = HighlightColor(palette);
     for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
@@ -167,19 +167,19 @@ class ClearStyle : public QProxyStyle {
     return outlined_[palette.cacheKey()] = outlined;
   }
 
-  /// Its own outline is as pale as the groove.
+  /// Draws the outline of the knob; Fusion's is as pale as the groove.
   void DrawKnob(const QStyleOptionComplex& option, QPainter& painter, const QWidget* widget) const {
     if (!(option.subControls & SC_SliderHandle) || !(option.state & State_Enabled)) return;
     const QRectF knob = proxy()->subControlRect(CC_Slider, &option, SC_SliderHandle, widget);
-    constexpr double inset = 1.5, half = 0.5, roundness = 2;
+    constexpr double kInset = 1.5, kHalf = 0.5, kRoundness = 2;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(OutlineColor(option.palette));
     painter.setBrush(Qt::NoBrush);
-    // Fusion's knob is a little higher than the track bar.
-    const QRectF seen = QRectF(option.rect).adjusted(half, half, -half, -half);
-    painter.drawRoundedRect(knob.adjusted(inset, inset, -inset, -inset) & seen, roundness,
-                            roundness);
+    // Fusion's knob is slightly higher than the track bar.
+    const QRectF seen = QRectF(option.rect).adjusted(kHalf, kHalf, -kHalf, -kHalf);
+    painter.drawRoundedRect(knob.adjusted(kInset, kInset, -kInset, -kInset) & seen, kRoundness,
+                            kRoundness);
     painter.restore();
     SharpenOutline(option, painter, knob.adjusted(1, 1, -1, -1).toRect() & option.rect);
   }
@@ -189,24 +189,24 @@ class ClearStyle : public QProxyStyle {
       DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
   }
 
-  /// The default button's outline has a colour of its own, which is strong enough.
+  /// The outline of the default button has its own color with enough contrast.
   static void SharpenButton(const QStyleOption& option, QPainter& painter) {
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(&option);
-    constexpr auto others = QStyleOptionButton::Flat | QStyleOptionButton::DefaultButton;
-    if (button != nullptr && !(button->features & others))
+    constexpr auto kOthers = QStyleOptionButton::Flat | QStyleOptionButton::DefaultButton;
+    if (button != nullptr && !(button->features & kOthers))
       SharpenOutline(option, painter, option.rect);
   }
 
-  /// Fusion only colours the outline of buttons and knobs.
+  /// Fusion only colors the outline of buttons and knobs.
   static void ShowFocusOfKeys(const QStyleOption& option, QPainter& painter) {
     if (option.state & State_KeyboardFocusChange) ShowFocus(option, painter);
   }
 
-  /// What the mouse gave the focus to does not wear the frame before a key is used.
+  /// A control that got the focus from the mouse has no frame until a key is used.
   static void DrawFocusRect(const QStyleOption& option, QPainter& painter, const QWidget* widget) {
     if (!(option.state & State_KeyboardFocusChange)) return;
     DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
-    // Over a picture of the frame's own colour a second line is seen.
+    // A second line is visible on a picture of the frame's own color.
     if (widget == nullptr || !widget->inherits("rasterkit::TPaintBox")) return;
     const int inset = kFocusWidth;
     DrawFrame(painter, option.rect.adjusted(inset, inset, -inset, -inset),
@@ -215,14 +215,15 @@ class ClearStyle : public QProxyStyle {
 
   void DrawGroupFrame(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
     QProxyStyle::drawPrimitive(PE_FrameGroupBox, &option, &painter, widget);
-    // Below the title, as the base draws its own.
-    constexpr int gap = 3;
+    // Below the title, like the base class draws its frame.
+    constexpr int kGap = 3;
     const auto* group = qobject_cast<const QGroupBox*>(widget);
     const bool hasTitle = group == nullptr || group->isCheckable() || !group->title().isEmpty();
     const int title = hasTitle ? std::max(proxy()->pixelMetric(PM_IndicatorHeight, &option, widget),
                                           option.fontMetrics.height())
                                : 0;
-    DrawFrame(painter, option.rect.adjusted(0, title + gap, 0, 0), OutlineColor(option.palette), 1);
+    DrawFrame(painter, option.rect.adjusted(0, title + kGap, 0, 0), OutlineColor(option.palette),
+              1);
   }
 
   void DrawPanelFrame(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
@@ -238,7 +239,7 @@ class ClearStyle : public QProxyStyle {
   mutable QHash<qint64, QPalette> outlined_;
 };
 
-/// One for all windows; it goes with the application.
+/// One style for all windows, owned by the application.
 QStyle& SharedClearStyle() {
   const QString name = QStringLiteral("rasterkit-clear-style");
   if (auto* style = qApp->findChild<QStyle*>(name, Qt::FindDirectChildrenOnly)) return *style;
@@ -258,7 +259,7 @@ void UseClearStyle(QWidget& window) {
   const bool isFusion = QApplication::style()->name() == u"fusion";
   QStyle* style = isFusion ? &SharedClearStyle() : nullptr;
   for (QWidget* widget : window.findChildren<QWidget*>()) {
-    // A style that somebody gave this widget alone is theirs.
+    // A style that was set on this widget alone is kept.
     const bool isOwn = widget->testAttribute(Qt::WA_SetStyle) &&
                        dynamic_cast<ClearStyle*>(widget->style()) == nullptr;
     if (!isOwn && widget->testAttribute(Qt::WA_SetStyle) != isFusion) widget->setStyle(style);

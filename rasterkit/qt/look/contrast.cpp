@@ -6,7 +6,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Of the standard RGB colour space, 0 to 1.
+/// Linearizes a channel of the sRGB color space, 0 to 1.
 double Linear(double channel) {
   return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
 }
@@ -33,9 +33,9 @@ double Contrast(const QColor& a, const QColor& b) {
 
 QColor WithContrast(const QColor& color, const QColor& towards,
                     std::initializer_list<QColor> grounds, double least) {
-  constexpr int steps = 50;
-  for (int i = 0; i < steps; ++i) {
-    const QColor mixed = Mix(color, towards, static_cast<double>(i) / steps);
+  constexpr int kSteps = 50;
+  for (int i = 0; i < kSteps; ++i) {
+    const QColor mixed = Mix(color, towards, static_cast<double>(i) / kSteps);
     const bool isSeen = std::all_of(grounds.begin(), grounds.end(), [&](const QColor& ground) {
       return Contrast(mixed, ground) >= least;
     });

@@ -5,12 +5,12 @@
 
 namespace rasterkit::detail {
 
-/// How well two colours are told apart, 1 (not at all) to 21 (black and white), as guidelines for
-/// accessible contents measure it: the ratio of their relative luminances.
+/// Returns the contrast of two colors, 1 (none) to 21 (black and white), as accessibility
+/// guidelines define it: the ratio of their relative luminances.
 double Contrast(const QColor& a, const QColor& b);
 
-/// `color`, mixed with as little of `towards` as gives it a contrast of `least` to each of the
-/// grounds; `towards` itself where nothing less does.
+/// Returns `color` mixed with the least amount of `towards` that gives it a contrast of `least` to
+/// each of the backgrounds; `towards` itself if nothing less suffices.
 QColor WithContrast(const QColor& color, const QColor& towards,
                     std::initializer_list<QColor> grounds, double least);
 

@@ -9,7 +9,7 @@
 #include <rasterkit/qt/look/icons.h>
 #include <rasterkit/qt/look/style.h>
 
-// In a program that links the archive, nothing but this call keeps the drawings.
+// Without this call, a program that links the archive would not contain the drawings.
 static void LoadDrawings() {
   Q_INIT_RESOURCE(icons);
 }
@@ -17,27 +17,27 @@ static void LoadDrawings() {
 namespace rasterkit {
 namespace {
 
-/// The colours of the drawings, and what they become on a dark ground.
+/// The colors of the drawings and their replacements on a dark background.
 struct Ink {
   const char* onLight;
   const char* onDark;
 };
-constexpr Ink inks[] = {
+constexpr Ink kInks[] = {
     {"#37474f", "#dfe6ea"},
     {"#2e7d32", "#8fd694"},
     {"#c62828", "#ff9a92"},
     {"#1565c0", "#8cc2ff"},
 };
 
-constexpr double paleness = 0.4;
+constexpr double kPaleness = 0.4;
 
 QByteArray InColorsOfStyle(QByteArray drawing) {
   if (!IsDark(QGuiApplication::palette())) return drawing;
-  for (const Ink& ink : inks) drawing.replace(ink.onLight, ink.onDark);
+  for (const Ink& ink : kInks) drawing.replace(ink.onLight, ink.onDark);
   return drawing;
 }
 
-/// Draws afresh at every size, in the colours that the palette asks for by then.
+/// Renders the drawing at each size in the colors of the current palette.
 class DrawingEngine : public QIconEngine {
  public:
   explicit DrawingEngine(QByteArray drawing) : drawing_(std::move(drawing)) {}
@@ -46,7 +46,7 @@ class DrawingEngine : public QIconEngine {
     QSvgRenderer renderer(InColorsOfStyle(drawing_));
     renderer.setAspectRatioMode(Qt::KeepAspectRatio);
     painter->save();
-    if (mode == QIcon::Disabled) painter->setOpacity(painter->opacity() * paleness);
+    if (mode == QIcon::Disabled) painter->setOpacity(painter->opacity() * kPaleness);
     renderer.render(painter, place);
     painter->restore();
   }

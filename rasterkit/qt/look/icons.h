@@ -7,14 +7,14 @@
 
 namespace rasterkit {
 
-/// One of the project's own drawings: "post", "cancel", "help", "refresh", "undo", "crop", "fit",
+/// Returns one of the project's icons: "post", "cancel", "help", "refresh", "undo", "crop", "fit",
 /// "actual-size", "picture", "open", "save", "mirror", "grayscale", "black-white", "colors-256",
-/// "edit-values", "info", "file", "folder", "folder-up", "list", "details". Sharp at every size,
-/// and drawn in dark colours on a light palette, in light ones on a dark palette, whichever the
-/// application has when it is painted. Disabled ones are pale. An unknown name gives an empty icon.
+/// "edit-values", "info", "file", "folder", "folder-up", "list", "details". Sharp at every size.
+/// Painted in dark colors on a light palette and in light colors on a dark one, whichever the
+/// application has at that time; paler if disabled. An unknown name gives an empty icon.
 RASTERKIT_EXPORT QIcon Icon(const QString& name);
 
-/// What desktops show the tool by, in colours of its own.
+/// Returns the icon of the tool for the desktop; its colors do not depend on the palette.
 QIcon ProgramIcon();
 
 }  // namespace rasterkit

@@ -6,16 +6,16 @@
 
 namespace rasterkit {
 
-/// True for colours of light text on a dark ground; icons come in two drawings and go by this.
+/// True if the palette has light text on a dark background; selects the variant of the icons.
 RASTERKIT_EXPORT bool IsDark(const QPalette& palette);
 
-/// Neutral greys with a blue selection; every text has a contrast of at least 4.5 to 1 to its
-/// ground, disabled ones excepted.
+/// Neutral grays with a blue selection; every text has a contrast of at least 4.5 to 1 to its
+/// background, except disabled ones.
 RASTERKIT_EXPORT QPalette LightPalette();
 RASTERKIT_EXPORT QPalette DarkPalette();
 
-/// Gives the application a palette. Where its style is Fusion, which draws outlines a shade darker
-/// than the window, outlines and focus then are strong enough to be seen (3 to 1).
+/// Sets the palette of the application. If its style is Fusion, whose outlines are only a shade
+/// darker than the window, outlines and focus become clearly visible (3 to 1).
 RASTERKIT_EXPORT void UsePalette(const QPalette& palette);
 
 }  // namespace rasterkit

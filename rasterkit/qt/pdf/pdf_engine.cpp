@@ -14,14 +14,13 @@
 namespace rasterkit {
 namespace {
 
-/// Readers look for the mark this far, as mail programs put lines before it.
+/// Readers search the signature up to this offset, because mail programs put lines before it.
 constexpr size_t kHeaderWithin = 1024;
 
-/// Rows between two questions whether somebody still wants the page, and between two gifts of
-/// memory to the system.
+/// Rows between two cancellation checks, and between two releases of memory to the system.
 constexpr int kRowsAtOnce = 64;
 
-/// A pipe has no size and cannot be read twice: its bytes are kept.
+/// A pipe has no size and cannot be read twice: its bytes are kept in memory.
 std::unique_ptr<TStream> OpenStream(const std::string& fileName) {
   auto file = std::make_unique<TFileStream>(fileName);
   if (file->Size() > 0) return file;
@@ -32,8 +31,8 @@ bool HasPdfMark(TStream& stream) {
   std::array<uint8_t, kHeaderWithin> start;
   stream.SetPosition(0);
   const size_t read = stream.Read(start);
-  constexpr std::string_view mark = "%PDF-";
-  return std::search(start.begin(), start.begin() + read, mark.begin(), mark.end()) !=
+  constexpr std::string_view kMark = "%PDF-";
+  return std::search(start.begin(), start.begin() + read, kMark.begin(), kMark.end()) !=
          start.begin() + read;
 }
 
@@ -51,11 +50,11 @@ bool HasPdfMark(TStream& stream) {
 
 QPdfDocumentRenderOptions Options(PdfRotation rotation) {
   using Rotation = QPdfDocumentRenderOptions::Rotation;
-  constexpr Rotation rotations[] = {Rotation::None, Rotation::Clockwise90, Rotation::Clockwise180,
-                                    Rotation::Clockwise270};
+  constexpr Rotation kRotations[] = {Rotation::None, Rotation::Clockwise90, Rotation::Clockwise180,
+                                     Rotation::Clockwise270};
   QPdfDocumentRenderOptions options;
-  options.setRotation(rotations[static_cast<int>(rotation)]);
-  // Stamps, filled-in forms and notes belong to what a reader sees.
+  options.setRotation(kRotations[static_cast<int>(rotation)]);
+  // Stamps, filled-in forms and notes are part of the visible page.
   options.setRenderFlags(QPdfDocumentRenderOptions::RenderFlag::Annotations);
   return options;
 }
@@ -69,8 +68,9 @@ void PutRowsOnWhite(const QImage& image, int first, int last, Raster& raster) {
   }
 }
 
-/// The engine's picture, four bytes a pixel, shrinks while the raster of three grows, so that both
-/// never take more than the former alone. That holds for rows that nobody has touched yet.
+/// The engine's picture of four bytes per pixel shrinks while the raster of three grows, so that
+/// both together never need more than the former. This requires rows that have not been written
+/// yet.
 bool MoveOntoWhite(QImage& image, const std::atomic<bool>& givenUp, Raster& raster) {
   uint8_t* const data = image.bits();
   const auto rowBytes = static_cast<size_t>(image.bytesPerLine());
@@ -90,7 +90,7 @@ Raster FreshRows(QSize size) {
   try {
     return {pf24bit, size.width(), size.height()};
   } catch (const LimitError&) {
-    // The budget was asked before; what is left is a system without memory.
+    // The memory budget was checked before, so the system is out of memory.
     throw std::bad_alloc();
   }
 }
@@ -105,8 +105,8 @@ int PdfEngine::Open(const std::string& fileName, const std::string& password) {
   if (document_->error() == QPdfDocument::Error::IncorrectPassword && !password.empty()) {
     Load(stream, {});
   }
-  // A file whose pages cannot be counted is no error to the engine, and one whose first page is
-  // beyond repair has an error as its status alone.
+  // The engine reports no error for a file whose pages cannot be counted; for a file whose first
+  // page is damaged it only sets the status.
   const auto error = document_->error();
   const bool isReady = document_->status() == QPdfDocument::Status::Ready;
   const int pages = document_->pageCount();
@@ -127,13 +127,13 @@ void PdfEngine::Load(const std::shared_ptr<TStream>& stream, const std::string& 
 
 PdfPageSize PdfEngine::PageSize(int index) const {
   const QSizeF size = document_->pagePointSize(index);
-  // The engine's answer for a page that it cannot find in the file.
+  // The engine's answer for a page that is missing in the file.
   if (size == QSizeF()) throw FormatError(fmt::format("PDF: page {} is damaged", index + 1));
   return {size.width(), size.height()};
 }
 
 QImage PdfEngine::Render(int index, QSize size, PdfRotation rotation) const {
-  // Whether the memory is there cannot be told from the engine's answer.
+  // The engine's answer does not tell whether it was out of memory.
   if (QImage(size, QImage::Format_ARGB32).isNull()) throw std::bad_alloc();
   QImage image = document_->render(index, size, Options(rotation));
   if (image.isNull()) throw FormatError(fmt::format("PDF: page {} is damaged", index + 1));

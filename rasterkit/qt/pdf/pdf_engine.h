@@ -12,14 +12,14 @@
 
 namespace rasterkit {
 
-/// The drawing component with one file. Everything here, its creation and end included, belongs to
-/// one thread. Errors are those of PdfDocument, without the name of the file.
+/// Qt PDF with one open file. Must be created, used and destroyed on one thread. Throws the errors
+/// of PdfDocument without the file name.
 class PdfEngine {
  public:
-  /// Opens a file and returns the number of its pages.
+  /// Opens a file and returns its number of pages.
   int Open(const std::string& fileName, const std::string& password);
   PdfPageSize PageSize(int index) const;
-  /// The page on white, or nothing when `givenUp` became true. The pixels must have passed
+  /// Draws the page on white; returns nothing if `givenUp` became true. The size must have passed
   /// RequirePdfPage.
   std::optional<TBitmap> Draw(int index, double scale, PdfRotation rotation,
                               const std::atomic<bool>& givenUp) const;
@@ -28,7 +28,7 @@ class PdfEngine {
   void Load(const std::shared_ptr<TStream>& stream, const std::string& password);
   QImage Render(int index, QSize size, PdfRotation rotation) const;
 
-  /// The document reads from it until its own end.
+  /// Read by the document until the document is destroyed.
   std::unique_ptr<StreamDevice> device_;
   std::unique_ptr<QPdfDocument> document_;
 };

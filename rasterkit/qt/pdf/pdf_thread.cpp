@@ -16,18 +16,18 @@
 namespace rasterkit {
 namespace {
 
-/// An idle thread ends well within it.
+/// An idle thread ends well within this time.
 constexpr std::chrono::milliseconds kEndsWithin{100};
 
-/// Files that are read at all give a byte much sooner, however large they are.
+/// A readable file delivers a byte much sooner, however large it is.
 constexpr double kMostSecondsWithoutByte = 5;
 
 std::atomic<bool> isEngineStuck = false;
 
-/// Threads whose owner has gone before their last job ended.
+/// Threads whose owner was destroyed before their last job ended.
 class OrphanThreads {
  public:
-  /// Never destroyed: the process's end uses it.
+  /// Never destroyed: it is used at the end of the process.
   static OrphanThreads& Instance() {
     static OrphanThreads& threads = *std::make_unique<OrphanThreads>().release();
     return threads;
@@ -46,7 +46,7 @@ class OrphanThreads {
   }
 
  private:
-  /// They come to no end. The objects stay, as they never end themselves.
+  /// Detaches threads that never end; their objects are leaked on purpose.
   void LeaveAll() {
     for (std::thread& thread : Take()) thread.detach();
   }
@@ -60,7 +60,7 @@ class OrphanThreads {
   std::vector<std::thread> threads_;
 };
 
-/// Exit handlers run in the reverse order: after the engine has made its own, ours comes before
+/// Exit handlers run in reverse order: this one is registered after the engine's and runs before
 /// them.
 void WaitAtExit() {
   static const bool registered = [] {
@@ -81,7 +81,7 @@ struct PdfThread::State {
   bool isEnding = false;
   bool hasEnded = false;
 
-  /// The next job; empty at the end. Jobs that nobody waits for are not begun.
+  /// Returns the next job, or an empty one at the end. Abandoned jobs are not started.
   Job Next() {
     std::unique_lock lock(mutex);
     isReading = false;

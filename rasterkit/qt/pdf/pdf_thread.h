@@ -10,15 +10,15 @@ namespace rasterkit {
 
 class PdfEngine;
 
-/// A thread with a PdfEngine, which does one job after the other.
+/// A thread with a PdfEngine that runs one job after the other.
 ///
-/// A page that is being drawn cannot be stopped. When this object ends meanwhile, the thread goes
-/// on by itself and ends after the job; the process waits for that at its own end, so that the
-/// engine is not torn down under it.
+/// A page that is being drawn cannot be canceled. If this object is destroyed meanwhile, the thread
+/// finishes the job alone; the process waits for it at exit, so that the engine is not destroyed
+/// while it runs.
 class PdfThread {
  public:
   using Job = std::function<void(PdfEngine& engine)>;
-  /// Reading comes to an end soon; how long drawing takes, nobody knows.
+  /// Reading ends soon; drawing may take any time.
   enum class Kind { reading, drawing };
 
   PdfThread();
@@ -26,17 +26,16 @@ class PdfThread {
   PdfThread(const PdfThread&) = delete;
   PdfThread& operator=(const PdfThread&) = delete;
 
-  /// Adds a job, which must not throw. It owns what it needs: nobody may be there any more when
-  /// it runs.
+  /// Adds a job, which must not throw. It must own its data: the caller may be gone when it runs.
   void Post(Kind kind, Job job);
 
-  /// To be asked now and then while a job is waited for. True once a job that only reads has used
-  /// processor time for long without reading a byte: some damaged files send the engine round in
-  /// circles. Nothing can stop it then; see IsEngineStuck.
+  /// Call regularly while waiting for a job. Returns true once a reading job has used much
+  /// processor time without reading a byte: some damaged files send the engine into an endless
+  /// loop, which nothing can stop; see IsEngineStuck.
   bool GoesInCircles();
 
-  /// A file holds the engine for ever: nothing else can be read or drawn in this process any more,
-  /// and the process's end does not wait.
+  /// True if a file blocks the engine forever: no other file can be read or drawn in this process,
+  /// and the exit of the process does not wait.
   static bool IsEngineStuck();
 
  private:
@@ -45,8 +44,8 @@ class PdfThread {
 
   std::shared_ptr<State> state_;
   std::thread thread_;
-  /// When a byte was last seen to be read: how many reads there were, and what time the thread had
-  /// used by then.
+  /// The last progress in reading: the number of reads, and the processor time of the thread by
+  /// then.
   struct Reading {
     int64_t reads;
     double seconds;

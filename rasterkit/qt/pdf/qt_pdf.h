@@ -4,12 +4,12 @@
 
 namespace rasterkit {
 
-/// Fills PdfDocumentFactory with documents that Qt PDF draws. Needs no application object; may be
-/// called more than once. The documents may be used on any thread, each on one at a time; what they
-/// draw, they draw one after another.
+/// Fills PdfDocumentFactory with documents that Qt PDF draws. Requires no application object; can
+/// be called more than once. The documents can be used on any thread, each on one thread at a time.
+/// Pages are drawn one after another.
 ///
-/// The engine inside Qt PDF reads files of a format that attackers like. Debian 12 has no security
-/// support for it: draw pages of files from strangers in a process that has nothing to lose.
+/// The engine inside Qt PDF reads a format that is often used for attacks, and Debian 12 has no
+/// security support for it: draw pages of untrusted files in a process without privileges.
 RASTERKIT_EXPORT void UseQtPdf();
 
 }  // namespace rasterkit

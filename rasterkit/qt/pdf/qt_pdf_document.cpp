@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kBetweenQuestions{10};
 
-/// True for as long as it lives.
+/// Sets a flag while it lives.
 class Mark {
  public:
   explicit Mark(bool& flag) : flag_(flag) { flag_ = true; }
@@ -32,7 +32,7 @@ std::optional<Result> QtPdfDocument::Ask(PdfThread::Kind kind, Work<Result> work
   if (isWaiting_) throw Error("PDF: the file is being read already", fileName_);
   RequireFreeEngine();
   const Mark mark(isWaiting_);
-  // Whatever comes out of here early, the thread must not work for nobody.
+  // On an early return or exception the thread must not continue for no one.
   struct GivesUp {
     std::shared_ptr<std::atomic<bool>> flag = std::make_shared<std::atomic<bool>>(false);
     ~GivesUp() { *flag = true; }

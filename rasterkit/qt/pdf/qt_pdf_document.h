@@ -14,12 +14,12 @@ namespace rasterkit {
 
 class PdfEngine;
 
-/// Pages drawn by Qt PDF, on a thread of their own: the caller's window stays alive, and a page
-/// that nobody wants any more is left to itself.
+/// Pages drawn by Qt PDF on a separate thread: the caller's window stays responsive, and a canceled
+/// page is abandoned.
 ///
-/// Why no bands on the calling thread: for a band the engine takes the page's size in whole points,
-/// and letters at the band's border come out differently even where that does not matter, so that
-/// bands do not add up to the page.
+/// A page is not drawn in bands on the calling thread, because the bands would not match the page:
+/// for a band the engine rounds the page size to whole points, and it renders letters at the border
+/// of a band differently.
 class QtPdfDocument : public PdfDocument {
  public:
   void LoadFromFile(const std::string& fileName, const std::string& password) override;
@@ -35,11 +35,11 @@ class QtPdfDocument : public PdfDocument {
   template <class Result>
   std::optional<Result> Ask(PdfThread::Kind kind, Work<Result> work,
                             const PdfKeepGoing& keepGoing) const;
-  /// False when the question is answered with giving up. Throws when there is no point in waiting.
+  /// Returns false if the callback cancels. Throws if waiting is pointless.
   bool GoesOn(const PdfKeepGoing& keepGoing) const;
   void RequireFreeEngine() const;
   void RequirePage(int index) const;
-  /// Nothing when `keepGoing` gave up.
+  /// Returns nothing if `keepGoing` canceled.
   std::optional<PdfPageSize> KnownPageSize(int index, const PdfKeepGoing& keepGoing) const;
 
   mutable PdfThread thread_;

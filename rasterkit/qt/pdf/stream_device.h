@@ -7,18 +7,18 @@
 
 namespace rasterkit {
 
-/// A stream as the PDF engine reads it: names of any bytes, pipes, and a fault of the disk that is
-/// no exception.
+/// A TStream as a QIODevice for the PDF engine: supports file names of any bytes, pipes, and disk
+/// errors without exceptions.
 class StreamDevice : public QIODevice {
  public:
   explicit StreamDevice(std::shared_ptr<TStream> stream);
 
-  /// The stream's size until the first byte was read, and no end from then on. The engine takes the
-  /// size of its file at the beginning; later it asks again whether bytes are "there yet", and
-  /// waits for ever for those that a shortened file only promises.
+  /// Returns the stream's size until the first byte is read, and an unlimited size afterwards. The
+  /// engine reads the size of its file at the beginning. Later it asks again whether bytes have
+  /// arrived yet, and would wait forever for those missing from a truncated file.
   qint64 size() const override;
 
-  /// How often any such device was read from.
+  /// Returns how often all devices together were read from.
   static int64_t Reads();
 
  protected:

@@ -14,25 +14,26 @@ namespace rasterkit {
 namespace {
 
 /// Longest side of the decoded copy, in pixels of the form.
-constexpr int mostSide = 480;
-constexpr auto hurry = std::chrono::milliseconds(120);
+constexpr int kMostSide = 480;
+constexpr auto kHurry = std::chrono::milliseconds(120);
 
-/// What shows through transparent pixels.
+/// Paints the background of transparent pixels.
 void PaintChecks(QPainter& painter, const QRect& place) {
-  constexpr int side = 8;
+  constexpr int kSide = 8;
   painter.fillRect(place, Qt::white);
   painter.save();
   painter.setClipRect(place, Qt::IntersectClip);
-  for (int y = 0; y * side < place.height(); ++y) {
-    for (int x = y % 2; x * side < place.width(); x += 2) {
-      painter.fillRect(place.x() + x * side, place.y() + y * side, side, side,
+  for (int y = 0; y * kSide < place.height(); ++y) {
+    for (int x = y % 2; x * kSide < place.width(); x += 2) {
+      painter.fillRect(place.x() + x * kSide, place.y() + y * kSide, kSide, kSide,
                        QColor(0xD0, 0xD0, 0xD0));
     }
   }
   painter.restore();
 }
 
-/// The middle of `area`, filled as far as the picture's proportions and its own size allow.
+/// Returns the rectangle in the center of `area` that keeps the picture's proportions and is at
+/// most its own size.
 QRect PlaceIn(const QRect& area, const QSizeF& picture) {
   const double factor =
       std::min({1.0, area.width() / picture.width(), area.height() / picture.height()});
@@ -62,7 +63,7 @@ PicturePreview::PicturePreview(QWidget* parent)
   column->addWidget(box_, 1);
   column->addWidget(text_);
   delay_.setSingleShot(true);
-  delay_.setInterval(hurry);
+  delay_.setInterval(kHurry);
   connect(&delay_, &QTimer::timeout, this, [this] { Load(); });
 }
 
@@ -84,14 +85,14 @@ void PicturePreview::ShowFile(const QString& fileName) {
 
 void PicturePreview::Load() {
   ShowText(ResourceText(rsPreviewLoading));
-  loader_.Load(FromQt(fileName_), qRound(mostSide * devicePixelRatioF()));
+  loader_.Load(FromQt(fileName_), qRound(kMostSide * devicePixelRatioF()));
 }
 
 void PicturePreview::ShowPreview(const detail::Preview& preview) {
   if (preview.image.isNull()) return ShowText(ResourceText(preview.problem));
   image_ = preview.image;
   image_.setDevicePixelRatio(devicePixelRatioF());
-  // A locale that groups digits would make 1,024 x 768 look like three numbers.
+  // Without digit grouping: 1,024 x 768 would look like three numbers.
   text_->setText(QString("%1 × %2").arg(preview.width).arg(preview.height) + '\n' +
                  locale().formattedDataSize(QFileInfo(fileName_).size(), 1));
   box_->update();

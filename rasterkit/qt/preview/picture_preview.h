@@ -12,14 +12,14 @@ namespace rasterkit {
 
 class TPaintBox;
 
-/// The pane beside a list of files that shows the one under the cursor: small and upright, with its
-/// size in pixels, or a short text that says why there is nothing to see. Internal to the room.
+/// The pane beside a list of files that shows the current one: small and upright, with its size in
+/// pixels, or a short text that says why there is no preview. Internal to this folder.
 class PicturePreview : public QWidget {
  public:
   explicit PicturePreview(QWidget* parent = nullptr);
 
-  /// Shows the file soon, or nothing for an empty name. Returns at once; a file that is passed by
-  /// in a hurry is not opened.
+  /// Shows the file after a short delay, or nothing for an empty name. Returns at once; a file that
+  /// the user only passes quickly is not opened.
   void ShowFile(const QString& fileName);
 
   QSize sizeHint() const override;

@@ -8,8 +8,8 @@
 #include <utility>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_frame.h>
-#include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/jpegexif/photo_queries.h>
 #include <rasterkit/qt/bitmap_image.h>
 #include <rasterkit/qt/preview/preview_decoder.h>
@@ -22,25 +22,25 @@
 namespace rasterkit::detail {
 namespace {
 
-/// About a second of decoding, and no more memory than a dialog may ask for by the way.
-constexpr uint64_t previewMemory = uint64_t{384} << 20;
+/// About a second of decoding, and a moderate amount of memory for a dialog.
+constexpr uint64_t kPreviewMemory = uint64_t{384} << 20;
 
-/// Leaves the decoder; of no family, so that nobody takes it for damage.
-struct Cancelled {};
+/// Thrown to cancel decoding. Not an Error, so that no handler reports it as damage.
+struct Canceled {};
 
-/// A file that ends the reading when nobody wants it any more.
-class CancelledStream : public TStream {
+/// A file stream whose reads fail after cancellation.
+class CanceledStream : public TStream {
  public:
-  CancelledStream(const std::string& fileName, const std::atomic<bool>& isCancelled)
-      : file_(fileName), isCancelled_(isCancelled) {}
+  CanceledStream(const std::string& fileName, const std::atomic<bool>& isCanceled)
+      : file_(fileName), isCanceled_(isCanceled) {}
 
   size_t Read(std::span<uint8_t> target) override {
-    // A decoder that takes the whole file at once would be deaf until its end.
-    constexpr size_t piece = size_t{4} << 20;
+    // In pieces: a decoder that reads the whole file at once could not be canceled.
+    constexpr size_t kPiece = size_t{4} << 20;
     size_t done = 0;
     while (done < target.size()) {
-      if (isCancelled_.load(std::memory_order_relaxed)) throw Cancelled();
-      const size_t count = file_.Read(target.subspan(done, std::min(piece, target.size() - done)));
+      if (isCanceled_.load(std::memory_order_relaxed)) throw Canceled();
+      const size_t count = file_.Read(target.subspan(done, std::min(kPiece, target.size() - done)));
       if (count == 0) break;
       done += count;
     }
@@ -53,18 +53,20 @@ class CancelledStream : public TStream {
 
  private:
   TFileStream file_;
-  const std::atomic<bool>& isCancelled_;
+  const std::atomic<bool>& isCanceled_;
 };
 
+/// An unknown file goes to the decoder, which reports it as broken.
 bool IsDecoded(PictureType type) {
-  return type != PictureType::pdf && type != PictureType::wmf && type != PictureType::emf;
+  const Codec* codec = FindCodec(type);
+  return codec == nullptr || codec->IsDecoded();
 }
 
 int Shrunk(int length, double factor) {
   return std::max(1, static_cast<int>(std::lround(length * factor)));
 }
 
-/// The picture in at most `side` x `side` pixels.
+/// Returns the picture with at most `side` x `side` pixels.
 Raster Shrink(Raster raster, int side) {
   const int longest = std::max(raster.Width(), raster.Height());
   if (longest <= side) return raster;
@@ -77,7 +79,8 @@ Raster Shrink(Raster raster, int side) {
   return small;
 }
 
-/// Degrees, counter-clockwise, by which loading turns the photo; 0 where its EXIF data are broken.
+/// Returns the counter-clockwise degrees by which loading rotates the photo; 0 if its EXIF data is
+/// damaged.
 int RotationOf(const std::string& fileName) {
   if (GetGraphicsType(ExtractFileExt(fileName)) != gtJpg) return 0;
   int rotation = 0;
@@ -89,15 +92,15 @@ int RotationOf(const std::string& fileName) {
   return rotation;
 }
 
-Preview Decode(const std::string& fileName, int side, const std::atomic<bool>& isCancelled) {
-  CancelledStream stream(fileName, isCancelled);
+Preview Decode(const std::string& fileName, int side, const std::atomic<bool>& isCanceled) {
+  CanceledStream stream(fileName, isCanceled);
   const PictureType type = SniffPictureType(stream);
   if (!IsDecoded(type)) return {{}, rsPreviewNone};
   Raster raster = PictureOfFrame(DecodeFrame(stream));
   Preview preview;
   preview.width = raster.Width();
   preview.height = raster.Height();
-  if (isCancelled) return preview;
+  if (isCanceled) return preview;
   preview.image = ImageOfOwned(Shrink(std::move(raster), side));
   const int rotation = type == PictureType::jpeg ? RotationOf(fileName) : 0;
   if (rotation != 0) {
@@ -116,12 +119,12 @@ bool IsPlainFile(const std::string& fileName) {
 
 }  // namespace
 
-Preview DecodePreview(const std::string& fileName, int side, const std::atomic<bool>& isCancelled) {
+Preview DecodePreview(const std::string& fileName, int side, const std::atomic<bool>& isCanceled) {
   try {
     if (!IsPlainFile(fileName)) return {{}, rsPreviewNone};
-    const PictureMemoryScope budget(previewMemory);
-    return Decode(fileName, std::max(side, 1), isCancelled);
-  } catch (const Cancelled&) {
+    const PictureMemoryScope budget(kPreviewMemory);
+    return Decode(fileName, std::max(side, 1), isCanceled);
+  } catch (const Canceled&) {
     return {};
   } catch (const LimitError&) {
     return {{}, rsPreviewTooLarge};

@@ -9,12 +9,12 @@ PreviewLoader::PreviewLoader(Answer answer) : answer_(std::move(answer)) {}
 
 void PreviewLoader::Load(std::string fileName, int side) {
   const auto decode = [this, fileName = std::move(fileName),
-                       side](const std::atomic<bool>& isCancelled) {
-    // Only the answer may look at this object, which can be gone by now.
-    const Preview preview = DecodePreview(fileName, side, isCancelled);
+                       side](const std::atomic<bool>& isCanceled) {
+    // Only the answer may use this object, which may be destroyed by now.
+    const Preview preview = DecodePreview(fileName, side, isCanceled);
     return [this, preview] { answer_(preview); };
   };
-  // The dialog works without.
+  // The dialog works without a preview.
   task_.Run(decode, [this] { answer_({{}, rsPreviewNone}); });
 }
 

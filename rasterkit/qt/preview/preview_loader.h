@@ -6,21 +6,21 @@
 #include <rasterkit/qt/latest_task.h>
 #include <rasterkit/qt/preview/preview_decoder.h>
 
-/// Previews decoded beside the thread that shows them. Internal to the room.
+/// Previews decoded on another thread than the one that shows them. Internal to this folder.
 namespace rasterkit::detail {
 
-/// Decodes one file at a time on a thread of its own, always the one asked for last. May be
-/// destroyed at any moment and does not wait then; see LatestTask.
+/// Decodes one file at a time on a separate thread, always the latest one requested. May be
+/// destroyed at any time without waiting; see LatestTask.
 class PreviewLoader {
  public:
   using Answer = std::function<void(const Preview& preview)>;
 
-  /// `answer` is called on the thread that made this object, through Qt's loop.
+  /// `answer` is called on the thread that created this object, through Qt's event loop.
   explicit PreviewLoader(Answer answer);
 
-  /// Asks for a file; what was asked for before is given up.
+  /// Requests a file and cancels the previous request.
   void Load(std::string fileName, int side);
-  /// Gives up what was asked for; it is not answered.
+  /// Cancels the request; it is not answered.
   void Cancel() { task_.Cancel(); }
 
  private:

@@ -10,7 +10,7 @@ namespace {
 
 using kernels::HalftoneTap;
 
-/// Sums of any size, pixel by pixel.
+/// Means with sums of any size, pixel by pixel.
 class LargeMeans : public AlphaMeans {
  public:
   LargeMeans(const Raster& source, const HalftoneAxes& axes)
@@ -34,8 +34,8 @@ class LargeMeans : public AlphaMeans {
   std::vector<uint64_t> sums_;
 };
 
-/// Sums that numbers in floating point hold exactly. Pixels without any alpha are taken from a row
-/// of plain means, which is made where there are some.
+/// Means with sums that floating point holds exactly. Pixels of alpha 0 come from a row of plain
+/// means, which is computed only if there are any.
 class SmallMeans : public AlphaMeans {
  public:
   SmallMeans(const Raster& source, const HalftoneAxes& axes)
@@ -69,7 +69,7 @@ class SmallMeans : public AlphaMeans {
     }
   }
 
-  /// For the first `count` of the transparent pixels: a few by themselves, many from a whole row.
+  /// Fills the first `count` transparent pixels: a few one by one, many from a whole row.
   void TakePlainMeans(const HalftoneTap& rows, size_t count, RGBArec* target) {
     if (count < transparent_.size() / 16) {
       for (size_t i = 0; i < count; ++i)

@@ -6,17 +6,17 @@
 
 namespace rasterkit::detail {
 
-/// Rows of means of 32-bit pixels, the colours weighted by alpha.
+/// Computes rows of mean 32-bit pixels, with colors weighted by alpha.
 class AlphaMeans {
  public:
   virtual ~AlphaMeans() = default;
-  /// Makes the target row of the tap `rows`: one pixel for each tap of the columns. Where the alpha
-  /// of everything that a pixel takes is 0 its colours are plain means.
+  /// Computes the target row of the tap `rows`: one pixel per tap of the columns. If the alpha of
+  /// all source pixels is 0, the colors are plain means.
   virtual void Make(const kernels::HalftoneTap& rows, RGBArec* target) = 0;
 };
 
-/// The cheapest way for these axes, of which both have taps; they and the source, of 32 bits, must
-/// outlive it. The totals of the two are not both 1.
+/// Chooses the cheapest implementation for these axes. Both need taps, and their totals must not
+/// both be 1. The axes and the source, which is 32-bit, must outlive the result.
 std::unique_ptr<AlphaMeans> MakeAlphaMeans(const Raster& source, const HalftoneAxes& axes);
 
 }  // namespace rasterkit::detail

@@ -5,14 +5,14 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Steps through floor((2 k + 1) size / (2 length)), or its ceiling less one, without a division
-/// for each k.
+/// Steps through floor((2 k + 1) size / (2 length)), or its ceiling minus one, without a division
+/// per step.
 class CenterSteps {
  public:
   CenterSteps(uint64_t k, uint64_t size, uint64_t length, bool ceiling)
       : whole_(size / length), rest_(2 * (size % length)), unit_(2 * length), ceiling_(ceiling) {
     position_ = MultiplyDivide(2 * k + 1, size, unit_);
-    // Unsigned arithmetic wraps, and what is left of the difference is exact.
+    // Unsigned arithmetic wraps, and the difference is exact.
     remainder_ = (2 * k + 1) * size - position_ * unit_;
   }
 
@@ -37,7 +37,7 @@ class CenterSteps {
 }  // namespace
 
 uint64_t MultiplyDivide(uint64_t a, uint64_t b, uint64_t c) {
-  // In two steps of 17 bits, so that nothing exceeds 64.
+  // Two steps of 17 bits keep everything within 64 bits.
   constexpr int kLowBits = 17;
   const uint64_t high = (a >> kLowBits) * b;
   const uint64_t low = (a & ((uint64_t{1} << kLowBits) - 1)) * b;

@@ -17,7 +17,7 @@ bool ReplacesAll(const PixelRule& rule) {
   return rule.kind == Kind::copy || rule.kind == Kind::opaque;
 }
 
-/// Indexes as they are, between rasters of one indexed format and palette.
+/// Copies indexes between rasters of one indexed format and palette.
 void CopyIndexes(Raster& target, const BlitAxes& axes, const Raster& source) {
   std::vector<uint8_t> from(static_cast<size_t>(source.Width())),
       to(static_cast<size_t>(target.Width()));
@@ -32,7 +32,7 @@ void CopyIndexes(Raster& target, const BlitAxes& axes, const Raster& source) {
   }
 }
 
-/// Rows that change neither format nor pixels nor their distance: moved as bytes.
+/// Copies rows of the same format without scaling as bytes.
 bool CanMoveBytes(const Raster& target, const BlitAxes& axes, const Raster& source,
                   const PixelRule& rule) {
   const TPixelFormat format = target.Format();
@@ -51,9 +51,9 @@ void MoveBytes(Raster& target, const BlitAxes& axes, const Raster& source) {
                 static_cast<size_t>(axes.columns.Count()) * bytes);
 }
 
-/// The same rule, with as little to do for each pixel as the source allows.
+/// Simplifies the rule as far as the source allows.
 PixelRule CheapestRule(const Raster& source, PixelRule rule) {
-  // Pixels that had no alpha arrive with 255.
+  // Pixels of formats without alpha have alpha 255 here.
   if (rule.kind == Kind::opaque && source.Format() != pf32bit) rule.kind = Kind::copy;
   return rule;
 }

@@ -32,8 +32,7 @@ HalftoneAxis MakeAxis(int start, int end, int sourceSize, int first, int last) {
                                    int64_t{last} - low, end < start);
 }
 
-/// Sums are divided by totals of at least 2: where nothing is stretched at all everything counts
-/// twice.
+/// Sums must be divided by totals of at least 2: without any stretching everything counts twice.
 HalftoneAxes MakeAxes(const PixelRect& place, const Raster& source, const PixelRect& inside) {
   HalftoneAxes axes{MakeAxis(place.left, place.right, source.Width(), inside.left, inside.right),
                     MakeAxis(place.top, place.bottom, source.Height(), inside.top, inside.bottom)};
@@ -44,7 +43,7 @@ HalftoneAxes MakeAxes(const PixelRect& place, const Raster& source, const PixelR
   return axes;
 }
 
-/// Means of 32-bit pixels, weighted by their alpha.
+/// Computes means of 32-bit pixels, weighted by their alpha.
 void DrawAlphaMeans(Raster& target, const PixelRect& inside, const HalftoneAxes& axes,
                     const Raster& source, const PixelRule& rule) {
   const auto means = MakeAlphaMeans(source, axes);
@@ -58,7 +57,7 @@ void DrawAlphaMeans(Raster& target, const PixelRect& inside, const HalftoneAxes&
   }
 }
 
-/// Means whose alpha does not count replace what is there; on 24 bits they are made in place.
+/// Writes means without alpha over the target; on 24 bits they are computed in place.
 void DrawOpaqueMeans(Raster& target, const PixelRect& inside, const HalftoneAxes& axes,
                      const Raster& source) {
   const auto means = MakeRowMeans(source, axes);
@@ -79,8 +78,8 @@ void DrawOpaqueMeans(Raster& target, const PixelRect& inside, const HalftoneAxes
   }
 }
 
-/// Whether the alpha of a 32-bit raster is 255 throughout: then weighting by it changes nothing,
-/// and the faster way of opaque pictures gives the same bytes.
+/// Tells whether all alpha of a 32-bit raster is 255: then weighting has no effect, and the faster
+/// code for opaque pictures gives the same bytes.
 bool IsFullyOpaque(const Raster& raster) {
   for (int y = 0; y < raster.Height(); ++y) {
     const auto* pixels = reinterpret_cast<const RGBArec*>(raster.Row(y));

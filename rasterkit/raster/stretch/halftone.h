@@ -5,23 +5,23 @@
 #include <rasterkit/raster/fill.h>
 #include <rasterkit/raster/raster.h>
 
-/// Stretching with a colour for each target pixel that is made of all source pixels it covers.
+/// Stretching with colors averaged over all source pixels that a target pixel covers.
 ///
-/// Along an axis where the picture shrinks, the mean of the covered area is taken; where it grows,
-/// it is interpolated linearly between the centres of the two nearest pixels, and beyond the
-/// outermost centres the outermost pixel stands. Both axes together give one exact fraction, which
-/// is rounded to the nearest whole number, halves up. The picture is mirrored as in
-/// `BlitStretched`. A place or a picture with a side of more than 2^22 pixels is stretched plain,
-/// to the nearest pixel. `source` must not be `target`.
+/// Along an axis that shrinks, a pixel is the mean of the covered area. Along an axis that grows,
+/// it is interpolated linearly between the centers of the two nearest pixels; beyond the outermost
+/// centers it is the outermost pixel. Both axes together give one exact fraction, rounded to the
+/// nearest integer, halves up. The picture is mirrored as in `BlitStretched`. If a side of the
+/// place or the picture exceeds 2^22 pixels, the nearest pixel is taken. `source` must not be
+/// `target`.
 namespace rasterkit {
 
-/// Draws the whole source as `BlitStretched` does: blended when it has a defined alpha channel, by
-/// which the colours are weighted too, else opaque. With a `key` pixels are not averaged.
+/// Draws the whole source as `BlitStretched` does: blended if it has a defined alpha channel, which
+/// also weights the colors, else opaque. With a `key` pixels are not averaged.
 RASTERKIT_EXPORT void BlitHalftone(Raster& target, const PixelRect& place, const Raster& source,
                                    std::optional<TColor> key = std::nullopt);
 
-/// Replaces the place by the whole source. The colours of a 32-bit source are weighted by its
-/// alpha, plain means where all of it is 0; onto 32 bits the mean alpha comes along.
+/// Replaces the place by the whole source. The colors of a 32-bit source are weighted by its alpha
+/// (plain means if all of it is 0); a 32-bit target gets the mean alpha.
 RASTERKIT_EXPORT void CopyHalftone(Raster& target, const PixelRect& place, const Raster& source);
 
 }  // namespace rasterkit

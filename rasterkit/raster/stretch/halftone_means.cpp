@@ -21,7 +21,7 @@ uint64_t TotalOf(const HalftoneAxes& axes) {
   return uint64_t{axes.columns.total} * axes.rows.total;
 }
 
-/// Rows of a source as 24-bit pixels, converted where they are not.
+/// Rows of a source as 24-bit pixels, converted if they have another format.
 class PixelBands {
  public:
   explicit PixelBands(const Raster& source)
@@ -33,7 +33,7 @@ class PixelBands {
 
   size_t RowBytes() const { return stride_; }
 
-  /// `count` rows from `first` on, at most kBandRows; they stay until the next call.
+  /// `count` rows from `first` on, at most kBandRows; valid until the next call.
   kernels::WeightedRows Rows(int first, int count) {
     kernels::WeightedRows rows;
     rows.count = count;
@@ -61,7 +61,7 @@ class PixelBands {
   std::vector<uint8_t> converted_;
 };
 
-/// Rows are added up first, then columns: `Sum` holds the weighted sum of rows.
+/// Sums rows first, then columns: `Sum` holds the weighted sum of rows.
 template <class Sum>
 class SummedMeans : public RowMeans {
  public:
@@ -109,8 +109,8 @@ class SummedMeans : public RowMeans {
   std::vector<Sum> columns_, sums_;
 };
 
-/// No axis shrinks: each source row is stretched once, and lies there for all target rows between
-/// it and its neighbour.
+/// For axes that do not shrink: each source row is stretched once and reused for all target rows
+/// between it and its neighbor.
 class GrownMeans : public RowMeans {
  public:
   GrownMeans(const Raster& source, const HalftoneAxes& axes)
@@ -137,7 +137,7 @@ class GrownMeans : public RowMeans {
     std::vector<uint16_t> sums;
   };
 
-  /// Neighbouring rows never need the same place.
+  /// Two neighboring rows never use the same slot.
   const uint16_t* RowSums(int y) {
     StretchedRow& row = rows_[static_cast<size_t>(y % 2)];
     if (row.y != y) {

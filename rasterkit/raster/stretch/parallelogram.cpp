@@ -13,7 +13,7 @@ namespace {
 
 using namespace detail;
 
-/// Corners beyond this would take products past 64 bits.
+/// Corners beyond this would make products exceed 64 bits.
 constexpr int64_t kFarthest = int64_t{1} << 27;
 
 struct Corner {
@@ -28,8 +28,8 @@ struct Division {
   int64_t quotient, remainder;
 };
 
-/// floor(factor * part / whole) and what remains, for 0 <= part < whole < 2^60: bit by bit, so that
-/// nothing exceeds 64.
+/// floor(factor * part / whole) and the remainder, for 0 <= part < whole < 2^60, bit by bit, so
+/// that nothing exceeds 64 bits.
 Division MultiplyAndDivide(uint32_t factor, int64_t part, int64_t whole) {
   Division result{0, 0};
   for (int bit = 31; bit >= 0; --bit) {
@@ -45,9 +45,10 @@ int64_t FloorDivide(int64_t a, int64_t b) {
   return quotient - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0);
 }
 
-/// Positions in fixed point that step by a constant along a row: a rounded value and step, lifted
-/// so that nothing lies below the true position, and less than one part in `whole` above it. Cut,
-/// they are exact, since a fraction of `whole` parts is at least one short of the next number.
+/// Fixed-point positions that step by a constant along a row. Value and step are rounded, and
+/// raised so that a position is never below the true one and less than 1 / `whole` above it.
+/// Truncation is then exact, because a fraction of `whole` parts is at least one part below the
+/// next integer.
 constexpr int kFractionBits = 46;
 constexpr int64_t kLongestFixedSide = int64_t{1} << 16;
 
@@ -59,24 +60,24 @@ int64_t ToFixed(const Division& position, int64_t whole) {
   return (((position.quotient << kHalfBits) + upper.quotient) << kHalfBits) + lower.quotient;
 }
 
-/// Value and step err by less than one unit each, the step as often as there are pixels.
+/// Value and step have an error of less than one unit each; that of the step adds up per pixel.
 bool StayExact(int64_t whole, int64_t pixels) {
   return whole < (int64_t{1} << kFractionBits) / (2 * pixels + 2);
 }
 
-/// Target columns from `first` on; `last` lies outside.
+/// Target columns from `first` to `last - 1`.
 struct Run {
   int64_t first, last;
 };
 
-/// How far along one side of the parallelogram the centre of pixel (x, y) lies: (start + x * byX +
-/// y * byY) / whole, from 0 up to but without 1.
+/// Position of the center of pixel (x, y) along one side of the parallelogram: (start + x * byX +
+/// y * byY) / whole; at least 0 and below 1 inside.
 struct Side {
   int64_t start, byX, byY;
 
   int64_t At(int64_t x, int64_t y) const { return start + x * byX + y * byY; }
 
-  /// The part of the run where the centres lie inside.
+  /// Part of the run whose centers lie inside.
   Run Inside(const Run& run, int64_t y, int64_t whole) const {
     const int64_t at0 = At(0, y);
     if (byX == 0) return at0 >= 0 && at0 < whole ? run : Run{0, 0};
@@ -88,7 +89,7 @@ struct Side {
   }
 };
 
-/// The source position along one side, kept up from pixel to pixel without dividing.
+/// Source position along one side, updated from pixel to pixel without a division.
 class SidePosition {
  public:
   SidePosition(const Side& side, int64_t x, int64_t y, int64_t whole, uint32_t size)
@@ -121,8 +122,8 @@ class SidePosition {
   Division step_, at_;
 };
 
-/// A run of target pixels whose source pixels all exist; `column` and `row` are those of the first
-/// one, in fixed point.
+/// Run of target pixels whose source pixels all exist; `column` and `row` are the fixed-point
+/// source position of the first one.
 struct FixedRun {
   int first, count;
   int64_t column, row;
@@ -160,7 +161,7 @@ class PixelReader {
 
 class Parallelogram {
  public:
-  /// The corners are near, and `part` is neither mirrored nor empty.
+  /// Requires corners within the limit, and a `part` that is neither mirrored nor empty.
   Parallelogram(const std::array<Corner, 3>& corners, const Raster& source, const PixelRect& part)
       : source_(source), part_(part) {
     const auto [a, b, c] = corners;
@@ -176,10 +177,10 @@ class Parallelogram {
 
   bool IsFlat() const { return whole_ == 0; }
 
-  /// Whether fixed point is exact for rows of `width` pixels, and no pixel lacks its source.
+  /// Tells whether fixed point is exact for rows of `width` pixels and all source pixels exist.
   bool HasFixedRuns(int width) const { return IsPartNear() && StayExact(whole_, width); }
 
-  /// The pixels of row `y` below `width`, for which there are fixed runs.
+  /// Run of row `y`, up to column `width`; requires fixed-point runs.
   FixedRun FixedRunOf(int y, int width) const {
     const Run run = InsideRun(y, width);
     if (run.first >= run.last) return {};
@@ -213,11 +214,11 @@ class Parallelogram {
   }
 
  private:
-  /// Centres lie half a pixel from the corner's coordinates: everything is doubled.
+  /// Centers lie half a pixel from the corner's coordinates: everything is doubled.
   static Side MakeSide(const Corner& origin, int64_t byX, int64_t byY) {
     return {(1 - 2 * origin.x) * byX + (1 - 2 * origin.y) * byY, 2 * byX, 2 * byY};
   }
-  /// Inside a source whose positions fixed point can hold.
+  /// Tells whether the part lies inside a source whose positions fixed point can hold.
   bool IsPartNear() const {
     return part_.left >= 0 && part_.top >= 0 && part_.right <= source_.Width() &&
            part_.bottom <= source_.Height() &&
@@ -227,7 +228,7 @@ class Parallelogram {
     const Run run{0, std::min<int64_t>(width, kFarthest)};
     return down_.Inside(across_.Inside(run, y, whole_), y, whole_);
   }
-  /// Whole sides along a row do not count: then no run has two pixels.
+  /// Drops the whole sides of a step: with such steps no run has two pixels.
   int64_t FixedStep(const Side& side, uint32_t size) const {
     const int64_t step =
         ToFixed(MultiplyAndDivide(size, std::abs(side.byX) % whole_, whole_), whole_);
@@ -248,8 +249,8 @@ const uint8_t* PixelAt(const Raster& source, int64_t column, int64_t row) {
          static_cast<size_t>(column >> kFractionBits) * kBytes;
 }
 
-/// Moves the run's pixels to `target`, `kMoved` bytes each: with one too many, which the next pixel
-/// overwrites, the last pixel takes its own alone.
+/// Copies the run's pixels to `target`, `kMoved` bytes each. That may be one byte too many, which
+/// the next pixel overwrites; the last pixel is copied exactly.
 template <size_t kBytes, size_t kMoved>
 void MovePixels(const Raster& source, const FixedRun& run, uint8_t* target) {
   int64_t column = run.column, row = run.row;
@@ -262,10 +263,10 @@ void MovePixels(const Raster& source, const FixedRun& run, uint8_t* target) {
   std::memcpy(target, PixelAt<kBytes>(source, column, row), kBytes);
 }
 
-/// The run's pixels side by side; not for packed formats.
+/// Gathers the run's pixels; not for packed formats.
 void MoveRun(const Raster& source, const FixedRun& run, uint8_t* target) {
   const int64_t lastRow = run.row + (run.count - 1) * run.rowStep;
-  // Behind all rows but the last there is another one to read from.
+  // Reading one byte too many is safe in all rows but the last.
   const bool isAboveLastRow =
       std::max(run.row, lastRow) >> kFractionBits < int64_t{source.Height()} - 1;
   switch (StoredBitsPerPixel(source.Format())) {
@@ -281,7 +282,7 @@ void MoveRun(const Raster& source, const FixedRun& run, uint8_t* target) {
   }
 }
 
-/// Pixels whose bytes are the same in both.
+/// Pixels whose bytes are the same in source and target.
 bool MovesBytes(const Raster& target, const Raster& source) {
   if (source.Format() == pf8bit) return SameIndexes(target, source);
   return source.Format() == target.Format() &&
@@ -352,7 +353,7 @@ void BlitParallelogram(Raster& target, const std::array<PixelPoint, 3>& corners,
   std::array<Corner, 3> abc;
   for (size_t i = 0; i < 3; ++i) abc[i] = {corners[i].x, corners[i].y};
   auto& [a, b, c] = abc;
-  // A mirrored part is the plain one on the mirrored parallelogram.
+  // A mirrored part equals the plain part on the mirrored parallelogram.
   PixelRect plain = part;
   if (plain.right < plain.left) {
     std::swap(plain.left, plain.right);

@@ -36,7 +36,7 @@ SourceRows::SourceRows(const Raster& source, const AxisPositions& columns)
       table_(MakePixelTable(source.palette)),
       plainRun_(columns.IsPlainRun()) {
   const auto [low, high] = std::minmax(columns_.front(), columns_.back());
-  // From a whole byte on, whatever the format.
+  // Starts at a whole byte in every format.
   firstColumn_ = low & ~7;
   columnCount_ = high + 1 - firstColumn_;
   const int bits = StoredBitsPerPixel(source.Format());

@@ -8,18 +8,18 @@
 
 namespace rasterkit::detail {
 
-/// Rows of a source as 32-bit pixels, one for each column that a target wants. Only the columns
-/// that are asked for are converted, and a row that is asked for again is not made again. Alpha is
-/// 255 but for a 32-bit source, which keeps its own.
+/// Rows of a source as 32-bit pixels, one per column that the target needs. Only these columns are
+/// converted, and consecutive requests for one row convert it once. Alpha is 255; a 32-bit source
+/// keeps its own.
 ///
-/// Where many columns are left out, the wanted ones are gathered first and then converted; else the
+/// If many columns are left out, the needed ones are gathered first and then converted; else the
 /// other way round.
 class SourceRows {
  public:
-  /// The source and the columns, of which there is at least one, must outlive this.
+  /// The source and the columns, at least one, must outlive this object.
   SourceRows(const Raster& source, const AxisPositions& columns);
 
-  /// The pixels of source row `y`; they stay until the next call.
+  /// Pixels of source row `y`; valid until the next call.
   const RGBArec* Row(int y);
 
  private:

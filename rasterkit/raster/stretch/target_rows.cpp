@@ -66,7 +66,7 @@ class Rows32 : public TargetRows {
   const PixelRule rule_;
 };
 
-/// 15, 16 and 24 bits. What needs the pixels that are there goes through a row of 32-bit ones.
+/// Rows of 15, 16 and 24 bits. Rules that read the target use a row of 32-bit pixels.
 class RowsWithoutAlpha : public TargetRows {
  public:
   RowsWithoutAlpha(Raster& target, const PixelRule& rule) : target_(target), rule_(rule) {}

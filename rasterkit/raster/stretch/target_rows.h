@@ -7,34 +7,34 @@
 
 namespace rasterkit::detail {
 
-/// What a drawn pixel does to the one that is there.
+/// How a drawn pixel changes a target pixel.
 struct PixelRule {
   enum class Kind {
     copy,    ///< replaces it, alpha included
     opaque,  ///< replaces it; the alpha of a 32-bit target becomes 255
-    keyed,   ///< opaque, but pixels of the key colour are left out
+    keyed,   ///< opaque, but pixels of the key color are left out
     blend    ///< is mixed in
   };
   Kind kind = Kind::opaque;
   kernels::Opacity opacity;
-  /// Its alpha is not looked at.
+  /// Its alpha is ignored.
   RGBArec key{};
 };
 
-/// The colour of a key 0x00BBGGRR as pixels of this format can hold it.
+/// Key color 0x00BBGGRR as precisely as pixels of this format can hold it.
 RGBArec KeyPixel(TColor key, TPixelFormat format);
 
-/// Draws rows of 32-bit pixels into a raster of any format. On an indexed raster a colour becomes
-/// the nearest entry; a pixel that is left out or has no opacity keeps its index.
+/// Draws rows of 32-bit pixels into a raster of any format. On an indexed raster a color becomes
+/// the nearest entry; a pixel that is left out or has opacity 0 keeps its index.
 class TargetRows {
  public:
   virtual ~TargetRows() = default;
-  /// Draws `count` pixels, which are no part of the target, from column `left` of row `y` on; all
-  /// of them lie inside.
+  /// Draws `count` pixels into row `y` from column `left` on. All lie inside the target, and
+  /// `pixels` must not be part of it.
   virtual void Write(int y, int left, int count, const RGBArec* pixels) = 0;
 };
 
-/// The target must outlive what is made.
+/// Makes rows that draw by `rule`. The target must outlive them.
 std::unique_ptr<TargetRows> MakeTargetRows(Raster& target, const PixelRule& rule);
 
 }  // namespace rasterkit::detail

@@ -7,14 +7,14 @@
 
 namespace rasterkit {
 
-/// A file that comes into being whole or not at all: bytes go to a file beside the target, which
-/// `Commit` renames over it. Without `Commit` (an exception on the way, an early return) the target
-/// stays as it was and nothing is left behind. Mode bits of an existing target are kept, a symbolic
-/// link keeps pointing (its target is replaced), and a target that is no regular file (a pipe, a
-/// device) is written straight.
+/// A file that is written as a whole or not at all. Bytes go to a temporary file beside the target;
+/// `Commit` renames it to the target. Without `Commit` (an exception, an early return) the target
+/// stays unchanged and the temporary file is deleted. Mode bits of an existing target are kept. If
+/// the target is a symbolic link, the file it points to is replaced. A target that is not a regular
+/// file (a pipe, a device) is written directly.
 class RASTERKIT_EXPORT AtomicFile : public TStream {
  public:
-  /// Throws FileError when the folder does not exist or cannot be written.
+  /// Throws FileError if the folder does not exist or cannot be written.
   explicit AtomicFile(const std::string& fileName);
   ~AtomicFile() override;
 
@@ -24,7 +24,7 @@ class RASTERKIT_EXPORT AtomicFile : public TStream {
   void SetPosition(uint64_t position) override;
   uint64_t Size() const override;
 
-  /// Flushes, checks that every byte was taken, and renames over the target. Throws FileError.
+  /// Flushes, checks that every byte was written, and renames to the target. Throws FileError.
   void Commit();
 
  private:

@@ -7,9 +7,9 @@
 
 namespace rasterkit {
 
-/// A shared library that a program opens only when it needs it, so that it runs where the library
-/// is not installed. Once opened it stays until the process ends, whatever becomes of this object:
-/// toolkits leave threads and exit handlers behind, which must not lose the ground under them.
+/// A shared library that a program opens when it needs it, so that the program also runs without
+/// it. An opened library stays loaded until the process ends, even if this object is destroyed:
+/// toolkits leave threads and exit handlers behind that run its code.
 class RASTERKIT_EXPORT DynamicLibrary {
  public:
   /// Opens "lib`name`.so.`version`": the one beside librasterkit, else the one beside the program,
@@ -18,19 +18,20 @@ class RASTERKIT_EXPORT DynamicLibrary {
   /// there is one that cannot be loaded (it says why, for instance which other library is missing).
   DynamicLibrary(const std::string& name, int version, const std::string& absent);
 
-  /// The same with other folders to look into before the loader's own.
+  /// The same, with other folders to search before the loader's own.
   DynamicLibrary(const std::string& name, int version, const std::string& absent,
                  const std::vector<std::string>& folders);
 
-  /// A function of the library by its C name. Throws Error when it has none of that name, as
-  /// another version may. `Function` is the function's type; it is not checked:
+  /// Returns a function of the library by its C name. Throws Error if the library does not have it.
+  /// `Function` is the function's type; it is not checked:
   /// `library.Entry<int(int)>("answer")(42)`.
   template <typename Function>
   Function* Entry(const std::string& name) const {
     return reinterpret_cast<Function*>(Address(name));
   }
 
-  /// The file as it was opened: with its folder, or the bare name where the loader found it.
+  /// Returns the file name that was opened: with its folder, or the bare name if the loader found
+  /// it.
   const std::string& File() const { return file_; }
 
  private:

@@ -6,30 +6,29 @@
 
 #include <rasterkit/runtime/export.h>
 
-/// Parts of file names. Both "/" and "\" separate folders here, so that names from either kind of
-/// system split alike.
+/// Parts of file names. Both "/" and "\" separate folders on every system.
 namespace rasterkit {
 
-/// From the last "." of the file-name part, dot included: "a.tar.gz" gives ".gz", "dir.d/name"
-/// gives "".
+/// Returns the extension, from the last "." of the file name on: "a.tar.gz" gives ".gz",
+/// "dir.d/name" gives "".
 RASTERKIT_EXPORT std::string ExtractFileExt(std::string_view fileName);
 
-/// The part after the last separator.
+/// Returns the part after the last separator.
 RASTERKIT_EXPORT std::string ExtractFileName(std::string_view fileName);
 
-/// The folder with its trailing separator: "maps/a.bmp" gives "maps/", "a.bmp" gives "".
+/// Returns the folder with its trailing separator: "maps/a.bmp" gives "maps/", "a.bmp" gives "".
 RASTERKIT_EXPORT std::string ExtractFilePath(std::string_view fileName);
 
-/// Replaces the extension (or appends it when there is none); `extension` is given with its dot.
+/// Replaces the extension, or appends it if there is none. `extension` includes the dot.
 RASTERKIT_EXPORT std::string ChangeFileExt(std::string_view fileName, std::string_view extension);
 
-/// Whether the extension is ".pdf", whatever its case.
+/// True if the extension is ".pdf", ignoring case.
 RASTERKIT_EXPORT bool IsPdfName(std::string_view fileName);
 
-/// The one door from a UTF-8 name to the file system's own.
+/// Converts a UTF-8 file name to a path of the file system. All file names go through it.
 RASTERKIT_EXPORT std::filesystem::path ToPath(std::string_view fileName);
 
-/// True when the name leads to something that is not a folder.
+/// True if the name exists and is not a folder.
 RASTERKIT_EXPORT bool FileExists(const std::string& fileName);
 
 }  // namespace rasterkit

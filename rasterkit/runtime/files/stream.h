@@ -11,19 +11,19 @@
 
 namespace rasterkit {
 
-/// A sequence of bytes with a position. Errors of the system are thrown as FileError.
+/// A sequence of bytes with a position. System errors are thrown as FileError.
 class RASTERKIT_EXPORT TStream {
  public:
   virtual ~TStream() = default;
   TStream(const TStream&) = delete;
   TStream& operator=(const TStream&) = delete;
 
-  /// Reads up to `target.size()` bytes from the position, moves it, and returns how many were there
-  /// (0 at the end).
+  /// Reads up to `target.size()` bytes at the position and advances it. Returns the number of bytes
+  /// read, 0 at the end.
   virtual size_t Read(std::span<uint8_t> target) = 0;
-  /// Fills the pieces one after another as one read; returns the bytes read altogether.
+  /// Fills the pieces one after another as one read; returns the total number of bytes read.
   virtual size_t ReadScattered(std::span<const std::span<uint8_t>> pieces);
-  /// Writes all of `source` at the position and moves it; throws when not everything could be
+  /// Writes all of `source` at the position and advances it. Throws if not everything could be
   /// written.
   virtual void Write(std::span<const uint8_t> source) = 0;
 
@@ -31,10 +31,10 @@ class RASTERKIT_EXPORT TStream {
   virtual void SetPosition(uint64_t position) = 0;
   virtual uint64_t Size() const = 0;
 
-  /// As Read, but throws FormatError("unexpected end of data") when fewer bytes are there.
+  /// Same as Read, but throws FormatError("unexpected end of data") if there are fewer bytes.
   void ReadExactly(std::span<uint8_t> target);
-  /// All bytes from the position to the end. Throws LimitError when they exceed the picture memory
-  /// budget.
+  /// Reads all bytes from the position to the end. Throws LimitError if they exceed the picture
+  /// memory limit.
   std::vector<uint8_t> ReadToEnd();
 
  protected:
@@ -45,7 +45,7 @@ class RASTERKIT_EXPORT TStream {
 class RASTERKIT_EXPORT TMemoryStream : public TStream {
  public:
   TMemoryStream() = default;
-  /// Takes over `bytes`; the position is 0.
+  /// Takes ownership of `bytes`; the position is 0.
   explicit TMemoryStream(std::vector<uint8_t> bytes);
 
   size_t Read(std::span<uint8_t> target) override;
@@ -58,11 +58,11 @@ class RASTERKIT_EXPORT TMemoryStream : public TStream {
   std::span<const uint8_t> Bytes() const { return bytes_; }
   std::vector<uint8_t> TakeBytes();
 
-  /// Replaces the content by the file's bytes; position 0.
+  /// Replaces the content by the file's bytes and sets the position to 0.
   void LoadFromFile(const std::string& fileName);
-  /// Writes the whole content, atomically (see AtomicFile).
+  /// Writes the whole content atomically (see AtomicFile).
   void SaveToFile(const std::string& fileName) const;
-  /// Replaces the content by all bytes of `source`, from its beginning; position 0.
+  /// Replaces the content by all bytes of `source` from its beginning and sets the position to 0.
   void LoadFromStream(TStream& source);
 
  private:
@@ -70,7 +70,7 @@ class RASTERKIT_EXPORT TMemoryStream : public TStream {
   uint64_t position_ = 0;
 };
 
-/// Read-only view of bytes that somebody else keeps alive.
+/// A read-only view of bytes that the caller keeps alive.
 class RASTERKIT_EXPORT TSpanStream : public TStream {
  public:
   explicit TSpanStream(std::span<const uint8_t> bytes) : bytes_(bytes) {}
@@ -88,8 +88,9 @@ class RASTERKIT_EXPORT TSpanStream : public TStream {
   uint64_t position_ = 0;
 };
 
-/// A file opened for reading; others may read it too, writers are kept out where the system knows
-/// such locks. A folder, a missing or an unreadable file throws FileError at once.
+/// A file opened for reading. Other processes may read it too; on systems with file locks they
+/// cannot write to it. The constructor throws FileError for a folder, a missing or an unreadable
+/// file.
 class RASTERKIT_EXPORT TFileStream : public TStream {
  public:
   explicit TFileStream(const std::string& fileName);
@@ -97,12 +98,11 @@ class RASTERKIT_EXPORT TFileStream : public TStream {
 
   size_t Read(std::span<uint8_t> target) override;
   size_t ReadScattered(std::span<const std::span<uint8_t>> pieces) override;
-  /// Always throws: files are written through AtomicFile.
+  /// Always throws: files are written with AtomicFile.
   void Write(std::span<const uint8_t> source) override;
   uint64_t Position() const override;
   void SetPosition(uint64_t position) override;
-  /// Size at opening, in bytes; 0 for pipes and devices, which are read from their beginning to
-  /// their end.
+  /// Returns the size at opening in bytes; 0 for pipes and devices, which are read sequentially.
   uint64_t Size() const override;
 
  private:

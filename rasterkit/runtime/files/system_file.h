@@ -9,13 +9,13 @@
 #include <sys/stat.h>
 #include <sys/uio.h>
 
-/// The system's file calls, with errors thrown as FileError. Internal to the room.
+/// The system's file calls, with errors thrown as FileError; internal to this folder.
 namespace rasterkit::detail {
 
 /// Throws FileError "ACTION: the system's text of `error`" for `file`.
 [[noreturn]] void ThrowSystemError(const std::string& action, int error, const std::string& file);
 
-/// An open file of the system; closes itself.
+/// An open file of the system, closed by the destructor.
 class SystemFile {
  public:
   SystemFile() = default;
@@ -29,23 +29,23 @@ class SystemFile {
 
   int Handle() const { return handle_; }
   bool IsOpen() const { return handle_ >= 0; }
-  /// The system's error number, 0 when all went well.
+  /// Returns the system's error number, 0 on success.
   int Close();
 
  private:
   int handle_ = -1;
 };
 
-/// `open` that repeats when a signal interrupts it; the answer may be closed, `errno` then says
-/// why. A name with a zero byte inside is refused, for the system would see only its beginning.
+/// Calls `openat` again if a signal interrupts it. On failure the result is not open and `errno`
+/// says why. A name with a zero byte is refused, since the system would see only its beginning.
 SystemFile OpenAt(int folder, const std::string& name, int flags, mode_t mode = 0);
 
-/// Fills `pieces` (changed on the way) from `position`, or from where the file stands when
-/// `position` is negative; stops at the end of the file. Returns the bytes read.
+/// Fills `pieces` (which it changes) from `position`, or from the file's own position if `position`
+/// is negative; stops at the end of the file. Returns the number of bytes read.
 size_t ReadPieces(const SystemFile& file, std::span<iovec> pieces, int64_t position,
                   const std::string& name);
 
-/// Writes all of `bytes` at `position`, or where the file stands when `position` is negative.
+/// Writes all of `bytes` at `position`, or at the file's own position if `position` is negative.
 void WriteAll(const SystemFile& file, std::span<const uint8_t> bytes, int64_t position,
               const std::string& name);
 

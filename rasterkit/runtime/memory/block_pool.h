@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Large blocks of memory from the system, internal to the room.
+/// Large blocks of memory from the system; internal to this folder.
 namespace rasterkit::detail {
 
 /// A block of `capacity` bytes, a multiple of 2 MiB and aligned to it.
@@ -12,17 +12,17 @@ struct LargeBlock {
   size_t capacity = 0;
 };
 
-/// A kept block that fits, or a fresh one; null data when the system refuses. The bytes are
+/// Returns a kept block that fits, or a new one; null data if out of memory. The content is
 /// undefined.
 LargeBlock TakeLargeBlock(size_t bytes);
 
-/// Keeps the block for the next picture, or gives it back to the system.
+/// Keeps the block for the next picture or returns it to the system.
 void ReturnLargeBlock(LargeBlock block);
 
-/// Gives all kept blocks back to the system.
+/// Returns all kept blocks to the system.
 void TrimLargeBlocks();
 
-/// Bytes kept at this moment; for tests.
+/// Returns the number of bytes kept now; for tests.
 size_t KeptLargeBytes();
 
 }  // namespace rasterkit::detail

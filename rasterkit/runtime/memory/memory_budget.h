@@ -5,16 +5,17 @@
 
 #include <rasterkit/runtime/export.h>
 
-/// How much memory one decoded picture may take, whatever its file claims about itself.
+/// The memory limit per decoded picture, checked before memory is allocated.
 namespace rasterkit {
 
-/// The limit in bytes for the decoded rows of one picture; 4 GiB unless set. Process-wide, safe on
-/// any thread.
+/// Returns the limit in bytes for the decoded rows of one picture; 4 GiB by default. Process-wide;
+/// may be called on any thread.
 RASTERKIT_EXPORT uint64_t PictureMemoryLimit();
+/// Sets the limit in bytes for the process. May be called on any thread.
 RASTERKIT_EXPORT void SetPictureMemoryLimit(uint64_t bytes);
 
-/// Throws LimitError, which names the limit and the need in bytes, when `bytes` exceeds the limit.
-/// `what` says what wanted them: "PNG picture of 65535 x 65535 pixels".
+/// Throws LimitError if `bytes` exceeds the limit; the message names both in bytes. `what` names
+/// the object that needs the memory: "PNG picture of 65535 x 65535 pixels".
 RASTERKIT_EXPORT void RequirePictureMemory(uint64_t bytes, std::string_view what);
 
 }  // namespace rasterkit

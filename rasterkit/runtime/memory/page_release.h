@@ -6,10 +6,10 @@
 
 namespace rasterkit {
 
-/// Gives the memory behind whole pages of `data` back to the system while the block stays
-/// allocated: its content is undefined from then on, and it may be written and freed as before.
-/// For a large block of somebody else's that is read once and freed late. Does nothing where the
-/// system knows no such thing.
+/// Returns the memory of the whole pages of `data` to the system while the block stays allocated.
+/// Its content is undefined afterwards; it may be written and freed as before. For large buffers
+/// owned by a third-party library, read once and freed late. No-op if the system does not support
+/// it.
 RASTERKIT_EXPORT void ReleasePages(void* data, size_t bytes);
 
 }  // namespace rasterkit

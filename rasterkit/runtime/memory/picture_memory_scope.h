@@ -6,9 +6,9 @@
 
 namespace rasterkit {
 
-/// Keeps the calling thread to no more than `bytes` a picture (see PictureMemoryLimit) for as long
-/// as it lives, for work that nobody waits for, as a preview is. The process's limit holds as well.
-/// Scopes nest.
+/// Limits the calling thread to `bytes` per picture (see PictureMemoryLimit) during the lifetime of
+/// this object, for background work such as previews. The limit of the process applies as well.
+/// Scopes may be nested.
 class RASTERKIT_EXPORT PictureMemoryScope {
  public:
   explicit PictureMemoryScope(uint64_t bytes);

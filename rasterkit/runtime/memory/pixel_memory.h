@@ -7,15 +7,15 @@
 
 namespace rasterkit {
 
-/// One block of memory for rows of pixels, aligned to at least 64 bytes, its content undefined
-/// after creation.
+/// One block of memory for rows of pixels, aligned to at least 64 bytes. Its content is undefined
+/// after creation. Move-only.
 ///
-/// Large blocks lie on huge pages where the system offers them, and freed ones are kept for the
-/// next picture (within a bound), because fresh pages cost more than most kernels. Move-only.
+/// Large blocks use huge pages if the system supports them. Freed blocks are kept for the next
+/// picture, up to a limit, because new pages cost more time than most kernels.
 class RASTERKIT_EXPORT PixelMemory {
  public:
   PixelMemory() = default;
-  /// Throws LimitError when the system has no such block.
+  /// Throws LimitError if out of memory.
   explicit PixelMemory(size_t bytes);
   ~PixelMemory();
   PixelMemory(PixelMemory&& other) noexcept;
@@ -25,13 +25,13 @@ class RASTERKIT_EXPORT PixelMemory {
   const uint8_t* Data() const { return data_; }
   size_t Size() const { return size_; }
 
-  /// Gives the kept blocks back to the system.
+  /// Returns the kept blocks to the system.
   static void Trim();
 
  private:
   uint8_t* data_ = nullptr;
   size_t size_ = 0;
-  /// Of a block from the pool; 0 for a plain one.
+  /// Of a block from the pool; 0 for other blocks.
   size_t capacity_ = 0;
 };
 

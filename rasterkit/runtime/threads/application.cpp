@@ -22,7 +22,7 @@ void Report(const char* text) noexcept {
   try {
     ShowMessage(text);
   } catch (...) {
-    // There is nobody left to tell.
+    // The message box failed as well.
   }
 }
 

@@ -7,23 +7,22 @@
 
 namespace rasterkit {
 
-/// The process as its threads see it.
+/// Event processing of the process.
 class RASTERKIT_EXPORT TApplication {
  public:
-  /// The host's own event loop is turned at most once in this time.
+  /// The port `messagePump` is called at most once in this time.
   static constexpr std::chrono::milliseconds PumpInterval{10};
 
-  /// Runs what waits in the calling thread's queue and turns the host's event loop (the port
-  /// `messagePump`), without blocking. On a thread without a queue it does nothing: a worker may
-  /// call it at every row.
+  /// Runs the messages in the calling thread's queue and calls the port `messagePump`, without
+  /// blocking. No-op on a thread without a queue, so a worker may call it for every row.
   void ProcessMessages();
 
-  /// Runs a handler; what it throws goes to HandleException, for no exception may leave an event
+  /// Runs a handler and passes its exceptions to HandleException: no exception may leave an event
   /// loop.
   void Guard(const std::function<void()>& handler) noexcept;
 
-  /// Shows the text of the exception that is being handled (the port `messageBox`). Call it in a
-  /// catch clause.
+  /// Shows the text of the current exception with the port `messageBox`. Call it in a catch
+  /// clause.
   void HandleException() noexcept;
 };
 

@@ -4,8 +4,7 @@
 
 namespace rasterkit {
 
-/// Lets one thread at a time pass; the thread that is inside may enter again, and leaves as often
-/// as it entered. Usable with `std::lock_guard` too.
+/// A recursive mutex. Works with `std::lock_guard`.
 class TCriticalSection {
  public:
   void Enter() { mutex_.lock(); }

@@ -15,9 +15,9 @@ namespace rasterkit {
 
 class TThread;
 
-/// Ends a thread before its object goes: asks it to terminate and waits for it. A destructor alone
-/// would come too late, for the derived part, which the thread works on, is gone before the base's
-/// destructor runs.
+/// Ends a thread before its object is destroyed: requests termination and waits. The destructor of
+/// the base class would be too late: the derived part, on which the thread works, is destroyed
+/// before it runs.
 struct RASTERKIT_EXPORT ThreadDeleter {
   void operator()(TThread* thread) const;
 };
@@ -26,10 +26,10 @@ struct RASTERKIT_EXPORT ThreadDeleter {
 template <typename T>
 using ThreadPtr = std::unique_ptr<T, ThreadDeleter>;
 
-/// Something to wait on that outlives its thread object.
+/// A handle to wait on; it may outlive the thread object.
 class RASTERKIT_EXPORT ThreadHandle {
  public:
-  /// Blocks until the thread has run to its end; returns at once when it was never started.
+  /// Blocks until the thread has ended; returns at once if it was never started.
   void Wait() const;
 
  private:
@@ -41,8 +41,7 @@ class RASTERKIT_EXPORT ThreadHandle {
 /// Waits, without a time limit, until all of the threads have ended.
 RASTERKIT_EXPORT void WaitForThreads(std::span<const ThreadHandle> handles);
 
-/// A thread with an owner: the thread that made the object, on whose queue the termination event
-/// arrives.
+/// A thread with an owner: the thread that created the object and that runs the termination event.
 ///
 /// Derive, do the work in `Execute`, and make objects with `MakeThread`. An exception of `Execute`
 /// ends only this thread and is kept in `FatalException`. All members but `Terminate` and
@@ -92,7 +91,7 @@ class RASTERKIT_EXPORT TThread {
   std::atomic<bool> terminated_{false};
   std::exception_ptr fatalException_;
   std::shared_ptr<ThreadQueue> ownerQueue_;
-  /// Held by nobody else: queued messages see by it whether the object still lives.
+  /// The only owner: queued messages hold a weak pointer to it, to know if the object exists.
   std::shared_ptr<char> lifeToken_;
   ThreadHandle handle_;
   std::thread thread_;

@@ -141,8 +141,7 @@ void ThreadQueue::RunDueTimers() {
   }
 }
 
-/// True when the timer is still there and due; its next interval begins now, so that ticks that
-/// nobody took in time are not made up for.
+/// True if the timer exists and is due. Its next interval begins now: missed ticks are skipped.
 bool ThreadQueue::Restart(const std::shared_ptr<Timer>& timer, Clock::time_point now) {
   const std::lock_guard lock(mutex_);
   if (std::find(timers_.begin(), timers_.end(), timer) == timers_.end()) return false;

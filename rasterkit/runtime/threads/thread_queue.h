@@ -14,59 +14,57 @@
 
 namespace rasterkit {
 
-/// What other threads and timers want done on one thread. Termination events and timer ticks arrive
-/// here and run only when their thread asks for them, so that a handler never interrupts the code
-/// it belongs to.
+/// The messages that other threads and timers send to one thread. Termination events and timer
+/// ticks run only if that thread dispatches its queue, so a handler never interrupts other code.
 ///
-/// A driver that waits for workers writes `while (manager.AnzThreads > 0)
+/// A driver waits for its workers with `while (manager.AnzThreads > 0)
 /// ThreadQueue::Current().WaitAndDispatch();`.
 class RASTERKIT_EXPORT ThreadQueue {
  public:
   using Message = std::function<void()>;
   using Clock = std::chrono::steady_clock;
 
-  /// A repeated message; see TTimer, which is how it is used.
+  /// A repeated message; used through TTimer.
   struct Timer {
     std::chrono::milliseconds interval;
     Message tick;
     Clock::time_point due;
   };
 
-  /// The queue of the calling thread, made on first use; it ends with its thread.
+  /// Returns the queue of the calling thread, created on first use; it ends with its thread.
   static ThreadQueue& Current();
-  /// As Current, for those who post later and from elsewhere: the queue may outlive its thread, and
-  /// is then closed.
+  /// Same as Current, for posting later and from other threads: the queue may outlive its thread
+  /// and is then closed.
   static std::shared_ptr<ThreadQueue> Share();
-  /// The queue of the calling thread, or null while it has none.
+  /// Returns the queue of the calling thread, or null if it has none.
   static ThreadQueue* Existing() noexcept;
 
-  /// Hands a message over; any thread may. When the queue's thread has ended the message is
-  /// destroyed unrun, on the calling thread.
+  /// Adds a message; may be called on any thread. If the queue's thread has ended, the message is
+  /// destroyed on the calling thread without being run.
   void Post(Message message);
 
-  /// Blocks until there is something to do (a message, a timer that is due, or time to turn the
-  /// host's own loop) and does it. Wakes at once when a message arrives. Only the queue's own
-  /// thread may call it.
+  /// Blocks until a message arrives, a timer is due or the host's events are to be processed, and
+  /// then runs them. Only the queue's own thread may call it.
   void WaitAndDispatch();
 
-  /// Runs what waits now, without blocking: messages in the order of their arrival, then each timer
-  /// that is due once. Handlers may dispatch again; what they throw goes to
-  /// `Application.HandleException`. Own thread only.
+  /// Runs pending messages in the order of their arrival, then each due timer once, without
+  /// blocking. Handlers may dispatch again; their exceptions go to `Application.HandleException`.
+  /// Only the queue's own thread may call it.
   void Dispatch();
 
-  /// For a host whose own event loop runs this thread: `wake` is called, on any thread, whenever a
-  /// message arrives or the timers change, and makes that loop call Dispatch soon. It must be
-  /// quick, may not throw and may not touch the queue. Empty removes it; none is running any more
-  /// when this returns.
+  /// Sets the wake-up of a host whose own event loop runs this thread. `wake` is called on any
+  /// thread if a message arrives or the timers change; it must make that loop call Dispatch soon.
+  /// It must be quick, must not throw and must not use the queue. An empty function removes it; no
+  /// call of the old one is running after this returns.
   void SetWakeUp(Message wake);
-  /// Time until the next timer is due, 0 when one is overdue, nothing while there is none.
+  /// Returns the time until the next timer is due, 0 if one is overdue, no value without timers.
   std::optional<std::chrono::milliseconds> TimeToNextTimer() const;
 
-  /// True when Dispatch might find something; one atomic load.
+  /// True if Dispatch may find something to run; one atomic load.
   bool NeedsAttention() const noexcept { return attention_.load(std::memory_order_acquire) != 0; }
 
-  /// The first tick comes one interval after this call; adding a timer again starts its interval
-  /// anew.
+  /// Adds a timer; the first tick comes one interval after this call. Adding it again restarts its
+  /// interval.
   void AddTimer(const std::shared_ptr<Timer>& timer);
   void RemoveTimer(const std::shared_ptr<Timer>& timer);
 

@@ -6,8 +6,8 @@
 
 namespace rasterkit {
 
-/// The processor time in seconds that a running thread has used so far, waiting not counted. The
-/// thread must not have been joined. 0 where the system does not say.
+/// Returns the processor time in seconds that a running thread has used, without waiting. The
+/// thread must not have been joined. 0 if the system does not support it.
 RASTERKIT_EXPORT double ProcessorSeconds(std::thread& thread);
 
 }  // namespace rasterkit

@@ -8,9 +8,8 @@
 
 namespace rasterkit {
 
-/// Ticks on the thread that made it, whenever that thread dispatches its queue and the interval is
-/// over. Ticks that nobody took in time are not made up for. To be destroyed on the same thread;
-/// its own handler may do so.
+/// Ticks on the thread that created it, if that thread dispatches its queue after the interval.
+/// Missed ticks are skipped. Must be destroyed on the same thread; its own handler may do so.
 class RASTERKIT_EXPORT TTimer {
  public:
   /// Enabled, with an interval of 1000 ms; the first tick comes after the first interval.
@@ -19,10 +18,10 @@ class RASTERKIT_EXPORT TTimer {
   TTimer(const TTimer&) = delete;
   TTimer& operator=(const TTimer&) = delete;
 
-  /// Called at every tick with the timer as sender; nothing happens while it is empty.
+  /// Called at every tick with the timer as sender. May be empty.
   std::function<void(TTimer& sender)> OnTimer;
 
-  /// Milliseconds; 0 means no ticks. Setting it starts the interval anew.
+  /// Milliseconds; 0 means no ticks. Setting it restarts the interval.
   unsigned Interval() const { return interval_; }
   void SetInterval(unsigned milliseconds);
 

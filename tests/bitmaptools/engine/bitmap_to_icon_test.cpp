@@ -38,7 +38,7 @@ TEST(CopyBitmapToIconTest, EveryFormatAndWidth_EqualTheReference) {
   }
 }
 
-TEST(CopyBitmapToIconTest, LeftHalfOfAStrip_Should_GiveASquareIconWithItsTopLeftColourClear) {
+TEST(CopyBitmapToIconTest, LeftHalfOfAStrip_Should_GiveASquareIconWithItsTopLeftColorClear) {
   TBitmap strip = test::GradientBitmap(pf24bit, 64, 32);
   for (int y = 0; y < 32; ++y)
     for (int x = 0; x < 64; ++x)
@@ -66,7 +66,7 @@ TEST(CopyBitmapToIconTest, OddWidth_Should_LoseItsMiddleInTheHalf) {
   EXPECT_EQ(icon.Width(), 3);
 }
 
-TEST(CopyBitmapToIconTest, OneColour_Should_GiveAnIconThatShowsNothing) {
+TEST(CopyBitmapToIconTest, OneColor_Should_GiveAnIconThatShowsNothing) {
   TBitmap bitmap = test::GradientBitmap(pf24bit, 4, 4);
   for (int y = 0; y < 4; ++y) std::fill_n(bitmap.ScanLine(y), 12, uint8_t{90});
   TIcon icon;
@@ -104,7 +104,7 @@ TEST(CopyBitmapToIconTest, TransparentBitmap_Should_LeaveWhatItDoesNotShowWhite)
   CopyBitmapToIcon(&bitmap, icon, false);
   EXPECT_EQ(AlphaAt(icon, 0, 0), 0) << "the key";
   EXPECT_EQ(AlphaAt(icon, 0, 1), 255);
-  EXPECT_EQ(icon.ColorBitmap().PixelColor(0, 1), clWhite) << "not drawn: the new bitmap's colour";
+  EXPECT_EQ(icon.ColorBitmap().PixelColor(0, 1), clWhite) << "not drawn: the new bitmap's color";
 }
 
 TEST(CopyBitmapToIconTest, NullAndZeroSizes_Should_LeaveTheIcon) {

@@ -13,7 +13,7 @@
 namespace rasterkit {
 namespace {
 
-/// One thing that is changed in a bitmap, and whether its file shows it.
+/// A change of a bitmap, and whether its file differs then.
 struct Change {
   const char* name;
   std::function<void(TBitmap&)> make;
@@ -54,7 +54,7 @@ const Change kChanges[] = {
      [](TBitmap& b) {
        b.SetDpi({72, 96});
      }},
-    {"resolution by less than a pixel per metre",
+    {"resolution by less than a pixel per meter",
      [](TBitmap& b) {
        b.SetDpi({72.001, 72});
      }},
@@ -124,7 +124,7 @@ TEST(BitmapsAreSameTest, EveryWidthAndTarget_Should_FindEveryChangedByteAsTheStr
   });
 }
 
-TEST(BitmapsAreSameTest, KernelOfEveryLength_Should_SeeColoursAndNoAlpha) {
+TEST(BitmapsAreSameTest, KernelOfEveryLength_Should_SeeColorsAndNoAlpha) {
   test::ForEachSimdTarget([&](int64_t target) {
     SCOPED_TRACE(hwy::TargetName(target));
     for (const size_t count : {size_t{0}, size_t{1}, size_t{15}, size_t{64}, size_t{131}}) {

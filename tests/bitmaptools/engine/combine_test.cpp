@@ -65,7 +65,7 @@ void CheckGeo(const TBitmap& target, const TBitmap& source, int percent, bool us
     combine(actual.get(), from.get(), percent, useGray, threads, nullptr);
     reference::TransferOver(*expected, *expectedFrom, mode, percent, useGray, threads);
     ASSERT_TRUE(SamePixels(*expected, *actual))
-        << Describe(target, source) << ", mode " << mode << ", percent " << percent << ", grey "
+        << Describe(target, source) << ", mode " << mode << ", percent " << percent << ", gray "
         << useGray << ", threads " << threads;
     ASSERT_TRUE(SamePixels(*expectedFrom, *from));
   }

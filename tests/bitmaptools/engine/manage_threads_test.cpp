@@ -11,16 +11,22 @@
 #include <rasterkit/runtime/threads/application.h>
 #include <rasterkit/runtime/threads/thread_queue.h>
 
+#include "tests/reference/extended.h"
+
 namespace rasterkit {
 namespace {
+
+using reference::Extended;
+using reference::RoundEven;
 
 // The band division as it reads, in extended precision; empty when it divides by zero.
 std::vector<int32_t> PlainBands(int32_t threads, int32_t height) {
   if (threads < 1) threads = 0;
-  if (height < threads / 4.0L) threads = static_cast<int32_t>(std::llrintl(height / 4.0L));
+  if (height < Extended(threads) / 4)
+    threads = static_cast<int32_t>(RoundEven(Extended(height) / 4));
   if (threads == 0) return {};
   std::vector<int32_t> limits(static_cast<size_t>(threads) + 1);
-  const int64_t step = std::llrintl(static_cast<long double>(height) / threads);
+  const int64_t step = RoundEven(Extended(height) / threads);
   for (int32_t i = 1; i < threads; ++i)
     limits[static_cast<size_t>(i)] = static_cast<int32_t>(i * step);
   limits.back() = height;

@@ -60,7 +60,7 @@ TEST(PixelThreadTest, InitPixelModeStoresTheWeights) {
   EXPECT_EQ(worker->f, 1.0f);
   EXPECT_EQ(worker->fproz, 0.0f);
   worker->InitPixelMode(pmTransparent, 30, false);
-  EXPECT_FALSE(worker->PixTakeOver) << "true colours are copied by overwriting only";
+  EXPECT_FALSE(worker->PixTakeOver) << "true colors are copied by overwriting only";
   EXPECT_EQ(worker->f, 0.7f);
   worker->InitPixelMode(pmShadow, 30, false);
   EXPECT_EQ(worker->fproz, 1.3f);
@@ -164,7 +164,7 @@ TEST(PixelThreadTest, AWorkerByItselfTakesItsBandAndIsCountedDown) {
 TEST(PixelThreadTest, AWorkerLooksAtTheRangeOfBrightnessItself) {
   for (const int32_t percent : {0, 101, 150, -101, 100, -100}) {
     TBitmap bitmap = Blank(pf24bit, 3, 4);
-    bitmap.ScanLine(0)[0] = 100;  // of 100, 255, 255 the grey value is 237
+    bitmap.ScanLine(0)[0] = 100;  // of 100, 255, 255 the gray value is 237
     TManageThreads manager(1, 4, nullptr);
     const auto worker = MakeThread<TPixelThread>(manager, 0, ptBrighten);
     worker->InitBitmap(bitmap, percent);

@@ -1,5 +1,6 @@
-// What the long operations tell their callbacks: which rows count, from how many on, and how far it
-// goes. Calls come from the workers' threads at their ends, and from the timer on this thread.
+// Progress callbacks of long operations: which rows count, from what number of rows on, and the
+// last percentage. Calls come from the workers' threads at their ends, and from the timer on this
+// thread.
 #include <algorithm>
 #include <functional>
 #include <map>
@@ -39,7 +40,7 @@ class Reports {
     return count;
   }
 
-  /// Those that came on other threads than the one that made this object: not from the timer.
+  /// Percentages from other threads than the one that created this object: not from the timer.
   size_t CountOfWorkers() const {
     const auto own = ofThreads_.find(owner_);
     return Count() - (own == ofThreads_.end() ? 0 : own->second.size());
@@ -63,10 +64,10 @@ class Reports {
   std::map<std::thread::id, std::vector<float>> ofThreads_;
 };
 
-/// An operation over so many rows.
+/// An operation with its number of rows.
 struct Operation {
   std::string name;
-  /// Rows of the target beyond those that are worked on.
+  /// Rows of the target beyond those that are processed.
   int spareRows;
   std::function<void(TBitmap& target, TBitmap& source, int threads, TProgressEvent)> run;
 };
@@ -75,7 +76,7 @@ TRect Whole(const TBitmap& bitmap) {
   return {0, 0, bitmap.Width(), bitmap.Height()};
 }
 
-/// Those that count rows. The combinations leave out the last row of the target.
+/// Operations that count rows. The combinations leave out the last row of the target.
 std::vector<Operation> RowCounters() {
   return {
       {"AssignPartBitmap", 0,

@@ -77,13 +77,13 @@ TEST(ResizeBitmapTest, ShrinkingToOnePixel_Should_AverageWithHalvesUp) {
   EXPECT_EQ(bitmap->PixelColor(0, 0), RGB(255, 1, 12));
 }
 
-TEST(ResizeBitmapTest, ColoursOf32Bit_Should_BeWeightedByAlpha) {
+TEST(ResizeBitmapTest, ColorsOf32Bit_Should_BeWeightedByAlpha) {
   auto bitmap = std::make_unique<TBitmap>(test::GradientBitmap(pf32bit, 2, 1));
   const uint8_t pixels[8] = {0, 0, 200, 255, 100, 100, 100, 0};
   std::memcpy(bitmap->ScanLine(0), pixels, 8);
   bitmap->SetAlphaFormat(afDefined);
   ResizeBitmap(bitmap, 1, 1, true);
-  EXPECT_EQ(bitmap->PixelColor(0, 0), RGB(200, 0, 0)) << "what is clear gives no colour";
+  EXPECT_EQ(bitmap->PixelColor(0, 0), RGB(200, 0, 0)) << "what is clear gives no color";
   EXPECT_EQ(bitmap->ScanLine(0)[3], 128);
   EXPECT_EQ(bitmap->AlphaFormat(), afDefined);
 }
@@ -112,7 +112,7 @@ TEST(ResizeBitmapTest, Transparency_Should_BeThatOfANewBitmap) {
   EXPECT_EQ(bitmap->TransparentColor(), corner);
 }
 
-TEST(ResizeBitmapTest, TransparentColour_Should_LeaveNewAreaInEveryFormat) {
+TEST(ResizeBitmapTest, TransparentColor_Should_LeaveNewAreaInEveryFormat) {
   for (const TPixelFormat format : test::kEveryFormat) {
     TBitmap before = test::GradientBitmap(format, 6, 4);
     before.SetTransparent(true);

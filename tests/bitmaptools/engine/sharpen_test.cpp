@@ -33,7 +33,7 @@ TBitmap Edge(uint8_t left, uint8_t right) {
   return bitmap;
 }
 
-/// Levels that lie near each other, so that the tolerance decides often.
+/// Levels close to each other, so that the tolerance matters often.
 TBitmap Grainy(int width, int height, std::mt19937& random) {
   TBitmap bitmap;
   bitmap.ResetPixels(pf24bit, width, height);
@@ -84,7 +84,7 @@ TEST(SharpenTest, LargerValues_Should_ActStronger) {
   }
 }
 
-TEST(SharpenTest, NeighboursLessThanFourLevelsAway_Should_LeaveAPixelAlone) {
+TEST(SharpenTest, NeighborsLessThanFourLevelsAway_Should_LeaveAPixelAlone) {
   for (const int percent : {100, -100}) {
     TBitmap within = Edge(100, 103), beyond = Edge(100, 104);
     Sharpen(&within, percent);

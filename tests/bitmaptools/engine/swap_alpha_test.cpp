@@ -15,7 +15,7 @@ namespace {
 
 using test::SamePixels;
 
-/// Random colours; about a third of the pixels has alpha 0, a third 255.
+/// Random colors; about a third of the pixels has alpha 0, a third 255.
 TBitmap AlphaBitmap(int width, int height, std::mt19937& random) {
   TBitmap bitmap = test::RandomBitmap(pf32bit, width, height, random);
   for (int y = 0; y < height; ++y) {

@@ -15,7 +15,7 @@
 namespace rasterkit {
 namespace {
 
-/// A bitmap whose padding is random too: nobody may touch it.
+/// A bitmap with random padding, which must not change.
 TBitmap DirtyBitmap(TPixelFormat format, int width, int height, std::mt19937& random) {
   TBitmap bitmap = test::RandomBitmap(format, width, height, random);
   for (int y = 0; y < height; ++y) {

@@ -1,4 +1,4 @@
-// GIF and WebP pictures under the names of other kinds: the loading by content shows them.
+// GIF and WebP pictures with extensions of other types, which are loaded by content.
 
 #include <gtest/gtest.h>
 
@@ -49,7 +49,7 @@ TEST_F(ForeignStills, LoadGraphic_Should_GoByContent_When_TheNameIsOfAnotherKind
       EXPECT_EQ(GetGraphicType(graphic.get()), GetGraphicsType(std::string(name + 1)));
       TBitmap shown;
       shown.Assign(graphic.get());
-      // A JPEG keeps the colours roughly.
+      // A JPEG keeps the colors roughly.
       if (name != std::string("a.jpg")) {
         EXPECT_TRUE(SameColors(still.pixels, shown.Content()));
       }

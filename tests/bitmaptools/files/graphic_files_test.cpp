@@ -156,7 +156,7 @@ TEST_F(GraphicFiles, Load_Should_TurnAPhotoUpright) {
   }
 }
 
-TEST_F(GraphicFiles, Load_Should_TurnByWholePixels_When_ThePhotoHasColours) {
+TEST_F(GraphicFiles, Load_Should_TurnByWholePixels_When_ThePhotoHasColors) {
   const TBitmap lying = AsBitmap(*LoadGraphic(folder_.Write("a.jpg", JpegLying(1))));
   const TBitmap cw = AsBitmap(*LoadGraphic(folder_.Write("a.jpg", JpegLying(6))));
   const TBitmap half = AsBitmap(*LoadGraphic(folder_.Write("a.jpg", JpegLying(3))));
@@ -237,7 +237,7 @@ TEST_F(GraphicFiles, Load_Should_NotTurn_When_APhotoHasAnotherExtension) {
 }
 
 TEST_F(GraphicFiles, Load_Should_GiveNull_When_OnlyTheCopyIntoItsClassFails) {
-  // 1,664 bytes as decoded, 31,616 as the true colours of a JPEG.
+  // 1,664 bytes as decoded, 31,616 as the true colors of a JPEG.
   const std::string name = Renamed(FileOf(*Picture(pf1bit, 101, 104), "bmp"), "a.jpg");
   SetPictureMemoryLimit(10'000);
   EXPECT_THROW(LoadViaWic(name), LimitError);
@@ -349,7 +349,7 @@ TEST_F(GraphicFiles, FailedSave_Should_LeaveTheVariable_When_TheFolderIsMissing)
   EXPECT_TRUE(Is<TBitmap>(graphic));
 }
 
-/// The disk is full from a certain file size on.
+/// Makes the disk full from a certain file size on.
 class FullDisk {
  public:
   explicit FullDisk(rlim_t bytes) : signal_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -394,8 +394,8 @@ TEST_F(GraphicFiles, Save_Should_Throw_When_ThereIsNothingToSave) {
 }
 
 TEST_F(GraphicFiles, Save_Should_ConvertAnEnhancedMetafile_When_TheExtensionIsItsOwn) {
-  // It counts as plain, so that ".emf" asks for a conversion through a bitmap, which metafiles do
-  // not take.
+  // It counts as plain, so ".emf" needs a conversion through a bitmap, which metafiles do not
+  // support.
   for (const bool hasRecords : {false, true}) {
     auto graphic = hasRecords ? LoadGraphic(BlueEmf()) : CreateGraphicOfType(gtEmf);
     ASSERT_TRUE(Is<TMetafile>(graphic));
@@ -488,7 +488,7 @@ TEST_F(GraphicFiles, RotatedTiffGraphic_Should_KeepWhatElseItHas) {
   EXPECT_TRUE(turned.Modified());
 }
 
-TEST_F(GraphicFiles, Rotate_Should_FillTheCornersWithTheBackColour) {
+TEST_F(GraphicFiles, Rotate_Should_FillTheCornersWithTheBackColor) {
   std::unique_ptr<TGraphic> graphic = Picture();
   RotateGraphic(30, graphic, RGB(1, 2, 3));
   const auto& bitmap = static_cast<const TBitmap&>(*graphic);

@@ -27,7 +27,7 @@ class PictureFileDialogsTest : public testing::Test {
   void UserCancels() {
     HostPorts().pictureFileDialog = [this](PictureFileDialog& dialog) {
       shown_ = dialog;
-      dialog.FileName = "typed but cancelled";
+      dialog.FileName = "typed but canceled";
       return false;
     };
   }
@@ -89,14 +89,14 @@ TEST_F(BitmapOpenDialogTest, Cancel_LeavesTheNameUnchanged) {
   EXPECT_EQ(fileName_, "old.bmp");
 }
 
-TEST_F(BitmapOpenDialogTest, WithoutAPort_IsCancelled) {
+TEST_F(BitmapOpenDialogTest, WithoutAPort_IsCanceled) {
   EXPECT_FALSE(BitmapOpenDialog("", "", bfAll, fileName_, false));
   EXPECT_EQ(fileName_, "old.bmp");
 }
 
 TEST_F(BitmapOpenDialogTest, KeptPdf_IsAnsweredAsItIs) {
   HostPorts().pdfPageChooser = [](const std::string&, std::string&) -> int {
-    ADD_FAILURE() << "nobody asked for a page";
+    ADD_FAILURE() << "no page was requested";
     return 1;
   };
   UserChooses("C:\\plans\\p.pdf");
@@ -141,7 +141,7 @@ TEST_F(BitmapOpenDialogTest, Pdf_NoPageIsNoFile) {
   for (const int answer : {0, -1}) {
     HostPorts().pdfPageChooser = [=](const std::string&, std::string&) { return answer; };
     EXPECT_FALSE(BitmapOpenDialog("D:\\", "", bfAll, fileName_, false));
-    EXPECT_EQ(fileName_, "D:\\p.png") << "the name is made before anybody asks for the page";
+    EXPECT_EQ(fileName_, "D:\\p.png") << "the name is made before the page is requested";
   }
 }
 

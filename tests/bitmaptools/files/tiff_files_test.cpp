@@ -1,4 +1,4 @@
-// TIFF files through the routines that move graphics between files, streams and classes.
+// TIFF files in the conversions of graphics between files, streams and classes.
 
 #include <cstring>
 
@@ -23,7 +23,7 @@ using test::SamePixels;
 
 constexpr int kWidth = 5, kHeight = 3;
 
-/// What `ColourTiff` shows.
+/// Picture of `ColorTiff`.
 TBitmap Expected() {
   TBitmap bitmap;
   bitmap.ResetPixels(pf24bit, kWidth, kHeight);
@@ -36,7 +36,7 @@ TBitmap Expected() {
   return bitmap;
 }
 
-std::string ColourTiff(uint16_t orientation = 1) {
+std::string ColorTiff(uint16_t orientation = 1) {
   test::PlainTiff tiff{kWidth, kHeight, {8, 8, 8}, 2};
   for (int y = 0; y < kHeight; ++y) {
     for (int x = 0; x < kWidth; ++x) {
@@ -63,41 +63,41 @@ class TiffFiles : public testing::Test {
 
 TEST_F(TiffFiles, LoadGraphic_Should_GiveATiffGraphic) {
   for (const char* name : {"a.tif", "a.TIFF", "a.tfw"}) {
-    const auto graphic = LoadGraphic(folder_.Write(name, ColourTiff()));
+    const auto graphic = LoadGraphic(folder_.Write(name, ColorTiff()));
     ASSERT_NE(dynamic_cast<TWICBitmap*>(graphic.get()), nullptr) << name;
     EXPECT_TRUE(SamePixels(Expected(), AsBitmap(*graphic))) << name;
   }
 }
 
 TEST_F(TiffFiles, LoadGraphic_Should_NotTurnATiff) {
-  const auto graphic = LoadGraphic(folder_.Write("a.tif", ColourTiff(6)));
+  const auto graphic = LoadGraphic(folder_.Write("a.tif", ColorTiff(6)));
   ASSERT_NE(graphic, nullptr);
   EXPECT_TRUE(SamePixels(Expected(), AsBitmap(*graphic)));
 }
 
 TEST_F(TiffFiles, LoadGraphic_Should_ReadATiffUnderAnyRasterExtension) {
-  const auto png = LoadGraphic(folder_.Write("a.png", ColourTiff()));
+  const auto png = LoadGraphic(folder_.Write("a.png", ColorTiff()));
   ASSERT_NE(dynamic_cast<TPngImage*>(png.get()), nullptr);
   EXPECT_TRUE(SamePixels(Expected(), AsBitmap(*png)));
-  const auto bmp = LoadGraphic(folder_.Write("a.bmp", ColourTiff()));
+  const auto bmp = LoadGraphic(folder_.Write("a.bmp", ColorTiff()));
   ASSERT_EQ(GetGraphicType(bmp.get()), gtBmp);
   EXPECT_TRUE(SamePixels(Expected(), AsBitmap(*bmp)));
-  EXPECT_NE(dynamic_cast<TJPEGImage*>(LoadGraphic(folder_.Write("a.jpg", ColourTiff())).get()),
+  EXPECT_NE(dynamic_cast<TJPEGImage*>(LoadGraphic(folder_.Write("a.jpg", ColorTiff())).get()),
             nullptr);
 }
 
 TEST_F(TiffFiles, LoadGraphic_Should_GiveNull_When_TheTiffIsCut) {
-  EXPECT_EQ(LoadGraphic(folder_.Write("a.tif", ColourTiff().substr(0, 20))), nullptr);
+  EXPECT_EQ(LoadGraphic(folder_.Write("a.tif", ColorTiff().substr(0, 20))), nullptr);
 }
 
 TEST_F(TiffFiles, LoadViaWic_Should_GiveAPlainBitmap) {
-  const auto graphic = LoadViaWic(folder_.Write("a.tif", ColourTiff()));
+  const auto graphic = LoadViaWic(folder_.Write("a.tif", ColorTiff()));
   ASSERT_EQ(GetGraphicType(graphic.get()), gtBmp);
   EXPECT_TRUE(SamePixels(Expected(), AsBitmap(*graphic)));
 }
 
 TEST_F(TiffFiles, GraphicFromStream_Should_ReadATiff_And_RemoveItsFile) {
-  const std::string bytes = ColourTiff();
+  const std::string bytes = ColorTiff();
   TMemoryStream stream({bytes.begin(), bytes.end()});
   stream.SetPosition(5);
   const auto graphic = GraphicFromStream(gtTif, TempDir(), &stream);
@@ -107,7 +107,7 @@ TEST_F(TiffFiles, GraphicFromStream_Should_ReadATiff_And_RemoveItsFile) {
 }
 
 TEST_F(TiffFiles, GraphicFromStream_Should_RemoveItsFile_When_TheTiffIsCut) {
-  const std::string bytes = ColourTiff().substr(0, 20);
+  const std::string bytes = ColorTiff().substr(0, 20);
   TMemoryStream stream({bytes.begin(), bytes.end()});
   EXPECT_EQ(GraphicFromStream(gtTif, TempDir(), &stream), nullptr);
   EXPECT_TRUE(folder_.Names().empty());
@@ -115,11 +115,11 @@ TEST_F(TiffFiles, GraphicFromStream_Should_RemoveItsFile_When_TheTiffIsCut) {
 
 TEST_F(TiffFiles, LoadWindowsBitmap_Should_ReadATiffUnturned) {
   std::unique_ptr<TBitmap> bitmap;
-  ASSERT_TRUE(LoadWindowsBitmap(folder_.Write("a.tiff", ColourTiff(6)), 0, bitmap));
+  ASSERT_TRUE(LoadWindowsBitmap(folder_.Write("a.tiff", ColorTiff(6)), 0, bitmap));
   EXPECT_TRUE(SamePixels(Expected(), *bitmap));
-  ASSERT_TRUE(LoadWindowsBitmap(folder_.Write("a.tiff", ColourTiff(6)), 90, bitmap));
+  ASSERT_TRUE(LoadWindowsBitmap(folder_.Write("a.tiff", ColorTiff(6)), 90, bitmap));
   EXPECT_EQ(bitmap->Width(), kHeight);
-  EXPECT_FALSE(LoadWindowsBitmap(folder_.Write("a.tif", ColourTiff().substr(0, 20)), 0, bitmap));
+  EXPECT_FALSE(LoadWindowsBitmap(folder_.Write("a.tif", ColorTiff().substr(0, 20)), 0, bitmap));
   EXPECT_EQ(bitmap, nullptr);
 }
 

@@ -1,4 +1,4 @@
-// TIFF files written by the routines that move graphics between files, streams and classes.
+// TIFF files written by the conversions of graphics between files, streams and classes.
 
 #include <filesystem>
 
@@ -55,7 +55,7 @@ class TiffSaving : public testing::Test {
     ASSERT_NE(dynamic_cast<TWICBitmap*>(loaded.get()), nullptr) << name;
     EXPECT_TRUE(SamePixels(expected, AsBitmap(*loaded))) << name;
   }
-  /// The temporary file's place is taken by a folder that is not empty.
+  /// Puts a folder that is not empty in place of the temporary file.
   void BlockTemporaryFile() const { std::filesystem::create_directories(folder_ / "7.tif/full"); }
 
   test::TempFolder folder_;
@@ -184,7 +184,7 @@ TEST_F(TiffSaving, SaveWindowsBitmap_Should_WriteATiff_And_LeaveTheBitmap) {
     SaveWindowsBitmap(bitmap, 0, 0, folder_ / "a.tif");
     EXPECT_TRUE(IsTiff(test::ReadFile(folder_ / "a.tif"))) << format;
     EXPECT_TRUE(SamePixels(*before, bitmap)) << format;
-    EXPECT_EQ(bitmap.PixelFormat(), format) << "words become colours in the file only";
+    EXPECT_EQ(bitmap.PixelFormat(), format) << "words become colors in the file only";
   }
 }
 

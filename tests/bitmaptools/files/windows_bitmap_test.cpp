@@ -29,7 +29,7 @@ using test::TiffWriter;
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 const float kLeastTurn = std::nextafter(0.1f, 1.0f);
 
-/// An 8-bit bitmap with `count` colours, of which pixel (x, y) has number (x + y) mod count.
+/// An 8-bit bitmap with `count` colors, of which pixel (x, y) has number (x + y) mod count.
 TBitmap IndexedBitmap(int count, int width = 21, int height = 14) {
   TBitmap bitmap = GradientBitmap(pf8bit, width, height);
   std::vector<tagPALETTEENTRY> entries;
@@ -53,7 +53,7 @@ std::string JpegLying(int orientation) {
   return JpegWith(
       test::ExifSection(writer.Tiff({writer.Short(274, static_cast<uint16_t>(orientation))})));
 }
-/// Its GPS directory holds one number where three belong.
+/// Its GPS directory holds one number instead of three.
 std::string JpegWithUnreadableExif() {
   const TiffWriter writer(ByteOrder::intel);
   return JpegWith(
@@ -74,7 +74,7 @@ class WindowsBitmap : public testing::Test {
     graphic.SaveToFile(folder_ / name);
     return folder_ / name;
   }
-  /// Loads what must be loadable.
+  /// Loads a file that must be loadable.
   TBitmap Loaded(const std::string& fileName, float angle = 0) const {
     std::unique_ptr<TBitmap> bitmap;
     EXPECT_TRUE(LoadWindowsBitmap(fileName, angle, bitmap));
@@ -141,27 +141,27 @@ TEST_F(LoadWindows, PaletteOfABmp_Should_NotBeFilledUp) {
   EXPECT_EQ(Loaded(Saved(expected, "a.bmp")).Palette().Count(), 20);
 }
 
-TEST_F(LoadWindows, PaletteOfAPng_Should_BeFilledUp_When_ItHas17To255Colours) {
+TEST_F(LoadWindows, PaletteOfAPng_Should_BeFilledUp_When_ItHas17To255Colors) {
   EXPECT_EQ(PaletteOfPng(17).Count(), 256);
   EXPECT_EQ(PaletteOfPng(100).Count(), 256);
   EXPECT_EQ(PaletteOfPng(255).Count(), 256);
 }
 
-TEST_F(LoadWindows, PaletteOfAPng_Should_Stay_When_ItHas16Or256Colours) {
+TEST_F(LoadWindows, PaletteOfAPng_Should_Stay_When_ItHas16Or256Colors) {
   EXPECT_EQ(PaletteOfPng(16), IndexedBitmap(16).Palette());
   EXPECT_EQ(PaletteOfPng(2), IndexedBitmap(2).Palette());
   EXPECT_EQ(PaletteOfPng(256), IndexedBitmap(256).Palette());
 }
 
 TEST_F(LoadWindows, PixelsUnderAShortPalette_Should_Stay) {
-  // A palette of 16 that were replaced would take half of each row with it.
+  // Replacing a palette of 16 entries would erase half of each row.
   for (const int colors : {2, 16}) {
     const TBitmap source = IndexedBitmap(colors);
     EXPECT_TRUE(SamePixels(source, Loaded(Saved<TPngImage>(source, "a.png")))) << colors;
   }
 }
 
-TEST_F(LoadWindows, FilledUpPalette_Should_KeepColoursAndIndexes_And_EndInBlack) {
+TEST_F(LoadWindows, FilledUpPalette_Should_KeepColorsAndIndexes_And_EndInBlack) {
   const TBitmap source = IndexedBitmap(17);
   const TBitmap loaded = Loaded(Saved<TPngImage>(source, "a.png"));
   ASSERT_EQ(loaded.PixelFormat(), pf8bit);
@@ -177,7 +177,7 @@ TEST_F(LoadWindows, PaletteOf4Bits_Should_Stay) {
   EXPECT_TRUE(SamePixels(source, Loaded(Saved<TPngImage>(source, "a.png"))));
 }
 
-TEST_F(LoadWindows, Transparency_Should_EndWithEightBits_When_ItsColourIsNotWhite) {
+TEST_F(LoadWindows, Transparency_Should_EndWithEightBits_When_ItsColorIsNotWhite) {
   TBitmap source = IndexedBitmap(256);
   source.SetTransparent(true);
   source.SetTransparentColor(source.PixelColor(1, 0));
@@ -187,7 +187,7 @@ TEST_F(LoadWindows, Transparency_Should_EndWithEightBits_When_ItsColourIsNotWhit
   EXPECT_TRUE(SamePixels(source, loaded));
 }
 
-TEST_F(LoadWindows, Transparency_Should_Stay_When_ItsColourIsWhite) {
+TEST_F(LoadWindows, Transparency_Should_Stay_When_ItsColorIsWhite) {
   for (const int colors : {17, 256}) {
     TBitmap source = IndexedBitmap(colors);
     TColorTable entries = PaletteTable(source.Palette());
@@ -576,7 +576,7 @@ TEST_F(SaveWindows, Depth_Should_StayTheBitmaps_When_BitsAreNotAboveZero) {
   }
 }
 
-TEST_F(SaveWindows, ConvertedCopy_Should_HaveTheSameColours) {
+TEST_F(SaveWindows, ConvertedCopy_Should_HaveTheSameColors) {
   const TBitmap bitmap = GradientBitmap(pf8bit, 21, 14);
   SaveWindowsBitmap(bitmap, 24, 0, folder_ / "a.png");
   EXPECT_TRUE(test::SameColors(bitmap, Loaded(folder_ / "a.png")));

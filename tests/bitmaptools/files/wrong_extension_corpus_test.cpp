@@ -24,8 +24,7 @@ std::string KindOf(const std::string& path) {
   return path.substr(place, path.rfind('.') - place);
 }
 
-/// The graphic type that an extension asks for, as far as pictures that are loaded by content have
-/// it.
+/// Graphic type of an extension, as far as pictures that are loaded by content have it.
 int ExpectedType(const std::string& extension) {
   const int type = GetGraphicsType(extension);
   return type == gtWmf || type == gtEmf ? int{gtBmp} : type;

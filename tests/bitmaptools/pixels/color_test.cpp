@@ -110,7 +110,7 @@ TEST(ColorBrightness, Should_EqualTheReference_For_EveryChannelAndPercent_When_D
   }
 }
 
-/// Colours in which every channel meets every grey value that a colour with that channel can have:
+/// Colors in which every channel meets every gray value that a color with that channel can have:
 /// brightening depends on nothing else.
 std::vector<TColor> EveryChannelWithEveryGray() {
   std::vector<TColor> colors;
@@ -132,7 +132,7 @@ TEST(ColorBrightness, Should_EqualTheReference_For_EveryChannelGrayAndPercent_Wh
   const std::vector<TColor> colors = EveryChannelWithEveryGray();
   ASSERT_GT(colors.size(), 40000u);
   for (int percent = 0; percent <= 1000; ++percent) {
-    // Above 100 percent almost everything is clamped; the short run then tries each colour at every
+    // Above 100 percent almost everything is clamped; the short run then tries each color at every
     // seventh percentage.
     const size_t step = percent <= 100 || test::IsFullRun() ? 1 : 7;
     for (size_t i = static_cast<size_t>(percent) % step; i < colors.size(); i += step) {

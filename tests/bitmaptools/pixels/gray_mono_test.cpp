@@ -56,7 +56,7 @@ TEST(ColorBmpTo1Bit, Should_EqualTheReference_ForEveryThreshold) {
   }
 }
 
-TEST(ColorBmpTo1Bit, Should_TakeTheLowBytesOfTheColours) {
+TEST(ColorBmpTo1Bit, Should_TakeTheLowBytesOfTheColors) {
   std::mt19937 random(1);
   TBitmap bitmap = AnyBitmap(pf24bit, 3, 2, random);
   ColorBmpTo1Bit(&bitmap, 7, 257, -1, 1000, 255, 256, 0x12345678);
@@ -65,7 +65,7 @@ TEST(ColorBmpTo1Bit, Should_TakeTheLowBytesOfTheColours) {
   EXPECT_EQ(bitmap.Palette().Entry(1), (tagPALETTEENTRY{255, 0, 0x78, 0}));
 }
 
-TEST(ColorBmpTo1Bit, Should_GiveTheSecondColourOnly_At0AndBelow_TheFirstOnly_Above255) {
+TEST(ColorBmpTo1Bit, Should_GiveTheSecondColorOnly_At0AndBelow_TheFirstOnly_Above255) {
   std::mt19937 random(2);
   const TBitmap before = AnyBitmap(pf24bit, 16, 2, random);
   for (const int t : {kLeast, -1, 0, 256, kMost}) {
@@ -152,7 +152,7 @@ TEST(BitmapToGray, Should_KeepIndexes_OfAPaletteOf256) {
   EXPECT_TRUE(SameRows(*before, bitmap));
 }
 
-TEST(BitmapToGray, Should_StayInPlace_When_TrueColourIsKept_On24Bit) {
+TEST(BitmapToGray, Should_StayInPlace_When_TrueColorIsKept_On24Bit) {
   std::mt19937 random(5);
   TBitmap bitmap = AnyBitmap(pf24bit, 300, 2, random);
   const std::unique_ptr<TBitmap> before = bitmap.Clone();
@@ -167,7 +167,7 @@ TEST(BitmapToGray, Should_StayInPlace_When_TrueColourIsKept_On24Bit) {
   }
 }
 
-TEST(BitmapToGray, Should_Become8Bit_When_TrueColourIsKept_On32Bit) {
+TEST(BitmapToGray, Should_Become8Bit_When_TrueColorIsKept_On32Bit) {
   std::mt19937 random(6);
   TBitmap bitmap = AnyBitmap(pf32bit, 30, 2, random);
   bitmap.SetAlphaFormat(afDefined);
@@ -179,7 +179,7 @@ TEST(BitmapToGray, Should_Become8Bit_When_TrueColourIsKept_On32Bit) {
   EXPECT_EQ(bitmap.Dpi(), (Resolution{96, 97}));
 }
 
-TEST(BitmapToGray, Should_Have256Greys_When_AnOddPaletteWasThere) {
+TEST(BitmapToGray, Should_Have256Grays_When_AnOddPaletteWasThere) {
   TBitmap bitmap;
   bitmap.ResetPixels(pf8bit, 2, 1);
   const tagPALETTEENTRY colors[3] = {{}, {200, 200, 200, 0}, {255, 255, 255, 0}};

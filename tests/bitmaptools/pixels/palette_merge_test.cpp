@@ -131,7 +131,7 @@ TEST_F(CombineColorPaletteTest, Should_GiveABlackTable_When_NothingIsInUse) {
   }
 }
 
-/// Slots written into a table as the rule says.
+/// Expected table, straight from the rule.
 TColorTable TableOf(const std::vector<TColor>& slots) {
   TColorTable table{};
   for (size_t i = 0; i < 256; ++i)

@@ -292,7 +292,7 @@ TEST(GetPalColor, Should_ClampCoordinates) {
   EXPECT_EQ(GetPalColor(-5, 1000000, bitmap), bitmap.ScanLine(2)[0]);
 }
 
-TEST(GetPalColor, Should_ReadOddPixelsAsTheirEvenNeighbour_OnPf4bit) {
+TEST(GetPalColor, Should_ReadOddPixelsAsTheirEvenNeighbor_OnPf4bit) {
   TBitmap bitmap = test::GradientBitmap(pf4bit, 5, 3);
   bitmap.ScanLine(0)[0] = 0x3C;
   EXPECT_EQ(GetPalColor(0, 0, bitmap), 3);

@@ -13,7 +13,7 @@
 #include "tests/support/simd_targets.h"
 #include "tests/support/test_pictures.h"
 
-/// What the tests of operations on whole bitmaps share.
+/// Common parts of the tests of operations on whole bitmaps.
 namespace rasterkit::test {
 
 /// Same pixels, palette and format, and the same bytes to the end of each row.
@@ -47,8 +47,8 @@ inline TBitmap PaletteBitmap(TPixelFormat format, int width, int height, int ent
 inline constexpr TPixelFormat kEveryNamedFormat[] = {pfDevice, pf1bit,  pf4bit,  pf8bit,  pf15bit,
                                                      pf16bit,  pf24bit, pf32bit, pfCustom};
 
-/// Runs `operation` on copies of `before`, once for every SIMD target, and compares each with what
-/// `rule` makes of another copy.
+/// Runs `operation` on copies of `before`, once per SIMD target, and compares each with the result
+/// of `rule` on another copy.
 inline void ExpectLikeReference(const TBitmap& before, const std::function<void(TBitmap&)>& rule,
                                 const std::function<void(TBitmap&)>& operation) {
   const std::unique_ptr<TBitmap> expected = before.Clone();

@@ -16,7 +16,7 @@ using test::ExpectLikeReference;
 using test::kEveryNamedFormat;
 using test::SameRows;
 
-/// One row of pixels of one colour.
+/// One row of pixels of one color.
 TBitmap FlatBitmap(TPixelFormat format, int width, int height, TColor color) {
   TBitmap bitmap;
   bitmap.SetPixelFormat(pf24bit);
@@ -73,7 +73,7 @@ TEST(SetColorByGray, Should_EqualTheReference_ForEveryThreshold) {
   }
 }
 
-TEST(SetColorAbGray, Should_RecolourPixelsAboveTheThresholdOnly) {
+TEST(SetColorAbGray, Should_RecolorPixelsAboveTheThresholdOnly) {
   TBitmap bitmap = FlatBitmap(pf24bit, 3, 1, RGB(100, 100, 100));
   SetColorAbGray(&bitmap, 100, 1, 2, 3, 4);
   EXPECT_EQ(bitmap.PixelColor(0, 0), RGB(100, 100, 100));
@@ -81,7 +81,7 @@ TEST(SetColorAbGray, Should_RecolourPixelsAboveTheThresholdOnly) {
   EXPECT_EQ(bitmap.PixelColor(0, 0), RGB(1, 2, 3));
 }
 
-TEST(SetColorBisGray, Should_RecolourPixelsBelowTheThresholdOnly) {
+TEST(SetColorBisGray, Should_RecolorPixelsBelowTheThresholdOnly) {
   TBitmap bitmap = FlatBitmap(pf24bit, 3, 1, RGB(100, 100, 100));
   SetColorBisGray(&bitmap, 100, 1, 2, 3, 4);
   EXPECT_EQ(bitmap.PixelColor(0, 0), RGB(100, 100, 100));
@@ -117,7 +117,7 @@ TEST(SetColorAbGray, Should_WriteA565Word_On16Bit) {
 
 TEST(SetColorAbGray, Should_TakeOnlyFFFFAsWhite_On16Bit) {
   TBitmap bitmap = FlatBitmap(pf16bit, 2, 1, clWhite);
-  bitmap.ScanLine(0)[0] = 0xFE;  // (248, 252, 240): grey 249
+  bitmap.ScanLine(0)[0] = 0xFE;  // (248, 252, 240): gray 249
   SetColorAbGray(&bitmap, 249, 0, 0, 0, 0);
   EXPECT_EQ(bitmap.PixelColor(0, 0), RGB(248, 252, 240));
   EXPECT_EQ(bitmap.PixelColor(1, 0), clBlack);
@@ -154,7 +154,7 @@ TEST(SetTransColor, Should_EqualTheReference_ForEveryFormatWidthAndTarget) {
       SCOPED_TRACE(testing::Message() << format << ", width " << width << ", seed " << kSeed);
       TBitmap before = AnyBitmap(format, width, 3, random);
       if (format == pf24bit && width > 0) {
-        // Half of the pixels have the colour of the bottom-left one, or two of its channels.
+        // Half of the pixels have the color of the bottom-left one, or two of its channels.
         const uint8_t* corner = before.ScanLine(2);
         for (int i = 0; i < 3 * width; ++i) {
           uint8_t* pixel = before.ScanLine(i % 3) + i / 3 * 3;
@@ -180,7 +180,7 @@ TEST(SetTransColor, Should_ReplaceTheBottomLeftPixelToo) {
   EXPECT_TRUE(bitmap.Modified());
 }
 
-TEST(SetTransColor, Should_GiveBlack_For_ASystemColour) {
+TEST(SetTransColor, Should_GiveBlack_For_ASystemColor) {
   TBitmap bitmap = FlatBitmap(pf24bit, 2, 2, clWhite);
   SetTransColor(bitmap, static_cast<TColor>(0x80FFFFFFu));
   EXPECT_EQ(bitmap.PixelColor(1, 0), clBlack);

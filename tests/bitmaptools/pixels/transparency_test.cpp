@@ -50,7 +50,7 @@ TEST(ResetTransparentTest, EverySizeAndTarget_EqualTheReference) {
   });
 }
 
-TEST(ResetTransparentTest, EveryAlphaButZero_StaysWithItsColour) {
+TEST(ResetTransparentTest, EveryAlphaButZero_StaysWithItsColor) {
   TBitmap bitmap = GradientBitmap(pf32bit, 256, 1);
   for (int x = 0; x < 256; ++x) bitmap.ScanLine(0)[4 * x + 3] = static_cast<uint8_t>(x);
   const std::unique_ptr<TBitmap> before = bitmap.Clone();

@@ -35,7 +35,7 @@ HPALETTE TryingPalette(int count, std::mt19937& random) {
   return HPALETTE(std::span(table).first(static_cast<size_t>(count)));
 }
 
-/// Bitmaps of every indexed format, width 0 to 70 and size of palette, whether they fit or not.
+/// Bitmaps of every indexed format, width 0 to 70 and size of palette, matching or not.
 template <class Body>
 void ForEachPaletteBitmap(unsigned seed, Body body) {
   std::mt19937 random(seed);
@@ -61,7 +61,7 @@ void SetEntry(TBitmap& bitmap, int index, tagPALETTEENTRY entry) {
       HPALETTE(std::span(table).first(static_cast<size_t>(bitmap.Palette().Count()))));
 }
 
-/// 16 x 16 pixels, or 32 x 16 of 4 bits: byte i is i. Entries are greys that rise with the index
+/// 16 x 16 pixels, or 32 x 16 of 4 bits: byte i is i. Entries are grays that rise with the index
 /// and end at 200: none is white.
 TBitmap AllBytes(TPixelFormat format) {
   TBitmap bitmap;
@@ -132,10 +132,10 @@ TEST(SetToTransparent, Should_MakeAllButBlackWhite_When_TheThresholdIs0) {
   for (int i = 1; i < 256; ++i) ASSERT_EQ(bitmap.PixelColor(i, 0), clWhite) << i;
 }
 
-TEST(SetToTransparent, Should_KeepColoursOfGrey0_When_TheThresholdIs0) {
+TEST(SetToTransparent, Should_KeepColorsOfGray0_When_TheThresholdIs0) {
   std::mt19937 random(7);
   TBitmap bitmap = AnyBitmap(pf24bit, 2, 1, random);
-  const uint8_t pixels[6] = {8, 0, 0, 9, 0, 0};  // blue 8 is grey 0.912, blue 9 grey 1.026
+  const uint8_t pixels[6] = {8, 0, 0, 9, 0, 0};  // blue 8 is gray 0.912, blue 9 gray 1.026
   std::copy_n(pixels, 6, bitmap.ScanLine(0));
   SetToTransparent(&bitmap, 0);
   EXPECT_EQ(bitmap.PixelColor(0, 0), RGB(0, 0, 8));
@@ -161,9 +161,9 @@ TEST(SetToTransparent, Should_MakeTheBrightestEntryWhite_When_ThereIsNone) {
   SetToTransparent(&bitmap, 100);
   EXPECT_EQ(bitmap.Palette().Entry(77), kWhite);
   EXPECT_EQ(ByteOf(bitmap, 0), 0);
-  EXPECT_EQ(ByteOf(bitmap, 20), 20);    // grey 15
-  EXPECT_EQ(ByteOf(bitmap, 128), 128);  // grey 100
-  EXPECT_EQ(ByteOf(bitmap, 129), 77);   // grey 101
+  EXPECT_EQ(ByteOf(bitmap, 20), 20);    // gray 15
+  EXPECT_EQ(ByteOf(bitmap, 128), 128);  // gray 100
+  EXPECT_EQ(ByteOf(bitmap, 129), 77);   // gray 101
   EXPECT_EQ(ByteOf(bitmap, 255), 77);
   EXPECT_EQ(ByteOf(bitmap, 77), 77);
 }
@@ -255,7 +255,7 @@ TEST(CheckTransColForPDF, Should_EqualTheReference_WithoutAPalette) {
   }
 }
 
-TEST(CheckTransColForPDF, Should_WhitenTheBottomLeftPixelOnly_OfTrueColours) {
+TEST(CheckTransColForPDF, Should_WhitenTheBottomLeftPixelOnly_OfTrueColors) {
   std::mt19937 random(9);
   TBitmap bitmap = AnyBitmap(pf32bit, 7, 3, random);
   bitmap.ScanLine(2)[3] = 12;

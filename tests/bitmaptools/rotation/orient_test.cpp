@@ -19,8 +19,8 @@ TBitmap RandomBitmap(TPixelFormat format, int width, int height, uint32_t seed) 
   return bitmap;
 }
 
-// Where the upright pixel (x, y) of a width x height picture lies in the stored one, by the meaning
-// of the EXIF tag: which sides of the picture the stored first row and first column are.
+// Position in the stored picture of pixel (x, y) of the upright one, which is width x height. The
+// EXIF tag states which sides of the picture the stored first row and first column are.
 struct Place {
   int x, y;
 };

@@ -196,8 +196,7 @@ TEST_F(RotateBitmapTest, HalvesBesideAQuarterRoundToEven) {
     const TestRows source = RowsOf(*bitmap);
     ASSERT_TRUE(RotateBitmap(angle, bitmap, 0x123456, 1, nullptr));
     const TestRows expected = reference::Rotate(source, reference::ExactTurn(angle), 0x563412);
-    if (reference::kHasExtendedPrecision)
-      ExpectSame(RowsOf(*bitmap), expected, std::to_string(angle));
+    ExpectSame(RowsOf(*bitmap), expected, std::to_string(angle));
   }
 }
 
@@ -224,7 +223,6 @@ class RotateFormatsTest : public testing::TestWithParam<FormatCase> {};
 
 // Every format through the exported routine, with as many threads as bands allow.
 TEST_P(RotateFormatsTest, EqualsTheReferenceWithOneToSevenThreads) {
-  if (!reference::kHasExtendedPrecision) GTEST_SKIP() << "no 80-bit arithmetic to compare with";
   const auto [format, bits] = GetParam();
   std::mt19937 random(50 + bits);
   const int rounds = test::IsFullRun() ? 400 : 60;
@@ -249,7 +247,7 @@ TEST_P(RotateFormatsTest, EqualsTheReferenceWithOneToSevenThreads) {
       ASSERT_EQ(bitmap->PixelFormat(), format);
       if (threads == 1) {
         // Corner pixels of these sizes are uncovered at some row unless the turn is a quarter; the
-        // background pixel is what a fill with the colour gives.
+        // background pixel is what a fill with the color gives.
         TBitmap fill;
         fill.ResetPixels(format, 1, 1);
         if (IsIndexed(format)) fill.SetPalette(original->Palette());

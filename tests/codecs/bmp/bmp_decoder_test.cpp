@@ -168,7 +168,7 @@ TEST(DecodeBmp, Should_HaveAlpha_When_PlainV4HeaderStatesItsMask) {
   EXPECT_EQ(DecodeBytes(file).alphaFormat, afIgnored);
 }
 
-TEST(DecodeBmp, Should_GiveDotsPerInch_When_FileStatesPixelsPerMetre) {
+TEST(DecodeBmp, Should_GiveDotsPerInch_When_FileStatesPixelsPerMeter) {
   BmpFile file = FourColors24();
   file.pixelsPerMetreX = 11811;
   file.pixelsPerMetreY = 2835;
@@ -177,7 +177,7 @@ TEST(DecodeBmp, Should_GiveDotsPerInch_When_FileStatesPixelsPerMetre) {
   EXPECT_DOUBLE_EQ(raster.resolution.y, 2835 * 0.0254);
 }
 
-TEST(DecodeBmp, Should_BeWithoutResolution_When_PixelsPerMetreAreNegative) {
+TEST(DecodeBmp, Should_BeWithoutResolution_When_PixelsPerMeterAreNegative) {
   BmpFile file = FourColors24();
   file.pixelsPerMetreX = -11811;
   file.pixelsPerMetreY = INT32_MIN;

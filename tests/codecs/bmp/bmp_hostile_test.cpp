@@ -1,5 +1,5 @@
-// Files that lie, end early or ask for the moon: a picture with a warning, or an error that says
-// why.
+// Damaged, truncated and exaggerating files: they give a picture with a warning, or an error with
+// the reason.
 
 #include <limits>
 
@@ -111,7 +111,7 @@ TEST(HostileBmp, Should_Refuse_When_HeightIsTheLowestInteger) {
 
 TEST(HostileBmp, Should_NameLimitAndNeed_When_SizeIsHighest) {
   BmpFile file{.width = kHighest, .height = kHighest, .bits = 32, .pixels = {1, 2, 3, 4}};
-  // (2^31 - 1) * 4 bytes a row, that many rows: just below 2^64.
+  // 2^31 - 1 rows of (2^31 - 1) * 4 bytes each: just below 2^64.
   EXPECT_THAT(Refusal<LimitError>(file),
               testing::AllOf(HasSubstr("18446744056529682436"), HasSubstr("4294967296"),
                              HasSubstr("2147483647 x 2147483647")));

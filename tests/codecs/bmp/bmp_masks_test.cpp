@@ -1,4 +1,4 @@
-// Colour masks of 16-, 24- and 32-bit files.
+// Color masks of 16-, 24- and 32-bit files.
 
 #include <cmath>
 

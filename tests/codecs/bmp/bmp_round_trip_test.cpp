@@ -1,4 +1,4 @@
-// What is written is what is read, and what other programs expect to find.
+// A written file is read back unchanged and has the layout that other programs expect.
 
 #include <limits>
 #include <memory>
@@ -151,19 +151,19 @@ TEST(EncodeBmp, Should_WriteV4Header_When_AlphaIsDefined) {
   EXPECT_EQ(BmpLong(bytes, 66), 0xFF000000u);
 }
 
-TEST(EncodeBmp, Should_RoundPixelsPerMetre_When_ResolutionIsAny) {
+TEST(EncodeBmp, Should_RoundPixelsPerMeter_When_ResolutionIsAny) {
   Raster raster = RandomPicture(pf24bit, 1, 1, 16);
-  const auto perMetre = [&](double dpi) {
+  const auto perMeter = [&](double dpi) {
     raster.resolution = {dpi, 1};
     return BmpLong(EncodeToBytes(raster), 14 + 24);
   };
-  EXPECT_EQ(perMetre(96), 3780u);
-  EXPECT_EQ(perMetre(300), 11811u);
-  EXPECT_EQ(perMetre(72), 2835u);
-  EXPECT_EQ(perMetre(0), 0u);
-  EXPECT_EQ(perMetre(-5), 0u);
-  EXPECT_EQ(perMetre(1e300), 2147483647u);
-  EXPECT_EQ(perMetre(std::numeric_limits<double>::quiet_NaN()), 0u);
+  EXPECT_EQ(perMeter(96), 3780u);
+  EXPECT_EQ(perMeter(300), 11811u);
+  EXPECT_EQ(perMeter(72), 2835u);
+  EXPECT_EQ(perMeter(0), 0u);
+  EXPECT_EQ(perMeter(-5), 0u);
+  EXPECT_EQ(perMeter(1e300), 2147483647u);
+  EXPECT_EQ(perMeter(std::numeric_limits<double>::quiet_NaN()), 0u);
 }
 
 TEST(EncodeBmp, Should_Refuse_When_ThereAreNoPixels) {

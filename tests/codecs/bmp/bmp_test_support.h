@@ -45,7 +45,7 @@ inline std::vector<int> Indexes(const Raster& raster, int y) {
   return row;
 }
 
-/// The little-endian value of a true-colour pixel: 0xRRGGBB, 0xAARRGGBB, or the 15- or 16-bit word.
+/// The little-endian value of a true-color pixel: 0xRRGGBB, 0xAARRGGBB, or the 15- or 16-bit word.
 inline uint32_t PixelAt(const Raster& raster, int x, int y) {
   const int bytes = StoredBitsPerPixel(raster.Format()) / 8;
   uint32_t pixel = 0;

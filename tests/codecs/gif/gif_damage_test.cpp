@@ -1,4 +1,4 @@
-// Files that are cut off, damaged, or that claim more than they hold.
+// Files that are truncated, damaged, or claim more than they hold.
 
 #include <random>
 
@@ -130,9 +130,9 @@ TEST(GifDamage, Should_KeepWhatLiesAround_When_ASmallPictureEndsEarly) {
 }
 
 TEST(GifDamage, Should_RefuseOrGiveTheSame_When_BytesAreWrong) {
-  constexpr uint32_t seed = 20240517;
-  SCOPED_TRACE(seed);
-  std::mt19937 random(seed);
+  constexpr uint32_t kSeed = 20240517;
+  SCOPED_TRACE(kSeed);
+  std::mt19937 random(kSeed);
   GifFile file = PlainGif(37, 29);
   int pictures = 0;
   for (int i = 0; i < 4000; i++) {

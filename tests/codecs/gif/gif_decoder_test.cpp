@@ -78,7 +78,7 @@ TEST(GifDecoder, Should_TakeThePicturesOwnPalette_When_ItHasOne) {
   EXPECT_EQ(Decode(file).palette, GrayPalette(16));
 }
 
-TEST(GifDecoder, Should_TakeGreys_When_ThereIsNoPalette) {
+TEST(GifDecoder, Should_TakeGrays_When_ThereIsNoPalette) {
   GifFile file = PlainGif(9, 5);
   file.palette = HPALETTE();
   CodecReport report;
@@ -112,7 +112,7 @@ TEST(GifDecoder, Should_Warn_When_OpaquePixelsHaveTheTransparentColor) {
   file.pictures[0].transparent = 3;
   CodecReport report;
   EXPECT_EQ(Decode(file, &report).transparentColor, clWhite);
-  EXPECT_THAT(report.warnings, ElementsAre(HasSubstr("opaque pixels of the transparent colour")));
+  EXPECT_THAT(report.warnings, ElementsAre(HasSubstr("opaque pixels of the transparent color")));
   report = {};
   std::fill(file.pictures[0].indexes.begin(), file.pictures[0].indexes.end(), uint8_t{3});
   Decode(file, &report);

@@ -60,7 +60,7 @@ bool IsInstalled(const std::string& command) {
   return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
 }
 
-/// Two entries of its palette are white, one of them transparent; a bitmap knows one key colour.
+/// Two entries of its palette are white, one of them transparent; a bitmap knows one key color.
 constexpr const char* kTwoWhites = "worldfile/mapserver__grid.gif";
 
 /// Pixels as red, green, blue, alpha; those of alpha 0 without a color.

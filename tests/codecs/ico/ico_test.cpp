@@ -20,7 +20,7 @@ using test::IcoFile;
 using test::IcoPicture;
 using test::IcoPng;
 
-/// The colours as 32 bits, alpha 0 where the mask has ones.
+/// The colors as 32 bits, alpha 0 where the mask has ones.
 Raster Masked(const Raster& colors, const Raster& mask) {
   Raster result = ConvertRaster(colors, pf32bit);
   for (int y = 0; y < result.Height(); ++y)
@@ -66,7 +66,7 @@ TEST(IcoDecoder, Should_BeOpaque_When_TheMaskIsMissing) {
   const Raster opaque = ConvertRaster(colors, pf32bit);
   EXPECT_TRUE(test::SamePixels(opaque, DecodeIco(IcoFile({IcoBitmap(colors, nullptr)}))));
   EXPECT_TRUE(test::SamePixels(opaque, DecodeIco(IcoFile({IcoBitmap(colors, nullptr, false)}))))
-      << "the header states the colours alone";
+      << "the header states the colors alone";
 }
 
 TEST(IcoDecoder, Should_ReadPngPictures) {
@@ -111,7 +111,7 @@ TEST(IcoEncoder, Should_WriteWhatIsReadBack_UpTo256) {
     EXPECT_TRUE(test::SamePixels(raster, DecodeIco(file)));
     EXPECT_EQ(file[6], width % 256);
     EXPECT_EQ(file[7], height % 256);
-    // The mask is there for readers that know no alpha: bottom row first, behind the colours.
+    // The mask is for programs without support for alpha: bottom row first, after the colors.
     const size_t mask = 6 + 16 + 40 + static_cast<size_t>(width) * height * 4;
     const size_t stride = static_cast<size_t>((width + 31) / 32 * 4);
     ASSERT_EQ(file.size(), mask + stride * height);

@@ -65,7 +65,7 @@ TEST(JpegDamage, Should_GiveTheRowsThatAreThereAndWhite_When_Truncated) {
   while (same < 200 && std::equal(cut.Row(same), cut.Row(same) + cut.RowBytes(), whole.Row(same)))
     same++;
   while (white < 200 && rowIs(199 - white, [](uint8_t value) { return value == 255; })) white++;
-  // Between them lies the row of blocks in which the data end, and the row whose colours lean on
+  // Between them lies the row of blocks in which the data end, and the row whose colors lean on
   // it.
   EXPECT_GT(same, 40);
   EXPECT_GT(white, 30);
@@ -120,7 +120,7 @@ TEST(JpegDamage, Should_RefuseClearly_When_TheKindIsNotSupported) {
     bytes[marker ? frame - 1 : frame + offset] = value;
     return bytes;
   };
-  EXPECT_THROW(DecodeJpeg(patched(2, 12)), UnsupportedError);          // 12 bits a sample
+  EXPECT_THROW(DecodeJpeg(patched(2, 12)), UnsupportedError);          // 12 bits per sample
   EXPECT_THROW(DecodeJpeg(patched(2, 16)), UnsupportedError);          // 16
   EXPECT_THROW(DecodeJpeg(patched(0, 0xC3, true)), UnsupportedError);  // lossless
   EXPECT_THROW(DecodeJpeg(patched(0, 0xCB, true)), UnsupportedError);  // lossless, arithmetic

@@ -86,14 +86,14 @@ TEST(PngDecoder, Should_BecomeFourBit_When_TwoBitOfAnyWidth) {
   }
 }
 
-TEST(PngDecoder, Should_HaveAGreyRamp_When_Grey) {
+TEST(PngDecoder, Should_HaveAGrayRamp_When_Gray) {
   EXPECT_EQ(DecodePng(PngFile(8, 1, 1, kGray, {0xA5})).palette, GrayPalette(2));
   EXPECT_EQ(DecodePng(PngFile(2, 1, 4, kGray, {0xA5})).palette, GrayPalette(16));
   EXPECT_EQ(DecodePng(PngFile(1, 1, 8, kGray, {0xA5})).palette, GrayPalette(256));
   EXPECT_EQ(GrayPalette(16).Entry(7).peGreen, 7 * 17);
 }
 
-TEST(PngDecoder, Should_BecomeColorWithAlpha_When_GreyWithAlpha) {
+TEST(PngDecoder, Should_BecomeColorWithAlpha_When_GrayWithAlpha) {
   const Raster raster = DecodePng(PngFile(2, 1, 8, kGrayAlpha, {10, 20, 30, 0}));
   ASSERT_EQ(raster.Format(), pf32bit);
   EXPECT_EQ(raster.alphaFormat, afDefined);
@@ -134,7 +134,7 @@ TEST(PngTransparency, Should_BeTheFirstFullyTransparentEntry_When_Palette) {
   EXPECT_EQ(decode({255, 255}), std::nullopt);
 }
 
-TEST(PngTransparency, Should_BeTheKeyColorIn8Bits_When_GreyOrColor) {
+TEST(PngTransparency, Should_BeTheKeyColorIn8Bits_When_GrayOrColor) {
   const auto decode = [&](int bits, int type, const ByteList& rows, const ByteList& key) {
     return DecodePng(PngFile(1, 1, bits, type, rows, PngChunk("tRNS", key))).transparentColor;
   };
@@ -156,9 +156,9 @@ TEST(PngTransparency, Should_GiveThePicture_When_TheChunkIsTooLong) {
   EXPECT_EQ(DecodePng(PngFile(1, 1, 8, kGray, {1}, PngChunk("tRNS", ByteList(5, 0)))).Row(0)[0], 1);
 }
 
-TEST(PngResolution, Should_BeKnown_When_StatedInMetres) {
-  const ByteList metres = PngChunk("pHYs", Word32(11811) + Word32(2835) + ByteList{1});
-  EXPECT_EQ(DecodePng(PngFile(1, 1, 8, kGray, {0}, metres)).resolution,
+TEST(PngResolution, Should_BeKnown_When_StatedInMeters) {
+  const ByteList meters = PngChunk("pHYs", Word32(11811) + Word32(2835) + ByteList{1});
+  EXPECT_EQ(DecodePng(PngFile(1, 1, 8, kGray, {0}, meters)).resolution,
             (Resolution{11811 * 0.0254, 2835 * 0.0254}));
   const ByteList ratio = PngChunk("pHYs", Word32(3) + Word32(2) + ByteList{0});
   EXPECT_FALSE(DecodePng(PngFile(1, 1, 8, kGray, {0}, ratio)).resolution.IsKnown());

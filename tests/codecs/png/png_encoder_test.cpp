@@ -64,7 +64,7 @@ uint8_t ColorTypeOf(const ByteList& file) {
   return file[25];
 }
 
-TEST(PngEncoder, Should_WriteGrey_When_ThePaletteIsTheFullRamp) {
+TEST(PngEncoder, Should_WriteGray_When_ThePaletteIsTheFullRamp) {
   for (const TPixelFormat format : {pf1bit, pf4bit, pf8bit}) {
     Raster source = GradientRaster(format, 21, 9);
     source.palette = GrayPalette(1 << StoredBitsPerPixel(format));
@@ -135,7 +135,7 @@ TEST(PngEncoder, Should_KeepTheTransparentColor_When_TheFileCanHoldIt) {
     source.alphaFormat = afIgnored;
     source.transparentColor = RGB(12, 34, 56);
     EXPECT_EQ(DecodePng(Encoded(source)).transparentColor, RGB(12, 34, 56));
-    source.transparentColor = static_cast<TColor>(0x80000005u);  // one of the host's colours
+    source.transparentColor = static_cast<TColor>(0x80000005u);  // one of the host's colors
     EXPECT_EQ(DecodePng(Encoded(source)).transparentColor, std::nullopt);
   }
   Raster alpha = RandomRaster(pf32bit, 21, 9, random);
@@ -164,7 +164,7 @@ TEST(PngEncoder, Should_KeepResolutionAndProfile_When_Written) {
   EXPECT_NEAR(decoded.resolution.y, 72, 0.013);
   ASSERT_NE(decoded.profile, nullptr);
   EXPECT_EQ(*decoded.profile, *source.profile);
-  // What was rounded once to whole dots a metre stays.
+  // A value that was rounded once to whole dots per meter stays.
   EXPECT_EQ(DecodePng(Encoded(decoded)).resolution, decoded.resolution);
 
   Raster gray = GrayRaster(9, 5);

@@ -22,7 +22,7 @@ ImagingFrame Decode(const std::vector<uint8_t>& bytes, int threads = 1) {
   return DecodeTiff(stream, {.threads = threads});
 }
 
-/// Soft colours, which JPEG keeps.
+/// Soft colors, which JPEG keeps.
 TiffFile SoftPicture(uint16_t photometric, uint16_t samples, uint32_t width, uint32_t height) {
   TiffFile file;
   file.width = width;
@@ -137,11 +137,11 @@ TEST(TiffCodecs, OldJpeg_Should_LookAsTheJpegFileInIt) {
   bytes.insert(bytes.end(), jpeg.begin(), jpeg.end());
   const ImagingFrame frame = Decode(bytes);
   EXPECT_EQ(frame.format, GUID_WICPixelFormat24bppBGR);
-  // The two smooth the halved colours differently.
+  // The two smooth the halved colors differently.
   ExpectNear(frame.rows, DecodeJpeg(jpeg), 8);
 }
 
-/// Units of `across` x `down` brightnesses and their two colours, as plain strips hold them.
+/// Units of `across` x `down` brightnesses and their two colors, as plain strips hold them.
 std::vector<uint8_t> PlainYcbcr(uint32_t width, uint32_t height, uint32_t across, uint32_t down,
                                 std::vector<std::array<uint8_t, 3>>& units) {
   std::vector<uint8_t> bytes;
@@ -159,14 +159,14 @@ std::vector<uint8_t> PlainYcbcr(uint32_t width, uint32_t height, uint32_t across
 }
 
 TEST(TiffCodecs, PlainYcbcr_Should_BecomeColors_When_Subsampled) {
-  constexpr uint32_t width = 24, height = 16;
+  constexpr uint32_t kWidth = 24, kHeight = 16;
   for (const auto& [across, down] :
        {std::pair{1u, 1u}, std::pair{2u, 1u}, std::pair{2u, 2u}, std::pair{4u, 2u},
         std::pair{4u, 4u}, std::pair{1u, 2u}, std::pair{4u, 1u}}) {
     SCOPED_TRACE(testing::Message() << across << " x " << down);
     std::vector<std::array<uint8_t, 3>> units;
-    const std::vector<uint8_t> pixels = PlainYcbcr(width, height, across, down, units);
-    RawTiff raw = RawTiff::Of(width, height, 8, COMPRESSION_NONE);
+    const std::vector<uint8_t> pixels = PlainYcbcr(kWidth, kHeight, across, down, units);
+    RawTiff raw = RawTiff::Of(kWidth, kHeight, 8, COMPRESSION_NONE);
     raw.Entry(TIFFTAG_PHOTOMETRIC, 3, 1, PHOTOMETRIC_YCBCR).Entry(TIFFTAG_SAMPLESPERPIXEL, 3, 1, 3);
     raw.Entry(TIFFTAG_YCBCRSUBSAMPLING, 3, 2, across | down << 16).Long(TIFFTAG_STRIPOFFSETS, 0);
     raw.Long(TIFFTAG_STRIPBYTECOUNTS, static_cast<uint32_t>(pixels.size()));
@@ -175,9 +175,9 @@ TEST(TiffCodecs, PlainYcbcr_Should_BecomeColors_When_Subsampled) {
     bytes.insert(bytes.end(), pixels.begin(), pixels.end());
     const ImagingFrame frame = Decode(bytes);
     ASSERT_EQ(frame.format, GUID_WICPixelFormat24bppBGR);
-    for (uint32_t y = 0; y < height; y++) {
-      for (uint32_t x = 0; x < width; x++) {
-        const auto& unit = units[y / down * (width / across) + x / across];
+    for (uint32_t y = 0; y < kHeight; y++) {
+      for (uint32_t x = 0; x < kWidth; x++) {
+        const auto& unit = units[y / down * (kWidth / across) + x / across];
         const double red = unit[0] + 1.402 * (unit[2] - 128),
                      blue = unit[0] + 1.772 * (unit[1] - 128);
         const double green = (unit[0] - 0.299 * red - 0.114 * blue) / 0.587;
@@ -223,7 +223,7 @@ TEST(TiffCodecs, LogarithmicLight_Should_BecomeGrays) {
 
 TEST(TiffCodecs, LogarithmicLight_Should_BecomeColors) {
   for (const uint16_t compression : {COMPRESSION_SGILOG, COMPRESSION_SGILOG24}) {
-    // Light of equal parts of all colours, at three strengths, and the red of common screens.
+    // Light of equal parts of all colors, at three strengths, and the red of common screens.
     const ImagingFrame frame = DecodeLight(
         PHOTOMETRIC_LOGLUV,
         {0.0f, 0.0f, 0.0f, 0.25f, 0.25f, 0.25f, 1.0f, 1.0f, 1.0f, 0.4f, 0.2f, 0.02f}, compression);

@@ -15,17 +15,17 @@
 namespace rasterkit::test {
 namespace {
 
-/// Files of which some tools read nothing or too much, and what is right for them.
+/// Files that other tools cannot read, or read too leniently, and the right result.
 const std::map<std::string, std::string>& WarnedAndRefused() {
   static const std::map<std::string, std::string> table = {
-      {"geotiff/gdal__byte_JXL_tiled.tif", "JPEG XL is not read"},
-      {"geotiff/gdal__rgbsmall_JXL_tiled_separate.tif", "JPEG XL is not read"},
+      {"geotiff/gdal__byte_JXL_tiled.tif", "JPEG XL is not supported"},
+      {"geotiff/gdal__rgbsmall_JXL_tiled_separate.tif", "JPEG XL is not supported"},
       {"geotiff/gdal__byte_truncated.tif", "its only strip begins behind the end of the file"},
       {"tiff/gdal__excessive-memory-TIFFFillStrip.tif", "its strip begins behind the end"},
       {"tiff/gdal__tiled_bad_offset.tif", "its tile begins behind the end of the file"},
       {"tiff/gdal__lzw_corrupted.tif", "its only row is damaged"},
       {"tiff/gdal__zackthecat_corrupted.tif", "the JPEG tables are damaged"},
-      {"tiff/tm__jpeg-lossless-12bit-gray.tif", "lossless JPEG is not read"},
+      {"tiff/tm__jpeg-lossless-12bit-gray.tif", "lossless JPEG is not supported"},
       {"wrongext/me__FujiFilm_FinePixS2Pro_is_jpeg.tif", "no TIFF file"},
   };
   return table;
@@ -137,7 +137,7 @@ void ExpectFacts(const CorpusEntry& entry) {
   const TiffFacts facts = ReadTiffFacts(stream);
   EXPECT_EQ(std::to_string(facts.width), entry.at("width"));
   EXPECT_EQ(std::to_string(facts.height), entry.at("height"));
-  // Some tools do not count samples beyond the colours.
+  // Some tools do not count samples beyond the colors.
   if (entry.at("bits").ends_with(fmt::format("x{}", facts.samples))) {
     EXPECT_EQ(fmt::format("{}x{}", facts.bitsPerSample, facts.samples), entry.at("bits"));
   }

@@ -183,7 +183,7 @@ TEST(TiffDecoder, Inks_Should_GoThroughTheirProfile_When_ThereIsOne) {
   EXPECT_EQ(managed[7], 255);
   const std::vector<uint8_t> plain = {255, 255, 255, 255, 0, 0, 0, 255, 0, 0, 0, 255};
   EXPECT_EQ(decode(RgbProfile(), &report), plain);
-  EXPECT_THAT(report.warnings, testing::ElementsAre(testing::HasSubstr("is left out")));
+  EXPECT_THAT(report.warnings, testing::ElementsAre(testing::HasSubstr("is ignored")));
 }
 
 TEST(TiffDecoder, AlphaMark_Should_BeDefined_When_TheFileHasAlpha) {

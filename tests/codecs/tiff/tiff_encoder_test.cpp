@@ -167,7 +167,7 @@ TEST(TiffEncoder, FlagsOfAPalette_Should_NotCount) {
   }
 }
 
-TEST(TiffEncoder, OneBit_Should_BeAPaletteFile_When_ItHasOtherColours) {
+TEST(TiffEncoder, OneBit_Should_BeAPaletteFile_When_ItHasOtherColors) {
   Raster source = GradientRaster(pf1bit, 37, 5);
   for (const HPALETTE& palette :
        {Palette({clBlack, clBlack}), Palette({clWhite, clWhite}), Palette({0x010000, clWhite}),
@@ -293,11 +293,11 @@ TEST(TiffEncoder, Resolution_Should_Come) {
 }
 
 TEST(TiffEncoder, AbsurdResolution_Should_NotKeepThePixelsOut) {
-  constexpr double infinity = std::numeric_limits<double>::infinity();
-  constexpr double none = std::numeric_limits<double>::quiet_NaN();
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
   for (const Resolution resolution :
-       {Resolution{infinity, infinity}, Resolution{1e300, 5e-324}, Resolution{1e-30, 1e30},
-        Resolution{none, none}, Resolution{-1, -1}, Resolution{300, 0}}) {
+       {Resolution{kInfinity, kInfinity}, Resolution{1e300, 5e-324}, Resolution{1e-30, 1e30},
+        Resolution{kNone, kNone}, Resolution{-1, -1}, Resolution{300, 0}}) {
     Raster source = GradientRaster(pf24bit, 5, 3);
     source.resolution = resolution;
     EXPECT_TRUE(SamePixels(source, Decoded(Encoded(source)))) << resolution.x;
@@ -310,7 +310,7 @@ TEST(TiffEncoder, Profile_Should_Come_When_ItFitsThePixels) {
   const Raster decoded = Decoded(Encoded(color));
   ASSERT_NE(decoded.profile, nullptr);
   EXPECT_EQ(*decoded.profile, *color.profile);
-  EXPECT_THAT(Facts(Encoded(gray)).metadata, testing::IsEmpty()) << "greys have no red";
+  EXPECT_THAT(Facts(Encoded(gray)).metadata, testing::IsEmpty()) << "grays have no red";
   gray.profile = GrayProfile();
   ASSERT_NE(Decoded(Encoded(gray)).profile, nullptr);
   EXPECT_EQ(*Decoded(Encoded(gray)).profile, *gray.profile);
@@ -389,7 +389,7 @@ TEST(TiffEncoder, File_Should_BeginAtTheStreamsPosition) {
   }
 }
 
-/// Takes so many bytes and no more.
+/// A stream that takes a limited number of bytes.
 class FullStream : public TMemoryStream {
  public:
   explicit FullStream(uint64_t room) : room_(room) {}
@@ -431,7 +431,7 @@ TEST(TiffEncoder, StreamsError_Should_Pass_WhereverItHappens) {
 TEST(TiffEncoder, Bytes_Should_NotDependOnThreads) {
   std::mt19937 random(1);
   for (const TPixelFormat format : kWrittenFormats) {
-    // Three strips and a part of one, whatever a pixel takes.
+    // Three strips and a part of a fourth, for every pixel format.
     const int width = 1201 * 8 / StoredBitsPerPixel(format) + 1, height = 703;
     const Raster pictures[] = {GradientRaster(format, width, height),
                                RandomRaster(format, width, height, random)};
@@ -451,14 +451,14 @@ TEST(TiffEncoder, Bytes_Should_NotDependOnThreads) {
 // ---- Large files
 
 TEST(TiffEncoder, LargeFiles_Should_HaveOffsetsOf64Bits) {
-  constexpr uint64_t giga = 1 << 30;
+  constexpr uint64_t kGiga = 1 << 30;
   using detail::NeedsBigTiff;
   for (const uint16_t compression : {COMPRESSION_NONE, COMPRESSION_LZW, COMPRESSION_ADOBE_DEFLATE,
                                      COMPRESSION_PACKBITS, COMPRESSION_CCITTFAX4}) {
     EXPECT_FALSE(NeedsBigTiff(14043 / 8, 9933, compression));
-    EXPECT_FALSE(NeedsBigTiff(giga / 2, 1, compression));
-    EXPECT_TRUE(NeedsBigTiff(4 * giga, 1, compression));
-    EXPECT_TRUE(NeedsBigTiff(1, 4 * giga, compression));
+    EXPECT_FALSE(NeedsBigTiff(kGiga / 2, 1, compression));
+    EXPECT_TRUE(NeedsBigTiff(4 * kGiga, 1, compression));
+    EXPECT_TRUE(NeedsBigTiff(1, 4 * kGiga, compression));
     EXPECT_TRUE(NeedsBigTiff(3ull * 2147483647, 2147483647, compression));
   }
   EXPECT_FALSE(NeedsBigTiff(1 << 20, 4000, COMPRESSION_NONE));

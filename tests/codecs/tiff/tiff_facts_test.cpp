@@ -142,7 +142,8 @@ TEST(TiffFacts, Metadata_Should_BeNamedByKind) {
     TIFFSetField(tiff, TIFFTAG_GPSIFD, uint64_t{8});
   };
   EXPECT_EQ(FactsOf(file).metadata,
-            (std::vector<std::string>{"text", "xmp", "iptc", "profile", "exif"}));
+            (std::vector<MetadataKind>{MetadataKind::text, MetadataKind::xmp, MetadataKind::iptc,
+                                       MetadataKind::profile, MetadataKind::exif}));
 }
 
 /// The directories of several files in one chain; the pixels do not matter.

@@ -145,7 +145,7 @@ TEST(TiffGaps, LastFaxRow_Should_StayBlack_When_AnEarlierOneIsDamaged) {
   EXPECT_THAT(ByteList(frame.rows.Row(9), frame.rows.Row(9) + 8), Each(0));
 }
 
-/// The file of `RawTiff` in which a tag has a number that nobody knows.
+/// A file of `RawTiff` whose tag number is replaced by an unknown one.
 ByteList Without(ByteList bytes, int unwanted) {
   for (size_t at = 10; at + 12 <= bytes.size(); at += 12) {
     const int tag = bytes[at] | bytes[at + 1] << 8;
@@ -156,12 +156,12 @@ ByteList Without(ByteList bytes, int unwanted) {
 
 TEST(TiffGaps, PixelsWithoutATagAboutThem_Should_BeRefused) {
   const ByteList bytes = WithStrip(RawTiff::Of(4, 1, 8, COMPRESSION_NONE), {1, 2, 3, 4});
-  const ByteList noColours = Without(bytes, TIFFTAG_PHOTOMETRIC);
-  EXPECT_EQ(ErrorOf(noColours), "none");
+  const ByteList noColors = Without(bytes, TIFFTAG_PHOTOMETRIC);
+  EXPECT_EQ(ErrorOf(noColors), "none");
   EXPECT_EQ(ErrorOf(Without(bytes, TIFFTAG_STRIPBYTECOUNTS)), "none");
   // The library would make both up.
-  EXPECT_THAT(ErrorOf(Without(noColours, TIFFTAG_STRIPBYTECOUNTS)),
-              HasSubstr("does not say what its pixels are"));
+  EXPECT_THAT(ErrorOf(Without(noColors, TIFFTAG_STRIPBYTECOUNTS)),
+              HasSubstr("does not describe its pixels"));
 }
 
 TEST(TiffGaps, Fax_Should_HaveWhiteAsZero_When_TheFileDoesNotSay) {
@@ -225,7 +225,7 @@ TEST(TiffGaps, EarlyEnd_Should_BeTold_When_AllRowsAreThereAnyway) {
   EXPECT_THAT(report.warnings, ElementsAre("TIFF: the data end early"));
 }
 
-TEST(TiffGaps, Alpha_Should_BeAbsent_When_ItsSampleIsAColour) {
+TEST(TiffGaps, Alpha_Should_BeAbsent_When_ItsSampleIsAColor) {
   RawTiff file = RawTiff::Of(1, 1, 8, COMPRESSION_NONE);
   file.Entry(TIFFTAG_PHOTOMETRIC, 3, 1, PHOTOMETRIC_RGB).Entry(TIFFTAG_SAMPLESPERPIXEL, 3, 1, 3);
   file.Entry(TIFFTAG_EXTRASAMPLES, 3, 1, EXTRASAMPLE_UNASSALPHA);
@@ -275,7 +275,7 @@ TEST(TiffGaps, Lab_Should_BeRefused_When_ItsSamplesAreNeitherBytesNorWords) {
   RawTiff file = RawTiff::Of(1, 1, 4, COMPRESSION_NONE);
   file.Entry(TIFFTAG_PHOTOMETRIC, 3, 1, PHOTOMETRIC_CIELAB);
   file.Entry(TIFFTAG_SAMPLESPERPIXEL, 3, 1, 3);
-  EXPECT_THAT(ErrorOf(WithStrip(file, {1, 2})), HasSubstr("with 4 bits are not read"));
+  EXPECT_THAT(ErrorOf(WithStrip(file, {1, 2})), HasSubstr("with 4 bits are not supported"));
 }
 
 TEST(TiffGaps, PaletteIndexes_Should_CountFromZero_When_CalledSigned) {

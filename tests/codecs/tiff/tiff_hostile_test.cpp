@@ -1,4 +1,4 @@
-// Files that are cut off, damaged, sparse, or that claim more than they hold.
+// Files that are truncated, damaged, sparse, or claim more than they hold.
 
 #include <cstring>
 #include <map>
@@ -61,7 +61,7 @@ bool IsWhite(const Raster& raster, int y) {
 }
 
 TEST(TiffHostile, RowsThatAreThere_Should_BeGiven_When_TheFileIsCutOff) {
-  // With and without differences of neighbours, which are undone behind the codec.
+  // With and without differences of neighbors, which are undone behind the codec.
   const std::pair<uint16_t, uint16_t> cases[] = {
       {COMPRESSION_NONE, 1},          {COMPRESSION_LZW, 1},           {COMPRESSION_LZW, 2},
       {COMPRESSION_ADOBE_DEFLATE, 1}, {COMPRESSION_ADOBE_DEFLATE, 2}, {COMPRESSION_PACKBITS, 1},
@@ -85,7 +85,7 @@ TEST(TiffHostile, RowsThatAreThere_Should_BeGiven_When_TheFileIsCutOff) {
       EXPECT_GT(rows, 25);
       EXPECT_LT(rows, 45);
       for (int y = rows + 1; y < 60; y++) EXPECT_TRUE(IsWhite(frame.rows, y)) << y;
-      EXPECT_THAT(report.warnings, testing::Contains(HasSubstr(" of 60 rows are whole")));
+      EXPECT_THAT(report.warnings, testing::Contains(HasSubstr(" of 60 rows are complete")));
       CodecReport onThreads;
       EXPECT_EQ(WholeRows(Decode(bytes, &onThreads, 4), frame), 60);
       EXPECT_EQ(onThreads.warnings, report.warnings);
@@ -151,7 +151,7 @@ TEST(TiffHostile, OtherStrips_Should_BeShown_When_OneIsDamaged) {
     }
   }
   ASSERT_FALSE(report.warnings.empty());
-  EXPECT_THAT(report.warnings[0], HasSubstr("4 of 12 rows are whole"));
+  EXPECT_THAT(report.warnings[0], HasSubstr("4 of 12 rows are complete"));
 }
 
 TEST(TiffHostile, HugeClaims_Should_BeRefusedBeforeMemoryIsTaken) {
@@ -313,7 +313,7 @@ TEST(TiffHostile, UnknownKinds_Should_BeNamed) {
 }
 
 TEST(TiffHostile, SamplesThatDoNotCount_Should_CostLittle_When_ThereAreThousands) {
-  // 31,232 samples a pixel, of which the first is shown; every strip is left out.
+  // 31,232 samples per pixel, of which the first is shown; every strip is left out.
   RawTiff file = RawTiff::Of(19, 1792, 2, COMPRESSION_ADOBE_DEFLATE);
   file.Entry(TIFFTAG_SAMPLESPERPIXEL, 3, 1, 31232);
   file.Long(TIFFTAG_STRIPOFFSETS, 0).Long(TIFFTAG_STRIPBYTECOUNTS, 0);

@@ -1,5 +1,5 @@
 // Every kind of pixels in every arrangement that a TIFF file can have, against a reader that looks
-// each pixel up by itself.
+// each pixel up on its own.
 
 #include <cstring>
 
@@ -36,13 +36,13 @@ const std::vector<Kind>& Kinds() {
   static const std::vector<Kind> kinds = {
       {"bits, white is 0", kWhite0, 1, 1, kUnsigned, {}, GUID_WICPixelFormatBlackWhite, false},
       {"bits, black is 0", kBlack0, 1, 1, kUnsigned, {}, GUID_WICPixelFormatBlackWhite, false},
-      {"2-bit grey", kBlack0, 2, 1, kUnsigned, {}, kBgra, true},
-      {"4-bit grey", kBlack0, 4, 1, kUnsigned, {}, GUID_WICPixelFormat4bppGray, false},
-      {"4-bit grey, white is 0", kWhite0, 4, 1, kUnsigned, {}, GUID_WICPixelFormat4bppGray, false},
-      {"6-bit grey", kBlack0, 6, 1, kUnsigned, {}, kBgra, true},
-      {"8-bit grey", kBlack0, 8, 1, kUnsigned, {}, GUID_WICPixelFormat8bppGray, false},
-      {"8-bit grey, white is 0", kWhite0, 8, 1, kUnsigned, {}, GUID_WICPixelFormat8bppGray, false},
-      {"8-bit grey of three",
+      {"2-bit gray", kBlack0, 2, 1, kUnsigned, {}, kBgra, true},
+      {"4-bit gray", kBlack0, 4, 1, kUnsigned, {}, GUID_WICPixelFormat4bppGray, false},
+      {"4-bit gray, white is 0", kWhite0, 4, 1, kUnsigned, {}, GUID_WICPixelFormat4bppGray, false},
+      {"6-bit gray", kBlack0, 6, 1, kUnsigned, {}, kBgra, true},
+      {"8-bit gray", kBlack0, 8, 1, kUnsigned, {}, GUID_WICPixelFormat8bppGray, false},
+      {"8-bit gray, white is 0", kWhite0, 8, 1, kUnsigned, {}, GUID_WICPixelFormat8bppGray, false},
+      {"8-bit gray of three",
        kBlack0,
        8,
        3,
@@ -50,10 +50,10 @@ const std::vector<Kind>& Kinds() {
        {kOther, kOther},
        GUID_WICPixelFormat8bppGray,
        false},
-      {"12-bit grey", kBlack0, 12, 1, kUnsigned, {}, kBgra, true},
-      {"15-bit grey", kWhite0, 15, 1, kUnsigned, {}, kBgra, true},
-      {"16-bit grey", kBlack0, 16, 1, kUnsigned, {}, GUID_WICPixelFormat16bppGray, false},
-      {"16-bit grey, white is 0",
+      {"12-bit gray", kBlack0, 12, 1, kUnsigned, {}, kBgra, true},
+      {"15-bit gray", kWhite0, 15, 1, kUnsigned, {}, kBgra, true},
+      {"16-bit gray", kBlack0, 16, 1, kUnsigned, {}, GUID_WICPixelFormat16bppGray, false},
+      {"16-bit gray, white is 0",
        kWhite0,
        16,
        1,
@@ -61,7 +61,7 @@ const std::vector<Kind>& Kinds() {
        {},
        GUID_WICPixelFormat16bppGray,
        false},
-      {"16-bit grey of five",
+      {"16-bit gray of five",
        kBlack0,
        16,
        5,
@@ -79,11 +79,11 @@ const std::vector<Kind>& Kinds() {
       {"32-bit signed integers", kBlack0, 32, 1, kSigned, {}, kBgra, true},
       {"64-bit integers", kBlack0, 64, 1, kSigned, {}, kBgra, true},
       {"doubles", kBlack0, 64, 1, kFloat, {}, kBgra, true},
-      {"grey and alpha", kBlack0, 8, 2, kUnsigned, {kStraight}, kBgra, true},
-      {"grey, white is 0, and alpha", kWhite0, 8, 2, kUnsigned, {kStraight}, kBgra, true},
-      {"grey by alpha", kBlack0, 8, 2, kUnsigned, {kMultiplied}, kBgra, true},
-      {"16-bit grey and alpha", kBlack0, 16, 2, kUnsigned, {kStraight}, kBgra, true},
-      {"32-bit grey and alpha", kBlack0, 32, 2, kUnsigned, {kStraight}, kBgra, true},
+      {"gray and alpha", kBlack0, 8, 2, kUnsigned, {kStraight}, kBgra, true},
+      {"gray, white is 0, and alpha", kWhite0, 8, 2, kUnsigned, {kStraight}, kBgra, true},
+      {"gray by alpha", kBlack0, 8, 2, kUnsigned, {kMultiplied}, kBgra, true},
+      {"16-bit gray and alpha", kBlack0, 16, 2, kUnsigned, {kStraight}, kBgra, true},
+      {"32-bit gray and alpha", kBlack0, 32, 2, kUnsigned, {kStraight}, kBgra, true},
       {"1-bit palette", kPalette, 1, 1, kUnsigned, {}, GUID_WICPixelFormat1bppIndexed, false},
       {"2-bit palette", kPalette, 2, 1, kUnsigned, {}, kBgra, true},
       {"4-bit palette", kPalette, 4, 1, kUnsigned, {}, GUID_WICPixelFormat4bppIndexed, false},
@@ -171,7 +171,7 @@ uint64_t PackedPixel(const Raster& raster, uint32_t x, uint32_t y) {
   return value;
 }
 
-/// What the frame must hold: the sample itself, or the colour that it means.
+/// What the frame must hold: the sample itself, or the color that it means.
 uint64_t ExpectedPixel(const TiffFile& file, const Kind& kind, uint32_t x, uint32_t y) {
   if (kind.format == kBgr || kind.format == kBgra) {
     const auto bgra =

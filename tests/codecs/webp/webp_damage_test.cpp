@@ -1,4 +1,4 @@
-// Files that are cut off, damaged, or that claim more than they hold.
+// Files that are truncated, damaged, or claim more than they hold.
 
 #include <cstring>
 #include <random>
@@ -114,9 +114,9 @@ TEST(WebpDamage, Should_GiveTheRowsThatAreThere_When_AnAnimationIsCutOff) {
 }
 
 TEST(WebpDamage, Should_RefuseOrGiveTheSame_When_BytesAreWrong) {
-  constexpr uint32_t seed = 20240518;
-  SCOPED_TRACE(seed);
-  std::mt19937 random(seed);
+  constexpr uint32_t kSeed = 20240518;
+  SCOPED_TRACE(kSeed);
+  std::mt19937 random(kSeed);
   int pictures = 0;
   for (const TPixelFormat format : {pf24bit, pf32bit}) {
     const Raster picture = NoisyRaster(format, 37, 29);

@@ -113,7 +113,7 @@ TEST(WebpDecoder, Metadata_Should_BeFound) {
     const ByteList file = WebpFile(WebpHeaderChunk(webpExif | webpXmp, 3, 2) + chunks +
                                    WebpChunk("EXIF", prefix + exif) + WebpChunk("XMP ", {'<'}));
     const PictureMetadata metadata = ReadMetadata(file);
-    EXPECT_THAT(metadata.kinds, ElementsAre("exif", "xmp"));
+    EXPECT_THAT(metadata.kinds, ElementsAre(MetadataKind::exif, MetadataKind::xmp));
     EXPECT_EQ(ByteList(metadata.exif.begin(), metadata.exif.end()), exif);
     EXPECT_EQ(DecodeWebp(file).Width(), 3);
   }

@@ -49,7 +49,7 @@ class CropTool : public testing::Test {
   }
   QImage Shown() { return box.grab().toImage().convertToFormat(QImage::Format_RGB32); }
   QColor ShownAt(int x, int y) { return Shown().pixelColor(x, y); }
-  /// The picture's colour behind a pixel of the box, which shows every second pixel.
+  /// The color of the picture under a pixel of the box, which shows every second pixel.
   QColor PictureAt(int x, int y) {
     const TColor color = bitmap.PixelColor(2 * x + 1, 2 * (y - 50) + 1);
     return QColor(color & 0xFF, color >> 8 & 0xFF, color >> 16);

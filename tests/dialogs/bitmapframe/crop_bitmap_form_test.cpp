@@ -188,14 +188,14 @@ TEST_F(CropForm, Controls_Should_HaveNamesForScreenReaders_AndMnemonicsOfTheirOw
        {"PaintBox", "SpEdLeft", "SpEdTop", "SpEdWidth", "SpEdHeight", "SpeedButtonFit",
         "SpeedButtonOrgSize", "SpeedButtonUndo", "SpeedButtonWhole"})
     EXPECT_FALSE(Find<QWidget>(name).accessibleName().isEmpty()) << name;
-  // A name of its own would keep a screen reader from reading the size.
+  // With an accessible name, a screen reader would not read the size.
   EXPECT_TRUE(Find<QWidget>("LabelSizeValue").accessibleName().isEmpty());
   for (const char* name : {"SpEdLeft", "SpEdTop", "SpEdWidth", "SpEdHeight", "SpeedButtonFit",
                            "SpeedButtonOrgSize", "SpeedButtonUndo", "SpeedButtonWhole"})
     EXPECT_FALSE(Find<QWidget>(name).toolTip().isEmpty()) << name;
 }
 
-/// Every text has the room that it asks for.
+/// Every text has enough room.
 void ExpectNothingClipped(QWidget& form) {
   for (const QPushButton* button : form.findChildren<QPushButton*>()) {
     if (!button->isVisible()) continue;
@@ -251,7 +251,7 @@ TEST_F(CropForm, CropBitmap_Should_CutThePicture_When_Confirmed) {
   EXPECT_EQ(bitmap.PixelColor(99, 49), whole.PixelColor(109, 69));
 }
 
-TEST_F(CropForm, CropBitmap_Should_ChangeNothing_When_CancelledInAnyWay) {
+TEST_F(CropForm, CropBitmap_Should_ChangeNothing_When_CanceledInAnyWay) {
   const std::function<void(QWidget&)> ways[] = {
       [](QWidget& window) { window.close(); },
       [](QWidget& window) { QTest::keyClick(&window, Qt::Key_Escape); },

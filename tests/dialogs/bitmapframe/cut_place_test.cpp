@@ -28,7 +28,7 @@ class CutPlace : public testing::Test {
   ModelAndView it;
 };
 
-TEST_F(CutPlace, Defaults_Should_BeTheEstablishedOnes) {
+TEST_F(CutPlace, Defaults_Should_HaveTheirValues) {
   const BmpCutModel& model = it.model;
   EXPECT_EQ(model.FrameColor(), 255);
   EXPECT_EQ(model.FrameWidth(), 2);
@@ -48,7 +48,7 @@ TEST_F(CutPlace, EDragObjectType_Should_KeepItsOrder) {
   EXPECT_THAT((std::vector<int>{emGraphic, emLine, emCoord}), ElementsAre(0, 1, 2));
 }
 
-TEST_F(CutPlace, SetOrgBitmap_Should_FitAndCentre_When_TheBitmapIsNew) {
+TEST_F(CutPlace, SetOrgBitmap_Should_FitAndCenter_When_TheBitmapIsNew) {
   Show(800, 400);
   EXPECT_DOUBLE_EQ(it.model.StretchFactor(), 0.5);
   ExpectRect(it.model.PaintRect(), {0, 50, 400, 250});
@@ -102,7 +102,7 @@ TEST_F(CutPlace, SetOrgBitmap_Should_EndTheCut_When_ThereIsNoBitmapAnyMore) {
   EXPECT_TRUE(it.model.MarkRects().empty());
 }
 
-TEST_F(CutPlace, CalculateBmpPaintRect_Should_CentreAtFactorOne_When_NotFitted) {
+TEST_F(CutPlace, CalculateBmpPaintRect_Should_CenterAtFactorOne_When_NotFitted) {
   Show(200, 100);
   EXPECT_DOUBLE_EQ(it.model.StretchFactor(), 2);
   it.model.SetFitInOrgBmp(false);
@@ -123,7 +123,7 @@ TEST_F(CutPlace, CenterInPaintBox_Should_StayAtZero_When_TheBitmapIsLarger) {
   ExpectRect(it.model.PaintRect(), {0, 100, 900, 200});
 }
 
-TEST_F(CutPlace, CenterInPaintBox_Should_CentreByHalves_When_TheRestIsOdd) {
+TEST_F(CutPlace, CenterInPaintBox_Should_CenterByHalves_When_TheRestIsOdd) {
   Show(399, 100);
   it.model.CalculateBmpPaintRect(false);
   ExpectRect(it.model.PaintRect(), {0.5, 100, 399.5, 200});

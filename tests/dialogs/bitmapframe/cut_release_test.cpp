@@ -3,7 +3,7 @@
 #include "tests/dialogs/bitmapframe/recording_view.h"
 #include "tests/support/test_pictures.h"
 
-/// A bitmap that goes before the next one is made.
+/// A bitmap that is released before its successor is made.
 namespace rasterkit::test {
 namespace {
 

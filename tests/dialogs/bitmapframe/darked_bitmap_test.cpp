@@ -48,7 +48,7 @@ TEST(DarkedBitmap, Should_BeClipped_When_TheRectangleReachesBeyondThePicture) {
   EXPECT_FALSE(darkening.IsLit(0, 2));
 }
 
-/// What mirroring a darkened copy gives, to the byte.
+/// Byte-identical to mirroring a darkened copy.
 void ExpectMirroredLikeACopy(const std::vector<bool>& mirrorings, int width, int height) {
   std::mt19937 random(kSeed);
   for (const TRect& lit : {TRect{1, 1, 4, 3},

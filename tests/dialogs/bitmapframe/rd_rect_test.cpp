@@ -14,7 +14,7 @@ void ExpectRect(const TRect& rect, int left, int top, int right, int bottom) {
   EXPECT_EQ(rect.Bottom, bottom);
 }
 
-TEST(RDRect, FitInRect_Should_ScaleUniformlyAndCentre_When_TheBoundsAreWider) {
+TEST(RDRect, FitInRect_Should_ScaleUniformlyAndCenter_When_TheBoundsAreWider) {
   RDRect rect(0, 0, 100, 50);
   EXPECT_DOUBLE_EQ(rect.FitInRect(RDRect(10, 20, 210, 80)), 1.2);
   EXPECT_TRUE(AlmostEqual(rect, RDRect(50, 20, 170, 80), 1e-12));

@@ -7,7 +7,7 @@
 
 namespace rasterkit::test {
 
-/// A view without widgets: a client size, and what the model asked of it, in order.
+/// A view without widgets: a client size, and the calls of the model in their order.
 class RecordingView : public CutView {
  public:
   explicit RecordingView(int width = 400, int height = 300) : client{0, 0, width, height} {}
@@ -26,7 +26,7 @@ class RecordingView : public CutView {
   std::vector<std::string> calls;
 };
 
-/// A model whose events are written down among the calls of its view.
+/// A model whose events are recorded together with the calls of its view.
 class ModelAndView {
  public:
   explicit ModelAndView(int width = 400, int height = 300) : view(width, height), model(view) {

@@ -19,7 +19,7 @@ class DesktopDialogsTest : public testing::Test {
     ASSERT_NE(dialogs, nullptr);
   }
 
-  /// Ends the window that the caller is about to open.
+  /// Closes the window that the caller opens next.
   static void EndWindow(int result) {
     QTimer::singleShot(0, qApp, [result] {
       if (auto* const window = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
@@ -51,7 +51,7 @@ TEST_F(DesktopDialogsTest, Answers_Should_BeThoseOfTheUser) {
   EndWindow(QDialog::Accepted);
   EXPECT_EQ(dialogs->editSize(width, height, error), DesktopAnswer::confirmed);
   EndWindow(QDialog::Rejected);
-  EXPECT_EQ(dialogs->editSize(width, height, error), DesktopAnswer::cancelled);
+  EXPECT_EQ(dialogs->editSize(width, height, error), DesktopAnswer::canceled);
   TBitmap bitmap;
   bitmap.SetSize(8, 6);
   TRect rect{1, 2, 3, 4};
@@ -60,11 +60,11 @@ TEST_F(DesktopDialogsTest, Answers_Should_BeThoseOfTheUser) {
   EXPECT_EQ(rect.Bottom, 4);
   TChgBmpValuesRec values;
   EndWindow(QDialog::Rejected);
-  EXPECT_EQ(dialogs->adjustBitmap(bitmap, values, error), DesktopAnswer::cancelled);
+  EXPECT_EQ(dialogs->adjustBitmap(bitmap, values, error), DesktopAnswer::canceled);
   TrecSaveBitmap rec{6, 24, 96, 0, 90};
   std::string name = "plan";
   EndWindow(QDialog::Rejected);
-  EXPECT_EQ(dialogs->saveBitmap("/maps", rec, name, error), DesktopAnswer::cancelled);
+  EXPECT_EQ(dialogs->saveBitmap("/maps", rec, name, error), DesktopAnswer::canceled);
   EXPECT_EQ(name, "plan");
   EndWindow(QDialog::Accepted);
   EXPECT_EQ(dialogs->saveBitmap("/maps", rec, name, error), DesktopAnswer::confirmed);

@@ -75,7 +75,7 @@ TEST(ChangeSizeModelTest, TheListener_Should_HearOfTheOtherFieldAloneAndOnce) {
   model.OnField = [&](Field field, double value) {
     ++calls;
     EXPECT_EQ(field, Field::height);
-    // What a field does that fires whenever it is set.
+    // A field that emits a signal whenever it is set.
     model.FlEdChange(field, value);
   };
   model.FlEdChange(Field::width, 100);

@@ -67,7 +67,7 @@ TEST(ParseComboNumber, Should_FoldAngles) {
   EXPECT_EQ(Angle("-721"), -1);
 }
 
-// What the loops of the rule give, number by number.
+// The result of the rule's loops, number by number.
 TEST(ParseComboNumber, Should_FoldAsSubtractingTurnsDoes) {
   for (int number = -3000; number <= 3000; ++number) {
     double expected = number;

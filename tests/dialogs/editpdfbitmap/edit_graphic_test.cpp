@@ -30,7 +30,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// Both entries from opening to the written file, with the events that a user makes.
+/// Both entries from opening to the written file, with the events of a user.
 class EntryTest : public EditorTest {
  protected:
   EntryTest() {
@@ -172,7 +172,7 @@ TEST_F(EditGraphicTest, Turns_Should_AddUp_UnlessTheTargetExists) {
   }
 }
 
-TEST_F(EditGraphicTest, Everything_Should_StayAsItWas_When_Cancelled) {
+TEST_F(EditGraphicTest, Everything_Should_StayAsItWas_When_Canceled) {
   const TBitmap picture = GradientBitmap(pf24bit, 41, 30);
   std::unique_ptr<TGraphic> graphic = picture.Clone();
   const TGraphic* before = graphic.get();
@@ -181,7 +181,7 @@ TEST_F(EditGraphicTest, Everything_Should_StayAsItWas_When_Cancelled) {
     Click("SpeedButtonGrayScale");
     InSaveDialog("", false);
     QTest::keyClick(&Box(), Qt::Key_Return);
-    // The save dialog was cancelled: the window stays.
+    // The save dialog was canceled: the window stays open.
     EXPECT_TRUE(form->isVisible());
     QTest::mouseClick(&Navigator(nbCancel), Qt::LeftButton);
   });
@@ -259,7 +259,7 @@ TEST_F(ConvertPdfPageToBmpDialogTest, Should_SayWhy_When_TheFileCannotBeOpened) 
   EXPECT_THAT(messages[0], HasSubstr("damaged"));
 }
 
-/// The same with files and what really draws their pages.
+/// The same with real files and the real engine.
 class RealPdfTest : public EntryTest {
  protected:
   RealPdfTest() {
@@ -330,7 +330,7 @@ TEST_F(RealPdfTest, Should_SayThatThereIsNoMemory_When_ThePageIsAbsurd) {
   EXPECT_THAT(messages[0], HasSubstr("Not enough RAM"));
 }
 
-/// Damaged, encrypted and absurd ones among them: a message or a window, and no more.
+/// Including damaged, encrypted and absurd files: only a message or a window may appear.
 TEST_F(RealPdfTest, EveryFileOfTheCorpus_Should_BeSurvived) {
   if (CorpusFolder().empty()) GTEST_SKIP() << "no corpus";
   for (const auto& file : std::filesystem::directory_iterator(CorpusFolder() / "pdf")) {
@@ -355,7 +355,7 @@ TEST_F(RealPdfTest, EveryFileOfTheCorpus_Should_BeSurvived) {
   }
 }
 
-TEST_F(ConvertPdfPageToBmpDialogTest, FirstPage_Should_BeCancelled_InTheOpenWindow) {
+TEST_F(ConvertPdfPageToBmpDialogTest, FirstPage_Should_BeCanceled_InTheOpenWindow) {
   pdf.patience = 100'000;
   std::string fileName = "unchanged";
   bool wasVisible = false;

@@ -110,7 +110,7 @@ TEST_F(EditorKeys, Ctrl_Should_BeKnownWhileItIsHeld) {
 }
 
 TEST_F(EditorKeys, Shortcuts_Should_PressTheButtons) {
-  // A button that is pressed from afar shows it for a moment.
+  // A button pressed by its key is shown pressed for a moment.
   const auto press = [this](Qt::Key key, const std::function<bool()>& hasHappened) {
     QTest::keyClick(&Box(), key, Qt::ControlModifier);
     return QTest::qWaitFor(hasHappened);
@@ -172,7 +172,7 @@ TEST_F(EditorKeys, Wheel_Should_ZoomAboutTheMouse) {
 
 class EditorDrop : public EditorKeys {
  protected:
-  /// Carries the data over the window and lets it go; false when the window does not want it.
+  /// Drags the data over the window and drops it; false if the window rejects it.
   bool Drop(const QMimeData& data) {
     const QPoint place = form->rect().center();
     QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);

@@ -11,7 +11,7 @@ using testing::IsEmpty;
 
 class EditorRendering : public EditorTest {
  protected:
-  /// Runs `action` while the page that is about to be rendered is at work.
+  /// Runs `action` while the next page is rendered.
   void WhileRendering(std::function<void()> action) {
     QTimer::singleShot(20, &waiting, [this, action = std::move(action)] {
       if (form == nullptr || !Model().IsRendering()) return WhileRendering(action);

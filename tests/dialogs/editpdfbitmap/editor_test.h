@@ -32,7 +32,7 @@
 
 namespace rasterkit::test {
 
-/// The editor's window in a host whose settings, file dialogs and PDF files are the test's.
+/// The editor's window in a host with test settings, file dialogs and PDF files.
 class EditorTest : public testing::Test {
  protected:
   EditorTest() {
@@ -82,7 +82,7 @@ class EditorTest : public testing::Test {
     form->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(form.get()));
   }
-  /// A graphic whose target does not exist, unless `target` names one that does.
+  /// A graphic whose target does not exist, unless `target` is an existing file.
   void OpenGraphic(const TBitmap& bitmap, const std::string& target = "") {
     form = std::make_unique<TFormEditPdfBmp>();
     Model().SetOrgCaption("Edit bitmap");
@@ -111,7 +111,7 @@ class EditorTest : public testing::Test {
   QPushButton& Navigator(TNavigateButton button) {
     return Find<TNavigator>("NaviResult").Button(button);
   }
-  /// Types into a box as the user does, in place of what is in it.
+  /// Replaces the text of a box by typing.
   void Type(const char* boxName, const char* text) {
     auto& box = Find<QComboBox>(boxName);
     box.setFocus();

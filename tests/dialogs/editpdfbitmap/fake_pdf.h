@@ -13,11 +13,11 @@
 
 namespace rasterkit::test {
 
-/// What fake documents do, and what was asked of them.
+/// What fake documents do, and the recorded calls.
 struct PdfScript {
-  /// Of every file that is opened; a page of 72 x 36 points has 150 x 75 pixels at 150 dpi.
+  /// For every opened file; a page of 72 x 36 points has 150 x 75 pixels at 150 dpi.
   std::vector<PdfPageSize> pages{{72, 36}};
-  /// Instead of drawing: false for an export that fails, or something is thrown.
+  /// Replaces the drawing: returns false for a failed export, or throws.
   std::function<bool(const PdfDocument::PdfKeepGoing& keepGoing)> onExport;
   std::function<void(const std::string& fileName)> onLoad;
   std::function<void(int index)> onPageSize;
@@ -78,7 +78,7 @@ class FakePdf : public PdfDocument {
   bool isOpen_ = false;
 };
 
-/// For as long as it lives, every PDF file is a fake document.
+/// While it lives, every PDF file is a fake document.
 class FakePdfPort {
  public:
   explicit FakePdfPort(PdfScript& script) : before_(PdfDocumentFactory()) {

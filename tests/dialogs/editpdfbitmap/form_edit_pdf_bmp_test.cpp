@@ -122,7 +122,7 @@ TEST_F(EditorForm, Resolution_Should_RenderAgain_When_EnterIsPressed) {
   EXPECT_EQ(Picture().Width(), 600);
   EXPECT_EQ(Picture().Height(), 900);
   EXPECT_EQ(Model().Resolution(), 300);
-  // Enter in a box is not that of the window.
+  // Enter in a box does not confirm the window.
   EXPECT_FALSE(Model().ModalResult());
   EXPECT_THAT(asked, IsEmpty());
 }

@@ -116,7 +116,7 @@ TEST_F(EditChanges, BlackWhite_Should_DisableThemToo_When_AllIsMadeAnew) {
   EXPECT_EQ(Work().PixelFormat(), pf1bit);
   for (const EditControl button :
        {SpeedButton256Colors, SpeedButtonGrayScale, SpeedButtonBlackWhite, SpeedButtonEdit})
-    EXPECT_TRUE(Usable(button)) << "the source has colours, and the settings come after";
+    EXPECT_TRUE(Usable(button)) << "the source has colors, and the settings come after";
 }
 
 TEST_F(EditChanges, OtherSettings_Should_DisableNothing) {
@@ -210,7 +210,7 @@ TEST_F(EditChanges, Mirror_Should_LiftTheOthers) {
   model->SpeedButtonMirrorClick();
   EXPECT_TRUE(Down(SpeedButtonMirror));
   EXPECT_FALSE(Down(SpeedButtonGrayScale));
-  EXPECT_TRUE(SamePixels(expected, Work())) << "what is seen stays grey";
+  EXPECT_TRUE(SamePixels(expected, Work())) << "what is seen stays gray";
 }
 
 TEST_F(EditChanges, Mirror_Should_NotRenderAnew) {
@@ -375,7 +375,7 @@ TEST_F(EditChanges, Edit_Should_BringThePictureBack_When_NoGraphicCanBeMadeOfIt)
   std::optional<MemoryLimit> limit;
   view.onChangeBitmap = [&](TBitmap& bitmap, TChgBmpValuesRec&) {
     bitmap.SetPixelFormat(pf8bit);
-    limit.emplace(2000);  // Enough for one byte a pixel.
+    limit.emplace(2000);  // Enough for one byte per pixel.
     return true;
   };
   model->SpeedButtonEditClick();
@@ -416,7 +416,7 @@ TEST_F(EditChanges, FormMouseWheel_Should_Zoom_AndCountAsHandled) {
   EXPECT_GT(tool.StretchFactor(), 10);
 }
 
-// What a control raises while it is being set.
+// Events that a control emits while it is set.
 
 TEST_F(EditChanges, Events_Should_BeIgnored_When_TheModelSetsAControl) {
   OpenPdf(3);

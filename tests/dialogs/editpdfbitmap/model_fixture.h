@@ -25,7 +25,7 @@ namespace rasterkit::test {
 
 using enum EditControl;
 
-/// A window without widgets: what its controls show, and what was asked of it, in order.
+/// A window without widgets: the state of its controls, and the recorded calls in order.
 class RecordingEditView : public EditPdfBmpView {
  public:
   struct Control {
@@ -106,20 +106,20 @@ class EditModelTest : public testing::Test {
     model = std::make_unique<EditPdfBmpModel>(view, tool);
   }
 
-  /// A PDF of so many pages, opened at 150 dpi.
+  /// A PDF with this number of pages, opened at 150 dpi.
   void OpenPdf(size_t pages = 1) {
     pdf.pages.assign(pages, {72, 36});
     ASSERT_TRUE(model->SetOrgFilename("plans/plan.pdf"));
     Forget();
   }
 
-  /// A bitmap whose target is not there: all is done at once.
+  /// A bitmap whose target does not exist: changes are applied at once.
   void EditNew(TPixelFormat format = pf24bit, int width = 40, int height = 30) {
     model->SetBmpFilename(folder / "new.bmp");
     model->SetOrgGraphic(GradientBitmap(format, width, height).Clone());
     Forget();
   }
-  /// A bitmap whose target is there: all is made anew each time.
+  /// A bitmap whose target exists: the picture is made again for each change.
   void EditExisting(TPixelFormat format = pf24bit, int width = 40, int height = 30) {
     folder.Write("old.bmp", std::string_view("an old file"));
     model->SetBmpFilename(folder / "old.bmp");
@@ -127,7 +127,7 @@ class EditModelTest : public testing::Test {
     Forget();
   }
 
-  /// Forgets what was recorded up to now.
+  /// Clears the recorded calls.
   void Forget() {
     view.calls.clear();
     view.closed.clear();
@@ -136,7 +136,7 @@ class EditModelTest : public testing::Test {
     pdf.exports.clear();
   }
 
-  /// The save dialog is confirmed with this name, which the entry of its filter belongs to.
+  /// The save dialog is confirmed with this name and the matching filter entry.
   void ConfirmSaving(const std::string& name, int filterIndex = 1) {
     onDialog = [=](PictureFileDialog& dialog) {
       dialog.FileName = name;
@@ -150,7 +150,7 @@ class EditModelTest : public testing::Test {
     tool.SetBmpCutRect({left, top, right, bottom});
   }
 
-  // The window shows what the user does before the model hears of it.
+  // The window shows user input before the model gets the event.
   void ChooseResolution(const std::string& text) {
     view.Of(CoBoResolution).text = text;
     model->CoBoResolutionChange(text);

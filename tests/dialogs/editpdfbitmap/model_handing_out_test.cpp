@@ -5,7 +5,7 @@
 #include "tests/dialogs/editpdfbitmap/model_fixture.h"
 #include "tests/support/memory_limit.h"
 
-/// The graphic that is handed out.
+/// The returned graphic.
 namespace rasterkit::test {
 namespace {
 
@@ -14,7 +14,7 @@ using testing::SizeIs;
 
 class EditHandingOut : public EditModelTest {
  protected:
-  /// Edits a graphic of a class, whose target does not exist.
+  /// Edits a graphic of a class; its target does not exist.
   template <typename Graphic>
   void EditNewOf() {
     auto graphic = std::make_unique<Graphic>();

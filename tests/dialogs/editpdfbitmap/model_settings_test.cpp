@@ -5,7 +5,7 @@
 #include "tests/dialogs/editpdfbitmap/model_fixture.h"
 #include "tests/support/memory_limit.h"
 
-/// What is done to a picture that was made anew.
+/// Settings that are applied to a picture made again.
 namespace rasterkit::test {
 namespace {
 
@@ -13,7 +13,7 @@ using testing::ElementsAre;
 
 class EditSettings : public EditModelTest {};
 
-// What comes after the picture is made.
+// After the picture is made.
 
 TEST_F(EditSettings, GenerateBitmaps_Should_ShowTheHourglass) {
   OpenPdf();

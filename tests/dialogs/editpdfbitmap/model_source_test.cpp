@@ -61,7 +61,7 @@ TEST_F(EditSource, CutRectChanged_Should_ShowTheSizeOfThePicture_When_TheCutIsGo
   EXPECT_EQ(box.sizeText, "40 * 30 px (3600 [byte])");
 }
 
-// The window of a graphic that is handed in.
+// The window for a given graphic.
 
 TEST_F(EditSource, SetOrgCaption_Should_ShowInTheTitle) {
   model->SetOrgCaption("Edit bitmap");
@@ -234,7 +234,7 @@ TEST_F(EditSource, SetOrgFilename_Should_KeepThePicture_When_AnotherCannotBeRead
   EXPECT_THAT(messages, SizeIs(1));
 }
 
-// What is seen for which kind of source.
+// What is visible for each kind of source.
 
 TEST_F(EditSource, SetIsPDF_Should_HideThePages_When_ThereIsOne) {
   OpenPdf(1);

@@ -10,7 +10,7 @@ using testing::IsEmpty;
 class EditUndo : public EditModelTest {
  protected:
   void Undo() { EXPECT_TRUE(model->FormKeyDown(EditKey::z, true)); }
-  /// Whatever `change` does is taken back as if it had not been.
+  /// Every effect of `change` is undone.
   void ExpectUndone(const std::function<void()>& change) {
     const TBitmap before = std::move(*Work().Clone());
     const TGraphic* graphic = model->OrgGraphic();
@@ -159,7 +159,7 @@ TEST_F(EditUndo, Should_StayWithinTheMemoryOfAPicture) {
 TEST_F(EditUndo, Should_StayWithinTheMemoryOfAPicture_When_APageFollows) {
   OpenPdf();
   {
-    // The page before takes 33900 bytes, and the one to come 72 * 36 * 4 while it is drawn.
+    // The previous page takes 33900 bytes, and the next one 72 * 36 * 4 while it is drawn.
     const MemoryLimit limit(33900 + 10367);
     ChooseResolution("72");
   }

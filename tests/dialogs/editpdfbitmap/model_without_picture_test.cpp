@@ -1,6 +1,6 @@
 #include "tests/dialogs/editpdfbitmap/model_fixture.h"
 
-/// Every event, when there is no picture or none that can be seen.
+/// Every event without a picture, or with an empty one.
 namespace rasterkit::test {
 namespace {
 

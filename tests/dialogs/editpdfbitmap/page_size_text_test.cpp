@@ -9,7 +9,7 @@
 namespace rasterkit::test {
 namespace {
 
-TEST(PageSizeText, Should_TellPixelsMillimetresAndMemory) {
+TEST(PageSizeText, Should_TellPixelsMillimetersAndMemory) {
   EXPECT_EQ(PageSizeText({595.276, 841.89}, 150), "1240 * 1754 px, 210 * 297 mm (6.52 [MB])");
   EXPECT_EQ(PageSizeText({72, 36}, 100), "100 * 50 px, 25 * 13 mm (15 [kB])");
   EXPECT_EQ(PageSizeText({72, 36}, 50), "50 * 25 px, 25 * 13 mm (3750 [byte])");

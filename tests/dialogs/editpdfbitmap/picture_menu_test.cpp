@@ -78,7 +78,7 @@ TEST_F(PictureMenu, Size_Should_RunItsDialog) {
   Choose("Change size...");
   EXPECT_NE(title, "");
   EXPECT_FALSE(Model().BmpChanged());
-  EXPECT_FALSE(Model().CtrlPressed()) << "nobody holds a key";
+  EXPECT_FALSE(Model().CtrlPressed()) << "no key is held";
 }
 
 }  // namespace

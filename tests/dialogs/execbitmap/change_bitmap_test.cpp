@@ -1,4 +1,4 @@
-// The way without a dialog, in a program without an application object.
+// Without a dialog, in a program without an application object.
 #include <random>
 
 #include <gtest/gtest.h>

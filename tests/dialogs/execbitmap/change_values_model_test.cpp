@@ -39,7 +39,7 @@ class ChangeValuesModelTest : public testing::Test {
     model.SetOperation(operation);
   }
 
-  /// What the model makes of the picture.
+  /// The result of the model for the picture.
   TBitmap Result() const {
     TBitmap result = CopyOf(photo);
     model.ApplyTo(result);

@@ -36,7 +36,7 @@ TBitmap Photo(int width, int height) {
   return PaperBitmap(pf24bit, width, height, random, 1);
 }
 
-/// The colour of a pixel of an image.
+/// The color of a pixel of an image.
 TColor ColorAt(const QImage& image, int x, int y) {
   const QRgb pixel = image.pixel(x, y);
   return RGB(static_cast<uint8_t>(qRed(pixel)), static_cast<uint8_t>(qGreen(pixel)),
@@ -333,7 +333,7 @@ TEST_F(FormChgBmpTest, ASmallPicture_Should_ShowAtZeroAndNotBePanned) {
   EXPECT_EQ(image.pixelColor(41, 31), box.palette().color(QPalette::Window));
 }
 
-TEST_F(FormChgBmpTest, Resizing_Should_PlaceThePreviewsSideBySideAndCentreAgain) {
+TEST_F(FormChgBmpTest, Resizing_Should_PlaceThePreviewsSideBySideAndCenterAgain) {
   Open(0, 2000, 2000);
   for (const QSize size : {QSize(900, 700), QSize(1201, 803)}) {
     model->Position().Scroll(50, 50);
@@ -416,7 +416,7 @@ class ChangeBitmapDialogTest : public testing::Test {
   TChgBmpValuesRec values{300, 0, 0, 0, 7, 0, 0};
 };
 
-/// Moves the brightness, so that there is something to lose.
+/// Changes the brightness, so that canceling has something to discard.
 void Brighten(QWidget& form) {
   QTest::keyClick(form.findChild<QWidget*>("TrackLightness"), Qt::Key_PageUp);
 }

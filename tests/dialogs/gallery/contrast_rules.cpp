@@ -33,12 +33,12 @@ std::string Rounded(double contrast) {
   return QString::number(contrast, 'f', 2).toStdString();
 }
 
-/// A form as it looks, asked in pixels of its widgets.
+/// A photograph of a form, addressed in widget pixels.
 class Photograph {
  public:
   explicit Photograph(QWidget& form) : form_(form), image_(form.grab().toImage()) {}
 
-  /// `rect` of a widget in pixels of the photograph, without what lies outside of it.
+  /// `rect` of a widget in pixels of the photograph, clipped to it.
   QRect Place(const QWidget& widget, const QRect& rect) const {
     const QPoint corner = widget.mapTo(&form_, rect.topLeft());
     const double scale = image_.devicePixelRatio();
@@ -49,7 +49,7 @@ class Photograph {
   bool Holds(const QPoint& point) const { return image_.rect().contains(point); }
   QColor At(const QPoint& point) const { return image_.pixelColor(point); }
 
-  /// The colour that most of a place has.
+  /// The most frequent color of an area.
   QColor Ground(const QRect& place) const {
     QHash<QRgb, int> counts;
     QRgb most = 0;
@@ -66,7 +66,7 @@ class Photograph {
     return most;
   }
 
-  /// The best contrast to the ground that anything in a place has.
+  /// The best contrast to the background within an area.
   double Strongest(const QRect& place) const {
     const QColor ground = Ground(place);
     QRgb last = ground.rgb();
@@ -158,7 +158,7 @@ bool IsFramed(const QWidget& widget) {
   return frame != nullptr && !isLabel && frame->frameShape() != QFrame::NoFrame;
 }
 
-/// The outline of a widget; 21 where it has none.
+/// The contrast of a widget's outline; 21 if it has none.
 double OutlineOf(const Photograph& photograph, const QWidget& widget) {
   const std::vector<Side> all = {kTop, kLeft, kBottom, kRight};
   const QRect place = photograph.Place(widget, widget.rect());
@@ -174,13 +174,13 @@ double OutlineOf(const Photograph& photograph, const QWidget& widget) {
   return IsFramed(widget) ? Outline(photograph, place, all) : 21;
 }
 
-/// What an outline takes; of a ground that shades off it would be the most frequent colour.
+/// The width of an outline; on a gradient its color would be the most frequent one.
 QMargins InsideOutline(const QWidget& widget) {
   const bool isButton = qobject_cast<const QPushButton*>(&widget) != nullptr;
   return IsFramed(widget) || isButton ? QMargins(4, 4, 4, 4) : QMargins();
 }
 
-/// How much of a drawing differs from the ground by enough, 0 to 1.
+/// The part of a drawing with enough contrast to the background, 0 to 1.
 double SeenShare(const QImage& drawing, const QColor& ground) {
   int drawn = 0, seen = 0;
   for (int y = 0; y < drawing.height(); ++y) {
@@ -212,7 +212,7 @@ Faults FaintTexts(QWidget& form) {
   const Photograph photograph(form);
   for (const QWidget* widget : Controls(form)) {
     const QString text = TextOf(*widget);
-    // Dots alone are smaller than what can be measured.
+    // Dots are too small to be measured.
     const bool isRead = std::any_of(text.begin(), text.end(),
                                     [](QChar character) { return character.isLetterOrNumber(); });
     if (!isRead || !widget->isEnabled()) continue;
@@ -237,7 +237,7 @@ Faults FaintFrames(QWidget& form) {
 
 Faults FaintIcons(QWidget& form) {
   Faults faults;
-  // Its frame is no ground.
+  // Its frame is not a background.
   if (QWidget* focus = form.focusWidget()) focus->clearFocus();
   const Photograph photograph(form);
   for (const QAbstractButton* button : form.findChildren<QAbstractButton*>()) {

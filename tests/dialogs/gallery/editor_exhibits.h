@@ -4,7 +4,7 @@
 
 namespace rasterkit::test {
 
-/// The window as on a usual screen; a test's screen is smaller than a maximised one wants.
+/// The window on a usual screen; the test's screen is too small for a maximized one.
 inline void SetSizeOfExhibit(TFormEditPdfBmp& form) {
   form.setWindowState(Qt::WindowNoState);
   form.resize(1060, 800);

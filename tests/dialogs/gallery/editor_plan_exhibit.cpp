@@ -15,7 +15,7 @@
 namespace rasterkit::test {
 namespace {
 
-/// Millimetres of an A4 page that lies on its side.
+/// Millimeters of an A4 page that lies on its side.
 constexpr QRectF kSheet(0, 0, 297, 210);
 
 void DrawTitleBlock(QPainter& painter, int page, const char* title) {
@@ -36,7 +36,7 @@ void DrawTitleBlock(QPainter& painter, int page, const char* title) {
                    QStringLiteral("Scale 1 : 500    Sheet %1 of 3").arg(page));
 }
 
-/// Lots of land along a road, with houses on them.
+/// Building plots along a road, with houses on them.
 void DrawSite(QPainter& painter) {
   const QRectF ground(11, 11, 275, 188);
   painter.setClipRect(ground);
@@ -127,7 +127,7 @@ class SlowPlan : public PdfDocument {
   EditPdfBmpModel& editor_;
 };
 
-/// As while the first page is being rendered, which no photograph can wait for.
+/// The window while the first page is rendered.
 const Exhibit kRendering("edit-rendering", [] {
   auto form = std::make_unique<TFormEditPdfBmp>();
   SetSizeOfExhibit(*form);

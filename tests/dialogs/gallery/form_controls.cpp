@@ -12,7 +12,7 @@ std::string NameOf(const QWidget& widget) {
   return (name.isEmpty() ? QString(widget.metaObject()->className()) : name).toStdString();
 }
 
-/// The visible widgets in a form, Qt's own inner ones excepted.
+/// The visible widgets in a form, except Qt's internal ones.
 QList<const QWidget*> Controls(const QWidget& form) {
   QList<const QWidget*> controls;
   for (const QWidget* widget : form.findChildren<QWidget*>()) {

@@ -29,11 +29,11 @@ bool IsTooSmall(const QWidget& widget) {
 std::string Describe(const QWidget& widget) {
   const QSize wanted = WantedSize(widget);
   return NameOf(widget) + " \"" + TextOf(widget).toStdString() + "\" is " +
-         std::to_string(widget.width()) + " x " + std::to_string(widget.height()) + ", wants " +
+         std::to_string(widget.width()) + " x " + std::to_string(widget.height()) + ", needs " +
          std::to_string(wanted.width()) + " x " + std::to_string(wanted.height());
 }
 
-/// The text with the mnemonic that calls this control, or nothing.
+/// The text with the mnemonic of this control, or nothing.
 QString MnemonicTextOf(const QWidget& widget) {
   const auto* label = qobject_cast<const QLabel*>(&widget);
   return label != nullptr && label->buddy() == nullptr ? QString() : TextOf(widget);

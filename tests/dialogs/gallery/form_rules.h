@@ -4,23 +4,22 @@
 #include <string>
 #include <vector>
 
-/// What holds for every form; each function lists the faults of a form that is shown, a line a
+/// Rules for every form. Each function lists the faults of a form that is shown, one line per
 /// fault.
 namespace rasterkit::test {
 
-/// Labels, buttons, group titles and number fields have the room that their texts want, inside of
-/// what they stand on.
+/// Labels, buttons, group titles and number fields are large enough for their texts and inside
+/// their parent.
 std::vector<std::string> ClippedTexts(const QWidget& form);
 
-/// Whatever takes the keyboard has a name for screen readers (its own text, a label that belongs to
-/// it, or one given to it).
+/// Every control with keyboard focus has a name for screen readers (its own text, a label, or an
+/// accessible name).
 std::vector<std::string> NamelessControls(const QWidget& form);
 
-/// Whatever takes the keyboard says in a tooltip what it does; the buttons of a button box
-/// say enough themselves.
+/// Every control with keyboard focus has a tooltip; the buttons of a button box need none.
 std::vector<std::string> ControlsWithoutTip(const QWidget& form);
 
-/// No letter calls two controls.
+/// No mnemonic belongs to two controls.
 std::vector<std::string> SharedMnemonics(const QWidget& form);
 
 }  // namespace rasterkit::test

@@ -13,7 +13,8 @@
 
 #include <rasterkit/strings/strings.h>
 
-#include "tests/dialogs/gallery/gallery.h"
+#include "tests/dialogs/gallery/for_each_form.h"
+#include "tests/support/forms/form_events.h"
 
 namespace rasterkit::test {
 namespace {
@@ -21,16 +22,9 @@ namespace {
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// Shows each form of the house and hands it to a rule.
-void ForEachForm(const std::function<void(QWidget&)>& rule) {
-  ASSERT_THAT(Gallery(), testing::Not(IsEmpty()));
-  for (const Exhibited& exhibited : Gallery()) {
-    SCOPED_TRACE(exhibited.name);
-    const std::unique_ptr<QWidget> form = exhibited.make();
-    form->show();
-    QCoreApplication::processEvents();
-    rule(*form);
-  }
+void ShrinkToLeast(QWidget& form) {
+  form.resize(form.minimumSizeHint());
+  Settle(form);
 }
 
 /// Makes every text 40 percent longer, as some languages do.
@@ -56,8 +50,7 @@ TEST(FormRules, Texts_Should_HaveTheirRoom_When_TheTranslationIsLonger) {
 
 TEST(FormRules, Texts_Should_HaveTheirRoom_When_TheFormIsAsSmallAsItGets) {
   ForEachForm([](QWidget& form) {
-    form.resize(form.minimumSizeHint());
-    QCoreApplication::processEvents();
+    ShrinkToLeast(form);
     EXPECT_THAT(ClippedTexts(form), IsEmpty());
   });
 }
@@ -65,8 +58,7 @@ TEST(FormRules, Texts_Should_HaveTheirRoom_When_TheFormIsAsSmallAsItGets) {
 TEST(FormRules, Texts_Should_HaveTheirRoom_When_LongerOnesStandInTheSmallestForm) {
   const LongerTexts longer;
   ForEachForm([](QWidget& form) {
-    form.resize(form.minimumSizeHint());
-    QCoreApplication::processEvents();
+    ShrinkToLeast(form);
     EXPECT_THAT(ClippedTexts(form), IsEmpty());
   });
 }
@@ -133,11 +125,11 @@ TEST(FormRules, Texts_Should_StandInTheResourceTable) {
   EXPECT_THAT(unknown, IsEmpty());
 }
 
-// The rules themselves.
+// Tests of the rules.
 
 TEST(ClippedTexts, ANarrowLabel_Should_BeFound) {
   QWidget form;
-  QLabel label("a text that wants more", &form);
+  QLabel label("a text that needs more", &form);
   label.setGeometry(0, 0, 20, 30);
   form.show();
   EXPECT_THAT(ClippedTexts(form), SizeIs(1));

@@ -6,19 +6,19 @@
 #include <string>
 #include <vector>
 
-/// Every form of the house as it looks with a picture in it, for photographs and for the rules that
-/// hold for all forms. A form joins with a file in this folder that registers it:
+/// Every form of the library with a picture in it, for photographs and for the rules for all forms.
+/// A form is added by a file in this folder that registers it:
 /// `const Exhibit kExhibit("edit-size", [] { return std::make_unique<TFormChangeSize>(...); });`
 namespace rasterkit::test {
 
 struct Exhibited {
-  /// Lower-case words with hyphens; photographs bear it.
+  /// Lower-case words with hyphens; part of the photographs' names.
   std::string name;
-  /// The form, not shown yet, with whatever it needs to live.
+  /// Creates the form, not shown yet, with all objects that it needs.
   std::function<std::unique_ptr<QWidget>()> make;
 };
 
-/// By name.
+/// Sorted by name.
 const std::vector<Exhibited>& Gallery();
 
 struct Exhibit {

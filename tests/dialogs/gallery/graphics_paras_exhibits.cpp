@@ -19,7 +19,7 @@ const Exhibit kJpeg("graphics-settings-jpeg", [] { return OnPaper({6, 24, 150, 0
 const Exhibit kPixels("graphics-settings-pixels", [] {
   auto form = std::make_unique<TFormGraphicsParas>();
   form->Model().HideGroup(ParasGroup::resolution);
-  form->Model().HideGroup(ParasGroup::millimetres);
+  form->Model().HideGroup(ParasGroup::millimeters);
   form->Model().SetBmpSize(4000, 3000);
   form->Model().SetSaveOptions({10, 8, 300, 0, 90});
   return form;

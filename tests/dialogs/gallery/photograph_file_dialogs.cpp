@@ -4,13 +4,13 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <rasterkit/bitmaptools/files/picture_file_dialogs.h>
 #include <rasterkit/qt/host/qt_host.h>
 #include <rasterkit/qt/qt_text.h>
 
+#include "tests/dialogs/gallery/desk_folder.h"
 #include "tests/support/forms/form_events.h"
 
 namespace rasterkit::test {
@@ -20,18 +20,16 @@ namespace {
 class Desk {
  public:
   Desk() {
-    const QDir desk(desk_.path());
-    desk.mkdir("home");
-    desk.mkdir("Pictures");
-    qputenv("HOME", desk.filePath("home").toLocal8Bit());
+    for (const char* folder : {"home", "Pictures"}) QDir().mkpath(desk_.Path(folder));
+    qputenv("HOME", desk_.Path("home").toLocal8Bit());
     const QDir samples(QStringLiteral(RASTERKIT_SOURCE_TREE "/samples"));
     for (const QString& name : samples.entryList({"*.jpg", "*.png", "*.tif", "*.bmp"}))
-      Put(samples.filePath(name), desk.filePath("Pictures/" + name));
+      Put(samples.filePath(name), desk_.Path("Pictures/" + name));
   }
   ~Desk() { qputenv("HOME", home_); }
 
-  std::string Pictures() const { return FromQt(desk_.filePath("Pictures")) + "/"; }
-  std::string Settings() const { return FromQt(desk_.filePath("settings.ini")); }
+  std::string Pictures() const { return FromQt(desk_.Path("Pictures")) + "/"; }
+  std::string Settings() const { return FromQt(desk_.Path("settings.ini")); }
 
  private:
   static void Put(const QString& source, const QString& target) {
@@ -41,18 +39,18 @@ class Desk {
     if (file.open(QIODevice::ReadWrite)) file.setFileTime(day, QFileDevice::FileModificationTime);
   }
 
-  QTemporaryDir desk_{QDir::tempPath() + "/site-XXXXXX"};
+  const DeskFolder desk_;
   const QByteArray home_ = qgetenv("HOME");
 };
 
 /// Photographs the dialog that `run` opens.
 bool Photograph(const PhotographSink& sink, const QString& name, const std::function<void()>& run) {
-  constexpr int patience = 20000;
+  constexpr int kPatience = 20000;
   bool isKept = false;
   WhenModal([&](QWidget& window) {
     const auto* size = window.findChild<QLabel*>("PreviewText");
     const bool hasPreview =
-        size != nullptr && QTest::qWaitFor([&] { return size->text().contains(u'×'); }, patience);
+        size != nullptr && QTest::qWaitFor([&] { return size->text().contains(u'×'); }, kPatience);
     isKept = hasPreview && sink(GrabForm(window), name);
   });
   run();

@@ -32,7 +32,7 @@ QChar Letter(QChar c, Script script) {
   return script == Script::accented ? kAccented[place] : kRightToLeft[place / 2];
 }
 
-/// The letters of "%d" and "%s" are none.
+/// The letters of "%d" and "%s" do not count.
 QString WithOtherLetters(const QString& text, Script script) {
   QString other;
   for (qsizetype i = 0; i < text.size(); ++i) {
@@ -66,7 +66,7 @@ QString Foreign(QString text) {
 class Finder {
  public:
   void Look(const QWidget& widget) {
-    // What a message says may come from an exception; a question is ours.
+    // A message may come from an exception; a question is a text of the library.
     const bool isQuestion = widget.window()->objectName() == "QuestionBox";
     if (widget.objectName().startsWith("qt_") && !isQuestion) return;
     name_ = widget.objectName().isEmpty() ? QString(widget.metaObject()->className())

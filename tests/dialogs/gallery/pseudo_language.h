@@ -7,10 +7,10 @@
 
 namespace rasterkit::test {
 
-/// A language that nobody speaks and that is hard on forms: every text stands in «», is 40 percent
-/// longer than in English, and has either an accent on each letter or letters that run from right
-/// to left. Mnemonics and places for values stay. While one lives it is the translator, and the
-/// application is laid out as the script runs.
+/// A test language that is demanding for forms: every text is enclosed in «», is 40 percent longer
+/// than in English, and has either an accent on each letter or right-to-left letters. Mnemonics and
+/// placeholders stay. While an object lives it is the translator, and the application has the
+/// layout direction of the script.
 class PseudoLanguage {
  public:
   enum class Script { accented, rightToLeft };
@@ -22,7 +22,7 @@ class PseudoLanguage {
   static std::string Translated(std::string_view key, Script script);
 };
 
-/// What a form that was made in a pseudo language shows in another one, a line a fault: captions,
+/// Lists the untranslated texts of a form made in a pseudo language, one line per fault: captions,
 /// texts, entries, headings, tips, and what screen readers say. Numbers, keys and the contents of
 /// fields have no language.
 std::vector<std::string> UntranslatedTexts(const QWidget& form);

@@ -11,8 +11,9 @@
 #include <rasterkit/qt/forms/language.h>
 #include <rasterkit/strings/strings.h>
 
+#include "tests/dialogs/gallery/for_each_form.h"
 #include "tests/dialogs/gallery/form_rules.h"
-#include "tests/dialogs/gallery/gallery.h"
+#include "tests/support/forms/form_events.h"
 
 namespace rasterkit::test {
 namespace {
@@ -21,19 +22,9 @@ using Script = PseudoLanguage::Script;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-void ForEachForm(const std::function<void(QWidget&)>& rule) {
-  for (const Exhibited& exhibited : Gallery()) {
-    SCOPED_TRACE(exhibited.name);
-    const std::unique_ptr<QWidget> form = exhibited.make();
-    form->show();
-    QCoreApplication::processEvents();
-    rule(*form);
-  }
-}
-
 void ShrinkToLeast(QWidget& form) {
   form.resize(form.minimumSizeHint());
-  QCoreApplication::processEvents();
+  Settle(form);
 }
 
 class InPseudoLanguage : public testing::TestWithParam<Script> {
@@ -80,7 +71,7 @@ TEST_P(InLanguage, Mnemonics_Should_CallOneControlEach) {
 INSTANTIATE_TEST_SUITE_P(Of, InLanguage, testing::ValuesIn(Languages()),
                          [](const auto& info) { return info.param; });
 
-// The tools themselves.
+// Tests of the tools.
 
 TEST(PseudoLanguage, Should_KeepMnemonicsAndPlaces) {
   EXPECT_EQ(PseudoLanguage::Translated("&Width: %d [%s]", Script::accented),

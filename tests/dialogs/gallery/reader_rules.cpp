@@ -100,7 +100,7 @@ class Reader {
     ReadActions(widget, *node);
   }
 
-  /// Of no class that anybody knows; as long as it does nothing, that does not matter.
+  /// An unknown class is accepted unless the control does something.
   void ReadUnknown(const QWidget& widget) {
     const bool takesKeys = (widget.focusPolicy() & Qt::TabFocus) != 0 && !widget.focusProxy();
     if (takesKeys) Fault(widget, "takes the keyboard, and a reader cannot tell what it is");

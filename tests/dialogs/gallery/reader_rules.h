@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-/// What a screen reader meets in a form, and what a user of the keyboard finds; each function lists
-/// the faults of a form that is shown, a line a fault.
+/// Rules for screen readers and keyboard users. Each function lists the faults of a form that is
+/// shown, one line per fault.
 namespace rasterkit::test {
 
 /// Goes through the form as screen readers do: every node has the role, the name and the states of
@@ -13,7 +13,7 @@ namespace rasterkit::test {
 /// show.
 std::vector<std::string> ReaderFaults(QWidget& form);
 
-/// No two controls of one kind bear the same name.
+/// No two controls of one kind have the same name.
 std::vector<std::string> TwinNames(QWidget& form);
 
 /// Every control that the keyboard reaches can be called from afar: by a mnemonic of its own or of

@@ -15,7 +15,7 @@
 #include <rasterkit/qt/controls/edits.h>
 #include <rasterkit/qt/controls/paint_box.h>
 
-#include "tests/dialogs/gallery/gallery.h"
+#include "tests/dialogs/gallery/for_each_form.h"
 #include "tests/support/test_pictures.h"
 
 namespace rasterkit::test {
@@ -25,32 +25,28 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/// Shows each form of the house and hands it to a rule.
-void ForEachForm(const std::function<std::vector<std::string>(QWidget&)>& rule) {
-  ASSERT_THAT(Gallery(), testing::Not(IsEmpty()));
-  for (const Exhibited& exhibited : Gallery()) {
-    SCOPED_TRACE(exhibited.name);
-    const std::unique_ptr<QWidget> form = exhibited.make();
-    form->show();
-    form->activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(form.get()));
-    EXPECT_THAT(rule(*form), IsEmpty());
-  }
+/// Activates each form and applies a rule that lists faults.
+void ExpectNoFaults(const std::function<std::vector<std::string>(QWidget&)>& rule) {
+  ForEachForm([&](QWidget& form) {
+    form.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&form));
+    EXPECT_THAT(rule(form), IsEmpty());
+  });
 }
 
 TEST(ReaderRules, EveryControl_Should_BeReadAsWhatItIs) {
-  ForEachForm(ReaderFaults);
+  ExpectNoFaults(ReaderFaults);
 }
 
 TEST(ReaderRules, EveryName_Should_BeThatOfOneControl) {
-  ForEachForm(TwinNames);
+  ExpectNoFaults(TwinNames);
 }
 
 TEST(ReaderRules, EveryControl_Should_BeCalledByAKey) {
-  ForEachForm(ControlsWithoutKey);
+  ExpectNoFaults(ControlsWithoutKey);
 }
 
-// The rules themselves.
+// Tests of the rules.
 
 class PlainForm : public testing::Test {
  protected:

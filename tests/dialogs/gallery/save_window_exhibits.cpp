@@ -2,7 +2,6 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 #include <QToolButton>
 #include <filesystem>
 
@@ -14,6 +13,7 @@
 #include <rasterkit/strings/format_text.h>
 #include <rasterkit/strings/strings.h>
 
+#include "tests/dialogs/gallery/desk_folder.h"
 #include "tests/dialogs/gallery/gallery.h"
 
 namespace rasterkit::test {
@@ -23,9 +23,7 @@ namespace {
 class Plans {
  public:
   Plans() {
-    QDir desk(desk_.path());
-    desk.mkpath("Plans/Details");
-    desk.mkpath("Plans/Photographs");
+    for (const char* folder : {"Details", "Photographs"}) QDir().mkpath(Path(folder));
     int size = 31000, day = 1;
     for (const char* name : {"floor 1.png", "floor 2.png", "floor 10.png", "section A-A.png",
                              "site plan.png", "view north.png"}) {
@@ -35,10 +33,10 @@ class Plans {
     }
     for (const char* folder : {"Details", "Photographs"}) Age(Path(folder), Path("floor 2.png"));
   }
-  std::string Folder() const { return FromQt(desk_.filePath("Plans")); }
+  std::string Folder() const { return FromQt(desk_.Path("Plans")); }
 
  private:
-  QString Path(const char* name) const { return desk_.filePath(QStringLiteral("Plans/") + name); }
+  QString Path(const char* name) const { return desk_.Path(QStringLiteral("Plans/") + name); }
   /// Makes a folder as old as a file.
   static void Age(const QString& folder, const QString& file) {
     const std::filesystem::path old = file.toStdString();
@@ -52,7 +50,7 @@ class Plans {
                      QFileDevice::FileModificationTime);
   }
 
-  QTemporaryDir desk_{QDir::tempPath() + "/site-XXXXXX"};
+  const DeskFolder desk_;
 };
 
 /// The form with what it needs; the folder is made first and goes last.

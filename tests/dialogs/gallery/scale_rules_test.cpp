@@ -18,8 +18,8 @@
 #include <rasterkit/qt/look/style.h>
 
 #include "tests/dialogs/gallery/contrast_rules.h"
+#include "tests/dialogs/gallery/for_each_form.h"
 #include "tests/dialogs/gallery/form_rules.h"
-#include "tests/dialogs/gallery/gallery.h"
 #include "tests/support/forms/form_events.h"
 
 namespace rasterkit::test {
@@ -27,12 +27,8 @@ namespace {
 
 using testing::IsEmpty;
 
-void Settle() {
-  for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
-}
-
-/// A picture in which every pixel differs from its neighbours: whoever draws it at another size, or
-/// between two pixels, is found out.
+/// A picture in which every pixel differs from its neighbors: drawing it at another size, or
+/// between two pixels, is detected.
 TBitmap Checkers(int width, int height) {
   TBitmap bitmap;
   bitmap.ResetPixels(pf24bit, width, height);
@@ -52,13 +48,13 @@ QImage Pixels(QWidget& form, const QWidget& widget) {
   return whole.copy(place.toAlignedRect() & whole.rect());
 }
 
-/// Pixels that are as their right or lower neighbour, or neither black nor white; the edge, where a
-/// frame may lie, is left out.
+/// Counts pixels that equal their right or lower neighbor, or are neither black nor white, except
+/// at the edge, where a frame may be.
 int Blurred(const QImage& image) {
-  constexpr int edge = 4;
+  constexpr int kEdge = 4;
   int blurred = 0;
-  for (int y = edge; y < image.height() - edge; ++y) {
-    for (int x = edge; x < image.width() - edge; ++x) {
+  for (int y = kEdge; y < image.height() - kEdge; ++y) {
+    for (int x = kEdge; x < image.width() - kEdge; ++x) {
       const QRgb color = image.pixel(x, y);
       const bool isPure = color == qRgb(0, 0, 0) || color == qRgb(255, 255, 255);
       const bool isOther = color != image.pixel(x + 1, y) && color != image.pixel(x, y + 1);
@@ -72,8 +68,7 @@ class ValuesOfCheckers : public testing::Test {
  protected:
   ValuesOfCheckers() {
     model.SetOperation(0);
-    form.show();
-    Settle();
+    EXPECT_TRUE(ShowSettled(form));
   }
   int BlurredIn(const char* box) { return Blurred(Pixels(form, *form.findChild<QWidget*>(box))); }
 
@@ -92,7 +87,7 @@ TEST_F(ValuesOfCheckers, Previews_Should_StayCrisp_When_TheFormMovesToAnotherScr
   for (QScreen* screen : QGuiApplication::screens()) {
     form.windowHandle()->setScreen(screen);
     form.move(screen->geometry().topLeft() + QPoint(20, 20));
-    Settle();
+    Settle(form);
     ASSERT_EQ(form.devicePixelRatioF(), screen->devicePixelRatio());
     EXPECT_EQ(BlurredIn("PaintBoxOrg"), 0) << screen->devicePixelRatio();
     EXPECT_EQ(BlurredIn("PaintBoxChg"), 0) << screen->devicePixelRatio();
@@ -113,8 +108,7 @@ int RedRun(const QImage& image, QPoint point, QPoint step) {
 TEST(HandlesOfTheCropTool, TheirSide_Should_BeTenPixels_ScaledAsTheScreenIs) {
   TBitmap picture = Checkers(600, 400);
   TFormCropBitmap form(picture, TRect{100, 100, 500, 300});
-  form.show();
-  Settle();
+  ASSERT_TRUE(ShowSettled(form));
   QWidget& box = *form.findChild<QWidget*>("PaintBox");
   const QImage image = Pixels(form, box);
   const double scale = image.devicePixelRatio();
@@ -126,19 +120,8 @@ TEST(HandlesOfTheCropTool, TheirSide_Should_BeTenPixels_ScaledAsTheScreenIs) {
   EXPECT_NEAR(RedRun(image, top, {0, 1}), 10 * scale, 1.01);
 }
 
-void ForEachForm(const std::function<void(QWidget&, const Exhibited&)>& rule) {
-  ASSERT_THAT(Gallery(), testing::Not(IsEmpty()));
-  for (const Exhibited& exhibited : Gallery()) {
-    SCOPED_TRACE(exhibited.name);
-    const std::unique_ptr<QWidget> form = exhibited.make();
-    form->show();
-    Settle();
-    rule(*form, exhibited);
-  }
-}
-
 TEST(ScaleRules, Drawings_Should_HaveThePixelsOfTheScreen) {
-  ForEachForm([](QWidget& form, const Exhibited&) {
+  ForEachForm([](QWidget& form) {
     for (const QAbstractButton* button : form.findChildren<QAbstractButton*>()) {
       if (button->icon().isNull()) continue;
       const double scale = form.devicePixelRatioF();
@@ -153,14 +136,14 @@ TEST(ScaleRules, Drawings_Should_HaveThePixelsOfTheScreen) {
 constexpr QSize kSmallScreen(1024, 576);
 
 TEST(ScaleRules, EveryForm_Should_FitOnASmallScreen) {
-  ForEachForm([](QWidget& form, const Exhibited&) {
+  ForEachForm([](QWidget& form) {
     const QSize least = form.layout()->totalMinimumSize();
     EXPECT_LE(least.width(), kSmallScreen.width());
     EXPECT_LE(least.height(), kSmallScreen.height());
   });
 }
 
-/// Where two photographs differ; nothing where they do not.
+/// Describes where two photographs differ; empty if they are equal.
 std::string Difference(const QImage& a, const QImage& b) {
   if (a.size() != b.size()) return "another size";
   QRect place;
@@ -172,7 +155,7 @@ std::string Difference(const QImage& a, const QImage& b) {
          " pixels at " + std::to_string(place.x()) + ", " + std::to_string(place.y());
 }
 
-/// Puts the application's looks back.
+/// Restores the application's style and palette.
 class ChangeOfStyle : public testing::Test {
  protected:
   // A blinking cursor is never the same twice.
@@ -187,16 +170,16 @@ class ChangeOfStyle : public testing::Test {
     QApplication::setStyle("Fusion");
     UsePalette(palette);
   }
-  /// A photograph once nothing moves any more: pictures are smoothed while nothing else is done.
-  /// Bars that run never rest, and folders and focus differ from window to window.
+  /// A photograph after all changes have ended: pictures are smoothed when idle. Moving bars never
+  /// end, and folders and focus differ between windows.
   static QImage Look(QWidget& form) {
-    constexpr int pause = 250, most = 40;
+    constexpr int kPause = 250, kMost = 40;
     for (auto* bar : form.findChildren<QProgressBar*>()) bar->hide();
     if (auto* path = form.findChild<QLineEdit*>("EditPath")) path->setText("/plans");
     if (QWidget* focus = form.focusWidget()) focus->clearFocus();
     QImage last = GrabForm(form);
-    for (int i = 0; i < most; ++i) {
-      QTest::qWait(pause);
+    for (int i = 0; i < kMost; ++i) {
+      QTest::qWait(kPause);
       const QImage now = GrabForm(form);
       if (now == last) break;
       last = now;
@@ -216,8 +199,7 @@ TEST_F(ChangeOfStyle, Forms_Should_LookAsIfOpenedSo_When_TheColorsChange) {
       UsePalette(toDark ? DarkPalette() : LightPalette());
       const QImage changed = Look(form);
       const std::unique_ptr<QWidget> fresh = exhibited.make();
-      fresh->show();
-      Settle();
+      EXPECT_TRUE(ShowSettled(*fresh));
       EXPECT_EQ(Difference(changed, Look(*fresh)), "") << (toDark ? "to dark" : "to light");
       UsePalette(toDark ? LightPalette() : DarkPalette());
     });
@@ -226,12 +208,12 @@ TEST_F(ChangeOfStyle, Forms_Should_LookAsIfOpenedSo_When_TheColorsChange) {
 
 TEST_F(ChangeOfStyle, Forms_Should_KeepTheirRoom_AndComeBack_When_TheStyleChanges) {
   QApplication::setStyle("Fusion");
-  ForEachForm([](QWidget& form, const Exhibited&) {
+  ForEachForm([](QWidget& form) {
     QApplication::setStyle("Windows");
-    Settle();
+    Settle(form);
     EXPECT_THAT(ClippedTexts(form), IsEmpty());
     QApplication::setStyle("Fusion");
-    Settle();
+    Settle(form);
     EXPECT_THAT(ClippedTexts(form), IsEmpty());
     EXPECT_THAT(FaintFrames(form), IsEmpty()) << "outlines come back";
   });
@@ -239,11 +221,11 @@ TEST_F(ChangeOfStyle, Forms_Should_KeepTheirRoom_AndComeBack_When_TheStyleChange
 
 TEST_F(ChangeOfStyle, Forms_Should_KeepTheirRoom_When_TheFontGrows) {
   const QFont before = QApplication::font();
-  ForEachForm([&](QWidget& form, const Exhibited&) {
+  ForEachForm([&](QWidget& form) {
     QFont large = before;
     large.setPointSizeF(1.5 * before.pointSizeF());
     QApplication::setFont(large);
-    Settle();
+    Settle(form);
     EXPECT_THAT(ClippedTexts(form), IsEmpty());
     QApplication::setFont(before);
   });

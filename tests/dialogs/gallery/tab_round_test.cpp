@@ -7,11 +7,12 @@
 #include <gtest/gtest.h>
 
 #include "tests/dialogs/gallery/gallery.h"
+#include "tests/support/forms/form_events.h"
 
 namespace rasterkit::test {
 namespace {
 
-/// What a user without a mouse must get to.
+/// The controls that must be reachable without a mouse.
 QSet<QString> Reachable(const QWidget& form) {
   QSet<QString> names;
   for (const QWidget* widget : form.findChildren<QWidget*>()) {
@@ -25,14 +26,14 @@ QSet<QString> Reachable(const QWidget& form) {
 
 /// The names that a key visits until it comes back to where it began.
 QStringList Round(QWidget& form, Qt::Key key) {
-  constexpr int most = 100;
+  constexpr int kMost = 100;
   QStringList visited;
   const QWidget* first = form.focusWidget();
   if (first == nullptr) return visited;
   do {
     visited += form.focusWidget()->objectName();
     QTest::keyClick(form.focusWidget(), key);
-  } while (form.focusWidget() != first && visited.size() < most);
+  } while (form.focusWidget() != first && visited.size() < kMost);
   return visited;
 }
 
@@ -41,7 +42,7 @@ class TabRound : public testing::TestWithParam<std::string> {
   TabRound() {
     for (const Exhibited& exhibited : Gallery())
       if (exhibited.name == GetParam()) form = exhibited.make();
-    form->show();
+    EXPECT_TRUE(ShowSettled(*form));
     form->activateWindow();
     // Only then is the focus painted.
     EXPECT_TRUE(QTest::qWaitForWindowActive(form.get()));
@@ -69,7 +70,7 @@ bool IsDefaultButton(const QWidget& widget) {
   return button != nullptr && button->isDefault();
 }
 
-/// What has the focus shows it, so that nobody is lost.
+/// The focused control is visibly marked.
 TEST_P(TabRound, Focus_Should_BeSeen) {
   const QStringList round = Round(*form, Qt::Key_Tab);
   for (const QString& name : round) {

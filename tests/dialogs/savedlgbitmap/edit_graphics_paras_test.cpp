@@ -137,7 +137,7 @@ TEST_F(EditGraphicsParasTest, WithoutHelp_Should_LeaveANavigatorFiftySixWide) {
   }
 }
 
-TEST_F(EditGraphicsParasTest, ASizeOfNone_Should_HideTheMillimetres) {
+TEST_F(EditGraphicsParasTest, ASizeOfNone_Should_HideTheMillimeters) {
   sizeB = 0;
   Edit([](QWidget& form) {
     EXPECT_FALSE(IsVisible(form, "GBMm"));
@@ -160,7 +160,7 @@ TEST_F(EditGraphicsParasTest, Sizes_Should_BeReturned_When_TheyAreInPixels) {
   EXPECT_EQ(rec, (TrecSaveBitmap{1, 8, 96, 1, 80}));
 }
 
-TEST_F(EditGraphicsParasTest, Sizes_Should_Stay_When_PixelsAreCancelled) {
+TEST_F(EditGraphicsParasTest, Sizes_Should_Stay_When_PixelsAreCanceled) {
   for (const Action& cancel : kCancels) {
     bool answer = true;
     QTimer::singleShot(0, [&] {

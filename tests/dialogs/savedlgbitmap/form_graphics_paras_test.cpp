@@ -28,7 +28,7 @@ struct NamedGroup {
 constexpr NamedGroup kGroups[] = {
     {ParasGroup::type, "GBGraphType"},   {ParasGroup::resolution, "GBDpi"},
     {ParasGroup::bitmap, "GBBitmap"},    {ParasGroup::jpeg, "GBJpeg"},
-    {ParasGroup::pixelSize, "GBPixels"}, {ParasGroup::millimetres, "GBMm"}};
+    {ParasGroup::pixelSize, "GBPixels"}, {ParasGroup::millimeters, "GBMm"}};
 
 class FormGraphicsParasTest : public testing::Test {
  protected:
@@ -57,7 +57,7 @@ class FormGraphicsParasTest : public testing::Test {
   }
   void OpenPixels(const TrecSaveBitmap& rec, int width, int height) {
     form.Model().HideGroup(ParasGroup::resolution);
-    form.Model().HideGroup(ParasGroup::millimetres);
+    form.Model().HideGroup(ParasGroup::millimeters);
     form.Model().SetBmpSize(width, height);
     form.Model().SetSaveOptions(rec);
     Show();

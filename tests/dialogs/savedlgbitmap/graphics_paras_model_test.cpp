@@ -13,7 +13,7 @@ using test::ParasView;
 
 constexpr ParasGroup kGroups[] = {ParasGroup::type,      ParasGroup::resolution,
                                   ParasGroup::bitmap,    ParasGroup::jpeg,
-                                  ParasGroup::pixelSize, ParasGroup::millimetres};
+                                  ParasGroup::pixelSize, ParasGroup::millimeters};
 
 class GraphicsParasModelTest : public testing::Test {
  protected:
@@ -25,7 +25,7 @@ class GraphicsParasModelTest : public testing::Test {
   }
   void OpenPixels(const TrecSaveBitmap& rec, int width, int height) {
     model.HideGroup(ParasGroup::resolution);
-    model.HideGroup(ParasGroup::millimetres);
+    model.HideGroup(ParasGroup::millimeters);
     model.SetBmpSize(width, height);
     model.SetSaveOptions(rec);
     model.FormShow();
@@ -259,31 +259,31 @@ TEST_F(GraphicsParasModelTest, TheFirstShow_Should_MakeTheWindowHundredHighAtLea
   EXPECT_EQ(other.windowHeight, 101);
 }
 
-// The size in millimetres.
+// The size in millimeters.
 
-TEST_F(GraphicsParasModelTest, Millimetres_Should_BeShownWidthFirst) {
+TEST_F(GraphicsParasModelTest, Millimeters_Should_BeShownWidthFirst) {
   Open({8, 24, 300, 0, 90}, 209.6F, 297);
   EXPECT_EQ(view.texts[ParasText::PanWmm], "210");
   EXPECT_EQ(view.texts[ParasText::PanHmm], "297");
-  EXPECT_TRUE(view.visible[ParasGroup::millimetres]);
+  EXPECT_TRUE(view.visible[ParasGroup::millimeters]);
   EXPECT_FALSE(view.hasEdits);
 }
 
-TEST_F(GraphicsParasModelTest, Millimetres_Should_BeHidden_When_OneIsSmallerThanAHundredth) {
-  constexpr float infinity = std::numeric_limits<float>::infinity();
-  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-  const std::pair<float, float> sizes[] = {{0, 0},   {0.0099F, 10},  {10, 0.0099F},
-                                           {-5, 10}, {infinity, 10}, {10, nan}};
+TEST_F(GraphicsParasModelTest, Millimeters_Should_BeHidden_When_OneIsSmallerThanAHundredth) {
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+  const std::pair<float, float> sizes[] = {{0, 0},   {0.0099F, 10},   {10, 0.0099F},
+                                           {-5, 10}, {kInfinity, 10}, {10, kNan}};
   for (const auto& [width, height] : sizes) {
     ParasView other;
     GraphicsParasModel opened(other);
     const int before = other.windowHeight;
     opened.SetSizeMM(width, height);
-    EXPECT_FALSE(other.visible[ParasGroup::millimetres]) << width << " x " << height;
-    EXPECT_EQ(other.windowHeight, before - other.heights[ParasGroup::millimetres]);
+    EXPECT_FALSE(other.visible[ParasGroup::millimeters]) << width << " x " << height;
+    EXPECT_EQ(other.windowHeight, before - other.heights[ParasGroup::millimeters]);
   }
   model.SetSizeMM(0.01F, 0.01F);
-  EXPECT_TRUE(view.visible[ParasGroup::millimetres]);
+  EXPECT_TRUE(view.visible[ParasGroup::millimeters]);
 }
 
 TEST_F(GraphicsParasModelTest, Pixels_Should_FollowFromTheResolution) {

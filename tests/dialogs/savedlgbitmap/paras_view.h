@@ -43,10 +43,10 @@ class ParasView : public GraphicsParasView {
                                               {ParasGroup::jpeg, "Settings"}};
   std::map<ParasGroup, int> heights = {{ParasGroup::type, 60},      {ParasGroup::resolution, 61},
                                        {ParasGroup::bitmap, 63},    {ParasGroup::jpeg, 127},
-                                       {ParasGroup::pixelSize, 89}, {ParasGroup::millimetres, 57}};
+                                       {ParasGroup::pixelSize, 89}, {ParasGroup::millimeters, 57}};
   std::map<ParasGroup, bool> visible = {
       {ParasGroup::type, true}, {ParasGroup::resolution, true}, {ParasGroup::bitmap, true},
-      {ParasGroup::jpeg, true}, {ParasGroup::pixelSize, true},  {ParasGroup::millimetres, true}};
+      {ParasGroup::jpeg, true}, {ParasGroup::pixelSize, true},  {ParasGroup::millimeters, true}};
   int windowHeight = HeightOfContent();
   std::map<ParasText, std::string> texts = {{ParasText::LabBmpSize, "Size of Windows bitmap"}};
   bool hasEdits = true;

@@ -302,7 +302,7 @@ TEST_F(SaveBitmapDlgExtTest, Options_Should_GetEachFlagAndSizeOfTheCaller) {
   }
 }
 
-TEST_F(SaveBitmapDlgExtTest, CancelledOptions_Should_LeaveTheRecord) {
+TEST_F(SaveBitmapDlgExtTest, CanceledOptions_Should_LeaveTheRecord) {
   rec.JpgQuality = 5;
   EXPECT_TRUE(Save([](QWidget& window) {
     InOptions(window, [](QWidget& options) {
@@ -368,7 +368,7 @@ TEST_F(SaveBitmapDlgExtTest, TheFilter_Should_DecideTheType_When_TheOptionsNameA
   EXPECT_EQ(fileName, Place("plan.png"));
 }
 
-// Files that exist, and names that are none.
+// Existing files, and invalid names.
 
 TEST_F(SaveBitmapDlgExtTest, AnExistingFile_Should_BeAskedAbout) {
   folder.Write("plan.png", "x");
@@ -408,7 +408,7 @@ TEST_F(SaveBitmapDlgExtTest, AWindowWithoutAName_Should_TakeWhateverIsTyped) {
   fileName.clear();
   EXPECT_TRUE(SavePixels(save));
   EXPECT_EQ(fileName, Place("plan.png"));
-  EXPECT_TRUE(questions.empty()) << "nobody is asked";
+  EXPECT_TRUE(questions.empty()) << "no question is asked";
 }
 
 TEST_F(SaveBitmapDlgExtTest, AWindowWithoutAName_Should_TakeNothingToo) {

@@ -60,25 +60,25 @@ TEST(SizeTextsTest, NoPixels_Should_BeNoBytes) {
   EXPECT_EQ(Size(24, 0, INT32_MAX), "0 [byte]");
 }
 
-TEST(SizeTextsTest, Millimetres_Should_BeWhole) {
-  EXPECT_EQ(TextOfMillimetres(210), "210");
-  EXPECT_EQ(TextOfMillimetres(297.4F), "297");
-  EXPECT_EQ(TextOfMillimetres(297.6F), "298");
-  EXPECT_EQ(TextOfMillimetres(0), "0");
-  EXPECT_EQ(TextOfMillimetres(0.4F), "0");
+TEST(SizeTextsTest, Millimeters_Should_BeWhole) {
+  EXPECT_EQ(TextOfMillimeters(210), "210");
+  EXPECT_EQ(TextOfMillimeters(297.4F), "297");
+  EXPECT_EQ(TextOfMillimeters(297.6F), "298");
+  EXPECT_EQ(TextOfMillimeters(0), "0");
+  EXPECT_EQ(TextOfMillimeters(0.4F), "0");
 }
 
-TEST(SizeTextsTest, Millimetres_Should_HaveSevenDigitsAtMost) {
-  EXPECT_EQ(TextOfMillimetres(9999999), "9999999");
-  EXPECT_EQ(TextOfMillimetres(12345678), "12345680");
-  EXPECT_EQ(TextOfMillimetres(123456784), "123456800");
+TEST(SizeTextsTest, Millimeters_Should_HaveSevenDigitsAtMost) {
+  EXPECT_EQ(TextOfMillimeters(9999999), "9999999");
+  EXPECT_EQ(TextOfMillimeters(12345678), "12345680");
+  EXPECT_EQ(TextOfMillimeters(123456784), "123456800");
 }
 
 TEST(SizeTextsTest, AnyFloat_Should_BeSurvived) {
   using Limits = std::numeric_limits<float>;
   for (const float value :
        {Limits::max(), Limits::lowest(), Limits::infinity(), Limits::quiet_NaN(), -1.5F})
-    EXPECT_FALSE(TextOfMillimetres(value).empty());
+    EXPECT_FALSE(TextOfMillimeters(value).empty());
   EXPECT_FALSE(Size(24, INT32_MAX, INT32_MAX).empty());
 }
 

@@ -1,4 +1,4 @@
-// Names and folders that cannot be meant: a message in words, or what they obviously mean.
+// Invalid names and folders: a message, or their obvious meaning.
 
 #include <gmock/gmock.h>
 
@@ -92,7 +92,7 @@ TEST_F(BadNamesTest, AMissingFolderInTheName_Should_BeRefused) {
   ExpectRefused("missing/plan.png", "There is no folder missing/.");
   ExpectRefused("missing/", "There is no folder missing/.");
   ExpectRefused("/no/such/plan", "There is no folder /no/such/.");
-  // A file is no folder.
+  // A file is not a folder.
   ExpectRefused("old.png/plan", "There is no folder old.png/.");
   EXPECT_EQ(model.GetInitialDir(), In(""));
 }

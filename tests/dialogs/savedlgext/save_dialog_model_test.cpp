@@ -303,7 +303,7 @@ TEST_F(SaveDialogModelTest, ButtonPath_Should_OpenTheChooserWithItsPromptAndOpti
   EXPECT_EQ(model.GetInitialDir(), In("maps/"));
 }
 
-TEST_F(SaveDialogModelTest, ButtonPath_Should_ChangeNothing_When_TheChooserIsCancelled) {
+TEST_F(SaveDialogModelTest, ButtonPath_Should_ChangeNothing_When_TheChooserIsCanceled) {
   HostPorts().folderChooser = [&](std::string& directory, const std::string&, int) {
     directory = "/elsewhere";
     return false;

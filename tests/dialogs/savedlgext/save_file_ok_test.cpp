@@ -34,7 +34,7 @@ class SaveFileOKTest : public testing::Test {
 
 TEST_F(SaveFileOKTest, Answer_Should_BeTrueUnasked_When_TheFileDoesNotExist) {
   HostPorts().confirmation = [](const std::string&) {
-    ADD_FAILURE() << "nobody needs to be asked";
+    ADD_FAILURE() << "no question is needed";
     return false;
   };
   EXPECT_TRUE(SaveFileOK(folder / "new.png"));

@@ -1,4 +1,4 @@
-// Bitmaps and typed texts that nobody expects.
+// Unexpected bitmaps and typed texts.
 
 #include <QApplication>
 #include <QSlider>
@@ -191,7 +191,7 @@ class HugeBitmap : public testing::Test {
     std::fill_n(bitmap.ScanLine(kSide / 2), kSide / 16, uint8_t{0xAA});
     rows = bitmap.ScanLine(0);
   }
-  /// Still its own rows: nothing was put in their place.
+  /// The same rows: they were not replaced.
   void ExpectUntouched() {
     EXPECT_EQ(bitmap.Width(), kSide);
     EXPECT_EQ(bitmap.PixelFormat(), pf1bit);
@@ -218,14 +218,14 @@ TEST_F(HugeBitmap, CropBitmap_Should_CutAPartOfIt) {
   EXPECT_EQ(bitmap.ScanLine(0)[0], 0x55) << "three pixels to the left";
 }
 
-TEST_F(HugeBitmap, CropBitmap_Should_LeaveIt_When_Cancelled) {
+TEST_F(HugeBitmap, CropBitmap_Should_LeaveIt_When_Canceled) {
   WhenModal([](QWidget& window) { QTest::keyClick(&window, Qt::Key_Escape); });
   TRect rect{3, 4, 103, 204};
   EXPECT_FALSE(CropBitmap(bitmap, rect));
   ExpectUntouched();
 }
 
-TEST_F(HugeBitmap, ChangeBitmap_Should_PreviewIt_AndLeaveItWhenCancelled) {
+TEST_F(HugeBitmap, ChangeBitmap_Should_PreviewIt_AndLeaveItWhenCanceled) {
   for (const int32_t operation : {0, 5}) {
     TChgBmpValuesRec values;
     WhenModal([](QWidget& window) {

@@ -1,4 +1,4 @@
-// Every way to end a dialog that is not OK leaves what the caller gave it.
+// Every way to close a dialog except OK leaves the caller's data unchanged.
 
 #include <QApplication>
 #include <QMessageBox>
@@ -85,7 +85,7 @@ TEST_P(Ending, CropBitmap_Should_LeaveEverything_When_ADragGoesOn) {
   const auto touch = [](QWidget& window) {
     auto& box = *window.findChild<QWidget*>("PaintBox");
     QTest::mousePress(&box, Qt::LeftButton, Qt::NoModifier, box.rect().center());
-    // The first Escape gives up the drag alone.
+    // The first Escape only cancels the drag.
     if (std::string_view(GetParam().name) == "Escape") QTest::keyClick(&box, Qt::Key_Escape);
   };
   Run(touch, [&] { answer = ChooseCropRect(bitmap, rect); });

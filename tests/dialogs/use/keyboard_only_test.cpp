@@ -1,4 +1,4 @@
-// All that the dialogs do can be done without a mouse.
+// Everything in the dialogs can be done without a mouse.
 
 #include <QApplication>
 #include <QTest>
@@ -20,7 +20,7 @@
 namespace rasterkit::test {
 namespace {
 
-/// A user with nothing but keys: they go to whatever has the focus.
+/// A user with a keyboard only: keys go to the focused control.
 class Keyboard {
  public:
   explicit Keyboard(QWidget& window) : window_(window) {
@@ -38,9 +38,9 @@ class Keyboard {
   }
   /// A button that is called so stays down for a moment before it does its work.
   Keyboard& Alt(char letter) {
-    constexpr int moment = 200;
+    constexpr int kMoment = 200;
     QTest::keyClick(Focus(), letter, Qt::AltModifier);
-    QTest::qWait(moment);
+    QTest::qWait(kMoment);
     return *this;
   }
   std::string Place() const {

@@ -8,9 +8,9 @@
 
 namespace rasterkit::test {
 
-/// All 16,777,216 colours, sorted by their grey value (of one grey in no order that matters): the
-/// ones of grey g are those from `starts[g]` to `starts[g + 1]`. A threshold is right everywhere
-/// when it is right for the colours just above it and just below it.
+/// All 16,777,216 colors, sorted by their gray value (of one gray in no order that matters): the
+/// ones of gray g are those from `starts[g]` to `starts[g + 1]`. A threshold is right everywhere
+/// when it is right for the colors just above it and just below it.
 struct ColorsByGray {
   std::vector<uint32_t> colors;
   std::array<size_t, 257> starts{};
@@ -37,8 +37,8 @@ inline const ColorsByGray& EveryColorByGray() {
   return sorted;
 }
 
-/// The colours of two neighbouring greys, `level - 1` and `level` (1 to 255), as pixels of 3 or 4
-/// bytes; `lower` becomes how many of them, the first ones, have the smaller grey.
+/// The colors of two neighboring grays, `level - 1` and `level` (1 to 255), as pixels of 3 or 4
+/// bytes; `lower` becomes how many of them, the first ones, have the smaller gray.
 inline std::vector<uint8_t> PixelsAround(int level, int bytesPerPixel, size_t& lower) {
   const ColorsByGray& all = EveryColorByGray();
   const auto at = static_cast<size_t>(level);

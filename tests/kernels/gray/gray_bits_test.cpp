@@ -57,7 +57,7 @@ TEST(GrayBits, Should_EqualTheReference_AndStayInsideTheRow_ForWidthsAndPlacesUp
   }
 }
 
-TEST(GrayBits, Should_SplitEveryColourRight_AtEveryLevel) {
+TEST(GrayBits, Should_SplitEveryColorRight_AtEveryLevel) {
   test::ForEachSimdTarget([](int64_t target) {
     for (int level = 1; level <= 255; ++level) {
       for (const int bytes : {3, 4}) {

@@ -41,7 +41,7 @@ void ExpectSameInPlace(const uint8_t* pixels, const std::vector<uint8_t>& grays)
   EXPECT_TRUE(inPlace == threeTimes) << "in place, " << grays.size() << " pixels";
 }
 
-/// Grey values of `count` pixels of 3 or 4 bytes; also checks that nothing around the result was
+/// Gray values of `count` pixels of 3 or 4 bytes; also checks that nothing around the result was
 /// written.
 std::vector<uint8_t> GraysOf(const uint8_t* pixels, size_t count, int bytesPerPixel) {
   std::vector<uint8_t> painted(count + 2 * kGuard, kPaint);
@@ -62,7 +62,7 @@ std::vector<uint8_t> ReferenceOf(const uint8_t* pixels, size_t count, int bytesP
   return grays;
 }
 
-/// All colours of one red: green runs slowly, blue fast.
+/// All colors of one red: green runs slowly, blue fast.
 std::vector<uint8_t> ColorsOfRed(int red, int bytesPerPixel) {
   std::vector<uint8_t> pixels;
   for (int greenAndBlue = 0; greenAndBlue < 65536; ++greenAndBlue) {
@@ -100,7 +100,7 @@ TEST_P(GrayRows, Should_EqualTheReference_AndStayInsideTheRow_For_LengthsAndPlac
   }
 }
 
-/// Rows that take the rare ways: pixels whose exact sum is whole, in runs of one colour and mixed,
+/// Rows that take the rare ways: pixels whose exact sum is whole, in runs of one color and mixed,
 /// with neutral ones.
 TEST_P(GrayRows, Should_EqualTheReference_When_ExactSumsAreWhole) {
   std::vector<uint8_t> whole;

@@ -51,7 +51,7 @@ std::vector<uint8_t> Expected(int bytesPerPixel, std::vector<uint8_t> bytes, siz
   return bytes;
 }
 
-TEST(GraySide, Should_HoldTheGreysOfItsSide) {
+TEST(GraySide, Should_HoldTheGraysOfItsSide) {
   EXPECT_FALSE(GraysAbove(7).Holds(7));
   EXPECT_TRUE(GraysAbove(7).Holds(8));
   EXPECT_FALSE(GraysAbove(255).Holds(255));
@@ -87,7 +87,7 @@ TEST(RecolorRows, Should_LeaveWhiteAlone_AboveLevel255) {
   });
 }
 
-TEST(RecolorRows, Should_SplitEveryColourRight_AtEveryLevel) {
+TEST(RecolorRows, Should_SplitEveryColorRight_AtEveryLevel) {
   test::ForEachSimdTarget([](int64_t target) {
     for (int level = 1; level <= 255; ++level) {
       for (const int bytes : {3, 4}) {
@@ -133,7 +133,7 @@ TEST(RecolorRows, Should_SplitEveryWordRight_AtEveryLevel) {
   });
 }
 
-/// Rows of nothing but exceptions of a level and the colours next to them, which take the rare way.
+/// Rows of nothing but exceptions of a level and the colors next to them, which take the rare way.
 TEST(RecolorRows, Should_EqualTheReference_ForExceptionsOfTheLevel) {
   test::ForEachSimdTarget([](int64_t target) {
     std::mt19937 random(461);

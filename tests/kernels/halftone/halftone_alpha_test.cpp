@@ -183,7 +183,7 @@ TEST(HalftoneAlpha, MeansByAlpha_Should_BeExact_When_SumsAreAsLargeAsFits) {
   std::vector<uint8_t> expected;
   for (uint64_t mean = 0; mean < 255; ++mean) {
     for (int beside = -1; beside <= 0; ++beside) {
-      // Two columns of the same alpha; together the colour lies at a border or just below.
+      // Two columns of the same alpha; together the color lies at a border or just below.
       const uint64_t alpha = 255 * kRowsTotal - 2 * mean - 1;
       const uint64_t sum = mean * alpha + alpha / 2;
       axis.taps.push_back({static_cast<int32_t>(sums.size() / 4), 2, kWeight + 1, kWeight - 1});

@@ -208,8 +208,7 @@ struct ChosenSums {
     axis.total = axisTotal;
     const int64_t total = Total();
     for (int64_t mean = 0; mean <= 255; ++mean) {
-      Add(mean * total -
-          (total - 1) / 2);  // the least that is rounded up to it, and its neighbours
+      Add(mean * total - (total - 1) / 2);  // the least that is rounded up to it, and its neighbors
       Add(mean * total);
     }
     columns.resize(columns.size() + kHalftonePadding);

@@ -37,7 +37,7 @@ void CompareList(const std::vector<Color3>& colors, const std::vector<Color3>& q
     const size_t expected = reference::NearestOf(colors, color);
     test::ForEachSimdTarget([&](int64_t simd) {
       ASSERT_EQ(kernels::NearestInList(list, color[0], color[1], color[2]), expected)
-          << colors.size() << " colours, " << hwy::TargetName(simd);
+          << colors.size() << " colors, " << hwy::TargetName(simd);
     });
   }
 }

@@ -21,10 +21,6 @@ using test::TestRows;
 
 class RotateBitRunsTest : public testing::Test {
  protected:
-  void SetUp() override {
-    if (!reference::kHasExtendedPrecision) GTEST_SKIP() << "no 80-bit arithmetic to compare with";
-  }
-
   /// One picture, one turn: the reference once, then every SIMD target.
   void Compare(int width, int height, reference::Turn turn) {
     TestRows source(width, height, 1);

@@ -68,12 +68,7 @@ std::vector<float> Angles() {
   return angles;
 }
 
-class RotatePixelsTest : public testing::TestWithParam<int> {
- protected:
-  void SetUp() override {
-    if (!reference::kHasExtendedPrecision) GTEST_SKIP() << "no 80-bit arithmetic to compare with";
-  }
-};
+class RotatePixelsTest : public testing::TestWithParam<int> {};
 
 TEST_P(RotatePixelsTest, EqualsTheReferenceAtSmallSizesAndEveryWholeDegree) {
   std::mt19937 random(20 + GetParam());
@@ -106,8 +101,8 @@ TEST_P(RotatePixelsTest, EqualsTheReferenceForVeryWidePictures) {
   CompareRotation(2, 140000, GetParam(), 0.0002f, random);
 }
 
-// Centres of more than 24 bits are cut by their single precision.
-TEST_P(RotatePixelsTest, EqualsTheReferenceWhereTheCentreIsCutInTheFullRun) {
+// Centers of more than 24 bits are cut by their single precision.
+TEST_P(RotatePixelsTest, EqualsTheReferenceWhereTheCenterIsCutInTheFullRun) {
   if (!test::IsFullRun()) GTEST_SKIP() << "set RASTERKIT_FULL=1";
   std::mt19937 random(70 + GetParam());
   CompareRotation((1 << 25) + 7, 1, GetParam(), 180.0f, random);

@@ -8,9 +8,9 @@
 namespace rasterkit::detail {
 namespace {
 
-constexpr auto invalid = QValidator::Invalid;
-constexpr auto unfinished = QValidator::Intermediate;
-constexpr auto acceptable = QValidator::Acceptable;
+constexpr auto kInvalid = QValidator::Invalid;
+constexpr auto kUnfinished = QValidator::Intermediate;
+constexpr auto kAcceptable = QValidator::Acceptable;
 
 NumberText English(int decimals, double minimum = -1e6, double maximum = 1e6) {
   return {QLocale(QLocale::English), decimals, minimum, maximum};
@@ -40,36 +40,36 @@ TEST(NumberText, Format_Should_ShowNoSign_When_ZeroIsShown) {
 TEST(NumberText, Check_Should_Refuse_When_TextCannotBecomeANumber) {
   for (const char* text : {"a", "1a", "1e5", "nan", "inf", "0x10", "--1", "1-", "+-1", "1+1",
                            "1.2.3", "12%", "1.234"}) {
-    EXPECT_EQ(StateOf(English(2), text), invalid) << text;
+    EXPECT_EQ(StateOf(English(2), text), kInvalid) << text;
     EXPECT_FALSE(English(2).Read(text)) << text;
   }
 }
 
 TEST(NumberText, Check_Should_WaitForMore_When_NumberHasOnlyBegun) {
   for (const char* text : {"", "-", "+", ".", "-.", " "}) {
-    EXPECT_EQ(StateOf(English(2), text), unfinished) << text;
+    EXPECT_EQ(StateOf(English(2), text), kUnfinished) << text;
     EXPECT_FALSE(English(2).Read(text)) << text;
   }
 }
 
 TEST(NumberText, Check_Should_RefuseSign_When_NothingNegativeIsAllowed) {
-  EXPECT_EQ(StateOf(English(0, 0), "-"), invalid);
-  EXPECT_EQ(StateOf(English(0, 0), "-5"), invalid);
-  EXPECT_EQ(StateOf(English(0, 0), "+5"), acceptable);
+  EXPECT_EQ(StateOf(English(0, 0), "-"), kInvalid);
+  EXPECT_EQ(StateOf(English(0, 0), "-5"), kInvalid);
+  EXPECT_EQ(StateOf(English(0, 0), "+5"), kAcceptable);
 }
 
 TEST(NumberText, Check_Should_RefusePoint_When_ThereAreNoDecimals) {
-  EXPECT_EQ(StateOf(English(0), "1."), invalid);
-  EXPECT_EQ(StateOf(English(0), "1,"), invalid);
+  EXPECT_EQ(StateOf(English(0), "1."), kInvalid);
+  EXPECT_EQ(StateOf(English(0), "1,"), kInvalid);
 }
 
 TEST(NumberText, Check_Should_Refuse_When_NumberIsBeyondTheRangeForGood) {
-  EXPECT_EQ(StateOf(English(0, -100, 100), "101"), invalid);
-  EXPECT_EQ(StateOf(English(0, -100, 100), "-101"), invalid);
-  EXPECT_EQ(StateOf(English(0, -100, 100), QString(400, u'9')), invalid);
-  EXPECT_EQ(StateOf(English(0, 10, 100), "1"), unfinished);
-  EXPECT_EQ(StateOf(English(0, -100, -10), "-1"), unfinished);
-  EXPECT_EQ(StateOf(English(0, -100, -10), "5"), invalid);
+  EXPECT_EQ(StateOf(English(0, -100, 100), "101"), kInvalid);
+  EXPECT_EQ(StateOf(English(0, -100, 100), "-101"), kInvalid);
+  EXPECT_EQ(StateOf(English(0, -100, 100), QString(400, u'9')), kInvalid);
+  EXPECT_EQ(StateOf(English(0, 10, 100), "1"), kUnfinished);
+  EXPECT_EQ(StateOf(English(0, -100, -10), "-1"), kUnfinished);
+  EXPECT_EQ(StateOf(English(0, -100, -10), "5"), kInvalid);
 }
 
 TEST(NumberText, Read_Should_TakeBothPoints_When_Typed) {
@@ -83,7 +83,7 @@ TEST(NumberText, Read_Should_TakeBothPoints_When_Typed) {
 
 TEST(NumberText, Check_Should_ShowThePointOfTheLocale_When_TheOtherIsTyped) {
   QString text = "12.5";
-  EXPECT_EQ(German(2).Check(text), acceptable);
+  EXPECT_EQ(German(2).Check(text), kAcceptable);
   EXPECT_EQ(text, "12,5");
 }
 

@@ -205,7 +205,7 @@ TEST_F(FileDialogsTest, Open_Should_ShowTheInitialDir_When_FolderOfTheNameIsGone
   EXPECT_EQ(shown.toStdString(), folder_.Path().string());
 }
 
-TEST_F(FileDialogsTest, Open_Should_BeCancelled_When_CalledOnAnotherThread) {
+TEST_F(FileDialogsTest, Open_Should_BeCanceled_When_CalledOnAnotherThread) {
   std::thread([] {
     PictureFileDialog dialog;
     EXPECT_FALSE(RunPictureFileDialog(dialog));

@@ -47,7 +47,7 @@ TEST_F(FolderChooserTest, Choice_Should_BeReturnedAbsolute) {
   EXPECT_EQ(directory, place + "/maps");
 }
 
-TEST_F(FolderChooserTest, Cancelling_Should_ChangeNothing) {
+TEST_F(FolderChooserTest, Canceling_Should_ChangeNothing) {
   EXPECT_FALSE(Choose(nullptr));
   EXPECT_EQ(directory, place);
 }

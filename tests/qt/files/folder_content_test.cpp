@@ -24,16 +24,15 @@ std::vector<std::string> Names(const FolderContent& content) {
   return names;
 }
 
-/// Somebody without rights, for the time of a test; the system asks the owner of everything for
-/// none.
-class Nobody {
+/// Drops root's rights for a test; permissions do not apply to root.
+class UnprivilegedUser {
  public:
-  Nobody() : wasRoot_(geteuid() == 0 && seteuid(65534) == 0) {}
-  ~Nobody() {
+  UnprivilegedUser() : wasRoot_(geteuid() == 0 && seteuid(65534) == 0) {}
+  ~UnprivilegedUser() {
     if (wasRoot_ && seteuid(0) != 0) std::abort();
   }
-  Nobody(const Nobody&) = delete;
-  Nobody& operator=(const Nobody&) = delete;
+  UnprivilegedUser(const UnprivilegedUser&) = delete;
+  UnprivilegedUser& operator=(const UnprivilegedUser&) = delete;
 
  private:
   const bool wasRoot_;
@@ -66,7 +65,7 @@ TEST(ReadFolder, NamesInAnyScript_Should_BeListed) {
   for (const char* name :
        {"Süd.png", "地図.png", "خريطة.png", "🗺.png", "a b", "x\ny", "a.b.c", "dot."})
     folder.Write(name, "x");
-  folder.Write("\xff\xfe.png", "x");  // No UTF-8.
+  folder.Write("\xff\xfe.png", "x");  // Not UTF-8.
   EXPECT_EQ(ReadFolder(folder.Path().string(), kGoOn).entries.size(), 9u);
 }
 
@@ -101,7 +100,7 @@ TEST(ReadFolder, AFolderThatMayNotBeRead_Should_SayWhy) {
   std::filesystem::permissions(locked, std::filesystem::perms::none);
   FolderContent content;
   {
-    const Nobody nobody;
+    const UnprivilegedUser user;
     content = ReadFolder(locked.string(), kGoOn);
   }
   EXPECT_EQ(content.state, FolderState::isUnreadable);
@@ -120,9 +119,9 @@ TEST(ReadFolder, WhatIsNoFolder_Should_SayWhy) {
   }
 }
 
-TEST(ReadFolder, Cancelling_Should_EndIt) {
-  const std::atomic<bool> isCancelled = true;
-  EXPECT_EQ(ReadFolder("/", isCancelled).state, FolderState::isReading);
+TEST(ReadFolder, Canceling_Should_EndIt) {
+  const std::atomic<bool> isCanceled = true;
+  EXPECT_EQ(ReadFolder("/", isCanceled).state, FolderState::isReading);
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ bool HasLetters(const QString& text) {
   return std::any_of(text.begin(), text.end(), [](QChar c) { return c.isLetter(); });
 }
 
-/// What people read in a form, as Designer has it.
+/// The visible texts of a Designer form.
 void AddTextsOfForm(const QString& fileName, std::set<std::string>& texts) {
   QFile file(fileName);
   ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -134,9 +134,10 @@ TEST_P(Catalogues, Should_HaveAMnemonicWhereTheEnglishTextHasOne) {
 
 /// Spaces at the ends, dots and colons mean something to the form around the text.
 TEST_P(Catalogues, Should_BeginAndEndAsTheEnglishText) {
-  constexpr char ends[] = R"(^\s+|[\s:]+$|\.+$)";
+  constexpr char kEnds[] = R"(^\s+|[\s:]+$|\.+$)";
   for (const Message& message : messages_)
-    EXPECT_EQ(Matches(ends, message.source), Matches(ends, message.translation)) << message.source;
+    EXPECT_EQ(Matches(kEnds, message.source), Matches(kEnds, message.translation))
+        << message.source;
 }
 
 /// "&Width" and "Width" may meet in one window.
@@ -152,7 +153,7 @@ TEST_P(Catalogues, Should_SayTheSameWithAndWithoutAMnemonic) {
   }
 }
 
-/// What was compiled in is what the file says.
+/// The compiled catalogue equals the file.
 TEST_P(Catalogues, Should_AnswerInTheLibrary) {
   ASSERT_TRUE(SetLanguage(GetParam()));
   for (const Message& message : messages_)

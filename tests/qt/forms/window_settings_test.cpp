@@ -52,7 +52,7 @@ TEST_F(WindowSettingsTest, Place_Should_ComeBackAsItWasSaved) {
   EXPECT_FALSE(again.isMaximized());
 }
 
-TEST_F(WindowSettingsTest, Window_Should_ComeBackMaximised_When_ItWasSavedSo) {
+TEST_F(WindowSettingsTest, Window_Should_ComeBackMaximized_When_ItWasSavedSo) {
   QWidget window;
   window.setObjectName("Form");
   window.setGeometry(60, 70, 200, 150);
@@ -64,7 +64,7 @@ TEST_F(WindowSettingsTest, Window_Should_ComeBackMaximised_When_ItWasSavedSo) {
   EXPECT_TRUE(again.isMaximized());
 }
 
-TEST_F(WindowSettingsTest, Window_Should_NotOpenMaximised_When_ItWasSavedAtItsOwnSize) {
+TEST_F(WindowSettingsTest, Window_Should_NotOpenMaximized_When_ItWasSavedAtItsOwnSize) {
   Keep(60, 70, 200, 150);
   kept_.insert_or_assign("Settings/Form.Maximized", std::string("0"));
   QWidget window;

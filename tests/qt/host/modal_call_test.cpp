@@ -128,7 +128,7 @@ TEST_F(ModalCallTest, Call_Should_TakeTheFirstPlatformThatWorks) {
 }
 
 TEST_F(ModalCallTest, Locale_Should_StayTheProcesss) {
-  // A language of its own, which an application would take over; once in a process.
+  // The process's own locale, which an application object would change; once per process.
   qputenv("LC_ALL", "C.UTF-8");
   ASSERT_NE(std::setlocale(LC_ALL, "C"), nullptr);
   {

@@ -17,7 +17,7 @@
 
 #include "tests/support/forms/form_events.h"
 
-// What the lower floors' queue promises holds while a loop of Qt turns.
+// The guarantees of the library's queue while a Qt event loop runs.
 namespace rasterkit {
 namespace {
 
@@ -237,7 +237,7 @@ void InApplication(const std::function<void()>& action) {
   QApplication::exec();
 }
 
-TEST_F(QtHostTest, ModalForm_Should_BeCancelled_When_TheHostQuits) {
+TEST_F(QtHostTest, ModalForm_Should_BeCanceled_When_TheHostQuits) {
   int answer = 0;
   InApplication([&] {
     TScaledForm form;
@@ -247,7 +247,7 @@ TEST_F(QtHostTest, ModalForm_Should_BeCancelled_When_TheHostQuits) {
   EXPECT_EQ(answer, mrCancel);
 }
 
-TEST_F(QtHostTest, ModalForm_Should_BeCancelled_When_TheHostsLoopIsEnded) {
+TEST_F(QtHostTest, ModalForm_Should_BeCanceled_When_TheHostsLoopIsEnded) {
   int answer = 0;
   InApplication([&] {
     TScaledForm form;
@@ -257,7 +257,7 @@ TEST_F(QtHostTest, ModalForm_Should_BeCancelled_When_TheHostsLoopIsEnded) {
   EXPECT_EQ(answer, mrCancel);
 }
 
-TEST_F(QtHostTest, ModalForms_Should_AllBeCancelled_When_TheHostQuitsBehindTwo) {
+TEST_F(QtHostTest, ModalForms_Should_AllBeCanceled_When_TheHostQuitsBehindTwo) {
   int outer = 0;
   int inner = 0;
   InApplication([&] {

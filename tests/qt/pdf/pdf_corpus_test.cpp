@@ -20,9 +20,9 @@ class PdfCorpus : public test::PdfTest {
       EXPECT_NE(error.File(), "") << path;
       return error.Reason();
     }
-    constexpr int mostPages = 8;
+    constexpr int kMostPages = 8;
     std::string faults;
-    for (int i = 0; i < std::min(Document().PageCount(), mostPages); ++i) {
+    for (int i = 0; i < std::min(Document().PageCount(), kMostPages); ++i) {
       try {
         const PdfPageSize size = Document().PageSize(i);
         const TBitmap page = Export(i, 0.5);

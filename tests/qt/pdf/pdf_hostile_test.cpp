@@ -7,7 +7,8 @@ namespace {
 
 class PdfHostile : public test::PdfTest {
  protected:
-  /// Opens and draws; anything may come of it but a crash, a hang, or an error without words.
+  /// Opens and draws; every result is accepted except a crash, a hang, or an error without a
+  /// message.
   void Survive(const std::string& bytes) {
     try {
       Open(bytes);
@@ -43,15 +44,15 @@ TEST_F(PdfHostile, Document_Should_Survive_When_BytesAreChanged) {
     SCOPED_TRACE(testing::Message() << "seed " << seed << ", round " << round);
     std::string bytes = sample;
     for (int i = 0; i < 6; ++i) {
-      constexpr std::string_view likely = "0123456789-/<>[]() RRnobj";
-      bytes[random() % bytes.size()] = likely[random() % likely.size()];
+      constexpr std::string_view kLikely = "0123456789-/<>[]() RRnobj";
+      bytes[random() % bytes.size()] = kLikely[random() % kLikely.size()];
     }
     Survive(bytes);
   }
 }
 
-/// A page tree that contains itself: the engine never comes out of it. In a process of its own, for
-/// which it is lost.
+/// A page tree that contains itself: the engine never returns. In a separate process, which is
+/// lost.
 int ReadACircle(const std::string& file, const std::string& other) {
   const std::unique_ptr<PdfDocument> document = std::make_unique<QtPdfDocument>();
   try {

@@ -78,8 +78,8 @@ TEST_F(PdfMemory, ExportPage_Should_Refuse_When_TheLimitForPicturesIsSmall) {
 int DrawInOneGibibyte(const std::string& file) {
   const std::unique_ptr<PdfDocument> document = std::make_unique<QtPdfDocument>();
   document->LoadFromFile(file);
-  constexpr rlim_t most = rlim_t{1} << 30;
-  const rlimit limit{most, most};
+  constexpr rlim_t kMost = rlim_t{1} << 30;
+  const rlimit limit{kMost, kMost};
   setrlimit(RLIMIT_AS, &limit);
   TBitmap bitmap;
   try {

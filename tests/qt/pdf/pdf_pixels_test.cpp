@@ -39,7 +39,7 @@ TBitmap Expected(int width, int height, const std::vector<std::pair<TColor, Box>
   return bitmap;
 }
 
-/// One inch by two; red half an inch high at the upper left, green an inch at the lower right.
+/// One inch by two; red half an inch high at the upper left, green one inch at the lower right.
 test::PdfPageText MarkedPage(const std::string& entries = "") {
   return {"0 0 72 144",
           PdfRectangle("1 0 0", 0, 108, 36, 36) + PdfRectangle("0 1 0", 36, 0, 36, 72), "",

@@ -20,7 +20,7 @@ class PicturePreviewTest : public testing::Test {
  protected:
   PicturePreviewTest() { pane_.resize(240, 240); }
 
-  /// A bitmap of one colour; its full name.
+  /// Saves a bitmap of one color and returns its full name.
   QString File(const char* name, int width, int height, TColor color) {
     Raster raster(pf24bit, width, height);
     FillRaster(raster, {0, 0, width, height}, color);

@@ -23,8 +23,8 @@ using test::TempFolder;
 class PreviewDecoderTest : public testing::Test {
  protected:
   static Preview Decode(const std::string& fileName, int side = 100) {
-    const std::atomic<bool> isCancelled = false;
-    return DecodePreview(fileName, side, isCancelled);
+    const std::atomic<bool> isCanceled = false;
+    return DecodePreview(fileName, side, isCanceled);
   }
 
   /// Saves a bitmap in the kind of its extension; returns its full name.
@@ -124,10 +124,10 @@ TEST_F(PreviewDecoderTest, Text_Should_SayThatThereIsNone_When_FileIsNotToBeRead
   EXPECT_EQ(Decode(pipe).problem, rsPreviewNone);
 }
 
-TEST_F(PreviewDecoderTest, Reading_Should_End_When_Cancelled) {
+TEST_F(PreviewDecoderTest, Reading_Should_End_When_Canceled) {
   const std::string file = Save("a.png", test::GradientBitmap(pf24bit, 403, 201));
-  const std::atomic<bool> isCancelled = true;
-  EXPECT_TRUE(DecodePreview(file, 100, isCancelled).image.isNull());
+  const std::atomic<bool> isCanceled = true;
+  EXPECT_TRUE(DecodePreview(file, 100, isCanceled).image.isNull());
 }
 
 TEST_F(PreviewDecoderTest, EveryDamage_Should_GiveAPictureOrAText) {

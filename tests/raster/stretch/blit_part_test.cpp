@@ -159,7 +159,7 @@ TEST(BlitPart, Should_Survive_When_RectanglesAreHuge) {
       BlitBlended(drawn, place, source, part, {99, false});
     }
   }
-  // All of the numbers onto all of them: each target pixel takes the source pixel at its place.
+  // The whole number range onto itself: each target pixel takes the source pixel at its position.
   Raster drawn = test::GradientRaster(pf24bit, 11, 9);
   BlitCopied(drawn, {kLow, kLow, kHigh, kHigh}, source, {kLow, kLow, kHigh, kHigh});
   EXPECT_EQ(drawn.PixelColor(4, 3), source.PixelColor(4, 3));
@@ -212,7 +212,7 @@ TEST(BlitPart, Should_LeaveOutTheKey_AsWordsCanHoldIt) {
 }
 
 TEST(BlitPart, Should_MirrorAsTheImage_When_CentersFallBetweenPixels) {
-  // Two pixels become one: the centre lies between them, and the right one is taken; mirrored it
+  // Two pixels become one: the center lies between them, and the right one is taken; mirrored it
   // is the left one, which is the same picture seen in a mirror.
   const Raster source = test::GradientRaster(pf24bit, 2, 1);
   Raster drawn = test::GradientRaster(pf24bit, 1, 1);

@@ -16,7 +16,7 @@ using test::kEveryFormat;
 Raster RandomRaster15Clean(TPixelFormat format, int width, int height, std::mt19937& random) {
   Raster raster = test::RandomRaster(format, width, height, random);
   if (format != pf15bit) return raster;
-  // The unused highest bit of 15-bit words is no part of the colour.
+  // The unused highest bit of 15-bit words is no part of the color.
   for (int y = 0; y < height; ++y)
     for (int x = 0; x < width; ++x) raster.Row(y)[2 * x + 1] &= 0x7F;
   return raster;
@@ -82,7 +82,7 @@ TEST(Blit, Should_BlendEveryAlphaWithEveryValue) {
 }
 
 TEST(Blit, Should_KeepTheSource_When_AllOf16BitKeyIsWidened) {
-  // A key of pure red cannot be held by 16-bit pixels: the nearest that they hold is meant.
+  // 16-bit pixels cannot hold pure red: the key is the nearest color that they can hold.
   Raster source(pf16bit, 2, 1);
   source.Row(0)[0] = 0x00;
   source.Row(0)[1] = 0xF8;  // red

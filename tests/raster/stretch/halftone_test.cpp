@@ -80,7 +80,7 @@ TEST(Halftone, Should_EqualTheReference_ForEverySizeOfOneAxis) {
   }
 }
 
-/// The ratios that have ways of their own, wide enough for every vector length.
+/// Ratios with code of their own, wide enough for every vector length.
 TEST(Halftone, Should_EqualTheReference_ForPlainRatios_OnWidePictures) {
   constexpr unsigned kSeed = 6;
   std::printf("seed %u\n", kSeed);
@@ -99,7 +99,7 @@ TEST(Halftone, Should_EqualTheReference_ForPlainRatios_OnWidePictures) {
   }
 }
 
-/// Rows are added up in bands of 16; weights of their own have only the first and the last of all.
+/// Rows are summed in bands of 16; only the first and the last row have weights of their own.
 TEST(Halftone, Should_EqualTheReference_When_APixelCoversPartsOfManyRows) {
   constexpr unsigned kSeed = 9;
   std::printf("seed %u\n", kSeed);
@@ -142,7 +142,7 @@ TEST(Halftone, Should_InterpolateBetweenCenters_When_Growing) {
   std::copy_n(pixels, 6, source.Row(0));
   Raster target(pf24bit, 4, 1);
   BlitHalftone(target, {0, 0, 4, 1}, source);
-  // Centres of the target lie at -0.25, 0.25, 0.75 and 1.25 source pixels.
+  // Centers of the target lie at -0.25, 0.25, 0.75 and 1.25 source pixels.
   const uint8_t expected[] = {0, 0, 0, 25, 25, 50, 75, 75, 150, 100, 100, 200};
   for (int i = 0; i < 12; ++i) EXPECT_EQ(target.Row(0)[i], expected[i]) << i;
 }

@@ -77,7 +77,7 @@ TEST(Parallelogram, Should_EqualTheReference_ForEveryWidth_AndOnLargePictures) {
         const int w = any(1, 40), h = any(1, 40);
         Raster source = test::RandomRaster(from, w, h, random);
         if (IsIndexed(from) && from == to) source.palette = target.palette;
-        // One edge of the part with every size, so that the last row and column are met.
+        // One edge of the part with every size, so that the last row and column are covered.
         const PixelRect part{any(0, w - 1), any(0, h - 1), w, h};
         for (const int unit : {1, 8}) {
           Corners corners;
@@ -109,7 +109,7 @@ TEST(Parallelogram, Should_LeaveOutPixelsWithoutASource_When_ThePartIsALittleToo
     ExpectAsReference(target, {{{3, 0}, {60, 5}, {0, 38}}}, source, part);
 }
 
-/// So long a side or so large an area that fixed point would not be exact.
+/// A side too long or an area too large for exact fixed point.
 TEST(Parallelogram, Should_EqualTheReference_When_FixedPointIsTooCoarse) {
   constexpr unsigned kSeed = 305;
   std::printf("seed %u\n", kSeed);
@@ -193,11 +193,11 @@ TEST(Parallelogram, Should_CoverAll_When_ItIsHuge) {
   const int far = 1 << 27;
   Raster drawn = test::GradientRaster(pf24bit, 9, 7);
   const Raster source = test::GradientRaster(pf24bit, 5, 4);
-  // Nearly a square around the target, whose centre pixel it shows everywhere.
+  // Nearly a square around the target, whose center pixel it shows everywhere.
   BlitParallelogram(drawn, {{{-far, -far}, {far, 1 - far}, {-far, far}}}, source, {0, 0, 5, 3});
   for (int y = 0; y < 7; ++y)
     for (int x = 0; x < 9; ++x) EXPECT_EQ(drawn.PixelColor(x, y), source.PixelColor(2, 1));
-  // A part as large as numbers go.
+  // A part of the largest possible size.
   BlitParallelogram(drawn, {{{0, 0}, {9, 1}, {0, 7}}}, source,
                     {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX});
 }

@@ -54,6 +54,10 @@ bool HasNamelessFiles(const std::filesystem::path& folder) {
   return handle >= 0 && close(handle) == 0;
 }
 
+/// What a child ends with where system calls cannot be filtered, as in an emulator of another
+/// processor.
+constexpr int kCannotFilter = 78;
+
 /// As a file system that knows no nameless files: the system refuses to open one.
 void RefuseNamelessFiles() {
   constexpr uint32_t nameless = O_TMPFILE & ~O_DIRECTORY;
@@ -68,7 +72,7 @@ void RefuseNamelessFiles() {
   sock_fprog program{static_cast<unsigned short>(std::size(filter)), filter};
   if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
       prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0) {
-    _exit(77);
+    _exit(kCannotFilter);
   }
 }
 
@@ -295,6 +299,7 @@ TEST_F(AtomicFileTest, FileSystemWithoutNamelessFiles_GetsANamedOneBesideTheTarg
     }
     return 0;
   });
+  if (exitCode == kCannotFilter) GTEST_SKIP() << "no filters of system calls";
   EXPECT_EQ(exitCode, 3);
   EXPECT_EQ(ReadFile(name), "new");
   EXPECT_EQ(ReadFile(longName), "long");

@@ -1,4 +1,6 @@
 #include <array>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 #include <numeric>
 #include <string>
@@ -208,6 +210,17 @@ TEST_F(FileStreamTest, Read_WalksThroughTheFile) {
   stream.SetPosition(std::numeric_limits<uint64_t>::max());
   EXPECT_THAT(Read(stream, 2), ElementsAre());
   EXPECT_THROW(stream.Write(Bytes{1}), UnsupportedError);
+}
+
+TEST_F(FileStreamTest, Read_TakesBytesBeyondFourGigabytes) {
+  const std::string name = folder_.Write("giant", CountingBytes(3));
+  const uint64_t place = (uint64_t{5} << 30) + 7;
+  std::filesystem::resize_file(name, place);
+  std::ofstream(name, std::ios::binary | std::ios::app).write("abc", 3);
+  TFileStream stream(name);
+  EXPECT_EQ(stream.Size(), place + 3);
+  stream.SetPosition(place - 1);
+  EXPECT_THAT(Read(stream, 9), ElementsAre(0, 'a', 'b', 'c'));
 }
 
 TEST_F(FileStreamTest, ReadScattered_TakesMorePiecesThanTheSystemAtOnce) {

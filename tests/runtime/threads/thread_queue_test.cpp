@@ -113,7 +113,7 @@ TEST_F(QueueTest, PostToAThreadThatEnded_DropsTheMessage) {
   std::shared_ptr<ThreadQueue> queue;
   std::thread([&] { queue = ThreadQueue::Share(); }).join();
   const auto content = std::make_shared<int>(5);
-  queue->Post([content] { FAIL() << "nobody can run this"; });
+  queue->Post([content] { FAIL() << "must not run"; });
   EXPECT_EQ(content.use_count(), 1);
   EXPECT_FALSE(queue->NeedsAttention());
 }

@@ -6,7 +6,8 @@
 
 namespace rasterkit::test {
 
-/// The ratio of two colours' relative luminances, 1 to 21: texts want 4.5, icons and frames 3.
+/// Returns the ratio of the relative luminances of two colors, 1 to 21. Texts need 4.5, icons and
+/// frames 3.
 inline double Contrast(const QColor& a, const QColor& b) {
   const auto linear = [](double value) {
     return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);

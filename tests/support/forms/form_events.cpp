@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QPixmap>
+#include <QTest>
 #include <QTimer>
 #include <QWheelEvent>
 #include <utility>
@@ -12,6 +13,25 @@ void TurnWheel(QWidget& widget, QPoint position, int delta, Qt::KeyboardModifier
   QWheelEvent event(position, widget.mapToGlobal(position), QPoint(), QPoint(0, delta),
                     Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
   QApplication::sendEvent(&widget, &event);
+}
+
+void Settle(QWidget& form) {
+  // The thread that reads the messages of the X server is separate: sync() alone does not suffice.
+  constexpr int kPause = 5, kCalmRounds = 3, kMostRounds = 400;
+  QRect last;
+  for (int round = 0, calm = 0; round < kMostRounds && calm < kCalmRounds; ++round) {
+    QGuiApplication::sync();
+    QTest::qWait(kPause);
+    calm = form.geometry() == last ? calm + 1 : 0;
+    last = form.geometry();
+  }
+}
+
+bool ShowSettled(QWidget& form) {
+  form.show();
+  const bool isShown = QTest::qWaitForWindowExposed(&form);
+  Settle(form);
+  return isShown;
 }
 
 QImage GrabForm(QWidget& form) {

@@ -12,11 +12,18 @@ namespace rasterkit::test {
 void TurnWheel(QWidget& widget, QPoint position, int delta,
                Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
-/// The form as it looks, laid out and painted without being shown to anybody.
+/// Waits until the size and position of a window that is shown stay the same. A display server
+/// reports sizes late and in another order than they were requested.
+void Settle(QWidget& form);
+
+/// Shows the form and waits until it is on the screen and settled. False if it does not appear.
+[[nodiscard]] bool ShowSettled(QWidget& form);
+
+/// Returns a picture of the form, laid out and painted without being shown on the screen.
 QImage GrabForm(QWidget& form);
 
-/// Calls `action` once the modal window that the caller is about to open is up, with that window;
-/// an action that leaves it open is followed by a cancel, so that no test can hang.
+/// Calls `action` with the next modal window as soon as the caller has opened it. If the action
+/// leaves the window open, it is canceled afterwards, so that no test can hang.
 void WhenModal(std::function<void(QWidget& window)> action);
 
 }  // namespace rasterkit::test

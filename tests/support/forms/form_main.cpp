@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-// A display of the developer's, and the settings in the home folder, are left alone; texts and
-// numbers are English in whatever language the developer lives.
+// Does not use the developer's display and settings; texts and numbers are English in every locale.
 int main(int argc, char** argv) {
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("LC_ALL", "C.UTF-8");

@@ -14,17 +14,17 @@
 namespace rasterkit::test {
 namespace {
 
-/// Waits for modal windows and does in each what RASTERKIT_USER says: steps with semicolons between
-/// them, windows with bars in the order in which they open ("type FlEdW 30; click ButtonOK | key
-/// Escape"); a window that a step opens is dealt with before the next step. "action TEXT" in place
-/// of a window's steps is a command of the program's own window, "quit" closes that. A window that
-/// is still there after its steps, and one that nobody expected, is said on stderr and closed, so
-/// that no program waits for ever.
+/// Waits for modal windows and performs the steps in RASTERKIT_USER: steps are separated by
+/// semicolons, windows by bars in the order in which they open ("type FlEdW 30; click ButtonOK |
+/// key Escape"). A window that a step opens is handled before the next step. Instead of steps,
+/// "action TEXT" runs a command of the program's own window, and "quit" closes it. A window that is
+/// still open after its steps, or that was not expected, is reported on stderr and closed, so that
+/// no program waits forever.
 class User : public QObject {
  public:
   User() : scripts_(qEnvironmentVariable("RASTERKIT_USER").split(QLatin1Char('|'))) {
-    constexpr int milliseconds = 20;
-    startTimer(milliseconds);
+    constexpr int kMilliseconds = 20;
+    startTimer(kMilliseconds);
   }
 
  protected:
@@ -33,7 +33,7 @@ class User : public QObject {
     if (window == nullptr) return Command();
     if (window == actsOn_ || !window->isVisible() || !IsReady(*window)) return;
     const QPointer<QDialog> before = std::exchange(actsOn_, window);
-    // Not from here: the timer rests until this event is over, and a step may open a window.
+    // Not from here: the timer pauses during this event, and a step may open a window.
     const auto act = [this, before] {
       if (actsOn_) Act(*actsOn_);
       actsOn_ = before;
@@ -42,7 +42,7 @@ class User : public QObject {
   }
 
  private:
-  /// The command opens windows of its own, and is therefore not waited for.
+  /// Does not wait for the command, which opens its own windows.
   void Command() {
     if (actsOn_) return;
     const QString script = scripts_.value(next_).trimmed();
@@ -59,21 +59,22 @@ class User : public QObject {
     }
   }
 
-  /// Painted once, so that its layout is settled, and not busy; but nobody waits for ever.
+  /// Waits, with a limit, until the window was painted, so that its layout is final, and is not
+  /// busy.
   bool IsReady(const QDialog& window) {
-    constexpr int longest = 500;
+    constexpr int kLongest = 500;
     if (std::exchange(seen_, &window) != &window) {
       waited_ = 0;
       return false;
     }
     const QString script = scripts_.value(next_);
-    return ++waited_ > longest || CanDoStep(window, script.section(QLatin1Char(';'), 0, 0));
+    return ++waited_ > kLongest || CanDoStep(window, script.section(QLatin1Char(';'), 0, 0));
   }
 
   void Act(QDialog& window) {
     seen_ = nullptr;
     if (next_ >= scripts_.size())
-      return Leave(window, QStringLiteral("nobody expected this window"));
+      return Leave(window, QStringLiteral("this window was not expected"));
     const QString script = scripts_[next_++];
     for (const QString& step : script.split(QLatin1Char(';')))
       if (!DoStep(window, step))

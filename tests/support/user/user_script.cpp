@@ -25,7 +25,7 @@ bool Click(QWidget* widget) {
 bool Type(QWidget* widget, const QString& text, Qt::Key last) {
   if (widget == nullptr || !widget->isEnabled()) return false;
   widget->setFocus();
-  // A list would search for the key.
+  // A list would use the key for its search.
   const auto* const list = qobject_cast<QComboBox*>(widget);
   if (list == nullptr || list->isEditable())
     QTest::keyClick(widget, Qt::Key_A, Qt::ControlModifier);
@@ -37,7 +37,7 @@ bool Type(QWidget* widget, const QString& text, Qt::Key last) {
 bool Drag(QWidget* widget, QPoint from, QPoint to) {
   if (widget == nullptr) return false;
   QTest::mousePress(widget, Qt::LeftButton, Qt::NoModifier, from);
-  // QTest::mouseMove holds no button.
+  // QTest::mouseMove cannot hold a button.
   for (const QPoint& point : {(from + to) / 2, to}) {
     QMouseEvent move(QEvent::MouseMove, point, widget->mapToGlobal(point), Qt::NoButton,
                      Qt::LeftButton, Qt::NoModifier);

@@ -6,21 +6,21 @@
 
 namespace rasterkit::test {
 
-/// Does one step in a window:
+/// Performs one step in a window:
 ///
 ///     click NAME            on the button of that object name, or else of that text
-///     type NAME TEXT        into the field, in place of what it holds; in a list, the entry
-///     enter NAME TEXT       the same, with Return at its end
+///     type NAME TEXT        into the field, replacing its text; in a list, the entry
+///     enter NAME TEXT       the same, followed by Return
 ///     drag NAME X,Y X,Y     with the left button over the widget
-///     press NAME KEY        a key on the widget: Home, End, Left ...
-///     key Escape            Escape or Return, into the window
-///     close                 by the window's frame
+///     press NAME KEY        a key for the widget: Home, End, Left ...
+///     key Escape            Escape or Return for the window
+///     close                 with the frame's close button
 ///     interrupt             Ctrl-C in the terminal behind the program
 ///
-/// False when there is no such widget or step.
+/// False if there is no such widget or step.
 bool DoStep(QWidget& window, const QString& step);
 
-/// Whether the widget that the step names, if it names one, is there and enabled.
+/// Whether the widget of the step, if it has one, exists and is enabled.
 bool CanDoStep(const QWidget& window, const QString& step);
 
 }  // namespace rasterkit::test

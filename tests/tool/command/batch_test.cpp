@@ -14,7 +14,7 @@ namespace {
 
 using testing::HasSubstr;
 
-/// Twelve pictures of different sizes in in/; the fifth can be broken.
+/// Twelve pictures of different sizes in in/; the fifth one can be damaged.
 class CliBatch : public testing::Test {
  protected:
   CliBatch() {

@@ -1,4 +1,4 @@
-// What users, shells and systems do to a tool without meaning any harm.
+// Unusual but harmless things that users, shells and systems do.
 
 #include <filesystem>
 #include <fstream>
@@ -33,7 +33,7 @@ class CliHostileUse : public testing::Test {
   std::string in_ = folder_ / "in.bmp";
 };
 
-/// Runs the tool by the shell with a redirection behind its arguments; returns its exit code.
+/// Runs the tool in a shell with a redirection after its arguments; returns its exit code.
 int RunByShell(const std::string& arguments, const std::string& redirection) {
   const int status = std::system(("'" RASTERKIT_TOOL "' " + arguments + " " + redirection).c_str());
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128;
@@ -75,7 +75,7 @@ TEST_F(CliHostileUse, PipeAsOutputWhoseReaderLeaves_Should_Exit4AndNameIt) {
   const std::string pipe = folder_ / "pipe.bmp";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   ToolProcess tool({"convert", in_, pipe});
-  // The picture does not fit into the pipe, so that the writer waits until the reader leaves.
+  // The picture does not fit into the pipe, so the writer waits until the reader leaves.
   const int reader = open(pipe.c_str(), O_RDONLY);
   ASSERT_GE(reader, 0);
   close(reader);

@@ -95,8 +95,8 @@ TEST_F(CliOutputs, ModeOfAnExistingOutput_Should_BeKept) {
   EXPECT_EQ(status.st_mode & 0777u, 0640u);
 }
 
-/// The output is a pipe that holds less than the picture, so that the tool cannot have finished
-/// when the user interrupts.
+/// The output is a pipe smaller than the picture, so the tool cannot finish before the
+/// interruption.
 TEST_F(CliOutputs, Interruption_Should_Exit130_When_AnOutputIsBeingWritten) {
   SaveBmpFile(in_, GradientRaster(pf24bit, 800, 600));
   ASSERT_EQ(mkfifo((folder_ / "pipe.bmp").c_str(), 0600), 0);
@@ -133,7 +133,7 @@ TEST_F(CliOutputs, Interruption_Should_KeepWhatWasDone_When_APipeIsWaitedForInAB
   ASSERT_EQ(mkfifo((folder_ / "pipe.bmp").c_str(), 0600), 0);
   ToolProcess tool({"convert", "--json", in_, folder_ / "pipe.bmp", "--type", "png", "--out-dir",
                     folder_ / "out"});
-  // One after another: who opens the pipe has finished the first picture.
+  // The jobs run in order: the first picture is finished when the pipe is opened.
   const int pipe = open((folder_ / "pipe.bmp").c_str(), O_WRONLY);
   tool.Interrupt();
   const ToolResult result = tool.Wait();

@@ -1,4 +1,4 @@
-// The bars that the tool draws where stderr is a terminal.
+// Progress bars on a terminal.
 #include <string>
 #include <vector>
 
@@ -18,7 +18,7 @@ using testing::Not;
 
 const std::string kFullBar = "[" + std::string(40, '#') + "]";
 const std::string kEmptyBar = "[" + std::string(40, '.') + "]";
-/// Back to the beginning of the line, which is wiped.
+/// Moves to the start of the line and erases it.
 const std::string kGone = "\r\033[K";
 
 ToolSetup OnTerminal() {
@@ -34,7 +34,7 @@ class CliProgress : public testing::Test {
     return folder_ / name;
   }
 
-  /// What `combine` says of a picture of so many rows.
+  /// Output of `combine` for a picture with that many rows.
   std::string Combine(int height, const std::string& mode, const ToolSetup& setup) {
     const ToolResult result =
         RunTool({"combine", Picture("in.png", height), folder_ / "out.png", "--overwrite", "--with",

@@ -1,4 +1,4 @@
-// Every file of other people, whatever it is called and however damaged it is, on its way to PNG.
+// Converts every file of the corpus to PNG, whatever its name and damage.
 
 #include <filesystem>
 #include <sstream>
@@ -26,7 +26,7 @@ class CorpusConversion : public testing::TestWithParam<std::string> {
     std::filesystem::remove(out_);
   }
 
-  /// Of each line of stderr: a library would not know how the tool begins its lines.
+  /// Start of each line on stderr: a line printed by another library would not have it.
   void CheckWords(const std::string& err, const std::string& file) {
     std::istringstream lines(err);
     for (std::string line; std::getline(lines, line);)

@@ -1,4 +1,4 @@
-// Real files of other people: what `info --json` says of each, beside what the corpus' index says.
+// Compares `info --json` with the index of the corpus.
 
 #include <algorithm>
 #include <cmath>
@@ -22,7 +22,7 @@ namespace {
 
 using nlohmann::json;
 
-/// Files whose index entry is not what Rasterkit says, and why that is right.
+/// Files where Rasterkit rightly differs from the index, with the reason.
 const std::map<std::string, std::string> kExceptions = {
     {"exif/exifsample__Canon_DIGITAL_IXUS_400.jpg", "only the XMP packet states an orientation"},
     {"exif/exifsample__image01088.jpg", "only the XMP packet states an orientation"},
@@ -41,7 +41,7 @@ const std::map<std::string, std::string> kExceptions = {
     {"worldfile/geotools__s2_13bands_wld.tif", "the index counts one sample of 13"},
 };
 
-/// World files lie beside their pictures.
+/// World files are beside their pictures.
 std::vector<CorpusEntry> Pictures(const std::string& folder) {
   std::vector<CorpusEntry> entries = CorpusEntries(folder);
   entries.erase(std::remove_if(entries.begin(), entries.end(),
@@ -62,7 +62,7 @@ class CorpusSweep : public testing::TestWithParam<std::string> {
     EXPECT_TRUE(holds || kExceptions.count(path) != 0) << path << ": " << what;
   }
 
-  /// An exception that no longer is one has to go.
+  /// An exception that is not needed must be removed.
   void CheckExceptions() {
     for (const auto& [path, reason] : kExceptions) {
       if (path.rfind(GetParam() + "/", 0) != 0) continue;
@@ -80,7 +80,7 @@ class CorpusSweep : public testing::TestWithParam<std::string> {
 
   void CheckSize(const CorpusEntry& entry, const json& facts) {
     if (!facts.at("ok") || entry.at("width").empty()) return;
-    // The index counts pixels of the devices that metafiles were made for.
+    // The index states metafile sizes in pixels of the original device.
     if (!facts.at("metafile").is_null()) return;
     Expect(facts.at("width") == std::stoi(entry.at("width")), entry,
            "width " + facts.at("width").dump());
@@ -105,14 +105,14 @@ class CorpusSweep : public testing::TestWithParam<std::string> {
     double latitude = 0, longitude = 0;
     std::sscanf(text.c_str(), "%lf,%lf", &latitude, &longitude);
     if (!facts.at("gps").is_object()) return Expect(false, entry, "has no position");
-    constexpr double tolerance = 1e-6;
-    Expect(std::abs(facts["gps"]["latitude"].get<double>() - latitude) < tolerance, entry,
+    constexpr double kTolerance = 1e-6;
+    Expect(std::abs(facts["gps"]["latitude"].get<double>() - latitude) < kTolerance, entry,
            "latitude " + facts["gps"]["latitude"].dump());
-    Expect(std::abs(facts["gps"]["longitude"].get<double>() - longitude) < tolerance, entry,
+    Expect(std::abs(facts["gps"]["longitude"].get<double>() - longitude) < kTolerance, entry,
            "longitude " + facts["gps"]["longitude"].dump());
   }
 
-  /// The number behind `name=` among the index' other facts.
+  /// The number after `name=` among the other facts of the index.
   static std::optional<int> Fact(const CorpusEntry& entry, const std::string& name) {
     const std::string& facts = entry.at("facts");
     const size_t at = facts.find(name + "=");
@@ -127,7 +127,7 @@ class CorpusSweep : public testing::TestWithParam<std::string> {
     Expect(facts.at("pages") == pages, entry, "pages " + facts.at("pages").dump());
   }
 
-  /// The index has depths as "8x3": bits of a sample and samples of a pixel.
+  /// The index states depths as "8x3": bits per sample and samples per pixel.
   void CheckSamples(const CorpusEntry& entry, const json& facts) {
     int bits = 0, samples = 0;
     if (facts.at("tiff").is_null() ||
@@ -145,7 +145,7 @@ class CorpusSweep : public testing::TestWithParam<std::string> {
     if (std::sscanf(text.c_str() + at, "geotransform=%lf,%lf,%lf,%lf,%lf,%lf", &t[0], &t[1], &t[2],
                     &t[3], &t[4], &t[5]) != 6)
       return;
-    // The index counts from the corner of the first pixel, the tool from its centre.
+    // The index counts from the corner of the first pixel, the tool from its center.
     const double expected[6] = {
         t[1], t[4], t[2], t[5], t[0] + (t[1] + t[2]) / 2, t[3] + (t[4] + t[5]) / 2};
     for (int i = 0; i < 6; ++i) {
@@ -157,7 +157,7 @@ class CorpusSweep : public testing::TestWithParam<std::string> {
 
   std::set<std::string> deviations_;
 
-  /// The tool's rotation is the photo query's, whatever that is.
+  /// `rotation` is the result of the photo query.
   void CheckRotation(const std::string& file, const CorpusEntry& entry, const json& facts) {
     if (!facts.at("ok") || facts.at("type") != "jpeg") return;
     int rotation = 0;

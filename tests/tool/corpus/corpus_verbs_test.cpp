@@ -1,5 +1,5 @@
-// Every verb that changes pictures, on files of other people: each picture that can be read is
-// written, whatever its kind, depth and palette.
+// Runs every verb that changes pictures on the corpus: each readable picture must be written,
+// whatever its type, depth and palette.
 
 #include <filesystem>
 
@@ -26,7 +26,7 @@ class CorpusVerbs : public testing::TestWithParam<VerbLine> {
     return files;
   }
 
-  /// How many of the files can be read at all.
+  /// Number of readable files.
   static size_t Readable(const std::vector<std::string>& files) {
     std::vector<std::string> line = {"info", "--json"};
     line.insert(line.end(), files.begin(), files.end());
@@ -56,7 +56,7 @@ class CorpusVerbs : public testing::TestWithParam<VerbLine> {
     }
   }
 
-  /// Verbs that make sense for some pictures only.
+  /// Verbs that apply only to some pictures.
   static bool MayRefuse() {
     const std::string& verb = GetParam().words[0];
     return verb == "swap-alpha" || verb == "palette";

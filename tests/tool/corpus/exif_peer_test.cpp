@@ -1,4 +1,4 @@
-// What the verb `exif` does with real photographs, beside what exiftool says of them.
+// Compares the verb `exif` with exiftool on real photographs.
 
 #include <algorithm>
 #include <filesystem>
@@ -28,7 +28,7 @@ class ExifPeer : public testing::Test {
   void SetUp() override {
     if (!HasProgram("exiftool")) GTEST_SKIP() << "exiftool is not installed";
     if (CorpusFolder().empty()) GTEST_SKIP() << "no corpus";
-    // The other program is slow: a few photographs suffice but for the full run.
+    // exiftool is slow: only the full run uses all photographs.
     size_t number = 0;
     for (const CorpusEntry& entry : CorpusEntries("exif"))
       if (IsFullRun() || number++ % 6 == 0)
@@ -37,7 +37,7 @@ class ExifPeer : public testing::Test {
     for (const std::string& photo : photos_) originals_.append(" ").append(Quoted(photo));
   }
 
-  /// One line of the tool for all photographs; the outputs lie in the folder.
+  /// Runs the tool once for all photographs; the outputs are in the folder.
   ToolResult ForAll(std::vector<std::string> options, const std::string& folder) const {
     options.insert(options.begin(), "exif");
     options.insert(options.end(), {"--continue", "--out-dir", folder_ / folder});
@@ -45,7 +45,7 @@ class ExifPeer : public testing::Test {
     return RunTool(options);
   }
 
-  /// Everything that exiftool finds in each of the files, by the file's name.
+  /// All tags that exiftool finds, by file name.
   static std::map<std::string, json> Tags(const std::string& files) {
     std::map<std::string, json> tags;
     const json list = json::parse(OutputOf("exiftool -j -G1 -a -u -n " + files));
@@ -55,7 +55,7 @@ class ExifPeer : public testing::Test {
     return tags;
   }
 
-  /// Compares all tags but those of groups that may differ.
+  /// Compares all tags except those of groups that may differ.
   static void ExpectSameTags(const json& before, const json& after,
                              const std::vector<std::string>& mayDiffer, const std::string& name) {
     const std::vector<std::string> ofTheFile = {"SourceFile",
@@ -68,7 +68,7 @@ class ExifPeer : public testing::Test {
 
   TempFolder folder_;
   std::vector<std::string> photos_;
-  /// The same as arguments of a command.
+  /// The same files as arguments of a command.
   std::string originals_;
 };
 
@@ -93,7 +93,7 @@ TEST_F(ExifPeer, Strip_Should_LoseTheThumbnailAlone) {
   const auto before = Tags(originals_), after = Tags(Quoted(folder_ / "stripped"));
   for (const auto& [name, tags] : before) {
     const json& stripped = after.at(name);
-    // Where a further picture lies is told as a place in the file, which became shorter.
+    // The place of a further picture is an offset in the file, which became shorter.
     ExpectSameTags(tags, stripped, {"IFD1:", "MPImage2:MPImageStart"}, name);
     for (const auto& [key, value] : stripped.items())
       EXPECT_FALSE(StartsWithOneOf(key, {"IFD1:"})) << name << " kept " << key;
@@ -110,14 +110,14 @@ TEST_F(ExifPeer, Copy_Should_CarryAllTagsIntoAnotherPicture) {
   }
   const auto before = Tags(originals_), after = Tags(Quoted(folder_ / "copied"));
   for (const auto& [name, tags] : before)
-    // The thumbnail's place is told as a place in the file; the rest is not carried over.
+    // The place of the thumbnail is an offset in the file. The others are not carried over.
     ExpectSameTags(tags, after.at(name),
                    {"IFD1:ThumbnailOffset", "IFD1:StripOffsets", "JFIF:", "Adobe:", "MPF",
                     "MPImage", "GoPro:"},
                    name);
 }
 
-/// Pictures of every colour model, under metadata with and without EXIF data.
+/// Pictures of every color model with metadata, with and without EXIF data.
 TEST(ExifCorpusPictures, Copy_Should_ChangeNoPixel) {
   if (CorpusFolder().empty()) GTEST_SKIP() << "no corpus";
   const TempFolder folder;

@@ -1,4 +1,4 @@
-// Grids as gdal reads them; each test is skipped where gdal or the corpus is absent.
+// Compares grids with GDAL. Each test is skipped if GDAL or the corpus is missing.
 
 #include <algorithm>
 #include <cmath>
@@ -19,7 +19,7 @@ namespace {
 
 using nlohmann::json;
 
-/// The first band of a file as gdal reads it.
+/// The first band of a file as GDAL reads it.
 struct PeerGrid {
   /// "Float32" (also for halves and complex floats), "UInt16", "Int16".
   std::string type;
@@ -27,13 +27,13 @@ struct PeerGrid {
   json noData;
 };
 
-/// gdal widens halves to floats; of complex numbers only the real parts are asked for.
+/// GDAL converts halves to floats; of complex numbers only the real parts are compared.
 std::string RealType(const std::string& type) {
   if (type == "CInt16") return "Int16";
   return type == "CFloat32" ? "Float32" : type;
 }
 
-/// Nothing when gdal cannot read the file.
+/// Nothing if GDAL cannot read the file.
 std::optional<PeerGrid> ReadWithGdal(const std::string& file, const TempFolder& folder) {
   const json info = GdalInfo(file);
   if (!info.is_object()) return std::nullopt;
@@ -48,7 +48,7 @@ std::optional<PeerGrid> ReadWithGdal(const std::string& file, const TempFolder& 
   return grid;
 }
 
-/// Value by value, summed up by the plainest code.
+/// Statistics by a plain loop.
 struct Summary {
   uint64_t values = 0;
   double minimum = 0, maximum = 0, mean = 0;
@@ -86,7 +86,7 @@ void CompareStatistics(const json& ours, const PeerGrid& grid, const std::string
   EXPECT_NEAR(ours["mean"].get<double>(), theirs.mean, 1e-12 * range) << file;
 }
 
-/// Every bit of every value, as the library's routine gives them.
+/// All values bit by bit, from the library's routine.
 void CompareValues(const PeerGrid& grid, const std::string& file) {
   std::unique_ptr<TBitmap> bitmap;
   TWICFloatFormat format = ffNoFloat;
@@ -100,7 +100,7 @@ void CompareValues(const PeerGrid& grid, const std::string& file) {
         << file << " row " << y;
 }
 
-/// False when gdal reads nothing.
+/// False if GDAL cannot read the file.
 bool CompareGrid(const json& ours, const std::string& file, const TempFolder& folder) {
   const auto grid = ReadWithGdal(file, folder);
   if (!grid) return false;
@@ -114,7 +114,7 @@ bool CompareGrid(const json& ours, const std::string& file, const TempFolder& fo
   return true;
 }
 
-/// What gdal finds at a column and row, or with `-geoloc` at a map point.
+/// GDAL's value at a column and row, or with `-geoloc` at a map point.
 double ValueOfGdal(const std::string& options, const std::string& file, const json& point) {
   std::ostringstream command;
   command.precision(17);
@@ -124,14 +124,14 @@ double ValueOfGdal(const std::string& options, const std::string& file, const js
   return text.empty() ? std::nan("") : std::stod(text);
 }
 
-/// The tool's answers at `pixels` as gdal would give them, each by its pixel and by its map point.
+/// The tool's values at `pixels` in GDAL's format, each by its pixel and by its map point.
 void CompareAnswers(const std::string& file, const std::vector<std::string>& pixels) {
   std::vector<std::string> line = {"geotiff", "--json", file};
   for (const std::string& pixel : pixels) line.insert(line.end(), {"--at", pixel});
   const json ours = JsonLines(RunTool(line).out).at(0);
   for (const json& answer : ours["at"]) {
     ASSERT_TRUE(answer["value"].is_number()) << file << answer;
-    // 15 digits are all that gdallocationinfo prints of a float
+    // gdallocationinfo prints only 15 digits of a float.
     const double value = answer["value"], tolerance = 1e-14 * std::abs(value);
     EXPECT_NEAR(value, ValueOfGdal("", file, answer["pixel"]), tolerance) << file << answer;
     if (!answer["map"].is_array()) continue;

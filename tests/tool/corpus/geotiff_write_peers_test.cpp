@@ -1,5 +1,5 @@
-// What other programs read in our GeoTIFF files. Each test is skipped where its program or the
-// corpus is absent.
+// Reads the tool's GeoTIFF files with other programs. Each test is skipped if its program or the
+// corpus is missing.
 
 #include <filesystem>
 #include <fstream>
@@ -57,7 +57,7 @@ TEST(ListgeoPeer, Listgeo_Should_ReadTheTagsThatWereWritten) {
   EXPECT_THAT(text, testing::ContainsRegex("ModelPixelScaleTag \\(1,3\\):\n +0.5 +0.25 +0 +\n"));
 }
 
-/// Pairs that no GeoTIFF with a scale and a tie point can hold.
+/// Pairs that a GeoTIFF with a scale and a tie point cannot express.
 const std::set<std::string> kRotatedPairs = {"gdal__test"};
 
 TEST_F(GdalCorpus, EveryWorldFile_Should_BecomeTheGeotransformOfAGeoTiff) {

@@ -12,7 +12,7 @@ using testing::HasSubstr;
 
 class CliDialogAdjust : public DialogTest {};
 
-/// The dialog leaves black and white alone where the verb does not: none of them here.
+/// A picture without black and white: the dialog does not change them, but the verb does.
 Raster Colors() {
   Raster raster = GradientRaster(pf24bit, 41, 23);
   for (int y = 0; y < raster.Height(); ++y)
@@ -98,7 +98,7 @@ TEST_F(CliDialogAdjust, Cancel_Should_Exit1AndWriteNothing) {
   for (const char* script : {"click nbCancel", "type SpEdLightness 20; key Escape", "close"}) {
     const ToolResult result = RunVerb("adjust", Colors(), script);
     EXPECT_EQ(result.code, 1) << script;
-    EXPECT_THAT(result.err, HasSubstr("cancelled")) << script;
+    EXPECT_THAT(result.err, HasSubstr("canceled")) << script;
     EXPECT_FALSE(HasOutput()) << script;
   }
 }

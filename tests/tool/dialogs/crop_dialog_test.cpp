@@ -78,7 +78,7 @@ TEST_F(CliDialogCrop, Cancel_Should_Exit1AndWriteNothing) {
        {"click nbCancel", "drag PaintBox 200,150 260,190; key Escape", "close"}) {
     const ToolResult result = RunVerb("crop", GradientRaster(pf24bit, 400, 300), script);
     EXPECT_EQ(result.code, 1) << script;
-    EXPECT_THAT(result.err, HasSubstr("cancelled")) << script;
+    EXPECT_THAT(result.err, HasSubstr("canceled")) << script;
     EXPECT_FALSE(HasOutput()) << script;
   }
 }

@@ -1,4 +1,4 @@
-// What becomes of --dialog where the user cannot be asked, or does not want to be.
+// --dialog if no window can be opened, or if an error comes first.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -67,7 +67,7 @@ TEST_F(CliDialog, ExistingOutput_Should_BeRefusedBeforeTheUserIsAsked) {
   const ToolResult result = Run(Line("resize"), "");
   EXPECT_EQ(result.code, 4);
   EXPECT_EQ(result.err,
-            "rasterkit: " + (folder_ / "out.png") + ": exists already (--overwrite replaces it)\n");
+            "rasterkit: " + (folder_ / "out.png") + ": already exists (--overwrite replaces it)\n");
   EXPECT_EQ(ReadBytes(folder_ / "out.png").size(), 4u);
 }
 

@@ -1,4 +1,4 @@
-// --dialog where the library of the dialogs is missing, broken, or another one.
+// --dialog with a missing, damaged or wrong library of the dialogs.
 
 #include <filesystem>
 
@@ -15,7 +15,7 @@ namespace {
 
 using testing::HasSubstr;
 
-/// The tool finds its library in a folder of the test, and the dialogs beside that.
+/// The tool loads its library from a folder of the test, and the dialogs from the same folder.
 class CliDialogLibrary : public testing::Test {
  protected:
   void SetUp() override {
@@ -29,7 +29,7 @@ class CliDialogLibrary : public testing::Test {
   std::string Dialogs() const { return Libraries() / "librasterkit-dialogs.so.0"; }
   void PlaceFake() const { std::filesystem::create_symlink(RASTERKIT_FAKE_DIALOGS, Dialogs()); }
 
-  /// Runs a verb that must exit 4, and returns what it says.
+  /// Runs a verb that must exit with code 4, and returns its message.
   std::string Refusal(const std::string& verb, const std::string& fake = "") const {
     const Environment environment({{"LD_LIBRARY_PATH", Libraries().string()},
                                    {"RASTERKIT_FAKE", fake},

@@ -40,7 +40,7 @@ TEST_F(CliDialogEdit, Cancel_Should_Exit1) {
       const ToolResult result = Run({"edit", file}, script);
       EXPECT_EQ(result.code, 1) << file << " " << script;
       EXPECT_EQ(result.out, "");
-      EXPECT_EQ(result.err, "rasterkit: " + file + ": cancelled\n") << script;
+      EXPECT_EQ(result.err, "rasterkit: " + file + ": canceled\n") << script;
     }
   }
   EXPECT_EQ(folder_.Names(), (std::vector<std::string>{"in.png", "plan.pdf"}));
@@ -113,16 +113,16 @@ TEST_F(CliDialogEdit, WithoutAFile_Should_AskForOne) {
   EXPECT_EQ(result.out, (folder_ / "in.png") + "\n");
   const ToolResult none = Run({"edit"}, "key Escape");
   EXPECT_EQ(none.code, 1);
-  EXPECT_EQ(none.err, "rasterkit: edit: cancelled\n");
+  EXPECT_EQ(none.err, "rasterkit: edit: canceled\n");
   const ToolResult left = Run({"edit"}, choose + " | key Escape");
   EXPECT_EQ(left.code, 1);
-  EXPECT_EQ(left.err, "rasterkit: " + (folder_ / "in.png") + ": cancelled\n");
+  EXPECT_EQ(left.err, "rasterkit: " + (folder_ / "in.png") + ": canceled\n");
 }
 
 TEST_F(CliDialogEdit, FileThatIsMissing_Should_Exit3_WithoutAWindow) {
   const ToolResult missing = Run({"edit", folder_ / "missing.png"}, "");
   EXPECT_EQ(missing.code, 3);
-  EXPECT_EQ(missing.err, "rasterkit: " + (folder_ / "missing.png") + ": there is no such file\n");
+  EXPECT_EQ(missing.err, "rasterkit: " + (folder_ / "missing.png") + ": no such file\n");
 }
 
 TEST_F(CliDialogEdit, FileThatCannotBeOpened_Should_Exit3_AndBeToldInAWindow) {

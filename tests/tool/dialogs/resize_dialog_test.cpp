@@ -39,7 +39,7 @@ TEST_F(CliDialogResize, Cancel_Should_Exit1AndWriteNothing) {
   for (const char* script : {"click ButtonExit", "type FlEdW 7; key Escape", "close"}) {
     const ToolResult result = RunVerb("resize", GradientRaster(pf24bit, 6, 4), script);
     EXPECT_EQ(result.code, 1) << script;
-    EXPECT_EQ(result.err, "rasterkit: " + (folder_ / "in.png") + ": cancelled\n") << script;
+    EXPECT_EQ(result.err, "rasterkit: " + (folder_ / "in.png") + ": canceled\n") << script;
     EXPECT_FALSE(HasOutput()) << script;
   }
 }
@@ -66,7 +66,7 @@ TEST_F(CliDialogResize, EachOfSeveralPictures_Should_HaveItsWindow) {
   ASSERT_EQ(lines.size(), 3u);
   EXPECT_EQ(lines[0]["width"], 30);
   EXPECT_EQ(lines[1]["ok"], false);
-  EXPECT_THAT(lines[1]["error"].get<std::string>(), HasSubstr("cancelled"));
+  EXPECT_THAT(lines[1]["error"].get<std::string>(), HasSubstr("canceled"));
   EXPECT_EQ(lines[2]["width"], 15);
   EXPECT_FALSE(std::filesystem::exists(folder_ / "d/b.png"));
 }

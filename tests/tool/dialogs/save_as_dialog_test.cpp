@@ -34,7 +34,7 @@ class CliDialogSaveAs : public DialogTest {
     line.insert(line.end(), options.begin(), options.end());
     return Run(line, script);
   }
-  /// Runs it, and returns the file that must have been written.
+  /// Runs the verb and returns the file that it must have written.
   std::string Saved(const std::string& script, const std::string& name,
                     const std::vector<std::string>& options = {},
                     const std::string& file = "in.png") {
@@ -44,7 +44,7 @@ class CliDialogSaveAs : public DialogTest {
     EXPECT_EQ(result.out, (folder_ / name) + "\n");
     return folder_ / name;
   }
-  /// What the library's own routine writes of the picture.
+  /// The file that the library's own routine writes.
   std::vector<uint8_t> WrittenByLibrary(int bits, int quality, const std::string& extension,
                                         const std::string& file = "in.png") {
     std::unique_ptr<TBitmap> bitmap;
@@ -159,7 +159,7 @@ TEST_F(CliDialogSaveAs, PixelsOfNone_Should_BeRefused) {
              {"--pixels"});
   EXPECT_EQ(result.code, 4);
   EXPECT_EQ(result.out, "");
-  EXPECT_THAT(result.err, HasSubstr("0 x 0 is no size"));
+  EXPECT_THAT(result.err, HasSubstr("0 x 0 is not a valid size"));
   EXPECT_FALSE(std::filesystem::exists(folder_ / "new.png"));
 }
 
@@ -194,7 +194,7 @@ TEST_F(CliDialogSaveAs, Cancel_Should_Exit1) {
     const ToolResult result = SaveAs(script);
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "rasterkit: " + (folder_ / "in.png") + ": cancelled\n") << script;
+    EXPECT_EQ(result.err, "rasterkit: " + (folder_ / "in.png") + ": canceled\n") << script;
   }
   EXPECT_THAT(folder_.Names(), ElementsAre("in.png"));
 }

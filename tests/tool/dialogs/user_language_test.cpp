@@ -12,9 +12,9 @@ class CliDialogLanguage : public DialogTest {};
 TEST_F(CliDialogLanguage, Windows_Should_SpeakTheUsersLanguage) {
   const Raster raster = GradientRaster(pf24bit, 60, 40);
   locale_ = "de_DE.UTF-8";
-  const ToolResult cancelled = RunVerb("resize", raster, "click Abbrechen");
-  EXPECT_EQ(cancelled.code, 1);
-  EXPECT_EQ(cancelled.err, "rasterkit: " + (folder_ / "in.png") + ": cancelled\n");
+  const ToolResult canceled = RunVerb("resize", raster, "click Abbrechen");
+  EXPECT_EQ(canceled.code, 1);
+  EXPECT_EQ(canceled.err, "rasterkit: " + (folder_ / "in.png") + ": canceled\n");
   EXPECT_EQ(Confirmed("crop", raster,
                       "type SpEdLeft 5; type SpEdTop 5; type SpEdWidth 30; type SpEdHeight 25; "
                       "click OK")

@@ -37,7 +37,7 @@ class CliPdf : public testing::Test {
     WriteText(folder_ / "plan.pdf", PdfText({Page("1 0 0"), Page("0 1 0"), Page("0 0 1")}));
   }
 
-  /// Half an inch by one, the colour in its upper left quarter inch.
+  /// A page of 0.5 x 1 inch; its top left quarter inch is colored.
   static PdfPageText Page(const std::string& color) {
     return {"0 0 36 72", PdfRectangle(color, 0, 54, 18, 18)};
   }
@@ -81,9 +81,9 @@ TEST_F(CliPdf, LargePage_Should_TakeFourBytesAPixelAtMost_When_ItIsDrawnAndWritt
   if (IsSanitized()) GTEST_SKIP() << "the sanitizers' own memory counts as well";
   const ToolResult result = Run({In("plan.pdf"), In("out.bmp"), "--dpi", "8000"});
   EXPECT_EQ(result.code, 0) << result.err;
-  constexpr uint64_t pixels = 4000 * 8000;
-  EXPECT_EQ(std::filesystem::file_size(In("out.bmp")), 54 + 3 * pixels);
-  EXPECT_LE(result.peakMemory, 4 * pixels + (uint64_t{64} << 20));
+  constexpr uint64_t kPixels = 4000 * 8000;
+  EXPECT_EQ(std::filesystem::file_size(In("out.bmp")), 54 + 3 * kPixels);
+  EXPECT_LE(result.peakMemory, 4 * kPixels + (uint64_t{64} << 20));
 }
 
 TEST_F(CliPdf, Pages_Should_BeNumbered_When_TheyGoIntoAFolder) {
@@ -138,7 +138,7 @@ TEST_F(CliPdf, Colors_Should_GoDown_When_GrayOrMonoIsAsked) {
   EXPECT_EQ(LoadFile(In("light.png")).PixelColor(5, 5), 0xFFFFFFu);
 }
 
-TEST_F(CliPdf, List_Should_ShowPointsMillimetresAndPixels_When_ThereIsNoOutput) {
+TEST_F(CliPdf, List_Should_ShowPointsMillimetersAndPixels_When_ThereIsNoOutput) {
   WriteText(In("two.pdf"), PdfText({{"0 0 595.276 841.89"}, {"0 0 72 144", "", "", "/Rotate 90"}}));
   const ToolResult text = Run({In("two.pdf")});
   EXPECT_EQ(text.code, 0) << text.err;
@@ -222,11 +222,11 @@ TEST_F(CliPdf, Password_Should_OpenTheFile_When_ItIsRight) {
 TEST_F(CliPdf, Pages_Should_BeRefused_When_ThereIsNoneOrItIsTooLarge) {
   const ToolResult none = Run({In("plan.pdf"), In("o.png"), "--page", "9"});
   EXPECT_EQ(none.code, 4);
-  EXPECT_THAT(none.err, HasSubstr("there is no page 9 among 3"));
+  EXPECT_THAT(none.err, HasSubstr("there is no page 9, the file has 3"));
   const ToolResult beyond =
       Run({In("plan.pdf"), "--out-dir", In("out"), "--page", "2-5", "--continue"});
   EXPECT_EQ(beyond.code, 4);
-  EXPECT_THAT(beyond.err, HasSubstr("there is no page 4 among 3"));
+  EXPECT_THAT(beyond.err, HasSubstr("there is no page 4, the file has 3"));
   EXPECT_TRUE(std::filesystem::exists(In("out/plan-3.png")));
   WriteText(In("huge.pdf"), PdfText({{"0 0 14400 14400"}}));
   const ToolResult huge = Run({In("huge.pdf"), In("o.png"), "--dpi", "300"});
@@ -298,7 +298,7 @@ TEST_F(CliPdf, Info_Should_RefuseAPdf_When_ItIsCalledAPicture) {
     const json facts = JsonLines(result.out).at(0);
     EXPECT_EQ(facts["type"], "pdf") << name;
     EXPECT_EQ(facts["ok"], false) << name;
-    EXPECT_THAT(std::string(facts["error"]), HasSubstr("needs a name that ends in .pdf")) << name;
+    EXPECT_THAT(std::string(facts["error"]), HasSubstr("must end in .pdf")) << name;
   }
   std::filesystem::copy_file(In("plan.pdf"), In("LARGE.PDF"));
   EXPECT_EQ(RunTool({"info", In("LARGE.PDF")}).code, 0);
@@ -315,7 +315,7 @@ TEST_F(CliPdf, EveryFile_Should_EndInWords_When_ItIsOfTheCorpus) {
   }
 }
 
-/// Without the library the tool still runs; librasterkit alone is found through the loader's path.
+/// The tool runs without the PDF library; librasterkit alone is found through the loader's path.
 TEST(CliPdfAbsent, Pdf_Should_SayWhatIsMissing_When_TheLibraryIsNotInstalled) {
   if (IsSanitized()) GTEST_SKIP() << "libraries are looked for on the program's path";
   const TempFolder folder;
@@ -330,7 +330,7 @@ TEST(CliPdfAbsent, Pdf_Should_SayWhatIsMissing_When_TheLibraryIsNotInstalled) {
   EXPECT_EQ(WEXITSTATUS(drawn), 3);
   const std::vector<uint8_t> error = ReadBytes(folder / "error.txt");
   EXPECT_THAT(std::string(error.begin(), error.end()),
-              HasSubstr("plan.pdf: what draws PDF pages is not installed"));
+              HasSubstr("plan.pdf: the component for PDF files is not installed"));
   const int asked =
       std::system((command + "info --json plan.pdf > facts.json 2> error.txt").c_str());
   EXPECT_EQ(WEXITSTATUS(asked), 0);

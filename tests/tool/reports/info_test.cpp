@@ -93,7 +93,7 @@ TEST_F(CliInfo, Json_Should_GiveSignedPosition_When_SouthWestAndBelowTheSea) {
 }
 
 TEST_F(CliInfo, Position_Should_HaveNoSign_When_ItIsZero) {
-  // Marked as south, west and below the sea, and too small for the rationals.
+  // Marked as south, west and below sea level, and too small for the rationals.
   WriteBytes(folder_ / "a.jpg",
              samples::WithExif(EncodeJpeg(GrayRaster(9, 7), 90), samples::ByteOrder::intel, 1,
                                samples::Place{-1e-12, -1e-12, -1e-12}));
@@ -166,7 +166,7 @@ TEST_F(CliInfo, UnreadableFile_Should_BeRefused) {
 }
 
 TEST_F(CliInfo, AbsurdClaims_Should_BeRefusedWithoutTakingTheMemory) {
-  // 300 bytes that claim 65535 x 65535 pixels of 24 bits.
+  // 300 bytes that state 65535 x 65535 pixels of 24 bits.
   std::vector<uint8_t> bmp = {'B', 'M', 44, 1,   0,   0, 0, 0,   0,   0, 54, 0, 0, 0, 40,
                               0,   0,   0,  255, 255, 0, 0, 255, 255, 0, 0,  1, 0, 24};
   bmp.resize(300);

@@ -1,4 +1,4 @@
-// What `info` says of TIFF files: layout, pages, grids, positions, damage.
+// `info` on TIFF files: layout, pages, grids, positions, damage.
 
 #include <algorithm>
 #include <tuple>
@@ -78,13 +78,13 @@ TEST_F(CliTiffInfo, Pixels_Should_BeSaidInWords) {
   const auto words = [&](const TiffFile& file) { return Facts(file)["tiff"]["pixels"]; };
   TiffFile file = GrayTiff(9, 5, 1);
   EXPECT_EQ(words(file), "1-bit black and white");
-  EXPECT_EQ(words(GrayTiff(9, 5, 4)), "4-bit grey");
-  EXPECT_EQ(words(GrayTiff(9, 5, 16)), "16-bit grey");
+  EXPECT_EQ(words(GrayTiff(9, 5, 4)), "4-bit gray");
+  EXPECT_EQ(words(GrayTiff(9, 5, 16)), "16-bit gray");
   file = GrayTiff(9, 5, 16);
   file.sampleFormat = SAMPLEFORMAT_INT;
-  EXPECT_EQ(words(file), "16-bit signed grey");
+  EXPECT_EQ(words(file), "16-bit signed gray");
   file.sampleFormat = SAMPLEFORMAT_IEEEFP;
-  EXPECT_EQ(words(file), "16-bit float grey");
+  EXPECT_EQ(words(file), "16-bit float gray");
   file = ColorTiff(9, 5);
   file.samples = 4;
   file.extraSamples = {EXTRASAMPLE_UNASSALPHA};
@@ -177,7 +177,7 @@ TEST_F(CliTiffInfo, Positions_Should_WarnWithTheFilesName_When_TheyDisagree) {
   const ToolResult result = RunTool({"info", file_});
   EXPECT_EQ(result.code, 0);
   EXPECT_THAT(result.err, HasSubstr(file_ + ": warning: worldfile and geotiff disagree"));
-  WriteText(folder_ / "a.tfw", "half a metre\n");
+  WriteText(folder_ / "a.tfw", "half a meter\n");
   EXPECT_THAT(RunTool({"info", file_}).err, HasSubstr("does not begin with six numbers"));
 }
 
@@ -212,7 +212,7 @@ TEST_F(CliTiffInfo, DamagedRows_Should_BeReadAroundWithAWarning) {
   file.compression = COMPRESSION_ADOBE_DEFLATE;
   std::vector<uint8_t> bytes = file.Bytes();
   ASSERT_GT(bytes.size(), 2000u);
-  // Packed rows in the middle; libtiff writes the directory behind them.
+  // Compressed rows come first; libtiff writes the directory after them.
   std::fill(bytes.begin() + 400, bytes.begin() + 600, uint8_t{0xAA});
   WriteBytes(file_, bytes);
   const json facts = FactsOf(file_);
@@ -233,7 +233,7 @@ TEST_F(CliTiffInfo, UnreadableFiles_Should_BeRefusedInOwnWordsAndKeepWhatIsKnown
   }
   WriteBytes(file_, WithUnknownCompression(GrayTiff(30, 20, 8).Bytes()));
   const json facts = FactsOf(file_, 3);
-  EXPECT_EQ(facts["tiff"]["pixels"], "8-bit grey") << "the directory can be read";
+  EXPECT_EQ(facts["tiff"]["pixels"], "8-bit gray") << "the directory can be read";
   EXPECT_EQ(facts["tiff"]["compression"], "compression 60000");
 }
 

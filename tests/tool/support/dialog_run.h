@@ -15,7 +15,7 @@
 
 namespace rasterkit::test {
 
-/// Runs verbs with --dialog, and somebody in front of it; see tests/support/user. Without a display
+/// Runs verbs with --dialog and simulates a user; see tests/support/user. Runs without a display
 /// unless the test has one.
 class DialogTest : public testing::Test {
  protected:
@@ -25,7 +25,7 @@ class DialogTest : public testing::Test {
             {"QT_QPA_GENERIC_PLUGINS", "rasterkit-user"},
             {"QT_PLUGIN_PATH", RASTERKIT_USER_PLUGINS},
             {"RASTERKIT_USER", script},
-            // Remarks of Qt about the platform are no words of the tool.
+            // Drops Qt's messages about the platform.
             {"QT_LOGGING_RULES", "default.warning=false"},
             {"LC_ALL", locale_},
             {"LANGUAGE", ""},
@@ -48,7 +48,7 @@ class DialogTest : public testing::Test {
     return Run(line, script);
   }
 
-  /// The picture that is written when the user confirms.
+  /// The picture that is written after the user confirms.
   Raster Confirmed(const std::string& verb, const Raster& raster, const std::string& script,
                    const std::vector<std::string>& options = {}) {
     const ToolResult result = RunVerb(verb, raster, script, options);
@@ -58,7 +58,7 @@ class DialogTest : public testing::Test {
     return result.code == 0 ? LoadFile(folder_ / "out.png") : Raster();
   }
 
-  /// What the verb writes without a window.
+  /// The picture that the verb writes without a window.
   Raster WithoutDialog(const std::string& verb, const Raster& raster,
                        const std::vector<std::string>& options) {
     SavePngFile(folder_ / "in.png", raster);
@@ -72,15 +72,15 @@ class DialogTest : public testing::Test {
   bool HasOutput() const { return std::filesystem::exists(folder_ / "out.png"); }
 
   TempFolder folder_;
-  /// Of the user.
+  /// Locale of the user.
   std::string locale_ = "C.UTF-8";
 
  private:
-  /// What Qt and its friends keep until the process ends is no leak of the tool.
+  /// Qt and its libraries keep memory until the process ends; that is not a leak of the tool.
   const Environment leaks_{"LSAN_OPTIONS",
                            "suppressions=" RASTERKIT_LEAKS_OF_OTHERS ":print_suppressions=0"};
 
-  /// Windows open where they were closed: not where those of the developer were.
+  /// Uses an empty settings folder: windows must not open at the developer's own positions.
   static std::string HomeFolder() {
     static const TempFolder home;
     return home.Path();

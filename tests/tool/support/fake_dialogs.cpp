@@ -1,5 +1,5 @@
-// Lies in the place of the dialogs' library. What it does is said by RASTERKIT_FAKE: "other
-// version", "no window", or windows that fail once they are open.
+// Replaces the library of the dialogs. RASTERKIT_FAKE selects its behavior: "other version", "no
+// window", or windows that fail after they opened.
 
 #include <cstdlib>
 #include <string_view>

@@ -7,26 +7,26 @@
 
 #include "tests/tool/support/run_tool.h"
 
-/// Other programs that read GeoTIFF files; nothing here needs them but tests that compare.
+/// Other programs that read GeoTIFF files; only tests that compare use them.
 namespace rasterkit::test {
 
 bool HasProgram(const std::string& name);
 
-/// For a shell.
+/// Quotes a word for a shell.
 std::string Quoted(const std::string& text);
 
-/// What a shell command prints on stdout.
+/// Returns the stdout of a shell command.
 std::string OutputOf(const std::string& command);
 
-/// What gdalinfo prints as JSON, discarded when it reads nothing. Nothing is written beside the
-/// file.
+/// The JSON output of gdalinfo; discarded if it cannot read the file. It writes no file beside the
+/// picture.
 nlohmann::json GdalInfo(const std::string& file);
 
-/// x, x per column, x per row, y, y per column, y per row of the upper left corner; empty when the
-/// file has no position.
+/// x, x per column, x per row, y, y per column, y per row of the top left corner; empty if the file
+/// has no position.
 std::vector<double> GeoTransform(const nlohmann::json& info);
 
-/// gdalinfo prints 16 digits at most, and 15 behind the point.
+/// gdalinfo prints at most 16 digits, and 15 after the point.
 void ExpectSamePosition(const std::vector<double>& ours, const std::vector<double>& theirs,
                         const std::string& file);
 
@@ -37,7 +37,7 @@ class GdalPeer : public testing::Test {
   TempFolder folder_;
 };
 
-/// The corpus as well.
+/// Requires the corpus as well.
 class GdalCorpus : public GdalPeer {
  protected:
   void SetUp() override;

@@ -20,7 +20,7 @@
 namespace rasterkit::test {
 namespace {
 
-/// What the child does between fork and exec.
+/// Runs in the child process between fork and exec.
 [[noreturn]] void BecomeTool(std::vector<char*> arguments, const ToolSetup& setup, int out,
                              int err) {
   const int nothing = open("/dev/null", O_RDONLY);
@@ -35,7 +35,7 @@ namespace {
   _exit(127);
 }
 
-/// Our end of a terminal, and the one that a process writes to.
+/// Opens a terminal: the test's end and the end that the tool writes to.
 std::array<int, 2> OpenTerminal() {
   const int ours = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
   if (ours < 0 || grantpt(ours) != 0 || unlockpt(ours) != 0)

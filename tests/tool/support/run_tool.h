@@ -31,8 +31,8 @@ struct ToolSetup {
   bool hasTerminal = false;
 };
 
-/// The tool as a process with its output in pipes (so that no progress bar is drawn unless asked
-/// for), stdin empty.
+/// The tool as a process with its output in pipes (so that a progress bar is drawn only on
+/// request), stdin empty.
 class ToolProcess {
  public:
   explicit ToolProcess(const std::vector<std::string>& arguments, const ToolSetup& setup = {});

@@ -9,7 +9,7 @@ namespace rasterkit::test {
 
 void SavePngFile(const std::string& file, const Raster& raster);
 void SaveBmpFile(const std::string& file, const Raster& raster);
-/// With an EXIF segment when `orientation` is not 0.
+/// Adds an EXIF segment if `orientation` is not 0.
 void SaveJpegFile(const std::string& file, const Raster& raster, int orientation = 0);
 
 /// Decodes by content.

@@ -101,9 +101,9 @@ std::vector<uint8_t> WithUnknownCompression(std::vector<uint8_t> bytes) {
   const uint8_t entry[] = {0x03, 0x01, 3, 0, 1, 0, 0, 0};
   const auto place = std::search(bytes.begin(), bytes.end(), std::begin(entry), std::end(entry));
   if (place == bytes.end()) throw std::runtime_error("the file has no tag 259");
-  constexpr int unknown = 60000;
-  place[8] = unknown & 0xFF;
-  place[9] = unknown >> 8;
+  constexpr int kUnknown = 60000;
+  place[8] = kUnknown & 0xFF;
+  place[9] = kUnknown >> 8;
   return bytes;
 }
 

@@ -12,7 +12,7 @@
 
 namespace rasterkit::test {
 
-/// Runs a verb that changes pictures on one made for the test.
+/// Runs a verb that changes pictures on a picture of the test.
 class VerbTest : public testing::Test {
  protected:
   /// Saves the picture as in.png and runs `verb in.png out options`.

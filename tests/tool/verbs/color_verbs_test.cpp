@@ -1,5 +1,5 @@
-// Verbs that change colours: beside the library's routines on true colour, and by the same rule on
-// every palette.
+// Verbs that change colors, compared with the library's routines on true color, and checked for the
+// same rule on every palette.
 
 #include <functional>
 
@@ -27,7 +27,7 @@ TColor Gray(TColor color) {
   return RGB(gray, gray, gray);
 }
 
-/// A 24-bit picture of every kind of colour: dark, light, black, white, nearly white.
+/// A 24-bit picture of every kind of color: dark, light, black, white, nearly white.
 Raster Colors() {
   Raster raster = GradientRaster(pf24bit, 83, 52);
   for (int x = 0; x < 20; ++x)
@@ -39,7 +39,7 @@ Raster Colors() {
   return raster;
 }
 
-/// What a routine of the library makes of a 24-bit picture.
+/// The result of a library routine on a 24-bit picture.
 Raster ByLibrary(const Raster& raster, const std::function<void(TBitmap&)>& change) {
   TBitmap bitmap(raster.Clone());
   change(bitmap);
@@ -61,8 +61,8 @@ Raster WithAlpha() {
 
 class CliColors : public VerbTest {
  protected:
-  /// Checks that a verb changes palettes of every depth as the 24-bit picture of the same look, and
-  /// keeps depth and number of entries.
+  /// Checks that a verb changes palettes of every depth like a 24-bit picture with the same colors,
+  /// and keeps depth and number of entries.
   void ExpectSameRuleForPalettes(const std::string& verb, const std::vector<std::string>& options) {
     for (const TPixelFormat format : {pf1bit, pf4bit, pf8bit}) {
       const Raster raster = GradientRaster(format, 40, 30);
@@ -73,7 +73,7 @@ class CliColors : public VerbTest {
     }
   }
 
-  /// Checks that pixels that were transparent are, and no others.
+  /// Checks that exactly the pixels that were transparent are transparent.
   void ExpectSameTransparency(const std::string& verb, const std::vector<std::string>& options) {
     const Raster alpha = WithAlpha();
     const Raster changed = Changed(verb, alpha, options);
@@ -279,7 +279,7 @@ TEST_F(CliAdjust, Sharpen_Should_StrengthenAnEdgeAndSoftenItBelowZero) {
   edge.ClearPadding();
   const Raster sharper = Changed("adjust", edge, {"--sharpen", "50"});
   const Raster softer = Changed("adjust", edge, {"--sharpen", "-100"});
-  // Three of nine neighbours are 30 away: the mean is 10 nearer to the other side.
+  // Three of nine neighbors differ by 30: the mean is 10 nearer to the other side.
   EXPECT_EQ(sharper.Row(1)[9], 80);
   EXPECT_EQ(sharper.Row(1)[12], 130);
   EXPECT_EQ(softer.Row(1)[9], 100);
@@ -312,7 +312,7 @@ TEST_F(CliWhiten, PixelsAboveTheThreshold_Should_BecomeWhite) {
   }
 }
 
-/// Index 0 and both pixels of a byte among them.
+/// Includes index 0 and both pixels of a byte.
 TEST_F(CliWhiten, EveryPixel_Should_CountForItself_When_ThePictureHasAPalette) {
   ExpectSameRuleForPalettes("whiten", {"--threshold", "0"});
   ExpectSameRuleForPalettes("whiten", {"--threshold", "120"});
@@ -398,7 +398,7 @@ TEST_F(CliPdfWhite, BottomLeftPixel_Should_BecomeWhiteAndNoOther) {
   for (const TPixelFormat format : {pf1bit, pf4bit, pf8bit, pf24bit}) {
     Raster raster = GradientRaster(format, 40, 30);
     if (IsIndexed(format)) {
-      // White is in the middle, and in use.
+      // White is in the middle and in use.
       auto entries = PaletteTable(raster.palette);
       const auto count = static_cast<size_t>(raster.palette.Count());
       std::swap(entries[count / 3], entries[count - 1]);

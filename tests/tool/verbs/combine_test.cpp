@@ -24,7 +24,7 @@ bool IsNearWhite(TColor color) {
   return red > 250 && green > 250 && blue > 250;
 }
 
-/// Every second column from the third on is this colour.
+/// Colors every second column from the third one on.
 Raster Striped(Raster raster, uint8_t value) {
   for (int y = 0; y < raster.Height(); ++y)
     for (int x = 2; x < raster.Width(); x += 2)
@@ -124,7 +124,7 @@ TEST_F(CliCombine, IntoWhite_Should_FillOnlyWhatIsNearWhite) {
   });
 }
 
-/// All rows but the last are the library's own.
+/// All rows except the last equal those of the library.
 TEST_F(CliCombine, TransparentAndShadow_Should_BeTheLibrarysAndReachTheLastRow) {
   Raster taller = GradientRaster(pf24bit, kWidth, kHeight + 1);
   Raster tallerOver = GradientRaster(pf24bit, kWidth, kHeight + 1);

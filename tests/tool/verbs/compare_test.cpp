@@ -61,7 +61,7 @@ TEST_F(CliCompare, Depth_Should_CountOnlyWhenExact) {
   const Raster colors = ConvertRaster(indexed, pf24bit);
   const ToolResult loose = Compare(indexed, colors);
   EXPECT_EQ(loose.code, 0);
-  EXPECT_EQ(loose.out, "same; different as stored (8-bit and 24-bit), the same to look at\n");
+  EXPECT_EQ(loose.out, "same; different as stored (8-bit and 24-bit), the pixels look the same\n");
   EXPECT_EQ(Compare(indexed, colors, {"--exact"}).code, 1);
 }
 

@@ -192,7 +192,7 @@ TEST_F(CliConvert, ResolutionAndProfile_Should_Stay_When_TransparencyIsPaintedOv
   EXPECT_EQ(*painted.profile, *raster.profile);
 }
 
-TEST_F(CliConvert, TransparentColour_Should_BeShownAsItIs_When_WrittenAsBmpOrTiff) {
+TEST_F(CliConvert, TransparentColor_Should_BeShownAsItIs_When_WrittenAsBmpOrTiff) {
   Raster raster = GradientRaster(pf8bit, 21, 13);
   raster.transparentColor = TBitmap(raster.Clone()).PixelColor(3, 2);
   SavePngFile(folder_ / "a.png", raster);

@@ -16,7 +16,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-/// Marker and length of the APP0 that the encoder writes are its first 20 bytes with the start.
+/// The first 20 bytes: start marker, and APP0 written by the encoder.
 constexpr size_t kEncoderHeader = 20;
 
 const std::string kXmp = XmpSection();
@@ -25,7 +25,7 @@ const std::string kComment = JpegSection(0xFE, "north wall");
 const std::string kThumbnail =
     "\xFF\xD8\xFF\xE0" + std::string(300, 't') + "\xFF\xD9" + std::string("x\xFF\xD9");
 
-/// APP14 that names a colour model.
+/// An APP14 section that states a color model.
 std::string AdobeSection(char transform) {
   return JpegSection(0xEE, std::string("Adobe\0\x64\0\0\0\0", 11) + transform);
 }
@@ -45,7 +45,7 @@ class CliExif : public testing::Test {
     const std::vector<uint8_t> bytes = ReadBytes(file);
     return {bytes.begin(), bytes.end()};
   }
-  /// The picture behind other sections than its encoder's own.
+  /// The picture with other sections in front of it.
   std::string FileWith(const std::string& name, const std::vector<std::string>& sections) const {
     std::string file = "\xFF\xD8";
     for (const std::string& section : sections) file += section;
@@ -141,10 +141,10 @@ TEST_F(CliExif, Show_Should_GoOnBehindAFileThatIsNoJpeg) {
   const auto lines = JsonLines(result.out);
   ASSERT_EQ(lines.size(), 3u);
   EXPECT_EQ(lines[0]["ok"], false);
-  EXPECT_EQ(lines[0]["error"], png + ": this is no JPEG file but png");
+  EXPECT_EQ(lines[0]["error"], png + ": this is not a JPEG file but png");
   EXPECT_EQ(lines[1]["ok"], false);
   EXPECT_EQ(lines[2]["orientation"], 3);
-  EXPECT_THAT(result.err, HasSubstr(png + ": this is no JPEG file but png"));
+  EXPECT_THAT(result.err, HasSubstr(png + ": this is not a JPEG file but png"));
 }
 
 TEST_F(CliExif, Show_Should_WarnOfDamage) {
@@ -175,8 +175,8 @@ TEST_F(CliExif, Copy_Should_DropThePicturesMetadata_WhereverItStands) {
   EXPECT_EQ(Output(), "\xFF\xD8" + Exif() + unknown + CodedData());
 }
 
-TEST_F(CliExif, Copy_Should_KeepColoursThatTheHeaderDecides) {
-  // With a JFIF header the pixels are YCbCr whatever the mark says, without one the mark decides.
+TEST_F(CliExif, Copy_Should_KeepColorsThatTheHeaderDecides) {
+  // With a JFIF header the pixels are YCbCr in any case; without one the Adobe marker decides.
   const std::string jfif = picture_.substr(2, kEncoderHeader - 2);
   const std::string both = FileWith("both.jpg", {jfif, AdobeSection(0)});
   ASSERT_EQ(Copy(Photo({Exif()}), both).code, 0);
@@ -190,7 +190,7 @@ TEST_F(CliExif, Copy_Should_KeepColoursThatTheHeaderDecides) {
   }
 }
 
-TEST_F(CliExif, Copy_Should_LeaveTheColourModelsMarkOfThePhoto) {
+TEST_F(CliExif, Copy_Should_LeaveTheColorModelsMarkOfThePhoto) {
   ASSERT_EQ(Copy(Photo({Exif(), AdobeSection(0)}), encoded_).code, 0);
   EXPECT_EQ(Output(), "\xFF\xD8" + Exif() + CodedData());
 }
@@ -314,7 +314,7 @@ TEST_F(CliExif, Strip_Should_ChangeNothingElse) {
   const std::string photo = Photo({kComment, ThumbnailPhoto(), kXmp, JpegSection(0xE6, "GoPro")});
   ASSERT_EQ(RunTool({"exif", "--strip-thumbnail", photo, output_}).code, 0);
   const ThumbnailExif exif = ExifWithThumbnail(kThumbnail);
-  // The link is the four bytes behind the two entries of the main directory.
+  // The link is the four bytes after the two entries of the main directory.
   std::string content = exif.content.substr(0, 6 + exif.directory);
   content.replace(6 + 8 + 2 + 2 * 12, 4, 4, '\0');
   EXPECT_EQ(Output(), "\xFF\xD8" + kComment + JpegSection(0xE1, content) + kXmp +
@@ -339,11 +339,12 @@ TEST_F(CliExif, Strip_Should_TakePaddingAlong) {
 }
 
 TEST_F(CliExif, Strip_Should_TakeAThumbnailWithoutCompressionToo) {
-  constexpr uint32_t directoryAt = 8 + 2 + 12 + 4, pixelsAt = directoryAt + 2 + 2 * 12 + 4;
+  constexpr uint32_t kDirectoryAt = 8 + 2 + 12 + 4, kPixelsAt = kDirectoryAt + 2 + 2 * 12 + 4;
   const TiffWriter writer = Writer();
   const std::string tiff =
-      writer.Header() + writer.Directory(8, {writer.Short(274, 6)}, directoryAt) +
-      writer.Directory(directoryAt, {writer.LongEntry(273, pixelsAt), writer.LongEntry(279, 300)}) +
+      writer.Header() + writer.Directory(8, {writer.Short(274, 6)}, kDirectoryAt) +
+      writer.Directory(kDirectoryAt,
+                       {writer.LongEntry(273, kPixelsAt), writer.LongEntry(279, 300)}) +
       std::string(300, 't');
   const std::string photo = Photo({ExifSection(tiff)});
   ASSERT_EQ(RunTool({"exif", "--strip-thumbnail", photo, output_}).code, 0);
@@ -351,7 +352,7 @@ TEST_F(CliExif, Strip_Should_TakeAThumbnailWithoutCompressionToo) {
 }
 
 TEST_F(CliExif, Strip_Should_KeepWhatOtherDirectoriesShareWithTheThumbnail) {
-  // The make's text lies inside what the thumbnail's entries claim.
+  // The text of the make overlaps the bytes that the thumbnail's entries claim.
   const TiffWriter writer = Writer();
   const uint32_t thumbnailAt = 8 + 2 + 12 + 4 + 12;
   const std::string tiff =

@@ -1,4 +1,4 @@
-// The verb geotiff with one file alone: what a grid of numbers holds.
+// The verb geotiff with one file and no output: the contents of a grid.
 
 #include <bit>
 #include <cmath>
@@ -93,7 +93,7 @@ TEST_F(CliGeoTiffGrid, Text_Should_SayTheSame) {
                             ": grid of 3 x 2, float32\n"
                             "  minimum 0.1, maximum 6, mean 2.92\n"
                             "  5 values, 1 without data; no data is -9999\n"
-                            "  pixel scale and tie point: pixel 0,0 has its centre at 101,199; "
+                            "  pixel scale and tie point: pixel 0,0 has its center at 101,199; "
                             "one column on adds 2,0, one row down adds 0,-2\n"
                             "  at 1,1 (map 103,197): 0.1\n"
                             "  at 1,0 (map 103,199): -9999, no data\n");
@@ -283,7 +283,7 @@ TEST_F(CliGeoTiffGrid, AtMap_Should_FindThePixelAroundThePoint) {
     EXPECT_TRUE(Show({"--at-map", outside}, 1)["at"][0]["value"].is_null()) << outside;
 }
 
-TEST_F(CliGeoTiffGrid, AtMap_Should_CountFromCentres_When_PixelsArePoints) {
+TEST_F(CliGeoTiffGrid, AtMap_Should_CountFromCenters_When_PixelsArePoints) {
   grid_.pixelScale = {2, 3, 0};
   grid_.tiePoints = {0, 0, 0, 100, 200, 0};
   grid_.pixelIsPoint = true;
@@ -338,14 +338,14 @@ TEST_F(CliGeoTiffGrid, AtMap_Should_Exit1_When_ThereIsNoPosition) {
   const ToolResult result = RunTool({"geotiff", file_, "--at-map", "1,2"});
   EXPECT_EQ(result.code, 1);
   EXPECT_THAT(result.err, HasSubstr("no position"));
-  // a scale of 0 is none either
+  // a scale of 0 is invalid
   grid_.pixelScale = {0, 0, 0};
   grid_.tiePoints = {0, 0, 0, 100, 200, 0};
   Save({1, 2, 3, 4, 5, 6});
   EXPECT_EQ(RunTool({"geotiff", file_, "--at-map", "1,2"}).code, 1);
 }
 
-TEST_F(CliGeoTiffGrid, Colours_Should_BeNoGridAndExit1) {
+TEST_F(CliGeoTiffGrid, Colors_Should_BeNoGridAndExit1) {
   grid_.bits = 8;
   grid_.sampleFormat = 1;
   grid_.values = {0, 50, 100, 150, 200, 250};
@@ -356,7 +356,7 @@ TEST_F(CliGeoTiffGrid, Colours_Should_BeNoGridAndExit1) {
   const ToolResult text = RunTool({"geotiff", file_});
   EXPECT_EQ(text.code, 1);
   EXPECT_THAT(text.out, HasSubstr("no grid"));
-  EXPECT_THAT(text.out, HasSubstr("1 sample of 8 bits"));
+  EXPECT_THAT(text.out, HasSubstr("1 sample, 8 bits"));
   SavePngFile(folder_ / "a.png", GradientRaster(pf24bit, 5, 4));
   EXPECT_EQ(RunTool({"geotiff", folder_ / "a.png"}).code, 1);
 }

@@ -1,4 +1,4 @@
-// The verb geotiff with an output: any picture becomes a TIFF that knows where it lies.
+// The verb geotiff with an output: writes a picture as a TIFF file with its map position.
 
 #include <filesystem>
 
@@ -42,7 +42,7 @@ class CliGeoTiffWrite : public testing::Test {
     return RunTool(options);
   }
 
-  /// The position with the numbers that the file must hold to the last bit.
+  /// The position with the numbers that the file must hold exactly.
   void ExpectPosition(double x, double y, double width, double height) {
     const TiffFacts facts = FactsOf(out_);
     EXPECT_THAT(facts.pixelScale, ElementsAre(width, height, 0));
@@ -64,7 +64,7 @@ class CliGeoTiffWrite : public testing::Test {
   std::string out_ = folder_ / "plan.tif";
 };
 
-TEST_F(CliGeoTiffWrite, WorldFile_Should_BecomeTheCorner_When_ItStatesACentre) {
+TEST_F(CliGeoTiffWrite, WorldFile_Should_BecomeTheCorner_When_ItStatesACenter) {
   WriteText(folder_ / "plan.pgw", "0.5\n0.0\n0.0\n-0.25\n4468000.25\n5333999.875\n");
   const ToolResult result = Write();
   EXPECT_EQ(result.code, 0) << result.err;
@@ -215,7 +215,7 @@ TEST_F(CliGeoTiffWrite, Photograph_Should_BeRefused_When_AWorldFileSpeaksOfItsSt
 
 class CliGeoTiffRewrite : public CliGeoTiffWrite {
  protected:
-  /// A grey 8-bit TIFF with tags of its own.
+  /// A gray 8-bit TIFF with tags of its own.
   void SaveTiff(samples::GridTiff grid) {
     grid.width = 3;
     grid.height = 2;

@@ -13,7 +13,7 @@ using testing::HasSubstr;
 
 class CliIcon : public VerbTest {
  protected:
-  /// The icon that the verb writes, as 32-bit rows.
+  /// The icon written by the verb as 32-bit rows.
   Raster Icon(const Raster& raster, const std::vector<std::string>& options) {
     const ToolResult result = RunVerb("icon", raster, options, "out.ico");
     EXPECT_EQ(result.code, 0) << result.err;

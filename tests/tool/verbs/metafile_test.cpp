@@ -20,7 +20,7 @@ using testing::HasSubstr;
 
 constexpr TColor kBlue = 0xFF0000;
 
-/// 25 x 20 mm; the upper left quarter is blue.
+/// 25 x 20 mm; the top left quarter is blue.
 std::vector<uint8_t> QuarterEmf() {
   EmfFile file;
   file.description = std::u16string(u"Drawer\0Ground floor\0", 20);
@@ -109,7 +109,7 @@ TEST_F(CliMetafile, Convert_Should_DrawAt96PixelsAnInch) {
   EXPECT_NEAR(picture.resolution.x, 96, 0.1);
 }
 
-/// 6.3 x 6.3 m: 24,000 pixels a side.
+/// 6.3 x 6.3 m: 24,000 pixels per side.
 std::vector<uint8_t> HugeEmf() {
   EmfFile file;
   file.frame = {0, 0, 635'000, 635'000};
@@ -202,10 +202,10 @@ TEST_F(CliMetafile, Convert_Should_RefuseWhatCannotBecomeAMetafile) {
   SavePngFile(folder_ / "a.png", GrayRaster(9, 5));
   const ToolResult pixels = Convert({folder_ / "a.png", folder_ / "b.emf"});
   EXPECT_EQ(pixels.code, 4);
-  EXPECT_THAT(pixels.err, HasSubstr("pixels cannot become a metafile"));
+  EXPECT_THAT(pixels.err, HasSubstr("cannot be written as a metafile"));
   const ToolResult text = Convert({Write("text.emf", {'x', 'y'}), folder_ / "d.emf"});
   EXPECT_EQ(text.code, 3);
-  EXPECT_THAT(text.err, HasSubstr("text.emf: the data are no picture of a known kind"));
+  EXPECT_THAT(text.err, HasSubstr("text.emf: the data is not a picture of a known type"));
   EXPECT_EQ(Convert({Write("plus.emf", NewerRecordsAlone()), folder_ / "e.wmf"}).code, 4);
   for (const char* name : {"b.emf", "c.emf", "d.emf", "e.wmf"}) {
     EXPECT_FALSE(std::filesystem::exists(folder_ / name)) << name;
@@ -216,7 +216,7 @@ TEST_F(CliMetafile, Convert_Should_RefuseToTurnRecords) {
   const ToolResult turned =
       Convert({Write("a.emf", QuarterEmf()), folder_ / "b.emf", "--angle", "90"});
   EXPECT_EQ(turned.code, 2);
-  EXPECT_THAT(turned.err, HasSubstr("a metafile is not turned"));
+  EXPECT_THAT(turned.err, HasSubstr("a metafile cannot be turned"));
   EXPECT_FALSE(std::filesystem::exists(folder_ / "b.emf"));
   EXPECT_EQ(Convert({folder_ / "a.emf", folder_ / "c.emf", "--angle", "0"}).code, 0);
 }
@@ -229,7 +229,7 @@ TEST_F(CliMetafile, Convert_Should_WarnThatRecordsTakeNoOptionsOfPixels) {
     const ToolResult result =
         Convert({file, folder_ / "b.emf", "--overwrite", choice[0], choice[1]});
     EXPECT_EQ(result.code, 0) << choice[0];
-    EXPECT_THAT(result.err, HasSubstr("are for outputs of pixels")) << choice[0];
+    EXPECT_THAT(result.err, HasSubstr("apply only to outputs of pixels")) << choice[0];
     EXPECT_EQ(ReadBytes(folder_ / "b.emf"), ReadBytes(file)) << choice[0];
   }
   EXPECT_EQ(Convert({file, folder_ / "c.emf", "--background", "FFFFFF"}).err, "");
@@ -245,7 +245,7 @@ TEST_F(CliMetafile, Convert_Should_WriteMetafilesIntoAFolder_When_TheTypeIsOne) 
   EXPECT_EQ(Facts(folder_ / "out/b.emf")["type"], "emf");
 }
 
-/// "Text" in a font that is nowhere.
+/// "Text" in a font that does not exist.
 std::vector<uint8_t> TextWmf() {
   WmfFile file;
   file.box = {{0, 0, 200, 100}};

@@ -15,7 +15,7 @@ using testing::HasSubstr;
 
 constexpr TPixelFormat kPngFormats[] = {pf1bit, pf4bit, pf8bit, pf24bit};
 
-/// A TIFF file that lies at 1000,2000 (upper left corner) with pixels of 2 by 4 map units.
+/// A TIFF file whose top left corner is at 1000,2000, with pixels of 2 x 4 map units.
 void SaveGeoTiff(const std::string& file, const Raster& raster) {
   TMemoryStream stream;
   TiffWriteOptions options;
@@ -24,7 +24,7 @@ void SaveGeoTiff(const std::string& file, const Raster& raster) {
   WriteBytes(file, stream.TakeBytes());
 }
 
-/// The six numbers of the first position that `info` says, A D B E C F.
+/// The six numbers A D B E C F of the first position in `info`.
 std::vector<double> PositionOf(const std::string& file) {
   const auto facts = JsonLines(RunTool({"info", "--json", file}).out).at(0);
   if (facts["geo"].empty()) return {};

@@ -17,7 +17,8 @@ bool SidesAreExchanged(int orientation) {
   return orientation >= 5;
 }
 
-/// Where the upright pixel (x, y) lies in the file; `width` and `height` are the upright picture's.
+/// Position in the file of the upright pixel (x, y); `width` and `height` are those of the upright
+/// picture.
 std::pair<int, int> StoredPlace(int orientation, int x, int y, int width, int height) {
   const int right = width - 1 - x, bottom = height - 1 - y;
   switch (orientation) {
@@ -40,7 +41,7 @@ std::pair<int, int> StoredPlace(int orientation, int x, int y, int width, int he
   }
 }
 
-/// The plain way: one pixel after the other, for 8- and 24-bit pictures.
+/// Turns one pixel after the other, for 8- and 24-bit pictures.
 Raster SetUpright(const Raster& stored, int orientation) {
   const bool exchanged = SidesAreExchanged(orientation);
   const int width = exchanged ? stored.Height() : stored.Width();
@@ -58,7 +59,7 @@ Raster SetUpright(const Raster& stored, int orientation) {
   return upright;
 }
 
-/// Orientation, whether the photograph is grey (8-bit).
+/// Orientation, and whether the photograph is gray (8-bit).
 class CliOrientation : public testing::TestWithParam<std::tuple<int, bool>> {
  protected:
   int Orientation() const { return std::get<0>(GetParam()); }
@@ -105,7 +106,7 @@ TEST_P(CliOrientation, Rotate_Should_TurnThePictureAsSeen) {
   SavePhotograph();
   const Raster upright = SetUpright(LoadFile(photo_), Orientation());
   ASSERT_EQ(RunTool({"rotate", photo_, folder_ / "turned.png", "--angle", "90"}).code, 0);
-  // Counter-clockwise by a quarter: what orientation 8 asks for.
+  // A quarter turn counter-clockwise, as for orientation 8.
   EXPECT_TRUE(SamePixels(SetUpright(upright, 8), LoadFile(folder_ / "turned.png")));
 }
 

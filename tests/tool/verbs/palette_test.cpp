@@ -17,7 +17,7 @@ HPALETTE PaletteOf(int count) {
   return HPALETTE(entries);
 }
 
-/// Indexes rise by column and row, within `count`.
+/// Indexes increase by column and row, below `count`.
 Raster IndexedRaster(TPixelFormat format, int count) {
   Raster raster = GradientRaster(format, 19, 6);
   if (format == pf8bit)
@@ -81,7 +81,7 @@ TEST_F(CliPalette, UnreadableFile_Should_Exit3) {
   EXPECT_EQ(JsonLines(result.out).at(0)["ok"], false);
 }
 
-/// Sizes of palettes for which the library's own routine would drop or pad something as well.
+/// Includes palette sizes for which the library's own routine would drop or pad entries.
 TEST_F(CliPalette, Set_Should_ChangeThatEntryAndNothingElse) {
   for (const auto& [format, count] : {std::pair{pf1bit, 2},
                                       {pf4bit, 16},

@@ -28,7 +28,7 @@ class CliRotate : public testing::Test {
   TempFolder folder_;
 };
 
-/// What the library's own rotation makes of the picture.
+/// The result of the library's own rotation.
 TBitmap ByLibrary(const Raster& raster, float angle, TColor background) {
   auto bitmap = std::make_unique<TBitmap>(raster.Clone());
   EXPECT_TRUE(RotateBitmap(angle, bitmap, background, 1, nullptr));

@@ -56,7 +56,7 @@ class CliTiffConvert : public testing::Test {
     WriteBytes(folder_ / name, file.Bytes());
   }
 
-  /// Row of 8-bit greys of a file.
+  /// Row of 8-bit grays of a file.
   std::vector<int> FirstRow(const std::string& name) {
     const Raster raster = LoadFile(folder_ / name);
     EXPECT_EQ(raster.Format(), pf8bit);
@@ -88,7 +88,7 @@ TEST_F(CliTiffConvert, AlphaChannel_Should_Stay_When_WrittenAsTiff) {
   EXPECT_TRUE(SamePixels(LoadFile(folder_ / "a.png"), LoadFile(folder_ / "c.png")));
 }
 
-TEST_F(CliTiffConvert, WordsOfColour_Should_BecomeThreeBytes_When_WrittenAsTiff) {
+TEST_F(CliTiffConvert, WordsOfColor_Should_BecomeThreeBytes_When_WrittenAsTiff) {
   const Raster raster = GradientRaster(pf24bit, 20, 10);
   SaveBmpFile(folder_ / "a.bmp", raster);
   for (const auto& [bits, format] : {std::pair{"15", pf15bit}, {"16", pf16bit}}) {
@@ -120,7 +120,7 @@ TEST_F(CliTiffConvert, Compression_Should_BeTheOneAskedFor) {
   EXPECT_EQ(FactsOfFile(folder_ / "out.tif").compression, 5);
 }
 
-TEST_F(CliTiffConvert, G4_Should_BeRefused_When_ThePictureHasColours) {
+TEST_F(CliTiffConvert, G4_Should_BeRefused_When_ThePictureHasColors) {
   SaveBmpFile(folder_ / "a.bmp", GradientRaster(pf24bit, 60, 40));
   const ToolResult result =
       RunTool({"convert", folder_ / "a.bmp", folder_ / "b.tif", "--compression", "g4"});
@@ -175,7 +175,7 @@ TEST_F(CliTiffConvert, Rotate_Should_TurnWhatIsSeen) {
   TiffFile file = ColorTiff(23, 14);
   file.setTags = [](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_ORIENTATION, 6); };
   Save("a.tif", file);
-  // Orientation 6 asks for a quarter turn clockwise; one counter-clockwise undoes it.
+  // Orientation 6 is a quarter turn clockwise; one counter-clockwise undoes it.
   EXPECT_EQ(Run("rotate", "a.tif", "b.tif", {"--angle", "90"})["width"], 23);
   file.setTags = {};
   Save("plain.tif", file);
@@ -314,7 +314,7 @@ TEST_F(CliTiffConvert, FirstPage_Should_BeTakenWithANoteOfHowManyThereAre) {
   WritePages(folder_ / "a.tif", {{8, 6}, {4, 3}, {2, 2}}, {1});
   const json line = Convert("a.tif", "b.png");
   EXPECT_EQ(line["width"], 8);
-  EXPECT_THAT(line["warnings"].dump(), HasSubstr("the first of 2 pictures"));
+  EXPECT_THAT(line["warnings"].dump(), HasSubstr("only the first of 2 pictures"));
   EXPECT_EQ(line["not_carried_over"], json({"pages"}));
   WritePages(folder_ / "map.tif", {{8, 6}, {4, 3}}, {1});
   EXPECT_EQ(Convert("map.tif", "b.png")["not_carried_over"], json::array())

@@ -11,7 +11,7 @@ namespace rasterkit::tool {
 namespace {
 
 constexpr int64_t kEntryBytes = 12;
-/// Far more than any writer makes; loops and traps end here.
+/// Limit for damaged and hostile files; no writer comes close to it.
 constexpr size_t kMaxDirectories = 16;
 constexpr int64_t kMaxNumbersShown = 16;
 
@@ -34,13 +34,13 @@ constexpr Pointer kPointers[] = {
     {"exif", kTagInteropDirectory, "interop"},
 };
 
-/// The text behind the eight bytes that name a comment's character code, if that is plain text.
+/// Text after the 8-byte character code of a comment, if the code is plain text.
 std::string CommentText(const std::string& raw) {
-  constexpr size_t prefix = 8;
+  constexpr size_t kPrefix = 8;
   const bool isPlain =
-      raw.compare(0, 5, "ASCII") == 0 || raw.compare(0, prefix, std::string(prefix, '\0')) == 0;
-  if (raw.size() <= prefix || !isPlain) return {};
-  return Trim(raw.substr(prefix));
+      raw.compare(0, 5, "ASCII") == 0 || raw.compare(0, kPrefix, std::string(kPrefix, '\0')) == 0;
+  if (raw.size() <= kPrefix || !isPlain) return {};
+  return Trim(raw.substr(kPrefix));
 }
 
 }  // namespace
@@ -58,9 +58,9 @@ ExifBlock::ExifBlock(std::string section) : section_(std::move(section)) {
     return;
   }
   reader_.MotorolaOrder = order == "MM";
-  constexpr int64_t tiffHeaderBytes = 8;
+  constexpr int64_t kTiffHeaderBytes = 8;
   const int64_t offset = reader_.Get32u(section_, kExifBase + 4);
-  Walk("main", kExifBase + (offset != 0 ? offset : tiffHeaderBytes));
+  Walk("main", kExifBase + (offset != 0 ? offset : kTiffHeaderBytes));
   FollowPointers();
   FollowLinks();
 }
@@ -103,7 +103,7 @@ void ExifBlock::FollowPointers() {
   }
 }
 
-/// The directories that are linked behind the main one describe the thumbnail.
+/// Directories linked after the main one describe the thumbnail.
 void ExifBlock::FollowLinks() {
   int64_t linkPos = directories_.empty() ? 0 : directories_.front().linkPos;
   while (linkPos > 0) {

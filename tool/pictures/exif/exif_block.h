@@ -8,12 +8,12 @@
 
 namespace rasterkit::tool {
 
-/// One entry of a directory.
+/// An entry of a directory.
 struct ExifEntry {
   uint16_t tag = 0;
   uint16_t type = 0;
   int64_t valuePos = 0;
-  /// What the entry claims; the section may hold less.
+  /// Number of bytes that the entry states; the section may hold fewer.
   int64_t byteCount = 0;
 };
 
@@ -27,33 +27,33 @@ struct ExifDirectory {
   const ExifEntry* Find(uint16_t tag) const;
 };
 
-/// All directories of an EXIF section, every tag and every group, where the library's own walk
-/// keeps to the few that it needs. Positions count from 1 in the section's bytes, as in TImageData.
+/// All directories of an EXIF section with all their tags; the library's TImageData reads only the
+/// tags that it needs. Positions are counted from 1 in the bytes of the section, as in TImageData.
 class ExifBlock {
  public:
-  /// `section` are the bytes of an APP1 section from its length on. A section without directories
-  /// gives none; damage ends a directory early and is told by IsDamaged.
+  /// `section` starts at the length field of an APP1 section. A section without directories gives
+  /// none. Damage ends a directory early and is reported by IsDamaged.
   explicit ExifBlock(std::string section);
 
   const std::string& Section() const { return section_; }
-  /// "II", "MM"; empty when the section names none.
+  /// "II" or "MM"; empty if the section states neither.
   std::string ByteOrder() const;
   bool IsDamaged() const { return isDamaged_; }
 
   const std::vector<ExifDirectory>& Directories() const { return directories_; }
-  /// The first of that name; null when there is none.
+  /// The first entry of that name; null if there is none.
   const ExifDirectory* Find(const char* name) const;
 
-  /// The value's bytes as far as the section holds them.
+  /// Bytes of the value that the section holds.
   std::string Raw(const ExifEntry& entry) const;
-  /// The first whole number of the entry; 0 for types that are none.
+  /// The first integer of the entry; 0 for other types.
   uint32_t Number(const ExifEntry& entry) const;
-  /// The same, also of rationals.
+  /// The first number of the entry, including rationals.
   double Value(const ExifEntry& entry) const;
-  /// The values as text: of numbers 16 at most, of bytes without a meaning their count.
+  /// The values as text: at most 16 numbers; for bytes without a known meaning only their count.
   std::string Text(const ExifEntry& entry) const;
 
-  /// Numbers in the section's byte order.
+  /// Reads numbers in the byte order of the section.
   const TEndInd& Order() const { return reader_; }
 
  private:
@@ -67,7 +67,7 @@ class ExifBlock {
   bool isDamaged_ = false;
 };
 
-/// Where the section's TIFF header lies, from which all its offsets count.
+/// Position of the TIFF header, which all offsets refer to.
 inline constexpr int64_t kExifBase = 9;
 inline constexpr const char* kThumbnailDirectory = "thumbnail";
 

@@ -1,7 +1,6 @@
 #include "tool/pictures/exif/exif_copy.h"
 
 #include <array>
-#include <cstring>
 #include <deque>
 
 #include <fmt/format.h>
@@ -18,8 +17,8 @@ namespace {
 
 using Bytes = std::span<const uint8_t>;
 
-bool Is(const JpegSegment& segment, const char* kind) {
-  return std::strcmp(SegmentKind(segment), kind) == 0;
+bool Is(const JpegSegment& segment, MetadataKind kind) {
+  return SegmentKind(segment) == kind;
 }
 
 bool IsMetadata(const JpegSegment& segment) {
@@ -37,15 +36,14 @@ bool IsMetadata(const JpegSegment& segment) {
   }
 }
 
-/// Whether decoders take three components for red, green and blue instead of luminance and two
-/// differences: never with a JFIF header, else by the colour model's mark, else by the components'
-/// names.
+/// True if decoders read three components as red, green and blue instead of YCbCr: never with a
+/// JFIF header; else according to the Adobe marker; else according to the component names.
 bool IsStoredAsRgb(const JpegHeader& header, bool hasJfif) {
-  constexpr size_t transformPlace = 11;
+  constexpr size_t kTransformPlace = 11;
   if (hasJfif || header.components != 3) return false;
-  const JpegSegment* adobe = header.Find("adobe");
-  if (adobe != nullptr && adobe->payload.size() > transformPlace)
-    return adobe->payload[transformPlace] == 0;
+  const JpegSegment* adobe = header.Find(MetadataKind::adobe);
+  if (adobe != nullptr && adobe->payload.size() > kTransformPlace)
+    return adobe->payload[kTransformPlace] == 0;
   return header.componentNames == "RGB";
 }
 
@@ -54,7 +52,7 @@ int Orientation(Bytes jpeg) {
   return ReadRawOrientation(stream).value_or(1);
 }
 
-/// Chooses what is written and writes it.
+/// Chooses the sections to write, and writes them.
 class Copy {
  public:
   Copy(Bytes photo, Bytes picture, const CopyOptions& options)
@@ -86,15 +84,17 @@ class Copy {
     return &section;
   }
 
-  /// The first section of a kind goes to the library's place for it, what has no place there
-  /// behind.
+  /// The first section of a kind goes to the library's slot for it; sections without a slot follow
+  /// after those.
   void TakeFromPhoto(const JpegSegment& segment) {
     const bool isOfPixels =
-        Is(segment, "adobe") || (Is(segment, "profile") && picture_.Find("profile") != nullptr);
-    if (isOfPixels || Is(segment, "mpf") || !IsMetadata(segment)) return;
+        Is(segment, MetadataKind::adobe) ||
+        (Is(segment, MetadataKind::profile) && picture_.Find(MetadataKind::profile) != nullptr);
+    if (isOfPixels || Is(segment, MetadataKind::mpf) || !IsMetadata(segment)) return;
     if (segment.marker == kMarkerApp0) {
-      if (Is(segment, "jfif")) saved_.HeaderSegment = Keep(segment, SectionBytes(segment));
-    } else if (Is(segment, "exif") && saved_.ExifSegment == nullptr) {
+      if (Is(segment, MetadataKind::jfif))
+        saved_.HeaderSegment = Keep(segment, SectionBytes(segment));
+    } else if (Is(segment, MetadataKind::exif) && saved_.ExifSegment == nullptr) {
       saved_.ExifSegment = Keep(segment, ExifFor(SectionBytes(segment)));
     } else if (segment.marker == kMarkerApp13 && saved_.IPTCSegment == nullptr) {
       saved_.IPTCSegment = Keep(segment, SectionBytes(segment));
@@ -106,12 +106,13 @@ class Copy {
   }
 
   void TakeFromPicture(const JpegSegment& segment) {
-    if (Is(segment, "adobe") || Is(segment, "profile")) behind_.push_back(segment);
-    if (Is(segment, "jfif") && saved_.HeaderSegment == nullptr)
+    if (Is(segment, MetadataKind::adobe) || Is(segment, MetadataKind::profile))
+      behind_.push_back(segment);
+    if (Is(segment, MetadataKind::jfif) && saved_.HeaderSegment == nullptr)
       saved_.HeaderSegment = Keep(segment, SectionBytes(segment));
   }
 
-  /// The photo's EXIF section with the changes asked for.
+  /// The EXIF section of the photo with the requested changes.
   std::string ExifFor(std::string section) {
     if (options_.stripThumbnail) section = WithoutThumbnail(ExifBlock(std::move(section)));
     orientation_ = photoOrientation_;
@@ -119,8 +120,8 @@ class Copy {
     const ExifBlock block(section);
     const ExifDirectory* main = block.Find("main");
     const ExifEntry* entry = main != nullptr ? main->Find(kTagOrientation) : nullptr;
-    constexpr uint16_t word = 3;
-    if (entry == nullptr || entry->type != word) return section;
+    constexpr uint16_t kWord = 3;
+    if (entry == nullptr || entry->type != kWord) return section;
     block.Order().WriteInt16(section, pictureOrientation_, entry->valuePos);
     orientation_ = pictureOrientation_;
     return section;
@@ -128,21 +129,21 @@ class Copy {
 
   void WarnOfTurn() {
     if (orientation_ == pictureOrientation_) return;
-    const char* remedy = options_.keepOrientation ? "the photo has no tag to state it in"
-                                                  : "--keep-orientation leaves it";
+    const char* remedy = options_.keepOrientation ? "the photo has no orientation tag"
+                                                  : "--keep-orientation keeps it";
     warnings_.push_back(fmt::format(
-        "the orientation is now {} and was {}, so that viewers will show the picture another way "
-        "round ({})",
+        "the orientation is now {} and was {}; viewers will turn the picture differently ({})",
         orientation_, pictureOrientation_, remedy));
   }
 
   void WriteSaved(TMemoryStream& target) {
     saved_.SaveExif(target);
-    const JpegSegment* jfif = picture_.Find("jfif");
+    const JpegSegment* jfif = picture_.Find(MetadataKind::jfif);
     const bool isRgb = IsStoredAsRgb(picture_, jfif != nullptr);
     const bool hasHeader = saved_.ExifSegment == nullptr;
     if (IsStoredAsRgb(picture_, hasHeader) != isRgb) {
-      // The header decides how the colours are read: it is there if and only if the picture had it.
+      // The JFIF header decides how colors are read: it is written if and only if the picture had
+      // it.
       if (hasHeader) DropHeader(target);
       if (jfif != nullptr) behind_.push_back(*jfif);
     }
@@ -160,8 +161,7 @@ class Copy {
     target.Write(bytes);
   }
 
-  /// The picture's file without any metadata in it, also without that which stands behind other
-  /// sections, and without stray bytes between them.
+  /// The file of the picture without metadata and without stray bytes between sections.
   void WritePicture(TStream& target) {
     TMemoryStream plain;
     plain.Write(pictureBytes_.first(2));
@@ -175,10 +175,10 @@ class Copy {
   const Bytes pictureBytes_;
   const CopyOptions& options_;
   const int photoOrientation_, pictureOrientation_;
-  /// What the written file states.
+  /// The orientation that the written file states.
   int orientation_ = 1;
   TImageData saved_;
-  /// A deque, as the library is given pointers to its items.
+  /// A deque: the library gets pointers to its items.
   std::deque<TSection> sections_;
   std::vector<JpegSegment> behind_;
   std::vector<std::string> warnings_;

@@ -6,9 +6,9 @@
 
 namespace rasterkit::tool {
 
-/// What the photo or the picture had and the file made of both has not: "xmp", "gps", "mpf" (the
-/// index of further pictures in the photo's file), "app6" and the like for sections that nobody
-/// here knows, "resolution" when the file no longer states that of the picture.
+/// Lists what the photo or the picture contains and the combined file does not: "xmp", "gps", "mpf"
+/// (the index of further pictures in the photo), "app6" and so on for unknown sections,
+/// "resolution" if the file does not state that of the picture.
 std::vector<std::string> LostByCopying(const std::vector<uint8_t>& photo,
                                        const std::vector<uint8_t>& picture,
                                        const std::vector<uint8_t>& result);

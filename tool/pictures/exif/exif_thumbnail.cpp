@@ -35,8 +35,8 @@ Range PictureRange(const ExifBlock& block, const ExifDirectory& directory, uint1
   return {kExifBase + block.Number(*offset), block.Number(*bytes)};
 }
 
-/// As the library finds it, without the byte behind the end marker: for sections whose entries are
-/// wrong.
+/// Finds the thumbnail as the library does, without the byte after the end marker: for sections
+/// with wrong entries.
 std::string ThumbnailBySearch(const ExifBlock& block) {
   const std::string file = "\xFF\xD8\xFF\xE1" + block.Section();
   TSpanStream stream({reinterpret_cast<const uint8_t*>(file.data()), file.size()});
@@ -48,7 +48,7 @@ std::string ThumbnailBySearch(const ExifBlock& block) {
   return end == std::string::npos ? "" : buffer.substr(0, end + 2);
 }
 
-/// Which bytes of a section belong to something; positions count from 1.
+/// Marks bytes of a section; positions are counted from 1.
 class Bytes {
  public:
   explicit Bytes(size_t size) : marked_(size + 1) {}
@@ -58,12 +58,12 @@ class Bytes {
     for (int64_t p = std::max<int64_t>(1, range.start); p < end; ++p)
       marked_[static_cast<size_t>(p)] = true;
   }
-  /// The directory and the values that lie outside it.
+  /// Marks the directory and the values stored outside it.
   void Mark(const ExifDirectory& directory) {
     Mark(Range{directory.start, directory.linkPos + 4 - directory.start});
-    constexpr int64_t mostInPlace = 4;
+    constexpr int64_t kMostInPlace = 4;
     for (const ExifEntry& entry : directory.entries)
-      if (entry.byteCount > mostInPlace) Mark(Range{entry.valuePos, entry.byteCount});
+      if (entry.byteCount > kMostInPlace) Mark(Range{entry.valuePos, entry.byteCount});
   }
   bool Has(int64_t position) const { return marked_[static_cast<size_t>(position)]; }
 
@@ -76,7 +76,7 @@ void RequireWhole(const ExifBlock& block, const ExifDirectory& directory) {
     throw FormatError("EXIF: the thumbnail's directory reaches beyond the section");
 }
 
-/// What belongs to the thumbnail and to nothing else.
+/// Bytes that belong only to the thumbnail.
 Bytes ThumbnailParts(const ExifBlock& block) {
   Bytes parts(block.Section().size());
   for (const ExifDirectory& directory : block.Directories()) {

@@ -15,17 +15,17 @@ namespace {
 using Bytes = std::span<const uint8_t>;
 using std::string_view_literals::operator""sv;
 
-/// Restart markers, start of image and TEM stand alone.
+/// False for restart markers, start of image and TEM, which have no length field.
 bool HasLength(uint8_t marker) {
   return marker != 0x01 && !(marker >= 0xD0 && marker <= kMarkerSoi);
 }
 
-/// Frame headers; C4, C8 and CC among them mean something else.
+/// True for frame headers; C4, C8 and CC have another meaning.
 bool IsFrame(uint8_t marker) {
   return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
 }
 
-/// The place of the next marker's 0xFF from `place` on; the size of the file when there is none.
+/// Position of the next marker's 0xFF from `place` on, or the size of the file if there is none.
 size_t NextMarker(Bytes jpeg, size_t place) {
   while (place + 1 < jpeg.size()) {
     const auto* found = static_cast<const uint8_t*>(
@@ -48,8 +48,8 @@ void TakeFrame(JpegHeader& header, Bytes payload) {
   header.height = static_cast<int>(WordAt(payload, 1));
   header.width = static_cast<int>(WordAt(payload, 3));
   header.components = payload[5];
-  constexpr size_t firstName = 6, step = 3;
-  for (size_t place = firstName; place < payload.size(); place += step)
+  constexpr size_t kFirstName = 6, kStep = 3;
+  for (size_t place = kFirstName; place < payload.size(); place += kStep)
     header.componentNames += static_cast<char>(payload[place]);
 }
 
@@ -60,26 +60,26 @@ bool StartsWith(Bytes bytes, std::string_view text) {
 struct Mark {
   uint8_t marker;
   std::string_view start;
-  const char* kind;
+  MetadataKind kind;
 };
 
 constexpr std::array<Mark, 9> kMarks = {{
-    {kMarkerApp0, "JFIF\0"sv, "jfif"},
-    {kMarkerApp1, "Exif\0"sv, "exif"},
-    {kMarkerApp1, "http://ns.adobe.com/x"sv, "xmp"},
-    {kMarkerApp2, "ICC_PROFILE\0"sv, "profile"},
-    {kMarkerApp2, "MPF\0"sv, "mpf"},
-    {kMarkerApp13, ""sv, "iptc"},
-    {kMarkerApp14, "Adobe"sv, "adobe"},
-    {kMarkerCom, ""sv, "comment"},
-    {kMarkerApp0, "JFXX\0"sv, "jfxx"},
+    {kMarkerApp0, "JFIF\0"sv, MetadataKind::jfif},
+    {kMarkerApp1, "Exif\0"sv, MetadataKind::exif},
+    {kMarkerApp1, "http://ns.adobe.com/x"sv, MetadataKind::xmp},
+    {kMarkerApp2, "ICC_PROFILE\0"sv, MetadataKind::profile},
+    {kMarkerApp2, "MPF\0"sv, MetadataKind::mpf},
+    {kMarkerApp13, ""sv, MetadataKind::iptc},
+    {kMarkerApp14, "Adobe"sv, MetadataKind::adobe},
+    {kMarkerCom, ""sv, MetadataKind::comment},
+    {kMarkerApp0, "JFXX\0"sv, MetadataKind::jfxx},
 }};
 
 }  // namespace
 
-const JpegSegment* JpegHeader::Find(const char* kind) const {
+const JpegSegment* JpegHeader::Find(MetadataKind kind) const {
   for (const JpegSegment& segment : segments)
-    if (std::strcmp(SegmentKind(segment), kind) == 0) return &segment;
+    if (SegmentKind(segment) == kind) return &segment;
   return nullptr;
 }
 
@@ -125,17 +125,17 @@ std::string MarkerName(uint8_t marker) {
   }
 }
 
-const char* SegmentKind(const JpegSegment& segment) {
+std::optional<MetadataKind> SegmentKind(const JpegSegment& segment) {
   const auto mark = std::find_if(kMarks.begin(), kMarks.end(), [&](const Mark& candidate) {
     return candidate.marker == segment.marker && StartsWith(segment.payload, candidate.start);
   });
-  return mark == kMarks.end() ? "" : mark->kind;
+  return mark == kMarks.end() ? std::nullopt : std::optional(mark->kind);
 }
 
 std::string SectionBytes(const JpegSegment& segment) {
-  constexpr size_t lengthBytes = 2;
-  const auto* start = reinterpret_cast<const char*>(segment.payload.data()) - lengthBytes;
-  return {start, segment.payload.size() + lengthBytes};
+  constexpr size_t kLengthBytes = 2;
+  const auto* start = reinterpret_cast<const char*>(segment.payload.data()) - kLengthBytes;
+  return {start, segment.payload.size() + kLengthBytes};
 }
 
 }  // namespace rasterkit::tool

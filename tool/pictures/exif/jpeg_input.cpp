@@ -14,19 +14,19 @@
 namespace rasterkit::tool {
 namespace {
 
-/// Of a device without an end no more is read than tells that it is no picture.
+/// Reads the whole file. Of an endless device it reads only the first bytes.
 std::vector<uint8_t> ReadAll(TFileStream& stream) {
   if (stream.Size() > 0) return stream.ReadToEnd();
   std::vector<uint8_t> bytes = ReadUnsizedPicture(stream);
-  if (SniffPictureType(bytes) == PictureType::unknown) throw FormatError("this is no JPEG file");
+  if (SniffPictureType(bytes) == PictureType::unknown) throw FormatError("this is not a JPEG file");
   return bytes;
 }
 
 void RequireJpeg(std::span<const uint8_t> bytes) {
   if (bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xD8) return;
   const PictureType type = SniffPictureType(bytes);
-  if (type == PictureType::unknown) throw FormatError("this is no JPEG file");
-  throw FormatError(std::string("this is no JPEG file but ") + PictureTypeName(type));
+  if (type == PictureType::unknown) throw FormatError("this is not a JPEG file");
+  throw FormatError(std::string("this is not a JPEG file but ") + PictureTypeName(type));
 }
 
 }  // namespace
@@ -41,7 +41,7 @@ std::vector<uint8_t> ReadJpegInput(const std::string& file) {
   } catch (const Error& error) {
     throw Failure(exitInputUnreadable, file + ": " + error.Reason());
   } catch (const std::bad_alloc&) {
-    throw Failure(exitInputUnreadable, file + ": not enough memory");
+    throw Failure(exitInputUnreadable, file + ": out of memory");
   }
 }
 

@@ -6,8 +6,8 @@
 
 namespace rasterkit::tool {
 
-/// The bytes of a file that begins as a JPEG does. Throws Failure(exitInputUnreadable) that names
-/// the file and the fault.
+/// Reads a file that begins like a JPEG file. Throws Failure(exitInputUnreadable) with the name of
+/// the file and the reason.
 std::vector<uint8_t> ReadJpegInput(const std::string& file);
 
 }  // namespace rasterkit::tool

@@ -13,8 +13,8 @@ namespace {
 
 constexpr int kPixelIsPoint = 2;
 
-/// Raster coordinates of the first pixel's centre.
-double FirstCentre(const TiffFacts& facts) {
+/// Raster coordinates of the center of the first pixel.
+double FirstCenter(const TiffFacts& facts) {
   return facts.rasterType == kPixelIsPoint ? 0.0 : 0.5;
 }
 
@@ -27,17 +27,17 @@ bool PlacesSomething(const Affine& affine) {
 Affine FromScale(const TiffFacts& facts) {
   const double x = facts.pixelScale[0], y = facts.pixelScale[1];
   const auto& tie = facts.tiePoints;
-  const double columns = FirstCentre(facts) - tie[0], rows = FirstCentre(facts) - tie[1];
+  const double columns = FirstCenter(facts) - tie[0], rows = FirstCenter(facts) - tie[1];
   return {x, 0, 0, -y, tie[3] + columns * x, tie[4] - rows * y};
 }
 
 Affine FromTransformation(const TiffFacts& facts) {
   const auto& m = facts.transformation;
-  const double c = FirstCentre(facts);
+  const double c = FirstCenter(facts);
   return {m[0], m[4], m[1], m[5], m[3] + c * m[0] + c * m[1], m[7] + c * m[4] + c * m[5]};
 }
 
-/// How far apart two positions put a corner pixel, in pixels of the first.
+/// Distance between the places of a corner pixel in two positions, in pixels of the first one.
 double GreatestDistance(const Affine& a, const Affine& b, int width, int height) {
   double greatest = 0;
   for (const int column : {0, width - 1}) {
@@ -55,9 +55,10 @@ double GreatestDistance(const Affine& a, const Affine& b, int width, int height)
 std::vector<GeoPosition> PositionsInTiff(const TiffFacts& facts) {
   std::vector<GeoPosition> positions;
   if (facts.pixelScale.size() >= 2 && facts.tiePoints.size() >= 6)
-    positions.push_back({"geotiff", "", FromScale(facts)});
+    positions.push_back({MetadataKindName(MetadataKind::geoTiff), "", FromScale(facts)});
   if (facts.transformation.size() >= 16)
-    positions.push_back({"geotiff-transformation", "", FromTransformation(facts)});
+    positions.push_back(
+        {MetadataKindName(MetadataKind::geoTiffTransformation), "", FromTransformation(facts)});
   positions.erase(std::remove_if(positions.begin(), positions.end(),
                                  [](const auto& p) { return !PlacesSomething(p.affine); }),
                   positions.end());
@@ -69,7 +70,7 @@ std::optional<GeoPosition> PositionBeside(const std::string& picture) {
   if (!name) return std::nullopt;
   const auto worldFile = ReadWorldFile(*name);
   if (!worldFile) return std::nullopt;
-  return GeoPosition{"worldfile", worldFile->file, worldFile->affine};
+  return GeoPosition{MetadataKindName(MetadataKind::worldFile), worldFile->file, worldFile->affine};
 }
 
 std::vector<GeoPosition> PositionsOf(const std::string& picture, const TiffFacts& facts) {
@@ -85,7 +86,7 @@ std::optional<std::string> PositionDoubt(const std::vector<GeoPosition>& positio
     const double distance =
         GreatestDistance(positions[0].affine, positions[i].affine, width, height);
     if (!(distance <= kAgreement))
-      return fmt::format("{} and {} disagree by up to {:.3g} pixels; {} counts",
+      return fmt::format("{} and {} disagree by up to {:.3g} pixels; {} is used",
                          positions[0].source, positions[i].source, distance, positions[0].source);
   }
   return std::nullopt;

@@ -10,9 +10,9 @@
 namespace rasterkit::tool {
 
 /// Six numbers A D B E C F in the order of a world file, for column c and row r counted from the
-/// upper left pixel, whose centre is (0, 0):
+/// top left pixel, whose center is (0, 0):
 ///
-///     x = A c + B r + C      A: x per column, B: x per row, C: x of that centre
+///     x = A c + B r + C      A: x per column, B: x per row, C: x of that center
 ///     y = D c + E r + F      D: y per column, E: y per row (negative: rows run south), F: its y
 using Affine = std::array<double, 6>;
 
@@ -20,7 +20,7 @@ struct MapPoint {
   double x = 0, y = 0;
 };
 
-/// Where a picture lies on a map, and who says so.
+/// The position of a picture on a map, and its source.
 struct GeoPosition {
   /// "worldfile", "geotiff" (pixel scale and tie point) or "geotiff-transformation".
   std::string source;
@@ -29,31 +29,33 @@ struct GeoPosition {
   Affine affine{};
 };
 
-/// What the tags of a TIFF file say, the likelier source first: pixel scale with the first tie
-/// point, then the transformation matrix. GeoTIFF counts from the corner of the upper left pixel
-/// unless its raster type says that pixels are points; here both are told by pixel centres. A scale
-/// of 0 and numbers that are not finite place nothing.
+/// Positions from the tags of a TIFF file, the more reliable source first: pixel scale with the
+/// first tie point, then the transformation matrix. GeoTIFF counts from the corner of the top left
+/// pixel unless its raster type says that pixels are points; this function returns pixel centers
+/// for both. A scale of 0 or a non-finite number gives no position.
 std::vector<GeoPosition> PositionsInTiff(const TiffFacts& facts);
 
-/// What the world file beside the picture says; nothing without one, or when it cannot be read.
+/// The position from the world file beside the picture; nothing if there is none or it cannot be
+/// read.
 std::optional<GeoPosition> PositionBeside(const std::string& picture);
 
-/// Everything that places the picture: a world file beside it comes first, as it is what people
-/// change, then the tags.
+/// All positions of the picture: first that of a world file beside it, because people edit world
+/// files, then those of the tags.
 std::vector<GeoPosition> PositionsOf(const std::string& picture, const TiffFacts& facts);
 
-/// A sentence when the positions of a picture of that size disagree by more than a tenth of a pixel
-/// somewhere; the first one counts.
+/// A warning if the positions of a picture of that size disagree by more than a tenth of a pixel
+/// anywhere; the first position is used.
 std::optional<std::string> PositionDoubt(const std::vector<GeoPosition>& positions, int width,
                                          int height);
 
-/// The map point of a column and row, which need not be whole.
+/// Converts a column and row, which may be fractions, to a map point.
 MapPoint ToMap(const Affine& affine, double column, double row);
 
-/// The column and row (as x and y) of a map point; nothing when the six numbers span no plane.
+/// Converts a map point to a column and row (as x and y); nothing if the six numbers cannot be
+/// inverted.
 std::optional<MapPoint> FromMap(const Affine& affine, MapPoint point);
 
-/// The corner where columns and rows begin: half a pixel left of and above the first centre.
+/// Map position of the top left corner of the top left pixel, half a pixel from its center.
 MapPoint UpperLeftCorner(const Affine& affine);
 
 }  // namespace rasterkit::tool

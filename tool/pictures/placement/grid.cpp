@@ -31,14 +31,14 @@ double ReadValue(GridType type, const uint8_t* row, int column) {
   }
 }
 
-/// The float that a writer of float grids stores for the number. Decimal texts of the largest float
-/// are often rounded up by a hair.
+/// The float that a writer of float grids stores for the number. The decimal text of the largest
+/// float is often rounded up slightly.
 std::optional<double> NearestFloat(double value) {
-  constexpr double largest = std::numeric_limits<float>::max();
-  constexpr double hair = 1e-6;
-  if (std::abs(value) <= largest) return static_cast<double>(static_cast<float>(value));
-  if (std::abs(value) > largest * (1 + hair)) return std::nullopt;
-  return std::copysign(largest, value);
+  constexpr double kLargest = std::numeric_limits<float>::max();
+  constexpr double kTolerance = 1e-6;
+  if (std::abs(value) <= kLargest) return static_cast<double>(static_cast<float>(value));
+  if (std::abs(value) > kLargest * (1 + kTolerance)) return std::nullopt;
+  return std::copysign(kLargest, value);
 }
 
 }  // namespace
@@ -59,8 +59,8 @@ std::optional<GridType> GridTypeOf(WICPixelFormat format) {
 }
 
 const char* GridTypeName(GridType type) {
-  constexpr const char* names[] = {"float32", "float16", "uint16", "int16"};
-  return names[static_cast<int>(type)];
+  constexpr const char* kNames[] = {"float32", "float16", "uint16", "int16"};
+  return kNames[static_cast<int>(type)];
 }
 
 NoData::NoData(const std::string& text, GridType type) {
@@ -83,7 +83,7 @@ double Grid::At(int column, int row) const {
   return ReadValue(type_, rows_.Row(row), column);
 }
 
-GridStatistics Summarise(const Grid& grid, const NoData& noData) {
+GridStatistics Summarize(const Grid& grid, const NoData& noData) {
   GridStatistics result;
   double minimum = std::numeric_limits<double>::infinity(), maximum = -minimum, sum = 0;
   for (int y = 0; y < grid.Height(); ++y) {

@@ -9,26 +9,26 @@
 
 namespace rasterkit::tool {
 
-/// How a grid's values lie in its rows.
+/// Number type of a grid.
 enum class GridType { float32, float16, uint16, int16 };
 
-/// Nothing for a pixel format of colours.
+/// The grid type of a pixel format; nothing for colors.
 std::optional<GridType> GridTypeOf(WICPixelFormat format);
 
 /// "float32", "float16", "uint16", "int16".
 const char* GridTypeName(GridType type);
 
-/// The one value that stands for "nothing was measured here".
+/// The value that means "not measured".
 class NoData {
  public:
   /// No such value.
   NoData() = default;
-  /// The text of a file's tag. A float grid holds the float nearest to the number; a number that
-  /// the type cannot hold stands for nothing in it. "nan" is one as well.
+  /// Parses the text of the file's tag. A float grid holds the float nearest to the number; a
+  /// number that the type cannot hold never occurs in the grid. "nan" is valid.
   NoData(const std::string& text, GridType type);
 
   bool Is(double value) const { return value == value_ || (isNan_ && value != value); }
-  /// The text is there, but it is no number.
+  /// True if the text is not a number.
   bool IsUnreadable() const { return isUnreadable_; }
 
  private:
@@ -37,17 +37,17 @@ class NoData {
   bool isUnreadable_ = false;
 };
 
-/// Rows of numbers as a file holds them.
+/// Rows of numbers as stored in a file.
 class Grid {
  public:
-  /// `rows` has 32 bits a pixel for float32, else 16.
+  /// `rows` has 32 bits per pixel for float32, else 16.
   Grid(Raster rows, GridType type) : rows_(std::move(rows)), type_(type) {}
 
   int Width() const { return rows_.Width(); }
   int Height() const { return rows_.Height(); }
   GridType Type() const { return type_; }
   bool Holds(double column, double row) const;
-  /// Every type's values are exact in a double.
+  /// A double holds the values of every type exactly.
   double At(int column, int row) const;
 
  private:
@@ -55,16 +55,16 @@ class Grid {
   GridType type_;
 };
 
-/// Over all values that are finite and not the one for "no data".
+/// Statistics over all finite values except "no data".
 struct GridStatistics {
   uint64_t values = 0;
-  /// Without values all three are 0.
+  /// All three are 0 if there are no values.
   double minimum = 0, maximum = 0, mean = 0;
   uint64_t noData = 0;
-  /// Infinite values and NaNs that do not stand for "no data".
+  /// Number of infinite and NaN values that do not mean "no data".
   uint64_t notFinite = 0;
 };
 
-GridStatistics Summarise(const Grid& grid, const NoData& noData);
+GridStatistics Summarize(const Grid& grid, const NoData& noData);
 
 }  // namespace rasterkit::tool

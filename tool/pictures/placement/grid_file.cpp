@@ -20,7 +20,7 @@ namespace {
 // Values of the tag sample format.
 constexpr int kFloatingPoint = 3;
 
-/// The imaging codec reads other kinds of picture as well; those have no tags.
+/// Only TIFF files have tags; the codec reads other types as well.
 TiffFacts FactsOf(TStream& stream) {
   TiffFacts facts;
   try {
@@ -31,7 +31,7 @@ TiffFacts FactsOf(TStream& stream) {
   return facts;
 }
 
-/// The values are those of the library's ReadGeoTiffIntoBitmap, which cannot say what is damaged.
+/// Reads the same values as the library's ReadGeoTiffIntoBitmap, which cannot report damage.
 void LoadStream(GridFile& result, TStream& stream) {
   result.facts = FactsOf(stream);
   CodecReport report;
@@ -42,7 +42,7 @@ void LoadStream(GridFile& result, TStream& stream) {
   result.grid.emplace(std::move(frame.rows), *type);
   result.noData = NoData(result.facts.noData, *type);
   if (result.noData.IsUnreadable())
-    result.warnings.push_back("the value for no data is no number: '" +
+    result.warnings.push_back("the value for no data is not a number: '" +
                               Printable(result.facts.noData) + "'");
 }
 
@@ -55,7 +55,7 @@ void Load(GridFile& result, const std::string& file) {
   LoadStream(result, memory);
 }
 
-/// A world file that cannot be read places nothing, and the tags count.
+/// A world file that cannot be read gives no position; the tags are used.
 void AddPositions(GridFile& result, const std::string& file) {
   result.positions = PositionsOf(file, result.facts);
   const auto worldFile = FindWorldFile(file);
@@ -75,19 +75,19 @@ GridFile LoadGridFile(const std::string& file) {
   } catch (const Error& error) {
     throw Failure(exitInputUnreadable, file + ": " + error.Reason());
   } catch (const std::bad_alloc&) {
-    throw Failure(exitInputUnreadable, file + ": not enough memory");
+    throw Failure(exitInputUnreadable, file + ": out of memory");
   }
   if (result.grid) AddPositions(result, file);
   return result;
 }
 
 std::string SamplesText(const TiffFacts& facts) {
-  constexpr const char* kinds[] = {"", ", unsigned", ", signed", ", floating-point"};
+  constexpr const char* kKinds[] = {"", ", unsigned", ", signed", ", floating-point"};
   const bool isNamed =
       facts.bitsPerSample > 8 && facts.sampleFormat >= 1 && facts.sampleFormat <= kFloatingPoint;
-  return fmt::format("{} sample{} of {} bits a pixel{}", facts.samples,
+  return fmt::format("{} sample{}, {} bits per pixel{}", facts.samples,
                      facts.samples == 1 ? "" : "s", facts.bitsPerSample,
-                     isNamed ? kinds[facts.sampleFormat] : "");
+                     isNamed ? kKinds[facts.sampleFormat] : "");
 }
 
 }  // namespace rasterkit::tool

@@ -11,21 +11,22 @@
 
 namespace rasterkit::tool {
 
-/// A TIFF file's first picture as a grid, with what its tags say about it.
+/// The first picture of a TIFF file as a grid, with facts from its tags.
 struct GridFile {
   TiffFacts facts;
-  /// Absent when the file holds colours or numbers of another type.
+  /// Null if the file holds colors or numbers of another type.
   std::optional<Grid> grid;
   NoData noData;
-  /// That of a world file first: it is what people change.
+  /// The position of a world file comes first, because people edit world files.
   std::vector<GeoPosition> positions;
   std::vector<std::string> warnings;
 };
 
-/// Throws Failure(exitInputUnreadable) for a file that is no picture or cannot be read.
+/// Reads a grid. Throws Failure(exitInputUnreadable) if the file is not a picture or cannot be
+/// read.
 GridFile LoadGridFile(const std::string& file);
 
-/// What the file holds where it holds no grid: "3 samples of 8 bits a pixel".
+/// Describes the samples of a file that holds no grid: "3 samples, 8 bits per pixel".
 std::string SamplesText(const TiffFacts& facts);
 
 }  // namespace rasterkit::tool

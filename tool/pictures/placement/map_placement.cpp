@@ -6,7 +6,7 @@
 namespace rasterkit::tool {
 namespace {
 
-/// Pixel scale and tie point know columns that run east and rows that run south only.
+/// Pixel scale and tie point can only express columns that run east and rows that run south.
 std::optional<TiffGeoTags> TagsOf(const Affine& affine) {
   const auto [perColumnX, perColumnY, perRowX, perRowY, x, y] = affine;
   if (perColumnY != 0 || perRowX != 0 || !(perColumnX > 0) || !(perRowY < 0)) return std::nullopt;
@@ -19,12 +19,14 @@ std::optional<TiffGeoTags> TagsOf(const Affine& affine) {
 std::vector<std::string> MapSources(const std::string& input, const TiffFacts& facts) {
   const std::vector<GeoPosition> inTags = PositionsInTiff(facts);
   std::vector<std::string> sources;
-  // A world file that cannot be read stays behind all the same.
-  if (FindWorldFile(input)) sources.emplace_back("worldfile");
+  // A world file that cannot be read is a loss as well.
+  if (FindWorldFile(input)) sources.emplace_back(MetadataKindName(MetadataKind::worldFile));
   for (const GeoPosition& position : inTags) sources.push_back(position.source);
-  if (inTags.empty() && !facts.tiePoints.empty()) sources.emplace_back("tie-points");
-  if (facts.hasCoordinateSystem) sources.emplace_back("coordinate-system");
-  if (!facts.noData.empty()) sources.emplace_back("nodata");
+  if (inTags.empty() && !facts.tiePoints.empty())
+    sources.emplace_back(MetadataKindName(MetadataKind::tiePoints));
+  if (facts.hasCoordinateSystem)
+    sources.emplace_back(MetadataKindName(MetadataKind::coordinateSystem));
+  if (!facts.noData.empty()) sources.emplace_back(MetadataKindName(MetadataKind::noData));
   return sources;
 }
 

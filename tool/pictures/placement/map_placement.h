@@ -10,23 +10,24 @@
 
 namespace rasterkit::tool {
 
-/// What places a picture on a map, and what of it a TIFF file of the same rows can say.
+/// The map position of a picture, and the part of it that a TIFF file with the same rows can store.
 struct MapPlacement {
   /// See MapSources.
   std::vector<std::string> sources;
-  /// The position that counts, as tags; nothing when there is none or it turns the picture.
+  /// The position as tags; nothing if there is none or it turns the picture.
   std::optional<TiffGeoTags> tags;
-  /// The sources that the tags stand for.
+  /// The sources that the tags replace.
   std::vector<std::string> kept;
-  /// The positions disagree.
+  /// Warning that the positions disagree.
   std::optional<std::string> doubt;
 };
 
-/// Everything about the map that a picture has in its file or beside it: "worldfile", "geotiff",
-/// "geotiff-transformation", "tie-points" (without a pixel size), "coordinate-system", "nodata".
+/// Lists all map data in the file or beside it: "worldfile", "geotiff", "geotiff-transformation",
+/// "tie-points" (without a pixel size), "coordinate-system", "nodata".
 std::vector<std::string> MapSources(const std::string& input, const TiffFacts& facts);
 
-/// Of a picture in its stored rows; `input` is the file's name, beside which a world file may lie.
+/// Reads the map position of a picture with rows as stored. A world file may be beside the file
+/// `input`.
 MapPlacement PlacementOf(const std::string& input, const LoadedPicture& picture);
 
 }  // namespace rasterkit::tool

@@ -13,10 +13,10 @@
 namespace rasterkit::tool {
 namespace {
 
-/// Six lines, and whatever somebody wrote below them.
+/// Largest size that is read: six lines and any notes below them.
 constexpr size_t kLongestWorldFile = 64 * 1024;
 
-/// The first `from` becomes `to`; false when there is none.
+/// Replaces the first `from` by `to`; false if there is none.
 bool Replace(std::string& text, char from, char to) {
   const size_t at = text.find(from);
   if (at != std::string::npos) text[at] = to;

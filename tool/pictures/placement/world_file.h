@@ -6,21 +6,21 @@
 
 namespace rasterkit::tool {
 
-/// A text file beside a picture that says where on the map it lies.
+/// A text file beside a picture that states its map position.
 struct WorldFile {
   std::string file;
-  /// In the file's order: x per column, y per column, x per row, y per row, x and y of the first
-  /// pixel's centre.
+  /// In the order of the file: x per column, y per column, x per row, y per row, x and y of the
+  /// center of the first pixel.
   std::array<double, 6> affine;
-  /// Some number was written as "0,5".
+  /// True if a number was written with a decimal comma ("0,5").
   bool hasDecimalCommas = false;
 };
 
-/// The world file that belongs to the picture by name ("plan.png": "plan.PGW" or "plan.pgw"), if
-/// there is one.
+/// Finds the world file that belongs to the picture by name ("plan.png": "plan.PGW" or "plan.pgw").
 std::optional<std::string> FindWorldFile(const std::string& picture);
 
-/// The six numbers, whatever follows them; nothing when the file does not begin with six.
+/// Reads the six numbers and ignores what follows; nothing if the file does not begin with six
+/// numbers.
 std::optional<WorldFile> ReadWorldFile(const std::string& worldFile);
 
 }  // namespace rasterkit::tool

@@ -21,12 +21,13 @@
 namespace rasterkit::tool {
 namespace {
 
-/// A placement and where it comes from.
+/// A placement and its source.
 struct Found {
   Placement placement;
-  /// "worldfile", "geotiff" ...; empty for the command line.
+  /// "worldfile", "geotiff" and so on; empty for the command line.
   std::string source;
-  /// What of the input's own positions the output says; where they disagree, a warning does.
+  /// The position sources of the input that the output replaces; a warning is given if they
+  /// disagree.
   std::vector<std::string> carriedOver;
   std::vector<std::string> warnings;
 };
@@ -35,15 +36,16 @@ struct Found {
   throw Failure(exitOutputNotWritten, file + ": " + reason);
 }
 
-/// The tags hold two positive sizes and a corner; rather no output than one that lies elsewhere.
+/// The tags can only hold two positive sizes and a corner. Refuses any other position: a wrong one
+/// would be worse than none.
 Placement PlacementOf(const Affine& affine, const std::string& file) {
   const auto [perColumnX, perColumnY, perRowX, perRowY, x, y] = affine;
-  const char* const tags = "which pixel scale and tie point cannot state";
+  const char* const tags = "which pixel scale and tie point cannot express";
   if (perColumnY != 0 || perRowX != 0)
     Refuse(file, fmt::format("turns or skews the picture (y per column {}, x per row {}), {}",
                              perColumnY, perRowX, tags));
   if (perColumnX == 0 || perRowY == 0)
-    Refuse(file, fmt::format("gives pixels no size (x per column {}, y per row {})", perColumnX,
+    Refuse(file, fmt::format("gives a pixel size of 0 (x per column {}, y per row {})", perColumnX,
                              perRowY));
   if (perColumnX < 0)
     Refuse(file, fmt::format("has columns that run west (x per column {}), {}", perColumnX, tags));
@@ -53,7 +55,7 @@ Placement PlacementOf(const Affine& affine, const std::string& file) {
   return {corner.x, corner.y, perColumnX, -perRowY};
 }
 
-/// Why a file gave no six numbers. A pipe was read already and is not opened again.
+/// Why a file does not contain six numbers. A pipe cannot be read again.
 std::string ReasonForNoNumbers(const std::string& name) {
   std::error_code ignored;
   try {
@@ -61,20 +63,21 @@ std::string ReasonForNoNumbers(const std::string& name) {
   } catch (const Error& error) {
     return error.Reason();
   }
-  return "no world file: it should begin with six numbers, one a line";
+  return "not a world file: it must begin with six numbers, one per line";
 }
 
 Found FromWorldFile(const std::string& name) {
   const auto worldFile = ReadWorldFile(name);
   if (!worldFile) throw Failure(exitInputUnreadable, name + ": " + ReasonForNoNumbers(name));
-  Found found{PlacementOf(worldFile->affine, name), "worldfile", {}, {}};
+  Found found{
+      PlacementOf(worldFile->affine, name), MetadataKindName(MetadataKind::worldFile), {}, {}};
   if (worldFile->hasDecimalCommas)
     found.warnings.push_back(name + ": commas were read as decimal points");
   return found;
 }
 
-/// The tags of the input itself; empty facts for anything but a readable TIFF file, whose fault
-/// loading will name.
+/// Tags of the input itself; empty for anything except a readable TIFF file. Loading reports the
+/// error later.
 TiffFacts FactsOf(const std::string& file) {
   try {
     TFileStream stream(file);
@@ -84,13 +87,13 @@ TiffFacts FactsOf(const std::string& file) {
   }
 }
 
-/// A world file that was named need not be the one that lies beside the picture.
+/// The world file of --world-file may be another one than that beside the picture.
 Found FromNamedFile(const std::string& name, const std::string& input) {
   Found found = FromWorldFile(name);
   const auto beside = FindWorldFile(input);
   std::error_code ignored;
   if (beside && std::filesystem::equivalent(ToPath(name), ToPath(*beside), ignored))
-    found.carriedOver.emplace_back("worldfile");
+    found.carriedOver.emplace_back(MetadataKindName(MetadataKind::worldFile));
   return found;
 }
 
@@ -102,7 +105,7 @@ Found FromInput(const std::string& input) {
   } else if (const auto inTags = PositionsInTiff(facts); !inTags.empty()) {
     found = {PlacementOf(inTags[0].affine, input), inTags[0].source, {}, {}};
   } else {
-    Refuse(input, "has no position: give --origin and --pixel-size, or a world file");
+    Refuse(input, "has no position; use --origin and --pixel-size, or a world file");
   }
   const std::vector<GeoPosition> positions = PositionsOf(input, facts);
   for (const GeoPosition& position : positions) found.carriedOver.push_back(position.source);
@@ -117,17 +120,17 @@ Found FindPlacement(const std::string& input, const PlacementOptions& options) {
   return options.worldFile.empty() ? FromInput(input) : FromNamedFile(options.worldFile, input);
 }
 
-/// World files and tags count columns and rows as they are stored.
+/// World files and tags refer to columns and rows as stored.
 void RequireStoredUpright(const LoadedPicture& picture, const Job& job, const Found& found) {
   const int orientation = picture.photo.orientation.value_or(1);
   if (found.source.empty() || orientation == 1) return;
   Refuse(job.input,
-         fmt::format("orientation {} turns the picture, and its position is that of the rows as "
-                     "stored; give --origin and --pixel-size of the upright picture",
+         fmt::format("orientation {} turns the picture, but its position refers to the rows as "
+                     "stored; use --origin and --pixel-size of the upright picture",
                      orientation));
 }
 
-/// The library's routine leaves the tags of smaller pixels away without a word.
+/// The library's routine silently omits the tags for small pixels.
 constexpr double kSmallestScale = 0.01;
 
 void WriteAnySize(const TBitmap& bitmap, const std::string& name, const Placement& placement) {

@@ -7,7 +7,7 @@
 
 namespace rasterkit::tool {
 
-/// Where the upper left corner of the upper left pixel lies, and how large a pixel is, both in map
+/// Map position of the top left corner of the top left pixel, and the size of a pixel, in map
 /// units; rows run south.
 struct Placement {
   double x = 0, y = 0;
@@ -15,14 +15,14 @@ struct Placement {
 };
 
 struct PlacementOptions {
-  /// From the command line; nothing when a world file counts.
+  /// The position from the command line; nothing if a world file is used.
   std::optional<Placement> given;
-  /// A world file by name; empty for the one beside each picture.
+  /// Name of a world file; empty for the one beside each picture.
   std::string worldFile;
 };
 
-/// Writes the job's input, upright, as a TIFF file with its position. Throws Failure: also for a
-/// position that the tags pixel scale and tie point cannot state.
+/// Writes the job's input upright as a TIFF file with its position. Throws Failure, also if the
+/// tags for pixel scale and tie point cannot express the position.
 JobResult WriteGeoTiff(const Job& job, const PlacementOptions& options);
 
 }  // namespace rasterkit::tool

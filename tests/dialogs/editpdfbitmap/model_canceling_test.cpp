@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class EditCancelling : public EditModelTest {
+class EditCanceling : public EditModelTest {
  protected:
   /// The user presses the cancel button while a page is being drawn.
   void CancelWhileRendering() {
@@ -26,7 +26,7 @@ class EditCancelling : public EditModelTest {
   }
 };
 
-TEST_F(EditCancelling, Rendering_Should_LeaveNothingButCancel) {
+TEST_F(EditCanceling, Rendering_Should_LeaveNothingButCancel) {
   OpenPdf();
   pdf.onExport = [&](const PdfDocument::PdfKeepGoing& keepGoing) {
     EXPECT_TRUE(model->IsRendering());
@@ -52,7 +52,7 @@ TEST_F(EditCancelling, Rendering_Should_LeaveNothingButCancel) {
   EXPECT_TRUE(Usable(SpeedButtonOpen));
 }
 
-TEST_F(EditCancelling, Rendering_Should_TurnTheHostsLoop) {
+TEST_F(EditCanceling, Rendering_Should_TurnTheHostsLoop) {
   OpenPdf();
   int turns = 0;
   ThreadQueue::Current();
@@ -65,7 +65,7 @@ TEST_F(EditCancelling, Rendering_Should_TurnTheHostsLoop) {
   EXPECT_EQ(turns, 1);
 }
 
-TEST_F(EditCancelling, Cancel_Should_BringThePictureBack) {
+TEST_F(EditCanceling, Cancel_Should_BringThePictureBack) {
   OpenPdf();
   model->SpeedButtonMirrorClick();
   const TBitmap before = std::move(*Work().Clone());
@@ -82,7 +82,7 @@ TEST_F(EditCancelling, Cancel_Should_BringThePictureBack) {
   EXPECT_TRUE(Down(SpeedButtonMirror));
 }
 
-TEST_F(EditCancelling, Cancel_Should_BringResolutionAndPageBack) {
+TEST_F(EditCanceling, Cancel_Should_BringResolutionAndPageBack) {
   OpenPdf(3);
   CancelWhileRendering();
   ChooseResolution("600");
@@ -94,7 +94,7 @@ TEST_F(EditCancelling, Cancel_Should_BringResolutionAndPageBack) {
   EXPECT_EQ(settings["Settings/FormEditPdfBmp.Resolution"], "150");
 }
 
-TEST_F(EditCancelling, Cancel_Should_LeaveAnEmptyView_When_ItIsTheFirstPage) {
+TEST_F(EditCanceling, Cancel_Should_LeaveAnEmptyView_When_ItIsTheFirstPage) {
   CancelWhileRendering();
   model->SetOrgFilename("a.pdf");
   EXPECT_EQ(model->WorkBitmap(), nullptr);
@@ -102,12 +102,12 @@ TEST_F(EditCancelling, Cancel_Should_LeaveAnEmptyView_When_ItIsTheFirstPage) {
   EXPECT_FALSE(Usable(NaviResultPost));
   pdf.onExport = nullptr;
   ChooseResolution("150");
-  EXPECT_EQ(model->WorkBitmap(), nullptr) << "only Enter asks for the same once more";
+  EXPECT_EQ(model->WorkBitmap(), nullptr) << "only Enter requests the same again";
   model->CoBoResolutionKeyPress(ComboKey::enter);
   EXPECT_NE(model->WorkBitmap(), nullptr);
 }
 
-TEST_F(EditCancelling, Cancel_Should_LeaveAnEmptyView_When_ThePictureCouldNotBeKept) {
+TEST_F(EditCanceling, Cancel_Should_LeaveAnEmptyView_When_ThePictureCouldNotBeKept) {
   OpenPdf();
   CancelWhileRendering();
   const MemoryLimit limit(40000);
@@ -116,7 +116,7 @@ TEST_F(EditCancelling, Cancel_Should_LeaveAnEmptyView_When_ThePictureCouldNotBeK
   EXPECT_EQ(tool.OrgBitmap(), nullptr);
 }
 
-TEST_F(EditCancelling, Cancel_Should_Count_When_TheExportWentOnToItsEnd) {
+TEST_F(EditCanceling, Cancel_Should_Count_When_TheExportWentOnToItsEnd) {
   OpenPdf();
   pdf.onExport = [this](const PdfDocument::PdfKeepGoing&) {
     model->NaviResultCancelClick();
@@ -127,7 +127,7 @@ TEST_F(EditCancelling, Cancel_Should_Count_When_TheExportWentOnToItsEnd) {
   EXPECT_TRUE(SamePixels(PdfPicture(0, 1.5), Work()));
 }
 
-TEST_F(EditCancelling, Cancel_Should_NotLastLonger) {
+TEST_F(EditCanceling, Cancel_Should_NotLastLonger) {
   OpenPdf();
   CancelWhileRendering();
   ChooseResolution("72");
@@ -136,7 +136,7 @@ TEST_F(EditCancelling, Cancel_Should_NotLastLonger) {
   EXPECT_EQ(model->Resolution(), 200);
 }
 
-TEST_F(EditCancelling, Escape_Should_CancelToo) {
+TEST_F(EditCanceling, Escape_Should_CancelToo) {
   OpenPdf();
   pdf.onExport = [this](const PdfDocument::PdfKeepGoing& keepGoing) {
     EXPECT_TRUE(model->FormKeyDown(EditKey::escape, false));
@@ -147,7 +147,7 @@ TEST_F(EditCancelling, Escape_Should_CancelToo) {
   EXPECT_THAT(view.closed, IsEmpty());
 }
 
-TEST_F(EditCancelling, FormClose_Should_CancelAndThenClose) {
+TEST_F(EditCanceling, FormClose_Should_CancelAndThenClose) {
   OpenPdf();
   pdf.onExport = [this](const PdfDocument::PdfKeepGoing& keepGoing) {
     model->FormClose();

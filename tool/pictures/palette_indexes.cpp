@@ -1,4 +1,4 @@
-#include "tool/pictures/entry_rows.h"
+#include "tool/pictures/palette_indexes.h"
 
 #include <rasterkit/raster/pixel_format.h>
 
@@ -7,7 +7,7 @@ namespace {
 
 constexpr int kBitsOfByte = 8;
 
-/// Where the pixels of a packed byte lie; the first one in the high bits.
+/// Position of a pixel in a packed byte; the first pixel is in the high bits.
 struct Packing {
   int bits, perByte;
   unsigned mask;

@@ -1,0 +1,132 @@
+#include <algorithm>
+
+#include <rasterkit/codecs/bmp/bmp_decoder.h>
+#include <rasterkit/codecs/bmp/bmp_encoder.h>
+#include <rasterkit/codecs/bmp/bmp_signature.h>
+#include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/codecs/drawn_signatures.h>
+#include <rasterkit/codecs/gif/gif_decoder.h>
+#include <rasterkit/codecs/gif/gif_metadata.h>
+#include <rasterkit/codecs/gif/gif_signature.h>
+#include <rasterkit/codecs/jpeg/jpeg_decoder.h>
+#include <rasterkit/codecs/jpeg/jpeg_encoder.h>
+#include <rasterkit/codecs/jpeg/jpeg_metadata.h>
+#include <rasterkit/codecs/jpeg/jpeg_signature.h>
+#include <rasterkit/codecs/png/png_decoder.h>
+#include <rasterkit/codecs/png/png_encoder.h>
+#include <rasterkit/codecs/png/png_metadata.h>
+#include <rasterkit/codecs/png/png_signature.h>
+#include <rasterkit/codecs/tiff/tiff_decoder.h>
+#include <rasterkit/codecs/tiff/tiff_signature.h>
+#include <rasterkit/codecs/webp/webp_decoder.h>
+#include <rasterkit/codecs/webp/webp_metadata.h>
+#include <rasterkit/codecs/webp/webp_signature.h>
+#include <rasterkit/raster/convert.h>
+#include <rasterkit/runtime/text.h>
+
+namespace rasterkit {
+namespace {
+
+void WriteBmp(const Raster& raster, TStream& stream, const EncodeOptions&) {
+  EncodeBmp(raster, stream, BmpProfile::embed);
+}
+
+void WriteJpeg(const Raster& raster, TStream& stream, const EncodeOptions& options) {
+  const bool isGray = raster.Format() == pf8bit && IsGrayRamp(raster.palette);
+  if (isGray || raster.Format() == pf24bit) {
+    stream.Write(EncodeJpeg(raster, options.quality));
+  } else {
+    stream.Write(EncodeJpeg(ConvertRaster(raster, pf24bit), options.quality));
+  }
+}
+
+void WritePng(const Raster& raster, TStream& stream, const EncodeOptions&) {
+  EncodePng(raster, stream);
+}
+
+void WriteTiff(const Raster& raster, TStream& stream, const EncodeOptions& options) {
+  if (raster.Format() == pf15bit || raster.Format() == pf16bit) {
+    EncodeTiff(ConvertRaster(raster, pf24bit), stream, options.tiff);
+  } else {
+    EncodeTiff(raster, stream, options.tiff);
+  }
+}
+
+/// PDF is the last row: its header may follow any other bytes.
+constexpr Codec kCodecs[] = {
+    {.type = PictureType::bmp,
+     .name = "bmp",
+     .extensions = {"bmp"},
+     .matches = detail::IsBmp,
+     .decodeStream = DecodeBmp,
+     .encode = WriteBmp,
+     .keepsAlpha = true},
+    {.type = PictureType::jpeg,
+     .name = "jpeg",
+     .extensions = {"jpg", "jpeg"},
+     .matches = detail::IsJpeg,
+     .decodeBytes = DecodeJpeg,
+     .readMetadata = detail::ReadJpegMetadata,
+     .encode = WriteJpeg},
+    {.type = PictureType::png,
+     .name = "png",
+     .extensions = {"png"},
+     .matches = detail::IsPng,
+     .decodeBytes = DecodePng,
+     .readMetadata = detail::ReadPngMetadata,
+     .encode = WritePng,
+     .keepsAlpha = true,
+     .keepsTransparentColor = true},
+    {.type = PictureType::tiff,
+     .name = "tiff",
+     .extensions = {"tif", "tiff"},
+     .matches = detail::IsTiff,
+     .decodeFrame = DecodeTiff,
+     .encode = WriteTiff,
+     .keepsAlpha = true},
+    {.type = PictureType::wmf, .name = "wmf", .extensions = {"wmf"}, .matches = detail::IsWmf},
+    {.type = PictureType::emf, .name = "emf", .extensions = {"emf"}, .matches = detail::IsEmf},
+    {.type = PictureType::gif,
+     .name = "gif",
+     .extensions = {"gif"},
+     .matches = detail::IsGif,
+     .decodeBytes = DecodeGif,
+     .readMetadata = detail::ReadGifMetadata},
+    {.type = PictureType::webp,
+     .name = "webp",
+     .extensions = {"webp"},
+     .matches = detail::IsWebp,
+     .decodeBytes = DecodeWebp,
+     .readMetadata = detail::ReadWebpMetadata},
+    {.type = PictureType::pdf, .name = "pdf", .extensions = {"pdf"}, .matches = detail::IsPdf},
+};
+
+static_assert(detail::kPdfHeaderWindow <= kSignatureBytes);
+
+template <class Condition>
+const Codec* Find(Condition condition) {
+  const Codec* row = std::find_if(std::begin(kCodecs), std::end(kCodecs), condition);
+  return row == std::end(kCodecs) ? nullptr : row;
+}
+
+}  // namespace
+
+std::span<const Codec> CodecTable() {
+  return kCodecs;
+}
+
+const Codec* FindCodec(PictureType type) {
+  return Find([=](const Codec& codec) { return codec.type == type; });
+}
+
+const Codec* FindCodecOfExtension(std::string_view extension) {
+  if (extension.starts_with('.')) extension.remove_prefix(1);
+  if (extension.empty()) return nullptr;
+  return Find([=](const Codec& codec) {
+    return std::any_of(
+        codec.extensions.begin(), codec.extensions.end(),
+        [=](std::string_view candidate) { return CompareText(candidate, extension) == 0; });
+  });
+}
+
+}  // namespace rasterkit

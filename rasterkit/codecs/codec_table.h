@@ -1,0 +1,73 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/codecs/rows/codec_report.h>
+#include <rasterkit/codecs/rows/frame_options.h>
+#include <rasterkit/codecs/rows/imaging_frame.h>
+#include <rasterkit/codecs/rows/picture_metadata.h>
+#include <rasterkit/codecs/tiff/tiff_encoder.h>
+#include <rasterkit/raster/raster.h>
+#include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/files/stream.h>
+
+namespace rasterkit {
+
+/// Options of all encoders. Each one reads the fields that its format has a use for.
+struct EncodeOptions {
+  /// Quality of a JPEG file, 1 to 100.
+  int quality = 90;
+  TiffWriteOptions tiff;
+};
+
+/// A format of picture files. A function that the format lacks is null.
+///
+/// Icons have no row: their signature is too weak to recognize a file by its content, so only
+/// TIcon reads them.
+struct Codec {
+  PictureType type = PictureType::unknown;
+  /// The name that PictureTypeName gives.
+  const char* name = "";
+  /// File extensions in lower case without the dot, the usual one first; unused places are empty.
+  std::array<std::string_view, 2> extensions;
+  /// True if the first bytes of a file are those of this format. kSignatureBytes are enough.
+  bool (*matches)(std::span<const uint8_t> bytes) = nullptr;
+
+  /// Decoders: a format has at most one of them. Compressed formats decode a whole file from
+  /// memory, bitmap files go from the stream straight into the raster, and TIFF files give a frame
+  /// that can also be a grid of numbers.
+  Raster (*decodeBytes)(std::span<const uint8_t> file, CodecReport* report) = nullptr;
+  Raster (*decodeStream)(TStream& stream, CodecReport* report) = nullptr;
+  ImagingFrame (*decodeFrame)(TStream& stream, const FrameOptions& options,
+                              CodecReport* report) = nullptr;
+
+  /// Lists what the file holds beside its pixels. TIFF files have ReadTiffFacts for that.
+  void (*readMetadata)(std::span<const uint8_t> file, PictureMetadata& metadata) = nullptr;
+
+  /// Writes the raster at the stream's position. Converts pixel formats that the format lacks.
+  void (*encode)(const Raster& raster, TStream& stream, const EncodeOptions& options) = nullptr;
+  /// What encode keeps.
+  bool keepsAlpha = false, keepsTransparentColor = false;
+
+  bool IsDecoded() const {
+    return decodeBytes != nullptr || decodeStream != nullptr || decodeFrame != nullptr;
+  }
+};
+
+/// Every signature lies within this many bytes from the start of the file.
+inline constexpr size_t kSignatureBytes = 1024;
+
+/// All formats, in the order in which their signatures are tried.
+RASTERKIT_EXPORT std::span<const Codec> CodecTable();
+
+/// The row of a type; null for PictureType::unknown.
+RASTERKIT_EXPORT const Codec* FindCodec(PictureType type);
+
+/// The row of a file extension, with or without the dot, in either case; null if no format has it.
+RASTERKIT_EXPORT const Codec* FindCodecOfExtension(std::string_view extension);
+
+}  // namespace rasterkit
