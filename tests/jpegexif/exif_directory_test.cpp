@@ -290,7 +290,7 @@ TEST_P(ExifDirectory, ThumbnailLink_Should_ComeFromTheFirstMainDirectoryOnly) {
   pointer.value = writer_.Long(26);
   ReadTiff(writer_.Header() + writer_.Directory(8, {pointer}, 0) +
            writer_.Directory(26, {writer_.Ascii(1, "N")}, 44) + std::string(400, '\0'));
-  EXPECT_EQ(Exif().ThumbStart, 0) << "a link in a GPS directory does not count";
+  EXPECT_EQ(Exif().ThumbStart, 0) << "a GPS directory has no such link";
   EXPECT_FALSE(Exif().HasThumbnail());
   image_->ExifData->TiffFmt = true;
   image_->ProcessExifDir(35, 9, 400, tagExif);

@@ -96,7 +96,7 @@ TEST_F(BitmapOpenDialogTest, WithoutAPort_IsCanceled) {
 
 TEST_F(BitmapOpenDialogTest, KeptPdf_IsAnsweredAsItIs) {
   HostPorts().pdfPageChooser = [](const std::string&, std::string&) -> int {
-    ADD_FAILURE() << "no page was requested";
+    ADD_FAILURE() << "the page chooser was called";
     return 1;
   };
   UserChooses("C:\\plans\\p.pdf");
@@ -141,7 +141,7 @@ TEST_F(BitmapOpenDialogTest, Pdf_NoPageIsNoFile) {
   for (const int answer : {0, -1}) {
     HostPorts().pdfPageChooser = [=](const std::string&, std::string&) { return answer; };
     EXPECT_FALSE(BitmapOpenDialog("D:\\", "", bfAll, fileName_, false));
-    EXPECT_EQ(fileName_, "D:\\p.png") << "the name is made before the page is requested";
+    EXPECT_EQ(fileName_, "D:\\p.png") << "the name is made before the page is chosen";
   }
 }
 
