@@ -132,9 +132,9 @@ TEST_F(CliGeoTiffWrite, WorldFile_Should_BeRefused_When_TheTagsCannotStateIt) {
   ExpectRefusal("1 0 1e-9 -1 10 20", "turns or skews");
   ExpectRefusal("-1 0 0 -1 10 20", "run west");
   ExpectRefusal("1 0 0 1 10 20", "run north");
-  ExpectRefusal("0 0 0 -1 10 20", "no size");
-  ExpectRefusal("1 0 0 0 10 20", "no size");
-  ExpectRefusal("1 0 0 -0.0 10 20", "no size");
+  ExpectRefusal("0 0 0 -1 10 20", "a pixel size of 0");
+  ExpectRefusal("1 0 0 0 10 20", "a pixel size of 0");
+  ExpectRefusal("1 0 0 -0.0 10 20", "a pixel size of 0");
 }
 
 TEST_F(CliGeoTiffWrite, WorldFile_Should_BeUnreadable_When_ItDoesNotBeginWithSixNumbers) {
