@@ -65,7 +65,7 @@ TEST_F(CliDialogLibrary, FileThatIsNoLibrary_Should_BeSaid) {
 TEST_F(CliDialogLibrary, OtherVersion_Should_BeRefused) {
   PlaceFake();
   EXPECT_THAT(Refusal("resize", "other version"),
-              HasSubstr(Dialogs() + ": the dialogs are of another version than this tool"));
+              HasSubstr(Dialogs() + ": the dialogs and this tool have different versions"));
 }
 
 TEST_F(CliDialogLibrary, LibraryWithoutTheEntry_Should_BeRefused) {
