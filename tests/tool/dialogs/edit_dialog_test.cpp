@@ -130,11 +130,10 @@ TEST_F(CliDialogEdit, FileThatCannotBeOpened_Should_Exit3_AndBeToldInAWindow) {
   WriteText(folder_ / "text.pdf", "no pages");
   WriteText(folder_ / "empty.pdf", "");
   WriteText(folder_ / "locked.pdf", EncryptedPdf(PdfReader::withPassword));
-  const std::pair<std::string, std::string> faults[] = {
-      {"broken.png", "is not a readable picture"},
-      {"text.pdf", "no PDF"},
-      {"empty.pdf", "empty"},
-      {"locked.pdf", "password"}};
+  const std::pair<std::string, std::string> faults[] = {{"broken.png", "is not a readable picture"},
+                                                        {"text.pdf", "no PDF"},
+                                                        {"empty.pdf", "empty"},
+                                                        {"locked.pdf", "password"}};
   for (const auto& [name, fault] : faults) {
     const std::string file = folder_ / name;
 

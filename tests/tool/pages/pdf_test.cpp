@@ -56,9 +56,8 @@ TEST_F(CliPdf, Page_Should_BeDrawn_When_OneOutputIsNamed) {
   const ToolResult result = Run({In("plan.pdf"), In("out.png"), "--page", "2", "--dpi", "200"});
   EXPECT_EQ(result.code, 0) << result.err;
   EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err,
-            "rasterkit: " + In("plan.pdf") +
-                ": page 2 of 3: 100 x 200 pixels at 200 dpi, 1 MiB while it is drawn\n");
+  EXPECT_EQ(result.err, "rasterkit: " + In("plan.pdf") +
+                            ": page 2 of 3: 100 x 200 pixels at 200 dpi, 1 MiB of memory\n");
   TBitmap expected;
   expected.SetPixelFormat(pf24bit);
   expected.SetSize(100, 200);
