@@ -101,7 +101,7 @@ TEST_F(CliSwapAlpha, TransparentColor_Should_BecomeTheOnlyVisibleOne) {
 TEST_F(CliSwapAlpha, PictureWithoutTransparency_Should_BeRefused) {
   const ToolResult result = RunVerb("swap-alpha", GradientRaster(pf24bit, 9, 5), {});
   EXPECT_EQ(result.code, 4);
-  EXPECT_THAT(result.err, HasSubstr("transparent"));
+  EXPECT_THAT(result.err, HasSubstr("no transparency"));
   EXPECT_EQ(folder_.Names(), std::vector<std::string>{"in.png"});
 }
 
