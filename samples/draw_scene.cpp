@@ -87,12 +87,12 @@ constexpr std::array<std::string_view, 7> kLetterP = {"####.", "#...#", "#...#",
 
 void PaintLetter(Painter& painter, const std::array<std::string_view, 7>& letter, int left,
                  int top) {
-  constexpr int block = 17;
+  constexpr int kBlock = 17;
   for (int row = 0; row < 7; ++row)
     for (int column = 0; column < 5; ++column)
       if (letter[static_cast<size_t>(row)][static_cast<size_t>(column)] == '#')
-        painter.Fill(left + column * block, top + row * block, left + (column + 1) * block,
-                     top + (row + 1) * block, RGB(20, 20, 20));
+        painter.Fill(left + column * kBlock, top + row * kBlock, left + (column + 1) * kBlock,
+                     top + (row + 1) * kBlock, RGB(20, 20, 20));
 }
 
 void PaintSign(Painter& painter) {

@@ -75,18 +75,18 @@ void DegreesMinutesSeconds(Block& block, double degrees) {
 
 /// The GPS directory at `start` and behind it the values that do not fit into their entries.
 void GpsDirectory(Block& block, uint32_t start, const Place& place) {
-  constexpr uint32_t entries = 6, rationalTriple = 24;
-  const uint32_t values = start + 2 + 12 * entries + 4;
-  block.Word(entries);
+  constexpr uint32_t kEntries = 6, kRationalTriple = 24;
+  const uint32_t values = start + 2 + 12 * kEntries + 4;
+  block.Word(kEntries);
   block.LetterEntry(1, place.latitude < 0 ? 'S' : 'N');
   block.Entry(2, fieldRational, 3);
   block.Long(values);
   block.LetterEntry(3, place.longitude < 0 ? 'W' : 'E');
   block.Entry(4, fieldRational, 3);
-  block.Long(values + rationalTriple);
+  block.Long(values + kRationalTriple);
   block.ByteEntry(5, place.altitude < 0 ? 1 : 0);
   block.Entry(6, fieldRational, 1);
-  block.Long(values + 2 * rationalTriple);
+  block.Long(values + 2 * kRationalTriple);
   block.Long(0);
   DegreesMinutesSeconds(block, place.latitude);
   DegreesMinutesSeconds(block, place.longitude);
@@ -95,14 +95,14 @@ void GpsDirectory(Block& block, uint32_t start, const Place& place) {
 
 std::vector<uint8_t> ExifBlock(ByteOrder order, int orientation,
                                const std::optional<Place>& place) {
-  constexpr uint16_t orientationTag = 274, gpsPointerTag = 34853;
+  constexpr uint16_t kOrientationTag = 274, kGpsPointerTag = 34853;
   const uint16_t entries = place ? 2 : 1;
   Block block(order);
   block.Word(entries);
-  block.ShortEntry(orientationTag, static_cast<uint16_t>(orientation));
+  block.ShortEntry(kOrientationTag, static_cast<uint16_t>(orientation));
   const uint32_t behind = 8 + 2 + 12u * entries + 4;
   if (place) {
-    block.Entry(gpsPointerTag, fieldLong, 1);
+    block.Entry(kGpsPointerTag, fieldLong, 1);
     block.Long(behind);
   }
   block.Long(0);

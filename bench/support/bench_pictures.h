@@ -60,10 +60,10 @@ inline Raster PlanLike(int width, int height) {
   const auto dot = [&](int x, int y, const uint8_t* color) {
     if (x >= 0 && x < width && y >= 0 && y < height) std::copy_n(color, 3, raster.Row(y) + 3 * x);
   };
-  constexpr uint8_t colors[][3] = {
+  constexpr uint8_t kColors[][3] = {
       {0, 0, 0}, {0, 0, 0}, {40, 40, 200}, {180, 90, 20}, {60, 140, 60}};
   for (int line = 0; line < width / 3; line++) {
-    const uint8_t* color = colors[below(5)];
+    const uint8_t* color = kColors[below(5)];
     const int x0 = below(width), y0 = below(height), length = 20 + below(width / 6);
     const int slope = line % 3 == 0 ? below(200) - 100 : 0;
     const bool upright = line % 2 == 0;

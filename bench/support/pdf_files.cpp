@@ -22,14 +22,14 @@ class Places {
 }  // namespace
 
 std::string VectorPlan() {
-  constexpr int width = 2384, height = 3370, lines = 100000, steps = 5;
+  constexpr int kWidth = 2384, kHeight = 3370, kLines = 100000, kSteps = 5;
   Places places;
   std::string content;
-  for (int i = 0; i < lines; ++i) {
-    double x = places.Below(width), y = places.Below(height);
+  for (int i = 0; i < kLines; ++i) {
+    double x = places.Below(kWidth), y = places.Below(kHeight);
     content += fmt::format("{:.2f} {:.2f} {:.2f} RG {} w {:.2f} {:.2f} m\n", i % 7 / 7.0,
                            i % 5 / 5.0, i % 3 / 3.0, i % 4 * 0.25 + 0.1, x, y);
-    for (int step = 0; step < steps; ++step) {
+    for (int step = 0; step < kSteps; ++step) {
       x += places.Step(), y += places.Step();
       content += fmt::format("{:.2f} {:.2f} l\n", x, y);
     }
@@ -39,9 +39,9 @@ std::string VectorPlan() {
 }
 
 std::string TextPages() {
-  constexpr int rows = 90;
+  constexpr int kRows = 90;
   std::string content = "BT /F1 8 Tf 9 TL 30 810 Td\n";
-  for (int row = 0; row < rows; ++row) {
+  for (int row = 0; row < kRows; ++row) {
     content += fmt::format(
         "(Row {} of the page: the quick brown fox jumps over the lazy dog, and "
         "the five boxing wizards jump as quickly as it does.) Tj T*\n",
@@ -51,11 +51,11 @@ std::string TextPages() {
 }
 
 std::string ScannedPage() {
-  constexpr int width = 2480, height = 3508;
+  constexpr int kWidth = 2480, kHeight = 3508;
   std::mt19937 random(3);
   std::string content =
-      fmt::format("q 595.2 0 0 841.92 0 0 cm\nBI /W {} /H {} /CS /G /BPC 8 ID ", width, height);
-  for (int i = 0; i < width * height; ++i)
+      fmt::format("q 595.2 0 0 841.92 0 0 cm\nBI /W {} /H {} /CS /G /BPC 8 ID ", kWidth, kHeight);
+  for (int i = 0; i < kWidth * kHeight; ++i)
     content += static_cast<char>(200 + random() % 56 - (i / 40 % 5 == 0 ? 150 : 0));
   return test::PdfText({{"0 0 595.2 841.92", content + "\nEI Q"}});
 }

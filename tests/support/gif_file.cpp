@@ -37,7 +37,7 @@ class CodeWriter {
 /// Packs indexes: a code for the longest run that came before, and a new code for it and the next
 /// index.
 ByteList Pack(const ByteList& indexes, int bits) {
-  constexpr unsigned mostCodes = 4096;
+  constexpr unsigned kMostCodes = 4096;
   const unsigned clear = 1u << bits, end = clear + 1;
   std::map<std::pair<unsigned, uint8_t>, unsigned> codes;
   unsigned next = end + 1;
@@ -64,7 +64,7 @@ ByteList Pack(const ByteList& indexes, int bits) {
     writer.Write(*run, length);
     codes[{*run, index}] = next++;
     if (next > 1u << length && length < 12) length++;
-    if (next == mostCodes) restart();
+    if (next == kMostCodes) restart();
     run = index;
   }
   if (run) writer.Write(*run, length);
@@ -139,8 +139,8 @@ std::vector<uint8_t> GifExtension(uint8_t function, const std::vector<uint8_t>& 
 }
 
 std::vector<uint8_t> GifFile::Bytes() const {
-  constexpr std::string_view signature = "GIF89a";
-  ByteList bytes(signature.begin(), signature.end());
+  constexpr std::string_view kSignature = "GIF89a";
+  ByteList bytes(kSignature.begin(), kSignature.end());
   AddWord(bytes, screenWidth);
   AddWord(bytes, screenHeight);
   bytes.push_back(static_cast<uint8_t>(PaletteFlags(palette)));

@@ -71,15 +71,15 @@ constexpr Encryption kForAnybody{"c92422687facee686e373f10b5c7d04738053152f7e2ee
 }  // namespace
 
 std::string PdfText(const std::vector<PdfPageText>& pages) {
-  constexpr size_t firstPage = 4;
+  constexpr size_t kFirstPage = 4;
   std::string kids;
-  for (size_t i = 0; i < pages.size(); ++i) kids += fmt::format("{} 0 R ", firstPage + 2 * i);
+  for (size_t i = 0; i < pages.size(); ++i) kids += fmt::format("{} 0 R ", kFirstPage + 2 * i);
   PdfBuilder builder;
   builder.Add("<< /Type /Catalog /Pages 2 0 R >>");
   builder.Add(fmt::format("<< /Type /Pages /Kids [{}] /Count {} >>", kids, pages.size()));
   builder.Add("<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>");
   for (size_t i = 0; i < pages.size(); ++i) {
-    builder.Add(PageObject(pages[i], firstPage + 2 * i + 1));
+    builder.Add(PageObject(pages[i], kFirstPage + 2 * i + 1));
     builder.Add(Stream(pages[i].content));
   }
   return std::move(builder).Finish("");
@@ -99,8 +99,8 @@ std::string EncryptedPdf(PdfReader reader) {
   builder.Add(Stream(Unhex(encryption.content)));
   builder.Add(fmt::format("<< /Filter /Standard /V 1 /R 2 /P -4 /O <{}> /U <{}> >>",
                           encryption.ownerKey, encryption.readerKey));
-  constexpr std::string_view id = "<000102030405060708090a0b0c0d0e0f>";
-  return std::move(builder).Finish(fmt::format("/Encrypt 5 0 R /ID [{} {}]", id, id));
+  constexpr std::string_view kId = "<000102030405060708090a0b0c0d0e0f>";
+  return std::move(builder).Finish(fmt::format("/Encrypt 5 0 R /ID [{} {}]", kId, kId));
 }
 
 }  // namespace rasterkit::test

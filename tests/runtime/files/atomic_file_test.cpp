@@ -60,12 +60,12 @@ constexpr int kCannotFilter = 78;
 
 /// As a file system that knows no nameless files: the system refuses to open one.
 void RefuseNamelessFiles() {
-  constexpr uint32_t nameless = O_TMPFILE & ~O_DIRECTORY;
+  constexpr uint32_t kNameless = O_TMPFILE & ~O_DIRECTORY;
   sock_filter filter[] = {
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
       BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat, 0, 3),
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[2])),
-      BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, nameless, 0, 1),
+      BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, kNameless, 0, 1),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EOPNOTSUPP),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
   };
