@@ -20,9 +20,10 @@ find rasterkit -name '*.cpp' -not -path 'rasterkit/qt/*' -not -path 'rasterkit/d
 
 [ "$(wc -l <sources.txt)" -ge 20 ] || { echo "only $(wc -l <sources.txt) sources were found" >&2; exit 1; }
 
-failed=0
-while read -r source; do
-  "$compiler" -fsyntax-only -std=c++20 -I. "${flags[@]}" "$source" || { echo "failed: $source" >&2; failed=1; }
-done <sources.txt
+check() {
+  "$@" || { echo "failed: ${*: -1}" >&2; return 1; }
+}
+export -f check
+xargs -P "${RASTERKIT_JOBS:-$(nproc)}" -I '{}' bash -c 'check "$@"' _ \
+  "$compiler" -fsyntax-only -std=c++20 -I. "${flags[@]}" '{}' <sources.txt
 echo "$(wc -l <sources.txt) sources checked"
-exit "$failed"
