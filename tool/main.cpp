@@ -61,8 +61,9 @@ int Main(int argc, char** argv) {
         AddAdjustVerb, AddWhitenVerb,    AddRecolorVerb, AddKeyColorVerb,   AddPdfWhiteVerb,
         AddOpaqueVerb, AddSwapAlphaVerb, AddPaletteVerb, AddCombineVerb,    AddWatermarkVerb,
         AddIconVerb,   AddCompareVerb,   AddGeoTiffVerb, AddExifVerb,       AddPdfVerb,
-        AddEditVerb,   AddSaveAsVerb})
+        AddEditVerb,   AddSaveAsVerb}) {
     verbs.push_back(add(line));
+  }
   if (const auto code = line.Parse(argc, argv)) return WithFlushedOutput(*code);
   CatchInterruption();
   return RunVerb(verbs.at(line.ChosenVerb()));

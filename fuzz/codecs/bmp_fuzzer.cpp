@@ -63,7 +63,7 @@ void RequireSamePicture(const Raster& a, const Raster& b) {
 /// Embedded JPEG and PNG pictures can hold what bitmap files cannot: fractional resolutions, alpha
 /// that is 0 everywhere.
 bool IsEmbedded(std::span<const uint8_t> bytes) {
-  const size_t field = detail::kBmpFileHeaderBytes + detail::bmp_field::compression;
+  const size_t field = detail::kBmpFileHeaderBytes + detail::bmp_field::kCompression;
   if (bytes.size() < field + 4) return false;
   const uint32_t code = detail::BmpLong(bytes, field);
   return code == 4 || code == 5;

@@ -10,8 +10,9 @@ namespace rasterkit {
 namespace {
 
 [[noreturn]] void Refuse(const Codec* codec, bool isEmpty) {
-  if (codec == nullptr)
+  if (codec == nullptr) {
     throw FormatError(isEmpty ? "the file is empty" : "the data are no picture of a known kind");
+  }
   throw UnsupportedError(std::string("pictures of the kind ") + codec->name + " are not decoded");
 }
 
@@ -21,10 +22,12 @@ Raster DecodePicture(TStream& stream, CodecReport* report) {
   // Pipes have no size and give their bytes only once.
   if (stream.Size() <= stream.Position()) return DecodePicture(ReadUnsizedPicture(stream), report);
   const Codec* codec = FindCodec(SniffPictureType(stream));
-  if (codec != nullptr && codec->decodeStream != nullptr)
+  if (codec != nullptr && codec->decodeStream != nullptr) {
     return codec->decodeStream(stream, report);
-  if (codec != nullptr && codec->decodeBytes != nullptr)
+  }
+  if (codec != nullptr && codec->decodeBytes != nullptr) {
     return codec->decodeBytes(stream.ReadToEnd(), report);
+  }
   Refuse(codec, false);
 }
 

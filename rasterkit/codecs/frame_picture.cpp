@@ -75,11 +75,12 @@ Raster Stretched(const Raster& numbers, const detail::NumberRange& range, Number
 template <class NumberOf>
 Raster StretchedGrid(const Raster& numbers, CodecReport* report, NumberOf numberOf) {
   const detail::NumberRange range = RangeOf(numbers, numberOf);
-  if (report)
+  if (report) {
     report->warnings.push_back(
         range.IsKnown() ? fmt::format("numbers from {:g} to {:g} are shown as black to white",
                                       range.least, range.greatest)
                         : "the grid holds no number; all of it is shown white");
+  }
   return Stretched(numbers, range, numberOf);
 }
 
@@ -93,14 +94,16 @@ Raster As15Bit(Raster rows) {
   if (rows.Format() == pf15bit) return rows;
   Raster renamed(pf15bit, rows.Width(), rows.Height());
   renamed.CopyProperties(rows);
-  for (int y = 0; y < rows.Height(); y++)
+  for (int y = 0; y < rows.Height(); y++) {
     std::memcpy(renamed.Row(y), rows.Row(y), renamed.Stride());
+  }
   return renamed;
 }
 
 Raster WithRedAndBlueExchanged(Raster rows) {
-  for (int y = 0; y < rows.Height(); y++)
+  for (int y = 0; y < rows.Height(); y++) {
     kernels::ExchangeRedBlue24(rows.Row(y), static_cast<size_t>(rows.Width()), rows.Row(y));
+  }
   return rows;
 }
 

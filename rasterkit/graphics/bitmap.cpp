@@ -109,8 +109,9 @@ TPixelFormat TBitmap::PixelFormat() const {
 void TBitmap::SetPixelFormat(TPixelFormat format) {
   RequireFormat(format);
   if (format == format_) return;
-  if (format != pfCustom && StoredFormat(format) != raster_.Format())
+  if (format != pfCustom && StoredFormat(format) != raster_.Format()) {
     raster_ = ConvertRaster(raster_, StoredFormat(format));
+  }
   format_ = format;
   modified_ = true;
 }
@@ -141,9 +142,10 @@ uint8_t* TBitmap::ScanLine(int y) {
 }
 
 const uint8_t* TBitmap::ScanLine(int y) const {
-  if (y < 0 || y >= Height())
+  if (y < 0 || y >= Height()) {
     throw RangeError("there is no row " + std::to_string(y) + " in a bitmap of " +
                      std::to_string(Height()) + " rows");
+  }
   return raster_.Row(y);
 }
 
@@ -194,8 +196,9 @@ void TBitmap::CarryFrom(const TBitmap& source, const Carry& carry) {
   const bool hasSameIndexes = IsIndexed(format_) && source.format_ == format_;
   if (!carry.palette || !hasSameIndexes) properties.palette = own.palette;
   if (!carry.resolution) properties.resolution = own.resolution;
-  if (carry.resolution && carry.exchangedAxes)
+  if (carry.resolution && carry.exchangedAxes) {
     std::swap(properties.resolution.x, properties.resolution.y);
+  }
   if (!carry.profile) properties.profile = own.profile;
   if (!carry.alphaFormat) properties.alphaFormat = own.alphaFormat;
   // A bitmap keeps its transparency outside the raster.
@@ -211,8 +214,9 @@ void TBitmap::CarryTransparency(const TBitmap& source, CarriedTransparency trans
     case CarriedTransparency::same:
       return AssignTransparency(source);
     case CarriedTransparency::fixed:
-      if (source.Transparent() || source.TransparentMode() == tmFixed)
+      if (source.Transparent() || source.TransparentMode() == tmFixed) {
         SetTransparentColor(source.TransparentColor());
+      }
       SetTransparent(source.Transparent());
   }
 }

@@ -73,8 +73,9 @@ void TCanvas::Polyline(std::span<const TPoint> points) {
 }
 
 void TCanvas::Draw(int x, int y, const TGraphic& graphic) {
-  if (!graphic.Empty())
+  if (!graphic.Empty()) {
     graphic.DrawTo(*this, {x, y, EndOf(x, graphic.Width()), EndOf(y, graphic.Height())});
+  }
 }
 
 void TCanvas::StretchDraw(const TRect& rect, const TGraphic& graphic) {

@@ -24,17 +24,20 @@ void RequireOneSize(const TBitmap& color, const TBitmap& mask) {
 }
 
 bool HasAnyAlpha(const Raster& raster) {
-  for (int y = 0; y < raster.Height(); ++y)
+  for (int y = 0; y < raster.Height(); ++y) {
     if (detail::HasAnyAlpha(raster.Row(y), static_cast<size_t>(raster.Width()))) return true;
+  }
   return false;
 }
 
 /// Sets alpha to 0 where `isTransparent(x, y)` is true, else to 255.
 template <class Predicate>
 void SetAlpha(Raster& raster, Predicate isTransparent) {
-  for (int y = 0; y < raster.Height(); ++y)
-    for (int x = 0; x < raster.Width(); ++x)
+  for (int y = 0; y < raster.Height(); ++y) {
+    for (int x = 0; x < raster.Width(); ++x) {
       raster.Row(y)[4 * static_cast<size_t>(x) + 3] = isTransparent(x, y) ? 0 : 255;
+    }
+  }
 }
 
 bool BitOf(const Raster& mask, int x, int y) {
@@ -79,9 +82,11 @@ std::unique_ptr<TBitmap> TIcon::MaskBitmap() const {
   for (int y = 0; y < Height(); ++y) {
     uint8_t* row = mask.Row(y);
     std::fill_n(row, mask.Stride(), uint8_t{0});
-    for (int x = 0; x < Width(); ++x)
-      if (colors.Row(y)[4 * static_cast<size_t>(x) + 3] == 0)
+    for (int x = 0; x < Width(); ++x) {
+      if (colors.Row(y)[4 * static_cast<size_t>(x) + 3] == 0) {
         row[x / 8] = static_cast<uint8_t>(row[x / 8] | 0x80 >> (x % 8));
+      }
+    }
   }
   return std::make_unique<TBitmap>(std::move(mask));
 }

@@ -43,8 +43,9 @@ Raster TMetafile::Draw(int width, int height, TColor background,
                        const std::function<bool()>& keepGoing,
                        std::vector<std::string>* warnings) const {
   RequireRecords();
-  if (width < 1 || height < 1)
+  if (width < 1 || height < 1) {
     throw RangeError("a metafile needs at least 1 x 1 pixels to be drawn");
+  }
   Raster raster(pf32bit, width, height);
   FillRaster(raster, {0, 0, width, height}, background);
   const PlayReport report = PlayMetafile(*bytes_, facts_, raster, {0, 0, width, height}, keepGoing);

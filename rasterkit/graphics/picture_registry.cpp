@@ -67,9 +67,10 @@ std::vector<TPicture::Format> TPicture::Formats() {
 void TPicture::LoadFromFile(const std::string& fileName) {
   const std::string extension = ExtractFileExt(fileName);
   std::unique_ptr<TGraphic> graphic = CreateForExtension(extension);
-  if (!graphic)
+  if (!graphic) {
     throw UnsupportedError("no picture class is registered for the extension \"" + extension + "\"",
                            fileName);
+  }
   graphic->LoadFromFile(fileName);
   graphic_ = std::move(graphic);
 }

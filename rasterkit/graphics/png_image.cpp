@@ -36,8 +36,9 @@ void TPngImage::SaveToStream(TStream& stream) {
   if (Empty()) throw FormatError("PNG: there is no picture to save");
   Raster& rows = bitmap_.raster_;
   rows.transparentColor.reset();
-  if (Transparent() && !DefinesAlpha(rows))
+  if (Transparent() && !DefinesAlpha(rows)) {
     rows.transparentColor = ResolveColor(TransparentColor());
+  }
   EncodePng(rows, stream);
 }
 

@@ -18,8 +18,9 @@ struct Sums {
 
   void Add(const ColorPoint& point) {
     weight += point.weight;
-    for (size_t c = 0; c < 3; ++c)
+    for (size_t c = 0; c < 3; ++c) {
       channel[c] += point.weight * static_cast<uint64_t>(point.channel[c]);
+    }
   }
 
   void Add(const Sums& other) {
@@ -38,8 +39,9 @@ struct Sums {
   double Explained() const {
     if (weight == 0) return 0;
     double squares = 0;
-    for (const uint64_t sum : channel)
+    for (const uint64_t sum : channel) {
       squares += static_cast<double>(sum) * static_cast<double>(sum);
+    }
     return squares / static_cast<double>(weight);
   }
 
@@ -148,9 +150,10 @@ void Settle(const std::vector<ColorPoint>& points, std::vector<std::array<int, 3
   for (int round = 0; round < kSettlingRounds; ++round) {
     const kernels::ColorList list = ListOf(means);
     std::vector<Sums> sums(means.size());
-    for (const ColorPoint& point : points)
+    for (const ColorPoint& point : points) {
       sums[kernels::NearestInList(list, point.channel[0], point.channel[1], point.channel[2])].Add(
           point);
+    }
     bool moved = false;
     for (size_t i = 0; i < means.size(); ++i) {
       if (sums[i].weight == 0) continue;
@@ -178,9 +181,10 @@ std::vector<tagPALETTEENTRY> ChooseAdaptivePalette(std::vector<ColorPoint> point
     means.push_back(sums.Mean());
   }
   Settle(points, means);
-  for (size_t i = 0; i < means.size(); ++i)
+  for (size_t i = 0; i < means.size(); ++i) {
     entries[i] = {FromQuarters(means[i][2]), FromQuarters(means[i][1]), FromQuarters(means[i][0]),
                   0};
+  }
   return entries;
 }
 

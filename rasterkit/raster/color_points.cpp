@@ -27,8 +27,9 @@ bool VisitPixels(const Raster& source, Visit visit) {
   const int first = std::min(static_cast<int>(step / 2), (source.Height() - 1) / 2);
   for (int y = first; y < source.Height(); y += static_cast<int>(step)) {
     RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
-    for (size_t x = (number++ * 0x9E3779B1u >> 16) % step; x < pixels.size(); x += step)
+    for (size_t x = (number++ * 0x9E3779B1u >> 16) % step; x < pixels.size(); x += step) {
       if (!visit(pixels[x])) return false;
+    }
   }
   return true;
 }
@@ -43,8 +44,9 @@ class DistinctColors {
         static_cast<uint32_t>(pixel.r) << 16 | static_cast<uint32_t>(pixel.g) << 8 | pixel.b;
     if (color != lastColor_) {
       uint32_t slot = color * 0x9E3779B1u >> 17;
-      while (slots_[slot] != 0 && colors_[slots_[slot] - 1] != color)
+      while (slots_[slot] != 0 && colors_[slots_[slot] - 1] != color) {
         slot = (slot + 1) % (kManyColors * 2);
+      }
       if (slots_[slot] == 0) {
         if (colors_.size() == kManyColors) return false;
         colors_.push_back(color);
@@ -87,8 +89,9 @@ std::vector<ColorPoint> MeansOf(const std::vector<GridBox>& boxes) {
 
 std::vector<ColorPoint> CollectColorPoints(const Raster& source) {
   DistinctColors colors;
-  if (VisitPixels(source, [&](const RGBArec& pixel) { return colors.Add(pixel); }))
+  if (VisitPixels(source, [&](const RGBArec& pixel) { return colors.Add(pixel); })) {
     return std::move(colors.points);
+  }
 
   std::vector<GridBox> boxes(32 * 32 * 32);
   VisitPixels(source, [&](const RGBArec& pixel) {

@@ -26,8 +26,9 @@ void CopyBits(const uint8_t* source, size_t sourceBytes, size_t firstBit, uint8_
 
 void RequireInside(const Raster& source, const PixelRect& part) {
   if (part.left < 0 || part.top < 0 || part.right > source.Width() ||
-      part.bottom > source.Height() || part.left > part.right || part.top > part.bottom)
+      part.bottom > source.Height() || part.left > part.right || part.top > part.bottom) {
     throw RangeError("the rectangle to cut out does not lie inside the picture");
+  }
 }
 
 }  // namespace
@@ -38,9 +39,10 @@ Raster CutOut(const Raster& source, const PixelRect& part) {
   target.CopyProperties(source);
   if (target.Width() == 0) return target;
   const size_t firstBit = static_cast<size_t>(part.left) * StoredBitsPerPixel(source.Format());
-  for (int y = 0; y < target.Height(); ++y)
+  for (int y = 0; y < target.Height(); ++y) {
     CopyBits(source.Row(part.top + y), source.RowBytes(), firstBit, target.Row(y),
              target.RowBytes());
+  }
   target.ClearPadding();
   return target;
 }

@@ -68,11 +68,13 @@ void FillTrueColor(Raster& raster, const PixelRect& rect, TColor color) {
     std::memset(first, pixel[0], length);
   } else {
     std::memcpy(first, pixel, pixelBytes);
-    for (size_t done = pixelBytes; done < length; done *= 2)
+    for (size_t done = pixelBytes; done < length; done *= 2) {
       std::memcpy(first + done, first, std::min(done, length - done));
+    }
   }
-  for (int y = rect.top + 1; y < rect.bottom; ++y)
+  for (int y = rect.top + 1; y < rect.bottom; ++y) {
     std::memcpy(raster.Row(y) + offset, first, length);
+  }
 }
 
 }  // namespace

@@ -85,14 +85,16 @@ ColorMap MapNearest(const IndexCounts& counts, const HPALETTE& palette, size_t l
   for (int i = 0; i < 256; ++i) {
     const tagPALETTEENTRY entry = palette.Entry(i);
     const uint64_t count = counts[static_cast<size_t>(i)];
-    if (count > 0)
+    if (count > 0) {
       points.push_back(MakeColorPoint(entry.peRed, entry.peGreen, entry.peBlue, count));
+    }
   }
   ColorMap result;
   result.entries = ChooseAdaptivePalette(std::move(points), limit);
-  for (int i = 0; i < 256; ++i)
+  for (int i = 0; i < 256; ++i) {
     result.map[static_cast<size_t>(i)] =
         static_cast<uint8_t>(NearestEntry(result.entries, EntryColor(palette.Entry(i))));
+  }
   return result;
 }
 
@@ -101,8 +103,9 @@ ColorMap MapNearest(const IndexCounts& counts, const HPALETTE& palette, size_t l
 void ArrangeTwoColors(ColorMap& colors) {
   std::vector<tagPALETTEENTRY>& entries = colors.entries;
   if (entries.empty()) return;
-  if (entries.size() == 1)
+  if (entries.size() == 1) {
     entries.push_back(IsLight(entries[0]) ? tagPALETTEENTRY{} : tagPALETTEENTRY{255, 255, 255, 0});
+  }
   const auto weight = [](const tagPALETTEENTRY& e) {
     return 297 * e.peRed + 589 * e.peGreen + 114 * e.peBlue;
   };
@@ -115,13 +118,15 @@ void ArrangeTwoColors(ColorMap& colors) {
 
 Raster ConvertIndexed(const Raster& source, TPixelFormat format) {
   const auto limit = static_cast<size_t>(1) << StoredBitsPerPixel(format);
-  if (format > source.Format())
+  if (format > source.Format()) {
     return MapIndexes(source, format, KeepIndexes(), ResizedPalette(source.palette, limit));
+  }
 
   const IndexCounts counts = CountIndexes(source);
   const auto beyond = counts.begin() + static_cast<ptrdiff_t>(limit);
-  if (std::all_of(beyond, counts.end(), [](uint64_t count) { return count == 0; }))
+  if (std::all_of(beyond, counts.end(), [](uint64_t count) { return count == 0; })) {
     return MapIndexes(source, format, KeepIndexes(), ResizedPalette(source.palette, limit));
+  }
 
   std::optional<ColorMap> colors = MapColors(counts, source.palette, limit);
   if (!colors && format == pf1bit) return ThresholdToMono(source);

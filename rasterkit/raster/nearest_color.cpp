@@ -42,8 +42,9 @@ void Append(std::span<const Candidate> from, int blue, int green, int red, int s
     nearest[i] = r.nearest + g.nearest + b.nearest;
     bound = std::min(bound, r.farthest + g.farthest + b.farthest);
   }
-  for (size_t i = 0; i < from.size(); ++i)
+  for (size_t i = 0; i < from.size(); ++i) {
     if (nearest[i] <= bound) to.push_back(from[i]);
+  }
 }
 
 }  // namespace

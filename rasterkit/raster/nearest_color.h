@@ -43,8 +43,9 @@ class NearestColor {
 
   uint8_t AnswerAt(uint32_t place) {
     uint32_t& block = blocks_[place / kernels::kCellColors];
-    if (block == 0) [[unlikely]]
-      block = AnswerCell(place / kernels::kCellColors);
+    if (block == 0) {
+      [[unlikely]] block = AnswerCell(place / kernels::kCellColors);
+    }
     return answers_[size_t{block} * kernels::kCellColors + place % kernels::kCellColors];
   }
 

@@ -29,8 +29,9 @@ std::vector<tagPALETTEENTRY> MakeDefault256() {
   entries.push_back(kSkyBlue);
   for (int red = 0; red < 6; ++red) {
     for (int green = 0; green < 6; ++green) {
-      for (int blue = 0; blue < 6; ++blue)
+      for (int blue = 0; blue < 6; ++blue) {
         entries.push_back(Entry(red * 51, green * 51, blue * 51));
+      }
     }
   }
   for (int i = 0; i < 20; ++i) {

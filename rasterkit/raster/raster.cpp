@@ -20,8 +20,9 @@ void RequireSize(int width, int height) {
 // Bytes of all rows. Saturates instead of wrapping, so that the budget refuses sizes beyond 64
 // bits.
 uint64_t RowsBytes(uint64_t stride, uint64_t height) {
-  if (height != 0 && stride > std::numeric_limits<uint64_t>::max() / height)
+  if (height != 0 && stride > std::numeric_limits<uint64_t>::max() / height) {
     return std::numeric_limits<uint64_t>::max();
+  }
   return stride * height;
 }
 
@@ -34,8 +35,9 @@ Raster::Raster(TPixelFormat format, int width, int height) {
   const uint64_t bytes = RowsBytes(stride, static_cast<uint64_t>(height));
   RequirePictureMemory(
       bytes, "picture of " + std::to_string(width) + " x " + std::to_string(height) + " pixels");
-  if (bytes > std::numeric_limits<size_t>::max())
+  if (bytes > std::numeric_limits<size_t>::max()) {
     throw LimitError("a picture of this size cannot be addressed");
+  }
   if (bytes > 0) memory_ = PixelMemory(static_cast<size_t>(bytes));
   format_ = format;
   width_ = width;
@@ -61,8 +63,9 @@ Raster& Raster::operator=(Raster&& other) noexcept {
 
 Raster Raster::Clone() const {
   Raster copy(format_, width_, height_);
-  if (stride_ * static_cast<size_t>(height_) > 0)
+  if (stride_ * static_cast<size_t>(height_) > 0) {
     std::memcpy(copy.Row(0), Row(0), stride_ * static_cast<size_t>(height_));
+  }
   copy.CopyProperties(*this);
   return copy;
 }
@@ -75,8 +78,9 @@ void Raster::ClearPadding() {
   if (stride_ == usedBytes && bitsInLastByte == 0) return;
   for (int y = 0; y < height_; ++y) {
     uint8_t* row = Row(y);
-    if (bitsInLastByte != 0)
+    if (bitsInLastByte != 0) {
       row[usedBytes - 1] &= static_cast<uint8_t>(0xFF << (8 - bitsInLastByte));
+    }
     std::memset(row + usedBytes, 0, stride_ - usedBytes);
   }
 }

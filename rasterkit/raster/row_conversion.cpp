@@ -25,8 +25,9 @@ void ForEachPackedIndex(const uint8_t* row, int width, Store store) {
     return row[x / kPerByte] >> (8 - kBits * (i + 1)) & kMask;
   };
   int x = 0;
-  for (; x + kPerByte <= width; x += kPerByte)
+  for (; x + kPerByte <= width; x += kPerByte) {
     for (int i = 0; i < kPerByte; ++i) store(x + i, indexAt(x, i));
+  }
   for (int i = 0; x + i < width; ++i) store(x + i, indexAt(x, i));
 }
 
@@ -48,8 +49,9 @@ const uint8_t* BytesOf(const PixelTable& table) {
 PixelTable MakePixelTable(const HPALETTE& palette) {
   PixelTable table;
   const TColorTable entries = PaletteTable(palette);
-  for (size_t i = 0; i < table.size(); ++i)
+  for (size_t i = 0; i < table.size(); ++i) {
     table[i] = {entries[i].peBlue, entries[i].peGreen, entries[i].peRed, 255};
+  }
   return table;
 }
 
@@ -72,8 +74,9 @@ void PackIndexes(const uint8_t* indexes, TPixelFormat format, int width, uint8_t
   const int mask = (1 << bits) - 1;
   for (int x = 0; x < width; x += perByte) {
     int byte = 0;
-    for (int i = 0; i < perByte; ++i)
+    for (int i = 0; i < perByte; ++i) {
       byte = byte << bits | (x + i < width ? indexes[x + i] & mask : 0);
+    }
     *row++ = static_cast<uint8_t>(byte);
   }
 }

@@ -147,8 +147,9 @@ void PaintRect(Raster& raster, const PixelRect& rect, TColor color, PaintMode mo
 void StrokePolyline(Raster& raster, std::span<const PixelPoint> points, int width, TColor color,
                     PaintMode mode) {
   Coverage coverage(raster.Width(), raster.Height(), std::clamp(width, 1, kWidestPen));
-  for (size_t i = 0; i + 1 < points.size(); ++i)
+  for (size_t i = 0; i + 1 < points.size(); ++i) {
     coverage.AddLine(Within(points[i]), Within(points[i + 1]));
+  }
   coverage.Paint(raster, color, mode);
 }
 

@@ -54,7 +54,7 @@ struct Loaded {
   ~Loaded() { Finalize(); }
 };
 
-const Loaded loaded;
+const Loaded kLoaded;
 
 }  // namespace
 

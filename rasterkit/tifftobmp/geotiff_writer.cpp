@@ -36,8 +36,9 @@ void WriteBitmapToTiff(TBitmap& bitmap, const std::string& fileName, bool rgbaDa
   detail::NameErrors(fileName, [&] {
     WordsTo24(bitmap);
     TiffWriteOptions options = OptionsFor(rgbaData);
-    if (IsPlaced(scaleX, scaleY))
+    if (IsPlaced(scaleX, scaleY)) {
       options.geo = TiffGeoTags{{scaleX, scaleY, 0}, {0, 0, 0, x0, y0, 0}};
+    }
     AtomicFile file(fileName);
     EncodeTiff(bitmap.Content(), file, options);
     file.Commit();

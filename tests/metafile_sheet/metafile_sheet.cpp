@@ -145,7 +145,7 @@ Raster WithTitles(const TBitmap& sheet, const std::vector<Group>& groups, const 
     const std::u16string letters = Letters(groups[i].title);
     rasterkit::TextRun run;
     run.origin = {left, top + 4};
-    run.options = rasterkit::text_option::clipped;
+    run.options = rasterkit::text_option::kClipped;
     run.box = {left, top, left + layout.GroupWidth() - 2 * kGap, top + kTitle};
     run.text = letters;
     context.ExtTextOut(run);

@@ -33,7 +33,7 @@ struct DrawingPaper {
   void Pen(TColor color, double width = 0, uint32_t style = 0) {
     Dc().SelectPen(std::make_shared<LogicalPen>(LogicalPen{style, width, color, {}, nullptr}));
   }
-  void NoPen() { Pen(clBlack, 0, pen_style::null); }
+  void NoPen() { Pen(clBlack, 0, pen_style::kNull); }
   void Brush(TColor color) {
     LogicalBrush brush;
     brush.color = color;

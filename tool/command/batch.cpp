@@ -66,10 +66,12 @@ void RequireDistinctOutputs(const std::vector<Job>& jobs) {
 void RequireFreeOutput(const OutputOptions& options, const Job& job) {
   std::error_code ignored;
   const auto status = std::filesystem::status(ToPath(job.output), ignored);
-  if (std::filesystem::is_directory(status))
+  if (std::filesystem::is_directory(status)) {
     throw Failure(exitOutputNotWritten, job.output + ": this is a folder");
-  if (std::filesystem::is_regular_file(status) && !options.overwrite)
+  }
+  if (std::filesystem::is_regular_file(status) && !options.overwrite) {
     throw Failure(exitOutputNotWritten, job.output + ": already exists (--overwrite replaces it)");
+  }
 }
 
 Outcome RunJob(const OutputOptions& options, const Job& job,
@@ -117,12 +119,14 @@ void PrintJson(const Job& job, const Outcome& outcome) {
 }
 
 void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& outcome) {
-  for (const std::string& warning : outcome.result.warnings)
+  for (const std::string& warning : outcome.result.warnings) {
     fmt::print(stderr, "rasterkit: {}: warning: {}\n", job.input, warning);
+  }
   if (IsFailure(outcome)) fmt::print(stderr, "rasterkit: {}\n", outcome.error);
-  if (!outcome.result.notCarriedOver.empty())
+  if (!outcome.result.notCarriedOver.empty()) {
     fmt::print(stderr, "rasterkit: {}: not carried over: {}\n", job.output,
                fmt::join(outcome.result.notCarriedOver, ", "));
+  }
   if (options.json) PrintJson(job, outcome);
 }
 
@@ -153,8 +157,9 @@ class Batch {
       const size_t index = next_++;
       if (index >= jobs_.size()) return;
       Outcome outcome = RunJob(options_, jobs_[index], work_);
-      if (IsFailure(outcome) && (!options_.keepGoing || outcome.code == exitInterrupted))
+      if (IsFailure(outcome) && (!options_.keepGoing || outcome.code == exitInterrupted)) {
         stopped_ = true;
+      }
       Finish(index, std::move(outcome));
     }
   }
@@ -165,8 +170,9 @@ class Batch {
     progress_.Clear();
     for (; printed_ < jobs_.size() && outcomes_[printed_]; ++printed_) {
       const Outcome& finished = *outcomes_[printed_];
-      if (code_ == exitDone || (code_ == exitNotCarriedOver && IsFailure(finished)))
+      if (code_ == exitDone || (code_ == exitNotCarriedOver && IsFailure(finished))) {
         code_ = finished.code;
+      }
       PrintOutcome(options_, jobs_[printed_], finished);
       outcomes_[printed_]->result = {};
     }
@@ -187,18 +193,21 @@ class Batch {
 
 std::vector<Job> PlanFolder(const OutputOptions& options) {
   std::vector<Job> jobs;
-  for (const std::string& input : options.files)
+  for (const std::string& input : options.files) {
     jobs.push_back({input, OutputName(options, input), 0});
+  }
   return jobs;
 }
 
 std::vector<Job> PlanSingle(const OutputOptions& options) {
-  if (!options.type.empty())
+  if (!options.type.empty()) {
     throw Failure(exitWrongUsage,
                   "--type requires --out-dir; the extension of a single output gives its type");
-  if (options.files.size() != 2)
+  }
+  if (options.files.size() != 2) {
     throw Failure(exitWrongUsage,
                   "one input and one output are required; several inputs require --out-dir DIR");
+  }
   return {{options.files[0], options.files[1], 0}};
 }
 

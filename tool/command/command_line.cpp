@@ -24,8 +24,9 @@ std::string TextOf(const OptionParts& option) {
 }
 
 HelpSection& SectionOf(HelpPage& page, const std::string& title) {
-  for (HelpSection& section : page.sections)
+  for (HelpSection& section : page.sections) {
     if (section.title == title) return section;
+  }
   return page.sections.emplace_back(HelpSection{title, {}});
 }
 
@@ -69,8 +70,9 @@ struct CommandLine::Parts {
   std::deque<VerbParts> verbs;
 
   const VerbParts* Chosen() const {
-    for (const VerbParts& verb : verbs)
+    for (const VerbParts& verb : verbs) {
       if (verb.parsed->parsed()) return &verb;
+    }
     return nullptr;
   }
 
@@ -144,9 +146,11 @@ std::optional<int> CommandLine::Parse(int argc, char** argv) {
   }
   const VerbParts* const verb = parts_->Chosen();
   if (verb == nullptr) return parts_->Refuse("a verb is required");
-  for (const OptionParts& option : verb->options)
-    if (option.isRequired && option.parsed->count() == 0)
+  for (const OptionParts& option : verb->options) {
+    if (option.isRequired && option.parsed->count() == 0) {
       return parts_->Refuse(NameOf(option) + " is required");
+    }
+  }
   return std::nullopt;
 }
 

@@ -13,9 +13,10 @@ namespace {
 const DesktopDialogs& LoadDialogs() try {
   const DynamicLibrary library("rasterkit-dialogs", 0, "the dialogs are not installed");
   const DesktopDialogs* const dialogs = library.Entry<DesktopEntry>(kDesktopEntry)(kDesktopVersion);
-  if (dialogs == nullptr)
+  if (dialogs == nullptr) {
     throw Failure(exitOutputNotWritten,
                   library.File() + ": the dialogs and this tool have different versions");
+  }
   return *dialogs;
 } catch (const Error& error) {
   throw Failure(exitOutputNotWritten, error.what());

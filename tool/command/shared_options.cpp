@@ -100,8 +100,9 @@ void AddCompression(Verb& verb, PictureOptions& options) {
   std::vector<std::string> choices;
   for (const auto& [name, compression] : kNames) choices.push_back(name);
   const auto take = [&options](const std::string& text) {
-    for (const auto& [name, compression] : kNames)
+    for (const auto& [name, compression] : kNames) {
       if (name == text) options.compression = compression;
+    }
   };
   verb.Parsed("--compression", "NAME", take, CheckChoice(choices),
               "compression of TIFF files: none, lzw, deflate, packbits or g4 (1-bit only) "

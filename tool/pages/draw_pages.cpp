@@ -88,8 +88,9 @@ class PageDrawer {
     std::vector<Job> jobs;
     if (options_.output.outDir.empty()) {
       jobs.push_back(PlanJobs(options_.output).front());
-      if (!options_.pages.empty() && !PageList::Parse(options_.pages)->IsOnePage())
+      if (!options_.pages.empty() && !PageList::Parse(options_.pages)->IsOnePage()) {
         throw Failure(exitWrongUsage, "several pages require --out-dir DIR");
+      }
       jobs[0].page = options_.pages.empty() ? 1 : PageList::Parse(options_.pages)->Of(1).back();
       SayWhatIsComing(jobs[0].input, {jobs[0].page});
       return jobs;
@@ -193,8 +194,9 @@ class PageDrawer {
 
   void Recolor(TBitmap& bitmap) const {
     if (options_.colors == PageColors::gray) BitmapToGray(&bitmap, false);
-    if (options_.colors == PageColors::mono)
+    if (options_.colors == PageColors::mono) {
       ColorBmpTo1Bit(&bitmap, options_.threshold, 0, 0, 0, 255, 255, 255);
+    }
   }
 
   const PdfOptions& options_;

@@ -4,8 +4,8 @@
 #include <array>
 #include <vector>
 
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/palette_indexes.h"
-#include "tool/pictures/transparency.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -40,8 +40,9 @@ bool Has(const Entries& entries, TColor color) {
 TColor SmallStep(unsigned number) {
   constexpr int kChannels[] = {16, 0, 8};
   TColor step = 0;
-  for (int bit = 0; bit < 24; ++bit)
+  for (int bit = 0; bit < 24; ++bit) {
     step |= static_cast<TColor>(number >> bit & 1) << (kChannels[bit % 3] + bit / 3);
+  }
   return step;
 }
 
@@ -76,8 +77,9 @@ void KeepHidden(TBitmap& bitmap, const Entries& before, Entries& after) {
     }
   }
   const TColor replacement = Unused(visible, wanted);
-  for (size_t i = 0; i < before.size(); ++i)
+  for (size_t i = 0; i < before.size(); ++i) {
     if (EntryColor(before[i]) == hidden) after[i] = EntryOf(replacement);
+  }
   bitmap.SetTransparentColor(replacement);
 }
 
@@ -87,8 +89,9 @@ void ChangePalette(TBitmap& bitmap, const ColorChange& change) {
   TBitmap column = ColumnOf(before, bitmap.PixelColor(0, bitmap.Height() - 1));
   change(column);
   Entries after;
-  for (size_t i = 0; i < before.size(); ++i)
+  for (size_t i = 0; i < before.size(); ++i) {
     after.push_back(EntryOf(column.PixelColor(0, static_cast<int>(i))));
+  }
   if (bitmap.Transparent()) {
     KeepHidden(bitmap, before, after);
   } else if (IsGrayRamp(palette) && std::all_of(after.begin(), after.end(), IsGray)) {

@@ -5,8 +5,8 @@
 #include <rasterkit/bitmaptools/engine/pixel_transfer.h>
 #include <rasterkit/graphics/canvas.h>
 
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/palette_indexes.h"
-#include "tool/pictures/transparency.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -56,8 +56,9 @@ void Transfer(TBitmap& under, TBitmap& over, const CombineOptions& options, int 
   constexpr int kRowsOfThread = 4;
   const int count = std::clamp(threads, 1, std::max(1, under.Height() / kRowsOfThread));
   const TRect all = AllOf(under);
-  if (options.mode == CombineMode::intoWhite)
+  if (options.mode == CombineMode::intoWhite) {
     return AssignInWhite(&under, &over, all, all, 0, count, progress);
+  }
   AssignPartBitmap(&under, &over, all, all, count, progress, EngineMode(options.mode),
                    options.percent, options.gray, false);
 }

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "tool/pictures/transparency.h"
+#include "tool/pictures/alpha_channel.h"
 
 namespace rasterkit::tool {
 namespace {

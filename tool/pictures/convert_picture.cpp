@@ -12,10 +12,10 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/metafile_output.h"
 #include "tool/pictures/placement/map_placement.h"
 #include "tool/pictures/save_picture.h"
-#include "tool/pictures/transparency.h"
 #include "tool/pictures/turn.h"
 
 namespace rasterkit::tool {
@@ -37,8 +37,9 @@ Transparency LostTransparency(const TBitmap& bitmap, PictureType type, int bits)
     const bool keepsAlpha = (codec == nullptr || codec->keepsAlpha) && (bits == 0 || bits == 32);
     return keepsAlpha ? Transparency::none : Transparency::painted;
   }
-  if (!bitmap.Transparent() || (codec != nullptr && codec->keepsTransparentColor))
+  if (!bitmap.Transparent() || (codec != nullptr && codec->keepsTransparentColor)) {
     return Transparency::none;
+  }
   return type == PictureType::jpeg ? Transparency::painted : Transparency::forgotten;
 }
 
@@ -100,8 +101,9 @@ void Save(const LoadedPicture& picture, const Job& job, const PictureOptions& op
 void FitTransparency(Subject& picture, PictureType type) {
   const Transparency lost = LostTransparency(*picture.bitmap, type, picture.options.bits);
   if (lost == Transparency::painted) picture.PaintTransparency();
-  if (lost == Transparency::forgotten)
+  if (lost == Transparency::forgotten) {
     picture.result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::transparency));
+  }
 }
 
 JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& picture,
@@ -122,8 +124,9 @@ JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& p
   StopIfInterrupted();
   FitTransparency(subject, type);
   if (options.bits != 0) picture.bitmap->SetPixelFormat(FormatOfBits(options.bits));
-  if (picture.bitmap->Profile())
+  if (picture.bitmap->Profile()) {
     Remove(result.notCarriedOver, MetadataKindName(MetadataKind::profile));
+  }
 
   StopIfInterrupted();
   if (steps.write) {

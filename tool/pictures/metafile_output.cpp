@@ -90,8 +90,9 @@ JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
         "written unchanged");
   }
   // The WMF file holds pixels instead of the records.
-  if (wasEnhanced && !metafile.Enhanced())
+  if (wasEnhanced && !metafile.Enhanced()) {
     result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::records));
+  }
   return result;
 }
 

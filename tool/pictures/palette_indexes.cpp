@@ -49,23 +49,28 @@ std::array<uint64_t, 256> CountIndexes(const TBitmap& bitmap) {
   for (int y = 0; y < bitmap.Height(); ++y) {
     const uint8_t* const row = bitmap.ScanLine(y);
     for (int i = 0; i < wholeBytes; ++i) ++bytes[row[i]];
-    for (int x = wholeBytes * packing.perByte; x < bitmap.Width(); ++x)
+    for (int x = wholeBytes * packing.perByte; x < bitmap.Width(); ++x) {
       ++counts[static_cast<size_t>(packing.Index(row[wholeBytes], x))];
+    }
   }
-  for (unsigned byte = 0; byte < bytes.size(); ++byte)
-    for (int pixel = 0; pixel < packing.perByte; ++pixel)
+  for (unsigned byte = 0; byte < bytes.size(); ++byte) {
+    for (int pixel = 0; pixel < packing.perByte; ++pixel) {
       counts[static_cast<size_t>(packing.Index(byte, pixel))] += bytes[byte];
+    }
+  }
   return counts;
 }
 
 void ReplaceIndexes(TBitmap& bitmap, const std::array<uint8_t, 256>& table) {
   const Packing packing(bitmap);
   std::array<uint8_t, 256> bytes{};
-  for (unsigned byte = 0; byte < bytes.size(); ++byte)
-    for (int pixel = 0; pixel < packing.perByte; ++pixel)
+  for (unsigned byte = 0; byte < bytes.size(); ++byte) {
+    for (int pixel = 0; pixel < packing.perByte; ++pixel) {
       bytes[byte] = static_cast<uint8_t>(
           bytes[byte] | (table[static_cast<size_t>(packing.Index(byte, pixel))] & packing.mask)
                             << packing.Shift(pixel));
+    }
+  }
   const size_t rowBytes = bitmap.Content().RowBytes();
   const auto used = static_cast<unsigned>(bitmap.Width() * packing.bits % kBitsOfByte);
   const auto lastMask = static_cast<uint8_t>(used == 0 ? 0xFF : 0xFF00 >> used);

@@ -24,8 +24,9 @@ std::vector<std::string> ExtrasOfTiff(const std::string& file, TStream& stream) 
   std::vector<std::string> names = MetadataKindNames(facts.metadata);
   const std::vector<std::string> sources = MapSources(file, facts);
   names.insert(names.end(), sources.begin(), sources.end());
-  if (facts.pages - facts.secondaryPages > 1)
+  if (facts.pages - facts.secondaryPages > 1) {
     names.emplace_back(MetadataKindName(MetadataKind::pages));
+  }
   return names;
 }
 

@@ -2,8 +2,8 @@
 
 #include <rasterkit/bitmaptools/engine/composition.h>
 
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/palette_indexes.h"
-#include "tool/pictures/transparency.h"
 
 namespace rasterkit::tool {
 namespace {

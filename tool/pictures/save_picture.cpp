@@ -24,8 +24,9 @@ void Encode(const TBitmap& bitmap, const Codec& codec, AtomicFile& file,
   encoding.tiff.compression = options.compression;
   encoding.tiff.threads = std::min(options.threads, kMostEncoders);
   encoding.tiff.geo = options.geo;
-  if (!bitmap.Transparent() || !codec.keepsTransparentColor)
+  if (!bitmap.Transparent() || !codec.keepsTransparentColor) {
     return codec.encode(bitmap.Content(), file, encoding);
+  }
   Raster content = bitmap.Content().Clone();
   content.transparentColor = bitmap.TransparentColor();
   codec.encode(content, file, encoding);

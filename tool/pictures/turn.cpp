@@ -44,8 +44,9 @@ void Turn(std::unique_ptr<TBitmap>& bitmap, const PictureOptions& options) {
   }
   if (angle == 0) return;
   if (!RotateBitmap(static_cast<float>(angle), bitmap, BackgroundColor(options.background),
-                    ThreadCount(*bitmap, options), nullptr))
+                    ThreadCount(*bitmap, options), nullptr)) {
     throw Failure(exitOutputNotWritten, "the picture is too large to turn");
+  }
 }
 
 }  // namespace rasterkit::tool

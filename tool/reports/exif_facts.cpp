@@ -24,8 +24,9 @@ std::string TextOf(const ExifBlock& block, const char* directory, uint16_t tag) 
 /// Converts an EXIF date, "2019:07:04 13:05:09", to ISO 8601; empty if it is invalid.
 std::string IsoDate(std::string text) {
   constexpr size_t kLength = 19, kTimePlace = 10;
-  if (text.size() != kLength || text[4] != ':' || text[7] != ':' || text[kTimePlace] != ' ')
+  if (text.size() != kLength || text[4] != ':' || text[7] != ':' || text[kTimePlace] != ' ') {
     return {};
+  }
   try {
     ParseExifDateTime(text);
   } catch (const Error&) {
@@ -56,10 +57,12 @@ void TakeThumbnail(ExifFacts& facts, const ExifBlock& block) {
 }
 
 void TakeFields(ExifFacts& facts, const ExifBlock& block) {
-  for (const ExifDirectory& directory : block.Directories())
-    for (const ExifEntry& entry : directory.entries)
+  for (const ExifDirectory& directory : block.Directories()) {
+    for (const ExifEntry& entry : directory.entries) {
       facts.fields.push_back(
           {directory.name, entry.tag, ExifTagName(directory.name, entry.tag), block.Text(entry)});
+    }
+  }
 }
 
 void TakeExif(ExifFacts& facts, const JpegSegment& segment) {
@@ -70,8 +73,9 @@ void TakeExif(ExifFacts& facts, const JpegSegment& segment) {
   facts.date = DateOf(block);
   const ExifDirectory* exif = block.Find("exif");
   const ExifEntry* comment = exif != nullptr ? exif->Find(kUserComment) : nullptr;
-  if (comment != nullptr && block.Text(*comment) != fmt::format("{} bytes", comment->byteCount))
+  if (comment != nullptr && block.Text(*comment) != fmt::format("{} bytes", comment->byteCount)) {
     AddComment(facts, block.Text(*comment));
+  }
   TakeThumbnail(facts, block);
   TakeFields(facts, block);
 }
@@ -79,15 +83,17 @@ void TakeExif(ExifFacts& facts, const JpegSegment& segment) {
 void TakeHeader(ExifFacts& facts, const JpegHeader& header) {
   facts.width = header.width;
   facts.height = header.height;
-  if (!header.isComplete)
+  if (!header.isComplete) {
     facts.warnings.emplace_back("JPEG: the header does not lead to picture data");
+  }
   for (const JpegSegment& segment : header.segments) {
     const std::optional<MetadataKind> kind = SegmentKind(segment);
     facts.sections.push_back({MarkerName(segment.marker), kind ? MetadataKindName(*kind) : "",
                               segment.place, segment.Size()});
-    if (kind == MetadataKind::comment)
+    if (kind == MetadataKind::comment) {
       AddComment(facts, Trim({reinterpret_cast<const char*>(segment.payload.data()),
                               segment.payload.size()}));
+    }
   }
   if (const JpegSegment* exif = header.Find(MetadataKind::exif)) TakeExif(facts, *exif);
 }

@@ -14,23 +14,25 @@ namespace {
 
 Json SectionsJson(const ExifFacts& facts) {
   JsonList list;
-  for (const ExifFacts::Section& section : facts.sections)
+  for (const ExifFacts::Section& section : facts.sections) {
     list.Add(JsonObject()
                  .Add("marker", section.marker)
                  .Add("kind", TextOrNull(section.kind))
                  .Add("place", section.place)
                  .Add("bytes", section.bytes));
+  }
   return list;
 }
 
 Json FieldsJson(const ExifFacts& facts) {
   JsonList list;
-  for (const ExifFacts::Field& field : facts.fields)
+  for (const ExifFacts::Field& field : facts.fields) {
     list.Add(JsonObject()
                  .Add("directory", field.directory)
                  .Add("tag", field.tag)
                  .Add("name", TextOrNull(field.name))
                  .Add("value", field.value));
+  }
   return list;
 }
 
@@ -76,24 +78,28 @@ void PrintFields(const ExifFacts& facts) {
 
 void PrintText(const ExifFacts& facts) {
   fmt::print("{}: {} x {} pixels\n", facts.file, facts.width, facts.height);
-  if (facts.photo.orientation)
+  if (facts.photo.orientation) {
     fmt::print("  orientation {}, rotation {}\n", *facts.photo.orientation,
                facts.photo.rotation.value_or(0));
+  }
   if (!facts.date.empty()) fmt::print("  date {}\n", facts.date);
   if (const auto& gps = facts.photo.gps) {
     fmt::print("  GPS {:.6f}, {:.6f}", gps->latitude, gps->longitude);
     if (gps->altitude) fmt::print(", {:.1f} m", *gps->altitude);
     fmt::print("\n");
   }
-  for (const std::string& comment : facts.comments)
+  for (const std::string& comment : facts.comments) {
     fmt::print("  comment: {}\n", Printable(comment));
-  if (facts.thumbnail)
+  }
+  if (facts.thumbnail) {
     fmt::print("  thumbnail {} x {} pixels, {} bytes\n", facts.thumbnail->width,
                facts.thumbnail->height, facts.thumbnail->bytes);
+  }
   fmt::print("  sections:\n");
-  for (const ExifFacts::Section& section : facts.sections)
+  for (const ExifFacts::Section& section : facts.sections) {
     fmt::print("    {:<5} {:<8} {} bytes at {}\n", section.marker, section.kind, section.bytes,
                section.place);
+  }
   PrintFields(facts);
 }
 
@@ -106,8 +112,9 @@ bool ReportExif(const std::string& file, bool json) {
   } else if (facts.error.empty()) {
     PrintText(facts);
   }
-  for (const std::string& warning : facts.warnings)
+  for (const std::string& warning : facts.warnings) {
     fmt::print(stderr, "rasterkit: {}: warning: {}\n", file, warning);
+  }
   if (!facts.error.empty()) fmt::print(stderr, "rasterkit: {}\n", facts.error);
   std::fflush(stdout);
   return facts.error.empty();

@@ -28,16 +28,18 @@ GridAnswer AtMapPoint(const GridFile& file, MapPoint point) {
   GridAnswer answer;
   answer.map = point;
   answer.pixel = FromMap(file.positions[0].affine, point);
-  if (answer.pixel)
+  if (answer.pixel) {
     answer.pixel = {std::floor(answer.pixel->x + 0.5), std::floor(answer.pixel->y + 0.5)};
+  }
   Look(file, answer);
   return answer;
 }
 
 std::vector<GridAnswer> AnswerAll(const GridFile& file, const GridQuestions& questions) {
-  if (!questions.mapPoints.empty() && file.positions.empty())
+  if (!questions.mapPoints.empty() && file.positions.empty()) {
     throw Failure(exitAnswerIsNo,
                   questions.file + ": has no position on a map: no tags and no world file");
+  }
   std::vector<GridAnswer> answers;
   for (const MapPoint& pixel : questions.pixels) answers.push_back(AtPixel(file, pixel));
   for (const MapPoint& point : questions.mapPoints) answers.push_back(AtMapPoint(file, point));

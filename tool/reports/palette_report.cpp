@@ -7,9 +7,9 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/json.h"
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/picture_file.h"
-#include "tool/pictures/transparency.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -46,21 +46,23 @@ void PrintText(const std::string& file, const TBitmap& bitmap,
                                   [](const EntryLine& line) { return line.pixels > 0; });
   fmt::print("{}: {}-bit, {} palette entries, {} of them used\n", file, bitmap.StoredBits(),
              lines.size(), used);
-  for (const EntryLine& line : lines)
+  for (const EntryLine& line : lines) {
     fmt::print("{:5}  {}  {} pixels{}\n", line.index, line.color, line.pixels,
                line.isTransparent ? ", transparent" : "");
+  }
 }
 
 /// `bits` is null if the picture cannot be read.
 void PrintJson(const std::string& file, const std::string& error, const Json& bits,
                const std::vector<EntryLine>& lines) {
   JsonList entries;
-  for (const EntryLine& line : lines)
+  for (const EntryLine& line : lines) {
     entries.Add(JsonObject()
                     .Add("index", line.index)
                     .Add("color", line.color)
                     .Add("pixels", line.pixels)
                     .Add("transparent", line.isTransparent));
+  }
   PrintLine(JsonObject()
                 .Add("schema", 1)
                 .Add("file", file)
@@ -83,8 +85,9 @@ LoadedPicture Load(const std::string& file, bool json) {
 
 int ShowPalette(const std::string& file, bool json) {
   const LoadedPicture picture = Load(file, json);
-  for (const std::string& warning : picture.warnings)
+  for (const std::string& warning : picture.warnings) {
     fmt::print(stderr, "rasterkit: {}: warning: {}\n", file, warning);
+  }
   const std::vector<EntryLine> lines = LinesOf(*picture.bitmap);
   if (json) {
     PrintJson(file, {}, picture.bitmap->StoredBits(), lines);

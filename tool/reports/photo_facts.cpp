@@ -22,8 +22,9 @@ enum GpsTag : uint16_t { gpsLatitude = 2, gpsLongitude = 4, gpsAltitude = 6 };
 /// a number.
 bool HasDenominator(const std::string& rationals) {
   constexpr size_t kPair = 8, kHalf = 4;
-  for (size_t at = 0; at + kPair <= rationals.size(); at += kPair)
+  for (size_t at = 0; at + kPair <= rationals.size(); at += kPair) {
     if (rationals.compare(at + kHalf, kHalf, std::string(kHalf, '\0')) != 0) return true;
+  }
   return false;
 }
 
@@ -41,8 +42,9 @@ double WithoutSignOfZero(double value) {
 
 std::optional<GpsPosition> PositionOf(const TImageData& data) {
   if (!data.ExifData || !data.GPSData) return std::nullopt;
-  if (!HasGpsNumber(*data.ExifData, gpsLatitude) || !HasGpsNumber(*data.ExifData, gpsLongitude))
+  if (!HasGpsNumber(*data.ExifData, gpsLatitude) || !HasGpsNumber(*data.ExifData, gpsLongitude)) {
     return std::nullopt;
+  }
   GpsPosition position;
   position.latitude = WithoutSignOfZero(data.GPSData->Latitude.Koord());
   position.longitude = WithoutSignOfZero(data.GPSData->Longitude.Koord());
@@ -93,8 +95,9 @@ void WithWarning(PhotoFacts& facts, Reading reading) {
     reading();
   } catch (const Error& error) {
     const std::string warning = "EXIF: " + error.Reason();
-    if (facts.warnings.empty() || facts.warnings.back() != warning)
+    if (facts.warnings.empty() || facts.warnings.back() != warning) {
       facts.warnings.push_back(warning);
+    }
   }
 }
 

@@ -44,11 +44,13 @@ void TakePixelFacts(PictureFacts& facts, const ImagingFrame& frame) {
 void TakePositions(PictureFacts& facts) {
   facts.positions = PositionsOf(facts.file, facts.tiff.value_or(TiffFacts()));
   const auto worldFile = FindWorldFile(facts.file);
-  if (worldFile && !ReadWorldFile(*worldFile))
+  if (worldFile && !ReadWorldFile(*worldFile)) {
     facts.warnings.push_back(*worldFile + " does not begin with six numbers and is ignored");
+  }
   if (!facts.error.empty() || facts.pdf) return;
-  if (const auto doubt = PositionDoubt(facts.positions, facts.width, facts.height))
+  if (const auto doubt = PositionDoubt(facts.positions, facts.width, facts.height)) {
     facts.warnings.push_back(*doubt);
+  }
 }
 
 void TakePdfFacts(PictureFacts& facts) {

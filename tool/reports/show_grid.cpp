@@ -27,8 +27,9 @@ Json NumberJson(double value) {
 Json PixelJson(const std::optional<MapPoint>& pixel) {
   constexpr double kLargest = 9e15;
   if (!pixel) return {};
-  if (std::abs(pixel->x) > kLargest || std::abs(pixel->y) > kLargest)
+  if (std::abs(pixel->x) > kLargest || std::abs(pixel->y) > kLargest) {
     return std::array{pixel->x, pixel->y};
+  }
   return std::array{static_cast<int64_t>(pixel->x), static_cast<int64_t>(pixel->y)};
 }
 
@@ -38,12 +39,13 @@ Json MapJson(const std::optional<MapPoint>& point) {
 
 Json AnswersJson(const std::vector<GridAnswer>& answers) {
   JsonList list;
-  for (const GridAnswer& answer : answers)
+  for (const GridAnswer& answer : answers) {
     list.Add(JsonObject()
                  .Add("pixel", PixelJson(answer.pixel))
                  .Add("map", MapJson(answer.map))
                  .Add("value", answer.value ? NumberJson(*answer.value) : Json())
                  .Add("nodata", answer.isNoData));
+  }
   return list;
 }
 
@@ -101,9 +103,10 @@ void PrintAnswer(const Grid& grid, const GridAnswer& answer) {
 void PrintStatistics(const GridReport& report) {
   const GridStatistics& statistics = report.statistics;
   const Grid& grid = *report.file.grid;
-  if (statistics.values > 0)
+  if (statistics.values > 0) {
     fmt::print("  minimum {}, maximum {}, mean {:.10g}\n", ValueText(grid, statistics.minimum),
                ValueText(grid, statistics.maximum), statistics.mean);
+  }
   fmt::print("  {} values", statistics.values);
   if (statistics.noData > 0) fmt::print(", {} without data", statistics.noData);
   if (statistics.notFinite > 0) fmt::print(", {} not finite", statistics.notFinite);
@@ -121,8 +124,9 @@ void PrintText(const std::string& name, const GridReport& report) {
   if (facts.pages > 1) fmt::print(", first of {} pages", facts.pages);
   fmt::print("\n");
   PrintStatistics(report);
-  for (const GeoPosition& position : report.file.positions)
+  for (const GeoPosition& position : report.file.positions) {
     fmt::print("  {}\n", PositionText(position));
+  }
   if (report.file.positions.empty()) fmt::print("  no position on a map\n");
   for (const GridAnswer& answer : report.answers) PrintAnswer(grid, answer);
 }
@@ -144,8 +148,9 @@ int SayNoGrid(const GridQuestions& questions, const TiffFacts& facts) {
 
 int Show(const GridQuestions& questions) {
   const GridReport report = MakeGridReport(questions);
-  for (const std::string& warning : report.file.warnings)
+  for (const std::string& warning : report.file.warnings) {
     fmt::print(stderr, "rasterkit: {}: warning: {}\n", questions.file, warning);
+  }
   if (!report.file.grid) return SayNoGrid(questions, report.file.facts);
   if (questions.json) {
     PrintJson(questions.file, "", GridJson(report));

@@ -47,11 +47,13 @@ VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
   }
   return [output = output_, picture = picture_, answer = answer_, asksUser = asksUser_,
           prepare = std::move(prepare)] {
-    if (asksUser != nullptr && *asksUser && output->jobs > 1)
+    if (asksUser != nullptr && *asksUser && output->jobs > 1) {
       throw Failure(exitWrongUsage,
                     "--dialog shows one picture at a time and cannot be used with --jobs");
-    if (answer && output->files.size() == 1 && output->outDir.empty())
+    }
+    if (answer && output->files.size() == 1 && output->outDir.empty()) {
       return answer(output->files[0], output->json);
+    }
     const std::vector<Job> jobs = PlanJobs(*output);
     picture->showsProgress = jobs.size() == 1;
     const PictureChange change = prepare();

@@ -8,10 +8,10 @@
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
 #include "tool/pictures/adjust_values.h"
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/change_colors.h"
 #include "tool/pictures/entry_colors.h"
 #include "tool/pictures/palette_indexes.h"
-#include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -79,10 +79,11 @@ void AskAndAdjust(const Desktop& desktop, const Values& start, Subject& picture)
 }
 
 PictureChange Prepare(const AdjustOptions& options) {
-  if (!options.values.AreGiven() && !options.asksUser)
+  if (!options.values.AreGiven() && !options.asksUser) {
     throw Failure(exitWrongUsage,
                   "adjust needs at least one of --brightness, --contrast, --sharpen, --red, "
                   "--green, --blue, or --dialog");
+  }
   const Values values = options.values;
   if (!options.asksUser) return [values](Subject& picture) { Adjust(values, picture); };
   return [values, desktop = std::make_shared<Desktop>()](Subject& picture) {

@@ -31,10 +31,12 @@ CombineOptions OptionsOf(const CombineArguments& arguments) {
   options.mode = Modes().at(arguments.mode);
   const bool mixes =
       options.mode == CombineMode::transparent || options.mode == CombineMode::shadow;
-  if (arguments.gray && !mixes)
+  if (arguments.gray && !mixes) {
     throw Failure(exitWrongUsage, "--gray requires --mode transparent or --mode shadow");
-  if (arguments.percent && !mixes && options.mode != CombineMode::key)
+  }
+  if (arguments.percent && !mixes && options.mode != CombineMode::key) {
     throw Failure(exitWrongUsage, "--percent cannot be used with --mode " + arguments.mode);
+  }
   constexpr int kHalf = 50;
   options.percent =
       arguments.percent.value_or(options.mode == CombineMode::transparent ? kHalf : 0);

@@ -45,23 +45,27 @@ Comparison Compare(TBitmap& a, TBitmap& b, int tolerance) {
 }
 
 std::string StoredText(const Comparison& result) {
-  if (result.bits[0] != result.bits[1])
+  if (result.bits[0] != result.bits[1]) {
     return fmt::format("{}-bit and {}-bit", result.bits[0], result.bits[1]);
+  }
   return "palette, resolution or hidden bytes";
 }
 
 std::string Text(const Comparison& result, const CompareOptions& options) {
-  if (!result.difference)
+  if (!result.difference) {
     return fmt::format("different: {} and {} pixels", result.size[0], result.size[1]);
+  }
   const PictureDifference& difference = *result.difference;
-  if (difference.pixels > 0)
+  if (difference.pixels > 0) {
     return fmt::format("different: {} pixels of {}, by up to {} of 255, the first at {},{}",
                        difference.pixels, result.size[0], difference.greatest, difference.x,
                        difference.y);
+  }
   if (result.isExact) return "same";
-  if (difference.greatest > 0)
+  if (difference.greatest > 0) {
     return fmt::format("{}: no pixel differs by more than {} of 255",
                        options.exact ? "different" : "same", difference.greatest);
+  }
   return fmt::format("{} as stored ({}), the pixels look the same",
                      options.exact ? "different" : "same; different", StoredText(result));
 }
@@ -94,8 +98,9 @@ void PrintResult(const CompareOptions& options, const Comparison& result, bool i
 void PrintFailure(const CompareOptions& options, const std::string& error) {
   JsonObject rest;
   for (const char* const name :
-       {"same", "exact", "sizes_differ", "differing_pixels", "greatest_difference", "first"})
+       {"same", "exact", "sizes_differ", "differing_pixels", "greatest_difference", "first"}) {
     rest.Add(name, nullptr);
+  }
   PrintJson(options, error, rest);
 }
 

@@ -59,11 +59,12 @@ void CropTo(const Part& part, Subject& picture) {
   const TBitmap& bitmap = *picture.bitmap;
   const bool isInside = part.left < bitmap.Width() && part.width <= bitmap.Width() - part.left &&
                         part.top < bitmap.Height() && part.height <= bitmap.Height() - part.top;
-  if (!isInside)
+  if (!isInside) {
     picture.Refuse(
         fmt::format("the rectangle {},{},{},{} is not inside the picture, which "
                     "has {} x {} pixels",
                     part.left, part.top, part.width, part.height, bitmap.Width(), bitmap.Height()));
+  }
   Crop(*picture.bitmap, part.Rect());
   MovePlace(picture.place, part);
 }
@@ -76,8 +77,9 @@ void AskAndCrop(const Desktop& desktop, const Part& start, Subject& picture) {
 }
 
 PictureChange Prepare(const CropOptions& options) {
-  if (options.rect.empty() && !options.asksUser)
+  if (options.rect.empty() && !options.asksUser) {
     throw Failure(exitWrongUsage, "crop needs --rect X,Y,W,H or --dialog");
+  }
   const Part part = ParsePart(options.rect).value_or(Part());
   if (!options.asksUser) return [part](Subject& picture) { CropTo(part, picture); };
   return [part, desktop = std::make_shared<Desktop>()](Subject& picture) {

@@ -57,8 +57,9 @@ std::string EditPicture(const Desktop& desktop, const std::string& file) {
 
 int Run(std::string file) {
   // Check the file before a window opens.
-  if (!file.empty() && !FileExists(file))
+  if (!file.empty() && !FileExists(file)) {
     throw Failure(exitInputUnreadable, file + ": no such file");
+  }
   const Desktop desktop;
   if (file.empty()) desktop.OpenFile(file);
   // The save dialog changes the current folder.

@@ -96,8 +96,9 @@ JobResult TakeThumbnail(const Job& job) {
   const JpegSegment* exif = header.Find(MetadataKind::exif);
   const std::string bytes =
       exif != nullptr ? ThumbnailBytes(ExifBlock(SectionBytes(*exif))) : std::string();
-  if (bytes.empty())
+  if (bytes.empty()) {
     throw Failure(exitOutputNotWritten, job.input + ": the photo has no JPEG thumbnail");
+  }
   const Bytes thumbnail(bytes.begin(), bytes.end());
   Save(thumbnail, job.output);
   return ResultFor(thumbnail);
@@ -115,17 +116,20 @@ int Show(const std::vector<std::string>& files, bool json) {
 /// Metadata can be written only into JPEG files.
 std::vector<Job> PlanJpegJobs(const OutputOptions& output) {
   std::vector<Job> jobs = PlanJobs(output);
-  for (const Job& job : jobs)
-    if (WritableType(job.output) != PictureType::jpeg)
+  for (const Job& job : jobs) {
+    if (WritableType(job.output) != PictureType::jpeg) {
       throw Failure(exitWrongUsage, job.output + ": the output must end in .jpg or .jpeg");
+    }
+  }
   return jobs;
 }
 
 int Run(const OutputOptions& output, const ExifOptions& options) {
   if (!options.IsWriting()) {
-    if (!output.outDir.empty())
+    if (!output.outDir.empty()) {
       throw Failure(exitWrongUsage,
                     "--out-dir requires --copy-from, --thumbnail or --strip-thumbnail");
+    }
     return Show(output.files, output.json);
   }
   const std::vector<Job> jobs = PlanJpegJobs(output);

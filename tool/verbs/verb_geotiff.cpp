@@ -75,8 +75,9 @@ bool IsQuestion(const GeoTiffOptions& options) {
 }
 
 int Ask(const GeoTiffOptions& options) {
-  if (!options.origin.empty() || !options.worldFile.empty())
+  if (!options.origin.empty() || !options.worldFile.empty()) {
     throw Failure(exitWrongUsage, "a position requires an output");
+  }
   GridQuestions questions;
   questions.file = options.output.files[0];
   questions.json = options.output.json;
@@ -88,9 +89,10 @@ int Ask(const GeoTiffOptions& options) {
 void RequireTiffNames(const std::vector<Job>& jobs) {
   for (const Job& job : jobs) {
     const std::string extension = UpperCase(ExtractFileExt(job.output));
-    if (extension != ".TIF" && extension != ".TIFF")
+    if (extension != ".TIF" && extension != ".TIFF") {
       throw Failure(exitWrongUsage,
                     job.output + ": a picture with a position must end in .tif or .tiff");
+    }
   }
 }
 
@@ -104,12 +106,14 @@ PlacementOptions PlacementOf(const GeoTiffOptions& options) {
 }
 
 int Write(GeoTiffOptions options) {
-  if (!options.at.empty() || !options.atMap.empty())
+  if (!options.at.empty() || !options.atMap.empty()) {
     throw Failure(exitWrongUsage, "--at and --at-map require one file and no output");
+  }
   const bool isOnePosition = !options.origin.empty() || !options.worldFile.empty();
   if (!options.output.outDir.empty()) options.output.type = "tif";
-  if (isOnePosition && !options.output.outDir.empty() && options.output.files.size() > 1)
+  if (isOnePosition && !options.output.outDir.empty() && options.output.files.size() > 1) {
     throw Failure(exitWrongUsage, "one position cannot be used for several pictures");
+  }
   const std::vector<Job> jobs = PlanJobs(options.output);
   RequireTiffNames(jobs);
   const PlacementOptions placement = PlacementOf(options);

@@ -1,8 +1,8 @@
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
 
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/change_colors.h"
 #include "tool/pictures/palette_indexes.h"
-#include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -11,8 +11,9 @@ namespace {
 void MakeGray(Subject& picture, bool trueColor) {
   TBitmap& bitmap = *picture.bitmap;
   const auto inPlace = [](TBitmap& pixels) { BitmapToGray(&pixels, true); };
-  if (trueColor || HasIndexes(bitmap) || HasTransparency(bitmap))
+  if (trueColor || HasIndexes(bitmap) || HasTransparency(bitmap)) {
     return ChangeColors(bitmap, inPlace);
+  }
   BitmapToGray(&bitmap, false);
   // A color profile does not apply to gray pixels.
   bitmap.SetProfile({});

@@ -9,10 +9,10 @@
 #include "tool/command/command_line.h"
 #include "tool/command/interruption.h"
 #include "tool/command/shared_options.h"
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/pictures/crop_rows.h"
 #include "tool/pictures/picture_size.h"
-#include "tool/pictures/transparency.h"
 #include "tool/verbs/verbs.h"
 
 namespace rasterkit::tool {
@@ -57,8 +57,9 @@ void MakeIcon(Subject& picture, const IconOptions& options) {
   }
   MakeAlpha(picture.bitmap, options.solid);
   if (!options.size.empty()) Stretch(picture.bitmap, options.size);
-  if (std::max(picture.bitmap->Width(), picture.bitmap->Height()) > kLargestIcon)
+  if (std::max(picture.bitmap->Width(), picture.bitmap->Height()) > kLargestIcon) {
     picture.Refuse("an icon has at most 256 x 256 pixels; --size 256x makes it smaller");
+  }
   picture.bitmap->SetProfile({});
   picture.bitmap->SetDpi({});
   picture.place.reset();

@@ -91,11 +91,13 @@ void PrintLooseTiePoints(const PictureFacts& facts) {
 void PrintPdf(const PictureFacts& facts) {
   constexpr double kMillimetersPerPoint = 25.4 / 72;
   fmt::print("{}: pdf", facts.file);
-  if (const auto pages = facts.pdf->pages)
+  if (const auto pages = facts.pdf->pages) {
     fmt::print(", {} page{}", *pages, *pages == 1 ? "" : "s");
-  if (const auto& page = facts.pdf->firstPage)
+  }
+  if (const auto& page = facts.pdf->firstPage) {
     fmt::print(", the first {:.1f} x {:.1f} mm", page->width * kMillimetersPerPoint,
                page->height * kMillimetersPerPoint);
+  }
   fmt::print(", {} bytes\n", facts.bytes);
 }
 
@@ -108,8 +110,9 @@ void PrintMetafile(const PictureFacts& facts) {
              facts.height, metafile.records, facts.bytes);
   if (!metafile.title.empty()) fmt::print("  title: {}\n", Printable(metafile.title));
   if (!metafile.program.empty()) fmt::print("  written by {}\n", Printable(metafile.program));
-  if (metafile.hasEmfPlus)
+  if (metafile.hasEmfPlus) {
     fmt::print("  contains EMF+ records as well; the plain records are drawn\n");
+  }
 }
 
 void PrintText(const PictureFacts& facts) {
@@ -141,8 +144,9 @@ void PrintFacts(const PictureFacts& facts, bool json) {
   } else if (facts.error.empty()) {
     PrintText(facts);
   }
-  for (const std::string& warning : facts.warnings)
+  for (const std::string& warning : facts.warnings) {
     fmt::print(stderr, "rasterkit: {}: warning: {}\n", facts.file, warning);
+  }
   if (!facts.error.empty()) fmt::print(stderr, "rasterkit: {}: {}\n", facts.file, facts.error);
   std::fflush(stdout);
 }

@@ -1,8 +1,8 @@
 #include <rasterkit/bitmaptools/pixels/transparency.h>
 
 #include "tool/command/color_digits.h"
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/change_colors.h"
-#include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {

@@ -11,8 +11,9 @@ struct Sides {
 };
 
 PictureChange Mirroring(const Sides& sides) {
-  if (!sides.horizontal && !sides.vertical)
+  if (!sides.horizontal && !sides.vertical) {
     throw Failure(exitWrongUsage, "mirror needs --horizontal or --vertical, or both");
+  }
   return [sides](Subject& picture) {
     if (sides.horizontal) Reorient(*picture.bitmap, Orientation::FlipHorizontally);
     if (sides.vertical) Reorient(*picture.bitmap, Orientation::FlipVertically);

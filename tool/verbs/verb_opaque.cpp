@@ -1,8 +1,8 @@
 #include <rasterkit/bitmaptools/pixels/transparency.h>
 
 #include "tool/command/color_digits.h"
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/palette_indexes.h"
-#include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -12,10 +12,12 @@ namespace {
 void PaintKeyEntries(TBitmap& bitmap, TColor background) {
   const TColor key = bitmap.TransparentColor();
   TColorTable table = PaletteTable(bitmap.Palette());
-  for (tagPALETTEENTRY& entry : table)
-    if (EntryColor(entry) == key)
+  for (tagPALETTEENTRY& entry : table) {
+    if (EntryColor(entry) == key) {
       entry = {static_cast<uint8_t>(background), static_cast<uint8_t>(background >> 8),
                static_cast<uint8_t>(background >> 16), entry.peFlags};
+    }
+  }
   const auto count = static_cast<size_t>(bitmap.Palette().Count());
   bitmap.SetPalette(HPALETTE(std::span(table).first(count)));
   bitmap.SetTransparent(false);

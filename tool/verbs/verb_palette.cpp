@@ -50,8 +50,9 @@ class Entries {
   }
 
   void Set(int index, TColor color, const Subject& picture) {
-    if (index >= count_)
+    if (index >= count_) {
       picture.Refuse(fmt::format("there is no entry {}: the palette has {}", index, count_));
+    }
     tagPALETTEENTRY& entry = (*table_)[static_cast<size_t>(index)];
     entry.peRed = static_cast<uint8_t>(color);
     entry.peGreen = static_cast<uint8_t>(color >> 8);
@@ -59,8 +60,9 @@ class Entries {
   }
 
   bool Has(TColor color) const {
-    for (int i = 0; i < count_; ++i)
+    for (int i = 0; i < count_; ++i) {
       if (EntryColor((*table_)[static_cast<size_t>(i)]) == color) return true;
+    }
     return false;
   }
 
@@ -84,9 +86,10 @@ void CheckTransparency(Subject& picture, const Entries& entries, TColor transpar
 
 void ChangeEntries(const PaletteOptions& options, Subject& picture) {
   TBitmap& bitmap = *picture.bitmap;
-  if (!HasIndexes(bitmap))
+  if (!HasIndexes(bitmap)) {
     picture.Refuse(fmt::format("a {}-bit picture has no palette (convert --bits 8 creates one)",
                                bitmap.StoredBits()));
+  }
   const TColor transparent = bitmap.TransparentColor();
   Entries entries(bitmap);
   if (!options.first.empty()) entries.Set(IndexAt(bitmap, 0, 0), ColorOf(options.first), picture);
@@ -99,10 +102,11 @@ void ChangeEntries(const PaletteOptions& options, Subject& picture) {
 }
 
 PictureChange Changing(const PaletteOptions& options) {
-  if (options.set.empty() && options.first.empty())
+  if (options.set.empty() && options.first.empty()) {
     throw Failure(exitWrongUsage,
                   "palette needs --set or --first to change a picture, or one file and no output "
                   "to show its palette");
+  }
   return [options](Subject& picture) { ChangeEntries(options, picture); };
 }
 

@@ -45,8 +45,9 @@ void AddPdfOptions(Verb& verb, PdfArguments& arguments) {
 
 int Run(const PdfArguments& arguments) {
   PdfOptions options = arguments.options;
-  if (options.output.files.size() == 1 && options.output.outDir.empty())
+  if (options.output.files.size() == 1 && options.output.outDir.empty()) {
     return ReportPages(options.output.files[0], options.password, options.dpi, options.output.json);
+  }
   if (arguments.gray) options.colors = PageColors::gray;
   if (arguments.mono) options.colors = PageColors::mono;
   return DrawPages(options);

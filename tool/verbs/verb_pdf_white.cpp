@@ -17,19 +17,21 @@ constexpr tagPALETTEENTRY kWhite = {255, 255, 255, 0};
 
 /// Finds the last white entry, or else makes one: at the end, or in place of an unused entry.
 std::optional<size_t> PlaceOfWhite(const TBitmap& bitmap, Entries& entries) {
-  for (size_t i = entries.size(); i-- > 0;)
+  for (size_t i = entries.size(); i-- > 0;) {
     if (EntryColor(entries[i]) == clWhite) return i;
+  }
   const auto counts = CountIndexes(bitmap);
   const auto most = static_cast<size_t>(MostEntries(bitmap));
   if (entries.size() < most && counts[entries.size()] == 0) {
     entries.push_back(kWhite);
     return entries.size() - 1;
   }
-  for (size_t i = entries.size(); i-- > 0;)
+  for (size_t i = entries.size(); i-- > 0;) {
     if (counts[i] == 0) {
       entries[i] = kWhite;
       return i;
     }
+  }
   return std::nullopt;
 }
 

@@ -4,8 +4,8 @@
 #include <rasterkit/bitmaptools/pixels/transparency.h>
 
 #include "tool/command/color_digits.h"
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/change_colors.h"
-#include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -27,8 +27,9 @@ void RecolorPixels(TBitmap& bitmap, const RecolorOptions& options) {
 }
 
 void Recolor(TBitmap& bitmap, const RecolorOptions& options) {
-  if (!options.alpha)
+  if (!options.alpha) {
     return ChangeColors(bitmap, [&](TBitmap& pixels) { RecolorPixels(pixels, options); });
+  }
   MakeAlphaChannel(bitmap);
   RecolorPixels(bitmap, options);
 }

@@ -26,16 +26,18 @@ PictureSize SizeFor(const std::string& typed, const TBitmap& bitmap) {
 
 PictureSize AskForSize(const Desktop& desktop, PictureSize size, const Subject& picture) {
   desktop.EditSize(size.width, size.height, picture);
-  if (!size.IsPossible())
+  if (!size.IsPossible()) {
     picture.Refuse(
         fmt::format("{} x {} is not a valid size: width and height must be from 1 to 1000000",
                     size.width, size.height));
+  }
   return size;
 }
 
 PictureChange Prepare(const ResizeOptions& options) {
-  if (options.size.empty() && !options.asksUser)
+  if (options.size.empty() && !options.asksUser) {
     throw Failure(exitWrongUsage, "resize needs --size WxH or --dialog");
+  }
   const auto desktop = options.asksUser ? std::make_shared<Desktop>() : nullptr;
   return [options, desktop](Subject& picture) {
     PictureSize size = SizeFor(options.size, *picture.bitmap);

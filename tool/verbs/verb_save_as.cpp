@@ -63,8 +63,9 @@ Settings AsItIs(const std::string& file, const LoadedPicture& picture) {
   const int32_t dpi = static_cast<int32_t>(std::lrint(picture.bitmap->Dpi().x));
   std::string name = ExtractFileName(file);
   // The window derives the type from the extension.
-  if (GetGraphicsType(ExtractFileExt(name)) != type)
+  if (GetGraphicsType(ExtractFileExt(name)) != type) {
     name = ChangeFileExt(name, GetGraphicsExt(type));
+  }
   return {{type, picture.bitmap->StoredBits(), dpi, 0, kUsualQuality}, UprightSize(picture), name};
 }
 
@@ -82,10 +83,11 @@ Settings Ask(const std::string& file, const Settings& start, bool asksForPixels)
 }
 
 void ChangeSize(Subject& picture, const PictureSize& size) {
-  if (!size.IsPossible())
+  if (!size.IsPossible()) {
     picture.Refuse(
         fmt::format("{} x {} is not a valid size: width and height must be from 1 to 1000000",
                     size.width, size.height));
+  }
   ResizePicture(picture, size, false);
 }
 

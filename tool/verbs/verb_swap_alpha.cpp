@@ -1,14 +1,15 @@
 #include <rasterkit/bitmaptools/engine/composition.h>
 
-#include "tool/pictures/transparency.h"
+#include "tool/pictures/alpha_channel.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
 namespace {
 
 void Swap(Subject& picture) {
-  if (!HasTransparency(*picture.bitmap))
+  if (!HasTransparency(*picture.bitmap)) {
     picture.Refuse("the picture has no transparency; swapping would hide all of it");
+  }
   KeyToAlpha(*picture.bitmap);
   SwapAlpha(picture.bitmap.get());
 }

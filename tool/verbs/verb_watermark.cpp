@@ -1,7 +1,7 @@
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
 
-#include "tool/pictures/transparency.h"
+#include "tool/pictures/alpha_channel.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {

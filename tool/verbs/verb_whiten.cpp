@@ -1,7 +1,7 @@
 #include <rasterkit/bitmaptools/pixels/transparency.h>
 
+#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/change_colors.h"
-#include "tool/pictures/transparency.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {

@@ -16,16 +16,18 @@ bool IgnoresAlpha(const Raster& raster) {
 /// Content of the file for the rows from `y` on, as far as they are contiguous in memory.
 bool SameStoredRows(const Raster& a, const Raster& b, int y, int count) {
   const auto rows = static_cast<size_t>(count);
-  if (IgnoresAlpha(a))
+  if (IgnoresAlpha(a)) {
     return kernels::EqualColors32(a.Row(y), b.Row(y), static_cast<size_t>(a.Width()) * rows);
+  }
   return std::memcmp(a.Row(y), b.Row(y), a.RowBytes() * rows) == 0;
 }
 
 bool SameRows(const Raster& a, const Raster& b) {
   if (a.RowBytes() == 0 || a.Height() == 0) return true;
   if (a.RowBytes() == a.Stride()) return SameStoredRows(a, b, 0, a.Height());
-  for (int y = 0; y < a.Height(); ++y)
+  for (int y = 0; y < a.Height(); ++y) {
     if (!SameStoredRows(a, b, y, 1)) return false;
+  }
   return true;
 }
 

@@ -51,25 +51,28 @@ void MapRows(TBitmap& bitmap, int32_t first, int32_t last, Spared spared,
 Table ContrastTable(int32_t percent) {
   const double factor = BrightnessFactor(percent);
   Table table;
-  for (int i = 0; i < 256; ++i)
+  for (int i = 0; i < 256; ++i) {
     table[static_cast<size_t>(i)] =
         static_cast<uint8_t>(std::clamp<int64_t>(Round((i - 128) * factor) + 128, 0, 255));
+  }
   return table;
 }
 
 Table DarkenTable(int32_t percent) {
   const double factor = BrightnessFactor(percent);
   Table table;
-  for (int i = 0; i < 256; ++i)
+  for (int i = 0; i < 256; ++i) {
     table[static_cast<size_t>(i)] = static_cast<uint8_t>(Round(i * factor));
+  }
   return table;
 }
 
 void BrightenColor(int32_t percent, uint8_t& red, uint8_t& green, uint8_t& blue) {
   const float factor = BrightnessFactor(percent);
   if (percent < 0) {
-    for (uint8_t* channel : {&red, &green, &blue})
+    for (uint8_t* channel : {&red, &green, &blue}) {
       *channel = static_cast<uint8_t>(Round(*channel * static_cast<double>(factor)));
+    }
     return;
   }
   const int64_t gain = BrightnessGain(GrayValue(red, green, blue), BrightnessWeight(factor));

@@ -24,18 +24,20 @@ ColorSource::ColorSource(const TPixelThread& worker, const std::vector<int32_t>&
   // The colors of a 1-bit source are not used: every pixel that is not white is black.
   const bool isMono = sourceBytes_ == 0 && worker.nSrcBit != 4;
   palette_ = isMono ? std::array<uint8_t, 1024>{} : SourceColors(worker);
-  for (int i = 0; i < 256; ++i)
+  for (int i = 0; i < 256; ++i) {
     whiteIndexes_[static_cast<size_t>(i)] =
         IsWhiteSourceIndex(worker, static_cast<uint8_t>(i)) ? 255 : 0;
+  }
 }
 
 void ColorSource::Read(const uint8_t* row) {
   if (row == lastRow_ && !(indexRows_ && indexRows_->DependsOnRowBefore())) return;
   lastRow_ = row;
-  if (indexRows_)
+  if (indexRows_) {
     ReadIndexed(row);
-  else
+  } else {
     ReadColors(row);
+  }
 }
 
 void ColorSource::ReadColors(const uint8_t* row) {
@@ -44,10 +46,11 @@ void ColorSource::ReadColors(const uint8_t* row) {
     picker_->Pick(row, buffer_.data());
   } else {
     const uint8_t* pixels = row + static_cast<ptrdiff_t>(firstColumn_) * sourceBytes_;
-    if (sourceBytes_ == 3)
+    if (sourceBytes_ == 3) {
       colors_ = pixels;
-    else
+    } else {
       kernels::Row32To24(pixels, count_, buffer_.data());
+    }
   }
   if (wantsWhite_) kernels::NearWhite24(colors_, count_, true, white_.data());
 }

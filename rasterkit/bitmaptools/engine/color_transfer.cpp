@@ -55,10 +55,11 @@ class ColorPartTransfer : public RowTransfer {
     if (takes_) return;
     if (mode_ == pmTransparent) weights_ = TransparentWeights(worker.f);
     if (mode_ != pmShadow) return;
-    if (useGray_)
+    if (useGray_) {
       shades_ = GrayShades(worker.fproz, worker.f);
-    else
+    } else {
       brightening_ = kernels::MakeBrightening(worker.Prozent, worker.fproz, worker.f);
+    }
   }
 
   void TransferRow(uint8_t* target, const uint8_t* source) override {
@@ -82,10 +83,11 @@ class ColorPartTransfer : public RowTransfer {
   void Combine(uint8_t* target, const uint8_t* colors, const uint8_t* keep, size_t width) {
     if (takes_) return kernels::TakeRow(target, colors, keep, 3 * width);
     const uint8_t* ground = Ground(target, width);
-    if (mode_ == pmTransparent)
+    if (mode_ == pmTransparent) {
       kernels::MixRow(weights_, target, ground, colors, keep, 3 * width);
-    else
+    } else {
       kernels::ShadeRow(target, ground, colors, keep, 3 * width);
+    }
   }
 
   /// Values that the source is mixed with: the target's colors, brightened colors or gray values.
@@ -96,8 +98,9 @@ class ColorPartTransfer : public RowTransfer {
       return ground_.data();
     }
     kernels::GrayOfRow24(target, width, grays_.data());
-    if (mode_ == pmShadow)
+    if (mode_ == pmShadow) {
       for (size_t x = 0; x < width; ++x) grays_[x] = shades_[grays_[x]];
+    }
     kernels::ExpandGrays24(grays_.data(), width, ground_.data());
     return ground_.data();
   }
@@ -137,17 +140,19 @@ class PixelCopy : public RowTransfer {
       pixels = pixels_.data();
     }
     target += bytes_ * first_;
-    for (size_t x = 0; x < count_; x += kPart)
+    for (size_t x = 0; x < count_; x += kPart) {
       CopyPart(target + bytes_ * x, pixels + bytes_ * x, std::min(kPart, count_ - x));
+    }
   }
 
  private:
   void CopyPart(uint8_t* target, const uint8_t* source, size_t width) {
     FindKept(isPart_ ? source : target, width);
-    if (bytes_ == 3)
+    if (bytes_ == 3) {
       kernels::TakeRow(target, source, keep_.data(), 3 * width);
-    else
+    } else {
       kernels::TakePixels32(target, source, keep_.data(), width);
+    }
   }
 
   void FindKept(const uint8_t* pixels, size_t width) {
@@ -155,10 +160,11 @@ class PixelCopy : public RowTransfer {
       kernels::Row32To24(pixels, width, colors_.data());
       pixels = colors_.data();
     }
-    if (isPart_ || nearWhite_)
+    if (isPart_ || nearWhite_) {
       kernels::NearWhite24(pixels, width, isPart_, keep_.data());
-    else
+    } else {
       kernels::OtherColor24(pixels, width, color_, keep_.data());
+    }
   }
 
   const size_t bytes_, first_, firstColumn_, count_;

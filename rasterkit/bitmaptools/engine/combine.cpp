@@ -48,8 +48,9 @@ void DrawBlendedBitmap(TBitmap* bitmap, TCanvas& canvas, const TRect& rect, uint
 void CombineBitmapsTransparent(TBitmap* target, TBitmap* source, uint8_t alpha,
                                int32_t ThreadsCount, TProgressEvent AProgress) {
   if (target == nullptr || source == nullptr) return;
-  if (source->PixelFormat() == pf1bit && alpha == 255)
+  if (source->PixelFormat() == pf1bit && alpha == 255) {
     return LayDrawing(*target, *source, ThreadsCount, std::move(AProgress));
+  }
   target->Canvas().AlphaBlend(WholeRect(*target), *source, WholeRect(*source),
                               BlendOf(*source, alpha));
 }

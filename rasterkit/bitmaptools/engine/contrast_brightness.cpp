@@ -49,8 +49,9 @@ void Kontrast(TBitmap* Bitmap, int32_t Value, int32_t ThreadsCount, TProgressEve
       entry.peBlue = table[entry.peBlue];
     });
   }
-  if (ThreadsCount != 1)
+  if (ThreadsCount != 1) {
     return RunPixelTask(ptContrast, *Bitmap, Value, ThreadsCount, std::move(AProgress));
+  }
   Bitmap->SetPixelFormat(pf24bit);
   detail::ContrastRows(*Bitmap, 0, Bitmap->Height() - 1, Value, detail::Spared::blackAndWhite);
   Bitmap->SetModified(true);
@@ -59,12 +60,14 @@ void Kontrast(TBitmap* Bitmap, int32_t Value, int32_t ThreadsCount, TProgressEve
 void Helligkeit(TBitmap* Bitmap, int32_t Value, int32_t ThreadsCount, TProgressEvent AProgress) {
   if (Value == 0 || Value < -100 || Value > 100) return;
   if (Bitmap == nullptr || Bitmap->Empty()) return;
-  if (IsIndexed(Bitmap->PixelFormat()))
+  if (IsIndexed(Bitmap->PixelFormat())) {
     return ChangePalette(*Bitmap, [Value](tagPALETTEENTRY& entry) {
       detail::BrightenColor(Value, entry.peRed, entry.peGreen, entry.peBlue);
     });
-  if (ThreadsCount != 1)
+  }
+  if (ThreadsCount != 1) {
     return RunPixelTask(ptBrighten, *Bitmap, Value, ThreadsCount, std::move(AProgress));
+  }
   Bitmap->SetPixelFormat(pf24bit);
   detail::BrightenRows(*Bitmap, 0, Bitmap->Height() - 1, Value, detail::Spared::blackAndWhite);
   Bitmap->SetModified(true);

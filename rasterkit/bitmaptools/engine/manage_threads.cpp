@@ -43,8 +43,9 @@ void TManageThreads::InitThreads(int32_t AHeight) {
   AnzThreads = static_cast<int32_t>(threads);
   iBis.assign(static_cast<size_t>(threads) + 1, 0);
   const int64_t step = Round(AHeight / static_cast<double>(threads));
-  for (int64_t i = 1; i < threads; ++i)
+  for (int64_t i = 1; i < threads; ++i) {
     iBis[static_cast<size_t>(i)] = static_cast<int32_t>(i * step);
+  }
   iBis.back() = AHeight;
 }
 

@@ -45,8 +45,9 @@ class MonoBytesTransfer : public RowTransfer {
     target += targetByte_;
     source += sourceByte_;
     for (size_t i = 0; i < bytes_; ++i) target[i] &= source[i];
-    if (lastBits_ > 0)
+    if (lastBits_ > 0) {
       target[bytes_] = static_cast<uint8_t>(target[bytes_] & (source[bytes_] | 0xFF >> lastBits_));
+    }
   }
 
  private:
@@ -57,8 +58,9 @@ class MonoBytesTransfer : public RowTransfer {
 
 bool IsByteByByte(const ColumnRun& run) {
   if (run.first % 8 != 0 || run.columns.front() % 8 != 0) return false;
-  for (size_t i = 0; i < run.columns.size(); ++i)
+  for (size_t i = 0; i < run.columns.size(); ++i) {
     if (run.columns[i] != run.columns.front() + static_cast<int32_t>(i)) return false;
+  }
   return true;
 }
 

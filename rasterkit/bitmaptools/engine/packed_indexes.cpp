@@ -22,10 +22,12 @@ PackedIndexes::PackedIndexes(const std::vector<int32_t>& columns, int32_t bits)
 }
 
 void PackedIndexes::Read(const uint8_t* row, uint8_t* indexes) {
-  for (size_t i = 0; i < inherited_; ++i)
+  for (size_t i = 0; i < inherited_; ++i) {
     indexes[i] = static_cast<uint8_t>(lastByte_ >> places_[i].shift & mask_);
-  for (size_t i = inherited_; i < places_.size(); ++i)
+  }
+  for (size_t i = inherited_; i < places_.size(); ++i) {
     indexes[i] = static_cast<uint8_t>(row[places_[i].byte] >> places_[i].shift & mask_);
+  }
   if (inherited_ < places_.size()) lastByte_ = row[places_.back().byte];
 }
 

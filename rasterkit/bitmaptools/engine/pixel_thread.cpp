@@ -50,8 +50,9 @@ TPixelThread::TPixelThread(TManageThreads& ManageThreads, int32_t iThread, TPixe
       SrcWhite(ManageThreads.SrcWhite),
       SrcLastWhite(ManageThreads.SrcLastWhite) {
   OnTerminate = [this](TThread& sender) { ManThreads.ThreadDone(sender); };
-  if (FPixelTask == ptAssignInWhite && TarBmp != nullptr)
+  if (FPixelTask == ptAssignInWhite && TarBmp != nullptr) {
     GetRGB(TarBmp->TransparentColor(), transR, TransG, transB);
+  }
 }
 
 TPixelThread::~TPixelThread() = default;
@@ -126,10 +127,11 @@ void TPixelThread::TransferBand() {
     if (row < 0 || row >= SrcBmp->Height()) continue;
     sy = static_cast<int32_t>(row);
     FetchRows(static_cast<int>(y));
-    if (transfer)
+    if (transfer) {
       transfer->TransferRow(Tar8, Src8);
-    else
+    } else {
       TransferPixels();
+    }
   }
 }
 

@@ -6,10 +6,11 @@ namespace rasterkit::detail {
 
 SeenIndexes::SeenIndexes(const TPixelThread& worker, const std::vector<int32_t>& columns)
     : firstColumn_(columns.front()), indexes_(columns.size()) {
-  if (worker.nSrcBytes == 0)
+  if (worker.nSrcBytes == 0) {
     packed_.emplace(columns, worker.nSrcBit == 4 ? 4 : 1);
-  else
+  } else {
     picker_.emplace(columns, 1, 1, worker.SrcBmp->Width());
+  }
 }
 
 const uint8_t* SeenIndexes::Read(const uint8_t* row) {

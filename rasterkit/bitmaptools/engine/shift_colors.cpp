@@ -23,8 +23,9 @@ uint8_t RoundedAndCut(double value) {
 ChannelTable TableOf(float percent) {
   const auto factor = static_cast<float>(static_cast<double>(percent) / 100 + 1);
   ChannelTable table{};
-  for (size_t i = 0; i < table.size(); ++i)
+  for (size_t i = 0; i < table.size(); ++i) {
     table[i] = RoundedAndCut(static_cast<double>(i) * factor);
+  }
   return table;
 }
 
@@ -36,8 +37,9 @@ void ShiftColors(TBitmap* bitmap, float red, float green, float blue) {
   const ChannelTable reds = TableOf(red), greens = TableOf(green), blues = TableOf(blue);
   for (int y = 0; y < bitmap->Height(); ++y) {
     auto* const row = reinterpret_cast<RGBrec*>(bitmap->ScanLine(y));
-    for (int x = 0; x < bitmap->Width(); ++x)
+    for (int x = 0; x < bitmap->Width(); ++x) {
       row[x] = {blues[row[x].b], greens[row[x].g], reds[row[x].r]};
+    }
   }
   bitmap->SetModified(true);
 }

@@ -11,10 +11,11 @@ void SwapBitmap(bool horizontal, TBitmap* bitmap) {
   if (bitmap == nullptr || bitmap->Width() < 2 || bitmap->Height() < 2) return;
   const kernels::PixelRows part{bitmap->ScanLine(0), bitmap->Stride(), bitmap->Width() - 1,
                                 bitmap->Height() - 1};
-  if (horizontal)
+  if (horizontal) {
     kernels::MirrorLeftRight(part, bitmap->StoredBits());
-  else
+  } else {
     kernels::MirrorTopBottom(part, bitmap->StoredBits());
+  }
   bitmap->SetModified(true);
 }
 

@@ -58,10 +58,11 @@ void TransferRules::TransferPixel(int32_t x, int32_t sx) {
   if (sx < 0) return;
   w_.sx = sx;
   if (w_.FPixelTask == ptAssignPart && SourceIsWhite()) return;
-  if (w_.PixTakeOver)
+  if (w_.PixTakeOver) {
     TakeOver(x);
-  else
+  } else {
     Combine(x);
+  }
 }
 
 void TransferRules::TransferRow(int32_t first, const std::vector<int32_t>& columns) {
@@ -69,8 +70,9 @@ void TransferRules::TransferRow(int32_t first, const std::vector<int32_t>& colum
     if (w_.nTarBytes == 3 && w_.nSrcBytes == 4) return OverwriteSource<3, 4>(first, columns);
     if (w_.nTarBytes == 4 && w_.nSrcBytes == 3) return OverwriteSource<4, 3>(first, columns);
   }
-  for (size_t i = 0; i < columns.size(); ++i)
+  for (size_t i = 0; i < columns.size(); ++i) {
     TransferPixel(first + static_cast<int32_t>(i), columns[i]);
+  }
 }
 
 // The fields are read once, because a stored byte could alias any of them.
@@ -95,8 +97,9 @@ void TransferRules::OverwriteSource(int32_t first, const std::vector<int32_t>& c
     lastColumn = column;
     uint8_t* place = source + static_cast<size_t>(column) * kSourceBytes;
     if (isPart && (byAlpha ? Load(place + 3) > 0
-                           : isNearWhite({Load(place), Load(place + 1), Load(place + 2)})))
+                           : isNearWhite({Load(place), Load(place + 1), Load(place + 2)}))) {
       continue;
+    }
     Store(place, color.b);
     Store(place + 1, color.g);
     Store(place + 2, color.r);
@@ -149,8 +152,9 @@ bool TransferRules::PackedSourceIsWhite() {
 }
 
 void TransferRules::TakeOver(int32_t x) {
-  if (w_.nTarBytes == 0 && w_.nTarBit == 4 && w_.FPixelTask == ptAssignInWhite)
+  if (w_.nTarBytes == 0 && w_.nTarBit == 4 && w_.FPixelTask == ptAssignInWhite) {
     return TakeOverNibbles(x);
+  }
   if (w_.nTarBytes == 0) {
     w_.bx = w_.sx % 8;
     if (w_.bx == 0) w_.SrcByte = Load(w_.Src8 + w_.sx / 8);

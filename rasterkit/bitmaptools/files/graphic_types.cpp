@@ -64,8 +64,9 @@ int GetGraphicsType(const std::string& ext) {
   if (name.starts_with('.')) name = Utf16Substring(name, 1, 3);
   if (name.empty()) return gtNone;
   for (const GraphicFormat& format : kGraphicFormats) {
-    if (name == UpperCase(UsualExtension(format)) || name == format.worldExtension)
+    if (name == UpperCase(UsualExtension(format)) || name == format.worldExtension) {
       return format.type;
+    }
   }
   return gtNone;
 }
@@ -76,8 +77,9 @@ std::string GetWorldFileExt(const std::string& name) {
   std::string ext = UpperCase(name.starts_with('.') ? name : ExtractFileExt(name));
   if (ext == ".TIFF") ext = ".TIF";
   for (const GraphicFormat& format : kGraphicFormats) {
-    if (ext == UpperCase(WithDot(UsualExtension(format))) && !format.worldExtension.empty())
+    if (ext == UpperCase(WithDot(UsualExtension(format))) && !format.worldExtension.empty()) {
       return WithDot(format.worldExtension);
+    }
   }
   return "";
 }

@@ -30,8 +30,9 @@ std::unique_ptr<TGraphic> LoadByType(int type, const std::string& fileName, floa
   if (type == gtJpg) {
     const auto& photo = dynamic_cast<const TJPEGImage&>(*graphic);
     int rotation = 0;
-    if (detail::RotationOfPhoto(photo.CompressedData(), fileName, rotation))
+    if (detail::RotationOfPhoto(photo.CompressedData(), fileName, rotation)) {
       angle = static_cast<float>(rotation) + angle;
+    }
   }
   return graphic;
 }
@@ -40,8 +41,9 @@ std::unique_ptr<TBitmap> IntoBitmap(std::unique_ptr<TGraphic> graphic) {
   if (GetGraphicType(graphic.get()) == gtBmp) {
     return std::unique_ptr<TBitmap>(static_cast<TBitmap*>(graphic.release()));
   }
-  if (auto* photo = dynamic_cast<TJPEGImage*>(graphic.get()))
+  if (auto* photo = dynamic_cast<TJPEGImage*>(graphic.get())) {
     return std::make_unique<TBitmap>(photo->TakeBitmap());
+  }
   auto bitmap = std::make_unique<TBitmap>();
   bitmap->Assign(graphic.get());
   return bitmap;

@@ -49,9 +49,10 @@ void GrayInPlace(TBitmap& bitmap) {
 }
 
 void GrayPaletteOf(TBitmap& bitmap, TColorTable& entries, int32_t count) {
-  for (tagPALETTEENTRY& entry : entries)
+  for (tagPALETTEENTRY& entry : entries) {
     entry.peRed = entry.peGreen = entry.peBlue =
         GrayValue(entry.peRed, entry.peGreen, entry.peBlue);
+  }
   ChangePalColors(bitmap, entries, count);
 }
 

@@ -33,8 +33,9 @@ void WhitenRowEnds(TBitmap& bitmap, size_t kept) {
   TBitmap fresh;
   fresh.SetPixelFormat(bitmap.Content().Format());
   fresh.SetSize(bitmap.Width(), 1);
-  for (int y = 0; y < bitmap.Height(); ++y)
+  for (int y = 0; y < bitmap.Height(); ++y) {
     std::memcpy(bitmap.ScanLine(y) + kept, fresh.ScanLine(0) + kept, rowBytes - kept);
+  }
 }
 
 int32_t ClampTo(int32_t value, int32_t size) {

@@ -67,8 +67,9 @@ void SetColorAbGray(TBitmap* bitmap, uint8_t threshold, uint8_t red, uint8_t gre
                     uint8_t alpha) {
   if (bitmap == nullptr) return;
   const GraySide side = kernels::GraysAbove(threshold);
-  if (bitmap->PixelFormat() != pf16bit)
+  if (bitmap->PixelFormat() != pf16bit) {
     return RecolorBytes(*bitmap, side, ColorNumber(red, green, blue, alpha));
+  }
   const uint16_t word = detail::RGBToWord565(red, green, blue);
   ChangeRows(*bitmap,
              [=](uint8_t* row, size_t width) { kernels::RecolorByGray16(row, width, side, word); });

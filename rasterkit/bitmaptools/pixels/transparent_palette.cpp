@@ -129,13 +129,15 @@ void SetPaletteToTransparent(TBitmap& bitmap, uint8_t threshold) {
   const auto isLight = [&](int index) { return GrayOfEntry(palette.Entry(index)) > threshold; };
   if (palette.HasPairs()) {
     NibbleMap map = KeepNibbles();
-    for (int i = 0; i < 16; ++i)
+    for (int i = 0; i < 16; ++i) {
       if (isLight(i)) map[static_cast<size_t>(i)] = white;
+    }
     MapPairs(bitmap, palette, map);
   } else {
     kernels::IndexSet light;
-    for (int i = 1; i < 256; ++i)
+    for (int i = 1; i < 256; ++i) {
       if (isLight(i)) light.Add(static_cast<uint8_t>(i));
+    }
     ChangeIndexes(bitmap, palette, [&](uint8_t* row, size_t bytes) {
       kernels::ReplaceIndexes(row, bytes, light, white);
     });

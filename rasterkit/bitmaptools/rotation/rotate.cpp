@@ -49,10 +49,11 @@ std::unique_ptr<TBitmap> TurnedExactly(const TBitmap& source, kernels::AxisTurn 
   const kernels::ConstPixelRows from{source.ScanLine(0), source.Stride(), source.Width(),
                                      source.Height()};
   const kernels::PixelRows to{turned->ScanLine(0), turned->Stride(), width, height};
-  if (source.PixelFormat() == pf32bit)
+  if (source.PixelFormat() == pf32bit) {
     kernels::TurnPixels32To24(from, to, turn);
-  else
+  } else {
     kernels::TurnPixels(from, to, 24, turn);
+  }
   return turned;
 }
 
@@ -65,8 +66,9 @@ std::unique_ptr<TBitmap> EmptyCopy(const TBitmap& source, int width, int height)
 }
 
 int BitmapSide(int64_t side) {
-  if (side > std::numeric_limits<int>::max())
+  if (side > std::numeric_limits<int>::max()) {
     throw LimitError("a bitmap cannot be " + std::to_string(side) + " pixels wide or high");
+  }
   return static_cast<int>(side);
 }
 

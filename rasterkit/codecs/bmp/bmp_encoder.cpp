@@ -133,23 +133,23 @@ void BmpEncoder::FillInfoHeader() {
   };
   const BmpCompression compression =
       Masks() == BmpMasks{} ? BmpCompression::none : BmpCompression::bitFields;
-  put(bmp_field::size, headerBytes_);
-  put(bmp_field::width, static_cast<uint32_t>(raster_.Width()));
-  put(bmp_field::height, static_cast<uint32_t>(raster_.Height()));
-  PutWord(kBmpFileHeaderBytes + bmp_field::planes, 1);
-  PutWord(kBmpFileHeaderBytes + bmp_field::bits,
+  put(bmp_field::kSize, headerBytes_);
+  put(bmp_field::kWidth, static_cast<uint32_t>(raster_.Width()));
+  put(bmp_field::kHeight, static_cast<uint32_t>(raster_.Height()));
+  PutWord(kBmpFileHeaderBytes + bmp_field::kPlanes, 1);
+  PutWord(kBmpFileHeaderBytes + bmp_field::kBits,
           static_cast<uint32_t>(StoredBitsPerPixel(raster_.Format())));
-  put(bmp_field::compression, static_cast<uint32_t>(compression));
-  put(bmp_field::imageBytes, static_cast<uint32_t>(pixelBytes_));
-  put(bmp_field::pixelsPerMeterX, PixelsPerMeter(raster_.resolution.x));
-  put(bmp_field::pixelsPerMeterY, PixelsPerMeter(raster_.resolution.y));
-  put(bmp_field::colorsUsed, PaletteEntries());
+  put(bmp_field::kCompression, static_cast<uint32_t>(compression));
+  put(bmp_field::kImageBytes, static_cast<uint32_t>(pixelBytes_));
+  put(bmp_field::kPixelsPerMeterX, PixelsPerMeter(raster_.resolution.x));
+  put(bmp_field::kPixelsPerMeterY, PixelsPerMeter(raster_.resolution.y));
+  put(bmp_field::kColorsUsed, PaletteEntries());
 }
 
 void BmpEncoder::FillMasks() {
   const BmpMasks masks = Masks();
   if (masks == BmpMasks{}) return;
-  const size_t place = kBmpFileHeaderBytes + bmp_field::masks;
+  const size_t place = kBmpFileHeaderBytes + bmp_field::kMasks;
   PutLong(place, masks.red);
   PutLong(place + 4, masks.green);
   PutLong(place + 8, masks.blue);
@@ -158,14 +158,14 @@ void BmpEncoder::FillMasks() {
 
 void BmpEncoder::FillColorSpace() {
   if (headerBytes_ < kBmpV4Header) return;
-  PutLong(kBmpFileHeaderBytes + bmp_field::colorSpace,
+  PutLong(kBmpFileHeaderBytes + bmp_field::kColorSpace,
           HasProfile() ? kBmpProfileEmbedded : kBmpSrgb);
   if (!HasProfile()) return;
-  PutLong(kBmpFileHeaderBytes + bmp_field::intent, kIntentImages);
+  PutLong(kBmpFileHeaderBytes + bmp_field::kIntent, kIntentImages);
   // The offset of the profile counts from the info header, unlike all others.
-  PutLong(kBmpFileHeaderBytes + bmp_field::profileOffset,
+  PutLong(kBmpFileHeaderBytes + bmp_field::kProfileOffset,
           static_cast<uint32_t>(head_.size() + pixelBytes_ - kBmpFileHeaderBytes));
-  PutLong(kBmpFileHeaderBytes + bmp_field::profileBytes, static_cast<uint32_t>(profile_->size()));
+  PutLong(kBmpFileHeaderBytes + bmp_field::kProfileBytes, static_cast<uint32_t>(profile_->size()));
 }
 
 void BmpEncoder::FillPalette() {

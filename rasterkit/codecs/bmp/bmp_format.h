@@ -24,10 +24,10 @@ inline constexpr uint32_t kBmpV4Header = 108, kBmpV5Header = 124;
 
 /// Offsets of the fields in all headers but the core header, from the header's start.
 namespace bmp_field {
-inline constexpr uint32_t size = 0, width = 4, height = 8, planes = 12, bits = 14;
-inline constexpr uint32_t compression = 16, imageBytes = 20, pixelsPerMeterX = 24;
-inline constexpr uint32_t pixelsPerMeterY = 28, colorsUsed = 32, masks = 40, colorSpace = 56;
-inline constexpr uint32_t intent = 108, profileOffset = 112, profileBytes = 116;
+inline constexpr uint32_t kSize = 0, kWidth = 4, kHeight = 8, kPlanes = 12, kBits = 14;
+inline constexpr uint32_t kCompression = 16, kImageBytes = 20, kPixelsPerMeterX = 24;
+inline constexpr uint32_t kPixelsPerMeterY = 28, kColorsUsed = 32, kMasks = 40, kColorSpace = 56;
+inline constexpr uint32_t kIntent = 108, kProfileOffset = 112, kProfileBytes = 116;
 }  // namespace bmp_field
 
 enum class BmpCompression : uint32_t {
@@ -40,7 +40,7 @@ enum class BmpCompression : uint32_t {
   alphaBitFields = 6,
 };
 
-/// Values of `bmp_field::colorSpace`: the profile follows the pixels, or the colors are sRGB.
+/// Values of `bmp_field::kColorSpace`: the profile follows the pixels, or the colors are sRGB.
 inline constexpr uint32_t kBmpProfileEmbedded = 0x4D424544, kBmpSrgb = 0x73524742;
 
 /// The bits of each channel in a stored pixel; an alpha mask of 0 means no alpha.

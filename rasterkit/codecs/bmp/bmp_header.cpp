@@ -91,13 +91,13 @@ void HeaderReader::ReadCoreFields() {
 }
 
 void HeaderReader::ReadInfoFields() {
-  header_.bits = static_cast<int>(BmpWord(bytes_, bmp_field::bits));
+  header_.bits = static_cast<int>(BmpWord(bytes_, bmp_field::kBits));
   ReadCompression();
-  const auto width = static_cast<int32_t>(Field(bmp_field::width));
-  const auto height = static_cast<int32_t>(Field(bmp_field::height));
+  const auto width = static_cast<int32_t>(Field(bmp_field::kWidth));
+  const auto height = static_cast<int32_t>(Field(bmp_field::kHeight));
   if (!IsEmbedded()) ReadSize(width, height);
-  const auto x = static_cast<int32_t>(Field(bmp_field::pixelsPerMeterX));
-  const auto y = static_cast<int32_t>(Field(bmp_field::pixelsPerMeterY));
+  const auto x = static_cast<int32_t>(Field(bmp_field::kPixelsPerMeterX));
+  const auto y = static_cast<int32_t>(Field(bmp_field::kPixelsPerMeterY));
   header_.resolution.x = std::max(x, 0) * kMetersPerInch;
   header_.resolution.y = std::max(y, 0) * kMetersPerInch;
 }
@@ -115,7 +115,7 @@ void HeaderReader::ReadSize(int64_t width, int64_t height) {
 }
 
 void HeaderReader::ReadCompression() {
-  const uint32_t code = Field(bmp_field::compression);
+  const uint32_t code = Field(bmp_field::kCompression);
   if (IsOs2BmpHeader(headerBytes_)) {
     if (code == 3) throw UnsupportedError("BMP: OS/2 Huffman compression is not supported");
     if (code == 4) throw UnsupportedError("BMP: OS/2 24-bit run lengths are not supported");
@@ -164,7 +164,7 @@ void HeaderReader::ReadMasks() {
     // 32-bit pixels without masks have alpha only if the header says so.
     const bool statesAlpha = headerBytes_ == kBmpAlphaMaskHeader || headerBytes_ >= kBmpV4Header;
     if (header_.bits == 32 && statesAlpha &&
-        BmpLong(bytes_, bmp_field::masks + 12) == kBmpAlpha8888) {
+        BmpLong(bytes_, bmp_field::kMasks + 12) == kBmpAlpha8888) {
       header_.masks.alpha = kBmpAlpha8888;
     }
     return;
@@ -174,11 +174,11 @@ void HeaderReader::ReadMasks() {
   }
   const bool hasAlpha =
       header_.compression == BmpCompression::alphaBitFields || headerBytes_ >= kBmpAlphaMaskHeader;
-  const uint64_t masksEnd = kBmpFileHeaderBytes + bmp_field::masks + (hasAlpha ? 16 : 12);
+  const uint64_t masksEnd = kBmpFileHeaderBytes + bmp_field::kMasks + (hasAlpha ? 16 : 12);
   if (masksEnd > fileBytes_) throw FormatError("BMP: the data end inside the color masks");
   headerEnd_ = std::max(headerEnd_, masksEnd);
   const auto mask = [&](uint32_t channel) {
-    return BmpLong(bytes_, bmp_field::masks + 4 * channel);
+    return BmpLong(bytes_, bmp_field::kMasks + 4 * channel);
   };
   header_.masks = {mask(0), mask(1), mask(2), hasAlpha ? mask(3) : 0};
 }
@@ -186,7 +186,7 @@ void HeaderReader::ReadMasks() {
 void HeaderReader::ReadPalettePlace() {
   if (header_.bits > 8 || IsEmbedded()) return;
   const uint32_t most = 1u << header_.bits;
-  const uint32_t stated = Field(bmp_field::colorsUsed);
+  const uint32_t stated = Field(bmp_field::kColorsUsed);
   if (!IsCore() && stated > kMostPaletteEntries) {
     throw FormatError("BMP: a palette of " + std::to_string(stated) + " entries is not possible");
   }
@@ -219,9 +219,9 @@ void HeaderReader::ReadPixelPlace() {
 }
 
 void HeaderReader::ReadProfilePlace() {
-  if (headerBytes_ < kBmpV5Header || Field(bmp_field::colorSpace) != kBmpProfileEmbedded) return;
-  const uint64_t offset = uint64_t{kBmpFileHeaderBytes} + Field(bmp_field::profileOffset);
-  const uint64_t count = Field(bmp_field::profileBytes);
+  if (headerBytes_ < kBmpV5Header || Field(bmp_field::kColorSpace) != kBmpProfileEmbedded) return;
+  const uint64_t offset = uint64_t{kBmpFileHeaderBytes} + Field(bmp_field::kProfileOffset);
+  const uint64_t count = Field(bmp_field::kProfileBytes);
   if (count == 0) return;
   if (offset + count > fileBytes_) {
     report_.warnings.emplace_back("BMP: the color profile lies beyond the end of the data");

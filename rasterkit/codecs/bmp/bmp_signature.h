@@ -15,7 +15,7 @@ inline bool IsBmp(std::span<const uint8_t> bytes) {
   if (!IsBmpHeaderSize(headerBytes)) return false;
   constexpr size_t kCoreHeaderBits = 10, kMostBits = 32;
   const size_t depth = kBmpFileHeaderBytes +
-                       (headerBytes == kBmpCoreHeader ? kCoreHeaderBits : size_t{bmp_field::bits});
+                       (headerBytes == kBmpCoreHeader ? kCoreHeaderBits : size_t{bmp_field::kBits});
   return bytes.size() < depth + 2 || BmpWord(bytes, depth) <= kMostBits;
 }
 

@@ -51,15 +51,17 @@ void RequirePlausibleSize(const Layout& layout, size_t fileBytes) {
   const uint64_t need =
       StrideBytes(layout.screenWidth, 8) * static_cast<uint64_t>(layout.screenHeight);
   RequirePictureMemory(need, what);
-  if (need > kAlwaysAllowed && fileBytes * kLargestRatio < need)
+  if (need > kAlwaysAllowed && fileBytes * kLargestRatio < need) {
     throw FormatError(what + ": the file is far too small to hold it");
+  }
 }
 
 HPALETTE PaletteOf(const ColorMapObject& map) {
   std::vector<tagPALETTEENTRY> entries;
   entries.reserve(static_cast<size_t>(map.ColorCount));
-  for (int i = 0; i < map.ColorCount; i++)
+  for (int i = 0; i < map.ColorCount; i++) {
     entries.push_back({map.Colors[i].Red, map.Colors[i].Green, map.Colors[i].Blue, 0});
+  }
   return HPALETTE(entries);
 }
 
@@ -87,14 +89,16 @@ uint8_t BackgroundIndex(const GifReader& reader, const HPALETTE& palette) {
 /// True if an opaque pixel has the color of the transparent entry.
 bool IsColorShownElsewhere(const Raster& raster, int transparent) {
   std::array<bool, 256> isTwin{};
-  for (int i = 0; i < raster.palette.Count(); i++)
+  for (int i = 0; i < raster.palette.Count(); i++) {
     isTwin[static_cast<size_t>(i)] =
         i != transparent && EntryColor(raster.palette.Entry(i)) == raster.transparentColor;
+  }
   if (std::find(isTwin.begin(), isTwin.end(), true) == isTwin.end()) return false;
   for (int y = 0; y < raster.Height(); y++) {
     const uint8_t* row = raster.Row(y);
-    if (std::any_of(row, row + raster.Width(), [&](uint8_t index) { return isTwin[index]; }))
+    if (std::any_of(row, row + raster.Width(), [&](uint8_t index) { return isTwin[index]; })) {
       return true;
+    }
   }
   return false;
 }
@@ -109,8 +113,9 @@ std::vector<int> RowOrder(const Layout& layout) {
   std::vector<int> order;
   order.reserve(static_cast<size_t>(layout.height));
   for (const Pass& pass :
-       layout.interlaced ? std::span<const Pass>(kInterlacedPasses) : kPlainPasses)
+       layout.interlaced ? std::span<const Pass>(kInterlacedPasses) : kPlainPasses) {
     for (int y = pass.first; y < layout.height; y += pass.step) order.push_back(y);
+  }
   return order;
 }
 
@@ -123,8 +128,9 @@ size_t DecodeRows(GifReader& reader, const Layout& layout, const std::vector<int
                   Raster& raster) {
   size_t count = 0;
   while (count < order.size() &&
-         reader.ReadRow(PictureRow(raster, layout, order[count]), layout.width))
+         reader.ReadRow(PictureRow(raster, layout, order[count]), layout.width)) {
     count++;
+  }
   if (count > 0) return count;
   throw FormatError(reader.IsCutOff() ? "GIF: the data end before the first row" : reader.Reason());
 }
@@ -177,8 +183,9 @@ Raster DecodeGif(std::span<const uint8_t> bytes, CodecReport* report) {
   Raster raster(pf8bit, layout.screenWidth, layout.screenHeight);
   raster.palette = PaletteOf(reader.Gif(), noticed);
   const std::optional<int> transparent = reader.TransparentIndex();
-  if (transparent && *transparent < raster.palette.Count())
+  if (transparent && *transparent < raster.palette.Count()) {
     raster.transparentColor = EntryColor(raster.palette.Entry(*transparent));
+  }
 
   const std::vector<int> order = RowOrder(layout);
   const size_t count = DecodeRows(reader, layout, order, raster);
@@ -194,11 +201,13 @@ Raster DecodeGif(std::span<const uint8_t> bytes, CodecReport* report) {
   } else if (reader.IsCutOff()) {
     noticed.warnings.emplace_back("GIF: the file is cut off");
   }
-  if (raster.transparentColor && IsColorShownElsewhere(raster, *transparent))
+  if (raster.transparentColor && IsColorShownElsewhere(raster, *transparent)) {
     noticed.warnings.emplace_back("GIF: opaque pixels of the transparent color become transparent");
-  if (report)
+  }
+  if (report) {
     std::move(noticed.warnings.begin(), noticed.warnings.end(),
               std::back_inserter(report->warnings));
+  }
   return raster;
 }
 

@@ -51,8 +51,9 @@ void GifReader::ReadExtension() {
     if (function == GRAPHICS_EXT_FUNC_CODE &&
         DGifExtensionToGCB(block[0], block + 1, &control) == GIF_OK) {
       transparentIndex_.reset();
-      if (control.TransparentColor != NO_TRANSPARENT_COLOR)
+      if (control.TransparentColor != NO_TRANSPARENT_COLOR) {
         transparentIndex_ = control.TransparentColor;
+      }
     }
     if (DGifGetExtensionNext(gif_, &block) == GIF_ERROR) Throw();
   }
@@ -71,8 +72,9 @@ void GifReader::MendEnd() {
   if (block < bytes_.size() && bytes_[block] == 0) return;
   isCutOff_ = true;
   mended_.assign(bytes_.begin() + static_cast<std::ptrdiff_t>(position_), bytes_.end());
-  if (block < bytes_.size())
+  if (block < bytes_.size()) {
     mended_[block - position_] = static_cast<uint8_t>(bytes_.size() - block - 1);
+  }
   mended_.push_back(0);
   bytes_ = mended_;
   position_ = 0;

@@ -35,7 +35,7 @@ bool IsPng(Bytes bytes) {
 /// Bits per pixel in the header of the picture: the directory often states none.
 uint32_t DepthOf(Bytes picture) {
   if (IsPng(picture)) return 32;
-  return picture.size() >= kBmpInfoHeader ? BmpWord(picture, bmp_field::bits) : 0;
+  return picture.size() >= kBmpInfoHeader ? BmpWord(picture, bmp_field::kBits) : 0;
 }
 
 /// Reads an entry; nothing if it points outside the file.
@@ -44,19 +44,20 @@ std::optional<Entry> ReadEntry(Bytes file, size_t place) {
     const int stated = file[place + field];
     return stated == 0 ? kLargestIcon : stated;
   };
-  const size_t offset = BmpLong(file, place + ico_field::offset);
+  const size_t offset = BmpLong(file, place + ico_field::kOffset);
   if (offset >= file.size()) return std::nullopt;
   const size_t count =
-      std::min<size_t>(BmpLong(file, place + ico_field::bytes), file.size() - offset);
+      std::min<size_t>(BmpLong(file, place + ico_field::kBytes), file.size() - offset);
   if (count < kBmpInfoHeader) return std::nullopt;
-  return Entry{side(ico_field::width), side(ico_field::height), file.subspan(offset, count)};
+  return Entry{side(ico_field::kWidth), side(ico_field::kHeight), file.subspan(offset, count)};
 }
 
 Entry ChooseEntry(Bytes file) {
-  if (file.size() < kIcoHeaderBytes || BmpWord(file, ico_field::reserved) != 0 ||
-      BmpWord(file, ico_field::type) != kIcoType)
+  if (file.size() < kIcoHeaderBytes || BmpWord(file, ico_field::kReserved) != 0 ||
+      BmpWord(file, ico_field::kType) != kIcoType) {
     throw FormatError("ICO: the file does not start with an icon directory");
-  const size_t stated = BmpWord(file, ico_field::count);
+  }
+  const size_t stated = BmpWord(file, ico_field::kCount);
   const size_t count = std::min(stated, (file.size() - kIcoHeaderBytes) / kIcoEntryBytes);
   std::optional<Entry> best;
   const auto rank = [](const Entry& entry) {
@@ -72,9 +73,11 @@ Entry ChooseEntry(Bytes file) {
 
 /// Alpha of a picture whose only transparency is its transparent color.
 void ApplyTransparentColor(Raster& raster, TColor color) {
-  for (int y = 0; y < raster.Height(); ++y)
-    for (int x = 0; x < raster.Width(); ++x)
+  for (int y = 0; y < raster.Height(); ++y) {
+    for (int x = 0; x < raster.Width(); ++x) {
       if (raster.PixelColor(x, y) == color) raster.Row(y)[4 * static_cast<size_t>(x) + 3] = 0;
+    }
+  }
 }
 
 Raster DecodePngEntry(const Entry& entry, CodecReport& report) {
@@ -90,13 +93,14 @@ Raster DecodePngEntry(const Entry& entry, CodecReport& report) {
 class BitmapEntry {
  public:
   explicit BitmapEntry(const Entry& entry) : entry_(entry), picture_(entry.bytes) {
-    headerBytes_ = BmpLong(picture_, bmp_field::size);
+    headerBytes_ = BmpLong(picture_, bmp_field::kSize);
     if (headerBytes_ < kBmpInfoHeader || !IsBmpHeaderSize(headerBytes_) ||
-        IsOs2BmpHeader(headerBytes_) || headerBytes_ > picture_.size())
+        IsOs2BmpHeader(headerBytes_) || headerBytes_ > picture_.size()) {
       throw FormatError("ICO: a picture's header of " + std::to_string(headerBytes_) +
                         " bytes is unknown");
-    bits_ = BmpWord(picture_, bmp_field::bits);
-    compression_ = BmpLong(picture_, bmp_field::compression);
+    }
+    bits_ = BmpWord(picture_, bmp_field::kBits);
+    compression_ = BmpLong(picture_, bmp_field::kCompression);
     RequirePlainRows();
     ReadSize();
   }
@@ -114,18 +118,19 @@ class BitmapEntry {
   /// The place of the mask is known for these compressions only.
   void RequirePlainRows() const {
     for (const BmpCompression plain :
-         {BmpCompression::none, BmpCompression::bitFields, BmpCompression::alphaBitFields})
+         {BmpCompression::none, BmpCompression::bitFields, BmpCompression::alphaBitFields}) {
       if (compression_ == static_cast<uint32_t>(plain)) return;
+    }
     throw UnsupportedError("ICO: a picture with compression " + std::to_string(compression_) +
                            " is not supported");
   }
 
   void ReadSize() {
-    const auto stated = static_cast<int32_t>(BmpLong(picture_, bmp_field::height));
+    const auto stated = static_cast<int32_t>(BmpLong(picture_, bmp_field::kHeight));
     topDown_ = stated < 0;
     const int64_t rows = topDown_ ? -int64_t{stated} : stated;
     // Colors and mask together; some programs state the colors alone and write no mask.
-    const auto width = static_cast<int32_t>(BmpLong(picture_, bmp_field::width));
+    const auto width = static_cast<int32_t>(BmpLong(picture_, bmp_field::kWidth));
     hasMask_ = !(rows == entry_.height && width == entry_.width);
     height_ = hasMask_ ? rows / 2 : rows;
   }
@@ -145,7 +150,7 @@ class BitmapEntry {
     }
     if (bits_ > 8) return offset;
     const uint32_t most = 1u << bits_;
-    const uint32_t stated = BmpLong(picture_, bmp_field::colorsUsed);
+    const uint32_t stated = BmpLong(picture_, bmp_field::kColorsUsed);
     return offset + 4 * size_t{stated == 0 ? most : std::min(stated, most)};
   }
 
@@ -158,11 +163,13 @@ class BitmapEntry {
     size_t pixelOffset = kBmpFileHeaderBytes + PixelOffset();
     if (AddsMasks()) {
       for (const uint32_t mask :
-           {kBmpMasks888.red, kBmpMasks888.green, kBmpMasks888.blue, kBmpAlpha8888})
-        for (int shift = 0; shift < 32; shift += 8)
+           {kBmpMasks888.red, kBmpMasks888.green, kBmpMasks888.blue, kBmpAlpha8888}) {
+        for (int shift = 0; shift < 32; shift += 8) {
           file.push_back(static_cast<uint8_t>(mask >> shift));
+        }
+      }
       pixelOffset += 16;
-      Put(file, kBmpFileHeaderBytes + bmp_field::compression,
+      Put(file, kBmpFileHeaderBytes + bmp_field::kCompression,
           static_cast<uint32_t>(BmpCompression::alphaBitFields));
     }
     append(picture_.subspan(headerBytes_));
@@ -170,7 +177,7 @@ class BitmapEntry {
     file[1] = 'M';
     Put(file, 10, static_cast<uint32_t>(pixelOffset));
     const auto height = static_cast<uint32_t>(height_);
-    Put(file, kBmpFileHeaderBytes + bmp_field::height, topDown_ ? 0 - height : height);
+    Put(file, kBmpFileHeaderBytes + bmp_field::kHeight, topDown_ ? 0 - height : height);
     return file;
   }
 
@@ -190,8 +197,9 @@ class BitmapEntry {
       const uint64_t place = start + y * stride;
       if (!hasMask_ || place + stride > picture_.size()) continue;
       const uint8_t* mask = picture_.data() + place;
-      for (size_t x = 0; x < width; ++x)
+      for (size_t x = 0; x < width; ++x) {
         if ((mask[x / 8] >> (7 - x % 8) & 1) != 0) row[4 * x + 3] = 0;
+      }
     }
   }
 

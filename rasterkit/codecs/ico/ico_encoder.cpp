@@ -24,13 +24,15 @@ void PutLong(ByteList& bytes, size_t offset, uint32_t value) {
 }
 
 void RequireIcon(const Raster& raster) {
-  if (raster.Width() == 0 || raster.Height() == 0)
+  if (raster.Width() == 0 || raster.Height() == 0) {
     throw FormatError("ICO: there is no picture to save");
+  }
   if (raster.Format() != pf32bit) throw FormatError("ICO: a picture needs 32 bits per pixel");
-  if (raster.Width() > kLargestIcon || raster.Height() > kLargestIcon)
+  if (raster.Width() > kLargestIcon || raster.Height() > kLargestIcon) {
     throw LimitError("ICO: a picture of " + std::to_string(raster.Width()) + " x " +
                      std::to_string(raster.Height()) +
                      " pixels is larger than 256 x 256, the limit of the format");
+  }
 }
 
 /// Directory and info header.
@@ -39,26 +41,27 @@ ByteList MakeHead(const Raster& raster, uint32_t colorBytes, uint32_t maskBytes)
   const auto width = static_cast<uint32_t>(raster.Width());
   const auto height = static_cast<uint32_t>(raster.Height());
   ByteList head(start + kBmpInfoHeader);
-  PutWord(head, ico_field::type, kIcoType);
-  PutWord(head, ico_field::count, 1);
-  head[kIcoHeaderBytes + ico_field::width] = static_cast<uint8_t>(width);
-  head[kIcoHeaderBytes + ico_field::height] = static_cast<uint8_t>(height);
-  PutWord(head, kIcoHeaderBytes + ico_field::planes, 1);
-  PutWord(head, kIcoHeaderBytes + ico_field::bits, 32);
-  PutLong(head, kIcoHeaderBytes + ico_field::bytes, kBmpInfoHeader + colorBytes + maskBytes);
-  PutLong(head, kIcoHeaderBytes + ico_field::offset, static_cast<uint32_t>(start));
-  PutLong(head, start + bmp_field::size, kBmpInfoHeader);
-  PutLong(head, start + bmp_field::width, width);
-  PutLong(head, start + bmp_field::height, 2 * height);
-  PutWord(head, start + bmp_field::planes, 1);
-  PutWord(head, start + bmp_field::bits, 32);
-  PutLong(head, start + bmp_field::imageBytes, colorBytes + maskBytes);
+  PutWord(head, ico_field::kType, kIcoType);
+  PutWord(head, ico_field::kCount, 1);
+  head[kIcoHeaderBytes + ico_field::kWidth] = static_cast<uint8_t>(width);
+  head[kIcoHeaderBytes + ico_field::kHeight] = static_cast<uint8_t>(height);
+  PutWord(head, kIcoHeaderBytes + ico_field::kPlanes, 1);
+  PutWord(head, kIcoHeaderBytes + ico_field::kBits, 32);
+  PutLong(head, kIcoHeaderBytes + ico_field::kBytes, kBmpInfoHeader + colorBytes + maskBytes);
+  PutLong(head, kIcoHeaderBytes + ico_field::kOffset, static_cast<uint32_t>(start));
+  PutLong(head, start + bmp_field::kSize, kBmpInfoHeader);
+  PutLong(head, start + bmp_field::kWidth, width);
+  PutLong(head, start + bmp_field::kHeight, 2 * height);
+  PutWord(head, start + bmp_field::kPlanes, 1);
+  PutWord(head, start + bmp_field::kBits, 32);
+  PutLong(head, start + bmp_field::kImageBytes, colorBytes + maskBytes);
   return head;
 }
 
 void MarkTransparent(const uint8_t* pixels, int width, uint8_t* mask) {
-  for (int x = 0; x < width; ++x)
+  for (int x = 0; x < width; ++x) {
     if (pixels[4 * x + 3] == 0) mask[x / 8] = static_cast<uint8_t>(mask[x / 8] | 0x80 >> (x % 8));
+  }
 }
 
 }  // namespace

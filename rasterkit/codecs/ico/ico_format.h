@@ -18,8 +18,8 @@ inline constexpr uint32_t kIcoType = 1;
 
 /// Offsets of the fields, in the directory's header and in an entry.
 namespace ico_field {
-inline constexpr size_t reserved = 0, type = 2, count = 4;
-inline constexpr size_t width = 0, height = 1, planes = 4, bits = 6, bytes = 8, offset = 12;
+inline constexpr size_t kReserved = 0, kType = 2, kCount = 4;
+inline constexpr size_t kWidth = 0, kHeight = 1, kPlanes = 4, kBits = 6, kBytes = 8, kOffset = 12;
 }  // namespace ico_field
 
 /// An entry has one byte per side; 0 means 256.

@@ -38,13 +38,15 @@ constexpr uint64_t kCodecSlack = 64 << 20;
 void RequireSupported(const JpegFrame& frame) {
   if (frame.lossless) throw UnsupportedError("JPEG: lossless files are not supported");
   if (frame.hierarchical) throw UnsupportedError("JPEG: hierarchical files are not supported");
-  if (frame.bits != 8)
+  if (frame.bits != 8) {
     throw UnsupportedError(fmt::format("JPEG: {} bits per sample are not supported", frame.bits));
+  }
   if (frame.components != 1 && frame.components != 3 && frame.components != 4) {
     throw UnsupportedError(fmt::format("JPEG: {} components are not supported", frame.components));
   }
-  if (frame.width == 0 || frame.height == 0)
+  if (frame.width == 0 || frame.height == 0) {
     throw FormatError("JPEG: the frame header has no size");
+  }
 }
 
 uint64_t RoundUp(uint64_t value, int step) {
@@ -86,11 +88,13 @@ int FirstMissingRow(const JpegReader& reader, const JpegLayout& layout) {
   const jpeg_decompress_struct& codec = reader.Codec();
   const auto height = static_cast<int64_t>(codec.output_height);
   const JpegErrors& errors = reader.Errors();
-  if (!errors.dataEnded || (layout.manyScans && !errors.endedInFirstScan))
+  if (!errors.dataEnded || (layout.manyScans && !errors.endedInFirstScan)) {
     return static_cast<int>(height);
+  }
   const int64_t bandRows = codec.max_v_samp_factor * DCTSIZE;
-  if (errors.endedInRow == 0 && bandRows < height)
+  if (errors.endedInRow == 0 && bandRows < height) {
     throw FormatError("JPEG: the data end before the first rows");
+  }
   return static_cast<int>(std::min(height, (int64_t{errors.endedInRow} + 1) * bandRows));
 }
 
@@ -156,8 +160,9 @@ void ReportEnd(const JpegReader& reader, const JpegLayout& layout, CodecReport& 
   const JpegErrors& errors = reader.Errors();
   errors.CopyTo(report);
   const jpeg_decompress_struct& codec = reader.Codec();
-  if (layout.cutOff)
+  if (layout.cutOff) {
     report.warnings.emplace_back("JPEG: the file is cut off, its last scans are missing");
+  }
   if (!errors.dataEnded || (layout.manyScans && !errors.endedInFirstScan)) return;
   const uint64_t whole =
       uint64_t{errors.endedInRow} * static_cast<uint64_t>(codec.max_v_samp_factor) * DCTSIZE;
@@ -204,9 +209,10 @@ Raster DecodeJpeg(Bytes bytes, CodecReport* report) {
   if (codec.output_scanline == codec.output_height) ReadEnd(reader, noticed);
   raster.profile = ProfileOf(layout, noticed);
   ReportEnd(reader, layout, noticed);
-  if (report)
+  if (report) {
     std::move(noticed.warnings.begin(), noticed.warnings.end(),
               std::back_inserter(report->warnings));
+  }
   return raster;
 }
 

@@ -90,8 +90,9 @@ void RequireEncodable(const Raster& raster) {
   if (!gray && raster.Format() != pf24bit) {
     throw FormatError("JPEG: only 24-bit pictures and 8-bit ones with a gray ramp can be written");
   }
-  if (raster.Width() == 0 || raster.Height() == 0)
+  if (raster.Width() == 0 || raster.Height() == 0) {
     throw FormatError("JPEG: an empty picture cannot be written");
+  }
   if (raster.Width() > JPEG_MAX_DIMENSION || raster.Height() > JPEG_MAX_DIMENSION) {
     throw LimitError(
         fmt::format("JPEG: {} x {} pixels are more than {} per side, the limit of the format",

@@ -42,8 +42,9 @@ void JpegErrors::OnMessage(j_common_ptr codec, int level) {
   if (errors.base_.msg_code == JWRN_HIT_MARKER && codec->is_decompressor) {
     const auto decoder = reinterpret_cast<j_decompress_ptr>(codec);
     // With restart intervals the decoder can resume after any other marker.
-    if (decoder->unread_marker == JPEG_EOI || decoder->restart_interval == 0)
+    if (decoder->unread_marker == JPEG_EOI || decoder->restart_interval == 0) {
       errors.NoteEnd(decoder);
+    }
   }
   errors.base_.num_warnings++;
   if (errors.warningCount_ == kKeptWarnings) return;
@@ -90,8 +91,9 @@ void JpegErrors::Throw() const {
 }
 
 void JpegErrors::CopyTo(CodecReport& report) const {
-  for (int i = 0; i < warningCount_; i++)
+  for (int i = 0; i < warningCount_; i++) {
     report.warnings.push_back(std::string("JPEG: ") + warnings_[i]);
+  }
 }
 
 }  // namespace rasterkit::detail

@@ -119,8 +119,9 @@ class Walker {
   void NoteProfile(Bytes segment) {
     constexpr size_t kNameBytes = sizeof kProfileName;
     if (segment.size() < kNameBytes + 2 ||
-        std::memcmp(segment.data(), kProfileName, kNameBytes) != 0)
+        std::memcmp(segment.data(), kProfileName, kNameBytes) != 0) {
       return;
+    }
     layout_.profile.push_back(
         {segment[kNameBytes], segment[kNameBytes + 1], segment.subspan(kNameBytes + 2)});
   }
@@ -159,8 +160,9 @@ std::vector<uint8_t> JoinProfile(const std::vector<JpegProfilePiece>& pieces) {
     const JpegProfilePiece* found = nullptr;
     for (const JpegProfilePiece& piece : pieces) {
       if (piece.number == static_cast<int>(number) &&
-          piece.count == static_cast<int>(pieces.size()))
+          piece.count == static_cast<int>(pieces.size())) {
         found = &piece;
+      }
     }
     if (!found) return {};
     joined.insert(joined.end(), found->bytes.begin(), found->bytes.end());

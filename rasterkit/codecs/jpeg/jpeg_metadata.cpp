@@ -39,8 +39,9 @@ void ReadJpegMetadata(Bytes file, PictureMetadata& metadata) {
       continue;
     }
     const size_t length = static_cast<size_t>(rest[2]) << 8 | rest[3];
-    if (marker == kEndOfImage || marker == kStartOfScan || length < 2 || rest.size() < length + 2)
+    if (marker == kEndOfImage || marker == kStartOfScan || length < 2 || rest.size() < length + 2) {
       return;
+    }
     AddSegment(metadata, marker, rest.subspan(4, length - 2));
     rest = rest.subspan(length + 2);
   }

@@ -85,8 +85,9 @@ HPALETTE FilePalette(const PngReader& reader) {
   png_get_PLTE(reader.Png(), reader.Info(), &colors, &count);
   std::vector<tagPALETTEENTRY> entries;
   entries.reserve(static_cast<size_t>(count));
-  for (int i = 0; i < count; i++)
+  for (int i = 0; i < count; i++) {
     entries.push_back({colors[i].red, colors[i].green, colors[i].blue, 0});
+  }
   return HPALETTE(entries);
 }
 
@@ -123,18 +124,20 @@ std::optional<TColor> TransparentColorOf(const PngReader& reader, const Header& 
     if (alphas[i] == 0 && !result) result = entry;
     if (alphas[i] != 255 && !(alphas[i] == 0 && entry == result)) lost = true;
   }
-  if (lost)
+  if (lost) {
     report.warnings.emplace_back(
         result ? "PNG: one palette color stays transparent, the others become opaque"
                : "PNG: the partly transparent palette colors become opaque");
+  }
   return result;
 }
 
 Resolution ResolutionOf(const PngReader& reader) {
   png_uint_32 x = 0, y = 0;
   int unit = PNG_RESOLUTION_UNKNOWN;
-  if (!png_get_pHYs(reader.Png(), reader.Info(), &x, &y, &unit) || unit != PNG_RESOLUTION_METER)
+  if (!png_get_pHYs(reader.Png(), reader.Info(), &x, &y, &unit) || unit != PNG_RESOLUTION_METER) {
     return {};
+  }
   return {x * kMetersPerInch, y * kMetersPerInch};
 }
 
@@ -143,8 +146,9 @@ ColorProfile ProfileOf(const PngReader& reader, const Header& header) {
   int compression = 0;
   png_bytep bytes = nullptr;
   png_uint_32 size = 0;
-  if (!png_get_iCCP(reader.Png(), reader.Info(), &name, &compression, &bytes, &size))
+  if (!png_get_iCCP(reader.Png(), reader.Info(), &name, &compression, &bytes, &size)) {
     return nullptr;
+  }
   // Gray with alpha becomes color pixels, which a gray profile does not describe.
   const auto space = header.IsGray() ? detail::ProfileSpace::gray : detail::ProfileSpace::rgb;
   if (!detail::ProfileFits(Bytes(bytes, size), space)) return nullptr;
@@ -196,8 +200,9 @@ int DecodeRows(PngReader& reader, const Header& header, Raster& raster) {
 
 /// Checks the rest of the file: a wrong checksum is an error, an early end is not.
 void ReadEnd(PngReader& reader) {
-  if (!reader.Try([&] { png_read_end(reader.Png(), nullptr); }) && !reader.RanDry())
+  if (!reader.Try([&] { png_read_end(reader.Png(), nullptr); }) && !reader.RanDry()) {
     reader.Errors().Throw();
+  }
 }
 
 void RequireMemory(const Header& header, TPixelFormat format) {
@@ -224,8 +229,9 @@ Raster DecodePng(Bytes bytes, CodecReport* report) {
 
   reader.Run([&] { RequestRows(reader.Png(), header); });
   const int missing = DecodeRows(reader, header, raster);
-  for (int y = 0; header.bitDepth == 2 && y < missing; y++)
+  for (int y = 0; header.bitDepth == 2 && y < missing; y++) {
     ExpandTwoBits(raster.Row(y), raster.Width());
+  }
   if (missing == raster.Height() && !reader.RanDry()) ReadEnd(reader);
   detail::FillMissingRows(raster, missing);
   raster.ClearPadding();
@@ -237,9 +243,10 @@ Raster DecodePng(Bytes bytes, CodecReport* report) {
     noticed.warnings.emplace_back("PNG: the file is cut off");
   }
   reader.Errors().CopyTo(noticed);
-  if (report)
+  if (report) {
     std::move(noticed.warnings.begin(), noticed.warnings.end(),
               std::back_inserter(report->warnings));
+  }
   return raster;
 }
 

@@ -94,8 +94,10 @@ void SetTransparency(png_structp png, png_infop info, const Layout& layout, TCol
     if (count > 0) png_set_tRNS(png, info, alphas, count, nullptr);
   } else if (layout.colorType == PNG_COLOR_TYPE_GRAY) {
     const int step = 255 / ((1 << layout.bitDepth) - 1);
-    if (RedOf(color) != GreenOf(color) || RedOf(color) != BlueOf(color) || RedOf(color) % step != 0)
+    if (RedOf(color) != GreenOf(color) || RedOf(color) != BlueOf(color) ||
+        RedOf(color) % step != 0) {
       return;
+    }
     samples.gray = static_cast<png_uint_16>(RedOf(color) / step);
     png_set_tRNS(png, info, nullptr, 0, &samples);
   } else if (layout.colorType == PNG_COLOR_TYPE_RGB) {
@@ -115,8 +117,9 @@ void SetHeader(png_structp png, png_infop info, const Raster& raster, const Layo
   png_set_IHDR(png, info, static_cast<png_uint_32>(raster.Width()),
                static_cast<png_uint_32>(raster.Height()), layout.bitDepth, layout.colorType,
                PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-  if (!layout.palette.empty())
+  if (!layout.palette.empty()) {
     png_set_PLTE(png, info, layout.palette.data(), static_cast<int>(layout.palette.size()));
+  }
   // A negative color is a system color, which a file cannot hold.
   if (raster.transparentColor && *raster.transparentColor >= 0) {
     SetTransparency(png, info, layout, *raster.transparentColor);
@@ -160,8 +163,9 @@ void SetCompression(png_structp png, const Layout& layout, int level) {
 }  // namespace
 
 void EncodePng(const Raster& raster, TStream& stream, int level) {
-  if (raster.Width() == 0 || raster.Height() == 0)
+  if (raster.Width() == 0 || raster.Height() == 0) {
     throw FormatError("PNG: an empty picture cannot be written");
+  }
   const Layout layout = LayoutOf(raster);
   const bool words = raster.Format() == pf15bit || raster.Format() == pf16bit;
   std::vector<RGBrec> bgrRow(words ? static_cast<size_t>(raster.Width()) : 0);

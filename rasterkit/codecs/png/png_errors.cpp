@@ -41,8 +41,9 @@ bool PngErrors::MessageIs(const char* text) const {
 }
 
 void PngErrors::CopyTo(CodecReport& report) const {
-  for (int i = 0; i < warningCount_; i++)
+  for (int i = 0; i < warningCount_; i++) {
     report.warnings.push_back(std::string("PNG: ") + warnings_[i]);
+  }
 }
 
 }  // namespace rasterkit::detail

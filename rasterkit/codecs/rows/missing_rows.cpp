@@ -38,8 +38,9 @@ uint8_t WhiteByte(const Raster& raster) {
 
 void FillMissingRows(Raster& raster, int first) {
   const uint8_t white = WhiteByte(raster);
-  for (int y = first; y < raster.Height(); y++)
+  for (int y = first; y < raster.Height(); y++) {
     std::memset(raster.Row(y), white, raster.RowBytes());
+  }
 }
 
 }  // namespace rasterkit::detail

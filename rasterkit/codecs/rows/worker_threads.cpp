@@ -35,8 +35,9 @@ void RunOnThreads(int threads, const std::function<void()>& own,
   }
   own();
   for (const auto& thread : others) thread->WaitFor();
-  for (const auto& thread : others)
+  for (const auto& thread : others) {
     if (thread->FatalException()) std::rethrow_exception(thread->FatalException());
+  }
 }
 
 }  // namespace rasterkit::detail

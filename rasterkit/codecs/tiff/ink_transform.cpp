@@ -45,8 +45,9 @@ std::unique_ptr<const InkTransform> InkTransform::OfInks(std::span<const uint8_t
                                                  static_cast<cmsUInt32Number>(bytes.size())));
   if (!profile || cmsGetColorSpace(profile.get()) != cmsSigCmykData) return nullptr;
   const uint32_t intent = cmsGetHeaderRenderingIntent(profile.get());
-  if (!state->Connect(profile, TYPE_CMYK_16, intent <= 3 ? intent : INTENT_PERCEPTUAL))
+  if (!state->Connect(profile, TYPE_CMYK_16, intent <= 3 ? intent : INTENT_PERCEPTUAL)) {
     return nullptr;
+  }
   return std::unique_ptr<const InkTransform>(new InkTransform(std::move(state)));
 }
 

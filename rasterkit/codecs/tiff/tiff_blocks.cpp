@@ -50,8 +50,9 @@ class PatientDeflate {
       : tiff_(compression == COMPRESSION_ADOBE_DEFLATE || compression == COMPRESSION_DEFLATE
                   ? tiff
                   : nullptr) {
-    if (tiff_ && TIFFGetField(tiff_, TIFFTAG_DEFLATE_SUBCODEC, &usual_))
+    if (tiff_ && TIFFGetField(tiff_, TIFFTAG_DEFLATE_SUBCODEC, &usual_)) {
       TIFFSetField(tiff_, TIFFTAG_DEFLATE_SUBCODEC, DEFLATE_SUBCODEC_ZLIB);
+    }
   }
   ~PatientDeflate() {
     if (tiff_) TIFFSetField(tiff_, TIFFTAG_DEFLATE_SUBCODEC, usual_);
@@ -97,8 +98,9 @@ uint32_t TiffBlockReader::ReadPlain(uint64_t offset, uint64_t count, uint32_t ro
 }
 
 void TiffBlockReader::ToProcessorOrder(uint8_t* bytes, size_t count) const {
-  if (handle_.Field<uint16_t>(TIFFTAG_FILLORDER, FILLORDER_MSB2LSB) == FILLORDER_LSB2MSB)
+  if (handle_.Field<uint16_t>(TIFFTAG_FILLORDER, FILLORDER_MSB2LSB) == FILLORDER_LSB2MSB) {
     TIFFReverseBits(bytes, static_cast<tmsize_t>(count));
+  }
   if (!TIFFIsByteSwapped(handle_.Tiff())) return;
   switch (layout_.bits) {
     case 16:
@@ -119,8 +121,9 @@ void TiffBlockReader::FillSparse(uint8_t* target, size_t bytes) const {
     std::memset(target, blanks_.sparse[0], bytes);
     return;
   }
-  for (size_t at = 0; at + blanks_.sparseBytes <= bytes; at += blanks_.sparseBytes)
+  for (size_t at = 0; at + blanks_.sparseBytes <= bytes; at += blanks_.sparseBytes) {
     std::memcpy(target + at, blanks_.sparse.data(), blanks_.sparseBytes);
+  }
 }
 
 uint32_t TiffBlockReader::ReadPacked(uint32_t block, uint64_t offset, uint64_t count, uint32_t rows,

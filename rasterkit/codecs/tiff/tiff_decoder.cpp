@@ -30,8 +30,9 @@ constexpr uint32_t kMostProfileBytes = 16 << 20;
 Resolution ResolutionOf(const TiffHandle& handle) {
   float x = 0, y = 0;
   if (!TIFFGetField(handle.Tiff(), TIFFTAG_XRESOLUTION, &x) ||
-      !TIFFGetField(handle.Tiff(), TIFFTAG_YRESOLUTION, &y))
+      !TIFFGetField(handle.Tiff(), TIFFTAG_YRESOLUTION, &y)) {
     return {};
+  }
   const int unit = handle.Field<uint16_t>(TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
   const bool isKnown = std::isfinite(x) && std::isfinite(y) && x > 0 && y > 0;
   if (!isKnown || (unit != RESUNIT_INCH && unit != RESUNIT_CENTIMETER)) return {};
@@ -42,8 +43,9 @@ Resolution ResolutionOf(const TiffHandle& handle) {
 std::span<const uint8_t> ProfileBytes(const TiffHandle& handle) {
   uint32_t size = 0;
   const uint8_t* bytes = nullptr;
-  if (!TIFFGetField(handle.Tiff(), TIFFTAG_ICCPROFILE, &size, &bytes) || size > kMostProfileBytes)
+  if (!TIFFGetField(handle.Tiff(), TIFFTAG_ICCPROFILE, &size, &bytes) || size > kMostProfileBytes) {
     return {};
+  }
   return {bytes, size};
 }
 
@@ -66,8 +68,9 @@ ColorProfile ProfileOf(const TiffHandle& handle, const TiffLayout& layout) {
 /// plain bytes.
 std::vector<tagPALETTEENTRY> FileEntries(const TiffHandle& handle, const TiffLayout& layout) {
   const uint16_t *red = nullptr, *green = nullptr, *blue = nullptr;
-  if (!TIFFGetField(handle.Tiff(), TIFFTAG_COLORMAP, &red, &green, &blue))
+  if (!TIFFGetField(handle.Tiff(), TIFFTAG_COLORMAP, &red, &green, &blue)) {
     throw FormatError("TIFF: the palette is missing");
+  }
   const size_t count = size_t{1} << layout.bits;
   const auto isByte = [](uint16_t word) { return word < 256; };
   const bool isPlain = std::all_of(red, red + count, isByte) &&
@@ -86,8 +89,9 @@ std::vector<tagPALETTEENTRY> FileEntries(const TiffHandle& handle, const TiffLay
 template <typename T>
 void SetSample(std::array<uint8_t, 8>& bytes, size_t& count, double number) {
   if constexpr (std::is_integral_v<T>) {
-    if (!(number >= std::numeric_limits<T>::min() && number <= std::numeric_limits<T>::max()))
+    if (!(number >= std::numeric_limits<T>::min() && number <= std::numeric_limits<T>::max())) {
       return;
+    }
   }
   const auto value = static_cast<T>(number);
   std::memcpy(bytes.data(), &value, sizeof value);
@@ -150,8 +154,9 @@ class FrameReader {
 void FrameReader::RequirePixelTags() const {
   const bool hasCounts =
       directory_.Has(TIFFTAG_STRIPBYTECOUNTS) || directory_.Has(TIFFTAG_TILEBYTECOUNTS);
-  if (!hasCounts && !directory_.Has(TIFFTAG_PHOTOMETRIC))
+  if (!hasCounts && !directory_.Has(TIFFTAG_PHOTOMETRIC)) {
     throw FormatError("TIFF: the directory does not describe its pixels");
+  }
 }
 
 void FrameReader::KeepWarnings(TiffHandle& handle) {
@@ -162,12 +167,14 @@ void FrameReader::KeepWarnings(TiffHandle& handle) {
 void FrameReader::SetProperties(TiffHandle& handle, Raster& raster) {
   raster.resolution = ResolutionOf(handle);
   raster.profile = ProfileOf(handle, layout_);
-  if (layout_.photometric == PHOTOMETRIC_PALETTE && layout_.rows != TiffRowKind::library)
+  if (layout_.photometric == PHOTOMETRIC_PALETTE && layout_.rows != TiffRowKind::library) {
     colors_.entries = FileEntries(handle, layout_);
+  }
   if (layout_.format == GUID_WICPixelFormat4bppGray) raster.palette = GrayPalette(16);
   if (layout_.format == GUID_WICPixelFormat8bppGray) raster.palette = GrayPalette(256);
-  if (IsIndexed(raster.Format()) && !colors_.entries.empty())
+  if (IsIndexed(raster.Format()) && !colors_.entries.empty()) {
     raster.palette = HPALETTE(colors_.entries);
+  }
   if (raster.Format() == pf32bit && layout_.alphaAt) raster.alphaFormat = afDefined;
   ChooseInks(handle);
 }
@@ -231,10 +238,11 @@ TiffOutcome FrameReader::ReadStretched(TiffHandle& handle, Raster& raster) {
   TiffOutcome outcome =
       ReadTiffBlocks(handle, layout_, colors_, Blanks(), target, options_.threads);
   const NumberRange range = StretchNumbers(reinterpret_cast<const double*>(numbers.Data()), raster);
-  if (range.IsKnown())
+  if (range.IsKnown()) {
     Warn(fmt::format("numbers from {:g} to {:g} are shown as black to white",
                      layout_.isInverted ? -range.least : range.least,
                      layout_.isInverted ? -range.greatest : range.greatest));
+  }
   return outcome;
 }
 

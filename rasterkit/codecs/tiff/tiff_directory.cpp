@@ -75,8 +75,9 @@ TiffDirectory::TiffDirectory(TStream& stream)
     : stream_(stream), start_(stream.Position()), size_(stream.Size() - start_) {
   ReadHeader();
   const auto place = LocateDirectory(first_);
-  if (first_ == 0 || !place || place->entries == 0)
+  if (first_ == 0 || !place || place->entries == 0) {
     throw FormatError("TIFF: the first directory cannot be read");
+  }
   ReadEntries(*place);
 }
 
@@ -174,8 +175,9 @@ std::vector<double> TiffDirectory::Numbers(uint16_t tag, size_t most) const {
       static_cast<size_t>(std::min<uint64_t>(entry.count, most) * valueBytes));
   if (!ReadAt(entry.valuesAt, bytes.data(), bytes.size())) return {};
   std::vector<double> values;
-  for (size_t at = 0; at < bytes.size(); at += static_cast<size_t>(valueBytes))
+  for (size_t at = 0; at < bytes.size(); at += static_cast<size_t>(valueBytes)) {
     values.push_back(Value(bytes.data() + at, entry.type));
+  }
   return values;
 }
 
@@ -191,8 +193,9 @@ std::string TiffDirectory::Text(uint16_t tag) const {
   if (found == entries_.end() || TypeBytes(found->second.type) != 1) return {};
   std::string text(static_cast<size_t>(std::min<uint64_t>(found->second.count, kMostTextBytes)),
                    '\0');
-  if (!ReadAt(found->second.valuesAt, reinterpret_cast<uint8_t*>(text.data()), text.size()))
+  if (!ReadAt(found->second.valuesAt, reinterpret_cast<uint8_t*>(text.data()), text.size())) {
     return {};
+  }
   return Trimmed(text.substr(0, text.find('\0')));
 }
 

@@ -35,8 +35,9 @@ void ReadGeoKeys(const TiffDirectory& directory, TiffFacts& facts) {
     if (keys[i] >= detail::kFirstSystemKey) facts.hasCoordinateSystem = true;
     const bool isHere = keys[i + 1] == 0 && keys[i + 2] == 1;
     const bool isKnown = keys[i + 3] == 1 || keys[i + 3] == 2;
-    if (facts.rasterType == 0 && keys[i] == detail::kRasterTypeKey && isHere && isKnown)
+    if (facts.rasterType == 0 && keys[i] == detail::kRasterTypeKey && isHere && isKnown) {
       facts.rasterType = static_cast<int>(keys[i + 3]);
+    }
   }
 }
 
@@ -58,8 +59,9 @@ std::vector<MetadataKind> MetadataKinds(const TiffDirectory& directory) {
   std::vector<MetadataKind> found;
   for (const TagsOfKind& row : kinds) {
     if (std::any_of(row.tags.begin(), row.tags.end(),
-                    [&](uint16_t tag) { return directory.Has(tag); }))
+                    [&](uint16_t tag) { return directory.Has(tag); })) {
       found.push_back(row.kind);
+    }
   }
   return found;
 }
@@ -70,8 +72,9 @@ void ReadPixelLayout(const TiffDirectory& directory, TiffFacts& facts) {
   };
   facts.width = directory.Number(TIFFTAG_IMAGEWIDTH).value_or(0);
   facts.height = directory.Number(TIFFTAG_IMAGELENGTH).value_or(0);
-  if (facts.width == 0 || facts.height == 0)
+  if (facts.width == 0 || facts.height == 0) {
     throw FormatError("TIFF: the first directory has no size");
+  }
   facts.bitsPerSample = number(TIFFTAG_BITSPERSAMPLE, 1);
   facts.samples = number(TIFFTAG_SAMPLESPERPIXEL, 1);
   facts.sampleFormat = number(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);

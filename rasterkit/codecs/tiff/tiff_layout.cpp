@@ -92,9 +92,10 @@ class LayoutReader {
     SetRows(IsAlone() ? TiffRowKind::same : TiffRowKind::firstSample, format, false);
   }
   void RequireSamples(int count) const {
-    if (samples_ < count)
+    if (samples_ < count) {
       throw FormatError(
           fmt::format("TIFF: {} samples per pixel are too few for this kind of color", samples_));
+    }
   }
 
   TiffHandle& handle_;
@@ -108,18 +109,21 @@ class LayoutReader {
 void LayoutReader::ReadSamples() {
   layout_.width = Field<uint32_t>(TIFFTAG_IMAGEWIDTH, 0);
   layout_.height = Field<uint32_t>(TIFFTAG_IMAGELENGTH, 0);
-  if (layout_.width == 0 || layout_.height == 0)
+  if (layout_.width == 0 || layout_.height == 0) {
     throw FormatError("TIFF: the picture has no pixels");
+  }
   layout_.compression = Field<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
   layout_.bits = Field<uint16_t>(TIFFTAG_BITSPERSAMPLE, 1);
   samples_ = Field<uint16_t>(TIFFTAG_SAMPLESPERPIXEL, 1);
   isPlanar_ = Field<uint16_t>(TIFFTAG_PLANARCONFIG, 0) == PLANARCONFIG_SEPARATE && samples_ > 1;
   const int format = Field<uint16_t>(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
   const bool isComplex = format == SAMPLEFORMAT_COMPLEXINT || format == SAMPLEFORMAT_COMPLEXIEEEFP;
-  if (format == SAMPLEFORMAT_INT || format == SAMPLEFORMAT_COMPLEXINT)
+  if (format == SAMPLEFORMAT_INT || format == SAMPLEFORMAT_COMPLEXINT) {
     layout_.number = TiffNumber::signedInteger;
-  if (format == SAMPLEFORMAT_IEEEFP || format == SAMPLEFORMAT_COMPLEXIEEEFP)
+  }
+  if (format == SAMPLEFORMAT_IEEEFP || format == SAMPLEFORMAT_COMPLEXIEEEFP) {
     layout_.number = TiffNumber::floating;
+  }
   if (isComplex && layout_.bits % 2 == 0) {
     // Only real parts are shown; imaginary parts lie between them.
     if (isPlanar_) throw UnsupportedError("TIFF: complex numbers in planes are not supported");
@@ -131,8 +135,9 @@ void LayoutReader::ReadSamples() {
   const bool isRead = layout_.number == TiffNumber::floating
                           ? bits == 16 || bits == 32 || bits == 64
                           : (bits >= 1 && bits <= 32) || bits == 64;
-  if (!isRead || samples_ < 1)
+  if (!isRead || samples_ < 1) {
     throw UnsupportedError(fmt::format("TIFF: samples of {} bits are not supported", bits));
+  }
 }
 
 void LayoutReader::ReadPhotometric() {
@@ -173,35 +178,43 @@ void LayoutReader::ChooseGrayRows() {
     return Convert(isInteger ? TiffRowKind::integers : TiffRowKind::scaled);
   }
   if (layout_.number == TiffNumber::unsignedInteger) {
-    if (bits == 1 && IsAlone())
+    if (bits == 1 && IsAlone()) {
       return SetRows(TiffRowKind::same, GUID_WICPixelFormatBlackWhite, false);
-    if (bits == 4 && IsAlone())
+    }
+    if (bits == 4 && IsAlone()) {
       return SetRows(TiffRowKind::same, GUID_WICPixelFormat4bppGray, false);
+    }
     if (bits == 8) return SetWholeSamples(GUID_WICPixelFormat8bppGray);
     if (isWord) return SetWholeSamples(GUID_WICPixelFormat16bppGray);
     return Convert(bits < 16 ? TiffRowKind::scaled : TiffRowKind::stretched);
   }
   // Values of a grid, not colors.
   layout_.isInverted = false;
-  if (layout_.number == TiffNumber::signedInteger && isWord)
+  if (layout_.number == TiffNumber::signedInteger && isWord) {
     return SetWholeSamples(GUID_WICPixelFormat16bppGrayFixedPoint);
-  if (layout_.number == TiffNumber::floating && isWord)
+  }
+  if (layout_.number == TiffNumber::floating && isWord) {
     return SetWholeSamples(GUID_WICPixelFormat16bppGrayHalf);
-  if (layout_.number == TiffNumber::floating && bits == 32)
+  }
+  if (layout_.number == TiffNumber::floating && bits == 32) {
     return SetWholeSamples(GUID_WICPixelFormat32bppGrayFloat);
+  }
   Convert(TiffRowKind::stretched);
 }
 
 void LayoutReader::ChoosePaletteRows() {
   const int bits = layout_.bits;
-  if (bits > 16 || layout_.number == TiffNumber::floating)
+  if (bits > 16 || layout_.number == TiffNumber::floating) {
     throw UnsupportedError(fmt::format("TIFF: palette indexes of {} bits are not supported", bits));
+  }
   layout_.number = TiffNumber::unsignedInteger;
   if (!alphaSample_ && bits == 8) return SetWholeSamples(GUID_WICPixelFormat8bppIndexed);
-  if (!alphaSample_ && IsAlone() && bits == 4)
+  if (!alphaSample_ && IsAlone() && bits == 4) {
     return SetRows(TiffRowKind::same, GUID_WICPixelFormat4bppIndexed, false);
-  if (!alphaSample_ && IsAlone() && bits == 1)
+  }
+  if (!alphaSample_ && IsAlone() && bits == 1) {
     return SetRows(TiffRowKind::same, GUID_WICPixelFormat1bppIndexed, false);
+  }
   Convert(TiffRowKind::indexed);
 }
 
@@ -214,9 +227,10 @@ void LayoutReader::ChooseRgbRows() {
 
 void LayoutReader::ChooseInkRows() {
   RequireSamples(4);
-  if (Field<uint16_t>(TIFFTAG_INKSET, INKSET_CMYK) != INKSET_CMYK)
+  if (Field<uint16_t>(TIFFTAG_INKSET, INKSET_CMYK) != INKSET_CMYK) {
     throw UnsupportedError(
         "TIFF: inks other than cyan, magenta, yellow and black are not supported");
+  }
   Convert(TiffRowKind::cmyk);
 }
 
@@ -250,8 +264,9 @@ void LayoutReader::ChoosePlanes() {
   layout_.alphaAt = alphaSample_;
   layout_.planes = {0};
   if (!isPlanar_ || layout_.rows == TiffRowKind::library) return;
-  for (int plane = 1; plane < channels; plane++)
+  for (int plane = 1; plane < channels; plane++) {
     layout_.planes.push_back(static_cast<uint16_t>(plane));
+  }
   if (alphaSample_) {
     layout_.planes.push_back(static_cast<uint16_t>(*alphaSample_));
     layout_.alphaAt = channels;
@@ -266,27 +281,31 @@ void LayoutReader::ReadGrid() {
   grid.width = grid.isTiled ? Field<uint32_t>(TIFFTAG_TILEWIDTH, 0) : layout_.width;
   grid.height = Field<uint32_t>(grid.isTiled ? TIFFTAG_TILELENGTH : TIFFTAG_ROWSPERSTRIP, 0);
   if (!grid.isTiled) grid.height = std::min(grid.height, layout_.height);
-  if (grid.width == 0 || grid.height == 0)
+  if (grid.width == 0 || grid.height == 0) {
     throw FormatError("TIFF: the strips or tiles have no size");
+  }
   const uint64_t across = (uint64_t{layout_.width} + grid.width - 1) / grid.width;
   const uint64_t down = (uint64_t{layout_.height} + grid.height - 1) / grid.height;
   const uint64_t planes = isPlanar_ ? static_cast<uint64_t>(samples_) : 1;
   const uint32_t blocks = grid.isTiled ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
-  if (across * down > UINT32_MAX / planes || across * down * planes != blocks)
+  if (across * down > UINT32_MAX / planes || across * down * planes != blocks) {
     throw FormatError("TIFF: the number of strips or tiles does not fit the picture");
+  }
   grid.across = static_cast<uint32_t>(across);
   grid.down = static_cast<uint32_t>(down);
   if (layout_.rows == TiffRowKind::library) return;
   if (across > 1 &&
-      uint64_t{grid.width} * static_cast<uint64_t>(PixelBits(layout_.format)) % 8 != 0)
+      uint64_t{grid.width} * static_cast<uint64_t>(PixelBits(layout_.format)) % 8 != 0) {
     throw FormatError("TIFF: the width of the tiles is no multiple of 16");
+  }
   const uint64_t rowSamples =
       uint64_t{grid.width} * static_cast<uint64_t>(isPlanar_ ? 1 : samples_);
   const uint64_t rowBits = rowSamples * static_cast<uint64_t>(layout_.bits);
   const uint64_t rowBytes = (rowBits + 7) / 8;
   const uint64_t expected = grid.isTiled ? TIFFTileRowSize64(tiff) : TIFFScanlineSize64(tiff);
-  if (rowBytes != expected || rowBytes > SIZE_MAX / 2)
+  if (rowBytes != expected || rowBytes > SIZE_MAX / 2) {
     throw FormatError("TIFF: the rows are not as long as the picture is wide");
+  }
   grid.rowBytes = static_cast<size_t>(rowBytes);
 }
 
@@ -294,8 +313,9 @@ void LayoutReader::ReadGrid() {
 void LayoutReader::JoinStrips() {
   TiffBlockGrid& grid = layout_.grid;
   if (grid.isTiled || grid.down == 1 || layout_.compression != COMPRESSION_NONE ||
-      layout_.rows == TiffRowKind::library)
+      layout_.rows == TiffRowKind::library) {
     return;
+  }
   TIFF* tiff = handle_.Tiff();
   std::vector<TiffExtent> planes;
   const uint32_t count = TIFFNumberOfStrips(tiff);
@@ -325,8 +345,9 @@ void PrepareTiff(TiffHandle& handle) {
 
 TiffLayout ReadTiffLayout(TiffHandle& handle) {
   const int compression = handle.Field<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
-  if (!TIFFIsCODECConfigured(static_cast<uint16_t>(compression)))
+  if (!TIFFIsCODECConfigured(static_cast<uint16_t>(compression))) {
     throw UnsupportedError("TIFF: " + TiffCompressionName(compression) + " is not supported");
+  }
   return LayoutReader(handle).Read();
 }
 

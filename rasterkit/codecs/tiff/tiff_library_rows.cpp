@@ -69,12 +69,14 @@ TiffOutcome ReadTiffByLibrary(TiffHandle& handle, const TiffLayout& layout,
       outcome.damagedBlocks++;
       outcome.soundRows = std::min(outcome.soundRows, y);
     }
-    for (uint32_t i = 0; i < rows; i++)
+    for (uint32_t i = 0; i < rows; i++) {
       WriteRow(words + size_t{i} * layout.width, layout.width, pixelBytes, target.Row(y + i));
+    }
   }
   outcome.notes = handle.Messages().TakeErrors();
-  for (std::string& text : handle.Messages().TakeWarnings())
+  for (std::string& text : handle.Messages().TakeWarnings()) {
     outcome.notes.push_back(std::move(text));
+  }
   return outcome;
 }
 

@@ -59,15 +59,17 @@ uint64_t LargestRatio(const TiffLayout& layout) {
 uint64_t PackedBytes(TiffHandle& handle, const TiffLayout& layout) {
   const uint64_t size = handle.Source().Size();
   uint64_t sum = 0;
-  for (const TiffExtent& extent : layout.joinedStrips)
+  for (const TiffExtent& extent : layout.joinedStrips) {
     sum += extent.offset < size ? std::min(extent.count, size - extent.offset) : 0;
+  }
   if (!layout.joinedStrips.empty()) return std::min(sum, size);
   for (const uint16_t plane : layout.planes) {
     for (uint32_t i = 0; i < layout.grid.PerPlane() && sum < size; i++) {
       const uint32_t block = plane * layout.grid.PerPlane() + i;
       const uint64_t offset = TIFFGetStrileOffset(handle.Tiff(), block);
-      if (offset < size)
+      if (offset < size) {
         sum += std::min<uint64_t>(TIFFGetStrileByteCount(handle.Tiff(), block), size - offset);
+      }
     }
   }
   return std::min(sum, size);
@@ -79,14 +81,16 @@ void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout) {
   const std::string what =
       fmt::format("TIFF picture of {} x {} pixels", layout.width, layout.height);
   constexpr uint32_t kMostPixels = std::numeric_limits<int>::max();
-  if (layout.width > kMostPixels || layout.height > kMostPixels)
+  if (layout.width > kMostPixels || layout.height > kMostPixels) {
     throw LimitError(what + ": too wide or too high");
+  }
   const TiffBlockGrid& grid = layout.grid;
   const uint64_t targetRow = StrideBytes(layout.width, PixelBits(layout.format));
   uint64_t need = Times(targetRow, layout.height);
   uint64_t decoded = need;
-  if (layout.rows == TiffRowKind::stretched)
+  if (layout.rows == TiffRowKind::stretched) {
     need = Plus(need, Times(Times(sizeof(double), layout.width), layout.height));
+  }
   if (layout.rows == TiffRowKind::library) {
     const uint64_t band = Times(Times(4, layout.width), std::min(layout.height, grid.height));
     need = Plus(need, band);
@@ -98,8 +102,9 @@ void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout) {
   }
   RequirePictureMemory(need, what);
   if (decoded <= AlwaysAllowed()) return;
-  if (Times(PackedBytes(handle, layout), LargestRatio(layout)) < decoded)
+  if (Times(PackedBytes(handle, layout), LargestRatio(layout)) < decoded) {
     throw FormatError(what + ": the file is far too small to hold it");
+  }
 }
 
 }  // namespace rasterkit::detail

@@ -133,8 +133,9 @@ class InkRows : public NumberWriter {
     words_.resize(4 * width);
     bgr_.resize(3 * width);
     for (size_t x = 0; x < width; x++, pixels += Pitch()) {
-      for (size_t i = 0; i < 4; i++)
+      for (size_t i = 0; i < 4; i++) {
         words_[4 * x + i] = static_cast<uint16_t>(OfFull(Share(pixels[i]), 65535));
+      }
     }
     inks_->ToBgr(words_.data(), width, bgr_.data());
   }
@@ -168,8 +169,9 @@ class LabRows : public NumberWriter {
   void ToPoint(const double* pixel, double* point) const {
     const double unit = Layout().bits == 16 ? 256 : 1;
     point[0] = pixel[0] / (256 * unit - 1) * 100;
-    if (Layout().number == TiffNumber::signedInteger && pixel[0] < 0)
+    if (Layout().number == TiffNumber::signedInteger && pixel[0] < 0) {
       point[0] = (pixel[0] + 256 * unit) / (256 * unit - 1) * 100;
+    }
     for (int i = 1; i < 3; i++) {
       double value = pixel[i] / unit;
       if (Layout().photometric == PHOTOMETRIC_ICCLAB) {
@@ -194,8 +196,9 @@ class StretchedRows : public NumberWriter {
  protected:
   void WritePixels(const double* pixel, size_t width, uint8_t* target) override {
     auto* numbers = reinterpret_cast<double*>(target);
-    for (size_t x = 0; x < width; x++, pixel += Pitch())
+    for (size_t x = 0; x < width; x++, pixel += Pitch()) {
       numbers[x] = Layout().isInverted ? -pixel[0] : pixel[0];
+    }
   }
 };
 

@@ -14,8 +14,9 @@ template <typename Read>
 void ForEachSample(const uint8_t* row, size_t bytes, const TiffSampleRange& range, double* numbers,
                    size_t targetStep, const Read& read) {
   const uint8_t* sample = row + range.first * bytes;
-  for (size_t i = 0; i < range.count; i++, sample += range.step * bytes, numbers += targetStep)
+  for (size_t i = 0; i < range.count; i++, sample += range.step * bytes, numbers += targetStep) {
     *numbers = read(sample);
+  }
 }
 
 template <typename T>

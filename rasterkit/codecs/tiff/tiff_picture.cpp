@@ -130,9 +130,10 @@ uint32_t BlockWorker::ReadPiece(uint32_t position, const Place& place, uint32_t 
   for (const uint16_t plane : layout_.planes) {
     uint8_t* target = rows_.Data() + planeBytes * planes_.size();
     planes_.push_back(target);
-    if (there > 0)
+    if (there > 0) {
       there =
           std::min(there, reader_.Read(plane * grid.PerPlane() + position, first, rows, target));
+    }
   }
   return there;
 }
@@ -154,8 +155,9 @@ void BlockWorker::FillRows(const Place& place, uint32_t y, uint32_t rows) const 
   for (uint32_t i = 0; i < rows; i++) {
     uint8_t* pixel = Pixel(place, y + i);
     if (isEven) std::memset(pixel, blank[0], bytes);
-    for (size_t at = 0; !isEven && at < bytes; at += pixelBytes)
+    for (size_t at = 0; !isEven && at < bytes; at += pixelBytes) {
       std::memcpy(pixel + at, blank.data(), pixelBytes);
+    }
   }
 }
 
@@ -179,8 +181,9 @@ TiffOutcome OutcomeOf(const Job& job) {
   for (const auto& [position, fault] : job.faults) {
     for (const std::string& note : fault.notes) {
       if (outcome.notes.size() < kMostNotes &&
-          std::find(outcome.notes.begin(), outcome.notes.end(), note) == outcome.notes.end())
+          std::find(outcome.notes.begin(), outcome.notes.end(), note) == outcome.notes.end()) {
         outcome.notes.push_back(note);
+      }
     }
     if (fault.missingRows == 0) continue;
     const Place place = PlaceOf(layout, position);

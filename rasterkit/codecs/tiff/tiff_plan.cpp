@@ -46,8 +46,9 @@ std::vector<uint16_t> ColorMapOf(const HPALETTE& palette, int bits) {
   map.reserve(3 * static_cast<size_t>(count));
   for (const auto channel :
        {&tagPALETTEENTRY::peRed, &tagPALETTEENTRY::peGreen, &tagPALETTEENTRY::peBlue}) {
-    for (int i = 0; i < count; i++)
+    for (int i = 0; i < count; i++) {
       map.push_back(static_cast<uint16_t>(palette.Entry(i).*channel * 257));
+    }
   }
   return map;
 }
@@ -129,10 +130,12 @@ bool NeedsBigTiff(uint64_t rowBytes, uint64_t height, uint16_t compression) {
 }
 
 TiffPlan PlanTiff(const Raster& raster, const TiffWriteOptions& options) {
-  if (raster.Width() == 0 || raster.Height() == 0)
+  if (raster.Width() == 0 || raster.Height() == 0) {
     throw FormatError("TIFF: an empty picture cannot be written");
-  if (raster.Format() == pf15bit || raster.Format() == pf16bit)
+  }
+  if (raster.Format() == pf15bit || raster.Format() == pf16bit) {
     throw FormatError("TIFF: pixels of 15 or 16 bits cannot be written");
+  }
   TiffPlan plan;
   plan.width = static_cast<uint32_t>(raster.Width());
   plan.height = static_cast<uint32_t>(raster.Height());

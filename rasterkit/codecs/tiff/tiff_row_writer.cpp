@@ -183,8 +183,10 @@ bool IsPlain(const TiffLayout& layout, int bits, int samples) {
 }
 
 std::unique_ptr<TiffRowWriter> MakeIntegerWriter(const TiffLayout& layout) {
-  if (IsPlain(layout, 8, 4) && layout.alphaAt == 3 && layout.channels == 3 && !layout.isAssociated)
+  if (IsPlain(layout, 8, 4) && layout.alphaAt == 3 && layout.channels == 3 &&
+      !layout.isAssociated) {
     return std::make_unique<RgbaRows>();
+  }
   std::unique_ptr<TiffRowWriter> writer;
   if (layout.bits == 8) {
     writer = std::make_unique<IntegerRows<uint8_t>>(layout);
@@ -207,8 +209,9 @@ void JoinSamples(const uint8_t* const* planes, size_t count, size_t bytes, size_
   for (size_t plane = 0; plane < count; plane++) {
     const uint8_t* source = planes[plane];
     uint8_t* place = target + plane * bytes;
-    for (size_t x = 0; x < width; x++, source += bytes, place += count * bytes)
+    for (size_t x = 0; x < width; x++, source += bytes, place += count * bytes) {
       std::memcpy(place, source, bytes);
+    }
   }
 }
 
@@ -224,8 +227,9 @@ std::unique_ptr<TiffRowWriter> MakeRowWriter(const TiffLayout& layout, const Tif
     case TiffRowKind::integers:
       return MakeIntegerWriter(layout);
     case TiffRowKind::cmyk:
-      if (IsPlain(layout, 8, 4) && !colors.inks && layout.number == TiffNumber::unsignedInteger)
+      if (IsPlain(layout, 8, 4) && !colors.inks && layout.number == TiffNumber::unsignedInteger) {
         return std::make_unique<Cmyk8Rows>();
+      }
       break;
     default:
       break;

@@ -32,8 +32,9 @@ void PackOnThreads(TiffOutput& output, const Raster& raster, const TiffPlan& pla
     try {
       TiffStripRows rows(raster, plan);
       TiffStripPacker packer(plan);
-      while (const auto strip = queue.Next())
+      while (const auto strip = queue.Next()) {
         queue.Put(*strip, packer.Pack(*strip, rows.Strip(*strip)));
+      }
     } catch (...) {
       queue.Stop();
       throw;
@@ -53,8 +54,9 @@ std::span<const uint8_t> TiffStripRows::Strip(uint32_t strip) {
   if (plan_.order == TiffRowOrder::same && isContiguous) return {raster_.Row(y), bytes};
   if (rows_.Size() < bytes) rows_ = PixelMemory(bytes);
   uint8_t* target = rows_.Data();
-  for (int i = 0; i < static_cast<int>(count); i++, target += plan_.rowBytes)
+  for (int i = 0; i < static_cast<int>(count); i++, target += plan_.rowBytes) {
     WriteRow(raster_.Row(y + i), target);
+  }
   return {rows_.Data(), bytes};
 }
 

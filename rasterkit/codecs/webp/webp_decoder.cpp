@@ -90,8 +90,9 @@ Picture PictureOfFrameChunk(Bytes chunk) {
   picture.data = chunk.subspan(kHeader);
   TakeFeatures(picture, FeaturesOf(picture.data));
   if (picture.width != LittleEndian24(chunk.subspan(6)) + 1 ||
-      picture.height != LittleEndian24(chunk.subspan(9)) + 1)
+      picture.height != LittleEndian24(chunk.subspan(9)) + 1) {
     throw FormatError("WebP: the animation's first picture does not have its stated size");
+  }
   return picture;
 }
 
@@ -101,8 +102,10 @@ Picture FirstPictureOfAnimation(Bytes bytes, const WebPBitstreamFeatures& canvas
     Picture picture = PictureOfFrameChunk(chunks.Data());
     picture.canvasWidth = canvas.width;
     picture.canvasHeight = canvas.height;
-    if (picture.left + picture.width > canvas.width || picture.top + picture.height > canvas.height)
+    if (picture.left + picture.width > canvas.width ||
+        picture.top + picture.height > canvas.height) {
       throw FormatError("WebP: the animation's first picture lies outside of its canvas");
+    }
     return picture;
   }
   throw FormatError("WebP: the animation's first picture is missing");
@@ -129,8 +132,9 @@ void RequirePlausibleSize(const Picture& picture) {
   RequirePictureMemory(rows + bytesKept * Area(picture.width, picture.height), what);
   if (rows > kAlwaysAllowed &&
       Area(picture.canvasWidth, picture.canvasHeight) / Area(picture.width, picture.height) >
-          kLargestCanvasOverPicture)
+          kLargestCanvasOverPicture) {
     throw FormatError(what + ": the canvas is far too large for its first picture");
+  }
 }
 
 struct DecoderEnd {
@@ -173,8 +177,9 @@ ColorProfile ProfileOf(Bytes bytes, CodecReport& report) {
   for (detail::WebpChunks chunks(bytes); chunks.Next() && chunks.IsWhole();) {
     if (!chunks.IsNamed("ICCP")) continue;
     const Bytes profile = chunks.Data();
-    if (detail::ProfileFits(profile, detail::ProfileSpace::rgb))
+    if (detail::ProfileFits(profile, detail::ProfileSpace::rgb)) {
       return std::make_shared<const std::vector<uint8_t>>(profile.begin(), profile.end());
+    }
     report.warnings.emplace_back(
         "WebP: the color profile is invalid or of another kind and is ignored");
     return nullptr;
@@ -208,9 +213,10 @@ Raster DecodeWebp(Bytes bytes, CodecReport* report) {
   } else if (detail::IsWebpCutOff(bytes)) {
     noticed.warnings.emplace_back("WebP: the file is cut off");
   }
-  if (report)
+  if (report) {
     std::move(noticed.warnings.begin(), noticed.warnings.end(),
               std::back_inserter(report->warnings));
+  }
   return raster;
 }
 

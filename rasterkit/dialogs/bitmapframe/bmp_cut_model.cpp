@@ -64,8 +64,9 @@ void BmpCutModel::TakeBitmap(TBitmap& bitmap) {
       isFirst || bitmap.Width() != fBitmapRect.Right || bitmap.Height() != fBitmapRect.Bottom;
   isReleased_ = false;
   if (sizeChanged) history_.Forget();
-  if (GetCutRectExists() && sizeChanged && fBitmapRect.Right > 0)
+  if (GetCutRectExists() && sizeChanged && fBitmapRect.Right > 0) {
     fBmpCutRect.Scale(static_cast<double>(bitmap.Width()) / fBitmapRect.Right);
+  }
   fOrgBitmap = &bitmap;
   fBitmapRect = {0, 0, bitmap.Width(), bitmap.Height()};
   FillDarkedBitmap();

@@ -115,14 +115,18 @@ void BmpCutModel::DragFrame(int x, int y) {
 void BmpCutModel::DragEdges(int x, int y) {
   const double least = 2.0 * fMarkWidth;
   const Edges edges = EdgesOf(fDraggedObject);
-  if (edges.left)
+  if (edges.left) {
     fCutRect.Left = std::max(std::min<double>(x, fCutRect.Right - least), fPaintRect.Left);
-  if (edges.top)
+  }
+  if (edges.top) {
     fCutRect.Top = std::max(std::min<double>(y, fCutRect.Bottom - least), fPaintRect.Top);
-  if (edges.right)
+  }
+  if (edges.right) {
     fCutRect.Right = std::min(std::max<double>(x, fCutRect.Left + least), fPaintRect.Right);
-  if (edges.bottom)
+  }
+  if (edges.bottom) {
     fCutRect.Bottom = std::min(std::max<double>(y, fCutRect.Top + least), fPaintRect.Bottom);
+  }
 }
 
 void BmpCutModel::MouseUp(CutButton button, int, int) {

@@ -131,8 +131,9 @@ void TBmpCutRect::OnMouseWheel(TPaintBox&, QWheelEvent& event) {
   wheelDelta_ += delta;
   const QPoint point = event.position().toPoint();
   bool handled = true;
-  for (; std::abs(wheelDelta_) >= kNotch; wheelDelta_ -= wheelDelta_ > 0 ? kNotch : -kNotch)
+  for (; std::abs(wheelDelta_) >= kNotch; wheelDelta_ -= wheelDelta_ > 0 ? kNotch : -kNotch) {
     OnMouseWheel(wheelDelta_, {point.x(), point.y()}, handled);
+  }
   event.setAccepted(handled);
 }
 
@@ -233,22 +234,25 @@ void TBmpCutRect::RefineForAWhile() {
   if (DragIsActive() || fPaintBox == nullptr) return;
   QElapsedTimer clock;
   clock.start();
-  while (pictureView_.RefineRows(kRowsAtATime))
+  while (pictureView_.RefineRows(kRowsAtATime)) {
     if (clock.elapsed() >= kRefiningSlice) return refineTimer_.start(0);
+  }
   fPaintBox->update();
 }
 
 void TBmpCutRect::DrawCutArea(QPainter& painter) const {
   const QColor color = QtColor(FrameColor());
   for (const RMarkRect& mark : MarkRects()) painter.fillRect(QtRect(mark.RectData), color);
-  for (const TRect& strip : OutlineStrips(CutRect().ToRect(), FrameWidth(), ClientRect()))
+  for (const TRect& strip : OutlineStrips(CutRect().ToRect(), FrameWidth(), ClientRect())) {
     painter.fillRect(QtRect(strip), color);
+  }
 }
 
 void TBmpCutRect::DrawCutRectXor(QPainter& painter) const {
   painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
-  for (const TRect& strip : OutlineStrips(CutRect().ToRect(), FrameWidth(), ClientRect()))
+  for (const TRect& strip : OutlineStrips(CutRect().ToRect(), FrameWidth(), ClientRect())) {
     painter.fillRect(QtRect(strip), QColor(kOutlineColor));
+  }
   painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }
 

@@ -46,8 +46,9 @@ void TFormCropBitmap::ConnectControls() {
           &TFormCropBitmap::SpeedButtonUndoClick);
   connect(ui_->SpeedButtonWhole, &QPushButton::clicked, this,
           &TFormCropBitmap::SpeedButtonWholeClick);
-  for (QSpinBox* edit : {ui_->SpEdLeft, ui_->SpEdTop, ui_->SpEdWidth, ui_->SpEdHeight})
+  for (QSpinBox* edit : {ui_->SpEdLeft, ui_->SpEdTop, ui_->SpEdWidth, ui_->SpEdHeight}) {
     connect(edit, &QSpinBox::valueChanged, this, &TFormCropBitmap::SpEdChange);
+  }
   connect(ui_->NaviResult, &TNavigator::postClicked, this, &QDialog::accept);
   connect(ui_->NaviResult, &TNavigator::cancelClicked, this, &QDialog::reject);
 

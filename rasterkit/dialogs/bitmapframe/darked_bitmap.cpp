@@ -42,8 +42,9 @@ TBitmap DarkedBitmap::Make(const TBitmap& picture) const {
     uint8_t* pixel = result.ScanLine(y);
     for (int x = 0; x < result.Width(); ++x, pixel += step) {
       if (IsLit(x, y)) continue;
-      for (int channel = 0; channel < 3; ++channel)
+      for (int channel = 0; channel < 3; ++channel) {
         pixel[channel] = static_cast<uint8_t>(pixel[channel] / 2);
+      }
     }
   }
   return result;

@@ -125,11 +125,13 @@ bool PictureView::RefineRows(int count) {
   band.Canvas().StretchDraw(place, *picture_);
   const size_t start = static_cast<size_t>(seen.Left) * 4;
   const size_t bytes = static_cast<size_t>(seen.Right - seen.Left) * 4;
-  for (int y = first; y < end; ++y)
+  for (int y = first; y < end; ++y) {
     std::memcpy(plain_.ScanLine(y) + start, band.ScanLine(y - first) + start, bytes);
+  }
   refinedRows_ = end;
-  if (darkening_)
+  if (darkening_) {
     for (int y = first; y < end; ++y) DarkenRow(y, *darkening_);
+  }
   return end < seen.Bottom;
 }
 
@@ -154,8 +156,9 @@ void PictureView::DarkenRow(int y, const DarkedBitmap& darkening) {
   MakeBrightness(SourceUnder(y, window_.place.Top, window_.place.Bottom, picture_->Height()),
                  darkening);
   const uint32_t* const stays = brightness_.data();
-  for (int x = 0; x < window_.width; ++x)
+  for (int x = 0; x < window_.width; ++x) {
     target[x] = (source[x] & stays[x]) | (Halved(source[x]) & ~stays[x]);
+  }
 }
 
 void PictureView::MakeBrightness(int sourceY, const DarkedBitmap& darkening) {

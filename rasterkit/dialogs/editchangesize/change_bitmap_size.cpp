@@ -13,10 +13,11 @@ std::unique_ptr<TBitmap> ChangeBitmapSize(const TBitmap* bitmap, int32_t width, 
   resized->SetPixelFormat(bitmap->PixelFormat());
   resized->SetPalette(bitmap->Palette());
   resized->SetSize(width, height);
-  if (stretch)
+  if (stretch) {
     resized->Canvas().StretchDraw({0, 0, width, height}, *bitmap);
-  else
+  } else {
     resized->Canvas().Draw(0, 0, *bitmap);
+  }
   return resized;
 }
 

@@ -23,8 +23,9 @@ TFormChangeSize::TFormChangeSize(ChangeSizeModel& model, QWidget* parent)
   ui_->CheckProp->setChecked(model.Proportional());
   ui_->FlEdW->selectAll();
   model_.OnField = [this](Field field, double value) { EditOf(field).setValue(value); };
-  for (TFloatEdit* edit : {ui_->FlEdW, ui_->FlEdH})
+  for (TFloatEdit* edit : {ui_->FlEdW, ui_->FlEdH}) {
     connect(edit, &TFloatEdit::valueChanged, this, [this, edit] { FlEdChange(*edit); });
+  }
   connect(ui_->CheckProp, &QCheckBox::toggled, this,
           [this](bool checked) { model_.SetProportional(checked); });
   connect(ui_->ButtonOK, &QPushButton::clicked, this, &QDialog::accept);

@@ -6,8 +6,9 @@ EditControls::EditControls(EditPdfBmpView& view) : view_(view) {
   // The cut is applied when the picture is saved, so its button has no function.
   for (const EditControl hidden :
        {EditControl::SpeedButtonCut, EditControl::LabelDpiX, EditControl::CoBoResolution,
-        EditControl::LabelPage, EditControl::SpinEditPage, EditControl::LabelPageSize})
+        EditControl::LabelPage, EditControl::SpinEditPage, EditControl::LabelPageSize}) {
     Of(hidden).visible = false;
+  }
   Of(EditControl::SpeedButtonCut).enabled = false;
   TakeText(EditControl::CoBoResolution, "150");
   TakeText(EditControl::CoBoRotation, "0");
@@ -21,8 +22,9 @@ void EditControls::ShowAll() {
     view_.SetEnabled(control, Enabled(control));
   }
   ShowDown();
-  for (const EditControl box : {EditControl::CoBoResolution, EditControl::CoBoRotation})
+  for (const EditControl box : {EditControl::CoBoResolution, EditControl::CoBoRotation}) {
     view_.SetText(box, Text(box));
+  }
   view_.SetPage(page_, lastPage_);
 }
 

@@ -11,7 +11,7 @@
 namespace rasterkit {
 namespace {
 
-const bool isInstalled = [] {
+const bool kIsInstalled = [] {
   InstalledPdfPageDialog() = ConvertPdfPageToBmpDialog;
   return true;
 }();
@@ -46,10 +46,11 @@ bool EditGraphic(const std::string& dir, std::string& fileName, std::unique_ptr<
   TFormEditPdfBmp form;
   EditPdfBmpModel& model = form.Model();
   model.SetOrgCaption(ResourceString(rsEditBitmap));
-  if (fileName.empty())
+  if (fileName.empty()) {
     model.SetBmpDir(dir);
-  else
+  } else {
     model.SetBmpFilename(dir + ExtractFileName(fileName));
+  }
   model.SetOrgGraphic(CopyGraphic(graphic.get()));
   if (form.ShowEditor() != mrOk) return false;
   std::unique_ptr<TGraphic> edited = model.GetOrgGraphic();

@@ -119,8 +119,9 @@ void EditPdfBmpModel::ResetForPage() {
   controls_.SetText(EditControl::CoBoRotation, "0");
   for (const EditControl button :
        {EditControl::SpeedButtonMirror, EditControl::SpeedButtonGrayScale,
-        EditControl::SpeedButtonBlackWhite})
+        EditControl::SpeedButtonBlackWhite}) {
     controls_.SetDown(button, false);
+  }
 }
 
 /// Sets a new work bitmap; the previous one is kept for undo if memory allows.

@@ -108,8 +108,9 @@ void EditPdfBmpModel::SpeedButtonOpenClick() {
   Handle([&] {
     const std::string& now = names_.fOrgFilename;
     std::string name;
-    if (BitmapOpenDialog(ExtractFilePath(now), ExtractFileExt(now), bfLoadBmp, name, true))
+    if (BitmapOpenDialog(ExtractFilePath(now), ExtractFileExt(now), bfLoadBmp, name, true)) {
       OpenOther(name);
+    }
   });
 }
 

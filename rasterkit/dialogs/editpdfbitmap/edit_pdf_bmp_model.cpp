@@ -29,8 +29,9 @@ std::unique_ptr<TGraphic> GraphicOfType(TBitmap& bitmap, int type) {
 EditPdfBmpModel::EditPdfBmpModel(EditPdfBmpView& view, BmpCutModel& cutRect)
     : view_(view), fBmpCutRect(cutRect), controls_(view) {
   SetOrgCaption(ResourceString(rsEditConvertPdf));
-  if (const auto dpi = ReadResolution())
+  if (const auto dpi = ReadResolution()) {
     controls_.SetText(EditControl::CoBoResolution, std::to_string(*dpi));
+  }
   fBmpCutRect.OnStateChanged = [this](BmpCutModel&) { CutRectChanged(); };
   CutRectChanged();
   ShowAvailability();
@@ -130,15 +131,17 @@ void EditPdfBmpModel::SetIsPDF(bool isPdf) {
   helpContext_ = isPdf ? kHelpOfPdf : kHelpOfGraphic;
   ShowPageControls();
   ShowEditButton(!isPdf);
-  for (const EditControl control : {EditControl::LabelDpiX, EditControl::CoBoResolution})
+  for (const EditControl control : {EditControl::LabelDpiX, EditControl::CoBoResolution}) {
     controls_.SetVisible(control, isPdf);
+  }
   ShowPageSize();
 }
 
 void EditPdfBmpModel::ShowPageControls() {
   const int pages = names_.fIsPDF ? fPdfFile->PageCount() : 0;
-  for (const EditControl control : {EditControl::LabelPage, EditControl::SpinEditPage})
+  for (const EditControl control : {EditControl::LabelPage, EditControl::SpinEditPage}) {
     controls_.SetVisible(control, pages > 1);
+  }
   if (!names_.fIsPDF) return;
   controls_.SetText(EditControl::LabelPage,
                     FormatText(ResourceString(rsEditPages), std::array{std::to_string(pages)}));
@@ -146,8 +149,9 @@ void EditPdfBmpModel::ShowPageControls() {
   // A picture of one bit may have been there before.
   for (const EditControl button :
        {EditControl::SpeedButton256Colors, EditControl::SpeedButtonGrayScale,
-        EditControl::SpeedButtonBlackWhite})
+        EditControl::SpeedButtonBlackWhite}) {
     controls_.SetEnabled(button, true);
+  }
 }
 
 /// A page of a PDF is not edited further. The cut button stays hidden in both cases.

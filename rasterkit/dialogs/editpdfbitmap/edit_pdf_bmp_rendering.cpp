@@ -238,8 +238,9 @@ void EditPdfBmpModel::CheckBmpAction() {
   controls_.SetEnabled(EditControl::SpeedButton256Colors, format == pf24bit || format == pf32bit);
   for (const EditControl control :
        {EditControl::SpeedButtonGrayScale, EditControl::SpeedButtonBlackWhite,
-        EditControl::SpeedButtonEdit})
+        EditControl::SpeedButtonEdit}) {
     controls_.SetEnabled(control, format != pf1bit);
+  }
 }
 
 }  // namespace rasterkit

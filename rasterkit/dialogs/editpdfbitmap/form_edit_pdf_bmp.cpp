@@ -32,8 +32,9 @@ constexpr int kNotch = 120;
 
 /// Returns the first local file that is dropped; empty if there is none.
 QString FileIn(const QMimeData& data) {
-  for (const QUrl& url : data.urls())
+  for (const QUrl& url : data.urls()) {
     if (url.isLocalFile()) return url.toLocalFile();
+  }
   return {};
 }
 

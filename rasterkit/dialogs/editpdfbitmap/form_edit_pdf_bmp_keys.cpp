@@ -45,8 +45,9 @@ std::optional<ComboKey> ComboKeyOf(const QKeyEvent& event) {
   if (event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Delete) return ComboKey::backspace;
   if (event.matches(QKeySequence::Cut)) return ComboKey::backspace;
   if (event.matches(QKeySequence::Paste)) return ComboKey::digit;
-  if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+  if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) {
     return std::nullopt;
+  }
   const QString text = event.text();
   if (text.isEmpty() || !text[0].isPrint()) return std::nullopt;
   if (text[0] >= u'0' && text[0] <= u'9') return ComboKey::digit;
@@ -61,9 +62,11 @@ bool HasPageToCome(const QSpinBox& box) {
 }  // namespace
 
 void TFormEditPdfBmp::WatchKeyboard() {
-  for (QWidget* widget : findChildren<QWidget*>())
-    if (widget->focusPolicy() != Qt::NoFocus && widget->focusProxy() == nullptr)
+  for (QWidget* widget : findChildren<QWidget*>()) {
+    if (widget->focusPolicy() != Qt::NoFocus && widget->focusProxy() == nullptr) {
       widget->installEventFilter(this);
+    }
+  }
 }
 
 bool TFormEditPdfBmp::eventFilter(QObject* watched, QEvent* event) {
@@ -92,8 +95,9 @@ void TFormEditPdfBmp::LeaveBox(const QObject& box) {
 
 bool TFormEditPdfBmp::KeyDown(const QObject& receiver, const QKeyEvent& event) {
   const std::optional<ComboKey> comboKey = ComboKeyOf(event);
-  if (comboKey && &receiver == ui_->CoBoResolution)
+  if (comboKey && &receiver == ui_->CoBoResolution) {
     return !model_->CoBoResolutionKeyPress(*comboKey);
+  }
   if (comboKey && &receiver == ui_->CoBoRotation) return !model_->CoBoRotationKeyPress(*comboKey);
   if (PressButton(receiver, event) || TakePage(receiver, event)) return true;
   if (IsForPage(receiver, event)) return false;
@@ -138,8 +142,9 @@ void TFormEditPdfBmp::keyReleaseEvent(QKeyEvent* event) {
 }
 
 void TFormEditPdfBmp::TellIfCtrlIsHeld() {
-  if (QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier))
+  if (QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier)) {
     model_->FormKeyDown(EditKey::other, true);
+  }
 }
 
 }  // namespace rasterkit

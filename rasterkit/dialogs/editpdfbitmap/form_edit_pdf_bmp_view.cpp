@@ -116,10 +116,11 @@ void TFormEditPdfBmp::Repaint() {
 void TFormEditPdfBmp::ShowHourglass(bool shown) {
   if (shown == hasHourglass_) return;
   hasHourglass_ = shown;
-  if (shown)
+  if (shown) {
     QApplication::setOverrideCursor(Qt::WaitCursor);
-  else
+  } else {
     QApplication::restoreOverrideCursor();
+  }
 }
 
 void TFormEditPdfBmp::ShowRendering(bool active) {

@@ -24,9 +24,10 @@ void ValueChange::Run(int32_t task, TBitmap& bitmap) const {
   if (task == kTaskBrightness) Helligkeit(&bitmap, lightness, kThreads, nullptr);
   if (task == kTaskContrast) Kontrast(&bitmap, contrast, kThreads, nullptr);
   if (task == kTaskSharpen) Sharpen(&bitmap, sharpen);
-  if (task == kTaskColors)
+  if (task == kTaskColors) {
     ShiftColors(&bitmap, static_cast<float>(red), static_cast<float>(green),
                 static_cast<float>(blue));
+  }
 }
 
 void ValueChange::ApplyTo(TBitmap& bitmap) const {

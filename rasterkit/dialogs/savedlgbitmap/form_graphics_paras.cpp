@@ -26,8 +26,9 @@ TFormGraphicsParas::TFormGraphicsParas(QWidget* parent)
     edit->setMaximum(INT32_MAX);
   }
   // The panels and the edits are shown alternately in the same place.
-  for (QLabel* panel : {ui_->PanBmpW, ui_->PanBmpH})
+  for (QLabel* panel : {ui_->PanBmpW, ui_->PanBmpH}) {
     panel->setMinimumHeight(ui_->FlEdWidth->sizeHint().height());
+  }
   ShowPixelEdits(false);
   resize(sizeHint());
   heightToShow_ = height();
@@ -148,8 +149,9 @@ void TFormGraphicsParas::SetText(ParasText text, const std::string& content) {
 void TFormGraphicsParas::ShowPixelEdits(bool shown) {
   // The mnemonic of the one label would belong to a hidden field while the panels are shown.
   for (QWidget* part :
-       std::initializer_list<QWidget*>{ui_->LabPixelEdits, ui_->FlEdWidth, ui_->FlEdHeight})
+       std::initializer_list<QWidget*>{ui_->LabPixelEdits, ui_->FlEdWidth, ui_->FlEdHeight}) {
     part->setVisible(shown);
+  }
   for (QLabel* part : {ui_->LabBmpPixels, ui_->PanBmpW, ui_->PanBmpH}) part->setVisible(!shown);
 }
 

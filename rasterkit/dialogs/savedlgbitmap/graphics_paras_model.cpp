@@ -97,8 +97,9 @@ void GraphicsParasModel::SetBmpSize(int32_t width, int32_t height) {
 void GraphicsParasModel::SetSaveOptions(const TrecSaveBitmap& rec) {
   const Setting setting(*this);
   rec_ = rec;
-  if (rec_.JpgQuality < kLeastQuality || rec_.JpgQuality > kMostQuality)
+  if (rec_.JpgQuality < kLeastQuality || rec_.JpgQuality > kMostQuality) {
     rec_.JpgQuality = kUsualQuality;
+  }
   if (Visible(ParasGroup::type)) view_.SelectType(PositionOfGraphicType(rec_.BitmapFormat));
   SetBmpType(rec_.BitmapFormat);
   if (Visible(ParasGroup::resolution)) {

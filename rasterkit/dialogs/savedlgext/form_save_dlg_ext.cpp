@@ -31,8 +31,9 @@ class TFormSaveDlgExt::View final : public SaveDialogView, public Ui::FormSaveDl
   void ShowFilters(const std::vector<std::string>& descriptions) override {
     const QSignalBlocker quiet(FilterComboBox);
     FilterComboBox->clear();
-    for (const std::string& description : descriptions)
+    for (const std::string& description : descriptions) {
       FilterComboBox->addItem(ToQt(detail::ShownDescription(description)));
+    }
   }
   void ShowFilterPosition(int position) override {
     const QSignalBlocker quiet(FilterComboBox);
@@ -128,8 +129,9 @@ bool TFormSaveDlgExt::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::FocusOut) Application.Guard([this] { model_->EditPathExit(); });
   if (event->type() != QEvent::KeyPress) return TScaledForm::eventFilter(watched, event);
   const int key = static_cast<QKeyEvent*>(event)->key();
-  if (key != Qt::Key_Return && key != Qt::Key_Enter)
+  if (key != Qt::Key_Return && key != Qt::Key_Enter) {
     return TScaledForm::eventFilter(watched, event);
+  }
   // Enter applies to the folder here, not to the save button.
   Application.Guard([this] { model_->EditPathEnter(); });
   return true;

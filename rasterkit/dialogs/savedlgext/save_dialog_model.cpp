@@ -143,8 +143,9 @@ void SaveDialogModel::ButtonOptionsClick() {
 void SaveDialogModel::ButtonPathClick() {
   std::string folder = path_;
   // The prompt is the overwrite question with its placeholder unfilled.
-  if (SelectDirectoryEx(folder, ResourceString(rsSaveFileExistsPrompt), kFolderChooserOptions))
+  if (SelectDirectoryEx(folder, ResourceString(rsSaveFileExistsPrompt), kFolderChooserOptions)) {
     SetInitialDir(folder);
+  }
 }
 
 void SaveDialogModel::OKButtonClick() {

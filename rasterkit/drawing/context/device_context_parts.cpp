@@ -80,8 +80,8 @@ const DeviceContext::Parts::PenParts& DeviceContext::Parts::Pen() {
   const LogicalPen& pen = state.pen ? *state.pen : UsualPen();
   PenParts parts;
   parts.ink.pixel = PixelOf(pen.color);
-  bool draws = (pen.style & pen_style::line) != pen_style::null;
-  if (pen.brush && (pen.style & pen_style::geometric)) {
+  bool draws = (pen.style & pen_style::kLine) != pen_style::kNull;
+  if (pen.brush && (pen.style & pen_style::kGeometric)) {
     const auto ink = InkOf(*pen.brush);
     draws = draws && ink;
     if (ink) parts.ink = *ink;

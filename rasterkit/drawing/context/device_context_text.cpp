@@ -26,20 +26,20 @@ double UsualEmHeight(const DeviceContext::Parts& parts) {
 /// Returns the reference point in the line's coordinates.
 PointD ReferenceOf(const TextLine& line, uint32_t align) {
   PointD reference;
-  if ((align & text_align::horizontal) == text_align::right) reference.x = line.width;
-  if ((align & text_align::horizontal) == text_align::center) reference.x = line.width / 2;
-  const uint32_t vertical = align & text_align::vertical;
-  if (vertical == text_align::top) reference.y = -line.ascent;
-  if (vertical == text_align::bottom) reference.y = line.descent;
+  if ((align & text_align::kHorizontal) == text_align::kRight) reference.x = line.width;
+  if ((align & text_align::kHorizontal) == text_align::kCenter) reference.x = line.width / 2;
+  const uint32_t vertical = align & text_align::kVertical;
+  if (vertical == text_align::kTop) reference.y = -line.ascent;
+  if (vertical == text_align::kBottom) reference.y = line.descent;
   return reference;
 }
 
 /// Moves the current position after a text with `updatePosition`; centered text does not move it.
 void MovePosition(DrawingState& state, const TextLine& line, const TextPlacement& placement,
                   PointD origin) {
-  const uint32_t side = state.textAlign & text_align::horizontal;
-  if (!(state.textAlign & text_align::updatePosition) || side == text_align::center) return;
-  const double sign = side == text_align::right ? -1 : 1;
+  const uint32_t side = state.textAlign & text_align::kHorizontal;
+  if (!(state.textAlign & text_align::kUpdatePosition) || side == text_align::kCenter) return;
+  const double sign = side == text_align::kRight ? -1 : 1;
   const Affine toDevice = state.ToDevice();
   const auto back = toDevice.Inverse();
   if (!back) return;
@@ -83,9 +83,9 @@ void FillTextBox(DeviceContext::Parts& parts, const RectD& box) {
 void DeviceContext::ExtTextOut(const TextRun& run) {
   Parts& parts = *parts_;
   DrawingState& state = parts.state;
-  const bool movesPosition = (state.textAlign & text_align::updatePosition) != 0;
+  const bool movesPosition = (state.textAlign & text_align::kUpdatePosition) != 0;
   const PointD origin = movesPosition ? state.position : Finite(run.origin);
-  const bool hasBox = run.box && (run.options & text_option::opaque) != 0;
+  const bool hasBox = run.box && (run.options & text_option::kOpaque) != 0;
   if (hasBox && !parts.isPathOpen) FillTextBox(parts, *run.box);
   if (run.text.empty()) return;
 
@@ -104,7 +104,7 @@ void DeviceContext::ExtTextOut(const TextRun& run) {
     parts.startsFigure = true;
   } else {
     std::optional<NarrowedClip> clip;
-    if (run.box && (run.options & text_option::clipped) != 0) {
+    if (run.box && (run.options & text_option::kClipped) != 0) {
       const RectD box = *run.box;
       clip.emplace(parts,
                    parts.Combined(parts.VisibleClip(), parts.AreaOf({&box, 1}, RegionUnit::logical),

@@ -22,7 +22,7 @@ ShapeFrame ShapeFrameOf(const DrawingState& state, const Affine& deviceToTarget,
 }
 
 void KeepInside(ShapeFrame& frame, const LogicalPen& pen) {
-  if ((pen.style & pen_style::line) != pen_style::insideFrame) return;
+  if ((pen.style & pen_style::kLine) != pen_style::kInsideFrame) return;
   const double inset = std::abs(pen.width) * frame.fromLogical.MeanScale() / 2;
   RectD& box = frame.lineBox;
   const double across = std::min(inset, box.Width() / 2), down = std::min(inset, box.Height() / 2);

@@ -84,33 +84,33 @@ enum class Rop2 : uint32_t {
 /// Ternary raster operations as stored in metafiles: bits 16 to 23 are the truth table, whose bit
 /// (4 brush + 2 source + picture) is the result. The low word is redundant.
 namespace rop3 {
-inline constexpr uint32_t sourceCopy = 0x00CC0020;
-inline constexpr uint32_t sourceAnd = 0x008800C6;
-inline constexpr uint32_t sourcePaint = 0x00EE0086;
-inline constexpr uint32_t sourceInvert = 0x00660046;
-inline constexpr uint32_t patternCopy = 0x00F00021;
-inline constexpr uint32_t patternInvert = 0x005A0049;
-inline constexpr uint32_t destinationInvert = 0x00550009;
-inline constexpr uint32_t blackness = 0x00000042;
-inline constexpr uint32_t whiteness = 0x00FF0062;
+inline constexpr uint32_t kSourceCopy = 0x00CC0020;
+inline constexpr uint32_t kSourceAnd = 0x008800C6;
+inline constexpr uint32_t kSourcePaint = 0x00EE0086;
+inline constexpr uint32_t kSourceInvert = 0x00660046;
+inline constexpr uint32_t kPatternCopy = 0x00F00021;
+inline constexpr uint32_t kPatternInvert = 0x005A0049;
+inline constexpr uint32_t kDestinationInvert = 0x00550009;
+inline constexpr uint32_t kBlackness = 0x00000042;
+inline constexpr uint32_t kWhiteness = 0x00FF0062;
 }  // namespace rop3
 
 /// Which point of the text its reference point is: the sum of one flag of each group.
 namespace text_align {
-inline constexpr uint32_t updatePosition = 1;
-inline constexpr uint32_t left = 0, right = 2, center = 6, horizontal = 6;
-inline constexpr uint32_t top = 0, bottom = 8, baseline = 24, vertical = 24;
-inline constexpr uint32_t rightToLeft = 256;
+inline constexpr uint32_t kUpdatePosition = 1;
+inline constexpr uint32_t kLeft = 0, kRight = 2, kCenter = 6, kHorizontal = 6;
+inline constexpr uint32_t kTop = 0, kBottom = 8, kBaseline = 24, kVertical = 24;
+inline constexpr uint32_t kRightToLeft = 256;
 }  // namespace text_align
 
 /// Text options, to be added.
 namespace text_option {
-inline constexpr uint32_t opaque = 0x0002;        ///< fills the rectangle with the background color
-inline constexpr uint32_t clipped = 0x0004;       ///< clips the text to the rectangle
-inline constexpr uint32_t glyphIndexes = 0x0010;  ///< glyph indexes instead of characters
-inline constexpr uint32_t rightToLeft = 0x0080;   ///< right-to-left text direction
-inline constexpr uint32_t asOrdered = 0x1000;     ///< characters are in visual order
-inline constexpr uint32_t pairs = 0x2000;         ///< steps also have a vertical part
+inline constexpr uint32_t kOpaque = 0x0002;   ///< fills the rectangle with the background color
+inline constexpr uint32_t kClipped = 0x0004;  ///< clips the text to the rectangle
+inline constexpr uint32_t kGlyphIndexes = 0x0010;  ///< glyph indexes instead of characters
+inline constexpr uint32_t kRightToLeft = 0x0080;   ///< right-to-left text direction
+inline constexpr uint32_t kAsOrdered = 0x1000;     ///< characters are in visual order
+inline constexpr uint32_t kPairs = 0x2000;         ///< steps also have a vertical part
 }  // namespace text_option
 
 /// Mirrors the page horizontally if bit 0 is set.

@@ -32,11 +32,11 @@ struct LogicalBrush {
 
 /// Values of a pen's `style` as stored in metafiles: the sum of one value of each group.
 namespace pen_style {
-inline constexpr uint32_t solid = 0, dash = 1, dot = 2, dashDot = 3, dashDotDot = 4, null = 5,
-                          insideFrame = 6, user = 7, alternate = 8, line = 0x0F;
-inline constexpr uint32_t roundCap = 0, squareCap = 0x100, flatCap = 0x200, cap = 0xF00;
-inline constexpr uint32_t roundJoin = 0, bevelJoin = 0x1000, miterJoin = 0x2000, join = 0xF000;
-inline constexpr uint32_t geometric = 0x10000;
+inline constexpr uint32_t kSolid = 0, kDash = 1, kDot = 2, kDashDot = 3, kDashDotDot = 4, kNull = 5,
+                          kInsideFrame = 6, kUser = 7, kAlternate = 8, kLine = 0x0F;
+inline constexpr uint32_t kRoundCap = 0, kSquareCap = 0x100, kFlatCap = 0x200, kCap = 0xF00;
+inline constexpr uint32_t kRoundJoin = 0, kBevelJoin = 0x1000, kMiterJoin = 0x2000, kJoin = 0xF000;
+inline constexpr uint32_t kGeometric = 0x10000;
 }  // namespace pen_style
 
 /// The pen that draws lines. A geometric pen has its width in logical units and its own caps and
@@ -44,7 +44,7 @@ inline constexpr uint32_t geometric = 0x10000;
 /// width. A thinner cosmetic pen may be dashed; width 0 means one pixel of the device. It is never
 /// drawn thinner than one pixel of the raster.
 struct LogicalPen {
-  uint32_t style = pen_style::solid;
+  uint32_t style = pen_style::kSolid;
   double width = 0;  ///< logical units; 0: one pixel of the device
   TColor color = clBlack;
   /// Lengths of dashes and gaps in turn, for the `user` style: in logical units for a geometric

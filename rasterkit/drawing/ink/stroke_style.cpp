@@ -23,15 +23,15 @@ std::span<const double> NamedDashes(uint32_t line, bool isGeometric) {
   static constexpr double kBroadDash[] = {3, 1}, kBroadDot[] = {1, 1},
                           kBroadDashDot[] = {3, 1, 1, 1}, kBroadDashDotDot[] = {3, 1, 1, 1, 1, 1};
   switch (line) {
-    case dash:
+    case kDash:
       return isGeometric ? std::span<const double>(kBroadDash) : kCosmeticDash;
-    case dot:
+    case kDot:
       return isGeometric ? std::span<const double>(kBroadDot) : kCosmeticDot;
-    case dashDot:
+    case kDashDot:
       return isGeometric ? std::span<const double>(kBroadDashDot) : kCosmeticDashDot;
-    case dashDotDot:
+    case kDashDotDot:
       return isGeometric ? std::span<const double>(kBroadDashDotDot) : kCosmeticDashDotDot;
-    case pen_style::alternate:
+    case pen_style::kAlternate:
       return isGeometric ? std::span<const double>() : kAlternating;
     default:
       return {};
@@ -41,9 +41,9 @@ std::span<const double> NamedDashes(uint32_t line, bool isGeometric) {
 /// `unit` is the length of 1 in the unit of the style. cairo rejects negative lengths and patterns
 /// of total length 0.
 std::vector<double> Dashes(const LogicalPen& pen, bool isGeometric, double width, double unit) {
-  const uint32_t line = pen.style & pen_style::line;
+  const uint32_t line = pen.style & pen_style::kLine;
   std::vector<double> dashes;
-  if (line == user) {
+  if (line == kUser) {
     const size_t count = std::min<size_t>(pen.dashes.size(), 16);
     for (size_t i = 0; i < count; ++i) {
       dashes.push_back(std::isfinite(pen.dashes[i]) ? std::abs(pen.dashes[i]) * unit : 0);
@@ -59,10 +59,10 @@ std::vector<double> Dashes(const LogicalPen& pen, bool isGeometric, double width
 }
 
 cairo_line_cap_t Cap(uint32_t style) {
-  switch (style & cap) {
-    case squareCap:
+  switch (style & kCap) {
+    case kSquareCap:
       return CAIRO_LINE_CAP_SQUARE;
-    case flatCap:
+    case kFlatCap:
       return CAIRO_LINE_CAP_BUTT;
     default:
       return CAIRO_LINE_CAP_ROUND;
@@ -70,10 +70,10 @@ cairo_line_cap_t Cap(uint32_t style) {
 }
 
 cairo_line_join_t Join(uint32_t style) {
-  switch (style & join) {
-    case bevelJoin:
+  switch (style & kJoin) {
+    case kBevelJoin:
       return CAIRO_LINE_JOIN_BEVEL;
-    case miterJoin:
+    case kMiterJoin:
       return CAIRO_LINE_JOIN_MITER;
     default:
       return CAIRO_LINE_JOIN_ROUND;
@@ -121,7 +121,7 @@ bool KeepsCircles(const Affine& map) {
 StrokeStyle Broad(const LogicalPen& pen, const PenSurroundings& around) {
   const Affine toTarget = around.toDevice.Then(around.deviceToTarget);
   const double width = std::abs(pen.width), scale = toTarget.MeanScale();
-  const bool isGeometric = (pen.style & geometric) != 0;
+  const bool isGeometric = (pen.style & kGeometric) != 0;
   StrokeStyle style;
   style.width = std::clamp(width * scale, 1.0, kMaxPenWidth);
   double unit = scale;
@@ -174,7 +174,7 @@ double StrokeStyle::Overhang() const {
 
 StrokeStyle StrokeStyleOf(const LogicalPen& pen, const PenSurroundings& around) {
   const double deviceWidth = std::abs(pen.width) * around.toDevice.MeanScale();
-  const bool isGeometric = (pen.style & geometric) != 0;
+  const bool isGeometric = (pen.style & kGeometric) != 0;
   const bool isCosmetic = isGeometric ? pen.width == 0 : !(deviceWidth > 1.5);
   StrokeStyle style = isCosmetic ? Cosmetic(pen, around) : Broad(pen, around);
   style.gapsAreFilled = !isGeometric && !style.dashes.empty();

@@ -97,15 +97,16 @@ void TakeHeights(TextLine& line, const LogicalFont& font, double usualEmHeight) 
 /// Returns the letters of a text in visual order; glyph indexes are already in it.
 std::vector<TextLetter> LettersOfRun(const TextRun& run, uint32_t align) {
   std::vector<TextLetter> letters;
-  if (run.options & text_option::glyphIndexes) {
+  if (run.options & text_option::kGlyphIndexes) {
     letters.reserve(run.text.size());
-    for (size_t i = 0; i < run.text.size(); ++i)
+    for (size_t i = 0; i < run.text.size(); ++i) {
       letters.push_back({run.text[i], i, 1, run.text[i]});
+    }
     return letters;
   }
-  if (run.options & text_option::asOrdered) return LettersOf(run.text);
+  if (run.options & text_option::kAsOrdered) return LettersOf(run.text);
   const bool runsLeft =
-      (run.options & text_option::rightToLeft) != 0 || (align & text_align::rightToLeft) != 0;
+      (run.options & text_option::kRightToLeft) != 0 || (align & text_align::kRightToLeft) != 0;
   return SeenLetters(run.text, runsLeft);
 }
 
@@ -122,8 +123,8 @@ TextLine LayOutText(const TextRun& run, const LogicalFont& font, const DrawingSt
   if (!line.face) return line;
   TakeHeights(line, font, usualEmHeight);
   const GlyphFinder finder(font, faces, *line.face);
-  const bool areIndexes = (run.options & text_option::glyphIndexes) != 0;
-  const bool arePairs = (run.options & text_option::pairs) != 0;
+  const bool areIndexes = (run.options & text_option::kGlyphIndexes) != 0;
+  const bool arePairs = (run.options & text_option::kPairs) != 0;
   const double breakExtra = state.breaks > 0 ? state.breakExtra / state.breaks : 0;
   PointD at;
   for (const TextLetter& letter : LettersOfRun(run, state.textAlign)) {

@@ -17,8 +17,9 @@ namespace rasterkit::kernels::HWY_NAMESPACE {
 /// `kBytes` is the distance from pixel to pixel: 3 for B G R, 4 for B G R A.
 template <int kBytes>
 void GrayOfPixels(const uint8_t* pixels, size_t count, uint8_t* gray) {
-  for (size_t i = 0; i < count; ++i, pixels += kBytes)
+  for (size_t i = 0; i < count; ++i, pixels += kBytes) {
     gray[i] = GrayOf(pixels[2], pixels[1], pixels[0]);
+  }
 }
 
 #if HWY_TARGET == HWY_SCALAR
@@ -183,8 +184,9 @@ HWY_INLINE bool AllAreEqual(const Quad& q) {
 /// (paper, scans) and need no table; runs of one other color need one look into it.
 HWY_INLINE Quad SettledSums(const Quad& ggrb, const Quad& sums) {
   const bool neutral = AllAreZero(ForEach([](LaneVector v) { return Tint(v); }, ggrb));
-  if (neutral)
+  if (neutral) {
     return ForEach([](LaneVector v, LaneVector sum) { return LowerNeutral(v, sum); }, ggrb, sums);
+  }
   if (AllAreEqual(ggrb)) {
     const auto sum = LowerByTable(ggrb.v0, sums.v0);
     return {sum, sum, sum, sum};

@@ -53,8 +53,9 @@ HWY_INLINE ReverseOrders MakeReverseOrders() {
 template <int kBytes>
 HWY_INLINE LaneVector LoadReversed(const ReverseOrders& orders, const uint8_t* pixels) {
   auto loaded = hn::LoadU(Bytes(), pixels);
-  if constexpr (hn::MaxLanes(Bytes()) > 16)
+  if constexpr (hn::MaxLanes(Bytes()) > 16) {
     loaded = hn::BitCast(Bytes(), hn::TableLookupLanes(hn::BitCast(Lanes(), loaded), orders.lanes));
+  }
   return hn::BitCast(Lanes(), hn::TableLookupBytes(loaded, orders.bytes));
 }
 
@@ -104,14 +105,16 @@ void BitsOfRow(const uint8_t* pixels, size_t width, int level, uint8_t* bits) {
   const size_t step = hn::Lanes(Bytes());
   const size_t touched = step + PixelsReadAhead<kBytes>(step);
   size_t x = 0;
-  for (; x + touched <= width; x += step)
+  for (; x + touched <= width; x += step) {
     BitsOfQuad<kBytes>(orders, test, pixels + x * kBytes, bits + x / 8);
+  }
   if (x == width) return;
   uint8_t rest[(2 * kBytes + 1) * kMaxVectorBytes] = {};
   uint8_t bitsOfRest[2 * kMaxVectorBytes / 8];
   std::memcpy(rest, pixels + x * kBytes, (width - x) * kBytes);
-  for (size_t i = 0; i < width - x; i += step)
+  for (size_t i = 0; i < width - x; i += step) {
     BitsOfQuad<kBytes>(orders, test, rest + i * kBytes, bitsOfRest + i / 8);
+  }
   std::memcpy(bits + x / 8, bitsOfRest, (width - x + 7) / 8);
   if (width % 8 != 0) bits[width / 8] |= static_cast<uint8_t>(255u >> width % 8);
 }

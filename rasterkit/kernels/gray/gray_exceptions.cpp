@@ -77,8 +77,9 @@ constexpr ByLevel SortByLevel() {
     levels[i] = static_cast<uint8_t>(sum / 1000);
     ++sorted.starts[levels[i] + size_t{1}];
   }
-  for (size_t i = 1; i < sorted.starts.size(); ++i)
+  for (size_t i = 1; i < sorted.starts.size(); ++i) {
     sorted.starts[i] = static_cast<uint16_t>(sorted.starts[i] + sorted.starts[i - 1]);
+  }
   std::array<uint16_t, 257> next = sorted.starts;
   for (size_t i = 0; i < levels.size(); ++i) {
     const uint32_t red = kExceptions[i] >> 8, green = kExceptions[i] & 255u;

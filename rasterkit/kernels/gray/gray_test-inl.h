@@ -56,8 +56,9 @@ HWY_INLINE bool NoneIsEqual(const GrayTest& test, const Quad& sums) {
 
 HWY_INLINE LaneMask WithoutExceptions(const GrayTest& test, LaneVector bgr, LaneMask mask) {
   const auto color = hn::And(bgr, hn::Set(Lanes(), 0xFFFFFF));
-  for (const uint32_t exception : test.exceptions)
+  for (const uint32_t exception : test.exceptions) {
     mask = hn::AndNot(hn::Eq(color, hn::Set(Lanes(), exception)), mask);
+  }
   return mask;
 }
 

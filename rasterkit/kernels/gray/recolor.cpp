@@ -71,10 +71,11 @@ void RecolorPixels(uint8_t* pixels, size_t width, GraySide side, uint32_t color)
   const PixelOrders orders = MakePixelOrders();
   const GrayTest test = MakeGrayTest(side.level);
   const auto colors = hn::Set(Lanes(), color);
-  if (side.upper)
+  if (side.upper) {
     EditRow<kBytes>(RecolorQuad<kBytes, true>{orders, test, colors}, pixels, width);
-  else
+  } else {
     EditRow<kBytes>(RecolorQuad<kBytes, false>{orders, test, colors}, pixels, width);
+  }
 }
 
 /// Gives the pixels of a quad that have one color another.
@@ -114,9 +115,10 @@ constexpr uint16_t kWhite16 = 0xFFFF;
 /// which is looked at apart.
 uint16_t ExceptionAmongWords(int level) {
   for (const uint32_t color : GrayExceptionsOf(level)) {
-    if ((color & 0x070307) == 0)
+    if ((color & 0x070307) == 0) {
       return static_cast<uint16_t>((color >> 8 & 0xF800) | (color >> 5 & 0x07E0) |
                                    (color >> 3 & 0x1F));
+    }
   }
   return kWhite16;
 }

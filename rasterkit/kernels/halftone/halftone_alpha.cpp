@@ -171,8 +171,9 @@ HWY_INLINE void SumTap(const int32_t* columns, const AlphaColumns::Tap& tap, flo
     if (tap.count > 2) {
       column += kOpacitySums;
       auto between = LoadReals(d, column);
-      for (column += kOpacitySums; column < last; column += kOpacitySums)
+      for (column += kOpacitySums; column < last; column += kOpacitySums) {
         between = hn::Add(between, LoadReals(d, column));
+      }
       sum = hn::Add(sum, hn::Mul(between, hn::Set(d, static_cast<Real>(innerWeight))));
     }
     if (tap.count > 1) {
@@ -230,9 +231,11 @@ size_t MeansOf(const int32_t* sums, const AlphaColumns& columns, uint8_t* target
     }
     const bool isOpaque = DivideBlock(pixels, block);
     std::copy_n(block.pixels, 4 * pixels, target + 4 * first);
-    for (size_t i = 0; !isOpaque && i < pixels; ++i)
-      if (block.sums[kOpacitySums * i + 3] == 0)
+    for (size_t i = 0; !isOpaque && i < pixels; ++i) {
+      if (block.sums[kOpacitySums * i + 3] == 0) {
         transparent[count++] = static_cast<uint32_t>(first + i);
+      }
+    }
   }
   return count;
 }
@@ -277,8 +280,9 @@ uint8_t RoundedQuotient(uint64_t sum, uint64_t divisor) {
 Sums AddTap(const uint64_t* sums, const HalftoneTap& tap, uint32_t innerWeight) {
   Sums result{};
   const auto add = [&](int32_t column, uint64_t weight) {
-    for (size_t i = 0; i < kAlphaSums; ++i)
+    for (size_t i = 0; i < kAlphaSums; ++i) {
       result[i] += weight * sums[static_cast<size_t>(column) * kAlphaSums + i];
+    }
   };
   const int32_t last = tap.first + tap.count - 1;
   add(tap.first, tap.firstWeight);
@@ -305,9 +309,10 @@ void MeanRow32(const uint64_t* sums, const HalftoneAxis& columns, uint32_t rowsT
   const uint64_t total = uint64_t{rowsTotal} * columns.total;
   for (const HalftoneTap& tap : columns.taps) {
     const Sums sum = AddTap(sums, tap, columns.innerWeight);
-    for (size_t c = 0; c < 3; ++c)
+    for (size_t c = 0; c < 3; ++c) {
       target[c] =
           sum[3] != 0 ? RoundedQuotient(sum[c], sum[3]) : RoundedQuotient(sum[4 + c], total);
+    }
     target[3] = RoundedQuotient(sum[3], total);
     target += 4;
   }
@@ -326,9 +331,10 @@ AlphaColumns::AlphaColumns(const HalftoneAxis& columns, uint32_t rowsTotal)
     : innerWeight(static_cast<float>(columns.innerWeight)),
       total(uint64_t{rowsTotal} * columns.total) {
   taps.reserve(columns.taps.size());
-  for (const HalftoneTap& tap : columns.taps)
+  for (const HalftoneTap& tap : columns.taps) {
     taps.push_back({tap.first, tap.count, static_cast<float>(tap.firstWeight),
                     static_cast<float>(tap.lastWeight)});
+  }
 }
 
 void SumAlphaRows(const WeightedRows& rows, size_t width, int32_t* sums) {

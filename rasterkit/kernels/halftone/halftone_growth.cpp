@@ -132,8 +132,9 @@ GrowthPlan PlanGrowth(const HalftoneAxis& axis) {
   GrowthPlan plan;
   plan.total = static_cast<uint16_t>(axis.total);
   const size_t count = axis.taps.size();
-  for (size_t i = 0; i < count; i += kBlockPixels)
+  for (size_t i = 0; i < count; i += kBlockPixels) {
     plan.blocks.push_back(MakeBlock(&axis.taps[i], std::min(kBlockPixels, count - i)));
+  }
   return plan;
 }
 

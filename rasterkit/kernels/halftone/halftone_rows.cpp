@@ -20,8 +20,9 @@ template <class Sum>
 void SumRowsOneByOne(const WeightedRows& rows, size_t x, size_t end, Sum* sums) {
   for (; x < end; ++x) {
     uint32_t sum = rows.adds ? sums[x] : 0;
-    for (int i = 0; i < rows.count; ++i)
+    for (int i = 0; i < rows.count; ++i) {
       sum += rows.weights[i] * rows.data[static_cast<size_t>(i) * rows.stride + x];
+    }
     sums[x] = static_cast<Sum>(sum);
   }
 }
@@ -35,8 +36,9 @@ void MeansOneByOne(const uint32_t* columns, const HalftoneAxis& axis, uint64_t t
       uint64_t sum = uint64_t{tap.firstWeight} * *column, between = 0;
       for (int i = 1; i + 1 < tap.count; ++i) between += column[3 * static_cast<size_t>(i)];
       sum += axis.innerWeight * between;
-      if (tap.count > 1)
+      if (tap.count > 1) {
         sum += uint64_t{tap.lastWeight} * column[3 * static_cast<size_t>(tap.count - 1)];
+      }
       *target++ = static_cast<uint8_t>((sum + total / 2) / total);
     }
   }
@@ -130,8 +132,9 @@ void SumWeightedTaps(const Sum* columns, const HalftoneAxis& axis, Sum* sums) {
       for (pixel += 6; pixel < last; pixel += 3) between = hn::Add(between, hn::LoadU(d, pixel));
       sum = hn::Add(sum, hn::Mul(between, inner));
     }
-    if (tap.count > 1)
+    if (tap.count > 1) {
       sum = hn::Add(sum, hn::Mul(hn::LoadU(d, last), hn::Set(d, static_cast<Sum>(tap.lastWeight))));
+    }
     hn::StoreU(sum, d, sums);
     sums += 3;
   }
@@ -248,8 +251,9 @@ void MeansInDoubles(const uint32_t* columns, const HalftoneAxis& axis, uint64_t 
   };
   if (axis.taps.empty()) return;
   const HalftoneTap* last = &axis.taps.back();
-  for (const HalftoneTap* tap = axis.taps.data(); tap != last; ++tap, target += 3)
+  for (const HalftoneTap* tap = axis.taps.data(); tap != last; ++tap, target += 3) {
     make(*tap, target);
+  }
   uint8_t pixel[4];
   make(*last, pixel);
   std::copy_n(pixel, 3, target);
@@ -280,14 +284,16 @@ void SumColumns32(const uint32_t* columns, const HalftoneAxis& axis, uint32_t* s
 }
 
 void Divide16(const uint16_t* sums, size_t count, const WordDivisor& divisor, uint8_t* target) {
-  for (size_t i = DivideWords(sums, count, divisor, target); i < count; ++i)
+  for (size_t i = DivideWords(sums, count, divisor, target); i < count; ++i) {
     target[i] = static_cast<uint8_t>((uint32_t{sums[i]} + divisor.half) * divisor.factor >> 16 >>
                                      divisor.shift);
+  }
 }
 
 void Divide32(const uint32_t* sums, size_t count, uint32_t total, uint8_t* target) {
-  for (size_t i = DivideLongs(sums, count, total, target); i < count; ++i)
+  for (size_t i = DivideLongs(sums, count, total, target); i < count; ++i) {
     target[i] = static_cast<uint8_t>((sums[i] + total / 2) / total);
+  }
 }
 
 void MeansOf64(const uint32_t* columns, const HalftoneAxis& axis, uint64_t total, uint8_t* target) {

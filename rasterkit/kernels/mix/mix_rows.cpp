@@ -116,10 +116,12 @@ void Shade(uint8_t* target, const uint8_t* shade, const uint8_t* source, const u
 
 void Mix(const MixWeights& weights, uint8_t* target, const uint8_t* ground, const uint8_t* source,
          const uint8_t* keep, size_t count) {
-  if (!weights.hasForm)
+  if (!weights.hasForm) {
     return CombineOneByOne(Mixed<false>(weights), target, ground, source, keep, count);
-  if (weights.added.low == weights.added.high)
+  }
+  if (weights.added.low == weights.added.high) {
     return Combine(Mixed<false>(weights), target, ground, source, keep, count);
+  }
   Combine(Mixed<true>(weights), target, ground, source, keep, count);
 }
 
@@ -132,8 +134,9 @@ namespace rasterkit::kernels {
 namespace {
 
 bool FactorGives(const ByteTable& table, int factor) {
-  for (int i = 0; i < 256; ++i)
+  for (int i = 0; i < 256; ++i) {
     if ((2 * i * factor) >> 16 != table[static_cast<size_t>(i)]) return false;
+  }
   return true;
 }
 

@@ -89,8 +89,9 @@ void PressRow(const uint32_t* factors, uint8_t* bgr, const uint8_t* grays, const
               size_t width) {
   const size_t lanes = hn::Lanes(Lanes());
   size_t x = 0;
-  for (; x + lanes <= width; x += lanes)
+  for (; x + lanes <= width; x += lanes) {
     PressVector(factors, bgr + 3 * x, grays + x, strengths + x);
+  }
   PressOneByOne(factors, bgr + 3 * x, grays + x, strengths + x, width - x);
 }
 

@@ -47,9 +47,11 @@ uint32_t Factor(int row, int strength) {
 std::vector<uint32_t> MakeFactors() {
   std::vector<uint32_t> factors;
   factors.reserve(size_t{kRows} * kWatermarkStrengths);
-  for (int row = 0; row < kRows; ++row)
-    for (int strength = 0; strength < kWatermarkStrengths; ++strength)
+  for (int row = 0; row < kRows; ++row) {
+    for (int strength = 0; strength < kWatermarkStrengths; ++strength) {
       factors.push_back(Factor(row, strength));
+    }
+  }
   return factors;
 }
 

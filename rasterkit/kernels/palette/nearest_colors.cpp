@@ -100,17 +100,20 @@ HWY_INLINE void AnswerPart(const CellTerms* terms, size_t count, size_t first, u
     const CellTerms& t = terms[i];
     const V key = hn::Add(hn::Add(hn::Set(d, t.least), hn::Mul(blue, hn::Set(d, t.blue))),
                           hn::Mul(green, hn::Set(d, t.green)));
-    for (size_t r = 0; r < kCellSide; ++r)
+    for (size_t r = 0; r < kCellSide; ++r) {
       best[r] = hn::Min(best[r], hn::Add(key, hn::Set(d, t.reds[r])));
+    }
   }
-  for (size_t r = 0; r < kCellSide; ++r)
+  for (size_t r = 0; r < kCellSide; ++r) {
     hn::StoreU(hn::TruncateTo(bytes, hn::BitCast(words, best[r])), bytes,
                answers + r * kPlane + first);
+  }
 }
 
 void AnswerColors(const CellTerms* terms, size_t count, uint8_t* answers) {
-  for (size_t first = 0; first < kPlane; first += hn::Lanes(D()))
+  for (size_t first = 0; first < kPlane; first += hn::Lanes(D())) {
     AnswerPart(terms, count, first, answers);
+  }
 }
 
 uint32_t PlaceOf(uint32_t pixel) {

@@ -93,9 +93,10 @@ size_t MapByFactor(const ByteMap& map, uint8_t* bytes, size_t count) {
 size_t MapWholeVectors(const ByteMap& map, uint8_t* bytes, size_t count) {
   if (!map.hasSlope) return 0;
   const bool halvesToEven = map.low != map.high;
-  if (map.origin == 128 && map.whole == 1)
+  if (map.origin == 128 && map.whole == 1) {
     return halvesToEven ? MapByChange<true>(map, bytes, count)
                         : MapByChange<false>(map, bytes, count);
+  }
   if (halvesToEven) return MapBySlope<true>(map, bytes, count);
   if (map.origin == 0 && map.whole == 0 && map.low >= 0) return MapByFactor(map, bytes, count);
   return MapBySlope<false>(map, bytes, count);
@@ -130,8 +131,9 @@ uint8_t BySlope(const ByteMap& map, int byte) {
 }
 
 bool SlopeGivesTheTable(const ByteMap& map) {
-  for (int i = 0; i < 256; ++i)
+  for (int i = 0; i < 256; ++i) {
     if (BySlope(map, i) != map.table[static_cast<size_t>(i)]) return false;
+  }
   return true;
 }
 

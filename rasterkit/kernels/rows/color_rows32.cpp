@@ -19,8 +19,9 @@ void ReplaceOneByOne(uint8_t* bgra, const uint8_t* bgr, size_t width) {
 }
 
 void TakeOneByOne(uint8_t* bgra, const uint8_t* source, const uint8_t* keep, size_t width) {
-  for (size_t x = 0; x < width; ++x)
+  for (size_t x = 0; x < width; ++x) {
     if (keep[3 * x] == 0) std::memcpy(bgra + 4 * x, source + 4 * x, 4);
+  }
 }
 
 #if HWY_TARGET == HWY_SCALAR

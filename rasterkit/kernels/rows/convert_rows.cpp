@@ -68,8 +68,9 @@ void PackBits(const uint8_t* HWY_RESTRICT values, size_t width, uint8_t threshol
 #endif
   for (; x < width; x += 8) {
     unsigned byte = 0;
-    for (size_t i = 0; i < 8; ++i)
+    for (size_t i = 0; i < 8; ++i) {
       byte = byte << 1 | (x + i < width && values[x + i] > threshold ? 1u : 0u);
+    }
     *target++ = static_cast<uint8_t>(byte);
   }
 }

@@ -14,8 +14,9 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 bool EqualOneByOne(const uint8_t* a, const uint8_t* b, size_t count) {
   unsigned differences = 0;
-  for (size_t i = 0; i < 4 * count; i += 4)
+  for (size_t i = 0; i < 4 * count; i += 4) {
     differences |= (a[i] ^ b[i]) | (a[i + 1] ^ b[i + 1]) | (a[i + 2] ^ b[i + 2]);
+  }
   return differences == 0;
 }
 

@@ -46,8 +46,9 @@ class ExpandGrays {
   // it needs, and then the bytes in it.
   static HWY_INLINE V Lookup(V grays, Order blocks, V places) {
     namespace hn = hwy::HWY_NAMESPACE;
-    if constexpr (hn::MaxLanes(D()) > 16)
+    if constexpr (hn::MaxLanes(D()) > 16) {
       grays = hn::BitCast(D(), hn::TableLookupLanes(hn::BitCast(D32(), grays), blocks));
+    }
     return hn::TableLookupBytes(grays, places);
   }
 
@@ -65,8 +66,9 @@ class ExpandGrays {
     constexpr int kMaxLanes = static_cast<int>(hn::MaxLanes(D()));
     const int lanes = static_cast<int>(hn::Lanes(D()));
     uint8_t places[kMaxLanes];
-    for (int i = 0; i < lanes; ++i)
+    for (int i = 0; i < lanes; ++i) {
       places[i] = static_cast<uint8_t>(((part * lanes / 16 + i / 16) % 3 * 16 + i % 16) / 3);
+    }
     return hn::LoadU(D(), places);
   }
 

@@ -39,17 +39,19 @@ void PackNibbles(const uint8_t* pixels, int count, uint8_t* target) {
 }  // namespace
 
 void UnpackPixels(const uint8_t* row, int bitsPerPixel, int first, int count, uint8_t* pixels) {
-  if (bitsPerPixel == 1)
+  if (bitsPerPixel == 1) {
     UnpackBits(row, first, count, pixels);
-  else
+  } else {
     UnpackNibbles(row, first, count, pixels);
+  }
 }
 
 void PackPixels(const uint8_t* pixels, int bitsPerPixel, int first, int count, uint8_t* row) {
-  if (bitsPerPixel == 1)
+  if (bitsPerPixel == 1) {
     PackBits(pixels, count, row + (first >> 3));
-  else
+  } else {
     PackNibbles(pixels, count, row + (first >> 1));
+  }
 }
 
 }  // namespace rasterkit::kernels

@@ -67,8 +67,9 @@ template <size_t kBytes>
 HWY_INLINE BlockVector ReverseOrder(size_t skipped, size_t kept) {
   constexpr size_t kLast = kUsedBytes<kBytes> - kBytes;
   uint8_t order[kBlockBytes] = {};
-  for (size_t i = 0; i < kUsedBytes<kBytes>; ++i)
+  for (size_t i = 0; i < kUsedBytes<kBytes>; ++i) {
     order[kept + i] = static_cast<uint8_t>(skipped + kLast - i / kBytes * kBytes + i % kBytes);
+  }
   return hn::LoadU(Block(), order);
 }
 

@@ -83,8 +83,9 @@ HWY_INLINE ByteVector BrightenBytes(const Constants& c, ByteVector channels, Byt
   const auto less = RoundedProducts(even, odd, c.low);
   const auto isHalf = hn::Sub(RoundedProducts(even, odd, c.high), less);  // 0 or 1
   const auto sum = hn::SaturatedAdd(hn::SaturatedAdd(channels, less), gains);
-  if constexpr (kErrorCounts)
+  if constexpr (kErrorCounts) {
     return hn::SaturatedAdd(sum, hn::And(isHalf, UpWhereErrorCounts(c, even, odd, sum)));
+  }
   return hn::SaturatedAdd(sum, hn::And(isHalf, sum));
 }
 
@@ -123,8 +124,9 @@ void BrightenPart(const Constants& c, const uint8_t* bgr, size_t width, uint8_t*
   GrayOfRow24(bgr, width, grays);
   const size_t lanes = hn::Lanes(Bytes());
   size_t x = 0;
-  for (; x + lanes <= width; x += lanes)
+  for (; x + lanes <= width; x += lanes) {
     BrightenVector<kErrorCounts>(c, bgr + 3 * x, grays + x, target + 3 * x);
+  }
   if (x == width) return;
   // The rest in a vector of its own, as the row ends before it.
   uint8_t pixels[3 * kLanes] = {};
@@ -137,8 +139,9 @@ void BrightenPart(const Constants& c, const uint8_t* bgr, size_t width, uint8_t*
 template <bool kErrorCounts>
 void BrightenParts(const Brightening& b, const uint8_t* bgr, size_t width, uint8_t* target) {
   const Constants constants(b);
-  for (size_t x = 0; x < width; x += kPart)
+  for (size_t x = 0; x < width; x += kPart) {
     BrightenPart<kErrorCounts>(constants, bgr + 3 * x, std::min(kPart, width - x), target + 3 * x);
+  }
 }
 
 void BrightenRow(const Brightening& b, const uint8_t* bgr, size_t width, uint8_t* target) {
@@ -162,8 +165,9 @@ namespace {
 uint16_t GainFactor(float weight) {
   const auto bits = static_cast<int>(std::floor(weight * 32768.0));
   const auto fits = [weight](int factor) {
-    for (int u = 0; u < 256; ++u)
+    for (int u = 0; u < 256; ++u) {
       if ((2 * u * factor) >> 16 != static_cast<int>(u * static_cast<double>(weight))) return false;
+    }
     return true;
   };
   return static_cast<uint16_t>(fits(bits) ? bits : bits + 1);

@@ -40,8 +40,9 @@ constexpr size_t kBlock = 16;
 template <int kBytes>
 void MoveSingles(const std::vector<PixelPicker::Single>& singles, const uint8_t* row,
                  uint8_t* target) {
-  for (const PixelPicker::Single& single : singles)
+  for (const PixelPicker::Single& single : singles) {
     std::memcpy(target + single.target, row + single.source, kBytes);
+  }
 }
 
 HWY_EXPORT(DoSteps);
@@ -54,8 +55,9 @@ PixelPicker::PixelPicker(const std::vector<int32_t>& columns, int sourceBytes, i
       targetBytes_(static_cast<uint32_t>(targetBytes)),
       rowBytes_(static_cast<size_t>(sourceWidth) * sourceBytes_),
       targetRowBytes_(columns.size() * targetBytes_) {
-  for (size_t i = 0; i < columns.size(); ++i)
+  for (size_t i = 0; i < columns.size(); ++i) {
     isOneToOne_ = isOneToOne_ && columns[i] == columns[0] + static_cast<int32_t>(i);
+  }
   size_t next = 0;
   while (next < columns.size()) {
     if (AddStep(columns, next)) continue;
@@ -83,10 +85,12 @@ bool PixelPicker::AddStep(const std::vector<int32_t>& columns, size_t& next) {
   const size_t source = std::min(static_cast<size_t>(low) * sourceBytes_, rowBytes_ - kBlock);
   step.source = static_cast<uint32_t>(source);
   step.target = static_cast<uint32_t>(target);
-  for (size_t i = next; i < end; ++i)
-    for (uint32_t byte = 0; byte < targetBytes_; ++byte)
+  for (size_t i = next; i < end; ++i) {
+    for (uint32_t byte = 0; byte < targetBytes_; ++byte) {
       step.places[(i - next) * targetBytes_ + byte] =
           static_cast<uint8_t>(static_cast<size_t>(columns[i]) * sourceBytes_ + byte - source);
+    }
+  }
   steps_.push_back(step);
   next = end;
   return true;

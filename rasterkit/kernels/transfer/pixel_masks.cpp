@@ -63,8 +63,9 @@ struct IsBlackOrWhite {
 
 template <class Question>
 void AskOneByOne(const Question& question, const uint8_t* bgr, size_t width, uint8_t* mask) {
-  for (size_t i = 0; i < 3 * width; i += 3)
+  for (size_t i = 0; i < 3 * width; i += 3) {
     std::fill_n(mask + i, 3, question(bgr[i], bgr[i + 1], bgr[i + 2]) ? 255 : 0);
+  }
 }
 
 void ExpandOneByOne(const uint8_t* grays, size_t width, uint8_t* bgr) {
@@ -117,8 +118,9 @@ void Expand(const uint8_t* grays, size_t width, uint8_t* bgr) {
   const ExpandGrays expand;
   const size_t lanes = hn::Lanes(d);
   size_t x = 0;
-  for (; x + lanes <= width; x += lanes)
+  for (; x + lanes <= width; x += lanes) {
     StoreExpanded(expand, hn::LoadU(d, grays + x), bgr + 3 * x);
+  }
   ExpandOneByOne(grays + x, width - x, bgr + 3 * x);
 }
 

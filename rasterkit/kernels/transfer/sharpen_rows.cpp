@@ -30,13 +30,14 @@ using ThreeRows = std::array<const uint8_t*, 3>;
 void SharpenByte(int share, const ThreeRows& rows, size_t i, uint8_t* target, FarBytes& far) {
   const int center = rows[1][i + 3];
   int sum = 0, least = 255, most = 0;
-  for (const uint8_t* row : rows)
+  for (const uint8_t* row : rows) {
     for (const size_t step : {0, 3, 6}) {
       const int value = row[i + step];
       sum += value;
       least = std::min(least, value);
       most = std::max(most, value);
     }
+  }
   const int change = ((9 * center - sum) * share + (1 << 14)) >> 15;
   target[i] = static_cast<uint8_t>(std::clamp(center + change, 0, 255));
   far[i] = std::max(most - center, center - least) >= kSharpenTolerance ? 255 : 0;
@@ -79,7 +80,7 @@ HWY_INLINE void SharpenVector(WordVector share, const ThreeRows& rows, size_t i,
   const auto center = hn::LoadU(d, rows[1] + i + 3);
   Sums sums{hn::Zero(Words()), hn::Zero(Words())};
   auto least = center, most = center;
-  for (const uint8_t* row : rows)
+  for (const uint8_t* row : rows) {
     for (const size_t step : {0, 3, 6}) {
       const auto value = hn::LoadU(d, row + i + step);
       sums.even = hn::Add(sums.even, EvenBytes(value));
@@ -87,6 +88,7 @@ HWY_INLINE void SharpenVector(WordVector share, const ThreeRows& rows, size_t i,
       least = hn::Min(least, value);
       most = hn::Max(most, value);
     }
+  }
   hn::StoreU(JoinBytes(MovedBy(share, EvenBytes(center), sums.even),
                        MovedBy(share, OddBytes(center), sums.odd)),
              d, target + i);
@@ -127,17 +129,20 @@ size_t KeepWholeVectors(const ThreeRows& rows, size_t pixels, uint8_t* target,
 
 void SharpenPart(int share, const ThreeRows& rows, size_t pixels, uint8_t* target) {
   FarBytes far;
-  for (size_t i = SharpenWholeVectors(share, rows, 3 * pixels, target, far); i < 3 * pixels; ++i)
+  for (size_t i = SharpenWholeVectors(share, rows, 3 * pixels, target, far); i < 3 * pixels; ++i) {
     SharpenByte(share, rows, i, target, far);
-  for (size_t x = KeepWholeVectors(rows, pixels, target, far); x < pixels; ++x)
+  }
+  for (size_t x = KeepWholeVectors(rows, pixels, target, far); x < pixels; ++x) {
     KeepPixel(rows, x, target, far);
+  }
 }
 
 void Sharpen(int16_t share, const uint8_t* above, const uint8_t* row, const uint8_t* below,
              size_t width, uint8_t* target) {
-  for (size_t x = 0; x < width; x += kPart)
+  for (size_t x = 0; x < width; x += kPart) {
     SharpenPart(share, {above + 3 * x, row + 3 * x, below + 3 * x}, std::min(kPart, width - x),
                 target + 3 * x);
+  }
 }
 
 }  // namespace

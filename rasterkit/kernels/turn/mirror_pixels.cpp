@@ -30,8 +30,9 @@ void MirrorPackedRows(const PixelRows& rows, int bitsPerPixel) {
     uint8_t* row = rows.Row(y);
     ReversePackedBytes(row, bytes, bitsPerPixel, turned.data());
     const uint8_t last = row[bytes - 1];
-    for (size_t i = 0; i < bytes; ++i)
+    for (size_t i = 0; i < bytes; ++i) {
       row[i] = static_cast<uint8_t>((turned[i] << 8 | turned[i + 1]) >> (8 - spare));
+    }
     row[bytes - 1] = MergeBytes(row[bytes - 1], last, spare);
   }
 }
@@ -52,8 +53,9 @@ void ExchangeBytes(uint8_t* a, uint8_t* b, size_t count) {
 void MirrorLeftRight(const PixelRows& rows, int bitsPerPixel) {
   if (rows.width <= 0) return;
   if (bitsPerPixel < 8) return MirrorPackedRows(rows, bitsPerPixel);
-  for (int y = 0; y < rows.height; ++y)
+  for (int y = 0; y < rows.height; ++y) {
     ReverseBytePixels(rows.Row(y), static_cast<size_t>(rows.width), bitsPerPixel);
+  }
 }
 
 void MirrorTopBottom(const PixelRows& rows, int bitsPerPixel) {

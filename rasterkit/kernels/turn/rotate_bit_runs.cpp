@@ -239,8 +239,9 @@ namespace {
 template <int kDirection>
 HWY_INLINE void MovePixels(const WordReader& reader, ptrdiff_t offset, int column, int count,
                            BitWriter& writer) {
-  for (; count > kWordPixels; count -= kWordPixels, column += kDirection * kWordPixels)
+  for (; count > kWordPixels; count -= kWordPixels, column += kDirection * kWordPixels) {
     writer.Put(ReadPixels<kDirection>(reader, offset, column), kWordPixels);
+  }
   writer.Put(ReadPixels<kDirection>(reader, offset, column), count);
 }
 
@@ -280,10 +281,11 @@ void RotateRows(const Job& job, int* breaks, int firstRow, int lastRow) {
     writer.PutSame(job.background, run.first);
     if (run.first < run.last) {
       const RowRuns runs = FindRuns(job.mapping, y, run, breaks);
-      if (job.mapping.Cosine() > 0)
+      if (job.mapping.Cosine() > 0) {
         MoveRuns<1>(job, runs, reader, writer);
-      else
+      } else {
         MoveRuns<-1>(job, runs, reader, writer);
+      }
     }
     writer.PutSame(job.background, width - run.last);
     writer.PutSame(false, -width & 7);

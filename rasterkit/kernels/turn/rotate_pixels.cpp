@@ -216,8 +216,9 @@ HWY_INLINE void MovePlaces(const uint8_t* base, const RunPlaces& places, int cou
   if constexpr (kBits < 8) {
     constexpr int kMask = (1 << kBits) - 1;
     HWY_UNROLL(8)
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
       target[i] = static_cast<uint8_t>(base[offsets[i]] >> places.shifts[i] & kMask);
+    }
   } else if constexpr (kBits == 24) {
     HWY_UNROLL(8)
     for (int i = 0; i < count - 1; ++i) std::memcpy(target + 3 * i, base + offsets[i], 4);
@@ -244,8 +245,9 @@ HWY_NOINLINE void MoveNearPixels(const Job& job, int64_t column, int64_t row,
     for (int i = places.nearVectors[k]; i < end; ++i) {
       const auto step = static_cast<uint32_t>(i);
       if (((columnFraction + step * columnStep) & kFractionTopBits) == 0 ||
-          ((rowFraction + step * rowStep) & kFractionTopBits) == 0)
+          ((rowFraction + step * rowStep) & kFractionTopBits) == 0) {
         MoveExactPixel<kBits>(job, first + i, y, target + i * PixelBytes<kBits>());
+      }
     }
   }
 }
@@ -262,15 +264,17 @@ HWY_INLINE void MoveRun(const Job& job, const RowStart& start, int y, int first,
                         uint8_t* target) {
   const int64_t column = start.column + first * job.columnStep;
   const int64_t row = start.row + first * job.rowStep;
-  if (!job.fast || IsNearLastRow(job, row, row + (last - 1 - first) * job.rowStep))
+  if (!job.fast || IsNearLastRow(job, row, row + (last - 1 - first) * job.rowStep)) {
     return MovePixelsSingly<kBits>(job, start, y, first, last, target);
+  }
   RunPlaces places;
   FindPlaces<kBits>(job, column, row, last - first, places);
   const uint8_t* base = job.source.Row(static_cast<int>(row >> kFractionBits));
   if constexpr (kBits >= 8) base += (column >> kFractionBits) * (kBits / 8);
   MovePlaces<kBits>(base, places, last - first, target);
-  if (HWY_UNLIKELY(places.nearCount > 0))
+  if (HWY_UNLIKELY(places.nearCount > 0)) {
     MoveNearPixels<kBits>(job, column, row, places, first, y, last - first, target);
+  }
 }
 
 // Columns left to right - 1 of row y into `target`, the place of column `left`: background, run,
@@ -328,14 +332,16 @@ template <int kBits>
 void RotateStrip(const Job& job, int firstRow, int lastRow) {
   RowStart starts[kRotationStripRows];
   for (int y = firstRow; y < lastRow; ++y) starts[y - firstRow] = StartRow(job, y);
-  for (int left = 0; left < job.target.width; left += kTileWidth)
+  for (int left = 0; left < job.target.width; left += kTileWidth) {
     RotateTile<kBits>(job, starts, left, firstRow, lastRow);
+  }
 }
 
 template <int kBits>
 void RotateRows(const Job& job, int firstRow, int lastRow) {
-  for (int y = firstRow; y < lastRow; y += kRotationStripRows)
+  for (int y = firstRow; y < lastRow; y += kRotationStripRows) {
     RotateStrip<kBits>(job, y, std::min(y + kRotationStripRows, lastRow));
+  }
 }
 
 void RotateRowsOfFormat(const Job& job, int firstRow, int lastRow) {
@@ -367,8 +373,9 @@ HWY_EXPORT(RotateRowsOfFormat);
 
 void FillBackground(Job& job, uint32_t pixel) {
   const int bytes = job.bits < 8 ? 1 : job.bits / 8;
-  for (int i = 0; i < kTileWidth * bytes; ++i)
+  for (int i = 0; i < kTileWidth * bytes; ++i) {
     job.background[i] = static_cast<uint8_t>(pixel >> (8 * (i % bytes)));
+  }
 }
 
 }  // namespace

@@ -45,9 +45,10 @@ RotationMapping::Run RunOfLine(int width, int size, double slope, double start, 
   }
   const double lowEnd = (-0.5 - start) / slope + 0.5;
   const double highEnd = (size - 0.5 - start) / slope + 0.5;
-  if (slope > 0)
+  if (slope > 0) {
     return {FirstTrue(width, lowEnd, [&](int x) { return at(x) >= 0; }),
             FirstTrue(width, highEnd, [&](int x) { return at(x) >= size; })};
+  }
   return {FirstTrue(width, highEnd, [&](int x) { return at(x) < size; }),
           FirstTrue(width, lowEnd, [&](int x) { return at(x) < 0; })};
 }

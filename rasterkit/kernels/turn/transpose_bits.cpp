@@ -91,8 +91,9 @@ HWY_INLINE void TransposeBlock(const BlockRows& rows, int columns, uint8_t* targ
   Interleave(b, a);
   Interleave(a, b);
   Interleave(b, a);
-  for (int i = 0; 8 * i < columns; ++i)
+  for (int i = 0; 8 * i < columns; ++i) {
     StoreColumns(a[i], target + 8 * i * step, step, std::min(8, columns - 8 * i), bytes);
+  }
 }
 
 class Transposition {
@@ -104,8 +105,9 @@ class Transposition {
   void DoTile(int firstByte, int firstRow) const {
     const int lastByte = std::min<int>(firstByte + kTileBytes, (source_.width + 7) / 8);
     const int lastRow = std::min(firstRow + kTileRows, source_.height);
-    for (int byte = firstByte; byte < lastByte; byte += kBlockBytes)
+    for (int byte = firstByte; byte < lastByte; byte += kBlockBytes) {
       for (int x = firstRow; x < lastRow; x += kRows) DoBlock(byte, x);
+    }
   }
 
  private:
@@ -151,8 +153,9 @@ class Transposition {
 
 bool Transpose(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn) {
   const Transposition transposition(source, target, turn);
-  for (int byte = 0; byte * 8 < source.width; byte += kTileBytes)
+  for (int byte = 0; byte * 8 < source.width; byte += kTileBytes) {
     for (int row = 0; row < source.height; row += kTileRows) transposition.DoTile(byte, row);
+  }
   return true;
 }
 

@@ -122,14 +122,15 @@ TransposedPart TransposeAs(const ConstPixelRows& source, const PixelRows& target
   const int rows = source.width < 6 ? 0 : target.height / 4 * 4;
   const ptrdiff_t step = static_cast<ptrdiff_t>(source.stride) * (turn.mirrorX ? -1 : 1);
   const uint8_t* firstRow = source.Row(turn.mirrorX ? source.height - 1 : 0);
-  for (int top = 0; top < rows; top += kBlockRows)
-    for (int left = 0; left < columns; left += kBlockColumns)
+  for (int top = 0; top < rows; top += kBlockRows) {
+    for (int left = 0; left < columns; left += kBlockColumns) {
       for (int y = top; y < std::min(top + kBlockRows, rows); y += 4) {
         const int column = turn.mirrorY ? source.width - 4 - y : y;
         uint8_t* to[4];
-        for (int i = 0; i < 4; ++i)
+        for (int i = 0; i < 4; ++i) {
           to[turn.mirrorY ? 3 - i : i] =
               target.Row(y + i) + static_cast<size_t>(left) * kTargetBytes;
+        }
         // A 24-bit load takes 16 bytes for 12: at the row's end the four in front instead of those
         // behind.
         const int spread = kSourceBits == 24 && column + 6 > source.width ? 1 : 0;
@@ -138,6 +139,8 @@ TransposedPart TransposeAs(const ConstPixelRows& source, const PixelRows& target
                 4 * spread,
             step, spread, to, std::min(kBlockColumns, columns - left));
       }
+    }
+  }
   return {columns, rows};
 }
 

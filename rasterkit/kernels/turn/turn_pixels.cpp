@@ -22,8 +22,9 @@ void CopyPixel(const uint8_t* source, uint8_t* target) {
 
 template <int kSourceBytes, int kTargetBytes>
 void CopyStrided(const uint8_t* source, ptrdiff_t step, uint8_t* target, int count) {
-  for (int i = 0; i < count; ++i, source += step, target += kTargetBytes)
+  for (int i = 0; i < count; ++i, source += step, target += kTargetBytes) {
     CopyPixel<kSourceBytes, kTargetBytes>(source, target);
+  }
 }
 
 template <int kSourceBytes, int kTargetBytes>
@@ -39,12 +40,13 @@ template <int kSourceBytes, int kTargetBytes>
 void TurnRows(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn) {
   for (int y = 0; y < target.height; ++y) {
     const uint8_t* from = source.Row(turn.mirrorY ? target.height - 1 - y : y);
-    if (turn.mirrorX)
+    if (turn.mirrorX) {
       MirrorRow<kSourceBytes, kTargetBytes>(from, target.Row(y), target.width);
-    else if (kSourceBytes == kTargetBytes)
+    } else if (kSourceBytes == kTargetBytes) {
       std::memcpy(target.Row(y), from, size_t(target.width) * kTargetBytes);
-    else
+    } else {
       CopyStrided<kSourceBytes, kTargetBytes>(from, kSourceBytes, target.Row(y), target.width);
+    }
   }
 }
 
@@ -68,11 +70,13 @@ void TransposeBlock(const ConstPixelRows& source, const PixelRows& target, AxisT
 template <int kSourceBytes, int kTargetBytes>
 void TransposeArea(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn,
                    Area area) {
-  for (int y = area.top; y < area.bottom; y += kBlock)
-    for (int x = area.left; x < area.right; x += kBlock)
+  for (int y = area.top; y < area.bottom; y += kBlock) {
+    for (int x = area.left; x < area.right; x += kBlock) {
       TransposeBlock<kSourceBytes, kTargetBytes>(
           source, target, turn,
           {x, y, std::min(x + kBlock, area.right), std::min(y + kBlock, area.bottom)});
+    }
+  }
 }
 
 template <int kSourceBytes, int kTargetBytes>
@@ -80,8 +84,9 @@ void TurnBytePixels(const ConstPixelRows& source, const PixelRows& target, AxisT
   if (source.width == 0 || source.height == 0) return;
   if (!turn.transpose) return TurnRows<kSourceBytes, kTargetBytes>(source, target, turn);
   TransposedPart done;
-  if constexpr (kTargetBytes >= 3)
+  if constexpr (kTargetBytes >= 3) {
     done = TransposeColor(source, target, kSourceBytes * 8, kTargetBytes * 8, turn);
+  }
   TransposeArea<kSourceBytes, kTargetBytes>(source, target, turn,
                                             {done.columns, 0, target.width, done.rows});
   TransposeArea<kSourceBytes, kTargetBytes>(source, target, turn,
@@ -92,8 +97,9 @@ void TurnBytePixels(const ConstPixelRows& source, const PixelRows& target, AxisT
 void MirrorPackedRow(const uint8_t* from, size_t bytes, int bits, int spare,
                      std::vector<uint8_t>& turned, uint8_t* row) {
   ReversePackedBytes(from, bytes, bits, turned.data());
-  for (size_t i = 0; i < bytes; ++i)
+  for (size_t i = 0; i < bytes; ++i) {
     row[i] = static_cast<uint8_t>((turned[i] << 8 | turned[i + 1]) >> (8 - spare));
+  }
 }
 
 void TurnPackedRows(const ConstPixelRows& source, const PixelRows& target, int bits,
@@ -105,10 +111,11 @@ void TurnPackedRows(const ConstPixelRows& source, const PixelRows& target, int b
   for (int y = 0; y < target.height; ++y) {
     const uint8_t* from = source.Row(turn.mirrorY ? target.height - 1 - y : y);
     uint8_t* row = target.Row(y);
-    if (turn.mirrorX)
+    if (turn.mirrorX) {
       MirrorPackedRow(from, bytes, bits, spare, turned, row);
-    else
+    } else {
       std::memcpy(row, from, bytes);
+    }
     row[bytes - 1] &= static_cast<uint8_t>(0xFF << spare);
   }
 }
@@ -120,9 +127,10 @@ void TransposePackedBlock(const ConstPixelRows& source, const PixelRows& target,
   const int rows = std::min(kBlock, target.height - y0);
   const int firstColumn = turn.mirrorY ? target.height - y0 - rows : y0;
   uint8_t block[kBlock][kBlock];
-  for (int i = 0; i < columns; ++i)
+  for (int i = 0; i < columns; ++i) {
     UnpackPixels(source.Row(turn.mirrorX ? target.width - 1 - x0 - i : x0 + i), bits, firstColumn,
                  rows, block[i]);
+  }
   uint8_t line[kBlock];
   for (int j = 0; j < rows; ++j) {
     for (int i = 0; i < columns; ++i) line[i] = block[i][turn.mirrorY ? rows - 1 - j : j];
@@ -134,9 +142,11 @@ void TurnPackedPixels(const ConstPixelRows& source, const PixelRows& target, int
                       AxisTurn turn) {
   if (!turn.transpose) return TurnPackedRows(source, target, bits, turn);
   if (bits == 1 && TransposeBits(source, target, turn)) return;
-  for (int y = 0; y < target.height; y += kBlock)
-    for (int x = 0; x < target.width; x += kBlock)
+  for (int y = 0; y < target.height; y += kBlock) {
+    for (int x = 0; x < target.width; x += kBlock) {
       TransposePackedBlock(source, target, bits, turn, x, y);
+    }
+  }
 }
 
 void ClearAllPadding(const PixelRows& rows, int bits) {

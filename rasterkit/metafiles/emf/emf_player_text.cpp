@@ -82,7 +82,7 @@ void EmfPlayer::DrawText(const EmfRecord& record, const TextPlace& place, Letter
   const uint64_t bytes = uint64_t{place.count} * (size == LetterSize::words ? 2 : 1);
   const std::span<const uint8_t> stored =
       place.count == 0 ? std::span<const uint8_t>() : record.Part(place.offset, bytes);
-  const bool arePairs = (place.options & text_option::pairs) != 0;
+  const bool arePairs = (place.options & text_option::kPairs) != 0;
   Steps steps = ReadSteps(record, place.stepsOffset, place.count, arePairs);
   std::u16string text;
   if (size == LetterSize::words) {
@@ -106,7 +106,7 @@ void EmfPlayer::SmallText(const EmfRecord& record) {
   if ((place.options & kNoBox) == 0) {
     place.box = ReadRect(fields);
   } else {
-    place.options &= ~(text_option::opaque | text_option::clipped);
+    place.options &= ~(text_option::kOpaque | text_option::kClipped);
   }
   place.offset = static_cast<uint32_t>(fields.Position());
   if ((place.options & kByteLetters) == 0) {

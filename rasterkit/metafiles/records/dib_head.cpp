@@ -27,10 +27,10 @@ void ReadFields(std::span<const uint8_t> bytes, DibHead& head, uint64_t& stated)
   head.height = fields.Int();
   fields.Skip(2);
   head.bits = fields.Word();
-  if (head.headerBytes < bmp_field::compression + 4) return;
+  if (head.headerBytes < bmp_field::kCompression + 4) return;
   head.compression = static_cast<BmpCompression>(fields.Long());
-  if (head.headerBytes < bmp_field::colorsUsed + 4) return;
-  fields.SetPosition(bmp_field::colorsUsed);
+  if (head.headerBytes < bmp_field::kColorsUsed + 4) return;
+  fields.SetPosition(bmp_field::kColorsUsed);
   stated = fields.Long();
 }
 
@@ -40,8 +40,8 @@ bool HasFourthByte(const DibHead& head, std::span<const uint8_t> bytes) {
   if (head.compression == BmpCompression::none) return true;
   const bool hasMasks = head.compression == BmpCompression::bitFields ||
                         head.compression == BmpCompression::alphaBitFields;
-  if (!hasMasks || bytes.size() < bmp_field::masks + 12) return false;
-  MetafileBytes fields(bytes, bmp_field::masks);
+  if (!hasMasks || bytes.size() < bmp_field::kMasks + 12) return false;
+  MetafileBytes fields(bytes, bmp_field::kMasks);
   const uint32_t red = fields.Long(), green = fields.Long(), blue = fields.Long();
   return red == kBmpMasks888.red && green == kBmpMasks888.green && blue == kBmpMasks888.blue;
 }
@@ -87,17 +87,17 @@ std::vector<uint8_t> FileHead(const DibHead& head, std::span<const uint8_t> byte
   if (head.IsCore()) return result;
   if (request.rows) {
     const auto rows = static_cast<uint32_t>(*request.rows);
-    Put(result, bmp_field::height, head.height < 0 ? 0 - rows : rows);
+    Put(result, bmp_field::kHeight, head.height < 0 ? 0 - rows : rows);
   }
   if (request.keepsAlpha && head.hasFourthByte) {
     result.resize(kBmpV4Header);
     Put(result, 0, kBmpV4Header);
     const uint32_t masks[] = {kBmpMasks888.red, kBmpMasks888.green, kBmpMasks888.blue,
                               kBmpAlpha8888};
-    for (size_t i = 0; i < 4; ++i) Put(result, bmp_field::masks + 4 * i, masks[i]);
+    for (size_t i = 0; i < 4; ++i) Put(result, bmp_field::kMasks + 4 * i, masks[i]);
   }
   // The offset of an embedded profile would point outside the file, so state sRGB instead.
-  if (result.size() >= kBmpV4Header) Put(result, bmp_field::colorSpace, kBmpSrgb);
+  if (result.size() >= kBmpV4Header) Put(result, bmp_field::kColorSpace, kBmpSrgb);
   return result;
 }
 
@@ -134,8 +134,8 @@ std::vector<uint8_t> DibAsFile(const DibHead& head, const DibParts& parts,
   const std::vector<uint8_t> fileHead = FileHead(head, parts.head, request);
   file.insert(file.end(), fileHead.begin(), fileHead.end());
   const std::vector<tagPALETTEENTRY> entries = Table(head, parts.head, request);
-  if (!head.IsCore() && head.headerBytes >= bmp_field::colorsUsed + 4) {
-    Put(file, kBmpFileHeaderBytes + bmp_field::colorsUsed, static_cast<uint32_t>(entries.size()));
+  if (!head.IsCore() && head.headerBytes >= bmp_field::kColorsUsed + 4) {
+    Put(file, kBmpFileHeaderBytes + bmp_field::kColorsUsed, static_cast<uint32_t>(entries.size()));
   }
   for (const tagPALETTEENTRY& entry : entries) {
     file.insert(file.end(), {entry.peBlue, entry.peGreen, entry.peRed});

@@ -44,12 +44,12 @@ MetafileObject StockObject(uint32_t number) {
     case 5:
       return StockBrush(LogicalBrush::null, 0);
     case 6:
-      return StockPen(pen_style::solid, clWhite);
+      return StockPen(pen_style::kSolid, clWhite);
     case 7:
     case 19:
-      return StockPen(pen_style::solid, clBlack);
+      return StockPen(pen_style::kSolid, clBlack);
     case 8:
-      return StockPen(pen_style::null, clBlack);
+      return StockPen(pen_style::kNull, clBlack);
     case 10:
     case 11:
     case 16:

@@ -48,7 +48,7 @@ std::optional<RectD> MeasureWmf(std::span<const uint8_t> bytes) {
       [&](const WmfRecord& record) {
         const std::optional<RectD> place = BitmapPlace(record);
         if (!place) return player.Play(record);
-        context.PatBlt(*place, rop3::blackness);
+        context.PatBlt(*place, rop3::kBlackness);
         return true;
       },
       [&] { return ++calls <= kMostCalls; }, report);

@@ -99,7 +99,7 @@ void WmfRecorder::Select(size_t handle) {
     return;
   }
   if (const auto* pen = std::get_if<PenObject>(object)) {
-    state_.hasPen = ((*pen)->style & pen_style::line) != pen_style::null;
+    state_.hasPen = ((*pen)->style & pen_style::kLine) != pen_style::kNull;
   }
   const bool isSeen = std::holds_alternative<PenObject>(*object) ||
                       std::holds_alternative<BrushObject>(*object) ||

@@ -18,7 +18,7 @@ constexpr double kHundredthsPerPixel = kMm100PerInch / kMetafileDpi;
 std::vector<double> WmfRecorder::MeasuredSteps(const std::u16string& text, PointD origin) {
   const PointD before = context_.CurrentPosition();
   context_.SaveDC();
-  context_.SetTextAlign(text_align::updatePosition);
+  context_.SetTextAlign(text_align::kUpdatePosition);
   context_.MoveTo(origin);
   std::vector<double> steps;
   double done = 0;

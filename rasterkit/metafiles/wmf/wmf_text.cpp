@@ -29,7 +29,7 @@ WmfText ReadExtended(MetafileBytes fields) {
   text.origin = ReadReversedPoint(fields);
   const uint16_t count = fields.Word();
   text.options = fields.Word();
-  if ((text.options & (text_option::opaque | text_option::clipped)) != 0) {
+  if ((text.options & (text_option::kOpaque | text_option::kClipped)) != 0) {
     const PointD topLeft = ReadShortPoint(fields), bottomRight = ReadShortPoint(fields);
     text.box = {topLeft.x, topLeft.y, bottomRight.x, bottomRight.y};
   }

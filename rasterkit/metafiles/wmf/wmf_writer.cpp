@@ -86,7 +86,7 @@ std::vector<uint8_t> EncodeWmf(const Raster& picture, int widthMm100, int height
   records.Record(WmfFunction::setWindowExt, {extent.height, extent.width});
   const size_t before = records.Bytes().size();
   records.Record(WmfFunction::stretchDib,
-                 {rop3::sourceCopy & 0xFFFF, rop3::sourceCopy >> 16, kColors, height, width, 0, 0,
+                 {rop3::kSourceCopy & 0xFFFF, rop3::kSourceCopy >> 16, kColors, height, width, 0, 0,
                   extent.height, extent.width, 0, 0},
                  dib);
   const size_t longest = records.Bytes().size() - before;

@@ -76,9 +76,9 @@ void TNavigator::setCompact(bool compact) {
   for (const Description& description : kDescriptions) {
     QPushButton& button = Button(description.button);
     button.setText(compact ? QString() : ResourceText(description.text));
-    if (compact)
+    if (compact) {
       button.setFixedSize(kCompactButton, kCompactButton);
-    else {
+    } else {
       button.setMinimumSize(0, 0);
       button.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     }

@@ -6,7 +6,7 @@
 namespace rasterkit::detail {
 namespace {
 
-constexpr QChar minusSign(0x2212);
+constexpr QChar kMinusSign(0x2212);
 
 bool IsPoint(QChar c) {
   return c == u'.' || c == u',' || c == QChar(0x066B);
@@ -39,7 +39,7 @@ std::optional<QByteArray> InAscii(const QString& plain) {
     } else if (IsPoint(c) && !hasPoint) {
       hasPoint = true;
       ascii += '.';
-    } else if ((c == u'-' || c == minusSign) && ascii.isEmpty()) {
+    } else if ((c == u'-' || c == kMinusSign) && ascii.isEmpty()) {
       ascii += '-';
     } else if (c == u'+' && ascii.isEmpty()) {
       ascii += '+';

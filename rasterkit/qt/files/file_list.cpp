@@ -90,8 +90,9 @@ TFileListView::TFileListView(QWidget* parent)
   Parts& parts = *parts_;
   parts.readSoon.setInterval(kPauseForMoreChanges);
   parts.patience.setInterval(kPatience);
-  for (QTimer* timer : {&parts.readSoon, &parts.lookAgain, &parts.patience})
+  for (QTimer* timer : {&parts.readSoon, &parts.lookAgain, &parts.patience}) {
     timer->setSingleShot(true);
+  }
   connect(&parts.readSoon, &QTimer::timeout, this, &TFileListView::Refresh);
   connect(&parts.lookAgain, &QTimer::timeout, this, &TFileListView::Refresh);
   connect(&parts.patience, &QTimer::timeout, this, [this] { parts_->ShowNotice(); });
@@ -112,10 +113,11 @@ void TFileListView::FollowViews() {
   });
   connect(views, &FileListViews::rowActivated, this, [this](int row) {
     const detail::FolderEntry entry = parts_->views->Model().Entry(row);
-    if (entry.isFolder)
+    if (entry.isFolder) {
       Enter(parts_->directory + FromQt(entry.name) + '/', {});
-    else
+    } else {
       Q_EMIT fileActivated(entry.name);
+    }
   });
   connect(views, &FileListViews::upPressed, this, &TFileListView::GoUp);
   connect(views, &FileListViews::refreshPressed, this, &TFileListView::Refresh);
@@ -225,10 +227,11 @@ void TFileListView::Refresh() {
 void TFileListView::Fill(FolderContent content) {
   const int pause = std::max(kLookAgain, kLookAgainShare * int(parts_->reading.elapsed()));
   parts_->inReading.clear();
-  if (parts_->readsAgain)
+  if (parts_->readsAgain) {
     parts_->readSoon.start();
-  else if (isVisible())
+  } else if (isVisible()) {
     parts_->lookAgain.start(pause);
+  }
   parts_->patience.stop();
   const bool isOther = content != parts_->views->Model().Content();
   if (isOther) parts_->views->Model().SetContent(std::move(content));

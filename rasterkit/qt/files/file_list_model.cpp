@@ -115,11 +115,12 @@ QVariant FileListModel::data(const QModelIndex& index, int role) const {
 
 QVariant FileListModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal) return {};
-  if (role == Qt::TextAlignmentRole && section == colSize)
+  if (role == Qt::TextAlignmentRole && section == colSize) {
     return QVariant(Qt::AlignRight | Qt::AlignVCenter);
+  }
   if (role != Qt::DisplayRole) return {};
-  constexpr std::string_view titles[kColumns] = {rsFileListName, rsFileListSize, rsFileListDate};
-  return section >= 0 && section < kColumns ? ResourceText(titles[section]) : QVariant();
+  constexpr std::string_view kTitles[kColumns] = {rsFileListName, rsFileListSize, rsFileListDate};
+  return section >= 0 && section < kColumns ? ResourceText(kTitles[section]) : QVariant();
 }
 
 }  // namespace rasterkit::detail

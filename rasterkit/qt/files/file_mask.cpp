@@ -15,12 +15,13 @@ bool HasWildcard(const QString& text) {
 QRegularExpression Expression(const QString& pattern) {
   QString expression;
   for (const QChar character : pattern) {
-    if (character == u'*')
+    if (character == u'*') {
       expression += QStringLiteral(".*");
-    else if (character == u'?')
+    } else if (character == u'?') {
       expression += u'.';
-    else
+    } else {
       expression += QRegularExpression::escape(QString(character));
+    }
   }
   return QRegularExpression(QRegularExpression::anchoredPattern(expression),
                             QRegularExpression::CaseInsensitiveOption |

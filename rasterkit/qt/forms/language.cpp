@@ -120,8 +120,9 @@ std::string Language() {
 std::vector<std::string> Languages() {
   std::vector<std::string> languages;
   for (const QString& file :
-       QDir(kFolder).entryList({kPrefix + u'*' + kSuffix}, QDir::Files, QDir::Name))
+       QDir(kFolder).entryList({kPrefix + u'*' + kSuffix}, QDir::Files, QDir::Name)) {
     languages.push_back(FromQt(file.chopped(kSuffix.size()).mid(kPrefix.size())));
+  }
   return languages;
 }
 
@@ -133,10 +134,11 @@ QLocale LanguageLocale() {
 
 detail::LanguageOfHost::LanguageOfHost() {
   TheState().isHosted = true;
-  if (TheState().chosen.isEmpty())
+  if (TheState().chosen.isEmpty()) {
     UseLanguageOfHost();
-  else
+  } else {
     InstallCatalogueOfQt(TheState().language);
+  }
 }
 
 detail::LanguageOfHost::~LanguageOfHost() {

@@ -26,8 +26,9 @@ void NameFieldsOfBoxes(const QWidget& form) {
   for (QComboBox* box : form.findChildren<QComboBox*>()) {
     QLineEdit* field = box->lineEdit();
     if (field == nullptr || !field->accessibleName().isEmpty()) continue;
-    if (const auto* reader = QAccessible::queryAccessibleInterface(box))
+    if (const auto* reader = QAccessible::queryAccessibleInterface(box)) {
       field->setAccessibleName(reader->text(QAccessible::Name));
+    }
   }
 }
 
@@ -36,8 +37,9 @@ void NameFieldsOfBoxes(const QWidget& form) {
 bool TScaledForm::event(QEvent* event) {
   const bool isUsed = QDialog::event(event);
   if (event->type() == QEvent::Show) NameFieldsOfBoxes(*this);
-  if (event->type() == QEvent::Show || event->type() == QEvent::StyleChange)
+  if (event->type() == QEvent::Show || event->type() == QEvent::StyleChange) {
     detail::UseClearStyle(*this);
+  }
   return isUsed;
 }
 

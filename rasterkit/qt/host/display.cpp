@@ -39,8 +39,9 @@ std::shared_ptr<void> ConnectWayland() try {
 
 bool HasKey(const QJsonObject& metaData, const QString& platform) {
   const QJsonArray keys = metaData[QLatin1String("MetaData")][QLatin1String("Keys")].toArray();
-  for (const auto& key : keys)
+  for (const auto& key : keys) {
     if (key.toString().compare(platform, Qt::CaseInsensitive) == 0) return true;
+  }
   return false;
 }
 
@@ -48,12 +49,14 @@ bool HasKey(const QJsonObject& metaData, const QString& platform) {
 bool IsInstalled(const QString& platform) {
   // That folder is not searched here; Qt may find the plugin in it.
   if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM_PLUGIN_PATH")) return true;
-  for (const QStaticPlugin& plugin : QPluginLoader::staticPlugins())
+  for (const QStaticPlugin& plugin : QPluginLoader::staticPlugins()) {
     if (HasKey(plugin.metaData(), platform)) return true;
+  }
   for (const QString& path : QCoreApplication::libraryPaths()) {
     const QDir folder(path + QLatin1String("/platforms"));
-    for (const QString& file : folder.entryList(QDir::Files))
+    for (const QString& file : folder.entryList(QDir::Files)) {
       if (HasKey(QPluginLoader(folder.filePath(file)).metaData(), platform)) return true;
+    }
   }
   return false;
 }
@@ -78,16 +81,19 @@ QStringList DefaultPlatforms() {
 
 /// Returns what the user must install or set up.
 std::string Missing(const QByteArray& wanted) {
-  if (!wanted.isEmpty())
+  if (!wanted.isEmpty()) {
     return "none of the platforms that QT_QPA_PLATFORM names (" + wanted.toStdString() +
            ") can be used";
+  }
   const QByteArray display = qgetenv("DISPLAY");
-  if (!display.isEmpty())
+  if (!display.isEmpty()) {
     return "the display '" + display.toStdString() + "' (DISPLAY) does not answer";
+  }
   const QByteArray wayland = qgetenv("WAYLAND_DISPLAY");
-  if (!wayland.isEmpty())
+  if (!wayland.isEmpty()) {
     return "the display '" + wayland.toStdString() +
            "' (WAYLAND_DISPLAY) does not answer, or Qt has no plugin for Wayland";
+  }
   return "there is no display (DISPLAY is not set)";
 }
 
@@ -98,8 +104,9 @@ UsablePlatform FindPlatform() {
   const QStringList names = wanted.isEmpty()
                                 ? DefaultPlatforms()
                                 : QString::fromLocal8Bit(wanted).split(QLatin1Char(';'));
-  for (const QString& name : names)
+  for (const QString& name : names) {
     if (const auto platform = TryPlatform(name)) return *platform;
+  }
   throw Error("a window cannot be opened: " + Missing(wanted));
 }
 

@@ -61,8 +61,9 @@ void DrawFrame(QPainter& painter, const QRect& place, const QColor& color, int w
   for (const QRect& strip : {QRect(place.left(), place.top(), place.width(), width),
                              QRect(place.left(), inner.bottom() + 1, place.width(), width),
                              QRect(place.left(), inner.top(), width, inner.height()),
-                             QRect(inner.right() + 1, inner.top(), width, inner.height())})
+                             QRect(inner.right() + 1, inner.top(), width, inner.height())}) {
     painter.fillRect(strip, color);
+  }
 }
 
 /// Draws the outline on whole pixels of the screen. At fractional scales Fusion's lines are between
@@ -114,10 +115,12 @@ class ClearStyle : public QProxyStyle {
   void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                    const QWidget* widget) const override {
     const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
-    if (element == CE_ShapedFrame && frame != nullptr && frame->frameShape == QFrame::Panel)
+    if (element == CE_ShapedFrame && frame != nullptr && frame->frameShape == QFrame::Panel) {
       return DrawFrame(*painter, option->rect, OutlineColor(option->palette), 1);
-    if (element != CE_ProgressBarGroove)
+    }
+    if (element != CE_ProgressBarGroove) {
       return QProxyStyle::drawControl(element, option, painter, widget);
+    }
     DrawOutlined(*option, [&](const QStyleOption& clear) {
       QProxyStyle::drawControl(element, &clear, painter, widget);
     });
@@ -126,8 +129,9 @@ class ClearStyle : public QProxyStyle {
   void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                           QPainter* painter, const QWidget* widget) const override {
     const bool isField = control == CC_SpinBox || control == CC_ComboBox;
-    if (!isField && control != CC_Slider)
+    if (!isField && control != CC_Slider) {
       return QProxyStyle::drawComplexControl(control, option, painter, widget);
+    }
     DrawOutlined(*option, [&](const QStyleOption& clear) {
       QProxyStyle::drawComplexControl(control, static_cast<const QStyleOptionComplex*>(&clear),
                                       painter, widget);
@@ -185,16 +189,18 @@ class ClearStyle : public QProxyStyle {
   }
 
   static void ShowFocus(const QStyleOption& option, QPainter& painter) {
-    if (option.state & State_HasFocus)
+    if (option.state & State_HasFocus) {
       DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
+    }
   }
 
   /// The outline of the default button has its own color with enough contrast.
   static void SharpenButton(const QStyleOption& option, QPainter& painter) {
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(&option);
     constexpr auto kOthers = QStyleOptionButton::Flat | QStyleOptionButton::DefaultButton;
-    if (button != nullptr && !(button->features & kOthers))
+    if (button != nullptr && !(button->features & kOthers)) {
       SharpenOutline(option, painter, option.rect);
+    }
   }
 
   /// Fusion only colors the outline of buttons and knobs.
@@ -232,8 +238,9 @@ class ClearStyle : public QProxyStyle {
     if (isPopup) return;
     DrawFrame(painter, option.rect, OutlineColor(option.palette), 1);
     const bool isList = qobject_cast<const QAbstractItemView*>(widget) != nullptr;
-    if (isList && widget->hasFocus())
+    if (isList && widget->hasFocus()) {
       DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
+    }
   }
 
   mutable QHash<qint64, QPalette> outlined_;

@@ -69,8 +69,9 @@ QPalette DarkPalette() {
 
 void UsePalette(const QPalette& palette) {
   // The application owns its style.
-  if (QApplication::style()->name() == u"fusion")
+  if (QApplication::style()->name() == u"fusion") {
     QApplication::setStyle(detail::NewClearStyle().release());
+  }
   QApplication::setPalette(palette);
 }
 

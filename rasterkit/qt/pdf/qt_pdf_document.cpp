@@ -43,8 +43,9 @@ std::optional<Result> QtPdfDocument::Ask(PdfThread::Kind kind, Work<Result> work
       });
   std::future<Result> result = job->get_future();
   thread_.Post(kind, [job](PdfEngine& engine) { (*job)(engine); });
-  while (result.wait_for(kBetweenQuestions) != std::future_status::ready)
+  while (result.wait_for(kBetweenQuestions) != std::future_status::ready) {
     if (!GoesOn(keepGoing)) return std::nullopt;
+  }
   try {
     return result.get();
   } catch (Error& error) {

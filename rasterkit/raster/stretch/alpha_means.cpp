@@ -20,10 +20,11 @@ class LargeMeans : public AlphaMeans {
 
   void Make(const HalftoneTap& rows, RGBArec* target) override {
     std::fill(sums_.begin(), sums_.end(), 0);
-    for (int i = 0; i < rows.count; ++i)
+    for (int i = 0; i < rows.count; ++i) {
       kernels::AddWeightedPixels32(source_.Row(rows.first + i),
                                    static_cast<size_t>(source_.Width()),
                                    TapWeight(rows, i, axes_.rows.innerWeight), sums_.data());
+    }
     kernels::MeanRow32(sums_.data(), axes_.columns, axes_.rows.total,
                        reinterpret_cast<uint8_t*>(target));
   }
@@ -57,8 +58,9 @@ class SmallMeans : public AlphaMeans {
     for (int done = 0; done < tap.count; done += kBandRows) {
       const int count = std::min(kBandRows, tap.count - done);
       std::array<uint32_t, kBandRows> weights;
-      for (int i = 0; i < count; ++i)
+      for (int i = 0; i < count; ++i) {
         weights[static_cast<size_t>(i)] = TapWeight(tap, done + i, axes_.rows.innerWeight);
+      }
       kernels::WeightedRows rows;
       rows.data = source_.Row(tap.first + done);
       rows.stride = source_.Stride();
@@ -72,8 +74,9 @@ class SmallMeans : public AlphaMeans {
   /// Fills the first `count` transparent pixels: a few one by one, many from a whole row.
   void TakePlainMeans(const HalftoneTap& rows, size_t count, RGBArec* target) {
     if (count < transparent_.size() / 16) {
-      for (size_t i = 0; i < count; ++i)
+      for (size_t i = 0; i < count; ++i) {
         target[transparent_[i]] = PlainMean(rows, axes_.columns.taps[transparent_[i]]);
+      }
       return;
     }
     if (plain_ == nullptr) {
@@ -118,8 +121,9 @@ class SmallMeans : public AlphaMeans {
 }  // namespace
 
 std::unique_ptr<AlphaMeans> MakeAlphaMeans(const Raster& source, const HalftoneAxes& axes) {
-  if (kernels::AlphaColumns::Fit(axes.rows.total, axes.columns.total))
+  if (kernels::AlphaColumns::Fit(axes.rows.total, axes.columns.total)) {
     return std::make_unique<SmallMeans>(source, axes);
+  }
   return std::make_unique<LargeMeans>(source, axes);
 }
 

@@ -45,8 +45,9 @@ uint64_t MultiplyDivide(uint64_t a, uint64_t b, uint64_t c) {
 }
 
 bool AxisPositions::IsPlainRun() const {
-  for (size_t i = 1; i < positions.size(); ++i)
+  for (size_t i = 1; i < positions.size(); ++i) {
     if (positions[i] != positions[i - 1] + 1) return false;
+  }
   return true;
 }
 

@@ -45,10 +45,11 @@ void MoveBytes(Raster& target, const BlitAxes& axes, const Raster& source) {
   const auto bytes = static_cast<size_t>(StoredBitsPerPixel(target.Format()) / 8);
   const size_t from = static_cast<size_t>(axes.columns.positions.front()) * bytes;
   const size_t to = static_cast<size_t>(axes.columns.first) * bytes;
-  for (int i = 0; i < axes.rows.Count(); ++i)
+  for (int i = 0; i < axes.rows.Count(); ++i) {
     std::memcpy(target.Row(axes.rows.first + i) + to,
                 source.Row(axes.rows.positions[static_cast<size_t>(i)]) + from,
                 static_cast<size_t>(axes.columns.Count()) * bytes);
+  }
 }
 
 /// Simplifies the rule as far as the source allows.
@@ -83,9 +84,10 @@ void BlitByAxes(Raster& target, const BlitAxes& axes, const Raster& source, cons
   if (ReplacesAll(rule) && SameIndexes(target, source)) return CopyIndexes(target, axes, source);
   SourceRows sourceRows(source, axes.columns);
   const auto targetRows = MakeTargetRows(target, CheapestRule(source, rule));
-  for (int i = 0; i < axes.rows.Count(); ++i)
+  for (int i = 0; i < axes.rows.Count(); ++i) {
     targetRows->Write(axes.rows.first + i, axes.columns.first, axes.columns.Count(),
                       sourceRows.Row(axes.rows.positions[static_cast<size_t>(i)]));
+  }
 }
 
 PixelRule RuleForDrawing(const Raster& source, std::optional<TColor> key) {

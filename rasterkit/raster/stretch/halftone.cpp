@@ -64,8 +64,9 @@ void DrawOpaqueMeans(Raster& target, const PixelRect& inside, const HalftoneAxes
   const auto width = static_cast<size_t>(inside.right - inside.left);
   int y = inside.top;
   if (target.Format() == pf24bit) {
-    for (const HalftoneTap& rows : axes.rows.taps)
+    for (const HalftoneTap& rows : axes.rows.taps) {
       means->Make(rows, target.Row(y++) + static_cast<size_t>(inside.left) * 3);
+    }
     return;
   }
   std::vector<uint8_t> colors(width * 3);

@@ -42,8 +42,9 @@ class PixelBands {
       rows.stride = source_.Stride();
       return rows;
     }
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
       ConvertRow(first + i, converted_.data() + stride_ * static_cast<size_t>(i));
+    }
     rows.data = converted_.data();
     rows.stride = stride_;
     return rows;
@@ -93,8 +94,9 @@ class SummedMeans : public RowMeans {
     for (int done = 0; done < tap.count; done += kBandRows) {
       const int count = std::min(kBandRows, tap.count - done);
       std::array<uint32_t, kBandRows> weights;
-      for (int i = 0; i < count; ++i)
+      for (int i = 0; i < count; ++i) {
         weights[static_cast<size_t>(i)] = TapWeight(tap, done + i, axes_.rows.innerWeight);
+      }
       kernels::WeightedRows rows = bands_.Rows(tap.first + done, count);
       rows.weights = weights.data();
       rows.adds = done > 0;
@@ -119,8 +121,9 @@ class GrownMeans : public RowMeans {
         plan_(kernels::PlanGrowth(axes.columns)),
         divisor_(WordDivisor::For(TotalOf(axes))),
         pixels_(bands_.RowBytes() + kHalftonePadding) {
-    for (StretchedRow& row : rows_)
+    for (StretchedRow& row : rows_) {
       row.sums.resize(axes.columns.taps.size() * 3 + kHalftonePadding);
+    }
   }
 
   void Make(const HalftoneTap& rows, uint8_t* target) override {
@@ -159,10 +162,12 @@ class GrownMeans : public RowMeans {
 }  // namespace
 
 std::unique_ptr<RowMeans> MakeRowMeans(const Raster& source, const HalftoneAxes& axes) {
-  if (!WordDivisor::Fits(TotalOf(axes)))
+  if (!WordDivisor::Fits(TotalOf(axes))) {
     return std::make_unique<SummedMeans<uint32_t>>(source, axes);
-  if (axes.columns.shrinks || axes.rows.shrinks)
+  }
+  if (axes.columns.shrinks || axes.rows.shrinks) {
     return std::make_unique<SummedMeans<uint16_t>>(source, axes);
+  }
   return std::make_unique<GrownMeans>(source, axes);
 }
 

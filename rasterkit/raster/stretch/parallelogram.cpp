@@ -207,8 +207,9 @@ class Parallelogram {
     SidePosition down(down_, run.first, y, whole_, Extent(part_.top, part_.bottom));
     for (int64_t x = run.first; x < run.last; ++x, across.Next(), down.Next()) {
       const int64_t sourceX = part_.left + across.Value(), sourceY = part_.top + down.Value();
-      if (sourceX < 0 || sourceX >= source_.Width() || sourceY < 0 || sourceY >= source_.Height())
+      if (sourceX < 0 || sourceX >= source_.Width() || sourceY < 0 || sourceY >= source_.Height()) {
         continue;
+      }
       put(static_cast<int>(x), static_cast<int>(sourceX), static_cast<int>(sourceY));
     }
   }
@@ -340,8 +341,9 @@ void DrawColors(Raster& target, const Parallelogram& shape, const Raster& source
       if (pixels.empty()) first = x;
       pixels.push_back(reader.Pixel(sourceX, sourceY));
     });
-    if (!pixels.empty())
+    if (!pixels.empty()) {
       targetRows->Write(y, first, static_cast<int>(pixels.size()), pixels.data());
+    }
   }
 }
 

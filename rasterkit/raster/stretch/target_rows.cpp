@@ -22,8 +22,9 @@ const uint8_t* BytesOf(const RGBArec* pixels) {
 }
 
 void PutKeyed(const RGBArec* pixels, size_t count, const RGBArec& key, RGBArec* target) {
-  for (size_t i = 0; i < count; ++i)
+  for (size_t i = 0; i < count; ++i) {
     if (!SameColor(pixels[i], key)) target[i] = {pixels[i].b, pixels[i].g, pixels[i].r, 255};
+  }
 }
 
 void PutOpaque(const RGBArec* pixels, size_t count, RGBArec* target) {

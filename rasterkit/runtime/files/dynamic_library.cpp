@@ -52,8 +52,9 @@ std::string FileIn(const std::vector<std::string>& folders, const std::string& f
 std::string Absence(const std::string& absent, const std::string& fileName,
                     const std::vector<std::string>& folders) {
   std::string text = absent + ": there is no " + fileName;
-  for (const std::string& folder : folders)
+  for (const std::string& folder : folders) {
     if (!folder.empty()) text += " in " + folder + ",";
+  }
   return text + " where the system keeps its libraries";
 }
 
@@ -73,15 +74,17 @@ DynamicLibrary::DynamicLibrary(const std::string& name, int version, const std::
   const std::string reason = LoaderText();
   // The loader begins with the file that it has trouble with: with a bare name when it found none,
   // with another library's when that is what is missing.
-  if (!isFound && reason.starts_with(fileName + ":"))
+  if (!isFound && reason.starts_with(fileName + ":")) {
     throw UnsupportedError(Absence(absent, fileName, folders));
+  }
   throw Error(fileName + " cannot be loaded: " + reason);
 }
 
 void* DynamicLibrary::Address(const std::string& name) const {
   void* const address = dlsym(handle_, name.c_str());
-  if (address == nullptr)
+  if (address == nullptr) {
     throw Error(file_ + " has no entry " + name + "; it is of another version");
+  }
   return address;
 }
 

@@ -14,7 +14,7 @@ bool IsTimeToPump() {
   thread_local Clock::time_point next{};
   const Clock::time_point now = Clock::now();
   if (now < next) return false;
-  next = now + TApplication::PumpInterval;
+  next = now + TApplication::kPumpInterval;
   return true;
 }
 

@@ -11,7 +11,7 @@ namespace rasterkit {
 class RASTERKIT_EXPORT TApplication {
  public:
   /// The port `messagePump` is called at most once in this time.
-  static constexpr std::chrono::milliseconds PumpInterval{10};
+  static constexpr std::chrono::milliseconds kPumpInterval{10};
 
   /// Runs the messages in the calling thread's queue and calls the port `messagePump`, without
   /// blocking. No-op on a thread without a queue, so a worker may call it for every row.

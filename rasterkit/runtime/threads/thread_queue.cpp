@@ -55,7 +55,7 @@ void ThreadQueue::WaitAndDispatch() {
     std::unique_lock lock(mutex_);
     const auto hasMessage = [this] { return !messages_.empty(); };
     const auto nextTurn =
-        hasHostLoop ? Clock::now() + TApplication::PumpInterval : Clock::time_point::max();
+        hasHostLoop ? Clock::now() + TApplication::kPumpInterval : Clock::time_point::max();
     const auto until = std::min(nextTurn, NextDue());
     // The far end of time overflows in some implementations of wait_until.
     if (until == Clock::time_point::max()) {

@@ -58,7 +58,7 @@ TEST_F(EditCanceling, Rendering_Should_TurnTheHostsLoop) {
   ThreadQueue::Current();
   HostPorts().messagePump = [&] { ++turns; };
   pdf.onExport = [](const PdfDocument::PdfKeepGoing& keepGoing) {
-    std::this_thread::sleep_for(TApplication::PumpInterval * 2);
+    std::this_thread::sleep_for(TApplication::kPumpInterval * 2);
     return keepGoing();
   };
   ChooseResolution("72");

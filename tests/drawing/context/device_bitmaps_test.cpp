@@ -21,23 +21,23 @@ Raster Colors() {
 TEST(DeviceBitmaps, Should_CopyPixels_When_SizesAgree) {
   const Raster bitmap = Colors();
   DrawingPaper paper(5, 3);
-  paper.Dc().StretchBlt({1, 1, 4, 3}, {bitmap, {0, 0, 3, 2}}, rop3::sourceCopy);
+  paper.Dc().StretchBlt({1, 1, 4, 3}, {bitmap, {0, 0, 3, 2}}, rop3::kSourceCopy);
   EXPECT_EQ(paper.Picture(), "\n.....\n.rgb.\n.#.r.\n");
 }
 
 TEST(DeviceBitmaps, Should_Mirror_When_CornersAreExchanged) {
   const Raster bitmap = Colors();
   DrawingPaper paper(3, 2);
-  paper.Dc().StretchBlt({3, 0, 0, 2}, {bitmap, {0, 0, 3, 2}}, rop3::sourceCopy);
+  paper.Dc().StretchBlt({3, 0, 0, 2}, {bitmap, {0, 0, 3, 2}}, rop3::kSourceCopy);
   EXPECT_EQ(paper.Picture(), "\nbgr\nr.#\n");
-  paper.Dc().StretchBlt({0, 0, 3, 2}, {bitmap, {0, 2, 3, 0}}, rop3::sourceCopy);
+  paper.Dc().StretchBlt({0, 0, 3, 2}, {bitmap, {0, 2, 3, 0}}, rop3::kSourceCopy);
   EXPECT_EQ(paper.Picture(), "\n#.r\nrgb\n");
 }
 
 TEST(DeviceBitmaps, Should_RepeatPixels_When_Growing) {
   const Raster bitmap = Colors();
   DrawingPaper paper(6, 4);
-  paper.Dc().StretchBlt({0, 0, 6, 4}, {bitmap, {0, 0, 3, 2}}, rop3::sourceCopy);
+  paper.Dc().StretchBlt({0, 0, 6, 4}, {bitmap, {0, 0, 3, 2}}, rop3::kSourceCopy);
   EXPECT_EQ(paper.Picture(), "\nrrggbb\nrrggbb\n##..rr\n##..rr\n");
 }
 
@@ -46,14 +46,14 @@ TEST(DeviceBitmaps, Should_Average_When_ShrinkingACopy) {
   bitmap.palette = DefaultPalette(pf1bit);
   for (int y = 0; y < 8; ++y) *bitmap.Row(y) = 0xAA;
   DrawingPaper paper(4, 4);
-  paper.Dc().StretchBlt({0, 0, 4, 4}, {bitmap, {0, 0, 8, 8}}, rop3::sourceCopy);
+  paper.Dc().StretchBlt({0, 0, 4, 4}, {bitmap, {0, 0, 8, 8}}, rop3::kSourceCopy);
   EXPECT_EQ(paper.At(2, 2), RGB(128, 128, 128));
 }
 
 TEST(DeviceBitmaps, Should_ShowThePart_When_APartIsNamed) {
   const Raster bitmap = Colors();
   DrawingPaper paper(2, 1);
-  paper.Dc().StretchBlt({0, 0, 2, 1}, {bitmap, {1, 1, 3, 2}}, rop3::sourceCopy);
+  paper.Dc().StretchBlt({0, 0, 2, 1}, {bitmap, {1, 1, 3, 2}}, rop3::kSourceCopy);
   EXPECT_EQ(paper.Picture(), "\n.r\n");
 }
 
@@ -61,7 +61,7 @@ TEST(DeviceBitmaps, Should_LeaveThePicture_When_ThePartReachesBeyondTheBitmap) {
   const Raster bitmap = Colors();
   DrawingPaper paper(5, 1);
   FillRaster(paper.raster, {0, 0, 5, 1}, clBlack);
-  paper.Dc().StretchBlt({0, 0, 5, 1}, {bitmap, {-1, 0, 4, 1}}, rop3::sourceCopy);
+  paper.Dc().StretchBlt({0, 0, 5, 1}, {bitmap, {-1, 0, 4, 1}}, rop3::kSourceCopy);
   EXPECT_EQ(paper.Picture(), "\n#rgb#\n");
 }
 
@@ -70,7 +70,7 @@ TEST(DeviceBitmaps, Should_HoldNoAlpha_When_A32BitSourceIsCopied) {
   const uint8_t bytes[] = {0, 0, 255, 0, 0, 255, 0, 128};
   std::copy(std::begin(bytes), std::end(bytes), bitmap.Row(0));
   DrawingPaper paper(2, 1);
-  paper.Dc().StretchBlt({0, 0, 2, 1}, {bitmap, {0, 0, 2, 1}}, rop3::sourceCopy);
+  paper.Dc().StretchBlt({0, 0, 2, 1}, {bitmap, {0, 0, 2, 1}}, rop3::kSourceCopy);
   EXPECT_EQ(paper.Picture(), "\nrg\n");
 }
 
@@ -84,8 +84,8 @@ TEST(DeviceBitmaps, Should_MaskAndPaint_When_TwoBlitsMakeACutOut) {
   FillRaster(image, {1, 0, 2, 1}, clBlack);
   FillRaster(image, {0, 1, 2, 2}, clBlack);
   DrawingPaper paper(3, 2);
-  paper.Dc().StretchBlt({0, 0, 3, 2}, {mask, {0, 0, 3, 2}}, rop3::sourceAnd);
-  paper.Dc().StretchBlt({0, 0, 3, 2}, {image, {0, 0, 3, 2}}, rop3::sourcePaint);
+  paper.Dc().StretchBlt({0, 0, 3, 2}, {mask, {0, 0, 3, 2}}, rop3::kSourceAnd);
+  paper.Dc().StretchBlt({0, 0, 3, 2}, {image, {0, 0, 3, 2}}, rop3::kSourcePaint);
   EXPECT_EQ(paper.Picture(), "\nr.b\n..r\n");
 }
 
@@ -156,7 +156,7 @@ TEST(DeviceBitmaps, Should_ScaleByTheDeviceAlone_When_SetToTheDevice) {
 
 TEST(DeviceBitmaps, Should_DrawALine_When_APatternIsThinnerThanAPixel) {
   DrawingPaper paper(4, 3, Affine::Scaling(0.1, 0.1));
-  paper.Dc().PatBlt({0, 13, 40, 15}, rop3::blackness);
+  paper.Dc().PatBlt({0, 13, 40, 15}, rop3::kBlackness);
   EXPECT_EQ(paper.Picture(), "\n....\n####\n....\n");
 }
 
@@ -166,7 +166,7 @@ TEST(DeviceBitmaps, Should_LeaveNoSeams_When_StripsMeetBetweenPixels) {
   DrawingPaper paper(7, 7, Affine::Scaling(0.7, 0.7));
   for (int y = 0; y < 10; ++y) {
     const double top = y;
-    paper.Dc().StretchBlt({0, top, 10, top + 1}, {strip, {0, 0, 10, 1}}, rop3::sourceCopy);
+    paper.Dc().StretchBlt({0, top, 10, top + 1}, {strip, {0, 0, 10, 1}}, rop3::kSourceCopy);
   }
   EXPECT_EQ(paper.Picture().find('.'), std::string::npos);
   EXPECT_EQ(paper.Picture().find('+'), std::string::npos);
@@ -177,7 +177,7 @@ TEST(DeviceBitmaps, Should_Survive_When_NumbersAreAbsurd) {
   DrawingPaper paper(3, 3);
   const double nan = std::nan("");
   for (const double far : {1e9, -1e9, 1e300, nan, HUGE_VAL}) {
-    for (const uint32_t rop : {rop3::sourceCopy, rop3::sourceInvert}) {
+    for (const uint32_t rop : {rop3::kSourceCopy, rop3::kSourceInvert}) {
       paper.Dc().StretchBlt({-far, far, far, 2}, {bitmap, {0, 0, 3, 2}}, rop);
       paper.Dc().StretchBlt({0, 0, 3, 3}, {bitmap, {far, -far, 1, far}}, rop);
     }

@@ -55,14 +55,14 @@ TEST(DeviceBrushes, Should_FillGaps_When_TheBackgroundIsOpaque) {
 TEST(DeviceBrushes, Should_TakeTheColorsOfTheTime_When_TheyChangeBetweenFills) {
   DrawingPaper paper(8, 8);
   paper.Dc().SelectBrush(std::make_shared<LogicalBrush>(Hatched(0)));
-  paper.Dc().PatBlt({0, 0, 8, 8}, rop3::patternCopy);
+  paper.Dc().PatBlt({0, 0, 8, 8}, rop3::kPatternCopy);
   EXPECT_EQ(Count(paper.Picture(), '.'), 56);
   paper.Dc().SaveDC();
   paper.Dc().SetBkColor(RGB(255, 0, 0));
-  paper.Dc().PatBlt({0, 0, 8, 8}, rop3::patternCopy);
+  paper.Dc().PatBlt({0, 0, 8, 8}, rop3::kPatternCopy);
   EXPECT_EQ(Count(paper.Picture(), 'r'), 56);
   paper.Dc().RestoreDC(-1);
-  paper.Dc().PatBlt({0, 0, 8, 8}, rop3::patternCopy);
+  paper.Dc().PatBlt({0, 0, 8, 8}, rop3::kPatternCopy);
   EXPECT_EQ(Count(paper.Picture(), '.'), 56);
 }
 
@@ -91,11 +91,11 @@ TEST(DeviceBrushes, Should_TakeTextAndBackgroundColor_When_ThePatternIsMono) {
   paper.Dc().SetTextColor(RGB(255, 0, 0));
   paper.Dc().SetBkColor(RGB(0, 0, 255));
   paper.Dc().SelectBrush(std::make_shared<LogicalBrush>(brush));
-  paper.Dc().PatBlt({0, 0, 4, 1}, rop3::patternCopy);
+  paper.Dc().PatBlt({0, 0, 4, 1}, rop3::kPatternCopy);
   EXPECT_EQ(paper.Picture(), "\nrbrb\n");
   // The colors apply at the time of drawing.
   paper.Dc().SetTextColor(RGB(0, 255, 0));
-  paper.Dc().PatBlt({0, 0, 4, 1}, rop3::patternCopy);
+  paper.Dc().PatBlt({0, 0, 4, 1}, rop3::kPatternCopy);
   EXPECT_EQ(paper.Picture(), "\ngbgb\n");
 }
 
@@ -108,13 +108,13 @@ TEST(DeviceBrushes, Should_MakeBlocksOfPatternPixels_When_TheTargetIsFiner) {
   brush.bitmap = bitmap;
   DrawingPaper paper(8, 1, Affine::Scaling(2, 2));
   paper.Dc().SelectBrush(std::make_shared<LogicalBrush>(brush));
-  paper.Dc().PatBlt({0, 0, 4, 1}, rop3::patternCopy);
+  paper.Dc().PatBlt({0, 0, 4, 1}, rop3::kPatternCopy);
   EXPECT_EQ(paper.Picture(), "\n##..##..\n");
 }
 
 TEST(DevicePens, Should_DrawWithTheBrush_When_AGeometricPenHasOne) {
   LogicalPen pen;
-  pen.style = pen_style::geometric | pen_style::flatCap;
+  pen.style = pen_style::kGeometric | pen_style::kFlatCap;
   pen.width = 8;
   pen.brush = std::make_shared<LogicalBrush>(Hatched(1));
   DrawingPaper paper(8, 8);
@@ -129,7 +129,7 @@ TEST(DevicePens, Should_DrawWithTheBrush_When_AGeometricPenHasOne) {
 TEST(DevicePens, Should_BeWiderAcross_When_TheAxesDifferInScale) {
   DrawingPaper paper(40, 40);
   paper.Dc().SetWorldTransform(Affine::Scaling(4, 1));
-  paper.Pen(clBlack, 4, pen_style::geometric | pen_style::flatCap);
+  paper.Pen(clBlack, 4, pen_style::kGeometric | pen_style::kFlatCap);
   paper.Dc().MoveTo({5, 0});
   paper.Dc().LineTo({5, 40});
   int across = 0, down = 0;

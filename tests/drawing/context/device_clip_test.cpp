@@ -12,7 +12,7 @@ using test::DrawingPaper;
 
 /// Paints everything inside the clipping region black.
 std::string Seen(DrawingPaper& paper) {
-  paper.Dc().PatBlt({-100, -100, 100, 100}, rop3::blackness);
+  paper.Dc().PatBlt({-100, -100, 100, 100}, rop3::kBlackness);
   const std::string picture = paper.Picture();
   FillRaster(paper.raster, {0, 0, paper.raster.Width(), paper.raster.Height()}, clWhite);
   return picture;
@@ -124,7 +124,7 @@ TEST(DeviceClip, Should_CombineSoftEdges_When_PathsMeet) {
     DrawingPaper paper(60, 40);
     SelectCircle(paper, {0, 0, 40, 40}, RegionMode::copy);
     SelectCircle(paper, {20, 0, 60, 40}, c.mode);
-    paper.Dc().PatBlt({0, 0, 60, 40}, rop3::blackness);
+    paper.Dc().PatBlt({0, 0, 60, 40}, rop3::kBlackness);
     EXPECT_EQ(paper.At(5, 20) == clBlack, c.left);
     EXPECT_EQ(paper.At(30, 20) == clBlack, c.middle);
     EXPECT_EQ(paper.At(55, 20) == clBlack, c.right);
@@ -137,7 +137,7 @@ TEST(DeviceClip, Should_CutMasksByRectangles_When_BothAreUsed) {
   SelectCircle(paper, {0, 0, 40, 40}, RegionMode::copy);
   paper.Dc().IntersectClipRect({0, 0, 20, 40});
   paper.Dc().ExcludeClipRect({0, 0, 40, 20});
-  paper.Dc().PatBlt({0, 0, 40, 40}, rop3::blackness);
+  paper.Dc().PatBlt({0, 0, 40, 40}, rop3::kBlackness);
   EXPECT_EQ(paper.At(15, 25), clBlack);
   EXPECT_EQ(paper.At(25, 25), clWhite);
   EXPECT_EQ(paper.At(15, 15), clWhite);
@@ -173,7 +173,7 @@ TEST(DeviceClip, Should_AddCoverage_When_SoftAreasAreUnited) {
   half(twice, 0, RegionMode::copy);
   half(twice, 0, RegionMode::unite);
   for (DrawingPaper* each : {&once, &twice}) {
-    each->Dc().PatBlt({0, 0, 8, 8}, rop3::blackness);
+    each->Dc().PatBlt({0, 0, 8, 8}, rop3::kBlackness);
   }
   const int soft = 255 - (once.At(3, 3) & 255), united = 255 - (twice.At(3, 3) & 255);
   EXPECT_GT(soft, 60);
@@ -193,7 +193,7 @@ TEST(DeviceClip, Should_StayAsItIs_When_TheModeIsNone) {
   }
   DrawingPaper round(40, 40);
   SelectCircle(round, {0, 0, 10, 10}, static_cast<RegionMode>(6));
-  round.Dc().PatBlt({0, 0, 40, 40}, rop3::blackness);
+  round.Dc().PatBlt({0, 0, 40, 40}, rop3::kBlackness);
   EXPECT_EQ(round.At(35, 35), clBlack);
 }
 
@@ -214,7 +214,7 @@ TEST(DeviceClip, Should_BeExact_When_AnAreaHasThousandsOfRectangles) {
   SelectCheckers(paper, 200);
   paper.Dc().IntersectClipRect({3, 0, 200, 200});
   paper.Dc().ExcludeClipRect({100, 0, 102, 200});
-  paper.Dc().PatBlt({0, 0, 200, 200}, rop3::blackness);
+  paper.Dc().PatBlt({0, 0, 200, 200}, rop3::kBlackness);
   for (int y = 0; y < 200; ++y) {
     for (int x = 0; x < 200; ++x) {
       const bool isSeen = x % 2 != y % 2 && x >= 3 && x != 100 && x != 101;
@@ -229,7 +229,7 @@ TEST(DeviceClip, Should_BeExact_When_ACircleMeetsThousandsOfRectangles) {
   SelectCircle(paper, {0, 0, 200, 200}, RegionMode::intersection);
   SelectCircle(circle, {0, 0, 200, 200}, RegionMode::copy);
   for (DrawingPaper* each : {&paper, &circle}) {
-    each->Dc().PatBlt({0, 0, 200, 200}, rop3::blackness);
+    each->Dc().PatBlt({0, 0, 200, 200}, rop3::kBlackness);
   }
   for (int y = 0; y < 200; ++y) {
     for (int x = 0; x < 200; ++x) {
@@ -247,7 +247,7 @@ TEST(DeviceClip, Should_KeepSoftEdges_When_ThousandsOfRectanglesAreCutOutOfACirc
     paper.Dc().ExcludeClipRect({0, i + 0.0, 200, i + 1.0});
   }
   for (DrawingPaper* each : {&paper, &circle}) {
-    each->Dc().PatBlt({0, 0, 200, 200}, rop3::blackness);
+    each->Dc().PatBlt({0, 0, 200, 200}, rop3::kBlackness);
   }
   for (int y = 0; y < 200; ++y) {
     for (int x = 0; x < 200; ++x) {
@@ -279,14 +279,14 @@ TEST(DeviceClip, Should_BeWhatItWas_When_SomethingInsideANarrowerAreaDidNotFitTh
   paper.Dc().SetBkMode(BackgroundMode::transparent);
   TextRun run;
   run.origin = {60, 40};
-  run.options = text_option::clipped;
+  run.options = text_option::kClipped;
   run.box = {60, 30, 90, 60};
   run.text = u"Text";
   {
     const PictureMemoryScope small(200 * 100 + 8);
     EXPECT_THROW(paper.Dc().ExtTextOut(run), LimitError);
   }
-  paper.Dc().PatBlt({0, 0, 200, 100}, rop3::blackness);
+  paper.Dc().PatBlt({0, 0, 200, 100}, rop3::kBlackness);
   EXPECT_EQ(paper.At(150, 50), clBlack);
 }
 
@@ -308,7 +308,7 @@ TEST(DeviceClip, Should_StayInsideItsArea_When_ThatIsAPartOfTheRaster) {
   context.SelectBrush(std::make_shared<LogicalBrush>(brush));
   context.Ellipse({-10, -10, 20, 20});
   context.ExtSelectClipRgn(std::nullopt, RegionUnit::device, RegionMode::copy);
-  context.PatBlt({0, 0, 5, 4}, rop3::patternCopy);
+  context.PatBlt({0, 0, 5, 4}, rop3::kPatternCopy);
   EXPECT_EQ(paper.Picture(), "\n.....\n.###.\n.###.\n.....\n");
 }
 

@@ -136,7 +136,7 @@ TEST(DeviceLines, Should_PullALineInside_When_ItLiesOnTheFarEdge) {
 
 TEST(DeviceLines, Should_DrawWideLines_When_ThePenIsGeometric) {
   DrawingPaper paper(7, 5);
-  paper.Pen(RGB(255, 0, 0), 3, pen_style::geometric | pen_style::flatCap);
+  paper.Pen(RGB(255, 0, 0), 3, pen_style::kGeometric | pen_style::kFlatCap);
   paper.Dc().MoveTo({0, 2});
   paper.Dc().LineTo({7, 2});
   EXPECT_EQ(paper.At(3, 0), clWhite);
@@ -148,7 +148,7 @@ TEST(DeviceLines, Should_DrawWideLines_When_ThePenIsGeometric) {
 TEST(DeviceLines, Should_LeaveGaps_When_ThePenIsDottedAndTheBackgroundTransparent) {
   DrawingPaper paper(12, 1);
   paper.Dc().SetBkMode(BackgroundMode::transparent);
-  paper.Pen(clBlack, 0, pen_style::dot);
+  paper.Pen(clBlack, 0, pen_style::kDot);
   paper.Dc().MoveTo({0, 0});
   paper.Dc().LineTo({12, 0});
   EXPECT_EQ(paper.Picture(), "\n###...###...\n");
@@ -157,7 +157,7 @@ TEST(DeviceLines, Should_LeaveGaps_When_ThePenIsDottedAndTheBackgroundTransparen
 TEST(DeviceLines, Should_FillGapsWithTheBackground_When_ThePenIsDottedAndTheBackgroundOpaque) {
   DrawingPaper paper(12, 1);
   paper.Dc().SetBkColor(RGB(0, 255, 0));
-  paper.Pen(clBlack, 0, pen_style::dot);
+  paper.Pen(clBlack, 0, pen_style::kDot);
   paper.Dc().MoveTo({0, 0});
   paper.Dc().LineTo({12, 0});
   EXPECT_EQ(paper.Picture(), "\n###ggg###ggg\n");
@@ -166,7 +166,7 @@ TEST(DeviceLines, Should_FillGapsWithTheBackground_When_ThePenIsDottedAndTheBack
 TEST(DeviceLines, Should_UseOwnDashes_When_ThePenHasThem) {
   DrawingPaper paper(12, 1);
   LogicalPen pen;
-  pen.style = pen_style::user;
+  pen.style = pen_style::kUser;
   pen.dashes = {2, 1};
   paper.Dc().SelectPen(std::make_shared<LogicalPen>(pen));
   paper.Dc().SetBkMode(BackgroundMode::transparent);

@@ -86,13 +86,13 @@ TEST(DevicePaths, Should_LeaveOpenFiguresOpen_When_OnlyStroked) {
 
 TEST(DevicePaths, Should_KeepTheFirstPen_When_WidenedTwice) {
   DrawingPaper paper(9, 7);
-  paper.Pen(clBlack, 3, pen_style::geometric | pen_style::flatCap);
+  paper.Pen(clBlack, 3, pen_style::kGeometric | pen_style::kFlatCap);
   paper.Dc().BeginPath();
   paper.Dc().MoveTo({0, 3});
   paper.Dc().LineTo({9, 3});
   paper.Dc().EndPath();
   paper.Dc().WidenPath();
-  paper.Pen(clBlack, 7, pen_style::geometric | pen_style::flatCap);
+  paper.Pen(clBlack, 7, pen_style::kGeometric | pen_style::kFlatCap);
   paper.Dc().WidenPath();
   paper.Brush(RGB(255, 0, 0));
   paper.Dc().FillPath();
@@ -102,7 +102,7 @@ TEST(DevicePaths, Should_KeepTheFirstPen_When_WidenedTwice) {
 
 TEST(DevicePaths, Should_FillWhatThePenCovers_When_Widened) {
   DrawingPaper paper(9, 7);
-  paper.Pen(clBlack, 3, pen_style::geometric | pen_style::flatCap);
+  paper.Pen(clBlack, 3, pen_style::kGeometric | pen_style::kFlatCap);
   paper.Dc().BeginPath();
   paper.Dc().MoveTo({0, 3});
   paper.Dc().LineTo({9, 3});
@@ -118,14 +118,14 @@ TEST(DevicePaths, Should_FillWhatThePenCovers_When_Widened) {
 
 TEST(DevicePaths, Should_ClipToWhatThePenCovers_When_Widened) {
   DrawingPaper paper(9, 7);
-  paper.Pen(clBlack, 3, pen_style::geometric | pen_style::flatCap);
+  paper.Pen(clBlack, 3, pen_style::kGeometric | pen_style::kFlatCap);
   paper.Dc().BeginPath();
   paper.Dc().MoveTo({0, 3});
   paper.Dc().LineTo({9, 3});
   paper.Dc().EndPath();
   paper.Dc().WidenPath();
   paper.Dc().SelectClipPath(RegionMode::copy);
-  paper.Dc().PatBlt({0, 0, 9, 7}, rop3::blackness);
+  paper.Dc().PatBlt({0, 0, 9, 7}, rop3::kBlackness);
   EXPECT_EQ(paper.At(4, 1), clWhite);
   EXPECT_EQ(paper.At(4, 3), clBlack);
 }

@@ -58,7 +58,7 @@ TEST(DeviceShapes, Should_KeepOnePixel_When_ARectangleIsThinnerThanThat) {
 TEST(DeviceShapes, Should_StayInsideTheBox_When_ThePenIsInsideItsFrame) {
   DrawingPaper paper(9, 9);
   paper.NoBrush();
-  paper.Pen(clBlack, 2, pen_style::insideFrame | pen_style::geometric | pen_style::miterJoin);
+  paper.Pen(clBlack, 2, pen_style::kInsideFrame | pen_style::kGeometric | pen_style::kMiterJoin);
   paper.Dc().Rectangle({1, 1, 8, 8});
   EXPECT_EQ(paper.At(1, 1), clBlack);
   EXPECT_EQ(paper.At(2, 2), clBlack);

@@ -155,7 +155,7 @@ TEST(DeviceBounds, Should_CoverAllThatWasDrawn_When_MuchLiesOutsideTheRaster) {
 
 TEST(DeviceBounds, Should_IgnoreWhatIsNotPainted_When_PenAndBrushAreNull) {
   Context c;
-  c.dc.SelectPen(std::make_shared<LogicalPen>(LogicalPen{pen_style::null, 0, 0, {}, nullptr}));
+  c.dc.SelectPen(std::make_shared<LogicalPen>(LogicalPen{pen_style::kNull, 0, 0, {}, nullptr}));
   LogicalBrush none;
   none.kind = LogicalBrush::null;
   c.dc.SelectBrush(std::make_shared<LogicalBrush>(none));

@@ -63,7 +63,7 @@ struct Text {
 TEST(DeviceText, Should_StandOnTheBaseline_When_AlignedToIt) {
   NEEDS_FONT();
   Text text;
-  text.paper.Dc().SetTextAlign(text_align::baseline);
+  text.paper.Dc().SetTextAlign(text_align::kBaseline);
   text.Out({10, 50}, u"H");
   const PixelRect box = text.Inked();
   EXPECT_EQ(box.bottom, 50);
@@ -83,7 +83,7 @@ TEST(DeviceText, Should_HangFromItsTop_When_AlignedToTheTop) {
 TEST(DeviceText, Should_BeAsHighAsTheCell_When_TheHeightIsPositive) {
   NEEDS_FONT();
   Text text(Fixed(20));
-  text.paper.Dc().SetTextAlign(text_align::baseline);
+  text.paper.Dc().SetTextAlign(text_align::kBaseline);
   text.Out({10, 50}, u"H");
   // The cell is 1.164 em high.
   EXPECT_NEAR(text.Inked().bottom - text.Inked().top, 14.6 / 1.164, 1);
@@ -92,7 +92,7 @@ TEST(DeviceText, Should_BeAsHighAsTheCell_When_TheHeightIsPositive) {
 TEST(DeviceText, Should_StepAsTold_When_StepsAreGiven) {
   NEEDS_FONT();
   Text text;
-  text.paper.Dc().SetTextAlign(text_align::baseline);
+  text.paper.Dc().SetTextAlign(text_align::kBaseline);
   const double steps[] = {100, 20};
   text.Out({0, 50}, u"II", steps);
   bool isBetweenWhite = true;
@@ -106,10 +106,10 @@ TEST(DeviceText, Should_StepAsTold_When_StepsAreGiven) {
 TEST(DeviceText, Should_EndOrCenterAtThePoint_When_AlignedSo) {
   NEEDS_FONT();
   Text right, center;
-  right.paper.Dc().SetTextAlign(text_align::right);
+  right.paper.Dc().SetTextAlign(text_align::kRight);
   right.Out({150, 20}, u"HHH");
   EXPECT_NEAR(right.Inked().right, 148, 2);
-  center.paper.Dc().SetTextAlign(text_align::center);
+  center.paper.Dc().SetTextAlign(text_align::kCenter);
   center.Out({100, 20}, u"HHH");
   EXPECT_NEAR(center.Inked().left + center.Inked().right, 200, 3);
 }
@@ -117,7 +117,7 @@ TEST(DeviceText, Should_EndOrCenterAtThePoint_When_AlignedSo) {
 TEST(DeviceText, Should_MoveThePosition_When_TheAlignmentSaysSo) {
   NEEDS_FONT();
   Text text;
-  text.paper.Dc().SetTextAlign(text_align::updatePosition);
+  text.paper.Dc().SetTextAlign(text_align::kUpdatePosition);
   text.paper.Dc().MoveTo({10, 10});
   const double steps[] = {30, 15};
   text.Out({500, 500}, u"ab", steps);
@@ -128,9 +128,10 @@ TEST(DeviceText, Should_MoveThePosition_When_TheAlignmentSaysSo) {
 TEST(DeviceText, Should_MoveThePositionBack_When_AlignedToTheRight) {
   NEEDS_FONT();
   const double steps[] = {30, 15};
-  for (const auto& [align, x] : {std::pair(text_align::right, 55.0), {text_align::center, 100.0}}) {
+  for (const auto& [align, x] :
+       {std::pair(text_align::kRight, 55.0), {text_align::kCenter, 100.0}}) {
     Text text;
-    text.paper.Dc().SetTextAlign(text_align::updatePosition | align);
+    text.paper.Dc().SetTextAlign(text_align::kUpdatePosition | align);
     text.paper.Dc().MoveTo({100, 10});
     text.Out({}, u"ab", steps);
     EXPECT_EQ(text.paper.Dc().CurrentPosition(), (PointD{x, 10})) << align;
@@ -140,7 +141,7 @@ TEST(DeviceText, Should_MoveThePositionBack_When_AlignedToTheRight) {
 TEST(DeviceText, Should_StandOnItsLowestPoint_When_AlignedToTheBottom) {
   NEEDS_FONT();
   Text text;
-  text.paper.Dc().SetTextAlign(text_align::bottom);
+  text.paper.Dc().SetTextAlign(text_align::kBottom);
   text.Out({10, 60}, u"H");
   // The descent is 0.236 em of 20 pixels.
   EXPECT_NEAR(text.Inked().bottom, 60 - 4.7, 1);
@@ -151,7 +152,7 @@ TEST(DeviceText, Should_RunUpward_When_TurnedByAQuarter) {
   LogicalFont font = Fixed(-20);
   font.escapement = 900;
   Text text(font);
-  text.paper.Dc().SetTextAlign(text_align::baseline);
+  text.paper.Dc().SetTextAlign(text_align::kBaseline);
   text.Out({50, 90}, u"HHH");
   const PixelRect box = text.Inked();
   EXPECT_NEAR(box.right, 50, 1);
@@ -167,7 +168,7 @@ TEST(DeviceText, Should_StandUpright_When_TheYAxisPointsUp) {
   text.paper.Dc().SetWindowExt({1, 1});
   text.paper.Dc().SetViewportExt({1, -1});
   text.paper.Dc().SetViewportOrg({0, 100});
-  text.paper.Dc().SetTextAlign(text_align::baseline);
+  text.paper.Dc().SetTextAlign(text_align::kBaseline);
   text.Out({10, 50}, u"L");
   // The foot of the letter lies below its stem.
   const PixelRect box = text.Inked();
@@ -185,7 +186,7 @@ PixelRect TurnedOn(PointD viewportExt, PointD viewportOrg, PointD at) {
   text.paper.Dc().SetWindowExt({1, 1});
   text.paper.Dc().SetViewportExt(viewportExt);
   text.paper.Dc().SetViewportOrg(viewportOrg);
-  text.paper.Dc().SetTextAlign(text_align::baseline);
+  text.paper.Dc().SetTextAlign(text_align::kBaseline);
   text.Out(at, u"HH");
   return text.Inked();
 }
@@ -234,7 +235,7 @@ TEST(DeviceText, Should_FillTheBoxAndClip_When_TheOptionsSaySo) {
   text.paper.Dc().SetBkColor(RGB(0, 0, 255));
   TextRun run;
   run.origin = {20, 20};
-  run.options = text_option::opaque | text_option::clipped;
+  run.options = text_option::kOpaque | text_option::kClipped;
   run.box = RectD{20, 20, 40, 40};
   run.text = u"HHHHHH";
   text.paper.Dc().ExtTextOut(run);
@@ -249,7 +250,7 @@ TEST(DeviceText, Should_FillTheBox_When_ThereIsNoText) {
   DrawingPaper paper(4, 3);
   paper.Dc().SetBkColor(RGB(255, 0, 0));
   TextRun run;
-  run.options = text_option::opaque;
+  run.options = text_option::kOpaque;
   run.box = RectD{1, 1, 3, 2};
   paper.Dc().ExtTextOut(run);
   EXPECT_EQ(paper.Picture(), "\n....\n.rr.\n....\n");
@@ -260,7 +261,7 @@ TEST(DeviceText, Should_DrawRules_When_UnderlinedAndStruckOut) {
   LogicalFont font = Fixed(-20);
   font.underline = font.strikeOut = true;
   Text text(font);
-  text.paper.Dc().SetTextAlign(text_align::baseline);
+  text.paper.Dc().SetTextAlign(text_align::kBaseline);
   const double steps[] = {50};
   text.Out({10, 50}, u" ", steps);
   int rules = 0;
@@ -307,7 +308,7 @@ TEST(DeviceText, Should_ShowTheSameLetters_When_GlyphNumbersAreGiven) {
   letters.Out({10, 20}, u"Ab");
   const char16_t glyphs[] = {static_cast<char16_t>(face->Letter(U'A').index),
                              static_cast<char16_t>(face->Letter(U'b').index)};
-  numbers.Out({10, 20}, {glyphs, 2}, {}, text_option::glyphIndexes);
+  numbers.Out({10, 20}, {glyphs, 2}, {}, text_option::kGlyphIndexes);
   EXPECT_EQ(letters.paper.Picture(), numbers.paper.Picture());
 }
 
@@ -318,7 +319,7 @@ TEST(DeviceText, Should_TakeUsualNumbers_When_TheFontWasReplaced) {
   Text letters(unknown), numbers(unknown);
   letters.Out({10, 20}, u"Ab");
   const char16_t glyphs[] = {u'A' - 29, u'b' - 29, 5000};
-  numbers.Out({10, 20}, {glyphs, 3}, {}, text_option::glyphIndexes);
+  numbers.Out({10, 20}, {glyphs, 3}, {}, text_option::kGlyphIndexes);
   EXPECT_NE(letters.Inked().right, 0);
   EXPECT_EQ(letters.paper.Picture(), numbers.paper.Picture());
 }
@@ -368,10 +369,10 @@ TEST(DeviceText, Should_ShowABox_When_ASymbolIsNotKnown) {
 TEST(DeviceText, Should_MoveUp_When_StepsHaveAVerticalPart) {
   NEEDS_FONT();
   Text text;
-  text.paper.Dc().SetTextAlign(text_align::baseline);
+  text.paper.Dc().SetTextAlign(text_align::kBaseline);
   TextRun run;
   run.origin = {10, 50};
-  run.options = text_option::pairs;
+  run.options = text_option::kPairs;
   run.text = u"HH";
   const double steps[] = {100, 20}, rises[] = {30, 0};
   run.steps = steps;
@@ -385,15 +386,15 @@ TEST(DeviceText, Should_BeReadFromTheRight_When_LettersAreHebrew) {
   NEEDS_FONT();
   Text read, seen, asIs;
   read.Out({10, 20}, u"אב");
-  seen.Out({10, 20}, u"בא", {}, text_option::asOrdered);
-  asIs.Out({10, 20}, u"אב", {}, text_option::asOrdered);
+  seen.Out({10, 20}, u"בא", {}, text_option::kAsOrdered);
+  asIs.Out({10, 20}, u"אב", {}, text_option::kAsOrdered);
   EXPECT_EQ(read.paper.Picture(), seen.paper.Picture());
   EXPECT_NE(read.paper.Picture(), asIs.paper.Picture());
   // Each letter keeps its own advance.
   const double steps[] = {60, 25}, turned[] = {25, 60};
   Text stepped, expected;
   stepped.Out({10, 20}, u"אב", steps);
-  expected.Out({10, 20}, u"בא", turned, text_option::asOrdered);
+  expected.Out({10, 20}, u"בא", turned, text_option::kAsOrdered);
   EXPECT_EQ(stepped.paper.Picture(), expected.paper.Picture());
 }
 

@@ -362,13 +362,13 @@ TEST(HostileRecords, ExtTextOut_Should_LeaveTheClip_When_TheTextIsRefused) {
   TextRun run;
   run.origin = {2, 5};
   run.text = u"Abc";
-  run.options = text_option::clipped;
+  run.options = text_option::kClipped;
   run.box = RectD{0, 0, 30, 40};
   {
     const PictureMemoryScope memory(1);
     EXPECT_THROW(paper.Dc().ExtTextOut(run), LimitError);
   }
-  paper.Dc().PatBlt({0, 0, 60, 40}, rop3::blackness);
+  paper.Dc().PatBlt({0, 0, 60, 40}, rop3::kBlackness);
   EXPECT_EQ(paper.At(45, 20), clBlack);
 }
 

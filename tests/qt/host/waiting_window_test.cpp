@@ -132,7 +132,7 @@ TEST(WaitingWindow, Driver_Should_NotSpin_When_ItWaitsLong) {
   const double used = ProcessorMilliseconds() - before;
   HostPorts().messagePump = nullptr;
   // A driver that spins uses the whole interval between two turns.
-  const double interval = static_cast<double>(TApplication::PumpInterval.count());
+  const double interval = static_cast<double>(TApplication::kPumpInterval.count());
   EXPECT_LT(used, kTurns * interval / 4);
 }
 

@@ -168,7 +168,8 @@ TEST_F(ApplicationTest, ProcessMessages_TurnsTheHostsLoopAtMostEveryTenMilliseco
   // The interval is counted from the clock reading before the call, so 10 ms may look a little
   // shorter from inside.
   for (size_t i = 1; i < turns.size(); ++i) {
-    EXPECT_GE(turns[i] - turns[0], (TApplication::PumpInterval - std::chrono::milliseconds(5)) * i);
+    EXPECT_GE(turns[i] - turns[0],
+              (TApplication::kPumpInterval - std::chrono::milliseconds(5)) * i);
   }
 }
 

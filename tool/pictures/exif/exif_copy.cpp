@@ -42,8 +42,9 @@ bool IsStoredAsRgb(const JpegHeader& header, bool hasJfif) {
   constexpr size_t kTransformPlace = 11;
   if (hasJfif || header.components != 3) return false;
   const JpegSegment* adobe = header.Find(MetadataKind::adobe);
-  if (adobe != nullptr && adobe->payload.size() > kTransformPlace)
+  if (adobe != nullptr && adobe->payload.size() > kTransformPlace) {
     return adobe->payload[kTransformPlace] == 0;
+  }
   return header.componentNames == "RGB";
 }
 
@@ -92,8 +93,9 @@ class Copy {
         (Is(segment, MetadataKind::profile) && picture_.Find(MetadataKind::profile) != nullptr);
     if (isOfPixels || Is(segment, MetadataKind::mpf) || !IsMetadata(segment)) return;
     if (segment.marker == kMarkerApp0) {
-      if (Is(segment, MetadataKind::jfif))
+      if (Is(segment, MetadataKind::jfif)) {
         saved_.HeaderSegment = Keep(segment, SectionBytes(segment));
+      }
     } else if (Is(segment, MetadataKind::exif) && saved_.ExifSegment == nullptr) {
       saved_.ExifSegment = Keep(segment, ExifFor(SectionBytes(segment)));
     } else if (segment.marker == kMarkerApp13 && saved_.IPTCSegment == nullptr) {
@@ -106,10 +108,12 @@ class Copy {
   }
 
   void TakeFromPicture(const JpegSegment& segment) {
-    if (Is(segment, MetadataKind::adobe) || Is(segment, MetadataKind::profile))
+    if (Is(segment, MetadataKind::adobe) || Is(segment, MetadataKind::profile)) {
       behind_.push_back(segment);
-    if (Is(segment, MetadataKind::jfif) && saved_.HeaderSegment == nullptr)
+    }
+    if (Is(segment, MetadataKind::jfif) && saved_.HeaderSegment == nullptr) {
       saved_.HeaderSegment = Keep(segment, SectionBytes(segment));
+    }
   }
 
   /// The EXIF section of the photo with the requested changes.
@@ -165,8 +169,9 @@ class Copy {
   void WritePicture(TStream& target) {
     TMemoryStream plain;
     plain.Write(pictureBytes_.first(2));
-    for (const JpegSegment& segment : picture_.segments)
+    for (const JpegSegment& segment : picture_.segments) {
       if (!IsMetadata(segment)) plain.Write(pictureBytes_.subspan(segment.place, segment.Size()));
+    }
     plain.Write(pictureBytes_.subspan(picture_.scanPlace));
     saved_.WriteImageToStream(plain, target, true);
   }

@@ -80,11 +80,14 @@ std::vector<std::string> LostByCopying(const Bytes& photo, const Bytes& picture,
                                        const Bytes& result) {
   const std::vector<std::string> kept = KindsIn(result);
   std::vector<std::string> lost;
-  for (const Bytes* source : {&photo, &picture})
-    for (const std::string& kind : KindsIn(*source))
+  for (const Bytes* source : {&photo, &picture}) {
+    for (const std::string& kind : KindsIn(*source)) {
       if (!Has(kept, kind) && !Has(lost, kind)) lost.push_back(kind);
-  if (LosesResolution(picture, result))
+    }
+  }
+  if (LosesResolution(picture, result)) {
     lost.emplace_back(MetadataKindName(MetadataKind::resolution));
+  }
   return lost;
 }
 

@@ -55,15 +55,17 @@ class Bytes {
   void Mark(const Range& range) {
     const auto size = static_cast<int64_t>(marked_.size());
     const int64_t end = std::min(size, range.start + range.bytes);
-    for (int64_t p = std::max<int64_t>(1, range.start); p < end; ++p)
+    for (int64_t p = std::max<int64_t>(1, range.start); p < end; ++p) {
       marked_[static_cast<size_t>(p)] = true;
+    }
   }
   /// Marks the directory and the values stored outside it.
   void Mark(const ExifDirectory& directory) {
     Mark(Range{directory.start, directory.linkPos + 4 - directory.start});
     constexpr int64_t kMostInPlace = 4;
-    for (const ExifEntry& entry : directory.entries)
+    for (const ExifEntry& entry : directory.entries) {
       if (entry.byteCount > kMostInPlace) Mark(Range{entry.valuePos, entry.byteCount});
+    }
   }
   bool Has(int64_t position) const { return marked_[static_cast<size_t>(position)]; }
 
@@ -72,8 +74,9 @@ class Bytes {
 };
 
 void RequireWhole(const ExifBlock& block, const ExifDirectory& directory) {
-  if (directory.linkPos + 3 > static_cast<int64_t>(block.Section().size()))
+  if (directory.linkPos + 3 > static_cast<int64_t>(block.Section().size())) {
     throw FormatError("EXIF: the thumbnail's directory reaches beyond the section");
+  }
 }
 
 /// Bytes that belong only to the thumbnail.
@@ -92,8 +95,9 @@ Bytes ThumbnailParts(const ExifBlock& block) {
 Bytes OtherParts(const ExifBlock& block) {
   Bytes parts(block.Section().size());
   parts.Mark(Range{1, kLengthAndHeaderBytes});
-  for (const ExifDirectory& directory : block.Directories())
+  for (const ExifDirectory& directory : block.Directories()) {
     if (!IsThumbnail(directory)) parts.Mark(directory);
+  }
   return parts;
 }
 

@@ -49,8 +49,9 @@ void TakeFrame(JpegHeader& header, Bytes payload) {
   header.width = static_cast<int>(WordAt(payload, 3));
   header.components = payload[5];
   constexpr size_t kFirstName = 6, kStep = 3;
-  for (size_t place = kFirstName; place < payload.size(); place += kStep)
+  for (size_t place = kFirstName; place < payload.size(); place += kStep) {
     header.componentNames += static_cast<char>(payload[place]);
+  }
 }
 
 bool StartsWith(Bytes bytes, std::string_view text) {
@@ -78,8 +79,9 @@ constexpr std::array<Mark, 9> kMarks = {{
 }  // namespace
 
 const JpegSegment* JpegHeader::Find(MetadataKind kind) const {
-  for (const JpegSegment& segment : segments)
+  for (const JpegSegment& segment : segments) {
     if (SegmentKind(segment) == kind) return &segment;
+  }
   return nullptr;
 }
 

@@ -54,11 +54,13 @@ double GreatestDistance(const Affine& a, const Affine& b, int width, int height)
 
 std::vector<GeoPosition> PositionsInTiff(const TiffFacts& facts) {
   std::vector<GeoPosition> positions;
-  if (facts.pixelScale.size() >= 2 && facts.tiePoints.size() >= 6)
+  if (facts.pixelScale.size() >= 2 && facts.tiePoints.size() >= 6) {
     positions.push_back({MetadataKindName(MetadataKind::geoTiff), "", FromScale(facts)});
-  if (facts.transformation.size() >= 16)
+  }
+  if (facts.transformation.size() >= 16) {
     positions.push_back(
         {MetadataKindName(MetadataKind::geoTiffTransformation), "", FromTransformation(facts)});
+  }
   positions.erase(std::remove_if(positions.begin(), positions.end(),
                                  [](const auto& p) { return !PlacesSomething(p.affine); }),
                   positions.end());
@@ -85,9 +87,10 @@ std::optional<std::string> PositionDoubt(const std::vector<GeoPosition>& positio
   for (size_t i = 1; i < positions.size(); ++i) {
     const double distance =
         GreatestDistance(positions[0].affine, positions[i].affine, width, height);
-    if (!(distance <= kAgreement))
+    if (!(distance <= kAgreement)) {
       return fmt::format("{} and {} disagree by up to {:.3g} pixels; {} is used",
                          positions[0].source, positions[i].source, distance, positions[0].source);
+    }
   }
   return std::nullopt;
 }

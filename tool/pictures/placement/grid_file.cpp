@@ -41,9 +41,10 @@ void LoadStream(GridFile& result, TStream& stream) {
   result.warnings = std::move(report.warnings);
   result.grid.emplace(std::move(frame.rows), *type);
   result.noData = NoData(result.facts.noData, *type);
-  if (result.noData.IsUnreadable())
+  if (result.noData.IsUnreadable()) {
     result.warnings.push_back("the value for no data is not a number: '" +
                               Printable(result.facts.noData) + "'");
+  }
 }
 
 /// A pipe has no size and cannot be read twice.
@@ -59,11 +60,13 @@ void Load(GridFile& result, const std::string& file) {
 void AddPositions(GridFile& result, const std::string& file) {
   result.positions = PositionsOf(file, result.facts);
   const auto worldFile = FindWorldFile(file);
-  if (worldFile && !PositionBeside(file))
+  if (worldFile && !PositionBeside(file)) {
     result.warnings.push_back(*worldFile + " does not begin with six numbers and is ignored");
+  }
   if (const auto doubt = PositionDoubt(result.positions, static_cast<int>(result.facts.width),
-                                       static_cast<int>(result.facts.height)))
+                                       static_cast<int>(result.facts.height))) {
     result.warnings.push_back(*doubt);
+  }
 }
 
 }  // namespace

@@ -22,10 +22,12 @@ std::vector<std::string> MapSources(const std::string& input, const TiffFacts& f
   // A world file that cannot be read is a loss as well.
   if (FindWorldFile(input)) sources.emplace_back(MetadataKindName(MetadataKind::worldFile));
   for (const GeoPosition& position : inTags) sources.push_back(position.source);
-  if (inTags.empty() && !facts.tiePoints.empty())
+  if (inTags.empty() && !facts.tiePoints.empty()) {
     sources.emplace_back(MetadataKindName(MetadataKind::tiePoints));
-  if (facts.hasCoordinateSystem)
+  }
+  if (facts.hasCoordinateSystem) {
     sources.emplace_back(MetadataKindName(MetadataKind::coordinateSystem));
+  }
   if (!facts.noData.empty()) sources.emplace_back(MetadataKindName(MetadataKind::noData));
   return sources;
 }

@@ -48,8 +48,9 @@ std::optional<WorldFile> ReadWorldFile(const std::string& worldFile) {
   for (double& number : result.affine) {
     std::string word;
     words >> word;
-    if (word.find('.') == std::string::npos && Replace(word, ',', '.'))
+    if (word.find('.') == std::string::npos && Replace(word, ',', '.')) {
       result.hasDecimalCommas = true;
+    }
     const auto value = ParseNumber(word);
     if (!value) return std::nullopt;
     number = *value;

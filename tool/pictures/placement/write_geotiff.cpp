@@ -41,16 +41,20 @@ struct Found {
 Placement PlacementOf(const Affine& affine, const std::string& file) {
   const auto [perColumnX, perColumnY, perRowX, perRowY, x, y] = affine;
   const char* const tags = "which pixel scale and tie point cannot express";
-  if (perColumnY != 0 || perRowX != 0)
+  if (perColumnY != 0 || perRowX != 0) {
     Refuse(file, fmt::format("turns or skews the picture (y per column {}, x per row {}), {}",
                              perColumnY, perRowX, tags));
-  if (perColumnX == 0 || perRowY == 0)
+  }
+  if (perColumnX == 0 || perRowY == 0) {
     Refuse(file, fmt::format("gives a pixel size of 0 (x per column {}, y per row {})", perColumnX,
                              perRowY));
-  if (perColumnX < 0)
+  }
+  if (perColumnX < 0) {
     Refuse(file, fmt::format("has columns that run west (x per column {}), {}", perColumnX, tags));
-  if (perRowY > 0)
+  }
+  if (perRowY > 0) {
     Refuse(file, fmt::format("has rows that run north (y per row {}), {}", perRowY, tags));
+  }
   const MapPoint corner = UpperLeftCorner(affine);
   return {corner.x, corner.y, perColumnX, -perRowY};
 }
@@ -71,8 +75,9 @@ Found FromWorldFile(const std::string& name) {
   if (!worldFile) throw Failure(exitInputUnreadable, name + ": " + ReasonForNoNumbers(name));
   Found found{
       PlacementOf(worldFile->affine, name), MetadataKindName(MetadataKind::worldFile), {}, {}};
-  if (worldFile->hasDecimalCommas)
+  if (worldFile->hasDecimalCommas) {
     found.warnings.push_back(name + ": commas were read as decimal points");
+  }
   return found;
 }
 
@@ -92,8 +97,9 @@ Found FromNamedFile(const std::string& name, const std::string& input) {
   Found found = FromWorldFile(name);
   const auto beside = FindWorldFile(input);
   std::error_code ignored;
-  if (beside && std::filesystem::equivalent(ToPath(name), ToPath(*beside), ignored))
+  if (beside && std::filesystem::equivalent(ToPath(name), ToPath(*beside), ignored)) {
     found.carriedOver.emplace_back(MetadataKindName(MetadataKind::worldFile));
+  }
   return found;
 }
 
@@ -110,8 +116,9 @@ Found FromInput(const std::string& input) {
   const std::vector<GeoPosition> positions = PositionsOf(input, facts);
   for (const GeoPosition& position : positions) found.carriedOver.push_back(position.source);
   if (const auto doubt =
-          PositionDoubt(positions, static_cast<int>(facts.width), static_cast<int>(facts.height)))
+          PositionDoubt(positions, static_cast<int>(facts.width), static_cast<int>(facts.height))) {
     found.warnings.push_back(*doubt);
+  }
   return found;
 }
 
@@ -148,8 +155,9 @@ void Write(TBitmap& bitmap, const std::string& name, const Placement& placement)
                       placement.height);
     return;
   }
-  if (bitmap.PixelFormat() == pf15bit || bitmap.PixelFormat() == pf16bit)
+  if (bitmap.PixelFormat() == pf15bit || bitmap.PixelFormat() == pf16bit) {
     bitmap.SetPixelFormat(pf24bit);
+  }
   WriteAnySize(bitmap, name, placement);
 }
 
@@ -163,8 +171,9 @@ JobResult WriteGeoTiff(const Job& job, const PlacementOptions& options) {
   };
   JobResult result = ConvertPicture(job, PictureOptions(), {{}, write, {}});
   auto& lost = result.notCarriedOver;
-  for (const std::string& source : found.carriedOver)
+  for (const std::string& source : found.carriedOver) {
     lost.erase(std::remove(lost.begin(), lost.end(), source), lost.end());
+  }
   result.warnings.insert(result.warnings.end(), found.warnings.begin(), found.warnings.end());
   return result;
 }

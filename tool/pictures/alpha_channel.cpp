@@ -1,4 +1,4 @@
-#include "tool/pictures/transparency.h"
+#include "tool/pictures/alpha_channel.h"
 
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/png_image.h>
@@ -33,8 +33,9 @@ void MakeOpaqueAlpha(TBitmap& bitmap) {
 void ClearPixels(TBitmap& bitmap, TColor color) {
   for (int y = 0; y < bitmap.Height(); ++y) {
     RGBArec* const row = PixelRow(bitmap, y);
-    for (int x = 0; x < bitmap.Width(); ++x)
+    for (int x = 0; x < bitmap.Width(); ++x) {
       if (ColorOf(row[x]) == color) row[x].a = 0;
+    }
   }
 }
 
