@@ -13,6 +13,7 @@
 #include <rasterkit/bitmaptools/files/load_via_wic.h>
 #include <rasterkit/bitmaptools/files/picture_file_dialogs.h>
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
+#include <rasterkit/bitmaptools/files/world_file_name.h>
 #include <rasterkit/bitmaptools/pixels/color.h>
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
 #include <rasterkit/bitmaptools/pixels/palette_merge.h>

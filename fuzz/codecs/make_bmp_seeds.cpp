@@ -54,7 +54,7 @@ void SavePlain() {
   }
   BmpFile file = Plain(24, 40);
   file.height = -3;
-  file.pixelsPerMetreX = file.pixelsPerMetreY = 3780;
+  file.pixelsPerMeterX = file.pixelsPerMeterY = 3780;
   Save("top_down", file.Bytes());
   file = Plain(24, 124);
   file.profile = Rising(20);

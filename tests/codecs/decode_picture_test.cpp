@@ -100,7 +100,7 @@ TEST(DecodePicture, Should_DecodeEmbeddedPicture_When_BitmapFileHoldsOne) {
   for (const uint32_t compression : {4u, 5u}) {
     BmpFile file{.width = 47, .height = 33, .bits = 0, .compression = compression};
     file.pixels = compression == 4 ? EncodeJpeg(picture, 90) : Png(picture);
-    file.pixelsPerMetreX = file.pixelsPerMetreY = 11811;
+    file.pixelsPerMeterX = file.pixelsPerMeterY = 11811;
     TMemoryStream stream(file.Bytes());
     const Raster raster = DecodePicture(stream);
     EXPECT_EQ(raster.Width(), 47);

@@ -1,8 +1,5 @@
-#include <array>
-#include <string_view>
-
+#include <rasterkit/bitmaptools/files/graphic_formats.h>
 #include <rasterkit/bitmaptools/files/graphic_types.h>
-#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/jpeg_image.h>
 #include <rasterkit/graphics/metafile.h>
@@ -12,31 +9,13 @@
 #include <rasterkit/tifftobmp/wic_bitmap.h>
 
 namespace rasterkit {
+
+using detail::GraphicFormat;
+using detail::kGraphicFormats;
+using detail::UsualExtension;
+using detail::WithDot;
+
 namespace {
-
-/// A format with a graphic type, and the extension of its world file in upper case.
-struct GraphicFormat {
-  int type;
-  PictureType picture;
-  std::string_view worldExtension;
-};
-
-/// PDF, GIF and WebP files have no graphic type.
-constexpr std::array kGraphicFormats = {
-    GraphicFormat{gtBmp, PictureType::bmp, "BPW"}, GraphicFormat{gtWmf, PictureType::wmf, ""},
-    GraphicFormat{gtEmf, PictureType::emf, ""},    GraphicFormat{gtJpg, PictureType::jpeg, "JGW"},
-    GraphicFormat{gtPng, PictureType::png, "PGW"}, GraphicFormat{gtTif, PictureType::tiff, "TFW"},
-};
-
-/// In lower case without the dot. Other extensions of a format have no graphic type: ".jpeg" has
-/// none, and ".tiff" counts because only three characters of it are compared.
-std::string_view UsualExtension(const GraphicFormat& format) {
-  return FindCodec(format.picture)->extensions.front();
-}
-
-std::string WithDot(std::string_view extension) {
-  return std::string(".").append(extension);
-}
 
 std::unique_ptr<TGraphic> MakeMetafile(bool enhanced) {
   auto metafile = std::make_unique<TMetafile>();
@@ -69,19 +48,6 @@ int GetGraphicsType(const std::string& ext) {
     }
   }
   return gtNone;
-}
-
-std::string GetWorldFileExt(const std::string& name) {
-  // UpperCase ignores the locale: a Turkish one would turn ".tif" into something that is no
-  // extension.
-  std::string ext = UpperCase(name.starts_with('.') ? name : ExtractFileExt(name));
-  if (ext == ".TIFF") ext = ".TIF";
-  for (const GraphicFormat& format : kGraphicFormats) {
-    if (ext == UpperCase(WithDot(UsualExtension(format))) && !format.worldExtension.empty()) {
-      return WithDot(format.worldExtension);
-    }
-  }
-  return "";
 }
 
 bool CanLoadBitmap(const std::string& fileName) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include <rasterkit/bitmaptools/files/world_file_name.h>
 #include <rasterkit/graphics/graphic.h>
 #include <rasterkit/raster/pixel_format.h>
 #include <rasterkit/runtime/export.h>
@@ -31,10 +32,6 @@ RASTERKIT_EXPORT std::string GetGraphicsExt(int type);
 /// (".tiff" and ".jpgx" are known); without one, the whole text does ("TIFF" is unknown).
 /// World-file extensions ("jgw") have the type of their image; PDF has none.
 RASTERKIT_EXPORT int GetGraphicsType(const std::string& ext);
-
-/// Extension of an image's world file, upper case with the dot: "a.tiff" and ".tif" give ".TFW".
-/// Empty for types without one. `name` is a file name, or an extension with its dot.
-RASTERKIT_EXPORT std::string GetWorldFileExt(const std::string& name);
 
 /// Tells whether the file's extension is that of a raster picture, not of a metafile or PDF.
 RASTERKIT_EXPORT bool CanLoadBitmap(const std::string& fileName);

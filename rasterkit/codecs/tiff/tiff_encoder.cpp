@@ -4,7 +4,7 @@
 #include <rasterkit/codecs/tiff/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/codecs/tiff/tiff_plan.h>
-#include <rasterkit/codecs/tiff/tiff_strips.h>
+#include <rasterkit/codecs/tiff/tiff_strip_writer.h>
 
 namespace rasterkit {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <rasterkit/codecs/tiff/tiff_blocks.h>
+#include <rasterkit/codecs/tiff/tiff_block_reader.h>
 #include <rasterkit/codecs/tiff/tiff_row_writer.h>
 
 namespace rasterkit::detail {

@@ -1,7 +1,7 @@
 #include <utility>
 
 #include <rasterkit/codecs/tiff/tiff_strip_packer.h>
-#include <rasterkit/codecs/tiff/tiff_strips.h>
+#include <rasterkit/codecs/tiff/tiff_strip_writer.h>
 
 namespace rasterkit::detail {
 

@@ -170,8 +170,8 @@ TEST(DecodeBmp, Should_HaveAlpha_When_PlainV4HeaderStatesItsMask) {
 
 TEST(DecodeBmp, Should_GiveDotsPerInch_When_FileStatesPixelsPerMeter) {
   BmpFile file = FourColors24();
-  file.pixelsPerMetreX = 11811;
-  file.pixelsPerMetreY = 2835;
+  file.pixelsPerMeterX = 11811;
+  file.pixelsPerMeterY = 2835;
   const Raster raster = DecodeBytes(file);
   EXPECT_DOUBLE_EQ(raster.resolution.x, 11811 * 0.0254);
   EXPECT_DOUBLE_EQ(raster.resolution.y, 2835 * 0.0254);
@@ -179,8 +179,8 @@ TEST(DecodeBmp, Should_GiveDotsPerInch_When_FileStatesPixelsPerMeter) {
 
 TEST(DecodeBmp, Should_BeWithoutResolution_When_PixelsPerMeterAreNegative) {
   BmpFile file = FourColors24();
-  file.pixelsPerMetreX = -11811;
-  file.pixelsPerMetreY = INT32_MIN;
+  file.pixelsPerMeterX = -11811;
+  file.pixelsPerMeterY = INT32_MIN;
   EXPECT_EQ(DecodeBytes(file).resolution, Resolution{});
 }
 

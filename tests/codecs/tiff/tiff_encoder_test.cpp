@@ -12,7 +12,7 @@
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/codecs/tiff/tiff_plan.h>
-#include <rasterkit/codecs/tiff/tiff_strips.h>
+#include <rasterkit/codecs/tiff/tiff_strip_writer.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/runtime/errors.h>
 

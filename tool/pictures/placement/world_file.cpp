@@ -5,7 +5,7 @@
 #include <fstream>
 #include <sstream>
 
-#include <rasterkit/bitmaptools/files/graphic_types.h>
+#include <rasterkit/bitmaptools/files/world_file_name.h>
 #include <rasterkit/runtime/files/file_name.h>
 
 #include "tool/command/numbers.h"

@@ -2,7 +2,7 @@
 #include <cstring>
 #include <iterator>
 
-#include <rasterkit/codecs/tiff/tiff_blocks.h>
+#include <rasterkit/codecs/tiff/tiff_block_reader.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 

@@ -1,6 +1,6 @@
 #include <utility>
 
-#include <rasterkit/codecs/tiff/tiff_strip_queue.h>
+#include <rasterkit/codecs/tiff/tiff_strip_write_queue.h>
 
 namespace rasterkit::detail {
 

@@ -3,8 +3,8 @@
 
 #include <rasterkit/codecs/rows/worker_threads.h>
 #include <rasterkit/codecs/tiff/tiff_strip_packer.h>
-#include <rasterkit/codecs/tiff/tiff_strip_queue.h>
-#include <rasterkit/codecs/tiff/tiff_strips.h>
+#include <rasterkit/codecs/tiff/tiff_strip_write_queue.h>
+#include <rasterkit/codecs/tiff/tiff_strip_writer.h>
 #include <rasterkit/kernels/rows/convert_rows.h>
 #include <rasterkit/kernels/rows/exchange_red_blue.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
