@@ -145,7 +145,8 @@ TEST(JpegDamage, Should_RefuseByTheBudget_When_AFewBytesClaimAHugePicture) {
   EXPECT_THROW(DecodeJpeg(WithSize(SmallFile(), kBaselineFrame, 65535, 65535)), LimitError);
   EXPECT_THROW(DecodeJpeg(WithSize(SmallFile(), kBaselineFrame, 65500, 65500)), LimitError);
   // Within the budget, but nothing of the first rows is there.
-  EXPECT_THROW(DecodeJpeg(WithSize(SmallFile(), kBaselineFrame, 65500, 20000)), FormatError);
+  const int height = sizeof(size_t) < 8 ? 5000 : 20000;  // 1 or 4 GB: what can be addressed
+  EXPECT_THROW(DecodeJpeg(WithSize(SmallFile(), kBaselineFrame, 65500, height)), FormatError);
   EXPECT_THROW(DecodeJpeg(WithSize(SmallFile(), kBaselineFrame, 40, 0)), FormatError);
   EXPECT_THROW(DecodeJpeg(WithSize(SmallFile(), kBaselineFrame, 0, 50)), FormatError);
 }

@@ -161,10 +161,14 @@ TEST(TiffHostile, HugeClaims_Should_BeRefusedBeforeMemoryIsTaken) {
         .Long(TIFFTAG_STRIPBYTECOUNTS, 100)
         .Bytes(200);
   };
+  // With addresses of 32 bits libtiff itself refuses sizes from 2 GiB on.
+  const bool isNarrow = sizeof(size_t) < 8;
   EXPECT_THAT(ErrorOf(claim(40000, 40000, COMPRESSION_LZW)), HasSubstr("far too small"));
-  EXPECT_THAT(ErrorOf(claim(60000, 60000, COMPRESSION_NONE)), HasSubstr("far too small"));
+  EXPECT_THAT(ErrorOf(claim(60000, 60000, COMPRESSION_NONE)),
+              HasSubstr(isNarrow ? "overflow" : "far too small"));
   EXPECT_THAT(ErrorOf(claim(40000, 40000, COMPRESSION_ADOBE_DEFLATE)), HasSubstr("far too small"));
-  EXPECT_THAT(ErrorOf(claim(200000, 200000, COMPRESSION_LZW)), HasSubstr("the limit is"));
+  EXPECT_THAT(ErrorOf(claim(200000, 200000, COMPRESSION_LZW)),
+              HasSubstr(isNarrow ? "overflow" : "the limit is"));
   EXPECT_THAT(ErrorOf(claim(0xFFFFFFFF, 1, COMPRESSION_LZW)), HasSubstr("TIFF"));
   EXPECT_THAT(ErrorOf(claim(1, 0xFFFFFFFF, COMPRESSION_LZW)), HasSubstr("TIFF"));
   EXPECT_THAT(ErrorOf(claim(0, 5, COMPRESSION_LZW)), HasSubstr("TIFF"));
@@ -357,7 +361,7 @@ TEST(TiffHostile, ErrorsOfTheStream_Should_ComeThrough) {
   TiffFile file = Picture(50, 60, 7, COMPRESSION_LZW);
   const std::vector<uint8_t> bytes = file.Bytes();
   for (const int threads : {1, 3}) {
-    for (const uint64_t from : {uint64_t{4}, uint64_t{900}, bytes.size() - 50}) {
+    for (const uint64_t from : std::initializer_list<uint64_t>{4, 900, bytes.size() - 50}) {
       FailingStream stream(bytes, from);
       EXPECT_THROW(DecodeTiff(stream, {.threads = threads}), FileError) << from;
     }
