@@ -12,6 +12,7 @@
 #include <rasterkit/qt/forms/scaled_form.h>
 #include <rasterkit/qt/forms/translate_texts.h>
 #include <rasterkit/qt/forms/window_settings.h>
+#include <rasterkit/qt/guarded.h>
 #include <rasterkit/qt/host/modal_call.h>
 #include <rasterkit/qt/host/qt_host.h>
 #include <rasterkit/qt/host/settings_store.h>

@@ -2,6 +2,7 @@
 
 /// Errors, streams, the budget of memory, and the ports that a host fills.
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/files/stream.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 #include <rasterkit/runtime/ports.h>
