@@ -11,7 +11,7 @@ namespace {
 
 [[noreturn]] void Refuse(const Codec* codec, bool isEmpty) {
   if (codec == nullptr) {
-    throw FormatError(isEmpty ? "the file is empty" : "the data are no picture of a known kind");
+    throw FormatError(isEmpty ? "the file is empty" : "the data is not a picture of a known type");
   }
   throw UnsupportedError(std::string("pictures of the kind ") + codec->name + " are not decoded");
 }

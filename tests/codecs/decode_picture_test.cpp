@@ -59,7 +59,7 @@ TEST(DecodePicture, Should_PassWarningsOn_When_DataEndEarly) {
   TMemoryStream stream(bytes);
   CodecReport report;
   DecodePicture(stream, &report);
-  EXPECT_THAT(report.warnings, testing::ElementsAre(HasSubstr("of 33 rows are there")));
+  EXPECT_THAT(report.warnings, testing::ElementsAre(HasSubstr("of 33 rows are complete")));
 }
 
 std::string UnsupportedReason(const std::string& start) {

@@ -165,7 +165,7 @@ void ReadBmpRle(TStream& stream, const BmpHeader& header, Raster& raster, CodecR
   if (!reader.IsComplete()) {
     report.warnings.emplace_back("BMP: premature end of data, " +
                                  std::to_string(reader.RowsThere()) + " of " +
-                                 std::to_string(header.height) + " rows are there");
+                                 std::to_string(header.height) + " rows are complete");
   }
   if (reader.WasCut()) report.warnings.emplace_back("BMP: runs beyond the picture were dropped");
 }

@@ -122,7 +122,7 @@ void ReadBmpRows(TStream& stream, const BmpHeader& header, const BmpRowRules& ru
   raster.ClearPadding();
   if (there < header.height) {
     report.warnings.push_back("BMP: premature end of data, " + std::to_string(there) + " of " +
-                              std::to_string(header.height) + " rows are there");
+                              std::to_string(header.height) + " rows are complete");
   }
 }
 

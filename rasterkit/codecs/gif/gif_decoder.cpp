@@ -196,8 +196,9 @@ Raster DecodeGif(std::span<const uint8_t> bytes, CodecReport* report) {
   if (count < order.size()) {
     noticed.warnings.push_back(
         reader.IsCutOff()
-            ? fmt::format("GIF: the data end early, {} of {} rows are there", count, order.size())
-            : fmt::format("{}, {} of {} rows are there", reader.Reason(), count, order.size()));
+            ? fmt::format("GIF: the data end early, {} of {} rows are complete", count,
+                          order.size())
+            : fmt::format("{}, {} of {} rows are complete", reader.Reason(), count, order.size()));
   } else if (reader.IsCutOff()) {
     noticed.warnings.emplace_back("GIF: the file is cut off");
   }

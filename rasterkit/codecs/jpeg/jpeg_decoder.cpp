@@ -166,7 +166,7 @@ void ReportEnd(const JpegReader& reader, const JpegLayout& layout, CodecReport& 
   if (!errors.dataEnded || (layout.manyScans && !errors.endedInFirstScan)) return;
   const uint64_t whole =
       uint64_t{errors.endedInRow} * static_cast<uint64_t>(codec.max_v_samp_factor) * DCTSIZE;
-  report.warnings.push_back(fmt::format("JPEG: the data end early, {} of {} rows are there",
+  report.warnings.push_back(fmt::format("JPEG: the data end early, {} of {} rows are complete",
                                         std::min<uint64_t>(whole, codec.output_height),
                                         codec.output_height));
 }

@@ -237,8 +237,8 @@ Raster DecodePng(Bytes bytes, CodecReport* report) {
   raster.ClearPadding();
 
   if (missing < raster.Height()) {
-    noticed.warnings.push_back(
-        fmt::format("PNG: the data end early, {} of {} rows are there", missing, raster.Height()));
+    noticed.warnings.push_back(fmt::format("PNG: the data end early, {} of {} rows are complete",
+                                           missing, raster.Height()));
   } else if (reader.RanDry()) {
     noticed.warnings.emplace_back("PNG: the file is cut off");
   }

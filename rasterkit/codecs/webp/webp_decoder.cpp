@@ -207,7 +207,7 @@ Raster DecodeWebp(Bytes bytes, CodecReport* report) {
   raster.profile = ProfileOf(bytes, noticed);
 
   if (outcome.rows < picture.height) {
-    noticed.warnings.push_back(fmt::format("WebP: the data {}, {} of {} rows are there",
+    noticed.warnings.push_back(fmt::format("WebP: the data {}, {} of {} rows are complete",
                                            outcome.isDamaged ? "are damaged" : "end early",
                                            outcome.rows, picture.height));
   } else if (detail::IsWebpCutOff(bytes)) {

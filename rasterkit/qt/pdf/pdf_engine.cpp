@@ -42,9 +42,9 @@ bool HasPdfMark(TStream& stream) {
       throw PdfPasswordError(hasPassword ? "PDF: the password is wrong"
                                          : "PDF: the file is encrypted and needs a password");
     case QPdfDocument::Error::UnsupportedSecurityScheme:
-      throw UnsupportedError("PDF: the file is protected in a way that is not known here");
+      throw UnsupportedError("PDF: unsupported encryption");
     default:
-      throw FormatError(hasMark ? "PDF: the file is damaged" : "PDF: the file is no PDF file");
+      throw FormatError(hasMark ? "PDF: the file is damaged" : "PDF: the file is not a PDF file");
   }
 }
 

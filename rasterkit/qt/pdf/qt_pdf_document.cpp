@@ -56,7 +56,7 @@ std::optional<Result> QtPdfDocument::Ask(PdfThread::Kind kind, Work<Result> work
 
 bool QtPdfDocument::GoesOn(const PdfKeepGoing& keepGoing) const {
   if (thread_.GoesInCircles()) {
-    throw FormatError("PDF: the file is damaged and sends its reader round in circles", fileName_);
+    throw FormatError("PDF: the file is damaged: reading it does not end", fileName_);
   }
   RequireFreeEngine();
   return !keepGoing || keepGoing();
@@ -80,7 +80,7 @@ PdfPageSize QtPdfDocument::PageSize(int index) const {
 
 bool QtPdfDocument::ExportPage(int index, double scale, PdfRotation rotation, TBitmap& bitmap,
                                const PdfKeepGoing& keepGoing) {
-  if (!(scale > 0)) throw RangeError(fmt::format("PDF: a scale of {} is none", scale), fileName_);
+  if (!(scale > 0)) throw RangeError(fmt::format("PDF: {} is not a valid scale", scale), fileName_);
   const std::optional<PdfPageSize> size = KnownPageSize(index, keepGoing);
   if (!size) return false;
   try {
@@ -100,13 +100,12 @@ bool QtPdfDocument::ExportPage(int index, double scale, PdfRotation rotation, TB
 
 void QtPdfDocument::RequireFreeEngine() const {
   if (!PdfThread::IsEngineStuck()) return;
-  throw Error("PDF: a damaged file holds the drawing component; the program must be started again",
-              fileName_);
+  throw Error("PDF: a damaged file blocks the PDF engine; restart the program", fileName_);
 }
 
 void QtPdfDocument::RequirePage(int index) const {
   if (index >= 0 && index < pageCount_) return;
-  throw RangeError(fmt::format("PDF: there is no page {} among {}", index + 1, pageCount_),
+  throw RangeError(fmt::format("PDF: there is no page {}, the file has {}", index + 1, pageCount_),
                    fileName_);
 }
 

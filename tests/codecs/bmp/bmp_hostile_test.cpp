@@ -151,7 +151,7 @@ TEST(HostileBmp, Should_GiveRowsThatAreThere_When_DataEndEarly) {
   EXPECT_THAT(Indexes(raster, 1), ElementsAre(2, 2));
   EXPECT_THAT(Indexes(raster, 0), ElementsAre(0, 0));
   EXPECT_TRUE(PaddingIsZero(raster));
-  EXPECT_THAT(report.warnings, ElementsAre("BMP: premature end of data, 2 of 3 rows are there"));
+  EXPECT_THAT(report.warnings, ElementsAre("BMP: premature end of data, 2 of 3 rows are complete"));
 }
 
 TEST(HostileBmp, Should_BeOpaqueWhereRowsAreMissing_When_32BitDataEndEarly) {

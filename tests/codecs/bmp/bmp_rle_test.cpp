@@ -122,7 +122,7 @@ TEST(BmpRle, Should_WarnAndKeepRows_When_DataEndEarly) {
     if (cut <= 3) {
       EXPECT_THAT(report.warnings, ElementsAre());
     } else {
-      EXPECT_THAT(report.warnings, ElementsAre(HasSubstr("of 3 rows are there")));
+      EXPECT_THAT(report.warnings, ElementsAre(HasSubstr("of 3 rows are complete")));
     }
   }
 }

@@ -35,7 +35,7 @@ bool RowIs(const Raster& raster, int y, const GifPicture& picture, int pictureRo
   return true;
 }
 
-/// The number in "..., N of M rows are there".
+/// The number in "..., N of M rows are complete".
 int RowsOf(const CodecReport& report) {
   const std::string& warning = report.warnings.front();
   return std::stoi(warning.substr(warning.find(", ") + 2));
@@ -91,7 +91,7 @@ TEST(GifDamage, Should_GiveACoarsePicture_When_AnInterlacedFileEndsEarly) {
   file.pictures[0].stopAfter = 6 * 37 + 5;
   CodecReport report;
   const Raster raster = DecodeGif(file.Bytes(), &report);
-  EXPECT_THAT(report.warnings, ElementsAre(HasSubstr("6 of 29 rows are there")));
+  EXPECT_THAT(report.warnings, ElementsAre(HasSubstr("6 of 29 rows are complete")));
   const int shown[] = {0, 0, 0, 0, 4, 4, 4, 4, 8, 8, 8, 8, 12, 12, 12, 12, 16, 16, 16};
   for (int y = 0; y < 19; y++) EXPECT_TRUE(RowIs(raster, y, file.pictures[0], shown[y])) << y;
   EXPECT_TRUE(RowIs(raster, 28, file.pictures[0], 24));
@@ -112,7 +112,7 @@ TEST(GifDamage, Should_GiveTheRowsBefore_When_TheDataEndThemselves) {
   file.pictures[0].stopAfter = 10 * 37 + 36;
   CodecReport report;
   const Raster raster = DecodeGif(file.Bytes(), &report);
-  EXPECT_THAT(report.warnings, ElementsAre(HasSubstr("10 of 29 rows are there")));
+  EXPECT_THAT(report.warnings, ElementsAre(HasSubstr("10 of 29 rows are complete")));
   EXPECT_TRUE(RowIs(raster, 9, file.pictures[0], 9));
 }
 

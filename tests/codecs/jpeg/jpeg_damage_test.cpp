@@ -57,7 +57,7 @@ TEST(JpegDamage, Should_GiveTheRowsThatAreThereAndWhite_When_Truncated) {
   CodecReport report;
   const Raster cut = DecodeJpeg(Bytes(bytes).first(bytes.size() * 2 / 3), &report);
   ASSERT_EQ(cut.Height(), 200);
-  ASSERT_THAT(report.warnings, testing::Contains(testing::HasSubstr("of 200 rows are there")));
+  ASSERT_THAT(report.warnings, testing::Contains(testing::HasSubstr("of 200 rows are complete")));
   int same = 0, white = 0;
   const auto rowIs = [&](int y, auto&& test) {
     return std::all_of(cut.Row(y), cut.Row(y) + cut.RowBytes(), test);

@@ -53,7 +53,7 @@ TEST(PngDamage, Should_GiveTheRowsThatAreThereAndWhite_When_Truncated) {
     const ByteList file = Encoded(source);
     CodecReport report;
     const Raster cut = DecodePng(Bytes(file).first(file.size() / 2), &report);
-    ASSERT_THAT(report.warnings, testing::Contains(HasSubstr("of 300 rows are there")));
+    ASSERT_THAT(report.warnings, testing::Contains(HasSubstr("of 300 rows are complete")));
     int same = 0, white = 0;
     const auto isWhite = [&](int y) {
       return cut.PixelColor(0, y) == clWhite && cut.PixelColor(199, y) == clWhite;

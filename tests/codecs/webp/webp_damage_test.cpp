@@ -35,7 +35,7 @@ std::string ErrorOf(std::span<const uint8_t> bytes) {
   return "none";
 }
 
-/// The number in "..., N of M rows are there".
+/// The number in "..., N of M rows are complete".
 int RowsOf(const CodecReport& report) {
   const std::string& warning = report.warnings.front();
   return std::stoi(warning.substr(warning.find(", ") + 2));

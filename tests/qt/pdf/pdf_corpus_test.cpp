@@ -59,7 +59,7 @@ TEST_F(PdfCorpus, FilesWithAForeignName_Should_GoByContent_When_Opened) {
   for (const auto& entry : test::CorpusEntries("wrongext")) {
     const std::string& path = entry.at("path");
     const bool isPdf = path.find("_is_pdf.") != std::string::npos;
-    EXPECT_EQ(Walk(path), isPdf ? "" : "PDF: the file is no PDF file") << path;
+    EXPECT_EQ(Walk(path), isPdf ? "" : "PDF: the file is not a PDF file") << path;
   }
 }
 

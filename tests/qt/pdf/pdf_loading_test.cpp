@@ -100,14 +100,13 @@ TEST_F(PdfLoading, LoadFromFile_Should_Decrypt_When_PasswordIsRightOrNotNeeded) 
 TEST_F(PdfLoading, LoadFromFile_Should_SayUnsupported_When_ProtectionIsUnknown) {
   std::string bytes = EncryptedPdf(PdfReader::withPassword);
   bytes.replace(bytes.find("/Filter /Standard"), 17, "/Filter /Strange1");
-  EXPECT_EQ(LoadError<UnsupportedError>(bytes),
-            "PDF: the file is protected in a way that is not known here");
+  EXPECT_EQ(LoadError<UnsupportedError>(bytes), "PDF: unsupported encryption");
 }
 
 TEST_F(PdfLoading, LoadFromFile_Should_TellEmptyDamagedAndForeignApart_When_FileIsNone) {
   EXPECT_EQ(LoadError<FormatError>(""), "PDF: the file is empty");
-  EXPECT_EQ(LoadError<FormatError>("\x89PNG\r\n\x1a\n"), "PDF: the file is no PDF file");
-  EXPECT_EQ(LoadError<FormatError>("x"), "PDF: the file is no PDF file");
+  EXPECT_EQ(LoadError<FormatError>("\x89PNG\r\n\x1a\n"), "PDF: the file is not a PDF file");
+  EXPECT_EQ(LoadError<FormatError>("x"), "PDF: the file is not a PDF file");
   EXPECT_EQ(LoadError<FormatError>("%PDF-1.7\nand nothing else"), "PDF: the file is damaged");
   EXPECT_EQ(LoadError<FormatError>(test::PdfText({})), "PDF: the file has no pages");
 }
@@ -119,7 +118,7 @@ TEST_F(PdfLoading, LoadFromFile_Should_ThrowFileError_When_FileCannotBeRead) {
 
 TEST_F(PdfLoading, LoadFromFile_Should_LeaveNoPages_When_TheNextFileIsBad) {
   OpenPages({{}, {}});
-  EXPECT_EQ(LoadError<FormatError>("no PDF"), "PDF: the file is no PDF file");
+  EXPECT_EQ(LoadError<FormatError>("no PDF"), "PDF: the file is not a PDF file");
   EXPECT_THROW(Document().PageSize(0), RangeError);
   EXPECT_EQ(OpenPages({{}}).PageCount(), 1);
 }

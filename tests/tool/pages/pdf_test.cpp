@@ -191,7 +191,7 @@ TEST_F(CliPdf, BadFiles_Should_Exit3InWords) {
   const std::pair<const char*, const char*> faults[] = {
       {"secret.pdf", "PDF: the file is encrypted and needs a password"},
       {"empty.pdf", "PDF: the file is empty"},
-      {"text.pdf", "PDF: the file is no PDF file"},
+      {"text.pdf", "PDF: the file is not a PDF file"},
       {"damaged.pdf", "PDF: the file is damaged"},
       {"missing.pdf", "No such file"}};
   for (const auto& [name, fault] : faults) {
