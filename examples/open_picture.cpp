@@ -8,7 +8,7 @@ namespace rk = rasterkit;
 int main(int, char** arguments) {
   try {
     rk::TWICBitmap picture;
-    picture.LoadFromFile(arguments[1]);  // by content, whatever the extension says
+    picture.LoadFromFile(arguments[1]);  // by content, regardless of the extension
     const rk::Resolution dpi = picture.Dpi();
     std::cout << picture.Width() << " x " << picture.Height() << " pixels, " << picture.StoredBits()
               << " bits per pixel, " << dpi.x << " x " << dpi.y << " dots per inch\n";

@@ -1,6 +1,6 @@
 #pragma once
 
-/// TBitmap and its kin, the registry of picture formats, PDF documents.
+/// TBitmap and related classes, the registry of picture formats, PDF documents.
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/graphic.h>

@@ -39,9 +39,9 @@ TEXT
 apt=(apt-get -q -c "$state/apt.conf")
 log=$state.log
 # A source that fails may not matter: the next line tells.
-"${apt[@]}" update </dev/null >"$log" 2>&1 || printf 'apt-get update failed for %s; trying with what came\n' "$architecture"
+"${apt[@]}" update </dev/null >"$log" 2>&1 || printf 'apt-get update failed for %s; trying with the available lists\n' "$architecture"
 "${apt[@]}" install -y --download-only "$@" </dev/null >>"$log" 2>&1 ||
-  { cat "$log" >&2; stop "these packages of $architecture cannot be had: $*"; }
+  { cat "$log" >&2; stop "these packages of $architecture are not available: $*"; }
 
 # The merged layout of a system of today; packages still bring files for both halves.
 for half in bin sbin lib; do

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr size_t kLargestContent = 65535 - 2;
-/// Limit of what the reader keeps for one section, whatever the section claims.
+/// Limit of what the reader keeps for one section, regardless of what the section claims.
 constexpr size_t kMostKeptBytes = 32u << 20;
 
 }  // namespace

@@ -87,7 +87,7 @@ void RequireReadBack(const TImageData& image, bool isReadWhole) {
   if (again.OthersCount == image.OthersCount) Require(Saved(again) == Saved(image));
 }
 
-/// The picture data are the end of the file, whatever the file holds.
+/// The picture data are the end of the file, regardless of what the file holds.
 void RequireEndOfFile(const TImageData& image, std::span<const uint8_t> jpeg) {
   const std::vector<uint8_t> rest = Written(image, jpeg, true);
   Require(rest.size() <= jpeg.size());

@@ -45,7 +45,7 @@ struct Codec {
   ImagingFrame (*decodeFrame)(TStream& stream, const FrameOptions& options,
                               CodecReport* report) = nullptr;
 
-  /// Lists what the file holds beside its pixels. TIFF files have ReadTiffFacts for that.
+  /// Lists what the file holds besides its pixels. TIFF files have ReadTiffFacts for that.
   void (*readMetadata)(std::span<const uint8_t> file, PictureMetadata& metadata) = nullptr;
 
   /// Writes the raster at the stream's position. Converts pixel formats that the format lacks.

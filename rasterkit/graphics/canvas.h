@@ -48,7 +48,7 @@ struct TBrush {
 enum TStretchMode { smPlain, smHalftone };
 
 /// How `AlphaBlend` mixes. The opacity a of a source pixel is SourceConstantAlpha / 255, times its
-/// own alpha / 255 if PerPixelAlpha is set and the source is 32-bit, whatever its alpha mark is.
+/// own alpha / 255 if PerPixelAlpha is set and the source is 32-bit, regardless of its alpha mark.
 /// Each channel becomes round(s a + t (1 - a)) in integers, the alpha of a 32-bit target round(255
 /// a + t (1 - a)).
 struct TBlendFunction {
@@ -85,11 +85,11 @@ class RASTERKIT_EXPORT TCanvas {
   void Draw(int x, int y, const TGraphic& graphic);
   /// Draws a graphic stretched into the rectangle by `StretchMode`, honoring transparency: a
   /// defined alpha channel is blended (smHalftone weights colors by it); else a transparent color
-  /// is left out, and then pixels are not averaged.
+  /// is skipped, and then pixels are not averaged.
   void StretchDraw(const TRect& rect, const TGraphic& graphic);
   /// Draws rows stretched into the rectangle by `StretchMode` (mirrored if right lies before left
   /// or bottom above top). A defined alpha channel is blended; else pixels of the key color
-  /// 0x00BBGGRR are left out.
+  /// 0x00BBGGRR are skipped.
   void DrawRaster(const TRect& rect, const Raster& raster, std::optional<TColor> key);
 
   /// Plays the records of a metafile so that its picture fills the rectangle (mirrored when right
@@ -115,7 +115,7 @@ class RASTERKIT_EXPORT TCanvas {
   void PlgBlt(const std::array<TPoint, 3>& corners, const TBitmap& source, const TRect& src);
   /// Replaces `dest` by the whole of a bitmap, stretched as `StretchMode` says: no blending and no
   /// transparent color, and a 32-bit bitmap keeps its alpha. smHalftone weights the colors of a
-  /// 32-bit bitmap by its alpha, whatever its alpha mark says, where any of it is not 0.
+  /// 32-bit bitmap by its alpha, regardless of its alpha mark, where any of it is not 0.
   void CopyStretched(const TRect& dest, const TBitmap& source);
 
  private:

@@ -47,12 +47,11 @@ class RASTERKIT_EXPORT TGraphic {
   virtual void SaveToFile(const std::string& fileName);
   /// Reads from the stream's position to its end.
   virtual void LoadFromStream(TStream& stream) = 0;
-  /// Writes at the stream's position, which is behind the written bytes afterwards.
+  /// Writes at the stream's position, which is after the written bytes then.
   virtual void SaveToStream(TStream& stream) = 0;
 
   /// Draws the graphic stretched into a rectangle of the canvas. Rows with a defined alpha channel
-  /// are blended. Else pixels of the transparent color are left out if the graphic is
-  /// `Transparent`.
+  /// are blended. Else pixels of the transparent color are skipped if the graphic is `Transparent`.
   virtual void DrawTo(TCanvas& canvas, const TRect& place) const;
 
   virtual bool Transparent() const { return transparency_.isOn; }

@@ -23,8 +23,8 @@ class RASTERKIT_EXPORT TIcon : public TGraphic {
   /// Makes an icon from a color bitmap and a mask; see `SetColorAndMask`.
   static std::unique_ptr<TIcon> FromColorAndMask(const TBitmap& color, const TBitmap& mask);
 
-  /// Replaces the content. The alpha of a 32-bit color bitmap is used, whatever its alpha mark is,
-  /// if any of it is not 0. Else the mask, converted to 1 bit, is used: ones are transparent.
+  /// Replaces the content. The alpha of a 32-bit color bitmap is used, regardless of its alpha
+  /// mark, if any of it is not 0. Else the mask, converted to 1 bit, is used: ones are transparent.
   /// Throws RangeError, with the icon unchanged, if the bitmaps are empty or differ in size.
   void SetColorAndMask(const TBitmap& color, const TBitmap& mask);
 

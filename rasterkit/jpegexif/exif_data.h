@@ -81,7 +81,7 @@ class RASTERKIT_EXPORT TExifData {
   int64_t CommentSize = 0;
   /// Groups whose entries are kept.
   TTagTypes TagTypes;
-  /// Entries in rows 0 to FTagCount - 1; the rows behind them are unused.
+  /// Entries in rows 0 to FTagCount - 1; the rows after them are unused.
   std::vector<TTagEntry> FTagArray;
   int32_t FTagCount = 0;
   int32_t MaxTag = 0;
@@ -94,7 +94,7 @@ class RASTERKIT_EXPORT TExifData {
   /// Keeps a copy of the entry if its group is kept. Returns the row of the last kept entry; -1 if
   /// there is none.
   int AddTagToArray(const TTagEntry& nextTag);
-  /// Tells whether the thumbnail's directory lies behind the TIFF header and is large enough for a
+  /// Tells whether the thumbnail's directory lies after the TIFF header and is large enough for a
   /// picture.
   bool HasThumbnail() const;
 };

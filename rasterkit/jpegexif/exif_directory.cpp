@@ -68,7 +68,7 @@ void TImageData::ProcessExifDir(int64_t DirStart, int64_t OffsetBase, int64_t Ex
   }
 }
 
-/// The directory behind the first one counts as that of the thumbnail.
+/// The directory after the first one counts as that of the thumbnail.
 void TImageData::TakeThumbnailLink(int64_t linkPos, int64_t OffsetBase, int64_t ExifLength) {
   if (ExifData->ThumbStart != 0 || ExifData->TiffFmt) return;
   ExifData->ThumbStart = Get32s(ExifBuff, linkPos);

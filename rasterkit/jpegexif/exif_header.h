@@ -18,7 +18,7 @@ bool IsExifSection(std::string_view data);
 /// none.
 bool TakeByteOrder(std::string_view data, TEndInd& order);
 
-/// Position of the main directory: directly behind the TIFF header if that states none.
+/// Position of the main directory: directly after the TIFF header if that states none.
 int64_t MainDirectoryPos(std::string_view data, const TEndInd& order);
 
 }  // namespace rasterkit::detail

@@ -18,11 +18,11 @@ inline constexpr char cDelim[] = " = ";
 
 /// Part of `s` before the first `sub`; all of `s` if there is none or `sub` is empty.
 RASTERKIT_EXPORT std::string StrBefore(std::string_view s, std::string_view sub);
-/// Part of `s` behind the first `sub`; empty if there is none, all of `s` if `sub` is empty.
+/// Part of `s` after the first `sub`; empty if there is none, all of `s` if `sub` is empty.
 RASTERKIT_EXPORT std::string StrAfter(std::string_view s, std::string_view sub);
 /// Number of times `sub` occurs in `s`, without overlap; 0 for an empty `sub`.
 RASTERKIT_EXPORT int StrCount(std::string_view s, std::string_view sub);
-/// The n-th field of `s` between separators, counted from 1; empty behind the last one, the first
+/// The n-th field of `s` between separators, counted from 1; empty after the last one, the first
 /// one for n below 1.
 RASTERKIT_EXPORT std::string StrNth(std::string_view s, std::string_view sub, int n);
 
@@ -35,7 +35,7 @@ RASTERKIT_EXPORT std::string DecodeField(std::string_view code, std::string_view
 
 namespace detail {
 
-/// Formats `value` with a fixed number of decimals and a point, whatever the locale.
+/// Formats `value` with a fixed number of decimals and a point, regardless of the locale.
 std::string FixedText(double value, int decimals);
 
 /// Replaces the first number directive of a template by `value`: "%0.1f mm" with 35 gives "35.0

@@ -35,7 +35,7 @@ struct SectionHead {
   uint64_t length = 0;
 };
 
-/// Reads marker and length of a section; bytes behind the end of the file count as 0.
+/// Reads marker and length of a section; bytes after the end of the file count as 0.
 SectionHead ReadHead(TStream& jpeg, uint64_t position) {
   std::array<uint8_t, 4> bytes = {};
   jpeg.SetPosition(position);

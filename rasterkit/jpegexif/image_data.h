@@ -17,7 +17,7 @@
 
 namespace rasterkit {
 
-/// First bytes of an EXIF section behind its length.
+/// First bytes of an EXIF section after its length.
 inline constexpr std::string_view ValidHeader("Exif\0", 5);
 
 /// Type, place and size of a directory entry's value.
@@ -54,7 +54,8 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
   std::array<TSection, 22> Sections;
   /// The last APP0 section.
   PSection HeaderSegment = nullptr;
-  /// The first APP1 section if it is among the first five sections, whatever it holds (also XMP).
+  /// The first APP1 section if it is among the first five sections, regardless of its content (also
+  /// XMP).
   PSection ExifSegment = nullptr;
   /// The first APP13 section.
   PSection IPTCSegment = nullptr;
@@ -83,8 +84,8 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
 
   /// Reads the sections of a JPEG file from the stream's position and decodes the EXIF section.
   /// Returns true if an EXIF, IPTC, comment, APP2, APP12 or APP14 section was found. The stream's
-  /// position is behind the sections afterwards. Throws ConversionError if a GPS position or time
-  /// does not consist of three valid rationals.
+  /// position is after the sections then. Throws ConversionError if a GPS position or time does not
+  /// consist of three valid rationals.
   bool ReadJpegSections(TStream& stream);
   /// Calls ResetInfos, then reads a file as ReadJpegSections does. Throws FileError if it cannot be
   /// opened or read.
@@ -103,7 +104,7 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
 
   /// Writes the start marker and the kept sections in a fixed order: EXIF (if there is none, the
   /// APP0 section, or else a JFIF header of 300 dots per inch), IPTC, comment, others. So a photo
-  /// with EXIF data loses its APP0 section. Returns the number of bytes written behind the start
+  /// with EXIF data loses its APP0 section. Returns the number of bytes written after the start
   /// marker. Errors of the stream pass to the caller.
   int32_t SaveExif(TStream& stream) const;
   /// Writes a picture with the metadata of this object instead of those of its encoder. The file is
@@ -117,7 +118,7 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
   void WriteImageToStream(TStream& jpegStream, TStream& target, bool OhneH) const;
 
   /// Bytes of the JPEG thumbnail when the section was read; empty if there is none. Finds only
-  /// thumbnails that begin with a quantization or a Huffman table. Includes one byte behind the end
+  /// thumbnails that begin with a quantization or a Huffman table. Includes one byte after the end
   /// marker, or without an end marker everything to the end of the section.
   std::string ExtractThumbnailBuffer() const;
   /// The thumbnail as a picture. Null if there is none or its directory does not mark it as JPEG

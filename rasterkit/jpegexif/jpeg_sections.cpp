@@ -30,7 +30,7 @@ void SectionReader::Append(std::string& target, size_t count) {
   next_ += buffered;
   const size_t missing = count - buffered;
   if (missing == 0) return;
-  // One read gets the rest of the section and the bytes behind it, which are needed next.
+  // One read gets the rest of the section and the bytes after it, which are needed next.
   const size_t filled = target.size();
   target.append(missing, '\0');
   auto* rest = reinterpret_cast<uint8_t*>(target.data()) + filled;

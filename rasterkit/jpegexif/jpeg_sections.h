@@ -49,11 +49,11 @@ class SectionReader {
   SectionReader(const SectionReader&) = delete;
   SectionReader& operator=(const SectionReader&) = delete;
 
-  /// Reads the next byte; 0 behind the end.
+  /// Reads the next byte; 0 after the end.
   uint8_t ReadByte();
-  /// Reads a big-endian word, with 0 for bytes behind the end.
+  /// Reads a big-endian word, with 0 for bytes after the end.
   int32_t ReadWord();
-  /// Appends `count` bytes to `target`, zeros for those behind the end.
+  /// Appends `count` bytes to `target`, zeros for those after the end.
   void Append(std::string& target, size_t count);
   void Skip(size_t count);
   /// Tells whether a read went beyond the end.
@@ -65,7 +65,7 @@ class SectionReader {
   bool Refill();
 
   TStream& stream_;
-  /// Position in the stream behind the buffered bytes.
+  /// Position in the stream after the buffered bytes.
   uint64_t fetched_;
   size_t next_ = 0;
   size_t end_ = 0;

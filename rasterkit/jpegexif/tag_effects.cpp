@@ -57,7 +57,7 @@ int32_t WholeNumber(double value) {
   return static_cast<int32_t>(std::clamp(value, kLeast, kMost));
 }
 
-/// Text of a user comment: behind the eight bytes that state its character code, without its last
+/// Text of a user comment: after the eight bytes that state its character code, without its last
 /// byte.
 void StoreComment(TExifData& exif, TTagEntry& entry) {
   constexpr size_t kCodePrefix = 8;

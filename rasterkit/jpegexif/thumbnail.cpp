@@ -30,7 +30,7 @@ std::string TImageData::ExtractThumbnailBuffer() const {
   if (start == std::string_view::npos) start = area.find(kStartAndHuffman);
   if (start == std::string_view::npos) return {};
   std::string_view picture = area.substr(start);
-  // One byte behind the end marker is included, which decoders ignore.
+  // One byte after the end marker is included, which decoders ignore.
   constexpr size_t kBytesFromEnd = kEndOfImage.size() + 1;
   const size_t end = picture.find(kEndOfImage);
   if (end != std::string_view::npos) picture = picture.substr(0, end + kBytesFromEnd);

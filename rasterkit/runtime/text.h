@@ -30,7 +30,7 @@ RASTERKIT_EXPORT int32_t StrToInt(std::string_view text);
 RASTERKIT_EXPORT size_t Utf16Length(std::string_view text);
 
 /// Extracts the UTF-16 units `first` to `first + count - 1` (from 0) of a UTF-8 text, cut at its
-/// end. A surrogate pair that is only half inside is left out.
+/// end. A surrogate pair that is only half inside is skipped.
 RASTERKIT_EXPORT std::string Utf16Substring(std::string_view text, size_t first, size_t count);
 
 }  // namespace rasterkit

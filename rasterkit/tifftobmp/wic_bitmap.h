@@ -7,8 +7,8 @@
 
 namespace rasterkit {
 
-/// Bitmap for TIFF files: a TBitmap that loads through the imaging codec, by content, whatever the
-/// extension, and saves as TIFF.
+/// Bitmap for TIFF files: a TBitmap that loads through the imaging codec, by content, regardless of
+/// the extension, and saves as TIFF.
 ///
 /// A loaded picture is never `Transparent`: if its file has an alpha channel of 8 bits, pixels of
 /// alpha 0 become opaque white; colors that a file marks as transparent stay visible. Grids keep

@@ -16,7 +16,7 @@ class PageList {
   /// beyond the end adds one page that does not exist, so that the caller can report it.
   std::vector<int> Of(int count) const;
 
-  /// True if the list names exactly one page, whatever the file.
+  /// True if the list names exactly one page, regardless of the file.
   bool IsOnePage() const { return ranges_.size() == 1 && ranges_[0].first == ranges_[0].last; }
 
  private:

@@ -38,7 +38,7 @@ void DrawKeyed(TBitmap& under, const TBitmap& over, int percent) {
   blend.SourceConstantAlpha = static_cast<uint8_t>((255 * (100 - percent) + 50) / 100);
   blend.PerPixelAlpha = HasAlpha(over);
   if (blend.PerPixelAlpha) return under.Canvas().AlphaBlend(AllOf(under), over, AllOf(over), blend);
-  // Where white is left out, both pictures are equal, and blending changes nothing.
+  // Where white is skipped, both pictures are equal, and blending changes nothing.
   const auto drawn = under.Clone();
   drawn->Canvas().TransparentBlt(AllOf(*drawn), over, AllOf(over), clWhite);
   under.Canvas().AlphaBlend(AllOf(under), *drawn, AllOf(*drawn), blend);

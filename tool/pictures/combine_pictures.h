@@ -20,7 +20,7 @@ struct CombineOptions {
 ///
 /// - key: all of `over` except pure white, or except what is transparent if it has transparency;
 ///   `percent` of the picture below show through.
-/// - transparent: a mix with `percent` of the picture below; near white of `over` is left out.
+/// - transparent: a mix with `percent` of the picture below; near white of `over` is skipped.
 /// - shadow: each pixel of `over` except near white is shaded by the picture below, which is first
 ///   brightened by `percent`.
 /// - overwrite: all of `over` except near white.

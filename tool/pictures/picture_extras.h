@@ -5,7 +5,7 @@
 
 namespace rasterkit::tool {
 
-/// Lists what a picture file contains beside the pixels of its first picture, with the names used
+/// Lists what a picture file contains besides the pixels of its first picture, with the names used
 /// in reports of losses: "exif", "gps", "worldfile", "pages" and so on. Decodes nothing; a file
 /// that cannot be read has no extras.
 std::vector<std::string> PictureExtras(const std::string& file);

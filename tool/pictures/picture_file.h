@@ -16,7 +16,7 @@
 
 namespace rasterkit::tool {
 
-/// What a file states beside its pixels.
+/// What a file states besides its pixels.
 struct PictureFile {
   PictureType type = PictureType::unknown;
   /// Includes the orientation tag of a TIFF file.

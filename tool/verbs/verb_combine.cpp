@@ -71,10 +71,10 @@ VerbRunner AddCombineVerb(CommandLine& line) {
           "draws all pixels except white ones, or except its own transparent ones; --percent 40 "
           "lets 40 % of the first picture show through [0]"},
          {"transparent",
-          "mixes both pictures with --percent of the first one [50]; near white is left out"},
+          "mixes both pictures with --percent of the first one [50]; near white is skipped"},
          {"shadow",
           "shades the second picture with the first one, which --percent brightens before [0]; "
-          "near white is left out"},
+          "near white is skipped"},
          {"overwrite", "draws all pixels except near white"},
          {"into-white", "draws only where the first picture is near white"}}}});
   const auto arguments = std::make_shared<CombineArguments>();

@@ -27,7 +27,7 @@ RASTERKIT_EXPORT void DrawBlendedBitmap(TBitmap* bitmap, TCanvas& canvas, const 
 /// Draws the source, stretched, over the whole target.
 ///
 /// A pf1bit source with alpha 255, and only 255, counts as a drawing on white paper. Onto pf32bit
-/// its white pixels are left out; onto other formats AssignPartBitmap overwrites pixel by pixel,
+/// its white pixels are skipped; onto other formats AssignPartBitmap overwrites pixel by pixel,
 /// from (0, 0) without stretching, all columns but not the last row. Everything else is blended
 /// with constant opacity `alpha`, and a pf32bit source also with the alpha of its pixels.
 RASTERKIT_EXPORT void CombineBitmapsTransparent(TBitmap* target, TBitmap* source, uint8_t alpha,

@@ -22,7 +22,7 @@ uint8_t PutIndex(const TPixelThread& worker, int index) {
                             : static_cast<uint8_t>(worker.TarBlack);
 }
 
-/// Transfer into an 8-bit target, whatever its pixels are.
+/// Transfer into an 8-bit target, regardless of its pixels.
 class IndexPartTransfer : public RowTransfer {
  public:
   IndexPartTransfer(const TPixelThread& worker, const ColumnRun& run)

@@ -34,7 +34,7 @@ enum TPixelTask : uint8_t { ptBrighten, ptContrast, ptAssignInWhite, ptAssignPar
 /// 1- and 4-bit pixels are read one byte at a time: `SrcByte` if the source column is a multiple of
 /// 8, `SrcLeft` and `SrcRight` if it is even, `TarByte` if the target column is a multiple of 8.
 /// Between such columns the last byte is used again, also in the next row; all start with 0. So the
-/// result depends on the bands if columns are left out or a rectangle starts in the middle of a
+/// result depends on the bands if columns are skipped or a rectangle starts in the middle of a
 /// byte.
 class RASTERKIT_EXPORT TPixelThread : public TThread {
  public:
@@ -46,7 +46,7 @@ class RASTERKIT_EXPORT TPixelThread : public TThread {
   /// are copied pixel by pixel in `pmOverwrite`, indexed ones of up to 4 bits in every mode.
   void InitPixelMode(TPixelMode APixMode, int32_t AProzent, bool AUseGray);
   /// Sets the rectangles of a transfer, whose ratio is the scale; the target's must not be empty.
-  /// Columns that lie outside either bitmap are left out.
+  /// Columns that lie outside either bitmap are skipped.
   void InitTarSrcRect(const TRect& TarRect, const TRect& SrcRect);
   /// Sets the pf24bit bitmap to change in place and the percentage, for ptBrighten and ptContrast.
   void InitBitmap(TBitmap& ABitmap, int32_t AProzent);

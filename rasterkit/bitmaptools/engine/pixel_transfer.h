@@ -11,7 +11,7 @@
 /// on `ThreadsCount` workers, while the calling thread dispatches its queue.
 ///
 /// For the scale a rectangle has `Right - Left` by `Bottom - Top` pixels, but its column `Right` is
-/// written too. Pixels outside the target or the source are left out. Row y shows source row
+/// written too. Pixels outside the target or the source are skipped. Row y shows source row
 /// Round((y - Top) * scale) + source Top, columns likewise, halves to even. Bands are not cut at
 /// the bottom of the rectangle, so some numbers of threads (6 for 9 rows) write a row more.
 ///
@@ -42,7 +42,7 @@ namespace rasterkit {
 /// into
 ///   the source; the target stays.
 ///
-/// The rows from 0 to the height of `TarRect` are processed, whatever its top is: rows above it
+/// The rows from 0 to the height of `TarRect` are processed, regardless of its top: rows above it
 /// show source rows above `SrcRect` if there are any, and the last rows are not reached. The last
 /// argument is not used.
 RASTERKIT_EXPORT void AssignPartBitmap(TBitmap* TarBmp, TBitmap* SrcBmp, const TRect& TarRect,

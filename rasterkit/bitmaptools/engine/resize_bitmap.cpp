@@ -20,7 +20,7 @@ bool IsAveraged(TPixelFormat format) {
   return format == pf24bit || format == pf32bit;
 }
 
-/// Tells whether pixels of the transparent color are left out. If there is an alpha channel, it is
+/// Tells whether pixels of the transparent color are skipped. If there is an alpha channel, it is
 /// copied and the color does not count.
 bool HasHoles(const TBitmap& bitmap) {
   const bool hasAlpha = bitmap.StoredBits() == 32 && bitmap.AlphaFormat() == afDefined;

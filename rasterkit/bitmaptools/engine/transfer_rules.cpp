@@ -178,7 +178,7 @@ void TransferRules::TakeOverNibbles(int32_t x) {
   StorePacked(x / 2, joined);
 }
 
-// Joined nibbles may set bits behind the last pixel, which must be zero in the rows of a bitmap.
+// Joined nibbles may set bits after the last pixel, which must be zero in the rows of a bitmap.
 void TransferRules::StorePacked(int32_t byte, uint8_t value) {
   const int32_t width = w_.TarBmp->Width();
   const int32_t bits = w_.nTarBit == 4 ? 4 : 1;

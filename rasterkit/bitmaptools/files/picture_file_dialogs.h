@@ -26,8 +26,8 @@ RASTERKIT_EXPORT bool BitmapOpenDialog(const std::string& initialDir, const std:
                                        TBitmapFilter filter, std::string& fileName, bool keepPdf);
 
 /// Lets the user choose a name for a picture. The name gets the extension of the chosen filter
-/// entry, whatever it had. Asks before overwriting. Without `changeDir` the current folder of the
-/// process stays. Returns false, with `fileName` unchanged, if the user cancels.
+/// entry, regardless of the one it had. Asks before overwriting. Without `changeDir` the current
+/// folder of the process stays. Returns false, with `fileName` unchanged, if the user cancels.
 RASTERKIT_EXPORT bool BitmapSaveDialog(const std::string& initialDir, const std::string& defaultExt,
                                        bool withMetafiles, std::string& fileName, bool changeDir);
 

@@ -11,8 +11,8 @@
 /// Call these functions on the thread that owns the bitmap; they change it in place and never fail.
 /// Gray means `GrayValue`, for a palette entry that of its color; above means greater, below means
 /// less. No-op for null and for an empty bitmap. Only palettes of exactly 16 or 256 entries are
-/// supported, and they decide how rows are read, whatever the pixel format: with 256 entries a byte
-/// is a pixel, with 16 a byte holds two, up to the end of the row.
+/// supported, and they decide how rows are read, regardless of the pixel format: with 256 entries a
+/// byte is a pixel, with 16 a byte holds two, up to the end of the row.
 ///
 /// If a byte holds two pixels, the high one counts for both: every byte that is processed ends with
 /// two equal pixels. A byte of two zeros is never changed.

@@ -16,8 +16,8 @@ namespace rasterkit {
 /// Alpha is defined if there is an alpha mask and an alpha above 0; else it is 255 and ignored.
 /// Resolution and an embedded ICC profile are kept.
 ///
-/// A truncated file gives the rows that are there, 0 in the others, and a warning. Throws
-/// FormatError if the bytes are no bitmap file or hold not one row, UnsupportedError for the
+/// A truncated file gives the rows present, 0 in the others, and a warning. Throws FormatError if
+/// the bytes are not a bitmap file or contain no complete row, UnsupportedError for the
 /// compressions of OS/2, LimitError if the picture exceeds the memory limit.
 RASTERKIT_EXPORT Raster DecodeBmp(TStream& stream, CodecReport* report = nullptr);
 

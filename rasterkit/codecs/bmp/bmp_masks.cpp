@@ -17,8 +17,8 @@ BmpChannel::BmpChannel(uint32_t mask, int pixelBits)
   const uint32_t highest = mask_ >> shift_;
   if ((highest & (uint64_t{highest} + 1)) != 0 ||
       static_cast<int>(std::bit_width(mask)) > pixelBits) {
-    throw FormatError("BMP: the color mask " + std::to_string(mask) + " is no run of bits within " +
-                      std::to_string(pixelBits));
+    throw FormatError("BMP: the color mask " + std::to_string(mask) +
+                      " is not a run of bits within " + std::to_string(pixelBits));
   }
   if (static_cast<int>(std::bit_width(highest)) > kWidestTable) return;
   scaled_.resize(size_t{highest} + 1);

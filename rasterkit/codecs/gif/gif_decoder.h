@@ -11,7 +11,7 @@ namespace rasterkit {
 /// picture, else of the file. A transparent entry sets `transparentColor`, with a warning if opaque
 /// pixels have that color too. The area around the picture is transparent or has the background
 /// color of the file. A screen that is too small grows. A truncated or damaged file gives the rows
-/// that are there and a warning. Throws FormatError, LimitError.
+/// present and a warning. Throws FormatError, LimitError.
 RASTERKIT_EXPORT Raster DecodeGif(std::span<const uint8_t> bytes, CodecReport* report = nullptr);
 
 }  // namespace rasterkit

@@ -11,8 +11,8 @@ namespace rasterkit {
 /// raster with defined alpha. It is a PNG file, or has 1 to 32 bits per pixel and a mask. The mask
 /// gives the transparent pixels, unless the picture has an alpha channel that is not all 0.
 ///
-/// A truncated file gives the rows that are there and a warning. Throws FormatError if the bytes
-/// are no icon file, UnsupportedError if the bitmap decoder does not support it, LimitError.
+/// A truncated file gives the rows present and a warning. Throws FormatError if the bytes are not
+/// an icon file, UnsupportedError if the bitmap decoder does not support it, LimitError.
 RASTERKIT_EXPORT Raster DecodeIco(std::span<const uint8_t> bytes, CodecReport* report = nullptr);
 
 }  // namespace rasterkit

@@ -32,7 +32,7 @@ constexpr uint64_t kScanPixelBudget = uint64_t{1} << 34;
 /// Smallest cost of a scan, in pixels.
 constexpr uint64_t kSmallestScan = 1 << 16;
 
-/// Memory that the codec allocates beside the coefficients; it does not grow with the height.
+/// Memory that the codec allocates besides the coefficients; it does not grow with the height.
 constexpr uint64_t kCodecSlack = 64 << 20;
 
 void RequireSupported(const JpegFrame& frame) {
@@ -130,8 +130,8 @@ int DecodeRows(JpegReader& reader, const JpegLayout& layout, Raster& raster) {
   return std::min(y, FirstMissingRow(reader, layout));
 }
 
-/// Reads the end marker after the rows. Intact rows stay valid whatever follows them; if the rows
-/// are damaged too, the file is refused.
+/// Reads the end marker after the rows. Intact rows stay valid regardless of what follows them; if
+/// the rows are damaged too, the file is refused.
 void ReadEnd(JpegReader& reader, CodecReport& report) {
   jpeg_decompress_struct* codec = &reader.Codec();
   if (reader.Try([codec] { jpeg_finish_decompress(codec); })) return;

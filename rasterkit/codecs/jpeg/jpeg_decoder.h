@@ -14,8 +14,8 @@ namespace rasterkit {
 /// With an Adobe marker the file holds C' and K' themselves, without one it holds C and K (0 is no
 /// ink).
 ///
-/// A truncated file gives the rows that are there, white below them, and a warning; a file without
-/// a complete row is refused. Damaged data give what can be decoded, and a warning.
+/// A truncated file gives the rows present, white below them, and a warning; a file without a
+/// complete row is refused. Damaged data give what can be decoded, and a warning.
 ///
 /// Throws FormatError; UnsupportedError for 12 bits per sample, lossless and hierarchical files, 2
 /// or more than 4 components; LimitError if rows and coefficients exceed the picture memory limit

@@ -44,7 +44,8 @@ class Walker {
   }
 
  private:
-  /// Moves behind the next marker; other bytes are skipped. False at the end of the file.
+  /// Moves to the byte after the next marker; other bytes are skipped. False at the end of the
+  /// file.
   bool NextMarker(uint8_t& marker) {
     while (position_ < bytes_.size()) {
       const auto* start = bytes_.data() + position_;

@@ -31,7 +31,7 @@ struct JpegLayout {
 JpegLayout ReadJpegLayout(std::span<const uint8_t> bytes);
 
 /// Joins the pieces in their order; empty if there are none or some are missing. A single piece is
-/// taken whatever its number is.
+/// taken regardless of its number.
 std::vector<uint8_t> JoinProfile(const std::vector<JpegProfilePiece>& pieces);
 
 }  // namespace rasterkit::detail

@@ -8,7 +8,7 @@
 
 namespace rasterkit {
 
-/// What a picture file can hold beside the pixels of its first picture, and what a conversion can
+/// What a picture file can hold besides the pixels of its first picture, and what a conversion can
 /// lose.
 enum class MetadataKind {
   // Blocks of picture files.

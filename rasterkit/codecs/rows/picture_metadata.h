@@ -9,7 +9,7 @@
 
 namespace rasterkit {
 
-/// What a picture file holds beside its pixels.
+/// What a picture file holds besides its pixels.
 struct PictureMetadata {
   /// Each kind once, in the order of the file.
   std::vector<MetadataKind> kinds;

@@ -45,7 +45,7 @@ struct TiffFacts {
 };
 
 /// Reads the tags of a TIFF file that starts at the stream's position. Throws FormatError if the
-/// bytes are no TIFF file or its first directory cannot be read.
+/// bytes are not a TIFF file or its first directory cannot be read.
 RASTERKIT_EXPORT TiffFacts ReadTiffFacts(TStream& stream);
 
 /// The name of a compression: "none", "LZW", "Deflate" and so on; "compression N" if it has none.

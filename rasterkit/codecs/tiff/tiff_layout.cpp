@@ -296,7 +296,7 @@ void LayoutReader::ReadGrid() {
   if (layout_.rows == TiffRowKind::library) return;
   if (across > 1 &&
       uint64_t{grid.width} * static_cast<uint64_t>(PixelBits(layout_.format)) % 8 != 0) {
-    throw FormatError("TIFF: the width of the tiles is no multiple of 16");
+    throw FormatError("TIFF: the width of the tiles is not a multiple of 16");
   }
   const uint64_t rowSamples =
       uint64_t{grid.width} * static_cast<uint64_t>(isPlanar_ ? 1 : samples_);

@@ -9,8 +9,8 @@ namespace rasterkit {
 
 /// Decodes a WebP file to pf24bit, with an alpha channel to pf32bit (afDefined). An animation gives
 /// its first picture on the canvas, which is transparent around it. The ICC profile is kept. A
-/// truncated or damaged file gives the rows that are there and a warning. Throws FormatError,
-/// LimitError, UnsupportedError.
+/// truncated or damaged file gives the rows present and a warning. Throws FormatError, LimitError,
+/// UnsupportedError.
 RASTERKIT_EXPORT Raster DecodeWebp(std::span<const uint8_t> bytes, CodecReport* report = nullptr);
 
 }  // namespace rasterkit

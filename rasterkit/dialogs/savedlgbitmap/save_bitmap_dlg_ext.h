@@ -14,8 +14,8 @@
 /// name accepts every input, even an empty one, and does not ask before overwriting.
 ///
 /// Return true if the user confirmed: `rec` has the save options then, with `BitmapFormat` the
-/// chosen type, and `fileName` is the full name with the extension of that type, whatever was
-/// typed. Otherwise nothing changes. A compression mode above 2 is returned as 2.
+/// chosen type, and `fileName` is the full name with the extension of that type, regardless of what
+/// was typed. Otherwise nothing changes. A compression mode above 2 is returned as 2.
 namespace rasterkit {
 
 /// `withMetafiles` also offers Windows metafiles, which have no options. The other flags and the

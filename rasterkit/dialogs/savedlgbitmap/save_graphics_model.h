@@ -32,7 +32,7 @@ class SaveGraphicsModel {
 
   /// Returns the record for a file of this entry.
   TrecSaveBitmap Result(int filterIndex) const;
-  /// Returns the chosen name with the extension of the type, whatever was typed.
+  /// Returns the chosen name with the extension of the type, regardless of what was typed.
   static std::string ResultName(const std::string& chosen, int32_t type);
 
   int Width = 0, Height = 0;

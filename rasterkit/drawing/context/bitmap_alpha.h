@@ -9,7 +9,7 @@ namespace rasterkit::detail {
 Raster WithStraightAlpha(const Raster& premultiplied);
 /// Multiplies the alpha by factor / 255.
 void ScaleAlpha(Raster& pixels, uint8_t factor);
-/// Sets alpha 0 for all pixels of a color, whatever their alpha.
+/// Sets alpha 0 for all pixels of a color, regardless of their alpha.
 void DropColor(Raster& pixels, uint32_t pixel);
 /// Returns a copy of a mask with white for 1 and black for 0. A mask of more bits per pixel is used
 /// as displayed.

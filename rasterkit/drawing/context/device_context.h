@@ -186,7 +186,7 @@ class DeviceContext {
   void ExtFloodFill(PointD at, TColor color, FloodFill kind);
   /// Fills rectangles with gradients. Each rectangle is given by two corners, as indexes into
   /// `vertices`; the color changes from left to right, or from top to bottom. Shapes with an
-  /// invalid index are left out.
+  /// invalid index are skipped.
   void GradientRects(std::span<const GradientVertex> vertices,
                      std::span<const std::pair<uint32_t, uint32_t>> rects, bool isVertical);
   void GradientTriangles(std::span<const GradientVertex> vertices,

@@ -24,9 +24,9 @@ enum class MapMode : uint32_t {
 /// transform; `right`: after it.
 enum class WorldChange : uint32_t { identity = 1, left = 2, right = 3, set = 4 };
 
-/// Compatible: letters stand upright on the device, whatever the direction of the axes, and their
-/// width follows from their height. Advanced: letters follow all transforms, including mirroring
-/// and shear.
+/// Compatible: letters stand upright on the device, regardless of the direction of the axes, and
+/// their width follows from their height. Advanced: letters follow all transforms, including
+/// mirroring and shear.
 enum class GraphicsMode : uint32_t { compatible = 1, advanced = 2 };
 
 /// Whether gaps of hatches and dashes, and the area behind letters, get the background color.

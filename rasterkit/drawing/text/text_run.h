@@ -17,7 +17,7 @@ struct TextRun {
   std::optional<RectD> box;  ///< for `opaque` and `clipped`, logical units
   /// UTF-16 characters, or glyph indexes with `glyphIndexes`. Glyph indexes are used as they are
   /// only if the font is installed under its own name; for a replaced font they are decoded as in
-  /// common western fonts, and others are left out. Characters are in logical order; Hebrew and
+  /// common western fonts, and others are skipped. Characters are in logical order; Hebrew and
   /// Arabic letters are reordered for display unless `asOrdered` is set.
   std::u16string_view text;
   /// The advance of each UTF-16 unit, logical units. If there are fewer than units, the rest uses

@@ -5,7 +5,7 @@
 
 /// Black and white by the gray value: rows of colors to rows of bits, the first pixel in bit 7.
 /// Ones are the pixels whose gray is `level` or more (any number: none beyond 255, all at 0 and
-/// less); the bits behind the last pixel are ones too. Source and target must not overlap; exactly
+/// less); the bits after the last pixel are ones too. Source and target must not overlap; exactly
 /// (width + 7) / 8 bytes are written.
 namespace rasterkit::kernels {
 

@@ -98,7 +98,7 @@ void BitsAbove(const uint8_t* values, size_t width, uint8_t threshold, uint8_t* 
   HWY_DYNAMIC_DISPATCH(PackBits)(values, width, threshold, target);
 }
 
-// Looking up a table is a load for each pixel, whatever the processor: these stay scalar.
+// Looking up a table is a load for each pixel, regardless of the processor: these stay scalar.
 void Row8To32(const uint8_t* indexes, size_t width, const uint8_t* table, uint8_t* target) {
   for (size_t x = 0; x < width; ++x) std::memcpy(target + 4 * x, table + 4 * indexes[x], 4);
 }

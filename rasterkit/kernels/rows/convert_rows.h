@@ -13,7 +13,7 @@ void Row24To32(const uint8_t* pixels, size_t width, uint8_t* target);
 /// B G R A to B G R.
 void Row32To24(const uint8_t* pixels, size_t width, uint8_t* target);
 
-/// Bytes above `threshold` to ones of a 1-bit row, the first pixel in bit 7; the bits behind the
+/// Bytes above `threshold` to ones of a 1-bit row, the first pixel in bit 7; the bits after the
 /// last pixel of the last byte are zero.
 void BitsAbove(const uint8_t* values, size_t width, uint8_t threshold, uint8_t* target);
 

@@ -26,7 +26,7 @@ class PixelPicker {
   void Pick(const uint8_t* row, uint8_t* target) const;
 
   /// So many bytes from `source` in the row on, in the order of `places`, make the bytes from
-  /// `target` on; those behind are written anew by the next step.
+  /// `target` on; those after it are written anew by the next step.
   struct Step {
     uint32_t source;
     uint32_t target;

@@ -15,7 +15,7 @@ inline constexpr int kSharpenTolerance = 4;
 /// halves up, is added to it, and the sum is cut to 0 to 255. A `share` below 0 (-4000 to 8000 are
 /// allowed) moves it towards the mean.
 ///
-/// The three rows start one pixel before the first and end one pixel behind the last of those that
+/// The three rows start one pixel before the first and end one pixel after the last of those that
 /// are changed, and are only read; `target` is another row.
 void SharpenRow24(int16_t share, const uint8_t* above, const uint8_t* row, const uint8_t* below,
                   size_t width, uint8_t* target);

@@ -2,9 +2,8 @@
 
 #include <rasterkit/kernels/rows/pixel_rows.h>
 
-/// Mirroring in place. `rows.width` and `rows.height` may be less than a picture's: what lies
-/// behind the last pixel of a row stays as it is, to the bit. `bitsPerPixel` is 1, 4, 8, 16, 24 or
-/// 32.
+/// Mirroring in place. `rows.width` and `rows.height` may be less than a picture's: what lies after
+/// the last pixel of a row stays as it is, to the bit. `bitsPerPixel` is 1, 4, 8, 16, 24 or 32.
 namespace rasterkit::kernels {
 
 /// Reverses the order of the pixels in each row.

@@ -151,7 +151,7 @@ TransposedPart Transpose(const ConstPixelRows& source, const PixelRows& target, 
   return TransposeAs<32, 32>(source, target, turn);
 }
 
-// Five pixels behind one byte that is not wanted, backward; one byte of rubbish follows.
+// Five pixels after one byte that is not wanted, backward; one byte of rubbish follows.
 alignas(16) constexpr uint8_t kBackward[16] = {13, 14, 15, 10, 11, 12, 7, 8,
                                                9,  4,  5,  6,  1,  2,  3, 128};
 

@@ -113,7 +113,7 @@ void EmfPlayer::SmallText(const EmfRecord& record) {
     DrawText(record, place, LetterSize::words, mode);
     return;
   }
-  // The bytes are the low bytes of UTF-16 units, whatever the charset of the font is.
+  // The bytes are the low bytes of UTF-16 units, regardless of the charset of the font.
   const auto bytes = fields.Take(fields.Count(place.count, 1));
   const std::u16string text(bytes.begin(), bytes.end());
   ShowText(place, mode, {text, {}, {}});

@@ -10,7 +10,7 @@
 
 namespace rasterkit::detail {
 
-/// How often `keepGoing` is called: seldom enough to cost nothing, often enough to react at once.
+/// How often `keepGoing` is called: rarely enough to cost little, often enough to react at once.
 inline constexpr uint32_t kRecordsPerKeepGoing = 64;
 
 inline void Warn(PlayReport& report, const std::string& reason) {

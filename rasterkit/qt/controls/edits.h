@@ -7,9 +7,9 @@
 
 #include <rasterkit/runtime/export.h>
 
-/// Fields for numbers. Their value is always a finite number within the range, whatever is typed or
-/// pasted: keys that cannot be part of a number are ignored. A field that is left empty or
-/// unfinished shows its last value again when the user leaves it or presses Enter.
+/// Fields for numbers. Their value is always a finite number within the range, regardless of what
+/// is typed or pasted: keys that cannot be part of a number are ignored. A field that is left empty
+/// or unfinished shows its last value again when the user leaves it or presses Enter.
 ///
 /// The arrow keys and the mouse wheel change the number by one step; Page Up, Page Down and the
 /// wheel with Ctrl change it by ten. Point and comma are both accepted as the decimal mark and

@@ -15,7 +15,7 @@ namespace rasterkit {
 ///   exists the current folder is shown. A filter index outside the list selects the first entry.
 /// - Opening accepts existing files only. A name without an extension gets one of the chosen entry
 ///   for which the file exists.
-/// - Saving gives the name the extension of the chosen entry, whatever was typed (see
+/// - Saving gives the name the extension of the chosen entry, regardless of what was typed (see
 ///   NameForEntry), and then asks before overwriting that file if `ofOverwritePrompt` is set.
 /// - The current folder of the process does not change, except when saving without `ofNoChangeDir`:
 ///   then it becomes the folder of the chosen file.

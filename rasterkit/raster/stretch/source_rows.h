@@ -12,7 +12,7 @@ namespace rasterkit::detail {
 /// converted, and consecutive requests for one row convert it once. Alpha is 255; a 32-bit source
 /// keeps its own.
 ///
-/// If many columns are left out, the needed ones are gathered first and then converted; else the
+/// If many columns are skipped, the needed ones are gathered first and then converted; else the
 /// other way round.
 class SourceRows {
  public:

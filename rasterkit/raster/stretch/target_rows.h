@@ -12,7 +12,7 @@ struct PixelRule {
   enum class Kind {
     copy,    ///< replaces it, alpha included
     opaque,  ///< replaces it; the alpha of a 32-bit target becomes 255
-    keyed,   ///< opaque, but pixels of the key color are left out
+    keyed,   ///< opaque, but pixels of the key color are skipped
     blend    ///< is mixed in
   };
   Kind kind = Kind::opaque;
@@ -25,7 +25,7 @@ struct PixelRule {
 RGBArec KeyPixel(TColor key, TPixelFormat format);
 
 /// Draws rows of 32-bit pixels into a raster of any format. On an indexed raster a color becomes
-/// the nearest entry; a pixel that is left out or has opacity 0 keeps its index.
+/// the nearest entry; a pixel that is skipped or has opacity 0 keeps its index.
 class TargetRows {
  public:
   virtual ~TargetRows() = default;

@@ -25,7 +25,7 @@ struct TFileStream::State {
 size_t TFileStream::State::Read(std::span<iovec> pieces) {
   if (isRegular && position > static_cast<uint64_t>(std::numeric_limits<off_t>::max())) return 0;
   if (!isRegular && position != consumed) {
-    throw FileError("cannot be read from any place but its beginning on", name);
+    throw FileError("can only be read from the beginning", name);
   }
   const int64_t place = isRegular ? static_cast<int64_t>(position) : -1;
   const size_t count = detail::ReadPieces(file, pieces, place, name);

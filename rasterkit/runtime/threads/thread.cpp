@@ -56,7 +56,7 @@ void TThread::Start() {
   try {
     thread_ = std::thread(&TThread::Run, this);
   } catch (const std::system_error& error) {
-    throw LimitError(std::string("the system has no further thread: ") + error.what());
+    throw LimitError(std::string("the system cannot create another thread: ") + error.what());
   }
   state->started = true;
 }

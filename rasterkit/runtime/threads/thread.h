@@ -59,7 +59,7 @@ class RASTERKIT_EXPORT TThread {
   /// object is gone by then.
   std::function<void(TThread& sender)> OnTerminate;
 
-  /// Throws LimitError when the system has no further thread, Error when it was started before.
+  /// Throws LimitError if the system cannot create another thread, Error if it was started before.
   void Start();
   /// Starts a thread that owns itself and is freed right after its termination event (at once when
   /// its owner thread has ended). On an error it is freed too.
