@@ -1,4 +1,3 @@
-#include <rasterkit/jpegexif/raw_orientation.h>
 #include <rasterkit/rasterkit.h>
 
 namespace rk = rasterkit;

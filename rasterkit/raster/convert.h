@@ -11,9 +11,8 @@ namespace rasterkit {
 ///   palette (no dithering); always 256 or 16 entries. A gray picture gets the gray ramp at 8 bits.
 ///   An indexed source keeps its indexes if all used ones fit, else its colors if they fit; unused
 ///   entries are black.
-/// - To 1 bit: an indexed source keeps its indexes if none above 1 is used, else its colors if
-/// there
-///   are at most two (the darker one becomes 0). Any other source becomes black and white; gray
+/// - To 1 bit: an indexed source keeps its indexes if none above 1 is used, else its colors if it
+///   has at most two (the darker one becomes 0). Any other source becomes black and white; gray
 ///   above 127 is white (bit 1).
 /// - From indexed: through the palette; an index beyond it is black.
 /// - From 15 and 16 bits: red and blue times 8, green times 8 and 4; all ones is white.

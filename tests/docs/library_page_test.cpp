@@ -1,5 +1,5 @@
-// docs/library.md quotes programs of examples/, which tests/packaging builds and runs, and lists
-// every promised header.
+// docs/library.md and docs/pdf.md quote programs of examples/, which tests/packaging builds and
+// runs; docs/library.md lists every promised header.
 
 #include <set>
 
@@ -49,6 +49,11 @@ TEST(DocsLibrary, CodeBlocks_Should_BeProgramsInExamples) {
   EXPECT_GE(blocks.size(), 10u);
   for (const std::string& block : blocks)
     EXPECT_TRUE(programs.count(block)) << "no program of examples/ reads\n" << block;
+}
+
+TEST(DocsPdf, CodeBlocks_Should_BeTheProgramOfExamples) {
+  EXPECT_THAT(CodeBlocks(ReadDocument("docs/pdf.md")),
+              testing::ElementsAre(ReadDocument("examples/pdf_page.cpp")));
 }
 
 TEST(DocsLibrary, Examples_Should_AllBeQuoted) {

@@ -108,9 +108,8 @@ std::vector<std::string> OtherFiles() {
                                                     ".in",  ".py", ".supp"};
   std::vector<std::string> files = {"run", ".ci/run", "CMakeLists.txt", "CMakePresets.json",
                                     ".clang-tidy"};
-  for (const char* folder : {"rasterkit", "tool", "worker", "python", "tests", "fuzz", "bench",
-                             "examples", "samples", "cmake", "packaging"}) {
-    if (!std::filesystem::exists(SourceFolder() / folder)) continue;
+  for (const char* folder : {"rasterkit", "tool", "tests", "fuzz", "bench", "examples", "samples",
+                             "cmake", "packaging"}) {
     for (const auto& entry :
          std::filesystem::recursive_directory_iterator(SourceFolder() / folder)) {
       const std::filesystem::path& path = entry.path();

@@ -147,7 +147,7 @@ TEST_F(CliGeoTiffGrid, MissingRows_Should_BeWarnedAbout) {
   Save(std::vector<float>(1500, 7.5f));
   const ToolResult result = RunTool({"geotiff", "--json", file_});
   EXPECT_EQ(result.code, 0);
-  EXPECT_THAT(result.err, testing::ContainsRegex("end early, 5[0-9]+ of 1000 rows are whole"));
+  EXPECT_THAT(result.err, testing::ContainsRegex("end early, 5[0-9]+ of 1000 rows are complete"));
   EXPECT_FALSE(JsonLines(result.out).at(0)["warnings"].empty());
 }
 
