@@ -12,7 +12,7 @@ shift 2
 contents="$architecture $(printf '%s\n' "$@" | sort -u | paste -sd ' ')"
 [ "$(cat "$folder/.contents" 2>/dev/null)" != "$contents" ] || exit 0
 for program in apt-get dpkg-deb; do
-  command -v "$program" >/dev/null || stop "requires $program: packages can be had on Debian only"
+  command -v "$program" >/dev/null || stop "requires $program: packages are available on Debian only"
 done
 
 rm -rf "$folder" "$folder.apt"

@@ -48,7 +48,8 @@ class HostWindow : public QMainWindow {
   /// The picture of a file, upright; null after a message.
   static std::unique_ptr<rk::TBitmap> Picture(const std::string& fileName) {
     std::unique_ptr<rk::TBitmap> loaded;
-    if (!rk::LoadWindowsBitmap(fileName, 0, loaded)) rk::ShowMessage(fileName + " is no picture.");
+    if (!rk::LoadWindowsBitmap(fileName, 0, loaded))
+      rk::ShowMessage(fileName + " is not a picture.");
     return loaded;
   }
 

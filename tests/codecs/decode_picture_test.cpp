@@ -1,4 +1,4 @@
-// By content, whatever the file is called.
+// By content, regardless of the name.
 
 #include <algorithm>
 #include <string>

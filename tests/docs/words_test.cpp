@@ -18,6 +18,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 std::vector<std::string> TextsOf(std::string_view text) {
   std::vector<std::string> texts;
@@ -31,6 +32,8 @@ TEST(FindWords, Should_FindThePhrasesOfTheList) {
   EXPECT_THAT(TextsOf("/// values that are none count as 0"), ElementsAre("that are none"));
   EXPECT_THAT(TextsOf("the rule asks for it; GreyColour\nwants none"),
               ElementsAre("asks for", "Colour", "Grey", "wants"));
+  EXPECT_THAT(TextsOf("bytes behind the end are left out, whatever its name is"),
+              UnorderedElementsAre("behind the end", "are left out", "whatever its"));
 }
 
 TEST(FindWords, Should_FindPhrasesOverTheEndOfALineOnce) {
@@ -46,6 +49,7 @@ TEST(FindWords, Should_NotFindWhatIsRight) {
   EXPECT_THAT(TextsOf("copies pixels a row at a time; \"grey-8bit.png\", `millimetres`"),
               IsEmpty());
   EXPECT_THAT(TextsOf("what is wanted; does nothing else; otherwise noise; analysis"), IsEmpty());
+  EXPECT_THAT(TextsOf("behind the port; beside the picture; what was left out"), IsEmpty());
 }
 
 /// All of one area, printed; the counts are what a test compares.

@@ -194,7 +194,7 @@ struct BitmapMembers : GraphicMembers {
   std::unique_ptr<TCanvas> canvas;
   TPixelFormat format;
 };
-/// A member of a derived class stands right behind the last one of its base.
+/// A member of a derived class stands right after the last one of its base.
 template <class Base>
 struct OneByteMore : Base {
   char more;

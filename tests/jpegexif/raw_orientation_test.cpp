@@ -105,7 +105,7 @@ TEST(RawOrientation, EveryTruncation_Should_BeSurvived) {
   const std::string file = JpegOf({test::XmpSection(), kSix});
   for (size_t size = 0; size <= file.size(); ++size) Orientation(file.substr(0, size));
   EXPECT_EQ(Orientation(file.substr(0, 2 + 46 + 4 + 6 + 8 + 2 + 9)), 6)
-      << "cut behind the value's low byte";
+      << "cut after the value's low byte";
 }
 
 }  // namespace

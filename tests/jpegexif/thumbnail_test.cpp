@@ -19,7 +19,7 @@ using test::ExifWithThumbnail;
 const std::string kEnd = "\xFF\xD9";
 const std::string kFiller(300, 'f');
 
-/// A small JPEG as cameras embed it: its tables begin right behind the start marker.
+/// A small JPEG as cameras embed it: its tables begin right after the start marker.
 std::string RealThumbnail() {
   TJPEGImage image;
   const TBitmap bitmap = test::GradientBitmap(pf24bit, 33, 19);

@@ -10,7 +10,7 @@
 #include "tests/reference/gray.h"
 
 /// Conversions between pixel formats written straight from their rules, a pixel at a time. Adaptive
-/// palettes are left out: which colors they choose is no rule.
+/// palettes are skipped: which colors they choose is no rule.
 namespace rasterkit::reference {
 
 struct ReferencePixel {

@@ -237,7 +237,7 @@ class TransferWorker {
       SplitPair(tar_[x / 2], left, right);
       (x % 2 != 0 ? right : left) = 0;
       JoinPair(tar_[x / 2], left, right);
-      // Bits behind the last pixel stay zero.
+      // Bits after the last pixel stay zero.
       const int bits = width * (Is4Bit(t_.target) ? 4 : 1) % 8;
       if (x / 2 == rowBytes - 1 && bits != 0) tar_[x / 2] &= static_cast<uint8_t>(0xFF00 >> bits);
       return;

@@ -44,7 +44,7 @@ std::string ValueOf(const std::string& literals) {
   return value;
 }
 
-/// The constants in the source of a header, whatever their type.
+/// The constants in the source of a header, regardless of their type.
 std::vector<Constant> ConstantsIn(const std::string& source) {
   static const std::regex pattern(
       R"re(\b(rs[A-Z0-9]\w*)\s*[={(]\s*(?:[\w:]+\s*[{(]\s*)?((?:"(?:[^"\\]|\\.)*"\s*)+))re");

@@ -24,7 +24,7 @@ struct BmpFile {
   std::vector<uint8_t> pixels = {};
   /// Where the file says its pixels are; the truth when not given.
   std::optional<uint32_t> pixelOffset = {};
-  /// Written behind the pixels, with a header of 124 bytes only.
+  /// Written after the pixels, with a header of 124 bytes only.
   std::vector<uint8_t> profile = {};
   /// What the header says of the profile; the truth when not given.
   std::optional<uint32_t> profileOffset = {}, profileBytes = {};

@@ -6,7 +6,7 @@
 namespace rasterkit::test {
 
 /// A page of a PDF file that a test writes. The boxes are the texts between the brackets; an empty
-/// one is left out.
+/// one is skipped.
 struct PdfPageText {
   std::string mediaBox = "0 0 72 72";
   std::string content = {};

@@ -14,7 +14,7 @@ inline testing::AssertionResult SamePixels(const TBitmap& expected, const TBitma
   return SamePixels(expected.Content(), actual.Content());
 }
 
-/// Same size and colors, whatever the formats; alpha is not looked at.
+/// Same size and colors, regardless of the formats; alpha is not looked at.
 testing::AssertionResult SameColors(const Raster& expected, const Raster& actual);
 inline testing::AssertionResult SameColors(const TBitmap& expected, const TBitmap& actual) {
   return SameColors(expected.Content(), actual.Content());

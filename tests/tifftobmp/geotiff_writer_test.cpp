@@ -335,7 +335,7 @@ TEST_F(GeoTiffWriter, MissingFolder_Should_BeNamed) {
 }
 
 TEST_F(GeoTiffWriter, Pipe_Should_BeRefused) {
-  // The header says where the directory is, which lies behind the pixels.
+  // The header says where the directory is, which lies after the pixels.
   TBitmap bitmap = GradientBitmap(pf24bit, 5, 3);
   EXPECT_THROW(WriteBitmapToTiff(bitmap, "/dev/null", false, 0, 0, 0, 0), FileError);
 }

@@ -26,8 +26,7 @@ struct HelpPage {
   std::vector<std::string> examples;
 };
 
-/// Lays out a page for lines of at most `columns` characters. Sections without entries are left
-/// out.
+/// Lays out a page for lines of at most `columns` characters. Sections without entries are skipped.
 std::string HelpText(const HelpPage& page, size_t columns);
 
 }  // namespace rasterkit::tool

@@ -79,7 +79,7 @@ uint8_t BlueOf(TColor color) {
 }
 
 /// The key color: alpha 0 for each entry of that color, or its sample values. A color that no pixel
-/// can have, and every color beside an alpha channel, is left out.
+/// can have, and every color beside an alpha channel, is skipped.
 void SetTransparency(png_structp png, png_infop info, const Layout& layout, TColor color) {
   png_color_16 samples{};
   if (layout.colorType == PNG_COLOR_TYPE_PALETTE) {

@@ -6,7 +6,7 @@
 namespace rasterkit {
 
 /// What a decoder noticed without failing: "JPEG: premature end of data, 120 of 480 rows are
-/// there".
+/// complete".
 struct CodecReport {
   std::vector<std::string> warnings;
 };

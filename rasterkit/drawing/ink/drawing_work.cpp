@@ -18,8 +18,7 @@ void DrawingWork::Raise(double more) {
 }
 
 void DrawingWork::ThrowTooMuch() const {
-  throw DrawingWorkError(
-      "metafile: the drawing exceeds its work budget; the rest of it is left out");
+  throw DrawingWorkError("metafile: the drawing exceeds its work budget; the rest is skipped");
 }
 
 DrawingWorkScope::DrawingWorkScope(double most) : before_(limitOfThread) {

@@ -3,10 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Mixing rows of pixels into rows that are there. A source pixel's opacity a is alpha * constant /
-/// (255 * 255), or constant / 255 where its own alpha does not count; each channel becomes
-/// round(s a + t (1 - a)) in whole numbers, and the alpha of a 32-bit target round(255 a + t (1 -
-/// a)). Source and target must not overlap; exactly the bytes of `width` target pixels are written.
+/// Mixing rows of pixels into existing rows. A source pixel's opacity a is
+/// alpha * constant / (255 * 255), or constant / 255 where its own alpha does not count; each
+/// channel becomes round(s a + t (1 - a)) in whole numbers, and the alpha of a 32-bit target
+/// round(255 a + t (1 - a)). Source and target must not overlap; exactly the bytes of `width`
+/// target pixels are written.
 namespace rasterkit::kernels {
 
 struct Opacity {

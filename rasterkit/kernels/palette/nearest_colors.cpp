@@ -20,7 +20,7 @@ constexpr int kPlane = kCellSide * kCellSide;  // colors of a cell with the same
 
 // Distances of a candidate to the colors of a cell, shifted past the index. With i counting from
 // the cell's least channel, d away from the candidate's, (d - i)^2 = d^2 - 2 d i + i^2; the last
-// term is the same for all candidates and is left out.
+// term is the same for all candidates and is skipped.
 struct CellTerms {
   int32_t least;            // to the color with the least channels, and the index
   int32_t blue, green;      // -2 d

@@ -61,8 +61,8 @@ constexpr size_t kBlockBytes = 16;
 template <size_t kBytes>
 constexpr size_t kUsedBytes = kBlockBytes / kBytes* kBytes;
 
-/// For TableLookupBytes: the whole pixels of a block in reverse order, read behind the first
-/// `skipped` bytes and made behind the first `kept` ones; the bytes beside them are rubbish.
+/// For TableLookupBytes: the whole pixels of a block in reverse order, read after the first
+/// `skipped` bytes and made after the first `kept` ones; the bytes beside them are rubbish.
 template <size_t kBytes>
 HWY_INLINE BlockVector ReverseOrder(size_t skipped, size_t kept) {
   constexpr size_t kLast = kUsedBytes<kBytes> - kBytes;

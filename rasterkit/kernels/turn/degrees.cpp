@@ -64,7 +64,7 @@ struct PairSineCosine {
   Pair cosine;
 };
 
-// The power series from its small end. At 45 degrees the first term that is left out is below
+// The power series from its small end. At 45 degrees the first term that is skipped is below
 // 2^-120.
 PairSineCosine SumSeries(double degrees) {
   const Pair angle = kRadiansPerDegree * Pair{degrees, 0};

@@ -458,7 +458,7 @@ TEST(AssignInWhiteTest, FourBitPairsWhoseFirstPixelIs0BecomeTheSourcesFirstPixel
   AssignInWhite(&target, &source, {0, 0, 4, 1}, {0, 0, 4, 1}, 0, 1, nullptr);
   EXPECT_EQ(target.ScanLine(0)[0], 0x11);
   EXPECT_EQ(target.ScanLine(0)[1], 0x30);
-  EXPECT_EQ(target.ScanLine(0)[2], 0x50) << "no pixel behind the last one";
+  EXPECT_EQ(target.ScanLine(0)[2], 0x50) << "no pixel after the last one";
 }
 
 TEST(AssignInWhiteTest, EightBitIndexesAreMappedAndOtherIndexedSourcesGiveBlack) {

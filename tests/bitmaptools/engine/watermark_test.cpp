@@ -55,7 +55,7 @@ TEST(WatermarkTest, KernelOfEveryWidthAndTarget_EqualTheReferenceAndStayInside) 
         std::vector<uint8_t> pixels(3 * width + 2), grays(width), strengths(width);
         for (uint8_t& byte : pixels) byte = static_cast<uint8_t>(random());
         for (uint8_t& byte : grays) byte = static_cast<uint8_t>(random());
-        // Mostly paper, so that whole vectors are left out.
+        // Mostly paper, so that whole vectors are skipped.
         for (uint8_t& byte : strengths)
           byte = static_cast<uint8_t>(random() % paper == 0 ? random() : 250 + random() % 6);
         std::vector<uint8_t> expected = pixels;

@@ -38,7 +38,7 @@ TEST(WrongExtensionCorpus, Load_Should_GoByContent) {
     SCOPED_TRACE(path);
     const auto graphic = LoadGraphic((test::CorpusFolder() / path).string());
     const std::string extension = ExtractFileExt(path);
-    // A PDF's extension has no graphic class, whatever the file holds.
+    // A PDF's extension has no graphic class, regardless of its content.
     if (kNotDecoded.count(KindOf(path)) > 0 || extension == ".pdf") {
       EXPECT_EQ(graphic, nullptr);
       continue;

@@ -548,7 +548,7 @@ TEST(RotateThreadTest, AWorkerThatAsksForAMissingRowEndsAloneAndKeepsTheError) {
   for (auto& worker : workers) worker->WaitFor();
   for (size_t i = 0; i < 6; ++i) EXPECT_EQ(workers[i]->FatalException() != nullptr, i == 4) << i;
   EXPECT_THROW(std::rethrow_exception(workers[4]->FatalException()), RangeError);
-  // nine rows that are there and the one that is missing
+  // nine rows present and the one that is missing
   EXPECT_EQ(manager.AnzProg, 10);
 }
 

@@ -20,9 +20,9 @@ const std::map<std::string, std::string>& WarnedAndRefused() {
   static const std::map<std::string, std::string> table = {
       {"geotiff/gdal__byte_JXL_tiled.tif", "JPEG XL is not supported"},
       {"geotiff/gdal__rgbsmall_JXL_tiled_separate.tif", "JPEG XL is not supported"},
-      {"geotiff/gdal__byte_truncated.tif", "its only strip begins behind the end of the file"},
-      {"tiff/gdal__excessive-memory-TIFFFillStrip.tif", "its strip begins behind the end"},
-      {"tiff/gdal__tiled_bad_offset.tif", "its tile begins behind the end of the file"},
+      {"geotiff/gdal__byte_truncated.tif", "its only strip begins after the end of the file"},
+      {"tiff/gdal__excessive-memory-TIFFFillStrip.tif", "its strip begins after the end"},
+      {"tiff/gdal__tiled_bad_offset.tif", "its tile begins after the end of the file"},
       {"tiff/gdal__lzw_corrupted.tif", "its only row is damaged"},
       {"tiff/gdal__zackthecat_corrupted.tif", "the JPEG tables are damaged"},
       {"tiff/tm__jpeg-lossless-12bit-gray.tif", "lossless JPEG is not supported"},

@@ -61,7 +61,7 @@ bool IsWhite(const Raster& raster, int y) {
 }
 
 TEST(TiffHostile, RowsThatAreThere_Should_BeGiven_When_TheFileIsCutOff) {
-  // With and without differences of neighbors, which are undone behind the codec.
+  // With and without differences of neighbors, which are undone after the codec.
   const std::pair<uint16_t, uint16_t> cases[] = {
       {COMPRESSION_NONE, 1},          {COMPRESSION_LZW, 1},           {COMPRESSION_LZW, 2},
       {COMPRESSION_ADOBE_DEFLATE, 1}, {COMPRESSION_ADOBE_DEFLATE, 2}, {COMPRESSION_PACKBITS, 1},
@@ -317,7 +317,7 @@ TEST(TiffHostile, UnknownKinds_Should_BeNamed) {
 }
 
 TEST(TiffHostile, SamplesThatDoNotCount_Should_CostLittle_When_ThereAreThousands) {
-  // 31,232 samples per pixel, of which the first is shown; every strip is left out.
+  // 31,232 samples per pixel, of which the first is shown; every strip is skipped.
   RawTiff file = RawTiff::Of(19, 1792, 2, COMPRESSION_ADOBE_DEFLATE);
   file.Entry(TIFFTAG_SAMPLESPERPIXEL, 3, 1, 31232);
   file.Long(TIFFTAG_STRIPOFFSETS, 0).Long(TIFFTAG_STRIPBYTECOUNTS, 0);

@@ -117,7 +117,7 @@ TEST_F(SaveBitmapDlgExtTest, TheKindOfFile_Should_BeThatOfTheRecord_When_TheName
     TypeName(window, "other.png");
     Click(window, "OKButton");
   }));
-  EXPECT_EQ(fileName, Place("other.jpg")) << "whatever was typed";
+  EXPECT_EQ(fileName, Place("other.jpg")) << "regardless of what was typed";
   EXPECT_EQ(rec.BitmapFormat, 6);
 }
 

@@ -28,7 +28,7 @@ std::vector<uint8_t> BitsOf(const uint8_t* pixels, size_t width, int bytesPerPix
   kernel(pixels, width, level, painted.data() + kGuard);
   for (size_t i = 0; i < kGuard; ++i) {
     EXPECT_EQ(painted[i], kPaint) << "before the row";
-    EXPECT_EQ(painted[painted.size() - 1 - i], kPaint) << "behind the row";
+    EXPECT_EQ(painted[painted.size() - 1 - i], kPaint) << "after the row";
   }
   return {painted.begin() + kGuard, painted.end() - kGuard};
 }

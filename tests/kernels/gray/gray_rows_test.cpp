@@ -49,7 +49,7 @@ std::vector<uint8_t> GraysOf(const uint8_t* pixels, size_t count, int bytesPerPi
   kernel(pixels, count, painted.data() + kGuard);
   const auto isPaint = [](uint8_t byte) { return byte == kPaint; };
   EXPECT_TRUE(std::all_of(painted.begin(), painted.begin() + kGuard, isPaint)) << "before the row";
-  EXPECT_TRUE(std::all_of(painted.end() - kGuard, painted.end(), isPaint)) << "behind the row";
+  EXPECT_TRUE(std::all_of(painted.end() - kGuard, painted.end(), isPaint)) << "after the row";
   std::vector<uint8_t> grays(painted.begin() + kGuard, painted.end() - kGuard);
   if (bytesPerPixel == 3) ExpectSameInPlace(pixels, grays);
   return grays;

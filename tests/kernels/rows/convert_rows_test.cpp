@@ -29,7 +29,7 @@ std::vector<uint8_t> Written(size_t count, const std::function<void(uint8_t*)>& 
   kernel(painted.data() + kGuard);
   const auto isPaint = [](uint8_t byte) { return byte == kPaint; };
   EXPECT_TRUE(std::all_of(painted.begin(), painted.begin() + kGuard, isPaint)) << "before the row";
-  EXPECT_TRUE(std::all_of(painted.end() - kGuard, painted.end(), isPaint)) << "behind the row";
+  EXPECT_TRUE(std::all_of(painted.end() - kGuard, painted.end(), isPaint)) << "after the row";
   return {painted.begin() + kGuard, painted.end() - kGuard};
 }
 

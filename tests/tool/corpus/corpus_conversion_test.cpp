@@ -1,4 +1,4 @@
-// Converts every file of the corpus to PNG, whatever its name and damage.
+// Converts every file of the corpus to PNG, regardless of its name and damage.
 
 #include <filesystem>
 #include <sstream>

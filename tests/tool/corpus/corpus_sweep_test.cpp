@@ -34,7 +34,7 @@ const std::map<std::string, std::string> kExceptions = {
     {"geotiff/riotiler__cog_gcps.tif", "the index does not count its smaller copies"},
     {"geotiff/riotiler__cog_nodata_nan.tif", "the index does not count its smaller copy"},
     {"jpeg/irsjpg__786b67badc535fc95a4a76c29a0e0146.jpg",
-     "cut off behind the first scans, which make a coarse picture"},
+     "cut off after the first scans, which make a coarse picture"},
     {"tiff/cimg__BigTIFFSubIFD8.tif", "the index also counts directories beside the chain"},
     {"tiff/cimg__bad-interoperability.tiff", "the index counts the EXIF directory as a page"},
     {"tiff/tm__BigTIFFSubIFD4.tif", "the index also counts directories beside the chain"},
@@ -180,7 +180,7 @@ TEST_P(CorpusSweep, Info_Should_SayWhatTheIndexSays) {
   const ToolResult result = RunTool(line);
   EXPECT_TRUE(result.code == 0 || result.code == 3) << result.code;
   const std::vector<json> facts = JsonLines(result.out);
-  ASSERT_EQ(facts.size(), entries.size()) << "a line for every file, whatever it is like";
+  ASSERT_EQ(facts.size(), entries.size()) << "a line for every file, in any state";
   for (size_t i = 0; i < entries.size(); ++i) {
     CheckLoading(entries[i], facts[i]);
     CheckSize(entries[i], facts[i]);

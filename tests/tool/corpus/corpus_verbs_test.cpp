@@ -1,5 +1,5 @@
 // Runs every verb that changes pictures on the corpus: each readable picture must be written,
-// whatever its type, depth and palette.
+// regardless of its type, depth and palette.
 
 #include <filesystem>
 

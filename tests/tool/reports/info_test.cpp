@@ -154,7 +154,7 @@ TEST_F(CliInfo, BadFiles_Should_BeRefusedWithFileAndFault) {
   ExpectRefused(folder_.Path(), "");
   WriteText(folder_ / "empty.jpg", "");
   ExpectRefused(folder_ / "empty.jpg", "");
-  WriteText(folder_ / "text.bmp", "this is no picture at all, whatever its name says");
+  WriteText(folder_ / "text.bmp", "this is no picture at all, in spite of its name");
   ExpectRefused(folder_ / "text.bmp", "");
 }
 
