@@ -1,10 +1,10 @@
 // Which lanes of pixels lie on a side of the gray scale. For kernel files only, which include it
 // once for each SIMD target.
-#if defined(RASTERKIT_HOST_KERNELS_GRAY_TEST_INL_H_) == defined(HWY_TARGET_TOGGLE)
-#ifdef RASTERKIT_HOST_KERNELS_GRAY_TEST_INL_H_
-#undef RASTERKIT_HOST_KERNELS_GRAY_TEST_INL_H_
+#if defined(RASTERKIT_GRAY_TEST_INL) == defined(HWY_TARGET_TOGGLE)
+#ifdef RASTERKIT_GRAY_TEST_INL
+#undef RASTERKIT_GRAY_TEST_INL
 #else
-#define RASTERKIT_HOST_KERNELS_GRAY_TEST_INL_H_
+#define RASTERKIT_GRAY_TEST_INL
 #endif
 
 #include <algorithm>

@@ -74,9 +74,10 @@ template <class Real>
 void SumTap(const int32_t* column, const AlphaColumns::Tap& tap, float innerWeight, Real* sum) {
   for (size_t c = 0; c < kOpacitySums; ++c) {
     sum[c] = static_cast<Real>(tap.firstWeight) * static_cast<Real>(column[c]);
-    for (int32_t i = 1; i < tap.count; ++i)
+    for (int32_t i = 1; i < tap.count; ++i) {
       sum[c] += static_cast<Real>(i + 1 < tap.count ? innerWeight : tap.lastWeight) *
                 static_cast<Real>(column[kOpacitySums * static_cast<size_t>(i) + c]);
+    }
   }
 }
 

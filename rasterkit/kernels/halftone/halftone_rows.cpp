@@ -57,9 +57,10 @@ void SumTaps(const Sum* columns, const HalftoneAxis& axis, Sum* sums) {
     for (size_t c = 0; c < 3; ++c) {
       const Sum* column = columns + 3 * static_cast<size_t>(tap.first) + c;
       uint32_t sum = tap.firstWeight * *column;
-      for (int i = 1; i < tap.count; ++i)
+      for (int i = 1; i < tap.count; ++i) {
         sum += (i + 1 < tap.count ? axis.innerWeight : tap.lastWeight) *
                column[3 * static_cast<size_t>(i)];
+      }
       *sums++ = static_cast<Sum>(sum);
     }
   }

@@ -135,8 +135,9 @@ HWY_INLINE void BlendBlock(const uint8_t* source, Opacity opacity, uint8_t* targ
 template <size_t kTargetBytes, bool kByProduct>
 void BlendBlocks(const uint8_t* source, size_t width, Opacity opacity, uint8_t* target) {
   const size_t step = hn::Lanes(Bytes());
-  for (; width >= step; width -= step, source += 4 * step, target += kTargetBytes * step)
+  for (; width >= step; width -= step, source += 4 * step, target += kTargetBytes * step) {
     BlendBlock<kTargetBytes, kByProduct>(source, opacity, target);
+  }
   if (width == 0) return;
   HWY_ALIGN uint8_t restSource[4 * kMaxPixels] = {}, restTarget[4 * kMaxPixels] = {};
   std::memcpy(restSource, source, 4 * width);

@@ -25,8 +25,9 @@ bool EqualOneByOne(const uint8_t* a, const uint8_t* b, size_t count) {
 bool Equal(const uint8_t* a, const uint8_t* b, size_t count) {
   constexpr size_t kStep = 64;
   size_t i = 0;
-  for (; i + kStep <= count; i += kStep)
+  for (; i + kStep <= count; i += kStep) {
     if (!EqualOneByOne(a + 4 * i, b + 4 * i, kStep)) return false;
+  }
   return EqualOneByOne(a + 4 * i, b + 4 * i, count - i);
 }
 

@@ -75,8 +75,9 @@ size_t Exchange32(const uint8_t* pixels, size_t width, uint8_t* target) {
   const size_t step = hn::Lanes(d) / 4;
   const auto order = hn::LoadDup128(d, kOrder32);
   size_t x = 0;
-  for (; x + step <= width; x += step)
+  for (; x + step <= width; x += step) {
     hn::StoreU(hn::TableLookupBytes(hn::LoadU(d, pixels + 4 * x), order), d, target + 4 * x);
+  }
   return x;
 }
 

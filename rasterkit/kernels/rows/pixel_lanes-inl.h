@@ -1,10 +1,10 @@
 // Pixels of three or four bytes in vectors of 32-bit lanes, a pixel a lane, and back. For kernel
 // files only, which include it once for each SIMD target.
-#if defined(RASTERKIT_HOST_KERNELS_PIXEL_LANES_INL_H_) == defined(HWY_TARGET_TOGGLE)
-#ifdef RASTERKIT_HOST_KERNELS_PIXEL_LANES_INL_H_
-#undef RASTERKIT_HOST_KERNELS_PIXEL_LANES_INL_H_
+#if defined(RASTERKIT_PIXEL_LANES_INL) == defined(HWY_TARGET_TOGGLE)
+#ifdef RASTERKIT_PIXEL_LANES_INL
+#undef RASTERKIT_PIXEL_LANES_INL
 #else
-#define RASTERKIT_HOST_KERNELS_PIXEL_LANES_INL_H_
+#define RASTERKIT_PIXEL_LANES_INL
 #endif
 
 #include <cstddef>

@@ -89,8 +89,9 @@ int* ListBreaks(const BreakLine& line, int first, int last, int end, int* breaks
   int begin = first;
   for (int i = 0;; ++i, lifted += line.step) {
     int x = static_cast<int>(lifted >> kFractionBits) + 1;
-    if ((lifted & kFraction) < 2 * line.margin) [[unlikely]]
+    if ((lifted & kFraction) < 2 * line.margin) [[unlikely]] {
       x = SearchBreak(begin, x, last, [&](int at) { return changed(at, i); });
+    }
     if (x >= last) break;
     *breaks++ = begin = x;
   }
@@ -120,8 +121,9 @@ class WordReader {
 
   // The eight bytes from `offset` on, the first one in the low bits.
   uint64_t Read(ptrdiff_t offset) const {
-    if (offset < 0 || offset > size_ - 8) [[unlikely]]
+    if (offset < 0 || offset > size_ - 8) [[unlikely]] {
       return ReadAtEnd(data_, size_, offset);
+    }
     uint64_t word;
     std::memcpy(&word, data_ + offset, 8);
     return word;
@@ -132,8 +134,9 @@ class WordReader {
  private:
   HWY_NOINLINE static uint64_t ReadAtEnd(const uint8_t* data, ptrdiff_t size, ptrdiff_t offset) {
     uint64_t word = 0;
-    for (int i = 0; i < 8; ++i)
+    for (int i = 0; i < 8; ++i) {
       if (offset + i >= 0 && offset + i < size) word |= uint64_t{data[offset + i]} << (8 * i);
+    }
     return word;
   }
 
@@ -172,10 +175,11 @@ class BitWriter {
   // The first `count` pixels of a word, at most kWordPixels.
   HWY_INLINE void Put(uint64_t word, int count) {
     pending_ |= word >> count_;
-    if (end_ - place_ < 8) [[unlikely]]
+    if (end_ - place_ < 8) [[unlikely]] {
       StoreAtEnd(SwapBytes(pending_), place_, end_);
-    else
+    } else {
       Store(SwapBytes(pending_));
+    }
     count_ += count;
     place_ += count_ >> 3;
     pending_ <<= count_ & ~7;

@@ -87,12 +87,13 @@ constexpr int PixelBytes() {
 template <int kBits>
 void MovePixel(const Job& job, int64_t column, int64_t row, uint8_t* target) {
   const uint8_t* line = job.source.data + static_cast<size_t>(row) * job.source.stride;
-  if constexpr (kBits == 1)
+  if constexpr (kBits == 1) {
     *target = static_cast<uint8_t>(line[column >> 3] >> (7 - (column & 7)) & 1);
-  else if constexpr (kBits == 4)
+  } else if constexpr (kBits == 4) {
     *target = static_cast<uint8_t>(line[column >> 1] >> (column & 1 ? 0 : 4) & 15);
-  else
+  } else {
     std::memcpy(target, line + static_cast<size_t>(column) * (kBits / 8), kBits / 8);
+  }
 }
 
 template <int kBits>
@@ -111,10 +112,11 @@ void MovePixelsSingly(const Job& job, const RowStart& start, int y, int first, i
   int64_t column = start.column + first * job.columnStep;
   int64_t row = start.row + first * job.rowStep;
   for (int x = first; x < last; ++x, target += PixelBytes<kBits>()) {
-    if (!job.fast || IsNearHalf(column) || IsNearHalf(row))
+    if (!job.fast || IsNearHalf(column) || IsNearHalf(row)) {
       MoveExactPixel<kBits>(job, x, y, target);
-    else
+    } else {
       MovePixel<kBits>(job, column >> kFractionBits, row >> kFractionBits, target);
+    }
     column += job.columnStep;
     row += job.rowStep;
   }

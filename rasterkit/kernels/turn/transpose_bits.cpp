@@ -47,9 +47,10 @@ struct BlockRows {
 HWY_INLINE Vector LoadRows(const BlockRows& rows, int first) {
   if constexpr (kRows == 16) return hn::LoadU(Bytes(), rows.lane[first]);
 #if HWY_MAX_BYTES >= 32
-  else
+  else {
     return hn::Combine(Bytes(), hn::LoadU(Block(), rows.lane[first + 16]),
                        hn::LoadU(Block(), rows.lane[first]));
+  }
 #endif
 }
 
