@@ -31,10 +31,24 @@ void CopyChanges(const Raster& before, const Raster& after, int y, PixelPoint pl
   }
 }
 
+/// The part of the rows that the rectangle covers, which may be flipped; may be empty.
+PixelRect CoveredPart(const TRect& rect, const Raster& rows) {
+  return ClipRect({std::min(rect.Left, rect.Right), std::min(rect.Top, rect.Bottom),
+                   std::max(rect.Left, rect.Right), std::max(rect.Top, rect.Bottom)},
+                  rows.Width(), rows.Height());
+}
+
+bool IsEmpty(const PixelRect& part) {
+  return part.right <= part.left || part.bottom <= part.top;
+}
+
 }  // namespace
 
 void TCanvas::DrawMetafile(const TRect& rect, std::span<const uint8_t> metafile) {
   bitmap_->modified_ = true;
+  const Raster& rows = bitmap_->raster_;
+  // Data that is not drawn is not checked either.
+  if (rows.Format() != pf32bit && IsEmpty(CoveredPart(rect, rows))) return;
   DrawMetafile(rect, metafile, ReadMetafileFacts(metafile));
 }
 
@@ -48,11 +62,8 @@ void TCanvas::DrawMetafile(const TRect& rect, std::span<const uint8_t> metafile,
   }
   // Records are played in 32 bits. Only changed pixels are copied back, so that equal colors keep
   // their indexes.
-  const PixelRect clip =
-      ClipRect({std::min(rect.Left, rect.Right), std::min(rect.Top, rect.Bottom),
-                std::max(rect.Left, rect.Right), std::max(rect.Top, rect.Bottom)},
-               rows.Width(), rows.Height());
-  if (clip.right <= clip.left || clip.bottom <= clip.top) return;
+  const PixelRect clip = CoveredPart(rect, rows);
+  if (IsEmpty(clip)) return;
   Raster before(pf32bit, clip.right - clip.left, clip.bottom - clip.top);
   BlitCopied(before, {0, 0, before.Width(), before.Height()}, rows, clip);
   Raster after = before.Clone();

@@ -338,6 +338,24 @@ TEST(Metafile, Canvas_Should_MirrorAndClip) {
   bitmap.Canvas().StretchDraw({INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}, *metafile);
 }
 
+TEST(Metafile, Canvas_Should_RefuseInvalidBytes_If_TheyAreDrawn) {
+  const std::vector<uint8_t> invalid(100, uint8_t{1});
+  const TRect inside{2, 2, 8, 8}, outside{20, 20, 30, 30}, empty{5, 5, 5, 5};
+  for (const TPixelFormat format : {pf1bit, pf8bit, pf24bit}) {
+    TBitmap bitmap;
+    bitmap.ResetPixels(format, 10, 10);
+    bitmap.SetModified(false);
+    EXPECT_NO_THROW(bitmap.Canvas().DrawMetafile(outside, invalid)) << format;
+    EXPECT_TRUE(bitmap.Modified()) << format;
+    EXPECT_NO_THROW(bitmap.Canvas().DrawMetafile(empty, invalid)) << format;
+    EXPECT_THROW(bitmap.Canvas().DrawMetafile(inside, invalid), FormatError) << format;
+  }
+  TBitmap bitmap;
+  bitmap.ResetPixels(pf32bit, 10, 10);
+  EXPECT_THROW(bitmap.Canvas().DrawMetafile(outside, invalid), FormatError);
+  EXPECT_THROW(bitmap.Canvas().DrawMetafile(inside, invalid), FormatError);
+}
+
 TEST(Metafile, NewerRecordsAlone_Should_LoadAndSave_ButNotDraw) {
   EmfFile file;
   file.Add(EmfType::comment, {20, kEmfPlusMark, 0x4009, 16, 4, 0});

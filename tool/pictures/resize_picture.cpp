@@ -39,13 +39,15 @@ void Stretch(std::unique_ptr<TBitmap>& bitmap, const PictureSize& size, bool smo
   const AveragedFormat format(*bitmap, smooth);
   // Without pixels: resizing frees the bitmap before its properties are needed.
   TBitmap properties;
-  properties.CarryFrom(*bitmap, {.transparency = CarriedTransparency::fixed});
+  const auto transparency =
+      bitmap->Transparent() ? CarriedTransparency::fixed : CarriedTransparency::none;
+  properties.CarryFrom(*bitmap, {.transparency = transparency});
   const Resolution dpi = Scaled(bitmap->Dpi(), static_cast<double>(size.width) / bitmap->Width(),
                                 static_cast<double>(size.height) / bitmap->Height());
   // The key color is drawn like any other color and marked again below.
   bitmap->SetTransparent(false);
   ResizeBitmap(bitmap, size.width, size.height, true);
-  bitmap->CarryFrom(properties, {.palette = false});
+  bitmap->CarryFrom(properties, {.palette = false, .transparency = transparency});
   bitmap->SetDpi(dpi);
   format.RestoreGrays(*bitmap);
 }

@@ -57,11 +57,14 @@ std::unique_ptr<TBitmap> TurnedExactly(const TBitmap& source, kernels::AxisTurn 
   return turned;
 }
 
-// Makes a bitmap with all properties of `source`; its pixels are undefined.
+// Makes a bitmap with the properties of `source`; its pixels are undefined.
 std::unique_ptr<TBitmap> EmptyCopy(const TBitmap& source, int width, int height) {
   auto copy = std::make_unique<TBitmap>();
   copy->ResetPixels(source.PixelFormat(), width, height);
-  copy->CarryFrom(source);
+  copy->CarryFrom(source, {.transparency = CarriedTransparency::none});
+  copy->SetTransparent(source.Transparent());
+  // The color that is stored for fixed mode is not carried over in automatic mode.
+  if (source.TransparentMode() == tmFixed) copy->SetTransparentColor(source.TransparentColor());
   return copy;
 }
 

@@ -90,6 +90,17 @@ TEST(CarriedByRoutines, AnyAngle_Should_CarryAll) {
   ASSERT_TRUE(RotateBitmap(30, bitmap, RGB(1, 2, 3), 1, nullptr));
   EXPECT_EQ(bitmap->TransparentMode(), tmAuto);
   EXPECT_EQ(bitmap->TransparentColor(), RGB(1, 2, 3)) << "that of the new corner";
+  bitmap->SetTransparentMode(tmFixed);
+  EXPECT_EQ(bitmap->TransparentColor(), clWhite) << "that of a new bitmap, not the stored one";
+}
+
+TEST(CarriedByRoutines, AnyAngle_Should_CarryAFixedColor_When_NothingIsTransparent) {
+  auto bitmap = Sample(pf24bit);
+  bitmap->SetTransparent(false);
+  ASSERT_TRUE(RotateBitmap(30, bitmap, clBlack, 1, nullptr));
+  EXPECT_FALSE(bitmap->Transparent());
+  EXPECT_EQ(bitmap->TransparentMode(), tmFixed);
+  EXPECT_EQ(bitmap->TransparentColor(), kKey);
 }
 
 TEST(CarriedByRoutines, GrayAndMono_Should_CarryAllButTheAlphaMark) {
