@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include <rasterkit/codecs/drawn_signatures.h>
 #include <rasterkit/metafiles/records/metafile_bytes.h>
 
 /// Enhanced metafiles (EMF), record by record.
@@ -139,9 +140,6 @@ enum class EmfType : uint32_t {
 
 /// Bytes of a record's type and size.
 inline constexpr size_t kEmfRecordHead = 8;
-
-/// The header's signature, " EMF".
-inline constexpr uint32_t kEmfSignature = 0x464D4520;
 
 /// The signature of a comment with EMF+ records, "EMF+".
 inline constexpr uint32_t kEmfPlusMark = 0x2B464D45;

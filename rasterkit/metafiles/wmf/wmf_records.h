@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include <rasterkit/codecs/drawn_signatures.h>
 #include <rasterkit/metafiles/records/metafile_bytes.h>
 
 /// Windows metafiles (WMF), record by record.
@@ -91,7 +92,6 @@ enum class WmfFunction : uint16_t {
 /// Bytes of a record's size and function.
 inline constexpr size_t kWmfRecordHead = 6;
 inline constexpr size_t kWmfHeader = 18, kWmfPlaceableHeader = 22;
-inline constexpr uint32_t kWmfPlaceableKey = 0x9AC6CDD7;
 
 struct WmfRecord {
   WmfFunction function = WmfFunction::endOfFile;
