@@ -7,9 +7,9 @@
 
 namespace rasterkit {
 
-/// Decodes the first picture of a file by content, whatever its name is: TIFF, JPEG, PNG, BMP, GIF,
-/// WebP. This is the imaging codec. RGB becomes 24bppBGR; a file whose own pixel format has no
-/// WICPixelFormat becomes 32bppBGRA.
+/// Decodes the first picture of a file by content, regardless of its name: all formats of the codec
+/// table that have a decoder. This is the imaging codec. RGB becomes 24bppBGR; a file whose own
+/// pixel format has no WICPixelFormat becomes 32bppBGRA.
 ///
 /// Throws FormatError("Invalid image") for unknown bytes, else FormatError, UnsupportedError or
 /// LimitError with the text of the codec.

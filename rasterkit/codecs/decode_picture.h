@@ -10,9 +10,9 @@
 
 namespace rasterkit {
 
-/// Decodes a BMP, JPEG, PNG, GIF or WebP file by content, whatever its name is. Throws
-/// UnsupportedError for a known format that is not decoded here (it names the format), FormatError
-/// for an unknown one.
+/// Decodes a file by content, regardless of its name: all formats of the codec table that decode to
+/// a raster. Throws UnsupportedError for a known format that is not decoded here (it names the
+/// format; TIFF files are decoded by DecodeFrame), FormatError for an unknown one.
 RASTERKIT_EXPORT Raster DecodePicture(TStream& stream, CodecReport* report = nullptr);
 
 /// Decodes a file that lies in memory, without copying its bytes.

@@ -8,8 +8,9 @@
 
 namespace rasterkit {
 
-/// Lists the metadata of a JPEG, PNG, GIF or WebP file without decoding; other files give an empty
-/// list. Never throws: the list ends where the file is damaged.
+/// Lists the metadata of a file without decoding: all formats of the codec table that have a reader
+/// of metadata; other files give an empty list. Never throws: the list ends where the file is
+/// damaged.
 RASTERKIT_EXPORT PictureMetadata ReadMetadata(std::span<const uint8_t> file);
 
 }  // namespace rasterkit

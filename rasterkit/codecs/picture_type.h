@@ -19,8 +19,7 @@ RASTERKIT_EXPORT PictureType SniffPictureType(std::span<const uint8_t> bytes);
 /// a device, which cannot be read twice: see ReadUnsizedPicture.
 RASTERKIT_EXPORT PictureType SniffPictureType(TStream& stream);
 
-/// The name of a format: "bmp", "jpeg", "png", "tiff", "wmf", "emf", "pdf", "gif", "webp";
-/// "unknown".
+/// The name of a format in lower case, such as "jpeg": that of the codec table, or "unknown".
 RASTERKIT_EXPORT const char* PictureTypeName(PictureType type);
 
 }  // namespace rasterkit
