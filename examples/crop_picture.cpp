@@ -9,7 +9,10 @@ int main(int, char** arguments) {
   const int width = picture.Width() / 2, height = picture.Height() / 2;
   rk::TBitmap part;
   part.ResetPixels(rk::pf24bit, width, height);
-  part.SetDpi(picture.Dpi());
+  // Carries resolution and color profile; the rest describes the rows of the source.
+  part.CarryFrom(
+      picture,
+      {.palette = false, .alphaFormat = false, .transparency = rk::CarriedTransparency::none});
   part.Canvas().Draw(-width / 2, -height / 2, picture);
   rk::SaveWindowsBitmap(part, 0, 0, arguments[2]);
 }
