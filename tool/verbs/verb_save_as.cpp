@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/runtime/files/file_name.h>
 
 #include "tool/command/batch.h"
@@ -36,16 +37,10 @@ struct Settings {
 
 /// The graphic type of a file. A type that cannot be written becomes PNG, which is lossless.
 int32_t GraphicTypeOf(PictureType type) {
-  switch (type) {
-    case PictureType::bmp:
-      return gtBmp;
-    case PictureType::jpeg:
-      return gtJpg;
-    case PictureType::tiff:
-      return gtTif;
-    default:
-      return gtPng;
-  }
+  const Codec* codec = FindCodec(type);
+  if (codec == nullptr || codec->encode == nullptr) return gtPng;
+  const int32_t graphicType = GetGraphicsType(std::string(codec->extensions.front()));
+  return graphicType == gtNone ? gtPng : graphicType;
 }
 
 /// Width and height after the picture is turned upright.

@@ -1,4 +1,5 @@
 #include <rasterkit/bitmaptools/files/file_filters.h>
+#include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/bitmaptools/files/picture_file_dialogs.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/ports.h>
@@ -21,21 +22,11 @@ void SetOpenFilter(PictureFileDialog& dialog, TBitmapFilter kind, const std::str
   }
 }
 
-const char* SaveExtension(int filterIndex) {
-  switch (filterIndex) {
-    case 1:
-      return ".bmp";
-    case 2:
-      return ".jpg";
-    case 4:
-      return ".tif";
-    case 5:
-      return ".wmf";
-    case 6:
-      return ".emf";
-    default:
-      return ".png";
-  }
+/// The extension of an entry of the save filter; PNG, which is lossless, for any other index.
+std::string SaveExtension(int filterIndex) {
+  const std::string extension = GetGraphicsExt(GetSaveFilterType(filterIndex));
+  const bool isEntry = GetSaveFilterIndex(extension) == filterIndex;
+  return isEntry ? extension : ".png";
 }
 
 /// 0 while the port is empty.

@@ -1,21 +1,19 @@
 #include <algorithm>
 #include <array>
 #include <new>
-#include <string_view>
+#include <span>
 #include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/qt/pdf/pdf_engine.h>
 #include <rasterkit/raster/white_paper.h>
 #include <rasterkit/runtime/memory/page_release.h>
 
 namespace rasterkit {
 namespace {
-
-/// Readers search the signature up to this offset, because mail programs put lines before it.
-constexpr size_t kHeaderWithin = 1024;
 
 /// Rows between two cancellation checks, and between two releases of memory to the system.
 constexpr int kRowsAtOnce = 64;
@@ -28,12 +26,10 @@ std::unique_ptr<TStream> OpenStream(const std::string& fileName) {
 }
 
 bool HasPdfMark(TStream& stream) {
-  std::array<uint8_t, kHeaderWithin> start;
+  std::array<uint8_t, kSignatureBytes> start;
   stream.SetPosition(0);
   const size_t read = stream.Read(start);
-  constexpr std::string_view kMark = "%PDF-";
-  return std::search(start.begin(), start.begin() + read, kMark.begin(), kMark.end()) !=
-         start.begin() + read;
+  return FindCodec(PictureType::pdf)->matches(std::span(start).first(read));
 }
 
 [[noreturn]] void ThrowLoadError(QPdfDocument::Error error, bool hasPassword, bool hasMark) {
