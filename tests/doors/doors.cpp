@@ -196,4 +196,24 @@ std::vector<std::string> FindTwins(const SourceTree& tree) {
   return faults;
 }
 
+std::vector<std::string> FindFullFolders(const FolderSizes& sizes) {
+  constexpr int kMostFiles = 45;
+  std::vector<std::string> faults;
+  for (const auto& [folder, files] : sizes) {
+    if (files > kMostFiles) faults.push_back(folder + " has " + std::to_string(files) + " files");
+  }
+  return faults;
+}
+
+std::vector<std::string> FindSpreadIncludes(const SourceTree& tree, std::string_view folder) {
+  constexpr size_t kMostFiles = 2;
+  const auto isOfFolder = [&](const Include& include) { return include.name.starts_with(folder); };
+  std::vector<std::string> files;
+  for (const auto& [path, includes] : tree) {
+    if (!path.starts_with("tool/")) continue;
+    if (std::any_of(includes.begin(), includes.end(), isOfFolder)) files.push_back(path);
+  }
+  return files.size() > kMostFiles ? files : std::vector<std::string>();
+}
+
 }  // namespace rasterkit::test

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/doors/source_tree.h"
@@ -19,5 +20,12 @@ std::vector<std::string> FindCycles(const SourceTree& tree);
 
 /// No two files of the library bear the same name.
 std::vector<std::string> FindTwins(const SourceTree& tree);
+
+/// No folder holds more than 45 files.
+std::vector<std::string> FindFullFolders(const FolderSizes& sizes);
+
+/// At most two files of the tool include the library whose headers lie in `folder`, such as "CLI/".
+/// Lists the files if there are more.
+std::vector<std::string> FindSpreadIncludes(const SourceTree& tree, std::string_view folder);
 
 }  // namespace rasterkit::test

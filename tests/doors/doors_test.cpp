@@ -43,6 +43,21 @@ TEST(HouseTest, NoTwoFilesBearTheSameName) {
   EXPECT_THAT(FindTwins(TheHouse()), IsEmpty());
 }
 
+TEST(HouseTest, NoFolderIsFull) {
+  const FolderSizes sizes = ReadFolderSizes(RASTERKIT_SOURCE_TREE);
+  for (const char* folder : {"rasterkit/runtime", "tool/verbs", "tests/doors", "fuzz/codecs"}) {
+    EXPECT_TRUE(sizes.contains(folder)) << folder;
+  }
+  EXPECT_FALSE(sizes.contains("fuzz/seeds/bmp"));
+  EXPECT_THAT(FindFullFolders(sizes), IsEmpty());
+}
+
+TEST(HouseTest, FewFilesOfTheToolIncludeTheLibrariesOfOptionsAndJson) {
+  for (const char* folder : {"CLI/", "nlohmann/"}) {
+    EXPECT_THAT(FindSpreadIncludes(TheHouse(), folder), IsEmpty());
+  }
+}
+
 TEST(ParseIncludesTest, FindsBothKinds) {
   const auto includes = ParseIncludes(
       "#pragma once\n#include <vector>\n  #  include \"tests/a.h\"  // why\nint include;\n");
@@ -203,6 +218,24 @@ TEST(TwinsTest, SameNamesInTwoRoomsAreFound) {
   EXPECT_THAT(
       FindTwins({{"rasterkit/kernels/rows/rows.h", {}}, {"rasterkit/kernels/rows/rows.cpp", {}}}),
       IsEmpty());
+}
+
+TEST(FullFoldersTest, NamesThoseWithMoreThan45Files) {
+  EXPECT_THAT(FindFullFolders({{"tool/a", 45}, {"tool/b", 46}, {"tool/c", 1}}),
+              ElementsAre("tool/b has 46 files"));
+}
+
+TEST(SpreadIncludesTest, NamesTheFilesIfThereAreMoreThanTwo) {
+  const std::vector<Include> cli = {{"vector", false}, {"CLI/CLI.hpp", false}};
+  SourceTree tree = {{"tool/a.cpp", cli},
+                     {"tool/b/b.cpp", cli},
+                     {"tool/c.cpp", Including({"nlohmann/json.hpp", "rasterkit/CLI/a.h"})},
+                     {"rasterkit/runtime/d.cpp", cli}};
+  EXPECT_THAT(FindSpreadIncludes(tree, "CLI/"), IsEmpty());
+  tree["tool/e.h"] = {{"CLI/App.hpp", true}};
+  EXPECT_THAT(FindSpreadIncludes(tree, "CLI/"),
+              ElementsAre("tool/a.cpp", "tool/b/b.cpp", "tool/e.h"));
+  EXPECT_THAT(FindSpreadIncludes(tree, "nlohmann/"), IsEmpty());
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "tests/doors/source_tree.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -8,6 +9,13 @@ namespace rasterkit::test {
 namespace {
 
 constexpr const char* kFolders[] = {"rasterkit", "tool", "examples"};
+constexpr const char* kCountedFolders[] = {"rasterkit", "tool", "tests", "fuzz", "bench"};
+constexpr const char* kDataFolders[] = {"fuzz/seeds/", "fuzz/regressions/"};
+
+bool IsData(const std::string& path) {
+  return std::any_of(std::begin(kDataFolders), std::end(kDataFolders),
+                     [&](const char* folder) { return path.starts_with(folder); });
+}
 
 std::string ReadText(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
@@ -69,6 +77,19 @@ SourceTree ReadSourceTree(const std::filesystem::path& root) {
     }
   }
   return tree;
+}
+
+FolderSizes ReadFolderSizes(const std::filesystem::path& root) {
+  FolderSizes sizes;
+  for (const char* folder : kCountedFolders) {
+    if (!std::filesystem::exists(root / folder)) continue;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root / folder)) {
+      const auto path = entry.path().lexically_relative(root);
+      if (!entry.is_regular_file() || IsData(path.generic_string())) continue;
+      ++sizes[path.parent_path().generic_string()];
+    }
+  }
+  return sizes;
 }
 
 }  // namespace rasterkit::test
