@@ -56,7 +56,7 @@ std::string ExtensionsOf(const Codec& codec) {
 
 bool IsDescribed(const Codec& codec, const std::vector<std::string>& cells) {
   if (cells.size() != columnKept + 1) return false;
-  if (!cells[columnName].starts_with("`" + std::string(codec.name) + "`")) return false;
+  if (!cells[columnName].starts_with(std::string("`").append(codec.name).append("`"))) return false;
   const bool isWritten = !cells[columnWritten].starts_with("no");
   // Formats without a decoder in the table are written by the rooms that draw them, or not at all.
   if (codec.IsDecoded() && isWritten != (codec.encode != nullptr)) return false;

@@ -304,7 +304,7 @@ TEST(TiffGaps, Tiles_Should_BeRefused_When_TheyBeginWithinAByte) {
   RawTiff file = RawTiff::Of(24, 1, 1, COMPRESSION_NONE);
   file.Long(TIFFTAG_TILEWIDTH, 12).Long(TIFFTAG_TILELENGTH, 16);
   file.Entry(TIFFTAG_TILEOFFSETS, 4, 2, 8).Entry(TIFFTAG_TILEBYTECOUNTS, 4, 2, 8);
-  EXPECT_THAT(ErrorOf(file.Bytes(64)), HasSubstr("no multiple of 16"));
+  EXPECT_THAT(ErrorOf(file.Bytes(64)), HasSubstr("not a multiple of 16"));
 }
 
 TEST(TiffGaps, Mask_Should_ShowItsOnesWhite) {

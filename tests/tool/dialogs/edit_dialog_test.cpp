@@ -131,7 +131,7 @@ TEST_F(CliDialogEdit, FileThatCannotBeOpened_Should_Exit3_AndBeToldInAWindow) {
   WriteText(folder_ / "empty.pdf", "");
   WriteText(folder_ / "locked.pdf", EncryptedPdf(PdfReader::withPassword));
   const std::pair<std::string, std::string> faults[] = {{"broken.png", "is not a readable picture"},
-                                                        {"text.pdf", "no PDF"},
+                                                        {"text.pdf", "not a PDF file"},
                                                         {"empty.pdf", "empty"},
                                                         {"locked.pdf", "password"}};
   for (const auto& [name, fault] : faults) {
