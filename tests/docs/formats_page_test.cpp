@@ -147,14 +147,14 @@ TEST(DocsFormats, InfoTypes_Should_BeTheNamesOfTheTable) {
       FindAll(ReadDocument("docs/cli.md"), "\n(\\| `type` \\|[^\n]*)");
   ASSERT_FALSE(rows.empty());
   for (const Codec& codec : CodecTable())
-    EXPECT_THAT(rows.front(), HasSubstr("`" + std::string(codec.name) + "`"));
+    EXPECT_THAT(rows.front(), HasSubstr(std::string("`").append(codec.name).append("`")));
 }
 
 TEST(DocsFormats, HelpOfConvert_Should_NameTheFormats) {
   const std::string help = UpperCase(OutputOf(RASTERKIT_TOOL " convert --help"));
   for (const Codec& codec : CodecTable()) {
     if (!codec.IsDecoded()) continue;
-    const std::string extension = "." + UpperCase(codec.extensions.front());
+    const std::string extension = std::string(".").append(UpperCase(codec.extensions.front()));
     EXPECT_THAT(help, HasSubstr(codec.encode != nullptr ? extension : UpperCase(codec.name)));
   }
 }
@@ -164,7 +164,7 @@ TEST(DocsFormats, RefusedOutput_Should_NameTheExtensionsThatAreWritten) {
   for (const Codec& codec : CodecTable())
     for (const std::string_view extension : codec.extensions) {
       if (codec.encode == nullptr || extension.empty()) continue;
-      EXPECT_THAT(message, HasSubstr("." + std::string(extension)));
+      EXPECT_THAT(message, HasSubstr(std::string(".").append(extension)));
     }
 }
 
