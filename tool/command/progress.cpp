@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 #include <unistd.h>
 
 namespace rasterkit::tool {

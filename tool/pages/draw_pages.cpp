@@ -8,7 +8,7 @@
 #include <new>
 #include <thread>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
 #include <rasterkit/codecs/picture_type.h>

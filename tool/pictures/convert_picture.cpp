@@ -4,7 +4,7 @@
 #include <cmath>
 #include <thread>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/raster/format_of_bits.h>

@@ -1,6 +1,6 @@
 #include "tool/reports/exif_facts.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/jpegexif/photo_queries.h>
 #include <rasterkit/runtime/errors.h>

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include "tool/command/json.h"
 #include "tool/command/printable.h"

@@ -1,6 +1,6 @@
 #include "tool/reports/geo_text.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 namespace rasterkit::tool {
 namespace {

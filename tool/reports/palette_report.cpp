@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/json.h"

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/json.h"

@@ -1,6 +1,6 @@
 #include "tool/reports/tiff_report.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 namespace rasterkit::tool {
 namespace {

@@ -1,7 +1,7 @@
 #include <memory>
 #include <new>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/runtime/errors.h>

@@ -2,7 +2,7 @@
 #include <memory>
 #include <optional>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"

@@ -1,6 +1,6 @@
 #include <optional>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
 

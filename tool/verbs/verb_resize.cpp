@@ -1,6 +1,6 @@
 #include <memory>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/codecs/codec_table.h>

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/runtime/text.h>
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <deque>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/jpegexif/image_data.h>
 #include <rasterkit/jpegexif/raw_orientation.h>

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <optional>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/codecs/metadata.h>
 #include <rasterkit/jpegexif/jpeg_sections.h>

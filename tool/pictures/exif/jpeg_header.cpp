@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string_view>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/jpegexif/jpeg_sections.h>
 

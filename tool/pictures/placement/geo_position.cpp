@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include "tool/pictures/placement/world_file.h"
 

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/unsized_picture.h>

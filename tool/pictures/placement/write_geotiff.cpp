@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/runtime/errors.h>
