@@ -59,8 +59,9 @@ class User : public QObject {
     }
   }
 
-  /// Waits, with a limit, until the window was painted, so that its layout is final, and is not
-  /// busy.
+  /// Waits, with a limit, until the window was painted, so that its layout is final, is active, and
+  /// is not busy. In a window that is not active yet, a field that is left does not learn of it and
+  /// keeps what was typed to itself.
   bool IsReady(const QDialog& window) {
     constexpr int kLongest = 500;
     if (std::exchange(seen_, &window) != &window) {
@@ -68,7 +69,9 @@ class User : public QObject {
       return false;
     }
     const QString script = scripts_.value(next_);
-    return ++waited_ > kLongest || CanDoStep(window, script.section(QLatin1Char(';'), 0, 0));
+    const bool canAct =
+        window.isActiveWindow() && CanDoStep(window, script.section(QLatin1Char(';'), 0, 0));
+    return ++waited_ > kLongest || canAct;
   }
 
   void Act(QDialog& window) {
