@@ -237,7 +237,8 @@ void MeansInDoubles(const uint32_t* columns, const HalftoneAxis& axis, uint64_t 
   const hn::Rebind<int32_t, decltype(d)> dLongs;
   const hn::Rebind<uint8_t, decltype(d)> dBytes;
   const auto inner = hn::Set(d, static_cast<double>(axis.innerWeight));
-  const auto half = hn::Set(d, static_cast<double>(total / 2));
+  const uint64_t wholeHalf = total / 2;
+  const auto half = hn::Set(d, static_cast<double>(wholeHalf));
   const auto divisor = hn::Set(d, static_cast<double>(total));
   const auto factor = hn::Set(d, 1 / static_cast<double>(total) * (1 - 1.0 / (1 << 30)));
   const auto make = [&](const HalftoneTap& tap, uint8_t* pixel) {

@@ -12,7 +12,7 @@ class PaintBoxReader : public QAccessibleWidget, public QAccessibleImageInterfac
 
   QString text(QAccessible::Text kind) const override {
     if (kind == QAccessible::Value) return Box().ContentText();
-    const QString own = QAccessibleWidget::text(kind);
+    QString own = QAccessibleWidget::text(kind);
     if (kind != QAccessible::Description || Box().ContentText().isEmpty()) return own;
     return own.isEmpty() ? Box().ContentText() : Box().ContentText() + ". " + own;
   }

@@ -2,6 +2,7 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QLineEdit>
+#include <algorithm>
 
 #include <rasterkit/qt/forms/language.h>
 #include <rasterkit/qt/forms/modal_window.h>
@@ -51,11 +52,12 @@ void TScaledForm::setVisible(bool visible) {
 /// A hidden window does not follow texts that become longer. If it grew only after it is on the
 /// screen, a late message of the X server could set its first size again.
 void TScaledForm::FitToTexts() {
-  const QList<QWidget*> widgets = findChildren<QWidget*>();
+  QList<QWidget*> widgets = findChildren<QWidget*>();
   // Children come after their parents in the list, and must report their sizes before them.
-  for (auto widget = widgets.rbegin(); widget != widgets.rend(); ++widget) {
-    (*widget)->ensurePolished();
-    (*widget)->updateGeometry();
+  std::reverse(widgets.begin(), widgets.end());
+  for (QWidget* const widget : widgets) {
+    widget->ensurePolished();
+    widget->updateGeometry();
   }
   // Qt itself chooses the size of a window that has none.
   if (testAttribute(Qt::WA_Resized) && !isMaximized()) resize(size().expandedTo(minimumSizeHint()));
