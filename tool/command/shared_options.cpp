@@ -98,6 +98,7 @@ void AddCompression(Verb& verb, PictureOptions& options) {
       {"lzw", TiffCompression::lzw},           {"deflate", TiffCompression::deflate},
       {"packbits", TiffCompression::packBits}, {"g4", TiffCompression::group4}};
   std::vector<std::string> choices;
+  choices.reserve(kNames.size());
   for (const auto& [name, compression] : kNames) choices.push_back(name);
   const auto take = [&options](const std::string& text) {
     for (const auto& [name, compression] : kNames) {

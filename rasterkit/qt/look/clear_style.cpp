@@ -237,8 +237,8 @@ class ClearStyle : public QProxyStyle {
     const bool isPopup = widget != nullptr && widget->window()->windowType() == Qt::Popup;
     if (isPopup) return;
     DrawFrame(painter, option.rect, OutlineColor(option.palette), 1);
-    const bool isList = qobject_cast<const QAbstractItemView*>(widget) != nullptr;
-    if (isList && widget->hasFocus()) {
+    const auto* list = qobject_cast<const QAbstractItemView*>(widget);
+    if (list != nullptr && list->hasFocus()) {
       DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
     }
   }
