@@ -10,7 +10,10 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release)
 endif()
 
+include(Hardening)
+
 function(rasterkit_settings target)
+  rasterkit_harden(${target})
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -ffp-contract=off)
   if(RASTERKIT_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
