@@ -3,12 +3,16 @@
 #include <cstdint>
 #include <limits>
 #include <random>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/pixels/color.h>
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
+#include <rasterkit/runtime/ports.h>
+#include <rasterkit/runtime/threads/thread_queue.h>
 
 #include "tests/bitmaptools/pixels/pixel_cases.h"
 
@@ -193,9 +197,14 @@ TEST(BitmapToGray, Should_Have256Grays_When_AnOddPaletteWasThere) {
 }
 
 TEST(GrayMono, Should_DoNothing_When_TheBitmapIsAbsent) {
-  ColorBmpTo1Bit(nullptr, 1, 2, 3, 4, 5, 6, 7);
-  ColorBmpToSW(nullptr, 1);
-  BitmapToGray(nullptr, true);
+  std::vector<std::string> messages;
+  HostPorts().messageBox = [&](const std::string& text) { messages.push_back(text); };
+  EXPECT_NO_THROW(ColorBmpTo1Bit(nullptr, 1, 2, 3, 4, 5, 6, 7));
+  EXPECT_NO_THROW(ColorBmpToSW(nullptr, 1));
+  EXPECT_NO_THROW(BitmapToGray(nullptr, true));
+  HostPorts() = Ports();
+  EXPECT_EQ(messages, std::vector<std::string>());
+  EXPECT_FALSE(ThreadQueue::Current().NeedsAttention()) << "a worker was started";
 }
 
 }  // namespace

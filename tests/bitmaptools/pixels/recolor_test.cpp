@@ -1,9 +1,13 @@
 #include <cstdint>
 #include <random>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include <rasterkit/bitmaptools/pixels/transparency.h>
+#include <rasterkit/runtime/ports.h>
+#include <rasterkit/runtime/threads/thread_queue.h>
 
 #include "tests/bitmaptools/pixels/pixel_cases.h"
 #include "tests/reference/transparency.h"
@@ -142,8 +146,13 @@ TEST(SetColorByGray, Should_LeaveOtherFormatsUnmodified) {
 }
 
 TEST(SetColorByGray, Should_DoNothing_When_TheBitmapIsAbsent) {
-  SetColorAbGray(nullptr, 0, 0, 0, 0, 0);
-  SetColorBisGray(nullptr, 255, 0, 0, 0, 0);
+  std::vector<std::string> messages;
+  HostPorts().messageBox = [&](const std::string& text) { messages.push_back(text); };
+  EXPECT_NO_THROW(SetColorAbGray(nullptr, 0, 0, 0, 0, 0));
+  EXPECT_NO_THROW(SetColorBisGray(nullptr, 255, 0, 0, 0, 0));
+  HostPorts() = Ports();
+  EXPECT_EQ(messages, std::vector<std::string>());
+  EXPECT_FALSE(ThreadQueue::Current().NeedsAttention()) << "a worker was started";
 }
 
 TEST(SetTransColor, Should_EqualTheReference_ForEveryFormatWidthAndTarget) {

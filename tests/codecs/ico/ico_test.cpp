@@ -168,15 +168,31 @@ TEST(IcoDecoder, Should_Survive_When_AnyByteIsWrong_OrTheFileIsCut) {
   const Raster mask = test::RandomRaster(pf1bit, 9, 6, random);
   for (const TPixelFormat format : {pf1bit, pf4bit, pf8bit, pf24bit, pf32bit}) {
     const auto file = IcoFile({IcoBitmap(test::RandomRaster(format, 9, 6, random), &mask)});
+    const Raster whole = DecodeIco(file);
+    /// What is no picture is refused with a reason, else the picture has a size and an alpha.
+    /// Returns its size.
     const auto decode = [](std::vector<uint8_t> bytes) {
       bytes.shrink_to_fit();
       try {
-        DecodeIco(bytes);
-      } catch (const Error&) {
+        const Raster raster = DecodeIco(bytes);
+        EXPECT_GT(raster.Width(), 0);
+        EXPECT_GT(raster.Height(), 0);
+        EXPECT_LE(int64_t{raster.Width()} * raster.Height() * 4, 1 << 20);
+        EXPECT_EQ(raster.Format(), pf32bit);
+        EXPECT_EQ(raster.alphaFormat, afDefined);
+        return std::pair(raster.Width(), raster.Height());
+      } catch (const Error& error) {
+        EXPECT_NE(error.Reason(), "");
+        return std::pair(0, 0);
       }
     };
-    for (size_t length = 0; length < file.size(); ++length)
-      decode({file.begin(), file.begin() + static_cast<ptrdiff_t>(length)});
+    constexpr size_t kHeaders = 6 + 16 + 40;
+    for (size_t length = 0; length < file.size(); ++length) {
+      const auto size = decode({file.begin(), file.begin() + static_cast<ptrdiff_t>(length)});
+      if (size == std::pair(0, 0)) continue;
+      EXPECT_GE(length, kHeaders);
+      EXPECT_EQ(size, std::pair(9, 6)) << length;
+    }
     for (size_t i = 0; i < std::min<size_t>(file.size(), 130); ++i) {
       for (const int value : {0, 1, 2, 3, 4, 6, 0x7F, 0x80, 0xFF}) {
         auto broken = file;
@@ -184,6 +200,7 @@ TEST(IcoDecoder, Should_Survive_When_AnyByteIsWrong_OrTheFileIsCut) {
         decode(broken);
       }
     }
+    EXPECT_TRUE(test::SamePixels(whole, DecodeIco(file))) << format;
   }
   SetPictureMemoryLimit(limit);
 }

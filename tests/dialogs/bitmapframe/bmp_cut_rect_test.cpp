@@ -360,8 +360,19 @@ TEST_F(CropTool, Everything_Should_BeSafe_When_TheBitmapIsNullOrTiny) {
     QTest::keyClick(&box, Qt::Key_Right);
     tool->SwapBitmaps(true);
     tool->SetFitInOrgBmp(false);
-    Shown();
+    EXPECT_EQ(tool->CutRectExists(), picture == &mono);
+    if (picture != nullptr) {
+      EXPECT_EQ(label.text(), picture == &mono ? "1 * 1 px (0 [byte])" : "0 * 0 px (0 [byte])");
+    }
+    EXPECT_EQ(ShownAt(5, 5), box.palette().color(box.backgroundRole()));
   }
+  // The next picture is shown and cut as usual.
+  tool->SetOrgBitmap(nullptr);
+  tool->SetOrgBitmap(&bitmap);
+  tool->SetFitInOrgBmp(true);
+  EXPECT_EQ(ShownAt(123, 148), PictureAt(123, 148));
+  Drag({60, 70}, {160, 170});
+  ExpectCut(120, 40, 320, 240);
   tool->SetOrgBitmap(nullptr);
 }
 

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "tests/dialogs/editpdfbitmap/model_fixture.h"
 
 /// Every event without a picture, or with an empty one.
@@ -49,17 +51,63 @@ class EditWithoutPicture : public EditModelTest {
     it.NaviResultCancelClick();
     it.FormClose();
   }
+
+  /// What holds if there was no picture at any time.
+  void ExpectNoPicture() {
+    EXPECT_EQ(model->WorkBitmap(), nullptr);
+    EXPECT_FALSE(tool.CutRectExists());
+    EXPECT_FALSE(model->CanUndo());
+    EXPECT_TRUE(view.operations.empty()) << "no dialog changes what is not there";
+  }
+  /// What holds if a blank picture was shown: it is blank, in the size that was left.
+  void ExpectBlankPicture(int width, int height) {
+    ASSERT_NE(model->WorkBitmap(), nullptr);
+    const TBitmap& picture = *model->WorkBitmap();
+    EXPECT_EQ(picture.Width(), width);
+    EXPECT_EQ(picture.Height(), height);
+    for (int y = 0; y < picture.Height(); ++y)
+      for (int x = 0; x < picture.Width(); ++x) EXPECT_EQ(picture.PixelColor(x, y), clWhite);
+  }
+  /// What was said at the end: a file that does not exist was opened twice.
+  void ExpectMessagesOfMissingFiles() {
+    ASSERT_GE(messages.size(), 2u);
+    EXPECT_EQ(messages.end()[-2], "The file missing.png cannot be read as a picture.");
+    EXPECT_EQ(messages.back(), "The file  cannot be read as a picture.");
+  }
+  /// Nothing is left half done, and the next picture is edited as usual.
+  void ExpectUsable() {
+    ExpectMessagesOfMissingFiles();
+    const auto calls = [&](const char* call) {
+      return std::count(view.calls.begin(), view.calls.end(), call);
+    };
+    EXPECT_FALSE(model->IsRendering());
+    EXPECT_FALSE(model->InEditCoBo());
+    EXPECT_FALSE(model->CtrlPressed());
+    EXPECT_EQ(calls("hourglass"), calls("cursor"));
+    EXPECT_EQ(calls("rendering"), calls("rendered"));
+    EXPECT_EQ(model->ModalResult(), mrCancel);
+    const TBitmap next = GradientBitmap(pf24bit, 40, 30);
+    model->SetOrgGraphic(next.Clone());
+    ASSERT_NE(model->WorkBitmap(), nullptr);
+    EXPECT_TRUE(SamePixels(next, *model->WorkBitmap()));
+    model->SpeedButtonMirrorClick();
+    EXPECT_FALSE(SamePixels(next, *model->WorkBitmap()));
+  }
 };
 
 TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_NothingIsOpen) {
   RaiseEveryEvent();
-  model->GetOrgGraphic();
+  EXPECT_NE(model->GetOrgGraphic(), nullptr);
+  ExpectBlankPicture(10, 10);
+  ExpectUsable();
 }
 
 TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_AllIsConfirmed) {
   view.onChangeBitmap = [](TBitmap&, TChgBmpValuesRec&) { return true; };
   view.onEditSize = [](int32_t&, int32_t&, bool&) { return true; };
   RaiseEveryEvent();
+  ExpectBlankPicture(5, 6);
+  ExpectUsable();
 }
 
 TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_TheGraphicIsNone) {
@@ -69,11 +117,15 @@ TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_TheGraphicIsNone) {
     return true;
   };
   RaiseEveryEvent();
+  ExpectBlankPicture(10, 10);
+  ExpectUsable();
 }
 
 TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_TheGraphicIsEmpty) {
   model->SetOrgGraphic(std::make_unique<TBitmap>());
   RaiseEveryEvent();
+  ExpectBlankPicture(0, 0);
+  ExpectUsable();
 }
 
 TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_NoPageCanBeRendered) {
@@ -82,7 +134,8 @@ TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_NoPageCanBeRendered) {
   model->SetOrgFilename("a.pdf");
   ASSERT_EQ(model->WorkBitmap(), nullptr);
   RaiseEveryEvent();
-  EXPECT_EQ(model->WorkBitmap(), nullptr);
+  ExpectNoPicture();
+  ExpectUsable();
 }
 
 TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_EveryExportFails) {
@@ -90,6 +143,8 @@ TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_EveryExportFails) {
   pdf.onExport = [](const PdfDocument::PdfKeepGoing&) { return false; };
   model->SetOrgFilename("a.pdf");
   RaiseEveryEvent();
+  ExpectBlankPicture(0, 0);
+  ExpectUsable();
 }
 
 TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_EveryPageIsDamaged) {
@@ -97,6 +152,8 @@ TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_EveryPageIsDamaged) {
   pdf.onExport = [](const PdfDocument::PdfKeepGoing&) -> bool { throw FormatError("damaged"); };
   model->SetOrgFilename("a.pdf");
   RaiseEveryEvent();
+  ExpectNoPicture();
+  ExpectUsable();
 }
 
 TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_ADocumentHasNoPages) {
@@ -104,6 +161,8 @@ TEST_F(EditWithoutPicture, Events_Should_DoNoHarm_When_ADocumentHasNoPages) {
   model->SetOrgFilename("a.pdf");
   EXPECT_FALSE(messages.empty());
   RaiseEveryEvent();
+  ExpectNoPicture();
+  ExpectUsable();
 }
 
 }  // namespace

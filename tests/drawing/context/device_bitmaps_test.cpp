@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/drawing_paper.h"
@@ -174,9 +176,7 @@ TEST(DeviceBitmaps, Should_LeaveNoSeams_When_StripsMeetBetweenPixels) {
 
 TEST(DeviceBitmaps, Should_Survive_When_NumbersAreAbsurd) {
   const Raster bitmap = Colors();
-  DrawingPaper paper(3, 3);
-  const double nan = std::nan("");
-  for (const double far : {1e9, -1e9, 1e300, nan, HUGE_VAL}) {
+  const auto draw = [&](DrawingPaper& paper, double far) {
     for (const uint32_t rop : {rop3::kSourceCopy, rop3::kSourceInvert}) {
       paper.Dc().StretchBlt({-far, far, far, 2}, {bitmap, {0, 0, 3, 2}}, rop);
       paper.Dc().StretchBlt({0, 0, 3, 3}, {bitmap, {far, -far, 1, far}}, rop);
@@ -185,6 +185,19 @@ TEST(DeviceBitmaps, Should_Survive_When_NumbersAreAbsurd) {
                       nullptr, {0, 0});
     paper.Dc().AlphaBlend({far, far, -far, -far}, {bitmap, {0, 0, far, 2}}, 3, true);
     paper.Dc().SetDIBitsToDevice({far, far}, {bitmap, {0, 0, far, far}});
+  };
+  DrawingPaper zero(3, 3);
+  draw(zero, 0);
+  for (const double far : {1e9, -1e9, 1e300, std::nan(""), HUGE_VAL}) {
+    DrawingPaper paper(3, 3);
+    draw(paper, far);
+    if (!std::isfinite(far)) {
+      EXPECT_EQ(paper.Picture(), zero.Picture()) << far;
+    }
+    // The context stays usable, and the bitmap what it was.
+    FillRaster(paper.raster, {0, 0, 3, 3}, clWhite);
+    paper.Dc().StretchBlt({0, 1, 3, 3}, {bitmap, {0, 0, 3, 2}}, rop3::kSourceCopy);
+    EXPECT_EQ(paper.Picture(), "\n...\nrgb\n#.r\n") << far;
   }
 }
 

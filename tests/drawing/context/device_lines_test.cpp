@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/drawing_paper.h"
@@ -184,15 +186,28 @@ TEST(DeviceLines, Should_DrawNothing_When_ThePenIsNull) {
 }
 
 TEST(DeviceLines, Should_Survive_When_CoordinatesAreFarAwayOrNoNumbers) {
-  DrawingPaper paper(5, 5);
-  const double huge = 1e300, nan = std::nan("");
-  for (const double far : {1e9, -1e9, huge, -huge, nan, HUGE_VAL}) {
+  const auto draw = [](DrawingPaper& paper, double far) {
     paper.Dc().MoveTo({far, 2});
     paper.Dc().LineTo({-far, far});
     const PointD points[] = {{far, far}, {0, far}, {far, 0}, {1, 1}};
     paper.Dc().Polygon(points);
     paper.Dc().PolyBezier(points);
     paper.Dc().Ellipse({far, far, -far, 2});
+  };
+  DrawingPaper zero(5, 5);
+  draw(zero, 0);
+  const double huge = 1e300, nan = std::nan("");
+  for (const double far : {1e9, -1e9, huge, -huge, nan, HUGE_VAL}) {
+    DrawingPaper paper(5, 5);
+    draw(paper, far);
+    if (!std::isfinite(far)) {
+      EXPECT_EQ(paper.Picture(), zero.Picture()) << far;
+    }
+    // The context stays usable.
+    FillRaster(paper.raster, {0, 0, 5, 5}, clWhite);
+    paper.Dc().MoveTo({1, 1});
+    paper.Dc().LineTo({4, 1});
+    EXPECT_EQ(paper.Picture(), "\n.....\n.###.\n.....\n.....\n.....\n") << far;
   }
 }
 

@@ -1,9 +1,13 @@
+#include <array>
+#include <cmath>
+
 #include <gtest/gtest.h>
 
 #include <rasterkit/drawing/text/font_faces.h>
 #include <rasterkit/metafiles/records/ansi_text.h>
 
 #include "tests/support/drawing_paper.h"
+#include "tests/support/same_pixels.h"
 
 namespace rasterkit {
 namespace {
@@ -411,15 +415,35 @@ TEST(DeviceText, Should_BecomeOutlines_When_APathIsOpen) {
 }
 
 TEST(DeviceText, Should_Survive_When_HeightsAreAbsurd) {
-  for (const double height : {0.0, 1e-9, -1e-9, 1e9, -1e9, 1e300, std::nan("")}) {
+  NEEDS_FONT();
+  const auto absurd = [](double height) {
     LogicalFont font = Fixed(height);
     font.width = height;
     font.escapement = height;
     font.weight = -5;
-    Text text(font);
+    return font;
+  };
+  const auto inkOfAnH = [](Text& text) {
+    text.paper.Dc().SetWorldTransform({});
+    FillRaster(text.paper.raster, {0, 0, 200, 100}, clWhite);
+    text.Select(Fixed(-20));
+    text.Out({10, 20}, u"H");
+    const PixelRect box = text.Inked();
+    return std::array{box.left, box.top, box.right, box.bottom};
+  };
+  Text plain, zero(absurd(0));
+  const auto expected = inkOfAnH(plain);
+  zero.Out({10, 20}, u"Ab\xD800");
+  for (const double height : {0.0, 1e-9, -1e-9, 1e9, -1e9, 1e300, std::nan("")}) {
+    Text text(absurd(height));
     text.Out({10, 20}, u"Ab\xD800");
+    if (std::isnan(height)) {
+      EXPECT_TRUE(test::SamePixels(zero.paper.raster, text.paper.raster));
+    }
     text.paper.Dc().SetWorldTransform({1e-12, 1e12, 0, 1, 0, 0});
     text.Out({10, 20}, u"Ab");
+    // The context stays usable.
+    EXPECT_EQ(inkOfAnH(text), expected) << height;
   }
 }
 

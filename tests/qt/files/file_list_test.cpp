@@ -326,11 +326,21 @@ TEST_F(FileListTest, Refresh_Should_ReadAFolderThatNobodyTellsOf) {
 }
 
 TEST_F(FileListTest, Destruction_Should_BeSafe_When_TheFolderIsBeingRead) {
+  Open();
+  const std::vector<std::string> before = list.Names();
   for (int i = 0; i < 20; ++i) {
     TFileListView other;
     other.SetDirectory("/usr/lib");
     QTest::qWait(i % 3);
   }
+  // No late result reaches another list, and the next list is read as usual.
+  EXPECT_EQ(list.Names(), before);
+  EXPECT_EQ(list.Directory(), In(""));
+  TFileListView next;
+  next.SetDirectory(In("Zone"));
+  next.show();
+  WaitUntil([&] { return next.IsFilled(); });
+  EXPECT_THAT(next.Names(), ElementsAre("inner.png"));
 }
 
 TEST_F(FileListTest, InnerLists_Should_TakeOverNameAndTip) {

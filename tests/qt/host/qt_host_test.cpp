@@ -76,9 +76,18 @@ TEST_F(QtHostTest, Messages_Should_AllRunInOrder_When_ManyArriveAtOnce) {
 
 TEST_F(QtHostTest, Message_Should_Run_When_AMessagePostsIt) {
   QEventLoop loop;
+  std::vector<int> ran;
   ThreadQueue& queue = ThreadQueue::Current();
-  queue.Post([&] { queue.Post([&] { loop.quit(); }); });
+  queue.Post([&] {
+    queue.Post([&] {
+      ran.push_back(2);
+      loop.quit();
+    });
+    ran.push_back(1);
+  });
   loop.exec();
+  EXPECT_EQ(ran, (std::vector<int>{1, 2}));
+  EXPECT_FALSE(queue.NeedsAttention());
 }
 
 TEST_F(QtHostTest, TerminationEvent_Should_ArriveOnTheMainThread_When_QtsLoopTurns) {
@@ -122,19 +131,32 @@ TEST_F(QtHostTest, Timer_Should_Tick_When_ALongerOneIsAhead) {
   QEventLoop loop;
   TTimer first;
   first.SetInterval(3'600'000);
+  first.OnTimer = [](TTimer&) { FAIL() << "an hour too early"; };
   TTimer second;
   second.SetInterval(1);
-  second.OnTimer = [&](TTimer&) { loop.quit(); };
+  const TTimer* ticked = nullptr;
+  second.OnTimer = [&](TTimer& sender) {
+    ticked = &sender;
+    loop.quit();
+  };
   loop.exec();
+  EXPECT_EQ(ticked, &second);
 }
 
 TEST(QtHost, Timer_Should_Tick_When_ItWasMadeBeforeTheHost) {
   QEventLoop loop;
   TTimer timer;
   timer.SetInterval(1);
-  timer.OnTimer = [&](TTimer&) { loop.quit(); };
+  std::thread::id tickedOn;
+  int ticks = 0;
+  timer.OnTimer = [&](TTimer&) {
+    tickedOn = std::this_thread::get_id();
+    if (++ticks == 2) loop.quit();
+  };
   const QtHost host;
   loop.exec();
+  EXPECT_EQ(tickedOn, std::this_thread::get_id());
+  EXPECT_EQ(ticks, 2);
 }
 
 TEST_F(QtHostTest, TerminationEventAndTimer_Should_Arrive_When_AModalFormIsOpen) {

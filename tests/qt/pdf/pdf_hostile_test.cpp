@@ -7,14 +7,16 @@ namespace {
 
 class PdfHostile : public test::PdfTest {
  protected:
-  /// Opens and draws; every result is accepted except a crash, a hang, or an error without a
-  /// message.
+  /// Opens and draws; every result is accepted except a crash, a hang, an error without a message,
+  /// or a page without pixels.
   void Survive(const std::string& bytes) {
     try {
       Open(bytes);
       for (int i = 0; i < std::min(Document().PageCount(), 3); ++i) {
         try {
-          Export(i, 0.3);
+          const TBitmap page = Export(i, 0.3);
+          EXPECT_GT(page.Width(), 0);
+          EXPECT_GT(page.Height(), 0);
         } catch (const Error& error) {
           EXPECT_NE(error.Reason(), "");
         }
@@ -114,11 +116,20 @@ TEST_F(PdfHostile, Document_Should_Survive_When_TheFileShrinksWhileItIsOpen) {
   Open(Sample());
   Folder().Write("test.pdf", std::string("%PDF-1.4"));
   TBitmap bitmap;
+  bool drawn = false;
   try {
-    Document().ExportPage(1, 1, PdfRotation::none, bitmap);
+    drawn = Document().ExportPage(1, 1, PdfRotation::none, bitmap);
+    EXPECT_TRUE(drawn);
   } catch (const Error& error) {
     EXPECT_NE(error.Reason(), "");
+    EXPECT_EQ(error.File(), Folder() / "test.pdf");
   }
+  // The page as it was, or no page.
+  EXPECT_EQ(bitmap.Width(), drawn ? 69 : 0);
+  EXPECT_EQ(bitmap.Height(), drawn ? 69 : 0);
+  // The next document is drawn as usual.
+  Open(Sample());
+  EXPECT_EQ(Export(0, 1).Width(), 139);
 }
 
 }  // namespace

@@ -57,11 +57,21 @@ TEST_F(QueueTest, HandlerThatWaits_GetsTheMessagesBehindItsOwn) {
 }
 
 TEST_F(QueueTest, WaitAndDispatch_WakesForAMessageOfAnotherThread) {
-  std::atomic<bool> arrived{false};
+  std::thread::id ranOn;
+  int runs = 0;
   ThreadQueue& queue = ThreadQueue::Current();
-  std::thread poster([&] { queue.Post([&] { arrived = true; }); });
-  while (!arrived) queue.WaitAndDispatch();
+  std::thread poster([&] {
+    queue.Post([&] {
+      ranOn = std::this_thread::get_id();
+      ++runs;
+    });
+  });
+  while (runs == 0) queue.WaitAndDispatch();
   poster.join();
+  EXPECT_EQ(ranOn, std::this_thread::get_id());
+  EXPECT_FALSE(queue.NeedsAttention());
+  queue.Dispatch();
+  EXPECT_EQ(runs, 1);
 }
 
 TEST_F(QueueTest, WakeUp_IsCalledForMessagesAndTimersUntilItIsRemoved) {
@@ -174,9 +184,11 @@ TEST_F(ApplicationTest, ProcessMessages_TurnsTheHostsLoopAtMostEveryTenMilliseco
 }
 
 TEST_F(ApplicationTest, WaitAndDispatch_TurnsTheHostsLoopWhileItWaits) {
-  bool turned = false;
-  HostPorts().messagePump = [&] { turned = true; };
-  while (!turned) ThreadQueue::Current().WaitAndDispatch();
+  std::thread::id turnedOn;
+  HostPorts().messagePump = [&] { turnedOn = std::this_thread::get_id(); };
+  while (turnedOn == std::thread::id()) ThreadQueue::Current().WaitAndDispatch();
+  EXPECT_EQ(turnedOn, std::this_thread::get_id());
+  EXPECT_FALSE(ThreadQueue::Current().NeedsAttention());
 }
 
 TEST_F(TimerTest, NewTimer_IsEnabledWithAnIntervalOfASecond) {
@@ -269,8 +281,16 @@ TEST_F(TimerTest, Handler_MayDestroyAnotherTimerThatIsDueToo) {
 TEST_F(TimerTest, TimerThatOutlivesItsThread_IsHarmless) {
   std::unique_ptr<TTimer> timer;
   std::thread([&] { timer = std::make_unique<TTimer>(); }).join();
+  timer->OnTimer = [](TTimer&) { FAIL() << "its thread is gone"; };
   timer->SetInterval(1);
+  EXPECT_EQ(timer->Interval(), 1u);
+  EXPECT_TRUE(timer->Enabled());
+  std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  // It ticks on no other thread either.
+  EXPECT_FALSE(ThreadQueue::Current().NeedsAttention());
+  ThreadQueue::Current().Dispatch();
   timer.reset();
+  EXPECT_FALSE(ThreadQueue::Current().NeedsAttention());
 }
 
 }  // namespace

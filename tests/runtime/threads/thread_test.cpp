@@ -120,11 +120,22 @@ TEST_F(ThreadTest, OnTerminate_RunsOnTheOwnerThreadWhenItDispatches) {
 }
 
 TEST_F(ThreadTest, OnTerminate_ComesAfterAnErrorTooAndSeesIt) {
-  bool sawError = false;
+  bool called = false;
+  std::exception_ptr error;
   auto thread = MakeThread<Worker>([](Worker&) { throw std::runtime_error("x"); });
-  thread->OnTerminate = [&](TThread& ended) { sawError = ended.FatalException() != nullptr; };
+  thread->OnTerminate = [&](TThread& ended) {
+    error = ended.FatalException();
+    called = true;
+  };
   TThread::StartAndFree(std::move(thread));
-  WaitUntil([&] { return sawError; });
+  WaitUntil([&] { return called; });
+  ASSERT_NE(error, nullptr);
+  try {
+    std::rethrow_exception(error);
+    FAIL() << "nothing was thrown";
+  } catch (const std::runtime_error& thrown) {
+    EXPECT_STREQ(thrown.what(), "x");
+  }
 }
 
 TEST_F(ThreadTest, OnTerminate_IsDroppedWhenTheObjectIsGone) {
@@ -202,20 +213,28 @@ TEST_F(ThreadTest, WaitForThreads_WaitsForAllAtOnce) {
 }
 
 TEST_F(ThreadTest, Handle_OutlivesItsThread) {
+  std::atomic<int> runs{0};
   ThreadHandle handle;
   {
-    const auto thread = MakeThread<Worker>([](Worker&) {}, false);
+    const auto thread = MakeThread<Worker>([&](Worker&) { ++runs; }, false);
     handle = thread->Handle();
   }
+  EXPECT_EQ(Worker::alive, 0);
+  // Waiting for what has ended returns, each time.
   handle.Wait();
+  handle.Wait();
+  WaitForThreads(std::vector<ThreadHandle>(3, handle));
+  EXPECT_EQ(runs, 1);
 }
 
 TEST_F(ThreadTest, ManyShortLives_LeaveNothing) {
-  std::atomic<int> events{0};
-  int expected = 0;
+  int events = 0, expected = 0;
   for (int round = 0; round < 200; ++round) {
     auto thread = MakeThread<Worker>([](Worker&) {});
-    thread->OnTerminate = [&](TThread&) { ++events; };
+    thread->OnTerminate = [&](TThread& ended) {
+      EXPECT_TRUE(ended.FreeOnTerminate());
+      ++events;
+    };
     if (round % 3 != 0) {
       ++expected;
       TThread::StartAndFree(std::move(thread));
@@ -224,6 +243,11 @@ TEST_F(ThreadTest, ManyShortLives_LeaveNothing) {
     }
   }
   WaitUntil([&] { return events >= expected; });
+  // Objects that were destroyed by their owner send no event.
+  ThreadQueue::Current().Dispatch();
+  EXPECT_EQ(events, expected);
+  EXPECT_EQ(Worker::alive, 0);
+  EXPECT_FALSE(ThreadQueue::Current().NeedsAttention());
 }
 
 TEST(CriticalSectionTest, Enter_MayBeRepeatedByTheThreadThatIsInside) {
