@@ -40,3 +40,14 @@ function(rasterkit_settings target)
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 endfunction()
+
+# rasterkit_count_lines(TARGET): with RASTERKIT_COVERAGE, counts which lines of the target are run. Counters are atomic,
+# since many tests have threads. Kernels without optimization would take too long to test; -Og keeps the lines.
+if(RASTERKIT_COVERAGE)
+  add_link_options(--coverage)
+endif()
+function(rasterkit_count_lines target)
+  if(RASTERKIT_COVERAGE)
+    target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic -Og)
+  endif()
+endfunction()

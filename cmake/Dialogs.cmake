@@ -4,6 +4,7 @@ set(RASTERKIT_LANGUAGES de)
 # librasterkit-dialogs: the rooms rasterkit/qt and rasterkit/dialogs. It uses only what librasterkit exports.
 add_library(rasterkit_dialogs_objects OBJECT)
 rasterkit_settings(rasterkit_dialogs_objects)
+rasterkit_count_lines(rasterkit_dialogs_objects)
 target_link_libraries(rasterkit_dialogs_objects PUBLIC Qt6::Widgets Qt6::Svg fmt::fmt)
 target_compile_definitions(rasterkit_dialogs_objects
   PRIVATE RASTERKIT_BUILDING

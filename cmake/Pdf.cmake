@@ -2,6 +2,7 @@
 # librasterkit nor the tool needs Qt; the tool opens it for a PDF file.
 add_library(rasterkit_pdf_objects OBJECT)
 rasterkit_settings(rasterkit_pdf_objects)
+rasterkit_count_lines(rasterkit_pdf_objects)
 target_link_libraries(rasterkit_pdf_objects PUBLIC Qt6::Gui Qt6::Pdf fmt::fmt)
 target_compile_definitions(rasterkit_pdf_objects PRIVATE RASTERKIT_BUILDING QT_NO_KEYWORDS
                                                          QT_DISABLE_DEPRECATED_BEFORE=0x060400)

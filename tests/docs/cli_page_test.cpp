@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/docs/document_files.h"
+#include "tests/docs/tool_help.h"
 
 namespace rasterkit::test {
 namespace {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -12,7 +11,7 @@ std::filesystem::path SourceFolder();
 /// The whole text of a file of the source tree.
 std::string ReadDocument(const std::filesystem::path& file);
 
-/// README.md, CONTRIBUTING.md, CHANGELOG.md and every page of docs/.
+/// README.md, CONTRIBUTING.md, CHANGELOG.md, SECURITY.md and every page of docs/.
 std::vector<std::filesystem::path> AllDocuments();
 
 /// First groups of every match.
@@ -20,8 +19,5 @@ std::vector<std::string> FindAll(const std::string& text, const std::string& pat
 
 /// What a command of the shell prints.
 std::string OutputOf(const std::string& command);
-
-/// The verbs that `rasterkit --help` lists.
-std::set<std::string> VerbsOfTool();
 
 }  // namespace rasterkit::test

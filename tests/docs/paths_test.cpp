@@ -41,7 +41,7 @@ TEST(DocsPaths, Links_Should_LeadToFiles) {
 TEST(DocsPaths, PathsInCodeMarks_Should_Exist) {
   const std::vector<std::string> roots = {"bench/", "cmake/",     "docs/",      "examples/",
                                           "fuzz/",  "packaging/", "rasterkit/", "samples/",
-                                          "tests/", "tool/"};
+                                          "tests/", "tool/",      "scripts/"};
   size_t checked = 0;
   for (const auto& document : AllDocuments()) {
     for (const std::string& path : FindAll(ReadDocument(document), "`([A-Za-z_.0-9/-]+)`")) {

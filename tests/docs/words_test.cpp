@@ -1,8 +1,6 @@
-// The prose of headers, help texts, documents and comments says things as the field says them.
+// The prose of headers, documents and comments says things as the field says them.
 // RASTERKIT_WORDS_FILE=FILE writes all findings to a file, to work through.
 
-#include <cstdlib>
-#include <fstream>
 #include <set>
 #include <string>
 
@@ -11,6 +9,7 @@
 
 #include "tests/docs/document_files.h"
 #include "tests/docs/find_words.h"
+#include "tests/docs/word_area.h"
 #include "tests/doors/header_lists.h"
 
 namespace rasterkit::test {
@@ -52,44 +51,6 @@ TEST(FindWords, Should_NotFindWhatIsRight) {
   EXPECT_THAT(TextsOf("behind the port; beside the picture; what was left out"), IsEmpty());
 }
 
-/// All of one area, printed; the counts are what a test compares.
-class Area {
- public:
-  explicit Area(std::string name) : name_(std::move(name)) {}
-
-  void Check(const std::string& place, std::string_view text) {
-    for (const Finding& finding : FindWords(text)) {
-      const std::string line = place + ":" + std::to_string(finding.line) + ": " + finding.text +
-                               " -> " + finding.say + "\n";
-      all_ += line;
-      ++count_;
-    }
-    ++places_;
-  }
-
-  size_t Count() const { return count_; }
-  size_t Places() const { return places_; }
-
-  /// At most the first 200 lines of what was found.
-  std::string Report() const {
-    size_t end = 0;
-    for (int i = 0; i < 200 && end < all_.size(); ++i) end = all_.find('\n', end) + 1;
-    return name_ + ": " + std::to_string(count_) + " findings in " + std::to_string(places_) +
-           " places\n" + all_.substr(0, end);
-  }
-
-  ~Area() {
-    const char* file = std::getenv("RASTERKIT_WORDS_FILE");
-    if (file != nullptr) std::ofstream(file, std::ios::app) << all_;
-  }
-  Area(const Area&) = delete;
-  Area& operator=(const Area&) = delete;
-
- private:
-  std::string name_, all_;
-  size_t count_ = 0, places_ = 0;
-};
-
 /// Promised or not, they are what users of the library read; the umbrellas too.
 std::set<std::string> InstalledHeaders() {
   const HeaderLists lists = ReadHeaderLists(RASTERKIT_SOURCE);
@@ -108,12 +69,12 @@ std::vector<std::string> OtherFiles() {
   // The word list itself, and a test that reads values from the index of the real files.
   const std::set<std::string> own = {"tests/docs/word_list.cpp", "tests/docs/words_test.cpp",
                                      "tests/codecs/photo_corpus_test.cpp"};
-  static const std::set<std::string> kExtensions = {".cpp", ".h",  ".cmake", ".sh",
-                                                    ".in",  ".py", ".supp"};
+  static const std::set<std::string> kExtensions = {".cpp", ".h",    ".cmake", ".sh", ".in",
+                                                    ".py",  ".supp", ".yml",   ".md"};
   std::vector<std::string> files = {"run", ".ci/run", "CMakeLists.txt", "CMakePresets.json",
                                     ".clang-tidy"};
   for (const char* folder : {"rasterkit", "tool", "tests", "fuzz", "bench", "examples", "samples",
-                             "cmake", "packaging"}) {
+                             "cmake", "packaging", "scripts"}) {
     for (const auto& entry :
          std::filesystem::recursive_directory_iterator(SourceFolder() / folder)) {
       const std::filesystem::path& path = entry.path();
@@ -127,25 +88,14 @@ std::vector<std::string> OtherFiles() {
 }
 
 TEST(DocsWords, InstalledHeaders_Should_BePlainEnglish) {
-  Area area("installed headers");
+  WordArea area("installed headers");
   for (const std::string& header : InstalledHeaders()) area.Check(header, ReadDocument(header));
   EXPECT_GT(area.Places(), 50u);
   EXPECT_EQ(area.Count(), 0u) << area.Report();
 }
 
-TEST(DocsWords, HelpTexts_Should_BePlainEnglish) {
-  Area area("help texts");
-  const std::string help = OutputOf(RASTERKIT_TOOL " --help");
-  area.Check("rasterkit --help", help);
-  area.Check("./run", OutputOf((SourceFolder() / "run").string()));
-  for (const std::string& verb : VerbsOfTool())
-    area.Check("rasterkit " + verb + " --help", OutputOf(RASTERKIT_TOOL " " + verb + " --help"));
-  EXPECT_GT(area.Places(), 20u);
-  EXPECT_EQ(area.Count(), 0u) << area.Report();
-}
-
 TEST(DocsWords, Documents_Should_BePlainEnglish) {
-  Area area("documents");
+  WordArea area("documents");
   for (const auto& document : AllDocuments())
     area.Check(document.generic_string(), ReadDocument(document));
   EXPECT_GT(area.Places(), 8u);
@@ -154,7 +104,7 @@ TEST(DocsWords, Documents_Should_BePlainEnglish) {
 
 // Five, since a phrase may be right in its place, as in the name of a test or of somebody's file.
 TEST(DocsWords, OtherFiles_Should_BePlainEnglish) {
-  Area area("sources, tests, build files and scripts");
+  WordArea area("sources, tests, build files and scripts");
   for (const std::string& file : OtherFiles()) area.Check(file, ReadDocument(file));
   EXPECT_GT(area.Places(), 1000u);
   EXPECT_LE(area.Count(), 5u) << area.Report();
