@@ -19,7 +19,8 @@ std::string ReadDocument(const std::filesystem::path& file) {
 }
 
 std::vector<std::filesystem::path> AllDocuments() {
-  std::vector<std::filesystem::path> documents = {"README.md", "CONTRIBUTING.md", "CHANGELOG.md"};
+  std::vector<std::filesystem::path> documents = {"README.md", "CONTRIBUTING.md", "CHANGELOG.md",
+                                                  "SECURITY.md"};
   for (const auto& entry : std::filesystem::directory_iterator(SourceFolder() / "docs"))
     if (entry.path().extension() == ".md") documents.push_back("docs" / entry.path().filename());
   return documents;

@@ -74,7 +74,7 @@ std::vector<std::string> OtherFiles() {
   std::vector<std::string> files = {"run", ".ci/run", "CMakeLists.txt", "CMakePresets.json",
                                     ".clang-tidy"};
   for (const char* folder : {"rasterkit", "tool", "tests", "fuzz", "bench", "examples", "samples",
-                             "cmake", "packaging", "scripts"}) {
+                             "cmake", "packaging", "scripts", ".github"}) {
     for (const auto& entry :
          std::filesystem::recursive_directory_iterator(SourceFolder() / folder)) {
       const std::filesystem::path& path = entry.path();
