@@ -1,5 +1,5 @@
 # Flags that make faults harder to exploit, for every target of an optimized build. The sanitizers find more and replace
-# some of the same checks, so their builds do without. tests/packaging reads the ELF notes of what was built.
+# some of the same checks, so their builds do without. tests/hardening reads the ELF files that were built.
 include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
@@ -17,9 +17,10 @@ if(NOT RASTERKIT_SANITIZE AND NOT RASTERKIT_FUZZERS AND CMAKE_BUILD_TYPE MATCHES
     endif()
   endforeach()
   list(APPEND RASTERKIT_HARDENING_LINK_OPTIONS -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
-  # Some systems' compilers define a level of their own.
-  list(APPEND RASTERKIT_HARDENING_OPTIONS -U_FORTIFY_SOURCE)
-  list(APPEND RASTERKIT_HARDENING_DEFINITIONS _FORTIFY_SOURCE=3 _GLIBCXX_ASSERTIONS)
+  # Some systems' compilers define a level of their own. CMake writes definitions before options, so a definition in its
+  # own list would be undone.
+  list(APPEND RASTERKIT_HARDENING_OPTIONS -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
+  list(APPEND RASTERKIT_HARDENING_DEFINITIONS _GLIBCXX_ASSERTIONS)
 endif()
 
 # rasterkit_harden(TARGET): adds the flags.
