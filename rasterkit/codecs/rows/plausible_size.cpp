@@ -20,9 +20,9 @@ void RequirePlausible(const SizeClaim& claim, std::string_view what) {
   if (claim.memory <= std::min(limits.pictureBytes, kAlwaysPlausible)) return;
   if (SaturatedProduct(claim.fileBytes, claim.unitsPerByte) >= claim.units) return;
   const uint64_t least = claim.units / claim.unitsPerByte + (claim.units % claim.unitsPerByte != 0);
-  throw FormatError(
-      fmt::format("{}: the file is far too small to hold it: it has {} bytes and needs at least {}",
-                  what, claim.fileBytes, least));
+  throw FormatError(fmt::format(
+      "{}: the file is far too small to hold it: {} bytes of data instead of at least {}", what,
+      claim.fileBytes, least));
 }
 
 }  // namespace rasterkit::detail
