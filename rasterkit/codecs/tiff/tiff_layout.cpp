@@ -301,6 +301,7 @@ void LayoutReader::ReadGrid() {
   const uint64_t rowSamples =
       uint64_t{grid.width} * static_cast<uint64_t>(isPlanar_ ? 1 : samples_);
   const uint64_t rowBits = rowSamples * static_cast<uint64_t>(layout_.bits);
+  if (layout_.compression == COMPRESSION_LZW) layout_.lzwStyle = LzwStyleOfFile(handle_, blocks);
   const uint64_t rowBytes = (rowBits + 7) / 8;
   const uint64_t expected = grid.isTiled ? TIFFTileRowSize64(tiff) : TIFFScanlineSize64(tiff);
   if (rowBytes != expected || rowBytes > SIZE_MAX / 2) {

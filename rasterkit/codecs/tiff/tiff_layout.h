@@ -7,6 +7,7 @@
 
 #include <rasterkit/codecs/rows/imaging_frame.h>
 #include <rasterkit/codecs/tiff/tiff_handle.h>
+#include <rasterkit/codecs/tiff/tiff_lzw_style.h>
 
 namespace rasterkit::detail {
 
@@ -64,6 +65,8 @@ struct TiffLayout {
   int channels = 1;
   /// Samples from one pixel to the next in the converted rows: all samples if they are interleaved,
   /// else the planes that are read.
+  /// Of LZW; blocks of the other style are damaged.
+  LzwStyle lzwStyle = LzwStyle::usual;
   int pitch = 1;
   /// The index of the alpha channel among those.
   std::optional<int> alphaAt;
