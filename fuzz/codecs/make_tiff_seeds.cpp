@@ -70,7 +70,7 @@ void SaveKinds() {
     Save("inks" + std::to_string(bits), Pixels(PHOTOMETRIC_SEPARATED, 4, bits));
   for (const uint16_t bits : {8, 16})
     Save("lab" + std::to_string(bits), Pixels(PHOTOMETRIC_CIELAB, 3, bits));
-  for (const uint16_t bits : {16, 32, 64}) {
+  for (const uint16_t bits : {16, 24, 32, 64}) {
     TiffFile file = Pixels(PHOTOMETRIC_MINISBLACK, 1, bits);
     file.sampleFormat = SAMPLEFORMAT_IEEEFP;
     Save("float" + std::to_string(bits), file);
