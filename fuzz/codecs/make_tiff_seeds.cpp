@@ -8,17 +8,20 @@
 
 #include "tests/support/tiff_file.h"
 
+using rasterkit::test::PackedStrips;
 using rasterkit::test::TiffFile;
 
 namespace {
 
 std::string folder;
 
+void FillPixels(TiffFile& file) {
+  file.pixels.resize(file.PixelBytes());
+  std::iota(file.pixels.begin(), file.pixels.end(), uint8_t{1});
+}
+
 void Save(const std::string& name, TiffFile file) {
-  if (file.pixels.empty()) {
-    file.pixels.resize(file.PixelBytes());
-    std::iota(file.pixels.begin(), file.pixels.end(), uint8_t{1});
-  }
+  if (file.pixels.empty()) FillPixels(file);
   const std::vector<uint8_t> bytes = file.Bytes();
   std::ofstream out(folder + "/" + name + ".tif", std::ios::binary);
   out.write(reinterpret_cast<const char*>(bytes.data()),
@@ -67,7 +70,7 @@ void SaveKinds() {
     Save("inks" + std::to_string(bits), Pixels(PHOTOMETRIC_SEPARATED, 4, bits));
   for (const uint16_t bits : {8, 16})
     Save("lab" + std::to_string(bits), Pixels(PHOTOMETRIC_CIELAB, 3, bits));
-  for (const uint16_t bits : {16, 32, 64}) {
+  for (const uint16_t bits : {16, 24, 32, 64}) {
     TiffFile file = Pixels(PHOTOMETRIC_MINISBLACK, 1, bits);
     file.sampleFormat = SAMPLEFORMAT_IEEEFP;
     Save("float" + std::to_string(bits), file);
@@ -124,6 +127,13 @@ void SavePacked() {
   floats.sampleFormat = SAMPLEFORMAT_IEEEFP;
   Save("lzw", Packed(rgb, COMPRESSION_LZW));
   Save("lzw_differences", Packed(rgb, COMPRESSION_LZW, 2));
+  TiffFile styles = Packed(rgb, COMPRESSION_LZW);
+  FillPixels(styles);
+  styles.packedStrips = PackedStrips(styles.Bytes());
+  // The start of a strip of early writers.
+  styles.packedStrips[0][0] = 0;
+  styles.packedStrips[0][1] = 1;
+  Save("lzw_styles", styles);
   Save("lzw_tiled", Tiled(Packed(rgb, COMPRESSION_LZW, 2), true));
   Save("deflate", Packed(words, COMPRESSION_ADOBE_DEFLATE, 2));
   Save("deflate_floats", Packed(floats, COMPRESSION_ADOBE_DEFLATE, 3));
@@ -148,6 +158,16 @@ void SaveJpeg() {
   file = Pixels(PHOTOMETRIC_YCBCR, 3, 8);
   file.setTags = [](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_YCBCRSUBSAMPLING, 1, 1); };
   Save("ycbcr", file);
+  file.isPlanar = true;
+  Save("ycbcr_planes", file);
+  // Cb and Cr have half the width and height.
+  file.rowsPerStrip = 0;
+  file.setTags = [](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_YCBCRSUBSAMPLING, 2, 2); };
+  for (const size_t count : {19 * 7, 10 * 4, 10 * 4}) {
+    file.packedStrips.emplace_back(count);
+    std::iota(file.packedStrips.back().begin(), file.packedStrips.back().end(), uint8_t{40});
+  }
+  Save("ycbcr_planes_2x2", file);
 }
 
 }  // namespace

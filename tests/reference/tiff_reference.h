@@ -30,11 +30,21 @@ inline long double HalfValue(uint16_t half) {
   return sign * std::ldexp(1.0L + fraction / 1024.0L, exponent - 15);
 }
 
+/// 1 bit sign, 7 exponent, 16 fraction.
+inline long double Float24Value(uint32_t bits) {
+  const int exponent = (bits >> 16) & 127, fraction = bits & 65535;
+  const long double sign = bits & 0x800000 ? -1 : 1;
+  if (exponent == 0) return sign * std::ldexp(fraction / 65536.0L, -62);
+  if (exponent == 127) return fraction ? NAN : sign * INFINITY;
+  return sign * std::ldexp(1.0L + fraction / 65536.0L, exponent - 63);
+}
+
 /// A sample as a number.
 inline long double TiffNumber(const test::TiffFile& file, uint32_t x, uint32_t y, uint32_t sample) {
   const uint64_t stored = test::StoredSample(file, x, y, sample);
   if (file.sampleFormat == SAMPLEFORMAT_IEEEFP) {
     if (file.bits == 16) return HalfValue(static_cast<uint16_t>(stored));
+    if (file.bits == 24) return Float24Value(static_cast<uint32_t>(stored));
     if (file.bits == 32) return std::bit_cast<float>(static_cast<uint32_t>(stored));
     return std::bit_cast<double>(stored);
   }

@@ -205,6 +205,8 @@ std::vector<uint8_t> RandomSamples(const TiffFile& file, std::mt19937& random) {
     const double value = real(random);
     std::memcpy(bytes.data() + at, &value, 8);
   }
+  // 24-bit floats below 2, the high byte last.
+  for (size_t at = 0; file.bits == 24 && at + 3 <= bytes.size(); at += 3) bytes[at + 2] &= 0xBF;
   // Halves below 2: the highest bit of the exponent is 0.
   for (size_t at = 0; file.bits == 16 && at + 2 <= bytes.size(); at += 2) {
     uint16_t half;

@@ -98,7 +98,7 @@ uint32_t TiffBlockReader::ReadPlain(uint64_t offset, uint64_t count, uint32_t ro
 }
 
 void TiffBlockReader::ToProcessorOrder(uint8_t* bytes, size_t count) const {
-  if (handle_.Field<uint16_t>(TIFFTAG_FILLORDER, FILLORDER_MSB2LSB) == FILLORDER_LSB2MSB) {
+  if (HasLowBitsFirst(handle_)) {
     TIFFReverseBits(bytes, static_cast<tmsize_t>(count));
   }
   if (!TIFFIsByteSwapped(handle_.Tiff())) return;
@@ -136,6 +136,11 @@ uint32_t TiffBlockReader::ReadPacked(uint32_t block, uint64_t offset, uint64_t c
   const size_t there = handle_.Source().ReadAt(offset, {raw_.Data(), wanted});
   if (there < count) errors_.emplace_back("the data end early");
   if (there == 0) return 0;
+  if (layout_.compression == COMPRESSION_LZW &&
+      LzwStyleOf({raw_.Data(), there}, HasLowBitsFirst(handle_)) != layout_.lzwStyle) {
+    errors_.emplace_back("a strip or tile does not start like the others");
+    return 0;
+  }
   const uint32_t unpacked = UnpackedRows(rows);
   if (Unpack(block, there, unpacked, target)) return rows;
   if (IsFax() || PictureBytes() > kSearchedBytes) return 0;

@@ -11,11 +11,14 @@
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/missing_rows.h>
 #include <rasterkit/codecs/rows/stretch_numbers.h>
+#include <rasterkit/codecs/tiff/float24.h>
 #include <rasterkit/codecs/tiff/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_directory.h>
 #include <rasterkit/codecs/tiff/tiff_library_rows.h>
+#include <rasterkit/codecs/tiff/tiff_numbers.h>
 #include <rasterkit/codecs/tiff/tiff_picture.h>
+#include <rasterkit/codecs/tiff/tiff_ycbcr_planes.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 
@@ -206,7 +209,12 @@ TiffBlanks FrameReader::Blanks() const {
       SetSample<int16_t>(blanks.sparse, blanks.sparseBytes, *noData);
       break;
     case GUID_WICPixelFormat32bppGrayFloat:
-      SetSample<float>(blanks.sparse, blanks.sparseBytes, *noData);
+      if (layout_.rows == TiffRowKind::float24) {
+        blanks.sparseBytes = 3;
+        StoreTriple(FloatToFloat24(*noData), blanks.sparse.data());
+      } else {
+        SetSample<float>(blanks.sparse, blanks.sparseBytes, *noData);
+      }
       break;
     default:
       break;
@@ -252,6 +260,8 @@ void FrameReader::ReadRows(TiffHandle& handle, Raster& raster) {
   switch (layout_.rows) {
     case TiffRowKind::library:
       return Judge(ReadTiffByLibrary(handle, layout_, target));
+    case TiffRowKind::ycbcrPlanes:
+      return Judge(ReadTiffYcbcrPlanes(handle, layout_, Blanks(), target));
     case TiffRowKind::stretched:
       return Judge(ReadStretched(handle, raster));
     default:

@@ -38,7 +38,9 @@ class LayoutReader {
     ReadSamples();
     ReadPhotometric();
     ReadAlpha();
-    if (NeedsLibrary()) {
+    if (HasYcbcrPlanes()) {
+      SetRows(TiffRowKind::ycbcrPlanes, GUID_WICPixelFormat24bppBGR, false);
+    } else if (NeedsLibrary()) {
       SetRows(TiffRowKind::library, GUID_WICPixelFormat24bppBGR, false);
       if (!IsYcbcr()) SetRows(TiffRowKind::library, GUID_WICPixelFormat32bppBGRA, true);
     } else {
@@ -73,6 +75,11 @@ class LayoutReader {
   bool IsAlone() const { return samples_ == 1 || isPlanar_; }
   bool IsUnsigned(int bits) const {
     return layout_.number == TiffNumber::unsignedInteger && layout_.bits == bits;
+  }
+
+  bool HasYcbcrPlanes() const {
+    return IsYcbcr() && isPlanar_ && samples_ >= layout_.channels && IsUnsigned(8) &&
+           layout_.compression != COMPRESSION_OJPEG;
   }
 
   bool NeedsLibrary() const {
@@ -133,7 +140,7 @@ void LayoutReader::ReadSamples() {
   }
   const int bits = layout_.bits;
   const bool isRead = layout_.number == TiffNumber::floating
-                          ? bits == 16 || bits == 32 || bits == 64
+                          ? bits == 16 || bits == 24 || bits == 32 || bits == 64
                           : (bits >= 1 && bits <= 32) || bits == 64;
   if (!isRead || samples_ < 1) {
     throw UnsupportedError(fmt::format("TIFF: samples of {} bits are not supported", bits));
@@ -198,6 +205,9 @@ void LayoutReader::ChooseGrayRows() {
   }
   if (layout_.number == TiffNumber::floating && bits == 32) {
     return SetWholeSamples(GUID_WICPixelFormat32bppGrayFloat);
+  }
+  if (layout_.number == TiffNumber::floating && bits == 24) {
+    return SetRows(TiffRowKind::float24, GUID_WICPixelFormat32bppGrayFloat, false);
   }
   Convert(TiffRowKind::stretched);
 }
@@ -291,6 +301,7 @@ void LayoutReader::ReadGrid() {
   if (across * down > UINT32_MAX / planes || across * down * planes != blocks) {
     throw FormatError("TIFF: the number of strips or tiles does not fit the picture");
   }
+  if (layout_.compression == COMPRESSION_LZW) layout_.lzwStyle = LzwStyleOfFile(handle_, blocks);
   grid.across = static_cast<uint32_t>(across);
   grid.down = static_cast<uint32_t>(down);
   if (layout_.rows == TiffRowKind::library) return;
@@ -313,7 +324,7 @@ void LayoutReader::ReadGrid() {
 void LayoutReader::JoinStrips() {
   TiffBlockGrid& grid = layout_.grid;
   if (grid.isTiled || grid.down == 1 || layout_.compression != COMPRESSION_NONE ||
-      layout_.rows == TiffRowKind::library) {
+      layout_.rows == TiffRowKind::library || layout_.rows == TiffRowKind::ycbcrPlanes) {
     return;
   }
   TIFF* tiff = handle_.Tiff();

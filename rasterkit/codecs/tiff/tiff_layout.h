@@ -7,6 +7,7 @@
 
 #include <rasterkit/codecs/rows/imaging_frame.h>
 #include <rasterkit/codecs/tiff/tiff_handle.h>
+#include <rasterkit/codecs/tiff/tiff_lzw_style.h>
 
 namespace rasterkit::detail {
 
@@ -18,6 +19,8 @@ enum class TiffRowKind {
   same,
   /// One of several samples of 8, 16 or 32 bits is the pixel.
   firstSample,
+  /// The first sample is a float of 24 bits, which becomes one of 32 bits.
+  float24,
   /// 8-bit RGB to B G R.
   rgb,
   /// Whole bytes or words of gray or RGB, with or without alpha, to B G R A.
@@ -32,6 +35,8 @@ enum class TiffRowKind {
   lab,
   /// Numbers without a natural range, stretched between the least and the greatest one.
   stretched,
+  /// 8-bit YCbCr in separate planes, possibly subsampled.
+  ycbcrPlanes,
   /// Kinds that only libtiff can convert to RGBA.
   library
 };
@@ -60,6 +65,8 @@ struct TiffLayout {
   TiffNumber number = TiffNumber::unsignedInteger;
   bool isComplex = false;
   int compression = 1, photometric = 0;
+  /// Of LZW; blocks of the other style are damaged.
+  LzwStyle lzwStyle = LzwStyle::usual;
   /// Number of color samples, which are the first ones of a pixel: 1, 3 or 4.
   int channels = 1;
   /// Samples from one pixel to the next in the converted rows: all samples if they are interleaved,

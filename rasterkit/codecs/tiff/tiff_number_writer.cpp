@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <optional>
 
 #include <rasterkit/codecs/tiff/remembered_colors.h>
@@ -202,6 +203,20 @@ class StretchedRows : public NumberWriter {
   }
 };
 
+/// Writes the first number of each pixel as a float.
+class FloatRows : public NumberWriter {
+ public:
+  using NumberWriter::NumberWriter;
+
+ protected:
+  void WritePixels(const double* pixel, size_t width, uint8_t* target) override {
+    for (size_t x = 0; x < width; x++, pixel += Pitch(), target += sizeof(float)) {
+      const auto value = static_cast<float>(pixel[0]);
+      std::memcpy(target, &value, sizeof value);
+    }
+  }
+};
+
 }  // namespace
 
 std::unique_ptr<TiffRowWriter> MakeNumberWriter(const TiffLayout& layout,
@@ -213,6 +228,8 @@ std::unique_ptr<TiffRowWriter> MakeNumberWriter(const TiffLayout& layout,
       return std::make_unique<InkRows>(layout, colors.inks);
     case TiffRowKind::lab:
       return std::make_unique<LabRows>(layout, colors.inks);
+    case TiffRowKind::float24:
+      return std::make_unique<FloatRows>(layout);
     case TiffRowKind::stretched:
       return std::make_unique<StretchedRows>(layout);
     default:

@@ -2,12 +2,16 @@
 #include <cmath>
 #include <cstring>
 
+#include <rasterkit/codecs/tiff/float24.h>
 #include <rasterkit/codecs/tiff/tiff_numbers.h>
 #include <rasterkit/runtime/half.h>
 
 namespace rasterkit::detail {
 
 namespace {
+
+/// The place of the low byte of three.
+constexpr int kLow = std::endian::native == std::endian::little ? 0 : 2;
 
 /// Visits the samples of a range that are whole bytes.
 template <typename Read>
@@ -38,10 +42,8 @@ double Signed(uint32_t value, int bits) {
   return static_cast<int32_t>(value << unused) >> unused;
 }
 
-uint32_t Whole24(const uint8_t* sample) {
-  constexpr bool kIsLowFirst = std::endian::native == std::endian::little;
-  return uint32_t{sample[1]} << 8 | uint32_t{sample[kIsLowFirst ? 0 : 2]} |
-         uint32_t{sample[kIsLowFirst ? 2 : 0]} << 16;
+double Float24(const uint8_t* sample) {
+  return Float24ToFloat(LoadTriple(sample));
 }
 
 /// Reads `bits` bits from a bit of the row on, the high bit first.
@@ -63,6 +65,7 @@ void UnpackNumbers(const uint8_t* row, int bits, TiffNumber number, const TiffSa
   };
   if (number == TiffNumber::floating) {
     if (bits == 16) return unpack(2, Half);
+    if (bits == 24) return unpack(3, Float24);
     if (bits == 32) return unpack(4, Whole<float>);
     return unpack(8, Whole<double>);
   }
@@ -80,10 +83,20 @@ void UnpackNumbers(const uint8_t* row, int bits, TiffNumber number, const TiffSa
   }
   for (size_t i = 0; i < range.count; i++, numbers += targetStep) {
     const size_t sample = range.first + i * range.step;
-    const uint32_t value = bits == 24 ? Whole24(row + sample * 3)
+    const uint32_t value = bits == 24 ? LoadTriple(row + sample * 3)
                                       : BitsAt(row, sample * static_cast<size_t>(bits), bits);
     *numbers = isSigned ? Signed(value, bits) : value;
   }
+}
+
+uint32_t LoadTriple(const uint8_t* bytes) {
+  return uint32_t{bytes[1]} << 8 | uint32_t{bytes[kLow]} | uint32_t{bytes[2 - kLow]} << 16;
+}
+
+void StoreTriple(uint32_t value, uint8_t* bytes) {
+  bytes[kLow] = static_cast<uint8_t>(value);
+  bytes[1] = static_cast<uint8_t>(value >> 8);
+  bytes[2 - kLow] = static_cast<uint8_t>(value >> 16);
 }
 
 double FullScale(int bits, TiffNumber number) {

@@ -18,6 +18,11 @@ struct TiffSampleRange {
 void UnpackNumbers(const uint8_t* row, int bits, TiffNumber number, const TiffSampleRange& range,
                    double* numbers, size_t targetStep);
 
+/// Three bytes in the byte order of the processor.
+uint32_t LoadTriple(const uint8_t* bytes);
+/// The same to be written.
+void StoreTriple(uint32_t value, uint8_t* bytes);
+
 /// The value of full brightness; 1 for floats.
 double FullScale(int bits, TiffNumber number);
 

@@ -1,6 +1,7 @@
 // Every kind of pixels in every arrangement that a TIFF file can have, against a reader that looks
 // each pixel up on its own.
 
+#include <bit>
 #include <cstring>
 
 #include <gtest/gtest.h>
@@ -72,6 +73,15 @@ const std::vector<Kind>& Kinds() {
       {"signed words", kBlack0, 16, 1, kSigned, {}, GUID_WICPixelFormat16bppGrayFixedPoint, false},
       {"halves", kBlack0, 16, 1, kFloat, {}, GUID_WICPixelFormat16bppGrayHalf, false},
       {"floats", kBlack0, 32, 1, kFloat, {}, GUID_WICPixelFormat32bppGrayFloat, false},
+      {"24-bit floats", kBlack0, 24, 1, kFloat, {}, GUID_WICPixelFormat32bppGrayFloat, false},
+      {"24-bit floats of three",
+       kBlack0,
+       24,
+       3,
+       kFloat,
+       {kOther, kOther},
+       GUID_WICPixelFormat32bppGrayFloat,
+       false},
       {"floats of two", kBlack0, 32, 2, kFloat, {kOther}, GUID_WICPixelFormat32bppGrayFloat, false},
       {"signed bytes", kBlack0, 8, 1, kSigned, {}, kBgra, true},
       {"24-bit integers", kBlack0, 24, 1, kUnsigned, {}, kBgra, true},
@@ -114,6 +124,7 @@ const std::vector<Kind>& Kinds() {
       {"72-bit RGB", kRgb, 24, 3, kUnsigned, {}, kBgra, true},
       {"96-bit RGB", kRgb, 32, 3, kUnsigned, {}, kBgra, true},
       {"RGB of halves", kRgb, 16, 3, kFloat, {}, kBgra, true},
+      {"RGB of 24-bit floats", kRgb, 24, 3, kFloat, {}, kBgra, true},
       {"RGB of floats", kRgb, 32, 3, kFloat, {}, kBgra, true},
       {"RGBA of doubles", kRgb, 64, 4, kFloat, {kStraight}, kBgra, true},
       {"inks", kInks, 8, 4, kUnsigned, {}, kBgra, true},
@@ -181,6 +192,9 @@ uint64_t ExpectedPixel(const TiffFile& file, const Kind& kind, uint32_t x, uint3
     return value;
   }
   const uint64_t stored = StoredSample(file, x, y, 0);
+  if (kind.format == GUID_WICPixelFormat32bppGrayFloat && file.bits == 24) {
+    return std::bit_cast<uint32_t>(static_cast<float>(reference::TiffNumber(file, x, y, 0)));
+  }
   if (kind.photometric != kWhite0) return stored;
   return ~stored & ((uint64_t{1} << file.bits) - 1);
 }
