@@ -24,9 +24,16 @@ int WithFlushedOutput(int code) {
 int RunVerb(const VerbRunner& run, const LimitOptions& limits) {
   try {
     SetDefaultLimits(LimitsOf(limits));
-    return WithFlushedOutput(run());
+    const int code = WithFlushedOutput(run());
+    // It can come when every output is complete.
+    if (IsInterrupted()) SayInterrupted();
+    return code;
   } catch (const Failure& failure) {
-    std::fprintf(stderr, "rasterkit: %s\n", failure.what());
+    if (failure.Code() == exitInterrupted) {
+      SayInterrupted();
+    } else {
+      std::fprintf(stderr, "rasterkit: %s\n", failure.what());
+    }
     return failure.Code();
   } catch (const std::exception& error) {
     std::fprintf(stderr, "rasterkit: %s\n", MessageWithOption(error).c_str());

@@ -31,16 +31,22 @@ TiffWriteOptions OptionsFor(bool rgbaData) {
 
 }  // namespace
 
+void WriteBitmapToTiff(TBitmap& bitmap, TStream& stream, bool rgbaData, double x0, double y0,
+                       double scaleX, double scaleY) {
+  WordsTo24(bitmap);
+  TiffWriteOptions options = OptionsFor(rgbaData);
+  if (IsPlaced(scaleX, scaleY)) {
+    options.geo = TiffGeoTags{{scaleX, scaleY, 0}, {0, 0, 0, x0, y0, 0}};
+  }
+  EncodeTiff(bitmap.Content(), stream, options);
+}
+
 void WriteBitmapToTiff(TBitmap& bitmap, const std::string& fileName, bool rgbaData, double x0,
                        double y0, double scaleX, double scaleY) {
   detail::NameErrors(fileName, [&] {
     WordsTo24(bitmap);
-    TiffWriteOptions options = OptionsFor(rgbaData);
-    if (IsPlaced(scaleX, scaleY)) {
-      options.geo = TiffGeoTags{{scaleX, scaleY, 0}, {0, 0, 0, x0, y0, 0}};
-    }
     AtomicFile file(fileName);
-    EncodeTiff(bitmap.Content(), file, options);
+    WriteBitmapToTiff(bitmap, file, rgbaData, x0, y0, scaleX, scaleY);
     file.Commit();
   });
 }

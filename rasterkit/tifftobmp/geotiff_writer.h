@@ -4,6 +4,7 @@
 
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit {
 
@@ -18,9 +19,12 @@ namespace rasterkit {
 /// point (33922), which ties raster point (0, 0) to the map point `x0`, `y0`. The numbers are
 /// stored as given.
 ///
-/// Throws FileError if the file cannot be written (a pipe cannot, because the header is completed
-/// last), FormatError for a bitmap without pixels.
+/// Throws FileError if the file cannot be written, FormatError for a bitmap without pixels.
 RASTERKIT_EXPORT void WriteBitmapToTiff(TBitmap& bitmap, const std::string& fileName, bool rgbaData,
                                         double x0, double y0, double scaleX, double scaleY);
+
+/// Writes the same bytes to a stream.
+RASTERKIT_EXPORT void WriteBitmapToTiff(TBitmap& bitmap, TStream& stream, bool rgbaData, double x0,
+                                        double y0, double scaleX, double scaleY);
 
 }  // namespace rasterkit

@@ -4,8 +4,11 @@
 #include <filesystem>
 #include <limits>
 #include <random>
+#include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <tiff.h>
 
 #include <rasterkit/codecs/tiff/tiff_facts.h>
@@ -334,10 +337,18 @@ TEST_F(GeoTiffWriter, MissingFolder_Should_BeNamed) {
   EXPECT_THROW(WriteBitmapToTiff(bitmap, "", false, 0, 0, 0, 0), FileError);
 }
 
-TEST_F(GeoTiffWriter, Pipe_Should_BeRefused) {
+TEST_F(GeoTiffWriter, Pipe_Should_GetTheSameBytes) {
   // The header says where the directory is, which lies after the pixels.
-  TBitmap bitmap = GradientBitmap(pf24bit, 5, 3);
-  EXPECT_THROW(WriteBitmapToTiff(bitmap, "/dev/null", false, 0, 0, 0, 0), FileError);
+  TBitmap bitmap = GradientBitmap(pf24bit, 501, 303);
+  const std::string pipe = folder_ / "pipe.tif", file = folder_ / "file.tif";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  std::string bytes;
+  std::thread reader([&] { bytes = test::ReadFile(pipe); });
+  WriteBitmapToTiff(bitmap, pipe, false, 4468000, 5334000, 0.05, 0.05);
+  reader.join();
+  WriteBitmapToTiff(bitmap, file, false, 4468000, 5334000, 0.05, 0.05);
+  EXPECT_EQ(bytes, test::ReadFile(file));
+  EXPECT_NO_THROW(WriteBitmapToTiff(bitmap, "/dev/null", false, 0, 0, 0, 0));
 }
 
 TEST_F(GeoTiffWriter, FullDisk_Should_LeaveTheOldFile) {

@@ -1,7 +1,7 @@
 #include "tool/command/batch.h"
 
+#include <algorithm>
 #include <atomic>
-#include <condition_variable>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -16,10 +16,12 @@
 #include <rasterkit/runtime/memory/memory_job.h>
 #include <rasterkit/runtime/text.h>
 
+#include "tool/command/commit_queue.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/json.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/output_file.h"
 #include "tool/command/progress.h"
 #include "tool/pictures/memory_need.h"
 #include "tool/pictures/metafile_output.h"
@@ -86,6 +88,11 @@ Outcome RunJob(const OutputOptions& options, const Job& job,
     StopIfInterrupted();
     RequireFreeOutput(options, job);
     outcome.result = work(job);
+    if (outcome.result.file) {
+      const std::vector<std::string>& warnings = outcome.result.file->Warnings();
+      outcome.result.warnings.insert(outcome.result.warnings.end(), warnings.begin(),
+                                     warnings.end());
+    }
     if (options.strict && !outcome.result.notCarriedOver.empty()) outcome.code = exitNotCarriedOver;
   } catch (const Failure& failure) {
     outcome.code = failure.Code();
@@ -148,7 +155,11 @@ void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& o
   for (const std::string& warning : outcome.result.warnings) {
     fmt::print(stderr, "rasterkit: {}: warning: {}\n", job.input, warning);
   }
-  if (IsFailure(outcome)) fmt::print(stderr, "rasterkit: {}\n", outcome.error);
+  if (outcome.code == exitInterrupted) {
+    SayInterrupted();
+  } else if (IsFailure(outcome)) {
+    fmt::print(stderr, "rasterkit: {}\n", outcome.error);
+  }
   if (!outcome.result.notCarriedOver.empty()) {
     fmt::print(stderr, "rasterkit: {}: not carried over: {}\n", job.output,
                fmt::join(outcome.result.notCarriedOver, ", "));
@@ -173,8 +184,11 @@ class Batch {
     for (size_t i = 1; i < count; ++i) helpers.emplace_back([this] { Work(); });
     Work();
     for (std::thread& helper : helpers) helper.join();
+    commits_.Drain();
+    if (error_) std::rethrow_exception(error_);
     progress_.Clear();
-    return IsInterrupted() ? exitInterrupted : code_;
+    const bool isComplete = printed_ == jobs_.size() && !wasInterrupted_;
+    return IsInterrupted() && !isComplete ? exitInterrupted : code_;
   }
 
  private:
@@ -184,15 +198,53 @@ class Batch {
       if (index >= jobs_.size()) return;
       Outcome outcome = options_.jobs > 1 ? RunJobBesideOthers(options_, jobs_[index], work_)
                                           : RunJob(options_, jobs_[index], work_);
-      if (IsFailure(outcome) && (!options_.keepGoing || outcome.code == exitInterrupted)) {
-        stopped_ = true;
+      if (outcome.result.file) {
+        Commit(index, std::move(outcome));
+      } else {
+        Finish(index, std::move(outcome));
       }
-      Finish(index, std::move(outcome));
     }
   }
 
-  void Finish(size_t index, Outcome outcome) {
+  /// Gives the output its name and finishes the job, later if the disk has to be waited for.
+  void Commit(size_t index, Outcome outcome) {
+    std::unique_ptr<AtomicFile> file = std::move(outcome.result.file);
+    if (!jobs_[index].saving.syncs) {
+      const std::exception_ptr error = AtomicFile::CommitAll({&file, 1}).front();
+      return FinishCommit(index, std::move(outcome), error);
+    }
+    // An interruption during a wait elsewhere must not lose an output that is whole.
+    struct Waiting {
+      Outcome outcome;
+      WholeOutput whole;
+    };
+    const auto waiting = std::make_shared<Waiting>();
+    waiting->outcome = std::move(outcome);
+    commits_.Add(std::move(file), [this, index, waiting](const std::exception_ptr& error) {
+      FinishCommit(index, std::move(waiting->outcome), error);
+    });
+  }
+
+  void FinishCommit(size_t index, Outcome outcome, const std::exception_ptr& error) {
+    if (error) outcome = {exitOutputNotWritten, OutputError(jobs_[index].output, error), {}};
+    Finish(index, std::move(outcome));
+  }
+
+  /// Called on several threads, which no error may leave.
+  void Finish(size_t index, Outcome outcome) noexcept {
     const std::lock_guard lock(mutex_);
+    try {
+      Record(index, std::move(outcome));
+    } catch (const std::exception&) {
+      stopped_ = true;
+      if (!error_) error_ = std::current_exception();
+    }
+  }
+
+  void Record(size_t index, Outcome outcome) {
+    const bool isInterrupted = outcome.code == exitInterrupted;
+    if (IsFailure(outcome) && (!options_.keepGoing || isInterrupted)) stopped_ = true;
+    if (isInterrupted) wasInterrupted_ = true;
     outcomes_[index] = std::move(outcome);
     progress_.Clear();
     for (; printed_ < jobs_.size() && outcomes_[printed_]; ++printed_) {
@@ -214,14 +266,19 @@ class Batch {
   std::atomic<bool> stopped_ = false;
   std::mutex mutex_;
   size_t printed_ = 0;
+  bool wasInterrupted_ = false;
+  /// The first error while results were printed.
+  std::exception_ptr error_;
   ExitCode code_ = exitDone;
   Progress progress_;
+  /// Its thread uses the members above.
+  CommitQueue commits_;
 };
 
 std::vector<Job> PlanFolder(const OutputOptions& options) {
   std::vector<Job> jobs;
   for (const std::string& input : options.files) {
-    jobs.push_back({input, OutputName(options, input), 0});
+    jobs.push_back({input, OutputName(options, input), 0, options.Saving()});
   }
   return jobs;
 }
@@ -235,7 +292,7 @@ std::vector<Job> PlanSingle(const OutputOptions& options) {
     throw Failure(exitWrongUsage,
                   "one input and one output are required; several inputs require --out-dir DIR");
   }
-  return {{options.files[0], options.files[1], 0}};
+  return {{options.files[0], options.files[1], 0, options.Saving()}};
 }
 
 }  // namespace

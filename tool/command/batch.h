@@ -1,8 +1,11 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
+
+#include <rasterkit/runtime/files/atomic_file.h>
 
 #include "tool/command/output_options.h"
 
@@ -13,6 +16,7 @@ struct Job {
   std::string output;
   /// Page of a PDF file, counted from 1; 0 for a whole picture.
   int page = 0;
+  SaveRules saving = {};
 };
 
 /// Facts about a finished picture.
@@ -23,6 +27,8 @@ struct JobResult {
   std::vector<std::string> notCarriedOver;
   /// Problems that did not stop the work.
   std::vector<std::string> warnings;
+  /// The output, finished and without its name, which RunJobs gives it.
+  std::unique_ptr<AtomicFile> file;
 };
 
 /// Assigns an output to each input. Throws Failure(exitWrongUsage) if there is no output, if its
@@ -35,7 +41,9 @@ std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyE
 void CheckOutputs(const std::vector<Job>& jobs);
 
 /// Runs `work` for each job, several at a time with --jobs. Prints results and errors in the order
-/// of the inputs. Returns the exit code: that of the first input that failed.
+/// of the inputs, each after its output is on the disk (unless --no-sync). Returns the exit code:
+/// that of the first input that failed; exitInterrupted if an interruption kept an output from
+/// being completed.
 int RunJobs(const OutputOptions& options, const std::vector<Job>& jobs,
             const std::function<JobResult(const Job&)>& work);
 

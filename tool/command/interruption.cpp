@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/files/temporary_names.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_job.h>
 
@@ -17,6 +18,7 @@ namespace rasterkit::tool {
 namespace {
 
 std::atomic<bool> interrupted = false;
+std::atomic<bool> isSaid = false;
 std::atomic<int> waits = 0;
 std::atomic<int> outputs = 0;
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
@@ -24,14 +26,18 @@ static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_alw
 
 /// Ends the process at once, using only functions that are safe in a signal handler.
 [[noreturn]] void EndAtOnce() {
-  constexpr std::string_view kText = "rasterkit: interrupted\n";
-  [[maybe_unused]] const auto ignored = write(STDERR_FILENO, kText.data(), kText.size());
+  RemoveTemporaryFiles();
+  SayInterrupted();
   _exit(exitInterrupted);
+}
+
+void OnSecondInterrupt(int) {
+  EndAtOnce();
 }
 
 void OnInterrupt(int signalNumber) {
   interrupted = true;
-  std::signal(signalNumber, SIG_DFL);
+  std::signal(signalNumber, OnSecondInterrupt);
   if (waits > 0 && outputs == 0) EndAtOnce();
 }
 
@@ -54,6 +60,13 @@ void CatchInterruption() {
 
 bool IsInterrupted() {
   return interrupted;
+}
+
+/// Uses only functions that are safe in a signal handler.
+void SayInterrupted() {
+  if (isSaid.exchange(true)) return;
+  constexpr std::string_view kText = "rasterkit: interrupted\n";
+  [[maybe_unused]] const auto ignored = write(STDERR_FILENO, kText.data(), kText.size());
 }
 
 void StopIfInterrupted() {

@@ -5,9 +5,9 @@
 
 namespace rasterkit::tool {
 
-/// Installs the signal handlers. The first Ctrl-C (or termination request) asks the work to stop,
-/// so that no incomplete file is left; a second one ends the process at once. Exceeding the shell's
-/// file size limit becomes an ordinary write error.
+/// Installs the signal handlers. The first Ctrl-C (or termination request) tells the work to stop,
+/// so that no incomplete file is left; a second one removes temporary files and ends the process at
+/// once. Exceeding the shell's file size limit becomes an ordinary write error.
 void CatchInterruption();
 
 /// Throws Failure(exitInterrupted) if the user requested a stop, and LimitError if the time of the
@@ -16,6 +16,9 @@ void CatchInterruption();
 void StopIfInterrupted();
 
 bool IsInterrupted();
+
+/// Prints "interrupted" on stderr, once per process.
+void SayInterrupted();
 
 /// Marks a wait without a time limit: for the user, for the writer of a pipe, or for a page that is
 /// drawn. During its lifetime an interruption ends the process at once, unless an output is being

@@ -9,6 +9,14 @@
 
 namespace rasterkit::tool {
 
+/// How an output gets its name.
+struct SaveRules {
+  /// It may replace a file.
+  bool overwrite = false;
+  /// It is reported when it is on the disk.
+  bool syncs = true;
+};
+
 /// What every verb that writes pictures accepts.
 struct OutputOptions {
   /// Inputs first, output last; with `outDir` all of them are inputs.
@@ -20,10 +28,13 @@ struct OutputOptions {
   int jobs = 1;
   bool keepGoing = false;
   bool overwrite = false;
+  bool noSync = false;
   bool strict = false;
   bool json = false;
   /// Outputs may be metafiles too.
   bool takesMetafiles = false;
+
+  SaveRules Saving() const { return {overwrite, !noSync}; }
 };
 
 /// How a picture is turned and written.

@@ -49,6 +49,9 @@ void AddOutputOptions(Verb& verb, OutputOptions& options, const std::string& val
   verb.Flag("--continue", options.keepGoing, "go on with the next picture after a failure")
       .In(kFiles);
   verb.Flag("--overwrite", options.overwrite, "replace existing outputs").In(kFiles);
+  verb.Flag("--no-sync", options.noSync,
+            "do not wait until outputs are on the disk; a power failure can lose them")
+      .In(kFiles);
   verb.Flag("--strict", options.strict, "exit with code 5 if something was not carried over")
       .In(kFiles);
   verb.Flag("--json", options.json, "print one JSON object per picture on stdout").In(kFiles);

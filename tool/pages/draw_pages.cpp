@@ -113,7 +113,9 @@ class PageDrawer {
       SayWhatIsComing(input, pages);
     } catch (const Failure&) {
     }
-    for (const int page : pages) jobs.push_back({input, OutputName(input, page, count), page});
+    for (const int page : pages) {
+      jobs.push_back({input, OutputName(input, page, count), page, options_.output.Saving()});
+    }
   }
 
   /// Returns plan-07.png for plan.pdf: the page number has as many digits as the number of pages.
@@ -162,8 +164,9 @@ class PageDrawer {
     saving.compression = options_.picture.compression;
     const int processors = static_cast<int>(std::max(std::thread::hardware_concurrency(), 1u));
     saving.threads = options_.picture.threads > 0 ? options_.picture.threads : processors;
-    SavePicture(bitmap, job.output, saving);
+    saving.rules = job.saving;
     JobResult result;
+    result.file = SavePicture(bitmap, job.output, saving);
     result.type = PictureTypeName(WritableType(job.output));
     result.width = bitmap.Width();
     result.height = bitmap.Height();

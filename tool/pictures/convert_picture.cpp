@@ -89,13 +89,13 @@ void NotePages(const LoadedPicture& picture, JobResult& result) {
 
 void Save(const LoadedPicture& picture, const Job& job, const PictureOptions& options,
           const MapPlacement& placement, JobResult& result) {
-  SaveOptions saving{options.quality, options.compression, CodecThreads(options), {}};
+  SaveOptions saving{options.quality, options.compression, CodecThreads(options), {}, job.saving};
   if (WritableType(job.output) == PictureType::tiff && placement.tags) {
     saving.geo = placement.tags;
     for (const std::string& source : placement.kept) Remove(result.notCarriedOver, source);
     if (placement.doubt) result.warnings.push_back(*placement.doubt);
   }
-  SavePicture(*picture.bitmap, job.output, saving);
+  result.file = SavePicture(*picture.bitmap, job.output, saving);
 }
 
 /// Removes transparency that the output cannot hold, and reports it.
@@ -131,7 +131,7 @@ JobResult Change(const Job& job, const PictureOptions& options, LoadedPicture& p
 
   StopIfInterrupted();
   if (steps.write) {
-    steps.write(picture, job);
+    result.file = steps.write(picture, job);
   } else {
     Save(picture, job, options, placement, result);
   }

@@ -31,9 +31,10 @@ struct Subject {
 /// What a verb does to a picture.
 using PictureChange = std::function<void(Subject& picture)>;
 
-/// Writes a finished picture to the job's output; the last step. `picture.photo` still holds the
-/// orientation of the input file.
-using PictureWriter = std::function<void(LoadedPicture& picture, const Job& job)>;
+/// Writes a finished picture to the job's output and returns that (see WriteOutput); the last step.
+/// `picture.photo` still holds the orientation of the input file.
+using PictureWriter =
+    std::function<std::unique_ptr<AtomicFile>(LoadedPicture& picture, const Job& job)>;
 
 struct PictureSteps {
   /// No change if empty.

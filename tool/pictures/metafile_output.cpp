@@ -1,18 +1,16 @@
 #include "tool/pictures/metafile_output.h"
 
-#include <new>
-
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/metadata_kind.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/runtime/errors.h>
-#include <rasterkit/runtime/files/atomic_file.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/text.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/output_file.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -43,19 +41,6 @@ void Load(TMetafile& metafile, const std::string& file) {
   }
 }
 
-void Save(TMetafile& metafile, const std::string& file) {
-  try {
-    const WholeOutput whole;
-    AtomicFile target(file);
-    metafile.SaveToStream(target);
-    target.Commit();
-  } catch (const Error& error) {
-    throw Failure(exitOutputNotWritten, file + ": " + ReasonWithOption(error));
-  } catch (const std::bad_alloc&) {
-    throw Failure(exitOutputNotWritten, file + ": out of memory");
-  }
-}
-
 bool IsForPixels(const PictureOptions& options) {
   return options.metafile.IsAsked() || options.bits != 0 ||
          options.background != PictureOptions().background;
@@ -79,8 +64,9 @@ JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
   const bool wasEnhanced = metafile.Enhanced();
   metafile.SetEnhanced(IsEmfName(job.output));
   StopIfInterrupted();
-  Save(metafile, job.output);
   JobResult result;
+  result.file =
+      WriteOutput(job.output, job.saving, [&](TStream& stream) { metafile.SaveToStream(stream); });
   result.type = metafile.Enhanced() ? "emf" : "wmf";
   result.width = metafile.Width();
   result.height = metafile.Height();

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/runtime/files/atomic_file.h>
+
+#include "tool/command/output_options.h"
 
 namespace rasterkit::tool {
 
@@ -16,14 +20,15 @@ struct SaveOptions {
   TiffCompression compression = TiffCompression::standard;
   int threads = 1;
   std::optional<TiffGeoTags> geo;
+  SaveRules rules;
 };
 
 /// Returns the type of a file with this name: bmp, jpeg, png, tiff, or unknown if the tool cannot
 /// write it.
 PictureType WritableType(const std::string& file);
 
-/// Writes the bitmap with the type that the extension of `file` names, completely or not at all.
-/// Throws Failure(exitOutputNotWritten), or Failure(exitInterrupted) before the file has its name.
-void SavePicture(const TBitmap& bitmap, const std::string& file, const SaveOptions& options);
+/// Writes the bitmap with the type that the extension of `file` names. See WriteOutput.
+std::unique_ptr<AtomicFile> SavePicture(const TBitmap& bitmap, const std::string& file,
+                                        const SaveOptions& options);
 
 }  // namespace rasterkit::tool

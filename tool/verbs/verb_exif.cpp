@@ -1,13 +1,13 @@
 #include <memory>
 
 #include <rasterkit/runtime/errors.h>
-#include <rasterkit/runtime/files/atomic_file.h>
 
 #include "tool/command/batch.h"
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/output_file.h"
 #include "tool/command/shared_options.h"
 #include "tool/pictures/exif/exif_copy.h"
 #include "tool/pictures/exif/exif_losses.h"
@@ -32,25 +32,15 @@ struct ExifOptions {
   bool IsWriting() const { return thumbnail || stripThumbnail || !copyFrom.empty(); }
 };
 
-void Save(std::span<const uint8_t> bytes, const std::string& name) {
-  try {
-    const WholeOutput whole;
-    AtomicFile file(name);
-    file.Write(bytes);
-    StopIfInterrupted();
-    file.Commit();
-  } catch (const Error& error) {
-    throw Failure(exitOutputNotWritten, name + ": " + ReasonWithOption(error));
-  }
-}
-
-JobResult ResultFor(const Bytes& jpeg) {
+/// Writes a JPEG file.
+JobResult Saved(const Bytes& jpeg, const Job& job) {
   const JpegHeader header = ReadJpegHeader(jpeg);
   JobResult result;
   result.type = "jpeg";
   result.width = header.width;
   result.height = header.height;
   result.bits = header.components == 1 ? 8 : 24;
+  result.file = WriteOutput(job.output, job.saving, [&](TStream& stream) { stream.Write(jpeg); });
   return result;
 }
 
@@ -62,8 +52,7 @@ JobResult CopyFrom(const Bytes& photo, const ExifOptions& options, const Job& jo
   } catch (const FormatError& error) {
     throw Failure(exitInputUnreadable, job.input + ": " + ReasonWithOption(error));
   }
-  Save(copied.jpeg, job.output);
-  JobResult result = ResultFor(copied.jpeg);
+  JobResult result = Saved(copied.jpeg, job);
   result.warnings = std::move(copied.warnings);
   result.notCarriedOver = LostByCopying(photo, picture, copied.jpeg);
   return result;
@@ -73,10 +62,7 @@ JobResult StripThumbnail(const Job& job) {
   const Bytes jpeg = ReadJpegInput(job.input);
   const JpegHeader header = ReadJpegHeader(jpeg);
   const JpegSegment* exif = header.Find(MetadataKind::exif);
-  if (exif == nullptr) {
-    Save(jpeg, job.output);
-    return ResultFor(jpeg);
-  }
+  if (exif == nullptr) return Saved(jpeg, job);
   std::string section;
   try {
     section = WithoutThumbnail(ExifBlock(SectionBytes(*exif)));
@@ -87,8 +73,7 @@ JobResult StripThumbnail(const Job& job) {
   Bytes result(jpeg.begin(), place(exif->place + 2));
   result.insert(result.end(), section.begin(), section.end());
   result.insert(result.end(), place(exif->place + exif->Size()), jpeg.end());
-  Save(result, job.output);
-  return ResultFor(result);
+  return Saved(result, job);
 }
 
 JobResult TakeThumbnail(const Job& job) {
@@ -100,9 +85,7 @@ JobResult TakeThumbnail(const Job& job) {
   if (bytes.empty()) {
     throw Failure(exitOutputNotWritten, job.input + ": the photo has no JPEG thumbnail");
   }
-  const Bytes thumbnail(bytes.begin(), bytes.end());
-  Save(thumbnail, job.output);
-  return ResultFor(thumbnail);
+  return Saved({bytes.begin(), bytes.end()}, job);
 }
 
 int Show(const std::vector<std::string>& files, bool json) {

@@ -4,10 +4,9 @@
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/icon.h>
-#include <rasterkit/runtime/files/atomic_file.h>
 
 #include "tool/command/command_line.h"
-#include "tool/command/interruption.h"
+#include "tool/command/output_file.h"
 #include "tool/command/shared_options.h"
 #include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/convert_picture.h"
@@ -65,14 +64,10 @@ void MakeIcon(Subject& picture, const IconOptions& options) {
   picture.place.reset();
 }
 
-void WriteIcon(const LoadedPicture& picture, const Job& job) {
+std::unique_ptr<AtomicFile> WriteIcon(const LoadedPicture& picture, const Job& job) {
   TIcon icon;
   icon.Assign(picture.bitmap.get());
-  const WholeOutput whole;
-  AtomicFile file(job.output);
-  icon.SaveToStream(file);
-  StopIfInterrupted();
-  file.Commit();
+  return WriteOutput(job.output, job.saving, [&](TStream& stream) { icon.SaveToStream(stream); });
 }
 
 int Run(IconOptions options) {

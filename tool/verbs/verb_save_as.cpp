@@ -26,6 +26,7 @@ struct SaveAsOptions {
   std::string file;
   bool asksForPixels = false;
   bool strict = false;
+  bool noSync = false;
 };
 
 /// Initial values of the window, and what the user chose.
@@ -110,8 +111,9 @@ int Run(const SaveAsOptions& options) {
   // The window has already asked about overwriting.
   output.overwrite = true;
   output.strict = options.strict;
+  output.noSync = options.noSync;
   const auto save = [&](const Job& job) { return ConvertLoaded(picture, job, saving, steps); };
-  const int code = RunJobs(output, {{file, settings.fileName}}, save);
+  const int code = RunJobs(output, {{file, settings.fileName, 0, output.Saving()}}, save);
   if (code == exitDone || code == exitNotCarriedOver) fmt::print("{}\n", settings.fileName);
   return code;
 }
@@ -131,6 +133,9 @@ VerbRunner AddSaveAsVerb(CommandLine& line) {
   verb.File("FILE", options->file, "a picture", true);
   verb.Flag("--pixels", options->asksForPixels,
             "let Options choose the size in pixels instead of the resolution");
+  verb.Flag("--no-sync", options->noSync,
+            "do not wait until the output is on the disk; a power failure can lose it")
+      .In("Files and results");
   verb.Flag("--strict", options->strict, "exit with code 5 if something was not carried over")
       .In("Files and results");
   return [options] { return Run(*options); };

@@ -5,6 +5,7 @@
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/codecs/tiff/tiff_plan.h>
 #include <rasterkit/codecs/tiff/tiff_strip_writer.h>
+#include <rasterkit/runtime/files/atomic_file.h>
 #include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
@@ -46,11 +47,8 @@ void SetGeoTags(TiffOutput& output, const TiffGeoTags& geo) {
   output.Set(detail::kTiePointTag, static_cast<int>(geo.tiePoint.size()), geo.tiePoint.data());
 }
 
-}  // namespace
-
-void EncodeTiff(const Raster& raster, TStream& stream, const TiffWriteOptions& options) {
-  const LimitsScope limits;
-  const TiffPlan plan = detail::PlanTiff(raster, options);
+void Encode(const Raster& raster, TStream& stream, const TiffPlan& plan,
+            const TiffWriteOptions& options) {
   TiffOutput output(stream, plan.isBig);
   detail::SetStripTags(output, plan);
   detail::SetColorTags(output, plan);
@@ -59,6 +57,18 @@ void EncodeTiff(const Raster& raster, TStream& stream, const TiffWriteOptions& o
   if (options.geo) SetGeoTags(output, *options.geo);
   detail::WriteStrips(output, raster, plan, std::clamp(options.threads, 1, kMostThreads));
   output.Finish();
+}
+
+}  // namespace
+
+void EncodeTiff(const Raster& raster, TStream& stream, const TiffWriteOptions& options) {
+  const LimitsScope limits;
+  const TiffPlan plan = detail::PlanTiff(raster, options);
+  if (IsSeekable(stream)) return Encode(raster, stream, plan, options);
+  // The header is completed last.
+  TMemoryStream memory;
+  Encode(raster, memory, plan, options);
+  stream.Write(memory.Bytes());
 }
 
 }  // namespace rasterkit

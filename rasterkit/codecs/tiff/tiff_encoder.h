@@ -33,8 +33,9 @@ struct TiffWriteOptions {
 /// Writes a TIFF file of one picture at the stream's position: 1-, 4- and 8-bit with palettes (a
 /// 1-bit palette of black and white becomes a photometric tag, a gray ramp of 16 or 256 becomes
 /// gray), 24-bit as RGB, 32-bit with an alpha channel if alpha is defined, else as RGB. Resolution
-/// and ICC profile are written. Throws FormatError for 15- and 16-bit rasters (convert them first)
-/// and for a picture without pixels.
+/// and ICC profile are written. For a pipe or a device the file is first put together in memory.
+/// Throws FormatError for 15- and 16-bit rasters (convert them first) and for a picture without
+/// pixels.
 RASTERKIT_EXPORT void EncodeTiff(const Raster& raster, TStream& stream,
                                  const TiffWriteOptions& options = {});
 

@@ -1,57 +1,105 @@
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
-#include <cstdio>
-#include <vector>
+#include <map>
+#include <optional>
+#include <utility>
 
 #include <fcntl.h>
-#include <unistd.h>
 
-#include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
-#include <rasterkit/runtime/files/file_name.h>
-#include <rasterkit/runtime/files/system_file.h>
+#include <rasterkit/runtime/files/file_calls.h>
+#include <rasterkit/runtime/files/file_rights.h>
+#include <rasterkit/runtime/files/file_sync.h>
+#include <rasterkit/runtime/files/save_target.h>
+#include <rasterkit/runtime/files/temporary_file.h>
 
 namespace rasterkit {
 namespace {
 
 constexpr size_t kBufferSize = 128 * 1024;
+constexpr mode_t kUsualMode = 0666, kPrivateMode = 0600;
 
-/// Follows symbolic links to the name that a write would reach, whether that exists or not.
-std::filesystem::path FollowLinks(std::filesystem::path path, const std::string& name) {
-  std::error_code ignored;
-  for (int links = 0; std::filesystem::is_symlink(path, ignored); ++links) {
-    if (links == 40) detail::ThrowSystemError("cannot be written", ELOOP, name);
-    path = path.parent_path() / std::filesystem::read_symlink(path, ignored);
+/// The files of a commit that have not failed.
+template <typename State>
+class Commitment {
+ public:
+  explicit Commitment(std::span<State* const> states) : states_(states), errors_(states.size()) {}
+
+  /// Does a step for each file.
+  template <typename Step>
+  void ForEach(Step step) {
+    for (size_t i = 0; i < states_.size(); ++i) {
+      if (errors_[i]) continue;
+      try {
+        step(*states_[i]);
+      } catch (...) {
+        errors_[i] = std::current_exception();
+      }
+    }
   }
-  return path;
-}
 
-/// A short name that no other writer of this machine uses at this moment.
-std::string TemporaryName() {
-  static std::atomic<unsigned> count{0};
-  return ".rk" + std::to_string(getpid()) + "-" + std::to_string(count++) + ".tmp";
-}
+  void SyncData() {
+    std::vector<State*> states;
+    std::vector<const detail::SystemFile*> files;
+    ForEach([&](State& state) {
+      if (!state.options.syncs) return;
+      states.push_back(&state);
+      files.push_back(&state.File());
+    });
+    const std::vector<int> found = detail::SyncData(files);
+    std::map<const State*, int> errors;
+    for (size_t i = 0; i < states.size(); ++i) errors[states[i]] = found[i];
+    ForEach([&](State& state) { ThrowIf(errors[&state], state); });
+  }
 
-std::string PathOfHandle(const detail::SystemFile& file) {
-  return "/proc/self/fd/" + std::to_string(file.Handle());
-}
+  void SyncFolders() {
+    std::map<std::pair<dev_t, ino_t>, int> errors;
+    ForEach([&](State& state) {
+      if (!state.options.syncs || !state.temporary) return;
+      const auto [place, isNew] = errors.emplace(Identity(state), 0);
+      if (isNew) place->second = detail::SyncFolder(state.target.folder);
+      ThrowIf(place->second, state);
+    });
+  }
+
+  std::vector<std::exception_ptr> TakeErrors() { return std::move(errors_); }
+
+ private:
+  static void ThrowIf(int error, const State& state) {
+    if (error == 0) return;
+    detail::ThrowSystemError("cannot be written to the disk", error, state.name);
+  }
+
+  static std::pair<dev_t, ino_t> Identity(const State& state) {
+    struct stat status {};
+    if (detail::Calls().status(state.target.folder.Handle(), &status) != 0) {
+      ThrowIf(errno, state);
+    }
+    return {status.st_dev, status.st_ino};
+  }
+
+  std::span<State* const> states_;
+  std::vector<std::exception_ptr> errors_;
+};
 
 }  // namespace
 
 struct AtomicFile::State {
-  std::string name;
-  /// What bytes go to: the file beside the target, or the target itself when that is no regular
-  /// file.
-  detail::SystemFile file;
-  detail::SystemFile folder;
-  std::string targetName;
-  /// The name of the file beside the target; empty while it has none yet, while the target is
-  /// written straight, and after a commit.
-  std::string temporaryName;
-  bool isNameless = false;
-  bool replaces = false;
-  bool isSeekable = true;
+  enum class Stage { open, finished, closed };
+
+  State(std::string fileName, const AtomicFileOptions& saveOptions)
+      : name(std::move(fileName)), options(saveOptions) {
+    Open();
+  }
+
+  const std::string name;
+  const AtomicFileOptions options;
+  detail::SaveTarget target;
+  /// What bytes go to: one of these two.
+  std::optional<detail::TemporaryFile> temporary;
+  detail::SystemFile straight;
+  std::vector<std::string> warnings;
+  Stage stage = Stage::open;
 
   std::vector<uint8_t> buffer;
   /// Where in the file the buffer's first byte belongs.
@@ -59,124 +107,115 @@ struct AtomicFile::State {
   uint64_t position = 0;
   uint64_t size = 0;
 
-  ~State() { RemoveTemporary(); }
+  [[noreturn]] void Fail(int error) const {
+    detail::ThrowSystemError("cannot be written", error, name);
+  }
+  [[noreturn]] void FailBecauseItExists() const {
+    throw FileExistsError("cannot be written: a file of this name exists", name);
+  }
+  const detail::SystemFile& File() const { return temporary ? temporary->File() : straight; }
+  bool IsSeekable() const { return temporary.has_value(); }
 
-  [[noreturn]] void Fail() const { detail::ThrowSystemError("cannot be written", errno, name); }
   void Open();
-  void OpenStraight(const std::filesystem::path& target);
-  void OpenTemporary(const struct stat* old);
-  bool OpenNameless();
-  void OpenNamed();
-  void NameTheNameless();
-  void CopyMode(const struct stat& old);
-  void RemoveTemporary();
+  void OpenStraight();
+  void OpenTemporary();
+  detail::SystemFile OpenOld();
   void Flush();
-  void RequireOpen() const;
+  void RequireStage(Stage last) const;
+  void Finish();
+  void GiveName();
 };
 
 void AtomicFile::State::Open() {
-  const std::filesystem::path target = FollowLinks(ToPath(name), name);
-  targetName = target.filename().string();
-  if (name.find('\0') != std::string::npos || targetName.empty()) {
-    detail::ThrowSystemError("cannot be written", EINVAL, name);
+  target = detail::FindTarget(name);
+  if (target.kind == detail::SaveTarget::Kind::straight) return OpenStraight();
+  if (target.kind == detail::SaveTarget::Kind::regular && options.ifExists == IfExists::fail) {
+    FailBecauseItExists();
   }
-  struct stat old {};
-  const bool exists = stat(target.c_str(), &old) == 0;
-  if (exists && S_ISDIR(old.st_mode)) detail::ThrowSystemError("cannot be written", EISDIR, name);
-  if (exists && !S_ISREG(old.st_mode)) return OpenStraight(target);
-  // Replacing needs no right to the file itself; a file that its owner protects is refused all the
-  // same.
-  if (exists && access(target.c_str(), W_OK) != 0) Fail();
-  const std::string place = target.has_parent_path() ? target.parent_path().string() : ".";
-  folder = detail::OpenAt(AT_FDCWD, place, O_PATH | O_DIRECTORY);
-  if (!folder.IsOpen()) Fail();
-  OpenTemporary(exists ? &old : nullptr);
+  OpenTemporary();
 }
 
-void AtomicFile::State::OpenStraight(const std::filesystem::path& target) {
-  file = detail::OpenAt(AT_FDCWD, target.string(), O_WRONLY | O_NOCTTY);
-  if (!file.IsOpen()) Fail();
-  isSeekable = false;
+/// The name is opened as it was given: only the system can follow a link to an open file. Such a
+/// file may be regular; the bytes then go to its end.
+void AtomicFile::State::OpenStraight() {
+  straight = detail::OpenAt(AT_FDCWD, name, O_WRONLY | O_NOCTTY | O_APPEND);
+  struct stat status {};
+  if (!straight.IsOpen() || detail::Calls().status(straight.Handle(), &status) != 0) Fail(errno);
+  if (S_ISDIR(status.st_mode)) Fail(EISDIR);
+  if (S_ISREG(status.st_mode) && options.ifExists == IfExists::fail) FailBecauseItExists();
 }
 
-void AtomicFile::State::OpenTemporary(const struct stat* old) {
-  if (!OpenNameless()) OpenNamed();
-  replaces = old != nullptr;
-  if (replaces) CopyMode(*old);
-}
-
-/// A file without a name vanishes by itself even when the process is killed. Not every file system
-/// has such files.
-bool AtomicFile::State::OpenNameless() {
-  file = detail::OpenAt(folder.Handle(), ".", O_RDWR | O_TMPFILE, 0666);
-  if (!file.IsOpen()) return false;
-  isNameless = access(PathOfHandle(file).c_str(), F_OK) == 0;
-  return isNameless;
-}
-
-void AtomicFile::State::OpenNamed() {
-  do {
-    temporaryName = TemporaryName();
-    file = detail::OpenAt(folder.Handle(), temporaryName, O_RDWR | O_CREAT | O_EXCL, 0666);
-  } while (!file.IsOpen() && errno == EEXIST);
-  if (!file.IsOpen()) {
-    temporaryName.clear();
-    Fail();
+void AtomicFile::State::OpenTemporary() {
+  if (target.kind == detail::SaveTarget::Kind::none) {
+    temporary.emplace(target.folder, kUsualMode, name);
+    return;
   }
+  const detail::SystemFile old = OpenOld();
+  // Until the rights of the old file are known to be set, the new one is for its owner alone.
+  temporary.emplace(target.folder, kPrivateMode, name);
+  warnings = detail::KeepRights(old, temporary->File(), name);
 }
 
-/// The system can link only to a free name, so the file gets one for the moment before it is
-/// renamed.
-void AtomicFile::State::NameTheNameless() {
-  const std::string source = PathOfHandle(file);
-  std::string name;
-  int result = 0;
-  do {
-    name = TemporaryName();
-    result = linkat(AT_FDCWD, source.c_str(), folder.Handle(), name.c_str(), AT_SYMLINK_FOLLOW);
-  } while (result != 0 && errno == EEXIST);
-  if (result != 0) Fail();
-  temporaryName = name;
-  isNameless = false;
-}
-
-void AtomicFile::State::CopyMode(const struct stat& old) {
-  // Only a privileged process can give a file away; for others it becomes their own, as with a
-  // copy.
-  [[maybe_unused]] const int ignored = fchown(file.Handle(), old.st_uid, old.st_gid);
-  if (fchmod(file.Handle(), old.st_mode & 07777) != 0) Fail();
-}
-
-void AtomicFile::State::RemoveTemporary() {
-  if (!temporaryName.empty()) unlinkat(folder.Handle(), temporaryName.c_str(), 0);
-  temporaryName.clear();
+/// Replacing needs no right to the file itself; a file that its owner protects is refused all the
+/// same.
+detail::SystemFile AtomicFile::State::OpenOld() {
+  if (detail::Calls().accessAt(target.folder.Handle(), target.name.c_str(), W_OK) != 0) Fail(errno);
+  constexpr int kFlags = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+  detail::SystemFile old = detail::OpenAt(target.folder.Handle(), target.name, O_RDONLY | kFlags);
+  if (!old.IsOpen() && errno == EACCES) {
+    old = detail::OpenAt(target.folder.Handle(), target.name, O_WRONLY | kFlags);
+  }
+  if (!old.IsOpen()) Fail(errno);
+  return old;
 }
 
 void AtomicFile::State::Flush() {
   if (buffer.empty()) return;
-  const int64_t place = isSeekable ? static_cast<int64_t>(bufferStart) : -1;
-  detail::WriteAll(file, buffer, place, name);
+  const int64_t place = IsSeekable() ? static_cast<int64_t>(bufferStart) : -1;
+  detail::WriteAll(File(), buffer, place, name);
   bufferStart += buffer.size();
   buffer.clear();
 }
 
-void AtomicFile::State::RequireOpen() const {
-  if (!file.IsOpen()) throw FileError("is written and closed already", name);
+void AtomicFile::State::RequireStage(Stage last) const {
+  if (stage > last) throw FileError("is written and closed already", name);
 }
 
-AtomicFile::AtomicFile(const std::string& fileName) : state_(std::make_unique<State>()) {
-  state_->name = fileName;
-  state_->Open();
+void AtomicFile::State::Finish() {
+  RequireStage(Stage::finished);
+  if (stage == Stage::finished) return;
+  // A second try could succeed although bytes are lost.
+  stage = Stage::closed;
+  Flush();
+  buffer.shrink_to_fit();
+  // File systems of networks report some errors only when a handle is closed. The other one keeps
+  // the lock and the file.
+  detail::SystemFile copy(detail::Calls().duplicate(File().Handle()));
+  if (!copy.IsOpen()) Fail(errno);
+  if (const int error = copy.Close(); error != 0) Fail(error);
+  stage = Stage::finished;
 }
+
+void AtomicFile::State::GiveName() {
+  if (!temporary) return;
+  if (target.kind == detail::SaveTarget::Kind::none) {
+    if (temporary->CreateName(target.name)) return;
+    if (options.ifExists == IfExists::fail) FailBecauseItExists();
+  }
+  temporary->ReplaceName(target.name);
+}
+
+AtomicFile::AtomicFile(const std::string& fileName, const AtomicFileOptions& options)
+    : state_(std::make_unique<State>(fileName, options)) {}
 
 AtomicFile::~AtomicFile() = default;
 
 size_t AtomicFile::Read(std::span<uint8_t> target) {
-  state_->RequireOpen();
-  if (!state_->isSeekable) throw FileError("cannot be read back", state_->name);
+  state_->RequireStage(State::Stage::open);
+  if (!state_->IsSeekable()) throw FileError("cannot be read back", state_->name);
   state_->Flush();
   iovec piece{target.data(), target.size()};
-  const size_t count = detail::ReadPieces(state_->file, {&piece, 1},
+  const size_t count = detail::ReadPieces(state_->File(), {&piece, 1},
                                           static_cast<int64_t>(state_->position), state_->name);
   state_->position += count;
   return count;
@@ -184,16 +223,16 @@ size_t AtomicFile::Read(std::span<uint8_t> target) {
 
 void AtomicFile::Write(std::span<const uint8_t> source) {
   State& state = *state_;
-  state.RequireOpen();
+  state.RequireStage(State::Stage::open);
   if (state.position != state.bufferStart + state.buffer.size()) {
-    if (!state.isSeekable) throw FileError("cannot be written out of order", state.name);
+    if (!state.IsSeekable()) throw FileError("cannot be written out of order", state.name);
     state.Flush();
     state.bufferStart = state.position;
   }
   if (state.buffer.size() + source.size() > kBufferSize) state.Flush();
   if (source.size() > kBufferSize) {
-    const int64_t place = state.isSeekable ? static_cast<int64_t>(state.position) : -1;
-    detail::WriteAll(state.file, source, place, state.name);
+    const int64_t place = state.IsSeekable() ? static_cast<int64_t>(state.position) : -1;
+    detail::WriteAll(state.File(), source, place, state.name);
     state.bufferStart += source.size();
   } else {
     state.buffer.insert(state.buffer.end(), source.begin(), source.end());
@@ -214,23 +253,51 @@ uint64_t AtomicFile::Size() const {
   return state_->size;
 }
 
+bool AtomicFile::IsSeekable() const {
+  return state_->IsSeekable();
+}
+
+bool IsSeekable(const TStream& stream) {
+  const auto* file = dynamic_cast<const AtomicFile*>(&stream);
+  return file == nullptr || file->IsSeekable();
+}
+
+const std::string& AtomicFile::FileName() const {
+  return state_->name;
+}
+
+const std::vector<std::string>& AtomicFile::Warnings() const {
+  return state_->warnings;
+}
+
+void AtomicFile::Finish() {
+  state_->Finish();
+}
+
 void AtomicFile::Commit() {
-  State& state = *state_;
-  state.RequireOpen();
-  state.Flush();
-  // The name must not lead to the new file before its bytes are safe, else a power failure loses
-  // old and new.
-  if (state.replaces && fdatasync(state.file.Handle()) != 0) state.Fail();
-  if (state.isNameless) state.NameTheNameless();
-  if (const int error = state.file.Close(); error != 0) {
-    detail::ThrowSystemError("cannot be written", error, state.name);
+  State* const state = state_.get();
+  if (const std::exception_ptr error = CommitStates({&state, 1}).front()) {
+    std::rethrow_exception(error);
   }
-  if (state.temporaryName.empty()) return;
-  const int folder = state.folder.Handle();
-  if (renameat(folder, state.temporaryName.c_str(), folder, state.targetName.c_str()) != 0) {
-    state.Fail();
-  }
-  state.temporaryName.clear();
+}
+
+std::vector<std::exception_ptr> AtomicFile::CommitAll(
+    std::span<const std::unique_ptr<AtomicFile>> files) {
+  std::vector<State*> states;
+  for (const auto& file : files) states.push_back(file->state_.get());
+  return CommitStates(states);
+}
+
+std::vector<std::exception_ptr> AtomicFile::CommitStates(std::span<State* const> states) {
+  Commitment<State> commitment(states);
+  commitment.ForEach([](State& state) {
+    state.Finish();
+    state.stage = State::Stage::closed;
+  });
+  commitment.SyncData();
+  commitment.ForEach([](State& state) { state.GiveName(); });
+  commitment.SyncFolders();
+  return commitment.TakeErrors();
 }
 
 }  // namespace rasterkit

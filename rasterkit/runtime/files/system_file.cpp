@@ -1,24 +1,15 @@
 #include <algorithm>
-#include <cerrno>
 #include <climits>
 #include <system_error>
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/file_calls.h>
 #include <rasterkit/runtime/files/system_file.h>
 
 namespace rasterkit::detail {
 namespace {
-
-/// Repeats a call that a signal interrupted.
-template <typename Call>
-auto Uninterrupted(Call call) {
-  auto result = call();
-  while (result < 0 && errno == EINTR) result = call();
-  return result;
-}
 
 /// Drops `count` bytes from the front of `pieces`.
 void DropFront(std::span<iovec>& pieces, size_t count) {
@@ -34,15 +25,15 @@ void DropFront(std::span<iovec>& pieces, size_t count) {
 ssize_t ReadSome(int handle, std::span<iovec> pieces, int64_t position) {
   const int count = static_cast<int>(std::min<size_t>(pieces.size(), IOV_MAX));
   return Uninterrupted([&] {
-    return position < 0 ? readv(handle, pieces.data(), count)
-                        : preadv(handle, pieces.data(), count, position);
+    return position < 0 ? Calls().readPieces(handle, pieces.data(), count)
+                        : Calls().readPiecesAt(handle, pieces.data(), count, position);
   });
 }
 
 ssize_t WriteSome(int handle, std::span<const uint8_t> bytes, int64_t position) {
   return Uninterrupted([&] {
-    return position < 0 ? write(handle, bytes.data(), bytes.size())
-                        : pwrite(handle, bytes.data(), bytes.size(), position);
+    return position < 0 ? Calls().write(handle, bytes.data(), bytes.size())
+                        : Calls().writeAt(handle, bytes.data(), bytes.size(), position);
   });
 }
 
@@ -55,7 +46,7 @@ void ThrowSystemError(const std::string& action, int error, const std::string& f
 int SystemFile::Close() {
   if (handle_ < 0) return 0;
   // The handle is gone even when a signal interrupts the call.
-  const int result = close(std::exchange(handle_, -1));
+  const int result = Calls().close(std::exchange(handle_, -1));
   return result == 0 || errno == EINTR ? 0 : errno;
 }
 
@@ -65,7 +56,7 @@ SystemFile OpenAt(int folder, const std::string& name, int flags, mode_t mode) {
     return {};
   }
   return SystemFile(
-      Uninterrupted([&] { return openat(folder, name.c_str(), flags | O_CLOEXEC, mode); }));
+      Uninterrupted([&] { return Calls().openAt(folder, name.c_str(), flags | O_CLOEXEC, mode); }));
 }
 
 size_t ReadPieces(const SystemFile& file, std::span<iovec> pieces, int64_t position,

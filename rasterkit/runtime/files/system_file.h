@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -14,6 +15,14 @@ namespace rasterkit::detail {
 
 /// Throws FileError "ACTION: the system's text of `error`" for `file`.
 [[noreturn]] void ThrowSystemError(const std::string& action, int error, const std::string& file);
+
+/// Repeats a call that a signal interrupted.
+template <typename Call>
+auto Uninterrupted(Call call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) result = call();
+  return result;
+}
 
 /// An open file of the system, closed by the destructor.
 class SystemFile {
@@ -31,6 +40,8 @@ class SystemFile {
   bool IsOpen() const { return handle_ >= 0; }
   /// Returns the system's error number, 0 on success.
   int Close();
+  /// Returns the handle, which the caller then closes.
+  int Release() { return std::exchange(handle_, -1); }
 
  private:
   int handle_ = -1;

@@ -7,14 +7,13 @@
 
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/runtime/errors.h>
-#include <rasterkit/runtime/files/atomic_file.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/files/stream.h>
 #include <rasterkit/tifftobmp/geotiff_writer.h>
 
 #include "tool/command/exit_code.h"
-#include "tool/command/interruption.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/output_file.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/pictures/placement/geo_position.h"
 #include "tool/pictures/placement/world_file.h"
@@ -141,25 +140,22 @@ void RequireStoredUpright(const LoadedPicture& picture, const Job& job, const Fo
 /// The library's routine silently omits the tags for small pixels.
 constexpr double kSmallestScale = 0.01;
 
-void WriteAnySize(const TBitmap& bitmap, const std::string& name, const Placement& placement) {
+void WriteAnySize(const TBitmap& bitmap, TStream& stream, const Placement& placement) {
   TiffWriteOptions options;
   options.geo = {{placement.width, placement.height, 0}, {0, 0, 0, placement.x, placement.y, 0}};
-  AtomicFile file(name);
-  EncodeTiff(bitmap.Content(), file, options);
-  StopIfInterrupted();
-  file.Commit();
+  EncodeTiff(bitmap.Content(), stream, options);
 }
 
-void Write(TBitmap& bitmap, const std::string& name, const Placement& placement) {
+void Write(TBitmap& bitmap, TStream& stream, const Placement& placement) {
   if (placement.width > kSmallestScale && placement.height > kSmallestScale) {
-    WriteBitmapToTiff(bitmap, name, false, placement.x, placement.y, placement.width,
+    WriteBitmapToTiff(bitmap, stream, false, placement.x, placement.y, placement.width,
                       placement.height);
     return;
   }
   if (bitmap.PixelFormat() == pf15bit || bitmap.PixelFormat() == pf16bit) {
     bitmap.SetPixelFormat(pf24bit);
   }
-  WriteAnySize(bitmap, name, placement);
+  WriteAnySize(bitmap, stream, placement);
 }
 
 }  // namespace
@@ -168,7 +164,8 @@ JobResult WriteGeoTiff(const Job& job, const PlacementOptions& options) {
   const Found found = FindPlacement(job.input, options);
   const PictureWriter write = [&](LoadedPicture& picture, const Job& written) {
     RequireStoredUpright(picture, written, found);
-    Write(*picture.bitmap, written.output, found.placement);
+    return WriteOutput(written.output, written.saving,
+                       [&](TStream& stream) { Write(*picture.bitmap, stream, found.placement); });
   };
   JobResult result = ConvertPicture(job, PictureOptions(), {{}, write, {}});
   auto& lost = result.notCarriedOver;

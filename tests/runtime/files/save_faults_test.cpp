@@ -1,0 +1,262 @@
+// Each system call of each kind of save fails once, with each error.
+
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/atomic_file.h>
+
+#include "tests/runtime/files/access_lists.h"
+#include "tests/runtime/files/replaced_calls.h"
+#include "tests/support/temp_folder.h"
+
+namespace rasterkit::test {
+namespace {
+
+using detail::Calls;
+
+constexpr int kErrors[] = {EIO, ENOSPC, EDQUOT, EACCES, EPERM, EROFS, ENOMEM, EMFILE, ESTALE};
+/// More than one buffer.
+constexpr size_t kBytes = 150'000;
+
+const std::string& NewContent() {
+  static const std::string content(kBytes, 'n');
+  return content;
+}
+
+/// One kind of save. The folder is empty at first.
+struct Scenario {
+  std::string name;
+  AtomicFileOptions options = {};
+  /// What lies in the folder before, besides the old file.
+  std::function<void(const TempFolder&)> prepare = [](const TempFolder&) {};
+  bool replaces = false;
+  /// The name that the save is given.
+  std::string link = "a.png";
+  /// As a file system that does not have some of the calls.
+  std::function<void()> limit = [] {};
+  size_t files = 1;
+};
+
+void HaveNoNamelessFiles() {
+  static auto open = Calls().openAt;
+  open = Calls().openAt;
+  Calls().openAt = [](int folder, const char* name, int flags, mode_t mode) {
+    constexpr int kNameless = O_TMPFILE & ~O_DIRECTORY;
+    if ((flags & kNameless) == 0) return open(folder, name, flags, mode);
+    errno = EOPNOTSUPP;
+    return -1;
+  };
+}
+
+void HaveNoCarefulRename() {
+  static auto rename = Calls().renameAt;
+  rename = Calls().renameAt;
+  Calls().renameAt = [](int folder, const char* oldName, const char* name, unsigned flags) {
+    if (flags == 0) return rename(folder, oldName, name, flags);
+    errno = EINVAL;
+    return -1;
+  };
+}
+
+void HaveNoLinks() {
+  Calls().linkAt = [](int, const char*, int, const char*, int) {
+    errno = EPERM;
+    return -1;
+  };
+}
+
+/// The disk itself would need minutes for thousands of saves.
+void HaveFastDisk() {
+  const auto sync = [](int) { return 0; };
+  Calls().syncData = Calls().syncAll = Calls().syncFileSystem = Calls().awaitWrites = sync;
+}
+
+std::vector<Scenario> Scenarios() {
+  const AtomicFileOptions create{IfExists::fail, true};
+  const auto named = [] { HaveNoNamelessFiles(); };
+  const auto nfs = [] {
+    HaveNoNamelessFiles();
+    HaveNoCarefulRename();
+  };
+  const auto plain = [] {
+    HaveNoNamelessFiles();
+    HaveNoCarefulRename();
+    HaveNoLinks();
+  };
+  const auto none = [](const TempFolder&) {};
+  const auto withList = [](const TempFolder& folder) {
+    const std::string name = folder / "a.png";
+    SetList(name, kListAttribute, {{kUserOwner, 6, kNoId}, {kUser, 4, 4711}, {kGroupOwner, 4, kNoId},
+                                   {kMask, 6, kNoId}, {kOther, 0, kNoId}});
+    setxattr(name.c_str(), "user.note", "text", 4, 0);
+    setxattr(name.c_str(), "user.more", "texts", 5, 0);
+  };
+  const auto inFolderWithList = [](const TempFolder& folder) {
+    SetList(folder.Path(), "system.posix_acl_default",
+            {{kUserOwner, 7, kNoId}, {kUser, 6, 4711}, {kGroupOwner, 5, kNoId}, {kMask, 7, kNoId},
+             {kOther, 0, kNoId}});
+  };
+  const auto linked = [](const TempFolder& folder) {
+    std::filesystem::create_symlink("a.png", folder / "link1");
+    std::filesystem::create_symlink(folder / "link1", folder / "link2");
+  };
+  const auto secondName = [](const TempFolder& folder) {
+    std::filesystem::create_hard_link(folder / "a.png", folder / "b.png");
+  };
+  return {
+      {"new"},
+      {"new, must not exist", create},
+      {"replaced", {}, none, true},
+      {"replaced, list and attributes", {}, withList, true},
+      {"replaced, folder with a list", {}, inFolderWithList, true},
+      {"replaced through links", {}, linked, true, "link2"},
+      {"new through links", create, linked, false, "link2"},
+      {"replaced, two names", {}, secondName, true},
+      {"replaced, without sync", {IfExists::replace, false}, none, true},
+      {"new, without sync", {IfExists::fail, false}},
+      {"new, named", {}, none, false, "a.png", named},
+      {"new, named, must not exist", create, none, false, "a.png", named},
+      {"replaced, named", {}, none, true, "a.png", named},
+      {"replaced, named, list and attributes", {}, withList, true, "a.png", named},
+      {"new as on NFS", create, none, false, "a.png", nfs},
+      {"new, without links", create, none, false, "a.png", plain},
+      {"three new", create, none, false, "a.png", [] {}, 3},
+      {"nine replaced", {}, none, true, "a.png", [] {}, 9},
+  };
+}
+
+std::string FileNumber(size_t number, const std::string& first) {
+  return number == 0 ? first : "file" + std::to_string(number) + ".png";
+}
+
+size_t OpenHandles() {
+  const std::filesystem::directory_iterator begin("/proc/self/fd"), end;
+  return static_cast<size_t>(std::distance(begin, end));
+}
+
+/// A folder as a scenario needs it.
+class Stage {
+ public:
+  explicit Stage(const Scenario& scenario) : scenario_(scenario) {
+    for (size_t i = 0; i < scenario.files; ++i) {
+      if (scenario.replaces) folder_.Write(FileNumber(i, "a.png"), "old");
+      names_.push_back(folder_ / FileNumber(i, scenario.link));
+    }
+    scenario.prepare(folder_);
+    before_ = folder_.Names();
+  }
+
+  /// Saves all files; returns their errors.
+  std::vector<std::exception_ptr> Save() {
+    std::vector<std::unique_ptr<AtomicFile>> files;
+    std::vector<std::exception_ptr> errors(names_.size());
+    std::vector<size_t> numbers;
+    for (size_t i = 0; i < names_.size(); ++i) {
+      try {
+        auto file = std::make_unique<AtomicFile>(names_[i], scenario_.options);
+        const std::string& text = NewContent();
+        file->Write({reinterpret_cast<const uint8_t*>(text.data()), text.size() / 3});
+        file->Write({reinterpret_cast<const uint8_t*>(text.data()), text.size() / 3});
+        file->Write({reinterpret_cast<const uint8_t*>(text.data()), text.size() / 3});
+        files.push_back(std::move(file));
+        numbers.push_back(i);
+      } catch (...) {
+        errors[i] = std::current_exception();
+      }
+    }
+    const std::vector<std::exception_ptr> committed = AtomicFile::CommitAll(files);
+    for (size_t i = 0; i < numbers.size(); ++i) errors[numbers[i]] = committed[i];
+    return errors;
+  }
+
+  /// Checks the folder after a save in which a call may have failed.
+  void Check(const std::vector<std::exception_ptr>& errors, bool failedInTheEnd) const {
+    std::vector<std::string> expected = before_;
+    for (size_t i = 0; i < names_.size(); ++i) {
+      const std::string target = FileNumber(i, "a.png");
+      const std::string content = ReadFile(folder_ / target);
+      const bool exists = std::filesystem::exists(folder_ / target);
+      if (errors[i]) {
+        CheckNamed(errors[i], names_[i]);
+        const bool isUntouched = scenario_.replaces ? content == "old" : !exists;
+        EXPECT_TRUE(isUntouched || (failedInTheEnd && content == NewContent())) << target;
+      } else {
+        EXPECT_TRUE(content == NewContent()) << target;
+      }
+      if (exists && !scenario_.replaces) expected.push_back(target);
+    }
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(folder_.Names(), expected) << "no leftovers";
+  }
+
+ private:
+  static void CheckNamed(const std::exception_ptr& error, const std::string& name) {
+    try {
+      std::rethrow_exception(error);
+    } catch (const FileError& reason) {
+      EXPECT_EQ(reason.File(), name);
+      EXPECT_THAT(reason.Reason(), testing::StartsWith("cannot be written"));
+    } catch (...) {
+      ADD_FAILURE() << "no FileError";
+    }
+  }
+
+  const Scenario& scenario_;
+  const TempFolder folder_;
+  std::vector<std::string> names_, before_;
+};
+
+TEST(SaveFaults, EachFailingCall_LeavesOldOrNewFileAndNothingElse) {
+  int faults = 0, errors = 0;
+  for (const Scenario& scenario : Scenarios()) {
+    SCOPED_TRACE(scenario.name);
+    const CallsGuard guard;
+    HaveFastDisk();
+    scenario.limit();
+    int calls = 0;
+    {
+      Stage stage(scenario);
+      const CountedCalls counted;
+      const auto result = stage.Save();
+      calls = CountedCalls::Count();
+      stage.Check(result, false);
+      for (const auto& error : result) EXPECT_FALSE(error) << "without a fault";
+    }
+    for (int number = 1; number <= calls; ++number) {
+      for (const int error : kErrors) {
+        SCOPED_TRACE("call " + std::to_string(number) + " error " + std::to_string(error));
+        Stage stage(scenario);
+        const size_t handles = OpenHandles();
+        std::vector<std::exception_ptr> result;
+        {
+          CountedCalls counted;
+          counted.FailAt(number, error);
+          result = stage.Save();
+          EXPECT_TRUE(CountedCalls::HasFailed());
+        }
+        stage.Check(result, CountedCalls::FailedInTheEnd());
+        EXPECT_EQ(OpenHandles(), handles);
+        ++faults;
+        for (const auto& reason : result) errors += reason ? 1 : 0;
+        if (testing::Test::HasFailure()) return;
+      }
+    }
+  }
+  std::cout << faults << " faults, " << errors << " reported as errors\n";
+  EXPECT_GT(faults, 2400);
+}
+
+}  // namespace
+}  // namespace rasterkit::test
