@@ -97,7 +97,7 @@ TEST_F(IsolatedPdf, ExportPage_Should_SayThatReadingEnded_When_TheProcessIsKille
 
 TEST_F(IsolatedPdf, ExportPage_Should_StartAnotherProcess_When_AnIdleOneIsGone) {
   OpenPages({{}, {"0 0 72 72", test::PdfRectangle("1 0 0", 0, 0, 72, 72)}});
-  for (const int child : test::Children()) kill(child, SIGKILL);
+  test::EndChildren(SIGKILL);
   EXPECT_TRUE(CanDrawPageTwo());
 }
 
@@ -138,7 +138,7 @@ int DrawWithoutChildSignals(const std::string& file) {
   document->LoadFromFile(file);
   TBitmap page;
   if (!document->ExportPage(0, 1, PdfRotation::none, page)) return 1;
-  for (const int child : test::Children()) kill(child, SIGSEGV);
+  test::EndChildren(SIGSEGV);
   if (!document->ExportPage(0, 1, PdfRotation::none, page)) return 2;
   return 7;
 }
