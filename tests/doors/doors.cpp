@@ -54,6 +54,7 @@ constexpr Folder kFolders[] = {
     {"rasterkit/tifftobmp", 23},
     {"rasterkit/bitmaptools/rotation", 24},
     {"rasterkit/bitmaptools/files", 25},
+    {"rasterkit/pictures", 26},
     {"rasterkit/startup", 26},
     {"rasterkit/qt", 27},
     {"rasterkit/qt/pdf", 28},

@@ -7,46 +7,30 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/codecs/metadata.h>
-#include <rasterkit/codecs/picture_type.h>
-#include <rasterkit/codecs/tiff/tiff_facts.h>
+#include <rasterkit/codecs/rows/metadata_kind.h>
+#include <rasterkit/pictures/picture_file.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
 
 #include "tool/pictures/placement/map_placement.h"
-#include "tool/reports/photo_facts.h"
 
 namespace rasterkit::tool {
 namespace {
 
-std::vector<std::string> ExtrasOfTiff(const std::string& file, TStream& stream) {
-  const TiffFacts facts = ReadTiffFacts(stream);
-  std::vector<std::string> names = MetadataKindNames(facts.metadata);
-  const std::vector<std::string> sources = MapSources(file, facts);
-  names.insert(names.end(), sources.begin(), sources.end());
-  if (facts.pages - facts.secondaryPages > 1) {
-    names.emplace_back(MetadataKindName(MetadataKind::pages));
-  }
-  return names;
-}
-
-std::vector<std::string> ExtrasOfBytes(const std::string& file, const std::vector<uint8_t>& bytes) {
-  const PictureMetadata metadata = ReadMetadata(bytes);
-  std::vector<std::string> names = MetadataKindNames(metadata.kinds);
-  if (ReadExifFacts(metadata.exif).gps) names.emplace_back(MetadataKindName(MetadataKind::gps));
-  const std::vector<std::string> sources = MapSources(file, {});
-  names.insert(names.end(), sources.begin(), sources.end());
-  if (metadata.pictures > 1) names.emplace_back(MetadataKindName(MetadataKind::pages));
-  return names;
-}
-
-/// Bitmap files can be huge and have no metadata.
+/// Throws Error if the file cannot be read.
 std::vector<std::string> ExtrasOf(const std::string& file) {
+  PictureReading reading;
+  reading.withPixels = false;
+  LoadedFrame picture;
   TFileStream stream(file);
-  const PictureType type = SniffPictureType(stream);
-  if (type == PictureType::tiff) return ExtrasOfTiff(file, stream);
-  if (type == PictureType::bmp) return MapSources(file, {});
-  return ExtrasOfBytes(file, stream.ReadToEnd());
+  ReadPicture(picture, stream, reading);
+  if (picture.type == PictureType::tiff && !picture.tiff) return {};
+  std::vector<std::string> names = MetadataKindNames(picture.metadata);
+  if (picture.photo.gps) names.emplace_back(MetadataKindName(MetadataKind::gps));
+  const std::vector<std::string> sources = MapSources(file, picture.tiff.value_or(TiffFacts()));
+  names.insert(names.end(), sources.begin(), sources.end());
+  if (picture.Pictures() > 1) names.emplace_back(MetadataKindName(MetadataKind::pages));
+  return names;
 }
 
 }  // namespace

@@ -15,7 +15,7 @@
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
 #include "tool/pictures/convert_picture.h"
-#include "tool/pictures/picture_file.h"
+#include "tool/pictures/picture_input.h"
 #include "tool/pictures/resize_picture.h"
 #include "tool/verbs/verbs.h"
 

@@ -1,21 +1,17 @@
-#include "tool/pictures/picture_file.h"
-
 #include <algorithm>
-#include <functional>
-#include <new>
+#include <span>
+#include <utility>
 
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_picture.h>
 #include <rasterkit/codecs/metadata.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/unsized_picture.h>
+#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/visible_rows.h>
 #include <rasterkit/runtime/errors.h>
 
-#include "tool/command/exit_code.h"
-#include "tool/command/interruption.h"
-#include "tool/pictures/visible_rows.h"
-
-namespace rasterkit::tool {
+namespace rasterkit {
 namespace {
 
 constexpr int kMostDecoders = 64;
@@ -36,11 +32,12 @@ void ReadFacts(LoadedFrame& loaded, TStream& stream) {
 }
 
 /// TIFF files can be huge: facts and rows are read directly from the stream.
-void LoadTiff(LoadedFrame& loaded, TStream& stream, int threads) {
+void LoadTiff(LoadedFrame& loaded, TStream& stream, const PictureReading& reading) {
   loaded.bytes = stream.Size();
   ReadFacts(loaded, stream);
+  if (!reading.withPixels) return;
   CodecReport report;
-  loaded.frame = DecodeTiff(stream, {std::min(threads, kMostDecoders)}, &report);
+  loaded.frame = DecodeTiff(stream, {std::clamp(reading.threads, 1, kMostDecoders)}, &report);
   loaded.grid = GridTypeOf(loaded.frame.format);
   AddWarnings(loaded, report);
 }
@@ -57,13 +54,14 @@ bool IsMetafile(PictureType type) {
 
 /// Facts of the records are stored even if drawing fails.
 void LoadMetafile(LoadedFrame& loaded, std::span<const uint8_t> bytes,
-                  const MetafileDrawing& drawing) {
+                  const PictureReading& reading) {
+  if (!reading.withPixels) return;
   TMetafile metafile;
   TSpanStream stream(bytes);
   metafile.LoadFromStream(stream);
   loaded.metafile = metafile.Facts();
   loaded.warnings = loaded.metafile->warnings;
-  DrawnMetafile drawn = DrawMetafile(metafile, drawing);
+  DrawnMetafile drawn = DrawMetafile(metafile, reading.drawing, reading.keepGoing);
   loaded.frame.rows = std::move(drawn.rows);
   for (std::string& warning : drawn.warnings) {
     const auto& known = loaded.warnings;
@@ -72,14 +70,13 @@ void LoadMetafile(LoadedFrame& loaded, std::span<const uint8_t> bytes,
   }
 }
 
-void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, int threads,
-               const MetafileDrawing& drawing) {
+void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, const PictureReading& reading) {
   loaded.bytes = bytes.size();
   loaded.type = SniffPictureType(bytes);
-  if (IsMetafile(loaded.type)) return LoadMetafile(loaded, bytes, drawing);
+  if (IsMetafile(loaded.type)) return LoadMetafile(loaded, bytes, reading);
   if (loaded.type == PictureType::tiff) {
     TSpanStream memory(bytes);
-    return LoadTiff(loaded, memory, threads);
+    return LoadTiff(loaded, memory, reading);
   }
   const PictureMetadata metadata = ReadMetadata(bytes);
   loaded.metadata = metadata.kinds;
@@ -87,6 +84,7 @@ void LoadBytes(LoadedFrame& loaded, std::span<const uint8_t> bytes, int threads,
   const bool isJpeg = loaded.type == PictureType::jpeg;
   loaded.photo = isJpeg ? ReadPhotoFacts(bytes) : ReadExifFacts(metadata.exif);
   loaded.warnings = loaded.photo.warnings;
+  if (!reading.withPixels) return;
   CodecReport report;
   Take(loaded, DecodePicture(bytes, &report), report);
 }
@@ -99,56 +97,32 @@ bool HasMetadata(PictureType type) {
 
 /// Bitmap and TIFF files can be huge: their rows are read directly from the stream. A file that is
 /// not a picture is not read at all. A pipe has no size and cannot be rewound.
-void LoadStream(LoadedFrame& loaded, TStream& stream, int threads, const MetafileDrawing& drawing) {
+void LoadStream(LoadedFrame& loaded, TStream& stream, const PictureReading& reading) {
   const bool isFile = stream.Size() > 0;
   if (isFile) loaded.type = SniffPictureType(stream);
-  if (isFile && loaded.type == PictureType::tiff) return LoadTiff(loaded, stream, threads);
+  if (isFile && loaded.type == PictureType::tiff) return LoadTiff(loaded, stream, reading);
   if (isFile && !HasMetadata(loaded.type) && !IsMetafile(loaded.type)) {
     loaded.bytes = stream.Size();
+    if (!reading.withPixels) return;
     CodecReport report;
     return Take(loaded, DecodePicture(stream, &report), report);
   }
-  LoadBytes(loaded, isFile ? stream.ReadToEnd() : ReadUnsizedPicture(stream), threads, drawing);
-}
-
-/// Runs a function that reads the file; adds the file name to errors.
-void Guarded(const std::string& file, const std::function<void()>& reading) {
-  try {
-    reading();
-  } catch (const Error& error) {
-    throw Failure(exitInputUnreadable, file + ": " + error.Reason());
-  } catch (const std::bad_alloc&) {
-    throw Failure(exitInputUnreadable, file + ": out of memory");
-  }
-}
-
-Raster RowsToLookAt(LoadedFrame& loaded) {
-  if (loaded.type != PictureType::tiff) return std::move(loaded.frame.rows);
-  CodecReport report;
-  const std::string noData = loaded.tiff ? loaded.tiff->noData : std::string();
-  Raster rows = VisibleRows(std::move(loaded.frame), noData, report);
-  AddWarnings(loaded, report);
-  return rows;
+  LoadBytes(loaded, isFile ? stream.ReadToEnd() : ReadUnsizedPicture(stream), reading);
 }
 
 }  // namespace
 
-void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads,
-                   const MetafileDrawing& drawing) {
-  Guarded(file, [&] {
-    const InterruptibleInput waiting(file);
-    TFileStream stream(file);
-    LoadStream(frame, stream, threads, drawing);
-  });
+void ReadPicture(LoadedFrame& picture, TStream& stream, const PictureReading& reading) {
+  LoadStream(picture, stream, reading);
 }
 
-LoadedPicture LoadPicture(const std::string& file, int threads, const MetafileDrawing& drawing) {
-  LoadedFrame loaded;
-  LoadFrameInto(loaded, file, threads, drawing);
-  LoadedPicture picture;
-  Guarded(file, [&] { picture.bitmap = std::make_unique<TBitmap>(RowsToLookAt(loaded)); });
-  static_cast<PictureFile&>(picture) = std::move(loaded);
-  return picture;
+Raster TakeVisibleRows(LoadedFrame& picture) {
+  if (picture.type != PictureType::tiff) return std::move(picture.frame.rows);
+  CodecReport report;
+  const std::string noData = picture.tiff ? picture.tiff->noData : std::string();
+  Raster rows = VisibleRows(std::move(picture.frame), noData, report);
+  AddWarnings(picture, report);
+  return rows;
 }
 
-}  // namespace rasterkit::tool
+}  // namespace rasterkit
