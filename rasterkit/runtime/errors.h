@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include <rasterkit/runtime/export.h>
 
@@ -50,10 +51,35 @@ class RASTERKIT_EXPORT UnsupportedError : public Error {
   using Error::Error;
 };
 
-/// A picture needs more memory than the limit allows or the system has.
+/// The limit that was exceeded (see Limits).
+enum class LimitKind {
+  /// A fixed limit of Rasterkit or of a file format, or the system's memory.
+  fixed,
+  pictureBytes,
+  processBytes,
+  pixels,
+  side,
+  seconds
+};
+
+/// A picture needs more memory, pixels or time than a limit allows, or more memory than the system
+/// has.
 class RASTERKIT_EXPORT LimitError : public Error {
  public:
   using Error::Error;
+  /// `reason` states the limit and the need.
+  LimitError(LimitKind kind, std::string reason) : Error(std::move(reason)), kind_(kind) {}
+
+  LimitKind Kind() const noexcept { return kind_; }
+
+ private:
+  LimitKind kind_ = LimitKind::fixed;
+};
+
+/// The time of a call is over (see Limits::seconds).
+class RASTERKIT_EXPORT TimeLimitError : public LimitError {
+ public:
+  explicit TimeLimitError(std::string reason) : LimitError(LimitKind::seconds, std::move(reason)) {}
 };
 
 /// An index is out of range: a row of a bitmap, an entry of a list.

@@ -5,13 +5,13 @@
 
 #include <rasterkit/runtime/export.h>
 
-/// The memory limit per decoded picture, checked before memory is allocated.
+/// The memory limit per decoded picture, checked before memory is allocated. A short form of the
+/// field `pictureBytes` of Limits.
 namespace rasterkit {
 
-/// Returns the limit in bytes for the decoded rows of one picture; 4 GiB by default. Process-wide;
-/// may be called on any thread.
+/// Returns `CurrentLimits().pictureBytes`.
 RASTERKIT_EXPORT uint64_t PictureMemoryLimit();
-/// Sets the limit in bytes for the process. May be called on any thread.
+/// Sets `pictureBytes` of the default limits. May be called on any thread.
 RASTERKIT_EXPORT void SetPictureMemoryLimit(uint64_t bytes);
 
 /// Throws LimitError if `bytes` exceeds the limit; the message names both in bytes. `what` names

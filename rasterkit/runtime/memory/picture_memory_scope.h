@@ -1,23 +1,27 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
-#include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 
-/// Limits the calling thread to `bytes` per picture (see PictureMemoryLimit) during the lifetime of
-/// this object, for background work such as previews. The limit of the process applies as well.
-/// Scopes may be nested.
-class RASTERKIT_EXPORT PictureMemoryScope {
+/// Limits the calling thread to `bytes` per picture (see Limits::pictureBytes) during the lifetime
+/// of this object, for background work such as previews. The limit that the thread has applies as
+/// well. Scopes may be nested.
+class PictureMemoryScope {
  public:
-  explicit PictureMemoryScope(uint64_t bytes);
-  ~PictureMemoryScope();
-  PictureMemoryScope(const PictureMemoryScope&) = delete;
-  PictureMemoryScope& operator=(const PictureMemoryScope&) = delete;
+  explicit PictureMemoryScope(uint64_t bytes) : scope_(WithPictureBytes(bytes)) {}
 
  private:
-  const uint64_t before_;
+  static Limits WithPictureBytes(uint64_t bytes) {
+    Limits limits = CurrentLimits();
+    limits.pictureBytes = std::min(limits.pictureBytes, bytes);
+    return limits;
+  }
+
+  const LimitsScope scope_;
 };
 
 }  // namespace rasterkit

@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/threads/application.h>
 #include <rasterkit/runtime/threads/thread.h>
 
@@ -54,7 +55,10 @@ void TThread::Start() {
   const std::lock_guard lock(state->mutex);
   if (state->started) throw Error("a thread cannot be started twice");
   try {
-    thread_ = std::thread(&TThread::Run, this);
+    thread_ = std::thread([this, call = CurrentCall()] {
+      const LimitsScope limits(call);
+      Run();
+    });
   } catch (const std::system_error& error) {
     throw LimitError(std::string("the system cannot create another thread: ") + error.what());
   }

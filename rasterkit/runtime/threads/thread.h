@@ -44,8 +44,9 @@ RASTERKIT_EXPORT void WaitForThreads(std::span<const ThreadHandle> handles);
 /// A thread with an owner: the thread that created the object and that runs the termination event.
 ///
 /// Derive, do the work in `Execute`, and make objects with `MakeThread`. An exception of `Execute`
-/// ends only this thread and is kept in `FatalException`. All members but `Terminate` and
-/// `Terminated` are for the owner thread.
+/// ends only this thread and is kept in `FatalException`. The thread works under the limits of the
+/// call that started it (see LimitsScope). All members but `Terminate` and `Terminated` are for the
+/// owner thread.
 class RASTERKIT_EXPORT TThread {
  public:
   /// Nothing runs before `Start`; MakeThread calls that unless `createSuspended`.
