@@ -3,31 +3,12 @@
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/decode_picture.h>
+#include <rasterkit/codecs/rows/frame_format.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
 namespace {
-
-WICPixelFormat FrameFormat(const Raster& raster) {
-  switch (raster.Format()) {
-    case pf1bit:
-      return GUID_WICPixelFormat1bppIndexed;
-    case pf4bit:
-      return GUID_WICPixelFormat4bppIndexed;
-    case pf8bit:
-      return GUID_WICPixelFormat8bppIndexed;
-    case pf15bit:
-      return GUID_WICPixelFormat16bppBGR555;
-    case pf16bit:
-      return GUID_WICPixelFormat16bppBGR565;
-    case pf24bit:
-      return GUID_WICPixelFormat24bppBGR;
-    default:
-      return raster.alphaFormat == afDefined ? GUID_WICPixelFormat32bppBGRA
-                                             : GUID_WICPixelFormat32bppBGR;
-  }
-}
 
 ImagingFrame DecodeSized(TStream& stream, const FrameOptions& options, CodecReport* report) {
   const Codec* codec = FindCodec(SniffPictureType(stream));
@@ -35,7 +16,7 @@ ImagingFrame DecodeSized(TStream& stream, const FrameOptions& options, CodecRepo
   if (codec->decodeFrame != nullptr) return codec->decodeFrame(stream, options, report);
   ImagingFrame frame;
   frame.rows = DecodePicture(stream, report);
-  frame.format = FrameFormat(frame.rows);
+  frame.format = detail::FrameFormatOf(frame.rows);
   return frame;
 }
 

@@ -5,6 +5,7 @@
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_picture.h>
 #include <rasterkit/codecs/metadata.h>
+#include <rasterkit/codecs/rows/frame_format.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/pictures/picture_file.h>
@@ -42,9 +43,14 @@ void LoadTiff(LoadedFrame& loaded, TStream& stream, const PictureReading& readin
   AddWarnings(loaded, report);
 }
 
+void SetRows(LoadedFrame& loaded, Raster rows) {
+  loaded.frame.format = detail::FrameFormatOf(rows);
+  loaded.frame.rows = std::move(rows);
+}
+
 /// The other types are pictures, never grids.
 void Take(LoadedFrame& loaded, Raster rows, const CodecReport& report) {
-  loaded.frame.rows = std::move(rows);
+  SetRows(loaded, std::move(rows));
   AddWarnings(loaded, report);
 }
 
@@ -62,7 +68,7 @@ void LoadMetafile(LoadedFrame& loaded, std::span<const uint8_t> bytes,
   loaded.metafile = metafile.Facts();
   loaded.warnings = loaded.metafile->warnings;
   DrawnMetafile drawn = DrawMetafile(metafile, reading.drawing, reading.keepGoing);
-  loaded.frame.rows = std::move(drawn.rows);
+  SetRows(loaded, std::move(drawn.rows));
   for (std::string& warning : drawn.warnings) {
     const auto& known = loaded.warnings;
     if (std::find(known.begin(), known.end(), warning) != known.end()) continue;

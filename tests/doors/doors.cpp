@@ -38,6 +38,7 @@ constexpr Folder kFolders[] = {
     {"rasterkit/codecs/tiff", 11},
     {"rasterkit/codecs/webp", 11},
     {"rasterkit/codecs/bmp", 12},
+    {"rasterkit/codecs/messages", 12},
     {"rasterkit/codecs/ico", 13},
     {"rasterkit/codecs", 13},
     {"rasterkit/drawing/ink", 14},
