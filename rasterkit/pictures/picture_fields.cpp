@@ -76,7 +76,8 @@ MetafileDrawing ReadDrawing(FieldReader& fields) {
 }  // namespace
 
 void WriteReading(FieldWriter& fields, const PictureReading& reading) {
-  const auto& [threads, drawing, withPixels, keepGoing] = reading;
+  // The worker itself reads in its own process.
+  const auto& [threads, drawing, isolation, withPixels, keepGoing] = reading;
   fields.I32(threads);
   WriteDrawing(fields, drawing);
   fields.Bool(withPixels);
@@ -84,7 +85,7 @@ void WriteReading(FieldWriter& fields, const PictureReading& reading) {
 
 PictureReading ReadReading(FieldReader& fields) {
   PictureReading reading;
-  auto& [threads, drawing, withPixels, keepGoing] = reading;
+  auto& [threads, drawing, isolation, withPixels, keepGoing] = reading;
   threads = fields.I32();
   drawing = ReadDrawing(fields);
   withPixels = fields.Bool();

@@ -1,13 +1,17 @@
 #include <algorithm>
+#include <exception>
 #include <span>
 #include <utility>
 
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_picture.h>
+#include <rasterkit/codecs/isolated_input.h>
+#include <rasterkit/codecs/messages/isolated_reading.h>
 #include <rasterkit/codecs/metadata.h>
 #include <rasterkit/codecs/rows/frame_format.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/unsized_picture.h>
+#include <rasterkit/pictures/picture_fields.h>
 #include <rasterkit/pictures/picture_file.h>
 #include <rasterkit/pictures/visible_rows.h>
 #include <rasterkit/runtime/errors.h>
@@ -116,10 +120,43 @@ void LoadStream(LoadedFrame& loaded, TStream& stream, const PictureReading& read
   LoadBytes(loaded, isFile ? stream.ReadToEnd() : ReadUnsizedPicture(stream), reading);
 }
 
+void ReadIsolated(LoadedFrame& picture, detail::SystemFile file, const PictureReading& reading) {
+  detail::FieldWriter task;
+  detail::WriteReading(task, reading);
+  std::exception_ptr error;
+  LoadedFrame read;
+  const auto place = [&](detail::FieldReader& fields, uint64_t bytes) -> std::span<uint8_t> {
+    error = detail::ReadOutcome(fields);
+    const detail::FrameHead head = detail::ReadPictureHead(fields, read);
+    fields.RequireEnd();
+    read.frame = detail::NewFrame(head, bytes);
+    return detail::RowsOf(read.frame.rows);
+  };
+  detail::ReadInWorker(detail::WorkerTask::picture, task.Written(), std::move(file),
+                       reading.keepGoing, place);
+  read.frame.rows.ClearPadding();
+  picture = std::move(read);
+  if (error) std::rethrow_exception(error);
+}
+
 }  // namespace
 
 void ReadPicture(LoadedFrame& picture, TStream& stream, const PictureReading& reading) {
-  LoadStream(picture, stream, reading);
+  if (reading.isolation == Isolation::none) return LoadStream(picture, stream, reading);
+  ReadIsolated(picture, detail::CopyForWorker(stream), reading);
+}
+
+void ReadPicture(LoadedFrame& picture, const std::string& fileName, const PictureReading& reading) {
+  try {
+    if (reading.isolation == Isolation::process) {
+      return ReadIsolated(picture, detail::OpenForWorker(fileName), reading);
+    }
+    TFileStream stream(fileName);
+    LoadStream(picture, stream, reading);
+  } catch (Error& error) {
+    error.AttachFile(fileName);
+    throw;
+  }
 }
 
 Raster TakeVisibleRows(LoadedFrame& picture) {

@@ -14,6 +14,7 @@
 #include <rasterkit/pictures/photo_facts.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/stream.h>
+#include <rasterkit/runtime/isolation.h>
 
 namespace rasterkit {
 
@@ -52,17 +53,26 @@ struct PictureReading {
   int threads = 1;
   /// How a metafile is drawn.
   MetafileDrawing drawing;
+  /// Where the file is read.
+  Isolation isolation = Isolation::none;
   /// False: only the facts are read, and a metafile is not looked into.
   bool withPixels = true;
-  /// Called now and then while a metafile is drawn; false ends the drawing. May throw.
+  /// Called now and then while a metafile is drawn, and while a worker process reads. False ends
+  /// the drawing, which stays incomplete; with a worker an Error is thrown. May throw.
   std::function<bool()> keepGoing;
 };
 
 /// Reads the first picture of a file; the type is detected from the content. The stream is at the
-/// start of the file; a pipe or a device has the size 0. Facts that were read before a failure
+/// start of the file; a pipe or a device has the size 0. A worker process gets a copy of the bytes;
+/// if it ends early, `picture` stays as it was. Facts that were read before a failure
 /// (type, file size, photograph, directories) stay in `picture`. Throws FileError, FormatError,
 /// UnsupportedError or LimitError with the text of the codec.
 RASTERKIT_EXPORT void ReadPicture(LoadedFrame& picture, TStream& stream,
+                                  const PictureReading& reading = {});
+
+/// Reads the first picture of a file. A worker process reads the open file itself, without a copy.
+/// Throws as above, and FileError if the file cannot be opened; every error names the file.
+RASTERKIT_EXPORT void ReadPicture(LoadedFrame& picture, const std::string& fileName,
                                   const PictureReading& reading = {});
 
 /// Converts the rows to a picture for viewing: numbers of a grid become grays (see VisibleRows),

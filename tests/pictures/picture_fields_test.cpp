@@ -192,13 +192,14 @@ TEST(PictureFields, Picture_Should_BeRefused_WhenImpossible) {
 TEST(PictureFields, Reading_Should_ComeBack) {
   PictureReading reading;
   {
-    auto& [threads, drawing, withPixels, keepGoing] = reading;
+    auto& [threads, drawing, isolation, withPixels, keepGoing] = reading;
     auto& [dpi, size, background, isForFacts] = drawing;
     threads = 7;
     dpi = 72.5;
     size = {800, 600};
     background = RGB(1, 2, 3);
     isForFacts = true;
+    isolation = Isolation::process;
     withPixels = false;
   }
   FieldWriter fields;
@@ -213,6 +214,7 @@ TEST(PictureFields, Reading_Should_ComeBack) {
   EXPECT_EQ(back.drawing.background, RGB(1, 2, 3));
   EXPECT_TRUE(back.drawing.isForFacts);
   EXPECT_FALSE(back.withPixels);
+  EXPECT_EQ(back.isolation, Isolation::none) << "a worker starts no worker";
 }
 
 }  // namespace

@@ -10,7 +10,6 @@
 #include <rasterkit/codecs/rows/metadata_kind.h>
 #include <rasterkit/pictures/picture_file.h>
 #include <rasterkit/runtime/errors.h>
-#include <rasterkit/runtime/files/stream.h>
 
 #include "tool/pictures/placement/map_placement.h"
 
@@ -18,12 +17,12 @@ namespace rasterkit::tool {
 namespace {
 
 /// Throws Error if the file cannot be read.
-std::vector<std::string> ExtrasOf(const std::string& file) {
+std::vector<std::string> ExtrasOf(const std::string& file, Isolation isolation) {
   PictureReading reading;
   reading.withPixels = false;
+  reading.isolation = isolation;
   LoadedFrame picture;
-  TFileStream stream(file);
-  ReadPicture(picture, stream, reading);
+  ReadPicture(picture, file, reading);
   if (picture.type == PictureType::tiff && !picture.tiff) return {};
   std::vector<std::string> names = MetadataKindNames(picture.metadata);
   if (picture.photo.gps) names.emplace_back(MetadataKindName(MetadataKind::gps));
@@ -35,9 +34,9 @@ std::vector<std::string> ExtrasOf(const std::string& file) {
 
 }  // namespace
 
-std::vector<std::string> PictureExtras(const std::string& file) {
+std::vector<std::string> PictureExtras(const std::string& file, Isolation isolation) {
   try {
-    return ExtrasOf(file);
+    return ExtrasOf(file, isolation);
   } catch (const Error&) {
     return {};
   } catch (const std::bad_alloc&) {
@@ -45,8 +44,9 @@ std::vector<std::string> PictureExtras(const std::string& file) {
   }
 }
 
-void SayWhatIsLost(const std::vector<std::string>& before, const std::string& output) {
-  const std::vector<std::string> after = PictureExtras(output);
+void SayWhatIsLost(const std::vector<std::string>& before, const std::string& output,
+                   Isolation isolation) {
+  const std::vector<std::string> after = PictureExtras(output, isolation);
   std::vector<std::string> lost;
   std::copy_if(before.begin(), before.end(), std::back_inserter(lost), [&](const auto& name) {
     return std::find(after.begin(), after.end(), name) == after.end();

@@ -7,6 +7,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/isolation_option.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -35,10 +36,10 @@ void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads,
   reading.threads = threads;
   reading.drawing = drawing;
   reading.keepGoing = ContinueUnlessInterrupted;
+  reading.isolation = ReadingIsolation();
   Guarded(file, [&] {
     const InterruptibleInput waiting(file);
-    TFileStream stream(file);
-    ReadPicture(frame, stream, reading);
+    ReadPicture(frame, file, reading);
   });
 }
 

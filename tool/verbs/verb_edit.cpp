@@ -12,6 +12,7 @@
 #include "tool/command/command_line.h"
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
+#include "tool/command/isolation_option.h"
 #include "tool/pages/pdf_file.h"
 #include "tool/pictures/picture_extras.h"
 #include "tool/verbs/verbs.h"

@@ -9,6 +9,7 @@
 
 #include "tool/command/command_line.h"
 #include "tool/command/interruption.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/shared_options.h"
 #include "tool/command/size_option.h"
 #include "tool/pictures/alpha_channel.h"
@@ -104,6 +105,7 @@ VerbRunner AddIconVerb(CommandLine& line) {
             "use only the left half: the first picture of a button strip");
   verb.Flag("--solid", options->solid, "make no color transparent");
   AddOutputOptions(verb, options->output);
+  AddIsolate(verb);
   return [options] { return Run(*options); };
 }
 

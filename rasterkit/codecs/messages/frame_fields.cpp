@@ -27,10 +27,10 @@ FrameHead ReadFrameHead(FieldReader& fields) {
   return head;
 }
 
-ImagingFrame BuildFrame(const FrameHead& head, std::span<const uint8_t> rows) {
+ImagingFrame NewFrame(const FrameHead& head, uint64_t rowsBytes) {
   ImagingFrame frame;
   frame.format = head.format;
-  frame.rows = BuildRaster(head.rows, rows);
+  frame.rows = NewRaster(head.rows, rowsBytes);
   frame.isConverted = head.isConverted;
   return frame;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <span>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -23,8 +23,8 @@ RASTERKIT_EXPORT void WriteFrame(FieldWriter& fields, const ImagingFrame& frame)
 /// Throws FormatError as ReadRasterHead does, and if the rows have another number of bits per pixel
 /// than the format of the frame.
 RASTERKIT_EXPORT FrameHead ReadFrameHead(FieldReader& fields);
-/// Builds the frame; see BuildRaster.
-RASTERKIT_EXPORT ImagingFrame BuildFrame(const FrameHead& head, std::span<const uint8_t> rows);
+/// Returns a frame whose rows are to be filled; see NewRaster.
+RASTERKIT_EXPORT ImagingFrame NewFrame(const FrameHead& head, uint64_t rowsBytes);
 
 /// Warnings, which may have invalid UTF-8 from a file.
 RASTERKIT_EXPORT void WriteWarnings(FieldWriter& fields, const std::vector<std::string>& warnings);

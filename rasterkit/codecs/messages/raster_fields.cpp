@@ -1,8 +1,10 @@
-#include <cstring>
 #include <limits>
 #include <string>
 
+#include <fmt/core.h>
+
 #include <rasterkit/codecs/messages/raster_fields.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit::detail {
@@ -81,22 +83,24 @@ RasterHead ReadRasterHead(FieldReader& fields) {
   return head;
 }
 
-std::span<const uint8_t> RowsOf(const Raster& raster) {
+std::span<uint8_t> RowsOf(Raster& raster) {
   const size_t bytes = raster.Stride() * static_cast<size_t>(raster.Height());
   if (bytes == 0) return {};
   return {raster.Row(0), bytes};
 }
 
-Raster BuildRaster(const RasterHead& head, std::span<const uint8_t> rows) {
+std::span<const uint8_t> RowsOf(const Raster& raster) {
+  return RowsOf(const_cast<Raster&>(raster));
+}
+
+Raster NewRaster(const RasterHead& head, uint64_t rowsBytes) {
   const uint64_t bytes = head.RowsBytes();
-  if (rows.size() != bytes) ThrowBadMessage("the rows do not fit the size of the raster");
-  RequirePictureMemory(bytes, "picture of " + std::to_string(head.width) + " x " +
-                                  std::to_string(head.height) + " pixels");
+  if (rowsBytes != bytes) ThrowBadMessage("the rows do not fit the size of the raster");
+  const std::string what = fmt::format("picture of {} x {} pixels", head.width, head.height);
+  RequirePictureSize(static_cast<uint64_t>(head.width), static_cast<uint64_t>(head.height), what);
+  RequirePictureMemory(bytes, what);
   Raster raster(head.format, head.width, head.height);
   raster.Properties() = head.properties;
-  if (bytes == 0) return raster;
-  std::memcpy(raster.Row(0), rows.data(), rows.size());
-  raster.ClearPadding();
   return raster;
 }
 

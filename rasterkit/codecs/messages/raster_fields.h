@@ -29,9 +29,11 @@ RASTERKIT_EXPORT RasterHead ReadRasterHead(FieldReader& fields);
 
 /// All rows of a raster, one after another; empty for a raster without pixels.
 RASTERKIT_EXPORT std::span<const uint8_t> RowsOf(const Raster& raster);
-/// Builds the raster. `rows` are copied, except their padding, which becomes zero. Throws
-/// FormatError if there are more or fewer than `head.RowsBytes()` bytes, LimitError if the rows
+RASTERKIT_EXPORT std::span<uint8_t> RowsOf(Raster& raster);
+
+/// Returns a raster whose rows, `rowsBytes` bytes, are to be filled; then its padding must be
+/// cleared. Throws FormatError if the raster needs another number of bytes, LimitError if they
 /// exceed the limits of the calling thread.
-RASTERKIT_EXPORT Raster BuildRaster(const RasterHead& head, std::span<const uint8_t> rows);
+RASTERKIT_EXPORT Raster NewRaster(const RasterHead& head, uint64_t rowsBytes);
 
 }  // namespace rasterkit::detail

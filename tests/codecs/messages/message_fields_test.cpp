@@ -45,6 +45,13 @@ void ExpectSame(const Raster& expected, const Raster& actual) {
   EXPECT_TRUE(std::equal(rows.begin(), rows.end(), rows2.begin(), rows2.end()));
 }
 
+Raster BuildRaster(const RasterHead& head, std::span<const uint8_t> rows) {
+  Raster raster = NewRaster(head, rows.size());
+  std::copy(rows.begin(), rows.end(), RowsOf(raster).begin());
+  raster.ClearPadding();
+  return raster;
+}
+
 Raster ThroughMessage(const Raster& raster) {
   FieldWriter fields;
   WriteRaster(fields, raster);
@@ -152,8 +159,10 @@ TEST(MessageFields, Frame_Should_ComeBack) {
   FieldWriter fields;
   WriteFrame(fields, frame);
   FieldReader reader(fields.Written());
-  const ImagingFrame back = BuildFrame(ReadFrameHead(reader), RowsOf(frame.rows));
+  const FrameHead head = ReadFrameHead(reader);
   reader.RequireEnd();
+  ImagingFrame back = NewFrame(head, RowsOf(rows).size());
+  back.rows = BuildRaster(head.rows, RowsOf(std::as_const(rows)));
   EXPECT_EQ(back.format, format);
   EXPECT_EQ(back.isConverted, isConverted);
   ExpectSame(rows, back.rows);

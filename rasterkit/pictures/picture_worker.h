@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/worker/worker_message.h>
+
+namespace rasterkit::detail {
+
+/// The worker's side of reading pictures: answers the requests of isolated_reading.h about one
+/// file.
+class RASTERKIT_EXPORT PictureWorker {
+ public:
+  PictureWorker();
+  ~PictureWorker();
+  PictureWorker(const PictureWorker&) = delete;
+  PictureWorker& operator=(const PictureWorker&) = delete;
+
+  /// Returns the answer. An error of reading the file is part of it. Throws FormatError for an
+  /// invalid request.
+  WorkerMessage Answer(WorkerMessage request);
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace rasterkit::detail
