@@ -31,7 +31,8 @@ std::string TextOf(std::span<const uint8_t> bytes) {
 }  // namespace
 
 void ThrowBadMessage(std::string_view what) {
-  throw FormatError("the process that reads the file sent an invalid message: " + std::string(what));
+  throw FormatError("the process that reads the file sent an invalid message: " +
+                    std::string(what));
 }
 
 void FieldWriter::Number(uint64_t value, size_t size) {

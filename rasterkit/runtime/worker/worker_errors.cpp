@@ -86,6 +86,7 @@ void ThrowWorkerError(const WorkerError& error) {
     case WorkerErrorClass::format:
       throw FormatError(error.reason);
     case WorkerErrorClass::unsupported:
+    case WorkerErrorClass::component:
       throw UnsupportedError(error.reason);
     case WorkerErrorClass::limit:
     case WorkerErrorClass::outOfMemory:

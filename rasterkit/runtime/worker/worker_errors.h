@@ -21,6 +21,8 @@ enum class WorkerErrorClass {
   divisionByZero,
   badAlloc,
   pdfPassword,
+  /// The part that reads such files is not installed.
+  component,
   /// The memory of the worker is used up, and what read the file cannot go on.
   outOfMemory,
 };

@@ -38,7 +38,7 @@ std::vector<fs::path> Places() {
 
 }  // namespace
 
-std::string WorkerProgram() {
+std::string WorkerProgram(const std::string& absent) {
   {
     const std::lock_guard lock(mutex);
     if (!chosenByTest.empty()) return chosenByTest;
@@ -48,8 +48,7 @@ std::string WorkerProgram() {
   for (const fs::path& place : places) {
     if (place.is_absolute() && fs::exists(place, ignored)) return place.string();
   }
-  throw UnsupportedError("the program that reads untrusted files is not installed: there is no " +
-                         places.front().string());
+  throw UnsupportedError(absent + ": there is no " + places.front().string());
 }
 
 void SetWorkerProgram(const std::string& file) {

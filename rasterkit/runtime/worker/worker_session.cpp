@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <csignal>
 #include <optional>
 #include <utility>
@@ -47,7 +48,8 @@ bool WaitReadable(int handle, int milliseconds) {
 }  // namespace
 
 struct WorkerSession::State : WorkerHolder {
-  State(WorkerReader reader, std::string what) : reader(reader), what(std::move(what)) {}
+  State(WorkerReader reader, std::string what, ErrorHook onError)
+      : reader(reader), what(std::move(what)), onError(std::move(onError)) {}
 
   void GiveUpWorker() override { End(); }
   ProcessEnd End() {
@@ -57,6 +59,7 @@ struct WorkerSession::State : WorkerHolder {
     return end;
   }
   [[noreturn]] void ThrowEnded();
+  [[noreturn]] void Throw(const WorkerError& error);
   /// Returns the next message of the worker.
   WorkerMessage Wait(const WorkerTurn::KeepGoing& keepGoing);
   WorkerMessage ReceiveOne();
@@ -65,6 +68,7 @@ struct WorkerSession::State : WorkerHolder {
 
   const WorkerReader reader;
   const std::string what;
+  const ErrorHook onError;
   std::optional<WorkerProcess> process;
   WorkerSetup setup;
   /// Nothing until the first message arrived.
@@ -92,6 +96,20 @@ void WorkerSession::State::ThrowEnded() {
   throw FormatError(what + ": the file is damaged: the process that reads it ended early");
 }
 
+/// Throws the error that the worker reported.
+void WorkerSession::State::Throw(const WorkerError& error) {
+  if (error.errorClass == WorkerErrorClass::outOfMemory) {
+    End();
+    const bool isPicture = setup.limits.pictureBytes <= setup.limits.processBytes;
+    throw LimitError(
+        isPicture ? LimitKind::pictureBytes : LimitKind::processBytes,
+        fmt::format("{}: reading the file takes more memory than the limit of {} MiB", what,
+                    std::min(setup.limits.pictureBytes, setup.limits.processBytes) >> 20));
+  }
+  if (onError) onError(error);
+  ThrowWorkerError(error);
+}
+
 WorkerMessage WorkerSession::State::ReceiveOne() {
   std::optional<WorkerMessage> message = process->Channel().Receive();
   if (!message) ThrowEnded();
@@ -115,13 +133,13 @@ void WorkerSession::State::GetReady(const WorkerTurn::KeepGoing& keepGoing) {
   if (first.kind == kWorkerFailed) {
     const WorkerError error = ReadFailed(first);
     End();
-    ThrowWorkerError(error);
+    Throw(error);
   }
   protection = ReadReady(first);
 }
 
-WorkerSession::WorkerSession(WorkerReader reader, std::string what)
-    : state_(std::make_unique<State>(reader, std::move(what))) {}
+WorkerSession::WorkerSession(WorkerReader reader, std::string what, ErrorHook onError)
+    : state_(std::make_unique<State>(reader, std::move(what), std::move(onError))) {}
 
 WorkerSession::~WorkerSession() {
   WorkerSlots::Instance().Leave(*state_);
@@ -193,8 +211,7 @@ WorkerMessage WorkerTurn::Ask(const WorkerMessage& request, uint16_t answer, siz
     own.End();
     throw;
   }
-  if (reported->errorClass == WorkerErrorClass::outOfMemory) own.End();
-  ThrowWorkerError(*reported);
+  own.Throw(*reported);
 }
 
 WorkerProtection WorkerTurn::Protection() {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/worker/worker_errors.h>
 #include <rasterkit/runtime/worker/worker_message.h>
 #include <rasterkit/runtime/worker/worker_setup.h>
 
@@ -22,8 +23,11 @@ struct WorkerCanceled {};
 /// May be used by one thread at a time.
 class RASTERKIT_EXPORT WorkerSession {
  public:
+  /// Called with each error that the worker reports; may throw one of its own.
+  using ErrorHook = std::function<void(const WorkerError& error)>;
+
   /// `what` begins the messages of errors: "PDF".
-  explicit WorkerSession(WorkerReader reader, std::string what);
+  WorkerSession(WorkerReader reader, std::string what, ErrorHook onError = {});
   /// Ends the process.
   ~WorkerSession();
   WorkerSession(const WorkerSession&) = delete;
@@ -31,7 +35,6 @@ class RASTERKIT_EXPORT WorkerSession {
 
  private:
   friend class WorkerTurn;
-  friend class WorkerSlots;
   struct State;
   std::unique_ptr<State> state_;
 };

@@ -1,0 +1,17 @@
+#include "worker/answers.h"
+
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/dynamic_library.h>
+
+namespace rasterkit::worker {
+
+detail::WorkerAnswers& AnswersFor(detail::WorkerReader reader) {
+  if (reader == detail::WorkerReader::pdf) {
+    static const DynamicLibrary library("rasterkit-pdf", 0,
+                                        "the component for PDF files is not installed");
+    return *library.Entry<detail::WorkerAnswers*()>("RasterkitPdfAnswers")();
+  }
+  throw UnsupportedError("this program reads no pictures");
+}
+
+}  // namespace rasterkit::worker
