@@ -3,22 +3,22 @@
 #include <memory>
 
 #include <rasterkit/runtime/export.h>
-#include <rasterkit/runtime/worker/worker_message.h>
+#include <rasterkit/runtime/worker/worker_answers.h>
 
 namespace rasterkit::detail {
 
 /// The worker's side of reading pictures: answers the requests of isolated_reading.h about one
 /// file.
-class RASTERKIT_EXPORT PictureWorker {
+class RASTERKIT_EXPORT PictureWorker : public WorkerAnswers {
  public:
   PictureWorker();
-  ~PictureWorker();
+  ~PictureWorker() override;
   PictureWorker(const PictureWorker&) = delete;
   PictureWorker& operator=(const PictureWorker&) = delete;
 
   /// Returns the answer. An error of reading the file is part of it. Throws FormatError for an
   /// invalid request.
-  WorkerMessage Answer(WorkerMessage request);
+  WorkerMessage Answer(WorkerMessage request) override;
 
  private:
   struct State;
