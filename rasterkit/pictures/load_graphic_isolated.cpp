@@ -62,10 +62,10 @@ std::unique_ptr<TGraphic> IntoClass(TBitmap&& bitmap, int graphicType) {
 /// The class of the extension can read the file.
 std::unique_ptr<TGraphic> OfOwnClass(LoadedFrame& picture, int graphicType) {
   auto graphic = IntoClass(TBitmap(std::move(picture.frame.rows)), graphicType);
+  graphic->SetModified(false);
   if (graphicType == gtJpg && picture.photo.rotation.value_or(0) != 0) {
     RotateGraphic(static_cast<float>(*picture.photo.rotation), graphic, clBlack);
   }
-  graphic->SetModified(false);
   return graphic;
 }
 
