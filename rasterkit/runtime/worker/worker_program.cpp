@@ -32,6 +32,10 @@ fs::path FolderOfLibrary() {
 
 /// Where the program may be: the place after installation, then that in a build tree.
 std::vector<fs::path> Places() {
+  {
+    const std::lock_guard lock(mutex);
+    if (!chosenByTest.empty()) return {chosenByTest};
+  }
   const fs::path folder = FolderOfLibrary();
   return {(folder / RASTERKIT_WORKER_FROM_LIBRARY).lexically_normal(), folder / "rasterkit-worker"};
 }
@@ -39,10 +43,6 @@ std::vector<fs::path> Places() {
 }  // namespace
 
 std::string WorkerProgram(const std::string& absent) {
-  {
-    const std::lock_guard lock(mutex);
-    if (!chosenByTest.empty()) return chosenByTest;
-  }
   const std::vector<fs::path> places = Places();
   std::error_code ignored;
   for (const fs::path& place : places) {
