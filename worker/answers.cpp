@@ -11,7 +11,7 @@ detail::WorkerAnswers& AnswersFor(detail::WorkerReader reader) {
                                         "the component for PDF files is not installed");
     return *library.Entry<detail::WorkerAnswers*()>("RasterkitPdfAnswers")();
   }
-  static detail::PictureWorker pictures;
+  static detail::PictureWorker pictures(reader);
   return pictures;
 }
 

@@ -48,7 +48,8 @@ ImagingFrame DecodeIsolated(detail::SystemFile file, int threads, CodecReport* r
     frame = detail::NewFrame(head, bytes);
     return detail::RowsOf(frame.rows);
   };
-  detail::ReadInWorker(detail::WorkerTask::frame, task.Written(), std::move(file), {}, place);
+  detail::ReadInWorker(detail::WorkerReader::pictures, detail::WorkerTask::frame, task.Written(),
+                       std::move(file), {}, place);
   if (error) std::rethrow_exception(error);
   frame.rows.ClearPadding();
   return frame;

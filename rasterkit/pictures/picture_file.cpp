@@ -15,6 +15,7 @@
 #include <rasterkit/pictures/picture_file.h>
 #include <rasterkit/pictures/visible_rows.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/worker/worker_input.h>
 
 namespace rasterkit {
 namespace {
@@ -120,9 +121,17 @@ void LoadStream(LoadedFrame& loaded, TStream& stream, const PictureReading& read
   LoadBytes(loaded, isFile ? stream.ReadToEnd() : ReadUnsizedPicture(stream), reading);
 }
 
+/// The first bytes are compared here; everything else is left to the worker.
+detail::WorkerReader ReaderOf(const detail::SystemFile& file) {
+  const auto stream = detail::WorkerInputStream(detail::SameFile(file));
+  return IsMetafile(SniffPictureType(*stream)) ? detail::WorkerReader::metafiles
+                                               : detail::WorkerReader::pictures;
+}
+
 void ReadIsolated(LoadedFrame& picture, detail::SystemFile file, const PictureReading& reading) {
   detail::FieldWriter task;
   detail::WriteReading(task, reading);
+  const detail::WorkerReader reader = ReaderOf(file);
   std::exception_ptr error;
   LoadedFrame read;
   const auto place = [&](detail::FieldReader& fields, uint64_t bytes) -> std::span<uint8_t> {
@@ -132,7 +141,7 @@ void ReadIsolated(LoadedFrame& picture, detail::SystemFile file, const PictureRe
     read.frame = detail::NewFrame(head, bytes);
     return detail::RowsOf(read.frame.rows);
   };
-  detail::ReadInWorker(detail::WorkerTask::picture, task.Written(), std::move(file),
+  detail::ReadInWorker(reader, detail::WorkerTask::picture, task.Written(), std::move(file),
                        reading.keepGoing, place);
   read.frame.rows.ClearPadding();
   picture = std::move(read);

@@ -5,6 +5,7 @@
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/messages/frame_fields.h>
 #include <rasterkit/codecs/messages/isolated_reading.h>
+#include <rasterkit/metafiles/records/ansi_text.h>
 #include <rasterkit/pictures/picture_fields.h>
 #include <rasterkit/pictures/picture_worker.h>
 #include <rasterkit/runtime/worker/worker_input.h>
@@ -33,6 +34,7 @@ std::exception_ptr ErrorOf(Reading reading) {
 }  // namespace
 
 struct PictureWorker::State {
+  WorkerReader reader = WorkerReader::pictures;
   std::vector<uint8_t> fields;
   /// The rows that the content is.
   Raster rows;
@@ -105,8 +107,14 @@ WorkerMessage PictureWorker::State::More(const WorkerMessage& request) const {
   return answer;
 }
 
-PictureWorker::PictureWorker() : state_(std::make_unique<State>()) {}
+PictureWorker::PictureWorker(WorkerReader reader) : state_(std::make_unique<State>()) {
+  state_->reader = reader;
+}
 PictureWorker::~PictureWorker() = default;
+
+void PictureWorker::Prepare() {
+  if (state_->reader == WorkerReader::metafiles) LoadAnsiTables();
+}
 
 WorkerMessage PictureWorker::Answer(WorkerMessage request) {
   if (request.kind == kReadPicture) return state_->Read(request);

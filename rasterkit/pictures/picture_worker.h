@@ -4,6 +4,7 @@
 
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/worker/worker_answers.h>
+#include <rasterkit/runtime/worker/worker_setup.h>
 
 namespace rasterkit::detail {
 
@@ -11,11 +12,14 @@ namespace rasterkit::detail {
 /// file.
 class RASTERKIT_EXPORT PictureWorker : public WorkerAnswers {
  public:
-  PictureWorker();
+  /// `reader` is `pictures` or `metafiles`.
+  explicit PictureWorker(WorkerReader reader);
   ~PictureWorker() override;
   PictureWorker(const PictureWorker&) = delete;
   PictureWorker& operator=(const PictureWorker&) = delete;
 
+  /// Loads the tables of old charsets for metafiles.
+  void Prepare() override;
   /// Returns the answer. An error of reading the file is part of it. Throws FormatError for an
   /// invalid request.
   WorkerMessage Answer(WorkerMessage request) override;

@@ -78,15 +78,16 @@ WorkerMessage ReadRequest(WorkerTask task, std::span<const uint8_t> fields, Syst
 
 }  // namespace
 
-void ReadInWorker(WorkerTask task, std::span<const uint8_t> fields, SystemFile file,
-                  const std::function<bool()>& keepGoing, const ContentPlace& place) {
-  WorkerSession session(WorkerReader::pictures, "picture");
+void ReadInWorker(WorkerReader reader, WorkerTask task, std::span<const uint8_t> fields,
+                  SystemFile file, const std::function<bool()>& keepGoing,
+                  const ContentPlace& place) {
+  WorkerSession session(reader, "picture");
   try {
     WorkerTurn turn(session, keepGoing);
     AnswerReader answer(turn, ReadRequest(task, fields, std::move(file)));
     const std::vector<uint8_t> facts = answer.Fields();
-    FieldReader reader(facts);
-    const std::span<uint8_t> target = place(reader, answer.ContentBytes());
+    FieldReader fieldReader(facts);
+    const std::span<uint8_t> target = place(fieldReader, answer.ContentBytes());
     if (target.size() != answer.ContentBytes()) ThrowBadMessage("the content has another size");
     answer.Content(target);
   } catch (const WorkerCanceled&) {

@@ -10,6 +10,7 @@
 #include <rasterkit/runtime/files/system_file.h>
 #include <rasterkit/runtime/worker/fields.h>
 #include <rasterkit/runtime/worker/worker_message.h>
+#include <rasterkit/runtime/worker/worker_setup.h>
 
 /// The host's side of reading in a worker process, and the messages of both sides.
 ///
@@ -43,12 +44,14 @@ enum class WorkerTask {
 /// exactly as large. Throws FormatError if the fields do not fit it.
 using ContentPlace = std::function<std::span<uint8_t>(FieldReader& fields, uint64_t contentBytes)>;
 
-/// Lets a worker process read a file. `keepGoing`, if set, is called about every 10 ms on the
+/// Lets a worker process read a file. `reader` is `metafiles` for a metafile, whose texts need more
+/// preparation, else `pictures`. `keepGoing`, if set, is called about every 10 ms on the
 /// calling thread while the worker works; if it returns false, the worker is ended and an Error is
 /// thrown. Throws FormatError if the worker crashed or answered nonsense, LimitError if it exceeded
 /// a limit of the calling thread, UnsupportedError if its program is missing.
-RASTERKIT_EXPORT void ReadInWorker(WorkerTask task, std::span<const uint8_t> fields,
-                                   SystemFile file, const std::function<bool()>& keepGoing,
+RASTERKIT_EXPORT void ReadInWorker(WorkerReader reader, WorkerTask task,
+                                   std::span<const uint8_t> fields, SystemFile file,
+                                   const std::function<bool()>& keepGoing,
                                    const ContentPlace& place);
 
 /// Writes whether there is an error, and the error.
