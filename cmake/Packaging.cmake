@@ -3,7 +3,7 @@
 # headers of the dialogs need Qt.
 include(CMakePackageConfigHelpers)
 
-set(umbrellas bitmaptools graphics jpegexif raster rasterkit runtime startup strings tifftobmp)
+set(umbrellas bitmaptools graphics jpegexif pictures raster rasterkit runtime startup strings tifftobmp)
 if(RASTERKIT_DIALOGS)
   list(APPEND umbrellas dialogs qt)
 endif()

@@ -1,6 +1,6 @@
 #include "worker/answers.h"
 
-#include <rasterkit/runtime/errors.h>
+#include <rasterkit/pictures/picture_worker.h>
 #include <rasterkit/runtime/files/dynamic_library.h>
 
 namespace rasterkit::worker {
@@ -11,7 +11,8 @@ detail::WorkerAnswers& AnswersFor(detail::WorkerReader reader) {
                                         "the component for PDF files is not installed");
     return *library.Entry<detail::WorkerAnswers*()>("RasterkitPdfAnswers")();
   }
-  throw UnsupportedError("this program reads no pictures");
+  static detail::PictureWorker pictures(reader);
+  return pictures;
 }
 
 }  // namespace rasterkit::worker

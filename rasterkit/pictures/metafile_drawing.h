@@ -1,14 +1,14 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include <rasterkit/graphics/metafile.h>
+#include <rasterkit/pictures/picture_size.h>
 #include <rasterkit/raster/raster.h>
 
-#include "tool/pictures/picture_size.h"
-
-namespace rasterkit::tool {
+namespace rasterkit {
 
 /// Options for drawing a metafile.
 struct MetafileDrawing {
@@ -32,7 +32,10 @@ struct DrawnMetafile {
 
 /// Draws a loaded metafile. Throws UnsupportedError if it cannot be drawn, LimitError if the
 /// picture memory budget is exceeded, or if the file itself states more than 268 million pixels:
-/// such a header is more likely damaged than meant.
-DrawnMetafile DrawMetafile(const TMetafile& metafile, const MetafileDrawing& drawing);
+/// such a header is more likely damaged than meant. `keepGoing`, if set, is called between records;
+/// see TMetafile::Draw.
+RASTERKIT_EXPORT DrawnMetafile DrawMetafile(const TMetafile& metafile,
+                                            const MetafileDrawing& drawing,
+                                            const std::function<bool()>& keepGoing = {});
 
-}  // namespace rasterkit::tool
+}  // namespace rasterkit

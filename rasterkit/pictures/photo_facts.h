@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
-namespace rasterkit::tool {
+#include <rasterkit/runtime/export.h>
+
+namespace rasterkit {
 
 struct GpsPosition {
   /// Degrees; north and east are positive.
@@ -28,9 +30,9 @@ struct PhotoFacts {
 
 /// Reads the facts of a whole JPEG file. Finds orientation and position in any segment, even where
 /// the photo query does not look.
-PhotoFacts ReadPhotoFacts(std::span<const uint8_t> jpeg);
+RASTERKIT_EXPORT PhotoFacts ReadPhotoFacts(std::span<const uint8_t> jpeg);
 
 /// Reads the facts of an EXIF block (see PictureMetadata::exif). There is no photo query for it.
-PhotoFacts ReadExifFacts(std::span<const uint8_t> exif);
+RASTERKIT_EXPORT PhotoFacts ReadExifFacts(std::span<const uint8_t> exif);
 
-}  // namespace rasterkit::tool
+}  // namespace rasterkit

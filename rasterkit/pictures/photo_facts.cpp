@@ -1,15 +1,14 @@
-#include "tool/reports/photo_facts.h"
-
 #include <algorithm>
 #include <array>
 
 #include <rasterkit/codecs/metadata.h>
 #include <rasterkit/jpegexif/image_data.h>
 #include <rasterkit/jpegexif/raw_orientation.h>
+#include <rasterkit/pictures/photo_facts.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
 
-namespace rasterkit::tool {
+namespace rasterkit {
 namespace {
 
 /// Largest EXIF block of a segment: its length field and "Exif" 0 0 need the rest.
@@ -126,4 +125,4 @@ PhotoFacts ReadExifFacts(std::span<const uint8_t> exif) {
   return facts;
 }
 
-}  // namespace rasterkit::tool
+}  // namespace rasterkit

@@ -3,11 +3,13 @@
 #include <optional>
 #include <string>
 
-namespace rasterkit::tool {
+#include <rasterkit/runtime/export.h>
+
+namespace rasterkit {
 
 /// A size as typed: "800x600", or one side alone ("800x", "x600"). A side of 0 follows from the
 /// proportions.
-struct PictureSize {
+struct RASTERKIT_EXPORT PictureSize {
   int width = 0, height = 0;
 
   /// Returns both sides for a picture of width x height, each at least 1.
@@ -18,9 +20,6 @@ struct PictureSize {
 };
 
 /// Parses a size with sides of 1 to 1,000,000; nothing for any other text.
-std::optional<PictureSize> ParseSize(const std::string& text);
+RASTERKIT_EXPORT std::optional<PictureSize> ParseSize(const std::string& text);
 
-/// Check of options that are sizes. Says what is wrong, or returns an empty string.
-std::string CheckSize(const std::string& text);
-
-}  // namespace rasterkit::tool
+}  // namespace rasterkit

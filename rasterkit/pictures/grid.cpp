@@ -1,14 +1,13 @@
-#include "tool/pictures/placement/grid.h"
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
 
+#include <rasterkit/pictures/grid.h>
 #include <rasterkit/runtime/half.h>
 
-namespace rasterkit::tool {
+namespace rasterkit {
 namespace {
 
 template <class T>
@@ -110,4 +109,4 @@ GridStatistics Summarize(const Grid& grid, const NoData& noData) {
   return result;
 }
 
-}  // namespace rasterkit::tool
+}  // namespace rasterkit

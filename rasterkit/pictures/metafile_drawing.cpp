@@ -1,16 +1,13 @@
-#include "tool/pictures/metafile_input.h"
-
 #include <algorithm>
 #include <cmath>
 
 #include <fmt/core.h>
 
+#include <rasterkit/pictures/metafile_drawing.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/runtime/errors.h>
 
-#include "tool/command/interruption.h"
-
-namespace rasterkit::tool {
+namespace rasterkit {
 namespace {
 
 constexpr double kDefaultDpi = 96, kHundredthsPerInch = 2540;
@@ -57,12 +54,9 @@ Resolution ResolutionOf(const TMetafile& metafile, const MetafileDrawing& drawin
 
 }  // namespace
 
-DrawnMetafile DrawMetafile(const TMetafile& metafile, const MetafileDrawing& drawing) {
+DrawnMetafile DrawMetafile(const TMetafile& metafile, const MetafileDrawing& drawing,
+                           const std::function<bool()>& keepGoing) {
   const PictureSize size = SizeOf(metafile, drawing);
-  const auto keepGoing = [] {
-    StopIfInterrupted();
-    return true;
-  };
   DrawnMetafile drawn;
   const Raster rows =
       metafile.Draw(size.width, size.height, drawing.background, keepGoing, &drawn.warnings);
@@ -71,4 +65,4 @@ DrawnMetafile DrawMetafile(const TMetafile& metafile, const MetafileDrawing& dra
   return drawn;
 }
 
-}  // namespace rasterkit::tool
+}  // namespace rasterkit

@@ -1,10 +1,10 @@
-#include "tool/pictures/picture_size.h"
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 
-namespace rasterkit::tool {
+#include <rasterkit/pictures/picture_size.h>
+
+namespace rasterkit {
 namespace {
 
 constexpr int kLargestSide = 1000000;
@@ -50,12 +50,4 @@ std::optional<PictureSize> ParseSize(const std::string& text) {
   return PictureSize{*width, *height};
 }
 
-std::string CheckSize(const std::string& text) {
-  return ParseSize(text)
-             ? std::string()
-             : "a size is WxH, Wx or xH in pixels (800x600, 800x, x600), each from 1 to 1000000, "
-               "not '" +
-                   text + "'";
-}
-
-}  // namespace rasterkit::tool
+}  // namespace rasterkit

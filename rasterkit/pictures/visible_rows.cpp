@@ -1,13 +1,11 @@
-#include "tool/pictures/visible_rows.h"
-
 #include <cstring>
 #include <limits>
 
 #include <rasterkit/codecs/decode_frame.h>
+#include <rasterkit/pictures/grid.h>
+#include <rasterkit/pictures/visible_rows.h>
 
-#include "tool/pictures/placement/grid.h"
-
-namespace rasterkit::tool {
+namespace rasterkit {
 namespace {
 
 /// Converts the numbers to floats, which hold all of them exactly, with NaN for "no data": the
@@ -42,4 +40,4 @@ Raster VisibleRows(ImagingFrame frame, const std::string& noData, CodecReport& r
   return PictureOfFrame(std::move(frame), &report);
 }
 
-}  // namespace rasterkit::tool
+}  // namespace rasterkit

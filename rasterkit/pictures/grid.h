@@ -6,20 +6,21 @@
 
 #include <rasterkit/codecs/rows/imaging_frame.h>
 #include <rasterkit/raster/raster.h>
+#include <rasterkit/runtime/export.h>
 
-namespace rasterkit::tool {
+namespace rasterkit {
 
 /// Number type of a grid.
 enum class GridType { float32, float16, uint16, int16 };
 
 /// The grid type of a pixel format; nothing for colors.
-std::optional<GridType> GridTypeOf(WICPixelFormat format);
+RASTERKIT_EXPORT std::optional<GridType> GridTypeOf(WICPixelFormat format);
 
 /// "float32", "float16", "uint16", "int16".
-const char* GridTypeName(GridType type);
+RASTERKIT_EXPORT const char* GridTypeName(GridType type);
 
 /// The value that means "not measured".
-class NoData {
+class RASTERKIT_EXPORT NoData {
  public:
   /// No such value.
   NoData() = default;
@@ -38,7 +39,7 @@ class NoData {
 };
 
 /// Rows of numbers as stored in a file.
-class Grid {
+class RASTERKIT_EXPORT Grid {
  public:
   /// `rows` has 32 bits per pixel for float32, else 16.
   Grid(Raster rows, GridType type) : rows_(std::move(rows)), type_(type) {}
@@ -65,6 +66,6 @@ struct GridStatistics {
   uint64_t notFinite = 0;
 };
 
-GridStatistics Summarize(const Grid& grid, const NoData& noData);
+RASTERKIT_EXPORT GridStatistics Summarize(const Grid& grid, const NoData& noData);
 
-}  // namespace rasterkit::tool
+}  // namespace rasterkit
