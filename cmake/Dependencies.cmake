@@ -9,6 +9,8 @@ pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
 pkg_check_modules(WEBP REQUIRED IMPORTED_TARGET libwebp)
 pkg_check_modules(LCMS2 REQUIRED IMPORTED_TARGET lcms2)
 pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo-ft fontconfig freetype2)
+# For the worker program alone.
+pkg_check_modules(SECCOMP REQUIRED IMPORTED_TARGET libseccomp)
 set(RASTERKIT_DEPENDENCIES
     Threads::Threads ${CMAKE_DL_LIBS} JPEG::JPEG PNG::PNG TIFF::TIFF GIF::GIF PkgConfig::WEBP PkgConfig::LCMS2
     PkgConfig::CAIRO fmt::fmt PkgConfig::HWY)

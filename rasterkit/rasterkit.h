@@ -5,6 +5,7 @@
 #include <rasterkit/bitmaptools.h>
 #include <rasterkit/graphics.h>
 #include <rasterkit/jpegexif.h>
+#include <rasterkit/pictures.h>
 #include <rasterkit/raster.h>
 #include <rasterkit/runtime.h>
 #include <rasterkit/startup.h>

@@ -4,6 +4,7 @@
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/files/stream.h>
+#include <rasterkit/runtime/isolation.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 #include <rasterkit/runtime/ports.h>

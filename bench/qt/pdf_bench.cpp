@@ -28,7 +28,7 @@ std::string FileOf(const char* name, Maker make) {
 }
 
 void BM_Port(benchmark::State& state, const char* name, Maker make) {
-  UseQtPdf();
+  UseQtPdfInProcess();
   const auto document = CreatePdfDocument();
   document->LoadFromFile(FileOf(name, make));
   for (auto _ : state) {

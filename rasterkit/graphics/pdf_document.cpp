@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <rasterkit/graphics/isolated_pdf.h>
 #include <rasterkit/graphics/pdf_document.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
@@ -35,10 +36,8 @@ PdfDocumentMaker& PdfDocumentFactory() {
 }
 
 std::unique_ptr<PdfDocument> CreatePdfDocument() {
-  if (!PdfDocumentFactory()) {
-    throw UnsupportedError("PDF: this program has no component that draws PDF pages");
-  }
-  return PdfDocumentFactory()();
+  if (PdfDocumentFactory()) return PdfDocumentFactory()();
+  return std::make_unique<detail::IsolatedPdfDocument>();
 }
 
 PdfPixels PdfPagePixels(const PdfPageSize& page, double scale, PdfRotation rotation) {

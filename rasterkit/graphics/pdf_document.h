@@ -9,15 +9,23 @@
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/export.h>
 
-/// PDF files, behind a port, because a host may not need the large component that draws their
-/// pages. librasterkit-pdf fills the factory (see <rasterkit/qt/pdf/qt_pdf.h>); without it the
-/// factory is empty.
+/// PDF files. They are read and drawn in a worker process, a program that is installed with the
+/// library: a file that crashes the drawing engine, blocks it or uses up its memory ends only that
+/// process. A host may fill a factory instead, for example to draw in its own process (see
+/// <rasterkit/qt/pdf/qt_pdf.h>).
 namespace rasterkit {
 
 /// Thrown for an encrypted file if the password is missing or wrong; the text says which.
 class RASTERKIT_EXPORT PdfPasswordError : public Error {
  public:
   using Error::Error;
+};
+
+/// Thrown if a part of Rasterkit that draws PDF pages is not installed: the worker program or
+/// librasterkit-pdf. The text names its path.
+class RASTERKIT_EXPORT PdfComponentError : public UnsupportedError {
+ public:
+  using UnsupportedError::UnsupportedError;
 };
 
 /// Size of a page as a reader sees it, its own rotation included, in points (1/72 inch).
@@ -44,7 +52,8 @@ class RASTERKIT_EXPORT PdfDocument {
   /// ignored if the file has none.
   ///
   /// Throws FileError if the file cannot be read; FormatError if it is empty, not a PDF, damaged
-  /// beyond use or without pages; PdfPasswordError; UnsupportedError for an unknown protection. No
+  /// beyond use or without pages; PdfPasswordError; UnsupportedError for an unknown protection;
+  /// PdfComponentError. No
   /// file is open then.
   virtual void LoadFromFile(const std::string& fileName, const std::string& password = {}) = 0;
 
@@ -60,21 +69,25 @@ class RASTERKIT_EXPORT PdfDocument {
   /// `PdfResolution(scale)` and `Transparent` off. Scale 1 means 100 pixels per inch.
   ///
   /// Returns false if `keepGoing` canceled the work. Then and after an error `bitmap` is unchanged.
-  /// Canceled work may continue in the background; the next call waits for its end.
+  /// Canceled work is gone within 100 ms, except with documents that draw in this process: there it
+  /// continues in the background, and the next call waits for its end.
   ///
   /// Throws RangeError if there is no such page or `scale` is not a finite number above 0;
   /// FormatError if the page is damaged; LimitError, before anything is drawn, if the page would be
-  /// too large (see RequirePdfPage); std::bad_alloc if the system is out of memory.
+  /// too large (see RequirePdfPage); LimitError
+  /// and TimeLimitError if drawing takes more memory or time than allowed (see Limits);
+  /// std::bad_alloc if the system is out of memory.
   virtual bool ExportPage(int index, double scale, PdfRotation rotation, TBitmap& bitmap,
                           const PdfKeepGoing& keepGoing = {}) = 0;
 };
 
-/// Makes documents; empty if this process cannot draw PDF pages. Set it before the first call that
-/// uses it.
+/// Makes documents; if empty, a worker process draws them. Set it before the first call that uses
+/// it.
 using PdfDocumentMaker = std::function<std::unique_ptr<PdfDocument>()>;
 RASTERKIT_EXPORT PdfDocumentMaker& PdfDocumentFactory();
 
-/// Makes a document without an open file. Throws UnsupportedError if the factory is empty.
+/// Makes a document without an open file. Throws PdfComponentError if there is no factory and the
+/// worker program is not installed.
 RASTERKIT_EXPORT std::unique_ptr<PdfDocument> CreatePdfDocument();
 
 /// Pixels and memory of a drawn page.

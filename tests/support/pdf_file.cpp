@@ -85,6 +85,31 @@ std::string PdfText(const std::vector<PdfPageText>& pages) {
   return std::move(builder).Finish("");
 }
 
+std::string NestedFormsPdf(int depth, int times) {
+  constexpr int kFirstForm = 5;
+  std::string calls;
+  for (int i = 0; i < times; ++i) calls += "/X Do ";
+  PdfBuilder builder;
+  builder.Add("<< /Type /Catalog /Pages 2 0 R >>");
+  builder.Add("<< /Type /Pages /Kids [3 0 R] /Count 1 >>");
+  builder.Add(
+      fmt::format("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 72 72] /Contents 4 0 R "
+                  "/Resources << /XObject << /X {} 0 R >> >> >>",
+                  kFirstForm));
+  builder.Add(Stream(calls));
+  for (int i = 0; i < depth; ++i) {
+    const bool isLast = i == depth - 1;
+    const std::string content = isLast ? "0 0 9 9 re f " : calls;
+    const std::string inner =
+        isLast ? "" : fmt::format("/Resources << /XObject << /X {} 0 R >> >> ", kFirstForm + i + 1);
+    builder.Add(
+        fmt::format("<< /Type /XObject /Subtype /Form /BBox [0 0 72 72] {}/Length {} >>\n"
+                    "stream\n{}\nendstream",
+                    inner, content.size(), content));
+  }
+  return std::move(builder).Finish("");
+}
+
 std::string PdfRectangle(const std::string& color, double x, double y, double width,
                          double height) {
   return fmt::format("{} rg {} {} {} {} re f\n", color, x, y, width, height);

@@ -19,6 +19,10 @@ struct PdfPageText {
 /// Helvetica.
 std::string PdfText(const std::vector<PdfPageText>& pages);
 
+/// A page with forms that contain forms, `depth` times, each `times` times: `times` to the power of
+/// `depth` rectangles.
+std::string NestedFormsPdf(int depth, int times);
+
 /// A filled rectangle in the color "R G B", each from 0 to 1, as a page's content.
 std::string PdfRectangle(const std::string& color, double x, double y, double width, double height);
 

@@ -4,8 +4,7 @@
 #include <vector>
 
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
-
-#include "tool/pictures/metafile_input.h"
+#include <rasterkit/pictures/metafile_drawing.h>
 
 namespace rasterkit::tool {
 

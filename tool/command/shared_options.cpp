@@ -2,8 +2,10 @@
 
 #include <cmath>
 
+#include <rasterkit/pictures/picture_size.h>
+
 #include "tool/command/color_digits.h"
-#include "tool/pictures/picture_size.h"
+#include "tool/command/size_option.h"
 
 namespace rasterkit::tool {
 namespace {

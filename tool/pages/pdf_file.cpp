@@ -1,7 +1,6 @@
 #include "tool/pages/pdf_file.h"
 
 #include <rasterkit/runtime/errors.h>
-#include <rasterkit/runtime/files/dynamic_library.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
@@ -9,20 +8,14 @@
 
 namespace rasterkit::tool {
 
-void UsePdfLibrary() {
-  static const DynamicLibrary library("rasterkit-pdf", 0,
-                                      "the component for PDF files is not installed");
-  static const bool isUsed = (library.Entry<void()>("RasterkitUseQtPdf")(), true);
-  static_cast<void>(isUsed);
-}
-
 std::unique_ptr<PdfDocument> OpenPdf(const std::string& file, const std::string& password) {
   try {
-    UsePdfLibrary();
     auto document = CreatePdfDocument();
     const InterruptibleWait reading;
     document->LoadFromFile(file, password);
     return document;
+  } catch (const PdfComponentError& error) {
+    throw NoPdfComponent(file, error.Reason());
   } catch (const Error& error) {
     throw Failure(exitInputUnreadable, file + ": " + ReasonWithOption(error));
   }

@@ -5,12 +5,22 @@
 
 #include <rasterkit/graphics/pdf_document.h>
 
+#include "tool/command/exit_code.h"
+
 namespace rasterkit::tool {
 
-/// Loads librasterkit-pdf on the first call. Throws UnsupportedError if it is not installed.
-void UsePdfLibrary();
+/// No PDF file can be drawn here.
+class NoPdfComponent : public Failure {
+ public:
+  NoPdfComponent(const std::string& file, const std::string& reason)
+      : Failure(exitInputUnreadable, file + ": " + reason), reason_(reason) {}
+  const std::string& Reason() const { return reason_; }
 
-/// Opens a PDF file. Throws Failure(exitInputUnreadable), also if PDF files cannot be drawn here.
+ private:
+  std::string reason_;
+};
+
+/// Opens a PDF file. Throws Failure(exitInputUnreadable), also NoPdfComponent.
 std::unique_ptr<PdfDocument> OpenPdf(const std::string& file, const std::string& password);
 
 /// Returns the size of a page, counted from 1. Throws Failure(exitInputUnreadable).

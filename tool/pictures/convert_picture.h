@@ -4,7 +4,7 @@
 
 #include "tool/command/batch.h"
 #include "tool/command/output_options.h"
-#include "tool/pictures/picture_file.h"
+#include "tool/pictures/picture_input.h"
 
 namespace rasterkit::tool {
 

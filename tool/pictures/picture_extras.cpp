@@ -7,53 +7,36 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/codecs/metadata.h>
-#include <rasterkit/codecs/picture_type.h>
-#include <rasterkit/codecs/tiff/tiff_facts.h>
+#include <rasterkit/codecs/rows/metadata_kind.h>
+#include <rasterkit/pictures/picture_file.h>
 #include <rasterkit/runtime/errors.h>
-#include <rasterkit/runtime/files/stream.h>
 
 #include "tool/pictures/placement/map_placement.h"
-#include "tool/reports/photo_facts.h"
 
 namespace rasterkit::tool {
 namespace {
 
-std::vector<std::string> ExtrasOfTiff(const std::string& file, TStream& stream) {
-  const TiffFacts facts = ReadTiffFacts(stream);
-  std::vector<std::string> names = MetadataKindNames(facts.metadata);
-  const std::vector<std::string> sources = MapSources(file, facts);
+/// Throws Error if the file cannot be read.
+std::vector<std::string> ExtrasOf(const std::string& file, Isolation isolation) {
+  PictureReading reading;
+  reading.withPixels = false;
+  reading.isolation = isolation;
+  LoadedFrame picture;
+  ReadPicture(picture, file, reading);
+  if (picture.type == PictureType::tiff && !picture.tiff) return {};
+  std::vector<std::string> names = MetadataKindNames(picture.metadata);
+  if (picture.photo.gps) names.emplace_back(MetadataKindName(MetadataKind::gps));
+  const std::vector<std::string> sources = MapSources(file, picture.tiff.value_or(TiffFacts()));
   names.insert(names.end(), sources.begin(), sources.end());
-  if (facts.pages - facts.secondaryPages > 1) {
-    names.emplace_back(MetadataKindName(MetadataKind::pages));
-  }
+  if (picture.Pictures() > 1) names.emplace_back(MetadataKindName(MetadataKind::pages));
   return names;
-}
-
-std::vector<std::string> ExtrasOfBytes(const std::string& file, const std::vector<uint8_t>& bytes) {
-  const PictureMetadata metadata = ReadMetadata(bytes);
-  std::vector<std::string> names = MetadataKindNames(metadata.kinds);
-  if (ReadExifFacts(metadata.exif).gps) names.emplace_back(MetadataKindName(MetadataKind::gps));
-  const std::vector<std::string> sources = MapSources(file, {});
-  names.insert(names.end(), sources.begin(), sources.end());
-  if (metadata.pictures > 1) names.emplace_back(MetadataKindName(MetadataKind::pages));
-  return names;
-}
-
-/// Bitmap files can be huge and have no metadata.
-std::vector<std::string> ExtrasOf(const std::string& file) {
-  TFileStream stream(file);
-  const PictureType type = SniffPictureType(stream);
-  if (type == PictureType::tiff) return ExtrasOfTiff(file, stream);
-  if (type == PictureType::bmp) return MapSources(file, {});
-  return ExtrasOfBytes(file, stream.ReadToEnd());
 }
 
 }  // namespace
 
-std::vector<std::string> PictureExtras(const std::string& file) {
+std::vector<std::string> PictureExtras(const std::string& file, Isolation isolation) {
   try {
-    return ExtrasOf(file);
+    return ExtrasOf(file, isolation);
   } catch (const Error&) {
     return {};
   } catch (const std::bad_alloc&) {
@@ -61,8 +44,9 @@ std::vector<std::string> PictureExtras(const std::string& file) {
   }
 }
 
-void SayWhatIsLost(const std::vector<std::string>& before, const std::string& output) {
-  const std::vector<std::string> after = PictureExtras(output);
+void SayWhatIsLost(const std::vector<std::string>& before, const std::string& output,
+                   Isolation isolation) {
+  const std::vector<std::string> after = PictureExtras(output, isolation);
   std::vector<std::string> lost;
   std::copy_if(before.begin(), before.end(), std::back_inserter(lost), [&](const auto& name) {
     return std::find(after.begin(), after.end(), name) == after.end();

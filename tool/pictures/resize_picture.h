@@ -1,7 +1,8 @@
 #pragma once
 
+#include <rasterkit/pictures/picture_size.h>
+
 #include "tool/pictures/convert_picture.h"
-#include "tool/pictures/picture_size.h"
 
 namespace rasterkit::tool {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tool/reports/photo_facts.h"
+#include <rasterkit/pictures/photo_facts.h>
 
 namespace rasterkit::tool {
 

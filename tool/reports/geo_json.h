@@ -3,9 +3,10 @@
 #include <optional>
 #include <vector>
 
+#include <rasterkit/pictures/photo_facts.h>
+
 #include "tool/command/json.h"
 #include "tool/pictures/placement/geo_position.h"
-#include "tool/reports/photo_facts.h"
 
 namespace rasterkit::tool {
 

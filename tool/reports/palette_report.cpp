@@ -9,7 +9,7 @@
 #include "tool/command/json.h"
 #include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/palette_indexes.h"
-#include "tool/pictures/picture_file.h"
+#include "tool/pictures/picture_input.h"
 
 namespace rasterkit::tool {
 namespace {

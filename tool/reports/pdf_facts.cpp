@@ -2,7 +2,6 @@
 
 #include <filesystem>
 
-#include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 
 #include "tool/command/exit_code.h"
@@ -13,13 +12,13 @@ namespace rasterkit::tool {
 PdfFacts GatherPdfFacts(const std::string& file, std::vector<std::string>& warnings) {
   std::error_code ignored;
   if (!std::filesystem::is_regular_file(ToPath(file), ignored)) return {};
+  std::unique_ptr<PdfDocument> document;
   try {
-    UsePdfLibrary();
-  } catch (const Error& error) {
-    warnings.push_back(std::string("the pages were not counted: ") + error.what());
+    document = OpenPdf(file, {});
+  } catch (const NoPdfComponent& failure) {
+    warnings.push_back("the pages were not counted: " + failure.Reason());
     return {};
   }
-  const auto document = OpenPdf(file, {});
   PdfFacts facts;
   facts.pages = document->PageCount();
   try {

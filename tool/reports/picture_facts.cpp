@@ -4,7 +4,7 @@
 #include <rasterkit/runtime/files/file_name.h>
 
 #include "tool/command/exit_code.h"
-#include "tool/pictures/picture_file.h"
+#include "tool/pictures/picture_input.h"
 #include "tool/pictures/placement/world_file.h"
 
 namespace rasterkit::tool {

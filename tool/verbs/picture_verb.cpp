@@ -5,6 +5,7 @@
 #include "tool/command/color_digits.h"
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/shared_options.h"
 #include "tool/pictures/turn.h"
 
@@ -36,6 +37,7 @@ VerbRunner PictureVerb::Changing(PictureChange change) {
 
 VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
   AddOutputOptions(*this, *output_, answer_ ? "IN [OUT]" : "IN OUT");
+  AddIsolate(*this);
   AddType(*this, *output_);
   AddSolidBackground(*this, *picture_);
   AddQuality(*this, *picture_);

@@ -8,6 +8,7 @@
 
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/json.h"
 #include "tool/command/limit_options.h"
 #include "tool/pictures/compare_pictures.h"
@@ -154,6 +155,7 @@ VerbRunner AddCompareVerb(CommandLine& line) {
               "ignore differences of red, green, blue and opacity up to N, 0 to 255 [0]")
       .Excludes(exact);
   verb.Flag("--json", options->json, "print one JSON object on stdout");
+  AddIsolate(verb);
   verb.Files("A B", options->files, 2, "the two pictures");
   return [options] { return Run(*options); };
 }

@@ -1,6 +1,7 @@
 #include <memory>
 
 #include "tool/command/command_line.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/shared_options.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/verbs/verbs.h"
@@ -26,6 +27,7 @@ VerbRunner AddConvertVerb(CommandLine& line) {
   const auto picture = std::make_shared<PictureOptions>();
   output->takesMetafiles = true;
   AddOutputOptions(verb, *output);
+  AddIsolate(verb);
   AddType(verb, *output);
   AddAngle(verb, *picture);
   AddBackground(verb, *picture);

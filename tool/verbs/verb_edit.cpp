@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -7,11 +8,14 @@
 
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/bitmaptools/files/load_via_wic.h>
+#include <rasterkit/pictures/load_graphic_isolated.h>
+#include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 
 #include "tool/command/command_line.h"
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
+#include "tool/command/isolation_option.h"
 #include "tool/pages/pdf_file.h"
 #include "tool/pictures/picture_extras.h"
 #include "tool/verbs/verbs.h"
@@ -19,7 +23,23 @@
 namespace rasterkit::tool {
 namespace {
 
+/// A program that a desktop opens with any file reads it in a worker process.
+Isolation EditIsolation() {
+  return ReadingIsolation(Isolation::process);
+}
+
+std::unique_ptr<TGraphic> LoadIsolated(const std::string& file) {
+  try {
+    return LoadGraphicIsolated(file);
+  } catch (const Error& error) {
+    throw Failure(exitInputUnreadable, file + ": is not a readable picture: " + error.Reason());
+  } catch (const std::bad_alloc&) {
+    throw Failure(exitInputUnreadable, file + ": out of memory");
+  }
+}
+
 std::unique_ptr<TGraphic> LoadAnything(const std::string& file) {
+  if (EditIsolation() == Isolation::process) return LoadIsolated(file);
   std::unique_ptr<TGraphic> graphic = LoadGraphic(file);
   if (!graphic) graphic = LoadViaWic(file);
   if (!graphic) throw Failure(exitInputUnreadable, file + ": is not a readable picture");
@@ -48,10 +68,10 @@ std::string EditPage(const Desktop& desktop, const std::string& file) {
 std::string EditPicture(const Desktop& desktop, const std::string& file) {
   std::unique_ptr<TGraphic> graphic = OpenOrTell(desktop, [&] { return LoadAnything(file); });
   // Read the extras before the user may overwrite the file.
-  const std::vector<std::string> extras = PictureExtras(file);
+  const std::vector<std::string> extras = PictureExtras(file, EditIsolation());
   std::string name = ExtractFileName(file);
   desktop.EditGraphic(ExtractFilePath(file), name, graphic);
-  SayWhatIsLost(extras, name);
+  SayWhatIsLost(extras, name, EditIsolation());
   return name;
 }
 
@@ -80,10 +100,12 @@ VerbRunner AddEditVerb(CommandLine& line) {
         "name. If you changed nothing, nothing is written. Canceling the window ends with exit "
         "code 1.",
         "Without FILE a window lets you choose one. If the file cannot be opened, a window says "
-        "so, and the exit code is 3."},
+        "so, and the exit code is 3.",
+        "The file is read in a process of its own, which a damaged or hostile file cannot leave."},
        {"rasterkit edit photo.jpg", "rasterkit edit plan.pdf"}});
   const auto file = std::make_shared<std::string>();
   verb.File("FILE", *file, "a picture or a PDF file", false);
+  AddNoIsolate(verb);
   return [file] { return Run(*file); };
 }
 

@@ -7,6 +7,7 @@
 
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/numbers.h"
 #include "tool/command/output_options.h"
 #include "tool/command/shared_options.h"
@@ -137,6 +138,7 @@ VerbRunner AddGeoTiffVerb(CommandLine& line) {
         "rasterkit geotiff terrain.tif --at 10,20 --at-map 4468012.5,5333980"}});
   const auto options = std::make_shared<GeoTiffOptions>();
   AddOutputOptions(verb, options->output, "IN [OUT]");
+  AddIsolate(verb);
   AddPositionOptions(verb, *options);
   AddQuestions(verb, *options);
   return [options] { return IsQuestion(*options) ? Ask(*options) : Write(*options); };

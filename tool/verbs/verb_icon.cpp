@@ -4,14 +4,16 @@
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/icon.h>
+#include <rasterkit/pictures/picture_size.h>
 
 #include "tool/command/command_line.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/output_file.h"
 #include "tool/command/shared_options.h"
+#include "tool/command/size_option.h"
 #include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/pictures/crop_rows.h"
-#include "tool/pictures/picture_size.h"
 #include "tool/verbs/verbs.h"
 
 namespace rasterkit::tool {
@@ -98,6 +100,7 @@ VerbRunner AddIconVerb(CommandLine& line) {
             "use only the left half: the first picture of a button strip");
   verb.Flag("--solid", options->solid, "make no color transparent");
   AddOutputOptions(verb, options->output);
+  AddIsolate(verb);
   return [options] { return Run(*options); };
 }
 

@@ -7,6 +7,7 @@
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/json.h"
 #include "tool/command/printable.h"
 #include "tool/reports/geo_json.h"
@@ -164,6 +165,7 @@ VerbRunner AddInfoVerb(CommandLine& line) {
   const auto json = std::make_shared<bool>(false);
   verb.Files("IN...", *files, "files to look at");
   verb.Flag("--json", *json, "print one JSON object per file, each on its own line");
+  AddIsolate(verb);
   return [files, json] {
     ExitCode code = exitDone;
     for (const std::string& file : *files) {

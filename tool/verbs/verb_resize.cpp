@@ -2,9 +2,11 @@
 
 #include <fmt/core.h>
 
+#include <rasterkit/pictures/picture_size.h>
+
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
-#include "tool/pictures/picture_size.h"
+#include "tool/command/size_option.h"
 #include "tool/pictures/resize_picture.h"
 #include "tool/verbs/picture_verb.h"
 

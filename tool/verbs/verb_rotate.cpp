@@ -1,6 +1,7 @@
 #include <memory>
 
 #include "tool/command/command_line.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/shared_options.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/verbs/verbs.h"
@@ -18,6 +19,7 @@ VerbRunner AddRotateVerb(CommandLine& line) {
   const auto output = std::make_shared<OutputOptions>();
   const auto picture = std::make_shared<PictureOptions>();
   AddOutputOptions(verb, *output);
+  AddIsolate(verb);
   AddType(verb, *output);
   AddAngle(verb, *picture).Required();
   AddBackground(verb, *picture);

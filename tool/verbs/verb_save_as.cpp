@@ -14,8 +14,9 @@
 #include "tool/command/command_line.h"
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
+#include "tool/command/isolation_option.h"
 #include "tool/pictures/convert_picture.h"
-#include "tool/pictures/picture_file.h"
+#include "tool/pictures/picture_input.h"
 #include "tool/pictures/resize_picture.h"
 #include "tool/verbs/verbs.h"
 
@@ -138,6 +139,7 @@ VerbRunner AddSaveAsVerb(CommandLine& line) {
       .In("Files and results");
   verb.Flag("--strict", options->strict, "exit with code 5 if something was not carried over")
       .In("Files and results");
+  AddIsolate(verb);
   return [options] { return Run(*options); };
 }
 

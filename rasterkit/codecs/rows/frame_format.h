@@ -34,4 +34,25 @@ constexpr int PixelBits(WICPixelFormat format) {
   return StoredBitsPerPixel(RasterFormatOf(format));
 }
 
+/// The format of a frame with the colors of a raster.
+inline WICPixelFormat FrameFormatOf(const Raster& raster) {
+  switch (raster.Format()) {
+    case pf1bit:
+      return GUID_WICPixelFormat1bppIndexed;
+    case pf4bit:
+      return GUID_WICPixelFormat4bppIndexed;
+    case pf8bit:
+      return GUID_WICPixelFormat8bppIndexed;
+    case pf15bit:
+      return GUID_WICPixelFormat16bppBGR555;
+    case pf16bit:
+      return GUID_WICPixelFormat16bppBGR565;
+    case pf24bit:
+      return GUID_WICPixelFormat24bppBGR;
+    default:
+      return raster.alphaFormat == afDefined ? GUID_WICPixelFormat32bppBGRA
+                                             : GUID_WICPixelFormat32bppBGR;
+  }
+}
+
 }  // namespace rasterkit::detail

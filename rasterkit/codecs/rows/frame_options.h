@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include <rasterkit/runtime/isolation.h>
 #include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
@@ -13,6 +14,8 @@ struct FrameOptions {
   /// Limits of this call. No value: those of the calling thread (see CurrentLimits). If the thread
   /// has a LimitsScope, the stricter value of each field counts.
   std::optional<Limits> limits = {};
+  /// Where DecodeFrame works; the decoders of single formats ignore it.
+  Isolation isolation = Isolation::none;
 };
 
 }  // namespace rasterkit

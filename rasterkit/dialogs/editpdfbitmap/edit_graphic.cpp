@@ -1,10 +1,8 @@
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/dialogs/editpdfbitmap/edit_graphic.h>
 #include <rasterkit/dialogs/editpdfbitmap/form_edit_pdf_bmp.h>
-#include <rasterkit/graphics/pdf_document.h>
 #include <rasterkit/qt/host/modal_call.h>
 #include <rasterkit/qt/host/pdf_page_dialog.h>
-#include <rasterkit/qt/pdf/qt_pdf.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/strings/strings.h>
 
@@ -16,17 +14,11 @@ const bool kIsInstalled = [] {
   return true;
 }();
 
-/// A host that draws pages with its own code keeps it.
-void FillPdfPort() {
-  if (!PdfDocumentFactory()) UseQtPdf();
-}
-
 }  // namespace
 
 int ConvertPdfPageToBmpDialog(const std::string& pdfFile, std::string& bmpFile) {
   if (!FileExists(pdfFile)) return -1;
   const TModalCall call;
-  FillPdfPort();
   TFormEditPdfBmp form;
   EditPdfBmpModel& model = form.Model();
   const auto open = [&] {
@@ -42,7 +34,6 @@ int ConvertPdfPageToBmpDialog(const std::string& pdfFile, std::string& bmpFile) 
 bool EditGraphic(const std::string& dir, std::string& fileName, std::unique_ptr<TGraphic>& graphic,
                  int32_t&, int32_t&, int32_t&, int32_t&) {
   const TModalCall call;
-  FillPdfPort();
   TFormEditPdfBmp form;
   EditPdfBmpModel& model = form.Model();
   model.SetOrgCaption(ResourceString(rsEditBitmap));

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <deque>
 
 #include <iconv.h>
 
@@ -78,6 +79,14 @@ AnsiText SymbolText(std::span<const uint8_t> bytes, std::span<const double> step
 }
 
 }  // namespace
+
+void LoadAnsiTables() {
+  // An open converter keeps its table.
+  static std::deque<Converter> converters;
+  if (!converters.empty()) return;
+  converters.emplace_back(CodePageOf(0).name);
+  for (const CodePage& page : kCodePages) converters.emplace_back(page.name);
+}
 
 AnsiText DecodeAnsiText(std::span<const uint8_t> bytes, std::span<const double> steps,
                         uint8_t charset) {

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/runtime/export.h>
+
 namespace rasterkit {
 
 /// A text converted to UTF-16, with the advances of its units.
@@ -19,5 +21,8 @@ struct AnsiText {
 /// fonts (charset 2) become U+F000 and up.
 AnsiText DecodeAnsiText(std::span<const uint8_t> bytes, std::span<const double> steps,
                         uint8_t charset);
+
+/// Loads the tables of all charsets for good. For a process that cannot open files later.
+RASTERKIT_EXPORT void LoadAnsiTables();
 
 }  // namespace rasterkit

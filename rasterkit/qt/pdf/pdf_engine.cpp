@@ -94,7 +94,10 @@ Raster FreshRows(QSize size) {
 }  // namespace
 
 int PdfEngine::Open(const std::string& fileName, const std::string& password) {
-  const std::shared_ptr<TStream> stream = OpenStream(fileName);
+  return Open(std::shared_ptr<TStream>(OpenStream(fileName)), password);
+}
+
+int PdfEngine::Open(const std::shared_ptr<TStream>& stream, const std::string& password) {
   if (stream->Size() == 0) throw FormatError("PDF: the file is empty");
   const bool hasMark = HasPdfMark(*stream);
   Load(stream, password);
@@ -128,7 +131,9 @@ PdfPageSize PdfEngine::PageSize(int index) const {
   return {size.width(), size.height()};
 }
 
-QImage PdfEngine::Render(int index, QSize size, PdfRotation rotation) const {
+QImage PdfEngine::Render(int index, double scale, PdfRotation rotation) const {
+  const PdfPixels pixels = PdfPagePixels(PageSize(index), scale, rotation);
+  const QSize size(static_cast<int>(pixels.width), static_cast<int>(pixels.height));
   // The engine's answer does not tell whether it was out of memory.
   if (QImage(size, QImage::Format_ARGB32).isNull()) throw std::bad_alloc();
   QImage image = document_->render(index, size, Options(rotation));
@@ -140,11 +145,9 @@ QImage PdfEngine::Render(int index, QSize size, PdfRotation rotation) const {
 std::optional<TBitmap> PdfEngine::Draw(int index, double scale, PdfRotation rotation,
                                        const std::atomic<bool>& givenUp) const {
   if (givenUp) return std::nullopt;
-  const PdfPixels pixels = PdfPagePixels(PageSize(index), scale, rotation);
-  const QSize size(static_cast<int>(pixels.width), static_cast<int>(pixels.height));
-  QImage image = Render(index, size, rotation);
+  QImage image = Render(index, scale, rotation);
   if (givenUp) return std::nullopt;
-  Raster raster = FreshRows(size);
+  Raster raster = FreshRows(image.size());
   if (!MoveOntoWhite(image, givenUp, raster)) return std::nullopt;
   raster.resolution = {PdfResolution(scale), PdfResolution(scale)};
   return TBitmap(std::move(raster));

@@ -6,12 +6,12 @@
 
 namespace rasterkit {
 
-void UseQtPdf() {
+void UseQtPdfInProcess() {
   PdfDocumentFactory() = [] { return std::make_unique<QtPdfDocument>(); };
 }
 
 }  // namespace rasterkit
 
-void RasterkitUseQtPdf() {
-  rasterkit::UseQtPdf();
+void RasterkitUseQtPdfInProcess() {
+  rasterkit::UseQtPdfInProcess();
 }

@@ -10,7 +10,9 @@
 #include <sys/stat.h>
 #include <sys/uio.h>
 
-/// The system's file calls, with errors thrown as FileError; internal to this folder.
+#include <rasterkit/runtime/export.h>
+
+/// The system's file calls, with errors thrown as FileError; internal to rasterkit/runtime.
 namespace rasterkit::detail {
 
 /// Throws FileError "ACTION: the system's text of `error`" for `file`.
@@ -25,7 +27,7 @@ auto Uninterrupted(Call call) {
 }
 
 /// An open file of the system, closed by the destructor.
-class SystemFile {
+class RASTERKIT_EXPORT SystemFile {
  public:
   SystemFile() = default;
   explicit SystemFile(int handle) : handle_(handle) {}

@@ -101,7 +101,7 @@ std::string PlanFile() {
 }
 
 const Exhibit kPlan("edit-pdf", [] {
-  UseQtPdf();
+  UseQtPdfInProcess();
   auto form = std::make_unique<TFormEditPdfBmp>();
   SetSizeOfExhibit(*form);
   static const std::string plan = PlanFile();

@@ -3,7 +3,7 @@
 
 // A host without Qt of its own draws the first page of a file.
 int main(int, char** arguments) {
-  rasterkit::UseQtPdf();
+  rasterkit::UseQtPdfInProcess();
   const auto document = rasterkit::CreatePdfDocument();
   document->LoadFromFile(arguments[1]);
   rasterkit::TBitmap page;

@@ -8,11 +8,22 @@
 
 #include <rasterkit/graphics/pdf_document.h>
 #include <rasterkit/qt/pdf/qt_pdf_document.h>
+#include <rasterkit/runtime/worker/worker_program.h>
 
 #include "tests/support/pdf_file.h"
 #include "tests/support/temp_folder.h"
 
 namespace rasterkit::test {
+
+/// A document of the kind that this program tests.
+inline std::unique_ptr<PdfDocument> NewPdfDocument() {
+#ifdef RASTERKIT_WORKER_FILE
+  rasterkit::detail::SetWorkerProgram(RASTERKIT_WORKER_FILE);
+  return CreatePdfDocument();
+#else
+  return std::make_unique<QtPdfDocument>();
+#endif
+}
 
 /// A folder for the files of one test, and the document that is tested.
 class PdfTest : public testing::Test {
@@ -49,7 +60,7 @@ class PdfTest : public testing::Test {
 
  private:
   TempFolder folder_;
-  std::unique_ptr<PdfDocument> document_ = std::make_unique<QtPdfDocument>();
+  std::unique_ptr<PdfDocument> document_ = NewPdfDocument();
 };
 
 }  // namespace rasterkit::test

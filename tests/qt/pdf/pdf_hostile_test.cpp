@@ -53,10 +53,16 @@ TEST_F(PdfHostile, Document_Should_Survive_When_BytesAreChanged) {
   }
 }
 
+#ifdef RASTERKIT_WORKER_FILE
+constexpr bool kOtherFilesStayReadable = true;
+#else
+constexpr bool kOtherFilesStayReadable = false;
+#endif
+
 /// A page tree that contains itself: the engine never returns. In a separate process, which is
-/// lost.
+/// lost if the engine is in it.
 int ReadACircle(const std::string& file, const std::string& other) {
-  const std::unique_ptr<PdfDocument> document = std::make_unique<QtPdfDocument>();
+  const std::unique_ptr<PdfDocument> document = test::NewPdfDocument();
   try {
     document->LoadFromFile(file);
     return 1;
@@ -64,11 +70,11 @@ int ReadACircle(const std::string& file, const std::string& other) {
     if (error.Reason() != "PDF: the file is damaged: reading it does not end") return 2;
   }
   try {
-    const std::unique_ptr<PdfDocument> next = std::make_unique<QtPdfDocument>();
+    const std::unique_ptr<PdfDocument> next = test::NewPdfDocument();
     next->LoadFromFile(other);
-    return 3;
+    return kOtherFilesStayReadable ? 7 : 3;
   } catch (const Error& error) {
-    return error.File() == other ? 7 : 4;
+    return error.File() == other && !kOtherFilesStayReadable ? 7 : 4;
   }
 }
 

@@ -15,15 +15,17 @@ using test::PdfReader;
 
 class PdfLoading : public test::PdfTest {};
 
-TEST_F(PdfLoading, UseQtPdf_Should_FillTheFactory_When_Called) {
+#ifndef RASTERKIT_WORKER_FILE
+TEST_F(PdfLoading, UseQtPdfInProcess_Should_FillTheFactory_When_Called) {
   const PdfDocumentMaker before = PdfDocumentFactory();
-  UseQtPdf();
+  UseQtPdfInProcess();
   EXPECT_NE(dynamic_cast<QtPdfDocument*>(CreatePdfDocument().get()), nullptr);
   PdfDocumentFactory() = nullptr;
-  RasterkitUseQtPdf();
+  RasterkitUseQtPdfInProcess();
   EXPECT_NE(dynamic_cast<QtPdfDocument*>(CreatePdfDocument().get()), nullptr);
   PdfDocumentFactory() = before;
 }
+#endif
 
 TEST_F(PdfLoading, PageCount_Should_BeZero_When_NothingIsOpen) {
   EXPECT_EQ(Document().PageCount(), 0);

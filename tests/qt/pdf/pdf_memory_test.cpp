@@ -76,7 +76,7 @@ TEST_F(PdfMemory, ExportPage_Should_Refuse_When_TheLimitForPicturesIsSmall) {
 #ifndef RASTERKIT_ENDLESS_MEMORY
 /// 7 when a page of 1.6 GB ended as it should in 1 GiB, and a small one still came.
 int DrawInOneGibibyte(const std::string& file) {
-  const std::unique_ptr<PdfDocument> document = std::make_unique<QtPdfDocument>();
+  const std::unique_ptr<PdfDocument> document = test::NewPdfDocument();
   document->LoadFromFile(file);
   constexpr rlim_t kMost = rlim_t{1} << 30;
   const rlimit limit{kMost, kMost};

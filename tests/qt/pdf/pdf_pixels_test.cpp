@@ -216,7 +216,7 @@ TEST_F(PdfPixelsTest, ExportPage_Should_GiveTheSameBytes_When_DrawnAgain) {
   OpenPages({BusyPage()});
   const TBitmap first = Export(0, 1.5);
   EXPECT_TRUE(SamePixels(first, Export(0, 1.5)));
-  const std::unique_ptr<PdfDocument> other = std::make_unique<QtPdfDocument>();
+  const std::unique_ptr<PdfDocument> other = test::NewPdfDocument();
   other->LoadFromFile(Folder() / "test.pdf", "");
   TBitmap second;
   ASSERT_TRUE(other->ExportPage(0, 1.5, PdfRotation::none, second));

@@ -54,7 +54,7 @@ TEST_F(PdfWaiting, ExportPage_Should_DrawTheNextPage_When_OneWasGivenUp) {
 TEST_F(PdfWaiting, Destructor_Should_NotWait_When_APageWasGivenUp) {
   OpenSlowPage(1000);
   for (int i = 0; i < 3; ++i) {
-    const std::unique_ptr<PdfDocument> document = std::make_unique<QtPdfDocument>();
+    const std::unique_ptr<PdfDocument> document = test::NewPdfDocument();
     document->LoadFromFile(Folder() / "test.pdf", "");
     TBitmap bitmap;
     EXPECT_FALSE(document->ExportPage(0, 1, PdfRotation::none, bitmap, [] { return false; }));
@@ -103,7 +103,7 @@ TEST_F(PdfWaiting, Documents_Should_GiveTheSamePixels_When_DrawnOnSeveralThreads
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&] {
-      const std::unique_ptr<PdfDocument> document = std::make_unique<QtPdfDocument>();
+      const std::unique_ptr<PdfDocument> document = test::NewPdfDocument();
       document->LoadFromFile(Folder() / "test.pdf", "");
       TBitmap bitmap;
       document->ExportPage(0, 1, PdfRotation::none, bitmap);
@@ -122,7 +122,7 @@ TEST_F(PdfWaiting, ProcessEnd_Should_WaitForTheEngine_When_APageWasGivenUp) {
   EXPECT_EXIT(
       {
         {
-          const std::unique_ptr<PdfDocument> document = std::make_unique<QtPdfDocument>();
+          const std::unique_ptr<PdfDocument> document = test::NewPdfDocument();
           document->LoadFromFile(file, "");
           TBitmap bitmap;
           document->ExportPage(0, 1, PdfRotation::none, bitmap, [] { return false; });

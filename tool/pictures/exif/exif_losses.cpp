@@ -9,10 +9,10 @@
 
 #include <rasterkit/codecs/metadata.h>
 #include <rasterkit/jpegexif/jpeg_sections.h>
+#include <rasterkit/pictures/photo_facts.h>
 
 #include "tool/pictures/exif/exif_block.h"
 #include "tool/pictures/exif/jpeg_header.h"
-#include "tool/reports/photo_facts.h"
 
 namespace rasterkit::tool {
 namespace {

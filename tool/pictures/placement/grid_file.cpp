@@ -6,11 +6,13 @@
 
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/unsized_picture.h>
+#include <rasterkit/pictures/picture_file.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/printable.h"
 #include "tool/pictures/placement/world_file.h"
@@ -22,21 +24,31 @@ namespace {
 constexpr int kFloatingPoint = 3;
 
 /// Only TIFF files have tags; the codec reads other types as well.
-TiffFacts FactsOf(TStream& stream) {
-  TiffFacts facts;
-  try {
-    facts = ReadTiffFacts(stream);
-  } catch (const FormatError&) {
-  }
-  stream.SetPosition(0);
-  return facts;
+template <class Source>
+TiffFacts FactsOf(Source& source) {
+  PictureReading reading;
+  reading.withPixels = false;
+  reading.isolation = ReadingIsolation();
+  LoadedFrame picture;
+  ReadPicture(picture, source, reading);
+  return picture.tiff.value_or(TiffFacts());
 }
 
+void Rewind(TStream& stream) {
+  stream.SetPosition(0);
+}
+void Rewind(const std::string&) {}
+
 /// Reads the same values as the library's ReadGeoTiffIntoBitmap, which cannot report damage.
-void LoadStream(GridFile& result, TStream& stream) {
-  result.facts = FactsOf(stream);
+/// `source` is a stream or the name of a file.
+template <class Source>
+void LoadSource(GridFile& result, Source& source) {
+  result.facts = FactsOf(source);
+  Rewind(source);
+  FrameOptions options;
+  options.isolation = ReadingIsolation();
   CodecReport report;
-  ImagingFrame frame = DecodeFrame(stream, {}, &report);
+  ImagingFrame frame = DecodeFrame(source, options, &report);
   const auto type = GridTypeOf(frame.format);
   if (!type) return;
   result.warnings = std::move(report.warnings);
@@ -52,9 +64,11 @@ void LoadStream(GridFile& result, TStream& stream) {
 void Load(GridFile& result, const std::string& file) {
   const InterruptibleInput waiting(file);
   TFileStream stream(file);
-  if (stream.Size() > 0) return LoadStream(result, stream);
+  const bool isFile = stream.Size() > 0;
+  if (isFile && ReadingIsolation() == Isolation::process) return LoadSource(result, file);
+  if (isFile) return LoadSource(result, stream);
   TMemoryStream memory(ReadUnsizedPicture(stream));
-  LoadStream(result, memory);
+  LoadSource(result, memory);
 }
 
 /// A world file that cannot be read gives no position; the tags are used.

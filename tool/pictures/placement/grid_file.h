@@ -5,9 +5,9 @@
 #include <vector>
 
 #include <rasterkit/codecs/tiff/tiff_facts.h>
+#include <rasterkit/pictures/grid.h>
 
 #include "tool/pictures/placement/geo_position.h"
-#include "tool/pictures/placement/grid.h"
 
 namespace rasterkit::tool {
 

@@ -6,7 +6,7 @@
 
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 
-#include "tool/pictures/picture_file.h"
+#include "tool/pictures/picture_input.h"
 
 namespace rasterkit::tool {
 

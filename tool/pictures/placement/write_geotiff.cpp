@@ -6,12 +6,14 @@
 #include <fmt/core.h>
 
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
+#include <rasterkit/pictures/picture_file.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/files/stream.h>
 #include <rasterkit/tifftobmp/geotiff_writer.h>
 
 #include "tool/command/exit_code.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/output_file.h"
 #include "tool/pictures/convert_picture.h"
@@ -84,9 +86,13 @@ Found FromWorldFile(const std::string& name) {
 /// Tags of the input itself; empty for anything except a readable TIFF file. Loading reports the
 /// error later.
 TiffFacts FactsOf(const std::string& file) {
+  PictureReading reading;
+  reading.withPixels = false;
+  reading.isolation = ReadingIsolation();
   try {
-    TFileStream stream(file);
-    return ReadTiffFacts(stream);
+    LoadedFrame picture;
+    ReadPicture(picture, file, reading);
+    return picture.tiff.value_or(TiffFacts());
   } catch (const Error&) {
     return {};
   }

@@ -1,0 +1,47 @@
+#include <rasterkit/codecs/messages/frame_fields.h>
+#include <rasterkit/codecs/rows/frame_format.h>
+
+namespace rasterkit::detail {
+namespace {
+
+constexpr size_t kMostWarnings = 1 << 20, kMostWarningBytes = 1 << 20, kCountBytes = 4;
+
+}  // namespace
+
+void WriteFrame(FieldWriter& fields, const ImagingFrame& frame) {
+  const auto& [format, rows, isConverted] = frame;
+  fields.Enum(format);
+  WriteRaster(fields, rows);
+  fields.Bool(isConverted);
+}
+
+FrameHead ReadFrameHead(FieldReader& fields) {
+  FrameHead head;
+  head.format = fields.Enum(GUID_WICPixelFormat16bppGrayHalf);
+  head.rows = ReadRasterHead(fields);
+  head.isConverted = fields.Bool();
+  const bool hasPixels = head.rows.RowsBytes() > 0;
+  if (hasPixels && StoredBitsPerPixel(head.rows.format) != PixelBits(head.format)) {
+    ThrowBadMessage("the rows do not fit the pixel format of the frame");
+  }
+  return head;
+}
+
+ImagingFrame NewFrame(const FrameHead& head, uint64_t rowsBytes) {
+  ImagingFrame frame;
+  frame.format = head.format;
+  frame.rows = NewRaster(head.rows, rowsBytes);
+  frame.isConverted = head.isConverted;
+  return frame;
+}
+
+void WriteWarnings(FieldWriter& fields, const std::vector<std::string>& warnings) {
+  fields.List(warnings, [&](const std::string& warning) { fields.ByteText(warning); });
+}
+
+std::vector<std::string> ReadWarnings(FieldReader& fields) {
+  return fields.List(kMostWarnings, kCountBytes,
+                     [&] { return fields.ByteText(kMostWarningBytes); });
+}
+
+}  // namespace rasterkit::detail

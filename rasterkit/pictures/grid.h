@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include <rasterkit/codecs/rows/imaging_frame.h>
+#include <rasterkit/raster/raster.h>
+#include <rasterkit/runtime/export.h>
+
+namespace rasterkit {
+
+/// Number type of a grid.
+enum class GridType { float32, float16, uint16, int16 };
+
+/// The grid type of a pixel format; nothing for colors.
+RASTERKIT_EXPORT std::optional<GridType> GridTypeOf(WICPixelFormat format);
+
+/// "float32", "float16", "uint16", "int16".
+RASTERKIT_EXPORT const char* GridTypeName(GridType type);
+
+/// The value that means "not measured".
+class RASTERKIT_EXPORT NoData {
+ public:
+  /// No such value.
+  NoData() = default;
+  /// Parses the text of the file's tag. A float grid holds the float nearest to the number; a
+  /// number that the type cannot hold never occurs in the grid. "nan" is valid.
+  NoData(const std::string& text, GridType type);
+
+  bool Is(double value) const { return value == value_ || (isNan_ && value != value); }
+  /// True if the text is not a number.
+  bool IsUnreadable() const { return isUnreadable_; }
+
+ private:
+  std::optional<double> value_;
+  bool isNan_ = false;
+  bool isUnreadable_ = false;
+};
+
+/// Rows of numbers as stored in a file.
+class RASTERKIT_EXPORT Grid {
+ public:
+  /// `rows` has 32 bits per pixel for float32, else 16.
+  Grid(Raster rows, GridType type) : rows_(std::move(rows)), type_(type) {}
+
+  int Width() const { return rows_.Width(); }
+  int Height() const { return rows_.Height(); }
+  GridType Type() const { return type_; }
+  bool Holds(double column, double row) const;
+  /// A double holds the values of every type exactly.
+  double At(int column, int row) const;
+
+ private:
+  Raster rows_;
+  GridType type_;
+};
+
+/// Statistics over all finite values except "no data".
+struct GridStatistics {
+  uint64_t values = 0;
+  /// All three are 0 if there are no values.
+  double minimum = 0, maximum = 0, mean = 0;
+  uint64_t noData = 0;
+  /// Number of infinite and NaN values that do not mean "no data".
+  uint64_t notFinite = 0;
+};
+
+RASTERKIT_EXPORT GridStatistics Summarize(const Grid& grid, const NoData& noData);
+
+}  // namespace rasterkit

@@ -1,0 +1,196 @@
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstring>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sched.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/worker/worker_process.h>
+
+#ifndef CLONE_PIDFD
+#define CLONE_PIDFD 0x00001000
+#endif
+#ifndef P_PIDFD
+#define P_PIDFD 3
+#endif
+
+namespace rasterkit::detail {
+namespace {
+
+/// The child between clone and exec runs in this process's memory: only system calls, no code that
+/// a sanitizer watches.
+#if defined(__clang__)
+#define RASTERKIT_UNWATCHED __attribute__((no_sanitize("address", "thread", "undefined")))
+#else
+#define RASTERKIT_UNWATCHED \
+  __attribute__((no_sanitize("address"), no_sanitize("thread"), no_sanitize("undefined")))
+#endif
+
+constexpr int kWorkerSocket = 3;
+constexpr size_t kChildStackBytes = 64 * 1024;
+/// Bytes of the kernel's signal set.
+constexpr size_t kSignalSetBytes = 8;
+/// Freeing a large process can take longer than a user should wait.
+constexpr int kWaitForEndMilliseconds = 30;
+
+struct ChildWork {
+  const char* program;
+  char* const* arguments;
+  char* const* environment;
+  int socket;
+  int null;
+  int error;
+};
+
+RASTERKIT_UNWATCHED int ChildMain(void* given) {
+  auto* const work = static_cast<ChildWork*>(given);
+  // A session of its own: no terminal, and none of its signals.
+  syscall(SYS_setsid);
+  // A zeroed action of the kernel is the default one; its size differs by processor.
+  alignas(16) const unsigned char kDefault[64] = {};
+  for (int signal = 1; signal < NSIG; ++signal) {
+    syscall(SYS_rt_sigaction, signal, kDefault, nullptr, kSignalSetBytes);
+  }
+  const bool isSetUp = syscall(SYS_dup3, work->socket, kWorkerSocket, 0) == kWorkerSocket &&
+                       syscall(SYS_dup3, work->null, 0, 0) == 0 &&
+                       syscall(SYS_dup3, work->null, 1, 0) == 1 &&
+#if defined(RASTERKIT_WORKER_REPORTS)
+                       // Reports of a sanitizer go where the program's own ones go.
+                       true &&
+#else
+                       syscall(SYS_dup3, work->null, 2, 0) == 2 &&
+#endif
+                       syscall(SYS_close_range, kWorkerSocket + 1, UINT_MAX, 0) == 0;
+  if (isSetUp) {
+    syscall(SYS_rt_sigprocmask, SIG_SETMASK, kDefault, nullptr, kSignalSetBytes);
+    syscall(SYS_execve, work->program, work->arguments, work->environment);
+  }
+  work->error = errno;
+  syscall(SYS_exit_group, 127);
+  return 0;
+}
+
+/// A handle above those that the child replaces.
+SystemFile HighHandle(int handle) {
+  SystemFile high(fcntl(handle, F_DUPFD_CLOEXEC, kWorkerSocket + 1));
+  if (!high.IsOpen()) throw Error(std::string("too many open files: ") + std::strerror(errno));
+  return high;
+}
+
+/// Stack of the child, which needs it until it runs its own program.
+class ChildStack {
+ public:
+  ChildStack()
+      : memory_(mmap(nullptr, kChildStackBytes, PROT_READ | PROT_WRITE,
+                     MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0)) {
+    if (memory_ == MAP_FAILED) throw std::bad_alloc();
+  }
+  ~ChildStack() { munmap(memory_, kChildStackBytes); }
+  ChildStack(const ChildStack&) = delete;
+  ChildStack& operator=(const ChildStack&) = delete;
+
+  void* Top() const { return static_cast<char*>(memory_) + kChildStackBytes; }
+
+ private:
+  void* memory_;
+};
+
+/// No handler of this process may run in the child, which shares its memory.
+class BlockedSignals {
+ public:
+  BlockedSignals() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  BlockedSignals(const BlockedSignals&) = delete;
+  BlockedSignals& operator=(const BlockedSignals&) = delete;
+
+ private:
+  sigset_t before_{};
+};
+
+/// Returns the handle of the new process.
+SystemFile Start(const std::string& program, int socket, int null) {
+  std::string name = program;
+  std::array<char*, 2> arguments{name.data(), nullptr};
+  ChildWork work{program.c_str(), arguments.data(), environ, socket, null, 0};
+  const ChildStack stack;
+  int handle = -1;
+  int error = 0;
+  {
+    const BlockedSignals blocked;
+    const int flags = CLONE_VM | CLONE_VFORK | CLONE_PIDFD | SIGCHLD;
+    if (clone(ChildMain, stack.Top(), flags, &work, &handle) < 0) error = errno;
+  }
+  SystemFile process(handle);
+  if (error == 0 && work.error == 0) return process;
+  if (process.IsOpen()) {
+    siginfo_t info{};
+    waitid(static_cast<idtype_t>(P_PIDFD), static_cast<id_t>(handle), &info, WEXITED | __WALL);
+    error = work.error;
+  }
+  throw Error(program + " cannot be started: " + std::generic_category().message(error));
+}
+
+bool IsReadable(int handle, int milliseconds) {
+  pollfd wait{handle, POLLIN, 0};
+  return poll(&wait, 1, milliseconds) > 0;
+}
+
+ProcessEnd Collect(int process) {
+  siginfo_t info{};
+  int result = 0;
+  do {
+    result =
+        waitid(static_cast<idtype_t>(P_PIDFD), static_cast<id_t>(process), &info, WEXITED | __WALL);
+  } while (result != 0 && errno == EINTR);
+  if (result != 0) return {};
+  const bool exited = info.si_code == CLD_EXITED;
+  return {exited ? ProcessEnd::Kind::exited : ProcessEnd::Kind::signaled, info.si_status};
+}
+
+}  // namespace
+
+WorkerProcess::WorkerProcess(const std::string& program) : owner_(getpid()) {
+  auto [here, there] = WorkerChannel::Pair();
+  const SystemFile socket = HighHandle(there.Handle());
+  there.Close();
+  const SystemFile opened = OpenAt(AT_FDCWD, "/dev/null", O_RDWR);
+  const SystemFile null = HighHandle(opened.Handle());
+  process_ = Start(program, socket.Handle(), null.Handle());
+  channel_ = std::move(here);
+}
+
+WorkerProcess::~WorkerProcess() {
+  // A copy of this process, made by fork, owns none of its children.
+  if (owner_ == getpid()) End();
+}
+
+ProcessEnd WorkerProcess::End() {
+  if (std::exchange(hasEnded_, true)) return {};
+  channel_.Close();
+  syscall(SYS_pidfd_send_signal, process_.Handle(), SIGKILL, nullptr, 0);
+  if (IsReadable(process_.Handle(), kWaitForEndMilliseconds)) return Collect(process_.Handle());
+  try {
+    std::thread([process = std::move(process_)] { Collect(process.Handle()); }).detach();
+  } catch (const std::system_error&) {
+    return Collect(process_.Handle());
+  }
+  return {};
+}
+
+}  // namespace rasterkit::detail

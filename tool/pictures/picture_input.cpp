@@ -1,0 +1,56 @@
+#include "tool/pictures/picture_input.h"
+
+#include <functional>
+#include <new>
+
+#include <rasterkit/runtime/errors.h>
+
+#include "tool/command/exit_code.h"
+#include "tool/command/interruption.h"
+#include "tool/command/isolation_option.h"
+#include "tool/command/limit_options.h"
+
+namespace rasterkit::tool {
+namespace {
+
+/// Runs a function that reads the file; adds the file name to errors.
+void Guarded(const std::string& file, const std::function<void()>& reading) {
+  try {
+    reading();
+  } catch (const Error& error) {
+    throw Failure(exitInputUnreadable, file + ": " + ReasonWithOption(error));
+  } catch (const std::bad_alloc&) {
+    throw Failure(exitInputUnreadable, file + ": out of memory");
+  }
+}
+
+bool ContinueUnlessInterrupted() {
+  StopIfInterrupted();
+  return true;
+}
+
+}  // namespace
+
+void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads,
+                   const MetafileDrawing& drawing) {
+  PictureReading reading;
+  reading.threads = threads;
+  reading.drawing = drawing;
+  reading.keepGoing = ContinueUnlessInterrupted;
+  reading.isolation = ReadingIsolation();
+  Guarded(file, [&] {
+    const InterruptibleInput waiting(file);
+    ReadPicture(frame, file, reading);
+  });
+}
+
+LoadedPicture LoadPicture(const std::string& file, int threads, const MetafileDrawing& drawing) {
+  LoadedFrame loaded;
+  LoadFrameInto(loaded, file, threads, drawing);
+  LoadedPicture picture;
+  Guarded(file, [&] { picture.bitmap = std::make_unique<TBitmap>(TakeVisibleRows(loaded)); });
+  static_cast<PictureFile&>(picture) = std::move(loaded);
+  return picture;
+}
+
+}  // namespace rasterkit::tool
