@@ -138,7 +138,7 @@ class Keeper {
   }
 
   void KeepAcl(PosixAcl acl) {
-    if (!IsGroupKept()) acl.NarrowToGroup(group_);
+    if (!IsGroupKept()) acl.NarrowToOtherGroup();
     const std::vector<uint8_t> bytes = acl.Bytes();
     if (Calls().setAttribute(file_.Handle(), PosixAcl::kAttribute, bytes.data(), bytes.size()) ==
         0) {

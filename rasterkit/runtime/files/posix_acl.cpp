@@ -55,13 +55,13 @@ mode_t PosixAcl::Mode() const {
   return static_cast<mode_t>(RightsOf(ACL_USER_OBJ) << 6 | middle << 3 | RightsOf(ACL_OTHER));
 }
 
-void PosixAcl::NarrowToGroup(gid_t group) {
+void PosixAcl::NarrowToOtherGroup() {
   const uint16_t ofGroup = Effective(*Find(ACL_GROUP_OBJ));
   const uint16_t ofOthers = RightsOf(ACL_OTHER);
   uint16_t common = ofGroup & ofOthers;
   for (const Entry& entry : entries_) {
-    // Members of the new group who have an entry of their own had its rights and not the others'.
-    if (entry.tag == ACL_GROUP && entry.id == group) common &= Effective(entry);
+    // Members of the new group who are in a named group had its rights and not the others'.
+    if (entry.tag == ACL_GROUP) common &= Effective(entry);
   }
   for (Entry& entry : entries_) {
     if (entry.tag == ACL_GROUP_OBJ) entry.rights = common;

@@ -23,7 +23,7 @@ class PosixAcl {
 
   /// Takes away the rights that somebody would gain when the file moves from its group to another
   /// one.
-  void NarrowToGroup(gid_t group);
+  void NarrowToOtherGroup();
 
   /// The most mode bits that give no one more rights when the list is dropped.
   mode_t ModeWithoutList() const;
@@ -43,7 +43,7 @@ class PosixAcl {
   std::vector<Entry> entries_;
 };
 
-/// Same as PosixAcl::NarrowToGroup for a file without a list: the group and the others keep the
+/// Same as PosixAcl::NarrowToOtherGroup for a file without a list: the group and the others keep the
 /// rights that both had.
 mode_t NarrowedToOtherGroup(mode_t mode);
 

@@ -39,8 +39,8 @@ inline std::vector<ListEntry> EntriesOf(const std::vector<uint8_t>& bytes) {
     return value;
   };
   for (size_t at = 4; at + 8 <= bytes.size(); at += 8) {
-    entries.push_back({static_cast<uint16_t>(number(at, 2)), static_cast<uint16_t>(number(at + 2, 2)),
-                       number(at + 4, 4)});
+    entries.push_back({static_cast<uint16_t>(number(at, 2)),
+                       static_cast<uint16_t>(number(at + 2, 2)), number(at + 4, 4)});
   }
   return entries;
 }

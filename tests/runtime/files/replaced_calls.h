@@ -28,8 +28,8 @@ template <auto Member>
 struct CountedCall;
 
 template <auto A, auto B>
-constexpr bool kIs = std::is_same_v<std::integral_constant<decltype(A), A>,
-                                    std::integral_constant<decltype(B), B>>;
+constexpr bool kIs =
+    std::is_same_v<std::integral_constant<decltype(A), A>, std::integral_constant<decltype(B), B>>;
 
 /// Counts the calls of a process and lets one of them fail. The calls go to the table that was in
 /// use when the object was made.

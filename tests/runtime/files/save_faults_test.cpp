@@ -5,6 +5,7 @@
 #include <iostream>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,12 +14,14 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
 
 #include "tests/runtime/files/access_lists.h"
 #include "tests/runtime/files/replaced_calls.h"
+#include "tests/support/environment.h"
 #include "tests/support/temp_folder.h"
 
 namespace rasterkit::test {
@@ -26,7 +29,7 @@ namespace {
 
 using detail::Calls;
 
-constexpr int kErrors[] = {EIO, ENOSPC, EDQUOT, EACCES, EPERM, EROFS, ENOMEM, EMFILE, ESTALE};
+constexpr int kErrors[] = {EIO, ENOSPC, EACCES, EMFILE};
 /// More than one buffer.
 constexpr size_t kBytes = 150'000;
 
@@ -98,14 +101,21 @@ std::vector<Scenario> Scenarios() {
   const auto none = [](const TempFolder&) {};
   const auto withList = [](const TempFolder& folder) {
     const std::string name = folder / "a.png";
-    SetList(name, kListAttribute, {{kUserOwner, 6, kNoId}, {kUser, 4, 4711}, {kGroupOwner, 4, kNoId},
-                                   {kMask, 6, kNoId}, {kOther, 0, kNoId}});
+    SetList(name, kListAttribute,
+            {{kUserOwner, 6, kNoId},
+             {kUser, 4, 4711},
+             {kGroupOwner, 4, kNoId},
+             {kMask, 6, kNoId},
+             {kOther, 0, kNoId}});
     setxattr(name.c_str(), "user.note", "text", 4, 0);
     setxattr(name.c_str(), "user.more", "texts", 5, 0);
   };
   const auto inFolderWithList = [](const TempFolder& folder) {
     SetList(folder.Path(), "system.posix_acl_default",
-            {{kUserOwner, 7, kNoId}, {kUser, 6, 4711}, {kGroupOwner, 5, kNoId}, {kMask, 7, kNoId},
+            {{kUserOwner, 7, kNoId},
+             {kUser, 6, 4711},
+             {kGroupOwner, 5, kNoId},
+             {kMask, 7, kNoId},
              {kOther, 0, kNoId}});
   };
   const auto linked = [](const TempFolder& folder) {
@@ -219,6 +229,9 @@ class Stage {
 };
 
 TEST(SaveFaults, EachFailingCall_LeavesOldOrNewFileAndNothingElse) {
+  // Thousands of folders; memory is faster than a busy disk.
+  std::optional<Environment> memory;
+  if (access("/dev/shm", W_OK) == 0) memory.emplace("TMPDIR", "/dev/shm");
   int faults = 0, errors = 0;
   for (const Scenario& scenario : Scenarios()) {
     SCOPED_TRACE(scenario.name);
