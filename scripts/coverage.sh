@@ -29,11 +29,35 @@ least_covered() {
     sort -rn | head -n 20
 }
 
+# run_whole_programs: each program of tests once. A process for each test, as ctest has it, would add up the counters of
+# the whole library thousands of times.
+run_whole_programs() {
+  local failed=build/coverage/failed.txt
+  : >"$failed"
+  export -f run_whole_program
+  find "$PWD/build/coverage/tests" -type f -name 'test_*' -perm -u+x | sort |
+    xargs -P "$(jobs_count)" -I '{}' bash -c 'run_whole_program "$@"' _ '{}' "$PWD/$failed"
+  [ ! -s "$failed" ] || stop "failed: $(paste -sd ' ' "$failed")"
+}
+
+# run_whole_program PROGRAM FAILED: adds its name to a list if it fails. Programs with windows run without the user's
+# display, settings and language.
+run_whole_program() {
+  local environment=()
+  case "$1" in
+    */tests/dialogs/* | */tests/qt/*) environment=(QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 LANGUAGE=) ;;
+  esac
+  cd "$(dirname "$1")" || return
+  env ${environment[0]:+"${environment[@]}"} timeout 1800 "$1" --gtest_brief=1 >"$1.log" 2>&1 </dev/null ||
+    basename "$1" >>"$2"
+}
+
 run_coverage() {
   need "${build_packages[@]}" "${test_packages[@]}" "${peer_packages[@]}" gcovr
   build coverage
   find build/coverage -name '*.gcda' -delete
-  run_tests coverage
+  run_whole_programs
+  run_tests coverage -R '^fuzz\.'
   count_lines
   report library '^rasterkit/(?!qt/|dialogs/)'
   report dialogs '^rasterkit/(qt|dialogs)/'
