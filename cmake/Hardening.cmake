@@ -7,7 +7,8 @@ check_pie_supported(LANGUAGES CXX)
 set(RASTERKIT_HARDENING_OPTIONS "")
 set(RASTERKIT_HARDENING_LINK_OPTIONS "")
 set(RASTERKIT_HARDENING_DEFINITIONS "")
-if(NOT RASTERKIT_SANITIZE AND NOT RASTERKIT_FUZZERS AND CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo|MinSizeRel)$")
+if(RASTERKIT_HARDENING AND NOT RASTERKIT_SANITIZE AND NOT RASTERKIT_FUZZERS
+   AND CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo|MinSizeRel)$")
   # Not every compiler has each of them for every processor.
   foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection=full -mbranch-protection=standard)
     string(MAKE_C_IDENTIFIER "RASTERKIT_HAS${flag}" known)

@@ -74,7 +74,8 @@ std::vector<std::string> OtherFiles() {
   std::vector<std::string> files = {"run", ".ci/run", "CMakeLists.txt", "CMakePresets.json",
                                     ".clang-tidy"};
   for (const char* folder : {"rasterkit", "tool", "tests", "fuzz", "bench", "examples", "samples",
-                             "cmake", "packaging", "scripts", ".github"}) {
+                             "cmake", "packaging", "scripts", "worker", ".github"}) {
+    if (!std::filesystem::exists(SourceFolder() / folder)) continue;
     for (const auto& entry :
          std::filesystem::recursive_directory_iterator(SourceFolder() / folder)) {
       const std::filesystem::path& path = entry.path();
