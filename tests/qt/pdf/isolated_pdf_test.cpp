@@ -7,7 +7,7 @@
 #include <rasterkit/runtime/limits.h>
 
 #include "tests/qt/pdf/pdf_fixture.h"
-#include "tests/support/child_count.h"
+#include "tests/runtime/worker/child_count.h"
 #include "tests/support/memory_limit.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/sanitizers.h"
