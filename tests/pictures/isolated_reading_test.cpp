@@ -10,6 +10,7 @@
 
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/codecs/decode_frame.h>
+#include <rasterkit/pictures/convert_metafile.h>
 #include <rasterkit/pictures/load_bitmap.h>
 #include <rasterkit/pictures/load_graphic_isolated.h>
 #include <rasterkit/pictures/picture_fields.h>
@@ -166,6 +167,31 @@ TEST_F(IsolatedReading, Metafile_Should_BeDrawnTheSame_AtAnySize) {
   for (const char* format : {"emf", "wmf"}) {
     for (const std::string& file : FilesBelow(std::filesystem::path(RASTERKIT_SEEDS) / format)) {
       ExpectSameReading(file, reading);
+    }
+  }
+}
+
+TEST_F(IsolatedReading, Metafile_Should_BeConvertedTheSame) {
+  for (const char* format : {"emf", "wmf", "png"}) {
+    for (const std::string& file : FilesBelow(std::filesystem::path(RASTERKIT_SEEDS) / format)) {
+      for (const bool toEnhanced : {false, true}) {
+        Result results[2];
+        for (const Isolation isolation : {Isolation::none, Isolation::process}) {
+          TFileStream stream(file);
+          ConvertedMetafile converted;
+          Result& result = results[isolation == Isolation::process ? 1 : 0];
+          result.error = ErrorOf([&] {
+            converted = ConvertMetafile(stream, toEnhanced, isolation);
+            if (converted.error) std::rethrow_exception(converted.error);
+          });
+          converted.error = nullptr;
+          FieldWriter fields;
+          detail::WriteConvertedMetafile(fields, converted);
+          result.fields = fields.Take();
+          result.rows = converted.bytes;
+        }
+        ExpectSame(results[0], results[1], file);
+      }
     }
   }
 }
