@@ -42,7 +42,9 @@ set_source_files_properties(${languages_folder}/languages.cpp PROPERTIES COMPILE
 add_library(rasterkit_dialogs SHARED $<TARGET_OBJECTS:rasterkit_dialogs_objects>)
 add_library(rasterkit::dialogs ALIAS rasterkit_dialogs)
 rasterkit_settings(rasterkit_dialogs)
-target_link_libraries(rasterkit_dialogs PUBLIC rasterkit Qt6::Widgets PRIVATE rasterkit_pdf Qt6::Svg fmt::fmt)
+target_link_libraries(rasterkit_dialogs PUBLIC rasterkit Qt6::Widgets PRIVATE Qt6::Svg fmt::fmt)
+# Opened at run time, by the worker program.
+add_dependencies(rasterkit_dialogs rasterkit_pdf rasterkit_worker)
 set_target_properties(rasterkit_dialogs PROPERTIES OUTPUT_NAME rasterkit-dialogs EXPORT_NAME dialogs
                                                    VERSION ${PROJECT_VERSION} SOVERSION 0)
 if(NOT RASTERKIT_SANITIZE)

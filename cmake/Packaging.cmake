@@ -14,9 +14,13 @@ target_compile_features(rasterkit INTERFACE cxx_std_20)
 file(RELATIVE_PATH library_from_tool /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 set_target_properties(rasterkit_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_tool}")
 
+file(RELATIVE_PATH library_from_worker /${CMAKE_INSTALL_LIBEXECDIR}/rasterkit /${CMAKE_INSTALL_LIBDIR})
+set_target_properties(rasterkit_worker PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_worker}")
+
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/rasterkit)
 install(TARGETS rasterkit EXPORT rasterkit_targets)
 install(TARGETS rasterkit_tool)
+install(TARGETS rasterkit_worker DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/rasterkit)
 install(EXPORT rasterkit_targets FILE rasterkitTargets.cmake NAMESPACE rasterkit:: DESTINATION ${package_folder})
 
 if(RASTERKIT_PDF)
@@ -42,7 +46,7 @@ if(RASTERKIT_DIALOGS)
 endif()
 
 # Builds everything that `cmake --install` copies, without tests and samples.
-add_custom_target(installed_files DEPENDS rasterkit rasterkit_tool)
+add_custom_target(installed_files DEPENDS rasterkit rasterkit_tool rasterkit_worker)
 if(RASTERKIT_PDF)
   add_dependencies(installed_files rasterkit_pdf)
 endif()

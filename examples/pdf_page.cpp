@@ -1,11 +1,9 @@
-#include <rasterkit/qt/pdf/qt_pdf.h>
 #include <rasterkit/rasterkit.h>
 
 namespace rk = rasterkit;
 
 // pdf_page FILE.pdf OUT.png: the first page at 150 dots per inch
 int main(int, char** arguments) {
-  rk::UseQtPdf();
   const std::unique_ptr<rk::PdfDocument> document = rk::CreatePdfDocument();
   document->LoadFromFile(arguments[1]);
   rk::TBitmap page;

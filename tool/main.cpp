@@ -2,12 +2,15 @@
 
 #include <cstdio>
 #include <exception>
+#include <set>
+#include <string_view>
 #include <vector>
 
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/standard_streams.h"
+#include "tool/reports/worker_report.h"
 #include "tool/verbs/verbs.h"
 
 namespace rasterkit::tool {
@@ -52,7 +55,17 @@ HelpPage ToolHelp() {
   return help;
 }
 
+/// `--version -v` in any order.
+bool WantsLongVersion(int argc, char** argv) {
+  const std::set<std::string_view> words(argv + 1, argv + argc);
+  return argc == 3 && words == std::set<std::string_view>{"--version", "-v"};
+}
+
 int Main(int argc, char** argv) {
+  if (WantsLongVersion(argc, argv)) {
+    std::printf("rasterkit " RASTERKIT_VERSION "\n%s", WorkerReport().c_str());
+    return WithFlushedOutput(exitDone);
+  }
   CommandLine line(ToolHelp(), "rasterkit " RASTERKIT_VERSION);
   std::vector<VerbRunner> verbs;
   for (const auto add :

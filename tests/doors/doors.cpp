@@ -73,6 +73,7 @@ constexpr Folder kFolders[] = {
     {"rasterkit/dialogs/savedlgbitmap", 36},
     {"rasterkit/dialogs/desktop", 37},
     {"rasterkit", 38},
+    {"worker", 39},
     {"tool", 39},
     {"examples", 39},
     {"examples/qt-host", 39},

@@ -8,8 +8,8 @@
 namespace rasterkit::test {
 namespace {
 
-constexpr const char* kFolders[] = {"rasterkit", "tool", "examples"};
-constexpr const char* kCountedFolders[] = {"rasterkit", "tool", "tests", "fuzz", "bench"};
+constexpr const char* kFolders[] = {"rasterkit", "worker", "tool", "examples"};
+constexpr const char* kCountedFolders[] = {"rasterkit", "worker", "tool", "tests", "fuzz", "bench"};
 constexpr const char* kDataFolders[] = {"fuzz/seeds/", "fuzz/regressions/"};
 
 bool IsData(const std::string& path) {

@@ -82,9 +82,10 @@ std::optional<WorkerMessage> WorkerChannel::Receive() const {
   header.msg_control = control.bytes.data();
   header.msg_controllen = control.bytes.size();
   ssize_t received = -1;
+  // An end that was closed before it read everything is told once, before its last messages.
   do {
     received = recvmsg(Handle(), &header, MSG_CMSG_CLOEXEC);
-  } while (received < 0 && errno == EINTR);
+  } while (received < 0 && (errno == EINTR || errno == ECONNRESET));
   if (received <= 0) return std::nullopt;
   std::vector<SystemFile> files = TakeFiles(header);
   if ((header.msg_flags & MSG_TRUNC) != 0) ThrowBadMessage("it is too long");

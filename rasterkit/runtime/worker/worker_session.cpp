@@ -77,9 +77,9 @@ struct WorkerSession::State : WorkerHolder {
 
 /// Throws the error for a worker that ended without an answer.
 void WorkerSession::State::ThrowEnded() {
-  // Something of a process that hangs without its socket would be lost by killing it.
-  WaitReadable(process->EndHandle(), kEndsByItselfMilliseconds);
-  const ProcessEnd end = End();
+  const bool endsByItself = WaitReadable(process->EndHandle(), kEndsByItselfMilliseconds);
+  ProcessEnd end = End();
+  if (!endsByItself) end = {};
   if (end.kind == ProcessEnd::Kind::signaled && end.value == SIGXCPU) {
     throw TimeLimitError(
         fmt::format("{}: the time limit of {} seconds is over", what, setup.limits.seconds));
@@ -170,7 +170,8 @@ WorkerTurn::WorkerTurn(WorkerSession& session, KeepGoing keepGoing)
     own.setup = setup;
     own.process.emplace(program);
     state_->isFresh = true;
-    if (!own.process->Channel().Send(SetupMessage(setup))) own.ThrowEnded();
+    // If it has ended already, the first request finds its reason.
+    own.process->Channel().Send(SetupMessage(setup));
   } catch (...) {
     own.End();
     WorkerSlots::Instance().Leave(own);
@@ -196,10 +197,8 @@ WorkerMessage WorkerTurn::Ask(const WorkerMessage& request, uint16_t answer, siz
   if (!own.process) throw Error(own.what + ": the process that reads the file has ended");
   std::optional<WorkerError> reported;
   try {
-    if (!own.process->Channel().Send(request)) {
-      // What it said before it ended is the reason.
-      own.GetReady(state_->keepGoing);
-    }
+    // If it has ended, what it said before is the reason.
+    own.process->Channel().Send(request);
     own.GetReady(state_->keepGoing);
     WorkerMessage message = own.Wait(state_->keepGoing);
     if (message.kind != kWorkerFailed) {

@@ -16,6 +16,7 @@
 #include <rasterkit/graphics/png_image.h>
 #include <rasterkit/qt/files/file_dialogs.h>
 #include <rasterkit/qt/preview/preview_loader.h>
+#include <rasterkit/runtime/worker/worker_program.h>
 
 #include "tests/dialogs/editpdfbitmap/editor_test.h"
 #include "tests/support/corpus.h"
@@ -264,6 +265,7 @@ class RealPdfTest : public EntryTest {
  protected:
   RealPdfTest() {
     PdfDocumentFactory() = nullptr;
+    rasterkit::detail::SetWorkerProgram(RASTERKIT_WORKER_FILE);
     const PdfPageText plain{"0 0 144 216", PdfRectangle("0.8 0.1 0.2", 10, 20, 60, 40)};
     const PdfPageText onItsSide{"0 0 144 216", PdfRectangle("0 0.2 0.9", 30, 5, 20, 90), "",
                                 "/Rotate 90"};

@@ -139,6 +139,18 @@ TEST(CliHelp, Columns_Should_ComeFromTheEnvironmentFirst) {
   EXPECT_GT(piped, 60u) << "stdout is no terminal";
 }
 
+TEST(CliHelp, Version_Should_SayHowFilesAreIsolated_When_Verbose) {
+  for (const std::vector<std::string>& line :
+       {std::vector<std::string>{"--version", "-v"}, {"-v", "--version"}}) {
+    const ToolResult result = RunTool(line);
+    EXPECT_EQ(result.code, 0);
+    EXPECT_THAT(result.out,
+                testing::ContainsRegex("^rasterkit [0-9.]+\nworker: /.*rasterkit-worker\n"
+                                       "Landlock: (version [0-9]+|none: .*)\n"
+                                       "system call filter: (yes|no)\n$"));
+  }
+}
+
 TEST(CliHelp, WrongUsage_Should_NameTheVerbAndTheAcceptedValues) {
   EXPECT_EQ(RunTool({"convert", "a.bmp", "b.png", "--bits", "7"}).err,
             "rasterkit convert: --bits: must be one of 1, 4, 8, 15, 16, 24, 32, not '7'\n"
