@@ -66,7 +66,7 @@ class RASTERKIT_EXPORT FieldWriter {
   std::vector<uint8_t> bytes_;
 };
 
-/// Reads the bytes of a message from a process that nobody vouches for. The caller keeps the bytes
+/// Reads the bytes of a message from an untrusted process. The caller keeps the bytes
 /// alive. Each function throws FormatError if the field does not fit the bytes, its type or the
 /// given limit, so no field is read past the end and no memory is allocated that the bytes cannot
 /// fill.

@@ -57,7 +57,7 @@ TEST_F(CliDialogLibrary, Missing_Should_NotMatter_When_NobodyIsAsked) {
   EXPECT_EQ(RunTool({"resize", folder_ / "in.png", folder_ / "out.png", "--size", "3x2"}).code, 0);
 }
 
-/// Without a worker program beside the library there is nobody to read the picture.
+/// There is no worker program beside the library.
 TEST_F(CliDialogLibrary, Edit_Should_ReadInAWorker_UnlessToldOtherwise) {
   const std::filesystem::path library =
       Libraries() / std::filesystem::path(RASTERKIT_LIBRARY).filename();
