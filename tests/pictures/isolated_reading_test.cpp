@@ -18,10 +18,12 @@
 #include <rasterkit/runtime/error_class.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
+#include <rasterkit/runtime/worker/worker_memory.h>
 #include <rasterkit/runtime/worker/worker_program.h>
 
 #include "tests/support/corpus.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/test_pictures.h"
 
 /// What a worker process reads equals what this process reads, in every property.
 namespace rasterkit {
@@ -200,6 +202,23 @@ TEST_F(IsolatedReading, FactsAlone_Should_BeTheSame) {
   PictureReading reading;
   reading.withPixels = false;
   for (const std::string& file : SampleFiles()) ExpectSameReading(file, reading);
+}
+
+/// Pixels and facts that are longer than one piece of memory come in several.
+TEST_F(IsolatedReading, LargePicture_Should_BeReadTheSame) {
+  std::vector<uint8_t> profile(detail::kMostWorkerMemoryBytes * 2 + 12345);
+  for (size_t i = 0; i < profile.size(); ++i) profile[i] = static_cast<uint8_t>(i * 7 + i / 999);
+  constexpr std::string_view kColors = "RGB ", kSignature = "acsp";
+  std::copy(kColors.begin(), kColors.end(), profile.begin() + 16);
+  std::copy(kSignature.begin(), kSignature.end(), profile.begin() + 36);
+  TBitmap bitmap = test::GradientBitmap(pf24bit, 3001, 3999);
+  bitmap.SetProfile(std::make_shared<const std::vector<uint8_t>>(std::move(profile)));
+  const TempFolder folder;
+  bitmap.SaveToFile(folder / "large.bmp");
+  const Result isolated = ReadingOf(folder / "large.bmp", Isolation::process);
+  EXPECT_GT(isolated.rows.size(), 2 * detail::kMostWorkerMemoryBytes);
+  EXPECT_GT(isolated.fields.size(), 2 * detail::kMostWorkerMemoryBytes);
+  ExpectSame(ReadingOf(folder / "large.bmp", Isolation::none), isolated, "large.bmp");
 }
 
 TEST_F(IsolatedReading, Threads_Should_WorkInTheWorker) {
