@@ -10,12 +10,12 @@
 
 namespace rasterkit {
 
-/// Loads the first picture of a file for viewing, whatever its name: all formats of the codec
-/// table, and metafiles at 96 pixels per inch on white. With Isolation::process, a worker process
-/// reads the file: use it for files that nobody vouches for. The caller owns the bitmap. It has the
-/// rows as stored, without the turn that a photograph needs; the numbers of a grid become grays.
-/// Warnings are added to `report`. May be called on any thread; at most as many worker processes as
-/// processors run at once, and further calls wait.
+/// Loads the first picture of a file for viewing, by content, regardless of its name: all formats
+/// of the codec table, and metafiles at 96 pixels per inch on white. With Isolation::process, a
+/// worker process reads the file: use it for untrusted files. The caller owns the bitmap. It has
+/// the rows as stored, without the turn that a photograph needs; the numbers of a grid become
+/// grays. Warnings are added to `report`. May be called on any thread; at most as many worker
+/// processes as processors run at once, and further calls wait.
 ///
 /// Throws FileError if the file cannot be opened, FormatError or UnsupportedError if it is no
 /// readable picture, LimitError if it exceeds the limits of the calling thread (see Limits), and

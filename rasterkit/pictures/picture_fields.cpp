@@ -1,5 +1,6 @@
 #include <limits>
 
+#include <rasterkit/codecs/messages/isolated_reading.h>
 #include <rasterkit/codecs/messages/tiff_fields.h>
 #include <rasterkit/pictures/picture_fields.h>
 
@@ -183,6 +184,24 @@ FrameHead ReadPictureHead(FieldReader& fields, PictureFile& picture) {
   FrameHead head = ReadFrameHead(fields);
   if (grid != GridTypeOf(head.format)) ThrowBadMessage("the pixels are not those of the grid");
   return head;
+}
+
+void WriteConvertedMetafile(FieldWriter& fields, const ConvertedMetafile& metafile) {
+  const auto& [bytes, error, wasEnhanced, width, height, warnings] = metafile;
+  WriteOutcome(fields, error);
+  fields.Bool(wasEnhanced);
+  fields.I32(width);
+  fields.I32(height);
+  WriteWarnings(fields, warnings);
+}
+
+void ReadConvertedMetafile(FieldReader& fields, ConvertedMetafile& metafile) {
+  auto& [bytes, error, wasEnhanced, width, height, warnings] = metafile;
+  error = ReadOutcome(fields);
+  wasEnhanced = fields.Bool();
+  width = ReadNotNegative(fields);
+  height = ReadNotNegative(fields);
+  warnings = ReadWarnings(fields);
 }
 
 }  // namespace rasterkit::detail

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include <rasterkit/codecs/messages/frame_fields.h>
+#include <rasterkit/pictures/convert_metafile.h>
 #include <rasterkit/pictures/picture_file.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/worker/fields.h>
@@ -24,5 +25,10 @@ RASTERKIT_EXPORT MetafileFacts ReadMetafileFacts(FieldReader& fields);
 RASTERKIT_EXPORT void WritePicture(FieldWriter& fields, const LoadedFrame& picture);
 /// Reads the facts into `picture`, and returns what is known about its rows.
 RASTERKIT_EXPORT FrameHead ReadPictureHead(FieldReader& fields, PictureFile& picture);
+
+/// Everything except the bytes.
+RASTERKIT_EXPORT void WriteConvertedMetafile(FieldWriter& fields,
+                                             const ConvertedMetafile& metafile);
+RASTERKIT_EXPORT void ReadConvertedMetafile(FieldReader& fields, ConvertedMetafile& metafile);
 
 }  // namespace rasterkit::detail

@@ -36,13 +36,15 @@ std::exception_ptr ErrorOf(Reading reading) {
 struct PictureWorker::State {
   WorkerReader reader = WorkerReader::pictures;
   std::vector<uint8_t> fields;
-  /// The rows that the content is.
+  /// The content is one of these.
   Raster rows;
+  std::vector<uint8_t> bytes;
 
-  std::span<const uint8_t> Content() const { return RowsOf(rows); }
+  std::span<const uint8_t> Content() const { return bytes.empty() ? RowsOf(rows) : bytes; }
 
   void DecodeFrame(FieldReader& task, TStream& file);
   void ReadPicture(FieldReader& task, TStream& file);
+  void ConvertMetafile(FieldReader& task, TStream& file);
   WorkerMessage Read(WorkerMessage& request);
   WorkerMessage More(const WorkerMessage& request) const;
 };
@@ -75,17 +77,31 @@ void PictureWorker::State::ReadPicture(FieldReader& task, TStream& file) {
   rows = std::move(picture.frame.rows);
 }
 
+void PictureWorker::State::ConvertMetafile(FieldReader& task, TStream& file) {
+  const bool toEnhanced = task.Bool();
+  task.RequireEnd();
+  ConvertedMetafile converted;
+  const auto error = ErrorOf([&] { converted = rasterkit::ConvertMetafile(file, toEnhanced); });
+  FieldWriter answer;
+  WriteOutcome(answer, error);
+  if (!error) WriteConvertedMetafile(answer, converted);
+  fields = answer.Take();
+  bytes = std::move(converted.bytes);
+}
+
 WorkerMessage PictureWorker::State::Read(WorkerMessage& request) {
   if (request.files.size() != 1) ThrowBadMessage("a request has no file");
   FieldReader body(request.body);
-  const WorkerTask task = body.Enum(WorkerTask::picture);
+  const WorkerTask task = body.Enum(WorkerTask::metafile);
   FieldReader options(body.Bytes(kMostWorkerBodyBytes));
   body.RequireEnd();
   const auto file = WorkerInputStream(std::move(request.files[0]));
   if (task == WorkerTask::frame) {
     DecodeFrame(options, *file);
-  } else {
+  } else if (task == WorkerTask::picture) {
     ReadPicture(options, *file);
+  } else {
+    ConvertMetafile(options, *file);
   }
   FieldWriter sizes;
   sizes.U64(fields.size());

@@ -91,6 +91,10 @@ expect_text("100 %")
 expect_info(large.png "png, 2000 x 1500 pixels, 24 bits")
 expect(0 ${consumer}/build/memory_limit ${samples}/plan.png)
 expect_text("needs 38400 bytes, the limit is 1000 bytes")
+expect(0 ${consumer}/build/untrusted_file ${samples}/plan.png small-plan.png)
+expect_info(small-plan.png "png, 100 x 75 pixels")
+expect(1 ${consumer}/build/untrusted_file ${samples}/plan.pgw small-plan.png)
+expect_text("plan.pgw: ")
 
 # By pkg-config.
 set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIBDIR}/pkgconfig)

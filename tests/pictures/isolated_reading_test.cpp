@@ -10,6 +10,7 @@
 
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/codecs/decode_frame.h>
+#include <rasterkit/pictures/convert_metafile.h>
 #include <rasterkit/pictures/load_bitmap.h>
 #include <rasterkit/pictures/load_graphic_isolated.h>
 #include <rasterkit/pictures/picture_fields.h>
@@ -17,10 +18,12 @@
 #include <rasterkit/runtime/error_class.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
+#include <rasterkit/runtime/worker/worker_memory.h>
 #include <rasterkit/runtime/worker/worker_program.h>
 
 #include "tests/support/corpus.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/test_pictures.h"
 
 /// What a worker process reads equals what this process reads, in every property.
 namespace rasterkit {
@@ -170,10 +173,52 @@ TEST_F(IsolatedReading, Metafile_Should_BeDrawnTheSame_AtAnySize) {
   }
 }
 
+TEST_F(IsolatedReading, Metafile_Should_BeConvertedTheSame) {
+  for (const char* format : {"emf", "wmf", "png"}) {
+    for (const std::string& file : FilesBelow(std::filesystem::path(RASTERKIT_SEEDS) / format)) {
+      for (const bool toEnhanced : {false, true}) {
+        Result results[2];
+        for (const Isolation isolation : {Isolation::none, Isolation::process}) {
+          TFileStream stream(file);
+          ConvertedMetafile converted;
+          Result& result = results[isolation == Isolation::process ? 1 : 0];
+          result.error = ErrorOf([&] {
+            converted = ConvertMetafile(stream, toEnhanced, isolation);
+            if (converted.error) std::rethrow_exception(converted.error);
+          });
+          converted.error = nullptr;
+          FieldWriter fields;
+          detail::WriteConvertedMetafile(fields, converted);
+          result.fields = fields.Take();
+          result.rows = converted.bytes;
+        }
+        ExpectSame(results[0], results[1], file);
+      }
+    }
+  }
+}
+
 TEST_F(IsolatedReading, FactsAlone_Should_BeTheSame) {
   PictureReading reading;
   reading.withPixels = false;
   for (const std::string& file : SampleFiles()) ExpectSameReading(file, reading);
+}
+
+/// Pixels and facts that are longer than one piece of memory come in several.
+TEST_F(IsolatedReading, LargePicture_Should_BeReadTheSame) {
+  std::vector<uint8_t> profile(detail::kMostWorkerMemoryBytes * 2 + 12345);
+  for (size_t i = 0; i < profile.size(); ++i) profile[i] = static_cast<uint8_t>(i * 7 + i / 999);
+  constexpr std::string_view kColors = "RGB ", kSignature = "acsp";
+  std::copy(kColors.begin(), kColors.end(), profile.begin() + 16);
+  std::copy(kSignature.begin(), kSignature.end(), profile.begin() + 36);
+  TBitmap bitmap = test::GradientBitmap(pf24bit, 3001, 3999);
+  bitmap.SetProfile(std::make_shared<const std::vector<uint8_t>>(std::move(profile)));
+  const TempFolder folder;
+  bitmap.SaveToFile(folder / "large.bmp");
+  const Result isolated = ReadingOf(folder / "large.bmp", Isolation::process);
+  EXPECT_GT(isolated.rows.size(), 2 * detail::kMostWorkerMemoryBytes);
+  EXPECT_GT(isolated.fields.size(), 2 * detail::kMostWorkerMemoryBytes);
+  ExpectSame(ReadingOf(folder / "large.bmp", Isolation::none), isolated, "large.bmp");
 }
 
 TEST_F(IsolatedReading, Threads_Should_WorkInTheWorker) {

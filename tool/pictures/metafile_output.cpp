@@ -1,14 +1,17 @@
 #include "tool/pictures/metafile_output.h"
 
+#include <exception>
+
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/metadata_kind.h>
-#include <rasterkit/graphics/metafile.h>
+#include <rasterkit/pictures/convert_metafile.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/text.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/output_file.h"
 
@@ -26,7 +29,12 @@ void RequireMetafile(PictureType type, const std::string& file) {
                 file + ": a picture of pixels cannot be written as a metafile");
 }
 
-void Load(TMetafile& metafile, const std::string& file) {
+bool ContinueUnlessInterrupted() {
+  StopIfInterrupted();
+  return true;
+}
+
+ConvertedMetafile Load(const std::string& file, bool toEnhanced) {
   try {
     const InterruptibleInput waiting(file);
     TFileStream stream(file);
@@ -35,7 +43,7 @@ void Load(TMetafile& metafile, const std::string& file) {
     const std::vector<uint8_t> bytes = stream.ReadToEnd();
     RequireMetafile(SniffPictureType(bytes), file);
     TSpanStream memory(bytes);
-    metafile.LoadFromStream(memory);
+    return ConvertMetafile(memory, toEnhanced, ReadingIsolation(), ContinueUnlessInterrupted);
   } catch (const Error& error) {
     throw Failure(exitInputUnreadable, file + ": " + ReasonWithOption(error));
   }
@@ -59,25 +67,25 @@ JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
                       ": a metafile cannot be turned; --angle requires an output of "
                       "pixels (.bmp, .jpg, .png, .tif)");
   }
-  TMetafile metafile;
-  Load(metafile, job.input);
-  const bool wasEnhanced = metafile.Enhanced();
-  metafile.SetEnhanced(IsEmfName(job.output));
+  const bool toEnhanced = IsEmfName(job.output);
+  const ConvertedMetafile metafile = Load(job.input, toEnhanced);
   StopIfInterrupted();
   JobResult result;
-  result.file =
-      WriteOutput(job.output, job.saving, [&](TStream& stream) { metafile.SaveToStream(stream); });
-  result.type = metafile.Enhanced() ? "emf" : "wmf";
-  result.width = metafile.Width();
-  result.height = metafile.Height();
-  result.warnings = metafile.Facts().warnings;
+  result.file = WriteOutput(job.output, job.saving, [&](TStream& stream) {
+    if (metafile.error) std::rethrow_exception(metafile.error);
+    stream.Write(metafile.bytes);
+  });
+  result.type = toEnhanced ? "emf" : "wmf";
+  result.width = metafile.width;
+  result.height = metafile.height;
+  result.warnings = metafile.warnings;
   if (IsForPixels(options)) {
     result.warnings.emplace_back(
         "--background, --bits, --dpi and --size apply only to outputs of pixels; a metafile is "
         "written unchanged");
   }
   // The WMF file holds pixels instead of the records.
-  if (wasEnhanced && !metafile.Enhanced()) {
+  if (metafile.wasEnhanced && !toEnhanced) {
     result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::records));
   }
   return result;

@@ -9,6 +9,7 @@
 #include <rasterkit/dialogs/execbitmap/adjust_bitmap.h>
 #include <rasterkit/dialogs/savedlgbitmap/save_bitmap_dlg_ext.h>
 #include <rasterkit/qt/host/modal_call.h>
+#include <rasterkit/qt/preview/preview_decoder.h>
 
 namespace rasterkit {
 namespace {
@@ -40,6 +41,8 @@ std::unique_ptr<TModalCall>& Session() {
 DesktopAnswer Start(std::string& error) noexcept {
   const auto start = [] {
     Session() = std::make_unique<TModalCall>();
+    // A desktop's user looks into any folder, downloads among them.
+    detail::SetPreviewIsolation(Isolation::process);
     return true;
   };
   return AnswerOf(start, error);

@@ -11,6 +11,7 @@
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/jpegexif/photo_queries.h>
+#include <rasterkit/pictures/picture_file.h>
 #include <rasterkit/qt/bitmap_image.h>
 #include <rasterkit/qt/preview/preview_decoder.h>
 #include <rasterkit/raster/stretch/halftone.h>
@@ -24,6 +25,8 @@ namespace {
 
 /// About a second of decoding, and a moderate amount of memory for a dialog.
 constexpr uint64_t kPreviewMemory = uint64_t{384} << 20;
+
+std::atomic<Isolation> isolation = Isolation::none;
 
 /// Thrown to cancel decoding. Not an Error, so that no handler reports it as damage.
 struct Canceled {};
@@ -92,17 +95,42 @@ int RotationOf(const std::string& fileName) {
   return rotation;
 }
 
+/// The decoded picture and the counter-clockwise degrees by which loading rotates it.
+struct DecodedFile {
+  Raster picture;
+  int rotation = 0;
+};
+
+DecodedFile DecodeHere(const std::string& fileName, PictureType type, TStream& stream) {
+  DecodedFile file{PictureOfFrame(DecodeFrame(stream))};
+  if (type == PictureType::jpeg) file.rotation = RotationOf(fileName);
+  return file;
+}
+
+DecodedFile DecodeIsolated(const std::string& fileName, const std::atomic<bool>& isCanceled) {
+  PictureReading reading;
+  reading.isolation = Isolation::process;
+  reading.keepGoing = [&] { return !isCanceled; };
+  LoadedFrame read;
+  ReadPicture(read, fileName, reading);
+  DecodedFile file{PictureOfFrame(std::move(read.frame))};
+  const bool isPhoto = GetGraphicsType(ExtractFileExt(fileName)) == gtJpg;
+  if (isPhoto && read.type == PictureType::jpeg) file.rotation = read.photo.rotation.value_or(0);
+  return file;
+}
+
 Preview Decode(const std::string& fileName, int side, const std::atomic<bool>& isCanceled) {
   CanceledStream stream(fileName, isCanceled);
   const PictureType type = SniffPictureType(stream);
   if (!IsDecoded(type)) return {{}, rsPreviewNone};
-  Raster raster = PictureOfFrame(DecodeFrame(stream));
+  DecodedFile file = isolation == Isolation::process ? DecodeIsolated(fileName, isCanceled)
+                                                     : DecodeHere(fileName, type, stream);
   Preview preview;
-  preview.width = raster.Width();
-  preview.height = raster.Height();
+  preview.width = file.picture.Width();
+  preview.height = file.picture.Height();
   if (isCanceled) return preview;
-  preview.image = ImageOfOwned(Shrink(std::move(raster), side));
-  const int rotation = type == PictureType::jpeg ? RotationOf(fileName) : 0;
+  preview.image = ImageOfOwned(Shrink(std::move(file.picture), side));
+  const int rotation = file.rotation;
   if (rotation != 0) {
     preview.image = preview.image.transformed(QTransform().rotate(-rotation));
     if (rotation % 180 != 0) std::swap(preview.width, preview.height);
@@ -133,6 +161,10 @@ Preview DecodePreview(const std::string& fileName, int side, const std::atomic<b
   } catch (const std::exception&) {
     return {{}, rsPreviewBroken};
   }
+}
+
+void SetPreviewIsolation(Isolation value) {
+  isolation = value;
 }
 
 }  // namespace rasterkit::detail

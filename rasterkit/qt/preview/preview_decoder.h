@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include <rasterkit/runtime/isolation.h>
+
 /// A thumbnail of a picture file for the file dialogs. Internal to this folder.
 namespace rasterkit::detail {
 
@@ -24,5 +26,9 @@ struct Preview {
 /// be read safely (a pipe, a device, a folder) gives a problem. Reading ends soon after
 /// `isCanceled` is set; the result is meaningless then.
 Preview DecodePreview(const std::string& fileName, int side, const std::atomic<bool>& isCanceled);
+
+/// Sets where previews are decoded: in this process (the default), or each one in a worker process,
+/// for programs whose users look into any folder. May be called on any thread.
+void SetPreviewIsolation(Isolation isolation);
 
 }  // namespace rasterkit::detail

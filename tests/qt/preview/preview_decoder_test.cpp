@@ -1,5 +1,6 @@
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -7,6 +8,7 @@
 
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/qt/preview/preview_decoder.h>
+#include <rasterkit/runtime/worker/worker_program.h>
 #include <rasterkit/strings/strings.h>
 
 #include "tests/support/bmp_file.h"
@@ -47,6 +49,26 @@ TEST_F(PreviewDecoderTest, Picture_Should_BeShrunkToTheSide) {
   EXPECT_EQ(preview.image.size(), QSize(100, 50));
   EXPECT_EQ(preview.width, 403);
   EXPECT_EQ(preview.height, 201);
+}
+
+TEST_F(PreviewDecoderTest, Preview_Should_BeTheSame_InAWorkerProcess) {
+  SetWorkerProgram(RASTERKIT_WORKER);
+  std::ofstream(folder_ / "broken.png") << "no picture";
+  std::ofstream(folder_ / "plan.emf", std::ios::binary)
+      << test::ReadFile(std::string(RASTERKIT_SOURCE_TREE) + "/fuzz/seeds/emf/text.emf");
+  for (const std::string& file :
+       {Sample("plan.png"), Sample("orientation-6.jpg"), Sample("orientation-3.jpg"),
+        Sample("terrain.tif"), Sample("plan-colored.bmp"), folder_ / "broken.png",
+        folder_ / "plan.emf", folder_ / "missing.png"}) {
+    const Preview here = Decode(file);
+    SetPreviewIsolation(Isolation::process);
+    const Preview isolated = Decode(file);
+    SetPreviewIsolation(Isolation::none);
+    EXPECT_EQ(isolated.problem, here.problem) << file;
+    EXPECT_EQ(isolated.image, here.image) << file;
+    EXPECT_EQ(isolated.width, here.width) << file;
+    EXPECT_EQ(isolated.height, here.height) << file;
+  }
 }
 
 TEST_F(PreviewDecoderTest, Picture_Should_KeepAPixel_When_ItIsVeryNarrow) {

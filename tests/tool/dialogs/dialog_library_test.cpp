@@ -57,6 +57,22 @@ TEST_F(CliDialogLibrary, Missing_Should_NotMatter_When_NobodyIsAsked) {
   EXPECT_EQ(RunTool({"resize", folder_ / "in.png", folder_ / "out.png", "--size", "3x2"}).code, 0);
 }
 
+/// There is no worker program beside the library.
+TEST_F(CliDialogLibrary, Edit_Should_ReadInAWorker_UnlessToldOtherwise) {
+  const std::filesystem::path library =
+      Libraries() / std::filesystem::path(RASTERKIT_LIBRARY).filename();
+  std::filesystem::remove(library);
+  std::filesystem::copy_file(RASTERKIT_LIBRARY, library);
+  PlaceFake();
+  const Environment environment("LD_LIBRARY_PATH", Libraries().string());
+  const ToolResult isolated = RunTool({"edit", folder_ / "in.png"});
+  EXPECT_EQ(isolated.code, 3);
+  EXPECT_THAT(isolated.err, HasSubstr("rasterkit-worker"));
+  const ToolResult here = RunTool({"edit", folder_ / "in.png", "--no-isolate"});
+  EXPECT_EQ(here.code, 4);
+  EXPECT_THAT(here.err, HasSubstr("the window fell over"));
+}
+
 TEST_F(CliDialogLibrary, FileThatIsNoLibrary_Should_BeSaid) {
   WriteText(Dialogs(), "no library");
   EXPECT_THAT(Refusal("resize"), HasSubstr("librasterkit-dialogs.so.0 cannot be loaded: "));

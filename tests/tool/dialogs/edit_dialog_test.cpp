@@ -78,6 +78,15 @@ TEST_F(CliDialogEdit, Picture_Should_GoOverItsFile_When_TheUserSaysSo) {
   EXPECT_EQ(ReadBytes(folder_ / "in.~png"), before) << "the picture before is kept";
 }
 
+/// The window shows what a worker process read, and what this process reads with the option.
+TEST_F(CliDialogEdit, Changes_Should_BeTheSame_WithAndWithoutAWorker) {
+  SaveJpegFile(folder_ / "in.jpg", GradientRaster(pf24bit, 60, 40), 6);
+  const std::string script = "click SpeedButtonMirror; click nbPost | enter fileNameEdit ";
+  ASSERT_EQ(Run({"edit", folder_ / "in.jpg"}, script + "isolated").code, 0);
+  ASSERT_EQ(Run({"edit", folder_ / "in.jpg", "--no-isolate"}, script + "here").code, 0);
+  EXPECT_EQ(ReadBytes(folder_ / "isolated.jpg"), ReadBytes(folder_ / "here.jpg"));
+}
+
 TEST_F(CliDialogEdit, Losses_Should_BeSaid_When_APictureIsWritten) {
   SaveJpegFile(folder_ / "in.jpg", GradientRaster(pf24bit, 60, 40), 1);
   WriteText(folder_ / "in.jgw", "1\n0\n0\n-1\n0\n0\n");
