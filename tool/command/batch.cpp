@@ -89,9 +89,9 @@ Outcome RunJob(const OutputOptions& options, const Job& job,
     RequireFreeOutput(options, job);
     outcome.result = work(job);
     if (outcome.result.file) {
-      const std::vector<std::string>& warnings = outcome.result.file->Warnings();
-      outcome.result.warnings.insert(outcome.result.warnings.end(), warnings.begin(),
-                                     warnings.end());
+      for (const std::string& warning : outcome.result.file->Warnings()) {
+        outcome.result.warnings.push_back(job.output + ": " + warning);
+      }
     }
     if (options.strict && !outcome.result.notCarriedOver.empty()) outcome.code = exitNotCarriedOver;
   } catch (const Failure& failure) {

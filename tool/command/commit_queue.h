@@ -16,7 +16,7 @@ namespace rasterkit::tool {
 /// disk works. All outputs that wait are committed together.
 class CommitQueue {
  public:
-  /// Called on the thread of the queue with the error of the output, null on success.
+  /// Called, usually on the thread of the queue, with the error of the output, null on success.
   using Done = std::function<void(const std::exception_ptr& error)>;
 
   CommitQueue() = default;
@@ -24,14 +24,19 @@ class CommitQueue {
   CommitQueue(const CommitQueue&) = delete;
   CommitQueue& operator=(const CommitQueue&) = delete;
 
-  /// Waits if there are many outputs in the queue: each of them holds open files.
+  /// Waits if there are many outputs in the queue: each of them holds open files. Commits the
+  /// output at once if the system has no more threads.
   void Add(std::unique_ptr<AtomicFile> file, Done done);
 
   /// Commits what is in the queue and ends the thread. Nothing is added afterwards.
   void Drain();
 
  private:
+  /// Returns false if the system has no thread for the queue.
+  bool Start();
   void Work();
+  static void CommitTogether(std::vector<std::unique_ptr<AtomicFile>>& files,
+                             std::vector<Done>& done);
   /// Takes all outputs; nothing at the end.
   bool Take(std::vector<std::unique_ptr<AtomicFile>>& files, std::vector<Done>& done);
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
+#include <cstddef>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -11,14 +13,37 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace rasterkit::test {
 namespace {
+
+/// Lets calls of this process, and of the program that it becomes, fail.
+bool FilterCalls(const std::vector<ToolSetup::FailingCall>& calls) {
+  std::vector<sock_filter> filter;
+  for (const ToolSetup::FailingCall& call : calls) {
+    filter.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)));
+    const uint32_t number = static_cast<uint32_t>(call.number);
+    filter.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, call.flags != 0 ? 3 : 1));
+    if (call.flags != 0) {
+      filter.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[2])));
+      filter.push_back(BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, call.flags, 0, 1));
+    }
+    const uint32_t error = static_cast<uint32_t>(call.error);
+    filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error));
+  }
+  filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
+  const sock_fprog program{static_cast<unsigned short>(filter.size()), filter.data()};
+  return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
 
 /// Runs in the child process between fork and exec.
 [[noreturn]] void BecomeTool(std::vector<char*> arguments, const ToolSetup& setup, int out,
@@ -31,6 +56,7 @@ namespace {
     const rlimit limit{*setup.fileSizeLimit, *setup.fileSizeLimit};
     setrlimit(RLIMIT_FSIZE, &limit);
   }
+  if (!setup.failingCalls.empty() && !FilterCalls(setup.failingCalls)) _exit(126);
   execv(arguments[0], arguments.data());
   _exit(127);
 }
@@ -66,6 +92,14 @@ void DrainPipes(std::array<std::pair<int, std::string*>, 2> pipes) {
 }
 
 }  // namespace
+
+bool CanFilterCalls() {
+  const pid_t child = fork();
+  if (child == 0) _exit(FilterCalls({{-1, EIO, 0}}) ? 0 : 1);
+  int status = 0;
+  waitpid(child, &status, 0);
+  return status == 0;
+}
 
 ToolProcess::ToolProcess(const std::vector<std::string>& arguments, const ToolSetup& setup) {
   std::array<int, 2> out, err;

@@ -27,9 +27,20 @@ struct ToolSetup {
   std::string stdoutFile;
   /// Whoever reads stdout has gone away before the process starts.
   bool isReaderGone = false;
+  /// System calls that fail with the error: its number, and for calls with flags the bits that must
+  /// be set in the third argument. Needs a kernel that filters calls (see CanFilterCalls).
+  struct FailingCall {
+    long number = 0;
+    int error = 0;
+    uint32_t flags = 0;
+  };
+  std::vector<FailingCall> failingCalls = {};
   /// stderr is a terminal; lines that come from there end with "\r\n".
   bool hasTerminal = false;
 };
+
+/// Returns false where system calls cannot be filtered, as in an emulator of another processor.
+bool CanFilterCalls();
 
 /// The tool as a process with its output in pipes (so that a progress bar is drawn only on
 /// request), stdin empty.
