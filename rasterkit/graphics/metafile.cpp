@@ -40,6 +40,7 @@ void TMetafile::RequirePlausibleSize() const {
 }
 
 void TMetafile::LoadFromStream(TStream& stream) {
+  const LimitsScope limits;
   auto bytes = std::make_shared<const std::vector<uint8_t>>(stream.ReadToEnd());
   facts_ = ReadMetafileFacts(*bytes);
   bytes_ = std::move(bytes);

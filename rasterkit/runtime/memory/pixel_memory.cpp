@@ -58,8 +58,7 @@ PixelMemory::PixelMemory(size_t bytes) : share_(bytes) {
 void PixelMemory::Allocate(size_t bytes) {
   // Kept blocks are not in use, but they take memory all the same.
   const uint64_t limit = CurrentLimits().processBytes;
-  const uint64_t kept = detail::KeptLargeBytes();
-  if (kept > 0 && limit != kNoLimit && ProcessPictureBytes() + kept > limit) Trim();
+  if (limit != kNoLimit && ProcessPictureBytes() + detail::KeptLargeBytes() > limit) Trim();
   if (bytes >= kLargeFrom) {
     const detail::LargeBlock block = detail::TakeLargeBlock(bytes);
     data_ = block.data;

@@ -12,6 +12,7 @@
 #include <rasterkit/codecs/decode_picture.h>
 #include <rasterkit/codecs/ico/ico_decoder.h>
 #include <rasterkit/codecs/ico/ico_encoder.h>
+#include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_share.h>
@@ -79,7 +80,7 @@ std::vector<Format> Formats() {
   constexpr uint64_t kCoefficients = (6 * 4 + 2 * 3 * 2) * 64 * 2;
   return {{"bmp", "BMP", Encoded(PictureType::bmp), k24},
           {"rle", "BMP", RleBmp(), k8},
-          {"gif", "GIF", PlainGif(kWidth, kHeight).Bytes(), k8},
+          {"gif", "GIF", PlainGif(kWidth, kHeight, 2).Bytes(), k8},
           {"jpeg", "JPEG", Encoded(PictureType::jpeg), k24},
           {"progressive", "JPEG", progressive, k24 + kCoefficients},
           {"png", "PNG", Encoded(PictureType::png), k24},
@@ -206,7 +207,9 @@ TEST(LimitsOfTiff, WorkersHaveTheLimitsOfTheCall) {
   Raster raster(pf24bit, 200, 2000);
   for (int y = 0; y < 2000; ++y) std::memset(raster.Row(y), y % 251, raster.RowBytes());
   TMemoryStream stream;
-  EncodeTiff(raster, stream, {.compression = TiffCompression::lzw});
+  TiffWriteOptions options;
+  options.compression = TiffCompression::lzw;
+  EncodeTiff(raster, stream, options);
   const std::vector<uint8_t> file(stream.Bytes().begin(), stream.Bytes().end());
   for (const int threads : {1, 4}) {
     TSpanStream source(file);
