@@ -77,6 +77,9 @@ RASTERKIT_EXPORT CallLimits CurrentCall();
 /// Scopes must be destroyed on their thread, in reverse order.
 class RASTERKIT_EXPORT LimitsScope {
  public:
+  /// Keeps the limits of the thread and starts their time, unless it runs. Every call that decodes,
+  /// draws or encodes does this.
+  LimitsScope() : LimitsScope(CurrentLimits()) {}
   /// The time of `limits.seconds` starts now.
   explicit LimitsScope(const Limits& limits);
   /// Joins a call that runs on another thread. Replaces what this thread has.

@@ -16,6 +16,11 @@ void SetPictureMemoryLimit(uint64_t bytes) {
   SetDefaultLimits(limits);
 }
 
+void RequirePicture(uint64_t width, uint64_t height, uint64_t bytes, std::string_view what) {
+  RequirePictureSize(width, height, what);
+  RequirePictureMemory(bytes, what);
+}
+
 void RequirePictureMemory(uint64_t bytes, std::string_view what) {
   const uint64_t allowed = PictureMemoryLimit();
   if (bytes <= allowed) return;

@@ -12,4 +12,9 @@ namespace rasterkit {
 /// it.
 RASTERKIT_EXPORT void ReleasePages(void* data, size_t bytes);
 
+/// Sets all bytes of a PixelMemory, or of a part of it, to 0. Whole pages of large parts are
+/// returned to the system instead of being written, so that they take no memory until they are
+/// used.
+RASTERKIT_EXPORT void ClearMemory(void* data, size_t bytes);
+
 }  // namespace rasterkit

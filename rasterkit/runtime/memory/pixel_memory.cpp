@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/block_pool.h>
 #include <rasterkit/runtime/memory/pixel_memory.h>
 
@@ -40,8 +41,24 @@ uint8_t* AllocatePlain(size_t bytes) {
 
 }  // namespace
 
-PixelMemory::PixelMemory(size_t bytes) {
+PixelMemory::PixelMemory(size_t bytes) : share_(bytes) {
   if (bytes == 0) return;
+  Allocate(bytes);
+  if (data_ == nullptr) {
+    // The system may have refused because of the kept blocks.
+    Trim();
+    Allocate(bytes);
+  }
+  if (data_ == nullptr) {
+    throw LimitError("the system has no block of " + std::to_string(bytes) + " bytes");
+  }
+  size_ = bytes;
+}
+
+void PixelMemory::Allocate(size_t bytes) {
+  // Kept blocks are not in use, but they take memory all the same.
+  const uint64_t limit = CurrentLimits().processBytes;
+  if (limit != kNoLimit && ProcessPictureBytes() + detail::KeptLargeBytes() > limit) Trim();
   if (bytes >= kLargeFrom) {
     const detail::LargeBlock block = detail::TakeLargeBlock(bytes);
     data_ = block.data;
@@ -49,10 +66,6 @@ PixelMemory::PixelMemory(size_t bytes) {
   } else {
     data_ = AllocatePlain(bytes);
   }
-  if (data_ == nullptr) {
-    throw LimitError("the system has no block of " + std::to_string(bytes) + " bytes");
-  }
-  size_ = bytes;
 }
 
 PixelMemory::~PixelMemory() {
@@ -64,12 +77,14 @@ PixelMemory::~PixelMemory() {
 }
 
 PixelMemory::PixelMemory(PixelMemory&& other) noexcept
-    : data_(std::exchange(other.data_, nullptr)),
+    : share_(std::move(other.share_)),
+      data_(std::exchange(other.data_, nullptr)),
       size_(std::exchange(other.size_, 0)),
       capacity_(std::exchange(other.capacity_, 0)) {}
 
 PixelMemory& PixelMemory::operator=(PixelMemory&& other) noexcept {
   PixelMemory taken(std::move(other));
+  std::swap(share_, taken.share_);
   std::swap(data_, taken.data_);
   std::swap(size_, taken.size_);
   std::swap(capacity_, taken.capacity_);

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/memory/memory_share.h>
 
 namespace rasterkit {
 
@@ -15,7 +16,7 @@ namespace rasterkit {
 class RASTERKIT_EXPORT PixelMemory {
  public:
   PixelMemory() = default;
-  /// Throws LimitError if out of memory.
+  /// Throws LimitError if out of memory or beyond the limit of the process (see MemoryShare).
   explicit PixelMemory(size_t bytes);
   ~PixelMemory();
   PixelMemory(PixelMemory&& other) noexcept;
@@ -29,6 +30,9 @@ class RASTERKIT_EXPORT PixelMemory {
   static void Trim();
 
  private:
+  void Allocate(size_t bytes);
+
+  MemoryShare share_;
   uint8_t* data_ = nullptr;
   size_t size_ = 0;
   /// Of a block from the pool; 0 for other blocks.
