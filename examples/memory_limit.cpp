@@ -6,7 +6,10 @@ namespace rk = rasterkit;
 
 // memory_limit FILE
 int main(int, char** arguments) {
-  rk::SetPictureMemoryLimit(1000);  // bytes per decoded picture; 4 GiB unless set
+  rk::Limits limits;
+  limits.pictureBytes = 1000;  // 4 GiB unless set
+  limits.seconds = 10;
+  const rk::LimitsScope scope(limits);  // for the calls of this thread
   try {
     rk::TWICBitmap picture;
     picture.LoadFromFile(arguments[1]);

@@ -5,6 +5,7 @@
 #include <rasterkit/codecs/decode_picture.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace {
@@ -42,6 +43,7 @@ ImagingFrame DecodeSized(TStream& stream, const FrameOptions& options, CodecRepo
 }  // namespace
 
 ImagingFrame DecodeFrame(TStream& stream, const FrameOptions& options, CodecReport* report) {
+  const LimitsScope limits(options.limits ? *options.limits : CurrentLimits());
   if (stream.Size() > stream.Position()) return DecodeSized(stream, options, report);
   // Pipes have no size and give their bytes only once.
   TMemoryStream memory(ReadUnsizedPicture(stream));

@@ -5,6 +5,7 @@
 #include <rasterkit/codecs/decode_picture.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace {
@@ -19,6 +20,7 @@ namespace {
 }  // namespace
 
 Raster DecodePicture(TStream& stream, CodecReport* report) {
+  const LimitsScope limits;
   // Pipes have no size and give their bytes only once.
   if (stream.Size() <= stream.Position()) return DecodePicture(ReadUnsizedPicture(stream), report);
   const Codec* codec = FindCodec(SniffPictureType(stream));
@@ -32,6 +34,7 @@ Raster DecodePicture(TStream& stream, CodecReport* report) {
 }
 
 Raster DecodePicture(std::span<const uint8_t> file, CodecReport* report) {
+  const LimitsScope limits;
   const Codec* codec = FindCodec(SniffPictureType(file));
   if (codec != nullptr && codec->decodeBytes != nullptr) return codec->decodeBytes(file, report);
   if (codec == nullptr || codec->decodeStream == nullptr) Refuse(codec, file.empty());

@@ -1,3 +1,6 @@
+#include <fmt/format.h>
+
+#include <rasterkit/codecs/rows/plausible_size.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/metafile.h>
@@ -8,6 +11,7 @@
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/raster/fill.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 
@@ -19,7 +23,24 @@ void TMetafile::RequireRecords() const {
   if (!bytes_) throw UnsupportedError("a metafile without records cannot be drawn");
 }
 
+bool TMetafile::IsSizePlausible() const {
+  // Records paint areas of any size, so there is no largest ratio; drawings that fill such a sheet
+  // have far more records.
+  constexpr uint64_t kPixelBytes = 4, kPixelsPerByte = 1024;
+  const uint64_t pixels = static_cast<uint64_t>(Width()) * static_cast<uint64_t>(Height());
+  return !CurrentLimits().refuseImplausible || pixels <= detail::kAlwaysPlausible / kPixelBytes ||
+         pixels / kPixelsPerByte <= Bytes().size();
+}
+
+void TMetafile::RequirePlausibleSize() const {
+  if (IsSizePlausible()) return;
+  throw LimitError(fmt::format(
+      "metafile: its own size of {} x {} pixels is far too large for a file of {} bytes", Width(),
+      Height(), Bytes().size()));
+}
+
 void TMetafile::LoadFromStream(TStream& stream) {
+  const LimitsScope limits;
   auto bytes = std::make_shared<const std::vector<uint8_t>>(stream.ReadToEnd());
   facts_ = ReadMetafileFacts(*bytes);
   bytes_ = std::move(bytes);
@@ -35,6 +56,7 @@ void TMetafile::SaveToStream(TStream& stream) {
   } else if (enhanced_) {
     stream.Write(detail::ConvertWmfToEmf(*bytes_, facts_));
   } else {
+    RequirePlausibleSize();
     stream.Write(detail::EncodeWmf(Draw(Width(), Height()), facts_.widthMm100, facts_.heightMm100));
   }
 }
@@ -61,6 +83,7 @@ void TMetafile::DrawTo(TCanvas& canvas, const TRect& place) const {
 
 void TMetafile::AssignToBitmap(TBitmap& target) const {
   RequireRecords();
+  RequirePlausibleSize();
   TBitmap drawn(ConvertRaster(Draw(Width(), Height()), pf24bit));
   drawn.SetDpi({detail::kMetafileDpi, detail::kMetafileDpi});
   drawn.AssignTransparency(*this);

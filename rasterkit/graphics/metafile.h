@@ -28,6 +28,10 @@ class RASTERKIT_EXPORT TMetafile : public TGraphic {
   /// Size in 0.01 mm.
   int MMWidth() const { return facts_.widthMm100; }
   int MMHeight() const { return facts_.heightMm100; }
+  /// True if a drawing at its own size fits the amount of data: at most 256 MiB, or 1024 pixels per
+  /// byte of the file. Always true if the limits of the thread allow implausible sizes (see
+  /// Limits).
+  bool IsSizePlausible() const;
   /// Properties of the metafile, read once when it is loaded; all 0 without records.
   const MetafileFacts& Facts() const { return facts_; }
   /// The file as it was loaded; empty without records. Valid until the next load, assignment or
@@ -47,7 +51,8 @@ class RASTERKIT_EXPORT TMetafile : public TGraphic {
   /// consists of EMF+ records only.
   void DrawTo(TCanvas& canvas, const TRect& place) const override;
   /// Assigns the drawing on white as a 24-bit bitmap at 96 dpi. Throws UnsupportedError without
-  /// records, or if the drawing consists of EMF+ records only.
+  /// records, or if the drawing consists of EMF+ records only; LimitError if its size is not
+  /// plausible.
   void AssignToBitmap(TBitmap& target) const override;
 
   /// Returns the drawing on `background` at any size as pf32bit with alpha 255. `keepGoing`, if
@@ -66,6 +71,7 @@ class RASTERKIT_EXPORT TMetafile : public TGraphic {
 
  private:
   void RequireRecords() const;
+  void RequirePlausibleSize() const;
 
   bool enhanced_ = true;
   std::shared_ptr<const std::vector<uint8_t>> bytes_;

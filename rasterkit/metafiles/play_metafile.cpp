@@ -7,6 +7,7 @@
 #include <rasterkit/metafiles/read_metafile_facts.h>
 #include <rasterkit/metafiles/records/play_records.h>
 #include <rasterkit/metafiles/wmf/wmf_player.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace {
@@ -65,6 +66,7 @@ PlayReport PlayMetafile(std::span<const uint8_t> bytes, Raster& target, const Pi
 
 PlayReport PlayMetafile(std::span<const uint8_t> bytes, const MetafileFacts& facts, Raster& target,
                         const PixelRect& place, const std::function<bool()>& keepGoing) {
+  const LimitsScope limits;
   if (facts.isEmfPlusOnly) {
     throw UnsupportedError("EMF: the drawing consists of EMF+ records only, which are unsupported");
   }

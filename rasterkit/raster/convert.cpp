@@ -4,6 +4,7 @@
 #include <rasterkit/raster/index_convert.h>
 #include <rasterkit/raster/quantize.h>
 #include <rasterkit/raster/row_conversion.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace {
@@ -17,6 +18,7 @@ Raster ConvertToTrueColor(const Raster& source, TPixelFormat format) {
   std::vector<RGBArec> pixels;
   if (format == pf15bit || format == pf16bit) pixels.resize(static_cast<size_t>(source.Width()));
   for (int y = 0; y < source.Height(); ++y) {
+    RequireTime();
     const uint8_t* from = source.Row(y);
     uint8_t* to = target.Row(y);
     if (format == pf32bit) {

@@ -4,6 +4,7 @@
 
 #include <rasterkit/raster/exact_colors.h>
 #include <rasterkit/raster/row_conversion.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace {
@@ -82,6 +83,7 @@ bool MapExactColors(const Raster& source, Raster& target) {
   uint32_t lastColor = ~0u;
   int last = 0;
   for (int y = 0; y < source.Height(); ++y) {
+    RequireTime();
     RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
     for (size_t x = 0; x < pixels.size(); ++x) {
       const uint32_t color = Key(pixels[x]);

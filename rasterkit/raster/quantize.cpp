@@ -6,6 +6,7 @@
 #include <rasterkit/raster/nearest_color.h>
 #include <rasterkit/raster/quantize.h>
 #include <rasterkit/raster/row_conversion.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace {
@@ -16,6 +17,7 @@ void MapNearestColors(const Raster& source, Raster& target) {
   std::vector<RGBArec> pixels(static_cast<size_t>(source.Width()));
   std::vector<uint8_t> indexes(pixels.size());
   for (int y = 0; y < source.Height(); ++y) {
+    RequireTime();
     RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
     nearest.OfRow(pixels.data(), pixels.size(), indexes.data());
     PackIndexes(indexes.data(), target.Format(), source.Width(), target.Row(y));

@@ -33,8 +33,9 @@ Raster::Raster(TPixelFormat format, int width, int height) {
   RequireSize(width, height);
   const uint64_t stride = StrideBytes(width, StoredBitsPerPixel(format));
   const uint64_t bytes = RowsBytes(stride, static_cast<uint64_t>(height));
-  RequirePictureMemory(
-      bytes, "picture of " + std::to_string(width) + " x " + std::to_string(height) + " pixels");
+  RequirePicture(
+      static_cast<uint64_t>(width), static_cast<uint64_t>(height), bytes,
+      "picture of " + std::to_string(width) + " x " + std::to_string(height) + " pixels");
   if (bytes > std::numeric_limits<size_t>::max()) {
     throw LimitError("a picture of this size cannot be addressed");
   }

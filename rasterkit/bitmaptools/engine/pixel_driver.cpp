@@ -4,6 +4,7 @@
 #include <rasterkit/bitmaptools/engine/manage_threads.h>
 #include <rasterkit/bitmaptools/engine/pixel_driver.h>
 #include <rasterkit/bitmaptools/engine/pixel_thread.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/threads/thread_queue.h>
 
 namespace rasterkit::detail {
@@ -33,6 +34,8 @@ void RunPixelWorkers(TManageThreads& manager, const MakePixelWorker& makeWorker)
     throw;
   }
   WaitUntilRunning(manager, 0);
+  // A worker keeps its errors to itself.
+  RequireTime();
 }
 
 }  // namespace rasterkit::detail

@@ -9,6 +9,7 @@
 #include <rasterkit/bitmaptools/pixels/color.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/kernels/transfer/scaled_columns.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace {
@@ -122,6 +123,7 @@ void TPixelThread::TransferBand() {
   const int64_t end = std::min<int64_t>(ie + top + 1, TarBmp->Height());
   const auto transfer = detail::MakeRowTransfer(*this, RunOf(firstColumn_, columns_));
   for (int64_t y = first; y < end; ++y) {
+    RequireTime();
     ManThreads.DoProgress();
     const int64_t row = kernels::RoundScaled(y - TarR.Top, pwy) + SrcR.Top;
     if (row < 0 || row >= SrcBmp->Height()) continue;

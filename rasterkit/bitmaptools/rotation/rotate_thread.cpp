@@ -5,6 +5,7 @@
 #include <rasterkit/bitmaptools/rotation/rotate_thread.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/kernels/turn/rotate_pixels.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 
@@ -30,6 +31,7 @@ void TRotateThread::RotateBand() {
   const int bits = nByte > 0 ? nByte * 8 : SrcBmp.StoredBits();
   for (int32_t first = ia; first <= ie;) {
     const int32_t end = std::min({first + kernels::kRotationStripRows, ie + 1, TarBmp.Height()});
+    RequireTime();
     for (int32_t y = first; y < std::max(end, first + 1); ++y) ManThreads.DoProgress();
     TarBmp.ScanLine(first);  // a missing row ends the worker here
     kernels::RotatePixels(mapping, source,

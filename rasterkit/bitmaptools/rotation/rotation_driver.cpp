@@ -9,6 +9,7 @@
 #include <rasterkit/bitmaptools/rotation/rotation_driver.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -71,6 +72,8 @@ void RunRotation(const RotationTask& task) {
   }
   for (const auto& worker : workers) worker->Start();
   WaitForThreads(handles);
+  // A worker keeps its errors to itself.
+  RequireTime();
 }
 
 }  // namespace rasterkit::detail

@@ -12,6 +12,7 @@
 #include <rasterkit/codecs/png/png_decoder.h>
 #include <rasterkit/codecs/rows/alpha_rows.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit {
@@ -159,12 +160,16 @@ void BmpDecoder::RequireMemory(TPixelFormat format) const {
   const auto rowBits =
       static_cast<uint64_t>(header_.width) * static_cast<uint64_t>(StoredBitsPerPixel(format));
   const uint64_t bytes = (rowBits + 31) / 32 * 4 * static_cast<uint64_t>(header_.height);
-  RequirePictureMemory(bytes, "BMP: a picture of " + std::to_string(header_.width) + " x " +
-                                  std::to_string(header_.height) + " pixels");
+  const std::string what = "BMP: a picture of " + std::to_string(header_.width) + " x " +
+                           std::to_string(header_.height) + " pixels";
+  RequirePicture(static_cast<uint64_t>(header_.width), static_cast<uint64_t>(header_.height), bytes,
+                 what);
   if (IsRle()) {
     RequireOneBmpRleRow(header_, bytes);
+    RequirePlausibleBmpRle(header_, bytes, what);
   } else {
     RequireOneBmpRow(header_);
+    RequirePlausibleBmpRows(header_, bytes, what);
   }
 }
 
@@ -174,6 +179,7 @@ void BmpDecoder::ReadRows(Raster& raster) {
   const bool hasAlpha = header_.masks.alpha != 0;
   BmpRowRules rules;
   rules.isConverted = IsConverted(header_, format);
+  rules.changesZeros = format == pf32bit;
   std::unique_ptr<BmpMaskedRows> masked;
   if (rules.isConverted && format != pf4bit) {
     masked = std::make_unique<BmpMaskedRows>(header_.masks, header_.bits);
@@ -218,6 +224,7 @@ Raster DecodeStream(TStream& stream, CodecReport& report) {
 }  // namespace
 
 Raster DecodeBmp(TStream& stream, CodecReport* report) {
+  const LimitsScope limits;
   CodecReport unread;
   try {
     return DecodeStream(stream, report != nullptr ? *report : unread);

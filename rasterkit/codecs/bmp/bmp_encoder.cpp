@@ -9,6 +9,7 @@
 #include <rasterkit/codecs/bmp/bmp_format.h>
 #include <rasterkit/codecs/rows/alpha_rows.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace {
@@ -198,6 +199,7 @@ void BmpEncoder::WriteRows(TStream& stream) const {
     CopyRow(y, batch.data() + filled);
     filled += stride;
     if (filled < batch.size() && y > 0) continue;
+    RequireTime();
     stream.Write({batch.data(), filled});
     filled = 0;
   }
@@ -222,6 +224,7 @@ void BmpEncoder::WriteTo(TStream& stream) {
 }  // namespace
 
 void EncodeBmp(const Raster& raster, TStream& stream, BmpProfile profile) {
+  const LimitsScope limits;
   BmpEncoder(raster, profile).WriteTo(stream);
 }
 

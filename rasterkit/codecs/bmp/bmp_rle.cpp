@@ -4,7 +4,10 @@
 #include <string>
 
 #include <rasterkit/codecs/bmp/bmp_rle.h>
+#include <rasterkit/codecs/rows/missing_rows.h>
+#include <rasterkit/codecs/rows/plausible_size.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -12,8 +15,8 @@ namespace {
 /// The second byte after a count of 0; 3 and above is the length of a run of single pixels.
 enum RleEscape : int { endOfRow = 0, endOfPicture = 1, delta = 2 };
 
-/// Most pixels of one run of two bytes.
-constexpr uint64_t kLongestRun = 255;
+/// Most pixels of one run, and its bytes.
+constexpr uint64_t kLongestRun = 255, kRunBytes = 2;
 /// Pictures up to this size may have no data.
 constexpr uint64_t kFreePictureBytes = 16 * 1024 * 1024;
 
@@ -77,12 +80,17 @@ class RleReader {
   /// The place of the next pixel, in the row order of the file. Both grow by at most 255 per code,
   /// so they cannot overflow before the data end.
   int64_t x_ = 0, y_ = 0;
+  /// The row in which the time was checked.
+  int64_t checkedRow_ = -1;
   bool hasEnd_ = false, wasCut_ = false;
 };
 
 void RleReader::Read() {
   // Codes after the last row have no effect.
   while (y_ < raster_.Height() && Step()) {
+    if (y_ == checkedRow_) continue;
+    RequireTime();
+    checkedRow_ = y_;
   }
 }
 
@@ -159,7 +167,7 @@ void RleReader::Put(uint8_t index) {
 }  // namespace
 
 void ReadBmpRle(TStream& stream, const BmpHeader& header, Raster& raster, CodecReport& report) {
-  for (int y = 0; y < raster.Height(); ++y) std::memset(raster.Row(y), 0, raster.Stride());
+  ClearRows(raster, 0, raster.Height());
   RleReader reader(stream, header, raster);
   reader.Read();
   if (!reader.IsComplete()) {
@@ -170,9 +178,16 @@ void ReadBmpRle(TStream& stream, const BmpHeader& header, Raster& raster, CodecR
   if (reader.WasCut()) report.warnings.emplace_back("BMP: runs beyond the picture were dropped");
 }
 
+void RequirePlausibleBmpRle(const BmpHeader& header, uint64_t pictureBytes, std::string_view what) {
+  const uint64_t pixels =
+      SaturatedProduct(static_cast<uint64_t>(header.width), static_cast<uint64_t>(header.height));
+  constexpr uint64_t kPixelsPerByte = kCutSlack * kLongestRun / kRunBytes;
+  RequirePlausible({pictureBytes, pixels, header.pixelBytes, kPixelsPerByte}, what);
+}
+
 void RequireOneBmpRleRow(const BmpHeader& header, uint64_t pictureBytes) {
   if (pictureBytes <= kFreePictureBytes) return;
-  const uint64_t pixels = header.pixelBytes / 2 * kLongestRun;
+  const uint64_t pixels = header.pixelBytes / kRunBytes * kLongestRun;
   if (pixels >= static_cast<uint64_t>(header.width)) return;
   throw FormatError("BMP: the data end inside the first of " + std::to_string(header.height) +
                     " rows");

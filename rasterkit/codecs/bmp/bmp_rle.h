@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include <rasterkit/codecs/bmp/bmp_header.h>
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/raster/raster.h>
@@ -11,6 +13,10 @@ namespace rasterkit::detail {
 /// end-of-picture code. Pixels that the codes skip get index 0; pixels outside the picture are
 /// dropped. Data that end early give a warning.
 void ReadBmpRle(TStream& stream, const BmpHeader& header, Raster& raster, CodecReport& report);
+
+/// Throws FormatError if the picture is large and the codes of the file cannot paint it. Pixels
+/// that codes skip do not count. `what` names the picture.
+void RequirePlausibleBmpRle(const BmpHeader& header, uint64_t pictureBytes, std::string_view what);
 
 /// Throws FormatError if a large picture has less data than its first row needs: a file of a few
 /// bytes must not allocate gigabytes.

@@ -5,7 +5,10 @@
 #include <vector>
 
 #include <rasterkit/codecs/bmp/bmp_rows.h>
+#include <rasterkit/codecs/rows/missing_rows.h>
+#include <rasterkit/codecs/rows/plausible_size.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -48,6 +51,8 @@ class RowReader {
   size_t ReadConverted(int count);
   /// `place` is the offset of the row in its batch, of which `got` bytes were there.
   void FinishRow(int index, size_t place, size_t got);
+  /// Sets the rows from row `first` of the file on to 0, for which memory need not be held.
+  void ClearMissing(int first);
 
   TStream& stream_;
   const BmpHeader& header_;
@@ -89,20 +94,34 @@ void RowReader::FinishRow(int index, size_t place, size_t got) {
   if (rules_.finish) rules_.finish(source, Target(index));
 }
 
+void RowReader::ClearMissing(int first) {
+  const int missing = header_.height - first;
+  const int top = header_.topDown ? first : 0;
+  ClearRows(raster_, top, top + missing);
+  if (!rules_.changesZeros) return;
+  const std::vector<uint8_t> zeros(rules_.isConverted ? stride_ : 0);
+  for (int y = top; y < top + missing; ++y) {
+    uint8_t* row = raster_.Row(y);
+    rules_.finish(rules_.isConverted ? zeros.data() : row, row);
+  }
+}
+
 int RowReader::Read() {
   const size_t padding = stride_ - FileRowBytes(header_);
   int complete = 0;
   bool isAtEnd = false;
   int count = 0;
-  for (int first = 0; first < header_.height; first += count) {
+  for (int first = 0; first < header_.height && !isAtEnd; first += count) {
+    RequireTime();
     count = std::min(batchRows_, header_.height - first);
-    const size_t got = isAtEnd ? 0 : ReadBatch(first, count);
+    const size_t got = ReadBatch(first, count);
     for (int i = 0; i < count; ++i) FinishRow(first + i, static_cast<size_t>(i) * stride_, got);
     // The padding of the last row may be missing.
     const int there =
         static_cast<int>(std::min((got + padding) / stride_, static_cast<size_t>(count)));
-    if (!isAtEnd) complete += there;
-    isAtEnd = isAtEnd || there < count;
+    complete += there;
+    isAtEnd = there < count;
+    if (isAtEnd) ClearMissing(first + count);
   }
   return complete;
 }
@@ -113,6 +132,13 @@ void RequireOneBmpRow(const BmpHeader& header) {
   if (header.pixelBytes >= FileRowBytes(header)) return;
   throw FormatError("BMP: the data end inside the first of " + std::to_string(header.height) +
                     " rows");
+}
+
+void RequirePlausibleBmpRows(const BmpHeader& header, uint64_t pictureBytes,
+                             std::string_view what) {
+  const uint64_t stored =
+      SaturatedProduct(FileStride(header), static_cast<uint64_t>(header.height));
+  RequirePlausible({pictureBytes, stored, header.pixelBytes, kPlainSlack}, what);
 }
 
 void ReadBmpRows(TStream& stream, const BmpHeader& header, const BmpRowRules& rules, Raster& raster,

@@ -9,7 +9,9 @@
 #include <rasterkit/codecs/gif/gif_decoder.h>
 #include <rasterkit/codecs/gif/gif_reader.h>
 #include <rasterkit/codecs/rows/missing_rows.h>
+#include <rasterkit/codecs/rows/plausible_size.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit {
@@ -18,11 +20,8 @@ namespace {
 
 using detail::GifReader;
 
-/// Screens up to this many bytes may be empty.
-constexpr uint64_t kAlwaysAllowed = uint64_t{256} << 20;
-/// Most pixels per byte, rounded up: the longest code gives 3839 pixels and takes a byte and a
-/// half.
-constexpr uint64_t kLargestRatio = 4096;
+/// Most pixels per byte, rounded up: the longest code of LZW gives 4091 pixels and takes 12 bits.
+constexpr uint64_t kPixelsPerByte = 2728;
 
 /// The place of the picture on its screen. Some programs state a screen that is too small, or none:
 /// it grows to hold the picture.
@@ -50,10 +49,9 @@ void RequirePlausibleSize(const Layout& layout, size_t fileBytes) {
       fmt::format("GIF picture of {} x {} pixels", layout.screenWidth, layout.screenHeight);
   const uint64_t need =
       StrideBytes(layout.screenWidth, 8) * static_cast<uint64_t>(layout.screenHeight);
-  RequirePictureMemory(need, what);
-  if (need > kAlwaysAllowed && fileBytes * kLargestRatio < need) {
-    throw FormatError(what + ": the file is far too small to hold it");
-  }
+  RequirePicture(static_cast<uint64_t>(layout.screenWidth),
+                 static_cast<uint64_t>(layout.screenHeight), need, what);
+  detail::RequirePlausible({need, need, fileBytes, kPixelsPerByte * detail::kCutSlack}, what);
 }
 
 HPALETTE PaletteOf(const ColorMapObject& map) {
@@ -130,6 +128,7 @@ size_t DecodeRows(GifReader& reader, const Layout& layout, const std::vector<int
   while (count < order.size() &&
          reader.ReadRow(PictureRow(raster, layout, order[count]), layout.width)) {
     count++;
+    RequireTime();
   }
   if (count > 0) return count;
   throw FormatError(reader.IsCutOff() ? "GIF: the data end before the first row" : reader.Reason());
@@ -174,6 +173,7 @@ void FillAround(const Layout& layout, uint8_t background, Raster& raster) {
 }  // namespace
 
 Raster DecodeGif(std::span<const uint8_t> bytes, CodecReport* report) {
+  const LimitsScope limits;
   CodecReport noticed;
   GifReader reader(bytes);
   reader.FindFirstPicture();

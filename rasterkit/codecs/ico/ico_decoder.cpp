@@ -12,6 +12,7 @@
 #include <rasterkit/codecs/rows/alpha_rows.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace {
@@ -213,6 +214,7 @@ class BitmapEntry {
 }  // namespace
 
 Raster DecodeIco(std::span<const uint8_t> bytes, CodecReport* report) {
+  const LimitsScope limits;
   CodecReport unread;
   CodecReport& noticed = report ? *report : unread;
   const Entry entry = ChooseEntry(bytes);

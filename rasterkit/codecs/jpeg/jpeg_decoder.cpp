@@ -10,8 +10,11 @@
 #include <rasterkit/codecs/rows/cmyk_rows.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/missing_rows.h>
+#include <rasterkit/codecs/rows/plausible_size.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
+#include <rasterkit/runtime/memory/memory_share.h>
 
 namespace rasterkit {
 
@@ -63,6 +66,21 @@ uint64_t CoefficientBytes(const jpeg_decompress_struct& codec) {
               RoundUp(component.height_in_blocks, component.v_samp_factor);
   }
   return blocks * sizeof(JBLOCK);
+}
+
+/// Huffman coding takes at least a bit for the first coefficient of each block, in baseline and in
+/// progressive files. Arithmetic coding has no bound: an encoder may drop the zero bytes at the end
+/// of a scan, and a picture of one color may consist of nothing else.
+constexpr uint64_t kBlocksPerByte = 8 * detail::kCutSlack;
+
+/// Blocks of all components that the file must hold.
+uint64_t StoredBlocks(const jpeg_decompress_struct& codec) {
+  uint64_t blocks = 0;
+  for (int i = 0; i < codec.num_components; i++) {
+    const jpeg_component_info& component = codec.comp_info[i];
+    blocks += uint64_t{component.width_in_blocks} * component.height_in_blocks;
+  }
+  return blocks;
 }
 
 Resolution ResolutionOf(const jpeg_decompress_struct& codec) {
@@ -117,6 +135,7 @@ int DecodeRows(JpegReader& reader, const JpegLayout& layout, Raster& raster) {
   std::vector<uint8_t> inkRows(inks ? width * 4 * kRowsAtOnce : 0);
   int y = 0;
   while (y < FirstMissingRow(reader, layout)) {
+    RequireTime();
     const int wanted = std::min(kRowsAtOnce, raster.Height() - y);
     const int count = inks ? ReadRows(reader, inkRows.data(), width * 4, wanted)
                            : ReadRows(reader, raster.Row(y), raster.Stride(), wanted);
@@ -172,13 +191,18 @@ void ReportEnd(const JpegReader& reader, const JpegLayout& layout, CodecReport& 
 }
 
 /// Checks the memory and time for the picture before anything of its size is allocated.
-void RequireMemory(JpegReader& reader, const JpegLayout& layout, TPixelFormat format) {
+void RequireMemory(JpegReader& reader, const JpegLayout& layout, TPixelFormat format,
+                   size_t fileBytes) {
   jpeg_decompress_struct& codec = reader.Codec();
   const uint64_t rowBytes = StrideBytes(codec.image_width, StoredBitsPerPixel(format));
   const uint64_t coefficients = layout.manyScans ? CoefficientBytes(codec) : 0;
   const uint64_t need = rowBytes * codec.image_height + coefficients;
-  RequirePictureMemory(
-      need, fmt::format("JPEG picture of {} x {} pixels", codec.image_width, codec.image_height));
+  const std::string what =
+      fmt::format("JPEG picture of {} x {} pixels", codec.image_width, codec.image_height);
+  RequirePicture(codec.image_width, codec.image_height, need, what);
+  if (!layout.frame.arithmetic) {
+    detail::RequirePlausible({need, StoredBlocks(codec), fileBytes, kBlocksPerByte}, what);
+  }
   codec.mem->max_memory_to_use =
       static_cast<long>(std::min<uint64_t>(need + kCodecSlack, LONG_MAX));
   if (!layout.manyScans) return;
@@ -189,14 +213,16 @@ void RequireMemory(JpegReader& reader, const JpegLayout& layout, TPixelFormat fo
 }  // namespace
 
 Raster DecodeJpeg(Bytes bytes, CodecReport* report) {
+  const LimitsScope limits;
   const JpegLayout layout = detail::ReadJpegLayout(bytes);
   RequireSupported(layout.frame);
   JpegReader reader(bytes.first(layout.wholeBytes));
   jpeg_decompress_struct& codec = reader.Codec();
   ChooseOutput(codec);
   const TPixelFormat format = codec.num_components == 1 ? pf8bit : pf24bit;
-  RequireMemory(reader, layout, format);
+  RequireMemory(reader, layout, format, bytes.size());
 
+  const MemoryShare coefficients(layout.manyScans ? CoefficientBytes(codec) : 0);
   reader.Run([&codec] { jpeg_start_decompress(&codec); });
   Raster raster(format, static_cast<int>(codec.output_width),
                 static_cast<int>(codec.output_height));

@@ -8,6 +8,7 @@
 #include <rasterkit/codecs/jpeg/jpeg_errors.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 
@@ -136,6 +137,7 @@ void Configure(jpeg_compress_struct& codec, const Raster& raster, int quality) {
 }  // namespace
 
 std::vector<uint8_t> EncodeJpeg(const Raster& raster, int quality) {
+  const LimitsScope limits;
   RequireEncodable(raster);
   const auto space =
       raster.Format() == pf8bit ? detail::ProfileSpace::gray : detail::ProfileSpace::rgb;
@@ -154,6 +156,7 @@ std::vector<uint8_t> EncodeJpeg(const Raster& raster, int quality) {
     }
     JSAMPROW rows[kRowsAtOnce];
     while (codec.next_scanline < codec.image_height) {
+      RequireTime();
       const int y = static_cast<int>(codec.next_scanline);
       const int count = std::min(kRowsAtOnce, raster.Height() - y);
       // The library takes a pointer to non-constant rows but does not change them.

@@ -4,6 +4,7 @@
 
 #include <rasterkit/codecs/jpeg/jpeg_errors.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 
@@ -69,7 +70,13 @@ void JpegErrors::FailWithLimit(const char* reason) {
   std::longjmp(jump, 1);
 }
 
+void JpegErrors::FailWithTimeLimit() {
+  timeLimit_ = true;
+  std::longjmp(jump, 1);
+}
+
 void JpegErrors::Throw() const {
+  if (timeLimit_) RequireTime();
   const std::string reason = std::string("JPEG: ") + message_;
   if (limit_) throw LimitError(reason);
   switch (base_.msg_code) {

@@ -22,6 +22,9 @@ class JpegErrors {
   /// Ends the current call into libjpeg; `Throw` then throws a LimitError with this text.
   [[noreturn]] void FailWithLimit(const char* reason);
 
+  /// Ends the current call into libjpeg when the time of the call is over (see RequireTime).
+  [[noreturn]] void FailWithTimeLimit();
+
   /// Throws the error of the last failed call: LimitError, UnsupportedError or FormatError.
   [[noreturn]] void Throw() const;
 
@@ -51,7 +54,7 @@ class JpegErrors {
 
   jpeg_error_mgr base_{};
   char message_[JMSG_LENGTH_MAX] = "";
-  bool limit_ = false;
+  bool limit_ = false, timeLimit_ = false;
   char warnings_[kKeptWarnings][JMSG_LENGTH_MAX] = {};
   int warningCount_ = 0;
 };

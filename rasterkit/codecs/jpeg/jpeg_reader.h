@@ -6,6 +6,7 @@
 #include <span>
 
 #include <rasterkit/codecs/jpeg/jpeg_errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 
@@ -52,7 +53,7 @@ class JpegReader {
     return RunJpeg(errors_, body);
   }
 
-  /// Makes the library fail after more than `count` scans.
+  /// Makes the library fail after more than `count` scans, or when the time of the call is over.
   void LimitScans(int count) {
     scanLimit_ = count;
     progress_.base.progress_monitor = OnProgress;
@@ -94,6 +95,7 @@ class JpegReader {
     if (reader.codec_.input_scan_number > reader.scanLimit_) {
       reader.errors_.FailWithLimit("too many scans for a picture of this size");
     }
+    if (SecondsLeft() <= 0) reader.errors_.FailWithTimeLimit();
   }
 
   std::span<const uint8_t> bytes_;

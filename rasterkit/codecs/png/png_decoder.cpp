@@ -7,7 +7,9 @@
 #include <rasterkit/codecs/png/png_reader.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/missing_rows.h>
+#include <rasterkit/codecs/rows/plausible_size.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit {
@@ -52,6 +54,11 @@ struct Header {
   bool IsPalette() const { return colorType == PNG_COLOR_TYPE_PALETTE; }
   bool IsGray() const { return colorType == PNG_COLOR_TYPE_GRAY; }
   bool HasAlpha() const { return (colorType & PNG_COLOR_MASK_ALPHA) != 0; }
+  /// Bits per pixel in the file.
+  unsigned SampleBits() const {
+    const bool isColor = !IsPalette() && (colorType & PNG_COLOR_MASK_COLOR) != 0;
+    return static_cast<unsigned>(bitDepth * ((isColor ? 3 : 1) + (HasAlpha() ? 1 : 0)));
+  }
 };
 
 Header ReadHeader(PngReader& reader, Bytes file) {
@@ -187,6 +194,7 @@ int DecodeRows(PngReader& reader, const Header& header, Raster& raster) {
     png_start_read_image(png);
     for (at.pass = 0; at.pass < at.passes; at.pass++) {
       for (at.y = 0; at.y < raster.Height(); at.y++) {
+        RequireTime();
         png_bytep row = raster.Row(at.y);
         png_read_row(png, header.interlaced ? nullptr : row, header.interlaced ? row : nullptr);
       }
@@ -205,20 +213,27 @@ void ReadEnd(PngReader& reader) {
   }
 }
 
-void RequireMemory(const Header& header, TPixelFormat format) {
+/// Refuses pictures that are too large before anything of their size is allocated.
+void RequireSize(const Header& header, TPixelFormat format, size_t fileBytes) {
+  const std::string what =
+      fmt::format("PNG picture of {} x {} pixels", header.width, header.height);
   const uint64_t need = StrideBytes(header.width, StoredBitsPerPixel(format)) * header.height;
-  RequirePictureMemory(need,
-                       fmt::format("PNG picture of {} x {} pixels", header.width, header.height));
+  RequirePicture(header.width, header.height, need, what);
+  const uint64_t rowBits = uint64_t{header.width} * header.SampleBits();
+  const uint64_t stored = rowBits * header.height / 8;
+  detail::RequirePlausible({need, stored, fileBytes, detail::kDeflateRatio * detail::kCutSlack},
+                           what);
 }
 
 }  // namespace
 
 Raster DecodePng(Bytes bytes, CodecReport* report) {
+  const LimitsScope limits;
   CodecReport noticed;
   PngReader reader(bytes);
   const Header header = ReadHeader(reader, bytes);
   const TPixelFormat format = FormatOf(header);
-  RequireMemory(header, format);
+  RequireSize(header, format, bytes.size());
 
   Raster raster(format, static_cast<int>(header.width), static_cast<int>(header.height));
   raster.palette = PaletteOf(reader, header);

@@ -6,6 +6,7 @@
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/raster/row_conversion.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 
@@ -163,6 +164,7 @@ void SetCompression(png_structp png, const Layout& layout, int level) {
 }  // namespace
 
 void EncodePng(const Raster& raster, TStream& stream, int level) {
+  const LimitsScope limits;
   if (raster.Width() == 0 || raster.Height() == 0) {
     throw FormatError("PNG: an empty picture cannot be written");
   }
@@ -181,6 +183,7 @@ void EncodePng(const Raster& raster, TStream& stream, int level) {
       png_set_filler(png, 0, PNG_FILLER_AFTER);
     }
     for (int y = 0; y < raster.Height(); y++) {
+      RequireTime();
       if (words) RowTo24(raster.Row(y), raster.Format(), raster.Width(), noTable, bgrRow.data());
       png_write_row(png, words ? &bgrRow.data()->b : raster.Row(y));
     }

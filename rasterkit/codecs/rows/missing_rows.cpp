@@ -1,6 +1,7 @@
 #include <cstring>
 
 #include <rasterkit/codecs/rows/missing_rows.h>
+#include <rasterkit/runtime/memory/page_release.h>
 
 namespace rasterkit::detail {
 
@@ -41,6 +42,11 @@ void FillMissingRows(Raster& raster, int first) {
   for (int y = first; y < raster.Height(); y++) {
     std::memset(raster.Row(y), white, raster.RowBytes());
   }
+}
+
+void ClearRows(Raster& raster, int first, int end) {
+  if (first >= end) return;
+  ClearMemory(raster.Row(first), raster.Stride() * static_cast<size_t>(end - first));
 }
 
 }  // namespace rasterkit::detail

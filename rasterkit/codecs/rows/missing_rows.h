@@ -9,7 +9,11 @@ namespace rasterkit::detail {
 /// alpha 255.
 void FillMissingRows(Raster& raster, int first);
 
-/// The byte that fills such a row.
+/// Sets the rows from `first` to `end` - 1, with their padding, to 0. Many rows take no memory
+/// until they are written.
+void ClearRows(Raster& raster, int first, int end);
+
+/// The byte that fills a missing row.
 uint8_t WhiteByte(const Raster& raster);
 
 }  // namespace rasterkit::detail

@@ -17,6 +17,7 @@
 #include <rasterkit/codecs/tiff/tiff_library_rows.h>
 #include <rasterkit/codecs/tiff/tiff_picture.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 
@@ -276,6 +277,7 @@ void FrameReader::Judge(const TiffOutcome& outcome) {
 }  // namespace
 
 ImagingFrame DecodeTiff(TStream& stream, const FrameOptions& options, CodecReport* report) {
+  const LimitsScope limits(options.limits ? *options.limits : CurrentLimits());
   CodecReport ownReport;
   CodecReport& noticed = report ? *report : ownReport;
   if (stream.Size() > stream.Position()) return FrameReader(stream, options, noticed).Read();

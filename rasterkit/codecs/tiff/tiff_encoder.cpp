@@ -5,6 +5,7 @@
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/codecs/tiff/tiff_plan.h>
 #include <rasterkit/codecs/tiff/tiff_strip_writer.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 
@@ -48,6 +49,7 @@ void SetGeoTags(TiffOutput& output, const TiffGeoTags& geo) {
 }  // namespace
 
 void EncodeTiff(const Raster& raster, TStream& stream, const TiffWriteOptions& options) {
+  const LimitsScope limits;
   const TiffPlan plan = detail::PlanTiff(raster, options);
   TiffOutput output(stream, plan.isBig);
   detail::SetStripTags(output, plan);

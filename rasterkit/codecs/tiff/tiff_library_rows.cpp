@@ -3,6 +3,7 @@
 
 #include <rasterkit/codecs/tiff/tiff_library_rows.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 
@@ -57,6 +58,7 @@ TiffOutcome ReadTiffByLibrary(TiffHandle& handle, const TiffLayout& layout,
   TiffOutcome outcome;
   outcome.soundRows = layout.height;
   for (uint32_t y = 0; y < layout.height; y += band) {
+    RequireTime();
     const uint32_t rows = std::min(band, layout.height - y);
     // Rows that the library cannot decode stay white.
     std::memset(pixels.Data(), 0xFF, pixels.Size());

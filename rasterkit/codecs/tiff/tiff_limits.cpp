@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <rasterkit/codecs/rows/frame_format.h>
+#include <rasterkit/codecs/rows/plausible_size.h>
 #include <rasterkit/codecs/tiff/tiff_layout.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
@@ -12,44 +13,32 @@ namespace rasterkit::detail {
 
 namespace {
 
-/// Pictures up to this many bytes may be empty, as sparse grids and blank pages are.
-uint64_t AlwaysAllowed() {
-  return std::min(PictureMemoryLimit(), uint64_t{256} << 20);
-}
-
-uint64_t Times(uint64_t a, uint64_t b) {
-  return a != 0 && b > std::numeric_limits<uint64_t>::max() / a
-             ? std::numeric_limits<uint64_t>::max()
-             : a * b;
-}
-
 uint64_t Plus(uint64_t a, uint64_t b) {
   return b > std::numeric_limits<uint64_t>::max() - a ? std::numeric_limits<uint64_t>::max()
                                                       : a + b;
 }
 
-/// Most bytes per compressed byte by the rules of the codec, doubled, so that the first half of a
-/// truncated file is shown.
+/// Most bytes per compressed byte by the rules of the codec, with slack for truncated files.
 uint64_t LargestRatio(const TiffLayout& layout) {
   switch (layout.compression) {
     case COMPRESSION_NONE:
-      // With less, there is almost nothing to show.
-      return 64;
+      return kPlainSlack;
     case COMPRESSION_PACKBITS:
-      return 128;
+      return 64 * kCutSlack;
     case COMPRESSION_LZW:
-      return 4096;
+      return 2728 * kCutSlack;
     case COMPRESSION_ADOBE_DEFLATE:
     case COMPRESSION_DEFLATE:
     case COMPRESSION_PIXARLOG:
-      return 2100;
+      return kDeflateRatio * kCutSlack;
     case COMPRESSION_JPEG:
     case COMPRESSION_OJPEG:
-      return 4096;
+      // A block of 8 x 8 samples takes a bit; colors may have a quarter of the samples per side.
+      return 2048 * kCutSlack;
     case COMPRESSION_CCITTFAX4:
     case COMPRESSION_CCITTFAX3:
       // A blank row takes a bit.
-      return Times(8, layout.grid.rowBytes + 1);
+      return SaturatedProduct(8 * kCutSlack, layout.grid.rowBytes + 1);
     default:
       return 65536;
   }
@@ -86,25 +75,27 @@ void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout) {
   }
   const TiffBlockGrid& grid = layout.grid;
   const uint64_t targetRow = StrideBytes(layout.width, PixelBits(layout.format));
-  uint64_t need = Times(targetRow, layout.height);
+  uint64_t need = SaturatedProduct(targetRow, layout.height);
   uint64_t decoded = need;
   if (layout.rows == TiffRowKind::stretched) {
-    need = Plus(need, Times(Times(sizeof(double), layout.width), layout.height));
+    need =
+        Plus(need, SaturatedProduct(SaturatedProduct(sizeof(double), layout.width), layout.height));
   }
   if (layout.rows == TiffRowKind::library) {
-    const uint64_t band = Times(Times(4, layout.width), std::min(layout.height, grid.height));
+    const uint64_t band =
+        SaturatedProduct(SaturatedProduct(4, layout.width), std::min(layout.height, grid.height));
     need = Plus(need, band);
   } else {
-    const uint64_t block = Times(Times(grid.rowBytes, grid.height), layout.planes.size());
+    const uint64_t block =
+        SaturatedProduct(SaturatedProduct(grid.rowBytes, grid.height), layout.planes.size());
     // Uncompressed rows are read in pieces; compressed blocks are unpacked completely.
     if (layout.compression != COMPRESSION_NONE) need = Plus(need, block);
-    decoded = std::max(decoded, Times(block, grid.PerPlane()));
+    decoded = std::max(decoded, SaturatedProduct(block, grid.PerPlane()));
   }
-  RequirePictureMemory(need, what);
-  if (decoded <= AlwaysAllowed()) return;
-  if (Times(PackedBytes(handle, layout), LargestRatio(layout)) < decoded) {
-    throw FormatError(what + ": the file is far too small to hold it");
-  }
+  RequirePicture(layout.width, layout.height, need, what);
+  // Counting the bytes of a huge directory takes time.
+  if (decoded <= kAlwaysPlausible && decoded <= PictureMemoryLimit()) return;
+  RequirePlausible({decoded, decoded, PackedBytes(handle, layout), LargestRatio(layout)}, what);
 }
 
 }  // namespace rasterkit::detail

@@ -8,6 +8,7 @@
 #include <rasterkit/codecs/rows/worker_threads.h>
 #include <rasterkit/codecs/tiff/tiff_picture.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit::detail {
@@ -100,6 +101,7 @@ void BlockWorker::ReadBlock(uint32_t position) {
   }
   uint32_t y = 0;
   while (y < place.height) {
+    RequireTime();
     const uint32_t rows = std::min(piece, place.height - y);
     const uint32_t there = ReadPiece(position, place, y, rows);
     WriteRows(place, y, there);

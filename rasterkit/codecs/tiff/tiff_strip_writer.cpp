@@ -7,6 +7,7 @@
 #include <rasterkit/codecs/tiff/tiff_strip_writer.h>
 #include <rasterkit/kernels/rows/convert_rows.h>
 #include <rasterkit/kernels/rows/exchange_red_blue.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit::detail {
@@ -33,6 +34,7 @@ void PackOnThreads(TiffOutput& output, const Raster& raster, const TiffPlan& pla
       TiffStripRows rows(raster, plan);
       TiffStripPacker packer(plan);
       while (const auto strip = queue.Next()) {
+        RequireTime();
         queue.Put(*strip, packer.Pack(*strip, rows.Strip(*strip)));
       }
     } catch (...) {
@@ -108,6 +110,7 @@ void WriteStrips(TiffOutput& output, const Raster& raster, const TiffPlan& plan,
   const bool isPacked = plan.compression != COMPRESSION_NONE;
   TiffStripRows rows(raster, plan);
   for (uint32_t strip = 0; strip < plan.Strips(); strip++) {
+    RequireTime();
     if (isPacked) {
       output.WriteStrip(strip, rows.Strip(strip));
     } else {

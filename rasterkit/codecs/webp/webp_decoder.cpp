@@ -8,10 +8,13 @@
 
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/missing_rows.h>
+#include <rasterkit/codecs/rows/plausible_size.h>
 #include <rasterkit/codecs/webp/webp_chunks.h>
 #include <rasterkit/codecs/webp/webp_decoder.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
+#include <rasterkit/runtime/memory/memory_share.h>
 
 namespace rasterkit {
 
@@ -19,8 +22,6 @@ namespace {
 
 using Bytes = std::span<const uint8_t>;
 
-/// Canvases up to this many bytes may be empty.
-constexpr uint64_t kAlwaysAllowed = uint64_t{256} << 20;
 /// The first picture must cover at least one part in this many of a larger canvas.
 constexpr uint64_t kLargestCanvasOverPicture = 64;
 
@@ -121,20 +122,37 @@ uint64_t Area(int width, int height) {
   return static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
 }
 
+/// Lossy coding takes more than a bit for the modes of each block of 16 x 16 pixels: their
+/// probabilities are fixed. Lossless coding has no bound: a picture of one color takes a few bytes.
+constexpr uint64_t kMacroblocksPerByte = 8 * detail::kCutSlack;
+
+uint64_t MacroblocksOf(const Picture& picture) {
+  constexpr int kSide = 16;
+  return Area((picture.width + kSide - 1) / kSide, (picture.height + kSide - 1) / kSide);
+}
+
+/// The library keeps complete lossless pictures, and alpha planes also in compressed form.
+uint64_t BytesOfLibrary(const Picture& picture) {
+  const uint64_t perPixel = picture.isLossless ? 4 : picture.hasAlpha ? 2 : 0;
+  return perPixel * Area(picture.width, picture.height);
+}
+
 /// Refuses pictures that are too large before that much memory is allocated.
 void RequirePlausibleSize(const Picture& picture) {
   const std::string what =
       fmt::format("WebP picture of {} x {} pixels", picture.canvasWidth, picture.canvasHeight);
   const uint64_t rows = StrideBytes(picture.canvasWidth, StoredBitsPerPixel(picture.Format())) *
                         static_cast<uint64_t>(picture.canvasHeight);
-  // The library keeps complete lossless pictures, and alpha planes also in compressed form.
-  const uint64_t bytesKept = picture.isLossless ? 4 : picture.hasAlpha ? 2 : 0;
-  RequirePictureMemory(rows + bytesKept * Area(picture.width, picture.height), what);
-  if (rows > kAlwaysAllowed &&
+  RequirePicture(static_cast<uint64_t>(picture.canvasWidth),
+                 static_cast<uint64_t>(picture.canvasHeight), rows + BytesOfLibrary(picture), what);
+  if (CurrentLimits().refuseImplausible && rows > detail::kAlwaysPlausible &&
       Area(picture.canvasWidth, picture.canvasHeight) / Area(picture.width, picture.height) >
           kLargestCanvasOverPicture) {
     throw FormatError(what + ": the canvas is far too large for its first picture");
   }
+  if (picture.isLossless) return;
+  detail::RequirePlausible({rows, MacroblocksOf(picture), picture.data.size(), kMacroblocksPerByte},
+                           what);
 }
 
 struct DecoderEnd {
@@ -146,6 +164,20 @@ struct Outcome {
   int rows = 0;
   bool isDamaged = false;
 };
+
+/// Gives the data to the decoder, in parts if there is a time limit, which is checked between them.
+VP8StatusCode Feed(WebPIDecoder& decoder, Bytes data) {
+  constexpr size_t kParts = 64, kLeastPart = 16 << 10;
+  const size_t part =
+      SecondsLeft() == kNoTimeLimit ? data.size() : std::max(kLeastPart, data.size() / kParts);
+  VP8StatusCode status = VP8_STATUS_SUSPENDED;
+  for (size_t there = 0; status == VP8_STATUS_SUSPENDED && there < data.size();) {
+    RequireTime();
+    there += std::min(part, data.size() - there);
+    status = WebPIUpdate(&decoder, data.data(), there);
+  }
+  return status;
+}
 
 /// Decodes the available rows into the raster.
 Outcome DecodeRows(const Picture& picture, Raster& raster) {
@@ -164,7 +196,7 @@ Outcome DecodeRows(const Picture& picture, Raster& raster) {
   // Only the incremental decoder gives the rows of a truncated file.
   const std::unique_ptr<WebPIDecoder, DecoderEnd> decoder(WebPIDecode(nullptr, 0, &config));
   if (!decoder) throw LimitError("WebP: out of memory");
-  const VP8StatusCode status = WebPIUpdate(decoder.get(), picture.data.data(), picture.data.size());
+  const VP8StatusCode status = Feed(*decoder, picture.data);
   if (status == VP8_STATUS_OK) return {picture.height};
   if (status == VP8_STATUS_OUT_OF_MEMORY) ThrowStatus(status);
   int rows = 0;
@@ -189,15 +221,17 @@ ColorProfile ProfileOf(Bytes bytes, CodecReport& report) {
 
 /// Makes the rest of the canvas transparent.
 void ClearCanvas(Raster& raster) {
-  for (int y = 0; y < raster.Height(); y++) std::memset(raster.Row(y), 0, raster.RowBytes());
+  detail::ClearRows(raster, 0, raster.Height());
 }
 
 }  // namespace
 
 Raster DecodeWebp(Bytes bytes, CodecReport* report) {
+  const LimitsScope limits;
   CodecReport noticed;
   const Picture picture = FirstPicture(bytes);
   RequirePlausibleSize(picture);
+  const MemoryShare kept(BytesOfLibrary(picture));
   Raster raster(picture.Format(), picture.canvasWidth, picture.canvasHeight);
   if (raster.Format() == pf32bit) raster.alphaFormat = afDefined;
   if (!picture.CoversCanvas()) ClearCanvas(raster);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 
@@ -21,8 +22,9 @@ class DrawingWork {
   explicit DrawingWork(double pixels);
 
   /// Charges `cost` to the budget; call before doing the work. Throws DrawingWorkError if the
-  /// budget is exceeded.
+  /// budget is exceeded, TimeLimitError if the time of the call is over.
   void Charge(double cost) {
+    RequireTime();
     spent_ += cost;
     if (!(spent_ <= limit_)) ThrowTooMuch();
   }

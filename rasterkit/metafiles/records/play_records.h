@@ -7,6 +7,7 @@
 #include <rasterkit/drawing/ink/drawing_work.h>
 #include <rasterkit/metafiles/records/play_report.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 
@@ -31,6 +32,7 @@ void PlayRecords(Records& records, const Play& play, const std::function<bool()>
       report.isComplete = false;
       return;
     }
+    RequireTime();
     try {
       ++(play(*record) ? report.played : report.skipped);
     } catch (const DrawingWorkError& error) {
@@ -38,6 +40,8 @@ void PlayRecords(Records& records, const Play& play, const std::function<bool()>
       Warn(report, error.Reason());
       report.isComplete = false;
       return;
+    } catch (const TimeLimitError&) {
+      throw;
     } catch (const Error& error) {
       ++report.skipped;
       Warn(report, error.Reason());

@@ -6,6 +6,7 @@
 #include <rasterkit/raster/stretch/blit.h>
 #include <rasterkit/raster/stretch/blit_axes.h>
 #include <rasterkit/raster/stretch/source_rows.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace detail {
@@ -85,6 +86,7 @@ void BlitByAxes(Raster& target, const BlitAxes& axes, const Raster& source, cons
   SourceRows sourceRows(source, axes.columns);
   const auto targetRows = MakeTargetRows(target, CheapestRule(source, rule));
   for (int i = 0; i < axes.rows.Count(); ++i) {
+    RequireTime();
     targetRows->Write(axes.rows.first + i, axes.columns.first, axes.columns.Count(),
                       sourceRows.Row(axes.rows.positions[static_cast<size_t>(i)]));
   }

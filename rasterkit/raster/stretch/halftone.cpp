@@ -8,6 +8,7 @@
 #include <rasterkit/raster/stretch/blit_axes.h>
 #include <rasterkit/raster/stretch/halftone.h>
 #include <rasterkit/raster/stretch/halftone_means.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace {
@@ -65,6 +66,7 @@ void DrawOpaqueMeans(Raster& target, const PixelRect& inside, const HalftoneAxes
   int y = inside.top;
   if (target.Format() == pf24bit) {
     for (const HalftoneTap& rows : axes.rows.taps) {
+      RequireTime();
       means->Make(rows, target.Row(y++) + static_cast<size_t>(inside.left) * 3);
     }
     return;
@@ -73,6 +75,7 @@ void DrawOpaqueMeans(Raster& target, const PixelRect& inside, const HalftoneAxes
   std::vector<RGBArec> pixels(width);
   const auto targetRows = MakeTargetRows(target, PixelRule{});
   for (const HalftoneTap& rows : axes.rows.taps) {
+    RequireTime();
     means->Make(rows, colors.data());
     kernels::Row24To32(colors.data(), width, reinterpret_cast<uint8_t*>(pixels.data()));
     targetRows->Write(y++, inside.left, static_cast<int>(width), pixels.data());
