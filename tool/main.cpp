@@ -7,6 +7,7 @@
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
 #include "tool/command/standard_streams.h"
 #include "tool/verbs/verbs.h"
 
@@ -20,14 +21,15 @@ int WithFlushedOutput(int code) {
   return code == exitDone ? exitOutputNotWritten : code;
 }
 
-int RunVerb(const VerbRunner& run) {
+int RunVerb(const VerbRunner& run, const LimitOptions& limits) {
   try {
+    SetDefaultLimits(LimitsOf(limits));
     return WithFlushedOutput(run());
   } catch (const Failure& failure) {
     std::fprintf(stderr, "rasterkit: %s\n", failure.what());
     return failure.Code();
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "rasterkit: %s\n", error.what());
+    std::fprintf(stderr, "rasterkit: %s\n", MessageWithOption(error).c_str());
     return exitOutputNotWritten;
   }
 }
@@ -64,9 +66,11 @@ int Main(int argc, char** argv) {
         AddEditVerb,   AddSaveAsVerb}) {
     verbs.push_back(add(line));
   }
+  LimitOptions limits;
+  line.AddToAllVerbs([&](Verb& verb) { AddLimits(verb, limits); });
   if (const auto code = line.Parse(argc, argv)) return WithFlushedOutput(*code);
   CatchInterruption();
-  return RunVerb(verbs.at(line.ChosenVerb()));
+  return RunVerb(verbs.at(line.ChosenVerb()), limits);
 }
 
 }  // namespace

@@ -12,12 +12,16 @@
 #include <fmt/format.h>
 
 #include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/limits.h>
+#include <rasterkit/runtime/memory/memory_job.h>
 #include <rasterkit/runtime/text.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/json.h"
+#include "tool/command/limit_options.h"
 #include "tool/command/progress.h"
+#include "tool/pictures/memory_need.h"
 #include "tool/pictures/metafile_output.h"
 #include "tool/pictures/save_picture.h"
 
@@ -76,6 +80,7 @@ void RequireFreeOutput(const OutputOptions& options, const Job& job) {
 
 Outcome RunJob(const OutputOptions& options, const Job& job,
                const std::function<JobResult(const Job&)>& work) {
+  const LimitsScope limits;
   Outcome outcome;
   try {
     StopIfInterrupted();
@@ -87,13 +92,34 @@ Outcome RunJob(const OutputOptions& options, const Job& job,
     outcome.error = failure.what();
   } catch (const std::exception& error) {
     outcome.code = exitOutputNotWritten;
-    outcome.error = job.input + ": " + error.what();
+    outcome.error = job.input + ": " + MessageWithOption(error);
   }
   return outcome;
 }
 
 bool IsFailure(const Outcome& outcome) {
   return !outcome.error.empty();
+}
+
+/// A pipe gives its bytes only once.
+bool CanBeReadAgain(const std::string& file) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(ToPath(file), error);
+}
+
+/// Runs one of several jobs at a time. It waits for memory that others hold. If all wait for each
+/// other, it gives up what it has and is repeated alone.
+Outcome RunJobBesideOthers(const OutputOptions& options, const Job& job,
+                           const std::function<JobResult(const Job&)>& work) {
+  {
+    const MemoryJobScope memory(MemoryNeed(job.input));
+    Outcome outcome = RunJob(options, job, work);
+    const bool isRepeated =
+        memory.WasRefused() && IsFailure(outcome) && CanBeReadAgain(job.input) && !IsInterrupted();
+    if (!isRepeated) return outcome;
+  }
+  const MemoryJobScope memory(kNoLimit);
+  return RunJob(options, job, work);
 }
 
 void PrintJson(const Job& job, const Outcome& outcome) {
@@ -156,7 +182,8 @@ class Batch {
     while (!stopped_) {
       const size_t index = next_++;
       if (index >= jobs_.size()) return;
-      Outcome outcome = RunJob(options_, jobs_[index], work_);
+      Outcome outcome = options_.jobs > 1 ? RunJobBesideOthers(options_, jobs_[index], work_)
+                                          : RunJob(options_, jobs_[index], work_);
       if (IsFailure(outcome) && (!options_.keepGoing || outcome.code == exitInterrupted)) {
         stopped_ = true;
       }

@@ -129,6 +129,13 @@ Verb CommandLine::AddVerb(const VerbHelp& help) {
   return Verb(verb);
 }
 
+void CommandLine::AddToAllVerbs(const std::function<void(Verb& verb)>& add) {
+  for (VerbParts& parts : parts_->verbs) {
+    Verb verb(parts);
+    add(verb);
+  }
+}
+
 std::optional<int> CommandLine::Parse(int argc, char** argv) {
   try {
     parts_->app.parse(argc, argv);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,6 +21,8 @@ class CommandLine {
   CommandLine& operator=(const CommandLine&) = delete;
 
   Verb AddVerb(const VerbHelp& help);
+  /// Calls `add` for each verb that was added so far, for options that all of them have.
+  void AddToAllVerbs(const std::function<void(Verb& verb)>& add);
 
   /// Sets the variables of the options. Returns an exit code if there is nothing left to do: help
   /// or the version was printed on stdout, or what is wrong with the arguments on stderr.

@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/limits.h>
+#include <rasterkit/runtime/memory/memory_job.h>
 
 #include "tool/command/exit_code.h"
 
@@ -56,6 +58,8 @@ bool IsInterrupted() {
 
 void StopIfInterrupted() {
   if (IsInterrupted()) throw Failure(exitInterrupted, "interrupted");
+  RequireTime();
+  RequireMemoryOfJob();
 }
 
 InterruptibleWait::InterruptibleWait() {

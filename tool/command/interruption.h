@@ -10,7 +10,8 @@ namespace rasterkit::tool {
 /// file size limit becomes an ordinary write error.
 void CatchInterruption();
 
-/// Throws Failure(exitInterrupted) if the user requested a stop. Called between the steps of a
+/// Throws Failure(exitInterrupted) if the user requested a stop, and LimitError if the time of the
+/// picture is over or its job lacks memory. Called between the steps of a
 /// picture and just before an output gets its name.
 void StopIfInterrupted();
 

@@ -16,6 +16,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
 #include "tool/pages/page_list.h"
 #include "tool/pages/pdf_file.h"
 #include "tool/pictures/save_picture.h"
@@ -183,9 +184,9 @@ class PageDrawer {
       const InterruptibleWait drawing;
       document.ExportPage(job.page - 1, options_.dpi / 100, rotation_, bitmap);
     } catch (const LimitError& error) {
-      throw Failure(exitOutputNotWritten, where(error.Reason()));
+      throw Failure(exitOutputNotWritten, where(ReasonWithOption(error)));
     } catch (const Error& error) {
-      throw Failure(exitInputUnreadable, where(error.Reason()));
+      throw Failure(exitInputUnreadable, where(ReasonWithOption(error)));
     } catch (const std::bad_alloc&) {
       throw Failure(exitOutputNotWritten, where("out of memory; a lower --dpi needs less"));
     }

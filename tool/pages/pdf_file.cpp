@@ -5,6 +5,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
 
 namespace rasterkit::tool {
 
@@ -23,7 +24,7 @@ std::unique_ptr<PdfDocument> OpenPdf(const std::string& file, const std::string&
     document->LoadFromFile(file, password);
     return document;
   } catch (const Error& error) {
-    throw Failure(exitInputUnreadable, file + ": " + error.Reason());
+    throw Failure(exitInputUnreadable, file + ": " + ReasonWithOption(error));
   }
 }
 
@@ -32,7 +33,7 @@ PdfPageSize SizeOfPage(const PdfDocument& document, const std::string& file, int
     const InterruptibleWait reading;
     return document.PageSize(page - 1);
   } catch (const Error& error) {
-    throw Failure(exitInputUnreadable, file + ": " + error.Reason());
+    throw Failure(exitInputUnreadable, file + ": " + ReasonWithOption(error));
   }
 }
 

@@ -12,6 +12,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
 #include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/metafile_output.h"
 #include "tool/pictures/placement/map_placement.h"
@@ -170,7 +171,7 @@ JobResult ConvertLoaded(LoadedPicture& picture, const Job& job, const PictureOpt
   try {
     return Change(job, options, picture, steps);
   } catch (const Error& error) {
-    throw Failure(exitOutputNotWritten, job.output + ": " + error.Reason());
+    throw Failure(exitOutputNotWritten, job.output + ": " + ReasonWithOption(error));
   } catch (const std::bad_alloc&) {
     throw Failure(exitOutputNotWritten, job.output + ": out of memory");
   }

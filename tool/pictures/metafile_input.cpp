@@ -30,7 +30,7 @@ PictureSize OwnSize(const TMetafile& metafile, bool isForFacts) {
     return {std::max(1, static_cast<int>(width * smaller)),
             std::max(1, static_cast<int>(height * smaller))};
   }
-  if (pixels <= kMostPixels) return {width, height};
+  if (pixels <= kMostPixels && metafile.IsSizePlausible()) return {width, height};
   throw LimitError(fmt::format(
       "metafile: the drawing has {} x {} pixels; `rasterkit convert` with --size or --dpi "
       "makes it smaller",

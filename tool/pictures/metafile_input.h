@@ -31,8 +31,8 @@ struct DrawnMetafile {
 };
 
 /// Draws a loaded metafile. Throws UnsupportedError if it cannot be drawn, LimitError if the
-/// picture memory budget is exceeded, or if the file itself states more than 268 million pixels:
-/// such a header is more likely damaged than meant.
+/// picture memory budget is exceeded, or if the file itself states more than 268 million pixels or
+/// a size that is not plausible: such a header is more likely damaged than meant.
 DrawnMetafile DrawMetafile(const TMetafile& metafile, const MetafileDrawing& drawing);
 
 }  // namespace rasterkit::tool

@@ -12,6 +12,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -38,7 +39,7 @@ void Load(TMetafile& metafile, const std::string& file) {
     TSpanStream memory(bytes);
     metafile.LoadFromStream(memory);
   } catch (const Error& error) {
-    throw Failure(exitInputUnreadable, file + ": " + error.Reason());
+    throw Failure(exitInputUnreadable, file + ": " + ReasonWithOption(error));
   }
 }
 
@@ -49,7 +50,7 @@ void Save(TMetafile& metafile, const std::string& file) {
     metafile.SaveToStream(target);
     target.Commit();
   } catch (const Error& error) {
-    throw Failure(exitOutputNotWritten, file + ": " + error.Reason());
+    throw Failure(exitOutputNotWritten, file + ": " + ReasonWithOption(error));
   } catch (const std::bad_alloc&) {
     throw Failure(exitOutputNotWritten, file + ": out of memory");
   }

@@ -10,9 +10,11 @@
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
 #include "tool/pictures/visible_rows.h"
 
 namespace rasterkit::tool {
@@ -116,7 +118,7 @@ void Guarded(const std::string& file, const std::function<void()>& reading) {
   try {
     reading();
   } catch (const Error& error) {
-    throw Failure(exitInputUnreadable, file + ": " + error.Reason());
+    throw Failure(exitInputUnreadable, file + ": " + ReasonWithOption(error));
   } catch (const std::bad_alloc&) {
     throw Failure(exitInputUnreadable, file + ": out of memory");
   }
@@ -136,6 +138,7 @@ Raster RowsToLookAt(LoadedFrame& loaded) {
 void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads,
                    const MetafileDrawing& drawing) {
   Guarded(file, [&] {
+    const LimitsScope limits;
     const InterruptibleInput waiting(file);
     TFileStream stream(file);
     LoadStream(frame, stream, threads, drawing);

@@ -10,6 +10,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -54,7 +55,7 @@ void SavePicture(const TBitmap& bitmap, const std::string& name, const SaveOptio
     StopIfInterrupted();
     file.Commit();
   } catch (const Error& error) {
-    throw Failure(exitOutputNotWritten, name + ": " + error.Reason());
+    throw Failure(exitOutputNotWritten, name + ": " + ReasonWithOption(error));
   } catch (const std::bad_alloc&) {
     throw Failure(exitOutputNotWritten, name + ": out of memory");
   }

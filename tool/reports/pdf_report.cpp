@@ -9,6 +9,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/json.h"
+#include "tool/command/limit_options.h"
 #include "tool/pages/pdf_file.h"
 
 namespace rasterkit::tool {
@@ -26,7 +27,7 @@ std::string Refusal(const PdfPageSize& size, double scale) {
     RequirePdfPage(size, scale);
     return {};
   } catch (const Error& error) {
-    return error.Reason();
+    return ReasonWithOption(error);
   }
 }
 

@@ -9,6 +9,7 @@
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/json.h"
+#include "tool/command/limit_options.h"
 #include "tool/pictures/compare_pictures.h"
 #include "tool/verbs/picture_verb.h"
 
@@ -110,7 +111,7 @@ Comparison LoadAndCompare(const CompareOptions& options) {
   try {
     return Compare(*a, *b, options.tolerance);
   } catch (const Error& error) {
-    throw Failure(exitInputUnreadable, error.Reason());
+    throw Failure(exitInputUnreadable, ReasonWithOption(error));
   } catch (const std::bad_alloc&) {
     throw Failure(exitInputUnreadable, "out of memory while comparing the pictures");
   }

@@ -7,6 +7,7 @@
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
 #include "tool/command/shared_options.h"
 #include "tool/pictures/exif/exif_copy.h"
 #include "tool/pictures/exif/exif_losses.h"
@@ -39,7 +40,7 @@ void Save(std::span<const uint8_t> bytes, const std::string& name) {
     StopIfInterrupted();
     file.Commit();
   } catch (const Error& error) {
-    throw Failure(exitOutputNotWritten, name + ": " + error.Reason());
+    throw Failure(exitOutputNotWritten, name + ": " + ReasonWithOption(error));
   }
 }
 
@@ -59,7 +60,7 @@ JobResult CopyFrom(const Bytes& photo, const ExifOptions& options, const Job& jo
   try {
     copied = CopyMetadata(photo, picture, {options.keepOrientation, options.stripThumbnail});
   } catch (const FormatError& error) {
-    throw Failure(exitInputUnreadable, job.input + ": " + error.Reason());
+    throw Failure(exitInputUnreadable, job.input + ": " + ReasonWithOption(error));
   }
   Save(copied.jpeg, job.output);
   JobResult result = ResultFor(copied.jpeg);
@@ -80,7 +81,7 @@ JobResult StripThumbnail(const Job& job) {
   try {
     section = WithoutThumbnail(ExifBlock(SectionBytes(*exif)));
   } catch (const FormatError& error) {
-    throw Failure(exitInputUnreadable, job.input + ": " + error.Reason());
+    throw Failure(exitInputUnreadable, job.input + ": " + ReasonWithOption(error));
   }
   const auto place = [&jpeg](size_t at) { return jpeg.begin() + static_cast<std::ptrdiff_t>(at); };
   Bytes result(jpeg.begin(), place(exif->place + 2));

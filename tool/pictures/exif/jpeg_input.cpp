@@ -10,6 +10,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -39,7 +40,7 @@ std::vector<uint8_t> ReadJpegInput(const std::string& file) {
     RequireJpeg(bytes);
     return bytes;
   } catch (const Error& error) {
-    throw Failure(exitInputUnreadable, file + ": " + error.Reason());
+    throw Failure(exitInputUnreadable, file + ": " + ReasonWithOption(error));
   } catch (const std::bad_alloc&) {
     throw Failure(exitInputUnreadable, file + ": out of memory");
   }

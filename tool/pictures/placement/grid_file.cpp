@@ -11,6 +11,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
 #include "tool/command/printable.h"
 #include "tool/pictures/placement/world_file.h"
 
@@ -76,7 +77,7 @@ GridFile LoadGridFile(const std::string& file) {
   try {
     Load(result, file);
   } catch (const Error& error) {
-    throw Failure(exitInputUnreadable, file + ": " + error.Reason());
+    throw Failure(exitInputUnreadable, file + ": " + ReasonWithOption(error));
   } catch (const std::bad_alloc&) {
     throw Failure(exitInputUnreadable, file + ": out of memory");
   }

@@ -14,6 +14,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/pictures/placement/geo_position.h"
 #include "tool/pictures/placement/world_file.h"
@@ -65,7 +66,7 @@ std::string ReasonForNoNumbers(const std::string& name) {
   try {
     if (!std::filesystem::is_fifo(ToPath(name), ignored)) const TFileStream opens(name);
   } catch (const Error& error) {
-    return error.Reason();
+    return ReasonWithOption(error);
   }
   return "not a world file: it must begin with six numbers, one per line";
 }

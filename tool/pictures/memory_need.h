@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace rasterkit::tool {
+
+/// Estimates the memory for changing the picture of a file: its rows twice, at 32 bits per pixel.
+/// Reads only the header. 0 if that does not state a size, for metafiles, and for pipes.
+uint64_t MemoryNeed(const std::string& file);
+
+}  // namespace rasterkit::tool
