@@ -85,7 +85,8 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
   /// Reads the sections of a JPEG file from the stream's position and decodes the EXIF section.
   /// Returns true if an EXIF, IPTC, comment, APP2, APP12 or APP14 section was found. The stream's
   /// position is after the sections then. Throws ConversionError if a GPS position or time does not
-  /// consist of three valid rationals.
+  /// consist of three rationals. A time of day that does not exist is no error: `TimeStamp` keeps
+  /// its value.
   bool ReadJpegSections(TStream& stream);
   /// Calls ResetInfos, then reads a file as ReadJpegSections does. Throws FileError if it cannot be
   /// opened or read.

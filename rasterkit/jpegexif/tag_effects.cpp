@@ -71,7 +71,7 @@ void StoreComment(TExifData& exif, TTagEntry& entry) {
 
 std::string TwoDigits(int64_t value) {
   std::string text = std::to_string(value);
-  return value < 10 ? text.insert(0, 1, '0') : text;
+  return value >= 0 && value < 10 ? text.insert(0, 1, '0') : text;
 }
 
 }  // namespace
@@ -99,8 +99,10 @@ std::string detail::TimeText(const std::string& instr, uint16_t, TImageData& ima
     return static_cast<int64_t>(GetIrrational(StrNth(instr, cDataSep, n)));
   };
   const int64_t hour = part(1), minute = part(2), second = part(3);
-  const TDateTime time = EncodeTime(hour, minute, second, 0);
-  if (image.GPSData) image.GPSData->TimeStamp = time;
+  // A camera without a fix can write any numbers; they must not hide the rest of the photo's data.
+  if (image.GPSData && IsTimeOfDay(hour, minute, second, 0)) {
+    image.GPSData->TimeStamp = EncodeTime(hour, minute, second, 0);
+  }
   return TwoDigits(hour) + ":" + TwoDigits(minute) + ":" + TwoDigits(second);
 }
 
