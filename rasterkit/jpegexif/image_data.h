@@ -98,9 +98,9 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
   void ClearSections();
   /// Tells whether there is an EXIF, an IPTC or a comment segment.
   bool HasMetaData() const;
-  /// All comments of the photo as a byte string, separated by "\r": the comment section with its
-  /// length bytes, the EXIF comment, the printable bytes of the IPTC section, and the other
-  /// segments unchanged.
+  /// All comments of the photo in UTF-8, separated by "\r": the comment section with its length
+  /// bytes, the EXIF comment, the printable bytes of the IPTC section, and the other segments with
+  /// theirs. Bytes that are not valid UTF-8 are read as Latin-1.
   std::string GetComment() const;
 
   /// Writes the start marker and the kept sections in a fixed order: EXIF (if there is none, the

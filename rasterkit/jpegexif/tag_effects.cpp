@@ -65,7 +65,8 @@ void StoreComment(TExifData& exif, TTagEntry& entry) {
   exif.CommentSize = entry.RawSize - static_cast<int64_t>(kCodePrefix) - 1;
   const bool hasText = exif.CommentSize > 0 && entry.RawBuff.size() > kCodePrefix;
   const std::string_view text = hasText ? std::string_view(entry.RawBuff).substr(kCodePrefix) : "";
-  exif.Comments = Trim(text.substr(0, static_cast<size_t>(std::max<int64_t>(exif.CommentSize, 0))));
+  const auto size = static_cast<size_t>(std::max<int64_t>(exif.CommentSize, 0));
+  exif.Comments = Utf8OfBytes(Trim(text.substr(0, size)));
   entry.Inhalt = exif.Comments;
 }
 
@@ -132,7 +133,7 @@ void TImageData::ProcTagExif(TTagEntry& entry) {
       ExifData->DateTime = entry.Inhalt;
       break;
     case 36864:
-      ExifData->ExifVersion = entry.RawBuff;
+      ExifData->ExifVersion = Utf8OfBytes(entry.RawBuff);
       break;
     case 37385:
       ExifData->FlashUsed = number();
