@@ -33,6 +33,7 @@ void RunPixelWorkers(TManageThreads& manager, const MakePixelWorker& makeWorker)
     throw;
   }
   WaitUntilRunning(manager, 0);
+  manager.RethrowProgressError();
 }
 
 }  // namespace rasterkit::detail
