@@ -1,13 +1,12 @@
 #include "tool/pictures/placement/world_file.h"
 
-#include <algorithm>
-#include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include <rasterkit/bitmaptools/files/world_file_name.h>
-#include <rasterkit/runtime/text.h>
 #include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/text.h>
 
 #include "tool/command/numbers.h"
 
@@ -31,7 +30,10 @@ std::optional<std::string> FindWorldFile(const std::string& picture) {
   if (upper.empty()) return std::nullopt;
   for (const std::string& extension : {upper, LowerCase(upper)}) {
     const std::string name = ChangeFileExt(picture, extension);
-    if (name != picture && FileExists(name)) return name;
+    std::error_code ignored;
+    // Nobody has named this file: a pipe or a device of that name would block.
+    const bool isRegular = std::filesystem::is_regular_file(ToPath(name), ignored);
+    if (name != picture && isRegular) return name;
   }
   return std::nullopt;
 }
