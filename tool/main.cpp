@@ -2,11 +2,13 @@
 
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <vector>
 
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/printable.h"
 #include "tool/command/standard_streams.h"
 #include "tool/verbs/verbs.h"
 
@@ -16,7 +18,7 @@ namespace {
 /// Turns success into a failure if the results could not be printed, for example on a full disk.
 int WithFlushedOutput(int code) {
   if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return code;
-  std::fprintf(stderr, "rasterkit: the results could not be written to stdout\n");
+  PrintMessage("the results could not be written to stdout");
   return code == exitDone ? exitOutputNotWritten : code;
 }
 
@@ -24,10 +26,13 @@ int RunVerb(const VerbRunner& run) {
   try {
     return WithFlushedOutput(run());
   } catch (const Failure& failure) {
-    std::fprintf(stderr, "rasterkit: %s\n", failure.what());
+    PrintMessage(failure.what());
     return failure.Code();
+  } catch (const std::bad_alloc&) {
+    PrintMessage("out of memory");
+    return exitOutputNotWritten;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "rasterkit: %s\n", error.what());
+    PrintMessage(error.what());
     return exitOutputNotWritten;
   }
 }

@@ -14,6 +14,7 @@
 #include "tool/command/command_line.h"
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
+#include "tool/command/printable.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/pictures/picture_file.h"
 #include "tool/pictures/resize_picture.h"
@@ -112,7 +113,9 @@ int Run(const SaveAsOptions& options) {
   output.strict = options.strict;
   const auto save = [&](const Job& job) { return ConvertLoaded(picture, job, saving, steps); };
   const int code = RunJobs(output, {{file, settings.fileName}}, save);
-  if (code == exitDone || code == exitNotCarriedOver) fmt::print("{}\n", settings.fileName);
+  if (code == exitDone || code == exitNotCarriedOver) {
+    fmt::print("{}\n", OnOneLine(settings.fileName));
+  }
   return code;
 }
 
