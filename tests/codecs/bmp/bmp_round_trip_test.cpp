@@ -210,6 +210,26 @@ TEST(EncodeBmp, Should_Refuse_When_ThereAreNoPixels) {
   }
 }
 
+TEST(IsEmptyBmp, Should_BeTrue_ForAPlainHeaderOfNoPixels) {
+  const std::vector<uint8_t> head = detail::BmpHead(Raster(pf32bit, 0, 0), BmpProfile::omit);
+  const auto isEmpty = [](const std::vector<uint8_t>& bytes) {
+    TSpanStream stream(bytes);
+    const bool result = detail::IsEmptyBmp(stream);
+    EXPECT_EQ(stream.Position(), 0u);
+    return result;
+  };
+  EXPECT_TRUE(isEmpty(head));
+  // The header of an embedded picture may leave the size to that picture.
+  constexpr size_t kWidth = 14 + 4, kHeight = 14 + 8, kCompression = 14 + 16;
+  for (const size_t place : {size_t{0}, kWidth, kHeight, kCompression}) {
+    std::vector<uint8_t> other = head;
+    other[place] ^= 5;
+    EXPECT_FALSE(isEmpty(other)) << place;
+  }
+  EXPECT_FALSE(isEmpty({head.begin(), head.begin() + 30}));
+  EXPECT_FALSE(isEmpty({}));
+}
+
 TEST(EncodeBmp, Should_WriteAtPosition_When_StreamHoldsMoreBefore) {
   TMemoryStream stream(std::vector<uint8_t>{1, 2, 3});
   stream.SetPosition(3);
