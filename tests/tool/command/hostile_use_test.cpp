@@ -141,7 +141,7 @@ TEST_F(CliHostileUse, TurnedPictureBeyondTheLimit_Should_NameItsFile) {
   const ToolResult result = RunTool({"rotate", "--angle", "45", wide, turned});
   EXPECT_EQ(result.code, 4);
   EXPECT_THAT(result.err, HasSubstr(turned + ": "));
-  EXPECT_THAT(result.err, HasSubstr("memory"));
+  EXPECT_THAT(result.err, HasSubstr("limit"));
   EXPECT_EQ(result.err.find("bad_alloc"), std::string::npos);
 }
 
