@@ -12,7 +12,16 @@ foreach(umbrella IN LISTS umbrellas)
 endforeach()
 target_compile_features(rasterkit INTERFACE cxx_std_20)
 file(RELATIVE_PATH library_from_tool /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
-set_target_properties(rasterkit_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_tool}")
+# Programs and libraries are built with the paths that they have when installed. CMake would add an empty element to the
+# path of the build tree, for which the loader searches the current folder.
+set_target_properties(rasterkit_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_tool}" BUILD_WITH_INSTALL_RPATH ON)
+# In the build tree the libraries are in its root.
+cmake_path(SET libraries_of_build NORMALIZE ${PROJECT_BINARY_DIR}/tool/${library_from_tool})
+if(NOT EXISTS ${libraries_of_build})
+  cmake_path(GET libraries_of_build PARENT_PATH folder)
+  file(MAKE_DIRECTORY ${folder} ${PROJECT_BINARY_DIR}/tool)
+  file(CREATE_LINK ${PROJECT_BINARY_DIR} ${libraries_of_build} SYMBOLIC)
+endif()
 
 file(RELATIVE_PATH library_from_worker /${CMAKE_INSTALL_LIBEXECDIR}/rasterkit /${CMAKE_INSTALL_LIBDIR})
 set_target_properties(rasterkit_worker PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_worker}")
@@ -25,7 +34,7 @@ install(EXPORT rasterkit_targets FILE rasterkitTargets.cmake NAMESPACE rasterkit
 
 if(RASTERKIT_PDF)
   target_compile_features(rasterkit_pdf INTERFACE cxx_std_20)
-  set_target_properties(rasterkit_pdf PROPERTIES INSTALL_RPATH "$ORIGIN")
+  set_target_properties(rasterkit_pdf PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
   # A separate export, so that the library alone does not require Qt.
   install(TARGETS rasterkit_pdf EXPORT rasterkit_pdf_targets)
   install(EXPORT rasterkit_pdf_targets FILE rasterkitPdfTargets.cmake NAMESPACE rasterkit::
@@ -34,7 +43,7 @@ endif()
 
 if(RASTERKIT_DIALOGS)
   target_compile_features(rasterkit_dialogs INTERFACE cxx_std_20)
-  set_target_properties(rasterkit_dialogs PROPERTIES INSTALL_RPATH "$ORIGIN")
+  set_target_properties(rasterkit_dialogs PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
   install(TARGETS rasterkit_dialogs EXPORT rasterkit_dialogs_targets)
   install(EXPORT rasterkit_dialogs_targets FILE rasterkitDialogsTargets.cmake NAMESPACE rasterkit::
           DESTINATION ${package_folder})

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <set>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/printable.h"
 #include "tool/command/standard_streams.h"
 #include "tool/reports/worker_report.h"
 #include "tool/verbs/verbs.h"
@@ -20,7 +22,7 @@ namespace {
 /// Turns success into a failure if the results could not be printed, for example on a full disk.
 int WithFlushedOutput(int code) {
   if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return code;
-  std::fprintf(stderr, "rasterkit: the results could not be written to stdout\n");
+  PrintMessage("the results could not be written to stdout");
   return code == exitDone ? exitOutputNotWritten : code;
 }
 
@@ -35,11 +37,14 @@ int RunVerb(const VerbRunner& run, const LimitOptions& limits) {
     if (failure.Code() == exitInterrupted) {
       SayInterrupted();
     } else {
-      std::fprintf(stderr, "rasterkit: %s\n", failure.what());
+      PrintMessage(failure.what());
     }
     return failure.Code();
+  } catch (const std::bad_alloc&) {
+    PrintMessage("out of memory");
+    return exitOutputNotWritten;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "rasterkit: %s\n", MessageWithOption(error).c_str());
+    PrintMessage(MessageWithOption(error));
     return exitOutputNotWritten;
   }
 }

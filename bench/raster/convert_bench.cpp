@@ -73,6 +73,8 @@ BENCHMARK(BM_Memcpy)->Unit(benchmark::kMillisecond);
 RASTERKIT_BENCH_CONVERT(24_to_32, pf24bit, pf32bit, photo);
 RASTERKIT_BENCH_CONVERT(32_to_24, pf32bit, pf24bit, photo);
 RASTERKIT_BENCH_CONVERT(8_to_24, pf8bit, pf24bit, photo);
+RASTERKIT_BENCH_CONVERT(16_to_24, pf16bit, pf24bit, photo);
+RASTERKIT_BENCH_CONVERT(16_to_32, pf16bit, pf32bit, photo);
 RASTERKIT_BENCH_CONVERT(24_to_8_exact, pf24bit, pf8bit, fewColors);
 RASTERKIT_BENCH_CONVERT(24_to_8_adaptive, pf24bit, pf8bit, photo);
 RASTERKIT_BENCH_CONVERT(24_to_1, pf24bit, pf1bit, photo);

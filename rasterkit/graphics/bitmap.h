@@ -108,6 +108,7 @@ class RASTERKIT_EXPORT TBitmap : public TGraphic {
   /// itself keeps its transparency.
   const Raster& Content() const;
 
+  /// Reads a Windows bitmap file, also one of 0 x 0 pixels (see GetWindowsBitmap).
   void LoadFromStream(TStream& stream) override;
   void SaveToStream(TStream& stream) override;
   /// Writes a Windows bitmap file, with the ICC profile, atomically.

@@ -8,7 +8,7 @@
 namespace rasterkit {
 
 void TBitmap::LoadFromStream(TStream& stream) {
-  raster_ = DecodeBmp(stream);
+  raster_ = detail::IsEmptyBmp(stream) ? Raster(pf32bit, 0, 0) : DecodeBmp(stream);
   format_ = raster_.Format();
   modified_ = false;
 }

@@ -9,7 +9,7 @@
 /// This folder keeps bytes in `std::string` (byte strings, not text) and counts their positions
 /// from 1, as in the fields `RawPos` and `CommentPosn`: position p is the p-th byte. Positions are
 /// 64-bit, so no sum of offsets from a file overflows. Bytes outside a buffer read as 0 and are
-/// never written.
+/// never written, at any position.
 namespace rasterkit {
 
 /// Integers of 16 and 32 bits in a byte string, in either byte order.

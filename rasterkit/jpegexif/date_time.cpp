@@ -26,10 +26,13 @@ TDateTime EncodeDate(int32_t year, int32_t month, int32_t day) {
   return static_cast<double>((sys_days(date) - kDayZero).count());
 }
 
+bool IsTimeOfDay(int64_t hour, int64_t minute, int64_t second, int64_t millisecond) {
+  return hour >= 0 && hour < 24 && minute >= 0 && minute < 60 && second >= 0 && second < 60 &&
+         millisecond >= 0 && millisecond < 1000;
+}
+
 TDateTime EncodeTime(int64_t hour, int64_t minute, int64_t second, int64_t millisecond) {
-  const bool inRange = hour >= 0 && hour < 24 && minute >= 0 && minute < 60 && second >= 0 &&
-                       second < 60 && millisecond >= 0 && millisecond < 1000;
-  if (!inRange) {
+  if (!IsTimeOfDay(hour, minute, second, millisecond)) {
     throw ConversionError("no such time: hour " + std::to_string(hour) + ", minute " +
                           std::to_string(minute) + ", second " + std::to_string(second));
   }

@@ -15,8 +15,13 @@ using TDateTime = double;
 /// does not exist.
 RASTERKIT_EXPORT TDateTime EncodeDate(int32_t year, int32_t month, int32_t day);
 
-/// Encodes a time of day as a fraction below 1. Throws ConversionError if hours exceed 23, minutes
-/// or seconds 59, or milliseconds 999.
+/// Tells whether there is such a time of day: hours 0 to 23, minutes and seconds 0 to 59,
+/// milliseconds 0 to 999.
+RASTERKIT_EXPORT bool IsTimeOfDay(int64_t hour, int64_t minute, int64_t second,
+                                  int64_t millisecond);
+
+/// Encodes a time of day as a fraction below 1. Throws ConversionError if `IsTimeOfDay` is
+/// false.
 RASTERKIT_EXPORT TDateTime EncodeTime(int64_t hour, int64_t minute, int64_t second,
                                       int64_t millisecond);
 

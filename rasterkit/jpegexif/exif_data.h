@@ -30,7 +30,7 @@ class TTagTypes {
 
 inline constexpr TTagTypes kAllTagTypes = {tagExif, tagGPS, tagSpec, tagThumb};
 
-/// Turns a tag's formatted value (a byte string) into its display text (UTF-8); may store values in
+/// Turns a tag's formatted value (UTF-8) into its display text (UTF-8); may store values in
 /// `AImgData`.
 using TCallFunc = std::string (*)(const std::string& instr, uint16_t TagID, TImageData& AImgData);
 
@@ -44,7 +44,8 @@ struct TTagEntry {
   std::string Name;
   /// Value-decoding list (see DecodeField).
   std::string Code;
-  /// Display text of the value.
+  /// Display text of the value in UTF-8. Bytes of the file that are not valid UTF-8 are read as
+  /// Latin-1 (`Utf8OfBytes`), as in all texts of this room.
   std::string Inhalt;
   /// Bytes of the value, as far as the section holds them. Missing bytes are zero, but only as many
   /// as 128 numbers need.

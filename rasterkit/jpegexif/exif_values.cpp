@@ -3,6 +3,7 @@
 
 #include <rasterkit/jpegexif/exif_text.h>
 #include <rasterkit/jpegexif/image_data.h>
+#include <rasterkit/runtime/text.h>
 
 namespace rasterkit {
 namespace {
@@ -59,9 +60,9 @@ void TImageData::FillTagEntry(std::string raw, uint16_t fmtType, int64_t valuePo
   UseRaw = false;
   std::string formatted;
   if (fmtType == kAscii) {
-    formatted = UpToZero(raw);
+    formatted = Utf8OfBytes(UpToZero(raw));
   } else if (fmtType == kUndefined) {
-    formatted = '"' + UpToZero(raw) + '"';
+    formatted = '"' + Utf8OfBytes(UpToZero(raw)) + '"';
   } else {
     formatted = FormatNumber(raw, fmtType, entry.FormatS, entry.Code);
   }

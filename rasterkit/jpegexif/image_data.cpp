@@ -1,5 +1,6 @@
 #include <rasterkit/jpegexif/image_data.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/text.h>
 
 namespace rasterkit {
 namespace {
@@ -135,16 +136,30 @@ bool TImageData::HasMetaData() const {
   return ExifSegment != nullptr || IPTCSegment != nullptr || CommentSegment != nullptr;
 }
 
+namespace {
+
+/// The length bytes and the text of a section, each as UTF-8.
+std::string SectionText(std::string_view data) {
+  constexpr size_t kLengthBytes = 2;
+  std::string text;
+  for (const char byte : data.substr(0, kLengthBytes)) text += Utf8OfBytes({&byte, 1});
+  return data.size() > kLengthBytes ? text + Utf8OfBytes(data.substr(kLengthBytes)) : text;
+}
+
+}  // namespace
+
 std::string TImageData::GetComment() const {
   std::string text;
   const auto add = [&text](std::string_view part) {
     if (!text.empty()) text += '\r';
     text += part;
   };
-  if (CommentSegment != nullptr) add(CommentSegment->Data);
+  if (CommentSegment != nullptr) add(SectionText(CommentSegment->Data));
   if (ExifData) add(ExifData->Comments);
   if (IPTCSegment != nullptr) add(PrintablePart(IPTCSegment->Data));
-  for (int32_t i = 1; i <= OthersCount; ++i) add(OtherSegments[static_cast<size_t>(i)]->Data);
+  for (int32_t i = 1; i <= OthersCount; ++i) {
+    add(SectionText(OtherSegments[static_cast<size_t>(i)]->Data));
+  }
   return text;
 }
 

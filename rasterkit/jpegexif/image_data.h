@@ -85,7 +85,8 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
   /// Reads the sections of a JPEG file from the stream's position and decodes the EXIF section.
   /// Returns true if an EXIF, IPTC, comment, APP2, APP12 or APP14 section was found. The stream's
   /// position is after the sections then. Throws ConversionError if a GPS position or time does not
-  /// consist of three valid rationals.
+  /// consist of three rationals. A time of day that does not exist is no error: `TimeStamp` keeps
+  /// its value.
   bool ReadJpegSections(TStream& stream);
   /// Calls ResetInfos, then reads a file as ReadJpegSections does. Throws FileError if it cannot be
   /// opened or read.
@@ -97,9 +98,9 @@ class RASTERKIT_EXPORT TImageData : public TEndInd {
   void ClearSections();
   /// Tells whether there is an EXIF, an IPTC or a comment segment.
   bool HasMetaData() const;
-  /// All comments of the photo as a byte string, separated by "\r": the comment section with its
-  /// length bytes, the EXIF comment, the printable bytes of the IPTC section, and the other
-  /// segments unchanged.
+  /// All comments of the photo in UTF-8, separated by "\r": the comment section with its length
+  /// bytes, the EXIF comment, the printable bytes of the IPTC section, and the other segments with
+  /// theirs. Bytes that are not valid UTF-8 are read as Latin-1.
   std::string GetComment() const;
 
   /// Writes the start marker and the kept sections in a fixed order: EXIF (if there is none, the

@@ -65,13 +65,14 @@ void StoreComment(TExifData& exif, TTagEntry& entry) {
   exif.CommentSize = entry.RawSize - static_cast<int64_t>(kCodePrefix) - 1;
   const bool hasText = exif.CommentSize > 0 && entry.RawBuff.size() > kCodePrefix;
   const std::string_view text = hasText ? std::string_view(entry.RawBuff).substr(kCodePrefix) : "";
-  exif.Comments = Trim(text.substr(0, static_cast<size_t>(std::max<int64_t>(exif.CommentSize, 0))));
+  const auto size = static_cast<size_t>(std::max<int64_t>(exif.CommentSize, 0));
+  exif.Comments = Utf8OfBytes(Trim(text.substr(0, size)));
   entry.Inhalt = exif.Comments;
 }
 
 std::string TwoDigits(int64_t value) {
   std::string text = std::to_string(value);
-  return value < 10 ? text.insert(0, 1, '0') : text;
+  return value >= 0 && value < 10 ? text.insert(0, 1, '0') : text;
 }
 
 }  // namespace
@@ -99,8 +100,10 @@ std::string detail::TimeText(const std::string& instr, uint16_t, TImageData& ima
     return static_cast<int64_t>(GetIrrational(StrNth(instr, cDataSep, n)));
   };
   const int64_t hour = part(1), minute = part(2), second = part(3);
-  const TDateTime time = EncodeTime(hour, minute, second, 0);
-  if (image.GPSData) image.GPSData->TimeStamp = time;
+  // A camera without a fix can write any numbers; they must not hide the rest of the photo's data.
+  if (image.GPSData && IsTimeOfDay(hour, minute, second, 0)) {
+    image.GPSData->TimeStamp = EncodeTime(hour, minute, second, 0);
+  }
   return TwoDigits(hour) + ":" + TwoDigits(minute) + ":" + TwoDigits(second);
 }
 
@@ -130,7 +133,7 @@ void TImageData::ProcTagExif(TTagEntry& entry) {
       ExifData->DateTime = entry.Inhalt;
       break;
     case 36864:
-      ExifData->ExifVersion = entry.RawBuff;
+      ExifData->ExifVersion = Utf8OfBytes(entry.RawBuff);
       break;
     case 37385:
       ExifData->FlashUsed = number();

@@ -15,7 +15,7 @@ namespace rasterkit {
 ///   has at most two (the darker one becomes 0). Any other source becomes black and white; gray
 ///   above 127 is white (bit 1).
 /// - From indexed: through the palette; an index beyond it is black.
-/// - From 15 and 16 bits: red and blue times 8, green times 8 and 4; all ones is white.
+/// - From 15 and 16 bits: to full scale, 31 of 5 bits and 63 of 6 bits become 255 (pixel_words.h).
 /// - 24 to 32 bits sets alpha 255, 32 to 24 drops alpha. Alpha is defined only if the format stays.
 /// - A picture without pixels gets the format's default palette.
 RASTERKIT_EXPORT Raster ConvertRaster(const Raster& source, TPixelFormat format);

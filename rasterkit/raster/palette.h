@@ -19,6 +19,7 @@ struct tagPALETTEENTRY {
 
 /// 256 palette entries. Operations that take a table also take the number of valid entries.
 using TColorTable = std::array<tagPALETTEENTRY, 256>;
+using PColorTable = TColorTable*;
 
 /// A palette handle: a small value that shares an immutable list of 0 to 256 entries. The empty
 /// handle is "no palette".

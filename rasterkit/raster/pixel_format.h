@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 namespace rasterkit {
@@ -76,5 +77,16 @@ struct RGBrec {
 struct RGBArec {
   uint8_t b, g, r, a;
 };
+
+/// Number of pixels of the row types below. It only gives the types a size: rows may be shorter or
+/// longer, so a pointer must stay within the width of the bitmap.
+inline constexpr int kRowTypePixels = 100001;
+
+/// Rows of 24-bit and of 32-bit pixels, and pointers to them: `PRGBArray` is what
+/// `TBitmap::ScanLine` of a pf24bit bitmap points to, `PRGBAarray` that of a pf32bit one.
+using TRGBArray = std::array<RGBrec, kRowTypePixels>;
+using TRGBAarray = std::array<RGBArec, kRowTypePixels>;
+using PRGBArray = TRGBArray*;
+using PRGBAarray = TRGBAarray*;
 
 }  // namespace rasterkit

@@ -1,16 +1,12 @@
 #include <cstring>
 
 #include <rasterkit/kernels/rows/convert_rows.h>
+#include <rasterkit/kernels/rows/word_rows.h>
 #include <rasterkit/raster/pixel_words.h>
 #include <rasterkit/raster/row_conversion.h>
 
 namespace rasterkit {
 namespace {
-
-constexpr RGBArec Opaque(TColor color) {
-  return {static_cast<uint8_t>(color >> 16), static_cast<uint8_t>(color >> 8),
-          static_cast<uint8_t>(color), 255};
-}
 
 constexpr TColor ColorOf(const RGBArec& pixel) {
   return RGB(pixel.r, pixel.g, pixel.b);
@@ -85,10 +81,10 @@ void RowTo32(const uint8_t* row, TPixelFormat format, int width, const PixelTabl
              RGBArec* pixels) {
   switch (format) {
     case pf15bit:
-      for (int x = 0; x < width; ++x) pixels[x] = Opaque(ColorFromWord555(LoadWord(row + 2 * x)));
+      kernels::Row555To32(row, static_cast<size_t>(width), reinterpret_cast<uint8_t*>(pixels));
       break;
     case pf16bit:
-      for (int x = 0; x < width; ++x) pixels[x] = Opaque(ColorFromWord565(LoadWord(row + 2 * x)));
+      kernels::Row565To32(row, static_cast<size_t>(width), reinterpret_cast<uint8_t*>(pixels));
       break;
     case pf24bit:
       kernels::Row24To32(row, static_cast<size_t>(width), reinterpret_cast<uint8_t*>(pixels));
@@ -137,13 +133,10 @@ void RowTo24(const uint8_t* row, TPixelFormat format, int width, const PixelTabl
       });
       break;
     case pf15bit:
+      kernels::Row555To24(row, static_cast<size_t>(width), reinterpret_cast<uint8_t*>(pixels));
+      break;
     case pf16bit:
-      for (int x = 0; x < width; ++x) {
-        const uint16_t word = LoadWord(row + 2 * x);
-        const RGBArec pixel =
-            Opaque(format == pf15bit ? ColorFromWord555(word) : ColorFromWord565(word));
-        pixels[x] = {pixel.b, pixel.g, pixel.r};
-      }
+      kernels::Row565To24(row, static_cast<size_t>(width), reinterpret_cast<uint8_t*>(pixels));
       break;
     case pf24bit:
       std::memcpy(pixels, row, static_cast<size_t>(width) * 3);

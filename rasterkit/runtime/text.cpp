@@ -13,11 +13,21 @@ char UpperAscii(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
+char LowerAscii(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 }  // namespace
 
 std::string UpperCase(std::string_view text) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(), UpperAscii);
+  return result;
+}
+
+std::string LowerCase(std::string_view text) {
+  std::string result(text);
+  std::transform(result.begin(), result.end(), result.begin(), LowerAscii);
   return result;
 }
 
@@ -66,6 +76,20 @@ int32_t StrToInt(std::string_view text) {
     throw ConversionError("\"" + std::string(text) + "\" is not a whole number");
   }
   return value;
+}
+
+std::string Utf8OfBytes(std::string_view bytes) {
+  bool isUtf8 = true;
+  for (size_t position = 0; position < bytes.size() && isUtf8;) {
+    const detail::Utf8Step step = detail::NextUtf8(bytes, position);
+    isUtf8 = step.valid;
+    position += step.bytes;
+  }
+  if (isUtf8) return std::string(bytes);
+  std::string text;
+  text.reserve(bytes.size() + bytes.size() / 2);
+  for (const char byte : bytes) detail::AppendUtf8(text, static_cast<unsigned char>(byte));
+  return text;
 }
 
 size_t Utf16Length(std::string_view text) {

@@ -12,6 +12,9 @@ namespace rasterkit {
 /// Converts the letters a to z to upper case, independent of the locale.
 RASTERKIT_EXPORT std::string UpperCase(std::string_view text);
 
+/// Converts the letters A to Z to lower case, independent of the locale.
+RASTERKIT_EXPORT std::string LowerCase(std::string_view text);
+
 /// Converts to upper case by the locale of the process, one code point to one code point. Bytes
 /// that are not UTF-8 stay unchanged.
 RASTERKIT_EXPORT std::string AnsiUpperCase(std::string_view text);
@@ -25,6 +28,10 @@ RASTERKIT_EXPORT std::string Trim(std::string_view text);
 /// Parses a decimal integer; a sign and surrounding blanks are allowed. Throws ConversionError,
 /// which quotes the text, for anything else and for numbers that do not fit into 32 bits.
 RASTERKIT_EXPORT int32_t StrToInt(std::string_view text);
+
+/// Converts bytes of an unknown encoding to UTF-8: valid UTF-8 stays as it is; any other text is
+/// read as Latin-1 as a whole, so that every byte above 127 becomes one letter.
+RASTERKIT_EXPORT std::string Utf8OfBytes(std::string_view bytes);
 
 /// Counts the UTF-16 units of a UTF-8 text. All character counts of the library are such units.
 RASTERKIT_EXPORT size_t Utf16Length(std::string_view text);

@@ -43,6 +43,25 @@ TEST(ByteOrder, Get_Should_ReadZeros_When_OutsideTheBuffer) {
   EXPECT_EQ(Order(false).Get16u("", 1), 0u);
 }
 
+TEST(ByteOrder, ExtremePositions_Should_BeOutsideTheBuffer) {
+  // The sanitizers see a position that overflows.
+  const std::string bytes("\x11\x22\x33\x44", 4);
+  for (const int64_t last : {INT64_MAX, INT64_MIN}) {
+    for (const int64_t away : {0, 1, 2, 3}) {
+      const int64_t position = last > 0 ? last - away : last + away;
+      for (const bool motorola : {false, true}) {
+        EXPECT_EQ(Order(motorola).Get16u(bytes, position), 0u);
+        EXPECT_EQ(Order(motorola).Get32u(bytes, position), 0u);
+        EXPECT_EQ(Order(motorola).Get32s(bytes, position), 0);
+        std::string target = bytes;
+        Order(motorola).WriteInt16(target, -1, position);
+        Order(motorola).WriteInt32(target, -1, position);
+        EXPECT_EQ(target, bytes);
+      }
+    }
+  }
+}
+
 TEST(ByteOrder, Put32s_Should_HoldTheValueInTheCurrentOrder) {
   EXPECT_EQ(Order(false).Put32s(0x01020304), "\x04\x03\x02\x01");
   EXPECT_EQ(Order(true).Put32s(0x01020304), "\x01\x02\x03\x04");

@@ -223,6 +223,15 @@ TEST_P(ExifEffects, UserComment_Should_LoseItsPrefixAndItsLastByte) {
   EXPECT_EQ(Exif().CommentSize, -4);
 }
 
+TEST_P(ExifEffects, UserComment_Should_BeUtf8_When_ItsBytesAreLatin1) {
+  Store(37510, std::string("ASCII\0\0\0gr\xFC\xDF x", 14), 7, "old");
+  EXPECT_EQ(Exif().Comments, "grüß");
+  Store(37510, std::string("ASCII\0\0\0gr\xC3\xBC\xC3\x9F x", 16), 7, "old");
+  EXPECT_EQ(Exif().Comments, "grüß");
+  Store(36864, "02\xE9\x30", 7, "old");
+  EXPECT_EQ(Exif().ExifVersion, "02\u00E90");
+}
+
 TEST_P(ExifEffects, NothingShould_BeStored_When_ThereIsNoExifData) {
   TImageData image;
   TTagEntry entry;

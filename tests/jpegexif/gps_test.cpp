@@ -125,8 +125,19 @@ TEST_P(Gps, TimeStamp_Should_BeATimeOfDay) {
   EXPECT_EQ(Text(0), "06:30:59");
 }
 
-TEST_P(Gps, TimeStamp_Should_Throw_When_ThereIsNoSuchTime) {
-  EXPECT_THROW(ReadGps({writer_.Rationals(7, {{24, 1}, {0, 1}, {0, 1}})}), ConversionError);
+TEST_P(Gps, TimeStamp_Should_KeepItsStartValue_When_ThereIsNoSuchTime) {
+  ReadGps({writer_.Rationals(7, {{24, 1}, {0, 1}, {0, 1}})});
+  EXPECT_EQ(Data().TimeStamp, TGPSData().TimeStamp);
+  EXPECT_EQ(Text(0), "24:00:00");
+  ReadGps({writer_.Rationals(7, {{7, 1}, {60, 1}, {5, 1}})});
+  EXPECT_EQ(Data().TimeStamp, TGPSData().TimeStamp);
+  EXPECT_EQ(Text(0), "07:60:05");
+  ReadGps({writer_.Rationals(7, {{0x7FFFFFFF, 1}, {0xFFFFFFFF, 1}, {99, 1}})});
+  EXPECT_EQ(Data().TimeStamp, TGPSData().TimeStamp);
+  EXPECT_EQ(Text(0), "2147483647:-1:99");
+}
+
+TEST_P(Gps, TimeStamp_Should_Throw_When_ItIsIncomplete) {
   EXPECT_THROW(ReadGps({writer_.Rationals(7, {{1, 1}, {2, 1}})}), ConversionError);
 }
 

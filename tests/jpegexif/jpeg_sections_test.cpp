@@ -304,6 +304,14 @@ TEST_F(JpegSections, GetComment_Should_JoinAllPartsInOrder) {
   EXPECT_EQ(image_.GetComment(), std::string("\0\6note\rexif\rabz!\r\0\4i\1", 21));
 }
 
+TEST_F(JpegSections, GetComment_Should_BeUtf8_When_PartsAreNot) {
+  // A length byte above 127 says nothing about the text behind it.
+  const std::string note(130, 'n');
+  EXPECT_TRUE(Read(JpegOf({JpegSection(0xFE, note + "\xC3\xA4"), JpegSection(0xE2, "\xE4")})));
+  EXPECT_EQ(image_.GetComment(),
+            std::string("\0\xC2\x86", 3) + note + "\xC3\xA4\r" + std::string("\0\3\xC3\xA4", 4));
+}
+
 TEST_F(JpegSections, GetComment_Should_TakeAllPrintableIptcBytes_AlsoOfTheLength) {
   const std::string content = " z" + std::string(61, '\1');
   EXPECT_TRUE(Read(JpegOf({JpegSection(0xED, content)})));

@@ -83,12 +83,17 @@ TEST(Convert, Should_WalkAllWords) {
       ExpectAsReference(EveryWord(from), to);
 }
 
-TEST(Convert, AllOnes_Should_BeWhite_When_15Or16Bits) {
+TEST(Convert, Channels_Should_ReachFullScale_When_15Or16Bits) {
   const Raster words16 = EveryWord(pf16bit), words15 = EveryWord(pf15bit);
   EXPECT_EQ(words16.PixelColor(0xFF, 0xFF), clWhite);
-  EXPECT_EQ(words16.PixelColor(0xFE, 0xFF), RGB(248, 252, 240));
+  EXPECT_EQ(words16.PixelColor(0xFE, 0xFF), RGB(255, 255, 247));
+  EXPECT_EQ(words16.PixelColor(0x00, 0xF8), RGB(255, 0, 0));
+  EXPECT_EQ(words16.PixelColor(0xE0, 0x07), RGB(0, 255, 0));
+  EXPECT_EQ(words16.PixelColor(0x1F, 0x00), RGB(0, 0, 255));
   EXPECT_EQ(words15.PixelColor(0xFF, 0x7F), clWhite);
-  EXPECT_EQ(words15.PixelColor(0xFE, 0x7F), RGB(248, 248, 240));
+  EXPECT_EQ(words15.PixelColor(0xFE, 0x7F), RGB(255, 255, 247));
+  EXPECT_EQ(words15.PixelColor(0x00, 0xFC), RGB(255, 0, 0));
+  EXPECT_EQ(words15.PixelColor(0xE0, 0x03), RGB(0, 255, 0));
 }
 
 TEST(Convert, Words_Should_SurviveTrueColor) {

@@ -90,8 +90,8 @@ TEST(Fill, Should_TakeTheNearestEntryInReach_When_ThePaletteIsLongerThanTheForma
 }
 
 TEST(Fill, Should_KeepTheHighBits_When_15Or16Bits) {
-  EXPECT_EQ(Shown(Raster(pf16bit, 1, 1), RGB(255, 7, 9)), RGB(248, 4, 8));
-  EXPECT_EQ(Shown(Raster(pf15bit, 1, 1), RGB(255, 15, 9)), RGB(248, 8, 8));
+  EXPECT_EQ(Shown(Raster(pf16bit, 1, 1), RGB(255, 7, 9)), RGB(255, 4, 8));
+  EXPECT_EQ(Shown(Raster(pf15bit, 1, 1), RGB(255, 15, 9)), RGB(255, 8, 8));
   EXPECT_EQ(Shown(Raster(pf15bit, 1, 1), clWhite), clWhite);
   EXPECT_EQ(Shown(Raster(pf16bit, 1, 1), clWhite), clWhite);
 }

@@ -1,4 +1,5 @@
 #include <random>
+#include <type_traits>
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,18 @@
 
 namespace rasterkit {
 namespace {
+
+static_assert(std::is_same_v<PColorTable, TColorTable*>);
+static_assert(std::is_same_v<PRGBArray, TRGBArray*> && std::is_same_v<PRGBAarray, TRGBAarray*>);
+static_assert(std::tuple_size_v<TRGBArray> == 100001 && std::tuple_size_v<TRGBAarray> == 100001);
+
+TEST(RowTypes, Should_ReachThePixelsOfARow) {
+  Raster raster(pf24bit, 5, 1), wide(pf32bit, 5, 1);
+  (*reinterpret_cast<PRGBArray>(raster.Row(0)))[3] = {1, 2, 3};
+  (*reinterpret_cast<PRGBAarray>(wide.Row(0)))[4] = {4, 5, 6, 7};
+  EXPECT_EQ(raster.PixelColor(3, 0), RGB(3, 2, 1));
+  EXPECT_EQ(wide.PixelColor(4, 0), RGB(6, 5, 4));
+}
 
 TEST(Palette, EmptyHandle_Should_HaveNoEntries) {
   const HPALETTE none;

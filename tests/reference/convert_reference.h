@@ -26,10 +26,10 @@ inline ReferencePixel ReadPixel(const Raster& raster, int x, int y) {
     const int red = word / (32 << greenBits) % 32;
     const int green = word / 32 % (1 << greenBits);
     const int blue = word % 32;
-    const bool allOnes = red == 31 && blue == 31 && green == (1 << greenBits) - 1;
-    pixel.red = allOnes ? 255 : red * 8;
-    pixel.green = allOnes ? 255 : green * (greenBits == 6 ? 4 : 8);
-    pixel.blue = allOnes ? 255 : blue * 8;
+    // The high bits of a channel are repeated below it.
+    pixel.red = red * 8 + red / 4;
+    pixel.green = greenBits == 6 ? green * 4 + green / 16 : green * 8 + green / 4;
+    pixel.blue = blue * 8 + blue / 4;
   };
   switch (raster.Format()) {
     case pf1bit:

@@ -33,6 +33,21 @@ TEST(UpperCaseTest, StaysWithAsciiWhateverTheLocale) {
   EXPECT_EQ(UpperCase("ä"), "ä");
 }
 
+TEST(LowerCaseTest, ChangesTheLettersAToZOnly) {
+  EXPECT_EQ(LowerCase("ABC.TIFF [@AZ~ ß Ä"), "abc.tiff [@az~ ß Ä");
+  EXPECT_EQ(LowerCase("A\0B"s), "a\0b"s);
+}
+
+TEST(Utf8OfBytesTest, KeepsValidTextAndReadsOthersAsLatin1) {
+  EXPECT_EQ(Utf8OfBytes("größe \U0001F5FA"), "größe \U0001F5FA");
+  EXPECT_EQ(Utf8OfBytes("gr\xF6\xDF"), "größ");
+  EXPECT_EQ(Utf8OfBytes("ö \xF6"), "\u00C3\u00B6 ö") << "one rule for the whole text";
+  EXPECT_EQ(Utf8OfBytes("\x80\xFF"), "\u0080\u00FF");
+  EXPECT_EQ(Utf8OfBytes("\xED\xA0\x80"), "\u00ED\u00A0\u0080") << "half of a surrogate pair";
+  EXPECT_EQ(Utf8OfBytes("a\0b"s), "a\0b"s);
+  EXPECT_EQ(Utf8OfBytes(""), "");
+}
+
 TEST(AnsiUpperCaseTest, FollowsTheLocale) {
   const ScopedLocale locale("C.UTF-8");
   ASSERT_TRUE(locale);

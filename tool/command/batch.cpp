@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <thread>
 
@@ -22,6 +23,7 @@
 #include "tool/command/json.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/output_file.h"
+#include "tool/command/printable.h"
 #include "tool/command/progress.h"
 #include "tool/pictures/memory_need.h"
 #include "tool/pictures/metafile_output.h"
@@ -97,6 +99,9 @@ Outcome RunJob(const OutputOptions& options, const Job& job,
   } catch (const Failure& failure) {
     outcome.code = failure.Code();
     outcome.error = failure.what();
+  } catch (const std::bad_alloc&) {
+    outcome.code = exitOutputNotWritten;
+    outcome.error = job.output + ": out of memory";
   } catch (const std::exception& error) {
     outcome.code = exitOutputNotWritten;
     outcome.error = job.input + ": " + MessageWithOption(error);
@@ -153,16 +158,16 @@ void PrintJson(const Job& job, const Outcome& outcome) {
 
 void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& outcome) {
   for (const std::string& warning : outcome.result.warnings) {
-    fmt::print(stderr, "rasterkit: {}: warning: {}\n", job.input, warning);
+    PrintMessage(job.input + ": warning: " + warning);
   }
   if (outcome.code == exitInterrupted) {
     SayInterrupted();
   } else if (IsFailure(outcome)) {
-    fmt::print(stderr, "rasterkit: {}\n", outcome.error);
+    PrintMessage(outcome.error);
   }
   if (!outcome.result.notCarriedOver.empty()) {
-    fmt::print(stderr, "rasterkit: {}: not carried over: {}\n", job.output,
-               fmt::join(outcome.result.notCarriedOver, ", "));
+    PrintMessage(fmt::format("{}: not carried over: {}", job.output,
+                             fmt::join(outcome.result.notCarriedOver, ", ")));
   }
   if (options.json) PrintJson(job, outcome);
 }

@@ -5,6 +5,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/option_parts.h"
+#include "tool/command/printable.h"
 #include "tool/command/terminal.h"
 
 #include <CLI/CLI.hpp>
@@ -107,8 +108,8 @@ struct CommandLine::Parts {
   int Refuse(const std::string& what) const {
     const VerbParts* const verb = Chosen();
     const std::string name = verb == nullptr ? "rasterkit" : "rasterkit " + verb->help.name;
-    std::fprintf(stderr, "%s: %s\nRun '%s --help' for help.\n", name.c_str(), what.c_str(),
-                 name.c_str());
+    std::fprintf(stderr, "%s: %s\nRun '%s --help' for help.\n", name.c_str(),
+                 OnOneLine(what).c_str(), name.c_str());
     return exitWrongUsage;
   }
 };

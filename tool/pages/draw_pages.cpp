@@ -17,6 +17,7 @@
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/printable.h"
 #include "tool/pages/page_list.h"
 #include "tool/pages/pdf_file.h"
 #include "tool/pictures/save_picture.h"
@@ -145,10 +146,9 @@ class PageDrawer {
       const std::string what =
           pages.size() == 1 ? fmt::format("page {} of {}", pages[0], count)
                             : fmt::format("{} pages of {}, the largest", pages.size(), count);
-      fmt::print(stderr,
-                 "rasterkit: {}: {}: {:.0f} x {:.0f} pixels at {:g} dpi, {:.0f} MiB of memory\n",
-                 input, what, largest.width, largest.height, options_.dpi,
-                 std::ceil(largest.Bytes() / 1048576));
+      PrintMessage(fmt::format("{}: {}: {:.0f} x {:.0f} pixels at {:g} dpi, {:.0f} MiB of memory",
+                               input, what, largest.width, largest.height, options_.dpi,
+                               std::ceil(largest.Bytes() / 1048576)));
     } catch (const Failure&) {
       // The job reports the error.
     }

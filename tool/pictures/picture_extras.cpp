@@ -11,6 +11,7 @@
 #include <rasterkit/pictures/picture_file.h>
 #include <rasterkit/runtime/errors.h>
 
+#include "tool/command/printable.h"
 #include "tool/pictures/placement/map_placement.h"
 
 namespace rasterkit::tool {
@@ -52,7 +53,7 @@ void SayWhatIsLost(const std::vector<std::string>& before, const std::string& ou
     return std::find(after.begin(), after.end(), name) == after.end();
   });
   if (lost.empty()) return;
-  fmt::print(stderr, "rasterkit: {}: not carried over: {}\n", output, fmt::join(lost, ", "));
+  PrintMessage(fmt::format("{}: not carried over: {}", output, fmt::join(lost, ", ")));
 }
 
 }  // namespace rasterkit::tool

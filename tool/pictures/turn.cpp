@@ -8,7 +8,6 @@
 #include <rasterkit/bitmaptools/rotation/rotate.h>
 
 #include "tool/command/color_digits.h"
-#include "tool/command/exit_code.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -43,10 +42,8 @@ void Turn(std::unique_ptr<TBitmap>& bitmap, const PictureOptions& options) {
     angle -= quarters * 90;
   }
   if (angle == 0) return;
-  if (!RotateBitmap(static_cast<float>(angle), bitmap, BackgroundColor(options.background),
-                    ThreadCount(*bitmap, options), nullptr)) {
-    throw Failure(exitOutputNotWritten, "the picture is too large to turn");
-  }
+  RotateBitmapOrThrow(static_cast<float>(angle), bitmap, BackgroundColor(options.background),
+                      ThreadCount(*bitmap, options));
 }
 
 }  // namespace rasterkit::tool

@@ -13,7 +13,7 @@ void TurnUpright(std::unique_ptr<TBitmap>& bitmap, int orientation);
 
 /// Turns by any angle. Multiples of 90 degrees move whole pixels, in any format. An angle within
 /// half a degree of such a multiple is split into that multiple and a small turn, so that 89.6
-/// degrees are not rounded to 90.
+/// degrees are not rounded to 90. Throws as RotateBitmapOrThrow does.
 void Turn(std::unique_ptr<TBitmap>& bitmap, const PictureOptions& options);
 
 /// The color of `--background RRGGBB`; -1 for "auto".

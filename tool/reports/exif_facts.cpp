@@ -91,8 +91,8 @@ void TakeHeader(ExifFacts& facts, const JpegHeader& header) {
     facts.sections.push_back({MarkerName(segment.marker), kind ? MetadataKindName(*kind) : "",
                               segment.place, segment.Size()});
     if (kind == MetadataKind::comment) {
-      AddComment(facts, Trim({reinterpret_cast<const char*>(segment.payload.data()),
-                              segment.payload.size()}));
+      AddComment(facts, Utf8OfBytes(Trim({reinterpret_cast<const char*>(segment.payload.data()),
+                                          segment.payload.size()})));
     }
   }
   if (const JpegSegment* exif = header.Find(MetadataKind::exif)) TakeExif(facts, *exif);

@@ -77,7 +77,7 @@ void PrintFields(const ExifFacts& facts) {
 }
 
 void PrintText(const ExifFacts& facts) {
-  fmt::print("{}: {} x {} pixels\n", facts.file, facts.width, facts.height);
+  fmt::print("{}: {} x {} pixels\n", OnOneLine(facts.file), facts.width, facts.height);
   if (facts.photo.orientation) {
     fmt::print("  orientation {}, rotation {}\n", *facts.photo.orientation,
                facts.photo.rotation.value_or(0));
@@ -113,9 +113,9 @@ bool ReportExif(const std::string& file, bool json) {
     PrintText(facts);
   }
   for (const std::string& warning : facts.warnings) {
-    fmt::print(stderr, "rasterkit: {}: warning: {}\n", file, warning);
+    PrintMessage(file + ": warning: " + warning);
   }
-  if (!facts.error.empty()) fmt::print(stderr, "rasterkit: {}\n", facts.error);
+  if (!facts.error.empty()) PrintMessage(facts.error);
   std::fflush(stdout);
   return facts.error.empty();
 }

@@ -2,11 +2,13 @@
 
 #include <fmt/core.h>
 
+#include "tool/command/printable.h"
+
 namespace rasterkit::tool {
 namespace {
 
 std::string SourceText(const GeoPosition& position) {
-  if (!position.file.empty()) return "world file " + position.file;
+  if (!position.file.empty()) return "world file " + OnOneLine(position.file);
   return position.source == MetadataKindName(MetadataKind::geoTiff) ? "pixel scale and tie point"
                                                                     : "transformation matrix";
 }

@@ -7,6 +7,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/json.h"
+#include "tool/command/printable.h"
 #include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/picture_input.h"
@@ -39,13 +40,13 @@ std::vector<EntryLine> LinesOf(const TBitmap& bitmap) {
 void PrintText(const std::string& file, const TBitmap& bitmap,
                const std::vector<EntryLine>& lines) {
   if (lines.empty()) {
-    fmt::print("{}: {}-bit, no palette\n", file, bitmap.StoredBits());
+    fmt::print("{}: {}-bit, no palette\n", OnOneLine(file), bitmap.StoredBits());
     return;
   }
   const auto used = std::count_if(lines.begin(), lines.end(),
                                   [](const EntryLine& line) { return line.pixels > 0; });
-  fmt::print("{}: {}-bit, {} palette entries, {} of them used\n", file, bitmap.StoredBits(),
-             lines.size(), used);
+  fmt::print("{}: {}-bit, {} palette entries, {} of them used\n", OnOneLine(file),
+             bitmap.StoredBits(), lines.size(), used);
   for (const EntryLine& line : lines) {
     fmt::print("{:5}  {}  {} pixels{}\n", line.index, line.color, line.pixels,
                line.isTransparent ? ", transparent" : "");
@@ -86,7 +87,7 @@ LoadedPicture Load(const std::string& file, bool json) {
 int ShowPalette(const std::string& file, bool json) {
   const LoadedPicture picture = Load(file, json);
   for (const std::string& warning : picture.warnings) {
-    fmt::print(stderr, "rasterkit: {}: warning: {}\n", file, warning);
+    PrintMessage(file + ": warning: " + warning);
   }
   const std::vector<EntryLine> lines = LinesOf(*picture.bitmap);
   if (json) {

@@ -10,6 +10,7 @@
 #include "tool/command/exit_code.h"
 #include "tool/command/json.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/printable.h"
 #include "tool/pages/pdf_file.h"
 
 namespace rasterkit::tool {
@@ -98,7 +99,9 @@ int ReportPages(const std::string& file, const std::string& password, double dpi
   }
   JsonList pages;
   const int count = document->PageCount();
-  if (!json) fmt::print("{}: {} page{}, at {:g} dpi\n", file, count, count == 1 ? "" : "s", dpi);
+  if (!json) {
+    fmt::print("{}: {} page{}, at {:g} dpi\n", OnOneLine(file), count, count == 1 ? "" : "s", dpi);
+  }
   for (int page = 1; page <= count; ++page) {
     std::string error;
     const auto size = TrySize(*document, file, page, error);

@@ -118,7 +118,7 @@ void PrintStatistics(const GridReport& report) {
 void PrintText(const std::string& name, const GridReport& report) {
   const TiffFacts& facts = report.file.facts;
   const Grid& grid = *report.file.grid;
-  fmt::print("{}: grid of {} x {}, {}", name, grid.Width(), grid.Height(),
+  fmt::print("{}: grid of {} x {}, {}", OnOneLine(name), grid.Width(), grid.Height(),
              GridTypeName(grid.Type()));
   if (facts.samples > 1) fmt::print(", first of {} samples", facts.samples);
   if (facts.pages > 1) fmt::print(", first of {} pages", facts.pages);
@@ -140,8 +140,8 @@ int SayNoGrid(const GridQuestions& questions, const TiffFacts& facts) {
     const std::string found = facts.width == 0
                                   ? "not a TIFF file; to place a picture on a map, add an output"
                                   : SamplesText(facts);
-    fmt::print("{}: no grid of float32, float16, uint16 or int16 values ({})\n", questions.file,
-               found);
+    fmt::print("{}: no grid of float32, float16, uint16 or int16 values ({})\n",
+               OnOneLine(questions.file), found);
   }
   return exitAnswerIsNo;
 }
@@ -149,7 +149,7 @@ int SayNoGrid(const GridQuestions& questions, const TiffFacts& facts) {
 int Show(const GridQuestions& questions) {
   const GridReport report = MakeGridReport(questions);
   for (const std::string& warning : report.file.warnings) {
-    fmt::print(stderr, "rasterkit: {}: warning: {}\n", questions.file, warning);
+    PrintMessage(questions.file + ": warning: " + warning);
   }
   if (!report.file.grid) return SayNoGrid(questions, report.file.facts);
   if (questions.json) {

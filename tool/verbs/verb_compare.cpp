@@ -109,12 +109,13 @@ void PrintFailure(const CompareOptions& options, const std::string& error) {
 Comparison LoadAndCompare(const CompareOptions& options) {
   const auto a = LoadUpright(options.files[0]);
   const auto b = LoadUpright(options.files[1]);
+  const std::string both = options.files[0] + " and " + options.files[1];
   try {
     return Compare(*a, *b, options.tolerance);
   } catch (const Error& error) {
-    throw Failure(exitInputUnreadable, ReasonWithOption(error));
+    throw Failure(exitInputUnreadable, both + ": " + ReasonWithOption(error));
   } catch (const std::bad_alloc&) {
-    throw Failure(exitInputUnreadable, "out of memory while comparing the pictures");
+    throw Failure(exitInputUnreadable, both + ": out of memory");
   }
 }
 

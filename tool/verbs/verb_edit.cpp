@@ -16,6 +16,7 @@
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/isolation_option.h"
+#include "tool/command/printable.h"
 #include "tool/pages/pdf_file.h"
 #include "tool/pictures/picture_extras.h"
 #include "tool/verbs/verbs.h"
@@ -84,7 +85,8 @@ int Run(std::string file) {
   if (file.empty()) desktop.OpenFile(file);
   // The save dialog changes the current folder.
   file = std::filesystem::absolute(ToPath(file)).string();
-  fmt::print("{}\n", IsPdfName(file) ? EditPage(desktop, file) : EditPicture(desktop, file));
+  fmt::print("{}\n",
+             OnOneLine(IsPdfName(file) ? EditPage(desktop, file) : EditPicture(desktop, file)));
   return exitDone;
 }
 

@@ -91,7 +91,7 @@ void PrintLooseTiePoints(const PictureFacts& facts) {
 
 void PrintPdf(const PictureFacts& facts) {
   constexpr double kMillimetersPerPoint = 25.4 / 72;
-  fmt::print("{}: pdf", facts.file);
+  fmt::print("{}: pdf", OnOneLine(facts.file));
   if (const auto pages = facts.pdf->pages) {
     fmt::print(", {} page{}", *pages, *pages == 1 ? "" : "s");
   }
@@ -106,7 +106,7 @@ void PrintMetafile(const PictureFacts& facts) {
   const MetafileFacts& metafile = *facts.metafile;
   const bool isPlaceable = metafile.kind == MetafileKind::placeableWmf;
   fmt::print("{}: {}{}, {:.1f} x {:.1f} mm, {} x {} pixels at 96 dpi, {} records, {} bytes\n",
-             facts.file, isPlaceable ? "placeable " : "", facts.type,
+             OnOneLine(facts.file), isPlaceable ? "placeable " : "", facts.type,
              metafile.widthMm100 / kHundredths, metafile.heightMm100 / kHundredths, facts.width,
              facts.height, metafile.records, facts.bytes);
   if (!metafile.title.empty()) fmt::print("  title: {}\n", Printable(metafile.title));
@@ -119,8 +119,8 @@ void PrintMetafile(const PictureFacts& facts) {
 void PrintText(const PictureFacts& facts) {
   if (facts.pdf) return PrintPdf(facts);
   if (facts.metafile) return PrintMetafile(facts);
-  fmt::print("{}: {}, {} x {} pixels, {} bit{}", facts.file, facts.type, facts.width, facts.height,
-             facts.bits, facts.bits == 1 ? "" : "s");
+  fmt::print("{}: {}, {} x {} pixels, {} bit{}", OnOneLine(facts.file), facts.type, facts.width,
+             facts.height, facts.bits, facts.bits == 1 ? "" : "s");
   if (facts.paletteEntries > 0) fmt::print(", {} palette entries", facts.paletteEntries);
   if (facts.transparent) fmt::print(", transparent");
   if (facts.pages > 1 && !facts.tiff) fmt::print(", {} pictures", facts.pages);
@@ -146,9 +146,9 @@ void PrintFacts(const PictureFacts& facts, bool json) {
     PrintText(facts);
   }
   for (const std::string& warning : facts.warnings) {
-    fmt::print(stderr, "rasterkit: {}: warning: {}\n", facts.file, warning);
+    PrintMessage(facts.file + ": warning: " + warning);
   }
-  if (!facts.error.empty()) fmt::print(stderr, "rasterkit: {}: {}\n", facts.file, facts.error);
+  if (!facts.error.empty()) PrintMessage(facts.file + ": " + facts.error);
   std::fflush(stdout);
 }
 

@@ -15,6 +15,7 @@
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/isolation_option.h"
+#include "tool/command/printable.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/pictures/picture_input.h"
 #include "tool/pictures/resize_picture.h"
@@ -115,7 +116,9 @@ int Run(const SaveAsOptions& options) {
   output.noSync = options.noSync;
   const auto save = [&](const Job& job) { return ConvertLoaded(picture, job, saving, steps); };
   const int code = RunJobs(output, {{file, settings.fileName, 0, output.Saving()}}, save);
-  if (code == exitDone || code == exitNotCarriedOver) fmt::print("{}\n", settings.fileName);
+  if (code == exitDone || code == exitNotCarriedOver) {
+    fmt::print("{}\n", OnOneLine(settings.fileName));
+  }
   return code;
 }
 

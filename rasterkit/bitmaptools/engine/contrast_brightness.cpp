@@ -29,12 +29,13 @@ void RunPixelTask(TPixelTask task, TBitmap& bitmap, int32_t value, int32_t threa
   bitmap.SetPixelFormat(pf24bit);
   if (bitmap.Height() <= detail::kMostRowsWithoutProgress) progress = nullptr;
   TManageThreads manager(threadsCount, bitmap.Height(), std::move(progress));
+  // Also if the progress callback ends the operation halfway.
+  bitmap.SetModified(true);
   detail::RunPixelWorkers(manager, [&](int32_t i) {
     auto worker = MakeThread<TPixelThread>(manager, i, task);
     worker->InitBitmap(bitmap, value);
     return worker;
   });
-  bitmap.SetModified(true);
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ TManageThreads::TManageThreads(int32_t ThreadsCount, int32_t MaxProgress, TProgr
     MaxProg = MaxProgress;
     Timer = std::make_unique<TTimer>();
     Timer->SetInterval(kProgressInterval);
-    Timer->OnTimer = [this](TTimer& sender) { ProgressTimer(&sender); };
+    Timer->OnTimer = [this](TTimer&) { ReportProgress(); };
   }
   InitThreads(MaxProgress);
 }
@@ -99,6 +99,21 @@ void TManageThreads::ProgressTimer(const TTimer*) {
   // A 64-bit product, so that the percentage is correct above 21 million rows too.
   const int64_t hundredfold = int64_t{100} * AnzProg.load(std::memory_order_relaxed);
   Progress(static_cast<float>(static_cast<double>(hundredfold) / MaxProg));
+}
+
+void TManageThreads::ReportProgress() noexcept {
+  if (IsEnded()) return;
+  try {
+    ProgressTimer();
+  } catch (...) {
+    const std::lock_guard<TCriticalSection> inside(CS);
+    if (!progressError_) progressError_ = std::current_exception();
+    isEnded_.store(true, std::memory_order_relaxed);
+  }
+}
+
+void TManageThreads::RethrowProgressError() const {
+  if (progressError_) std::rethrow_exception(progressError_);
 }
 
 void TManageThreads::ThreadDone(const TThread&) {

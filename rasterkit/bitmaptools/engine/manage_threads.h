@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -16,7 +17,9 @@ namespace rasterkit {
 
 class TBitmap;
 
-/// Reports the percentage of work done, 0 to 100. May be empty.
+/// Reports the percentage of work done, 0 to 100. May be empty. An exception that it throws ends
+/// the operation, which then throws it to its caller; rows that are done stay changed. After that
+/// the callback is not called again.
 using TProgressEvent = std::function<void(float Prozent)>;
 
 /// Shared state of one long pixel operation on several threads: bands of rows, the number of
@@ -64,6 +67,15 @@ class RASTERKIT_EXPORT TManageThreads {
   /// must support both.
   void ProgressTimer(const TTimer* Sender = nullptr);
 
+  /// Does the same for an operation that is under way: keeps an exception of the callback, which
+  /// ends the operation. Any thread.
+  void ReportProgress() noexcept;
+  /// True once the callback has thrown: workers end at their next row. Any thread.
+  bool IsEnded() const { return isEnded_.load(std::memory_order_relaxed); }
+  /// Throws the exception of the callback, if there was one. To be called when no worker is
+  /// running.
+  void RethrowProgressError() const;
+
   /// Termination event of workers that free themselves: one fewer is running.
   void ThreadDone(const TThread& Sender);
 
@@ -106,6 +118,10 @@ class RASTERKIT_EXPORT TManageThreads {
  private:
   void ReadSourcePalette();
   void ReadTargetPalette();
+
+  std::atomic<bool> isEnded_{false};
+  /// Guarded by `CS`.
+  std::exception_ptr progressError_;
 };
 
 }  // namespace rasterkit

@@ -34,6 +34,7 @@ void RunPixelWorkers(TManageThreads& manager, const MakePixelWorker& makeWorker)
     throw;
   }
   WaitUntilRunning(manager, 0);
+  manager.RethrowProgressError();
   // A worker keeps its errors to itself.
   RequireTime();
 }

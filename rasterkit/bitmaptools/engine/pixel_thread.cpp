@@ -94,6 +94,7 @@ void TPixelThread::InitBitmap(TBitmap& ABitmap, int32_t AProzent) {
 }
 
 void TPixelThread::Execute() {
+  if (ManThreads.IsEnded()) return;
   switch (FPixelTask) {
     case ptBrighten:
       BrightenBand();
@@ -106,7 +107,7 @@ void TPixelThread::Execute() {
       TransferBand();
       break;
   }
-  if (ManThreads.Timer) ManThreads.ProgressTimer();
+  if (ManThreads.Timer) ManThreads.ReportProgress();
 }
 
 void TPixelThread::BrightenBand() {
@@ -122,7 +123,7 @@ void TPixelThread::TransferBand() {
   const int64_t first = std::max<int64_t>(ia + top, 0);
   const int64_t end = std::min<int64_t>(ie + top + 1, TarBmp->Height());
   const auto transfer = detail::MakeRowTransfer(*this, RunOf(firstColumn_, columns_));
-  for (int64_t y = first; y < end; ++y) {
+  for (int64_t y = first; y < end && !ManThreads.IsEnded(); ++y) {
     RequireTime();
     ManThreads.DoProgress();
     const int64_t row = kernels::RoundScaled(y - TarR.Top, pwy) + SrcR.Top;

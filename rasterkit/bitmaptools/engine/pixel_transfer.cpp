@@ -33,13 +33,14 @@ void RunPartTask(const PartTask& part, TBitmap& target, TBitmap& source, const T
   if (rows <= detail::kMostRowsWithoutProgress) progress = nullptr;
   TManageThreads manager(threadsCount, rows, std::move(progress));
   if (!manager.InitByteBits(target, source)) return;
+  // Also if the progress callback ends the operation halfway.
+  target.SetModified(true);
   detail::RunPixelWorkers(manager, [&](int32_t i) {
     auto worker = MakeThread<TPixelThread>(manager, i, part.task);
     worker->InitPixelMode(part.mode, part.percent, part.useGray);
     worker->InitTarSrcRect(tarRect, srcRect);
     return worker;
   });
-  target.SetModified(true);
 }
 
 }  // namespace

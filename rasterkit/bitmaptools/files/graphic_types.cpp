@@ -39,7 +39,8 @@ std::string GetGraphicsExt(int type) {
 }
 
 int GetGraphicsType(const std::string& ext) {
-  std::string name = AnsiUpperCase(ext);
+  // A locale may have other capitals: a Turkish one makes "tif" a name that no format has.
+  std::string name = UpperCase(ext);
   if (name.starts_with('.')) name = Utf16Substring(name, 1, 3);
   if (name.empty()) return gtNone;
   for (const GraphicFormat& format : kGraphicFormats) {

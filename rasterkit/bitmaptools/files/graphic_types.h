@@ -28,9 +28,10 @@ enum : int {
 /// Usual extension of a type, lower case with the dot: 10 gives ".tif", 5 gives "".
 RASTERKIT_EXPORT std::string GetGraphicsExt(int type);
 
-/// Type of an extension. With a dot, only the three characters after it count
-/// (".tiff" and ".jpgx" are known); without one, the whole text does ("TIFF" is unknown).
-/// World-file extensions ("jgw") have the type of their image; PDF has none.
+/// Type of an extension, in upper or lower case, independent of the locale. With a dot, only the
+/// three characters after it count (".tiff" and ".jpgx" are known); without one, the whole text
+/// does ("TIFF" is unknown). World-file extensions ("jgw") have the type of their image; PDF has
+/// none.
 RASTERKIT_EXPORT int GetGraphicsType(const std::string& ext);
 
 /// Tells whether the file's extension is that of a raster picture, not of a metafile or PDF.

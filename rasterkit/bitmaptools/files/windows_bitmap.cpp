@@ -6,8 +6,11 @@
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
 #include <rasterkit/bitmaptools/rotation/rotate.h>
+#include <rasterkit/codecs/bmp/bmp_encoder.h>
 #include <rasterkit/graphics/jpeg_image.h>
+#include <rasterkit/graphics/name_errors.h>
 #include <rasterkit/jpegexif/photo_queries.h>
+#include <rasterkit/runtime/files/atomic_file.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/ports.h>
 #include <rasterkit/runtime/text.h>
@@ -58,6 +61,17 @@ void CleanPalette(TBitmap& bitmap) {
   if (count >= 17 && count < 256) ChangePalColors(bitmap, *entries, count);
 }
 
+/// Saves the bitmap; one without pixels as the header of 0 x 0 pixels, so that the caller has a
+/// file to load and delete in every case.
+void SaveAsBmp(TBitmap& bitmap, const std::string& fileName) {
+  if (!bitmap.Empty()) return bitmap.SaveToFile(fileName);
+  detail::NameErrors(fileName, [&] {
+    AtomicFile file(fileName);
+    file.Write(detail::BmpHead(bitmap.Content(), BmpProfile::omit));
+    file.Commit();
+  });
+}
+
 }  // namespace
 
 bool LoadWindowsBitmap(const std::string& fileName, float angle, std::unique_ptr<TBitmap>& bitmap) {
@@ -84,7 +98,7 @@ bool GetWindowsBitmap(const std::string& fileName, float angle, std::string& bmp
   std::unique_ptr<TBitmap> bitmap;
   if (!LoadWindowsBitmap(fileName, angle, bitmap)) return false;
   std::string name = ExtractFilePath(fileName) + "tmp" + std::to_string(MinuteOfDay()) + ".bmp";
-  bitmap->SaveToFile(name);
+  SaveAsBmp(*bitmap, name);
   isTemporary = true;
   bmpFileName = std::move(name);
   return true;

@@ -33,7 +33,8 @@ RASTERKIT_EXPORT bool LoadWindowsBitmap(const std::string& fileName, float angle
 /// copy without turning.
 ///
 /// Returns false if the file cannot be loaded. Then and after an error both outputs are unchanged.
-/// Errors of loading and saving pass to the caller (an empty bitmap cannot be saved).
+/// Errors of loading and saving pass to the caller. A metafile gives the empty bitmap: a header of
+/// 0 x 0 pixels, which `TBitmap` reads.
 RASTERKIT_EXPORT bool GetWindowsBitmap(const std::string& fileName, float angle,
                                        std::string& bmpFileName, bool& isTemporary);
 

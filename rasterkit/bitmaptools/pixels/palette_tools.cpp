@@ -93,9 +93,14 @@ uint8_t GetPalColor(int32_t x, int32_t y, const TBitmap& bitmap) {
 void SetPalColor(int32_t x, int32_t y, TBitmap& bitmap, uint8_t index) {
   if (bitmap.Empty()) return;
   x = ClampTo(x, bitmap.Width());
+  const TPixelFormat format = bitmap.PixelFormat();
+  if (format != pf8bit && format != pf4bit) return;
+  bitmap.SetModified(true);
   uint8_t* row = bitmap.ScanLine(ClampTo(y, bitmap.Height()));
-  if (bitmap.PixelFormat() == pf8bit) row[x] = index;
-  if (bitmap.PixelFormat() != pf4bit) return;
+  if (format == pf8bit) {
+    row[x] = index;
+    return;
+  }
   uint8_t even, odd;
   detail::SplitNibbles(row[x / 2], even, odd);
   (x % 2 == 0 ? even : odd) = index;

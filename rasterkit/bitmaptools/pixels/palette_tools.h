@@ -40,7 +40,8 @@ RASTERKIT_EXPORT void ChgFirstPixCol(TBitmap& bitmap, TColor color);
 /// bitmap. An odd pixel of a pf4bit bitmap reads as its even neighbor.
 RASTERKIT_EXPORT uint8_t GetPalColor(int32_t x, int32_t y, const TBitmap& bitmap);
 
-/// Writes the palette index of a pixel of a pf4bit or pf8bit bitmap; other formats stay unchanged.
+/// Writes the palette index of a pixel of a pf4bit or pf8bit bitmap, which is modified then; other
+/// formats stay unchanged.
 ///
 /// On pf4bit, writing an even pixel also gives its odd neighbor the old even value, and writing an
 /// odd pixel leaves the even one as it is; an index above 15 is not masked and spills into the even

@@ -100,6 +100,26 @@ std::unique_ptr<TBitmap> TurnedByAngle(float angle, TBitmap& original, int32_t b
   return turned;
 }
 
+// Tells whether a normalized angle is turned exactly.
+bool IsExact(float angle, const TBitmap& bitmap) {
+  const int64_t rounded = Round(angle);
+  return (rounded == 90 || rounded == 180 || rounded == 270) && HasTrueColorBytes(bitmap);
+}
+
+// False if the format is unsupported.
+bool Rotate(float angle, std::unique_ptr<TBitmap>& bitmap, int32_t background,
+            int32_t threadsCount) {
+  angle = detail::NormalizeAngle(angle);
+  if (angle < 0.01f || angle > 359.99f) return true;
+  std::unique_ptr<TBitmap> turned = IsExact(angle, *bitmap)
+                                        ? TurnedExactly(*bitmap, QuarterTurn(Round(angle)))
+                                        : TurnedByAngle(angle, *bitmap, background, threadsCount);
+  if (!turned) return false;
+  turned->SetModified(true);
+  bitmap = std::move(turned);
+  return true;
+}
+
 }  // namespace
 
 float detail::NormalizeAngle(float angle) {
@@ -120,23 +140,19 @@ float detail::NormalizeAngle(float angle) {
 bool RotateBitmap(float Angle, std::unique_ptr<TBitmap>& Bmp, int32_t BkColor, int32_t ThreadsCount,
                   TBitmap*) {
   if (!Bmp || !std::isfinite(Angle)) return false;
-  Angle = detail::NormalizeAngle(Angle);
-  if (Angle < 0.01f || Angle > 359.99f) return true;
-
-  const int64_t rounded = Round(Angle);
-  const bool isExact =
-      (rounded == 90 || rounded == 180 || rounded == 270) && HasTrueColorBytes(*Bmp);
   try {
-    std::unique_ptr<TBitmap> turned = isExact ? TurnedExactly(*Bmp, QuarterTurn(rounded))
-                                              : TurnedByAngle(Angle, *Bmp, BkColor, ThreadsCount);
-    if (!turned) return false;
-    turned->SetModified(true);
-    Bmp = std::move(turned);
-    return true;
+    return Rotate(Angle, Bmp, BkColor, ThreadsCount);
   } catch (const std::exception&) {
+    const bool isExact = IsExact(detail::NormalizeAngle(Angle), *Bmp);
     ShowMessage(isExact ? kQuarterTurnFailed : ResourceString(rsBitmapToLargeToRotate));
     return false;
   }
+}
+
+void RotateBitmapOrThrow(float Angle, std::unique_ptr<TBitmap>& Bmp, int32_t BkColor,
+                         int32_t ThreadsCount) {
+  const bool isTurned = Bmp && std::isfinite(Angle) && Rotate(Angle, Bmp, BkColor, ThreadsCount);
+  if (!isTurned) throw UnsupportedError("a picture of this kind cannot be turned");
 }
 
 }  // namespace rasterkit

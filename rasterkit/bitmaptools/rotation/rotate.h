@@ -37,6 +37,13 @@ class TBitmap;
 RASTERKIT_EXPORT bool RotateBitmap(float Angle, std::unique_ptr<TBitmap>& Bmp, int32_t BkColor,
                                    int32_t ThreadsCount, TBitmap* Bmp2);
 
+/// Does the same for callers that report errors themselves: shows no message and throws LimitError
+/// for a result beyond the memory budget, DivisionByZeroError for too many threads,
+/// UnsupportedError for a null bitmap, an unsupported format or a non-finite angle, and
+/// std::bad_alloc. `Bmp` is unchanged then.
+RASTERKIT_EXPORT void RotateBitmapOrThrow(float Angle, std::unique_ptr<TBitmap>& Bmp,
+                                          int32_t BkColor, int32_t ThreadsCount);
+
 namespace detail {
 
 /// Angle without whole turns: the result of adding 360 while it is below -0.01, then subtracting

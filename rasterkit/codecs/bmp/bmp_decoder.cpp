@@ -1,5 +1,7 @@
+#include <array>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -222,6 +224,23 @@ Raster DecodeStream(TStream& stream, CodecReport& report) {
 }
 
 }  // namespace
+
+bool detail::IsEmptyBmp(TStream& stream) {
+  const uint64_t start = stream.Position();
+  std::array<uint8_t, kBmpFileHeaderBytes + bmp_field::kCompression + 4> head{};
+  if (stream.Size() < start + head.size()) return false;
+  const bool isWhole = stream.Read(head) == head.size();
+  stream.SetPosition(start);
+  const auto field = [&](uint32_t offset) {
+    return BmpLong(std::span(head).subspan(kBmpFileHeaderBytes), offset);
+  };
+  // An embedded JPEG or PNG picture has its size in its own header.
+  const bool isPlain =
+      field(bmp_field::kCompression) == static_cast<uint32_t>(BmpCompression::none);
+  return isWhole && isPlain && head[0] == 'B' && head[1] == 'M' &&
+         field(bmp_field::kSize) == kBmpInfoHeader && field(bmp_field::kWidth) == 0 &&
+         field(bmp_field::kHeight) == 0;
+}
 
 Raster DecodeBmp(TStream& stream, CodecReport* report) {
   const LimitsScope limits;

@@ -21,4 +21,11 @@ namespace rasterkit {
 /// compressions of OS/2, LimitError if the picture exceeds the memory limit.
 RASTERKIT_EXPORT Raster DecodeBmp(TStream& stream, CodecReport* report = nullptr);
 
+namespace detail {
+
+/// Tells whether the stream holds, at its position, a bitmap file of 0 x 0 pixels, which
+/// `DecodeBmp` refuses. The position stays. False for a pipe.
+bool IsEmptyBmp(TStream& stream);
+
+}  // namespace detail
 }  // namespace rasterkit

@@ -8,6 +8,7 @@
 #include <rasterkit/codecs/bmp/bmp_encoder.h>
 #include <rasterkit/codecs/bmp/bmp_format.h>
 #include <rasterkit/codecs/rows/alpha_rows.h>
+#include <rasterkit/codecs/rows/palette_entries_of_file.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 
@@ -36,7 +37,6 @@ class BmpEncoder {
   /// The oldest sufficient header, which most programs read.
   uint32_t HeaderBytes() const;
   uint32_t MaskBytesBehindHeader() const;
-  uint32_t PaletteEntries() const;
   void RequireWritable() const;
 
   void PutWord(size_t offset, uint32_t value);
@@ -51,7 +51,7 @@ class BmpEncoder {
 
   const Raster& raster_;
   const std::vector<uint8_t>* profile_ = nullptr;
-  uint32_t headerBytes_ = 0;
+  uint32_t headerBytes_ = 0, paletteEntries_ = 0;
   uint64_t pixelBytes_ = 0, fileBytes_ = 0;
   /// Everything before the first row.
   std::vector<uint8_t> head_;
@@ -62,8 +62,11 @@ BmpEncoder::BmpEncoder(const Raster& raster, BmpProfile profile) : raster_(raste
     profile_ = raster.profile.get();
   }
   headerBytes_ = HeaderBytes();
+  if (IsIndexed(raster.Format())) {
+    paletteEntries_ = static_cast<uint32_t>(PaletteEntriesOfFile(raster));
+  }
   const size_t headBytes =
-      kBmpFileHeaderBytes + headerBytes_ + MaskBytesBehindHeader() + 4 * size_t{PaletteEntries()};
+      kBmpFileHeaderBytes + headerBytes_ + MaskBytesBehindHeader() + 4 * size_t{paletteEntries_};
   pixelBytes_ = uint64_t{raster.Stride()} * static_cast<uint64_t>(raster.Height());
   fileBytes_ = headBytes + pixelBytes_ + (HasProfile() ? profile_->size() : 0);
   head_.resize(headBytes);
@@ -94,13 +97,6 @@ uint32_t BmpEncoder::HeaderBytes() const {
 
 uint32_t BmpEncoder::MaskBytesBehindHeader() const {
   return headerBytes_ == kBmpInfoHeader && Masks() != BmpMasks{} ? 12 : 0;
-}
-
-uint32_t BmpEncoder::PaletteEntries() const {
-  if (!IsIndexed(raster_.Format())) return 0;
-  // A count of 0 would mean a full palette; one black entry is equal to none.
-  return static_cast<uint32_t>(
-      std::clamp(raster_.palette.Count(), 1, 1 << StoredBitsPerPixel(raster_.Format())));
 }
 
 void BmpEncoder::PutWord(size_t offset, uint32_t value) {
@@ -144,7 +140,7 @@ void BmpEncoder::FillInfoHeader() {
   put(bmp_field::kImageBytes, static_cast<uint32_t>(pixelBytes_));
   put(bmp_field::kPixelsPerMeterX, PixelsPerMeter(raster_.resolution.x));
   put(bmp_field::kPixelsPerMeterY, PixelsPerMeter(raster_.resolution.y));
-  put(bmp_field::kColorsUsed, PaletteEntries());
+  put(bmp_field::kColorsUsed, paletteEntries_);
 }
 
 void BmpEncoder::FillMasks() {
@@ -170,7 +166,7 @@ void BmpEncoder::FillColorSpace() {
 }
 
 void BmpEncoder::FillPalette() {
-  const int count = static_cast<int>(PaletteEntries());
+  const int count = static_cast<int>(paletteEntries_);
   size_t place = head_.size() - 4 * static_cast<size_t>(count);
   for (int i = 0; i < count; ++i, place += 4) {
     const tagPALETTEENTRY entry = raster_.palette.Entry(i);

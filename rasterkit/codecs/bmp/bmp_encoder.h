@@ -13,9 +13,10 @@ enum class BmpProfile { omit, embed };
 
 /// Writes a Windows bitmap file at the stream's position: bottom-up, uncompressed, with the oldest
 /// sufficient header, which most programs read (info; v4 for defined alpha; v5 for a profile). An
-/// ignored alpha byte is written as 255, the resolution as whole pixels per meter. Throws
-/// FormatError for a picture without pixels, which no program reads, and LimitError for a file
-/// above the 4 GiB limit of the format.
+/// ignored alpha byte is written as 255, the resolution as whole pixels per meter. A palette that
+/// is too short for the indexes in use is filled up with black. Throws FormatError for a picture
+/// without pixels, which most programs refuse, and LimitError for a file above the 4 GiB limit of
+/// the format.
 RASTERKIT_EXPORT void EncodeBmp(const Raster& raster, TStream& stream, BmpProfile profile);
 
 namespace detail {

@@ -4,6 +4,7 @@
 #include <rasterkit/codecs/png/png_encoder.h>
 #include <rasterkit/codecs/png/png_writer.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
+#include <rasterkit/codecs/rows/palette_entries_of_file.h>
 #include <rasterkit/raster/row_conversion.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
@@ -29,21 +30,10 @@ bool IsRamp(const HPALETTE& palette, int bits) {
   return palette == GrayPalette(1 << bits);
 }
 
-int LargestIndex(const Raster& raster) {
-  std::vector<uint8_t> indexes(static_cast<size_t>(raster.Width()));
-  int largest = 0;
-  for (int y = 0; y < raster.Height(); y++) {
-    UnpackIndexes(raster.Row(y), raster.Format(), raster.Width(), indexes.data());
-    largest = std::max<int>(largest, *std::max_element(indexes.begin(), indexes.end()));
-  }
-  return largest;
-}
-
 /// The entries of the raster. If pixels point beyond them, black entries follow: such pixels are
-/// black, and other programs refuse a file without these entries.
-std::vector<png_color> PaletteOf(const Raster& raster, int bits) {
-  int count = std::min(raster.palette.Count(), 1 << bits);
-  if (count < 1 << bits) count = std::max(count, LargestIndex(raster) + 1);
+/// black.
+std::vector<png_color> PaletteOf(const Raster& raster) {
+  const int count = detail::PaletteEntriesOfFile(raster);
   std::vector<png_color> colors;
   for (int i = 0; i < count; i++) {
     const tagPALETTEENTRY entry = raster.palette.Entry(i);
@@ -61,7 +51,7 @@ Layout LayoutOf(const Raster& raster) {
     layout.colorType = PNG_COLOR_TYPE_GRAY;
     if (!IsRamp(raster.palette, layout.bitDepth)) {
       layout.colorType = PNG_COLOR_TYPE_PALETTE;
-      layout.palette = PaletteOf(raster, layout.bitDepth);
+      layout.palette = PaletteOf(raster);
     }
   } else if (raster.Format() == pf32bit && raster.alphaFormat == afDefined) {
     layout.colorType = PNG_COLOR_TYPE_RGB_ALPHA;

@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdlib>
 #include <system_error>
 
 #include <rasterkit/dialogs/savedlgext/typed_names.h>
 #include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/text.h>
 #include <rasterkit/strings/strings.h>
 
 namespace rasterkit::detail {
@@ -38,8 +38,7 @@ bool IsUnfit(char character) {
 bool IsDevice(const std::string& name) {
   std::string stem = name.substr(0, name.find('.'));
   stem.erase(std::min(stem.find_last_not_of(' ') + 1, stem.size()));
-  std::transform(stem.begin(), stem.end(), stem.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
+  stem = UpperCase(stem);
   constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN",    "AUX",
                                                         "NUL", "CONIN$", "CONOUT$"};
   if (std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end()) return true;

@@ -33,11 +33,13 @@ void CopyIndexes(Raster& target, const BlitAxes& axes, const Raster& source) {
   }
 }
 
-/// Copies rows of the same format without scaling as bytes.
+/// Copies rows of the same format without scaling as bytes. The unused bit of 15-bit pixels must
+/// become 0, whatever the source holds, so these are converted.
 bool CanMoveBytes(const Raster& target, const BlitAxes& axes, const Raster& source,
                   const PixelRule& rule) {
   const TPixelFormat format = target.Format();
-  const bool samePixels = !IsIndexed(format) && format == source.Format() && ReplacesAll(rule) &&
+  const bool hasPlainBytes = !IsIndexed(format) && format != pf15bit;
+  const bool samePixels = hasPlainBytes && format == source.Format() && ReplacesAll(rule) &&
                           (format != pf32bit || rule.kind == Kind::copy);
   return samePixels && axes.columns.IsPlainRun();
 }

@@ -2,6 +2,7 @@
 // last percentage. Calls come from the workers' threads at their ends, and from the timer on this
 // thread.
 #include <algorithm>
+#include <atomic>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -15,6 +16,9 @@
 
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/bitmaptools/engine/contrast_brightness.h>
+#include <rasterkit/bitmaptools/engine/manage_threads.h>
+#include <rasterkit/bitmaptools/engine/pixel_driver.h>
+#include <rasterkit/bitmaptools/engine/pixel_thread.h>
 #include <rasterkit/bitmaptools/engine/pixel_transfer.h>
 #include <rasterkit/graphics/bitmap.h>
 
@@ -178,14 +182,58 @@ TEST(ProgressTest, NoCallbackIsNeededForAnyNumberOfRows) {
     }
 }
 
-TEST(ProgressTest, ACallbackThatThrowsStopsNothing) {
-  for (const Operation& operation : RowCounters()) {
-    TBitmap expected = Picture(1200), actual = Picture(1200), source = Picture(1200),
-            other = Picture(1200);
-    operation.run(expected, source, 3, nullptr);
-    EXPECT_NO_THROW(operation.run(actual, other, 3, [](float) { throw std::runtime_error("no"); }));
-    EXPECT_TRUE(test::SamePixels(expected, actual)) << operation.name;
+/// Throws at the first call.
+class Refusal {
+ public:
+  TProgressEvent Event() {
+    return [this](float) {
+      ++calls_;
+      throw std::runtime_error("no");
+    };
   }
+  int Calls() const { return calls_; }
+
+ private:
+  std::atomic<int> calls_{0};
+};
+
+TEST(ProgressTest, AnExceptionOfTheCallbackReachesTheCaller) {
+  for (const Operation& operation : RowCounters()) {
+    for (const int threads : {1, 3}) {
+      TBitmap target = Picture(1200), source = Picture(1200);
+      target.SetModified(false);
+      Refusal refusal;
+      EXPECT_THROW(operation.run(target, source, threads, refusal.Event()), std::runtime_error)
+          << operation.name;
+      // Workers that reach their end at the same time may both have called.
+      EXPECT_GE(refusal.Calls(), 1);
+      EXPECT_LE(refusal.Calls(), threads);
+      EXPECT_TRUE(target.Modified()) << "rows that are done stay changed";
+    }
+  }
+}
+
+TEST(ProgressTest, AnExceptionOfTheCallbackEndsTheWorkers) {
+  TBitmap target = Picture(1200), source = Picture(1200);
+  const std::unique_ptr<TBitmap> before = target.Clone();
+  Refusal refusal;
+  TManageThreads manager(3, 1200, refusal.Event());
+  ASSERT_TRUE(manager.InitByteBits(target, source));
+  manager.ReportProgress();
+  EXPECT_TRUE(manager.IsEnded());
+  EXPECT_THROW(detail::RunPixelWorkers(manager,
+                                       [&](int32_t i) {
+                                         auto worker =
+                                             MakeThread<TPixelThread>(manager, i, ptAssignPart);
+                                         const TRect whole{0, 0, target.Width(), 1200};
+                                         worker->InitPixelMode(pmOverwrite, 0, false);
+                                         worker->InitTarSrcRect(whole, whole);
+                                         return worker;
+                                       }),
+               std::runtime_error);
+  EXPECT_EQ(manager.AnzProg, 0);
+  EXPECT_EQ(refusal.Calls(), 1) << "the callback is not called again";
+  EXPECT_TRUE(test::SamePixels(*before, target));
 }
 
 using ChangeOfColors = void (*)(TBitmap*, int32_t, int32_t, TProgressEvent);
@@ -213,6 +261,14 @@ TEST(ProgressTest, ContrastAndBrightnessInTheCallingThreadAndOfPalettesReportNot
     bitmap.SetPixelFormat(pf8bit);
     change(&bitmap, 20, 3, reports.Event());
     EXPECT_EQ(reports.Count(), 0u);
+  }
+}
+
+TEST(ProgressTest, AnExceptionDuringContrastOrBrightnessReachesTheCaller) {
+  for (const ChangeOfColors change : {Kontrast, Helligkeit}) {
+    TBitmap bitmap = Picture(1200);
+    Refusal refusal;
+    EXPECT_THROW(change(&bitmap, 20, 3, refusal.Event()), std::runtime_error);
   }
 }
 

@@ -55,6 +55,22 @@ TEST(ResizeBitmapTest, EveryWidthAndTarget_EqualTheReference) {
   });
 }
 
+TEST(ResizeBitmapTest, UnusedBitOf15BitPixels_Should_BeZero_ForEverySize) {
+  std::mt19937 random(20);
+  for (const auto& [width, height] : {std::pair{17, 11}, std::pair{17, 5}, std::pair{5, 11},
+                                      std::pair{40, 30}, std::pair{34, 22}, std::pair{1, 1}}) {
+    std::unique_ptr<TBitmap> bitmap = test::RandomBitmap(pf15bit, 17, 11, random).Clone();
+    for (int y = 0; y < 11; ++y)
+      for (int x = 0; x < 17; ++x) bitmap->ScanLine(y)[2 * x + 1] |= 0x80;
+    const TBitmap clean = test::WithoutUnusedBits(std::move(*bitmap->Clone()));
+    ResizeBitmap(bitmap, width, height, true);
+    for (int y = 0; y < height; ++y)
+      for (int x = 0; x < width; ++x)
+        ASSERT_EQ(bitmap->ScanLine(y)[2 * x + 1] & 0x80, 0) << width << " x " << height;
+    ASSERT_TRUE(SamePixels(reference::ResizeBitmap(clean, width, height, true), bitmap->Content()));
+  }
+}
+
 TEST(ResizeBitmapTest, KeepFormatFalse_Should_AlwaysGivePf32bit) {
   std::mt19937 random(3);
   for (const TPixelFormat format :

@@ -505,10 +505,28 @@ TEST_F(GetWindows, Outputs_Should_StayUntouched_When_TheCopyCannotBeWritten) {
   EXPECT_EQ(folder_.Names(), (std::vector<std::string>{"a.png", "tmp7.bmp"}));
 }
 
-TEST_F(GetWindows, Metafile_Should_Throw_When_ItsEmptyBitmapIsSaved) {
-  EXPECT_THROW(Get(folder_.Write("a.wmf", "junk"), 0), FormatError);
+TEST_F(GetWindows, Metafile_Should_GiveTheEmptyBitmap) {
+  for (const char* name : {"a.wmf", "b.EMF"}) {
+    for (const float angle : {0.0f, 90.0f}) {
+      ASSERT_TRUE(Get(folder_.Write(name, "junk"), angle)) << name;
+      EXPECT_TRUE(isTemporary_);
+      EXPECT_EQ(name_, folder_ / "tmp7.bmp");
+      TBitmap bitmap = GradientBitmap(pf24bit, 3, 2);
+      bitmap.LoadFromFile(name_);
+      EXPECT_EQ(bitmap.Width(), 0);
+      EXPECT_EQ(bitmap.Height(), 0);
+      EXPECT_TRUE(Loaded(name_).Empty());
+      EXPECT_TRUE(Loaded(name_, 90).Empty());
+      ASSERT_TRUE(Get(name_, 90));
+      EXPECT_TRUE(Loaded(name_).Empty());
+    }
+  }
+}
+
+TEST_F(GetWindows, Outputs_Should_StayUntouched_When_TheEmptyBitmapCannotBeWritten) {
+  std::filesystem::create_directory(folder_ / "tmp7.bmp");
+  EXPECT_THROW(Get(folder_.Write("a.wmf", "junk"), 0), FileError);
   ExpectUntouchedOutputs();
-  EXPECT_EQ(folder_.Names(), std::vector<std::string>{"a.wmf"});
 }
 
 // ---- SaveWindowsBitmap

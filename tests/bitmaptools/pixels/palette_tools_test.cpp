@@ -343,6 +343,21 @@ TEST(SetPalColor, Should_WriteOneClampedPixel_OnPf8bit) {
   }
 }
 
+TEST(SetPalColor, Should_MarkTheBitmapModified_When_ItWrites) {
+  for (const TPixelFormat format : {pf4bit, pf8bit}) {
+    TBitmap bitmap = test::GradientBitmap(format, 5, 3);
+    bitmap.SetModified(false);
+    SetPalColor(2, 1, bitmap, 3);
+    EXPECT_TRUE(bitmap.Modified()) << format;
+  }
+  for (const TPixelFormat format : {pf1bit, pf15bit, pf16bit, pf24bit, pf32bit}) {
+    TBitmap bitmap = test::GradientBitmap(format, 5, 3);
+    bitmap.SetModified(false);
+    SetPalColor(2, 1, bitmap, 3);
+    EXPECT_FALSE(bitmap.Modified()) << format;
+  }
+}
+
 TEST(SetPalColor, Should_ChangeNothing_For_OtherFormatsAndEmptyBitmaps) {
   for (const TPixelFormat format : {pf1bit, pf15bit, pf16bit, pf24bit, pf32bit}) {
     TBitmap bitmap = test::GradientBitmap(format, 5, 3);

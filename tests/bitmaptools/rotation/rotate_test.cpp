@@ -25,6 +25,9 @@
 
 #include "tests/reference/rotate_reference.h"
 #include "tests/support/full_run.h"
+#include "tests/support/memory_limit.h"
+#include "tests/support/same_pixels.h"
+#include "tests/support/test_pictures.h"
 #include "tests/support/test_rows.h"
 
 namespace rasterkit {
@@ -560,6 +563,33 @@ TEST_F(RotateBitmapTest, BandsBeyondTheLastRowStillGiveTheWholePicture) {
   auto bitmap = original->Clone();
   ASSERT_TRUE(RotateBitmap(180, bitmap, 0, 6, nullptr));
   ExpectSame(RowsOf(*bitmap), RowsOf(*expected), "six threads");
+  EXPECT_TRUE(messages_.empty());
+}
+
+TEST_F(RotateBitmapTest, TheFormThatThrowsTurnsAsTheOtherDoes) {
+  for (const float angle : {0.0f, 30.0f, 90.0f, 400.0f}) {
+    auto expected = std::make_unique<TBitmap>(test::GradientBitmap(pf24bit, 20, 13));
+    std::unique_ptr<TBitmap> actual = expected->Clone();
+    ASSERT_TRUE(RotateBitmap(angle, expected, clWhite, 2, nullptr));
+    RotateBitmapOrThrow(angle, actual, clWhite, 2);
+    EXPECT_TRUE(test::SamePixels(*expected, *actual)) << angle;
+  }
+}
+
+TEST_F(RotateBitmapTest, TheFormThatThrowsSaysWhyAndShowsNothing) {
+  for (const float angle : {90.0f, 45.0f}) {
+    auto bitmap = std::make_unique<TBitmap>(test::GradientBitmap(pf24bit, 100, 80));
+    const std::unique_ptr<TBitmap> before = bitmap->Clone();
+    {
+      const test::MemoryLimit limit(1000);
+      EXPECT_THROW(RotateBitmapOrThrow(angle, bitmap, clWhite, 2), LimitError);
+    }
+    EXPECT_TRUE(test::SamePixels(*before, *bitmap));
+  }
+  std::unique_ptr<TBitmap> none;
+  EXPECT_THROW(RotateBitmapOrThrow(30, none, clWhite, 1), UnsupportedError);
+  auto bitmap = std::make_unique<TBitmap>(test::GradientBitmap(pf24bit, 3, 3));
+  EXPECT_THROW(RotateBitmapOrThrow(NAN, bitmap, clWhite, 1), UnsupportedError);
   EXPECT_TRUE(messages_.empty());
 }
 

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <rasterkit/codecs/bmp/bmp_format.h>
+#include <rasterkit/raster/row_conversion.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/codecs/bmp/bmp_test_support.h"
@@ -89,12 +90,26 @@ TEST(BmpRoundTrip, Should_WriteOpaque_When_AlphaIsIgnored) {
   EXPECT_EQ(bytes[54 + 3], 255) << "readers that look at the unused byte must not see holes";
 }
 
+/// Random indexes below `count`.
+Raster IndexesBelow(int count, TPixelFormat format, unsigned seed) {
+  std::mt19937 random(seed);
+  Raster raster(format, 5, 3);
+  std::vector<uint8_t> indexes(5);
+  for (int y = 0; y < 3; ++y) {
+    for (uint8_t& index : indexes) {
+      index = static_cast<uint8_t>(random() % static_cast<unsigned>(count));
+    }
+    PackIndexes(indexes.data(), format, 5, raster.Row(y));
+  }
+  return raster;
+}
+
 TEST(BmpRoundTrip, Should_KeepEntryCount_When_PaletteIsShort) {
   for (const auto& [format, most] :
        std::vector<std::pair<TPixelFormat, int>>{{pf1bit, 2}, {pf4bit, 16}, {pf8bit, 256}}) {
     for (const int count : {1, 2, most - 1, most}) {
       std::mt19937 random(10);
-      Raster raster = RandomPicture(format, 5, 3, 10);
+      Raster raster = IndexesBelow(count, format, 10);
       raster.palette = RandomPalette(std::max(count, 1), random);
       const std::vector<uint8_t> bytes = EncodeToBytes(raster);
       EXPECT_EQ(DecodeBytes(bytes).palette.Count(), std::max(count, 1));
@@ -104,7 +119,7 @@ TEST(BmpRoundTrip, Should_KeepEntryCount_When_PaletteIsShort) {
 }
 
 TEST(BmpRoundTrip, Should_WriteOneBlackEntry_When_PaletteIsMissing) {
-  Raster raster = RandomPicture(pf8bit, 5, 3, 11);
+  Raster raster = IndexesBelow(1, pf8bit, 11);
   raster.palette = {};
   const Raster again = DecodeBytes(EncodeToBytes(raster));
   EXPECT_EQ(again.palette.Count(), 1);
@@ -166,6 +181,26 @@ TEST(EncodeBmp, Should_RoundPixelsPerMeter_When_ResolutionIsAny) {
   EXPECT_EQ(perMeter(std::numeric_limits<double>::quiet_NaN()), 0u);
 }
 
+TEST(EncodeBmp, Should_FillThePaletteUp_When_AnIndexLiesBeyondIt) {
+  for (const auto& [format, largest] :
+       {std::pair{pf1bit, 1}, std::pair{pf4bit, 13}, std::pair{pf8bit, 200}}) {
+    Raster raster(format, 16, 2);
+    raster.palette = HPALETTE(std::vector<tagPALETTEENTRY>{{1, 2, 3, 0}});
+    std::vector<uint8_t> indexes(16);
+    indexes[5] = static_cast<uint8_t>(largest);
+    for (int y = 0; y < 2; ++y) PackIndexes(indexes.data(), format, 16, raster.Row(y));
+    const Raster again = DecodeBytes(EncodeToBytes(raster));
+    EXPECT_EQ(again.palette.Count(), largest + 1);
+    EXPECT_EQ(again.palette.Entry(0), (tagPALETTEENTRY{1, 2, 3, 0}));
+    EXPECT_EQ(again.palette.Entry(largest), tagPALETTEENTRY{});
+    EXPECT_EQ(again.PixelColor(5, 1), clBlack);
+    // Without such an index, the palette keeps its length.
+    std::fill(indexes.begin(), indexes.end(), uint8_t{0});
+    for (int y = 0; y < 2; ++y) PackIndexes(indexes.data(), format, 16, raster.Row(y));
+    EXPECT_EQ(DecodeBytes(EncodeToBytes(raster)).palette.Count(), 1);
+  }
+}
+
 TEST(EncodeBmp, Should_Refuse_When_ThereAreNoPixels) {
   for (const auto& [width, height] : std::vector<std::pair<int, int>>{{0, 0}, {5, 0}, {0, 5}}) {
     const Raster raster(pf24bit, width, height);
@@ -173,6 +208,26 @@ TEST(EncodeBmp, Should_Refuse_When_ThereAreNoPixels) {
     EXPECT_THROW(EncodeBmp(raster, stream, BmpProfile::embed), FormatError);
     EXPECT_EQ(stream.Size(), 0u);
   }
+}
+
+TEST(IsEmptyBmp, Should_BeTrue_ForAPlainHeaderOfNoPixels) {
+  const std::vector<uint8_t> head = detail::BmpHead(Raster(pf32bit, 0, 0), BmpProfile::omit);
+  const auto isEmpty = [](const std::vector<uint8_t>& bytes) {
+    TSpanStream stream(bytes);
+    const bool result = detail::IsEmptyBmp(stream);
+    EXPECT_EQ(stream.Position(), 0u);
+    return result;
+  };
+  EXPECT_TRUE(isEmpty(head));
+  // The header of an embedded picture may leave the size to that picture.
+  constexpr size_t kWidth = 14 + 4, kHeight = 14 + 8, kCompression = 14 + 16;
+  for (const size_t place : {size_t{0}, kWidth, kHeight, kCompression}) {
+    std::vector<uint8_t> other = head;
+    other[place] ^= 5;
+    EXPECT_FALSE(isEmpty(other)) << place;
+  }
+  EXPECT_FALSE(isEmpty({head.begin(), head.begin() + 30}));
+  EXPECT_FALSE(isEmpty({}));
 }
 
 TEST(EncodeBmp, Should_WriteAtPosition_When_StreamHoldsMoreBefore) {

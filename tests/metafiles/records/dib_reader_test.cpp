@@ -196,8 +196,8 @@ TEST(DibReader, Should_ReadMasks_When_TheyFollowTheHeader) {
   file.masks = {0xF800, 0x07E0, 0x001F};
   file.pixels = {0x00, 0xF8, 0x1F, 0x00};
   const Dib dib = ReadPacked(file);
-  EXPECT_EQ(dib.raster.PixelColor(0, 0), 0x0000F8) << "times 8, as in every 16-bit picture";
-  EXPECT_EQ(dib.raster.PixelColor(1, 0), 0xF80000);
+  EXPECT_EQ(dib.raster.PixelColor(0, 0), 0x0000FF) << "full scale, as in every 16-bit picture";
+  EXPECT_EQ(dib.raster.PixelColor(1, 0), 0xFF0000);
 }
 
 TEST(DibReader, Should_Unpack_When_RunLengths) {

@@ -82,7 +82,7 @@ TEST(Blit, Should_BlendEveryAlphaWithEveryValue) {
 }
 
 TEST(Blit, Should_KeepTheSource_When_AllOf16BitKeyIsWidened) {
-  // 16-bit pixels cannot hold pure red: the key is the nearest color that they can hold.
+  // 16-bit pixels cannot hold this red: the key is the nearest color that they can hold.
   Raster source(pf16bit, 2, 1);
   source.Row(0)[0] = 0x00;
   source.Row(0)[1] = 0xF8;  // red
@@ -90,9 +90,9 @@ TEST(Blit, Should_KeepTheSource_When_AllOf16BitKeyIsWidened) {
   source.Row(0)[3] = 0x00;  // blue
   Raster target = test::GradientRaster(pf24bit, 2, 1);
   const TColor before = target.PixelColor(0, 0);
-  BlitStretched(target, {0, 0, 2, 1}, source, RGB(255, 0, 0));
+  BlitStretched(target, {0, 0, 2, 1}, source, RGB(250, 3, 1));
   EXPECT_EQ(target.PixelColor(0, 0), before);
-  EXPECT_EQ(target.PixelColor(1, 0), RGB(0, 0, 248));
+  EXPECT_EQ(target.PixelColor(1, 0), RGB(0, 0, 255));
 }
 
 TEST(Blit, Should_DrawNothing_When_SomethingIsEmptyOrOutside) {

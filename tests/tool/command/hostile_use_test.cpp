@@ -85,6 +85,66 @@ TEST_F(CliHostileUse, PipeAsOutputWhoseReaderLeaves_Should_Exit4AndNameIt) {
   EXPECT_THAT(result.err, HasSubstr("Broken pipe"));
 }
 
+TEST_F(CliHostileUse, NamesInTexts_Should_HaveNoControlCharacters) {
+  const std::string name = "red\x1b[31m\n\r\t\x7f \xC2\x9B\xE2\x80\xAE\xFF \xC3\xA4\"'\\.png";
+  const std::string shown = "red\\x1b[31m\\n\\r\\t\\x7f \\u009b\\u202e\\xff \xC3\xA4\"'\\.png";
+  const std::string there = folder_ / name;
+  ASSERT_EQ(RunTool({"convert", in_, there}).code, 0);
+  const std::string absent = folder_ / ("no " + name);
+  const std::vector<std::vector<std::string>> runs = {{"info", there},
+                                                      {"palette", there},
+                                                      {"info", absent},
+                                                      {"convert", in_, there},
+                                                      {"convert", absent, in_},
+                                                      {"exif", there},
+                                                      {"geotiff", there},
+                                                      {"pdf", absent},
+                                                      {"compare", there, absent},
+                                                      {"rotate", "--angle", "x", there},
+                                                      {"mirror", there}};
+  for (const auto& arguments : runs) {
+    const ToolResult result = RunTool(arguments);
+    const std::string text = result.out + result.err;
+    SCOPED_TRACE(arguments[0] + ": " + text);
+    EXPECT_FALSE(text.empty());
+    for (const char control : {'\x1b', '\r', '\t', '\x7f', '\xFF'}) {
+      EXPECT_EQ(text.find(control), text.npos) << static_cast<int>(control);
+    }
+    for (const char* const sequence : {"\xC2\x9B", "\xE2\x80\xAE"}) {
+      EXPECT_EQ(text.find(sequence), text.npos);
+    }
+  }
+  EXPECT_THAT(RunTool({"info", there}).out, HasSubstr("/" + shown + ": png, "));
+  EXPECT_THAT(RunTool({"info", absent}).err, HasSubstr("/no " + shown + ": "));
+  EXPECT_EQ(JsonLines(RunTool({"info", "--json", folder_ / "no \x1b.png"}).out).at(0)["file"],
+            folder_ / "no \x1b.png")
+      << "JSON has escapes of its own";
+}
+
+TEST_F(CliHostileUse, PipeNamedLikeAWorldFile_Should_BeLeftAlone) {
+  const std::string picture = folder_ / "plan.png", pipe = folder_ / "plan.pgw";
+  ASSERT_EQ(RunTool({"convert", in_, picture}).code, 0);
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  ASSERT_EQ(symlink(pipe.c_str(), (folder_ / "plan.PGW").c_str()), 0);
+  // Each of these would wait for a writer forever.
+  EXPECT_EQ(RunTool({"info", picture}).code, 0);
+  EXPECT_EQ(RunTool({"convert", picture, folder_ / "out.png"}).code, 0);
+  EXPECT_EQ(RunTool({"rotate", "--angle", "90", picture, folder_ / "turned.png"}).code, 0);
+  const ToolResult placed = RunTool({"geotiff", picture, folder_ / "out.tif"});
+  EXPECT_EQ(placed.code, 4);
+  EXPECT_THAT(placed.err, HasSubstr("has no position"));
+}
+
+TEST_F(CliHostileUse, TurnedPictureBeyondTheLimit_Should_NameItsFile) {
+  const std::string wide = folder_ / "wide.png", turned = folder_ / "turned.png";
+  ASSERT_EQ(RunTool({"resize", "--size", "60000x3", in_, wide}).code, 0);
+  const ToolResult result = RunTool({"rotate", "--angle", "45", wide, turned});
+  EXPECT_EQ(result.code, 4);
+  EXPECT_THAT(result.err, HasSubstr(turned + ": "));
+  EXPECT_THAT(result.err, HasSubstr("limit"));
+  EXPECT_EQ(result.err.find("bad_alloc"), std::string::npos);
+}
+
 TEST_F(CliHostileUse, Names_Should_BeTakenAsTheyAre) {
   const char* names[] = {"two words.png",
                          "new\nline.png",

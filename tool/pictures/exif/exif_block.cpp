@@ -139,11 +139,13 @@ double ExifBlock::Value(const ExifEntry& entry) const {
 
 std::string ExifBlock::Text(const ExifEntry& entry) const {
   std::string raw = Raw(entry);
-  if (entry.type == fieldAscii) return Trim(raw.substr(0, raw.find('\0')));
+  if (entry.type == fieldAscii) return Utf8OfBytes(Trim(raw.substr(0, raw.find('\0'))));
   if (entry.type == fieldUndefined) {
-    if (entry.tag == tagExifVersion || entry.tag == tagFlashpixVersion) return raw;
+    if (entry.tag == tagExifVersion || entry.tag == tagFlashpixVersion) {
+      return Utf8OfBytes(raw);
+    }
     const std::string comment = entry.tag == tagUserComment ? CommentText(raw) : "";
-    return comment.empty() ? fmt::format("{} bytes", entry.byteCount) : comment;
+    return comment.empty() ? fmt::format("{} bytes", entry.byteCount) : Utf8OfBytes(comment);
   }
   const int64_t values = entry.byteCount / std::max(1, BytesPerType(entry.type));
   if (values > kMaxNumbersShown) return fmt::format("{} values", values);

@@ -1,12 +1,12 @@
 #include "tool/pictures/placement/world_file.h"
 
-#include <algorithm>
-#include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include <rasterkit/bitmaptools/files/world_file_name.h>
 #include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/text.h>
 
 #include "tool/command/numbers.h"
 
@@ -28,12 +28,12 @@ bool Replace(std::string& text, char from, char to) {
 std::optional<std::string> FindWorldFile(const std::string& picture) {
   const std::string upper = GetWorldFileExt(picture);
   if (upper.empty()) return std::nullopt;
-  std::string lower = upper;
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  for (const std::string& extension : {upper, lower}) {
+  for (const std::string& extension : {upper, LowerCase(upper)}) {
     const std::string name = ChangeFileExt(picture, extension);
-    if (name != picture && FileExists(name)) return name;
+    std::error_code ignored;
+    // Nobody has named this file: a pipe or a device of that name would block.
+    const bool isRegular = std::filesystem::is_regular_file(ToPath(name), ignored);
+    if (name != picture && isRegular) return name;
   }
   return std::nullopt;
 }

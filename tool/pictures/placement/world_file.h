@@ -16,7 +16,8 @@ struct WorldFile {
   bool hasDecimalCommas = false;
 };
 
-/// Finds the world file that belongs to the picture by name ("plan.png": "plan.PGW" or "plan.pgw").
+/// Finds the world file that belongs to the picture by name ("plan.png": "plan.PGW" or "plan.pgw"):
+/// a regular file or a link to one.
 std::optional<std::string> FindWorldFile(const std::string& picture);
 
 /// Reads the six numbers and ignores what follows; nothing if the file does not begin with six
