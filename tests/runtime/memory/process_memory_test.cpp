@@ -90,10 +90,10 @@ TEST_F(ProcessMemoryTest, KeptBlocks_AreReturnedBeforeAnythingFails) {
   if (IsSanitized()) GTEST_SKIP() << "no pool under the address sanitizer";
   { const PixelMemory memory(8 * kMiB); }
   ASSERT_EQ(detail::KeptLargeBytes(), 8 * kMiB);
-  const LimitsScope scope(Room(9 * kMiB));
+  const LimitsScope scope(Room(8 * kMiB + kMiB / 2));
   const PixelMemory fits(1000);
   EXPECT_EQ(detail::KeptLargeBytes(), 8 * kMiB) << "both fit";
-  const PixelMemory next(2 * kMiB);
+  const PixelMemory next(kMiB - 1);
   EXPECT_EQ(detail::KeptLargeBytes(), 0u) << "together they would exceed the limit";
 }
 
