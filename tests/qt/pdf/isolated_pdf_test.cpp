@@ -1,4 +1,5 @@
 #include <csignal>
+#include <fstream>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -149,6 +150,29 @@ TEST_F(IsolatedPdf, Document_Should_Work_When_TheHostIgnoresSigchld) {
   const std::string file = Folder().Write("one.pdf", test::PdfText({{"0 0 72 72"}}));
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_EXIT(std::exit(DrawWithoutChildSignals(file)), testing::ExitedWithCode(7), "");
+}
+
+/// Ends in the middle of a page that takes forever, and leaves the number of its worker behind.
+[[noreturn]] void EndWhileDrawing(const std::string& pdf, const std::string& numberFile) {
+  const auto document = test::NewPdfDocument();
+  document->LoadFromFile(pdf);
+  TBitmap page;
+  document->ExportPage(0, 10, PdfRotation::none, page, [&]() -> bool {
+    std::ofstream(numberFile) << test::Children().at(0);
+    _exit(7);
+  });
+  _exit(1);
+}
+
+TEST_F(IsolatedPdf, Worker_Should_End_When_TheHostIsGone) {
+  OpenFlood();
+  const std::string numberFile = Folder() / "number";
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(EndWhileDrawing(Folder() / "test.pdf", numberFile), testing::ExitedWithCode(7), "");
+  int worker = 0;
+  std::ifstream(numberFile) >> worker;
+  ASSERT_GT(worker, 0);
+  while (test::IsRunning(worker)) usleep(10000);
 }
 
 /// A host that collects every child that it sees.
