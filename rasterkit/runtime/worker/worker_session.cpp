@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <optional>
@@ -46,6 +47,14 @@ std::string SignalReason(int signal) {
 bool WaitReadable(int handle, int milliseconds) {
   pollfd wait{handle, POLLIN, 0};
   return poll(&wait, 1, milliseconds) > 0;
+}
+
+/// Waits for a message or the end of the process. A copy of this process, made by fork while the
+/// worker started, can keep the worker's end of the socket open after the worker ended.
+bool WaitForNews(const WorkerProcess& process, int milliseconds) {
+  std::array<pollfd, 2> waits{pollfd{process.Channel().Handle(), POLLIN, 0},
+                              pollfd{process.EndHandle(), POLLIN, 0}};
+  return poll(waits.data(), waits.size(), milliseconds) > 0;
 }
 
 }  // namespace
@@ -143,12 +152,11 @@ WorkerMessage WorkerSession::State::ReceiveOne() {
 }
 
 WorkerMessage WorkerSession::State::Wait(Questions& questions) {
-  // The end of the process closes the socket too.
-  while (!WaitReadable(process->Channel().Handle(), questions.MillisecondsLeft())) {
-    questions.AskIfDue();
-  }
+  while (!WaitForNews(*process, questions.MillisecondsLeft())) questions.AskIfDue();
   // Also if every answer comes at once: there may be many.
   questions.AskIfDue();
+  // What the process sent before it ended comes first.
+  if (!WaitReadable(process->Channel().Handle(), 0)) ThrowEnded();
   return ReceiveOne();
 }
 

@@ -1,13 +1,16 @@
 #include <csignal>
+#include <fstream>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <sys/wait.h>
 
+#include <rasterkit/runtime/error_class.h>
 #include <rasterkit/runtime/limits.h>
 
 #include "tests/qt/pdf/pdf_fixture.h"
 #include "tests/runtime/worker/child_count.h"
+#include "tests/support/corpus.h"
 #include "tests/support/memory_limit.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/sanitizers.h"
@@ -149,6 +152,29 @@ TEST_F(IsolatedPdf, Document_Should_Work_When_TheHostIgnoresSigchld) {
   EXPECT_EXIT(std::exit(DrawWithoutChildSignals(file)), testing::ExitedWithCode(7), "");
 }
 
+/// Ends in the middle of a page that takes forever, and leaves the number of its worker behind.
+[[noreturn]] void EndWhileDrawing(const std::string& pdf, const std::string& numberFile) {
+  const auto document = test::NewPdfDocument();
+  document->LoadFromFile(pdf);
+  TBitmap page;
+  document->ExportPage(0, 10, PdfRotation::none, page, [&]() -> bool {
+    std::ofstream(numberFile) << test::Children().at(0);
+    _exit(7);
+  });
+  _exit(1);
+}
+
+TEST_F(IsolatedPdf, Worker_Should_End_When_TheHostIsGone) {
+  OpenFlood();
+  const std::string numberFile = Folder() / "number";
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(EndWhileDrawing(Folder() / "test.pdf", numberFile), testing::ExitedWithCode(7), "");
+  int worker = 0;
+  std::ifstream(numberFile) >> worker;
+  ASSERT_GT(worker, 0);
+  while (test::IsRunning(worker)) usleep(10000);
+}
+
 /// A host that collects every child that it sees.
 int DrawWhileChildrenAreCollected(const std::string& file) {
   std::signal(SIGCHLD, [](int) {
@@ -196,6 +222,29 @@ TEST_F(IsolatedPdf, ExportPage_Should_GiveTheSamePixels_When_DrawnInThisProcess)
     EXPECT_TRUE(test::SamePixels(expected, isolated)) << scale;
     EXPECT_EQ(expected.Dpi(), isolated.Dpi());
     EXPECT_EQ(expected.PixelFormat(), isolated.PixelFormat());
+  }
+}
+
+/// What drawing the first page gives, or the error.
+std::string Outcome(PdfDocument& document, const std::string& file, TBitmap& page) {
+  try {
+    document.LoadFromFile(file);
+    const PdfPageSize size = document.PageSize(0);
+    document.ExportPage(0, 0.4, PdfRotation::none, page);
+    return fmt::format("{} pages, {} x {}", document.PageCount(), size.width, size.height);
+  } catch (const std::exception& error) {
+    return std::string(ErrorClassName(error)) + " " + error.what();
+  }
+}
+
+TEST_F(IsolatedPdf, EveryFile_Should_GiveTheSame_When_ReadInThisProcess) {
+  if (test::CorpusFolder().empty()) GTEST_SKIP() << "no corpus";
+  QtPdfDocument inProcess;
+  for (const auto& entry : test::CorpusEntries("pdf")) {
+    const std::string file = (test::CorpusFolder() / entry.at("path")).string();
+    TBitmap expected, isolated;
+    EXPECT_EQ(Outcome(Document(), file, isolated), Outcome(inProcess, file, expected));
+    EXPECT_TRUE(test::SamePixels(expected, isolated)) << file;
   }
 }
 

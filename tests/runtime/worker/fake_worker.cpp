@@ -43,6 +43,12 @@ void SendRaw(const std::vector<uint8_t>& bytes, const std::vector<int>& files = 
   sendmsg(3, &header, MSG_NOSIGNAL);
 }
 
+std::vector<SystemFile> OneFile() {
+  std::vector<SystemFile> files;
+  files.push_back(OpenAt(AT_FDCWD, "/dev/null", O_RDONLY));
+  return files;
+}
+
 WorkerMessage WithMemory(size_t bytes) {
   WorkerMessage message{kAnswer};
   message.files.push_back(WorkerMemoryOf(std::vector<uint8_t>(bytes, 7)));
@@ -138,6 +144,12 @@ void AnswerBadly(const std::string& how, const WorkerChannel& channel) {
   if (how == "error-memory") channel.Send(FailedMessage({WorkerErrorClass::outOfMemory, 0, ""}));
   if (how == "error-bad-alloc") {
     channel.Send(FailedMessage(std::make_exception_ptr(std::bad_alloc())));
+  }
+  if (how == "send-socket") {
+    static bool isSent = false;
+    if (isSent) _exit(1);
+    SendRaw(PackWorkerMessage({kAnswer, {}, OneFile()}), {3});
+    isSent = true;
   }
   if (how == "chatty") {
     channel.Send({kAnswer, {1, 2, 3}});

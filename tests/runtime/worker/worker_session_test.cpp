@@ -206,6 +206,15 @@ TEST_F(WorkerSessionTest, Ask_Should_EndTheWorker_When_TheTimeIsOver) {
   EXPECT_TRUE(test::HasNoChildrenSoon());
 }
 
+/// A copy of this process may keep the worker's end of the socket open: the end of the socket says
+/// nothing then.
+TEST_F(WorkerSessionTest, Wait_Should_End_When_SomebodyElseKeepsTheSocket) {
+  Use("send-socket");
+  WorkerSession session(WorkerReader::pictures, "picture");
+  const WorkerMessage socket = Ask(session, 1);
+  EXPECT_THROW(Ask(session, 1), FormatError);
+}
+
 TEST_F(WorkerSessionTest, Ask_Should_NotBelieveTheNextAnswer_When_TheWorkerSendsTwo) {
   Use("chatty");
   WorkerSession session(WorkerReader::pictures, "picture");
