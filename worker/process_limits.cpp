@@ -6,6 +6,7 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/worker/worker_answers.h>
 #include <rasterkit/runtime/worker/worker_memory.h>
 
@@ -14,6 +15,9 @@ namespace {
 
 /// Enough for fonts and the memory in which rows are sent.
 constexpr uint64_t kMostOpenFiles = 64;
+
+/// Addresses that libraries, stacks and allocators reserve without using them.
+constexpr uint64_t kReservedBytes = uint64_t{4} << 30;
 
 void Limit(int resource, uint64_t most) {
   const auto value = static_cast<rlim_t>(std::min<uint64_t>(most, RLIM_INFINITY));
@@ -40,8 +44,9 @@ void LimitProcess(const detail::WorkerSetup& setup) {
   Limit(RLIMIT_MEMLOCK, 0);
   Limit(RLIMIT_MSGQUEUE, 0);
 #ifndef RASTERKIT_WORKER_SANITIZED
-  // Data, not addresses: libraries reserve far more addresses than they use.
+  // Data is what is used; memory shared with others counts only as addresses.
   Limit(RLIMIT_DATA, MostMemory(setup));
+  Limit(RLIMIT_AS, MostMemory(setup) + std::min(kNoLimit - MostMemory(setup), kReservedBytes));
   detail::AllowWorkerMemory(detail::WorkerMemoryBytes(setup.limits));
 #else
   static_cast<void>(MostMemory);

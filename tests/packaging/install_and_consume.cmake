@@ -105,6 +105,9 @@ run(${COMPILER} -std=c++20 ${SOURCE}/examples/upright.cpp -o ${consumer}/by-pkg-
 
 # The installed tool finds the installed library and the dialogs.
 run(${prefix}/${BINDIR}/rasterkit info upright.png)
+# And the installed worker program.
+expect(0 ${tool} --version -v)
+expect_text("worker: ${prefix}/.*/rasterkit-worker\nLandlock")
 if(DIALOGS)
   execute_process(COMMAND ${CMAKE_COMMAND} -E env --unset=DISPLAY --unset=WAYLAND_DISPLAY --unset=QT_QPA_PLATFORM
                           ${prefix}/${BINDIR}/rasterkit resize --dialog upright.png small.png

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 #include <rasterkit/runtime/worker/worker_input.h>
 
@@ -30,6 +31,7 @@ SystemFile CopyOf(const SystemFile& pipe, const std::string& name) {
     iovec piece{bytes.data(), bytes.size()};
     const size_t read = ReadPieces(pipe, {&piece, 1}, -1, name);
     if (read == 0) return memory;
+    RequireTime();
     RequirePictureMemory(total + read, "a file that is read from a pipe");
     WriteAll(memory, std::span(bytes).first(read), static_cast<int64_t>(total), name);
     total += read;
@@ -82,7 +84,9 @@ SystemFile OpenWorkerInput(const std::string& fileName) {
   struct stat status {};
   if (fstat(file.Handle(), &status) != 0) ThrowSystemError("cannot be opened", errno, fileName);
   if (S_ISDIR(status.st_mode)) ThrowSystemError("cannot be opened", EISDIR, fileName);
-  return S_ISREG(status.st_mode) ? std::move(file) : CopyOf(file, fileName);
+  // Some files of the system state no size.
+  const bool hasSize = S_ISREG(status.st_mode) && status.st_size > 0;
+  return hasSize ? std::move(file) : CopyOf(file, fileName);
 }
 
 SystemFile WorkerInputOf(std::span<const uint8_t> bytes) {

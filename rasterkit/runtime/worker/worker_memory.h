@@ -19,7 +19,7 @@ constexpr uint64_t kMostWorkerMemoryBytes = uint64_t{16} << 20;
 RASTERKIT_EXPORT SystemFile WorkerMemoryOf(std::span<const uint8_t> bytes);
 
 /// In the host: fills `target` with all bytes of memory that a worker sent. Seals it first, so that
-/// nobody changes it while it is read, and copies it without mapping it. Throws FormatError if it
+/// it cannot change while it is read, and copies it without mapping it. Throws FormatError if it
 /// is not such memory, has another size, or can still be written by the worker.
 RASTERKIT_EXPORT void ReadWorkerMemory(const SystemFile& memory, std::span<uint8_t> target);
 

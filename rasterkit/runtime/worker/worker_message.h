@@ -8,7 +8,7 @@
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/system_file.h>
 
-/// Messages between this process and a worker process, which reads files that nobody vouches for.
+/// Messages between this process and a worker process, which reads untrusted files.
 ///
 /// A message is one packet: a header of 16 bytes, then the body, whose fields are those of
 /// fields.h. Open files travel beside it. The host sends one request after the other, and the

@@ -21,8 +21,8 @@ struct ProcessEnd {
   int value = 0;
 };
 
-/// A running worker program. The destructor ends it at once, whatever it is doing, and leaves no
-/// zombie.
+/// A running worker program. The destructor ends it at once, even in the middle of its work,
+/// and leaves no zombie.
 class RASTERKIT_EXPORT WorkerProcess {
  public:
   /// Starts a program, which gets one end of the channel as descriptor 3 and nothing else of this

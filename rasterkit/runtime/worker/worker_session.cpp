@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <optional>
 #include <utility>
@@ -17,7 +18,9 @@
 namespace rasterkit::detail {
 namespace {
 
-constexpr int kBetweenQuestionsMilliseconds = 10;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kBetweenQuestions{10};
 
 /// Time in which a process that closed its socket ends by itself, so that its reason is known.
 constexpr int kEndsByItselfMilliseconds = 1000;
@@ -47,6 +50,29 @@ bool WaitReadable(int handle, int milliseconds) {
 
 }  // namespace
 
+/// Asks the caller every 10 ms whether to go on.
+class Questions {
+ public:
+  explicit Questions(WorkerTurn::KeepGoing keepGoing) : keepGoing_(std::move(keepGoing)) {}
+
+  /// Until the next question, rounded up.
+  int MillisecondsLeft() const {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(next_ - Clock::now());
+    return std::max(static_cast<int>(left.count()), 0);
+  }
+  /// Throws WorkerCanceled, TimeLimitError or what the callback throws.
+  void AskIfDue() {
+    if (Clock::now() < next_) return;
+    RequireTime();
+    if (keepGoing_ && !keepGoing_()) throw WorkerCanceled();
+    next_ = Clock::now() + kBetweenQuestions;
+  }
+
+ private:
+  WorkerTurn::KeepGoing keepGoing_;
+  Clock::time_point next_ = Clock::now() + kBetweenQuestions;
+};
+
 struct WorkerSession::State : WorkerHolder {
   State(WorkerReader reader, std::string what, ErrorHook onError)
       : reader(reader), what(std::move(what)), onError(std::move(onError)) {}
@@ -61,10 +87,10 @@ struct WorkerSession::State : WorkerHolder {
   [[noreturn]] void ThrowEnded();
   [[noreturn]] void Throw(const WorkerError& error);
   /// Returns the next message of the worker.
-  WorkerMessage Wait(const WorkerTurn::KeepGoing& keepGoing);
+  WorkerMessage Wait(Questions& questions);
   WorkerMessage ReceiveOne();
   /// Checks the first message of the worker.
-  void GetReady(const WorkerTurn::KeepGoing& keepGoing);
+  void GetReady(Questions& questions);
 
   const WorkerReader reader;
   const std::string what;
@@ -116,20 +142,19 @@ WorkerMessage WorkerSession::State::ReceiveOne() {
   return std::move(*message);
 }
 
-WorkerMessage WorkerSession::State::Wait(const WorkerTurn::KeepGoing& keepGoing) {
-  while (true) {
-    // The end of the process closes the socket too.
-    if (WaitReadable(process->Channel().Handle(), kBetweenQuestionsMilliseconds)) {
-      return ReceiveOne();
-    }
-    RequireTime();
-    if (keepGoing && !keepGoing()) throw WorkerCanceled();
+WorkerMessage WorkerSession::State::Wait(Questions& questions) {
+  // The end of the process closes the socket too.
+  while (!WaitReadable(process->Channel().Handle(), questions.MillisecondsLeft())) {
+    questions.AskIfDue();
   }
+  // Also if every answer comes at once: there may be many.
+  questions.AskIfDue();
+  return ReceiveOne();
 }
 
-void WorkerSession::State::GetReady(const WorkerTurn::KeepGoing& keepGoing) {
+void WorkerSession::State::GetReady(Questions& questions) {
   if (protection) return;
-  const WorkerMessage first = Wait(keepGoing);
+  const WorkerMessage first = Wait(questions);
   if (first.kind == kWorkerFailed) {
     const WorkerError error = ReadFailed(first);
     End();
@@ -148,18 +173,17 @@ WorkerSession::~WorkerSession() {
 
 struct WorkerTurn::State {
   WorkerSession::State& session;
-  KeepGoing keepGoing;
+  Questions questions;
   bool isFresh = false;
 };
 
 WorkerTurn::WorkerTurn(WorkerSession& session, KeepGoing keepGoing)
-    : state_(std::make_unique<State>(State{*session.state_, std::move(keepGoing)})) {
+    : state_(std::make_unique<State>(State{*session.state_, Questions(std::move(keepGoing))})) {
   WorkerSession::State& own = state_->session;
   // Before the wait: nothing to wait for without it.
   const std::string program = WorkerProgram();
   while (!WorkerSlots::Instance().TryUse(own)) {
-    RequireTime();
-    if (state_->keepGoing && !state_->keepGoing()) throw WorkerCanceled();
+    state_->questions.AskIfDue();
   }
   try {
     const WorkerSetup setup{own.reader, CurrentLimits()};
@@ -199,8 +223,8 @@ WorkerMessage WorkerTurn::Ask(const WorkerMessage& request, uint16_t answer, siz
   try {
     // If it has ended, what it said before is the reason.
     own.process->Channel().Send(request);
-    own.GetReady(state_->keepGoing);
-    WorkerMessage message = own.Wait(state_->keepGoing);
+    own.GetReady(state_->questions);
+    WorkerMessage message = own.Wait(state_->questions);
     if (message.kind != kWorkerFailed) {
       if (message.kind == answer && message.files.size() == files) return message;
       ThrowBadMessage("it is not the answer");
@@ -216,7 +240,7 @@ WorkerMessage WorkerTurn::Ask(const WorkerMessage& request, uint16_t answer, siz
 WorkerProtection WorkerTurn::Protection() {
   WorkerSession::State& own = state_->session;
   try {
-    own.GetReady(state_->keepGoing);
+    own.GetReady(state_->questions);
   } catch (...) {
     own.End();
     throw;

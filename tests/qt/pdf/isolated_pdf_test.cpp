@@ -4,10 +4,12 @@
 #include <gmock/gmock.h>
 #include <sys/wait.h>
 
+#include <rasterkit/runtime/error_class.h>
 #include <rasterkit/runtime/limits.h>
 
 #include "tests/qt/pdf/pdf_fixture.h"
-#include "tests/support/child_count.h"
+#include "tests/runtime/worker/child_count.h"
+#include "tests/support/corpus.h"
 #include "tests/support/memory_limit.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/sanitizers.h"
@@ -196,6 +198,29 @@ TEST_F(IsolatedPdf, ExportPage_Should_GiveTheSamePixels_When_DrawnInThisProcess)
     EXPECT_TRUE(test::SamePixels(expected, isolated)) << scale;
     EXPECT_EQ(expected.Dpi(), isolated.Dpi());
     EXPECT_EQ(expected.PixelFormat(), isolated.PixelFormat());
+  }
+}
+
+/// What drawing the first page gives, or the error.
+std::string Outcome(PdfDocument& document, const std::string& file, TBitmap& page) {
+  try {
+    document.LoadFromFile(file);
+    const PdfPageSize size = document.PageSize(0);
+    document.ExportPage(0, 0.4, PdfRotation::none, page);
+    return fmt::format("{} pages, {} x {}", document.PageCount(), size.width, size.height);
+  } catch (const std::exception& error) {
+    return std::string(ErrorClassName(error)) + " " + error.what();
+  }
+}
+
+TEST_F(IsolatedPdf, EveryFile_Should_GiveTheSame_When_ReadInThisProcess) {
+  if (test::CorpusFolder().empty()) GTEST_SKIP() << "no corpus";
+  QtPdfDocument inProcess;
+  for (const auto& entry : test::CorpusEntries("pdf")) {
+    const std::string file = (test::CorpusFolder() / entry.at("path")).string();
+    TBitmap expected, isolated;
+    EXPECT_EQ(Outcome(Document(), file, isolated), Outcome(inProcess, file, expected));
+    EXPECT_TRUE(test::SamePixels(expected, isolated)) << file;
   }
 }
 

@@ -19,7 +19,7 @@
 #include <rasterkit/runtime/worker/worker_program.h>
 #include <rasterkit/runtime/worker/worker_session.h>
 
-#include "tests/support/child_count.h"
+#include "tests/runtime/worker/child_count.h"
 #include "tests/support/temp_folder.h"
 
 namespace rasterkit::detail {

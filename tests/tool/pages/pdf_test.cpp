@@ -314,10 +314,15 @@ TEST_F(CliPdf, EveryFile_Should_EndInWords_When_ItIsOfTheCorpus) {
   }
 }
 
-/// The tool runs without the PDF library; librasterkit alone is found through the loader's path.
-TEST(CliPdfAbsent, Pdf_Should_SayWhatIsMissing_When_TheLibraryIsNotInstalled) {
+/// The tool runs without the worker program, and without the PDF library; librasterkit alone is
+/// found through the loader's path.
+class CliPdfAbsent : public testing::TestWithParam<bool> {};
+
+TEST_P(CliPdfAbsent, Pdf_Should_SayWhatIsMissing_When_APartIsNotInstalled) {
   if (IsSanitized()) GTEST_SKIP() << "libraries are looked for on the program's path";
   const TempFolder folder;
+  const bool hasWorker = GetParam();
+  if (hasWorker) std::filesystem::copy_file(RASTERKIT_WORKER_FILE, folder / "rasterkit-worker");
   WriteText(folder / "plan.pdf", PdfText({{}}));
   const std::filesystem::path tool = RASTERKIT_TOOL;
   std::filesystem::copy_file(tool, folder / "tool");
@@ -329,7 +334,8 @@ TEST(CliPdfAbsent, Pdf_Should_SayWhatIsMissing_When_TheLibraryIsNotInstalled) {
   EXPECT_EQ(WEXITSTATUS(drawn), 3);
   const std::vector<uint8_t> error = ReadBytes(folder / "error.txt");
   EXPECT_THAT(std::string(error.begin(), error.end()),
-              HasSubstr("plan.pdf: the component for PDF files is not installed"));
+              AllOf(HasSubstr("plan.pdf: the component for PDF files is not installed"),
+                    HasSubstr(hasWorker ? "there is no librasterkit-pdf.so" : "rasterkit-worker")));
   const int asked =
       std::system((command + "info --json plan.pdf > facts.json 2> error.txt").c_str());
   EXPECT_EQ(WEXITSTATUS(asked), 0);
@@ -339,6 +345,25 @@ TEST(CliPdfAbsent, Pdf_Should_SayWhatIsMissing_When_TheLibraryIsNotInstalled) {
   EXPECT_EQ(facts["ok"], true);
   EXPECT_EQ(facts["pages"], json());
   EXPECT_EQ(facts["warnings"].size(), 1u);
+}
+
+INSTANTIATE_TEST_SUITE_P(WithoutAndWithTheWorker, CliPdfAbsent, testing::Bool());
+
+/// Few bytes that need endless memory; the tool's own limit is that of the process.
+TEST_F(CliPdf, Draw_Should_EndInWords_When_TheFileIsABomb) {
+  if (IsSanitized()) GTEST_SKIP() << "memory is not limited";
+  WriteText(In("bomb.pdf"), NestedFormsPdf(12, 10));
+  // A gibibyte for each process, so that the test does not take all memory of the machine.
+  const std::string command = std::string("ulimit -v 1048576; exec ") + RASTERKIT_TOOL + " pdf " +
+                              In("bomb.pdf") + " " + In("b.png") + " 2> " + In("error.txt");
+  const int status = std::system(command.c_str());
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 4);
+  const std::vector<uint8_t> error = ReadBytes(In("error.txt"));
+  EXPECT_THAT(
+      std::string(error.begin(), error.end()),
+      HasSubstr("bomb.pdf: page 1: PDF: reading the file takes more memory than the limit"));
+  EXPECT_FALSE(std::filesystem::exists(In("b.png")));
 }
 
 }  // namespace

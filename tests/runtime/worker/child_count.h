@@ -13,7 +13,7 @@
 /// What this process has of the system, to find leaks.
 namespace rasterkit::test {
 
-/// The process numbers of all children, ended ones that nobody collected included.
+/// The process numbers of all children, ended ones that were not collected included.
 inline std::vector<int> Children() {
   std::vector<int> children;
   for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
@@ -29,7 +29,7 @@ inline size_t OpenFiles() {
   return static_cast<size_t>(std::distance(begin(files), end(files)));
 }
 
-/// Whether the process runs; an ended one that nobody collected does not.
+/// Whether the process runs; an ended one that was not collected does not.
 inline bool IsRunning(int process) {
   std::ifstream status("/proc/" + std::to_string(process) + "/stat");
   std::string text;

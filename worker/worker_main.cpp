@@ -1,4 +1,4 @@
-// The program in which files that nobody vouches for are read. The library starts it with a socket
+// The program in which untrusted files are read. The library starts it with a socket
 // as descriptor 3; rasterkit/runtime/worker/worker_message.h describes the messages.
 
 #include <cstdlib>
