@@ -11,7 +11,6 @@
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/missing_rows.h>
 #include <rasterkit/codecs/rows/stretch_numbers.h>
-#include <rasterkit/codecs/tiff/float24.h>
 #include <rasterkit/codecs/tiff/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_directory.h>
@@ -20,6 +19,7 @@
 #include <rasterkit/codecs/tiff/tiff_picture.h>
 #include <rasterkit/codecs/tiff/tiff_ycbcr_planes.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/float24.h>
 #include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <optional>
 
-#include <rasterkit/codecs/tiff/remembered_colors.h>
+#include <rasterkit/codecs/rows/remembered_colors.h>
 #include <rasterkit/codecs/tiff/tiff_numbers.h>
 #include <rasterkit/codecs/tiff/tiff_row_writer.h>
 

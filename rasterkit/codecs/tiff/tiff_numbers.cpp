@@ -2,8 +2,8 @@
 #include <cmath>
 #include <cstring>
 
-#include <rasterkit/codecs/tiff/float24.h>
 #include <rasterkit/codecs/tiff/tiff_numbers.h>
+#include <rasterkit/runtime/float24.h>
 #include <rasterkit/runtime/half.h>
 
 namespace rasterkit::detail {

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include <rasterkit/codecs/tiff/ink_transform.h>
+#include <rasterkit/codecs/rows/ink_transform.h>
 #include <rasterkit/codecs/tiff/tiff_layout.h>
 
 namespace rasterkit::detail {

@@ -12,7 +12,7 @@
 #include <rasterkit/jpegexif/exif_text.h>
 #include <rasterkit/runtime/text.h>
 
-#include "tests/support/built_locale.h"
+#include "tests/bitmaptools/files/built_locale.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
 

@@ -1,6 +1,6 @@
 #include <lcms2.h>
 
-#include <rasterkit/codecs/tiff/ink_transform.h>
+#include <rasterkit/codecs/rows/ink_transform.h>
 
 namespace rasterkit::detail {
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include <rasterkit/codecs/tiff/ink_transform.h>
+#include <rasterkit/codecs/rows/ink_transform.h>
 
 namespace rasterkit::detail {
 
