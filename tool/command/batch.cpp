@@ -20,6 +20,7 @@
 #include "tool/command/commit_queue.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/json.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/output_file.h"
@@ -119,12 +120,17 @@ bool CanBeReadAgain(const std::string& file) {
   return std::filesystem::is_regular_file(ToPath(file), error);
 }
 
+/// What reading the input needs. Headers of untrusted files are not read in this process.
+uint64_t NeedOf(const Job& job) {
+  return ReadingIsolation() == Isolation::process ? 0 : MemoryNeed(job.input);
+}
+
 /// Runs one of several jobs at a time. It waits for memory that others hold. If all wait for each
 /// other, it gives up what it has and is repeated alone.
 Outcome RunJobBesideOthers(const OutputOptions& options, const Job& job,
                            const std::function<JobResult(const Job&)>& work) {
   {
-    const MemoryJobScope memory(MemoryNeed(job.input));
+    const MemoryJobScope memory(NeedOf(job));
     Outcome outcome = RunJob(options, job, work);
     const bool isRepeated =
         memory.WasRefused() && IsFailure(outcome) && CanBeReadAgain(job.input) && !IsInterrupted();

@@ -14,8 +14,6 @@
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/files/stream.h>
 
-#include "tool/command/isolation_option.h"
-
 namespace rasterkit::tool {
 namespace {
 
@@ -93,8 +91,6 @@ Size SizeOf(TStream& stream) {
 }  // namespace
 
 uint64_t MemoryNeed(const std::string& file) {
-  // Headers of untrusted files are not read in this process.
-  if (ReadingIsolation() == Isolation::process) return 0;
   std::error_code error;
   if (!std::filesystem::is_regular_file(ToPath(file), error)) return 0;
   try {
