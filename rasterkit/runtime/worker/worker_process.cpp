@@ -51,7 +51,8 @@ struct ChildWork {
   char* const* environment;
   int socket;
   int null;
-  int error;
+  /// In memory that both processes share.
+  int* error;
 };
 
 RASTERKIT_UNWATCHED int ChildMain(void* given) {
@@ -66,7 +67,7 @@ RASTERKIT_UNWATCHED int ChildMain(void* given) {
   const bool isSetUp = syscall(SYS_dup3, work->socket, kWorkerSocket, 0) == kWorkerSocket &&
                        syscall(SYS_dup3, work->null, 0, 0) == 0 &&
                        syscall(SYS_dup3, work->null, 1, 0) == 1 &&
-#if defined(RASTERKIT_WORKER_REPORTS)
+#ifdef RASTERKIT_SANITIZED
                        // Reports of a sanitizer go where the program's own ones go.
                        true &&
 #else
@@ -77,7 +78,7 @@ RASTERKIT_UNWATCHED int ChildMain(void* given) {
     syscall(SYS_rt_sigprocmask, SIG_SETMASK, kDefault, nullptr, kSignalSetBytes);
     syscall(SYS_execve, work->program, work->arguments, work->environment);
   }
-  work->error = errno;
+  *work->error = errno;
   syscall(SYS_exit_group, 127);
   return 0;
 }
@@ -89,12 +90,12 @@ SystemFile HighHandle(int handle) {
   return high;
 }
 
-/// Stack of the child, which needs it until it runs its own program.
+/// Stack of the child, which needs it until it runs its own program, and its error number.
 class ChildStack {
  public:
   ChildStack()
       : memory_(mmap(nullptr, kChildStackBytes, PROT_READ | PROT_WRITE,
-                     MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0)) {
+                     MAP_SHARED | MAP_ANONYMOUS | MAP_STACK, -1, 0)) {
     if (memory_ == MAP_FAILED) throw std::bad_alloc();
   }
   ~ChildStack() { munmap(memory_, kChildStackBytes); }
@@ -102,6 +103,7 @@ class ChildStack {
   ChildStack& operator=(const ChildStack&) = delete;
 
   void* Top() const { return static_cast<char*>(memory_) + kChildStackBytes; }
+  int* Error() const { return static_cast<int*>(memory_); }
 
  private:
   void* memory_;
@@ -123,25 +125,39 @@ class BlockedSignals {
   sigset_t before_{};
 };
 
+/// Returns the number of the new process; it has run its program, or has ended, by then.
+pid_t Clone(const ChildStack& stack, ChildWork& work, int& handle) {
+#ifdef RASTERKIT_SANITIZED
+  // The thread sanitizer takes part in `clone` and cannot follow a child in the same memory.
+  const unsigned long flags = CLONE_VFORK | CLONE_PIDFD | SIGCHLD;
+  const auto process = static_cast<pid_t>(syscall(SYS_clone, flags, nullptr, &handle, nullptr, 0));
+  static_cast<void>(stack);
+  if (process == 0) ChildMain(&work);
+  return process;
+#else
+  const int flags = CLONE_VM | CLONE_VFORK | CLONE_PIDFD | SIGCHLD;
+  return clone(ChildMain, stack.Top(), flags, &work, &handle);
+#endif
+}
+
 /// Returns the handle of the new process.
 SystemFile Start(const std::string& program, int socket, int null) {
   std::string name = program;
   std::array<char*, 2> arguments{name.data(), nullptr};
-  ChildWork work{program.c_str(), arguments.data(), environ, socket, null, 0};
   const ChildStack stack;
+  ChildWork work{program.c_str(), arguments.data(), environ, socket, null, stack.Error()};
   int handle = -1;
   int error = 0;
   {
     const BlockedSignals blocked;
-    const int flags = CLONE_VM | CLONE_VFORK | CLONE_PIDFD | SIGCHLD;
-    if (clone(ChildMain, stack.Top(), flags, &work, &handle) < 0) error = errno;
+    if (Clone(stack, work, handle) < 0) error = errno;
   }
   SystemFile process(handle);
-  if (error == 0 && work.error == 0) return process;
+  if (error == 0 && *work.error == 0) return process;
   if (process.IsOpen()) {
     siginfo_t info{};
     waitid(static_cast<idtype_t>(P_PIDFD), static_cast<id_t>(handle), &info, WEXITED | __WALL);
-    error = work.error;
+    error = *work.error;
   }
   throw Error(program + " cannot be started: " + std::generic_category().message(error));
 }
