@@ -24,7 +24,9 @@ if(NOT EXISTS ${libraries_of_build})
 endif()
 
 file(RELATIVE_PATH library_from_worker /${CMAKE_INSTALL_LIBEXECDIR}/rasterkit /${CMAKE_INSTALL_LIBDIR})
-set_target_properties(rasterkit_worker PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_worker}")
+# In the build tree it is beside the library.
+set_target_properties(rasterkit_worker PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_worker};$ORIGIN"
+                                                  BUILD_WITH_INSTALL_RPATH ON)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/rasterkit)
 install(TARGETS rasterkit EXPORT rasterkit_targets)

@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
-# hardening_cost.sh PLAIN HARDENED [ROUNDS]: what the flags of cmake/Hardening.cmake cost. Runs the benchmarks and the tool
+# hardening_cost.sh PLAIN HARDENED [ROUNDS [PATTERN]]: what the flags of cmake/Hardening.cmake cost. Runs the benchmarks and the tool
 # of two build folders in turns and compares the least processor times, so that a busy machine disturbs little:
 #   cmake --preset bench && cmake --build --preset bench --target benchmarks rasterkit_tool
 #   cmake --preset bench -B build/plain -DRASTERKIT_HARDENING=OFF && cmake --build build/plain --target benchmarks rasterkit_tool
 #   bench/support/hardening_cost.sh build/plain build/bench
-# Benchmarks of peers are not run. Prints a table in Markdown.
+# PATTERN selects programs. Benchmarks of peers are not run. Prints a table in Markdown.
 set -euo pipefail
 exec /usr/bin/env python3 - "$(dirname "${BASH_SOURCE[0]}")/../.." "$@" <<'PYTHON'
-import glob, json, math, os, re, resource, subprocess, sys, tempfile
+import glob, json, math, os, re, subprocess, sys, tempfile
 
 source, builds, rounds = sys.argv[1], sys.argv[2:4], int(sys.argv[4]) if len(sys.argv) > 4 else 15
+programs_wanted = re.compile(sys.argv[5] if len(sys.argv) > 5 else '.')
 peers = re.compile("qt|opencv|leptonica|libexif|gdal|libtiff|codec|memcpy|pixman|cairo", re.I)
 
 def benchmarks(program):
@@ -36,6 +37,7 @@ def report(name, plain, hardened):
 print("| what | cost |\n|---|---|")
 for program in sorted(glob.glob(builds[1] + "/benchmarks/*_bench")):
     name = os.path.basename(program)
+    if not programs_wanted.search(name): continue
     programs = [build + "/benchmarks/" + name for build in builds]
     if not all(map(os.path.exists, programs)): continue
     names = benchmarks(program)
