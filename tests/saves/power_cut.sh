@@ -17,7 +17,6 @@ mount -o loop "$folder/disk" "$folder/before"
 expected=$folder/expected.png
 "$tool" convert "$picture" "$expected" 2>/dev/null
 echo precious >"$folder/before/replaced.png"
-mkdir "$folder/before/batch"
 sync -f "$folder/before"
 
 faults=0

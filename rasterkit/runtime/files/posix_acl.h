@@ -43,8 +43,8 @@ class PosixAcl {
   std::vector<Entry> entries_;
 };
 
-/// Same as PosixAcl::NarrowToOtherGroup for a file without a list: the group and the others keep the
-/// rights that both had.
+/// Same as PosixAcl::NarrowToOtherGroup for a file without a list: the group and the others keep
+/// the rights that both had.
 mode_t NarrowedToOtherGroup(mode_t mode);
 
 }  // namespace rasterkit::detail

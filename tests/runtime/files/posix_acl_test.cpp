@@ -1,4 +1,4 @@
-// Lists are narrowed so that nobody gains a right: compared with a plain model of the system's
+// Lists are narrowed so that no one gains a right: compared with a plain model of the system's
 // check, for many random lists and for users in every combination of groups.
 
 #include <algorithm>

@@ -93,7 +93,7 @@ TEST_F(SaveTargetTest, RelativeLink_StartsFromItsFolder) {
   EXPECT_EQ(ReadFile(folder_ / "a/c.png"), "new");
 }
 
-/// The open file behind /dev/stdout, whatever its kind.
+/// The open file that /dev/stdout leads to.
 TEST_F(SaveTargetTest, LinkToAnOpenFile_IsWrittenDirectly) {
   const std::string file = folder_ / "redirected";
   const int code = RunInChild([&] {
