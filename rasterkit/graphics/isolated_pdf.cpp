@@ -16,8 +16,9 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Bytes of rows per message: large enough that the messages cost nothing.
-constexpr size_t kBytesAtOnce = size_t{8} << 20;
+/// Bytes of rows per message: large enough that the messages cost little, small enough that the
+/// rows are still in the processor's cache when they are copied.
+constexpr size_t kBytesAtOnce = size_t{1} << 20;
 
 class Mark {
  public:

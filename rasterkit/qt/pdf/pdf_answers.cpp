@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <ctime>
 #include <utility>
-#include <vector>
 
 #include <rasterkit/qt/pdf/pdf_answers.h>
 #include <rasterkit/qt/pdf/stream_device.h>
@@ -99,12 +98,13 @@ detail::WorkerMessage PdfAnswers::TakeRows(const detail::PdfRows& rows) {
   }
   const auto width = static_cast<size_t>(page_.width());
   const size_t stride = RowBytes(page_.width());
-  std::vector<uint8_t> bytes(stride * static_cast<size_t>(rows.count));
+  // The padding of a row stays 0.
+  rows_.assign(stride * static_cast<size_t>(rows.count), 0);
   for (int i = 0; i < rows.count; ++i) {
     PutOnWhite(page_.constScanLine(rows.first + i), width,
-               bytes.data() + static_cast<size_t>(i) * stride);
+               rows_.data() + static_cast<size_t>(i) * stride);
   }
-  detail::WorkerMessage answer = detail::PdfRowsMessage(detail::WorkerMemoryOf(bytes));
+  detail::WorkerMessage answer = detail::PdfRowsMessage(detail::WorkerMemoryOf(rows_));
   const auto pageStride = static_cast<size_t>(page_.bytesPerLine());
   ReleasePages(page_.bits() + static_cast<size_t>(rows.first) * pageStride,
                static_cast<size_t>(rows.count) * pageStride);

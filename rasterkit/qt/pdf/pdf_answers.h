@@ -5,6 +5,7 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include <rasterkit/graphics/pdf_messages.h>
 #include <rasterkit/qt/pdf/pdf_engine.h>
@@ -31,6 +32,8 @@ class PdfAnswers : public detail::WorkerAnswers {
   /// The page whose rows are being fetched; the rows before `taken_` are freed.
   QImage page_;
   int taken_ = 0;
+  /// Kept from request to request: fresh memory costs more than the rows.
+  std::vector<uint8_t> rows_;
 
   /// Reading ends soon; drawing may take any time.
   std::atomic<bool> isReading_ = false;
