@@ -68,7 +68,11 @@ class CallFilter {
                seccomp_rule_add_array(filter_, action, call, array.size(), array.data()) == 0;
   }
 
-  bool Load() { return isWhole_ && seccomp_load(filter_) == 0; }
+  /// For all threads: a library may have started one.
+  bool Load() {
+    return isWhole_ && seccomp_attr_set(filter_, SCMP_FLTATR_CTL_TSYNC, 1) == 0 &&
+           seccomp_load(filter_) == 0;
+  }
 
  private:
   scmp_filter_ctx filter_;
