@@ -7,6 +7,7 @@
 #include <elf.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "tests/hardening/build_records.h"
 #include "tests/hardening/elf_file.h"
@@ -32,12 +33,16 @@ class Hardening : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     if (Words(RASTERKIT_HARDENING_FLAGS).empty()) return;
-    const fs::path prefix = kBuild / "tests/hardening/prefix";
-    fs::remove_all(prefix);
-    files_ = InstalledElfFiles(kBuild, prefix);
+    // Each test runs in a process of its own, several at the same time.
+    files_ = InstalledElfFiles(kBuild, Prefix());
   }
+  static void TearDownTestSuite() { fs::remove_all(Prefix()); }
   void SetUp() override {
     if (Words(RASTERKIT_HARDENING_FLAGS).empty()) GTEST_SKIP() << "this preset does not ship";
+  }
+
+  static fs::path Prefix() {
+    return kBuild / "tests/hardening" / ("prefix-" + std::to_string(getpid()));
   }
 
   static inline std::vector<fs::path> files_;

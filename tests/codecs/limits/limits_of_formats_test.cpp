@@ -72,6 +72,11 @@ struct Format {
   }
 };
 
+/// Names of tests must not depend on addresses.
+void PrintTo(const Format& format, std::ostream* out) {
+  *out << format.name;
+}
+
 std::vector<Format> Formats() {
   constexpr uint64_t k24 = kWidth * 3 * kHeight, k8 = kWidth * kHeight;
   const std::vector<uint8_t> progressive =

@@ -31,6 +31,7 @@ class User : public QObject {
   void timerEvent(QTimerEvent*) override {
     auto* const window = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (window == nullptr) return Command();
+    if (window == closing_) return WaitForTheEnd(*window);
     if (window == actsOn_ || !window->isVisible() || !IsReady(*window)) return;
     const QPointer<QDialog> before = std::exchange(actsOn_, window);
     // Not from here: the timer pauses during this event, and a step may open a window.
@@ -63,7 +64,6 @@ class User : public QObject {
   /// is not busy. In a window that is not active yet, a field that is left does not learn of it and
   /// keeps what was typed to itself.
   bool IsReady(const QDialog& window) {
-    constexpr int kLongest = 500;
     if (std::exchange(seen_, &window) != &window) {
       waited_ = 0;
       return false;
@@ -82,7 +82,15 @@ class User : public QObject {
     for (const QString& step : script.split(QLatin1Char(';')))
       if (!DoStep(window, step))
         return Leave(window, QLatin1String("cannot do: ") + step.trimmed());
-    if (window.isVisible()) Leave(window, QStringLiteral("the window is still there"));
+    closing_ = window.isVisible() ? &window : nullptr;
+    waited_ = 0;
+  }
+
+  /// A window that is drawing a page closes when the page is given up.
+  void WaitForTheEnd(QDialog& window) {
+    if (!window.isVisible() || ++waited_ <= kLongest) return;
+    closing_ = nullptr;
+    Leave(window, QStringLiteral("the window is still there"));
   }
 
   static void Leave(QDialog& window, const QString& reason) {
@@ -90,8 +98,12 @@ class User : public QObject {
     window.reject();
   }
 
+  /// Turns of the timer.
+  static constexpr int kLongest = 500;
+
   QStringList scripts_;
   int next_ = 0;
+  QPointer<QDialog> closing_;
   QPointer<QDialog> actsOn_;
   const QDialog* seen_ = nullptr;
   int waited_ = 0;
