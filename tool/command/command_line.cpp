@@ -87,7 +87,10 @@ struct CommandLine::Parts {
     for (const VerbParts& verb : verbs) list.push_back({verb.help.name, verb.help.description});
     page.sections.insert(
         page.sections.begin(),
-        {{"Verbs", list}, {"Options", {kHelpFlag, {"--version", "print the version; with -v also how untrusted files are read"}}}});
+        {{"Verbs", list},
+         {"Options",
+          {kHelpFlag,
+           {"--version", "print the version; with -v also how untrusted files are read"}}}});
     Print(page);
     return exitDone;
   }

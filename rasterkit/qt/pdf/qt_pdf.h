@@ -9,9 +9,9 @@ namespace rasterkit {
 /// on one thread at a time. Pages are drawn one after another.
 ///
 /// For files that the host trusts. Without this call a worker process draws the pages. In this
-/// process a damaged file can end the program or use up its memory, and a canceled page goes on. The
-/// engine inside Qt PDF reads a format that is often used for attacks, and Debian 12 has no security
-/// support for it.
+/// process a damaged file can end the program or use up its memory, and a canceled page goes on.
+/// The engine inside Qt PDF reads a format that is often used for attacks, and Debian 12 has no
+/// security support for it.
 RASTERKIT_EXPORT void UseQtPdfInProcess();
 
 }  // namespace rasterkit
