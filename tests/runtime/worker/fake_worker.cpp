@@ -88,6 +88,7 @@ void AnswerBadly(const std::string& how, const WorkerChannel& channel) {
   if (how == "length") SendRaw(Changed(8, 4));
   if (how == "count") SendRaw(Changed(12, 1));
   if (how == "empty") SendRaw({});
+  if (how == "empty-with-files") SendRaw({}, {0, 1});
   if (how == "short") SendRaw({1, 2, 3});
   if (how == "long") SendRaw(std::vector<uint8_t>(kMostWorkerPacketBytes + 1));
   if (how == "no-file") channel.Send({kAnswer});

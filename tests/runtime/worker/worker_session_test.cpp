@@ -114,9 +114,13 @@ TEST_F(WorkerSessionTest, Ask_Should_SayHowTheWorkerEnded_When_ItCrashes) {
 }
 
 TEST_F(WorkerSessionTest, Ask_Should_Refuse_When_TheHeaderLies) {
-  for (const char* how : {"magic", "version", "kind", "length", "count", "short", "long",
-                          "ready-lies", "start-noise", "error-class", "error-text"}) {
+  const size_t files = test::OpenFiles();
+  for (const char* how :
+       {"magic", "version", "kind", "length", "count", "short", "long", "empty-with-files",
+        "ready-lies", "start-noise", "error-class", "error-text"}) {
     EXPECT_THAT(ErrorOf<FormatError>(how), HasSubstr("sent an invalid message")) << how;
+    EXPECT_TRUE(test::HasNoChildrenSoon());
+    EXPECT_EQ(test::OpenFiles(), files) << how;
   }
   EXPECT_NE(ErrorOf<FormatError>("empty"), "no error");
 }
