@@ -74,7 +74,7 @@ WorkerMessage AnswerOf(const std::string& lie) {
 int main() {
   const WorkerChannel channel{SystemFile(kSocket)};
   const auto setup = channel.Receive();
-  if (!setup || !channel.Send(ReadyMessage({}))) return EXIT_FAILURE;
+  if (!setup || !channel.Send(ReadyMessage({0, true}))) return EXIT_FAILURE;
   auto request = channel.Receive();
   if (!request) return EXIT_FAILURE;
   const std::string lie = LieOf(*request);

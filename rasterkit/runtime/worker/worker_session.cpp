@@ -98,7 +98,7 @@ struct WorkerSession::State : WorkerHolder {
   /// Returns the next message of the worker.
   WorkerMessage Wait(Questions& questions);
   WorkerMessage ReceiveOne();
-  /// Checks the first message of the worker.
+  /// Checks the first message of the worker. No file is sent before: the worker must be locked in.
   void GetReady(Questions& questions);
 
   const WorkerReader reader;
@@ -168,7 +168,9 @@ void WorkerSession::State::GetReady(Questions& questions) {
     End();
     Throw(error);
   }
-  protection = ReadReady(first);
+  const WorkerProtection ready = ReadReady(first);
+  if (!ready.filtersCalls) throw Error(what + ": the process that reads the file is not locked in");
+  protection = ready;
 }
 
 WorkerSession::WorkerSession(WorkerReader reader, std::string what, ErrorHook onError)
@@ -229,9 +231,9 @@ WorkerMessage WorkerTurn::Ask(const WorkerMessage& request, uint16_t answer, siz
   if (!own.process) throw Error(own.what + ": the process that reads the file has ended");
   std::optional<WorkerError> reported;
   try {
+    own.GetReady(state_->questions);
     // If it has ended, what it said before is the reason.
     own.process->Channel().Send(request);
-    own.GetReady(state_->questions);
     WorkerMessage message = own.Wait(state_->questions);
     if (message.kind != kWorkerFailed) {
       if (message.kind == answer && message.files.size() == files) return message;

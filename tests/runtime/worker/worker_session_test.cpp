@@ -92,7 +92,7 @@ TEST_F(WorkerSessionTest, Ask_Should_ReturnTheAnswer_When_TheWorkerIsGood) {
     WorkerTurn turn(session, {});
     EXPECT_TRUE(turn.IsFresh());
     EXPECT_THAT(turn.Ask({kRequest}, kAnswer).body, testing::ElementsAre(1, 2, 3));
-    EXPECT_FALSE(turn.Protection().filtersCalls);
+    EXPECT_TRUE(turn.Protection().filtersCalls);
   }
   WorkerTurn turn(session, {});
   EXPECT_FALSE(turn.IsFresh());
@@ -167,6 +167,14 @@ TEST_F(WorkerSessionTest, Ask_Should_StartAnotherWorker_When_OneCrashed) {
   WorkerSession session(WorkerReader::pictures, "picture");
   EXPECT_THROW(Ask(session), FormatError);
   Use("good");
+  EXPECT_EQ(Ask(session).body.size(), 3u);
+}
+
+TEST_F(WorkerSessionTest, Ask_Should_SendNothing_When_TheWorkerIsNotLockedIn) {
+  EXPECT_EQ(ErrorOf<Error>("ready-unfiltered"),
+            "picture: the process that reads the file is not locked in");
+  Use("ready-late");
+  WorkerSession session(WorkerReader::pictures, "picture");
   EXPECT_EQ(Ask(session).body.size(), 3u);
 }
 
