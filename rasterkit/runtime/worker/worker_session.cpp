@@ -95,6 +95,7 @@ struct WorkerSession::State : WorkerHolder {
   }
   [[noreturn]] void ThrowEnded();
   [[noreturn]] void Throw(const WorkerError& error);
+  void Send(const WorkerMessage& message);
   /// Returns the next message of the worker.
   WorkerMessage Wait(Questions& questions);
   WorkerMessage ReceiveOne();
@@ -143,6 +144,15 @@ void WorkerSession::State::Throw(const WorkerError& error) {
   }
   if (onError) onError(error);
   ThrowWorkerError(error);
+}
+
+/// Sends a message. If the worker has ended, what it said before is the reason, and the wait for
+/// its answer finds it. If it lives, it would wait for the message, and the host for the answer.
+void WorkerSession::State::Send(const WorkerMessage& message) {
+  if (process->Channel().Send(message)) return;
+  if (WaitReadable(process->EndHandle(), kEndsByItselfMilliseconds)) return;
+  End();
+  throw Error(what + ": the process that reads the file takes no requests");
 }
 
 WorkerMessage WorkerSession::State::ReceiveOne() {
@@ -204,8 +214,7 @@ WorkerTurn::WorkerTurn(WorkerSession& session, KeepGoing keepGoing)
     own.setup = setup;
     own.process.emplace(program);
     state_->isFresh = true;
-    // If it has ended already, the first request finds its reason.
-    own.process->Channel().Send(SetupMessage(setup));
+    own.Send(SetupMessage(setup));
   } catch (...) {
     own.End();
     WorkerSlots::Instance().Leave(own);
@@ -232,8 +241,7 @@ WorkerMessage WorkerTurn::Ask(const WorkerMessage& request, uint16_t answer, siz
   std::optional<WorkerError> reported;
   try {
     own.GetReady(state_->questions);
-    // If it has ended, what it said before is the reason.
-    own.process->Channel().Send(request);
+    own.Send(request);
     WorkerMessage message = own.Wait(state_->questions);
     if (message.kind != kWorkerFailed) {
       if (message.kind == answer && message.files.size() == files) return message;

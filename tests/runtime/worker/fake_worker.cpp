@@ -187,9 +187,12 @@ int main(int, char** arguments) {
     if (request->kind == kWorkerSetup) {
       if (how == "ready-lies") SendRaw(PackWorkerMessage({kWorkerReady, {255, 255, 255, 255, 7}}));
       if (how == "ready-late" && IsAskedTooEarly(channel)) return 1;
+      if (how == "closed") shutdown(channel.Handle(), SHUT_RD);
       channel.Send(ReadyMessage({0, how != "ready-unfiltered"}));
     } else {
       AnswerBadly(how, channel);
     }
   }
+  // Lives on: only the failed request tells the host.
+  if (how == "closed") Pause();
 }

@@ -178,6 +178,14 @@ TEST_F(WorkerSessionTest, Ask_Should_SendNothing_When_TheWorkerIsNotLockedIn) {
   EXPECT_EQ(Ask(session).body.size(), 3u);
 }
 
+TEST_F(WorkerSessionTest, Ask_Should_Throw_When_ALivingWorkerTakesNoRequest) {
+  // Else the call would never end.
+  Limits limits;
+  limits.seconds = 20;
+  const LimitsScope scope(limits);
+  EXPECT_EQ(ErrorOf<Error>("closed"), "picture: the process that reads the file takes no requests");
+}
+
 TEST_F(WorkerSessionTest, Turn_Should_Throw_When_TheWorkerEndsAtOnce) {
   EXPECT_NE(ErrorOf<FormatError>("start-exit"), "no error");
 }
