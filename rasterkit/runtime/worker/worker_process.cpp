@@ -140,6 +140,18 @@ pid_t Clone(const ChildStack& stack, ChildWork& work, int& handle) {
 #endif
 }
 
+ProcessEnd Collect(int process) {
+  siginfo_t info{};
+  int result = 0;
+  do {
+    result =
+        waitid(static_cast<idtype_t>(P_PIDFD), static_cast<id_t>(process), &info, WEXITED | __WALL);
+  } while (result != 0 && errno == EINTR);
+  if (result != 0) return {};
+  const bool exited = info.si_code == CLD_EXITED;
+  return {exited ? ProcessEnd::Kind::exited : ProcessEnd::Kind::signaled, info.si_status};
+}
+
 /// Returns the handle of the new process.
 SystemFile Start(const std::string& program, int socket, int null) {
   std::string name = program;
@@ -155,8 +167,7 @@ SystemFile Start(const std::string& program, int socket, int null) {
   SystemFile process(handle);
   if (error == 0 && *work.error == 0) return process;
   if (process.IsOpen()) {
-    siginfo_t info{};
-    waitid(static_cast<idtype_t>(P_PIDFD), static_cast<id_t>(handle), &info, WEXITED | __WALL);
+    Collect(handle);
     error = *work.error;
   }
   throw Error(program + " cannot be started: " + std::generic_category().message(error));
@@ -165,18 +176,6 @@ SystemFile Start(const std::string& program, int socket, int null) {
 bool IsReadable(int handle, int milliseconds) {
   pollfd wait{handle, POLLIN, 0};
   return poll(&wait, 1, milliseconds) > 0;
-}
-
-ProcessEnd Collect(int process) {
-  siginfo_t info{};
-  int result = 0;
-  do {
-    result =
-        waitid(static_cast<idtype_t>(P_PIDFD), static_cast<id_t>(process), &info, WEXITED | __WALL);
-  } while (result != 0 && errno == EINTR);
-  if (result != 0) return {};
-  const bool exited = info.si_code == CLD_EXITED;
-  return {exited ? ProcessEnd::Kind::exited : ProcessEnd::Kind::signaled, info.si_status};
 }
 
 }  // namespace
@@ -202,10 +201,16 @@ ProcessEnd WorkerProcess::End() {
   syscall(SYS_pidfd_send_signal, process_.Handle(), SIGKILL, nullptr, 0);
   if (IsReadable(process_.Handle(), kWaitForEndMilliseconds)) return Collect(process_.Handle());
   try {
-    std::thread([process = std::move(process_)] { Collect(process.Handle()); }).detach();
-  } catch (const std::system_error&) {
+    const int handle = process_.Handle();
+    std::thread([handle] {
+      const SystemFile process(handle);
+      Collect(process.Handle());
+    }).detach();
+  } catch (const std::exception&) {
     return Collect(process_.Handle());
   }
+  // The handle belongs to the thread now.
+  process_.Release();
   return {};
 }
 
