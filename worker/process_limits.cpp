@@ -17,8 +17,9 @@
 namespace rasterkit::worker {
 namespace {
 
-/// Enough for fonts and the memory in which rows are sent.
-constexpr uint64_t kMostOpenFiles = 64;
+/// Enough for fonts and the memory in which rows are sent. Few, since RLIMIT_DATA does not count
+/// such memory.
+constexpr uint64_t kMostOpenFiles = 24;
 
 /// Addresses that libraries, stacks and allocators reserve without using them.
 constexpr uint64_t kReservedBytes = uint64_t{4} << 30;

@@ -72,6 +72,19 @@ int TakeMemory(size_t bytes) {
   return memory == MAP_FAILED ? errno : 0;
 }
 
+int ShareMemory() {
+  void* const memory =
+      mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  return memory == MAP_FAILED ? errno : 0;
+}
+
+int OpenMemoryFiles(int count) {
+  for (int i = 0; i < count; ++i) {
+    if (memfd_create("x", 0) < 0) return errno;
+  }
+  return 0;
+}
+
 int GrowMemoryFile(off_t bytes) {
   std::signal(SIGXFSZ, SIG_IGN);
   return Result(ftruncate(memfd_create("x", 0), bytes));
@@ -113,6 +126,8 @@ int Try(const std::string& what) {
   if (what == "thread") return StartThread();
   if (what == "memory-1-mib") return TakeMemory(size_t{1} << 20);
   if (what == "memory-1-gib") return TakeMemory(size_t{1} << 30);
+  if (what == "shared-memory") return ShareMemory();
+  if (what == "memory-files") return OpenMemoryFiles(24);
   if (what == "memory-file") return GrowMemoryFile(off_t{1} << 20);
   if (what == "large-memory-file") return GrowMemoryFile(off_t{1} << 30);
   return 255;

@@ -77,6 +77,8 @@ TEST(SandboxTest, Process_Should_End_When_ItTriesTheWorst) {
 
 TEST(SandboxTest, Process_Should_GetLittleMemory_When_LockedIn) {
   EXPECT_EQ(ErrorOf("large-memory-file"), EFBIG);
+  EXPECT_EQ(ErrorOf("memory-files"), EMFILE);
+  EXPECT_EQ(ErrorOf("shared-memory"), EPERM);
   if (test::IsSanitized()) GTEST_SKIP() << "memory is not limited";
   EXPECT_EQ(ErrorOf("memory-1-gib"), ENOMEM);
 }
