@@ -185,6 +185,7 @@ WorkerProcess::WorkerProcess(const std::string& program) : owner_(getpid()) {
   const SystemFile socket = HighHandle(there.Handle());
   there.Close();
   const SystemFile opened = OpenAt(AT_FDCWD, "/dev/null", O_RDWR);
+  if (!opened.IsOpen()) ThrowSystemError("cannot be opened", errno, "/dev/null");
   const SystemFile null = HighHandle(opened.Handle());
   process_ = Start(program, socket.Handle(), null.Handle());
   channel_ = std::move(here);
