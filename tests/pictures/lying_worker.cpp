@@ -51,6 +51,8 @@ WorkerMessage AnswerOf(const std::string& lie) {
   const std::vector<uint8_t> fields = FieldsOf(lie);
   uint64_t fieldBytes = fields.size(), rowsBytes = kRowsBytes;
   if (lie == "endless fields") fieldBytes = uint64_t{1} << 40;
+  if (lie == "large fields") fieldBytes = (uint64_t{64} << 20) + 1;
+  if (lie == "long fields") fieldBytes = uint64_t{2} << 20;
   if (lie == "endless rows") rowsBytes = uint64_t{1} << 40;
   if (lie == "fewer rows") rowsBytes -= 4;
   FieldWriter sizes;

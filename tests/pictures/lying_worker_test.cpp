@@ -100,6 +100,15 @@ TEST_F(LyingWorker, Sizes_Should_KeepTheLimitsOfTheHost) {
   EXPECT_EQ(ErrorOf("truth").find("LimitError: "), 0u);
 }
 
+TEST_F(LyingWorker, Facts_Should_CountAsMemory) {
+  EXPECT_NE(ErrorOf("large fields").find("the facts are too long"), std::string::npos);
+  Limits limits;
+  limits.processBytes = 1 << 20;
+  const LimitsScope scope(limits);
+  EXPECT_EQ(ErrorOf("truth"), "");
+  EXPECT_EQ(ErrorOf("long fields").find("LimitError: "), 0u) << ErrorOf("long fields");
+}
+
 TEST_F(LyingWorker, MissingProgram_Should_BeAnUnsupportedError) {
   detail::SetWorkerProgram(folder_ / "no-such-program");
   const std::string error = ErrorOf("truth");
