@@ -101,9 +101,14 @@ void AllowReading(CallFilter& filter) {
   }
 }
 
+/// RLIMIT_DATA does not count shared memory.
 void AllowMemory(CallFilter& filter) {
-  filter.Rule(SCMP_ACT_ALLOW, SCMP_SYS(mmap), HasNone(2, PROT_EXEC));
-  filter.Rule(SCMP_ACT_ALLOW, SCMP_SYS(mmap2), HasNone(2, PROT_EXEC));
+  constexpr uint64_t kMapType = 0x0F;
+  constexpr scmp_arg_cmp kIsPrivate{3, SCMP_CMP_MASKED_EQ, kMapType, MAP_PRIVATE};
+  for (const int call : {SCMP_SYS(mmap), SCMP_SYS(mmap2)}) {
+    filter.Rule(SCMP_ACT_ALLOW, call, HasNone(2, PROT_EXEC), kIsPrivate);
+    filter.Rule(SCMP_ACT_ALLOW, call, HasNone(2, PROT_EXEC), HasNone(3, MAP_ANONYMOUS));
+  }
   filter.Rule(SCMP_ACT_ALLOW, SCMP_SYS(mprotect), HasNone(2, PROT_EXEC));
 }
 

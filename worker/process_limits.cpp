@@ -1,11 +1,15 @@
 #include "worker/process_limits.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <string>
+#include <system_error>
 
 #include <sys/prctl.h>
 #include <sys/resource.h>
 
+#include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/worker/worker_answers.h>
 #include <rasterkit/runtime/worker/worker_memory.h>
@@ -13,20 +17,27 @@
 namespace rasterkit::worker {
 namespace {
 
-/// Enough for fonts and the memory in which rows are sent.
-constexpr uint64_t kMostOpenFiles = 64;
+/// Enough for fonts and the memory in which rows are sent. Few, since RLIMIT_DATA does not count
+/// such memory.
+constexpr uint64_t kMostOpenFiles = 24;
 
 /// Addresses that libraries, stacks and allocators reserve without using them.
 constexpr uint64_t kReservedBytes = uint64_t{4} << 30;
 
+void Require(int result, const char* what) {
+  if (result == 0) return;
+  throw Error(std::string("the process that reads the file cannot be locked in: ") + what + ": " +
+              std::generic_category().message(errno));
+}
+
 void Limit(int resource, uint64_t most) {
   const auto value = static_cast<rlim_t>(std::min<uint64_t>(most, RLIM_INFINITY));
   rlimit limit{};
-  getrlimit(static_cast<__rlimit_resource_t>(resource), &limit);
+  Require(getrlimit(static_cast<__rlimit_resource_t>(resource), &limit), "its limits");
   // A process may lower what it got, but not raise it.
   limit.rlim_max = std::min(limit.rlim_max, value);
   limit.rlim_cur = std::min(limit.rlim_cur, limit.rlim_max);
-  setrlimit(static_cast<__rlimit_resource_t>(resource), &limit);
+  Require(setrlimit(static_cast<__rlimit_resource_t>(resource), &limit), "its limits");
 }
 
 /// The picture of a page is drawn beside the content of its file.
@@ -56,8 +67,8 @@ void LimitProcess(const detail::WorkerSetup& setup) {
     Limit(RLIMIT_CPU, static_cast<uint64_t>(std::ceil(setup.limits.seconds)) * 64 + 1);
   }
   // No other process of the user may look into this one, and it leaves no core dump.
-  prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
-  prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+  Require(prctl(PR_SET_DUMPABLE, 0, 0, 0, 0), "its core dumps");
+  Require(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), "its privileges");
 }
 
 }  // namespace rasterkit::worker

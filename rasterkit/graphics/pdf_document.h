@@ -53,8 +53,7 @@ class RASTERKIT_EXPORT PdfDocument {
   ///
   /// Throws FileError if the file cannot be read; FormatError if it is empty, not a PDF, damaged
   /// beyond use or without pages; PdfPasswordError; UnsupportedError for an unknown protection;
-  /// PdfComponentError. No
-  /// file is open then.
+  /// PdfComponentError. No file is open then.
   virtual void LoadFromFile(const std::string& fileName, const std::string& password = {}) = 0;
 
   /// Number of pages; 0 while no file is open.
@@ -74,9 +73,8 @@ class RASTERKIT_EXPORT PdfDocument {
   ///
   /// Throws RangeError if there is no such page or `scale` is not a finite number above 0;
   /// FormatError if the page is damaged; LimitError, before anything is drawn, if the page would be
-  /// too large (see RequirePdfPage); LimitError
-  /// and TimeLimitError if drawing takes more memory or time than allowed (see Limits);
-  /// std::bad_alloc if the system is out of memory.
+  /// too large (see RequirePdfPage); LimitError and TimeLimitError if drawing takes more memory or
+  /// time than allowed (see Limits); std::bad_alloc if the system is out of memory.
   virtual bool ExportPage(int index, double scale, PdfRotation rotation, TBitmap& bitmap,
                           const PdfKeepGoing& keepGoing = {}) = 0;
 };

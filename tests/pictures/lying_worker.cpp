@@ -51,6 +51,8 @@ WorkerMessage AnswerOf(const std::string& lie) {
   const std::vector<uint8_t> fields = FieldsOf(lie);
   uint64_t fieldBytes = fields.size(), rowsBytes = kRowsBytes;
   if (lie == "endless fields") fieldBytes = uint64_t{1} << 40;
+  if (lie == "large fields") fieldBytes = (uint64_t{64} << 20) + 1;
+  if (lie == "long fields") fieldBytes = uint64_t{2} << 20;
   if (lie == "endless rows") rowsBytes = uint64_t{1} << 40;
   if (lie == "fewer rows") rowsBytes -= 4;
   FieldWriter sizes;
@@ -74,7 +76,7 @@ WorkerMessage AnswerOf(const std::string& lie) {
 int main() {
   const WorkerChannel channel{SystemFile(kSocket)};
   const auto setup = channel.Receive();
-  if (!setup || !channel.Send(ReadyMessage({}))) return EXIT_FAILURE;
+  if (!setup || !channel.Send(ReadyMessage({0, true}))) return EXIT_FAILURE;
   auto request = channel.Receive();
   if (!request) return EXIT_FAILURE;
   const std::string lie = LieOf(*request);

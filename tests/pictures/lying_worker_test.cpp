@@ -8,6 +8,7 @@
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/worker/worker_program.h>
 
+#include "tests/runtime/worker/child_count.h"
 #include "tests/support/temp_folder.h"
 
 /// A worker that crashes, hangs or lies gives an ordinary error that names the file.
@@ -53,8 +54,11 @@ TEST_F(LyingWorker, Lies_Should_BeFormatErrors) {
   for (const char* lie : {"wrong kind", "wrong orientation", "fields too long", "fields too short",
                           "endless fields", "endless rows", "fewer rows", "long answer", "no rows",
                           "short memory", "no memory", "huge picture"}) {
+    const size_t files = test::OpenFiles();
     const std::string error = ErrorOf(lie);
     EXPECT_EQ(error.find("FormatError: "), 0u) << lie << ": " << error;
+    EXPECT_TRUE(test::HasNoChildrenSoon());
+    EXPECT_EQ(test::OpenFiles(), files) << lie;
   }
 }
 
@@ -94,6 +98,15 @@ TEST_F(LyingWorker, Sizes_Should_KeepTheLimitsOfTheHost) {
   limits.pictureBytes = 100;
   const LimitsScope scope(limits);
   EXPECT_EQ(ErrorOf("truth").find("LimitError: "), 0u);
+}
+
+TEST_F(LyingWorker, Facts_Should_CountAsMemory) {
+  EXPECT_NE(ErrorOf("large fields").find("the facts are too long"), std::string::npos);
+  Limits limits;
+  limits.processBytes = 1 << 20;
+  const LimitsScope scope(limits);
+  EXPECT_EQ(ErrorOf("truth"), "");
+  EXPECT_EQ(ErrorOf("long fields").find("LimitError: "), 0u) << ErrorOf("long fields");
 }
 
 TEST_F(LyingWorker, MissingProgram_Should_BeAnUnsupportedError) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/codecs/messages/frame_fields.h>
 #include <rasterkit/pictures/picture_fields.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -187,6 +188,18 @@ TEST(PictureFields, Picture_Should_BeRefused_WhenImpossible) {
     PictureFile back;
     EXPECT_THROW(ThroughMessage(picture, back), FormatError);
   }
+}
+
+TEST(PictureFields, Warnings_Should_BeAThousandAtMost) {
+  FieldWriter many;
+  WriteWarnings(many, std::vector<std::string>(1500, "a"));
+  FieldReader first(many.Written());
+  EXPECT_EQ(ReadWarnings(first).size(), 1000u);
+  FieldWriter tooMany;
+  tooMany.Count(1001);
+  for (int i = 0; i < 1001; ++i) tooMany.ByteText("a");
+  FieldReader reader(tooMany.Written());
+  EXPECT_THROW(ReadWarnings(reader), FormatError);
 }
 
 TEST(PictureFields, Reading_Should_ComeBack) {

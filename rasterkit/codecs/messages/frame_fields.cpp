@@ -1,10 +1,13 @@
+#include <algorithm>
+#include <span>
+
 #include <rasterkit/codecs/messages/frame_fields.h>
 #include <rasterkit/codecs/rows/frame_format.h>
 
 namespace rasterkit::detail {
 namespace {
 
-constexpr size_t kMostWarnings = 1 << 20, kMostWarningBytes = 1 << 20, kCountBytes = 4;
+constexpr size_t kMostWarnings = 1000, kMostWarningBytes = 1 << 20, kCountBytes = 4;
 
 }  // namespace
 
@@ -36,7 +39,8 @@ ImagingFrame NewFrame(const FrameHead& head, uint64_t rowsBytes) {
 }
 
 void WriteWarnings(FieldWriter& fields, const std::vector<std::string>& warnings) {
-  fields.List(warnings, [&](const std::string& warning) { fields.ByteText(warning); });
+  const std::span first = std::span(warnings).first(std::min(warnings.size(), kMostWarnings));
+  fields.List(first, [&](const std::string& warning) { fields.ByteText(warning); });
 }
 
 std::vector<std::string> ReadWarnings(FieldReader& fields) {

@@ -26,7 +26,7 @@ RASTERKIT_EXPORT FrameHead ReadFrameHead(FieldReader& fields);
 /// Returns a frame whose rows are to be filled; see NewRaster.
 RASTERKIT_EXPORT ImagingFrame NewFrame(const FrameHead& head, uint64_t rowsBytes);
 
-/// Warnings, which may have invalid UTF-8 from a file.
+/// Warnings, which may have invalid UTF-8 from a file. The first 1,000 are written.
 RASTERKIT_EXPORT void WriteWarnings(FieldWriter& fields, const std::vector<std::string>& warnings);
 RASTERKIT_EXPORT std::vector<std::string> ReadWarnings(FieldReader& fields);
 

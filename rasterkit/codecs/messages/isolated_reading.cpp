@@ -3,6 +3,7 @@
 
 #include <rasterkit/codecs/messages/isolated_reading.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/memory/memory_share.h>
 #include <rasterkit/runtime/worker/worker_errors.h>
 #include <rasterkit/runtime/worker/worker_memory.h>
 #include <rasterkit/runtime/worker/worker_session.h>
@@ -11,7 +12,7 @@ namespace rasterkit::detail {
 namespace {
 
 /// Facts of a file, of which a color profile and the tie points of a map can be long.
-constexpr uint64_t kMostFieldBytes = uint64_t{256} << 20;
+constexpr uint64_t kMostFieldBytes = uint64_t{64} << 20;
 constexpr size_t kMostErrorBytes = kMostWorkerBodyBytes;
 
 uint64_t PieceBytes(uint64_t total, uint64_t position) {
@@ -30,6 +31,7 @@ class AnswerReader {
     if (fieldBytes_ > kMostFieldBytes) ThrowBadMessage("the facts are too long");
   }
 
+  uint64_t FieldBytes() const { return fieldBytes_; }
   uint64_t ContentBytes() const { return contentBytes_; }
 
   std::vector<uint8_t> Fields() {
@@ -85,6 +87,8 @@ void ReadInWorker(WorkerReader reader, WorkerTask task, std::span<const uint8_t>
   try {
     WorkerTurn turn(session, keepGoing);
     AnswerReader answer(turn, ReadRequest(task, fields, std::move(file)));
+    // Allocated because the worker says so, so it counts like the picture.
+    const MemoryShare share(answer.FieldBytes());
     const std::vector<uint8_t> facts = answer.Fields();
     FieldReader fieldReader(facts);
     const std::span<uint8_t> target = place(fieldReader, answer.ContentBytes());

@@ -86,8 +86,10 @@ std::optional<WorkerMessage> WorkerChannel::Receive() const {
   do {
     received = recvmsg(Handle(), &header, MSG_CMSG_CLOEXEC);
   } while (received < 0 && (errno == EINTR || errno == ECONNRESET));
-  if (received <= 0) return std::nullopt;
+  if (received < 0) return std::nullopt;
   std::vector<SystemFile> files = TakeFiles(header);
+  // A packet without bytes looks like the end of the socket, but can bring files.
+  if (received == 0 && files.empty()) return std::nullopt;
   if ((header.msg_flags & MSG_TRUNC) != 0) ThrowBadMessage("it is too long");
   if ((header.msg_flags & MSG_CTRUNC) != 0) ThrowBadMessage("too many files came with it");
   return ParseWorkerMessage(std::span(packet).first(static_cast<size_t>(received)),

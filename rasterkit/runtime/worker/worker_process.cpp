@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -12,6 +13,7 @@
 #include <poll.h>
 #include <sched.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -42,6 +44,8 @@ constexpr int kWorkerSocket = 3;
 constexpr size_t kChildStackBytes = 64 * 1024;
 /// Bytes of the kernel's signal set.
 constexpr size_t kSignalSetBytes = 8;
+/// No process has descriptors above, unless an administrator raised the kernel's own limit.
+constexpr rlim_t kMostFiles = 1 << 20;
 /// Freeing a large process can take longer than a user should wait.
 constexpr int kWaitForEndMilliseconds = 30;
 
@@ -51,9 +55,19 @@ struct ChildWork {
   char* const* environment;
   int socket;
   int null;
+  /// No descriptor is above.
+  int mostFiles;
   /// In memory that both processes share.
   int* error;
 };
+
+/// Older kernels cannot close a range, and filters around a container may forbid it.
+RASTERKIT_UNWATCHED bool CloseFrom(int first, int most) {
+  if (syscall(SYS_close_range, first, UINT_MAX, 0) == 0) return true;
+  if (errno != ENOSYS && errno != EPERM) return false;
+  for (int handle = first; handle < most; ++handle) syscall(SYS_close, handle);
+  return true;
+}
 
 RASTERKIT_UNWATCHED int ChildMain(void* given) {
   auto* const work = static_cast<ChildWork*>(given);
@@ -64,16 +78,17 @@ RASTERKIT_UNWATCHED int ChildMain(void* given) {
   for (int signal = 1; signal < NSIG; ++signal) {
     syscall(SYS_rt_sigaction, signal, kDefault, nullptr, kSignalSetBytes);
   }
+#ifdef RASTERKIT_SANITIZED
+  // Reports of a sanitizer go where the program's own ones go.
+  const bool keepsErrors = true;
+#else
+  const bool keepsErrors = false;
+#endif
   const bool isSetUp = syscall(SYS_dup3, work->socket, kWorkerSocket, 0) == kWorkerSocket &&
                        syscall(SYS_dup3, work->null, 0, 0) == 0 &&
                        syscall(SYS_dup3, work->null, 1, 0) == 1 &&
-#ifdef RASTERKIT_SANITIZED
-                       // Reports of a sanitizer go where the program's own ones go.
-                       true &&
-#else
-                       syscall(SYS_dup3, work->null, 2, 0) == 2 &&
-#endif
-                       syscall(SYS_close_range, kWorkerSocket + 1, UINT_MAX, 0) == 0;
+                       (keepsErrors || syscall(SYS_dup3, work->null, 2, 0) == 2) &&
+                       CloseFrom(kWorkerSocket + 1, work->mostFiles);
   if (isSetUp) {
     syscall(SYS_rt_sigprocmask, SIG_SETMASK, kDefault, nullptr, kSignalSetBytes);
     syscall(SYS_execve, work->program, work->arguments, work->environment);
@@ -140,33 +155,6 @@ pid_t Clone(const ChildStack& stack, ChildWork& work, int& handle) {
 #endif
 }
 
-/// Returns the handle of the new process.
-SystemFile Start(const std::string& program, int socket, int null) {
-  std::string name = program;
-  std::array<char*, 2> arguments{name.data(), nullptr};
-  const ChildStack stack;
-  ChildWork work{program.c_str(), arguments.data(), environ, socket, null, stack.Error()};
-  int handle = -1;
-  int error = 0;
-  {
-    const BlockedSignals blocked;
-    if (Clone(stack, work, handle) < 0) error = errno;
-  }
-  SystemFile process(handle);
-  if (error == 0 && *work.error == 0) return process;
-  if (process.IsOpen()) {
-    siginfo_t info{};
-    waitid(static_cast<idtype_t>(P_PIDFD), static_cast<id_t>(handle), &info, WEXITED | __WALL);
-    error = *work.error;
-  }
-  throw Error(program + " cannot be started: " + std::generic_category().message(error));
-}
-
-bool IsReadable(int handle, int milliseconds) {
-  pollfd wait{handle, POLLIN, 0};
-  return poll(&wait, 1, milliseconds) > 0;
-}
-
 ProcessEnd Collect(int process) {
   siginfo_t info{};
   int result = 0;
@@ -179,6 +167,39 @@ ProcessEnd Collect(int process) {
   return {exited ? ProcessEnd::Kind::exited : ProcessEnd::Kind::signaled, info.si_status};
 }
 
+int MostFiles() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return kMostFiles;
+  return static_cast<int>(std::min(limit.rlim_max, kMostFiles));
+}
+
+/// Returns the handle of the new process.
+SystemFile Start(const std::string& program, int socket, int null) {
+  std::string name = program;
+  std::array<char*, 2> arguments{name.data(), nullptr};
+  const ChildStack stack;
+  ChildWork work{program.c_str(), arguments.data(), environ, socket, null,
+                 MostFiles(),     stack.Error()};
+  int handle = -1;
+  int error = 0;
+  {
+    const BlockedSignals blocked;
+    if (Clone(stack, work, handle) < 0) error = errno;
+  }
+  SystemFile process(handle);
+  if (error == 0 && *work.error == 0) return process;
+  if (process.IsOpen()) {
+    Collect(handle);
+    error = *work.error;
+  }
+  throw Error(program + " cannot be started: " + std::generic_category().message(error));
+}
+
+bool IsReadable(int handle, int milliseconds) {
+  pollfd wait{handle, POLLIN, 0};
+  return poll(&wait, 1, milliseconds) > 0;
+}
+
 }  // namespace
 
 WorkerProcess::WorkerProcess(const std::string& program) : owner_(getpid()) {
@@ -186,6 +207,7 @@ WorkerProcess::WorkerProcess(const std::string& program) : owner_(getpid()) {
   const SystemFile socket = HighHandle(there.Handle());
   there.Close();
   const SystemFile opened = OpenAt(AT_FDCWD, "/dev/null", O_RDWR);
+  if (!opened.IsOpen()) ThrowSystemError("cannot be opened", errno, "/dev/null");
   const SystemFile null = HighHandle(opened.Handle());
   process_ = Start(program, socket.Handle(), null.Handle());
   channel_ = std::move(here);
@@ -202,10 +224,16 @@ ProcessEnd WorkerProcess::End() {
   syscall(SYS_pidfd_send_signal, process_.Handle(), SIGKILL, nullptr, 0);
   if (IsReadable(process_.Handle(), kWaitForEndMilliseconds)) return Collect(process_.Handle());
   try {
-    std::thread([process = std::move(process_)] { Collect(process.Handle()); }).detach();
-  } catch (const std::system_error&) {
+    const int handle = process_.Handle();
+    std::thread([handle] {
+      const SystemFile process(handle);
+      Collect(process.Handle());
+    }).detach();
+  } catch (const std::exception&) {
     return Collect(process_.Handle());
   }
+  // The handle belongs to the thread now.
+  process_.Release();
   return {};
 }
 

@@ -95,10 +95,11 @@ struct WorkerSession::State : WorkerHolder {
   }
   [[noreturn]] void ThrowEnded();
   [[noreturn]] void Throw(const WorkerError& error);
+  void Send(const WorkerMessage& message);
   /// Returns the next message of the worker.
   WorkerMessage Wait(Questions& questions);
   WorkerMessage ReceiveOne();
-  /// Checks the first message of the worker.
+  /// Checks the first message of the worker. No file is sent before: the worker must be locked in.
   void GetReady(Questions& questions);
 
   const WorkerReader reader;
@@ -145,6 +146,15 @@ void WorkerSession::State::Throw(const WorkerError& error) {
   ThrowWorkerError(error);
 }
 
+/// Sends a message. If the worker has ended, what it said before is the reason, and the wait for
+/// its answer finds it. If it lives, it would wait for the message, and the host for the answer.
+void WorkerSession::State::Send(const WorkerMessage& message) {
+  if (process->Channel().Send(message)) return;
+  if (WaitReadable(process->EndHandle(), kEndsByItselfMilliseconds)) return;
+  End();
+  throw Error(what + ": the process that reads the file takes no requests");
+}
+
 WorkerMessage WorkerSession::State::ReceiveOne() {
   std::optional<WorkerMessage> message = process->Channel().Receive();
   if (!message) ThrowEnded();
@@ -168,7 +178,9 @@ void WorkerSession::State::GetReady(Questions& questions) {
     End();
     Throw(error);
   }
-  protection = ReadReady(first);
+  const WorkerProtection ready = ReadReady(first);
+  if (!ready.filtersCalls) throw Error(what + ": the process that reads the file is not locked in");
+  protection = ready;
 }
 
 WorkerSession::WorkerSession(WorkerReader reader, std::string what, ErrorHook onError)
@@ -202,8 +214,7 @@ WorkerTurn::WorkerTurn(WorkerSession& session, KeepGoing keepGoing)
     own.setup = setup;
     own.process.emplace(program);
     state_->isFresh = true;
-    // If it has ended already, the first request finds its reason.
-    own.process->Channel().Send(SetupMessage(setup));
+    own.Send(SetupMessage(setup));
   } catch (...) {
     own.End();
     WorkerSlots::Instance().Leave(own);
@@ -229,9 +240,8 @@ WorkerMessage WorkerTurn::Ask(const WorkerMessage& request, uint16_t answer, siz
   if (!own.process) throw Error(own.what + ": the process that reads the file has ended");
   std::optional<WorkerError> reported;
   try {
-    // If it has ended, what it said before is the reason.
-    own.process->Channel().Send(request);
     own.GetReady(state_->questions);
+    own.Send(request);
     WorkerMessage message = own.Wait(state_->questions);
     if (message.kind != kWorkerFailed) {
       if (message.kind == answer && message.files.size() == files) return message;

@@ -23,7 +23,7 @@ struct WorkerSetup {
 struct WorkerProtection {
   /// Version of the kernel's Landlock; 0 if there is none, so that files can be opened for reading.
   int landlockVersion = 0;
-  /// The system calls are filtered.
+  /// The system calls are filtered. The host gives a file to no worker without it.
   bool filtersCalls = false;
 };
 

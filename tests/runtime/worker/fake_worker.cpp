@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -65,12 +66,21 @@ void Pause() {
   while (true) pause();
 }
 
+/// The host must wait until this process says that it is locked in.
+bool IsAskedTooEarly(const WorkerChannel& channel) {
+  constexpr int kMilliseconds = 200;
+  pollfd wait{channel.Handle(), POLLIN, 0};
+  return poll(&wait, 1, kMilliseconds) > 0;
+}
+
 void AnswerBadly(const std::string& how, const WorkerChannel& channel) {
   const auto die = [](int signal) {
     std::signal(signal, SIG_DFL);
     raise(signal);
   };
-  if (how == "good") channel.Send({kAnswer, {1, 2, 3}});
+  if (how == "good" || how == "ready-late" || how == "ready-unfiltered") {
+    channel.Send({kAnswer, {1, 2, 3}});
+  }
   if (how == "abort") die(SIGABRT);
   if (how == "segmentation") die(SIGSEGV);
   if (how == "call") die(SIGSYS);
@@ -88,6 +98,7 @@ void AnswerBadly(const std::string& how, const WorkerChannel& channel) {
   if (how == "length") SendRaw(Changed(8, 4));
   if (how == "count") SendRaw(Changed(12, 1));
   if (how == "empty") SendRaw({});
+  if (how == "empty-with-files") SendRaw({}, {0, 1});
   if (how == "short") SendRaw({1, 2, 3});
   if (how == "long") SendRaw(std::vector<uint8_t>(kMostWorkerPacketBytes + 1));
   if (how == "no-file") channel.Send({kAnswer});
@@ -111,7 +122,7 @@ void AnswerBadly(const std::string& how, const WorkerChannel& channel) {
   if (how == "memory-unsealable") {
     WorkerMessage message{kAnswer};
     message.files.emplace_back(memfd_create("x", MFD_CLOEXEC));
-    ftruncate(message.files[0].Handle(), 10);
+    if (ftruncate(message.files[0].Handle(), 10) != 0) _exit(1);
     channel.Send(message);
   }
   if (how == "memory-mapped") {
@@ -175,9 +186,13 @@ int main(int, char** arguments) {
   while (const auto request = channel.Receive()) {
     if (request->kind == kWorkerSetup) {
       if (how == "ready-lies") SendRaw(PackWorkerMessage({kWorkerReady, {255, 255, 255, 255, 7}}));
-      channel.Send(ReadyMessage({0, false}));
+      if (how == "ready-late" && IsAskedTooEarly(channel)) return 1;
+      if (how == "closed") shutdown(channel.Handle(), SHUT_RD);
+      channel.Send(ReadyMessage({0, how != "ready-unfiltered"}));
     } else {
       AnswerBadly(how, channel);
     }
   }
+  // Lives on: only the failed request tells the host.
+  if (how == "closed") Pause();
 }

@@ -92,7 +92,7 @@ TEST_F(WorkerSessionTest, Ask_Should_ReturnTheAnswer_When_TheWorkerIsGood) {
     WorkerTurn turn(session, {});
     EXPECT_TRUE(turn.IsFresh());
     EXPECT_THAT(turn.Ask({kRequest}, kAnswer).body, testing::ElementsAre(1, 2, 3));
-    EXPECT_FALSE(turn.Protection().filtersCalls);
+    EXPECT_TRUE(turn.Protection().filtersCalls);
   }
   WorkerTurn turn(session, {});
   EXPECT_FALSE(turn.IsFresh());
@@ -114,9 +114,13 @@ TEST_F(WorkerSessionTest, Ask_Should_SayHowTheWorkerEnded_When_ItCrashes) {
 }
 
 TEST_F(WorkerSessionTest, Ask_Should_Refuse_When_TheHeaderLies) {
-  for (const char* how : {"magic", "version", "kind", "length", "count", "short", "long",
-                          "ready-lies", "start-noise", "error-class", "error-text"}) {
+  const size_t files = test::OpenFiles();
+  for (const char* how :
+       {"magic", "version", "kind", "length", "count", "short", "long", "empty-with-files",
+        "ready-lies", "start-noise", "error-class", "error-text"}) {
     EXPECT_THAT(ErrorOf<FormatError>(how), HasSubstr("sent an invalid message")) << how;
+    EXPECT_TRUE(test::HasNoChildrenSoon());
+    EXPECT_EQ(test::OpenFiles(), files) << how;
   }
   EXPECT_NE(ErrorOf<FormatError>("empty"), "no error");
 }
@@ -164,6 +168,22 @@ TEST_F(WorkerSessionTest, Ask_Should_StartAnotherWorker_When_OneCrashed) {
   EXPECT_THROW(Ask(session), FormatError);
   Use("good");
   EXPECT_EQ(Ask(session).body.size(), 3u);
+}
+
+TEST_F(WorkerSessionTest, Ask_Should_SendNothing_When_TheWorkerIsNotLockedIn) {
+  EXPECT_EQ(ErrorOf<Error>("ready-unfiltered"),
+            "picture: the process that reads the file is not locked in");
+  Use("ready-late");
+  WorkerSession session(WorkerReader::pictures, "picture");
+  EXPECT_EQ(Ask(session).body.size(), 3u);
+}
+
+TEST_F(WorkerSessionTest, Ask_Should_Throw_When_ALivingWorkerTakesNoRequest) {
+  // Else the call would never end.
+  Limits limits;
+  limits.seconds = 20;
+  const LimitsScope scope(limits);
+  EXPECT_EQ(ErrorOf<Error>("closed"), "picture: the process that reads the file takes no requests");
 }
 
 TEST_F(WorkerSessionTest, Turn_Should_Throw_When_TheWorkerEndsAtOnce) {

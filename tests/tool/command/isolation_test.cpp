@@ -1,9 +1,11 @@
 // --isolate: what is read in a worker process is what is read here.
 
+#include <cerrno>
 #include <filesystem>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 
 #include "tests/support/environment.h"
 #include "tests/tool/support/run_tool.h"
@@ -94,6 +96,18 @@ TEST(CliIsolation, Jobs_Should_WorkTogetherWithIt) {
       RunTool({"compare", folder / "orientation-1.png", folder / "orientation-8.png", "--isolate",
                "--tolerance", "255"});
   EXPECT_EQ(same.code, 0) << same.err;
+}
+
+TEST(CliIsolation, File_Should_NotBeRead_When_TheWorkerCannotBeLockedIn) {
+  if (!CanFilterCalls()) GTEST_SKIP() << "no filters of system calls";
+  ToolSetup setup;
+  setup.failingCalls = {{SYS_seccomp, ENOSYS, 0}};
+  for (const std::vector<std::string>& line :
+       {std::vector<std::string>{"info", "--isolate", Sample("terrain.tif")},
+        {"--version", "-v"}}) {
+    const ToolResult result = RunTool(line, setup);
+    EXPECT_THAT(result.out + result.err, HasSubstr("the system has no filter of system calls"));
+  }
 }
 
 /// The tool loads its library from a folder of the test, with another worker beside it.
