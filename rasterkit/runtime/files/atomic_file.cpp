@@ -85,7 +85,7 @@ class Commitment {
 }  // namespace
 
 struct AtomicFile::State {
-  enum class Stage { open, finished, closed };
+  enum class Stage { open, finished, closed, failed };
 
   State(std::string fileName, const AtomicFileOptions& saveOptions)
       : name(std::move(fileName)), options(saveOptions) {
@@ -122,7 +122,11 @@ struct AtomicFile::State {
   detail::SystemFile OpenOld();
   void Flush();
   void RequireStage(Stage last) const;
+  template <typename Step>
+  void TryOnce(Step step);
   void Finish();
+  void Close();
+  void Append(std::span<const uint8_t> source);
   void GiveName();
 };
 
@@ -178,14 +182,27 @@ void AtomicFile::State::Flush() {
 }
 
 void AtomicFile::State::RequireStage(Stage last) const {
+  if (stage == Stage::failed) throw FileError("cannot be written: writing failed before", name);
   if (stage > last) throw FileError("is written and closed already", name);
+}
+
+/// Does a step of writing. If it throws, the file cannot be committed: a second try could
+/// succeed although bytes are lost.
+template <typename Step>
+void AtomicFile::State::TryOnce(Step step) {
+  const Stage before = std::exchange(stage, Stage::failed);
+  step();
+  stage = before;
 }
 
 void AtomicFile::State::Finish() {
   RequireStage(Stage::finished);
   if (stage == Stage::finished) return;
-  // A second try could succeed although bytes are lost.
-  stage = Stage::closed;
+  TryOnce([this] { Close(); });
+  stage = Stage::finished;
+}
+
+void AtomicFile::State::Close() {
   Flush();
   buffer.shrink_to_fit();
   // File systems of networks report some errors only when a handle is closed. The other one keeps
@@ -193,7 +210,6 @@ void AtomicFile::State::Finish() {
   detail::SystemFile copy(detail::Calls().duplicate(File().Handle()));
   if (!copy.IsOpen()) Fail(errno);
   if (const int error = copy.Close(); error != 0) Fail(error);
-  stage = Stage::finished;
 }
 
 void AtomicFile::State::GiveName() {
@@ -205,6 +221,24 @@ void AtomicFile::State::GiveName() {
   temporary->ReplaceName(target.name);
 }
 
+void AtomicFile::State::Append(std::span<const uint8_t> source) {
+  if (position != bufferStart + buffer.size()) {
+    if (!IsSeekable()) throw FileError("cannot be written out of order", name);
+    Flush();
+    bufferStart = position;
+  }
+  if (buffer.size() + source.size() > kBufferSize) Flush();
+  if (source.size() > kBufferSize) {
+    const int64_t place = IsSeekable() ? static_cast<int64_t>(position) : -1;
+    detail::WriteAll(File(), source, place, name);
+    bufferStart += source.size();
+  } else {
+    buffer.insert(buffer.end(), source.begin(), source.end());
+  }
+  position += source.size();
+  size = std::max(size, position);
+}
+
 AtomicFile::AtomicFile(const std::string& fileName, const AtomicFileOptions& options)
     : state_(std::make_unique<State>(fileName, options)) {}
 
@@ -213,7 +247,7 @@ AtomicFile::~AtomicFile() = default;
 size_t AtomicFile::Read(std::span<uint8_t> target) {
   state_->RequireStage(State::Stage::open);
   if (!state_->IsSeekable()) throw FileError("cannot be read back", state_->name);
-  state_->Flush();
+  state_->TryOnce([this] { state_->Flush(); });
   iovec piece{target.data(), target.size()};
   const size_t count = detail::ReadPieces(state_->File(), {&piece, 1},
                                           static_cast<int64_t>(state_->position), state_->name);
@@ -222,23 +256,8 @@ size_t AtomicFile::Read(std::span<uint8_t> target) {
 }
 
 void AtomicFile::Write(std::span<const uint8_t> source) {
-  State& state = *state_;
-  state.RequireStage(State::Stage::open);
-  if (state.position != state.bufferStart + state.buffer.size()) {
-    if (!state.IsSeekable()) throw FileError("cannot be written out of order", state.name);
-    state.Flush();
-    state.bufferStart = state.position;
-  }
-  if (state.buffer.size() + source.size() > kBufferSize) state.Flush();
-  if (source.size() > kBufferSize) {
-    const int64_t place = state.IsSeekable() ? static_cast<int64_t>(state.position) : -1;
-    detail::WriteAll(state.File(), source, place, state.name);
-    state.bufferStart += source.size();
-  } else {
-    state.buffer.insert(state.buffer.end(), source.begin(), source.end());
-  }
-  state.position += source.size();
-  state.size = std::max(state.size, state.position);
+  state_->RequireStage(State::Stage::open);
+  state_->TryOnce([&] { state_->Append(source); });
 }
 
 uint64_t AtomicFile::Position() const {

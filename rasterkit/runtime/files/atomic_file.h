@@ -53,8 +53,10 @@ class RASTERKIT_EXPORT AtomicFile : public TStream {
   explicit AtomicFile(const std::string& fileName, const AtomicFileOptions& options = {});
   ~AtomicFile() override;
 
-  /// Throws FileError if the target is a pipe or a device.
+  /// Throws FileError if the target is a pipe or a device. `Read` also writes what is buffered; see
+  /// `Write`.
   size_t Read(std::span<uint8_t> target) override;
+  /// If it throws, bytes are lost: the file can be neither written nor committed afterwards.
   void Write(std::span<const uint8_t> source) override;
   uint64_t Position() const override;
   void SetPosition(uint64_t position) override;
