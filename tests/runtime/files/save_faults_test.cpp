@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -85,6 +86,10 @@ void HaveNoLinks() {
 void HaveFastDisk() {
   const auto sync = [](int) { return 0; };
   Calls().syncData = Calls().syncAll = Calls().syncFileSystem = Calls().awaitWrites = sync;
+  Calls().statusOfFileSystem = [](int, struct statfs* status) {
+    status->f_type = EXT4_SUPER_MAGIC;
+    return 0;
+  };
 }
 
 std::vector<Scenario> Scenarios() {
