@@ -120,6 +120,7 @@ struct AtomicFile::State {
   void OpenStraight();
   void OpenTemporary();
   detail::SystemFile OpenOld();
+  void KeepRightsOfNewcomer();
   void Flush();
   void RequireStage(Stage last) const;
   template <typename Step>
@@ -173,6 +174,17 @@ detail::SystemFile AtomicFile::State::OpenOld() {
   return old;
 }
 
+/// Another program has created the file meanwhile, perhaps for its owner alone.
+void AtomicFile::State::KeepRightsOfNewcomer() {
+  const detail::SystemFile old = OpenOld();
+  struct stat status {};
+  if (detail::Calls().status(old.Handle(), &status) != 0) Fail(errno);
+  if (!S_ISREG(status.st_mode)) Fail(S_ISDIR(status.st_mode) ? EISDIR : EEXIST);
+  // If the file system has no modes, this fails; KeepRights checks the result.
+  detail::Calls().changeMode(temporary->File().Handle(), kPrivateMode);
+  warnings = detail::KeepRights(old, temporary->File(), name);
+}
+
 void AtomicFile::State::Flush() {
   if (buffer.empty()) return;
   const int64_t place = IsSeekable() ? static_cast<int64_t>(bufferStart) : -1;
@@ -217,6 +229,7 @@ void AtomicFile::State::GiveName() {
   if (target.kind == detail::SaveTarget::Kind::none) {
     if (temporary->CreateName(target.name)) return;
     if (options.ifExists == IfExists::fail) FailBecauseItExists();
+    KeepRightsOfNewcomer();
   }
   temporary->ReplaceName(target.name);
 }

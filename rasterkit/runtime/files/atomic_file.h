@@ -66,8 +66,9 @@ class RASTERKIT_EXPORT AtomicFile : public TStream {
 
   /// The name given to the constructor.
   const std::string& FileName() const;
-  /// What the new file does not have from the old one, without the file name. Complete after the
-  /// constructor.
+  /// What the new file does not have from the old one, without the file name. Known after the
+  /// constructor, except if another program creates the file while this one is written: then after
+  /// `Commit`.
   const std::vector<std::string>& Warnings() const;
 
   /// Ends the writing: hands all bytes to the system and checks that it took them. `Commit` does it
