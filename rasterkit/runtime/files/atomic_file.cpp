@@ -41,6 +41,9 @@ class Commitment {
   void SyncData() {
     std::vector<State*> states;
     std::vector<const detail::SystemFile*> files;
+    // Adding must not fail between the two.
+    states.reserve(states_.size());
+    files.reserve(states_.size());
     ForEach([&](State& state) {
       if (!state.options.syncs) return;
       states.push_back(&state);
