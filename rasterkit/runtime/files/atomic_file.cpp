@@ -19,7 +19,7 @@ namespace {
 constexpr size_t kBufferSize = 128 * 1024;
 constexpr mode_t kUsualMode = 0666, kPrivateMode = 0600;
 
-/// The files of a commit that have not failed.
+/// The files of a commit that have not failed. A template, because AtomicFile::State is private.
 template <typename State>
 class Commitment {
  public:
