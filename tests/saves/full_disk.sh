@@ -38,6 +38,10 @@ for kind in tmpfs ext4; do
       try "$name" --overwrite $([ "${name#*.}" = tif ] && echo "--compression none")
       try "$name" --overwrite --no-sync $([ "${name#*.}" = tif ] && echo "--compression none")
     done
+    for name in new.bmp new.tif; do
+      try "$name" $([ "${name#*.}" = tif ] && echo "--compression none")
+      try "$name" --no-sync $([ "${name#*.}" = tif ] && echo "--compression none")
+    done
   done
   umount "$folder/disk"
 done

@@ -91,11 +91,6 @@ Outcome RunJob(const OutputOptions& options, const Job& job,
     StopIfInterrupted();
     RequireFreeOutput(options, job);
     outcome.result = work(job);
-    if (outcome.result.file) {
-      for (const std::string& warning : outcome.result.file->Warnings()) {
-        outcome.result.warnings.push_back(job.output + ": " + warning);
-      }
-    }
     if (options.strict && !outcome.result.notCarriedOver.empty()) outcome.code = exitNotCarriedOver;
   } catch (const Failure& failure) {
     outcome.code = failure.Code();
@@ -218,11 +213,20 @@ class Batch {
   }
 
   /// Gives the output its name and finishes the job, later if the disk has to be waited for.
-  void Commit(size_t index, Outcome outcome) {
+  void Commit(size_t index, Outcome outcome) noexcept {
+    try {
+      TryCommit(index, outcome);
+    } catch (const std::exception&) {
+      Finish(index, OutOfMemory());
+    }
+  }
+
+  /// If it throws, it has not finished the job.
+  void TryCommit(size_t index, Outcome& outcome) {
     std::unique_ptr<AtomicFile> file = std::move(outcome.result.file);
     if (!jobs_[index].saving.syncs) {
       const std::exception_ptr error = AtomicFile::CommitAll({&file, 1}).front();
-      return FinishCommit(index, std::move(outcome), error);
+      return FinishCommit(index, std::move(outcome), *file, error);
     }
     // An interruption during a wait elsewhere must not lose an output that is whole.
     struct Waiting {
@@ -231,15 +235,28 @@ class Batch {
     };
     const auto waiting = std::make_shared<Waiting>();
     waiting->outcome = std::move(outcome);
-    commits_.Add(std::move(file), [this, index, waiting](const std::exception_ptr& error) {
-      FinishCommit(index, std::move(waiting->outcome), error);
+    commits_.Add(std::move(file), [this, index, waiting](const AtomicFile& committed,
+                                                         const std::exception_ptr& error) {
+      FinishCommit(index, std::move(waiting->outcome), committed, error);
     });
   }
 
-  void FinishCommit(size_t index, Outcome outcome, const std::exception_ptr& error) {
-    if (error) outcome = {exitOutputNotWritten, OutputError(jobs_[index].output, error), {}};
+  void FinishCommit(size_t index, Outcome outcome, const AtomicFile& file,
+                    const std::exception_ptr& error) noexcept {
+    try {
+      const std::string& output = jobs_[index].output;
+      if (error) outcome = {exitOutputNotWritten, OutputError(output, error), {}};
+      for (const std::string& warning : file.Warnings()) {
+        if (!error) outcome.result.warnings.push_back(output + ": " + warning);
+      }
+    } catch (const std::exception&) {
+      outcome = OutOfMemory();
+    }
     Finish(index, std::move(outcome));
   }
+
+  /// Needs no memory itself: the text is short.
+  static Outcome OutOfMemory() { return {exitOutputNotWritten, "out of memory", {}}; }
 
   /// Called on several threads, which no error may leave.
   void Finish(size_t index, Outcome outcome) noexcept {

@@ -1,37 +1,46 @@
 #include "tool/command/commit_queue.h"
 
-#include <system_error>
+#include <algorithm>
 #include <utility>
+
+#include <rasterkit/runtime/files/open_files.h>
 
 namespace rasterkit::tool {
 namespace {
 
-/// Each output holds two or three open files, of which a process usually may have 1024.
 constexpr size_t kMostWaiting = 128;
+
+/// An output has two or three open files, and as many outputs as wait are committed at the same
+/// time. The rest is for the jobs.
+constexpr size_t kOpenFilesPerWaiting = 8;
 
 }  // namespace
 
+size_t CommitQueue::MostWaiting() {
+  return std::clamp<size_t>(detail::MostOpenFiles() / kOpenFilesPerWaiting, 1, kMostWaiting);
+}
+
 void CommitQueue::Add(std::unique_ptr<AtomicFile> file, Done done) {
+  Output output{std::move(file), std::move(done)};
   std::unique_lock lock(mutex_);
-  if (!Start()) {
-    lock.unlock();
-    std::vector<std::unique_ptr<AtomicFile>> files;
-    files.push_back(std::move(file));
-    std::vector<Done> allDone = {std::move(done)};
-    return CommitTogether(files, allDone);
+  if (Start()) {
+    changed_.wait(lock, [this] { return outputs_.size() < mostWaiting_; });
+    outputs_.push_back(std::move(output));
+    changed_.notify_all();
+    return;
   }
-  changed_.wait(lock, [this] { return files_.size() < kMostWaiting; });
-  files_.push_back(std::move(file));
-  done_.push_back(std::move(done));
-  changed_.notify_all();
+  lock.unlock();
+  CommitTogether({&output, 1});
 }
 
 bool CommitQueue::Start() {
   if (thread_.joinable()) return true;
   try {
+    outputs_.reserve(mostWaiting_);
+    taken_.reserve(mostWaiting_);
     thread_ = std::thread([this] { Work(); });
     return true;
-  } catch (const std::system_error&) {
+  } catch (const std::exception&) {
     return false;
   }
 }
@@ -46,31 +55,35 @@ void CommitQueue::Drain() {
 }
 
 void CommitQueue::Work() {
-  std::vector<std::unique_ptr<AtomicFile>> files;
-  std::vector<Done> done;
-  while (Take(files, done)) CommitTogether(files, done);
+  while (Take()) {
+    CommitTogether(taken_);
+    taken_.clear();
+  }
 }
 
-void CommitQueue::CommitTogether(std::vector<std::unique_ptr<AtomicFile>>& files,
-                                 std::vector<Done>& done) {
+void CommitQueue::CommitTogether(std::span<Output> outputs) noexcept {
+  std::vector<std::unique_ptr<AtomicFile>> files;
   std::vector<std::exception_ptr> errors;
+  std::exception_ptr noCommit;
   try {
+    files.reserve(outputs.size());
+    for (Output& output : outputs) files.push_back(std::move(output.file));
     errors = AtomicFile::CommitAll(files);
   } catch (const std::exception&) {
-    errors.assign(files.size(), std::current_exception());
+    noCommit = std::current_exception();
   }
-  files.clear();
-  for (size_t i = 0; i < done.size(); ++i) done[i](errors[i]);
-  done.clear();
+  for (size_t i = 0; i < files.size(); ++i) outputs[i].file = std::move(files[i]);
+  for (size_t i = 0; i < outputs.size(); ++i) {
+    outputs[i].done(*outputs[i].file, noCommit ? noCommit : errors[i]);
+  }
 }
 
-bool CommitQueue::Take(std::vector<std::unique_ptr<AtomicFile>>& files, std::vector<Done>& done) {
+bool CommitQueue::Take() {
   std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this] { return isEnding_ || !files_.empty(); });
-  std::swap(files, files_);
-  std::swap(done, done_);
+  changed_.wait(lock, [this] { return isEnding_ || !outputs_.empty(); });
+  std::swap(taken_, outputs_);
   changed_.notify_all();
-  return !files.empty();
+  return !taken_.empty();
 }
 
 }  // namespace rasterkit::tool

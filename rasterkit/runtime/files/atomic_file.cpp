@@ -19,7 +19,7 @@ namespace {
 constexpr size_t kBufferSize = 128 * 1024;
 constexpr mode_t kUsualMode = 0666, kPrivateMode = 0600;
 
-/// The files of a commit that have not failed.
+/// The files of a commit that have not failed. A template, because AtomicFile::State is private.
 template <typename State>
 class Commitment {
  public:
@@ -41,6 +41,9 @@ class Commitment {
   void SyncData() {
     std::vector<State*> states;
     std::vector<const detail::SystemFile*> files;
+    // Adding must not fail between the two.
+    states.reserve(states_.size());
+    files.reserve(states_.size());
     ForEach([&](State& state) {
       if (!state.options.syncs) return;
       states.push_back(&state);
@@ -85,7 +88,7 @@ class Commitment {
 }  // namespace
 
 struct AtomicFile::State {
-  enum class Stage { open, finished, closed };
+  enum class Stage { open, finished, closed, failed };
 
   State(std::string fileName, const AtomicFileOptions& saveOptions)
       : name(std::move(fileName)), options(saveOptions) {
@@ -120,9 +123,14 @@ struct AtomicFile::State {
   void OpenStraight();
   void OpenTemporary();
   detail::SystemFile OpenOld();
+  void KeepRightsOfNewcomer();
   void Flush();
   void RequireStage(Stage last) const;
+  template <typename Step>
+  void TryOnce(Step step);
   void Finish();
+  void Close();
+  void Append(std::span<const uint8_t> source);
   void GiveName();
 };
 
@@ -169,6 +177,17 @@ detail::SystemFile AtomicFile::State::OpenOld() {
   return old;
 }
 
+/// Another program has created the file meanwhile, perhaps for its owner alone.
+void AtomicFile::State::KeepRightsOfNewcomer() {
+  const detail::SystemFile old = OpenOld();
+  struct stat status {};
+  if (detail::Calls().status(old.Handle(), &status) != 0) Fail(errno);
+  if (!S_ISREG(status.st_mode)) Fail(S_ISDIR(status.st_mode) ? EISDIR : EEXIST);
+  // If the file system has no modes, this fails; KeepRights checks the result.
+  detail::Calls().changeMode(temporary->File().Handle(), kPrivateMode);
+  warnings = detail::KeepRights(old, temporary->File(), name);
+}
+
 void AtomicFile::State::Flush() {
   if (buffer.empty()) return;
   const int64_t place = IsSeekable() ? static_cast<int64_t>(bufferStart) : -1;
@@ -178,14 +197,27 @@ void AtomicFile::State::Flush() {
 }
 
 void AtomicFile::State::RequireStage(Stage last) const {
+  if (stage == Stage::failed) throw FileError("cannot be written: writing failed before", name);
   if (stage > last) throw FileError("is written and closed already", name);
+}
+
+/// Does a step of writing. If it throws, the file cannot be committed: a second try could
+/// succeed although bytes are lost.
+template <typename Step>
+void AtomicFile::State::TryOnce(Step step) {
+  const Stage before = std::exchange(stage, Stage::failed);
+  step();
+  stage = before;
 }
 
 void AtomicFile::State::Finish() {
   RequireStage(Stage::finished);
   if (stage == Stage::finished) return;
-  // A second try could succeed although bytes are lost.
-  stage = Stage::closed;
+  TryOnce([this] { Close(); });
+  stage = Stage::finished;
+}
+
+void AtomicFile::State::Close() {
   Flush();
   buffer.shrink_to_fit();
   // File systems of networks report some errors only when a handle is closed. The other one keeps
@@ -193,7 +225,6 @@ void AtomicFile::State::Finish() {
   detail::SystemFile copy(detail::Calls().duplicate(File().Handle()));
   if (!copy.IsOpen()) Fail(errno);
   if (const int error = copy.Close(); error != 0) Fail(error);
-  stage = Stage::finished;
 }
 
 void AtomicFile::State::GiveName() {
@@ -201,8 +232,27 @@ void AtomicFile::State::GiveName() {
   if (target.kind == detail::SaveTarget::Kind::none) {
     if (temporary->CreateName(target.name)) return;
     if (options.ifExists == IfExists::fail) FailBecauseItExists();
+    KeepRightsOfNewcomer();
   }
   temporary->ReplaceName(target.name);
+}
+
+void AtomicFile::State::Append(std::span<const uint8_t> source) {
+  if (position != bufferStart + buffer.size()) {
+    if (!IsSeekable()) throw FileError("cannot be written out of order", name);
+    Flush();
+    bufferStart = position;
+  }
+  if (buffer.size() + source.size() > kBufferSize) Flush();
+  if (source.size() > kBufferSize) {
+    const int64_t place = IsSeekable() ? static_cast<int64_t>(position) : -1;
+    detail::WriteAll(File(), source, place, name);
+    bufferStart += source.size();
+  } else {
+    buffer.insert(buffer.end(), source.begin(), source.end());
+  }
+  position += source.size();
+  size = std::max(size, position);
 }
 
 AtomicFile::AtomicFile(const std::string& fileName, const AtomicFileOptions& options)
@@ -213,7 +263,7 @@ AtomicFile::~AtomicFile() = default;
 size_t AtomicFile::Read(std::span<uint8_t> target) {
   state_->RequireStage(State::Stage::open);
   if (!state_->IsSeekable()) throw FileError("cannot be read back", state_->name);
-  state_->Flush();
+  state_->TryOnce([this] { state_->Flush(); });
   iovec piece{target.data(), target.size()};
   const size_t count = detail::ReadPieces(state_->File(), {&piece, 1},
                                           static_cast<int64_t>(state_->position), state_->name);
@@ -222,23 +272,8 @@ size_t AtomicFile::Read(std::span<uint8_t> target) {
 }
 
 void AtomicFile::Write(std::span<const uint8_t> source) {
-  State& state = *state_;
-  state.RequireStage(State::Stage::open);
-  if (state.position != state.bufferStart + state.buffer.size()) {
-    if (!state.IsSeekable()) throw FileError("cannot be written out of order", state.name);
-    state.Flush();
-    state.bufferStart = state.position;
-  }
-  if (state.buffer.size() + source.size() > kBufferSize) state.Flush();
-  if (source.size() > kBufferSize) {
-    const int64_t place = state.IsSeekable() ? static_cast<int64_t>(state.position) : -1;
-    detail::WriteAll(state.File(), source, place, state.name);
-    state.bufferStart += source.size();
-  } else {
-    state.buffer.insert(state.buffer.end(), source.begin(), source.end());
-  }
-  state.position += source.size();
-  state.size = std::max(state.size, state.position);
+  state_->RequireStage(State::Stage::open);
+  state_->TryOnce([&] { state_->Append(source); });
 }
 
 uint64_t AtomicFile::Position() const {

@@ -53,8 +53,10 @@ class RASTERKIT_EXPORT AtomicFile : public TStream {
   explicit AtomicFile(const std::string& fileName, const AtomicFileOptions& options = {});
   ~AtomicFile() override;
 
-  /// Throws FileError if the target is a pipe or a device.
+  /// Throws FileError if the target is a pipe or a device. `Read` also writes what is buffered; see
+  /// `Write`.
   size_t Read(std::span<uint8_t> target) override;
+  /// If it throws, bytes are lost: the file can be neither written nor committed afterwards.
   void Write(std::span<const uint8_t> source) override;
   uint64_t Position() const override;
   void SetPosition(uint64_t position) override;
@@ -64,8 +66,9 @@ class RASTERKIT_EXPORT AtomicFile : public TStream {
 
   /// The name given to the constructor.
   const std::string& FileName() const;
-  /// What the new file does not have from the old one, without the file name. Complete after the
-  /// constructor.
+  /// What the new file does not have from the old one, without the file name. Known after the
+  /// constructor, except if another program creates the file while this one is written: then after
+  /// `Commit`.
   const std::vector<std::string>& Warnings() const;
 
   /// Ends the writing: hands all bytes to the system and checks that it took them. `Commit` does it

@@ -65,6 +65,7 @@ FileCalls calls = {
     .syncData = fdatasync,
     .syncAll = fsync,
     .syncFileSystem = syncfs,
+    .statusOfFileSystem = fstatfs,
     .awaitWrites = AwaitWrites,
 };
 

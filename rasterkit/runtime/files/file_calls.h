@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/uio.h>
+#include <sys/vfs.h>
 
 /// The system calls by which files are saved. Tests put functions that fail in place of them.
 namespace rasterkit::detail {
@@ -38,6 +39,7 @@ struct FileCalls {
   int (*syncData)(int handle);
   int (*syncAll)(int handle);
   int (*syncFileSystem)(int handle);
+  int (*statusOfFileSystem)(int handle, struct statfs* status);
   /// Waits for writes of the file that have begun.
   int (*awaitWrites)(int handle);
 };

@@ -1,8 +1,12 @@
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 
 #include <fcntl.h>
+#include <linux/magic.h>
 
 #include <rasterkit/runtime/files/file_calls.h>
 #include <rasterkit/runtime/files/file_sync.h>
@@ -10,8 +14,14 @@
 namespace rasterkit::detail {
 namespace {
 
-/// From so many files on, one call for the whole file system is cheaper than one for each.
-constexpr size_t kMany = 8;
+/// The number of files above which one call for the whole file system is cheaper than one for each.
+constexpr size_t kMostSyncedAlone = 7;
+
+/// Types of file systems (ext2 to ext4 share one) whose sync waits until everything is on the disk.
+/// The sync of others, as of networks and of programs (FUSE), may do nothing. That of overlayfs
+/// depends on the file systems below.
+constexpr std::array kWholeSystems = std::to_array<uint32_t>(
+    {EXT4_SUPER_MAGIC, XFS_SUPER_MAGIC, BTRFS_SUPER_MAGIC, F2FS_SUPER_MAGIC, TMPFS_MAGIC});
 
 /// Some file systems have no sync and say that the file does not fit the call.
 int ErrorOf(int result) {
@@ -30,7 +40,17 @@ int ErrorAfterSync(const SystemFile& file) {
   return isUnknown ? SyncOne(file) : errno;
 }
 
+bool CanSyncFileSystem(const SystemFile& file) {
+  struct statfs status {};
+  if (Uninterrupted([&] { return Calls().statusOfFileSystem(file.Handle(), &status); }) != 0) {
+    return false;
+  }
+  return std::ranges::find(kWholeSystems, static_cast<uint32_t>(status.f_type)) !=
+         kWholeSystems.end();
+}
+
 bool SyncFileSystem(const SystemFile& file) {
+  if (!CanSyncFileSystem(file)) return false;
   return Uninterrupted([&] { return Calls().syncFileSystem(file.Handle()); }) == 0;
 }
 
@@ -47,7 +67,7 @@ std::vector<int> SyncData(std::span<const SystemFile* const> files) {
   std::vector<int> errors(files.size());
   for (const auto& [device, members] : systems) {
     const bool isDone =
-        device != 0 && members.size() >= kMany && SyncFileSystem(*files[members.front()]);
+        device != 0 && members.size() > kMostSyncedAlone && SyncFileSystem(*files[members.front()]);
     for (const size_t i : members) {
       errors[i] = isDone ? ErrorAfterSync(*files[i]) : SyncOne(*files[i]);
     }

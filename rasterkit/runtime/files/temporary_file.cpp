@@ -33,6 +33,13 @@ void TemporaryFile::Fail(int error) const {
   ThrowSystemError("cannot be written", error, target_);
 }
 
+/// A thread that ends the process has removed the temporary files and may not have seen this one.
+void TemporaryFile::FailIfRemoved() {
+  if (!TemporaryName::AreRemoved()) return;
+  RemoveName();
+  Fail(EINTR);
+}
+
 /// A file without a name vanishes by itself even when the process is killed. Not every file system
 /// has such files.
 bool TemporaryFile::OpenNameless(mode_t mode) {
@@ -43,6 +50,9 @@ bool TemporaryFile::OpenNameless(mode_t mode) {
 void TemporaryFile::OpenNamed(mode_t mode) {
   RemoveStaleFiles(folder_);
   do {
+    name_.reset();
+    const NameChange change;
+    FailIfRemoved();
     name_ = std::make_unique<TemporaryName>(folder_.Handle());
     file_ = OpenAt(folder_.Handle(), name_->Text(), O_RDWR | O_CREAT | O_EXCL, mode);
   } while (!file_.IsOpen() && errno == EEXIST);
@@ -51,6 +61,7 @@ void TemporaryFile::OpenNamed(mode_t mode) {
     name_.reset();
     Fail(error);
   }
+  FailIfRemoved();
   Lock(file_);
 }
 
@@ -61,11 +72,14 @@ void TemporaryFile::NameTheNameless() {
   const std::string source = PathOfHandle(file_);
   int result = 0;
   do {
+    name_.reset();
+    const NameChange change;
+    FailIfRemoved();
     name_ = std::make_unique<TemporaryName>(folder_.Handle());
     result = Calls().linkAt(AT_FDCWD, source.c_str(), folder_.Handle(), name_->Text().c_str(),
                             AT_SYMLINK_FOLLOW);
   } while (result != 0 && errno == EEXIST);
-  if (result == 0) return;
+  if (result == 0) return FailIfRemoved();
   const int error = errno;
   name_.reset();
   Fail(error);
@@ -124,6 +138,8 @@ bool TemporaryFile::LinkNamed(const std::string& name) {
 /// For file systems without links as well: the name is taken with an empty file, which then is
 /// replaced.
 bool TemporaryFile::ClaimName(const std::string& name) {
+  const NameChange change;
+  FailIfRemoved();
   const SystemFile claim = OpenAt(folder_.Handle(), name, O_WRONLY | O_CREAT | O_EXCL, 0600);
   if (!claim.IsOpen()) {
     if (errno == EEXIST) return false;

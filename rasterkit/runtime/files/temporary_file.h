@@ -30,6 +30,7 @@ class TemporaryFile {
 
  private:
   [[noreturn]] void Fail(int error) const;
+  void FailIfRemoved();
   bool OpenNameless(mode_t mode);
   void OpenNamed(mode_t mode);
   void NameTheNameless();

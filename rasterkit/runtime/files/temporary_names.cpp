@@ -2,6 +2,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <ctime>
 #include <string_view>
 
 #include <unistd.h>
@@ -13,13 +14,17 @@ namespace {
 
 constexpr std::string_view kPrefix = ".rk", kSuffix = ".tmp";
 constexpr size_t kMostDigits = 20;
-constexpr size_t kSlots = 256;
+constexpr size_t kSlots = 512;
 
 /// Folder handle + 1 and number of each name in use; 0 is free. A signal handler reads it, so it
 /// has no lock.
 std::array<std::atomic<uint64_t>, kSlots> slots;
 static_assert(std::atomic<uint64_t>::is_always_lock_free,
               "signal handlers must not wait for a lock");
+
+std::atomic<bool> areRemoved = false;
+/// The number of NameChange objects.
+std::atomic<int> changes = 0;
 
 /// Text without memory from the heap, which a signal handler must not take.
 class NameText {
@@ -52,6 +57,15 @@ class NameText {
   size_t size_ = 0;
 };
 
+/// A file system that does not answer must not keep the program from ending.
+void AwaitChanges() {
+  constexpr int kMostWaits = 100;
+  for (int i = 0; i < kMostWaits && changes > 0; ++i) {
+    constexpr timespec kMillisecond = {0, 1'000'000};
+    nanosleep(&kMillisecond, nullptr);
+  }
+}
+
 size_t DigitsIn(std::string_view text) {
   const size_t end = text.find_first_not_of("0123456789");
   return end == std::string_view::npos ? text.size() : end;
@@ -61,6 +75,8 @@ size_t DigitsIn(std::string_view text) {
 
 void RemoveTemporaryFiles() noexcept {
   const int error = errno;
+  areRemoved = true;
+  AwaitChanges();
   for (const auto& slot : slots) {
     const uint64_t value = slot;
     if (value == 0) continue;
@@ -87,6 +103,10 @@ TemporaryName::~TemporaryName() {
   if (slot_) slots[*slot_] = 0;
 }
 
+bool TemporaryName::AreRemoved() {
+  return areRemoved;
+}
+
 bool TemporaryName::Matches(const std::string& name) {
   std::string_view rest = name;
   if (!rest.starts_with(kPrefix) || !rest.ends_with(kSuffix)) return false;
@@ -95,6 +115,20 @@ bool TemporaryName::Matches(const std::string& name) {
   if (process == 0 || process == rest.size() || rest[process] != '-') return false;
   rest.remove_prefix(process + 1);
   return !rest.empty() && DigitsIn(rest) == rest.size();
+}
+
+NameChange::NameChange() {
+  sigset_t all;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &signals_);
+  ++changes;
+}
+
+NameChange::~NameChange() {
+  const int error = errno;
+  --changes;
+  pthread_sigmask(SIG_SETMASK, &signals_, nullptr);
+  errno = error;
 }
 
 }  // namespace detail

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -10,8 +11,9 @@ namespace rasterkit {
 
 /// Removes the temporary files that saves of this process have at the moment. For the signal
 /// handler of a program that ends at once: it uses only functions that are safe there, and leaves
-/// `errno` unchanged. Saves that go on afterwards fail. Most saves have no temporary file with a
-/// name.
+/// `errno` unchanged. If another thread is about to make such a file, it waits for that, at most
+/// 0.1 seconds. Afterwards a save that needs such a file fails. Most saves have no temporary file
+/// with a name.
 RASTERKIT_EXPORT void RemoveTemporaryFiles() noexcept;
 
 }  // namespace rasterkit
@@ -30,6 +32,9 @@ class TemporaryName {
 
   const std::string& Text() const { return text_; }
 
+  /// Returns whether RemoveTemporaryFiles was called.
+  static bool AreRemoved();
+
   /// Returns whether a file of this name can be the temporary file of a save.
   static bool Matches(const std::string& name);
 
@@ -37,6 +42,19 @@ class TemporaryName {
   std::string text_;
   /// Place in the table; nothing if the table is full.
   std::optional<size_t> slot_;
+};
+
+/// The time in which a file is made that RemoveTemporaryFiles must find or not see at all. It waits
+/// for the end of this time if another thread calls it, and signals come to this thread afterwards.
+class NameChange {
+ public:
+  NameChange();
+  ~NameChange();
+  NameChange(const NameChange&) = delete;
+  NameChange& operator=(const NameChange&) = delete;
+
+ private:
+  sigset_t signals_;
 };
 
 }  // namespace rasterkit::detail

@@ -1,7 +1,9 @@
 // Saves that must not replace a file.
 
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -193,6 +195,48 @@ TEST_F(CreateOnly, ReplacingSave_ReplacesWhatAppearsMeanwhile) {
   file.Commit();
   EXPECT_EQ(ReadFile(name_), "mine");
   EXPECT_THAT(folder_.Names(), ElementsAre("a.png"));
+}
+
+mode_t ModeOf(const std::string& name) {
+  struct stat status {};
+  EXPECT_EQ(lstat(name.c_str(), &status), 0);
+  return status.st_mode;
+}
+
+TEST_F(CreateOnly, ReplacingSave_KeepsRightsOfWhatAppearsMeanwhile) {
+  for (const bool isNameless : {true, false}) {
+    SCOPED_TRACE(isNameless);
+    hasNamelessFiles = isNameless;
+    std::filesystem::remove(name_);
+    AtomicFile file(name_);
+    WriteText(file, "mine");
+    folder_.Write("a.png", "theirs");
+    ASSERT_EQ(chmod(name_.c_str(), 0600), 0);
+    std::filesystem::create_hard_link(name_, folder_ / "b.png");
+    file.Commit();
+    EXPECT_EQ(ReadFile(name_), "mine");
+    EXPECT_EQ(ModeOf(name_), mode_t{S_IFREG | 0600});
+    EXPECT_THAT(file.Warnings(), ElementsAre(testing::HasSubstr("2 names")));
+    std::filesystem::remove(folder_ / "b.png");
+  }
+}
+
+TEST_F(CreateOnly, ReplacingSave_LeavesWhatIsNoRegularFile) {
+  const std::vector<std::function<void()>> newcomers = {
+      [&] { ASSERT_EQ(mkfifo(name_.c_str(), 0600), 0); },
+      [&] { std::filesystem::create_directory(name_); },
+      [&] { std::filesystem::create_symlink("other.png", name_); }};
+  folder_.Write("other.png", "other");
+  for (const auto& appear : newcomers) {
+    std::filesystem::remove(name_);
+    AtomicFile file(name_);
+    WriteText(file, "mine");
+    appear();
+    const mode_t before = ModeOf(name_);
+    EXPECT_THROW(file.Commit(), FileError);
+    EXPECT_EQ(ModeOf(name_), before);
+  }
+  EXPECT_EQ(ReadFile(folder_ / "other.png"), "other");
 }
 
 TEST_F(CreateOnly, FourWriters_HaveOneWinner) {

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
 
 #include <rasterkit/runtime/errors.h>
@@ -27,6 +28,8 @@ using detail::Calls;
 std::string steps;
 int dataError = 0, folderError = 0, systemError = 0, awaitError = 0;
 bool canReadFolders = true;
+/// The type of the file system; 0: unknown.
+int64_t systemType = EXT4_SUPER_MAGIC;
 
 int Step(char letter, int error) {
   steps += letter;
@@ -40,11 +43,17 @@ class FileSyncTest : public testing::Test {
     steps.clear();
     dataError = folderError = systemError = awaitError = 0;
     canReadFolders = true;
+    systemType = EXT4_SUPER_MAGIC;
     base_ = guard_.Before();
     Calls().syncData = [](int) { return Step('d', dataError); };
     Calls().syncAll = [](int) { return Step('f', folderError); };
     Calls().syncFileSystem = [](int) { return Step('s', systemError); };
     Calls().awaitWrites = [](int) { return Step('w', awaitError); };
+    Calls().statusOfFileSystem = [](int, struct statfs* status) {
+      status->f_type = systemType;
+      errno = EIO;
+      return systemType == 0 ? -1 : 0;
+    };
     Calls().renameAt = [](int folder, const char* oldName, const char* name, unsigned flags) {
       steps += 'n';
       return base_.renameAt(folder, oldName, name, flags);
@@ -128,6 +137,28 @@ TEST_F(FileSyncTest, FolderThatCannotBeRead_IsSkipped) {
 TEST_F(FileSyncTest, ManyFiles_ShareOneWait) {
   for (const auto& error : SaveMany(9)) EXPECT_FALSE(error);
   EXPECT_EQ(steps, "s" + std::string(9, 'w') + std::string(9, 'n') + "f");
+}
+
+TEST_F(FileSyncTest, FileSystemsThatSyncAsAWhole_AreSyncedOnce) {
+  for (const int64_t type :
+       {int64_t{EXT4_SUPER_MAGIC}, int64_t{XFS_SUPER_MAGIC}, int64_t{BTRFS_SUPER_MAGIC},
+        int64_t{F2FS_SUPER_MAGIC}, int64_t{TMPFS_MAGIC}}) {
+    systemType = type;
+    steps.clear();
+    for (const auto& error : SaveMany(8)) EXPECT_FALSE(error);
+    EXPECT_EQ(steps[0], 's') << type;
+  }
+}
+
+TEST_F(FileSyncTest, OtherFileSystems_AreSyncedFileByFile) {
+  constexpr int64_t kNetwork = 0xFF534D42, kUnknown = 0;
+  for (const int64_t type : {int64_t{FUSE_SUPER_MAGIC}, int64_t{NFS_SUPER_MAGIC}, kNetwork,
+                             int64_t{OVERLAYFS_SUPER_MAGIC}, kUnknown}) {
+    systemType = type;
+    steps.clear();
+    for (const auto& error : SaveMany(9)) EXPECT_FALSE(error);
+    EXPECT_EQ(steps, std::string(9, 'd') + std::string(9, 'n') + "f") << type;
+  }
 }
 
 TEST_F(FileSyncTest, FewFiles_WaitForThemselvesAlone) {

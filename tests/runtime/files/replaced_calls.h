@@ -50,7 +50,8 @@ class CountedCalls {
             &detail::FileCalls::listAttributes, &detail::FileCalls::getAttribute,
             &detail::FileCalls::setAttribute, &detail::FileCalls::removeAttribute,
             &detail::FileCalls::syncData, &detail::FileCalls::syncAll,
-            &detail::FileCalls::syncFileSystem, &detail::FileCalls::awaitWrites>();
+            &detail::FileCalls::syncFileSystem, &detail::FileCalls::statusOfFileSystem,
+            &detail::FileCalls::awaitWrites>();
   }
 
   /// The call with this number, counted from 1, fails with `error`.

@@ -12,12 +12,14 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
+#include <rasterkit/runtime/files/system_file.h>
 
 #include "tests/runtime/files/access_lists.h"
 #include "tests/runtime/files/replaced_calls.h"
@@ -84,6 +86,10 @@ void HaveNoLinks() {
 void HaveFastDisk() {
   const auto sync = [](int) { return 0; };
   Calls().syncData = Calls().syncAll = Calls().syncFileSystem = Calls().awaitWrites = sync;
+  Calls().statusOfFileSystem = [](int, struct statfs* status) {
+    status->f_type = EXT4_SUPER_MAGIC;
+    return 0;
+  };
 }
 
 std::vector<Scenario> Scenarios() {
@@ -176,10 +182,7 @@ class Stage {
     for (size_t i = 0; i < names_.size(); ++i) {
       try {
         auto file = std::make_unique<AtomicFile>(names_[i], scenario_.options);
-        const std::string& text = NewContent();
-        file->Write({reinterpret_cast<const uint8_t*>(text.data()), text.size() / 3});
-        file->Write({reinterpret_cast<const uint8_t*>(text.data()), text.size() / 3});
-        file->Write({reinterpret_cast<const uint8_t*>(text.data()), text.size() / 3});
+        WriteOrFail(*file);
         files.push_back(std::move(file));
         numbers.push_back(i);
       } catch (...) {
@@ -212,6 +215,18 @@ class Stage {
   }
 
  private:
+  static void WriteOrFail(AtomicFile& file) {
+    const std::string& text = NewContent();
+    try {
+      for (int part = 0; part < 3; ++part) {
+        file.Write({reinterpret_cast<const uint8_t*>(text.data()), text.size() / 3});
+      }
+    } catch (const FileError&) {
+      EXPECT_THROW(file.Commit(), FileError) << "bytes are lost";
+      throw;
+    }
+  }
+
   static void CheckNamed(const std::exception_ptr& error, const std::string& name) {
     try {
       std::rethrow_exception(error);
@@ -269,6 +284,72 @@ TEST(SaveFaults, EachFailingCall_LeavesOldOrNewFileAndNothingElse) {
   }
   std::cout << faults << " faults, " << errors << " reported as errors\n";
   EXPECT_GT(faults, 2400);
+}
+
+int writesToFail = 0;
+
+/// From now on, so many writes fail; later ones succeed.
+void LetWritesFail(int count) {
+  static detail::FileCalls base;
+  base = Calls();
+  writesToFail = count;
+  Calls().write = [](int handle, const void* bytes, size_t size) -> ssize_t {
+    if (writesToFail-- <= 0) return base.write(handle, bytes, size);
+    errno = EIO;
+    return -1;
+  };
+  Calls().writeAt = [](int handle, const void* bytes, size_t size, off_t at) -> ssize_t {
+    if (writesToFail-- <= 0) return base.writeAt(handle, bytes, size, at);
+    errno = EIO;
+    return -1;
+  };
+}
+
+TEST(SaveFaults, WriteThatFails_EndsTheFile) {
+  const CallsGuard guard;
+  const TempFolder folder;
+  // The buffer is written first, or the bytes go past it.
+  for (const size_t size : {NewContent().size() / 2, NewContent().size()}) {
+    SCOPED_TRACE(size);
+    folder.Write("a.png", "old");
+    AtomicFile file(folder / "a.png");
+    const std::vector<uint8_t> bytes(size, 'n');
+    if (size < NewContent().size()) file.Write(bytes);
+    LetWritesFail(1);
+    EXPECT_THROW(file.Write(bytes), FileError);
+    EXPECT_THROW(file.Write(bytes), FileError);
+    EXPECT_THROW(file.Finish(), FileError);
+    EXPECT_THROW(file.Commit(), FileError);
+    EXPECT_EQ(ReadFile(folder / "a.png"), "old");
+  }
+}
+
+TEST(SaveFaults, ReadThatCannotWriteTheBuffer_EndsTheFile) {
+  const CallsGuard guard;
+  const TempFolder folder;
+  AtomicFile file(folder / "a.png");
+  std::vector<uint8_t> bytes(10, 'n');
+  file.Write(bytes);
+  LetWritesFail(1);
+  EXPECT_THROW(file.Read(bytes), FileError);
+  EXPECT_THROW(file.Commit(), FileError);
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(SaveFaults, PipeWhoseWriteFails_GetsNothingAgain) {
+  const CallsGuard guard;
+  const TempFolder folder;
+  const std::string name = folder / "pipe";
+  ASSERT_EQ(mkfifo(name.c_str(), 0600), 0);
+  const detail::SystemFile reader(open(name.c_str(), O_RDONLY | O_NONBLOCK));
+  AtomicFile file(name);
+  const std::vector<uint8_t> bytes(10, 'n');
+  file.Write(bytes);
+  LetWritesFail(1);
+  EXPECT_THROW(file.Write(std::vector<uint8_t>(NewContent().size())), FileError);
+  EXPECT_THROW(file.Commit(), FileError);
+  char letter = 0;
+  EXPECT_NE(read(reader.Handle(), &letter, 1), 1) << "nothing is in the pipe";
 }
 
 }  // namespace

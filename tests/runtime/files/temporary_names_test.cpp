@@ -2,7 +2,9 @@
 
 #include <csignal>
 #include <filesystem>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -11,6 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/temporary_names.h>
 
 #include "tests/runtime/files/replaced_calls.h"
@@ -125,10 +128,116 @@ TEST_F(TemporaryNamesTest, RemoveTemporaryFiles_LeavesNone) {
 }
 
 TEST_F(TemporaryNamesTest, RemoveTemporaryFiles_KnowsOnlyThoseInUse) {
-  { const AtomicFile abandoned(folder_ / "a.png"); }
-  SaveText(folder_ / "b.png", "new");
-  RemoveTemporaryFiles();
+  const int code = RunInChild([&] {
+    { const AtomicFile abandoned(folder_ / "a.png"); }
+    SaveText(folder_ / "b.png", "new");
+    RemoveTemporaryFiles();
+    return 0;
+  });
+  EXPECT_EQ(code, 0);
   EXPECT_THAT(folder_.Names(), ElementsAre("b.png"));
+}
+
+TEST_F(TemporaryNamesTest, RemoveTemporaryFiles_KnowsManyFiles) {
+  const int code = RunInChild([&] {
+    std::vector<std::unique_ptr<AtomicFile>> files;
+    for (int i = 0; i < 300; ++i) {
+      files.push_back(std::make_unique<AtomicFile>(folder_ / std::to_string(i)));
+    }
+    if (folder_.Names().size() != 300) return 1;
+    RemoveTemporaryFiles();
+    return folder_.Names().empty() ? 0 : 2;
+  });
+  EXPECT_EQ(code, 0);
+}
+
+/// Saves in a child process; returns 0 if the save fails and leaves nothing.
+int FailInChild(const TempFolder& folder) {
+  return RunInChild([&] {
+    try {
+      SaveText(folder / "a.png", "new");
+    } catch (const FileError&) {
+      return folder.Names().empty() ? 0 : 1;
+    }
+    return 2;
+  });
+}
+
+TEST_F(TemporaryNamesTest, FileMadeAfterTheRemoval_IsRemoved) {
+  static decltype(detail::FileCalls::openAt) open;
+  open = Calls().openAt;
+  Calls().openAt = [](int folder, const char* name, int flags, mode_t mode) {
+    if ((flags & O_CREAT) != 0) RemoveTemporaryFiles();
+    return open(folder, name, flags, mode);
+  };
+  EXPECT_EQ(FailInChild(folder_), 0);
+}
+
+TEST_F(TemporaryNamesTest, LinkMadeAfterTheRemoval_IsRemoved) {
+  Calls().openAt = base_.openAt;
+  Calls().linkAt = [](int oldFolder, const char* oldName, int folder, const char* name, int flags) {
+    if (TemporaryName::Matches(name)) RemoveTemporaryFiles();
+    return base_.linkAt(oldFolder, oldName, folder, name, flags);
+  };
+  folder_.Write("a.png", "old");
+  const int code = RunInChild([&] {
+    try {
+      SaveText(folder_ / "a.png", "new");
+    } catch (const FileError&) {
+      return 0;
+    }
+    return 1;
+  });
+  EXPECT_EQ(code, 0);
+  EXPECT_THAT(folder_.Names(), ElementsAre("a.png"));
+  EXPECT_EQ(ReadFile(folder_ / "a.png"), "old");
+}
+
+TEST_F(TemporaryNamesTest, SaveAfterTheRemoval_MakesNoFile) {
+  static int made;
+  made = 0;
+  const int code = RunInChild([&] {
+    RemoveTemporaryFiles();
+    static decltype(detail::FileCalls::openAt) open;
+    open = Calls().openAt;
+    Calls().openAt = [](int folder, const char* name, int flags, mode_t mode) {
+      if ((flags & O_CREAT) != 0) ++made;
+      return open(folder, name, flags, mode);
+    };
+    try {
+      SaveText(folder_ / "a.png", "new");
+    } catch (const FileError&) {
+      return made;
+    }
+    return 100;
+  });
+  EXPECT_EQ(code, 0);
+}
+
+TEST_F(TemporaryNamesTest, SignalAfterTheNameIsClaimed_LeavesNoEmptyFile) {
+  Calls().linkAt = [](int, const char*, int, const char*, int) {
+    errno = EPERM;
+    return -1;
+  };
+  Calls().renameAt = [](int folder, const char* oldName, const char* name, unsigned flags) {
+    if (flags != 0) {
+      errno = EINVAL;
+      return -1;
+    }
+    std::raise(SIGINT);
+    return base_.renameAt(folder, oldName, name, flags);
+  };
+  const int code = RunInChild([&] {
+    std::signal(SIGINT, [](int) {
+      RemoveTemporaryFiles();
+      _exit(3);
+    });
+    SaveText(folder_ / "a.png", "new", {IfExists::fail, true});
+    return 2;
+  });
+  EXPECT_EQ(code, 3);
+  EXPECT_THAT(folder_.Names(), ElementsAre("a.png"));
+  EXPECT_EQ(ReadFile(folder_ / "a.png"), "new");
 }
 
 }  // namespace
