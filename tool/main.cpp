@@ -70,13 +70,13 @@ HelpPage ToolHelp() {
 }
 
 /// `--version -v` in any order.
-bool WantsLongVersion(int argc, char** argv) {
+bool IsLongVersion(int argc, char** argv) {
   const std::set<std::string_view> words(argv + 1, argv + argc);
   return argc == 3 && words == std::set<std::string_view>{"--version", "-v"};
 }
 
 int Main(int argc, char** argv) {
-  if (WantsLongVersion(argc, argv)) {
+  if (IsLongVersion(argc, argv)) {
     std::printf("rasterkit " RASTERKIT_VERSION "\n%s", WorkerReport().c_str());
     return WithFlushedOutput(exitDone);
   }

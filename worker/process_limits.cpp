@@ -43,7 +43,8 @@ void Limit(int resource, uint64_t most) {
 /// The picture of a page is drawn beside the content of its file.
 uint64_t MostMemory(const detail::WorkerSetup& setup) {
   const bool isPdf = setup.reader == detail::WorkerReader::pdf;
-  return detail::WorkerMemoryBytes(setup.limits, isPdf ? setup.limits.pictureBytes : 0);
+  const uint64_t page = std::min(setup.limits.pictureBytes, setup.limits.processBytes);
+  return detail::WorkerMemoryBytes(setup.limits, isPdf ? page : 0);
 }
 
 }  // namespace

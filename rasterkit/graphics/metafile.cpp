@@ -4,6 +4,7 @@
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/metafile.h>
+#include <rasterkit/graphics/metafile_size.h>
 #include <rasterkit/metafiles/play_metafile.h>
 #include <rasterkit/metafiles/records/metafile_units.h>
 #include <rasterkit/metafiles/wmf/wmf_to_emf.h>
@@ -23,13 +24,18 @@ void TMetafile::RequireRecords() const {
   if (!bytes_) throw UnsupportedError("a metafile without records cannot be drawn");
 }
 
-bool TMetafile::IsSizePlausible() const {
+bool detail::IsDrawingPlausible(uint64_t width, uint64_t height, uint64_t fileBytes) {
   // Records paint areas of any size, so there is no largest ratio; drawings that fill such a sheet
   // have far more records.
   constexpr uint64_t kPixelBytes = 4, kPixelsPerByte = 1024;
-  const uint64_t pixels = static_cast<uint64_t>(Width()) * static_cast<uint64_t>(Height());
+  const uint64_t pixels = width * height;
   return !CurrentLimits().refuseImplausible || pixels <= detail::kAlwaysPlausible / kPixelBytes ||
-         pixels / kPixelsPerByte <= Bytes().size();
+         pixels / kPixelsPerByte <= fileBytes;
+}
+
+bool TMetafile::IsSizePlausible() const {
+  return detail::IsDrawingPlausible(static_cast<uint64_t>(Width()), static_cast<uint64_t>(Height()),
+                                    Bytes().size());
 }
 
 void TMetafile::RequirePlausibleSize() const {

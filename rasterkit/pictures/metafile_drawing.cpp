@@ -3,6 +3,7 @@
 
 #include <fmt/core.h>
 
+#include <rasterkit/graphics/metafile_size.h>
 #include <rasterkit/pictures/metafile_drawing.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/runtime/errors.h>
@@ -34,12 +35,25 @@ PictureSize OwnSize(const TMetafile& metafile, bool isForFacts) {
       width, height));
 }
 
+/// The size that follows from the resolution and from the size that the file states.
+PictureSize SizeAtDpi(const TMetafile& metafile, double dpi) {
+  const int width = Pixels(metafile.MMWidth(), dpi), height = Pixels(metafile.MMHeight(), dpi);
+  if (detail::IsDrawingPlausible(static_cast<uint64_t>(width), static_cast<uint64_t>(height),
+                                 metafile.Bytes().size())) {
+    return {width, height};
+  }
+  throw LimitError(fmt::format(
+      "metafile: at {:g} dpi the drawing has {} x {} pixels, far too many for a file of {} bytes; "
+      "`rasterkit convert` with --size draws it at any size",
+      dpi, width, height, metafile.Bytes().size()));
+}
+
 PictureSize SizeOf(const TMetafile& metafile, const MetafileDrawing& drawing) {
   if (drawing.size.width > 0 || drawing.size.height > 0) {
     return drawing.size.For(metafile.Width(), metafile.Height());
   }
   if (drawing.dpi <= 0) return OwnSize(metafile, drawing.isForFacts);
-  return {Pixels(metafile.MMWidth(), drawing.dpi), Pixels(metafile.MMHeight(), drawing.dpi)};
+  return SizeAtDpi(metafile, drawing.dpi);
 }
 
 Resolution ResolutionOf(const TMetafile& metafile, const MetafileDrawing& drawing,

@@ -31,9 +31,9 @@ struct DrawnMetafile {
 };
 
 /// Draws a loaded metafile. Throws UnsupportedError if it cannot be drawn, LimitError if the
-/// picture memory budget is exceeded, or if the file itself states more than 268 million pixels or
-/// a size that is not plausible: such a header is more likely damaged than meant. `keepGoing`, if
-/// set, is called between records; see TMetafile::Draw.
+/// picture memory budget is exceeded, if the file itself states more than 268 million pixels, or if
+/// its size, or that at `dpi`, is not plausible: such a header is more likely damaged than meant.
+/// `size` sets any size. `keepGoing`, if set, is called between records; see TMetafile::Draw.
 RASTERKIT_EXPORT DrawnMetafile DrawMetafile(const TMetafile& metafile,
                                             const MetafileDrawing& drawing,
                                             const std::function<bool()>& keepGoing = {});

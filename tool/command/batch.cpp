@@ -16,6 +16,7 @@
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_job.h>
 #include <rasterkit/runtime/text.h>
+#include <rasterkit/runtime/worker/worker_slots.h>
 
 #include "tool/command/commit_queue.h"
 #include "tool/command/exit_code.h"
@@ -350,6 +351,8 @@ int RunJobs(const OutputOptions& options, const std::vector<Job>& jobs,
     std::filesystem::create_directories(ToPath(options.outDir), error);
     if (error) throw Failure(exitOutputNotWritten, options.outDir + ": " + error.message());
   }
+  // Each job has its place: one that holds memory never waits for the worker of another.
+  detail::SetMostWorkers(static_cast<size_t>(options.jobs));
   return Batch(options, jobs, work).Run();
 }
 

@@ -6,6 +6,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/isolation_option.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -38,9 +39,12 @@ void Confirm(const std::string& input, Dialog dialog) {
 
 }  // namespace
 
+// A desktop's user looks into any folder, downloads among them.
 Desktop::Desktop() : dialogs_(LoadDialogs()) {
   std::string error;
-  if (dialogs_.start(error) != DesktopAnswer::confirmed) throw Failure(exitOutputNotWritten, error);
+  if (dialogs_.start(ReadingIsolation(Isolation::process), error) != DesktopAnswer::confirmed) {
+    throw Failure(exitOutputNotWritten, error);
+  }
 }
 
 Desktop::~Desktop() {

@@ -18,6 +18,7 @@ namespace rasterkit::tool {
 /// failed. An interruption ends the process while a window is open.
 class Desktop {
  public:
+  /// The windows read files in worker processes, unless --no-isolate says otherwise.
   /// Throws Failure(exitOutputNotWritten) if the dialogs are not installed or no window can be
   /// opened.
   Desktop();

@@ -75,6 +75,11 @@ void StopIfInterrupted() {
   RequireMemoryOfJob();
 }
 
+bool ContinueUnlessInterrupted() {
+  StopIfInterrupted();
+  return true;
+}
+
 InterruptibleWait::InterruptibleWait() {
   ++waits;
   if (!IsInterrupted()) return;

@@ -15,6 +15,9 @@ void CatchInterruption();
 /// picture and just before an output gets its name.
 void StopIfInterrupted();
 
+/// StopIfInterrupted for functions that ask whether to go on: returns true.
+bool ContinueUnlessInterrupted();
+
 bool IsInterrupted();
 
 /// Prints "interrupted" on stderr, once per process.

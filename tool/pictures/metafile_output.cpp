@@ -29,11 +29,6 @@ void RequireMetafile(PictureType type, const std::string& file) {
                 file + ": a picture of pixels cannot be written as a metafile");
 }
 
-bool ContinueUnlessInterrupted() {
-  StopIfInterrupted();
-  return true;
-}
-
 ConvertedMetafile Load(const std::string& file, bool toEnhanced) {
   try {
     const InterruptibleInput waiting(file);

@@ -24,11 +24,6 @@ void Guarded(const std::string& file, const std::function<void()>& reading) {
   }
 }
 
-bool ContinueUnlessInterrupted() {
-  StopIfInterrupted();
-  return true;
-}
-
 }  // namespace
 
 void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads,

@@ -5,6 +5,7 @@
 
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/worker/worker_slots.h>
 
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
@@ -120,6 +121,7 @@ Comparison LoadAndCompare(const CompareOptions& options) {
 }
 
 int Run(const CompareOptions& options) {
+  detail::SetMostWorkers(1);
   try {
     const Comparison result = LoadAndCompare(options);
     const bool isSame = options.exact ? result.isExact : result.LooksSame();

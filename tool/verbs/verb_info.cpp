@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <rasterkit/runtime/worker/worker_slots.h>
+
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
@@ -167,6 +169,7 @@ VerbRunner AddInfoVerb(CommandLine& line) {
   verb.Flag("--json", *json, "print one JSON object per file, each on its own line");
   AddIsolate(verb);
   return [files, json] {
+    detail::SetMostWorkers(1);
     ExitCode code = exitDone;
     for (const std::string& file : *files) {
       StopIfInterrupted();

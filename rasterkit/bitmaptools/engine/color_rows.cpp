@@ -8,6 +8,7 @@
 #include <rasterkit/kernels/rows/byte_map.h>
 #include <rasterkit/kernels/transfer/brighten.h>
 #include <rasterkit/kernels/transfer/pixel_masks.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -17,21 +18,31 @@ using Table = std::array<uint8_t, 256>;
 /// Rows are processed in parts that stay in the first-level cache.
 constexpr size_t kPart = 1024;
 
-/// Calls `change(pixels, width)` for parts of each row of a pf24bit bitmap.
+/// Which rows of a pf24bit bitmap are changed, and how.
+struct Rows {
+  TBitmap& bitmap;
+  int32_t first, last;
+  Spared spared;
+  const KeepsGoing& keepsGoing;
+};
+
+/// Calls `change(pixels, width)` for parts of each row.
 template <class Change>
-void ChangeRows(TBitmap& bitmap, int32_t first, int32_t last, Change change) {
-  const auto width = static_cast<size_t>(bitmap.Width());
-  for (int32_t y = first; y <= last; ++y) {
-    uint8_t* row = bitmap.ScanLine(y);
+void ChangeAll(const Rows& rows, Change change) {
+  const auto width = static_cast<size_t>(rows.bitmap.Width());
+  for (int32_t y = rows.first; y <= rows.last; ++y) {
+    if (rows.keepsGoing && !rows.keepsGoing()) return;
+    RequireTime();
+    uint8_t* row = rows.bitmap.ScanLine(y);
     for (size_t x = 0; x < width; x += kPart) change(row + 3 * x, std::min(kPart, width - x));
   }
 }
 
 template <class Change>
-void ChangeRows(TBitmap& bitmap, int32_t first, int32_t last, Spared spared, Change change) {
-  if (spared == Spared::none) return ChangeRows(bitmap, first, last, change);
+void ChangeRows(const Rows& rows, Change change) {
+  if (rows.spared == Spared::none) return ChangeAll(rows, change);
   std::array<uint8_t, 3 * kPart> changed, kept;
-  ChangeRows(bitmap, first, last, [&](uint8_t* pixels, size_t width) {
+  ChangeAll(rows, [&](uint8_t* pixels, size_t width) {
     if (!kernels::MayHoldBlackOrWhite24(pixels, width)) return change(pixels, width);
     std::copy_n(pixels, 3 * width, changed.data());
     change(changed.data(), width);
@@ -40,9 +51,8 @@ void ChangeRows(TBitmap& bitmap, int32_t first, int32_t last, Spared spared, Cha
   });
 }
 
-void MapRows(TBitmap& bitmap, int32_t first, int32_t last, Spared spared,
-             const kernels::ByteMap& map) {
-  ChangeRows(bitmap, first, last, spared,
+void MapRows(const Rows& rows, const kernels::ByteMap& map) {
+  ChangeRows(rows,
              [&map](uint8_t* pixels, size_t width) { kernels::MapBytes(map, pixels, 3 * width); });
 }
 
@@ -79,20 +89,23 @@ void BrightenColor(int32_t percent, uint8_t& red, uint8_t& green, uint8_t& blue)
   for (uint8_t* channel : {&red, &green, &blue}) *channel = Brightened(*channel, factor, gain);
 }
 
-void ContrastRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared) {
-  MapRows(bitmap, first, last, spared,
+void ContrastRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared,
+                  const KeepsGoing& keepsGoing) {
+  MapRows({bitmap, first, last, spared, keepsGoing},
           kernels::MakeByteMap(ContrastTable(percent), BrightnessFactor(percent), 128));
 }
 
-void BrightenRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared) {
+void BrightenRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared,
+                  const KeepsGoing& keepsGoing) {
   if (percent == 0 || percent < -100 || percent > 100) return;
+  const Rows rows{bitmap, first, last, spared, keepsGoing};
   const float factor = BrightnessFactor(percent);
   if (percent < 0) {
     const auto map = kernels::MakeByteMap(DarkenTable(percent), factor, 0);
-    return MapRows(bitmap, first, last, spared, map);
+    return MapRows(rows, map);
   }
   const auto brightening = kernels::MakeBrightening(percent, factor, BrightnessWeight(factor));
-  ChangeRows(bitmap, first, last, spared, [&brightening](uint8_t* pixels, size_t width) {
+  ChangeRows(rows, [&brightening](uint8_t* pixels, size_t width) {
     kernels::BrightenRow24(brightening, pixels, width, pixels);
   });
 }

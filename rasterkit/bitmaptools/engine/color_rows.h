@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 
 namespace rasterkit {
 
@@ -27,11 +28,16 @@ constexpr bool IsNotBlackOrWhite(uint8_t red, uint8_t green, uint8_t blue) {
 /// Colors of a row that do not change.
 enum class Spared { none, blackAndWhite };
 
+/// Asked before each row. False ends the operation; empty means always true.
+using KeepsGoing = std::function<bool()>;
+
 /// Changes rows `first` to `last` of a pf24bit bitmap. Throws RangeError if the last row does not
-/// exist, after changing the existing ones.
-void ContrastRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared);
+/// exist, and TimeLimitError if the time of the call is over, after changing the rows before.
+void ContrastRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared,
+                  const KeepsGoing& keepsGoing = {});
 /// Brightens or darkens rows likewise. No-op for 0 percent and outside -100 to 100.
-void BrightenRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared);
+void BrightenRows(TBitmap& bitmap, int32_t first, int32_t last, int32_t percent, Spared spared,
+                  const KeepsGoing& keepsGoing = {});
 
 }  // namespace detail
 }  // namespace rasterkit

@@ -54,8 +54,8 @@ void Kontrast(TBitmap* Bitmap, int32_t Value, int32_t ThreadsCount, TProgressEve
     return RunPixelTask(ptContrast, *Bitmap, Value, ThreadsCount, std::move(AProgress));
   }
   Bitmap->SetPixelFormat(pf24bit);
-  detail::ContrastRows(*Bitmap, 0, Bitmap->Height() - 1, Value, detail::Spared::blackAndWhite);
   Bitmap->SetModified(true);
+  detail::ContrastRows(*Bitmap, 0, Bitmap->Height() - 1, Value, detail::Spared::blackAndWhite);
 }
 
 void Helligkeit(TBitmap* Bitmap, int32_t Value, int32_t ThreadsCount, TProgressEvent AProgress) {
@@ -70,8 +70,8 @@ void Helligkeit(TBitmap* Bitmap, int32_t Value, int32_t ThreadsCount, TProgressE
     return RunPixelTask(ptBrighten, *Bitmap, Value, ThreadsCount, std::move(AProgress));
   }
   Bitmap->SetPixelFormat(pf24bit);
-  detail::BrightenRows(*Bitmap, 0, Bitmap->Height() - 1, Value, detail::Spared::blackAndWhite);
   Bitmap->SetModified(true);
+  detail::BrightenRows(*Bitmap, 0, Bitmap->Height() - 1, Value, detail::Spared::blackAndWhite);
 }
 
 }  // namespace rasterkit

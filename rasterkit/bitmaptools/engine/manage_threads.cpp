@@ -24,7 +24,11 @@ TManageThreads::TManageThreads(int32_t ThreadsCount, int32_t MaxProgress, TProgr
     MaxProg = MaxProgress;
     Timer = std::make_unique<TTimer>();
     Timer->SetInterval(kProgressInterval);
-    Timer->OnTimer = [this](TTimer&) { ReportProgress(); };
+    Timer->OnTimer = [this](TTimer&) {
+      // Waiting here could be for a worker whose callback waits for this thread.
+      const std::unique_lock free(reporting_, std::try_to_lock);
+      if (free) Report();
+    };
   }
   InitThreads(MaxProgress);
 }
@@ -102,6 +106,11 @@ void TManageThreads::ProgressTimer(const TTimer*) {
 }
 
 void TManageThreads::ReportProgress() noexcept {
+  const std::lock_guard one(reporting_);
+  Report();
+}
+
+void TManageThreads::Report() noexcept {
   if (IsEnded()) return;
   try {
     ProgressTimer();

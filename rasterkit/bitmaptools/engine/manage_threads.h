@@ -5,6 +5,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include <rasterkit/raster/palette.h>
@@ -63,12 +64,12 @@ class RASTERKIT_EXPORT TManageThreads {
   void DoProgress();
 
   /// Calls `Progress` with the share of the rows counted so far, perhaps a little late. Runs on
-  /// every tick of the timer, and at the end of a pixel worker on that worker's thread; callbacks
-  /// must support both.
+  /// every tick of the timer, unless a worker is reporting, and at the end of a pixel worker on
+  /// that worker's thread; callbacks must support both.
   void ProgressTimer(const TTimer* Sender = nullptr);
 
-  /// Does the same for an operation that is under way: keeps an exception of the callback, which
-  /// ends the operation. Any thread.
+  /// Does the same for an operation that is under way, one thread at a time: keeps an exception of
+  /// the callback, which ends the operation. Any thread.
   void ReportProgress() noexcept;
   /// True once the callback has thrown: workers end at their next row. Any thread.
   bool IsEnded() const { return isEnded_.load(std::memory_order_relaxed); }
@@ -118,7 +119,10 @@ class RASTERKIT_EXPORT TManageThreads {
  private:
   void ReadSourcePalette();
   void ReadTargetPalette();
+  void Report() noexcept;
 
+  /// Held during the callback, which may dispatch the timer again.
+  std::recursive_mutex reporting_;
   std::atomic<bool> isEnded_{false};
   /// Guarded by `CS`.
   std::exception_ptr progressError_;

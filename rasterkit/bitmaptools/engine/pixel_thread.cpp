@@ -111,11 +111,13 @@ void TPixelThread::Execute() {
 }
 
 void TPixelThread::BrightenBand() {
-  detail::BrightenRows(*SrcBmp, ia, ie, Prozent, detail::Spared::none);
+  detail::BrightenRows(*SrcBmp, ia, ie, Prozent, detail::Spared::none,
+                       [this] { return !ManThreads.IsEnded(); });
 }
 
 void TPixelThread::ContrastBand() {
-  detail::ContrastRows(*SrcBmp, ia, ie, Prozent, detail::Spared::none);
+  detail::ContrastRows(*SrcBmp, ia, ie, Prozent, detail::Spared::none,
+                       [this] { return !ManThreads.IsEnded(); });
 }
 
 void TPixelThread::TransferBand() {

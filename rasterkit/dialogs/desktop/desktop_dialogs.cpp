@@ -6,6 +6,7 @@
 #include <rasterkit/dialogs/desktop/desktop_dialogs.h>
 #include <rasterkit/dialogs/editchangesize/edit_size.h>
 #include <rasterkit/dialogs/editpdfbitmap/edit_graphic.h>
+#include <rasterkit/dialogs/editpdfbitmap/editor_isolation.h>
 #include <rasterkit/dialogs/execbitmap/adjust_bitmap.h>
 #include <rasterkit/dialogs/savedlgbitmap/save_bitmap_dlg_ext.h>
 #include <rasterkit/qt/host/modal_call.h>
@@ -38,11 +39,11 @@ std::unique_ptr<TModalCall>& Session() {
   return session;
 }
 
-DesktopAnswer Start(std::string& error) noexcept {
-  const auto start = [] {
+DesktopAnswer Start(Isolation reading, std::string& error) noexcept {
+  const auto start = [reading] {
     Session() = std::make_unique<TModalCall>();
-    // A desktop's user looks into any folder, downloads among them.
-    detail::SetPreviewIsolation(Isolation::process);
+    detail::SetPreviewIsolation(reading);
+    detail::SetEditorIsolation(reading);
     return true;
   };
   return AnswerOf(start, error);

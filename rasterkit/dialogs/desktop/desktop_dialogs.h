@@ -9,6 +9,7 @@
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/graphic.h>
 #include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/isolation.h>
 
 namespace rasterkit {
 
@@ -21,8 +22,9 @@ enum class DesktopAnswer : int32_t { confirmed, canceled, failed };
 /// nothing else.
 struct DesktopDialogs {
   /// Creates the application object for all following dialogs. Fails if no window can be opened; do
-  /// not call `end` then.
-  DesktopAnswer (*start)(std::string& error) noexcept;
+  /// not call `end` then. `reading`: where previews and the files that the user opens in the editor
+  /// are read; PDF files are always read in a worker process.
+  DesktopAnswer (*start)(Isolation reading, std::string& error) noexcept;
   void (*end)() noexcept;
 
   /// AdjustBitmap.
@@ -52,7 +54,7 @@ struct DesktopDialogs {
 };
 
 /// Incremented with every change of the table or of a type that its functions use.
-inline constexpr int32_t kDesktopVersion = 3;
+inline constexpr int32_t kDesktopVersion = 4;
 
 inline constexpr const char* kDesktopEntry = "rasterkit_desktop_dialogs";
 

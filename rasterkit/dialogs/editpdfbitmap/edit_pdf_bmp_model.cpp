@@ -6,6 +6,7 @@
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/dialogs/editpdfbitmap/edit_pdf_bmp_model.h>
+#include <rasterkit/dialogs/editpdfbitmap/editor_isolation.h>
 #include <rasterkit/dialogs/editpdfbitmap/resolution_setting.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/ports.h>
@@ -15,6 +16,18 @@
 
 namespace rasterkit {
 namespace {
+
+/// Returns the picture of the file. If it cannot be read, shows the reason and returns null.
+std::unique_ptr<TGraphic> LoadOrTell(const std::string& name) {
+  std::string reason = FormatText(ResourceString(rsEditUnreadable), std::array{name});
+  try {
+    if (auto graphic = detail::LoadForEditor(name)) return graphic;
+  } catch (const std::exception& error) {
+    reason = error.what();
+  }
+  ShowMessage(reason);
+  return nullptr;
+}
 
 /// Returns the picture as a graphic of the type. A metafile, which cannot hold pixels, becomes a
 /// PNG, as it does when it is rotated; without a type it becomes a bitmap.
@@ -71,11 +84,8 @@ bool EditPdfBmpModel::OpenSource(const std::string& name) {
 }
 
 bool EditPdfBmpModel::OpenGraphic(const std::string& name) {
-  std::unique_ptr<TGraphic> graphic = LoadGraphic(name);
-  if (!graphic) {
-    ShowMessage(FormatText(ResourceString(rsEditUnreadable), std::array{name}));
-    if (fWorkBitmap || names_.fIsPDF) return false;
-  }
+  std::unique_ptr<TGraphic> graphic = LoadOrTell(name);
+  if (!graphic && (fWorkBitmap || names_.fIsPDF)) return false;
   TakeGraphic(std::move(graphic));
   names_.fOrgFilename = name;
   view_.Repaint();

@@ -206,7 +206,8 @@ WorkerTurn::WorkerTurn(WorkerSession& session, KeepGoing keepGoing)
     state_->questions.AskIfDue();
   }
   try {
-    const WorkerSetup setup{own.reader, CurrentLimits()};
+    const size_t most = WorkerSlots::Instance().Places();
+    const WorkerSetup setup{own.reader, LimitsOfWorker(CurrentLimits(), most)};
     const bool isRunning = own.process && !WaitReadable(own.process->EndHandle(), 0);
     if (isRunning && own.setup == setup) return;
     own.End();

@@ -10,6 +10,8 @@ namespace {
 
 constexpr std::chrono::milliseconds kBetweenQuestions{10};
 
+constexpr uint64_t kLeastWorkerBytes = uint64_t{64} << 20;
+
 /// Workers that this thread uses now.
 thread_local int usedByThread = 0;
 
@@ -50,6 +52,16 @@ bool WorkerSlots::TryUse(WorkerHolder& holder) {
   return true;
 }
 
+size_t WorkerSlots::Places() const {
+  const std::lock_guard lock(mutex_);
+  return places_;
+}
+
+void WorkerSlots::SetPlaces(size_t places) {
+  const std::lock_guard lock(mutex_);
+  places_ = places;
+}
+
 void WorkerSlots::Rest(WorkerHolder& holder) {
   const std::lock_guard lock(mutex_);
   used_.remove(&holder);
@@ -64,6 +76,16 @@ void WorkerSlots::Leave(WorkerHolder& holder) {
   used_.remove(&holder);
   idle_.remove(&holder);
   changed_.notify_one();
+}
+
+void SetMostWorkers(size_t most) {
+  WorkerSlots::Instance().SetPlaces(std::max<size_t>(most, 1));
+}
+
+Limits LimitsOfWorker(Limits limits, size_t most) {
+  const uint64_t all = limits.processBytes;
+  if (all != kNoLimit) limits.processBytes = std::min(all, std::max(all / most, kLeastWorkerBytes));
+  return limits;
 }
 
 }  // namespace rasterkit::detail

@@ -4,11 +4,15 @@
 
 #include <gtest/gtest.h>
 
+#include <rasterkit/bitmaptools/engine/contrast_brightness.h>
 #include <rasterkit/bitmaptools/engine/pixel_transfer.h>
 #include <rasterkit/bitmaptools/rotation/rotate.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
+
+#include "tests/support/same_pixels.h"
+#include "tests/support/test_pictures.h"
 
 namespace rasterkit::test {
 namespace {
@@ -24,6 +28,18 @@ TEST(TimeLimit, EndsATransferOnAnyNumberOfThreads) {
     EXPECT_NO_THROW(transfer(threads));
     const LimitsScope scope({.seconds = 0});
     EXPECT_THROW(transfer(threads), TimeLimitError) << threads;
+  }
+}
+
+TEST(TimeLimit, EndsContrastAndBrightnessOnAnyNumberOfThreads) {
+  for (const auto change : {Kontrast, Helligkeit}) {
+    for (const int32_t threads : {1, 4}) {
+      TBitmap bitmap(GradientRaster(pf24bit, 50, 100));
+      const std::unique_ptr<TBitmap> before = bitmap.Clone();
+      const LimitsScope scope({.seconds = 0});
+      EXPECT_THROW(change(&bitmap, 20, threads, nullptr), TimeLimitError) << threads;
+      EXPECT_TRUE(SamePixels(*before, bitmap)) << "no row is begun";
+    }
   }
 }
 

@@ -7,7 +7,14 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/desktop/desktop_dialogs.h>
+#include <rasterkit/dialogs/editpdfbitmap/editor_isolation.h>
 #include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/qt/preview/preview_decoder.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/worker/worker_program.h>
+
+#include "tests/support/temp_folder.h"
+#include "tests/support/test_pictures.h"
 
 namespace rasterkit {
 namespace {
@@ -37,16 +44,16 @@ TEST_F(DesktopDialogsTest, OtherVersions_Should_HaveNoTable) {
 }
 
 TEST_F(DesktopDialogsTest, Application_Should_LiveFromStartToEnd) {
-  ASSERT_EQ(dialogs->start(error), DesktopAnswer::confirmed) << error;
+  ASSERT_EQ(dialogs->start(Isolation::process, error), DesktopAnswer::confirmed) << error;
   EXPECT_NE(qApp, nullptr);
   dialogs->end();
   EXPECT_EQ(qApp, nullptr);
-  ASSERT_EQ(dialogs->start(error), DesktopAnswer::confirmed) << "once more";
+  ASSERT_EQ(dialogs->start(Isolation::process, error), DesktopAnswer::confirmed) << "once more";
   dialogs->end();
 }
 
 TEST_F(DesktopDialogsTest, Answers_Should_BeThoseOfTheUser) {
-  ASSERT_EQ(dialogs->start(error), DesktopAnswer::confirmed) << error;
+  ASSERT_EQ(dialogs->start(Isolation::process, error), DesktopAnswer::confirmed) << error;
   int32_t width = 8, height = 6;
   EndWindow(QDialog::Accepted);
   EXPECT_EQ(dialogs->editSize(width, height, error), DesktopAnswer::confirmed);
@@ -77,9 +84,27 @@ TEST_F(DesktopDialogsTest, Answers_Should_BeThoseOfTheUser) {
   EXPECT_EQ(error, "");
 }
 
+/// A worker program that is missing shows who needs one.
+TEST_F(DesktopDialogsTest, EditorAndPreviews_Should_ReadWhereStartSays) {
+  const test::TempFolder folder;
+  const std::string picture = folder / "in.bmp";
+  test::GradientBitmap(pf24bit, 8, 6).SaveToFile(picture);
+  const std::atomic<bool> isCanceled = false;
+  detail::SetWorkerProgram(folder / "missing");
+  ASSERT_EQ(dialogs->start(Isolation::process, error), DesktopAnswer::confirmed) << error;
+  EXPECT_THROW(detail::LoadForEditor(picture), Error);
+  EXPECT_NE(detail::DecodePreview(picture, 8, isCanceled).problem, "");
+  dialogs->end();
+  ASSERT_EQ(dialogs->start(Isolation::none, error), DesktopAnswer::confirmed) << error;
+  EXPECT_NE(detail::LoadForEditor(picture), nullptr);
+  EXPECT_EQ(detail::DecodePreview(picture, 8, isCanceled).problem, "");
+  dialogs->end();
+  detail::SetWorkerProgram("");
+}
+
 TEST_F(DesktopDialogsTest, Exceptions_Should_BecomeTexts) {
   qputenv("QT_QPA_PLATFORM", "paper");
-  EXPECT_EQ(dialogs->start(error), DesktopAnswer::failed);
+  EXPECT_EQ(dialogs->start(Isolation::process, error), DesktopAnswer::failed);
   EXPECT_THAT(error, testing::HasSubstr("(paper)"));
   error.clear();
   int32_t width = 8, height = 6;

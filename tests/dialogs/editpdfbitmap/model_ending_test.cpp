@@ -1,6 +1,8 @@
 #include <rasterkit/bitmaptools/files/file_filters.h>
 #include <rasterkit/bitmaptools/files/windows_bitmap.h>
+#include <rasterkit/dialogs/editpdfbitmap/editor_isolation.h>
 #include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/worker/worker_program.h>
 
 #include "tests/dialogs/editpdfbitmap/model_fixture.h"
 
@@ -9,7 +11,9 @@ namespace rasterkit::test {
 namespace {
 
 using testing::Contains;
+using testing::Each;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -196,6 +200,28 @@ TEST_F(EditEnding, FormDropFile_Should_DoWhatOpenDoes) {
   model->FormDropFile(folder.Write("text.txt", std::string_view("no picture")));
   EXPECT_EQ(Work().Width(), 9);
   EXPECT_EQ(model->FileNames().fBmpName, "dropped.bmp");
+}
+
+/// A worker program that is missing shows that one is needed.
+TEST_F(EditEnding, OpenAndDrop_Should_ReadInAWorker_When_Isolated) {
+  EditNew();
+  const std::string other = folder / "other.bmp";
+  GradientBitmap(pf8bit, 9, 7).SaveToFile(other);
+  ConfirmOpening(other);
+  detail::SetEditorIsolation(Isolation::process);
+  detail::SetWorkerProgram(folder / "missing");
+  model->SpeedButtonOpenClick();
+  model->FormDropFile(other);
+  EXPECT_EQ(Work().Width(), 40);
+  EXPECT_EQ(model->GetBmpFilename(), folder / "new.bmp");
+  EXPECT_THAT(messages, SizeIs(2));
+  EXPECT_THAT(messages, Each(HasSubstr("there is no " + (folder / "missing"))));
+  detail::SetWorkerProgram(RASTERKIT_WORKER_FILE);
+  model->SpeedButtonOpenClick();
+  EXPECT_TRUE(SamePixels(*GraphicIntoBitmap(LoadGraphic(other).get()), Work()));
+  EXPECT_EQ(model->GetBmpFilename(), other);
+  detail::SetWorkerProgram("");
+  detail::SetEditorIsolation(Isolation::none);
 }
 
 // Other ways out.

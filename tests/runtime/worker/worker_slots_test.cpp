@@ -59,5 +59,36 @@ TEST(WorkerSlotsTest, TryUse_Should_GiveAPlaceAtOnce_When_TheThreadUsesOne) {
   slots.Leave(first);
 }
 
+TEST(WorkerSlotsTest, SetPlaces_Should_CountForTheNextPlace) {
+  WorkerSlots slots(1);
+  Holder first, second;
+  EXPECT_TRUE(slots.TryUse(first));
+  slots.SetPlaces(2);
+  EXPECT_EQ(slots.Places(), 2U);
+  EXPECT_TRUE(Elsewhere([&] {
+    const bool isUsed = slots.TryUse(second);
+    slots.Leave(second);
+    return isUsed;
+  }));
+  slots.Leave(first);
+}
+
+TEST(WorkerSlotsTest, LimitsOfWorker_Should_ShareTheMemoryOfTheProcess) {
+  const auto share = [](uint64_t processBytes, size_t most) {
+    Limits limits;
+    limits.processBytes = processBytes;
+    return LimitsOfWorker(limits, most).processBytes;
+  };
+  constexpr uint64_t kMiB = uint64_t{1} << 20;
+  EXPECT_EQ(share(kNoLimit, 8), kNoLimit);
+  EXPECT_EQ(share(1024 * kMiB, 1), 1024 * kMiB);
+  EXPECT_EQ(share(1024 * kMiB, 8), 128 * kMiB);
+  EXPECT_EQ(share(1024 * kMiB, 64), 64 * kMiB);
+  EXPECT_EQ(share(1000, 8), 1000U);
+  Limits limits;
+  limits.pixels = 7;
+  EXPECT_EQ(LimitsOfWorker(limits, 8), limits);
+}
+
 }  // namespace
 }  // namespace rasterkit::detail

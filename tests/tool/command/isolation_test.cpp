@@ -8,7 +8,9 @@
 #include <sys/syscall.h>
 
 #include "tests/support/environment.h"
+#include "tests/support/test_pictures.h"
 #include "tests/tool/support/run_tool.h"
+#include "tests/tool/support/sample_files.h"
 
 namespace rasterkit::test {
 namespace {
@@ -134,6 +136,21 @@ class CliLyingWorker : public testing::Test {
 
   TempFolder folder_;
 };
+
+TEST(CliIsolation, Worker_Should_TakeItsShareOfTheMemory) {
+  const TempFolder folder;
+  const std::string file = folder / "large.png";
+  SavePngFile(file, Raster(pf8bit, 9000, 9000));
+  const auto convert = [&](const std::string& jobs) {
+    return RunTool({"convert", file, folder / ("out" + jobs + ".png"), "--isolate", "--max-memory",
+                    "300M", "--jobs", jobs});
+  };
+  const ToolResult whole = convert("1");
+  EXPECT_EQ(whole.code, 0) << whole.err;
+  const ToolResult quarter = convert("4");
+  EXPECT_EQ(quarter.code, 3);
+  EXPECT_THAT(quarter.err, HasSubstr("--max-memory"));
+}
 
 TEST_F(CliLyingWorker, Crash_Should_Exit3_AndNameTheFile) {
   const std::string file = FileWith("bad.png", "abort");

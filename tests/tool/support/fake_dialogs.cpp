@@ -14,7 +14,7 @@ bool Does(std::string_view what) {
   return text != nullptr && text == what;
 }
 
-DesktopAnswer Start(std::string& error) noexcept {
+DesktopAnswer Start(Isolation, std::string& error) noexcept {
   if (!Does("no window")) return DesktopAnswer::confirmed;
   error = "there is no window today";
   return DesktopAnswer::failed;

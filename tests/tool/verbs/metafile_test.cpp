@@ -135,6 +135,16 @@ TEST_F(CliMetafile, Convert_Should_DrawHugePicturesOnlyAsLargeAsAsked) {
   EXPECT_EQ(LoadFile(folder_ / "c.png").Height(), 120);
 }
 
+TEST_F(CliMetafile, Convert_Should_DrawAtAnyDpiThatFitsTheFile) {
+  const std::string huge = Write("a.emf", HugeEmf());
+  // 8250 pixels per side; 256 MiB are 8192.
+  const ToolResult refused = Convert({huge, folder_ / "a.png", "--dpi", "33"});
+  EXPECT_EQ(refused.code, 3);
+  EXPECT_THAT(refused.err, HasSubstr("a.emf: metafile: at 33 dpi the drawing has 8250 x 8250 "));
+  EXPECT_THAT(refused.err, HasSubstr("--size"));
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "a.png"));
+}
+
 TEST_F(CliMetafile, Convert_Should_TakeDpiSizeAndBackground) {
   const std::string file = Write("a.emf", QuarterEmf());
   EXPECT_EQ(Convert({file, folder_ / "dpi.png", "--dpi", "254"}).code, 0);
