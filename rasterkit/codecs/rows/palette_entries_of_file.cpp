@@ -22,7 +22,8 @@ int LargestIndex(const Raster& raster) {
 }  // namespace
 
 int PaletteEntriesOfFile(const Raster& raster) {
-  const int most = 1 << StoredBitsPerPixel(raster.Format());
+  constexpr int kMostBits = 8;
+  const int most = 1 << std::min(StoredBitsPerPixel(raster.Format()), kMostBits);
   const int count = std::min(raster.palette.Count(), most);
   return count < most ? std::max(count, LargestIndex(raster) + 1) : most;
 }
