@@ -21,7 +21,7 @@ std::vector<uint8_t> outOfMemory;
 int socketToHost = -1;
 
 /// A stack that is too long ends in a signal, whose handler needs another one.
-alignas(16) std::array<unsigned char, 64 * 1024> handlerStack;
+[[maybe_unused]] alignas(16) std::array<unsigned char, 64 * 1024> handlerStack;
 
 [[noreturn]] void EndOutOfMemory() {
   iovec piece{outOfMemory.data(), outOfMemory.size()};

@@ -22,7 +22,7 @@ namespace {
 constexpr uint64_t kMostOpenFiles = 24;
 
 /// Addresses that libraries, stacks and allocators reserve without using them.
-constexpr uint64_t kReservedBytes = uint64_t{4} << 30;
+[[maybe_unused]] constexpr uint64_t kReservedBytes = uint64_t{4} << 30;
 
 void Require(int result, const char* what) {
   if (result == 0) return;
