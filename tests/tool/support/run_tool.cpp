@@ -31,7 +31,8 @@ bool FilterCalls(const std::vector<ToolSetup::FailingCall>& calls) {
   for (const ToolSetup::FailingCall& call : calls) {
     filter.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)));
     const uint32_t number = static_cast<uint32_t>(call.number);
-    filter.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, call.flags != 0 ? 3 : 1));
+    const uint8_t next = call.flags != 0 ? 3 : 1;
+    filter.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, next));
     if (call.flags != 0) {
       filter.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[2])));
       filter.push_back(BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, call.flags, 0, 1));
