@@ -84,6 +84,8 @@ LimitsScope::LimitsScope(const Limits& limits) : call_(Narrowed(limits)), before
   current = &call_;
 }
 
+// The caller keeps its own, from which several threads start.
+// NOLINTNEXTLINE(modernize-pass-by-value)
 LimitsScope::LimitsScope(const CallLimits& call) : call_(call), before_(current) {
   current = &call_;
 }

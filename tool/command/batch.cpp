@@ -160,7 +160,7 @@ void PrintJson(const Job& job, const Outcome& outcome) {
 
 void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& outcome) {
   for (const std::string& warning : outcome.result.warnings) {
-    PrintMessage(job.input + ": warning: " + warning);
+    PrintMessage(fmt::format("{}: warning: {}", job.input, warning));
   }
   if (outcome.code == exitInterrupted) {
     SayInterrupted();

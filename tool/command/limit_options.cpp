@@ -57,7 +57,7 @@ constexpr LimitName kTimeout = {"--timeout", "RASTERKIT_TIMEOUT", CheckSeconds};
 std::string ValueOf(const std::string& option, const LimitName& name) {
   if (!option.empty()) return option;
   const char* const variable = std::getenv(name.variable);
-  const std::string value = variable != nullptr ? variable : "";
+  std::string value = variable != nullptr ? variable : "";
   const std::string problem = value.empty() ? value : name.check(value);
   if (problem.empty()) return value;
   throw Failure(exitWrongUsage,

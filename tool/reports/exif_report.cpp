@@ -113,7 +113,7 @@ bool ReportExif(const std::string& file, bool json) {
     PrintText(facts);
   }
   for (const std::string& warning : facts.warnings) {
-    PrintMessage(file + ": warning: " + warning);
+    PrintMessage(fmt::format("{}: warning: {}", file, warning));
   }
   if (!facts.error.empty()) PrintMessage(facts.error);
   std::fflush(stdout);

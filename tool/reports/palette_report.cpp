@@ -87,7 +87,7 @@ LoadedPicture Load(const std::string& file, bool json) {
 int ShowPalette(const std::string& file, bool json) {
   const LoadedPicture picture = Load(file, json);
   for (const std::string& warning : picture.warnings) {
-    PrintMessage(file + ": warning: " + warning);
+    PrintMessage(fmt::format("{}: warning: {}", file, warning));
   }
   const std::vector<EntryLine> lines = LinesOf(*picture.bitmap);
   if (json) {

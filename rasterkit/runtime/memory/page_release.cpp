@@ -40,7 +40,7 @@ void ReleasePages(void* data, size_t bytes) {
 
 void ClearMemory(void* data, size_t bytes) {
   const Pages pages = PagesOf(data, bytes);
-  if (bytes < kReleasedFrom || !Release(pages)) {
+  if (bytes < kReleasedFrom || pages.bytes == 0 || !Release(pages)) {
     std::memset(data, 0, bytes);
     return;
   }
