@@ -248,7 +248,7 @@ class Batch {
       const std::string& output = jobs_[index].output;
       if (error) outcome = {exitOutputNotWritten, OutputError(output, error), {}};
       for (const std::string& warning : file.Warnings()) {
-        if (!error) outcome.result.warnings.push_back(output + ": " + warning);
+        if (!error) outcome.result.warnings.push_back(fmt::format("{}: {}", output, warning));
       }
     } catch (const std::exception&) {
       outcome = OutOfMemory();
