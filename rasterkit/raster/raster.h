@@ -1,26 +1,16 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
-#include <vector>
 
+#include <rasterkit/metadata/color_profile.h>
+#include <rasterkit/metadata/resolution.h>
 #include <rasterkit/raster/palette.h>
 #include <rasterkit/raster/pixel_format.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/memory/pixel_memory.h>
 
 namespace rasterkit {
-
-/// Dots per inch in both directions; 0 if unknown.
-struct Resolution {
-  double x = 0, y = 0;
-  bool IsKnown() const { return x > 0 && y > 0; }
-  friend bool operator==(const Resolution&, const Resolution&) = default;
-};
-
-/// An ICC profile's bytes, shared and never changed.
-using ColorProfile = std::shared_ptr<const std::vector<uint8_t>>;
 
 /// Whether the fourth byte of a 32-bit pixel is alpha (`afDefined`) or has no meaning.
 enum TAlphaFormat { afIgnored, afDefined };

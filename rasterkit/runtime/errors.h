@@ -82,6 +82,12 @@ class RASTERKIT_EXPORT TimeLimitError : public LimitError {
   explicit TimeLimitError(std::string reason) : LimitError(LimitKind::seconds, std::move(reason)) {}
 };
 
+/// The caller canceled the call.
+class RASTERKIT_EXPORT CanceledError : public Error {
+ public:
+  using Error::Error;
+};
+
 /// An index is out of range: a row of a bitmap, an entry of a list.
 class RASTERKIT_EXPORT RangeError : public Error {
  public:

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/codecs/rows/codec_report.h>
+#include <rasterkit/codecs/rows/frame_options.h>
+#include <rasterkit/codecs/rows/picture_header.h>
+#include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/files/stream.h>
+
+/// Reading and writing of pictures that lose nothing, for every format of the codec table.
+namespace rasterkit {
+
+/// Reads the header of a file from the stream's position on. Throws FormatError for an unknown
+/// format, UnsupportedError for a format that is drawn (WMF, EMF, PDF).
+RASTERKIT_EXPORT PictureHeader ReadPictureHeader(TStream& stream, PictureType type);
+
+/// Decodes the first picture with the number types and the color model of the file.
+RASTERKIT_EXPORT Pixels DecodePixels(TStream& stream, PictureType type,
+                                     const FrameOptions& options = {},
+                                     CodecReport* report = nullptr);
+
+/// Converts to a picture to look at: 8-bit gray or true color, CMYK and L*a*b* through the profile
+/// or the usual formulas, numbers through their range (see PictureOfFrame). What this loses is
+/// added to `changes`.
+RASTERKIT_EXPORT Raster VisiblePixels(Pixels pixels, const std::string& noData, Changes& changes);
+
+/// True if the format can be written, and if it can take compressed pixels from a file of its kind.
+RASTERKIT_EXPORT bool CanWrite(PictureType type);
+RASTERKIT_EXPORT bool CanCopy(PictureType type);
+
+/// Writes a file of that format at the stream's position. Pixels that it cannot hold must have been
+/// converted: throws UnsupportedError.
+RASTERKIT_EXPORT WrittenPicture WritePicture(PictureType type, const Pixels& pixels,
+                                             const PictureWriting& writing, TStream& stream);
+
+/// Writes the compressed pixels of `source` byte for byte with other metadata.
+RASTERKIT_EXPORT WrittenPicture CopyPicture(PictureType type, TStream& source,
+                                            const PictureWriting& writing, TStream& stream);
+
+}  // namespace rasterkit

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include <rasterkit/codecs/rows/codec_report.h>
+#include <rasterkit/codecs/rows/picture_header.h>
+#include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/files/stream.h>
+
+/// PNG files with everything that they state, for pictures that lose nothing.
+namespace rasterkit {
+
+/// Reads all that is no pixel, in front of the pixels and behind them. Throws FormatError if the
+/// headers are damaged; damaged metadata gives a warning in the header.
+RASTERKIT_EXPORT PictureHeader ReadPngHeader(std::span<const uint8_t> file);
+
+/// Decodes the pixels as the file has them (see PictureHeader::layout). Throws as DecodePng does.
+RASTERKIT_EXPORT Pixels DecodePngPixels(std::span<const uint8_t> file,
+                                        CodecReport* report = nullptr);
+
+/// Writes a file at the stream's position.
+RASTERKIT_EXPORT WrittenPicture WritePng(const Pixels& pixels, const PictureWriting& writing,
+                                         TStream& stream);
+
+/// Writes the compressed pixels of `file` byte for byte, with the metadata of `writing`.
+RASTERKIT_EXPORT WrittenPicture CopyPng(std::span<const uint8_t> file,
+                                        const PictureWriting& writing, TStream& stream);
+
+}  // namespace rasterkit

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/codecs/rows/form.h>
+#include <rasterkit/metadata/loss.h>
+#include <rasterkit/raster/pixel_layout.h>
+
+namespace rasterkit {
+
+/// What Plan foresees and what Save did.
+struct Report {
+  /// What the file lacks and nobody asked to drop.
+  std::vector<Loss> losses;
+  /// "compressed pixels copied", "the resolution was made square".
+  std::vector<std::string> notes;
+  /// Faults of the source that were read around, and doubts about its position.
+  std::vector<std::string> warnings;
+  /// The written file.
+  PictureType type = PictureType::unknown;
+  Form form;
+  PixelLayout layout;
+  int width = 0, height = 0;
+  /// True if the compressed pixels are those of the source, byte for byte.
+  bool isCopied = false;
+  /// Files beside the target that are written, replaced or removed: "writes plan.pgw".
+  std::vector<std::string> sideFiles;
+  /// Bytes of the file, and bytes held at most: upper bounds before, facts after.
+  uint64_t bytes = 0, memory = 0;
+};
+
+}  // namespace rasterkit

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+
+#include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/codecs/tiff/tiff_encoder.h>
+
+namespace rasterkit {
+
+/// How a picture is written. An empty option keeps what the source has.
+struct SaveOptions {
+  /// Nothing: by the extension of the target, or the source's kind for a stream.
+  std::optional<PictureType> type;
+  /// JPEG quality, 1 to 100. Nothing: the tables of a JPEG source, else 90.
+  std::optional<int> quality;
+  /// Sampling of chroma: 1 x 1 for 4:4:4, 2 x 2 for 4:2:0; 0 x 0 keeps the source's.
+  int chromaX = 0, chromaY = 0;
+  std::optional<TiffCompression> compression;
+  /// Color behind transparent parts where the target holds no transparency.
+  int32_t background = 0xFFFFFF;
+  /// A world file is written although the format holds the position in tags.
+  bool writesWorldFile = false;
+  /// An existing target, and files beside it that would contradict it, may be replaced.
+  bool mayReplace = true;
+  /// The file is on the disk when the call returns.
+  bool syncs = true;
+};
+
+}  // namespace rasterkit

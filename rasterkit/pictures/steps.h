@@ -1,0 +1,102 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include <rasterkit/pictures/color_change.h>
+#include <rasterkit/raster/pixel_format.h>
+
+/// The steps of a picture: one plain struct each.
+namespace rasterkit {
+
+class Picture;
+
+/// How new pixels are computed from old ones. `automatic`: area when shrinking, linear when
+/// growing, nearest for rotation and for palettes.
+enum class Filter { automatic, nearest, linear, area };
+
+/// What stands where the turned picture has no pixels.
+struct Fill {
+  enum class Kind { color, transparent, noData, edge, automatic };
+  Kind kind = Kind::color;
+  TColor color = clWhite;
+};
+
+/// Quarter turns, counter-clockwise.
+struct TurnStep {
+  int quarters = 1;
+};
+
+/// `leftRight` exchanges left and right, `topBottom` top and bottom.
+enum class MirrorAxis { leftRight, topBottom };
+struct MirrorStep {
+  MirrorAxis axis = MirrorAxis::leftRight;
+};
+
+struct RotateOptions {
+  Fill fill;
+  Filter filter = Filter::automatic;
+};
+/// Degrees counter-clockwise.
+struct RotateStep {
+  double degrees = 0;
+  RotateOptions options;
+};
+
+/// Resamples into the map's frame: columns run east, rows south.
+struct NorthUpStep {
+  RotateOptions options;
+};
+
+/// Pixels, from the top left corner; must lie inside the picture.
+struct CropStep {
+  int left = 0, top = 0, width = 0, height = 0;
+};
+
+/// A rectangle in map units; see Picture::Crop.
+struct MapRect {
+  double minX = 0, minY = 0, maxX = 0, maxY = 0;
+};
+
+struct ResizeOptions {
+  Filter filter = Filter::automatic;
+};
+struct ResizeStep {
+  int width = 1, height = 1;
+  ResizeOptions options;
+};
+
+struct ChangeStep {
+  ColorChange change;
+};
+
+enum class CombineMode { key, transparent, shadow, overwrite, intoWhite, watermark };
+enum class CombineAlign { automatic, map, none };
+struct CombineOptions {
+  CombineMode mode = CombineMode::key;
+  /// 0 to 100.
+  int percent = 0;
+  bool gray = false;
+  /// `automatic`: by the map where both pictures are placed, else stretched over the whole.
+  CombineAlign align = CombineAlign::automatic;
+};
+struct CombineStep {
+  std::shared_ptr<const Picture> other;
+  CombineOptions options;
+};
+
+/// What the written file shall not have, nor report as lost.
+struct MetadataEdit {
+  bool stripAll = false, stripGps = false, stripThumbnail = false;
+};
+struct EditStep {
+  MetadataEdit edit;
+};
+
+using Step = std::variant<TurnStep, MirrorStep, RotateStep, NorthUpStep, CropStep, ResizeStep,
+                          ChangeStep, CombineStep, EditStep>;
+
+}  // namespace rasterkit

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <rasterkit/metadata/loss.h>
+#include <rasterkit/placement/placement.h>
+#include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/files/atomic_file.h>
+
+namespace rasterkit {
+
+/// What saving a picture does with the files beside it.
+struct SideFileWish {
+  /// The picture file to be written, and the one it came from (empty if it came from none).
+  std::string target, source;
+  /// Existing side files may be replaced or removed (--overwrite, --in-place).
+  bool mayReplace = false;
+  /// A world file is written: the source had one, or the format holds no tags, or it was asked for.
+  bool writesWorldFile = false;
+  /// The target file itself states the position in tags.
+  bool hasTags = false;
+  bool syncs = true;
+};
+
+/// The files beside a target: what becomes of each in the same save.
+///
+///     SideFiles files(wish, placement);        // finds what is there; throws if it refuses
+///     files.Prepare();                         // writes the new ones to temporary files
+///     files.BeforeCommit();                    // old world file to its backup name
+///     picture->Commit();
+///     files.AfterCommit();                     // new world file; removes what would contradict
+///
+/// A destructor without AfterCommit moves the backup back.
+class RASTERKIT_EXPORT SideFiles {
+ public:
+  /// Throws FileExistsError that names the side file which would contradict the new picture and may
+  /// not be replaced, or that is shared with a neighbor so that a contradiction remains.
+  SideFiles(const SideFileWish& wish, const Placement& placement, Changes& changes);
+  ~SideFiles();
+  SideFiles(SideFiles&&) noexcept;
+
+  /// Names that will be written, replaced or removed, for --dry-run: "writes plan.pgw".
+  const std::vector<std::string>& Plans() const;
+  void Prepare();
+  void BeforeCommit();
+  void AfterCommit();
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+/// Names of the world files that belong to a picture of this name, the stated one first:
+/// "plan.tif" gives plan.tfw, plan.tifw, plan.wld in lower and upper case.
+RASTERKIT_EXPORT std::vector<std::string> WorldFileNames(const std::string& picture);
+
+/// Writes six lines that read back as the same doubles.
+RASTERKIT_EXPORT std::string WorldFileText(const Affine& affine);
+
+}  // namespace rasterkit

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <variant>
+
+#include <rasterkit/raster/raster.h>
+#include <rasterkit/raster/samples.h>
+
+namespace rasterkit {
+
+/// Decoded pixels: colors of 1 to 32 bits as a Raster, everything else as Samples.
+using Pixels = std::variant<Raster, Samples>;
+
+inline int WidthOf(const Pixels& pixels) {
+  return std::visit([](const auto& rows) { return rows.Width(); }, pixels);
+}
+inline int HeightOf(const Pixels& pixels) {
+  return std::visit([](const auto& rows) { return rows.Height(); }, pixels);
+}
+
+/// The kind of pixels of a raster or of samples.
+RASTERKIT_EXPORT PixelLayout LayoutOf(const Pixels& pixels);
+
+}  // namespace rasterkit
