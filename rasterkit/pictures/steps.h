@@ -6,7 +6,8 @@
 #include <variant>
 #include <vector>
 
-#include <rasterkit/pictures/color_change.h>
+#include <rasterkit/bands/color_change.h>
+#include <rasterkit/bands/filter.h>
 #include <rasterkit/raster/pixel_format.h>
 
 /// The steps of a picture: one plain struct each.
@@ -14,24 +15,11 @@ namespace rasterkit {
 
 class Picture;
 
-/// How new pixels are computed from old ones. `automatic`: area when shrinking, linear when
-/// growing, nearest for rotation and for palettes.
-enum class Filter { automatic, nearest, linear, area };
-
-/// What stands where the turned picture has no pixels.
-struct Fill {
-  enum class Kind { color, transparent, noData, edge, automatic };
-  Kind kind = Kind::color;
-  TColor color = clWhite;
-};
-
 /// Quarter turns, counter-clockwise.
 struct TurnStep {
   int quarters = 1;
 };
 
-/// `leftRight` exchanges left and right, `topBottom` top and bottom.
-enum class MirrorAxis { leftRight, topBottom };
 struct MirrorStep {
   MirrorAxis axis = MirrorAxis::leftRight;
 };
