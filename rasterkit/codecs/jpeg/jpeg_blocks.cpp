@@ -46,8 +46,7 @@ class Collector {
       if (joined.empty()) {
         Warn("pieces of the color profile are missing");
       } else {
-        blocks_.metadata.profile =
-            std::make_shared<const std::vector<uint8_t>>(std::move(joined));
+        blocks_.metadata.profile = std::make_shared<const std::vector<uint8_t>>(std::move(joined));
       }
     }
     return std::move(blocks_);

@@ -278,8 +278,8 @@ Pixels Decode(Bytes bytes, bool keepsInks, CodecReport* report) {
 
   const MemoryShare coefficients(layout.manyScans ? CoefficientBytes(codec) : 0);
   reader.Run([&codec] { jpeg_start_decompress(&codec); });
-  Pixels pixels = givesInks ? Pixels(DecodeInks(reader, layout))
-                            : Pixels(DecodeColors(reader, layout, format));
+  Pixels pixels =
+      givesInks ? Pixels(DecodeInks(reader, layout)) : Pixels(DecodeColors(reader, layout, format));
 
   CodecReport noticed;
   if (codec.output_scanline == codec.output_height) ReadEnd(reader, noticed);

@@ -23,8 +23,8 @@ constexpr std::array<uint8_t, 64> kNatural = {
 
 using Tables = decltype(JpegForm::tables);
 
-/// Reads the tables of a segment; a truncated one ends it. `isLater`: the scans before have used the
-/// tables that are there.
+/// Reads the tables of a segment; a truncated one ends it. `isLater`: the scans before have used
+/// the tables that are there.
 void ReadTables(Bytes payload, bool isLater, Tables& tables) {
   while (!payload.empty()) {
     const bool isWide = payload[0] >> 4 != 0;

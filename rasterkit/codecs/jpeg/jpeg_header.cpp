@@ -7,7 +7,6 @@
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/metadata/exif_block.h>
-#include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
@@ -76,6 +75,7 @@ PictureHeader ReadJpegHeader(Bytes file) {
   header.width = layout.frame.width;
   header.height = layout.frame.height;
   header.metadata = std::move(blocks.metadata);
+  header.metadata.photoshop = blocks.resources;
   header.warnings = std::move(blocks.warnings);
   header.layout = PixelsOf(layout.frame, header.metadata.profile);
   header.form = FormOfJpeg(parts);

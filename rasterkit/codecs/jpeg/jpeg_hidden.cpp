@@ -73,9 +73,8 @@ std::string SizeText(uint64_t bytes) {
 }
 
 bool Contains(Bytes bytes, std::string_view text) {
-  return std::search(bytes.begin(), bytes.end(), text.begin(), text.end(), [](uint8_t a, char b) {
-           return a == static_cast<uint8_t>(b);
-         }) != bytes.end();
+  return std::search(bytes.begin(), bytes.end(), text.begin(), text.end(),
+                     [](uint8_t a, char b) { return a == static_cast<uint8_t>(b); }) != bytes.end();
 }
 
 /// True if the segments of a picture say that it brightens another one.

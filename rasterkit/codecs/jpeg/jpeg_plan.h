@@ -27,8 +27,8 @@ struct JpegPlan {
   bool hasAdobe = false;
 };
 
-/// Chooses the form of a file: that of `writing` as far as the pixels and the library allow it. What
-/// differs is added to `changes`.
+/// Chooses the form of a file: that of `writing` as far as the pixels and the library allow it.
+/// What differs is added to `changes`.
 JpegPlan PlanJpeg(JpegColors colors, const PictureWriting& writing, Changes& changes);
 
 }  // namespace rasterkit::detail

@@ -10,8 +10,8 @@ namespace rasterkit::detail {
 /// Rows of a picture as an encoder takes them.
 class JpegRows {
  public:
-  /// Keeps a reference. Throws UnsupportedError for pixels that a JPEG file cannot hold, FormatError
-  /// for an empty picture, LimitError for a width or height above 65,500 pixels.
+  /// Keeps a reference. Throws UnsupportedError for pixels that a JPEG file cannot hold,
+  /// FormatError for an empty picture, LimitError for a width or height above 65,500 pixels.
   explicit JpegRows(const Pixels& pixels);
 
   int Width() const { return WidthOf(pixels_); }

@@ -67,7 +67,8 @@ class JpegWriter {
   };
 
   static void OnProgress(j_common_ptr codec) {
-    if (SecondsLeft() <= 0) reinterpret_cast<Progress*>(codec->progress)->errors->FailWithTimeLimit();
+    if (SecondsLeft() <= 0)
+      reinterpret_cast<Progress*>(codec->progress)->errors->FailWithTimeLimit();
   }
 
   static boolean OnFull(j_compress_ptr codec) {

@@ -115,6 +115,20 @@ std::vector<uint8_t> Encode(JpegRows& rows, const JpegPlan& plan) {
   return writer.TakeBytes();
 }
 
+/// A JFIF header says that components are gray or YCbCr. Photographs without one state the
+/// resolution in EXIF.
+JpegMetadataWish WishOf(const JpegPlan& plan, const PictureWriting& writing) {
+  JpegMetadataWish wish;
+  const bool isAllowed = plan.colors == JpegColors::gray || plan.hasChroma;
+  const bool isOfJpeg = std::holds_alternative<JpegForm>(writing.form);
+  const bool isWanted = writing.metadata.hasJfif || writing.metadata.exif.empty() || !isOfJpeg;
+  wish.writesJfif = isAllowed && isWanted && plan.colors != JpegColors::cmyk;
+  wish.space = plan.colors == JpegColors::gray  ? ProfileSpace::gray
+               : plan.colors == JpegColors::rgb ? ProfileSpace::rgb
+                                                : ProfileSpace::cmyk;
+  return wish;
+}
+
 }  // namespace
 
 WrittenPicture WriteJpeg(const Pixels& pixels, const PictureWriting& writing, TStream& stream) {
@@ -125,9 +139,11 @@ WrittenPicture WriteJpeg(const Pixels& pixels, const PictureWriting& writing, TS
   const std::vector<uint8_t> coded = Encode(rows, plan);
   written.form = ReadJpegForm(coded);
   written.layout = LayoutOf(pixels);
-  WriteJpegMetadata(writing, plan, written.changes, stream);
-  // Behind the start marker, which stands in front of the metadata.
-  stream.Write(std::span(coded).subspan(2));
+  // The metadata stand between the start marker and the rest.
+  constexpr size_t kStartBytes = 2;
+  stream.Write(std::span(coded).first(kStartBytes));
+  stream.Write(JpegMetadataSegments(writing.metadata, WishOf(plan, writing), written.changes));
+  stream.Write(std::span(coded).subspan(kStartBytes));
   return written;
 }
 
