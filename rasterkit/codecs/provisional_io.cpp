@@ -99,21 +99,6 @@ WrittenPicture WriteBmp(const Pixels& pixels, const PictureWriting& writing, TSt
                  [&](const Raster& rows) { EncodeBmp(rows, stream, BmpProfile::embed); });
 }
 
-PictureHeader ReadPngHeader(Bytes file) {
-  PictureHeader header = HeaderOf(DecodePng(file), file);
-  header.form = PngForm{.bits = header.layout.bits};
-  return header;
-}
-Pixels DecodePngPixels(Bytes file, CodecReport* report) {
-  return DecodePng(file, report);
-}
-WrittenPicture WritePng(const Pixels& pixels, const PictureWriting& writing, TStream& stream) {
-  return Written(pixels, writing, [&](const Raster& rows) { EncodePng(rows, stream); });
-}
-WrittenPicture CopyPng(Bytes file, const PictureWriting& writing, TStream& stream) {
-  return WritePng(DecodePng(file), writing, stream);
-}
-
 PictureHeader ReadTiffHeader(TStream& stream) {
   const uint64_t start = stream.Position();
   const TiffFacts facts = ReadTiffFacts(stream);
@@ -134,24 +119,5 @@ WrittenPicture CopyTiff(TStream& source, const PictureWriting& writing, TStream&
   return WriteTiff(DecodeTiffPixels(source), writing, stream);
 }
 
-#ifndef RASTERKIT_HAS_SAMPLES
-Samples::Samples(const PixelLayout& layout, int width, int height, bool inPlanes)
-    : layout_(layout), width_(width), height_(height), planes_(inPlanes ? layout.bands : 1) {
-  memory_ = PixelMemory(Stride() * static_cast<size_t>(height) * static_cast<size_t>(planes_));
-}
-Samples::Samples(Samples&&) noexcept = default;
-Samples& Samples::operator=(Samples&&) noexcept = default;
-Samples Samples::Clone() const {
-  Samples copy(layout_, width_, height_, planes_ > 1);
-  copy.resolution = resolution;
-  std::memcpy(copy.Row(0), Row(0),
-              Stride() * static_cast<size_t>(height_) * static_cast<size_t>(planes_));
-  return copy;
-}
-PixelLayout LayoutOf(const Pixels& pixels) {
-  const auto* rows = std::get_if<Raster>(&pixels);
-  return rows != nullptr ? HeaderOf(*rows, {}).layout : std::get<Samples>(pixels).Layout();
-}
-#endif
 
 }  // namespace rasterkit
