@@ -5,9 +5,6 @@
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/gif/gif_decoder.h>
 #include <rasterkit/codecs/metadata.h>
-#include <rasterkit/codecs/png/png_decoder.h>
-#include <rasterkit/codecs/png/png_encoder.h>
-#include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/codecs/provisional_io.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
@@ -97,21 +94,6 @@ PictureHeader ReadWebpHeader(Bytes file) {
 WrittenPicture WriteBmp(const Pixels& pixels, const PictureWriting& writing, TStream& stream) {
   return Written(pixels, writing,
                  [&](const Raster& rows) { EncodeBmp(rows, stream, BmpProfile::embed); });
-}
-
-PictureHeader ReadPngHeader(Bytes file) {
-  PictureHeader header = HeaderOf(DecodePng(file), file);
-  header.form = PngForm{.bits = header.layout.bits};
-  return header;
-}
-Pixels DecodePngPixels(Bytes file, CodecReport* report) {
-  return DecodePng(file, report);
-}
-WrittenPicture WritePng(const Pixels& pixels, const PictureWriting& writing, TStream& stream) {
-  return Written(pixels, writing, [&](const Raster& rows) { EncodePng(rows, stream); });
-}
-WrittenPicture CopyPng(Bytes file, const PictureWriting& writing, TStream& stream) {
-  return WritePng(DecodePng(file), writing, stream);
 }
 
 PictureHeader ReadTiffHeader(TStream& stream) {
