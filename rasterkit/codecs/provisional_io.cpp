@@ -1,5 +1,3 @@
-#include <cstring>
-
 #include <rasterkit/codecs/bmp/bmp_decoder.h>
 #include <rasterkit/codecs/bmp/bmp_encoder.h>
 #include <rasterkit/codecs/decode_frame.h>
@@ -115,25 +113,5 @@ WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing, TS
 WrittenPicture CopyTiff(TStream& source, const PictureWriting& writing, TStream& stream) {
   return WriteTiff(DecodeTiffPixels(source), writing, stream);
 }
-
-#ifndef RASTERKIT_HAS_SAMPLES
-Samples::Samples(const PixelLayout& layout, int width, int height, bool inPlanes)
-    : layout_(layout), width_(width), height_(height), planes_(inPlanes ? layout.bands : 1) {
-  memory_ = PixelMemory(Stride() * static_cast<size_t>(height) * static_cast<size_t>(planes_));
-}
-Samples::Samples(Samples&&) noexcept = default;
-Samples& Samples::operator=(Samples&&) noexcept = default;
-Samples Samples::Clone() const {
-  Samples copy(layout_, width_, height_, planes_ > 1);
-  copy.resolution = resolution;
-  std::memcpy(copy.Row(0), Row(0),
-              Stride() * static_cast<size_t>(height_) * static_cast<size_t>(planes_));
-  return copy;
-}
-PixelLayout LayoutOf(const Pixels& pixels) {
-  const auto* rows = std::get_if<Raster>(&pixels);
-  return rows != nullptr ? HeaderOf(*rows, {}).layout : std::get<Samples>(pixels).Layout();
-}
-#endif
 
 }  // namespace rasterkit
