@@ -1,13 +1,8 @@
-#include <cstring>
-
 #include <rasterkit/codecs/bmp/bmp_decoder.h>
 #include <rasterkit/codecs/bmp/bmp_encoder.h>
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/gif/gif_decoder.h>
 #include <rasterkit/codecs/metadata.h>
-#include <rasterkit/codecs/png/png_decoder.h>
-#include <rasterkit/codecs/png/png_encoder.h>
-#include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/codecs/provisional_io.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
@@ -118,6 +113,5 @@ WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing, TS
 WrittenPicture CopyTiff(TStream& source, const PictureWriting& writing, TStream& stream) {
   return WriteTiff(DecodeTiffPixels(source), writing, stream);
 }
-
 
 }  // namespace rasterkit

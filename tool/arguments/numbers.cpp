@@ -1,4 +1,4 @@
-#include "tool/command/numbers.h"
+#include "tool/arguments/numbers.h"
 
 #include <algorithm>
 #include <charconv>
@@ -27,6 +27,14 @@ std::optional<std::vector<double>> ParseNumbers(const std::string& text) {
     begin = comma + 1;
   }
   return numbers;
+}
+
+std::optional<double> ParsePercent(const std::string& text) {
+  // A picture of one pixel grows to the largest one.
+  constexpr double kMost = 1e8;
+  if (!text.ends_with('%')) return std::nullopt;
+  const auto number = ParseNumber(text.substr(0, text.size() - 1));
+  return number && *number >= 0 && *number <= kMost ? number : std::nullopt;
 }
 
 }  // namespace rasterkit::tool
