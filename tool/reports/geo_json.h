@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include <rasterkit/pictures/photo_facts.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
 
 #include "tool/command/json.h"
 #include "tool/pictures/placement/geo_position.h"

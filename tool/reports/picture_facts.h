@@ -7,7 +7,7 @@
 #include <vector>
 
 #include <rasterkit/metafiles/read_metafile_facts.h>
-#include <rasterkit/pictures/photo_facts.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
 
 #include "tool/pictures/placement/geo_position.h"
 #include "tool/reports/pdf_facts.h"

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include <rasterkit/graphics/metafile.h>
-#include <rasterkit/pictures/picture_size.h>
+#include <rasterkit/pictures/reading/picture_size.h>
 #include <rasterkit/raster/raster.h>
 
 namespace rasterkit {

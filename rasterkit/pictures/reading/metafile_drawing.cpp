@@ -4,7 +4,7 @@
 #include <fmt/core.h>
 
 #include <rasterkit/graphics/metafile_size.h>
-#include <rasterkit/pictures/metafile_drawing.h>
+#include <rasterkit/pictures/reading/metafile_drawing.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/runtime/errors.h>
 

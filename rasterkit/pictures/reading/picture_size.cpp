@@ -2,7 +2,7 @@
 #include <charconv>
 #include <cmath>
 
-#include <rasterkit/pictures/picture_size.h>
+#include <rasterkit/pictures/reading/picture_size.h>
 
 namespace rasterkit {
 namespace {

@@ -4,7 +4,7 @@
 #include <rasterkit/codecs/metadata.h>
 #include <rasterkit/jpegexif/image_data.h>
 #include <rasterkit/jpegexif/raw_orientation.h>
-#include <rasterkit/pictures/photo_facts.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
 

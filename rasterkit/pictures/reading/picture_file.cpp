@@ -11,9 +11,9 @@
 #include <rasterkit/codecs/rows/frame_format.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/unsized_picture.h>
-#include <rasterkit/pictures/picture_fields.h>
-#include <rasterkit/pictures/picture_file.h>
-#include <rasterkit/pictures/visible_rows.h>
+#include <rasterkit/pictures/reading/picture_fields.h>
+#include <rasterkit/pictures/reading/picture_file.h>
+#include <rasterkit/pictures/reading/visible_rows.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/worker/worker_input.h>

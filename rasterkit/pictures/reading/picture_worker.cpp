@@ -8,8 +8,8 @@
 #include <rasterkit/codecs/messages/header_fields.h>
 #include <rasterkit/codecs/messages/isolated_reading.h>
 #include <rasterkit/metafiles/records/ansi_text.h>
-#include <rasterkit/pictures/picture_fields.h>
-#include <rasterkit/pictures/picture_worker.h>
+#include <rasterkit/pictures/reading/picture_fields.h>
+#include <rasterkit/pictures/reading/picture_worker.h>
 #include <rasterkit/runtime/worker/worker_input.h>
 #include <rasterkit/runtime/worker/worker_memory.h>
 

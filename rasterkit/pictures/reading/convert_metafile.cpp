@@ -3,8 +3,8 @@
 #include <rasterkit/codecs/isolated_input.h>
 #include <rasterkit/codecs/messages/isolated_reading.h>
 #include <rasterkit/graphics/metafile.h>
-#include <rasterkit/pictures/convert_metafile.h>
-#include <rasterkit/pictures/picture_fields.h>
+#include <rasterkit/pictures/reading/convert_metafile.h>
+#include <rasterkit/pictures/reading/picture_fields.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit {

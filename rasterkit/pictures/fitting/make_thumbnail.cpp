@@ -3,7 +3,7 @@
 
 #include <rasterkit/codecs/jpeg/jpeg_encoder.h>
 #include <rasterkit/codecs/picture_io.h>
-#include <rasterkit/pictures/make_thumbnail.h>
+#include <rasterkit/pictures/fitting/make_thumbnail.h>
 #include <rasterkit/raster/fill.h>
 #include <rasterkit/raster/stretch/halftone.h>
 

@@ -7,7 +7,7 @@
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/picture_io.h>
-#include <rasterkit/pictures/fit_pixels.h>
+#include <rasterkit/pictures/fitting/fit_pixels.h>
 #include <rasterkit/raster/convert.h>
 
 namespace rasterkit::detail {

@@ -5,8 +5,8 @@
 #include <rasterkit/graphics/jpeg_image.h>
 #include <rasterkit/graphics/name_errors.h>
 #include <rasterkit/graphics/png_image.h>
-#include <rasterkit/pictures/load_graphic_isolated.h>
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/load_graphic_isolated.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/tifftobmp/frame_bitmap.h>

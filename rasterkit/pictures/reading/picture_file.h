@@ -9,9 +9,9 @@
 #include <rasterkit/codecs/rows/imaging_frame.h>
 #include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/metafiles/records/metafile_facts.h>
-#include <rasterkit/pictures/grid.h>
-#include <rasterkit/pictures/metafile_drawing.h>
-#include <rasterkit/pictures/photo_facts.h>
+#include <rasterkit/pictures/reading/grid.h>
+#include <rasterkit/pictures/reading/metafile_drawing.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/stream.h>
 #include <rasterkit/runtime/isolation.h>

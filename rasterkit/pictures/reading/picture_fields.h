@@ -3,8 +3,8 @@
 #include <functional>
 
 #include <rasterkit/codecs/messages/frame_fields.h>
-#include <rasterkit/pictures/convert_metafile.h>
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/convert_metafile.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/worker/fields.h>
 

@@ -2,8 +2,8 @@
 #include <limits>
 
 #include <rasterkit/codecs/decode_frame.h>
-#include <rasterkit/pictures/grid.h>
-#include <rasterkit/pictures/visible_rows.h>
+#include <rasterkit/pictures/reading/grid.h>
+#include <rasterkit/pictures/reading/visible_rows.h>
 
 namespace rasterkit {
 namespace {

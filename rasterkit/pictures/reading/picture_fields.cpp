@@ -2,7 +2,7 @@
 
 #include <rasterkit/codecs/messages/isolated_reading.h>
 #include <rasterkit/codecs/messages/tiff_fields.h>
-#include <rasterkit/pictures/picture_fields.h>
+#include <rasterkit/pictures/reading/picture_fields.h>
 
 namespace rasterkit::detail {
 namespace {

@@ -1,7 +1,7 @@
 #include <utility>
 
 #include <rasterkit/codecs/unsized_picture.h>
-#include <rasterkit/pictures/picture_bytes.h>
+#include <rasterkit/pictures/reading/picture_bytes.h>
 #include <rasterkit/runtime/worker/worker_input.h>
 
 namespace rasterkit::detail {
