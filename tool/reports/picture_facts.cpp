@@ -1,8 +1,9 @@
 #include "tool/reports/picture_facts.h"
 
+#include <algorithm>
 #include <functional>
-#include <memory>
 #include <new>
+#include <span>
 
 #include <rasterkit/codecs/metadata.h>
 #include <rasterkit/codecs/picture_io.h>
@@ -16,9 +17,9 @@
 #include "tool/command/interruption.h"
 #include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
-#include "tool/pictures/picture_input.h"
 #include "tool/reports/exif_dates.h"
 #include "tool/reports/layout_facts.h"
+#include "tool/reports/loaded_facts.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -43,7 +44,7 @@ std::vector<std::string> MetadataNames(const Metadata& metadata) {
   add(!metadata.iptc.empty(), MetadataKind::iptc);
   add(!metadata.comments.empty(), MetadataKind::comment);
   add(!metadata.texts.empty(), MetadataKind::text);
-  add(!metadata.profile.empty(), MetadataKind::profile);
+  add(metadata.profile != nullptr, MetadataKind::profile);
   return MetadataKindNames(kinds);
 }
 
@@ -56,6 +57,12 @@ void TakePhotograph(PictureFacts& facts, const Metadata& metadata) {
   facts.model = block.Text(ExifDirectoryId::main, kModel);
 }
 
+void TakePlacement(PictureFacts& facts, std::span<const TagValue> tags) {
+  facts.placement = ReadPlacement(facts.file, tags, facts.width, facts.height);
+  const std::vector<std::string>& warnings = facts.placement.warnings;
+  facts.warnings.insert(facts.warnings.end(), warnings.begin(), warnings.end());
+}
+
 void TakeHeader(PictureFacts& facts, const PictureHeader& header, PictureType type) {
   facts.width = header.width;
   facts.height = header.height;
@@ -65,16 +72,13 @@ void TakeHeader(PictureFacts& facts, const PictureHeader& header, PictureType ty
   facts.grid = GridName(header.layout, type);
   const Resolution& resolution = header.metadata.resolution;
   if (resolution.IsKnown()) facts.dpi = {resolution.x, resolution.y};
-  facts.metadata = facts.tiff ? MetadataKindNames(facts.tiff->metadata)
-                              : MetadataNames(header.metadata);
+  facts.metadata =
+      facts.tiff ? MetadataKindNames(facts.tiff->metadata) : MetadataNames(header.metadata);
   facts.pages = facts.tiff ? facts.tiff->pages : header.frames;
   facts.photo.orientation = header.orientation;
   facts.warnings.insert(facts.warnings.end(), header.warnings.begin(), header.warnings.end());
   TakePhotograph(facts, header.metadata);
-  facts.placement =
-      ReadPlacement(facts.file, header.positionTags, header.width, header.height);
-  facts.warnings.insert(facts.warnings.end(), facts.placement.warnings.begin(),
-                        facts.placement.warnings.end());
+  TakePlacement(facts, header.positionTags);
 }
 
 /// If the directories cannot be read, reading the header reports the error.
@@ -98,6 +102,7 @@ void TakeMetafile(PictureFacts& facts, TStream& stream) {
   facts.width = facts.metafile->width;
   facts.height = facts.metafile->height;
   facts.bits = StoredBitsPerPixel(pf24bit);
+  facts.photo.rotation = 0;
   facts.warnings = facts.metafile->warnings;
 }
 
@@ -142,38 +147,19 @@ std::string ProblemOf(const std::string& file, const std::function<void()>& read
   }
 }
 
-/// A worker process reads the file: it decodes the pixels, and gives no more than the facts below.
-void TakeLoaded(PictureFacts& facts) {
-  LoadedFrame loaded;
-  MetafileDrawing drawing;
-  drawing.isForFacts = true;
-  facts.error = ProblemOf(facts.file, [&] { LoadFrameInto(loaded, facts.file, 1, drawing); });
-  if (loaded.bytes == 0 && !facts.error.empty()) return;
-  facts.type = PictureTypeName(loaded.type);
-  facts.bytes = loaded.bytes;
-  facts.metadata = MetadataKindNames(loaded.metadata);
-  facts.photo = loaded.photo;
-  facts.warnings = loaded.warnings;
-  facts.tiff = loaded.tiff;
-  facts.metafile = loaded.metafile;
-  if (loaded.grid) facts.grid = GridTypeName(*loaded.grid);
-}
-
 void TakePdfFacts(PictureFacts& facts) {
   // Other programs would take a PDF file under another name for a picture.
   if (!IsPdfName(facts.file)) {
     facts.error += "; the name of a PDF file must end in .pdf";
     return;
   }
-  facts.error = ProblemOf(
-      facts.file, [&] { facts.pdf = GatherPdfFacts(facts.file, facts.warnings); });
+  facts.error =
+      ProblemOf(facts.file, [&] { facts.pdf = GatherPdfFacts(facts.file, facts.warnings); });
 }
 
 void Verify(PictureFacts& facts) {
   LoadedFrame loaded;
-  MetafileDrawing drawing;
-  drawing.isForFacts = true;
-  facts.error = ProblemOf(facts.file, [&] { LoadFrameInto(loaded, facts.file, 1, drawing); });
+  facts.error = ProblemOf(facts.file, [&] { LoadForFacts(loaded, facts.file); });
   facts.verified = facts.error.empty();
   for (const std::string& warning : loaded.warnings) {
     const auto& known = facts.warnings;
@@ -188,10 +174,22 @@ void Verify(PictureFacts& facts) {
 PictureFacts GatherFacts(const std::string& file, bool verifies) {
   PictureFacts facts;
   facts.file = file;
-  facts.error = ProblemOf(file, [&] { ReadFacts(facts); });
+  const bool isIsolated = ReadingIsolation() == Isolation::process;
+  if (isIsolated) {
+    LoadedFrame loaded;
+    facts.error = ProblemOf(file, [&] { LoadForFacts(loaded, file); });
+    TakeLoadedFacts(facts, loaded);
+  } else {
+    facts.error = ProblemOf(file, [&] { ReadFacts(facts); });
+  }
   facts.isKnown = facts.error.empty();
   if (facts.type == PictureTypeName(PictureType::pdf)) TakePdfFacts(facts);
-  if (verifies && facts.isKnown) Verify(facts);
+  if (!verifies || !facts.isKnown) return facts;
+  if (isIsolated) {
+    facts.verified = true;
+  } else {
+    Verify(facts);
+  }
   return facts;
 }
 
