@@ -4,9 +4,6 @@
 #include <rasterkit/codecs/bmp/bmp_encoder.h>
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/gif/gif_decoder.h>
-#include <rasterkit/codecs/jpeg/jpeg_decoder.h>
-#include <rasterkit/codecs/jpeg/jpeg_encoder.h>
-#include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/metadata.h>
 #include <rasterkit/codecs/png/png_decoder.h>
 #include <rasterkit/codecs/png/png_encoder.h>
@@ -135,28 +132,6 @@ WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing, TS
 }
 WrittenPicture CopyTiff(TStream& source, const PictureWriting& writing, TStream& stream) {
   return WriteTiff(DecodeTiffPixels(source), writing, stream);
-}
-
-PictureHeader ReadJpegHeader(Bytes file) {
-  const JpegFrame frame = ReadJpegFrame(file);
-  PictureHeader header = HeaderOf(DecodeJpeg(file), file);
-  JpegForm form;
-  form.progressive = frame.progressive;
-  form.arithmetic = frame.arithmetic;
-  header.form = form;
-  return header;
-}
-Pixels DecodeJpegPixels(Bytes file, CodecReport* report) {
-  return DecodeJpeg(file, report);
-}
-WrittenPicture WriteJpeg(const Pixels& pixels, const PictureWriting& writing, TStream& stream) {
-  return Written(pixels, writing, [&](const Raster& rows) {
-    stream.Write(EncodeJpeg(rows, writing.quality.value_or(90)));
-  });
-}
-WrittenPicture CopyJpeg(Bytes file, const PictureWriting&, TStream& stream) {
-  stream.Write(file);
-  return {};
 }
 
 #ifndef RASTERKIT_HAS_SAMPLES
