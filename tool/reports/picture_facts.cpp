@@ -5,7 +5,7 @@
 #include <new>
 #include <span>
 
-#include <rasterkit/codecs/metadata.h>
+#include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/metadata/exif_block.h>
@@ -106,21 +106,42 @@ void TakeMetafile(PictureFacts& facts, TStream& stream) {
   facts.warnings = facts.metafile->warnings;
 }
 
+/// The first bytes of a JPEG file, all segments in front of its pixels among them, and its header.
+/// What stands behind the pixels is not read: most of the file is pixels.
+PictureHeader ReadJpegStart(TStream& stream, std::vector<uint8_t>& start) {
+  constexpr uint64_t kFirst = 64 * 1024;
+  for (uint64_t size = std::min(kFirst, stream.Size());; size = std::min(8 * size, stream.Size())) {
+    start.resize(static_cast<size_t>(size));
+    stream.SetPosition(0);
+    start.resize(stream.Read(start));
+    try {
+      return ReadJpegHeader(start);
+    } catch (const FormatError&) {
+      if (size >= stream.Size()) throw;
+    }
+  }
+}
+
+PictureHeader ReadHeader(PictureFacts& facts, TStream& stream, PictureType type) {
+  if (type == PictureType::jpeg) {
+    std::vector<uint8_t> start;
+    PictureHeader header = ReadJpegStart(stream, start);
+    TakePhotoFacts(facts, ReadPhotoFacts(start));
+    return header;
+  }
+  PictureHeader header = ReadPictureHeader(stream, type);
+  TakePhotoFacts(facts, ReadExifFacts(header.metadata.exif));
+  facts.photo.rotation = 0;
+  return header;
+}
+
 void ReadFacts(PictureFacts& facts, TStream& stream) {
   const PictureType type = SniffPictureType(stream);
   facts.type = PictureTypeName(type);
   facts.bytes = stream.Size();
   if (IsMetafile(type)) return TakeMetafile(facts, stream);
   if (type == PictureType::tiff) TakeTiffFacts(facts, stream);
-  const PictureHeader header = ReadPictureHeader(stream, type);
-  if (type == PictureType::jpeg) {
-    stream.SetPosition(0);
-    TakePhotoFacts(facts, ReadPhotoFacts(stream.ReadToEnd()));
-  } else {
-    TakePhotoFacts(facts, ReadExifFacts(header.metadata.exif));
-    facts.photo.rotation = 0;
-  }
-  TakeHeader(facts, header, type);
+  TakeHeader(facts, ReadHeader(facts, stream, type), type);
 }
 
 /// A pipe has no size and cannot be rewound.
