@@ -5,8 +5,8 @@
 
 namespace rasterkit::detail {
 
-/// A file that a worker process reads: no byte of it is parsed here except the signature. The
-/// source has the facts that the worker gives; metadata that it does not give is lost.
+/// Opens a file that a worker process reads: no byte of it is parsed here except the signature. Its
+/// compressed pixels cannot be copied.
 SourcePtr OpenIsolated(PictureBytes bytes, PictureType type, const OpenOptions& options);
 
 }  // namespace rasterkit::detail
