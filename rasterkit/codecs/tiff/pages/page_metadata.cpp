@@ -5,9 +5,9 @@
 #include <tiff.h>
 
 #include <rasterkit/codecs/tiff/pages/page_metadata.h>
-#include <rasterkit/codecs/tiff/pages/resource_blocks.h>
 #include <rasterkit/codecs/tiff/pages/tag_kinds.h>
 #include <rasterkit/metadata/exif_tags_of_tiff.h>
+#include <rasterkit/metadata/image_resources.h>
 
 namespace rasterkit::detail {
 
@@ -55,7 +55,7 @@ class MetadataReader {
   PictureHeader& header_;
   uint64_t left_;
   TiffDirectories exif_;
-  ResourceBlocks resources_;
+  std::vector<uint8_t> resources_;
 };
 
 bool MetadataReader::Affords(const TagPlace& place) {
@@ -112,7 +112,7 @@ void MetadataReader::ReadBlock(const TagPlace& place) {
       break;
     }
     case TIFFTAG_PHOTOSHOP:
-      resources_ = TakeApart(bytes);
+      resources_ = std::move(bytes);
       break;
     default:
       if (bytes.empty()) break;
@@ -194,10 +194,16 @@ void MetadataReader::Finish() {
     metadata.exif =
         ExifOfTags(exif_.main, exif_.exif, exif_.gps, exif_.interop, reader_.IsBigEndian());
   }
-  metadata.photoshop = std::move(resources_.others);
-  if (metadata.iptc.empty()) metadata.iptc = std::move(resources_.iptc);
+  if (!resources_.empty()) {
+    // The records of tag 33723 count before those among the resources.
+    std::vector<uint8_t> records = std::move(metadata.iptc);
+    SplitImageResources(resources_, metadata);
+    if (!records.empty()) metadata.iptc = std::move(records);
+  }
   metadata.resolution = ResolutionOfPage(reader_, page_);
-  if (!metadata.resolution.IsKnown()) metadata.resolution = resources_.resolution;
+  if (!metadata.resolution.IsKnown()) {
+    metadata.resolution = ResolutionOf(ImageResources(metadata.photoshop));
+  }
   const uint64_t orientation = reader_.Integer(page_, TIFFTAG_ORIENTATION, 0);
   if (orientation >= 1 && orientation <= 8) header_.orientation = static_cast<int>(orientation);
 }
