@@ -38,6 +38,7 @@ constexpr Folder kFolders[] = {
     {"rasterkit/codecs/png", 12},
     {"rasterkit/codecs/tiff", 12},
     {"rasterkit/codecs/webp", 12},
+    {"rasterkit/codecs/tiff/pages", 13},
     {"rasterkit/codecs/bmp", 13},
     {"rasterkit/codecs/messages", 13},
     {"rasterkit/codecs/ico", 14},
