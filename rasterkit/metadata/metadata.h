@@ -30,6 +30,8 @@ struct OtherBlock {
   /// The marker of a JPEG segment (0xE0 to 0xEF); the four letters of a PNG chunk, big-endian.
   uint32_t kind = 0;
   std::vector<uint8_t> bytes;
+  /// True for a PNG chunk behind the pixels.
+  bool isBehindPixels = false;
   friend bool operator==(const OtherBlock&, const OtherBlock&) = default;
 };
 

@@ -68,14 +68,19 @@ Resolution ResolutionOf(const TMetafile& metafile, const MetafileDrawing& drawin
 
 }  // namespace
 
+DrawnSize DrawnSizeOf(const TMetafile& metafile, const MetafileDrawing& drawing) {
+  const PictureSize size = SizeOf(metafile, drawing);
+  return {size, ResolutionOf(metafile, drawing, size)};
+}
+
 DrawnMetafile DrawMetafile(const TMetafile& metafile, const MetafileDrawing& drawing,
                            const std::function<bool()>& keepGoing) {
-  const PictureSize size = SizeOf(metafile, drawing);
+  const DrawnSize size = DrawnSizeOf(metafile, drawing);
   DrawnMetafile drawn;
-  const Raster rows =
-      metafile.Draw(size.width, size.height, drawing.background, keepGoing, &drawn.warnings);
+  const Raster rows = metafile.Draw(size.pixels.width, size.pixels.height, drawing.background,
+                                    keepGoing, &drawn.warnings);
   drawn.rows = ConvertRaster(rows, pf24bit);
-  drawn.rows.resolution = ResolutionOf(metafile, drawing, size);
+  drawn.rows.resolution = size.resolution;
   return drawn;
 }
 

@@ -30,6 +30,15 @@ struct DrawnMetafile {
   std::vector<std::string> warnings;
 };
 
+/// Size and resolution of a drawing.
+struct DrawnSize {
+  PictureSize pixels;
+  Resolution resolution;
+};
+
+/// The size that DrawMetafile draws. Throws LimitError as it does.
+DrawnSize DrawnSizeOf(const TMetafile& metafile, const MetafileDrawing& drawing);
+
 /// Draws a loaded metafile. Throws UnsupportedError if it cannot be drawn, LimitError if the
 /// picture memory budget is exceeded, if the file itself states more than 268 million pixels, or if
 /// its size, or that at `dpi`, is not plausible: such a header is more likely damaged than meant.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <rasterkit/codecs/jpeg/jpeg_decoder.h>
+#include <rasterkit/codecs/jpeg/jpeg_parts.h>
 
 namespace rasterkit::detail {
 
@@ -29,6 +30,9 @@ struct JpegLayout {
 /// between segments are skipped, as decoders do. Throws FormatError if there is no frame or no
 /// scan, or a header segment is truncated.
 JpegLayout ReadJpegLayout(std::span<const uint8_t> bytes);
+
+/// The same from a walked head; walks on to the end if there are many scans.
+JpegLayout LayoutOfJpeg(std::span<const uint8_t> bytes, JpegParts& parts);
 
 /// Joins the pieces in their order; empty if there are none or some are missing. A single piece is
 /// taken regardless of its number.
