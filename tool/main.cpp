@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tool/arguments/color_argument.h"
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
@@ -57,14 +58,18 @@ HelpPage ToolHelp() {
   help.paragraphs = {
       "Inputs come first, the output comes last. Results go to stdout, everything else to stderr. "
       "'rasterkit VERB --help' explains a verb."};
-  help.sections = {{"Exit codes",
-                    {{"0", "done"},
-                     {"1", "the answer is no, or a window was canceled"},
-                     {"2", "wrong usage"},
-                     {"3", "an input cannot be read"},
-                     {"4", "an output was not written"},
-                     {"5", "something was not carried over to the output (with --strict)"},
-                     {"130", "interrupted"}}}};
+  help.sections = {
+      {"Values",
+       {{"COLOR", "RRGGBB or #RRGGBB in hexadecimal digits, or a name: " + ColorNames()},
+        {"percent", "a number and %, such as 50% or 12.5%"}}},
+      {"Exit codes",
+       {{"0", "done"},
+        {"1", "the answer is no, or a window was canceled"},
+        {"2", "wrong usage"},
+        {"3", "an input cannot be read"},
+        {"4", "an output was not written"},
+        {"5", "something was not carried over to the output (with --strict)"},
+        {"130", "interrupted"}}}};
   help.examples = {"rasterkit convert photo.jpg upright.png"};
   return help;
 }

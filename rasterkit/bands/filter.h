@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <rasterkit/raster/pixel_format.h>
 
 namespace rasterkit {
@@ -11,9 +13,30 @@ enum class Filter { automatic, nearest, linear, area };
 
 /// What stands where a turned picture has no pixels.
 struct Fill {
-  enum class Kind { color, transparent, noData, edge, automatic };
+  enum class Kind {
+    /// The color; in a palette the nearest entry.
+    color,
+    /// Nothing: a transparent color in a palette that has room for it, else alpha 0.
+    transparent,
+    /// The number that means "not measured".
+    noData,
+    /// The nearest pixel of the picture's edge.
+    edge,
+    /// Samples: "not measured" if the picture has such a number, alpha 0 if it has alpha, else the
+    /// color. Rasters: alpha 0, or the color that is marked as transparent; if there is none,
+    /// near-white is marked (see RotateBitmap).
+    automatic
+  };
   Kind kind = Kind::color;
   TColor color = clWhite;
+};
+
+/// How pixels are taken from a turned picture.
+struct Resampling {
+  Filter filter = Filter::automatic;
+  Fill fill;
+  /// The number that means "not measured": it is never mixed with others.
+  std::optional<double> noData;
 };
 
 /// `leftRight` exchanges left and right, `topBottom` top and bottom.

@@ -11,12 +11,16 @@
 #include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/codecs/jpeg/jpeg_encoder.h>
 #include <rasterkit/codecs/jpeg/jpeg_metadata.h>
+#include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/jpeg/jpeg_signature.h>
 #include <rasterkit/codecs/png/png_decoder.h>
 #include <rasterkit/codecs/png/png_encoder.h>
 #include <rasterkit/codecs/png/png_metadata.h>
+#include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/codecs/png/png_signature.h>
+#include <rasterkit/codecs/provisional_io.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
+#include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/codecs/tiff/tiff_signature.h>
 #include <rasterkit/codecs/webp/webp_decoder.h>
 #include <rasterkit/codecs/webp/webp_metadata.h>
@@ -27,11 +31,11 @@
 namespace rasterkit {
 namespace {
 
-void WriteBmp(const Raster& raster, TStream& stream, const EncodeOptions&) {
+void EncodeAsBmp(const Raster& raster, TStream& stream, const EncodeOptions&) {
   EncodeBmp(raster, stream, BmpProfile::embed);
 }
 
-void WriteJpeg(const Raster& raster, TStream& stream, const EncodeOptions& options) {
+void EncodeAsJpeg(const Raster& raster, TStream& stream, const EncodeOptions& options) {
   const bool isGray = raster.Format() == pf8bit && IsGrayRamp(raster.palette);
   if (isGray || raster.Format() == pf24bit) {
     stream.Write(EncodeJpeg(raster, options.quality));
@@ -40,16 +44,32 @@ void WriteJpeg(const Raster& raster, TStream& stream, const EncodeOptions& optio
   }
 }
 
-void WritePng(const Raster& raster, TStream& stream, const EncodeOptions&) {
+void EncodeAsPng(const Raster& raster, TStream& stream, const EncodeOptions&) {
   EncodePng(raster, stream);
 }
 
-void WriteTiff(const Raster& raster, TStream& stream, const EncodeOptions& options) {
+void EncodeAsTiff(const Raster& raster, TStream& stream, const EncodeOptions& options) {
   if (raster.Format() == pf15bit || raster.Format() == pf16bit) {
     EncodeTiff(ConvertRaster(raster, pf24bit), stream, options.tiff);
   } else {
     EncodeTiff(raster, stream, options.tiff);
   }
+}
+
+/// Functions of formats that are read from memory, for a stream.
+template <PictureHeader (*read)(std::span<const uint8_t>)>
+PictureHeader HeaderOf(TStream& stream) {
+  return read(stream.ReadToEnd());
+}
+
+template <Pixels (*decode)(std::span<const uint8_t>, CodecReport*)>
+Pixels PixelsOf(TStream& stream, const FrameOptions&, CodecReport* report) {
+  return decode(stream.ReadToEnd(), report);
+}
+
+template <WrittenPicture (*copy)(std::span<const uint8_t>, const PictureWriting&, TStream&)>
+WrittenPicture CopyOf(TStream& source, const PictureWriting& writing, TStream& stream) {
+  return copy(source.ReadToEnd(), writing, stream);
 }
 
 /// PDF is the last row: its header may follow any other bytes.
@@ -59,31 +79,45 @@ constexpr Codec kCodecs[] = {
      .extensions = {"bmp"},
      .matches = detail::IsBmp,
      .decodeStream = DecodeBmp,
-     .encode = WriteBmp,
-     .keepsAlpha = true},
+     .encode = EncodeAsBmp,
+     .keepsAlpha = true,
+     .readHeader = ReadBmpHeader,
+     .write = WriteBmp},
     {.type = PictureType::jpeg,
      .name = "jpeg",
      .extensions = {"jpg", "jpeg"},
      .matches = detail::IsJpeg,
      .decodeBytes = DecodeJpeg,
      .readMetadata = detail::ReadJpegMetadata,
-     .encode = WriteJpeg},
+     .encode = EncodeAsJpeg,
+     .readHeader = HeaderOf<ReadJpegHeader>,
+     .decodePixels = PixelsOf<DecodeJpegPixels>,
+     .write = WriteJpeg,
+     .copy = CopyOf<CopyJpeg>},
     {.type = PictureType::png,
      .name = "png",
      .extensions = {"png"},
      .matches = detail::IsPng,
      .decodeBytes = DecodePng,
      .readMetadata = detail::ReadPngMetadata,
-     .encode = WritePng,
+     .encode = EncodeAsPng,
      .keepsAlpha = true,
-     .keepsTransparentColor = true},
+     .keepsTransparentColor = true,
+     .readHeader = HeaderOf<ReadPngHeader>,
+     .decodePixels = PixelsOf<DecodePngPixels>,
+     .write = WritePng,
+     .copy = CopyOf<CopyPng>},
     {.type = PictureType::tiff,
      .name = "tiff",
      .extensions = {"tif", "tiff"},
      .matches = detail::IsTiff,
      .decodeFrame = DecodeTiff,
-     .encode = WriteTiff,
-     .keepsAlpha = true},
+     .encode = EncodeAsTiff,
+     .keepsAlpha = true,
+     .readHeader = ReadTiffHeader,
+     .decodePixels = DecodeTiffPixels,
+     .write = WriteTiff,
+     .copy = CopyTiff},
     {.type = PictureType::wmf, .name = "wmf", .extensions = {"wmf"}, .matches = detail::IsWmf},
     {.type = PictureType::emf, .name = "emf", .extensions = {"emf"}, .matches = detail::IsEmf},
     {.type = PictureType::gif,
@@ -91,13 +125,15 @@ constexpr Codec kCodecs[] = {
      .extensions = {"gif"},
      .matches = detail::IsGif,
      .decodeBytes = DecodeGif,
-     .readMetadata = detail::ReadGifMetadata},
+     .readMetadata = detail::ReadGifMetadata,
+     .readHeader = HeaderOf<ReadGifHeader>},
     {.type = PictureType::webp,
      .name = "webp",
      .extensions = {"webp"},
      .matches = detail::IsWebp,
      .decodeBytes = DecodeWebp,
-     .readMetadata = detail::ReadWebpMetadata},
+     .readMetadata = detail::ReadWebpMetadata,
+     .readHeader = HeaderOf<ReadWebpHeader>},
     {.type = PictureType::pdf, .name = "pdf", .extensions = {"pdf"}, .matches = detail::IsPdf},
 };
 

@@ -9,8 +9,11 @@
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/rows/frame_options.h>
 #include <rasterkit/codecs/rows/imaging_frame.h>
+#include <rasterkit/codecs/rows/picture_header.h>
 #include <rasterkit/codecs/rows/picture_metadata.h>
+#include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
+#include <rasterkit/raster/pixels.h>
 #include <rasterkit/raster/raster.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/stream.h>
@@ -52,6 +55,16 @@ struct Codec {
   void (*encode)(const Raster& raster, TStream& stream, const EncodeOptions& options) = nullptr;
   /// What encode keeps.
   bool keepsAlpha = false, keepsTransparentColor = false;
+
+  /// Reading and writing of all that a file states, see picture_io.h. The streams have a size and
+  /// start at the file.
+  PictureHeader (*readHeader)(TStream& stream) = nullptr;
+  /// Null: the decoder above gives all that the file has.
+  Pixels (*decodePixels)(TStream& stream, const FrameOptions& options,
+                         CodecReport* report) = nullptr;
+  WrittenPicture (*write)(const Pixels& pixels, const PictureWriting& writing,
+                          TStream& stream) = nullptr;
+  WrittenPicture (*copy)(TStream& source, const PictureWriting& writing, TStream& stream) = nullptr;
 
   bool IsDecoded() const {
     return decodeBytes != nullptr || decodeStream != nullptr || decodeFrame != nullptr;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/metadata/ifd.h>
 #include <rasterkit/metadata/tag_value.h>
 #include <rasterkit/runtime/export.h>
 
@@ -18,8 +19,9 @@ enum class ExifDirectoryId { main, exif, gps, interop, thumbnail };
 ///
 /// A change keeps the place of everything that stays: a value of the same size or smaller is
 /// overwritten where it stands, what grows goes to the end of the block, removed bytes become
-/// zeros. The maker note keeps its bytes and its offset. Damage ends a directory early; damaged
-/// blocks can be read, and changed by `SetUpright` alone.
+/// zeros. The maker note keeps its bytes and its offset. Entries whose values lie outside the block
+/// are left out, a directory that ends early is read as far as it goes. Such damaged blocks can be
+/// read, and changed by `SetUpright` and `EraseThumbnail`; other changes throw FormatError.
 class RASTERKIT_EXPORT ExifBlock {
  public:
   /// An empty little-endian block.
@@ -46,12 +48,14 @@ class RASTERKIT_EXPORT ExifBlock {
   /// Rationals and integers as doubles; a fraction with denominator 0 is NaN.
   std::vector<double> Numbers(ExifDirectoryId directory, uint16_t tag) const;
 
-  /// Makes the directory and the pointer to it if needed.
+  /// Makes the directory and the pointer to it if needed. Throws RangeError for a value whose bytes
+  /// do not fit its type and count, and for pointers to directories.
   void Set(ExifDirectoryId directory, const TagValue& value);
   void SetWords(ExifDirectoryId directory, uint16_t tag, std::span<const uint16_t> values);
   void SetLong(ExifDirectoryId directory, uint16_t tag, uint32_t value);
   void SetRational(ExifDirectoryId directory, uint16_t tag, double value);
   void SetText(ExifDirectoryId directory, uint16_t tag, const std::string& text);
+  /// Removes all entries of this tag. With a pointer (34665, 34853, 40965) goes its directory.
   void Remove(ExifDirectoryId directory, uint16_t tag);
 
   /// The JPEG thumbnail; empty if there is none.
@@ -64,30 +68,59 @@ class RASTERKIT_EXPORT ExifBlock {
   /// becomes shorter if they are at its end.
   void RemoveThumbnail();
 
+  /// Overwrites the thumbnail with zeros and the link to it, in a damaged block too.
+  void EraseThumbnail();
+
   /// Sets the orientation to 1 if the block states another one, also in a damaged block. False if
   /// the block is damaged and its orientation cannot be found: an unknown one could be left.
   bool SetUpright();
 
  private:
-  struct Entry {
-    uint16_t tag = 0, type = 0;
-    uint64_t count = 0;
-    /// Places in the block: the entry itself (12 bytes) and its values.
-    size_t entryAt = 0, valuesAt = 0, valueBytes = 0;
-  };
-  struct Directory {
+  using Entry = detail::IfdEntry;
+  struct Directory : detail::Ifd {
     ExifDirectoryId id = ExifDirectoryId::main;
-    size_t at = 0;
     /// Place of the offset that leads here.
-    size_t linkAt = 0;
-    std::vector<Entry> entries;
+    size_t pointerAt = 0;
+
+    bool HasNext() const;
+    /// Count, entries and, where it counts, the link to the next directory.
+    detail::ByteRange Whole() const;
   };
 
   void Walk();
+  void WalkDirectory(ExifDirectoryId id, size_t at, size_t pointerAt);
+  void FollowPointer(ExifDirectoryId from, uint16_t tag, ExifDirectoryId to);
+  void RequireWhole() const;
+  const Directory* FindDirectory(ExifDirectoryId id) const;
   const Entry* Find(ExifDirectoryId directory, uint16_t tag) const;
+  TagValue ValueOf(const Entry& entry) const;
+
+  std::vector<detail::ByteRange> ThumbnailRanges() const;
+  /// What stands in a range: header, tables, values, thumbnail.
+  std::vector<detail::ByteRange> UsersOf(const detail::ByteRange& range) const;
+  /// Overwrites the unused parts of a range with zeros.
+  void Free(const detail::ByteRange& range);
+  void FreeDirectory(const Directory& directory);
+  void DropFreeEnd();
+
+  size_t Append(std::span<const uint8_t> bytes);
+  void PutWordAt(size_t at, uint16_t value);
+  void PutLongAt(size_t at, uint32_t value);
+  void EnsureDirectory(ExifDirectoryId id);
+  /// The bytes of all entries.
+  std::vector<uint8_t> EntriesOf(ExifDirectoryId id) const;
+  void AddEntry(ExifDirectoryId id, uint16_t tag);
+  void WriteTable(size_t at, const Directory& directory, const std::vector<uint8_t>& entries);
+  void MoveTable(ExifDirectoryId id, const std::vector<uint8_t>& entries);
+  void RemoveEntry(ExifDirectoryId id, const Entry& entry);
+  void WriteValue(const Entry& entry, const TagValue& value);
+  bool ReplaceThumbnail(std::span<const uint8_t> jpeg);
+  void AppendThumbnail(std::span<const uint8_t> jpeg);
 
   std::vector<uint8_t> bytes_;
   std::vector<Directory> directories_;
+  /// Zeros that nothing uses.
+  std::vector<detail::ByteRange> free_;
   bool isBigEndian_ = false, isDamaged_ = false;
 };
 

@@ -30,6 +30,8 @@ struct OtherBlock {
   /// The marker of a JPEG segment (0xE0 to 0xEF); the four letters of a PNG chunk, big-endian.
   uint32_t kind = 0;
   std::vector<uint8_t> bytes;
+  /// True for a PNG chunk behind the pixels.
+  bool isBehindPixels = false;
   friend bool operator==(const OtherBlock&, const OtherBlock&) = default;
 };
 
@@ -65,17 +67,23 @@ struct Metadata {
   friend bool operator==(const Metadata&, const Metadata&) = default;
 };
 
-/// The resolutions that a file states, each unknown if absent. `jfif` and `phys` are those of the
-/// picture file's own header.
+/// The resolutions that a file states, each unknown if absent. `header` is that of the picture
+/// file's own header: JFIF with a unit, pHYs and so on.
 struct StatedResolutions {
   Resolution header;
   /// JFIF rounds to whole numbers.
   bool headerIsWhole = false;
+  /// Dots per inch of one dot of the header's unit: 1, or 2.54 for dots per centimeter.
+  double headerUnit = 1;
   Resolution exif, photoshop;
 };
 
 /// Chooses: the header's, then EXIF, then Photoshop's. Where EXIF and a header of whole numbers
 /// agree within the rounding, EXIF counts.
 RASTERKIT_EXPORT Resolution ChooseResolution(const StatedResolutions& stated);
+
+/// The resolution of whole dots per meter, as in PNG and BMP files: the whole number of dots per
+/// inch within half a unit of it, if there is one. Unknown if one of them is 0.
+RASTERKIT_EXPORT Resolution FromDotsPerMeter(uint32_t x, uint32_t y);
 
 }  // namespace rasterkit

@@ -8,8 +8,9 @@
 #include <rasterkit/codecs/rows/form.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/metadata/metadata.h>
-#include <rasterkit/pictures/metafile_drawing.h>
+#include <rasterkit/pictures/open_options.h>
 #include <rasterkit/pictures/report.h>
+#include <rasterkit/pictures/row_sink.h>
 #include <rasterkit/pictures/run.h>
 #include <rasterkit/pictures/save_options.h>
 #include <rasterkit/pictures/steps.h>
@@ -17,32 +18,14 @@
 #include <rasterkit/raster/samples.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/stream.h>
-#include <rasterkit/runtime/isolation.h>
 
 namespace rasterkit {
 
 namespace detail {
 class PictureSource;
 struct PictureState;
+struct PictureParts;
 }  // namespace detail
-
-/// How a picture is opened.
-struct OpenOptions {
-  /// Which position counts, and a world file of another name.
-  PlacementReading position;
-  /// How a metafile is drawn.
-  MetafileDrawing drawing;
-  /// Where the file is read.
-  Isolation isolation = Isolation::none;
-};
-
-/// Takes rows of a picture from top to bottom.
-class RASTERKIT_EXPORT RowSink {
- public:
-  virtual ~RowSink() = default;
-  /// The rows from `top` on, valid during the call.
-  virtual void Take(const Raster& rows, int top) = 0;
-};
 
 /// A picture as a value: a source that is never changed, and the steps that lead to what is wanted.
 ///
@@ -57,8 +40,9 @@ class RASTERKIT_EXPORT RowSink {
 class RASTERKIT_EXPORT Picture {
  public:
   /// Reads the headers, once, and keeps the file open: a later Save reads its pixels even if the
-  /// name is then another file's. The orientation of EXIF or TIFF becomes the first step. Throws
-  /// FileError, FormatError, UnsupportedError, LimitError.
+  /// name is then another file's, and throws FileError if the open file itself was changed. The
+  /// orientation of EXIF or TIFF becomes the first step. Throws FileError, FormatError,
+  /// UnsupportedError, LimitError.
   static Picture Open(const std::string& file, const OpenOptions& options = {});
   /// Takes over the bytes of a file.
   static Picture Open(std::vector<uint8_t> bytes, const OpenOptions& options = {});
@@ -118,6 +102,7 @@ class RASTERKIT_EXPORT Picture {
   void Rows(RowSink& sink, const Run& run = {}) const;
 
  private:
+  friend struct detail::PictureParts;
   explicit Picture(std::shared_ptr<const detail::PictureSource> source);
 
   std::shared_ptr<const detail::PictureSource> source_;

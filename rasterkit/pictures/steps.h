@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <rasterkit/bands/color_change.h>
+#include <rasterkit/bands/combine.h>
 #include <rasterkit/bands/filter.h>
 #include <rasterkit/raster/pixel_format.h>
 
@@ -61,7 +62,6 @@ struct ChangeStep {
   ColorChange change;
 };
 
-enum class CombineMode { key, transparent, shadow, overwrite, intoWhite, watermark };
 enum class CombineAlign { automatic, map, none };
 struct CombineOptions {
   CombineMode mode = CombineMode::key;

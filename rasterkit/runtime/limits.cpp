@@ -2,6 +2,7 @@
 #include <cmath>
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -17,6 +18,11 @@ constexpr Clock::time_point kNoEnd = Clock::time_point::max();
 
 std::mutex mutexOfDefault;
 Limits defaultLimits;
+
+bool IsCanceled(const CallLimits& call) {
+  return std::any_of(call.cancel.begin(), call.cancel.end(),
+                     [](const std::stop_token& token) { return token.stop_requested(); });
+}
 
 /// The innermost scope of this thread; null outside of calls. A pointer needs no destructor, so
 /// that static objects may use it when the thread ends.
@@ -37,9 +43,16 @@ double StricterTime(double a, double b) {
 }
 
 CallLimits Narrowed(const Limits& limits) {
-  CallLimits call = CurrentCall();
+  CallLimits call = current != nullptr ? *current : CallLimits();
   call.limits = call.limits ? Stricter(*call.limits, limits) : limits;
   call.end = std::min(call.end, EndAfter(limits.seconds));
+  return call;
+}
+
+CallLimits Cancelable(const Limits& limits, std::stop_token cancel, std::function<void()> onCheck) {
+  CallLimits call = Narrowed(limits);
+  if (cancel.stop_possible()) call.cancel.push_back(std::move(cancel));
+  if (onCheck) call.onCheck = std::move(onCheck);
   return call;
 }
 
@@ -77,10 +90,18 @@ Limits CurrentLimits() {
 }
 
 CallLimits CurrentCall() {
-  return current != nullptr ? *current : CallLimits();
+  CallLimits call = current != nullptr ? *current : CallLimits();
+  call.onCheck = nullptr;
+  return call;
 }
 
 LimitsScope::LimitsScope(const Limits& limits) : call_(Narrowed(limits)), before_(current) {
+  current = &call_;
+}
+
+LimitsScope::LimitsScope(const Limits& limits, std::stop_token cancel,
+                         std::function<void()> onCheck)
+    : call_(Cancelable(limits, std::move(cancel), std::move(onCheck))), before_(current) {
   current = &call_;
 }
 
@@ -95,13 +116,18 @@ LimitsScope::~LimitsScope() {
 }
 
 double SecondsLeft() {
-  if (current == nullptr || current->end == kNoEnd) return kNoTimeLimit;
+  if (current == nullptr) return kNoTimeLimit;
+  if (IsCanceled(*current)) return 0;
+  if (current->end == kNoEnd) return kNoTimeLimit;
   const std::chrono::duration<double> left = current->end - Clock::now();
   return std::max(left.count(), 0.0);
 }
 
 void RequireTime() {
-  if (current == nullptr || current->end == kNoEnd || Clock::now() < current->end) return;
+  if (current == nullptr) return;
+  if (IsCanceled(*current)) throw CanceledError("canceled");
+  if (current->onCheck) current->onCheck();
+  if (current->end == kNoEnd || Clock::now() < current->end) return;
   throw TimeLimitError(
       fmt::format("the time limit of {} seconds is over", CurrentLimits().seconds));
 }

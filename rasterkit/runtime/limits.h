@@ -2,10 +2,13 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string_view>
+#include <vector>
 
 #include <rasterkit/runtime/export.h>
 
@@ -66,6 +69,10 @@ struct CallLimits {
   std::chrono::steady_clock::time_point end = std::chrono::steady_clock::time_point::max();
   /// The job that the memory of the call belongs to; null if there is none.
   std::shared_ptr<detail::MemoryJob> job;
+  /// Each of them can end the call.
+  std::vector<std::stop_token> cancel;
+  /// Called by RequireTime on the thread of the scope that set it; never handed to other threads.
+  std::function<void()> onCheck;
 };
 
 /// Returns the limits of the call on this thread.
@@ -82,6 +89,9 @@ class RASTERKIT_EXPORT LimitsScope {
   LimitsScope() : LimitsScope(CurrentLimits()) {}
   /// The time of `limits.seconds` starts now.
   explicit LimitsScope(const Limits& limits);
+  /// A stop of `cancel` ends the call: RequireTime throws CanceledError then. `onCheck`, if set, is
+  /// called by each RequireTime on this thread.
+  LimitsScope(const Limits& limits, std::stop_token cancel, std::function<void()> onCheck = {});
   /// Joins a call that runs on another thread. Replaces what this thread has.
   explicit LimitsScope(const CallLimits& call);
   ~LimitsScope();
@@ -93,11 +103,12 @@ class RASTERKIT_EXPORT LimitsScope {
   const CallLimits* const before_;
 };
 
-/// Returns the seconds that are left for the call on this thread: 0 if its time is over,
-/// kNoTimeLimit without a limit.
+/// Returns the seconds that are left for the call on this thread: 0 if its time is over or it was
+/// canceled, kNoTimeLimit without a limit.
 RASTERKIT_EXPORT double SecondsLeft();
 
-/// Throws TimeLimitError if the time of the call on this thread is over. Quick enough for each row.
+/// Throws TimeLimitError if the time of the call on this thread is over, CanceledError if the call
+/// was canceled (see LimitsScope). Quick enough for each row.
 RASTERKIT_EXPORT void RequireTime();
 
 /// Throws LimitError if a picture of this size has more pixels, or a longer side, than the limits

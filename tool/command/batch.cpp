@@ -73,13 +73,13 @@ void RequireDistinctOutputs(const std::vector<Job>& jobs) {
   }
 }
 
-void RequireFreeOutput(const OutputOptions& options, const Job& job) {
+void RequireFreeOutput(const Job& job) {
   std::error_code ignored;
   const auto status = std::filesystem::status(ToPath(job.output), ignored);
   if (std::filesystem::is_directory(status)) {
     throw Failure(exitOutputNotWritten, job.output + ": this is a folder");
   }
-  if (std::filesystem::is_regular_file(status) && !options.overwrite) {
+  if (std::filesystem::is_regular_file(status) && !job.saving.overwrite) {
     throw Failure(exitOutputNotWritten, job.output + ": already exists (--overwrite replaces it)");
   }
 }
@@ -90,7 +90,7 @@ Outcome RunJob(const OutputOptions& options, const Job& job,
   Outcome outcome;
   try {
     StopIfInterrupted();
-    RequireFreeOutput(options, job);
+    RequireFreeOutput(job);
     outcome.result = work(job);
     if (options.strict && !outcome.result.notCarriedOver.empty()) outcome.code = exitNotCarriedOver;
   } catch (const Failure& failure) {
@@ -160,6 +160,7 @@ void PrintJson(const Job& job, const Outcome& outcome) {
 
 void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& outcome) {
   for (const std::string& warning : outcome.result.warnings) {
+    if (options.quiet) break;
     PrintMessage(fmt::format("{}: warning: {}", job.input, warning));
   }
   if (outcome.code == exitInterrupted) {
@@ -183,7 +184,7 @@ class Batch {
         jobs_(jobs),
         work_(work),
         outcomes_(jobs.size()),
-        progress_(jobs.size()) {}
+        progress_(options.quiet ? 1 : jobs.size()) {}
 
   int Run() {
     std::vector<std::thread> helpers;
@@ -312,6 +313,17 @@ std::vector<Job> PlanFolder(const OutputOptions& options) {
   return jobs;
 }
 
+std::vector<Job> PlanInPlace(const OutputOptions& options) {
+  if (!options.outDir.empty() || !options.type.empty()) {
+    throw Failure(exitWrongUsage, "--in-place cannot be used with --out-dir or --type");
+  }
+  std::vector<Job> jobs;
+  for (const std::string& input : options.files) {
+    jobs.push_back({input, input, 0, options.Saving()});
+  }
+  return jobs;
+}
+
 std::vector<Job> PlanSingle(const OutputOptions& options) {
   if (!options.type.empty()) {
     throw Failure(exitWrongUsage,
@@ -327,7 +339,9 @@ std::vector<Job> PlanSingle(const OutputOptions& options) {
 }  // namespace
 
 std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyExtension) {
-  std::vector<Job> jobs = options.outDir.empty() ? PlanSingle(options) : PlanFolder(options);
+  std::vector<Job> jobs = options.inPlace          ? PlanInPlace(options)
+                          : options.outDir.empty() ? PlanSingle(options)
+                                                   : PlanFolder(options);
   for (const Job& job : jobs) {
     if (onlyExtension.empty()) {
       RequireWritableType(job.output, options.takesMetafiles);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <deque>
 
+#include "tool/arguments/near_word.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/option_parts.h"
 #include "tool/command/printable.h"
@@ -44,6 +45,7 @@ HelpPage PageOf(const VerbParts& verb) {
   page.paragraphs = verb.help.paragraphs;
   page.sections = {{"Files", {}}, {"Options", {kHelpFlag}}};
   for (const OptionParts& option : verb.options) {
+    if (option.isHidden) continue;
     SectionOf(page, option.section).entries.push_back({option.entry.name, TextOf(option)});
     if (!option.name.empty()) continue;
     page.usage += option.isRequired ? ' ' + option.entry.name : " [" + option.entry.name + ']';
@@ -108,6 +110,28 @@ struct CommandLine::Parts {
     return what;
   }
 
+  /// Names the first argument that nothing takes, and the word that it may stand for.
+  std::string Unknown(const std::vector<std::string>& arguments) const {
+    const VerbParts* const verb = Chosen();
+    const std::string& text = arguments.front();
+    const bool isOption = text.starts_with('-');
+    std::vector<std::string> words;
+    if (isOption) {
+      words.emplace_back("--help");
+      if (verb == nullptr) words.emplace_back("--version");
+      for (const OptionParts& option :
+           verb != nullptr ? verb->options : std::deque<OptionParts>()) {
+        if (!option.isHidden && !option.name.empty()) words.push_back(option.name);
+      }
+    } else if (verb == nullptr) {
+      for (const VerbParts& other : verbs) words.push_back(other.help.name);
+    }
+    const char* const kind = isOption          ? "unknown option: "
+                             : verb == nullptr ? "unknown verb: "
+                                               : "unknown argument: ";
+    return kind + text + DidYouMean(text.substr(0, text.find('=')), words);
+  }
+
   int Refuse(const std::string& what) const {
     const VerbParts* const verb = Chosen();
     const std::string name = verb == nullptr ? "rasterkit" : "rasterkit " + verb->help.name;
@@ -149,7 +173,7 @@ std::optional<int> CommandLine::Parse(int argc, char** argv) {
     std::printf("%s\n", version.what());
     return exitDone;
   } catch (const CLI::ExtrasError&) {
-    return parts_->Refuse("unknown argument: " + Joined(parts_->app.remaining(true)));
+    return parts_->Refuse(parts_->Unknown(parts_->app.remaining(true)));
   } catch (const CLI::ArgumentMismatch& error) {
     return parts_->Refuse(parts_->Mismatch(error.what()));
   } catch (const CLI::ParseError& error) {

@@ -23,6 +23,8 @@ struct OptionParts {
   HelpEntry entry;
   std::string section;
   bool isRequired = false;
+  /// Accepted, but not in the help.
+  bool isHidden = false;
   /// Names of other options.
   std::vector<std::string> needed, excluded;
 };

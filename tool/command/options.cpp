@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "tool/arguments/near_word.h"
 #include "tool/command/option_parts.h"
 
 #include <CLI/CLI.hpp>
@@ -76,7 +77,7 @@ std::optional<double> ReadReal(const std::string& text) {
 TextCheck CheckChoice(const std::vector<std::string>& choices) {
   return [choices](const std::string& text) {
     if (std::count(choices.begin(), choices.end(), text) > 0) return std::string();
-    return WrongValue("one of " + Joined(choices), text);
+    return WrongValue("one of " + Joined(choices), text) + DidYouMean(text, choices);
   };
 }
 
@@ -87,6 +88,11 @@ Option Option::Required() const {
 
 Option Option::In(const std::string& section) const {
   parts_->section = section;
+  return *this;
+}
+
+Option Option::Hidden() const {
+  parts_->isHidden = true;
   return *this;
 }
 
@@ -105,6 +111,15 @@ Option Option::Excludes(const Option& other) const {
 
 Option Verb::Flag(const std::string& name, bool& value, const std::string& description) {
   return Option(AddOption(*parts_, parts_->parsed->add_flag(name, value), name, {}, description));
+}
+
+Option Verb::Flag(const std::string& letter, const std::string& name, bool& value,
+                  const std::string& description) {
+  const std::string names = letter + ", " + name;
+  OptionParts& parts = AddOption(*parts_, parts_->parsed->add_flag(letter + ',' + name, value),
+                                 name, {}, description);
+  parts.entry.name = names;
+  return Option(parts);
 }
 
 Option Verb::Parsed(const std::string& name, const std::string& valueName,

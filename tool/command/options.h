@@ -40,6 +40,8 @@ class Option {
   Option Required() const;
   /// Moves the option to a section of the help; options without one stand in "Options".
   Option In(const std::string& section) const;
+  /// Keeps the option out of the help: another name of an option, for command lines that use it.
+  Option Hidden() const;
   /// Makes it wrong usage to give this option without the other one.
   Option Needs(const Option& other) const;
   /// Makes it wrong usage to give both options.
@@ -58,6 +60,9 @@ class Option {
 class Verb {
  public:
   Option Flag(const std::string& name, bool& value, const std::string& description);
+  /// A flag that also has a name of one letter, such as "-q".
+  Option Flag(const std::string& letter, const std::string& name, bool& value,
+              const std::string& description);
   Option Number(const std::string& name, const std::string& valueName, int& value,
                 const NumberRange& range, const std::string& description);
   Option Number(const std::string& name, const std::string& valueName, std::optional<int>& value,

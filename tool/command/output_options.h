@@ -4,7 +4,7 @@
 #include <vector>
 
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
-#include <rasterkit/pictures/metafile_drawing.h>
+#include <rasterkit/pictures/reading/metafile_drawing.h>
 
 namespace rasterkit::tool {
 
@@ -27,13 +27,19 @@ struct OutputOptions {
   int jobs = 1;
   bool keepGoing = false;
   bool overwrite = false;
+  /// Each input is its own output.
+  bool inPlace = false;
   bool noSync = false;
   bool strict = false;
   bool json = false;
+  /// No warnings, notes and progress.
+  bool quiet = false;
+  /// The verb has --in-place.
+  bool takesInPlace = false;
   /// Outputs may be metafiles too.
   bool takesMetafiles = false;
 
-  SaveRules Saving() const { return {overwrite, !noSync}; }
+  SaveRules Saving() const { return {overwrite || inPlace, !noSync}; }
 };
 
 /// How a picture is turned and written.

@@ -2,10 +2,10 @@
 
 #include <cmath>
 
-#include <rasterkit/pictures/picture_size.h>
+#include <rasterkit/pictures/reading/picture_size.h>
 
-#include "tool/command/color_digits.h"
-#include "tool/command/size_option.h"
+#include "tool/arguments/color_argument.h"
+#include "tool/arguments/size_argument.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -15,9 +15,7 @@ constexpr const char* kFiles = "Files and results";
 constexpr const char* kPicture = "Output picture";
 
 std::string CheckBackground(const std::string& text) {
-  const bool ok = text == "auto" || CheckColor(text).empty();
-  return ok ? std::string()
-            : "a color is six hexadecimal digits RRGGBB, or auto, not '" + text + "'";
+  return text == "auto" ? std::string() : CheckColor(text);
 }
 
 std::string CheckAngle(const std::string& text) {
@@ -51,12 +49,20 @@ void AddOutputOptions(Verb& verb, OutputOptions& options, const std::string& val
   verb.Flag("--continue", options.keepGoing, "go on with the next picture after a failure")
       .In(kFiles);
   verb.Flag("--overwrite", options.overwrite, "replace existing outputs").In(kFiles);
+  if (options.takesInPlace) {
+    verb.Flag("--in-place", options.inPlace,
+              "write each input over itself; all files are inputs, and no output is given")
+        .In(kFiles);
+  }
   verb.Flag("--no-sync", options.noSync,
             "do not wait until outputs are on the disk; a power failure can lose them")
       .In(kFiles);
   verb.Flag("--strict", options.strict, "exit with code 5 if something was not carried over")
       .In(kFiles);
   verb.Flag("--json", options.json, "print one JSON object per picture on stdout").In(kFiles);
+  verb.Flag("-q", "--quiet", options.quiet,
+            "print no warnings and notes, and no progress; losses and errors are still printed")
+      .In(kFiles);
 }
 
 void AddType(Verb& verb, OutputOptions& options) {
@@ -74,14 +80,14 @@ Option AddAngle(Verb& verb, PictureOptions& options) {
 }
 
 void AddBackground(Verb& verb, PictureOptions& options) {
-  verb.Text("--background", "RRGGBB", options.background, CheckBackground,
+  verb.Text("--background", "COLOR", options.background, CheckBackground,
             "color of uncovered corners, behind dropped transparency and behind metafiles "
             "[FFFFFF]; auto makes the corners transparent")
       .In(kPicture);
 }
 
 void AddSolidBackground(Verb& verb, PictureOptions& options) {
-  verb.Text("--background", "RRGGBB", options.background, CheckColor,
+  verb.Text("--background", "COLOR", options.background, CheckColor,
             "color behind dropped transparency and behind metafiles [FFFFFF]")
       .In(kPicture);
 }

@@ -3,7 +3,7 @@
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/png_image.h>
 
-#include "tool/command/color_digits.h"
+#include "tool/arguments/color_argument.h"
 
 namespace rasterkit::tool {
 namespace {

@@ -7,7 +7,7 @@
 #include <rasterkit/bitmaptools/rotation/orient.h>
 #include <rasterkit/bitmaptools/rotation/rotate.h>
 
-#include "tool/command/color_digits.h"
+#include "tool/arguments/color_argument.h"
 
 namespace rasterkit::tool {
 namespace {

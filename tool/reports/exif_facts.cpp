@@ -2,14 +2,13 @@
 
 #include <fmt/core.h>
 
-#include <rasterkit/jpegexif/photo_queries.h>
-#include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/text.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/pictures/exif/exif_thumbnail.h"
 #include "tool/pictures/exif/jpeg_header.h"
 #include "tool/pictures/exif/jpeg_input.h"
+#include "tool/reports/exif_dates.h"
 #include "tool/reports/exif_names.h"
 
 namespace rasterkit::tool {
@@ -19,22 +18,6 @@ std::string TextOf(const ExifBlock& block, const char* directory, uint16_t tag) 
   const ExifDirectory* found = block.Find(directory);
   const ExifEntry* entry = found != nullptr ? found->Find(tag) : nullptr;
   return entry != nullptr ? block.Text(*entry) : "";
-}
-
-/// Converts an EXIF date, "2019:07:04 13:05:09", to ISO 8601; empty if it is invalid.
-std::string IsoDate(std::string text) {
-  constexpr size_t kLength = 19, kTimePlace = 10;
-  if (text.size() != kLength || text[4] != ':' || text[7] != ':' || text[kTimePlace] != ' ') {
-    return {};
-  }
-  try {
-    ParseExifDateTime(text);
-  } catch (const Error&) {
-    return {};
-  }
-  text[4] = text[7] = '-';
-  text[kTimePlace] = 'T';
-  return text;
 }
 
 /// The date when the photo was taken, or else when its file was last changed.

@@ -2,13 +2,15 @@
 
 namespace rasterkit::tool {
 
-Json GeoJson(const std::vector<GeoPosition>& positions) {
+Json GeoJson(const std::vector<StatedPosition>& positions) {
   JsonList list;
-  for (const GeoPosition& position : positions) {
+  for (const StatedPosition& position : positions) {
     JsonObject entry;
-    entry.Add("source", position.source);
+    const Affine& a = position.affine;
+    entry.Add("source", PositionSourceName(position.source));
     if (!position.file.empty()) entry.Add("file", position.file);
-    entry.Add("affine", position.affine);
+    entry.Add("affine", std::array{a.xPerColumn, a.yPerColumn, a.xPerRow, a.yPerRow, a.x, a.y});
+    entry.Add("difference", position.difference);
     list.Add(entry);
   }
   return list;

@@ -3,15 +3,16 @@
 #include <optional>
 #include <vector>
 
-#include <rasterkit/pictures/photo_facts.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
+#include <rasterkit/placement/placement.h>
 
 #include "tool/command/json.h"
-#include "tool/pictures/placement/geo_position.h"
 
 namespace rasterkit::tool {
 
-/// The list `geo` of JSON results: `source`, `file` for world files, and the six numbers.
-Json GeoJson(const std::vector<GeoPosition>& positions);
+/// The list `geo` of JSON results: `source`, `file` for files beside the picture, the six numbers,
+/// and the difference from the first position in pixels.
+Json GeoJson(const std::vector<StatedPosition>& positions);
 
 /// The object `gps` of JSON results, null without a position.
 Json GpsJson(const std::optional<GpsPosition>& gps);

@@ -1,11 +1,25 @@
 #include "tool/reports/picture_facts.h"
 
+#include <algorithm>
+#include <functional>
+#include <new>
+#include <span>
+
+#include <rasterkit/codecs/jpeg/jpeg_picture.h>
+#include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/codecs/unsized_picture.h>
+#include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/raster/pixel_format.h>
+#include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 
 #include "tool/command/exit_code.h"
-#include "tool/pictures/picture_input.h"
-#include "tool/pictures/placement/world_file.h"
+#include "tool/command/interruption.h"
+#include "tool/command/isolation_option.h"
+#include "tool/command/limit_options.h"
+#include "tool/reports/exif_dates.h"
+#include "tool/reports/layout_facts.h"
+#include "tool/reports/loaded_facts.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -16,40 +30,141 @@ std::string ReasonOf(const std::string& message, const std::string& file) {
   return message.rfind(prefix, 0) == 0 ? message.substr(prefix.size()) : message;
 }
 
-/// Gray frames have no palette: they use a gray ramp.
-int PaletteEntries(const ImagingFrame& frame) {
-  switch (frame.format) {
-    case GUID_WICPixelFormatBlackWhite:
-      return 2;
-    case GUID_WICPixelFormat4bppGray:
-      return 16;
-    case GUID_WICPixelFormat8bppGray:
-      return 256;
-    default:
-      return IsIndexed(frame.rows.Format()) ? frame.rows.palette.Count() : 0;
+bool IsMetafile(PictureType type) {
+  return type == PictureType::wmf || type == PictureType::emf;
+}
+
+std::vector<std::string> MetadataNames(const Metadata& metadata) {
+  std::vector<MetadataKind> kinds;
+  const auto add = [&](bool is, MetadataKind kind) {
+    if (is) kinds.push_back(kind);
+  };
+  add(!metadata.exif.empty(), MetadataKind::exif);
+  add(!metadata.xmp.empty(), MetadataKind::xmp);
+  add(!metadata.iptc.empty(), MetadataKind::iptc);
+  add(!metadata.comments.empty(), MetadataKind::comment);
+  add(!metadata.texts.empty(), MetadataKind::text);
+  add(metadata.profile != nullptr, MetadataKind::profile);
+  return MetadataKindNames(kinds);
+}
+
+void TakePhotograph(PictureFacts& facts, const Metadata& metadata) {
+  constexpr uint16_t kMake = 271, kModel = 272;
+  if (metadata.exif.empty()) return;
+  const ExifBlock block(metadata.exif);
+  facts.date = DateOf(block);
+  facts.make = block.Text(ExifDirectoryId::main, kMake);
+  facts.model = block.Text(ExifDirectoryId::main, kModel);
+}
+
+void TakePlacement(PictureFacts& facts, std::span<const TagValue> tags) {
+  facts.placement = ReadPlacement(facts.file, tags, facts.width, facts.height);
+  const std::vector<std::string>& warnings = facts.placement.warnings;
+  facts.warnings.insert(facts.warnings.end(), warnings.begin(), warnings.end());
+}
+
+void TakeHeader(PictureFacts& facts, const PictureHeader& header, PictureType type) {
+  facts.width = header.width;
+  facts.height = header.height;
+  facts.bits = ShownBits(header.layout, type);
+  facts.paletteEntries = ShownPaletteEntries(header.layout, type);
+  facts.transparent = header.layout.alpha != AlphaKind::none;
+  facts.grid = GridName(header.layout, type);
+  const Resolution& resolution = header.metadata.resolution;
+  if (resolution.IsKnown()) facts.dpi = {resolution.x, resolution.y};
+  facts.metadata =
+      facts.tiff ? MetadataKindNames(facts.tiff->metadata) : MetadataNames(header.metadata);
+  facts.pages = facts.tiff ? facts.tiff->pages : header.frames;
+  facts.photo.orientation = header.orientation;
+  facts.warnings.insert(facts.warnings.end(), header.warnings.begin(), header.warnings.end());
+  TakePhotograph(facts, header.metadata);
+  TakePlacement(facts, header.positionTags);
+}
+
+/// If the directories cannot be read, reading the header reports the error.
+void TakeTiffFacts(PictureFacts& facts, TStream& stream) {
+  try {
+    facts.tiff = ReadTiffFacts(stream);
+  } catch (const Error&) {
+  }
+  stream.SetPosition(0);
+}
+
+/// What the photo query answers, and the position of the photograph.
+void TakePhotoFacts(PictureFacts& facts, const PhotoFacts& photo) {
+  facts.photo.rotation = photo.rotation;
+  facts.photo.gps = photo.gps;
+  facts.warnings.insert(facts.warnings.begin(), photo.warnings.begin(), photo.warnings.end());
+}
+
+void TakeMetafile(PictureFacts& facts, TStream& stream) {
+  facts.metafile = ReadMetafileFacts(stream.ReadToEnd());
+  facts.width = facts.metafile->width;
+  facts.height = facts.metafile->height;
+  facts.bits = StoredBitsPerPixel(pf24bit);
+  facts.photo.rotation = 0;
+  facts.warnings = facts.metafile->warnings;
+}
+
+/// The first bytes of a JPEG file, all segments in front of its pixels among them, and its header.
+/// What stands behind the pixels is not read: most of the file is pixels.
+PictureHeader ReadJpegStart(TStream& stream, std::vector<uint8_t>& start) {
+  constexpr uint64_t kFirst = 64 * 1024;
+  for (uint64_t size = std::min(kFirst, stream.Size());; size = std::min(8 * size, stream.Size())) {
+    start.resize(static_cast<size_t>(size));
+    stream.SetPosition(0);
+    start.resize(stream.Read(start));
+    try {
+      return ReadJpegHeader(start);
+    } catch (const FormatError&) {
+      if (size >= stream.Size()) throw;
+    }
   }
 }
 
-void TakePixelFacts(PictureFacts& facts, const ImagingFrame& frame) {
-  const Raster& rows = frame.rows;
-  facts.width = rows.Width();
-  facts.height = rows.Height();
-  facts.bits = StoredBitsPerPixel(rows.Format());
-  facts.paletteEntries = PaletteEntries(frame);
-  facts.transparent = rows.transparentColor.has_value() || rows.alphaFormat == afDefined;
-  if (rows.resolution.IsKnown()) facts.dpi = {rows.resolution.x, rows.resolution.y};
+PictureHeader ReadHeader(PictureFacts& facts, TStream& stream, PictureType type) {
+  if (type == PictureType::jpeg) {
+    std::vector<uint8_t> start;
+    PictureHeader header = ReadJpegStart(stream, start);
+    TakePhotoFacts(facts, ReadPhotoFacts(start));
+    return header;
+  }
+  PictureHeader header = ReadPictureHeader(stream, type);
+  TakePhotoFacts(facts, ReadExifFacts(header.metadata.exif));
+  facts.photo.rotation = 0;
+  return header;
 }
 
-/// Adds all positions, and warnings about them.
-void TakePositions(PictureFacts& facts) {
-  facts.positions = PositionsOf(facts.file, facts.tiff.value_or(TiffFacts()));
-  const auto worldFile = FindWorldFile(facts.file);
-  if (worldFile && !ReadWorldFile(*worldFile)) {
-    facts.warnings.push_back(*worldFile + " does not begin with six numbers and is ignored");
-  }
-  if (!facts.error.empty() || facts.pdf) return;
-  if (const auto doubt = PositionDoubt(facts.positions, facts.width, facts.height)) {
-    facts.warnings.push_back(*doubt);
+void ReadFacts(PictureFacts& facts, TStream& stream) {
+  const PictureType type = SniffPictureType(stream);
+  facts.type = PictureTypeName(type);
+  facts.bytes = stream.Size();
+  if (IsMetafile(type)) return TakeMetafile(facts, stream);
+  if (type == PictureType::tiff) TakeTiffFacts(facts, stream);
+  TakeHeader(facts, ReadHeader(facts, stream, type), type);
+}
+
+/// A pipe has no size and cannot be rewound.
+void ReadFacts(PictureFacts& facts) {
+  const InterruptibleInput waiting(facts.file);
+  TFileStream stream(facts.file);
+  if (stream.Size() > 0) return ReadFacts(facts, stream);
+  TMemoryStream memory(ReadUnsizedPicture(stream));
+  ReadFacts(facts, memory);
+}
+
+/// Calls a function that reads the file. Returns what is wrong with it, or an empty text.
+std::string ProblemOf(const std::string& file, const std::function<void()>& reading) {
+  try {
+    reading();
+    return {};
+  } catch (const Failure& failure) {
+    if (failure.Code() == exitInterrupted) throw;
+    return ReasonOf(failure.what(), file);
+  } catch (const Error& error) {
+    return ReasonWithOption(error);
+  } catch (const std::bad_alloc&) {
+    return "out of memory";
   }
 }
 
@@ -59,45 +174,43 @@ void TakePdfFacts(PictureFacts& facts) {
     facts.error += "; the name of a PDF file must end in .pdf";
     return;
   }
-  try {
-    facts.pdf = GatherPdfFacts(facts.file, facts.warnings);
-    facts.error.clear();
-  } catch (const Failure& failure) {
-    facts.error = ReasonOf(failure.what(), facts.file);
+  facts.error =
+      ProblemOf(facts.file, [&] { facts.pdf = GatherPdfFacts(facts.file, facts.warnings); });
+}
+
+void Verify(PictureFacts& facts) {
+  LoadedFrame loaded;
+  facts.error = ProblemOf(facts.file, [&] { LoadForFacts(loaded, facts.file); });
+  facts.verified = facts.error.empty();
+  for (const std::string& warning : loaded.warnings) {
+    const auto& known = facts.warnings;
+    if (std::find(known.begin(), known.end(), warning) == known.end()) {
+      facts.warnings.push_back(warning);
+    }
   }
 }
 
 }  // namespace
 
-PictureFacts GatherFacts(const std::string& file) {
+PictureFacts GatherFacts(const std::string& file, bool verifies) {
   PictureFacts facts;
   facts.file = file;
-  LoadedFrame loaded;
-  try {
-    MetafileDrawing drawing;
-    drawing.isForFacts = true;
-    LoadFrameInto(loaded, file, 1, drawing);
-    TakePixelFacts(facts, loaded.frame);
-    if (loaded.metafile) {
-      facts.width = loaded.metafile->width;
-      facts.height = loaded.metafile->height;
-    }
-  } catch (const Failure& failure) {
-    facts.error = ReasonOf(failure.what(), file);
+  const bool isIsolated = ReadingIsolation() == Isolation::process;
+  if (isIsolated) {
+    LoadedFrame loaded;
+    facts.error = ProblemOf(file, [&] { LoadForFacts(loaded, file); });
+    TakeLoadedFacts(facts, loaded);
+  } else {
+    facts.error = ProblemOf(file, [&] { ReadFacts(facts); });
   }
-  const bool wasOpened = loaded.bytes > 0 || facts.error.empty();
-  if (wasOpened) facts.type = PictureTypeName(loaded.type);
-  facts.bytes = loaded.bytes;
-  facts.metadata = MetadataKindNames(loaded.metadata);
-  facts.photo = loaded.photo;
-  if (facts.error.empty() && loaded.type != PictureType::jpeg) facts.photo.rotation = 0;
-  facts.warnings = loaded.warnings;
-  if (loaded.type == PictureType::pdf) TakePdfFacts(facts);
-  facts.tiff = loaded.tiff;
-  facts.metafile = loaded.metafile;
-  if (loaded.grid) facts.grid = GridTypeName(*loaded.grid);
-  facts.pages = loaded.tiff ? loaded.tiff->pages : loaded.frames;
-  TakePositions(facts);
+  facts.isKnown = facts.error.empty();
+  if (facts.type == PictureTypeName(PictureType::pdf)) TakePdfFacts(facts);
+  if (!verifies || !facts.isKnown) return facts;
+  if (isIsolated) {
+    facts.verified = true;
+  } else {
+    Verify(facts);
+  }
   return facts;
 }
 

@@ -6,10 +6,11 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/metafiles/read_metafile_facts.h>
-#include <rasterkit/pictures/photo_facts.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
+#include <rasterkit/placement/placement.h>
 
-#include "tool/pictures/placement/geo_position.h"
 #include "tool/reports/pdf_facts.h"
 
 namespace rasterkit::tool {
@@ -17,15 +18,19 @@ namespace rasterkit::tool {
 /// Everything that `info` prints about a file.
 struct PictureFacts {
   std::string file;
-  /// Empty if the picture could be read.
+  /// Empty if the header could be read, and the pixels if they were decoded.
   std::string error;
+  /// False if the header could not be read.
+  bool isKnown = false;
+  /// Whether the pixels could be decoded; nothing if that was not tried.
+  std::optional<bool> verified;
   std::vector<std::string> warnings;
   /// Detected from the content: "bmp", "jpeg" and so on; "unknown" for any other content, empty if
   /// the file could not be opened.
   std::string type;
   uint64_t bytes = 0;
 
-  /// The members down to `grid` are set if the picture was decoded.
+  /// The members down to `grid` are set if the header was read.
   int width = 0, height = 0, bits = 0;
   int pages = 1;
   int paletteEntries = 0;
@@ -36,7 +41,10 @@ struct PictureFacts {
   std::string grid = "none";
 
   PhotoFacts photo;
-  std::vector<GeoPosition> positions;
+  /// Of the photograph: ISO 8601, maker, model; empty if not stated.
+  std::string date, make, model;
+  /// Every position that was found, and the coordinate system.
+  Placement placement;
   /// Set for a TIFF file whose directories can be read, even if its pixels cannot.
   std::optional<TiffFacts> tiff;
   /// Set for a metafile, even if it cannot be drawn. Width and height are pixels at 96 per inch.
@@ -45,7 +53,8 @@ struct PictureFacts {
   std::optional<PdfFacts> pdf;
 };
 
-/// Reads and decodes the file. Never throws for a damaged file.
-PictureFacts GatherFacts(const std::string& file);
+/// Reads the header of a file, and decodes its pixels too if `verifies`. Never throws for a damaged
+/// file.
+PictureFacts GatherFacts(const std::string& file, bool verifies);
 
 }  // namespace rasterkit::tool

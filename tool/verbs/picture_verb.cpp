@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "tool/command/color_digits.h"
+#include "tool/arguments/color_argument.h"
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/isolation_option.h"
@@ -15,7 +15,7 @@ PictureVerb::PictureVerb(CommandLine& line, const VerbHelp& help) : Verb(line.Ad
 
 Option PictureVerb::Color(const std::string& name, std::string& value,
                           const std::string& description) {
-  return Text(name, "RRGGBB", value, CheckColor, description);
+  return Text(name, "COLOR", value, CheckColor, description);
 }
 
 void PictureVerb::With(std::string& file) {
@@ -36,6 +36,7 @@ VerbRunner PictureVerb::Changing(PictureChange change) {
 }
 
 VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
+  output_->takesInPlace = true;
   AddOutputOptions(*this, *output_, answer_ ? "IN [OUT]" : "IN OUT");
   AddIsolate(*this);
   AddType(*this, *output_);
@@ -53,11 +54,11 @@ VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
       throw Failure(exitWrongUsage,
                     "--dialog shows one picture at a time and cannot be used with --jobs");
     }
-    if (answer && output->files.size() == 1 && output->outDir.empty()) {
+    if (answer && output->files.size() == 1 && output->outDir.empty() && !output->inPlace) {
       return answer(output->files[0], output->json);
     }
     const std::vector<Job> jobs = PlanJobs(*output);
-    picture->showsProgress = jobs.size() == 1;
+    picture->showsProgress = jobs.size() == 1 && !output->quiet;
     const PictureChange change = prepare();
     return RunJobs(*output, jobs, [&](const Job& job) {
       return ConvertPicture(job, *picture, {change, {}, {}});

@@ -25,7 +25,7 @@ class PictureVerb : public Verb {
  public:
   PictureVerb(CommandLine& line, const VerbHelp& help);
 
-  /// An option whose value is six hexadecimal digits RRGGBB; see ColorOf.
+  /// An option whose value is a color; see ColorOf.
   Option Color(const std::string& name, std::string& value, const std::string& description);
   /// `--with FILE`: the second picture of a verb that needs one.
   void With(std::string& file);

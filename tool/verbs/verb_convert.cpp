@@ -26,6 +26,7 @@ VerbRunner AddConvertVerb(CommandLine& line) {
   const auto output = std::make_shared<OutputOptions>();
   const auto picture = std::make_shared<PictureOptions>();
   output->takesMetafiles = true;
+  output->takesInPlace = true;
   AddOutputOptions(verb, *output);
   AddIsolate(verb);
   AddType(verb, *output);

@@ -5,10 +5,10 @@
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/text.h>
 
+#include "tool/arguments/numbers.h"
 #include "tool/command/command_line.h"
 #include "tool/command/exit_code.h"
 #include "tool/command/isolation_option.h"
-#include "tool/command/numbers.h"
 #include "tool/command/output_options.h"
 #include "tool/command/shared_options.h"
 #include "tool/pictures/placement/write_geotiff.h"

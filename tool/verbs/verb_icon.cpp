@@ -4,13 +4,13 @@
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/icon.h>
-#include <rasterkit/pictures/picture_size.h>
+#include <rasterkit/pictures/reading/picture_size.h>
 
+#include "tool/arguments/size_argument.h"
 #include "tool/command/command_line.h"
 #include "tool/command/isolation_option.h"
 #include "tool/command/output_file.h"
 #include "tool/command/shared_options.h"
-#include "tool/command/size_option.h"
 #include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/convert_picture.h"
 #include "tool/pictures/crop_rows.h"

@@ -25,7 +25,11 @@ constexpr double kHundredths = 100;
 
 /// `value` if the picture was read, else null.
 Json IfRead(const PictureFacts& facts, const Json& value) {
-  return facts.error.empty() && !facts.pdf ? value : Json();
+  return facts.isKnown ? value : Json();
+}
+
+Json SystemJson(const CoordinateSystem& system) {
+  return system.IsKnown() ? Json(system.Name()) : Json();
 }
 
 Json PagesJson(const PictureFacts& facts) {
@@ -48,7 +52,8 @@ Json FactsJson(const PictureFacts& facts) {
   JsonObject line;
   line.Add("schema", 1);
   line.Add("file", facts.file);
-  line.Add("ok", facts.error.empty());
+  line.Add("ok", facts.isKnown || facts.pdf.has_value());
+  if (facts.verified) line.Add("verified", *facts.verified);
   line.Add("error", TextOrNull(facts.error));
   line.Add("type", TextOrNull(facts.type));
   line.Add("width", IfRead(facts, facts.width));
@@ -60,7 +65,12 @@ Json FactsJson(const PictureFacts& facts) {
   line.Add("orientation", facts.photo.orientation);
   line.Add("rotation", facts.photo.rotation);
   line.Add("gps", GpsJson(facts.photo.gps));
-  line.Add("geo", GeoJson(facts.positions));
+  line.Add("date", TextOrNull(facts.date));
+  line.Add("make", TextOrNull(facts.make));
+  line.Add("model", TextOrNull(facts.model));
+  line.Add("geo", GeoJson(facts.placement.stated));
+  line.Add("epsg", facts.placement.system.Epsg());
+  line.Add("coordinate_system", SystemJson(facts.placement.system));
   line.Add("grid", IfRead(facts, facts.grid));
   line.Add("pages", PagesJson(facts));
   line.Add("tiff", facts.tiff ? TiffJson(*facts.tiff) : Json());
@@ -83,11 +93,21 @@ void PrintOrientation(const PictureFacts& facts) {
   fmt::print("\n");
 }
 
+void PrintPhotograph(const PictureFacts& facts) {
+  if (facts.date.empty() && facts.make.empty() && facts.model.empty()) return;
+  fmt::print("  photograph");
+  if (!facts.date.empty()) fmt::print(" of {}", facts.date);
+  const std::string camera = facts.make + (facts.make.empty() ? "" : " ") + facts.model;
+  if (!camera.empty()) fmt::print(", {}", Printable(camera));
+  fmt::print("\n");
+}
+
 /// Prints ground control points: they tie pixels to the map but define no pixel size.
 void PrintLooseTiePoints(const PictureFacts& facts) {
   const size_t points = facts.tiff ? facts.tiff->tiePoints.size() / 6 : 0;
-  const bool isPlaced = std::any_of(facts.positions.begin(), facts.positions.end(),
-                                    [](const GeoPosition& p) { return p.file.empty(); });
+  const auto& stated = facts.placement.stated;
+  const bool isPlaced = std::any_of(stated.begin(), stated.end(),
+                                    [](const StatedPosition& p) { return p.file.empty(); });
   if (points > 0 && !isPlaced) fmt::print("  {} tie points without a pixel size\n", points);
 }
 
@@ -136,15 +156,21 @@ void PrintText(const PictureFacts& facts) {
     if (gps->altitude) fmt::print(", {:.1f} m", *gps->altitude);
     fmt::print("\n");
   }
-  for (const GeoPosition& position : facts.positions) fmt::print("  {}\n", PositionText(position));
+  PrintPhotograph(facts);
+  for (const StatedPosition& position : facts.placement.stated) {
+    fmt::print("  {}\n", PositionText(position));
+  }
+  const CoordinateSystem& system = facts.placement.system;
+  if (system.IsKnown()) fmt::print("  coordinate system {}\n", OnOneLine(system.Description()));
   PrintLooseTiePoints(facts);
   if (!facts.metadata.empty()) fmt::print("  metadata: {}\n", fmt::join(facts.metadata, ", "));
+  if (facts.verified == true) fmt::print("  the pixels can be read\n");
 }
 
 void PrintFacts(const PictureFacts& facts, bool json) {
   if (json) {
     PrintLine(FactsJson(facts));
-  } else if (facts.error.empty()) {
+  } else if (facts.isKnown || facts.pdf) {
     PrintText(facts);
   }
   for (const std::string& warning : facts.warnings) {
@@ -160,20 +186,22 @@ VerbRunner AddInfoVerb(CommandLine& line) {
   Verb verb =
       line.AddVerb({"info",
                     "show what a file contains",
-                    {"The type is detected from the content, not from the file name. Every "
-                     "picture is decoded, so \"ok\" means that it can be read."},
+                    {"The type is detected from the content, not from the file name. Only headers "
+                     "are read, so \"ok\" means that the header can be read. --verify decodes the "
+                     "pixels as well."},
                     {"rasterkit info photo.jpg", "rasterkit info --json *.png | jq .width"}});
   const auto files = std::make_shared<std::vector<std::string>>();
-  const auto json = std::make_shared<bool>(false);
+  const auto json = std::make_shared<bool>(false), verifies = std::make_shared<bool>(false);
   verb.Files("IN...", *files, "files to look at");
   verb.Flag("--json", *json, "print one JSON object per file, each on its own line");
+  verb.Flag("--verify", *verifies, "decode each picture and say whether its pixels can be read");
   AddIsolate(verb);
-  return [files, json] {
+  return [files, json, verifies] {
     detail::SetMostWorkers(1);
     ExitCode code = exitDone;
     for (const std::string& file : *files) {
       StopIfInterrupted();
-      const PictureFacts facts = GatherFacts(file);
+      const PictureFacts facts = GatherFacts(file, *verifies);
       PrintFacts(facts, *json);
       if (!facts.error.empty()) code = exitInputUnreadable;
     }

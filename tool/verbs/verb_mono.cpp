@@ -1,7 +1,7 @@
 #include <rasterkit/bitmaptools/pixels/color.h>
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
 
-#include "tool/command/color_digits.h"
+#include "tool/arguments/color_argument.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {

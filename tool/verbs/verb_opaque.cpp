@@ -1,6 +1,6 @@
 #include <rasterkit/bitmaptools/pixels/transparency.h>
 
-#include "tool/command/color_digits.h"
+#include "tool/arguments/color_argument.h"
 #include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/palette_indexes.h"
 #include "tool/verbs/picture_verb.h"

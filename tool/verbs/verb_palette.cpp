@@ -4,7 +4,7 @@
 
 #include <rasterkit/bitmaptools/pixels/palette_tools.h>
 
-#include "tool/command/color_digits.h"
+#include "tool/arguments/color_argument.h"
 #include "tool/command/exit_code.h"
 #include "tool/pictures/palette_indexes.h"
 #include "tool/reports/palette_report.h"
@@ -35,10 +35,9 @@ std::optional<EntryColorChange> ParseEntry(const std::string& text) {
 }
 
 std::string CheckEntry(const std::string& text) {
-  return ParseEntry(text) ? std::string()
-                          : "an entry is N=RRGGBB, a number from 0 to 255 and six hexadecimal "
-                            "digits, not '" +
-                                text + "'";
+  return ParseEntry(text)
+             ? std::string()
+             : "an entry is N=COLOR, a number from 0 to 255 and a color, not '" + text + "'";
 }
 
 /// The entries of a bitmap's palette. Changing them here keeps all pixels; the library's routine
@@ -124,7 +123,7 @@ VerbRunner AddPaletteVerb(CommandLine& line) {
         "rasterkit palette plan.png red-roads.png --set 3=FF0000 --set 4=C00000",
         "rasterkit palette scan.bmp white-paper.bmp --first FFFFFF"}});
   const auto options = std::make_shared<PaletteOptions>();
-  verb.Texts("--set", "N=RRGGBB", options->set, CheckEntry,
+  verb.Texts("--set", "N=COLOR", options->set, CheckEntry,
              "new color of entry N, counted from 0; can be repeated");
   verb.Color("--first", options->first, "new color of the entry that the top left pixel uses");
   verb.AnsweringForOneFile(ShowPalette);

@@ -1,7 +1,7 @@
 #include <memory>
 
+#include "tool/arguments/numbers.h"
 #include "tool/command/command_line.h"
-#include "tool/command/numbers.h"
 #include "tool/command/shared_options.h"
 #include "tool/pages/draw_pages.h"
 #include "tool/pages/page_list.h"

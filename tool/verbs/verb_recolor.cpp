@@ -3,7 +3,7 @@
 #include <rasterkit/bitmaptools/pixels/color.h>
 #include <rasterkit/bitmaptools/pixels/transparency.h>
 
-#include "tool/command/color_digits.h"
+#include "tool/arguments/color_argument.h"
 #include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/change_colors.h"
 #include "tool/verbs/picture_verb.h"

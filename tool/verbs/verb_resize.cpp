@@ -2,11 +2,11 @@
 
 #include <fmt/core.h>
 
-#include <rasterkit/pictures/picture_size.h>
+#include <rasterkit/pictures/reading/picture_size.h>
 
+#include "tool/arguments/size_argument.h"
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
-#include "tool/command/size_option.h"
 #include "tool/pictures/resize_picture.h"
 #include "tool/verbs/picture_verb.h"
 
@@ -22,8 +22,8 @@ struct ResizeOptions {
 
 /// The given size, or else that of the picture.
 PictureSize SizeFor(const std::string& typed, const TBitmap& bitmap) {
-  const PictureSize own{bitmap.Width(), bitmap.Height()};
-  return ParseSize(typed).value_or(own).For(own.width, own.height);
+  const SizeArgument own{{bitmap.Width(), bitmap.Height()}};
+  return ParseSizeArgument(typed).value_or(own).For(bitmap.Width(), bitmap.Height());
 }
 
 PictureSize AskForSize(const Desktop& desktop, PictureSize size, const Subject& picture) {
@@ -64,8 +64,9 @@ VerbRunner AddResizeVerb(CommandLine& line) {
         "rasterkit resize plan.png preview.png --size 800x600 --smooth",
         "rasterkit resize photo.jpg small.jpg --dialog"}});
   const auto options = std::make_shared<ResizeOptions>();
-  verb.Text("--size", "WxH|Wx|xH", options->size, CheckSize,
-            "width and height in pixels, 1 to 1000000; one side alone keeps the proportions");
+  verb.Text("--size", "WxH", options->size, CheckSizeOrPercent,
+            "width and height: pixels from 1 to 1000000 (800x600), one side alone to keep the "
+            "proportions (800x, x600), or percent (50%, 50%x25%)");
   verb.Flag("--smooth", options->smooth, "average pictures with a palette as well");
   verb.Dialog(options->asksUser, "enter the size in a window that starts with the one of --size");
   return verb.ChangingAfter([options] { return Prepare(*options); });

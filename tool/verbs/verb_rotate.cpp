@@ -18,6 +18,7 @@ VerbRunner AddRotateVerb(CommandLine& line) {
         "rasterkit rotate photo.jpg left.jpg --angle 90 --quality 95"}});
   const auto output = std::make_shared<OutputOptions>();
   const auto picture = std::make_shared<PictureOptions>();
+  output->takesInPlace = true;
   AddOutputOptions(verb, *output);
   AddIsolate(verb);
   AddType(verb, *output);

@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <iterator>
 
 #include <fmt/format.h>
 
 #include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/codecs/jpeg/jpeg_layout.h>
+#include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/jpeg/jpeg_reader.h>
 #include <rasterkit/codecs/rows/cmyk_rows.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
@@ -210,36 +212,100 @@ void RequireMemory(JpegReader& reader, const JpegLayout& layout, TPixelFormat fo
   reader.LimitScans(static_cast<int>(kScanPixelBudget / pixels));
 }
 
-}  // namespace
+/// White of a file of inks.
+void FillMissingRows(Samples& inks, int first) {
+  for (int y = first; y < inks.Height(); y++) std::memset(inks.Row(y), 0, inks.Stride());
+}
 
-Raster DecodeJpeg(Bytes bytes, CodecReport* report) {
+/// Inks as the file has them, 0 for no ink: with an Adobe marker they are stored inverted.
+Samples DecodeInks(JpegReader& reader, const JpegLayout& layout) {
+  const jpeg_decompress_struct& codec = reader.Codec();
+  PixelLayout inks;
+  inks.bands = 4;
+  inks.model = ColorModel::cmyk;
+  Samples samples(inks, static_cast<int>(codec.output_width),
+                  static_cast<int>(codec.output_height));
+  int y = 0;
+  while (y < FirstMissingRow(reader, layout)) {
+    RequireTime();
+    const int wanted = std::min(kRowsAtOnce, samples.Height() - y);
+    const int count = ReadRows(reader, samples.Row(y), samples.Stride(), wanted);
+    if (count == 0) throw FormatError("JPEG: the decoder delivers no more rows");
+    if (codec.saw_Adobe_marker != 0) {
+      uint8_t* first = samples.Row(y);
+      std::transform(first, first + samples.Stride() * static_cast<size_t>(count), first,
+                     [](uint8_t value) { return static_cast<uint8_t>(~value); });
+    }
+    y += count;
+  }
+  FillMissingRows(samples, std::min(y, FirstMissingRow(reader, layout)));
+  return samples;
+}
+
+Raster DecodeColors(JpegReader& reader, const JpegLayout& layout, TPixelFormat format) {
+  const jpeg_decompress_struct& codec = reader.Codec();
+  Raster raster(format, static_cast<int>(codec.output_width),
+                static_cast<int>(codec.output_height));
+  if (format == pf8bit) raster.palette = GrayPalette(256);
+  detail::FillMissingRows(raster, DecodeRows(reader, layout, raster));
+  raster.ClearPadding();
+  return raster;
+}
+
+/// The profile of a file of inks if it describes them.
+ColorProfile InkProfileOf(const JpegLayout& layout, CodecReport& report) {
+  if (layout.profile.empty()) return nullptr;
+  std::vector<uint8_t> bytes = detail::JoinProfile(layout.profile);
+  if (!detail::ProfileFits(std::span(bytes), detail::ProfileSpace::cmyk)) {
+    report.warnings.emplace_back(
+        "JPEG: the color profile is invalid or of another kind and is ignored");
+    return nullptr;
+  }
+  return std::make_shared<const std::vector<uint8_t>>(std::move(bytes));
+}
+
+/// Decodes to a raster, or inks to samples if `keepsInks`.
+Pixels Decode(Bytes bytes, bool keepsInks, CodecReport* report) {
   const LimitsScope limits;
   const JpegLayout layout = detail::ReadJpegLayout(bytes);
   RequireSupported(layout.frame);
   JpegReader reader(bytes.first(layout.wholeBytes));
   jpeg_decompress_struct& codec = reader.Codec();
   ChooseOutput(codec);
+  const bool givesInks = keepsInks && codec.num_components == 4;
   const TPixelFormat format = codec.num_components == 1 ? pf8bit : pf24bit;
-  RequireMemory(reader, layout, format, bytes.size());
+  RequireMemory(reader, layout, givesInks ? pf32bit : format, bytes.size());
 
   const MemoryShare coefficients(layout.manyScans ? CoefficientBytes(codec) : 0);
   reader.Run([&codec] { jpeg_start_decompress(&codec); });
-  Raster raster(format, static_cast<int>(codec.output_width),
-                static_cast<int>(codec.output_height));
-  if (format == pf8bit) raster.palette = GrayPalette(256);
-  detail::FillMissingRows(raster, DecodeRows(reader, layout, raster));
-  raster.ClearPadding();
+  Pixels pixels =
+      givesInks ? Pixels(DecodeInks(reader, layout)) : Pixels(DecodeColors(reader, layout, format));
 
   CodecReport noticed;
-  raster.resolution = ResolutionOf(codec);
   if (codec.output_scanline == codec.output_height) ReadEnd(reader, noticed);
-  raster.profile = ProfileOf(layout, noticed);
+  if (auto* inks = std::get_if<Samples>(&pixels)) {
+    inks->resolution = ResolutionOf(codec);
+    inks->Layout().profile = InkProfileOf(layout, noticed);
+  } else {
+    std::get<Raster>(pixels).resolution = ResolutionOf(codec);
+    std::get<Raster>(pixels).profile = ProfileOf(layout, noticed);
+  }
   ReportEnd(reader, layout, noticed);
   if (report) {
     std::move(noticed.warnings.begin(), noticed.warnings.end(),
               std::back_inserter(report->warnings));
   }
-  return raster;
+  return pixels;
+}
+
+}  // namespace
+
+Raster DecodeJpeg(Bytes bytes, CodecReport* report) {
+  return std::get<Raster>(Decode(bytes, false, report));
+}
+
+Pixels DecodeJpegPixels(Bytes bytes, CodecReport* report) {
+  return Decode(bytes, true, report);
 }
 
 }  // namespace rasterkit

@@ -2,10 +2,9 @@
 #include <cmath>
 
 #include <fmt/format.h>
-#include <jerror.h>
 
 #include <rasterkit/codecs/jpeg/jpeg_encoder.h>
-#include <rasterkit/codecs/jpeg/jpeg_errors.h>
+#include <rasterkit/codecs/jpeg/jpeg_writer.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
@@ -15,76 +14,8 @@ namespace rasterkit {
 namespace {
 
 constexpr int kRowsAtOnce = 16;
-constexpr size_t kSmallestBuffer = 1 << 16;
 /// The content of 255 segments of 65,519 bytes.
 constexpr size_t kLargestProfile = size_t{255} * 65519;
-
-/// A libjpeg encoder that writes to a growing block of memory; the destructor destroys it.
-class JpegWriter {
- public:
-  explicit JpegWriter(size_t expectedBytes) : output_(std::max(expectedBytes, kSmallestBuffer)) {
-    codec_.err = errors_.Install();
-    codec_.client_data = &errors_;
-    target_.base.init_destination = [](j_compress_ptr) {};
-    target_.base.empty_output_buffer = OnFull;
-    target_.base.term_destination = [](j_compress_ptr) {};
-    target_.base.next_output_byte = output_.data();
-    target_.base.free_in_buffer = output_.size();
-    target_.writer = this;
-    Run([this] {
-      jpeg_create_compress(&codec_);
-      codec_.dest = &target_.base;
-    });
-  }
-  ~JpegWriter() { jpeg_destroy_compress(&codec_); }
-  JpegWriter(const JpegWriter&) = delete;
-  JpegWriter& operator=(const JpegWriter&) = delete;
-
-  jpeg_compress_struct& Codec() { return codec_; }
-
-  template <class Body>
-  void Run(const Body& body) {
-    if (!detail::RunJpeg(errors_, body)) {
-      jpeg_destroy_compress(&codec_);
-      errors_.Throw();
-    }
-  }
-
-  std::vector<uint8_t> TakeBytes() {
-    output_.resize(output_.size() - target_.base.free_in_buffer);
-    return std::move(output_);
-  }
-
- private:
-  struct Target {
-    jpeg_destination_mgr base{};
-    JpegWriter* writer = nullptr;
-  };
-
-  static boolean OnFull(j_compress_ptr codec) {
-    auto* target = reinterpret_cast<Target*>(codec->dest);
-    if (!target->writer->Grow()) ERREXIT1(codec, JERR_OUT_OF_MEMORY, 0);
-    return TRUE;
-  }
-
-  /// Doubles the full buffer. No exception may pass through the library.
-  bool Grow() noexcept {
-    const size_t used = output_.size();
-    try {
-      output_.resize(used * 2);
-    } catch (...) {
-      return false;
-    }
-    target_.base.next_output_byte = output_.data() + used;
-    target_.base.free_in_buffer = used;
-    return true;
-  }
-
-  std::vector<uint8_t> output_;
-  detail::JpegErrors errors_;
-  Target target_;
-  jpeg_compress_struct codec_{};
-};
 
 void RequireEncodable(const Raster& raster) {
   const bool gray = raster.Format() == pf8bit && IsGrayRamp(raster.palette);
@@ -144,7 +75,7 @@ std::vector<uint8_t> EncodeJpeg(const Raster& raster, int quality) {
   const bool withProfile =
       detail::ProfileFits(raster.profile, space) && raster.profile->size() <= kLargestProfile;
   const size_t pixelBytes = raster.RowBytes() * static_cast<size_t>(raster.Height());
-  JpegWriter writer(pixelBytes / 8);
+  detail::JpegWriter writer(pixelBytes / 8);
   jpeg_compress_struct& codec = writer.Codec();
   writer.Run([&] {
     Configure(codec, raster, std::clamp(quality, 1, 100));

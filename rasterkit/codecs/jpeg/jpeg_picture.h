@@ -20,6 +20,10 @@ RASTERKIT_EXPORT PictureHeader ReadJpegHeader(std::span<const uint8_t> file);
 RASTERKIT_EXPORT Pixels DecodeJpegPixels(std::span<const uint8_t> file,
                                          CodecReport* report = nullptr);
 
+/// The form of a picture after an odd number of quarter turns: tables transposed, sampling factors
+/// exchanged.
+RASTERKIT_EXPORT JpegForm Transposed(const JpegForm& form);
+
 /// Writes a file at the stream's position.
 RASTERKIT_EXPORT WrittenPicture WriteJpeg(const Pixels& pixels, const PictureWriting& writing,
                                           TStream& stream);

@@ -15,7 +15,8 @@ constexpr size_t kSignatureAt = 36;
 bool ProfileFits(std::span<const uint8_t> profile, ProfileSpace space) {
   if (profile.size() < kHeaderBytes) return false;
   if (std::memcmp(profile.data() + kSignatureAt, "acsp", 4) != 0) return false;
-  const char* name = space == ProfileSpace::gray ? "GRAY" : "RGB ";
+  constexpr const char* kNames[] = {"GRAY", "RGB ", "CMYK"};
+  const char* name = kNames[static_cast<size_t>(space)];
   return std::memcmp(profile.data() + kColorSpaceAt, name, 4) == 0;
 }
 

@@ -8,7 +8,7 @@
 namespace rasterkit::detail {
 
 /// The kind of pixels that an ICC profile describes.
-enum class ProfileSpace { gray, rgb };
+enum class ProfileSpace { gray, rgb, cmyk };
 
 /// True if `profile` has the header of an ICC profile for pixels of that kind. A profile of another
 /// kind (a press profile of converted CMYK, an RGB profile of pixels that became gray) must not be

@@ -23,6 +23,9 @@ struct PictureWriting {
   /// Sampling of chroma as "4:4:4", "4:2:2", "4:2:0", "4:4:0", "4:1:1"; 0 x 0: that of `form`, or
   /// full above quality 90 and halved up to it.
   int chromaX = 0, chromaY = 0;
+  /// When compressed pixels are copied: thumbnails of the file header, previews and what follows
+  /// the end of the picture are left out.
+  bool dropsHidden = false;
   /// Threads that compress, 1 to 64. The bytes do not depend on it.
   int threads = 1;
 };

@@ -42,6 +42,8 @@ void PlayRecords(Records& records, const Play& play, const std::function<bool()>
       return;
     } catch (const TimeLimitError&) {
       throw;
+    } catch (const CanceledError&) {
+      throw;
     } catch (const Error& error) {
       ++report.skipped;
       Warn(report, error.Reason());

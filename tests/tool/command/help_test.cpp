@@ -171,9 +171,29 @@ TEST(CliHelp, WrongUsage_Should_NameTheVerbAndTheAcceptedValues) {
             "rasterkit compare: the required files are A B\n"
             "Run 'rasterkit compare --help' for help.\n");
   EXPECT_EQ(RunTool({"info", "a.bmp", "--no-such"}).err,
-            "rasterkit info: unknown argument: --no-such\n"
+            "rasterkit info: unknown option: --no-such\n"
             "Run 'rasterkit info --help' for help.\n");
   EXPECT_EQ(RunTool({}).err, "rasterkit: a verb is required\nRun 'rasterkit --help' for help.\n");
+}
+
+TEST(CliHelp, MistypedWords_Should_NameWhatIsMeant) {
+  EXPECT_EQ(RunTool({"rotat", "a.bmp", "b.bmp", "--angle", "3"}).err,
+            "rasterkit: unknown verb: rotat; did you mean rotate?\n"
+            "Run 'rasterkit --help' for help.\n");
+  EXPECT_EQ(RunTool({"convert", "a.bmp", "b.bmp", "--qualty=80"}).err,
+            "rasterkit convert: unknown option: --qualty=80; did you mean --quality?\n"
+            "Run 'rasterkit convert --help' for help.\n");
+  EXPECT_EQ(RunTool({"combine", "a.bmp", "b.bmp", "--with", "c.bmp", "--mode", "shadw"}).err,
+            "rasterkit combine: --mode: must be one of key, transparent, shadow, overwrite, "
+            "into-white, not 'shadw'; did you mean shadow?\n"
+            "Run 'rasterkit combine --help' for help.\n");
+  EXPECT_EQ(RunTool({"no-such-verb"}).err,
+            "rasterkit: unknown verb: no-such-verb\nRun 'rasterkit --help' for help.\n");
+}
+
+TEST(CliHelp, Colors_Should_BeListed) {
+  EXPECT_THAT(RunTool({"--help"}).out, HasSubstr("COLOR"));
+  EXPECT_THAT(RunTool({"--help"}).out, HasSubstr("skyblue"));
 }
 
 TEST(CliHelp, Version_Should_BeNameAndNumber) {
@@ -199,7 +219,7 @@ TEST(CliHelp, WrongUsage_Should_Exit2AndPrintNothingOnStdout) {
       {"convert", "a.bmp", "b.png", "--angle", "much"},
       {"convert", "a.bmp", "b.png", "--angle", "nan"},
       {"convert", "a.bmp", "b.png", "--angle", "inf"},
-      {"convert", "a.bmp", "b.png", "--background", "red"},
+      {"convert", "a.bmp", "b.png", "--background", "reddish"},
       {"convert", "a.bmp", "b.png", "--jobs", "0"},
       {"convert", "a.bmp", "b.png", "--type", "png"},
       {"convert", "--out-dir", "d", "--type", "gif", "a.bmp"},

@@ -8,7 +8,7 @@
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/text.h>
 
-#include "tool/command/numbers.h"
+#include "tool/arguments/numbers.h"
 
 namespace rasterkit::tool {
 namespace {

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include <rasterkit/placement/affine.h>
+#include <rasterkit/raster/pixels.h>
+
+namespace rasterkit {
+
+/// How a second picture is laid over a picture. Near white has all channels above 250.
+enum class CombineMode {
+  /// All of it except pure white, or except what is transparent if it has transparency; `percent`
+  /// of the picture below show through.
+  key,
+  /// A mix with `percent` of the picture below; near white is skipped.
+  transparent,
+  /// Each pixel except near white is shaded by the picture below, which is first brightened by
+  /// `percent`.
+  shadow,
+  /// All of it except near white.
+  overwrite,
+  /// Only where the picture below is near white.
+  intoWhite,
+  /// Light parts become darker and dark parts lighter under the dark parts of it.
+  watermark
+};
+
+/// What is combined with a picture.
+struct Combination {
+  /// Pixels to look at (see VisiblePixels), shared because several pictures may use them.
+  std::shared_ptr<const Raster> over;
+  CombineMode mode = CombineMode::key;
+  /// 0 to 100.
+  int percent = 0;
+  /// For `transparent` and `shadow`: uses the gray values of the picture below.
+  bool gray = false;
+  /// From pixel indexes of the picture to those of `over`; pixels outside `over` stay as they are.
+  /// Nothing: `over` is stretched over the whole picture.
+  std::optional<Affine> toOver;
+};
+
+}  // namespace rasterkit

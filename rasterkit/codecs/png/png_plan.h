@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include <png.h>
+
+#include <rasterkit/codecs/rows/form.h>
+#include <rasterkit/raster/pixels.h>
+
+namespace rasterkit::detail {
+
+/// How pixels go to a PNG file.
+struct PngPlan {
+  PngForm form;
+  std::vector<png_color> palette;
+  /// Transformations that the library does: B G R to R G B, words to big-endian, dropping the
+  /// fourth byte.
+  bool isBlueFirst = false, hasNativeWords = false, dropsFourth = false;
+  /// Gives a row; it is valid until the next call.
+  std::function<const uint8_t*(int y)> row;
+};
+
+/// Chooses the form: the wanted one where the pixels allow it, else the nearest. The pixels are
+/// borrowed. Throws UnsupportedError for pixels that no PNG file can hold.
+PngPlan PlanPng(const Pixels& pixels, const std::optional<PngForm>& wanted);
+
+}  // namespace rasterkit::detail

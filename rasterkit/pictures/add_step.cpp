@@ -1,0 +1,236 @@
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include <rasterkit/bands/layouts.h>
+#include <rasterkit/bands/stages.h>
+#include <rasterkit/pictures/align_pictures.h>
+#include <rasterkit/pictures/fitting/sample_rows.h>
+#include <rasterkit/pictures/north_up.h>
+#include <rasterkit/pictures/own_stages.h>
+#include <rasterkit/pictures/picture_parts.h>
+#include <rasterkit/pictures/picture_state.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// Sides of the small picture that shows what numbers look like.
+constexpr int kSampleSide = 16;
+
+std::optional<double> NumberOf(const std::string& text) {
+  double number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+/// Adds the parts of one step after another.
+class StepAdder {
+ public:
+  StepAdder(PictureState& state, const PictureSource& source) : state_(state), source_(source) {}
+
+  void operator()(const TurnStep& step) {
+    const int quarters = step.quarters & 3;
+    if (quarters == 0) return;
+    const Sides sides = Now();
+    if (quarters % 2 == 1) ExchangeAxes();
+    Add(TurnStage(sides, quarters), FrameOfRotation(sides, 90.0 * quarters).toOld,
+        quarters % 2 == 1 ? Sides{sides.height, sides.width} : sides);
+  }
+
+  void operator()(const MirrorStep& step) {
+    Affine toOld;
+    if (step.axis == MirrorAxis::leftRight) {
+      toOld.xPerColumn = -1;
+      toOld.x = state_.width - 1;
+    } else {
+      toOld.yPerRow = -1;
+      toOld.y = state_.height - 1;
+    }
+    Add(MirrorStage(Now(), step.axis), toOld, Now());
+  }
+
+  void operator()(const RotateStep& step) {
+    if (FrameOfRotation(Now(), step.degrees).rest != 0) MakeSquare();
+    const RotationFrame frame = FrameOfRotation(Now(), step.degrees);
+    if (frame.rest == 0 && frame.quarters == 0) return;
+    const Resampling how = HowFor(step.options);
+    if (frame.rest != 0) SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
+    if (frame.quarters % 2 != 0) ExchangeAxes();
+    Add(RotateStage(Now(), step.degrees, how), frame.toOld, frame.sides);
+  }
+
+  void operator()(const NorthUpStep& step) {
+    const std::optional<Affine> position = PositionOf(state_, source_);
+    if (!position) throw RangeError("the picture has no position on a map");
+    const NorthUpFrame frame = FrameOfNorthUp(*position, Now());
+    for (const Step& turn : frame.turns) std::visit(*this, turn);
+    if (!frame.toOld) return;
+    const Resampling how = HowFor(step.options);
+    SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
+    Add(AffineStage(Now(), *frame.toOld, frame.sides, how), *frame.toOld, frame.sides);
+  }
+
+  void operator()(const CropStep& step) {
+    const Sides sides = Now();
+    const bool isInside = step.left >= 0 && step.top >= 0 && step.width > 0 && step.height > 0 &&
+                          step.left < sides.width && step.width <= sides.width - step.left &&
+                          step.top < sides.height && step.height <= sides.height - step.top;
+    if (!isInside) {
+      throw RangeError(fmt::format(
+          "the rectangle {},{},{},{} is not inside the picture, which has {} x {} pixels",
+          step.left, step.top, step.width, step.height, sides.width, sides.height));
+    }
+    if (step.width == sides.width && step.height == sides.height) return;
+    Affine toOld;
+    toOld.x = step.left;
+    toOld.y = step.top;
+    Add(CropStage(sides, step.left, step.top, step.width, step.height), toOld,
+        {step.width, step.height});
+  }
+
+  void operator()(const ResizeStep& step) {
+    if (step.width < 1 || step.height < 1) {
+      throw RangeError(
+          fmt::format("a picture cannot have {} x {} pixels", step.width, step.height));
+    }
+    const Sides sides = Now();
+    if (step.width == sides.width && step.height == sides.height) return;
+    Resize({step.width, step.height}, step.options.filter);
+  }
+
+  void operator()(const ChangeStep& step) {
+    MakeVisible();
+    std::unique_ptr<Stage> stage = ChangeStage(Now(), step.change);
+    SetLayout(LayoutAfter(step.change, state_.layout, &state_.changes));
+    AddStage(std::move(stage));
+  }
+
+  void operator()(const CombineStep& step) {
+    if (!step.other) throw RangeError("there is no second picture");
+    if (step.options.percent < 0 || step.options.percent > 100) {
+      throw RangeError(fmt::format("{} is not a percentage from 0 to 100", step.options.percent));
+    }
+    const PictureState& other = PictureParts::State(*step.other);
+    Placement mine = source_.Position();
+    mine.affine = PositionOf(state_, source_);
+    const std::optional<Affine> toOver =
+        Alignment(mine, other.placement, step.options.align, state_.changes);
+    MakeVisible();
+    SetLayout(LayoutAfterCombine(state_.layout, step.options.mode, &state_.changes));
+    AddStage(PictureOverStage(Now(), step.other, step.options, toOver));
+  }
+
+  void operator()(const EditStep& step) {
+    state_.edit.stripAll |= step.edit.stripAll;
+    state_.edit.stripGps |= step.edit.stripGps;
+    state_.edit.stripThumbnail |= step.edit.stripThumbnail;
+  }
+
+ private:
+  Sides Now() const { return {state_.width, state_.height}; }
+
+  void SetLayout(PixelLayout layout) { state_.layout = std::move(layout); }
+
+  uint64_t RowBytes() const { return BytesOfRows(state_.layout, state_.width, state_.height); }
+
+  /// The layout is the new one already. Rows before and after a stage are held together.
+  void AddStage(std::unique_ptr<Stage> stage) {
+    state_.stages.push_back(std::move(stage));
+    state_.pixelsChanged = true;
+    const uint64_t before = std::exchange(heldBytes_, RowBytes());
+    state_.rowBytes = std::max(state_.rowBytes, before + heldBytes_);
+  }
+
+  void Add(std::unique_ptr<Stage> stage, const Affine& toOld, Sides sides) {
+    RequirePictureSize(static_cast<uint64_t>(sides.width), static_cast<uint64_t>(sides.height),
+                       fmt::format("a picture of {} x {} pixels", sides.width, sides.height));
+    state_.toOld = state_.toOld.After(toOld);
+    state_.width = sides.width;
+    state_.height = sides.height;
+    state_.placesChanged = true;
+    AddStage(std::move(stage));
+  }
+
+  void ExchangeAxes() {
+    std::swap(state_.resolution.x, state_.resolution.y);
+    state_.exchangesAxes = !state_.exchangesAxes;
+  }
+
+  std::optional<double> NoDataNumber() const { return NumberOf(source_.Position().noData); }
+
+  Resampling HowFor(const RotateOptions& options) const {
+    return {options.filter, options.fill, NoDataNumber()};
+  }
+
+  void Resize(Sides target, Filter filter) {
+    const Sides sides = Now();
+    SetLayout(LayoutAfterResize(state_.layout, state_.isRaster, sides, target, filter));
+    const double columns = static_cast<double>(sides.width) / target.width;
+    const double rows = static_cast<double>(sides.height) / target.height;
+    constexpr double kHalf = 0.5;
+    Affine toOld;
+    toOld.xPerColumn = columns;
+    toOld.x = kHalf * columns - kHalf;
+    toOld.yPerRow = rows;
+    toOld.y = kHalf * rows - kHalf;
+    // The size on paper stays.
+    if (state_.resolution.IsKnown()) {
+      state_.resolution = {state_.resolution.x / columns, state_.resolution.y / rows};
+    }
+    Add(ResizeStage(sides, target, filter, NoDataNumber()), toOld, target);
+  }
+
+  /// A rotation by any angle mixes the two directions.
+  void MakeSquare() {
+    const Resolution dpi = state_.resolution;
+    if (!dpi.IsKnown() || dpi.x == dpi.y) return;
+    const double finer = std::max(dpi.x, dpi.y);
+    const auto side = [](int pixels, double factor) {
+      const double result = std::round(pixels * factor);
+      if (result > 1e9) throw RangeError("square pixels would be too many");
+      return std::max(static_cast<int>(result), 1);
+    };
+    const Sides square{side(state_.width, finer / dpi.x), side(state_.height, finer / dpi.y)};
+    if (!(square == Now())) Resize(square, Filter::automatic);
+    state_.resolution = {finer, finer};
+    state_.changes.Note(fmt::format(
+        "the pixels were made square at {:g} dots per inch before the rotation", finer));
+  }
+
+  /// Changes of color work on rasters.
+  void MakeVisible() {
+    if (state_.isRaster) return;
+    const std::string noData = source_.Position().noData;
+    Changes seen;
+    const Pixels sample = VisibleStage(noData)->Make(
+        SampleRows(state_.layout, false, kSampleSide, kSampleSide), {}, seen);
+    SetLayout(LayoutOf(sample));
+    state_.isRaster = true;
+    for (Loss& loss : seen.losses) state_.changes.losses.push_back(std::move(loss));
+    AddStage(VisibleStage(noData));
+  }
+
+  PictureState& state_;
+  const PictureSource& source_;
+  uint64_t heldBytes_ = RowBytes();
+};
+
+}  // namespace
+
+void AddStep(PictureState& state, const PictureSource& source, const Step& step) {
+  try {
+    const LimitsScope limits;
+    std::visit(StepAdder(state, source), step);
+  } catch (Error& error) {
+    error.AttachFile(source.File());
+    throw;
+  }
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <optional>
+
+#include <rasterkit/metadata/loss.h>
+#include <rasterkit/pictures/steps.h>
+#include <rasterkit/placement/placement.h>
+#include <rasterkit/runtime/export.h>
+
+namespace rasterkit::detail {
+
+/// From pixel indexes of a picture to those of the picture that is laid over it; nothing if it is
+/// stretched over the whole. Says so in `changes`. Throws RangeError for CombineAlign::map without
+/// both positions, UnsupportedError, which names both, for different coordinate systems.
+RASTERKIT_EXPORT std::optional<Affine> Alignment(const Placement& picture, const Placement& over,
+                                                 CombineAlign align, Changes& changes);
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,113 @@
+#include <utility>
+
+#include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/graphics/metafile.h>
+#include <rasterkit/pictures/isolated_source.h>
+#include <rasterkit/pictures/picture_source.h>
+#include <rasterkit/pictures/reading/metafile_drawing.h>
+#include <rasterkit/pictures/reading/picture_bytes.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
+
+namespace rasterkit::detail {
+namespace {
+
+constexpr int kMostDecoders = 64;
+
+/// A file that a codec decodes.
+class FileSource : public PictureSource {
+ public:
+  FileSource(PictureBytes bytes, PictureType type, const OpenOptions& options)
+      : bytes_(std::move(bytes)) {
+    type_ = type;
+    file_ = bytes_.Name();
+    header_ = ReadPictureHeader(*bytes_.Stream(), type);
+    position_ =
+        ReadPlacement(file_, header_.positionTags, header_.width, header_.height, options.position);
+  }
+
+  Pixels ReadPixels(int threads, CodecReport& report) const override {
+    bytes_.RequireUnchanged();
+    Pixels pixels =
+        DecodePixels(*bytes_.Stream(), type_, {std::min(threads, kMostDecoders)}, &report);
+    // A change while it is read would mix two pictures.
+    bytes_.RequireUnchanged();
+    return pixels;
+  }
+  std::unique_ptr<TStream> Bytes() const override {
+    bytes_.RequireUnchanged();
+    return bytes_.Stream();
+  }
+  uint64_t ByteCount() const override { return bytes_.Size(); }
+  bool IsNamed(const std::string& file) const override { return bytes_.IsNamed(file); }
+
+ private:
+  const PictureBytes bytes_;
+};
+
+/// Records that are drawn.
+class DrawnSource : public PictureSource {
+ public:
+  DrawnSource(PictureBytes bytes, PictureType type, const OpenOptions& options)
+      : bytes_(std::move(bytes)), drawing_(options.drawing) {
+    type_ = type;
+    file_ = bytes_.Name();
+    metafile_.LoadFromStream(*bytes_.Stream());
+    const DrawnSize size = DrawnSizeOf(metafile_, drawing_);
+    header_.width = size.pixels.width;
+    header_.height = size.pixels.height;
+    header_.metadata.resolution = size.resolution;
+    header_.warnings = metafile_.Facts().warnings;
+    position_ = ReadPlacement(file_, {}, header_.width, header_.height, options.position);
+    lost_.Lose(LossKind::records, "the records of the drawing", "only its pixels are kept");
+  }
+
+  Pixels ReadPixels(int, CodecReport& report) const override {
+    const auto keepGoing = [] {
+      RequireTime();
+      return true;
+    };
+    DrawnMetafile drawn = DrawMetafile(metafile_, drawing_, keepGoing);
+    for (std::string& warning : drawn.warnings) report.warnings.push_back(std::move(warning));
+    return std::move(drawn.rows);
+  }
+  uint64_t ByteCount() const override { return bytes_.Size(); }
+  bool IsNamed(const std::string& file) const override { return bytes_.IsNamed(file); }
+
+ private:
+  const PictureBytes bytes_;
+  const MetafileDrawing drawing_;
+  TMetafile metafile_;
+};
+
+SourcePtr SourceOfBytes(PictureBytes bytes, const OpenOptions& options) {
+  const LimitsScope limits;
+  const PictureType type = SniffPictureType(*bytes.Stream());
+  if (type == PictureType::pdf) {
+    throw UnsupportedError("a PDF file has pages: draw one of them (see PdfDocument)");
+  }
+  if (options.isolation == Isolation::process) {
+    return OpenIsolated(std::move(bytes), type, options);
+  }
+  if (type == PictureType::wmf || type == PictureType::emf) {
+    return std::make_shared<DrawnSource>(std::move(bytes), type, options);
+  }
+  return std::make_shared<FileSource>(std::move(bytes), type, options);
+}
+
+}  // namespace
+
+SourcePtr OpenSource(const std::string& file, const OpenOptions& options) {
+  try {
+    return SourceOfBytes(PictureBytes(file), options);
+  } catch (Error& error) {
+    error.AttachFile(file);
+    throw;
+  }
+}
+
+SourcePtr OpenSource(std::vector<uint8_t> bytes, const OpenOptions& options) {
+  return SourceOfBytes(PictureBytes(std::move(bytes), {}), options);
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,97 @@
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include <rasterkit/pictures/find_losses.h>
+
+namespace rasterkit::detail {
+namespace {
+
+void LosePictures(const PictureHeader& header, Changes& changes) {
+  if (header.pages > 1) {
+    changes.Lose(LossKind::pages, fmt::format("{} of {} pages", header.pages - 1, header.pages),
+                 "only the first page is written");
+  }
+  if (header.frames > 1) {
+    changes.Lose(LossKind::frames, fmt::format("{} of {} frames", header.frames - 1, header.frames),
+                 "only the first frame is written");
+  }
+}
+
+/// Copies of the picture that show the old pixels are no loss; other pictures are.
+void LoseHidden(const PictureHeader& header, const LossTarget& target, Changes& changes) {
+  if (!target.isCopied || target.type != PictureType::jpeg) {
+    for (const std::string& name : header.hiddenCopies) {
+      changes.Note(name + " is not written: it is a copy of the picture");
+    }
+    for (const std::string& name : header.hiddenOthers) {
+      changes.Lose(LossKind::hiddenPictures, name, "only the picture itself is written");
+    }
+  }
+  if (header.smallerCopies > 0) {
+    changes.Note(
+        fmt::format("smaller copies of the page are not written: {}", header.smallerCopies));
+  }
+  if (header.masks > 0) {
+    changes.Lose(LossKind::hiddenPictures, "the mask of the page",
+                 "only the picture itself is written");
+  }
+}
+
+void LosePosition(const Placement& placement, const LossTarget& target, Changes& changes) {
+  // With side files the files beside the target decide.
+  if (target.type == PictureType::tiff || target.hasSideFiles) return;
+  const std::string why = "the format of the file has no tags for it";
+  if (!placement.controlPoints.empty()) {
+    changes.Lose(LossKind::controlPoints,
+                 fmt::format("{} control points", placement.controlPoints.size()), why);
+  }
+  if (!placement.rationalModel.empty()) {
+    changes.Lose(LossKind::position, "the rational model of the position", why);
+  }
+  if (!placement.noData.empty()) {
+    changes.Lose(LossKind::noData, fmt::format("the mark of missing values, {}", placement.noData),
+                 why);
+  }
+  if (placement.affine) changes.Lose(LossKind::position, "the position on the map", why);
+  if (placement.system.IsKnown()) {
+    changes.Lose(LossKind::coordinateSystem, placement.system.Description(), why);
+  }
+}
+
+void LoseTiles(const Form& form, const LossTarget& target, Changes& changes) {
+  const auto* tiff = std::get_if<TiffForm>(&form);
+  if (tiff == nullptr || tiff->tileWidth == 0 || target.type == PictureType::tiff) return;
+  changes.Lose(LossKind::tiling,
+               fmt::format("tiles of {} x {} pixels", tiff->tileWidth, tiff->tileHeight),
+               "the format of the file has no tiles");
+}
+
+}  // namespace
+
+Changes LossesOf(const PictureSource& source, const PictureState& state, const LossTarget& target) {
+  Changes changes = source.Lost();
+  Join(changes, state.changes);
+  Join(changes, state.followed);
+  LosePictures(source.Header(), changes);
+  LoseHidden(source.Header(), target, changes);
+  LosePosition(state.placement, target, changes);
+  LoseTiles(source.Header().form, target, changes);
+  return changes;
+}
+
+void Join(Changes& all, const Changes& more) {
+  for (const Loss& loss : more.losses) {
+    const bool isKnown = std::any_of(all.losses.begin(), all.losses.end(), [&](const Loss& other) {
+      return other.kind == loss.kind && other.what == loss.what;
+    });
+    if (!isKnown) all.losses.push_back(loss);
+  }
+  for (const std::string& note : more.notes) {
+    if (std::find(all.notes.begin(), all.notes.end(), note) == all.notes.end()) {
+      all.notes.push_back(note);
+    }
+  }
+}
+
+}  // namespace rasterkit::detail

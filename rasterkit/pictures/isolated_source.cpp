@@ -1,0 +1,86 @@
+#include <utility>
+
+#include <rasterkit/codecs/isolated_pixels.h>
+#include <rasterkit/pictures/isolated_source.h>
+#include <rasterkit/pictures/reading/picture_file.h>
+#include <rasterkit/runtime/limits.h>
+
+namespace rasterkit::detail {
+namespace {
+
+bool GoOn() {
+  RequireTime();
+  return true;
+}
+
+/// A file that a worker process decodes.
+class IsolatedSource : public PictureSource {
+ public:
+  IsolatedSource(PictureBytes bytes, PictureType type, const OpenOptions& options)
+      : bytes_(std::move(bytes)) {
+    file_ = bytes_.Name();
+    type_ = type;
+    header_ = ReadHeaderIsolated(bytes_.Handle(), type_, GoOn);
+    position_ =
+        ReadPlacement(file_, header_.positionTags, header_.width, header_.height, options.position);
+  }
+
+  Pixels ReadPixels(int threads, CodecReport& report) const override {
+    bytes_.RequireUnchanged();
+    Pixels pixels = DecodePixelsIsolated(bytes_.Handle(), threads, &report, GoOn);
+    bytes_.RequireUnchanged();
+    return pixels;
+  }
+  uint64_t ByteCount() const override { return bytes_.Size(); }
+  bool IsNamed(const std::string& file) const override { return bytes_.IsNamed(file); }
+
+ private:
+  const PictureBytes bytes_;
+};
+
+/// A metafile that a worker process draws, once: how large it is shows only then.
+class IsolatedDrawing : public PictureSource {
+ public:
+  IsolatedDrawing(PictureBytes bytes, PictureType type, const OpenOptions& options)
+      : bytes_(std::move(bytes)) {
+    file_ = bytes_.Name();
+    type_ = type;
+    LoadedFrame picture;
+    PictureReading reading;
+    reading.drawing = options.drawing;
+    reading.isolation = Isolation::process;
+    reading.keepGoing = GoOn;
+    ReadPicture(picture, *bytes_.Stream(), reading);
+    warnings_ = picture.warnings;
+    rows_ = TakeVisibleRows(picture);
+    header_.width = rows_.Width();
+    header_.height = rows_.Height();
+    header_.metadata.resolution = rows_.resolution;
+    position_ = ReadPlacement(file_, {}, header_.width, header_.height, options.position);
+    lost_.Lose(LossKind::records, "the records of the drawing", "only its pixels are kept");
+  }
+
+  Pixels ReadPixels(int, CodecReport& report) const override {
+    bytes_.RequireUnchanged();
+    report.warnings.insert(report.warnings.end(), warnings_.begin(), warnings_.end());
+    return rows_.Clone();
+  }
+  uint64_t ByteCount() const override { return bytes_.Size(); }
+  bool IsNamed(const std::string& file) const override { return bytes_.IsNamed(file); }
+
+ private:
+  const PictureBytes bytes_;
+  Raster rows_;
+  std::vector<std::string> warnings_;
+};
+
+}  // namespace
+
+SourcePtr OpenIsolated(PictureBytes bytes, PictureType type, const OpenOptions& options) {
+  if (type == PictureType::wmf || type == PictureType::emf) {
+    return std::make_shared<IsolatedDrawing>(std::move(bytes), type, options);
+  }
+  return std::make_shared<IsolatedSource>(std::move(bytes), type, options);
+}
+
+}  // namespace rasterkit::detail

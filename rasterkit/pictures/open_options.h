@@ -1,0 +1,19 @@
+#pragma once
+
+#include <rasterkit/pictures/reading/metafile_drawing.h>
+#include <rasterkit/placement/placement.h>
+#include <rasterkit/runtime/isolation.h>
+
+namespace rasterkit {
+
+/// How a picture is opened.
+struct OpenOptions {
+  /// Which position counts, and a world file of another name.
+  PlacementReading position;
+  /// How a metafile is drawn.
+  MetafileDrawing drawing;
+  /// Where the file is read.
+  Isolation isolation = Isolation::none;
+};
+
+}  // namespace rasterkit

@@ -1,0 +1,62 @@
+#include <utility>
+
+#include <rasterkit/bands/stages.h>
+#include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/pictures/own_stages.h>
+#include <rasterkit/pictures/read_pixels.h>
+
+namespace rasterkit::detail {
+namespace {
+
+class MakeVisible : public Stage {
+ public:
+  explicit MakeVisible(std::string noData) : noData_(std::move(noData)) {}
+
+  RowRange Needs(RowRange target) const override { return target; }
+  Pixels Make(Pixels source, const StageRun&, Changes& changes) const override {
+    if (std::holds_alternative<Raster>(source)) return source;
+    return VisiblePixels(std::move(source), noData_, changes);
+  }
+
+ private:
+  const std::string noData_;
+};
+
+class LayOver : public Stage {
+ public:
+  LayOver(Sides source, std::shared_ptr<const Picture> other, const CombineOptions& options,
+          const std::optional<Affine>& toOver)
+      : source_(source), other_(std::move(other)), options_(options), toOver_(toOver) {}
+
+  RowRange Needs(RowRange target) const override { return target; }
+  Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
+    Combination combination;
+    combination.over =
+        std::make_shared<const Raster>(VisibleRowsOf(*other_, {run.threads, {}}, changes));
+    combination.mode = options_.mode;
+    combination.percent = options_.percent;
+    combination.gray = options_.gray;
+    combination.toOver = toOver_;
+    return CombineStage(source_, combination)->Make(std::move(source), run, changes);
+  }
+
+ private:
+  const Sides source_;
+  const std::shared_ptr<const Picture> other_;
+  const CombineOptions options_;
+  const std::optional<Affine> toOver_;
+};
+
+}  // namespace
+
+std::unique_ptr<Stage> VisibleStage(const std::string& noData) {
+  return std::make_unique<MakeVisible>(noData);
+}
+
+std::unique_ptr<Stage> PictureOverStage(Sides source, std::shared_ptr<const Picture> other,
+                                        const CombineOptions& options,
+                                        const std::optional<Affine>& toOver) {
+  return std::make_unique<LayOver>(source, std::move(other), options, toOver);
+}
+
+}  // namespace rasterkit::detail

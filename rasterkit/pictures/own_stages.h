@@ -1,0 +1,22 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include <rasterkit/bands/combine.h>
+#include <rasterkit/bands/sides.h>
+#include <rasterkit/bands/stage.h>
+#include <rasterkit/pictures/picture.h>
+
+/// Stages that need more than the pixels of the step before.
+namespace rasterkit::detail {
+
+/// Makes a raster to look at of samples (see VisiblePixels); a raster stays as it is.
+std::unique_ptr<Stage> VisibleStage(const std::string& noData);
+
+/// Lays a second picture over the first; its pixels are read when the stage works.
+std::unique_ptr<Stage> PictureOverStage(Sides source, std::shared_ptr<const Picture> other,
+                                        const CombineOptions& options,
+                                        const std::optional<Affine>& toOver);
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,115 @@
+#include <filesystem>
+#include <optional>
+#include <utility>
+
+#include <rasterkit/pictures/fitting/make_thumbnail.h>
+#include <rasterkit/pictures/pending_save.h>
+#include <rasterkit/pictures/picture_parts.h>
+#include <rasterkit/pictures/read_pixels.h>
+#include <rasterkit/pictures/run_scope.h>
+#include <rasterkit/pictures/save_picture.h>
+#include <rasterkit/pictures/side_file_losses.h>
+#include <rasterkit/pictures/write_plan.h>
+#include <rasterkit/placement/side_files.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/atomic_file.h>
+#include <rasterkit/runtime/files/file_name.h>
+
+namespace rasterkit {
+
+struct PendingSave::State {
+  rasterkit::Report report;
+  std::unique_ptr<AtomicFile> file;
+  std::optional<SideFiles> sideFiles;
+
+  State(const Picture& picture, const std::string& name, const SaveOptions& options,
+        const Run& run);
+
+  void BeforeCommit() {
+    if (sideFiles) sideFiles->BeforeCommit();
+  }
+  void AfterCommit() {
+    if (sideFiles) sideFiles->AfterCommit();
+    for (const std::string& warning : file->Warnings()) {
+      report.warnings.push_back(warning);
+    }
+    file.reset();
+  }
+};
+
+PendingSave::State::State(const Picture& picture, const std::string& name,
+                          const SaveOptions& options, const Run& run) {
+  detail::RunScope scope(run);
+  const detail::PictureSource& source = *detail::PictureParts::Source(picture);
+  const detail::PictureState& state = detail::PictureParts::State(picture);
+  const PictureType type = detail::TargetType(name, options);
+  const bool hasSideFiles = detail::CanHaveSideFiles(name);
+  const detail::WritePlan plan = detail::PlanOf(source, state, type, options, hasSideFiles);
+  Changes sideChanges;
+  if (hasSideFiles) {
+    sideFiles.emplace(detail::WishOf(source, state, plan, name, options), state.placement,
+                      sideChanges);
+  }
+  file = std::make_unique<AtomicFile>(
+      name,
+      AtomicFileOptions{options.mayReplace ? IfExists::replace : IfExists::fail, options.syncs});
+  if (!file->IsSeekable() && source.IsNamed(name)) {
+    throw FileError("cannot be written: it is the file of the picture itself", name);
+  }
+  report = detail::WriteTo(*file, source, state, plan, options, scope);
+  detail::AddSideFiles(report, sideFiles ? &*sideFiles : nullptr, sideChanges);
+  file->Finish();
+  if (sideFiles) sideFiles->Prepare();
+}
+
+PendingSave::PendingSave(const Picture& picture, const std::string& file,
+                         const SaveOptions& options, const Run& run)
+    : state_(std::make_unique<State>(picture, file, options, run)) {}
+
+PendingSave::~PendingSave() = default;
+PendingSave::PendingSave(PendingSave&&) noexcept = default;
+
+const rasterkit::Report& PendingSave::Report() const {
+  return state_->report;
+}
+
+void PendingSave::Commit() {
+  PendingSave* const self = this;
+  if (const std::exception_ptr error = CommitAll({&self, 1}).front()) std::rethrow_exception(error);
+}
+
+std::vector<std::exception_ptr> PendingSave::CommitAll(std::span<PendingSave* const> saves) {
+  std::vector<std::exception_ptr> errors(saves.size());
+  const auto attempt = [&](size_t i, void (State::*step)()) {
+    if (errors[i]) return;
+    try {
+      (*saves[i]->state_.*step)();
+    } catch (...) {
+      errors[i] = std::current_exception();
+    }
+  };
+  std::vector<std::unique_ptr<AtomicFile>> files;
+  std::vector<size_t> places;
+  for (size_t i = 0; i < saves.size(); ++i) {
+    if (!saves[i]->state_->file) {
+      errors[i] = std::make_exception_ptr(FileError("was committed already"));
+    }
+    attempt(i, &State::BeforeCommit);
+    if (errors[i]) continue;
+    files.push_back(std::move(saves[i]->state_->file));
+    places.push_back(i);
+  }
+  std::vector<std::exception_ptr> committed = AtomicFile::CommitAll(files);
+  for (size_t i = 0; i < places.size(); ++i) {
+    saves[places[i]]->state_->file = std::move(files[i]);
+    errors[places[i]] = committed[i];
+  }
+  for (size_t i = 0; i < saves.size(); ++i) {
+    attempt(i, &State::AfterCommit);
+    // Moves an old world file back.
+    if (errors[i]) saves[i]->state_->sideFiles.reset();
+  }
+  return errors;
+}
+
+}  // namespace rasterkit

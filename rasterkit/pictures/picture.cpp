@@ -1,0 +1,173 @@
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/pictures/map_rect.h>
+#include <rasterkit/pictures/pending_save.h>
+#include <rasterkit/pictures/picture.h>
+#include <rasterkit/pictures/picture_parts.h>
+#include <rasterkit/pictures/read_pixels.h>
+#include <rasterkit/pictures/run_scope.h>
+#include <rasterkit/pictures/save_picture.h>
+#include <rasterkit/pictures/side_file_losses.h>
+#include <rasterkit/pictures/write_plan.h>
+#include <rasterkit/runtime/errors.h>
+
+namespace rasterkit {
+namespace {
+
+/// Reading to look at, up to the last step of the work.
+constexpr double kSeen = 0.9;
+
+}  // namespace
+
+Picture::Picture(std::shared_ptr<const detail::PictureSource> source)
+    : source_(std::move(source)),
+      state_(std::make_shared<const detail::PictureState>(detail::StateOf(*source_))) {
+  for (Step& step : detail::StepsOfOrientation(source_->Header().orientation.value_or(1))) {
+    Apply(std::move(step));
+  }
+}
+
+Picture::Picture(const Picture&) = default;
+Picture::Picture(Picture&&) noexcept = default;
+Picture::~Picture() = default;
+
+Picture& Picture::operator=(Picture other) noexcept {
+  source_ = std::move(other.source_);
+  steps_ = std::move(other.steps_);
+  state_ = std::move(other.state_);
+  return *this;
+}
+
+Picture Picture::Open(const std::string& file, const OpenOptions& options) {
+  return Picture(detail::OpenSource(file, options));
+}
+Picture Picture::Open(std::vector<uint8_t> bytes, const OpenOptions& options) {
+  return Picture(detail::OpenSource(std::move(bytes), options));
+}
+Picture Picture::Of(std::unique_ptr<TBitmap> rows) {
+  return Picture(detail::SourceOf(std::move(rows)));
+}
+Picture Picture::Of(Samples rows) {
+  return Picture(detail::SourceOf(std::move(rows)));
+}
+
+int Picture::Width() const {
+  return state_->width;
+}
+int Picture::Height() const {
+  return state_->height;
+}
+const PixelLayout& Picture::Layout() const {
+  return state_->layout;
+}
+const Metadata& Picture::GetMetadata() const {
+  return state_->metadata;
+}
+const Placement& Picture::GetPlacement() const {
+  return state_->placement;
+}
+PictureType Picture::SourceType() const {
+  return source_->Type();
+}
+const Form& Picture::SourceForm() const {
+  return source_->Header().form;
+}
+const std::string& Picture::SourceFile() const {
+  return source_->File();
+}
+int Picture::Pages() const {
+  return std::max(source_->Header().pages, source_->Header().frames);
+}
+const std::vector<Step>& Picture::Steps() const {
+  return steps_;
+}
+
+Picture& Picture::Apply(Step step) {
+  auto state = std::make_shared<detail::PictureState>(*state_);
+  detail::AddStep(*state, *source_, step);
+  detail::Follow(*state, *source_);
+  steps_.push_back(std::move(step));
+  state_ = std::move(state);
+  return *this;
+}
+
+Picture& Picture::Crop(const MapRect& rect) {
+  try {
+    const std::optional<Affine> position = detail::PositionOf(*state_, *source_);
+    if (!position) throw RangeError("the picture has no position on a map");
+    return Apply(detail::CropOfMap(rect, *position, Width(), Height()));
+  } catch (Error& error) {
+    error.AttachFile(SourceFile());
+    throw;
+  }
+}
+
+Picture& Picture::Combine(const Picture& other, const CombineOptions& options) {
+  return Apply(CombineStep{std::make_shared<const Picture>(other), options});
+}
+
+Report Picture::Plan(const std::string& file, const SaveOptions& options) const {
+  const PictureType type = detail::TargetType(file, options);
+  const bool hasSideFiles = detail::CanHaveSideFiles(file);
+  const detail::WritePlan plan = detail::PlanOf(*source_, *state_, type, options, hasSideFiles);
+  Report report = detail::Foresee(*source_, *state_, plan, options);
+  if (!hasSideFiles) return report;
+  Changes changes;
+  const SideFiles files(detail::WishOf(*source_, *state_, plan, file, options), state_->placement,
+                        changes);
+  detail::AddSideFiles(report, &files, changes);
+  return report;
+}
+
+Report Picture::Save(const std::string& file, const SaveOptions& options, const Run& run) const {
+  PendingSave save(*this, file, options, run);
+  save.Commit();
+  return save.Report();
+}
+
+Report Picture::Save(TStream& stream, const SaveOptions& options, const Run& run) const {
+  detail::RunScope scope(run);
+  SaveOptions typed = options;
+  if (!typed.type) typed.type = SourceType();
+  const PictureType type = detail::TargetType({}, typed);
+  const detail::WritePlan plan = detail::PlanOf(*source_, *state_, type, typed, false);
+  return detail::WriteTo(stream, *source_, *state_, plan, typed, scope);
+}
+
+std::unique_ptr<TBitmap> Picture::Bitmap(const Run& run) const {
+  detail::RunScope scope(run);
+  scope.Begin(kSeen, source_->Header().height);
+  Changes unused;
+  Raster rows = detail::VisibleRowsOf(*this, scope.Stages(), unused);
+  rows.profile = state_->metadata.profile;
+  auto bitmap = std::make_unique<TBitmap>(std::move(rows));
+  scope.Finish();
+  return bitmap;
+}
+
+Samples Picture::Numbers(const Run& run) const {
+  detail::RunScope scope(run);
+  scope.Begin(kSeen, source_->Header().height);
+  Changes unused;
+  Pixels pixels = detail::ReadPixels(*source_, *state_, scope.Stages(), unused).pixels;
+  const auto* rows = std::get_if<Raster>(&pixels);
+  Samples samples =
+      rows != nullptr ? detail::SamplesOf(*rows) : std::get<Samples>(std::move(pixels));
+  scope.Finish();
+  return samples;
+}
+
+void Picture::Rows(RowSink& sink, const Run& run) const {
+  detail::RunScope scope(run);
+  scope.Begin(kSeen, source_->Header().height);
+  Changes unused;
+  const Raster rows = detail::VisibleRowsOf(*this, scope.Stages(), unused);
+  sink.Take(rows, 0);
+  scope.Finish();
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <rasterkit/pictures/picture.h>
+#include <rasterkit/pictures/picture_source.h>
+#include <rasterkit/pictures/picture_state.h>
+
+namespace rasterkit::detail {
+
+/// What a picture is made of, for the rest of this room.
+struct PictureParts {
+  static const SourcePtr& Source(const Picture& picture) { return picture.source_; }
+  static const PictureState& State(const Picture& picture) { return *picture.state_; }
+};
+
+}  // namespace rasterkit::detail

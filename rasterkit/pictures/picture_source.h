@@ -1,0 +1,64 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/codecs/rows/codec_report.h>
+#include <rasterkit/codecs/rows/picture_header.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/pictures/open_options.h>
+#include <rasterkit/placement/placement.h>
+#include <rasterkit/raster/pixels.h>
+#include <rasterkit/runtime/files/stream.h>
+
+namespace rasterkit::detail {
+
+/// Where the pixels of a picture come from, and all that was read when it was opened. Never
+/// changes; const calls may be made from several threads at once.
+class PictureSource {
+ public:
+  virtual ~PictureSource() = default;
+
+  PictureType Type() const { return type_; }
+  /// Name of the file; empty for bytes and rows in memory.
+  const std::string& File() const { return file_; }
+  const PictureHeader& Header() const { return header_; }
+  /// True if the pixels are read as a raster, false if as samples.
+  virtual bool IsRaster() const;
+  const Placement& Position() const { return position_; }
+  /// What no picture made from this source can have.
+  const Changes& Lost() const { return lost_; }
+
+  /// Reads the pixels as stored. What was read around is added to `report`. Works under the limits
+  /// of the calling thread.
+  virtual Pixels ReadPixels(int threads, CodecReport& report) const = 0;
+  /// The bytes of the file from its beginning, for copying. Null if there are none. Throws
+  /// FileError if the file changed.
+  virtual std::unique_ptr<TStream> Bytes() const { return nullptr; }
+  virtual uint64_t ByteCount() const { return 0; }
+  /// True if the name leads to the open file of this source.
+  virtual bool IsNamed(const std::string&) const { return false; }
+
+ protected:
+  PictureSource() = default;
+
+  PictureType type_ = PictureType::unknown;
+  std::string file_;
+  PictureHeader header_;
+  Placement position_;
+  Changes lost_;
+};
+
+using SourcePtr = std::shared_ptr<const PictureSource>;
+
+/// Opens a file or its bytes. Throws as Picture::Open.
+SourcePtr OpenSource(const std::string& file, const OpenOptions& options);
+SourcePtr OpenSource(std::vector<uint8_t> bytes, const OpenOptions& options);
+
+/// Takes over rows. Throws FormatError for 0 x 0 pixels.
+SourcePtr SourceOf(std::unique_ptr<TBitmap> rows);
+SourcePtr SourceOf(Samples rows);
+
+}  // namespace rasterkit::detail

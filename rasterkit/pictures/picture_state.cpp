@@ -1,0 +1,127 @@
+#include <algorithm>
+
+#include <rasterkit/metadata/exif_block.h>
+#include <rasterkit/metadata/follow_pixels.h>
+#include <rasterkit/pictures/picture_state.h>
+#include <rasterkit/pictures/strip_metadata.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// From corners of the source to those of the picture: pixel indexes lie half a pixel off.
+std::array<double, 6> CornersToNew(const Affine& toOld) {
+  constexpr double kHalf = 0.5;
+  const Affine corners{toOld.xPerColumn,
+                       toOld.yPerColumn,
+                       toOld.xPerRow,
+                       toOld.yPerRow,
+                       toOld.At(-kHalf, -kHalf).x + kHalf,
+                       toOld.At(-kHalf, -kHalf).y + kHalf};
+  const Affine toNew = corners.Inverse().value_or(Affine());
+  return {toNew.xPerColumn, toNew.xPerRow, toNew.x, toNew.yPerColumn, toNew.yPerRow, toNew.y};
+}
+
+PixelChange ChangeOf(const PictureState& state, const PictureSource& source) {
+  PixelChange change;
+  change.oldWidth = source.Header().width;
+  change.oldHeight = source.Header().height;
+  change.width = state.width;
+  change.height = state.height;
+  change.toNew = CornersToNew(state.toOld);
+  change.pixelsChanged = state.pixelsChanged;
+  change.placesChanged = state.placesChanged;
+  const auto isGray = [](ColorModel model) {
+    return model == ColorModel::gray || model == ColorModel::grayWhiteIsZero;
+  };
+  change.becameGray = isGray(state.layout.model) && !isGray(source.Header().layout.model);
+  change.resolution = state.resolution;
+  return change;
+}
+
+bool HasThumbnail(const Metadata& metadata) {
+  return !metadata.exif.empty() && ExifBlock(metadata.exif).HasThumbnail();
+}
+
+}  // namespace
+
+PictureState StateOf(const PictureSource& source) {
+  PictureState state;
+  const PictureHeader& header = source.Header();
+  state.width = header.width;
+  state.height = header.height;
+  state.layout = header.layout;
+  state.isRaster = source.IsRaster();
+  state.resolution = header.metadata.resolution;
+  state.metadata = header.metadata;
+  state.placement = source.Position();
+  return state;
+}
+
+std::vector<Step> StepsOfOrientation(int orientation) {
+  constexpr int kClockwise = -1, kHalf = 2, kCounterClockwise = 1;
+  const MirrorStep leftRight{MirrorAxis::leftRight}, topBottom{MirrorAxis::topBottom};
+  switch (orientation) {
+    case 2:
+      return {leftRight};
+    case 3:
+      return {TurnStep{kHalf}};
+    case 4:
+      return {topBottom};
+    case 5:
+      return {TurnStep{kClockwise}, leftRight};
+    case 6:
+      return {TurnStep{kClockwise}};
+    case 7:
+      return {TurnStep{kClockwise}, topBottom};
+    case 8:
+      return {TurnStep{kCounterClockwise}};
+    default:
+      return {};
+  }
+}
+
+std::optional<Affine> PositionOf(const PictureState& state, const PictureSource& source) {
+  const std::optional<Affine>& affine = source.Position().affine;
+  if (!affine) return std::nullopt;
+  return affine->After(state.toOld);
+}
+
+bool NeedsThumbnail(const PictureState& state, const PictureSource& source) {
+  return state.pixelsChanged && !state.edit.stripAll && !state.edit.stripThumbnail &&
+         HasThumbnail(source.Header().metadata);
+}
+
+void Follow(PictureState& state, const PictureSource& source, std::span<const uint8_t> thumbnail) {
+  state.followed = {};
+  state.metadata = source.Header().metadata;
+  StripMetadata(state.metadata, state.edit);
+  // A step has dropped it.
+  if (source.Header().layout.profile && !state.layout.profile) state.metadata.profile = nullptr;
+  state.placement = source.Position();
+  if (!state.pixelsChanged) return;
+
+  PixelChange change = ChangeOf(state, source);
+  change.thumbnail = thumbnail;
+  FollowPixels(state.metadata, change, state.followed);
+  // A thumbnail is made when the pixels are there.
+  if (thumbnail.empty() && NeedsThumbnail(state, source)) {
+    std::erase_if(state.followed.losses,
+                  [](const Loss& loss) { return loss.kind == LossKind::thumbnail; });
+  }
+  if (!state.placesChanged) return;
+  FollowPixels(state.placement,
+               {state.toOld, change.oldWidth, change.oldHeight, state.width, state.height},
+               state.followed);
+}
+
+uint64_t BytesOfRows(const PixelLayout& layout, int width, int height) {
+  const bool isPacked = layout.type == NumberType::uint8 && layout.bands == 1;
+  const uint64_t bits =
+      isPacked ? static_cast<uint64_t>(layout.bits)
+               : uint64_t{8} * BytesOf(layout.type) * static_cast<uint64_t>(layout.bands);
+  // Rows of a raster are padded to four bytes.
+  const uint64_t row = (static_cast<uint64_t>(width) * bits + 31) / 32 * 4;
+  return row * static_cast<uint64_t>(height);
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <memory>
+
+#include <rasterkit/bands/executor.h>
+#include <rasterkit/pictures/picture_source.h>
+#include <rasterkit/pictures/steps.h>
+
+namespace rasterkit::detail {
+
+/// What is known about a picture after its steps so far, without reading a pixel.
+struct PictureState {
+  int width = 0, height = 0;
+  PixelLayout layout;
+  /// How the pixels are held: as a raster or as samples.
+  bool isRaster = true;
+  Resolution resolution;
+  /// From pixel indexes of this picture to those of the source.
+  Affine toOld;
+  bool pixelsChanged = false, placesChanged = false;
+  /// The source's columns run along the rows of this picture, or nearly.
+  bool exchangesAxes = false;
+  MetadataEdit edit;
+  Stages stages;
+  /// Bytes of rows that the stages hold at most.
+  uint64_t rowBytes = 0;
+  /// What the steps lose and note.
+  Changes changes;
+
+  /// What follows from the above and the source; see Follow.
+  Metadata metadata;
+  Placement placement;
+  Changes followed;
+};
+
+/// The picture of a source without steps.
+PictureState StateOf(const PictureSource& source);
+
+/// The steps that make a picture of this EXIF orientation upright.
+std::vector<Step> StepsOfOrientation(int orientation);
+
+/// Adds one step: sides, layout, stages and losses. Throws RangeError, with the file's name, if the
+/// step does not fit.
+void AddStep(PictureState& state, const PictureSource& source, const Step& step);
+
+/// Sets `metadata`, `placement` and `followed`. `thumbnail` is a JPEG file or empty; without one
+/// the metadata has none if the pixels changed.
+void Follow(PictureState& state, const PictureSource& source,
+            std::span<const uint8_t> thumbnail = {});
+
+/// Where the picture lies: the source's position carried through the steps.
+std::optional<Affine> PositionOf(const PictureState& state, const PictureSource& source);
+
+/// True if the file has a thumbnail that must be made anew when pixels change.
+bool NeedsThumbnail(const PictureState& state, const PictureSource& source);
+
+/// Bytes of rows of this size.
+uint64_t BytesOfRows(const PixelLayout& layout, int width, int height);
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,94 @@
+#include <cstring>
+#include <utility>
+
+#include <rasterkit/bands/executor.h>
+#include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/pictures/picture_parts.h>
+#include <rasterkit/pictures/read_pixels.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// Part of the work that reading is, as long as there are stages.
+constexpr double kReading = 0.5;
+
+StageRun PartOf(const StageRun& run, double from, double to) {
+  if (!run.progress) return {run.threads, {}};
+  return {run.threads, [&run, from, to](double done) { run.progress(from + (to - from) * done); }};
+}
+
+void UnpackRow(const Raster& rows, int y, uint8_t* target) {
+  const int bits = StoredBitsPerPixel(rows.Format());
+  const int perByte = 8 / bits;
+  const unsigned mask = (1u << bits) - 1;
+  for (int x = 0; x < rows.Width(); ++x) {
+    const int shift = 8 - bits * (x % perByte + 1);
+    target[x] =
+        static_cast<uint8_t>(static_cast<unsigned>(rows.Row(y)[x / perByte]) >> shift & mask);
+  }
+}
+
+/// B G R of each pixel become R G B; a fourth byte stays where it is.
+void ExchangeRow(const uint8_t* row, int width, int bands, uint8_t* target) {
+  for (int x = 0; x < width; ++x, row += bands, target += bands) {
+    target[0] = row[2];
+    target[1] = row[1];
+    target[2] = row[0];
+    if (bands == 4) target[3] = row[3];
+  }
+}
+
+}  // namespace
+
+DecodedPicture ReadPixels(const PictureSource& source, const PictureState& state,
+                          const StageRun& run, Changes& changes) {
+  CodecReport report;
+  DecodedPicture read;
+  const double border = state.stages.empty() ? 1 : kReading;
+  try {
+    RequireTime();
+    read.pixels = source.ReadPixels(run.threads, report);
+    if (run.progress) run.progress(border);
+    if (!state.stages.empty()) {
+      read.pixels =
+          RunStages(std::move(read.pixels), state.stages, PartOf(run, border, 1), changes);
+    }
+  } catch (Error& error) {
+    error.AttachFile(source.File());
+    throw;
+  }
+  read.damage = std::move(report.warnings);
+  std::visit([&](auto& rows) { rows.resolution = state.metadata.resolution; }, read.pixels);
+  return read;
+}
+
+Raster VisibleRowsOf(const Picture& picture, const StageRun& run, Changes& changes) {
+  const PictureState& state = PictureParts::State(picture);
+  Pixels pixels = ReadPixels(*PictureParts::Source(picture), state, run, changes).pixels;
+  if (auto* rows = std::get_if<Raster>(&pixels)) return std::move(*rows);
+  return VisiblePixels(std::move(pixels), state.placement.noData, changes);
+}
+
+Samples SamplesOf(const Raster& rows) {
+  Pixels like = Raster(rows.Format(), 1, 1);
+  std::get<Raster>(like).CopyProperties(rows);
+  const PixelLayout layout = LayoutOf(like);
+  if (layout.bits == 5 || layout.bits == 6) {
+    throw UnsupportedError("15- and 16-bit pixels are no whole bytes per sample");
+  }
+  Samples samples(layout, rows.Width(), rows.Height());
+  samples.resolution = rows.resolution;
+  for (int y = 0; y < rows.Height(); ++y) {
+    RequireTime();
+    if (IsIndexed(rows.Format())) {
+      UnpackRow(rows, y, samples.Row(y));
+    } else {
+      ExchangeRow(rows.Row(y), rows.Width(), layout.bands, samples.Row(y));
+    }
+  }
+  return samples;
+}
+
+}  // namespace rasterkit::detail

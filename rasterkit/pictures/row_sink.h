@@ -1,0 +1,16 @@
+#pragma once
+
+#include <rasterkit/raster/raster.h>
+#include <rasterkit/runtime/export.h>
+
+namespace rasterkit {
+
+/// Takes rows of a picture from top to bottom.
+class RASTERKIT_EXPORT RowSink {
+ public:
+  virtual ~RowSink() = default;
+  /// The rows from `top` on, valid during the call.
+  virtual void Take(const Raster& rows, int top) = 0;
+};
+
+}  // namespace rasterkit

@@ -1,0 +1,81 @@
+#include <utility>
+
+#include <rasterkit/pictures/fitting/make_thumbnail.h>
+#include <rasterkit/pictures/read_pixels.h>
+#include <rasterkit/pictures/save_picture.h>
+#include <rasterkit/runtime/errors.h>
+
+namespace rasterkit::detail {
+namespace {
+
+/// Parts of the work after which reading and the stages end.
+constexpr double kRead = 0.5;
+
+void LoseDamage(const std::vector<std::string>& damage, Report& report, Changes& changes) {
+  for (const std::string& warning : damage) {
+    changes.Lose(LossKind::damage, warning, "the file of the picture is damaged");
+    report.warnings.push_back(warning);
+  }
+}
+
+Report Begin(const PictureSource& source, const PictureState& state, const WritePlan& plan) {
+  Report report;
+  report.type = plan.type;
+  report.isCopied = plan.isCopied;
+  report.width = state.width;
+  report.height = state.height;
+  report.warnings = source.Header().warnings;
+  report.warnings.insert(report.warnings.end(), state.placement.warnings.begin(),
+                         state.placement.warnings.end());
+  return report;
+}
+
+WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const PictureState& state,
+                         const WritePlan& plan, const SaveOptions& options, RunScope& run,
+                         Report& report, Changes& changes) {
+  run.Begin(kRead, source.Header().height);
+  Changes made;
+  DecodedPicture decoded = ReadPixels(source, state, run.Stages(), made);
+  run.Begin(1, HeightOf(decoded.pixels));
+  // The metadata describe the pixels that are written: the thumbnail is made of them.
+  PictureState followed = state;
+  if (NeedsThumbnail(state, source)) {
+    Follow(followed, source, MakeThumbnail(decoded.pixels, state.placement.noData));
+  }
+  changes = LossesOf(source, followed, {plan.type, plan.isCopied, plan.hasSideFiles});
+  Join(changes, made);
+  WrittenPicture written = WritePixels(std::move(decoded.pixels), followed, source, plan, options,
+                                       run.Threads(), target, changes);
+  LoseDamage(decoded.damage, report, changes);
+  return written;
+}
+
+}  // namespace
+
+Report WriteTo(TStream& target, const PictureSource& source, const PictureState& state,
+               const WritePlan& plan, const SaveOptions& options, RunScope& run) {
+  Report report = Begin(source, state, plan);
+  const uint64_t start = target.Position();
+  Changes changes;
+  WrittenPicture written;
+  if (plan.isCopied) {
+    run.Begin(1, 1);
+    changes = LossesOf(source, state, {plan.type, plan.isCopied, plan.hasSideFiles});
+    written = CopyPixels(source, state, plan, target, changes);
+    changes.Note("the compressed pixels are copied");
+    written.layout = state.layout;
+  } else {
+    written = WriteAnew(target, source, state, plan, options, run, report, changes);
+  }
+  report.form = written.form;
+  report.layout = written.layout;
+  report.losses = std::move(changes.losses);
+  report.notes = std::move(changes.notes);
+  report.bytes = target.Position() - start;
+  report.memory = MemoryOf(source, state, report.bytes);
+  RequireTime();
+  run.Finish();
+  return report;
+}
+
+}  // namespace rasterkit::detail

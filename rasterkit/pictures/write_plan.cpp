@@ -1,0 +1,215 @@
+#include <algorithm>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/pictures/fitting/fit_pixels.h>
+#include <rasterkit/pictures/fitting/sample_rows.h>
+#include <rasterkit/pictures/write_plan.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/file_name.h>
+
+namespace rasterkit::detail {
+namespace {
+
+constexpr int kSampleSide = 16;
+
+JpegForm Transposed(JpegForm form) {
+  constexpr size_t kSide = 8;
+  for (auto& table : form.tables) {
+    if (!table) continue;
+    auto turned = *table;
+    for (size_t row = 0; row < kSide; ++row) {
+      for (size_t column = 0; column < kSide; ++column) {
+        turned[row * kSide + column] = (*table)[column * kSide + row];
+      }
+    }
+    table = turned;
+  }
+  for (JpegForm::Component& component : form.components) std::swap(component.h, component.v);
+  return form;
+}
+
+/// The number of tag 259.
+int CompressionNumber(TiffCompression compression, const PixelLayout& layout) {
+  constexpr int kNone = 1, kGroup4 = 4, kLzw = 5, kDeflate = 8, kPackBits = 32773;
+  switch (compression) {
+    case TiffCompression::none:
+      return kNone;
+    case TiffCompression::deflate:
+      return kDeflate;
+    case TiffCompression::packBits:
+      return kPackBits;
+    case TiffCompression::group4:
+      return kGroup4;
+    case TiffCompression::lzw:
+      return kLzw;
+    default:
+      return layout.bits == 1 && layout.bands == 1 ? kGroup4 : kLzw;
+  }
+}
+
+Form FormFor(const PictureSource& source, const PictureState& state, PictureType type,
+             const SaveOptions& options) {
+  Form form;
+  if (source.Type() == type) form = source.Header().form;
+  if (auto* jpeg = std::get_if<JpegForm>(&form); jpeg != nullptr && state.exchangesAxes) {
+    *jpeg = Transposed(*jpeg);
+  }
+  if (type != PictureType::tiff || !options.compression) return form;
+  if (!std::holds_alternative<TiffForm>(form)) form = TiffForm();
+  auto& tiff = std::get<TiffForm>(form);
+  tiff.compression = CompressionNumber(*options.compression, state.layout);
+  return form;
+}
+
+bool AsksForForm(const SaveOptions& options) {
+  return options.quality || options.compression || options.chromaX > 0 || options.chromaY > 0;
+}
+
+/// Tags that the source's file states and that still hold stay as they are, to the byte.
+std::vector<TagValue> PositionTags(const PictureSource& source, const PictureState& state) {
+  const Placement& position = source.Position();
+  const bool isFromTags = position.stated.empty() ||
+                          position.stated.front().source == PositionSource::geoTiff ||
+                          position.stated.front().source == PositionSource::geoTiffTransformation;
+  if (!state.placesChanged && isFromTags && !source.Header().positionTags.empty()) {
+    return source.Header().positionTags;
+  }
+  return TagsOf(state.placement);
+}
+
+PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
+                         const WritePlan& plan) {
+  PictureWriting writing;
+  writing.form = plan.form;
+  writing.metadata = state.metadata;
+  if (plan.type == PictureType::tiff) writing.positionTags = PositionTags(source, state);
+  return writing;
+}
+
+uint64_t MetadataBytes(const Metadata& metadata) {
+  uint64_t bytes = metadata.exif.size() + metadata.xmp.size() + metadata.extendedXmp.size() +
+                   metadata.iptc.size() + metadata.photoshop.size();
+  if (metadata.profile) bytes += metadata.profile->size();
+  for (const std::string& comment : metadata.comments) bytes += comment.size();
+  for (const PictureText& text : metadata.texts) bytes += text.text.size() + text.keyword.size();
+  for (const TagValue& tag : metadata.tiffTags) bytes += tag.bytes.size();
+  for (const OtherBlock& block : metadata.jpegSegments) bytes += block.bytes.size();
+  for (const OtherBlock& block : metadata.pngChunks) bytes += block.bytes.size();
+  return bytes;
+}
+
+}  // namespace
+
+PictureType TargetType(const std::string& file, const SaveOptions& options) {
+  PictureType type = options.type.value_or(PictureType::unknown);
+  if (!options.type) {
+    const std::string extension = ExtractFileExt(file);
+    const Codec* codec = FindCodecOfExtension(extension);
+    if (codec == nullptr) {
+      throw UnsupportedError(extension.empty()
+                                 ? "the file has no extension that names its type"
+                                 : fmt::format("no picture type has the extension {}", extension),
+                             file);
+    }
+    type = codec->type;
+  }
+  if (!CanWrite(type)) {
+    throw UnsupportedError(
+        fmt::format("files of the type {} cannot be written", PictureTypeName(type)), file);
+  }
+  return type;
+}
+
+WritePlan PlanOf(const PictureSource& source, const PictureState& state, PictureType type,
+                 const SaveOptions& options, bool hasSideFiles) {
+  WritePlan plan;
+  plan.type = type;
+  plan.hasSideFiles = hasSideFiles;
+  const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options);
+  plan.isCopied = isAsStored && CanCopy(type) && source.Bytes() != nullptr;
+  plan.form = FormFor(source, state, type, options);
+  const auto& stated = source.Position().stated;
+  const bool hadWorldFile = std::any_of(stated.begin(), stated.end(), [](const auto& position) {
+    return position.source == PositionSource::worldFile;
+  });
+  plan.writesWorldFile = state.placement.affine &&
+                         (options.writesWorldFile || hadWorldFile || type != PictureType::tiff);
+  return plan;
+}
+
+WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
+                           const WritePlan& plan, const SaveOptions& options, int threads,
+                           TStream& target, Changes& changes) {
+  PictureWriting writing = WritingOf(source, state, plan);
+  const PixelFit fit{plan.type, options.background, state.placement.noData, threads, plan.isSample};
+  Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
+  writing.quality = options.quality;
+  writing.chromaX = options.chromaX;
+  writing.chromaY = options.chromaY;
+  writing.threads = threads;
+  WrittenPicture written = WritePicture(plan.type, fitted, writing, target);
+  Join(changes, written.changes);
+  return written;
+}
+
+WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state,
+                          const WritePlan& plan, TStream& target, Changes& changes) {
+  const std::unique_ptr<TStream> bytes = source.Bytes();
+  WrittenPicture written = CopyPicture(plan.type, *bytes, WritingOf(source, state, plan), target);
+  source.Bytes();  // throws if the file changed meanwhile
+  Join(changes, written.changes);
+  return written;
+}
+
+Report Foresee(const PictureSource& source, const PictureState& state, WritePlan plan,
+               const SaveOptions& options) {
+  plan.isSample = true;
+  Report report;
+  report.type = plan.type;
+  report.isCopied = plan.isCopied;
+  report.width = state.width;
+  report.height = state.height;
+  report.warnings = source.Header().warnings;
+  report.warnings.insert(report.warnings.end(), state.placement.warnings.begin(),
+                         state.placement.warnings.end());
+  Changes changes = LossesOf(source, state, {plan.type, plan.isCopied, plan.hasSideFiles});
+  TMemoryStream target;
+  const int width = std::min(kSampleSide, state.width),
+            height = std::min(kSampleSide, state.height);
+  const WrittenPicture written =
+      WritePixels(SampleRows(state.layout, state.isRaster, width, height), state, source, plan,
+                  options, 1, target, changes);
+  report.layout = plan.isCopied ? state.layout : written.layout;
+  report.form = std::holds_alternative<std::monostate>(plan.form) ? written.form : plan.form;
+  report.losses = std::move(changes.losses);
+  report.notes = std::move(changes.notes);
+  if (plan.isCopied) report.notes.emplace_back("the compressed pixels are copied");
+
+  // No encoder makes noise twice as large; headers and the tables of strips are small.
+  constexpr uint64_t kHeader = 1 << 16;
+  const uint64_t pixels = plan.isCopied ? source.ByteCount()
+                                        : 2 * BytesOfRows(report.layout, state.width, state.height);
+  report.bytes = pixels + 2 * MetadataBytes(state.metadata) + kHeader;
+  report.memory = MemoryOf(source, state, report.bytes);
+  return report;
+}
+
+uint64_t MemoryOf(const PictureSource& source, const PictureState& state, uint64_t fileBytes) {
+  const PictureHeader& header = source.Header();
+  constexpr uint64_t kRest = 32 << 20;
+  const uint64_t before = BytesOfRows(header.layout, header.width, header.height);
+  const uint64_t after = BytesOfRows(state.layout, state.width, state.height);
+  // The file is decoded from memory; a result is converted into a second one of at most four bytes
+  // per pixel, and encoded into memory.
+  const uint64_t converted =
+      4 * static_cast<uint64_t>(state.width) * static_cast<uint64_t>(state.height);
+  const uint64_t decoding = source.ByteCount() + 2 * before;
+  const uint64_t writing = after + std::max(after, converted) + converted + fileBytes;
+  return std::max({decoding, state.rowBytes + before, writing}) + kRest;
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+
+#include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/pictures/find_losses.h>
+#include <rasterkit/pictures/picture_source.h>
+#include <rasterkit/pictures/picture_state.h>
+#include <rasterkit/pictures/report.h>
+#include <rasterkit/pictures/save_options.h>
+#include <rasterkit/runtime/files/stream.h>
+
+namespace rasterkit::detail {
+
+/// How a picture is written, decided before any pixel is read.
+struct WritePlan {
+  PictureType type = PictureType::unknown;
+  /// The compressed pixels of the source are copied.
+  bool isCopied = false;
+  bool hasSideFiles = false;
+  /// The world file of the source goes along, or the format has no tags for the position.
+  bool writesWorldFile = false;
+  /// Only a small picture of the same kind is written.
+  bool isSample = false;
+  Form form;
+};
+
+/// The kind of file that the options or the name give. Throws UnsupportedError if there is none or
+/// it cannot be written.
+PictureType TargetType(const std::string& file, const SaveOptions& options);
+
+/// Throws UnsupportedError.
+WritePlan PlanOf(const PictureSource& source, const PictureState& state, PictureType type,
+                 const SaveOptions& options, bool hasSideFiles);
+
+/// Brings the pixels into the form of the target and writes them. `state` gives metadata and
+/// position. All that is lost on the way is added to `changes`.
+WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
+                           const WritePlan& plan, const SaveOptions& options, int threads,
+                           TStream& target, Changes& changes);
+
+/// Copies the compressed pixels.
+WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state,
+                          const WritePlan& plan, TStream& target, Changes& changes);
+
+/// What writing would give, shown by a small picture of the same kind.
+Report Foresee(const PictureSource& source, const PictureState& state, WritePlan plan,
+               const SaveOptions& options);
+
+/// Bytes that a call holds at most, if its file has so many bytes.
+uint64_t MemoryOf(const PictureSource& source, const PictureState& state, uint64_t fileBytes);
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,69 @@
+#include "tool/reports/layout_facts.h"
+
+namespace rasterkit::tool {
+namespace {
+
+bool IsGray(const PixelLayout& layout) {
+  return layout.model == ColorModel::gray || layout.model == ColorModel::grayWhiteIsZero;
+}
+
+bool HasAlphaBand(const PixelLayout& layout) {
+  return layout.alpha == AlphaKind::straight || layout.alpha == AlphaKind::associated;
+}
+
+/// Numbers that are more than eight bits of gray.
+bool IsGrid(const PixelLayout& layout, PictureType type) {
+  return type == PictureType::tiff && IsGray(layout) && !HasAlphaBand(layout) &&
+         layout.type != NumberType::uint8;
+}
+
+const char* NameOf(NumberType type) {
+  switch (type) {
+    case NumberType::uint8:
+      return "uint8";
+    case NumberType::int8:
+      return "int8";
+    case NumberType::uint16:
+      return "uint16";
+    case NumberType::int16:
+      return "int16";
+    case NumberType::uint32:
+      return "uint32";
+    case NumberType::int32:
+      return "int32";
+    case NumberType::uint64:
+      return "uint64";
+    case NumberType::int64:
+      return "int64";
+    case NumberType::float16:
+      return "float16";
+    case NumberType::float32:
+      return "float32";
+    default:
+      return "float64";
+  }
+}
+
+}  // namespace
+
+int ShownBits(const PixelLayout& layout, PictureType type) {
+  constexpr int kTrueColor = 24, kWithAlpha = 32, kIndexBits = 8;
+  if (HasAlphaBand(layout)) return kWithAlpha;
+  if (IsGrid(layout, type)) return static_cast<int>(8 * BytesOf(layout.type));
+  if (!IsGray(layout) && layout.model != ColorModel::palette) return kTrueColor;
+  if (layout.model == ColorModel::palette && layout.bits > kIndexBits) return kTrueColor;
+  if (layout.bits == 1) return 1;
+  return layout.bits <= 4 ? 4 : kIndexBits;
+}
+
+int ShownPaletteEntries(const PixelLayout& layout, PictureType type) {
+  const int bits = ShownBits(layout, type);
+  if (bits > 8 || IsGrid(layout, type)) return 0;
+  return layout.model == ColorModel::palette ? layout.palette.Count() : 1 << bits;
+}
+
+std::string GridName(const PixelLayout& layout, PictureType type) {
+  return IsGrid(layout, type) ? NameOf(layout.type) : "none";
+}
+
+}  // namespace rasterkit::tool
