@@ -4,6 +4,7 @@ find_package(JPEG REQUIRED)
 find_package(PNG REQUIRED)
 find_package(TIFF REQUIRED)
 find_package(GIF REQUIRED)
+find_package(EXPAT REQUIRED)
 find_package(fmt REQUIRED)
 pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
 pkg_check_modules(WEBP REQUIRED IMPORTED_TARGET libwebp)
@@ -12,7 +13,7 @@ pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo-ft fontconfig freetype2)
 # For the worker program alone.
 pkg_check_modules(SECCOMP REQUIRED IMPORTED_TARGET libseccomp)
 set(RASTERKIT_DEPENDENCIES
-    Threads::Threads ${CMAKE_DL_LIBS} JPEG::JPEG PNG::PNG TIFF::TIFF GIF::GIF PkgConfig::WEBP PkgConfig::LCMS2
+    Threads::Threads ${CMAKE_DL_LIBS} JPEG::JPEG PNG::PNG TIFF::TIFF GIF::GIF EXPAT::EXPAT PkgConfig::WEBP PkgConfig::LCMS2
     PkgConfig::CAIRO fmt::fmt PkgConfig::HWY)
 
 if(RASTERKIT_DIALOGS)

@@ -22,8 +22,9 @@ struct Fill {
     noData,
     /// The nearest pixel of the picture's edge.
     edge,
-    /// Numbers: "not measured" if the picture has such a number. Alpha 0 if there is alpha. Else
-    /// near-white that is marked as transparent (see RotateBitmap).
+    /// Samples: "not measured" if the picture has such a number, alpha 0 if it has alpha, else the
+    /// color. Rasters: alpha 0, or the color that is marked as transparent; if there is none,
+    /// near-white is marked (see RotateBitmap).
     automatic
   };
   Kind kind = Kind::color;

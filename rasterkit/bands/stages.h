@@ -12,9 +12,9 @@
 #include <rasterkit/runtime/export.h>
 
 /// The stages of a picture: what makes the rows of each step. `source` is the size of the picture
-/// that a stage gets; `Make` throws RangeError for another one. Results are the same bytes for every
-/// number of threads and every processor. Resolutions of the pixels follow: exchanged with the sides,
-/// and scaled with them.
+/// that a stage gets; `Make` throws RangeError for another one. Results are the same bytes for
+/// every number of threads and every processor. Resolutions of the pixels follow: exchanged with
+/// the sides, and scaled with them.
 namespace rasterkit {
 
 /// Quarter turns counter-clockwise. Samples move whole.
@@ -30,9 +30,10 @@ RASTERKIT_EXPORT std::unique_ptr<Stage> CropStage(Sides source, int left, int to
 struct RotationFrame {
   /// Of the result.
   Sides sides;
-  /// Whole quarter turns counter-clockwise, which move pixels only, and what is left, -45 to 45
-  /// degrees: 0 within half a degree of a quarter turn only if it is below 0.01.
+  /// Whole quarter turns counter-clockwise, 0 to 3, which come first and move pixels only.
   int quarters = 0;
+  /// What is left in degrees, 0 to 360; 0 if that is less than 0.01. Pixels are then taken as
+  /// RotateBitmap takes them.
   float rest = 0;
   /// From pixel indexes of the result to those of the source.
   Affine toOld;
@@ -66,8 +67,8 @@ RASTERKIT_EXPORT std::unique_ptr<Stage> ResizeStage(Sides source, Sides target,
 /// of a picture without a palette.
 RASTERKIT_EXPORT std::unique_ptr<Stage> ChangeStage(Sides source, const ColorChange& change);
 
-/// Lays a second picture over a raster, which becomes 24-bit. Transparent parts of the lower picture
-/// are painted white first, but for a watermark, which keeps them.
+/// Lays a second picture over a raster, which becomes 24-bit. Transparent parts of the lower
+/// picture are painted white first, but for a watermark, which keeps them.
 RASTERKIT_EXPORT std::unique_ptr<Stage> CombineStage(Sides source, const Combination& combination);
 
 }  // namespace rasterkit

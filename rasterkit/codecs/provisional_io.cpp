@@ -1,13 +1,8 @@
-#include <cstring>
-
 #include <rasterkit/codecs/bmp/bmp_decoder.h>
 #include <rasterkit/codecs/bmp/bmp_encoder.h>
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/gif/gif_decoder.h>
 #include <rasterkit/codecs/metadata.h>
-#include <rasterkit/codecs/png/png_decoder.h>
-#include <rasterkit/codecs/png/png_encoder.h>
-#include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/codecs/provisional_io.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
@@ -99,21 +94,6 @@ WrittenPicture WriteBmp(const Pixels& pixels, const PictureWriting& writing, TSt
                  [&](const Raster& rows) { EncodeBmp(rows, stream, BmpProfile::embed); });
 }
 
-PictureHeader ReadPngHeader(Bytes file) {
-  PictureHeader header = HeaderOf(DecodePng(file), file);
-  header.form = PngForm{.bits = header.layout.bits};
-  return header;
-}
-Pixels DecodePngPixels(Bytes file, CodecReport* report) {
-  return DecodePng(file, report);
-}
-WrittenPicture WritePng(const Pixels& pixels, const PictureWriting& writing, TStream& stream) {
-  return Written(pixels, writing, [&](const Raster& rows) { EncodePng(rows, stream); });
-}
-WrittenPicture CopyPng(Bytes file, const PictureWriting& writing, TStream& stream) {
-  return WritePng(DecodePng(file), writing, stream);
-}
-
 PictureHeader ReadTiffHeader(TStream& stream) {
   const uint64_t start = stream.Position();
   const TiffFacts facts = ReadTiffFacts(stream);
@@ -133,25 +113,5 @@ WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing, TS
 WrittenPicture CopyTiff(TStream& source, const PictureWriting& writing, TStream& stream) {
   return WriteTiff(DecodeTiffPixels(source), writing, stream);
 }
-
-#ifndef RASTERKIT_HAS_SAMPLES
-Samples::Samples(const PixelLayout& layout, int width, int height, bool inPlanes)
-    : layout_(layout), width_(width), height_(height), planes_(inPlanes ? layout.bands : 1) {
-  memory_ = PixelMemory(Stride() * static_cast<size_t>(height) * static_cast<size_t>(planes_));
-}
-Samples::Samples(Samples&&) noexcept = default;
-Samples& Samples::operator=(Samples&&) noexcept = default;
-Samples Samples::Clone() const {
-  Samples copy(layout_, width_, height_, planes_ > 1);
-  copy.resolution = resolution;
-  std::memcpy(copy.Row(0), Row(0),
-              Stride() * static_cast<size_t>(height_) * static_cast<size_t>(planes_));
-  return copy;
-}
-PixelLayout LayoutOf(const Pixels& pixels) {
-  const auto* rows = std::get_if<Raster>(&pixels);
-  return rows != nullptr ? HeaderOf(*rows, {}).layout : std::get<Samples>(pixels).Layout();
-}
-#endif
 
 }  // namespace rasterkit

@@ -235,6 +235,17 @@ const Raster& TBitmap::Content() const {
   return raster_;
 }
 
+Raster TBitmap::TakeContent() {
+  std::optional<TColor> transparent;
+  if (Transparent()) transparent = ResolveColor(TransparentColor());
+  Raster content = std::move(raster_);
+  content.transparentColor = transparent;
+  format_ = pfDevice;
+  transparency_ = {};
+  modified_ = true;
+  return content;
+}
+
 void TBitmap::AssignToBitmap(TBitmap& target) const {
   if (&target == this) return;
   target.raster_ = raster_.Clone();

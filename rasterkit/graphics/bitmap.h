@@ -107,6 +107,9 @@ class RASTERKIT_EXPORT TBitmap : public TGraphic {
   /// Rows and their properties, for codecs and kernels. `transparentColor` is empty: the bitmap
   /// itself keeps its transparency.
   const Raster& Content() const;
+  /// Moves the rows and their properties out, without a copy; the transparent color is among them
+  /// if the bitmap is `Transparent`. The bitmap is empty afterwards, 0 x 0.
+  Raster TakeContent();
 
   /// Reads a Windows bitmap file, also one of 0 x 0 pixels (see GetWindowsBitmap).
   void LoadFromStream(TStream& stream) override;

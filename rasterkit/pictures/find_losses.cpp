@@ -67,15 +67,6 @@ void LoseTiles(const Form& form, const LossTarget& target, Changes& changes) {
                "the format of the file has no tiles");
 }
 
-/// Pixels that share a chroma sample, across and down; 1 x 1 for all that is not JPEG.
-std::pair<int, int> ChromaOf(const Form& form) {
-  const auto* jpeg = std::get_if<JpegForm>(&form);
-  if (jpeg == nullptr || jpeg->components.size() < 3) return {1, 1};
-  const auto& luma = jpeg->components[0];
-  const auto& chroma = jpeg->components[1];
-  return {luma.h / std::max(chroma.h, 1), luma.v / std::max(chroma.v, 1)};
-}
-
 }  // namespace
 
 Changes LossesOf(const PictureSource& source, const PictureState& state, const LossTarget& target) {
@@ -87,17 +78,6 @@ Changes LossesOf(const PictureSource& source, const PictureState& state, const L
   LosePosition(state.placement, target, changes);
   LoseTiles(source.Header().form, target, changes);
   return changes;
-}
-
-void AddChromaLoss(const Form& source, const Form& written, const PixelLayout& pixels,
-                   Changes& changes) {
-  if (pixels.bands < 3) return;
-  const auto before = ChromaOf(source), after = ChromaOf(written);
-  if (after.first * after.second <= before.first * before.second) return;
-  changes.Lose(LossKind::chroma,
-               fmt::format("{} of {} chroma samples", after.first * after.second - 1,
-                           after.first * after.second),
-               "JPEG files of this quality store chroma at a lower resolution");
 }
 
 void Join(Changes& all, const Changes& more) {

@@ -21,10 +21,6 @@ struct LossTarget {
 /// position, how it is built.
 Changes LossesOf(const PictureSource& source, const PictureState& state, const LossTarget& target);
 
-/// The loss of chroma in a JPEG file whose sampling nobody asked for.
-void AddChromaLoss(const Form& source, const Form& written, const PixelLayout& pixels,
-                   Changes& changes);
-
 /// Adds the losses and notes that are not yet there.
 void Join(Changes& all, const Changes& more);
 

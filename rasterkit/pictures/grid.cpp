@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -30,16 +29,6 @@ double ReadValue(GridType type, const uint8_t* row, int column) {
   }
 }
 
-/// The float that a writer of float grids stores for the number. The decimal text of the largest
-/// float is often rounded up slightly.
-std::optional<double> NearestFloat(double value) {
-  constexpr double kLargest = std::numeric_limits<float>::max();
-  constexpr double kTolerance = 1e-6;
-  if (std::abs(value) <= kLargest) return static_cast<double>(static_cast<float>(value));
-  if (std::abs(value) > kLargest * (1 + kTolerance)) return std::nullopt;
-  return std::copysign(kLargest, value);
-}
-
 }  // namespace
 
 std::optional<GridType> GridTypeOf(WICPixelFormat format) {
@@ -58,20 +47,9 @@ std::optional<GridType> GridTypeOf(WICPixelFormat format) {
 }
 
 const char* GridTypeName(GridType type) {
-  constexpr const char* kNames[] = {"float32", "float16", "uint16", "int16"};
+  constexpr const char* kNames[] = {"uint8", "int8",   "uint16",  "int16",   "uint32", "int32",
+                                    "uint64", "int64", "float16", "float32", "float64"};
   return kNames[static_cast<int>(type)];
-}
-
-NoData::NoData(const std::string& text, GridType type) {
-  if (text.empty()) return;
-  double value = 0;
-  const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  isUnreadable_ = error != std::errc() || rest != text.data() + text.size();
-  if (isUnreadable_) return;
-  isNan_ = std::isnan(value);
-  if (isNan_) return;
-  const bool isRounded = type == GridType::float32 && std::isfinite(value);
-  value_ = isRounded ? NearestFloat(value) : value;
 }
 
 bool Grid::Holds(double column, double row) const {

@@ -5,38 +5,21 @@
 #include <string>
 
 #include <rasterkit/codecs/rows/imaging_frame.h>
+#include <rasterkit/placement/no_data.h>
+#include <rasterkit/raster/number_type.h>
 #include <rasterkit/raster/raster.h>
 #include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
 
-/// Number type of a grid.
-enum class GridType { float32, float16, uint16, int16 };
+/// Number type of a grid: float32, float16, uint16 or int16.
+using GridType = NumberType;
 
 /// The grid type of a pixel format; nothing for colors.
 RASTERKIT_EXPORT std::optional<GridType> GridTypeOf(WICPixelFormat format);
 
-/// "float32", "float16", "uint16", "int16".
+/// "float32", "float16", "uint16", "int16" and so on.
 RASTERKIT_EXPORT const char* GridTypeName(GridType type);
-
-/// The value that means "not measured".
-class RASTERKIT_EXPORT NoData {
- public:
-  /// No such value.
-  NoData() = default;
-  /// Parses the text of the file's tag. A float grid holds the float nearest to the number; a
-  /// number that the type cannot hold never occurs in the grid. "nan" is valid.
-  NoData(const std::string& text, GridType type);
-
-  bool Is(double value) const { return value == value_ || (isNan_ && value != value); }
-  /// True if the text is not a number.
-  bool IsUnreadable() const { return isUnreadable_; }
-
- private:
-  std::optional<double> value_;
-  bool isNan_ = false;
-  bool isUnreadable_ = false;
-};
 
 /// Rows of numbers as stored in a file.
 class RASTERKIT_EXPORT Grid {

@@ -3,7 +3,9 @@
 #include <utility>
 
 #include <rasterkit/codecs/decode_frame.h>
+#include <rasterkit/codecs/isolated_pixels.h>
 #include <rasterkit/codecs/messages/frame_fields.h>
+#include <rasterkit/codecs/messages/header_fields.h>
 #include <rasterkit/codecs/messages/isolated_reading.h>
 #include <rasterkit/metafiles/records/ansi_text.h>
 #include <rasterkit/pictures/picture_fields.h>
@@ -37,14 +39,15 @@ struct PictureWorker::State {
   WorkerReader reader = WorkerReader::pictures;
   std::vector<uint8_t> fields;
   /// The content is one of these.
-  Raster rows;
+  Pixels pixels;
   std::vector<uint8_t> bytes;
 
-  std::span<const uint8_t> Content() const { return bytes.empty() ? RowsOf(rows) : bytes; }
+  std::span<const uint8_t> Content() const { return bytes.empty() ? BytesOf(pixels) : bytes; }
 
   void DecodeFrame(FieldReader& task, TStream& file);
   void ReadPicture(FieldReader& task, TStream& file);
   void ConvertMetafile(FieldReader& task, TStream& file);
+  void ReadParts(WorkerTask task, FieldReader& options, TStream& file);
   WorkerMessage Read(WorkerMessage& request);
   WorkerMessage More(const WorkerMessage& request) const;
 };
@@ -61,7 +64,7 @@ void PictureWorker::State::DecodeFrame(FieldReader& task, TStream& file) {
   WriteOutcome(answer, error);
   if (!error) WriteFrame(answer, frame);
   fields = answer.Take();
-  rows = std::move(frame.rows);
+  pixels = std::move(frame.rows);
 }
 
 void PictureWorker::State::ReadPicture(FieldReader& task, TStream& file) {
@@ -74,7 +77,7 @@ void PictureWorker::State::ReadPicture(FieldReader& task, TStream& file) {
   WriteOutcome(answer, error);
   WritePicture(answer, picture);
   fields = answer.Take();
-  rows = std::move(picture.frame.rows);
+  pixels = std::move(picture.frame.rows);
 }
 
 void PictureWorker::State::ConvertMetafile(FieldReader& task, TStream& file) {
@@ -89,10 +92,21 @@ void PictureWorker::State::ConvertMetafile(FieldReader& task, TStream& file) {
   bytes = std::move(converted.bytes);
 }
 
+/// The header alone, or the pixels alone.
+void PictureWorker::State::ReadParts(WorkerTask task, FieldReader& options, TStream& file) {
+  FieldWriter answer;
+  if (task == WorkerTask::header) {
+    AnswerHeader(options, file, answer);
+  } else {
+    pixels = AnswerPixels(options, file, answer);
+  }
+  fields = answer.Take();
+}
+
 WorkerMessage PictureWorker::State::Read(WorkerMessage& request) {
   if (request.files.size() != 1) ThrowBadMessage("a request has no file");
   FieldReader body(request.body);
-  const WorkerTask task = body.Enum(WorkerTask::metafile);
+  const WorkerTask task = body.Enum(WorkerTask::pixels);
   FieldReader options(body.Bytes(kMostWorkerBodyBytes));
   body.RequireEnd();
   const auto file = WorkerInputStream(std::move(request.files[0]));
@@ -100,8 +114,10 @@ WorkerMessage PictureWorker::State::Read(WorkerMessage& request) {
     DecodeFrame(options, *file);
   } else if (task == WorkerTask::picture) {
     ReadPicture(options, *file);
-  } else {
+  } else if (task == WorkerTask::metafile) {
     ConvertMetafile(options, *file);
+  } else {
+    ReadParts(task, options, *file);
   }
   FieldWriter sizes;
   sizes.U64(fields.size());

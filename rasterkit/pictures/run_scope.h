@@ -29,7 +29,7 @@ class RunScope {
   const Run& run_;
   int threads_;
   double from_ = 0, end_ = 1, reported_ = -1;
-  double checks_ = 0, rows_ = 1;
+  double checks_ = 0, rows_ = 0;
   bool isReporting_ = false;
   const LimitsScope scope_;
 };

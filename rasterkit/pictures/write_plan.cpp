@@ -153,9 +153,6 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
   writing.threads = threads;
   WrittenPicture written = WritePicture(plan.type, fitted, writing, target);
   Join(changes, written.changes);
-  if (options.chromaX == 0 && options.chromaY == 0) {
-    AddChromaLoss(source.Header().form, written.form, written.layout, changes);
-  }
   return written;
 }
 

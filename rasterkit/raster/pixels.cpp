@@ -1,8 +1,31 @@
 #include <rasterkit/raster/pixels.h>
 
 namespace rasterkit {
-
 namespace {
+
+bool IsRamp(const HPALETTE& palette, int bits, bool isReversed) {
+  const int count = 1 << bits;
+  if (palette.Count() != count) return false;
+  for (int i = 0; i < count; ++i) {
+    const int step = isReversed ? count - 1 - i : i;
+    const auto gray = static_cast<uint8_t>(step * 255 / (count - 1));
+    if (EntryColor(palette.Entry(i)) != RGB(gray, gray, gray)) return false;
+  }
+  return true;
+}
+
+void DescribeIndexes(const Raster& raster, PixelLayout& layout) {
+  layout.bits = StoredBitsPerPixel(raster.Format());
+  layout.bands = 1;
+  if (IsRamp(raster.palette, layout.bits, false)) {
+    layout.model = ColorModel::gray;
+  } else if (IsRamp(raster.palette, layout.bits, true)) {
+    layout.model = ColorModel::grayWhiteIsZero;
+  } else {
+    layout.model = ColorModel::palette;
+    layout.palette = raster.palette;
+  }
+}
 
 PixelLayout LayoutOfRaster(const Raster& raster) {
   PixelLayout layout;
@@ -11,21 +34,24 @@ PixelLayout LayoutOfRaster(const Raster& raster) {
   switch (raster.Format()) {
     case pf1bit:
     case pf4bit:
-    case pf8bit: {
-      layout.bits = StoredBitsPerPixel(raster.Format());
-      layout.bands = 1;
-      const HPALETTE ramp = GrayPalette(1 << layout.bits);
-      layout.model = raster.palette == ramp ? ColorModel::gray : ColorModel::palette;
-      if (layout.model == ColorModel::palette) layout.palette = raster.palette;
+    case pf8bit:
+      DescribeIndexes(raster, layout);
       break;
-    }
-    case pf32bit:
-      if (raster.alphaFormat == afDefined) {
-        layout.bands = 4;
-        layout.alpha = AlphaKind::straight;
-      }
+    case pf15bit:
+      layout.bits = 5;
+      break;
+    case pf16bit:
+      layout.bits = 6;
+      break;
+    case pf24bit:
       break;
     default:
+      layout.bands = 4;
+      if (raster.alphaFormat == afDefined) {
+        layout.alpha = AlphaKind::straight;
+      } else {
+        layout.extraBands = 1;
+      }
       break;
   }
   return layout;

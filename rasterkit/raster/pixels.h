@@ -17,7 +17,10 @@ inline int HeightOf(const Pixels& pixels) {
   return std::visit([](const auto& rows) { return rows.Height(); }, pixels);
 }
 
-/// The kind of pixels of a raster or of samples.
+/// The kind of pixels of a raster or of samples. A palette that is a ramp from black to white of
+/// all indexes is gray, the reverse is gray with white as zero. The fourth byte of 32-bit pixels is
+/// alpha, or an extra band if it has no meaning. 15-bit pixels have 5 bits per sample, 16-bit ones
+/// 6 (those of green).
 RASTERKIT_EXPORT PixelLayout LayoutOf(const Pixels& pixels);
 
 }  // namespace rasterkit

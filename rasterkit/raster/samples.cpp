@@ -1,40 +1,46 @@
 #include <cstring>
+#include <limits>
+#include <string>
 #include <utility>
-
-#include <fmt/format.h>
 
 #include <rasterkit/raster/samples.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit {
-
 namespace {
 
-uint64_t BytesOfRows(const PixelLayout& layout, int width, int height) {
-  if (width < 1 || height < 1 || layout.bands < 1) {
-    throw RangeError(
-        fmt::format("{} x {} pixels with {} bands are no picture", width, height, layout.bands));
-  }
-  // At most 2^31 pixels a side and 8 bytes a sample; the product of all four could overflow.
-  const uint64_t row = uint64_t{BytesOf(layout.type)} * static_cast<uint64_t>(layout.bands) *
-                       static_cast<uint64_t>(width);
-  const auto rows = static_cast<uint64_t>(height);
-  const uint64_t bytes = row > UINT64_MAX / rows ? UINT64_MAX : row * rows;
-  RequirePicture(
-      static_cast<uint64_t>(width), rows, bytes,
-      fmt::format("picture of {} x {} pixels with {} bands", width, height, layout.bands));
-  return bytes;
+constexpr uint64_t kTooMany = std::numeric_limits<uint64_t>::max();
+
+/// Saturates instead of wrapping, so that the budget refuses sizes beyond 64 bits.
+uint64_t Times(uint64_t a, uint64_t b) {
+  return b != 0 && a > kTooMany / b ? kTooMany : a * b;
+}
+
+std::string Describe(const PixelLayout& layout, int width, int height) {
+  return "picture of " + std::to_string(width) + " x " + std::to_string(height) + " pixels with " +
+         std::to_string(layout.bands) + (layout.bands == 1 ? " band" : " bands");
 }
 
 }  // namespace
 
-Samples::Samples(const PixelLayout& layout, int width, int height, bool inPlanes)
-    : layout_(layout),
-      width_(width),
-      height_(height),
-      planes_(inPlanes ? layout.bands : 1),
-      memory_(static_cast<size_t>(BytesOfRows(layout, width, height))) {}
+Samples::Samples(const PixelLayout& layout, int width, int height, bool inPlanes) {
+  if (width < 1 || height < 1 || layout.bands < 1) {
+    throw RangeError("there is no " + Describe(layout, width, height));
+  }
+  const auto columns = static_cast<uint64_t>(width), rows = static_cast<uint64_t>(height);
+  const uint64_t pixel = Times(static_cast<uint64_t>(layout.bands), BytesOf(layout.type));
+  const uint64_t bytes = Times(Times(columns, rows), pixel);
+  RequirePicture(columns, rows, bytes, Describe(layout, width, height));
+  if (bytes > std::numeric_limits<size_t>::max()) {
+    throw LimitError("a picture of this size cannot be addressed");
+  }
+  memory_ = PixelMemory(static_cast<size_t>(bytes));
+  layout_ = layout;
+  width_ = width;
+  height_ = height;
+  planes_ = inPlanes ? layout.bands : 1;
+}
 
 Samples::Samples(Samples&& other) noexcept {
   *this = std::move(other);
@@ -54,8 +60,9 @@ Samples& Samples::operator=(Samples&& other) noexcept {
 Samples Samples::Clone() const {
   if (width_ == 0) return {};
   Samples copy(layout_, width_, height_, planes_ > 1);
+  // One band in planes has one plane as one that is not.
+  std::memcpy(copy.Row(0), Row(0), Offset(0, planes_));
   copy.resolution = resolution;
-  std::memcpy(copy.memory_.Data(), memory_.Data(), memory_.Size());
   return copy;
 }
 

@@ -57,6 +57,7 @@ constexpr Folder kFolders[] = {
     {"rasterkit/tifftobmp", 24},
     {"rasterkit/bitmaptools/rotation", 25},
     {"rasterkit/bitmaptools/files", 26},
+    {"rasterkit/bands/colors", 26},
     {"rasterkit/bands", 27},
     {"rasterkit/pictures", 28},
     {"rasterkit/startup", 28},

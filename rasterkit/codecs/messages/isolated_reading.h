@@ -38,6 +38,10 @@ enum class WorkerTask {
   picture,
   /// ConvertMetafile.
   metafile,
+  /// ReadPictureHeader.
+  header,
+  /// DecodePixels.
+  pixels,
 };
 
 /// Takes the fields of an answer, checks them, and returns the place for `contentBytes` of content,

@@ -3,6 +3,7 @@
 
 #include <fmt/core.h>
 
+#include <rasterkit/codecs/messages/metadata_fields.h>
 #include <rasterkit/codecs/messages/raster_fields.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
@@ -10,46 +11,20 @@
 namespace rasterkit::detail {
 namespace {
 
-constexpr size_t kMostEntries = 256, kEntryBytes = 4;
-constexpr size_t kMostProfileBytes = size_t{1} << 30;
-
-void WriteEntry(FieldWriter& fields, const tagPALETTEENTRY& entry) {
-  fields.U8(entry.peRed);
-  fields.U8(entry.peGreen);
-  fields.U8(entry.peBlue);
-  fields.U8(entry.peFlags);
-}
-
-tagPALETTEENTRY ReadEntry(FieldReader& fields) {
-  tagPALETTEENTRY entry;
-  entry.peRed = fields.U8();
-  entry.peGreen = fields.U8();
-  entry.peBlue = fields.U8();
-  entry.peFlags = fields.U8();
-  return entry;
-}
-
 void WriteProperties(FieldWriter& fields, const RasterProperties& properties) {
   const auto& [palette, resolution, profile, alphaFormat, transparentColor] = properties;
-  fields.List(palette.Entries(), [&](const auto& entry) { WriteEntry(fields, entry); });
+  WritePalette(fields, palette);
   fields.F64(resolution.x);
   fields.F64(resolution.y);
-  fields.Bool(profile != nullptr);
-  if (profile != nullptr) fields.Bytes(*profile);
+  WriteProfile(fields, profile);
   fields.Enum(alphaFormat);
   fields.Optional(transparentColor, [&](TColor color) { fields.I32(color); });
-}
-
-ColorProfile ReadProfile(FieldReader& fields) {
-  if (!fields.Bool()) return nullptr;
-  const auto bytes = fields.Bytes(kMostProfileBytes);
-  return std::make_shared<const std::vector<uint8_t>>(bytes.begin(), bytes.end());
 }
 
 RasterProperties ReadProperties(FieldReader& fields) {
   RasterProperties properties;
   auto& [palette, resolution, profile, alphaFormat, transparentColor] = properties;
-  palette = HPALETTE(fields.List(kMostEntries, kEntryBytes, [&] { return ReadEntry(fields); }));
+  palette = ReadPalette(fields);
   resolution.x = fields.F64();
   resolution.y = fields.F64();
   profile = ReadProfile(fields);

@@ -36,22 +36,23 @@ HalftoneTap InterpolatingTap(int64_t place, int64_t unit, int64_t sourceSize) {
 }  // namespace
 
 HalftoneAxis MakeHalftoneAxis(int64_t length, int64_t sourceSize, int64_t first, int64_t last,
-                              bool mirrored) {
+                              bool mirrored, HalftoneRule rule) {
   HalftoneAxis axis;
   axis.taps.reserve(static_cast<size_t>(last - first));
   const int64_t divisor = std::gcd(length, sourceSize);
   const int64_t size = sourceSize / divisor, place = length / divisor;
-  const bool grows = place > size;
+  const bool interpolates =
+      rule == HalftoneRule::automatic ? place > size : rule == HalftoneRule::linear;
   // Centers are half positions apart from the corners; the halves cancel where both are odd.
   const int64_t halves = (size + place) % 2 == 0 ? 1 : 2;
   axis.shrinks = size > place;
-  axis.innerWeight = static_cast<uint32_t>(grows ? 0 : place);
-  axis.total = static_cast<uint32_t>(grows ? halves * place : size);
+  axis.innerWeight = static_cast<uint32_t>(interpolates ? 0 : place);
+  axis.total = static_cast<uint32_t>(interpolates ? halves * place : size);
   for (int64_t target = first; target < last; ++target) {
     const int64_t i = mirrored ? length - 1 - target : target;
-    axis.taps.push_back(grows ? InterpolatingTap(((2 * i + 1) * size - place) / (2 / halves),
-                                                 halves * place, sourceSize)
-                              : CoveringTap(i, size, place));
+    axis.taps.push_back(interpolates ? InterpolatingTap(((2 * i + 1) * size - place) / (2 / halves),
+                                                        halves * place, sourceSize)
+                                     : CoveringTap(i, size, place));
   }
   return axis;
 }

@@ -31,9 +31,19 @@ struct HalftoneAxis {
   bool shrinks = false;
 };
 
+/// How the weights of an axis follow from its lengths.
+enum class HalftoneRule {
+  /// The covered area where the picture shrinks, the two nearest positions where it grows.
+  automatic,
+  /// The covered area always.
+  area,
+  /// The two nearest positions always.
+  linear
+};
+
 /// Weights for the target positions `first` to `last - 1` of a picture of `sourceSize` positions on
 /// a place of `length` positions, both 1 to kLongestHalftoneSide; in reverse order if `mirrored`.
 HalftoneAxis MakeHalftoneAxis(int64_t length, int64_t sourceSize, int64_t first, int64_t last,
-                              bool mirrored);
+                              bool mirrored, HalftoneRule rule = HalftoneRule::automatic);
 
 }  // namespace rasterkit::kernels

@@ -1,0 +1,83 @@
+#include <exception>
+#include <utility>
+
+#include <rasterkit/codecs/isolated_pixels.h>
+#include <rasterkit/codecs/messages/frame_fields.h>
+#include <rasterkit/codecs/messages/header_fields.h>
+#include <rasterkit/codecs/messages/isolated_reading.h>
+#include <rasterkit/codecs/picture_io.h>
+
+namespace rasterkit::detail {
+
+PictureHeader ReadHeaderIsolated(SystemFile file, PictureType& type,
+                                 const std::function<bool()>& keepGoing) {
+  std::exception_ptr error;
+  PictureHeader header;
+  const auto place = [&](FieldReader& fields, uint64_t) -> std::span<uint8_t> {
+    error = ReadOutcome(fields);
+    type = fields.Enum(PictureType::webp);
+    if (!error) header = ReadHeader(fields);
+    fields.RequireEnd();
+    return {};
+  };
+  ReadInWorker(WorkerReader::pictures, WorkerTask::header, {}, std::move(file), keepGoing, place);
+  if (error) std::rethrow_exception(error);
+  return header;
+}
+
+Pixels DecodePixelsIsolated(SystemFile file, int threads, CodecReport* report,
+                            const std::function<bool()>& keepGoing) {
+  FieldWriter task;
+  task.I32(threads);
+  std::exception_ptr error;
+  Pixels pixels;
+  const auto place = [&](FieldReader& fields, uint64_t bytes) -> std::span<uint8_t> {
+    error = ReadOutcome(fields);
+    const std::vector<std::string> warnings = ReadWarnings(fields);
+    if (report != nullptr) report->warnings = warnings;
+    if (!error) pixels = ReadPixels(fields, bytes);
+    fields.RequireEnd();
+    return error ? std::span<uint8_t>() : BytesOf(pixels);
+  };
+  ReadInWorker(WorkerReader::pictures, WorkerTask::pixels, task.Written(), std::move(file),
+               keepGoing, place);
+  if (error) std::rethrow_exception(error);
+  if (auto* raster = std::get_if<Raster>(&pixels)) raster->ClearPadding();
+  return pixels;
+}
+
+void AnswerHeader(FieldReader& task, TStream& file, FieldWriter& answer) {
+  task.RequireEnd();
+  PictureHeader header;
+  std::exception_ptr error;
+  const PictureType type = SniffPictureType(file);
+  try {
+    header = ReadPictureHeader(file, type);
+  } catch (...) {
+    error = std::current_exception();
+  }
+  WriteOutcome(answer, error);
+  answer.Enum(type);
+  if (!error) WriteHeader(answer, header);
+}
+
+Pixels AnswerPixels(FieldReader& task, TStream& file, FieldWriter& answer) {
+  FrameOptions options;
+  options.threads = task.I32();
+  task.RequireEnd();
+  Pixels pixels;
+  CodecReport report;
+  std::exception_ptr error;
+  try {
+    pixels = DecodePixels(file, SniffPictureType(file), options, &report);
+  } catch (...) {
+    error = std::current_exception();
+    pixels = Raster();
+  }
+  WriteOutcome(answer, error);
+  WriteWarnings(answer, report.warnings);
+  if (!error) WritePixels(answer, pixels);
+  return pixels;
+}
+
+}  // namespace rasterkit::detail

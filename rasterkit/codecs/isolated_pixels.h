@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+
+#include <rasterkit/codecs/picture_type.h>
+#include <rasterkit/codecs/rows/codec_report.h>
+#include <rasterkit/codecs/rows/picture_header.h>
+#include <rasterkit/raster/pixels.h>
+#include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/files/system_file.h>
+#include <rasterkit/runtime/worker/fields.h>
+
+/// Headers and pixels that a worker process reads: ReadPictureHeader and DecodePixels apart from
+/// the host. Neither knows drawn formats; see ReadPicture for these.
+namespace rasterkit::detail {
+
+/// Reads the header of an open file. `keepGoing`, if set, is called while the worker works, and
+/// ends it by returning false. Throws as ReadPictureHeader and ReadInWorker do.
+RASTERKIT_EXPORT PictureHeader ReadHeaderIsolated(SystemFile file, PictureType& type,
+                                                  const std::function<bool()>& keepGoing);
+
+/// Decodes the pixels of an open file.
+RASTERKIT_EXPORT Pixels DecodePixelsIsolated(SystemFile file, int threads, CodecReport* report,
+                                             const std::function<bool()>& keepGoing);
+
+/// In the worker: does the work and writes the fields of the answer. The pixels are the content.
+RASTERKIT_EXPORT void AnswerHeader(FieldReader& task, TStream& file, FieldWriter& answer);
+RASTERKIT_EXPORT Pixels AnswerPixels(FieldReader& task, TStream& file, FieldWriter& answer);
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include <rasterkit/runtime/export.h>
+
+/// The names in a coordinate system.
+namespace rasterkit::detail {
+
+/// True if the raster type in the key directory (34735) says that a pixel is a point.
+bool IsPixelPoint(std::span<const uint16_t> keys);
+
+/// What a text of a coordinate system (WKT) begins with.
+struct WktHead {
+  /// `PROJCS["ETRS89 / UTM zone 32N", ...`; empty if the text is no WKT.
+  std::string name;
+  /// The code of the system itself: AUTHORITY["EPSG","25832"] or ID["EPSG",25832] at its end.
+  std::optional<int> epsg;
+};
+
+RASTERKIT_EXPORT WktHead ReadWktHead(std::string_view wkt);
+
+}  // namespace rasterkit::detail

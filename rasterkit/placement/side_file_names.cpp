@@ -1,0 +1,111 @@
+#include <algorithm>
+#include <filesystem>
+#include <string_view>
+
+#include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/placement/side_file_names.h>
+#include <rasterkit/placement/side_files.h>
+#include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/text.h>
+
+namespace rasterkit {
+namespace {
+
+/// Kinds of rasters that have world files and that no codec of the library reads.
+constexpr std::string_view kOtherRasters[] = {"dib", "ecw", "img", "j2k", "jp2", "jpe",
+                                              "jpf", "jxl", "pbm", "pcx", "pgm", "ppm",
+                                              "sid", "tga", "vrt", "xpm"};
+
+size_t NameStart(const std::string& file) {
+  const size_t slash = file.rfind('/');
+  return slash == std::string::npos ? 0 : slash + 1;
+}
+
+/// Where the dot of the extension is; the end of the name if there is none.
+size_t DotOf(const std::string& file) {
+  const size_t dot = file.rfind('.');
+  return dot == std::string::npos || dot < NameStart(file) ? file.size() : dot;
+}
+
+std::string ExtensionOf(const std::string& file) {
+  const size_t dot = DotOf(file);
+  return dot == file.size() ? "" : file.substr(dot + 1);
+}
+
+bool IsAscii(char letter) {
+  return static_cast<unsigned char>(letter) < 0x80;
+}
+
+bool IsPictureExtension(const std::string& extension) {
+  const auto is = [&](std::string_view other) { return CompareText(extension, other) == 0; };
+  return FindCodecOfExtension(extension) != nullptr ||
+         std::any_of(std::begin(kOtherRasters), std::end(kOtherRasters), is);
+}
+
+/// Adds the name with the extension in lower and in upper case.
+void AddBothCases(std::vector<std::string>& names, const std::string& picture,
+                  const std::string& extension) {
+  for (const std::string& written : {LowerCase(extension), UpperCase(extension)}) {
+    std::string name = detail::WithExtension(picture, written);
+    const bool isNew = std::find(names.begin(), names.end(), name) == names.end();
+    if (isNew && name != picture) names.push_back(std::move(name));
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> WorldFileNames(const std::string& picture) {
+  std::vector<std::string> names;
+  if (NameStart(picture) == picture.size()) return names;
+  const std::string extension = ExtensionOf(picture);
+  if (extension.size() > 1 && IsAscii(extension.front()) && IsAscii(extension.back())) {
+    AddBothCases(names, picture, {extension.front(), extension.back(), 'w'});
+    AddBothCases(names, picture, extension + "w");
+  }
+  AddBothCases(names, picture, "wld");
+  return names;
+}
+
+namespace detail {
+
+std::string WithExtension(const std::string& picture, const std::string& extension) {
+  return picture.substr(0, DotOf(picture)) + "." + extension;
+}
+
+std::vector<std::string> ProjectionNames(const std::string& picture) {
+  std::vector<std::string> names;
+  AddBothCases(names, picture, "prj");
+  return names;
+}
+
+std::string AuxXmlName(const std::string& picture) {
+  return picture + ".aux.xml";
+}
+
+std::vector<std::string> AttachedNames(const std::string& picture) {
+  std::vector<std::string> names;
+  for (const char* ending : {".aux.xml", ".ovr", ".msk", ".msk.ovr"}) {
+    names.push_back(picture + ending);
+  }
+  return names;
+}
+
+std::vector<std::string> Neighbors(const std::string& picture) {
+  const std::string folder = picture.substr(0, NameStart(picture));
+  const std::string stem = picture.substr(folder.size(), DotOf(picture) - folder.size());
+  std::vector<std::string> neighbors;
+  std::error_code error;
+  std::filesystem::directory_iterator entries(folder.empty() ? "." : ToPath(folder), error);
+  for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error)) {
+    const std::string other = entries->path().filename().string();
+    if (!other.starts_with(stem) || folder + other == picture) continue;
+    if (other.substr(0, DotOf(other)) != stem || !IsPictureExtension(ExtensionOf(other))) continue;
+    std::error_code ignored;
+    if (entries->is_regular_file(ignored)) neighbors.push_back(folder + other);
+  }
+  std::sort(neighbors.begin(), neighbors.end());
+  return neighbors;
+}
+
+}  // namespace detail
+}  // namespace rasterkit

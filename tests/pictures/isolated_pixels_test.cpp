@@ -1,0 +1,94 @@
+#include <functional>
+
+#include <gtest/gtest.h>
+
+#include <rasterkit/codecs/isolated_input.h>
+#include <rasterkit/codecs/isolated_pixels.h>
+#include <rasterkit/codecs/messages/frame_fields.h>
+#include <rasterkit/codecs/messages/header_fields.h>
+#include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/runtime/error_class.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/worker/worker_program.h>
+
+#include "tests/support/corpus.h"
+
+/// Headers and pixels that a worker process reads equal those that this process reads.
+namespace rasterkit {
+namespace {
+
+struct Result {
+  std::vector<uint8_t> fields, bytes;
+  std::string error;
+
+  bool operator==(const Result&) const = default;
+};
+
+void Catch(Result& result, const std::function<void(detail::FieldWriter&)>& reading) {
+  detail::FieldWriter fields;
+  try {
+    reading(fields);
+  } catch (const Error& error) {
+    result.error = ErrorClassName(error) + ": " + error.Reason();
+  }
+  result.fields = fields.Take();
+}
+
+Result HeaderOf(const std::string& file, bool isIsolated) {
+  Result result;
+  Catch(result, [&](detail::FieldWriter& fields) {
+    PictureType type = PictureType::unknown;
+    PictureHeader header;
+    if (isIsolated) {
+      header = detail::ReadHeaderIsolated(detail::OpenForWorker(file), type, {});
+    } else {
+      TFileStream stream(file);
+      type = SniffPictureType(stream);
+      header = ReadPictureHeader(stream, type);
+    }
+    fields.Enum(type);
+    detail::WriteHeader(fields, header);
+  });
+  return result;
+}
+
+Result PixelsOf(const std::string& file, bool isIsolated) {
+  Result result;
+  Catch(result, [&](detail::FieldWriter& fields) {
+    CodecReport report;
+    Pixels pixels;
+    if (isIsolated) {
+      pixels = detail::DecodePixelsIsolated(detail::OpenForWorker(file), 1, &report, {});
+    } else {
+      TFileStream stream(file);
+      const PictureType type = SniffPictureType(stream);
+      pixels = DecodePixels(stream, type, {}, &report);
+    }
+    detail::WritePixels(fields, pixels);
+    detail::WriteWarnings(fields, report.warnings);
+    const auto bytes = detail::BytesOf(pixels);
+    result.bytes.assign(bytes.begin(), bytes.end());
+  });
+  return result;
+}
+
+TEST(IsolatedPixels, Should_EqualThoseReadHere) {
+  if (test::CorpusFolder().empty()) GTEST_SKIP() << "no corpus (RASTERKIT_CORPUS)";
+  detail::SetWorkerProgram(RASTERKIT_WORKER);
+  int headers = 0, pictures = 0;
+  for (const char* kind : {"bmp", "gif", "jpeg", "png", "tiff", "webp", "exif", "geotiff"}) {
+    for (const test::CorpusEntry& entry : test::CorpusEntries(kind)) {
+      const std::string file = (test::CorpusFolder() / entry.at("path")).string();
+      const Result header = HeaderOf(file, false), pixels = PixelsOf(file, false);
+      EXPECT_EQ(HeaderOf(file, true), header) << file << " " << header.error;
+      EXPECT_EQ(PixelsOf(file, true), pixels) << file << " " << pixels.error;
+      headers += header.error.empty() ? 1 : 0;
+      pictures += pixels.error.empty() ? 1 : 0;
+    }
+  }
+  EXPECT_GT(headers, 100);
+  EXPECT_GT(pictures, 100);
+}
+
+}  // namespace
+}  // namespace rasterkit
