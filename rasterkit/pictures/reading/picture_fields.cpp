@@ -178,7 +178,7 @@ FrameHead ReadPictureHead(FieldReader& fields, PictureFile& picture) {
   warnings = ReadWarnings(fields);
   bytes = fields.U64();
   tiff = fields.Optional([&] { return ReadTiffFacts(fields); });
-  grid = fields.Optional([&] { return fields.Enum(GridType::int16); });
+  grid = fields.Optional([&] { return fields.Enum(NumberType::float64); });
   metafile = fields.Optional([&] { return ReadMetafileFacts(fields); });
   frames = ReadNotNegative(fields);
   FrameHead head = ReadFrameHead(fields);
