@@ -6,11 +6,11 @@
 
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/pictures/align_pictures.h>
+#include <rasterkit/pictures/fitting/sample_rows.h>
 #include <rasterkit/pictures/north_up.h>
 #include <rasterkit/pictures/own_stages.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/picture_state.h>
-#include <rasterkit/pictures/sample_rows.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 
@@ -20,8 +20,6 @@ namespace {
 /// Sides of the small pictures that show what kind of pixels a stage makes.
 constexpr int kSampleSide = 16;
 constexpr Sides kSampleSides{kSampleSide, kSampleSide};
-/// Turns by less than this, in degrees, are those of RotateBitmap: none.
-constexpr float kNoTurn = 0.01f;
 
 std::optional<double> NumberOf(const std::string& text) {
   double number = 0;
@@ -57,11 +55,9 @@ class StepAdder {
   }
 
   void operator()(const RotateStep& step) {
-    if (!std::isfinite(step.degrees)) throw RangeError("an angle must be a finite number");
     if (FrameOfRotation(Now(), step.degrees).rest != 0) MakeSquare();
     const RotationFrame frame = FrameOfRotation(Now(), step.degrees);
-    const bool isTurned = std::abs(frame.rest) >= kNoTurn;
-    if (!isTurned && (frame.quarters & 3) == 0) return;
+    if (frame.rest == 0 && frame.quarters == 0) return;
     const Resampling how = HowFor(step.options);
     SetLayout(*RotateStage(kSampleSides, step.degrees, how));
     if (frame.quarters % 2 != 0) ExchangeAxes();

@@ -5,8 +5,8 @@
 
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/picture_io.h>
-#include <rasterkit/pictures/fit_pixels.h>
-#include <rasterkit/pictures/sample_rows.h>
+#include <rasterkit/pictures/fitting/fit_pixels.h>
+#include <rasterkit/pictures/fitting/sample_rows.h>
 #include <rasterkit/pictures/write_plan.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>

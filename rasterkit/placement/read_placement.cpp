@@ -46,8 +46,8 @@ class PlacementReader {
   void ReadWorldFilesBeside(const std::string& read) {
     const detail::FileIdentity identity(read);
     for (const std::string& name : WorldFileNames(file_)) {
-      if (identity.Exists() && identity == detail::FileIdentity(name)) continue;
       Try(name, [&] {
+        if (identity.Exists() && identity == detail::FileIdentity(name)) return;
         const auto reading = detail::ReadWorldFileAt(name);
         if (!reading) return;
         placement.sideFiles.push_back(name);

@@ -8,7 +8,7 @@
 #include <fmt/format.h>
 
 #include <rasterkit/codecs/rows/metadata_kind.h>
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tool/command/printable.h"

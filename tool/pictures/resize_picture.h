@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/pictures/picture_size.h>
+#include <rasterkit/pictures/reading/picture_size.h>
 
 #include "tool/pictures/convert_picture.h"
 

@@ -6,7 +6,7 @@
 #include <fmt/core.h>
 
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/files/stream.h>
