@@ -1,14 +1,9 @@
-#include <rasterkit/codecs/bmp/bmp_decoder.h>
-#include <rasterkit/codecs/bmp/bmp_encoder.h>
 #include <rasterkit/codecs/decode_frame.h>
-#include <rasterkit/codecs/gif/gif_decoder.h>
 #include <rasterkit/codecs/metadata.h>
-#include <rasterkit/codecs/provisional_io.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/codecs/tiff/tiff_pages.h>
-#include <rasterkit/codecs/webp/webp_decoder.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -79,20 +74,6 @@ WrittenPicture Written(const Pixels& pixels, const PictureWriting& writing, cons
 }
 
 }  // namespace
-
-PictureHeader ReadBmpHeader(TStream& stream) {
-  return HeaderOf(DecodeBmp(stream), {});
-}
-PictureHeader ReadGifHeader(Bytes file) {
-  return HeaderOf(DecodeGif(file), file);
-}
-PictureHeader ReadWebpHeader(Bytes file) {
-  return HeaderOf(DecodeWebp(file), file);
-}
-WrittenPicture WriteBmp(const Pixels& pixels, const PictureWriting& writing, TStream& stream) {
-  return Written(pixels, writing,
-                 [&](const Raster& rows) { EncodeBmp(rows, stream, BmpProfile::embed); });
-}
 
 PictureHeader ReadTiffHeader(TStream& stream) {
   const uint64_t start = stream.Position();
