@@ -47,7 +47,7 @@ std::optional<GridType> GridTypeOf(WICPixelFormat format) {
 }
 
 const char* GridTypeName(GridType type) {
-  constexpr const char* kNames[] = {"uint8", "int8",   "uint16",  "int16",   "uint32", "int32",
+  constexpr const char* kNames[] = {"uint8",  "int8",  "uint16",  "int16",   "uint32", "int32",
                                     "uint64", "int64", "float16", "float32", "float64"};
   return kNames[static_cast<int>(type)];
 }
