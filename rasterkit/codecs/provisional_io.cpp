@@ -94,24 +94,4 @@ WrittenPicture WriteBmp(const Pixels& pixels, const PictureWriting& writing, TSt
                  [&](const Raster& rows) { EncodeBmp(rows, stream, BmpProfile::embed); });
 }
 
-PictureHeader ReadTiffHeader(TStream& stream) {
-  const uint64_t start = stream.Position();
-  const TiffFacts facts = ReadTiffFacts(stream);
-  stream.SetPosition(start);
-  PictureHeader header = HeaderOf(PictureOfFrame(DecodeTiff(stream)), {});
-  header.orientation = facts.orientation;
-  header.pages = facts.pages - facts.secondaryPages;
-  header.form = TiffForm{.compression = facts.compression, .photometric = facts.photometric};
-  return header;
-}
-Pixels DecodeTiffPixels(TStream& stream, const FrameOptions& options, CodecReport* report) {
-  return PictureOfFrame(DecodeTiff(stream, options, report), report);
-}
-WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing, TStream& stream) {
-  return Written(pixels, writing, [&](const Raster& rows) { EncodeTiff(rows, stream); });
-}
-WrittenPicture CopyTiff(TStream& source, const PictureWriting& writing, TStream& stream) {
-  return WriteTiff(DecodeTiffPixels(source), writing, stream);
-}
-
 }  // namespace rasterkit

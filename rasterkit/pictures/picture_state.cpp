@@ -58,6 +58,7 @@ PictureState StateOf(const PictureSource& source) {
   state.width = header.width;
   state.height = header.height;
   state.layout = header.layout;
+  state.isRaster = source.IsRaster();
   state.resolution = header.metadata.resolution;
   state.metadata = header.metadata;
   state.placement = source.Position();
@@ -102,6 +103,8 @@ void Follow(PictureState& state, const PictureSource& source, std::span<const ui
   state.followed = {};
   state.metadata = source.Header().metadata;
   StripMetadata(state.metadata, state.edit);
+  // A step has dropped it.
+  if (source.Header().layout.profile && !state.layout.profile) state.metadata.profile = nullptr;
   state.placement = source.Position();
   if (state.given) SetPosition(state.placement, *state.given);
   if (!state.pixelsChanged) return;

@@ -12,6 +12,8 @@ namespace rasterkit::detail {
 struct PictureState {
   int width = 0, height = 0;
   PixelLayout layout;
+  /// How the pixels are held: as a raster or as samples.
+  bool isRaster = true;
   Resolution resolution;
   /// From pixel indexes of this picture to those of the source.
   Affine toOld;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
-#include <rasterkit/pictures/metafile_drawing.h>
+#include <rasterkit/pictures/reading/metafile_drawing.h>
 #include <rasterkit/pictures/steps.h>
 #include <rasterkit/placement/placement.h>
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <utility>
 
-#include <rasterkit/pictures/picture_size.h>
+#include <rasterkit/pictures/reading/picture_size.h>
 
 #include "tool/arguments/color_argument.h"
 #include "tool/arguments/fill_argument.h"

@@ -3,7 +3,7 @@
 #include <exception>
 
 #include <rasterkit/codecs/picture_type.h>
-#include <rasterkit/pictures/convert_metafile.h>
+#include <rasterkit/pictures/reading/convert_metafile.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/text.h>

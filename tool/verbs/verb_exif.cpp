@@ -40,7 +40,8 @@ JobResult Saved(const Bytes& jpeg, const Job& job) {
   result.width = header.width;
   result.height = header.height;
   result.bits = header.components == 1 ? 8 : 24;
-  result.output.file = WriteOutput(job.output, job.saving, [&](TStream& stream) { stream.Write(jpeg); });
+  result.output.file =
+      WriteOutput(job.output, job.saving, [&](TStream& stream) { stream.Write(jpeg); });
   return result;
 }
 

@@ -6,7 +6,7 @@
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/icon.h>
-#include <rasterkit/pictures/picture_size.h>
+#include <rasterkit/pictures/reading/picture_size.h>
 
 #include "tool/arguments/size_argument.h"
 #include "tool/command/command_line.h"

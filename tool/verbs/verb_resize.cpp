@@ -2,7 +2,7 @@
 
 #include <fmt/core.h>
 
-#include <rasterkit/pictures/picture_size.h>
+#include <rasterkit/pictures/reading/picture_size.h>
 
 #include "tool/arguments/fill_argument.h"
 #include "tool/arguments/size_argument.h"

@@ -202,7 +202,7 @@ PictureHeader HeaderReader::Read() {
     if (!TakeRawProfile(text, header_.metadata)) header_.metadata.texts.push_back(std::move(text));
   }
   header_.layout.profile = header_.metadata.profile;
-  TakeStatedFacts(header_, physical_, false);
+  TakeStatedFacts(header_, physical_, "PNG");
   return std::move(header_);
 }
 

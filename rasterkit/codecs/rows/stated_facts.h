@@ -6,14 +6,11 @@
 
 namespace rasterkit::detail {
 
-/// A resolution of pixels per meter. Within half a unit of a whole number of dots per inch it is
-/// that number: files hold the rounded value.
-Resolution FromDotsPerMeter(uint32_t x, uint32_t y);
-/// The number that a file holds; 0 for an unknown resolution.
+/// Dots per meter as a file holds them; 0 for an unknown resolution.
 uint32_t DotsPerMeter(double dotsPerInch);
 
 /// Sets the orientation and the resolution of a header from its metadata. `resolution` is that of
-/// the file's own header; unknown if it states none.
-void TakeStatedFacts(PictureHeader& header, const Resolution& resolution, bool isWhole);
+/// the file's own header; unknown if it states none. `format` begins a warning: "PNG".
+void TakeStatedFacts(PictureHeader& header, const Resolution& resolution, const char* format);
 
 }  // namespace rasterkit::detail

@@ -6,7 +6,7 @@
 
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/unsized_picture.h>
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
 

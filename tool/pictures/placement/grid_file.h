@@ -5,7 +5,7 @@
 #include <vector>
 
 #include <rasterkit/codecs/tiff/tiff_facts.h>
-#include <rasterkit/pictures/grid.h>
+#include <rasterkit/pictures/reading/grid.h>
 #include <rasterkit/placement/placement.h>
 
 namespace rasterkit::tool {
