@@ -6,6 +6,7 @@
 #include <rasterkit/metadata/exif_facts.h>
 #include <rasterkit/metadata/exif_follow.h>
 #include <rasterkit/metadata/exif_places.h>
+#include <rasterkit/metadata/mapped_area.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -33,15 +34,6 @@ uint16_t WordOf(double value) {
   return static_cast<uint16_t>(std::clamp(value, 0.0, 65535.0));
 }
 
-/// A range of places from `low` to `high`, cut to the picture.
-struct Run {
-  double low = 0, high = 0;
-};
-
-Run CutRun(double center, double size, double most) {
-  return {std::max(0.0, center - size / 2), std::min(most, center + size / 2)};
-}
-
 /// A point, a circle (with its diameter) or a rectangle (with its sides), each by its center.
 /// Nothing if it lies outside the new picture.
 std::optional<std::vector<uint16_t>> NewArea(const std::vector<double>& old,
@@ -56,14 +48,11 @@ std::optional<std::vector<uint16_t>> NewArea(const std::vector<double>& old,
     if (old.size() == kCircle) area.push_back(WordOf(std::max(1.0, std::round(old[2] * scale))));
     return area;
   }
-  const double width = std::abs(m[0]) * old[2] + std::abs(m[1]) * old[3];
-  const double height = std::abs(m[3]) * old[2] + std::abs(m[4]) * old[3];
-  const Run x = CutRun(center.x, width, change.width), y = CutRun(center.y, height, change.height);
-  if (x.low >= x.high || y.low >= y.high) return std::nullopt;
-  return std::vector<uint16_t>{WordOf(std::floor((x.low + x.high) / 2)),
-                               WordOf(std::floor((y.low + y.high) / 2)),
-                               WordOf(std::max(1.0, std::round(x.high - x.low))),
-                               WordOf(std::max(1.0, std::round(y.high - y.low)))};
+  const auto area = MapArea(change, {old[0] + kHalfPixel, old[1] + kHalfPixel, old[2], old[3]});
+  if (!area) return std::nullopt;
+  return std::vector<uint16_t>{WordOf(std::floor(area->centerX)), WordOf(std::floor(area->centerY)),
+                               WordOf(std::max(1.0, std::round(area->width))),
+                               WordOf(std::max(1.0, std::round(area->height)))};
 }
 
 void FollowArea(ExifBlock& exif, uint16_t tag, const PixelChange& change) {

@@ -8,12 +8,9 @@
 #include <rasterkit/metadata/ifd.h>
 #include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/jpeg_segments.h>
+#include <rasterkit/metadata/xmp_follow.h>
 
 namespace rasterkit {
-
-void FollowPixelsInXmp(std::string& xmp, std::string& extended, const PixelChange& change,
-                       Changes& changes);
-
 namespace {
 
 using std::string_view_literals::operator""sv;

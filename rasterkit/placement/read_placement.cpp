@@ -92,7 +92,7 @@ class PlacementReader {
     placement.warnings.push_back(name + ": " + reason);
   }
 
-  /// Nobody has named the file: what is wrong with it is a warning.
+  /// The user has not named the file: what is wrong with it is a warning.
   template <class Step>
   void Try(const std::string& name, Step step) {
     try {

@@ -17,7 +17,7 @@ struct SideFileWish {
   std::string target, source;
   /// Existing side files may be replaced or removed (--overwrite, --in-place).
   bool mayReplace = false;
-  /// A world file is written: the source had one, or the format holds no tags, or it was asked for.
+  /// A world file is written: the source had one, or the format holds no tags, or the user requested it.
   bool writesWorldFile = false;
   /// The target file itself states the position in tags.
   bool hasTags = false;

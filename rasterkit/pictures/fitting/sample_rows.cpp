@@ -80,20 +80,8 @@ Raster RasterLike(const PixelLayout& layout, int width, int height) {
 
 }  // namespace
 
-bool IsRasterLayout(const PixelLayout& layout) {
-  if (layout.type != NumberType::uint8) return false;
-  if (layout.alpha == AlphaKind::associated) return false;
-  if (IsIndexedModel(layout.model)) {
-    return layout.bands == 1 && (layout.bits == 1 || layout.bits == 4 || layout.bits == 8);
-  }
-  if (layout.model != ColorModel::rgb) return false;
-  if (layout.bands == 3) return layout.bits == 8 || layout.bits == 5 || layout.bits == 6;
-  return layout.bands == 4 && layout.bits == 8 &&
-         (layout.alpha == AlphaKind::straight) != (layout.extraBands == 1);
-}
-
-Pixels SampleRows(const PixelLayout& layout, int width, int height) {
-  if (IsRasterLayout(layout)) return RasterLike(layout, width, height);
+Pixels SampleRows(const PixelLayout& layout, bool isRaster, int width, int height) {
+  if (isRaster) return RasterLike(layout, width, height);
   Samples rows(layout, width, height);
   const int limit = layout.type == NumberType::uint8 && layout.bits < 8 ? 1 << layout.bits : 256;
   Bytes bytes;

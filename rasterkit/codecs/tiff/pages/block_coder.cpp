@@ -27,6 +27,9 @@ BlockCoder::BlockCoder(const PagePlan& plan) : isTiled_(plan.IsTiled()) {
   Require(tiff_ != nullptr);
   try {
     SetTags(plan);
+    const bool isTurned =
+        plan.form.predictor == PREDICTOR_FLOATINGPOINT && TIFFIsByteSwapped(tiff_) != 0;
+    if (isTurned) turnedBytes_ = plan.bits / 8;
     bytes_.clear();
   } catch (...) {
     isOpen_ = false;
@@ -77,6 +80,12 @@ void BlockCoder::SetColorTags(const PagePlan& plan) {
 
 std::vector<uint8_t> BlockCoder::Encode(uint32_t block, std::span<uint8_t> samples) {
   const auto count = static_cast<tmsize_t>(samples.size());
+  // libtiff turns the bytes of a number before the predictor, which needs them unturned.
+  if (turnedBytes_ > 0) {
+    for (size_t at = 0; at + turnedBytes_ <= samples.size(); at += turnedBytes_) {
+      std::reverse(samples.data() + at, samples.data() + at + turnedBytes_);
+    }
+  }
   const tmsize_t done = isTiled_ ? TIFFWriteEncodedTile(tiff_, block, samples.data(), count)
                                  : TIFFWriteEncodedStrip(tiff_, block, samples.data(), count);
   Require(done == count);

@@ -44,6 +44,8 @@ class BlockCoder {
   static int OnClose(thandle_t self);
 
   const bool isTiled_;
+  /// Bytes of the numbers that must be turned before libtiff turns them; 0 for none.
+  size_t turnedBytes_ = 0;
   /// What libtiff writes since the last block; the place counts on, as in a file.
   std::vector<uint8_t> bytes_;
   uint64_t position_ = 0, size_ = 0;

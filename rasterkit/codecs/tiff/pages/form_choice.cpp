@@ -28,11 +28,6 @@ constexpr uint32_t kTileUnit = 16;
 /// A codec that needs more memory for a block than this gets smaller ones.
 constexpr uint64_t kMostBlockBytes = uint64_t{1} << 30;
 
-bool IsFax(int compression) {
-  return compression == COMPRESSION_CCITTRLE || compression == COMPRESSION_CCITTRLEW ||
-         compression == COMPRESSION_CCITTFAX3 || compression == COMPRESSION_CCITTFAX4;
-}
-
 bool TakesPredictor(int compression) {
   return compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE ||
          compression == COMPRESSION_ZSTD || compression == COMPRESSION_LZMA;
@@ -97,7 +92,6 @@ std::string FormChooser::WhyNot(int compression) const {
     case COMPRESSION_PACKBITS:
       return {};
     case COMPRESSION_CCITTRLE:
-    case COMPRESSION_CCITTRLEW:
     case COMPRESSION_CCITTFAX3:
     case COMPRESSION_CCITTFAX4:
       return plan_.bits == 1 && plan_.samples == 1 ? "" : "holds black and white only";
@@ -121,7 +115,11 @@ void FormChooser::ChooseCompression() {
   form_.compression = wanted_.compression;
   if (form_.compression == COMPRESSION_DEFLATE) {
     form_.compression = COMPRESSION_ADOBE_DEFLATE;
-    changes_.Note("the old number of Deflate becomes the registered one");
+    changes_.Note("TIFF: the old number of Deflate becomes the registered one");
+  }
+  if (form_.compression == COMPRESSION_CCITTRLEW) {
+    form_.compression = COMPRESSION_CCITTRLE;
+    changes_.Note("TIFF: CCITT RLE of whole words becomes that of whole bytes");
   }
   const std::string reason = WhyNot(form_.compression);
   if (!reason.empty()) {

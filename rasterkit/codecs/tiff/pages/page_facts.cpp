@@ -246,18 +246,23 @@ constexpr uint8_t kLuminance[64] = {16,  11, 12, 14,  12,  10,  16,  14,  13, 14
                                     68,  87, 69, 55,  56,  80,  109, 81,  87, 95,  98,  103, 104,
                                     103, 62, 77, 113, 121, 112, 100, 120, 92, 101, 103, 99};
 
-/// The table of a quality, an entry in zigzag order.
-int UsualEntry(int quality, size_t i) {
+/// The table of a quality, an entry in zigzag order; `most` is that of bytes or of words.
+int UsualEntry(int quality, size_t i, int most) {
   const int scale = quality < 50 ? 5000 / quality : 200 - 2 * quality;
-  return std::clamp((kLuminance[i] * scale + 50) / 100, 1, 255);
+  return std::clamp((kLuminance[i] * scale + 50) / 100, 1, most);
 }
 
+/// `table` has 64 bytes or 64 words.
 int NearestQuality(std::span<const uint8_t> table) {
+  const bool isWide = table.size() > 64;
   int nearest = 0;
   int64_t least = INT64_MAX;
   for (int quality = 1; quality <= 100; quality++) {
     int64_t difference = 0;
-    for (size_t i = 0; i < 64; i++) difference += std::abs(UsualEntry(quality, i) - table[i]);
+    for (size_t i = 0; i < 64; i++) {
+      const int entry = isWide ? table[2 * i] << 8 | table[2 * i + 1] : table[i];
+      difference += std::abs(UsualEntry(quality, i, isWide ? 32767 : 255) - entry);
+    }
     if (difference < least) {
       least = difference;
       nearest = quality;
@@ -296,10 +301,11 @@ int JpegQualityOf(std::span<const uint8_t> jpeg) {
   size_t at = 2;
   while (at + 4 <= jpeg.size() && jpeg[at] == 0xFF && jpeg[at + 1] != kScan) {
     const size_t length = size_t{jpeg[at + 2]} << 8 | jpeg[at + 3];
-    // Table 0 of bytes.
-    if (jpeg[at + 1] == kTables && length >= 67 && at + 5 + 64 <= jpeg.size() &&
-        jpeg[at + 4] == 0) {
-      return NearestQuality(jpeg.subspan(at + 5, 64));
+    // Table 0, of bytes or of words.
+    const size_t bytes = at + 4 < jpeg.size() && jpeg[at + 4] == 0x10 ? 128 : 64;
+    if (jpeg[at + 1] == kTables && length >= 3 + bytes && at + 5 + bytes <= jpeg.size() &&
+        (jpeg[at + 4] & 0x0F) == 0) {
+      return NearestQuality(jpeg.subspan(at + 5, bytes));
     }
     at += 2 + length;
   }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <mutex>
 
 #include <tiff.h>
 
@@ -90,7 +91,8 @@ TagMap WriteBlocks(const Pixels& pixels, const PagePlan& plan, int threads, TagF
     counts[block] = bytes.size();
   };
   TiffStripQueue queue(sink, plan.Blocks(), kBlocksPerThread * static_cast<uint32_t>(useful));
-  const auto work = [&](bool isFirst) {
+  std::mutex mutex;
+  const auto work = [&] {
     try {
       BlockRows rows(pixels, plan);
       BlockCoder coder(plan);
@@ -98,14 +100,16 @@ TagMap WriteBlocks(const Pixels& pixels, const PagePlan& plan, int threads, TagF
         RequireTime();
         queue.Put(*block, coder.Encode(*block, rows.Block(*block)));
       }
-      if (isFirst) tables = coder.JpegTables();
+      // A thread that came too late for a block knows no tables.
+      std::vector<uint8_t> found = coder.JpegTables();
+      const std::lock_guard lock(mutex);
+      if (tables.empty()) tables = std::move(found);
     } catch (...) {
       queue.Stop();
       throw;
     }
   };
-  RunOnThreads(
-      useful, [&] { work(true); }, [&] { work(false); });
+  RunOnThreads(useful, work, work);
   TagMap tags = StructureOf(plan);
   const uint16_t placesTag = plan.IsTiled() ? TIFFTAG_TILEOFFSETS : TIFFTAG_STRIPOFFSETS;
   const uint16_t countsTag = plan.IsTiled() ? TIFFTAG_TILEBYTECOUNTS : TIFFTAG_STRIPBYTECOUNTS;
