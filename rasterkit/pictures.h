@@ -1,4 +1,12 @@
 #pragma once
 
-/// Reading of picture files, also of untrusted ones in a worker process.
+/// Pictures that keep pixels, metadata, position and form together, and reading of picture files,
+/// also of untrusted ones in a worker process.
 #include <rasterkit/pictures/load_bitmap.h>
+#include <rasterkit/pictures/open_options.h>
+#include <rasterkit/pictures/picture.h>
+#include <rasterkit/pictures/report.h>
+#include <rasterkit/pictures/row_sink.h>
+#include <rasterkit/pictures/run.h>
+#include <rasterkit/pictures/save_options.h>
+#include <rasterkit/pictures/steps.h>

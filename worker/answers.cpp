@@ -1,6 +1,6 @@
 #include "worker/answers.h"
 
-#include <rasterkit/pictures/picture_worker.h>
+#include <rasterkit/pictures/reading/picture_worker.h>
 #include <rasterkit/runtime/files/dynamic_library.h>
 
 namespace rasterkit::worker {

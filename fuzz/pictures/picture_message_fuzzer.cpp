@@ -7,7 +7,7 @@
 
 #include <rasterkit/codecs/messages/frame_fields.h>
 #include <rasterkit/codecs/messages/isolated_reading.h>
-#include <rasterkit/pictures/picture_fields.h>
+#include <rasterkit/pictures/reading/picture_fields.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "fuzz/require.h"

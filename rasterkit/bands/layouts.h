@@ -14,20 +14,22 @@
 /// then that of the source.
 namespace rasterkit {
 
-/// True if a picture of this kind is decoded to a raster, false if to samples: see Pixels.
+/// True if a Raster can hold pixels of this kind.
 RASTERKIT_EXPORT bool IsRasterLayout(const PixelLayout& layout);
 
-/// Adds transparency and profiles that a change drops without being asked to `losses`. The layout
-/// must be one of a raster.
+/// The layout must be one of a raster. Adds transparency and profiles that the change drops without
+/// being asked to `losses`.
 RASTERKIT_EXPORT PixelLayout LayoutAfter(const ColorChange& change, const PixelLayout& layout,
                                          Changes* losses = nullptr);
 
-RASTERKIT_EXPORT PixelLayout LayoutAfterResize(const PixelLayout& layout, Sides from, Sides to,
-                                               Filter filter);
+/// `isRaster` tells how the pixels are held: as a raster or as samples.
+RASTERKIT_EXPORT PixelLayout LayoutAfterResize(const PixelLayout& layout, bool isRaster, Sides from,
+                                               Sides to, Filter filter);
 
-/// For a rotation whose `rest` is not 0 and for affines; whole quarter turns and mirrors keep the
-/// layout.
-RASTERKIT_EXPORT PixelLayout LayoutAfterRotate(const PixelLayout& layout, const Resampling& how);
+/// For a rotation whose `rest` is not 0 and for affines; whole quarter turns, mirrors and crops
+/// keep the layout.
+RASTERKIT_EXPORT PixelLayout LayoutAfterRotate(const PixelLayout& layout, bool isRaster,
+                                               const Resampling& how);
 
 /// The lower picture's layout after it was combined with another picture.
 RASTERKIT_EXPORT PixelLayout LayoutAfterCombine(const PixelLayout& layout, CombineMode mode,

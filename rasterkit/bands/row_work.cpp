@@ -8,7 +8,7 @@
 namespace rasterkit::detail {
 namespace {
 
-constexpr size_t kBytesOfPiece = size_t{1} << 20;
+constexpr size_t kBytesOfPiece = size_t{1} << 18;
 
 /// Pieces that threads take one after the other.
 class Pieces {

@@ -18,7 +18,7 @@ struct ProgressShare {
 void ForRows(int count, int piece, const StageRun& run, const ProgressShare& share,
              const std::function<void(int first, int last)>& work);
 
-/// Rows of a piece that takes about a millisecond: at least 1, at most `count`.
+/// Rows of a piece that takes a small part of a millisecond: at least 1, at most `count`.
 int PieceOf(int count, size_t bytesPerRow);
 
 }  // namespace rasterkit::detail

@@ -6,6 +6,7 @@
 
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/exif_facts.h>
+#include <rasterkit/metadata/ifd.h>
 #include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/jpeg_assembly.h>
 #include <rasterkit/metadata/jpeg_names.h>
@@ -266,9 +267,12 @@ std::vector<NewJpegSegment> AssembleJpegSegments(const Metadata& metadata, bool 
 }
 
 std::vector<uint8_t> BytesOf(const NewJpegSegment& segment) {
-  std::vector<uint8_t> bytes = {kStart, segment.marker};
-  AppendNumber(bytes, segment.payload.size() + 2, 2);
-  bytes.insert(bytes.end(), segment.payload.begin(), segment.payload.end());
+  constexpr size_t kHeadBytes = 4;
+  std::vector<uint8_t> bytes(kHeadBytes + segment.payload.size());
+  bytes[0] = kStart;
+  bytes[1] = segment.marker;
+  detail::PutWord(bytes, 2, static_cast<uint16_t>(segment.payload.size() + 2), true);
+  std::copy(segment.payload.begin(), segment.payload.end(), bytes.begin() + kHeadBytes);
   return bytes;
 }
 

@@ -1,27 +1,26 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <utility>
 
 #include <fmt/format.h>
 
+#include <rasterkit/bands/layouts.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/pictures/align_pictures.h>
+#include <rasterkit/pictures/fitting/sample_rows.h>
 #include <rasterkit/pictures/north_up.h>
 #include <rasterkit/pictures/own_stages.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/picture_state.h>
-#include <rasterkit/pictures/sample_rows.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 namespace {
 
-/// Sides of the small pictures that show what kind of pixels a stage makes.
+/// Sides of the small picture that shows what numbers look like.
 constexpr int kSampleSide = 16;
-constexpr Sides kSampleSides{kSampleSide, kSampleSide};
-/// Turns by less than this, in degrees, are those of RotateBitmap: none.
-constexpr float kNoTurn = 0.01f;
 
 std::optional<double> NumberOf(const std::string& text) {
   double number = 0;
@@ -57,13 +56,11 @@ class StepAdder {
   }
 
   void operator()(const RotateStep& step) {
-    if (!std::isfinite(step.degrees)) throw RangeError("an angle must be a finite number");
     if (FrameOfRotation(Now(), step.degrees).rest != 0) MakeSquare();
     const RotationFrame frame = FrameOfRotation(Now(), step.degrees);
-    const bool isTurned = std::abs(frame.rest) >= kNoTurn;
-    if (!isTurned && (frame.quarters & 3) == 0) return;
+    if (frame.rest == 0 && frame.quarters == 0) return;
     const Resampling how = HowFor(step.options);
-    SetLayout(*RotateStage(kSampleSides, step.degrees, how));
+    if (frame.rest != 0) SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
     if (frame.quarters % 2 != 0) ExchangeAxes();
     Add(RotateStage(Now(), step.degrees, how), frame.toOld, frame.sides);
   }
@@ -75,7 +72,7 @@ class StepAdder {
     for (const Step& turn : frame.turns) std::visit(*this, turn);
     if (!frame.toOld) return;
     const Resampling how = HowFor(step.options);
-    SetLayout(*AffineStage(kSampleSides, *frame.toOld, kSampleSides, how));
+    SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
     Add(AffineStage(Now(), *frame.toOld, frame.sides, how), *frame.toOld, frame.sides);
   }
 
@@ -109,15 +106,9 @@ class StepAdder {
 
   void operator()(const ChangeStep& step) {
     MakeVisible();
-    Pixels sample;
-    try {
-      sample = Sample(*ChangeStage(kSampleSides, step.change));
-    } catch (const FormatError& error) {
-      // The change refuses the kind of picture.
-      throw RangeError(error.Reason());
-    }
-    TakeLayout(sample);
-    AddStage(ChangeStage(Now(), step.change));
+    std::unique_ptr<Stage> stage = ChangeStage(Now(), step.change);
+    SetLayout(LayoutAfter(step.change, state_.layout, &state_.changes));
+    AddStage(std::move(stage));
   }
 
   void operator()(const CombineStep& step) {
@@ -131,13 +122,31 @@ class StepAdder {
     const std::optional<Affine> toOver =
         Alignment(mine, other.placement, step.options.align, state_.changes);
     MakeVisible();
-    Combination combination{SampleOver(other.layout), step.options.mode, step.options.percent,
-                            step.options.gray, std::nullopt};
-    TakeLayout(Sample(*CombineStage(kSampleSides, combination)));
+    SetLayout(LayoutAfterCombine(state_.layout, step.options.mode, &state_.changes));
     AddStage(PictureOverStage(Now(), step.other, step.options, toOver));
   }
 
+  void operator()(const PixelsStep& step) {
+    const bool isSameSize = step.pixels && step.pixels->Width() == state_.width &&
+                            step.pixels->Height() == state_.height;
+    if (!isSameSize) throw RangeError("other pixels must have the size of the picture");
+    MakeVisible();
+    SetLayout(*ShownStage(step.pixels));
+    AddStage(ShownStage(step.pixels));
+  }
+
+  void operator()(const PlaceStep& step) {
+    const std::optional<Affine> toNew = state_.toOld.Inverse();
+    if (!step.affine.IsFinite() || !step.affine.Inverse() || !toNew) {
+      throw RangeError("six numbers of a position must be finite and span an area");
+    }
+    state_.given = step.affine.After(*toNew);
+  }
+
   void operator()(const EditStep& step) {
+    if (step.edit.resolution) {
+      state_.edit.resolution = state_.resolution = *step.edit.resolution;
+    }
     state_.edit.stripAll |= step.edit.stripAll;
     state_.edit.stripGps |= step.edit.stripGps;
     state_.edit.stripThumbnail |= step.edit.stripThumbnail;
@@ -146,49 +155,26 @@ class StepAdder {
  private:
   Sides Now() const { return {state_.width, state_.height}; }
 
-  std::shared_ptr<const Raster> SampleOver(const PixelLayout& layout) const {
-    Pixels over = SampleRows(layout, kSampleSide, kSampleSide);
-    Changes unused;
-    over = VisibleStage({})->Make(std::move(over), {}, unused);
-    return std::make_shared<const Raster>(std::get<Raster>(std::move(over)));
-  }
+  void SetLayout(PixelLayout layout) { state_.layout = std::move(layout); }
 
-  Pixels Sample(const Stage& stage) const {
-    Changes unused;
-    return stage.Make(SampleRows(state_.layout, kSampleSide, kSampleSide), {}, unused);
-  }
+  uint64_t RowBytes() const { return BytesOfRows(state_.layout, state_.width, state_.height); }
 
-  void TakeLayout(const Pixels& sample) {
-    const ColorProfile profile = state_.layout.profile;
-    state_.layout = LayoutOf(sample);
-    state_.layout.profile = profile;
-  }
-
-  void SetLayout(const Stage& stage) { TakeLayout(Sample(stage)); }
-
-  /// Rows before and after a stage are held together.
-  void CountRows(uint64_t before) {
-    const uint64_t after = BytesOfRows(state_.layout, state_.width, state_.height);
-    state_.rowBytes = std::max(state_.rowBytes, before + after);
-  }
-
+  /// The layout is the new one already. Rows before and after a stage are held together.
   void AddStage(std::unique_ptr<Stage> stage) {
-    const uint64_t before = BytesOfRows(state_.layout, state_.width, state_.height);
     state_.stages.push_back(std::move(stage));
     state_.pixelsChanged = true;
-    CountRows(before);
+    const uint64_t before = std::exchange(heldBytes_, RowBytes());
+    state_.rowBytes = std::max(state_.rowBytes, before + heldBytes_);
   }
 
   void Add(std::unique_ptr<Stage> stage, const Affine& toOld, Sides sides) {
-    const uint64_t before = BytesOfRows(state_.layout, state_.width, state_.height);
     RequirePictureSize(static_cast<uint64_t>(sides.width), static_cast<uint64_t>(sides.height),
                        fmt::format("a picture of {} x {} pixels", sides.width, sides.height));
-    state_.stages.push_back(std::move(stage));
     state_.toOld = state_.toOld.After(toOld);
     state_.width = sides.width;
     state_.height = sides.height;
-    state_.pixelsChanged = state_.placesChanged = true;
-    CountRows(before);
+    state_.placesChanged = true;
+    AddStage(std::move(stage));
   }
 
   void ExchangeAxes() {
@@ -204,12 +190,7 @@ class StepAdder {
 
   void Resize(Sides target, Filter filter) {
     const Sides sides = Now();
-    const auto sampleSide = [](int now, int then) {
-      return then < now ? kSampleSide / 2 : then > now ? kSampleSide * 2 : kSampleSide;
-    };
-    const Sides sampleTarget{sampleSide(sides.width, target.width),
-                             sampleSide(sides.height, target.height)};
-    SetLayout(*ResizeStage(kSampleSides, sampleTarget, filter, NoDataNumber()));
+    SetLayout(LayoutAfterResize(state_.layout, state_.isRaster, sides, target, filter));
     const double columns = static_cast<double>(sides.width) / target.width;
     const double rows = static_cast<double>(sides.height) / target.height;
     constexpr double kHalf = 0.5;
@@ -244,21 +225,20 @@ class StepAdder {
 
   /// Changes of color work on rasters.
   void MakeVisible() {
-    if (IsRasterLayout(state_.layout)) return;
+    if (state_.isRaster) return;
     const std::string noData = source_.Position().noData;
-    Changes unused;
-    const Pixels sample =
-        VisibleStage(noData)->Make(SampleRows(state_.layout, kSampleSide, kSampleSide), {}, unused);
-    const uint64_t before = BytesOfRows(state_.layout, state_.width, state_.height);
-    state_.layout = LayoutOf(sample);
-    state_.stages.push_back(VisibleStage(noData));
-    state_.pixelsChanged = true;
-    CountRows(before);
-    for (Loss& loss : unused.losses) state_.changes.losses.push_back(std::move(loss));
+    Changes seen;
+    const Pixels sample = VisibleStage(noData)->Make(
+        SampleRows(state_.layout, false, kSampleSide, kSampleSide), {}, seen);
+    SetLayout(LayoutOf(sample));
+    state_.isRaster = true;
+    for (Loss& loss : seen.losses) state_.changes.losses.push_back(std::move(loss));
+    AddStage(VisibleStage(noData));
   }
 
   PictureState& state_;
   const PictureSource& source_;
+  uint64_t heldBytes_ = RowBytes();
 };
 
 }  // namespace

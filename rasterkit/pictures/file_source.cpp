@@ -3,9 +3,9 @@
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/pictures/isolated_source.h>
-#include <rasterkit/pictures/metafile_drawing.h>
-#include <rasterkit/pictures/picture_bytes.h>
 #include <rasterkit/pictures/picture_source.h>
+#include <rasterkit/pictures/reading/metafile_drawing.h>
+#include <rasterkit/pictures/reading/picture_bytes.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 

@@ -2,7 +2,7 @@
 
 #include <rasterkit/codecs/isolated_pixels.h>
 #include <rasterkit/pictures/isolated_source.h>
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {

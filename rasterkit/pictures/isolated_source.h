@@ -1,7 +1,7 @@
 #pragma once
 
-#include <rasterkit/pictures/picture_bytes.h>
 #include <rasterkit/pictures/picture_source.h>
+#include <rasterkit/pictures/reading/picture_bytes.h>
 
 namespace rasterkit::detail {
 

@@ -1,5 +1,5 @@
 #include <rasterkit/pictures/load_bitmap.h>
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 
 namespace rasterkit {
 

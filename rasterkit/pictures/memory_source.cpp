@@ -1,5 +1,6 @@
 #include <utility>
 
+#include <rasterkit/bands/layouts.h>
 #include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -18,6 +19,7 @@ class MemorySource : public PictureSource {
     std::visit([&](const auto& rows) { header_.metadata.resolution = rows.resolution; }, rows_);
   }
 
+  bool IsRaster() const override { return std::holds_alternative<Raster>(rows_); }
   Pixels ReadPixels(int, CodecReport&) const override {
     return std::visit([](const auto& rows) -> Pixels { return rows.Clone(); }, rows_);
   }
@@ -54,6 +56,10 @@ class BitmapSource : public PictureSource {
 };
 
 }  // namespace
+
+bool PictureSource::IsRaster() const {
+  return IsRasterLayout(header_.layout);
+}
 
 SourcePtr SourceOf(std::unique_ptr<TBitmap> rows) {
   return std::make_shared<BitmapSource>(std::move(rows));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/pictures/metafile_drawing.h>
+#include <rasterkit/pictures/reading/metafile_drawing.h>
 #include <rasterkit/placement/placement.h>
 #include <rasterkit/runtime/isolation.h>
 

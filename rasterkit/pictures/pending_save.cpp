@@ -2,7 +2,7 @@
 #include <optional>
 #include <utility>
 
-#include <rasterkit/pictures/make_thumbnail.h>
+#include <rasterkit/pictures/fitting/make_thumbnail.h>
 #include <rasterkit/pictures/pending_save.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/read_pixels.h>

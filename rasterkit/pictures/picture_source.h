@@ -25,6 +25,8 @@ class PictureSource {
   /// Name of the file; empty for bytes and rows in memory.
   const std::string& File() const { return file_; }
   const PictureHeader& Header() const { return header_; }
+  /// True if the pixels are read as a raster, false if as samples.
+  virtual bool IsRaster() const;
   const Placement& Position() const { return position_; }
   /// What no picture made from this source can have.
   const Changes& Lost() const { return lost_; }

@@ -1,6 +1,6 @@
 #include <utility>
 
-#include <rasterkit/pictures/make_thumbnail.h>
+#include <rasterkit/pictures/fitting/make_thumbnail.h>
 #include <rasterkit/pictures/read_pixels.h>
 #include <rasterkit/pictures/save_picture.h>
 #include <rasterkit/runtime/errors.h>

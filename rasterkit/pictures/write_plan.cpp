@@ -5,8 +5,8 @@
 
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/picture_io.h>
-#include <rasterkit/pictures/fit_pixels.h>
-#include <rasterkit/pictures/sample_rows.h>
+#include <rasterkit/pictures/fitting/fit_pixels.h>
+#include <rasterkit/pictures/fitting/sample_rows.h>
 #include <rasterkit/pictures/write_plan.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
@@ -179,8 +179,9 @@ Report Foresee(const PictureSource& source, const PictureState& state, const Wri
   TMemoryStream target;
   const int width = std::min(kSampleSide, state.width),
             height = std::min(kSampleSide, state.height);
-  const WrittenPicture written = WritePixels(SampleRows(state.layout, width, height), state, source,
-                                             plan, options, 1, target, changes);
+  const WrittenPicture written =
+      WritePixels(SampleRows(state.layout, state.isRaster, width, height), state, source, plan,
+                  options, 1, target, changes);
   report.layout = plan.isCopied ? state.layout : written.layout;
   report.form = std::holds_alternative<std::monostate>(plan.form) ? written.form : plan.form;
   report.losses = std::move(changes.losses);

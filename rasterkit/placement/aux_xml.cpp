@@ -31,7 +31,7 @@ std::string Attribute(const XML_Char** attributes, std::string_view name) {
   return "";
 }
 
-/// Numbers between commas or blanks; stops at the first word that is none.
+/// Numbers between commas or blanks; stops at the first word that is not a number.
 std::vector<double> NumbersIn(std::string_view text, size_t most) {
   constexpr std::string_view kBetween = " \t\r\n,";
   std::vector<double> numbers;

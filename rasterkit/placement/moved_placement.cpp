@@ -56,6 +56,10 @@ void FollowPixels(Placement& placement, const PixelMove& move, Changes& changes)
     return;
   }
   if (placement.affine) placement.affine = placement.affine->After(move.toOld);
+  if (placement.affine && !placement.affine->IsFinite()) {
+    placement.affine.reset();
+    changes.Lose(LossKind::position, "map position", "its numbers would be too large");
+  }
   for (StatedPosition& position : placement.stated) {
     position.affine = position.affine.After(move.toOld);
   }

@@ -40,7 +40,7 @@ class RASTERKIT_EXPORT NoData {
   }
 
   /// The value as one sample of the type given to the constructor, in the byte order of the
-  /// processor: to fill areas that nobody measured. Nothing if the type cannot hold it.
+  /// processor: to fill areas without a measurement. Nothing if the type cannot hold it.
   std::optional<std::vector<uint8_t>> Sample() const;
 
  private:

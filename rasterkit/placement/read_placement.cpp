@@ -46,8 +46,8 @@ class PlacementReader {
   void ReadWorldFilesBeside(const std::string& read) {
     const detail::FileIdentity identity(read);
     for (const std::string& name : WorldFileNames(file_)) {
-      if (identity.Exists() && identity == detail::FileIdentity(name)) continue;
       Try(name, [&] {
+        if (identity.Exists() && identity == detail::FileIdentity(name)) return;
         const auto reading = detail::ReadWorldFileAt(name);
         if (!reading) return;
         placement.sideFiles.push_back(name);
@@ -92,7 +92,7 @@ class PlacementReader {
     placement.warnings.push_back(name + ": " + reason);
   }
 
-  /// Nobody has named the file: what is wrong with it is a warning.
+  /// The user has not named the file: what is wrong with it is a warning.
   template <class Step>
   void Try(const std::string& name, Step step) {
     try {

@@ -17,14 +17,25 @@ struct SideFileWish {
   std::string target, source;
   /// Existing side files may be replaced or removed (--overwrite, --in-place).
   bool mayReplace = false;
-  /// A world file is written: the source had one, or the format holds no tags, or it was asked for.
+  /// A world file is written: the source had one, or the format holds no tags, or the user requested it.
   bool writesWorldFile = false;
   /// The target file itself states the position in tags.
   bool hasTags = false;
+  /// The pixels of the target are those of the source in their places, so that what lies beside
+  /// the source's own name stays true if it is saved over itself.
+  bool hasSamePixels = false;
+  /// Sides of the target in pixels: two positions that differ by less than a thousandth of a pixel
+  /// everywhere in it are the same.
+  int width = 1, height = 1;
   bool syncs = true;
 };
 
 /// The files beside a target: what becomes of each in the same save.
+///
+/// A world file is written under the first name of WorldFileNames; other world files that state
+/// another position, `.aux.xml`, `.ovr` and `.msk` of the target's name are removed. What belongs
+/// to a neighbor too (another picture of the same stem) is never changed. `.prj` is written where
+/// there is none. A target that is a pipe or a device has no files beside it.
 ///
 ///     SideFiles files(wish, placement);        // finds what is there; throws if it refuses
 ///     files.Prepare();                         // writes the new ones to temporary files
@@ -32,17 +43,22 @@ struct SideFileWish {
 ///     picture->Commit();
 ///     files.AfterCommit();                     // new world file; removes what would contradict
 ///
-/// A destructor without AfterCommit moves the backup back.
+/// Until the picture has its name, a destructor moves the old files back from their backup names.
+/// If the new picture has its name and a file beside it could not be written, it does not: the
+/// picture has no world file then, rather than a wrong one.
 class RASTERKIT_EXPORT SideFiles {
  public:
   /// Throws FileExistsError that names the side file which would contradict the new picture and may
-  /// not be replaced, or that is shared with a neighbor so that a contradiction remains.
+  /// not be replaced, or that is shared with a neighbor so that a contradiction remains. Adds to
+  /// `changes` what neither the target nor a file beside it holds: position, control points,
+  /// rational model, coordinate system, "no data", and side files of the source.
   SideFiles(const SideFileWish& wish, const Placement& placement, Changes& changes);
   ~SideFiles();
   SideFiles(SideFiles&&) noexcept;
 
   /// Names that will be written, replaced or removed, for --dry-run: "writes plan.pgw".
   const std::vector<std::string>& Plans() const;
+  /// Each of the three throws FileError.
   void Prepare();
   void BeforeCommit();
   void AfterCommit();

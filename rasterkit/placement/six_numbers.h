@@ -7,7 +7,7 @@
 #include <rasterkit/placement/affine.h>
 #include <rasterkit/runtime/export.h>
 
-/// The text of world files: six numbers, one a line, in the order of Affine.
+/// The text of world files: six numbers, one per line, in the order of Affine.
 namespace rasterkit::detail {
 
 /// Six numbers, or why there are none.

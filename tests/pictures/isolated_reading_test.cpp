@@ -10,11 +10,11 @@
 
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/codecs/decode_frame.h>
-#include <rasterkit/pictures/convert_metafile.h>
+#include <rasterkit/pictures/reading/convert_metafile.h>
 #include <rasterkit/pictures/load_bitmap.h>
-#include <rasterkit/pictures/load_graphic_isolated.h>
-#include <rasterkit/pictures/picture_fields.h>
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/load_graphic_isolated.h>
+#include <rasterkit/pictures/reading/picture_fields.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/error_class.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>

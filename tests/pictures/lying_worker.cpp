@@ -7,7 +7,7 @@
 #include <unistd.h>
 
 #include <rasterkit/codecs/messages/isolated_reading.h>
-#include <rasterkit/pictures/picture_fields.h>
+#include <rasterkit/pictures/reading/picture_fields.h>
 #include <rasterkit/runtime/worker/worker_channel.h>
 #include <rasterkit/runtime/worker/worker_input.h>
 #include <rasterkit/runtime/worker/worker_memory.h>

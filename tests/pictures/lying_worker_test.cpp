@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/error_class.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>

@@ -4,7 +4,7 @@
 
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/messages/frame_fields.h>
-#include <rasterkit/pictures/picture_fields.h>
+#include <rasterkit/pictures/reading/picture_fields.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/support/test_pictures.h"

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include <rasterkit/pictures/picture_size.h>
+#include <rasterkit/pictures/reading/picture_size.h>
 
 namespace rasterkit::tool {
 

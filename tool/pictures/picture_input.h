@@ -4,7 +4,7 @@
 #include <string>
 
 #include <rasterkit/graphics/bitmap.h>
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 
 namespace rasterkit::tool {
 

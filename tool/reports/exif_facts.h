@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include <rasterkit/pictures/photo_facts.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
 
 namespace rasterkit::tool {
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include <rasterkit/pictures/photo_facts.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
 #include <rasterkit/placement/placement.h>
 
 #include "tool/command/json.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 
 #include "tool/reports/picture_facts.h"
 

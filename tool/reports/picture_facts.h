@@ -8,7 +8,7 @@
 
 #include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/metafiles/read_metafile_facts.h>
-#include <rasterkit/pictures/photo_facts.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
 #include <rasterkit/placement/placement.h>
 
 #include "tool/reports/pdf_facts.h"

@@ -8,7 +8,7 @@
 
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/bitmaptools/files/load_via_wic.h>
-#include <rasterkit/pictures/load_graphic_isolated.h>
+#include <rasterkit/pictures/reading/load_graphic_isolated.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 

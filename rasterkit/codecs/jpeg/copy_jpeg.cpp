@@ -1,11 +1,9 @@
 #include <algorithm>
-#include <string_view>
 
 #include <rasterkit/codecs/jpeg/jpeg_form.h>
 #include <rasterkit/codecs/jpeg/jpeg_hidden.h>
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
-#include <rasterkit/codecs/jpeg/write_jpeg_metadata.h>
-#include <rasterkit/codecs/rows/byte_marks.h>
+#include <rasterkit/metadata/jpeg_assembly.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 
@@ -14,19 +12,15 @@ namespace {
 
 using Bytes = std::span<const uint8_t>;
 using namespace detail;
-using namespace detail::jpeg_marker;
-using std::string_view_literals::operator""sv;
+using namespace detail::jpeg_coding;
+using namespace jpeg_marker;
 
-bool IsJfif(const JpegPart& part) {
-  return part.marker == kApp0 && StartsWith(part.payload, "JFIF\0"sv);
-}
-
-bool IsJfxx(const JpegPart& part) {
-  return part.marker == kApp0 && StartsWith(part.payload, "JFXX\0"sv);
+bool IsJfif(const JpegSegment& segment) {
+  return BlockOf(segment) == JpegBlock::jfif;
 }
 
 /// True for what belongs to the coded pixels: tables, frame, scan, the Adobe segment.
-bool IsCoding(const JpegPart& part) {
+bool IsCoding(const JpegSegment& part) {
   if (part.marker == kApp14) return IsAdobeSegment(part.payload);
   return !IsApplication(part.marker) && part.marker != kComment;
 }
@@ -37,69 +31,117 @@ void SetNumber(std::vector<uint8_t>& payload, size_t at, bool isBig, uint32_t va
   }
 }
 
+bool IsSameProfile(const ColorProfile& a, const ColorProfile& b) {
+  return a == b || (a && b && *a == *b);
+}
+
+bool IsSame(const Metadata& a, Metadata b) {
+  if (!IsSameProfile(a.profile, b.profile)) return false;
+  b.profile = a.profile;
+  return a == b;
+}
+
 /// Writes a file with its coded pixels and other metadata.
 class Copier {
  public:
   Copier(Bytes file, const PictureWriting& writing) : file_(file), writing_(writing) {
     parts_ = ReadJpegHead(file);
     ReadJpegScans(file, parts_);
-    if (parts_.isCut) throw FormatError("JPEG: the file is cut off and cannot be copied");
   }
 
   WrittenPicture Copy(const PictureHeader& header, TStream& stream) {
     WrittenPicture written;
+    written.form = header.form;
+    written.layout = header.layout;
+    if (!writing_.dropsHidden && IsSame(writing_.metadata, header.metadata)) {
+      stream.Write(file_);
+      return written;
+    }
     head_ = {kStart, kImageStart};
-    AddMetadata(written.changes);
+    AddMetadata(header.metadata, written.changes);
     AddIndex();
-    for (const JpegPart& part : parts_.head) {
-      if (IsCoding(part)) AppendSegment(part.marker, part.payload, head_);
+    for (const JpegSegment& part : parts_.head) {
+      if (IsCoding(part)) Append(part.marker, part.payload);
     }
     stream.Write(head_);
     const size_t end = writing_.dropsHidden ? parts_.end : file_.size();
     stream.Write(file_.subspan(ScansAt(), end - ScansAt()));
-    written.form = header.form;
-    written.layout = header.layout;
     return written;
   }
 
  private:
   /// Place behind the header of the first scan.
   size_t ScansAt() const {
-    const JpegPart& scan = parts_.head.back();
-    return scan.payloadAt + scan.payload.size();
+    const JpegSegment& scan = parts_.head.back();
+    return PlaceOf(scan, file_) + scan.payload.size();
   }
 
-  void AddMetadata(Changes& changes) {
-    JpegMetadataWish wish;
+  void Append(uint8_t marker, Bytes payload) {
+    const std::vector<uint8_t> bytes =
+        BytesOf(NewJpegSegment{marker, {payload.begin(), payload.end()}});
+    head_.insert(head_.end(), bytes.begin(), bytes.end());
+  }
+
+  void AddMetadata(const Metadata& source, Changes& changes) {
     const auto jfif = std::find_if(parts_.head.begin(), parts_.head.end(), IsJfif);
-    wish.writesJfif = jfif != parts_.head.end();
-    if (wish.writesJfif && !writing_.dropsHidden) wish.jfif = jfif->payload;
-    const std::vector<uint8_t> segments = JpegMetadataSegments(writing_.metadata, wish, changes);
+    const bool hasJfif = jfif != parts_.head.end();
+    Metadata metadata = writing_.metadata;
+    // What did not change keeps its bytes: no resolution is added, no digest is made true.
+    const bool keepsResolution = metadata.resolution == source.resolution;
+    if (keepsResolution) metadata.resolution = {};
+    const bool keepsResources =
+        metadata.iptc == source.iptc && metadata.photoshop == source.photoshop;
+    if (keepsResources) {
+      metadata.iptc.clear();
+      metadata.photoshop.clear();
+    }
+    bool isFirst = true;
+    for (const NewJpegSegment& segment : AssembleJpegSegments(metadata, hasJfif, changes)) {
+      if (isFirst && hasJfif) {
+        AddJfif(*jfif, segment.payload, keepsResolution);
+      } else {
+        Append(segment.marker, segment.payload);
+      }
+      isFirst = false;
+    }
+    for (const JpegSegment& segment : parts_.head) {
+      if (keepsResources && BlockOf(segment) == JpegBlock::photoshop) {
+        Append(segment.marker, segment.payload);
+      }
+    }
+  }
+
+  /// Adds the header of the source with the new densities, and the extensions that must follow it.
+  void AddJfif(const JpegSegment& source, Bytes made, bool keepsResolution) {
+    constexpr size_t kUnitAt = 7, kThumbnailAt = 12, kPlainBytes = 14;
+    std::vector<uint8_t> payload(source.payload.begin(), source.payload.end());
+    if (payload.size() < kPlainBytes) payload.assign(made.begin(), made.end());
+    if (!keepsResolution) {
+      std::copy(made.begin() + kUnitAt, made.begin() + kThumbnailAt, payload.begin() + kUnitAt);
+    }
     if (writing_.dropsHidden) {
-      head_.insert(head_.end(), segments.begin(), segments.end());
-      return;
+      payload.resize(kPlainBytes);
+      payload[kThumbnailAt] = payload[kThumbnailAt + 1] = 0;
     }
-    // Extensions of the JFIF header follow it at once.
-    const size_t jfifBytes = wish.writesJfif ? 4 + wish.jfif.size() : 0;
-    const auto middle = segments.begin() + static_cast<std::ptrdiff_t>(jfifBytes);
-    head_.insert(head_.end(), segments.begin(), middle);
-    for (const JpegPart& part : parts_.head) {
-      if (IsJfxx(part)) AppendSegment(part.marker, part.payload, head_);
+    Append(kApp0, payload);
+    for (const JpegSegment& segment : parts_.head) {
+      if (BlockOf(segment) == JpegBlock::jfxx && !writing_.dropsHidden) {
+        Append(segment.marker, segment.payload);
+      }
     }
-    head_.insert(head_.end(), middle, segments.end());
   }
 
   /// Adds the index of further pictures, whose places move with the size of the head.
   void AddIndex() {
-    const JpegIndex index = ReadJpegIndex(parts_);
+    const JpegIndex index = ReadJpegIndex(file_, parts_);
     if (writing_.dropsHidden || index.pictures.empty()) return;
     const Bytes source = parts_.head[index.part].payload;
     std::vector<uint8_t> payload(source.begin(), source.end());
     constexpr size_t kMarkerBytes = 4;
     const size_t start =
-        head_.size() + kMarkerBytes + (index.start - parts_.head[index.part].payloadAt);
+        head_.size() + kMarkerBytes + (index.start - PlaceOf(parts_.head[index.part], file_));
     size_t coding = 0;
-    for (const JpegPart& part : parts_.head) {
+    for (const JpegSegment& part : parts_.head) {
       if (IsCoding(part)) coding += kMarkerBytes + part.payload.size();
     }
     const size_t scansAt = head_.size() + kMarkerBytes + payload.size() + coding;
@@ -107,8 +149,9 @@ class Copier {
     for (const JpegIndexPicture& picture : index.pictures) {
       if (picture.offset == 0) {
         const int64_t bytes = int64_t{picture.bytes} + moved;
-        if (bytes > 0)
+        if (bytes > 0) {
           SetNumber(payload, picture.bytesAt, index.isBigEndian, static_cast<uint32_t>(bytes));
+        }
         continue;
       }
       const int64_t at = static_cast<int64_t>(index.start) + picture.offset;
@@ -116,7 +159,7 @@ class Copier {
       if (at < static_cast<int64_t>(parts_.end) || offset <= 0) continue;
       SetNumber(payload, picture.offsetAt, index.isBigEndian, static_cast<uint32_t>(offset));
     }
-    AppendSegment(kApp2, payload, head_);
+    Append(kApp2, payload);
   }
 
   const Bytes file_;

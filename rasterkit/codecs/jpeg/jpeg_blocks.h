@@ -18,13 +18,13 @@ struct JfifFacts {
 };
 
 /// Collects the metadata of the segments in front of the first scan: pieces of one block are
-/// joined. Damaged blocks are left out or cut off, with a warning. Orientation, resolution and
-/// Photoshop's resources are not interpreted.
+/// joined. Damaged blocks are left out or cut off, with a warning. Orientation and resolution
+/// are not interpreted.
 struct JpegBlocks {
   Metadata metadata;
   JfifFacts jfif;
-  /// Image resources as they stand, IPTC records included.
-  std::vector<uint8_t> resources;
+  /// Of the Photoshop resources.
+  Resolution photoshop;
   std::vector<std::string> warnings;
 };
 

@@ -11,6 +11,7 @@ namespace detail {
 namespace {
 
 using Bytes = std::span<const uint8_t>;
+using namespace jpeg_coding;
 using namespace jpeg_marker;
 
 constexpr size_t kAdobeTransformAt = 11;
@@ -41,7 +42,7 @@ void ReadTables(Bytes payload, bool isLater, Tables& tables) {
   }
 }
 
-void ReadFrame(const JpegPart& part, JpegForm& form) {
+void ReadFrame(const JpegSegment& part, JpegForm& form) {
   const Bytes payload = part.payload;
   if (payload.size() < 6) throw FormatError("JPEG: the frame header is too short");
   form.progressive = (part.marker & 3) == 2;
@@ -61,7 +62,7 @@ bool IsAdobeSegment(Bytes payload) {
 
 std::optional<int> AdobeTransformOf(const JpegParts& parts) {
   std::optional<int> transform;
-  for (const JpegPart& part : parts.head) {
+  for (const JpegSegment& part : parts.head) {
     if (part.marker == kApp14 && IsAdobeSegment(part.payload)) {
       transform = part.payload[kAdobeTransformAt];
     }
@@ -72,7 +73,7 @@ std::optional<int> AdobeTransformOf(const JpegParts& parts) {
 JpegForm FormOfJpeg(const JpegParts& parts) {
   JpegForm form;
   bool frameSeen = false;
-  for (const JpegPart& part : parts.head) {
+  for (const JpegSegment& part : parts.head) {
     if (IsFrame(part.marker) && !frameSeen) {
       ReadFrame(part, form);
       frameSeen = true;
@@ -82,7 +83,7 @@ JpegForm FormOfJpeg(const JpegParts& parts) {
       form.restartInterval = part.payload[0] << 8 | part.payload[1];
     }
   }
-  for (const JpegPart& part : parts.later) {
+  for (const JpegSegment& part : parts.later) {
     if (part.marker == kTables) ReadTables(part.payload, true, form.tables);
   }
   form.adobeTransform = AdobeTransformOf(parts);

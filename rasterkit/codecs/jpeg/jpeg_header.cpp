@@ -6,7 +6,7 @@
 #include <rasterkit/codecs/jpeg/jpeg_layout.h>
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
-#include <rasterkit/metadata/exif_block.h>
+#include <rasterkit/metadata/exif_facts.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
@@ -14,8 +14,6 @@ namespace {
 
 using Bytes = std::span<const uint8_t>;
 using namespace detail;
-
-constexpr uint16_t kOrientation = 274, kResolutionX = 282, kResolutionY = 283, kUnit = 296;
 
 PixelLayout PixelsOf(const JpegFrame& frame, const ColorProfile& profile) {
   PixelLayout layout;
@@ -33,28 +31,15 @@ PixelLayout PixelsOf(const JpegFrame& frame, const ColorProfile& profile) {
   return layout;
 }
 
-Resolution ResolutionOf(const ExifBlock& exif) {
-  constexpr uint32_t kInch = 2, kCentimeter = 3;
-  const std::vector<double> x = exif.Numbers(ExifDirectoryId::main, kResolutionX);
-  const std::vector<double> y = exif.Numbers(ExifDirectoryId::main, kResolutionY);
-  const uint32_t unit = exif.Number(ExifDirectoryId::main, kUnit).value_or(kInch);
-  if (x.empty() || y.empty() || (unit != kInch && unit != kCentimeter)) return {};
-  const double factor = unit == kCentimeter ? 2.54 : 1;
-  const Resolution stated{x[0] * factor, y[0] * factor};
-  return stated.IsKnown() ? stated : Resolution{};
-}
-
 void TakeFacts(PictureHeader& header, const JpegBlocks& blocks) {
   StatedResolutions stated;
   stated.header = blocks.jfif.resolution;
   stated.headerIsWhole = true;
+  stated.photoshop = blocks.photoshop;
   if (blocks.jfif.unit > 0) stated.headerUnit = blocks.jfif.unit;
   if (!header.metadata.exif.empty()) {
     const ExifBlock exif(header.metadata.exif);
-    const auto orientation = exif.Number(ExifDirectoryId::main, kOrientation);
-    if (orientation && *orientation >= 1 && *orientation <= 8) {
-      header.orientation = static_cast<int>(*orientation);
-    }
+    header.orientation = OrientationOf(exif);
     stated.exif = ResolutionOf(exif);
     if (exif.IsDamaged()) header.warnings.emplace_back("JPEG: the EXIF block is damaged");
   }
@@ -75,7 +60,6 @@ PictureHeader ReadJpegHeader(Bytes file) {
   header.width = layout.frame.width;
   header.height = layout.frame.height;
   header.metadata = std::move(blocks.metadata);
-  header.metadata.photoshop = blocks.resources;
   header.warnings = std::move(blocks.warnings);
   header.layout = PixelsOf(layout.frame, header.metadata.profile);
   header.form = FormOfJpeg(parts);

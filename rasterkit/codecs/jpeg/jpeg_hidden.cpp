@@ -12,10 +12,10 @@ namespace rasterkit::detail {
 namespace {
 
 using Bytes = std::span<const uint8_t>;
+using namespace jpeg_coding;
 using namespace jpeg_marker;
 using std::string_view_literals::operator""sv;
 
-constexpr std::string_view kIndexName = "MPF\0"sv;
 constexpr uint16_t kEntriesTag = 0xB002;
 constexpr size_t kIndexEntryBytes = 16;
 /// More pictures than this are not looked at: each one is walked.
@@ -79,7 +79,7 @@ bool Contains(Bytes bytes, std::string_view text) {
 
 /// True if the segments of a picture say that it brightens another one.
 bool IsGainMap(const JpegParts& parts) {
-  for (const JpegPart& part : parts.head) {
+  for (const JpegSegment& part : parts.head) {
     if (!IsApplication(part.marker)) continue;
     for (const std::string_view name :
          {"hdr-gain-map"sv, "HDRGainMap"sv, "hdrgm:"sv, "urn:iso:std:iso:ts:21496"sv}) {
@@ -101,7 +101,7 @@ Picture PictureAt(Bytes bytes) {
   picture.bytes = bytes.size();
   try {
     JpegParts parts = ReadJpegHead(bytes);
-    for (const JpegPart& part : parts.head) {
+    for (const JpegSegment& part : parts.head) {
       if (!IsFrame(part.marker) || part.payload.size() < 6) continue;
       picture.size = fmt::format("{} x {} pixels", part.payload[3] << 8 | part.payload[4],
                                  part.payload[1] << 8 | part.payload[2]);
@@ -128,29 +128,29 @@ class Finder {
   Finder(Bytes file, const JpegParts& parts) : file_(file), parts_(parts) {}
 
   JpegHidden Find() {
-    for (const JpegPart& part : parts_.head) FindInSegment(part);
+    for (const JpegSegment& part : parts_.head) FindInSegment(part);
     FindIndexed();
     FindBehind();
     return std::move(found_);
   }
 
  private:
-  void FindInSegment(const JpegPart& part) {
+  void FindInSegment(const JpegSegment& part) {
     const Bytes payload = part.payload;
-    if (part.marker != kApp0) return;
     constexpr size_t kJfifThumbnailAt = 12;
-    if (StartsWith(payload, "JFIF\0"sv) && payload.size() > kJfifThumbnailAt + 1 &&
+    const JpegBlock block = BlockOf(part);
+    if (block == JpegBlock::jfif && payload.size() > kJfifThumbnailAt + 1 &&
         payload[kJfifThumbnailAt] != 0 && payload[kJfifThumbnailAt + 1] != 0) {
       found_.copies.push_back(fmt::format("thumbnail of the JFIF header of {} x {} pixels",
                                           payload[kJfifThumbnailAt],
                                           payload[kJfifThumbnailAt + 1]));
-    } else if (StartsWith(payload, "JFXX\0"sv)) {
+    } else if (block == JpegBlock::jfxx) {
       found_.copies.push_back("thumbnail of the JFXX segment of " + SizeText(payload.size()));
     }
   }
 
   void FindIndexed() {
-    const JpegIndex index = ReadJpegIndex(parts_);
+    const JpegIndex index = ReadJpegIndex(file_, parts_);
     for (const JpegIndexPicture& entry : index.pictures) {
       const uint64_t at = uint64_t{index.start} + entry.offset;
       if (entry.offset == 0 || at < parts_.end || at >= file_.size()) continue;
@@ -206,18 +206,17 @@ class Finder {
 
 }  // namespace
 
-JpegIndex ReadJpegIndex(const JpegParts& parts) {
+JpegIndex ReadJpegIndex(Bytes file, const JpegParts& parts) {
   for (size_t i = 0; i < parts.head.size(); i++) {
-    const Bytes payload = parts.head[i].payload;
-    if (parts.head[i].marker != kApp2 || !StartsWith(payload, kIndexName)) continue;
+    const JpegSegment& segment = parts.head[i];
+    if (BlockOf(segment) != JpegBlock::mpf) continue;
     JpegIndex index;
-    const size_t mark = kIndexName.size();
+    const size_t mark = segment.payload.size() - BlockBytes(segment).size();
     index.part = i;
-    // FF, marker and length stand in front of the payload; FF may be repeated.
-    index.start = parts.head[i].payloadAt + mark;
-    index.isBigEndian = HasTextAt(payload, mark, "MM");
-    if (!index.isBigEndian && !HasTextAt(payload, mark, "II")) return {};
-    index.pictures = EntriesOf({payload, index.isBigEndian}, mark);
+    index.start = PlaceOf(segment, file) + mark;
+    index.isBigEndian = HasTextAt(segment.payload, mark, "MM");
+    if (!index.isBigEndian && !HasTextAt(segment.payload, mark, "II")) return {};
+    index.pictures = EntriesOf({segment.payload, index.isBigEndian}, mark);
     return index;
   }
   return {};

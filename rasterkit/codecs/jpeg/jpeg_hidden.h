@@ -31,7 +31,7 @@ struct JpegIndex {
 };
 
 /// Reads the first index; without pictures if there is none or it is damaged.
-JpegIndex ReadJpegIndex(const JpegParts& parts);
+JpegIndex ReadJpegIndex(std::span<const uint8_t> file, const JpegParts& parts);
 
 /// What a file holds besides its picture, by name.
 struct JpegHidden {

@@ -1,5 +1,3 @@
-#include <cstring>
-
 #include <rasterkit/codecs/jpeg/jpeg_layout.h>
 #include <rasterkit/codecs/jpeg/jpeg_parts.h>
 #include <rasterkit/runtime/errors.h>
@@ -10,9 +8,7 @@ namespace detail {
 namespace {
 
 using Bytes = std::span<const uint8_t>;
-using namespace jpeg_marker;
-
-constexpr char kProfileName[] = "ICC_PROFILE";
+using namespace jpeg_coding;
 
 JpegFrame FrameOf(uint8_t marker, Bytes segment) {
   if (segment.size() < 6) throw FormatError("JPEG: the frame header is too short");
@@ -29,26 +25,17 @@ JpegFrame FrameOf(uint8_t marker, Bytes segment) {
   return frame;
 }
 
-void NoteProfile(Bytes segment, std::vector<JpegProfilePiece>& pieces) {
-  constexpr size_t kNameBytes = sizeof kProfileName;
-  if (segment.size() < kNameBytes + 2 ||
-      std::memcmp(segment.data(), kProfileName, kNameBytes) != 0) {
-    return;
-  }
-  pieces.push_back({segment[kNameBytes], segment[kNameBytes + 1], segment.subspan(kNameBytes + 2)});
-}
-
 }  // namespace
 
 JpegLayout LayoutOfJpeg(Bytes bytes, JpegParts& parts) {
   JpegLayout layout;
   bool frameSeen = false;
-  for (const JpegPart& part : parts.head) {
+  for (const JpegSegment& part : parts.head) {
     if (IsFrame(part.marker) && !frameSeen) {
       layout.frame = FrameOf(part.marker, part.payload);
       frameSeen = true;
-    } else if (part.marker == kApp2) {
-      NoteProfile(part.payload, layout.profile);
+    } else if (const auto piece = ReadProfilePart(part)) {
+      layout.profile.push_back(*piece);
     }
   }
   if (!frameSeen) throw FormatError("JPEG: a scan comes before the frame header");
@@ -68,12 +55,12 @@ JpegLayout ReadJpegLayout(Bytes bytes) {
   return LayoutOfJpeg(bytes, parts);
 }
 
-std::vector<uint8_t> JoinProfile(const std::vector<JpegProfilePiece>& pieces) {
+std::vector<uint8_t> JoinProfile(const std::vector<JpegProfilePart>& pieces) {
   if (pieces.size() == 1) return {pieces[0].bytes.begin(), pieces[0].bytes.end()};
   std::vector<uint8_t> joined;
   for (size_t number = 1; number <= pieces.size(); number++) {
-    const JpegProfilePiece* found = nullptr;
-    for (const JpegProfilePiece& piece : pieces) {
+    const JpegProfilePart* found = nullptr;
+    for (const JpegProfilePart& piece : pieces) {
       if (piece.number == static_cast<int>(number) &&
           piece.count == static_cast<int>(pieces.size())) {
         found = &piece;

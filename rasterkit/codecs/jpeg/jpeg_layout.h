@@ -9,18 +9,12 @@
 
 namespace rasterkit::detail {
 
-/// One APP2 segment of a color profile, which can take several.
-struct JpegProfilePiece {
-  int number = 0, count = 0;
-  std::span<const uint8_t> bytes;
-};
-
 /// The layout of a JPEG file, from its markers; nothing is decoded.
 struct JpegLayout {
   JpegFrame frame;
   /// The picture has several scans (progressive, or one per component); all of them must be read.
   bool manyScans = false;
-  std::vector<JpegProfilePiece> profile;
+  std::vector<JpegProfilePart> profile;
   /// Bytes up to which all segments are complete. A truncated segment follows.
   size_t wholeBytes = 0;
   bool cutOff = false;
@@ -36,6 +30,6 @@ JpegLayout LayoutOfJpeg(std::span<const uint8_t> bytes, JpegParts& parts);
 
 /// Joins the pieces in their order; empty if there are none or some are missing. A single piece is
 /// taken regardless of its number.
-std::vector<uint8_t> JoinProfile(const std::vector<JpegProfilePiece>& pieces);
+std::vector<uint8_t> JoinProfile(const std::vector<JpegProfilePart>& pieces);
 
 }  // namespace rasterkit::detail

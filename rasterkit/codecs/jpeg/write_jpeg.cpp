@@ -5,7 +5,8 @@
 #include <rasterkit/codecs/jpeg/jpeg_plan.h>
 #include <rasterkit/codecs/jpeg/jpeg_rows.h>
 #include <rasterkit/codecs/jpeg/jpeg_writer.h>
-#include <rasterkit/codecs/jpeg/write_jpeg_metadata.h>
+#include <rasterkit/codecs/rows/icc_profile.h>
+#include <rasterkit/metadata/jpeg_assembly.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_share.h>
@@ -117,16 +118,24 @@ std::vector<uint8_t> Encode(JpegRows& rows, const JpegPlan& plan) {
 
 /// A JFIF header says that components are gray or YCbCr. Photographs without one state the
 /// resolution in EXIF.
-JpegMetadataWish WishOf(const JpegPlan& plan, const PictureWriting& writing) {
-  JpegMetadataWish wish;
+bool HasJfif(const JpegPlan& plan, const PictureWriting& writing) {
   const bool isAllowed = plan.colors == JpegColors::gray || plan.hasChroma;
   const bool isOfJpeg = std::holds_alternative<JpegForm>(writing.form);
   const bool isWanted = writing.metadata.hasJfif || writing.metadata.exif.empty() || !isOfJpeg;
-  wish.writesJfif = isAllowed && isWanted && plan.colors != JpegColors::cmyk;
-  wish.space = plan.colors == JpegColors::gray  ? ProfileSpace::gray
-               : plan.colors == JpegColors::rgb ? ProfileSpace::rgb
-                                                : ProfileSpace::cmyk;
-  return wish;
+  return isAllowed && isWanted && plan.colors != JpegColors::cmyk;
+}
+
+/// The metadata without a profile of other pixels, by which readers would spoil the colors.
+Metadata MetadataFor(const JpegPlan& plan, const Metadata& source, Changes& changes) {
+  Metadata metadata = source;
+  const auto space = plan.colors == JpegColors::gray  ? ProfileSpace::gray
+                     : plan.colors == JpegColors::rgb ? ProfileSpace::rgb
+                                                      : ProfileSpace::cmyk;
+  if (metadata.profile && !ProfileFits(metadata.profile, space)) {
+    metadata.profile = nullptr;
+    changes.Lose(LossKind::profile, "the color profile", "it describes other pixels");
+  }
+  return metadata;
 }
 
 }  // namespace
@@ -142,7 +151,11 @@ WrittenPicture WriteJpeg(const Pixels& pixels, const PictureWriting& writing, TS
   // The metadata stand between the start marker and the rest.
   constexpr size_t kStartBytes = 2;
   stream.Write(std::span(coded).first(kStartBytes));
-  stream.Write(JpegMetadataSegments(writing.metadata, WishOf(plan, writing), written.changes));
+  const Metadata metadata = MetadataFor(plan, writing.metadata, written.changes);
+  for (const NewJpegSegment& segment :
+       AssembleJpegSegments(metadata, HasJfif(plan, writing), written.changes)) {
+    stream.Write(BytesOf(segment));
+  }
   stream.Write(std::span(coded).subspan(kStartBytes));
   return written;
 }

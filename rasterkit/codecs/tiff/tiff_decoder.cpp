@@ -117,7 +117,7 @@ class FrameReader {
 
   ImagingFrame Read() {
     TiffHandle handle(source_);
-    RequirePixelTags();
+    RequirePixelTags(directory_);
     PrepareTiff(handle);
     layout_ = ReadTiffLayout(handle);
     RequirePlausibleSize(handle, layout_);
@@ -135,7 +135,6 @@ class FrameReader {
   }
 
  private:
-  void RequirePixelTags() const;
   void SetProperties(TiffHandle& handle, Raster& raster);
   void ReadRows(TiffHandle& handle, Raster& raster);
   TiffOutcome ReadStretched(TiffHandle& handle, Raster& raster);
@@ -143,7 +142,7 @@ class FrameReader {
   TiffTarget Target(Raster& raster) const;
   void ChooseInks(TiffHandle& handle);
   void KeepWarnings(TiffHandle& handle);
-  void Judge(const TiffOutcome& outcome);
+  void Judge(const TiffOutcome& outcome) { ReportOutcome(outcome, layout_.height, report_); }
   void Warn(std::string text) { report_.warnings.push_back("TIFF: " + std::move(text)); }
 
   TiffSource source_;
@@ -153,15 +152,6 @@ class FrameReader {
   TiffLayout layout_;
   TiffColors colors_;
 };
-
-/// libtiff invents missing tags; a directory without the essential ones is refused.
-void FrameReader::RequirePixelTags() const {
-  const bool hasCounts =
-      directory_.Has(TIFFTAG_STRIPBYTECOUNTS) || directory_.Has(TIFFTAG_TILEBYTECOUNTS);
-  if (!hasCounts && !directory_.Has(TIFFTAG_PHOTOMETRIC)) {
-    throw FormatError("TIFF: the directory does not describe its pixels");
-  }
-}
 
 void FrameReader::KeepWarnings(TiffHandle& handle) {
   for (std::string& text : handle.Messages().TakeErrors()) Warn(std::move(text));
@@ -267,21 +257,6 @@ void FrameReader::ReadRows(TiffHandle& handle, Raster& raster) {
     default:
       return Judge(ReadTiffBlocks(handle, layout_, colors_, Blanks(), target, options_.threads));
   }
-}
-
-void FrameReader::Judge(const TiffOutcome& outcome) {
-  if (!outcome.hasRows) {
-    throw FormatError(
-        "TIFF: " + (outcome.notes.empty() ? "nothing of the picture is there" : outcome.notes[0]));
-  }
-  if (outcome.damagedBlocks > 0) {
-    Warn(outcome.soundRows > 0
-             ? fmt::format("the data are damaged or end early, {} of {} rows are complete",
-                           outcome.soundRows, layout_.height)
-             : fmt::format("{} of {} strips or tiles are damaged", outcome.damagedBlocks,
-                           outcome.blocks));
-  }
-  for (const std::string& note : outcome.notes) Warn(note);
 }
 
 }  // namespace

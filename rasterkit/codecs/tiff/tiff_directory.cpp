@@ -225,4 +225,12 @@ TiffDirectory::Pages TiffDirectory::CountDirectories(int most) const {
   return pages;
 }
 
+void RequirePixelTags(const TiffDirectory& directory) {
+  constexpr uint16_t kPhotometric = 262, kStripByteCounts = 279, kTileByteCounts = 325;
+  if (!directory.Has(kStripByteCounts) && !directory.Has(kTileByteCounts) &&
+      !directory.Has(kPhotometric)) {
+    throw FormatError("TIFF: the directory does not describe its pixels");
+  }
+}
+
 }  // namespace rasterkit::detail

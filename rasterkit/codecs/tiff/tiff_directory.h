@@ -70,4 +70,8 @@ class TiffDirectory {
   std::unordered_map<uint16_t, TiffEntry> entries_;
 };
 
+/// Throws FormatError if the directory lacks the essential tags of pixels, which libtiff would
+/// invent.
+void RequirePixelTags(const TiffDirectory& directory);
+
 }  // namespace rasterkit::detail

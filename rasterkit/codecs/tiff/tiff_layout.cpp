@@ -11,6 +11,9 @@ namespace rasterkit::detail {
 
 namespace {
 
+/// Values of a sensor, brought to one scale.
+constexpr int kLinearRaw = 34892;
+
 bool IsGray(int photometric) {
   return photometric == PHOTOMETRIC_MINISWHITE || photometric == PHOTOMETRIC_MINISBLACK ||
          photometric == PHOTOMETRIC_MASK;
@@ -32,7 +35,7 @@ bool IsJpegOfColor(const TiffHandle& handle) {
 /// Reads the tags of one directory into a layout.
 class LayoutReader {
  public:
-  explicit LayoutReader(TiffHandle& handle) : handle_(handle) {}
+  LayoutReader(TiffHandle& handle, TiffReading reading) : handle_(handle), reading_(reading) {}
 
   TiffLayout Read() {
     ReadSamples();
@@ -43,6 +46,8 @@ class LayoutReader {
     } else if (NeedsLibrary()) {
       SetRows(TiffRowKind::library, GUID_WICPixelFormat24bppBGR, false);
       if (!IsYcbcr()) SetRows(TiffRowKind::library, GUID_WICPixelFormat32bppBGRA, true);
+    } else if (reading_ == TiffReading::pixels && NeedsSamples()) {
+      ChooseSamples();
     } else {
       ChooseRows();
     }
@@ -61,6 +66,8 @@ class LayoutReader {
   void ReadSamples();
   void ReadPhotometric();
   void ReadAlpha();
+  bool NeedsSamples() const;
+  void ChooseSamples();
   void ChooseRows();
   void ChooseGrayRows();
   void ChoosePaletteRows();
@@ -106,6 +113,7 @@ class LayoutReader {
   }
 
   TiffHandle& handle_;
+  const TiffReading reading_;
   TiffLayout layout_;
   int samples_ = 1;
   bool isPlanar_ = false;
@@ -244,6 +252,49 @@ void LayoutReader::ChooseInkRows() {
   Convert(TiffRowKind::cmyk);
 }
 
+/// True if a raster cannot hold the pixels as they are.
+bool LayoutReader::NeedsSamples() const {
+  const bool isUnsigned = layout_.number == TiffNumber::unsignedInteger;
+  const bool isPlainDepth = layout_.bits == 1 || layout_.bits == 4 || layout_.bits == 8;
+  const bool isColor = layout_.photometric == PHOTOMETRIC_RGB && IsUnsigned(8);
+  if (IsGray(layout_.photometric)) return !isUnsigned || samples_ != 1 || !isPlainDepth;
+  if (layout_.photometric == PHOTOMETRIC_PALETTE) {
+    return layout_.bits <= 8 && (samples_ != 1 || !isPlainDepth);
+  }
+  return !isColor || !(samples_ == 3 || (samples_ == 4 && alphaSample_ && !layout_.isAssociated));
+}
+
+void LayoutReader::ChooseSamples() {
+  if (layout_.isComplex) {
+    throw UnsupportedError("TIFF: pictures of complex numbers are not supported");
+  }
+  switch (layout_.photometric) {
+    case PHOTOMETRIC_MINISWHITE:
+    case PHOTOMETRIC_MINISBLACK:
+    case PHOTOMETRIC_MASK:
+      layout_.channels = 1;
+      break;
+    case PHOTOMETRIC_PALETTE:
+      layout_.number = TiffNumber::unsignedInteger;
+      break;
+    case PHOTOMETRIC_RGB:
+    case PHOTOMETRIC_CIELAB:
+    case PHOTOMETRIC_ICCLAB:
+    case PHOTOMETRIC_ITULAB:
+      RequireSamples(3);
+      break;
+    case PHOTOMETRIC_SEPARATED:
+    case kLinearRaw:
+      break;
+    default:
+      throw UnsupportedError(
+          fmt::format("TIFF: pixels of the kind {} with {} bits are not supported",
+                      layout_.photometric, layout_.bits));
+  }
+  layout_.isInverted = false;
+  SetRows(TiffRowKind::samples, GUID_WICPixelFormat32bppBGRA, false);
+}
+
 void LayoutReader::ChooseRows() {
   switch (layout_.photometric) {
     case PHOTOMETRIC_MINISWHITE:
@@ -274,6 +325,12 @@ void LayoutReader::ChoosePlanes() {
   layout_.alphaAt = alphaSample_;
   layout_.planes = {0};
   if (!isPlanar_ || layout_.rows == TiffRowKind::library) return;
+  if (layout_.rows == TiffRowKind::samples) {
+    for (int plane = 1; plane < samples_; plane++) {
+      layout_.planes.push_back(static_cast<uint16_t>(plane));
+    }
+    return;
+  }
   for (int plane = 1; plane < channels; plane++) {
     layout_.planes.push_back(static_cast<uint16_t>(plane));
   }
@@ -305,7 +362,7 @@ void LayoutReader::ReadGrid() {
   grid.across = static_cast<uint32_t>(across);
   grid.down = static_cast<uint32_t>(down);
   if (layout_.rows == TiffRowKind::library) return;
-  if (across > 1 &&
+  if (across > 1 && layout_.rows != TiffRowKind::samples &&
       uint64_t{grid.width} * static_cast<uint64_t>(PixelBits(layout_.format)) % 8 != 0) {
     throw FormatError("TIFF: the width of the tiles is not a multiple of 16");
   }
@@ -354,12 +411,12 @@ void PrepareTiff(TiffHandle& handle) {
   if (IsJpegOfColor(handle)) TIFFSetField(handle.Tiff(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
 }
 
-TiffLayout ReadTiffLayout(TiffHandle& handle) {
+TiffLayout ReadTiffLayout(TiffHandle& handle, TiffReading reading) {
   const int compression = handle.Field<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
   if (!TIFFIsCODECConfigured(static_cast<uint16_t>(compression))) {
     throw UnsupportedError("TIFF: " + TiffCompressionName(compression) + " is not supported");
   }
-  return LayoutReader(handle).Read();
+  return LayoutReader(handle, reading).Read();
 }
 
 }  // namespace rasterkit::detail

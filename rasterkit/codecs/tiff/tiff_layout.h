@@ -38,7 +38,10 @@ enum class TiffRowKind {
   /// 8-bit YCbCr in separate planes, possibly subsampled.
   ycbcrPlanes,
   /// Kinds that only libtiff can convert to RGBA.
-  library
+  library,
+  /// All samples with their numbers, interleaved; those of other sizes than 8, 16, 32 and 64 bits
+  /// widened to the next one. `format` has no meaning.
+  samples
 };
 
 /// Strips or tiles: a grid of compressed blocks.
@@ -89,14 +92,26 @@ struct TiffLayout {
   bool isConverted = false;
 
   int Bytes() const { return bits / 8; }
+  /// Bytes of a sample of TiffRowKind::samples in the rows that are delivered.
+  int SampleBytes() const { return bits <= 8 ? 1 : bits <= 16 ? 2 : bits <= 32 ? 4 : 8; }
+  /// True if samples of TiffRowKind::samples are delivered as they are.
+  bool HasWholeSamples() const { return bits == 8 * SampleBytes(); }
 };
 
 /// Configures a handle before anything is read; the same for every handle of a file.
 void PrepareTiff(TiffHandle& handle);
 
+/// What rows are read for.
+enum class TiffReading {
+  /// A picture to look at, or the numbers of a grid of one band.
+  frame,
+  /// As the file has them: whatever a raster cannot hold exactly becomes TiffRowKind::samples.
+  pixels
+};
+
 /// Throws FormatError for an invalid directory and UnsupportedError for an unsupported kind of
 /// pixels. The handle must be prepared.
-TiffLayout ReadTiffLayout(TiffHandle& handle);
+TiffLayout ReadTiffLayout(TiffHandle& handle, TiffReading reading = TiffReading::frame);
 
 /// Throws LimitError if the picture, or the memory for decoding it, exceeds the picture memory
 /// limit, and FormatError if the file is far too small to hold such a picture. Allocates

@@ -74,7 +74,11 @@ void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout) {
     throw LimitError(what + ": too wide or too high");
   }
   const TiffBlockGrid& grid = layout.grid;
-  const uint64_t targetRow = StrideBytes(layout.width, PixelBits(layout.format));
+  const uint64_t targetRow =
+      layout.rows == TiffRowKind::samples
+          ? SaturatedProduct(layout.width, static_cast<uint64_t>(layout.SampleBytes()) *
+                                               static_cast<uint64_t>(layout.pitch))
+          : StrideBytes(layout.width, PixelBits(layout.format));
   uint64_t need = SaturatedProduct(targetRow, layout.height);
   uint64_t decoded = need;
   if (layout.rows == TiffRowKind::stretched) {

@@ -1,9 +1,14 @@
 #pragma once
 
+#include <cstddef>
+#include <span>
+#include <vector>
+
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/rows/frame_options.h>
 #include <rasterkit/codecs/rows/picture_header.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/stream.h>
 
@@ -20,9 +25,45 @@ RASTERKIT_EXPORT PictureHeader ReadTiffHeader(TStream& stream);
 RASTERKIT_EXPORT Pixels DecodeTiffPixels(TStream& stream, const FrameOptions& options = {},
                                          CodecReport* report = nullptr);
 
-/// Writes a file of one page at the stream's position.
+/// The usual form of a file with that compression, little-endian, in strips, with a predictor where
+/// it helps. Its photometric value is -1: whatever the pixels need.
+RASTERKIT_EXPORT TiffForm FormFor(TiffCompression compression, const PixelLayout& layout);
+
+/// Writes a file of one page at the stream's position. A form that does not fit becomes the nearest
+/// one, with a note. Throws UnsupportedError for rasters of 15 and 16 bits and for layouts that a
+/// TIFF file cannot hold.
 RASTERKIT_EXPORT WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing,
                                           TStream& stream);
+
+/// A smaller copy (bit 1) or a mask (bit 4) of a page, as tag 254 states it.
+struct TiffExtraPage {
+  Pixels pixels;
+  TiffForm form;
+  uint32_t subfileType = 1;
+};
+
+/// Writes the page, then its smaller copies and masks.
+RASTERKIT_EXPORT WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing,
+                                          std::span<const TiffExtraPage> extraPages,
+                                          TStream& stream);
+
+/// A smaller copy or a mask of the first page, from its tags.
+struct TiffExtraPageHeader {
+  int width = 0, height = 0;
+  PixelLayout layout;
+  TiffForm form;
+  uint32_t subfileType = 1;
+};
+
+/// Lists the smaller copies and masks of the first page that can be read, those behind it first,
+/// then those of tag 330.
+RASTERKIT_EXPORT std::vector<TiffExtraPageHeader> ReadTiffExtraPages(TStream& stream);
+
+/// Decodes the smaller copy or mask with that index in the list of ReadTiffExtraPages. Throws
+/// RangeError for another index.
+RASTERKIT_EXPORT Pixels DecodeTiffExtraPage(TStream& stream, size_t index,
+                                            const FrameOptions& options = {},
+                                            CodecReport* report = nullptr);
 
 /// Writes the first page of `source` with its encoded strips and tiles byte for byte, with the
 /// metadata and position of `writing`.

@@ -5,6 +5,8 @@
 #include <map>
 #include <mutex>
 
+#include <fmt/format.h>
+
 #include <rasterkit/codecs/rows/worker_threads.h>
 #include <rasterkit/codecs/tiff/tiff_picture.h>
 #include <rasterkit/runtime/errors.h>
@@ -149,7 +151,8 @@ void BlockWorker::WriteRows(const Place& place, uint32_t y, uint32_t rows) {
 
 void BlockWorker::FillRows(const Place& place, uint32_t y, uint32_t rows) const {
   const int bits = job_.target.bitsPerPixel;
-  const auto pixelBytes = static_cast<size_t>(std::max(1, bits / 8));
+  const size_t pixelBytes = job_.target.blankBytes > 0 ? job_.target.blankBytes
+                                                       : static_cast<size_t>(std::max(1, bits / 8));
   const size_t bytes = (place.width * static_cast<size_t>(bits) + 7) / 8;
   const auto& blank = job_.target.blank;
   const bool isEven = std::all_of(blank.begin(), blank.begin() + pixelBytes,
@@ -222,6 +225,22 @@ TiffOutcome ReadTiffBlocks(TiffHandle& handle, const TiffLayout& layout, const T
   };
   RunOnThreads(UsefulThreads(layout, threads), own, other);
   return OutcomeOf(job);
+}
+
+void ReportOutcome(const TiffOutcome& outcome, uint32_t height, CodecReport& report) {
+  if (!outcome.hasRows) {
+    throw FormatError(
+        "TIFF: " + (outcome.notes.empty() ? "nothing of the picture is there" : outcome.notes[0]));
+  }
+  const auto warn = [&](const std::string& text) { report.warnings.push_back("TIFF: " + text); };
+  if (outcome.damagedBlocks > 0) {
+    warn(outcome.soundRows > 0
+             ? fmt::format("the data are damaged or end early, {} of {} rows are complete",
+                           outcome.soundRows, height)
+             : fmt::format("{} of {} strips or tiles are damaged", outcome.damagedBlocks,
+                           outcome.blocks));
+  }
+  for (const std::string& note : outcome.notes) warn(note);
 }
 
 }  // namespace rasterkit::detail

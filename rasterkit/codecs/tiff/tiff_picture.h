@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/tiff/tiff_block_reader.h>
 #include <rasterkit/codecs/tiff/tiff_row_writer.h>
 
@@ -16,6 +17,8 @@ struct TiffTarget {
   int bitsPerPixel = 0;
   /// Bytes of one pixel, repeated in missing rows; only the first one for pixels below a byte.
   std::array<uint8_t, 8> blank{};
+  /// Bytes of `blank` that repeat; 0: those of one pixel. Only samples need it.
+  size_t blankBytes = 0;
 
   uint8_t* Row(uint32_t y) const { return data + y * stride; }
 };
@@ -36,5 +39,9 @@ struct TiffOutcome {
 /// outcome do not depend on their number. Throws the errors of the stream.
 TiffOutcome ReadTiffBlocks(TiffHandle& handle, const TiffLayout& layout, const TiffColors& colors,
                            const TiffBlanks& blanks, const TiffTarget& target, int threads);
+
+/// Adds the damage to `report`. Throws FormatError if nothing was there. `height`: rows of the
+/// picture.
+void ReportOutcome(const TiffOutcome& outcome, uint32_t height, CodecReport& report);
 
 }  // namespace rasterkit::detail

@@ -201,6 +201,7 @@ std::unique_ptr<TiffRowWriter> MakeIntegerWriter(const TiffLayout& layout) {
 
 bool WorksInPlace(const TiffLayout& layout) {
   if (layout.planes.size() != 1) return false;
+  if (layout.rows == TiffRowKind::samples) return layout.HasWholeSamples();
   return layout.rows == TiffRowKind::same || (layout.rows == TiffRowKind::rgb && layout.pitch == 3);
 }
 
@@ -221,6 +222,8 @@ std::unique_ptr<TiffRowWriter> MakeRowWriter(const TiffLayout& layout, const Tif
       return std::make_unique<SameRows>(layout);
     case TiffRowKind::firstSample:
       return std::make_unique<FirstSamples>(layout);
+    case TiffRowKind::samples:
+      return MakeSampleWriter(layout);
     case TiffRowKind::rgb:
       if (layout.planes.size() == 3) return std::make_unique<RgbPlanes>();
       return std::make_unique<RgbRows>(layout);

@@ -36,6 +36,9 @@ std::unique_ptr<TiffRowWriter> MakeRowWriter(const TiffLayout& layout, const Tif
 /// Make the writers for unusual depths and indirect colors.
 std::unique_ptr<TiffRowWriter> MakeNumberWriter(const TiffLayout& layout, const TiffColors& colors);
 
+/// Makes the writer for TiffRowKind::samples.
+std::unique_ptr<TiffRowWriter> MakeSampleWriter(const TiffLayout& layout);
+
 /// Rows of separate planes as one row of `pitch` samples per pixel, each `bytes` long.
 void JoinSamples(const uint8_t* const* planes, size_t count, size_t bytes, size_t width,
                  uint8_t* target);

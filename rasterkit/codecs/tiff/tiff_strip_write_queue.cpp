@@ -18,7 +18,7 @@ void TiffStripQueue::Put(uint32_t strip, std::vector<uint8_t> bytes) {
     waiting_.emplace(strip, std::move(bytes));
     for (auto due = waiting_.find(written_); due != waiting_.end() && !isStopped_;
          due = waiting_.find(written_)) {
-      output_.WritePacked(written_, due->second);
+      sink_(written_, due->second);
       waiting_.erase(due);
       written_++;
     }

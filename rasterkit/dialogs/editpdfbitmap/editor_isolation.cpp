@@ -2,7 +2,7 @@
 
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/dialogs/editpdfbitmap/editor_isolation.h>
-#include <rasterkit/pictures/load_graphic_isolated.h>
+#include <rasterkit/pictures/reading/load_graphic_isolated.h>
 
 namespace rasterkit::detail {
 namespace {

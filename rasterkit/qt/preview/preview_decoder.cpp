@@ -11,7 +11,7 @@
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/jpegexif/photo_queries.h>
-#include <rasterkit/pictures/picture_file.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/qt/bitmap_image.h>
 #include <rasterkit/qt/preview/preview_decoder.h>
 #include <rasterkit/raster/stretch/halftone.h>

@@ -72,7 +72,11 @@ bool SetAside::Remove() noexcept {
 FileIdentity::FileIdentity(const std::string& fileName) {
   struct stat status {};
   exists_ = Calls().statusAt(AT_FDCWD, fileName.c_str(), &status, 0) == 0;
-  if (!exists_) return;
+  if (!exists_) {
+    const bool isAbsent = errno == ENOENT || errno == ENOTDIR;
+    if (!isAbsent) ThrowSystemError("cannot be examined", errno, fileName);
+    return;
+  }
   mode_ = status.st_mode;
   device_ = status.st_dev;
   number_ = status.st_ino;

@@ -39,6 +39,7 @@ class RASTERKIT_EXPORT SetAside {
 /// The file that a name leads to at this moment, to see whether another one takes its place.
 class RASTERKIT_EXPORT FileIdentity {
  public:
+  /// Follows links. Throws FileError if the system does not say whether there is a file.
   explicit FileIdentity(const std::string& fileName);
   bool Exists() const { return exists_; }
   /// True for a regular file.

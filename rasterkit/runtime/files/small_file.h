@@ -6,7 +6,7 @@
 
 #include <rasterkit/runtime/export.h>
 
-/// Files that lie beside another one under a name that nobody has given; internal to the library.
+/// Files that lie beside another one under names that follow from its own; internal to the library.
 namespace rasterkit::detail {
 
 /// The bytes of a small file.

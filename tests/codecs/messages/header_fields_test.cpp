@@ -97,7 +97,7 @@ TEST(HeaderFields, Header_Should_BeRefused_WhenCutOff) {
   for (const Form& form : EveryForm()) {
     const std::vector<uint8_t> bytes = FieldsOf(FullHeader(form));
     for (size_t size = 0; size < bytes.size(); ++size) {
-      FieldReader fields(std::span(bytes).first(size));
+      FieldReader fields(std::span<const uint8_t>(bytes).first(size));
       EXPECT_THROW(ReadHeader(fields), FormatError) << size;
     }
   }

@@ -9,7 +9,7 @@
 
 #include <rasterkit/codecs/metadata.h>
 #include <rasterkit/jpegexif/jpeg_sections.h>
-#include <rasterkit/pictures/photo_facts.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
 
 #include "tool/pictures/exif/exif_block.h"
 #include "tool/pictures/exif/jpeg_header.h"

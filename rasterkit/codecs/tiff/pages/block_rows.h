@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include <rasterkit/codecs/tiff/pages/page_plan.h>
+#include <rasterkit/runtime/memory/pixel_memory.h>
+
+namespace rasterkit::detail {
+
+/// The rows of pixels as the strips and tiles of a page need them, for one thread.
+class BlockRows {
+ public:
+  /// Pixels and plan must outlive the object.
+  BlockRows(const Pixels& pixels, const PagePlan& plan) : pixels_(pixels), plan_(plan) {}
+
+  /// The samples of a block in the order of the processor, packed bit by bit where they are no
+  /// whole bytes. The caller may change the bytes, which are valid until the next call. Beyond the
+  /// edges of the picture, whole samples repeat those at the edge.
+  std::span<uint8_t> Block(uint32_t block);
+
+ private:
+  void WriteRow(uint32_t y, uint32_t plane, uint32_t x, uint32_t count, uint8_t* target);
+  void WriteRasterRow(const Raster& raster, uint32_t y, uint32_t plane, uint32_t x, uint32_t count,
+                      uint8_t* target);
+  void WriteSampleRow(const Samples& samples, uint32_t y, uint32_t plane, uint32_t x,
+                      uint32_t count, uint8_t* target);
+  void ExtendRow(uint32_t count, uint8_t* row) const;
+
+  const Pixels& pixels_;
+  const PagePlan& plan_;
+  PixelMemory rows_;
+  std::vector<uint8_t> gathered_;
+};
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,178 @@
+#include <algorithm>
+#include <cmath>
+
+#include <fmt/format.h>
+#include <tiff.h>
+
+#include <rasterkit/codecs/tiff/pages/page_metadata.h>
+#include <rasterkit/codecs/tiff/pages/tag_file_writer.h>
+#include <rasterkit/codecs/tiff/pages/tag_kinds.h>
+#include <rasterkit/metadata/exif_tags_of_tiff.h>
+
+namespace rasterkit::detail {
+
+namespace {
+
+/// Adds tags, each once; the first one counts.
+class MainTags {
+ public:
+  explicit MainTags(std::vector<TagValue>& tags) : tags_(tags) {}
+
+  bool Has(uint16_t tag) const {
+    return std::any_of(tags_.begin(), tags_.end(),
+                       [&](const TagValue& value) { return value.tag == tag; });
+  }
+  void Add(TagValue value) {
+    if (!Has(value.tag)) tags_.push_back(std::move(value));
+  }
+
+ private:
+  std::vector<TagValue>& tags_;
+};
+
+template <typename Bytes>
+void AddBlock(MainTags& main, uint16_t tag, uint16_t type, const Bytes& bytes) {
+  if (bytes.empty()) return;
+  const auto* first = reinterpret_cast<const uint8_t*>(bytes.data());
+  main.Add(BytesTag(tag, type, {first, bytes.size()}));
+}
+
+/// The fraction nearest to a resolution: whole where it is whole, else in steps of a 10,000th.
+TagValue ResolutionTag(uint16_t tag, double dots) {
+  double below = 1;
+  while (below < 10000 && dots * below != std::floor(dots * below)) below *= 10;
+  while (below > 1 && dots * below > UINT32_MAX) below /= 10;
+  const double above = std::clamp(std::round(dots * below), 0.0, 4294967295.0);
+  TagValue value{tag, TIFF_RATIONAL, 1, {}};
+  for (const auto number : {static_cast<uint32_t>(above), static_cast<uint32_t>(below)}) {
+    for (int i = 0; i < 4; i++) value.bytes.push_back(static_cast<uint8_t>(number >> 8 * i));
+  }
+  return value;
+}
+
+void AddResolution(MainTags& main, const Resolution& resolution) {
+  if (!resolution.IsKnown()) return;
+  main.Add(WordTag(TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH));
+  main.Add(ResolutionTag(TIFFTAG_XRESOLUTION, resolution.x));
+  main.Add(ResolutionTag(TIFFTAG_YRESOLUTION, resolution.y));
+}
+
+TagValue TextTag(uint16_t tag, const std::string& text) {
+  TagValue value = BytesTag(tag, TIFF_ASCII, {});
+  value.bytes.assign(text.begin(), text.end());
+  value.bytes.push_back(0);
+  value.count = value.bytes.size();
+  return value;
+}
+
+/// A file has room for one text that describes the picture.
+void AddTexts(MainTags& main, const Metadata& metadata, Changes& changes) {
+  const auto place = [&](const std::string& text) {
+    if (main.Has(TIFFTAG_IMAGEDESCRIPTION) || text.find('\0') != std::string::npos) return false;
+    main.Add(TextTag(TIFFTAG_IMAGEDESCRIPTION, text));
+    return true;
+  };
+  constexpr const char* kWhy = "a TIFF file holds one description";
+  for (const std::string& comment : metadata.comments) {
+    if (!place(comment)) changes.Lose(LossKind::comment, "comment", kWhy);
+  }
+  for (const PictureText& text : metadata.texts) {
+    struct Known {
+      const char* keyword;
+      uint16_t tag;
+    };
+    constexpr Known kKnown[] = {{"Title", TIFFTAG_DOCUMENTNAME},
+                                {"Author", TIFFTAG_ARTIST},
+                                {"Copyright", TIFFTAG_COPYRIGHT},
+                                {"Software", TIFFTAG_SOFTWARE}};
+    const auto* known = std::find_if(std::begin(kKnown), std::end(kKnown), [&](const Known& row) {
+      return text.keyword == row.keyword && !main.Has(row.tag);
+    });
+    const bool isText = text.text.find('\0') == std::string::npos;
+    if (known != std::end(kKnown) && isText) {
+      main.Add(TextTag(known->tag, text.text));
+      continue;
+    }
+    const bool describes = text.keyword == "Description" || text.keyword == "Comment";
+    if (describes && place(text.text)) continue;
+    changes.Lose(LossKind::text, fmt::format("text \"{}\"", text.keyword), kWhy);
+  }
+}
+
+bool IsOfInks(uint16_t tag) {
+  return tag == TIFFTAG_INKSET || tag == TIFFTAG_INKNAMES || tag == TIFFTAG_NUMBEROFINKS ||
+         tag == TIFFTAG_DOTRANGE;
+}
+
+void AddOwnTags(MainTags& main, const Metadata& metadata, bool keepsSamples, bool keepsInks,
+                Changes& changes) {
+  for (const TagValue& value : metadata.tiffTags) {
+    switch (KindOfTag(value.tag)) {
+      case TagKind::free:
+        main.Add(value);
+        break;
+      case TagKind::ofSamples:
+        if (keepsSamples || (keepsInks && IsOfInks(value.tag))) {
+          main.Add(value);
+        } else if (value.tag == kLayersTag) {
+          changes.Lose(LossKind::hiddenPictures, "layers", "they would not match the pixels");
+        } else {
+          changes.Note(
+              fmt::format("TIFF tag {} describes the old samples and is left out", value.tag));
+        }
+        break;
+      default:
+        break;
+    }
+  }
+}
+
+void LoseForeignBlocks(const Metadata& metadata, Changes& changes) {
+  constexpr const char* kWhy = "a TIFF file has no place for it";
+  if (!metadata.extendedXmp.empty()) {
+    changes.Lose(LossKind::xmp, "extended XMP", "the XMP packet refers to it by its JPEG segments");
+  }
+  if (!metadata.jpegSegments.empty()) {
+    changes.Lose(LossKind::otherBlock,
+                 fmt::format("{} JPEG segments", metadata.jpegSegments.size()), kWhy);
+  }
+  if (!metadata.pngChunks.empty()) {
+    changes.Lose(LossKind::otherBlock, fmt::format("{} PNG chunks", metadata.pngChunks.size()),
+                 kWhy);
+  }
+}
+
+}  // namespace
+
+PageTags TagsOfMetadata(const PictureWriting& writing, bool keepsSamples, bool keepsInks,
+                        Changes& changes) {
+  const Metadata& metadata = writing.metadata;
+  PageTags tags;
+  MainTags main(tags.main);
+  main.Add(WordTag(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT));
+  AddResolution(main, metadata.resolution);
+  TiffDirectories exif;
+  if (!metadata.exif.empty()) exif = TagsOfExif(metadata.exif);
+  for (TagValue& value : exif.main) {
+    const TagKind kind = KindOfTag(value.tag);
+    // Without a known resolution the block may still state an aspect ratio.
+    const bool isAspect = kind == TagKind::display && !metadata.resolution.IsKnown();
+    if (kind == TagKind::free || isAspect) main.Add(std::move(value));
+  }
+  tags.exif = std::move(exif.exif);
+  tags.gps = std::move(exif.gps);
+  tags.interop = std::move(exif.interop);
+  AddBlock(main, TIFFTAG_XMLPACKET, TIFF_BYTE, metadata.xmp);
+  AddBlock(main, TIFFTAG_RICHTIFFIPTC, TIFF_UNDEFINED, metadata.iptc);
+  AddBlock(main, TIFFTAG_PHOTOSHOP, TIFF_BYTE, metadata.photoshop);
+  if (metadata.profile) AddBlock(main, TIFFTAG_ICCPROFILE, TIFF_UNDEFINED, *metadata.profile);
+  for (const TagValue& value : writing.positionTags) {
+    if (KindOfTag(value.tag) == TagKind::position) main.Add(value);
+  }
+  AddTexts(main, metadata, changes);
+  AddOwnTags(main, metadata, keepsSamples, keepsInks, changes);
+  LoseForeignBlocks(metadata, changes);
+  return tags;
+}
+
+}  // namespace rasterkit::detail

@@ -1,0 +1,68 @@
+#include <algorithm>
+
+#include <rasterkit/codecs/tiff/pages/moved_bytes.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
+
+namespace rasterkit::detail {
+
+namespace {
+
+constexpr uint64_t kPieceBytes = 1 << 20;
+
+}  // namespace
+
+void MovedBytes::Add(const TagReader& reader, uint64_t at, uint64_t count) {
+  if (at > reader.Size() || count > reader.Size() - at) {
+    throw FormatError("TIFF: a strip or tile reaches beyond the end of the file");
+  }
+  ranges_.push_back({at, at + count, 0});
+}
+
+void MovedBytes::Merge() {
+  std::sort(ranges_.begin(), ranges_.end(),
+            [](const Range& a, const Range& b) { return a.at < b.at; });
+  std::vector<Range> merged;
+  for (const Range& range : ranges_) {
+    if (!merged.empty() && range.at <= merged.back().end) {
+      merged.back().end = std::max(merged.back().end, range.end);
+    } else {
+      merged.push_back(range);
+    }
+  }
+  ranges_ = std::move(merged);
+}
+
+uint64_t MovedBytes::Total() {
+  Merge();
+  uint64_t total = 0;
+  for (const Range& range : ranges_) total += range.end - range.at + 1;
+  return total;
+}
+
+void MovedBytes::Copy(const TagReader& reader, TagFileWriter& file) {
+  Merge();
+  std::vector<uint8_t> piece;
+  for (Range& range : ranges_) {
+    for (uint64_t at = range.at; at < range.end || range.newAt == 0;) {
+      RequireTime();
+      piece.resize(static_cast<size_t>(std::min(kPieceBytes, range.end - at)));
+      if (!reader.ReadAt(at, piece)) throw FormatError("TIFF: the file ends early");
+      // Pieces of an even number of bytes follow each other without a gap.
+      const uint64_t newAt = file.Append(piece);
+      if (range.newAt == 0) range.newAt = newAt;
+      at += piece.size();
+    }
+  }
+}
+
+uint64_t MovedBytes::PlaceOf(uint64_t at) const {
+  if (at == 0) return 0;
+  auto next = std::upper_bound(ranges_.begin(), ranges_.end(), at,
+                               [](uint64_t place, const Range& range) { return place < range.at; });
+  if (next == ranges_.begin()) return 0;
+  const Range& range = *--next;
+  return at <= range.end ? range.newAt + (at - range.at) : 0;
+}
+
+}  // namespace rasterkit::detail

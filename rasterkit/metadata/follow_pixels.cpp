@@ -1,0 +1,211 @@
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include <rasterkit/metadata/exif_block.h>
+#include <rasterkit/metadata/exif_follow.h>
+#include <rasterkit/metadata/follow_pixels.h>
+#include <rasterkit/metadata/ifd.h>
+#include <rasterkit/metadata/image_resources.h>
+#include <rasterkit/metadata/jpeg_segments.h>
+#include <rasterkit/metadata/xmp_follow.h>
+
+namespace rasterkit {
+namespace {
+
+using std::string_view_literals::operator""sv;
+
+void FollowExif(Metadata& metadata, const PixelChange& change, Changes& changes) {
+  if (metadata.exif.empty()) return;
+  ExifBlock exif(std::move(metadata.exif));
+  metadata.exif.clear();
+  if (!exif.IsDamaged()) {
+    detail::FollowPixelsInExif(exif, change, changes);
+  } else if (!detail::RepairDamagedExif(exif, change)) {
+    changes.Lose(LossKind::exif, "the EXIF block",
+                 "it is damaged, so that it cannot follow the changed pixels");
+    return;
+  }
+  metadata.exif = exif.TakeBytes();
+}
+
+// --- Photoshop -----------------------------------------------------------------------------
+
+/// The sides of a JPEG file; 0 x 0 if it has no frame header.
+struct Sides {
+  uint16_t width = 0, height = 0;
+};
+
+Sides SidesOfJpeg(std::span<const uint8_t> jpeg) {
+  constexpr uint8_t kBaseline = 0xC0, kProgressive = 0xC2;
+  constexpr size_t kHeightAt = 1, kWidthAt = 3, kLeast = 6;
+  JpegSegmentWalker walker(jpeg);
+  while (const auto segment = walker.Next()) {
+    if (segment->marker < kBaseline || segment->marker > kProgressive) continue;
+    if (segment->payload.size() < kLeast) break;
+    const detail::OrderedBytes numbers(segment->payload, true);
+    return {numbers.Word(kWidthAt), numbers.Word(kHeightAt)};
+  }
+  return {};
+}
+
+/// Resource 1036: a head of 28 bytes, then a JPEG file.
+std::vector<uint8_t> ThumbnailResource(std::span<const uint8_t> jpeg, const Sides& sides) {
+  constexpr size_t kHeadBytes = 28;
+  constexpr uint32_t kJpeg = 1, kBits = 24, kPlanes = 1;
+  const uint32_t rowBytes = (sides.width * kBits + 31) / 32 * 4;
+  const uint32_t numbers[] = {kJpeg,
+                              sides.width,
+                              sides.height,
+                              rowBytes,
+                              rowBytes * sides.height,
+                              static_cast<uint32_t>(jpeg.size())};
+  std::vector<uint8_t> bytes(kHeadBytes);
+  size_t at = 0;
+  for (const uint32_t number : numbers) {
+    detail::PutLong(bytes, at, number, true);
+    at += 4;
+  }
+  detail::PutWord(bytes, at, kBits, true);
+  detail::PutWord(bytes, at + 2, kPlanes, true);
+  bytes.insert(bytes.end(), jpeg.begin(), jpeg.end());
+  return bytes;
+}
+
+void FollowThumbnails(ImageResources& resources, const PixelChange& change, Changes& changes) {
+  using namespace image_resource;
+  const bool hadOne = resources.Find(kThumbnail) != nullptr;
+  const bool hadOld = resources.Remove(kOldThumbnail);
+  const Sides sides = SidesOfJpeg(change.thumbnail);
+  if (hadOne && sides.width > 0) {
+    resources.Set(kThumbnail, ThumbnailResource(change.thumbnail, sides));
+    return;
+  }
+  resources.Remove(kThumbnail);
+  if (hadOne || (hadOld && sides.width == 0)) {
+    changes.Lose(LossKind::thumbnail, "Photoshop's thumbnail",
+                 "it shows the old picture and no new one was made");
+  } else if (hadOld) {
+    changes.Note("Photoshop's old thumbnail was removed, because it shows the old picture");
+  }
+}
+
+/// Paths, guides and slices are places in the picture.
+void RemovePlaces(ImageResources& resources, Changes& changes) {
+  constexpr uint16_t kWorkPath = 1025, kGuides = 1032, kSlices = 1050;
+  constexpr uint16_t kFirstPath = 2000, kLastPath = 2999;
+  std::vector<uint16_t> places;
+  for (const ImageResource& one : resources.All()) {
+    const bool isPath = one.id >= kFirstPath && one.id <= kLastPath;
+    if (isPath || one.id == kWorkPath || one.id == kGuides || one.id == kSlices) {
+      places.push_back(one.id);
+    }
+  }
+  for (const uint16_t id : places) resources.Remove(id);
+  const auto isPath = [](uint16_t id) { return id == kWorkPath || id >= kFirstPath; };
+  if (std::any_of(places.begin(), places.end(), isPath)) {
+    changes.Lose(LossKind::otherBlock, "Photoshop's paths", "they do not follow the pixels");
+  } else if (!places.empty()) {
+    changes.Note("Photoshop's guides and slices were removed, because they no longer fit");
+  }
+}
+
+void FollowResources(Metadata& metadata, const PixelChange& change, Changes& changes) {
+  if (metadata.photoshop.empty()) return;
+  ImageResources resources(metadata.photoshop);
+  FollowResolution(resources, change.resolution);
+  FollowIptcDigest(resources, metadata.iptc);
+  if (change.pixelsChanged) FollowThumbnails(resources, change, changes);
+  if (change.placesChanged) RemovePlaces(resources, changes);
+  metadata.photoshop = resources.Bytes();
+}
+
+// --- Other segments of JPEG files ----------------------------------------------------------
+
+/// A segment that describes the old pixels.
+struct StaleSegment {
+  uint8_t marker;
+  std::string_view start;
+  LossKind kind;
+  /// Empty for a mere copy of the picture.
+  const char* what;
+};
+
+constexpr StaleSegment kStaleSegments[] = {
+    {jpeg_marker::kApp0, "JFXX\0"sv, LossKind::thumbnail, ""},
+    {jpeg_marker::kApp2, "MPF\0"sv, LossKind::hiddenPictures, ""},
+    {jpeg_marker::kApp2, "urn:iso:std:iso:ts:21496:-1\0"sv, LossKind::hiddenPictures,
+     "the gain map's properties"},
+    {0xEB, "JP"sv, LossKind::otherBlock, "JUMBF boxes (signatures and further layers)"},
+    {0xEB, "HDR_RI"sv, LossKind::hiddenPictures, "the HDR layer"},
+};
+
+bool StartsWith(const std::vector<uint8_t>& bytes, std::string_view text) {
+  return bytes.size() >= text.size() && std::memcmp(bytes.data(), text.data(), text.size()) == 0;
+}
+
+void RemoveStaleSegments(Metadata& metadata, Changes& changes) {
+  for (const StaleSegment& stale : kStaleSegments) {
+    const auto removed = std::erase_if(metadata.jpegSegments, [&](const OtherBlock& segment) {
+      return segment.kind == stale.marker && StartsWith(segment.bytes, stale.start);
+    });
+    if (removed > 0 && *stale.what != '\0') {
+      changes.Lose(stale.kind, stale.what, "they hold for the old pixels only");
+    }
+  }
+}
+
+// --- TIFF ----------------------------------------------------------------------------------
+
+/// GDAL's metadata without the items that are statistics of the old pixels.
+std::string WithoutStatistics(std::string_view xml) {
+  constexpr std::string_view kItem = "<Item", kEnd = "</Item>", kName = "STATISTICS_";
+  std::string kept;
+  size_t at = 0;
+  while (at < xml.size()) {
+    const size_t item = xml.find(kItem, at);
+    const size_t tagEnd = xml.find('>', std::min(item, xml.size()));
+    if (tagEnd == std::string_view::npos) break;
+    kept += xml.substr(at, item - at);
+    const std::string_view tag = xml.substr(item, tagEnd + 1 - item);
+    const size_t closing = tag.ends_with("/>") ? tagEnd + 1 : xml.find(kEnd, tagEnd);
+    const size_t end = closing == std::string_view::npos || closing == tagEnd + 1
+                           ? closing
+                           : closing + kEnd.size();
+    if (end == std::string_view::npos) {
+      at = item;
+      break;
+    }
+    const bool isStale = tag.find(kName) != std::string_view::npos;
+    if (!isStale) kept += xml.substr(item, end - item);
+    at = isStale ? std::min(xml.find_first_not_of(" \n", end), xml.size()) : end;
+  }
+  return kept + std::string(xml.substr(at));
+}
+
+void FollowTiffTags(Metadata& metadata, Changes& changes) {
+  constexpr uint16_t kGdalMetadata = 42112;
+  for (TagValue& tag : metadata.tiffTags) {
+    if (tag.tag != kGdalMetadata) continue;
+    const std::string xml =
+        WithoutStatistics({reinterpret_cast<const char*>(tag.bytes.data()), tag.bytes.size()});
+    if (xml.size() == tag.bytes.size()) continue;
+    tag.bytes.assign(xml.begin(), xml.end());
+    tag.count = tag.bytes.size();
+    changes.Note("statistics of the old pixels were removed");
+  }
+}
+
+}  // namespace
+
+void FollowPixels(Metadata& metadata, const PixelChange& change, Changes& changes) {
+  metadata.resolution = change.resolution;
+  FollowExif(metadata, change, changes);
+  FollowPixelsInXmp(metadata.xmp, metadata.extendedXmp, change, changes);
+  FollowResources(metadata, change, changes);
+  if (!change.pixelsChanged) return;
+  RemoveStaleSegments(metadata, changes);
+  FollowTiffTags(metadata, changes);
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,53 @@
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+#include <rasterkit/pictures/reading/picture_size.h>
+
+namespace rasterkit {
+namespace {
+
+constexpr int kLargestSide = 1000000;
+
+bool IsSide(int side) {
+  return side >= 1 && side <= kLargestSide;
+}
+
+/// Returns 0 for an empty text.
+std::optional<int> ParseSide(const std::string& text) {
+  if (text.empty()) return 0;
+  int side = 0;
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, side);
+  const bool ok = error == std::errc() && rest == end && IsSide(side);
+  return ok ? std::optional<int>(side) : std::nullopt;
+}
+
+int Proportional(int side, int other, int newOther) {
+  const double exact = static_cast<double>(side) * newOther / other;
+  return std::clamp(static_cast<int>(std::min<double>(std::round(exact), kLargestSide)), 1,
+                    kLargestSide);
+}
+
+}  // namespace
+
+PictureSize PictureSize::For(int oldWidth, int oldHeight) const {
+  if (width == 0) return {Proportional(oldWidth, oldHeight, height), height};
+  if (height == 0) return {width, Proportional(oldHeight, oldWidth, width)};
+  return *this;
+}
+
+bool PictureSize::IsPossible() const {
+  return IsSide(width) && IsSide(height);
+}
+
+std::optional<PictureSize> ParseSize(const std::string& text) {
+  const size_t cross = text.find('x');
+  if (cross == std::string::npos) return std::nullopt;
+  const auto width = ParseSide(text.substr(0, cross));
+  const auto height = ParseSide(text.substr(cross + 1));
+  if (!width || !height || (*width == 0 && *height == 0)) return std::nullopt;
+  return PictureSize{*width, *height};
+}
+
+}  // namespace rasterkit
