@@ -39,7 +39,8 @@ void LoseHidden(const PictureHeader& header, const LossTarget& target, Changes& 
 }
 
 void LosePosition(const Placement& placement, const LossTarget& target, Changes& changes) {
-  if (target.type == PictureType::tiff) return;
+  // With side files the files beside the target decide.
+  if (target.type == PictureType::tiff || target.hasSideFiles) return;
   const std::string why = "the format of the file has no tags for it";
   if (!placement.controlPoints.empty()) {
     changes.Lose(LossKind::controlPoints,
@@ -52,7 +53,6 @@ void LosePosition(const Placement& placement, const LossTarget& target, Changes&
     changes.Lose(LossKind::noData, fmt::format("the mark of missing values, {}", placement.noData),
                  why);
   }
-  if (target.hasSideFiles) return;
   if (placement.affine) changes.Lose(LossKind::position, "the position on the map", why);
   if (placement.system.IsKnown()) {
     changes.Lose(LossKind::coordinateSystem, placement.system.Description(), why);

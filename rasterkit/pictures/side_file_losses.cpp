@@ -25,20 +25,6 @@ SideFileWish WishOf(const PictureSource& source, const PictureState& state, cons
   return wish;
 }
 
-void LoseSystem(const Placement& placement, PictureType type, const std::vector<std::string>& plans,
-                Changes& changes) {
-  if (type == PictureType::tiff || !placement.system.IsKnown()) return;
-  const bool isKept = std::any_of(plans.begin(), plans.end(), [](const std::string& plan) {
-    return plan.ends_with(".prj") || plan.ends_with(".PRJ");
-  });
-  const bool isSaid =
-      std::any_of(changes.losses.begin(), changes.losses.end(),
-                  [](const Loss& loss) { return loss.kind == LossKind::coordinateSystem; });
-  if (isKept || isSaid) return;
-  changes.Lose(LossKind::coordinateSystem, placement.system.Description(),
-               "the format of the file has no tags for it");
-}
-
 void AddSideFiles(Report& report, const SideFiles* files, const Changes& changes) {
   if (files != nullptr) report.sideFiles = files->Plans();
   Changes all{std::move(report.losses), std::move(report.notes)};

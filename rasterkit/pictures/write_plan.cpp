@@ -145,7 +145,7 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
                            const WritePlan& plan, const SaveOptions& options, int threads,
                            TStream& target, Changes& changes) {
   PictureWriting writing = WritingOf(source, state, plan);
-  const PixelFit fit{plan.type, options.background, state.placement.noData, threads};
+  const PixelFit fit{plan.type, options.background, state.placement.noData, threads, plan.isSample};
   Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
   writing.quality = options.quality;
   writing.chromaX = options.chromaX;
@@ -165,8 +165,9 @@ WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state
   return written;
 }
 
-Report Foresee(const PictureSource& source, const PictureState& state, const WritePlan& plan,
+Report Foresee(const PictureSource& source, const PictureState& state, WritePlan plan,
                const SaveOptions& options) {
+  plan.isSample = true;
   Report report;
   report.type = plan.type;
   report.isCopied = plan.isCopied;

@@ -78,7 +78,12 @@ Raster Visible(Pixels pixels, const PixelFit& fit, Metadata& metadata, Changes& 
   const PixelLayout before = LayoutOf(pixels);
   const bool wasInk = before.model == ColorModel::cmyk || before.model == ColorModel::lab ||
                       before.model == ColorModel::iccLab || before.model == ColorModel::ituLab;
-  Raster rows = VisiblePixels(std::move(pixels), fit.noData, changes);
+  Changes seen;
+  Raster rows = VisiblePixels(std::move(pixels), fit.noData, seen);
+  for (Loss& loss : seen.losses) changes.losses.push_back(std::move(loss));
+  for (std::string& note : seen.notes) {
+    if (!fit.isSample) changes.Note(std::move(note));
+  }
   if (wasInk) {
     metadata.profile = nullptr;
     rows.profile = nullptr;
