@@ -128,7 +128,27 @@ class StepAdder {
     AddStage(PictureOverStage(Now(), step.other, step.options, toOver));
   }
 
+  void operator()(const PixelsStep& step) {
+    const bool isSameSize = step.pixels && step.pixels->Width() == state_.width &&
+                            step.pixels->Height() == state_.height;
+    if (!isSameSize) throw RangeError("other pixels must have the size of the picture");
+    MakeVisible();
+    SetLayout(LayoutOf(Pixels(step.pixels->Content().Clone())));
+    AddStage(ShownStage(step.pixels));
+  }
+
+  void operator()(const PlaceStep& step) {
+    const std::optional<Affine> toNew = state_.toOld.Inverse();
+    if (!step.affine.IsFinite() || !step.affine.Inverse() || !toNew) {
+      throw RangeError("six numbers of a position must be finite and span an area");
+    }
+    state_.given = step.affine.After(*toNew);
+  }
+
   void operator()(const EditStep& step) {
+    if (step.edit.resolution) {
+      state_.edit.resolution = state_.resolution = *step.edit.resolution;
+    }
     state_.edit.stripAll |= step.edit.stripAll;
     state_.edit.stripGps |= step.edit.stripGps;
     state_.edit.stripThumbnail |= step.edit.stripThumbnail;
