@@ -131,7 +131,7 @@ class StepAdder {
                             step.pixels->Height() == state_.height;
     if (!isSameSize) throw RangeError("other pixels must have the size of the picture");
     MakeVisible();
-    SetLayout(*ShownStage(step.pixels));
+    SetLayout(LayoutOf(Pixels(step.pixels->Content().Clone())));
     AddStage(ShownStage(step.pixels));
   }
 

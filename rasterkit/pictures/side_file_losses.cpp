@@ -21,6 +21,9 @@ SideFileWish WishOf(const PictureSource& source, const PictureState& state, cons
   wish.mayReplace = options.mayReplace;
   wish.writesWorldFile = plan.writesWorldFile;
   wish.hasTags = plan.type == PictureType::tiff && state.placement.IsKnown();
+  wish.hasSamePixels = !state.pixelsChanged && !state.placesChanged;
+  wish.width = state.width;
+  wish.height = state.height;
   wish.syncs = options.syncs;
   return wish;
 }

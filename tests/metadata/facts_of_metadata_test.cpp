@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/metadata/facts_of_metadata.h>
-#include <rasterkit/pictures/photo_facts.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
 
 #include "tests/metadata/exif_blocks.h"
 

@@ -146,7 +146,8 @@ inline void AppendNumber(std::vector<uint8_t>& bytes, NumberType type, double nu
       }
       const double down = size - HalfToDouble(below), up = HalfToDouble(above) - size;
       const bool isAbove = up < down || (up == down && above % 2 == 0);
-      const auto best = static_cast<uint16_t>((isAbove ? above : below) | (number < 0 ? 0x8000 : 0));
+      const auto best =
+          static_cast<uint16_t>((isAbove ? above : below) | (number < 0 ? 0x8000 : 0));
       return Append(bytes, best);
     }
     case NumberType::float32:

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include <fmt/format.h>
 #include <tiff.h>
@@ -37,14 +38,23 @@ void AddBlock(MainTags& main, uint16_t tag, uint16_t type, const Bytes& bytes) {
   main.Add(BytesTag(tag, type, {first, bytes.size()}));
 }
 
-/// The fraction nearest to a resolution: whole where it is whole, else in steps of a 10,000th.
+/// The first fraction of 32-bit numbers, by continued fractions, that is the number, or the last
+/// one that fits: a fraction that was read is found again.
 TagValue ResolutionTag(uint16_t tag, double dots) {
-  double below = 1;
-  while (below < 10000 && dots * below != std::floor(dots * below)) below *= 10;
-  while (below > 1 && dots * below > UINT32_MAX) below /= 10;
-  const double above = std::clamp(std::round(dots * below), 0.0, 4294967295.0);
+  constexpr double kMost = 4294967295.0;
+  double above = std::floor(dots), below = 1, aboveBefore = 1, belowBefore = 0;
+  double rest = dots - above;
+  while (above / below != dots && rest > 0) {
+    const double whole = std::floor(1 / rest);
+    const double nextAbove = whole * above + aboveBefore, nextBelow = whole * below + belowBefore;
+    if (nextAbove > kMost || nextBelow > kMost) break;
+    rest = 1 / rest - whole;
+    aboveBefore = std::exchange(above, nextAbove);
+    belowBefore = std::exchange(below, nextBelow);
+  }
   TagValue value{tag, TIFF_RATIONAL, 1, {}};
-  for (const auto number : {static_cast<uint32_t>(above), static_cast<uint32_t>(below)}) {
+  for (const double part : {std::min(above, kMost), below}) {
+    const auto number = static_cast<uint32_t>(part);
     for (int i = 0; i < 4; i++) value.bytes.push_back(static_cast<uint8_t>(number >> 8 * i));
   }
   return value;

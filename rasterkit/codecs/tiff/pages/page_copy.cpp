@@ -78,7 +78,7 @@ class PageCopier {
 
   void Collect(const TagDirectory& directory);
   void CollectAt(uint64_t at);
-  void CollectOldJpeg(const TagDirectory& directory);
+  void CollectOldJpeg(const TagDirectory& directory, const StoredBlocks& blocks);
   void WriteAll(const TagDirectory& first, const PageFamily& family, const PageTags& tags,
                 Changes& changes);
   TagMap Structure(const TagDirectory& directory, bool isMain, Changes& changes);
@@ -105,7 +105,7 @@ void PageCopier::Collect(const TagDirectory& directory) {
   for (size_t i = 0; i < blocks.places.size(); i++) {
     if (blocks.places[i] != 0) moved_.Add(reader_, blocks.places[i], blocks.counts[i]);
   }
-  CollectOldJpeg(directory);
+  CollectOldJpeg(directory, blocks);
   for (const TagPlace& place : directory.tags) {
     if (!LeadsToDirectory(place.tag)) continue;
     // Directories of the page's own metadata are written anew.
@@ -123,13 +123,19 @@ void PageCopier::CollectAt(uint64_t at) {
 }
 
 /// Old-style JPEG has a whole JPEG file, or tables, beside its strips.
-void PageCopier::CollectOldJpeg(const TagDirectory& directory) {
+void PageCopier::CollectOldJpeg(const TagDirectory& directory, const StoredBlocks& blocks) {
   if (reader_.Integer(directory, TIFFTAG_COMPRESSION, 1) != COMPRESSION_OJPEG) return;
   const uint64_t at = reader_.Integer(directory, TIFFTAG_JPEGIFOFFSET, 0);
   if (at != 0 && at < reader_.Size()) {
     const uint64_t left = reader_.Size() - at;
     const uint64_t count = reader_.Integer(directory, TIFFTAG_JPEGIFBYTECOUNT, 0);
-    moved_.Add(reader_, at, count == 0 ? left : std::min(count, left));
+    // Without a size, the JPEG file ends with the strips that lie in it.
+    uint64_t end = at;
+    for (size_t i = 0; i < blocks.places.size(); i++) {
+      end = std::max(end, blocks.places[i] + blocks.counts[i]);
+    }
+    const uint64_t stripsEnd = end > at ? end - at : left;
+    moved_.Add(reader_, at, std::min(count == 0 ? stripsEnd : count, left));
   }
   for (const TagPlace& place : directory.tags) {
     if (!IsTableList(place.tag)) continue;
