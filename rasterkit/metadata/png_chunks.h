@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include <rasterkit/metadata/metadata.h>
 #include <rasterkit/runtime/export.h>
 
 namespace rasterkit::detail {
@@ -53,5 +54,9 @@ class RASTERKIT_EXPORT PngChunks {
   PngChunk chunk_;
   bool isAtEnd_ = false, isCutOff_ = false;
 };
+
+/// True for a chunk that says that the colors are sRGB, which pictures without a profile are: a
+/// file format without such a place loses nothing.
+RASTERKIT_EXPORT bool StatesPlainSrgb(const OtherBlock& chunk);
 
 }  // namespace rasterkit::detail

@@ -1,6 +1,6 @@
 #include <algorithm>
-#include <iterator>
 
+#include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/png_raw_profiles.h>
 #include <rasterkit/metadata/png_texts.h>
 
@@ -12,9 +12,6 @@ using std::string_view_literals::operator""sv;
 
 constexpr std::string_view kExifPrefix = "Exif\0\0"sv;
 constexpr std::string_view kXmpPrefix = "http://ns.adobe.com/xap/1.0/\0"sv;
-constexpr std::string_view kResourceMark = "8BIM";
-/// The resource that holds IPTC records.
-constexpr uint8_t kIptcResource[] = {0x04, 0x04};
 constexpr uint8_t kIptcMark = 0x1C;
 
 bool StartsWith(Bytes bytes, std::string_view text) {
@@ -45,45 +42,14 @@ bool TakeXmp(Bytes block, Metadata& metadata) {
   return true;
 }
 
-/// The length of the image resource at the start of `blocks`, and the place and size of its data.
-struct Resource {
-  size_t bytes = 0, dataAt = 0, dataBytes = 0;
-};
-
-/// A resource is a mark, a number of two bytes, a name with its length, the size and the data.
-/// Name and data take an even number of bytes each.
-Resource FirstResource(Bytes blocks) {
-  constexpr size_t kNameAt = 6;
-  if (!StartsWith(blocks, kResourceMark) || blocks.size() <= kNameAt) return {};
-  const size_t nameBytes = (blocks[kNameAt] + size_t{2}) / 2 * 2;
-  const size_t sizeAt = kNameAt + nameBytes;
-  if (blocks.size() < sizeAt + 4) return {};
-  const size_t size = uint32_t{blocks[sizeAt]} << 24 | uint32_t{blocks[sizeAt + 1]} << 16 |
-                      uint32_t{blocks[sizeAt + 2]} << 8 | blocks[sizeAt + 3];
-  const size_t dataAt = sizeAt + 4;
-  if (size > blocks.size() - dataAt) return {};
-  return {std::min(dataAt + size + size % 2, blocks.size()), dataAt, size};
-}
-
 /// Image resources: the IPTC records stand apart from the others.
 bool TakeResources(Bytes blocks, Metadata& metadata) {
-  std::vector<uint8_t> others, iptc;
-  bool isKnown = false;
-  while (!blocks.empty()) {
-    const Resource resource = FirstResource(blocks);
-    if (resource.bytes == 0) break;
-    isKnown = true;
-    if (std::equal(std::begin(kIptcResource), std::end(kIptcResource), blocks.begin() + 4)) {
-      if (iptc.empty()) iptc = CopyOf(blocks.subspan(resource.dataAt, resource.dataBytes));
-    } else {
-      const Bytes whole = blocks.first(resource.bytes);
-      others.insert(others.end(), whole.begin(), whole.end());
-    }
-    blocks = blocks.subspan(resource.bytes);
-  }
-  if (metadata.iptc.empty()) metadata.iptc = std::move(iptc);
-  if (metadata.photoshop.empty()) metadata.photoshop = std::move(others);
-  return isKnown;
+  if (ImageResources(blocks).All().empty()) return false;
+  Metadata parts;
+  SplitImageResources(blocks, parts);
+  if (metadata.iptc.empty()) metadata.iptc = std::move(parts.iptc);
+  if (metadata.photoshop.empty()) metadata.photoshop = std::move(parts.photoshop);
+  return true;
 }
 
 bool TakeIptc(Bytes block, Metadata& metadata) {
@@ -109,16 +75,9 @@ PictureText TextWith(std::string_view name, Bytes block) {
 }
 
 std::vector<uint8_t> IptcResource(Bytes records) {
-  std::vector<uint8_t> resource(kResourceMark.begin(), kResourceMark.end());
-  resource.insert(resource.end(), std::begin(kIptcResource), std::end(kIptcResource));
-  // No name.
-  resource.insert(resource.end(), {0, 0});
-  for (int shift = 24; shift >= 0; shift -= 8) {
-    resource.push_back(static_cast<uint8_t>(records.size() >> shift));
-  }
-  resource.insert(resource.end(), records.begin(), records.end());
-  if (records.size() % 2 != 0) resource.push_back(0);
-  return resource;
+  ImageResources resources;
+  resources.Set(image_resource::kIptc, CopyOf(records));
+  return resources.Bytes();
 }
 
 }  // namespace

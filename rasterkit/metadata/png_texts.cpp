@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include <fmt/format.h>
 #include <zlib.h>
 
 #include <rasterkit/metadata/png_chunks.h>
@@ -228,10 +229,8 @@ std::optional<std::vector<uint8_t>> ReadRawProfile(std::string_view text) {
 std::string RawProfileText(std::string_view name, Bytes block) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   constexpr size_t kBytesPerLine = 36;
-  std::string length = std::to_string(block.size());
   // Some readers expect eight columns.
-  length.insert(0, 8 - std::min<size_t>(8, length.size()), ' ');
-  std::string text = "\n" + std::string(name) + "\n" + length + "\n";
+  std::string text = fmt::format("\n{}\n{:8}\n", name, block.size());
   for (size_t i = 0; i < block.size(); i++) {
     if (i > 0 && i % kBytesPerLine == 0) text += '\n';
     text += kDigits[block[i] >> 4];

@@ -107,7 +107,9 @@ class StepAdder {
   void operator()(const ChangeStep& step) {
     MakeVisible();
     std::unique_ptr<Stage> stage = ChangeStage(Now(), step.change);
-    SetLayout(LayoutAfter(step.change, state_.layout, &state_.changes));
+    const PixelLayout before = state_.layout;
+    SetLayout(LayoutAfter(step.change, before, &state_.changes));
+    TakePaletteOf(step.change, before);
     AddStage(std::move(stage));
   }
 
@@ -126,7 +128,27 @@ class StepAdder {
     AddStage(PictureOverStage(Now(), step.other, step.options, toOver));
   }
 
+  void operator()(const PixelsStep& step) {
+    const bool isSameSize = step.pixels && step.pixels->Width() == state_.width &&
+                            step.pixels->Height() == state_.height;
+    if (!isSameSize) throw RangeError("other pixels must have the size of the picture");
+    MakeVisible();
+    SetLayout(LayoutOf(Pixels(step.pixels->Content().Clone())));
+    AddStage(ShownStage(step.pixels));
+  }
+
+  void operator()(const PlaceStep& step) {
+    const std::optional<Affine> toNew = state_.toOld.Inverse();
+    if (!step.affine.IsFinite() || !step.affine.Inverse() || !toNew) {
+      throw RangeError("six numbers of a position must be finite and span an area");
+    }
+    state_.given = step.affine.After(*toNew);
+  }
+
   void operator()(const EditStep& step) {
+    if (step.edit.resolution) {
+      state_.edit.resolution = state_.resolution = *step.edit.resolution;
+    }
     state_.edit.stripAll |= step.edit.stripAll;
     state_.edit.stripGps |= step.edit.stripGps;
     state_.edit.stripThumbnail |= step.edit.stripThumbnail;
@@ -201,6 +223,21 @@ class StepAdder {
     state_.resolution = {finer, finer};
     state_.changes.Note(fmt::format(
         "the pixels were made square at {:g} dots per inch before the rotation", finer));
+  }
+
+  /// A change of a palette is known without the pixels: a small picture with the same entries shows
+  /// it.
+  void TakePaletteOf(const ColorChange& change, const PixelLayout& before) {
+    const bool isPalette = before.bands == 1 && state_.layout.model == ColorModel::palette &&
+                           before.bits == state_.layout.bits;
+    if (!isPalette) return;
+    Changes unused;
+    const PixelLayout after =
+        LayoutOf(ChangeStage({kSampleSide, kSampleSide}, change)
+                     ->Make(SampleRows(before, true, kSampleSide, kSampleSide), {}, unused));
+    if (after.bits != before.bits) return;
+    state_.layout.model = after.model;
+    state_.layout.palette = after.palette;
   }
 
   /// Changes of color work on rasters.

@@ -47,7 +47,27 @@ class LayOver : public Stage {
   const std::optional<Affine> toOver_;
 };
 
+class Show : public Stage {
+ public:
+  explicit Show(std::shared_ptr<const TBitmap> pixels) : pixels_(std::move(pixels)) {}
+
+  RowRange Needs(RowRange target) const override { return target; }
+  Pixels Make(Pixels, const StageRun&, Changes&) const override {
+    Raster rows = pixels_->Content().Clone();
+    // A bitmap keeps the transparent color beside its own rows.
+    if (pixels_->Transparent()) rows.transparentColor = pixels_->TransparentColor();
+    return rows;
+  }
+
+ private:
+  const std::shared_ptr<const TBitmap> pixels_;
+};
+
 }  // namespace
+
+std::unique_ptr<Stage> ShownStage(std::shared_ptr<const TBitmap> pixels) {
+  return std::make_unique<Show>(std::move(pixels));
+}
 
 std::unique_ptr<Stage> VisibleStage(const std::string& noData) {
   return std::make_unique<MakeVisible>(noData);

@@ -19,4 +19,7 @@ std::unique_ptr<Stage> PictureOverStage(Sides source, std::shared_ptr<const Pict
                                         const CombineOptions& options,
                                         const std::optional<Affine>& toOver);
 
+/// Gives the pixels of a bitmap instead of those of its source.
+std::unique_ptr<Stage> ShownStage(std::shared_ptr<const TBitmap> pixels);
+
 }  // namespace rasterkit::detail

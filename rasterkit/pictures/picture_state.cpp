@@ -42,6 +42,14 @@ bool HasThumbnail(const Metadata& metadata) {
   return !metadata.exif.empty() && ExifBlock(metadata.exif).HasThumbnail();
 }
 
+/// Places the picture anew. What else the source states of its position would contradict it.
+void SetPosition(Placement& placement, const Affine& affine) {
+  placement.affine = affine;
+  placement.stated = {{PositionSource::given, {}, affine, 0}};
+  placement.controlPoints.clear();
+  placement.rationalModel.clear();
+}
+
 }  // namespace
 
 PictureState StateOf(const PictureSource& source) {
@@ -81,7 +89,7 @@ std::vector<Step> StepsOfOrientation(int orientation) {
 }
 
 std::optional<Affine> PositionOf(const PictureState& state, const PictureSource& source) {
-  const std::optional<Affine>& affine = source.Position().affine;
+  const std::optional<Affine>& affine = state.given ? state.given : source.Position().affine;
   if (!affine) return std::nullopt;
   return affine->After(state.toOld);
 }
@@ -98,6 +106,7 @@ void Follow(PictureState& state, const PictureSource& source, std::span<const ui
   // A step has dropped it.
   if (source.Header().layout.profile && !state.layout.profile) state.metadata.profile = nullptr;
   state.placement = source.Position();
+  if (state.given) SetPosition(state.placement, *state.given);
   if (!state.pixelsChanged) return;
 
   PixelChange change = ChangeOf(state, source);

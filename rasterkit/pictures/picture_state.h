@@ -21,6 +21,8 @@ struct PictureState {
   /// The source's columns run along the rows of this picture, or nearly.
   bool exchangesAxes = false;
   MetadataEdit edit;
+  /// A position for the picture as stored, in place of that of the source.
+  std::optional<Affine> given;
   Stages stages;
   /// Bytes of rows that the stages hold at most.
   uint64_t rowBytes = 0;

@@ -9,6 +9,9 @@
 #include <rasterkit/bands/color_change.h>
 #include <rasterkit/bands/combine.h>
 #include <rasterkit/bands/filter.h>
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/metadata/resolution.h>
+#include <rasterkit/placement/affine.h>
 #include <rasterkit/raster/pixel_format.h>
 
 /// The steps of a picture: one plain struct each.
@@ -76,15 +79,29 @@ struct CombineStep {
   CombineOptions options;
 };
 
+/// Another position on the map, for the picture after the steps so far; it replaces all that the
+/// source states.
+struct PlaceStep {
+  Affine affine;
+};
+
+/// Pixels of the same size take the place of those of the picture: what a user saw in a window.
+/// They are never changed.
+struct PixelsStep {
+  std::shared_ptr<const TBitmap> pixels;
+};
+
 /// What the written file shall not have, nor report as lost.
 struct MetadataEdit {
   bool stripAll = false, stripGps = false, stripThumbnail = false;
+  /// Another resolution; the pixels stay.
+  std::optional<Resolution> resolution = {};
 };
 struct EditStep {
   MetadataEdit edit;
 };
 
 using Step = std::variant<TurnStep, MirrorStep, RotateStep, NorthUpStep, CropStep, ResizeStep,
-                          ChangeStep, CombineStep, EditStep>;
+                          ChangeStep, CombineStep, PixelsStep, PlaceStep, EditStep>;
 
 }  // namespace rasterkit

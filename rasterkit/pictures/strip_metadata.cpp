@@ -1,3 +1,5 @@
+#include <array>
+
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/pictures/strip_metadata.h>
 
@@ -13,9 +15,23 @@ void StripGps(ExifBlock& exif) {
   exif.Remove(ExifDirectoryId::main, kGpsPointer);
 }
 
+void SetResolution(Metadata& metadata, const Resolution& resolution) {
+  constexpr uint16_t kX = 282, kY = 283, kUnit = 296, kInch = 2;
+  metadata.resolution = resolution;
+  if (metadata.exif.empty()) return;
+  ExifBlock exif(std::move(metadata.exif));
+  if (!exif.IsDamaged() && exif.Has(ExifDirectoryId::main, kX)) {
+    exif.SetRational(ExifDirectoryId::main, kX, resolution.x);
+    exif.SetRational(ExifDirectoryId::main, kY, resolution.y);
+    exif.SetWords(ExifDirectoryId::main, kUnit, std::array{kInch});
+  }
+  metadata.exif = exif.TakeBytes();
+}
+
 }  // namespace
 
 void StripMetadata(Metadata& metadata, const MetadataEdit& edit) {
+  if (edit.resolution) SetResolution(metadata, *edit.resolution);
   if (edit.stripAll) {
     Metadata kept;
     kept.profile = metadata.profile;

@@ -25,11 +25,12 @@
 #include "tool/command/json.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/output_file.h"
+#include "tool/command/output_type.h"
 #include "tool/command/printable.h"
 #include "tool/command/progress.h"
 #include "tool/pictures/memory_need.h"
 #include "tool/pictures/metafile_output.h"
-#include "tool/pictures/save_picture.h"
+#include "tool/reports/loss_report.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -92,7 +93,8 @@ Outcome RunJob(const OutputOptions& options, const Job& job,
     StopIfInterrupted();
     RequireFreeOutput(job);
     outcome.result = work(job);
-    if (options.strict && !outcome.result.notCarriedOver.empty()) outcome.code = exitNotCarriedOver;
+    const bool isLossy = !outcome.result.losses.empty() || !outcome.result.notCarriedOver.empty();
+    if (options.strict && isLossy) outcome.code = exitNotCarriedOver;
   } catch (const Failure& failure) {
     outcome.code = failure.Code();
     outcome.error = failure.what();
@@ -136,7 +138,7 @@ Outcome RunJobBesideOthers(const OutputOptions& options, const Job& job,
   return RunJob(options, job, work);
 }
 
-void PrintJson(const Job& job, const Outcome& outcome) {
+void PrintJson(const OutputOptions& options, const Job& job, const Outcome& outcome) {
   const bool ok = !IsFailure(outcome);
   const auto ifOk = [ok](const Json& value) { return ok ? value : Json(); };
   const JobResult& result = outcome.result;
@@ -151,28 +153,79 @@ void PrintJson(const Job& job, const Outcome& outcome) {
   line.Add("width", ifOk(result.width));
   line.Add("height", ifOk(result.height));
   line.Add("bits", ifOk(result.bits));
-  line.Add("not_carried_over", result.notCarriedOver);
+  if (options.dryRun) line.Add("dry_run", true);
+  line.Add("not_carried_over", LostNames(result));
+  line.Add("losses", LossesJson(result.losses));
+  line.Add("kept", result.kept);
+  line.Add("side_files", result.sideFiles);
+  line.Add("bytes", result.bytes > 0 ? Json(result.bytes) : Json());
+  line.Add("memory", result.memory > 0 ? Json(result.memory) : Json());
+  line.Add("notes", result.notes);
   line.Add("warnings", result.warnings);
   PrintLine(line);
   // A program that reads along sees each picture as soon as it is done.
   std::fflush(stdout);
 }
 
+void PrintList(const char* title, const std::vector<std::string>& texts) {
+  if (!texts.empty()) fmt::print("  {}{}\n", title, fmt::join(texts, ", "));
+}
+
+/// Results of a dry run stand on stdout.
+void PrintPlan(const Job& job, const JobResult& result) {
+  fmt::print("{}: {}, {} x {} pixels, {} bit{}", OnOneLine(job.output), result.type, result.width,
+             result.height, result.bits, result.bits == 1 ? "" : "s");
+  if (result.bytes > 0) fmt::print(", at most {} bytes", result.bytes);
+  if (result.memory > 0) fmt::print(", at most {} bytes of memory", result.memory);
+  fmt::print("\n");
+  for (const std::string& sideFile : result.sideFiles) fmt::print("  {}\n", OnOneLine(sideFile));
+  PrintList("kept: ", result.kept);
+  for (const std::string& source : result.sources) fmt::print("  position: {}\n", source);
+}
+
+void PrintDetails(const Job& job, const JobResult& result) {
+  for (const std::string& sideFile : result.sideFiles) PrintMessage(job.output + ": " + sideFile);
+  if (!result.kept.empty()) {
+    PrintMessage(fmt::format("{}: kept: {}", job.output, fmt::join(result.kept, ", ")));
+  }
+  for (const std::string& source : result.sources) {
+    PrintMessage(fmt::format("{}: position: {}", job.input, source));
+  }
+}
+
 void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& outcome) {
-  for (const std::string& warning : outcome.result.warnings) {
-    if (options.quiet) break;
-    PrintMessage(fmt::format("{}: warning: {}", job.input, warning));
+  const JobResult& result = outcome.result;
+  if (!options.quiet) {
+    for (const std::string& warning : result.warnings) {
+      PrintMessage(fmt::format("{}: warning: {}", job.input, warning));
+    }
+    for (const std::string& note : result.notes) PrintMessage(job.output + ": " + note);
   }
   if (outcome.code == exitInterrupted) {
     SayInterrupted();
   } else if (IsFailure(outcome)) {
     PrintMessage(outcome.error);
   }
-  if (!outcome.result.notCarriedOver.empty()) {
-    PrintMessage(fmt::format("{}: not carried over: {}", job.output,
-                             fmt::join(outcome.result.notCarriedOver, ", ")));
+  const std::string lost = LossText(result);
+  if (!lost.empty()) PrintMessage(fmt::format("{}: lost: {}", job.output, lost));
+  if (IsFailure(outcome)) {
+    // What a failed job would have kept says nothing.
+  } else if (options.dryRun && !options.json) {
+    PrintPlan(job, result);
+  } else if (options.verbose) {
+    PrintDetails(job, result);
   }
-  if (options.json) PrintJson(job, outcome);
+  if (options.json) PrintJson(options, job, outcome);
+}
+
+/// Adds what the commit had to warn of.
+void AddWarnings(JobResult& result, const FinishedOutput& output, const std::string& name) {
+  const std::vector<std::string>& warnings = output.Warnings();
+  // The report of a picture has all warnings, those that are known already in front.
+  const size_t known = output.picture ? result.reportWarnings : 0;
+  for (size_t i = known; i < warnings.size(); ++i) {
+    result.warnings.push_back(fmt::format("{}: {}", name, warnings[i]));
+  }
 }
 
 /// Distributes jobs to threads and prints outcomes in the order of the jobs.
@@ -206,7 +259,7 @@ class Batch {
       if (index >= jobs_.size()) return;
       Outcome outcome = options_.jobs > 1 ? RunJobBesideOthers(options_, jobs_[index], work_)
                                           : RunJob(options_, jobs_[index], work_);
-      if (outcome.result.file) {
+      if (outcome.result.output) {
         Commit(index, std::move(outcome));
       } else {
         Finish(index, std::move(outcome));
@@ -225,10 +278,10 @@ class Batch {
 
   /// If it throws, it has not finished the job.
   void TryCommit(size_t index, Outcome& outcome) {
-    std::unique_ptr<AtomicFile> file = std::move(outcome.result.file);
+    FinishedOutput output = std::move(outcome.result.output);
     if (!jobs_[index].saving.syncs) {
-      const std::exception_ptr error = AtomicFile::CommitAll({&file, 1}).front();
-      return FinishCommit(index, std::move(outcome), *file, error);
+      const std::exception_ptr error = CommitTogether({&output, 1}).front();
+      return FinishCommit(index, std::move(outcome), output, error);
     }
     // An interruption during a wait elsewhere must not lose an output that is whole.
     struct Waiting {
@@ -237,19 +290,20 @@ class Batch {
     };
     const auto waiting = std::make_shared<Waiting>();
     waiting->outcome = std::move(outcome);
-    commits_.Add(std::move(file), [this, index, waiting](const AtomicFile& committed,
-                                                         const std::exception_ptr& error) {
+    commits_.Add(std::move(output), [this, index, waiting](const FinishedOutput& committed,
+                                                           const std::exception_ptr& error) {
       FinishCommit(index, std::move(waiting->outcome), committed, error);
     });
   }
 
-  void FinishCommit(size_t index, Outcome outcome, const AtomicFile& file,
+  void FinishCommit(size_t index, Outcome outcome, const FinishedOutput& output,
                     const std::exception_ptr& error) noexcept {
     try {
-      const std::string& output = jobs_[index].output;
-      if (error) outcome = {exitOutputNotWritten, OutputError(output, error), {}};
-      for (const std::string& warning : file.Warnings()) {
-        if (!error) outcome.result.warnings.push_back(fmt::format("{}: {}", output, warning));
+      const std::string& name = jobs_[index].output;
+      if (error) {
+        outcome = {exitOutputNotWritten, OutputError(name, error), {}};
+      } else {
+        AddWarnings(outcome.result, output, name);
       }
     } catch (const std::exception&) {
       outcome = OutOfMemory();

@@ -5,8 +5,9 @@
 #include <string>
 #include <vector>
 
-#include <rasterkit/runtime/files/atomic_file.h>
+#include <rasterkit/metadata/loss.h>
 
+#include "tool/command/commit_queue.h"
 #include "tool/command/output_options.h"
 
 namespace rasterkit::tool {
@@ -23,12 +24,20 @@ struct Job {
 struct JobResult {
   std::string type;
   int width = 0, height = 0, bits = 0;
-  /// What the input contains and the output does not: "exif", "gps", "transparency" and so on.
+  /// What the input contains and the output does not, and why.
+  std::vector<Loss> losses;
+  /// The same without a reason, by name: "exif", "mpf" and so on.
   std::vector<std::string> notCarriedOver;
-  /// Problems that did not stop the work.
-  std::vector<std::string> warnings;
-  /// The output, finished and without its name, which RunJobs gives it.
-  std::unique_ptr<AtomicFile> file;
+  /// Problems that did not stop the work, and what was done beside what was asked.
+  std::vector<std::string> warnings, notes;
+  /// What the output keeps, where its position comes from, and what is done with files beside it.
+  std::vector<std::string> kept, sources, sideFiles;
+  /// Bytes of the output and memory for making it; bounds in a dry run. 0 if not known.
+  uint64_t bytes = 0, memory = 0;
+  /// How many of the warnings in the report of a pending picture stand in `warnings` already.
+  size_t reportWarnings = 0;
+  /// The output, finished and without its name, which RunJobs gives it. Empty in a dry run.
+  FinishedOutput output;
 };
 
 /// Assigns an output to each input. Throws Failure(exitWrongUsage) if there is no output, if its

@@ -16,21 +16,42 @@ constexpr size_t kOpenFilesPerWaiting = 8;
 
 }  // namespace
 
+std::vector<std::exception_ptr> CommitTogether(std::span<FinishedOutput> outputs) {
+  std::vector<std::exception_ptr> errors(outputs.size());
+  std::vector<PendingSave*> pictures;
+  std::vector<std::unique_ptr<AtomicFile>> files;
+  std::vector<size_t> pictureAt, fileAt;
+  for (size_t i = 0; i < outputs.size(); ++i) {
+    (outputs[i].picture ? pictureAt : fileAt).push_back(i);
+    if (outputs[i].picture) pictures.push_back(outputs[i].picture.get());
+  }
+  files.reserve(fileAt.size());
+  for (const size_t i : fileAt) files.push_back(std::move(outputs[i].file));
+  const std::vector<std::exception_ptr> ofPictures = PendingSave::CommitAll(pictures);
+  const std::vector<std::exception_ptr> ofFiles = AtomicFile::CommitAll(files);
+  for (size_t i = 0; i < pictureAt.size(); ++i) errors[pictureAt[i]] = ofPictures[i];
+  for (size_t i = 0; i < fileAt.size(); ++i) {
+    errors[fileAt[i]] = ofFiles[i];
+    outputs[fileAt[i]].file = std::move(files[i]);
+  }
+  return errors;
+}
+
 size_t CommitQueue::MostWaiting() {
   return std::clamp<size_t>(detail::MostOpenFiles() / kOpenFilesPerWaiting, 1, kMostWaiting);
 }
 
-void CommitQueue::Add(std::unique_ptr<AtomicFile> file, Done done) {
-  Output output{std::move(file), std::move(done)};
+void CommitQueue::Add(FinishedOutput output, Done done) {
   std::unique_lock lock(mutex_);
   if (Start()) {
     changed_.wait(lock, [this] { return outputs_.size() < mostWaiting_; });
     outputs_.push_back(std::move(output));
+    done_.push_back(std::move(done));
     changed_.notify_all();
     return;
   }
   lock.unlock();
-  CommitTogether({&output, 1});
+  Commit({&output, 1}, {&done, 1});
 }
 
 bool CommitQueue::Start() {
@@ -38,6 +59,8 @@ bool CommitQueue::Start() {
   try {
     outputs_.reserve(mostWaiting_);
     taken_.reserve(mostWaiting_);
+    done_.reserve(mostWaiting_);
+    takenDone_.reserve(mostWaiting_);
     thread_ = std::thread([this] { Work(); });
     return true;
   } catch (const std::exception&) {
@@ -56,32 +79,28 @@ void CommitQueue::Drain() {
 
 void CommitQueue::Work() {
   while (Take()) {
-    CommitTogether(taken_);
+    Commit(taken_, takenDone_);
     taken_.clear();
+    takenDone_.clear();
   }
 }
 
-void CommitQueue::CommitTogether(std::span<Output> outputs) noexcept {
-  std::vector<std::unique_ptr<AtomicFile>> files;
+void CommitQueue::Commit(std::span<FinishedOutput> outputs, std::span<const Done> done) noexcept {
   std::vector<std::exception_ptr> errors;
   std::exception_ptr noCommit;
   try {
-    files.reserve(outputs.size());
-    for (Output& output : outputs) files.push_back(std::move(output.file));
-    errors = AtomicFile::CommitAll(files);
+    errors = CommitTogether(outputs);
   } catch (const std::exception&) {
     noCommit = std::current_exception();
   }
-  for (size_t i = 0; i < files.size(); ++i) outputs[i].file = std::move(files[i]);
-  for (size_t i = 0; i < outputs.size(); ++i) {
-    outputs[i].done(*outputs[i].file, noCommit ? noCommit : errors[i]);
-  }
+  for (size_t i = 0; i < outputs.size(); ++i) done[i](outputs[i], noCommit ? noCommit : errors[i]);
 }
 
 bool CommitQueue::Take() {
   std::unique_lock lock(mutex_);
   changed_.wait(lock, [this] { return isEnding_ || !outputs_.empty(); });
-  std::swap(taken_, outputs_);
+  std::swap(outputs_, taken_);
+  std::swap(done_, takenDone_);
   changed_.notify_all();
   return !taken_.empty();
 }

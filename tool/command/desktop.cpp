@@ -51,20 +51,16 @@ Desktop::~Desktop() {
   dialogs_.end();
 }
 
-void Desktop::Adjust(TBitmap& bitmap, TChgBmpValuesRec& values, const Subject& picture) const {
-  Confirm(picture.job.input,
-          [&](std::string& error) { return dialogs_.adjustBitmap(bitmap, values, error); });
+void Desktop::Adjust(TBitmap& bitmap, TChgBmpValuesRec& values, const std::string& input) const {
+  Confirm(input, [&](std::string& error) { return dialogs_.adjustBitmap(bitmap, values, error); });
 }
 
-void Desktop::EditSize(int32_t& width, int32_t& height, const Subject& picture) const {
-  Confirm(picture.job.input,
-          [&](std::string& error) { return dialogs_.editSize(width, height, error); });
+void Desktop::EditSize(int32_t& width, int32_t& height, const std::string& input) const {
+  Confirm(input, [&](std::string& error) { return dialogs_.editSize(width, height, error); });
 }
 
-void Desktop::ChooseCropRect(TRect& rect, const Subject& picture) const {
-  Confirm(picture.job.input, [&](std::string& error) {
-    return dialogs_.chooseCropRect(*picture.bitmap, rect, error);
-  });
+void Desktop::ChooseCropRect(TBitmap& bitmap, TRect& rect, const std::string& input) const {
+  Confirm(input, [&](std::string& error) { return dialogs_.chooseCropRect(bitmap, rect, error); });
 }
 
 void Desktop::OpenFile(std::string& fileName) const {

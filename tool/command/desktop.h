@@ -6,8 +6,6 @@
 
 #include <rasterkit/dialogs/desktop/desktop_dialogs.h>
 
-#include "tool/pictures/convert_picture.h"
-
 namespace rasterkit::tool {
 
 /// The windows of the verbs with --dialog. Their library is loaded only when needed: the tool
@@ -26,10 +24,11 @@ class Desktop {
   Desktop(const Desktop&) = delete;
   Desktop& operator=(const Desktop&) = delete;
 
-  /// See AdjustBitmap, EditSize and ChooseCropRect of the library.
-  void Adjust(TBitmap& bitmap, TChgBmpValuesRec& values, const Subject& picture) const;
-  void EditSize(int32_t& width, int32_t& height, const Subject& picture) const;
-  void ChooseCropRect(TRect& rect, const Subject& picture) const;
+  /// See AdjustBitmap, EditSize and ChooseCropRect of the library. `input` is the name of the
+  /// picture, for messages.
+  void Adjust(TBitmap& bitmap, TChgBmpValuesRec& values, const std::string& input) const;
+  void EditSize(int32_t& width, int32_t& height, const std::string& input) const;
+  void ChooseCropRect(TBitmap& bitmap, TRect& rect, const std::string& input) const;
 
   /// Lets the user choose a picture or PDF file. See BitmapOpenDialog.
   void OpenFile(std::string& fileName) const;

@@ -2,9 +2,13 @@
 
 #include <atomic>
 #include <csignal>
+#include <exception>
 #include <filesystem>
+#include <mutex>
 #include <string_view>
+#include <thread>
 
+#include <semaphore.h>
 #include <unistd.h>
 
 #include <rasterkit/runtime/files/file_name.h>
@@ -24,6 +28,40 @@ std::atomic<int> outputs = 0;
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
               "signal handlers must not wait for a lock");
 
+/// Leads from the signal handler, which may do next to nothing, to a thread that may do anything.
+class Wake {
+ public:
+  Wake() { sem_init(&semaphore_, 0, 0); }
+
+  /// Safe in a signal handler.
+  void Post() { sem_post(&semaphore_); }
+
+  std::stop_token Token() {
+    std::call_once(started_, [this] { Start(); });
+    return source_.get_token();
+  }
+
+ private:
+  /// Without a thread the work ends where StopIfInterrupted is called.
+  void Start() {
+    try {
+      std::thread([this] {
+        while (sem_wait(&semaphore_) != 0) {
+        }
+        source_.request_stop();
+      }).detach();
+    } catch (const std::exception&) {
+    }
+  }
+
+  sem_t semaphore_{};
+  std::once_flag started_;
+  std::stop_source source_;
+};
+
+/// Never destroyed: its thread waits until the process ends.
+Wake& wake = *new Wake;
+
 /// Ends the process at once, using only functions that are safe in a signal handler.
 [[noreturn]] void EndAtOnce() {
   RemoveTemporaryFiles();
@@ -37,6 +75,7 @@ void OnSecondInterrupt(int) {
 
 void OnInterrupt(int signalNumber) {
   interrupted = true;
+  wake.Post();
   std::signal(signalNumber, OnSecondInterrupt);
   if (waits > 0 && outputs == 0) EndAtOnce();
 }
@@ -56,6 +95,10 @@ void CatchInterruption() {
     if (std::signal(signalNumber, OnInterrupt) == SIG_IGN) std::signal(signalNumber, SIG_IGN);
   }
   std::signal(SIGXFSZ, SIG_IGN);
+}
+
+std::stop_token InterruptionToken() {
+  return wake.Token();
 }
 
 bool IsInterrupted() {

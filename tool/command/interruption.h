@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <stop_token>
 #include <string>
 
 namespace rasterkit::tool {
@@ -19,6 +20,9 @@ void StopIfInterrupted();
 bool ContinueUnlessInterrupted();
 
 bool IsInterrupted();
+
+/// A token that is stopped when the user requests a stop, for calls of the library.
+std::stop_token InterruptionToken();
 
 /// Prints "interrupted" on stderr, once per process.
 void SayInterrupted();

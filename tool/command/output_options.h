@@ -1,10 +1,13 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/pictures/reading/metafile_drawing.h>
+#include <rasterkit/pictures/steps.h>
+#include <rasterkit/placement/placement.h>
 
 namespace rasterkit::tool {
 
@@ -34,8 +37,12 @@ struct OutputOptions {
   bool json = false;
   /// No warnings, notes and progress.
   bool quiet = false;
-  /// The verb has --in-place.
-  bool takesInPlace = false;
+  /// Also what is kept, and the sources of positions.
+  bool verbose = false;
+  /// Says what would be done and writes nothing.
+  bool dryRun = false;
+  /// The verb changes pictures one by one, and has --in-place and --dry-run.
+  bool isForPictures = false;
   /// Outputs may be metafiles too.
   bool takesMetafiles = false;
 
@@ -46,15 +53,29 @@ struct OutputOptions {
 struct PictureOptions {
   /// Degrees, positive counter-clockwise.
   double angle = 0;
-  /// Six hexadecimal digits RRGGBB, or "auto".
+  /// A color, or "auto"; see ColorOf.
   std::string background = "FFFFFF";
+  /// A color or a word; empty for the color of `background`.
+  std::string fill;
+  /// "nearest", "linear" or "area"; empty chooses by the picture.
+  std::string filter;
   /// Bits per pixel; 0 keeps the depth.
   int bits = 0;
-  /// JPEG quality, 1 to 100.
-  int quality = 90;
-  /// For TIFF files.
-  TiffCompression compression = TiffCompression::standard;
-  /// Threads for a turn and for reading and writing TIFF files; 0 is one per processor.
+  /// JPEG quality, 1 to 100. Nothing keeps that of a JPEG input.
+  std::optional<int> quality;
+  /// Sampling of the chroma of a JPEG file; 0 keeps that of a JPEG input.
+  int chromaX = 0, chromaY = 0;
+  /// For TIFF files. Nothing keeps that of a TIFF input.
+  std::optional<TiffCompression> compression;
+  /// The source of the position that counts.
+  PositionFrom positionFrom = PositionFrom::automatic;
+  /// A world file of another name than the input; empty for the one beside it.
+  std::string worldFile;
+  /// A world file is written in any case.
+  bool writesWorldFile = false;
+  /// What the output shall not have.
+  MetadataEdit edit;
+  /// Threads for a picture and for reading and writing TIFF files; 0 is one per processor.
   int threads = 0;
   /// For metafiles.
   MetafileDrawing metafile;

@@ -60,4 +60,9 @@ TProgressEvent OperationBar::Event() {
   };
 }
 
+std::function<void(double)> OperationBar::Shares() {
+  if (!visible_) return {};
+  return [event = Event()](double share) { event(static_cast<float>(share * 100)); };
+}
+
 }  // namespace rasterkit::tool

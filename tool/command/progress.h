@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <mutex>
 #include <string>
 
@@ -41,6 +42,8 @@ class OperationBar {
   /// The event that draws the bar, callable from any thread during the lifetime of this object;
   /// empty if the bar is hidden.
   TProgressEvent Event();
+  /// The same for shares from 0 to 1, which come on one thread.
+  std::function<void(double)> Shares();
 
  private:
   std::mutex mutex_;

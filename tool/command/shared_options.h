@@ -17,19 +17,28 @@ void AddOutputOptions(
         "one input, then the output; with --out-dir any number of inputs and no output");
 void AddType(Verb& verb, OutputOptions& options);
 
+/// Check of options that are angles.
+std::string CheckAngle(const std::string& text);
+
 /// Each function adds the option of that name.
 Option AddAngle(Verb& verb, PictureOptions& options);
-void AddBackground(Verb& verb, PictureOptions& options);
+/// --fill, --filter and --background of verbs that uncover corners.
+void AddCorners(Verb& verb, PictureOptions& options);
+/// `choices` is the end of the description: "nearest or linear [nearest]".
+void AddFilter(Verb& verb, PictureOptions& options, const std::string& choices,
+               const std::vector<std::string>& words);
 /// --background of verbs that uncover no corners.
-void AddSolidBackground(Verb& verb, PictureOptions& options);
+void AddBackground(Verb& verb, PictureOptions& options);
 void AddBits(Verb& verb, PictureOptions& options);
+/// --quality and --sampling.
 void AddQuality(Verb& verb, PictureOptions& options);
+/// --world-file and --position-from.
+void AddPosition(Verb& verb, PictureOptions& options);
+/// --strip and --strip-gps.
+void AddStrip(Verb& verb, PictureOptions& options);
 void AddCompression(Verb& verb, PictureOptions& options);
 /// --dpi and --size of metafiles, which exclude each other.
 void AddMetafileSize(Verb& verb, PictureOptions& options);
-/// --threads of verbs whose own work runs on several threads.
 void AddThreads(Verb& verb, PictureOptions& options);
-/// --threads of verbs that use threads only to read and write files.
-void AddFileThreads(Verb& verb, PictureOptions& options);
 
 }  // namespace rasterkit::tool

@@ -6,12 +6,10 @@
 #include <map>
 #include <mutex>
 #include <new>
-#include <thread>
 
 #include <fmt/core.h>
 
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
-#include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/runtime/files/file_name.h>
 
 #include "tool/command/exit_code.h"
@@ -20,7 +18,7 @@
 #include "tool/command/printable.h"
 #include "tool/pages/page_list.h"
 #include "tool/pages/pdf_file.h"
-#include "tool/pictures/save_picture.h"
+#include "tool/pictures/change_picture.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -159,19 +157,7 @@ class PageDrawer {
     TBitmap bitmap = DrawPage(*document, job);
     files_.Return(job.input, std::move(document));
     Recolor(bitmap);
-    SaveOptions saving;
-    saving.quality = options_.picture.quality;
-    saving.compression = options_.picture.compression;
-    const int processors = static_cast<int>(std::max(std::thread::hardware_concurrency(), 1u));
-    saving.threads = options_.picture.threads > 0 ? options_.picture.threads : processors;
-    saving.rules = job.saving;
-    JobResult result;
-    result.file = SavePicture(bitmap, job.output, saving);
-    result.type = PictureTypeName(WritableType(job.output));
-    result.width = bitmap.Width();
-    result.height = bitmap.Height();
-    result.bits = bitmap.StoredBits();
-    return result;
+    return WritePicture(Picture::Of(bitmap.Clone()), job, options_.picture);
   }
 
   TBitmap DrawPage(PdfDocument& document, const Job& job) const {

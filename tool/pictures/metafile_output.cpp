@@ -3,7 +3,6 @@
 #include <exception>
 
 #include <rasterkit/codecs/picture_type.h>
-#include <rasterkit/codecs/rows/metadata_kind.h>
 #include <rasterkit/pictures/reading/convert_metafile.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
@@ -55,7 +54,7 @@ bool IsMetafileName(const std::string& file) {
   return IsEmfName(file) || UpperCase(ExtractFileExt(file)) == ".WMF";
 }
 
-JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
+JobResult ConvertMetafile(const Job& job, const PictureOptions& options, bool isDryRun) {
   if (options.angle != 0) {
     throw Failure(exitWrongUsage,
                   job.output +
@@ -66,10 +65,12 @@ JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
   const ConvertedMetafile metafile = Load(job.input, toEnhanced);
   StopIfInterrupted();
   JobResult result;
-  result.file = WriteOutput(job.output, job.saving, [&](TStream& stream) {
+  const auto write = [&](TStream& stream) {
     if (metafile.error) std::rethrow_exception(metafile.error);
     stream.Write(metafile.bytes);
-  });
+  };
+  if (!isDryRun) result.output.file = WriteOutput(job.output, job.saving, write);
+  result.bytes = metafile.bytes.size();
   result.type = toEnhanced ? "emf" : "wmf";
   result.width = metafile.width;
   result.height = metafile.height;
@@ -81,7 +82,8 @@ JobResult ConvertMetafile(const Job& job, const PictureOptions& options) {
   }
   // The WMF file holds pixels instead of the records.
   if (metafile.wasEnhanced && !toEnhanced) {
-    result.notCarriedOver.emplace_back(MetadataKindName(MetadataKind::records));
+    result.losses.push_back(
+        {LossKind::records, "the records of the drawing", "the WMF file holds a picture of them"});
   }
   return result;
 }

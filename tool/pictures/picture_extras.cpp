@@ -7,29 +7,23 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/codecs/rows/metadata_kind.h>
-#include <rasterkit/pictures/reading/picture_file.h>
+#include <rasterkit/pictures/picture.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tool/command/printable.h"
-#include "tool/pictures/placement/map_placement.h"
+#include "tool/reports/loss_report.h"
 
 namespace rasterkit::tool {
 namespace {
 
 /// Throws Error if the file cannot be read.
 std::vector<std::string> ExtrasOf(const std::string& file, Isolation isolation) {
-  PictureReading reading;
-  reading.withPixels = false;
-  reading.isolation = isolation;
-  LoadedFrame picture;
-  ReadPicture(picture, file, reading);
-  if (picture.type == PictureType::tiff && !picture.tiff) return {};
-  std::vector<std::string> names = MetadataKindNames(picture.metadata);
-  if (picture.photo.gps) names.emplace_back(MetadataKindName(MetadataKind::gps));
-  const std::vector<std::string> sources = MapSources(file, picture.tiff.value_or(TiffFacts()));
-  names.insert(names.end(), sources.begin(), sources.end());
-  if (picture.Pictures() > 1) names.emplace_back(MetadataKindName(MetadataKind::pages));
+  OpenOptions options;
+  options.isolation = isolation;
+  const Picture picture = Picture::Open(file, options);
+  std::vector<std::string> names = KeptNames(picture, {});
+  std::erase(names, LossKindName(LossKind::resolution));
+  if (picture.Pages() > 1) names.emplace_back(LossKindName(LossKind::pages));
   return names;
 }
 
@@ -53,7 +47,7 @@ void SayWhatIsLost(const std::vector<std::string>& before, const std::string& ou
     return std::find(after.begin(), after.end(), name) == after.end();
   });
   if (lost.empty()) return;
-  PrintMessage(fmt::format("{}: not carried over: {}", output, fmt::join(lost, ", ")));
+  PrintMessage(fmt::format("{}: lost: {}", output, fmt::join(lost, ", ")));
 }
 
 }  // namespace rasterkit::tool

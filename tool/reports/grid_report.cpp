@@ -18,7 +18,7 @@ void Look(const GridFile& file, GridAnswer& answer) {
 GridAnswer AtPixel(const GridFile& file, MapPoint pixel) {
   GridAnswer answer;
   answer.pixel = pixel;
-  if (!file.positions.empty()) answer.map = ToMap(file.positions[0].affine, pixel.x, pixel.y);
+  if (!file.positions.empty()) answer.map = file.positions[0].affine.At(pixel.x, pixel.y);
   Look(file, answer);
   return answer;
 }
@@ -27,7 +27,7 @@ GridAnswer AtPixel(const GridFile& file, MapPoint pixel) {
 GridAnswer AtMapPoint(const GridFile& file, MapPoint point) {
   GridAnswer answer;
   answer.map = point;
-  answer.pixel = FromMap(file.positions[0].affine, point);
+  answer.pixel = file.positions[0].affine.Back(point);
   if (answer.pixel) {
     answer.pixel = {std::floor(answer.pixel->x + 0.5), std::floor(answer.pixel->y + 0.5)};
   }

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "tool/pictures/placement/geo_position.h"
 #include "tool/pictures/placement/grid_file.h"
 
 namespace rasterkit::tool {

@@ -124,7 +124,7 @@ void PrintText(const std::string& name, const GridReport& report) {
   if (facts.pages > 1) fmt::print(", first of {} pages", facts.pages);
   fmt::print("\n");
   PrintStatistics(report);
-  for (const GeoPosition& position : report.file.positions) {
+  for (const StatedPosition& position : report.file.positions) {
     fmt::print("  {}\n", PositionText(position));
   }
   if (report.file.positions.empty()) fmt::print("  no position on a map\n");

@@ -7,7 +7,6 @@
 #include "tool/command/exit_code.h"
 #include "tool/command/isolation_option.h"
 #include "tool/command/shared_options.h"
-#include "tool/pictures/turn.h"
 
 namespace rasterkit::tool {
 
@@ -35,41 +34,42 @@ VerbRunner PictureVerb::Changing(PictureChange change) {
   return ChangingAfter([change = std::move(change)] { return change; });
 }
 
-VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
-  output_->takesInPlace = true;
+void PictureVerb::AddSharedOptions() {
+  output_->isForPictures = true;
   AddOutputOptions(*this, *output_, answer_ ? "IN [OUT]" : "IN OUT");
   AddIsolate(*this);
   AddType(*this, *output_);
-  AddSolidBackground(*this, *picture_);
+  if (uncoversCorners_) {
+    AddCorners(*this, *picture_);
+  } else {
+    AddBackground(*this, *picture_);
+  }
+  AddBits(*this, *picture_);
   AddQuality(*this, *picture_);
   AddCompression(*this, *picture_);
-  if (worksOnThreads_) {
-    AddThreads(*this, *picture_);
-  } else {
-    AddFileThreads(*this, *picture_);
-  }
+  if (output_->takesMetafiles) AddMetafileSize(*this, *picture_);
+  AddPosition(*this, *picture_);
+  AddStrip(*this, *picture_);
+  AddThreads(*this, *picture_);
+}
+
+VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
+  AddSharedOptions();
   return [output = output_, picture = picture_, answer = answer_, asksUser = asksUser_,
           prepare = std::move(prepare)] {
     if (asksUser != nullptr && *asksUser && output->jobs > 1) {
       throw Failure(exitWrongUsage,
                     "--dialog shows one picture at a time and cannot be used with --jobs");
     }
-    if (answer && output->files.size() == 1 && output->outDir.empty() && !output->inPlace) {
-      return answer(output->files[0], output->json);
-    }
+    const bool isQuestion = output->files.size() == 1 && output->outDir.empty() && !output->inPlace;
+    if (answer && isQuestion) return answer(output->files[0], output->json);
     const std::vector<Job> jobs = PlanJobs(*output);
     picture->showsProgress = jobs.size() == 1 && !output->quiet;
     const PictureChange change = prepare();
     return RunJobs(*output, jobs, [&](const Job& job) {
-      return ConvertPicture(job, *picture, {change, {}, {}});
+      return ChangePicture(job, *picture, output->dryRun, change);
     });
   };
-}
-
-std::unique_ptr<TBitmap> LoadUpright(const std::string& file) {
-  LoadedPicture picture = LoadPicture(file);
-  TurnUpright(picture.bitmap, picture.photo.orientation.value_or(1));
-  return std::move(picture.bitmap);
 }
 
 }  // namespace rasterkit::tool

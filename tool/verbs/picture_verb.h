@@ -6,20 +6,21 @@
 #include <utility>
 
 #include "tool/command/options.h"
-#include "tool/pictures/convert_picture.h"
+#include "tool/pictures/change_picture.h"
 #include "tool/verbs/verbs.h"
 
 namespace rasterkit::tool {
 
-/// The scaffold of the verbs that change pictures one by one: load, turn upright, change, write. A
-/// verb states its name, its own options, and what it does to a bitmap; the options about files and
-/// writing, the losses and the exit codes are the same for all.
+/// The scaffold of the verbs that change pictures one by one. A verb states its name, its own
+/// options, and the steps that it adds to a picture; the options about files and writing, the
+/// losses and the exit codes are the same for all.
 ///
 ///     VerbRunner AddFadeVerb(CommandLine& line) {
 ///       PictureVerb verb(line, {"fade", "make a picture fainter", {}, {"rasterkit fade ..."}});
 ///       const auto percent = std::make_shared<int>(0);
 ///       verb.Number("--percent", "P", *percent, {0, 100}, "how much").Required();
-///       return verb.Changing([percent](Subject& picture) { Fade(*picture.bitmap, *percent); });
+///       return verb.Changing([percent](PictureWork& work) { work.picture.Change(Fade{*percent});
+///       });
 ///     }
 class PictureVerb : public Verb {
  public:
@@ -34,8 +35,12 @@ class PictureVerb : public Verb {
   /// `--dialog`: a window lets the user decide, for one picture after another.
   void Dialog(bool& isWanted, const std::string& description);
 
-  /// The change runs on several threads. Without this call, --threads is for the files only.
-  void WorksOnThreads() { worksOnThreads_ = true; }
+  /// --fill and --filter: the change uncovers corners.
+  void UncoversCorners() { uncoversCorners_ = true; }
+  /// Outputs may be metafiles, and --dpi and --size say how metafiles are drawn.
+  void TakesMetafiles() { output_->takesMetafiles = true; }
+  /// The options that are common to all verbs, for a verb that adds one of its own to them.
+  const std::shared_ptr<PictureOptions>& Options() { return picture_; }
 
   /// What the verb does with one file and no output. Without this call, that is wrong usage.
   void AnsweringForOneFile(std::function<int(const std::string& file, bool json)> answer) {
@@ -47,19 +52,17 @@ class PictureVerb : public Verb {
   VerbRunner Changing(PictureChange change);
 
   /// The same for a verb that prepares something once for all pictures: it checks options that
-  /// depend on each other, or loads a second picture.
+  /// depend on each other, or opens a second picture.
   VerbRunner ChangingAfter(std::function<PictureChange()> prepare);
 
  private:
+  void AddSharedOptions();
+
   std::function<int(const std::string& file, bool json)> answer_;
   const bool* asksUser_ = nullptr;
-  bool worksOnThreads_ = false;
+  bool uncoversCorners_ = false;
   std::shared_ptr<OutputOptions> output_ = std::make_shared<OutputOptions>();
   std::shared_ptr<PictureOptions> picture_ = std::make_shared<PictureOptions>();
 };
-
-/// Loads the picture of a file and turns it upright, for verbs that take a second one. Throws
-/// Failure(exitInputUnreadable).
-std::unique_ptr<TBitmap> LoadUpright(const std::string& file);
 
 }  // namespace rasterkit::tool

@@ -1,15 +1,9 @@
 #include <memory>
 #include <optional>
-#include <utility>
-
-#include <rasterkit/bitmaptools/engine/sharpen.h>
-#include <rasterkit/bitmaptools/engine/shift_colors.h>
 
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
-#include "tool/pictures/adjust_values.h"
 #include "tool/pictures/alpha_channel.h"
-#include "tool/pictures/change_colors.h"
 #include "tool/pictures/entry_colors.h"
 #include "tool/pictures/palette_indexes.h"
 #include "tool/verbs/picture_verb.h"
@@ -29,26 +23,9 @@ struct AdjustOptions {
   bool asksUser = false;
 };
 
-float Percent(const std::optional<int>& value) {
-  return static_cast<float>(value.value_or(0));
-}
-
-void ChangePixels(TBitmap& pixels, const Values& values, int threads) {
-  ChangeBrightness(pixels, values.brightness.value_or(0), threads);
-  ChangeContrast(pixels, values.contrast.value_or(0), threads);
-  Sharpen(&pixels, values.sharpen.value_or(0));
-  ShiftColors(&pixels, Percent(values.red), Percent(values.green), Percent(values.blue));
-}
-
-void Adjust(const Values& values, Subject& picture) {
-  TBitmap& bitmap = *picture.bitmap;
-  const auto change = [&](TBitmap& pixels) { ChangePixels(pixels, values, picture.Threads()); };
-  if (values.sharpen.value_or(0) == 0) return ChangeColors(bitmap, change);
-  // Sharpening depends on neighboring pixels, so it cannot change the palette alone.
-  const AlphaPlane alphas(bitmap);
-  bitmap.SetPixelFormat(pf24bit);
-  change(bitmap);
-  alphas.Restore(bitmap);
+AdjustColors ChangeOf(const Values& values) {
+  return {values.brightness.value_or(0), values.contrast.value_or(0), values.sharpen.value_or(0),
+          values.red.value_or(0),        values.green.value_or(0),    values.blue.value_or(0)};
 }
 
 TChgBmpValuesRec RecordOf(const Values& values) {
@@ -64,18 +41,21 @@ TChgBmpValuesRec RecordOf(const Values& values) {
 
 /// The window works on true color. The result must be what the user saw, so the palette is kept
 /// only if it can express that.
-void AskAndAdjust(const Desktop& desktop, const Values& start, Subject& picture) {
-  std::unique_ptr<TBitmap> pixels = picture.bitmap->Clone();
+void AskAndAdjust(const Desktop& desktop, const Values& start, PictureWork& work) {
+  std::unique_ptr<TBitmap> shown = work.Bitmap();
+  std::unique_ptr<TBitmap> pixels = shown->Clone();
   const AlphaPlane alphas(*pixels);
   pixels->SetPixelFormat(pf24bit);
   TChgBmpValuesRec values = RecordOf(start);
-  desktop.Adjust(*pixels, values, picture);
-  if (HasIndexes(*picture.bitmap)) {
-    const auto colors = ChangedEntries(*picture.bitmap, *pixels);
-    if (colors) return SetEntryColors(*picture.bitmap, *colors);
+  desktop.Adjust(*pixels, values, work.job.input);
+  const auto colors = HasIndexes(*shown) ? ChangedEntries(*shown, *pixels) : std::nullopt;
+  if (colors) {
+    SetEntryColors(*shown, *colors);
+  } else {
+    alphas.Restore(*pixels);
+    shown = std::move(pixels);
   }
-  alphas.Restore(*pixels);
-  picture.bitmap = std::move(pixels);
+  work.picture.Apply(PixelsStep{std::move(shown)});
 }
 
 PictureChange Prepare(const AdjustOptions& options) {
@@ -85,9 +65,11 @@ PictureChange Prepare(const AdjustOptions& options) {
                   "--green, --blue, or --dialog");
   }
   const Values values = options.values;
-  if (!options.asksUser) return [values](Subject& picture) { Adjust(values, picture); };
-  return [values, desktop = std::make_shared<Desktop>()](Subject& picture) {
-    AskAndAdjust(*desktop, values, picture);
+  if (!options.asksUser) {
+    return [values](PictureWork& work) { work.picture.Change(ChangeOf(values)); };
+  }
+  return [values, desktop = std::make_shared<Desktop>()](PictureWork& work) {
+    AskAndAdjust(*desktop, values, work);
   };
 }
 
@@ -120,7 +102,6 @@ VerbRunner AddAdjustVerb(CommandLine& line) {
   AddValue(verb, "--green", values.green, "more or less green, -100 to 100 [0]");
   AddValue(verb, "--blue", values.blue, "more or less blue, -100 to 100 [0]");
   verb.Dialog(options->asksUser, "set the values in a window that starts with those given here");
-  verb.WorksOnThreads();
   return verb.ChangingAfter([options] { return Prepare(*options); });
 }
 

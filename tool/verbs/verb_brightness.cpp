@@ -1,5 +1,3 @@
-#include "tool/pictures/adjust_values.h"
-#include "tool/pictures/change_colors.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -16,11 +14,8 @@ VerbRunner AddBrightnessVerb(CommandLine& line) {
         "rasterkit brightness faint.png stronger.png --percent -20"}});
   const auto percent = std::make_shared<int>(0);
   verb.Percent(*percent);
-  verb.WorksOnThreads();
-  return verb.Changing([percent](Subject& picture) {
-    ChangeColors(*picture.bitmap,
-                 [&](TBitmap& pixels) { ChangeBrightness(pixels, *percent, picture.Threads()); });
-  });
+  return verb.Changing(
+      [percent](PictureWork& work) { work.picture.Change(AdjustColors{.brightness = *percent}); });
 }
 
 }  // namespace rasterkit::tool

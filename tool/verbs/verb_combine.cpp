@@ -2,8 +2,6 @@
 #include <optional>
 
 #include "tool/command/exit_code.h"
-#include "tool/command/progress.h"
-#include "tool/pictures/combine_pictures.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -11,7 +9,7 @@ namespace {
 
 /// Options as typed; the mode is already checked.
 struct CombineArguments {
-  std::string mode = "key", file;
+  std::string mode = "key", file, align = "auto";
   std::optional<int> percent;
   bool gray = false;
 };
@@ -41,16 +39,16 @@ CombineOptions OptionsOf(const CombineArguments& arguments) {
   options.percent =
       arguments.percent.value_or(options.mode == CombineMode::transparent ? kHalf : 0);
   options.gray = arguments.gray;
+  if (arguments.align == "map") options.align = CombineAlign::map;
+  if (arguments.align == "none") options.align = CombineAlign::none;
   return options;
 }
 
 PictureChange Combining(const CombineArguments& arguments) {
   const CombineOptions options = OptionsOf(arguments);
-  const std::shared_ptr<const TBitmap> over = LoadUpright(arguments.file);
-  return [options, over](Subject& picture) {
-    picture.PaintTransparency();
-    OperationBar bar(picture.options.showsProgress);
-    CombinePictures(*picture.bitmap, *over, options, picture.Threads(), bar.Event());
+  return [options, over = OpenPicture(arguments.file)](PictureWork& work) {
+    work.picture.Change(PaintTransparency{work.Background()});
+    work.picture.Combine(over, options);
   };
 }
 
@@ -61,7 +59,9 @@ VerbRunner AddCombineVerb(CommandLine& line) {
       line,
       {"combine",
        "lay a second picture over a picture",
-       {"The second picture is stretched over the whole first one. The output is 24-bit.",
+       {"If both pictures are placed on a map, the second one lies where the map says; else it is "
+        "stretched over the whole first one. Pictures in different coordinate systems are refused "
+        "(exit code 4) unless --align none is given. The output is 24-bit.",
         "The mode says which parts of the second picture are drawn and how. A pixel is near white "
         "if its red, green and blue are all above 250."},
        {"rasterkit combine aerial.jpg map.png --with plan.png",
@@ -85,7 +85,9 @@ VerbRunner AddCombineVerb(CommandLine& line) {
   verb.Number("--percent", "P", arguments->percent, {0, 100}, "0 to 100, see Modes");
   verb.Flag("--gray", arguments->gray,
             "in the modes transparent and shadow: use the gray values of the first picture");
-  verb.WorksOnThreads();
+  verb.OneOf("--align", "HOW", arguments->align, {"auto", "map", "none"},
+             "map: lay the second picture where the map says; none: stretch it over the whole "
+             "picture; auto: map if both pictures are placed [auto]");
   return verb.ChangingAfter([arguments] { return Combining(*arguments); });
 }
 

@@ -12,8 +12,9 @@
 #include "tool/command/isolation_option.h"
 #include "tool/command/json.h"
 #include "tool/command/limit_options.h"
+#include "tool/pictures/change_picture.h"
 #include "tool/pictures/compare_pictures.h"
-#include "tool/verbs/picture_verb.h"
+#include "tool/verbs/verbs.h"
 
 namespace rasterkit::tool {
 namespace {

@@ -1,5 +1,3 @@
-#include "tool/pictures/adjust_values.h"
-#include "tool/pictures/change_colors.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -16,11 +14,8 @@ VerbRunner AddContrastVerb(CommandLine& line) {
         "rasterkit contrast aerial.png background.png --percent -50"}});
   const auto percent = std::make_shared<int>(0);
   verb.Percent(*percent);
-  verb.WorksOnThreads();
-  return verb.Changing([percent](Subject& picture) {
-    ChangeColors(*picture.bitmap,
-                 [&](TBitmap& pixels) { ChangeContrast(pixels, *percent, picture.Threads()); });
-  });
+  return verb.Changing(
+      [percent](PictureWork& work) { work.picture.Change(AdjustColors{.contrast = *percent}); });
 }
 
 }  // namespace rasterkit::tool

@@ -1,15 +1,11 @@
-#include <memory>
-
-#include "tool/command/command_line.h"
-#include "tool/command/isolation_option.h"
 #include "tool/command/shared_options.h"
-#include "tool/pictures/convert_picture.h"
-#include "tool/verbs/verbs.h"
+#include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
 
 VerbRunner AddConvertVerb(CommandLine& line) {
-  Verb verb = line.AddVerb(
+  PictureVerb verb(
+      line,
       {"convert",
        "turn a picture upright and write it as another type",
        {"The extension of the output chooses its type: .bmp, .jpg, .png or .tif. TIFF, GIF and "
@@ -23,24 +19,13 @@ VerbRunner AddConvertVerb(CommandLine& line) {
         "rasterkit convert plan.png plan.bmp --bits 1 --overwrite",
         "rasterkit convert scan.tif scan-small.tif --bits 1 --compression g4",
         "rasterkit convert drawing.emf drawing.png --dpi 300"}});
-  const auto output = std::make_shared<OutputOptions>();
-  const auto picture = std::make_shared<PictureOptions>();
-  output->takesMetafiles = true;
-  output->takesInPlace = true;
-  AddOutputOptions(verb, *output);
-  AddIsolate(verb);
-  AddType(verb, *output);
-  AddAngle(verb, *picture);
-  AddBackground(verb, *picture);
-  AddBits(verb, *picture);
-  AddQuality(verb, *picture);
-  AddCompression(verb, *picture);
-  AddMetafileSize(verb, *picture);
-  AddThreads(verb, *picture);
-  return [output, picture] {
-    return RunJobs(*output, PlanJobs(*output),
-                   [&](const Job& job) { return ConvertPicture(job, *picture); });
-  };
+  verb.TakesMetafiles();
+  verb.UncoversCorners();
+  const std::shared_ptr<PictureOptions> options = verb.Options();
+  AddAngle(verb, *options);
+  return verb.Changing([](PictureWork& work) {
+    if (work.options.angle != 0) work.picture.Rotate(work.options.angle, work.Corners());
+  });
 }
 
 }  // namespace rasterkit::tool

@@ -5,60 +5,59 @@
 #include "tool/arguments/rect_argument.h"
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
-#include "tool/pictures/crop_rows.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
 namespace {
 
-TRect RectOf(const CropStep& part) {
-  return {part.left, part.top, part.left + part.width, part.top + part.height};
-}
-
 struct CropOptions {
-  /// Rectangle as typed, already checked; or empty.
-  std::string rect;
+  /// Rectangles as typed, already checked; or empty.
+  std::string rect, mapRect;
   bool asksUser = false;
 };
 
-/// Moves the top left corner on the map; the size of the pixels stays the same.
-void MovePlace(std::optional<TiffGeoTags>& place, const CropStep& part) {
-  if (!place) return;
-  place->tiePoint[3] += part.left * place->pixelScale[0];
-  place->tiePoint[4] -= part.top * place->pixelScale[1];
+void CropTo(const CropStep& part, PictureWork& work) {
+  const int width = work.picture.Width(), height = work.picture.Height();
+  const bool isInside = part.left >= 0 && part.left < width && part.width <= width - part.left &&
+                        part.top >= 0 && part.top < height && part.height <= height - part.top;
+  if (!isInside) {
+    work.Refuse(
+        fmt::format("the rectangle {},{},{},{} is not inside the picture, which has {} x {} pixels",
+                    part.left, part.top, part.width, part.height, width, height));
+  }
+  work.picture.Crop(part);
 }
 
-void CropTo(const CropStep& part, Subject& picture) {
-  const TBitmap& bitmap = *picture.bitmap;
-  const bool isInside = part.left < bitmap.Width() && part.width <= bitmap.Width() - part.left &&
-                        part.top < bitmap.Height() && part.height <= bitmap.Height() - part.top;
-  if (!isInside) {
-    picture.Refuse(
-        fmt::format("the rectangle {},{},{},{} is not inside the picture, which "
-                    "has {} x {} pixels",
-                    part.left, part.top, part.width, part.height, bitmap.Width(), bitmap.Height()));
-  }
-  Crop(*picture.bitmap, RectOf(part));
-  MovePlace(picture.place, part);
+/// Says which pixels the map rectangle was rounded to.
+void CropOnMap(const std::string& typed, PictureWork& work) {
+  work.picture.Crop(ParseMapRect(typed).value());
+  const auto* const part = std::get_if<CropStep>(&work.picture.Steps().back());
+  if (part == nullptr) return;
+  work.notes.push_back(fmt::format("the rectangle on the map is {},{},{},{} in pixels", part->left,
+                                   part->top, part->width, part->height));
 }
 
 /// Starts with the rectangle `start` if it is inside the picture.
-void AskAndCrop(const Desktop& desktop, const CropStep& start, Subject& picture) {
-  TRect rect = RectOf(start);
-  desktop.ChooseCropRect(rect, picture);
-  CropTo({rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top}, picture);
+void AskAndCrop(const Desktop& desktop, const CropStep& start, PictureWork& work) {
+  TRect rect = {start.left, start.top, start.left + start.width, start.top + start.height};
+  desktop.ChooseCropRect(*work.Bitmap(), rect, work.job.input);
+  CropTo({rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top}, work);
 }
 
 PictureChange Prepare(const CropOptions& options) {
-  if (options.rect.empty() && !options.asksUser) {
-    throw Failure(exitWrongUsage, "crop needs --rect X,Y,W,H or --dialog");
+  if (options.rect.empty() && options.mapRect.empty() && !options.asksUser) {
+    throw Failure(exitWrongUsage,
+                  "crop needs --rect X,Y,W,H, --map-rect MINX,MINY,MAXX,MAXY or --dialog");
+  }
+  if (!options.mapRect.empty()) {
+    return [options](PictureWork& work) { CropOnMap(options.mapRect, work); };
   }
   const RectArgument rect = ParseRect(options.rect).value_or(RectArgument());
   const auto desktop = options.asksUser ? std::make_shared<Desktop>() : nullptr;
-  return [rect, desktop](Subject& picture) {
-    const CropStep part = rect.For(picture.bitmap->Width(), picture.bitmap->Height());
-    if (desktop) return AskAndCrop(*desktop, part, picture);
-    CropTo(part, picture);
+  return [rect, desktop](PictureWork& work) {
+    const CropStep part = rect.For(work.picture.Width(), work.picture.Height());
+    if (desktop) return AskAndCrop(*desktop, part, work);
+    CropTo(part, work);
   };
 }
 
@@ -71,14 +70,22 @@ VerbRunner AddCropVerb(CommandLine& line) {
        "cut a rectangle out of a picture",
        {"Pixels are counted in the upright picture, from 0,0 at the top left. No pixel changes its "
         "color. A rectangle that is not inside the picture is refused (exit code 4).",
+        "--map-rect takes the rectangle in map units. Each edge moves to the nearest pixel corner, "
+        "and the result is printed; in a turned picture the part holds the whole rectangle.",
         "With --dialog a window shows the picture, and you draw the rectangle with the mouse. "
         "Canceling the window ends with exit code 1."},
        {"rasterkit crop plan.png legend.png --rect 1200,80,640,480",
+        "rasterkit crop scan.jpg inner.jpg --rect 10%,10%,80%,80%",
+        "rasterkit crop map.tif town.tif --map-rect 500000,5400000,501000,5400800",
         "rasterkit crop plan.png legend.png --dialog"}});
   const auto options = std::make_shared<CropOptions>();
-  verb.Text("--rect", "X,Y,W,H", options->rect, CheckRect,
-            "left, top, width and height of the part to keep, in pixels or in percent of the "
-            "picture (10%,10%,80%,80%)");
+  const Option rect = verb.Text(
+      "--rect", "X,Y,W,H", options->rect, CheckRect,
+      "left, top, width and height of the part to keep, in pixels or in percent of the picture "
+      "(10%,10%,80%,80%)");
+  const Option mapRect = verb.Text("--map-rect", "MINX,MINY,MAXX,MAXY", options->mapRect,
+                                   CheckMapRect, "the part to keep in map units");
+  mapRect.Excludes(rect);
   verb.Dialog(options->asksUser,
               "choose the rectangle in a window that starts with the one of --rect");
   return verb.ChangingAfter([options] { return Prepare(*options); });

@@ -8,13 +8,13 @@
 #include "tool/command/interruption.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/output_file.h"
+#include "tool/command/output_type.h"
 #include "tool/command/shared_options.h"
 #include "tool/pictures/exif/exif_copy.h"
 #include "tool/pictures/exif/exif_losses.h"
 #include "tool/pictures/exif/exif_thumbnail.h"
 #include "tool/pictures/exif/jpeg_header.h"
 #include "tool/pictures/exif/jpeg_input.h"
-#include "tool/pictures/save_picture.h"
 #include "tool/reports/exif_report.h"
 #include "tool/verbs/verbs.h"
 
@@ -40,7 +40,8 @@ JobResult Saved(const Bytes& jpeg, const Job& job) {
   result.width = header.width;
   result.height = header.height;
   result.bits = header.components == 1 ? 8 : 24;
-  result.file = WriteOutput(job.output, job.saving, [&](TStream& stream) { stream.Write(jpeg); });
+  result.output.file =
+      WriteOutput(job.output, job.saving, [&](TStream& stream) { stream.Write(jpeg); });
   return result;
 }
 

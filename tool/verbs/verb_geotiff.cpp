@@ -102,7 +102,9 @@ PlacementOptions PlacementOf(const GeoTiffOptions& options) {
   placement.worldFile = options.worldFile;
   if (options.origin.empty()) return placement;
   const MapPoint origin = PointOf(options.origin), size = PointOf(options.pixelSize);
-  placement.given = {origin.x, origin.y, size.x, size.y};
+  constexpr double kHalf = 0.5;
+  placement.given =
+      Affine{size.x, 0, 0, -size.y, origin.x + kHalf * size.x, origin.y - kHalf * size.y};
   return placement;
 }
 

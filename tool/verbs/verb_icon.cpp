@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <memory>
 
+#include <fmt/core.h>
+
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/icon.h>
@@ -8,12 +10,14 @@
 
 #include "tool/arguments/size_argument.h"
 #include "tool/command/command_line.h"
+#include "tool/command/interruption.h"
 #include "tool/command/isolation_option.h"
 #include "tool/command/output_file.h"
 #include "tool/command/shared_options.h"
 #include "tool/pictures/alpha_channel.h"
-#include "tool/pictures/convert_picture.h"
+#include "tool/pictures/change_picture.h"
 #include "tool/pictures/crop_rows.h"
+#include "tool/reports/loss_report.h"
 #include "tool/verbs/verbs.h"
 
 namespace rasterkit::tool {
@@ -50,35 +54,60 @@ void Stretch(std::unique_ptr<TBitmap>& bitmap, const std::string& size) {
   bitmap = std::move(stretched);
 }
 
-void MakeIcon(Subject& picture, const IconOptions& options) {
-  TBitmap& bitmap = *picture.bitmap;
+void MakeIcon(std::unique_ptr<TBitmap>& bitmap, const IconOptions& options,
+              const PictureWork& work) {
   if (options.leftHalf) {
-    if (bitmap.Width() < 2) picture.Refuse("a picture of one column has no left half");
-    Crop(bitmap, {0, 0, bitmap.Width() / 2, bitmap.Height()});
+    if (bitmap->Width() < 2) work.Refuse("a picture of one column has no left half");
+    Crop(*bitmap, {0, 0, bitmap->Width() / 2, bitmap->Height()});
   }
-  MakeAlpha(picture.bitmap, options.solid);
-  if (!options.size.empty()) Stretch(picture.bitmap, options.size);
-  if (std::max(picture.bitmap->Width(), picture.bitmap->Height()) > kLargestIcon) {
-    picture.Refuse("an icon has at most 256 x 256 pixels; --size 256x makes it smaller");
+  MakeAlpha(bitmap, options.solid);
+  if (!options.size.empty()) Stretch(bitmap, options.size);
+  if (std::max(bitmap->Width(), bitmap->Height()) > kLargestIcon) {
+    work.Refuse("an icon has at most 256 x 256 pixels; --size 256x makes it smaller");
   }
-  picture.bitmap->SetProfile({});
-  picture.bitmap->SetDpi({});
-  picture.place.reset();
 }
 
-std::unique_ptr<AtomicFile> WriteIcon(const LoadedPicture& picture, const Job& job) {
+/// An icon file holds nothing but pixels. The resolution says nothing there.
+std::vector<Loss> LossesOf(const Picture& picture) {
+  std::vector<Loss> losses;
+  for (const LossKind kind : KindsOf(picture)) {
+    if (kind == LossKind::resolution) continue;
+    losses.push_back({kind, LossKindName(kind), "an icon file holds pixels alone"});
+  }
+  if (picture.Pages() > 1) {
+    losses.push_back({LossKind::pages,
+                      fmt::format("{} of {} pictures", picture.Pages() - 1, picture.Pages()),
+                      "an icon file gets one picture"});
+  }
+  return losses;
+}
+
+JobResult WriteIcon(const Job& job, const IconOptions& options) {
+  const PictureOptions plain;
+  const PictureWork work{OpenPicture(job.input), job, plain};
+  std::unique_ptr<TBitmap> bitmap;
+  JobResult result;
+  DoWork(job, [&] {
+    bitmap = work.Bitmap();
+    MakeIcon(bitmap, options, work);
+  });
+  StopIfInterrupted();
   TIcon icon;
-  icon.Assign(picture.bitmap.get());
-  return WriteOutput(job.output, job.saving, [&](TStream& stream) { icon.SaveToStream(stream); });
+  icon.Assign(bitmap.get());
+  result.output.file =
+      WriteOutput(job.output, job.saving, [&](TStream& stream) { icon.SaveToStream(stream); });
+  result.type = "ico";
+  result.width = bitmap->Width();
+  result.height = bitmap->Height();
+  result.bits = bitmap->StoredBits();
+  result.losses = LossesOf(work.picture);
+  return result;
 }
 
 int Run(IconOptions options) {
   if (!options.output.outDir.empty()) options.output.type = "ico";
   const std::vector<Job> jobs = PlanJobs(options.output, ".ico");
-  const PictureSteps steps = {[&](Subject& picture) { MakeIcon(picture, options); }, WriteIcon,
-                              "ico"};
-  return RunJobs(options.output, jobs,
-                 [&](const Job& job) { return ConvertPicture(job, PictureOptions(), steps); });
+  return RunJobs(options.output, jobs, [&](const Job& job) { return WriteIcon(job, options); });
 }
 
 }  // namespace

@@ -1,25 +1,7 @@
-#include <rasterkit/bitmaptools/pixels/transparency.h>
-
 #include "tool/arguments/color_argument.h"
-#include "tool/pictures/alpha_channel.h"
-#include "tool/pictures/change_colors.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
-namespace {
-
-struct KeyOptions {
-  std::string color;
-  bool transparent = false;
-};
-
-void ReplaceKey(TBitmap& bitmap, const KeyOptions& options) {
-  const TColor color = ColorOf(options.color);
-  ChangeColors(bitmap, [&](TBitmap& pixels) { SetTransColor(pixels, color); });
-  if (options.transparent) MarkTransparent(bitmap, color);
-}
-
-}  // namespace
 
 VerbRunner AddKeyColorVerb(CommandLine& line) {
   PictureVerb verb(
@@ -30,10 +12,13 @@ VerbRunner AddKeyColorVerb(CommandLine& line) {
         "left pixel: the key color. Every pixel of exactly that color gets the new color."},
        {"rasterkit key-color symbol.bmp on-white.bmp --color FFFFFF",
         "rasterkit key-color symbol.bmp symbol.png --color FF00FF --transparent"}});
-  const auto options = std::make_shared<KeyOptions>();
-  verb.Color("--color", options->color, "the new color").Required();
-  verb.Flag("--transparent", options->transparent, "mark the new color as transparent (PNG)");
-  return verb.Changing([options](Subject& picture) { ReplaceKey(*picture.bitmap, *options); });
+  const auto color = std::make_shared<std::string>();
+  const auto transparent = std::make_shared<bool>(false);
+  verb.Color("--color", *color, "the new color").Required();
+  verb.Flag("--transparent", *transparent, "mark the new color as transparent (PNG)");
+  return verb.Changing([color, transparent](PictureWork& work) {
+    work.picture.Change(ReplaceKeyColor{ColorOf(*color), *transparent});
+  });
 }
 
 }  // namespace rasterkit::tool

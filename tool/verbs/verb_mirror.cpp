@@ -1,5 +1,3 @@
-#include <rasterkit/bitmaptools/rotation/orient.h>
-
 #include "tool/command/exit_code.h"
 #include "tool/verbs/picture_verb.h"
 
@@ -14,10 +12,9 @@ PictureChange Mirroring(const Sides& sides) {
   if (!sides.horizontal && !sides.vertical) {
     throw Failure(exitWrongUsage, "mirror needs --horizontal or --vertical, or both");
   }
-  return [sides](Subject& picture) {
-    if (sides.horizontal) Reorient(*picture.bitmap, Orientation::FlipHorizontally);
-    if (sides.vertical) Reorient(*picture.bitmap, Orientation::FlipVertically);
-    picture.place.reset();
+  return [sides](PictureWork& work) {
+    if (sides.horizontal) work.picture.Mirror(MirrorAxis::leftRight);
+    if (sides.vertical) work.picture.Mirror(MirrorAxis::topBottom);
   };
 }
 

@@ -1,25 +1,29 @@
-#include <rasterkit/bitmaptools/pixels/color.h>
-#include <rasterkit/bitmaptools/pixels/gray_mono.h>
-
 #include "tool/arguments/color_argument.h"
+#include "tool/arguments/numbers.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
 namespace {
 
+constexpr const char* kByPicture = "otsu";
+
 struct MonoOptions {
-  int threshold = 125;
+  /// Nothing: chosen for each picture.
+  std::optional<int> threshold = 125;
   std::string dark = "000000", light = "FFFFFF";
 };
 
-void MakeMono(Subject& picture, const MonoOptions& options) {
-  picture.PaintTransparency();
-  uint8_t red[2], green[2], blue[2];
-  GetRGB(ColorOf(options.dark), red[0], green[0], blue[0]);
-  GetRGB(ColorOf(options.light), red[1], green[1], blue[1]);
-  ColorBmpTo1Bit(picture.bitmap.get(), options.threshold, red[0], green[0], blue[0], red[1],
-                 green[1], blue[1]);
-  picture.bitmap->SetProfile({});
+std::optional<int> ParseThreshold(const std::string& text) {
+  constexpr int kMost = 256;
+  const auto number = ParseNumber(text);
+  const bool ok =
+      number && *number >= 0 && *number <= kMost && *number == static_cast<int>(*number);
+  return ok ? std::optional(static_cast<int>(*number)) : std::nullopt;
+}
+
+std::string CheckThreshold(const std::string& text) {
+  const bool ok = text == kByPicture || ParseThreshold(text);
+  return ok ? std::string() : "must be a whole number from 0 to 256, or otsu, not '" + text + "'";
 }
 
 }  // namespace
@@ -30,15 +34,23 @@ VerbRunner AddMonoVerb(CommandLine& line) {
                     "make a picture black and white",
                     {"Pixels with a gray value below the threshold become black, all others "
                      "white. The output is 1-bit. With threshold 0 everything is white, with 256 "
-                     "everything is black."},
+                     "everything is black. With otsu the threshold is chosen for each picture: the "
+                     "one that best divides its grays into dark and light."},
                     {"rasterkit mono scan.jpg plan.tif --threshold 160",
+                     "rasterkit mono scan.jpg plan.tif --threshold otsu",
                      "rasterkit mono scan.jpg blueprint.png --dark 003080 --light F0F8FF"}});
   const auto options = std::make_shared<MonoOptions>();
-  verb.Number("--threshold", "T", options->threshold, {0, 256},
-              "lowest gray value that becomes white, 0 to 256 [125]");
-  verb.Color("--dark", options->dark, "color instead of black [000000]");
-  verb.Color("--light", options->light, "color instead of white [FFFFFF]");
-  return verb.Changing([options](Subject& picture) { MakeMono(picture, *options); });
+  verb.Parsed(
+      "--threshold", "T|otsu",
+      [options](const std::string& text) { options->threshold = ParseThreshold(text); },
+      CheckThreshold, "lowest gray value that becomes white, 0 to 256, or otsu [125]");
+  verb.Color("--dark", options->dark, "color instead of black [black]");
+  verb.Color("--light", options->light, "color instead of white [white]");
+  return verb.Changing([options](PictureWork& work) {
+    work.picture.Change(PaintTransparency{work.Background()});
+    work.picture.Change(
+        MakeMono{options->threshold, ColorOf(options->dark), ColorOf(options->light)});
+  });
 }
 
 }  // namespace rasterkit::tool

@@ -1,40 +1,6 @@
-#include <rasterkit/bitmaptools/pixels/transparency.h>
-
-#include "tool/arguments/color_argument.h"
-#include "tool/pictures/alpha_channel.h"
-#include "tool/pictures/palette_indexes.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
-namespace {
-
-/// Keeps the palette and its depth: transparent entries get the background color.
-void PaintKeyEntries(TBitmap& bitmap, TColor background) {
-  const TColor key = bitmap.TransparentColor();
-  TColorTable table = PaletteTable(bitmap.Palette());
-  for (tagPALETTEENTRY& entry : table) {
-    if (EntryColor(entry) == key) {
-      entry = {static_cast<uint8_t>(background), static_cast<uint8_t>(background >> 8),
-               static_cast<uint8_t>(background >> 16), entry.peFlags};
-    }
-  }
-  const auto count = static_cast<size_t>(bitmap.Palette().Count());
-  bitmap.SetPalette(HPALETTE(std::span(table).first(count)));
-  bitmap.SetTransparent(false);
-}
-
-void MakeOpaque(Subject& picture) {
-  TBitmap& bitmap = *picture.bitmap;
-  const TColor background = ColorOf(picture.options.background);
-  if (!HasTransparency(bitmap)) return;
-  if (HasIndexes(bitmap)) return PaintKeyEntries(bitmap, background);
-  // For white, ResetTransparent handles fully transparent pixels; the rest is blended.
-  bitmap.SetTransparent(true);
-  if (background == clWhite) ResetTransparent(bitmap);
-  DropTransparency(picture.bitmap, background);
-}
-
-}  // namespace
 
 VerbRunner AddOpaqueVerb(CommandLine& line) {
   PictureVerb verb(line, {"opaque",
@@ -43,7 +9,8 @@ VerbRunner AddOpaqueVerb(CommandLine& line) {
                            "pixels are blended with it."},
                           {"rasterkit opaque logo.png on-white.png",
                            "rasterkit opaque logo.png on-gray.png --background C0C0C0"}});
-  return verb.Changing(MakeOpaque);
+  return verb.Changing(
+      [](PictureWork& work) { work.picture.Change(PaintTransparency{work.Background()}); });
 }
 
 }  // namespace rasterkit::tool

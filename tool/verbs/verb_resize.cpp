@@ -4,47 +4,56 @@
 
 #include <rasterkit/pictures/reading/picture_size.h>
 
+#include "tool/arguments/fill_argument.h"
 #include "tool/arguments/size_argument.h"
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
-#include "tool/pictures/resize_picture.h"
+#include "tool/command/shared_options.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
 namespace {
 
-struct ResizeOptions {
+struct SizeOptions {
   /// Size as typed, already checked; or empty.
   std::string size;
+  /// The old name of --filter for pictures with a palette.
   bool smooth = false;
   bool asksUser = false;
 };
 
 /// The given size, or else that of the picture.
-PictureSize SizeFor(const std::string& typed, const TBitmap& bitmap) {
-  const SizeArgument own{{bitmap.Width(), bitmap.Height()}};
-  return ParseSizeArgument(typed).value_or(own).For(bitmap.Width(), bitmap.Height());
+PictureSize SizeFor(const std::string& typed, const Picture& picture) {
+  const SizeArgument own{{picture.Width(), picture.Height()}};
+  return ParseSizeArgument(typed).value_or(own).For(picture.Width(), picture.Height());
 }
 
-PictureSize AskForSize(const Desktop& desktop, PictureSize size, const Subject& picture) {
-  desktop.EditSize(size.width, size.height, picture);
+PictureSize AskForSize(const Desktop& desktop, PictureSize size, const PictureWork& work) {
+  desktop.EditSize(size.width, size.height, work.job.input);
   if (!size.IsPossible()) {
-    picture.Refuse(
+    work.Refuse(
         fmt::format("{} x {} is not a valid size: width and height must be from 1 to 1000000",
                     size.width, size.height));
   }
   return size;
 }
 
-PictureChange Prepare(const ResizeOptions& options) {
+Filter FilterFor(const SizeOptions& options, PictureWork& work, const PictureSize& size) {
+  if (!options.smooth || !work.options.filter.empty()) return FilterOf(work.options.filter);
+  work.notes.emplace_back("--smooth is an old name of --filter area and --filter linear");
+  const bool shrinks = size.width < work.picture.Width() || size.height < work.picture.Height();
+  return shrinks ? Filter::area : Filter::linear;
+}
+
+PictureChange Prepare(const SizeOptions& options) {
   if (options.size.empty() && !options.asksUser) {
     throw Failure(exitWrongUsage, "resize needs --size WxH or --dialog");
   }
   const auto desktop = options.asksUser ? std::make_shared<Desktop>() : nullptr;
-  return [options, desktop](Subject& picture) {
-    PictureSize size = SizeFor(options.size, *picture.bitmap);
-    if (desktop) size = AskForSize(*desktop, size, picture);
-    ResizePicture(picture, size, options.smooth);
+  return [options, desktop](PictureWork& work) {
+    PictureSize size = SizeFor(options.size, work.picture);
+    if (desktop) size = AskForSize(*desktop, size, work);
+    work.picture.Resize(size.width, size.height, {FilterFor(options, work, size)});
   };
 }
 
@@ -55,20 +64,25 @@ VerbRunner AddResizeVerb(CommandLine& line) {
       line,
       {"resize",
        "change the number of pixels of a picture",
-       {"True color and gray pictures are averaged when they shrink and interpolated when they "
-        "grow. Other pictures with a palette, black and white included, keep it and use the "
-        "nearest pixel, unless --smooth turns them into true color.",
+       {"Pictures are averaged when they shrink and interpolated when they grow. Pictures with a "
+        "palette keep it and use the nearest pixel, unless --filter turns them into true color. "
+        "Black and white becomes gray when it shrinks; --bits 1 makes it black and white again.",
         "The size on paper stays the same: half the pixels are half the dots per inch. Canceling "
         "the window of --dialog ends with exit code 1."},
        {"rasterkit resize photo.jpg small.jpg --size 1000x",
-        "rasterkit resize plan.png preview.png --size 800x600 --smooth",
+        "rasterkit resize photo.jpg small.jpg --size 50%",
+        "rasterkit resize plan.png preview.png --size 800x600 --filter area",
         "rasterkit resize photo.jpg small.jpg --dialog"}});
-  const auto options = std::make_shared<ResizeOptions>();
+  const auto options = std::make_shared<SizeOptions>();
   verb.Text("--size", "WxH", options->size, CheckSizeOrPercent,
             "width and height: pixels from 1 to 1000000 (800x600), one side alone to keep the "
             "proportions (800x, x600), or percent (50%, 50%x25%)");
-  verb.Flag("--smooth", options->smooth, "average pictures with a palette as well");
+  verb.Flag("--smooth", options->smooth, "average pictures with a palette as well").Hidden();
   verb.Dialog(options->asksUser, "enter the size in a window that starts with the one of --size");
+  AddFilter(verb, *verb.Options(),
+            "nearest, linear or area [area when shrinking, linear when growing, nearest for "
+            "palettes]",
+            {"nearest", "linear", "area"});
   return verb.ChangingAfter([options] { return Prepare(*options); });
 }
 

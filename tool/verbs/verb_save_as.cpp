@@ -16,9 +16,8 @@
 #include "tool/command/exit_code.h"
 #include "tool/command/isolation_option.h"
 #include "tool/command/printable.h"
-#include "tool/pictures/convert_picture.h"
-#include "tool/pictures/picture_input.h"
-#include "tool/pictures/resize_picture.h"
+#include "tool/pictures/change_picture.h"
+#include "tool/reports/layout_facts.h"
 #include "tool/verbs/verbs.h"
 
 namespace rasterkit::tool {
@@ -46,25 +45,19 @@ int32_t GraphicTypeOf(PictureType type) {
   return graphicType == gtNone ? gtPng : graphicType;
 }
 
-/// Width and height after the picture is turned upright.
-PictureSize UprightSize(const LoadedPicture& picture) {
-  constexpr int kFirstLying = 5;
-  PictureSize size{picture.bitmap->Width(), picture.bitmap->Height()};
-  if (picture.photo.orientation.value_or(1) >= kFirstLying) std::swap(size.width, size.height);
-  return size;
-}
-
 /// Initial values from the picture. 0 dots per inch if the file states no resolution.
-Settings AsItIs(const std::string& file, const LoadedPicture& picture) {
+Settings AsItIs(const std::string& file, const Picture& picture) {
   constexpr int kUsualQuality = 90;
-  const int32_t type = GraphicTypeOf(picture.type);
-  const int32_t dpi = static_cast<int32_t>(std::lrint(picture.bitmap->Dpi().x));
+  const int32_t type = GraphicTypeOf(picture.SourceType());
+  const int32_t dpi = static_cast<int32_t>(std::lrint(picture.GetMetadata().resolution.x));
   std::string name = ExtractFileName(file);
   // The window derives the type from the extension.
   if (GetGraphicsType(ExtractFileExt(name)) != type) {
     name = ChangeFileExt(name, GetGraphicsExt(type));
   }
-  return {{type, picture.bitmap->StoredBits(), dpi, 0, kUsualQuality}, UprightSize(picture), name};
+  return {{type, ShownBits(picture.Layout(), picture.SourceType()), dpi, 0, kUsualQuality},
+          {picture.Width(), picture.Height()},
+          name};
 }
 
 Settings Ask(const std::string& file, const Settings& start, bool asksForPixels) {
@@ -80,41 +73,41 @@ Settings Ask(const std::string& file, const Settings& start, bool asksForPixels)
   return settings;
 }
 
-void ChangeSize(Subject& picture, const PictureSize& size) {
+void ChangeSize(PictureWork& work, const PictureSize& size) {
   if (!size.IsPossible()) {
-    picture.Refuse(
+    work.Refuse(
         fmt::format("{} x {} is not a valid size: width and height must be from 1 to 1000000",
                     size.width, size.height));
   }
-  ResizePicture(picture, size, false);
+  work.picture.Resize(size.width, size.height);
 }
 
 /// Applies the settings that the user changed. Unchanged settings keep their exact values.
-void Apply(const Settings& settings, const Settings& start, Subject& picture) {
+void Apply(const Settings& settings, const Settings& start, PictureWork& work) {
   const bool isOtherSize =
       settings.size.width != start.size.width || settings.size.height != start.size.height;
-  if (isOtherSize) ChangeSize(picture, settings.size);
+  if (isOtherSize) ChangeSize(work, settings.size);
   if (settings.rec.BitsPerInch == start.rec.BitsPerInch) return;
   const double dpi = settings.rec.BitsPerInch;
-  picture.bitmap->SetDpi({dpi, dpi});
+  MetadataEdit edit;
+  edit.resolution = Resolution{dpi, dpi};
+  work.picture.Edit(edit);
 }
 
 int Run(const SaveAsOptions& options) {
   const std::string file = std::filesystem::absolute(ToPath(options.file)).string();
-  LoadedPicture picture = LoadPicture(file);
-  const Settings start = AsItIs(file, picture);
+  const Settings start = AsItIs(file, OpenPicture(file));
   const Settings settings = Ask(file, start, options.asksForPixels);
   PictureOptions saving;
-  saving.quality = settings.rec.JpgQuality;
+  if (settings.rec.JpgQuality != start.rec.JpgQuality) saving.quality = settings.rec.JpgQuality;
   if (settings.rec.BitsPerPix != start.rec.BitsPerPix) saving.bits = settings.rec.BitsPerPix;
-  PictureSteps steps;
-  steps.change = [&](Subject& subject) { Apply(settings, start, subject); };
+  const auto change = [&](PictureWork& work) { Apply(settings, start, work); };
   OutputOptions output;
   // The window has already asked about overwriting.
   output.overwrite = true;
   output.strict = options.strict;
   output.noSync = options.noSync;
-  const auto save = [&](const Job& job) { return ConvertLoaded(picture, job, saving, steps); };
+  const auto save = [&](const Job& job) { return ChangePicture(job, saving, false, change); };
   const int code = RunJobs(output, {{file, settings.fileName, 0, output.Saving()}}, save);
   if (code == exitDone || code == exitNotCarriedOver) {
     fmt::print("{}\n", OnOneLine(settings.fileName));

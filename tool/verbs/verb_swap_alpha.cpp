@@ -1,20 +1,6 @@
-#include <rasterkit/bitmaptools/engine/composition.h>
-
-#include "tool/pictures/alpha_channel.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
-namespace {
-
-void Swap(Subject& picture) {
-  if (!HasTransparency(*picture.bitmap)) {
-    picture.Refuse("the picture has no transparency; swapping would hide all of it");
-  }
-  KeyToAlpha(*picture.bitmap);
-  SwapAlpha(picture.bitmap.get());
-}
-
-}  // namespace
 
 VerbRunner AddSwapAlphaVerb(CommandLine& line) {
   PictureVerb verb(
@@ -25,7 +11,7 @@ VerbRunner AddSwapAlphaVerb(CommandLine& line) {
         "partly transparent. Colors do not change. A picture without transparency is refused (exit "
         "code 4)."},
        {"rasterkit swap-alpha hole.png plug.png"}});
-  return verb.Changing(Swap);
+  return verb.Changing([](PictureWork& work) { work.picture.Change(SwapOpacity()); });
 }
 
 }  // namespace rasterkit::tool

@@ -1,35 +1,6 @@
-#include <rasterkit/bitmaptools/engine/composition.h>
-#include <rasterkit/bitmaptools/pixels/gray_mono.h>
-
-#include "tool/pictures/alpha_channel.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
-namespace {
-
-/// WaterMarkedBitmap uses only the red channel of the mark's palette. In a gray mark every color
-/// counts by its darkness, and no color is lost in the conversion to a palette.
-std::unique_ptr<TBitmap> LoadMark(const std::string& file) {
-  std::unique_ptr<TBitmap> mark = LoadUpright(file);
-  if (HasTransparency(*mark)) DropTransparency(mark, clWhite);
-  mark->SetPixelFormat(pf24bit);
-  BitmapToGray(mark.get(), false);
-  return mark;
-}
-
-void Press(const TBitmap& mark, Subject& picture) {
-  const AlphaPlane alphas(*picture.bitmap);
-  // The routine converts its mark, so each picture needs a copy.
-  const auto ownMark = mark.Clone();
-  auto marked = WaterMarkedBitmap(*picture.bitmap, *ownMark);
-  marked->CarryFrom(
-      *picture.bitmap,
-      {.palette = false, .alphaFormat = false, .transparency = CarriedTransparency::none});
-  picture.bitmap = std::move(marked);
-  alphas.Restore(*picture.bitmap);
-}
-
-}  // namespace
 
 VerbRunner AddWatermarkVerb(CommandLine& line) {
   PictureVerb verb(
@@ -45,8 +16,9 @@ VerbRunner AddWatermarkVerb(CommandLine& line) {
   const auto file = std::make_shared<std::string>();
   verb.With(*file);
   return verb.ChangingAfter([file]() -> PictureChange {
-    const std::shared_ptr<const TBitmap> mark = LoadMark(*file);
-    return [mark](Subject& picture) { Press(*mark, picture); };
+    return [mark = OpenPicture(*file)](PictureWork& work) {
+      work.picture.Combine(mark, {.mode = CombineMode::watermark, .align = CombineAlign::none});
+    };
   });
 }
 

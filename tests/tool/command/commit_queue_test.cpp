@@ -48,8 +48,9 @@ TEST(CommitQueueTest, FewOpenFiles_AreEnoughForManyOutputs) {
     {
       CommitQueue queue;
       for (int i = 0; i < kCount; ++i) {
-        auto file = std::make_unique<AtomicFile>(folder / std::to_string(i));
-        queue.Add(std::move(file), [&](const AtomicFile&, const std::exception_ptr& error) {
+        tool::FinishedOutput output;
+        output.file = std::make_unique<AtomicFile>(folder / std::to_string(i));
+        queue.Add(std::move(output), [&](const auto&, const std::exception_ptr& error) {
           if (!error) ++saved;
         });
       }

@@ -15,7 +15,7 @@
 #include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/printable.h"
-#include "tool/pictures/placement/world_file.h"
+#include "tool/pictures/placement/position_tags.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -73,15 +73,12 @@ void Load(GridFile& result, const std::string& file) {
 
 /// A world file that cannot be read gives no position; the tags are used.
 void AddPositions(GridFile& result, const std::string& file) {
-  result.positions = PositionsOf(file, result.facts);
-  const auto worldFile = FindWorldFile(file);
-  if (worldFile && !PositionBeside(file)) {
-    result.warnings.push_back(*worldFile + " does not begin with six numbers and is ignored");
-  }
-  if (const auto doubt = PositionDoubt(result.positions, static_cast<int>(result.facts.width),
-                                       static_cast<int>(result.facts.height))) {
-    result.warnings.push_back(*doubt);
-  }
+  Placement placement =
+      ReadPlacement(file, PositionTagsOf(result.facts), static_cast<int>(result.facts.width),
+                    static_cast<int>(result.facts.height));
+  result.positions = std::move(placement.stated);
+  result.warnings.insert(result.warnings.end(), placement.warnings.begin(),
+                         placement.warnings.end());
 }
 
 }  // namespace

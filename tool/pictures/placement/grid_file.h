@@ -6,8 +6,7 @@
 
 #include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/pictures/reading/grid.h>
-
-#include "tool/pictures/placement/geo_position.h"
+#include <rasterkit/placement/placement.h>
 
 namespace rasterkit::tool {
 
@@ -18,7 +17,7 @@ struct GridFile {
   std::optional<Grid> grid;
   NoData noData;
   /// The position of a world file comes first, because people edit world files.
-  std::vector<GeoPosition> positions;
+  std::vector<StatedPosition> positions;
   std::vector<std::string> warnings;
 };
 

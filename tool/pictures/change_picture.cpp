@@ -1,0 +1,227 @@
+#include "tool/pictures/change_picture.h"
+
+#include <algorithm>
+#include <new>
+#include <thread>
+
+#include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/pictures/pending_save.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/stream.h>
+
+#include "tool/arguments/color_argument.h"
+#include "tool/arguments/fill_argument.h"
+#include "tool/command/exit_code.h"
+#include "tool/command/interruption.h"
+#include "tool/command/isolation_option.h"
+#include "tool/command/limit_options.h"
+#include "tool/command/output_file.h"
+#include "tool/command/progress.h"
+#include "tool/pictures/metafile_output.h"
+#include "tool/reports/geo_text.h"
+#include "tool/reports/loss_report.h"
+
+namespace rasterkit::tool {
+namespace {
+
+/// The color behind transparency and metafiles.
+TColor SolidBackground(const PictureOptions& options) {
+  return ParseColor(options.background).value_or(clWhite);
+}
+
+OpenOptions OpenOptionsOf(const PictureOptions& options) {
+  OpenOptions open;
+  open.position.from = options.positionFrom;
+  open.position.worldFile = options.worldFile;
+  open.drawing = options.metafile;
+  open.drawing.background = SolidBackground(options);
+  open.isolation = ReadingIsolation();
+  return open;
+}
+
+SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options) {
+  SaveOptions save;
+  save.quality = options.quality;
+  save.chromaX = options.chromaX;
+  save.chromaY = options.chromaY;
+  save.compression = options.compression;
+  save.background = SolidBackground(options);
+  save.writesWorldFile = options.writesWorldFile;
+  save.mayReplace = job.saving.overwrite;
+  save.syncs = job.saving.syncs;
+  return save;
+}
+
+bool IsPdf(const std::string& file) {
+  try {
+    TFileStream stream(file);
+    return stream.Size() > 0 && SniffPictureType(stream) == PictureType::pdf;
+  } catch (const Error&) {
+    return false;
+  }
+}
+
+/// True for an error of reading the input: damage that shows only in the pixels.
+bool IsOfInput(const Error& error, const Job& job) {
+  if (error.File() != job.input) return false;
+  if (dynamic_cast<const RangeError*>(&error) != nullptr) return false;
+  // A picture that is written over itself: what cannot be written is an error of the output.
+  const bool isOfFile = dynamic_cast<const FileError*>(&error) != nullptr;
+  return !isOfFile || job.input != job.output;
+}
+
+/// The error as the failure of a job.
+[[noreturn]] void Fail(const Error& error, const Job& job) {
+  if (dynamic_cast<const CanceledError*>(&error) != nullptr) {
+    throw Failure(exitInterrupted, "interrupted");
+  }
+  const std::string& file = error.File().empty() ? job.output : error.File();
+  const bool isTaken = dynamic_cast<const FileExistsError*>(&error) != nullptr;
+  const std::string reason = isTaken && file == job.output
+                                 ? "already exists (--overwrite replaces it)"
+                                 : ReasonWithOption(error);
+  throw Failure(IsOfInput(error, job) ? exitInputUnreadable : exitOutputNotWritten,
+                file + ": " + reason);
+}
+
+/// The steps that every verb has last.
+void AddLastSteps(PictureWork& work) {
+  const MetadataEdit& edit = work.options.edit;
+  if (edit.stripAll || edit.stripGps || edit.stripThumbnail) work.picture.Edit(edit);
+  if (work.options.bits != 0) work.picture.Change(SetBits{work.options.bits});
+}
+
+bool IsDrawn(const Picture& picture) {
+  return picture.SourceType() == PictureType::wmf || picture.SourceType() == PictureType::emf;
+}
+
+void NoteUnusedSize(PictureWork& work) {
+  if (IsDrawn(work.picture) || !work.options.metafile.IsAsked()) return;
+  work.warnings.emplace_back(
+      "--dpi and --size apply only to metafiles; this picture keeps its size");
+}
+
+JobResult ResultOf(const PictureWork& work, const Report& report) {
+  JobResult result;
+  result.type = PictureTypeName(report.type);
+  result.width = report.width;
+  result.height = report.height;
+  result.bits = report.layout.BitsPerPixel();
+  result.losses = report.losses;
+  result.warnings = report.warnings;
+  result.reportWarnings = report.warnings.size();
+  result.warnings.insert(result.warnings.end(), work.warnings.begin(), work.warnings.end());
+  result.notes = work.notes;
+  result.notes.insert(result.notes.end(), report.notes.begin(), report.notes.end());
+  result.sideFiles = report.sideFiles;
+  result.kept = KeptNames(work.picture, report.losses);
+  for (const StatedPosition& position : work.picture.GetPlacement().stated) {
+    result.sources.push_back(PositionText(position));
+  }
+  result.bytes = report.bytes;
+  result.memory = report.memory;
+  return result;
+}
+
+JobResult Plan(const PictureWork& work) {
+  return ResultOf(work, work.picture.Plan(work.job.output, SaveOptionsOf(work.job, work.options)));
+}
+
+JobResult Save(const PictureWork& work) {
+  OperationBar bar(work.options.showsProgress);
+  Run run = RunOf(work.options);
+  run.progress = bar.Shares();
+  const WholeOutput whole;
+  auto save = std::make_unique<PendingSave>(work.picture, work.job.output,
+                                            SaveOptionsOf(work.job, work.options), run);
+  StopIfInterrupted();
+  JobResult result = ResultOf(work, save->Report());
+  result.output.picture = std::move(save);
+  return result;
+}
+
+}  // namespace
+
+TColor PictureWork::Background() const {
+  return SolidBackground(options);
+}
+
+RotateOptions PictureWork::Corners() const {
+  const std::string& fill = options.fill.empty() ? options.background : options.fill;
+  return {ParseFill(fill).value_or(Fill()), FilterOf(options.filter)};
+}
+
+std::unique_ptr<TBitmap> PictureWork::Bitmap() const {
+  return picture.Bitmap(RunOf(options));
+}
+
+void PictureWork::Refuse(const std::string& reason) const {
+  throw Failure(exitOutputNotWritten, job.input + ": " + reason);
+}
+
+Run RunOf(const PictureOptions& options) {
+  Run run;
+  run.threads = options.threads;
+  run.cancel = InterruptionToken();
+  return run;
+}
+
+Picture OpenPicture(const std::string& file, const PictureOptions& options) {
+  try {
+    const InterruptibleInput waiting(file);
+    return Picture::Open(file, OpenOptionsOf(options));
+  } catch (const Error& error) {
+    const std::string reason = IsPdf(file) ? "this is a PDF file; 'rasterkit pdf' draws its pages"
+                                           : ReasonWithOption(error);
+    throw Failure(exitInputUnreadable, file + ": " + reason);
+  } catch (const std::bad_alloc&) {
+    throw Failure(exitInputUnreadable, file + ": out of memory");
+  }
+}
+
+std::unique_ptr<TBitmap> LoadUpright(const std::string& file) {
+  const Picture picture = OpenPicture(file);
+  try {
+    return picture.Bitmap(RunOf({}));
+  } catch (const CanceledError&) {
+    throw Failure(exitInterrupted, "interrupted");
+  } catch (const Error& error) {
+    throw Failure(exitInputUnreadable, file + ": " + ReasonWithOption(error));
+  } catch (const std::bad_alloc&) {
+    throw Failure(exitInputUnreadable, file + ": out of memory");
+  }
+}
+
+void DoWork(const Job& job, const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const Error& error) {
+    Fail(error, job);
+  } catch (const std::bad_alloc&) {
+    throw Failure(exitOutputNotWritten, job.output + ": out of memory");
+  }
+}
+
+JobResult WritePicture(Picture picture, const Job& job, const PictureOptions& options) {
+  const PictureWork work{std::move(picture), job, options};
+  JobResult result;
+  DoWork(job, [&] { result = Save(work); });
+  return result;
+}
+
+JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDryRun,
+                        const PictureChange& change) {
+  if (IsMetafileName(job.output)) return ConvertMetafile(job, options, isDryRun);
+  PictureWork work{OpenPicture(job.input, options), job, options};
+  NoteUnusedSize(work);
+  StopIfInterrupted();
+  JobResult result;
+  DoWork(job, [&] {
+    if (change) change(work);
+    AddLastSteps(work);
+    result = isDryRun ? Plan(work) : Save(work);
+  });
+  return result;
+}
+
+}  // namespace rasterkit::tool

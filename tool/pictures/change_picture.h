@@ -1,0 +1,55 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <rasterkit/pictures/picture.h>
+
+#include "tool/command/batch.h"
+#include "tool/command/output_options.h"
+
+namespace rasterkit::tool {
+
+/// A picture that a verb changes: it is upright, and no pixel of it is read yet.
+struct PictureWork {
+  Picture picture;
+  const Job& job;
+  const PictureOptions& options;
+  /// What the verb has to say besides the report of saving.
+  std::vector<std::string> notes = {}, warnings = {};
+
+  /// The color of --background, and what --fill and --filter say.
+  TColor Background() const;
+  RotateOptions Corners() const;
+  /// The pixels to look at.
+  std::unique_ptr<TBitmap> Bitmap() const;
+  /// Stops the work on this picture: nothing is written. Throws Failure(exitOutputNotWritten) with
+  /// the reason.
+  [[noreturn]] void Refuse(const std::string& reason) const;
+};
+
+/// What a verb does to a picture: it adds steps.
+using PictureChange = std::function<void(PictureWork& work)>;
+
+/// Opens a picture. Throws Failure(exitInputUnreadable); a PDF file is referred to its verb.
+Picture OpenPicture(const std::string& file, const PictureOptions& options = {});
+
+/// The upright pixels of a file to look at. Throws Failure(exitInputUnreadable).
+std::unique_ptr<TBitmap> LoadUpright(const std::string& file);
+
+/// How the library runs for these options: threads, progress, and an end on Ctrl-C.
+Run RunOf(const PictureOptions& options);
+
+/// Works on a picture of a job. Throws Failure in place of errors of the library.
+void DoWork(const Job& job, const std::function<void()>& work);
+
+/// Writes a picture that was made and not opened. Throws Failure.
+JobResult WritePicture(Picture picture, const Job& job, const PictureOptions& options);
+
+/// Processes one picture: opens it, changes it, and writes it, or says what would be written if
+/// `isDryRun`. Throws Failure.
+JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDryRun,
+                        const PictureChange& change = {});
+
+}  // namespace rasterkit::tool
