@@ -71,6 +71,18 @@ TEST(XmpPacket, Padding_Should_GiveAndTakeTheRoom) {
   EXPECT_EQ(readOnly.Text().size(), text.size() - 2);
 }
 
+TEST(XmpPacket, Padding_Should_BeLeftAlone_When_ItsEndIsDamaged) {
+  const std::string whole = Packet(" tiff:Orientation='6'", "", 20);
+  for (size_t length = whole.rfind("<?xpacket"); length <= whole.size(); length++) {
+    XmpPacket packet(whole.substr(0, length));
+    if (packet.IsDamaged()) continue;
+    EXPECT_TRUE(packet.Set(kTiffUri, "Orientation", "10"));
+    const bool hasEnd = whole.substr(0, length).find("end=\"w") != std::string::npos;
+    const size_t grown = hasEnd ? 0 : 1;
+    EXPECT_EQ(packet.Text().size(), length + grown);
+  }
+}
+
 TEST(XmpPacket, Remove_Should_TakeTheBlanksInFront) {
   XmpPacket packet(Packet("\n    tiff:Orientation=\"6\"\n    tiff:Make=\"m\"",
                           "\n   <tiff:Model>x</tiff:Model>\n   <exif:A/>", 0, 'r'));
