@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/metadata/xmp_packet.h>
+#include <rasterkit/metadata/xmp/xmp_packet.h>
 
 #include "tests/metadata/xmp/xmp_packets.h"
 
