@@ -274,6 +274,10 @@ TEST(RotateStageTest, CornersOfGridsAreNotMeasured) {
   ExpectMissingInCorners<int64_t>(NumberType::int64, -9999, -9999);
   ExpectMissingInCorners<float>(NumberType::float32, -3.4e38, -3.4e38f);
   ExpectMissingInCorners<double>(NumberType::float64, std::nan(""), std::nan(""));
+  Resampling how = Filled(Fill::Kind::noData);
+  how.noData = -9999;
+  EXPECT_THROW(MadeBy(*RotateStage({11, 8}, 40, how), Ramp<uint8_t>(11, 8, NumberType::uint8)),
+               RangeError);
   EXPECT_THROW(MadeBy(*RotateStage({11, 8}, 40, Filled(Fill::Kind::noData)),
                       Ramp<float>(11, 8, NumberType::float32)),
                RangeError);
