@@ -16,7 +16,7 @@ uint64_t BytesOfRows(const PixelLayout& layout, int width, int height) {
     throw RangeError(
         fmt::format("{} x {} pixels with {} bands are no picture", width, height, layout.bands));
   }
-  // At most 2^31 pixels a side and 8 bytes a sample; the product of all four could overflow.
+  // At most 2^31 pixels per side and 8 bytes per sample; the product of all four could overflow.
   const uint64_t row = uint64_t{BytesOf(layout.type)} * static_cast<uint64_t>(layout.bands) *
                        static_cast<uint64_t>(width);
   const auto rows = static_cast<uint64_t>(height);
