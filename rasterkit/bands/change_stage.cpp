@@ -80,7 +80,10 @@ class ChangeColorsOfRows : public Stage {
     auto bitmap = std::make_unique<TBitmap>(std::move(*raster));
     std::visit([&](const auto& change) { detail::Change(change, bitmap, run); }, change_);
     if (run.progress) run.progress(1);
-    return bitmap->TakeContent();
+    Raster made = bitmap->TakeContent();
+    // Black and white rows come with ones after the last pixel.
+    made.ClearPadding();
+    return made;
   }
 
  private:

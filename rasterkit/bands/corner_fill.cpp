@@ -9,6 +9,7 @@
 #include <rasterkit/bands/wider_rows.h>
 #include <rasterkit/bitmaptools/rotation/rotation_background.h>
 #include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/raster/convert.h>
 #include <rasterkit/raster/fill.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -79,6 +80,9 @@ uint32_t PrepareAutomatic(Raster& raster) {
   const bool hasKey =
       IsIndexed(raster.Format()) ? HasEntryOfKey(raster) : raster.transparentColor.has_value();
   if (hasKey) return FilledPixel(raster, *raster.transparentColor);
+  // Pixels of 15 and 16 bits cannot show near-white.
+  const bool isWord = raster.Format() == pf15bit || raster.Format() == pf16bit;
+  if (isWord) raster = ConvertRaster(raster, pf24bit);
   const bool wasMono = raster.Format() == pf1bit;
   if (wasMono) raster = Widened(raster, pf4bit);
   TBitmap probe;

@@ -201,6 +201,8 @@ PixelLayout AfterAutomaticFill(PixelLayout layout) {
     return Indexed(layout, layout.bits == 1 ? 4 : layout.bits, AlphaKind::transparentColor);
   }
   layout.alpha = AlphaKind::transparentColor;
+  // Pixels of 15 and 16 bits become 24-bit.
+  if (layout.bands == 3) layout.bits = 8;
   return layout;
 }
 

@@ -2,11 +2,13 @@
 
 #include <rasterkit/codecs/bmp/bmp_decoder.h>
 #include <rasterkit/codecs/bmp/bmp_encoder.h>
+#include <rasterkit/codecs/bmp/bmp_picture.h>
 #include <rasterkit/codecs/bmp/bmp_signature.h>
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/drawn_signatures.h>
 #include <rasterkit/codecs/gif/gif_decoder.h>
 #include <rasterkit/codecs/gif/gif_metadata.h>
+#include <rasterkit/codecs/gif/gif_picture.h>
 #include <rasterkit/codecs/gif/gif_signature.h>
 #include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/codecs/jpeg/jpeg_encoder.h>
@@ -18,12 +20,12 @@
 #include <rasterkit/codecs/png/png_metadata.h>
 #include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/codecs/png/png_signature.h>
-#include <rasterkit/codecs/provisional_io.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/codecs/tiff/tiff_signature.h>
 #include <rasterkit/codecs/webp/webp_decoder.h>
 #include <rasterkit/codecs/webp/webp_metadata.h>
+#include <rasterkit/codecs/webp/webp_picture.h>
 #include <rasterkit/codecs/webp/webp_signature.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/runtime/text.h>
@@ -91,6 +93,7 @@ constexpr Codec kCodecs[] = {
      .readMetadata = detail::ReadJpegMetadata,
      .encode = EncodeAsJpeg,
      .readHeader = HeaderOf<ReadJpegHeader>,
+     .readFront = ReadJpegFront,
      .decodePixels = PixelsOf<DecodeJpegPixels>,
      .write = WriteJpeg,
      .copy = CopyOf<CopyJpeg>},

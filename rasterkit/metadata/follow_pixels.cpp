@@ -9,6 +9,7 @@
 #include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/jpeg_segments.h>
 #include <rasterkit/metadata/xmp_follow.h>
+#include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
 namespace {
@@ -19,14 +20,23 @@ void FollowExif(Metadata& metadata, const PixelChange& change, Changes& changes)
   if (metadata.exif.empty()) return;
   ExifBlock exif(std::move(metadata.exif));
   metadata.exif.clear();
-  if (!exif.IsDamaged()) {
-    detail::FollowPixelsInExif(exif, change, changes);
-  } else if (!detail::RepairDamagedExif(exif, change)) {
+  bool isTrue = true;
+  try {
+    if (exif.IsDamaged()) {
+      isTrue = detail::RepairDamagedExif(exif, change);
+    } else {
+      detail::FollowPixelsInExif(exif, change, changes);
+    }
+  } catch (const RangeError&) {
+    // A directory has no room for a changed value.
+    isTrue = false;
+  }
+  if (isTrue) {
+    metadata.exif = exif.TakeBytes();
+  } else {
     changes.Lose(LossKind::exif, "the EXIF block",
                  "it is damaged, so that it cannot follow the changed pixels");
-    return;
   }
-  metadata.exif = exif.TakeBytes();
 }
 
 // --- Photoshop -----------------------------------------------------------------------------

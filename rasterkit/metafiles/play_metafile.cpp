@@ -15,7 +15,7 @@ namespace {
 using namespace detail;
 
 /// Returns the map from `source` to the place.
-Affine Fit(const RectD& source, const PixelRect& place) {
+PlaneAffine Fit(const RectD& source, const PixelRect& place) {
   const double x = (static_cast<double>(place.right) - place.left) / source.Width();
   const double y = (static_cast<double>(place.bottom) - place.top) / source.Height();
   return {x, 0, 0, y, place.left - source.left * x, place.top - source.top * y};
@@ -28,7 +28,7 @@ PixelRect Ordered(const PixelRect& place) {
 
 struct Stage {
   ReferenceDevice device;
-  Affine toTarget;
+  PlaneAffine toTarget;
 };
 
 /// Maps the frame, in pixels of the reference device, to the place.
@@ -83,7 +83,7 @@ PlayReport PlayMetafile(std::span<const uint8_t> bytes, const MetafileFacts& fac
         records, [&](const EmfRecord& record) { return player.Play(record); }, keepGoing, report);
   } else {
     const WmfPicture picture = PictureOfWmf(facts);
-    const Affine toTarget = Fit({0, 0, picture.pixels.x, picture.pixels.y}, place);
+    const PlaneAffine toTarget = Fit({0, 0, picture.pixels.x, picture.pixels.y}, place);
     DeviceContext context(target, clip, picture.device, toTarget);
     context.RaiseWorkBudget(ExtraWork(facts, place, bytes.size()));
     WmfPlayer player(context, picture, bytes.size());

@@ -49,7 +49,6 @@ PendingSave::State::State(const Picture& picture, const std::string& name,
   if (hasSideFiles) {
     sideFiles.emplace(detail::WishOf(source, state, plan, name, options), state.placement,
                       sideChanges);
-    detail::LoseSystem(state.placement, type, sideFiles->Plans(), sideChanges);
   }
   file = std::make_unique<AtomicFile>(
       name,

@@ -119,7 +119,6 @@ Report Picture::Plan(const std::string& file, const SaveOptions& options) const 
   Changes changes;
   const SideFiles files(detail::WishOf(*source_, *state_, plan, file, options), state_->placement,
                         changes);
-  detail::LoseSystem(state_->placement, type, files.Plans(), changes);
   detail::AddSideFiles(report, &files, changes);
   return report;
 }

@@ -20,23 +20,12 @@ SideFileWish WishOf(const PictureSource& source, const PictureState& state, cons
   wish.source = source.File();
   wish.mayReplace = options.mayReplace;
   wish.writesWorldFile = plan.writesWorldFile;
-  wish.hasTags = plan.type == PictureType::tiff && state.placement.IsKnown();
+  wish.hasTags = plan.type == PictureType::tiff;
+  wish.hasSamePixels = !state.pixelsChanged;
+  wish.width = state.width;
+  wish.height = state.height;
   wish.syncs = options.syncs;
   return wish;
-}
-
-void LoseSystem(const Placement& placement, PictureType type, const std::vector<std::string>& plans,
-                Changes& changes) {
-  if (type == PictureType::tiff || !placement.system.IsKnown()) return;
-  const bool isKept = std::any_of(plans.begin(), plans.end(), [](const std::string& plan) {
-    return plan.ends_with(".prj") || plan.ends_with(".PRJ");
-  });
-  const bool isSaid =
-      std::any_of(changes.losses.begin(), changes.losses.end(),
-                  [](const Loss& loss) { return loss.kind == LossKind::coordinateSystem; });
-  if (isKept || isSaid) return;
-  changes.Lose(LossKind::coordinateSystem, placement.system.Description(),
-               "the format of the file has no tags for it");
 }
 
 void AddSideFiles(Report& report, const SideFiles* files, const Changes& changes) {

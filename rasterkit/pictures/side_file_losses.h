@@ -15,10 +15,6 @@ bool CanHaveSideFiles(const std::string& target);
 SideFileWish WishOf(const PictureSource& source, const PictureState& state, const WritePlan& plan,
                     const std::string& target, const SaveOptions& options);
 
-/// Adds the loss of a coordinate system that neither tags nor a .prj file keep.
-void LoseSystem(const Placement& placement, PictureType type, const std::vector<std::string>& plans,
-                Changes& changes);
-
 /// `files` may be null.
 void AddSideFiles(Report& report, const SideFiles* files, const Changes& changes);
 

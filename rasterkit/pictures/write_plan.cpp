@@ -32,6 +32,21 @@ JpegForm Transposed(JpegForm form) {
   return form;
 }
 
+/// The form of pixels of another kind than those of the source: what was asked for, not what the
+/// source had.
+void TakeKind(PngForm& form, const PixelLayout& layout) {
+  constexpr int kRgb = 2, kPalette = 3, kAlpha = 4;
+  const bool hasAlpha = layout.alpha == AlphaKind::straight;
+  form.bits = std::min(layout.bits, 16);
+  form.colorType = layout.model == ColorModel::rgb ? kRgb : 0;
+  if (layout.model == ColorModel::palette) form.colorType = kPalette;
+  if (hasAlpha) form.colorType |= kAlpha;
+}
+
+bool IsSameKind(const PixelLayout& a, const PixelLayout& b) {
+  return a.type == b.type && a.bits == b.bits && a.bands == b.bands && a.model == b.model;
+}
+
 /// The number of tag 259.
 int CompressionNumber(TiffCompression compression, const PixelLayout& layout) {
   constexpr int kNone = 1, kGroup4 = 4, kLzw = 5, kDeflate = 8, kPackBits = 32773;
@@ -57,6 +72,10 @@ Form FormFor(const PictureSource& source, const PictureState& state, PictureType
   if (source.Type() == type) form = source.Header().form;
   if (auto* jpeg = std::get_if<JpegForm>(&form); jpeg != nullptr && state.exchangesAxes) {
     *jpeg = Transposed(*jpeg);
+  }
+  auto* png = std::get_if<PngForm>(&form);
+  if (png != nullptr && !IsSameKind(state.layout, source.Header().layout)) {
+    TakeKind(*png, state.layout);
   }
   if (type != PictureType::tiff || !options.compression) return form;
   if (!std::holds_alternative<TiffForm>(form)) form = TiffForm();
@@ -145,7 +164,7 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
                            const WritePlan& plan, const SaveOptions& options, int threads,
                            TStream& target, Changes& changes) {
   PictureWriting writing = WritingOf(source, state, plan);
-  const PixelFit fit{plan.type, options.background, state.placement.noData, threads};
+  const PixelFit fit{plan.type, options.background, state.placement.noData, threads, plan.isSample};
   Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
   writing.quality = options.quality;
   writing.chromaX = options.chromaX;
@@ -165,8 +184,9 @@ WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state
   return written;
 }
 
-Report Foresee(const PictureSource& source, const PictureState& state, const WritePlan& plan,
+Report Foresee(const PictureSource& source, const PictureState& state, WritePlan plan,
                const SaveOptions& options) {
+  plan.isSample = true;
   Report report;
   report.type = plan.type;
   report.isCopied = plan.isCopied;

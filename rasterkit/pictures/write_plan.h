@@ -20,6 +20,8 @@ struct WritePlan {
   bool hasSideFiles = false;
   /// The world file of the source goes along, or the format has no tags for the position.
   bool writesWorldFile = false;
+  /// Only a small picture of the same kind is written.
+  bool isSample = false;
   Form form;
 };
 
@@ -42,7 +44,7 @@ WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state
                           const WritePlan& plan, TStream& target, Changes& changes);
 
 /// What writing would give, shown by a small picture of the same kind.
-Report Foresee(const PictureSource& source, const PictureState& state, const WritePlan& plan,
+Report Foresee(const PictureSource& source, const PictureState& state, WritePlan plan,
                const SaveOptions& options);
 
 /// Bytes that a call holds at most, if its file has so many bytes.

@@ -102,9 +102,9 @@ struct PixelMove {
   int oldWidth = 0, oldHeight = 0, width = 0, height = 0;
 };
 
-/// Brings a position in line with moved pixels: the affine exactly; control points and, for crops
-/// and resizing, the rational model follow. What cannot follow (a rational model under a turn) is
-/// removed and added to `changes`.
+/// Brings a position in line with moved pixels: the affine and the control points exactly, also the
+/// rational model for crops, resizing, mirrors and turns by quarters. What cannot follow (a rational
+/// model under a turn by another angle) is removed and added to `changes`.
 RASTERKIT_EXPORT void FollowPixels(Placement& placement, const PixelMove& move, Changes& changes);
 
 /// The tags of a TIFF file for the position: pixel scale and tie point where the position is

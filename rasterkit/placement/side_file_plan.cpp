@@ -19,6 +19,8 @@ namespace {
 
 /// In pixels: positions that differ by less are the same.
 constexpr double kSamePosition = 0.001;
+/// For a picture of unknown size.
+constexpr int kLargeSide = 65536;
 constexpr size_t kLongestProjection = size_t{1} << 20;
 
 /// An absent name and a folder state nothing.
@@ -80,8 +82,10 @@ class Planner {
   }
 
   bool IsSame(const Affine& other) const {
+    const int width = wish_.width > 0 ? wish_.width : kLargeSide;
+    const int height = wish_.height > 0 ? wish_.height : kLargeSide;
     return placement_.affine &&
-           DifferenceOf(*placement_.affine, other, wish_.width, wish_.height) <= kSamePosition;
+           DifferenceOf(*placement_.affine, other, width, height) <= kSamePosition;
   }
 
   std::vector<OldWorldFile> OldWorldFiles(const std::string& picture) const {
@@ -194,7 +198,7 @@ class Planner {
              "exists and states another coordinate system than that of the picture to "
              "be saved");
     }
-    const bool isNeeded = placement_.IsKnown() && !(wish_.hasTags && !system.keys.empty());
+    const bool isNeeded = !wish_.hasTags || system.keys.empty();
     if (known->empty() || (!isFromFile && !isNeeded)) return;
     plan_.written.push_back({ProjectionNames(wish_.target).front(), *known, false});
     hasProjection_ = true;
@@ -211,18 +215,6 @@ class Planner {
     const bool isCarried = wish_.hasTags || writesWorldFile_;
     if (placement_.affine && !isCarried) {
       changes_.Lose(LossKind::position, "map position", why);
-    }
-    if (!wish_.hasTags) {
-      if (!placement_.controlPoints.empty()) {
-        changes_.Lose(LossKind::controlPoints,
-                      fmt::format("{} control points", placement_.controlPoints.size()), why);
-      }
-      if (!placement_.rationalModel.empty()) {
-        changes_.Lose(LossKind::position, "rational model", why);
-      }
-      if (!placement_.noData.empty()) {
-        changes_.Lose(LossKind::noData, "\"no data\" " + placement_.noData, why);
-      }
     }
     const CoordinateSystem& system = placement_.system;
     const bool isInTags = wish_.hasTags && !system.keys.empty();

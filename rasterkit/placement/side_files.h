@@ -17,16 +17,17 @@ struct SideFileWish {
   std::string target, source;
   /// Existing side files may be replaced or removed (--overwrite, --in-place).
   bool mayReplace = false;
-  /// A world file is written: the source had one, or the format holds no tags, or the user requested it.
+  /// A world file is written: the source had one, or the format holds no tags, or the user
+  /// requested it.
   bool writesWorldFile = false;
-  /// The target file itself states the position in tags.
+  /// The target file itself states position and coordinate system in tags.
   bool hasTags = false;
   /// The pixels of the target are those of the source in their places, so that what lies beside
   /// the source's own name stays true if it is saved over itself.
   bool hasSamePixels = false;
   /// Sides of the target in pixels: two positions that differ by less than a thousandth of a pixel
-  /// everywhere in it are the same.
-  int width = 1, height = 1;
+  /// everywhere in it are the same. 0: unknown, then everywhere in 65,536 x 65,536 pixels.
+  int width = 0, height = 0;
   bool syncs = true;
 };
 
@@ -50,8 +51,9 @@ class RASTERKIT_EXPORT SideFiles {
  public:
   /// Throws FileExistsError that names the side file which would contradict the new picture and may
   /// not be replaced, or that is shared with a neighbor so that a contradiction remains. Adds to
-  /// `changes` what neither the target nor a file beside it holds: position, control points,
-  /// rational model, coordinate system, "no data", and side files of the source.
+  /// `changes` what neither the target nor a file beside it holds: the position, its coordinate
+  /// system, and side files of the source. What only tags hold (control points, rational model,
+  /// "no data") is the caller's to say.
   SideFiles(const SideFileWish& wish, const Placement& placement, Changes& changes);
   ~SideFiles();
   SideFiles(SideFiles&&) noexcept;
@@ -68,8 +70,8 @@ class RASTERKIT_EXPORT SideFiles {
   std::unique_ptr<State> state_;
 };
 
-/// Names of the world files that belong to a picture of this name, the stated one first:
-/// "plan.tif" gives plan.tfw, plan.tifw, plan.wld in lower and upper case.
+/// Names of the world files that belong to a picture of this name, in the order in which they
+/// count: "plan.tif" gives plan.tfw, plan.TFW, plan.tifw, plan.TIFW, plan.wld, plan.WLD.
 RASTERKIT_EXPORT std::vector<std::string> WorldFileNames(const std::string& picture);
 
 /// Writes six lines that read back as the same doubles.

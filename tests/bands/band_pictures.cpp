@@ -40,7 +40,8 @@ std::vector<PictureKind> MakeRasterKinds() {
     return raster;
   }));
   for (const bool isReversed : {false, true}) {
-    kinds.push_back(RasterKind(isReversed ? "white plan" : "plan", [isReversed](int w, int h, auto& r) {
+    kinds.push_back(RasterKind(isReversed ? "white plan" : "plan", [isReversed](int w, int h,
+                                                                                auto& r) {
       Raster raster = RandomRaster(pf1bit, w, h, r);
       const tagPALETTEENTRY black{0, 0, 0, 0}, white{255, 255, 255, 0};
       const tagPALETTEENTRY entries[] = {isReversed ? white : black, isReversed ? black : white};
@@ -49,23 +50,23 @@ std::vector<PictureKind> MakeRasterKinds() {
     }));
   }
   for (const TPixelFormat format : {pf4bit, pf8bit}) {
-    kinds.push_back(RasterKind("three colors " + std::to_string(format),
-                               [format](int w, int h, auto& r) {
-                                 Raster raster = WithPalette(format, 3, w, h, r);
-                                 for (int y = 0; y < h; ++y) {
-                                   std::memset(raster.Row(y), 0, raster.Stride());
-                                   for (int x = 0; x < w; ++x) {
-                                     const auto index = static_cast<unsigned>(r() % 3);
-                                     if (format == pf8bit) {
-                                       raster.Row(y)[x] = static_cast<uint8_t>(index);
-                                     } else {
-                                       raster.Row(y)[x / 2] = static_cast<uint8_t>(
-                                           raster.Row(y)[x / 2] | index << (x % 2 == 0 ? 4 : 0));
-                                     }
-                                   }
-                                 }
-                                 return raster;
-                               }));
+    kinds.push_back(
+        RasterKind("three colors " + std::to_string(format), [format](int w, int h, auto& r) {
+          Raster raster = WithPalette(format, 3, w, h, r);
+          for (int y = 0; y < h; ++y) {
+            std::memset(raster.Row(y), 0, raster.Stride());
+            for (int x = 0; x < w; ++x) {
+              const auto index = static_cast<unsigned>(r() % 3);
+              if (format == pf8bit) {
+                raster.Row(y)[x] = static_cast<uint8_t>(index);
+              } else {
+                raster.Row(y)[x / 2] =
+                    static_cast<uint8_t>(raster.Row(y)[x / 2] | index << (x % 2 == 0 ? 4 : 0));
+              }
+            }
+          }
+          return raster;
+        }));
   }
   for (const TPixelFormat format : {pf1bit, pf4bit, pf8bit, pf16bit, pf24bit}) {
     kinds.push_back(
@@ -83,6 +84,24 @@ std::vector<PictureKind> MakeRasterKinds() {
   return kinds;
 }
 
+void PutSmallNumber(uint8_t* bytes, NumberType type, int number) {
+  if (type == NumberType::float32) {
+    const auto real = static_cast<float>(number) / 8.0f;
+    std::memcpy(bytes, &real, sizeof real);
+  } else if (type == NumberType::float64) {
+    const double real = number / 8.0;
+    std::memcpy(bytes, &real, sizeof real);
+  } else if (type == NumberType::float16) {
+    const auto half = static_cast<uint16_t>(15 << 10 | number << 2);
+    std::memcpy(bytes, &half, sizeof half);
+  } else {
+    std::memset(bytes, 0, BytesOf(type));
+    bytes[0] = static_cast<uint8_t>(number);
+    if (type == NumberType::uint8) bytes[0] = static_cast<uint8_t>(2 * number + 1);
+    if (type == NumberType::uint16) bytes[1] = static_cast<uint8_t>(2 * number);
+  }
+}
+
 /// Finite numbers that a double adds exactly enough.
 void FillNumbers(Samples& samples, std::mt19937& random) {
   const NumberType type = samples.Layout().type;
@@ -91,7 +110,10 @@ void FillNumbers(Samples& samples, std::mt19937& random) {
       uint8_t* row = samples.Row(y, plane);
       const size_t size = BytesOf(type);
       for (size_t i = 0; i + size <= samples.Stride(); i += size) {
-        if (type == NumberType::float32) {
+        if (samples.Layout().alpha == AlphaKind::straight) {
+          // Numbers from 0 on whose products and sums are exact doubles.
+          PutSmallNumber(row + i, type, static_cast<int>(random() % 127));
+        } else if (type == NumberType::float32) {
           const auto number = static_cast<float>(random() % 100000) / 8.0f - 5000.0f;
           std::memcpy(row + i, &number, size);
         } else if (type == NumberType::float64) {
@@ -150,7 +172,9 @@ void ChangeRow(Pixels& pixels, int y) {
   }
 }
 
-bool Contains(RowRange range, int y) { return y >= range.first && y < range.first + range.count; }
+bool Contains(RowRange range, int y) {
+  return y >= range.first && y < range.first + range.count;
+}
 
 void ExpectNeeds(const Stage& stage, const Pixels& source, const Pixels& made, RowRange range) {
   const RowRange needs = stage.Needs(range);
@@ -192,7 +216,9 @@ Pixels CloneOf(const Pixels& pixels) {
   return std::visit([](const auto& rows) -> Pixels { return rows.Clone(); }, pixels);
 }
 
-Sides SidesOf(const Pixels& pixels) { return {WidthOf(pixels), HeightOf(pixels)}; }
+Sides SidesOf(const Pixels& pixels) {
+  return {WidthOf(pixels), HeightOf(pixels)};
+}
 
 std::vector<uint8_t> PixelAt(const Pixels& pixels, int x, int y) {
   if (const auto* raster = std::get_if<Raster>(&pixels)) {

@@ -88,9 +88,9 @@ TEST(MirrorStageTest, ExchangesPixelsOfEveryKind) {
         const bool isLeftRight = axis == MirrorAxis::leftRight;
         for (int y = 0; y < HeightOf(made); ++y) {
           for (int x = 0; x < width; ++x) {
-            ASSERT_EQ(PixelAt(made, x, y),
-                      isLeftRight ? PixelAt(source, width - 1 - x, y)
-                                  : PixelAt(source, x, HeightOf(made) - 1 - y));
+            ASSERT_EQ(PixelAt(made, x, y), isLeftRight
+                                               ? PixelAt(source, width - 1 - x, y)
+                                               : PixelAt(source, x, HeightOf(made) - 1 - y));
           }
         }
       }

@@ -16,7 +16,7 @@ namespace {
 
 PhotoFacts SamplePhoto() {
   PhotoFacts facts;
-  auto& [orientation, rotation, gps, warnings] = facts;
+  auto& [orientation, rotation, gps, date, make, model, warnings] = facts;
   orientation = 6;
   rotation = 270;
   gps.emplace();
@@ -24,12 +24,15 @@ PhotoFacts SamplePhoto() {
   latitude = -1.5;
   longitude = 179.25;
   altitude = -3;
+  date = "2019-07-04T13:05:09";
+  make = "Maker";
+  model = "Model \xFF";
   warnings = {"EXIF: \xFF"};
   return facts;
 }
 
 void ExpectSame(const PhotoFacts& expected, const PhotoFacts& actual) {
-  const auto& [orientation, rotation, gps, warnings] = actual;
+  const auto& [orientation, rotation, gps, date, make, model, warnings] = actual;
   EXPECT_EQ(orientation, expected.orientation);
   EXPECT_EQ(rotation, expected.rotation);
   ASSERT_EQ(gps.has_value(), expected.gps.has_value());
@@ -39,6 +42,9 @@ void ExpectSame(const PhotoFacts& expected, const PhotoFacts& actual) {
     EXPECT_EQ(longitude, expected.gps->longitude);
     EXPECT_EQ(altitude, expected.gps->altitude);
   }
+  EXPECT_EQ(date, expected.date);
+  EXPECT_EQ(make, expected.make);
+  EXPECT_EQ(model, expected.model);
   EXPECT_EQ(warnings, expected.warnings);
 }
 

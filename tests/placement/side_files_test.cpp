@@ -158,6 +158,20 @@ TEST_F(SideFilesTest, RightWorldFilesStay) {
   EXPECT_THAT(folder_.Names(), ElementsAre("a.tfw", "a.tif"));
 }
 
+TEST_F(SideFilesTest, PositionsAreComparedOverTheWholePicture) {
+  // Equal at the first pixel, and a pixel apart at the 2000th.
+  folder_.Write("a.tfw", "2.001\n0\n0\n-2\n1000\n2000\n");
+  SideFileWish wish = Wish("a.tif");
+  wish.hasTags = true;
+  wish.width = wish.height = 0;
+  EXPECT_EQ(Refusal(wish, Placed()), "a.tfw");
+  wish.width = 1;
+  wish.height = 2000;
+  Save(wish, Placed());
+  wish.width = 2000;
+  EXPECT_EQ(Refusal(wish, Placed()), "a.tfw");
+}
+
 TEST_F(SideFilesTest, FilesOfANeighborStay) {
   folder_.Write("plan.tif", "input");
   folder_.Write("plan.wld", WorldFileText(kOther));
@@ -278,19 +292,31 @@ TEST_F(SideFilesTest, ProjectionOfAnotherSystemRefuses) {
 TEST_F(SideFilesTest, WhatNoFileHoldsIsALoss) {
   Placement placement = Placed();
   placement.system.keys = {1, 1, 0, 1, 3072, 0, 1, 25832};
-  placement.controlPoints = {{1, 2, 0, 3, 4, 5}};
-  placement.rationalModel.assign(92, 1);
-  placement.noData = "7";
   SideFileWish wish = Wish("a.jpg");
   wish.writesWorldFile = true;
   Save(wish, placement);
-  EXPECT_THAT(Losses(), ElementsAre(LossKind::controlPoints, LossKind::position, LossKind::noData,
-                                    LossKind::coordinateSystem));
-  EXPECT_EQ(changes_.losses[3].what, "EPSG:25832");
+  EXPECT_THAT(Losses(), ElementsAre(LossKind::coordinateSystem));
+  EXPECT_EQ(changes_.losses[0].what, "EPSG:25832");
   wish = Wish("a.tif");
   wish.hasTags = true;
   Save(wish, placement);
   EXPECT_THAT(Losses(), IsEmpty());
+}
+
+TEST_F(SideFilesTest, SystemWithoutPositionIsCarriedOrLost) {
+  Placement placement;
+  placement.system.keys = {1, 1, 0, 1, 3072, 0, 1, 25832};
+  Save(Wish("a.png"), placement);
+  EXPECT_THAT(Losses(), ElementsAre(LossKind::coordinateSystem));
+  SideFileWish wish = Wish("a.tif");
+  wish.hasTags = true;
+  Save(wish, placement);
+  EXPECT_THAT(Losses(), IsEmpty());
+  placement.system.keys.clear();
+  placement.system.wkt = kWkt;
+  Save(wish, placement);
+  EXPECT_THAT(Losses(), IsEmpty());
+  EXPECT_EQ(Text("a.prj"), kWkt);
 }
 
 TEST_F(SideFilesTest, WithoutCommitTheOldFilesComeBack) {

@@ -10,7 +10,7 @@ namespace rasterkit::test {
 /// A white raster with a drawing context; its pixels can be read as text, one line per row.
 struct DrawingPaper {
   /// A pixel of the device is a pixel of the raster, unless `toTarget` maps it differently.
-  DrawingPaper(int width, int height, const Affine& toTarget = {})
+  DrawingPaper(int width, int height, const PlaneAffine& toTarget = {})
       : raster(pf32bit, width, height) {
     FillRaster(raster, {0, 0, width, height}, clWhite);
     context = std::make_unique<DeviceContext>(raster, PixelRect{0, 0, width, height},

@@ -25,7 +25,8 @@ constexpr uint32_t kIntentImages = 4;
 
 class BmpEncoder {
  public:
-  BmpEncoder(const Raster& raster, BmpProfile profile);
+  /// The properties can be others than those of the raster.
+  BmpEncoder(const Raster& raster, const detail::BmpProperties& properties);
   void FillHead();
   const std::vector<uint8_t>& Head() const { return head_; }
   void WriteTo(TStream& stream);
@@ -50,6 +51,7 @@ class BmpEncoder {
   void WriteRows(TStream& stream) const;
 
   const Raster& raster_;
+  const Resolution resolution_;
   const std::vector<uint8_t>* profile_ = nullptr;
   uint32_t headerBytes_ = 0, paletteEntries_ = 0;
   uint64_t pixelBytes_ = 0, fileBytes_ = 0;
@@ -57,10 +59,9 @@ class BmpEncoder {
   std::vector<uint8_t> head_;
 };
 
-BmpEncoder::BmpEncoder(const Raster& raster, BmpProfile profile) : raster_(raster) {
-  if (profile == BmpProfile::embed && raster.profile && !raster.profile->empty()) {
-    profile_ = raster.profile.get();
-  }
+BmpEncoder::BmpEncoder(const Raster& raster, const detail::BmpProperties& properties)
+    : raster_(raster), resolution_(properties.resolution) {
+  if (properties.profile && !properties.profile->empty()) profile_ = properties.profile;
   headerBytes_ = HeaderBytes();
   if (IsIndexed(raster.Format())) {
     paletteEntries_ = static_cast<uint32_t>(PaletteEntriesOfFile(raster));
@@ -138,8 +139,8 @@ void BmpEncoder::FillInfoHeader() {
           static_cast<uint32_t>(StoredBitsPerPixel(raster_.Format())));
   put(bmp_field::kCompression, static_cast<uint32_t>(compression));
   put(bmp_field::kImageBytes, static_cast<uint32_t>(pixelBytes_));
-  put(bmp_field::kPixelsPerMeterX, PixelsPerMeter(raster_.resolution.x));
-  put(bmp_field::kPixelsPerMeterY, PixelsPerMeter(raster_.resolution.y));
+  put(bmp_field::kPixelsPerMeterX, PixelsPerMeter(resolution_.x));
+  put(bmp_field::kPixelsPerMeterY, PixelsPerMeter(resolution_.y));
   put(bmp_field::kColorsUsed, paletteEntries_);
 }
 
@@ -217,15 +218,23 @@ void BmpEncoder::WriteTo(TStream& stream) {
   if (HasProfile()) stream.Write(*profile_);
 }
 
+BmpProperties PropertiesOf(const Raster& raster, BmpProfile profile) {
+  return {raster.resolution, profile == BmpProfile::embed ? raster.profile.get() : nullptr};
+}
+
 }  // namespace
+
+void detail::EncodeBmpWith(const Raster& raster, const BmpProperties& properties, TStream& stream) {
+  BmpEncoder(raster, properties).WriteTo(stream);
+}
 
 void EncodeBmp(const Raster& raster, TStream& stream, BmpProfile profile) {
   const LimitsScope limits;
-  BmpEncoder(raster, profile).WriteTo(stream);
+  BmpEncoder(raster, PropertiesOf(raster, profile)).WriteTo(stream);
 }
 
 std::vector<uint8_t> detail::BmpHead(const Raster& raster, BmpProfile profile) {
-  BmpEncoder encoder(raster, profile);
+  BmpEncoder encoder(raster, PropertiesOf(raster, profile));
   encoder.FillHead();
   return encoder.Head();
 }

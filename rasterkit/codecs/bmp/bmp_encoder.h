@@ -21,6 +21,15 @@ RASTERKIT_EXPORT void EncodeBmp(const Raster& raster, TStream& stream, BmpProfil
 
 namespace detail {
 
+/// What a bitmap file states besides its pixels. The profile is borrowed; null for none.
+struct BmpProperties {
+  Resolution resolution;
+  const std::vector<uint8_t>* profile = nullptr;
+};
+
+/// The same as EncodeBmp with other properties than those of the raster.
+void EncodeBmpWith(const Raster& raster, const BmpProperties& properties, TStream& stream);
+
 /// Gives what EncodeBmp writes before the first row: headers, masks and palette. Works also for a
 /// picture that EncodeBmp refuses.
 std::vector<uint8_t> BmpHead(const Raster& raster, BmpProfile profile);

@@ -217,7 +217,8 @@ void FillMissingRows(Samples& inks, int first) {
   for (int y = first; y < inks.Height(); y++) std::memset(inks.Row(y), 0, inks.Stride());
 }
 
-/// Inks as the file has them, 0 for no ink: with an Adobe marker they are stored inverted.
+/// Inks as the file has them, 0 for no ink: with an Adobe marker they are stored inverted. The
+/// press profile of the file does not take part in showing them, so the samples have none.
 Samples DecodeInks(JpegReader& reader, const JpegLayout& layout) {
   const jpeg_decompress_struct& codec = reader.Codec();
   PixelLayout inks;
@@ -252,18 +253,6 @@ Raster DecodeColors(JpegReader& reader, const JpegLayout& layout, TPixelFormat f
   return raster;
 }
 
-/// The profile of a file of inks if it describes them.
-ColorProfile InkProfileOf(const JpegLayout& layout, CodecReport& report) {
-  if (layout.profile.empty()) return nullptr;
-  std::vector<uint8_t> bytes = detail::JoinProfile(layout.profile);
-  if (!detail::ProfileFits(std::span(bytes), detail::ProfileSpace::cmyk)) {
-    report.warnings.emplace_back(
-        "JPEG: the color profile is invalid or of another kind and is ignored");
-    return nullptr;
-  }
-  return std::make_shared<const std::vector<uint8_t>>(std::move(bytes));
-}
-
 /// Decodes to a raster, or inks to samples if `keepsInks`.
 Pixels Decode(Bytes bytes, bool keepsInks, CodecReport* report) {
   const LimitsScope limits;
@@ -285,7 +274,6 @@ Pixels Decode(Bytes bytes, bool keepsInks, CodecReport* report) {
   if (codec.output_scanline == codec.output_height) ReadEnd(reader, noticed);
   if (auto* inks = std::get_if<Samples>(&pixels)) {
     inks->resolution = ResolutionOf(codec);
-    inks->Layout().profile = InkProfileOf(layout, noticed);
   } else {
     std::get<Raster>(pixels).resolution = ResolutionOf(codec);
     std::get<Raster>(pixels).profile = ProfileOf(layout, noticed);

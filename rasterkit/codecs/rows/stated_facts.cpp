@@ -3,34 +3,10 @@
 #include <string>
 
 #include <rasterkit/codecs/rows/stated_facts.h>
-#include <rasterkit/metadata/exif_block.h>
+#include <rasterkit/metadata/exif_resolution.h>
+#include <rasterkit/metadata/image_resources.h>
 
 namespace rasterkit::detail {
-namespace {
-
-constexpr auto kMain = ExifDirectoryId::main;
-
-std::optional<int> OrientationOf(const ExifBlock& exif) {
-  constexpr uint16_t kOrientation = 274;
-  const auto value = exif.Number(kMain, kOrientation);
-  if (!value || *value < 1 || *value > 8) return std::nullopt;
-  return static_cast<int>(*value);
-}
-
-Resolution ResolutionOf(const ExifBlock& exif) {
-  constexpr uint16_t kX = 282, kY = 283, kUnit = 296;
-  constexpr uint32_t kInch = 2, kCentimeter = 3;
-  constexpr double kCentimetersPerInch = 2.54;
-  const std::vector<double> x = exif.Numbers(kMain, kX), y = exif.Numbers(kMain, kY);
-  const uint32_t unit = exif.Number(kMain, kUnit).value_or(kInch);
-  if (x.empty() || y.empty() || (unit != kInch && unit != kCentimeter)) return {};
-  const double factor = unit == kCentimeter ? kCentimetersPerInch : 1;
-  const Resolution stated{x[0] * factor, y[0] * factor};
-  return stated.IsKnown() ? stated : Resolution{};
-}
-
-}  // namespace
-
 uint32_t DotsPerMeter(double dotsPerInch) {
   constexpr double kMetersPerInch = 0.0254;
   if (!(dotsPerInch > 0)) return 0;
@@ -48,6 +24,9 @@ void TakeStatedFacts(PictureHeader& header, const Resolution& resolution, const 
     if (exif.IsDamaged()) {
       header.warnings.push_back(std::string(format) + ": the EXIF block is damaged");
     }
+  }
+  if (!header.metadata.photoshop.empty()) {
+    stated.photoshop = ResolutionOf(ImageResources(header.metadata.photoshop));
   }
   header.metadata.resolution = ChooseResolution(stated);
 }

@@ -30,7 +30,7 @@ double AngleToward(const EllipseArc& ellipse, PointD point) {
   return std::atan2(y, x);
 }
 
-void AddArc(DrawingPath& path, const EllipseArc& arc, const Affine& map) {
+void AddArc(DrawingPath& path, const EllipseArc& arc, const PlaneAffine& map) {
   // Angles toward non-finite points.
   if (std::isnan(arc.sweep)) return;
   const double turns = std::clamp(arc.sweep, -8 * kQuarter, 8 * kQuarter);
@@ -49,14 +49,14 @@ void AddArc(DrawingPath& path, const EllipseArc& arc, const Affine& map) {
   }
 }
 
-void AddEllipse(DrawingPath& path, const RectD& box, const Affine& map) {
+void AddEllipse(DrawingPath& path, const RectD& box, const PlaneAffine& map) {
   const EllipseArc ellipse = WholeEllipse(box);
   path.MoveTo(map(ellipse.Start()));
   AddArc(path, ellipse, map);
   path.Close();
 }
 
-void AddRoundRect(DrawingPath& path, const RectD& rect, PointD corner, const Affine& map) {
+void AddRoundRect(DrawingPath& path, const RectD& rect, PointD corner, const PlaneAffine& map) {
   const RectD box = Normalized(rect);
   const double rx = std::min(std::abs(corner.x), box.Width()) / 2;
   const double ry = std::min(std::abs(corner.y), box.Height()) / 2;

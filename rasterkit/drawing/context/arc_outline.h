@@ -1,7 +1,7 @@
 #pragma once
 
-#include <rasterkit/drawing/ink/affine.h>
 #include <rasterkit/drawing/ink/drawing_path.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 
 /// Ellipses and elliptical arcs as curves, mapped to the target.
 namespace rasterkit::detail {
@@ -25,9 +25,9 @@ EllipseArc WholeEllipse(const RectD& box);
 double AngleToward(const EllipseArc& ellipse, PointD point);
 
 /// Continues the path with an arc; the path must end at the start of the arc.
-void AddArc(DrawingPath& path, const EllipseArc& arc, const Affine& map);
-void AddEllipse(DrawingPath& path, const RectD& box, const Affine& map);
+void AddArc(DrawingPath& path, const EllipseArc& arc, const PlaneAffine& map);
+void AddEllipse(DrawingPath& path, const RectD& box, const PlaneAffine& map);
 /// `corner` is the width and height of the ellipse at each corner.
-void AddRoundRect(DrawingPath& path, const RectD& box, PointD corner, const Affine& map);
+void AddRoundRect(DrawingPath& path, const RectD& box, PointD corner, const PlaneAffine& map);
 
 }  // namespace rasterkit::detail

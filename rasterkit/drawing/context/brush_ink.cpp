@@ -95,7 +95,7 @@ int BlockSide(const InkTile& tile, double scale) {
 }  // namespace
 
 std::optional<Ink> InkOf(const LogicalBrush& brush, const DrawingState& state,
-                         const Affine& deviceToTarget) {
+                         const PlaneAffine& deviceToTarget) {
   if (brush.kind == LogicalBrush::null) return std::nullopt;
   Ink ink{.pixel = PixelOf(brush.color)};
   const bool isPattern = brush.kind == LogicalBrush::pattern && brush.bitmap &&

@@ -11,6 +11,6 @@ namespace rasterkit::detail {
 /// device, hatches and patterns keep their size, as they would be unreadable otherwise; on a finer
 /// one each of their pixels becomes a block of pixels.
 std::optional<Ink> InkOf(const LogicalBrush& brush, const DrawingState& state,
-                         const Affine& deviceToTarget);
+                         const PlaneAffine& deviceToTarget);
 
 }  // namespace rasterkit::detail

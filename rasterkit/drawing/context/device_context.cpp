@@ -21,7 +21,7 @@ HPALETTE TwentyColors() {
 }  // namespace
 
 DeviceContext::DeviceContext(Raster& target, const PixelRect& clip, const ReferenceDevice& device,
-                             const Affine& toTarget)
+                             const PlaneAffine& toTarget)
     : parts_(std::make_unique<Parts>(target, clip, device, toTarget)) {}
 
 DeviceContext::~DeviceContext() = default;

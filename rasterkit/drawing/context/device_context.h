@@ -8,9 +8,9 @@
 #include <string_view>
 #include <utility>
 
-#include <rasterkit/drawing/ink/affine.h>
 #include <rasterkit/drawing/ink/drawing_modes.h>
 #include <rasterkit/drawing/ink/drawing_objects.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 #include <rasterkit/drawing/text/text_run.h>
 #include <rasterkit/raster/fill.h>
 #include <rasterkit/raster/palette.h>
@@ -58,7 +58,7 @@ class DeviceContext {
   /// not be reallocated or moved. Drawn pixels get alpha 255. `toTarget` maps pixels of the
   /// recording device to pixels of the raster.
   DeviceContext(Raster& target, const PixelRect& clip, const ReferenceDevice& device,
-                const Affine& toTarget);
+                const PlaneAffine& toTarget);
   ~DeviceContext();
   DeviceContext(const DeviceContext&) = delete;
   DeviceContext& operator=(const DeviceContext&) = delete;
@@ -95,8 +95,8 @@ class DeviceContext {
   /// Multiplies the extents by `numerator` / `denominator`; a no-op if one of their numbers is 0.
   void ScaleWindowExt(PointD numerator, PointD denominator);
   void ScaleViewportExt(PointD numerator, PointD denominator);
-  void SetWorldTransform(const Affine& matrix);
-  void ModifyWorldTransform(const Affine& matrix, WorldChange change);
+  void SetWorldTransform(const PlaneAffine& matrix);
+  void ModifyWorldTransform(const PlaneAffine& matrix, WorldChange change);
   void SetGraphicsMode(GraphicsMode mode);
   /// See kLayoutRightToLeft.
   void SetLayout(uint32_t layout);

@@ -11,7 +11,7 @@ using namespace detail;
 namespace {
 
 /// Returns one pixel of the recording device on the target: at least one pixel.
-PixelRect DevicePixel(const Affine& deviceToTarget, PointD at) {
+PixelRect DevicePixel(const PlaneAffine& deviceToTarget, PointD at) {
   const double side = std::max(1.0, deviceToTarget.MeanScale());
   const int left = NearestEdge(at.x), top = NearestEdge(at.y);
   return {left, top, std::max(left + 1, NearestEdge(at.x + side)),
@@ -64,7 +64,7 @@ void DeviceContext::FrameRgn(std::span<const RectD> region, RegionUnit unit,
                              const LogicalBrush& brush, PointD thickness) {
   const auto ink = parts_->InkOf(brush);
   if (!ink) return;
-  const Affine map = parts_->MapOf(unit);
+  const PlaneAffine map = parts_->MapOf(unit);
   const PointD t = Finite(thickness);
   const auto pixels = [](double length) { return std::max(1, NearestEdge(std::abs(length))); };
   const int across = pixels(t.x * std::hypot(map.m11, map.m12));

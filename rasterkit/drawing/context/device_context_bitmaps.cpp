@@ -19,7 +19,7 @@ RectD BoundsOf(const BitmapCorners& corners) {
           std::max({a.x, b.x, c.x, d.x}), std::max({a.y, b.y, c.y, d.y})};
 }
 
-BitmapCorners CornersOf(const RectD& rect, const Affine& map) {
+BitmapCorners CornersOf(const RectD& rect, const PlaneAffine& map) {
   return {map({rect.left, rect.top}), map({rect.right, rect.top}), map({rect.left, rect.bottom})};
 }
 

@@ -66,7 +66,7 @@ void ShadedInLines(DeviceContext::Parts& parts, const PixelRect& box, bool isAcr
 
 void FillRect(DeviceContext::Parts& parts, const GradientVertex& first,
               const GradientVertex& second, bool isVertical) {
-  const Affine& map = parts.ToTarget();
+  const PlaneAffine& map = parts.ToTarget();
   const PointD a = Finite(first.point), b = Finite(second.point);
   const auto back = map.Inverse();
   const double length = isVertical ? b.y - a.y : b.x - a.x;
@@ -100,7 +100,7 @@ void FillTriangle(DeviceContext::Parts& parts, const GradientVertex& a, const Gr
                   const GradientVertex& c) {
   const PointD o = parts.Mapped(Finite(a.point)), p = parts.Mapped(Finite(b.point)),
                q = parts.Mapped(Finite(c.point));
-  const Affine map{p.x - o.x, p.y - o.y, q.x - o.x, q.y - o.y, o.x, o.y};
+  const PlaneAffine map{p.x - o.x, p.y - o.y, q.x - o.x, q.y - o.y, o.x, o.y};
   const auto back = map.Inverse();
   if (!back) return;
   const RectD bounds{std::min({o.x, p.x, q.x}), std::min({o.y, p.y, q.y}),

@@ -50,16 +50,16 @@ void DeviceContext::ScaleViewportExt(PointD numerator, PointD denominator) {
   parts_->MappingChanged();
 }
 
-void DeviceContext::SetWorldTransform(const Affine& matrix) {
+void DeviceContext::SetWorldTransform(const PlaneAffine& matrix) {
   ModifyWorldTransform(matrix, WorldChange::set);
 }
 
-void DeviceContext::ModifyWorldTransform(const Affine& matrix, WorldChange change) {
-  Affine& world = parts_->state.world;
-  Affine changed = world;
+void DeviceContext::ModifyWorldTransform(const PlaneAffine& matrix, WorldChange change) {
+  PlaneAffine& world = parts_->state.world;
+  PlaneAffine changed = world;
   switch (change) {
     case WorldChange::identity:
-      changed = Affine();
+      changed = PlaneAffine();
       break;
     case WorldChange::left:
       changed = matrix.Then(world);

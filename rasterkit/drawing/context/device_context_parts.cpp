@@ -21,19 +21,19 @@ const LogicalBrush& UsualBrush() {
 }  // namespace
 
 DeviceContext::Parts::Parts(Raster& target, const PixelRect& clip, const ReferenceDevice& d,
-                            const Affine& toTarget)
+                            const PlaneAffine& toTarget)
     : device(d),
-      deviceToTarget(toTarget.IsFinite() ? toTarget : Affine()),
+      deviceToTarget(toTarget.IsFinite() ? toTarget : PlaneAffine()),
       work(PixelsOf(ClipRect(clip, target.Width(), target.Height()))),
       painter(target, ClipRect(clip, target.Width(), target.Height()), work),
       state(d) {
   ClipChanged();
 }
 
-const Affine& DeviceContext::Parts::ToTarget() {
+const PlaneAffine& DeviceContext::Parts::ToTarget() {
   if (!toTarget_) {
-    const Affine map = state.ToDevice().Then(deviceToTarget);
-    toTarget_ = map.IsFinite() ? map : Affine();
+    const PlaneAffine map = state.ToDevice().Then(deviceToTarget);
+    toTarget_ = map.IsFinite() ? map : PlaneAffine();
   }
   return *toTarget_;
 }
@@ -146,7 +146,7 @@ bool DeviceContext::Parts::FillsToLines() {
 DeviceContext::Parts::Path DeviceContext::Parts::AlongLines(const Path& outline) {
   Path moved = outline;
   if (const StrokeStyle* style = FillsToLines() ? PenStyle() : nullptr) {
-    moved.Transform(Affine::Translation(style->fit.toCenter.x, style->fit.toCenter.y));
+    moved.Transform(PlaneAffine::Translation(style->fit.toCenter.x, style->fit.toCenter.y));
   }
   return moved;
 }
@@ -253,7 +253,7 @@ std::optional<Ink> DeviceContext::Parts::InkOf(const LogicalBrush& brush) {
 }
 
 ClipArea::Pointer DeviceContext::Parts::AreaOf(std::span<const RectD> rects, RegionUnit unit) {
-  const Affine map = MapOf(unit);
+  const PlaneAffine map = MapOf(unit);
   if (map.KeepsAxes()) {
     std::vector<PixelRect> boxes;
     boxes.reserve(rects.size());

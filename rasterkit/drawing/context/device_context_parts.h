@@ -22,15 +22,17 @@ struct DeviceContext::Parts {
   using Path = detail::DrawingPath;
 
   Parts(Raster& target, const PixelRect& clip, const ReferenceDevice& device,
-        const Affine& toTarget);
+        const PlaneAffine& toTarget);
 
   // ---- Mapping ----
 
   /// Returns the map from logical units to pixels of the target.
-  const Affine& ToTarget();
+  const PlaneAffine& ToTarget();
   PointD Mapped(PointD logical) { return ToTarget()(logical); }
   /// Returns the map from units of a region to the target.
-  Affine MapOf(RegionUnit unit) { return unit == RegionUnit::device ? deviceToTarget : ToTarget(); }
+  PlaneAffine MapOf(RegionUnit unit) {
+    return unit == RegionUnit::device ? deviceToTarget : ToTarget();
+  }
 
   /// To be called after changes: of the mapping, the pen, the brush, or the colors of both.
   void MappingChanged();
@@ -86,7 +88,7 @@ struct DeviceContext::Parts {
   // ---- Parts ----
 
   const ReferenceDevice device;
-  const Affine deviceToTarget;
+  const PlaneAffine deviceToTarget;
   detail::DrawingWork work;
   detail::Painter painter;
   detail::FontFaces fonts;
@@ -120,7 +122,7 @@ struct DeviceContext::Parts {
   };
   const PenParts& Pen();
 
-  std::optional<Affine> toTarget_;
+  std::optional<PlaneAffine> toTarget_;
   detail::ClipArea::Pointer visibleClip_;
   std::optional<PenParts> pen_;
   std::optional<std::optional<detail::Ink>> brush_;

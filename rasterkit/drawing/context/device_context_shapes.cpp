@@ -55,7 +55,7 @@ void DrawRound(DeviceContext::Parts& parts, const ShapeFrame& frame, MakeOutline
     return;
   }
   DrawingPath line = outline(frame.lineBox), area = line;
-  area.Transform(Affine::Translation(pen->fit.toCenter.x, pen->fit.toCenter.y));
+  area.Transform(PlaneAffine::Translation(pen->fit.toCenter.x, pen->fit.toCenter.y));
   parts.Fill(area);
   parts.Stroke(line);
 }

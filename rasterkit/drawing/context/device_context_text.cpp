@@ -40,7 +40,7 @@ void MovePosition(DrawingState& state, const TextLine& line, const TextPlacement
   const uint32_t side = state.textAlign & text_align::kHorizontal;
   if (!(state.textAlign & text_align::kUpdatePosition) || side == text_align::kCenter) return;
   const double sign = side == text_align::kRight ? -1 : 1;
-  const Affine toDevice = state.ToDevice();
+  const PlaneAffine toDevice = state.ToDevice();
   const auto back = toDevice.Inverse();
   if (!back) return;
   const PointD moved = placement.places.Direction({sign * line.width, sign * line.drop});
@@ -52,7 +52,7 @@ void MovePosition(DrawingState& state, const TextLine& line, const TextPlacement
 /// of a path.
 void ChargeLetters(DeviceContext::Parts& parts, const TextLine& line,
                    const TextPlacement& placement) {
-  const Affine letters = LetterMap(line, placement);
+  const PlaneAffine letters = LetterMap(line, placement);
   if (!letters.IsFinite()) return;
   const auto count = static_cast<double>(line.glyphs.size());
   const bool areOutlines = parts.isPathOpen || AreLettersOutlines(letters);

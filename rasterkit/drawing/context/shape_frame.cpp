@@ -6,12 +6,12 @@
 
 namespace rasterkit::detail {
 
-ShapeFrame ShapeFrameOf(const DrawingState& state, const Affine& deviceToTarget, const RectD& box,
-                        const StrokeStyle* pen) {
-  const Affine toDevice = state.ToDevice();
+ShapeFrame ShapeFrameOf(const DrawingState& state, const PlaneAffine& deviceToTarget,
+                        const RectD& box, const StrokeStyle* pen) {
+  const PlaneAffine toDevice = state.ToDevice();
   if (state.graphicsMode == GraphicsMode::advanced || !toDevice.KeepsAxes()) {
     const RectD logical = Normalized(box);
-    return {Affine(), toDevice.Then(deviceToTarget), logical, logical};
+    return {PlaneAffine(), toDevice.Then(deviceToTarget), logical, logical};
   }
   const RectD whole = MappedBounds(box, toDevice);
   RectD line = whole;

@@ -11,14 +11,14 @@ namespace rasterkit::detail {
 /// device, and the right and bottom edges of a box lie one pixel (or less for a thinner pen) before
 /// its corner. In advanced mode these are logical units.
 struct ShapeFrame {
-  Affine fromLogical, toTarget;
+  PlaneAffine fromLogical, toTarget;
   RectD fillBox;  ///< the box to fill
   RectD lineBox;  ///< the box that the pen follows
 };
 
 /// `pen` is null if the outline is not drawn.
-ShapeFrame ShapeFrameOf(const DrawingState& state, const Affine& deviceToTarget, const RectD& box,
-                        const StrokeStyle* pen);
+ShapeFrame ShapeFrameOf(const DrawingState& state, const PlaneAffine& deviceToTarget,
+                        const RectD& box, const StrokeStyle* pen);
 
 /// Moves the outline inward by half of the pen's width, for the inside-frame style.
 void KeepInside(ShapeFrame& frame, const LogicalPen& pen);

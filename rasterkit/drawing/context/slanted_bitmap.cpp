@@ -11,7 +11,7 @@ namespace rasterkit::detail {
 namespace {
 
 /// Returns the map from the unit square to the target.
-Affine SquareMap(const BitmapCorners& corners) {
+PlaneAffine SquareMap(const BitmapCorners& corners) {
   const PointD o = corners.topLeft;
   return {corners.topRight.x - o.x,
           corners.topRight.y - o.y,
@@ -21,7 +21,7 @@ Affine SquareMap(const BitmapCorners& corners) {
           o.y};
 }
 
-DrawingPath Outline(const Affine& map) {
+DrawingPath Outline(const PlaneAffine& map) {
   DrawingPath outline;
   outline.AddRect({0, 0, 1, 1});
   outline.Transform(map);
@@ -96,7 +96,7 @@ struct Shrunk {
   double across = 1, down = 1;  ///< new size / old size
 };
 
-Shrunk ShrinkFor(Raster bitmap, const RectD& part, const Affine& square) {
+Shrunk ShrinkFor(Raster bitmap, const RectD& part, const PlaneAffine& square) {
   const auto target = [](double length, double pixels, int size) {
     const double factor = pixels > 0 ? length / pixels : 1;
     return factor < 0.75 ? std::max(1, static_cast<int>(std::ceil(size * factor))) : size;
@@ -117,7 +117,7 @@ Shrunk ShrinkFor(Raster bitmap, const RectD& part, const Affine& square) {
 std::optional<PlacedBitmap> PlaceSlanted(const BitmapPart& source, const BitmapCorners& corners,
                                          const PixelRect& visible, Sampling sampling,
                                          bool hasAlpha) {
-  const Affine square = SquareMap(corners);
+  const PlaneAffine square = SquareMap(corners);
   const auto toSquare = square.Inverse();
   const DrawingPath outline = Outline(square);
   const PixelRect box = Intersection(visible, CoveringBox(*outline.Bounds(), 0));
@@ -128,9 +128,9 @@ std::optional<PlacedBitmap> PlaceSlanted(const BitmapPart& source, const BitmapC
     shrunk = ShrinkFor(std::move(shrunk.bitmap), source.part, square);
   }
   const RectD& part = source.part;
-  const Affine toSource =
-      toSquare->Then(Affine{part.Width(), 0, 0, part.Height(), part.left, part.top})
-          .Then(Affine::Scaling(shrunk.across, shrunk.down));
+  const PlaneAffine toSource =
+      toSquare->Then(PlaneAffine{part.Width(), 0, 0, part.Height(), part.left, part.top})
+          .Then(PlaneAffine::Scaling(shrunk.across, shrunk.down));
   const bool wasShrunk = shrunk.across < 1 || shrunk.down < 1;
   const Sampler sampler(shrunk.bitmap, wasShrunk || sampling == Sampling::smooth, hasAlpha);
 

@@ -53,7 +53,7 @@ void DrawingPath::Clear() {
   points_.clear();
 }
 
-void DrawingPath::Transform(const Affine& map) {
+void DrawingPath::Transform(const PlaneAffine& map) {
   for (PointD& point : points_) point = map(point);
 }
 

@@ -6,7 +6,7 @@
 
 #include <cairo.h>
 
-#include <rasterkit/drawing/ink/affine.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 
 namespace rasterkit::detail {
 
@@ -52,7 +52,7 @@ class DrawingPath {
   void AddRect(const RectD& rect);
   void Append(const DrawingPath& other);
   void Clear();
-  void Transform(const Affine& map);
+  void Transform(const PlaneAffine& map);
 
   bool Empty() const { return verbs_.empty(); }
   const std::vector<Verb>& Verbs() const { return verbs_; }

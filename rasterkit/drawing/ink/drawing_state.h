@@ -15,10 +15,10 @@ struct DrawingState {
   explicit DrawingState(const ReferenceDevice& device) : page(device) {}
 
   /// Returns the map from logical units to pixels of the recording device.
-  Affine ToDevice() const { return world.Then(page.ToDevice()); }
+  PlaneAffine ToDevice() const { return world.Then(page.ToDevice()); }
 
   PageMapping page;
-  Affine world;
+  PlaneAffine world;
   GraphicsMode graphicsMode = GraphicsMode::compatible;
 
   TColor textColor = clBlack, backColor = clWhite;

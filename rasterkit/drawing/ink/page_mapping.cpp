@@ -93,9 +93,9 @@ void PageMapping::KeepSquare() {
   }
 }
 
-Affine PageMapping::ToDevice() const {
+PlaneAffine PageMapping::ToDevice() const {
   const double sx = viewportExt_.x / windowExt_.x, sy = viewportExt_.y / windowExt_.y;
-  const Affine plain{
+  const PlaneAffine plain{
       sx, 0, 0, sy, viewportOrg.x - windowOrg.x * sx, viewportOrg.y - windowOrg.y * sy};
   if (!isMirrored) return plain;
   return plain.Then({-1, 0, 0, 1, device_.widthPx, 0});

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <rasterkit/drawing/ink/affine.h>
 #include <rasterkit/drawing/ink/drawing_modes.h>
 #include <rasterkit/drawing/ink/drawing_objects.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 
 namespace rasterkit::detail {
 
@@ -18,7 +18,7 @@ class PageMapping {
   void ScaleWindowExt(PointD numerator, PointD denominator);
   void ScaleViewportExt(PointD numerator, PointD denominator);
 
-  Affine ToDevice() const;
+  PlaneAffine ToDevice() const;
 
   PointD windowOrg, viewportOrg;
   bool isMirrored = false;  ///< mirrored about the vertical center line of the device

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <optional>
 
-#include <rasterkit/drawing/ink/affine.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 #include <rasterkit/raster/fill.h>
 
 namespace rasterkit::detail {
@@ -64,7 +64,7 @@ inline PixelRect CoveringBox(const RectD& rect, double margin) {
 }
 
 /// Returns the bounding box of the mapped rectangle.
-inline RectD MappedBounds(const RectD& rect, const Affine& map) {
+inline RectD MappedBounds(const RectD& rect, const PlaneAffine& map) {
   const PointD corners[] = {map({rect.left, rect.top}), map({rect.right, rect.top}),
                             map({rect.left, rect.bottom}), map({rect.right, rect.bottom})};
   RectD bounds{corners[0].x, corners[0].y, corners[0].x, corners[0].y};

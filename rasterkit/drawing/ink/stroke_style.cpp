@@ -81,7 +81,7 @@ cairo_line_join_t Join(uint32_t style) {
 }
 
 /// Aligns a line of that width, in pixels of the target, to pixels.
-void Fit(StrokeStyle& style, double width, const Affine& deviceToTarget) {
+void Fit(StrokeStyle& style, double width, const PlaneAffine& deviceToTarget) {
   // Lines run through the centers of the device's pixels. A line thinner than such a pixel is drawn
   // at the pixel's upper left, where areas end.
   const double pixel = deviceToTarget.MeanScale();
@@ -112,14 +112,14 @@ StrokeStyle Cosmetic(const LogicalPen& pen, const PenSurroundings& around) {
   return style;
 }
 
-bool KeepsCircles(const Affine& map) {
+bool KeepsCircles(const PlaneAffine& map) {
   const double a = std::hypot(map.m11, map.m12), b = std::hypot(map.m21, map.m22);
   const double skew = map.m11 * map.m21 + map.m12 * map.m22;
   return std::abs(a - b) <= 0.01 * std::max(a, b) && std::abs(skew) <= 0.01 * a * b;
 }
 
 StrokeStyle Broad(const LogicalPen& pen, const PenSurroundings& around) {
-  const Affine toTarget = around.toDevice.Then(around.deviceToTarget);
+  const PlaneAffine toTarget = around.toDevice.Then(around.deviceToTarget);
   const double width = std::abs(pen.width), scale = toTarget.MeanScale();
   const bool isGeometric = (pen.style & kGeometric) != 0;
   StrokeStyle style;

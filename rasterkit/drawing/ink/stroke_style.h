@@ -6,9 +6,9 @@
 
 #include <cairo.h>
 
-#include <rasterkit/drawing/ink/affine.h>
 #include <rasterkit/drawing/ink/drawing_objects.h>
 #include <rasterkit/drawing/ink/drawing_path.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 
 namespace rasterkit::detail {
 
@@ -16,7 +16,7 @@ namespace rasterkit::detail {
 struct StrokeStyle {
   double width = 1;  ///< in pixels; with `nib`, in the units that it maps
   /// Maps the round nib to an ellipse if the axes differ in scale.
-  std::optional<Affine> nib;
+  std::optional<PlaneAffine> nib;
   cairo_line_cap_t cap = CAIRO_LINE_CAP_BUTT;
   cairo_line_join_t join = CAIRO_LINE_JOIN_MITER;
   double miterLimit = 10;
@@ -37,8 +37,8 @@ struct StrokeStyle {
 
 /// The state that a pen's style depends on.
 struct PenSurroundings {
-  Affine toDevice;  ///< logical units to pixels of the recording device
-  Affine deviceToTarget;
+  PlaneAffine toDevice;  ///< logical units to pixels of the recording device
+  PlaneAffine deviceToTarget;
   double miterLimit = 10;
 };
 

@@ -148,25 +148,25 @@ TextLine LayOutText(const TextRun& run, const LogicalFont& font, const DrawingSt
 
 TextPlacement PlaceText(const LogicalFont& font, const DrawingState& state, PointD origin,
                         PointD reference) {
-  const Affine page = state.page.ToDevice();
+  const PlaneAffine page = state.page.ToDevice();
   // Counter-clockwise with y downward. On a flipped page the letters stay upright, but the line
   // follows the axes of the page.
   const double sense = (page.m11 < 0) != (page.m22 < 0) ? -1 : 1;
   const double angle =
       std::isfinite(font.escapement) ? sense * font.escapement * std::numbers::pi / 1800 : 0;
   const double c = std::cos(angle), s = std::sin(angle);
-  const Affine turn{c, -s, s, c, 0, 0};
+  const PlaneAffine turn{c, -s, s, c, 0, 0};
   const double across = std::abs(page.m11), down = std::abs(page.m22);
   TextPlacement placement;
-  if (state.graphicsMode == GraphicsMode::advanced || state.world != Affine()) {
-    Affine world = state.world;
+  if (state.graphicsMode == GraphicsMode::advanced || state.world != PlaneAffine()) {
+    PlaneAffine world = state.world;
     world.dx = world.dy = 0;
-    placement.letters = turn.Then(world).Then(Affine::Scaling(across, down));
+    placement.letters = turn.Then(world).Then(PlaneAffine::Scaling(across, down));
     placement.places = placement.letters;
   } else {
-    placement.letters = Affine::Scaling(down, down).Then(turn);
+    placement.letters = PlaneAffine::Scaling(down, down).Then(turn);
     const double along = std::hypot(across * c, down * s);
-    placement.places = Affine::Scaling(along, down).Then(turn);
+    placement.places = PlaneAffine::Scaling(along, down).Then(turn);
   }
   const PointD to = state.ToDevice()(origin);
   const PointD moved = placement.places.Direction(reference);

@@ -34,8 +34,8 @@ TextLine LayOutText(const TextRun& run, const LogicalFont& font, const DrawingSt
 
 /// Maps from the line's coordinates to pixels of the recording device.
 struct TextPlacement {
-  Affine places;   ///< for the positions of letters
-  Affine letters;  ///< for the letters themselves; no translation
+  PlaneAffine places;   ///< for the positions of letters
+  PlaneAffine letters;  ///< for the letters themselves; no translation
 };
 
 /// Places a text on the page: rotated by the font's escapement, and upright in compatible mode.

@@ -38,7 +38,7 @@ struct OptionsRelease {
   void operator()(cairo_font_options_t* options) const { cairo_font_options_destroy(options); }
 };
 
-CairoScaledFont SizedFont(FontFace& face, const Affine& letters) {
+CairoScaledFont SizedFont(FontFace& face, const PlaneAffine& letters) {
   const std::unique_ptr<cairo_font_options_t, OptionsRelease> options(cairo_font_options_create());
   cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
   // No hinting: letters keep their positions at any size.
@@ -75,7 +75,7 @@ DrawingPath LetterOutline(cairo_t* scratch, unsigned long index) {
   return PathOf(scratch);
 }
 
-void ShowGlyphs(Painter& painter, std::span<const PlacedGlyph> run, const Affine& letters,
+void ShowGlyphs(Painter& painter, std::span<const PlacedGlyph> run, const PlaneAffine& letters,
                 const TextPlacement& placement, const PixelRect& box, uint32_t pixel) {
   const std::shared_lock shared(OpenFonts());
   const CairoScaledFont font = SizedFont(*run[0].face, letters);
@@ -93,7 +93,7 @@ void ShowGlyphs(Painter& painter, std::span<const PlacedGlyph> run, const Affine
 }
 
 /// Returns a box around all pixels that the letters may cover.
-PixelRect GlyphBox(std::span<const PlacedGlyph> glyphs, const Affine& letters,
+PixelRect GlyphBox(std::span<const PlacedGlyph> glyphs, const PlaneAffine& letters,
                    const TextPlacement& placement) {
   const double reach =
       3 * (std::hypot(letters.m11, letters.m12) + std::hypot(letters.m21, letters.m22)) + 2;
@@ -104,11 +104,11 @@ PixelRect GlyphBox(std::span<const PlacedGlyph> glyphs, const Affine& letters,
 
 }  // namespace
 
-Affine LetterMap(const TextLine& line, const TextPlacement& placement) {
-  return Affine::Scaling(line.emHeight * line.stretch, line.emHeight).Then(placement.letters);
+PlaneAffine LetterMap(const TextLine& line, const TextPlacement& placement) {
+  return PlaneAffine::Scaling(line.emHeight * line.stretch, line.emHeight).Then(placement.letters);
 }
 
-bool AreLettersOutlines(const Affine& letters) {
+bool AreLettersOutlines(const PlaneAffine& letters) {
   return std::max(std::hypot(letters.m11, letters.m12), std::hypot(letters.m21, letters.m22)) >
          kMaxGlyphPixels;
 }
@@ -121,19 +121,19 @@ DrawingPath TextOutline(const TextLine& line, const TextPlacement& placement) {
   const std::shared_lock shared(OpenFonts());
   const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1));
   const CairoContext scratch(cairo_create(surface.get()));
-  const Affine letters = LetterMap(line, placement);
+  const PlaneAffine letters = LetterMap(line, placement);
   DrawingPath outline;
   ForEachRun(line.glyphs, [&](std::span<const PlacedGlyph> run) {
     const CairoScaledFont font =
-        SizedFont(*run[0].face, Affine::Scaling(kOutlineSize, kOutlineSize));
+        SizedFont(*run[0].face, PlaneAffine::Scaling(kOutlineSize, kOutlineSize));
     if (!font) return;
     cairo_set_scaled_font(scratch.get(), font.get());
     for (const PlacedGlyph& glyph : run) {
       const PointD at = placement.places(glyph.at);
       DrawingPath letter = LetterOutline(scratch.get(), glyph.index);
-      letter.Transform(Affine::Scaling(1 / kOutlineSize, 1 / kOutlineSize)
+      letter.Transform(PlaneAffine::Scaling(1 / kOutlineSize, 1 / kOutlineSize)
                            .Then(letters)
-                           .Then(Affine::Translation(at.x, at.y)));
+                           .Then(PlaneAffine::Translation(at.x, at.y)));
       outline.Append(letter);
     }
   });
@@ -142,7 +142,7 @@ DrawingPath TextOutline(const TextLine& line, const TextPlacement& placement) {
 
 void PaintText(Painter& painter, const TextLine& line, const TextPlacement& placement,
                const LogicalFont& font, uint32_t pixel) {
-  const Affine letters = LetterMap(line, placement);
+  const PlaneAffine letters = LetterMap(line, placement);
   const double across = std::hypot(letters.m11, letters.m12);
   const double down = std::hypot(letters.m21, letters.m22);
   const double flattest = std::abs(letters.Determinant()) / std::max(across, down);

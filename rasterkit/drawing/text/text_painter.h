@@ -7,9 +7,9 @@
 namespace rasterkit::detail {
 
 /// Returns the map from letters of size 1 to the target.
-Affine LetterMap(const TextLine& line, const TextPlacement& placement);
+PlaneAffine LetterMap(const TextLine& line, const TextPlacement& placement);
 /// Returns whether letters are so large that they are drawn as outlines.
-bool AreLettersOutlines(const Affine& letters);
+bool AreLettersOutlines(const PlaneAffine& letters);
 /// Returns the text's rectangle, from the highest to the lowest letter, rotated with the text.
 DrawingPath TextCell(const TextLine& line, const TextPlacement& placement);
 /// Returns the outlines of all letters.

@@ -5,8 +5,8 @@
 #include <span>
 #include <string_view>
 
-#include <rasterkit/drawing/ink/affine.h>
 #include <rasterkit/drawing/ink/drawing_modes.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 
 namespace rasterkit {
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include <rasterkit/drawing/ink/affine.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 #include <rasterkit/metafiles/records/metafile_bytes.h>
 
 /// Fields that several EMF records share.
@@ -29,8 +29,8 @@ inline RectD ReadSizedRect(MetafileBytes& fields) {
   return {corner.x, corner.y, corner.x + size.x, corner.y + size.y};
 }
 
-inline Affine ReadMatrix(MetafileBytes& fields) {
-  Affine matrix;
+inline PlaneAffine ReadMatrix(MetafileBytes& fields) {
+  PlaneAffine matrix;
   matrix.m11 = fields.Single();
   matrix.m12 = fields.Single();
   matrix.m21 = fields.Single();

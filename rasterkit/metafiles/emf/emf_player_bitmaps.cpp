@@ -7,15 +7,15 @@ namespace rasterkit::detail {
 namespace {
 
 /// Returns the part of a bitmap that `box` selects in the units of its source context.
-RectD SourcePart(const RectD& box, const Affine& transform) {
+RectD SourcePart(const RectD& box, const PlaneAffine& transform) {
   const PointD a = transform({box.left, box.top}), b = transform({box.right, box.bottom});
   return {a.x, a.y, b.x, b.y};
 }
 
 /// Some programs write an all-zero matrix, which would map everything to a point.
-Affine ReadSourceMatrix(MetafileBytes& fields) {
-  const Affine matrix = ReadMatrix(fields);
-  return matrix.KeepsAxes() && matrix.Determinant() != 0 ? matrix : Affine();
+PlaneAffine ReadSourceMatrix(MetafileBytes& fields) {
+  const PlaneAffine matrix = ReadMatrix(fields);
+  return matrix.KeepsAxes() && matrix.Determinant() != 0 ? matrix : PlaneAffine();
 }
 
 }  // namespace
@@ -46,7 +46,7 @@ void EmfPlayer::Blit(const EmfRecord& record) {
   const RectD dest = ReadSizedRect(fields);
   const uint32_t operation = fields.Long();
   const PointD corner = ReadPoint(fields);
-  const Affine transform = ReadSourceMatrix(fields);
+  const PlaneAffine transform = ReadSourceMatrix(fields);
   fields.Skip(4);  // background color of the source
   DibRequest request;
   request.colors = DibColorsOf(fields.Long());
@@ -77,7 +77,7 @@ void EmfPlayer::Blit(const EmfRecord& record) {
 /// Reads the fields after the box of the source, which may include a mask.
 EmfPlayer::MaskedBitmap EmfPlayer::ReadMasked(const EmfRecord& record, MetafileBytes& fields,
                                               const RectD& box) {
-  const Affine transform = ReadSourceMatrix(fields);
+  const PlaneAffine transform = ReadSourceMatrix(fields);
   fields.Skip(4);  // background color of the source
   DibRequest request, maskRequest;
   request.colors = DibColorsOf(fields.Long());

@@ -96,7 +96,7 @@ bool EmfPlayer::PlayMapping(const EmfRecord& record) {
       context_.SetWorldTransform(ReadMatrix(fields));
       return true;
     case EmfType::modifyWorldTransform: {
-      const Affine matrix = ReadMatrix(fields);
+      const PlaneAffine matrix = ReadMatrix(fields);
       context_.ModifyWorldTransform(matrix, static_cast<WorldChange>(fields.Long()));
       return true;
     }

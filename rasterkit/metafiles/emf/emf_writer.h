@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include <rasterkit/drawing/ink/affine.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 #include <rasterkit/metafiles/emf/emf_records.h>
 
 namespace rasterkit::detail {

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include <rasterkit/drawing/ink/affine.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 #include <rasterkit/metafiles/records/dib_reader.h>
 
 /// Helpers for blits that both players share.

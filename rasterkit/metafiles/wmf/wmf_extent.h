@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/drawing/ink/affine.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 #include <rasterkit/metafiles/wmf/wmf_records.h>
 
 namespace rasterkit::detail {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/drawing/ink/affine.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 #include <rasterkit/metafiles/records/metafile_bytes.h>
 
 /// Fields that several WMF records share. Parameters are stored in reverse order.

@@ -36,7 +36,7 @@ std::optional<RectD> MeasureWmf(std::span<const uint8_t> bytes) {
   constexpr uint32_t kMostCalls = kMostMeasuredRecords / kRecordsPerKeepGoing;
   Raster unseen(pf32bit, 1, 1);
   const ReferenceDevice screen{kMetafileDpi, kMetafileDpi, kMmPerInch, kMmPerInch};
-  DeviceContext context(unseen, {0, 0, 0, 0}, screen, Affine());
+  DeviceContext context(unseen, {0, 0, 0, 0}, screen, PlaneAffine());
   const WmfPicture picture{
       .window = {0, 0, 1, 1}, .pixels = {1, 1}, .isMeasured = true, .origin = {}, .device = screen};
   WmfPlayer player(context, picture, bytes.size());

@@ -4,7 +4,7 @@
 #include <optional>
 #include <span>
 
-#include <rasterkit/drawing/ink/affine.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 
 namespace rasterkit::detail {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <rasterkit/drawing/ink/affine.h>
 #include <rasterkit/drawing/ink/drawing_objects.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 #include <rasterkit/metafiles/records/metafile_facts.h>
 
 namespace rasterkit::detail {

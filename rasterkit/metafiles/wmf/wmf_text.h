@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include <rasterkit/drawing/ink/affine.h>
+#include <rasterkit/drawing/ink/plane_affine.h>
 #include <rasterkit/metafiles/wmf/wmf_records.h>
 
 namespace rasterkit::detail {

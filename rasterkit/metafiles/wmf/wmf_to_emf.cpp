@@ -8,7 +8,7 @@ std::vector<uint8_t> ConvertWmfToEmf(std::span<const uint8_t> bytes, const Metaf
   const WmfPicture window = PictureOfWmf(facts);
   // Only the state of the player and the painted bounds are used, not the pixels.
   Raster unseen(pf32bit, 1, 1);
-  DeviceContext context(unseen, {0, 0, 1, 1}, window.device, Affine());
+  DeviceContext context(unseen, {0, 0, 1, 1}, window.device, PlaneAffine());
   context.RaiseWorkBudget(DrawingWork::kPerByte * static_cast<double>(bytes.size()));
   WmfPlayer player(context, window, bytes.size());
   EmfWriter writer;

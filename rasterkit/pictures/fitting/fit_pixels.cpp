@@ -68,17 +68,23 @@ void FitProfile(Metadata& metadata, const PixelLayout& layout, Changes& changes)
                     (space == "Lab " && !isGray && !isRgb);
   if (fits || (!isGray && !isRgb)) return;
   metadata.profile = nullptr;
-  changes.Note(fmt::format("the {} profile does not apply to the new pixels and is not written",
-                           space == "RGB "   ? "color"
-                           : space == "GRAY" ? "gray"
-                                             : "ink"));
+  if (space == "RGB " && isGray) {
+    return changes.Note("the color profile does not apply to gray pixels and is not written");
+  }
+  changes.Lose(LossKind::profile, fmt::format("{} profile", space == "GRAY" ? "gray" : "ink"),
+               "it does not apply to the new pixels");
 }
 
 Raster Visible(Pixels pixels, const PixelFit& fit, Metadata& metadata, Changes& changes) {
   const PixelLayout before = LayoutOf(pixels);
   const bool wasInk = before.model == ColorModel::cmyk || before.model == ColorModel::lab ||
                       before.model == ColorModel::iccLab || before.model == ColorModel::ituLab;
-  Raster rows = VisiblePixels(std::move(pixels), fit.noData, changes);
+  Changes seen;
+  Raster rows = VisiblePixels(std::move(pixels), fit.noData, seen);
+  for (Loss& loss : seen.losses) changes.losses.push_back(std::move(loss));
+  for (std::string& note : seen.notes) {
+    if (!fit.isSample) changes.Note(std::move(note));
+  }
   if (wasInk) {
     metadata.profile = nullptr;
     rows.profile = nullptr;

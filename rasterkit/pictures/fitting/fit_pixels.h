@@ -17,6 +17,8 @@ struct PixelFit {
   TColor background = clWhite;
   std::string noData;
   int threads = 1;
+  /// The pixels only show the kind: what depends on them is not noted.
+  bool isSample = false;
 };
 
 RASTERKIT_EXPORT Pixels FitPixels(Pixels pixels, const PixelFit& fit, Metadata& metadata,

@@ -94,19 +94,21 @@ PictureReading ReadReading(FieldReader& fields) {
 }
 
 void WritePhotoFacts(FieldWriter& fields, const PhotoFacts& facts) {
-  const auto& [orientation, rotation, gps, warnings] = facts;
+  const auto& [orientation, rotation, gps, date, make, model, warnings] = facts;
   WriteOrientation(fields, orientation);
   fields.Optional(rotation, [&](int degrees) { fields.I32(degrees); });
   fields.Optional(gps, [&](const GpsPosition& position) { WriteGps(fields, position); });
+  for (const std::string* text : {&date, &make, &model}) fields.ByteText(*text);
   WriteWarnings(fields, warnings);
 }
 
 PhotoFacts ReadPhotoFacts(FieldReader& fields) {
   PhotoFacts facts;
-  auto& [orientation, rotation, gps, warnings] = facts;
+  auto& [orientation, rotation, gps, date, make, model, warnings] = facts;
   orientation = ReadOrientation(fields);
   rotation = fields.Optional([&] { return ReadRotation(fields); });
   gps = fields.Optional([&] { return ReadGps(fields); });
+  for (std::string* text : {&date, &make, &model}) *text = fields.ByteText(kMostTextBytes);
   warnings = ReadWarnings(fields);
   return facts;
 }
@@ -178,7 +180,7 @@ FrameHead ReadPictureHead(FieldReader& fields, PictureFile& picture) {
   warnings = ReadWarnings(fields);
   bytes = fields.U64();
   tiff = fields.Optional([&] { return ReadTiffFacts(fields); });
-  grid = fields.Optional([&] { return fields.Enum(GridType::int16); });
+  grid = fields.Optional([&] { return fields.Enum(NumberType::float64); });
   metafile = fields.Optional([&] { return ReadMetafileFacts(fields); });
   frames = ReadNotNegative(fields);
   FrameHead head = ReadFrameHead(fields);

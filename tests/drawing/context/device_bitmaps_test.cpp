@@ -151,13 +151,13 @@ TEST(DeviceBitmaps, Should_ShowTheMaskedPart_When_AParallelogramHasAMask) {
 TEST(DeviceBitmaps, Should_ScaleByTheDeviceAlone_When_SetToTheDevice) {
   const Raster bitmap = Colors();
   DrawingPaper paper(6, 4);
-  paper.Dc().SetWorldTransform(Affine::Scaling(2, 2));
+  paper.Dc().SetWorldTransform(PlaneAffine::Scaling(2, 2));
   paper.Dc().SetDIBitsToDevice({1, 1}, {bitmap, {0, 0, 3, 2}});
   EXPECT_EQ(paper.Picture(), "\n......\n......\n..rgb.\n..#.r.\n");
 }
 
 TEST(DeviceBitmaps, Should_DrawALine_When_APatternIsThinnerThanAPixel) {
-  DrawingPaper paper(4, 3, Affine::Scaling(0.1, 0.1));
+  DrawingPaper paper(4, 3, PlaneAffine::Scaling(0.1, 0.1));
   paper.Dc().PatBlt({0, 13, 40, 15}, rop3::kBlackness);
   EXPECT_EQ(paper.Picture(), "\n....\n####\n....\n");
 }
@@ -165,7 +165,7 @@ TEST(DeviceBitmaps, Should_DrawALine_When_APatternIsThinnerThanAPixel) {
 TEST(DeviceBitmaps, Should_LeaveNoSeams_When_StripsMeetBetweenPixels) {
   Raster strip(pf24bit, 10, 1);
   FillRaster(strip, {0, 0, 10, 1}, clBlack);
-  DrawingPaper paper(7, 7, Affine::Scaling(0.7, 0.7));
+  DrawingPaper paper(7, 7, PlaneAffine::Scaling(0.7, 0.7));
   for (int y = 0; y < 10; ++y) {
     const double top = y;
     paper.Dc().StretchBlt({0, top, 10, top + 1}, {strip, {0, 0, 10, 1}}, rop3::kSourceCopy);

@@ -106,7 +106,7 @@ TEST(DeviceBrushes, Should_MakeBlocksOfPatternPixels_When_TheTargetIsFiner) {
   LogicalBrush brush;
   brush.kind = LogicalBrush::pattern;
   brush.bitmap = bitmap;
-  DrawingPaper paper(8, 1, Affine::Scaling(2, 2));
+  DrawingPaper paper(8, 1, PlaneAffine::Scaling(2, 2));
   paper.Dc().SelectBrush(std::make_shared<LogicalBrush>(brush));
   paper.Dc().PatBlt({0, 0, 4, 1}, rop3::kPatternCopy);
   EXPECT_EQ(paper.Picture(), "\n##..##..\n");
@@ -128,7 +128,7 @@ TEST(DevicePens, Should_DrawWithTheBrush_When_AGeometricPenHasOne) {
 
 TEST(DevicePens, Should_BeWiderAcross_When_TheAxesDifferInScale) {
   DrawingPaper paper(40, 40);
-  paper.Dc().SetWorldTransform(Affine::Scaling(4, 1));
+  paper.Dc().SetWorldTransform(PlaneAffine::Scaling(4, 1));
   paper.Pen(clBlack, 4, pen_style::kGeometric | pen_style::kFlatCap);
   paper.Dc().MoveTo({5, 0});
   paper.Dc().LineTo({5, 40});

@@ -293,7 +293,7 @@ TEST(DeviceClip, Should_BeWhatItWas_When_SomethingInsideANarrowerAreaDidNotFitTh
 TEST(DeviceClip, Should_DrawNothing_When_TheContextsOwnAreaIsEmpty) {
   Raster raster(pf32bit, 3, 3);
   FillRaster(raster, {0, 0, 3, 3}, clWhite);
-  DeviceContext context(raster, {2, 2, 1, 1}, ReferenceDevice{}, Affine());
+  DeviceContext context(raster, {2, 2, 1, 1}, ReferenceDevice{}, PlaneAffine());
   context.Rectangle({0, 0, 3, 3});
   context.LineTo({3, 3});
   context.SetPixel({1, 1}, 0);
@@ -302,7 +302,7 @@ TEST(DeviceClip, Should_DrawNothing_When_TheContextsOwnAreaIsEmpty) {
 
 TEST(DeviceClip, Should_StayInsideItsArea_When_ThatIsAPartOfTheRaster) {
   test::DrawingPaper paper(5, 4);
-  DeviceContext context(paper.raster, {1, 1, 4, 3}, ReferenceDevice{}, Affine());
+  DeviceContext context(paper.raster, {1, 1, 4, 3}, ReferenceDevice{}, PlaneAffine());
   LogicalBrush brush;
   brush.color = clBlack;
   context.SelectBrush(std::make_shared<LogicalBrush>(brush));
@@ -316,7 +316,7 @@ TEST(DeviceClip, Should_WriteAlpha255_When_TheContextIsGone) {
   Raster raster(pf32bit, 3, 1);
   for (int x = 0; x < 12; ++x) raster.Row(0)[x] = 0;
   {
-    DeviceContext context(raster, {0, 0, 2, 1}, ReferenceDevice{}, Affine());
+    DeviceContext context(raster, {0, 0, 2, 1}, ReferenceDevice{}, PlaneAffine());
     context.SetPixel({0, 0}, RGB(255, 0, 0));
   }
   EXPECT_EQ(raster.Row(0)[3], 255);

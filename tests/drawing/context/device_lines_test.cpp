@@ -37,7 +37,7 @@ TEST(DeviceLines, Should_FillTheCorner_When_APolylineBends) {
 }
 
 TEST(DeviceLines, Should_KeepSharp_When_LogicalUnitsFallBetweenPixels) {
-  DrawingPaper paper(6, 4, Affine::Scaling(0.37, 0.37));
+  DrawingPaper paper(6, 4, PlaneAffine::Scaling(0.37, 0.37));
   paper.Dc().MoveTo({0, 5});
   paper.Dc().LineTo({30, 5});
   EXPECT_EQ(paper.Picture(), R"(
@@ -58,14 +58,14 @@ TEST(DeviceLines, Should_BeSoft_When_ALineIsSlanted) {
 }
 
 TEST(DeviceLines, Should_BeOnePixelOfTheTarget_When_TheTargetIsCoarser) {
-  DrawingPaper paper(4, 3, Affine::Scaling(0.01, 0.01));
+  DrawingPaper paper(4, 3, PlaneAffine::Scaling(0.01, 0.01));
   paper.Dc().MoveTo({0, 110});
   paper.Dc().LineTo({400, 110});
   EXPECT_EQ(paper.Picture(), "\n....\n####\n....\n");
 }
 
 TEST(DeviceLines, Should_BeOnePixelOfTheDevice_When_TheTargetIsFiner) {
-  DrawingPaper paper(6, 6, Affine::Scaling(2, 2));
+  DrawingPaper paper(6, 6, PlaneAffine::Scaling(2, 2));
   paper.Dc().MoveTo({0, 1});
   paper.Dc().LineTo({3, 1});
   EXPECT_EQ(paper.Picture(), "\n......\n......\n######\n######\n......\n......\n");
@@ -79,7 +79,7 @@ void UseHalfPixels(DrawingPaper& paper) {
 }
 
 TEST(DeviceLines, Should_BeAsThinAsMeant_When_ThePenIsThinnerThanAPixelOfTheDevice) {
-  DrawingPaper paper(4, 10, Affine::Scaling(4, 4));
+  DrawingPaper paper(4, 10, PlaneAffine::Scaling(4, 4));
   UseHalfPixels(paper);
   paper.Pen(clBlack, 1);
   paper.Dc().MoveTo({0, 2});
@@ -89,7 +89,7 @@ TEST(DeviceLines, Should_BeAsThinAsMeant_When_ThePenIsThinnerThanAPixelOfTheDevi
 }
 
 TEST(DeviceLines, Should_BeOnePixelOfTheDevice_When_AThinPenNamesNoWidth) {
-  DrawingPaper paper(4, 10, Affine::Scaling(4, 4));
+  DrawingPaper paper(4, 10, PlaneAffine::Scaling(4, 4));
   UseHalfPixels(paper);
   paper.Pen(clBlack, 0);
   paper.Dc().MoveTo({0, 2});
@@ -98,7 +98,7 @@ TEST(DeviceLines, Should_BeOnePixelOfTheDevice_When_AThinPenNamesNoWidth) {
 }
 
 TEST(DeviceLines, Should_BeOnePixelOfTheTarget_When_AThinPenIsThinnerThanThat) {
-  DrawingPaper paper(4, 5, Affine::Scaling(1.5, 1.5));
+  DrawingPaper paper(4, 5, PlaneAffine::Scaling(1.5, 1.5));
   UseHalfPixels(paper);
   paper.Pen(clBlack, 0.1);
   paper.Dc().MoveTo({0, 4});
@@ -107,7 +107,8 @@ TEST(DeviceLines, Should_BeOnePixelOfTheTarget_When_AThinPenIsThinnerThanThat) {
 }
 
 TEST(DeviceLines, Should_LieWhereAreasEnd_When_AThinPenFramesOne) {
-  DrawingPaper filled(12, 12, Affine::Scaling(4, 4)), framed(12, 12, Affine::Scaling(4, 4));
+  DrawingPaper filled(12, 12, PlaneAffine::Scaling(4, 4)),
+      framed(12, 12, PlaneAffine::Scaling(4, 4));
   const PointD square[] = {{2, 2}, {4, 2}, {4, 4}, {2, 4}};
   for (DrawingPaper* paper : {&filled, &framed}) {
     UseHalfPixels(*paper);

@@ -150,7 +150,7 @@ class RandomDrawing {
   PointD Point() { return {Number(), Number()}; }
   RectD Rect() { return {Number(), Number(), Number(), Number()}; }
   TColor Color() { return static_cast<TColor>(random_() & 0xFFFFFF); }
-  Affine Matrix() {
+  PlaneAffine Matrix() {
     const auto part = [&] { return Below(10) == 0 ? Number() : Below(41) / 10.0 - 2; };
     return {part(), part(), part(), part(), Number(), Number()};
   }
@@ -321,7 +321,8 @@ TEST(DeviceContext, Should_TouchNothingOutsideItsArea_When_AnythingIsDrawn) {
     paper.context.reset();
     {
       const double scale = seed % 3 == 0 ? 0.3 : seed % 3;
-      DeviceContext context(paper.raster, kArea, ReferenceDevice{}, Affine::Scaling(scale, scale));
+      DeviceContext context(paper.raster, kArea, ReferenceDevice{},
+                            PlaneAffine::Scaling(scale, scale));
       RandomDrawing drawing(context, seed);
       for (int i = 0; i < 200; ++i) {
         try {

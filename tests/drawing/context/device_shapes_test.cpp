@@ -48,7 +48,7 @@ TEST(DeviceShapes, Should_FillWithoutAFrame_When_ThePenIsNull) {
 }
 
 TEST(DeviceShapes, Should_KeepOnePixel_When_ARectangleIsThinnerThanThat) {
-  DrawingPaper paper(5, 3, Affine::Scaling(0.1, 0.1));
+  DrawingPaper paper(5, 3, PlaneAffine::Scaling(0.1, 0.1));
   paper.NoPen();
   paper.Brush(clBlack);
   paper.Dc().Rectangle({10, 12, 40, 14});
@@ -238,7 +238,7 @@ TEST(DevicePixels, Should_SetOnePixel_When_ScaledToOne) {
 }
 
 TEST(DevicePixels, Should_SetABlock_When_ThePictureIsLarger) {
-  DrawingPaper paper(6, 6, Affine::Scaling(2, 2));
+  DrawingPaper paper(6, 6, PlaneAffine::Scaling(2, 2));
   paper.Dc().SetPixel({1, 2}, RGB(255, 0, 0));
   EXPECT_EQ(paper.Picture(), "\n......\n......\n......\n......\n..rr..\n..rr..\n");
 }
@@ -313,7 +313,7 @@ TEST(DeviceGradients, Should_GoDownward_When_Vertical) {
 TEST(DeviceGradients, Should_TurnWithThePage_When_TheWorldIsTurned) {
   const GradientVertex vertices[] = {{{0, 0}, 0, 0, 0, 0}, {{8, 4}, 0x8000, 0, 0, 0}};
   const std::pair<uint32_t, uint32_t> rects[] = {{0, 1}};
-  const auto shaded = [&](const Affine& world, bool isVertical) {
+  const auto shaded = [&](const PlaneAffine& world, bool isVertical) {
     DrawingPaper paper(8, 8);
     paper.Dc().SetWorldTransform(world);
     paper.Dc().GradientRects(vertices, rects, isVertical);
@@ -321,11 +321,11 @@ TEST(DeviceGradients, Should_TurnWithThePage_When_TheWorldIsTurned) {
     return std::move(paper.raster);
   };
   // x runs down the paper, y to the right.
-  const Affine turned{0, 1, 1, 0, 0, 0};
+  const PlaneAffine turned{0, 1, 1, 0, 0, 0};
   for (int i = 0; i < 8; ++i) {
     EXPECT_EQ(shaded(turned, false).PixelColor(0, i), RGB(8 + 16 * i, 0, 0)) << i;
     EXPECT_EQ(shaded(turned, false).PixelColor(3, i), RGB(8 + 16 * i, 0, 0)) << i;
-    EXPECT_EQ(shaded(Affine(), false).PixelColor(i, 3), RGB(8 + 16 * i, 0, 0)) << i;
+    EXPECT_EQ(shaded(PlaneAffine(), false).PixelColor(i, 3), RGB(8 + 16 * i, 0, 0)) << i;
     EXPECT_EQ(shaded({-1, 0, 0, 1, 8, 0}, false).PixelColor(7 - i, 3), RGB(8 + 16 * i, 0, 0)) << i;
   }
   for (int i = 0; i < 4; ++i) {
@@ -376,7 +376,7 @@ int Slivers(const DrawingPaper& paper) {
 }
 
 DrawingPaper Magnified() {
-  DrawingPaper paper(160, 160, Affine::Scaling(16, 16));
+  DrawingPaper paper(160, 160, PlaneAffine::Scaling(16, 16));
   paper.Brush(RGB(0, 0, 255));
   paper.Pen(clBlack);
   return paper;
@@ -398,7 +398,7 @@ TEST(DeviceShapes, Should_FillUpToTheirLines_When_PixelsOfTheDeviceAreLarge) {
 }
 
 TEST(DeviceShapes, Should_ReachTheBoxesEdge_When_ThePenIsThinnerThanAPixelOfTheDevice) {
-  DrawingPaper paper(160, 160, Affine::Scaling(16, 16));
+  DrawingPaper paper(160, 160, PlaneAffine::Scaling(16, 16));
   paper.Dc().SetMapMode(MapMode::anisotropic);
   paper.Dc().SetWindowExt({16, 16});
   paper.Dc().SetViewportExt({1, 1});

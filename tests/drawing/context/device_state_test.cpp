@@ -11,7 +11,7 @@ constexpr ReferenceDevice kDevice{1000, 500, 250, 125};  // 4 pixels per millime
 
 struct Context {
   Raster raster{pf32bit, 1, 1};
-  DeviceContext dc{raster, {0, 0, 1, 1}, kDevice, Affine()};
+  DeviceContext dc{raster, {0, 0, 1, 1}, kDevice, PlaneAffine()};
 };
 
 void ExpectNear(PointD actual, PointD wanted) {
@@ -74,7 +74,7 @@ TEST(DeviceMapping, Should_IgnoreExtents_When_TheModeHasItsOwn) {
 
 TEST(DeviceMapping, Should_ComposeMatrices_When_TheWorldIsChanged) {
   Context c;
-  const Affine move = Affine::Translation(10, 0), scale = Affine::Scaling(2, 3);
+  const PlaneAffine move = PlaneAffine::Translation(10, 0), scale = PlaneAffine::Scaling(2, 3);
   c.dc.SetWorldTransform(scale);
   c.dc.ModifyWorldTransform(move, WorldChange::left);  // moved first, then scaled
   ExpectNear(c.dc.DevicePoint({1, 1}), {22, 3});
@@ -87,8 +87,8 @@ TEST(DeviceMapping, Should_ComposeMatrices_When_TheWorldIsChanged) {
 
 TEST(DeviceMapping, Should_KeepTheWorld_When_AMatrixCannotBeUndone) {
   Context c;
-  c.dc.SetWorldTransform(Affine::Scaling(2, 2));
-  c.dc.SetWorldTransform(Affine::Scaling(0, 1));
+  c.dc.SetWorldTransform(PlaneAffine::Scaling(2, 2));
+  c.dc.SetWorldTransform(PlaneAffine::Scaling(0, 1));
   c.dc.SetWorldTransform({NAN, 0, 0, 1, 0, 0});
   ExpectNear(c.dc.DevicePoint({1, 1}), {2, 2});
 }

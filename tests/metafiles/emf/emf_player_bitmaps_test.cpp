@@ -307,7 +307,7 @@ TEST(EmfTexts, ModeOfAText_Should_EndWithIt_When_TheTextFails) {
 
   Raster raster(pf32bit, 100, 80);
   FillRaster(raster, {0, 0, 100, 80}, clWhite);
-  DeviceContext context(raster, {0, 0, 100, 80}, {1000, 800, 250, 200}, Affine());
+  DeviceContext context(raster, {0, 0, 100, 80}, {1000, 800, 250, 200}, PlaneAffine());
   EmfPlayer player(context, bytes.size());
   EmfRecords records(bytes);
   int failures = 0;

@@ -25,6 +25,8 @@ using namespace detail;
 
 constexpr uint64_t kQuantizationBytes = 64, kHuffmanCounts = 16;
 constexpr uint64_t kMostTableCount = 64;
+/// Places of strips are numbers of two bytes or more.
+constexpr uint64_t kLeastEntryBytes = 2;
 /// Values of smaller copies may share bytes in a forged file.
 constexpr uint64_t kSpareBytes = 1 << 20;
 
@@ -55,7 +57,8 @@ class PageCopier {
     const PageFamily family = FamilyOf(reader_, *first);
     Collect(*first);
     for (const uint64_t at : family.following) CollectAt(at);
-    const PageTags tags = TagsOfMetadata(writing_, true, true, written.changes);
+    const PageTags tags =
+        TagsOfMetadata(writing_, {facts.layout.model, true, true}, written.changes);
     const bool isBig = reader_.IsBig() || moved_.Total() + BytesOfTags(tags) > UINT32_MAX;
     if (isBig != reader_.IsBig()) {
       std::get<TiffForm>(written.form).isBigTiff = true;
@@ -78,7 +81,7 @@ class PageCopier {
 
   void Collect(const TagDirectory& directory);
   void CollectAt(uint64_t at);
-  void CollectOldJpeg(const TagDirectory& directory);
+  void CollectOldJpeg(const TagDirectory& directory, const StoredBlocks& blocks);
   void WriteAll(const TagDirectory& first, const PageFamily& family, const PageTags& tags,
                 Changes& changes);
   TagMap Structure(const TagDirectory& directory, bool isMain, Changes& changes);
@@ -95,6 +98,8 @@ class PageCopier {
   uint64_t left_;
   MovedBytes moved_;
   std::optional<TagFileWriter> file_;
+  /// Bytes that the lists of strips and tiles take at least.
+  uint64_t listed_ = 0;
   std::unordered_set<uint64_t> collected_, copied_;
 };
 
@@ -102,10 +107,15 @@ void PageCopier::Collect(const TagDirectory& directory) {
   if (!collected_.insert(directory.at).second) return;
   RequireTime();
   const StoredBlocks blocks = BlocksOf(reader_, directory);
+  // Directories with lists of their own cannot exceed this.
+  listed_ += blocks.places.size() * kLeastEntryBytes;
+  if (listed_ > reader_.Size()) {
+    throw FormatError("TIFF: directories of the file share their lists of strips");
+  }
   for (size_t i = 0; i < blocks.places.size(); i++) {
     if (blocks.places[i] != 0) moved_.Add(reader_, blocks.places[i], blocks.counts[i]);
   }
-  CollectOldJpeg(directory);
+  CollectOldJpeg(directory, blocks);
   for (const TagPlace& place : directory.tags) {
     if (!LeadsToDirectory(place.tag)) continue;
     // Directories of the page's own metadata are written anew.
@@ -123,13 +133,19 @@ void PageCopier::CollectAt(uint64_t at) {
 }
 
 /// Old-style JPEG has a whole JPEG file, or tables, beside its strips.
-void PageCopier::CollectOldJpeg(const TagDirectory& directory) {
+void PageCopier::CollectOldJpeg(const TagDirectory& directory, const StoredBlocks& blocks) {
   if (reader_.Integer(directory, TIFFTAG_COMPRESSION, 1) != COMPRESSION_OJPEG) return;
   const uint64_t at = reader_.Integer(directory, TIFFTAG_JPEGIFOFFSET, 0);
   if (at != 0 && at < reader_.Size()) {
     const uint64_t left = reader_.Size() - at;
     const uint64_t count = reader_.Integer(directory, TIFFTAG_JPEGIFBYTECOUNT, 0);
-    moved_.Add(reader_, at, count == 0 ? left : std::min(count, left));
+    // Without a size, the JPEG file ends with the strips that lie in it.
+    uint64_t end = at;
+    for (size_t i = 0; i < blocks.places.size(); i++) {
+      end = std::max(end, blocks.places[i] + blocks.counts[i]);
+    }
+    const uint64_t stripsEnd = end > at ? end - at : left;
+    moved_.Add(reader_, at, std::min(count == 0 ? stripsEnd : count, left));
   }
   for (const TagPlace& place : directory.tags) {
     if (!IsTableList(place.tag)) continue;
@@ -222,14 +238,18 @@ void PageCopier::WriteAll(const TagDirectory& first, const PageFamily& family, c
                           Changes& changes) {
   copied_.insert(first.at);
   TagMap main = Structure(first, true, changes);
-  AddPageTags(tags, *file_, main, changes);
-  if (!writing_.metadata.resolution.IsKnown()) {
-    // Numbers without a unit: the aspect ratio of a pixel.
+  const Resolution& wanted = writing_.metadata.resolution;
+  if (!wanted.IsKnown() || wanted == ResolutionOfPage(reader_, first)) {
+    // Whatever the unit is; without one the numbers are the aspect ratio of a pixel.
     for (const uint16_t tag : {TIFFTAG_XRESOLUTION, TIFFTAG_YRESOLUTION, TIFFTAG_RESOLUTIONUNIT}) {
       const TagPlace* place = first.Find(tag);
-      if (place && !main.contains(tag)) main[tag] = Take(*place);
+      if (place) main[tag] = Take(*place);
     }
   }
+  AddPageTags(tags, *file_, main, changes);
+  // Inches are the unit of a file that states none.
+  const bool hasNoUnit = first.Has(TIFFTAG_XRESOLUTION) && !first.Has(TIFFTAG_RESOLUTIONUNIT);
+  if (hasNoUnit && wanted == ResolutionOfPage(reader_, first)) main.erase(TIFFTAG_RESOLUTIONUNIT);
   const TagFileWriter::Written page = file_->WriteDirectory(main, changes);
   file_->Link(file_->FirstLinkAt(), page.at);
   uint64_t linkAt = page.linkAt;

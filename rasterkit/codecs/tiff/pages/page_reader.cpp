@@ -89,9 +89,10 @@ Pixels PixelsOf(TStream& stream, const FrameOptions& options, CodecReport& repor
   }
   const detail::TiffDirectory directory(stream);
   RequirePixelTags(directory);
+  const std::string noData = directory.Text(detail::kNoDataTag);
+  // Tags are read from the stream, too.
   stream.SetPosition(start);
-  Samples samples =
-      DecodeSamples(stream, facts, directory.Text(detail::kNoDataTag), options, report);
+  Samples samples = DecodeSamples(stream, facts, noData, options, report);
   samples.resolution = ResolutionOfPage(reader, first);
   if (facts.layout.model == ColorModel::palette && facts.layout.bands == 1) {
     Raster raster = detail::RasterOfIndexes(samples);

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include <rasterkit/metadata/metadata.h>
+#include <rasterkit/runtime/export.h>
+
+namespace rasterkit::detail {
+
+/// The four letters of a chunk as a number, the first in the high byte.
+constexpr uint32_t PngKind(const char (&name)[5]) {
+  uint32_t kind = 0;
+  for (int i = 0; i < 4; i++) kind = kind << 8 | static_cast<uint8_t>(name[i]);
+  return kind;
+}
+
+/// A lower-case first letter: readers may skip the chunk.
+constexpr bool IsAncillaryPng(uint32_t kind) {
+  return (kind >> 29 & 1) != 0;
+}
+/// A lower-case last letter: the chunk stays true whatever happens to the pixels.
+constexpr bool IsSafeToCopyPng(uint32_t kind) {
+  return (kind >> 5 & 1) != 0;
+}
+
+/// One chunk of a PNG file.
+struct PngChunk {
+  uint32_t kind = 0;
+  std::span<const uint8_t> data;
+  /// Length, name, data and checksum, as in the file.
+  std::span<const uint8_t> whole;
+
+  /// True if the checksum is right.
+  RASTERKIT_EXPORT bool Holds() const;
+};
+
+/// The chunks of a PNG file up to its end chunk, one after another.
+class RASTERKIT_EXPORT PngChunks {
+ public:
+  explicit PngChunks(std::span<const uint8_t> file);
+
+  /// Goes to the next chunk; false behind the end chunk or where the file is cut off.
+  bool Next();
+  const PngChunk& Chunk() const { return chunk_; }
+  /// True if the walk ended before an end chunk.
+  bool IsCutOff() const { return isCutOff_; }
+  /// What the walk has not read: bytes behind the end chunk, or of a chunk that is not whole.
+  std::span<const uint8_t> Rest() const { return rest_; }
+
+ private:
+  std::span<const uint8_t> rest_;
+  PngChunk chunk_;
+  bool isAtEnd_ = false, isCutOff_ = false;
+};
+
+/// True for a chunk that says that the colors are sRGB, which pictures without a profile are: a
+/// file format without such a place loses nothing.
+RASTERKIT_EXPORT bool StatesPlainSrgb(const OtherBlock& chunk);
+
+}  // namespace rasterkit::detail
