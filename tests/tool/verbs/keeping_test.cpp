@@ -7,6 +7,7 @@
 
 #include <rasterkit/graphics/bitmap.h>
 
+#include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
 #include "tests/tool/support/run_tool.h"
 #include "tests/tool/support/sample_files.h"
