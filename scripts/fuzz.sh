@@ -9,7 +9,7 @@ corpus_extensions() {
     icon) echo ico ;;
     jpeg | exif_*) echo jpg jpeg ;;
     metadata) echo jpg jpeg png webp gif ;;
-    tiff) echo tif tiff ;;
+    tiff | tiff_pages) echo tif tiff ;;
     wmf_to_emf) echo wmf ;;
   esac
 }

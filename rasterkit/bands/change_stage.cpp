@@ -81,7 +81,7 @@ class ChangeColorsOfRows : public Stage {
     std::visit([&](const auto& change) { detail::Change(change, bitmap, run); }, change_);
     if (run.progress) run.progress(1);
     Raster made = bitmap->TakeContent();
-    // Black and white rows come with ones behind the last pixel.
+    // Black and white rows come with ones after the last pixel.
     made.ClearPadding();
     return made;
   }

@@ -93,6 +93,7 @@ constexpr Codec kCodecs[] = {
      .readMetadata = detail::ReadJpegMetadata,
      .encode = EncodeAsJpeg,
      .readHeader = HeaderOf<ReadJpegHeader>,
+     .readFront = ReadJpegFront,
      .decodePixels = PixelsOf<DecodeJpegPixels>,
      .write = WriteJpeg,
      .copy = CopyOf<CopyJpeg>},

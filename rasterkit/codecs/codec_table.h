@@ -59,6 +59,8 @@ struct Codec {
   /// Reading and writing of all that a file states, see picture_io.h. The streams have a size and
   /// start at the file.
   PictureHeader (*readHeader)(TStream& stream) = nullptr;
+  /// Null: reading the header is quick.
+  PictureHeader (*readFront)(TStream& stream) = nullptr;
   /// Null: the decoder above gives all that the file has.
   Pixels (*decodePixels)(TStream& stream, const FrameOptions& options,
                          CodecReport* report) = nullptr;

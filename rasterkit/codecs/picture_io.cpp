@@ -52,6 +52,13 @@ PictureHeader ReadPictureHeader(TStream& stream, PictureType type) {
   return ReadSized(stream, [&](TStream& sized) { return codec.readHeader(sized); });
 }
 
+PictureHeader ReadPictureFront(TStream& stream, PictureType type) {
+  const LimitsScope limits;
+  const Codec& codec = ReadableCodec(type);
+  const auto read = codec.readFront != nullptr ? codec.readFront : codec.readHeader;
+  return ReadSized(stream, [&](TStream& sized) { return read(sized); });
+}
+
 Pixels DecodePixels(TStream& stream, PictureType type, const FrameOptions& options,
                     CodecReport* report) {
   const LimitsScope limits(options.limits ? *options.limits : CurrentLimits());

@@ -15,6 +15,10 @@ namespace rasterkit {
 /// format, UnsupportedError for a format that is drawn (WMF, EMF, PDF).
 RASTERKIT_EXPORT PictureHeader ReadPictureHeader(TStream& stream, PictureType type);
 
+/// The same for programs that list many files: of a JPEG file only the front is read, so that
+/// hidden pictures and a trailer are not found.
+RASTERKIT_EXPORT PictureHeader ReadPictureFront(TStream& stream, PictureType type);
+
 /// Decodes the first picture with the number types and the color model of the file.
 RASTERKIT_EXPORT Pixels DecodePixels(TStream& stream, PictureType type,
                                      const FrameOptions& options = {},

@@ -107,7 +107,9 @@ class StepAdder {
   void operator()(const ChangeStep& step) {
     MakeVisible();
     std::unique_ptr<Stage> stage = ChangeStage(Now(), step.change);
-    SetLayout(LayoutAfter(step.change, state_.layout, &state_.changes));
+    const PixelLayout before = state_.layout;
+    SetLayout(LayoutAfter(step.change, before, &state_.changes));
+    TakePaletteOf(step.change, before);
     AddStage(std::move(stage));
   }
 
@@ -131,8 +133,12 @@ class StepAdder {
                             step.pixels->Height() == state_.height;
     if (!isSameSize) throw RangeError("other pixels must have the size of the picture");
     MakeVisible();
-    SetLayout(LayoutOf(Pixels(step.pixels->Content().Clone())));
-    AddStage(ShownStage(step.pixels));
+    std::unique_ptr<Stage> stage = ShownStage(step.pixels);
+    Changes unused;
+    PixelLayout layout = LayoutOf(stage->Make({}, {}, unused));
+    layout.profile = state_.layout.profile;
+    SetLayout(std::move(layout));
+    AddStage(std::move(stage));
   }
 
   void operator()(const PlaceStep& step) {
@@ -221,6 +227,21 @@ class StepAdder {
     state_.resolution = {finer, finer};
     state_.changes.Note(fmt::format(
         "the pixels were made square at {:g} dots per inch before the rotation", finer));
+  }
+
+  /// A change of a palette is known without the pixels: a small picture with the same entries shows
+  /// it.
+  void TakePaletteOf(const ColorChange& change, const PixelLayout& before) {
+    const bool isPalette = before.bands == 1 && state_.layout.model == ColorModel::palette &&
+                           before.bits == state_.layout.bits;
+    if (!isPalette) return;
+    Changes unused;
+    const PixelLayout after =
+        LayoutOf(ChangeStage({kSampleSide, kSampleSide}, change)
+                     ->Make(SampleRows(before, true, kSampleSide, kSampleSide), {}, unused));
+    if (after.bits != before.bits) return;
+    state_.layout.model = after.model;
+    state_.layout.palette = after.palette;
   }
 
   /// Changes of color work on rasters.

@@ -39,21 +39,22 @@ void LoseHidden(const PictureHeader& header, const LossTarget& target, Changes& 
 }
 
 void LosePosition(const Placement& placement, const LossTarget& target, Changes& changes) {
-  // With side files the files beside the target decide.
-  if (target.type == PictureType::tiff || target.hasSideFiles) return;
+  if (target.type == PictureType::tiff) return;
   const std::string why = "the format of the file has no tags for it";
   if (!placement.controlPoints.empty()) {
     changes.Lose(LossKind::controlPoints,
                  fmt::format("{} control points", placement.controlPoints.size()), why);
   }
   if (!placement.rationalModel.empty()) {
-    changes.Lose(LossKind::position, "the rational model of the position", why);
+    changes.Lose(LossKind::position, "rational model", why);
   }
   if (!placement.noData.empty()) {
     changes.Lose(LossKind::noData, fmt::format("the mark of missing values, {}", placement.noData),
                  why);
   }
-  if (placement.affine) changes.Lose(LossKind::position, "the position on the map", why);
+  // Else the files beside the target decide.
+  if (target.hasSideFiles) return;
+  if (placement.affine) changes.Lose(LossKind::position, "map position", why);
   if (placement.system.IsKnown()) {
     changes.Lose(LossKind::coordinateSystem, placement.system.Description(), why);
   }
@@ -65,6 +66,28 @@ void LoseTiles(const Form& form, const LossTarget& target, Changes& changes) {
   changes.Lose(LossKind::tiling,
                fmt::format("tiles of {} x {} pixels", tiff->tileWidth, tiff->tileHeight),
                "the format of the file has no tiles");
+}
+
+/// Kinds of which a picture has only one: two reports of it are the same loss.
+bool IsSingle(LossKind kind) {
+  switch (kind) {
+    case LossKind::bits:
+    case LossKind::chroma:
+    case LossKind::alpha:
+    case LossKind::transparentColor:
+    case LossKind::noData:
+    case LossKind::pages:
+    case LossKind::frames:
+    case LossKind::controlPoints:
+    case LossKind::coordinateSystem:
+    case LossKind::profile:
+    case LossKind::resolution:
+    case LossKind::thumbnail:
+    case LossKind::tiling:
+      return true;
+    default:
+      return false;
+  }
 }
 
 }  // namespace
@@ -83,7 +106,7 @@ Changes LossesOf(const PictureSource& source, const PictureState& state, const L
 void Join(Changes& all, const Changes& more) {
   for (const Loss& loss : more.losses) {
     const bool isKnown = std::any_of(all.losses.begin(), all.losses.end(), [&](const Loss& other) {
-      return other.kind == loss.kind && other.what == loss.what;
+      return other.kind == loss.kind && (IsSingle(loss.kind) || other.what == loss.what);
     });
     if (!isKnown) all.losses.push_back(loss);
   }

@@ -16,7 +16,7 @@ class RunScope {
 
   int Threads() const { return threads_; }
   /// The next part of the work, up to `end` of the whole. Within it, progress follows the checks of
-  /// time, which come about once for each of `rows` rows.
+  /// time, which come once for each of `rows` rows or for several.
   void Begin(double end, int rows);
   /// The run of stages in this part: they report their progress themselves.
   StageRun Stages();

@@ -73,8 +73,9 @@ Report WriteTo(TStream& target, const PictureSource& source, const PictureState&
   report.notes = std::move(changes.notes);
   report.bytes = target.Position() - start;
   report.memory = MemoryOf(source, state, report.bytes);
-  RequireTime();
   run.Finish();
+  // The last moment to cancel: the file has no name yet.
+  RequireTime();
   return report;
 }
 

@@ -20,8 +20,8 @@ SideFileWish WishOf(const PictureSource& source, const PictureState& state, cons
   wish.source = source.File();
   wish.mayReplace = options.mayReplace;
   wish.writesWorldFile = plan.writesWorldFile;
-  wish.hasTags = plan.type == PictureType::tiff && state.placement.IsKnown();
-  wish.hasSamePixels = !state.pixelsChanged && !state.placesChanged;
+  wish.hasTags = plan.type == PictureType::tiff;
+  wish.hasSamePixels = !state.pixelsChanged;
   wish.width = state.width;
   wish.height = state.height;
   wish.syncs = options.syncs;

@@ -32,6 +32,21 @@ JpegForm Transposed(JpegForm form) {
   return form;
 }
 
+/// The form of pixels of another kind than those of the source: what was asked for, not what the
+/// source had.
+void TakeKind(PngForm& form, const PixelLayout& layout) {
+  constexpr int kRgb = 2, kPalette = 3, kAlpha = 4;
+  const bool hasAlpha = layout.alpha == AlphaKind::straight;
+  form.bits = std::min(layout.bits, 16);
+  form.colorType = layout.model == ColorModel::rgb ? kRgb : 0;
+  if (layout.model == ColorModel::palette) form.colorType = kPalette;
+  if (hasAlpha) form.colorType |= kAlpha;
+}
+
+bool IsSameKind(const PixelLayout& a, const PixelLayout& b) {
+  return a.type == b.type && a.bits == b.bits && a.bands == b.bands && a.model == b.model;
+}
+
 /// The number of tag 259.
 int CompressionNumber(TiffCompression compression, const PixelLayout& layout) {
   constexpr int kNone = 1, kGroup4 = 4, kLzw = 5, kDeflate = 8, kPackBits = 32773;
@@ -57,6 +72,10 @@ Form FormFor(const PictureSource& source, const PictureState& state, PictureType
   if (source.Type() == type) form = source.Header().form;
   if (auto* jpeg = std::get_if<JpegForm>(&form); jpeg != nullptr && state.exchangesAxes) {
     *jpeg = Transposed(*jpeg);
+  }
+  auto* png = std::get_if<PngForm>(&form);
+  if (png != nullptr && !IsSameKind(state.layout, source.Header().layout)) {
+    TakeKind(*png, state.layout);
   }
   if (type != PictureType::tiff || !options.compression) return form;
   if (!std::holds_alternative<TiffForm>(form)) form = TiffForm();

@@ -198,7 +198,7 @@ class Planner {
              "exists and states another coordinate system than that of the picture to "
              "be saved");
     }
-    const bool isNeeded = placement_.IsKnown() && !(wish_.hasTags && !system.keys.empty());
+    const bool isNeeded = !wish_.hasTags || system.keys.empty();
     if (known->empty() || (!isFromFile && !isNeeded)) return;
     plan_.written.push_back({ProjectionNames(wish_.target).front(), *known, false});
     hasProjection_ = true;
@@ -218,7 +218,7 @@ class Planner {
     }
     const CoordinateSystem& system = placement_.system;
     const bool isInTags = wish_.hasTags && !system.keys.empty();
-    if (placement_.IsKnown() && system.IsKnown() && !isInTags && !hasProjection_) {
+    if (system.IsKnown() && !isInTags && !hasProjection_) {
       const std::string name = system.Description();
       changes_.Lose(LossKind::coordinateSystem, name.empty() ? "coordinate system" : name, why);
     }

@@ -303,6 +303,22 @@ TEST_F(SideFilesTest, WhatNoFileHoldsIsALoss) {
   EXPECT_THAT(Losses(), IsEmpty());
 }
 
+TEST_F(SideFilesTest, SystemWithoutPositionIsCarriedOrLost) {
+  Placement placement;
+  placement.system.keys = {1, 1, 0, 1, 3072, 0, 1, 25832};
+  Save(Wish("a.png"), placement);
+  EXPECT_THAT(Losses(), ElementsAre(LossKind::coordinateSystem));
+  SideFileWish wish = Wish("a.tif");
+  wish.hasTags = true;
+  Save(wish, placement);
+  EXPECT_THAT(Losses(), IsEmpty());
+  placement.system.keys.clear();
+  placement.system.wkt = kWkt;
+  Save(wish, placement);
+  EXPECT_THAT(Losses(), IsEmpty());
+  EXPECT_EQ(Text("a.prj"), kWkt);
+}
+
 TEST_F(SideFilesTest, WithoutCommitTheOldFilesComeBack) {
   folder_.Write("a.tif", "old");
   folder_.Write("a.tfw", WorldFileText(kOther));

@@ -1,4 +1,5 @@
 #include <rasterkit/codecs/jpeg/jpeg_metadata.h>
+#include <rasterkit/codecs/jpeg/jpeg_parts.h>
 #include <rasterkit/metadata/jpeg_segments.h>
 
 namespace rasterkit::detail {
@@ -23,12 +24,19 @@ void AddSegment(PictureMetadata& metadata, const JpegSegment& segment) {
   }
 }
 
+/// True if the length counts fewer than its own two bytes: what follows is a matter of chance.
+bool IsLengthTooSmall(const JpegSegment& segment, std::span<const uint8_t> file) {
+  const size_t payload = PlaceOf(segment, file);
+  return file[payload - 2] == 0 && file[payload - 1] < 2;
+}
+
 }  // namespace
 
 void ReadJpegMetadata(std::span<const uint8_t> file, PictureMetadata& metadata) {
   JpegSegmentWalker walker(file);
   while (const auto segment = walker.Next()) {
-    if (segment->marker == jpeg_marker::kScan) return;
+    if (segment->marker == jpeg_marker::kScan || segment->marker == jpeg_marker::kImageEnd) return;
+    if (IsLengthTooSmall(*segment, file)) return;
     AddSegment(metadata, *segment);
   }
 }

@@ -16,6 +16,10 @@ namespace rasterkit {
 /// headers are damaged; damaged metadata gives a warning in the header.
 RASTERKIT_EXPORT PictureHeader ReadJpegHeader(std::span<const uint8_t> file);
 
+/// The same without what is between and behind the scans: hidden pictures and trailer are not
+/// looked for, and no more of the file is read than its front.
+RASTERKIT_EXPORT PictureHeader ReadJpegFront(TStream& stream);
+
 /// Decodes the pixels as the file has them (see PictureHeader::layout): gray and colors as
 /// DecodeJpeg does, CMYK and YCCK as samples of inks, whose layout has no profile. Throws as
 /// DecodeJpeg does.

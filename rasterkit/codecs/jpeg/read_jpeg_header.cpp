@@ -46,29 +46,64 @@ void TakeFacts(PictureHeader& header, const JpegBlocks& blocks) {
   header.metadata.resolution = ChooseResolution(stated);
 }
 
+/// What the segments in front of the pixels state.
+PictureHeader HeaderOf(const JpegFrame& frame, const JpegParts& parts) {
+  if (frame.width == 0 || frame.height == 0) {
+    throw FormatError("JPEG: the frame header has no size");
+  }
+  JpegBlocks blocks = CollectJpegBlocks(parts);
+  PictureHeader header;
+  header.width = frame.width;
+  header.height = frame.height;
+  header.metadata = std::move(blocks.metadata);
+  header.warnings = std::move(blocks.warnings);
+  header.layout = PixelsOf(frame, header.metadata.profile);
+  header.form = FormOfJpeg(parts);
+  TakeFacts(header, blocks);
+  return header;
+}
+
+/// True if the bytes have all segments in front of the pixels.
+bool HasWholeHead(Bytes bytes) {
+  JpegSegmentWalker walker(bytes);
+  while (const auto segment = walker.Next()) {
+    if (segment->marker == jpeg_marker::kScan) return true;
+  }
+  return walker.IsAtEnd() || !walker.IsJpeg();
+}
+
+/// Reads so much of a file that its head is whole, or all of it.
+std::vector<uint8_t> ReadHeadBytes(TStream& stream) {
+  constexpr size_t kFirstBytes = 32 << 10;
+  std::vector<uint8_t> bytes;
+  size_t wanted = kFirstBytes;
+  for (;;) {
+    const size_t had = bytes.size();
+    bytes.resize(wanted);
+    bytes.resize(had + stream.Read(std::span(bytes).subspan(had)));
+    if (bytes.size() < wanted || HasWholeHead(bytes)) return bytes;
+    wanted *= 2;
+  }
+}
+
 }  // namespace
 
 PictureHeader ReadJpegHeader(Bytes file) {
   JpegParts parts = ReadJpegHead(file);
   const JpegLayout layout = LayoutOfJpeg(file, parts);
-  if (layout.frame.width == 0 || layout.frame.height == 0) {
-    throw FormatError("JPEG: the frame header has no size");
-  }
   if (!layout.manyScans) ReadJpegScans(file, parts);
-  JpegBlocks blocks = CollectJpegBlocks(parts);
-  PictureHeader header;
-  header.width = layout.frame.width;
-  header.height = layout.frame.height;
-  header.metadata = std::move(blocks.metadata);
-  header.warnings = std::move(blocks.warnings);
-  header.layout = PixelsOf(layout.frame, header.metadata.profile);
-  header.form = FormOfJpeg(parts);
-  TakeFacts(header, blocks);
+  PictureHeader header = HeaderOf(layout.frame, parts);
   if (parts.hasEndMarker && parts.end < file.size()) header.trailerAt = parts.end;
   JpegHidden hidden = FindHidden(file, parts);
   header.hiddenCopies = std::move(hidden.copies);
   header.hiddenOthers = std::move(hidden.others);
   return header;
+}
+
+PictureHeader ReadJpegFront(TStream& stream) {
+  const std::vector<uint8_t> bytes = ReadHeadBytes(stream);
+  JpegParts parts = ReadJpegHead(bytes);
+  return HeaderOf(LayoutOfJpeg(bytes, parts).frame, parts);
 }
 
 }  // namespace rasterkit

@@ -9,8 +9,8 @@
 #include <rasterkit/codecs/png/png_header.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/stated_facts.h>
-#include <rasterkit/metadata/png_raw_profiles.h>
-#include <rasterkit/metadata/png_texts.h>
+#include <rasterkit/metadata/png/png_raw_profiles.h>
+#include <rasterkit/metadata/png/png_texts.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/text.h>
 

@@ -8,8 +8,8 @@
 #include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/codecs/png/png_signature.h>
 #include <rasterkit/codecs/rows/stated_facts.h>
-#include <rasterkit/metadata/png_raw_profiles.h>
-#include <rasterkit/metadata/png_texts.h>
+#include <rasterkit/metadata/png/png_raw_profiles.h>
+#include <rasterkit/metadata/png/png_texts.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {

@@ -139,6 +139,26 @@ TEST(JpegHeader, Trailer_Should_BeNamed) {
               ElementsAre("gain map of 5 x 7 pixels"));
 }
 
+TEST(JpegHeader, Front_Should_StateTheSame_When_OnlyItIsRead) {
+  const std::string large(60000, 'x');
+  for (const int segments : {0, 1, 5}) {
+    std::vector<uint8_t> head = ExifSegment(SmallExif());
+    for (int i = 0; i < segments; i++) head = Joined(std::move(head), Segment(0xE5, large));
+    auto file = WithHead(MakeJpeg({}), head);
+    const PictureHeader whole = ReadJpegHeader(file);
+    file.resize(file.size() + 1'000'000, 9);
+    TSpanStream stream(file);
+    const PictureHeader front = ReadJpegFront(stream);
+    EXPECT_LE(stream.Position(), 2 * head.size() + (64 << 10));
+    EXPECT_EQ(front.metadata, whole.metadata);
+    EXPECT_EQ(front.form, whole.form);
+    EXPECT_EQ(front.orientation, whole.orientation);
+    EXPECT_EQ(front.trailerAt, 0u);
+  }
+  TSpanStream empty({});
+  EXPECT_THROW(ReadJpegFront(empty), FormatError);
+}
+
 TEST(JpegHeader, Should_Throw_When_HeadersAreDamaged) {
   const auto file = MakeJpeg({});
   EXPECT_THROW(ReadJpegHeader({}), FormatError);

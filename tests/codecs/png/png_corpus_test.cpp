@@ -9,7 +9,7 @@
 
 #include <rasterkit/codecs/png/png_decoder.h>
 #include <rasterkit/codecs/png/png_picture.h>
-#include <rasterkit/metadata/png_chunks.h>
+#include <rasterkit/metadata/png/png_chunks.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/codecs/png/png_files.h"

@@ -8,8 +8,8 @@
 
 #include <rasterkit/codecs/png/png_decoder.h>
 #include <rasterkit/codecs/png/png_picture.h>
-#include <rasterkit/metadata/png_chunks.h>
-#include <rasterkit/metadata/png_texts.h>
+#include <rasterkit/metadata/png/png_chunks.h>
+#include <rasterkit/metadata/png/png_texts.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/codecs/png/png_files.h"

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/metadata/xmp_packet.h>
+#include <rasterkit/metadata/xmp/xmp_packet.h>
 
 #include "tests/metadata/xmp/xmp_packets.h"
 
@@ -69,6 +69,18 @@ TEST(XmpPacket, Padding_Should_GiveAndTakeTheRoom) {
   XmpPacket readOnly(Packet("", "<tiff:Make>abc</tiff:Make>", 100, 'r'));
   readOnly.Set(kTiffUri, "Make", "x");
   EXPECT_EQ(readOnly.Text().size(), text.size() - 2);
+}
+
+TEST(XmpPacket, Padding_Should_BeLeftAlone_When_ItsEndIsDamaged) {
+  const std::string whole = Packet(" tiff:Orientation='6'", "", 20);
+  for (size_t length = whole.rfind("<?xpacket"); length <= whole.size(); length++) {
+    XmpPacket packet(whole.substr(0, length));
+    if (packet.IsDamaged()) continue;
+    EXPECT_TRUE(packet.Set(kTiffUri, "Orientation", "10"));
+    const bool hasEnd = whole.substr(0, length).find("end=\"w") != std::string::npos;
+    const size_t grown = hasEnd ? 0 : 1;
+    EXPECT_EQ(packet.Text().size(), length + grown);
+  }
 }
 
 TEST(XmpPacket, Remove_Should_TakeTheBlanksInFront) {

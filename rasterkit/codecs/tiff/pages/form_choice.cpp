@@ -193,6 +193,10 @@ void FormChooser::ChooseStrips() {
     rows = (rows + unit - 1) / unit * unit;
   }
   form_.rowsPerStrip = static_cast<uint32_t>(std::min<uint64_t>(rows, plan_.height));
+  const uint32_t wanted = std::min(wanted_.rowsPerStrip, plan_.height);
+  if (wanted > 0 && form_.rowsPerStrip != wanted) {
+    changes_.Note(fmt::format("TIFF: strips of {} rows instead of {}", form_.rowsPerStrip, wanted));
+  }
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cmath>
+#include <span>
+#include <string>
 #include <utility>
 
 #include <fmt/format.h>
@@ -60,6 +62,32 @@ TagValue ResolutionTag(uint16_t tag, double dots) {
   return value;
 }
 
+double FractionOf(const TagValue& value) {
+  const auto number = [&](size_t at) {
+    uint32_t part = 0;
+    for (size_t i = 4; i-- > 0;) part = part << 8 | value.bytes[at + i];
+    return static_cast<double>(part);
+  };
+  if (value.type != TIFF_RATIONAL || value.bytes.size() != 8 || number(4) == 0) return 0;
+  return number(0) / number(4);
+}
+
+/// True if tags of an EXIF block state this resolution, in whatever unit.
+bool StatesResolution(const std::vector<TagValue>& tags, const Resolution& resolution) {
+  constexpr double kCentimetersPerInch = 2.54;
+  Resolution stated;
+  double factor = 1;
+  for (const TagValue& value : tags) {
+    if (value.tag == TIFFTAG_XRESOLUTION) stated.x = FractionOf(value);
+    if (value.tag == TIFFTAG_YRESOLUTION) stated.y = FractionOf(value);
+    if (value.tag == TIFFTAG_RESOLUTIONUNIT && !value.bytes.empty()) {
+      if (value.bytes[0] == RESUNIT_CENTIMETER) factor = kCentimetersPerInch;
+      if (value.bytes[0] == RESUNIT_NONE) factor = 0;
+    }
+  }
+  return resolution == Resolution{stated.x * factor, stated.y * factor};
+}
+
 void AddResolution(MainTags& main, const Resolution& resolution) {
   if (!resolution.IsKnown()) return;
   main.Add(WordTag(TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH));
@@ -114,7 +142,7 @@ bool IsOfInks(uint16_t tag) {
          tag == TIFFTAG_DOTRANGE;
 }
 
-void AddOwnTags(MainTags& main, const Metadata& metadata, bool keepsSamples, bool keepsInks,
+void AddOwnTags(MainTags& main, const Metadata& metadata, const SampleFacts& samples,
                 Changes& changes) {
   for (const TagValue& value : metadata.tiffTags) {
     switch (KindOfTag(value.tag)) {
@@ -122,7 +150,7 @@ void AddOwnTags(MainTags& main, const Metadata& metadata, bool keepsSamples, boo
         main.Add(value);
         break;
       case TagKind::ofSamples:
-        if (keepsSamples || (keepsInks && IsOfInks(value.tag))) {
+        if (samples.areOfSource || (samples.areInks && IsOfInks(value.tag))) {
           main.Add(value);
         } else if (value.tag == kLayersTag) {
           changes.Lose(LossKind::hiddenPictures, "layers", "they would not match the pixels");
@@ -135,6 +163,39 @@ void AddOwnTags(MainTags& main, const Metadata& metadata, bool keepsSamples, boo
         break;
     }
   }
+}
+
+/// Other programs would apply a profile of another kind of pixels, or refuse the file.
+bool Fits(std::span<const uint8_t> profile, ColorModel model) {
+  constexpr size_t kSpaceAt = 16, kMarkAt = 36, kHeaderBytes = 128;
+  if (profile.size() < kHeaderBytes) return true;
+  const auto word = [&](size_t at) {
+    return std::string(profile.begin() + static_cast<ptrdiff_t>(at),
+                       profile.begin() + static_cast<ptrdiff_t>(at) + 4);
+  };
+  if (word(kMarkAt) != "acsp") return true;
+  switch (model) {
+    case ColorModel::gray:
+    case ColorModel::grayWhiteIsZero:
+      return word(kSpaceAt) == "GRAY";
+    case ColorModel::rgb:
+    case ColorModel::palette:
+      return word(kSpaceAt) == "RGB ";
+    case ColorModel::cmyk:
+      return word(kSpaceAt) == "CMYK";
+    default:
+      return true;
+  }
+}
+
+void AddProfile(MainTags& main, const ColorProfile& profile, const SampleFacts& samples,
+                Changes& changes) {
+  if (!profile) return;
+  if (!samples.areOfSource && !Fits(*profile, samples.model)) {
+    changes.Lose(LossKind::profile, "ICC profile", "it describes another kind of pixels");
+    return;
+  }
+  AddBlock(main, TIFFTAG_ICCPROFILE, TIFF_UNDEFINED, *profile);
 }
 
 void LoseForeignBlocks(const Metadata& metadata, Changes& changes) {
@@ -154,20 +215,22 @@ void LoseForeignBlocks(const Metadata& metadata, Changes& changes) {
 
 }  // namespace
 
-PageTags TagsOfMetadata(const PictureWriting& writing, bool keepsSamples, bool keepsInks,
+PageTags TagsOfMetadata(const PictureWriting& writing, const SampleFacts& samples,
                         Changes& changes) {
   const Metadata& metadata = writing.metadata;
   PageTags tags;
   MainTags main(tags.main);
   main.Add(WordTag(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT));
-  AddResolution(main, metadata.resolution);
   TiffDirectories exif;
   if (!metadata.exif.empty()) exif = TagsOfExif(metadata.exif);
+  // Without a known resolution the block may still state an aspect ratio.
+  const bool keepsStated =
+      !metadata.resolution.IsKnown() || StatesResolution(exif.main, metadata.resolution);
+  if (!keepsStated) AddResolution(main, metadata.resolution);
   for (TagValue& value : exif.main) {
     const TagKind kind = KindOfTag(value.tag);
-    // Without a known resolution the block may still state an aspect ratio.
-    const bool isAspect = kind == TagKind::display && !metadata.resolution.IsKnown();
-    if (kind == TagKind::free || isAspect) main.Add(std::move(value));
+    const bool isStated = kind == TagKind::display && keepsStated;
+    if (kind == TagKind::free || isStated) main.Add(std::move(value));
   }
   tags.exif = std::move(exif.exif);
   tags.gps = std::move(exif.gps);
@@ -175,12 +238,12 @@ PageTags TagsOfMetadata(const PictureWriting& writing, bool keepsSamples, bool k
   AddBlock(main, TIFFTAG_XMLPACKET, TIFF_BYTE, metadata.xmp);
   AddBlock(main, TIFFTAG_RICHTIFFIPTC, TIFF_UNDEFINED, metadata.iptc);
   AddBlock(main, TIFFTAG_PHOTOSHOP, TIFF_BYTE, metadata.photoshop);
-  if (metadata.profile) AddBlock(main, TIFFTAG_ICCPROFILE, TIFF_UNDEFINED, *metadata.profile);
+  AddProfile(main, metadata.profile, samples, changes);
   for (const TagValue& value : writing.positionTags) {
     if (KindOfTag(value.tag) == TagKind::position) main.Add(value);
   }
   AddTexts(main, metadata, changes);
-  AddOwnTags(main, metadata, keepsSamples, keepsInks, changes);
+  AddOwnTags(main, metadata, samples, changes);
   LoseForeignBlocks(metadata, changes);
   return tags;
 }

@@ -3,6 +3,7 @@
 #include <rasterkit/codecs/tiff/pages/moved_bytes.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
+#include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit::detail {
 
@@ -16,7 +17,13 @@ void MovedBytes::Add(const TagReader& reader, uint64_t at, uint64_t count) {
   if (at > reader.Size() || count > reader.Size() - at) {
     throw FormatError("TIFF: a strip or tile reaches beyond the end of the file");
   }
+  // Strips mostly follow each other.
+  if (!ranges_.empty() && ranges_.back().end == at) {
+    ranges_.back().end = at + count;
+    return;
+  }
   ranges_.push_back({at, at + count, 0});
+  RequirePictureMemory(ranges_.size() * sizeof(Range), "TIFF: the list of strips and tiles");
 }
 
 void MovedBytes::Merge() {

@@ -25,6 +25,8 @@ using namespace detail;
 
 constexpr uint64_t kQuantizationBytes = 64, kHuffmanCounts = 16;
 constexpr uint64_t kMostTableCount = 64;
+/// Places of strips are numbers of two bytes or more.
+constexpr uint64_t kLeastEntryBytes = 2;
 /// Values of smaller copies may share bytes in a forged file.
 constexpr uint64_t kSpareBytes = 1 << 20;
 
@@ -55,7 +57,8 @@ class PageCopier {
     const PageFamily family = FamilyOf(reader_, *first);
     Collect(*first);
     for (const uint64_t at : family.following) CollectAt(at);
-    const PageTags tags = TagsOfMetadata(writing_, true, true, written.changes);
+    const PageTags tags =
+        TagsOfMetadata(writing_, {facts.layout.model, true, true}, written.changes);
     const bool isBig = reader_.IsBig() || moved_.Total() + BytesOfTags(tags) > UINT32_MAX;
     if (isBig != reader_.IsBig()) {
       std::get<TiffForm>(written.form).isBigTiff = true;
@@ -95,6 +98,8 @@ class PageCopier {
   uint64_t left_;
   MovedBytes moved_;
   std::optional<TagFileWriter> file_;
+  /// Bytes that the lists of strips and tiles take at least.
+  uint64_t listed_ = 0;
   std::unordered_set<uint64_t> collected_, copied_;
 };
 
@@ -102,6 +107,11 @@ void PageCopier::Collect(const TagDirectory& directory) {
   if (!collected_.insert(directory.at).second) return;
   RequireTime();
   const StoredBlocks blocks = BlocksOf(reader_, directory);
+  // Directories with lists of their own cannot exceed this.
+  listed_ += blocks.places.size() * kLeastEntryBytes;
+  if (listed_ > reader_.Size()) {
+    throw FormatError("TIFF: directories of the file share their lists of strips");
+  }
   for (size_t i = 0; i < blocks.places.size(); i++) {
     if (blocks.places[i] != 0) moved_.Add(reader_, blocks.places[i], blocks.counts[i]);
   }
@@ -228,14 +238,18 @@ void PageCopier::WriteAll(const TagDirectory& first, const PageFamily& family, c
                           Changes& changes) {
   copied_.insert(first.at);
   TagMap main = Structure(first, true, changes);
-  AddPageTags(tags, *file_, main, changes);
-  if (!writing_.metadata.resolution.IsKnown()) {
-    // Numbers without a unit: the aspect ratio of a pixel.
+  const Resolution& wanted = writing_.metadata.resolution;
+  if (!wanted.IsKnown() || wanted == ResolutionOfPage(reader_, first)) {
+    // Whatever the unit is; without one the numbers are the aspect ratio of a pixel.
     for (const uint16_t tag : {TIFFTAG_XRESOLUTION, TIFFTAG_YRESOLUTION, TIFFTAG_RESOLUTIONUNIT}) {
       const TagPlace* place = first.Find(tag);
-      if (place && !main.contains(tag)) main[tag] = Take(*place);
+      if (place) main[tag] = Take(*place);
     }
   }
+  AddPageTags(tags, *file_, main, changes);
+  // Inches are the unit of a file that states none.
+  const bool hasNoUnit = first.Has(TIFFTAG_XRESOLUTION) && !first.Has(TIFFTAG_RESOLUTIONUNIT);
+  if (hasNoUnit && wanted == ResolutionOfPage(reader_, first)) main.erase(TIFFTAG_RESOLUTIONUNIT);
   const TagFileWriter::Written page = file_->WriteDirectory(main, changes);
   file_->Link(file_->FirstLinkAt(), page.at);
   uint64_t linkAt = page.linkAt;

@@ -30,8 +30,10 @@ class MetadataReader {
         left_(std::clamp(2 * reader.Size(), kLeastBytes, kMostBytes)) {}
 
   void Read() {
-    for (const uint16_t tag : page_.damaged) {
-      Warn(fmt::format("tag {} reaches beyond the end of the file or has an unknown type", tag));
+    constexpr size_t kMostWarnings = 8;
+    for (size_t i = 0; i < std::min(page_.damaged.size(), kMostWarnings); i++) {
+      Warn(fmt::format("tag {} reaches beyond the end of the file or has an unknown type",
+                       page_.damaged[i]));
     }
     for (const TagPlace& place : page_.tags) ReadTag(place);
     ReadDirectories();

@@ -19,10 +19,18 @@ struct PageTags {
   std::vector<TagValue> main, exif, gps, interop;
 };
 
-/// Sorts metadata and position into the tags of a page of these pixels. What has no place in a TIFF
-/// file is added to `changes`. `keepsSamples` is true if the samples are those of the source, so
-/// that tags about them hold; `keepsInks` if tags about inks do.
-PageTags TagsOfMetadata(const PictureWriting& writing, bool keepsSamples, bool keepsInks,
+/// What the tags are about.
+struct SampleFacts {
+  ColorModel model = ColorModel::gray;
+  /// True if the samples are those of the source, so that tags about them hold.
+  bool areOfSource = false;
+  /// True if tags about inks hold.
+  bool areInks = false;
+};
+
+/// Sorts metadata and position into the tags of a page. What has no place in a TIFF file is added
+/// to `changes`.
+PageTags TagsOfMetadata(const PictureWriting& writing, const SampleFacts& samples,
                         Changes& changes);
 
 }  // namespace rasterkit::detail

@@ -60,7 +60,8 @@ WrittenPicture WritePages(std::vector<Page>& pages, const PictureWriting& writin
                           Changes changes) {
   PagePlan& first = pages[0].plan;
   const bool hasInks = first.form.photometric == PHOTOMETRIC_SEPARATED;
-  const PageTags tags = detail::TagsOfMetadata(writing, false, hasInks, changes);
+  const PageTags tags =
+      detail::TagsOfMetadata(writing, {first.layout.model, false, hasInks}, changes);
   uint64_t most = BytesOfTags(tags);
   for (const Page& page : pages) {
     most = Plus(most, Plus(page.plan.MostBytes(), uint64_t{page.plan.Blocks()} * 16 + kSpareBytes));

@@ -4,6 +4,7 @@
 
 #include <rasterkit/codecs/tiff/pages/stored_blocks.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit::detail {
 
@@ -72,6 +73,12 @@ void TrimCounts(const TagReader& reader, const PlainSizes& sizes, StoredBlocks& 
 StoredBlocks BlocksOf(const TagReader& reader, const TagDirectory& directory) {
   StoredBlocks blocks;
   blocks.isTiled = directory.Has(TIFFTAG_TILEOFFSETS);
+  for (const uint16_t tag : {TIFFTAG_TILEOFFSETS, TIFFTAG_TILEBYTECOUNTS, TIFFTAG_STRIPOFFSETS,
+                             TIFFTAG_STRIPBYTECOUNTS}) {
+    const TagPlace* place = directory.Find(tag);
+    if (!place) continue;
+    RequirePictureMemory(2 * sizeof(uint64_t) * place->count, "TIFF: the list of strips and tiles");
+  }
   blocks.places =
       reader.Integers(directory, blocks.isTiled ? TIFFTAG_TILEOFFSETS : TIFFTAG_STRIPOFFSETS);
   blocks.counts =

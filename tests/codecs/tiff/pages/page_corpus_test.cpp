@@ -276,16 +276,37 @@ TEST(TiffPageCorpus, Should_SatisfyTiffcmp_When_CopiedOrWritten) {
   EXPECT_GE(compared, 80);
 }
 
+/// What exiftool shows of each file, in their order.
+std::vector<std::string> Shown(const std::vector<std::string>& names, const TempFolder& folder) {
+  std::string list;
+  for (const std::string& name : names) list += name + "\n";
+  const std::string file = folder.Write("names.txt", list);
+  // Places and sizes of the file itself differ; so do the tags that every copy states.
+  const std::string text = OutputOf(
+      "exiftool -G1 -s -n -u --File:all --System:all --ExifTool:all --Composite:all --StripOffsets "
+      "--StripByteCounts --TileOffsets --TileByteCounts --Orientation --PreviewImageStart "
+      "--JpgFromRawStart --OtherImageStart --ThumbnailOffset --ThumbnailTIFF --PreviewTIFF "
+      "--FreeOffsets --FreeByteCounts --JPEGQTables --JPEGDCTables --JPEGACTables -@ '" +
+      file + "'");
+  std::vector<std::string> parts;
+  const std::string mark = "======== ";
+  for (size_t at = text.find(mark); at != text.npos;) {
+    const size_t line = text.find('\n', at), next = text.find(mark, line);
+    parts.push_back(text.substr(line, next == text.npos ? next : next - line));
+    at = next;
+  }
+  return parts;
+}
+
 TEST(TiffPageCorpus, Should_ShowExiftoolTheSameTags_When_Copied) {
   if (CorpusFolder().empty()) GTEST_SKIP() << "RASTERKIT_CORPUS names no folder";
   if (!HasProgram("exiftool")) GTEST_SKIP() << "exiftool is not installed";
   TempFolder folder;
   std::vector<std::string> sources, copies;
-  std::string list;
   for (const File& file : TiffFiles()) {
-    CodecReport report;
     const std::optional<PictureHeader> header = TryHeader(file.bytes);
-    if (!header || header->orientation.value_or(1) != 1 || header->pages > 1) continue;
+    const bool isSound = header && header->warnings.empty() && header->pages == 1;
+    if (!isSound || header->orientation.value_or(1) != 1) continue;
     try {
       const std::vector<uint8_t> copy = Copied(file.bytes, WritingOf(*header));
       copies.push_back(folder.Write(fmt::format("{:03}.tif", copies.size()),
@@ -294,17 +315,11 @@ TEST(TiffPageCorpus, Should_ShowExiftoolTheSameTags_When_Copied) {
     } catch (const Error&) {
     }
   }
-  ASSERT_GE(sources.size(), 100u);
-  // Places and sizes of the file itself differ; so do the tags that every copy states.
-  const std::string options =
-      "exiftool -G1 -s -n -u --File:all --System:all --ExifTool:all --Composite:all "
-      "--StripOffsets --StripByteCounts --TileOffsets --TileByteCounts --Orientation "
-      "--JpgFromRaw --ThumbnailTIFF --PreviewTIFF --OtherImage --FreeOffsets --FreeByteCounts ";
-  for (size_t i = 0; i < sources.size(); i++) {
-    const std::string before = OutputOf(options + "'" + sources[i] + "'");
-    const std::string after = OutputOf(options + "'" + copies[i] + "'");
-    EXPECT_EQ(before, after) << sources[i];
-  }
+  ASSERT_GE(sources.size(), 90u);
+  const std::vector<std::string> before = Shown(sources, folder), after = Shown(copies, folder);
+  ASSERT_EQ(before.size(), sources.size());
+  ASSERT_EQ(after.size(), sources.size());
+  for (size_t i = 0; i < sources.size(); i++) EXPECT_EQ(before[i], after[i]) << sources[i];
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <utility>
 
-#include <rasterkit/metadata/xmp_names.h>
-#include <rasterkit/metadata/xmp_packet.h>
+#include <rasterkit/metadata/xmp/xmp_names.h>
+#include <rasterkit/metadata/xmp/xmp_packet.h>
 
 namespace rasterkit {
 namespace {
@@ -114,8 +114,10 @@ std::vector<size_t> Items(const XmpTree& tree, const XmpNode& property) {
 /// Blanks between the last tag and the end of a writable packet.
 std::pair<size_t, size_t> Padding(const std::string& text) {
   const size_t mark = text.rfind("<?xpacket end=");
-  constexpr size_t kValueAt = 14;
-  if (mark == std::string::npos || text.substr(mark + kValueAt + 1, 1) != "w") return {0, 0};
+  constexpr size_t kValueAt = 15;
+  if (mark == std::string::npos || mark + kValueAt >= text.size() || text[mark + kValueAt] != 'w') {
+    return {0, 0};
+  }
   size_t begin = mark;
   while (begin > 0 && IsBlank(text[begin - 1])) begin--;
   return {begin, mark};
