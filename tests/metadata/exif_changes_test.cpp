@@ -169,13 +169,15 @@ TEST_P(ExifChanges, Should_AddAThumbnail_When_TheMainTableHasNoLink) {
 TEST_P(ExifChanges, Should_CompleteATableWithoutLink) {
   std::string bytes = writer_.Header() + writer_.Directory(8, {writer_.Short(274, 6)});
   bytes.resize(bytes.size() - 4);
-  ExifBlock block(BytesOf(bytes));
-  block.SetText(Id::main, 270, "text that is appended");
-  block.SetText(Id::gps, 29, "2024:01:02");
-  EXPECT_FALSE(block.IsDamaged());
-  EXPECT_FALSE(block.HasThumbnail());
-  EXPECT_EQ(block.Text(Id::main, 270), "text that is appended");
-  EXPECT_EQ(block.Number(Id::main, 274), 6U);
+  for (const std::string& rest : {"", "\x09", "\x09\x09\x09"}) {
+    ExifBlock block(BytesOf(bytes + rest));
+    block.SetText(Id::main, 274, "text that is appended");
+    block.SetText(Id::gps, 29, "2024:01:02");
+    EXPECT_FALSE(block.IsDamaged());
+    EXPECT_FALSE(block.HasThumbnail());
+    EXPECT_EQ(block.Text(Id::main, 274), "text that is appended");
+    EXPECT_EQ(block.Text(Id::gps, 29), "2024:01:02");
+  }
 }
 
 TEST_P(ExifChanges, SetRational_Should_BeExactForUsualNumbers) {
