@@ -197,6 +197,7 @@ PictureHeader HeaderReader::Read() {
   while (chunks.Next()) Add(chunks.Chunk());
   if (chunks.IsCutOff()) {
     hasData_ = hasData_ || (chunks.Rest().size() > 8 && LongAt(chunks.Rest(), 4) == kData);
+    header_.isCutOff = true;
     Warn("the file is cut off");
   } else if (!chunks.Rest().empty()) {
     header_.hiddenOthers.push_back(

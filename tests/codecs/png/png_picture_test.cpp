@@ -466,6 +466,8 @@ TEST(PngPicture, Damage_Should_BeAWarningOrAnError) {
   EXPECT_THROW(ReadPngHeader(file), FormatError);
   file = ByteList(whole.begin(), whole.end() - 12);
   EXPECT_THAT(ReadPngHeader(file).warnings, ElementsAre("PNG: the file is cut off"));
+  EXPECT_TRUE(ReadPngHeader(file).isCutOff);
+  EXPECT_FALSE(ReadPngHeader(whole).isCutOff);
   TMemoryStream stream;
   EXPECT_THROW(CopyPng(file, {}, stream), UnsupportedError);
   EXPECT_EQ(stream.Size(), 0u);
