@@ -21,6 +21,10 @@ namespace {
 
 /// Sides of the small picture that shows what numbers look like.
 constexpr int kSampleSide = 16;
+/// Pixels with one side this much longer than the other are no pixels: the file is wrong.
+constexpr double kMostStretched = 10;
+/// A smaller difference of the resolutions comes from rounding to the units of a file.
+constexpr double kRounding = 1.001;
 
 std::optional<double> NumberOf(const std::string& text) {
   double number = 0;
@@ -32,7 +36,10 @@ std::optional<double> NumberOf(const std::string& text) {
 /// Adds the parts of one step after another.
 class StepAdder {
  public:
-  StepAdder(PictureState& state, const PictureSource& source) : state_(state), source_(source) {}
+  StepAdder(PictureState& state, const PictureSource& source) : state_(state), source_(source) {
+    // Stages get pixels as they are decoded: 2-bit indexes as 4-bit ones, for example.
+    if (state_.stages.empty()) SetLayout(source.Kind().layout);
+  }
 
   void operator()(const TurnStep& step) {
     const int quarters = step.quarters & 3;
@@ -212,15 +219,22 @@ class StepAdder {
   void MakeSquare() {
     const Resolution dpi = state_.resolution;
     if (!dpi.IsKnown() || dpi.x == dpi.y) return;
-    const double finer = std::max(dpi.x, dpi.y);
-    const auto side = [](int pixels, double factor) {
-      const double result = std::round(pixels * factor);
-      if (result > 1e9) throw RangeError("square pixels would be too many");
-      return std::max(static_cast<int>(result), 1);
+    const double finer = std::max(dpi.x, dpi.y), coarser = std::min(dpi.x, dpi.y);
+    if (finer > kMostStretched * coarser) {
+      state_.changes.Note(
+          fmt::format("the pixels were not made square before the rotation: {:g} x {:g} dots per "
+                      "inch cannot be true",
+                      dpi.x, dpi.y));
+      return;
+    }
+    const bool isRounding = finer <= kRounding * coarser;
+    const auto side = [&](int pixels, double factor) {
+      return isRounding ? pixels : std::max(static_cast<int>(std::round(pixels * factor)), 1);
     };
     const Sides square{side(state_.width, finer / dpi.x), side(state_.height, finer / dpi.y)};
     if (!(square == Now())) Resize(square, Filter::automatic);
     state_.resolution = {finer, finer};
+    if (isRounding) return;
     state_.changes.Note(fmt::format(
         "the pixels were made square at {:g} dots per inch before the rotation", finer));
   }
@@ -264,6 +278,7 @@ void AddStep(PictureState& state, const PictureSource& source, const Step& step)
   try {
     const LimitsScope limits;
     std::visit(StepAdder(state, source), step);
+    if (state.stages.empty()) state.layout = source.Header().layout;
   } catch (Error& error) {
     error.AttachFile(source.File());
     throw;

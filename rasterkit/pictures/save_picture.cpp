@@ -39,7 +39,7 @@ WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const Pic
   run.Begin(1, HeightOf(decoded.pixels));
   // The metadata describe the pixels that are written: the thumbnail is made of them.
   PictureState followed = state;
-  if (NeedsThumbnail(state, source)) {
+  if (NeedsThumbnail(state, source) && plan.type != PictureType::bmp) {
     Follow(followed, source, MakeThumbnail(decoded.pixels, state.placement.noData));
   }
   changes = LossesOf(source, followed, {plan.type, plan.isCopied, plan.hasSideFiles});
