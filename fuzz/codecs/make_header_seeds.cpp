@@ -7,7 +7,7 @@
 
 #include <rasterkit/codecs/bmp/bmp_picture.h>
 #include <rasterkit/codecs/png/png_picture.h>
-#include <rasterkit/metadata/png_chunks.h>
+#include <rasterkit/metadata/png/png_chunks.h>
 
 #include "tests/metadata/xmp/xmp_packets.h"
 #include "tests/support/gif_file.h"

@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <span>
 
-#include <rasterkit/codecs/metadata.h>
+#include <rasterkit/codecs/list_metadata.h>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const rasterkit::PictureMetadata metadata = rasterkit::ReadMetadata({data, size});

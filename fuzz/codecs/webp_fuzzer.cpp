@@ -1,6 +1,6 @@
 // Any bytes as a WebP file give a picture or an Error, and the same result a second time.
 
-#include <rasterkit/codecs/metadata.h>
+#include <rasterkit/codecs/list_metadata.h>
 #include <rasterkit/codecs/webp/webp_decoder.h>
 
 #include "fuzz/codecs/decode_twice.h"

@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include <rasterkit/metadata/xmp/xmp_packet.h>
 #include <rasterkit/metadata/xmp_follow.h>
-#include <rasterkit/metadata/xmp_packet.h>
 
 #include "fuzz/require.h"
 

@@ -17,7 +17,7 @@ struct MeanAxes {
 /// 8- and 16-bit unsigned numbers: the exact fraction, rounded to the nearest number, halves up, as
 /// CopyHalftone rounds. Others: sums of doubles in the order of the rows and columns, rounded to
 /// the type, halves up for whole numbers. Colors with straight alpha are weighted by it (plain
-/// means where all of it is 0). Without straight alpha, samples that are `noData` are left out; a
+/// means where all of it is 0). Without straight alpha, samples that are `noData` are skipped; a
 /// mean of none is `noData`.
 class MeanRows {
  public:

@@ -53,6 +53,22 @@ RASTERKIT_EXPORT std::unique_ptr<Stage> RotateStage(Sides source, double degrees
 RASTERKIT_EXPORT std::unique_ptr<Stage> AffineStage(Sides source, const Affine& toOld, Sides target,
                                                     const Resampling& how = {});
 
+/// A picture that is taken into the map's frame.
+struct NorthUpFrame {
+  /// Of the result.
+  Sides sides;
+  /// From pixel indexes of the result to those of the source.
+  Affine toOld;
+  /// From pixel indexes of the result to the map: columns run east, rows south.
+  Affine toMap;
+};
+
+/// The frame that holds all of a picture at a position. A pixel of the result is as wide and high
+/// as one of the source is along its columns and rows; where the picture lies more on its side than
+/// upright, these are exchanged. Throws RangeError for a position that cannot be inverted and for a
+/// result beyond 2^31 - 1 pixels per side.
+RASTERKIT_EXPORT NorthUpFrame FrameOfNorthUp(Sides source, const Affine& toMap);
+
 /// Another number of pixels. Filter::automatic averages the covered area along a side that shrinks
 /// and interpolates linearly along one that grows, and takes nearest pixels of a palette; 1-bit
 /// grays that shrink become 8-bit gray. Samples are averaged in the stored model, associated alpha

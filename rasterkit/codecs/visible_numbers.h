@@ -9,7 +9,7 @@
 namespace rasterkit::detail {
 
 /// The samples of a row as doubles: the colors of each pixel, then alpha if there is one; other
-/// bands are left out. `numbers` has `pitch` doubles per pixel. 64-bit integers above 2^53 are
+/// bands are skipped. `numbers` has `pitch` doubles per pixel. 64-bit integers above 2^53 are
 /// rounded.
 void UnpackSamples(const Samples& samples, int y, size_t pitch, double* numbers);
 

@@ -20,7 +20,7 @@ enum class ExifDirectoryId { main, exif, gps, interop, thumbnail };
 /// A change keeps the place of everything that stays: a value of the same size or smaller is
 /// overwritten where it stands, what grows goes to the end of the block, removed bytes become
 /// zeros. The maker note keeps its bytes and its offset. Entries whose values lie outside the block
-/// are left out, a directory that ends early is read as far as it goes. Such damaged blocks can be
+/// are skipped, a directory that ends early is read as far as it goes. Such damaged blocks can be
 /// read, and changed by `SetUpright` and `EraseThumbnail`; other changes throw FormatError.
 class RASTERKIT_EXPORT ExifBlock {
  public:

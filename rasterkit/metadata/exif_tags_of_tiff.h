@@ -28,7 +28,7 @@ RASTERKIT_EXPORT bool IsTagOfExif(uint16_t tag);
 
 /// Makes an EXIF block; empty if no tag is for it. Of `main` it takes the tags of IsTagOfExif;
 /// pointers to directories are made anew. Values of 64-bit types become 32-bit ones where they fit;
-/// others are left out.
+/// others are skipped.
 RASTERKIT_EXPORT std::vector<uint8_t> ExifOfTags(std::span<const TagValue> main,
                                                  std::span<const TagValue> exif,
                                                  std::span<const TagValue> gps,

@@ -79,7 +79,7 @@ struct Ifd {
   ByteRange Table() const { return {at, 2 + kIfdEntryBytes * statedEntries}; }
 };
 
-/// Reads a directory. Entries whose values lie outside the block are left out. Values that take
+/// Reads a directory. Entries whose values lie outside the block are skipped. Values that take
 /// more than three times the block's bytes in all (hostile) cut the table.
 Ifd ReadIfd(std::span<const uint8_t> block, size_t at, bool isBigEndian);
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include <rasterkit/metadata/exif_block.h>
-#include <rasterkit/metadata/exif_facts.h>
+#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/metadata/ifd.h>
 #include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/jpeg_assembly.h>

@@ -21,7 +21,7 @@ struct NewJpegSegment {
 ///
 /// - JFIF states the resolution in whole dots per inch or per centimeter, whichever is exact; a
 ///   rounded one is a note. Without JFIF the resolution goes to the EXIF block, made if needed.
-/// - An EXIF block that exceeds a segment loses its thumbnail; one that still does is left out.
+/// - An EXIF block that exceeds a segment loses its thumbnail; one that still does is dropped.
 /// - An XMP packet that exceeds a segment loses its padding, then becomes extended XMP as a whole.
 ///   Extended XMP gets its true digest, in the packet too.
 /// - Texts of PNG files become comments, "Keyword: text"; of "Comment" the text alone.

@@ -35,7 +35,7 @@ struct JpegSegment {
 /// and the end of the image.
 class RASTERKIT_EXPORT JpegSegmentWalker {
  public:
-  /// Starts behind the start of the image.
+  /// Starts after the start of the image.
   explicit JpegSegmentWalker(std::span<const uint8_t> file);
   /// Goes on at a place of the file.
   JpegSegmentWalker(std::span<const uint8_t> file, size_t position);
@@ -45,7 +45,7 @@ class RASTERKIT_EXPORT JpegSegmentWalker {
   /// The next segment; the end of the image is the last one. Nothing at the end of the file or if
   /// the next segment reaches beyond it.
   std::optional<JpegSegment> Next();
-  /// Place behind the last segment; of the segment that is cut off.
+  /// Place after the last segment; of the segment that is cut off.
   size_t Position() const { return position_; }
   /// The walk ended at a segment that reaches beyond the end of the file.
   bool IsCut() const { return isCut_; }

@@ -46,7 +46,7 @@ enum class LossKind {
 /// The name in reports, in lower case with hyphens: "coordinate-system".
 RASTERKIT_EXPORT const char* LossKindName(LossKind kind);
 
-/// One thing that the written file lacks and that nobody asked to drop.
+/// One thing that the written file lacks and that was not asked to be dropped.
 struct Loss {
   LossKind kind = LossKind::exif;
   /// What is lost: "2 of 3 pages", "ICC profile \"Adobe RGB\"".

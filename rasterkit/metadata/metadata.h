@@ -24,13 +24,13 @@ struct PictureText {
   friend bool operator==(const PictureText&, const PictureText&) = default;
 };
 
-/// A block that only one file format has and that is kept as it is: a segment of a JPEG file that
-/// nobody here knows, an ancillary chunk of a PNG file that is safe to copy.
+/// A block that only one file format has and that is kept as it is: a segment of a JPEG file of
+/// an unknown kind, an ancillary chunk of a PNG file that is safe to copy.
 struct OtherBlock {
   /// The marker of a JPEG segment (0xE0 to 0xEF); the four letters of a PNG chunk, big-endian.
   uint32_t kind = 0;
   std::vector<uint8_t> bytes;
-  /// True for a PNG chunk behind the pixels.
+  /// True for a PNG chunk after the pixels.
   bool isBehindPixels = false;
   friend bool operator==(const OtherBlock&, const OtherBlock&) = default;
 };

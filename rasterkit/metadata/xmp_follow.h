@@ -4,7 +4,7 @@
 
 #include <rasterkit/metadata/follow_pixels.h>
 #include <rasterkit/metadata/loss.h>
-#include <rasterkit/metadata/xmp_packet.h>
+#include <rasterkit/metadata/xmp/xmp_packet.h>
 #include <rasterkit/runtime/export.h>
 
 namespace rasterkit {

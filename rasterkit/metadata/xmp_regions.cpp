@@ -5,9 +5,9 @@
 #include <fmt/format.h>
 
 #include <rasterkit/metadata/mapped_area.h>
+#include <rasterkit/metadata/xmp/xmp_names.h>
+#include <rasterkit/metadata/xmp/xmp_numbers.h>
 #include <rasterkit/metadata/xmp_follow.h>
-#include <rasterkit/metadata/xmp_names.h>
-#include <rasterkit/metadata/xmp_numbers.h>
 
 namespace rasterkit::detail {
 namespace {

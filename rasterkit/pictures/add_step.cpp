@@ -140,8 +140,12 @@ class StepAdder {
                             step.pixels->Height() == state_.height;
     if (!isSameSize) throw RangeError("other pixels must have the size of the picture");
     MakeVisible();
-    SetLayout(LayoutOf(Pixels(step.pixels->Content().Clone())));
-    AddStage(ShownStage(step.pixels));
+    std::unique_ptr<Stage> stage = ShownStage(step.pixels);
+    Changes unused;
+    PixelLayout layout = LayoutOf(stage->Make({}, {}, unused));
+    layout.profile = state_.layout.profile;
+    SetLayout(std::move(layout));
+    AddStage(std::move(stage));
   }
 
   void operator()(const PlaceStep& step) {

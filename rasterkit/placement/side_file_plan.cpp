@@ -198,7 +198,7 @@ class Planner {
              "exists and states another coordinate system than that of the picture to "
              "be saved");
     }
-    const bool isNeeded = placement_.IsKnown() && !(wish_.hasTags && !system.keys.empty());
+    const bool isNeeded = !wish_.hasTags || system.keys.empty();
     if (known->empty() || (!isFromFile && !isNeeded)) return;
     plan_.written.push_back({ProjectionNames(wish_.target).front(), *known, false});
     hasProjection_ = true;
@@ -218,7 +218,7 @@ class Planner {
     }
     const CoordinateSystem& system = placement_.system;
     const bool isInTags = wish_.hasTags && !system.keys.empty();
-    if (placement_.IsKnown() && system.IsKnown() && !isInTags && !hasProjection_) {
+    if (system.IsKnown() && !isInTags && !hasProjection_) {
       const std::string name = system.Description();
       changes_.Lose(LossKind::coordinateSystem, name.empty() ? "coordinate system" : name, why);
     }
@@ -230,13 +230,19 @@ class Planner {
     for (const std::string& name : AttachedNames(wish_.source)) {
       if (IsThere(name)) changes_.Lose(LossKind::sideFile, name, "it describes the old picture");
     }
-    if (placement_.affine) return;
     for (const std::string& name : WorldFileNames(wish_.source)) {
-      const auto isRead = [&](const StatedPosition& position) { return position.file == name; };
-      const auto& stated = placement_.stated;
-      if (!IsThere(name) || std::any_of(stated.begin(), stated.end(), isRead)) continue;
+      if (!IsThere(name) || IsStated(name)) continue;
       changes_.Lose(LossKind::sideFile, name, "no position was read from it");
     }
+  }
+
+  /// True if a position was read from the file, under whatever name.
+  bool IsStated(const std::string& name) const {
+    const FileIdentity file(name);
+    const auto& stated = placement_.stated;
+    return std::any_of(stated.begin(), stated.end(), [&](const StatedPosition& position) {
+      return !position.file.empty() && file == FileIdentity(position.file);
+    });
   }
 
   const SideFileWish& wish_;

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/codecs/metadata.h>
+#include <rasterkit/codecs/list_metadata.h>
 
 namespace rasterkit {
 namespace {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <rasterkit/metadata/exif_facts.h>
+#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/jpeg_assembly.h>
 #include <rasterkit/metadata/jpeg_segments.h>

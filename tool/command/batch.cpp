@@ -199,7 +199,10 @@ void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& o
     for (const std::string& warning : result.warnings) {
       PrintMessage(fmt::format("{}: warning: {}", job.input, warning));
     }
-    for (const std::string& note : result.notes) PrintMessage(job.output + ": " + note);
+    const bool saysNotes = !result.isCopied || options.verbose;
+    for (const std::string& note : result.notes) {
+      if (saysNotes) PrintMessage(job.output + ": " + note);
+    }
   }
   if (outcome.code == exitInterrupted) {
     SayInterrupted();

@@ -61,17 +61,17 @@ bool IsPdf(const std::string& file) {
   }
 }
 
-/// True for an error of reading the input: damage that shows only in the pixels.
+/// True for an error of reading the input while it is written: damage that shows only in the
+/// pixels.
 bool IsOfInput(const Error& error, const Job& job) {
   if (error.File() != job.input) return false;
-  if (dynamic_cast<const RangeError*>(&error) != nullptr) return false;
   // A picture that is written over itself: what cannot be written is an error of the output.
   const bool isOfFile = dynamic_cast<const FileError*>(&error) != nullptr;
   return !isOfFile || job.input != job.output;
 }
 
 /// The error as the failure of a job.
-[[noreturn]] void Fail(const Error& error, const Job& job) {
+[[noreturn]] void Fail(const Error& error, const Job& job, ExitCode code) {
   if (dynamic_cast<const CanceledError*>(&error) != nullptr) {
     throw Failure(exitInterrupted, "interrupted");
   }
@@ -80,8 +80,7 @@ bool IsOfInput(const Error& error, const Job& job) {
   const std::string reason = isTaken && file == job.output
                                  ? "already exists (--overwrite replaces it)"
                                  : ReasonWithOption(error);
-  throw Failure(IsOfInput(error, job) ? exitInputUnreadable : exitOutputNotWritten,
-                file + ": " + reason);
+  throw Failure(code, file + ": " + reason);
 }
 
 /// The steps that every verb has last.
@@ -113,6 +112,7 @@ JobResult ResultOf(const PictureWork& work, const Report& report) {
   result.warnings.insert(result.warnings.end(), work.warnings.begin(), work.warnings.end());
   result.notes = work.notes;
   result.notes.insert(result.notes.end(), report.notes.begin(), report.notes.end());
+  result.isCopied = report.isCopied;
   result.sideFiles = report.sideFiles;
   result.kept = KeptNames(work.picture, report.losses);
   for (const StatedPosition& position : work.picture.GetPlacement().stated) {
@@ -132,12 +132,16 @@ JobResult Save(const PictureWork& work) {
   Run run = RunOf(work.options);
   run.progress = bar.Shares();
   const WholeOutput whole;
-  auto save = std::make_unique<PendingSave>(work.picture, work.job.output,
-                                            SaveOptionsOf(work.job, work.options), run);
-  StopIfInterrupted();
-  JobResult result = ResultOf(work, save->Report());
-  result.output.picture = std::move(save);
-  return result;
+  try {
+    auto save = std::make_unique<PendingSave>(work.picture, work.job.output,
+                                              SaveOptionsOf(work.job, work.options), run);
+    StopIfInterrupted();
+    JobResult result = ResultOf(work, save->Report());
+    result.output.picture = std::move(save);
+    return result;
+  } catch (const Error& error) {
+    Fail(error, work.job, IsOfInput(error, work.job) ? exitInputUnreadable : exitOutputNotWritten);
+  }
 }
 
 }  // namespace
@@ -196,7 +200,7 @@ void DoWork(const Job& job, const std::function<void()>& work) {
   try {
     work();
   } catch (const Error& error) {
-    Fail(error, job);
+    Fail(error, job, exitOutputNotWritten);
   } catch (const std::bad_alloc&) {
     throw Failure(exitOutputNotWritten, job.output + ": out of memory");
   }

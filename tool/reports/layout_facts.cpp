@@ -1,5 +1,7 @@
 #include "tool/reports/layout_facts.h"
 
+#include <rasterkit/pictures/reading/grid.h>
+
 namespace rasterkit::tool {
 namespace {
 
@@ -15,33 +17,6 @@ bool HasAlphaBand(const PixelLayout& layout) {
 bool IsGrid(const PixelLayout& layout, PictureType type) {
   return type == PictureType::tiff && IsGray(layout) && !HasAlphaBand(layout) &&
          layout.type != NumberType::uint8;
-}
-
-const char* NameOf(NumberType type) {
-  switch (type) {
-    case NumberType::uint8:
-      return "uint8";
-    case NumberType::int8:
-      return "int8";
-    case NumberType::uint16:
-      return "uint16";
-    case NumberType::int16:
-      return "int16";
-    case NumberType::uint32:
-      return "uint32";
-    case NumberType::int32:
-      return "int32";
-    case NumberType::uint64:
-      return "uint64";
-    case NumberType::int64:
-      return "int64";
-    case NumberType::float16:
-      return "float16";
-    case NumberType::float32:
-      return "float32";
-    default:
-      return "float64";
-  }
 }
 
 }  // namespace
@@ -63,7 +38,7 @@ int ShownPaletteEntries(const PixelLayout& layout, PictureType type) {
 }
 
 std::string GridName(const PixelLayout& layout, PictureType type) {
-  return IsGrid(layout, type) ? NameOf(layout.type) : "none";
+  return IsGrid(layout, type) ? GridTypeName(layout.type) : "none";
 }
 
 }  // namespace rasterkit::tool

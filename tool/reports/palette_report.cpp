@@ -9,6 +9,7 @@
 #include "tool/command/json.h"
 #include "tool/command/printable.h"
 #include "tool/pictures/alpha_channel.h"
+#include "tool/pictures/common_palette.h"
 #include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/picture_input.h"
 
@@ -23,6 +24,10 @@ struct EntryLine {
   bool isTransparent = false;
 };
 
+std::string ColorText(const tagPALETTEENTRY& entry) {
+  return fmt::format("{:02X}{:02X}{:02X}", entry.peRed, entry.peGreen, entry.peBlue);
+}
+
 std::vector<EntryLine> LinesOf(const TBitmap& bitmap) {
   std::vector<EntryLine> lines;
   if (!HasIndexes(bitmap)) return lines;
@@ -30,8 +35,7 @@ std::vector<EntryLine> LinesOf(const TBitmap& bitmap) {
   const auto counts = CountIndexes(bitmap);
   for (int i = 0; i < palette.Count(); ++i) {
     const tagPALETTEENTRY entry = palette.Entry(i);
-    lines.push_back({i, fmt::format("{:02X}{:02X}{:02X}", entry.peRed, entry.peGreen, entry.peBlue),
-                     counts[static_cast<size_t>(i)],
+    lines.push_back({i, ColorText(entry), counts[static_cast<size_t>(i)],
                      bitmap.Transparent() && EntryColor(entry) == bitmap.TransparentColor()});
   }
   return lines;
@@ -96,6 +100,29 @@ int ShowPalette(const std::string& file, bool json) {
     PrintText(file, *picture.bitmap, lines);
   }
   return lines.empty() ? exitAnswerIsNo : exitDone;
+}
+
+int ShowCommonPalette(const std::vector<std::string>& files, bool json) {
+  const CommonPalette common = ChooseCommonPalette(files);
+  JsonList entries;
+  if (!json) {
+    fmt::print("{} entries for {} pictures, {}\n", common.palette.Count(), files.size(),
+               common.isExact ? "all of their colors" : "close to their colors");
+  }
+  for (int i = 0; i < common.palette.Count(); ++i) {
+    const std::string color = ColorText(common.palette.Entry(i));
+    if (!json) fmt::print("{:5}  {}\n", i, color);
+    entries.Add(JsonObject().Add("index", i).Add("color", color));
+  }
+  if (!json) return exitDone;
+  PrintLine(JsonObject()
+                .Add("schema", 1)
+                .Add("files", files)
+                .Add("ok", true)
+                .Add("error", nullptr)
+                .Add("exact", common.isExact)
+                .Add("entries", entries));
+  return exitDone;
 }
 
 }  // namespace rasterkit::tool

@@ -56,12 +56,16 @@ void PictureVerb::AddSharedOptions() {
 VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
   AddSharedOptions();
   return [output = output_, picture = picture_, answer = answer_, asksUser = asksUser_,
+          answerForFiles = answerForFiles_, asksAboutFiles = asksAboutFiles_,
           prepare = std::move(prepare)] {
     if (asksUser != nullptr && *asksUser && output->jobs > 1) {
       throw Failure(exitWrongUsage,
                     "--dialog shows one picture at a time and cannot be used with --jobs");
     }
     const bool isQuestion = output->files.size() == 1 && output->outDir.empty() && !output->inPlace;
+    const bool isAboutFiles =
+        asksAboutFiles != nullptr && *asksAboutFiles && output->outDir.empty() && !output->inPlace;
+    if (isAboutFiles) return answerForFiles(output->files, output->json);
     if (answer && isQuestion) return answer(output->files[0], output->json);
     const std::vector<Job> jobs = PlanJobs(*output);
     picture->showsProgress = jobs.size() == 1 && !output->quiet;

@@ -39,13 +39,22 @@ class PictureVerb : public Verb {
   void UncoversCorners() { uncoversCorners_ = true; }
   /// Outputs may be metafiles, and --dpi and --size say how metafiles are drawn.
   void TakesMetafiles() { output_->takesMetafiles = true; }
-  /// The options that are common to all verbs, for a verb that adds one of its own to them.
+  /// The options that all verbs share, for a verb that adds one of its own to them.
   const std::shared_ptr<PictureOptions>& Options() { return picture_; }
 
   /// What the verb does with one file and no output. Without this call, that is wrong usage.
   void AnsweringForOneFile(std::function<int(const std::string& file, bool json)> answer) {
     answer_ = std::move(answer);
   }
+  /// What the verb does with several files and no output if `isWanted`.
+  void AnsweringForFiles(
+      const bool& isWanted,
+      std::function<int(const std::vector<std::string>& files, bool json)> answer) {
+    asksAboutFiles_ = &isWanted;
+    answerForFiles_ = std::move(answer);
+  }
+  /// The files of the command line, known when the verb runs.
+  const std::shared_ptr<OutputOptions>& Outputs() { return output_; }
 
   /// Adds the options that all these verbs share. The change runs once per picture, on several
   /// threads at the same time with --jobs.
@@ -59,6 +68,8 @@ class PictureVerb : public Verb {
   void AddSharedOptions();
 
   std::function<int(const std::string& file, bool json)> answer_;
+  std::function<int(const std::vector<std::string>& files, bool json)> answerForFiles_;
+  const bool* asksAboutFiles_ = nullptr;
   const bool* asksUser_ = nullptr;
   bool uncoversCorners_ = false;
   std::shared_ptr<OutputOptions> output_ = std::make_shared<OutputOptions>();

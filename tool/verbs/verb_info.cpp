@@ -28,8 +28,9 @@ Json IfRead(const PictureFacts& facts, const Json& value) {
   return facts.isKnown ? value : Json();
 }
 
-Json SystemJson(const CoordinateSystem& system) {
-  return system.IsKnown() ? Json(system.Name()) : Json();
+std::string SystemText(const CoordinateSystem& system) {
+  const std::string text = OnOneLine(system.Description());
+  return text.empty() ? "without a name" : text;
 }
 
 Json PagesJson(const PictureFacts& facts) {
@@ -70,7 +71,7 @@ Json FactsJson(const PictureFacts& facts) {
   line.Add("model", TextOrNull(facts.model));
   line.Add("geo", GeoJson(facts.placement.stated));
   line.Add("epsg", facts.placement.system.Epsg());
-  line.Add("coordinate_system", SystemJson(facts.placement.system));
+  line.Add("coordinate_system", TextOrNull(facts.placement.system.Name()));
   line.Add("grid", IfRead(facts, facts.grid));
   line.Add("pages", PagesJson(facts));
   line.Add("tiff", facts.tiff ? TiffJson(*facts.tiff) : Json());
@@ -161,7 +162,7 @@ void PrintText(const PictureFacts& facts) {
     fmt::print("  {}\n", PositionText(position));
   }
   const CoordinateSystem& system = facts.placement.system;
-  if (system.IsKnown()) fmt::print("  coordinate system {}\n", OnOneLine(system.Description()));
+  if (system.IsKnown()) fmt::print("  coordinate system {}\n", SystemText(system));
   PrintLooseTiePoints(facts);
   if (!facts.metadata.empty()) fmt::print("  metadata: {}\n", fmt::join(facts.metadata, ", "));
   if (facts.verified == true) fmt::print("  the pixels can be read\n");

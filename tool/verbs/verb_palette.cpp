@@ -2,6 +2,7 @@
 
 #include "tool/arguments/color_argument.h"
 #include "tool/command/exit_code.h"
+#include "tool/pictures/common_palette.h"
 #include "tool/reports/palette_report.h"
 #include "tool/verbs/picture_verb.h"
 
@@ -12,6 +13,8 @@ struct PaletteOptions {
   /// Values as typed, already checked.
   std::vector<std::string> set;
   std::string first;
+  /// One palette for all pictures.
+  bool common = false;
 };
 
 /// The new color of an entry.
@@ -33,6 +36,17 @@ std::string CheckEntry(const std::string& text) {
   return ParseEntry(text)
              ? std::string()
              : "an entry is N=COLOR, a number from 0 to 255 and a color, not '" + text + "'";
+}
+
+/// All pictures get the palette that fits them together.
+PictureChange MakingCommon(const PaletteOptions& options, const std::vector<std::string>& files) {
+  if (!options.set.empty() || !options.first.empty()) {
+    throw Failure(exitWrongUsage, "--common cannot be used with --set or --first");
+  }
+  return [palette = ChooseCommonPalette(files).palette](PictureWork& work) {
+    work.picture.Change(PaintTransparency{work.Background()});
+    work.picture.Apply(PixelsStep{WithPalette(*work.Bitmap(), palette)});
+  };
 }
 
 PictureChange Changing(const PaletteOptions& options) {
@@ -59,16 +73,26 @@ VerbRunner AddPaletteVerb(CommandLine& line) {
        "show the palette of a picture, or change its entries",
        {"With one file and no output: lists the palette entries and how many pixels use each. The "
         "exit code is 1 if the picture has no palette.",
-        "With an output: gives entries another color. Every pixel keeps its entry."},
+        "With an output: gives entries another color. Every pixel keeps its entry.",
+        "With --common and several files: one palette for all of them, so that they can be shown "
+        "side by side with 256 colors. It has their own colors if these are not too many."},
        {"rasterkit palette plan.png",
         "rasterkit palette plan.png red-roads.png --set 3=FF0000 --set 4=C00000",
-        "rasterkit palette scan.bmp white-paper.bmp --first FFFFFF"}});
+        "rasterkit palette scan.bmp white-paper.bmp --first white",
+        "rasterkit palette --common a.png b.png c.png",
+        "rasterkit palette --common a.png b.png c.png --out-dir small"}});
   const auto options = std::make_shared<PaletteOptions>();
   verb.Texts("--set", "N=COLOR", options->set, CheckEntry,
              "new color of entry N, counted from 0; can be repeated");
   verb.Color("--first", options->first, "new color of the entry that the top left pixel uses");
+  verb.Flag("--common", options->common,
+            "one palette of up to 256 colors that fits all pictures together: shows it, or writes "
+            "the pictures with it into --out-dir");
   verb.AnsweringForOneFile(ShowPalette);
-  return verb.ChangingAfter([options] { return Changing(*options); });
+  verb.AnsweringForFiles(options->common, ShowCommonPalette);
+  return verb.ChangingAfter([options, outputs = verb.Outputs()] {
+    return options->common ? MakingCommon(*options, outputs->files) : Changing(*options);
+  });
 }
 
 }  // namespace rasterkit::tool

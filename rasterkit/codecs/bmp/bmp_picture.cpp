@@ -11,7 +11,7 @@
 #include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/metadata/exif_block.h>
-#include <rasterkit/metadata/png_chunks.h>
+#include <rasterkit/metadata/png/png_chunks.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>

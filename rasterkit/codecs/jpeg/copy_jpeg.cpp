@@ -70,7 +70,7 @@ class Copier {
   }
 
  private:
-  /// Place behind the header of the first scan.
+  /// Place after the header of the first scan.
   size_t ScansAt() const {
     const JpegSegment& scan = parts_.head.back();
     return PlaceOf(scan, file_) + scan.payload.size();

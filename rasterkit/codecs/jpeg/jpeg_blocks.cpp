@@ -40,11 +40,11 @@ class Collector {
         AddJfif(segment);
         break;
       case JpegBlock::exif:
-        if (!metadata.exif.empty() && !bytes.empty()) Warn("a second EXIF block is left out");
+        if (!metadata.exif.empty() && !bytes.empty()) Warn("a second EXIF block is skipped");
         if (metadata.exif.empty()) metadata.exif.assign(bytes.begin(), bytes.end());
         break;
       case JpegBlock::xmp:
-        if (!metadata.xmp.empty()) Warn("a second XMP packet is left out");
+        if (!metadata.xmp.empty()) Warn("a second XMP packet is skipped");
         if (metadata.xmp.empty()) metadata.xmp.assign(bytes.begin(), bytes.end());
         break;
       case JpegBlock::extendedXmp:
@@ -95,7 +95,7 @@ class Collector {
   void JoinExtended() {
     for (auto& [guid, parts] : extended_) {
       if (blocks_.metadata.xmp.find(guid) == std::string::npos) {
-        Warn("extended XMP that the packet does not name is left out");
+        Warn("extended XMP that the packet does not name is skipped");
         continue;
       }
       std::sort(parts.begin(), parts.end(),
@@ -109,7 +109,7 @@ class Collector {
       if (joined.size() == parts[0].total) {
         blocks_.metadata.extendedXmp = std::move(joined);
       } else {
-        Warn("parts of the extended XMP are missing; it is left out");
+        Warn("parts of the extended XMP are missing; it is skipped");
       }
     }
   }

@@ -18,7 +18,7 @@ struct JfifFacts {
 };
 
 /// Collects the metadata of the segments in front of the first scan: pieces of one block are
-/// joined. Damaged blocks are left out or cut off, with a warning. Orientation and resolution
+/// joined. Damaged blocks are skipped or cut off, with a warning. Orientation and resolution
 /// are not interpreted.
 struct JpegBlocks {
   Metadata metadata;

@@ -112,7 +112,7 @@ Picture PictureAt(Bytes bytes) {
     picture.bytes = parts.end;
     picture.isWhole = parts.hasEndMarker;
   } catch (const FormatError&) {
-    // Whatever it is, it has a size.
+    // Its bytes are counted.
   }
   return picture;
 }
@@ -170,7 +170,7 @@ class Finder {
     }
   }
 
-  /// Names what is behind the end marker and not in the index.
+  /// Names what is after the end marker and not in the index.
   void FindBehind() {
     std::sort(known_.begin(), known_.end());
     size_t at = parts_.end;
@@ -193,7 +193,7 @@ class Finder {
       gap = gap.subspan(std::max<size_t>(picture.bytes, 3));
     }
     if (gap.empty() || IsPadding(gap)) return;
-    const char* name = Contains(gap, "ftyp") ? "video" : "data behind the end";
+    const char* name = Contains(gap, "ftyp") ? "video" : "data after the end";
     found_.others.push_back(fmt::format("{} of {}", name, SizeText(gap.size())));
   }
 

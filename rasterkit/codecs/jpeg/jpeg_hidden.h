@@ -41,7 +41,7 @@ struct JpegHidden {
   std::vector<std::string> others;
 };
 
-/// Names what the segments and the bytes behind the end marker hold. All scans must be walked.
+/// Names what the segments and the bytes after the end marker hold. All scans must be walked.
 JpegHidden FindHidden(std::span<const uint8_t> file, const JpegParts& parts);
 
 }  // namespace rasterkit::detail

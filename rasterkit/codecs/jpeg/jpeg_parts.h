@@ -27,7 +27,7 @@ struct JpegParts {
   std::vector<JpegSegment> head;
   /// Segments between and behind the scans; empty if only the head was walked.
   std::vector<JpegSegment> later;
-  /// Place behind the end marker; of a truncated segment; or the size of the file.
+  /// Place after the end marker; of a truncated segment; or the size of the file.
   size_t end = 0;
   bool hasEndMarker = false;
   /// The last segment reaches beyond the end of the file.

@@ -6,7 +6,7 @@
 #include <rasterkit/codecs/jpeg/jpeg_layout.h>
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
-#include <rasterkit/metadata/exif_facts.h>
+#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {

@@ -4,7 +4,7 @@
 #include <span>
 
 #include <rasterkit/codecs/rows/form.h>
-#include <rasterkit/metadata/png_chunks.h>
+#include <rasterkit/metadata/png/png_chunks.h>
 #include <rasterkit/raster/pixel_layout.h>
 
 namespace rasterkit::detail {

@@ -24,7 +24,7 @@ struct PictureWriting {
   /// full above quality 90 and halved up to it.
   int chromaX = 0, chromaY = 0;
   /// When compressed pixels are copied: thumbnails of the file header, previews and what follows
-  /// the end of the picture are left out.
+  /// the end of the picture are skipped.
   bool dropsHidden = false;
   /// Threads that compress, 1 to 64. The bytes do not depend on it.
   int threads = 1;

@@ -3,7 +3,7 @@
 #include <string>
 
 #include <rasterkit/codecs/rows/stated_facts.h>
-#include <rasterkit/metadata/exif_facts.h>
+#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/metadata/image_resources.h>
 
 namespace rasterkit::detail {

@@ -95,10 +95,11 @@ void FitProfile(Metadata& metadata, const PixelLayout& layout, Changes& changes)
                     (space == "Lab " && !isGray && !isRgb);
   if (fits || (!isGray && !isRgb)) return;
   metadata.profile = nullptr;
-  changes.Note(fmt::format("the {} profile does not apply to the new pixels and is not written",
-                           space == "RGB "   ? "color"
-                           : space == "GRAY" ? "gray"
-                                             : "ink"));
+  if (space == "RGB " && isGray) {
+    return changes.Note("the color profile does not apply to gray pixels and is not written");
+  }
+  changes.Lose(LossKind::profile, fmt::format("{} profile", space == "GRAY" ? "gray" : "ink"),
+               "it does not apply to the new pixels");
 }
 
 Raster Visible(Pixels pixels, const PixelFit& fit, Metadata& metadata, Changes& changes) {

@@ -4,7 +4,7 @@
 #include <rasterkit/codecs/bmp/bmp_decoder.h>
 #include <rasterkit/codecs/bmp/bmp_encoder.h>
 #include <rasterkit/codecs/bmp/bmp_picture.h>
-#include <rasterkit/metadata/png_chunks.h>
+#include <rasterkit/metadata/png/png_chunks.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/support/corpus.h"

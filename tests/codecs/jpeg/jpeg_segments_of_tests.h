@@ -70,7 +70,7 @@ inline std::vector<uint8_t> BytesOfFile(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// All JPEG files of the corpus, whatever their names are.
+/// All JPEG files of the corpus, recognized by their first bytes.
 inline std::vector<std::filesystem::path> CorpusJpegs() {
   std::vector<std::filesystem::path> files;
   for (const CorpusEntry& entry : CorpusEntries()) {

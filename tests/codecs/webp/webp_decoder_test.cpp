@@ -6,7 +6,7 @@
 #include <webp/decode.h>
 
 #include <rasterkit/codecs/decode_frame.h>
-#include <rasterkit/codecs/metadata.h>
+#include <rasterkit/codecs/list_metadata.h>
 #include <rasterkit/codecs/webp/webp_decoder.h>
 #include <rasterkit/runtime/errors.h>
 

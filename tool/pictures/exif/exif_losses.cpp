@@ -7,7 +7,7 @@
 
 #include <fmt/core.h>
 
-#include <rasterkit/codecs/metadata.h>
+#include <rasterkit/codecs/list_metadata.h>
 #include <rasterkit/jpegexif/jpeg_sections.h>
 #include <rasterkit/pictures/reading/photo_facts.h>
 

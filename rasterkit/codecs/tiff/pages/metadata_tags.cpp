@@ -156,7 +156,7 @@ void AddOwnTags(MainTags& main, const Metadata& metadata, const SampleFacts& sam
           changes.Lose(LossKind::hiddenPictures, "layers", "they would not match the pixels");
         } else {
           changes.Note(
-              fmt::format("TIFF tag {} describes the old samples and is left out", value.tag));
+              fmt::format("TIFF tag {} describes the old samples and is dropped", value.tag));
         }
         break;
       default:

@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include <rasterkit/metadata/image_resources.h>
-#include <rasterkit/metadata/png_raw_profiles.h>
-#include <rasterkit/metadata/png_texts.h>
+#include <rasterkit/metadata/png/png_raw_profiles.h>
+#include <rasterkit/metadata/png/png_texts.h>
 
 namespace rasterkit::detail {
 namespace {

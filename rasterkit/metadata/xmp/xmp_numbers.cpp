@@ -3,7 +3,7 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/metadata/xmp_numbers.h>
+#include <rasterkit/metadata/xmp/xmp_numbers.h>
 
 namespace rasterkit::detail {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <expat.h>
 
-#include <rasterkit/metadata/xmp_names.h>
-#include <rasterkit/metadata/xmp_tree.h>
+#include <rasterkit/metadata/xmp/xmp_names.h>
+#include <rasterkit/metadata/xmp/xmp_tree.h>
 
 namespace rasterkit::detail {
 namespace {

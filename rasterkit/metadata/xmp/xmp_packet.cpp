@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <utility>
 
-#include <rasterkit/metadata/xmp_names.h>
-#include <rasterkit/metadata/xmp_packet.h>
+#include <rasterkit/metadata/xmp/xmp_names.h>
+#include <rasterkit/metadata/xmp/xmp_packet.h>
 
 namespace rasterkit {
 namespace {

@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include <rasterkit/metadata/exif_facts.h>
+#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/metadata/exif_places.h>
 
 namespace rasterkit {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include <rasterkit/metadata/xmp_tree.h>
+#include <rasterkit/metadata/xmp/xmp_tree.h>
 #include <rasterkit/runtime/export.h>
 
 namespace rasterkit {

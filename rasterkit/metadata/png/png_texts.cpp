@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 #include <zlib.h>
 
-#include <rasterkit/metadata/png_chunks.h>
-#include <rasterkit/metadata/png_texts.h>
+#include <rasterkit/metadata/png/png_chunks.h>
+#include <rasterkit/metadata/png/png_texts.h>
 
 namespace rasterkit::detail {
 namespace {

@@ -1,5 +1,5 @@
 #include <rasterkit/codecs/codec_table.h>
-#include <rasterkit/codecs/metadata.h>
+#include <rasterkit/codecs/list_metadata.h>
 
 namespace rasterkit {
 

@@ -3,7 +3,7 @@
 
 #include <zlib.h>
 
-#include <rasterkit/metadata/png_chunks.h>
+#include <rasterkit/metadata/png/png_chunks.h>
 
 namespace rasterkit::detail {
 namespace {
