@@ -50,6 +50,26 @@ WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const Pic
   return written;
 }
 
+/// False if the compressed pixels are damaged so that they cannot be copied: they are then decoded,
+/// and what is missing is said.
+bool Copy(TStream& target, const PictureSource& source, const PictureState& state,
+          const WritePlan& plan, RunScope& run, WrittenPicture& written, Changes& changes) {
+  run.Begin(kRead, 1);
+  const uint64_t start = target.Position();
+  try {
+    Changes copied = LossesOf(source, state, {plan.type, true, plan.hasSideFiles});
+    written = CopyPixels(source, state, plan, target, copied);
+    copied.Note("the compressed pixels are copied");
+    written.layout = state.layout;
+    changes = std::move(copied);
+    return true;
+  } catch (FormatError& error) {
+    error.AttachFile(source.File());
+    if (target.Position() != start) throw;
+    return false;
+  }
+}
+
 }  // namespace
 
 Report WriteTo(TStream& target, const PictureSource& source, const PictureState& state,
@@ -58,14 +78,11 @@ Report WriteTo(TStream& target, const PictureSource& source, const PictureState&
   const uint64_t start = target.Position();
   Changes changes;
   WrittenPicture written;
-  if (plan.isCopied) {
-    run.Begin(1, 1);
-    changes = LossesOf(source, state, {plan.type, plan.isCopied, plan.hasSideFiles});
-    written = CopyPixels(source, state, plan, target, changes);
-    changes.Note("the compressed pixels are copied");
-    written.layout = state.layout;
-  } else {
-    written = WriteAnew(target, source, state, plan, options, run, report, changes);
+  report.isCopied = plan.isCopied && Copy(target, source, state, plan, run, written, changes);
+  if (!report.isCopied) {
+    WritePlan anew = plan;
+    anew.isCopied = false;
+    written = WriteAnew(target, source, state, anew, options, run, report, changes);
   }
   report.form = written.form;
   report.layout = written.layout;
