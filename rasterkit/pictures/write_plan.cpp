@@ -34,7 +34,7 @@ JpegForm Transposed(JpegForm form) {
   return form;
 }
 
-/// The form of pixels of another kind than those of the source: what was asked for, not what the
+/// The form of pixels of another kind than those of the source: what was requested, not what the
 /// source had.
 void TakeKind(PngForm& form, const PixelLayout& layout) {
   constexpr int kRgb = 2, kPalette = 3, kAlpha = 4;
