@@ -33,6 +33,9 @@ std::optional<double> NumberOf(const std::string& text) {
   return number;
 }
 
+/// A mask has no mixed pixels, and nothing lies outside of the picture.
+const Resampling kMaskResampling{Filter::nearest, {Fill::Kind::color, clBlack}, std::nullopt};
+
 /// Adds the parts of one step after another.
 class StepAdder {
  public:
@@ -69,18 +72,21 @@ class StepAdder {
     const Resampling how = HowFor(step.options);
     if (frame.rest != 0) SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
     if (frame.quarters % 2 != 0) ExchangeAxes();
-    Add(RotateStage(Now(), step.degrees, how), frame.toOld, frame.sides);
+    Add(RotateStage(Now(), step.degrees, how), frame.toOld, frame.sides,
+        RotateStage(Now(), step.degrees, kMaskResampling));
   }
 
   void operator()(const NorthUpStep& step) {
     const std::optional<Affine> position = PositionOf(state_, source_);
     if (!position) throw RangeError("the picture has no position on a map");
-    const NorthUpFrame frame = FrameOfNorthUp(*position, Now());
-    for (const Step& turn : frame.turns) std::visit(*this, turn);
-    if (!frame.toOld) return;
+    const WayNorth way = WayNorthOf(*position, Now());
+    for (const Step& turn : way.turns) std::visit(*this, turn);
+    if (!way.frame) return;
+    const NorthUpFrame& frame = *way.frame;
     const Resampling how = HowFor(step.options);
     SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
-    Add(AffineStage(Now(), *frame.toOld, frame.sides, how), *frame.toOld, frame.sides);
+    Add(AffineStage(Now(), frame.toOld, frame.sides, how), frame.toOld, frame.sides,
+        AffineStage(Now(), frame.toOld, frame.sides, kMaskResampling));
   }
 
   void operator()(const CropStep& step) {
@@ -180,7 +186,9 @@ class StepAdder {
     state_.rowBytes = std::max(state_.rowBytes, before + heldBytes_);
   }
 
-  void Add(std::unique_ptr<Stage> stage, const Affine& toOld, Sides sides) {
+  /// A mask moves as the picture does, by the same stage if there is no other.
+  void Add(std::unique_ptr<Stage> stage, const Affine& toOld, Sides sides,
+           std::unique_ptr<Stage> maskStage = nullptr) {
     RequirePictureSize(static_cast<uint64_t>(sides.width), static_cast<uint64_t>(sides.height),
                        fmt::format("a picture of {} x {} pixels", sides.width, sides.height));
     state_.toOld = state_.toOld.After(toOld);
@@ -188,6 +196,8 @@ class StepAdder {
     state_.height = sides.height;
     state_.placesChanged = true;
     AddStage(std::move(stage));
+    state_.maskStages.push_back(maskStage ? std::shared_ptr<const Stage>(std::move(maskStage))
+                                          : state_.stages.back());
   }
 
   void ExchangeAxes() {
@@ -216,7 +226,8 @@ class StepAdder {
     if (state_.resolution.IsKnown()) {
       state_.resolution = {state_.resolution.x / columns, state_.resolution.y / rows};
     }
-    Add(ResizeStage(sides, target, filter, NoDataNumber()), toOld, target);
+    Add(ResizeStage(sides, target, filter, NoDataNumber()), toOld, target,
+        ResizeStage(sides, target, Filter::nearest));
   }
 
   /// A rotation by any angle mixes the two directions.

@@ -6,7 +6,7 @@
 
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/picture_io.h>
-#include <rasterkit/codecs/tiff/tiff_pages.h>
+#include <rasterkit/pictures/extra_pages.h>
 #include <rasterkit/pictures/fitting/fit_pixels.h>
 #include <rasterkit/pictures/fitting/sample_rows.h>
 #include <rasterkit/pictures/write_plan.h>
@@ -164,6 +164,7 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
   WritePlan plan;
   plan.type = type;
   plan.hasSideFiles = hasSideFiles;
+  plan.carriesExtraPages = CarriesExtraPages(source, type);
   const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options);
   plan.isCopied = isAsStored && CanCopy(type) && source.Bytes() != nullptr;
   plan.form = FormOfTarget(source, state, type, options);
@@ -178,7 +179,8 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
 
 WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
                            const WritePlan& plan, const SaveOptions& options, int threads,
-                           TStream& target, Changes& changes) {
+                           TStream& target, Changes& changes,
+                           std::span<const TiffExtraPage> extraPages) {
   PictureWriting writing = WritingOf(source, state, plan);
   const PixelFit fit{plan.type, options.background, state.placement.noData, threads, plan.isSample};
   Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
@@ -186,7 +188,8 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
   writing.chromaX = options.chromaX;
   writing.chromaY = options.chromaY;
   writing.threads = threads;
-  WrittenPicture written = WritePicture(plan.type, fitted, writing, target);
+  WrittenPicture written = extraPages.empty() ? WritePicture(plan.type, fitted, writing, target)
+                                              : WriteTiff(fitted, writing, extraPages, target);
   Join(changes, written.changes);
   return written;
 }
@@ -211,7 +214,8 @@ Report Foresee(const PictureSource& source, const PictureState& state, WritePlan
   report.warnings = source.Header().warnings;
   report.warnings.insert(report.warnings.end(), state.placement.warnings.begin(),
                          state.placement.warnings.end());
-  Changes changes = LossesOf(source, state, {plan.type, plan.isCopied, plan.hasSideFiles});
+  Changes changes = LossesOf(source, state,
+                             {plan.type, plan.isCopied, plan.hasSideFiles, plan.carriesExtraPages});
   TMemoryStream target;
   const int width = std::min(kSampleSide, state.width),
             height = std::min(kSampleSide, state.height);
