@@ -166,7 +166,8 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
   plan.hasSideFiles = hasSideFiles;
   plan.carriesExtraPages = CarriesExtraPages(source, type);
   const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options);
-  plan.isCopied = isAsStored && CanCopy(type) && source.Bytes() != nullptr;
+  plan.isCopied =
+      isAsStored && CanCopy(type) && !source.Header().isCutOff && source.Bytes() != nullptr;
   plan.form = FormOfTarget(source, state, type, options);
   const auto& stated = source.Position().stated;
   const bool hadWorldFile = std::any_of(stated.begin(), stated.end(), [](const auto& position) {
