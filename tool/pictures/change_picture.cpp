@@ -67,6 +67,8 @@ bool IsPdf(const std::string& file) {
 /// pixels.
 bool IsOfInput(const Error& error, const Job& job) {
   if (error.File() != job.input) return false;
+  // Steps that do not fit the picture.
+  if (dynamic_cast<const RangeError*>(&error) != nullptr) return false;
   // A picture that is written over itself: what cannot be written is an error of the output.
   const bool isOfFile = dynamic_cast<const FileError*>(&error) != nullptr;
   return !isOfFile || job.input != job.output;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/codecs/jpeg/jpeg_encoder.h>
 
 #include "tests/support/same_pixels.h"
