@@ -5,9 +5,8 @@
 int main() {
   try {
     // Reads headers only. The photo is upright from here on, in all eight orientations.
-    rasterkit::Picture photo = rasterkit::Picture::Open("photo.jpg");
-    photo.Resize(photo.Width() / 2, photo.Height() / 2);
-    // The file keeps date, GPS, texts, profile and size on paper. What it cannot hold is a loss.
+    const rasterkit::Picture photo = rasterkit::Picture::Open("photo.jpg");
+    // The file keeps date, GPS, texts, profile and resolution. What it cannot hold is a loss.
     const rasterkit::Report report = photo.Save("upright.png");
     for (const rasterkit::Loss& loss : report.losses) {
       std::cerr << "lost: " << loss.what << ": " << loss.why << '\n';
