@@ -138,6 +138,12 @@ Outcome RunJobBesideOthers(const OutputOptions& options, const Job& job,
   return RunJob(options, job, work);
 }
 
+std::vector<std::string> Joined(std::vector<std::string> texts,
+                                const std::vector<std::string>& more) {
+  texts.insert(texts.end(), more.begin(), more.end());
+  return texts;
+}
+
 void PrintJson(const OutputOptions& options, const Job& job, const Outcome& outcome) {
   const bool ok = !IsFailure(outcome);
   const auto ifOk = [ok](const Json& value) { return ok ? value : Json(); };
@@ -160,7 +166,7 @@ void PrintJson(const OutputOptions& options, const Job& job, const Outcome& outc
   line.Add("side_files", result.sideFiles);
   line.Add("bytes", result.bytes > 0 ? Json(result.bytes) : Json());
   line.Add("memory", result.memory > 0 ? Json(result.memory) : Json());
-  line.Add("notes", result.notes);
+  line.Add("notes", Joined(result.notes, result.details));
   line.Add("warnings", result.warnings);
   PrintLine(line);
   // A program that reads along sees each picture as soon as it is done.
@@ -180,10 +186,12 @@ void PrintPlan(const Job& job, const JobResult& result) {
   fmt::print("\n");
   for (const std::string& sideFile : result.sideFiles) fmt::print("  {}\n", OnOneLine(sideFile));
   PrintList("kept: ", result.kept);
+  for (const std::string& detail : result.details) fmt::print("  {}\n", OnOneLine(detail));
   for (const std::string& source : result.sources) fmt::print("  position: {}\n", source);
 }
 
 void PrintDetails(const Job& job, const JobResult& result) {
+  for (const std::string& detail : result.details) PrintMessage(job.output + ": " + detail);
   for (const std::string& sideFile : result.sideFiles) PrintMessage(job.output + ": " + sideFile);
   if (!result.kept.empty()) {
     PrintMessage(fmt::format("{}: kept: {}", job.output, fmt::join(result.kept, ", ")));
@@ -199,10 +207,7 @@ void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& o
     for (const std::string& warning : result.warnings) {
       PrintMessage(fmt::format("{}: warning: {}", job.input, warning));
     }
-    const bool saysNotes = !result.isCopied || options.verbose;
-    for (const std::string& note : result.notes) {
-      if (saysNotes) PrintMessage(job.output + ": " + note);
-    }
+    for (const std::string& note : result.notes) PrintMessage(job.output + ": " + note);
   }
   if (outcome.code == exitInterrupted) {
     SayInterrupted();

@@ -8,6 +8,7 @@
 #include <sys/syscall.h>
 
 #include "tests/support/environment.h"
+#include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
 #include "tests/tool/support/run_tool.h"
 #include "tests/tool/support/sample_files.h"
@@ -80,7 +81,13 @@ TEST(CliIsolation, Outputs_Should_BeTheSame) {
         EXPECT_EQ(result.code, 0) << name << " " << verb[0] << ": " << result.err;
         outputs[isIsolated ? 1 : 0] = ReadBytes(output);
       }
-      EXPECT_EQ(outputs[1], outputs[0]) << name << " " << verb[0];
+      // A worker process gives pixels: compressed ones are not copied.
+      const bool isCopied = verb.size() == 1 && std::string(name).ends_with(".tif");
+      if (isCopied) {
+        EXPECT_TRUE(SamePixels(LoadFile(folder / "here.tif"), LoadFile(folder / "isolated.tif")));
+      } else {
+        EXPECT_EQ(outputs[1], outputs[0]) << name << " " << verb[0];
+      }
     }
   }
 }
