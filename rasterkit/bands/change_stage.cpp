@@ -71,18 +71,24 @@ class ChangeColorsOfRows : public Stage {
     return {first, std::min(source_.height, target.first + target.count + 1) - first};
   }
 
-  Pixels Make(Pixels source, const StageRun& run, Changes&) const override {
+  Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
     detail::RequireSides(source, source_);
     auto* raster = std::get_if<Raster>(&source);
     if (raster == nullptr) {
       throw UnsupportedError("colors are changed in pictures of 1 to 32 bits per pixel only");
     }
+    const bool hadKey = raster->transparentColor.has_value();
     auto bitmap = std::make_unique<TBitmap>(std::move(*raster));
     std::visit([&](const auto& change) { detail::Change(change, bitmap, run); }, change_);
     if (run.progress) run.progress(1);
     Raster made = bitmap->TakeContent();
     // Black and white rows come with ones after the last pixel.
     made.ClearPadding();
+    const bool setsEntries = std::holds_alternative<SetPaletteEntries>(change_);
+    if (setsEntries && hadKey && !made.transparentColor) {
+      changes.Lose(LossKind::transparentColor, "the transparent color",
+                   "its palette entry got another color");
+    }
     return made;
   }
 
