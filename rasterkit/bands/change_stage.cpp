@@ -1,10 +1,13 @@
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <utility>
 
 #include <rasterkit/bands/color_changes.h>
 #include <rasterkit/bands/pixel_grid.h>
+#include <rasterkit/bands/row_work.h>
 #include <rasterkit/bands/stages.h>
+#include <rasterkit/raster/cut_out.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
@@ -78,21 +81,50 @@ class ChangeColorsOfRows : public Stage {
       throw UnsupportedError("colors are changed in pictures of 1 to 32 bits per pixel only");
     }
     const bool hadKey = raster->transparentColor.has_value();
-    auto bitmap = std::make_unique<TBitmap>(std::move(*raster));
-    std::visit([&](const auto& change) { detail::Change(change, bitmap, run); }, change_);
-    if (run.progress) run.progress(1);
-    Raster made = bitmap->TakeContent();
-    // Black and white rows come with ones after the last pixel.
-    made.ClearPadding();
+    const int piece = detail::PieceOf(source_.height, raster->Stride());
+    const bool isInPieces = reach_ != Reach::wholePicture && piece < source_.height;
+    Raster made = isInPieces ? InPieces(*raster, piece, run) : Changed(std::move(*raster), run);
     const bool setsEntries = std::holds_alternative<SetPaletteEntries>(change_);
     if (setsEntries && hadKey && !made.transparentColor) {
       changes.Lose(LossKind::transparentColor, "the transparent color",
                    "its palette entry got another color");
     }
+    if (run.progress) run.progress(1);
     return made;
   }
 
  private:
+  Raster Changed(Raster raster, const StageRun& run) const {
+    auto bitmap = std::make_unique<TBitmap>(std::move(raster));
+    std::visit([&](const auto& change) { detail::Change(change, bitmap, run); }, change_);
+    Raster made = bitmap->TakeContent();
+    // Black and white rows come with ones after the last pixel.
+    made.ClearPadding();
+    return made;
+  }
+
+  /// The changed rows `first` to `last - 1`, perhaps with some around them.
+  Raster ChangedRows(const Raster& source, int first, int last, int& skipped) const {
+    const RowRange needs = Needs({first, last - first});
+    skipped = first - needs.first;
+    return Changed(CutOut(source, {0, needs.first, source_.width, needs.first + needs.count}), {});
+  }
+
+  /// The kind of the result does not depend on the rows: all pieces have that of the first one.
+  Raster InPieces(const Raster& source, int piece, const StageRun& run) const {
+    int skipped = 0;
+    const Raster start = ChangedRows(source, 0, 1, skipped);
+    Raster target(start.Format(), source_.width, source_.height);
+    target.CopyProperties(start);
+    detail::ForRows(source_.height, piece, run, {}, [&](int first, int last) {
+      int above = 0;
+      const Raster part = ChangedRows(source, first, last, above);
+      const size_t bytes = static_cast<size_t>(last - first) * target.Stride();
+      std::memcpy(target.Row(first), part.Row(above), bytes);
+    });
+    return target;
+  }
+
   const Sides source_;
   const ColorChange change_;
   const Reach reach_;

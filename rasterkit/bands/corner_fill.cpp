@@ -5,8 +5,8 @@
 
 #include <rasterkit/bands/colors/opacity_plane.h>
 #include <rasterkit/bands/corner_fill.h>
-#include <rasterkit/bands/sample_values.h>
-#include <rasterkit/bands/wider_rows.h>
+#include <rasterkit/bands/colors/sample_values.h>
+#include <rasterkit/bands/colors/wider_rows.h>
 #include <rasterkit/bitmaptools/rotation/rotation_background.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/raster/convert.h>
@@ -97,11 +97,23 @@ uint32_t PrepareAutomatic(Raster& raster) {
   return FilledPixel(raster, color);
 }
 
-TColor ColorOfNoData(const Resampling& how) {
+/// The number for missing data. Throws if there is none, or none that the type holds.
+double RequireNoData(const Resampling& how, NumberType type) {
   if (!how.noData) {
     throw RangeError("the picture states no number for missing data to fill corners with");
   }
-  const uint8_t gray = NumberOf<uint8_t>(*how.noData);
+  const bool fits = WithNumberType(
+      type, [&](auto zero) { return MissingNumber<decltype(zero)>(how.noData).Exists(); });
+  if (!fits) {
+    throw RangeError(
+        "the number for missing data does not fit into the pixels: it cannot fill "
+        "corners");
+  }
+  return *how.noData;
+}
+
+TColor ColorOfNoData(const Resampling& how) {
+  const auto gray = NumberOf<uint8_t>(RequireNoData(how, NumberType::uint8));
   return RGB(gray, gray, gray);
 }
 
@@ -249,8 +261,8 @@ std::vector<uint8_t> PrepareFill(Samples& samples, const Resampling& how) {
   std::vector<uint8_t> bytes;
   SampleWriter writer(layout.type, bytes);
   if (kind == Fill::Kind::noData) {
-    if (!how.noData) ColorOfNoData(how);
-    for (int band = 0; band < layout.bands; ++band) writer.Missing(*how.noData);
+    const double missing = RequireNoData(how, layout.type);
+    for (int band = 0; band < layout.bands; ++band) writer.Missing(missing);
   } else if (kind == Fill::Kind::color) {
     PutColor(layout, how.fill.color, writer);
     const size_t others = size - BytesOf(layout.type);

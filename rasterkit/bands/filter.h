@@ -18,7 +18,7 @@ struct Fill {
     color,
     /// Nothing: a transparent color in a palette that has room for it, else alpha 0.
     transparent,
-    /// The number that means "not measured".
+    /// The number that means "not measured"; an error if there is none that the pixels can hold.
     noData,
     /// The nearest pixel of the picture's edge.
     edge,

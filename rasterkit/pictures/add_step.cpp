@@ -21,6 +21,10 @@ namespace {
 
 /// Sides of the small picture that shows what numbers look like.
 constexpr int kSampleSide = 16;
+/// Pixels with one side this much longer than the other are no pixels: the file is wrong.
+constexpr double kMostStretched = 10;
+/// A smaller difference of the resolutions comes from rounding to the units of a file.
+constexpr double kRounding = 1.001;
 
 std::optional<double> NumberOf(const std::string& text) {
   double number = 0;
@@ -29,10 +33,16 @@ std::optional<double> NumberOf(const std::string& text) {
   return number;
 }
 
+/// A mask has no mixed pixels, and nothing lies outside of the picture.
+const Resampling kMaskResampling{Filter::nearest, {Fill::Kind::color, clBlack}, std::nullopt};
+
 /// Adds the parts of one step after another.
 class StepAdder {
  public:
-  StepAdder(PictureState& state, const PictureSource& source) : state_(state), source_(source) {}
+  StepAdder(PictureState& state, const PictureSource& source) : state_(state), source_(source) {
+    // Stages get pixels as they are decoded: 2-bit indexes as 4-bit ones, for example.
+    if (state_.stages.empty()) SetLayout(source.Kind().layout);
+  }
 
   void operator()(const TurnStep& step) {
     const int quarters = step.quarters & 3;
@@ -62,18 +72,21 @@ class StepAdder {
     const Resampling how = HowFor(step.options);
     if (frame.rest != 0) SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
     if (frame.quarters % 2 != 0) ExchangeAxes();
-    Add(RotateStage(Now(), step.degrees, how), frame.toOld, frame.sides);
+    Add(RotateStage(Now(), step.degrees, how), frame.toOld, frame.sides,
+        RotateStage(Now(), step.degrees, kMaskResampling));
   }
 
   void operator()(const NorthUpStep& step) {
     const std::optional<Affine> position = PositionOf(state_, source_);
     if (!position) throw RangeError("the picture has no position on a map");
-    const NorthUpFrame frame = FrameOfNorthUp(*position, Now());
-    for (const Step& turn : frame.turns) std::visit(*this, turn);
-    if (!frame.toOld) return;
+    const WayNorth way = WayNorthOf(*position, Now());
+    for (const Step& turn : way.turns) std::visit(*this, turn);
+    if (!way.frame) return;
+    const NorthUpFrame& frame = *way.frame;
     const Resampling how = HowFor(step.options);
     SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
-    Add(AffineStage(Now(), *frame.toOld, frame.sides, how), *frame.toOld, frame.sides);
+    Add(AffineStage(Now(), frame.toOld, frame.sides, how), frame.toOld, frame.sides,
+        AffineStage(Now(), frame.toOld, frame.sides, kMaskResampling));
   }
 
   void operator()(const CropStep& step) {
@@ -173,7 +186,9 @@ class StepAdder {
     state_.rowBytes = std::max(state_.rowBytes, before + heldBytes_);
   }
 
-  void Add(std::unique_ptr<Stage> stage, const Affine& toOld, Sides sides) {
+  /// A mask moves as the picture does, by the same stage if there is no other.
+  void Add(std::unique_ptr<Stage> stage, const Affine& toOld, Sides sides,
+           std::unique_ptr<Stage> maskStage = nullptr) {
     RequirePictureSize(static_cast<uint64_t>(sides.width), static_cast<uint64_t>(sides.height),
                        fmt::format("a picture of {} x {} pixels", sides.width, sides.height));
     state_.toOld = state_.toOld.After(toOld);
@@ -181,6 +196,8 @@ class StepAdder {
     state_.height = sides.height;
     state_.placesChanged = true;
     AddStage(std::move(stage));
+    state_.maskStages.push_back(maskStage ? std::shared_ptr<const Stage>(std::move(maskStage))
+                                          : state_.stages.back());
   }
 
   void ExchangeAxes() {
@@ -209,22 +226,30 @@ class StepAdder {
     if (state_.resolution.IsKnown()) {
       state_.resolution = {state_.resolution.x / columns, state_.resolution.y / rows};
     }
-    Add(ResizeStage(sides, target, filter, NoDataNumber()), toOld, target);
+    Add(ResizeStage(sides, target, filter, NoDataNumber()), toOld, target,
+        ResizeStage(sides, target, Filter::nearest));
   }
 
   /// A rotation by any angle mixes the two directions.
   void MakeSquare() {
     const Resolution dpi = state_.resolution;
     if (!dpi.IsKnown() || dpi.x == dpi.y) return;
-    const double finer = std::max(dpi.x, dpi.y);
-    const auto side = [](int pixels, double factor) {
-      const double result = std::round(pixels * factor);
-      if (result > 1e9) throw RangeError("square pixels would be too many");
-      return std::max(static_cast<int>(result), 1);
+    const double finer = std::max(dpi.x, dpi.y), coarser = std::min(dpi.x, dpi.y);
+    if (finer > kMostStretched * coarser) {
+      state_.changes.Note(
+          fmt::format("the pixels were not made square before the rotation: {:g} x {:g} dots per "
+                      "inch cannot be true",
+                      dpi.x, dpi.y));
+      return;
+    }
+    const bool isRounding = finer <= kRounding * coarser;
+    const auto side = [&](int pixels, double factor) {
+      return isRounding ? pixels : std::max(static_cast<int>(std::round(pixels * factor)), 1);
     };
     const Sides square{side(state_.width, finer / dpi.x), side(state_.height, finer / dpi.y)};
     if (!(square == Now())) Resize(square, Filter::automatic);
     state_.resolution = {finer, finer};
+    if (isRounding) return;
     state_.changes.Note(fmt::format(
         "the pixels were made square at {:g} dots per inch before the rotation", finer));
   }
@@ -268,6 +293,7 @@ void AddStep(PictureState& state, const PictureSource& source, const Step& step)
   try {
     const LimitsScope limits;
     std::visit(StepAdder(state, source), step);
+    if (state.stages.empty()) state.layout = source.Header().layout;
   } catch (Error& error) {
     error.AttachFile(source.File());
     throw;

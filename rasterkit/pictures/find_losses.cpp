@@ -28,6 +28,7 @@ void LoseHidden(const PictureHeader& header, const LossTarget& target, Changes& 
       changes.Lose(LossKind::hiddenPictures, name, "only the picture itself is written");
     }
   }
+  if (target.carriesExtraPages) return;
   if (header.smallerCopies > 0) {
     changes.Note(
         fmt::format("smaller copies of the page are not written: {}", header.smallerCopies));

@@ -1,6 +1,5 @@
 #include <utility>
 
-#include <rasterkit/bands/layouts.h>
 #include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -19,7 +18,9 @@ class MemorySource : public PictureSource {
     std::visit([&](const auto& rows) { header_.metadata.resolution = rows.resolution; }, rows_);
   }
 
-  bool IsRaster() const override { return std::holds_alternative<Raster>(rows_); }
+  DecodedKind Kind() const override {
+    return {header_.layout, std::holds_alternative<Raster>(rows_)};
+  }
   Pixels ReadPixels(int, CodecReport&) const override {
     return std::visit([](const auto& rows) -> Pixels { return rows.Clone(); }, rows_);
   }
@@ -56,10 +57,6 @@ class BitmapSource : public PictureSource {
 };
 
 }  // namespace
-
-bool PictureSource::IsRaster() const {
-  return IsRasterLayout(header_.layout);
-}
 
 SourcePtr SourceOf(std::unique_ptr<TBitmap> rows) {
   return std::make_shared<BitmapSource>(std::move(rows));

@@ -8,6 +8,7 @@
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/rows/picture_header.h>
 #include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/pictures/fitting/decoded_kind.h>
 #include <rasterkit/pictures/open_options.h>
 #include <rasterkit/placement/placement.h>
 #include <rasterkit/raster/pixels.h>
@@ -25,8 +26,8 @@ class PictureSource {
   /// Name of the file; empty for bytes and rows in memory.
   const std::string& File() const { return file_; }
   const PictureHeader& Header() const { return header_; }
-  /// True if the pixels are read as a raster, false if as samples.
-  virtual bool IsRaster() const;
+  /// The kind of pixels that ReadPixels gives.
+  virtual DecodedKind Kind() const { return DecodedKindOf(type_, header_.layout); }
   const Placement& Position() const { return position_; }
   /// What no picture made from this source can have.
   const Changes& Lost() const { return lost_; }

@@ -58,7 +58,7 @@ PictureState StateOf(const PictureSource& source) {
   state.width = header.width;
   state.height = header.height;
   state.layout = header.layout;
-  state.isRaster = source.IsRaster();
+  state.isRaster = source.Kind().isRaster;
   state.resolution = header.metadata.resolution;
   state.metadata = header.metadata;
   state.placement = source.Position();

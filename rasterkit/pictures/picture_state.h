@@ -24,6 +24,8 @@ struct PictureState {
   /// A position for the picture as stored, in place of that of the source.
   std::optional<Affine> given;
   Stages stages;
+  /// Those for a mask of the picture: they move its pixels alone.
+  Stages maskStages;
   /// Bytes of rows that the stages hold at most.
   uint64_t rowBytes = 0;
   /// What the steps lose and note.

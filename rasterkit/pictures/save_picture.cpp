@@ -1,5 +1,6 @@
 #include <utility>
 
+#include <rasterkit/pictures/extra_pages.h>
 #include <rasterkit/pictures/fitting/make_thumbnail.h>
 #include <rasterkit/pictures/read_pixels.h>
 #include <rasterkit/pictures/save_picture.h>
@@ -39,15 +40,41 @@ WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const Pic
   run.Begin(1, HeightOf(decoded.pixels));
   // The metadata describe the pixels that are written: the thumbnail is made of them.
   PictureState followed = state;
-  if (NeedsThumbnail(state, source)) {
+  if (NeedsThumbnail(state, source) && plan.type != PictureType::bmp) {
     Follow(followed, source, MakeThumbnail(decoded.pixels, state.placement.noData));
   }
-  changes = LossesOf(source, followed, {plan.type, plan.isCopied, plan.hasSideFiles});
+  changes = LossesOf(source, followed,
+                     {plan.type, plan.isCopied, plan.hasSideFiles, plan.carriesExtraPages});
   Join(changes, made);
+  std::vector<TiffExtraPage> extraPages;
+  if (plan.carriesExtraPages) {
+    extraPages = MakeExtraPages(source, followed, decoded.pixels, {run.Threads(), {}}, changes);
+  }
   WrittenPicture written = WritePixels(std::move(decoded.pixels), followed, source, plan, options,
-                                       run.Threads(), target, changes);
+                                       run.Threads(), target, changes, extraPages);
   LoseDamage(decoded.damage, report, changes);
   return written;
+}
+
+/// False if the compressed pixels are damaged so that they cannot be copied: they are then decoded,
+/// and what is missing is said.
+bool Copy(TStream& target, const PictureSource& source, const PictureState& state,
+          const WritePlan& plan, RunScope& run, WrittenPicture& written, Changes& changes) {
+  run.Begin(kRead, 1);
+  const uint64_t start = target.Position();
+  try {
+    Changes copied =
+        LossesOf(source, state, {plan.type, true, plan.hasSideFiles, plan.carriesExtraPages});
+    written = CopyPixels(source, state, plan, target, copied);
+    copied.Note("the compressed pixels are copied");
+    written.layout = state.layout;
+    changes = std::move(copied);
+    return true;
+  } catch (FormatError& error) {
+    error.AttachFile(source.File());
+    if (target.Position() != start) throw;
+    return false;
+  }
 }
 
 }  // namespace
@@ -58,14 +85,11 @@ Report WriteTo(TStream& target, const PictureSource& source, const PictureState&
   const uint64_t start = target.Position();
   Changes changes;
   WrittenPicture written;
-  if (plan.isCopied) {
-    run.Begin(1, 1);
-    changes = LossesOf(source, state, {plan.type, plan.isCopied, plan.hasSideFiles});
-    written = CopyPixels(source, state, plan, target, changes);
-    changes.Note("the compressed pixels are copied");
-    written.layout = state.layout;
-  } else {
-    written = WriteAnew(target, source, state, plan, options, run, report, changes);
+  report.isCopied = plan.isCopied && Copy(target, source, state, plan, run, written, changes);
+  if (!report.isCopied) {
+    WritePlan anew = plan;
+    anew.isCopied = false;
+    written = WriteAnew(target, source, state, anew, options, run, report, changes);
   }
   report.form = written.form;
   report.layout = written.layout;

@@ -1,10 +1,12 @@
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/pictures/extra_pages.h>
 #include <rasterkit/pictures/fitting/fit_pixels.h>
 #include <rasterkit/pictures/fitting/sample_rows.h>
 #include <rasterkit/pictures/write_plan.h>
@@ -32,7 +34,7 @@ JpegForm Transposed(JpegForm form) {
   return form;
 }
 
-/// The form of pixels of another kind than those of the source: what was asked for, not what the
+/// The form of pixels of another kind than those of the source: what was requested, not what the
 /// source had.
 void TakeKind(PngForm& form, const PixelLayout& layout) {
   constexpr int kRgb = 2, kPalette = 3, kAlpha = 4;
@@ -47,27 +49,25 @@ bool IsSameKind(const PixelLayout& a, const PixelLayout& b) {
   return a.type == b.type && a.bits == b.bits && a.bands == b.bands && a.model == b.model;
 }
 
-/// The number of tag 259.
-int CompressionNumber(TiffCompression compression, const PixelLayout& layout) {
-  constexpr int kNone = 1, kGroup4 = 4, kLzw = 5, kDeflate = 8, kPackBits = 32773;
-  switch (compression) {
-    case TiffCompression::none:
-      return kNone;
-    case TiffCompression::deflate:
-      return kDeflate;
-    case TiffCompression::packBits:
-      return kPackBits;
-    case TiffCompression::group4:
-      return kGroup4;
-    case TiffCompression::lzw:
-      return kLzw;
-    default:
-      return layout.bits == 1 && layout.bands == 1 ? kGroup4 : kLzw;
+/// The photometric value that the pixels need.
+constexpr int kAnyPhotometric = -1;
+
+Form FormOfTiff(Form form, const PictureSource& source, const PictureState& state,
+                const SaveOptions& options) {
+  auto* tiff = std::get_if<TiffForm>(&form);
+  if (tiff != nullptr && !IsSameKind(state.layout, source.Header().layout)) {
+    tiff->photometric = kAnyPhotometric;
   }
+  if (!options.compression) return form;
+  const TiffForm wanted = FormFor(*options.compression, state.layout);
+  if (tiff == nullptr) return wanted;
+  tiff->compression = wanted.compression;
+  tiff->predictor = wanted.predictor;
+  return form;
 }
 
-Form FormFor(const PictureSource& source, const PictureState& state, PictureType type,
-             const SaveOptions& options) {
+Form FormOfTarget(const PictureSource& source, const PictureState& state, PictureType type,
+                  const SaveOptions& options) {
   Form form;
   if (source.Type() == type) form = source.Header().form;
   if (auto* jpeg = std::get_if<JpegForm>(&form); jpeg != nullptr && state.exchangesAxes) {
@@ -77,10 +77,7 @@ Form FormFor(const PictureSource& source, const PictureState& state, PictureType
   if (png != nullptr && !IsSameKind(state.layout, source.Header().layout)) {
     TakeKind(*png, state.layout);
   }
-  if (type != PictureType::tiff || !options.compression) return form;
-  if (!std::holds_alternative<TiffForm>(form)) form = TiffForm();
-  auto& tiff = std::get<TiffForm>(form);
-  tiff.compression = CompressionNumber(*options.compression, state.layout);
+  if (type == PictureType::tiff) return FormOfTiff(form, source, state, options);
   return form;
 }
 
@@ -109,6 +106,12 @@ PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
   return writing;
 }
 
+int RoundedUp(int side, uint32_t tile) {
+  if (tile == 0) return side;
+  const uint64_t tiles = (static_cast<uint64_t>(side) + tile - 1) / tile;
+  return static_cast<int>(std::min<uint64_t>(tiles * tile, std::numeric_limits<int>::max()));
+}
+
 uint64_t MetadataBytes(const Metadata& metadata) {
   uint64_t bytes = metadata.exif.size() + metadata.xmp.size() + metadata.extendedXmp.size() +
                    metadata.iptc.size() + metadata.photoshop.size();
@@ -119,6 +122,19 @@ uint64_t MetadataBytes(const Metadata& metadata) {
   for (const OtherBlock& block : metadata.jpegSegments) bytes += block.bytes.size();
   for (const OtherBlock& block : metadata.pngChunks) bytes += block.bytes.size();
   return bytes;
+}
+
+/// An upper bound. No encoder makes noise twice as large; headers and the tables of strips are
+/// small; tiles are written whole.
+uint64_t FileBytes(const PictureSource& source, const PictureState& state, const WritePlan& plan,
+                   const PixelLayout& layout, const Form& form) {
+  constexpr uint64_t kHeader = 1 << 16;
+  const uint64_t rest = 2 * MetadataBytes(state.metadata) + kHeader;
+  if (plan.isCopied) return source.ByteCount() + rest;
+  const auto* tiff = std::get_if<TiffForm>(&form);
+  const int width = RoundedUp(state.width, tiff == nullptr ? 0 : tiff->tileWidth);
+  const int height = RoundedUp(state.height, tiff == nullptr ? 0 : tiff->tileHeight);
+  return 2 * BytesOfRows(layout, width, height) + rest;
 }
 
 }  // namespace
@@ -148,9 +164,11 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
   WritePlan plan;
   plan.type = type;
   plan.hasSideFiles = hasSideFiles;
+  plan.carriesExtraPages = CarriesExtraPages(source, type);
   const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options);
-  plan.isCopied = isAsStored && CanCopy(type) && source.Bytes() != nullptr;
-  plan.form = FormFor(source, state, type, options);
+  plan.isCopied =
+      isAsStored && CanCopy(type) && !source.Header().isCutOff && source.Bytes() != nullptr;
+  plan.form = FormOfTarget(source, state, type, options);
   const auto& stated = source.Position().stated;
   const bool hadWorldFile = std::any_of(stated.begin(), stated.end(), [](const auto& position) {
     return position.source == PositionSource::worldFile;
@@ -162,7 +180,8 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
 
 WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
                            const WritePlan& plan, const SaveOptions& options, int threads,
-                           TStream& target, Changes& changes) {
+                           TStream& target, Changes& changes,
+                           std::span<const TiffExtraPage> extraPages) {
   PictureWriting writing = WritingOf(source, state, plan);
   const PixelFit fit{plan.type, options.background, state.placement.noData, threads, plan.isSample};
   Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
@@ -170,7 +189,8 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
   writing.chromaX = options.chromaX;
   writing.chromaY = options.chromaY;
   writing.threads = threads;
-  WrittenPicture written = WritePicture(plan.type, fitted, writing, target);
+  WrittenPicture written = extraPages.empty() ? WritePicture(plan.type, fitted, writing, target)
+                                              : WriteTiff(fitted, writing, extraPages, target);
   Join(changes, written.changes);
   return written;
 }
@@ -195,24 +215,21 @@ Report Foresee(const PictureSource& source, const PictureState& state, WritePlan
   report.warnings = source.Header().warnings;
   report.warnings.insert(report.warnings.end(), state.placement.warnings.begin(),
                          state.placement.warnings.end());
-  Changes changes = LossesOf(source, state, {plan.type, plan.isCopied, plan.hasSideFiles});
+  Changes changes = LossesOf(source, state,
+                             {plan.type, plan.isCopied, plan.hasSideFiles, plan.carriesExtraPages});
   TMemoryStream target;
   const int width = std::min(kSampleSide, state.width),
             height = std::min(kSampleSide, state.height);
-  const WrittenPicture written =
-      WritePixels(SampleRows(state.layout, state.isRaster, width, height), state, source, plan,
-                  options, 1, target, changes);
+  const PixelLayout layout = state.stages.empty() ? source.Kind().layout : state.layout;
+  const WrittenPicture written = WritePixels(SampleRows(layout, state.isRaster, width, height),
+                                             state, source, plan, options, 1, target, changes);
   report.layout = plan.isCopied ? state.layout : written.layout;
   report.form = std::holds_alternative<std::monostate>(plan.form) ? written.form : plan.form;
   report.losses = std::move(changes.losses);
   report.notes = std::move(changes.notes);
   if (plan.isCopied) report.notes.emplace_back("the compressed pixels are copied");
 
-  // No encoder makes noise twice as large; headers and the tables of strips are small.
-  constexpr uint64_t kHeader = 1 << 16;
-  const uint64_t pixels = plan.isCopied ? source.ByteCount()
-                                        : 2 * BytesOfRows(report.layout, state.width, state.height);
-  report.bytes = pixels + 2 * MetadataBytes(state.metadata) + kHeader;
+  report.bytes = FileBytes(source, state, plan, report.layout, written.form);
   report.memory = MemoryOf(source, state, report.bytes);
   return report;
 }

@@ -230,13 +230,19 @@ class Planner {
     for (const std::string& name : AttachedNames(wish_.source)) {
       if (IsThere(name)) changes_.Lose(LossKind::sideFile, name, "it describes the old picture");
     }
-    if (placement_.affine) return;
     for (const std::string& name : WorldFileNames(wish_.source)) {
-      const auto isRead = [&](const StatedPosition& position) { return position.file == name; };
-      const auto& stated = placement_.stated;
-      if (!IsThere(name) || std::any_of(stated.begin(), stated.end(), isRead)) continue;
+      if (!IsThere(name) || IsStated(name)) continue;
       changes_.Lose(LossKind::sideFile, name, "no position was read from it");
     }
+  }
+
+  /// True if a position was read from the file, under whatever name.
+  bool IsStated(const std::string& name) const {
+    const FileIdentity file(name);
+    const auto& stated = placement_.stated;
+    return std::any_of(stated.begin(), stated.end(), [&](const StatedPosition& position) {
+      return !position.file.empty() && file == FileIdentity(position.file);
+    });
   }
 
   const SideFileWish& wish_;

@@ -431,6 +431,44 @@ TEST(ChangeStageTest, BitsAreThoseThatAreWanted) {
   }
 }
 
+TEST(ChangeStageTest, LargePicturesAreChangedInPiecesAsSmallOnesAre) {
+  std::mt19937 random(16);
+  AdjustColors colors, sharper;
+  colors.brightness = 20;
+  colors.red = -10;
+  sharper.sharpen = -40;
+  const ColorChange changes[] = {MakeGray{},
+                                 MakeGray{true},
+                                 MakeMono{},
+                                 colors,
+                                 sharper,
+                                 WhitenLight{150, true},
+                                 RecolorByGray{99, true, 0x112233, {}},
+                                 RecolorByGray{99, true, 0x112233, 30},
+                                 PaintTransparency{0x778899},
+                                 SwapOpacity{},
+                                 SetBits{24},
+                                 SetBits{32}};
+  const Sides sides{1601, 1301};
+  for (const auto& kind : test::RasterKinds()) {
+    const Pixels source = kind.make(sides.width, sides.height, random);
+    for (const ColorChange& change : changes) {
+      if (std::holds_alternative<SwapOpacity>(change) && !IsTransparent(source)) continue;
+      SCOPED_TRACE(kind.name + ", change " + std::to_string(change.index()));
+      const auto stage = ChangeStage(sides, change);
+      const Pixels made = MadeBy(*stage, source, 2);
+      for (const int top : {0, 600, sides.height - 40}) {
+        // A part with a row more above and below, as sharpening needs it.
+        const Pixels part = MadeBy(*CropStage(sides, 0, top, sides.width, 40), source);
+        const Pixels expected = MadeBy(*ChangeStage({sides.width, 40}, change), part);
+        ASSERT_TRUE(
+            test::SameRows(MadeBy(*CropStage({sides.width, 40}, 0, 1, sides.width, 38), expected),
+                           MadeBy(*CropStage(sides, 0, top + 1, sides.width, 38), made)));
+      }
+    }
+  }
+}
+
 TEST(ChangeStageTest, RefusesNumbersThatAChangeDoesNotHave) {
   const Sides sides{3, 3};
   EXPECT_THROW(ChangeStage(sides, MakeMono{257, 0, 0}), RangeError);

@@ -303,6 +303,21 @@ TEST_F(SideFilesTest, WhatNoFileHoldsIsALoss) {
   EXPECT_THAT(Losses(), IsEmpty());
 }
 
+TEST_F(SideFilesTest, DamagedWorldFileOfTheSourceIsALoss) {
+  folder_.Write("a.tif", "input");
+  folder_.Write("a.tfw", "1,5\n");
+  SideFileWish wish = Wish("b.tif", "a.tif");
+  wish.hasTags = true;
+  Save(wish, Placed());
+  EXPECT_THAT(Losses(), ElementsAre(LossKind::sideFile));
+  // One that was read is none, under another spelling of its name too.
+  folder_.Write("a.tfw", WorldFileText(kNew));
+  Placement placement = Placed();
+  placement.stated = {{PositionSource::worldFile, folder_ / "./a.tfw", kNew, 0}};
+  Save(wish, placement);
+  EXPECT_THAT(Losses(), IsEmpty());
+}
+
 TEST_F(SideFilesTest, SystemWithoutPositionIsCarriedOrLost) {
   Placement placement;
   placement.system.keys = {1, 1, 0, 1, 3072, 0, 1, 25832};

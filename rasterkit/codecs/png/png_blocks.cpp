@@ -11,6 +11,7 @@
 #include <rasterkit/codecs/rows/stated_facts.h>
 #include <rasterkit/metadata/png/png_raw_profiles.h>
 #include <rasterkit/metadata/png/png_texts.h>
+#include <rasterkit/metadata/xmp/xmp_join.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/text.h>
 
@@ -137,12 +138,21 @@ void BlockMaker::AddTexts() {
 }
 
 void BlockMaker::AddXmp() {
-  if (metadata_.xmp.empty()) return;
+  if (metadata_.xmp.empty() && metadata_.extendedXmp.empty()) return;
   PictureText text;
   text.keyword = std::string(kXmpKeyword);
   text.text = metadata_.xmp;
+  if (!metadata_.extendedXmp.empty()) {
+    if (auto joined = JoinXmp(metadata_.xmp, metadata_.extendedXmp)) {
+      text.text = *std::move(joined);
+    } else {
+      changes_.Lose(LossKind::xmp,
+                    fmt::format("extended XMP of {} bytes", metadata_.extendedXmp.size()),
+                    "it is damaged and cannot join the packet");
+    }
+  }
   text.isInternational = true;
-  AddText(text);
+  if (!text.text.empty()) AddText(text);
 }
 
 bool BlockMaker::Holds(const OtherBlock& chunk) const {
@@ -172,10 +182,6 @@ void BlockMaker::AddOthers() {
 
 void BlockMaker::NameLosses() {
   constexpr const char* kNoPlace = "a PNG file has no place for it";
-  if (!metadata_.extendedXmp.empty()) {
-    changes_.Lose(LossKind::xmp,
-                  fmt::format("extended XMP of {} bytes", metadata_.extendedXmp.size()), kNoPlace);
-  }
   for (const OtherBlock& segment : metadata_.jpegSegments) {
     changes_.Lose(
         LossKind::otherBlock,

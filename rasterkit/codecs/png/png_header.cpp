@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <rasterkit/codecs/png/png_header.h>
+#include <rasterkit/codecs/png/png_palette_alpha.h>
 #include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/codecs/png/png_signature.h>
 #include <rasterkit/codecs/rows/stated_facts.h>
@@ -45,6 +46,8 @@ std::string NameOf(uint32_t kind) {
   }
   return name;
 }
+
+constexpr int kColorAlpha = 6;
 
 /// True if pHYs states pixels per meter, not only their shape.
 bool IsInMeters(Bytes data) {
@@ -93,6 +96,8 @@ class HeaderReader {
   PictureHeader header_;
   Resolution physical_;
   std::vector<PictureText> rawProfiles_;
+  /// Of a palette.
+  Bytes colors_, opacities_;
   bool hasData_ = false;
 };
 
@@ -155,12 +160,16 @@ void HeaderReader::Add(const PngChunk& chunk) {
     if (!IsAncillaryPng(chunk.kind) && chunk.kind != kEnd) {
       throw FormatError(fmt::format("PNG: the checksum of {} is wrong", NameOf(chunk.kind)));
     }
-    Warn(fmt::format("the checksum of {} is wrong, it is left out", NameOf(chunk.kind)));
+    Warn(fmt::format("the checksum of {} is wrong, it is skipped", NameOf(chunk.kind)));
   } else if (chunk.kind == kPalette) {
-    if (header_.layout.model == ColorModel::palette) header_.layout.palette = PaletteOf(chunk.data);
+    if (header_.layout.model == ColorModel::palette) {
+      header_.layout.palette = PaletteOf(chunk.data);
+      colors_ = chunk.data;
+    }
   } else if (chunk.kind == kTransparency) {
     if (header_.layout.alpha == AlphaKind::none && !chunk.data.empty()) {
       header_.layout.alpha = AlphaKind::transparentColor;
+      opacities_ = chunk.data;
     }
   } else if (chunk.kind == kAnimation && chunk.data.size() >= 4) {
     constexpr uint32_t kMostFrames = 65535;
@@ -188,14 +197,18 @@ PictureHeader HeaderReader::Read() {
   while (chunks.Next()) Add(chunks.Chunk());
   if (chunks.IsCutOff()) {
     hasData_ = hasData_ || (chunks.Rest().size() > 8 && LongAt(chunks.Rest(), 4) == kData);
+    header_.isCutOff = true;
     Warn("the file is cut off");
   } else if (!chunks.Rest().empty()) {
     header_.hiddenOthers.push_back(
-        fmt::format("{} bytes behind the end of the picture", chunks.Rest().size()));
+        fmt::format("{} bytes after the end of the picture", chunks.Rest().size()));
   }
   if (!hasData_) throw FormatError("PNG: the file has no pixels");
   if (size.IsPalette() && !header_.layout.palette) {
     throw FormatError("PNG: the file has no palette");
+  }
+  if (NeedsAlphaChannel(colors_, opacities_)) {
+    header_.layout = PngLayout({size.width, size.height, {8, kColorAlpha, false}});
   }
   // Blocks in chunks of their own count before those in old texts.
   for (PictureText& text : rawProfiles_) {

@@ -22,12 +22,24 @@ void WriteBlocks(png_structp png, const std::vector<OtherBlock>& blocks) {
   }
 }
 
-void SetKeyColor(png_structp png, png_infop info, const Pixels& pixels, const PngPlan& plan) {
+/// The transparent color. Beside an alpha channel it has no meaning, and a negative color is a
+/// system color, which a file cannot hold.
+std::optional<TColor> KeyColorOf(const Pixels& pixels) {
   const auto* raster = std::get_if<Raster>(&pixels);
-  // A negative color is a system color, which a file cannot hold.
-  if (!raster || !raster->transparentColor || *raster->transparentColor < 0) return;
-  SetPngKeyColor(png, info, {plan.form.colorType, plan.form.bits}, plan.palette,
-                 *raster->transparentColor);
+  if (!raster || !raster->transparentColor || *raster->transparentColor < 0) return std::nullopt;
+  if (raster->Format() == pf32bit && raster->alphaFormat == afDefined) return std::nullopt;
+  return raster->transparentColor;
+}
+
+void SetKeyColor(png_structp png, png_infop info, const Pixels& pixels, const PngPlan& plan) {
+  if (!plan.opacities.empty()) {
+    png_set_tRNS(png, info, plan.opacities.data(), static_cast<int>(plan.opacities.size()),
+                 nullptr);
+    return;
+  }
+  if (const auto color = KeyColorOf(pixels)) {
+    SetPngKeyColor(png, info, {plan.form.colorType, plan.form.bits}, plan.palette, *color);
+  }
 }
 
 void WriteRows(png_structp png, const PngPlan& plan, int height) {
@@ -62,11 +74,12 @@ HPALETTE PaletteOf(const PngPlan& plan) {
 }
 
 PixelLayout LayoutOf(const PngPlan& plan, const Pixels& pixels, const ColorProfile& profile) {
-  PixelLayout layout = PngLayout({1, 1, plan.form});
-  layout.palette = PaletteOf(plan);
+  const bool isPaletteAlpha = !plan.opacities.empty();
+  const PngForm seen = isPaletteAlpha ? PngForm{8, PNG_COLOR_TYPE_RGB_ALPHA, false} : plan.form;
+  PixelLayout layout = PngLayout({1, 1, seen});
+  if (!isPaletteAlpha) layout.palette = PaletteOf(plan);
   layout.profile = profile;
-  const auto* raster = std::get_if<Raster>(&pixels);
-  if (layout.alpha == AlphaKind::none && raster && raster->transparentColor) {
+  if (layout.alpha == AlphaKind::none && KeyColorOf(pixels)) {
     layout.alpha = AlphaKind::transparentColor;
   }
   return layout;
@@ -90,7 +103,8 @@ WrittenPicture WritePng(const Pixels& pixels, const PictureWriting& writing, TSt
   }
   PngBlockRules rules;
   rules.form = plan.form;
-  rules.paletteEntries = static_cast<int>(plan.palette.size());
+  // In a palette that was made anew the index of the background means another color.
+  rules.paletteEntries = plan.opacities.empty() ? static_cast<int>(plan.palette.size()) : 0;
   const PngBlocks blocks = MakePngBlocks(writing.metadata, rules, written.changes);
 
   PngWriter writer(stream);

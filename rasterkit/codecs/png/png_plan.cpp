@@ -1,6 +1,10 @@
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <cstring>
+#include <map>
 #include <memory>
+#include <set>
 
 #include <fmt/format.h>
 
@@ -78,6 +82,56 @@ PngPlan PlanIndexed(const Raster& raster, const std::optional<PngForm>& wanted) 
   return plan;
 }
 
+/// The colors with their opacities, as B G R A; the first are those that are not opaque. Nothing if
+/// there are more than a palette holds.
+std::optional<std::vector<uint32_t>> ColorsOf(const Raster& raster) {
+  constexpr size_t kMostColors = 256;
+  std::set<uint32_t> found;
+  uint32_t last = 0;
+  for (int y = 0; y < raster.Height(); y++) {
+    for (int x = 0; x < raster.Width(); x++) {
+      uint32_t color = 0;
+      std::memcpy(&color, raster.Row(y) + 4 * static_cast<size_t>(x), sizeof color);
+      if (color == last && !found.empty()) continue;
+      last = color;
+      found.insert(color);
+      if (found.size() > kMostColors) return std::nullopt;
+    }
+  }
+  std::vector<uint32_t> colors(found.begin(), found.end());
+  std::stable_partition(colors.begin(), colors.end(), [](uint32_t color) {
+    return std::bit_cast<std::array<uint8_t, 4>>(color)[3] != 255;
+  });
+  return colors;
+}
+
+/// True color with alpha goes back to the palette that it came from.
+std::optional<PngPlan> PlanPaletteAlpha(const Raster& raster, const PngForm& wanted) {
+  const auto colors = ColorsOf(raster);
+  if (!colors) return std::nullopt;
+  PngPlan plan;
+  plan.form = {wanted.bits, kIndexed, false};
+  while (colors->size() > size_t{1} << plan.form.bits) plan.form.bits *= 2;
+  std::map<uint32_t, uint8_t> indexes;
+  for (const uint32_t color : *colors) {
+    indexes[color] = static_cast<uint8_t>(plan.palette.size());
+    const auto bytes = std::bit_cast<std::array<uint8_t, 4>>(color);
+    plan.palette.push_back({bytes[2], bytes[1], bytes[0]});
+    if (bytes[3] != 255) plan.opacities.push_back(bytes[3]);
+  }
+  plan.row = [&raster, bits = plan.form.bits, indexes = std::move(indexes),
+              row = MakeBuffer(static_cast<size_t>(raster.Width()))](int y) {
+    for (int x = 0; x < raster.Width(); x++) {
+      uint32_t color = 0;
+      std::memcpy(&color, raster.Row(y) + 4 * static_cast<size_t>(x), sizeof color);
+      (*row)[static_cast<size_t>(x)] = indexes.at(color);
+    }
+    PackSamples(row->data(), raster.Width(), bits, row->data());
+    return row->data();
+  };
+  return plan;
+}
+
 bool IsGray(const Raster& raster) {
   const int step = raster.Format() == pf24bit ? 3 : 4;
   for (int y = 0; y < raster.Height(); y++) {
@@ -111,6 +165,9 @@ PngPlan PlanColors(const Raster& raster, const std::optional<PngForm>& wanted) {
       return row->data();
     };
     return plan;
+  }
+  if (hasAlpha && wanted && wanted->colorType == kIndexed) {
+    if (auto indexed = PlanPaletteAlpha(raster, *wanted)) return *std::move(indexed);
   }
   plan.form = {8, hasAlpha ? kColorAlpha : kColor, false};
   plan.isBlueFirst = true;

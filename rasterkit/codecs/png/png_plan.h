@@ -16,6 +16,8 @@ namespace rasterkit::detail {
 struct PngPlan {
   PngForm form;
   std::vector<png_color> palette;
+  /// Opacities of the first entries, of a palette with more than one transparent color.
+  std::vector<png_byte> opacities;
   /// Transformations that the library does: B G R to R G B, words to big-endian, dropping the
   /// fourth byte.
   bool isBlueFirst = false, hasNativeWords = false, dropsFourth = false;

@@ -6,6 +6,7 @@
 #include <rasterkit/codecs/png/png_decoder.h>
 #include <rasterkit/codecs/png/png_decoding.h>
 #include <rasterkit/codecs/png/png_header.h>
+#include <rasterkit/codecs/png/png_palette_alpha.h>
 #include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/runtime/limits.h>
 
@@ -69,6 +70,7 @@ Samples DecodeWords(std::span<const uint8_t> file, CodecReport* report) {
 
 Pixels DecodePngPixels(std::span<const uint8_t> file, CodecReport* report) {
   if (detail::ReadPngSize(file).form.bits == 16) return DecodeWords(file, report);
+  if (detail::NeedsAlphaChannel(file)) return detail::DecodePaletteAlpha(file, report);
   return DecodePng(file, report);
 }
 

@@ -55,7 +55,7 @@ struct TiffExtraPageHeader {
   uint32_t subfileType = 1;
 };
 
-/// Lists the smaller copies and masks of the first page that can be read, those behind it first,
+/// Lists the smaller copies and masks of the first page that can be read, those after it first,
 /// then those of tag 330.
 RASTERKIT_EXPORT std::vector<TiffExtraPageHeader> ReadTiffExtraPages(TStream& stream);
 

@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <cstring>
+#include <limits>
 #include <utility>
 
 #include <fmt/format.h>
@@ -9,6 +9,7 @@
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/pictures/fitting/fit_pixels.h>
 #include <rasterkit/raster/convert.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -48,6 +49,32 @@ bool HoldsSamples(PictureType type, const PixelLayout& layout) {
     default:
       return false;
   }
+}
+
+/// Numbers of fewer bits than their type become those of the whole range, which loses nothing.
+template <class Number>
+void Widen(Samples& samples) {
+  constexpr uint32_t kMost = std::numeric_limits<Number>::max();
+  const uint32_t most = (1u << samples.Layout().bits) - 1;
+  const size_t count = samples.Stride() / sizeof(Number);
+  for (int plane = 0; plane < samples.Planes(); ++plane) {
+    for (int y = 0; y < samples.Height(); ++y) {
+      RequireTime();
+      auto* const row = reinterpret_cast<Number*>(samples.Row(y, plane));
+      for (size_t i = 0; i < count; ++i) {
+        row[i] = static_cast<Number>((uint64_t{row[i]} * kMost + most / 2) / most);
+      }
+    }
+  }
+  samples.Layout().bits = static_cast<int>(sizeof(Number)) * 8;
+}
+
+/// PNG has no samples of 10 or 12 bits.
+void WidenForPng(Samples& samples) {
+  const PixelLayout& layout = samples.Layout();
+  if (layout.model == ColorModel::palette) return;
+  if (layout.type == NumberType::uint8 && layout.bits < 8) Widen<uint8_t>(samples);
+  if (layout.type == NumberType::uint16 && layout.bits < 16) Widen<uint16_t>(samples);
 }
 
 /// The letters of an ICC profile's color space: "RGB ", "GRAY", "CMYK".
@@ -148,9 +175,10 @@ Raster FitFormat(Raster rows, PictureType type) {
 }  // namespace
 
 Pixels FitPixels(Pixels pixels, const PixelFit& fit, Metadata& metadata, Changes& changes) {
-  const auto* samples = std::get_if<Samples>(&pixels);
+  auto* samples = std::get_if<Samples>(&pixels);
   if (samples != nullptr) {
     if (HoldsSamples(fit.type, samples->Layout())) {
+      if (fit.type == PictureType::png) WidenForPng(*samples);
       FitProfile(metadata, samples->Layout(), changes);
       return pixels;
     }

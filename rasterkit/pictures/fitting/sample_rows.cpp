@@ -25,11 +25,12 @@ bool IsIndexedModel(ColorModel model) {
 
 TPixelFormat FormatOf(const PixelLayout& layout) {
   if (IsIndexedModel(layout.model)) {
-    return layout.bits == 1 ? pf1bit : layout.bits == 4 ? pf4bit : pf8bit;
+    if (layout.bits == 1) return pf1bit;
+    return layout.bits <= 4 ? pf4bit : pf8bit;
   }
+  if (layout.bands == 4) return pf32bit;
   if (layout.bits == 5) return pf15bit;
-  if (layout.bits == 6) return pf16bit;
-  return layout.bands == 4 ? pf32bit : pf24bit;
+  return layout.bits == 6 ? pf16bit : pf24bit;
 }
 
 HPALETTE ReversedRamp(int count) {
@@ -40,8 +41,9 @@ HPALETTE ReversedRamp(int count) {
 }
 
 HPALETTE PaletteOf(const PixelLayout& layout) {
-  if (layout.model == ColorModel::gray) return GrayPalette(1 << layout.bits);
-  if (layout.model == ColorModel::grayWhiteIsZero) return ReversedRamp(1 << layout.bits);
+  const int count = 1 << StoredBitsPerPixel(FormatOf(layout));
+  if (layout.model == ColorModel::gray) return GrayPalette(count);
+  if (layout.model == ColorModel::grayWhiteIsZero) return ReversedRamp(count);
   return layout.palette;
 }
 

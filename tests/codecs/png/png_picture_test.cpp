@@ -199,6 +199,52 @@ TEST(PngPicture, KeyColor_Should_BeKept_When_BytesAreWritten) {
   EXPECT_EQ(ChunksNamed(again, {PngKind("tRNS")}), ChunksNamed(file, {PngKind("tRNS")}));
 }
 
+TEST(PngPicture, PaletteWithOpacities_Should_BecomeAlphaAndGoBack) {
+  const ByteList palette = PngChunk("PLTE", {1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 2, 3});
+  const ByteList rows = {0x1B, 0xE4};  // 0 1 2 3, 3 2 1 0
+  struct Case {
+    ByteList opacities;
+    bool needsAlpha;
+  };
+  const Case cases[] = {{{255, 128}, true},        {{0, 0}, true}, {{255, 0}, false}, {{0}, true},
+                        {{0, 255, 255, 0}, false}, {{255}, false}};
+  for (const Case& one : cases) {
+    const ByteList file = PngFile(4, 2, 2, 3, rows, palette + PngChunk("tRNS", one.opacities));
+    const PictureHeader header = ReadPngHeader(file);
+    const Pixels pixels = DecodePngPixels(file);
+    const auto& raster = std::get<Raster>(pixels);
+    EXPECT_EQ(raster.Format() == pf32bit, one.needsAlpha);
+    EXPECT_EQ(header.layout.alpha,
+              one.needsAlpha ? AlphaKind::straight : AlphaKind::transparentColor);
+    PictureWriting writing;
+    writing.form = header.form;
+    WrittenPicture written;
+    const ByteList again = Written(pixels, writing, &written);
+    EXPECT_EQ(ReadPngHeader(again).form, header.form);
+    EXPECT_THAT(written.changes.notes, IsEmpty());
+    const Pixels reread = DecodePngPixels(again);
+    EXPECT_TRUE(SameContent(pixels, reread));
+    if (!one.needsAlpha) continue;
+    for (int x = 0; x < 4; x++) {
+      const auto index = static_cast<size_t>(x);
+      const int expected = index < one.opacities.size() ? one.opacities[index] : 255;
+      EXPECT_EQ(raster.Row(0)[4 * x + 3], expected);
+      EXPECT_EQ(raster.Row(0)[4 * x], x == 3 ? 3 : 3 * x + 3);
+    }
+  }
+}
+
+TEST(PngPicture, AlphaBesideWhite_Should_StayOpaque_When_WrittenAsPalette) {
+  Raster raster(pf32bit, 2, 1);
+  std::memset(raster.Row(0), 0xFF, 8);
+  raster.alphaFormat = afDefined;
+  raster.transparentColor = clWhite;
+  PictureWriting writing;
+  writing.form = PngForm{8, 3, false};
+  const ByteList file = Written(Pixels(std::move(raster)), writing);
+  EXPECT_THAT(ChunksNamed(file, {PngKind("tRNS")}), IsEmpty());
+}
+
 TEST(PngPicture, Planes_Should_BeBroughtTogether) {
   PixelLayout layout;
   layout.type = NumberType::uint16;
@@ -344,7 +390,7 @@ TEST(PngPicture, Header_Should_FindWhatStandsBehindThePixels) {
   ASSERT_EQ(header.metadata.pngChunks.size(), 1u);
   EXPECT_TRUE(header.metadata.pngChunks[0].isBehindPixels);
   EXPECT_THAT(header.hiddenOthers,
-              ElementsAre("chunk prVT of 2 bytes", "3 bytes behind the end of the picture"));
+              ElementsAre("chunk prVT of 2 bytes", "3 bytes after the end of the picture"));
   PictureWriting writing;
   writing.metadata = header.metadata;
   const ByteList copy = Copied(file, writing);
@@ -413,13 +459,15 @@ TEST(PngPicture, Damage_Should_BeAWarningOrAnError) {
   const size_t textAt = 8 + 25 + 8 + 2;
   file[textAt] ^= 1;
   EXPECT_THAT(ReadPngHeader(file).warnings,
-              ElementsAre("PNG: the checksum of tEXt is wrong, it is left out"));
+              ElementsAre("PNG: the checksum of tEXt is wrong, it is skipped"));
   EXPECT_THAT(ReadPngHeader(file).metadata.texts, IsEmpty());
   file = whole;
   file[20] ^= 1;
   EXPECT_THROW(ReadPngHeader(file), FormatError);
   file = ByteList(whole.begin(), whole.end() - 12);
   EXPECT_THAT(ReadPngHeader(file).warnings, ElementsAre("PNG: the file is cut off"));
+  EXPECT_TRUE(ReadPngHeader(file).isCutOff);
+  EXPECT_FALSE(ReadPngHeader(whole).isCutOff);
   TMemoryStream stream;
   EXPECT_THROW(CopyPng(file, {}, stream), UnsupportedError);
   EXPECT_EQ(stream.Size(), 0u);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <rasterkit/metadata/xmp/xmp_join.h>
 #include <rasterkit/metadata/xmp/xmp_packet.h>
 
 #include "tests/metadata/xmp/xmp_packets.h"
@@ -181,6 +182,30 @@ TEST(XmpPacket, Depth_Should_BeBounded) {
   };
   EXPECT_FALSE(XmpPacket(nested(200)).IsDamaged());
   EXPECT_TRUE(XmpPacket(nested(201)).IsDamaged());
+}
+
+TEST(XmpPacket, ExtendedPart_Should_JoinThePacket) {
+  const std::string packet = Packet(
+      " tiff:Make='m' xmlns:xmpNote='http://ns.adobe.com/xmp/note/' xmpNote:HasExtendedXMP='00'",
+      "");
+  // Its namespaces stand at different elements; one of them is declared anew within.
+  const std::string extended =
+      "<x:xmpmeta xmlns:x='adobe:ns:meta/' xmlns:q=\"http://ns.adobe.com/tiff/1.0/\">"
+      "<r:RDF xmlns:r='http://www.w3.org/1999/02/22-rdf-syntax-ns#' xmlns:e = 'urn:outer'>"
+      "<r:Description r:about='' e:Both='a = b' xmlns:e='urn:inner'><q:Model>n</q:Model>"
+      "</r:Description><r:Description q:Software='s'/></r:RDF></x:xmpmeta>";
+  const auto joined = JoinXmp(packet, extended);
+  ASSERT_TRUE(joined);
+  const XmpPacket read(*joined);
+  ASSERT_FALSE(read.IsDamaged());
+  EXPECT_EQ(read.Get(kTiffUri, "Make"), "m");
+  EXPECT_EQ(read.Get(kTiffUri, "Model"), "n");
+  EXPECT_EQ(read.Get(kTiffUri, "Software"), "s");
+  EXPECT_EQ(read.Get("urn:inner", "Both"), "a = b");
+  EXPECT_FALSE(read.Has("http://ns.adobe.com/xmp/note/", "HasExtendedXMP"));
+  EXPECT_FALSE(JoinXmp(packet, "<damaged"));
+  EXPECT_FALSE(JoinXmp("<damaged", extended));
+  EXPECT_FALSE(JoinXmp("<a/>", extended));
 }
 
 /// Damaged bytes of a packet: each is refused, or its changed text is a packet with that change.

@@ -161,7 +161,7 @@ void FormChooser::ChoosePredictor() {
 }
 
 void FormChooser::ChooseTiles() {
-  // The format asks for multiples of 16. A tile far larger than the picture wastes its area.
+  // The format requires multiples of 16. A tile far larger than the picture wastes its area.
   const auto fitting = [](uint32_t side, uint32_t picture) {
     const uint64_t most = std::max<uint64_t>((uint64_t{picture} + kTileUnit - 1) / kTileUnit, 64);
     const uint64_t units = std::min<uint64_t>((uint64_t{side} + kTileUnit - 1) / kTileUnit, most);

@@ -65,7 +65,7 @@ bool MetadataReader::Affords(const TagPlace& place) {
     left_ -= place.Bytes();
     return true;
   }
-  Warn(fmt::format("tag {} with {} bytes is too large and is left out", place.tag, place.Bytes()));
+  Warn(fmt::format("tag {} with {} bytes is too large and is skipped", place.tag, place.Bytes()));
   return false;
 }
 

@@ -44,7 +44,7 @@ class TagFileWriter {
     uint64_t linkAt = 0;
   };
   /// Writes a directory and its values. In a classic file, 64-bit numbers become 32-bit ones; a tag
-  /// whose numbers are too large is left out and added to `changes`.
+  /// whose numbers are too large is skipped and added to `changes`.
   Written WriteDirectory(const TagMap& tags, Changes& changes);
   /// Makes a directory the next one after another, or the first one of the file.
   void Link(uint64_t linkAt, uint64_t directoryAt);

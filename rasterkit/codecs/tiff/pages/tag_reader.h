@@ -28,7 +28,7 @@ struct TagPlace {
 struct TagDirectory {
   uint64_t at = 0, next = 0;
   std::vector<TagPlace> tags;
-  /// Tags that are left out because of their type or because they reach beyond the end.
+  /// Tags that are skipped because of their type or because they reach beyond the end.
   std::vector<uint16_t> damaged;
 
   const TagPlace* Find(uint16_t tag) const;

@@ -2,7 +2,8 @@
 // written again against the first ones. Skipped without the corpus.
 
 #include <cstdlib>
-#include <fstream>
+#include <optional>
+#include <sstream>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -155,6 +156,24 @@ TEST(TiffPageCorpus, Should_GiveTheSameNumbers_When_WrittenInItsOwnForm) {
   EXPECT_GE(written, 120);
 }
 
+/// The smaller copies and masks of two files are the same.
+void ExpectSameExtraPages(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b) {
+  TSpanStream one(a), two(b);
+  const size_t count = ReadTiffExtraPages(one).size();
+  ASSERT_EQ(ReadTiffExtraPages(two).size(), count);
+  for (size_t i = 0; i < count; i++) {
+    one.SetPosition(0);
+    two.SetPosition(0);
+    try {
+      EXPECT_TRUE(SameNumbers(DecodeTiffExtraPage(one, i), DecodeTiffExtraPage(two, i))) << i;
+    } catch (const FormatError& error) {
+      // Damaged in the source: the copy is damaged in the same way.
+      two.SetPosition(0);
+      EXPECT_THROW(DecodeTiffExtraPage(two, i), FormatError) << error.what();
+    }
+  }
+}
+
 TEST(TiffPageCorpus, Should_KeepEveryEncodedByte_When_Copied) {
   if (CorpusFolder().empty()) GTEST_SKIP() << "RASTERKIT_CORPUS names no folder";
   int copied = 0;
@@ -182,6 +201,7 @@ TEST(TiffPageCorpus, Should_KeepEveryEncodedByte_When_Copied) {
       }
     }
     const PictureHeader again = HeaderOf(copy);
+    ExpectSameExtraPages(file.bytes, copy);
     EXPECT_EQ(again.smallerCopies, header.smallerCopies);
     EXPECT_EQ(again.masks, header.masks);
     EXPECT_EQ(Describe(std::get<TiffForm>(again.form)), Describe(std::get<TiffForm>(header.form)));
@@ -277,7 +297,8 @@ TEST(TiffPageCorpus, Should_SatisfyTiffcmp_When_CopiedOrWritten) {
 }
 
 /// What exiftool shows of each file, in their order.
-std::vector<std::string> Shown(const std::vector<std::string>& names, const TempFolder& folder) {
+std::vector<std::string> Shown(const std::vector<std::string>& names, const TempFolder& folder,
+                               const std::string& without = "") {
   std::string list;
   for (const std::string& name : names) list += name + "\n";
   const std::string file = folder.Write("names.txt", list);
@@ -286,8 +307,8 @@ std::vector<std::string> Shown(const std::vector<std::string>& names, const Temp
       "exiftool -G1 -s -n -u --File:all --System:all --ExifTool:all --Composite:all --StripOffsets "
       "--StripByteCounts --TileOffsets --TileByteCounts --Orientation --PreviewImageStart "
       "--JpgFromRawStart --OtherImageStart --ThumbnailOffset --ThumbnailTIFF --PreviewTIFF "
-      "--FreeOffsets --FreeByteCounts --JPEGQTables --JPEGDCTables --JPEGACTables -@ '" +
-      file + "'");
+      "--FreeOffsets --FreeByteCounts --JPEGQTables --JPEGDCTables --JPEGACTables " +
+      without + " -@ '" + file + "'");
   std::vector<std::string> parts;
   const std::string mark = "======== ";
   for (size_t at = text.find(mark); at != text.npos;) {
@@ -320,6 +341,75 @@ TEST(TiffPageCorpus, Should_ShowExiftoolTheSameTags_When_Copied) {
   ASSERT_EQ(before.size(), sources.size());
   ASSERT_EQ(after.size(), sources.size());
   for (size_t i = 0; i < sources.size(); i++) EXPECT_EQ(before[i], after[i]) << sources[i];
+}
+
+TEST(TiffPageCorpus, Should_ShowExiftoolTheSameMetadata_When_Written) {
+  if (CorpusFolder().empty()) GTEST_SKIP() << "RASTERKIT_CORPUS names no folder";
+  if (!HasProgram("exiftool")) GTEST_SKIP() << "exiftool is not installed";
+  TempFolder folder;
+  std::vector<std::string> sources, targets;
+  for (const File& file : TiffFiles()) {
+    CodecReport report;
+    const std::optional<Pixels> pixels = TryPixels(file.bytes, report);
+    if (!pixels) continue;
+    const PictureHeader header = HeaderOf(file.bytes);
+    const bool isAlone = header.pages == 1 && header.smallerCopies == 0 && header.masks == 0;
+    if (!isAlone || !header.warnings.empty()) continue;
+    WrittenPicture result;
+    const std::vector<uint8_t> bytes = Written(*pixels, WritingOf(header), &result);
+    if (!result.changes.losses.empty()) continue;
+    targets.push_back(folder.Write(fmt::format("{:03}.tif", targets.size()),
+                                   std::string(bytes.begin(), bytes.end())));
+    sources.push_back(file.name);
+  }
+  ASSERT_GE(sources.size(), 80u);
+  const std::string options = "--IFD0:all";
+  const std::vector<std::string> before = Shown(sources, folder, options),
+                                 after = Shown(targets, folder, options);
+  ASSERT_EQ(before.size(), sources.size());
+  ASSERT_EQ(after.size(), sources.size());
+  for (size_t i = 0; i < sources.size(); i++) EXPECT_EQ(before[i], after[i]) << sources[i];
+}
+
+/// What gdalinfo says about numbers and place of a file, a line each.
+std::vector<std::string> Geography(const std::string& name) {
+  std::vector<std::string> lines;
+  std::istringstream text(OutputOf("gdalinfo -checksum -norat -noct '" + name + "'"));
+  for (std::string line; std::getline(text, line);) {
+    for (const char* wanted :
+         {"Checksum=", "NoData Value=", "Origin = ", "Pixel Size = ", "EPSG", "Size is ",
+          "GeoTransform", "GCP[", "AREA_OR_POINT", "METADATATYPE", "Offset: "}) {
+      if (line.find(wanted) != line.npos) lines.push_back(line);
+    }
+  }
+  return lines;
+}
+
+TEST(TiffPageCorpus, Should_GiveGdalTheSameNumbersAndPlace_When_Written) {
+  if (CorpusFolder().empty()) GTEST_SKIP() << "RASTERKIT_CORPUS names no folder";
+  if (!HasProgram("gdalinfo")) GTEST_SKIP() << "gdalinfo is not installed";
+  TempFolder folder;
+  int compared = 0;
+  for (const File& file : TiffFiles()) {
+    if (!file.path.starts_with("geotiff/")) continue;
+    SCOPED_TRACE(file.path);
+    CodecReport report;
+    const std::optional<Pixels> pixels = TryPixels(file.bytes, report);
+    if (!pixels || !report.warnings.empty()) continue;
+    const PictureHeader header = HeaderOf(file.bytes);
+    const TiffForm& form = std::get<TiffForm>(header.form);
+    // Without the world files and notes that lie beside the source.
+    const auto save = [&](const char* name, const std::vector<uint8_t>& bytes) {
+      return folder.Write(name, std::string(bytes.begin(), bytes.end()));
+    };
+    const std::vector<std::string> before = Geography(save("source.tif", file.bytes));
+    // gdalinfo does not read a tile that claims more bytes than the file has.
+    if (before.empty() || file.path == "geotiff/gdal__excessive-memory-TIFFFillTile.tif") continue;
+    if (form.compression == COMPRESSION_JPEG || form.photometric == PHOTOMETRIC_YCBCR) continue;
+    EXPECT_EQ(Geography(save("written.tif", Written(*pixels, WritingOf(header)))), before);
+    compared++;
+  }
+  EXPECT_GE(compared, 30);
 }
 
 }  // namespace
