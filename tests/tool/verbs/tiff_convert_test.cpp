@@ -326,6 +326,30 @@ TEST_F(CliTiffConvert, Words_Should_BeShownByTheirRangeWithANote) {
   EXPECT_THAT(FirstRow("b.png"), ElementsAre(0, 100, 255));
 }
 
+TEST_F(CliTiffConvert, WideNumbers_Should_BeShownByGeotiffAndStayNumbers) {
+  const auto check = [&](TiffFile file, const char* noData, const char* type, double least,
+                         double most) {
+    file.setTags = [noData](TIFF* tiff) { SetNoData(tiff, noData); };
+    Save("a.tif", file);
+    EXPECT_EQ(Convert("a.tif", "b.tif", {"--compression", "deflate"})["losses"], json::array());
+    for (const char* name : {"a.tif", "b.tif"}) {
+      const ToolResult result = RunTool({"geotiff", "--json", folder_ / name});
+      ASSERT_EQ(result.code, 0) << type << result.err;
+      const json grid = JsonLines(result.out).at(0);
+      EXPECT_EQ(grid["grid"], type) << name;
+      EXPECT_EQ(grid["minimum"], least) << type << name;
+      EXPECT_EQ(grid["maximum"], most) << type << name;
+      EXPECT_EQ(grid["nodata_values"], 1) << type << name;
+    }
+  };
+  check(NumberTiff<int32_t>({-70000, 5, 70000, -1}, SAMPLEFORMAT_INT), "-1", "int32", -70000,
+        70000);
+  check(NumberTiff<uint32_t>({7, 4000000000, 9}, SAMPLEFORMAT_UINT), "4000000000", "uint32", 7, 9);
+  check(NumberTiff<double>({-1e300, 0.5, -9999}, SAMPLEFORMAT_IEEEFP), "-9999", "float64", -1e300,
+        0.5);
+  check(NumberTiff<int8_t>({-100, 5, 100, -128}, SAMPLEFORMAT_INT), "-128", "int8", -100, 100);
+}
+
 TEST_F(CliTiffConvert, FirstPage_Should_BeTakenWithANoteOfHowManyThereAre) {
   WritePages(folder_ / "a.tif", {{8, 6}, {4, 3}, {2, 2}}, {1});
   const json line = Convert("a.tif", "b.png");
