@@ -68,8 +68,8 @@ TEST_F(CliLimits, Sides_Should_BeRefusedBeyondTheLimit) {
 TEST_F(CliLimits, Memory_Should_BeRefusedBeyondTheLimit) {
   ExpectRefused(Info({"--max-memory", "599"}), "needs 600 bytes, the limit is 599 bytes",
                 "--max-memory");
-  ExpectRefused(Convert({"--max-memory", "599"}), "needs 600 bytes, the limit is 599 bytes",
-                "--max-memory");
+  ExpectRefused(Convert({"--max-memory", "599", "--angle", "180"}),
+                "needs 600 bytes, the limit is 599 bytes", "--max-memory");
   EXPECT_EQ(Info({"--max-memory", "600"}).code, 0);
   EXPECT_EQ(Convert({"--max-memory", "600"}).code, 0);
 }

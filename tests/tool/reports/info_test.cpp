@@ -105,9 +105,11 @@ TEST_F(CliInfo, Json_Should_FindTheExifBlock_When_AnXmpPacketComesFirst) {
       samples::WithExif(EncodeJpeg(GrayRaster(9, 7), 90), samples::ByteOrder::motorola, 6,
                         samples::Place{48, 11, 500});
   const std::string name = "http://ns.adobe.com/xap/1.0/";
-  std::vector<uint8_t> xmp = {0xFF, 0xE1, 0, static_cast<uint8_t>(name.size() + 3)};
+  const std::string packet = "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"/>";
+  std::vector<uint8_t> xmp = {0xFF, 0xE1, 0, static_cast<uint8_t>(name.size() + packet.size() + 3)};
   xmp.insert(xmp.end(), name.begin(), name.end());
   xmp.push_back(0);
+  xmp.insert(xmp.end(), packet.begin(), packet.end());
   jpeg.insert(jpeg.begin() + 2, xmp.begin(), xmp.end());
   WriteBytes(folder_ / "a.jpg", jpeg);
   const json facts = Facts(folder_ / "a.jpg");
