@@ -156,7 +156,7 @@ TEST_F(CliDialogSaveAs, Pixels_Should_ResizeAsResizeDoes) {
 TEST_F(CliDialogSaveAs, PixelsThatAreLeftAlone_Should_Stay) {
   const std::string file = Saved(kNameIt + "click ButtonOptions; click OKButton | click nbPost",
                                  "new.png", {"--pixels"});
-  EXPECT_EQ(ReadBytes(file), WrittenByLibrary(24, 90, ".png"));
+  EXPECT_TRUE(SamePixels(WrittenByLibrary(24, 90, ".png"), Loaded(file)));
 }
 
 TEST_F(CliDialogSaveAs, PixelsOfNone_Should_BeRefused) {
