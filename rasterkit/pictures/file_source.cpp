@@ -108,6 +108,13 @@ SourcePtr SourceOfBytes(PictureBytes bytes, const OpenOptions& options) {
 
 }  // namespace
 
+WrittenPicture PictureSource::Copy(const PictureWriting& writing, TStream& target) const {
+  const std::unique_ptr<TStream> bytes = Bytes();
+  WrittenPicture written = CopyPicture(Type(), *bytes, writing, target);
+  Bytes();  // throws if the file changed meanwhile
+  return written;
+}
+
 SourcePtr OpenSource(const std::string& file, const OpenOptions& options) {
   try {
     return SourceOfBytes(PictureBytes(file), options);

@@ -7,6 +7,7 @@
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/rows/picture_header.h>
+#include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/pictures/fitting/decoded_kind.h>
 #include <rasterkit/pictures/open_options.h>
@@ -35,7 +36,11 @@ class PictureSource {
   /// Reads the pixels as stored. What was read around is added to `report`. Works under the limits
   /// of the calling thread.
   virtual Pixels ReadPixels(int threads, CodecReport& report) const = 0;
-  /// The bytes of the file from its beginning, for copying. Null if there are none. Throws
+  /// True if the compressed pixels can be copied.
+  virtual bool CanCopy() const { return Bytes() != nullptr; }
+  /// Copies the compressed pixels; see CopyPicture. Throws FileError if the file changed.
+  virtual WrittenPicture Copy(const PictureWriting& writing, TStream& target) const;
+  /// The bytes of the file from its beginning. Null if there are none. Throws
   /// FileError if the file changed.
   virtual std::unique_ptr<TStream> Bytes() const { return nullptr; }
   virtual uint64_t ByteCount() const { return 0; }
