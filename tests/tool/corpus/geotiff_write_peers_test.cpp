@@ -15,7 +15,6 @@ namespace rasterkit::test {
 namespace {
 
 using nlohmann::json;
-using testing::HasSubstr;
 
 std::vector<double> NumbersOf(const std::string& worldFile) {
   std::ifstream in(worldFile);
