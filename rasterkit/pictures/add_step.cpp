@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <utility>
 
@@ -26,11 +25,12 @@ constexpr double kMostStretched = 10;
 /// A smaller difference of the resolutions comes from rounding to the units of a file.
 constexpr double kRounding = 1.001;
 
-std::optional<double> NumberOf(const std::string& text) {
-  double number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
+/// Masks of the page have nothing where the page has no pixels.
+Resampling MaskSampling() {
+  Resampling how;
+  how.filter = Filter::nearest;
+  how.fill = {Fill::Kind::color, clBlack};
+  return how;
 }
 
 /// Adds the parts of one step after another.
@@ -69,7 +69,8 @@ class StepAdder {
     const Resampling how = HowFor(step.options);
     if (frame.rest != 0) SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
     if (frame.quarters % 2 != 0) ExchangeAxes();
-    Add(RotateStage(Now(), step.degrees, how), frame.toOld, frame.sides);
+    Add(RotateStage(Now(), step.degrees, how), frame.toOld, frame.sides,
+        RotateStage(Now(), step.degrees, MaskSampling()));
   }
 
   void operator()(const NorthUpStep& step) {
@@ -80,7 +81,8 @@ class StepAdder {
     if (!frame.toOld) return;
     const Resampling how = HowFor(step.options);
     SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
-    Add(AffineStage(Now(), *frame.toOld, frame.sides, how), *frame.toOld, frame.sides);
+    Add(AffineStage(Now(), *frame.toOld, frame.sides, how), *frame.toOld, frame.sides,
+        AffineStage(Now(), *frame.toOld, frame.sides, MaskSampling()));
   }
 
   void operator()(const CropStep& step) {
@@ -173,20 +175,23 @@ class StepAdder {
   uint64_t RowBytes() const { return BytesOfRows(state_.layout, state_.width, state_.height); }
 
   /// The layout is the new one already. Rows before and after a stage are held together.
-  void AddStage(std::unique_ptr<Stage> stage) {
+  void AddStage(std::shared_ptr<const Stage> stage) {
     state_.stages.push_back(std::move(stage));
     state_.pixelsChanged = true;
     const uint64_t before = std::exchange(heldBytes_, RowBytes());
     state_.rowBytes = std::max(state_.rowBytes, before + heldBytes_);
   }
 
-  void Add(std::unique_ptr<Stage> stage, const Affine& toOld, Sides sides) {
+  /// `forMask` moves masks of the page; without one the stage itself does.
+  void Add(std::shared_ptr<const Stage> stage, const Affine& toOld, Sides sides,
+           std::shared_ptr<const Stage> forMask = nullptr) {
     RequirePictureSize(static_cast<uint64_t>(sides.width), static_cast<uint64_t>(sides.height),
                        fmt::format("a picture of {} x {} pixels", sides.width, sides.height));
     state_.toOld = state_.toOld.After(toOld);
     state_.width = sides.width;
     state_.height = sides.height;
     state_.placesChanged = true;
+    state_.maskStages.push_back(forMask ? std::move(forMask) : stage);
     AddStage(std::move(stage));
   }
 
@@ -195,10 +200,8 @@ class StepAdder {
     state_.exchangesAxes = !state_.exchangesAxes;
   }
 
-  std::optional<double> NoDataNumber() const { return NumberOf(source_.Position().noData); }
-
   Resampling HowFor(const RotateOptions& options) const {
-    return {options.filter, options.fill, NoDataNumber()};
+    return {options.filter, options.fill, NoDataOf(source_)};
   }
 
   void Resize(Sides target, Filter filter) {
@@ -216,7 +219,8 @@ class StepAdder {
     if (state_.resolution.IsKnown()) {
       state_.resolution = {state_.resolution.x / columns, state_.resolution.y / rows};
     }
-    Add(ResizeStage(sides, target, filter, NoDataNumber()), toOld, target);
+    Add(ResizeStage(sides, target, filter, NoDataOf(source_)), toOld, target,
+        ResizeStage(sides, target, Filter::nearest));
   }
 
   /// A rotation by any angle mixes the two directions.

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <charconv>
 
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/follow_pixels.h>
@@ -121,6 +122,14 @@ void Follow(PictureState& state, const PictureSource& source, std::span<const ui
   FollowPixels(state.placement,
                {state.toOld, change.oldWidth, change.oldHeight, state.width, state.height},
                state.followed);
+}
+
+std::optional<double> NoDataOf(const PictureSource& source) {
+  const std::string& text = source.Position().noData;
+  double number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
 }
 
 uint64_t BytesOfRows(const PixelLayout& layout, int width, int height) {

@@ -24,6 +24,8 @@ struct PictureState {
   /// A position for the picture as stored, in place of that of the source.
   std::optional<Affine> given;
   Stages stages;
+  /// Those that move pixels, for masks of the page: nearest pixels, and none in the corners.
+  Stages maskStages;
   /// Bytes of rows that the stages hold at most.
   uint64_t rowBytes = 0;
   /// What the steps lose and note.
@@ -55,6 +57,9 @@ std::optional<Affine> PositionOf(const PictureState& state, const PictureSource&
 
 /// True if the file has a thumbnail that must be made anew when pixels change.
 bool NeedsThumbnail(const PictureState& state, const PictureSource& source);
+
+/// The number that means "not measured" in the source.
+std::optional<double> NoDataOf(const PictureSource& source);
 
 /// Bytes of rows of this size.
 uint64_t BytesOfRows(const PixelLayout& layout, int width, int height);

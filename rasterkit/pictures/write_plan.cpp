@@ -7,6 +7,7 @@
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/tiff/tiff_pages.h>
+#include <rasterkit/pictures/extra_pages.h>
 #include <rasterkit/pictures/fitting/fit_pixels.h>
 #include <rasterkit/pictures/fitting/sample_rows.h>
 #include <rasterkit/pictures/write_plan.h>
@@ -131,10 +132,11 @@ uint64_t FileBytes(const PictureSource& source, const PictureState& state, const
   constexpr uint64_t kHeader = 1 << 16;
   const uint64_t rest = 2 * MetadataBytes(state.metadata) + kHeader;
   if (plan.isCopied) return source.ByteCount() + rest;
+  const uint64_t extra = plan.type == PictureType::tiff ? 2 * ExtraPageBytes(source, state) : 0;
   const auto* tiff = std::get_if<TiffForm>(&form);
   const int width = RoundedUp(state.width, tiff == nullptr ? 0 : tiff->tileWidth);
   const int height = RoundedUp(state.height, tiff == nullptr ? 0 : tiff->tileHeight);
-  return 2 * BytesOfRows(layout, width, height) + rest;
+  return 2 * BytesOfRows(layout, width, height) + extra + rest;
 }
 
 }  // namespace
@@ -186,7 +188,11 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
   writing.chromaX = options.chromaX;
   writing.chromaY = options.chromaY;
   writing.threads = threads;
-  WrittenPicture written = WritePicture(plan.type, fitted, writing, target);
+  const bool hasExtraPages = plan.type == PictureType::tiff && !plan.isSample;
+  WrittenPicture written =
+      hasExtraPages ? WriteTiff(fitted, writing,
+                                MakeExtraPages(fitted, source, state, threads, changes), target)
+                    : WritePicture(plan.type, fitted, writing, target);
   Join(changes, written.changes);
   return written;
 }
@@ -239,7 +245,8 @@ uint64_t MemoryOf(const PictureSource& source, const PictureState& state, uint64
   const uint64_t converted =
       4 * static_cast<uint64_t>(state.width) * static_cast<uint64_t>(state.height);
   const uint64_t decoding = source.ByteCount() + 2 * before;
-  const uint64_t writing = after + std::max(after, converted) + converted + fileBytes;
+  const uint64_t writing =
+      after + std::max(after, converted) + converted + ExtraPageBytes(source, state) + fileBytes;
   return std::max({decoding, state.rowBytes + before, writing}) + kRest;
 }
 
