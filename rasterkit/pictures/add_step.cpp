@@ -33,6 +33,16 @@ Resampling MaskSampling() {
   return how;
 }
 
+/// True for turns by quarters and mirrors: the columns of one picture are columns or rows of the
+/// other.
+bool KeepsValues(const Affine& toOld, Sides from, Sides to) {
+  const auto isUnit = [](double a, double b) {
+    return (std::abs(a) == 1 && b == 0) || (a == 0 && std::abs(b) == 1);
+  };
+  return isUnit(toOld.xPerColumn, toOld.xPerRow) && isUnit(toOld.yPerColumn, toOld.yPerRow) &&
+         int64_t{from.width} * from.height == int64_t{to.width} * to.height;
+}
+
 /// Adds the parts of one step after another.
 class StepAdder {
  public:
@@ -175,9 +185,10 @@ class StepAdder {
   uint64_t RowBytes() const { return BytesOfRows(state_.layout, state_.width, state_.height); }
 
   /// The layout is the new one already. Rows before and after a stage are held together.
-  void AddStage(std::shared_ptr<const Stage> stage) {
+  void AddStage(std::shared_ptr<const Stage> stage, bool keepsValues = false) {
     state_.stages.push_back(std::move(stage));
     state_.pixelsChanged = true;
+    state_.keepsValues = state_.keepsValues && keepsValues;
     const uint64_t before = std::exchange(heldBytes_, RowBytes());
     state_.rowBytes = std::max(state_.rowBytes, before + heldBytes_);
   }
@@ -187,12 +198,13 @@ class StepAdder {
            std::shared_ptr<const Stage> forMask = nullptr) {
     RequirePictureSize(static_cast<uint64_t>(sides.width), static_cast<uint64_t>(sides.height),
                        fmt::format("a picture of {} x {} pixels", sides.width, sides.height));
+    const bool keepsValues = KeepsValues(toOld, Now(), sides);
     state_.toOld = state_.toOld.After(toOld);
     state_.width = sides.width;
     state_.height = sides.height;
     state_.placesChanged = true;
     state_.maskStages.push_back(forMask ? std::move(forMask) : stage);
-    AddStage(std::move(stage));
+    AddStage(std::move(stage), keepsValues);
   }
 
   void ExchangeAxes() {

@@ -53,7 +53,12 @@ bool HasIndexes(const PixelLayout& layout) {
 }
 
 bool IsSameKind(const PixelLayout& a, const PixelLayout& b) {
-  return a.type == b.type && a.bits == b.bits && a.bands == b.bands && a.model == b.model;
+  // Which number is white is a matter of the form.
+  const auto isGray = [](const PixelLayout& layout) {
+    return layout.model == ColorModel::gray || layout.model == ColorModel::grayWhiteIsZero;
+  };
+  return a.type == b.type && a.bits == b.bits && a.bands == b.bands &&
+         (a.model == b.model || (isGray(a) && isGray(b)));
 }
 
 /// One side of a copy beside a page that has another size.

@@ -3,6 +3,7 @@
 
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/follow_pixels.h>
+#include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/pictures/picture_state.h>
 #include <rasterkit/pictures/strip_metadata.h>
 
@@ -31,6 +32,7 @@ PixelChange ChangeOf(const PictureState& state, const PictureSource& source) {
   change.toNew = CornersToNew(state.toOld);
   change.pixelsChanged = state.pixelsChanged;
   change.placesChanged = state.placesChanged;
+  change.keepsValues = state.keepsValues;
   const auto isGray = [](ColorModel model) {
     return model == ColorModel::gray || model == ColorModel::grayWhiteIsZero;
   };
@@ -40,7 +42,10 @@ PixelChange ChangeOf(const PictureState& state, const PictureSource& source) {
 }
 
 bool HasThumbnail(const Metadata& metadata) {
-  return !metadata.exif.empty() && ExifBlock(metadata.exif).HasThumbnail();
+  if (!metadata.exif.empty() && ExifBlock(metadata.exif).HasThumbnail()) return true;
+  const ImageResources resources(metadata.photoshop);
+  return resources.Find(image_resource::kThumbnail) != nullptr ||
+         resources.Find(image_resource::kOldThumbnail) != nullptr;
 }
 
 /// Places the picture anew. What else the source states of its position would contradict it.

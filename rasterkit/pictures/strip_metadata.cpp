@@ -1,6 +1,9 @@
 #include <array>
 
 #include <rasterkit/metadata/exif_block.h>
+#include <rasterkit/metadata/image_resources.h>
+#include <rasterkit/metadata/xmp/xmp_names.h>
+#include <rasterkit/metadata/xmp/xmp_packet.h>
 #include <rasterkit/pictures/strip_metadata.h>
 
 namespace rasterkit::detail {
@@ -13,6 +16,25 @@ void StripGps(ExifBlock& exif) {
     exif.Remove(ExifDirectoryId::gps, value.tag);
   }
   exif.Remove(ExifDirectoryId::main, kGpsPointer);
+}
+
+/// Every thumbnail that belongs to the metadata: of EXIF, of Photoshop, of XMP.
+void StripThumbnails(Metadata& metadata) {
+  if (!metadata.exif.empty()) {
+    ExifBlock exif(std::move(metadata.exif));
+    exif.RemoveThumbnail();
+    metadata.exif = exif.TakeBytes();
+  }
+  ImageResources resources(metadata.photoshop);
+  const bool hadThumbnail = resources.Remove(image_resource::kThumbnail);
+  if (resources.Remove(image_resource::kOldThumbnail) || hadThumbnail) {
+    metadata.photoshop = resources.Bytes();
+  }
+  for (std::string* text : {&metadata.xmp, &metadata.extendedXmp}) {
+    if (text->empty()) continue;
+    XmpPacket packet(*text);
+    if (packet.Remove(xmp_name::kXmp, "Thumbnails")) *text = packet.Text();
+  }
 }
 
 void SetResolution(Metadata& metadata, const Resolution& resolution) {
@@ -40,10 +62,10 @@ void StripMetadata(Metadata& metadata, const MetadataEdit& edit) {
     metadata = std::move(kept);
     return;
   }
-  if (metadata.exif.empty() || !(edit.stripGps || edit.stripThumbnail)) return;
+  if (edit.stripThumbnail) StripThumbnails(metadata);
+  if (metadata.exif.empty() || !edit.stripGps) return;
   ExifBlock exif(std::move(metadata.exif));
-  if (edit.stripGps) StripGps(exif);
-  if (edit.stripThumbnail) exif.RemoveThumbnail();
+  StripGps(exif);
   metadata.exif = exif.TakeBytes();
 }
 
