@@ -8,5 +8,5 @@
 #include <rasterkit/pictures/report.h>
 #include <rasterkit/pictures/row_sink.h>
 #include <rasterkit/pictures/run.h>
-#include <rasterkit/pictures/save_options.h>
+#include <rasterkit/pictures/saving_options.h>
 #include <rasterkit/pictures/steps.h>

@@ -5,7 +5,7 @@
 
 #include <rasterkit/bands/averaged_form.h>
 #include <rasterkit/bands/colors/opacity_plane.h>
-#include <rasterkit/bands/wider_rows.h>
+#include <rasterkit/bands/colors/wider_rows.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/kernels/halftone/halftone_axis.h>
 #include <rasterkit/runtime/errors.h>

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include <rasterkit/bands/mean_rows.h>
-#include <rasterkit/bands/sample_values.h>
+#include <rasterkit/bands/colors/sample_values.h>
 
 namespace rasterkit::detail {
 namespace {

@@ -122,6 +122,20 @@ void ExifBlock::Walk() {
   if (main != nullptr && main->next != 0 && !main->isCut) {
     WalkDirectory(ExifDirectoryId::thumbnail, main->next, main->LinkAt());
   }
+  isDamaged_ = isDamaged_ || HasValuesInTables();
+}
+
+/// A change of a directory would change such values.
+bool ExifBlock::HasValuesInTables() const {
+  const auto isInTable = [&](const Entry& entry) {
+    return !entry.IsInline() &&
+           std::any_of(directories_.begin(), directories_.end(), [&](const Directory& directory) {
+             return directory.Whole().Overlaps(entry.Values());
+           });
+  };
+  return std::any_of(directories_.begin(), directories_.end(), [&](const Directory& directory) {
+    return std::any_of(directory.entries.begin(), directory.entries.end(), isInTable);
+  });
 }
 
 void ExifBlock::FollowPointer(ExifDirectoryId from, uint16_t tag, ExifDirectoryId to) {

@@ -90,6 +90,7 @@ class RASTERKIT_EXPORT ExifBlock {
   void Walk();
   void WalkDirectory(ExifDirectoryId id, size_t at, size_t pointerAt);
   void FollowPointer(ExifDirectoryId from, uint16_t tag, ExifDirectoryId to);
+  bool HasValuesInTables() const;
   void RequireWhole() const;
   const Directory* FindDirectory(ExifDirectoryId id) const;
   const Entry* Find(ExifDirectoryId directory, uint16_t tag) const;

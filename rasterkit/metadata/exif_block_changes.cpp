@@ -80,6 +80,12 @@ void ExifBlock::PutLongAt(size_t at, uint32_t value) {
 }
 
 size_t ExifBlock::Append(std::span<const uint8_t> bytes) {
+  // Readers would take appended bytes for the link that a table at the end lacks.
+  for (const Directory& directory : directories_) {
+    if (directory.LinkAt() + kLinkBytes <= bytes_.size()) continue;
+    bytes_.resize(directory.LinkAt());
+    bytes_.resize(directory.LinkAt() + kLinkBytes);
+  }
   if (bytes_.size() % 2 != 0) bytes_.push_back(0);
   const size_t at = bytes_.size();
   if (bytes.size() > UINT32_MAX - at) throw RangeError("EXIF: the block exceeds 4 GiB");

@@ -25,14 +25,6 @@ constexpr double kMostStretched = 10;
 /// A smaller difference of the resolutions comes from rounding to the units of a file.
 constexpr double kRounding = 1.001;
 
-/// Masks of the page have nothing where the page has no pixels.
-Resampling MaskSampling() {
-  Resampling how;
-  how.filter = Filter::nearest;
-  how.fill = {Fill::Kind::color, clBlack};
-  return how;
-}
-
 /// True for turns by quarters and mirrors: the columns of one picture are columns or rows of the
 /// other.
 bool KeepsValues(const Affine& toOld, Sides from, Sides to) {
@@ -42,6 +34,9 @@ bool KeepsValues(const Affine& toOld, Sides from, Sides to) {
   return isUnit(toOld.xPerColumn, toOld.xPerRow) && isUnit(toOld.yPerColumn, toOld.yPerRow) &&
          int64_t{from.width} * from.height == int64_t{to.width} * to.height;
 }
+
+/// A mask has no mixed pixels, and nothing lies outside of the picture.
+const Resampling kMaskResampling{Filter::nearest, {Fill::Kind::color, clBlack}, std::nullopt};
 
 /// Adds the parts of one step after another.
 class StepAdder {
@@ -80,19 +75,20 @@ class StepAdder {
     if (frame.rest != 0) SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
     if (frame.quarters % 2 != 0) ExchangeAxes();
     Add(RotateStage(Now(), step.degrees, how), frame.toOld, frame.sides,
-        RotateStage(Now(), step.degrees, MaskSampling()));
+        RotateStage(Now(), step.degrees, kMaskResampling));
   }
 
   void operator()(const NorthUpStep& step) {
     const std::optional<Affine> position = PositionOf(state_, source_);
     if (!position) throw RangeError("the picture has no position on a map");
-    const NorthUpFrame frame = FrameOfNorthUp(*position, Now());
-    for (const Step& turn : frame.turns) std::visit(*this, turn);
-    if (!frame.toOld) return;
+    const WayNorth way = WayNorthOf(*position, Now());
+    for (const Step& turn : way.turns) std::visit(*this, turn);
+    if (!way.frame) return;
+    const NorthUpFrame& frame = *way.frame;
     const Resampling how = HowFor(step.options);
     SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
-    Add(AffineStage(Now(), *frame.toOld, frame.sides, how), *frame.toOld, frame.sides,
-        AffineStage(Now(), *frame.toOld, frame.sides, MaskSampling()));
+    Add(AffineStage(Now(), frame.toOld, frame.sides, how), frame.toOld, frame.sides,
+        AffineStage(Now(), frame.toOld, frame.sides, kMaskResampling));
   }
 
   void operator()(const CropStep& step) {

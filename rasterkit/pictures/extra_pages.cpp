@@ -52,15 +52,6 @@ bool HasIndexes(const PixelLayout& layout) {
   return layout.model == ColorModel::palette || (layout.bits == 1 && layout.bands == 1);
 }
 
-bool IsSameKind(const PixelLayout& a, const PixelLayout& b) {
-  // Which number is white is a matter of the form.
-  const auto isGray = [](const PixelLayout& layout) {
-    return layout.model == ColorModel::gray || layout.model == ColorModel::grayWhiteIsZero;
-  };
-  return a.type == b.type && a.bits == b.bits && a.bands == b.bands &&
-         (a.model == b.model || (isGray(a) && isGray(b)));
-}
-
 /// One side of a copy beside a page that has another size.
 int ScaledSide(int newPage, int oldCopy, int oldPage) {
   const double side = static_cast<double>(newPage) * oldCopy / oldPage;

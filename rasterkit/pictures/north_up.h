@@ -3,25 +3,21 @@
 #include <optional>
 #include <vector>
 
-#include <rasterkit/bands/sides.h>
+#include <rasterkit/bands/stages.h>
 #include <rasterkit/pictures/steps.h>
-#include <rasterkit/placement/affine.h>
-#include <rasterkit/runtime/export.h>
 
 namespace rasterkit::detail {
 
-/// How a picture is brought into the map's frame.
-struct NorthUpFrame {
+/// How a picture is brought into the map's frame: whole pixels move as far as that goes.
+struct WayNorth {
   /// Turns and mirrors that move whole pixels; they come first.
   std::vector<Step> turns;
-  /// What is left: from pixel indexes of the result to those after the turns, and the sides of the
-  /// result. Nothing if columns run east and rows south after the turns.
-  std::optional<Affine> toOld;
-  Sides sides;
+  /// What is left: from the pixels after the turns. Nothing if columns then run east and rows
+  /// south.
+  std::optional<NorthUpFrame> frame;
 };
 
-/// The pixels of the result are as large as those of the picture along the axis nearest to each.
-/// Throws RangeError for a position whose numbers cannot be inverted.
-RASTERKIT_EXPORT NorthUpFrame FrameOfNorthUp(const Affine& position, Sides sides);
+/// Throws RangeError as FrameOfNorthUp does.
+WayNorth WayNorthOf(const Affine& position, Sides sides);
 
 }  // namespace rasterkit::detail

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include <rasterkit/codecs/picture_io.h>
-#include <rasterkit/pictures/map_rect.h>
 #include <rasterkit/pictures/pending_save.h>
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/pictures/picture_parts.h>
@@ -13,6 +12,7 @@
 #include <rasterkit/pictures/save_picture.h>
 #include <rasterkit/pictures/side_file_losses.h>
 #include <rasterkit/pictures/write_plan.h>
+#include <rasterkit/placement/map_window.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
@@ -99,7 +99,9 @@ Picture& Picture::Crop(const MapRect& rect) {
   try {
     const std::optional<Affine> position = detail::PositionOf(*state_, *source_);
     if (!position) throw RangeError("the picture has no position on a map");
-    return Apply(detail::CropOfMap(rect, *position, Width(), Height()));
+    const PixelWindow window =
+        WindowOfMap({rect.minX, rect.minY}, {rect.maxX, rect.maxY}, *position, Width(), Height());
+    return Apply(CropStep{window.left, window.top, window.width, window.height});
   } catch (Error& error) {
     error.AttachFile(SourceFile());
     throw;

@@ -137,6 +137,14 @@ std::optional<double> NoDataOf(const PictureSource& source) {
   return number;
 }
 
+bool IsSameKind(const PixelLayout& a, const PixelLayout& b) {
+  const auto isGray = [](const PixelLayout& layout) {
+    return layout.model == ColorModel::gray || layout.model == ColorModel::grayWhiteIsZero;
+  };
+  return a.type == b.type && a.bits == b.bits && a.bands == b.bands &&
+         (a.model == b.model || (isGray(a) && isGray(b)));
+}
+
 uint64_t BytesOfRows(const PixelLayout& layout, int width, int height) {
   const bool isPacked = layout.type == NumberType::uint8 && layout.bands == 1;
   const uint64_t bits =

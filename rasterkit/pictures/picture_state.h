@@ -63,6 +63,9 @@ bool NeedsThumbnail(const PictureState& state, const PictureSource& source);
 /// The number that means "not measured" in the source.
 std::optional<double> NoDataOf(const PictureSource& source);
 
+/// True if pixels of both kinds fit one form. Which gray number is white is a matter of the form.
+bool IsSameKind(const PixelLayout& a, const PixelLayout& b);
+
 /// Bytes of rows of this size.
 uint64_t BytesOfRows(const PixelLayout& layout, int width, int height);
 

@@ -13,7 +13,7 @@ namespace rasterkit {
 
 /// What Plan foresees and what Save did.
 struct Report {
-  /// What the file lacks and nobody asked to drop.
+  /// What the file lacks although no step or option says so.
   std::vector<Loss> losses;
   /// "compressed pixels copied", "the resolution was made square".
   std::vector<std::string> notes;

@@ -35,7 +35,7 @@ JpegForm Transposed(JpegForm form) {
   return form;
 }
 
-/// The form of pixels of another kind than those of the source: what was asked for, not what the
+/// The form of pixels of another kind than those of the source: what was requested, not what the
 /// source had.
 void TakeKind(PngForm& form, const PixelLayout& layout) {
   constexpr int kRgb = 2, kPalette = 3, kAlpha = 4;
@@ -44,10 +44,6 @@ void TakeKind(PngForm& form, const PixelLayout& layout) {
   form.colorType = layout.model == ColorModel::rgb ? kRgb : 0;
   if (layout.model == ColorModel::palette) form.colorType = kPalette;
   if (hasAlpha) form.colorType |= kAlpha;
-}
-
-bool IsSameKind(const PixelLayout& a, const PixelLayout& b) {
-  return a.type == b.type && a.bits == b.bits && a.bands == b.bands && a.model == b.model;
 }
 
 /// The photometric value that the pixels need.
@@ -167,7 +163,8 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
   plan.type = type;
   plan.hasSideFiles = hasSideFiles;
   const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options);
-  plan.isCopied = isAsStored && CanCopy(type) && source.Bytes() != nullptr;
+  plan.isCopied =
+      isAsStored && CanCopy(type) && !source.Header().isCutOff && source.Bytes() != nullptr;
   plan.form = FormOfTarget(source, state, type, options);
   const auto& stated = source.Position().stated;
   const bool hadWorldFile = std::any_of(stated.begin(), stated.end(), [](const auto& position) {

@@ -7,7 +7,7 @@
 #include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/pictures/picture_state.h>
 #include <rasterkit/pictures/report.h>
-#include <rasterkit/pictures/save_options.h>
+#include <rasterkit/pictures/saving_options.h>
 #include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit::detail {

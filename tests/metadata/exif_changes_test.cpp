@@ -166,6 +166,20 @@ TEST_P(ExifChanges, Should_AddAThumbnail_When_TheMainTableHasNoLink) {
   EXPECT_FALSE(ExifBlock(block.Bytes()).IsDamaged());
 }
 
+TEST_P(ExifChanges, Should_CompleteATableWithoutLink) {
+  std::string bytes = writer_.Header() + writer_.Directory(8, {writer_.Short(274, 6)});
+  bytes.resize(bytes.size() - 4);
+  for (const std::string& rest : {"", "\x09", "\x09\x09\x09"}) {
+    ExifBlock block(BytesOf(bytes + rest));
+    block.SetText(Id::main, 274, "text that is appended");
+    block.SetText(Id::gps, 29, "2024:01:02");
+    EXPECT_FALSE(block.IsDamaged());
+    EXPECT_FALSE(block.HasThumbnail());
+    EXPECT_EQ(block.Text(Id::main, 274), "text that is appended");
+    EXPECT_EQ(block.Text(Id::gps, 29), "2024:01:02");
+  }
+}
+
 TEST_P(ExifChanges, SetRational_Should_BeExactForUsualNumbers) {
   for (const double number : {0.0, 1.0, 300.0, 72.009, 0.1, 118.11, 1.0 / 3, 4294967295.0, -2.5}) {
     block_.SetRational(Id::main, 282, number);

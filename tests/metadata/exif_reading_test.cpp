@@ -114,6 +114,13 @@ TEST_P(ExifReading, Should_EndLoops) {
   EXPECT_THAT(block.All(Id::gps), IsEmpty());
 }
 
+TEST_P(ExifReading, Should_BeDamaged_When_ValuesLieInATable) {
+  std::string bytes = camera_.bytes;
+  const size_t entry = bytes.find(writer_.Word(282) + writer_.Word(5));
+  bytes.replace(entry + 8, 4, writer_.Long(20));
+  EXPECT_TRUE(ExifBlock(BytesOf(bytes)).IsDamaged());
+}
+
 TEST_P(ExifReading, Should_RefuseValuesThatShareTheirBytesByTheHundred) {
   std::vector<TiffEntry> entries(200, {37500, 7, 60000, writer_.Long(8)});
   std::string bytes = writer_.Header() + writer_.Directory(8, entries) + std::string(60000, 'x');

@@ -3,9 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/pictures/map_rect.h>
-#include <rasterkit/pictures/north_up.h>
 #include <rasterkit/pictures/picture.h>
+#include <rasterkit/placement/map_window.h>
 #include <rasterkit/placement/side_files.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -160,7 +159,8 @@ TEST(PicturePosition, MapRectanglesGoToTheNearestCorners) {
   // Pixels of 2 x 2 units; the corner of the picture lies at 99, 201.
   const Affine affine{2, 0, 0, -2, 100, 200};
   const auto crop = [&](const MapRect& rect) {
-    const CropStep step = detail::CropOfMap(rect, affine, 30, 20);
+    const PixelWindow step =
+        WindowOfMap({rect.minX, rect.minY}, {rect.maxX, rect.maxY}, affine, 30, 20);
     return std::vector<int>{step.left, step.top, step.width, step.height};
   };
   EXPECT_EQ(crop({99, 181, 119, 201}), (std::vector{0, 0, 10, 10}));
@@ -176,7 +176,7 @@ TEST(PicturePosition, MapRectanglesGoToTheNearestCorners) {
 
 TEST(PicturePosition, MapRectanglesOfATurnedPictureHaveABox) {
   const Affine affine{0, 1, 1, 0, 0, 0};
-  const CropStep step = detail::CropOfMap({2.5, 4.5, 6.5, 5.5}, affine, 20, 20);
+  const PixelWindow step = WindowOfMap({2.5, 4.5}, {6.5, 5.5}, affine, 20, 20);
   EXPECT_EQ(step.left, 5);
   EXPECT_EQ(step.top, 3);
   EXPECT_EQ(step.width, 1);

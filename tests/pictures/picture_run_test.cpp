@@ -155,7 +155,7 @@ TEST(PictureRun, TakesNoMoreMemoryThanThePlanSaid) {
       picture.Save(folder / target, {}, run);
       EXPECT_LE(most, plan.memory);
       EXPECT_GT(most, 3000u * 2000u * 3u);
-      // A bound that says nothing is none.
+      // A useful bound is not far above.
       EXPECT_LE(plan.memory, 12 * most);
     }
   }

@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/pictures/pending_save.h>
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/runtime/errors.h>
@@ -196,6 +197,54 @@ TEST(PictureSave, CopiesTheScansOfAJpegFileByteForByte) {
   // No thousands of bytes in a message.
   EXPECT_TRUE(ScansOf(folder / "a.jpg") == ScansOf(Sample("orientation-1.jpg")));
   EXPECT_FALSE(ReadFile(folder / "a.jpg") == ReadFile(Sample("orientation-1.jpg")));
+}
+
+TEST(PictureSave, CarriesSmallerCopiesAndMasksOfATiffPage) {
+  const TempFolder folder;
+  Raster mask(pf1bit, 40, 20);
+  for (int y = 0; y < 20; ++y) {
+    std::fill_n(mask.Row(y), mask.Stride(), static_cast<uint8_t>(y < 5 ? 0xFF : 0));
+  }
+  mask.ClearPadding();
+  constexpr uint32_t kSmaller = 1, kMask = 4;
+  std::vector<TiffExtraPage> extras;
+  extras.push_back({GradientRaster(pf24bit, 20, 10), TiffForm{}, kSmaller});
+  TiffForm maskForm;
+  maskForm.photometric = 4;
+  extras.push_back({std::move(mask), maskForm, kMask});
+  TMemoryStream stream;
+  WriteTiff(GradientRaster(pf24bit, 40, 20), {}, extras, stream);
+  const std::string file = folder.Write("a.tif", stream.Bytes());
+
+  Picture picture = Picture::Open(file);
+  EXPECT_EQ(picture.Pages(), 1);
+  const Report copied = picture.Save(folder / "copied.tif");
+  EXPECT_TRUE(copied.isCopied);
+  EXPECT_TRUE(copied.losses.empty());
+  TFileStream copy(folder / "copied.tif");
+  EXPECT_EQ(ReadTiffExtraPages(copy).size(), 2u);
+
+  picture.Turn(1).Crop(CropStep{0, 0, 10, 40});
+  const Report report = picture.Save(folder / "turned.tif");
+  EXPECT_TRUE(report.losses.empty());
+  EXPECT_EQ(LossesIn(picture.Plan(folder / "turned.tif")), LossesIn(report));
+  TFileStream turned(folder / "turned.tif");
+  const auto pages = ReadTiffExtraPages(turned);
+  ASSERT_EQ(pages.size(), 2u);
+  // Half of 10 x 40 pixels.
+  EXPECT_EQ(pages[0].width, 5);
+  EXPECT_EQ(pages[0].height, 20);
+  EXPECT_EQ(pages[1].width, 10);
+  EXPECT_EQ(pages[1].height, 40);
+  turned.SetPosition(0);
+  const Raster turnedMask = std::get<Raster>(DecodeTiffExtraPage(turned, 1));
+  // The upper rows are the left columns after a turn counter-clockwise.
+  EXPECT_NE(turnedMask.PixelColor(4, 30), turnedMask.PixelColor(5, 30));
+  EXPECT_EQ(turnedMask.PixelColor(0, 0), turnedMask.PixelColor(4, 39));
+
+  const Report png = picture.Save(folder / "turned.png");
+  ASSERT_EQ(png.losses.size(), 1u);
+  EXPECT_EQ(png.losses[0].kind, LossKind::alpha);
 }
 
 TEST(PictureSave, DoesWhatThePlanSaid) {

@@ -115,7 +115,7 @@ Samples RampOf(NumberType type, int bands, ColorModel model, AlphaKind alpha, bo
   for (int plane = 0; plane < samples.Planes(); ++plane) {
     for (int y = 0; y < samples.Height(); ++y) {
       for (size_t i = 0; i < samples.Stride(); ++i) {
-        // Low exponents: the numbers are finite whatever their type is.
+        // Low exponents: the numbers of every type are finite.
         samples.Row(y, plane)[i] = static_cast<uint8_t>((i * 3 + static_cast<size_t>(y) * 5) & 63);
       }
     }

@@ -1,4 +1,5 @@
 #include <limits>
+#include <stop_token>
 #include <string>
 #include <thread>
 
@@ -198,6 +199,49 @@ TEST_F(LimitsTest, SizeError_NamesLimitAndNeed) {
   };
   EXPECT_EQ(reason(30, 30), "PNG picture has 900 pixels, the limit is 600");
   EXPECT_EQ(reason(30, 300), "PNG picture has 300 pixels per side, the limit is 100");
+}
+
+TEST_F(LimitsTest, Cancel_EndsTheCallOnEveryOfItsThreads) {
+  std::stop_source outer, inner;
+  const LimitsScope scope(Limits(), outer.get_token());
+  const LimitsScope within(Limits(), inner.get_token());
+  EXPECT_NO_THROW(RequireTime());
+  EXPECT_EQ(SecondsLeft(), kNoTimeLimit);
+  outer.request_stop();
+  EXPECT_THROW(RequireTime(), CanceledError);
+  EXPECT_EQ(SecondsLeft(), 0);
+  std::thread([call = CurrentCall()] {
+    EXPECT_NO_THROW(RequireTime());
+    const LimitsScope joined(call);
+    EXPECT_THROW(RequireTime(), CanceledError);
+  }).join();
+}
+
+TEST_F(LimitsTest, Cancel_OfAnInnerCallEndsThatOneAlone) {
+  std::stop_source inner;
+  const LimitsScope scope(Limits(), std::stop_token());
+  {
+    const LimitsScope within(Limits(), inner.get_token());
+    inner.request_stop();
+    EXPECT_THROW(RequireTime(), CanceledError);
+  }
+  EXPECT_NO_THROW(RequireTime());
+}
+
+TEST_F(LimitsTest, Checks_AreSeenOnTheThreadOfTheScopeAlone) {
+  int checks = 0;
+  const LimitsScope scope(Limits(), {}, [&] { ++checks; });
+  RequireTime();
+  {
+    const LimitsScope within;
+    RequireTime();
+  }
+  EXPECT_EQ(checks, 2);
+  std::thread([call = CurrentCall()] {
+    const LimitsScope joined(call);
+    RequireTime();
+  }).join();
+  EXPECT_EQ(checks, 2);
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ namespace {
 
 using namespace detail;
 
-/// Reads a part of the file; what is missing at the end is left out.
+/// Reads a part of the file; what is missing at the end is skipped.
 std::vector<uint8_t> PartOf(TStream& stream, uint64_t position, uint64_t count) {
   RequirePictureMemory(count, "BMP: a part of the file");
   std::vector<uint8_t> bytes(count);

@@ -58,7 +58,7 @@ class HeaderReader {
       header_.warnings.emplace_back("GIF: the file is cut off");
     } else if (!rest_.empty()) {
       header_.hiddenOthers.push_back(
-          fmt::format("{} bytes behind the end of the picture", rest_.size()));
+          fmt::format("{} bytes after the end of the picture", rest_.size()));
     }
     if (!header_.layout.palette) header_.layout.palette = GrayPalette(256);
     header_.frames = frames_;

@@ -170,7 +170,8 @@ PixelLayout ReadLayout(FieldReader& fields) {
 
 void WriteHeader(FieldWriter& fields, const PictureHeader& header) {
   const auto& [width, height, layout, form, metadata, orientation, pages, frames, smallerCopies,
-               masks, positionTags, hiddenCopies, hiddenOthers, trailerAt, warnings] = header;
+               masks, positionTags, hiddenCopies, hiddenOthers, trailerAt, isCutOff, warnings] =
+      header;
   fields.I32(width);
   fields.I32(height);
   WriteLayout(fields, layout);
@@ -182,13 +183,14 @@ void WriteHeader(FieldWriter& fields, const PictureHeader& header) {
   WriteNames(fields, hiddenCopies);
   WriteNames(fields, hiddenOthers);
   fields.U64(trailerAt);
+  fields.Bool(isCutOff);
   WriteWarnings(fields, warnings);
 }
 
 PictureHeader ReadHeader(FieldReader& fields) {
   PictureHeader header;
   auto& [width, height, layout, form, metadata, orientation, pages, frames, smallerCopies, masks,
-         positionTags, hiddenCopies, hiddenOthers, trailerAt, warnings] = header;
+         positionTags, hiddenCopies, hiddenOthers, trailerAt, isCutOff, warnings] = header;
   width = ReadCount(fields);
   height = ReadCount(fields);
   layout = ReadLayout(fields);
@@ -200,6 +202,7 @@ PictureHeader ReadHeader(FieldReader& fields) {
   hiddenCopies = ReadNames(fields);
   hiddenOthers = ReadNames(fields);
   trailerAt = fields.U64();
+  isCutOff = fields.Bool();
   warnings = ReadWarnings(fields);
   return header;
 }

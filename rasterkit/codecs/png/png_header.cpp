@@ -160,7 +160,7 @@ void HeaderReader::Add(const PngChunk& chunk) {
     if (!IsAncillaryPng(chunk.kind) && chunk.kind != kEnd) {
       throw FormatError(fmt::format("PNG: the checksum of {} is wrong", NameOf(chunk.kind)));
     }
-    Warn(fmt::format("the checksum of {} is wrong, it is left out", NameOf(chunk.kind)));
+    Warn(fmt::format("the checksum of {} is wrong, it is skipped", NameOf(chunk.kind)));
   } else if (chunk.kind == kPalette) {
     if (header_.layout.model == ColorModel::palette) {
       header_.layout.palette = PaletteOf(chunk.data);
@@ -197,10 +197,11 @@ PictureHeader HeaderReader::Read() {
   while (chunks.Next()) Add(chunks.Chunk());
   if (chunks.IsCutOff()) {
     hasData_ = hasData_ || (chunks.Rest().size() > 8 && LongAt(chunks.Rest(), 4) == kData);
+    header_.isCutOff = true;
     Warn("the file is cut off");
   } else if (!chunks.Rest().empty()) {
     header_.hiddenOthers.push_back(
-        fmt::format("{} bytes behind the end of the picture", chunks.Rest().size()));
+        fmt::format("{} bytes after the end of the picture", chunks.Rest().size()));
   }
   if (!hasData_) throw FormatError("PNG: the file has no pixels");
   if (size.IsPalette() && !header_.layout.palette) {

@@ -35,6 +35,8 @@ struct PictureHeader {
   std::vector<std::string> hiddenCopies, hiddenOthers;
   /// Place of what follows the end of a JPEG picture; 0 if nothing does.
   uint64_t trailerAt = 0;
+  /// True if the file is cut off, so that its compressed pixels must not be copied. Set for PNG.
+  bool isCutOff = false;
   std::vector<std::string> warnings;
 };
 

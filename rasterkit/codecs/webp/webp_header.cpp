@@ -84,7 +84,7 @@ class HeaderReader {
     const uint64_t end = stated + kHeaderBytes + stated % 2;
     if (end < file_.size()) {
       header_.hiddenOthers.push_back(
-          fmt::format("{} bytes behind the end of the picture", file_.size() - end));
+          fmt::format("{} bytes after the end of the picture", file_.size() - end));
     }
   }
 

@@ -41,12 +41,12 @@ class RASTERKIT_EXPORT PngChunks {
  public:
   explicit PngChunks(std::span<const uint8_t> file);
 
-  /// Goes to the next chunk; false behind the end chunk or where the file is cut off.
+  /// Goes to the next chunk; false after the end chunk or where the file is cut off.
   bool Next();
   const PngChunk& Chunk() const { return chunk_; }
   /// True if the walk ended before an end chunk.
   bool IsCutOff() const { return isCutOff_; }
-  /// What the walk has not read: bytes behind the end chunk, or of a chunk that is not whole.
+  /// What the walk has not read: bytes after the end chunk, or of a chunk that is not whole.
   std::span<const uint8_t> Rest() const { return rest_; }
 
  private:

@@ -55,7 +55,7 @@ void Append(std::vector<uint8_t>& bytes, std::string_view text) {
   bytes.insert(bytes.end(), text.begin(), text.end());
 }
 
-/// Appends a text, deflated if asked for.
+/// Appends a text, deflated if requested.
 void AppendContent(std::vector<uint8_t>& bytes, std::string_view text, bool isCompressed) {
   if (!isCompressed) {
     Append(bytes, text);

@@ -95,7 +95,7 @@ TEST(GifHeader, EveryCut_Should_BeAWarningOrAnError) {
     }
   }
   EXPECT_THAT(ReadGifHeader(whole + ByteList{1, 2, 3}).hiddenOthers,
-              ElementsAre("3 bytes behind the end of the picture"));
+              ElementsAre("3 bytes after the end of the picture"));
 }
 
 TEST(WebpHeader, Should_HoldWhatTheFileStates) {
@@ -118,7 +118,7 @@ TEST(WebpHeader, Should_HoldWhatTheFileStates) {
   EXPECT_EQ(*header.metadata.profile, profile);
   EXPECT_THAT(header.warnings, IsEmpty());
   EXPECT_THAT(ReadWebpHeader(file + ByteList{1, 2, 3}).hiddenOthers,
-              ElementsAre("3 bytes behind the end of the picture"));
+              ElementsAre("3 bytes after the end of the picture"));
   EXPECT_THAT(ReadWebpHeader(std::span(file).first(file.size() - 3)).warnings,
               ElementsAre("WebP: the file is cut off"));
   EXPECT_THROW(ReadWebpHeader(std::span(file).first(20)), FormatError);

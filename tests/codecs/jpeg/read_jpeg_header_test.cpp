@@ -280,11 +280,8 @@ TEST(JpegHeaderCorpus, Form_Should_EqualThatOfTheBareLibrary) {
 
 /// Lines of "exiftool -n -T" for the files: tab-separated values, "-" if absent.
 std::vector<std::vector<std::string>> ExiftoolTable(const std::string& tags) {
-  const std::string command =
-      "exiftool -q -r -n -T -p- /dev/null >/dev/null 2>&1; "
-      "cd '" +
-      CorpusFolder().string() + "' && exiftool -q -r -n -T " + tags +
-      " -if '$FileType eq \"JPEG\"' exif jpeg 2>/dev/null";
+  const std::string command = "cd '" + CorpusFolder().string() + "' && exiftool -q -r -n -T " +
+                              tags + " -if '$FileType eq \"JPEG\"' exif jpeg 2>/dev/null";
   FILE* pipe = popen(command.c_str(), "r");
   std::string text;
   char buffer[4096];

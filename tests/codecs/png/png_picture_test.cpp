@@ -390,7 +390,7 @@ TEST(PngPicture, Header_Should_FindWhatStandsBehindThePixels) {
   ASSERT_EQ(header.metadata.pngChunks.size(), 1u);
   EXPECT_TRUE(header.metadata.pngChunks[0].isBehindPixels);
   EXPECT_THAT(header.hiddenOthers,
-              ElementsAre("chunk prVT of 2 bytes", "3 bytes behind the end of the picture"));
+              ElementsAre("chunk prVT of 2 bytes", "3 bytes after the end of the picture"));
   PictureWriting writing;
   writing.metadata = header.metadata;
   const ByteList copy = Copied(file, writing);
@@ -459,13 +459,15 @@ TEST(PngPicture, Damage_Should_BeAWarningOrAnError) {
   const size_t textAt = 8 + 25 + 8 + 2;
   file[textAt] ^= 1;
   EXPECT_THAT(ReadPngHeader(file).warnings,
-              ElementsAre("PNG: the checksum of tEXt is wrong, it is left out"));
+              ElementsAre("PNG: the checksum of tEXt is wrong, it is skipped"));
   EXPECT_THAT(ReadPngHeader(file).metadata.texts, IsEmpty());
   file = whole;
   file[20] ^= 1;
   EXPECT_THROW(ReadPngHeader(file), FormatError);
   file = ByteList(whole.begin(), whole.end() - 12);
   EXPECT_THAT(ReadPngHeader(file).warnings, ElementsAre("PNG: the file is cut off"));
+  EXPECT_TRUE(ReadPngHeader(file).isCutOff);
+  EXPECT_FALSE(ReadPngHeader(whole).isCutOff);
   TMemoryStream stream;
   EXPECT_THROW(CopyPng(file, {}, stream), UnsupportedError);
   EXPECT_EQ(stream.Size(), 0u);

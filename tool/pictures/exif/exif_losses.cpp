@@ -11,7 +11,7 @@
 #include <rasterkit/jpegexif/jpeg_sections.h>
 #include <rasterkit/pictures/reading/photo_facts.h>
 
-#include "tool/pictures/exif/exif_block.h"
+#include "tool/pictures/exif/exif_section.h"
 #include "tool/pictures/exif/jpeg_header.h"
 
 namespace rasterkit::tool {

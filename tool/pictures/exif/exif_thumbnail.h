@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tool/pictures/exif/exif_block.h"
+#include "tool/pictures/exif/exif_section.h"
 
 /// The thumbnail of an EXIF section, located by the entries of its directory. The library's own
 /// thumbnail routines search for a table after a start marker instead, add a byte after the end,

@@ -10,6 +10,7 @@
 #include <rasterkit/codecs/tiff/pages/page_metadata.h>
 #include <rasterkit/codecs/tiff/pages/tag_file_writer.h>
 #include <rasterkit/codecs/tiff/pages/tag_kinds.h>
+#include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/exif_tags_of_tiff.h>
 
 namespace rasterkit::detail {
@@ -222,7 +223,12 @@ PageTags TagsOfMetadata(const PictureWriting& writing, const SampleFacts& sample
   MainTags main(tags.main);
   main.Add(WordTag(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT));
   TiffDirectories exif;
-  if (!metadata.exif.empty()) exif = TagsOfExif(metadata.exif);
+  if (!metadata.exif.empty()) {
+    exif = TagsOfExif(metadata.exif);
+    if (ExifBlock(metadata.exif).HasThumbnail()) {
+      changes.Note("TIFF: the thumbnail of the EXIF block is dropped: it is a copy of the picture");
+    }
+  }
   // Without a known resolution the block may still state an aspect ratio.
   const bool keepsStated =
       !metadata.resolution.IsKnown() || StatesResolution(exif.main, metadata.resolution);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <tiffio.h>
 
+#include <rasterkit/codecs/rows/plausible_size.h>
 #include <rasterkit/codecs/tiff/pages/form_choice.h>
 #include <rasterkit/codecs/tiff/pages/page_facts.h>
 #include <rasterkit/codecs/tiff/pages/page_plan.h>
@@ -221,10 +222,10 @@ uint64_t PagePlan::MostBytes() const {
   if (bits == 1 && form.compression != COMPRESSION_LZW && form.compression != COMPRESSION_NONE) {
     growth = 16 * 6 + 1;
   }
-  const uint64_t rows = BlockRowBytes() * BlockHeight();
+  const uint64_t rows = SaturatedProduct(BlockRowBytes(), BlockHeight());
   constexpr uint64_t kBlockSpare = 1024;
   const uint64_t block = rows > UINT64_MAX / growth ? UINT64_MAX : rows * growth / 16 + kBlockSpare;
-  return block > UINT64_MAX / Blocks() ? UINT64_MAX : block * Blocks();
+  return SaturatedProduct(block, Blocks());
 }
 
 PagePlan PlanPage(const Pixels& pixels, const Form& wanted, Changes& changes) {

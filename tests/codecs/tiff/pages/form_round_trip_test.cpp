@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <tiffio.h>
 
+#include <rasterkit/codecs/tiff/pages/page_plan.h>
+
 #include "tests/codecs/tiff/pages/page_pixels.h"
 
 namespace rasterkit::test {
@@ -123,6 +125,48 @@ TEST(TiffFormRoundTrip, Should_KeepTheForm_When_PixelsAllowIt) {
       }
     }
   }
+}
+
+TEST(TiffFormRoundTrip, Should_ReckonWithTheWorstCase_When_FileMayExceedFourGiB) {
+  detail::PagePlan plan;
+  plan.width = plan.height = 60000;
+  plan.form = StripForm(COMPRESSION_NONE);
+  EXPECT_LT(plan.MostBytes(), uint64_t{1} << 32);
+  plan.form.compression = COMPRESSION_LZW;
+  EXPECT_GT(plan.MostBytes(), uint64_t{1} << 32);
+  plan.form.compression = COMPRESSION_NONE;
+  plan.samples = 2;
+  EXPECT_GE(plan.MostBytes(), uint64_t{2} * 60000 * 60000);
+  plan.form.isPlanar = true;
+  EXPECT_GE(plan.MostBytes(), uint64_t{2} * 60000 * 60000);
+  // Sides whose product does not fit 64 bits.
+  plan.width = plan.height = 0x7FFFFFFF;
+  plan.samples = 65535;
+  plan.bits = 64;
+  plan.form.rowsPerStrip = plan.height;
+  EXPECT_GT(plan.MostBytes(), uint64_t{1} << 63);
+}
+
+TEST(TiffFormRoundTrip, Should_GiveTheUsualForm_When_OnlyACompressionIsNamed) {
+  std::mt19937 random(kSeed);
+  const Pixels colors = RandomRaster(pf24bit, 30, 20, random);
+  const Pixels plan = RandomRaster(pf1bit, 30, 20, random);
+  const auto written = [](const Pixels& pixels, TiffCompression compression) {
+    PictureWriting writing;
+    writing.form = FormFor(compression, LayoutOf(pixels));
+    WrittenPicture result;
+    Written(pixels, writing, &result);
+    return std::get<TiffForm>(result.form);
+  };
+  EXPECT_EQ(written(colors, TiffCompression::standard).compression, COMPRESSION_LZW);
+  EXPECT_EQ(written(colors, TiffCompression::standard).predictor, 2);
+  EXPECT_EQ(written(plan, TiffCompression::standard).compression, COMPRESSION_CCITTFAX4);
+  EXPECT_EQ(written(plan, TiffCompression::lzw).predictor, 1);
+  EXPECT_EQ(written(colors, TiffCompression::none).compression, COMPRESSION_NONE);
+  EXPECT_EQ(written(colors, TiffCompression::packBits).compression, COMPRESSION_PACKBITS);
+  EXPECT_EQ(written(colors, TiffCompression::deflate).compression, COMPRESSION_ADOBE_DEFLATE);
+  EXPECT_EQ(written(colors, TiffCompression::group4).compression, COMPRESSION_ADOBE_DEFLATE);
+  EXPECT_EQ(written(plan, TiffCompression::group4).compression, COMPRESSION_CCITTFAX4);
 }
 
 struct Misfit {

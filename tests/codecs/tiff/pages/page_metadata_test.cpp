@@ -112,6 +112,42 @@ TEST(TiffPageMetadata, Should_WriteUpright_When_ExifStatesAnotherOrientation) {
   EXPECT_EQ(ExifBlock(header.metadata.exif).Number(ExifDirectoryId::main, TIFFTAG_ORIENTATION), 1u);
 }
 
+TEST(TiffPageMetadata, Should_NameTheThumbnail_When_ExifHasOne) {
+  std::mt19937 random(3);
+  PictureWriting writing = FullWriting();
+  ExifBlock exif(writing.metadata.exif);
+  const std::vector<uint8_t> jpeg = {0xFF, 0xD8, 0xFF, 0xD9};
+  exif.SetThumbnail(jpeg);
+  writing.metadata.exif = exif.Bytes();
+  WrittenPicture written;
+  const std::vector<uint8_t> bytes =
+      Written(Pixels(RandomRaster(pf24bit, 20, 10, random)), writing, &written);
+  EXPECT_THAT(written.changes.losses, IsEmpty());
+  EXPECT_THAT(written.changes.notes, testing::ElementsAre(HasSubstr("thumbnail")));
+  ExpectSameMetadata(HeaderOf(bytes), writing);
+}
+
+TEST(TiffPageMetadata, Should_LoseTheProfile_When_ItIsOfOtherPixels) {
+  std::mt19937 random(3);
+  PictureWriting writing = FullWriting();
+  std::vector<uint8_t> profile(200, 0);
+  const std::string space = "CMYK", mark = "acsp";
+  std::copy(space.begin(), space.end(), profile.begin() + 16);
+  std::copy(mark.begin(), mark.end(), profile.begin() + 36);
+  writing.metadata.profile = std::make_shared<const std::vector<uint8_t>>(profile);
+  WrittenPicture written;
+  const std::vector<uint8_t> bytes =
+      Written(Pixels(RandomRaster(pf24bit, 20, 10, random)), writing, &written);
+  ASSERT_EQ(written.changes.losses.size(), 1u);
+  EXPECT_EQ(written.changes.losses[0].kind, LossKind::profile);
+  EXPECT_FALSE(HeaderOf(bytes).metadata.profile);
+  PixelLayout inks;
+  inks.bands = 4;
+  inks.model = ColorModel::cmyk;
+  const Pixels pixels = RandomSamplesOf(inks, 20, 10, false, random);
+  EXPECT_TRUE(HeaderOf(Written(pixels, writing)).metadata.profile);
+}
+
 TEST(TiffPageMetadata, Should_NameLosses_When_TextsHaveNoPlace) {
   std::mt19937 random(3);
   PictureWriting writing;

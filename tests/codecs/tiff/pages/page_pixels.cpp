@@ -112,15 +112,17 @@ void AddRasterKinds(std::vector<PageKind>& kinds) {
         const tagPALETTEENTRY colors[] = {{255, 255, 255, 0}, {0, 0, 0, 0}};
         raster.palette = HPALETTE(colors);
       }));
-  for (const auto& [format, bits] : {std::pair(pf4bit, 4), std::pair(pf8bit, 8)}) {
-    kinds.push_back(RasterKind(fmt::format("{}-bit gray", bits), format, ColorModel::gray, bits, 1,
-                               [=](Raster& raster) { raster.palette = GrayPalette(1 << bits); }));
-  }
-  for (const auto& [format, bits] :
-       {std::pair(pf1bit, 1), std::pair(pf4bit, 4), std::pair(pf8bit, 8)}) {
-    kinds.push_back(RasterKind(fmt::format("{}-bit palette", bits), format, ColorModel::palette,
-                               bits, 1,
-                               [=](Raster& raster) { raster.palette = MixedPalette(1 << bits); }));
+  for (const TPixelFormat format : {pf1bit, pf4bit, pf8bit}) {
+    const int bits = StoredBitsPerPixel(format);
+    const auto name = [&](const char* what) { return fmt::format("{}-bit {}", bits, what); };
+    if (bits > 1) {
+      kinds.push_back(
+          RasterKind(name("gray"), format, ColorModel::gray, bits, 1,
+                     [bits](Raster& raster) { raster.palette = GrayPalette(1 << bits); }));
+    }
+    kinds.push_back(
+        RasterKind(name("palette"), format, ColorModel::palette, bits, 1,
+                   [bits](Raster& raster) { raster.palette = MixedPalette(1 << bits); }));
   }
   kinds.push_back(RasterKind("24-bit", pf24bit, ColorModel::rgb, 8, 3));
   kinds.push_back(RasterKind("32-bit alpha", pf32bit, ColorModel::rgb, 8, 4,

@@ -2,8 +2,8 @@
 #include <limits>
 #include <vector>
 
-#include <rasterkit/bands/sample_values.h>
-#include <rasterkit/bands/wider_rows.h>
+#include <rasterkit/bands/colors/sample_values.h>
+#include <rasterkit/bands/colors/wider_rows.h>
 #include <rasterkit/kernels/rows/packed_pixels.h>
 
 namespace rasterkit::detail {

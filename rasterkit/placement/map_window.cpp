@@ -4,10 +4,10 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/pictures/map_rect.h>
+#include <rasterkit/placement/map_window.h>
 #include <rasterkit/runtime/errors.h>
 
-namespace rasterkit::detail {
+namespace rasterkit {
 namespace {
 
 struct Edges {
@@ -38,14 +38,15 @@ Run PixelsBetween(const Edges& edges, int size) {
 
 }  // namespace
 
-CropStep CropOfMap(const MapRect& rect, const Affine& position, int width, int height) {
-  if (!(rect.minX < rect.maxX && rect.minY < rect.maxY)) {
+PixelWindow WindowOfMap(MapPoint least, MapPoint greatest, const Affine& position, int width,
+                        int height) {
+  if (!(least.x < greatest.x && least.y < greatest.y)) {
     throw RangeError("the rectangle on the map has no area");
   }
   constexpr double kHalf = 0.5;
   Edges columns, rows;
-  for (const double x : {rect.minX, rect.maxX}) {
-    for (const double y : {rect.minY, rect.maxY}) {
+  for (const double x : {least.x, greatest.x}) {
+    for (const double y : {least.y, greatest.y}) {
       const std::optional<MapPoint> pixel = position.Back({x, y});
       if (!pixel) throw RangeError("the position on the map cannot be inverted");
       columns.Include(pixel->x + kHalf);
@@ -63,4 +64,4 @@ CropStep CropOfMap(const MapRect& rect, const Affine& position, int width, int h
   return {across.first, down.first, across.count, down.count};
 }
 
-}  // namespace rasterkit::detail
+}  // namespace rasterkit

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include <rasterkit/bands/sample_values.h>
+#include <rasterkit/bands/colors/sample_values.h>
 
 namespace rasterkit::detail {
 

@@ -1,4 +1,4 @@
-#include "tool/pictures/exif/exif_block.h"
+#include "tool/pictures/exif/exif_section.h"
 
 #include <algorithm>
 #include <cstring>
