@@ -1,14 +1,18 @@
 #include <iostream>
-#include <memory>
 
 #include <rasterkit/rasterkit.h>
 
 int main() {
-  // A photo with EXIF orientation 3, 6 or 8 is turned upright. Mirrored ones (2, 4, 5, 7) are not.
-  std::unique_ptr<rasterkit::TGraphic> photo = rasterkit::LoadGraphic("photo.jpg");
-  if (photo == nullptr) {  // missing, unknown extension, or unreadable
-    std::cerr << "photo.jpg cannot be loaded\n";
+  try {
+    // Reads headers only. The photo is upright from here on, in all eight orientations.
+    const rasterkit::Picture photo = rasterkit::Picture::Open("photo.jpg");
+    // The file keeps date, GPS, texts, profile and resolution. What it cannot hold is a loss.
+    const rasterkit::Report report = photo.Save("upright.png");
+    for (const rasterkit::Loss& loss : report.losses) {
+      std::cerr << "lost: " << loss.what << ": " << loss.why << '\n';
+    }
+  } catch (const rasterkit::Error& error) {  // names the file and says why
+    std::cerr << error.what() << '\n';
     return 1;
   }
-  rasterkit::SaveGraphic("upright.png", photo);  // throws rasterkit::Error
 }

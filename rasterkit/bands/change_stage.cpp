@@ -74,17 +74,21 @@ class ChangeColorsOfRows : public Stage {
     return {first, std::min(source_.height, target.first + target.count + 1) - first};
   }
 
-  Pixels Make(Pixels source, const StageRun& run, Changes&) const override {
+  Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
     detail::RequireSides(source, source_);
     auto* raster = std::get_if<Raster>(&source);
     if (raster == nullptr) {
       throw UnsupportedError("colors are changed in pictures of 1 to 32 bits per pixel only");
     }
+    const bool hadKey = raster->transparentColor.has_value();
     const int piece = detail::PieceOf(source_.height, raster->Stride());
-    if (reach_ != Reach::wholePicture && piece < source_.height) {
-      return InPieces(*raster, piece, run);
+    const bool isInPieces = reach_ != Reach::wholePicture && piece < source_.height;
+    Raster made = isInPieces ? InPieces(*raster, piece, run) : Changed(std::move(*raster), run);
+    const bool setsEntries = std::holds_alternative<SetPaletteEntries>(change_);
+    if (setsEntries && hadKey && !made.transparentColor) {
+      changes.Lose(LossKind::transparentColor, "the transparent color",
+                   "its palette entry got another color");
     }
-    Raster made = Changed(std::move(*raster), run);
     if (run.progress) run.progress(1);
     return made;
   }

@@ -158,8 +158,8 @@ class StepAdder {
 
   void operator()(const PlaceStep& step) {
     const std::optional<Affine> toNew = state_.toOld.Inverse();
-    if (!step.affine.IsFinite() || !step.affine.Inverse() || !toNew) {
-      throw RangeError("six numbers of a position must be finite and span an area");
+    if (!step.affine.IsFinite() || !toNew) {
+      throw RangeError("the six numbers of a position must be finite");
     }
     state_.given = step.affine.After(*toNew);
   }

@@ -90,9 +90,9 @@ class DrawnSource : public PictureSource {
   TMetafile metafile_;
 };
 
-SourcePtr SourceOfBytes(PictureBytes bytes, const OpenOptions& options) {
-  const LimitsScope limits;
+SourcePtr SourceOfKind(PictureBytes bytes, const OpenOptions& options) {
   const PictureType type = SniffPictureType(*bytes.Stream());
+  if (bytes.Size() == 0) throw FormatError("the file is empty");
   if (type == PictureType::pdf) {
     throw UnsupportedError("a PDF file has pages: draw one of them (see PdfDocument)");
   }
@@ -103,6 +103,17 @@ SourcePtr SourceOfBytes(PictureBytes bytes, const OpenOptions& options) {
     return std::make_shared<DrawnSource>(std::move(bytes), type, options);
   }
   return std::make_shared<FileSource>(std::move(bytes), type, options);
+}
+
+SourcePtr SourceOfBytes(PictureBytes bytes, const OpenOptions& options) {
+  const LimitsScope limits;
+  SourcePtr source = SourceOfKind(std::move(bytes), options);
+  // Compressed pixels may be copied without a look at the limits.
+  const PictureHeader& header = source->Header();
+  RequirePictureSize(static_cast<uint64_t>(header.width), static_cast<uint64_t>(header.height),
+                     "a picture of " + std::to_string(header.width) + " x " +
+                         std::to_string(header.height) + " pixels");
+  return source;
 }
 
 }  // namespace

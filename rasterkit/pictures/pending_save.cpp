@@ -63,8 +63,12 @@ PendingSave::State::State(const Picture& picture, const std::string& name,
 }
 
 PendingSave::PendingSave(const Picture& picture, const std::string& file,
-                         const SaveOptions& options, const Run& run)
-    : state_(std::make_unique<State>(picture, file, options, run)) {}
+                         const SaveOptions& options, const Run& run) try
+    : state_(std::make_unique<State>(picture, file, options, run)) {
+} catch (Error& error) {
+  error.AttachFile(file);
+  throw;
+}
 
 PendingSave::~PendingSave() = default;
 PendingSave::PendingSave(PendingSave&&) noexcept = default;

@@ -51,7 +51,7 @@ bool HasThumbnail(const Metadata& metadata) {
 /// Places the picture anew. What else the source states of its position would contradict it.
 void SetPosition(Placement& placement, const Affine& affine) {
   placement.affine = affine;
-  placement.stated = {{PositionSource::given, {}, affine, 0}};
+  placement.stated.insert(placement.stated.begin(), {PositionSource::given, {}, affine, 0});
   placement.controlPoints.clear();
   placement.rationalModel.clear();
 }

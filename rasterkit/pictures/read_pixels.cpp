@@ -40,6 +40,17 @@ void ExchangeRow(const uint8_t* row, int width, int bands, uint8_t* target) {
   }
 }
 
+/// A change that refuses the pixels does not fit the picture: the file is not damaged. Other errors
+/// are none of the source and get no name here.
+Pixels Changed(Pixels pixels, const PictureSource& source, const PictureState& state,
+               const StageRun& run, Changes& changes) {
+  try {
+    return RunStages(std::move(pixels), state.stages, run, changes);
+  } catch (const FormatError& error) {
+    throw RangeError(error.Reason(), source.File());
+  }
+}
+
 }  // namespace
 
 DecodedPicture ReadPixels(const PictureSource& source, const PictureState& state,
@@ -50,14 +61,13 @@ DecodedPicture ReadPixels(const PictureSource& source, const PictureState& state
   try {
     RequireTime();
     read.pixels = source.ReadPixels(run.threads, report);
-    if (run.progress) run.progress(border);
-    if (!state.stages.empty()) {
-      read.pixels =
-          RunStages(std::move(read.pixels), state.stages, PartOf(run, border, 1), changes);
-    }
   } catch (Error& error) {
     error.AttachFile(source.File());
     throw;
+  }
+  if (run.progress) run.progress(border);
+  if (!state.stages.empty()) {
+    read.pixels = Changed(std::move(read.pixels), source, state, PartOf(run, border, 1), changes);
   }
   read.damage = std::move(report.warnings);
   std::visit([&](auto& rows) { rows.resolution = state.metadata.resolution; }, read.pixels);

@@ -1,4 +1,5 @@
-#include <array>
+#include <string_view>
+#include <utility>
 
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/image_resources.h>
@@ -11,6 +12,22 @@ namespace {
 
 constexpr uint16_t kGpsPointer = 0x8825;
 
+/// The properties of XMP that stand for the tags of EXIF's GPS directory.
+constexpr std::string_view kGpsProperties[] = {"GPSVersionID",       "GPSLatitude",
+                                               "GPSLongitude",       "GPSAltitudeRef",
+                                               "GPSAltitude",        "GPSTimeStamp",
+                                               "GPSSatellites",      "GPSStatus",
+                                               "GPSMeasureMode",     "GPSDOP",
+                                               "GPSSpeedRef",        "GPSSpeed",
+                                               "GPSTrackRef",        "GPSTrack",
+                                               "GPSImgDirectionRef", "GPSImgDirection",
+                                               "GPSMapDatum",        "GPSDestLatitude",
+                                               "GPSDestLongitude",   "GPSDestBearingRef",
+                                               "GPSDestBearing",     "GPSDestDistanceRef",
+                                               "GPSDestDistance",    "GPSProcessingMethod",
+                                               "GPSAreaInformation", "GPSHPositioningError",
+                                               "GPSDifferential"};
+
 void StripGps(ExifBlock& exif) {
   for (const TagValue& value : exif.All(ExifDirectoryId::gps)) {
     exif.Remove(ExifDirectoryId::gps, value.tag);
@@ -18,13 +35,8 @@ void StripGps(ExifBlock& exif) {
   exif.Remove(ExifDirectoryId::main, kGpsPointer);
 }
 
-/// Every thumbnail that belongs to the metadata: of EXIF, of Photoshop, of XMP.
-void StripThumbnails(Metadata& metadata) {
-  if (!metadata.exif.empty()) {
-    ExifBlock exif(std::move(metadata.exif));
-    exif.RemoveThumbnail();
-    metadata.exif = exif.TakeBytes();
-  }
+/// Those of Photoshop and of XMP.
+void StripOtherThumbnails(Metadata& metadata) {
   ImageResources resources(metadata.photoshop);
   const bool hadThumbnail = resources.Remove(image_resource::kThumbnail);
   if (resources.Remove(image_resource::kOldThumbnail) || hadThumbnail) {
@@ -37,23 +49,26 @@ void StripThumbnails(Metadata& metadata) {
   }
 }
 
-void SetResolution(Metadata& metadata, const Resolution& resolution) {
-  constexpr uint16_t kX = 282, kY = 283, kUnit = 296, kInch = 2;
-  metadata.resolution = resolution;
-  if (metadata.exif.empty()) return;
-  ExifBlock exif(std::move(metadata.exif));
-  if (!exif.IsDamaged() && exif.Has(ExifDirectoryId::main, kX)) {
-    exif.SetRational(ExifDirectoryId::main, kX, resolution.x);
-    exif.SetRational(ExifDirectoryId::main, kY, resolution.y);
-    exif.SetWords(ExifDirectoryId::main, kUnit, std::array{kInch});
-  }
-  metadata.exif = exif.TakeBytes();
+void StripGps(std::string& xmp) {
+  XmpPacket packet(xmp);
+  for (const std::string_view name : kGpsProperties) packet.Remove(xmp_name::kExif, name);
+  // A position that cannot be found must not stay.
+  xmp = packet.IsDamaged() ? std::string() : packet.Text();
+}
+
+void StripExif(std::vector<uint8_t>& bytes, const MetadataEdit& edit) {
+  ExifBlock exif(std::move(bytes));
+  bytes.clear();
+  // A damaged block cannot be changed: what it has could stay.
+  if (exif.IsDamaged()) return;
+  if (edit.stripGps) StripGps(exif);
+  if (edit.stripThumbnail) exif.RemoveThumbnail();
+  bytes = exif.TakeBytes();
 }
 
 }  // namespace
 
 void StripMetadata(Metadata& metadata, const MetadataEdit& edit) {
-  if (edit.resolution) SetResolution(metadata, *edit.resolution);
   if (edit.stripAll) {
     Metadata kept;
     kept.profile = metadata.profile;
@@ -62,11 +77,11 @@ void StripMetadata(Metadata& metadata, const MetadataEdit& edit) {
     metadata = std::move(kept);
     return;
   }
-  if (edit.stripThumbnail) StripThumbnails(metadata);
-  if (metadata.exif.empty() || !edit.stripGps) return;
-  ExifBlock exif(std::move(metadata.exif));
-  StripGps(exif);
-  metadata.exif = exif.TakeBytes();
+  const bool touchesExif = edit.stripGps || edit.stripThumbnail;
+  if (touchesExif && !metadata.exif.empty()) StripExif(metadata.exif, edit);
+  if (edit.stripGps && !metadata.xmp.empty()) StripGps(metadata.xmp);
+  if (edit.stripGps && !metadata.extendedXmp.empty()) StripGps(metadata.extendedXmp);
+  if (edit.stripThumbnail) StripOtherThumbnails(metadata);
 }
 
 }  // namespace rasterkit::detail

@@ -164,6 +164,26 @@ TEST(PictureLosses, OfGpsAloneOnRequest) {
   EXPECT_EQ(after.All(ExifDirectoryId::exif).size(), before.All(ExifDirectoryId::exif).size());
 }
 
+TEST(PictureLosses, OfGpsInXmpOnRequest) {
+  const TempFolder folder;
+  PictureWriting writing;
+  writing.metadata.xmp =
+      "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
+      "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description rdf:about=\"\" "
+      "xmlns:exif=\"http://ns.adobe.com/exif/1.0/\" exif:GPSLatitude=\"48,8.232N\" "
+      "exif:PixelXDimension=\"20\"/></rdf:RDF></x:xmpmeta>";
+  TMemoryStream stream;
+  WritePicture(PictureType::png, Pixels(GradientRaster(pf24bit, 20, 10)), writing, stream);
+  Picture picture = Picture::Open(folder.Write("a.png", stream.Bytes()));
+  ASSERT_NE(picture.GetMetadata().xmp.find("48,8.232N"), std::string::npos);
+  MetadataEdit edit;
+  edit.stripGps = true;
+  picture.Edit(edit).Save(folder / "b.png");
+  const std::string after = Picture::Open(folder / "b.png").GetMetadata().xmp;
+  EXPECT_EQ(after.find("GPSLatitude"), std::string::npos);
+  EXPECT_NE(after.find("PixelXDimension"), std::string::npos);
+}
+
 TEST(PictureThumbnails, ShowTheNewPixels) {
   const TempFolder folder;
   // A white picture whose old thumbnail is black.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <mutex>
@@ -22,24 +21,16 @@
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/isolation_option.h"
-#include "tool/command/json.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/output_file.h"
 #include "tool/command/output_type.h"
-#include "tool/command/printable.h"
 #include "tool/command/progress.h"
 #include "tool/pictures/memory_need.h"
 #include "tool/pictures/metafile_output.h"
-#include "tool/reports/loss_report.h"
+#include "tool/reports/job_report.h"
 
 namespace rasterkit::tool {
 namespace {
-
-struct Outcome {
-  ExitCode code = exitDone;
-  std::string error;
-  JobResult result;
-};
 
 std::string OutputName(const OutputOptions& options, const std::string& input) {
   std::string name = ExtractFileName(input);
@@ -108,10 +99,6 @@ Outcome RunJob(const OutputOptions& options, const Job& job,
   return outcome;
 }
 
-bool IsFailure(const Outcome& outcome) {
-  return !outcome.error.empty();
-}
-
 /// A pipe gives its bytes only once.
 bool CanBeReadAgain(const std::string& file) {
   std::error_code error;
@@ -131,94 +118,11 @@ Outcome RunJobBesideOthers(const OutputOptions& options, const Job& job,
     const MemoryJobScope memory(NeedOf(job));
     Outcome outcome = RunJob(options, job, work);
     const bool isRepeated =
-        memory.WasRefused() && IsFailure(outcome) && CanBeReadAgain(job.input) && !IsInterrupted();
+        memory.WasRefused() && outcome.IsFailure() && CanBeReadAgain(job.input) && !IsInterrupted();
     if (!isRepeated) return outcome;
   }
   const MemoryJobScope memory(kNoLimit);
   return RunJob(options, job, work);
-}
-
-void PrintJson(const OutputOptions& options, const Job& job, const Outcome& outcome) {
-  const bool ok = !IsFailure(outcome);
-  const auto ifOk = [ok](const Json& value) { return ok ? value : Json(); };
-  const JobResult& result = outcome.result;
-  JsonObject line;
-  line.Add("schema", 1);
-  line.Add("file", job.input);
-  line.Add("output", job.output);
-  if (job.page > 0) line.Add("page", job.page);
-  line.Add("ok", ok);
-  line.Add("error", TextOrNull(outcome.error));
-  line.Add("type", ifOk(result.type));
-  line.Add("width", ifOk(result.width));
-  line.Add("height", ifOk(result.height));
-  line.Add("bits", ifOk(result.bits));
-  if (options.dryRun) line.Add("dry_run", true);
-  line.Add("not_carried_over", LostNames(result));
-  line.Add("losses", LossesJson(result.losses));
-  line.Add("kept", result.kept);
-  line.Add("side_files", result.sideFiles);
-  line.Add("bytes", result.bytes > 0 ? Json(result.bytes) : Json());
-  line.Add("memory", result.memory > 0 ? Json(result.memory) : Json());
-  line.Add("notes", result.notes);
-  line.Add("warnings", result.warnings);
-  PrintLine(line);
-  // A program that reads along sees each picture as soon as it is done.
-  std::fflush(stdout);
-}
-
-void PrintList(const char* title, const std::vector<std::string>& texts) {
-  if (!texts.empty()) fmt::print("  {}{}\n", title, fmt::join(texts, ", "));
-}
-
-/// Results of a dry run stand on stdout.
-void PrintPlan(const Job& job, const JobResult& result) {
-  fmt::print("{}: {}, {} x {} pixels, {} bit{}", OnOneLine(job.output), result.type, result.width,
-             result.height, result.bits, result.bits == 1 ? "" : "s");
-  if (result.bytes > 0) fmt::print(", at most {} bytes", result.bytes);
-  if (result.memory > 0) fmt::print(", at most {} bytes of memory", result.memory);
-  fmt::print("\n");
-  for (const std::string& sideFile : result.sideFiles) fmt::print("  {}\n", OnOneLine(sideFile));
-  PrintList("kept: ", result.kept);
-  for (const std::string& source : result.sources) fmt::print("  position: {}\n", source);
-}
-
-void PrintDetails(const Job& job, const JobResult& result) {
-  for (const std::string& sideFile : result.sideFiles) PrintMessage(job.output + ": " + sideFile);
-  if (!result.kept.empty()) {
-    PrintMessage(fmt::format("{}: kept: {}", job.output, fmt::join(result.kept, ", ")));
-  }
-  for (const std::string& source : result.sources) {
-    PrintMessage(fmt::format("{}: position: {}", job.input, source));
-  }
-}
-
-void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& outcome) {
-  const JobResult& result = outcome.result;
-  if (!options.quiet) {
-    for (const std::string& warning : result.warnings) {
-      PrintMessage(fmt::format("{}: warning: {}", job.input, warning));
-    }
-    const bool saysNotes = !result.isCopied || options.verbose;
-    for (const std::string& note : result.notes) {
-      if (saysNotes) PrintMessage(job.output + ": " + note);
-    }
-  }
-  if (outcome.code == exitInterrupted) {
-    SayInterrupted();
-  } else if (IsFailure(outcome)) {
-    PrintMessage(outcome.error);
-  }
-  const std::string lost = LossText(result);
-  if (!lost.empty()) PrintMessage(fmt::format("{}: lost: {}", job.output, lost));
-  if (IsFailure(outcome)) {
-    // What a failed job would have kept says nothing.
-  } else if (options.dryRun && !options.json) {
-    PrintPlan(job, result);
-  } else if (options.verbose) {
-    PrintDetails(job, result);
-  }
-  if (options.json) PrintJson(options, job, outcome);
 }
 
 /// Adds what the commit had to warn of.
@@ -330,13 +234,13 @@ class Batch {
 
   void Record(size_t index, Outcome outcome) {
     const bool isInterrupted = outcome.code == exitInterrupted;
-    if (IsFailure(outcome) && (!options_.keepGoing || isInterrupted)) stopped_ = true;
+    if (outcome.IsFailure() && (!options_.keepGoing || isInterrupted)) stopped_ = true;
     if (isInterrupted) wasInterrupted_ = true;
     outcomes_[index] = std::move(outcome);
     progress_.Clear();
     for (; printed_ < jobs_.size() && outcomes_[printed_]; ++printed_) {
       const Outcome& finished = *outcomes_[printed_];
-      if (code_ == exitDone || (code_ == exitNotCarriedOver && IsFailure(finished))) {
+      if (code_ == exitDone || (code_ == exitNotCarriedOver && finished.IsFailure())) {
         code_ = finished.code;
       }
       PrintOutcome(options_, jobs_[printed_], finished);

@@ -30,8 +30,8 @@ struct JobResult {
   std::vector<std::string> notCarriedOver;
   /// Problems that did not stop the work, and what was done beside what was asked.
   std::vector<std::string> warnings, notes;
-  /// The notes say that pixels were copied: nothing that a user must know.
-  bool isCopied = false;
+  /// Notes of the library: how the file is built, and what was done on the way.
+  std::vector<std::string> details;
   /// What the output keeps, where its position comes from, and what is done with files beside it.
   std::vector<std::string> kept, sources, sideFiles;
   /// Bytes of the output and memory for making it; bounds in a dry run. 0 if not known.

@@ -4,7 +4,9 @@
 #include <new>
 #include <thread>
 
-#include <rasterkit/codecs/codec_table.h>
+#include <fmt/core.h>
+
+#include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/pictures/pending_save.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
@@ -65,6 +67,8 @@ bool IsPdf(const std::string& file) {
 /// pixels.
 bool IsOfInput(const Error& error, const Job& job) {
   if (error.File() != job.input) return false;
+  // Steps that do not fit the picture.
+  if (dynamic_cast<const RangeError*>(&error) != nullptr) return false;
   // A picture that is written over itself: what cannot be written is an error of the output.
   const bool isOfFile = dynamic_cast<const FileError*>(&error) != nullptr;
   return !isOfFile || job.input != job.output;
@@ -75,7 +79,10 @@ bool IsOfInput(const Error& error, const Job& job) {
   if (dynamic_cast<const CanceledError*>(&error) != nullptr) {
     throw Failure(exitInterrupted, "interrupted");
   }
-  const std::string& file = error.File().empty() ? job.output : error.File();
+  // A limit that is exceeded on the way to the output is no fault of the input.
+  const bool isOfOutput =
+      code == exitOutputNotWritten && dynamic_cast<const LimitError*>(&error) != nullptr;
+  const std::string& file = error.File().empty() || isOfOutput ? job.output : error.File();
   const bool isTaken = dynamic_cast<const FileExistsError*>(&error) != nullptr;
   const std::string reason = isTaken && file == job.output
                                  ? "already exists (--overwrite replaces it)"
@@ -87,7 +94,11 @@ bool IsOfInput(const Error& error, const Job& job) {
 void AddLastSteps(PictureWork& work) {
   const MetadataEdit& edit = work.options.edit;
   if (edit.stripAll || edit.stripGps || edit.stripThumbnail) work.picture.Edit(edit);
-  if (work.options.bits != 0) work.picture.Change(SetBits{work.options.bits});
+  const int bits = work.options.bits;
+  if (bits == 0) return;
+  constexpr int kWithAlpha = 32;
+  if (bits != kWithAlpha) work.PaintTransparent("pixels of this depth have no opacity");
+  work.picture.Change(SetBits{bits});
 }
 
 bool IsDrawn(const Picture& picture) {
@@ -100,6 +111,8 @@ void NoteUnusedSize(PictureWork& work) {
       "--dpi and --size apply only to metafiles; this picture keeps its size");
 }
 
+void NoteOtherCompression(const PictureWork& work, const Report& report, JobResult& result);
+
 JobResult ResultOf(const PictureWork& work, const Report& report) {
   JobResult result;
   result.type = PictureTypeName(report.type);
@@ -110,9 +123,9 @@ JobResult ResultOf(const PictureWork& work, const Report& report) {
   result.warnings = report.warnings;
   result.reportWarnings = report.warnings.size();
   result.warnings.insert(result.warnings.end(), work.warnings.begin(), work.warnings.end());
+  result.losses.insert(result.losses.end(), work.losses.begin(), work.losses.end());
   result.notes = work.notes;
-  result.notes.insert(result.notes.end(), report.notes.begin(), report.notes.end());
-  result.isCopied = report.isCopied;
+  result.details = report.notes;
   result.sideFiles = report.sideFiles;
   result.kept = KeptNames(work.picture, report.losses);
   for (const StatedPosition& position : work.picture.GetPlacement().stated) {
@@ -120,7 +133,19 @@ JobResult ResultOf(const PictureWork& work, const Report& report) {
   }
   result.bytes = report.bytes;
   result.memory = report.memory;
+  NoteOtherCompression(work, report, result);
   return result;
+}
+
+/// An option that cannot be followed is no silent matter.
+void NoteOtherCompression(const PictureWork& work, const Report& report, JobResult& result) {
+  constexpr int kGroup4 = 4;
+  const auto* const form = std::get_if<TiffForm>(&report.form);
+  const bool isOther = work.options.compression == TiffCompression::group4 && form != nullptr &&
+                       form->compression != kGroup4;
+  if (!isOther) return;
+  result.warnings.push_back(fmt::format("CCITT G4 holds black and white only; written with {}",
+                                        TiffCompressionName(form->compression)));
 }
 
 JobResult Plan(const PictureWork& work) {
@@ -155,6 +180,16 @@ RotateOptions PictureWork::Corners() const {
   return {ParseFill(fill).value_or(Fill()), FilterOf(options.filter)};
 }
 
+void PictureWork::PaintTransparent(const std::string& reason) {
+  const AlphaKind alpha = picture.Layout().alpha;
+  if (alpha == AlphaKind::none) return;
+  picture.Change(PaintTransparency{Background()});
+  const bool isColor = alpha == AlphaKind::transparentColor;
+  losses.push_back({isColor ? LossKind::transparentColor : LossKind::alpha,
+                    isColor ? "the transparent color" : "the alpha channel",
+                    reason + ": painted with the background"});
+}
+
 std::unique_ptr<TBitmap> PictureWork::Bitmap() const {
   return picture.Bitmap(RunOf(options));
 }
@@ -177,7 +212,8 @@ Picture OpenPicture(const std::string& file, const PictureOptions& options) {
   } catch (const Error& error) {
     const std::string reason = IsPdf(file) ? "this is a PDF file; 'rasterkit pdf' draws its pages"
                                            : ReasonWithOption(error);
-    throw Failure(exitInputUnreadable, file + ": " + reason);
+    const std::string& name = error.File().empty() ? file : error.File();
+    throw Failure(exitInputUnreadable, name + ": " + reason);
   } catch (const std::bad_alloc&) {
     throw Failure(exitInputUnreadable, file + ": out of memory");
   }

@@ -16,12 +16,16 @@ struct PictureWork {
   Picture picture;
   const Job& job;
   const PictureOptions& options;
-  /// What the verb has to say besides the report of saving.
+  /// What the verb has to say and loses besides the report of saving.
   std::vector<std::string> notes = {}, warnings = {};
+  std::vector<Loss> losses = {};
 
   /// The color of --background, and what --fill and --filter say.
   TColor Background() const;
   RotateOptions Corners() const;
+  /// Paints transparent parts with the color of --background, because of what the picture becomes,
+  /// and counts that as a loss.
+  void PaintTransparent(const std::string& reason);
   /// The pixels to look at.
   std::unique_ptr<TBitmap> Bitmap() const;
   /// Stops the work on this picture: nothing is written. Throws Failure(exitOutputNotWritten) with

@@ -5,21 +5,26 @@
 #include <new>
 #include <span>
 
-#include <rasterkit/codecs/jpeg/jpeg_picture.h>
+#include <fmt/core.h>
+
+#include <rasterkit/codecs/isolated_input.h>
+#include <rasterkit/codecs/isolated_pixels.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/metadata/exif_block.h>
+#include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/raster/pixel_format.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/limits.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
+#include "tool/pictures/picture_input.h"
 #include "tool/reports/exif_dates.h"
 #include "tool/reports/layout_facts.h"
-#include "tool/reports/loaded_facts.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -28,6 +33,13 @@ namespace {
 std::string ReasonOf(const std::string& message, const std::string& file) {
   const std::string prefix = file + ": ";
   return message.rfind(prefix, 0) == 0 ? message.substr(prefix.size()) : message;
+}
+
+/// Decodes the pixels, and throws them away.
+void LoadForFacts(LoadedFrame& loaded, const std::string& file) {
+  MetafileDrawing drawing;
+  drawing.isForFacts = true;
+  LoadFrameInto(loaded, file, 1, drawing);
 }
 
 bool IsMetafile(PictureType type) {
@@ -64,6 +76,8 @@ void TakePlacement(PictureFacts& facts, std::span<const TagValue> tags) {
 }
 
 void TakeHeader(PictureFacts& facts, const PictureHeader& header, PictureType type) {
+  RequirePictureSize(static_cast<uint64_t>(header.width), static_cast<uint64_t>(header.height),
+                     fmt::format("a picture of {} x {} pixels", header.width, header.height));
   facts.width = header.width;
   facts.height = header.height;
   facts.bits = ShownBits(header.layout, type);
@@ -106,42 +120,42 @@ void TakeMetafile(PictureFacts& facts, TStream& stream) {
   facts.warnings = facts.metafile->warnings;
 }
 
-/// The first bytes of a JPEG file, all segments in front of its pixels among them, and its header.
-/// What stands behind the pixels is not read: most of the file is pixels.
-PictureHeader ReadJpegStart(TStream& stream, std::vector<uint8_t>& start) {
-  constexpr uint64_t kFirst = 64 * 1024;
-  for (uint64_t size = std::min(kFirst, stream.Size());; size = std::min(8 * size, stream.Size())) {
-    start.resize(static_cast<size_t>(size));
-    stream.SetPosition(0);
-    start.resize(stream.Read(start));
-    try {
-      return ReadJpegHeader(start);
-    } catch (const FormatError&) {
-      if (size >= stream.Size()) throw;
-    }
-  }
+/// The first bytes of a JPEG file hold what the photo query looks at.
+std::vector<uint8_t> StartOf(TStream& stream) {
+  constexpr uint64_t kMost = 256 * 1024;
+  std::vector<uint8_t> start(static_cast<size_t>(std::min(kMost, stream.Size())));
+  stream.SetPosition(0);
+  start.resize(stream.Read(start));
+  return start;
 }
 
-PictureHeader ReadHeader(PictureFacts& facts, TStream& stream, PictureType type) {
-  if (type == PictureType::jpeg) {
-    std::vector<uint8_t> start;
-    PictureHeader header = ReadJpegStart(stream, start);
-    TakePhotoFacts(facts, ReadPhotoFacts(start));
-    return header;
-  }
-  PictureHeader header = ReadPictureHeader(stream, type);
-  TakePhotoFacts(facts, ReadExifFacts(header.metadata.exif));
+/// A worker process draws a metafile to read its facts.
+void TakeDrawn(PictureFacts& facts) {
+  LoadedFrame loaded;
+  LoadForFacts(loaded, facts.file);
+  facts.metafile = loaded.metafile;
+  facts.width = facts.metafile->width;
+  facts.height = facts.metafile->height;
+  facts.bits = StoredBitsPerPixel(pf24bit);
   facts.photo.rotation = 0;
-  return header;
+  facts.warnings = loaded.warnings;
 }
 
 void ReadFacts(PictureFacts& facts, TStream& stream) {
   const PictureType type = SniffPictureType(stream);
   facts.type = PictureTypeName(type);
   facts.bytes = stream.Size();
+  if (facts.bytes == 0) throw FormatError("the file is empty");
   if (IsMetafile(type)) return TakeMetafile(facts, stream);
   if (type == PictureType::tiff) TakeTiffFacts(facts, stream);
-  TakeHeader(facts, ReadHeader(facts, stream, type), type);
+  const PictureHeader header = ReadPictureFront(stream, type);
+  if (type == PictureType::jpeg) {
+    TakePhotoFacts(facts, ReadPhotoFacts(StartOf(stream)));
+  } else {
+    TakePhotoFacts(facts, ReadExifFacts(header.metadata.exif));
+    facts.photo.rotation = 0;
+  }
+  TakeHeader(facts, header, type);
 }
 
 /// A pipe has no size and cannot be rewound.
@@ -166,6 +180,26 @@ std::string ProblemOf(const std::string& file, const std::function<void()>& read
   } catch (const std::bad_alloc&) {
     return "out of memory";
   }
+}
+
+/// The same facts from worker processes: this one looks at the first bytes alone.
+void ReadIsolated(PictureFacts& facts) {
+  LoadedFrame loaded;
+  PictureReading reading;
+  reading.withPixels = false;
+  reading.isolation = Isolation::process;
+  reading.keepGoing = ContinueUnlessInterrupted;
+  ReadPicture(loaded, facts.file, reading);
+  facts.type = PictureTypeName(loaded.type);
+  facts.bytes = loaded.bytes;
+  facts.tiff = loaded.tiff;
+  if (IsMetafile(loaded.type)) return TakeDrawn(facts);
+  PictureType type = loaded.type;
+  const PictureHeader header = detail::ReadHeaderIsolated(detail::OpenForWorker(facts.file), type,
+                                                          ContinueUnlessInterrupted);
+  TakePhotoFacts(facts, loaded.photo);
+  if (type != PictureType::jpeg) facts.photo.rotation = 0;
+  TakeHeader(facts, header, type);
 }
 
 void TakePdfFacts(PictureFacts& facts) {
@@ -196,21 +230,10 @@ PictureFacts GatherFacts(const std::string& file, bool verifies) {
   PictureFacts facts;
   facts.file = file;
   const bool isIsolated = ReadingIsolation() == Isolation::process;
-  if (isIsolated) {
-    LoadedFrame loaded;
-    facts.error = ProblemOf(file, [&] { LoadForFacts(loaded, file); });
-    TakeLoadedFacts(facts, loaded);
-  } else {
-    facts.error = ProblemOf(file, [&] { ReadFacts(facts); });
-  }
+  facts.error = ProblemOf(file, [&] { isIsolated ? ReadIsolated(facts) : ReadFacts(facts); });
   facts.isKnown = facts.error.empty();
   if (facts.type == PictureTypeName(PictureType::pdf)) TakePdfFacts(facts);
-  if (!verifies || !facts.isKnown) return facts;
-  if (isIsolated) {
-    facts.verified = true;
-  } else {
-    Verify(facts);
-  }
+  if (verifies && facts.isKnown) Verify(facts);
   return facts;
 }
 

@@ -44,10 +44,19 @@ CombineOptions OptionsOf(const CombineArguments& arguments) {
   return options;
 }
 
+/// Both pictures are placed, so that the second one lies where the map says.
+bool LiesOnTheMap(const PictureWork& work, const Picture& over, CombineAlign align) {
+  return align != CombineAlign::none && work.picture.GetPlacement().affine &&
+         over.GetPlacement().affine;
+}
+
 PictureChange Combining(const CombineArguments& arguments) {
   const CombineOptions options = OptionsOf(arguments);
   return [options, over = OpenPicture(arguments.file)](PictureWork& work) {
-    work.picture.Change(PaintTransparency{work.Background()});
+    work.PaintTransparent("the pictures become one without opacity");
+    if (LiesOnTheMap(work, over, options.align)) {
+      work.notes.emplace_back("the pictures are aligned by their positions on the map");
+    }
     work.picture.Combine(over, options);
   };
 }

@@ -47,7 +47,7 @@ VerbRunner AddMonoVerb(CommandLine& line) {
   verb.Color("--dark", options->dark, "color instead of black [black]");
   verb.Color("--light", options->light, "color instead of white [white]");
   return verb.Changing([options](PictureWork& work) {
-    work.picture.Change(PaintTransparency{work.Background()});
+    work.PaintTransparent("black and white has no opacity");
     work.picture.Change(
         MakeMono{options->threshold, ColorOf(options->dark), ColorOf(options->light)});
   });

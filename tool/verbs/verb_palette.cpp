@@ -44,7 +44,7 @@ PictureChange MakingCommon(const PaletteOptions& options, const std::vector<std:
     throw Failure(exitWrongUsage, "--common cannot be used with --set or --first");
   }
   return [palette = ChooseCommonPalette(files).palette](PictureWork& work) {
-    work.picture.Change(PaintTransparency{work.Background()});
+    work.PaintTransparent("the common palette has no transparent entry");
     work.picture.Apply(PixelsStep{WithPalette(*work.Bitmap(), palette)});
   };
 }

@@ -10,22 +10,36 @@ namespace rasterkit {
 namespace {
 
 template <class T>
-T Read(const uint8_t* row, int column) {
+T Read(const uint8_t* place) {
   T value;
-  std::memcpy(&value, row + static_cast<size_t>(column) * sizeof value, sizeof value);
+  std::memcpy(&value, place, sizeof value);
   return value;
 }
 
-double ReadValue(GridType type, const uint8_t* row, int column) {
+double ReadValue(GridType type, const uint8_t* place) {
   switch (type) {
     case GridType::float32:
-      return static_cast<double>(Read<float>(row, column));
+      return static_cast<double>(Read<float>(place));
+    case GridType::float64:
+      return Read<double>(place);
     case GridType::float16:
-      return HalfToDouble(Read<uint16_t>(row, column));
+      return HalfToDouble(Read<uint16_t>(place));
+    case GridType::uint8:
+      return Read<uint8_t>(place);
+    case GridType::int8:
+      return Read<int8_t>(place);
     case GridType::uint16:
-      return Read<uint16_t>(row, column);
+      return Read<uint16_t>(place);
+    case GridType::int16:
+      return Read<int16_t>(place);
+    case GridType::uint32:
+      return Read<uint32_t>(place);
+    case GridType::int32:
+      return Read<int32_t>(place);
+    case GridType::uint64:
+      return static_cast<double>(Read<uint64_t>(place));
     default:
-      return Read<int16_t>(row, column);
+      return static_cast<double>(Read<int64_t>(place));
   }
 }
 
@@ -57,7 +71,9 @@ bool Grid::Holds(double column, double row) const {
 }
 
 double Grid::At(int column, int row) const {
-  return ReadValue(type_, rows_.Row(row), column);
+  const auto x = static_cast<size_t>(column);
+  return numbers_ ? ReadValue(type_, numbers_->Row(row) + x * numbers_->PixelBytes())
+                  : ReadValue(type_, rows_.Row(row) + x * BytesOf(type_));
 }
 
 GridStatistics Summarize(const Grid& grid, const NoData& noData) {

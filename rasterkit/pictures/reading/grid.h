@@ -8,11 +8,12 @@
 #include <rasterkit/placement/no_data.h>
 #include <rasterkit/raster/number_type.h>
 #include <rasterkit/raster/raster.h>
+#include <rasterkit/raster/samples.h>
 #include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
 
-/// Number type of a grid: float32, float16, uint16 or int16.
+/// Number type of a grid.
 using GridType = NumberType;
 
 /// The grid type of a pixel format; nothing for colors.
@@ -26,16 +27,19 @@ class RASTERKIT_EXPORT Grid {
  public:
   /// `rows` has 32 bits per pixel for float32, else 16.
   Grid(Raster rows, GridType type) : rows_(std::move(rows)), type_(type) {}
+  /// Numbers of any type; the first band counts.
+  explicit Grid(Samples numbers) : numbers_(std::move(numbers)), type_(numbers_->Layout().type) {}
 
-  int Width() const { return rows_.Width(); }
-  int Height() const { return rows_.Height(); }
+  int Width() const { return numbers_ ? numbers_->Width() : rows_.Width(); }
+  int Height() const { return numbers_ ? numbers_->Height() : rows_.Height(); }
   GridType Type() const { return type_; }
   bool Holds(double column, double row) const;
-  /// A double holds the values of every type exactly.
+  /// A double holds the values of every type exactly, but for 64-bit integers above 2^53.
   double At(int column, int row) const;
 
  private:
   Raster rows_;
+  std::optional<Samples> numbers_;
   GridType type_;
 };
 

@@ -73,7 +73,8 @@ FileIdentity::FileIdentity(const std::string& fileName) {
   struct stat status {};
   exists_ = Calls().statusAt(AT_FDCWD, fileName.c_str(), &status, 0) == 0;
   if (!exists_) {
-    const bool isAbsent = errno == ENOENT || errno == ENOTDIR;
+    // A name that the system cannot have names no file.
+    const bool isAbsent = errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG;
     if (!isAbsent) ThrowSystemError("cannot be examined", errno, fileName);
     return;
   }

@@ -105,7 +105,7 @@ TEST(CliHelp, UsageLine_Should_NameTheFiles) {
 }
 
 TEST(CliHelp, OptionsOfAVerb_Should_SayWhatGoesTogether) {
-  EXPECT_THAT(RunTool({"rotate", "--help"}).out, HasSubstr("(required)"));
+  EXPECT_THAT(RunTool({"whiten", "--help"}).out, HasSubstr("(required)"));
   const std::string text = RunTool({"geotiff", "--help"}).out;
   EXPECT_THAT(text, HasSubstr("(needs --pixel-size) (not with --world-file)"));
 }
@@ -155,12 +155,13 @@ TEST(CliHelp, WrongUsage_Should_NameTheVerbAndTheAcceptedValues) {
   EXPECT_EQ(RunTool({"convert", "a.bmp", "b.png", "--bits", "7"}).err,
             "rasterkit convert: --bits: must be one of 1, 4, 8, 15, 16, 24, 32, not '7'\n"
             "Run 'rasterkit convert --help' for help.\n");
-  EXPECT_EQ(RunTool({"mono", "a.bmp", "b.png", "--threshold", "257"}).err,
-            "rasterkit mono: --threshold: must be a whole number from 0 to 256, not '257'\n"
-            "Run 'rasterkit mono --help' for help.\n");
-  EXPECT_EQ(RunTool({"rotate", "a.bmp", "b.bmp"}).err,
-            "rasterkit rotate: --angle is required\n"
-            "Run 'rasterkit rotate --help' for help.\n");
+  EXPECT_EQ(
+      RunTool({"mono", "a.bmp", "b.png", "--threshold", "257"}).err,
+      "rasterkit mono: --threshold: must be a whole number from 0 to 256, or otsu, not '257'\n"
+      "Run 'rasterkit mono --help' for help.\n");
+  EXPECT_EQ(RunTool({"whiten", "a.bmp", "b.bmp"}).err,
+            "rasterkit whiten: --threshold is required\n"
+            "Run 'rasterkit whiten --help' for help.\n");
   EXPECT_EQ(RunTool({"convert", "a.bmp", "b.png", "--quality"}).err,
             "rasterkit convert: --quality needs a value\n"
             "Run 'rasterkit convert --help' for help.\n");

@@ -80,7 +80,14 @@ TEST(CliIsolation, Outputs_Should_BeTheSame) {
         EXPECT_EQ(result.code, 0) << name << " " << verb[0] << ": " << result.err;
         outputs[isIsolated ? 1 : 0] = ReadBytes(output);
       }
-      EXPECT_EQ(outputs[1], outputs[0]) << name << " " << verb[0];
+      // A worker process gives pixels: compressed ones are not copied.
+      const bool isCopied =
+          (verb[0] == "convert" || verb[0] == "geotiff") && std::string(name).ends_with(".tif");
+      if (isCopied) {
+        EXPECT_EQ(RunTool({"compare", folder / "here.tif", folder / "isolated.tif"}).code, 0);
+      } else {
+        EXPECT_EQ(outputs[1], outputs[0]) << name << " " << verb[0];
+      }
     }
   }
 }
@@ -162,15 +169,18 @@ TEST_F(CliLyingWorker, Crash_Should_Exit3_AndNameTheFile) {
 
 TEST_F(CliLyingWorker, Crash_Should_NotEndTheOtherFiles) {
   const std::string bad = FileWith("bad.png", "abort"), lie = FileWith("lie.png", "fewer rows"),
-                    good = FileWith("good.png", "truth");
-  const ToolResult result = Run({"info", "--isolate", "--json", bad, lie, good});
+                    end = FileWith("end.png", "exit");
+  const ToolResult result = Run({"convert", "--isolate", "--json", "--continue", "--out-dir",
+                                 folder_ / "out", bad, lie, end});
   EXPECT_EQ(result.code, 3);
   const std::vector<nlohmann::json> lines = JsonLines(result.out);
   ASSERT_EQ(lines.size(), 3u);
-  EXPECT_FALSE(lines[0].at("ok"));
-  EXPECT_FALSE(lines[1].at("ok"));
-  EXPECT_TRUE(lines[2].at("ok"));
-  EXPECT_EQ(lines[2].at("width"), 8);
+  for (size_t i = 0; i < lines.size(); ++i) {
+    EXPECT_FALSE(lines[i].at("ok")) << i;
+    EXPECT_THAT(lines[i].at("error").get<std::string>(),
+                HasSubstr(lines[i].at("file").get<std::string>() + ": "));
+  }
+  EXPECT_EQ(std::filesystem::is_empty(folder_ / "out"), true);
 }
 
 TEST_F(CliLyingWorker, MissingWorker_Should_Exit3_AndSayWhereItBelongs) {

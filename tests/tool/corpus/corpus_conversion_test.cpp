@@ -31,7 +31,7 @@ class CorpusConversion : public testing::TestWithParam<std::string> {
     std::istringstream lines(err);
     for (std::string line; std::getline(lines, line);)
       EXPECT_TRUE(line.rfind("rasterkit: " + file + ": ", 0) == 0 ||
-                  line.rfind("rasterkit: " + out_ + ": not carried over: ", 0) == 0)
+                  line.rfind("rasterkit: " + out_ + ": lost: ", 0) == 0)
           << line;
   }
 

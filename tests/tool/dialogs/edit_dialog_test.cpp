@@ -94,8 +94,7 @@ TEST_F(CliDialogEdit, Losses_Should_BeSaid_When_APictureIsWritten) {
                                 "click SpeedButtonMirror; click nbPost | enter fileNameEdit out");
   EXPECT_EQ(result.code, 0) << result.err;
   EXPECT_EQ(result.out, (folder_ / "out.jpg") + "\n");
-  EXPECT_EQ(result.err,
-            "rasterkit: " + (folder_ / "out.jpg") + ": not carried over: exif, worldfile\n");
+  EXPECT_EQ(result.err, "rasterkit: " + (folder_ / "out.jpg") + ": lost: exif, position\n");
   const ToolResult unchanged = Run({"edit", folder_ / "in.jpg"}, "key Return");
   EXPECT_EQ(unchanged.err, "");
 }

@@ -105,16 +105,18 @@ TEST_F(CliInfo, Json_Should_FindTheExifBlock_When_AnXmpPacketComesFirst) {
       samples::WithExif(EncodeJpeg(GrayRaster(9, 7), 90), samples::ByteOrder::motorola, 6,
                         samples::Place{48, 11, 500});
   const std::string name = "http://ns.adobe.com/xap/1.0/";
-  std::vector<uint8_t> xmp = {0xFF, 0xE1, 0, static_cast<uint8_t>(name.size() + 3)};
+  const std::string packet = "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"/>";
+  std::vector<uint8_t> xmp = {0xFF, 0xE1, 0, static_cast<uint8_t>(name.size() + packet.size() + 3)};
   xmp.insert(xmp.end(), name.begin(), name.end());
   xmp.push_back(0);
+  xmp.insert(xmp.end(), packet.begin(), packet.end());
   jpeg.insert(jpeg.begin() + 2, xmp.begin(), xmp.end());
   WriteBytes(folder_ / "a.jpg", jpeg);
   const json facts = Facts(folder_ / "a.jpg");
   EXPECT_EQ(facts["orientation"], 6);
   EXPECT_EQ(facts["rotation"], 0) << "the query takes the first APP1 section for the EXIF one";
   EXPECT_NEAR(facts["gps"]["latitude"].get<double>(), 48, 1e-6);
-  EXPECT_EQ(facts["metadata"], json({"xmp", "exif"}));
+  EXPECT_EQ(facts["metadata"], json({"exif", "xmp"}));
 }
 
 TEST_F(CliInfo, Json_Should_GiveTheWorldFileBesideThePicture) {
@@ -165,6 +167,28 @@ TEST_F(CliInfo, UnreadableFile_Should_BeRefused) {
   ExpectRefused(folder_ / "a.png", "ermission");
 }
 
+TEST_F(CliInfo, Verify_Should_DecodeThePixels) {
+  SavePngFile(folder_ / "whole.png", GradientRaster(pf24bit, 60, 40));
+  SaveJpegFile(folder_ / "whole.jpg", GradientRaster(pf24bit, 60, 40));
+  std::vector<uint8_t> png = ReadBytes(folder_ / "whole.png");
+  // The first row of the compressed pixels, and not its header.
+  png[60] ^= 0xFF;
+  WriteBytes(folder_ / "bad.png", png);
+  EXPECT_FALSE(Facts(folder_ / "whole.png").contains("verified"));
+  for (const char* name : {"whole.png", "whole.jpg"}) {
+    const ToolResult result = RunTool({"info", "--json", "--verify", folder_ / name});
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_EQ(JsonLines(result.out).at(0)["verified"], true) << name;
+    EXPECT_EQ(JsonLines(result.out).at(0)["ok"], true) << name;
+  }
+  const ToolResult bad = RunTool({"info", "--json", "--verify", folder_ / "bad.png"});
+  const json facts = JsonLines(bad.out).at(0);
+  EXPECT_EQ(facts["ok"], true) << "the header can be read";
+  EXPECT_EQ(facts["width"], 60);
+  EXPECT_TRUE(facts["verified"] == false || !facts["warnings"].empty()) << facts;
+  EXPECT_EQ(bad.code, facts["verified"] ? 0 : 3);
+}
+
 TEST_F(CliInfo, AbsurdClaims_Should_BeRefusedWithoutTakingTheMemory) {
   // 300 bytes that state 65535 x 65535 pixels of 24 bits.
   std::vector<uint8_t> bmp = {'B', 'M', 44, 1,   0,   0, 0, 0,   0,   0, 54, 0, 0, 0, 40,
@@ -180,12 +204,13 @@ TEST_F(CliInfo, AbsurdClaims_Should_BeRefusedWithoutTakingTheMemory) {
   std::copy(std::begin(side), std::end(side), place + 5);
   WriteBytes(folder_ / "huge.jpg", jpeg);
   for (const char* name : {"huge.bmp", "huge.jpg"}) {
-    const ToolResult result = RunTool({"info", folder_ / name});
+    EXPECT_LT(RunTool({"info", folder_ / name}).peakMemory, 64u << 20) << name;
+    const ToolResult result = RunTool({"info", "--verify", folder_ / name});
     EXPECT_EQ(result.code, 3) << name;
     EXPECT_THAT(result.err, HasSubstr(folder_ / name));
     EXPECT_LT(result.peakMemory, 512u << 20) << name;
   }
-  EXPECT_THAT(RunTool({"info", folder_ / "huge.jpg"}).err, HasSubstr("4294967296"))
+  EXPECT_THAT(RunTool({"info", "--verify", folder_ / "huge.jpg"}).err, HasSubstr("4294967296"))
       << "the limit is named";
 }
 

@@ -176,9 +176,10 @@ TEST_F(CliTiffInfo, Positions_Should_WarnWithTheFilesName_When_TheyDisagree) {
   WriteText(folder_ / "a.tfw", "0.5\n0\n0\n-0.5\n4468000\n5334000\n");
   const ToolResult result = RunTool({"info", file_});
   EXPECT_EQ(result.code, 0);
-  EXPECT_THAT(result.err, HasSubstr(file_ + ": warning: worldfile and geotiff disagree"));
+  EXPECT_THAT(result.err, HasSubstr(file_ + ": warning: worldfile (" + (folder_ / "a.tfw") +
+                                    ") and geotiff disagree by up to 0.707 pixels"));
   WriteText(folder_ / "a.tfw", "half a meter\n");
-  EXPECT_THAT(RunTool({"info", file_}).err, HasSubstr("does not begin with six numbers"));
+  EXPECT_THAT(RunTool({"info", file_}).err, HasSubstr("a.tfw: line 1: "));
 }
 
 TEST_F(CliTiffInfo, LooseTiePoints_Should_BeTold_When_NoPixelSizeIsGiven) {
@@ -215,14 +216,16 @@ TEST_F(CliTiffInfo, DamagedRows_Should_BeReadAroundWithAWarning) {
   // Compressed rows come first; libtiff writes the directory after them.
   std::fill(bytes.begin() + 400, bytes.begin() + 600, uint8_t{0xAA});
   WriteBytes(file_, bytes);
-  const json facts = FactsOf(file_);
+  EXPECT_EQ(FactsOf(file_)["warnings"], json::array()) << "only the header is read";
+  const json facts = JsonLines(RunTool({"info", "--json", "--verify", file_}).out).at(0);
   EXPECT_EQ(facts["ok"], true) << facts;
+  EXPECT_EQ(facts["verified"], true) << facts;
   EXPECT_FALSE(facts["warnings"].empty());
 }
 
 TEST_F(CliTiffInfo, UnreadableFiles_Should_BeRefusedInOwnWordsAndKeepWhatIsKnown) {
   const std::vector<uint8_t> whole = GrayTiff(300, 200, 8).Bytes();
-  for (const size_t length : {size_t{8}, size_t{9}, whole.size() / 2, whole.size() - 60}) {
+  for (const size_t length : {size_t{8}, size_t{9}}) {
     WriteBytes(file_, {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)});
     const json facts = FactsOf(file_, 3);
     EXPECT_EQ(facts["ok"], false) << length;
@@ -232,7 +235,9 @@ TEST_F(CliTiffInfo, UnreadableFiles_Should_BeRefusedInOwnWordsAndKeepWhatIsKnown
       EXPECT_TRUE(facts[field].is_null()) << field;
   }
   WriteBytes(file_, WithUnknownCompression(GrayTiff(30, 20, 8).Bytes()));
-  const json facts = FactsOf(file_, 3);
+  const ToolResult result = RunTool({"info", "--json", "--verify", file_});
+  EXPECT_EQ(result.code, 3);
+  const json facts = JsonLines(result.out).at(0);
   EXPECT_EQ(facts["tiff"]["pixels"], "8-bit gray") << "the directory can be read";
   EXPECT_EQ(facts["tiff"]["compression"], "compression 60000");
 }

@@ -173,7 +173,7 @@ TEST_F(CliCombine, TransparentPicture_Should_BePaintedAndReported) {
   under_.transparentColor = under_.PixelColor(3, 3);
   const ToolResult result = Combine(over_, {"--strict"});
   EXPECT_EQ(result.code, 5);
-  EXPECT_THAT(result.err, HasSubstr("transparency"));
+  EXPECT_THAT(result.err, HasSubstr("lost: the transparent color"));
 }
 
 TEST_F(CliCombine, OptionsThatMeanNothing_Should_BeWrongUsage) {

@@ -252,14 +252,14 @@ TEST_F(CliExif, Copy_Should_NameWhatIsNotCarriedOver) {
 TEST_F(CliExif, Copy_Should_SayThatTheResolutionIsGone_UnlessTheExifDataStateTheSame) {
   const std::string jfif = JpegSection(0xE0, std::string("JFIF\0\1\2\1\x01\x2C\x01\x2C\0\0", 14));
   const std::string picture = FileWith("edited.jpg", {jfif});
-  EXPECT_THAT(Copy(Photo({Exif()}), picture).err, HasSubstr("not carried over: resolution"));
+  EXPECT_THAT(Copy(Photo({Exif()}), picture).err, HasSubstr("lost: resolution"));
   const auto exif = [](uint32_t dpi) {
     return ExifSection(
         Writer().Tiff({Writer().Rationals(282, {{dpi, 1}}), Writer().Rationals(283, {{dpi, 1}}),
                        Writer().Short(296, 2)}));
   };
   EXPECT_THAT(Copy(Photo({exif(300)}), picture).err, IsEmpty());
-  EXPECT_THAT(Copy(Photo({exif(72)}), picture).err, HasSubstr("not carried over: resolution"));
+  EXPECT_THAT(Copy(Photo({exif(72)}), picture).err, HasSubstr("lost: resolution"));
 }
 
 TEST_F(CliExif, Copy_Should_WriteNothing_When_AnInputIsBad) {

@@ -128,7 +128,7 @@ TEST_F(CliPalette, TransparentEntry_Should_BecomeVisibleAndBeReported_When_ItGet
             raster.transparentColor);
   const ToolResult result = RunVerb("palette", raster, {"--set", "3=010203", "--strict"});
   EXPECT_EQ(result.code, 5);
-  EXPECT_THAT(result.err, HasSubstr("transparency"));
+  EXPECT_THAT(result.err, HasSubstr("transparent"));
   EXPECT_FALSE(LoadFile(folder_ / "out.png").transparentColor.has_value());
 }
 

@@ -34,17 +34,31 @@ TEST_F(CliResize, TrueColor_Should_BeAveragedAsInTheLibrary) {
 }
 
 TEST_F(CliResize, Palettes_Should_BeKeptByNearestPixels) {
-  for (const TPixelFormat format : {pf1bit, pf4bit, pf8bit}) {
+  for (const TPixelFormat format : {pf4bit, pf8bit}) {
     const Raster raster = GradientRaster(format, 61, 47);
     EXPECT_TRUE(
         SamePixels(ByLibrary(raster, 30, 60), Changed("resize", raster, {"--size", "30x60"})));
   }
 }
 
-TEST_F(CliResize, Palettes_Should_BeAveraged_When_Smooth) {
+TEST_F(CliResize, BlackAndWhite_Should_BecomeGray_UnlessOtherwiseAsked) {
+  const Raster raster = GradientRaster(pf1bit, 61, 47);
+  const Raster gray = Changed("resize", raster, {"--size", "30x20"});
+  EXPECT_EQ(gray.Format(), pf8bit);
+  EXPECT_TRUE(IsGrayRamp(gray.palette));
+  EXPECT_EQ(Changed("resize", raster, {"--size", "30x20", "--bits", "1"}).Format(), pf1bit);
+  EXPECT_TRUE(SamePixels(ByLibrary(raster, 30, 20),
+                         Changed("resize", raster, {"--size", "30x20", "--filter", "nearest"})));
+}
+
+TEST_F(CliResize, Palettes_Should_BeAveraged_When_TheFilterSaysSo) {
   const Raster raster = GradientRaster(pf4bit, 61, 47);
   EXPECT_TRUE(SamePixels(ByLibrary(ConvertRaster(raster, pf24bit), 30, 20),
-                         Changed("resize", raster, {"--size", "30x20", "--smooth"})));
+                         Changed("resize", raster, {"--size", "30x20", "--filter", "area"})));
+  const ToolResult old = RunVerb("resize", raster, {"--size", "30x20", "--smooth"}, "old.png");
+  EXPECT_EQ(old.code, 0);
+  EXPECT_NE(old.err.find("--filter"), std::string::npos) << old.err;
+  EXPECT_TRUE(SamePixels(LoadFile(folder_ / "out.png"), LoadFile(folder_ / "old.png")));
 }
 
 TEST_F(CliResize, Grays_Should_BeAveragedAndStay8Bit) {

@@ -47,6 +47,11 @@ class CliTiffConvert : public testing::Test {
     return lines.empty() ? json() : lines[0];
   }
 
+  /// The six numbers of the position that counts.
+  json Geo(const std::string& name) {
+    return JsonLines(RunTool({"info", "--json", folder_ / name}).out).at(0)["geo"][0]["affine"];
+  }
+
   json Convert(const std::string& in, const std::string& out,
                const std::vector<std::string>& options = {}) {
     return Run("convert", in, out, options);
@@ -120,13 +125,12 @@ TEST_F(CliTiffConvert, Compression_Should_BeTheOneAskedFor) {
   EXPECT_EQ(FactsOfFile(folder_ / "out.tif").compression, 5);
 }
 
-TEST_F(CliTiffConvert, G4_Should_BeRefused_When_ThePictureHasColors) {
+TEST_F(CliTiffConvert, G4_Should_BecomeDeflateWithAWarning_When_ThePictureHasColors) {
   SaveBmpFile(folder_ / "a.bmp", GradientRaster(pf24bit, 60, 40));
-  const ToolResult result =
-      RunTool({"convert", folder_ / "a.bmp", folder_ / "b.tif", "--compression", "g4"});
-  EXPECT_EQ(result.code, 4);
-  EXPECT_THAT(result.err, HasSubstr("1-bit"));
-  EXPECT_THAT(folder_.Names(), ElementsAre("a.bmp"));
+  const json line = Convert("a.bmp", "b.tif", {"--compression", "g4"});
+  EXPECT_THAT(line["warnings"].dump(), HasSubstr("black and white only; written with Deflate"));
+  EXPECT_EQ(FactsOfFile(folder_ / "b.tif").compression, 8);
+  EXPECT_EQ(RunTool({"compare", folder_ / "a.bmp", folder_ / "b.tif"}).code, 0);
   EXPECT_EQ(Convert("a.bmp", "b.tif", {"--compression", "g4", "--bits", "1"})["bits"], 1);
   EXPECT_EQ(RunTool({"convert", folder_ / "a.bmp", folder_ / "c.tif", "--compression", "zip"}).code,
             2);
@@ -219,40 +223,50 @@ TEST_F(CliTiffConvert, Tags_Should_StayToTheLastBit_When_ThePictureStaysAsStored
   EXPECT_EQ(facts.tiePoints, (std::vector<double>{0, 0, 0, 4468000, 5334000, 0}));
 }
 
-TEST_F(CliTiffConvert, Position_Should_StayBehind_When_ThePictureIsTurned) {
+TEST_F(CliTiffConvert, Position_Should_FollowThePixels_When_ThePictureIsTurned) {
   TiffFile file = ColorTiff(40, 30);
   file.setTags = [](TIFF* tiff) { SetPosition(tiff, 0.5, 4468000, 5334000); };
   Save("a.tif", file);
-  const json geotiff = {"geotiff"};
-  EXPECT_EQ(Run("rotate", "a.tif", "b.tif", {"--angle", "30"})["not_carried_over"], geotiff);
+  EXPECT_EQ(Run("rotate", "a.tif", "b.tif", {"--angle", "30"})["losses"], json::array());
   EXPECT_TRUE(FactsOfFile(folder_ / "b.tif").pixelScale.empty());
-  EXPECT_EQ(Convert("a.tif", "b.png")["not_carried_over"], geotiff);
+  EXPECT_EQ(FactsOfFile(folder_ / "b.tif").transformation.size(), 16u);
+  EXPECT_EQ(Convert("a.tif", "b.png")["losses"], json::array()) << "a world file goes along";
   file.setTags = [](TIFF* tiff) {
     SetPosition(tiff, 0.5, 4468000, 5334000);
     TIFFSetField(tiff, TIFFTAG_ORIENTATION, 3);
   };
   Save("a.tif", file);
-  EXPECT_EQ(Convert("a.tif", "b.tif")["not_carried_over"], geotiff);
-  EXPECT_TRUE(FactsOfFile(folder_ / "b.tif").tiePoints.empty());
+  EXPECT_EQ(Convert("a.tif", "b.tif")["losses"], json::array());
+  EXPECT_EQ(Geo("b.tif"), json({-0.5, 0.0, 0.0, 0.5, 4468019.75, 5333985.25}));
 }
 
-TEST_F(CliTiffConvert, Position_Should_StayBehind_When_ItTurnsOrMirrorsThePicture) {
+TEST_F(CliTiffConvert, Position_Should_BecomeATransformation_When_ItTurnsOrMirrorsThePicture) {
   SavePngFile(folder_ / "a.png", GradientRaster(pf1bit, 40, 30));
-  for (const char* numbers : {"0.5\n0.1\n0\n-0.5\n1\n2\n", "0.5\n0\n0\n0.5\n1\n2\n",
-                              "-0.5\n0\n0\n-0.5\n1\n2\n", "no numbers"}) {
+  for (const char* numbers :
+       {"0.5\n0.1\n0\n-0.5\n1\n2\n", "0.5\n0\n0\n0.5\n1\n2\n", "-0.5\n0\n0\n-0.5\n1\n2\n"}) {
     WriteText(folder_ / "a.pgw", numbers);
-    EXPECT_EQ(Convert("a.png", "b.tif")["not_carried_over"], json({"worldfile"})) << numbers;
+    EXPECT_EQ(Convert("a.png", "b.tif")["losses"], json::array()) << numbers;
     EXPECT_TRUE(FactsOfFile(folder_ / "b.tif").pixelScale.empty()) << numbers;
+    EXPECT_EQ(FactsOfFile(folder_ / "b.tif").transformation.size(), 16u) << numbers;
   }
 }
 
-TEST_F(CliTiffConvert, TiePointsAndCoordinateSystem_Should_BeReported_When_TheyStayBehind) {
+TEST_F(CliTiffConvert, BadWorldFile_Should_BeSaid_And_ThePictureWritten) {
+  SavePngFile(folder_ / "a.png", GradientRaster(pf1bit, 40, 30));
+  WriteText(folder_ / "a.pgw", "no numbers");
+  const json line = Convert("a.png", "b.tif");
+  EXPECT_THAT(line["warnings"].dump(), HasSubstr("a.pgw: line 1: "));
+  EXPECT_TRUE(FactsOfFile(folder_ / "b.tif").pixelScale.empty());
+  EXPECT_EQ(RunTool({"convert", folder_ / "a.png", folder_ / "c.tif", "--strict"}).code, 5);
+}
+
+TEST_F(CliTiffConvert, TiePointsAndCoordinateSystem_Should_BeKept) {
   TiffFile file = ColorTiff(9, 5);
   file.setTags = SetLooseTiePoints;
   Save("a.tif", file);
-  EXPECT_EQ(Convert("a.tif", "b.tif")["not_carried_over"],
-            json({"tie-points", "coordinate-system"}));
-  EXPECT_TRUE(FactsOfFile(folder_ / "b.tif").tiePoints.empty());
+  EXPECT_EQ(Convert("a.tif", "b.tif", {"--compression", "lzw"})["losses"], json::array());
+  EXPECT_EQ(FactsOfFile(folder_ / "b.tif").tiePoints, FactsOfFile(folder_ / "a.tif").tiePoints);
+  EXPECT_TRUE(FactsOfFile(folder_ / "b.tif").hasCoordinateSystem);
 }
 
 TEST_F(CliTiffConvert, WorldFile_Should_CountWithAWarning_When_TheTagsDisagree) {
@@ -262,7 +276,7 @@ TEST_F(CliTiffConvert, WorldFile_Should_CountWithAWarning_When_TheTagsDisagree) 
   WriteText(folder_ / "a.tfw", "0.5\n0\n0\n-0.5\n100.25\n199.75\n");
   const json line = Convert("a.tif", "b.tif");
   EXPECT_EQ(line["not_carried_over"], json::array());
-  EXPECT_THAT(line["warnings"].dump(), HasSubstr("worldfile and geotiff disagree"));
+  EXPECT_THAT(line["warnings"].dump(), HasSubstr("and geotiff disagree by up to"));
   EXPECT_EQ(FactsOfFile(folder_ / "b.tif").tiePoints, (std::vector<double>{0, 0, 0, 100, 200, 0}));
 }
 
@@ -280,8 +294,8 @@ TEST_F(CliTiffConvert, Floats_Should_BeStretchedWithANote) {
   Save("a.tif", NumberTiff<float>({-10, 0, 41}, SAMPLEFORMAT_IEEEFP));
   const json line = Convert("a.tif", "b.png");
   EXPECT_EQ(line["bits"], 8);
-  EXPECT_EQ(line["not_carried_over"], json({"grid"}));
-  EXPECT_EQ(line["warnings"], json({"numbers from -10 to 41 are shown as black to white"}));
+  EXPECT_EQ(line["not_carried_over"], json({"bits"}));
+  EXPECT_THAT(line["notes"].dump(), HasSubstr("numbers from -10 to 41 are shown"));
   EXPECT_THAT(FirstRow("b.png"), ElementsAre(0, 50, 255));
   EXPECT_EQ(RunTool({"convert", folder_ / "a.tif", folder_ / "c.png", "--strict"}).code, 5);
 }
@@ -291,8 +305,8 @@ TEST_F(CliTiffConvert, NoData_Should_BeWhiteAndNotCount) {
   file.setTags = [](TIFF* tiff) { SetNoData(tiff, "-9999"); };
   Save("a.tif", file);
   const json line = Convert("a.tif", "b.png");
-  EXPECT_EQ(line["not_carried_over"], json({"nodata", "grid"}));
-  EXPECT_EQ(line["warnings"], json({"numbers from 0 to 51 are shown as black to white"}));
+  EXPECT_THAT(line["not_carried_over"], testing::UnorderedElementsAre("no-data", "bits"));
+  EXPECT_THAT(line["notes"].dump(), HasSubstr("numbers from 0 to 51 are shown"));
   EXPECT_THAT(FirstRow("b.png"), ElementsAre(255, 0, 250, 255));
   TiffFile words = NumberTiff<int16_t>({-32768, 0, 51}, SAMPLEFORMAT_INT);
   words.setTags = [](TIFF* tiff) { SetNoData(tiff, "-32768"); };
@@ -303,19 +317,45 @@ TEST_F(CliTiffConvert, NoData_Should_BeWhiteAndNotCount) {
 
 TEST_F(CliTiffConvert, Words_Should_BeShownByTheirRangeWithANote) {
   Save("a.tif", NumberTiff<uint16_t>({0, 257, 32768, 65535}, SAMPLEFORMAT_UINT));
-  EXPECT_THAT(Convert("a.tif", "b.png")["warnings"].dump(), HasSubstr("0 to 65535"));
+  const json words = Convert("a.tif", "b.png");
+  EXPECT_EQ(words["bits"], 16) << "PNG holds 16 bits";
+  EXPECT_EQ(words["losses"], json::array());
   EXPECT_THAT(FirstRow("b.png"), ElementsAre(0, 1, 128, 255));
   Save("a.tif", NumberTiff<int16_t>({-100, 0, 155}, SAMPLEFORMAT_INT));
-  EXPECT_THAT(Convert("a.tif", "b.png")["warnings"].dump(), HasSubstr("-100 to 155"));
+  EXPECT_THAT(Convert("a.tif", "b.png")["notes"].dump(), HasSubstr("-100 to 155"));
   EXPECT_THAT(FirstRow("b.png"), ElementsAre(0, 100, 255));
+}
+
+TEST_F(CliTiffConvert, WideNumbers_Should_BeShownByGeotiffAndStayNumbers) {
+  const auto check = [&](TiffFile file, const char* noData, const char* type, double least,
+                         double most) {
+    file.setTags = [noData](TIFF* tiff) { SetNoData(tiff, noData); };
+    Save("a.tif", file);
+    EXPECT_EQ(Convert("a.tif", "b.tif", {"--compression", "deflate"})["losses"], json::array());
+    for (const char* name : {"a.tif", "b.tif"}) {
+      const ToolResult result = RunTool({"geotiff", "--json", folder_ / name});
+      ASSERT_EQ(result.code, 0) << type << result.err;
+      const json grid = JsonLines(result.out).at(0);
+      EXPECT_EQ(grid["grid"], type) << name;
+      EXPECT_EQ(grid["minimum"], least) << type << name;
+      EXPECT_EQ(grid["maximum"], most) << type << name;
+      EXPECT_EQ(grid["nodata_values"], 1) << type << name;
+    }
+  };
+  check(NumberTiff<int32_t>({-70000, 5, 70000, -1}, SAMPLEFORMAT_INT), "-1", "int32", -70000,
+        70000);
+  check(NumberTiff<uint32_t>({7, 4000000000, 9}, SAMPLEFORMAT_UINT), "4000000000", "uint32", 7, 9);
+  check(NumberTiff<double>({-1e300, 0.5, -9999}, SAMPLEFORMAT_IEEEFP), "-9999", "float64", -1e300,
+        0.5);
+  check(NumberTiff<int8_t>({-100, 5, 100, -128}, SAMPLEFORMAT_INT), "-128", "int8", -100, 100);
 }
 
 TEST_F(CliTiffConvert, FirstPage_Should_BeTakenWithANoteOfHowManyThereAre) {
   WritePages(folder_ / "a.tif", {{8, 6}, {4, 3}, {2, 2}}, {1});
   const json line = Convert("a.tif", "b.png");
   EXPECT_EQ(line["width"], 8);
-  EXPECT_THAT(line["warnings"].dump(), HasSubstr("only the first of 2 pictures"));
   EXPECT_EQ(line["not_carried_over"], json({"pages"}));
+  EXPECT_THAT(line["losses"][0]["what"].get<std::string>(), HasSubstr("1 of 2"));
   WritePages(folder_ / "map.tif", {{8, 6}, {4, 3}}, {1});
   EXPECT_EQ(Convert("map.tif", "b.png")["not_carried_over"], json::array())
       << "a smaller copy is nothing of its own";

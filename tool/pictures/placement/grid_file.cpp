@@ -5,6 +5,9 @@
 #include <fmt/core.h>
 
 #include <rasterkit/codecs/decode_frame.h>
+#include <rasterkit/codecs/isolated_input.h>
+#include <rasterkit/codecs/isolated_pixels.h>
+#include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/errors.h>
@@ -39,12 +42,47 @@ void Rewind(TStream& stream) {
 }
 void Rewind(const std::string&) {}
 
-/// Reads the same values as the library's ReadGeoTiffIntoBitmap, which cannot report damage.
-/// `source` is a stream or the name of a file.
+/// Numbers that a bitmap has no rows for.
+bool HasWideNumbers(const TiffFacts& facts) {
+  constexpr int kBlackIsZero = 1, kSigned = 2, kMostBitsOfRows = 16;
+  const bool isFloat = facts.sampleFormat == kFloatingPoint;
+  const bool isInteger = facts.sampleFormat == 1 || facts.sampleFormat == kSigned;
+  if (facts.width == 0 || facts.photometric > kBlackIsZero) return false;
+  if (isFloat) return facts.bitsPerSample == 64;
+  return isInteger && (facts.bitsPerSample > kMostBitsOfRows ||
+                       (facts.bitsPerSample == 8 && facts.sampleFormat == kSigned));
+}
+
+Pixels DecodeNumbers(TStream& stream, CodecReport& report) {
+  return DecodePixels(stream, PictureType::tiff, {}, &report);
+}
+Pixels DecodeNumbers(const std::string& file, CodecReport& report) {
+  return detail::DecodePixelsIsolated(detail::OpenForWorker(file), 1, &report,
+                                      ContinueUnlessInterrupted);
+}
+
+void TakeNoData(GridFile& result) {
+  result.noData = NoData(result.facts.noData, result.grid->Type());
+  if (!result.noData.IsUnreadable()) return;
+  result.warnings.push_back("the value for no data is not a number: '" +
+                            Printable(result.facts.noData) + "'");
+}
+
+/// Reads the same values as the library's ReadGeoTiffIntoBitmap, which cannot report damage, and
+/// those of other number types. `source` is a stream or the name of a file.
 template <class Source>
 void LoadSource(GridFile& result, Source& source) {
   result.facts = FactsOf(source);
   Rewind(source);
+  if (HasWideNumbers(result.facts)) {
+    CodecReport damage;
+    Pixels pixels = DecodeNumbers(source, damage);
+    result.warnings = std::move(damage.warnings);
+    auto* const numbers = std::get_if<Samples>(&pixels);
+    if (numbers == nullptr) return;
+    result.grid.emplace(std::move(*numbers));
+    return TakeNoData(result);
+  }
   FrameOptions options;
   options.isolation = ReadingIsolation();
   CodecReport report;
@@ -53,11 +91,7 @@ void LoadSource(GridFile& result, Source& source) {
   if (!type) return;
   result.warnings = std::move(report.warnings);
   result.grid.emplace(std::move(frame.rows), *type);
-  result.noData = NoData(result.facts.noData, *type);
-  if (result.noData.IsUnreadable()) {
-    result.warnings.push_back("the value for no data is not a number: '" +
-                              Printable(result.facts.noData) + "'");
-  }
+  TakeNoData(result);
 }
 
 /// A pipe has no size and cannot be read twice.

@@ -208,8 +208,8 @@ void ChooseForm(const TiffForm& wanted, PagePlan& plan, Changes& changes) {
 }  // namespace detail
 
 TiffForm FormFor(TiffCompression compression, const PixelLayout& layout) {
-  const bool isBilevel =
-      layout.bits == 1 && layout.bands == 1 && layout.model != ColorModel::palette;
+  const bool isGray = layout.model != ColorModel::palette || IsGrayRamp(layout.palette);
+  const bool isBilevel = layout.bits == 1 && layout.bands == 1 && isGray;
   TiffForm form;
   // The samples decide; see PlanPage.
   form.photometric = -1;
