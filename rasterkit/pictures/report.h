@@ -28,8 +28,10 @@ struct Report {
   bool isCopied = false;
   /// Files beside the target that are written, replaced or removed: "writes plan.pgw".
   std::vector<std::string> sideFiles;
-  /// Bytes of the file, and bytes held at most: upper bounds before, facts after.
-  uint64_t bytes = 0, memory = 0;
+  /// Bytes of the file: an upper bound in a plan.
+  uint64_t bytes = 0;
+  /// Upper bound of the bytes that a save holds at a time.
+  uint64_t memory = 0;
 };
 
 }  // namespace rasterkit

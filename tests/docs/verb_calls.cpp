@@ -1,5 +1,6 @@
 #include "tests/docs/verb_calls.h"
 
+#include <cctype>
 #include <regex>
 #include <sstream>
 
@@ -79,6 +80,20 @@ std::vector<Definition> DefinitionsOf(const std::string& file, const std::string
   return definitions;
 }
 
+std::set<std::string> WordsOf(const std::string& text) {
+  std::set<std::string> words;
+  std::string word;
+  for (const char c : text + ' ') {
+    if (std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_') {
+      word += c;
+    } else if (!word.empty()) {
+      words.insert(std::move(word));
+      word.clear();
+    }
+  }
+  return words;
+}
+
 class CallGraph {
  public:
   explicit CallGraph(const ToolSources& sources) : sources_(sources) {
@@ -139,8 +154,10 @@ class CallGraph {
  private:
   bool Mentions(const std::string& header, const std::string& name) const {
     const auto text = sources_.find(header);
-    return text != sources_.end() &&
-           std::regex_search(text->second, std::regex("\\b" + name + "\\b"));
+    if (text == sources_.end()) return false;
+    const auto [words, isNew] = words_.emplace(header, std::set<std::string>());
+    if (isNew) words->second = WordsOf(text->second);
+    return words->second.contains(name);
   }
 
   const std::set<std::string>& Headers(const std::string& file) const {
@@ -162,7 +179,7 @@ class CallGraph {
   const ToolSources& sources_;
   std::map<std::string, std::vector<Definition>> byName_;
   std::map<std::string, std::set<std::string>> includes_;
-  mutable std::map<std::string, std::set<std::string>> headers_;
+  mutable std::map<std::string, std::set<std::string>> headers_, words_;
 };
 
 }  // namespace

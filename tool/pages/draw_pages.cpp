@@ -157,7 +157,8 @@ class PageDrawer {
     TBitmap bitmap = DrawPage(*document, job);
     files_.Return(job.input, std::move(document));
     Recolor(bitmap);
-    return WritePicture(Picture::Of(bitmap.Clone()), job, options_.picture);
+    auto rows = std::make_unique<TBitmap>(std::move(bitmap));
+    return WritePicture(Picture::Of(std::move(rows)), job, options_.picture);
   }
 
   TBitmap DrawPage(PdfDocument& document, const Job& job) const {

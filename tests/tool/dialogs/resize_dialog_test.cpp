@@ -28,9 +28,10 @@ TEST_F(CliDialogResize, SizeOfTheCommandLine_Should_BeWhereTheWindowBegins) {
 TEST_F(CliDialogResize, OptionsAndResolution_Should_ActAsWithoutAWindow) {
   Raster raster = GradientRaster(pf4bit, 60, 40);
   raster.resolution = {300, 200};
-  const Raster small =
-      Confirmed("resize", raster, "click CheckProp; type FlEdW 30; click ButtonOK", {"--smooth"});
-  EXPECT_TRUE(SamePixels(WithoutDialog("resize", raster, {"--size", "30x40", "--smooth"}), small));
+  const Raster small = Confirmed("resize", raster, "click CheckProp; type FlEdW 30; click ButtonOK",
+                                 {"--filter", "area"});
+  EXPECT_TRUE(
+      SamePixels(WithoutDialog("resize", raster, {"--size", "30x40", "--filter", "area"}), small));
   EXPECT_NEAR(small.resolution.x, 150, 0.1);
   EXPECT_NEAR(small.resolution.y, 200, 0.1);
 }

@@ -207,8 +207,18 @@ void ChooseForm(const TiffForm& wanted, PagePlan& plan, Changes& changes) {
 
 }  // namespace detail
 
+namespace {
+
+/// The palette of bitmap files with one bit per pixel that are no more than black and white.
+bool IsBlackAndWhite(const HPALETTE& palette) {
+  const tagPALETTEENTRY black{0, 0, 0, 0}, white{255, 255, 255, 0};
+  return palette.Count() == 2 && palette.Entry(0) == black && palette.Entry(1) == white;
+}
+
+}  // namespace
+
 TiffForm FormFor(TiffCompression compression, const PixelLayout& layout) {
-  const bool isGray = layout.model != ColorModel::palette || IsGrayRamp(layout.palette);
+  const bool isGray = layout.model != ColorModel::palette || IsBlackAndWhite(layout.palette);
   const bool isBilevel = layout.bits == 1 && layout.bands == 1 && isGray;
   TiffForm form;
   // The samples decide; see PlanPage.
