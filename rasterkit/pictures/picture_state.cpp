@@ -113,7 +113,8 @@ void Follow(PictureState& state, const PictureSource& source, std::span<const ui
   if (source.Header().layout.profile && !state.layout.profile) state.metadata.profile = nullptr;
   state.placement = source.Position();
   if (state.given) SetPosition(state.placement, *state.given);
-  if (!state.pixelsChanged) return;
+  // Without changed pixels another resolution is all that there can be.
+  if (!state.pixelsChanged && !state.edit.resolution) return;
 
   PixelChange change = ChangeOf(state, source);
   change.thumbnail = thumbnail;

@@ -124,15 +124,16 @@ TEST(HiddenCopies, StayToTheByte_When_NoPixelChanged) {
   const Report report = picture.Edit(edit).Save(folder / "out.jpg");
   EXPECT_TRUE(report.isCopied);
   EXPECT_TRUE(report.losses.empty());
+  EXPECT_EQ(Picture::Open(folder / "out.jpg").GetMetadata().resolution, (Resolution{300, 300}));
   const std::string before = test::ReadFile(in), after = test::ReadFile(folder / "out.jpg");
   EXPECT_TRUE(before != after);
   EXPECT_TRUE(after.ends_with(kVideo));
   if (!test::HasPeer("exiftool")) GTEST_SKIP() << "exiftool is not installed";
   EXPECT_EQ(Extracted(folder / "out.jpg", "XResolution"), "300");
-  for (const char* tag : {"MPImage2", "MPImage3"}) {
+  for (const char* tag : {"PreviewImage", "MPImage3"}) {
     const std::string old = Extracted(in, tag);
     EXPECT_GT(old.size(), 100U) << tag;
-    EXPECT_EQ(Extracted(folder / "out.jpg", tag), old) << tag;
+    EXPECT_TRUE(Extracted(folder / "out.jpg", tag) == old) << tag;
   }
 }
 
@@ -154,8 +155,8 @@ TEST(HiddenCopies, GoAndAreNamed_When_PixelsChanged) {
   EXPECT_EQ(after.find("ftyp"), std::string::npos);
   EXPECT_EQ(after.find("\xFF\xD8", 2), std::string::npos);
   if (!test::HasPeer("exiftool")) GTEST_SKIP() << "exiftool is not installed";
-  EXPECT_EQ(Extracted(folder / "out.jpg", "MPImage2"), "");
-  EXPECT_NE(Extracted(in, "MPImage2"), "");
+  EXPECT_EQ(Extracted(folder / "out.jpg", "PreviewImage"), "");
+  EXPECT_GT(Extracted(in, "PreviewImage").size(), 100U);
 }
 
 TEST(HiddenCopies, AreALossOfThosePicturesThatAreNone_When_TheFormChanges) {
@@ -230,8 +231,8 @@ TEST(Thumbnails, ShowTheNewPictureEverywhere) {
       EXPECT_EQ(after.xmp.find("Thumbnails"), std::string::npos);
       EXPECT_NE(after.xmp.find("Rating"), std::string::npos);
       if (!test::HasPeer("exiftool")) continue;
-      EXPECT_EQ(Extracted(folder / "out.jpg", "PhotoshopThumbnail"),
-                std::string(made.begin() + 28, made.end()));
+      EXPECT_TRUE(Extracted(folder / "out.jpg", "PhotoshopThumbnail") ==
+                  std::string(made.begin() + 28, made.end()));
       EXPECT_EQ(Extracted(folder / "out.jpg", "PhotoshopBGRThumbnail"), "");
       EXPECT_EQ(Extracted(folder / "out.jpg", "XMP:ThumbnailsImage"), "");
     }
