@@ -29,8 +29,12 @@ Bytes Jpeg(int width, int height) {
 
 Bytes Segment(uint8_t marker, const std::string& text) {
   const size_t size = text.size() + 2;
-  Bytes bytes = {0xFF, marker, static_cast<uint8_t>(size >> 8), static_cast<uint8_t>(size)};
-  bytes.insert(bytes.end(), text.begin(), text.end());
+  Bytes bytes(size + 2);
+  bytes[0] = 0xFF;
+  bytes[1] = marker;
+  bytes[2] = static_cast<uint8_t>(size >> 8);
+  bytes[3] = static_cast<uint8_t>(size);
+  std::copy(text.begin(), text.end(), bytes.begin() + 4);
   return bytes;
 }
 
@@ -39,7 +43,7 @@ Bytes Joined(Bytes a, const Bytes& b) {
   return a;
 }
 
-/// Inserts a segment behind the first one, which is the file header.
+/// Inserts a segment after the first one, which is the file header.
 Bytes With(Bytes file, const Bytes& segment) {
   const size_t at = 4 + (size_t{file[4]} << 8 | file[5]);
   file.insert(file.begin() + static_cast<std::ptrdiff_t>(at), segment.begin(), segment.end());
