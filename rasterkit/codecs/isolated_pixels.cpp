@@ -5,7 +5,9 @@
 #include <rasterkit/codecs/messages/frame_fields.h>
 #include <rasterkit/codecs/messages/header_fields.h>
 #include <rasterkit/codecs/messages/isolated_reading.h>
+#include <rasterkit/codecs/messages/writing_fields.h>
 #include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit::detail {
 
@@ -46,6 +48,29 @@ Pixels DecodePixelsIsolated(SystemFile file, int threads, CodecReport* report,
   return pixels;
 }
 
+WrittenPicture CopyPictureIsolated(SystemFile file, PictureType type, const PictureWriting& writing,
+                                   TStream& stream, const std::function<bool()>& keepGoing) {
+  FieldWriter task;
+  task.Enum(type);
+  WriteWriting(task, writing);
+  std::exception_ptr error;
+  WrittenPicture written;
+  std::vector<uint8_t> bytes;
+  const auto place = [&](FieldReader& fields, uint64_t size) -> std::span<uint8_t> {
+    error = ReadOutcome(fields);
+    if (!error) written = ReadWritten(fields);
+    fields.RequireEnd();
+    RequirePictureMemory(size, "a copied file");
+    bytes.resize(static_cast<size_t>(size));
+    return bytes;
+  };
+  ReadInWorker(WorkerReader::pictures, WorkerTask::copy, task.Written(), std::move(file), keepGoing,
+               place);
+  if (error) std::rethrow_exception(error);
+  stream.Write(bytes);
+  return written;
+}
+
 void AnswerHeader(FieldReader& task, TStream& file, FieldWriter& answer) {
   task.RequireEnd();
   PictureHeader header;
@@ -78,6 +103,24 @@ Pixels AnswerPixels(FieldReader& task, TStream& file, FieldWriter& answer) {
   WriteWarnings(answer, report.warnings);
   if (!error) WritePixels(answer, pixels);
   return pixels;
+}
+
+std::vector<uint8_t> AnswerCopy(FieldReader& task, TStream& file, FieldWriter& answer) {
+  const PictureType type = task.Enum(PictureType::webp);
+  const PictureWriting writing = ReadWriting(task);
+  task.RequireEnd();
+  TMemoryStream copy;
+  WrittenPicture written;
+  std::exception_ptr error;
+  try {
+    written = CopyPicture(type, file, writing, copy);
+  } catch (...) {
+    error = std::current_exception();
+    copy.Clear();
+  }
+  WriteOutcome(answer, error);
+  if (!error) WriteWritten(answer, written);
+  return copy.TakeBytes();
 }
 
 }  // namespace rasterkit::detail

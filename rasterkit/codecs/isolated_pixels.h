@@ -1,10 +1,12 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/rows/picture_header.h>
+#include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/raster/pixels.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/system_file.h>
@@ -23,8 +25,16 @@ RASTERKIT_EXPORT PictureHeader ReadHeaderIsolated(SystemFile file, PictureType& 
 RASTERKIT_EXPORT Pixels DecodePixelsIsolated(SystemFile file, int threads, CodecReport* report,
                                              const std::function<bool()>& keepGoing);
 
-/// In the worker: does the work and writes the fields of the answer. The pixels are the content.
+/// Copies the compressed pixels of an open file with other metadata; see CopyPicture. The new file
+/// is held in memory before it is written.
+RASTERKIT_EXPORT WrittenPicture CopyPictureIsolated(SystemFile file, PictureType type,
+                                                    const PictureWriting& writing, TStream& stream,
+                                                    const std::function<bool()>& keepGoing);
+
+/// In the worker: does the work and writes the fields of the answer. The result is the content.
 RASTERKIT_EXPORT void AnswerHeader(FieldReader& task, TStream& file, FieldWriter& answer);
 RASTERKIT_EXPORT Pixels AnswerPixels(FieldReader& task, TStream& file, FieldWriter& answer);
+RASTERKIT_EXPORT std::vector<uint8_t> AnswerCopy(FieldReader& task, TStream& file,
+                                                 FieldWriter& answer);
 
 }  // namespace rasterkit::detail

@@ -122,6 +122,13 @@ Pixels PictureSource::ReadExtraPage(size_t, int, CodecReport&) const {
   throw RangeError("the picture has no smaller copies and masks");
 }
 
+WrittenPicture PictureSource::Copy(const PictureWriting& writing, TStream& target) const {
+  const std::unique_ptr<TStream> bytes = Bytes();
+  WrittenPicture written = CopyPicture(Type(), *bytes, writing, target);
+  Bytes();  // throws if the file changed meanwhile
+  return written;
+}
+
 SourcePtr OpenSource(const std::string& file, const OpenOptions& options) {
   try {
     return SourceOfBytes(PictureBytes(file), options);

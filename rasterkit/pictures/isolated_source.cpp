@@ -31,6 +31,13 @@ class IsolatedSource : public PictureSource {
     bytes_.RequireUnchanged();
     return pixels;
   }
+  bool CanCopy() const override { return true; }
+  WrittenPicture Copy(const PictureWriting& writing, TStream& target) const override {
+    bytes_.RequireUnchanged();
+    WrittenPicture written = CopyPictureIsolated(bytes_.Handle(), Type(), writing, target, GoOn);
+    bytes_.RequireUnchanged();
+    return written;
+  }
   uint64_t ByteCount() const override { return bytes_.Size(); }
   bool IsNamed(const std::string& file) const override { return bytes_.IsNamed(file); }
 

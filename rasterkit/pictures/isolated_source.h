@@ -5,8 +5,8 @@
 
 namespace rasterkit::detail {
 
-/// Opens a file that a worker process reads: no byte of it is parsed here except the signature. Its
-/// compressed pixels cannot be copied.
+/// Opens a file that a worker process reads and copies: no byte of it is parsed here except the
+/// signature.
 SourcePtr OpenIsolated(PictureBytes bytes, PictureType type, const OpenOptions& options);
 
 }  // namespace rasterkit::detail

@@ -7,6 +7,7 @@
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/rows/picture_header.h>
+#include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/pictures/fitting/decoded_kind.h>
@@ -40,7 +41,11 @@ class PictureSource {
   const std::vector<TiffExtraPageHeader>& ExtraPages() const { return extraPages_; }
   /// Reads one of them. Throws RangeError for another index.
   virtual Pixels ReadExtraPage(size_t index, int threads, CodecReport& report) const;
-  /// The bytes of the file from its beginning, for copying. Null if there are none. Throws
+  /// True if the compressed pixels can be copied.
+  virtual bool CanCopy() const { return Bytes() != nullptr; }
+  /// Copies the compressed pixels; see CopyPicture. Throws FileError if the file changed.
+  virtual WrittenPicture Copy(const PictureWriting& writing, TStream& target) const;
+  /// The bytes of the file from its beginning. Null if there are none. Throws
   /// FileError if the file changed.
   virtual std::unique_ptr<TStream> Bytes() const { return nullptr; }
   virtual uint64_t ByteCount() const { return 0; }

@@ -163,8 +163,7 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
   plan.type = type;
   plan.hasSideFiles = hasSideFiles;
   const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options);
-  plan.isCopied =
-      isAsStored && CanCopy(type) && !source.Header().isCutOff && source.Bytes() != nullptr;
+  plan.isCopied = isAsStored && CanCopy(type) && !source.Header().isCutOff && source.CanCopy();
   plan.form = FormOfTarget(source, state, type, options);
   const auto& stated = source.Position().stated;
   const bool hadWorldFile = std::any_of(stated.begin(), stated.end(), [](const auto& position) {
@@ -196,9 +195,7 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
 
 WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state,
                           const WritePlan& plan, TStream& target, Changes& changes) {
-  const std::unique_ptr<TStream> bytes = source.Bytes();
-  WrittenPicture written = CopyPicture(plan.type, *bytes, WritingOf(source, state, plan), target);
-  source.Bytes();  // throws if the file changed meanwhile
+  WrittenPicture written = source.Copy(WritingOf(source, state, plan), target);
   Join(changes, written.changes);
   return written;
 }

@@ -6,6 +6,7 @@
 #include <rasterkit/codecs/isolated_pixels.h>
 #include <rasterkit/codecs/messages/frame_fields.h>
 #include <rasterkit/codecs/messages/header_fields.h>
+#include <rasterkit/codecs/messages/writing_fields.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/runtime/error_class.h>
 #include <rasterkit/runtime/errors.h>
@@ -70,6 +71,45 @@ Result PixelsOf(const std::string& file, bool isIsolated) {
     result.bytes.assign(bytes.begin(), bytes.end());
   });
   return result;
+}
+
+/// A copy with other metadata: larger than one message between the processes.
+Result CopyOf(const std::string& file, bool isIsolated) {
+  Result result;
+  Catch(result, [&](detail::FieldWriter& fields) {
+    TFileStream stream(file);
+    const PictureType type = SniffPictureType(stream);
+    PictureWriting writing;
+    const PictureHeader header = ReadPictureHeader(stream, type);
+    writing.metadata = header.metadata;
+    writing.form = header.form;
+    writing.metadata.comments.emplace_back(60000, 'x');
+    writing.metadata.xmp += std::string(30000, ' ');
+    stream.SetPosition(0);
+    TMemoryStream copy;
+    const WrittenPicture written =
+        isIsolated
+            ? detail::CopyPictureIsolated(detail::OpenForWorker(file), type, writing, copy, {})
+            : CopyPicture(type, stream, writing, copy);
+    detail::WriteWritten(fields, written);
+    result.bytes.assign(copy.Bytes().begin(), copy.Bytes().end());
+  });
+  return result;
+}
+
+TEST(IsolatedPixels, Copies_Should_EqualThoseMadeHere) {
+  if (test::CorpusFolder().empty()) GTEST_SKIP() << "no corpus (RASTERKIT_CORPUS)";
+  detail::SetWorkerProgram(RASTERKIT_WORKER);
+  int copies = 0;
+  for (const char* kind : {"jpeg", "png", "tiff"}) {
+    for (const test::CorpusEntry& entry : test::CorpusEntries(kind)) {
+      const std::string file = (test::CorpusFolder() / entry.at("path")).string();
+      const Result copy = CopyOf(file, false);
+      EXPECT_EQ(CopyOf(file, true), copy) << file << " " << copy.error;
+      copies += copy.error.empty() ? 1 : 0;
+    }
+  }
+  EXPECT_GT(copies, 100);
 }
 
 TEST(IsolatedPixels, Should_EqualThoseReadHere) {

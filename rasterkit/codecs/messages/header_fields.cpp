@@ -24,7 +24,7 @@ int ReadCount(FieldReader& fields) {
   return fields.I32In(0, kMostInt);
 }
 
-void WriteForm(FieldWriter& fields, const JpegForm& form) {
+void WriteKind(FieldWriter& fields, const JpegForm& form) {
   const auto& [components, tables, progressive, arithmetic, restartInterval, adobeTransform] = form;
   fields.List(components, [&](const JpegForm::Component& component) {
     const auto& [id, h, v, table] = component;
@@ -69,7 +69,7 @@ JpegForm ReadJpegForm(FieldReader& fields) {
   return form;
 }
 
-void WriteForm(FieldWriter& fields, const PngForm& form) {
+void WriteKind(FieldWriter& fields, const PngForm& form) {
   const auto& [bits, colorType, interlaced] = form;
   fields.I32(bits);
   fields.I32(colorType);
@@ -86,7 +86,7 @@ PngForm ReadPngForm(FieldReader& fields) {
   return form;
 }
 
-void WriteForm(FieldWriter& fields, const TiffForm& form) {
+void WriteKind(FieldWriter& fields, const TiffForm& form) {
   const auto& [compression, predictor, photometric, fillOrder, rowsPerStrip, tileWidth, tileHeight,
                isPlanar, isBigEndian, isBigTiff, jpegQuality, subsamplingX, subsamplingY] = form;
   for (const int number : {compression, predictor, photometric, fillOrder}) fields.I32(number);
@@ -111,11 +111,21 @@ TiffForm ReadTiffForm(FieldReader& fields) {
   return form;
 }
 
-void WriteForm(FieldWriter&, std::monostate) {}
+void WriteKind(FieldWriter&, std::monostate) {}
 
-void WriteAnyForm(FieldWriter& fields, const Form& form) {
+std::vector<std::string> ReadNames(FieldReader& fields) {
+  return fields.List(kMostNames, 4, [&] { return fields.ByteText(kMostNameBytes); });
+}
+
+void WriteNames(FieldWriter& fields, const std::vector<std::string>& names) {
+  fields.List(names, [&](const std::string& name) { fields.ByteText(name); });
+}
+
+}  // namespace
+
+void WriteForm(FieldWriter& fields, const Form& form) {
   fields.U32(static_cast<uint32_t>(form.index()));
-  std::visit([&](const auto& kind) { WriteForm(fields, kind); }, form);
+  std::visit([&](const auto& kind) { WriteKind(fields, kind); }, form);
 }
 
 Form ReadForm(FieldReader& fields) {
@@ -131,16 +141,6 @@ Form ReadForm(FieldReader& fields) {
       return ReadTiffForm(fields);
   }
 }
-
-std::vector<std::string> ReadNames(FieldReader& fields) {
-  return fields.List(kMostNames, 4, [&] { return fields.ByteText(kMostNameBytes); });
-}
-
-void WriteNames(FieldWriter& fields, const std::vector<std::string>& names) {
-  fields.List(names, [&](const std::string& name) { fields.ByteText(name); });
-}
-
-}  // namespace
 
 void WriteLayout(FieldWriter& fields, const PixelLayout& layout) {
   const auto& [type, bits, bands, model, alpha, extraBands, palette, profile] = layout;
@@ -175,7 +175,7 @@ void WriteHeader(FieldWriter& fields, const PictureHeader& header) {
   fields.I32(width);
   fields.I32(height);
   WriteLayout(fields, layout);
-  WriteAnyForm(fields, form);
+  WriteForm(fields, form);
   WriteMetadata(fields, metadata);
   WriteOrientation(fields, orientation);
   for (const int number : {pages, frames, smallerCopies, masks}) fields.I32(number);

@@ -16,6 +16,9 @@ RASTERKIT_EXPORT void WriteHeader(FieldWriter& fields, const PictureHeader& head
 /// layout without bands.
 RASTERKIT_EXPORT PictureHeader ReadHeader(FieldReader& fields);
 
+RASTERKIT_EXPORT void WriteForm(FieldWriter& fields, const Form& form);
+RASTERKIT_EXPORT Form ReadForm(FieldReader& fields);
+
 RASTERKIT_EXPORT void WriteLayout(FieldWriter& fields, const PixelLayout& layout);
 RASTERKIT_EXPORT PixelLayout ReadLayout(FieldReader& fields);
 

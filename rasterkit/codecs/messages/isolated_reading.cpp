@@ -5,6 +5,7 @@
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_share.h>
 #include <rasterkit/runtime/worker/worker_errors.h>
+#include <rasterkit/runtime/worker/worker_input.h>
 #include <rasterkit/runtime/worker/worker_memory.h>
 #include <rasterkit/runtime/worker/worker_session.h>
 
@@ -72,9 +73,10 @@ class AnswerReader {
 WorkerMessage ReadRequest(WorkerTask task, std::span<const uint8_t> fields, SystemFile file) {
   FieldWriter body;
   body.Enum(task);
-  body.Bytes(fields);
   WorkerMessage request{kReadPicture, body.Take()};
   request.files.push_back(std::move(file));
+  // Metadata to be written can be longer than a message.
+  request.files.push_back(WorkerInputOf(fields));
   return request;
 }
 

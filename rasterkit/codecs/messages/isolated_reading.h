@@ -14,13 +14,13 @@
 
 /// The host's side of reading in a worker process, and the messages of both sides.
 ///
-///     request  kReadPicture   task, fields of the task; one file
+///     request  kReadPicture   task; the file, and memory with the fields of the task
 ///     answer   kPictureRead   sizes of fields and content; a piece of each
 ///     request  kMorePicture   which one of the two, position
 ///     answer   kPiece         a piece
 ///
 /// A piece is memory with the bytes from the position on, at most kMostWorkerMemoryBytes. Fields
-/// describe what was read. The content is the rows of a picture, or the bytes of a metafile.
+/// describe what was read. The content is the rows of a picture, or the bytes of a file.
 namespace rasterkit::detail {
 
 enum PictureMessageKind : uint16_t {
@@ -42,6 +42,8 @@ enum class WorkerTask {
   header,
   /// DecodePixels.
   pixels,
+  /// CopyPicture.
+  copy,
 };
 
 /// Takes the fields of an answer, checks them, and returns the place for `contentBytes` of content,

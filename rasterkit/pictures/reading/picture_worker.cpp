@@ -92,23 +92,27 @@ void PictureWorker::State::ConvertMetafile(FieldReader& task, TStream& file) {
   bytes = std::move(converted.bytes);
 }
 
-/// The header alone, or the pixels alone.
+/// The header alone, the pixels alone, or a copy with other metadata.
 void PictureWorker::State::ReadParts(WorkerTask task, FieldReader& options, TStream& file) {
   FieldWriter answer;
   if (task == WorkerTask::header) {
     AnswerHeader(options, file, answer);
-  } else {
+  } else if (task == WorkerTask::pixels) {
     pixels = AnswerPixels(options, file, answer);
+  } else {
+    bytes = AnswerCopy(options, file, answer);
   }
   fields = answer.Take();
 }
 
 WorkerMessage PictureWorker::State::Read(WorkerMessage& request) {
-  if (request.files.size() != 1) ThrowBadMessage("a request has no file");
+  if (request.files.size() != 2) ThrowBadMessage("a request has no file");
   FieldReader body(request.body);
-  const WorkerTask task = body.Enum(WorkerTask::pixels);
-  FieldReader options(body.Bytes(kMostWorkerBodyBytes));
+  const WorkerTask task = body.Enum(WorkerTask::copy);
   body.RequireEnd();
+  const std::vector<uint8_t> taskFields =
+      WorkerInputStream(std::move(request.files[1]))->ReadToEnd();
+  FieldReader options(taskFields);
   const auto file = WorkerInputStream(std::move(request.files[0]));
   if (task == WorkerTask::frame) {
     DecodeFrame(options, *file);

@@ -1,0 +1,69 @@
+#include <rasterkit/codecs/messages/frame_fields.h>
+#include <rasterkit/codecs/messages/header_fields.h>
+#include <rasterkit/codecs/messages/metadata_fields.h>
+#include <rasterkit/codecs/messages/writing_fields.h>
+
+namespace rasterkit::detail {
+namespace {
+
+constexpr int kMostQuality = 100, kMostChroma = 4, kMostThreads = 64;
+constexpr size_t kMostLosses = 1000, kLeastLossBytes = 12, kMostTextBytes = size_t{1} << 16;
+
+}  // namespace
+
+void WriteWriting(FieldWriter& fields, const PictureWriting& writing) {
+  const auto& [form, metadata, positionTags, quality, chromaX, chromaY, dropsHidden, threads] =
+      writing;
+  WriteForm(fields, form);
+  WriteMetadata(fields, metadata);
+  WriteTags(fields, positionTags);
+  fields.Optional(quality, [&](int value) { fields.I32(value); });
+  fields.I32(chromaX);
+  fields.I32(chromaY);
+  fields.Bool(dropsHidden);
+  fields.I32(threads);
+}
+
+PictureWriting ReadWriting(FieldReader& fields) {
+  PictureWriting writing;
+  auto& [form, metadata, positionTags, quality, chromaX, chromaY, dropsHidden, threads] = writing;
+  form = ReadForm(fields);
+  metadata = ReadMetadata(fields);
+  positionTags = ReadTags(fields);
+  quality = fields.Optional([&]() -> int { return fields.I32In(1, kMostQuality); });
+  chromaX = fields.I32In(0, kMostChroma);
+  chromaY = fields.I32In(0, kMostChroma);
+  dropsHidden = fields.Bool();
+  threads = fields.I32In(1, kMostThreads);
+  return writing;
+}
+
+void WriteWritten(FieldWriter& fields, const WrittenPicture& written) {
+  const auto& [form, layout, changes] = written;
+  WriteForm(fields, form);
+  WriteLayout(fields, layout);
+  fields.List(changes.losses, [&](const Loss& loss) {
+    fields.Enum(loss.kind);
+    fields.ByteText(loss.what);
+    fields.ByteText(loss.why);
+  });
+  WriteWarnings(fields, changes.notes);
+}
+
+WrittenPicture ReadWritten(FieldReader& fields) {
+  WrittenPicture written;
+  auto& [form, layout, changes] = written;
+  form = ReadForm(fields);
+  layout = ReadLayout(fields);
+  changes.losses = fields.List(kMostLosses, kLeastLossBytes, [&] {
+    Loss loss;
+    loss.kind = fields.Enum(LossKind::records);
+    loss.what = fields.ByteText(kMostTextBytes);
+    loss.why = fields.ByteText(kMostTextBytes);
+    return loss;
+  });
+  changes.notes = ReadWarnings(fields);
+  return written;
+}
+
+}  // namespace rasterkit::detail
