@@ -116,19 +116,29 @@ class ExtraPageMaker {
       if (!state_.pixelsChanged) return Read(index);
       return Mask(index);
     } catch (const FormatError& error) {
-      const std::string why = "it cannot be read: " + error.Reason();
-      if (role == Role::mask) {
-        changes_.Lose(LossKind::alpha, "the mask of the page", why);
-      } else {
-        changes_.Note("a smaller copy of the page is not written: " + why);
-      }
-      return std::nullopt;
+      Miss(role, error.Reason());
+    } catch (const UnsupportedError& error) {
+      Miss(role, error.Reason());
+    }
+    return std::nullopt;
+  }
+
+  void Miss(Role role, const std::string& reason) {
+    const std::string why = "it cannot be read: " + reason;
+    if (role == Role::mask) {
+      changes_.Lose(LossKind::alpha, "the mask of the page", why);
+    } else {
+      changes_.Note("a smaller copy of the page is not written: " + why);
     }
   }
 
   Pixels Read(size_t index) const {
-    CodecReport unused;
-    return source_.ReadExtraPage(index, run_.threads, unused);
+    CodecReport report;
+    Pixels pixels = source_.ReadExtraPage(index, run_.threads, report);
+    for (const std::string& warning : report.warnings) {
+      changes_.Lose(LossKind::damage, warning, "a smaller copy or mask of the page is damaged");
+    }
+    return pixels;
   }
 
   /// A mask as large as the page goes through its steps; a smaller one is that of a copy, and is

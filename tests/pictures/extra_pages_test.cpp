@@ -361,6 +361,29 @@ TEST(Masks, HaveNothingInTheCornersOfATurnedPicture) {
   EXPECT_NEAR(set, kWidth * kHeight, kWidth + kHeight);
 }
 
+TEST(Masks, ThatCannotBeReadAreALoss) {
+  const TempFolder folder;
+  std::vector<TiffExtraPage> extra;
+  extra.push_back(
+      {MaskOf(kWidth, kHeight, {3, 4, 50, 60}), FormOf(kDeflate, kMaskPhotometric), kMask});
+  const std::string in =
+      WritePage(folder, Noise(pf8bit, kWidth, kHeight, 3), FormOf(kNone, 1), extra);
+  std::string bytes = test::ReadFile(in);
+  // The page is not compressed: all streams of Deflate are those of the mask.
+  const std::string start = "\x78";
+  size_t broken = 0;
+  for (size_t at = bytes.find(start, size_t{kWidth} * kHeight); at != std::string::npos;
+       at = bytes.find(start, at + 1)) {
+    bytes[at] = '\0';
+    ++broken;
+  }
+  ASSERT_GT(broken, 0U);
+  Picture picture = Picture::Open(folder.Write("broken.tif", bytes));
+  const Report report = picture.Turn(1).Save(folder / "out.tif");
+  EXPECT_FALSE(report.losses.empty());
+  EXPECT_EQ(FamilyIn(folder / "out.tif").page.Width(), kHeight);
+}
+
 TEST(ExtraPages, OfAPreviewThatStandsFirstAreALoss) {
   const TempFolder folder;
   std::vector<TiffExtraPage> extra;
