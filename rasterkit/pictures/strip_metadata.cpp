@@ -1,3 +1,4 @@
+#include <array>
 #include <string_view>
 #include <utility>
 
@@ -56,6 +57,20 @@ void StripGps(std::string& xmp) {
   xmp = packet.IsDamaged() ? std::string() : packet.Text();
 }
 
+/// An EXIF block that states a resolution states the new one.
+void SetResolution(Metadata& metadata, const Resolution& resolution) {
+  constexpr uint16_t kX = 282, kY = 283, kUnit = 296, kInch = 2;
+  metadata.resolution = resolution;
+  if (metadata.exif.empty()) return;
+  ExifBlock exif(std::move(metadata.exif));
+  if (!exif.IsDamaged() && exif.Has(ExifDirectoryId::main, kX)) {
+    exif.SetRational(ExifDirectoryId::main, kX, resolution.x);
+    exif.SetRational(ExifDirectoryId::main, kY, resolution.y);
+    exif.SetWords(ExifDirectoryId::main, kUnit, std::array{kInch});
+  }
+  metadata.exif = exif.TakeBytes();
+}
+
 void StripExif(std::vector<uint8_t>& bytes, const MetadataEdit& edit) {
   ExifBlock exif(std::move(bytes));
   bytes.clear();
@@ -69,6 +84,7 @@ void StripExif(std::vector<uint8_t>& bytes, const MetadataEdit& edit) {
 }  // namespace
 
 void StripMetadata(Metadata& metadata, const MetadataEdit& edit) {
+  if (edit.resolution) SetResolution(metadata, *edit.resolution);
   if (edit.stripAll) {
     Metadata kept;
     kept.profile = metadata.profile;

@@ -137,6 +137,9 @@ void AddQuality(Verb& verb, PictureOptions& options) {
   verb.Number("--quality", "Q", options.quality, {1, 100},
               "JPEG quality, 1 to 100 [that of a JPEG input, else 90]")
       .In(kPicture);
+}
+
+void AddSampling(Verb& verb, PictureOptions& options) {
   const auto take = [&options](const std::string& text) {
     for (const Sampling& sampling : kSamplings) {
       if (text != sampling.name) continue;

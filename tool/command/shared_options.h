@@ -30,8 +30,8 @@ void AddFilter(Verb& verb, PictureOptions& options, const std::string& choices,
 /// --background of verbs that uncover no corners.
 void AddBackground(Verb& verb, PictureOptions& options);
 void AddBits(Verb& verb, PictureOptions& options);
-/// --quality and --sampling.
 void AddQuality(Verb& verb, PictureOptions& options);
+void AddSampling(Verb& verb, PictureOptions& options);
 /// --world-file and --position-from.
 void AddPosition(Verb& verb, PictureOptions& options);
 /// --strip and --strip-gps.

@@ -6,19 +6,22 @@
 #include <map>
 #include <mutex>
 #include <new>
+#include <thread>
 
 #include <fmt/core.h>
 
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/runtime/files/file_name.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/output_file.h"
+#include "tool/command/output_type.h"
 #include "tool/command/printable.h"
 #include "tool/pages/page_list.h"
 #include "tool/pages/pdf_file.h"
-#include "tool/pictures/change_picture.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -157,8 +160,26 @@ class PageDrawer {
     TBitmap bitmap = DrawPage(*document, job);
     files_.Return(job.input, std::move(document));
     Recolor(bitmap);
-    auto rows = std::make_unique<TBitmap>(std::move(bitmap));
-    return WritePicture(Picture::Of(std::move(rows)), job, options_.picture);
+    JobResult result;
+    result.output.file =
+        WriteOutput(job.output, job.saving, [&](TStream& stream) { Encode(bitmap, job, stream); });
+    result.type = PictureTypeName(WritableType(job.output));
+    result.width = bitmap.Width();
+    result.height = bitmap.Height();
+    result.bits = bitmap.StoredBits();
+    return result;
+  }
+
+  /// Straight from the drawn rows: a large page has no room for a second one.
+  void Encode(const TBitmap& bitmap, const Job& job, TStream& stream) const {
+    constexpr int kMostEncoders = 64, kUsualQuality = 90;
+    const int processors = static_cast<int>(std::max(std::thread::hardware_concurrency(), 1u));
+    const int threads = options_.picture.threads > 0 ? options_.picture.threads : processors;
+    EncodeOptions encoding;
+    encoding.quality = options_.picture.quality.value_or(kUsualQuality);
+    encoding.tiff.compression = options_.picture.compression.value_or(TiffCompression::standard);
+    encoding.tiff.threads = std::min(threads, kMostEncoders);
+    FindCodec(WritableType(job.output))->encode(bitmap.Content(), stream, encoding);
   }
 
   TBitmap DrawPage(PdfDocument& document, const Job& job) const {

@@ -242,13 +242,6 @@ void DoWork(const Job& job, const std::function<void()>& work) {
   }
 }
 
-JobResult WritePicture(Picture picture, const Job& job, const PictureOptions& options) {
-  const PictureWork work{std::move(picture), job, options};
-  JobResult result;
-  DoWork(job, [&] { result = Save(work); });
-  return result;
-}
-
 JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDryRun,
                         const PictureChange& change) {
   if (IsMetafileName(job.output)) return ConvertMetafile(job, options, isDryRun);

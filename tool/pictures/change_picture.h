@@ -48,9 +48,6 @@ Run RunOf(const PictureOptions& options);
 /// Works on a picture of a job. Throws Failure in place of errors of the library.
 void DoWork(const Job& job, const std::function<void()>& work);
 
-/// Writes a picture that was made and not opened. Throws Failure.
-JobResult WritePicture(Picture picture, const Job& job, const PictureOptions& options);
-
 /// Processes one picture: opens it, changes it, and writes it, or says what would be written if
 /// `isDryRun`. Throws Failure.
 JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDryRun,

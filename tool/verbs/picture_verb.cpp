@@ -46,6 +46,7 @@ void PictureVerb::AddSharedOptions() {
   }
   AddBits(*this, *picture_);
   AddQuality(*this, *picture_);
+  AddSampling(*this, *picture_);
   AddCompression(*this, *picture_);
   if (output_->takesMetafiles) AddMetafileSize(*this, *picture_);
   AddPosition(*this, *picture_);

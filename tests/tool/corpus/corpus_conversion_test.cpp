@@ -17,9 +17,9 @@ using nlohmann::json;
 class CorpusConversion : public testing::TestWithParam<std::string> {
  protected:
   void Check(const std::string& file) {
-    const json facts = JsonLines(RunTool({"info", "--json", file}).out).at(0);
+    const json facts = JsonLines(RunTool({"info", "--json", "--verify", file}).out).at(0);
     const ToolResult result = RunTool({"convert", file, out_, "--overwrite", "--json"});
-    EXPECT_EQ(result.code, facts.at("ok") ? 0 : 3) << file << ": " << result.err;
+    EXPECT_EQ(result.code, facts.value("verified", false) ? 0 : 3) << file << ": " << result.err;
     CheckWords(result.err, file);
     EXPECT_EQ(std::filesystem::exists(out_), result.code == 0) << file;
     if (result.code == 0) CheckOutput(facts);

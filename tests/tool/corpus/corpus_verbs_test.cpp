@@ -28,10 +28,11 @@ class CorpusVerbs : public testing::TestWithParam<VerbLine> {
 
   /// Number of readable files.
   static size_t Readable(const std::vector<std::string>& files) {
-    std::vector<std::string> line = {"info", "--json"};
+    std::vector<std::string> line = {"info", "--json", "--verify"};
     line.insert(line.end(), files.begin(), files.end());
     size_t count = 0;
-    for (const auto& facts : JsonLines(RunTool(line).out)) count += facts.at("ok") ? 1 : 0;
+    for (const auto& facts : JsonLines(RunTool(line).out))
+      count += facts.value("verified", false) ? 1 : 0;
     return count;
   }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -74,10 +75,27 @@ Summary SummaryOf(const PeerGrid& grid) {
   return result;
 }
 
+Summary SummaryOfGrid(const PeerGrid& grid) {
+  if (grid.type == "Float32") return SummaryOf<float>(grid);
+  if (grid.type == "Float64") return SummaryOf<double>(grid);
+  if (grid.type == "Int32") return SummaryOf<int32_t>(grid);
+  if (grid.type == "UInt32") return SummaryOf<uint32_t>(grid);
+  // Signed bytes, which GDAL calls by the same name as others.
+  if (grid.type == "Byte") return SummaryOf<int8_t>(grid);
+  return grid.type == "UInt16" ? SummaryOf<uint16_t>(grid) : SummaryOf<int16_t>(grid);
+}
+
+/// GDAL's name of a number type.
+std::string NameOfGdal(const std::string& type) {
+  static const std::map<std::string, std::string> kNames = {
+      {"uint16", "UInt16"}, {"int16", "Int16"},     {"uint32", "UInt32"},   {"int32", "Int32"},
+      {"int8", "Byte"},     {"float64", "Float64"}, {"float32", "Float32"}, {"float16", "Float32"}};
+  const auto found = kNames.find(type);
+  return found == kNames.end() ? type : found->second;
+}
+
 void CompareStatistics(const json& ours, const PeerGrid& grid, const std::string& file) {
-  const Summary theirs = grid.type == "Float32"  ? SummaryOf<float>(grid)
-                         : grid.type == "UInt16" ? SummaryOf<uint16_t>(grid)
-                                                 : SummaryOf<int16_t>(grid);
+  const Summary theirs = SummaryOfGrid(grid);
   EXPECT_EQ(ours["values"], theirs.values) << file;
   if (theirs.values == 0) return;
   EXPECT_EQ(ours["minimum"], theirs.minimum) << file;
@@ -105,12 +123,11 @@ bool CompareGrid(const json& ours, const std::string& file, const TempFolder& fo
   const auto grid = ReadWithGdal(file, folder);
   if (!grid) return false;
   const std::string type = ours["grid"];
-  EXPECT_EQ(grid->type, type == "uint16"  ? "UInt16"
-                        : type == "int16" ? "Int16"
-                                          : "Float32")
-      << file;
+  EXPECT_EQ(grid->type, NameOfGdal(type)) << file;
   CompareStatistics(ours, *grid, file);
-  if (type != "float16") CompareValues(*grid, file);
+  // The types that the library's routine gives.
+  const std::set<std::string> exported = {"float32", "uint16", "int16"};
+  if (exported.contains(type)) CompareValues(*grid, file);
   return true;
 }
 
