@@ -87,16 +87,14 @@ void FollowThumbnails(ImageResources& resources, const PixelChange& change, Chan
   const bool hadOne = resources.Find(kThumbnail) != nullptr;
   const bool hadOld = resources.Remove(kOldThumbnail);
   const Sides sides = SidesOfJpeg(change.thumbnail);
-  if (hadOne && sides.width > 0) {
+  if ((hadOne || hadOld) && sides.width > 0) {
     resources.Set(kThumbnail, ThumbnailResource(change.thumbnail, sides));
     return;
   }
   resources.Remove(kThumbnail);
-  if (hadOne || (hadOld && sides.width == 0)) {
+  if (hadOne || hadOld) {
     changes.Lose(LossKind::thumbnail, "Photoshop's thumbnail",
                  "it shows the old picture and no new one was made");
-  } else if (hadOld) {
-    changes.Note("Photoshop's old thumbnail was removed, because it shows the old picture");
   }
 }
 
@@ -167,27 +165,34 @@ void RemoveStaleSegments(Metadata& metadata, Changes& changes) {
 
 // --- TIFF ----------------------------------------------------------------------------------
 
-/// GDAL's metadata without the items that are statistics of the old pixels.
+constexpr std::string_view kItem = "<Item";
+
+/// True for an item of GDAL's metadata that states the range of the pixels.
+bool IsStatistic(std::string_view tag) {
+  return tag.find("name=\"STATISTICS_") != std::string_view::npos ||
+         tag.find("name='STATISTICS_") != std::string_view::npos;
+}
+
+/// The place after the item whose tag ends at `tagEnd`; npos if it has no end.
+size_t EndOfItem(std::string_view xml, size_t tagEnd) {
+  constexpr std::string_view kEnd = "</Item>";
+  if (xml[tagEnd - 1] == '/') return tagEnd + 1;
+  const size_t closing = xml.find(kEnd, tagEnd);
+  return closing == std::string_view::npos ? closing : closing + kEnd.size();
+}
+
+/// GDAL's metadata without the items that are statistics of the old pixels. What follows an item
+/// without an end stays.
 std::string WithoutStatistics(std::string_view xml) {
-  constexpr std::string_view kItem = "<Item", kEnd = "</Item>", kName = "STATISTICS_";
   std::string kept;
   size_t at = 0;
-  while (at < xml.size()) {
-    const size_t item = xml.find(kItem, at);
-    const size_t tagEnd = xml.find('>', std::min(item, xml.size()));
+  for (size_t item = xml.find(kItem); item != std::string_view::npos; item = xml.find(kItem, at)) {
+    const size_t tagEnd = xml.find('>', item);
     if (tagEnd == std::string_view::npos) break;
-    kept += xml.substr(at, item - at);
-    const std::string_view tag = xml.substr(item, tagEnd + 1 - item);
-    const size_t closing = tag.ends_with("/>") ? tagEnd + 1 : xml.find(kEnd, tagEnd);
-    const size_t end = closing == std::string_view::npos || closing == tagEnd + 1
-                           ? closing
-                           : closing + kEnd.size();
-    if (end == std::string_view::npos) {
-      at = item;
-      break;
-    }
-    const bool isStale = tag.find(kName) != std::string_view::npos;
-    if (!isStale) kept += xml.substr(item, end - item);
+    const size_t end = EndOfItem(xml, tagEnd);
+    if (end == std::string_view::npos) break;
+    const bool isStale = IsStatistic(xml.substr(item, tagEnd - item));
+    kept += xml.substr(at, (isStale ? item : end) - at);
     at = isStale ? std::min(xml.find_first_not_of(" \n", end), xml.size()) : end;
   }
   return kept + std::string(xml.substr(at));
@@ -195,15 +200,16 @@ std::string WithoutStatistics(std::string_view xml) {
 
 void FollowTiffTags(Metadata& metadata, Changes& changes) {
   constexpr uint16_t kGdalMetadata = 42112;
-  for (TagValue& tag : metadata.tiffTags) {
-    if (tag.tag != kGdalMetadata) continue;
+  std::erase_if(metadata.tiffTags, [&](TagValue& tag) {
+    if (tag.tag != kGdalMetadata) return false;
     const std::string xml =
         WithoutStatistics({reinterpret_cast<const char*>(tag.bytes.data()), tag.bytes.size()});
-    if (xml.size() == tag.bytes.size()) continue;
+    if (xml.size() == tag.bytes.size()) return false;
     tag.bytes.assign(xml.begin(), xml.end());
     tag.count = tag.bytes.size();
     changes.Note("statistics of the old pixels were removed");
-  }
+    return xml.find(kItem) == std::string::npos;
+  });
 }
 
 }  // namespace
@@ -215,7 +221,7 @@ void FollowPixels(Metadata& metadata, const PixelChange& change, Changes& change
   FollowResources(metadata, change, changes);
   if (!change.pixelsChanged) return;
   RemoveStaleSegments(metadata, changes);
-  FollowTiffTags(metadata, changes);
+  if (!change.keepsValues) FollowTiffTags(metadata, changes);
 }
 
 }  // namespace rasterkit

@@ -21,6 +21,9 @@ struct PixelChange {
   bool pixelsChanged = false;
   /// True if the sides or places changed (turn, crop, resize), not colors alone.
   bool placesChanged = false;
+  /// True if the pixels are those of the old picture at other places (turns, mirrors): statistics
+  /// still hold.
+  bool keepsValues = false;
   /// True if the picture is gray now and was not.
   bool becameGray = false;
   /// The resolution after the change.

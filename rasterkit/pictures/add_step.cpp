@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <utility>
 
@@ -26,11 +25,14 @@ constexpr double kMostStretched = 10;
 /// A smaller difference of the resolutions comes from rounding to the units of a file.
 constexpr double kRounding = 1.001;
 
-std::optional<double> NumberOf(const std::string& text) {
-  double number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
+/// True for turns by quarters and mirrors: the columns of one picture are columns or rows of the
+/// other.
+bool KeepsValues(const Affine& toOld, Sides from, Sides to) {
+  const auto isUnit = [](double a, double b) {
+    return (std::abs(a) == 1 && b == 0) || (a == 0 && std::abs(b) == 1);
+  };
+  return isUnit(toOld.xPerColumn, toOld.xPerRow) && isUnit(toOld.yPerColumn, toOld.yPerRow) &&
+         int64_t{from.width} * from.height == int64_t{to.width} * to.height;
 }
 
 /// A mask has no mixed pixels, and nothing lies outside of the picture.
@@ -179,25 +181,26 @@ class StepAdder {
   uint64_t RowBytes() const { return BytesOfRows(state_.layout, state_.width, state_.height); }
 
   /// The layout is the new one already. Rows before and after a stage are held together.
-  void AddStage(std::unique_ptr<Stage> stage) {
+  void AddStage(std::shared_ptr<const Stage> stage, bool keepsValues = false) {
     state_.stages.push_back(std::move(stage));
     state_.pixelsChanged = true;
+    state_.keepsValues = state_.keepsValues && keepsValues;
     const uint64_t before = std::exchange(heldBytes_, RowBytes());
     state_.rowBytes = std::max(state_.rowBytes, before + heldBytes_);
   }
 
-  /// A mask moves as the picture does, by the same stage if there is no other.
-  void Add(std::unique_ptr<Stage> stage, const Affine& toOld, Sides sides,
-           std::unique_ptr<Stage> maskStage = nullptr) {
+  /// `forMask` moves masks of the page; without one the stage itself does.
+  void Add(std::shared_ptr<const Stage> stage, const Affine& toOld, Sides sides,
+           std::shared_ptr<const Stage> forMask = nullptr) {
     RequirePictureSize(static_cast<uint64_t>(sides.width), static_cast<uint64_t>(sides.height),
                        fmt::format("a picture of {} x {} pixels", sides.width, sides.height));
+    const bool keepsValues = KeepsValues(toOld, Now(), sides);
     state_.toOld = state_.toOld.After(toOld);
     state_.width = sides.width;
     state_.height = sides.height;
     state_.placesChanged = true;
-    AddStage(std::move(stage));
-    state_.maskStages.push_back(maskStage ? std::shared_ptr<const Stage>(std::move(maskStage))
-                                          : state_.stages.back());
+    state_.maskStages.push_back(forMask ? std::move(forMask) : stage);
+    AddStage(std::move(stage), keepsValues);
   }
 
   void ExchangeAxes() {
@@ -205,10 +208,8 @@ class StepAdder {
     state_.exchangesAxes = !state_.exchangesAxes;
   }
 
-  std::optional<double> NoDataNumber() const { return NumberOf(source_.Position().noData); }
-
   Resampling HowFor(const RotateOptions& options) const {
-    return {options.filter, options.fill, NoDataNumber()};
+    return {options.filter, options.fill, NoDataOf(source_)};
   }
 
   void Resize(Sides target, Filter filter) {
@@ -226,7 +227,7 @@ class StepAdder {
     if (state_.resolution.IsKnown()) {
       state_.resolution = {state_.resolution.x / columns, state_.resolution.y / rows};
     }
-    Add(ResizeStage(sides, target, filter, NoDataNumber()), toOld, target,
+    Add(ResizeStage(sides, target, filter, NoDataOf(source_)), toOld, target,
         ResizeStage(sides, target, Filter::nearest));
   }
 

@@ -22,6 +22,9 @@ class FileSource : public PictureSource {
     type_ = type;
     file_ = bytes_.Name();
     header_ = ReadPictureHeader(*bytes_.Stream(), type);
+    if (type == PictureType::tiff && header_.smallerCopies + header_.masks > 0) {
+      extraPages_ = ReadTiffExtraPages(*bytes_.Stream());
+    }
     position_ =
         ReadPlacement(file_, header_.positionTags, header_.width, header_.height, options.position);
   }
@@ -31,6 +34,13 @@ class FileSource : public PictureSource {
     Pixels pixels =
         DecodePixels(*bytes_.Stream(), type_, {std::min(threads, kMostDecoders)}, &report);
     // A change while it is read would mix two pictures.
+    bytes_.RequireUnchanged();
+    return pixels;
+  }
+  Pixels ReadExtraPage(size_t index, int threads, CodecReport& report) const override {
+    bytes_.RequireUnchanged();
+    Pixels pixels =
+        DecodeTiffExtraPage(*bytes_.Stream(), index, {std::min(threads, kMostDecoders)}, &report);
     bytes_.RequireUnchanged();
     return pixels;
   }
@@ -107,6 +117,10 @@ SourcePtr SourceOfBytes(PictureBytes bytes, const OpenOptions& options) {
 }
 
 }  // namespace
+
+Pixels PictureSource::ReadExtraPage(size_t, int, CodecReport&) const {
+  throw RangeError("the picture has no smaller copies and masks");
+}
 
 WrittenPicture PictureSource::Copy(const PictureWriting& writing, TStream& target) const {
   const std::unique_ptr<TStream> bytes = Bytes();

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <rasterkit/pictures/extra_pages.h>
 #include <rasterkit/pictures/find_losses.h>
 
 namespace rasterkit::detail {
@@ -27,15 +28,6 @@ void LoseHidden(const PictureHeader& header, const LossTarget& target, Changes& 
     for (const std::string& name : header.hiddenOthers) {
       changes.Lose(LossKind::hiddenPictures, name, "only the picture itself is written");
     }
-  }
-  if (target.carriesExtraPages) return;
-  if (header.smallerCopies > 0) {
-    changes.Note(
-        fmt::format("smaller copies of the page are not written: {}", header.smallerCopies));
-  }
-  if (header.masks > 0) {
-    changes.Lose(LossKind::hiddenPictures, "the mask of the page",
-                 "only the picture itself is written");
   }
 }
 
@@ -99,6 +91,7 @@ Changes LossesOf(const PictureSource& source, const PictureState& state, const L
   Join(changes, state.followed);
   LosePictures(source.Header(), changes);
   LoseHidden(source.Header(), target, changes);
+  LoseExtraPages(source, state, target, changes);
   LosePosition(state.placement, target, changes);
   LoseTiles(source.Header().form, target, changes);
   return changes;

@@ -15,8 +15,6 @@ struct LossTarget {
   bool isCopied = false;
   /// Files can lie beside it.
   bool hasSideFiles = false;
-  /// Smaller copies and masks of the page go along.
-  bool carriesExtraPages = false;
 };
 
 /// What the target cannot hold besides pixels and metadata: other pictures of the file, its

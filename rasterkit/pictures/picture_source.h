@@ -8,6 +8,7 @@
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/rows/picture_header.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/pictures/fitting/decoded_kind.h>
 #include <rasterkit/pictures/open_options.h>
@@ -36,6 +37,10 @@ class PictureSource {
   /// Reads the pixels as stored. What was read around is added to `report`. Works under the limits
   /// of the calling thread.
   virtual Pixels ReadPixels(int threads, CodecReport& report) const = 0;
+  /// Smaller copies and masks of a TIFF file's page; none where they cannot be decoded here.
+  const std::vector<TiffExtraPageHeader>& ExtraPages() const { return extraPages_; }
+  /// Reads one of them. Throws RangeError for another index.
+  virtual Pixels ReadExtraPage(size_t index, int threads, CodecReport& report) const;
   /// True if the compressed pixels can be copied.
   virtual bool CanCopy() const { return Bytes() != nullptr; }
   /// Copies the compressed pixels; see CopyPicture. Throws FileError if the file changed.
@@ -53,6 +58,7 @@ class PictureSource {
   PictureType type_ = PictureType::unknown;
   std::string file_;
   PictureHeader header_;
+  std::vector<TiffExtraPageHeader> extraPages_;
   Placement position_;
   Changes lost_;
 };

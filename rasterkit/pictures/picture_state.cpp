@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <charconv>
 
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/follow_pixels.h>
+#include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/pictures/picture_state.h>
 #include <rasterkit/pictures/strip_metadata.h>
 
@@ -30,6 +32,7 @@ PixelChange ChangeOf(const PictureState& state, const PictureSource& source) {
   change.toNew = CornersToNew(state.toOld);
   change.pixelsChanged = state.pixelsChanged;
   change.placesChanged = state.placesChanged;
+  change.keepsValues = state.keepsValues;
   const auto isGray = [](ColorModel model) {
     return model == ColorModel::gray || model == ColorModel::grayWhiteIsZero;
   };
@@ -39,7 +42,10 @@ PixelChange ChangeOf(const PictureState& state, const PictureSource& source) {
 }
 
 bool HasThumbnail(const Metadata& metadata) {
-  return !metadata.exif.empty() && ExifBlock(metadata.exif).HasThumbnail();
+  if (!metadata.exif.empty() && ExifBlock(metadata.exif).HasThumbnail()) return true;
+  const ImageResources resources(metadata.photoshop);
+  return resources.Find(image_resource::kThumbnail) != nullptr ||
+         resources.Find(image_resource::kOldThumbnail) != nullptr;
 }
 
 /// Places the picture anew. What else the source states of its position would contradict it.
@@ -107,7 +113,8 @@ void Follow(PictureState& state, const PictureSource& source, std::span<const ui
   if (source.Header().layout.profile && !state.layout.profile) state.metadata.profile = nullptr;
   state.placement = source.Position();
   if (state.given) SetPosition(state.placement, *state.given);
-  if (!state.pixelsChanged) return;
+  // Without changed pixels another resolution is all that there can be.
+  if (!state.pixelsChanged && !state.edit.resolution) return;
 
   PixelChange change = ChangeOf(state, source);
   change.thumbnail = thumbnail;
@@ -121,6 +128,22 @@ void Follow(PictureState& state, const PictureSource& source, std::span<const ui
   FollowPixels(state.placement,
                {state.toOld, change.oldWidth, change.oldHeight, state.width, state.height},
                state.followed);
+}
+
+std::optional<double> NoDataOf(const PictureSource& source) {
+  const std::string& text = source.Position().noData;
+  double number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+bool IsSameKind(const PixelLayout& a, const PixelLayout& b) {
+  const auto isGray = [](const PixelLayout& layout) {
+    return layout.model == ColorModel::gray || layout.model == ColorModel::grayWhiteIsZero;
+  };
+  return a.type == b.type && a.bits == b.bits && a.bands == b.bands &&
+         (a.model == b.model || (isGray(a) && isGray(b)));
 }
 
 uint64_t BytesOfRows(const PixelLayout& layout, int width, int height) {

@@ -18,13 +18,15 @@ struct PictureState {
   /// From pixel indexes of this picture to those of the source.
   Affine toOld;
   bool pixelsChanged = false, placesChanged = false;
+  /// The pixels are those of the source, at other places.
+  bool keepsValues = true;
   /// The source's columns run along the rows of this picture, or nearly.
   bool exchangesAxes = false;
   MetadataEdit edit;
   /// A position for the picture as stored, in place of that of the source.
   std::optional<Affine> given;
   Stages stages;
-  /// Those for a mask of the picture: they move its pixels alone.
+  /// Those that move pixels, for masks of the page: nearest pixels, and none in the corners.
   Stages maskStages;
   /// Bytes of rows that the stages hold at most.
   uint64_t rowBytes = 0;
@@ -57,6 +59,12 @@ std::optional<Affine> PositionOf(const PictureState& state, const PictureSource&
 
 /// True if the file has a thumbnail that must be made anew when pixels change.
 bool NeedsThumbnail(const PictureState& state, const PictureSource& source);
+
+/// The number that means "not measured" in the source.
+std::optional<double> NoDataOf(const PictureSource& source);
+
+/// True if pixels of both kinds fit one form. Which gray number is white is a matter of the form.
+bool IsSameKind(const PixelLayout& a, const PixelLayout& b);
 
 /// Bytes of rows of this size.
 uint64_t BytesOfRows(const PixelLayout& layout, int width, int height);

@@ -1,6 +1,5 @@
 #include <utility>
 
-#include <rasterkit/pictures/extra_pages.h>
 #include <rasterkit/pictures/fitting/make_thumbnail.h>
 #include <rasterkit/pictures/read_pixels.h>
 #include <rasterkit/pictures/save_picture.h>
@@ -43,15 +42,10 @@ WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const Pic
   if (NeedsThumbnail(state, source) && plan.type != PictureType::bmp) {
     Follow(followed, source, MakeThumbnail(decoded.pixels, state.placement.noData));
   }
-  changes = LossesOf(source, followed,
-                     {plan.type, plan.isCopied, plan.hasSideFiles, plan.carriesExtraPages});
+  changes = LossesOf(source, followed, {plan.type, plan.isCopied, plan.hasSideFiles});
   Join(changes, made);
-  std::vector<TiffExtraPage> extraPages;
-  if (plan.carriesExtraPages) {
-    extraPages = MakeExtraPages(source, followed, decoded.pixels, {run.Threads(), {}}, changes);
-  }
   WrittenPicture written = WritePixels(std::move(decoded.pixels), followed, source, plan, options,
-                                       run.Threads(), target, changes, extraPages);
+                                       run.Threads(), target, changes);
   LoseDamage(decoded.damage, report, changes);
   return written;
 }
@@ -63,8 +57,7 @@ bool Copy(TStream& target, const PictureSource& source, const PictureState& stat
   run.Begin(kRead, 1);
   const uint64_t start = target.Position();
   try {
-    Changes copied =
-        LossesOf(source, state, {plan.type, true, plan.hasSideFiles, plan.carriesExtraPages});
+    Changes copied = LossesOf(source, state, {plan.type, true, plan.hasSideFiles});
     written = CopyPixels(source, state, plan, target, copied);
     copied.Note("the compressed pixels are copied");
     written.layout = state.layout;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <rasterkit/metadata/exif_block.h>
+#include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/xmp/xmp_names.h>
 #include <rasterkit/metadata/xmp/xmp_packet.h>
 #include <rasterkit/pictures/strip_metadata.h>
@@ -33,6 +34,20 @@ void StripGps(ExifBlock& exif) {
     exif.Remove(ExifDirectoryId::gps, value.tag);
   }
   exif.Remove(ExifDirectoryId::main, kGpsPointer);
+}
+
+/// Those of Photoshop and of XMP.
+void StripOtherThumbnails(Metadata& metadata) {
+  ImageResources resources(metadata.photoshop);
+  const bool hadThumbnail = resources.Remove(image_resource::kThumbnail);
+  if (resources.Remove(image_resource::kOldThumbnail) || hadThumbnail) {
+    metadata.photoshop = resources.Bytes();
+  }
+  for (std::string* text : {&metadata.xmp, &metadata.extendedXmp}) {
+    if (text->empty()) continue;
+    XmpPacket packet(*text);
+    if (packet.Remove(xmp_name::kXmp, "Thumbnails")) *text = packet.Text();
+  }
 }
 
 void StripGps(std::string& xmp) {
@@ -82,6 +97,7 @@ void StripMetadata(Metadata& metadata, const MetadataEdit& edit) {
   if (touchesExif && !metadata.exif.empty()) StripExif(metadata.exif, edit);
   if (edit.stripGps && !metadata.xmp.empty()) StripGps(metadata.xmp);
   if (edit.stripGps && !metadata.extendedXmp.empty()) StripGps(metadata.extendedXmp);
+  if (edit.stripThumbnail) StripOtherThumbnails(metadata);
 }
 
 }  // namespace rasterkit::detail

@@ -6,6 +6,7 @@
 
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/pictures/extra_pages.h>
 #include <rasterkit/pictures/fitting/fit_pixels.h>
 #include <rasterkit/pictures/fitting/sample_rows.h>
@@ -43,10 +44,6 @@ void TakeKind(PngForm& form, const PixelLayout& layout) {
   form.colorType = layout.model == ColorModel::rgb ? kRgb : 0;
   if (layout.model == ColorModel::palette) form.colorType = kPalette;
   if (hasAlpha) form.colorType |= kAlpha;
-}
-
-bool IsSameKind(const PixelLayout& a, const PixelLayout& b) {
-  return a.type == b.type && a.bits == b.bits && a.bands == b.bands && a.model == b.model;
 }
 
 /// The photometric value that the pixels need.
@@ -131,10 +128,11 @@ uint64_t FileBytes(const PictureSource& source, const PictureState& state, const
   constexpr uint64_t kHeader = 1 << 16;
   const uint64_t rest = 2 * MetadataBytes(state.metadata) + kHeader;
   if (plan.isCopied) return source.ByteCount() + rest;
+  const uint64_t extra = plan.type == PictureType::tiff ? 2 * ExtraPageBytes(source, state) : 0;
   const auto* tiff = std::get_if<TiffForm>(&form);
   const int width = RoundedUp(state.width, tiff == nullptr ? 0 : tiff->tileWidth);
   const int height = RoundedUp(state.height, tiff == nullptr ? 0 : tiff->tileHeight);
-  return 2 * BytesOfRows(layout, width, height) + rest;
+  return 2 * BytesOfRows(layout, width, height) + extra + rest;
 }
 
 }  // namespace
@@ -164,7 +162,6 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
   WritePlan plan;
   plan.type = type;
   plan.hasSideFiles = hasSideFiles;
-  plan.carriesExtraPages = CarriesExtraPages(source, type);
   const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options);
   plan.isCopied = isAsStored && CanCopy(type) && !source.Header().isCutOff && source.CanCopy();
   plan.form = FormOfTarget(source, state, type, options);
@@ -179,8 +176,7 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
 
 WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
                            const WritePlan& plan, const SaveOptions& options, int threads,
-                           TStream& target, Changes& changes,
-                           std::span<const TiffExtraPage> extraPages) {
+                           TStream& target, Changes& changes) {
   PictureWriting writing = WritingOf(source, state, plan);
   const PixelFit fit{plan.type, options.background, state.placement.noData, threads, plan.isSample};
   Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
@@ -188,8 +184,11 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
   writing.chromaX = options.chromaX;
   writing.chromaY = options.chromaY;
   writing.threads = threads;
-  WrittenPicture written = extraPages.empty() ? WritePicture(plan.type, fitted, writing, target)
-                                              : WriteTiff(fitted, writing, extraPages, target);
+  const bool hasExtraPages = plan.type == PictureType::tiff && !plan.isSample;
+  WrittenPicture written =
+      hasExtraPages ? WriteTiff(fitted, writing,
+                                MakeExtraPages(fitted, source, state, threads, changes), target)
+                    : WritePicture(plan.type, fitted, writing, target);
   Join(changes, written.changes);
   return written;
 }
@@ -212,8 +211,7 @@ Report Foresee(const PictureSource& source, const PictureState& state, WritePlan
   report.warnings = source.Header().warnings;
   report.warnings.insert(report.warnings.end(), state.placement.warnings.begin(),
                          state.placement.warnings.end());
-  Changes changes = LossesOf(source, state,
-                             {plan.type, plan.isCopied, plan.hasSideFiles, plan.carriesExtraPages});
+  Changes changes = LossesOf(source, state, {plan.type, plan.isCopied, plan.hasSideFiles});
   TMemoryStream target;
   const int width = std::min(kSampleSide, state.width),
             height = std::min(kSampleSide, state.height);
@@ -241,7 +239,8 @@ uint64_t MemoryOf(const PictureSource& source, const PictureState& state, uint64
   const uint64_t converted =
       4 * static_cast<uint64_t>(state.width) * static_cast<uint64_t>(state.height);
   const uint64_t decoding = source.ByteCount() + 2 * before;
-  const uint64_t writing = after + std::max(after, converted) + converted + fileBytes;
+  const uint64_t writing =
+      after + std::max(after, converted) + converted + ExtraPageBytes(source, state) + fileBytes;
   return std::max({decoding, state.rowBytes + before, writing}) + kRest;
 }
 

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <span>
 #include <string>
 
 #include <rasterkit/codecs/rows/picture_writing.h>
-#include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/pictures/find_losses.h>
 #include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/pictures/picture_state.h>
@@ -20,8 +18,6 @@ struct WritePlan {
   /// The compressed pixels of the source are copied.
   bool isCopied = false;
   bool hasSideFiles = false;
-  /// Smaller copies and masks of the page go along.
-  bool carriesExtraPages = false;
   /// The world file of the source goes along, or the format has no tags for the position.
   bool writesWorldFile = false;
   /// Only a small picture of the same kind is written.
@@ -41,8 +37,7 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
 /// position. All that is lost on the way is added to `changes`.
 WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
                            const WritePlan& plan, const SaveOptions& options, int threads,
-                           TStream& target, Changes& changes,
-                           std::span<const TiffExtraPage> extraPages = {});
+                           TStream& target, Changes& changes);
 
 /// Copies the compressed pixels.
 WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state,

@@ -335,6 +335,49 @@ TEST(FollowPixels, Should_RemoveStatisticsOfTheOldPixels) {
   EXPECT_EQ(changes.notes.size(), 1U);
 }
 
+TEST(FollowPixels, Should_KeepStatisticsThatHold) {
+  const std::string turned = "<GDALMetadata><Item name='STATISTICS_MEAN'>3</Item></GDALMetadata>";
+  const std::string other = "<GDALMetadata><Item name=\"MY_STATISTICS_\">3</Item></GDALMetadata>";
+  for (const std::string& xml : {turned, other}) {
+    Metadata metadata;
+    metadata.tiffTags = {{42112, 2, xml.size(), test::BytesOf(xml)}};
+    Changes changes;
+    PixelChange change = Crop(10, 10, 50, 50);
+    change.keepsValues = xml == turned;
+    FollowPixels(metadata, change, changes);
+    ASSERT_EQ(metadata.tiffTags.size(), 1U);
+    EXPECT_EQ(metadata.tiffTags[0].bytes, test::BytesOf(xml));
+    EXPECT_TRUE(changes.notes.empty());
+  }
+}
+
+TEST(FollowPixels, Should_RemoveTheTag_When_StatisticsWereAllThatItHeld) {
+  const std::string xml = "<GDALMetadata><Item name='STATISTICS_MEAN'>3</Item></GDALMetadata>";
+  Metadata metadata;
+  metadata.tiffTags = {{42112, 2, xml.size(), test::BytesOf(xml)}};
+  Changes changes;
+  FollowPixels(metadata, Crop(10, 10, 50, 50), changes);
+  EXPECT_TRUE(metadata.tiffTags.empty());
+  EXPECT_EQ(changes.notes.size(), 1U);
+}
+
+TEST(FollowPixels, Should_MakePhotoshopsOldThumbnailAnew) {
+  ImageResources old;
+  old.Set(1033, {1, 2, 3});
+  Metadata metadata;
+  metadata.photoshop = old.Bytes();
+  Changes changes;
+  PixelChange change = Crop(10, 10, 50, 50);
+  const std::vector<uint8_t> thumbnail = FramedJpeg(16, 12);
+  change.thumbnail = thumbnail;
+  FollowPixels(metadata, change, changes);
+  const ImageResources resources(metadata.photoshop);
+  EXPECT_EQ(resources.Find(1033), nullptr);
+  ASSERT_NE(resources.Find(1036), nullptr);
+  EXPECT_EQ(resources.Find(1036)->bytes.size(), 28 + thumbnail.size());
+  EXPECT_TRUE(changes.losses.empty());
+}
+
 TEST(FollowPixels, Should_KeepBrokenStatisticsWhole) {
   for (const std::string& xml : {"<Item name=\"STATISTICS_\">1"s, "<Item"s, ""s, "no item"s}) {
     Metadata metadata;

@@ -22,27 +22,25 @@ void Write(const std::string& file, const Raster& raster, const std::string& ext
   WriteBytes(file, stream.TakeBytes());
 }
 
-std::string TagArguments() {
-  return " -IFD0:Make=TestMake -IFD0:Model=TestModel"
-         " '-ExifIFD:DateTimeOriginal=2020:01:02 03:04:05'"
-         " -ExifIFD:ExifImageWidth=120 -ExifIFD:ExifImageHeight=80"
-         " '-ExifIFD:SubjectArea=22 12 5 5'"
-         " -GPSLatitude=48.5 -GPSLatitudeRef=N -GPSLongitude=11.25 -GPSLongitudeRef=E"
-         " -GPSAltitude=520 -GPSAltitudeRef=0"
-         " '-XMP-dc:Title=A title' -XMP-tiff:ImageWidth=120 -XMP-tiff:ImageHeight=80"
-         " '-IPTC:Caption-Abstract=A caption'"
-         " -XResolution=300 -YResolution=300 -ResolutionUnit=inches";
-}
-
-void AddTags(const TempFolder& folder, const std::string& extension, int orientation) {
+/// Arguments of exiftool, one per line: it starts slowly, so that one run changes all files.
+std::string TagArguments(const TempFolder& folder, const std::string& extension, int orientation) {
   const std::string number = std::to_string(orientation);
-  std::string command = "exiftool -q -q -overwrite_original" + TagArguments();
-  command += " -IFD0:Orientation#=" + number + " -XMP-tiff:Orientation#=" + number;
+  std::string lines =
+      "-overwrite_original\n-IFD0:Make=TestMake\n-IFD0:Model=TestModel\n"
+      "-ExifIFD:DateTimeOriginal=2020:01:02 03:04:05\n"
+      "-ExifIFD:ExifImageWidth=120\n-ExifIFD:ExifImageHeight=80\n"
+      "-ExifIFD:SubjectArea=22 12 5 5\n"
+      "-GPSLatitude=48.5\n-GPSLatitudeRef=N\n-GPSLongitude=11.25\n-GPSLongitudeRef=E\n"
+      "-GPSAltitude=520\n-GPSAltitudeRef=0\n"
+      "-XMP-dc:Title=A title\n-XMP-tiff:ImageWidth=120\n-XMP-tiff:ImageHeight=80\n"
+      "-IPTC:Caption-Abstract=A caption\n"
+      "-XResolution=300\n-YResolution=300\n-ResolutionUnit=inches\n";
+  lines += "-IFD0:Orientation#=" + number + "\n-XMP-tiff:Orientation#=" + number + "\n";
   if (extension == "jpg") {
-    command += " '-Comment=A comment' '-ThumbnailImage<=" + (folder / "thumbnail.jpg") + "'";
+    lines += "-Comment=A comment\n-ThumbnailImage<=" + (folder / "thumbnail.jpg") + "\n";
   }
-  if (extension == "png") command += " '-PNG:Comment=A comment'";
-  OutputOf(command + " " + Quoted(folder / ("o" + number + "." + extension)));
+  if (extension == "png") lines += "-PNG:Comment=A comment\n";
+  return lines + (folder / ("o" + number + "." + extension)) + "\n-execute\n";
 }
 
 }  // namespace
@@ -53,12 +51,16 @@ void WriteTaggedPictures(const TempFolder& folder) {
   raster.profile = RgbProfile();
   Write(folder / "thumbnail.jpg", GradientRaster(pf24bit, 40, 26), "jpg");
   Write(folder / "o1.bmp", raster, "bmp");
+  std::string arguments;
   for (const char* extension : {"jpg", "png", "tif"}) {
     for (int orientation = 1; orientation <= 8; ++orientation) {
       Write(folder / ("o" + std::to_string(orientation) + "." + extension), raster, extension);
-      AddTags(folder, extension, orientation);
+      arguments += TagArguments(folder, extension, orientation);
     }
   }
+  WriteText(folder / "arguments", arguments);
+  OutputOf("exiftool -@ " + Quoted(folder / "arguments") + " -common_args -q -q");
+  std::filesystem::remove(folder / "arguments");
   std::filesystem::remove(folder / "thumbnail.jpg");
 }
 

@@ -244,7 +244,7 @@ TEST(PictureSave, CarriesSmallerCopiesAndMasksOfATiffPage) {
 
   const Report png = picture.Save(folder / "turned.png");
   ASSERT_EQ(png.losses.size(), 1u);
-  EXPECT_EQ(png.losses[0].kind, LossKind::hiddenPictures);
+  EXPECT_EQ(png.losses[0].kind, LossKind::alpha);
 }
 
 TEST(PictureSave, DoesWhatThePlanSaid) {
