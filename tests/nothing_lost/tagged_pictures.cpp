@@ -42,10 +42,18 @@ void AddTags(const TempFolder& folder, const std::string& extension, int orienta
     command += " '-Comment=A comment' '-ThumbnailImage<=" + (folder / "thumbnail.jpg") + "'";
   }
   if (extension == "png") command += " '-PNG:Comment=A comment'";
-  OutputOf(command + " " + Quoted(folder / ("o" + number + "." + extension)));
+  OutputOf(command + " " + Quoted(folder / TaggedName(orientation, extension)));
 }
 
 }  // namespace
+
+std::string TaggedName(int orientation, std::string_view extension) {
+  std::string name = "o";
+  name += std::to_string(orientation);
+  name += '.';
+  name += extension;
+  return name;
+}
 
 void WriteTaggedPictures(const TempFolder& folder) {
   Raster raster = GradientRaster(pf24bit, kTaggedWidth, kTaggedHeight);
@@ -55,7 +63,7 @@ void WriteTaggedPictures(const TempFolder& folder) {
   Write(folder / "o1.bmp", raster, "bmp");
   for (const char* extension : {"jpg", "png", "tif"}) {
     for (int orientation = 1; orientation <= 8; ++orientation) {
-      Write(folder / ("o" + std::to_string(orientation) + "." + extension), raster, extension);
+      Write(folder / TaggedName(orientation, extension), raster, extension);
       AddTags(folder, extension, orientation);
     }
   }
@@ -65,7 +73,7 @@ void WriteTaggedPictures(const TempFolder& folder) {
 std::vector<std::string> TaggedPictures(const TempFolder& folder, const std::string& extension) {
   std::vector<std::string> files;
   for (int orientation = 1; orientation <= (extension == "bmp" ? 1 : 8); ++orientation) {
-    files.push_back(folder / ("o" + std::to_string(orientation) + "." + extension));
+    files.push_back(folder / TaggedName(orientation, extension));
   }
   return files;
 }
