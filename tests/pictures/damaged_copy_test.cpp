@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <functional>
+#include <random>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,7 +21,9 @@ using testing::IsEmpty;
 using testing::Not;
 
 Picture Colors() {
-  return Picture::Of(std::make_unique<TBitmap>(test::GradientRaster(pf24bit, 150, 100)));
+  std::mt19937 random(1);
+  return Picture::Of(
+      std::make_unique<TBitmap>(test::FewColorsRaster(pf24bit, 150, 100, 200, random)));
 }
 
 std::vector<std::string> DamageIn(const Report& report) {
