@@ -68,7 +68,7 @@ HelpPage ToolHelp() {
         {"2", "wrong usage"},
         {"3", "an input cannot be read"},
         {"4", "an output was not written"},
-        {"5", "something was not carried over to the output (with --strict)"},
+        {"5", "something of the input is lost (with --strict)"},
         {"130", "interrupted"}}}};
   help.examples = {"rasterkit convert photo.jpg upright.png"};
   return help;

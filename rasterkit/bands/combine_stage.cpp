@@ -146,8 +146,8 @@ TProgressEvent EventOf(const StageRun& run) {
 
 class CombineRows : public Stage {
  public:
-  CombineRows(Sides source, const Combination& combination)
-      : source_(source), combination_(combination) {}
+  CombineRows(Sides source, Combination combination)
+      : source_(source), combination_(std::move(combination)) {}
 
   RowRange Needs(RowRange target) const override { return target; }
 

@@ -20,9 +20,7 @@ Pixels RunStages(Pixels source, const Stages& stages, const StageRun& run, Chang
 }
 
 RowRange RowsNeeded(const Stages& stages, RowRange target) {
-  for (auto stage = stages.rbegin(); stage != stages.rend(); ++stage) {
-    target = (*stage)->Needs(target);
-  }
+  for (size_t i = stages.size(); i > 0; --i) target = stages[i - 1]->Needs(target);
   return target;
 }
 

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <type_traits>
 
-#include <rasterkit/bands/linear_rows.h>
 #include <rasterkit/bands/colors/sample_values.h>
+#include <rasterkit/bands/linear_rows.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -59,7 +59,7 @@ class LinearRowsOf : public LinearRows {
     const double left = std::floor(column), top = std::floor(row);
     const auto right = static_cast<uint64_t>(std::floor((column - left) * kSteps + 0.5));
     const auto down = static_cast<uint64_t>(std::floor((row - top) * kSteps + 0.5));
-    const uint64_t whole = static_cast<uint64_t>(kSteps);
+    const auto whole = static_cast<uint64_t>(kSteps);
     Corners corners;
     for (size_t i = 0; i < kCorners; ++i) {
       const bool isRight = i % 2 == 1, isLower = i / 2 == 1;

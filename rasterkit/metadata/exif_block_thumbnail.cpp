@@ -70,8 +70,9 @@ void ExifBlock::AppendThumbnail(std::span<const uint8_t> jpeg) {
     PutWordAt(at + 2 + i * detail::kIfdEntryBytes, tags[i].tag);
     PutWordAt(at + 4 + i * detail::kIfdEntryBytes, 1);
   }
-  if (!FindDirectory(ExifDirectoryId::main)->hasLink)
+  if (!FindDirectory(ExifDirectoryId::main)->hasLink) {
     MoveTable(ExifDirectoryId::main, EntriesOf(ExifDirectoryId::main));
+  }
   PutLongAt(FindDirectory(ExifDirectoryId::main)->LinkAt(), static_cast<uint32_t>(at));
   Walk();
   for (const TagValue& tag : tags) WriteValue(*Find(ExifDirectoryId::thumbnail, tag.tag), tag);

@@ -1,7 +1,7 @@
 #include <cmath>
 
-#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/metadata/exif_places.h>
+#include <rasterkit/metadata/exif_resolution.h>
 
 namespace rasterkit {
 namespace {
@@ -38,7 +38,7 @@ void SetResolution(ExifBlock& exif, const Resolution& resolution) {
   const bool isKnown = resolution.IsKnown();
   exif.SetRational(main, exif::kResolutionX, isKnown ? resolution.x / factor : kUsual);
   exif.SetRational(main, exif::kResolutionY, isKnown ? resolution.y / factor : kUsual);
-  const uint16_t unitWord = static_cast<uint16_t>(isKnown ? unit : kNoUnit);
+  const auto unitWord = static_cast<uint16_t>(isKnown ? unit : kNoUnit);
   exif.SetWords(main, exif::kResolutionUnit, std::span(&unitWord, 1));
 }
 

@@ -83,7 +83,7 @@ Ifd ReadIfd(std::span<const uint8_t> block, size_t at, bool isBigEndian) {
   }
   const OrderedBytes numbers(block, isBigEndian);
   directory.statedEntries = numbers.Word(at);
-  const size_t held = std::min<size_t>(
+  const auto held = std::min<size_t>(
       {directory.statedEntries, kMostEntries, (block.size() - at - 2) / kIfdEntryBytes});
   directory.isCut = held < directory.statedEntries;
   const uint64_t mostBytes = std::max(kMostOverlap * block.size(), kUsualValueBytes);

@@ -14,8 +14,8 @@ namespace {
 
 enum class Role { copy, mask, other };
 
-/// Bits of tag 254.
-constexpr uint32_t kSmaller = 1, kMask = 4;
+/// A bit of tag 254.
+constexpr uint32_t kMask = 4;
 
 Role RoleOf(const TiffExtraPageHeader& page, const PictureHeader& header) {
   if ((page.subfileType & kMask) != 0) return Role::mask;

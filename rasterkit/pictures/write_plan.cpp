@@ -99,6 +99,8 @@ PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
   PictureWriting writing;
   writing.form = plan.form;
   writing.metadata = state.metadata;
+  // A preview is a file of its own, with metadata of its own.
+  writing.dropsHidden = state.edit.stripAll || state.edit.stripGps || state.edit.stripThumbnail;
   if (plan.type == PictureType::tiff) writing.positionTags = PositionTags(source, state);
   return writing;
 }
@@ -195,7 +197,13 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
 
 WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state,
                           const WritePlan& plan, TStream& target, Changes& changes) {
-  WrittenPicture written = source.Copy(WritingOf(source, state, plan), target);
+  const PictureWriting writing = WritingOf(source, state, plan);
+  WrittenPicture written = source.Copy(writing, target);
+  if (writing.dropsHidden) {
+    for (const std::string& name : source.Header().hiddenOthers) {
+      changes.Lose(LossKind::hiddenPictures, name, "it can state what was to be removed");
+    }
+  }
   Join(changes, written.changes);
   return written;
 }

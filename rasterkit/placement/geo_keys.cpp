@@ -132,7 +132,7 @@ std::string CoordinateSystem::Name() const {
 
 std::string CoordinateSystem::Description() const {
   const std::optional<int> epsg = Epsg();
-  const std::string name = Name();
+  std::string name = Name();
   if (!epsg) return name;
   const std::string code = "EPSG:" + std::to_string(*epsg);
   return name.empty() ? code : code + " (" + name + ")";

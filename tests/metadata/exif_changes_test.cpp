@@ -169,7 +169,7 @@ TEST_P(ExifChanges, Should_AddAThumbnail_When_TheMainTableHasNoLink) {
 TEST_P(ExifChanges, Should_CompleteATableWithoutLink) {
   std::string bytes = writer_.Header() + writer_.Directory(8, {writer_.Short(274, 6)});
   bytes.resize(bytes.size() - 4);
-  for (const std::string& rest : {"", "\x09", "\x09\x09\x09"}) {
+  for (const char* rest : {"", "\x09", "\x09\x09\x09"}) {
     ExifBlock block(BytesOf(bytes + rest));
     block.SetText(Id::main, 274, "text that is appended");
     block.SetText(Id::gps, 29, "2024:01:02");

@@ -231,7 +231,7 @@ class Thumbnails : public KeptMetadata {};
 TEST_P(Thumbnails, Should_BeMadeAnew) {
   RunOn("jpg", "jpg");
   for (int orientation = 1; orientation <= 8; ++orientation) {
-    const std::string name = "o" + std::to_string(orientation) + ".jpg";
+    const std::string name = TaggedName(orientation, "jpg");
     const std::string thumbnail = outputs_ / ("t" + name);
     OutputOf("exiftool -b -ThumbnailImage " + Quoted(outputs_ / name) + " > " + Quoted(thumbnail));
     const json small = TagsInFolder(thumbnail)["t" + name];

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <filesystem>
 
 #include <gtest/gtest.h>
 
@@ -104,7 +105,8 @@ class MapSquares : public testing::TestWithParam<Operation> {
   void RunAndCheck(const std::string& in, const std::string& out, const std::string& worldFile,
                    size_t squares) {
     std::vector<std::string> line = GetParam().words;
-    line.insert(line.end(), {folder_ / in, folder_ / out, "--world-file", "--strict"});
+    line.insert(line.end(), {folder_ / in, folder_ / out, "--world-file", "--strict", "--overwrite",
+                             "--sampling", "4:4:4", "--quality", "95"});
     const ToolResult result = RunTool(line);
     ASSERT_EQ(result.code, 0) << result.err;
     const std::array<double, 6> affine = PositionBeside(worldFile);
@@ -142,9 +144,38 @@ TEST_P(MapSquares, GeoTiff) {
 TEST_P(MapSquares, LyingPhotograph) {
   SaveJpegFile(folder_ / "in.jpg", PictureOfSquares(), 6);
   WriteWorldFile("in.jgw");
-  std::vector<std::string> line = {"convert", folder_ / "in.jpg", folder_ / "upright.png"};
+  RunAndCheck("in.jpg", "out.png", "out.pgw", GetParam().lyingSquares);
+  RunAndCheck("in.jpg", "out.jpg", "out.jgw", GetParam().lyingSquares);
+}
+
+TEST_P(MapSquares, Bitmap) {
+  SaveBmpFile(folder_ / "in.bmp", PictureOfSquares());
+  WriteWorldFile("in.bpw");
+  RunAndCheck("in.bmp", "out.bmp", "out.bpw", GetParam().squares);
+}
+
+/// Tags alone: another program reads them.
+TEST_P(MapSquares, Tags) {
+  if (!HasProgram("gdalinfo")) GTEST_SKIP() << "gdalinfo is not installed";
+  SavePngFile(folder_ / "in.png", PictureOfSquares());
+  WriteWorldFile("in.pgw");
+  std::vector<std::string> line = {"convert", folder_ / "in.png", folder_ / "in.tif"};
   ASSERT_EQ(RunTool(line).code, 0);
-  RunAndCheck("upright.png", "out.png", "out.pgw", GetParam().lyingSquares);
+  for (const char* name : {"in.pgw", "in.tfw"}) std::filesystem::remove(folder_ / name);
+  line = GetParam().words;
+  line.insert(line.end(), {folder_ / "in.tif", folder_ / "out.tif", "--strict"});
+  const ToolResult result = RunTool(line);
+  ASSERT_EQ(result.code, 0) << result.err;
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "out.tfw"));
+  const std::vector<double> theirs = GeoTransform(GdalInfo(folder_ / "out.tif"));
+  ASSERT_EQ(theirs.size(), 6u);
+  const std::array<double, 6> affine = {theirs[1],
+                                        theirs[4],
+                                        theirs[2],
+                                        theirs[5],
+                                        theirs[0] + (theirs[1] + theirs[2]) / 2,
+                                        theirs[3] + (theirs[4] + theirs[5]) / 2};
+  CheckSquares(PictureOfFrame(DecodeFrame(folder_ / "out.tif")), affine, GetParam().squares);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -155,6 +186,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Operation{"Ten", {"rotate", "--angle", "10"}},
                     Operation{"SeventeenPoint3", {"rotate", "--angle", "17.3"}},
                     Operation{"Minus123", {"rotate", "--angle", "-123.4"}},
+                    Operation{"TurnedAndNorthUp", {"rotate", "--north-up"}},
                     Operation{"Mirror", {"mirror", "--horizontal"}},
                     Operation{"MirrorDown", {"mirror", "--vertical"}},
                     Operation{"Crop", {"crop", "--rect", "31,55,60,57"}, 1, 2},

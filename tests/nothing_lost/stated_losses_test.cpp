@@ -20,6 +20,11 @@ struct VerbLine {
   std::vector<std::string> words;
 };
 
+/// Verbs that apply only to some pictures.
+bool MayRefuseAll(const std::string& verb) {
+  return verb == "swap-alpha" || verb == "palette";
+}
+
 class StatedLosses : public testing::TestWithParam<VerbLine> {
  protected:
   void SetUp() override {
@@ -72,69 +77,87 @@ class StatedLosses : public testing::TestWithParam<VerbLine> {
       if (!HasGroup(before, group) || HasGroup(after, group)) continue;
       EXPECT_TRUE(losses.contains(kind)) << name << ": " << group << " is gone";
     }
+    for (const auto& [group, kind] : {std::pair("GPS:GPSLatitude", "gps"), {"IPTC:", "iptc"}}) {
+      if (!losses.contains(kind)) continue;
+      EXPECT_FALSE(HasGroup(after, group)) << name << ": " << group << " is not lost";
+    }
   }
 
-  void Check(const std::string& kind, size_t step) {
-    std::map<std::string, std::set<std::string>> losses;
-    size_t number = 0;
-    TempFolder inputs;
+  /// A file without a JPEG or TIFF extension of its own gets one that can be written.
+  static std::string OutputName(size_t number, const std::string& kind, const std::string& file) {
+    const std::string stem = std::to_string(number);
+    if (kind == "jpeg" || kind == "exif") return stem + ".jpg";
+    const std::string extension = std::filesystem::path(file).extension().string();
+    return stem + (extension == ".png" || extension == ".bmp" ? extension : ".tif");
+  }
+
+  void RunAll(const std::string& kind, size_t step) {
     for (const std::string& file : Files(kind, step)) {
-      const std::string extension = std::filesystem::path(file).extension().string();
-      const std::string name =
-          std::to_string(number++) + (kind == "jpeg" || kind == "exif" ? ".jpg" : extension);
-      const std::string usual = name.ends_with(".gif") || name.ends_with(".webp") ||
-                                        name.ends_with(".TIF") || name.ends_with(".tiff")
-                                    ? name + ".tif"
-                                    : name;
-      const json line = RunStrict(file, outputs_ / usual);
+      const std::string name = OutputName(number_++, kind, file);
+      const json line = RunStrict(file, outputs_ / name);
       if (line.is_null()) continue;
-      std::filesystem::create_symlink(file, inputs / usual);
-      losses[usual] = Kinds(line);
+      std::filesystem::create_symlink(file, inputs_ / name);
+      losses_[name] = Kinds(line);
     }
-    EXPECT_GT(losses.size(), 0u);
+  }
+
+  void CompareAll() {
     if (!HasProgram("exiftool")) return;
-    const auto before = TagsInFolder(inputs.Path()), after = TagsInFolder(outputs_.Path());
-    for (const auto& [name, kinds] : losses) {
+    const auto before = TagsInFolder(inputs_.Path()), after = TagsInFolder(outputs_.Path());
+    for (const auto& [name, kinds] : losses_) {
       if (!before.contains(name)) continue;
       ASSERT_TRUE(after.contains(name)) << name;
-      Compare(name + " " + std::filesystem::read_symlink(inputs / name).string(), before.at(name),
-              after.at(name), kinds);
+      const std::string file = std::filesystem::read_symlink(inputs_ / name).string();
+      Compare(name + " " + file, before.at(name), after.at(name), kinds);
+      ExpectUpright(file, after.at(name));
     }
   }
 
+  static void ExpectUpright(const std::string& file, const json& after) {
+    const json orientation = TagOf(after, {"IFD0:Orientation", "XMP-tiff:Orientation"});
+    if (!orientation.is_null()) {
+      EXPECT_EQ(orientation, 1) << file;
+    }
+  }
+
+  TempFolder inputs_;
+  size_t number_ = 0;
+  std::map<std::string, std::set<std::string>> losses_;
   TempFolder outputs_;
 };
 
-TEST_P(StatedLosses, Photographs) {
-  Check("exif", 9);
-}
-TEST_P(StatedLosses, Jpeg) {
-  Check("jpeg", 9);
-}
-TEST_P(StatedLosses, Png) {
-  Check("png", 9);
-}
-TEST_P(StatedLosses, Tiff) {
-  Check("tiff", 9);
-}
-TEST_P(StatedLosses, GeoTiff) {
-  Check("geotiff", 5);
+TEST_P(StatedLosses, Should_BeThoseThatAnotherProgramFinds) {
+  for (const char* kind : {"exif", "jpeg", "png", "tiff"}) RunAll(kind, 9);
+  RunAll("geotiff", 5);
+  if (!MayRefuseAll(GetParam().words[0])) {
+    EXPECT_GT(losses_.size(), 0u);
+  }
+  CompareAll();
 }
 
 const std::string kMark = RASTERKIT_SAMPLES "/plan.png";
 
-INSTANTIATE_TEST_SUITE_P(Verbs, StatedLosses,
-                         testing::Values(VerbLine{"Convert", {"convert"}},
-                                         VerbLine{"Quarter", {"rotate", "--angle", "90"}},
-                                         VerbLine{"Angle", {"rotate", "--angle", "33.3"}},
-                                         VerbLine{"Mirror", {"mirror", "--vertical"}},
-                                         VerbLine{"Crop", {"crop", "--rect", "0,0,1,1"}},
-                                         VerbLine{"Resize", {"resize", "--size", "40x30"}},
-                                         VerbLine{"Gray", {"gray"}}, VerbLine{"Mono", {"mono"}},
-                                         VerbLine{"Adjust",
-                                                  {"adjust", "--sharpen", "40", "--red", "10"}},
-                                         VerbLine{"Combine", {"combine", "--with", kMark}}),
-                         [](const auto& info) { return info.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Verbs, StatedLosses,
+    testing::Values(VerbLine{"Convert", {"convert"}},
+                    VerbLine{"Quarter", {"rotate", "--angle", "90"}},
+                    VerbLine{"Angle", {"rotate", "--angle", "33.3"}},
+                    VerbLine{"Mirror", {"mirror", "--vertical"}},
+                    VerbLine{"Crop", {"crop", "--rect", "0,0,1,1"}},
+                    VerbLine{"Resize", {"resize", "--size", "40x30"}}, VerbLine{"Gray", {"gray"}},
+                    VerbLine{"Mono", {"mono"}},
+                    VerbLine{"Brightness", {"brightness", "--percent", "30"}},
+                    VerbLine{"Contrast", {"contrast", "--percent", "-30"}},
+                    VerbLine{"Whiten", {"whiten", "--threshold", "128"}},
+                    VerbLine{"Recolor", {"recolor", "--threshold", "128", "--color", "102030"}},
+                    VerbLine{"KeyColor", {"key-color", "--color", "102030"}},
+                    VerbLine{"PdfWhite", {"pdf-white"}}, VerbLine{"Opaque", {"opaque"}},
+                    VerbLine{"SwapAlpha", {"swap-alpha"}},
+                    VerbLine{"Palette", {"palette", "--first", "102030"}},
+                    VerbLine{"Watermark", {"watermark", "--with", kMark}},
+                    VerbLine{"Adjust", {"adjust", "--sharpen", "40", "--red", "10"}},
+                    VerbLine{"Combine", {"combine", "--with", kMark}}),
+    [](const auto& info) { return info.param.name; });
 
 }  // namespace
 }  // namespace rasterkit::test

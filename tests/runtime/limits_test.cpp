@@ -219,9 +219,9 @@ TEST_F(LimitsTest, Cancel_EndsTheCallOnEveryOfItsThreads) {
 
 TEST_F(LimitsTest, Cancel_OfAnInnerCallEndsThatOneAlone) {
   std::stop_source inner;
-  const LimitsScope scope(Limits(), std::stop_token());
+  const LimitsScope scope(Limits{}, std::stop_token{});
   {
-    const LimitsScope within(Limits(), inner.get_token());
+    const LimitsScope within(Limits{}, inner.get_token());
     inner.request_stop();
     EXPECT_THROW(RequireTime(), CanceledError);
   }

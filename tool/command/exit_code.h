@@ -12,7 +12,7 @@ enum ExitCode {
   exitWrongUsage = 2,
   exitInputUnreadable = 3,
   exitOutputNotWritten = 4,
-  /// With --strict: the output was written, but something of the input was not carried over.
+  /// With --strict: the output was written, but something of the input is lost.
   exitNotCarriedOver = 5,
   exitInterrupted = 130,
 };

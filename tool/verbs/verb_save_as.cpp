@@ -133,7 +133,7 @@ VerbRunner AddSaveAsVerb(CommandLine& line) {
   verb.Flag("--no-sync", options->noSync,
             "do not wait until the output is on the disk; a power failure can lose it")
       .In("Files and results");
-  verb.Flag("--strict", options->strict, "exit with code 5 if something was not carried over")
+  verb.Flag("--strict", options->strict, "exit with code 5 if something of the input is lost")
       .In("Files and results");
   AddIsolate(verb);
   return [options] { return Run(*options); };

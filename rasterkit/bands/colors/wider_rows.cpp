@@ -54,7 +54,8 @@ bool FitsOneMoreEntry(const Raster& raster) {
 }
 
 void MakeRoomForEntry(Raster& raster) {
-  if (raster.palette.Count() < 1 << StoredBitsPerPixel(raster.Format())) return;
+  const int bits = StoredBitsPerPixel(raster.Format());
+  if (bits > 8 || raster.palette.Count() < 1 << bits) return;
   raster = Widened(raster, raster.Format() == pf1bit ? pf4bit : pf8bit);
 }
 

@@ -67,8 +67,9 @@ class JpegWriter {
   };
 
   static void OnProgress(j_common_ptr codec) {
-    if (SecondsLeft() <= 0)
+    if (SecondsLeft() <= 0) {
       reinterpret_cast<Progress*>(codec->progress)->errors->FailWithTimeLimit();
+    }
   }
 
   static boolean OnFull(j_compress_ptr codec) {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr double kDefaultDpi = 96, kHundredthsPerInch = 2540;
 
-int Pixels(int mm100, double dpi) {
+int PixelsOf(int mm100, double dpi) {
   constexpr double kMost = 1e9;
   return static_cast<int>(std::clamp(std::round(mm100 * dpi / kHundredthsPerInch), 1.0, kMost));
 }
@@ -37,7 +37,7 @@ PictureSize OwnSize(const TMetafile& metafile, bool isForFacts) {
 
 /// The size that follows from the resolution and from the size that the file states.
 PictureSize SizeAtDpi(const TMetafile& metafile, double dpi) {
-  const int width = Pixels(metafile.MMWidth(), dpi), height = Pixels(metafile.MMHeight(), dpi);
+  const int width = PixelsOf(metafile.MMWidth(), dpi), height = PixelsOf(metafile.MMHeight(), dpi);
   if (detail::IsDrawingPlausible(static_cast<uint64_t>(width), static_cast<uint64_t>(height),
                                  metafile.Bytes().size())) {
     return {width, height};

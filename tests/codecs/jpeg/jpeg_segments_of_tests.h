@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <iterator>
 #include <span>
 #include <string>
@@ -45,8 +46,11 @@ inline std::vector<uint8_t> WithHead(std::vector<uint8_t> file, std::span<const 
 inline std::vector<uint8_t> SmallExif() {
   std::vector<uint8_t> block = {'I', 'I', 42, 0, 8, 0, 0, 0, 4, 0};
   const auto entry = [&](uint16_t tag, uint8_t type, uint8_t value) {
-    block.insert(block.end(), {static_cast<uint8_t>(tag), static_cast<uint8_t>(tag >> 8), type, 0,
-                               1, 0, 0, 0, value, 0, 0, 0});
+    for (const uint8_t byte :
+         std::initializer_list<uint8_t>{static_cast<uint8_t>(tag), static_cast<uint8_t>(tag >> 8),
+                                        type, 0, 1, 0, 0, 0, value, 0, 0, 0}) {
+      block.push_back(byte);
+    }
   };
   constexpr uint8_t kValuesAt = 10 + 4 * 12 + 4;
   entry(274, 3, 6);

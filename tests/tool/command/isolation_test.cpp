@@ -143,7 +143,7 @@ TEST(CliIsolation, Worker_Should_TakeItsShareOfTheMemory) {
   SavePngFile(file, Raster(pf8bit, 9000, 9000));
   const auto convert = [&](const std::string& jobs) {
     return RunTool({"convert", file, folder / ("out" + jobs + ".png"), "--isolate", "--max-memory",
-                    "300M", "--jobs", jobs});
+                    "300M", "--jobs", jobs, "--angle", "180"});
   };
   const ToolResult whole = convert("1");
   EXPECT_EQ(whole.code, 0) << whole.err;

