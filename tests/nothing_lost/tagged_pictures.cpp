@@ -40,10 +40,18 @@ std::string TagArguments(const TempFolder& folder, const std::string& extension,
     lines += "-Comment=A comment\n-ThumbnailImage<=" + (folder / "thumbnail.jpg") + "\n";
   }
   if (extension == "png") lines += "-PNG:Comment=A comment\n";
-  return lines + (folder / ("o" + number + "." + extension)) + "\n-execute\n";
+  return lines + (folder / TaggedName(orientation, extension)) + "\n-execute\n";
 }
 
 }  // namespace
+
+std::string TaggedName(int orientation, std::string_view extension) {
+  std::string name = "o";
+  name += std::to_string(orientation);
+  name += '.';
+  name += extension;
+  return name;
+}
 
 void WriteTaggedPictures(const TempFolder& folder) {
   Raster raster = GradientRaster(pf24bit, kTaggedWidth, kTaggedHeight);
@@ -54,7 +62,7 @@ void WriteTaggedPictures(const TempFolder& folder) {
   std::string arguments;
   for (const char* extension : {"jpg", "png", "tif"}) {
     for (int orientation = 1; orientation <= 8; ++orientation) {
-      Write(folder / ("o" + std::to_string(orientation) + "." + extension), raster, extension);
+      Write(folder / TaggedName(orientation, extension), raster, extension);
       arguments += TagArguments(folder, extension, orientation);
     }
   }
@@ -67,7 +75,7 @@ void WriteTaggedPictures(const TempFolder& folder) {
 std::vector<std::string> TaggedPictures(const TempFolder& folder, const std::string& extension) {
   std::vector<std::string> files;
   for (int orientation = 1; orientation <= (extension == "bmp" ? 1 : 8); ++orientation) {
-    files.push_back(folder / ("o" + std::to_string(orientation) + "." + extension));
+    files.push_back(folder / TaggedName(orientation, extension));
   }
   return files;
 }
