@@ -4,8 +4,8 @@
 #include <type_traits>
 #include <vector>
 
-#include <rasterkit/bands/mean_rows.h>
 #include <rasterkit/bands/colors/sample_values.h>
+#include <rasterkit/bands/mean_rows.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -198,11 +198,11 @@ class OpacityMeans : public MeanRows {
   void MakePixel(const HalftoneTap& tap, Total total, uint8_t* target) const {
     const uint32_t inner = axes_.columns.innerWeight;
     const size_t last = bands_ - 1;
-    const Total opacity = SumColumns<Total>(plain_.data() + last, bands_, tap, inner);
+    const auto opacity = SumColumns<Total>(plain_.data() + last, bands_, tap, inner);
     for (size_t band = 0; band < bands_; ++band) {
       const bool isPlain = band == last || opacity == Total{};
       const auto& sums = isPlain ? plain_ : weighted_;
-      const Total sum = SumColumns<Total>(sums.data() + band, bands_, tap, inner);
+      const auto sum = SumColumns<Total>(sums.data() + band, bands_, tap, inner);
       const T mean = Quotient<T>(sum, isPlain ? total : opacity);
       std::memcpy(target + band * sizeof(T), &mean, sizeof mean);
     }

@@ -86,7 +86,7 @@ class ResizeRows : public Stage {
       target.resolution = Scaled(samples->resolution);
       return target;
     }
-    const Raster& raster = std::get<Raster>(source);
+    const auto& raster = std::get<Raster>(source);
     Raster target(raster.Format(), target_.width, target_.height);
     target.CopyProperties(raster);
     target.resolution = Scaled(raster.resolution);

@@ -78,7 +78,7 @@ Pixels EmptyTarget(const Pixels& source, Sides sides) {
     target.resolution = samples->resolution;
     return target;
   }
-  const Raster& raster = std::get<Raster>(source);
+  const auto& raster = std::get<Raster>(source);
   Raster target(raster.Format(), sides.width, sides.height);
   target.CopyProperties(raster);
   return target;

@@ -36,6 +36,7 @@ TextCheck CheckNumberChoice(const std::vector<int>& choices) {
     const auto value = ReadWhole(text);
     if (value && std::count(choices.begin(), choices.end(), *value) > 0) return std::string();
     std::vector<std::string> names;
+    names.reserve(choices.size());
     for (const int choice : choices) names.push_back(std::to_string(choice));
     return WrongValue("one of " + Joined(names), text);
   };

@@ -156,7 +156,7 @@ class Finder {
       if (entry.offset == 0 || at < parts_.end || at >= file_.size()) continue;
       const Bytes rest = file_.subspan(static_cast<size_t>(at));
       const Picture picture = PictureAt(rest.first(std::min<size_t>(rest.size(), entry.bytes)));
-      known_.push_back({static_cast<size_t>(at), static_cast<size_t>(at) + picture.bytes});
+      known_.emplace_back(static_cast<size_t>(at), static_cast<size_t>(at) + picture.bytes);
       const bool isPreview = (entry.attributes & kPreviewMask) == kPreview;
       if (picture.isGainMap) {
         found_.others.push_back("gain map of " + picture.size);

@@ -25,8 +25,9 @@ constexpr uint32_t kPhysical = PngKind("pHYs"), kSignificant = PngKind("sBIT");
 constexpr uint32_t kBackground = PngKind("bKGD"), kHistogram = PngKind("hIST");
 
 void PutLong(std::vector<uint8_t>& bytes, uint32_t value) {
-  for (int shift = 24; shift >= 0; shift -= 8)
+  for (int shift = 24; shift >= 0; shift -= 8) {
     bytes.push_back(static_cast<uint8_t>(value >> shift));
+  }
 }
 
 /// Chunks that must stand in front of the palette.

@@ -82,8 +82,9 @@ void Gather(const RotationMapping& mapping, const ConstPixelRows& source, const 
   for (int y = firstRow; y < lastRow; ++y) {
     const RotationMapping::Run run = mapping.InsideRun(y);
     uint8_t* row = target.Row(y);
-    for (int x = 0; x < run.first; ++x)
+    for (int x = 0; x < run.first; ++x) {
       move(background, row + static_cast<size_t>(x) * bytes, bytes);
+    }
     GatherRow(source, RowPlaces(mapping, isFast, y, run.first), run.last - run.first, bytes,
               row + static_cast<size_t>(run.first) * bytes, move);
     for (int x = run.last; x < target.width; ++x) {
