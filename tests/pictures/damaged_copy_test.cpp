@@ -12,7 +12,8 @@
 #include "tests/support/temp_folder.h"
 #include "tests/support/test_pictures.h"
 
-/// Compressed pixels that are copied are looked at first: damage is said, other faults are none.
+/// Compressed pixels that are copied are looked at first: damage is said, other faults are
+/// warnings.
 namespace rasterkit {
 namespace {
 
