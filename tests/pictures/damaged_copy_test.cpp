@@ -75,7 +75,7 @@ std::string WithShortScan(std::string jpeg) {
   return jpeg + "\xFF\xD9";
 }
 
-/// Other bytes in the middle of the strips, which lie behind the header.
+/// Other bytes in the middle of the strips, which lie after the header.
 std::string WithWrongStrip(std::string tiff) {
   std::fill_n(tiff.begin() + 400, 30, '\x55');
   return tiff;
