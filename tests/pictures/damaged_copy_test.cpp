@@ -12,7 +12,8 @@
 #include "tests/support/temp_folder.h"
 #include "tests/support/test_pictures.h"
 
-/// Compressed pixels that are copied are looked at first: damage is said, other faults are none.
+/// Compressed pixels that are copied are looked at first: damage is said, other faults are
+/// warnings.
 namespace rasterkit {
 namespace {
 
@@ -74,7 +75,7 @@ std::string WithShortScan(std::string jpeg) {
   return jpeg + "\xFF\xD9";
 }
 
-/// Other bytes in the middle of the strips, which lie behind the header.
+/// Other bytes in the middle of the strips, which lie after the header.
 std::string WithWrongStrip(std::string tiff) {
   std::fill_n(tiff.begin() + 400, 30, '\x55');
   return tiff;

@@ -196,6 +196,21 @@ TEST(PictureFields, Picture_Should_BeRefused_WhenImpossible) {
   }
 }
 
+TEST(PictureFields, Reports_Should_TellDamageFromWarnings) {
+  CodecReport report;
+  report.warnings.emplace_back("a tag is ignored");
+  report.AddDamage("5 of 7 rows are complete");
+  FieldWriter fields;
+  WriteReport(fields, report);
+  const std::vector<uint8_t> bytes = fields.Take();
+  FieldReader reader(bytes);
+  const CodecReport back = ReadReport(reader);
+  reader.RequireEnd();
+  EXPECT_EQ(back.warnings,
+            (std::vector<std::string>{"a tag is ignored", "5 of 7 rows are complete"}));
+  EXPECT_EQ(back.damage, (std::vector<std::string>{"5 of 7 rows are complete"}));
+}
+
 TEST(PictureFields, Warnings_Should_BeAThousandAtMost) {
   FieldWriter many;
   WriteWarnings(many, std::vector<std::string>(1500, "a"));

@@ -22,7 +22,7 @@ bool IsDataDamage(int code) {
 }
 
 /// Compressed data that no pixel needed: the codes before them were wrong. Bytes between the
-/// markers of the header are none.
+/// markers of the header do not count.
 bool IsLeftOver(j_common_ptr codec, const jpeg_error_mgr& message) {
   if (message.msg_code != JWRN_EXTRANEOUS_DATA || !codec->is_decompressor) return false;
   return reinterpret_cast<j_decompress_ptr>(codec)->input_scan_number > 0;
