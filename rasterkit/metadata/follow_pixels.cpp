@@ -5,10 +5,10 @@
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/exif_follow.h>
 #include <rasterkit/metadata/follow_pixels.h>
+#include <rasterkit/metadata/foreign_blocks.h>
 #include <rasterkit/metadata/ifd.h>
 #include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/jpeg_segments.h>
-#include <rasterkit/metadata/png/png_chunks.h>
 #include <rasterkit/metadata/xmp_follow.h>
 #include <rasterkit/runtime/errors.h>
 

@@ -1,9 +1,10 @@
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <span>
 #include <vector>
 
 #include <rasterkit/metadata/foreign_blocks.h>
-#include <rasterkit/metadata/png/png_chunks.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -43,11 +44,30 @@ std::string ListOf(const std::string& kind, std::vector<std::string> names) {
   return list;
 }
 
+uint32_t LongAt(std::span<const uint8_t> bytes, size_t offset) {
+  return uint32_t{bytes[offset]} << 24 | uint32_t{bytes[offset + 1]} << 16 |
+         uint32_t{bytes[offset + 2]} << 8 | bytes[offset + 3];
+}
+
 std::string NoPlaceIn(const std::string& format) {
   return format + " has no place for it";
 }
 
 }  // namespace
+
+bool StatesPlainSrgb(const OtherBlock& chunk) {
+  // White point, red, green and blue in parts of 100,000.
+  constexpr uint32_t kPrimaries[] = {31270, 32900, 64000, 33000, 30000, 60000, 15000, 6000};
+  constexpr uint32_t kGamma = 45455;
+  const std::span<const uint8_t> bytes = chunk.bytes;
+  if (chunk.kind == PngKind("sRGB")) return true;
+  if (chunk.kind == PngKind("gAMA")) return bytes.size() == 4 && LongAt(bytes, 0) == kGamma;
+  if (chunk.kind != PngKind("cHRM") || bytes.size() != sizeof kPrimaries) return false;
+  for (size_t i = 0; i < std::size(kPrimaries); i++) {
+    if (LongAt(bytes, 4 * i) != kPrimaries[i]) return false;
+  }
+  return true;
+}
 
 void LosePngChunks(const Metadata& metadata, const std::string& format, Changes& changes) {
   std::vector<std::string> names;

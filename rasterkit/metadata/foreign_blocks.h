@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include <rasterkit/metadata/loss.h>
@@ -8,6 +9,17 @@
 
 /// Blocks of one file format that another one has no place for.
 namespace rasterkit::detail {
+
+/// The four letters of a chunk as a number, the first in the high byte.
+constexpr uint32_t PngKind(const char (&name)[5]) {
+  uint32_t kind = 0;
+  for (int i = 0; i < 4; i++) kind = kind << 8 | static_cast<uint8_t>(name[i]);
+  return kind;
+}
+
+/// True for a chunk that says that the colors are sRGB, which pictures without a profile are: a
+/// file format without such a place loses nothing.
+RASTERKIT_EXPORT bool StatesPlainSrgb(const OtherBlock& chunk);
 
 /// Adds one loss for the PNG chunks: "PNG chunks abCd, cICP". Chunks that say that the colors are
 /// sRGB are no loss. Those that only help a program that shows or stores the file (background, time

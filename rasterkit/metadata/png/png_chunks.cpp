@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <iterator>
 
 #include <zlib.h>
 
@@ -41,20 +40,6 @@ bool PngChunks::Next() {
   chunk_.whole = rest_.first(length + kFrameBytes);
   rest_ = rest_.subspan(length + kFrameBytes);
   isAtEnd_ = chunk_.kind == PngKind("IEND");
-  return true;
-}
-
-bool StatesPlainSrgb(const OtherBlock& chunk) {
-  // White point, red, green and blue in parts of 100,000.
-  constexpr uint32_t kPrimaries[] = {31270, 32900, 64000, 33000, 30000, 60000, 15000, 6000};
-  constexpr uint32_t kGamma = 45455;
-  const std::span<const uint8_t> bytes = chunk.bytes;
-  if (chunk.kind == PngKind("sRGB")) return true;
-  if (chunk.kind == PngKind("gAMA")) return bytes.size() == 4 && LongAt(bytes, 0) == kGamma;
-  if (chunk.kind != PngKind("cHRM") || bytes.size() != sizeof kPrimaries) return false;
-  for (size_t i = 0; i < std::size(kPrimaries); i++) {
-    if (LongAt(bytes, 4 * i) != kPrimaries[i]) return false;
-  }
   return true;
 }
 

@@ -4,17 +4,11 @@
 #include <cstdint>
 #include <span>
 
+#include <rasterkit/metadata/foreign_blocks.h>
 #include <rasterkit/metadata/metadata.h>
 #include <rasterkit/runtime/export.h>
 
 namespace rasterkit::detail {
-
-/// The four letters of a chunk as a number, the first in the high byte.
-constexpr uint32_t PngKind(const char (&name)[5]) {
-  uint32_t kind = 0;
-  for (int i = 0; i < 4; i++) kind = kind << 8 | static_cast<uint8_t>(name[i]);
-  return kind;
-}
 
 /// A lower-case first letter: readers may skip the chunk.
 constexpr bool IsAncillaryPng(uint32_t kind) {
@@ -54,9 +48,5 @@ class RASTERKIT_EXPORT PngChunks {
   PngChunk chunk_;
   bool isAtEnd_ = false, isCutOff_ = false;
 };
-
-/// True for a chunk that says that the colors are sRGB, which pictures without a profile are: a
-/// file format without such a place loses nothing.
-RASTERKIT_EXPORT bool StatesPlainSrgb(const OtherBlock& chunk);
 
 }  // namespace rasterkit::detail
