@@ -248,6 +248,7 @@ void Verify(PictureFacts& facts) {
   const auto add = [](std::vector<std::string>& texts, const std::string& text) {
     if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
   };
+  facts.damage = report.damage;
   for (const std::string& warning : report.warnings) {
     add(facts.warnings, warning);
     if (IsDamage(warning)) add(facts.damage, warning);

@@ -191,12 +191,12 @@ TEST_F(CliInfo, Verify_Should_DecodeThePixels) {
 }
 
 TEST_F(CliInfo, Verify_Should_SayWhatIsDamaged) {
-  SavePngFile(folder_ / "cut.png", GradientRaster(pf24bit, 60, 40));
-  std::vector<uint8_t> png = ReadBytes(folder_ / "cut.png");
-  png.resize(png.size() / 2);
-  WriteBytes(folder_ / "cut.png", png);
+  SaveBmpFile(folder_ / "cut.bmp", GradientRaster(pf24bit, 60, 40));
+  std::vector<uint8_t> file = ReadBytes(folder_ / "cut.bmp");
+  file.resize(file.size() / 2);
+  WriteBytes(folder_ / "cut.bmp", file);
   for (const bool isIsolated : {false, true}) {
-    std::vector<std::string> line = {"info", "--json", "--verify", folder_ / "cut.png"};
+    std::vector<std::string> line = {"info", "--json", "--verify", folder_ / "cut.bmp"};
     if (isIsolated) line.emplace_back("--isolate");
     const ToolResult result = RunTool(line);
     const json facts = JsonLines(result.out).at(0);
@@ -205,9 +205,9 @@ TEST_F(CliInfo, Verify_Should_SayWhatIsDamaged) {
     EXPECT_EQ(facts["verified"], false);
     ASSERT_EQ(facts["damage"].size(), 1u) << facts;
     EXPECT_THAT(facts["damage"][0].get<std::string>(), HasSubstr("40 rows are complete"));
-    EXPECT_THAT(result.err, HasSubstr("the pixels are damaged: PNG"));
+    EXPECT_THAT(result.err, HasSubstr("the pixels are damaged: BMP"));
   }
-  const ToolResult text = RunTool({"info", "--verify", folder_ / "cut.png"});
+  const ToolResult text = RunTool({"info", "--verify", folder_ / "cut.bmp"});
   EXPECT_THAT(text.out, Not(HasSubstr("can be read")));
   EXPECT_THAT(text.out, HasSubstr("the pixels are damaged"));
 }
