@@ -51,7 +51,7 @@ std::vector<Entry> Entries(const GridTiff& grid) {
                                 Long(257, static_cast<uint64_t>(grid.height)),
                                 Words(258, {grid.bits}),
                                 Words(259, {1}),
-                                Words(262, {1}),
+                                Words(262, {grid.isWhiteZero ? 0 : 1}),
                                 Long(273, kHeaderBytes)};
   if (grid.orientation != 0) entries.push_back(Words(274, {grid.orientation}));
   entries.push_back(Words(277, {1}));

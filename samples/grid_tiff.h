@@ -11,6 +11,8 @@ struct GridTiff {
   int width = 0, height = 0;
   /// 1 unsigned, 2 signed, 3 floating point.
   int bits = 32, sampleFormat = 3;
+  /// Photometric interpretation 0: the least number is white.
+  bool isWhiteZero = false;
   /// Rows from the top without padding, little-endian.
   std::vector<uint8_t> values;
   /// Contents of the tags 33550, 33922 and 34264; an empty one is left away.

@@ -13,6 +13,7 @@
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/memory/memory_share.h>
 
 namespace rasterkit {
 namespace {
@@ -107,7 +108,14 @@ void Press(std::unique_ptr<TBitmap>& under, std::unique_ptr<TBitmap> mark) {
 class PixelsBeyond {
  public:
   PixelsBeyond(const TBitmap& under, const TBitmap& over)
-      : before_(under.Clone()), opacities_(OpacitiesOf(over)) {}
+      : before_(under.Clone()), share_(PixelsOf(over)), opacities_(PixelsOf(over)) {
+    auto opacity = opacities_.begin();
+    for (int y = 0; y < over.Height(); ++y) {
+      const auto* row = reinterpret_cast<const RGBArec*>(over.ScanLine(y));
+      opacity = std::transform(row, row + over.Width(), opacity,
+                               [](const RGBArec& pixel) { return pixel.a; });
+    }
+  }
 
   void Restore(TBitmap& under) const {
     auto opacity = opacities_.begin();
@@ -121,16 +129,13 @@ class PixelsBeyond {
   }
 
  private:
-  static std::vector<uint8_t> OpacitiesOf(const TBitmap& over) {
-    std::vector<uint8_t> opacities;
-    for (int y = 0; y < over.Height(); ++y) {
-      const auto* row = reinterpret_cast<const RGBArec*>(over.ScanLine(y));
-      for (int x = 0; x < over.Width(); ++x) opacities.push_back(row[x].a);
-    }
-    return opacities;
+  static size_t PixelsOf(const TBitmap& over) {
+    return static_cast<size_t>(over.Width()) * static_cast<size_t>(over.Height());
   }
 
   std::unique_ptr<TBitmap> before_;
+  /// Of the opacities.
+  MemoryShare share_;
   std::vector<uint8_t> opacities_;
 };
 

@@ -38,10 +38,8 @@ ImagingFrame DecodeIsolated(detail::SystemFile file, int threads, CodecReport* r
   ImagingFrame frame;
   std::exception_ptr error;
   const auto place = [&](detail::FieldReader& fields, uint64_t bytes) -> std::span<uint8_t> {
-    const std::vector<std::string> warnings = detail::ReadWarnings(fields);
-    if (report) {
-      report->warnings.insert(report->warnings.end(), warnings.begin(), warnings.end());
-    }
+    const CodecReport noticed = detail::ReadReport(fields);
+    if (report) report->Append(noticed);
     error = detail::ReadOutcome(fields);
     if (!error) head = detail::ReadFrameHead(fields);
     fields.RequireEnd();

@@ -35,8 +35,8 @@ Pixels DecodePixelsIsolated(SystemFile file, int threads, CodecReport* report,
   Pixels pixels;
   const auto place = [&](FieldReader& fields, uint64_t bytes) -> std::span<uint8_t> {
     error = ReadOutcome(fields);
-    const std::vector<std::string> warnings = ReadWarnings(fields);
-    if (report != nullptr) report->warnings = warnings;
+    const CodecReport noticed = ReadReport(fields);
+    if (report != nullptr) report->Append(noticed);
     if (!error) pixels = ReadPixels(fields, bytes);
     fields.RequireEnd();
     return error ? std::span<uint8_t>() : BytesOf(pixels);
@@ -100,7 +100,7 @@ Pixels AnswerPixels(FieldReader& task, TStream& file, FieldWriter& answer) {
     pixels = Raster();
   }
   WriteOutcome(answer, error);
-  WriteWarnings(answer, report.warnings);
+  WriteReport(answer, report);
   if (!error) WritePixels(answer, pixels);
   return pixels;
 }

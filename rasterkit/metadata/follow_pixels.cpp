@@ -8,6 +8,7 @@
 #include <rasterkit/metadata/ifd.h>
 #include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/jpeg_segments.h>
+#include <rasterkit/metadata/png/png_chunks.h>
 #include <rasterkit/metadata/xmp_follow.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -221,6 +222,8 @@ void FollowPixels(Metadata& metadata, const PixelChange& change, Changes& change
   FollowResources(metadata, change, changes);
   if (!change.pixelsChanged) return;
   RemoveStaleSegments(metadata, changes);
+  std::erase_if(metadata.pngChunks,
+                [](const OtherBlock& chunk) { return chunk.kind == detail::PngKind("tIME"); });
   if (!change.keepsValues) FollowTiffTags(metadata, changes);
 }
 

@@ -34,7 +34,8 @@ struct PixelChange {
 
 /// Brings metadata in line with the changed pixels: orientation 1 in EXIF and XMP, sizes, subject
 /// area, regions, focal-plane resolution, thumbnail, resolution, digests. What no longer holds is
-/// removed (gain-map and panorama properties, hidden copies of the picture); what is lost thereby
+/// removed (gain-map and panorama properties, hidden copies of the picture, the time of the last
+/// change in a PNG file); what is lost thereby
 /// is added to `changes`. A damaged EXIF block is made upright in place, or dropped and said.
 /// Without changed pixels only orientation and resolution are set.
 RASTERKIT_EXPORT void FollowPixels(Metadata& metadata, const PixelChange& change, Changes& changes);

@@ -6,6 +6,7 @@
 
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/exif_resolution.h>
+#include <rasterkit/metadata/foreign_blocks.h>
 #include <rasterkit/metadata/ifd.h>
 #include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/jpeg_assembly.h>
@@ -22,6 +23,7 @@ using namespace jpeg_marker;
 using std::string_view_literals::operator""sv;
 
 constexpr size_t kGuidDigits = 32;
+constexpr const char* kFormat = "a JPEG file";
 constexpr const char* kSegmentLimit = "a segment of a JPEG file holds 65,533 bytes";
 
 void AppendNumber(std::vector<uint8_t>& bytes, uint64_t value, int count) {
@@ -92,7 +94,8 @@ class Assembler {
       Add(static_cast<uint8_t>(block.kind), block.bytes);
     }
     AddComments();
-    NameWhatHasNoPlace();
+    detail::LoseTiffTags(metadata_, kFormat, changes_);
+    detail::LosePngChunks(metadata_, kFormat, changes_);
     return std::move(segments_);
   }
 
@@ -239,18 +242,6 @@ class Assembler {
     for (const std::string& comment : metadata_.comments) AddComment(comment);
     for (const PictureText& text : metadata_.texts) {
       AddComment(text.keyword == "Comment" ? text.text : text.keyword + ": " + text.text);
-    }
-  }
-
-  void NameWhatHasNoPlace() {
-    constexpr const char* kNoPlace = "a JPEG file has no place for it";
-    for (const TagValue& tag : metadata_.tiffTags) {
-      changes_.Lose(LossKind::otherBlock, "TIFF tag " + std::to_string(tag.tag), kNoPlace);
-    }
-    for (const OtherBlock& chunk : metadata_.pngChunks) {
-      std::string name;
-      for (int shift = 24; shift >= 0; shift -= 8) name += static_cast<char>(chunk.kind >> shift);
-      changes_.Lose(LossKind::otherBlock, "PNG chunk " + name, kNoPlace);
     }
   }
 

@@ -135,7 +135,7 @@ class ExtraPageMaker {
   Pixels Read(size_t index) const {
     CodecReport report;
     Pixels pixels = source_.ReadExtraPage(index, run_.threads, report);
-    for (const std::string& warning : report.warnings) {
+    for (const std::string& warning : report.damage) {
       changes_.Lose(LossKind::damage, warning, "a smaller copy or mask of the page is damaged");
     }
     return pixels;

@@ -95,7 +95,7 @@ Picture& Picture::Apply(Step step) {
   return *this;
 }
 
-Picture& Picture::Crop(const MapRect& rect) {
+Picture& Picture::CropToMap(const MapRect& rect) {
   try {
     const std::optional<Affine> position = detail::PositionOf(*state_, *source_);
     if (!position) throw RangeError("the picture has no position on a map");

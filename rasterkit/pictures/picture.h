@@ -78,9 +78,10 @@ class RASTERKIT_EXPORT Picture {
     return Apply(RotateStep{degrees, options});
   }
   Picture& Crop(const CropStep& rect) { return Apply(rect); }
-  /// Each edge goes to the nearest pixel corner (halves to even), at least one pixel; the bounding
-  /// box where the position is turned. Adds a CropStep. Throws RangeError without a position.
-  Picture& Crop(const MapRect& rect);
+  /// Crops to a part of the map: each edge goes to the nearest pixel corner (halves to even), at
+  /// least one pixel; the bounding box where the position is turned. Adds a CropStep. Throws
+  /// RangeError without a position.
+  Picture& CropToMap(const MapRect& rect);
   Picture& Resize(int width, int height, const ResizeOptions& options = {}) {
     return Apply(ResizeStep{width, height, options});
   }

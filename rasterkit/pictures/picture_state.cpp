@@ -105,12 +105,23 @@ bool NeedsThumbnail(const PictureState& state, const PictureSource& source) {
          HasThumbnail(source.Header().metadata);
 }
 
+/// A step whose pixels the profile does not describe has dropped it.
+void FollowProfile(PictureState& state, const PictureSource& source) {
+  if (!source.Header().layout.profile || state.layout.profile) return;
+  const auto isProfile = [](const Loss& loss) { return loss.kind == LossKind::profile; };
+  const bool isSaid =
+      std::any_of(state.changes.losses.begin(), state.changes.losses.end(), isProfile);
+  if (state.metadata.profile && !isSaid) {
+    state.followed.Lose(LossKind::profile, "ICC profile", "it does not apply to the new pixels");
+  }
+  state.metadata.profile = nullptr;
+}
+
 void Follow(PictureState& state, const PictureSource& source, std::span<const uint8_t> thumbnail) {
   state.followed = {};
   state.metadata = source.Header().metadata;
   StripMetadata(state.metadata, state.edit);
-  // A step has dropped it.
-  if (source.Header().layout.profile && !state.layout.profile) state.metadata.profile = nullptr;
+  FollowProfile(state, source);
   state.placement = source.Position();
   if (state.given) SetPosition(state.placement, *state.given);
   // Without changed pixels another resolution is all that there can be.

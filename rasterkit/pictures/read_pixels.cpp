@@ -55,12 +55,11 @@ Pixels Changed(Pixels pixels, const PictureSource& source, const PictureState& s
 
 DecodedPicture ReadPixels(const PictureSource& source, const PictureState& state,
                           const StageRun& run, Changes& changes) {
-  CodecReport report;
   DecodedPicture read;
   const double border = state.stages.empty() ? 1 : kReading;
   try {
     RequireTime();
-    read.pixels = source.ReadPixels(run.threads, report);
+    read.pixels = source.ReadPixels(run.threads, read.report);
   } catch (Error& error) {
     error.AttachFile(source.File());
     throw;
@@ -69,7 +68,6 @@ DecodedPicture ReadPixels(const PictureSource& source, const PictureState& state
   if (!state.stages.empty()) {
     read.pixels = Changed(std::move(read.pixels), source, state, PartOf(run, border, 1), changes);
   }
-  read.damage = std::move(report.warnings);
   std::visit([&](auto& rows) { rows.resolution = state.metadata.resolution; }, read.pixels);
   return read;
 }

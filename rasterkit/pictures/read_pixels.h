@@ -10,8 +10,8 @@ namespace rasterkit::detail {
 /// Pixels of a picture after its steps, with the resolution and profile that follow.
 struct DecodedPicture {
   Pixels pixels;
-  /// What was read around.
-  std::vector<std::string> damage;
+  /// What was noticed and what was read around.
+  CodecReport report;
 };
 
 /// Reads the pixels of the source and sends them through the stages. `run` gets the progress of

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include <rasterkit/pictures/fitting/make_thumbnail.h>
@@ -11,11 +12,31 @@ namespace {
 /// Parts of the work after which reading and the stages end.
 constexpr double kRead = 0.5;
 
-void LoseDamage(const std::vector<std::string>& damage, Report& report, Changes& changes) {
-  for (const std::string& warning : damage) {
-    changes.Lose(LossKind::damage, warning, "the file of the picture is damaged");
-    report.warnings.push_back(warning);
+/// Says what the decoder noticed. The header says some of it already.
+void Warn(const CodecReport& read, Report& report) {
+  for (const std::string& warning : read.warnings) {
+    auto& known = report.warnings;
+    if (std::find(known.begin(), known.end(), warning) == known.end()) known.push_back(warning);
   }
+}
+
+void LoseDamage(const CodecReport& read, const char* why, Changes& changes) {
+  for (const std::string& damage : read.damage) changes.Lose(LossKind::damage, damage, why);
+}
+
+/// Decodes the pixels that are to be copied, only to see whether they are whole. Those that no
+/// decoder here knows cannot be judged.
+CodecReport ReadForDamage(const PictureSource& source, int threads, Changes& changes) {
+  CodecReport report;
+  try {
+    source.ReadPixels(threads, report);
+  } catch (const UnsupportedError& error) {
+    changes.Note("the pixels were not checked for damage: " + error.Reason());
+  } catch (Error& error) {
+    error.AttachFile(source.File());
+    throw;
+  }
+  return report;
 }
 
 Report Begin(const PictureSource& source, const PictureState& state, const WritePlan& plan) {
@@ -46,20 +67,28 @@ WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const Pic
   Join(changes, made);
   WrittenPicture written = WritePixels(std::move(decoded.pixels), followed, source, plan, options,
                                        run.Threads(), target, changes);
-  LoseDamage(decoded.damage, report, changes);
+  Warn(decoded.report, report);
+  LoseDamage(decoded.report, "the file of the picture is damaged", changes);
   return written;
 }
 
 /// False if the compressed pixels are damaged so that they cannot be copied: they are then decoded,
 /// and what is missing is said.
 bool Copy(TStream& target, const PictureSource& source, const PictureState& state,
-          const WritePlan& plan, RunScope& run, WrittenPicture& written, Changes& changes) {
-  run.Begin(kRead, 1);
+          const WritePlan& plan, RunScope& run, WrittenPicture& written, Report& report,
+          Changes& changes) {
+  run.Begin(kRead, source.Header().height);
+  Changes seen;
+  const CodecReport read = ReadForDamage(source, run.Threads(), seen);
+  run.Begin(1, 1);
   const uint64_t start = target.Position();
   try {
     Changes copied = LossesOf(source, state, {plan.type, true, plan.hasSideFiles});
     written = CopyPixels(source, state, plan, target, copied);
     copied.Note("the compressed pixels are copied");
+    Warn(read, report);
+    LoseDamage(read, "the damaged pixels are copied as they are", copied);
+    Join(copied, seen);
     written.layout = state.layout;
     changes = std::move(copied);
     return true;
@@ -78,7 +107,8 @@ Report WriteTo(TStream& target, const PictureSource& source, const PictureState&
   const uint64_t start = target.Position();
   Changes changes;
   WrittenPicture written;
-  report.isCopied = plan.isCopied && Copy(target, source, state, plan, run, written, changes);
+  report.isCopied =
+      plan.isCopied && Copy(target, source, state, plan, run, written, report, changes);
   if (!report.isCopied) {
     WritePlan anew = plan;
     anew.isCopied = false;

@@ -82,16 +82,23 @@ bool AsksForForm(const SaveOptions& options) {
   return options.quality || options.compression || options.chromaX > 0 || options.chromaY > 0;
 }
 
+/// True if the tags of the source's file alone say where the picture lies: no other position was
+/// chosen, and the position was not put aside.
+bool TagsSayThePosition(const PictureSource& source) {
+  const PictureHeader& header = source.Header();
+  const Placement tagged = ReadPlacement({}, header.positionTags, header.width, header.height);
+  const Placement& position = source.Position();
+  return tagged.affine == position.affine &&
+         tagged.controlPoints.size() == position.controlPoints.size() &&
+         tagged.rationalModel == position.rationalModel;
+}
+
 /// Tags that the source's file states and that still hold stay as they are, to the byte.
 std::vector<TagValue> PositionTags(const PictureSource& source, const PictureState& state) {
-  const Placement& position = source.Position();
-  const bool isFromTags = position.stated.empty() ||
-                          position.stated.front().source == PositionSource::geoTiff ||
-                          position.stated.front().source == PositionSource::geoTiffTransformation;
-  if (!state.placesChanged && isFromTags && !source.Header().positionTags.empty()) {
-    return source.Header().positionTags;
-  }
-  return TagsOf(state.placement);
+  const std::vector<TagValue>& tags = source.Header().positionTags;
+  const bool isMoved = state.placesChanged || state.given;
+  if (tags.empty() || isMoved || !TagsSayThePosition(source)) return TagsOf(state.placement);
+  return tags;
 }
 
 PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
@@ -99,6 +106,8 @@ PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
   PictureWriting writing;
   writing.form = plan.form;
   writing.metadata = state.metadata;
+  // A preview is a file of its own, with metadata of its own.
+  writing.dropsHidden = state.edit.stripAll || state.edit.stripGps || state.edit.stripThumbnail;
   if (plan.type == PictureType::tiff) writing.positionTags = PositionTags(source, state);
   return writing;
 }
@@ -195,7 +204,13 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
 
 WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state,
                           const WritePlan& plan, TStream& target, Changes& changes) {
-  WrittenPicture written = source.Copy(WritingOf(source, state, plan), target);
+  const PictureWriting writing = WritingOf(source, state, plan);
+  WrittenPicture written = source.Copy(writing, target);
+  if (writing.dropsHidden) {
+    for (const std::string& name : source.Header().hiddenOthers) {
+      changes.Lose(LossKind::hiddenPictures, name, "it can state what was to be removed");
+    }
+  }
   Join(changes, written.changes);
   return written;
 }

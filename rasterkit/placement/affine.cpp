@@ -1,8 +1,22 @@
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include <rasterkit/placement/affine.h>
 
 namespace rasterkit {
+namespace {
+
+/// The sum, or 0 where the terms cancel out but for their rounding errors: a picture that was
+/// turned straight is straight.
+double SumOf(double a, double b) {
+  // Each term is a product of numbers that themselves come from a few roundings.
+  constexpr double kRounding = 16 * std::numeric_limits<double>::epsilon();
+  const double sum = a + b;
+  return std::abs(sum) <= kRounding * std::max(std::abs(a), std::abs(b)) ? 0 : sum;
+}
+
+}  // namespace
 
 MapPoint Affine::At(double column, double row) const {
   return {xPerColumn * column + xPerRow * row + x, yPerColumn * column + yPerRow * row + y};
@@ -33,10 +47,10 @@ std::optional<MapPoint> Affine::Back(MapPoint point) const {
 
 Affine Affine::After(const Affine& inner) const {
   Affine both;
-  both.xPerColumn = xPerColumn * inner.xPerColumn + xPerRow * inner.yPerColumn;
-  both.yPerColumn = yPerColumn * inner.xPerColumn + yPerRow * inner.yPerColumn;
-  both.xPerRow = xPerColumn * inner.xPerRow + xPerRow * inner.yPerRow;
-  both.yPerRow = yPerColumn * inner.xPerRow + yPerRow * inner.yPerRow;
+  both.xPerColumn = SumOf(xPerColumn * inner.xPerColumn, xPerRow * inner.yPerColumn);
+  both.yPerColumn = SumOf(yPerColumn * inner.xPerColumn, yPerRow * inner.yPerColumn);
+  both.xPerRow = SumOf(xPerColumn * inner.xPerRow, xPerRow * inner.yPerRow);
+  both.yPerRow = SumOf(yPerColumn * inner.xPerRow, yPerRow * inner.yPerRow);
   const MapPoint origin = At(inner.x, inner.y);
   both.x = origin.x;
   both.y = origin.y;

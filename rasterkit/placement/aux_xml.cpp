@@ -100,12 +100,35 @@ class Reader {
       AddControlPoint(attributes);
     } else if (IsIn({"PAMDataset", "Metadata"})) {
       isRational_ = Attribute(attributes, "domain") == "RPC";
+      if (!isRational_) AddOther(name);
     } else if (IsIn({"PAMDataset", "Metadata", "MDI"})) {
       key_ = Attribute(attributes, "key");
+    } else if (IsOther()) {
+      AddOther(name);
+    }
+    // The date of a moving system, and notes on a control point.
+    for (const char* attribute : {"coordinateEpoch", "Info"}) {
+      if (!Attribute(attributes, attribute).empty()) AddOther(attribute);
     }
     takesText_ = IsIn({"PAMDataset", "SRS"}) || IsIn({"PAMDataset", "GeoTransform"}) ||
                  IsIn({"PAMDataset", "PAMRasterBand", "NoDataValue"}) ||
                  (isRational_ && IsIn({"PAMDataset", "Metadata", "MDI"}));
+  }
+
+  /// True for an element that no other part of the reader uses, in one that it knows.
+  bool IsOther() const {
+    const bool isPart = path_.size() == 2 && path_.front() == "PAMDataset";
+    const bool isOfBand = path_.size() == 3 && path_[1] == "PAMRasterBand";
+    if (isOfBand) return path_.back() != "NoDataValue";
+    return isPart && path_.back() != "SRS" && path_.back() != "GeoTransform" &&
+           path_.back() != "PAMRasterBand";
+  }
+
+  void AddOther(const std::string& name) {
+    constexpr size_t kMostOthers = 20;
+    auto& others = result_.others;
+    const bool isNew = std::find(others.begin(), others.end(), name) == others.end();
+    if (isNew && others.size() < kMostOthers) others.push_back(name);
   }
 
   void EndElement() {

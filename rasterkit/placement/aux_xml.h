@@ -21,6 +21,8 @@ struct AuxXml {
   std::vector<std::string> noData;
   /// From the metadata domain RPC; empty if a number is missing.
   RationalModel rationalModel;
+  /// Elements and attributes that hold something else: "Metadata", "Histograms".
+  std::vector<std::string> others;
   /// Why a part was ignored: "line 3: the transformation has 5 of 6 numbers".
   std::vector<std::string> faults;
 };

@@ -87,6 +87,23 @@ bool detail::IsPixelPoint(std::span<const uint16_t> keys) {
   return ShortKey(keys, kRasterType) == kPixelIsPoint;
 }
 
+std::vector<uint16_t> detail::KeysOfWkt(std::string_view wkt) {
+  constexpr uint16_t kVersion = 1, kRevision = 1, kMinor = 0, kKeys = 3;
+  constexpr uint16_t kPixelIsArea = 1;
+  const WktHead head = ReadWktHead(wkt);
+  const bool isProjected = head.keyword == "PROJCS" || head.keyword == "PROJCRS";
+  const bool isGeographic = head.keyword == "GEOGCS" || head.keyword == "GEOGCRS";
+  if (!head.epsg || !IsCode(*head.epsg) || !(isProjected || isGeographic)) return {};
+  std::vector<uint16_t> keys = {kVersion, kRevision, kMinor, kKeys};
+  const auto add = [&](uint16_t key, int value) {
+    keys.insert(keys.end(), {key, 0, 1, static_cast<uint16_t>(value)});
+  };
+  add(kModelType, isProjected ? kProjected : kGeographic);
+  add(kRasterType, kPixelIsArea);
+  add(isProjected ? kProjectedType : kGeographicType, *head.epsg);
+  return keys;
+}
+
 bool CoordinateSystem::IsKnown() const {
   for (const uint16_t key : {kModelType, kGeographicType, kProjectedType}) {
     if (FindKey(keys, key)) return true;

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <rasterkit/runtime/export.h>
 
@@ -18,10 +19,16 @@ bool IsPixelPoint(std::span<const uint16_t> keys);
 struct WktHead {
   /// `PROJCS["ETRS89 / UTM zone 32N", ...`; empty if the text is no WKT.
   std::string name;
+  /// Its first word: "PROJCS", "GEOGCRS", in upper case.
+  std::string keyword;
   /// The code of the system itself: AUTHORITY["EPSG","25832"] or ID["EPSG",25832] at its end.
   std::optional<int> epsg;
 };
 
 RASTERKIT_EXPORT WktHead ReadWktHead(std::string_view wkt);
+
+/// A key directory (34735) that names the EPSG code of a projected or geographic system that is
+/// known as text alone, and that counts pixels as areas. Empty if the text has no such code.
+std::vector<uint16_t> KeysOfWkt(std::string_view wkt);
 
 }  // namespace rasterkit::detail

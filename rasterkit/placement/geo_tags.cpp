@@ -193,7 +193,9 @@ std::vector<TagValue> TagsOf(const Placement& placement) {
         MakeTag(detail::kTransformationTag, kDoubleType, MatrixOf(*placement.affine, center)));
   }
   const CoordinateSystem& system = placement.system;
-  if (!system.keys.empty()) tags.push_back(MakeTag(detail::kGeoKeysTag, kWordType, system.keys));
+  // Few programs read a system from a file beside the picture.
+  const auto keys = system.keys.empty() ? detail::KeysOfWkt(system.wkt) : system.keys;
+  if (!keys.empty()) tags.push_back(MakeTag(detail::kGeoKeysTag, kWordType, keys));
   if (!system.doubles.empty()) {
     tags.push_back(MakeTag(detail::kGeoDoublesTag, kDoubleType, system.doubles));
   }

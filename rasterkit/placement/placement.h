@@ -109,7 +109,7 @@ RASTERKIT_EXPORT void FollowPixels(Placement& placement, const PixelMove& move, 
 
 /// The tags of a TIFF file for the position: pixel scale and tie point where the position is
 /// straight with rows running south, else the transformation (34264); control points; keys as
-/// bytes; "no data"; rational model.
+/// bytes, or the EPSG code of a system that is known as text alone; "no data"; rational model.
 RASTERKIT_EXPORT std::vector<TagValue> TagsOf(const Placement& placement);
 
 }  // namespace rasterkit

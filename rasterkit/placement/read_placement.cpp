@@ -9,7 +9,6 @@
 #include <rasterkit/placement/geo_tags.h>
 #include <rasterkit/placement/placement.h>
 #include <rasterkit/placement/side_file_names.h>
-#include <rasterkit/placement/side_files.h>
 #include <rasterkit/placement/six_numbers.h>
 #include <rasterkit/placement/stated_difference.h>
 #include <rasterkit/runtime/errors.h>
@@ -45,7 +44,7 @@ class PlacementReader {
   /// Reads all except the one that is `read` already.
   void ReadWorldFilesBeside(const std::string& read) {
     const detail::FileIdentity identity(read);
-    for (const std::string& name : WorldFileNames(file_)) {
+    for (const std::string& name : detail::WorldFilesBeside(file_)) {
       Try(name, [&] {
         if (identity.Exists() && identity == detail::FileIdentity(name)) return;
         const auto reading = detail::ReadWorldFileAt(name);

@@ -52,21 +52,78 @@ void AddBothCases(std::vector<std::string>& names, const std::string& picture,
   }
 }
 
+/// Adds the name with the extension in every other mixture of cases.
+void AddMixedCases(std::vector<std::string>& names, const std::string& picture,
+                   const std::string& extension) {
+  constexpr size_t kMostLetters = 5;
+  if (extension.size() > kMostLetters) return;
+  for (uint32_t upper = 0; upper < 1U << extension.size(); ++upper) {
+    std::string written = LowerCase(extension);
+    for (size_t i = 0; i < written.size(); ++i) {
+      if ((upper >> i & 1U) != 0) written.replace(i, 1, UpperCase(written.substr(i, 1)));
+    }
+    std::string name = detail::WithExtension(picture, written);
+    const bool isNew = std::find(names.begin(), names.end(), name) == names.end();
+    if (isNew && name != picture) names.push_back(std::move(name));
+  }
+}
+
+/// The extensions of world files, in the order in which they count.
+std::vector<std::string> WorldFileExtensions(const std::string& picture) {
+  std::vector<std::string> extensions;
+  if (NameStart(picture) == picture.size()) return extensions;
+  const std::string extension = ExtensionOf(picture);
+  if (extension.size() > 1 && IsAscii(extension.front()) && IsAscii(extension.back())) {
+    extensions = {{extension.front(), extension.back(), 'w'}, extension + "w"};
+  }
+  extensions.emplace_back("wld");
+  return extensions;
+}
+
+/// True for two names of one directory entry on a system that takes no care of case.
+bool IsOneEntry(const std::string& name, const std::string& other) {
+  std::error_code error;
+  if (CompareText(name, other) != 0) return false;
+  if (std::filesystem::is_symlink(ToPath(name), error) ||
+      std::filesystem::is_symlink(ToPath(other), error)) {
+    return false;
+  }
+  return std::filesystem::equivalent(ToPath(name), ToPath(other), error) && !error &&
+         std::filesystem::hard_link_count(ToPath(name), error) == 1;
+}
+
 }  // namespace
 
 std::vector<std::string> WorldFileNames(const std::string& picture) {
   std::vector<std::string> names;
-  if (NameStart(picture) == picture.size()) return names;
-  const std::string extension = ExtensionOf(picture);
-  if (extension.size() > 1 && IsAscii(extension.front()) && IsAscii(extension.back())) {
-    AddBothCases(names, picture, {extension.front(), extension.back(), 'w'});
-    AddBothCases(names, picture, extension + "w");
+  for (const std::string& extension : WorldFileExtensions(picture)) {
+    AddBothCases(names, picture, extension);
   }
-  AddBothCases(names, picture, "wld");
   return names;
 }
 
 namespace detail {
+
+std::vector<std::string> AllWorldFileNames(const std::string& picture) {
+  std::vector<std::string> names;
+  for (const std::string& extension : WorldFileExtensions(picture)) {
+    AddBothCases(names, picture, extension);
+    AddMixedCases(names, picture, extension);
+  }
+  return names;
+}
+
+std::vector<std::string> WorldFilesBeside(const std::string& picture) {
+  std::vector<std::string> found;
+  for (const std::string& name : AllWorldFileNames(picture)) {
+    std::error_code error;
+    const auto type = std::filesystem::status(ToPath(name), error).type();
+    if (type == std::filesystem::file_type::not_found) continue;
+    const auto isSame = [&](const std::string& other) { return IsOneEntry(name, other); };
+    if (std::none_of(found.begin(), found.end(), isSame)) found.push_back(name);
+  }
+  return found;
+}
 
 std::string WithExtension(const std::string& picture, const std::string& extension) {
   return picture.substr(0, DotOf(picture)) + "." + extension;

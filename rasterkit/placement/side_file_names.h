@@ -13,6 +13,14 @@ namespace rasterkit::detail {
 RASTERKIT_EXPORT std::string WithExtension(const std::string& picture,
                                            const std::string& extension);
 
+/// WorldFileNames, and the names whose extension has letters of both cases ("plan.Tfw") behind
+/// those of the same letters. Extensions of more than five letters have none.
+std::vector<std::string> AllWorldFileNames(const std::string& picture);
+
+/// Those of AllWorldFileNames that exist, in the order in which they count, each file once where
+/// the system takes no care of case. Names that the system says nothing about are among them.
+std::vector<std::string> WorldFilesBeside(const std::string& picture);
+
 /// "plan.prj" and "plan.PRJ".
 std::vector<std::string> ProjectionNames(const std::string& picture);
 

@@ -5,10 +5,10 @@
 #include <fmt/core.h>
 
 #include <rasterkit/placement/geo_keys.h>
+#include <rasterkit/placement/lost_side_files.h>
+#include <rasterkit/placement/old_world_files.h>
 #include <rasterkit/placement/side_file_names.h>
 #include <rasterkit/placement/side_file_plan.h>
-#include <rasterkit/placement/six_numbers.h>
-#include <rasterkit/placement/stated_difference.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/files/set_aside.h>
 #include <rasterkit/runtime/files/small_file.h>
@@ -17,30 +17,12 @@
 namespace rasterkit::detail {
 namespace {
 
-/// In pixels: positions that differ by less are the same.
-constexpr double kSamePosition = 0.001;
-/// For a picture of unknown size.
-constexpr int kLargeSide = 65536;
 constexpr size_t kLongestProjection = size_t{1} << 20;
 
 /// An absent name and a folder state nothing.
 bool IsThere(const std::string& name) {
   return FileIdentity(name).IsRegular();
 }
-
-bool Contains(const std::vector<std::string>& names, const std::string& name) {
-  return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-/// A world file beside the target.
-struct OldWorldFile {
-  std::string name;
-  /// Nothing if it cannot be read.
-  std::optional<Affine> affine;
-  /// The neighbor that it belongs to as well; empty if there is none.
-  std::string neighbor;
-  bool belongsToSource = false;
-};
 
 class Planner {
  public:
@@ -49,14 +31,13 @@ class Planner {
 
   SideFilePlan Plan() {
     const FileIdentity target(wish_.target);
-    isStraight_ = target.Exists() && !target.IsRegular();
-    if (!isStraight_) {
-      isInPlace_ = target.Exists() && !wish_.source.empty() && target == FileIdentity(wish_.source);
-      PlanWorldFiles(wish_.target, true);
+    const bool isStraight = target.Exists() && !target.IsRegular();
+    if (!isStraight) {
+      Take(PlanWorldFiles(wish_.target, wish_, placement_, wish_.writesWorldFile));
       PlanAttached(wish_.target);
       // Through a link the file of another name is replaced.
       if (const std::string real = NameBehindLink(); !real.empty()) {
-        PlanWorldFiles(real, false);
+        Take(PlanWorldFiles(real, wish_, placement_, !WorldFilesBeside(real).empty()));
         PlanAttached(real);
       }
       PlanProjection();
@@ -77,94 +58,42 @@ class Planner {
     return error ? "" : real.string();
   }
 
-  void Remove(const std::string& name) {
-    if (!Contains(plan_.removed, name)) plan_.removed.push_back(name);
-  }
-
-  bool IsSame(const Affine& other) const {
-    const int width = wish_.width > 0 ? wish_.width : kLargeSide;
-    const int height = wish_.height > 0 ? wish_.height : kLargeSide;
-    return placement_.affine &&
-           DifferenceOf(*placement_.affine, other, width, height) <= kSamePosition;
-  }
-
-  std::vector<OldWorldFile> OldWorldFiles(const std::string& picture) const {
-    std::vector<OldWorldFile> found;
-    for (const std::string& name : WorldFileNames(picture)) {
-      if (IsThere(name)) found.push_back({name, std::nullopt, "", false});
+  void Remove(const std::string& name, bool keepsBackup = false) {
+    const auto is = [&](const OldSideFile& old) { return old.name == name; };
+    if (std::none_of(plan_.removed.begin(), plan_.removed.end(), is)) {
+      plan_.removed.push_back({name, keepsBackup});
     }
-    if (found.empty()) return found;
-    std::vector<std::string> neighbors = Neighbors(picture);
-    const FileIdentity source(wish_.source);
-    for (OldWorldFile& old : found) {
-      try {
-        if (const auto reading = ReadWorldFileAt(old.name)) old.affine = reading->affine;
-      } catch (const FileError&) {
-        // What cannot be read is no position that is known to be right.
+  }
+
+  void Take(const WorldFilePlan& files) {
+    bool replaces = false;
+    for (const OldWorldFile& old : files.old) {
+      if (old.fate == Fate::keep) continue;
+      RequireMayGo(old);
+      if (old.fate == Fate::setAside) {
+        changes_.Note(old.name + " is no world file that can be read; it gets a backup name");
       }
-      for (const std::string& neighbor : neighbors) {
-        if (!Contains(WorldFileNames(neighbor), old.name)) continue;
-        const bool isSource = source.Exists() && source == FileIdentity(neighbor);
-        old.belongsToSource = old.belongsToSource || isSource;
-        if (old.neighbor.empty() || isSource) old.neighbor = neighbor;
-      }
+      Remove(old.name, old.fate == Fate::setAside);
+      replaces = replaces || old.name == files.name;
     }
-    return found;
+    if (files.name.empty()) return;
+    carried_.position = true;
+    if (files.isThere) return;
+    plan_.written.push_back({files.name, WorldFileText(*placement_.affine), replaces});
   }
 
-  /// True if another program would take a wrong position from the file.
-  bool Contradicts(const OldWorldFile& old) const {
-    if (old.affine) return !IsSame(*old.affine);
-    // The source was read without it, and the target is as good.
-    return !old.belongsToSource && !(isInPlace_ && wish_.hasSamePixels);
-  }
-
-  void PlanWorldFiles(const std::string& picture, bool isTarget) {
-    const std::vector<OldWorldFile> old = OldWorldFiles(picture);
-    const auto isWrongAndShared = [&](const OldWorldFile& file) {
-      return !file.neighbor.empty() && Contradicts(file);
-    };
-    const bool isNeeded = std::any_of(old.begin(), old.end(), isWrongAndShared);
-    const bool isWished = isTarget ? wish_.writesWorldFile || isNeeded : !old.empty();
-    const bool writes = placement_.affine.has_value() && isWished;
-    const std::string first = WorldFileNames(picture).front();
-    bool hasFirst = false;
-    for (const OldWorldFile& file : old) {
-      const bool isFirst = file.name == first;
-      if (KeepsWorldFile(file, writes, isFirst)) {
-        hasFirst = hasFirst || isFirst;
-      } else if (wish_.mayReplace) {
-        Remove(file.name);
-      } else {
-        Refuse(file.name, "exists and states another position than the picture to be saved");
-      }
+  void RequireMayGo(const OldWorldFile& old) const {
+    const std::string what = old.affine ? "states another position than the picture to be saved"
+                                        : "cannot be read as a world file";
+    if (old.fate == Fate::refuse) {
+      Refuse(old.name, fmt::format("belongs to {} too and {}", old.neighbor, what));
     }
-    if (!writes) return;
-    writesWorldFile_ = true;
-    if (hasFirst) return;
-    plan_.written.push_back(
-        {first, WorldFileText(*placement_.affine), Contains(plan_.removed, first)});
-  }
-
-  /// Throws if the file can neither stay nor go.
-  bool KeepsWorldFile(const OldWorldFile& old, bool writes, bool isFirst) const {
-    const bool isExact = old.affine && placement_.affine && *old.affine == *placement_.affine;
-    if (isExact) return true;
-    if (!Contradicts(old)) {
-      // What is nearly right is written exactly where that is allowed.
-      return !(writes && isFirst && wish_.mayReplace && old.neighbor.empty());
-    }
-    if (old.neighbor.empty()) return false;
-    // The first name counts before all others.
-    if (writes && !isFirst) return true;
-    Refuse(old.name, fmt::format("belongs to {} too and states another position than the picture "
-                                 "to be saved",
-                                 old.neighbor));
+    if (!wish_.mayReplace) Refuse(old.name, "exists and " + what);
   }
 
   void PlanAttached(const std::string& picture) {
     for (const std::string& name : AttachedNames(picture)) {
-      if (!IsThere(name) || (isInPlace_ && wish_.hasSamePixels)) continue;
+      if (!IsThere(name) || IsSavedOverItself(wish_)) continue;
       if (!wish_.mayReplace) Refuse(name, "exists and describes another picture");
       Remove(name);
     }
@@ -191,9 +120,9 @@ class Planner {
     const std::optional<std::string> there = ProjectionOf(wish_.target, ofTarget);
     if (there) {
       const bool isOwn = !ofSource.empty() && FileIdentity(ofSource) == FileIdentity(ofTarget);
-      hasProjection_ = isOwn || IsSameSystem(*there, *known);
+      carried_.projection = isOwn || IsSameSystem(*there, *known);
       // A picture that is nowhere, or in an unknown system, is not contradicted.
-      if (hasProjection_ || !placement_.IsKnown() || !system.IsKnown()) return;
+      if (carried_.projection || !placement_.IsKnown() || !system.IsKnown()) return;
       Refuse(ofTarget,
              "exists and states another coordinate system than that of the picture to "
              "be saved");
@@ -201,7 +130,7 @@ class Planner {
     const bool isNeeded = !wish_.hasTags || system.keys.empty();
     if (known->empty() || (!isFromFile && !isNeeded)) return;
     plan_.written.push_back({ProjectionNames(wish_.target).front(), *known, false});
-    hasProjection_ = true;
+    carried_.projection = true;
   }
 
   bool IsSameSystem(const std::string& there, const std::string& known) const {
@@ -212,45 +141,24 @@ class Planner {
 
   void AddLosses() {
     const char* const why = "neither the file nor one beside it holds it";
-    const bool isCarried = wish_.hasTags || writesWorldFile_;
-    if (placement_.affine && !isCarried) {
+    const CoordinateSystem& system = placement_.system;
+    carried_.position = carried_.position || wish_.hasTags;
+    carried_.system = carried_.projection || (wish_.hasTags && !system.keys.empty());
+    if (placement_.affine && !carried_.position) {
       changes_.Lose(LossKind::position, "map position", why);
     }
-    const CoordinateSystem& system = placement_.system;
-    const bool isInTags = wish_.hasTags && !system.keys.empty();
-    if (system.IsKnown() && !isInTags && !hasProjection_) {
+    if (system.IsKnown() && !carried_.system) {
       const std::string name = system.Description();
       changes_.Lose(LossKind::coordinateSystem, name.empty() ? "coordinate system" : name, why);
     }
-    AddLostSideFiles();
-  }
-
-  void AddLostSideFiles() {
-    if (wish_.source.empty() || (isInPlace_ && wish_.hasSamePixels)) return;
-    for (const std::string& name : AttachedNames(wish_.source)) {
-      if (IsThere(name)) changes_.Lose(LossKind::sideFile, name, "it describes the old picture");
-    }
-    for (const std::string& name : WorldFileNames(wish_.source)) {
-      if (!IsThere(name) || IsStated(name)) continue;
-      changes_.Lose(LossKind::sideFile, name, "no position was read from it");
-    }
-  }
-
-  /// True if a position was read from the file, under whatever name.
-  bool IsStated(const std::string& name) const {
-    const FileIdentity file(name);
-    const auto& stated = placement_.stated;
-    return std::any_of(stated.begin(), stated.end(), [&](const StatedPosition& position) {
-      return !position.file.empty() && file == FileIdentity(position.file);
-    });
+    AddLostSideFiles(wish_, placement_, carried_, changes_);
   }
 
   const SideFileWish& wish_;
   const Placement& placement_;
   Changes& changes_;
   SideFilePlan plan_;
-  bool isStraight_ = false, isInPlace_ = false;
-  bool writesWorldFile_ = false, hasProjection_ = false;
+  Carried carried_;
 };
 
 }  // namespace

@@ -14,11 +14,18 @@ struct NewSideFile {
   bool replaces = false;
 };
 
+/// A file that is removed from beside the target.
+struct OldSideFile {
+  std::string name;
+  /// It is not deleted but keeps its backup name.
+  bool keepsBackup = false;
+};
+
 /// What becomes of the files beside a target.
 struct SideFilePlan {
   std::vector<NewSideFile> written;
   /// Existing files that are replaced or removed.
-  std::vector<std::string> removed;
+  std::vector<OldSideFile> removed;
 };
 
 /// Decides by the rules of SideFiles. Throws as its constructor does, and FileError if the system

@@ -22,8 +22,13 @@ struct SideFiles::State {
   bool syncs = true;
   std::vector<std::string> plans;
   std::vector<Pending> pending;
-  std::vector<std::string> removed;
-  std::vector<detail::SetAside> setAside;
+  struct Renamed {
+    detail::SetAside file;
+    bool keepsBackup = false;
+  };
+
+  std::vector<detail::OldSideFile> removed;
+  std::vector<Renamed> setAside;
   /// The target before the picture has its name.
   std::optional<detail::FileIdentity> before;
 
@@ -66,7 +71,7 @@ void SideFiles::State::PutBack() noexcept {
   try {
     if (setAside.empty() || !before || !(*before == detail::FileIdentity(target))) return;
     while (!setAside.empty()) {
-      setAside.back().PutBack();
+      setAside.back().file.PutBack();
       setAside.pop_back();
     }
   } catch (...) {
@@ -83,10 +88,12 @@ SideFiles::SideFiles(const SideFileWish& wish, const Placement& placement, Chang
     state_->plans.push_back((file.replaces ? "replaces " : "writes ") + file.name);
     state_->pending.push_back({std::move(file), nullptr});
   }
-  for (const std::string& name : plan.removed) {
-    const auto writes = [&](const auto& next) { return next.plan.name == name; };
-    if (std::none_of(state_->pending.begin(), state_->pending.end(), writes)) {
-      state_->plans.push_back("removes " + name);
+  for (const detail::OldSideFile& old : plan.removed) {
+    const auto writes = [&](const auto& next) { return next.plan.name == old.name; };
+    if (old.keepsBackup) {
+      state_->plans.push_back("gives a backup name to " + old.name);
+    } else if (std::none_of(state_->pending.begin(), state_->pending.end(), writes)) {
+      state_->plans.push_back("removes " + old.name);
     }
   }
   state_->removed = std::move(plan.removed);
@@ -109,8 +116,8 @@ void SideFiles::Prepare() {
 void SideFiles::BeforeCommit() {
   state_->before.emplace(state_->target);
   try {
-    for (const std::string& name : state_->removed) {
-      state_->setAside.emplace_back(name, state_->syncs);
+    for (const detail::OldSideFile& old : state_->removed) {
+      state_->setAside.push_back({detail::SetAside(old.name, state_->syncs), old.keepsBackup});
     }
     for (auto& next : state_->pending) {
       if (next.file == nullptr) state_->Open(next);
@@ -134,7 +141,9 @@ void SideFiles::AfterCommit() {
     }
   }
   state.pending.clear();
-  for (detail::SetAside& old : state.setAside) old.Remove();
+  for (State::Renamed& old : state.setAside) {
+    if (!old.keepsBackup) old.file.Remove();
+  }
   state.setAside.clear();
 }
 

@@ -33,10 +33,12 @@ struct SideFileWish {
 
 /// The files beside a target: what becomes of each in the same save.
 ///
-/// A world file is written under the first name of WorldFileNames; other world files that state
-/// another position, `.aux.xml`, `.ovr` and `.msk` of the target's name are removed. What belongs
-/// to a neighbor too (another picture of the same stem) is never changed. `.prj` is written where
-/// there is none. A target that is a pipe or a device has no files beside it.
+/// A world file is written under the name in use beside the target, else under the first name of
+/// WorldFileNames; other world files that state another position, `.aux.xml`, `.ovr` and `.msk` of
+/// the target's name are removed. A world file that cannot be read is not deleted: it keeps a
+/// backup name. A link becomes a plain file. What belongs to a neighbor too (another picture of the
+/// same stem) is never changed. `.prj` is written where there is none. A target that is a pipe or a
+/// device has no files beside it.
 ///
 ///     SideFiles files(wish, placement);        // finds what is there; throws if it refuses
 ///     files.Prepare();                         // writes the new ones to temporary files
@@ -58,7 +60,7 @@ class RASTERKIT_EXPORT SideFiles {
   ~SideFiles();
   SideFiles(SideFiles&&) noexcept;
 
-  /// Names that will be written, replaced or removed, for --dry-run: "writes plan.pgw".
+  /// Names that will be written, replaced, removed or set aside, for --dry-run: "writes plan.pgw".
   const std::vector<std::string>& Plans() const;
   /// Each of the three throws FileError.
   void Prepare();

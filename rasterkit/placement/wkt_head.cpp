@@ -65,6 +65,7 @@ class Walker {
     const size_t start = at_;
     while (at_ < text_.size() && IsWord(text_[at_])) ++at_;
     word_ = UpperCase(text_.substr(start, at_ - start));
+    if (depth_ == 0 && head_.keyword.empty()) head_.keyword = word_;
     Use(word_);
   }
 

@@ -4,6 +4,8 @@
 
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
+#include <rasterkit/runtime/memory/memory_share.h>
 
 #include "tests/bands/band_pictures.h"
 #include "tests/support/test_pictures.h"
@@ -45,6 +47,38 @@ Combination Over(Raster over, CombineMode mode, int percent = 0) {
   combination.mode = mode;
   combination.percent = percent;
   return combination;
+}
+
+/// The least memory for all pictures, beyond those that there are, with which the stage runs.
+uint64_t LeastMemory(const Combination& combination, const Raster& under) {
+  const Sides sides{under.Width(), under.Height()};
+  const uint64_t held = ProcessPictureBytes();
+  uint64_t little = 0, enough = uint64_t{100} * sides.width * sides.height;
+  while (enough - little > 1) {
+    const uint64_t between = (little + enough) / 2;
+    Limits limits;
+    limits.processBytes = held + between;
+    try {
+      const LimitsScope scope(limits);
+      Changes changes;
+      CombineStage(sides, combination)->Make(under.Clone(), {}, changes);
+      enough = between;
+    } catch (const LimitError&) {
+      little = between;
+    }
+  }
+  return enough;
+}
+
+TEST(CombineStageTest, MemoryOfOpacitiesCounts) {
+  constexpr int kSide = 64;
+  std::mt19937 random(1);
+  Combination combination = Over(Drawing(kSide, kSide, random), CombineMode::overwrite);
+  combination.toOver = Affine{1, 0, 0, 1, -4, -3};
+  // The lower picture and its copy; the upper one, its copy and what it becomes without opacity.
+  constexpr uint64_t kRows = 2 * 3 + 2 * 4 + 3, kOpacity = 1;
+  EXPECT_GE(LeastMemory(combination, Drawing(kSide, kSide, random)),
+            uint64_t{kSide} * kSide * (kRows + kOpacity));
 }
 
 TEST(CombineStageTest, OpaqueModesTakeThePixelsThatTheModeNames) {

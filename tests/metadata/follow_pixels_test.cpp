@@ -361,6 +361,21 @@ TEST(FollowPixels, Should_RemoveTheTag_When_StatisticsWereAllThatItHeld) {
   EXPECT_EQ(changes.notes.size(), 1U);
 }
 
+TEST(FollowPixels, Should_DropTheTimeOfTheLastChange_When_PixelsChanged) {
+  const std::vector<OtherBlock> chunks = {{0x74494D45, {7, 0xE8, 1, 2, 3, 4, 5}},
+                                          {0x61624364, {1}}};
+  PixelChange change = Crop(10, 10, 50, 50);
+  for (const bool pixelsChanged : {true, false}) {
+    Metadata metadata;
+    metadata.pngChunks = chunks;
+    Changes changes;
+    change.pixelsChanged = change.placesChanged = pixelsChanged;
+    FollowPixels(metadata, change, changes);
+    EXPECT_EQ(metadata.pngChunks, pixelsChanged ? std::vector{chunks[1]} : chunks);
+    EXPECT_TRUE(changes.losses.empty());
+  }
+}
+
 TEST(FollowPixels, Should_MakePhotoshopsOldThumbnailAnew) {
   ImageResources old;
   old.Set(1033, {1, 2, 3});

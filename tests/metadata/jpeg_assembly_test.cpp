@@ -238,5 +238,37 @@ TEST(AssembleJpegSegments, Should_NameWhatHasNoPlace) {
   EXPECT_EQ(written.changes.losses[1].what, "PNG chunk tEXt");
 }
 
+TEST(AssembleJpegSegments, Should_NameAllTagsInOneLoss) {
+  Metadata metadata;
+  metadata.tiffTags = {{65000, 2, 2, {'x', 0}}, {42112, 2, 2, {'x', 0}}};
+  const Written written(metadata);
+  ASSERT_EQ(written.changes.losses.size(), 1U);
+  EXPECT_EQ(written.changes.losses[0].what, "TIFF tags 42112, 65000");
+  for (uint16_t tag = 1; tag <= 40; ++tag) metadata.tiffTags.push_back({tag, 2, 2, {'x', 0}});
+  EXPECT_THAT(Written(metadata).changes.losses[0].what, testing::EndsWith("11, 12 and 30 more"));
+}
+
+TEST(AssembleJpegSegments, Should_OnlyNoteChunksThatHelpPrograms) {
+  Metadata metadata;
+  metadata.pngChunks = {{0x624B4744, {0, 1}},
+                        {0x74494D45, {7, 0xE8, 1, 2, 3, 4, 5}},
+                        {0x68495354, {0, 1}},
+                        {0x73424954, {5}},
+                        {0x73524742, {0}}};
+  const Written written(metadata);
+  EXPECT_THAT(written.Losses(), IsEmpty());
+  EXPECT_THAT(written.changes.notes,
+              ElementsAre(testing::HasSubstr("bKGD"), testing::HasSubstr("tIME"),
+                          testing::HasSubstr("hIST"), testing::HasSubstr("sBIT")));
+}
+
+TEST(AssembleJpegSegments, Should_ShowOnlyPrintableLettersOfChunks) {
+  Metadata metadata;
+  metadata.pngChunks = {{0x611B0A64, {}}};
+  const Written written(metadata);
+  ASSERT_EQ(written.changes.losses.size(), 1U);
+  EXPECT_EQ(written.changes.losses[0].what, "PNG chunk a??d");
+}
+
 }  // namespace
 }  // namespace rasterkit

@@ -66,7 +66,7 @@ Result PixelsOf(const std::string& file, bool isIsolated) {
       pixels = DecodePixels(stream, type, {}, &report);
     }
     detail::WritePixels(fields, pixels);
-    detail::WriteWarnings(fields, report.warnings);
+    detail::WriteReport(fields, report);
     const auto bytes = detail::BytesOf(pixels);
     result.bytes.assign(bytes.begin(), bytes.end());
   });

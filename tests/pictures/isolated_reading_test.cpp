@@ -80,7 +80,7 @@ Result FrameOf(const std::string& file, Isolation isolation) {
   result.error = ErrorOf([&] { frame = DecodeFrame(file, options, &report); });
   FieldWriter fields;
   detail::WriteFrame(fields, frame);
-  detail::WriteWarnings(fields, report.warnings);
+  detail::WriteReport(fields, report);
   result.fields = fields.Take();
   result.rows = RowsOf(frame.rows);
   return result;
@@ -92,7 +92,7 @@ Result BitmapOf(const std::string& file, Isolation isolation) {
   Result result;
   result.error = ErrorOf([&] { bitmap = LoadBitmap(file, isolation, &report); });
   FieldWriter fields;
-  detail::WriteWarnings(fields, report.warnings);
+  detail::WriteReport(fields, report);
   if (bitmap) {
     detail::WriteRaster(fields, bitmap->Content());
     fields.Bool(bitmap->Transparent());

@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <cmath>
 
 #include <gtest/gtest.h>
 
 #include <rasterkit/codecs/jpeg/jpeg_encoder.h>
 #include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/placement/side_files.h>
@@ -92,6 +94,33 @@ TEST(PictureLosses, OfNumbers) {
   for (int y = 0; y < 10; ++y) std::fill_n(floats.Row(y), floats.Stride(), static_cast<uint8_t>(y));
   ExpectLosses(Picture::Of(std::move(floats)),
                {.jpeg = {"bits"}, .png = {"bits"}, .bmp = {"bits"}});
+}
+
+TEST(PictureLosses, OfNumbersWhoseLeastIsWhite) {
+  for (const int bits : {10, 16}) {
+    PixelLayout layout;
+    layout.type = NumberType::uint16;
+    layout.bits = bits;
+    layout.bands = 1;
+    layout.model = ColorModel::grayWhiteIsZero;
+    Samples words(layout, 20, 1);
+    auto* const row = reinterpret_cast<uint16_t*>(words.Row(0));
+    for (int x = 0; x < 20; ++x) row[x] = static_cast<uint16_t>(50 * x + 1);
+    const TempFolder folder;
+    const Picture picture = Picture::Of(std::move(words));
+    EXPECT_EQ(KindsIn(picture.Save(folder / "a.png")), Kinds());
+    const std::string file = test::ReadFile(folder / "a.png");
+    const Pixels saved =
+        DecodePngPixels({reinterpret_cast<const uint8_t*>(file.data()), file.size()});
+    const auto& numbers = std::get<Samples>(saved);
+    EXPECT_EQ(numbers.Layout().bits, 16);
+    EXPECT_EQ(numbers.Layout().model, ColorModel::gray);
+    const int most = (1 << bits) - 1;
+    for (int x = 0; x < 20; ++x) {
+      const double black = (50 * x + 1) * 65535.0 / most;
+      EXPECT_EQ(reinterpret_cast<const uint16_t*>(numbers.Row(0))[x], std::lround(65535 - black));
+    }
+  }
 }
 
 TEST(PictureLosses, OfChroma) {

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 
 #include <gtest/gtest.h>
 
@@ -112,6 +113,40 @@ TEST(PicturePosition, IsWrittenBesideTheOutputAndInItsTags) {
   EXPECT_TRUE(Picture::Open(folder / "out.tif", tags).GetPlacement().affine.has_value());
 }
 
+/// A position that was put aside is not written, moved or not.
+TEST(PicturePosition, ThatIsNotChosenIsNotInTheTags) {
+  const TempFolder folder;
+  Placed(folder, 31, 22, {0.5, 0, 0, -0.5, 1000, 2000}).Save(folder / "geo.tif");
+  // Only the tags state it.
+  ASSERT_TRUE(std::filesystem::remove(folder / "geo.tfw"));
+  ASSERT_TRUE(Picture::Open(folder / "geo.tif").GetPlacement().affine.has_value());
+  for (const PositionFrom from : {PositionFrom::none, PositionFrom::worldFile}) {
+    for (const bool isCropped : {false, true}) {
+      SCOPED_TRACE(std::to_string(static_cast<int>(from)) + (isCropped ? " cropped" : ""));
+      OpenOptions options;
+      options.position.from = from;
+      Picture picture = Picture::Open(folder / "geo.tif", options);
+      if (isCropped) picture.Crop(CropStep{1, 1, 10, 10});
+      picture.Save(folder / "out.tif");
+      const Placement written = Picture::Open(folder / "out.tif").GetPlacement();
+      EXPECT_FALSE(written.affine.has_value());
+      EXPECT_TRUE(written.stated.empty());
+    }
+  }
+}
+
+/// The first of two positions counts: the tags follow the world file.
+TEST(PicturePosition, OfAWorldFileReplacesThatOfTheTags) {
+  const TempFolder folder;
+  Placed(folder, 31, 22, {0.5, 0, 0, -0.5, 1000, 2000}).Save(folder / "geo.tif");
+  const Affine other{2, 0, 0, -2, 100, 200};
+  folder.Write("geo.tfw", WorldFileText(other));
+  Picture::Open(folder / "geo.tif").Save(folder / "out.tif");
+  OpenOptions tags;
+  tags.position.from = PositionFrom::tags;
+  EXPECT_EQ(Picture::Open(folder / "out.tif", tags).GetPlacement().affine, other);
+}
+
 TEST(PicturePosition, NorthUpMovesWholePixelsWhereItCan) {
   const TempFolder folder;
   // Columns run south, rows run east.
@@ -152,7 +187,7 @@ TEST(PicturePosition, NorthUpResamplesATurnedPicture) {
 TEST(PicturePosition, NorthUpNeedsAPosition) {
   Picture picture = Picture::Of(std::make_unique<TBitmap>(NumberedRaster(5, 5)));
   EXPECT_THROW(picture.Apply(NorthUpStep{}), RangeError);
-  EXPECT_THROW(picture.Crop(MapRect{0, 0, 1, 1}), RangeError);
+  EXPECT_THROW(picture.CropToMap(MapRect{0, 0, 1, 1}), RangeError);
 }
 
 TEST(PicturePosition, MapRectanglesGoToTheNearestCorners) {

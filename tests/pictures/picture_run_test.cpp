@@ -1,14 +1,17 @@
 #include <atomic>
 #include <chrono>
+#include <ctime>
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_share.h>
 #include <rasterkit/runtime/memory/pixel_memory.h>
 
+#include "tests/support/sanitizers.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/test_pictures.h"
 
@@ -91,6 +94,59 @@ TEST(PictureRun, ThatIsCanceledLeavesNoFile) {
   TMemoryStream stream;
   EXPECT_THROW(picture.Save(stream, {}, run), CanceledError);
   EXPECT_EQ(picture.Bitmap()->Width(), 300);
+}
+
+/// Seconds that the thread has computed: what other programs do at the same time does not count.
+double ComputedBy(clockid_t clock) {
+  timespec time{};
+  EXPECT_EQ(clock_gettime(clock, &time), 0);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+/// Saves and lets another thread cancel as soon as this progress is reached; returns the seconds
+/// that the call computed afterwards.
+double SecondsToCancel(const Picture& picture, const std::string& target, double from) {
+  clockid_t clock{};
+  EXPECT_EQ(pthread_getcpuclockid(pthread_self(), &clock), 0);
+  std::stop_source stop;
+  std::atomic<bool> isDue = false;
+  double requested = 0;
+  std::jthread other([&] {
+    isDue.wait(false);
+    requested = ComputedBy(clock);
+    stop.request_stop();
+  });
+  rasterkit::Run run;
+  run.threads = 1;
+  run.cancel = stop.get_token();
+  run.progress = [&](double value) {
+    if (value < from || isDue.exchange(true)) return;
+    isDue.notify_one();
+  };
+  EXPECT_THROW(picture.Save(target, {}, run), CanceledError) << target << " " << from;
+  const double ended = ComputedBy(clock);
+  isDue = true;
+  isDue.notify_one();
+  other.join();
+  return ended - requested;
+}
+
+TEST(PictureRun, OfALargePictureEndsWithin100Milliseconds) {
+  if (test::IsSanitized()) GTEST_SKIP() << "a sanitizer makes everything slower";
+  const TempFolder folder;
+  // So large that the other thread cancels before the work is done.
+  for (const char* name : {"a.jpg", "a.png", "a.tif"}) {
+    const std::string file = Written(folder, name, 6000, 5000);
+    Picture resized = Picture::Open(file);
+    resized.Rotate(10).Resize(5000, 5000);
+    const std::vector<std::string> before = folder.Names();
+    for (const double from : {0.0, 0.3, 0.6}) {
+      EXPECT_LT(SecondsToCancel(resized, folder / "b.png", from), 0.1) << name << " " << from;
+    }
+    // Pixels that are copied are decoded first.
+    EXPECT_LT(SecondsToCancel(Picture::Open(file), folder / name, 0), 0.1) << name;
+    EXPECT_EQ(folder.Names(), before);
+  }
 }
 
 TEST(PictureRun, KeepsTheLimitsOfTheCall) {

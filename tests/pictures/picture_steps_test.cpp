@@ -8,6 +8,7 @@
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/support/same_pixels.h"
+#include "tests/support/temp_folder.h"
 #include "tests/support/test_pictures.h"
 
 /// What a picture says about itself before a pixel is read is what the pixels then are.
@@ -90,6 +91,19 @@ void ExpectForetold(Picture picture, const NamedStep& step, const std::string& s
   EXPECT_EQ(numbers.Width(), picture.Width());
   EXPECT_EQ(numbers.Height(), picture.Height());
   EXPECT_EQ(KindOf(numbers.Layout()), KindOf(picture.Layout()));
+}
+
+/// The example of the class.
+TEST(PictureSteps, AreChained) {
+  const test::TempFolder folder;
+  const std::string file = folder / "photo.jpg";
+  Picture::Of(std::make_unique<TBitmap>(test::GradientRaster(pf24bit, 1000, 700))).Save(file);
+  Picture photo = Picture::Open(file);
+  photo.Crop({100, 0, 800, 600}).Resize(400, 300);
+  const Report report = photo.Save(folder / "part.jpg");
+  EXPECT_EQ(report.width, 400);
+  EXPECT_EQ(report.height, 300);
+  EXPECT_EQ(Picture::Open(folder / "part.jpg").Width(), 400);
 }
 
 TEST(PictureStep, ForetellsSidesAndKindOfRasters) {

@@ -56,6 +56,22 @@ TEST_F(RandomAffines, AfterIsOneAfterTheOther) {
   }
 }
 
+TEST_F(RandomAffines, AfterATurnBackIsStraight) {
+  for (int i = 0; i < 1000; ++i) {
+    const Affine turned = Turned();
+    const Affine straight{Number(0.01, 100), 0, 0, -Number(0.01, 100), turned.x, turned.y};
+    const auto toOld = turned.Inverse();
+    ASSERT_TRUE(toOld);
+    EXPECT_TRUE(turned.After(toOld->After(straight)).IsStraight()) << "seed " << seed_;
+  }
+}
+
+TEST(Affine, AfterKeepsASmallTurn) {
+  const Affine turned{1, 1e-12, -1e-12, 1, 0, 0};
+  EXPECT_EQ(turned.After({2, 0, 0, 2, 0, 0}).yPerColumn, 2e-12);
+  EXPECT_EQ(turned.After({1, 1e-12, 0, 1, 0, 0}).yPerColumn, 2e-12);
+}
+
 TEST_F(RandomAffines, AfterTheInverseIsNoMove) {
   for (int i = 0; i < 1000; ++i) {
     const Affine affine = Turned();

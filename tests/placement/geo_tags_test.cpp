@@ -144,5 +144,24 @@ TEST(GeoTags, ComeBack) {
   }
 }
 
+TEST(GeoTags, TextWithACodeGivesKeys) {
+  const auto keysOf = [](const std::string& wkt) {
+    Placement placement;
+    placement.affine = Affine{2, 0, 0, -2, 1000, 2000};
+    placement.system.wkt = wkt;
+    return Read(TagsOf(placement)).system.keys;
+  };
+  using testing::ElementsAre;
+  EXPECT_THAT(keysOf("PROJCS[\"a\",GEOGCS[\"b\",AUTHORITY[\"EPSG\",\"4258\"]],"
+                     "AUTHORITY[\"EPSG\",\"25832\"]]"),
+              ElementsAre(1, 1, 0, 3, 1024, 0, 1, 1, 1025, 0, 1, 1, 3072, 0, 1, 25832));
+  EXPECT_THAT(keysOf("GEOGCRS[\"b\",ID[\"EPSG\",4326]]"),
+              ElementsAre(1, 1, 0, 3, 1024, 0, 1, 2, 1025, 0, 1, 1, 2048, 0, 1, 4326));
+  for (const char* wkt : {"PROJCS[\"a\"]", "COMPD_CS[\"a\",AUTHORITY[\"EPSG\",\"7415\"]]",
+                          "PROJCS[\"a\",AUTHORITY[\"EPSG\",\"90000\"]]", ""}) {
+    EXPECT_THAT(keysOf(wkt), testing::IsEmpty()) << wkt;
+  }
+}
+
 }  // namespace
 }  // namespace rasterkit::test

@@ -35,8 +35,8 @@ Placement Read(const std::string& file, const std::vector<TagValue>& tags = {},
 
 TEST(ReadPlacement, FindsAWorldFileUnderEveryName) {
   const std::pair<const char*, std::vector<const char*>> cases[] = {
-      {"a.tif", {"a.tfw", "a.TFW", "a.tifw", "a.TIFW", "a.wld", "a.WLD"}},
-      {"a.tiff", {"a.tfw", "a.tiffw"}},
+      {"a.tif", {"a.tfw", "a.TFW", "a.tifw", "a.TIFW", "a.wld", "a.WLD", "a.Tfw"}},
+      {"a.tiff", {"a.tfw", "a.tiffw", "a.tiffW", "a.Wld"}},
       {"a.jpg", {"a.jgw", "a.jpgw", "a.wld"}},
       {"a.jpeg", {"a.jgw", "a.JGW", "a.jpegw"}},
       {"a.png", {"a.pgw", "a.pngw", "a.PNGW"}},

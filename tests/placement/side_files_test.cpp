@@ -17,6 +17,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 const Affine kNew{2, 0, 0, -2, 1000, 2000}, kOther{1, 0, 0, -1, 5, 6};
 constexpr const char* kWkt = "PROJCS[\"Grid\"]";
@@ -113,9 +114,8 @@ TEST_F(SideFilesTest, OldWorldFilesAreReplacedOrRefuse) {
     }
     wish.mayReplace = true;
     Save(wish, Placed());
-    EXPECT_THAT(folder_.Names(), ElementsAre("a.tfw", "a.tif")) << name;
-    EXPECT_EQ(Text("a.tfw"), WorldFileText(kNew));
-    std::filesystem::remove(folder_ / "a.tfw");
+    EXPECT_THAT(folder_.Names(), UnorderedElementsAre(name, "a.tif")) << name;
+    EXPECT_EQ(Text(name), WorldFileText(kNew));
     folder_.Write(name, WorldFileText(kOther));
     wish.writesWorldFile = false;
     wish.hasTags = true;
@@ -358,6 +358,88 @@ TEST_F(SideFilesTest, BackupNamesThatAreTakenStay) {
   Save(wish, Placed());
   EXPECT_EQ(Text("a.tfw.bak"), "mine");
   EXPECT_THAT(folder_.Names(), ElementsAre("a.tfw", "a.tfw.bak", "a.tif"));
+}
+
+TEST_F(SideFilesTest, NameInUseIsRewritten) {
+  for (const char* name : {"U.JGW", "U.Jgw", "U.JPEGw", "U.WLD", "U.Wld"}) {
+    TempFolder folder;
+    folder.Write("U.JPEG", "old");
+    folder.Write(name, WorldFileText(kOther));
+    SideFileWish wish = Wish("");
+    wish.target = wish.source = folder / "U.JPEG";
+    wish.mayReplace = wish.writesWorldFile = true;
+    Save(wish, Placed());
+    EXPECT_THAT(folder.Names(), UnorderedElementsAre("U.JPEG", name));
+    EXPECT_EQ(ReadFile(folder / name), WorldFileText(kNew)) << name;
+    // The same position once more: nothing is added.
+    Save(wish, Placed());
+    EXPECT_THAT(folder.Names(), UnorderedElementsAre("U.JPEG", name));
+    EXPECT_THAT(plans_, IsEmpty()) << name;
+  }
+}
+
+TEST_F(SideFilesTest, NameInUseMustCountBeforeASharedFile) {
+  folder_.Write("plan.png", "input");
+  folder_.Write("plan.wld", WorldFileText(kOther));
+  folder_.Write("plan.tifw", WorldFileText(kOther));
+  SideFileWish wish = Wish("plan.tif");
+  wish.mayReplace = wish.hasTags = true;
+  Save(wish, Placed());
+  EXPECT_EQ(Text("plan.tifw"), WorldFileText(kNew));
+  EXPECT_EQ(Text("plan.wld"), WorldFileText(kOther));
+  EXPECT_THAT(folder_.Names(), ElementsAre("plan.png", "plan.tif", "plan.tifw", "plan.wld"));
+}
+
+TEST_F(SideFilesTest, WorldFileThatCannotBeReadKeepsABackupName) {
+  folder_.Write("bad.png", "old");
+  folder_.Write("bad.pgw", "1,5\n0\n0\n-1,5\n1\n2\n");
+  folder_.Write("bad.pgw.bak", "mine");
+  SideFileWish wish = Wish("bad.png", "bad.png");
+  wish.mayReplace = true;
+  Save(wish, Placement());
+  EXPECT_THAT(folder_.Names(), ElementsAre("bad.pgw.bak", "bad.pgw.bak1", "bad.png"));
+  EXPECT_EQ(Text("bad.pgw.bak1"), "1,5\n0\n0\n-1,5\n1\n2\n");
+  EXPECT_EQ(Text("bad.pgw.bak"), "mine");
+  EXPECT_THAT(plans_, ElementsAre("gives a backup name to bad.pgw"));
+  EXPECT_THAT(changes_.notes, ElementsAre(HasSubstr("backup name")));
+  // A position of other origin takes the name.
+  folder_.Write("bad.pgw", "nothing");
+  wish.writesWorldFile = wish.hasSamePixels = true;
+  Save(wish, Placed());
+  EXPECT_EQ(Text("bad.pgw"), WorldFileText(kNew));
+  EXPECT_EQ(Text("bad.pgw.bak2"), "nothing");
+}
+
+TEST_F(SideFilesTest, AuxXmlThatIsCarriedIsNoLoss) {
+  const std::string srs = "<SRS>PROJCS[\"Grid\"]</SRS>";
+  const std::string transform = "<GeoTransform>999, 2, 0, 2001, 0, -2</GeoTransform>";
+  folder_.Write("a.png", "input");
+  Placement placement = Placed();
+  placement.system.wkt = kWkt;
+  placement.stated = {{PositionSource::auxXml, folder_ / "a.png.aux.xml", kNew, 0}};
+  SideFileWish wish = Wish("b.tif", "a.png");
+  wish.hasTags = true;
+  const auto why = [&](const std::string& inner) {
+    folder_.Write("a.png.aux.xml", "<PAMDataset>" + inner + "</PAMDataset>");
+    Save(wish, placement);
+    return changes_.losses.empty() ? "" : changes_.losses[0].why;
+  };
+  EXPECT_EQ(why(srs + transform), "");
+  EXPECT_EQ(Text("b.prj"), kWkt);
+  EXPECT_EQ(why(srs + transform + "<Metadata><MDI key=\"a\">b</MDI></Metadata>"),
+            "not kept: Metadata");
+  EXPECT_EQ(why(transform + "<PAMRasterBand><NoDataValue>5</NoDataValue><Histograms/>"
+                            "</PAMRasterBand>"),
+            "not kept: Histograms, its values for no data");
+  EXPECT_EQ(why("<GCPList><GCP Pixel=\"1\" Line=\"1\" X=\"1\" Y=\"1\"/></GCPList>"),
+            "not kept: its control points");
+  EXPECT_EQ(why("<SRS>PROJCS[\"Other\"]</SRS>"), "not kept: its coordinate system");
+  placement.stated[0].difference = 3;
+  EXPECT_EQ(why(transform), "not kept: its position");
+  folder_.Write("a.png.aux.xml", "<PAMDataset>");
+  Save(wish, placement);
+  ASSERT_EQ(changes_.losses.size(), 1u);
+  EXPECT_EQ(changes_.losses[0].why, "it cannot be read");
 }
 
 TEST_F(SideFilesTest, LinkedWorldFileIsReplacedAndItsTargetStays) {

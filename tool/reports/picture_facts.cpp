@@ -5,7 +5,7 @@
 #include <new>
 #include <span>
 
-#include <fmt/core.h>
+#include <fmt/format.h>
 
 #include <rasterkit/codecs/isolated_input.h>
 #include <rasterkit/codecs/isolated_pixels.h>
@@ -212,16 +212,50 @@ void TakePdfFacts(PictureFacts& facts) {
       ProblemOf(facts.file, [&] { facts.pdf = GatherPdfFacts(facts.file, facts.warnings); });
 }
 
-void Verify(PictureFacts& facts) {
-  LoadedFrame loaded;
-  facts.error = ProblemOf(facts.file, [&] { LoadForFacts(loaded, facts.file); });
-  facts.verified = facts.error.empty();
-  for (const std::string& warning : loaded.warnings) {
-    const auto& known = facts.warnings;
-    if (std::find(known.begin(), known.end(), warning) == known.end()) {
-      facts.warnings.push_back(warning);
-    }
+void DecodeStream(TStream& stream, CodecReport& report) {
+  const PictureType type = SniffPictureType(stream);
+  stream.SetPosition(0);
+  static_cast<void>(DecodePixels(stream, type, {}, &report));
+}
+
+/// Decodes the pixels of a picture that is not drawn, and throws them away.
+void DecodeForFacts(const std::string& file, CodecReport& report) {
+  const InterruptibleInput waiting(file);
+  if (ReadingIsolation() == Isolation::process) {
+    detail::DecodePixelsIsolated(detail::OpenForWorker(file), 1, &report,
+                                 ContinueUnlessInterrupted);
+    return;
   }
+  TFileStream stream(file);
+  if (stream.Size() > 0) return DecodeStream(stream, report);
+  TMemoryStream memory(ReadUnsizedPicture(stream));
+  DecodeStream(memory, report);
+}
+
+/// Decoders say in this way how much of the data is there.
+bool IsDamage(const std::string& warning) {
+  return warning.ends_with(" rows are complete");
+}
+
+void Verify(PictureFacts& facts) {
+  CodecReport report;
+  facts.error = ProblemOf(facts.file, [&] {
+    if (!facts.metafile) return DecodeForFacts(facts.file, report);
+    LoadedFrame loaded;
+    LoadForFacts(loaded, facts.file);
+    report.warnings = loaded.warnings;
+  });
+  const auto add = [](std::vector<std::string>& texts, const std::string& text) {
+    if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
+  };
+  for (const std::string& warning : report.warnings) {
+    add(facts.warnings, warning);
+    if (IsDamage(warning)) add(facts.damage, warning);
+  }
+  if (facts.error.empty() && !facts.damage.empty()) {
+    facts.error = fmt::format("the pixels are damaged: {}", fmt::join(facts.damage, "; "));
+  }
+  facts.verified = facts.error.empty();
 }
 
 }  // namespace

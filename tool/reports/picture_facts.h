@@ -18,12 +18,14 @@ namespace rasterkit::tool {
 /// Everything that `info` prints about a file.
 struct PictureFacts {
   std::string file;
-  /// Empty if the header could be read, and the pixels if they were decoded.
+  /// Empty if the header could be read, and all pixels if they were decoded.
   std::string error;
   /// False if the header could not be read.
   bool isKnown = false;
-  /// Whether the pixels could be decoded; nothing if that was not tried.
+  /// Whether all pixels could be decoded; nothing if that was not tried.
   std::optional<bool> verified;
+  /// What of the pixels is missing or broken; found only by decoding.
+  std::vector<std::string> damage;
   std::vector<std::string> warnings;
   /// Detected from the content: "bmp", "jpeg" and so on; "unknown" for any other content, empty if
   /// the file could not be opened.

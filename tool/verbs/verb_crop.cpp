@@ -30,7 +30,7 @@ void CropTo(const CropStep& part, PictureWork& work) {
 
 /// Says which pixels the map rectangle was rounded to.
 void CropOnMap(const std::string& typed, PictureWork& work) {
-  work.picture.Crop(ParseMapRect(typed).value());
+  work.picture.CropToMap(ParseMapRect(typed).value());
   const auto* const part = std::get_if<CropStep>(&work.picture.Steps().back());
   if (part == nullptr) return;
   work.notes.push_back(fmt::format("the rectangle on the map is {},{},{},{} in pixels", part->left,

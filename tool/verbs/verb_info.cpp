@@ -54,7 +54,10 @@ Json FactsJson(const PictureFacts& facts) {
   line.Add("schema", 1);
   line.Add("file", facts.file);
   line.Add("ok", facts.isKnown || facts.pdf.has_value());
-  if (facts.verified) line.Add("verified", *facts.verified);
+  if (facts.verified) {
+    line.Add("verified", *facts.verified);
+    line.Add("damage", facts.damage);
+  }
   line.Add("error", TextOrNull(facts.error));
   line.Add("type", TextOrNull(facts.type));
   line.Add("width", IfRead(facts, facts.width));
@@ -166,6 +169,7 @@ void PrintText(const PictureFacts& facts) {
   PrintLooseTiePoints(facts);
   if (!facts.metadata.empty()) fmt::print("  metadata: {}\n", fmt::join(facts.metadata, ", "));
   if (facts.verified == true) fmt::print("  the pixels can be read\n");
+  if (!facts.damage.empty()) fmt::print("  the pixels are damaged\n");
 }
 
 void PrintFacts(const PictureFacts& facts, bool json) {

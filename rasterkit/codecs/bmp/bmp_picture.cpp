@@ -11,7 +11,7 @@
 #include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/metadata/exif_block.h>
-#include <rasterkit/metadata/png/png_chunks.h>
+#include <rasterkit/metadata/foreign_blocks.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
@@ -129,12 +129,8 @@ void LoseMetadata(const Metadata& metadata, Changes& changes) {
   lose(!metadata.texts.empty(), LossKind::text, count(metadata.texts.size(), "text", "texts"));
   lose(!metadata.jpegSegments.empty(), LossKind::otherBlock,
        count(metadata.jpegSegments.size(), "other JPEG segment", "other JPEG segments"));
-  const auto chunks = static_cast<size_t>(
-      std::count_if(metadata.pngChunks.begin(), metadata.pngChunks.end(),
-                    [](const OtherBlock& chunk) { return !StatesPlainSrgb(chunk); }));
-  lose(chunks > 0, LossKind::otherBlock, count(chunks, "other PNG chunk", "other PNG chunks"));
-  lose(!metadata.tiffTags.empty(), LossKind::otherBlock,
-       count(metadata.tiffTags.size(), "TIFF tag", "TIFF tags"));
+  LosePngChunks(metadata, "a BMP file", changes);
+  LoseTiffTags(metadata, "a BMP file", changes);
 }
 
 /// The kind of pixels of the file that the encoder writes.

@@ -171,9 +171,8 @@ void ReadBmpRle(TStream& stream, const BmpHeader& header, Raster& raster, CodecR
   RleReader reader(stream, header, raster);
   reader.Read();
   if (!reader.IsComplete()) {
-    report.warnings.emplace_back("BMP: premature end of data, " +
-                                 std::to_string(reader.RowsThere()) + " of " +
-                                 std::to_string(header.height) + " rows are complete");
+    report.AddDamage("BMP: premature end of data, " + std::to_string(reader.RowsThere()) + " of " +
+                     std::to_string(header.height) + " rows are complete");
   }
   if (reader.WasCut()) report.warnings.emplace_back("BMP: runs beyond the picture were dropped");
 }

@@ -147,8 +147,8 @@ void ReadBmpRows(TStream& stream, const BmpHeader& header, const BmpRowRules& ru
   const int there = RowReader(stream, header, rules, raster).Read();
   raster.ClearPadding();
   if (there < header.height) {
-    report.warnings.push_back("BMP: premature end of data, " + std::to_string(there) + " of " +
-                              std::to_string(header.height) + " rows are complete");
+    report.AddDamage("BMP: premature end of data, " + std::to_string(there) + " of " +
+                     std::to_string(header.height) + " rows are complete");
   }
 }
 

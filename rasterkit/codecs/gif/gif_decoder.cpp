@@ -194,7 +194,7 @@ Raster DecodeGif(std::span<const uint8_t> bytes, CodecReport* report) {
   raster.ClearPadding();
 
   if (count < order.size()) {
-    noticed.warnings.push_back(
+    noticed.AddDamage(
         reader.IsCutOff()
             ? fmt::format("GIF: the data end early, {} of {} rows are complete", count,
                           order.size())
@@ -205,10 +205,7 @@ Raster DecodeGif(std::span<const uint8_t> bytes, CodecReport* report) {
   if (raster.transparentColor && IsColorShownElsewhere(raster, *transparent)) {
     noticed.warnings.emplace_back("GIF: opaque pixels of the transparent color become transparent");
   }
-  if (report) {
-    std::move(noticed.warnings.begin(), noticed.warnings.end(),
-              std::back_inserter(report->warnings));
-  }
+  if (report) report->Append(noticed);
   return raster;
 }
 

@@ -182,14 +182,14 @@ void ReportEnd(const JpegReader& reader, const JpegLayout& layout, CodecReport& 
   errors.CopyTo(report);
   const jpeg_decompress_struct& codec = reader.Codec();
   if (layout.cutOff) {
-    report.warnings.emplace_back("JPEG: the file is cut off, its last scans are missing");
+    report.AddDamage("JPEG: the file is cut off, its last scans are missing");
   }
   if (!errors.dataEnded || (layout.manyScans && !errors.endedInFirstScan)) return;
   const uint64_t whole =
       uint64_t{errors.endedInRow} * static_cast<uint64_t>(codec.max_v_samp_factor) * DCTSIZE;
-  report.warnings.push_back(fmt::format("JPEG: the data end early, {} of {} rows are complete",
-                                        std::min<uint64_t>(whole, codec.output_height),
-                                        codec.output_height));
+  report.AddDamage(fmt::format("JPEG: the data end early, {} of {} rows are complete",
+                               std::min<uint64_t>(whole, codec.output_height),
+                               codec.output_height));
 }
 
 /// Checks the memory and time for the picture before anything of its size is allocated.
@@ -279,10 +279,7 @@ Pixels Decode(Bytes bytes, bool keepsInks, CodecReport* report) {
     std::get<Raster>(pixels).profile = ProfileOf(layout, noticed);
   }
   ReportEnd(reader, layout, noticed);
-  if (report) {
-    std::move(noticed.warnings.begin(), noticed.warnings.end(),
-              std::back_inserter(report->warnings));
-  }
+  if (report) report->Append(noticed);
   return pixels;
 }
 

@@ -1,4 +1,5 @@
 #include <cstring>
+#include <utility>
 
 #include <jerror.h>
 
@@ -20,6 +21,13 @@ bool IsDataDamage(int code) {
          code == JWRN_BOGUS_PROGRESSION;
 }
 
+/// Compressed data that no pixel needed: the codes before them were wrong. Bytes between the
+/// markers of the header are none.
+bool IsLeftOver(j_common_ptr codec, const jpeg_error_mgr& message) {
+  if (message.msg_code != JWRN_EXTRANEOUS_DATA || !codec->is_decompressor) return false;
+  return reinterpret_cast<j_decompress_ptr>(codec)->input_scan_number > 0;
+}
+
 }  // namespace
 
 jpeg_error_mgr* JpegErrors::Install() {
@@ -39,6 +47,7 @@ void JpegErrors::OnFatal(j_common_ptr codec) {
 void JpegErrors::OnMessage(j_common_ptr codec, int level) {
   if (level >= 0) return;  // trace texts
   JpegErrors& errors = ErrorsOf(codec);
+  const bool isDamage = IsDataDamage(errors.base_.msg_code) || IsLeftOver(codec, errors.base_);
   errors.damaged = errors.damaged || IsDataDamage(errors.base_.msg_code);
   if (errors.base_.msg_code == JWRN_HIT_MARKER && codec->is_decompressor) {
     const auto decoder = reinterpret_cast<j_decompress_ptr>(codec);
@@ -54,6 +63,7 @@ void JpegErrors::OnMessage(j_common_ptr codec, int level) {
   for (int i = 0; i < errors.warningCount_; i++) {
     if (std::strcmp(errors.warnings_[i], text) == 0) return;
   }
+  errors.isDamage_[errors.warningCount_] = isDamage;
   errors.warningCount_++;
 }
 
@@ -99,7 +109,12 @@ void JpegErrors::Throw() const {
 
 void JpegErrors::CopyTo(CodecReport& report) const {
   for (int i = 0; i < warningCount_; i++) {
-    report.warnings.push_back(std::string("JPEG: ") + warnings_[i]);
+    std::string text = std::string("JPEG: ") + warnings_[i];
+    if (isDamage_[i]) {
+      report.AddDamage(std::move(text));
+    } else {
+      report.warnings.push_back(std::move(text));
+    }
   }
 }
 

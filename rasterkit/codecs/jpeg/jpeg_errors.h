@@ -56,6 +56,7 @@ class JpegErrors {
   char message_[JMSG_LENGTH_MAX] = "";
   bool limit_ = false, timeLimit_ = false;
   char warnings_[kKeptWarnings][JMSG_LENGTH_MAX] = {};
+  bool isDamage_[kKeptWarnings] = {};
   int warningCount_ = 0;
 };
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -92,11 +93,31 @@ void SetChroma(std::vector<Component>& components, int x, int y) {
   }
 }
 
+/// Pixels across and down that share one chroma sample in a source with other components (four
+/// inks); nothing without such a source. Gray has no chroma to go by.
+std::optional<std::pair<int, int>> ChromaOfSource(const JpegForm* form) {
+  constexpr size_t kColors = 3;
+  if (form == nullptr || form->components.size() < kColors) return std::nullopt;
+  int mostH = 1, mostV = 1;
+  for (const Component& component : form->components) {
+    mostH = std::max(mostH, component.h);
+    mostV = std::max(mostV, component.v);
+  }
+  const Component& first = form->components[1];
+  const Component& second = form->components[2];
+  const int leastH = std::clamp(std::min(first.h, second.h), 1, mostH);
+  const int leastV = std::clamp(std::min(first.v, second.v), 1, mostV);
+  return std::pair{mostH / leastH, mostV / leastV};
+}
+
 void ChooseSampling(JpegPlan& plan, bool isOfSource, const PictureWriting& writing,
                     Changes& changes) {
   const bool isGiven = writing.chromaX > 0 && writing.chromaY > 0;
+  const auto ofSource = ChromaOfSource(std::get_if<JpegForm>(&writing.form));
   if (plan.hasChroma && isGiven) {
     SetChroma(plan.components, writing.chromaX, writing.chromaY);
+  } else if (plan.hasChroma && !isOfSource && ofSource) {
+    SetChroma(plan.components, ofSource->first, ofSource->second);
   } else if (plan.hasChroma && !isOfSource && plan.quality <= kHalvedUpTo) {
     SetChroma(plan.components, 2, 2);
     changes.Lose(LossKind::chroma, "half of the color resolution in both directions",

@@ -48,4 +48,18 @@ std::vector<std::string> ReadWarnings(FieldReader& fields) {
                      [&] { return fields.ByteText(kMostWarningBytes); });
 }
 
+void WriteReport(FieldWriter& fields, const CodecReport& report) {
+  const auto& [warnings, damage] = report;
+  WriteWarnings(fields, warnings);
+  WriteWarnings(fields, damage);
+}
+
+CodecReport ReadReport(FieldReader& fields) {
+  CodecReport report;
+  auto& [warnings, damage] = report;
+  warnings = ReadWarnings(fields);
+  damage = ReadWarnings(fields);
+  return report;
+}
+
 }  // namespace rasterkit::detail

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <rasterkit/codecs/messages/raster_fields.h>
+#include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/rows/imaging_frame.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/worker/fields.h>
@@ -29,5 +30,9 @@ RASTERKIT_EXPORT ImagingFrame NewFrame(const FrameHead& head, uint64_t rowsBytes
 /// Warnings, which may have invalid UTF-8 from a file. The first 1,000 are written.
 RASTERKIT_EXPORT void WriteWarnings(FieldWriter& fields, const std::vector<std::string>& warnings);
 RASTERKIT_EXPORT std::vector<std::string> ReadWarnings(FieldReader& fields);
+
+/// All that a decoder noticed; of each list the first 1,000 texts.
+RASTERKIT_EXPORT void WriteReport(FieldWriter& fields, const CodecReport& report);
+RASTERKIT_EXPORT CodecReport ReadReport(FieldReader& fields);
 
 }  // namespace rasterkit::detail

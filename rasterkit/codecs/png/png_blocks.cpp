@@ -9,6 +9,7 @@
 #include <rasterkit/codecs/png/png_header.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/stated_facts.h>
+#include <rasterkit/metadata/foreign_blocks.h>
 #include <rasterkit/metadata/png/png_raw_profiles.h>
 #include <rasterkit/metadata/png/png_texts.h>
 #include <rasterkit/metadata/xmp/xmp_join.h>
@@ -21,7 +22,7 @@ namespace {
 using Bytes = std::span<const uint8_t>;
 
 constexpr uint32_t kPhysical = PngKind("pHYs"), kSignificant = PngKind("sBIT");
-constexpr uint32_t kBackground = PngKind("bKGD");
+constexpr uint32_t kBackground = PngKind("bKGD"), kHistogram = PngKind("hIST");
 
 void PutLong(std::vector<uint8_t>& bytes, uint32_t value) {
   for (int shift = 24; shift >= 0; shift -= 8) {
@@ -57,6 +58,18 @@ bool HoldsBackground(const OtherBlock& chunk, const PngBlockRules& rules) {
     if (value >= 1 << rules.form.bits) return false;
   }
   return true;
+}
+
+/// No such chunk is a loss: it only helps programs that show the picture.
+const char* WhyLeftOut(uint32_t kind) {
+  if (kind == kBackground) {
+    return "the background color (bKGD) is not written: the new kind of pixels does not have it";
+  }
+  if (kind == kSignificant) {
+    return "the number of significant bits (sBIT) is not written: it describes another kind of "
+           "pixels";
+  }
+  return "the histogram of the palette (hIST) is not written: it counts the old pixels";
 }
 
 class BlockMaker {
@@ -160,6 +173,8 @@ bool BlockMaker::Holds(const OtherBlock& chunk) const {
   if (rules_.isCopy) return true;
   if (chunk.kind == kSignificant) return HoldsBits(chunk, rules_.form);
   if (chunk.kind == kBackground) return HoldsBackground(chunk, rules_);
+  // It counts the old pixels.
+  if (chunk.kind == kHistogram) return false;
   return true;
 }
 
@@ -168,10 +183,7 @@ void BlockMaker::AddOthers() {
     // A shape of pixels without a unit, beside a resolution.
     if (chunk.kind == kPhysical && metadata_.resolution.IsKnown()) continue;
     if (!Holds(chunk)) {
-      if (chunk.kind == kBackground) {
-        changes_.Lose(LossKind::otherBlock, "background color (bKGD)",
-                      "the new kind of pixels does not have it");
-      }
+      changes_.Note(WhyLeftOut(chunk.kind));
       continue;
     }
     auto& place = chunk.isBehindPixels             ? blocks_.behindPixels
@@ -182,17 +194,13 @@ void BlockMaker::AddOthers() {
 }
 
 void BlockMaker::NameLosses() {
-  constexpr const char* kNoPlace = "a PNG file has no place for it";
   for (const OtherBlock& segment : metadata_.jpegSegments) {
     changes_.Lose(
         LossKind::otherBlock,
         fmt::format("JPEG segment APP{} of {} bytes", segment.kind & 15, segment.bytes.size()),
-        kNoPlace);
+        "a PNG file has no place for it");
   }
-  if (!metadata_.tiffTags.empty()) {
-    changes_.Lose(LossKind::otherBlock, fmt::format("{} TIFF tags", metadata_.tiffTags.size()),
-                  "a PNG file has no place for them");
-  }
+  LoseTiffTags(metadata_, "a PNG file", changes_);
 }
 
 PngBlocks BlockMaker::Make() {

@@ -124,10 +124,7 @@ Raster DecodePng(Bytes bytes, CodecReport* report) {
   raster.ClearPadding();
 
   detail::NotePngDamage(reader, header, missing, noticed);
-  if (report) {
-    std::move(noticed.warnings.begin(), noticed.warnings.end(),
-              std::back_inserter(report->warnings));
-  }
+  if (report) report->Append(noticed);
   return raster;
 }
 

@@ -112,6 +112,7 @@ int DecodePngRows(PngReader& reader, const PngFacts& facts,
   if (whole) return height;
   const bool endedEarly = reader.RanDry() || reader.Errors().MessageIs("Not enough image data");
   if (!endedEarly || (at.pass == 0 && at.y == 0)) reader.Errors().Throw();
+  reader.NoteEndOfRows();
   return at.pass == 0 ? at.y : height;
 }
 
@@ -125,8 +126,10 @@ void NotePngDamage(const PngReader& reader, const PngFacts& facts, int missing,
                    CodecReport& report) {
   const auto height = static_cast<int>(facts.height);
   if (missing < height) {
-    report.warnings.push_back(
+    report.AddDamage(
         fmt::format("PNG: the data end early, {} of {} rows are complete", missing, height));
+  } else if (reader.RowsEnded()) {
+    report.AddDamage("PNG: the data end early, later passes are missing");
   } else if (reader.RanDry()) {
     report.warnings.emplace_back("PNG: the file is cut off");
   }

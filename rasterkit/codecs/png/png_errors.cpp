@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include <rasterkit/codecs/png/png_errors.h>
 #include <rasterkit/runtime/errors.h>
@@ -42,7 +43,13 @@ bool PngErrors::MessageIs(const char* text) const {
 
 void PngErrors::CopyTo(CodecReport& report) const {
   for (int i = 0; i < warningCount_; i++) {
-    report.warnings.push_back(std::string("PNG: ") + warnings_[i]);
+    std::string text = std::string("PNG: ") + warnings_[i];
+    // Without this chunk the pixels lose their opacities.
+    if (text.starts_with("PNG: tRNS")) {
+      report.AddDamage(std::move(text));
+    } else {
+      report.warnings.push_back(std::move(text));
+    }
   }
 }
 

@@ -256,9 +256,9 @@ PixelLayout PngLayout(const PngSize& size) {
 }
 
 bool IsKeptPngChunk(const PngChunk& chunk) {
-  static constexpr std::array kKept = {PngKind("gAMA"), PngKind("cHRM"), PngKind("sRGB"),
-                                       PngKind("cICP"), PngKind("mDCV"), PngKind("cLLI"),
-                                       PngKind("sBIT"), PngKind("bKGD"), PngKind("tIME")};
+  static constexpr std::array kKept = {
+      PngKind("gAMA"), PngKind("cHRM"), PngKind("sRGB"), PngKind("cICP"), PngKind("mDCV"),
+      PngKind("cLLI"), PngKind("sBIT"), PngKind("bKGD"), PngKind("tIME"), PngKind("hIST")};
   if (std::find(kKept.begin(), kKept.end(), chunk.kind) != kKept.end()) return true;
   return IsAncillaryPng(chunk.kind) && IsSafeToCopyPng(chunk.kind) && !IsPngMetadata(chunk) &&
          !IsPngAnimation(chunk.kind);

@@ -28,7 +28,7 @@ PngSize ReadPngSize(std::span<const uint8_t> file);
 PixelLayout PngLayout(const PngSize& size);
 
 /// True if ReadPngHeader keeps the chunk in Metadata::pngChunks: descriptions of the colors, the
-/// background, the time of change, and all unknown chunks that are safe to copy.
+/// background, the time of change, the histogram, and all unknown chunks that are safe to copy.
 bool IsKeptPngChunk(const PngChunk& chunk);
 
 /// True for chunks that ReadPngHeader puts to their own places in Metadata.

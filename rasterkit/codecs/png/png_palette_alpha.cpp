@@ -67,10 +67,7 @@ Raster DecodePaletteAlpha(Bytes file, CodecReport* report) {
   if (missing == raster.Height() && !reader.RanDry()) CheckPngEnd(reader);
   FillMissingRows(raster, missing);
   NotePngDamage(reader, facts, missing, noticed);
-  if (report) {
-    std::move(noticed.warnings.begin(), noticed.warnings.end(),
-              std::back_inserter(report->warnings));
-  }
+  if (report) report->Append(noticed);
   return raster;
 }
 

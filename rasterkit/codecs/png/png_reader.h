@@ -31,6 +31,9 @@ class PngReader {
   const PngErrors& Errors() const { return errors_; }
   /// True if the library needed more bytes than there are.
   bool RanDry() const { return ranDry_; }
+  /// Remembers that the data of the rows ended early.
+  void NoteEndOfRows() { rowsEnded_ = true; }
+  bool RowsEnded() const { return rowsEnded_; }
 
   /// Calls libpng in `body`; false if it failed, after which only queries are allowed.
   template <class Body>
@@ -56,7 +59,7 @@ class PngReader {
 
   std::span<const uint8_t> bytes_;
   size_t position_ = 0;
-  bool ranDry_ = false;
+  bool ranDry_ = false, rowsEnded_ = false;
   PngErrors errors_;
   png_structp png_ = nullptr;
   png_infop info_ = nullptr;

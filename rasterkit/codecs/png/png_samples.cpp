@@ -59,10 +59,7 @@ Samples DecodeWords(std::span<const uint8_t> file, CodecReport* report) {
     std::memset(samples.Row(y), 0xFF, samples.Stride());
   }
   detail::NotePngDamage(reader, facts, missing, noticed);
-  if (report) {
-    std::move(noticed.warnings.begin(), noticed.warnings.end(),
-              std::back_inserter(report->warnings));
-  }
+  if (report) report->Append(noticed);
   return samples;
 }
 

@@ -200,6 +200,11 @@ TiffOutcome OutcomeOf(const Job& job) {
   return outcome;
 }
 
+/// Notes of the decoder about blocks of which every pixel is there.
+bool IsHarmless(const std::string& note) {
+  return note.find("not terminated with EOI code") != std::string::npos;
+}
+
 }  // namespace
 
 TiffOutcome ReadTiffBlocks(TiffHandle& handle, const TiffLayout& layout, const TiffColors& colors,
@@ -232,7 +237,7 @@ void ReportOutcome(const TiffOutcome& outcome, uint32_t height, CodecReport& rep
     throw FormatError(
         "TIFF: " + (outcome.notes.empty() ? "nothing of the picture is there" : outcome.notes[0]));
   }
-  const auto warn = [&](const std::string& text) { report.warnings.push_back("TIFF: " + text); };
+  const auto warn = [&](const std::string& text) { report.AddDamage("TIFF: " + text); };
   if (outcome.damagedBlocks > 0) {
     warn(outcome.soundRows > 0
              ? fmt::format("the data are damaged or end early, {} of {} rows are complete",
@@ -240,7 +245,13 @@ void ReportOutcome(const TiffOutcome& outcome, uint32_t height, CodecReport& rep
              : fmt::format("{} of {} strips or tiles are damaged", outcome.damagedBlocks,
                            outcome.blocks));
   }
-  for (const std::string& note : outcome.notes) warn(note);
+  for (const std::string& note : outcome.notes) {
+    if (outcome.damagedBlocks == 0 && IsHarmless(note)) {
+      report.warnings.push_back("TIFF: " + note);
+    } else {
+      warn(note);
+    }
+  }
 }
 
 }  // namespace rasterkit::detail

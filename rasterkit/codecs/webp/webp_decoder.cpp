@@ -241,16 +241,13 @@ Raster DecodeWebp(Bytes bytes, CodecReport* report) {
   raster.profile = ProfileOf(bytes, noticed);
 
   if (outcome.rows < picture.height) {
-    noticed.warnings.push_back(fmt::format("WebP: the data {}, {} of {} rows are complete",
-                                           outcome.isDamaged ? "are damaged" : "end early",
-                                           outcome.rows, picture.height));
+    noticed.AddDamage(fmt::format("WebP: the data {}, {} of {} rows are complete",
+                                  outcome.isDamaged ? "are damaged" : "end early", outcome.rows,
+                                  picture.height));
   } else if (detail::IsWebpCutOff(bytes)) {
     noticed.warnings.emplace_back("WebP: the file is cut off");
   }
-  if (report) {
-    std::move(noticed.warnings.begin(), noticed.warnings.end(),
-              std::back_inserter(report->warnings));
-  }
+  if (report) report->Append(noticed);
   return raster;
 }
 

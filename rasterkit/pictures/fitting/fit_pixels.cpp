@@ -39,7 +39,7 @@ bool HoldsSamples(PictureType type, const PixelLayout& layout) {
       return true;
     case PictureType::png: {
       const bool isWhole = layout.type == NumberType::uint8 || layout.type == NumberType::uint16;
-      const bool isColor = layout.model == ColorModel::gray || layout.model == ColorModel::rgb ||
+      const bool isColor = IsGray(layout.model) || layout.model == ColorModel::rgb ||
                            layout.model == ColorModel::palette;
       return isWhole && isColor && layout.extraBands == 0 && layout.alpha != AlphaKind::associated;
     }

@@ -60,7 +60,7 @@ void PictureWorker::State::DecodeFrame(FieldReader& task, TStream& file) {
   ImagingFrame frame;
   const auto error = ErrorOf([&] { frame = rasterkit::DecodeFrame(file, options, &report); });
   FieldWriter answer;
-  WriteWarnings(answer, report.warnings);
+  WriteReport(answer, report);
   WriteOutcome(answer, error);
   if (!error) WriteFrame(answer, frame);
   fields = answer.Take();

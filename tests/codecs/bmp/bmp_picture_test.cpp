@@ -65,7 +65,8 @@ TEST(BmpPicture, EveryOtherKind_Should_BeALoss) {
   metadata.jpegSegments.resize(1);
   metadata.tiffTags.resize(1);
   metadata.pngChunks = {{detail::PngKind("sRGB"), {0}, false},
-                        {detail::PngKind("tIME"), {}, false}};
+                        {detail::PngKind("tIME"), {}, false},
+                        {detail::PngKind("abCd"), {}, false}};
   metadata.profile = GrayProfile();
   Raster raster = GradientRaster(pf24bit, 3, 3);
   raster.transparentColor = clWhite;
@@ -82,6 +83,7 @@ TEST(BmpPicture, EveryOtherKind_Should_BeALoss) {
                                           LossKind::iptc, LossKind::otherBlock, LossKind::comment,
                                           LossKind::text, LossKind::otherBlock,
                                           LossKind::otherBlock, LossKind::otherBlock));
+  EXPECT_THAT(written.changes.notes, testing::ElementsAre(testing::HasSubstr("tIME")));
 }
 
 TEST(BmpPicture, Samples_Should_BeRefused) {

@@ -234,6 +234,30 @@ TEST(WriteJpeg, InksOfAnotherFormat_Should_HaveAnAdobeSegment) {
   }
 }
 
+TEST(WriteJpeg, Colors_Should_KeepTheChroma_When_TheSourceHadInks) {
+  struct Case {
+    std::vector<Component> source;
+    int h, v;
+  };
+  const Component full{1, 1, 1, 0};
+  const Case cases[] = {{{full, full, full, full}, 1, 1},
+                        {{{1, 2, 2, 0}, full, full, {4, 2, 2, 0}}, 2, 2},
+                        {{{1, 2, 1, 0}, full, full, {4, 2, 1, 0}}, 2, 1}};
+  std::mt19937 random(5);
+  for (const auto& [source, h, v] : cases) {
+    SCOPED_TRACE(h * 10 + v);
+    PictureWriting writing;
+    writing.form = RandomForm(random, source);
+    const Written written = Write(GradientRaster(pf24bit, 40, 24), writing);
+    const auto& components = FormOf(written.facts).components;
+    ASSERT_EQ(components.size(), 3u);
+    EXPECT_EQ(components[0].h, h);
+    EXPECT_EQ(components[0].v, v);
+    EXPECT_EQ(components[1].h * components[1].v * components[2].h * components[2].v, 1);
+    EXPECT_THAT(written.facts.changes.losses, IsEmpty());
+  }
+}
+
 TEST(WriteJpeg, Transposed_Should_ExchangeTablesAndSampling) {
   std::mt19937 random(12);
   JpegForm form = RandomForm(random, {{1, 2, 1, 0}, {2, 1, 1, 3}, {3, 1, 1, 3}});

