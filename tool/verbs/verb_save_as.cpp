@@ -49,7 +49,7 @@ int32_t GraphicTypeOf(PictureType type) {
 Settings AsItIs(const std::string& file, const Picture& picture) {
   constexpr int kUsualQuality = 90;
   const int32_t type = GraphicTypeOf(picture.SourceType());
-  const int32_t dpi = static_cast<int32_t>(std::lrint(picture.GetMetadata().resolution.x));
+  const auto dpi = static_cast<int32_t>(std::lrint(picture.GetMetadata().resolution.x));
   std::string name = ExtractFileName(file);
   // The window derives the type from the extension.
   if (GetGraphicsType(ExtractFileExt(name)) != type) {

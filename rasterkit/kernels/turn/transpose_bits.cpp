@@ -104,7 +104,7 @@ class Transposition {
 
   // The part of the target that tiles of source columns and rows make.
   void DoTile(int firstByte, int firstRow) const {
-    const int lastByte = std::min<int>(firstByte + kTileBytes, (source_.width + 7) / 8);
+    const int lastByte = std::min<int>(firstByte + kTileBytes, RowBytes());
     const int lastRow = std::min(firstRow + kTileRows, source_.height);
     for (int byte = firstByte; byte < lastByte; byte += kBlockBytes) {
       for (int x = firstRow; x < lastRow; x += kRows) DoBlock(byte, x);
@@ -117,7 +117,7 @@ class Transposition {
     const int count = std::min(kRows, target_.width - x);
     BlockRows rows = RowsAt(byte, x, count);
     uint8_t copies[kRows][kBlockBytes];
-    if (static_cast<size_t>(byte) + kBlockBytes > source_.stride) CopyRows(rows, byte, copies);
+    if (byte + kBlockBytes > RowBytes()) CopyRows(rows, byte, copies);
     const int column = byte * 8;
     const auto stride = static_cast<ptrdiff_t>(target_.stride);
     const int y = turn_.mirrorY ? target_.height - 1 - column : column;
@@ -137,9 +137,12 @@ class Transposition {
     return rows;
   }
 
+  // Not the stride: rows may begin behind the first column of their picture.
+  int RowBytes() const { return (source_.width + 7) / 8; }
+
   // For blocks that reach beyond the rows' ends.
   void CopyRows(BlockRows& rows, int byte, uint8_t (*copies)[kBlockBytes]) const {
-    const size_t bytes = source_.stride - static_cast<size_t>(byte);
+    const auto bytes = static_cast<size_t>(RowBytes() - byte);
     for (int i = 0; i < kRows; ++i) {
       std::memset(copies[i], 0, kBlockBytes);
       std::memcpy(copies[i], rows.lane[i], bytes);
