@@ -1,5 +1,5 @@
 // Highway's library measures the resolution of the processor's timer whenever it is loaded, for
-// benchmarks that nobody runs here. That takes 3 ms, half the start of a program. This definition
+// benchmarks that do not run here. That takes 3 ms, half the start of a program. This definition
 // takes its place: a program's symbols precede those of its libraries.
 
 #include <hwy/nanobenchmark.h>

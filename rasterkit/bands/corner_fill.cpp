@@ -4,9 +4,9 @@
 #include <utility>
 
 #include <rasterkit/bands/colors/opacity_plane.h>
-#include <rasterkit/bands/corner_fill.h>
 #include <rasterkit/bands/colors/sample_values.h>
 #include <rasterkit/bands/colors/wider_rows.h>
+#include <rasterkit/bands/corner_fill.h>
 #include <rasterkit/bitmaptools/rotation/rotation_background.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/raster/convert.h>

@@ -3,9 +3,9 @@
 #include <cmath>
 #include <optional>
 
-#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/metadata/exif_follow.h>
 #include <rasterkit/metadata/exif_places.h>
+#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/metadata/mapped_area.h>
 
 namespace rasterkit::detail {

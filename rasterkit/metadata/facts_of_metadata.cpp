@@ -3,8 +3,8 @@
 #include <cmath>
 #include <string_view>
 
-#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/metadata/exif_places.h>
+#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/metadata/facts_of_metadata.h>
 #include <rasterkit/metadata/xmp/xmp_packet.h>
 #include <rasterkit/runtime/text.h>

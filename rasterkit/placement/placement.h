@@ -103,8 +103,8 @@ struct PixelMove {
 };
 
 /// Brings a position in line with moved pixels: the affine and the control points exactly, also the
-/// rational model for crops, resizing, mirrors and turns by quarters. What cannot follow (a rational
-/// model under a turn by another angle) is removed and added to `changes`.
+/// rational model for crops, resizing, mirrors and turns by quarters. What cannot follow (a
+/// rational model under a turn by another angle) is removed and added to `changes`.
 RASTERKIT_EXPORT void FollowPixels(Placement& placement, const PixelMove& move, Changes& changes);
 
 /// The tags of a TIFF file for the position: pixel scale and tie point where the position is

@@ -10,8 +10,8 @@
 
 #include <rasterkit/bitmaptools/files/graphic_files.h>
 #include <rasterkit/codecs/decode_frame.h>
-#include <rasterkit/pictures/reading/convert_metafile.h>
 #include <rasterkit/pictures/load_bitmap.h>
+#include <rasterkit/pictures/reading/convert_metafile.h>
 #include <rasterkit/pictures/reading/load_graphic_isolated.h>
 #include <rasterkit/pictures/reading/picture_fields.h>
 #include <rasterkit/pictures/reading/picture_file.h>

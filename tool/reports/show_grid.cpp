@@ -140,8 +140,7 @@ int SayNoGrid(const GridQuestions& questions, const TiffFacts& facts) {
     const std::string found = facts.width == 0
                                   ? "not a TIFF file; to place a picture on a map, add an output"
                                   : SamplesText(facts);
-    fmt::print("{}: no grid of numbers ({})\n",
-               OnOneLine(questions.file), found);
+    fmt::print("{}: no grid of numbers ({})\n", OnOneLine(questions.file), found);
   }
   return exitAnswerIsNo;
 }

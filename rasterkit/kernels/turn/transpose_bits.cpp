@@ -137,7 +137,7 @@ class Transposition {
     return rows;
   }
 
-  // Not the stride: rows may begin behind the first column of their picture.
+  // Not the stride: rows may begin after the first column of their picture.
   int RowBytes() const { return (source_.width + 7) / 8; }
 
   // For blocks that reach beyond the rows' ends.

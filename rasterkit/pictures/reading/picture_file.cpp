@@ -6,8 +6,8 @@
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_picture.h>
 #include <rasterkit/codecs/isolated_input.h>
-#include <rasterkit/codecs/messages/isolated_reading.h>
 #include <rasterkit/codecs/list_metadata.h>
+#include <rasterkit/codecs/messages/isolated_reading.h>
 #include <rasterkit/codecs/rows/frame_format.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/unsized_picture.h>

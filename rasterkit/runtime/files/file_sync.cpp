@@ -18,7 +18,7 @@ namespace {
 constexpr size_t kMostSyncedAlone = 7;
 
 /// Types of file systems (ext2 to ext4 share one) whose sync waits until everything is on the disk.
-/// The sync of others, as of networks and of programs (FUSE), may do nothing. That of overlayfs
+/// The sync of others, as of networks and of programs (FUSE), may have no effect. That of overlayfs
 /// depends on the file systems below.
 constexpr std::array kWholeSystems = std::to_array<uint32_t>(
     {EXT4_SUPER_MAGIC, XFS_SUPER_MAGIC, BTRFS_SUPER_MAGIC, F2FS_SUPER_MAGIC, TMPFS_MAGIC});

@@ -46,7 +46,7 @@ class ProcessMemory {
  private:
   using Lock = std::unique_lock<std::mutex>;
 
-  /// True if nobody but `job` would have to give memory back.
+  /// True if no other job than `job` would have to give memory back.
   bool Fits(uint64_t bytes, uint64_t limit, const MemoryJob* job) const;
   bool IsAlone(const MemoryJob* job) const;
   /// True if every other job waits for memory that is not there.

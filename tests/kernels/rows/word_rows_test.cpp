@@ -58,7 +58,7 @@ TEST(WordRows, EveryWidth_Should_EqualTheReferenceAndLeaveWhatFollows) {
   test::ForEachTargetAndWidth(61, [](size_t width, std::mt19937& random) {
     const std::vector<uint8_t> words = test::RandomBytes(2 * width, random);
     for (const Kernel& kernel : kKernels) {
-      // Behind the row stand bytes that must stay.
+      // Bytes after the row must stay.
       std::vector<uint8_t> pixels(kernel.pixelBytes * width + 16, 0x88);
       kernel.run(words.data(), width, pixels.data());
       std::vector<uint8_t> expected = Expected(words, kernel);

@@ -196,7 +196,7 @@ TEST_F(CliKeeping, MapRect_Should_BeRoundedToPixelsAndSaySo) {
   EXPECT_THAT(err_, HasSubstr("no position"));
 }
 
-TEST_F(CliKeeping, PercentRect_Should_CutThatPart) {
+TEST_F(CliKeeping, RectInPercent_Should_CutThatPart) {
   SavePngFile(folder_ / "a.png", GradientRaster(pf24bit, 40, 30));
   Run("crop", "a.png", "p.png", {"--rect", "10%,10%,80%,80%"});
   Run("crop", "a.png", "q.png", {"--rect", "4,3,32,24"});
