@@ -133,7 +133,7 @@ trailer << /Size 4 /Root 1 0 R >>
       ${flags})
   run(${prefix}/${BINDIR}/rasterkit pdf page.pdf page.png)
   run(${consumer}/build/pdf_page page.pdf page-at-150.png)
-  expect_info(page-at-150.png "png, 150 x 150 pixels, 24 bits, 150.01 x 150.01 dpi")
+  expect_info(page-at-150.png "png, 150 x 150 pixels, 24 bits, 150 x 150 dpi")
 endif()
 
 # The desktop's entry for the editor and its icon.
