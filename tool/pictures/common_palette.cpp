@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include <rasterkit/bands/colors/opacity_plane.h>
 #include <rasterkit/graphics/canvas.h>
 
 #include "tool/command/interruption.h"
-#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/change_picture.h"
 
 namespace rasterkit::tool {
@@ -82,7 +82,7 @@ CommonPalette ChooseCommonPalette(const std::vector<std::string>& files) {
   for (const std::string& file : files) {
     StopIfInterrupted();
     std::unique_ptr<TBitmap> bitmap = LoadUpright(file);
-    if (HasTransparency(*bitmap)) DropTransparency(bitmap, clWhite);
+    if (detail::HasTransparency(*bitmap)) detail::DropTransparency(bitmap, clWhite);
     bitmap->SetPixelFormat(pf24bit);
     colors.Add(*bitmap);
     samples.push_back(SamplesOf(*bitmap));

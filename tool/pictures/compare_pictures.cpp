@@ -4,15 +4,15 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "tool/pictures/alpha_channel.h"
+#include <rasterkit/bands/colors/opacity_plane.h>
 
 namespace rasterkit::tool {
 namespace {
 
 /// Converts to 32-bit rows whose fourth byte is the opacity of the pixel.
 void MakeComparable(TBitmap& bitmap) {
-  KeyToAlpha(bitmap);
-  if (HasAlpha(bitmap)) return;
+  detail::KeyToAlpha(bitmap);
+  if (detail::HasAlpha(bitmap)) return;
   // Converting from 24-bit sets the fourth byte to 255.
   if (bitmap.PixelFormat() == pf32bit) bitmap.SetPixelFormat(pf24bit);
   bitmap.SetPixelFormat(pf32bit);

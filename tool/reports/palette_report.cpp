@@ -5,12 +5,13 @@
 
 #include <fmt/core.h>
 
+#include <rasterkit/bands/colors/index_pixels.h>
+#include <rasterkit/bands/colors/opacity_plane.h>
+
 #include "tool/command/exit_code.h"
 #include "tool/command/json.h"
 #include "tool/command/printable.h"
-#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/common_palette.h"
-#include "tool/pictures/palette_indexes.h"
 #include "tool/pictures/picture_input.h"
 
 namespace rasterkit::tool {
@@ -30,9 +31,9 @@ std::string ColorText(const tagPALETTEENTRY& entry) {
 
 std::vector<EntryLine> LinesOf(const TBitmap& bitmap) {
   std::vector<EntryLine> lines;
-  if (!HasIndexes(bitmap)) return lines;
+  if (!detail::HasIndexes(bitmap)) return lines;
   const HPALETTE palette = bitmap.Palette();
-  const auto counts = CountIndexes(bitmap);
+  const auto counts = detail::CountIndexes(bitmap);
   for (int i = 0; i < palette.Count(); ++i) {
     const tagPALETTEENTRY entry = palette.Entry(i);
     lines.push_back({i, ColorText(entry), counts[static_cast<size_t>(i)],

@@ -1,11 +1,12 @@
 #include <memory>
 #include <optional>
 
+#include <rasterkit/bands/colors/entry_changes.h>
+#include <rasterkit/bands/colors/index_pixels.h>
+#include <rasterkit/bands/colors/opacity_plane.h>
+
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
-#include "tool/pictures/alpha_channel.h"
-#include "tool/pictures/entry_colors.h"
-#include "tool/pictures/palette_indexes.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -44,13 +45,14 @@ TChgBmpValuesRec RecordOf(const Values& values) {
 void AskAndAdjust(const Desktop& desktop, const Values& start, PictureWork& work) {
   std::unique_ptr<TBitmap> shown = work.Bitmap();
   std::unique_ptr<TBitmap> pixels = shown->Clone();
-  const AlphaPlane alphas(*pixels);
+  const detail::AlphaPlane alphas(*pixels);
   pixels->SetPixelFormat(pf24bit);
   TChgBmpValuesRec values = RecordOf(start);
   desktop.Adjust(*pixels, values, work.job.input);
-  const auto colors = HasIndexes(*shown) ? ChangedEntries(*shown, *pixels) : std::nullopt;
+  const auto colors =
+      detail::HasIndexes(*shown) ? detail::ChangedEntries(*shown, *pixels) : std::nullopt;
   if (colors) {
-    SetEntryColors(*shown, *colors);
+    detail::SetEntryColors(*shown, *colors);
   } else {
     alphas.Restore(*pixels);
     shown = std::move(pixels);

@@ -3,6 +3,7 @@
 
 #include <fmt/core.h>
 
+#include <rasterkit/bands/colors/opacity_plane.h>
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/graphics/icon.h>
@@ -14,7 +15,6 @@
 #include "tool/command/isolation_option.h"
 #include "tool/command/output_file.h"
 #include "tool/command/shared_options.h"
-#include "tool/pictures/alpha_channel.h"
 #include "tool/pictures/change_picture.h"
 #include "tool/pictures/crop_rows.h"
 #include "tool/reports/loss_report.h"
@@ -36,7 +36,7 @@ constexpr int kLargestIcon = 256;
 /// Keeps the transparency of the picture. Without any, makes the color of the top left pixel
 /// transparent.
 void MakeAlpha(std::unique_ptr<TBitmap>& bitmap, bool solid) {
-  if (HasTransparency(*bitmap) || solid) return MakeAlphaChannel(*bitmap);
+  if (detail::HasTransparency(*bitmap) || solid) return detail::MakeAlphaChannel(*bitmap);
   TIcon icon;
   CopyBitmapToIcon(bitmap.get(), icon, false);
   bitmap = icon.ColorBitmap().Clone();
