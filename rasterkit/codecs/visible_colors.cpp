@@ -6,6 +6,7 @@
 
 #include <rasterkit/codecs/rows/cmyk_rows.h>
 #include <rasterkit/codecs/rows/remembered_colors.h>
+#include <rasterkit/codecs/rows/sample_bytes.h>
 #include <rasterkit/codecs/visible_numbers.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
@@ -20,21 +21,6 @@ int OfFull(double share, int full) {
 
 uint8_t ShareToByte(double share) {
   return static_cast<uint8_t>(OfFull(share, 255));
-}
-
-uint8_t ToByte(uint8_t value) {
-  return value;
-}
-uint8_t ToByte(uint16_t value) {
-  return static_cast<uint8_t>((value * 255u + 32895u) >> 16);
-}
-
-/// Divides alpha out of a premultiplied color. With alpha 0 the color stays.
-template <typename T>
-uint8_t Unmultiplied(T color, T alpha) {
-  if (alpha == 0) return ToByte(color);
-  const uint32_t value = (color * uint32_t{255} + alpha / 2u) / alpha;
-  return static_cast<uint8_t>(std::min(value, 255u));
 }
 
 bool IsSigned(NumberType type) {

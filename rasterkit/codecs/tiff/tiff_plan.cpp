@@ -25,40 +25,12 @@ constexpr int kDeflateLevel = 4;
 /// Bytes for header, tags, palette and profile.
 constexpr uint64_t kSpareBytes = uint64_t{64} << 20;
 
-/// Compares the colors alone: the flags of an entry do not change how it looks.
-bool IsRamp(const HPALETTE& palette, int bits) {
-  const HPALETTE ramp = GrayPalette(1 << bits);
-  const auto isSame = [](const tagPALETTEENTRY& a, const tagPALETTEENTRY& b) {
-    return EntryColor(a) == EntryColor(b);
-  };
-  const auto entries = palette.Entries(), grays = ramp.Entries();
-  return std::equal(entries.begin(), entries.end(), grays.begin(), grays.end(), isSame);
-}
-
-bool IsReversedBlackWhite(const HPALETTE& palette) {
-  return palette.Count() == 2 && EntryColor(palette.Entry(0)) == clWhite &&
-         EntryColor(palette.Entry(1)) == clBlack;
-}
-
-std::vector<uint16_t> ColorMapOf(const HPALETTE& palette, int bits) {
-  const int count = 1 << bits;
-  std::vector<uint16_t> map;
-  map.reserve(3 * static_cast<size_t>(count));
-  for (const auto channel :
-       {&tagPALETTEENTRY::peRed, &tagPALETTEENTRY::peGreen, &tagPALETTEENTRY::peBlue}) {
-    for (int i = 0; i < count; i++) {
-      map.push_back(static_cast<uint16_t>(palette.Entry(i).*channel * 257));
-    }
-  }
-  return map;
-}
-
 void PlanIndexed(const Raster& raster, TiffPlan& plan) {
   const int bits = StoredBitsPerPixel(raster.Format());
   plan.bits = static_cast<uint16_t>(bits);
   plan.photometric = PHOTOMETRIC_MINISBLACK;
-  if (IsRamp(raster.palette, bits)) return;
-  if (bits == 1 && IsReversedBlackWhite(raster.palette)) {
+  if (HasColors(raster.palette, GrayPalette(1 << bits))) return;
+  if (bits == 1 && IsWhiteAndBlack(raster.palette)) {
     plan.photometric = PHOTOMETRIC_MINISWHITE;
     return;
   }
@@ -117,6 +89,32 @@ uint32_t RowsPerStrip(const TiffPlan& plan) {
 }
 
 }  // namespace
+
+bool HasColors(const HPALETTE& palette, const HPALETTE& others) {
+  const auto isSame = [](const tagPALETTEENTRY& a, const tagPALETTEENTRY& b) {
+    return EntryColor(a) == EntryColor(b);
+  };
+  const auto entries = palette.Entries(), wanted = others.Entries();
+  return std::equal(entries.begin(), entries.end(), wanted.begin(), wanted.end(), isSame);
+}
+
+bool IsWhiteAndBlack(const HPALETTE& palette) {
+  return palette.Count() == 2 && EntryColor(palette.Entry(0)) == clWhite &&
+         EntryColor(palette.Entry(1)) == clBlack;
+}
+
+std::vector<uint16_t> ColorMapOf(const HPALETTE& palette, int bits) {
+  const int count = 1 << bits;
+  std::vector<uint16_t> map;
+  map.reserve(3 * static_cast<size_t>(count));
+  for (const auto channel :
+       {&tagPALETTEENTRY::peRed, &tagPALETTEENTRY::peGreen, &tagPALETTEENTRY::peBlue}) {
+    for (int i = 0; i < count; i++) {
+      map.push_back(static_cast<uint16_t>(palette.Entry(i).*channel * 257));
+    }
+  }
+  return map;
+}
 
 bool NeedsBigTiff(uint64_t rowBytes, uint64_t height, uint16_t compression) {
   // The worst case of each compression: LZW has codes of up to 12 bits per byte, G4 12 bits per two

@@ -45,4 +45,11 @@ TiffPlan PlanTiff(const Raster& raster, const TiffWriteOptions& options);
 /// True if a file with that many bytes of rows and that compression could exceed 32-bit offsets.
 bool NeedsBigTiff(uint64_t rowBytes, uint64_t height, uint16_t compression);
 
+/// Compares the colors alone: the flags of an entry do not change how it looks.
+bool HasColors(const HPALETTE& palette, const HPALETTE& others);
+bool IsWhiteAndBlack(const HPALETTE& palette);
+
+/// The color map tag of a palette of 2^bits entries.
+std::vector<uint16_t> ColorMapOf(const HPALETTE& palette, int bits);
+
 }  // namespace rasterkit::detail

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <rasterkit/codecs/rows/cmyk_rows.h>
+#include <rasterkit/codecs/rows/sample_bytes.h>
 #include <rasterkit/codecs/tiff/tiff_row_writer.h>
 #include <rasterkit/kernels/rows/convert_rows.h>
 #include <rasterkit/kernels/rows/exchange_red_blue.h>
@@ -91,22 +92,6 @@ class RgbaRows : public TiffRowWriter {
     kernels::ExchangeRedBlue32(planes[0], width, target);
   }
 };
-
-/// Scales a sample to 8 bits, rounded.
-uint8_t ToByte(uint8_t value) {
-  return value;
-}
-uint8_t ToByte(uint16_t value) {
-  return static_cast<uint8_t>((value * 255u + 32895u) >> 16);
-}
-
-/// Divides alpha out of a premultiplied 8-bit color. With alpha 0 the color stays.
-template <typename T>
-uint8_t Unmultiplied(T color, T alpha) {
-  if (alpha == 0) return ToByte(color);
-  const uint32_t value = (color * uint32_t{255} + alpha / 2u) / alpha;
-  return static_cast<uint8_t>(value > 255 ? 255 : value);
-}
 
 template <typename T>
 T Load(const uint8_t* bytes) {

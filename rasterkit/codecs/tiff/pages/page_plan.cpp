@@ -8,38 +8,12 @@
 #include <rasterkit/codecs/tiff/pages/page_facts.h>
 #include <rasterkit/codecs/tiff/pages/page_plan.h>
 #include <rasterkit/codecs/tiff/tiff_pages.h>
+#include <rasterkit/codecs/tiff/tiff_plan.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {
 
 namespace {
-
-/// Compares the colors alone: the flags of an entry do not change how it looks.
-bool HasColors(const HPALETTE& palette, const HPALETTE& others) {
-  const auto isSame = [](const tagPALETTEENTRY& a, const tagPALETTEENTRY& b) {
-    return EntryColor(a) == EntryColor(b);
-  };
-  const auto entries = palette.Entries(), wanted = others.Entries();
-  return std::equal(entries.begin(), entries.end(), wanted.begin(), wanted.end(), isSame);
-}
-
-bool IsWhiteAndBlack(const HPALETTE& palette) {
-  return palette.Count() == 2 && EntryColor(palette.Entry(0)) == clWhite &&
-         EntryColor(palette.Entry(1)) == clBlack;
-}
-
-std::vector<uint16_t> ColorMapOf(const HPALETTE& palette, int bits) {
-  const int count = 1 << bits;
-  std::vector<uint16_t> map;
-  map.reserve(3 * static_cast<size_t>(count));
-  for (const auto channel :
-       {&tagPALETTEENTRY::peRed, &tagPALETTEENTRY::peGreen, &tagPALETTEENTRY::peBlue}) {
-    for (int i = 0; i < count; i++) {
-      map.push_back(static_cast<uint16_t>(palette.Entry(i).*channel * 257));
-    }
-  }
-  return map;
-}
 
 /// The kind of the stored samples and how they come from the pixels.
 class Planner {
