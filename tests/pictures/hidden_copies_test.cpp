@@ -141,6 +141,25 @@ TEST(HiddenCopies, StayToTheByte_When_NoPixelChanged) {
   }
 }
 
+/// A preview is a file of its own, with a position of its own.
+TEST(HiddenCopies, Go_When_MetadataAreRemoved) {
+  const TempFolder folder;
+  const std::string in = folder.Write("in.jpg", WithAll());
+  MetadataEdit gps, all;
+  gps.stripGps = true;
+  all.stripAll = true;
+  for (const MetadataEdit& edit : {gps, all}) {
+    Picture picture = Picture::Open(in);
+    const Report report = picture.Edit(edit).Save(folder / "out.jpg");
+    EXPECT_TRUE(report.isCopied);
+    EXPECT_FALSE(report.losses.empty()) << "a video and a gain map are no mere copies";
+    const std::string after = test::ReadFile(folder / "out.jpg");
+    EXPECT_EQ(after.find("ftypmp42"), std::string::npos);
+    EXPECT_EQ(after.find("hdrgm:Version"), std::string::npos);
+    EXPECT_TRUE(after.ends_with("\xFF\xD9")) << "nothing stands after the picture";
+  }
+}
+
 TEST(HiddenCopies, GoAndAreNamed_When_PixelsChanged) {
   const TempFolder folder;
   const std::string in = folder.Write("in.jpg", WithAll());
