@@ -173,6 +173,8 @@ class StepAdder {
     state_.edit.stripThumbnail |= step.edit.stripThumbnail;
   }
 
+  void operator()(const StretchStep& step) { state_.stretch = step.stretch; }
+
  private:
   Sides Now() const { return {state_.width, state_.height}; }
 

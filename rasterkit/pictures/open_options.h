@@ -8,6 +8,8 @@ namespace rasterkit {
 
 /// How a picture is opened.
 struct OpenOptions {
+  /// Page of a TIFF file, counted from 1.
+  int page = 1;
   /// Which position counts, and a world file of another name.
   PlacementReading position;
   /// How a metafile is drawn.

@@ -23,6 +23,7 @@ struct PictureState {
   /// The source's columns run along the rows of this picture, or nearly.
   bool exchangesAxes = false;
   MetadataEdit edit;
+  NumberStretch stretch;
   /// A position for the picture as stored, in place of that of the source.
   std::optional<Affine> given;
   Stages stages;

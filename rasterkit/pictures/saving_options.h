@@ -7,6 +7,17 @@
 
 namespace rasterkit {
 
+/// Whether the pixels of a JPEG file are moved without being decoded and compressed again.
+enum class Lossless {
+  /// Where that is exact: turns, mirrors and crops whose new left and top edges lie on the borders
+  /// of blocks.
+  exact,
+  /// Always: up to a block of pixels is dropped at edges that are not on a border.
+  trim,
+  /// Never.
+  off
+};
+
 /// How a picture is written. An empty option keeps what the source has.
 struct SaveOptions {
   /// Nothing: by the extension of the target, or the source's kind for a stream.
@@ -20,6 +31,9 @@ struct SaveOptions {
   int32_t background = 0xFFFFFF;
   /// A world file is written although the format holds the position in tags.
   bool writesWorldFile = false;
+  Lossless lossless = Lossless::exact;
+  /// The target's old file, and the files beside it that are replaced, stay under a backup name.
+  bool keepsBackup = false;
   /// An existing target, and files beside it that would contradict it, may be replaced.
   bool mayReplace = true;
   /// The file is on the disk when the call returns.

@@ -12,6 +12,7 @@
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/metadata/resolution.h>
 #include <rasterkit/placement/affine.h>
+#include <rasterkit/raster/number_stretch.h>
 #include <rasterkit/raster/pixel_format.h>
 
 /// The steps of a picture: one plain struct each.
@@ -101,7 +102,13 @@ struct EditStep {
   MetadataEdit edit;
 };
 
+/// How numbers of more than 8 bits become gray or color wherever they must: in later changes of
+/// color, in pixels to look at, and in files that hold no more. Changes no pixel by itself.
+struct StretchStep {
+  NumberStretch stretch;
+};
+
 using Step = std::variant<TurnStep, MirrorStep, RotateStep, NorthUpStep, CropStep, ResizeStep,
-                          ChangeStep, CombineStep, PixelsStep, PlaceStep, EditStep>;
+                          ChangeStep, CombineStep, PixelsStep, PlaceStep, EditStep, StretchStep>;
 
 }  // namespace rasterkit

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include <rasterkit/codecs/rows/codec_report.h>
@@ -34,7 +35,17 @@ RASTERKIT_EXPORT JpegForm Transposed(const JpegForm& form);
 RASTERKIT_EXPORT WrittenPicture WriteJpeg(const Pixels& pixels, const PictureWriting& writing,
                                           TStream& stream);
 
-/// Writes the compressed pixels of `file` byte for byte, with the metadata of `writing`.
+/// The largest part of `move` whose pixels can be moved without being decoded: `move` itself if
+/// that is exact; a smaller one if the edges that become the left or top one do not lie on the
+/// borders of blocks. Nothing if no block is left, or for a form that cannot be moved (arithmetic
+/// coding). `width` and `height` are the sides of the stored picture.
+RASTERKIT_EXPORT std::optional<PictureMove> MovableJpegPart(const JpegForm& form, int width,
+                                                            int height, const PictureMove& move);
+
+/// Writes the compressed pixels of `file` byte for byte, with the metadata of `writing`. With
+/// `writing.move`, blocks are turned and left out instead, and the file has the tables, sampling,
+/// scans and restart interval of the source. Throws FormatError before the first byte is written if
+/// a stream that is to be moved is damaged, RangeError for a move that is not exact.
 RASTERKIT_EXPORT WrittenPicture CopyJpeg(std::span<const uint8_t> file,
                                          const PictureWriting& writing, TStream& stream);
 

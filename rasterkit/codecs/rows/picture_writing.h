@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <rasterkit/codecs/rows/form.h>
+#include <rasterkit/codecs/rows/picture_move.h>
 #include <rasterkit/metadata/loss.h>
 #include <rasterkit/metadata/metadata.h>
 #include <rasterkit/raster/pixels.h>
@@ -26,6 +27,11 @@ struct PictureWriting {
   /// When compressed pixels are copied: thumbnails of the file header, previews and what follows
   /// the end of the picture are skipped.
   bool dropsHidden = false;
+  /// When compressed pixels are copied: they are moved without being decoded (JPEG alone). Form and
+  /// metadata are then those of the moved picture.
+  std::optional<PictureMove> move;
+  /// When pixels are moved: the thumbnail of the metadata is replaced by one of the moved picture.
+  bool makesThumbnail = false;
   /// Threads that compress, 1 to 64. The bytes do not depend on it.
   int threads = 1;
 };
