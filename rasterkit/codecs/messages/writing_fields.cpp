@@ -1,3 +1,5 @@
+#include <limits>
+
 #include <rasterkit/codecs/messages/frame_fields.h>
 #include <rasterkit/codecs/messages/header_fields.h>
 #include <rasterkit/codecs/messages/metadata_fields.h>
@@ -9,11 +11,29 @@ namespace {
 constexpr int kMostQuality = 100, kMostChroma = 4, kMostThreads = 64;
 constexpr size_t kMostLosses = 1000, kLeastLossBytes = 12, kMostTextBytes = size_t{1} << 16;
 
+void WriteMove(FieldWriter& fields, const PictureMove& move) {
+  const auto& [left, top, width, height, exchanges, reversesColumns, reversesRows] = move;
+  for (const int number : {left, top, width, height}) fields.I32(number);
+  for (const bool flag : {exchanges, reversesColumns, reversesRows}) fields.Bool(flag);
+}
+
+/// The codec checks the numbers against its picture.
+PictureMove ReadMove(FieldReader& fields) {
+  PictureMove move;
+  for (int* number : {&move.left, &move.top, &move.width, &move.height}) {
+    *number = fields.I32In(0, std::numeric_limits<int>::max());
+  }
+  for (bool* flag : {&move.exchangesAxes, &move.reversesColumns, &move.reversesRows}) {
+    *flag = fields.Bool();
+  }
+  return move;
+}
+
 }  // namespace
 
 void WriteWriting(FieldWriter& fields, const PictureWriting& writing) {
-  const auto& [form, metadata, positionTags, quality, chromaX, chromaY, dropsHidden, threads] =
-      writing;
+  const auto& [form, metadata, positionTags, quality, chromaX, chromaY, dropsHidden, move,
+               makesThumbnail, threads] = writing;
   WriteForm(fields, form);
   WriteMetadata(fields, metadata);
   WriteTags(fields, positionTags);
@@ -21,12 +41,15 @@ void WriteWriting(FieldWriter& fields, const PictureWriting& writing) {
   fields.I32(chromaX);
   fields.I32(chromaY);
   fields.Bool(dropsHidden);
+  fields.Optional(move, [&](const PictureMove& value) { WriteMove(fields, value); });
+  fields.Bool(makesThumbnail);
   fields.I32(threads);
 }
 
 PictureWriting ReadWriting(FieldReader& fields) {
   PictureWriting writing;
-  auto& [form, metadata, positionTags, quality, chromaX, chromaY, dropsHidden, threads] = writing;
+  auto& [form, metadata, positionTags, quality, chromaX, chromaY, dropsHidden, move, makesThumbnail,
+         threads] = writing;
   form = ReadForm(fields);
   metadata = ReadMetadata(fields);
   positionTags = ReadTags(fields);
@@ -34,6 +57,8 @@ PictureWriting ReadWriting(FieldReader& fields) {
   chromaX = fields.I32In(0, kMostChroma);
   chromaY = fields.I32In(0, kMostChroma);
   dropsHidden = fields.Bool();
+  move = fields.Optional([&] { return ReadMove(fields); });
+  makesThumbnail = fields.Bool();
   threads = fields.I32In(1, kMostThreads);
   return writing;
 }
