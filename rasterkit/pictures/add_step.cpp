@@ -25,14 +25,23 @@ constexpr double kMostStretched = 10;
 /// A smaller difference of the resolutions comes from rounding to the units of a file.
 constexpr double kRounding = 1.001;
 
-/// True for turns by quarters and mirrors: the columns of one picture are columns or rows of the
-/// other.
-bool KeepsValues(const Affine& toOld, Sides from, Sides to) {
+/// What one step does to pixels.
+struct StepEffect {
+  /// The columns of one picture are columns or rows of the other, each whole pixel by pixel.
+  bool onlyMoves = false;
+  /// All pixels are kept besides.
+  bool keepsValues = false;
+};
+
+StepEffect EffectOf(const Affine& toOld, Sides from, Sides to) {
   const auto isUnit = [](double a, double b) {
     return (std::abs(a) == 1 && b == 0) || (a == 0 && std::abs(b) == 1);
   };
-  return isUnit(toOld.xPerColumn, toOld.xPerRow) && isUnit(toOld.yPerColumn, toOld.yPerRow) &&
-         int64_t{from.width} * from.height == int64_t{to.width} * to.height;
+  const auto isWhole = [](double place) { return place == std::floor(place); };
+  const bool isUnitMove =
+      isUnit(toOld.xPerColumn, toOld.xPerRow) && isUnit(toOld.yPerColumn, toOld.yPerRow);
+  return {isUnitMove && isWhole(toOld.x) && isWhole(toOld.y),
+          isUnitMove && int64_t{from.width} * from.height == int64_t{to.width} * to.height};
 }
 
 /// A mask has no mixed pixels, and nothing lies outside of the picture.
@@ -183,10 +192,11 @@ class StepAdder {
   uint64_t RowBytes() const { return BytesOfRows(state_.layout, state_.width, state_.height); }
 
   /// The layout is the new one already. Rows before and after a stage are held together.
-  void AddStage(std::shared_ptr<const Stage> stage, bool keepsValues = false) {
+  void AddStage(std::shared_ptr<const Stage> stage, const StepEffect& effect = {}) {
     state_.stages.push_back(std::move(stage));
     state_.pixelsChanged = true;
-    state_.keepsValues = state_.keepsValues && keepsValues;
+    state_.keepsValues = state_.keepsValues && effect.keepsValues;
+    state_.onlyMoves = state_.onlyMoves && effect.onlyMoves;
     const uint64_t before = std::exchange(heldBytes_, RowBytes());
     state_.rowBytes = std::max(state_.rowBytes, before + heldBytes_);
   }
@@ -196,13 +206,13 @@ class StepAdder {
            std::shared_ptr<const Stage> forMask = nullptr) {
     RequirePictureSize(static_cast<uint64_t>(sides.width), static_cast<uint64_t>(sides.height),
                        fmt::format("a picture of {} x {} pixels", sides.width, sides.height));
-    const bool keepsValues = KeepsValues(toOld, Now(), sides);
+    const StepEffect effect = EffectOf(toOld, Now(), sides);
     state_.toOld = state_.toOld.After(toOld);
     state_.width = sides.width;
     state_.height = sides.height;
     state_.placesChanged = true;
     state_.maskStages.push_back(forMask ? std::move(forMask) : stage);
-    AddStage(std::move(stage), keepsValues);
+    AddStage(std::move(stage), effect);
   }
 
   void ExchangeAxes() {

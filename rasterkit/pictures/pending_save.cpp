@@ -24,6 +24,9 @@ struct PendingSave::State {
 
   State(const Picture& picture, const std::string& name, const SaveOptions& options,
         const Run& run);
+  /// Finds the files beside the target, opens it and writes it.
+  rasterkit::Report Write(const Picture& picture, const std::string& name,
+                          const SaveOptions& options, detail::RunScope& scope);
 
   void BeforeCommit() {
     if (sideFiles) sideFiles->BeforeCommit();
@@ -40,11 +43,19 @@ struct PendingSave::State {
 PendingSave::State::State(const Picture& picture, const std::string& name,
                           const SaveOptions& options, const Run& run) {
   detail::RunScope scope(run);
+  report = detail::WriteMovedOrAnew(
+      options, [&](const SaveOptions& how) { return Write(picture, name, how, scope); });
+  file->Finish();
+  if (sideFiles) sideFiles->Prepare();
+}
+
+rasterkit::Report PendingSave::State::Write(const Picture& picture, const std::string& name,
+                                            const SaveOptions& options, detail::RunScope& scope) {
   const detail::PictureSource& source = *detail::PictureParts::Source(picture);
-  const detail::PictureState& state = detail::PictureParts::State(picture);
   const PictureType type = detail::TargetType(name, options);
   const bool hasSideFiles = detail::CanHaveSideFiles(name);
-  const detail::WritePlan plan = detail::PlanOf(source, state, type, options, hasSideFiles);
+  const auto [state, plan] = detail::TargetPlanOf(source, detail::PictureParts::State(picture),
+                                                  type, options, hasSideFiles);
   Changes sideChanges;
   if (hasSideFiles) {
     sideFiles.emplace(detail::WishOf(source, state, plan, name, options), state.placement,
@@ -56,10 +67,9 @@ PendingSave::State::State(const Picture& picture, const std::string& name,
   if (!file->IsSeekable() && source.IsNamed(name)) {
     throw FileError("cannot be written: it is the file of the picture itself", name);
   }
-  report = detail::WriteTo(*file, source, state, plan, options, scope);
-  detail::AddSideFiles(report, sideFiles ? &*sideFiles : nullptr, sideChanges);
-  file->Finish();
-  if (sideFiles) sideFiles->Prepare();
+  rasterkit::Report written = detail::WriteTo(*file, source, state, plan, options, scope);
+  detail::AddSideFiles(written, sideFiles ? &*sideFiles : nullptr, sideChanges);
+  return written;
 }
 
 PendingSave::PendingSave(const Picture& picture, const std::string& file,

@@ -4,10 +4,12 @@
 #include <utility>
 
 #include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/pictures/pending_save.h>
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/read_pixels.h>
+#include <rasterkit/pictures/reading/embedded_thumbnail.h>
 #include <rasterkit/pictures/run_scope.h>
 #include <rasterkit/pictures/save_picture.h>
 #include <rasterkit/pictures/side_file_losses.h>
@@ -115,11 +117,11 @@ Picture& Picture::Combine(const Picture& other, const CombineOptions& options) {
 Report Picture::Plan(const std::string& file, const SaveOptions& options) const {
   const PictureType type = detail::TargetType(file, options);
   const bool hasSideFiles = detail::CanHaveSideFiles(file);
-  const detail::WritePlan plan = detail::PlanOf(*source_, *state_, type, options, hasSideFiles);
-  Report report = detail::Foresee(*source_, *state_, plan, options);
+  const auto [state, plan] = detail::TargetPlanOf(*source_, *state_, type, options, hasSideFiles);
+  Report report = detail::Foresee(*source_, state, plan, options);
   if (!hasSideFiles) return report;
   Changes changes;
-  const SideFiles files(detail::WishOf(*source_, *state_, plan, file, options), state_->placement,
+  const SideFiles files(detail::WishOf(*source_, state, plan, file, options), state.placement,
                         changes);
   detail::AddSideFiles(report, &files, changes);
   return report;
@@ -136,8 +138,10 @@ Report Picture::Save(TStream& stream, const SaveOptions& options, const Run& run
   SaveOptions typed = options;
   if (!typed.type) typed.type = SourceType();
   const PictureType type = detail::TargetType({}, typed);
-  const detail::WritePlan plan = detail::PlanOf(*source_, *state_, type, typed, false);
-  return detail::WriteTo(stream, *source_, *state_, plan, typed, scope);
+  return detail::WriteMovedOrAnew(typed, [&](const SaveOptions& how) {
+    const auto [state, plan] = detail::TargetPlanOf(*source_, *state_, type, how, false);
+    return detail::WriteTo(stream, *source_, state, plan, how, scope);
+  });
 }
 
 std::unique_ptr<TBitmap> Picture::Bitmap(const Run& run) const {
@@ -149,6 +153,35 @@ std::unique_ptr<TBitmap> Picture::Bitmap(const Run& run) const {
   auto bitmap = std::make_unique<TBitmap>(std::move(rows));
   scope.Finish();
   return bitmap;
+}
+
+std::optional<Picture> Picture::EmbeddedThumbnail(const OpenOptions& options,
+                                                  const Run& run) const {
+  const detail::RunScope scope(run);
+  const PictureHeader& header = source_->Header();
+  std::vector<uint8_t> jpeg = rasterkit::EmbeddedThumbnail(header.metadata);
+  if (jpeg.empty()) return std::nullopt;
+  try {
+    OpenOptions opening;
+    opening.isolation = options.isolation;
+    Picture thumbnail = Open(std::move(jpeg), opening);
+    const bool isRgb = thumbnail.Layout().model == ColorModel::rgb;
+    const ColorProfile& profile = header.metadata.profile;
+    if (!thumbnail.GetMetadata().profile &&
+        detail::ProfileFits(profile, detail::ProfileSpace::rgb) && isRgb) {
+      std::unique_ptr<TBitmap> rows = thumbnail.Bitmap(run);
+      rows->SetProfile(profile);
+      thumbnail = Of(std::move(rows));
+    }
+    for (Step& step : detail::StepsOfOrientation(header.orientation.value_or(1))) {
+      thumbnail.Apply(std::move(step));
+    }
+    return thumbnail;
+  } catch (const FormatError&) {
+    return std::nullopt;
+  } catch (const UnsupportedError&) {
+    return std::nullopt;
+  }
 }
 
 Samples Picture::Numbers(const Run& run) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -97,6 +98,11 @@ class RASTERKIT_EXPORT Picture {
   Report Save(TStream& stream, const SaveOptions& options = {}, const Run& run = {}) const;
   /// The pixels to look at, 1 to 32 bits.
   std::unique_ptr<TBitmap> Bitmap(const Run& run = {}) const;
+  /// The thumbnail inside of the source's metadata, upright and with the source's profile if it has
+  /// none of its own; steps of this picture are not part of it. `options` say where it is decoded.
+  /// Nothing if there is none, or none that can be read.
+  std::optional<Picture> EmbeddedThumbnail(const OpenOptions& options = {},
+                                           const Run& run = {}) const;
   /// The pixels as they are.
   Samples Numbers(const Run& run = {}) const;
   /// The pixels to look at, from top to bottom.

@@ -4,6 +4,7 @@
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/follow_pixels.h>
 #include <rasterkit/metadata/image_resources.h>
+#include <rasterkit/pictures/fitting/make_thumbnail.h>
 #include <rasterkit/pictures/picture_state.h>
 #include <rasterkit/pictures/strip_metadata.h>
 
@@ -139,6 +140,15 @@ void Follow(PictureState& state, const PictureSource& source, std::span<const ui
   FollowPixels(state.placement,
                {state.toOld, change.oldWidth, change.oldHeight, state.width, state.height},
                state.followed);
+}
+
+PictureState StateForMove(const PictureState& state, const PictureSource& source) {
+  PictureState followed = state;
+  constexpr int kSide = 8;
+  if (NeedsThumbnail(state, source)) {
+    Follow(followed, source, MakeThumbnail(Raster(pf8bit, kSide, kSide), {}));
+  }
+  return followed;
 }
 
 std::optional<double> NoDataOf(const PictureSource& source) {

@@ -20,6 +20,8 @@ struct PictureState {
   bool pixelsChanged = false, placesChanged = false;
   /// The pixels are those of the source, at other places.
   bool keepsValues = true;
+  /// Each step so far moved whole pixels, turned or mirrored, or left some out.
+  bool onlyMoves = true;
   /// The source's columns run along the rows of this picture, or nearly.
   bool exchangesAxes = false;
   MetadataEdit edit;
@@ -60,6 +62,10 @@ std::optional<Affine> PositionOf(const PictureState& state, const PictureSource&
 
 /// True if the file has a thumbnail that must be made anew when pixels change.
 bool NeedsThumbnail(const PictureState& state, const PictureSource& source);
+
+/// The state with a small picture where the thumbnail of moved pixels goes: which one it is shows
+/// only when the blocks are read.
+PictureState StateForMove(const PictureState& state, const PictureSource& source);
 
 /// The number that means "not measured" in the source.
 std::optional<double> NoDataOf(const PictureSource& source);

@@ -15,7 +15,7 @@ namespace rasterkit {
 struct Report {
   /// What the file lacks although no step or option says so.
   std::vector<Loss> losses;
-  /// "compressed pixels copied", "the resolution was made square".
+  /// "the compressed pixels are copied", "the pixels are moved without recompression".
   std::vector<std::string> notes;
   /// Faults of the source that were read around, and doubts about its position.
   std::vector<std::string> warnings;
@@ -26,6 +26,12 @@ struct Report {
   int width = 0, height = 0;
   /// True if the compressed pixels are those of the source, byte for byte.
   bool isCopied = false;
+  /// True if they are turned, mirrored or cropped without being decoded: no value of a block
+  /// changes.
+  bool isMoved = false;
+  /// Why pixels that only move are compressed again nevertheless, or what was dropped for a move;
+  /// empty else. It stands in `notes` too.
+  std::string moveNote;
   /// Files beside the target that are written, replaced or removed: "writes plan.pgw".
   std::vector<std::string> sideFiles;
   /// Bytes of the file: an upper bound in a plan.

@@ -42,13 +42,34 @@ CodecReport ReadForDamage(const PictureSource& source, int threads, Changes& cha
 Report Begin(const PictureSource& source, const PictureState& state, const WritePlan& plan) {
   Report report;
   report.type = plan.type;
-  report.isCopied = plan.isCopied;
+  report.moveNote = plan.moveNote;
   report.width = state.width;
   report.height = state.height;
   report.warnings = source.Header().warnings;
   report.warnings.insert(report.warnings.end(), state.placement.warnings.begin(),
                          state.placement.warnings.end());
   return report;
+}
+
+/// Blocks are decoded no further than to their coefficients, which show damage.
+WrittenPicture Move(TStream& target, const PictureSource& source, const PictureState& state,
+                    const WritePlan& plan, RunScope& run, Changes& changes) {
+  run.Begin(1, source.Header().height);
+  const uint64_t start = target.Position();
+  const PictureState followed = StateForMove(state, source);
+  try {
+    changes = LossesOf(source, followed, {plan.type, false, plan.hasSideFiles});
+    WrittenPicture written = CopyPixels(source, followed, plan, target, changes);
+    written.layout = state.layout;
+    return written;
+  } catch (FormatError& error) {
+    if (target.Position() == start) throw DamagedBlocks(error.Reason());
+    error.AttachFile(source.File());
+    throw;
+  } catch (const UnsupportedError& error) {
+    if (target.Position() == start) throw DamagedBlocks(error.Reason());
+    throw;
+  }
 }
 
 WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const PictureState& state,
@@ -101,19 +122,40 @@ bool Copy(TStream& target, const PictureSource& source, const PictureState& stat
 
 }  // namespace
 
+Report WriteMovedOrAnew(const SaveOptions& options,
+                        const std::function<Report(const SaveOptions& options)>& write) {
+  try {
+    return write(options);
+  } catch (const DamagedBlocks& damage) {
+    SaveOptions anew = options;
+    anew.lossless = Lossless::off;
+    Report report = write(anew);
+    report.moveNote = "the pixels are compressed again: " + damage.Reason();
+    report.notes.push_back(report.moveNote);
+    return report;
+  }
+}
+
 Report WriteTo(TStream& target, const PictureSource& source, const PictureState& state,
                const WritePlan& plan, const SaveOptions& options, RunScope& run) {
   Report report = Begin(source, state, plan);
   const uint64_t start = target.Position();
   Changes changes;
   WrittenPicture written;
-  report.isCopied =
-      plan.isCopied && Copy(target, source, state, plan, run, written, report, changes);
-  if (!report.isCopied) {
+  if (plan.move) {
+    written = Move(target, source, state, plan, run, changes);
+    report.isMoved = true;
+  } else {
+    report.isCopied =
+        plan.isCopied && Copy(target, source, state, plan, run, written, report, changes);
+  }
+  if (!report.isMoved && !report.isCopied) {
     WritePlan anew = plan;
     anew.isCopied = false;
     written = WriteAnew(target, source, state, anew, options, run, report, changes);
   }
+  if (plan.move) changes.Note(kMoved);
+  if (!plan.moveNote.empty()) changes.Note(plan.moveNote);
   report.form = written.form;
   report.layout = written.layout;
   report.losses = std::move(changes.losses);

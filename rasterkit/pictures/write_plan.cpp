@@ -7,6 +7,7 @@
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/tiff/tiff_pages.h>
+#include <rasterkit/metadata/jpeg_assembly.h>
 #include <rasterkit/pictures/extra_pages.h>
 #include <rasterkit/pictures/fitting/fit_pixels.h>
 #include <rasterkit/pictures/fitting/sample_rows.h>
@@ -107,7 +108,10 @@ PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
   writing.form = plan.form;
   writing.metadata = state.metadata;
   // A preview is a file of its own, with metadata of its own.
-  writing.dropsHidden = state.edit.stripAll || state.edit.stripGps || state.edit.stripThumbnail;
+  writing.dropsHidden =
+      plan.move || state.edit.stripAll || state.edit.stripGps || state.edit.stripThumbnail;
+  writing.move = plan.move;
+  writing.makesThumbnail = plan.move && NeedsThumbnail(state, source);
   if (plan.type == PictureType::tiff) writing.positionTags = PositionTags(source, state);
   return writing;
 }
@@ -137,6 +141,8 @@ uint64_t FileBytes(const PictureSource& source, const PictureState& state, const
   constexpr uint64_t kHeader = 1 << 16;
   const uint64_t rest = 2 * MetadataBytes(state.metadata) + kHeader;
   if (plan.isCopied) return source.ByteCount() + rest;
+  // Turned blocks have other runs of zeros, and other differences of neighbors.
+  if (plan.move) return 2 * source.ByteCount() + rest;
   const uint64_t extra = plan.type == PictureType::tiff ? 2 * ExtraPageBytes(source, state) : 0;
   const auto* tiff = std::get_if<TiffForm>(&form);
   const int width = RoundedUp(state.width, tiff == nullptr ? 0 : tiff->tileWidth);
@@ -206,7 +212,7 @@ WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state
                           const WritePlan& plan, TStream& target, Changes& changes) {
   const PictureWriting writing = WritingOf(source, state, plan);
   WrittenPicture written = source.Copy(writing, target);
-  if (writing.dropsHidden) {
+  if (writing.dropsHidden && !plan.move) {
     for (const std::string& name : source.Header().hiddenOthers) {
       changes.Lose(LossKind::hiddenPictures, name, "it can state what was to be removed");
     }
@@ -215,29 +221,53 @@ WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state
   return written;
 }
 
+namespace {
+
+WrittenPicture Sample(const PictureSource& source, const PictureState& state, const WritePlan& plan,
+                      const SaveOptions& options, Changes& changes) {
+  TMemoryStream target;
+  const int width = std::min(kSampleSide, state.width),
+            height = std::min(kSampleSide, state.height);
+  const PixelLayout layout = state.stages.empty() ? source.Kind().layout : state.layout;
+  return WritePixels(SampleRows(layout, state.isRaster, width, height), state, source, plan,
+                     options, 1, target, changes);
+}
+
+/// Moved pixels lose nothing: only the metadata can.
+WrittenPicture Moved(const PictureSource& source, const PictureState& state, const WritePlan& plan,
+                     Changes& changes) {
+  Changes written;
+  AssembleJpegSegments(StateForMove(state, source).metadata, source.Header().metadata.hasJfif,
+                       written);
+  Join(changes, written);
+  return {plan.form, state.layout, {}};
+}
+
+}  // namespace
+
 Report Foresee(const PictureSource& source, const PictureState& state, WritePlan plan,
                const SaveOptions& options) {
   plan.isSample = true;
   Report report;
   report.type = plan.type;
   report.isCopied = plan.isCopied;
+  report.isMoved = plan.move.has_value();
+  report.moveNote = plan.moveNote;
   report.width = state.width;
   report.height = state.height;
   report.warnings = source.Header().warnings;
   report.warnings.insert(report.warnings.end(), state.placement.warnings.begin(),
                          state.placement.warnings.end());
   Changes changes = LossesOf(source, state, {plan.type, plan.isCopied, plan.hasSideFiles});
-  TMemoryStream target;
-  const int width = std::min(kSampleSide, state.width),
-            height = std::min(kSampleSide, state.height);
-  const PixelLayout layout = state.stages.empty() ? source.Kind().layout : state.layout;
-  const WrittenPicture written = WritePixels(SampleRows(layout, state.isRaster, width, height),
-                                             state, source, plan, options, 1, target, changes);
+  const WrittenPicture written = plan.move ? Moved(source, state, plan, changes)
+                                           : Sample(source, state, plan, options, changes);
   report.layout = plan.isCopied ? state.layout : written.layout;
   report.form = std::holds_alternative<std::monostate>(plan.form) ? written.form : plan.form;
   report.losses = std::move(changes.losses);
   report.notes = std::move(changes.notes);
   if (plan.isCopied) report.notes.emplace_back("the compressed pixels are copied");
+  if (plan.move) report.notes.emplace_back(kMoved);
+  if (!plan.moveNote.empty()) report.notes.push_back(plan.moveNote);
 
   report.bytes = FileBytes(source, state, plan, report.layout, written.form);
   report.memory = MemoryOf(source, state, report.bytes);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include <rasterkit/codecs/rows/picture_writing.h>
@@ -17,21 +18,38 @@ struct WritePlan {
   PictureType type = PictureType::unknown;
   /// The compressed pixels of the source are copied.
   bool isCopied = false;
+  /// The compressed pixels of the source are moved.
+  std::optional<PictureMove> move;
   bool hasSideFiles = false;
   /// The world file of the source goes along, or the format has no tags for the position.
   bool writesWorldFile = false;
   /// Only a small picture of the same kind is written.
   bool isSample = false;
   Form form;
+  /// See Report::moveNote.
+  std::string moveNote;
 };
+
+/// What is written, and how.
+struct TargetPlan {
+  /// The picture, or the part of it that can be moved.
+  PictureState state;
+  WritePlan plan;
+};
+
+inline constexpr const char* kMoved = "the pixels are moved without recompression";
 
 /// The kind of file that the options or the name give. Throws UnsupportedError if there is none or
 /// it cannot be written.
 PictureType TargetType(const std::string& file, const SaveOptions& options);
 
-/// Throws UnsupportedError.
+/// The plan without a look at moves. Throws UnsupportedError.
 WritePlan PlanOf(const PictureSource& source, const PictureState& state, PictureType type,
                  const SaveOptions& options, bool hasSideFiles);
+
+/// The plan of a save. Throws UnsupportedError.
+TargetPlan TargetPlanOf(const PictureSource& source, const PictureState& state, PictureType type,
+                        const SaveOptions& options, bool hasSideFiles);
 
 /// Brings the pixels into the form of the target and writes them. `state` gives metadata and
 /// position. All that is lost on the way is added to `changes`.
@@ -39,7 +57,7 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
                            const WritePlan& plan, const SaveOptions& options, int threads,
                            TStream& target, Changes& changes);
 
-/// Copies the compressed pixels.
+/// Copies or moves the compressed pixels.
 WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state,
                           const WritePlan& plan, TStream& target, Changes& changes);
 

@@ -24,6 +24,9 @@ struct Job {
 struct JobResult {
   std::string type;
   int width = 0, height = 0, bits = 0;
+  /// "copied" or "moved" for compressed pixels of the input, "encoded" for others; empty if not
+  /// known.
+  std::string pixels;
   /// What the input contains and the output does not, and why.
   std::vector<Loss> losses;
   /// The same without a reason, by name: "exif", "mpf" and so on.

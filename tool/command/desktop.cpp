@@ -59,8 +59,12 @@ void Desktop::EditSize(int32_t& width, int32_t& height, const std::string& input
   Confirm(input, [&](std::string& error) { return dialogs_.editSize(width, height, error); });
 }
 
-void Desktop::ChooseCropRect(TBitmap& bitmap, TRect& rect, const std::string& input) const {
-  Confirm(input, [&](std::string& error) { return dialogs_.chooseCropRect(bitmap, rect, error); });
+void Desktop::ChooseCropRect(TBitmap& bitmap, TRect& rect,
+                             const std::function<bool(const TRect& part)>& isLossless,
+                             const std::string& input) const {
+  Confirm(input, [&](std::string& error) {
+    return dialogs_.chooseCropRect(bitmap, rect, isLossless, error);
+  });
 }
 
 void Desktop::OpenFile(std::string& fileName) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -28,7 +29,9 @@ class Desktop {
   /// picture, for messages.
   void Adjust(TBitmap& bitmap, TChgBmpValuesRec& values, const std::string& input) const;
   void EditSize(int32_t& width, int32_t& height, const std::string& input) const;
-  void ChooseCropRect(TBitmap& bitmap, TRect& rect, const std::string& input) const;
+  void ChooseCropRect(TBitmap& bitmap, TRect& rect,
+                      const std::function<bool(const TRect& part)>& isLossless,
+                      const std::string& input) const;
 
   /// Lets the user choose a picture or PDF file. See BitmapOpenDialog.
   void OpenFile(std::string& fileName) const;

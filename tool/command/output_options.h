@@ -6,6 +6,7 @@
 
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/pictures/reading/metafile_drawing.h>
+#include <rasterkit/pictures/saving_options.h>
 #include <rasterkit/pictures/steps.h>
 #include <rasterkit/placement/placement.h>
 
@@ -65,6 +66,8 @@ struct PictureOptions {
   std::optional<int> quality;
   /// Sampling of the chroma of a JPEG file; 0 keeps that of a JPEG input.
   int chromaX = 0, chromaY = 0;
+  /// Whether a JPEG file is turned and cropped without being compressed again.
+  Lossless lossless = Lossless::exact;
   /// For TIFF files. Nothing keeps that of a TIFF input.
   std::optional<TiffCompression> compression;
   /// The source of the position that counts.

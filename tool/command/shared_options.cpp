@@ -97,6 +97,22 @@ void AddType(Verb& verb, OutputOptions& options) {
       .In(kFiles);
 }
 
+void AddFormat(Verb& verb, OutputOptions& options) {
+  static const std::vector<std::pair<std::string, std::string>> kExtensions = {
+      {"jpeg", "jpg"}, {"jpg", "jpg"}, {"png", "png"},
+      {"tiff", "tif"}, {"tif", "tif"}, {"bmp", "bmp"}};
+  std::vector<std::string> choices;
+  for (const auto& [name, extension] : kExtensions) choices.push_back(name);
+  const auto take = [&options](const std::string& text) {
+    for (const auto& [name, extension] : kExtensions) {
+      if (name == text) options.type = extension;
+    }
+  };
+  verb.Parsed("--format", "NAME", take, CheckChoice(choices),
+              "type of the outputs in --out-dir: jpeg, png, tiff or bmp [that of each input]")
+      .In(kFiles);
+}
+
 Option AddAngle(Verb& verb, PictureOptions& options) {
   return verb.Real("--angle", "A", options.angle, CheckAngle,
                    "turn by A degrees; positive is counter-clockwise");
@@ -152,6 +168,23 @@ void AddSampling(Verb& verb, PictureOptions& options) {
   verb.Parsed("--sampling", "S", take, CheckChoice(choices),
               "sampling of JPEG colors: 4:4:4 (full), 4:2:2, 4:2:0, 4:4:0 or 4:1:1 [that of a JPEG "
               "input, else 4:2:0, and 4:4:4 above quality 90]")
+      .In(kPicture);
+}
+
+void AddLossless(Verb& verb, PictureOptions& options) {
+  static const std::vector<std::pair<std::string, Lossless>> kNames = {
+      {"exact", Lossless::exact}, {"trim", Lossless::trim}, {"off", Lossless::off}};
+  std::vector<std::string> choices;
+  for (const auto& [name, lossless] : kNames) choices.push_back(name);
+  const auto take = [&options](const std::string& text) {
+    for (const auto& [name, lossless] : kNames) {
+      if (name == text) options.lossless = lossless;
+    }
+  };
+  verb.Parsed("--lossless", "HOW", take, CheckChoice(choices),
+              "JPEG files are turned, mirrored and cropped without compressing them again: exact "
+              "(where no pixel has to be dropped for it), trim (always; up to a block of pixels is "
+              "dropped at the left or top edge) or off (never) [exact]")
       .In(kPicture);
 }
 

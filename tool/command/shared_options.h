@@ -16,6 +16,8 @@ void AddOutputOptions(
     const std::string& description =
         "one input, then the output; with --out-dir any number of inputs and no output");
 void AddType(Verb& verb, OutputOptions& options);
+/// --format in place of --type: the name of a type.
+void AddFormat(Verb& verb, OutputOptions& options);
 
 /// Check of options that are angles.
 std::string CheckAngle(const std::string& text);
@@ -32,6 +34,7 @@ void AddBackground(Verb& verb, PictureOptions& options);
 void AddBits(Verb& verb, PictureOptions& options);
 void AddQuality(Verb& verb, PictureOptions& options);
 void AddSampling(Verb& verb, PictureOptions& options);
+void AddLossless(Verb& verb, PictureOptions& options);
 /// --world-file and --position-from.
 void AddPosition(Verb& verb, PictureOptions& options);
 /// --strip and --strip-gps.

@@ -18,6 +18,7 @@
 #include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/output_file.h"
+#include "tool/command/output_type.h"
 #include "tool/command/progress.h"
 #include "tool/pictures/metafile_output.h"
 #include "tool/reports/geo_text.h"
@@ -46,6 +47,7 @@ SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options) {
   save.quality = options.quality;
   save.chromaX = options.chromaX;
   save.chromaY = options.chromaY;
+  save.lossless = options.lossless;
   save.compression = options.compression;
   save.background = SolidBackground(options);
   save.writesWorldFile = options.writesWorldFile;
@@ -113,6 +115,12 @@ void NoteUnusedSize(PictureWork& work) {
 
 void NoteOtherCompression(const PictureWork& work, const Report& report, JobResult& result);
 
+/// How the pixels went from file to file.
+const char* PixelsWord(const Report& report) {
+  if (report.isCopied) return "copied";
+  return report.isMoved ? "moved" : "encoded";
+}
+
 JobResult ResultOf(const PictureWork& work, const Report& report) {
   JobResult result;
   result.type = PictureTypeName(report.type);
@@ -120,12 +128,22 @@ JobResult ResultOf(const PictureWork& work, const Report& report) {
   result.height = report.height;
   result.bits = report.layout.BitsPerPixel();
   result.losses = report.losses;
+  std::erase_if(result.losses, [&](const Loss& loss) {
+    const auto& kinds = work.leftOut;
+    return std::find(kinds.begin(), kinds.end(), loss.kind) != kinds.end();
+  });
   result.warnings = report.warnings;
   result.reportWarnings = report.warnings.size();
   result.warnings.insert(result.warnings.end(), work.warnings.begin(), work.warnings.end());
   result.losses.insert(result.losses.end(), work.losses.begin(), work.losses.end());
   result.notes = work.notes;
   result.details = report.notes;
+  if (!report.moveNote.empty()) {
+    std::erase(result.details, report.moveNote);
+    result.notes.push_back(report.moveNote);
+  }
+  result.details.insert(result.details.end(), work.details.begin(), work.details.end());
+  result.pixels = PixelsWord(report);
   result.sideFiles = report.sideFiles;
   result.kept = KeptNames(work.picture, report.losses);
   for (const StatedPosition& position : work.picture.GetPlacement().stated) {
@@ -188,6 +206,14 @@ void PictureWork::PaintTransparent(const std::string& reason) {
   losses.push_back({isColor ? LossKind::transparentColor : LossKind::alpha,
                     isColor ? "the transparent color" : "the alpha channel",
                     reason + ": painted with the background"});
+}
+
+Report PictureWork::Plan(const Picture& changed) const {
+  return changed.Plan(job.output, SaveOptionsOf(job, options));
+}
+
+PictureType PictureWork::TargetType() const {
+  return WritableType(job.output);
 }
 
 std::unique_ptr<TBitmap> PictureWork::Bitmap() const {

@@ -3,6 +3,8 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <rasterkit/pictures/picture.h>
 
@@ -18,7 +20,11 @@ struct PictureWork {
   const PictureOptions& options;
   /// What the verb has to say and loses besides the report of saving.
   std::vector<std::string> notes = {}, warnings = {};
+  /// Notes for --verbose.
+  std::vector<std::string> details = {};
   std::vector<Loss> losses = {};
+  /// Kinds that the verb leaves out by its nature: they are no loss.
+  std::vector<LossKind> leftOut = {};
 
   /// The color of --background, and what --fill and --filter say.
   TColor Background() const;
@@ -26,6 +32,11 @@ struct PictureWork {
   /// Paints transparent parts with the color of --background, because of what the picture becomes,
   /// and counts that as a loss.
   void PaintTransparent(const std::string& reason);
+  void LeavesOut(std::vector<LossKind> kinds) { leftOut = std::move(kinds); }
+  /// What saving this picture in place of the work's own would give. Throws Error.
+  Report Plan(const Picture& changed) const;
+  /// The type of the output's name.
+  PictureType TargetType() const;
   /// The pixels to look at.
   std::unique_ptr<TBitmap> Bitmap() const;
   /// Stops the work on this picture: nothing is written. Throws Failure(exitOutputNotWritten) with

@@ -33,6 +33,7 @@ void PrintJson(const OutputOptions& options, const Job& job, const Outcome& outc
   line.Add("width", ifOk(result.width));
   line.Add("height", ifOk(result.height));
   line.Add("bits", ifOk(result.bits));
+  line.Add("pixels", ok ? TextOrNull(result.pixels) : Json());
   if (options.dryRun) line.Add("dry_run", true);
   line.Add("not_carried_over", LostNames(result));
   line.Add("losses", LossesJson(result.losses));

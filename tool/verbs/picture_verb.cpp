@@ -30,6 +30,11 @@ void PictureVerb::Dialog(bool& isWanted, const std::string& description) {
   asksUser_ = &isWanted;
 }
 
+void PictureVerb::MakesPreviews() {
+  makesPreviews_ = true;
+  picture_->positionFrom = PositionFrom::none;
+}
+
 VerbRunner PictureVerb::Changing(PictureChange change) {
   return ChangingAfter([change = std::move(change)] { return change; });
 }
@@ -38,7 +43,11 @@ void PictureVerb::AddSharedOptions() {
   output_->isForPictures = true;
   AddOutputOptions(*this, *output_, answer_ ? "IN [OUT]" : "IN OUT");
   AddIsolate(*this);
-  AddType(*this, *output_);
+  if (makesPreviews_) {
+    AddFormat(*this, *output_);
+  } else {
+    AddType(*this, *output_);
+  }
   if (uncoversCorners_) {
     AddCorners(*this, *picture_);
   } else {
@@ -47,10 +56,13 @@ void PictureVerb::AddSharedOptions() {
   AddBits(*this, *picture_);
   AddQuality(*this, *picture_);
   AddSampling(*this, *picture_);
+  AddLossless(*this, *picture_);
   AddCompression(*this, *picture_);
   if (output_->takesMetafiles) AddMetafileSize(*this, *picture_);
-  AddPosition(*this, *picture_);
-  AddStrip(*this, *picture_);
+  if (!makesPreviews_) {
+    AddPosition(*this, *picture_);
+    AddStrip(*this, *picture_);
+  }
   AddThreads(*this, *picture_);
 }
 

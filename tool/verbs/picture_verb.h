@@ -39,6 +39,9 @@ class PictureVerb : public Verb {
   void UncoversCorners() { uncoversCorners_ = true; }
   /// Outputs may be metafiles, and --dpi and --size say how metafiles are drawn.
   void TakesMetafiles() { output_->takesMetafiles = true; }
+  /// The outputs are small pictures to look at, in a type of --format, without metadata and
+  /// position.
+  void MakesPreviews();
   /// The options that all verbs share, for a verb that adds one of its own to them.
   const std::shared_ptr<PictureOptions>& Options() { return picture_; }
 
@@ -72,6 +75,7 @@ class PictureVerb : public Verb {
   const bool* asksAboutFiles_ = nullptr;
   const bool* asksUser_ = nullptr;
   bool uncoversCorners_ = false;
+  bool makesPreviews_ = false;
   std::shared_ptr<OutputOptions> output_ = std::make_shared<OutputOptions>();
   std::shared_ptr<PictureOptions> picture_ = std::make_shared<PictureOptions>();
 };

@@ -1,3 +1,4 @@
+#include <functional>
 #include <memory>
 
 #include <fmt/core.h>
@@ -37,11 +38,32 @@ void CropOnMap(const std::string& typed, PictureWork& work) {
                                    part->top, part->width, part->height));
 }
 
+CropStep StepOf(const TRect& rect) {
+  return {rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top};
+}
+
+/// Tells for a part of a JPEG file whether its compressed pixels are kept; nothing for others.
+std::function<bool(const TRect&)> LosslessJudge(const PictureWork& work) {
+  const auto isLossless = [&work](const TRect& part) {
+    try {
+      Picture picture = work.picture;
+      const Report plan = work.Plan(picture.Crop(StepOf(part)));
+      return plan.isMoved || plan.isCopied;
+    } catch (const std::exception&) {
+      return false;
+    }
+  };
+  const bool isJpeg = work.picture.SourceType() == PictureType::jpeg &&
+                      work.TargetType() == PictureType::jpeg;
+  if (!isJpeg) return {};
+  return isLossless;
+}
+
 /// Starts with the rectangle `start` if it is inside the picture.
 void AskAndCrop(const Desktop& desktop, const CropStep& start, PictureWork& work) {
   TRect rect = {start.left, start.top, start.left + start.width, start.top + start.height};
-  desktop.ChooseCropRect(*work.Bitmap(), rect, work.job.input);
-  CropTo({rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top}, work);
+  desktop.ChooseCropRect(*work.Bitmap(), rect, LosslessJudge(work), work.job.input);
+  CropTo(StepOf(rect), work);
 }
 
 PictureChange Prepare(const CropOptions& options) {

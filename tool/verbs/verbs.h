@@ -18,6 +18,7 @@ VerbRunner AddRotateVerb(CommandLine& line);
 VerbRunner AddMirrorVerb(CommandLine& line);
 VerbRunner AddCropVerb(CommandLine& line);
 VerbRunner AddResizeVerb(CommandLine& line);
+VerbRunner AddThumbnailVerb(CommandLine& line);
 VerbRunner AddGrayVerb(CommandLine& line);
 VerbRunner AddMonoVerb(CommandLine& line);
 VerbRunner AddBrightnessVerb(CommandLine& line);

@@ -16,8 +16,14 @@ bool IsWhole(const TBitmap& bitmap, const TRect& rect) {
 }  // namespace
 
 bool ChooseCropRect(TBitmap& bitmap, TRect& rect) {
+  return ChooseCropRect(bitmap, rect, nullptr);
+}
+
+bool ChooseCropRect(TBitmap& bitmap, TRect& rect,
+                    const std::function<bool(const TRect& part)>& isLossless) {
   const TModalCall call;
   TFormCropBitmap form(bitmap, rect);
+  if (isLossless) form.SetIsLossless(isLossless);
   if (form.ShowModal() != mrOk) return false;
   rect = form.ChosenRect();
   return true;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/runtime/export.h>
 
@@ -13,6 +15,11 @@ class TBitmap;
 /// rectangle was drawn. Otherwise `rect` does not change. The pixels of the bitmap do not change.
 /// Throws Error if no window can be shown.
 RASTERKIT_EXPORT bool ChooseCropRect(TBitmap& bitmap, TRect& rect);
+
+/// The same for a picture from a JPEG file: the window says for each part whether its compressed
+/// pixels can be kept, which `isLossless` tells. It must not throw.
+RASTERKIT_EXPORT bool ChooseCropRect(TBitmap& bitmap, TRect& rect,
+                                     const std::function<bool(const TRect& part)>& isLossless);
 
 /// Like ChooseCropRect; in addition, a confirmed part replaces the bitmap with the same pixel
 /// format and palette.

@@ -95,6 +95,19 @@ void TFormCropBitmap::ShowState() {
   ui_->SpeedButtonWhole->setEnabled(fBmpCutRect->GetCutRectExists());
   ui_->SpeedButtonUndo->setEnabled(fBmpCutRect->CanUndo());
   ShowNumbers();
+  ShowIsLossless();
+}
+
+void TFormCropBitmap::SetIsLossless(std::function<bool(const TRect& part)> isLossless) {
+  isLossless_ = std::move(isLossless);
+  ui_->LabelLossless->setVisible(isLossless_ != nullptr);
+  ShowIsLossless();
+}
+
+void TFormCropBitmap::ShowIsLossless() {
+  if (!isLossless_) return;
+  const bool isLossless = isLossless_(ChosenRect());
+  ui_->LabelLossless->setText(TextOf(isLossless ? rsCropLossless : rsCropNotLossless));
 }
 
 void TFormCropBitmap::ShowNumbers() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include <rasterkit/dialogs/bitmapframe/bmp_cut_rect.h>
@@ -25,6 +26,8 @@ class TFormCropBitmap : public TScaledForm {
   /// Returns the part of the bitmap to keep: the cut, or the whole bitmap.
   TRect ChosenRect() const { return CropNumbersOf(*fBmpCutRect).Rect(); }
   TBmpCutRect& Tool() { return *fBmpCutRect; }
+  /// Shows for each part whether its compressed pixels can be kept.
+  void SetIsLossless(std::function<bool(const TRect& part)> isLossless);
 
   void SpeedButtonFitClick();
   void SpeedButtonOrgSizeClick();
@@ -40,9 +43,11 @@ class TFormCropBitmap : public TScaledForm {
   void ConnectControls();
   void ShowState();
   void ShowNumbers();
+  void ShowIsLossless();
 
   std::unique_ptr<Ui::FormCropBitmap> ui_;
   std::unique_ptr<TBmpCutRect> fBmpCutRect;
+  std::function<bool(const TRect& part)> isLossless_;
   bool isShowingNumbers_ = false;
 };
 

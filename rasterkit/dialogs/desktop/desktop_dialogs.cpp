@@ -62,8 +62,10 @@ DesktopAnswer Resize(int32_t& width, int32_t& height, std::string& error) noexce
   return AnswerOf([&] { return EditSize(width, height, isProportional); }, error);
 }
 
-DesktopAnswer Crop(TBitmap& bitmap, TRect& rect, std::string& error) noexcept {
-  return AnswerOf([&] { return ChooseCropRect(bitmap, rect); }, error);
+DesktopAnswer Crop(TBitmap& bitmap, TRect& rect,
+                   const std::function<bool(const TRect& part)>& isLossless,
+                   std::string& error) noexcept {
+  return AnswerOf([&] { return ChooseCropRect(bitmap, rect, isLossless); }, error);
 }
 
 DesktopAnswer OpenFile(std::string& fileName, std::string& error) noexcept {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -32,8 +33,10 @@ struct DesktopDialogs {
                                 std::string& error) noexcept;
   /// EditSize.
   DesktopAnswer (*editSize)(int32_t& width, int32_t& height, std::string& error) noexcept;
-  /// ChooseCropRect.
-  DesktopAnswer (*chooseCropRect)(TBitmap& bitmap, TRect& rect, std::string& error) noexcept;
+  /// ChooseCropRect. `isLossless` may be empty.
+  DesktopAnswer (*chooseCropRect)(TBitmap& bitmap, TRect& rect,
+                                  const std::function<bool(const TRect& part)>& isLossless,
+                                  std::string& error) noexcept;
 
   /// BitmapOpenDialog for pictures and PDF files.
   DesktopAnswer (*openFile)(std::string& fileName, std::string& error) noexcept;
@@ -54,7 +57,7 @@ struct DesktopDialogs {
 };
 
 /// Incremented with every change of the table or of a type that its functions use.
-inline constexpr int32_t kDesktopVersion = 4;
+inline constexpr int32_t kDesktopVersion = 5;
 
 inline constexpr const char* kDesktopEntry = "rasterkit_desktop_dialogs";
 

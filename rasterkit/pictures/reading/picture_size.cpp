@@ -37,6 +37,17 @@ PictureSize PictureSize::For(int oldWidth, int oldHeight) const {
   return *this;
 }
 
+PictureSize PictureSize::Around(int columns, int rows) const {
+  const int64_t most = width > 0 ? width : columns, highest = height > 0 ? height : rows;
+  if (columns <= most && rows <= highest) return {columns, rows};
+  const auto scaled = [](int64_t side, int64_t to, int64_t from) {
+    return std::max(1, static_cast<int>((2 * side * to + from) / (2 * from)));
+  };
+  const bool isWide = columns * highest >= rows * most;
+  return isWide ? PictureSize{static_cast<int>(most), scaled(rows, most, columns)}
+                : PictureSize{scaled(columns, highest, rows), static_cast<int>(highest)};
+}
+
 bool PictureSize::IsPossible() const {
   return IsSide(width) && IsSide(height);
 }

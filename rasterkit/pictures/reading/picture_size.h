@@ -15,6 +15,10 @@ struct RASTERKIT_EXPORT PictureSize {
   /// Returns both sides for a picture of width x height, each at least 1.
   PictureSize For(int width, int height) const;
 
+  /// Returns both sides of a picture of width x height that is shrunk, if it must be, so that it
+  /// fits into this box with its proportions, each at least 1. A side of 0 is no limit.
+  PictureSize Around(int width, int height) const;
+
   /// True if both sides are 1 to 1,000,000.
   bool IsPossible() const;
 };

@@ -219,6 +219,14 @@ Möchten Sie die Datei ersetzen?</translation>
         <translation>Linke Kante des Rechtecks in Pixeln des Bildes</translation>
     </message>
     <message>
+        <source>Lossless: the blocks of the JPEG file are moved</source>
+        <translation>Verlustfrei: Die Blöcke der JPEG-Datei werden verschoben</translation>
+    </message>
+    <message>
+        <source>Not lossless: the pixels are compressed again</source>
+        <translation>Nicht verlustfrei: Die Pixel werden neu komprimiert</translation>
+    </message>
+    <message>
         <source>Crop picture</source>
         <translation>Bild zuschneiden</translation>
     </message>

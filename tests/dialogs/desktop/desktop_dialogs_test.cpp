@@ -63,7 +63,7 @@ TEST_F(DesktopDialogsTest, Answers_Should_BeThoseOfTheUser) {
   bitmap.SetSize(8, 6);
   TRect rect{1, 2, 3, 4};
   EndWindow(QDialog::Accepted);
-  EXPECT_EQ(dialogs->chooseCropRect(bitmap, rect, error), DesktopAnswer::confirmed);
+  EXPECT_EQ(dialogs->chooseCropRect(bitmap, rect, {}, error), DesktopAnswer::confirmed);
   EXPECT_EQ(rect.Bottom, 4);
   TChgBmpValuesRec values;
   EndWindow(QDialog::Rejected);

@@ -32,7 +32,9 @@ constexpr DesktopDialogs kDialogs = {
     End,
     [](TBitmap&, TChgBmpValuesRec&, std::string& error) noexcept { return Fail(error); },
     [](int32_t&, int32_t&, std::string& error) noexcept { return Fail(error); },
-    [](TBitmap&, TRect&, std::string& error) noexcept { return Fail(error); },
+    [](TBitmap&, TRect&, const std::function<bool(const TRect&)>&, std::string& error) noexcept {
+      return Fail(error);
+    },
     [](std::string&, std::string& error) noexcept { return Fail(error); },
     [](const std::string&, std::string&, std::unique_ptr<TGraphic>&, std::string& error) noexcept {
       return Fail(error);
