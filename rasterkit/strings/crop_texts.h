@@ -37,7 +37,8 @@ inline constexpr std::string_view rsCropHeightHint = "Height of the rectangle in
 inline constexpr std::string_view rsCropLeft = "Left";
 inline constexpr std::string_view rsCropLeftHint =
     "Left edge of the rectangle in pixels of the picture";
-inline constexpr std::string_view rsCropLossless = "Lossless: the blocks of the JPEG file are moved";
+inline constexpr std::string_view rsCropLossless =
+    "Lossless: the blocks of the JPEG file are moved";
 inline constexpr std::string_view rsCropNotLossless =
     "Not lossless: the pixels are compressed again";
 inline constexpr std::string_view rsCropPicture = "Crop picture";

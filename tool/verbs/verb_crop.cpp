@@ -53,8 +53,8 @@ std::function<bool(const TRect&)> LosslessJudge(const PictureWork& work) {
       return false;
     }
   };
-  const bool isJpeg = work.picture.SourceType() == PictureType::jpeg &&
-                      work.TargetType() == PictureType::jpeg;
+  const bool isJpeg =
+      work.picture.SourceType() == PictureType::jpeg && work.TargetType() == PictureType::jpeg;
   if (!isJpeg) return {};
   return isLossless;
 }

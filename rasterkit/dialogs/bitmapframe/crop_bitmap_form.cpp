@@ -4,6 +4,8 @@
 
 #include <rasterkit/dialogs/bitmapframe/crop_bitmap_form.h>
 #include <rasterkit/qt/look/icons.h>
+#include <rasterkit/qt/qt_text.h>
+#include <rasterkit/strings/strings.h>
 
 #include "ui_crop_bitmap_form.h"
 
@@ -107,7 +109,7 @@ void TFormCropBitmap::SetIsLossless(std::function<bool(const TRect& part)> isLos
 void TFormCropBitmap::ShowIsLossless() {
   if (!isLossless_) return;
   const bool isLossless = isLossless_(ChosenRect());
-  ui_->LabelLossless->setText(TextOf(isLossless ? rsCropLossless : rsCropNotLossless));
+  ui_->LabelLossless->setText(ResourceText(isLossless ? rsCropLossless : rsCropNotLossless));
 }
 
 void TFormCropBitmap::ShowNumbers() {
