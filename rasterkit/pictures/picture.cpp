@@ -9,7 +9,7 @@
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/read_pixels.h>
 #include <rasterkit/pictures/run_scope.h>
-#include <rasterkit/pictures/save_picture.h>
+#include <rasterkit/pictures/save_pages.h>
 #include <rasterkit/pictures/side_file_losses.h>
 #include <rasterkit/pictures/write_plan.h>
 #include <rasterkit/placement/map_window.h>
@@ -113,16 +113,8 @@ Picture& Picture::Combine(const Picture& other, const CombineOptions& options) {
 }
 
 Report Picture::Plan(const std::string& file, const SaveOptions& options) const {
-  const PictureType type = detail::TargetType(file, options);
-  const bool hasSideFiles = detail::CanHaveSideFiles(file);
-  const detail::WritePlan plan = detail::PlanOf(*source_, *state_, type, options, hasSideFiles);
-  Report report = detail::Foresee(*source_, *state_, plan, options);
-  if (!hasSideFiles) return report;
-  Changes changes;
-  const SideFiles files(detail::WishOf(*source_, *state_, plan, file, options), state_->placement,
-                        changes);
-  detail::AddSideFiles(report, &files, changes);
-  return report;
+  return detail::PlanOfFile(detail::PartsOf(*this, detail::TargetType(file, options), options),
+                            file, options);
 }
 
 Report Picture::Save(const std::string& file, const SaveOptions& options, const Run& run) const {
@@ -136,8 +128,7 @@ Report Picture::Save(TStream& stream, const SaveOptions& options, const Run& run
   SaveOptions typed = options;
   if (!typed.type) typed.type = SourceType();
   const PictureType type = detail::TargetType({}, typed);
-  const detail::WritePlan plan = detail::PlanOf(*source_, *state_, type, typed, false);
-  return detail::WriteTo(stream, *source_, *state_, plan, typed, scope);
+  return detail::WriteParts(stream, detail::PartsOf(*this, type, typed), typed, false, scope);
 }
 
 std::unique_ptr<TBitmap> Picture::Bitmap(const Run& run) const {

@@ -12,6 +12,10 @@ namespace {
 /// Parts of the work after which reading and the stages end.
 constexpr double kRead = 0.5;
 
+double ReadEnd(const WorkPart& part) {
+  return part.from + kRead * (part.end - part.from);
+}
+
 /// Says what the decoder noticed. The header says some of it already.
 void Warn(const CodecReport& read, Report& report) {
   for (const std::string& warning : read.warnings) {
@@ -51,13 +55,14 @@ Report Begin(const PictureSource& source, const PictureState& state, const Write
   return report;
 }
 
-WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const PictureState& state,
-                         const WritePlan& plan, const SaveOptions& options, RunScope& run,
-                         Report& report, Changes& changes) {
-  run.Begin(kRead, source.Header().height);
+WrittenPicture WriteAnew(PictureTarget& target, const PictureSource& source,
+                         const PictureState& state, const WritePlan& plan,
+                         const SaveOptions& options, RunScope& run, WorkPart part, Report& report,
+                         Changes& changes) {
+  run.Begin(ReadEnd(part), source.Header().height);
   Changes made;
   DecodedPicture decoded = ReadPixels(source, state, run.Stages(), made);
-  run.Begin(1, HeightOf(decoded.pixels));
+  run.Begin(part.end, HeightOf(decoded.pixels));
   // The metadata describe the pixels that are written: the thumbnail is made of them.
   PictureState followed = state;
   if (NeedsThumbnail(state, source) && plan.type != PictureType::bmp) {
@@ -74,13 +79,13 @@ WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const Pic
 
 /// False if the compressed pixels are damaged so that they cannot be copied: they are then decoded,
 /// and what is missing is said.
-bool Copy(TStream& target, const PictureSource& source, const PictureState& state,
-          const WritePlan& plan, RunScope& run, WrittenPicture& written, Report& report,
-          Changes& changes) {
-  run.Begin(kRead, source.Header().height);
+bool Copy(PictureTarget& target, const PictureSource& source, const PictureState& state,
+          const WritePlan& plan, RunScope& run, WorkPart part, WrittenPicture& written,
+          Report& report, Changes& changes) {
+  run.Begin(ReadEnd(part), source.Header().height);
   Changes seen;
   const CodecReport read = ReadForDamage(source, run.Threads(), seen);
-  run.Begin(1, 1);
+  run.Begin(part.end, 1);
   const uint64_t start = target.Position();
   try {
     Changes copied = LossesOf(source, state, {plan.type, true, plan.hasSideFiles});
@@ -101,23 +106,30 @@ bool Copy(TStream& target, const PictureSource& source, const PictureState& stat
 
 }  // namespace
 
-Report WriteTo(TStream& target, const PictureSource& source, const PictureState& state,
-               const WritePlan& plan, const SaveOptions& options, RunScope& run) {
+Report WriteOne(PictureTarget& target, const PictureSource& source, const PictureState& state,
+                const WritePlan& plan, const SaveOptions& options, RunScope& run, WorkPart part) {
   Report report = Begin(source, state, plan);
-  const uint64_t start = target.Position();
   Changes changes;
   WrittenPicture written;
   report.isCopied =
-      plan.isCopied && Copy(target, source, state, plan, run, written, report, changes);
+      plan.isCopied && Copy(target, source, state, plan, run, part, written, report, changes);
   if (!report.isCopied) {
     WritePlan anew = plan;
     anew.isCopied = false;
-    written = WriteAnew(target, source, state, anew, options, run, report, changes);
+    written = WriteAnew(target, source, state, anew, options, run, part, report, changes);
   }
   report.form = written.form;
   report.layout = written.layout;
   report.losses = std::move(changes.losses);
   report.notes = std::move(changes.notes);
+  return report;
+}
+
+Report WriteTo(TStream& target, const PictureSource& source, const PictureState& state,
+               const WritePlan& plan, const SaveOptions& options, RunScope& run) {
+  const uint64_t start = target.Position();
+  StreamTarget file(target);
+  Report report = WriteOne(file, source, state, plan, options, run, {});
   report.bytes = target.Position() - start;
   report.memory = MemoryOf(source, state, report.bytes);
   run.Finish();
