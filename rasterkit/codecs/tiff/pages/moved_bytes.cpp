@@ -10,12 +10,20 @@ namespace rasterkit::detail {
 namespace {
 
 constexpr uint64_t kPieceBytes = 1 << 20;
+/// How often the bytes of a source may be copied: pages can share a part of a strip.
+constexpr uint64_t kMostCopies = 2;
+/// What a map takes beside each range.
+constexpr uint64_t kNodeBytes = 48;
 
 }  // namespace
 
 void MovedBytes::Add(const TagReader& reader, uint64_t at, uint64_t count) {
   if (at > reader.Size() || count > reader.Size() - at) {
     throw FormatError("TIFF: a strip or tile reaches beyond the end of the file");
+  }
+  if (areCopied_) {
+    ranges_.clear();
+    areCopied_ = false;
   }
   // Strips mostly follow each other.
   if (!ranges_.empty() && ranges_.back().end == at) {
@@ -40,17 +48,37 @@ void MovedBytes::Merge() {
   ranges_ = std::move(merged);
 }
 
+const MovedBytes::Range* MovedBytes::Earlier(const Range& range) const {
+  auto next = earlier_.upper_bound(range.at);
+  if (next == earlier_.begin()) return nullptr;
+  const Range& before = (--next)->second;
+  return range.end <= before.end ? &before : nullptr;
+}
+
 uint64_t MovedBytes::Total() {
+  if (areCopied_) return 0;
   Merge();
   uint64_t total = 0;
-  for (const Range& range : ranges_) total += range.end - range.at + 1;
+  for (const Range& range : ranges_) {
+    if (!Earlier(range)) total += range.end - range.at + 1;
+  }
   return total;
 }
 
 void MovedBytes::Copy(const TagReader& reader, TagFileWriter& file) {
+  if (areCopied_) ranges_.clear();
+  areCopied_ = true;
   Merge();
   std::vector<uint8_t> piece;
   for (Range& range : ranges_) {
+    if (const Range* earlier = Earlier(range)) {
+      range.newAt = earlier->newAt + (range.at - earlier->at);
+      continue;
+    }
+    copied_ += range.end - range.at;
+    if (copied_ / kMostCopies > reader.Size()) {
+      throw FormatError("TIFF: pages of the file share their strips or tiles in part");
+    }
     for (uint64_t at = range.at; at < range.end || range.newAt == 0;) {
       RequireTime();
       piece.resize(static_cast<size_t>(std::min(kPieceBytes, range.end - at)));
@@ -60,7 +88,11 @@ void MovedBytes::Copy(const TagReader& reader, TagFileWriter& file) {
       if (range.newAt == 0) range.newAt = newAt;
       at += piece.size();
     }
+    Range& known = earlier_[range.at];
+    if (known.end <= range.end) known = range;
   }
+  RequirePictureMemory(earlier_.size() * (sizeof(Range) + kNodeBytes),
+                       "TIFF: the list of strips and tiles");
 }
 
 uint64_t MovedBytes::PlaceOf(uint64_t at) const {

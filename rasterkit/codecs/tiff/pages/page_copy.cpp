@@ -1,27 +1,20 @@
 #include <algorithm>
+#include <array>
 #include <numeric>
-#include <optional>
-#include <unordered_set>
 
 #include <fmt/format.h>
 #include <tiff.h>
 
-#include <rasterkit/codecs/tiff/pages/moved_bytes.h>
+#include <rasterkit/codecs/tiff/pages/page_copy.h>
 #include <rasterkit/codecs/tiff/pages/page_directory.h>
 #include <rasterkit/codecs/tiff/pages/page_facts.h>
-#include <rasterkit/codecs/tiff/pages/page_metadata.h>
-#include <rasterkit/codecs/tiff/pages/stored_blocks.h>
 #include <rasterkit/codecs/tiff/pages/tag_kinds.h>
-#include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/runtime/errors.h>
-#include <rasterkit/runtime/files/atomic_file.h>
 #include <rasterkit/runtime/limits.h>
 
-namespace rasterkit {
+namespace rasterkit::detail {
 
 namespace {
-
-using namespace detail;
 
 constexpr uint64_t kQuantizationBytes = 64, kHuffmanCounts = 16;
 constexpr uint64_t kMostTableCount = 64;
@@ -29,112 +22,123 @@ constexpr uint64_t kMostTableCount = 64;
 constexpr uint64_t kLeastEntryBytes = 2;
 /// Values of smaller copies may share bytes in a forged file.
 constexpr uint64_t kSpareBytes = 1 << 20;
+/// Larger values are written once for all pages that share them.
+constexpr uint64_t kMostOwnBytes = 4096;
+constexpr uint64_t kMostDirectoriesOfTag = 256;
+constexpr size_t kMostDirectoriesOfPage = 1024;
+/// Of a BigTIFF file: an entry, the count and the link of a directory with the bytes that make
+/// places even.
+constexpr uint64_t kEntryBytes = 20, kDirectoryBytes = 24;
 
 bool IsTableList(uint16_t tag) {
   return tag == TIFFTAG_JPEGQTABLES || tag == TIFFTAG_JPEGDCTABLES || tag == TIFFTAG_JPEGACTABLES;
 }
 
-bool LeadsToDirectory(uint16_t tag) {
-  return KindOfTag(tag) == TagKind::pointer;
+/// Of the metadata that is written anew.
+bool IsOfMetadata(uint16_t tag) {
+  return tag == TIFFTAG_EXIFIFD || tag == TIFFTAG_GPSIFD || tag == kInteropPointer;
 }
 
-/// Copies a page with its smaller copies and masks.
-class PageCopier {
- public:
-  PageCopier(const TagReader& reader, TStream& target, const PictureWriting& writing)
-      : reader_(reader),
-        target_(target),
-        writing_(writing),
-        left_(2 * reader.Size() + kSpareBytes) {}
+bool IsBlockTag(uint16_t tag) {
+  return tag == TIFFTAG_STRIPOFFSETS || tag == TIFFTAG_STRIPBYTECOUNTS ||
+         tag == TIFFTAG_TILEOFFSETS || tag == TIFFTAG_TILEBYTECOUNTS;
+}
 
-  WrittenPicture Copy() {
-    const auto first = reader_.Directory(reader_.First());
-    if (!first) throw FormatError("TIFF: the first directory cannot be read");
-    const PageFacts facts = FactsOfPage(reader_, *first);
-    WrittenPicture written;
-    written.form = facts.form;
-    written.layout = facts.layout;
-    const PageFamily family = FamilyOf(reader_, *first);
-    Collect(*first);
-    for (const uint64_t at : family.following) CollectAt(at);
-    const PageTags tags =
-        TagsOfMetadata(writing_, {facts.layout.model, true, true}, written.changes);
-    const bool isBig = reader_.IsBig() || moved_.Total() + BytesOfTags(tags) > UINT32_MAX;
-    if (isBig != reader_.IsBig()) {
-      std::get<TiffForm>(written.form).isBigTiff = true;
-      written.changes.Note("written as a BigTIFF file, which exceeds 4 GiB");
-    }
-    file_.emplace(target_, isBig, reader_.IsBigEndian());
-    moved_.Copy(reader_, *file_);
-    WriteAll(*first, family, tags, written.changes);
-    return written;
+bool IsOldJpeg(const TagReader& reader, const TagDirectory& directory) {
+  return reader.Integer(directory, TIFFTAG_COMPRESSION, 1) == COMPRESSION_OJPEG;
+}
+
+bool IsWideInteger(uint16_t type) {
+  return type == TIFF_LONG8 || type == TIFF_SLONG8 || type == TIFF_IFD8;
+}
+
+std::vector<uint64_t> NumbersOf(const TagValue& value) {
+  std::vector<uint64_t> numbers;
+  const auto unit = static_cast<size_t>(TagUnitBytes(value.type));
+  for (size_t at = 0; at + unit <= value.bytes.size(); at += unit) {
+    uint64_t number = 0;
+    for (size_t i = unit; i-- > 0;) number = number << 8 | value.bytes[at + i];
+    numbers.push_back(number);
   }
+  return numbers;
+}
 
- private:
-  uint64_t BytesOfTags(const PageTags& tags) const {
-    uint64_t bytes = kSpareBytes + std::min(reader_.Size(), left_);
-    for (const auto* values : {&tags.main, &tags.exif, &tags.gps, &tags.interop}) {
-      for (const TagValue& value : *values) bytes += value.bytes.size() + 32;
-    }
-    return bytes;
+/// The numbers in the type that the source has, if they fit it; else `wide`.
+TagValue InTypeOf(const TagPlace* source, std::span<const uint64_t> numbers, TagValue wide) {
+  if (!source) return wide;
+  const uint16_t type = source->type;
+  const bool isKnown = type == TIFF_SHORT || type == TIFF_LONG || type == TIFF_IFD;
+  const uint64_t most = type == TIFF_SHORT ? UINT16_MAX : UINT32_MAX;
+  const bool fits = isKnown && std::all_of(numbers.begin(), numbers.end(),
+                                           [&](uint64_t number) { return number <= most; });
+  if (!fits) return wide;
+  TagValue value{wide.tag, type, numbers.size(), {}};
+  const int unit = TagTypeBytes(type);
+  for (const uint64_t number : numbers) {
+    for (int i = 0; i < unit; i++) value.bytes.push_back(static_cast<uint8_t>(number >> 8 * i));
   }
+  return value;
+}
 
-  void Collect(const TagDirectory& directory);
-  void CollectAt(uint64_t at);
-  void CollectOldJpeg(const TagDirectory& directory, const StoredBlocks& blocks);
-  void WriteAll(const TagDirectory& first, const PageFamily& family, const PageTags& tags,
-                Changes& changes);
-  TagMap Structure(const TagDirectory& directory, bool isMain, Changes& changes);
-  void MoveBlocks(const TagDirectory& directory, TagMap& tags);
-  void MoveOldJpeg(TagMap& tags);
-  TagValue Take(const TagPlace& place);
-  TagValue CopyBelow(const TagPlace& pointer, Changes& changes);
-  std::optional<TagFileWriter::Written> CopyDirectory(uint64_t at, Changes& changes);
+}  // namespace
 
-  const TagReader& reader_;
-  TStream& target_;
-  const PictureWriting& writing_;
-  /// Bytes of values that may still be copied from the source.
-  uint64_t left_;
-  MovedBytes moved_;
-  std::optional<TagFileWriter> file_;
-  /// Bytes that the lists of strips and tiles take at least.
-  uint64_t listed_ = 0;
-  std::unordered_set<uint64_t> collected_, copied_;
-};
+CopiedSource::CopiedSource(const TagReader& reader) : left(2 * reader.Size() + kSpareBytes) {}
 
-void PageCopier::Collect(const TagDirectory& directory) {
+void PageCopier::Charge(uint64_t bytes) {
+  if (bytes > source_.left) throw FormatError("TIFF: directories of the file share their values");
+  source_.left -= bytes;
+}
+
+bool PageCopier::IsWrittenAnew(const TagPlace& place) const {
+  if (LeadsToDirectory(place.tag, place.type)) return IsOfMetadata(place.tag);
+  return KindOfTag(place.tag) != TagKind::structure;
+}
+
+void PageCopier::Collect(const TagDirectory& first, std::span<const uint64_t> following) {
+  first_ = first;
+  following_.assign(following.begin(), following.end());
+  CollectDirectory(first_);
+  for (const uint64_t at : following_) CollectAt(at);
+  if (writing_) {
+    tags_ = TagsOfMetadata(*writing_, {FactsOfPage(reader_, first_).layout.model, true, true},
+                           changes_);
+  }
+}
+
+void PageCopier::CollectDirectory(const TagDirectory& directory) {
   if (!collected_.insert(directory.at).second) return;
   RequireTime();
   const StoredBlocks blocks = BlocksOf(reader_, directory);
   // Directories with lists of their own cannot exceed this.
-  listed_ += blocks.places.size() * kLeastEntryBytes;
-  if (listed_ > reader_.Size()) {
+  source_.listed += blocks.places.size() * kLeastEntryBytes + directory.tags.size() * 2;
+  if (source_.listed > reader_.Size()) {
     throw FormatError("TIFF: directories of the file share their lists of strips");
   }
+  tagBytes_ += kDirectoryBytes + blocks.places.size() * 2 * sizeof(uint64_t);
   for (size_t i = 0; i < blocks.places.size(); i++) {
-    if (blocks.places[i] != 0) moved_.Add(reader_, blocks.places[i], blocks.counts[i]);
+    if (blocks.places[i] != 0) {
+      source_.moved.Add(reader_, blocks.places[i], blocks.counts[i]);
+    }
   }
   CollectOldJpeg(directory, blocks);
+  const bool isMain = IsMain(directory);
   for (const TagPlace& place : directory.tags) {
-    if (!LeadsToDirectory(place.tag)) continue;
-    // Directories of the page's own metadata are written anew.
-    const bool isOfMain = directory.at == reader_.First();
-    if (isOfMain && place.tag != TIFFTAG_SUBIFD) continue;
-    constexpr uint64_t kMostDirectories = 256;
-    for (const uint64_t at : reader_.Integers(place, kMostDirectories)) CollectAt(at);
+    // Values become even, and pointers become wide.
+    tagBytes_ +=
+        kEntryBytes + (LeadsToDirectory(place.tag, place.type) ? 2 : 1) * place.Bytes() + 1;
+    if (!LeadsToDirectory(place.tag, place.type) || (isMain && IsWrittenAnew(place))) continue;
+    for (const uint64_t at : reader_.Integers(place, kMostDirectoriesOfTag)) CollectAt(at);
   }
 }
 
 void PageCopier::CollectAt(uint64_t at) {
-  constexpr size_t kMostDirectories = 1024;
-  if (collected_.size() >= kMostDirectories) return;
-  if (const auto directory = reader_.Directory(at)) Collect(*directory);
+  if (collected_.size() >= kMostDirectoriesOfPage) return;
+  if (const auto directory = reader_.Directory(at)) CollectDirectory(*directory);
 }
 
 /// Old-style JPEG has a whole JPEG file, or tables, beside its strips.
 void PageCopier::CollectOldJpeg(const TagDirectory& directory, const StoredBlocks& blocks) {
-  if (reader_.Integer(directory, TIFFTAG_COMPRESSION, 1) != COMPRESSION_OJPEG) return;
+  if (!IsOldJpeg(reader_, directory)) return;
   const uint64_t at = reader_.Integer(directory, TIFFTAG_JPEGIFOFFSET, 0);
   if (at != 0 && at < reader_.Size()) {
     const uint64_t left = reader_.Size() - at;
@@ -145,7 +149,7 @@ void PageCopier::CollectOldJpeg(const TagDirectory& directory, const StoredBlock
       end = std::max(end, blocks.places[i] + blocks.counts[i]);
     }
     const uint64_t stripsEnd = end > at ? end - at : left;
-    moved_.Add(reader_, at, std::min(count == 0 ? stripsEnd : count, left));
+    source_.moved.Add(reader_, at, std::min(count == 0 ? stripsEnd : count, left));
   }
   for (const TagPlace& place : directory.tags) {
     if (!IsTableList(place.tag)) continue;
@@ -158,70 +162,99 @@ void PageCopier::CollectOldJpeg(const TagDirectory& directory, const StoredBlock
         bytes = std::accumulate(counts.begin(), counts.end(), kHuffmanCounts);
       }
       if (table < reader_.Size()) {
-        moved_.Add(reader_, table, std::min(bytes, reader_.Size() - table));
+        source_.moved.Add(reader_, table, std::min(bytes, reader_.Size() - table));
       }
     }
   }
 }
 
+uint64_t PageCopier::MostBytes() {
+  uint64_t bytes = tagBytes_ + source_.moved.Total();
+  for (const auto* values : {&tags_.main, &tags_.exif, &tags_.gps, &tags_.interop}) {
+    bytes += kDirectoryBytes;
+    for (const TagValue& value : *values) bytes += value.bytes.size() + kEntryBytes + 1;
+  }
+  return bytes + kEntryBytes * 3;
+}
+
 TagValue PageCopier::Take(const TagPlace& place) {
-  if (place.Bytes() > left_) throw FormatError("TIFF: directories of the file share their values");
-  left_ -= place.Bytes();
+  Charge(place.Bytes());
   return reader_.Value(place);
+}
+
+/// The sizes of blocks as the source has them, unless they were missing or corrected.
+TagValue PageCopier::Counts(const TagDirectory& directory, uint16_t tag,
+                            std::span<const uint64_t> counts) {
+  return writing_ ? file_->PlacesTag(tag, counts)
+                  : InTypeOf(directory.Find(tag), counts, file_->PlacesTag(tag, counts));
+}
+
+TagValue PageCopier::Places(const TagDirectory& directory, uint16_t tag,
+                            std::span<const uint64_t> places) {
+  return Counts(directory, tag, places);
 }
 
 void PageCopier::MoveBlocks(const TagDirectory& directory, TagMap& tags) {
   StoredBlocks blocks = BlocksOf(reader_, directory);
   if (blocks.places.empty()) return;
-  for (uint64_t& place : blocks.places) place = moved_.PlaceOf(place);
+  for (uint64_t& place : blocks.places) place = source_.moved.PlaceOf(place);
   const uint16_t places = blocks.isTiled ? TIFFTAG_TILEOFFSETS : TIFFTAG_STRIPOFFSETS;
   const uint16_t counts = blocks.isTiled ? TIFFTAG_TILEBYTECOUNTS : TIFFTAG_STRIPBYTECOUNTS;
-  tags[places] = file_->PlacesTag(places, blocks.places);
-  tags[counts] = file_->PlacesTag(counts, blocks.counts);
+  tags[places] = Places(directory, places, blocks.places);
+  tags[counts] = Counts(directory, counts, blocks.counts);
 }
 
 void PageCopier::MoveOldJpeg(TagMap& tags) {
   for (auto& [tag, value] : tags) {
     if (tag != TIFFTAG_JPEGIFOFFSET && !IsTableList(tag)) continue;
-    std::vector<uint64_t> places;
-    const auto unit = static_cast<size_t>(TagUnitBytes(value.type));
-    for (size_t at = 0; at + unit <= value.bytes.size(); at += unit) {
-      uint64_t place = 0;
-      for (size_t i = unit; i-- > 0;) place = place << 8 | value.bytes[at + i];
-      places.push_back(moved_.PlaceOf(place));
-    }
+    std::vector<uint64_t> places = NumbersOf(value);
+    for (uint64_t& place : places) place = source_.moved.PlaceOf(place);
     value = file_->PlacesTag(tag, places);
   }
 }
 
-TagMap PageCopier::Structure(const TagDirectory& directory, bool isMain, Changes& changes) {
-  TagMap tags;
+void PageCopier::CopyValue(const TagPlace& place, Structure& copy) {
+  const bool isShared = !writing_ && place.Bytes() > kMostOwnBytes && !IsWideInteger(place.type);
+  if (!isShared) {
+    copy.tags[place.tag] = Take(place);
+    return;
+  }
+  const auto [known, isNew] = source_.values.try_emplace({place.at, place.count, place.type}, 0);
+  if (isNew) known->second = file_->AppendValue(Take(place)).at;
+  copy.stored[place.tag] = {place.type, place.count, known->second};
+}
+
+PageCopier::Structure PageCopier::Copy(const TagDirectory& directory, Changes& changes) {
+  Structure copy;
+  const bool isMain = IsMain(directory);
   for (const TagPlace& place : directory.tags) {
     if (place.tag == TIFFTAG_FREEOFFSETS || place.tag == TIFFTAG_FREEBYTECOUNTS) continue;
-    if (LeadsToDirectory(place.tag)) {
-      if (isMain && place.tag != TIFFTAG_SUBIFD) continue;
+    if (isMain && IsWrittenAnew(place)) continue;
+    if (LeadsToDirectory(place.tag, place.type)) {
       TagValue pointers = CopyBelow(place, changes);
-      if (pointers.count > 0) tags[place.tag] = std::move(pointers);
-      continue;
+      if (pointers.count > 0) copy.tags[place.tag] = std::move(pointers);
+    } else if (!IsBlockTag(place.tag)) {
+      CopyValue(place, copy);
     }
-    const bool isBlockTag = place.tag == TIFFTAG_STRIPOFFSETS ||
-                            place.tag == TIFFTAG_STRIPBYTECOUNTS ||
-                            place.tag == TIFFTAG_TILEOFFSETS || place.tag == TIFFTAG_TILEBYTECOUNTS;
-    if (isBlockTag || (isMain && KindOfTag(place.tag) != TagKind::structure)) continue;
-    tags[place.tag] = Take(place);
   }
-  MoveBlocks(directory, tags);
-  if (reader_.Integer(directory, TIFFTAG_COMPRESSION, 1) == COMPRESSION_OJPEG) MoveOldJpeg(tags);
-  return tags;
+  MoveBlocks(directory, copy.tags);
+  if (IsOldJpeg(reader_, directory)) MoveOldJpeg(copy.tags);
+  if (!writing_) {
+    for (const uint16_t tag : directory.damaged) {
+      changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", tag),
+                   "it reaches beyond the end of the file or has an unknown type");
+    }
+  }
+  return copy;
 }
 
 TagValue PageCopier::CopyBelow(const TagPlace& pointer, Changes& changes) {
   std::vector<uint64_t> places;
-  constexpr uint64_t kMostDirectories = 256;
-  for (const uint64_t at : reader_.Integers(pointer, kMostDirectories)) {
+  for (const uint64_t at : reader_.Integers(pointer, kMostDirectoriesOfTag)) {
     if (const auto written = CopyDirectory(at, changes)) places.push_back(written->at);
   }
-  return file_->PointersTag(pointer.tag, places);
+  TagValue pointers = file_->PointersTag(pointer.tag, places);
+  return writing_ ? pointers : InTypeOf(&pointer, places, std::move(pointers));
 }
 
 /// Each directory is copied once, so that circles end.
@@ -230,51 +263,46 @@ std::optional<TagFileWriter::Written> PageCopier::CopyDirectory(uint64_t at, Cha
   RequireTime();
   const auto directory = reader_.Directory(at);
   if (!directory) return std::nullopt;
-  const TagMap tags = Structure(*directory, false, changes);
-  return file_->WriteDirectory(tags, changes);
+  const Structure copy = Copy(*directory, changes);
+  return file_->WriteDirectory(copy.tags, copy.stored, changes);
 }
 
-void PageCopier::WriteAll(const TagDirectory& first, const PageFamily& family, const PageTags& tags,
-                          Changes& changes) {
-  copied_.insert(first.at);
-  TagMap main = Structure(first, true, changes);
-  const Resolution& wanted = writing_.metadata.resolution;
-  if (!wanted.IsKnown() || wanted == ResolutionOfPage(reader_, first)) {
+void PageCopier::AddMetadata(Structure& main, Changes& changes) {
+  const Resolution& wanted = writing_->metadata.resolution;
+  if (!wanted.IsKnown() || wanted == ResolutionOfPage(reader_, first_)) {
     // Whatever the unit is; without one the numbers are the aspect ratio of a pixel.
     for (const uint16_t tag : {TIFFTAG_XRESOLUTION, TIFFTAG_YRESOLUTION, TIFFTAG_RESOLUTIONUNIT}) {
-      const TagPlace* place = first.Find(tag);
-      if (place) main[tag] = Take(*place);
+      const TagPlace* place = first_.Find(tag);
+      if (place) main.tags[tag] = Take(*place);
     }
   }
-  AddPageTags(tags, *file_, main, changes);
+  AddPageTags(tags_, *file_, main.tags, changes);
   // Inches are the unit of a file that states none.
-  const bool hasNoUnit = first.Has(TIFFTAG_XRESOLUTION) && !first.Has(TIFFTAG_RESOLUTIONUNIT);
-  if (hasNoUnit && wanted == ResolutionOfPage(reader_, first)) main.erase(TIFFTAG_RESOLUTIONUNIT);
-  const TagFileWriter::Written page = file_->WriteDirectory(main, changes);
-  file_->Link(file_->FirstLinkAt(), page.at);
-  uint64_t linkAt = page.linkAt;
-  for (const uint64_t at : family.following) {
+  const bool hasNoUnit = first_.Has(TIFFTAG_XRESOLUTION) && !first_.Has(TIFFTAG_RESOLUTIONUNIT);
+  if (hasNoUnit && wanted == ResolutionOfPage(reader_, first_)) {
+    main.tags.erase(TIFFTAG_RESOLUTIONUNIT);
+  }
+}
+
+uint64_t PageCopier::Write(TagFileWriter& file, uint64_t linkAt, Changes& changes) {
+  file_ = &file;
+  source_.moved.Copy(reader_, file);
+  changes.losses.insert(changes.losses.end(), changes_.losses.begin(), changes_.losses.end());
+  changes.notes.insert(changes.notes.end(), changes_.notes.begin(), changes_.notes.end());
+  copied_.insert(first_.at);
+  Structure main = Copy(first_, changes);
+  if (writing_) AddMetadata(main, changes);
+  if (pageNumber_) main.tags[pageNumber_->tag] = *pageNumber_;
+  const TagFileWriter::Written page = file.WriteDirectory(main.tags, main.stored, changes);
+  file.Link(linkAt, page.at);
+  linkAt = page.linkAt;
+  for (const uint64_t at : following_) {
     if (const auto written = CopyDirectory(at, changes)) {
-      file_->Link(linkAt, written->at);
+      file.Link(linkAt, written->at);
       linkAt = written->linkAt;
     }
   }
-  file_->Finish();
+  return linkAt;
 }
 
-}  // namespace
-
-WrittenPicture CopyTiff(TStream& source, const PictureWriting& writing, TStream& stream) {
-  const LimitsScope limits;
-  std::optional<TMemoryStream> memory;
-  if (source.Size() <= source.Position()) memory.emplace(source.ReadToEnd());
-  const TagReader reader(memory ? *memory : source);
-  if (IsSeekable(stream)) return PageCopier(reader, stream, writing).Copy();
-  // The header is completed last.
-  TMemoryStream whole;
-  WrittenPicture written = PageCopier(reader, whole, writing).Copy();
-  stream.Write(whole.Bytes());
-  return written;
-}
-
-}  // namespace rasterkit
+}  // namespace rasterkit::detail

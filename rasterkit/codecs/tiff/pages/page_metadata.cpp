@@ -70,6 +70,8 @@ bool MetadataReader::Affords(const TagPlace& place) {
 }
 
 void MetadataReader::ReadTag(const TagPlace& place) {
+  // A place would lead nowhere in another file.
+  if (LeadsToDirectory(place.tag, place.type)) return;
   switch (KindOfTag(place.tag)) {
     case TagKind::structure:
       if (place.tag == TIFFTAG_EXTRASAMPLES) ReadExtraSamples(place);

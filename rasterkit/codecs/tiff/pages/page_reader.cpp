@@ -62,7 +62,8 @@ PictureHeader HeaderOf(TStream& stream) {
   header.form = facts.form;
   ReadPageMetadata(reader, first, header);
   const detail::PageFamily family = FamilyOf(reader, first);
-  header.pages = family.pages;
+  const auto* page = dynamic_cast<const detail::PageStream*>(&stream);
+  header.pages = page && page->Pages() > 0 ? page->Pages() : family.pages;
   for (const auto* places : {&family.following, &family.below}) {
     for (const uint64_t at : *places) {
       const bool isMask = (reader.SubfileType(at) & FILETYPE_MASK) != 0;
@@ -151,11 +152,9 @@ Pixels DecodeTiffExtraPage(TStream& stream, size_t index, const FrameOptions& op
   const LimitsScope limits(options.limits ? *options.limits : CurrentLimits());
   CodecReport ownReport;
   Seekable file(stream);
-  const uint64_t start = file.Stream().Position();
   const TagReader reader(file.Stream());
   const std::vector<ExtraPage> pages = ExtraPagesOf(reader);
   if (index >= pages.size()) throw RangeError("the TIFF page has no such smaller copy or mask");
-  file.Stream().SetPosition(start);
   detail::PageStream page(file.Stream(), reader, pages[index].at);
   return PixelsOf(page, options, report ? *report : ownReport);
 }

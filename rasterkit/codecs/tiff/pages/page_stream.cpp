@@ -6,18 +6,22 @@
 namespace rasterkit::detail {
 
 PageStream::PageStream(TStream& stream, const TagReader& reader, uint64_t directoryAt)
-    : stream_(stream),
-      start_(stream.Position()),
-      size_(reader.Size()),
-      headerBytes_(reader.IsBig() ? 16 : 8) {
-  if (!reader.ReadAt(0, std::span(header_).first(headerBytes_))) {
-    throw FormatError("TIFF: the header is cut off");
-  }
-  const size_t offsetBytes = headerBytes_ / 2;
-  for (size_t i = 0; i < offsetBytes; i++) {
-    const size_t place = reader.IsBigEndian() ? offsetBytes - 1 - i : i;
-    header_[offsetBytes + place] = static_cast<uint8_t>(directoryAt >> 8 * i);
-  }
+    : stream_(stream), start_(reader.Start()), size_(reader.Size()) {
+  SetNumber(reader, reader.IsBig() ? 8 : 4, directoryAt);
+}
+
+void PageStream::EndAfter(const TagReader& reader, uint64_t directoryAt, int pages) {
+  pages_ = pages;
+  if (const auto link = reader.Link(directoryAt)) SetNumber(reader, link->at, 0);
+}
+
+/// In the width and the order of the file.
+void PageStream::SetNumber(const TagReader& reader, uint64_t at, uint64_t number) {
+  Patch patch{at, {}};
+  const int count = reader.IsBig() ? 8 : 4;
+  for (int i = 0; i < count; i++) patch.bytes.push_back(static_cast<uint8_t>(number >> 8 * i));
+  if (reader.IsBigEndian()) std::reverse(patch.bytes.begin(), patch.bytes.end());
+  patches_.push_back(std::move(patch));
 }
 
 size_t PageStream::Read(std::span<uint8_t> target) {
@@ -25,10 +29,14 @@ size_t PageStream::Read(std::span<uint8_t> target) {
   stream_.SetPosition(start_ + position_);
   const auto wanted = static_cast<size_t>(std::min<uint64_t>(target.size(), size_ - position_));
   const size_t count = stream_.Read(target.first(wanted));
-  for (size_t i = 0; i < count && position_ + i < headerBytes_; i++) {
-    target[i] = header_[static_cast<size_t>(position_) + i];
+  const uint64_t end = position_ + count;
+  for (const Patch& patch : patches_) {
+    const uint64_t last = std::min<uint64_t>(end, patch.at + patch.bytes.size());
+    for (uint64_t at = std::max(position_, patch.at); at < last; at++) {
+      target[static_cast<size_t>(at - position_)] = patch.bytes[static_cast<size_t>(at - patch.at)];
+    }
   }
-  position_ += count;
+  position_ = end;
   return count;
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <memory>
+#include <vector>
 
 #include <rasterkit/codecs/tiff/pages/tag_reader.h>
 #include <rasterkit/runtime/files/stream.h>
@@ -12,8 +13,15 @@ namespace rasterkit::detail {
 /// changed header, so that whoever reads the first page reads that one.
 class PageStream : public TStream {
  public:
-  /// The file starts at the position of `stream`, which must outlive this object.
+  /// `stream` is that of the reader and must outlive this object.
   PageStream(TStream& stream, const TagReader& reader, uint64_t directoryAt);
+
+  /// Ends the chain of directories after this one. The header of the page states `pages` pages.
+  void EndAfter(const TagReader& reader, uint64_t directoryAt, int pages);
+  /// Pages of the whole file; 0 if only the stream itself tells.
+  int Pages() const { return pages_; }
+  /// Keeps the bytes that this stream reads.
+  void Own(std::unique_ptr<TStream> stream) { owned_ = std::move(stream); }
 
   size_t Read(std::span<uint8_t> target) override;
   /// Always throws.
@@ -23,11 +31,18 @@ class PageStream : public TStream {
   uint64_t Size() const override { return size_; }
 
  private:
+  struct Patch {
+    uint64_t at = 0;
+    std::vector<uint8_t> bytes;
+  };
+  void SetNumber(const TagReader& reader, uint64_t at, uint64_t number);
+
   TStream& stream_;
   const uint64_t start_, size_;
   uint64_t position_ = 0;
-  std::array<uint8_t, 16> header_{};
-  size_t headerBytes_ = 8;
+  std::vector<Patch> patches_;
+  int pages_ = 0;
+  std::unique_ptr<TStream> owned_;
 };
 
 }  // namespace rasterkit::detail

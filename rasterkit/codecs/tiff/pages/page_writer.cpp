@@ -2,11 +2,9 @@
 
 #include <tiff.h>
 
+#include <rasterkit/codecs/tiff/pages/new_page.h>
 #include <rasterkit/codecs/tiff/pages/page_directory.h>
-#include <rasterkit/codecs/tiff/pages/page_metadata.h>
 #include <rasterkit/codecs/tiff/pages/page_output.h>
-#include <rasterkit/codecs/tiff/pages/page_plan.h>
-#include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
 #include <rasterkit/runtime/limits.h>
@@ -35,12 +33,6 @@ uint64_t BytesOfTags(const PageTags& tags) {
   return bytes;
 }
 
-struct Page {
-  const Pixels* pixels = nullptr;
-  PagePlan plan;
-  uint32_t subfileType = 0;
-};
-
 /// The bands have other meanings than the layout can say: the source's own list is kept.
 void TakeExtraSamples(const Metadata& metadata, PagePlan& plan) {
   for (const TagValue& value : metadata.tiffTags) {
@@ -56,37 +48,73 @@ void TakeExtraSamples(const Metadata& metadata, PagePlan& plan) {
   }
 }
 
-WrittenPicture WritePages(std::vector<Page>& pages, const PictureWriting& writing, TStream& stream,
-                          Changes changes) {
-  PagePlan& first = pages[0].plan;
+}  // namespace
+
+namespace detail {
+
+NewPage::NewPage(const Pixels& pixels, const PictureWriting& writing,
+                 std::span<const TiffExtraPage> extraPages)
+    : writing_(writing) {
+  parts_.push_back({&pixels, PlanPage(pixels, writing.form, changes_), 0});
+  TakeExtraSamples(writing.metadata, parts_[0].plan);
+  for (const TiffExtraPage& extra : extraPages) {
+    Changes ofCopy;
+    // A page without a type would count as one of its own.
+    const uint32_t type = extra.subfileType == 0 ? 1 : extra.subfileType;
+    parts_.push_back({&extra.pixels, PlanPage(extra.pixels, extra.form, ofCopy), type});
+  }
+  const PagePlan& first = parts_[0].plan;
   const bool hasInks = first.form.photometric == PHOTOMETRIC_SEPARATED;
-  const PageTags tags =
-      detail::TagsOfMetadata(writing, {first.layout.model, false, hasInks}, changes);
-  uint64_t most = BytesOfTags(tags);
-  for (const Page& page : pages) {
-    most = Plus(most, Plus(page.plan.MostBytes(), uint64_t{page.plan.Blocks()} * 16 + kSpareBytes));
+  tags_ = TagsOfMetadata(writing, {first.layout.model, false, hasInks}, changes_);
+}
+
+uint64_t NewPage::MostBytes() const {
+  uint64_t most = BytesOfTags(tags_);
+  for (const Part& part : parts_) {
+    most = Plus(most, Plus(part.plan.MostBytes(), uint64_t{part.plan.Blocks()} * 16 + kSpareBytes));
   }
-  if (!first.form.isBigTiff && most > UINT32_MAX) {
-    first.form.isBigTiff = true;
-    changes.Note("written as a BigTIFF file, which may exceed 4 GiB");
-  }
-  TagFileWriter file(stream, first.form.isBigTiff, first.form.isBigEndian);
-  uint64_t linkAt = file.FirstLinkAt();
-  for (Page& page : pages) {
-    page.plan.form.isBigEndian = first.form.isBigEndian;
-    page.plan.form.isBigTiff = first.form.isBigTiff;
-    TagMap directory = WriteBlocks(*page.pixels, page.plan, writing.threads, file);
-    if (page.subfileType != 0) {
-      directory[TIFFTAG_SUBFILETYPE] = detail::LongTag(TIFFTAG_SUBFILETYPE, page.subfileType);
+  return most;
+}
+
+uint64_t NewPage::Write(TagFileWriter& file, uint64_t linkAt) {
+  for (Part& part : parts_) {
+    part.plan.form.isBigEndian = file.IsBigEndian();
+    part.plan.form.isBigTiff = file.IsBig();
+    TagMap directory = WriteBlocks(*part.pixels, part.plan, writing_.threads, file);
+    if (part.subfileType != 0) {
+      directory[TIFFTAG_SUBFILETYPE] = LongTag(TIFFTAG_SUBFILETYPE, part.subfileType);
     } else {
-      AddPageTags(tags, file, directory, changes);
+      AddPageTags(tags_, file, directory, changes_);
+      if (pageNumber_) {
+        directory[TIFFTAG_SUBFILETYPE] = LongTag(TIFFTAG_SUBFILETYPE, FILETYPE_PAGE);
+        directory[TIFFTAG_PAGENUMBER] = *pageNumber_;
+      }
     }
-    const TagFileWriter::Written written = file.WriteDirectory(directory, changes);
+    const TagFileWriter::Written written = file.WriteDirectory(directory, changes_);
     file.Link(linkAt, written.at);
     linkAt = written.linkAt;
   }
+  return linkAt;
+}
+
+WrittenPicture NewPage::TakeWritten() {
+  return {parts_[0].plan.form, parts_[0].plan.layout, std::move(changes_)};
+}
+
+}  // namespace detail
+
+namespace {
+
+WrittenPicture WriteFile(detail::NewPage& page, TStream& stream) {
+  bool isBig = page.Form().isBigTiff;
+  if (!isBig && page.MostBytes() > UINT32_MAX) {
+    isBig = true;
+    page.Notes().Note("written as a BigTIFF file, which may exceed 4 GiB");
+  }
+  TagFileWriter file(stream, isBig, page.Form().isBigEndian);
+  page.Write(file, file.FirstLinkAt());
   file.Finish();
-  return {first.form, first.layout, std::move(changes)};
+  return page.TakeWritten();
 }
 
 }  // namespace
@@ -94,20 +122,11 @@ WrittenPicture WritePages(std::vector<Page>& pages, const PictureWriting& writin
 WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing,
                          std::span<const TiffExtraPage> extraPages, TStream& stream) {
   const LimitsScope limits;
-  Changes changes;
-  std::vector<Page> pages;
-  pages.push_back({&pixels, detail::PlanPage(pixels, writing.form, changes), 0});
-  TakeExtraSamples(writing.metadata, pages[0].plan);
-  for (const TiffExtraPage& extra : extraPages) {
-    Changes ofCopy;
-    // A page without a type would count as one of its own.
-    const uint32_t type = extra.subfileType == 0 ? 1 : extra.subfileType;
-    pages.push_back({&extra.pixels, detail::PlanPage(extra.pixels, extra.form, ofCopy), type});
-  }
-  if (IsSeekable(stream)) return WritePages(pages, writing, stream, std::move(changes));
+  detail::NewPage page(pixels, writing, extraPages);
+  if (IsSeekable(stream)) return WriteFile(page, stream);
   // The header is completed last.
   TMemoryStream memory;
-  WrittenPicture written = WritePages(pages, writing, memory, std::move(changes));
+  WrittenPicture written = WriteFile(page, memory);
   stream.Write(memory.Bytes());
   return written;
 }

@@ -116,37 +116,56 @@ bool TagFileWriter::Narrow(TagValue& value) const {
   return true;
 }
 
-TagFileWriter::Written TagFileWriter::WriteDirectory(const TagMap& tags, Changes& changes) {
+/// From little-endian order to that of the file.
+void TagFileWriter::Turn(TagValue& value) const {
+  const auto unit = static_cast<size_t>(TagUnitBytes(value.type));
+  if (!isBigEndian_ || unit < 2) return;
+  for (size_t at = 0; at + unit <= value.bytes.size(); at += unit) {
+    std::reverse(value.bytes.data() + at, value.bytes.data() + at + unit);
+  }
+}
+
+StoredValue TagFileWriter::AppendValue(TagValue value) {
+  Turn(value);
+  return {value.type, value.count, Append(value.bytes)};
+}
+
+TagFileWriter::Written TagFileWriter::WriteDirectory(const TagMap& tags, const StoredMap& stored,
+                                                     Changes& changes) {
   const int offsetBytes = isBig_ ? 8 : 4;
-  std::vector<uint8_t> entries;
-  uint64_t count = 0;
+  std::map<uint16_t, std::vector<uint8_t>> entries;
+  const auto put = [&](uint16_t tag, uint16_t type, uint64_t count) -> std::vector<uint8_t>& {
+    std::vector<uint8_t>& entry = entries[tag];
+    Put(entry, tag, 2);
+    Put(entry, type, 2);
+    Put(entry, count, offsetBytes);
+    return entry;
+  };
+  for (const auto& [tag, value] : stored) {
+    Put(put(tag, value.type, value.count), value.at, offsetBytes);
+  }
   for (const auto& [tag, stated] : tags) {
+    if (stored.contains(tag)) continue;
     TagValue value = stated;
     if (!Narrow(value)) {
       changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", tag),
                    "its 64-bit numbers need a BigTIFF file");
       continue;
     }
-    const auto unit = static_cast<size_t>(TagUnitBytes(value.type));
-    if (isBigEndian_ && unit > 1) {
-      for (size_t at = 0; at + unit <= value.bytes.size(); at += unit) {
-        std::reverse(value.bytes.data() + at, value.bytes.data() + at + unit);
-      }
-    }
-    Put(entries, tag, 2);
-    Put(entries, value.type, 2);
-    Put(entries, value.count, offsetBytes);
+    Turn(value);
+    std::vector<uint8_t>& entry = put(tag, value.type, value.count);
     if (value.bytes.size() <= static_cast<size_t>(offsetBytes)) {
       value.bytes.resize(static_cast<size_t>(offsetBytes));
-      entries.insert(entries.end(), value.bytes.begin(), value.bytes.end());
+      entry.insert(entry.end(), value.bytes.begin(), value.bytes.end());
     } else {
-      Put(entries, Append(value.bytes), offsetBytes);
+      Put(entry, Append(value.bytes), offsetBytes);
     }
-    count++;
   }
   std::vector<uint8_t> directory;
-  Put(directory, count, isBig_ ? 8 : 2);
-  directory.insert(directory.end(), entries.begin(), entries.end());
+  Put(directory, entries.size(), isBig_ ? 8 : 2);
+  for (const auto& [tag, entry] : entries) {
+    directory.insert(directory.end(), entry.begin(), entry.end());
+  }
   Put(directory, 0, offsetBytes);
   const uint64_t at = Append(directory);
   return {at, at + directory.size() - static_cast<uint64_t>(offsetBytes)};

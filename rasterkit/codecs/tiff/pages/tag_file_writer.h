@@ -14,6 +14,14 @@ namespace rasterkit::detail {
 /// Tags of one directory by number.
 using TagMap = std::map<uint16_t, TagValue>;
 
+/// Values that stand in a file already.
+struct StoredValue {
+  uint16_t type = 0;
+  uint64_t count = 0, at = 0;
+};
+/// Such values by the number of their tag.
+using StoredMap = std::map<uint16_t, StoredValue>;
+
 /// Makes values of 16-bit, 32-bit and 64-bit numbers.
 TagValue WordsTag(uint16_t tag, std::span<const uint16_t> words);
 TagValue WordTag(uint16_t tag, int word);
@@ -45,7 +53,14 @@ class TagFileWriter {
   };
   /// Writes a directory and its values. In a classic file, 64-bit numbers become 32-bit ones; a tag
   /// whose numbers are too large is skipped and added to `changes`.
-  Written WriteDirectory(const TagMap& tags, Changes& changes);
+  Written WriteDirectory(const TagMap& tags, Changes& changes) {
+    return WriteDirectory(tags, {}, changes);
+  }
+  /// The same with further tags, whose values `AppendValue` has written.
+  Written WriteDirectory(const TagMap& tags, const StoredMap& stored, Changes& changes);
+  /// Writes values that a tag of a directory will lead to. The type must not be one of 64-bit
+  /// integers.
+  StoredValue AppendValue(TagValue value);
   /// Makes a directory the next one after another, or the first one of the file.
   void Link(uint64_t linkAt, uint64_t directoryAt);
   uint64_t FirstLinkAt() const { return isBig_ ? 8 : 4; }
@@ -55,6 +70,7 @@ class TagFileWriter {
  private:
   void Put(std::vector<uint8_t>& bytes, uint64_t number, int count) const;
   bool Narrow(TagValue& value) const;
+  void Turn(TagValue& value) const;
 
   TStream& stream_;
   const uint64_t start_;

@@ -52,6 +52,7 @@ TagKind KindOfTag(uint16_t tag) {
     case TIFFTAG_LERC_PARAMETERS:
       return TagKind::structure;
     case TIFFTAG_SUBIFD:
+    case kGlobalParameters:
     case TIFFTAG_EXIFIFD:
     case TIFFTAG_GPSIFD:
     case kInteropPointer:
@@ -96,6 +97,10 @@ TagKind KindOfTag(uint16_t tag) {
     default:
       return TagKind::free;
   }
+}
+
+bool LeadsToDirectory(uint16_t tag, uint16_t type) {
+  return KindOfTag(tag) == TagKind::pointer || type == TIFF_IFD || type == TIFF_IFD8;
 }
 
 }  // namespace rasterkit::detail

@@ -24,6 +24,11 @@ enum class TagKind {
 
 TagKind KindOfTag(uint16_t tag);
 
+/// True if the values of a tag of that type are places of directories.
+bool LeadsToDirectory(uint16_t tag, uint16_t type);
+
+/// Leads to the directory of parameters that hold for the whole file.
+inline constexpr uint16_t kGlobalParameters = 400;
 inline constexpr uint16_t kInteropPointer = 40965;
 /// Layers of the picture in the format of another program.
 inline constexpr uint16_t kLayersTag = 37724;

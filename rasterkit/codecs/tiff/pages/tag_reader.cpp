@@ -133,22 +133,49 @@ std::optional<TagDirectory> TagReader::Directory(uint64_t at) const {
   return directory;
 }
 
-uint32_t TagReader::SubfileType(uint64_t at) const {
-  const auto entries = Entries(at);
-  if (!entries) return 0;
-  for (uint64_t i = 0; i < std::min(*entries, kFirstEntries); i++) {
-    const uint64_t entryAt = at + CountBytes() + i * EntryBytes();
-    const auto tag = NumberAt(entryAt, 2);
-    if (!tag || *tag > TIFFTAG_OSUBFILETYPE) return 0;
-    const bool isShort = NumberAt(entryAt + 2, 2) == TIFF_SHORT;
-    const auto kind = NumberAt(entryAt + (isBig_ ? 12 : 8), isShort ? 2 : 4);
-    if (!kind) return 0;
-    if (*tag == TIFFTAG_SUBFILETYPE) return static_cast<uint32_t>(*kind);
-    if (*tag == TIFFTAG_OSUBFILETYPE) {
-      return *kind == OFILETYPE_REDUCEDIMAGE ? FILETYPE_REDUCEDIMAGE : 0;
+uint32_t TagReader::SubfileTypeOf(std::span<const uint8_t> entries) const {
+  const size_t entryBytes = static_cast<size_t>(EntryBytes());
+  for (size_t at = 0; at + entryBytes <= entries.size(); at += entryBytes) {
+    const uint8_t* entry = entries.data() + at;
+    const uint64_t tag = Number(entry, 2);
+    if (tag > TIFFTAG_OSUBFILETYPE) return 0;
+    const bool isShort = Number(entry + 2, 2) == TIFF_SHORT;
+    const uint64_t kind = Number(entry + (isBig_ ? 12 : 8), isShort ? 2 : 4);
+    if (tag == TIFFTAG_SUBFILETYPE) return static_cast<uint32_t>(kind);
+    if (tag == TIFFTAG_OSUBFILETYPE) {
+      return kind == OFILETYPE_REDUCEDIMAGE ? FILETYPE_REDUCEDIMAGE : 0;
     }
   }
   return 0;
+}
+
+std::optional<TagReader::ChainLink> TagReader::Link(uint64_t at) const {
+  if (at == 0 || at >= size_) return std::nullopt;
+  // Most directories fit.
+  constexpr uint64_t kUsualBytes = 512;
+  std::array<uint8_t, kUsualBytes> bytes{};
+  const auto head =
+      std::span(bytes).first(static_cast<size_t>(std::min<uint64_t>(kUsualBytes, size_ - at)));
+  if (head.size() < CountBytes() || !ReadAt(at, head)) return std::nullopt;
+  const uint64_t count = Number(bytes.data(), static_cast<int>(CountBytes()));
+  if (count == 0 || count > kMostEntries) return std::nullopt;
+  const auto entries = head.subspan(static_cast<size_t>(CountBytes()));
+  const uint64_t shown = std::min(count, kFirstEntries) * EntryBytes();
+  ChainLink link;
+  link.subfileType =
+      SubfileTypeOf(entries.first(static_cast<size_t>(std::min<uint64_t>(shown, entries.size()))));
+  link.at = at + CountBytes() + count * EntryBytes();
+  const int width = isBig_ ? 8 : 4;
+  const uint64_t inside = link.at - at;
+  link.next = inside + static_cast<uint64_t>(width) <= head.size()
+                  ? Number(bytes.data() + inside, width)
+                  : NumberAt(link.at, width).value_or(0);
+  return link;
+}
+
+uint32_t TagReader::SubfileType(uint64_t at) const {
+  const auto link = Link(at);
+  return link ? link->subfileType : 0;
 }
 
 uint64_t TagReader::Next(uint64_t at) const {
@@ -224,20 +251,23 @@ PageFamily FamilyOf(const TagReader& reader, const TagDirectory& first) {
   family.pages = 1;
   std::unordered_set<uint64_t> seen = {first.at};
   bool isOfFirst = true;
-  for (uint64_t at = first.next; at != 0 && seen.insert(at).second; at = reader.Next(at)) {
+  uint64_t at = first.next;
+  while (at != 0 && seen.insert(at).second) {
     RequireTime();
-    if (seen.size() > kMostPages || !reader.IsDirectory(at)) break;
-    const bool isPage = (reader.SubfileType(at) & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) == 0;
+    const auto link = reader.Link(at);
+    if (seen.size() > kMostPages || !link) break;
+    const bool isPage = (link->subfileType & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) == 0;
     if (isPage) {
       family.pages++;
       isOfFirst = false;
     } else if (isOfFirst && family.following.size() < kMostRelatives) {
       family.following.push_back(at);
     }
+    at = link->next;
   }
-  for (const uint64_t at : reader.Integers(first, TIFFTAG_SUBIFD, kMostRelatives)) {
+  for (const uint64_t below : reader.Integers(first, TIFFTAG_SUBIFD, kMostRelatives)) {
     if (family.below.size() + family.following.size() >= kMostRelatives) break;
-    if (seen.insert(at).second && reader.IsDirectory(at)) family.below.push_back(at);
+    if (seen.insert(below).second && reader.IsDirectory(below)) family.below.push_back(below);
   }
   return family;
 }

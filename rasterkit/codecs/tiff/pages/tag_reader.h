@@ -46,6 +46,8 @@ class TagReader {
   bool IsBig() const { return isBig_; }
   bool IsBigEndian() const { return isBigEndian_; }
   uint64_t Size() const { return size_; }
+  /// Where the file starts in the stream.
+  uint64_t Start() const { return start_; }
   /// Place of the first directory.
   uint64_t First() const { return first_; }
 
@@ -57,6 +59,15 @@ class TagReader {
   uint32_t SubfileType(uint64_t at) const;
   /// The place of the directory that follows; 0 if there is none.
   uint64_t Next(uint64_t at) const;
+
+  struct ChainLink {
+    /// Place of the number that leads to the next directory, and that number; 0 if it is cut off.
+    uint64_t at = 0, next = 0;
+    uint32_t subfileType = 0;
+  };
+  /// What a walk along the chain needs of a directory, mostly with one read; nothing if there is no
+  /// directory with entries.
+  std::optional<ChainLink> Link(uint64_t at) const;
 
   /// The bytes as in the file; empty if they cannot be read.
   std::vector<uint8_t> Raw(const TagPlace& place) const;
@@ -76,6 +87,7 @@ class TagReader {
 
  private:
   uint64_t Number(const uint8_t* bytes, int count) const;
+  uint32_t SubfileTypeOf(std::span<const uint8_t> entries) const;
   std::optional<uint64_t> NumberAt(uint64_t at, int count) const;
   /// Number of entries; nothing if the directory lies outside.
   std::optional<uint64_t> Entries(uint64_t at) const;

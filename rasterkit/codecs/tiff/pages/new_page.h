@@ -1,0 +1,48 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/codecs/tiff/pages/page_metadata.h>
+#include <rasterkit/codecs/tiff/pages/page_plan.h>
+#include <rasterkit/codecs/tiff/pages/tag_file_writer.h>
+#include <rasterkit/codecs/tiff/tiff_pages.h>
+
+namespace rasterkit::detail {
+
+/// Plans and writes a page of new pixels with its smaller copies and masks.
+class NewPage {
+ public:
+  /// Arguments must outlive this object. Throws as WriteTiff does.
+  NewPage(const Pixels& pixels, const PictureWriting& writing,
+          std::span<const TiffExtraPage> extraPages);
+
+  /// The planned form of the page.
+  const TiffForm& Form() const { return parts_[0].plan.form; }
+  /// Upper bound of the bytes that `Write` adds to a file.
+  uint64_t MostBytes() const;
+  /// Tag 297 of the page, which makes it one of several.
+  void SetPageNumber(const TagValue& number) { pageNumber_ = number; }
+  /// Writes the page and makes it the next directory of the link; returns the link to the page
+  /// after it.
+  uint64_t Write(TagFileWriter& file, uint64_t linkAt);
+  /// What was written; once, after `Write`.
+  WrittenPicture TakeWritten();
+  Changes& Notes() { return changes_; }
+
+ private:
+  struct Part {
+    const Pixels* pixels = nullptr;
+    PagePlan plan;
+    uint32_t subfileType = 0;
+  };
+
+  const PictureWriting& writing_;
+  std::vector<Part> parts_;
+  PageTags tags_;
+  std::optional<TagValue> pageNumber_;
+  Changes changes_;
+};
+
+}  // namespace rasterkit::detail

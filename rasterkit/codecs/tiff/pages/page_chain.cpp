@@ -1,0 +1,42 @@
+#include <unordered_set>
+
+#include <tiff.h>
+
+#include <rasterkit/codecs/tiff/pages/page_chain.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
+
+namespace rasterkit::detail {
+
+namespace {
+
+constexpr size_t kMostDirectories = 65535;
+
+}  // namespace
+
+PageChain::PageChain(const TagReader& reader) {
+  std::unordered_set<uint64_t> seen;
+  uint64_t at = reader.First();
+  while (at != 0 && seen.size() < kMostDirectories && seen.insert(at).second) {
+    RequireTime();
+    const auto link = reader.Link(at);
+    if (!link) break;
+    const bool belongs = (link->subfileType & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) != 0;
+    // The first directory is a page, whatever it says.
+    if (!belongs || directories_.empty()) starts_.push_back(directories_.size());
+    directories_.push_back(at);
+    at = link->next;
+  }
+  if (directories_.empty()) throw FormatError("TIFF: the first directory cannot be read");
+}
+
+std::span<const uint64_t> PageChain::Following(size_t page) const {
+  const size_t first = starts_[page] + 1;
+  return std::span(directories_).subspan(first, End(page) - first);
+}
+
+uint64_t PageChain::LastAt(size_t page) const {
+  return directories_[End(page) - 1];
+}
+
+}  // namespace rasterkit::detail
