@@ -5,8 +5,8 @@
 #include <rasterkit/codecs/isolated_document.h>
 #include <rasterkit/codecs/messages/isolated_reading.h>
 #include <rasterkit/codecs/messages/writing_fields.h>
+#include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/codecs/tiff/tiff_document.h>
-#include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
@@ -14,7 +14,7 @@ namespace rasterkit::detail {
 namespace {
 
 /// More than a file can have directories that are read.
-constexpr size_t kMostPages = 1000000, kLeastOrderBytes = 6, kLeastWrittenBytes = 4;
+constexpr size_t kMostPages = 1000000, kLeastOrderBytes = 14, kLeastWrittenBytes = 4;
 
 void WriteOrder(FieldWriter& fields, const DocumentOrder& order) {
   fields.Bool(order.isBigTiff);
@@ -24,6 +24,8 @@ void WriteOrder(FieldWriter& fields, const DocumentOrder& order) {
     fields.I32(page.page);
     fields.Optional(page.writing,
                     [&](const PictureWriting& writing) { WriteWriting(fields, writing); });
+    fields.I32(page.newPage);
+    fields.I32(page.count);
   });
   fields.Bytes(order.newPages);
 }
@@ -38,16 +40,17 @@ DocumentOrder ReadOrder(FieldReader& fields, std::span<const uint8_t>& newPages)
     page.isNew = fields.Bool();
     page.page = fields.I32In(1, std::numeric_limits<int>::max());
     page.writing = fields.Optional([&] { return ReadWriting(fields); });
+    page.newPage = fields.I32In(1, std::numeric_limits<int>::max());
+    page.count = fields.I32In(1, std::numeric_limits<int>::max());
     return page;
   });
   newPages = fields.Bytes(std::numeric_limits<size_t>::max());
   return order;
 }
 
-WrittenPicture CopyOne(TiffDocumentWriter& writer, TStream& from, const PageOrder& page) {
-  if (!writer.CanCopyPage(from, page.page)) {
-    throw UnsupportedError("a page has another order of bytes than the file");
-  }
+WrittenPicture CopyOne(TiffDocumentWriter& writer, const TiffDocumentReader& from,
+                       const PageOrder& page) {
+  if (!page.isNew) NumberMovedPage(from, {page.page, page.newPage, page.count}, writer);
   return page.writing ? writer.CopyPage(from, page.page, *page.writing)
                       : writer.CopyPage(from, page.page);
 }
@@ -87,11 +90,15 @@ std::vector<uint8_t> AnswerDocument(FieldReader& task, TStream& source, FieldWri
   std::exception_ptr error;
   try {
     const LimitsScope limits;
-    TSpanStream added(newPages);
+    const TiffDocumentReader old(source);
+    TSpanStream newStream(newPages);
+    std::optional<TiffDocumentReader> added;
+    if (!newPages.empty()) added.emplace(newStream);
     TiffDocumentWriter writer(file, order.isBigTiff, order.isBigEndian);
     for (const PageOrder& page : order.pages) {
       RequireTime();
-      written.push_back(CopyOne(writer, page.isNew ? static_cast<TStream&>(added) : source, page));
+      if (page.isNew && !added) ThrowBadMessage("new pages are missing");
+      written.push_back(CopyOne(writer, page.isNew ? *added : old, page));
     }
     writer.Finish();
   } catch (...) {

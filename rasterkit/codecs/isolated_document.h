@@ -22,6 +22,8 @@ struct PageOrder {
   int page = 1;
   /// Other metadata and another position; nothing: the page stays as it is.
   std::optional<PictureWriting> writing;
+  /// The place among `count` pages of the finished file, counted from 1.
+  int newPage = 1, count = 1;
 };
 
 struct DocumentOrder {

@@ -8,10 +8,9 @@
 namespace rasterkit {
 namespace {
 
-void RequirePage(TStream& file, PictureType type, int page) {
-  if (page == 1) return;
-  const int count = type == PictureType::tiff ? CountTiffPages(file) : 1;
-  if (page > 1 && page <= count) return;
+constexpr int kMostNumbered = 0xFFFF;
+
+[[noreturn]] void ThrowNoPage(int page, int count) {
   throw RangeError(fmt::format("there is no page {}: the file has {} page{}", page, count,
                                count == 1 ? "" : "s"));
 }
@@ -19,15 +18,26 @@ void RequirePage(TStream& file, PictureType type, int page) {
 }  // namespace
 
 PageView::PageView(TStream& file, PictureType type, int page) : file_(file) {
-  RequirePage(file, type, page);
-  if (page > 1) page_ = TiffPageStream(file, page);
+  if (page == 1) return;
+  if (type != PictureType::tiff) ThrowNoPage(page, 1);
+  document_ = std::make_unique<TiffDocumentReader>(file);
+  if (page < 1 || page > document_->Pages()) ThrowNoPage(page, document_->Pages());
+  page_ = document_->PageStream(page);
 }
 
 PictureHeader ReadPageHeader(TStream& file, PictureType type, int page) {
-  PageView view(file, type, page);
-  PictureHeader header = ReadPictureHeader(view.Stream(), type);
-  if (page > 1) header.pages = CountTiffPages(file);
-  return header;
+  const PageView view(file, type, page);
+  return ReadPictureHeader(view.Stream(), type);
+}
+
+void NumberMovedPage(const TiffDocumentReader& source, const MovedPage& moved,
+                     TiffDocumentWriter& writer) {
+  const std::optional<TiffPageNumber> old = source.PageNumber(moved.page);
+  if (!old || moved.newPage > kMostNumbered || moved.count > kMostNumbered) return;
+  const bool isInPlace = moved.page == moved.newPage && moved.count == source.Pages();
+  const auto total = static_cast<uint16_t>(old->total == 0 ? 0 : moved.count);
+  writer.NumberNextPage(
+      isInPlace ? *old : TiffPageNumber{static_cast<uint16_t>(moved.newPage - 1), total});
 }
 
 }  // namespace rasterkit

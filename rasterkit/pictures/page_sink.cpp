@@ -3,29 +3,12 @@
 #include <utility>
 
 #include <rasterkit/codecs/picture_io.h>
-#include <rasterkit/codecs/tiff/tiff_document.h>
+#include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/pictures/page_sink.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {
 namespace {
-
-/// The whole files of sources, opened once. A source must live as long as the object.
-class OpenFiles {
- public:
-  TStream& Of(const PictureSource& source) {
-    if (source_ != &source) {
-      stream_ = source.WholeFile();
-      if (!stream_) throw UnsupportedError("the picture is no page of a TIFF file", source.File());
-      source_ = &source;
-    }
-    return *stream_;
-  }
-
- private:
-  const PictureSource* source_ = nullptr;
-  std::unique_ptr<TStream> stream_;
-};
 
 /// Calls `copy`; an error gets the name of the file, and a second look finds a change of it.
 template <class CopyPage>
@@ -43,8 +26,8 @@ WrittenPicture Guarded(const PictureSource& source, const CopyPage& copy) {
 /// Copies pages in this process.
 class DirectSink : public PageSink {
  public:
-  DirectSink(TStream& target, const TiffKind& kind)
-      : target_(target), writer_(target, kind.isBigTiff, kind.isBigEndian) {}
+  DirectSink(TStream& target, const TiffKind& kind, SourceFiles& files)
+      : target_(target), files_(files), writer_(target, kind.isBigTiff, kind.isBigEndian) {}
 
   WrittenPicture Write(PictureType, const Pixels& pixels, const PictureWriting& writing,
                        std::span<const TiffExtraPage> extraPages) override {
@@ -53,17 +36,23 @@ class DirectSink : public PageSink {
   WrittenPicture Copy(const PictureSource& source, const PictureWriting& writing,
                       bool asStored) override {
     return Keep(Guarded(source, [&] {
-      TStream& file = files_.Of(source);
+      const TiffDocumentReader& file = FileOf(source);
       return asStored ? writer_.CopyPage(file, source.Page())
                       : writer_.CopyPage(file, source.Page(), writing);
     }));
   }
   uint64_t Position() const override { return target_.Position(); }
   bool CanCopy(const PictureSource& source, int page) override {
-    return source.Type() == PictureType::tiff && writer_.CanCopyPage(files_.Of(source), page);
+    const TiffDocumentReader* const file = files_.Of(source);
+    return file != nullptr && writer_.CanCopyPage(*file, page);
+  }
+  void Place(const PictureSource& source, int page, const PagePlace& place) override {
+    if (const TiffDocumentReader* const file = files_.Of(source)) {
+      NumberMovedPage(*file, {page, place.page, place.count}, writer_);
+    }
   }
   void CopyAsStored(const PictureSource& source, int page) override {
-    Keep(Guarded(source, [&] { return writer_.CopyPage(files_.Of(source), page); }));
+    Keep(Guarded(source, [&] { return writer_.CopyPage(FileOf(source), page); }));
   }
   std::vector<WrittenPicture> Finish() override {
     writer_.Finish();
@@ -71,14 +60,19 @@ class DirectSink : public PageSink {
   }
 
  private:
+  const TiffDocumentReader& FileOf(const PictureSource& source) {
+    const TiffDocumentReader* const file = files_.Of(source);
+    if (file == nullptr) throw UnsupportedError("the picture is no page of a TIFF file");
+    return *file;
+  }
   WrittenPicture Keep(WrittenPicture written) {
     pages_.push_back(written);
     return written;
   }
 
   TStream& target_;
+  SourceFiles& files_;
   TiffDocumentWriter writer_;
-  OpenFiles files_;
   std::vector<WrittenPicture> pages_;
 };
 
@@ -86,8 +80,8 @@ class DirectSink : public PageSink {
 /// there already as a second one.
 class ApartSink : public PageSink {
  public:
-  ApartSink(TStream& target, const TiffKind& kind)
-      : target_(target), kind_(kind), near_(nearBytes_, kind) {}
+  ApartSink(TStream& target, const TiffKind& kind, SourceFiles& files)
+      : target_(target), kind_(kind), near_(nearBytes_, kind, files) {}
 
   WrittenPicture Write(PictureType type, const Pixels& pixels, const PictureWriting& writing,
                        std::span<const TiffExtraPage> extraPages) override {
@@ -111,6 +105,10 @@ class ApartSink : public PageSink {
     constexpr int kByte = 8;
     const SourcePtr opened = page == source.Page() ? nullptr : source.OpenPage(page);
     return (opened ? *opened : source).Header().layout.bits <= kByte;
+  }
+  void Place(const PictureSource& source, int page, const PagePlace& place) override {
+    place_ = place;
+    if (!source.IsApart()) near_.Place(source, page, place);
   }
   void CopyAsStored(const PictureSource& source, int page) override {
     if (source.IsApart()) return Far(source, page, std::nullopt);
@@ -137,10 +135,11 @@ class ApartSink : public PageSink {
 
  private:
   /// One page of the new file; without a file it stands among those written so far.
-  struct Place {
+  struct Ordered {
     const PictureSource* file = nullptr;
     int page = 1;
     std::optional<PictureWriting> writing = {};
+    PagePlace place = {};
   };
 
   WrittenPicture Near(WrittenPicture written) {
@@ -149,12 +148,12 @@ class ApartSink : public PageSink {
     return written;
   }
   void Far(const PictureSource& source, int page, std::optional<PictureWriting> writing) {
-    places_.push_back({&source, page, std::move(writing)});
+    places_.push_back({&source, page, std::move(writing), place_});
   }
 
   const PictureSource* NextFile() const {
     const auto next = std::find_if(places_.begin(), places_.end(),
-                                   [](const Place& place) { return place.file != nullptr; });
+                                   [](const Ordered& place) { return place.file != nullptr; });
     return next == places_.end() ? nullptr : next->file;
   }
 
@@ -165,11 +164,12 @@ class ApartSink : public PageSink {
     std::vector<size_t> copied;
     int nearPage = 0;
     for (size_t i = 0; i < places_.size(); ++i) {
-      Place& place = places_[i];
+      Ordered& place = places_[i];
       if (place.file == nullptr) {
-        order.pages.push_back({true, ++nearPage, std::nullopt});
+        order.pages.push_back({true, ++nearPage, std::nullopt, 1, 1});
       } else if (place.file == &file) {
-        order.pages.push_back({false, place.page, std::move(place.writing)});
+        order.pages.push_back(
+            {false, place.page, std::move(place.writing), place.place.page, place.place.count});
       } else {
         continue;
       }
@@ -184,7 +184,7 @@ class ApartSink : public PageSink {
       }
     }();
     for (size_t i = 0; i < copied.size(); ++i) {
-      Place& place = places_[copied[i]];
+      Ordered& place = places_[copied[i]];
       if (place.file != nullptr) pages[copied[i]] = std::move(document.pages[i]);
       place = {};
     }
@@ -196,7 +196,8 @@ class ApartSink : public PageSink {
   TMemoryStream nearBytes_;
   DirectSink near_;
   bool hasNear_ = false;
-  std::vector<Place> places_;
+  std::vector<Ordered> places_;
+  PagePlace place_;
 };
 
 }  // namespace
@@ -213,9 +214,21 @@ WrittenPicture StreamTarget::Copy(const PictureSource& source, const PictureWrit
   return source.Copy(writing, stream_);
 }
 
-std::unique_ptr<PageSink> NewPageSink(TStream& target, const TiffKind& kind, bool isApart) {
-  if (isApart) return std::make_unique<ApartSink>(target, kind);
-  return std::make_unique<DirectSink>(target, kind);
+const TiffDocumentReader* SourceFiles::Of(const PictureSource& source) {
+  if (source.Type() != PictureType::tiff || source.IsApart()) return nullptr;
+  File& file = files_[&source];
+  if (!file.reader) {
+    file.stream = source.WholeFile();
+    if (!file.stream) return nullptr;
+    file.reader = std::make_unique<TiffDocumentReader>(*file.stream);
+  }
+  return file.reader.get();
+}
+
+std::unique_ptr<PageSink> NewPageSink(TStream& target, const TiffKind& kind, SourceFiles& files,
+                                      bool isApart) {
+  if (isApart) return std::make_unique<ApartSink>(target, kind, files);
+  return std::make_unique<DirectSink>(target, kind, files);
 }
 
 }  // namespace rasterkit::detail

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <span>
 #include <vector>
 
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
-#include <rasterkit/codecs/tiff/tiff_pages.h>
+#include <rasterkit/codecs/tiff/tiff_document.h>
 #include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/runtime/files/stream.h>
 
@@ -43,9 +44,29 @@ class StreamTarget : public PictureTarget {
   TStream& stream_;
 };
 
+/// The TIFF files of sources, whose directories are walked once. Sources must live as long as the
+/// object.
+class SourceFiles {
+ public:
+  /// Null for a source whose file is no TIFF file or is read by a worker.
+  const TiffDocumentReader* Of(const PictureSource& source);
+
+ private:
+  struct File {
+    std::unique_ptr<TStream> stream;
+    std::unique_ptr<TiffDocumentReader> reader;
+  };
+  std::map<const PictureSource*, File> files_;
+};
+
 /// How the numbers of a TIFF file are stored.
 struct TiffKind {
   bool isBigTiff = false, isBigEndian = false;
+};
+
+/// A place in a file that is written, counted from 1.
+struct PagePlace {
+  int page = 1, count = 1;
 };
 
 /// A TIFF file of several pages, written one after another.
@@ -53,6 +74,8 @@ class PageSink : public PictureTarget {
  public:
   /// True if the encoded pixels of a page of the source's file can be copied.
   virtual bool CanCopy(const PictureSource& source, int page) = 0;
+  /// The page that is written next comes from this page of the source and gets that place.
+  virtual void Place(const PictureSource& source, int page, const PagePlace& place) = 0;
   /// Copies a page of the source's file as it is.
   virtual void CopyAsStored(const PictureSource& source, int page) = 0;
   /// Completes the file. Returns what became of each page: copying by a worker happens only then.
@@ -60,7 +83,8 @@ class PageSink : public PictureTarget {
 };
 
 /// `target` must be seekable unless `isApart`: pages of files that worker processes read are put
-/// together in memory first.
-std::unique_ptr<PageSink> NewPageSink(TStream& target, const TiffKind& kind, bool isApart);
+/// together in memory first. `files` must outlive the sink.
+std::unique_ptr<PageSink> NewPageSink(TStream& target, const TiffKind& kind, SourceFiles& files,
+                                      bool isApart);
 
 }  // namespace rasterkit::detail

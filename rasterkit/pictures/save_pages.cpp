@@ -4,7 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/codecs/tiff/tiff_document.h>
 #include <rasterkit/pictures/extra_pages.h>
 #include <rasterkit/pictures/page_sink.h>
 #include <rasterkit/pictures/picture_parts.h>
@@ -31,13 +30,13 @@ uint64_t BytesOfNew(const PagePart& part) {
 }
 
 /// Bytes of a page that stays. Of a file that a worker reads, all of it.
-uint64_t BytesOfOld(const PagePart& part) {
-  const std::unique_ptr<TStream> file = part.source->WholeFile();
-  return file ? TiffPageBytes(*file, part.page) : part.source->ByteCount();
+uint64_t BytesOfOld(const PagePart& part, SourceFiles& files) {
+  const TiffDocumentReader* const file = files.Of(*part.source);
+  return file != nullptr ? file->PageBytes(part.page) : part.source->ByteCount();
 }
 
 /// True if the file can be larger than the numbers of a classic file reach.
-bool NeedsBigTiff(const FileParts& parts) {
+bool NeedsBigTiff(const FileParts& parts, SourceFiles& files) {
   constexpr uint64_t kMostClassic = 0xFFF00000;
   // No page is longer than its file: most files are known to be small without a look at each page.
   std::map<std::pair<const PictureSource*, int>, uint64_t> uses;
@@ -56,13 +55,13 @@ bool NeedsBigTiff(const FileParts& parts) {
   if (bound < kMostClassic) return false;
   uint64_t bytes = fresh;
   for (const PagePart& part : parts.pages) {
-    if (!part.state) bytes += BytesOfOld(part);
+    if (!part.state) bytes += BytesOfOld(part, files);
   }
   return bytes > kMostClassic;
 }
 
 /// The kind of the first page that is one of a TIFF file; that of the usual file without one.
-TiffKind KindOf(const FileParts& parts, Changes& changes) {
+TiffKind KindOf(const FileParts& parts, SourceFiles& files, Changes& changes) {
   TiffKind kind;
   for (const PagePart& part : parts.pages) {
     const auto* form = std::get_if<TiffForm>(&part.source->Header().form);
@@ -70,7 +69,7 @@ TiffKind KindOf(const FileParts& parts, Changes& changes) {
     kind = {form->isBigTiff, form->isBigEndian};
     break;
   }
-  if (!kind.isBigTiff && NeedsBigTiff(parts)) {
+  if (!kind.isBigTiff && NeedsBigTiff(parts, files)) {
     kind.isBigTiff = true;
     changes.Note("written as BigTIFF: a classic file ends at 4 GiB");
   }
@@ -218,13 +217,17 @@ Report WriteDocument(TStream& target, const FileParts& parts, const SaveOptions&
                      bool hasSideFiles, RunScope& run) {
   ReportOfPages report(parts);
   Changes ofFile;
+  SourceFiles files;
   const uint64_t start = target.Position();
-  const std::unique_ptr<PageSink> sink = NewPageSink(target, KindOf(parts, ofFile), IsApart(parts));
+  const std::unique_ptr<PageSink> sink =
+      NewPageSink(target, KindOf(parts, files, ofFile), files, IsApart(parts));
   const auto count = static_cast<double>(parts.pages.size());
   for (size_t i = 0; i < parts.pages.size(); ++i) {
     RequireTime();
     const PageWork work = WorkOf(parts.pages[i], *sink, parts, options, hasSideFiles);
     const auto index = static_cast<double>(i);
+    const PagePart& old = parts.pages[i];
+    sink->Place(*old.source, old.page, {static_cast<int>(i) + 1, static_cast<int>(count)});
     if (!work.part.state) {
       run.Begin((index + 1) / count, 1);
       sink->CopyAsStored(*work.part.source, work.part.page);
@@ -247,14 +250,16 @@ Report WriteDocument(TStream& target, const FileParts& parts, const SaveOptions&
 Report ForeseeDocument(const FileParts& parts, const SaveOptions& options, bool hasSideFiles) {
   ReportOfPages report(parts);
   Changes ofFile;
+  SourceFiles files;
   TMemoryStream unused;
-  const std::unique_ptr<PageSink> sink = NewPageSink(unused, KindOf(parts, ofFile), IsApart(parts));
+  const std::unique_ptr<PageSink> sink =
+      NewPageSink(unused, KindOf(parts, files, ofFile), files, IsApart(parts));
   uint64_t bytes = 0;
   for (size_t i = 0; i < parts.pages.size(); ++i) {
     RequireTime();
     const PageWork work = WorkOf(parts.pages[i], *sink, parts, options, hasSideFiles);
     if (!work.part.state) {
-      bytes += BytesOfOld(work.part);
+      bytes += BytesOfOld(work.part, files);
       report.Stay(work.part, i);
       continue;
     }

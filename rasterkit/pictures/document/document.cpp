@@ -5,8 +5,8 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/codecs/tiff/tiff_document.h>
 #include <rasterkit/pictures/document/document.h>
+#include <rasterkit/pictures/page_sink.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/save_pages.h>
 #include <rasterkit/pictures/side_file_losses.h>
@@ -66,7 +66,8 @@ detail::FileParts Document::State::Parts(PictureType type, const SaveOptions& op
   for (const Entry& entry : pages) {
     if (entry.picture) {
       parts.pages.push_back({detail::PictureParts::Source(*entry.picture),
-                             detail::PictureParts::SharedState(*entry.picture), 1});
+                             detail::PictureParts::SharedState(*entry.picture),
+                             detail::PictureParts::Source(*entry.picture)->Page()});
     } else {
       parts.pages.push_back({entry.file, nullptr, entry.page});
     }
@@ -135,11 +136,14 @@ bool Document::IsAsStored(int page) const {
   return !state_->Get(page).picture;
 }
 
-uint64_t Document::BytesOfPage(int page) const {
-  const Entry& entry = state_->Get(page);
-  if (entry.picture) return 0;
-  const std::unique_ptr<TStream> file = entry.file->WholeFile();
-  return file ? TiffPageBytes(*file, entry.page) : 0;
+std::vector<uint64_t> Document::BytesOfPages() const {
+  detail::SourceFiles files;
+  std::vector<uint64_t> bytes;
+  for (const Entry& entry : state_->pages) {
+    const TiffDocumentReader* const file = entry.file ? files.Of(*entry.file) : nullptr;
+    bytes.push_back(file != nullptr ? file->PageBytes(entry.page) : 0);
+  }
+  return bytes;
 }
 
 Document& Document::Insert(int page, const Document& pages) {

@@ -21,11 +21,11 @@ namespace rasterkit {
 ///     scans.Append(Document::Open("cover.png")).Save("scans.tif");
 ///
 /// A page that stays keeps its encoded strips and tiles byte for byte, every tag, its smaller
-/// copies and masks. Saving decodes one page at a time. The file has the order of bytes and the
-/// kind (classic or BigTIFF) of the first page that comes from a TIFF file; a page whose numbers
-/// have the other order of bytes is decoded and encoded anew, without loss, and a note says so.
-/// Pictures of other formats are compressed with CCITT G4 (black and white) or Deflate unless an
-/// option says otherwise.
+/// copies and masks; only tag 297, the number of the page, follows a new place. Saving decodes one
+/// page at a time. The file has the order of bytes and the kind (classic or BigTIFF) of the first
+/// page that comes from a TIFF file; a page whose numbers have the other order of bytes is decoded
+/// and encoded anew, without loss, and a note says so. Pictures of other formats are compressed
+/// with CCITT G4 (black and white) or Deflate unless an option says otherwise.
 ///
 /// Pages are counted from 1; calls throw RangeError for a page that does not exist. Copies are
 /// cheap: they share the open files. Const calls may be made from several threads at once.
@@ -49,9 +49,9 @@ class RASTERKIT_EXPORT Document {
   Picture Page(int page) const;
   /// True for a page of a TIFF file that was not replaced.
   bool IsAsStored(int page) const;
-  /// Bytes that a page which stays takes in a file, about; 0 for a picture, and for a page of a
-  /// file that a worker process reads.
-  uint64_t BytesOfPage(int page) const;
+  /// Bytes that each page which stays takes in a file, at most; 0 for a picture, and for a page of
+  /// a file that a worker process reads.
+  std::vector<uint64_t> BytesOfPages() const;
 
   Document& Append(const Document& pages) { return Insert(Pages() + 1, pages); }
   Document& Append(const Picture& picture) { return Insert(Pages() + 1, Of(picture)); }
