@@ -92,8 +92,8 @@ int Main(int argc, char** argv) {
         AddResizeVerb, AddGrayVerb,      AddMonoVerb,    AddBrightnessVerb, AddContrastVerb,
         AddAdjustVerb, AddWhitenVerb,    AddRecolorVerb, AddKeyColorVerb,   AddPdfWhiteVerb,
         AddOpaqueVerb, AddSwapAlphaVerb, AddPaletteVerb, AddCombineVerb,    AddWatermarkVerb,
-        AddIconVerb,   AddCompareVerb,   AddGeoTiffVerb, AddExifVerb,       AddPdfVerb,
-        AddEditVerb,   AddSaveAsVerb}) {
+        AddIconVerb,   AddCompareVerb,   AddGeoTiffVerb, AddExifVerb,       AddPagesVerb,
+        AddPdfVerb,    AddEditVerb,      AddSaveAsVerb}) {
     verbs.push_back(add(line));
   }
   LimitOptions limits;

@@ -38,6 +38,7 @@ void PictureVerb::AddSharedOptions() {
   output_->isForPictures = true;
   AddOutputOptions(*this, *output_, answer_ ? "IN [OUT]" : "IN OUT");
   AddIsolate(*this);
+  AddPages(*this, *picture_);
   AddType(*this, *output_);
   if (uncoversCorners_) {
     AddCorners(*this, *picture_);

@@ -136,14 +136,58 @@ bool Document::IsAsStored(int page) const {
   return !state_->Get(page).picture;
 }
 
-std::vector<uint64_t> Document::BytesOfPages() const {
-  detail::SourceFiles files;
-  std::vector<uint64_t> bytes;
-  for (const Entry& entry : state_->pages) {
-    const TiffDocumentReader* const file = entry.file ? files.Of(*entry.file) : nullptr;
-    bytes.push_back(file != nullptr ? file->PageBytes(entry.page) : 0);
+namespace {
+
+void TakeFacts(const detail::PictureSource& source, DocumentPage& facts) {
+  const PictureHeader& header = source.Header();
+  facts.width = header.width;
+  facts.height = header.height;
+  facts.layout = header.layout;
+  facts.form = header.form;
+  facts.resolution = header.metadata.resolution;
+  facts.smallerCopies = header.smallerCopies;
+  facts.masks = header.masks;
+}
+
+DocumentPage FactsOf(const Picture& picture) {
+  DocumentPage facts;
+  const detail::PictureSource& source = *detail::PictureParts::Source(picture);
+  TakeFacts(source, facts);
+  facts.file = source.File();
+  facts.page = source.Page();
+  facts.width = picture.Width();
+  facts.height = picture.Height();
+  facts.layout = picture.Layout();
+  facts.resolution = picture.GetMetadata().resolution;
+  return facts;
+}
+
+DocumentPage FactsOf(const Entry& entry, detail::SourceFiles& files) {
+  DocumentPage facts;
+  facts.file = entry.file->File();
+  facts.page = entry.page;
+  try {
+    const bool isOpen = entry.page == entry.file->Page();
+    TakeFacts(*(isOpen ? entry.file : entry.file->OpenPage(entry.page)), facts);
+    const TiffDocumentReader* const file = files.Of(*entry.file);
+    if (file != nullptr) facts.bytes = file->PageBytes(entry.page);
+  } catch (const FormatError& error) {
+    facts.error = error.Reason();
+  } catch (const UnsupportedError& error) {
+    facts.error = error.Reason();
   }
-  return bytes;
+  return facts;
+}
+
+}  // namespace
+
+std::vector<DocumentPage> Document::List() const {
+  detail::SourceFiles files;
+  std::vector<DocumentPage> list;
+  for (const Entry& entry : state_->pages) {
+    list.push_back(entry.picture ? FactsOf(*entry.picture) : FactsOf(entry, files));
+  }
+  return list;
 }
 
 Document& Document::Insert(int page, const Document& pages) {

@@ -13,6 +13,25 @@
 
 namespace rasterkit {
 
+/// What is known about a page of a document.
+struct DocumentPage {
+  /// The file that the page comes from, empty for none, and its page there, counted from 1.
+  std::string file;
+  int page = 1;
+  /// Of a page that stays: as stored, not yet upright. Of a picture: after its steps.
+  int width = 0, height = 0;
+  PixelLayout layout;
+  /// As stored.
+  Form form;
+  Resolution resolution;
+  int smallerCopies = 0, masks = 0;
+  /// Bytes that a page which stays takes in a file, at most; 0 for a picture, and for a page of a
+  /// file that a worker process reads.
+  uint64_t bytes = 0;
+  /// Why the header cannot be read; empty if it can.
+  std::string error;
+};
+
 /// A list of pages: pages of TIFF files, which stay as they are until they are replaced, and
 /// pictures of any source.
 ///
@@ -49,9 +68,8 @@ class RASTERKIT_EXPORT Document {
   Picture Page(int page) const;
   /// True for a page of a TIFF file that was not replaced.
   bool IsAsStored(int page) const;
-  /// Bytes that each page which stays takes in a file, at most; 0 for a picture, and for a page of
-  /// a file that a worker process reads.
-  std::vector<uint64_t> BytesOfPages() const;
+  /// Facts of all pages, from their headers. A page whose header cannot be read has an error.
+  std::vector<DocumentPage> List() const;
 
   Document& Append(const Document& pages) { return Insert(Pages() + 1, pages); }
   Document& Append(const Picture& picture) { return Insert(Pages() + 1, Of(picture)); }
