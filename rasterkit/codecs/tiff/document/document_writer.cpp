@@ -47,6 +47,16 @@ struct TiffDocumentWriter::State {
                       const PictureWriting* writing);
   bool CanCopy(const TiffDocumentReader::State& source, int page) const;
   std::optional<TagValue> TakeNumber();
+  void RequireWhole() const {
+    if (isBroken) throw FormatError("TIFF: a page of the document has failed");
+  }
+  template <typename Page>
+  void Write(Page& page, Changes& changes) {
+    isBroken = true;
+    linkAt = page.Write(file, linkAt, changes);
+    isBroken = false;
+    hasPages = true;
+  }
 
   TStream& target;
   /// The file, if the header of the target cannot be completed last.
@@ -54,6 +64,8 @@ struct TiffDocumentWriter::State {
   detail::TagFileWriter file;
   uint64_t linkAt = file.FirstLinkAt();
   bool hasPages = false;
+  /// True while a page is written: what a page that failed has left must not be in a file.
+  bool isBroken = false;
   std::optional<TiffPageNumber> number;
   std::map<uint64_t, UsedSource> sources;
 };
@@ -86,6 +98,7 @@ bool TiffDocumentWriter::State::CanCopy(const TiffDocumentReader::State& source,
 WrittenPicture TiffDocumentWriter::State::Copy(const TiffDocumentReader::State& source, int page,
                                                const PictureWriting* writing) {
   const LimitsScope limits;
+  RequireWhole();
   if (!CanCopy(source, page)) {
     throw UnsupportedError(
         "TIFF: the pixels of a page are in the other order of bytes and cannot be copied");
@@ -97,10 +110,10 @@ WrittenPicture TiffDocumentWriter::State::Copy(const TiffDocumentReader::State& 
   form.isBigTiff = file.IsBig();
   form.isBigEndian = file.IsBigEndian();
   detail::PageCopier copier(source.reader, SourceOf(source, page), writing);
+  if (source.chain.Pages() > 1) copier.RequireSizes();
   copier.Collect(first, source.chain.Following(source.IndexOf(page)));
   if (const auto value = TakeNumber()) copier.SetPageNumber(*value);
-  linkAt = copier.Write(file, linkAt, written.changes);
-  hasPages = true;
+  Write(copier, written.changes);
   return written;
 }
 
@@ -150,11 +163,15 @@ WrittenPicture TiffDocumentWriter::CopyPage(TStream& source, int page,
 WrittenPicture TiffDocumentWriter::AddPage(const Pixels& pixels, const PictureWriting& writing,
                                            std::span<const TiffExtraPage> extraPages) {
   const LimitsScope limits;
+  state_->RequireWhole();
   detail::NewPage page(pixels, writing, extraPages);
   if (const auto value = state_->TakeNumber()) page.SetPageNumber(*value);
-  state_->linkAt = page.Write(state_->file, state_->linkAt);
-  state_->hasPages = true;
-  return page.TakeWritten();
+  WrittenPicture written = page.Written();
+  auto& form = std::get<TiffForm>(written.form);
+  form.isBigTiff = state_->file.IsBig();
+  form.isBigEndian = state_->file.IsBigEndian();
+  state_->Write(page, written.changes);
+  return written;
 }
 
 void TiffDocumentWriter::NumberNextPage(const TiffPageNumber& number) {
@@ -162,6 +179,7 @@ void TiffDocumentWriter::NumberNextPage(const TiffPageNumber& number) {
 }
 
 void TiffDocumentWriter::Finish() {
+  state_->RequireWhole();
   if (!state_->hasPages) throw FormatError("TIFF: a document needs a page");
   state_->file.Finish();
   if (!IsSeekable(state_->target)) state_->target.Write(state_->memory.Bytes());

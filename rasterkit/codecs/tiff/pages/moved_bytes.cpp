@@ -21,10 +21,6 @@ void MovedBytes::Add(const TagReader& reader, uint64_t at, uint64_t count) {
   if (at > reader.Size() || count > reader.Size() - at) {
     throw FormatError("TIFF: a strip or tile reaches beyond the end of the file");
   }
-  if (areCopied_) {
-    ranges_.clear();
-    areCopied_ = false;
-  }
   // Strips mostly follow each other.
   if (!ranges_.empty() && ranges_.back().end == at) {
     ranges_.back().end = at + count;
@@ -56,7 +52,6 @@ const MovedBytes::Range* MovedBytes::Earlier(const Range& range) const {
 }
 
 uint64_t MovedBytes::Total() {
-  if (areCopied_) return 0;
   Merge();
   uint64_t total = 0;
   for (const Range& range : ranges_) {
@@ -66,8 +61,6 @@ uint64_t MovedBytes::Total() {
 }
 
 void MovedBytes::Copy(const TagReader& reader, TagFileWriter& file) {
-  if (areCopied_) ranges_.clear();
-  areCopied_ = true;
   Merge();
   std::vector<uint8_t> piece;
   for (Range& range : ranges_) {

@@ -14,14 +14,16 @@ namespace rasterkit::detail {
 /// outgrow the old one.
 class MovedBytes {
  public:
+  /// Forgets ranges that were added and not copied: those of a page that failed.
+  void Begin() { ranges_.clear(); }
   /// Throws FormatError if the range reaches beyond the end of the file.
   void Add(const TagReader& reader, uint64_t at, uint64_t count);
   /// Bytes that `Copy` writes.
   uint64_t Total();
-  /// Writes what was added since the last call. Throws FormatError if pages share so many bytes in
+  /// Writes what was added since `Begin`. Throws FormatError if pages share so many bytes in
   /// part that the new file would have more of them than the old one.
   void Copy(const TagReader& reader, TagFileWriter& file);
-  /// The new place of a byte of a range that was added before the last `Copy`; 0 for 0.
+  /// The new place of a byte of a range that `Copy` has written; 0 for 0.
   uint64_t PlaceOf(uint64_t at) const;
 
  private:
@@ -35,7 +37,6 @@ class MovedBytes {
   std::vector<Range> ranges_;
   std::map<uint64_t, Range> earlier_;
   uint64_t copied_ = 0;
-  bool areCopied_ = false;
 };
 
 }  // namespace rasterkit::detail

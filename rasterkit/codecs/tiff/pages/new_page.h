@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -26,10 +27,9 @@ class NewPage {
   void SetPageNumber(const TagValue& number) { pageNumber_ = number; }
   /// Writes the page and makes it the next directory of the link; returns the link to the page
   /// after it.
-  uint64_t Write(TagFileWriter& file, uint64_t linkAt);
-  /// What was written; once, after `Write`.
-  WrittenPicture TakeWritten();
-  Changes& Notes() { return changes_; }
+  uint64_t Write(TagFileWriter& file, uint64_t linkAt, Changes& changes);
+  /// The planned page, with the changes that are known before it is written.
+  WrittenPicture Written() const { return {Form(), parts_[0].plan.layout, changes_}; }
 
  private:
   struct Part {

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <tiff.h>
 
+#include <rasterkit/codecs/tiff/pages/jpeg_end.h>
 #include <rasterkit/codecs/tiff/pages/page_copy.h>
 #include <rasterkit/codecs/tiff/pages/page_directory.h>
 #include <rasterkit/codecs/tiff/pages/page_facts.h>
@@ -24,8 +25,8 @@ constexpr uint64_t kLeastEntryBytes = 2;
 constexpr uint64_t kSpareBytes = 1 << 20;
 /// Larger values are written once for all pages that share them.
 constexpr uint64_t kMostOwnBytes = 4096;
-constexpr uint64_t kMostDirectoriesOfTag = 256;
-constexpr size_t kMostDirectoriesOfPage = 1024;
+/// Directories that lead to each other.
+constexpr int kMostDepth = 64;
 /// Of a BigTIFF file: an entry, the count and the link of a directory with the bytes that make
 /// places even.
 constexpr uint64_t kEntryBytes = 20, kDirectoryBytes = 24;
@@ -95,6 +96,7 @@ bool PageCopier::IsWrittenAnew(const TagPlace& place) const {
 }
 
 void PageCopier::Collect(const TagDirectory& first, std::span<const uint64_t> following) {
+  source_.moved.Begin();
   first_ = first;
   following_.assign(following.begin(), following.end());
   CollectDirectory(first_);
@@ -108,9 +110,13 @@ void PageCopier::Collect(const TagDirectory& first, std::span<const uint64_t> fo
 void PageCopier::CollectDirectory(const TagDirectory& directory) {
   if (!collected_.insert(directory.at).second) return;
   RequireTime();
+  Charge(directory.entryBytes);
   const StoredBlocks blocks = BlocksOf(reader_, directory);
+  if (requiresSizes_ && blocks.isSizeUnknown) {
+    throw FormatError("TIFF: the size of a strip or tile is missing");
+  }
   // Directories with lists of their own cannot exceed this.
-  source_.listed += blocks.places.size() * kLeastEntryBytes + directory.tags.size() * 2;
+  source_.listed += blocks.places.size() * kLeastEntryBytes;
   if (source_.listed > reader_.Size()) {
     throw FormatError("TIFF: directories of the file share their lists of strips");
   }
@@ -120,37 +126,39 @@ void PageCopier::CollectDirectory(const TagDirectory& directory) {
       source_.moved.Add(reader_, blocks.places[i], blocks.counts[i]);
     }
   }
-  CollectOldJpeg(directory, blocks);
+  CollectJpegFile(directory, blocks);
+  if (IsOldJpeg(reader_, directory)) CollectJpegTables(directory);
   const bool isMain = IsMain(directory);
   for (const TagPlace& place : directory.tags) {
     // Values become even, and pointers become wide.
     tagBytes_ +=
         kEntryBytes + (LeadsToDirectory(place.tag, place.type) ? 2 : 1) * place.Bytes() + 1;
     if (!LeadsToDirectory(place.tag, place.type) || (isMain && IsWrittenAnew(place))) continue;
-    for (const uint64_t at : reader_.Integers(place, kMostDirectoriesOfTag)) CollectAt(at);
+    Charge(place.Bytes());
+    for (const uint64_t at : reader_.Integers(place)) CollectAt(at);
   }
 }
 
 void PageCopier::CollectAt(uint64_t at) {
-  if (collected_.size() >= kMostDirectoriesOfPage) return;
+  if (collected_.contains(at)) return;
+  if (depth_ >= kMostDepth) throw FormatError("TIFF: directories lead to each other too often");
+  depth_++;
   if (const auto directory = reader_.Directory(at)) CollectDirectory(*directory);
+  depth_--;
 }
 
-/// Old-style JPEG has a whole JPEG file, or tables, beside its strips.
-void PageCopier::CollectOldJpeg(const TagDirectory& directory, const StoredBlocks& blocks) {
-  if (!IsOldJpeg(reader_, directory)) return;
+/// A directory can lead to a whole JPEG file.
+void PageCopier::CollectJpegFile(const TagDirectory& directory, const StoredBlocks& blocks) {
   const uint64_t at = reader_.Integer(directory, TIFFTAG_JPEGIFOFFSET, 0);
-  if (at != 0 && at < reader_.Size()) {
-    const uint64_t left = reader_.Size() - at;
-    const uint64_t count = reader_.Integer(directory, TIFFTAG_JPEGIFBYTECOUNT, 0);
-    // Without a size, the JPEG file ends with the strips that lie in it.
-    uint64_t end = at;
-    for (size_t i = 0; i < blocks.places.size(); i++) {
-      end = std::max(end, blocks.places[i] + blocks.counts[i]);
-    }
-    const uint64_t stripsEnd = end > at ? end - at : left;
-    source_.moved.Add(reader_, at, std::min(count == 0 ? stripsEnd : count, left));
-  }
+  if (at == 0 || at >= reader_.Size()) return;
+  const uint64_t stated = reader_.Integer(directory, TIFFTAG_JPEGIFBYTECOUNT, 0);
+  const uint64_t end = JpegEnd(reader_, at, !blocks.places.empty());
+  const uint64_t count = stated != 0 ? stated : end > at ? end - at : 0;
+  source_.moved.Add(reader_, at, std::min(count, reader_.Size() - at));
+}
+
+/// Old-style JPEG can have its tables beside its strips.
+void PageCopier::CollectJpegTables(const TagDirectory& directory) {
   for (const TagPlace& place : directory.tags) {
     if (!IsTableList(place.tag)) continue;
     for (const uint64_t table : reader_.Integers(place, kMostTableCount)) {
@@ -182,16 +190,11 @@ TagValue PageCopier::Take(const TagPlace& place) {
   return reader_.Value(place);
 }
 
-/// The sizes of blocks as the source has them, unless they were missing or corrected.
-TagValue PageCopier::Counts(const TagDirectory& directory, uint16_t tag,
-                            std::span<const uint64_t> counts) {
-  return writing_ ? file_->PlacesTag(tag, counts)
-                  : InTypeOf(directory.Find(tag), counts, file_->PlacesTag(tag, counts));
-}
-
-TagValue PageCopier::Places(const TagDirectory& directory, uint16_t tag,
-                            std::span<const uint64_t> places) {
-  return Counts(directory, tag, places);
+/// Places or sizes of blocks; a page with all of its tags keeps the type of the source.
+TagValue PageCopier::Numbers(const TagDirectory& directory, uint16_t tag,
+                             std::span<const uint64_t> numbers) const {
+  TagValue wide = file_->PlacesTag(tag, numbers);
+  return writing_ ? wide : InTypeOf(directory.Find(tag), numbers, std::move(wide));
 }
 
 void PageCopier::MoveBlocks(const TagDirectory& directory, TagMap& tags) {
@@ -200,16 +203,26 @@ void PageCopier::MoveBlocks(const TagDirectory& directory, TagMap& tags) {
   for (uint64_t& place : blocks.places) place = source_.moved.PlaceOf(place);
   const uint16_t places = blocks.isTiled ? TIFFTAG_TILEOFFSETS : TIFFTAG_STRIPOFFSETS;
   const uint16_t counts = blocks.isTiled ? TIFFTAG_TILEBYTECOUNTS : TIFFTAG_STRIPBYTECOUNTS;
-  tags[places] = Places(directory, places, blocks.places);
-  tags[counts] = Counts(directory, counts, blocks.counts);
+  tags[places] = Numbers(directory, places, blocks.places);
+  tags[counts] = Numbers(directory, counts, blocks.counts);
 }
 
-void PageCopier::MoveOldJpeg(TagMap& tags) {
-  for (auto& [tag, value] : tags) {
-    if (tag != TIFFTAG_JPEGIFOFFSET && !IsTableList(tag)) continue;
-    std::vector<uint64_t> places = NumbersOf(value);
-    for (uint64_t& place : places) place = source_.moved.PlaceOf(place);
-    value = file_->PlacesTag(tag, places);
+void PageCopier::MoveJpeg(const TagDirectory& directory, TagMap& tags, Changes& changes) {
+  const bool isOld = IsOldJpeg(reader_, directory);
+  for (const uint16_t tag :
+       {TIFFTAG_JPEGIFOFFSET, TIFFTAG_JPEGQTABLES, TIFFTAG_JPEGDCTABLES, TIFFTAG_JPEGACTABLES}) {
+    const auto found = tags.find(tag);
+    if (found == tags.end() || (!isOld && tag != TIFFTAG_JPEGIFOFFSET)) continue;
+    std::vector<uint64_t> places = NumbersOf(found->second);
+    for (uint64_t& place : places) {
+      const bool isSet = place != 0;
+      place = source_.moved.PlaceOf(place);
+      if (isSet && place == 0) {
+        changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", tag),
+                     "it leads beyond the end of the file");
+      }
+    }
+    found->second = Numbers(directory, tag, places);
   }
 }
 
@@ -224,12 +237,24 @@ void PageCopier::CopyValue(const TagPlace& place, Structure& copy) {
   copy.stored[place.tag] = {place.type, place.count, known->second};
 }
 
+/// True for a value of bytes that are numbers in the order of the source.
+bool PageCopier::IsBoundToOrder(uint16_t tag, Changes& changes) const {
+  if (reader_.IsBigEndian() == file_->IsBigEndian()) return false;
+  if (tag == EXIFTAG_MAKERNOTE) {
+    changes.Note("TIFF: the maker note keeps its bytes in a file of the other order of bytes");
+  }
+  if (tag != kLayersTag) return false;
+  changes.Lose(LossKind::hiddenPictures, "layers", "they are in the other order of bytes");
+  return true;
+}
+
 PageCopier::Structure PageCopier::Copy(const TagDirectory& directory, Changes& changes) {
   Structure copy;
   const bool isMain = IsMain(directory);
   for (const TagPlace& place : directory.tags) {
     if (place.tag == TIFFTAG_FREEOFFSETS || place.tag == TIFFTAG_FREEBYTECOUNTS) continue;
     if (isMain && IsWrittenAnew(place)) continue;
+    if (IsBoundToOrder(place.tag, changes)) continue;
     if (LeadsToDirectory(place.tag, place.type)) {
       TagValue pointers = CopyBelow(place, changes);
       if (pointers.count > 0) copy.tags[place.tag] = std::move(pointers);
@@ -238,7 +263,7 @@ PageCopier::Structure PageCopier::Copy(const TagDirectory& directory, Changes& c
     }
   }
   MoveBlocks(directory, copy.tags);
-  if (IsOldJpeg(reader_, directory)) MoveOldJpeg(copy.tags);
+  MoveJpeg(directory, copy.tags, changes);
   if (!writing_) {
     for (const uint16_t tag : directory.damaged) {
       changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", tag),
@@ -250,21 +275,30 @@ PageCopier::Structure PageCopier::Copy(const TagDirectory& directory, Changes& c
 
 TagValue PageCopier::CopyBelow(const TagPlace& pointer, Changes& changes) {
   std::vector<uint64_t> places;
-  for (const uint64_t at : reader_.Integers(pointer, kMostDirectoriesOfTag)) {
-    if (const auto written = CopyDirectory(at, changes)) places.push_back(written->at);
+  bool isComplete = true;
+  for (const uint64_t at : reader_.Integers(pointer)) {
+    const auto written = CopyDirectory(at, changes);
+    if (written) places.push_back(written->at);
+    isComplete = isComplete && (written || at == 0);
+  }
+  if (!isComplete) {
+    changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", pointer.tag),
+                 "a directory that it leads to cannot be read, or leads back to it");
   }
   TagValue pointers = file_->PointersTag(pointer.tag, places);
   return writing_ ? pointers : InTypeOf(&pointer, places, std::move(pointers));
 }
 
-/// Each directory is copied once, so that circles end.
+/// Each directory is copied once; a circle ends where it closes.
 std::optional<TagFileWriter::Written> PageCopier::CopyDirectory(uint64_t at, Changes& changes) {
-  if (!collected_.contains(at) || !copied_.insert(at).second) return std::nullopt;
+  if (!collected_.contains(at)) return std::nullopt;
+  const auto [copied, isNew] = copied_.try_emplace(at);
+  if (!isNew) return copied->second.at == 0 ? std::nullopt : std::optional(copied->second);
   RequireTime();
   const auto directory = reader_.Directory(at);
   if (!directory) return std::nullopt;
   const Structure copy = Copy(*directory, changes);
-  return file_->WriteDirectory(copy.tags, copy.stored, changes);
+  return copied_[at] = file_->WriteDirectory(copy.tags, copy.stored, changes);
 }
 
 void PageCopier::AddMetadata(Structure& main, Changes& changes) {
@@ -276,6 +310,8 @@ void PageCopier::AddMetadata(Structure& main, Changes& changes) {
       if (place) main.tags[tag] = Take(*place);
     }
   }
+  std::erase_if(tags_.main,
+                [&](const TagValue& value) { return IsBoundToOrder(value.tag, changes); });
   AddPageTags(tags_, *file_, main.tags, changes);
   // Inches are the unit of a file that states none.
   const bool hasNoUnit = first_.Has(TIFFTAG_XRESOLUTION) && !first_.Has(TIFFTAG_RESOLUTIONUNIT);
@@ -286,10 +322,11 @@ void PageCopier::AddMetadata(Structure& main, Changes& changes) {
 
 uint64_t PageCopier::Write(TagFileWriter& file, uint64_t linkAt, Changes& changes) {
   file_ = &file;
+  file.RequireRoom(source_.moved.Total());
   source_.moved.Copy(reader_, file);
   changes.losses.insert(changes.losses.end(), changes_.losses.begin(), changes_.losses.end());
   changes.notes.insert(changes.notes.end(), changes_.notes.begin(), changes_.notes.end());
-  copied_.insert(first_.at);
+  copied_.try_emplace(first_.at);
   Structure main = Copy(first_, changes);
   if (writing_) AddMetadata(main, changes);
   if (pageNumber_) main.tags[pageNumber_->tag] = *pageNumber_;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <tuple>
+#include <unordered_map>
 #include <unordered_set>
 
 #include <rasterkit/codecs/rows/picture_writing.h>
@@ -43,6 +44,8 @@ class PageCopier {
   void Collect(const TagDirectory& first, std::span<const uint64_t> following);
   /// Upper bound of the bytes that `Write` adds to the file.
   uint64_t MostBytes();
+  /// A strip without a size may reach to the end of the file, unless other pages follow.
+  void RequireSizes() { requiresSizes_ = true; }
   /// Tag 297 of the written page; without it that of the source stays.
   void SetPageNumber(const TagValue& number) { pageNumber_ = number; }
   /// Writes the page and makes it the next directory of the link; returns the link to the page
@@ -57,15 +60,17 @@ class PageCopier {
 
   void CollectDirectory(const TagDirectory& directory);
   void CollectAt(uint64_t at);
-  void CollectOldJpeg(const TagDirectory& directory, const StoredBlocks& blocks);
+  void CollectJpegFile(const TagDirectory& directory, const StoredBlocks& blocks);
+  void CollectJpegTables(const TagDirectory& directory);
   bool IsMain(const TagDirectory& directory) const { return writing_ && directory.at == first_.at; }
   bool IsWrittenAnew(const TagPlace& place) const;
   Structure Copy(const TagDirectory& directory, Changes& changes);
+  bool IsBoundToOrder(uint16_t tag, Changes& changes) const;
   void CopyValue(const TagPlace& place, Structure& copy);
   void MoveBlocks(const TagDirectory& directory, TagMap& tags);
-  TagValue Counts(const TagDirectory& directory, uint16_t tag, std::span<const uint64_t> counts);
-  TagValue Places(const TagDirectory& directory, uint16_t tag, std::span<const uint64_t> places);
-  void MoveOldJpeg(TagMap& tags);
+  TagValue Numbers(const TagDirectory& directory, uint16_t tag,
+                   std::span<const uint64_t> numbers) const;
+  void MoveJpeg(const TagDirectory& directory, TagMap& tags, Changes& changes);
   TagValue Take(const TagPlace& place);
   void Charge(uint64_t bytes);
   TagValue CopyBelow(const TagPlace& pointer, Changes& changes);
@@ -83,7 +88,11 @@ class PageCopier {
   Changes changes_;
   TagFileWriter* file_ = nullptr;
   uint64_t tagBytes_ = 0;
-  std::unordered_set<uint64_t> collected_, copied_;
+  bool requiresSizes_ = false;
+  int depth_ = 0;
+  std::unordered_set<uint64_t> collected_;
+  /// Directories that were written, and those that are being written, with place 0.
+  std::unordered_map<uint64_t, TagFileWriter::Written> copied_;
 };
 
 }  // namespace rasterkit::detail

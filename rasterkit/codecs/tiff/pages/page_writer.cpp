@@ -76,7 +76,7 @@ uint64_t NewPage::MostBytes() const {
   return most;
 }
 
-uint64_t NewPage::Write(TagFileWriter& file, uint64_t linkAt) {
+uint64_t NewPage::Write(TagFileWriter& file, uint64_t linkAt, Changes& changes) {
   for (Part& part : parts_) {
     part.plan.form.isBigEndian = file.IsBigEndian();
     part.plan.form.isBigTiff = file.IsBig();
@@ -84,21 +84,17 @@ uint64_t NewPage::Write(TagFileWriter& file, uint64_t linkAt) {
     if (part.subfileType != 0) {
       directory[TIFFTAG_SUBFILETYPE] = LongTag(TIFFTAG_SUBFILETYPE, part.subfileType);
     } else {
-      AddPageTags(tags_, file, directory, changes_);
+      AddPageTags(tags_, file, directory, changes);
       if (pageNumber_) {
         directory[TIFFTAG_SUBFILETYPE] = LongTag(TIFFTAG_SUBFILETYPE, FILETYPE_PAGE);
         directory[TIFFTAG_PAGENUMBER] = *pageNumber_;
       }
     }
-    const TagFileWriter::Written written = file.WriteDirectory(directory, changes_);
+    const TagFileWriter::Written written = file.WriteDirectory(directory, changes);
     file.Link(linkAt, written.at);
     linkAt = written.linkAt;
   }
   return linkAt;
-}
-
-WrittenPicture NewPage::TakeWritten() {
-  return {parts_[0].plan.form, parts_[0].plan.layout, std::move(changes_)};
 }
 
 }  // namespace detail
@@ -106,15 +102,16 @@ WrittenPicture NewPage::TakeWritten() {
 namespace {
 
 WrittenPicture WriteFile(detail::NewPage& page, TStream& stream) {
-  bool isBig = page.Form().isBigTiff;
-  if (!isBig && page.MostBytes() > UINT32_MAX) {
-    isBig = true;
-    page.Notes().Note("written as a BigTIFF file, which may exceed 4 GiB");
+  WrittenPicture written = page.Written();
+  auto& form = std::get<TiffForm>(written.form);
+  if (!form.isBigTiff && page.MostBytes() > UINT32_MAX) {
+    form.isBigTiff = true;
+    written.changes.Note("written as a BigTIFF file, which may exceed 4 GiB");
   }
-  TagFileWriter file(stream, isBig, page.Form().isBigEndian);
-  page.Write(file, file.FirstLinkAt());
+  TagFileWriter file(stream, form.isBigTiff, form.isBigEndian);
+  page.Write(file, file.FirstLinkAt(), written.changes);
   file.Finish();
-  return page.TakeWritten();
+  return written;
 }
 
 }  // namespace

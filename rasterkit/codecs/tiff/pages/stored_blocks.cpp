@@ -54,6 +54,7 @@ void FindCounts(const TagReader& reader, const PlainSizes& sizes, StoredBlocks& 
     if (plain == 0 && count > 1) {
       throw FormatError("TIFF: the sizes of the strips or tiles are missing");
     }
+    blocks.isSizeUnknown = plain == 0;
     blocks.counts[i] = plain > 0 ? plain : reader.Size() - blocks.places[i];
   }
 }

@@ -12,6 +12,8 @@ struct StoredBlocks {
   bool isTiled = false;
   /// Of each block; both 0 for one that a sparse file leaves out.
   std::vector<uint64_t> places, counts;
+  /// True if the only block reaches to the end of the file because nothing says how long it is.
+  bool isSizeUnknown = false;
 };
 
 /// Lists the blocks; empty if the directory has none. Missing sizes are computed where they follow

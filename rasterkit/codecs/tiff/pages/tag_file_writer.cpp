@@ -75,11 +75,15 @@ uint64_t TagFileWriter::End() {
   return size_;
 }
 
-uint64_t TagFileWriter::Append(std::span<const uint8_t> bytes) {
-  const uint64_t at = End();
-  if (!isBig_ && bytes.size() > UINT32_MAX - at) {
+void TagFileWriter::RequireRoom(uint64_t bytes) const {
+  if (!isBig_ && bytes > UINT32_MAX - size_) {
     throw LimitError("TIFF: a file above 4 GiB must be a BigTIFF file");
   }
+}
+
+uint64_t TagFileWriter::Append(std::span<const uint8_t> bytes) {
+  const uint64_t at = End();
+  RequireRoom(bytes.size());
   stream_.Write(bytes);
   size_ += bytes.size();
   return at;
@@ -160,6 +164,9 @@ TagFileWriter::Written TagFileWriter::WriteDirectory(const TagMap& tags, const S
     } else {
       Put(entry, Append(value.bytes), offsetBytes);
     }
+  }
+  if (!isBig_ && entries.size() > UINT16_MAX) {
+    throw LimitError("TIFF: a directory of more than 65,535 tags must be in a BigTIFF file");
   }
   std::vector<uint8_t> directory;
   Put(directory, entries.size(), isBig_ ? 8 : 2);

@@ -104,6 +104,7 @@ std::optional<TagDirectory> TagReader::Directory(uint64_t at) const {
   TagDirectory directory;
   directory.at = at;
   directory.next = Next(at);
+  directory.entryBytes = *entries * EntryBytes();
   const int countBytes = isBig_ ? 8 : 4;
   std::unordered_set<uint16_t> seen;
   for (uint64_t i = 0; i < *entries; i++) {

@@ -27,6 +27,8 @@ struct TagPlace {
 /// the file.
 struct TagDirectory {
   uint64_t at = 0, next = 0;
+  /// Bytes of its entries, repeated and damaged ones included.
+  uint64_t entryBytes = 0;
   std::vector<TagPlace> tags;
   /// Tags that are skipped because of their type or because they reach beyond the end.
   std::vector<uint16_t> damaged;
