@@ -2,6 +2,7 @@
 
 /// Pictures that keep pixels, metadata, position and form together, and reading of picture files,
 /// also of untrusted ones in a worker process.
+#include <rasterkit/pictures/document/document.h>
 #include <rasterkit/pictures/load_bitmap.h>
 #include <rasterkit/pictures/open_options.h>
 #include <rasterkit/pictures/picture.h>

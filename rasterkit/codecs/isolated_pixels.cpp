@@ -1,4 +1,5 @@
 #include <exception>
+#include <limits>
 #include <utility>
 
 #include <rasterkit/codecs/isolated_pixels.h>
@@ -7,12 +8,22 @@
 #include <rasterkit/codecs/messages/isolated_reading.h>
 #include <rasterkit/codecs/messages/writing_fields.h>
 #include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit::detail {
+namespace {
+
+int ReadPage(FieldReader& task) {
+  return task.I32In(1, std::numeric_limits<int>::max());
+}
+
+}  // namespace
 
 PictureHeader ReadHeaderIsolated(SystemFile file, PictureType& type,
-                                 const std::function<bool()>& keepGoing) {
+                                 const std::function<bool()>& keepGoing, int page) {
+  FieldWriter task;
+  task.I32(page);
   std::exception_ptr error;
   PictureHeader header;
   const auto place = [&](FieldReader& fields, uint64_t) -> std::span<uint8_t> {
@@ -22,14 +33,16 @@ PictureHeader ReadHeaderIsolated(SystemFile file, PictureType& type,
     fields.RequireEnd();
     return {};
   };
-  ReadInWorker(WorkerReader::pictures, WorkerTask::header, {}, std::move(file), keepGoing, place);
+  ReadInWorker(WorkerReader::pictures, WorkerTask::header, task.Written(), std::move(file),
+               keepGoing, place);
   if (error) std::rethrow_exception(error);
   return header;
 }
 
 Pixels DecodePixelsIsolated(SystemFile file, int threads, CodecReport* report,
-                            const std::function<bool()>& keepGoing) {
+                            const std::function<bool()>& keepGoing, int page) {
   FieldWriter task;
+  task.I32(page);
   task.I32(threads);
   std::exception_ptr error;
   Pixels pixels;
@@ -49,8 +62,10 @@ Pixels DecodePixelsIsolated(SystemFile file, int threads, CodecReport* report,
 }
 
 WrittenPicture CopyPictureIsolated(SystemFile file, PictureType type, const PictureWriting& writing,
-                                   TStream& stream, const std::function<bool()>& keepGoing) {
+                                   TStream& stream, const std::function<bool()>& keepGoing,
+                                   int page) {
   FieldWriter task;
+  task.I32(page);
   task.Enum(type);
   WriteWriting(task, writing);
   std::exception_ptr error;
@@ -72,12 +87,13 @@ WrittenPicture CopyPictureIsolated(SystemFile file, PictureType type, const Pict
 }
 
 void AnswerHeader(FieldReader& task, TStream& file, FieldWriter& answer) {
+  const int page = ReadPage(task);
   task.RequireEnd();
   PictureHeader header;
   std::exception_ptr error;
   const PictureType type = SniffPictureType(file);
   try {
-    header = ReadPictureHeader(file, type);
+    header = ReadPageHeader(file, type, page);
   } catch (...) {
     error = std::current_exception();
   }
@@ -87,6 +103,7 @@ void AnswerHeader(FieldReader& task, TStream& file, FieldWriter& answer) {
 }
 
 Pixels AnswerPixels(FieldReader& task, TStream& file, FieldWriter& answer) {
+  const int page = ReadPage(task);
   FrameOptions options;
   options.threads = task.I32();
   task.RequireEnd();
@@ -94,7 +111,9 @@ Pixels AnswerPixels(FieldReader& task, TStream& file, FieldWriter& answer) {
   CodecReport report;
   std::exception_ptr error;
   try {
-    pixels = DecodePixels(file, SniffPictureType(file), options, &report);
+    const PictureType type = SniffPictureType(file);
+    PageView view(file, type, page);
+    pixels = DecodePixels(view.Stream(), type, options, &report);
   } catch (...) {
     error = std::current_exception();
     pixels = Raster();
@@ -106,6 +125,7 @@ Pixels AnswerPixels(FieldReader& task, TStream& file, FieldWriter& answer) {
 }
 
 std::vector<uint8_t> AnswerCopy(FieldReader& task, TStream& file, FieldWriter& answer) {
+  const int page = ReadPage(task);
   const PictureType type = task.Enum(PictureType::webp);
   const PictureWriting writing = ReadWriting(task);
   task.RequireEnd();
@@ -113,7 +133,8 @@ std::vector<uint8_t> AnswerCopy(FieldReader& task, TStream& file, FieldWriter& a
   WrittenPicture written;
   std::exception_ptr error;
   try {
-    written = CopyPicture(type, file, writing, copy);
+    PageView view(file, type, page);
+    written = CopyPicture(type, view.Stream(), writing, copy);
   } catch (...) {
     error = std::current_exception();
     copy.Clear();

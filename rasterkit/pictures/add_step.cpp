@@ -306,6 +306,7 @@ void AddStep(PictureState& state, const PictureSource& source, const Step& step)
   try {
     const LimitsScope limits;
     std::visit(StepAdder(state, source), step);
+    state.hasSteps = true;
     if (state.stages.empty()) state.layout = source.Header().layout;
   } catch (Error& error) {
     error.AttachFile(source.File());

@@ -1,6 +1,8 @@
+#include <string>
 #include <utility>
 
 #include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/pictures/isolated_source.h>
 #include <rasterkit/pictures/picture_source.h>
@@ -14,25 +16,34 @@ namespace {
 
 constexpr int kMostDecoders = 64;
 
+/// Compressed pixels may be copied without a look at the limits.
+SourcePtr WithinLimits(SourcePtr source) {
+  const PictureHeader& header = source->Header();
+  RequirePictureSize(static_cast<uint64_t>(header.width), static_cast<uint64_t>(header.height),
+                     "a picture of " + std::to_string(header.width) + " x " +
+                         std::to_string(header.height) + " pixels");
+  return source;
+}
+
 /// A file that a codec decodes.
 class FileSource : public PictureSource {
  public:
   FileSource(PictureBytes bytes, PictureType type, const OpenOptions& options)
-      : bytes_(std::move(bytes)) {
+      : bytes_(std::move(bytes)), options_(options) {
     type_ = type;
     file_ = bytes_.Name();
-    header_ = ReadPictureHeader(*bytes_.Stream(), type);
+    page_ = options.page;
+    header_ = ReadPageHeader(*bytes_.Stream(), type, page_);
     if (type == PictureType::tiff && header_.smallerCopies + header_.masks > 0) {
-      extraPages_ = ReadTiffExtraPages(*bytes_.Stream());
+      extraPages_ = ReadTiffExtraPages(*Stream());
     }
-    position_ =
-        ReadPlacement(file_, header_.positionTags, header_.width, header_.height, options.position);
+    position_ = ReadPlacement(NameForPosition(file_, page_), header_.positionTags, header_.width,
+                              header_.height, options.position);
   }
 
   Pixels ReadPixels(int threads, CodecReport& report) const override {
     bytes_.RequireUnchanged();
-    Pixels pixels =
-        DecodePixels(*bytes_.Stream(), type_, {std::min(threads, kMostDecoders)}, &report);
+    Pixels pixels = DecodePixels(*Stream(), type_, {std::min(threads, kMostDecoders)}, &report);
     // A change while it is read would mix two pictures.
     bytes_.RequireUnchanged();
     return pixels;
@@ -40,11 +51,26 @@ class FileSource : public PictureSource {
   Pixels ReadExtraPage(size_t index, int threads, CodecReport& report) const override {
     bytes_.RequireUnchanged();
     Pixels pixels =
-        DecodeTiffExtraPage(*bytes_.Stream(), index, {std::min(threads, kMostDecoders)}, &report);
+        DecodeTiffExtraPage(*Stream(), index, {std::min(threads, kMostDecoders)}, &report);
     bytes_.RequireUnchanged();
     return pixels;
   }
   std::unique_ptr<TStream> Bytes() const override {
+    bytes_.RequireUnchanged();
+    return Stream();
+  }
+  SourcePtr OpenPage(int page) const override {
+    bytes_.RequireUnchanged();
+    OpenOptions options = options_;
+    options.page = page;
+    try {
+      return WithinLimits(std::make_shared<FileSource>(bytes_, type_, options));
+    } catch (Error& error) {
+      error.AttachFile(file_);
+      throw;
+    }
+  }
+  std::unique_ptr<TStream> WholeFile() const override {
     bytes_.RequireUnchanged();
     return bytes_.Stream();
   }
@@ -52,7 +78,10 @@ class FileSource : public PictureSource {
   bool IsNamed(const std::string& file) const override { return bytes_.IsNamed(file); }
 
  private:
+  std::unique_ptr<TStream> Stream() const { return bytes_.PageStream(type_, page_); }
+
   const PictureBytes bytes_;
+  const OpenOptions options_;
 };
 
 /// Records that are drawn.
@@ -100,6 +129,7 @@ SourcePtr SourceOfKind(PictureBytes bytes, const OpenOptions& options) {
     return OpenIsolated(std::move(bytes), type, options);
   }
   if (type == PictureType::wmf || type == PictureType::emf) {
+    RequireOnePage(options);
     return std::make_shared<DrawnSource>(std::move(bytes), type, options);
   }
   return std::make_shared<FileSource>(std::move(bytes), type, options);
@@ -107,16 +137,28 @@ SourcePtr SourceOfKind(PictureBytes bytes, const OpenOptions& options) {
 
 SourcePtr SourceOfBytes(PictureBytes bytes, const OpenOptions& options) {
   const LimitsScope limits;
-  SourcePtr source = SourceOfKind(std::move(bytes), options);
-  // Compressed pixels may be copied without a look at the limits.
-  const PictureHeader& header = source->Header();
-  RequirePictureSize(static_cast<uint64_t>(header.width), static_cast<uint64_t>(header.height),
-                     "a picture of " + std::to_string(header.width) + " x " +
-                         std::to_string(header.height) + " pixels");
-  return source;
+  return WithinLimits(SourceOfKind(std::move(bytes), options));
 }
 
 }  // namespace
+
+std::string NameForPosition(const std::string& file, int page) {
+  return page == 1 ? file : std::string();
+}
+
+void RequireOnePage(const OpenOptions& options) {
+  if (options.page != 1) {
+    throw RangeError("there is no page " + std::to_string(options.page) + ": the file has 1 page");
+  }
+}
+
+SourcePtr PictureSource::OpenPage(int page) const {
+  throw RangeError("there is no page " + std::to_string(page), File());
+}
+
+IsolatedDocument PictureSource::WriteDocument(const DocumentOrder&) const {
+  throw UnsupportedError("the pages of the file are not copied by a worker", File());
+}
 
 Pixels PictureSource::ReadExtraPage(size_t, int, CodecReport&) const {
   throw RangeError("the picture has no smaller copies and masks");

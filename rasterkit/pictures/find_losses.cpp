@@ -8,10 +8,13 @@
 namespace rasterkit::detail {
 namespace {
 
-void LosePictures(const PictureHeader& header, Changes& changes) {
-  if (header.pages > 1) {
+void LosePictures(const PictureSource& source, const LossTarget& target, Changes& changes) {
+  const PictureHeader& header = source.Header();
+  // A TIFF file keeps the other pages unless only one is requested.
+  if (header.pages > 1 && target.type != PictureType::tiff) {
     changes.Lose(LossKind::pages, fmt::format("{} of {} pages", header.pages - 1, header.pages),
-                 "only the first page is written");
+                 source.Page() == 1 ? "only the first page is written"
+                                    : fmt::format("only page {} is written", source.Page()));
   }
   if (header.frames > 1) {
     changes.Lose(LossKind::frames, fmt::format("{} of {} frames", header.frames - 1, header.frames),
@@ -89,7 +92,7 @@ Changes LossesOf(const PictureSource& source, const PictureState& state, const L
   Changes changes = source.Lost();
   Join(changes, state.changes);
   Join(changes, state.followed);
-  LosePictures(source.Header(), changes);
+  LosePictures(source, target, changes);
   LoseHidden(source.Header(), target, changes);
   LoseExtraPages(source, state, target, changes);
   LosePosition(state.placement, target, changes);

@@ -8,7 +8,8 @@ namespace rasterkit {
 
 /// How a picture is opened.
 struct OpenOptions {
-  /// Page of a TIFF file, counted from 1.
+  /// Page of a TIFF file, counted from 1. Files beside it (world files) state the position of the
+  /// first page. Throws RangeError if there is no such page.
   int page = 1;
   /// Which position counts, and a world file of another name.
   PlacementReading position;

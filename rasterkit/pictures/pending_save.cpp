@@ -7,6 +7,7 @@
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/read_pixels.h>
 #include <rasterkit/pictures/run_scope.h>
+#include <rasterkit/pictures/save_pages.h>
 #include <rasterkit/pictures/save_picture.h>
 #include <rasterkit/pictures/side_file_losses.h>
 #include <rasterkit/pictures/write_plan.h>
@@ -22,10 +23,10 @@ struct PendingSave::State {
   std::unique_ptr<AtomicFile> file;
   std::optional<SideFiles> sideFiles;
 
-  State(const Picture& picture, const std::string& name, const SaveOptions& options,
+  State(const detail::FileParts& parts, const std::string& name, const SaveOptions& options,
         const Run& run);
   /// Finds the files beside the target, opens it and writes it.
-  rasterkit::Report Write(const Picture& picture, const std::string& name,
+  rasterkit::Report Write(const detail::FileParts& parts, const std::string& name,
                           const SaveOptions& options, detail::RunScope& scope);
 
   void BeforeCommit() {
@@ -40,41 +41,47 @@ struct PendingSave::State {
   }
 };
 
-PendingSave::State::State(const Picture& picture, const std::string& name,
+PendingSave::State::State(const detail::FileParts& parts, const std::string& name,
                           const SaveOptions& options, const Run& run) {
   detail::RunScope scope(run);
   report = detail::WriteMovedOrAnew(
-      options, [&](const SaveOptions& how) { return Write(picture, name, how, scope); });
+      options, [&](const SaveOptions& how) { return Write(parts, name, how, scope); });
   file->Finish();
   if (sideFiles) sideFiles->Prepare();
 }
 
-rasterkit::Report PendingSave::State::Write(const Picture& picture, const std::string& name,
+rasterkit::Report PendingSave::State::Write(const detail::FileParts& parts, const std::string& name,
                                             const SaveOptions& options, detail::RunScope& scope) {
-  const detail::PictureSource& source = *detail::PictureParts::Source(picture);
-  const PictureType type = detail::TargetType(name, options);
-  const bool hasSideFiles = detail::CanHaveSideFiles(name);
-  const auto [state, plan] = detail::TargetPlanOf(source, detail::PictureParts::State(picture),
-                                                  type, options, hasSideFiles);
   Changes sideChanges;
-  if (hasSideFiles) {
-    sideFiles.emplace(detail::WishOf(source, state, plan, name, options), state.placement,
-                      sideChanges);
+  if (auto files = detail::SideFilesOf(parts, name, options, sideChanges)) {
+    sideFiles.emplace(std::move(*files));
   }
   file = std::make_unique<AtomicFile>(
       name,
       AtomicFileOptions{options.mayReplace ? IfExists::replace : IfExists::fail, options.syncs});
-  if (!file->IsSeekable() && source.IsNamed(name)) {
-    throw FileError("cannot be written: it is the file of the picture itself", name);
+  for (const detail::PagePart& page : parts.pages) {
+    if (!file->IsSeekable() && page.source->IsNamed(name)) {
+      throw FileError("cannot be written: it is the file of the picture itself", name);
+    }
   }
-  rasterkit::Report written = detail::WriteTo(*file, source, state, plan, options, scope);
+  rasterkit::Report written =
+      detail::WriteParts(*file, parts, options, sideFiles.has_value(), scope);
   detail::AddSideFiles(written, sideFiles ? &*sideFiles : nullptr, sideChanges);
   return written;
 }
 
 PendingSave::PendingSave(const Picture& picture, const std::string& file,
                          const SaveOptions& options, const Run& run) try
-    : state_(std::make_unique<State>(picture, file, options, run)) {
+    : PendingSave(detail::PartsOf(picture, detail::TargetType(file, options), options), file,
+                  options, run) {
+} catch (Error& error) {
+  error.AttachFile(file);
+  throw;
+}
+
+PendingSave::PendingSave(const detail::FileParts& parts, const std::string& file,
+                         const SaveOptions& options, const Run& run) try
+    : state_(std::make_unique<State>(parts, file, options, run)) {
 } catch (Error& error) {
   error.AttachFile(file);
   throw;

@@ -11,6 +11,10 @@
 
 namespace rasterkit {
 
+namespace detail {
+struct FileParts;
+}
+
 /// A picture that is written but does not have its name yet, for programs that save many: the
 /// targets stay as they were until `Commit`. Without it the new files are deleted.
 class RASTERKIT_EXPORT PendingSave {
@@ -18,6 +22,9 @@ class RASTERKIT_EXPORT PendingSave {
   /// Does all of Picture::Save but the last step. Throws as it does.
   PendingSave(const Picture& picture, const std::string& file, const SaveOptions& options = {},
               const Run& run = {});
+  /// The same for the pages of a document; see Document::Prepare.
+  PendingSave(const detail::FileParts& parts, const std::string& file, const SaveOptions& options,
+              const Run& run);
   ~PendingSave();
   PendingSave(PendingSave&&) noexcept;
 

@@ -11,6 +11,7 @@
 #include <rasterkit/pictures/read_pixels.h>
 #include <rasterkit/pictures/reading/embedded_thumbnail.h>
 #include <rasterkit/pictures/run_scope.h>
+#include <rasterkit/pictures/save_pages.h>
 #include <rasterkit/pictures/save_picture.h>
 #include <rasterkit/pictures/side_file_losses.h>
 #include <rasterkit/pictures/write_plan.h>
@@ -115,16 +116,8 @@ Picture& Picture::Combine(const Picture& other, const CombineOptions& options) {
 }
 
 Report Picture::Plan(const std::string& file, const SaveOptions& options) const {
-  const PictureType type = detail::TargetType(file, options);
-  const bool hasSideFiles = detail::CanHaveSideFiles(file);
-  const auto [state, plan] = detail::TargetPlanOf(*source_, *state_, type, options, hasSideFiles);
-  Report report = detail::Foresee(*source_, state, plan, options);
-  if (!hasSideFiles) return report;
-  Changes changes;
-  const SideFiles files(detail::WishOf(*source_, state, plan, file, options), state.placement,
-                        changes);
-  detail::AddSideFiles(report, &files, changes);
-  return report;
+  return detail::PlanOfFile(detail::PartsOf(*this, detail::TargetType(file, options), options),
+                            file, options);
 }
 
 Report Picture::Save(const std::string& file, const SaveOptions& options, const Run& run) const {
@@ -139,8 +132,7 @@ Report Picture::Save(TStream& stream, const SaveOptions& options, const Run& run
   if (!typed.type) typed.type = SourceType();
   const PictureType type = detail::TargetType({}, typed);
   return detail::WriteMovedOrAnew(typed, [&](const SaveOptions& how) {
-    const auto [state, plan] = detail::TargetPlanOf(*source_, *state_, type, how, false);
-    return detail::WriteTo(stream, *source_, state, plan, how, scope);
+    return detail::WriteParts(stream, detail::PartsOf(*this, type, how), how, false, scope);
   });
 }
 

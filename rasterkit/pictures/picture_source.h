@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/codecs/isolated_document.h>
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/rows/picture_header.h>
@@ -28,6 +29,8 @@ class PictureSource {
   /// Name of the file; empty for bytes and rows in memory.
   const std::string& File() const { return file_; }
   const PictureHeader& Header() const { return header_; }
+  /// Page of the file, counted from 1.
+  int Page() const { return page_; }
   /// The kind of pixels that ReadPixels gives.
   virtual DecodedKind Kind() const { return DecodedKindOf(type_, header_.layout); }
   const Placement& Position() const { return position_; }
@@ -45,9 +48,20 @@ class PictureSource {
   virtual bool CanCopy() const { return Bytes() != nullptr; }
   /// Copies the compressed pixels; see CopyPicture. Throws FileError if the file changed.
   virtual WrittenPicture Copy(const PictureWriting& writing, TStream& target) const;
-  /// The bytes of the file from its beginning. Null if there are none. Throws
-  /// FileError if the file changed.
+  /// The bytes of the file from its beginning; of a page after the first one, those of PageView.
+  /// Null if there are none. Throws FileError if the file changed.
   virtual std::unique_ptr<TStream> Bytes() const { return nullptr; }
+
+  /// The same open file at another page. Throws RangeError if there is none.
+  virtual std::shared_ptr<const PictureSource> OpenPage(int page) const;
+  /// The bytes of the whole file with all its pages. Null if there are none, and if a worker reads
+  /// the file. Throws FileError if the file changed.
+  virtual std::unique_ptr<TStream> WholeFile() const { return nullptr; }
+  /// True if a worker process reads the file: pages are copied by WriteDocument.
+  virtual bool IsApart() const { return false; }
+  /// Puts a file together from pages of this one and new pages, in a worker process.
+  virtual IsolatedDocument WriteDocument(const DocumentOrder& order) const;
+
   virtual uint64_t ByteCount() const { return 0; }
   /// True if the name leads to the open file of this source.
   virtual bool IsNamed(const std::string&) const { return false; }
@@ -57,6 +71,7 @@ class PictureSource {
 
   PictureType type_ = PictureType::unknown;
   std::string file_;
+  int page_ = 1;
   PictureHeader header_;
   std::vector<TiffExtraPageHeader> extraPages_;
   Placement position_;
@@ -68,6 +83,13 @@ using SourcePtr = std::shared_ptr<const PictureSource>;
 /// Opens a file or its bytes. Throws as Picture::Open.
 SourcePtr OpenSource(const std::string& file, const OpenOptions& options);
 SourcePtr OpenSource(std::vector<uint8_t> bytes, const OpenOptions& options);
+
+/// World files and other files beside a file state the position of its first page. Returns the name
+/// that they go by; empty for another page.
+std::string NameForPosition(const std::string& file, int page);
+
+/// Throws RangeError if another page than the first is requested, for files without pages.
+void RequireOnePage(const OpenOptions& options);
 
 /// Takes over rows. Throws FormatError for 0 x 0 pixels.
 SourcePtr SourceOf(std::unique_ptr<TBitmap> rows);

@@ -18,6 +18,8 @@ struct PictureState {
   /// From pixel indexes of this picture to those of the source.
   Affine toOld;
   bool pixelsChanged = false, placesChanged = false;
+  /// Any step was added, also one that changes no pixel.
+  bool hasSteps = false;
   /// The pixels are those of the source, at other places.
   bool keepsValues = true;
   /// Each step so far moved whole pixels, turned or mirrored, or left some out.

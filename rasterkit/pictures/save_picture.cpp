@@ -12,6 +12,10 @@ namespace {
 /// Parts of the work after which reading and the stages end.
 constexpr double kRead = 0.5;
 
+double ReadEnd(const WorkPart& part) {
+  return part.from + kRead * (part.end - part.from);
+}
+
 /// Says what the decoder noticed. The header says some of it already.
 void Warn(const CodecReport& read, Report& report) {
   for (const std::string& warning : read.warnings) {
@@ -52,9 +56,9 @@ Report Begin(const PictureSource& source, const PictureState& state, const Write
 }
 
 /// Blocks are decoded no further than to their coefficients, which show damage.
-WrittenPicture Move(TStream& target, const PictureSource& source, const PictureState& state,
-                    const WritePlan& plan, RunScope& run, Changes& changes) {
-  run.Begin(1, source.Header().height);
+WrittenPicture Move(PictureTarget& target, const PictureSource& source, const PictureState& state,
+                    const WritePlan& plan, RunScope& run, WorkPart part, Changes& changes) {
+  run.Begin(part.end, source.Header().height);
   const uint64_t start = target.Position();
   const PictureState followed = StateForMove(state, source);
   try {
@@ -72,13 +76,14 @@ WrittenPicture Move(TStream& target, const PictureSource& source, const PictureS
   }
 }
 
-WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const PictureState& state,
-                         const WritePlan& plan, const SaveOptions& options, RunScope& run,
-                         Report& report, Changes& changes) {
-  run.Begin(kRead, source.Header().height);
+WrittenPicture WriteAnew(PictureTarget& target, const PictureSource& source,
+                         const PictureState& state, const WritePlan& plan,
+                         const SaveOptions& options, RunScope& run, WorkPart part, Report& report,
+                         Changes& changes) {
+  run.Begin(ReadEnd(part), source.Header().height);
   Changes made;
   DecodedPicture decoded = ReadPixels(source, state, run.Stages(), made);
-  run.Begin(1, HeightOf(decoded.pixels));
+  run.Begin(part.end, HeightOf(decoded.pixels));
   // The metadata describe the pixels that are written: the thumbnail is made of them.
   PictureState followed = state;
   if (NeedsThumbnail(state, source) && plan.type != PictureType::bmp) {
@@ -95,13 +100,13 @@ WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const Pic
 
 /// False if the compressed pixels are damaged so that they cannot be copied: they are then decoded,
 /// and what is missing is said.
-bool Copy(TStream& target, const PictureSource& source, const PictureState& state,
-          const WritePlan& plan, RunScope& run, WrittenPicture& written, Report& report,
-          Changes& changes) {
-  run.Begin(kRead, source.Header().height);
+bool Copy(PictureTarget& target, const PictureSource& source, const PictureState& state,
+          const WritePlan& plan, RunScope& run, WorkPart part, WrittenPicture& written,
+          Report& report, Changes& changes) {
+  run.Begin(ReadEnd(part), source.Header().height);
   Changes seen;
   const CodecReport read = ReadForDamage(source, run.Threads(), seen);
-  run.Begin(1, 1);
+  run.Begin(part.end, 1);
   const uint64_t start = target.Position();
   try {
     Changes copied = LossesOf(source, state, {plan.type, true, plan.hasSideFiles});
@@ -136,23 +141,22 @@ Report WriteMovedOrAnew(const SaveOptions& options,
   }
 }
 
-Report WriteTo(TStream& target, const PictureSource& source, const PictureState& state,
-               const WritePlan& plan, const SaveOptions& options, RunScope& run) {
+Report WriteOne(PictureTarget& target, const PictureSource& source, const PictureState& state,
+                const WritePlan& plan, const SaveOptions& options, RunScope& run, WorkPart part) {
   Report report = Begin(source, state, plan);
-  const uint64_t start = target.Position();
   Changes changes;
   WrittenPicture written;
   if (plan.move) {
-    written = Move(target, source, state, plan, run, changes);
+    written = Move(target, source, state, plan, run, part, changes);
     report.isMoved = true;
   } else {
     report.isCopied =
-        plan.isCopied && Copy(target, source, state, plan, run, written, report, changes);
+        plan.isCopied && Copy(target, source, state, plan, run, part, written, report, changes);
   }
   if (!report.isMoved && !report.isCopied) {
     WritePlan anew = plan;
     anew.isCopied = false;
-    written = WriteAnew(target, source, state, anew, options, run, report, changes);
+    written = WriteAnew(target, source, state, anew, options, run, part, report, changes);
   }
   if (plan.move) changes.Note(kMoved);
   if (!plan.moveNote.empty()) changes.Note(plan.moveNote);
@@ -160,6 +164,14 @@ Report WriteTo(TStream& target, const PictureSource& source, const PictureState&
   report.layout = written.layout;
   report.losses = std::move(changes.losses);
   report.notes = std::move(changes.notes);
+  return report;
+}
+
+Report WriteTo(TStream& target, const PictureSource& source, const PictureState& state,
+               const WritePlan& plan, const SaveOptions& options, RunScope& run) {
+  const uint64_t start = target.Position();
+  StreamTarget file(target);
+  Report report = WriteOne(file, source, state, plan, options, run, {});
   report.bytes = target.Position() - start;
   report.memory = MemoryOf(source, state, report.bytes);
   run.Finish();

@@ -32,6 +32,9 @@ struct SaveOptions {
   /// A world file is written although the format holds the position in tags.
   bool writesWorldFile = false;
   Lossless lossless = Lossless::exact;
+  /// A TIFF file is written with the opened page alone. Else it keeps the other pages of a TIFF
+  /// file, encoded as they are, in their order.
+  bool onlyThisPage = false;
   /// The target's old file, and the files beside it that are replaced, stay under a backup name.
   bool keepsBackup = false;
   /// An existing target, and files beside it that would contradict it, may be replaced.

@@ -13,19 +13,30 @@ bool CanHaveSideFiles(const std::string& target) {
   return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
 }
 
-SideFileWish WishOf(const PictureSource& source, const PictureState& state, const WritePlan& plan,
-                    const std::string& target, const SaveOptions& options) {
+std::optional<SideFiles> SideFilesOf(const FileParts& parts, const std::string& target,
+                                     const SaveOptions& options, Changes& changes) {
+  if (!CanHaveSideFiles(target)) return std::nullopt;
+  const FirstPage first = FirstPageOf(parts, options, true);
   SideFileWish wish;
   wish.target = target;
-  wish.source = source.File();
+  wish.source = first.source->File();
   wish.mayReplace = options.mayReplace;
-  wish.writesWorldFile = plan.writesWorldFile;
-  wish.hasTags = plan.type == PictureType::tiff;
-  wish.hasSamePixels = !state.pixelsChanged;
-  wish.width = state.width;
-  wish.height = state.height;
+  wish.writesWorldFile = first.plan.writesWorldFile;
+  wish.hasTags = parts.type == PictureType::tiff;
+  wish.hasSamePixels = !first.state->pixelsChanged;
+  wish.width = first.state->width;
+  wish.height = first.state->height;
   wish.syncs = options.syncs;
-  return wish;
+  return SideFiles(wish, first.state->placement, changes);
+}
+
+Report PlanOfFile(const FileParts& parts, const std::string& target, const SaveOptions& options) {
+  Report report = ForeseeParts(parts, options, CanHaveSideFiles(target));
+  Changes changes;
+  if (const auto files = SideFilesOf(parts, target, options, changes)) {
+    AddSideFiles(report, &*files, changes);
+  }
+  return report;
 }
 
 void AddSideFiles(Report& report, const SideFiles* files, const Changes& changes) {

@@ -179,6 +179,7 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
   plan.hasSideFiles = hasSideFiles;
   const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options);
   plan.isCopied = isAsStored && CanCopy(type) && !source.Header().isCutOff && source.CanCopy();
+  plan.isAsStored = plan.isCopied && !state.hasSteps && TagsSayThePosition(source);
   plan.form = FormOfTarget(source, state, type, options);
   const auto& stated = source.Position().stated;
   const bool hadWorldFile = std::any_of(stated.begin(), stated.end(), [](const auto& position) {
@@ -191,7 +192,7 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
 
 WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
                            const WritePlan& plan, const SaveOptions& options, int threads,
-                           TStream& target, Changes& changes) {
+                           PictureTarget& target, Changes& changes) {
   PictureWriting writing = WritingOf(source, state, plan);
   const PixelFit fit{plan.type, options.background, state.placement.noData, threads, plan.isSample};
   Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
@@ -200,18 +201,17 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
   writing.chromaY = options.chromaY;
   writing.threads = threads;
   const bool hasExtraPages = plan.type == PictureType::tiff && !plan.isSample;
-  WrittenPicture written =
-      hasExtraPages ? WriteTiff(fitted, writing,
-                                MakeExtraPages(fitted, source, state, threads, changes), target)
-                    : WritePicture(plan.type, fitted, writing, target);
+  std::vector<TiffExtraPage> extraPages;
+  if (hasExtraPages) extraPages = MakeExtraPages(fitted, source, state, threads, changes);
+  WrittenPicture written = target.Write(plan.type, fitted, writing, extraPages);
   Join(changes, written.changes);
   return written;
 }
 
 WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state,
-                          const WritePlan& plan, TStream& target, Changes& changes) {
+                          const WritePlan& plan, PictureTarget& target, Changes& changes) {
   const PictureWriting writing = WritingOf(source, state, plan);
-  WrittenPicture written = source.Copy(writing, target);
+  WrittenPicture written = target.Copy(source, writing, plan.isAsStored);
   if (writing.dropsHidden && !plan.move) {
     for (const std::string& name : source.Header().hiddenOthers) {
       changes.Lose(LossKind::hiddenPictures, name, "it can state what was to be removed");
@@ -225,7 +225,8 @@ namespace {
 
 WrittenPicture Sample(const PictureSource& source, const PictureState& state, const WritePlan& plan,
                       const SaveOptions& options, Changes& changes) {
-  TMemoryStream target;
+  TMemoryStream sample;
+  StreamTarget target(sample);
   const int width = std::min(kSampleSide, state.width),
             height = std::min(kSampleSide, state.height);
   const PixelLayout layout = state.stages.empty() ? source.Kind().layout : state.layout;

@@ -5,6 +5,7 @@
 
 #include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/pictures/find_losses.h>
+#include <rasterkit/pictures/page_sink.h>
 #include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/pictures/picture_state.h>
 #include <rasterkit/pictures/report.h>
@@ -20,6 +21,8 @@ struct WritePlan {
   bool isCopied = false;
   /// The compressed pixels of the source are moved.
   std::optional<PictureMove> move;
+  /// So is everything else: nothing was changed.
+  bool isAsStored = false;
   bool hasSideFiles = false;
   /// The world file of the source goes along, or the format has no tags for the position.
   bool writesWorldFile = false;
@@ -55,11 +58,11 @@ TargetPlan TargetPlanOf(const PictureSource& source, const PictureState& state, 
 /// position. All that is lost on the way is added to `changes`.
 WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
                            const WritePlan& plan, const SaveOptions& options, int threads,
-                           TStream& target, Changes& changes);
+                           PictureTarget& target, Changes& changes);
 
 /// Copies or moves the compressed pixels.
 WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state,
-                          const WritePlan& plan, TStream& target, Changes& changes);
+                          const WritePlan& plan, PictureTarget& target, Changes& changes);
 
 /// What writing would give, shown by a small picture of the same kind.
 Report Foresee(const PictureSource& source, const PictureState& state, WritePlan plan,

@@ -52,6 +52,8 @@ struct OutputOptions {
 
 /// How a picture is turned and written.
 struct PictureOptions {
+  /// Pages of a TIFF file that are changed; a list as typed, already checked.
+  std::string pages = "1";
   /// Degrees, positive counter-clockwise.
   double angle = 0;
   /// A color, or "auto"; see ColorOf.

@@ -8,6 +8,7 @@
 #include "tool/arguments/color_argument.h"
 #include "tool/arguments/fill_argument.h"
 #include "tool/arguments/size_argument.h"
+#include "tool/pages/page_list.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -230,6 +231,12 @@ void AddCompression(Verb& verb, PictureOptions& options) {
               "compression of TIFF files: none, lzw, deflate, packbits or g4 (1-bit only) "
               "[that of a TIFF input, else lzw, or g4 for 1-bit pictures]")
       .In(kPicture);
+}
+
+void AddPages(Verb& verb, PictureOptions& options) {
+  verb.Text("--page", "LIST", options.pages, CheckPages,
+            "pages of a TIFF file that are changed, counted from 1: 3, or 1-3,7 or 5-, or last, or "
+            "all; a TIFF output keeps the other pages as they are [1]");
 }
 
 void AddMetafileSize(Verb& verb, PictureOptions& options) {

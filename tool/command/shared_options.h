@@ -40,6 +40,7 @@ void AddPosition(Verb& verb, PictureOptions& options);
 /// --strip and --strip-gps.
 void AddStrip(Verb& verb, PictureOptions& options);
 void AddCompression(Verb& verb, PictureOptions& options);
+void AddPages(Verb& verb, PictureOptions& options);
 /// --dpi and --size of metafiles, which exclude each other.
 void AddMetafileSize(Verb& verb, PictureOptions& options);
 void AddThreads(Verb& verb, PictureOptions& options);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <thread>
 
 #include <fmt/core.h>
@@ -20,6 +21,7 @@
 #include "tool/command/output_file.h"
 #include "tool/command/output_type.h"
 #include "tool/command/progress.h"
+#include "tool/pages/page_list.h"
 #include "tool/pictures/metafile_output.h"
 #include "tool/reports/geo_text.h"
 #include "tool/reports/loss_report.h"
@@ -40,20 +42,6 @@ OpenOptions OpenOptionsOf(const PictureOptions& options) {
   open.drawing.background = SolidBackground(options);
   open.isolation = ReadingIsolation();
   return open;
-}
-
-SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options) {
-  SaveOptions save;
-  save.quality = options.quality;
-  save.chromaX = options.chromaX;
-  save.chromaY = options.chromaY;
-  save.lossless = options.lossless;
-  save.compression = options.compression;
-  save.background = SolidBackground(options);
-  save.writesWorldFile = options.writesWorldFile;
-  save.mayReplace = job.saving.overwrite;
-  save.syncs = job.saving.syncs;
-  return save;
 }
 
 bool IsPdf(const std::string& file) {
@@ -121,36 +109,41 @@ const char* PixelsWord(const Report& report) {
   return report.isMoved ? "moved" : "encoded";
 }
 
-JobResult ResultOf(const PictureWork& work, const Report& report) {
+JobResult FactsOf(const Report& report) {
   JobResult result;
   result.type = PictureTypeName(report.type);
   result.width = report.width;
   result.height = report.height;
   result.bits = report.layout.BitsPerPixel();
   result.losses = report.losses;
+  result.warnings = report.warnings;
+  result.details = report.notes;
+  result.pixels = PixelsWord(report);
+  result.sideFiles = report.sideFiles;
+  result.bytes = report.bytes;
+  result.memory = report.memory;
+  return result;
+}
+
+JobResult ResultOf(const PictureWork& work, const Report& report) {
+  JobResult result = FactsOf(report);
   std::erase_if(result.losses, [&](const Loss& loss) {
     const auto& kinds = work.leftOut;
     return std::find(kinds.begin(), kinds.end(), loss.kind) != kinds.end();
   });
-  result.warnings = report.warnings;
   result.reportWarnings = report.warnings.size();
   result.warnings.insert(result.warnings.end(), work.warnings.begin(), work.warnings.end());
   result.losses.insert(result.losses.end(), work.losses.begin(), work.losses.end());
   result.notes = work.notes;
-  result.details = report.notes;
   if (!report.moveNote.empty()) {
     std::erase(result.details, report.moveNote);
     result.notes.push_back(report.moveNote);
   }
   result.details.insert(result.details.end(), work.details.begin(), work.details.end());
-  result.pixels = PixelsWord(report);
-  result.sideFiles = report.sideFiles;
   result.kept = KeptNames(work.picture, report.losses);
   for (const StatedPosition& position : work.picture.GetPlacement().stated) {
     result.sources.push_back(PositionText(position));
   }
-  result.bytes = report.bytes;
-  result.memory = report.memory;
   NoteOtherCompression(work, report, result);
   return result;
 }
@@ -170,24 +163,119 @@ JobResult Plan(const PictureWork& work) {
   return ResultOf(work, work.picture.Plan(work.job.output, SaveOptionsOf(work.job, work.options)));
 }
 
-JobResult Save(const PictureWork& work) {
-  OperationBar bar(work.options.showsProgress);
-  Run run = RunOf(work.options);
-  run.progress = bar.Shares();
-  const WholeOutput whole;
+/// Calls `open`; an error is one of the input.
+template <class Open>
+auto OpenInput(const std::string& file, const Open& open) {
   try {
-    auto save = std::make_unique<PendingSave>(work.picture, work.job.output,
-                                              SaveOptionsOf(work.job, work.options), run);
-    StopIfInterrupted();
-    JobResult result = ResultOf(work, save->Report());
-    result.output.picture = std::move(save);
-    return result;
+    const InterruptibleInput waiting(file);
+    return open();
   } catch (const Error& error) {
-    Fail(error, work.job, IsOfInput(error, work.job) ? exitInputUnreadable : exitOutputNotWritten);
+    const std::string reason = IsPdf(file) ? "this is a PDF file; 'rasterkit pdf' draws its pages"
+                                           : ReasonWithOption(error);
+    const std::string& name = error.File().empty() ? file : error.File();
+    throw Failure(exitInputUnreadable, name + ": " + reason);
+  } catch (const std::bad_alloc&) {
+    throw Failure(exitInputUnreadable, file + ": out of memory");
   }
 }
 
+/// Writes the output of a job and returns its result.
+template <class Prepare, class Result>
+JobResult SaveOutput(const Job& job, const PictureOptions& options, const Prepare& prepare,
+                     const Result& resultOf) {
+  OperationBar bar(options.showsProgress);
+  Run run = RunOf(options);
+  run.progress = bar.Shares();
+  const WholeOutput whole;
+  try {
+    auto save = std::make_unique<PendingSave>(prepare(run));
+    StopIfInterrupted();
+    JobResult result = resultOf(save->Report());
+    result.output.picture = std::move(save);
+    return result;
+  } catch (const Error& error) {
+    Fail(error, job, IsOfInput(error, job) ? exitInputUnreadable : exitOutputNotWritten);
+  }
+}
+
+JobResult Save(const PictureWork& work) {
+  return SaveOutput(
+      work.job, work.options,
+      [&](const Run& run) {
+        return PendingSave(work.picture, work.job.output, SaveOptionsOf(work.job, work.options),
+                           run);
+      },
+      [&](const Report& report) { return ResultOf(work, report); });
+}
+
+/// The pages to be changed. Throws Failure if one does not exist.
+std::vector<int> PagesOf(const Job& job, const PictureOptions& options, int count) {
+  const std::vector<int> pages = PageList::Parse(options.pages).value().Of(count);
+  for (const int page : pages) {
+    if (page <= count) continue;
+    throw Failure(exitOutputNotWritten,
+                  fmt::format("{}: there is no page {}: the file has {}", job.input, page, count));
+  }
+  return pages;
+}
+
+void ChangeOne(PictureWork& work, const PictureChange& change) {
+  NoteUnusedSize(work);
+  StopIfInterrupted();
+  if (change) change(work);
+  AddLastSteps(work);
+}
+
+/// What is said about one of several pages.
+std::vector<std::string> OfPage(int page, const std::vector<std::string>& texts) {
+  std::vector<std::string> numbered;
+  for (const std::string& text : texts) numbered.push_back(fmt::format("page {}: {}", page, text));
+  return numbered;
+}
+
+template <class Item>
+void Append(std::vector<Item>& all, const std::vector<Item>& more) {
+  all.insert(all.end(), more.begin(), more.end());
+}
+
+JobResult ChangePages(Document document, const std::vector<int>& pages, const Job& job,
+                      const PictureOptions& options, bool isDryRun, const PictureChange& change) {
+  JobResult said;
+  DoWork(job, [&] {
+    for (const int page : pages) {
+      PictureWork work{OpenPage(document, page, job.input), job, options};
+      ChangeOne(work, change);
+      document.Replace(page, work.picture);
+      Append(said.notes, OfPage(page, work.notes));
+      Append(said.warnings, OfPage(page, work.warnings));
+      for (Loss loss : work.losses) {
+        loss.what = fmt::format("page {}: {}", page, loss.what);
+        said.losses.push_back(std::move(loss));
+      }
+    }
+  });
+  JobResult result = SaveDocument(document, job, options, isDryRun);
+  Append(result.notes, said.notes);
+  Append(result.warnings, said.warnings);
+  Append(result.losses, said.losses);
+  return result;
+}
+
 }  // namespace
+
+SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options) {
+  SaveOptions save;
+  save.quality = options.quality;
+  save.chromaX = options.chromaX;
+  save.chromaY = options.chromaY;
+  save.lossless = options.lossless;
+  save.compression = options.compression;
+  save.background = SolidBackground(options);
+  save.writesWorldFile = options.writesWorldFile;
+  save.mayReplace = job.saving.overwrite;
+  save.syncs = job.saving.syncs;
+  return save;
+}
 
 TColor PictureWork::Background() const {
   return SolidBackground(options);
@@ -232,17 +320,15 @@ Run RunOf(const PictureOptions& options) {
 }
 
 Picture OpenPicture(const std::string& file, const PictureOptions& options) {
-  try {
-    const InterruptibleInput waiting(file);
-    return Picture::Open(file, OpenOptionsOf(options));
-  } catch (const Error& error) {
-    const std::string reason = IsPdf(file) ? "this is a PDF file; 'rasterkit pdf' draws its pages"
-                                           : ReasonWithOption(error);
-    const std::string& name = error.File().empty() ? file : error.File();
-    throw Failure(exitInputUnreadable, name + ": " + reason);
-  } catch (const std::bad_alloc&) {
-    throw Failure(exitInputUnreadable, file + ": out of memory");
-  }
+  return OpenInput(file, [&] { return Picture::Open(file, OpenOptionsOf(options)); });
+}
+
+Document OpenDocument(const std::string& file, const PictureOptions& options) {
+  return OpenInput(file, [&] { return Document::Open(file, OpenOptionsOf(options)); });
+}
+
+Picture OpenPage(const Document& document, int page, const std::string& file) {
+  return OpenInput(file, [&] { return document.Page(page); });
 }
 
 std::unique_ptr<TBitmap> LoadUpright(const std::string& file) {
@@ -268,16 +354,49 @@ void DoWork(const Job& job, const std::function<void()>& work) {
   }
 }
 
+JobResult SaveDocument(const Document& document, const Job& job, const PictureOptions& options,
+                       bool isDryRun) {
+  const auto resultOf = [](const Report& report) {
+    JobResult result = FactsOf(report);
+    result.reportWarnings = report.warnings.size();
+    return result;
+  };
+  const SaveOptions save = SaveOptionsOf(job, options);
+  JobResult result;
+  DoWork(job, [&] {
+    result = isDryRun ? resultOf(document.Plan(job.output, save))
+                      : SaveOutput(
+                            job, options,
+                            [&](const Run& run) { return document.Prepare(job.output, save, run); },
+                            resultOf);
+  });
+  return result;
+}
+
 JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDryRun,
                         const PictureChange& change) {
   if (IsMetafileName(job.output)) return ConvertMetafile(job, options, isDryRun);
-  PictureWork work{OpenPicture(job.input, options), job, options};
-  NoteUnusedSize(work);
-  StopIfInterrupted();
+  std::optional<Picture> picture;
+  if (PageList::Parse(options.pages).value().IsFirstPage()) {
+    picture = OpenPicture(job.input, options);
+  } else {
+    const Document document = OpenDocument(job.input, options);
+    const std::vector<int> pages = PagesOf(job, options, document.Pages());
+    if (pages.size() > 1 && WritableType(job.output) == PictureType::tiff) {
+      return ChangePages(document, pages, job, options, isDryRun, change);
+    }
+    if (pages.size() > 1) {
+      throw Failure(exitWrongUsage,
+                    fmt::format("{}: holds one picture: give one page of {} with --page, or a TIFF "
+                                "file as output",
+                                job.output, job.input));
+    }
+    picture = OpenPage(document, pages.front(), job.input);
+  }
+  PictureWork work{std::move(*picture), job, options};
   JobResult result;
   DoWork(job, [&] {
-    if (change) change(work);
-    AddLastSteps(work);
+    ChangeOne(work, change);
     result = isDryRun ? Plan(work) : Save(work);
   });
   return result;

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include <rasterkit/pictures/document/document.h>
 #include <rasterkit/pictures/picture.h>
 
 #include "tool/command/batch.h"
@@ -50,6 +51,15 @@ using PictureChange = std::function<void(PictureWork& work)>;
 /// Opens a picture. Throws Failure(exitInputUnreadable); a PDF file is referred to its verb.
 Picture OpenPicture(const std::string& file, const PictureOptions& options = {});
 
+/// Opens all pages of a TIFF file, or the picture of another file. Throws as OpenPicture.
+Document OpenDocument(const std::string& file, const PictureOptions& options = {});
+
+/// Opens a page of it, which exists. Throws Failure(exitInputUnreadable).
+Picture OpenPage(const Document& document, int page, const std::string& file);
+
+/// How the output of a job is written.
+SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options);
+
 /// The upright pixels of a file to look at. Throws Failure(exitInputUnreadable).
 std::unique_ptr<TBitmap> LoadUpright(const std::string& file);
 
@@ -59,8 +69,13 @@ Run RunOf(const PictureOptions& options);
 /// Works on a picture of a job. Throws Failure in place of errors of the library.
 void DoWork(const Job& job, const std::function<void()>& work);
 
+/// Saves a document as the output of a job, or says what would be written. Throws Failure.
+JobResult SaveDocument(const Document& document, const Job& job, const PictureOptions& options,
+                       bool isDryRun);
+
 /// Processes one picture: opens it, changes it, and writes it, or says what would be written if
-/// `isDryRun`. Throws Failure.
+/// `isDryRun`. Of a TIFF file the pages of `options.pages` are changed, one after another; a TIFF
+/// output keeps the others, another output takes one page. Throws Failure.
 JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDryRun,
                         const PictureChange& change = {});
 

@@ -43,6 +43,7 @@ void PictureVerb::AddSharedOptions() {
   output_->isForPictures = true;
   AddOutputOptions(*this, *output_, answer_ ? "IN [OUT]" : "IN OUT");
   AddIsolate(*this);
+  AddPages(*this, *picture_);
   if (makesPreviews_) {
     AddFormat(*this, *output_);
   } else {

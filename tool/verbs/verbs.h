@@ -37,6 +37,7 @@ VerbRunner AddIconVerb(CommandLine& line);
 VerbRunner AddCompareVerb(CommandLine& line);
 VerbRunner AddGeoTiffVerb(CommandLine& line);
 VerbRunner AddExifVerb(CommandLine& line);
+VerbRunner AddPagesVerb(CommandLine& line);
 VerbRunner AddPdfVerb(CommandLine& line);
 
 }  // namespace rasterkit::tool

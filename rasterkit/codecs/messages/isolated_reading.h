@@ -44,6 +44,8 @@ enum class WorkerTask {
   pixels,
   /// CopyPicture.
   copy,
+  /// TiffDocumentWriter.
+  document,
 };
 
 /// Takes the fields of an answer, checks them, and returns the place for `contentBytes` of content,

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/runtime/files/shared_file.h>
 #include <rasterkit/runtime/files/stream.h>
 
@@ -20,6 +21,8 @@ class PictureBytes {
   uint64_t Size() const;
   /// A stream at the beginning, with a position of its own; valid as long as this object.
   std::unique_ptr<TStream> Stream() const;
+  /// The same, as a file whose first picture is that page (see PageView).
+  std::unique_ptr<TStream> PageStream(PictureType type, int page) const;
   /// Throws FileError if the open file changed.
   void RequireUnchanged() const;
   bool IsNamed(const std::string& file) const;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <rasterkit/codecs/decode_frame.h>
+#include <rasterkit/codecs/isolated_document.h>
 #include <rasterkit/codecs/isolated_pixels.h>
 #include <rasterkit/codecs/messages/frame_fields.h>
 #include <rasterkit/codecs/messages/header_fields.h>
@@ -92,13 +93,15 @@ void PictureWorker::State::ConvertMetafile(FieldReader& task, TStream& file) {
   bytes = std::move(converted.bytes);
 }
 
-/// The header alone, the pixels alone, or a copy with other metadata.
+/// The header alone, the pixels alone, a copy with other metadata, or a file of several pages.
 void PictureWorker::State::ReadParts(WorkerTask task, FieldReader& options, TStream& file) {
   FieldWriter answer;
   if (task == WorkerTask::header) {
     AnswerHeader(options, file, answer);
   } else if (task == WorkerTask::pixels) {
     pixels = AnswerPixels(options, file, answer);
+  } else if (task == WorkerTask::document) {
+    bytes = AnswerDocument(options, file, answer);
   } else {
     bytes = AnswerCopy(options, file, answer);
   }
@@ -108,7 +111,7 @@ void PictureWorker::State::ReadParts(WorkerTask task, FieldReader& options, TStr
 WorkerMessage PictureWorker::State::Read(WorkerMessage& request) {
   if (request.files.size() != 2) ThrowBadMessage("a request has no file");
   FieldReader body(request.body);
-  const WorkerTask task = body.Enum(WorkerTask::copy);
+  const WorkerTask task = body.Enum(WorkerTask::document);
   body.RequireEnd();
   const std::vector<uint8_t> taskFields =
       WorkerInputStream(std::move(request.files[1]))->ReadToEnd();
