@@ -61,7 +61,7 @@ WrittenPicture WriteAnew(TStream& target, const PictureSource& source, const Pic
   // The metadata describe the pixels that are written: the thumbnail is made of them.
   PictureState followed = state;
   if (NeedsThumbnail(state, source) && plan.type != PictureType::bmp) {
-    Follow(followed, source, MakeThumbnail(decoded.pixels, state.placement.noData));
+    Follow(followed, source, MakeThumbnail(decoded.pixels, state.placement.noData, state.stretch));
   }
   changes = LossesOf(source, followed, {plan.type, plan.isCopied, plan.hasSideFiles});
   Join(changes, made);

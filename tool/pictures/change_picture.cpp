@@ -90,6 +90,12 @@ bool IsOfInput(const Error& error, const Job& job) {
   throw Failure(code, file + ": " + reason);
 }
 
+/// The step that every verb has first: it changes no pixel by itself.
+void AddFirstSteps(PictureWork& work) {
+  const NumberStretch& stretch = work.options.stretch;
+  if (stretch.kind != NumberStretch::Kind::automatic) work.picture.Stretch(stretch);
+}
+
 /// The steps that every verb has last.
 void AddLastSteps(PictureWork& work) {
   const MetadataEdit& edit = work.options.edit;
@@ -250,6 +256,7 @@ JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDr
   StopIfInterrupted();
   JobResult result;
   DoWork(job, [&] {
+    AddFirstSteps(work);
     if (change) change(work);
     AddLastSteps(work);
     result = isDryRun ? Plan(work) : Save(work);

@@ -45,6 +45,7 @@ void PictureVerb::AddSharedOptions() {
     AddBackground(*this, *picture_);
   }
   AddBits(*this, *picture_);
+  AddStretch(*this, *picture_);
   AddQuality(*this, *picture_);
   AddSampling(*this, *picture_);
   AddCompression(*this, *picture_);

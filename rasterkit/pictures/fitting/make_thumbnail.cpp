@@ -54,13 +54,16 @@ Raster Shrunk(const Raster& rows, const Box& box) {
 
 }  // namespace
 
-std::vector<uint8_t> MakeThumbnail(const Pixels& pixels, const std::string& noData) {
+std::vector<uint8_t> MakeThumbnail(const Pixels& pixels, const std::string& noData,
+                                   const NumberStretch& stretch) {
   const Box box = BoxOf(WidthOf(pixels), HeightOf(pixels));
   if (const auto* rows = std::get_if<Raster>(&pixels)) {
     return EncodeJpeg(Shrunk(*rows, box), kQuality);
   }
   Changes unused;
-  const Raster small = VisiblePixels(Thinned(std::get<Samples>(pixels), box), noData, unused);
+  const auto& samples = std::get<Samples>(pixels);
+  const Raster small = VisiblePixels(Thinned(samples, box), noData, unused,
+                                     SettledStretch(samples, noData, stretch));
   return EncodeJpeg(Shrunk(small, box), kQuality);
 }
 
