@@ -5,6 +5,7 @@
 #include <rasterkit/codecs/rows/frame_options.h>
 #include <rasterkit/codecs/rows/picture_header.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/raster/number_stretch.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/stream.h>
 
@@ -25,9 +26,18 @@ RASTERKIT_EXPORT Pixels DecodePixels(TStream& stream, PictureType type,
                                      CodecReport* report = nullptr);
 
 /// Converts to a picture to look at: 8-bit gray or true color, CMYK and L*a*b* through the profile
-/// or the usual formulas, numbers through their range (see PictureOfFrame). What this loses is
-/// added to `changes`.
-RASTERKIT_EXPORT Raster VisiblePixels(Pixels pixels, const std::string& noData, Changes& changes);
+/// or the usual formulas, numbers of more than 8 bits by the stretch. What this loses is added to
+/// `changes`, and which numbers are shown black and white.
+///
+/// A gray is the nearest whole number to 255 * (number - black) / (white - black), computed without
+/// rounding on the way; halves are rounded up, and numbers beyond are cut off.
+RASTERKIT_EXPORT Raster VisiblePixels(Pixels pixels, const std::string& noData, Changes& changes,
+                                      const NumberStretch& stretch = {});
+
+/// The stretch for parts or smaller copies of the samples that shows each number as in the whole:
+/// `fixed`, with the range that the stretch finds; the stretch itself where there is none to find.
+RASTERKIT_EXPORT NumberStretch SettledStretch(const Samples& samples, const std::string& noData,
+                                              const NumberStretch& stretch);
 
 /// True if the format can be written, and if it can take compressed pixels from a file of its kind.
 RASTERKIT_EXPORT bool CanWrite(PictureType type);

@@ -1,14 +1,8 @@
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstring>
-#include <memory>
 #include <vector>
 
-#include <fmt/format.h>
-
-#include <rasterkit/codecs/rows/no_data_number.h>
-#include <rasterkit/codecs/rows/stretch_numbers.h>
+#include <rasterkit/codecs/shown_numbers.h>
 #include <rasterkit/codecs/visible_numbers.h>
 #include <rasterkit/runtime/half.h>
 #include <rasterkit/runtime/limits.h>
@@ -69,82 +63,47 @@ Unpack UnpackOf(NumberType type) {
   return UnpackBand<double>;
 }
 
-bool IsInverted(const PixelLayout& layout) {
-  return layout.model == ColorModel::grayWhiteIsZero;
-}
 
-bool IsUnsigned(NumberType type) {
-  return type == NumberType::uint8 || type == NumberType::uint16 || type == NumberType::uint32 ||
-         type == NumberType::uint64;
-}
-
-/// The gray of each unsigned number of up to 16 bits.
-std::vector<uint8_t> GraysOf(const PixelLayout& layout, const NoDataNumber& noData) {
+/// The gray of each byte: samples of up to 8 bits, by their whole range.
+std::vector<uint8_t> GraysOf(const PixelLayout& layout) {
   const uint32_t full = (1u << layout.bits) - 1;
-  std::vector<uint8_t> grays(size_t{1} << (8 * BytesOf(layout.type)), 255);
+  std::vector<uint8_t> grays(256);
   for (uint32_t i = 0; i < grays.size(); i++) {
     const uint32_t number = std::min(i, full);
-    const uint32_t light = IsInverted(layout) ? full - number : number;
-    const bool isData = layout.bits <= 8 || !noData.Is(i);
-    if (isData) grays[i] = static_cast<uint8_t>((light * 510 + full) / (2 * full));
+    const uint32_t light = layout.model == ColorModel::grayWhiteIsZero ? full - number : number;
+    grays[i] = static_cast<uint8_t>((light * 510 + full) / (2 * full));
   }
   return grays;
 }
 
-/// Numbers with as many grays as the table has entries.
-void ShowByTable(const Samples& samples, const std::vector<uint8_t>& grays, Raster& raster) {
-  const bool isWord = grays.size() > 256;
+void ShowBytes(const Samples& samples, Raster& raster) {
+  const std::vector<uint8_t> grays = GraysOf(samples.Layout());
   for (int y = 0; y < samples.Height(); y++) {
     RequireTime();
     const uint8_t* sample = samples.Row(y);
     uint8_t* target = raster.Row(y);
     for (int x = 0; x < samples.Width(); x++, sample += samples.PixelBytes()) {
-      uint16_t word = *sample;
-      if (isWord) std::memcpy(&word, sample, sizeof word);
-      target[x] = grays[word];
+      target[x] = grays[*sample];
     }
   }
 }
 
-/// Calls `use` with the numbers of each row, NaN for "no data".
-template <class Use>
-void ForEachRow(const Samples& samples, const NoDataNumber& noData, const Use& use) {
-  const PixelLayout& layout = samples.Layout();
-  const auto width = static_cast<size_t>(samples.Width());
-  const bool isNegated = IsInverted(layout) && IsUnsigned(layout.type);
-  std::vector<double> numbers(width);
+void ShowStretched(const Samples& samples, const std::string& noData, const NumberStretch& stretch,
+                   Changes& changes, Raster& raster) {
+  const FoundRange found = FindRange(samples, noData, stretch);
+  NoteRange(found, changes);
+  const ShownNumbers numbers(samples, noData);
+  const GraySteps steps(numbers.Type(), found.range.value_or(ShownRange()));
+  ShownRow row;
   for (int y = 0; y < samples.Height(); y++) {
     RequireTime();
-    UnpackOf(layout.type)(samples.Row(y), samples.PixelBytes(), width, 1, numbers.data());
-    for (double& number : numbers) {
-      if (noData.IsKnown() && noData.Is(number)) number = std::nan("");
-      if (isNegated) number = -number;
-    }
-    use(y, numbers);
-  }
-}
-
-void ShowStretched(const Samples& samples, const NoDataNumber& noData, Changes& changes,
-                   Raster& raster) {
-  NumberRange range;
-  ForEachRow(samples, noData, [&](int, const std::vector<double>& numbers) {
-    for (const double number : numbers) {
-      if (!std::isfinite(number)) continue;
-      const bool isFirst = !range.IsKnown();
-      range.least = isFirst ? number : std::min(range.least, number);
-      range.greatest = isFirst ? number : std::max(range.greatest, number);
-    }
-  });
-  ForEachRow(samples, noData, [&](int y, const std::vector<double>& numbers) {
+    numbers.Read(y, 0, row);
     uint8_t* target = raster.Row(y);
-    for (const double number : numbers) *target++ = GrayOf(number, range);
-  });
-  const bool isNegated = IsInverted(samples.Layout()) && IsUnsigned(samples.Layout().type);
-  const double sign = isNegated ? -1 : 1;
-  changes.Note(range.IsKnown()
-                   ? fmt::format("numbers from {:g} to {:g} are shown as black to white",
-                                 sign * range.least, sign * range.greatest)
-                   : "the grid holds no number; all of it is shown white");
+    for (size_t x = 0; x < row.keys.size(); x++) {
+      const bool isShown = row.isMeasured[x] != 0 && found.range;
+      target[x] = isShown ? steps.Of(row.keys[x]) : uint8_t{255};
+    }
+  }
 }
 
 }  // namespace
@@ -170,19 +129,21 @@ void UnpackSamples(const Samples& samples, int y, size_t pitch, double* numbers)
   }
 }
 
-Raster VisibleNumbers(const Samples& samples, const std::string& noData, Changes& changes) {
+bool IsStretched(const PixelLayout& layout) {
+  return layout.type != NumberType::uint8 || layout.bits > 8;
+}
+
+Raster VisibleNumbers(const Samples& samples, const std::string& noData,
+                      const NumberStretch& stretch, Changes& changes) {
   const PixelLayout& layout = samples.Layout();
   Raster raster(pf8bit, samples.Width(), samples.Height());
   raster.palette = GrayPalette(256);
-  const NoDataNumber missing(noData, layout.type);
-  const bool isWhole =
-      (layout.type == NumberType::uint8 || layout.type == NumberType::uint16) && layout.bits <= 16;
-  if (isWhole) {
-    ShowByTable(samples, GraysOf(layout, missing), raster);
+  if (IsStretched(layout)) {
+    ShowStretched(samples, noData, stretch, changes, raster);
   } else {
-    ShowStretched(samples, missing, changes, raster);
+    ShowBytes(samples, raster);
   }
-  if (missing.IsKnown() && layout.bits > 8) {
+  if (layout.bits > 8 && MissingKeysOf(noData, layout.type).isKnown) {
     changes.Lose(LossKind::noData, "the number " + noData + " for missing values",
                  "it is shown white");
   }

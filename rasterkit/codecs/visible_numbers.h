@@ -3,6 +3,7 @@
 #include <string>
 
 #include <rasterkit/metadata/loss.h>
+#include <rasterkit/raster/number_stretch.h>
 #include <rasterkit/raster/raster.h>
 #include <rasterkit/raster/samples.h>
 
@@ -19,12 +20,20 @@ bool HasAlphaBand(const PixelLayout& layout);
 /// Colors of a pixel without alpha and further bands.
 int ColorBandsOf(const PixelLayout& layout);
 
-/// Grays without alpha as 8-bit gray: up to 15 bits and 16-bit unsigned integers by their whole
-/// range, other numbers between the least and the greatest one. "No data" is white.
-Raster VisibleNumbers(const Samples& samples, const std::string& noData, Changes& changes);
+/// True if a stretch says how the numbers become 8 bits: all but unsigned ones of up to 8 bits.
+bool IsStretched(const PixelLayout& layout);
 
-/// Colors, and grays with alpha: 24-bit, or 32-bit with straight alpha. Throws UnsupportedError for
-/// bands that are no colors.
+/// Grays without alpha as 8-bit gray: up to 8 unsigned bits by their whole range, other numbers by
+/// the stretch, which is noted. "No data" is white.
+Raster VisibleNumbers(const Samples& samples, const std::string& noData,
+                      const NumberStretch& stretch, Changes& changes);
+
+/// Colors, and grays with alpha: 24-bit, or 32-bit with straight alpha, by their whole range. Throws
+/// UnsupportedError for bands that are no colors.
 Raster VisibleColors(const Samples& samples, Changes& changes);
+
+/// The same for gray and RGB by a stretch, with one range for all color bands.
+Raster StretchedColors(const Samples& samples, const std::string& noData,
+                       const NumberStretch& stretch, Changes& changes);
 
 }  // namespace rasterkit::detail

@@ -4,6 +4,7 @@
 
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
+#include <rasterkit/codecs/shown_numbers.h>
 #include <rasterkit/codecs/visible_numbers.h>
 #include <rasterkit/runtime/limits.h>
 
@@ -18,6 +19,8 @@ void NoteLosses(const PixelLayout& layout, Changes& changes) {
   constexpr const char* kWhy = "the pixels are shown with 8 bits";
   if (layout.bits > 8) {
     changes.Lose(LossKind::bits, fmt::format("{} to 8 bits per sample", layout.bits), kWhy);
+  } else if (layout.type == NumberType::int8) {
+    changes.Lose(LossKind::bits, "the numbers with a sign", kWhy);
   }
   if (layout.model == ColorModel::cmyk) {
     changes.Lose(LossKind::colors, "CMYK to RGB", "the pixels are shown in RGB");
@@ -39,16 +42,50 @@ ColorProfile ProfileFor(const Raster& raster, const PixelLayout& layout) {
   return isSame && detail::ProfileFits(layout.profile, space) ? layout.profile : nullptr;
 }
 
+/// True if the stretch shows colors otherwise than by their whole range.
+bool IsStretchedColor(const PixelLayout& layout, const NumberStretch& stretch) {
+  const bool isLight = IsGray(layout) || layout.model == ColorModel::rgb;
+  return isLight && detail::IsStretched(layout) &&
+         stretch.kind != NumberStretch::Kind::automatic &&
+         (stretch.kind != NumberStretch::Kind::full || detail::HasNegatives(layout.type));
+}
+
+Raster Shown(const Samples& samples, const std::string& noData, const NumberStretch& stretch,
+             Changes& changes) {
+  const PixelLayout& layout = samples.Layout();
+  if (detail::IsSingleBand(layout)) {
+    return detail::VisibleNumbers(samples, noData, stretch, changes);
+  }
+  if (IsStretchedColor(layout, stretch)) {
+    return detail::StretchedColors(samples, noData, stretch, changes);
+  }
+  return detail::VisibleColors(samples, changes);
+}
+
 }  // namespace
 
-Raster VisiblePixels(Pixels pixels, const std::string& noData, Changes& changes) {
+NumberStretch SettledStretch(const Samples& samples, const std::string& noData,
+                             const NumberStretch& stretch) {
+  const PixelLayout& layout = samples.Layout();
+  const bool isRead =
+      detail::IsSingleBand(layout) ? detail::IsStretched(layout) : IsStretchedColor(layout, stretch);
+  if (!isRead) return stretch;
+  const detail::FoundRange found = detail::FindRange(samples, noData, stretch);
+  if (!found.range) return stretch;
+  NumberStretch settled;
+  settled.kind = NumberStretch::Kind::fixed;
+  settled.least = detail::DoubleOf(found.range->black);
+  settled.greatest = detail::DoubleOf(found.range->white);
+  return settled;
+}
+
+Raster VisiblePixels(Pixels pixels, const std::string& noData, Changes& changes,
+                     const NumberStretch& stretch) {
   if (auto* rows = std::get_if<Raster>(&pixels)) return std::move(*rows);
   const LimitsScope limits;
   const Samples& samples = std::get<Samples>(pixels);
   const PixelLayout& layout = samples.Layout();
-  const bool isNumbers = IsGray(layout) && !detail::HasAlphaBand(layout);
-  Raster raster = isNumbers ? detail::VisibleNumbers(samples, noData, changes)
-                            : detail::VisibleColors(samples, changes);
+  Raster raster = Shown(samples, noData, stretch, changes);
   raster.resolution = samples.resolution;
   raster.profile = ProfileFor(raster, layout);
   NoteLosses(layout, changes);

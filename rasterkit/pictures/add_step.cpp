@@ -44,6 +44,21 @@ StepEffect EffectOf(const Affine& toOld, Sides from, Sides to) {
           isUnitMove && int64_t{from.width} * from.height == int64_t{to.width} * to.height};
 }
 
+void RequireStretch(const NumberStretch& stretch) {
+  constexpr double kMostPercent = 50;
+  if (stretch.kind == NumberStretch::Kind::percent &&
+      !(stretch.percent >= 0 && stretch.percent < kMostPercent)) {
+    throw RangeError(
+        fmt::format("a stretch leaves out 0 to less than 50 percent at each end, not {}",
+                    stretch.percent));
+  }
+  const bool isRange = std::isfinite(stretch.least) && std::isfinite(stretch.greatest) &&
+                       stretch.least != stretch.greatest;
+  if (stretch.kind == NumberStretch::Kind::fixed && !isRange) {
+    throw RangeError("a fixed stretch needs two different finite numbers");
+  }
+}
+
 /// A mask has no mixed pixels, and nothing lies outside of the picture.
 const Resampling kMaskResampling{Filter::nearest, {Fill::Kind::color, clBlack}, std::nullopt};
 
@@ -182,7 +197,10 @@ class StepAdder {
     state_.edit.stripThumbnail |= step.edit.stripThumbnail;
   }
 
-  void operator()(const StretchStep& step) { state_.stretch = step.stretch; }
+  void operator()(const StretchStep& step) {
+    RequireStretch(step.stretch);
+    state_.stretch = step.stretch;
+  }
 
  private:
   Sides Now() const { return {state_.width, state_.height}; }
@@ -287,12 +305,12 @@ class StepAdder {
     if (state_.isRaster) return;
     const std::string noData = source_.Position().noData;
     Changes seen;
-    const Pixels sample = VisibleStage(noData)->Make(
+    const Pixels sample = VisibleStage(noData, state_.stretch)->Make(
         SampleRows(state_.layout, false, kSampleSide, kSampleSide), {}, seen);
     SetLayout(LayoutOf(sample));
     state_.isRaster = true;
     for (Loss& loss : seen.losses) state_.changes.losses.push_back(std::move(loss));
-    AddStage(VisibleStage(noData));
+    AddStage(VisibleStage(noData, state_.stretch));
   }
 
   PictureState& state_;

@@ -10,16 +10,18 @@ namespace {
 
 class MakeVisible : public Stage {
  public:
-  explicit MakeVisible(std::string noData) : noData_(std::move(noData)) {}
+  MakeVisible(std::string noData, const NumberStretch& stretch)
+      : noData_(std::move(noData)), stretch_(stretch) {}
 
   RowRange Needs(RowRange target) const override { return target; }
   Pixels Make(Pixels source, const StageRun&, Changes& changes) const override {
     if (std::holds_alternative<Raster>(source)) return source;
-    return VisiblePixels(std::move(source), noData_, changes);
+    return VisiblePixels(std::move(source), noData_, changes, stretch_);
   }
 
  private:
   const std::string noData_;
+  const NumberStretch stretch_;
 };
 
 class LayOver : public Stage {
@@ -69,8 +71,8 @@ std::unique_ptr<Stage> ShownStage(std::shared_ptr<const TBitmap> pixels) {
   return std::make_unique<Show>(std::move(pixels));
 }
 
-std::unique_ptr<Stage> VisibleStage(const std::string& noData) {
-  return std::make_unique<MakeVisible>(noData);
+std::unique_ptr<Stage> VisibleStage(const std::string& noData, const NumberStretch& stretch) {
+  return std::make_unique<MakeVisible>(noData, stretch);
 }
 
 std::unique_ptr<Stage> PictureOverStage(Sides source, std::shared_ptr<const Picture> other,

@@ -87,6 +87,8 @@ class RASTERKIT_EXPORT Picture {
     return Apply(ResizeStep{width, height, options});
   }
   Picture& Change(const ColorChange& change) { return Apply(ChangeStep{change}); }
+  /// How numbers of more than 8 bits are shown from here on; see StretchStep.
+  Picture& Stretch(const NumberStretch& stretch) { return Apply(StretchStep{stretch}); }
   Picture& Combine(const Picture& other, const CombineOptions& options = {});
   Picture& Edit(const MetadataEdit& edit) { return Apply(EditStep{edit}); }
 

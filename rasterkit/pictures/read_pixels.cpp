@@ -76,7 +76,7 @@ Raster VisibleRowsOf(const Picture& picture, const StageRun& run, Changes& chang
   const PictureState& state = PictureParts::State(picture);
   Pixels pixels = ReadPixels(*PictureParts::Source(picture), state, run, changes).pixels;
   if (auto* rows = std::get_if<Raster>(&pixels)) return std::move(*rows);
-  return VisiblePixels(std::move(pixels), state.placement.noData, changes);
+  return VisiblePixels(std::move(pixels), state.placement.noData, changes, state.stretch);
 }
 
 Samples SamplesOf(const Raster& rows) {

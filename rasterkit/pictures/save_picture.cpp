@@ -87,7 +87,7 @@ WrittenPicture WriteAnew(PictureTarget& target, const PictureSource& source,
   // The metadata describe the pixels that are written: the thumbnail is made of them.
   PictureState followed = state;
   if (NeedsThumbnail(state, source) && plan.type != PictureType::bmp) {
-    Follow(followed, source, MakeThumbnail(decoded.pixels, state.placement.noData));
+    Follow(followed, source, MakeThumbnail(decoded.pixels, state.placement.noData, state.stretch));
   }
   changes = LossesOf(source, followed, {plan.type, plan.isCopied, plan.hasSideFiles});
   Join(changes, made);

@@ -1,7 +1,9 @@
 #include "tool/command/command_line.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <deque>
+#include <utility>
 
 #include "tool/arguments/near_word.h"
 #include "tool/command/exit_code.h"
@@ -132,6 +134,39 @@ struct CommandLine::Parts {
     return kind + text + DidYouMean(text.substr(0, text.find('=')), words);
   }
 
+  /// True if the value goes on in the next argument.
+  bool IsOpen(const std::string& name, const std::string& value) const {
+    for (const VerbParts& verb : verbs) {
+      for (const OptionParts& option : verb.options) {
+        const auto& words = option.openWords;
+        if (option.name == name && std::count(words.begin(), words.end(), value) > 0) return true;
+      }
+    }
+    return false;
+  }
+
+  /// The arguments after the program's name, with values of two words in one.
+  std::vector<std::string> WholeArguments(int argc, char** argv) const {
+    std::vector<std::string> arguments;
+    bool hasOptions = true;
+    for (int i = 1; i < argc; ++i) {
+      std::string text = argv[i];
+      hasOptions = hasOptions && text != "--";
+      const size_t equals = text.find('=');
+      const std::string name =
+          equals != std::string::npos ? text.substr(0, equals)
+          : arguments.empty()         ? std::string()
+                                      : arguments.back();
+      const std::string value = equals != std::string::npos ? text.substr(equals + 1) : text;
+      if (hasOptions && i + 1 < argc && IsOpen(name, value)) {
+        text += ' ';
+        text += argv[++i];
+      }
+      arguments.push_back(std::move(text));
+    }
+    return arguments;
+  }
+
   int Refuse(const std::string& what) const {
     const VerbParts* const verb = Chosen();
     const std::string name = verb == nullptr ? "rasterkit" : "rasterkit " + verb->help.name;
@@ -166,7 +201,9 @@ void CommandLine::AddToAllVerbs(const std::function<void(Verb& verb)>& add) {
 
 std::optional<int> CommandLine::Parse(int argc, char** argv) {
   try {
-    parts_->app.parse(argc, argv);
+    std::vector<std::string> arguments = parts_->WholeArguments(argc, argv);
+    std::reverse(arguments.begin(), arguments.end());
+    parts_->app.parse(std::move(arguments));
   } catch (const CLI::CallForHelp&) {
     return parts_->PrintHelp();
   } catch (const CLI::CallForVersion& version) {

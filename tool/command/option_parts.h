@@ -25,6 +25,8 @@ struct OptionParts {
   bool isRequired = false;
   /// Accepted, but not in the help.
   bool isHidden = false;
+  /// Words that begin a value of two words.
+  std::vector<std::string> openWords;
   /// Names of other options.
   std::vector<std::string> needed, excluded;
 };

@@ -97,6 +97,11 @@ Option Option::Hidden() const {
   return *this;
 }
 
+Option Option::TakesWordAfter(const std::vector<std::string>& words) const {
+  parts_->openWords = words;
+  return *this;
+}
+
 Option Option::Needs(const Option& other) const {
   parts_->parsed->needs(other.parts_->parsed);
   parts_->needed.push_back(other.parts_->name);

@@ -42,6 +42,8 @@ class Option {
   Option In(const std::string& section) const;
   /// Keeps the option out of the help: another name of an option, for command lines that use it.
   Option Hidden() const;
+  /// After one of these words the next argument belongs to the value: "percent 2".
+  Option TakesWordAfter(const std::vector<std::string>& words) const;
   /// Makes it wrong usage to give this option without the other one.
   Option Needs(const Option& other) const;
   /// Makes it wrong usage to give both options.

@@ -9,6 +9,7 @@
 #include <rasterkit/pictures/saving_options.h>
 #include <rasterkit/pictures/steps.h>
 #include <rasterkit/placement/placement.h>
+#include <rasterkit/raster/number_stretch.h>
 
 namespace rasterkit::tool {
 
@@ -62,6 +63,8 @@ struct PictureOptions {
   std::string fill;
   /// "nearest", "linear" or "area"; empty chooses by the picture.
   std::string filter;
+  /// How numbers of more than 8 bits are shown.
+  NumberStretch stretch;
   /// Bits per pixel; 0 keeps the depth.
   int bits = 0;
   /// JPEG quality, 1 to 100. Nothing keeps that of a JPEG input.

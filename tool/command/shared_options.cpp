@@ -8,6 +8,7 @@
 #include "tool/arguments/color_argument.h"
 #include "tool/arguments/fill_argument.h"
 #include "tool/arguments/size_argument.h"
+#include "tool/arguments/stretch_argument.h"
 #include "tool/pages/page_list.h"
 
 namespace rasterkit::tool {
@@ -147,6 +148,19 @@ void AddBackground(Verb& verb, PictureOptions& options) {
 void AddBits(Verb& verb, PictureOptions& options) {
   verb.OneOf("--bits", "N", options.bits, {1, 4, 8, 15, 16, 24, 32},
              "bits per pixel: 1, 4, 8, 15, 16, 24 or 32 [what the picture needs]")
+      .In(kPicture);
+}
+
+void AddStretch(Verb& verb, PictureOptions& options) {
+  const auto take = [&options](const std::string& text) {
+    options.stretch = ParseStretch(text).value();
+  };
+  verb.Parsed("--stretch", "HOW", take, CheckStretch,
+              "how numbers of more than 8 bits become 8 bits where they must: minmax (the least is "
+              "black, the greatest white), percent P (without the lowest and highest P percent), "
+              "fixed A,B (A is black, B white) or full (the range of the number type) [minmax for "
+              "one band, full for colors]")
+      .TakesWordAfter({"percent", "fixed"})
       .In(kPicture);
 }
 

@@ -32,6 +32,8 @@ void AddFilter(Verb& verb, PictureOptions& options, const std::string& choices,
 /// --background of verbs that uncover no corners.
 void AddBackground(Verb& verb, PictureOptions& options);
 void AddBits(Verb& verb, PictureOptions& options);
+/// --stretch of pictures with numbers of more than 8 bits.
+void AddStretch(Verb& verb, PictureOptions& options);
 void AddQuality(Verb& verb, PictureOptions& options);
 void AddSampling(Verb& verb, PictureOptions& options);
 void AddLossless(Verb& verb, PictureOptions& options);

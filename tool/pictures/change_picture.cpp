@@ -80,6 +80,12 @@ bool IsOfInput(const Error& error, const Job& job) {
   throw Failure(code, file + ": " + reason);
 }
 
+/// The step that every verb has first: it changes no pixel by itself.
+void AddFirstSteps(PictureWork& work) {
+  const NumberStretch& stretch = work.options.stretch;
+  if (stretch.kind != NumberStretch::Kind::automatic) work.picture.Stretch(stretch);
+}
+
 /// The steps that every verb has last.
 void AddLastSteps(PictureWork& work) {
   const MetadataEdit& edit = work.options.edit;
@@ -222,6 +228,7 @@ std::vector<int> PagesOf(const Job& job, const PictureOptions& options, int coun
 void ChangeOne(PictureWork& work, const PictureChange& change) {
   NoteUnusedSize(work);
   StopIfInterrupted();
+  AddFirstSteps(work);
   if (change) change(work);
   AddLastSteps(work);
 }

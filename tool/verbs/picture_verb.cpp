@@ -55,6 +55,7 @@ void PictureVerb::AddSharedOptions() {
     AddBackground(*this, *picture_);
   }
   AddBits(*this, *picture_);
+  AddStretch(*this, *picture_);
   AddQuality(*this, *picture_);
   AddSampling(*this, *picture_);
   AddLossless(*this, *picture_);

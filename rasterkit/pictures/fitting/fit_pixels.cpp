@@ -107,7 +107,7 @@ Raster Visible(Pixels pixels, const PixelFit& fit, Metadata& metadata, Changes& 
   const bool wasInk = before.model == ColorModel::cmyk || before.model == ColorModel::lab ||
                       before.model == ColorModel::iccLab || before.model == ColorModel::ituLab;
   Changes seen;
-  Raster rows = VisiblePixels(std::move(pixels), fit.noData, seen);
+  Raster rows = VisiblePixels(std::move(pixels), fit.noData, seen, fit.stretch);
   for (Loss& loss : seen.losses) changes.losses.push_back(std::move(loss));
   for (std::string& note : seen.notes) {
     if (!fit.isSample) changes.Note(std::move(note));

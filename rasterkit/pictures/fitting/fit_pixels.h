@@ -4,6 +4,7 @@
 
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/metadata/metadata.h>
+#include <rasterkit/raster/number_stretch.h>
 #include <rasterkit/raster/pixels.h>
 #include <rasterkit/runtime/export.h>
 
@@ -16,6 +17,8 @@ struct PixelFit {
   PictureType type = PictureType::unknown;
   TColor background = clWhite;
   std::string noData;
+  /// How numbers become colors.
+  NumberStretch stretch;
   int threads = 1;
   /// The pixels only show the kind: what depends on them is not noted.
   bool isSample = false;

@@ -27,13 +27,16 @@ Samples Thinned(const Samples& source, const ThumbnailSides& sides) {
 
 }  // namespace
 
-std::vector<uint8_t> MakeThumbnail(const Pixels& pixels, const std::string& noData) {
+std::vector<uint8_t> MakeThumbnail(const Pixels& pixels, const std::string& noData,
+                                   const NumberStretch& stretch) {
   const ThumbnailSides sides = ThumbnailSidesOf(WidthOf(pixels), HeightOf(pixels));
   if (const auto* rows = std::get_if<Raster>(&pixels)) {
     return EncodeThumbnail(*rows, sides);
   }
   Changes unused;
-  const Raster small = VisiblePixels(Thinned(std::get<Samples>(pixels), sides), noData, unused);
+  const auto& samples = std::get<Samples>(pixels);
+  const Raster small = VisiblePixels(Thinned(samples, sides), noData, unused,
+                                     SettledStretch(samples, noData, stretch));
   return EncodeThumbnail(small, sides);
 }
 

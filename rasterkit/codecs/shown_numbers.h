@@ -1,0 +1,74 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <rasterkit/codecs/gray_steps.h>
+#include <rasterkit/codecs/number_keys.h>
+#include <rasterkit/metadata/loss.h>
+#include <rasterkit/raster/number_stretch.h>
+#include <rasterkit/raster/samples.h>
+#include <rasterkit/runtime/export.h>
+
+namespace rasterkit::detail {
+
+/// A row of one band: the key of each number, and whether it was measured.
+struct ShownRow {
+  std::vector<uint64_t> keys;
+  std::vector<uint8_t> isMeasured;
+};
+
+/// The numbers of the color bands that a picture shows: those of the samples, or, where they are
+/// multiplied by opacity, divided by it, as doubles.
+class RASTERKIT_EXPORT ShownNumbers {
+ public:
+  /// Borrows the samples. `noData` is the file's text.
+  ShownNumbers(const Samples& samples, const std::string& noData);
+
+  NumberType Type() const { return type_; }
+  bool HasMissing() const { return missing_.isKnown; }
+  /// Color bands: gray has one.
+  int Bands() const { return bands_; }
+  /// Not measured: the number for missing data, NaN, and what is fully transparent.
+  void Read(int y, int band, ShownRow& row) const;
+
+ private:
+  void DivideByOpacity(int y, int band, ShownRow& row) const;
+
+  const Samples& samples_;
+  const int bands_;
+  const bool isAssociated_;
+  const NumberType type_;
+  const MissingKeys missing_;
+};
+
+/// The range that a stretch shows, and what it is called in notes.
+struct FoundRange {
+  /// Nothing if no finite number was measured.
+  std::optional<ShownRange> range;
+  std::string black, white;
+};
+
+/// The opacity of each pixel of a row, 0 to 255; the samples must have such a band.
+void ReadOpacity(const Samples& samples, int y, uint8_t* opacity);
+
+/// True for gray without alpha: a single band that can be a grid.
+RASTERKIT_EXPORT bool IsSingleBand(const PixelLayout& layout);
+
+/// True for whole numbers with a sign.
+bool HasNegatives(NumberType type);
+
+/// What `automatic` means for samples; other kinds stay.
+RASTERKIT_EXPORT NumberStretch::Kind KindFor(const PixelLayout& layout,
+                                             const NumberStretch& stretch);
+
+/// Finds the range, exactly and with a bounded table besides the samples. Of unsigned gray whose
+/// least number is white, black is the greater end; `fixed` says itself which is black.
+RASTERKIT_EXPORT FoundRange FindRange(const Samples& samples, const std::string& noData,
+                                      const NumberStretch& stretch);
+
+/// Says which numbers are shown black and white.
+void NoteRange(const FoundRange& found, Changes& changes);
+
+}  // namespace rasterkit::detail
