@@ -107,7 +107,7 @@ PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
   writing.form = plan.form;
   writing.metadata = state.metadata;
   // A preview is a file of its own, with metadata of its own.
-  writing.dropsHidden = state.edit.stripAll || state.edit.stripGps || state.edit.stripThumbnail;
+  writing.dropsHidden = DropsHidden(state);
   if (plan.type == PictureType::tiff) writing.positionTags = PositionTags(source, state);
   return writing;
 }
