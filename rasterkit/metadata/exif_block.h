@@ -71,6 +71,10 @@ class RASTERKIT_EXPORT ExifBlock {
   /// Overwrites the thumbnail with zeros and the link to it, in a damaged block too.
   void EraseThumbnail();
 
+  /// Overwrites all bytes with zeros that no directory, value or thumbnail uses: leftovers of other
+  /// programs, and what a maker note keeps outside of itself. Does nothing to a damaged block.
+  void EraseUnused();
+
   /// Sets the orientation to 1 if the block states another one, also in a damaged block. False if
   /// the block is damaged and its orientation cannot be found: an unknown one could be left.
   bool SetUpright();

@@ -318,6 +318,12 @@ void ExifBlock::Remove(ExifDirectoryId directory, uint16_t tag) {
   if (!unreached.empty()) DropFreeEnd();
 }
 
+void ExifBlock::EraseUnused() {
+  if (isDamaged_) return;
+  Free({0, bytes_.size()});
+  DropFreeEnd();
+}
+
 bool ExifBlock::SetUpright() {
   const Directory* main = FindDirectory(ExifDirectoryId::main);
   if (main == nullptr) return false;

@@ -137,7 +137,7 @@ void FollowThumbnail(ExifBlock& exif, const PixelChange& change, Changes& change
 }
 
 void FollowPixelsInExif(ExifBlock& exif, const PixelChange& change, Changes& changes) {
-  exif.SetUpright();
+  if (!change.keepsOrientation) exif.SetUpright();
   const bool statesResolution =
       exif.Has(Id::main, exif::kResolutionX) || exif.Has(Id::main, exif::kResolutionY);
   if (statesResolution) SetResolution(exif, change.resolution);
@@ -159,7 +159,7 @@ void FollowPixelsInExif(ExifBlock& exif, const PixelChange& change, Changes& cha
 }
 
 bool RepairDamagedExif(ExifBlock& exif, const PixelChange& change) {
-  const bool isUpright = exif.SetUpright();
+  const bool isUpright = change.keepsOrientation || exif.SetUpright();
   if (!change.pixelsChanged) return true;
   exif.EraseThumbnail();
   return isUpright && FindJpeg(exif.Bytes(), 0) == exif.Bytes().size();

@@ -24,6 +24,8 @@ struct PixelChange {
   /// True if the pixels are those of the old picture at other places (turns, mirrors): statistics
   /// still hold.
   bool keepsValues = false;
+  /// True if the pixels are as stored and the orientation still has to be stated.
+  bool keepsOrientation = false;
   /// True if the picture is gray now and was not.
   bool becameGray = false;
   /// The resolution after the change.

@@ -61,7 +61,7 @@ class PacketFollower {
       if (change_.pixelsChanged) Drop();
       return;
     }
-    packet_.Set(kTiff, "Orientation", "1");
+    if (!change_.keepsOrientation) packet_.Set(kTiff, "Orientation", "1");
     FollowResolution();
     if (change_.pixelsChanged) {
       FollowSizes();

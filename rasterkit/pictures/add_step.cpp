@@ -189,12 +189,8 @@ class StepAdder {
   }
 
   void operator()(const EditStep& step) {
-    if (step.edit.resolution) {
-      state_.edit.resolution = state_.resolution = *step.edit.resolution;
-    }
-    state_.edit.stripAll |= step.edit.stripAll;
-    state_.edit.stripGps |= step.edit.stripGps;
-    state_.edit.stripThumbnail |= step.edit.stripThumbnail;
+    if (step.edit.resolution) state_.resolution = *step.edit.resolution;
+    state_.edits.push_back(step.edit);
   }
 
   void operator()(const StretchStep& step) {

@@ -13,6 +13,9 @@ struct OpenOptions {
   int page = 1;
   /// Which position counts, and a world file of another name.
   PlacementReading position;
+  /// The orientation that the file states becomes the first steps, so that the picture is upright.
+  /// Without, pixels stay as stored and the file goes on to state its orientation.
+  bool turnsUpright = true;
   /// How a metafile is drawn.
   MetafileDrawing drawing;
   /// Where the file is read.

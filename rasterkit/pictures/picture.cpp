@@ -26,9 +26,10 @@ constexpr double kSeen = 0.9;
 
 }  // namespace
 
-Picture::Picture(std::shared_ptr<const detail::PictureSource> source)
+Picture::Picture(std::shared_ptr<const detail::PictureSource> source, bool turnsUpright)
     : source_(std::move(source)),
       state_(std::make_shared<const detail::PictureState>(detail::StateOf(*source_))) {
+  if (!turnsUpright) return;
   for (Step& step : detail::StepsOfOrientation(source_->Header().orientation.value_or(1))) {
     Apply(std::move(step));
   }
@@ -46,10 +47,10 @@ Picture& Picture::operator=(Picture other) noexcept {
 }
 
 Picture Picture::Open(const std::string& file, const OpenOptions& options) {
-  return Picture(detail::OpenSource(file, options));
+  return Picture(detail::OpenSource(file, options), options.turnsUpright);
 }
 Picture Picture::Open(std::vector<uint8_t> bytes, const OpenOptions& options) {
-  return Picture(detail::OpenSource(std::move(bytes), options));
+  return Picture(detail::OpenSource(std::move(bytes), options), options.turnsUpright);
 }
 Picture Picture::Of(std::unique_ptr<TBitmap> rows) {
   return Picture(detail::SourceOf(std::move(rows)));

@@ -42,7 +42,7 @@ class RASTERKIT_EXPORT Picture {
  public:
   /// Reads the headers, once, and keeps the file open: a later Save reads its pixels even if the
   /// name is then another file's, and throws FileError if the open file itself was changed. The
-  /// orientation of EXIF or TIFF becomes the first step. Throws FileError, FormatError,
+  /// orientation of EXIF or TIFF becomes the first step, unless the options say otherwise. Throws FileError, FormatError,
   /// UnsupportedError, LimitError.
   static Picture Open(const std::string& file, const OpenOptions& options = {});
   /// Takes over the bytes of a file.
@@ -112,7 +112,7 @@ class RASTERKIT_EXPORT Picture {
 
  private:
   friend struct detail::PictureParts;
-  explicit Picture(std::shared_ptr<const detail::PictureSource> source);
+  explicit Picture(std::shared_ptr<const detail::PictureSource> source, bool turnsUpright = true);
 
   std::shared_ptr<const detail::PictureSource> source_;
   std::vector<Step> steps_;

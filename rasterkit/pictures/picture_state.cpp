@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <charconv>
 
+#include <rasterkit/metadata/edit/edit_metadata.h>
+#include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/follow_pixels.h>
 #include <rasterkit/pictures/fitting/make_thumbnail.h>
 #include <rasterkit/pictures/picture_state.h>
-#include <rasterkit/pictures/strip_metadata.h>
+#include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -46,6 +48,28 @@ void SetPosition(Placement& placement, const Affine& affine) {
   placement.stated.insert(placement.stated.begin(), {PositionSource::given, {}, affine, 0});
   placement.controlPoints.clear();
   placement.rationalModel.clear();
+}
+
+/// What the file states after the edits. Throws Error with the name of the file.
+Metadata EditedMetadata(const PictureState& state, const PictureSource& source,
+                        Changes* changes = nullptr) {
+  Metadata metadata = source.Header().metadata;
+  EditedPicture picture;
+  picture.width = source.Header().width;
+  picture.height = source.Header().height;
+  picture.isTurned = state.pixelsChanged;
+  if (source.Type() == PictureType::jpeg) picture.format = EditedPicture::Format::jpeg;
+  if (source.Type() == PictureType::tiff) picture.format = EditedPicture::Format::tiff;
+  Changes unused;
+  try {
+    for (const MetadataEdit& edit : state.edits) {
+      EditMetadata(metadata, edit, picture, changes != nullptr ? *changes : unused);
+    }
+  } catch (Error& error) {
+    error.AttachFile(source.File());
+    throw;
+  }
+  return metadata;
 }
 
 }  // namespace
@@ -92,9 +116,13 @@ std::optional<Affine> PositionOf(const PictureState& state, const PictureSource&
   return affine->After(state.toOld);
 }
 
+bool DropsHidden(const PictureState& state) {
+  return std::any_of(state.edits.begin(), state.edits.end(), RemovesHidden);
+}
+
 bool NeedsThumbnail(const PictureState& state, const PictureSource& source) {
-  return state.pixelsChanged && !state.edit.stripAll && !state.edit.stripThumbnail &&
-         HasThumbnail(source.Header().metadata);
+  if (!state.pixelsChanged || !HasThumbnail(source.Header().metadata)) return false;
+  return state.edits.empty() || HasThumbnail(EditedMetadata(state, source));
 }
 
 /// A step whose pixels the profile does not describe has dropped it.
@@ -111,15 +139,18 @@ void FollowProfile(PictureState& state, const PictureSource& source) {
 
 void Follow(PictureState& state, const PictureSource& source, std::span<const uint8_t> thumbnail) {
   state.followed = {};
-  state.metadata = source.Header().metadata;
-  StripMetadata(state.metadata, state.edit);
+  state.metadata = EditedMetadata(state, source, &state.followed);
   FollowProfile(state, source);
   state.placement = source.Position();
   if (state.given) SetPosition(state.placement, *state.given);
   // Without changed pixels another resolution is all that there can be.
-  if (!state.pixelsChanged && !state.edit.resolution) return;
+  const bool hasOtherResolution =
+      std::any_of(state.edits.begin(), state.edits.end(),
+                  [](const MetadataEdit& edit) { return edit.resolution.has_value(); });
+  if (!state.pixelsChanged && !hasOtherResolution) return;
 
   PixelChange change = ChangeOf(state, source);
+  change.keepsOrientation = !state.pixelsChanged;
   change.thumbnail = thumbnail;
   FollowPixels(state.metadata, change, state.followed);
   // A thumbnail is made when the pixels are there.

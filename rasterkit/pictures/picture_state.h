@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include <rasterkit/bands/executor.h>
 #include <rasterkit/pictures/picture_source.h>
@@ -26,7 +27,8 @@ struct PictureState {
   bool onlyMoves = true;
   /// The source's columns run along the rows of this picture, or nearly.
   bool exchangesAxes = false;
-  MetadataEdit edit;
+  /// In the order in which they were added.
+  std::vector<MetadataEdit> edits;
   NumberStretch stretch;
   /// A position for the picture as stored, in place of that of the source.
   std::optional<Affine> given;
@@ -61,6 +63,9 @@ void Follow(PictureState& state, const PictureSource& source,
 
 /// Where the picture lies: the source's position carried through the steps.
 std::optional<Affine> PositionOf(const PictureState& state, const PictureSource& source);
+
+/// True if nothing of the file may stay that could hide what an edit removes: previews, trailers.
+bool DropsHidden(const PictureState& state);
 
 /// True if the file has a thumbnail that must be made anew when pixels change.
 bool NeedsThumbnail(const PictureState& state, const PictureSource& source);

@@ -10,7 +10,7 @@
 #include <rasterkit/bands/combine.h>
 #include <rasterkit/bands/filter.h>
 #include <rasterkit/graphics/bitmap.h>
-#include <rasterkit/metadata/resolution.h>
+#include <rasterkit/metadata/edit/metadata_edit.h>
 #include <rasterkit/placement/affine.h>
 #include <rasterkit/raster/number_stretch.h>
 #include <rasterkit/raster/pixel_format.h>
@@ -92,12 +92,6 @@ struct PixelsStep {
   std::shared_ptr<const TBitmap> pixels;
 };
 
-/// What the written file shall not have, nor report as lost.
-struct MetadataEdit {
-  bool stripAll = false, stripGps = false, stripThumbnail = false;
-  /// Another resolution; the pixels stay.
-  std::optional<Resolution> resolution = {};
-};
 struct EditStep {
   MetadataEdit edit;
 };

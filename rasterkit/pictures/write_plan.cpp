@@ -108,8 +108,7 @@ PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
   writing.form = plan.form;
   writing.metadata = state.metadata;
   // A preview is a file of its own, with metadata of its own.
-  writing.dropsHidden =
-      plan.move || state.edit.stripAll || state.edit.stripGps || state.edit.stripThumbnail;
+  writing.dropsHidden = plan.move || DropsHidden(state);
   writing.move = plan.move;
   writing.makesThumbnail = plan.move && NeedsThumbnail(state, source);
   if (plan.type == PictureType::tiff) writing.positionTags = PositionTags(source, state);

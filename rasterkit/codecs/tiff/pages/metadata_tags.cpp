@@ -11,6 +11,7 @@
 #include <rasterkit/codecs/tiff/pages/tag_file_writer.h>
 #include <rasterkit/codecs/tiff/pages/tag_kinds.h>
 #include <rasterkit/metadata/exif_block.h>
+#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/metadata/exif_tags_of_tiff.h>
 #include <rasterkit/metadata/foreign_blocks.h>
 
@@ -219,14 +220,16 @@ PageTags TagsOfMetadata(const PictureWriting& writing, const SampleFacts& sample
   const Metadata& metadata = writing.metadata;
   PageTags tags;
   MainTags main(tags.main);
-  main.Add(WordTag(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT));
   TiffDirectories exif;
+  int orientation = ORIENTATION_TOPLEFT;
   if (!metadata.exif.empty()) {
     exif = TagsOfExif(metadata.exif);
+    orientation = OrientationOf(ExifBlock(metadata.exif)).value_or(orientation);
     if (ExifBlock(metadata.exif).HasThumbnail()) {
       changes.Note("TIFF: the thumbnail of the EXIF block is dropped: it is a copy of the picture");
     }
   }
+  main.Add(WordTag(TIFFTAG_ORIENTATION, static_cast<uint16_t>(orientation)));
   // Without a known resolution the block may still state an aspect ratio.
   const bool keepsStated =
       !metadata.resolution.IsKnown() || StatesResolution(exif.main, metadata.resolution);

@@ -1,0 +1,113 @@
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include <rasterkit/metadata/edit/strip_metadata.h>
+#include <rasterkit/metadata/exif_block.h>
+#include <rasterkit/metadata/exif_places.h>
+#include <rasterkit/metadata/exif_resolution.h>
+#include <rasterkit/metadata/exif_tags_of_tiff.h>
+#include <rasterkit/metadata/foreign_blocks.h>
+#include <rasterkit/metadata/image_resources.h>
+#include <rasterkit/metadata/xmp/xmp_names.h>
+#include <rasterkit/metadata/xmp/xmp_packet.h>
+
+namespace rasterkit::detail {
+namespace {
+
+using Id = ExifDirectoryId;
+
+/// The copy of a maker note in files of converters.
+constexpr uint16_t kPrivateNote = 50740;
+
+bool IsOfColors(const OtherBlock& chunk) {
+  constexpr std::array kKinds = {PngKind("sRGB"), PngKind("gAMA"), PngKind("cHRM"), PngKind("cICP"),
+                                 PngKind("mDCV"), PngKind("cLLI")};
+  return std::find(kKinds.begin(), kKinds.end(), chunk.kind) != kKinds.end();
+}
+
+/// Without these numbers the samples could not be read: inks, the range of the samples, opacity.
+bool IsOfSamples(const TagValue& tag) {
+  constexpr std::array<uint16_t, 6> kTags = {332, 333, 334, 336, 338, 339};
+  return std::find(kTags.begin(), kTags.end(), tag.tag) != kTags.end();
+}
+
+std::vector<uint8_t> OrientationAlone(const std::vector<uint8_t>& exif) {
+  if (exif.empty()) return {};
+  const auto orientation = OrientationOf(ExifBlock(exif));
+  if (!orientation || *orientation == 1) return {};
+  ExifBlock block;
+  block.SetWords(Id::main, exif::kOrientation, std::array{static_cast<uint16_t>(*orientation)});
+  return block.TakeBytes();
+}
+
+/// Makes a damaged block anew without the parts that could hide what must go.
+std::vector<uint8_t> Rebuilt(const ExifBlock& damaged, bool keepsNote, Changes& changes) {
+  TiffDirectories tags = TagsOfExif(damaged.Bytes());
+  if (!keepsNote) {
+    std::erase_if(tags.exif, [](const TagValue& tag) { return tag.tag == exif::kMakerNote; });
+  }
+  changes.Note("the damaged EXIF block was made anew of the tags that can be read");
+  const bool hasNote = damaged.Has(Id::exif, exif::kMakerNote);
+  if (keepsNote && hasNote) {
+    changes.Lose(LossKind::makerNote, "places inside the maker note",
+                 "the damaged EXIF block was made anew and the note may be unreadable");
+  }
+  return ExifOfTags(tags.main, tags.exif, tags.gps, tags.interop, tags.isBigEndian);
+}
+
+}  // namespace
+
+void StripAll(Metadata& metadata, bool dropsProfile, const EditedPicture& picture) {
+  Metadata kept;
+  kept.resolution = metadata.resolution;
+  kept.hasJfif = metadata.hasJfif;
+  if (!picture.isTurned) kept.exif = OrientationAlone(metadata.exif);
+  if (!dropsProfile) {
+    kept.profile = metadata.profile;
+    std::copy_if(metadata.pngChunks.begin(), metadata.pngChunks.end(),
+                 std::back_inserter(kept.pngChunks), IsOfColors);
+  }
+  std::copy_if(metadata.tiffTags.begin(), metadata.tiffTags.end(),
+               std::back_inserter(kept.tiffTags), IsOfSamples);
+  metadata = std::move(kept);
+}
+
+void StripThumbnails(Metadata& metadata, Changes& changes) {
+  if (!metadata.exif.empty()) {
+    ExifBlock exif(std::exchange(metadata.exif, {}));
+    if (exif.IsDamaged()) {
+      metadata.exif = exif.HasThumbnail() ? Rebuilt(exif, true, changes) : exif.TakeBytes();
+    } else {
+      exif.RemoveThumbnail();
+      metadata.exif = exif.TakeBytes();
+    }
+  }
+  ImageResources resources(metadata.photoshop);
+  const bool hadThumbnail = resources.Remove(image_resource::kThumbnail);
+  if (resources.Remove(image_resource::kOldThumbnail) || hadThumbnail) {
+    metadata.photoshop = resources.Bytes();
+  }
+  for (std::string* text : {&metadata.xmp, &metadata.extendedXmp}) {
+    if (text->empty()) continue;
+    XmpPacket packet(*text);
+    if (packet.Remove(xmp_name::kXmp, "Thumbnails")) *text = packet.Text();
+  }
+}
+
+void StripMakerNote(Metadata& metadata, Changes& changes) {
+  std::erase_if(metadata.tiffTags, [](const TagValue& tag) { return tag.tag == kPrivateNote; });
+  if (metadata.exif.empty()) return;
+  ExifBlock exif(std::exchange(metadata.exif, {}));
+  if (exif.IsDamaged()) {
+    metadata.exif = Rebuilt(exif, false, changes);
+    return;
+  }
+  if (exif.Has(Id::exif, exif::kMakerNote)) {
+    exif.Remove(Id::exif, exif::kMakerNote);
+    exif.EraseUnused();
+  }
+  metadata.exif = exif.TakeBytes();
+}
+
+}  // namespace rasterkit::detail
