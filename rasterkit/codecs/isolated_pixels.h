@@ -16,7 +16,7 @@
 /// the host. Neither knows drawn formats; see ReadPicture for these.
 namespace rasterkit::detail {
 
-/// Reads the header of an open file. `keepGoing`, if set, is called while the worker works, and
+/// Reads the header of an open file; `type` becomes its type. `keepGoing`, if set, is called while the worker works, and
 /// ends it by returning false. Throws as ReadPictureHeader and ReadInWorker do.
 RASTERKIT_EXPORT PictureHeader ReadHeaderIsolated(SystemFile file, PictureType& type,
                                                   const std::function<bool()>& keepGoing);
