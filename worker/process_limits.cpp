@@ -40,11 +40,13 @@ void Limit(int resource, uint64_t most) {
   Require(setrlimit(static_cast<__rlimit_resource_t>(resource), &limit), "its limits");
 }
 
-/// The picture of a page is drawn beside the content of its file.
+/// The picture of a page is drawn beside the content of its file. The decoder of HEIF files holds
+/// its own copies of the pixels.
 uint64_t MostMemory(const detail::WorkerSetup& setup) {
-  const bool isPdf = setup.reader == detail::WorkerReader::pdf;
+  const bool holdsMore =
+      setup.reader == detail::WorkerReader::pdf || setup.reader == detail::WorkerReader::heif;
   const uint64_t page = std::min(setup.limits.pictureBytes, setup.limits.processBytes);
-  return detail::WorkerMemoryBytes(setup.limits, isPdf ? page : 0);
+  return detail::WorkerMemoryBytes(setup.limits, holdsMore ? page : 0);
 }
 
 }  // namespace

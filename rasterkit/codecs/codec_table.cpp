@@ -10,6 +10,10 @@
 #include <rasterkit/codecs/gif/gif_metadata.h>
 #include <rasterkit/codecs/gif/gif_picture.h>
 #include <rasterkit/codecs/gif/gif_signature.h>
+#include <rasterkit/codecs/heif/heif_picture.h>
+#include <rasterkit/codecs/heif/heif_signature.h>
+#include <rasterkit/codecs/jp2/jp2_picture.h>
+#include <rasterkit/codecs/jp2/jp2_signature.h>
 #include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/codecs/jpeg/jpeg_encoder.h>
 #include <rasterkit/codecs/jpeg/jpeg_metadata.h>
@@ -137,6 +141,18 @@ constexpr Codec kCodecs[] = {
      .decodeBytes = DecodeWebp,
      .readMetadata = detail::ReadWebpMetadata,
      .readHeader = HeaderOf<ReadWebpHeader>},
+    {.type = PictureType::jp2,
+     .name = "jp2",
+     .extensions = {"jp2", "j2k", "jpf", "jpx", "j2c"},
+     .matches = detail::IsJp2,
+     .readHeader = ReadJp2Header,
+     .decodePixels = DecodeJp2Pixels},
+    {.type = PictureType::heif,
+     .name = "heif",
+     .extensions = {"heic", "heif", "hif", "avif"},
+     .matches = detail::IsHeif,
+     .readHeader = ReadHeifHeader,
+     .decodePixels = DecodeHeifPixels},
     {.type = PictureType::pdf, .name = "pdf", .extensions = {"pdf"}, .matches = detail::IsPdf},
 };
 
@@ -156,6 +172,11 @@ std::span<const Codec> CodecTable() {
 
 const Codec* FindCodec(PictureType type) {
   return Find([=](const Codec& codec) { return codec.type == type; });
+}
+
+const Codec* FindFrameCodec(PictureType type) {
+  const Codec* codec = FindCodec(type);
+  return codec != nullptr && codec->IsForPicturesOnly() ? nullptr : codec;
 }
 
 const Codec* FindCodecOfExtension(std::string_view extension) {

@@ -36,7 +36,7 @@ struct Codec {
   /// The name that PictureTypeName gives.
   const char* name = "";
   /// File extensions in lower case without the dot, the usual one first; unused places are empty.
-  std::array<std::string_view, 2> extensions;
+  std::array<std::string_view, 5> extensions;
   /// True if the first bytes of a file are those of this format. kSignatureBytes are enough.
   bool (*matches)(std::span<const uint8_t> bytes) = nullptr;
 
@@ -71,6 +71,9 @@ struct Codec {
   bool IsDecoded() const {
     return decodeBytes != nullptr || decodeStream != nullptr || decodeFrame != nullptr;
   }
+  /// True for a format that `Picture` reads and the exported routines do not know: to them its
+  /// files are data of an unknown type.
+  bool IsForPicturesOnly() const { return !IsDecoded() && readHeader != nullptr; }
 };
 
 /// Every signature lies within this many bytes from the start of the file.
@@ -78,6 +81,10 @@ inline constexpr size_t kSignatureBytes = 1024;
 
 /// All formats, in the order in which their signatures are tried.
 RASTERKIT_EXPORT std::span<const Codec> CodecTable();
+
+/// The row of a type that the exported routines know; null for PictureType::unknown and for formats
+/// that only `Picture` reads.
+RASTERKIT_EXPORT const Codec* FindFrameCodec(PictureType type);
 
 /// The row of a type; null for PictureType::unknown.
 RASTERKIT_EXPORT const Codec* FindCodec(PictureType type);

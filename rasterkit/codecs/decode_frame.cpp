@@ -15,7 +15,7 @@ namespace rasterkit {
 namespace {
 
 ImagingFrame DecodeSized(TStream& stream, const FrameOptions& options, CodecReport* report) {
-  const Codec* codec = FindCodec(SniffPictureType(stream));
+  const Codec* codec = FindFrameCodec(SniffPictureType(stream));
   if (codec == nullptr) throw FormatError("Invalid image");
   if (codec->decodeFrame != nullptr) return codec->decodeFrame(stream, options, report);
   ImagingFrame frame;

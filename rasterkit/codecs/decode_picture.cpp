@@ -23,7 +23,7 @@ Raster DecodePicture(TStream& stream, CodecReport* report) {
   const LimitsScope limits;
   // Pipes have no size and give their bytes only once.
   if (stream.Size() <= stream.Position()) return DecodePicture(ReadUnsizedPicture(stream), report);
-  const Codec* codec = FindCodec(SniffPictureType(stream));
+  const Codec* codec = FindFrameCodec(SniffPictureType(stream));
   if (codec != nullptr && codec->decodeStream != nullptr) {
     return codec->decodeStream(stream, report);
   }
@@ -35,7 +35,7 @@ Raster DecodePicture(TStream& stream, CodecReport* report) {
 
 Raster DecodePicture(std::span<const uint8_t> file, CodecReport* report) {
   const LimitsScope limits;
-  const Codec* codec = FindCodec(SniffPictureType(file));
+  const Codec* codec = FindFrameCodec(SniffPictureType(file));
   if (codec != nullptr && codec->decodeBytes != nullptr) return codec->decodeBytes(file, report);
   if (codec == nullptr || codec->decodeStream == nullptr) Refuse(codec, file.empty());
   TSpanStream stream(file);

@@ -10,12 +10,20 @@
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
+#include <rasterkit/runtime/worker/worker_input.h>
 
 namespace rasterkit::detail {
 namespace {
 
 int ReadPage(FieldReader& task) {
   return task.I32In(1, std::numeric_limits<int>::max());
+}
+
+/// The first bytes are compared here; everything else is left to the worker.
+WorkerReader ReaderOf(const SystemFile& file) {
+  const auto stream = WorkerInputStream(SameFile(file));
+  return SniffPictureType(*stream) == PictureType::heif ? WorkerReader::heif
+                                                        : WorkerReader::pictures;
 }
 
 }  // namespace
@@ -28,13 +36,13 @@ PictureHeader ReadHeaderIsolated(SystemFile file, PictureType& type,
   PictureHeader header;
   const auto place = [&](FieldReader& fields, uint64_t) -> std::span<uint8_t> {
     error = ReadOutcome(fields);
-    type = fields.Enum(PictureType::webp);
+    type = fields.Enum(kLastPictureType);
     if (!error) header = ReadHeader(fields);
     fields.RequireEnd();
     return {};
   };
-  ReadInWorker(WorkerReader::pictures, WorkerTask::header, task.Written(), std::move(file),
-               keepGoing, place);
+  const WorkerReader reader = ReaderOf(file);
+  ReadInWorker(reader, WorkerTask::header, task.Written(), std::move(file), keepGoing, place);
   if (error) std::rethrow_exception(error);
   return header;
 }
@@ -54,8 +62,8 @@ Pixels DecodePixelsIsolated(SystemFile file, int threads, CodecReport* report,
     fields.RequireEnd();
     return error ? std::span<uint8_t>() : BytesOf(pixels);
   };
-  ReadInWorker(WorkerReader::pictures, WorkerTask::pixels, task.Written(), std::move(file),
-               keepGoing, place);
+  const WorkerReader reader = ReaderOf(file);
+  ReadInWorker(reader, WorkerTask::pixels, task.Written(), std::move(file), keepGoing, place);
   if (error) std::rethrow_exception(error);
   if (auto* raster = std::get_if<Raster>(&pixels)) raster->ClearPadding();
   return pixels;
@@ -126,7 +134,7 @@ Pixels AnswerPixels(FieldReader& task, TStream& file, FieldWriter& answer) {
 
 std::vector<uint8_t> AnswerCopy(FieldReader& task, TStream& file, FieldWriter& answer) {
   const int page = ReadPage(task);
-  const PictureType type = task.Enum(PictureType::webp);
+  const PictureType type = task.Enum(kLastPictureType);
   const PictureWriting writing = ReadWriting(task);
   task.RequireEnd();
   TMemoryStream copy;

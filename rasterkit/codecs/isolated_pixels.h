@@ -16,8 +16,8 @@
 /// host. Neither knows drawn formats; see ReadPicture for these. Pages are counted from 1.
 namespace rasterkit::detail {
 
-/// Reads the header of an open file. `keepGoing`, if set, is called while the worker works, and
-/// ends it by returning false. Throws as ReadPageHeader and ReadInWorker do.
+/// Reads the header of an open file; `type` becomes its type. `keepGoing`, if set, is called while
+/// the worker works, and ends it by returning false. Throws as ReadPageHeader and ReadInWorker do.
 RASTERKIT_EXPORT PictureHeader ReadHeaderIsolated(SystemFile file, PictureType& type,
                                                   const std::function<bool()>& keepGoing,
                                                   int page = 1);

@@ -9,7 +9,10 @@
 namespace rasterkit {
 
 /// Formats of picture files, recognized by their first bytes alone.
-enum class PictureType { unknown, bmp, jpeg, png, tiff, wmf, emf, pdf, gif, webp };
+enum class PictureType { unknown, bmp, jpeg, png, tiff, wmf, emf, pdf, gif, webp, jp2, heif };
+
+/// The last one.
+inline constexpr PictureType kLastPictureType = PictureType::heif;
 
 /// Recognizes the first bytes of a file; may be fewer than a signature needs. 64 bytes are enough,
 /// except for a PDF file with other bytes before its header, which is found within 1024.

@@ -125,7 +125,7 @@ SourcePtr SourceOfKind(PictureBytes bytes, const OpenOptions& options) {
   if (type == PictureType::pdf) {
     throw UnsupportedError("a PDF file has pages: draw one of them (see PdfDocument)");
   }
-  if (options.isolation == Isolation::process) {
+  if (options.isolation == Isolation::process || type == PictureType::heif) {
     return OpenIsolated(std::move(bytes), type, options);
   }
   if (type == PictureType::wmf || type == PictureType::emf) {

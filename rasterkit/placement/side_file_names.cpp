@@ -12,9 +12,11 @@ namespace rasterkit {
 namespace {
 
 /// Kinds of rasters that have world files and that no codec of the library reads.
-constexpr std::string_view kOtherRasters[] = {"dib", "ecw", "img", "j2k", "jp2", "jpe",
-                                              "jpf", "jxl", "pbm", "pcx", "pgm", "ppm",
-                                              "sid", "tga", "vrt", "xpm"};
+constexpr std::string_view kOtherRasters[] = {"dib", "ecw", "img", "jpe", "jxl", "pbm", "pcx",
+                                              "pgm", "ppm", "sid", "tga", "vrt", "xpm"};
+
+/// JPEG 2000 has one kind of world file, whatever the picture's extension is.
+constexpr std::string_view kJp2WorldFile = "j2w";
 
 size_t NameStart(const std::string& file) {
   const size_t slash = file.rfind('/');
@@ -76,6 +78,11 @@ std::vector<std::string> WorldFileExtensions(const std::string& picture) {
   if (extension.size() > 1 && IsAscii(extension.front()) && IsAscii(extension.back())) {
     extensions = {{extension.front(), extension.back(), 'w'}, extension + "w"};
   }
+  const Codec* codec = FindCodecOfExtension(extension);
+  const bool isJp2 = codec != nullptr && codec->type == PictureType::jp2;
+  const bool hasOwn =
+      std::find(extensions.begin(), extensions.end(), kJp2WorldFile) != extensions.end();
+  if (isJp2 && !hasOwn) extensions.emplace_back(kJp2WorldFile);
   extensions.emplace_back("wld");
   return extensions;
 }

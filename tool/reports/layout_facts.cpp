@@ -15,8 +15,8 @@ bool HasAlphaBand(const PixelLayout& layout) {
 
 /// Numbers that are more than eight bits of gray.
 bool IsGrid(const PixelLayout& layout, PictureType type) {
-  return type == PictureType::tiff && IsGray(layout) && !HasAlphaBand(layout) &&
-         layout.type != NumberType::uint8;
+  const bool isKind = type == PictureType::tiff || type == PictureType::jp2;
+  return isKind && IsGray(layout) && !HasAlphaBand(layout) && layout.type != NumberType::uint8;
 }
 
 }  // namespace

@@ -141,6 +141,12 @@ void TakeDrawn(PictureFacts& facts) {
   facts.warnings = loaded.warnings;
 }
 
+/// HEIF files are always read in a worker process.
+PictureHeader ReadHeaderOf(TStream& stream, PictureType type) {
+  if (type != PictureType::heif) return ReadPictureFront(stream, type);
+  return detail::ReadHeaderIsolated(detail::CopyForWorker(stream), type, ContinueUnlessInterrupted);
+}
+
 void ReadFacts(PictureFacts& facts, TStream& stream) {
   const PictureType type = SniffPictureType(stream);
   facts.type = PictureTypeName(type);
@@ -148,7 +154,7 @@ void ReadFacts(PictureFacts& facts, TStream& stream) {
   if (facts.bytes == 0) throw FormatError("the file is empty");
   if (IsMetafile(type)) return TakeMetafile(facts, stream);
   if (type == PictureType::tiff) TakeTiffFacts(facts, stream);
-  const PictureHeader header = ReadPictureFront(stream, type);
+  const PictureHeader header = ReadHeaderOf(stream, type);
   if (type == PictureType::jpeg) {
     TakePhotoFacts(facts, ReadPhotoFacts(StartOf(stream)));
   } else {
@@ -197,7 +203,8 @@ void ReadIsolated(PictureFacts& facts) {
   PictureType type = loaded.type;
   const PictureHeader header = detail::ReadHeaderIsolated(detail::OpenForWorker(facts.file), type,
                                                           ContinueUnlessInterrupted);
-  TakePhotoFacts(facts, loaded.photo);
+  const bool hasOwnReader = type == PictureType::jp2 || type == PictureType::heif;
+  TakePhotoFacts(facts, hasOwnReader ? ReadExifFacts(header.metadata.exif) : loaded.photo);
   if (type != PictureType::jpeg) facts.photo.rotation = 0;
   TakeHeader(facts, header, type);
 }
@@ -215,6 +222,11 @@ void TakePdfFacts(PictureFacts& facts) {
 void DecodeStream(TStream& stream, CodecReport& report) {
   const PictureType type = SniffPictureType(stream);
   stream.SetPosition(0);
+  if (type == PictureType::heif) {
+    detail::DecodePixelsIsolated(detail::CopyForWorker(stream), 1, &report,
+                                 ContinueUnlessInterrupted);
+    return;
+  }
   static_cast<void>(DecodePixels(stream, type, {}, &report));
 }
 

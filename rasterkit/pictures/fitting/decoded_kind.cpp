@@ -31,7 +31,7 @@ DecodedKind KindOfPng(PixelLayout layout) {
   return {AsRaster(layout), true};
 }
 
-DecodedKind KindOfTiff(PixelLayout layout) {
+DecodedKind KindOfSamples(PixelLayout layout) {
   constexpr int kByte = 8;
   const bool isPlain = layout.bits == 1 || layout.bits == 4 || layout.bits == kByte;
   const bool isPalette = layout.model == ColorModel::palette && layout.bands == 1;
@@ -50,7 +50,9 @@ DecodedKind KindOfTiff(PixelLayout layout) {
 
 DecodedKind DecodedKindOf(PictureType type, const PixelLayout& stored) {
   if (type == PictureType::png) return KindOfPng(stored);
-  if (type == PictureType::tiff) return KindOfTiff(stored);
+  const bool keepsNumbers =
+      type == PictureType::tiff || type == PictureType::jp2 || type == PictureType::heif;
+  if (keepsNumbers) return KindOfSamples(stored);
   const bool isRaster = IsRasterLayout(stored);
   return {isRaster ? AsRaster(stored) : stored, isRaster};
 }

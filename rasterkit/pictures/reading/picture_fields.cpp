@@ -174,7 +174,7 @@ void WritePicture(FieldWriter& fields, const LoadedFrame& picture) {
 
 FrameHead ReadPictureHead(FieldReader& fields, PictureFile& picture) {
   auto& [type, photo, metadata, warnings, bytes, tiff, grid, metafile, frames] = picture;
-  type = fields.Enum(PictureType::webp);
+  type = fields.Enum(kLastPictureType);
   photo = ReadPhotoFacts(fields);
   metadata = ReadMetadataKinds(fields);
   warnings = ReadWarnings(fields);

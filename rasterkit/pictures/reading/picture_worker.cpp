@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <rasterkit/codecs/decode_frame.h>
+#include <rasterkit/codecs/heif/heif_picture.h>
 #include <rasterkit/codecs/isolated_document.h>
 #include <rasterkit/codecs/isolated_pixels.h>
 #include <rasterkit/codecs/messages/frame_fields.h>
@@ -153,6 +154,7 @@ PictureWorker::~PictureWorker() = default;
 
 void PictureWorker::Prepare() {
   if (state_->reader == WorkerReader::metafiles) LoadAnsiTables();
+  if (state_->reader == WorkerReader::heif) OpenHeifLibrary();
 }
 
 WorkerMessage PictureWorker::Answer(WorkerMessage request) {

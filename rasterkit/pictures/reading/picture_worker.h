@@ -12,13 +12,14 @@ namespace rasterkit::detail {
 /// file.
 class RASTERKIT_EXPORT PictureWorker : public WorkerAnswers {
  public:
-  /// `reader` is `pictures` or `metafiles`.
+  /// `reader` is any but `pdf`.
   explicit PictureWorker(WorkerReader reader);
   ~PictureWorker() override;
   PictureWorker(const PictureWorker&) = delete;
   PictureWorker& operator=(const PictureWorker&) = delete;
 
-  /// Loads the tables of old charsets for metafiles.
+  /// Loads the tables of old charsets for metafiles, and libheif for HEIF files. Throws
+  /// UnsupportedError if it is not installed.
   void Prepare() override;
   /// Returns the answer. An error of reading the file is part of it. Throws FormatError for an
   /// invalid request.

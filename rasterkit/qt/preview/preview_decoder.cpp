@@ -61,7 +61,7 @@ class CanceledStream : public TStream {
 
 /// An unknown file goes to the decoder, which reports it as broken.
 bool IsDecoded(PictureType type) {
-  const Codec* codec = FindCodec(type);
+  const Codec* codec = FindFrameCodec(type);
   return codec == nullptr || codec->IsDecoded();
 }
 

@@ -9,7 +9,7 @@
 namespace rasterkit::detail {
 
 /// What a worker reads. Code for the other kinds of files is not loaded.
-enum class WorkerReader { pictures, metafiles, pdf };
+enum class WorkerReader { pictures, metafiles, heif, pdf };
 
 /// First message to a worker.
 struct WorkerSetup {
