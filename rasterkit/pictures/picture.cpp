@@ -122,6 +122,7 @@ Report Picture::Plan(const std::string& file, const SaveOptions& options) const 
   const SideFiles files(detail::WishOf(*source_, *state_, plan, file, options), state_->placement,
                         changes);
   detail::AddSideFiles(report, &files, changes);
+  report.backups = files.PlannedBackups();
   return report;
 }
 
