@@ -48,9 +48,8 @@ void RequireStretch(const NumberStretch& stretch) {
   constexpr double kMostPercent = 50;
   if (stretch.kind == NumberStretch::Kind::percent &&
       !(stretch.percent >= 0 && stretch.percent < kMostPercent)) {
-    throw RangeError(
-        fmt::format("a stretch leaves out 0 to less than 50 percent at each end, not {}",
-                    stretch.percent));
+    throw RangeError(fmt::format(
+        "a stretch leaves out 0 to less than 50 percent at each end, not {}", stretch.percent));
   }
   const bool isRange = std::isfinite(stretch.least) && std::isfinite(stretch.greatest) &&
                        stretch.least != stretch.greatest;
@@ -301,8 +300,9 @@ class StepAdder {
     if (state_.isRaster) return;
     const std::string noData = source_.Position().noData;
     Changes seen;
-    const Pixels sample = VisibleStage(noData, state_.stretch)->Make(
-        SampleRows(state_.layout, false, kSampleSide, kSampleSide), {}, seen);
+    const Pixels sample =
+        VisibleStage(noData, state_.stretch)
+            ->Make(SampleRows(state_.layout, false, kSampleSide, kSampleSide), {}, seen);
     SetLayout(LayoutOf(sample));
     state_.isRaster = true;
     for (Loss& loss : seen.losses) state_.changes.losses.push_back(std::move(loss));

@@ -42,8 +42,8 @@ class RASTERKIT_EXPORT Picture {
  public:
   /// Reads the headers, once, and keeps the file open: a later Save reads its pixels even if the
   /// name is then another file's, and throws FileError if the open file itself was changed. The
-  /// orientation of EXIF or TIFF becomes the first step, unless the options say otherwise. Throws FileError, FormatError,
-  /// UnsupportedError, LimitError.
+  /// orientation of EXIF or TIFF becomes the first step, unless the options say otherwise. Throws
+  /// FileError, FormatError, UnsupportedError, LimitError.
   static Picture Open(const std::string& file, const OpenOptions& options = {});
   /// Takes over the bytes of a file.
   static Picture Open(std::vector<uint8_t> bytes, const OpenOptions& options = {});

@@ -27,6 +27,7 @@ std::optional<SideFiles> SideFilesOf(const FileParts& parts, const std::string& 
   wish.width = first.state->width;
   wish.height = first.state->height;
   wish.syncs = options.syncs;
+  wish.keepsBackup = options.keepsBackup;
   return SideFiles(wish, first.state->placement, changes);
 }
 
@@ -35,6 +36,7 @@ Report PlanOfFile(const FileParts& parts, const std::string& target, const SaveO
   Changes changes;
   if (const auto files = SideFilesOf(parts, target, options, changes)) {
     AddSideFiles(report, &*files, changes);
+    report.backups = files->PlannedBackups();
   }
   return report;
 }

@@ -115,6 +115,10 @@ Option Option::Excludes(const Option& other) const {
   return *this;
 }
 
+const std::string& Verb::Name() const {
+  return parts_->help.name;
+}
+
 Option Verb::Flag(const std::string& name, bool& value, const std::string& description) {
   return Option(AddOption(*parts_, parts_->parsed->add_flag(name, value), name, {}, description));
 }

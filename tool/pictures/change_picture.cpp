@@ -21,6 +21,7 @@
 #include "tool/command/output_file.h"
 #include "tool/command/output_type.h"
 #include "tool/command/progress.h"
+#include "tool/command/standard_input.h"
 #include "tool/pages/page_list.h"
 #include "tool/pictures/metafile_output.h"
 #include "tool/reports/geo_text.h"
@@ -56,6 +57,9 @@ bool IsPdf(const std::string& file) {
 /// True for an error of reading the input while it is written: damage that shows only in the
 /// pixels.
 bool IsOfInput(const Error& error, const Job& job) {
+  if (IsStandardStream(job.input) && error.File().empty()) {
+    return dynamic_cast<const FormatError*>(&error) != nullptr;
+  }
   if (error.File() != job.input) return false;
   // Steps that do not fit the picture.
   if (dynamic_cast<const RangeError*>(&error) != nullptr) return false;
@@ -72,7 +76,10 @@ bool IsOfInput(const Error& error, const Job& job) {
   // A limit that is exceeded on the way to the output is no fault of the input.
   const bool isOfOutput =
       code == exitOutputNotWritten && dynamic_cast<const LimitError*>(&error) != nullptr;
-  const std::string& file = error.File().empty() || isOfOutput ? job.output : error.File();
+  const bool isUnnamed = error.File().empty() && code != exitInputUnreadable;
+  const std::string& file = isUnnamed || isOfOutput ? job.output
+                            : error.File().empty()  ? job.input
+                                                    : error.File();
   const bool isTaken = dynamic_cast<const FileExistsError*>(&error) != nullptr;
   const std::string reason = isTaken && file == job.output
                                  ? "already exists (--overwrite replaces it)"
@@ -126,6 +133,7 @@ JobResult FactsOf(const Report& report) {
   result.details = report.notes;
   result.pixels = PixelsWord(report);
   result.sideFiles = report.sideFiles;
+  result.backups = report.backups;
   result.bytes = report.bytes;
   result.memory = report.memory;
   return result;
@@ -185,15 +193,32 @@ auto OpenInput(const std::string& file, const Open& open) {
   }
 }
 
-/// Writes the output of a job and returns its result.
-template <class Prepare, class Result>
-JobResult SaveOutput(const Job& job, const PictureOptions& options, const Prepare& prepare,
-                     const Result& resultOf) {
+/// What is written to stdout is whole, or nothing is.
+template <class Saved>
+Report SaveToStandardOutput(const Saved& saved, const Job& job, const PictureOptions& options,
+                            const Run& run) {
+  if (options.writesWorldFile) {
+    throw Failure(exitWrongUsage, "--world-file requires an output with a name");
+  }
+  TMemoryStream bytes;
+  Report report = saved.Save(bytes, SaveOptionsOf(job, options), run);
+  StopIfInterrupted();
+  WriteStandardOutput(bytes.Bytes());
+  return report;
+}
+
+/// Writes a picture or a document as the output of a job and returns the result.
+template <class Saved, class Prepare, class Result>
+JobResult SaveOutput(const Saved& saved, const Job& job, const PictureOptions& options,
+                     const Prepare& prepare, const Result& resultOf) {
   OperationBar bar(options.showsProgress);
   Run run = RunOf(options);
   run.progress = bar.Shares();
   const WholeOutput whole;
   try {
+    if (IsStandardStream(job.output)) {
+      return resultOf(SaveToStandardOutput(saved, job, options, run));
+    }
     auto save = std::make_unique<PendingSave>(prepare(run));
     StopIfInterrupted();
     JobResult result = resultOf(save->Report());
@@ -206,7 +231,7 @@ JobResult SaveOutput(const Job& job, const PictureOptions& options, const Prepar
 
 JobResult Save(const PictureWork& work) {
   return SaveOutput(
-      work.job, work.options,
+      work.picture, work.job, work.options,
       [&](const Run& run) {
         return PendingSave(work.picture, work.job.output, SaveOptionsOf(work.job, work.options),
                            run);
@@ -281,6 +306,8 @@ SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options) {
   save.writesWorldFile = options.writesWorldFile;
   save.mayReplace = job.saving.overwrite;
   save.syncs = job.saving.syncs;
+  save.keepsBackup = job.saving.keepsBackup;
+  save.type = job.type;
   return save;
 }
 
@@ -327,11 +354,17 @@ Run RunOf(const PictureOptions& options) {
 }
 
 Picture OpenPicture(const std::string& file, const PictureOptions& options) {
-  return OpenInput(file, [&] { return Picture::Open(file, OpenOptionsOf(options)); });
+  return OpenInput(file, [&] {
+    return IsStandardStream(file) ? Picture::Open(TakeStandardInput(), OpenOptionsOf(options))
+                                  : Picture::Open(file, OpenOptionsOf(options));
+  });
 }
 
 Document OpenDocument(const std::string& file, const PictureOptions& options) {
-  return OpenInput(file, [&] { return Document::Open(file, OpenOptionsOf(options)); });
+  return OpenInput(file, [&] {
+    return IsStandardStream(file) ? Document::Open(TakeStandardInput(), OpenOptionsOf(options))
+                                  : Document::Open(file, OpenOptionsOf(options));
+  });
 }
 
 Picture OpenPage(const Document& document, int page, const std::string& file) {
@@ -373,7 +406,7 @@ JobResult SaveDocument(const Document& document, const Job& job, const PictureOp
   DoWork(job, [&] {
     result = isDryRun ? resultOf(document.Plan(job.output, save))
                       : SaveOutput(
-                            job, options,
+                            document, job, options,
                             [&](const Run& run) { return document.Prepare(job.output, save, run); },
                             resultOf);
   });
@@ -389,7 +422,7 @@ JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDr
   } else {
     const Document document = OpenDocument(job.input, options);
     const std::vector<int> pages = PagesOf(job, options, document.Pages());
-    if (pages.size() > 1 && WritableType(job.output) == PictureType::tiff) {
+    if (pages.size() > 1 && job.type.value_or(WritableType(job.output)) == PictureType::tiff) {
       return ChangePages(document, pages, job, options, isDryRun, change);
     }
     if (pages.size() > 1) {

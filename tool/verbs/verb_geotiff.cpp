@@ -11,6 +11,7 @@
 #include "tool/command/isolation_option.h"
 #include "tool/command/output_options.h"
 #include "tool/command/shared_options.h"
+#include "tool/command/standard_input.h"
 #include "tool/pictures/placement/write_geotiff.h"
 #include "tool/reports/show_grid.h"
 #include "tool/verbs/verbs.h"
@@ -89,6 +90,7 @@ int Ask(const GeoTiffOptions& options) {
 
 void RequireTiffNames(const std::vector<Job>& jobs) {
   for (const Job& job : jobs) {
+    if (job.type == PictureType::tiff) continue;
     const std::string extension = UpperCase(ExtractFileExt(job.output));
     if (extension != ".TIF" && extension != ".TIFF") {
       throw Failure(exitWrongUsage,
@@ -113,7 +115,8 @@ int Write(GeoTiffOptions options) {
     throw Failure(exitWrongUsage, "--at and --at-map require one file and no output");
   }
   const bool isOnePosition = !options.origin.empty() || !options.worldFile.empty();
-  if (!options.output.outDir.empty()) options.output.type = "tif";
+  const bool isStream = IsStandardStream(options.output.files.back());
+  if (!options.output.outDir.empty() || isStream) options.output.type = "tif";
   if (isOnePosition && !options.output.outDir.empty() && options.output.files.size() > 1) {
     throw Failure(exitWrongUsage, "one position cannot be used for several pictures");
   }
@@ -139,6 +142,7 @@ VerbRunner AddGeoTiffVerb(CommandLine& line) {
         "rasterkit geotiff scan.jpg scan.tif --origin 4468000,5334000 --pixel-size 0.05",
         "rasterkit geotiff terrain.tif --at 10,20 --at-map 4468012.5,5333980"}});
   const auto options = std::make_shared<GeoTiffOptions>();
+  options->output.takesStreams = true;
   AddOutputOptions(verb, options->output, "IN [OUT]");
   AddIsolate(verb);
   AddPositionOptions(verb, *options);

@@ -47,11 +47,11 @@ class CountedCalls {
             &detail::FileCalls::readLinkAt, &detail::FileCalls::linkAt,
             &detail::FileCalls::renameAt, &detail::FileCalls::unlinkAt, &detail::FileCalls::lock,
             &detail::FileCalls::changeMode, &detail::FileCalls::changeOwner,
-            &detail::FileCalls::listAttributes, &detail::FileCalls::getAttribute,
-            &detail::FileCalls::setAttribute, &detail::FileCalls::removeAttribute,
-            &detail::FileCalls::syncData, &detail::FileCalls::syncAll,
-            &detail::FileCalls::syncFileSystem, &detail::FileCalls::statusOfFileSystem,
-            &detail::FileCalls::awaitWrites>();
+            &detail::FileCalls::setTimes, &detail::FileCalls::listAttributes,
+            &detail::FileCalls::getAttribute, &detail::FileCalls::setAttribute,
+            &detail::FileCalls::removeAttribute, &detail::FileCalls::syncData,
+            &detail::FileCalls::syncAll, &detail::FileCalls::syncFileSystem,
+            &detail::FileCalls::statusOfFileSystem, &detail::FileCalls::awaitWrites>();
   }
 
   /// The call with this number, counted from 1, fails with `error`.
