@@ -86,6 +86,7 @@ std::vector<uint8_t> WriteBare(const BareJpeg& picture, const BareWriting& writi
   jpeg_compress_struct codec{};
   jpeg_error_mgr errors{};
   codec.err = jpeg_std_error(&errors);
+  errors.output_message = [](j_common_ptr) {};
   jpeg_create_compress(&codec);
   unsigned char* memory = nullptr;
   unsigned long size = 0;

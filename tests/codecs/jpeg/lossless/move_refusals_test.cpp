@@ -73,6 +73,8 @@ TEST(MoveJpegRefusal, ChangedFile_Should_BeRefusedOrExact) {
       }
       try {
         const MovedFile moved = Moved(changed, turn);
+        // A missing end marker behind whole data is no damage.
+        changed.insert(changed.end(), {0xFF, 0xD9});
         const BareJpeg read = ReadBare(changed);
         EXPECT_EQ(read.warnings, 0);
         EXPECT_EQ(DifferenceOf(ReadBare(moved.bytes), MovedBare(read, turn)), "");
@@ -195,27 +197,28 @@ TEST(MoveJpegRefusal, Limits_Should_Hold) {
 
 /// As many scans of a large picture as a file of half a megabyte holds would take minutes.
 TEST(MoveJpegRefusal, TooManyScans_Should_BeRefused) {
-  BareJpeg source = RandomBare(8000, 8000, JCS_GRAYSCALE, {{1, 1}}, 1);
-  for (reference::Block& block : source.components[0].blocks) block.fill(0);
-  source.progressive = true;
+  const auto blank = [](int blocks) {
+    BareJpeg picture = RandomBare(8, 8, JCS_GRAYSCALE, {{1, 1}}, 1);
+    picture.progressive = true;
+    picture.width = picture.height = 8 * blocks;
+    BareComponent& component = picture.components[0];
+    component.columns = component.rows = blocks;
+    component.blocks.assign(static_cast<size_t>(blocks * blocks), {});
+    return picture;
+  };
+  const BareJpeg source = blank(1000);
   BareWriting writing;
   writing.scans.push_back({1, {0}, 0, 0, 0, 0});
   for (int i = 1; i < 64; i++) writing.scans.push_back({1, {0}, i, i, 0, 8});
   for (int bit = 8; bit > 0; bit--) {
     for (int i = 1; i < 64; i++) writing.scans.push_back({1, {0}, i, i, bit, bit - 1});
   }
-  const BareJpeg small = [&] {
-    BareJpeg result = RandomBare(8, 8, JCS_GRAYSCALE, {{1, 1}}, 1);
-    result.components[0].blocks[0].fill(0);
-    result.progressive = true;
-    return result;
-  }();
   // The scans of a small picture, with the sides of the large one and its first scan.
   BareWriting first;
   first.scans = {writing.scans[0], {1, {0}, 1, 63, 0, 0}};
   auto file = WriteBare(source, first);
   file.resize(PlaceOf(file, 0xC4, PlaceOf(file, 0xDA)));
-  auto rest = WriteBare(small, writing);
+  auto rest = WriteBare(blank(1), writing);
   const size_t second = PlaceOf(rest, 0xC4, PlaceOf(rest, 0xDA));
   file.insert(file.end(), rest.begin() + static_cast<ptrdiff_t>(second), rest.end());
   try {
