@@ -44,7 +44,7 @@ const std::vector<uint8_t>& File(bool progressive) {
 
 /// An EXIF block with a thumbnail that is replaced.
 std::vector<uint8_t> ExifWithThumbnail() {
-  const std::vector<uint8_t> jpeg = EncodeJpeg(bench::PhotoLike(16, 12), 50);
+  const std::vector<uint8_t> jpeg = EncodeJpeg(bench::PhotoLike(160, 120), 50);
   std::vector<uint8_t> block = {'I', 'I', 42, 0, 8, 0, 0, 0, 0, 0, 14, 0, 0, 0, 3, 0};
   const auto number = [&](size_t value, int bytes) {
     for (int i = 0; i < bytes; i++) block.push_back(static_cast<uint8_t>(value >> 8 * i));
