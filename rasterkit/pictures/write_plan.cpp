@@ -238,8 +238,11 @@ WrittenPicture Sample(const PictureSource& source, const PictureState& state, co
 WrittenPicture Moved(const PictureSource& source, const PictureState& state, const WritePlan& plan,
                      Changes& changes) {
   Changes written;
-  AssembleJpegSegments(StateForMove(state, source).metadata, source.Header().metadata.hasJfif,
-                       written);
+  const Metadata& old = source.Header().metadata;
+  Metadata metadata = StateForMove(state, source).metadata;
+  // What did not change is copied.
+  if (metadata.resolution == old.resolution) metadata.resolution = {};
+  AssembleJpegSegments(metadata, old.hasJfif, written);
   Join(changes, written);
   return {plan.form, state.layout, {}};
 }
@@ -263,7 +266,10 @@ Report Foresee(const PictureSource& source, const PictureState& state, WritePlan
   const WrittenPicture written = plan.move ? Moved(source, state, plan, changes)
                                            : Sample(source, state, plan, options, changes);
   report.layout = plan.isCopied ? state.layout : written.layout;
-  report.form = std::holds_alternative<std::monostate>(plan.form) ? written.form : plan.form;
+  // An encoder with other wishes than the source's form makes its own.
+  const bool isEncodersForm = std::holds_alternative<std::monostate>(plan.form) ||
+                              (std::holds_alternative<JpegForm>(plan.form) && AsksForForm(options));
+  report.form = isEncodersForm ? written.form : plan.form;
   report.losses = std::move(changes.losses);
   report.notes = std::move(changes.notes);
   if (plan.isCopied) report.notes.emplace_back("the compressed pixels are copied");

@@ -49,6 +49,8 @@ struct Operation {
   std::vector<std::string> words;
   /// Squares that stay inside, and those of a picture that was turned upright.
   size_t squares = kSquares.size(), lyingSquares = kSquares.size();
+  /// Whole pixels move.
+  bool isMove = false;
 };
 
 class MapSquares : public testing::TestWithParam<Operation> {
@@ -148,6 +150,28 @@ TEST_P(MapSquares, LyingPhotograph) {
   RunAndCheck("in.jpg", "out.jpg", "out.jgw", GetParam().lyingSquares);
 }
 
+/// Blocks that are moved, and the rest of blocks that is dropped for it.
+TEST_P(MapSquares, MovedPhotograph) {
+  for (const int orientation : {1, 3, 6, 7}) {
+    SCOPED_TRACE(orientation);
+    SaveJpegFile(folder_ / "in.jpg", PictureOfSquares(), orientation);
+    WriteWorldFile("in.jgw");
+    std::vector<std::string> line = GetParam().words;
+    line.insert(line.end(), {folder_ / "in.jpg", folder_ / "out.jpg", "--strict", "--overwrite",
+                             "--lossless", "trim", "--json"});
+    const ToolResult result = RunTool(line);
+    ASSERT_EQ(result.code, 0) << result.err;
+    const auto report = JsonLines(result.out).at(0);
+    const bool isMove = GetParam().isMove || (GetParam().words.front() == "convert");
+    if (isMove && orientation != 1) EXPECT_EQ(report.at("pixels"), "moved");
+    const Raster raster = PictureOfFrame(DecodeFrame(folder_ / "out.jpg"));
+    EXPECT_EQ(report.at("width"), raster.Width());
+    EXPECT_EQ(report.at("height"), raster.Height());
+    CheckSquares(raster, PositionBeside("out.jgw"),
+                 orientation < 5 ? GetParam().squares : GetParam().lyingSquares);
+  }
+}
+
 TEST_P(MapSquares, Bitmap) {
   SaveBmpFile(folder_ / "in.bmp", PictureOfSquares());
   WriteWorldFile("in.bpw");
@@ -181,15 +205,15 @@ TEST_P(MapSquares, Tags) {
 INSTANTIATE_TEST_SUITE_P(
     Verbs, MapSquares,
     testing::Values(Operation{"Convert", {"convert"}},
-                    Operation{"Quarter", {"rotate", "--angle", "90"}},
-                    Operation{"Half", {"rotate", "--angle", "180"}},
+                    Operation{"Quarter", {"rotate", "--angle", "90"}, 4, 4, true},
+                    Operation{"Half", {"rotate", "--angle", "180"}, 4, 4, true},
                     Operation{"Ten", {"rotate", "--angle", "10"}},
                     Operation{"SeventeenPoint3", {"rotate", "--angle", "17.3"}},
                     Operation{"Minus123", {"rotate", "--angle", "-123.4"}},
                     Operation{"TurnedAndNorthUp", {"rotate", "--north-up"}},
-                    Operation{"Mirror", {"mirror", "--horizontal"}},
-                    Operation{"MirrorDown", {"mirror", "--vertical"}},
-                    Operation{"Crop", {"crop", "--rect", "31,55,60,57"}, 1, 2},
+                    Operation{"Mirror", {"mirror", "--horizontal"}, 4, 4, true},
+                    Operation{"MirrorDown", {"mirror", "--vertical"}, 4, 4, true},
+                    Operation{"Crop", {"crop", "--rect", "31,55,60,57"}, 1, 2, true},
                     Operation{"Shrink", {"resize", "--size", "61%"}},
                     Operation{"Grow", {"resize", "--size", "233%"}},
                     Operation{"Uneven", {"resize", "--size", "301x90"}},

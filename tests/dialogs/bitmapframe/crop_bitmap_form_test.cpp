@@ -71,6 +71,23 @@ TEST_F(CropForm, Should_BeginWithTheRectangle_When_OneIsGiven) {
   EXPECT_FALSE(form->Tool().CutRectExists());
 }
 
+TEST_F(CropForm, Parts_Should_BeCalledLossless_When_TheyAre) {
+  Open({16, 32, 300, 250});
+  const QLabel& label = Find<QLabel>("LabelLossless");
+  EXPECT_TRUE(label.isHidden()) << "nothing is known about the file";
+  form->SetIsLossless([](const TRect& part) { return part.Left % 16 == 0 && part.Top % 16 == 0; });
+  EXPECT_FALSE(label.isHidden());
+  EXPECT_EQ(label.text().toStdString(), rsCropLossless);
+  Find<TSpinEditInt>("SpEdLeft").setValue(17);
+  EXPECT_EQ(label.text().toStdString(), rsCropNotLossless);
+  Find<TSpinEditInt>("SpEdLeft").setValue(64);
+  EXPECT_EQ(label.text().toStdString(), rsCropLossless);
+  Find<TSpinEditInt>("SpEdTop").setValue(33);
+  EXPECT_EQ(label.text().toStdString(), rsCropNotLossless);
+  Click("SpeedButtonWhole");
+  EXPECT_EQ(label.text().toStdString(), rsCropLossless);
+}
+
 TEST_F(CropForm, Numbers_Should_FollowTheMouse_AndTheSizeText) {
   Open({100, 50, 300, 250});
   const RDRect cut = form->Tool().CutRect();
