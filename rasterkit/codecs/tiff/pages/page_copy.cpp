@@ -260,7 +260,9 @@ PageCopier::Structure PageCopier::Copy(const TagDirectory& directory, Changes& c
     if (IsBoundToOrder(place.tag, changes)) continue;
     if (LeadsToDirectory(place.tag, place.type)) {
       TagValue pointers = CopyBelow(place, changes);
-      if (pointers.count > 0) copy.tags[place.tag] = std::move(pointers);
+      if (pointers.count > 0 || (!writing_ && place.count == 0)) {
+        copy.tags[place.tag] = std::move(pointers);
+      }
     } else if (!IsBlockTag(place.tag)) {
       CopyValue(place, copy);
     }
@@ -324,6 +326,8 @@ std::optional<TagFileWriter::Written> PageCopier::CopyDirectory(uint64_t at, Cha
   if (isFollowing_.contains(at)) {
     KeepKind(kRelative & reader_.SubfileType(at), copy.tags, changes);
   }
+  // A directory of tags that cannot be copied.
+  if (copy.tags.empty() && copy.stored.empty()) return std::nullopt;
   return copied_[at] = file_->WriteDirectory(copy.tags, copy.stored, changes);
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -49,6 +50,8 @@ ByteList WriteMade(const std::vector<MadeDirectory>& chain, bool isBig, bool isB
 /// Reads a chain of directories; fails the test where the file breaks a rule: order of tags, odd
 /// places, places beyond the end.
 std::vector<MadeDirectory> ReadMade(const ByteList& bytes);
+/// The same for a file that may break rules; nothing if it cannot be read.
+std::optional<std::vector<MadeDirectory>> TryReadMade(const ByteList& bytes);
 
 /// Same tags with types and values, same blocks and same directories below. Integers of 64 bits may
 /// have become such of 32 bits, or the other way round.
