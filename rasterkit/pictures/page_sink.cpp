@@ -2,6 +2,8 @@
 #include <optional>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/pictures/page_sink.h>
@@ -52,7 +54,11 @@ class DirectSink : public PageSink {
     }
   }
   void CopyAsStored(const PictureSource& source, int page) override {
-    Keep(Guarded(source, [&] { return writer_.CopyPage(FileOf(source), page); }));
+    try {
+      Keep(Guarded(source, [&] { return writer_.CopyPage(FileOf(source), page); }));
+    } catch (const FormatError& error) {
+      throw FormatError(fmt::format("page {}: {}", page, error.Reason()), source.File());
+    }
   }
   std::vector<WrittenPicture> Finish() override {
     writer_.Finish();
