@@ -153,6 +153,11 @@ TEST_F(DocumentTest, JoinsFilesOfAnyType) {
   }
 }
 
+test::RawPage Unnumbered(test::RawPage page) {
+  page.tags.erase(297);
+  return page;
+}
+
 TEST_F(DocumentTest, DecodesPagesOfAnotherOrderOfBytes) {
   test::WriteMadeDocument(folder_ / "big.tif", "wb");
   for (const Isolation isolation : {Isolation::none, Isolation::process}) {
@@ -172,7 +177,7 @@ TEST_F(DocumentTest, DecodesPagesOfAnotherOrderOfBytes) {
     const RawDocument before = ReadRawPages(in_), other = ReadRawPages(folder_ / "big.tif");
     for (const int page : {1, 2, 3, 5}) {
       const auto index = static_cast<size_t>(test::ChainIndex(page));
-      EXPECT_EQ(after.chain[index], before.chain[index]);
+      EXPECT_EQ(Unnumbered(after.chain[index]), Unnumbered(before.chain[index]));
       EXPECT_EQ(after.chain[index + 6].blocks, other.chain[index].blocks) << page;
     }
     const Samples expected = Document::Open(in_).Page(4).Numbers();
@@ -215,13 +220,13 @@ TEST_F(DocumentTest, NamesThePageOfALoss) {
   const std::string file = folder_.Write("stream.tif", stream.Bytes());
   EXPECT_THAT(WidthsOf(file), ElementsAre(120, 160, 100, 60, 96));
   std::string broken = test::ReadFile(in_);
-  const std::string block = ReadRawPages(in_).chain.at(2).blocks.at(1);
+  const std::string block = ReadRawPages(in_).chain.at(1).blocks.at(1);
   broken.replace(broken.find(block), block.size(), std::string(block.size(), '\xFF'));
   Document damaged = Document::Open(folder_.Write("broken.tif", broken));
-  const Report report = damaged.Replace(3, damaged.Page(3).Turn(1)).Save(out_);
+  const Report report = damaged.Replace(2, damaged.Page(2).Turn(1)).Save(out_);
   ASSERT_THAT(report.losses, testing::Not(IsEmpty()));
   EXPECT_EQ(report.losses[0].kind, LossKind::damage);
-  EXPECT_THAT(report.losses[0].what, HasSubstr("page 3: "));
+  EXPECT_THAT(report.losses[0].what, HasSubstr("page 2: "));
 }
 
 TEST_F(DocumentTest, WaitsForItsName) {

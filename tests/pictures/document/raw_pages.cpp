@@ -152,4 +152,14 @@ uint64_t SubfileType(const RawPage& page) {
   return 0;
 }
 
+std::vector<std::vector<RawPage>> PagesOf(const RawDocument& document) {
+  constexpr uint64_t kCopyOrMask = 5;
+  std::vector<std::vector<RawPage>> pages;
+  for (const RawPage& page : document.chain) {
+    if (pages.empty() || (SubfileType(page) & kCopyOrMask) == 0) pages.emplace_back();
+    pages.back().push_back(page);
+  }
+  return pages;
+}
+
 }  // namespace rasterkit::test

@@ -42,4 +42,7 @@ RawDocument ReadRawPages(const std::string& file);
 /// Tag 254; 0 without it.
 uint64_t SubfileType(const RawPage& page);
 
+/// The directories of the chain by page: each with its smaller copies and masks.
+std::vector<std::vector<RawPage>> PagesOf(const RawDocument& document);
+
 }  // namespace rasterkit::test
