@@ -27,8 +27,8 @@ struct TiffPageNumber {
 class RASTERKIT_EXPORT TiffDocumentReader {
  public:
   /// The file starts at the position of `stream`, which must outlive this object and keep its
-  /// bytes. A stream without a size is read into memory. Throws FormatError if the first directory
-  /// cannot be read.
+  /// bytes; this object moves its position. A stream without a size is read into memory. Throws
+  /// FormatError if the first directory cannot be read.
   explicit TiffDocumentReader(TStream& stream);
   ~TiffDocumentReader();
   TiffDocumentReader(const TiffDocumentReader&) = delete;
@@ -58,7 +58,7 @@ class RASTERKIT_EXPORT TiffDocumentReader {
 RASTERKIT_EXPORT int CountTiffPages(TStream& stream);
 
 /// TiffDocumentReader::PageStream of a file of which one page is read. `stream` must outlive the
-/// result; its position stays.
+/// result; its position stays, also while the result is read.
 RASTERKIT_EXPORT std::unique_ptr<TStream> TiffPageStream(TStream& stream, int page);
 
 /// Upper bound of the bytes that CopyPage writes for a page.

@@ -4,6 +4,7 @@
 #include <tiff.h>
 
 #include <rasterkit/codecs/tiff/document/document_state.h>
+#include <rasterkit/codecs/tiff/document/kept_position.h>
 #include <rasterkit/codecs/tiff/pages/new_page.h>
 #include <rasterkit/codecs/tiff/pages/page_copy.h>
 #include <rasterkit/runtime/errors.h>
@@ -22,25 +23,6 @@ uint64_t NextNumber() {
   static std::atomic<uint64_t> last = 0;
   return ++last;
 }
-
-/// Restores the position of a stream.
-class KeptPosition {
- public:
-  explicit KeptPosition(TStream& stream) : stream_(stream), position_(stream.Position()) {}
-  ~KeptPosition() {
-    try {
-      stream_.SetPosition(position_);
-    } catch (...) {
-      // A pipe stays at its end.
-    }
-  }
-  KeptPosition(const KeptPosition&) = delete;
-  KeptPosition& operator=(const KeptPosition&) = delete;
-
- private:
-  TStream& stream_;
-  const uint64_t position_;
-};
 
 }  // namespace
 
@@ -116,13 +98,13 @@ std::optional<TiffPageNumber> TiffDocumentReader::PageNumber(int page) const {
 }
 
 int CountTiffPages(TStream& stream) {
-  const KeptPosition kept(stream);
+  const detail::KeptPosition kept(stream);
   return TiffDocumentReader(stream).Pages();
 }
 
 std::unique_ptr<TStream> TiffPageStream(TStream& stream, int page) {
   const LimitsScope limits;
-  const KeptPosition kept(stream);
+  const detail::KeptPosition kept(stream);
   std::unique_ptr<TMemoryStream> memory = MemoryOf(stream);
   TStream& source = memory ? *memory : stream;
   const detail::TagReader reader(source);
@@ -138,7 +120,7 @@ std::unique_ptr<TStream> TiffPageStream(TStream& stream, int page) {
 }
 
 uint64_t TiffPageBytes(TStream& stream, int page) {
-  const KeptPosition kept(stream);
+  const detail::KeptPosition kept(stream);
   return TiffDocumentReader(stream).PageBytes(page);
 }
 

@@ -5,6 +5,7 @@
 
 #include <rasterkit/codecs/tiff/document/byte_order.h>
 #include <rasterkit/codecs/tiff/document/document_state.h>
+#include <rasterkit/codecs/tiff/document/kept_position.h>
 #include <rasterkit/codecs/tiff/pages/new_page.h>
 #include <rasterkit/codecs/tiff/pages/page_copy.h>
 #include <rasterkit/codecs/tiff/pages/page_facts.h>
@@ -128,12 +129,8 @@ bool TiffDocumentWriter::CanCopyPage(const TiffDocumentReader& source, int page)
 }
 
 bool TiffDocumentWriter::CanCopyPage(TStream& source, int page) const {
-  const LimitsScope limits;
-  const uint64_t start = source.Position();
-  const TiffDocumentReader reader(source);
-  const bool canCopy = CanCopyPage(reader, page);
-  source.SetPosition(start);
-  return canCopy;
+  const detail::KeptPosition kept(source);
+  return CanCopyPage(TiffDocumentReader(source), page);
 }
 
 WrittenPicture TiffDocumentWriter::CopyPage(const TiffDocumentReader& source, int page) {
@@ -146,18 +143,14 @@ WrittenPicture TiffDocumentWriter::CopyPage(const TiffDocumentReader& source, in
 }
 
 WrittenPicture TiffDocumentWriter::CopyPage(TStream& source, int page) {
-  const uint64_t start = source.Position();
-  WrittenPicture written = CopyPage(TiffDocumentReader(source), page);
-  source.SetPosition(start);
-  return written;
+  const detail::KeptPosition kept(source);
+  return CopyPage(TiffDocumentReader(source), page);
 }
 
 WrittenPicture TiffDocumentWriter::CopyPage(TStream& source, int page,
                                             const PictureWriting& writing) {
-  const uint64_t start = source.Position();
-  WrittenPicture written = CopyPage(TiffDocumentReader(source), page, writing);
-  source.SetPosition(start);
-  return written;
+  const detail::KeptPosition kept(source);
+  return CopyPage(TiffDocumentReader(source), page, writing);
 }
 
 WrittenPicture TiffDocumentWriter::AddPage(const Pixels& pixels, const PictureWriting& writing,

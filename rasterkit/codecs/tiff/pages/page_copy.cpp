@@ -27,6 +27,8 @@ constexpr uint64_t kSpareBytes = 1 << 20;
 constexpr uint64_t kMostOwnBytes = 4096;
 /// Directories that lead to each other.
 constexpr int kMostDepth = 64;
+/// The bits of tag 254 that make a directory part of a page.
+constexpr uint32_t kRelative = FILETYPE_REDUCEDIMAGE | FILETYPE_MASK;
 /// Of a BigTIFF file: an entry, the count and the link of a directory with the bytes that make
 /// places even.
 constexpr uint64_t kEntryBytes = 20, kDirectoryBytes = 24;
@@ -99,6 +101,7 @@ void PageCopier::Collect(const TagDirectory& first, std::span<const uint64_t> fo
   source_.moved.Begin();
   first_ = first;
   following_.assign(following.begin(), following.end());
+  isFollowing_ = {following.begin(), following.end()};
   CollectDirectory(first_);
   for (const uint64_t at : following_) CollectAt(at);
   if (writing_) {
@@ -289,6 +292,26 @@ TagValue PageCopier::CopyBelow(const TagPlace& pointer, Changes& changes) {
   return writing_ ? pointers : InTypeOf(&pointer, places, std::move(pointers));
 }
 
+/// A page stays a page, and what belongs to one stays a smaller copy or a mask, where a damaged
+/// directory or another place in the chain would change that.
+void PageCopier::KeepKind(uint32_t relative, TagMap& tags, Changes& changes) const {
+  const auto found = tags.find(TIFFTAG_SUBFILETYPE);
+  const auto old = tags.find(TIFFTAG_OSUBFILETYPE);
+  uint64_t stated = 0;
+  if (found != tags.end()) {
+    const bool isKnown = found->second.type == TIFF_SHORT || found->second.type == TIFF_LONG;
+    const std::vector<uint64_t> numbers = NumbersOf(found->second);
+    if (isKnown && !numbers.empty()) stated = numbers[0];
+  } else if (old != tags.end()) {
+    const std::vector<uint64_t> numbers = NumbersOf(old->second);
+    if (!numbers.empty() && numbers[0] == OFILETYPE_REDUCEDIMAGE) stated = FILETYPE_REDUCEDIMAGE;
+  }
+  if ((stated & kRelative) == relative) return;
+  const auto kind = static_cast<uint32_t>(relative == 0 ? FILETYPE_PAGE : relative);
+  tags[TIFFTAG_SUBFILETYPE] = LongTag(TIFFTAG_SUBFILETYPE, kind);
+  changes.Note(fmt::format("TIFF: the type of a directory (tag 254) is {}", kind));
+}
+
 /// Each directory is copied once; a circle ends where it closes.
 std::optional<TagFileWriter::Written> PageCopier::CopyDirectory(uint64_t at, Changes& changes) {
   if (!collected_.contains(at)) return std::nullopt;
@@ -297,7 +320,10 @@ std::optional<TagFileWriter::Written> PageCopier::CopyDirectory(uint64_t at, Cha
   RequireTime();
   const auto directory = reader_.Directory(at);
   if (!directory) return std::nullopt;
-  const Structure copy = Copy(*directory, changes);
+  Structure copy = Copy(*directory, changes);
+  if (isFollowing_.contains(at)) {
+    KeepKind(kRelative & reader_.SubfileType(at), copy.tags, changes);
+  }
   return copied_[at] = file_->WriteDirectory(copy.tags, copy.stored, changes);
 }
 
@@ -329,6 +355,8 @@ uint64_t PageCopier::Write(TagFileWriter& file, uint64_t linkAt, Changes& change
   copied_.try_emplace(first_.at);
   Structure main = Copy(first_, changes);
   if (writing_) AddMetadata(main, changes);
+  // The first directory of a file is a page, whatever it says.
+  if (linkAt != file.FirstLinkAt()) KeepKind(0, main.tags, changes);
   if (pageNumber_) main.tags[pageNumber_->tag] = *pageNumber_;
   const TagFileWriter::Written page = file.WriteDirectory(main.tags, main.stored, changes);
   file.Link(linkAt, page.at);

@@ -73,6 +73,7 @@ class PageCopier {
   void MoveJpeg(const TagDirectory& directory, TagMap& tags, Changes& changes);
   TagValue Take(const TagPlace& place);
   void Charge(uint64_t bytes);
+  void KeepKind(uint32_t relative, TagMap& tags, Changes& changes) const;
   TagValue CopyBelow(const TagPlace& pointer, Changes& changes);
   std::optional<TagFileWriter::Written> CopyDirectory(uint64_t at, Changes& changes);
   void AddMetadata(Structure& main, Changes& changes);
@@ -82,6 +83,7 @@ class PageCopier {
   const PictureWriting* const writing_;
   TagDirectory first_;
   std::vector<uint64_t> following_;
+  std::unordered_set<uint64_t> isFollowing_;
   std::optional<TagValue> pageNumber_;
   /// Tags of the metadata of `writing_`, and what they lack.
   PageTags tags_;

@@ -26,9 +26,12 @@ void PageStream::SetNumber(const TagReader& reader, uint64_t at, uint64_t number
 
 size_t PageStream::Read(std::span<uint8_t> target) {
   if (position_ >= size_) return 0;
+  // Others may read the file from its beginning in between.
+  const uint64_t before = stream_.Position();
   stream_.SetPosition(start_ + position_);
   const auto wanted = static_cast<size_t>(std::min<uint64_t>(target.size(), size_ - position_));
   const size_t count = stream_.Read(target.first(wanted));
+  stream_.SetPosition(before);
   const uint64_t end = position_ + count;
   for (const Patch& patch : patches_) {
     const uint64_t last = std::min<uint64_t>(end, patch.at + patch.bytes.size());

@@ -17,9 +17,6 @@ constexpr uint64_t kMostEntries = 65536;
 constexpr int kMostPages = 65535;
 constexpr size_t kMostRelatives = 256;
 
-/// Entries are sorted, and tags 254 and 255 have the lowest numbers.
-constexpr uint64_t kFirstEntries = 4;
-
 }  // namespace
 
 int TagTypeBytes(uint16_t type) {
@@ -135,24 +132,23 @@ std::optional<TagDirectory> TagReader::Directory(uint64_t at) const {
 }
 
 uint32_t TagReader::SubfileTypeOf(std::span<const uint8_t> entries) const {
-  const size_t entryBytes = static_cast<size_t>(EntryBytes());
+  const auto entryBytes = static_cast<size_t>(EntryBytes());
+  std::optional<uint32_t> old;
   for (size_t at = 0; at + entryBytes <= entries.size(); at += entryBytes) {
     const uint8_t* entry = entries.data() + at;
-    const uint64_t tag = Number(entry, 2);
-    if (tag > TIFFTAG_OSUBFILETYPE) return 0;
-    const bool isShort = Number(entry + 2, 2) == TIFF_SHORT;
-    const uint64_t kind = Number(entry + (isBig_ ? 12 : 8), isShort ? 2 : 4);
+    const uint64_t tag = Number(entry, 2), type = Number(entry + 2, 2);
+    const bool isKnown = type == TIFF_SHORT || type == TIFF_LONG;
+    if ((tag != TIFFTAG_SUBFILETYPE && tag != TIFFTAG_OSUBFILETYPE) || !isKnown) continue;
+    const uint64_t kind = Number(entry + (isBig_ ? 12 : 8), type == TIFF_SHORT ? 2 : 4);
     if (tag == TIFFTAG_SUBFILETYPE) return static_cast<uint32_t>(kind);
-    if (tag == TIFFTAG_OSUBFILETYPE) {
-      return kind == OFILETYPE_REDUCEDIMAGE ? FILETYPE_REDUCEDIMAGE : 0;
-    }
+    if (!old) old = kind == OFILETYPE_REDUCEDIMAGE ? FILETYPE_REDUCEDIMAGE : 0;
   }
-  return 0;
+  return old.value_or(0);
 }
 
 std::optional<TagReader::ChainLink> TagReader::Link(uint64_t at) const {
   if (at == 0 || at >= size_) return std::nullopt;
-  // Most directories fit.
+  // Most directories fit. Where entries are sorted, tags 254 and 255 are the first ones.
   constexpr uint64_t kUsualBytes = 512;
   std::array<uint8_t, kUsualBytes> bytes{};
   const auto head =
@@ -161,7 +157,7 @@ std::optional<TagReader::ChainLink> TagReader::Link(uint64_t at) const {
   const uint64_t count = Number(bytes.data(), static_cast<int>(CountBytes()));
   if (count == 0 || count > kMostEntries) return std::nullopt;
   const auto entries = head.subspan(static_cast<size_t>(CountBytes()));
-  const uint64_t shown = std::min(count, kFirstEntries) * EntryBytes();
+  const uint64_t shown = count * EntryBytes();
   ChainLink link;
   link.subfileType =
       SubfileTypeOf(entries.first(static_cast<size_t>(std::min<uint64_t>(shown, entries.size()))));
