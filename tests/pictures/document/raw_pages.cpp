@@ -1,9 +1,9 @@
 #include "tests/pictures/document/raw_pages.h"
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
-
-#include "tests/support/temp_folder.h"
 
 namespace rasterkit::test {
 namespace {
@@ -139,7 +139,8 @@ RawDocument ReadRawPages(std::span<const uint8_t> bytes) {
 }
 
 RawDocument ReadRawPages(const std::string& file) {
-  const std::string text = ReadFile(file);
+  std::ifstream stream(file, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(stream), {}};
   return ReadRawPages({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
 }
 
