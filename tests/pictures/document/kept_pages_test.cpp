@@ -133,7 +133,13 @@ TEST_P(KeptPages, AreKeptByAWorkerToo) {
     EXPECT_LE(report.bytes, plan.bytes);
     ExpectOthersKept(before, ReadRawPages(out_), page);
     OpenAt(in_, page).Turn(1).Save(folder_ / "here.tif");
-    EXPECT_EQ(ReadRawPages(out_).chain, ReadRawPages(folder_ / "here.tif").chain);
+    const auto own = static_cast<size_t>(ChainIndex(page));
+    // Tag 254 may say "a page" or be absent.
+    RawPage here = ReadRawPages(folder_ / "here.tif").chain.at(own);
+    RawPage apart = ReadRawPages(out_).chain.at(own);
+    here.tags.erase(254);
+    apart.tags.erase(254);
+    EXPECT_EQ(apart, here);
     OpenAt(in_, page, Isolation::process).Save(out_);
     EXPECT_EQ(ReadRawPages(out_).chain, before.chain);
   }

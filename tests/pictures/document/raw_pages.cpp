@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <stdexcept>
 
@@ -10,6 +11,8 @@ namespace {
 
 constexpr uint16_t kStripAt = 273, kStripBytes = 279, kTileAt = 324, kTileBytes = 325;
 constexpr uint16_t kPointers[] = {330, 400, 34665, 34853, 40965};
+/// Places of streams and tables of old-style JPEG.
+constexpr uint16_t kStreamAt = 513, kStreamBytes = 514, kTables[] = {519, 520, 521};
 constexpr int kDeepest = 4;
 
 size_t BytesOfType(uint16_t type) {
@@ -81,6 +84,16 @@ class Reader {
     return numbers;
   }
 
+  uint64_t NumberOf(const RawTag& tag) const {
+    uint64_t number = 0;
+    const size_t size = tag.bytes.size();
+    for (size_t i = 0; i < size; ++i) {
+      const char byte = tag.bytes[file_.isBigEndian ? i : size - 1 - i];
+      number = number << 8 | static_cast<uint8_t>(byte);
+    }
+    return number;
+  }
+
   RawPage Directory(uint64_t at, int depth) {
     if (depth > kDeepest) throw std::runtime_error("directories too deep");
     RawPage page;
@@ -88,6 +101,7 @@ class Reader {
     const size_t countBytes = file_.isBigTiff ? 8 : 2;
     const uint64_t count = Number(at, countBytes);
     std::vector<uint64_t> places, sizes;
+    uint64_t stream = 0;
     std::map<uint16_t, std::vector<uint64_t>> pointers;
     for (uint64_t i = 0; i < count; ++i) {
       const uint64_t entry = at + countBytes + i * entryBytes;
@@ -102,13 +116,18 @@ class Reader {
         sizes = Numbers(place, value.type, value.count);
       } else if (std::count(std::begin(kPointers), std::end(kPointers), tag) > 0) {
         pointers[tag] = Numbers(place, value.type, value.count);
-      } else {
+      } else if (tag == kStreamAt) {
+        stream = Numbers(place, value.type, 1).at(0);
+      } else if (std::count(std::begin(kTables), std::end(kTables), tag) == 0) {
         value.bytes = Text(place, size);
         page.tags[tag] = std::move(value);
       }
     }
     const uint64_t next = Number(at + countBytes + count * entryBytes, wordBytes);
     for (size_t i = 0; i < places.size(); ++i) page.blocks.push_back(Text(places[i], sizes.at(i)));
+    if (stream != 0 && page.tags.contains(kStreamBytes)) {
+      page.blocks.push_back(Text(stream, NumberOf(page.tags.at(kStreamBytes))));
+    }
     for (const auto& [tag, targets] : pointers) {
       for (const uint64_t target : targets) page.below[tag].push_back(Directory(target, depth + 1));
     }
@@ -142,6 +161,23 @@ RawDocument ReadRawPages(const std::string& file) {
   std::ifstream stream(file, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(stream), {}};
   return ReadRawPages({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+}
+
+void PrintTo(const RawPage& page, std::ostream* out) {
+  constexpr size_t kMostShown = 12;
+  for (const auto& [tag, value] : page.tags) {
+    *out << tag << " (" << value.type << ", " << value.count << "):" << std::hex;
+    for (const char byte : value.bytes.substr(0, kMostShown)) {
+      *out << ' ' << static_cast<int>(static_cast<uint8_t>(byte));
+    }
+    *out << std::dec << "; ";
+  }
+  *out << page.blocks.size() << " blocks of "
+       << std::hash<std::string>()(page.blocks.empty() ? "" : page.blocks[0]);
+  for (const auto& [tag, pages] : page.below) {
+    *out << "; below " << tag << ": ";
+    for (const RawPage& below : pages) PrintTo(below, out);
+  }
 }
 
 uint64_t SubfileType(const RawPage& page) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <ostream>
 #include <span>
 #include <string>
 #include <vector>
@@ -34,6 +35,9 @@ struct RawDocument {
   /// Directories of the chain, smaller copies and masks among them.
   std::vector<RawPage> chain;
 };
+
+/// Names what differs, for messages.
+void PrintTo(const RawPage& page, std::ostream* out);
 
 /// Throws std::runtime_error for a file that it cannot follow.
 RawDocument ReadRawPages(std::span<const uint8_t> bytes);
