@@ -204,6 +204,23 @@ TEST_F(CliPages, AllPages_Should_BeKept_When_AFileIsConverted) {
   EXPECT_EQ(ReadRawPages(In("out.tif")).chain, ReadRawPages(In("in.tif")).chain);
 }
 
+TEST_F(CliPages, Metadata_Should_BeGoneFromAllPages_When_TheyAreStripped) {
+  const ToolResult result = RunTool({"convert", In("in.tif"), In("out.tif"), "--strip"});
+  EXPECT_EQ(result.code, 0) << result.err;
+  const auto before = PagesOf(ReadRawPages(In("in.tif"))),
+             after = PagesOf(ReadRawPages(In("out.tif")));
+  ASSERT_EQ(after.size(), 5U);
+  constexpr uint16_t kDescription = 270, kArtist = 315, kExif = 34665;
+  EXPECT_TRUE(before[0][0].tags.contains(kDescription) && before[4][0].tags.contains(kArtist));
+  for (size_t i = 0; i < 5; ++i) {
+    EXPECT_EQ(after[i][0].blocks, before[i][0].blocks);
+    EXPECT_FALSE(after[i][0].tags.contains(kDescription));
+    EXPECT_FALSE(after[i][0].tags.contains(kArtist));
+    EXPECT_FALSE(after[i][0].below.contains(kExif));
+  }
+  EXPECT_EQ(TextOf(In("out.tif")).find("an artist"), std::string::npos);
+}
+
 TEST_F(CliPages, Memory_Should_StaySmall_When_ThereAreManyPages) {
   if (IsSanitized()) GTEST_SKIP() << "the sanitizers' own memory counts as well";
   constexpr int kPages = 500, kSide = 1500;
