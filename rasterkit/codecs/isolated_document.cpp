@@ -14,7 +14,7 @@ namespace rasterkit::detail {
 namespace {
 
 /// More than a file can have directories that are read.
-constexpr size_t kMostPages = 1000000, kLeastOrderBytes = 14, kLeastWrittenBytes = 4;
+constexpr size_t kMostPages = 1000000, kLeastOrderBytes = 18, kLeastWrittenBytes = 4;
 
 void WriteOrder(FieldWriter& fields, const DocumentOrder& order) {
   fields.Bool(order.isBigTiff);
@@ -26,6 +26,7 @@ void WriteOrder(FieldWriter& fields, const DocumentOrder& order) {
                     [&](const PictureWriting& writing) { WriteWriting(fields, writing); });
     fields.I32(page.newPage);
     fields.I32(page.count);
+    fields.I32(page.oldPage);
   });
   fields.Bytes(order.newPages);
 }
@@ -42,15 +43,17 @@ DocumentOrder ReadOrder(FieldReader& fields, std::span<const uint8_t>& newPages)
     page.writing = fields.Optional([&] { return ReadWriting(fields); });
     page.newPage = fields.I32In(1, std::numeric_limits<int>::max());
     page.count = fields.I32In(1, std::numeric_limits<int>::max());
+    page.oldPage = fields.I32In(0, std::numeric_limits<int>::max());
     return page;
   });
   newPages = fields.Bytes(std::numeric_limits<size_t>::max());
   return order;
 }
 
-WrittenPicture CopyOne(TiffDocumentWriter& writer, const TiffDocumentReader& from,
-                       const PageOrder& page) {
-  if (!page.isNew) NumberMovedPage(from, {page.page, page.newPage, page.count}, writer);
+WrittenPicture CopyOne(TiffDocumentWriter& writer, const TiffDocumentReader& source,
+                       const TiffDocumentReader& from, const PageOrder& page) {
+  const int oldPage = page.isNew ? page.oldPage : page.page;
+  if (oldPage > 0) NumberMovedPage(source, {oldPage, page.newPage, page.count}, writer);
   return page.writing ? writer.CopyPage(from, page.page, *page.writing)
                       : writer.CopyPage(from, page.page);
 }
@@ -98,7 +101,7 @@ std::vector<uint8_t> AnswerDocument(FieldReader& task, TStream& source, FieldWri
     for (const PageOrder& page : order.pages) {
       RequireTime();
       if (page.isNew && !added) ThrowBadMessage("new pages are missing");
-      written.push_back(CopyOne(writer, page.isNew ? *added : old, page));
+      written.push_back(CopyOne(writer, old, page.isNew ? *added : old, page));
     }
     writer.Finish();
   } catch (...) {

@@ -24,6 +24,8 @@ struct PageOrder {
   std::optional<PictureWriting> writing;
   /// The place among `count` pages of the finished file, counted from 1.
   int newPage = 1, count = 1;
+  /// The page of the source that a new page comes from, counted from 1; 0 for none.
+  int oldPage = 0;
 };
 
 struct DocumentOrder {

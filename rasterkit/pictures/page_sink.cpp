@@ -2,6 +2,8 @@
 #include <optional>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/pictures/page_sink.h>
@@ -52,7 +54,11 @@ class DirectSink : public PageSink {
     }
   }
   void CopyAsStored(const PictureSource& source, int page) override {
-    Keep(Guarded(source, [&] { return writer_.CopyPage(FileOf(source), page); }));
+    try {
+      Keep(Guarded(source, [&] { return writer_.CopyPage(FileOf(source), page); }));
+    } catch (const FormatError& error) {
+      throw FormatError(fmt::format("page {}: {}", page, error.Reason()), source.File());
+    }
   }
   std::vector<WrittenPicture> Finish() override {
     writer_.Finish();
@@ -108,6 +114,8 @@ class ApartSink : public PageSink {
   }
   void Place(const PictureSource& source, int page, const PagePlace& place) override {
     place_ = place;
+    origin_ = source.IsApart() && source.Type() == PictureType::tiff ? &source : nullptr;
+    oldPage_ = page;
     if (!source.IsApart()) near_.Place(source, page, place);
   }
   void CopyAsStored(const PictureSource& source, int page) override {
@@ -140,21 +148,27 @@ class ApartSink : public PageSink {
     int page = 1;
     std::optional<PictureWriting> writing = {};
     PagePlace place = {};
+    /// The page that a new one comes from.
+    const PictureSource* origin = nullptr;
+    int oldPage = 0;
   };
 
   WrittenPicture Near(WrittenPicture written) {
-    places_.emplace_back();
+    places_.push_back({nullptr, 1, std::nullopt, place_, origin_, oldPage_});
     hasNear_ = true;
     return written;
   }
   void Far(const PictureSource& source, int page, std::optional<PictureWriting> writing) {
-    places_.push_back({&source, page, std::move(writing), place_});
+    places_.push_back({&source, page, std::move(writing), place_, nullptr, 0});
   }
 
+  /// A file whose pages are not there yet, or whose new pages have no numbers yet.
   const PictureSource* NextFile() const {
-    const auto next = std::find_if(places_.begin(), places_.end(),
-                                   [](const Ordered& place) { return place.file != nullptr; });
-    return next == places_.end() ? nullptr : next->file;
+    for (const Ordered& place : places_) {
+      if (place.file != nullptr) return place.file;
+      if (place.origin != nullptr) return place.origin;
+    }
+    return nullptr;
   }
 
   /// Puts the pages of a file among those that are there.
@@ -166,10 +180,13 @@ class ApartSink : public PageSink {
     for (size_t i = 0; i < places_.size(); ++i) {
       Ordered& place = places_[i];
       if (place.file == nullptr) {
-        order.pages.push_back({true, ++nearPage, std::nullopt, 1, 1});
+        const bool isOfFile = place.origin == &file;
+        order.pages.push_back({true, ++nearPage, std::nullopt, place.place.page, place.place.count,
+                               isOfFile ? place.oldPage : 0});
+        if (isOfFile) place.origin = nullptr;
       } else if (place.file == &file) {
         order.pages.push_back(
-            {false, place.page, std::move(place.writing), place.place.page, place.place.count});
+            {false, place.page, std::move(place.writing), place.place.page, place.place.count, 0});
       } else {
         continue;
       }
@@ -186,7 +203,7 @@ class ApartSink : public PageSink {
     for (size_t i = 0; i < copied.size(); ++i) {
       Ordered& place = places_[copied[i]];
       if (place.file != nullptr) pages[copied[i]] = std::move(document.pages[i]);
-      place = {};
+      place.file = nullptr;
     }
     return std::move(document.bytes);
   }
@@ -198,6 +215,8 @@ class ApartSink : public PageSink {
   bool hasNear_ = false;
   std::vector<Ordered> places_;
   PagePlace place_;
+  const PictureSource* origin_ = nullptr;
+  int oldPage_ = 0;
 };
 
 }  // namespace

@@ -124,7 +124,13 @@ class ReportOfPages {
       }
     }
   }
-  void Add(const Changes& changes) { Join(changes_, changes); }
+  /// What is said of the file, or names its page itself.
+  void Add(const Changes& changes) {
+    auto& losses = changes_.losses;
+    auto& notes = changes_.notes;
+    losses.insert(losses.end(), changes.losses.begin(), changes.losses.end());
+    notes.insert(notes.end(), changes.notes.begin(), changes.notes.end());
+  }
 
   uint64_t Bytes() const { return bytes_; }
 
@@ -170,11 +176,15 @@ PagePart Decoded(const PagePart& part) {
   return {PictureParts::Source(picture), PictureParts::SharedState(picture), 1};
 }
 
-/// What becomes of a page: it stays, or it is written by this plan.
+/// What becomes of a page: it stays, it is written by this plan, or it is lost.
 struct PageWork {
   PagePart part;
   WritePlan plan;
-  bool isOtherOrder = false;
+  /// Why the page of a file cannot stay; empty if it can.
+  std::string reason;
+  bool isLost = false;
+  /// Of a page that stays.
+  uint64_t bytes = 0;
 };
 
 /// Smaller than the usual form of a TIFF file, and as exact: pages of other files come together to
@@ -184,20 +194,39 @@ Form FormOfJoined(const PixelLayout& layout) {
   return FormFor(isBilevel ? TiffCompression::group4 : TiffCompression::deflate, layout);
 }
 
-PageWork WorkOf(const PagePart& part, PageSink& sink, const FileParts& parts,
+/// Why the page of a file cannot stay as it is; empty if it can.
+std::string ReasonAgainst(const PagePart& part, PageSink& sink, SourceFiles& files,
+                          uint64_t& bytes) {
+  try {
+    if (!sink.CanCopy(*part.source, part.page)) return kOtherOrder;
+    bytes = BytesOfOld(part, files);
+    return {};
+  } catch (const FormatError& error) {
+    return "decoded and encoded anew: it is damaged: " + error.Reason();
+  }
+}
+
+PageWork WorkOf(const PagePart& part, PageSink& sink, SourceFiles& files, const FileParts& parts,
                 const SaveOptions& options, bool hasSideFiles) {
-  PageWork work{part, {}, false};
+  PageWork work{part, {}, {}};
   if (!part.state) {
-    if (sink.CanCopy(*part.source, part.page)) return work;
-    work.isOtherOrder = true;
-    work.part = Decoded(part);
+    work.reason = ReasonAgainst(part, sink, files, work.bytes);
+    if (work.reason.empty()) return work;
+    try {
+      work.part = Decoded(part);
+    } catch (const FormatError& error) {
+      work.isLost = true;
+      work.reason = "it is damaged: " + error.Reason();
+      return work;
+    }
   }
   const PictureSource& source = *work.part.source;
   work.plan = PlanOf(source, *work.part.state, parts.type, options, hasSideFiles);
-  if (work.plan.isCopied && (work.isOtherOrder || !sink.CanCopy(source, source.Page()))) {
-    work.plan.isCopied = work.plan.isAsStored = false;
-    work.isOtherOrder = true;
+  if (work.plan.isCopied && work.reason.empty()) {
+    uint64_t unused = 0;
+    work.reason = ReasonAgainst({part.source, nullptr, source.Page()}, sink, files, unused);
   }
+  if (!work.reason.empty()) work.plan.isCopied = work.plan.isAsStored = false;
   const bool isFree = source.Type() != PictureType::tiff && !options.compression;
   if (isFree) work.plan.form = FormOfJoined(work.part.state->layout);
   return work;
@@ -213,63 +242,102 @@ Report WithSeekable(TStream& target, const Writing& write) {
   return report;
 }
 
-Report WriteDocument(TStream& target, const FileParts& parts, const SaveOptions& options,
-                     bool hasSideFiles, RunScope& run) {
-  ReportOfPages report(parts);
-  Changes ofFile;
-  SourceFiles files;
-  const uint64_t start = target.Position();
-  const std::unique_ptr<PageSink> sink =
-      NewPageSink(target, KindOf(parts, files, ofFile), files, IsApart(parts));
-  const auto count = static_cast<double>(parts.pages.size());
-  for (size_t i = 0; i < parts.pages.size(); ++i) {
-    RequireTime();
-    const PageWork work = WorkOf(parts.pages[i], *sink, parts, options, hasSideFiles);
-    const auto index = static_cast<double>(i);
-    const PagePart& old = parts.pages[i];
-    sink->Place(*old.source, old.page, {static_cast<int>(i) + 1, static_cast<int>(count)});
-    if (!work.part.state) {
-      run.Begin((index + 1) / count, 1);
-      sink->CopyAsStored(*work.part.source, work.part.page);
-      report.Stay(work.part, i);
-      continue;
-    }
-    const uint64_t before = target.Position();
-    Report page = WriteOne(*sink, *work.part.source, *work.part.state, work.plan, options, run,
-                           {index / count, (index + 1) / count});
-    if (work.isOtherOrder) page.notes.emplace_back(kOtherOrder);
-    page.memory = MemoryOf(*work.part.source, *work.part.state, target.Position() - before);
-    report.Add(i, page);
-  }
-  const std::vector<WrittenPicture> written = sink->Finish();
-  for (size_t i = 0; i < written.size(); ++i) report.Add(i, written[i].changes);
-  report.Add(ofFile);
-  return report.Finish(target.Position() - start);
-}
+/// Writes the pages one after another, or foresees it.
+class DocumentWork {
+ public:
+  DocumentWork(TStream& target, const FileParts& parts, const SaveOptions& options,
+               bool hasSideFiles)
+      : target_(target),
+        parts_(parts),
+        options_(options),
+        hasSideFiles_(hasSideFiles),
+        report_(parts),
+        sink_(NewPageSink(target, KindOf(parts, files_, ofFile_), files_, IsApart(parts))) {}
 
-Report ForeseeDocument(const FileParts& parts, const SaveOptions& options, bool hasSideFiles) {
-  ReportOfPages report(parts);
-  Changes ofFile;
-  SourceFiles files;
-  TMemoryStream unused;
-  const std::unique_ptr<PageSink> sink =
-      NewPageSink(unused, KindOf(parts, files, ofFile), files, IsApart(parts));
-  uint64_t bytes = 0;
-  for (size_t i = 0; i < parts.pages.size(); ++i) {
-    RequireTime();
-    const PageWork work = WorkOf(parts.pages[i], *sink, parts, options, hasSideFiles);
-    if (!work.part.state) {
-      bytes += BytesOfOld(work.part, files);
-      report.Stay(work.part, i);
-      continue;
+  Report Write(RunScope& run) {
+    const uint64_t start = target_.Position();
+    for (size_t i = 0; i < parts_.pages.size(); ++i) {
+      RequireTime();
+      WritePage(i, run);
     }
-    Report page = Foresee(*work.part.source, *work.part.state, work.plan, options);
-    if (work.isOtherOrder) page.notes.emplace_back(kOtherOrder);
-    report.Add(i, page);
+    const std::vector<WrittenPicture> written = sink_->Finish();
+    for (size_t i = 0; i < written.size(); ++i) report_.Add(written_.at(i), written[i].changes);
+    report_.Add(ofFile_);
+    return report_.Finish(target_.Position() - start);
   }
-  report.Add(ofFile);
-  return report.Finish(bytes + report.Bytes());
-}
+
+  Report Foresee() {
+    uint64_t bytes = 0;
+    for (size_t i = 0; i < parts_.pages.size(); ++i) {
+      RequireTime();
+      const PageWork work = WorkOf(i);
+      if (work.isLost) {
+        Lose(i, work.reason);
+      } else if (!work.part.state) {
+        bytes += work.bytes;
+        report_.Stay(work.part, i);
+      } else {
+        Report page = detail::Foresee(*work.part.source, *work.part.state, work.plan, options_);
+        if (!work.reason.empty()) page.notes.push_back(work.reason);
+        report_.Add(i, page);
+      }
+    }
+    report_.Add(ofFile_);
+    return report_.Finish(bytes + report_.Bytes());
+  }
+
+ private:
+  PageWork WorkOf(size_t index) {
+    return detail::WorkOf(parts_.pages[index], *sink_, files_, parts_, options_, hasSideFiles_);
+  }
+
+  void WritePage(size_t index, RunScope& run) {
+    const auto count = static_cast<double>(parts_.pages.size());
+    const auto place = static_cast<double>(index);
+    const PageWork work = WorkOf(index);
+    const PagePart& old = parts_.pages[index];
+    if (work.isLost) return Lose(index, work.reason);
+    sink_->Place(*old.source, old.page,
+                 {static_cast<int>(index) + 1, static_cast<int>(parts_.pages.size())});
+    if (!work.part.state) {
+      run.Begin((place + 1) / count, 1);
+      sink_->CopyAsStored(*work.part.source, work.part.page);
+      report_.Stay(work.part, index);
+      written_.push_back(index);
+      return;
+    }
+    const uint64_t before = target_.Position();
+    try {
+      Report page = WriteOne(*sink_, *work.part.source, *work.part.state, work.plan, options_, run,
+                             {place / count, (place + 1) / count});
+      if (!work.reason.empty()) page.notes.push_back(work.reason);
+      page.memory = MemoryOf(*work.part.source, *work.part.state, target_.Position() - before);
+      report_.Add(index, page);
+      written_.push_back(index);
+    } catch (const FormatError& error) {
+      // A page that was to stay and has no pixels that can be read.
+      if (old.state || target_.Position() != before) throw;
+      Lose(index, "it is damaged: " + error.Reason());
+    }
+  }
+
+  void Lose(size_t index, const std::string& reason) {
+    Changes changes;
+    changes.Lose(LossKind::pages, fmt::format("page {}", parts_.pages[index].page), reason);
+    report_.Add(changes);
+  }
+
+  TStream& target_;
+  const FileParts& parts_;
+  const SaveOptions& options_;
+  const bool hasSideFiles_;
+  ReportOfPages report_;
+  Changes ofFile_;
+  SourceFiles files_;
+  const std::unique_ptr<PageSink> sink_;
+  /// Places of the pages that the sink has.
+  std::vector<size_t> written_;
+};
 
 }  // namespace
 
@@ -292,7 +360,10 @@ FileParts PartsOf(const Picture& picture, PictureType type, const SaveOptions& o
 }
 
 Report ForeseeParts(const FileParts& parts, const SaveOptions& options, bool hasSideFiles) {
-  if (parts.isDocument) return ForeseeDocument(parts, options, hasSideFiles);
+  if (parts.isDocument) {
+    TMemoryStream unused;
+    return DocumentWork(unused, parts, options, hasSideFiles).Foresee();
+  }
   const PagePart& page = parts.pages.front();
   const auto [state, plan] =
       TargetPlanOf(*page.source, *page.state, parts.type, options, hasSideFiles);
@@ -308,7 +379,7 @@ Report WriteParts(TStream& target, const FileParts& parts, const SaveOptions& op
     return WriteTo(target, *page.source, state, plan, options, run);
   }
   Report report = WithSeekable(target, [&](TStream& seekable) {
-    return WriteDocument(seekable, parts, options, hasSideFiles, run);
+    return DocumentWork(seekable, parts, options, hasSideFiles).Write(run);
   });
   run.Finish();
   // The last moment to cancel: the file has no name yet.

@@ -254,9 +254,11 @@ void AddCompression(Verb& verb, PictureOptions& options) {
 }
 
 void AddPages(Verb& verb, PictureOptions& options) {
-  verb.Text("--page", "LIST", options.pages, CheckPages,
-            "pages of a TIFF file that are changed, counted from 1: 3, or 1-3,7 or 5-, or last, or "
-            "all; a TIFF output keeps the other pages as they are [1]");
+  verb.Text(
+      "--page", "LIST", options.pages, CheckPages,
+      "pages of a TIFF file that are changed, counted from 1: 3, or 1-3,7 or 5-, or last, or "
+      "all; a TIFF output keeps the other pages as they are, but --strip and --strip-gps reach all "
+      "[1]");
 }
 
 void AddMetafileSize(Verb& verb, PictureOptions& options) {

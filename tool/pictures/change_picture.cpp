@@ -96,7 +96,7 @@ void AddFirstSteps(PictureWork& work) {
 /// The steps that every verb has last.
 void AddLastSteps(PictureWork& work) {
   const MetadataEdit& edit = work.options.edit;
-  if (edit.stripAll || edit.stripGps || edit.stripThumbnail) work.picture.Edit(edit);
+  if (!edit.IsEmpty()) work.picture.Edit(edit);
   const int bits = work.options.bits;
   if (bits == 0) return;
   constexpr int kWithAlpha = 32;
@@ -241,7 +241,9 @@ JobResult Save(const PictureWork& work) {
 
 /// The pages to be changed. Throws Failure if one does not exist.
 std::vector<int> PagesOf(const Job& job, const PictureOptions& options, int count) {
-  const std::vector<int> pages = PageList::Parse(options.pages).value().Of(count);
+  std::vector<int> pages = PageList::Parse(options.pages).value().Of(count);
+  std::sort(pages.begin(), pages.end());
+  pages.erase(std::unique(pages.begin(), pages.end()), pages.end());
   for (const int page : pages) {
     if (page <= count) continue;
     throw Failure(exitOutputNotWritten,
@@ -270,6 +272,17 @@ void Append(std::vector<Item>& all, const std::vector<Item>& more) {
   all.insert(all.end(), more.begin(), more.end());
 }
 
+/// What is to be gone must not be left on another page.
+void StripOthers(Document& document, const std::vector<int>& changed, const Job& job,
+                 const PictureOptions& options) {
+  DoWork(job, [&] {
+    for (int page = 1; page <= document.Pages(); ++page) {
+      if (std::find(changed.begin(), changed.end(), page) != changed.end()) continue;
+      document.Replace(page, OpenPage(document, page, job.input).Edit(options.edit));
+    }
+  });
+}
+
 JobResult ChangePages(Document document, const std::vector<int>& pages, const Job& job,
                       const PictureOptions& options, bool isDryRun, const PictureChange& change) {
   JobResult said;
@@ -286,6 +299,7 @@ JobResult ChangePages(Document document, const std::vector<int>& pages, const Jo
       }
     }
   });
+  if (Strips(options.edit)) StripOthers(document, pages, job, options);
   JobResult result = SaveDocument(document, job, options, isDryRun);
   Append(result.notes, said.notes);
   Append(result.warnings, said.warnings);
@@ -416,13 +430,16 @@ JobResult SaveDocument(const Document& document, const Job& job, const PictureOp
 JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDryRun,
                         const PictureChange& change) {
   if (IsMetafileName(job.output)) return ConvertMetafile(job, options, isDryRun);
+  const bool isTiff = job.type.value_or(WritableType(job.output)) == PictureType::tiff;
   std::optional<Picture> picture;
-  if (PageList::Parse(options.pages).value().IsFirstPage()) {
+  if (PageList::Parse(options.pages).value().IsFirstPage() &&
+      !(isTiff && !options.edit.IsEmpty())) {
     picture = OpenPicture(job.input, options);
   } else {
     const Document document = OpenDocument(job.input, options);
     const std::vector<int> pages = PagesOf(job, options, document.Pages());
-    if (pages.size() > 1 && job.type.value_or(WritableType(job.output)) == PictureType::tiff) {
+    const bool isSeveral = pages.size() > 1 || !options.edit.IsEmpty();
+    if (isTiff && isSeveral && document.Pages() > 1) {
       return ChangePages(document, pages, job, options, isDryRun, change);
     }
     if (pages.size() > 1) {
