@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include <rasterkit/bands/filter.h>
 #include <rasterkit/placement/affine.h>
 #include <rasterkit/raster/pixels.h>
 
@@ -23,7 +24,12 @@ enum class CombineMode {
   /// Only where the picture below is near white.
   intoWhite,
   /// Light parts become darker and dark parts lighter under the dark parts of it.
-  watermark
+  watermark,
+  /// Grids: its numbers, except those that mean "not measured", where the picture below shows
+  /// through. Numbers stay numbers; see GridCombination.
+  grid,
+  /// `grid` where both pictures are grids that are placed on a map, else `key`.
+  automatic
 };
 
 /// What is combined with a picture.
@@ -38,6 +44,18 @@ struct Combination {
   /// From pixel indexes of the picture to those of `over`; pixels outside `over` stay as they are.
   /// Nothing: `over` is stretched over the whole picture.
   std::optional<Affine> toOver;
+};
+
+/// A grid that is laid over another one by the map. Both are gray without alpha and have as many
+/// bands. NaN of the upper one means "not measured" too.
+struct GridCombination {
+  std::shared_ptr<const Samples> over;
+  /// From pixel indexes of the lower grid to those of `over`.
+  Affine toOver;
+  /// `linear` interpolates numbers that lie between; others take the nearest.
+  Filter filter = Filter::automatic;
+  /// The numbers that mean "not measured" in the lower and in the upper grid.
+  std::optional<double> noData, overNoData;
 };
 
 }  // namespace rasterkit

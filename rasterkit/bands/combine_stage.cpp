@@ -203,6 +203,9 @@ class CombineRows : public Stage {
 
 std::unique_ptr<Stage> CombineStage(Sides source, const Combination& combination) {
   if (!combination.over) throw RangeError("there is no picture to combine with");
+  if (combination.mode == CombineMode::grid) {
+    throw RangeError("numbers are combined as grids (see GridStage)");
+  }
   if (combination.percent < 0 || combination.percent > 100) {
     throw RangeError("the percentage is 0 to 100, not " + std::to_string(combination.percent));
   }

@@ -97,24 +97,37 @@ uint32_t PrepareAutomatic(Raster& raster) {
   return FilledPixel(raster, color);
 }
 
+bool HoldsNoData(const Resampling& how, NumberType type) {
+  return how.noData && WithNumberType(type, [&](auto zero) {
+           return MissingNumber<decltype(zero)>(how.noData).Exists();
+         });
+}
+
+[[noreturn]] void RefuseNoData() {
+  throw RangeError(
+      "the number for missing data does not fit into the pixels: it cannot fill corners");
+}
+
 /// The number for missing data. Throws if there is none, or none that the type holds.
 double RequireNoData(const Resampling& how, NumberType type) {
   if (!how.noData) {
     throw RangeError("the picture states no number for missing data to fill corners with");
   }
-  const bool fits = WithNumberType(
-      type, [&](auto zero) { return MissingNumber<decltype(zero)>(how.noData).Exists(); });
-  if (!fits) {
-    throw RangeError(
-        "the number for missing data does not fit into the pixels: it cannot fill "
-        "corners");
-  }
+  if (!HoldsNoData(how, type)) RefuseNoData();
   return *how.noData;
 }
 
-TColor ColorOfNoData(const Resampling& how) {
-  const auto gray = NumberOf<uint8_t>(RequireNoData(how, NumberType::uint8));
-  return RGB(gray, gray, gray);
+bool HoldsNoData(const Resampling& how, const Raster& raster) {
+  const int bits = IsIndexed(raster.Format()) ? StoredBitsPerPixel(raster.Format()) : 8;
+  return HoldsNoData(how, NumberType::uint8) && *how.noData < (1 << bits);
+}
+
+/// In a palette the number is an index.
+uint32_t PixelOfNoData(const Raster& raster, const Resampling& how) {
+  const auto number = NumberOf<uint8_t>(RequireNoData(how, NumberType::uint8));
+  if (!HoldsNoData(how, raster)) RefuseNoData();
+  if (IsIndexed(raster.Format())) return number;
+  return FilledPixel(raster, RGB(number, number, number));
 }
 
 /// The color as shares of full scale, by model; for L*a*b* in its usual units.
@@ -231,8 +244,10 @@ bool HasAlphaBand(const PixelLayout& layout) {
 }
 
 Fill::Kind KindFor(const PixelLayout& layout, const Resampling& how) {
-  if (how.fill.kind != Fill::Kind::automatic) return how.fill.kind;
-  if (how.noData) return Fill::Kind::noData;
+  const bool isUsual = how.fill.kind == Fill::Kind::usual;
+  if (!isUsual && how.fill.kind != Fill::Kind::automatic) return how.fill.kind;
+  if (HoldsNoData(how, layout.type)) return Fill::Kind::noData;
+  if (isUsual) return Fill::Kind::color;
   return HasAlphaBand(layout) ? Fill::Kind::transparent : Fill::Kind::color;
 }
 
@@ -243,7 +258,11 @@ uint32_t PrepareFill(Raster& raster, const Resampling& how) {
     case Fill::Kind::transparent:
       return PrepareTransparent(raster);
     case Fill::Kind::noData:
-      return FilledPixel(raster, ColorOfNoData(how));
+      return PixelOfNoData(raster, how);
+    case Fill::Kind::usual:
+      return HoldsNoData(how, raster) && !HasAlphaChannel(raster)
+                 ? PixelOfNoData(raster, how)
+                 : FilledPixel(raster, how.fill.color);
     case Fill::Kind::automatic:
       return PrepareAutomatic(raster);
     default:

@@ -25,7 +25,9 @@ struct Fill {
     /// Samples: "not measured" if the picture has such a number, alpha 0 if it has alpha, else the
     /// color. Rasters: alpha 0, or the color that is marked as transparent; if there is none,
     /// near-white is marked (see RotateBitmap).
-    automatic
+    automatic,
+    /// "Not measured" if the picture has such a number that its pixels hold, else the color.
+    usual
   };
   Kind kind = Kind::color;
   TColor color = clWhite;

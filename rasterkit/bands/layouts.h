@@ -35,4 +35,9 @@ RASTERKIT_EXPORT PixelLayout LayoutAfterRotate(const PixelLayout& layout, bool i
 RASTERKIT_EXPORT PixelLayout LayoutAfterCombine(const PixelLayout& layout, CombineMode mode,
                                                 Changes* losses = nullptr);
 
+/// The lower grid's layout after another grid was laid over it. Throws UnsupportedError as
+/// GridStage does.
+RASTERKIT_EXPORT PixelLayout LayoutAfterGrid(const PixelLayout& layout, const PixelLayout& over,
+                                             Filter filter);
+
 }  // namespace rasterkit

@@ -60,7 +60,8 @@ class ResizeRows : public Stage {
     auto* raster = std::get_if<Raster>(&source);
     const AveragedForm form =
         detail::FormForResize(LayoutOf(source), raster != nullptr, source_, target_, filter_);
-    const bool hasNumbers = raster == nullptr || raster->Format() == pf8bit;
+    const bool hasNumbers =
+        raster == nullptr || (raster->Format() == pf8bit && form == AveragedForm::gray);
     if (raster != nullptr) detail::BringToForm(*raster, form);
     Pixels target = EmptyTarget(source);
     if (form == AveragedForm::none) {

@@ -121,8 +121,16 @@ void Interpolate(const TurnTask& task, Pixels& source, Pixels& target,
   });
 }
 
-/// A marked color would be mixed with others.
-Resampling FillFor(Resampling how, AveragedForm form) {
+/// A marked color would be mixed with others. An index that means "not measured" becomes the color
+/// of its entry, as the indexes of the picture do.
+Resampling FillFor(Resampling how, AveragedForm form, const Raster& raster) {
+  const bool isNoData = how.fill.kind == Fill::Kind::noData || how.fill.kind == Fill::Kind::usual;
+  const bool isIndex = isNoData && form != AveragedForm::none && IsIndexed(raster.Format()) &&
+                       how.noData >= 0 && how.noData < raster.palette.Entries().size();
+  if (isIndex) {
+    const auto index = static_cast<int>(*how.noData);
+    how.fill = {Fill::Kind::color, EntryColor(raster.palette.Entry(index))};
+  }
   if (form != AveragedForm::none && how.fill.kind == Fill::Kind::automatic) {
     how.fill.kind = Fill::Kind::transparent;
   }
@@ -134,11 +142,13 @@ Pixels Resampled(const TurnTask& task, Pixels source, const StageRun& run,
   auto* raster = std::get_if<Raster>(&source);
   const AveragedForm form =
       detail::FormForTurn(LayoutOf(source), raster != nullptr, task.how.filter);
-  const bool hasNumbers = raster == nullptr || raster->Format() == pf8bit;
+  const bool hasNumbers =
+      raster == nullptr || (raster->Format() == pf8bit && form == AveragedForm::gray);
   std::vector<uint8_t> fill;
   if (raster != nullptr) {
+    const Resampling how = FillFor(task.how, form, *raster);
     detail::BringToForm(*raster, form);
-    const uint32_t pixel = detail::PrepareFill(*raster, FillFor(task.how, form));
+    const uint32_t pixel = detail::PrepareFill(*raster, how);
     fill = BytesOfPixel(pixel, StoredBitsPerPixel(raster->Format()));
   } else {
     fill = detail::PrepareFill(std::get<Samples>(source), task.how);

@@ -87,4 +87,11 @@ RASTERKIT_EXPORT std::unique_ptr<Stage> ChangeStage(Sides source, const ColorCha
 /// picture are painted white first, but for a watermark, which keeps them.
 RASTERKIT_EXPORT std::unique_ptr<Stage> CombineStage(Sides source, const Combination& combination);
 
+/// Lays a grid over another one. The result has the frame of the lower grid, and its type, or the
+/// narrowest type that holds the numbers of both exactly. A pixel shows the upper grid where its
+/// center lies in it and the number there was measured. Numbers of the upper grid that mean "not
+/// measured" in the lower one become a loss. Throws UnsupportedError for grids that cannot be
+/// combined: other bands, no common type, linear filters for 64-bit numbers.
+RASTERKIT_EXPORT std::unique_ptr<Stage> GridStage(Sides source, const GridCombination& combination);
+
 }  // namespace rasterkit

@@ -44,6 +44,26 @@ StepEffect EffectOf(const Affine& toOld, Sides from, Sides to) {
           isUnitMove && int64_t{from.width} * from.height == int64_t{to.width} * to.height};
 }
 
+/// True for numbers of one meaning: gray without alpha that has more than 8 bits or a number for
+/// missing data. Bytes whose lowest number is white are turned round by the decoder.
+bool IsGrid(const PictureState& state, const PictureSource& source) {
+  const PixelLayout& layout = state.layout;
+  const bool isGray =
+      layout.model == ColorModel::gray || layout.model == ColorModel::grayWhiteIsZero;
+  if (!isGray || layout.alpha != AlphaKind::none) return false;
+  if (!state.isRaster)
+    return layout.type != NumberType::uint8 || layout.bits > 8 || NoDataOf(source);
+  constexpr int kByte = 8;
+  return layout.bits == kByte && NoDataOf(source) &&
+         source.Header().layout.model != ColorModel::grayWhiteIsZero;
+}
+
+/// The layout of the same pixels as samples, without a palette.
+PixelLayout NumbersOf(PixelLayout layout) {
+  if (layout.model == ColorModel::gray) layout.palette = {};
+  return layout;
+}
+
 void RequireStretch(const NumberStretch& stretch) {
   constexpr double kMostPercent = 50;
   if (stretch.kind == NumberStretch::Kind::percent &&
@@ -161,9 +181,12 @@ class StepAdder {
     mine.affine = PositionOf(state_, source_);
     const std::optional<Affine> toOver =
         Alignment(mine, other.placement, step.options.align, state_.changes);
+    CombineOptions options = step.options;
+    if (IsOfGrids(options, *step.other, toOver)) return CombineGrids(step, toOver);
+    if (options.mode == CombineMode::automatic) options.mode = CombineMode::key;
     MakeVisible();
-    SetLayout(LayoutAfterCombine(state_.layout, step.options.mode, &state_.changes));
-    AddStage(PictureOverStage(Now(), step.other, step.options, toOver));
+    SetLayout(LayoutAfterCombine(state_.layout, options.mode, &state_.changes));
+    AddStage(PictureOverStage(Now(), step.other, options, toOver));
   }
 
   void operator()(const PixelsStep& step) {
@@ -226,6 +249,35 @@ class StepAdder {
     state_.placesChanged = true;
     state_.maskStages.push_back(forMask ? std::move(forMask) : stage);
     AddStage(std::move(stage), effect);
+  }
+
+  /// True if both pictures are taken as numbers.
+  bool IsOfGrids(const CombineOptions& options, const Picture& other,
+                 const std::optional<Affine>& toOver) const {
+    if (options.mode != CombineMode::automatic) return options.mode == CombineMode::grid;
+    return options.percent == 0 && !options.gray && toOver && IsGrid(state_, source_) &&
+           IsGrid(PictureParts::State(other), *PictureParts::Source(other));
+  }
+
+  void CombineGrids(const CombineStep& step, const std::optional<Affine>& toOver) {
+    const PictureState& other = PictureParts::State(*step.other);
+    if (!IsGrid(state_, source_) || !IsGrid(other, *PictureParts::Source(*step.other))) {
+      throw UnsupportedError(
+          "only grids of numbers are combined as grids: gray of more than 8 bits, or with a number "
+          "for missing data");
+    }
+    if (!toOver && !(Sides{other.width, other.height} == Now())) {
+      throw RangeError("grids that no map aligns must have the same size");
+    }
+    const Filter filter = step.options.filter;
+    PixelLayout layout = LayoutAfterGrid(NumbersOf(state_.layout), NumbersOf(other.layout), filter);
+    if (layout.type != state_.layout.type) {
+      state_.changes.Note("the numbers have a wider type, which holds those of both grids");
+    }
+    SetLayout(std::move(layout));
+    state_.isRaster = false;
+    AddStage(
+        GridOverStage(Now(), step.other, NoDataOf(source_), filter, toOver.value_or(Affine())));
   }
 
   void ExchangeAxes() {

@@ -3,6 +3,7 @@
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/pictures/own_stages.h>
+#include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/read_pixels.h>
 
 namespace rasterkit::detail {
@@ -49,6 +50,42 @@ class LayOver : public Stage {
   const std::optional<Affine> toOver_;
 };
 
+Samples NumbersOf(Pixels pixels) {
+  if (const auto* rows = std::get_if<Raster>(&pixels)) return SamplesOf(*rows);
+  return std::get<Samples>(std::move(pixels));
+}
+
+class LayGridOver : public Stage {
+ public:
+  LayGridOver(Sides source, std::shared_ptr<const Picture> other,
+              const std::optional<double>& noData, Filter filter, const Affine& toOver)
+      : source_(source),
+        other_(std::move(other)),
+        noData_(noData),
+        filter_(filter),
+        toOver_(toOver) {}
+
+  RowRange Needs(RowRange target) const override { return target; }
+  Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
+    const PictureSource& over = *PictureParts::Source(*other_);
+    GridCombination combination;
+    combination.over = std::make_shared<const Samples>(NumbersOf(
+        ReadPixels(over, PictureParts::State(*other_), {run.threads, {}}, changes).pixels));
+    combination.toOver = toOver_;
+    combination.filter = filter_;
+    combination.noData = noData_;
+    combination.overNoData = NoDataOf(over);
+    return GridStage(source_, combination)->Make(NumbersOf(std::move(source)), run, changes);
+  }
+
+ private:
+  const Sides source_;
+  const std::shared_ptr<const Picture> other_;
+  const std::optional<double> noData_;
+  const Filter filter_;
+  const Affine toOver_;
+};
+
 class Show : public Stage {
  public:
   explicit Show(std::shared_ptr<const TBitmap> pixels) : pixels_(std::move(pixels)) {}
@@ -66,6 +103,12 @@ class Show : public Stage {
 };
 
 }  // namespace
+
+std::unique_ptr<Stage> GridOverStage(Sides source, std::shared_ptr<const Picture> other,
+                                     const std::optional<double>& noData, Filter filter,
+                                     const Affine& toOver) {
+  return std::make_unique<LayGridOver>(source, std::move(other), noData, filter, toOver);
+}
 
 std::unique_ptr<Stage> ShownStage(std::shared_ptr<const TBitmap> pixels) {
   return std::make_unique<Show>(std::move(pixels));

@@ -19,6 +19,12 @@ std::unique_ptr<Stage> PictureOverStage(Sides source, std::shared_ptr<const Pict
                                         const CombineOptions& options,
                                         const std::optional<Affine>& toOver);
 
+/// Lays a second grid over the first, along `toOver`; its pixels are read when the stage works.
+/// `noData` means "not measured" in the first.
+std::unique_ptr<Stage> GridOverStage(Sides source, std::shared_ptr<const Picture> other,
+                                     const std::optional<double>& noData, Filter filter,
+                                     const Affine& toOver);
+
 /// Gives the pixels of a bitmap instead of those of its source.
 std::unique_ptr<Stage> ShownStage(std::shared_ptr<const TBitmap> pixels);
 

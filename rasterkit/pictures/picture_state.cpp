@@ -178,7 +178,10 @@ std::optional<double> NoDataOf(const PictureSource& source) {
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
+  const PixelLayout& stored = source.Header().layout;
+  // Decoders of rasters turn them round: 0 is black.
+  const bool isTurned = stored.model == ColorModel::grayWhiteIsZero && source.Kind().isRaster;
+  return isTurned ? (1 << stored.bits) - 1 - number : number;
 }
 
 bool IsSameKind(const PixelLayout& a, const PixelLayout& b) {

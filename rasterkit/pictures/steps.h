@@ -30,7 +30,7 @@ struct MirrorStep {
 };
 
 struct RotateOptions {
-  Fill fill;
+  Fill fill = {Fill::Kind::usual, clWhite};
   Filter filter = Filter::automatic;
 };
 /// Degrees counter-clockwise.
@@ -68,12 +68,15 @@ struct ChangeStep {
 
 enum class CombineAlign { automatic, map, none };
 struct CombineOptions {
-  CombineMode mode = CombineMode::key;
+  CombineMode mode = CombineMode::automatic;
   /// 0 to 100.
   int percent = 0;
   bool gray = false;
   /// `automatic`: by the map where both pictures are placed, else stretched over the whole.
   CombineAlign align = CombineAlign::automatic;
+  /// For grids of other pixels than those of the picture below: `linear` interpolates numbers, the
+  /// others take the nearest one.
+  Filter filter = Filter::automatic;
 };
 struct CombineStep {
   std::shared_ptr<const Picture> other;

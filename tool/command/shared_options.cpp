@@ -130,7 +130,7 @@ void AddCorners(Verb& verb, PictureOptions& options) {
   verb.Text("--fill", "COLOR|WORD", options.fill, CheckFill,
             "what stands in uncovered corners: a color, transparent, nodata (the number that means "
             "no data), edge (the nearest pixel), or auto (what the picture can hold) [the color of "
-            "--background]")
+            "--background if given, else nodata if the picture states such a number, else white]")
       .In(kPicture);
   AddFilter(verb, options, "nearest or linear [nearest]", {"nearest", "linear", "area"});
   // Command lines from before --fill have --background auto.

@@ -330,8 +330,11 @@ TColor PictureWork::Background() const {
 }
 
 RotateOptions PictureWork::Corners() const {
-  const std::string& fill = options.fill.empty() ? options.background : options.fill;
-  return {ParseFill(fill).value_or(Fill()), FilterOf(options.filter)};
+  const std::string& text = options.fill.empty() ? options.background : options.fill;
+  Fill fill = ParseFill(text).value_or(Fill());
+  const bool isChosen = !options.fill.empty() || options.background != PictureOptions().background;
+  if (!isChosen) fill.kind = Fill::Kind::usual;
+  return {fill, FilterOf(options.filter)};
 }
 
 void PictureWork::PaintTransparent(const std::string& reason) {

@@ -10,9 +10,12 @@ namespace {
 
 void Look(const GridFile& file, GridAnswer& answer) {
   if (!answer.pixel || !file.grid->Holds(answer.pixel->x, answer.pixel->y)) return;
-  answer.value =
-      file.grid->At(static_cast<int>(answer.pixel->x), static_cast<int>(answer.pixel->y));
-  answer.isNoData = file.noData.Is(*answer.value);
+  const int column = static_cast<int>(answer.pixel->x), row = static_cast<int>(answer.pixel->y);
+  for (int band = 0; band < file.grid->Bands(); ++band) {
+    answer.values.push_back(file.grid->NumberAt(column, row, band));
+  }
+  answer.isNoData =
+      std::visit([&](auto number) { return file.noData.Is(number); }, answer.values.front());
 }
 
 GridAnswer AtPixel(const GridFile& file, MapPoint pixel) {
@@ -54,8 +57,10 @@ GridReport MakeGridReport(const GridQuestions& questions) {
   if (!report.file.grid) return report;
   StopIfInterrupted();
   report.answers = AnswerAll(report.file, questions);
-  report.statistics = Summarize(*report.file.grid, report.file.noData);
-  StopIfInterrupted();
+  for (int band = 0; band < report.file.grid->Bands(); ++band) {
+    report.statistics.push_back(Summarize(*report.file.grid, report.file.noData, band));
+    StopIfInterrupted();
+  }
   return report;
 }
 

@@ -22,16 +22,17 @@ struct GridAnswer {
   std::optional<MapPoint> pixel;
   /// Empty if the grid has no position.
   std::optional<MapPoint> map;
-  /// Empty if the point is outside the grid.
-  std::optional<double> value;
+  /// One for each band; empty if the point is outside the grid.
+  std::vector<GridNumber> values;
+  /// Of the first band.
   bool isNoData = false;
 };
 
 /// Everything that is reported about a grid.
 struct GridReport {
   GridFile file;
-  /// Unused if `file` has no grid.
-  GridStatistics statistics;
+  /// One for each band; empty if `file` has no grid.
+  std::vector<GridStatistics> statistics;
   std::vector<GridAnswer> answers;
 };
 

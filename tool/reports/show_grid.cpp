@@ -19,8 +19,10 @@ namespace {
 // ---- JSON -------------------------------------------------------------------------------------
 
 /// JSON has no infinity and no NaN: they become text.
-Json NumberJson(double value) {
-  return std::isfinite(value) ? Json(value) : Json(fmt::format("{}", value));
+Json NumberJson(const GridNumber& number) {
+  const auto* const value = std::get_if<double>(&number);
+  if (value != nullptr && !std::isfinite(*value)) return fmt::format("{}", *value);
+  return std::visit([](auto exact) { return Json(exact); }, number);
 }
 
 /// Columns and rows are integers, but those of a far map point may not fit into one.
@@ -40,31 +42,49 @@ Json MapJson(const std::optional<MapPoint>& point) {
 Json AnswersJson(const std::vector<GridAnswer>& answers) {
   JsonList list;
   for (const GridAnswer& answer : answers) {
-    list.Add(JsonObject()
-                 .Add("pixel", PixelJson(answer.pixel))
-                 .Add("map", MapJson(answer.map))
-                 .Add("value", answer.value ? NumberJson(*answer.value) : Json())
-                 .Add("nodata", answer.isNoData));
+    JsonObject item;
+    item.Add("pixel", PixelJson(answer.pixel))
+        .Add("map", MapJson(answer.map))
+        .Add("value", answer.values.empty() ? Json() : NumberJson(answer.values.front()))
+        .Add("nodata", answer.isNoData);
+    if (answer.values.size() > 1) {
+      JsonList values;
+      for (const GridNumber& value : answer.values) values.Add(NumberJson(value));
+      item.Add("values", values);
+    }
+    list.Add(item);
   }
   return list;
 }
 
-JsonObject GridJson(const GridReport& report) {
-  const GridStatistics& statistics = report.statistics;
+JsonObject StatisticsJson(const GridStatistics& statistics) {
   const bool hasValues = statistics.values > 0;
+  JsonObject object;
+  object.Add("minimum", hasValues ? NumberJson(statistics.least) : Json());
+  object.Add("maximum", hasValues ? NumberJson(statistics.greatest) : Json());
+  object.Add("mean", hasValues ? Json(statistics.mean) : Json());
+  object.Add("values", statistics.values);
+  object.Add("nodata_values", statistics.noData);
+  object.Add("not_finite_values", statistics.notFinite);
+  return object;
+}
+
+Json BandsJson(const GridReport& report) {
+  JsonList list;
+  for (const GridStatistics& statistics : report.statistics) list.Add(StatisticsJson(statistics));
+  return list;
+}
+
+JsonObject GridJson(const GridReport& report) {
   JsonObject line;
   line.Add("grid", GridTypeName(report.file.grid->Type()));
   line.Add("width", report.file.grid->Width());
   line.Add("height", report.file.grid->Height());
   line.Add("samples", report.file.facts.samples);
   line.Add("pages", report.file.facts.pages);
-  line.Add("minimum", hasValues ? Json(statistics.minimum) : Json());
-  line.Add("maximum", hasValues ? Json(statistics.maximum) : Json());
-  line.Add("mean", hasValues ? Json(statistics.mean) : Json());
-  line.Add("values", statistics.values);
+  line.Add(StatisticsJson(report.statistics.front()));
+  if (report.statistics.size() > 1) line.Add("bands", BandsJson(report));
   line.Add("nodata", TextOrNull(report.file.facts.noData));
-  line.Add("nodata_values", statistics.noData);
-  line.Add("not_finite_values", statistics.notFinite);
   line.Add("geo", GeoJson(report.file.positions));
   line.Add("at", AnswersJson(report.answers));
   line.Add("warnings", report.file.warnings);
@@ -84,28 +104,32 @@ void PrintJson(const std::string& file, const std::string& error, const JsonObje
 // ---- text -------------------------------------------------------------------------------------
 
 /// The shortest text that identifies the value among those of its type.
-std::string ValueText(const Grid& grid, double value) {
-  return grid.Type() == GridType::float32 ? fmt::format("{}", static_cast<float>(value))
-                                          : fmt::format("{}", value);
+std::string ValueText(const Grid& grid, const GridNumber& number) {
+  if (grid.Type() == GridType::float32) {
+    return fmt::format("{}", static_cast<float>(std::get<double>(number)));
+  }
+  return std::visit([](auto value) { return fmt::format("{}", value); }, number);
 }
 
 void PrintAnswer(const Grid& grid, const GridAnswer& answer) {
   fmt::print("  at");
   if (answer.pixel) fmt::print(" {},{}", answer.pixel->x, answer.pixel->y);
   if (answer.map) fmt::print(" (map {},{})", answer.map->x, answer.map->y);
-  if (!answer.value) {
+  if (answer.values.empty()) {
     fmt::print(": outside\n");
-  } else {
-    fmt::print(": {}{}\n", ValueText(grid, *answer.value), answer.isNoData ? ", no data" : "");
+    return;
   }
+  for (size_t i = 0; i < answer.values.size(); ++i) {
+    fmt::print("{}{}", i == 0 ? ": " : " | ", ValueText(grid, answer.values[i]));
+  }
+  fmt::print("{}\n", answer.isNoData ? ", no data" : "");
 }
 
-void PrintStatistics(const GridReport& report) {
-  const GridStatistics& statistics = report.statistics;
+void PrintStatistics(const GridReport& report, const GridStatistics& statistics) {
   const Grid& grid = *report.file.grid;
   if (statistics.values > 0) {
-    fmt::print("  minimum {}, maximum {}, mean {:.10g}\n", ValueText(grid, statistics.minimum),
-               ValueText(grid, statistics.maximum), statistics.mean);
+    fmt::print("  minimum {}, maximum {}, mean {:.10g}\n", ValueText(grid, statistics.least),
+               ValueText(grid, statistics.greatest), statistics.mean);
   }
   fmt::print("  {} values", statistics.values);
   if (statistics.noData > 0) fmt::print(", {} without data", statistics.noData);
@@ -120,10 +144,13 @@ void PrintText(const std::string& name, const GridReport& report) {
   const Grid& grid = *report.file.grid;
   fmt::print("{}: grid of {} x {}, {}", OnOneLine(name), grid.Width(), grid.Height(),
              GridTypeName(grid.Type()));
-  if (facts.samples > 1) fmt::print(", first of {} samples", facts.samples);
+  if (grid.Bands() > 1) fmt::print(", {} bands", grid.Bands());
   if (facts.pages > 1) fmt::print(", first of {} pages", facts.pages);
   fmt::print("\n");
-  PrintStatistics(report);
+  for (size_t i = 0; i < report.statistics.size(); ++i) {
+    if (grid.Bands() > 1) fmt::print("  band {}:\n", i + 1);
+    PrintStatistics(report, report.statistics[i]);
+  }
   for (const StatedPosition& position : report.file.positions) {
     fmt::print("  {}\n", PositionText(position));
   }
@@ -156,7 +183,7 @@ int Show(const GridQuestions& questions) {
   } else {
     PrintText(questions.file, report);
   }
-  const auto isOutside = [](const GridAnswer& answer) { return !answer.value; };
+  const auto isOutside = [](const GridAnswer& answer) { return answer.values.empty(); };
   return std::any_of(report.answers.begin(), report.answers.end(), isOutside) ? exitAnswerIsNo
                                                                               : exitDone;
 }

@@ -96,6 +96,7 @@ class MissingNumber {
   T Number() const { return number_; }
   bool Is(T number) const {
     if (!exists_) return false;
+    if constexpr (std::is_integral_v<T>) return number == number_;
     const double value = ValueOf(number);
     return isNan_ ? value != value : value == ValueOf(number_);
   }

@@ -16,7 +16,7 @@ T Read(const uint8_t* place) {
   return value;
 }
 
-double ReadValue(GridType type, const uint8_t* place) {
+GridNumber ReadNumber(GridType type, const uint8_t* place) {
   switch (type) {
     case GridType::float32:
       return static_cast<double>(Read<float>(place));
@@ -25,22 +25,55 @@ double ReadValue(GridType type, const uint8_t* place) {
     case GridType::float16:
       return HalfToDouble(Read<uint16_t>(place));
     case GridType::uint8:
-      return Read<uint8_t>(place);
+      return uint64_t{Read<uint8_t>(place)};
     case GridType::int8:
-      return Read<int8_t>(place);
+      return int64_t{Read<int8_t>(place)};
     case GridType::uint16:
-      return Read<uint16_t>(place);
+      return uint64_t{Read<uint16_t>(place)};
     case GridType::int16:
-      return Read<int16_t>(place);
+      return int64_t{Read<int16_t>(place)};
     case GridType::uint32:
-      return Read<uint32_t>(place);
+      return uint64_t{Read<uint32_t>(place)};
     case GridType::int32:
-      return Read<int32_t>(place);
+      return int64_t{Read<int32_t>(place)};
     case GridType::uint64:
-      return static_cast<double>(Read<uint64_t>(place));
+      return Read<uint64_t>(place);
     default:
-      return static_cast<double>(Read<int64_t>(place));
+      return Read<int64_t>(place);
   }
+}
+
+/// Statistics of numbers that all have one type.
+template <class T>
+GridStatistics SummarizeAs(const Grid& grid, const NoData& noData, int band) {
+  GridStatistics result;
+  T least{}, greatest{};
+  double sum = 0;
+  for (int y = 0; y < grid.Height(); ++y) {
+    double sumOfRow = 0;
+    for (int x = 0; x < grid.Width(); ++x) {
+      const T number = std::get<T>(grid.NumberAt(x, y, band));
+      const auto value = static_cast<double>(number);
+      if (noData.Is(number)) {
+        ++result.noData;
+      } else if (!std::isfinite(value)) {
+        ++result.notFinite;
+      } else {
+        least = result.values == 0 ? number : std::min(least, number);
+        greatest = result.values == 0 ? number : std::max(greatest, number);
+        ++result.values;
+        sumOfRow += value;
+      }
+    }
+    sum += sumOfRow;
+  }
+  if (result.values == 0) return result;
+  result.least = least;
+  result.greatest = greatest;
+  result.minimum = static_cast<double>(least);
+  result.maximum = static_cast<double>(greatest);
+  result.mean = sum / static_cast<double>(result.values);
+  return result;
 }
 
 }  // namespace
@@ -71,36 +104,24 @@ bool Grid::Holds(double column, double row) const {
 }
 
 double Grid::At(int column, int row) const {
-  const auto x = static_cast<size_t>(column);
-  return numbers_ ? ReadValue(type_, numbers_->Row(row) + x * numbers_->PixelBytes())
-                  : ReadValue(type_, rows_.Row(row) + x * BytesOf(type_));
+  return DoubleOf(NumberAt(column, row, 0));
 }
 
-GridStatistics Summarize(const Grid& grid, const NoData& noData) {
-  GridStatistics result;
-  double minimum = std::numeric_limits<double>::infinity(), maximum = -minimum, sum = 0;
-  for (int y = 0; y < grid.Height(); ++y) {
-    double sumOfRow = 0;
-    for (int x = 0; x < grid.Width(); ++x) {
-      const double value = grid.At(x, y);
-      if (noData.Is(value)) {
-        ++result.noData;
-      } else if (!std::isfinite(value)) {
-        ++result.notFinite;
-      } else {
-        ++result.values;
-        minimum = std::min(minimum, value);
-        maximum = std::max(maximum, value);
-        sumOfRow += value;
-      }
-    }
-    sum += sumOfRow;
-  }
-  if (result.values == 0) return result;
-  result.minimum = minimum;
-  result.maximum = maximum;
-  result.mean = sum / static_cast<double>(result.values);
-  return result;
+GridNumber Grid::NumberAt(int column, int row, int band) const {
+  const auto x = static_cast<size_t>(column);
+  if (!numbers_) return ReadNumber(type_, rows_.Row(row) + x * BytesOf(type_));
+  const size_t size = BytesOf(type_), pixel = numbers_->PixelBytes();
+  if (numbers_->Planes() > 1) return ReadNumber(type_, numbers_->Row(row, band) + x * pixel);
+  return ReadNumber(type_, numbers_->Row(row) + x * pixel + static_cast<size_t>(band) * size);
+}
+
+double DoubleOf(const GridNumber& number) {
+  return std::visit([](auto value) { return static_cast<double>(value); }, number);
+}
+
+GridStatistics Summarize(const Grid& grid, const NoData& noData, int band) {
+  return std::visit([&](auto first) { return SummarizeAs<decltype(first)>(grid, noData, band); },
+                    grid.NumberAt(0, 0, band));
 }
 
 }  // namespace rasterkit

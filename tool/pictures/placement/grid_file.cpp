@@ -45,14 +45,16 @@ void Rewind(const std::string&) {}
 /// Numbers that are read as the file stores them. Rows of a bitmap have no place for some types and
 /// turn those over whose least number is white.
 bool HasNumbers(const TiffFacts& facts) {
-  constexpr int kBlackIsZero = 1, kUnsigned = 1, kSigned = 2, kMostBitsOfRows = 16;
+  constexpr int kBlackIsZero = 1, kUnsigned = 1, kSigned = 2, kByte = 8;
   const bool isFloat = facts.sampleFormat == kFloatingPoint;
   const bool isInteger = facts.sampleFormat == kUnsigned || facts.sampleFormat == kSigned;
   if (facts.width == 0 || facts.photometric > kBlackIsZero) return false;
   const int bits = facts.bitsPerSample;
-  if (facts.samples == 1 && (isFloat || isInteger) && (bits == 16 || bits == 32)) return true;
-  if (isFloat) return bits == 64;
-  return isInteger && (bits > kMostBitsOfRows || (bits == 8 && facts.sampleFormat == kSigned));
+  constexpr int kHalf = 16, kThreeBytes = 24;
+  if (isFloat) return bits >= kHalf && bits != kThreeBytes;
+  if (!isInteger || bits < kByte) return false;
+  // Bytes without a number for missing data are grays.
+  return bits > kByte || facts.sampleFormat == kSigned || !facts.noData.empty();
 }
 
 Pixels DecodeNumbers(TStream& stream, CodecReport& report) {
@@ -61,6 +63,22 @@ Pixels DecodeNumbers(TStream& stream, CodecReport& report) {
 Pixels DecodeNumbers(const std::string& file, CodecReport& report) {
   return detail::DecodePixelsIsolated(detail::OpenForWorker(file), 1, &report,
                                       ContinueUnlessInterrupted);
+}
+
+/// Bytes as the file stores them: those whose least number is white were turned round.
+Samples BytesOfGrays(const Raster& rows, const TiffFacts& facts) {
+  constexpr uint8_t kWhite = 255;
+  PixelLayout layout;
+  layout.model = ColorModel::gray;
+  layout.bands = 1;
+  Samples bytes(layout, rows.Width(), rows.Height());
+  const uint8_t mask = facts.photometric == 0 ? kWhite : uint8_t{0};
+  for (int y = 0; y < rows.Height(); ++y) {
+    for (int x = 0; x < rows.Width(); ++x) {
+      bytes.Row(y)[x] = static_cast<uint8_t>(rows.Row(y)[x] ^ mask);
+    }
+  }
+  return bytes;
 }
 
 void TakeNoData(GridFile& result) {
@@ -79,10 +97,12 @@ void LoadSource(GridFile& result, Source& source) {
   if (HasNumbers(result.facts)) {
     CodecReport damage;
     Pixels pixels = DecodeNumbers(source, damage);
+    // Grays with opacity are a picture.
+    if (LayoutOf(pixels).alpha != AlphaKind::none) return;
     result.warnings = std::move(damage.warnings);
     auto* const numbers = std::get_if<Samples>(&pixels);
-    if (numbers == nullptr) return;
-    result.grid.emplace(std::move(*numbers));
+    result.grid.emplace(numbers != nullptr ? std::move(*numbers)
+                                           : BytesOfGrays(std::get<Raster>(pixels), result.facts));
     return TakeNoData(result);
   }
   FrameOptions options;
