@@ -24,8 +24,16 @@ using testing::IsEmpty;
 
 /// Icons have a folder and a line of their own, but no row: they are not recognized by content.
 constexpr std::string_view kIconFolder = "ico";
-/// PDF files are read by Qt, which has its own tests.
-constexpr PictureType kReadByOthers = PictureType::pdf;
+/// PDF files are read by Qt, which has its own tests, and HEIF files by a library that only the
+/// worker process opens.
+bool IsReadByOthers(PictureType type) {
+  return type == PictureType::pdf || type == PictureType::heif;
+}
+
+/// True for formats with a folder of their own.
+bool HasFolder(const Codec& codec) {
+  return codec.IsDecoded() || codec.IsForPicturesOnly();
+}
 
 std::vector<std::string> LinesOf(const std::string& text) {
   std::vector<std::string> lines;
@@ -59,7 +67,7 @@ bool IsDescribed(const Codec& codec, const std::vector<std::string>& cells) {
   if (!cells[columnName].starts_with(std::string("`").append(codec.name).append("`"))) return false;
   const bool isWritten = !cells[columnWritten].starts_with("no");
   // Formats without a decoder in the table are written by the rooms that draw them, or not at all.
-  if (codec.IsDecoded() && isWritten != (codec.encode != nullptr)) return false;
+  if (HasFolder(codec) && isWritten != (codec.encode != nullptr)) return false;
   return cells[columnExtensions] == ExtensionsOf(codec) && !cells[columnRead].empty();
 }
 
@@ -80,9 +88,9 @@ std::vector<std::string> FindUnfuzzed(std::span<const Codec> codecs, const std::
   const std::vector<std::string> lines = LinesOf(targets);
   std::vector<std::string> names;
   for (const Codec& codec : codecs) {
-    const std::string room = codec.IsDecoded() ? "codecs/" : "metafiles/";
+    const std::string room = HasFolder(codec) ? "codecs/" : "metafiles/";
     const bool isListed = std::find(lines.begin(), lines.end(), room + codec.name) != lines.end();
-    if (codec.type != kReadByOthers && !isListed) names.emplace_back(codec.name);
+    if (!IsReadByOthers(codec.type) && !isListed) names.emplace_back(codec.name);
   }
   return names;
 }
@@ -135,7 +143,7 @@ TEST(DocsFormats, FuzzTargets_Should_BeFoundIncomplete_When_ARowIsNew) {
 TEST(DocsFormats, Folders_Should_EachHaveARow) {
   std::set<std::string> named = {"messages", "rows", std::string(kIconFolder)}, folders;
   for (const Codec& codec : CodecTable())
-    if (codec.IsDecoded()) named.insert(codec.name);
+    if (HasFolder(codec)) named.insert(codec.name);
   for (const auto& entry :
        std::filesystem::directory_iterator(SourceFolder() / "rasterkit" / "codecs"))
     if (entry.is_directory()) folders.insert(entry.path().filename().string());
@@ -153,7 +161,7 @@ TEST(DocsFormats, InfoTypes_Should_BeTheNamesOfTheTable) {
 TEST(DocsFormats, HelpOfConvert_Should_NameTheFormats) {
   const std::string help = UpperCase(OutputOf(RASTERKIT_TOOL " convert --help"));
   for (const Codec& codec : CodecTable()) {
-    if (!codec.IsDecoded()) continue;
+    if (!HasFolder(codec)) continue;
     const std::string extension = std::string(".").append(UpperCase(codec.extensions.front()));
     EXPECT_THAT(help, HasSubstr(codec.encode != nullptr ? extension : UpperCase(codec.name)));
   }

@@ -66,6 +66,7 @@ constexpr Folder kFolders[] = {
     {"rasterkit/bitmaptools/rotation", 26},
     {"rasterkit/bitmaptools/files", 27},
     {"rasterkit/bands/colors", 27},
+    {"rasterkit/bands/deskew", 27},
     {"rasterkit/bands", 28},
     {"rasterkit/pictures/reading", 28},
     {"rasterkit/pictures/fitting", 29},

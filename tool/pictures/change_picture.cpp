@@ -299,7 +299,7 @@ JobResult ChangePages(Document document, const std::vector<int>& pages, const Jo
       }
     }
   });
-  if (Strips(options.edit)) StripOthers(document, pages, job, options);
+  if (!options.edit.IsEmpty()) StripOthers(document, pages, job, options);
   JobResult result = SaveDocument(document, job, options, isDryRun);
   Append(result.notes, said.notes);
   Append(result.warnings, said.warnings);

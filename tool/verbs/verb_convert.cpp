@@ -8,8 +8,8 @@ VerbRunner AddConvertVerb(CommandLine& line) {
       line,
       {"convert",
        "turn a picture upright and write it as another type",
-       {"The extension of the output chooses its type: .bmp, .jpg, .png or .tif. TIFF, GIF and "
-        "WebP files with several pictures give the first one.",
+       {"The extension of the output chooses its type: .bmp, .jpg, .png or .tif. TIFF, GIF, "
+        "WebP, JP2 and HEIF files with several pictures give the first one.",
         "A metafile becomes pixels, at 96 pixels per inch unless --dpi or --size is given. If the "
         "output ends in .emf or .wmf, a metafile stays a metafile: the same type is copied, an "
         "EMF file becomes a WMF file that contains its picture, and a WMF file becomes an EMF "

@@ -17,8 +17,6 @@ struct HeifLibrary {
   USE(image_handle_release)                        \
   USE(image_handle_get_width)                      \
   USE(image_handle_get_height)                     \
-  USE(image_handle_get_ispe_width)                 \
-  USE(image_handle_get_ispe_height)                \
   USE(image_handle_has_alpha_channel)              \
   USE(image_handle_is_premultiplied_alpha)         \
   USE(image_handle_get_luma_bits_per_pixel)        \

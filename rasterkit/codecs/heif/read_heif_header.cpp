@@ -8,6 +8,7 @@
 #include <rasterkit/codecs/heif/heif_picture.h>
 #include <rasterkit/codecs/rows/byte_marks.h>
 #include <rasterkit/codecs/rows/stated_facts.h>
+#include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/follow_pixels.h>
 #include <rasterkit/metadata/ifd.h>
 #include <rasterkit/runtime/limits.h>
@@ -151,27 +152,35 @@ class HeaderReader {
                     primaries, transfer));
   }
 
-  /// The boxes of the file have turned the pixels. Where EXIF states the same turn, its places are
+  /// True if the sides in EXIF are those of the upright picture, so that its places are too.
+  bool IsExifUpright(bool exchanges) const {
+    constexpr uint16_t kWidth = 40962, kHeight = 40963;
+    const ExifBlock block(header_.metadata.exif);
+    const auto is = [&](uint16_t tag, int side) {
+      return block.Number(ExifDirectoryId::exif, tag) == static_cast<uint32_t>(side);
+    };
+    return exchanges && header_.width != header_.height && is(kWidth, header_.width) &&
+           is(kHeight, header_.height);
+  }
+
+  /// The boxes of the file have turned the pixels. EXIF states the same turn, and its places are
   /// those of the picture that was not turned.
   void MakeUpright() {
-    const int orientation = header_.orientation.value_or(1);
+    int orientation = header_.orientation.value_or(1);
     header_.orientation.reset();
-    const heif_image_handle* picture = file_.Picture();
-    const int width = library_.image_handle_get_ispe_width(picture);
-    const int height = library_.image_handle_get_ispe_height(picture);
+    if (IsExifUpright(orientation >= kFirstExchanging)) orientation = 1;
     const bool exchanges = orientation >= kFirstExchanging;
-    const bool isSameTurn = width == (exchanges ? header_.height : header_.width) &&
-                            height == (exchanges ? header_.width : header_.height);
     PixelChange change;
     change.width = header_.width;
     change.height = header_.height;
-    change.oldWidth = isSameTurn ? width : change.width;
-    change.oldHeight = isSameTurn ? height : change.height;
-    if (isSameTurn) change.toNew = TurnOf(orientation, width, height);
-    change.pixelsChanged = change.placesChanged = isSameTurn && orientation != 1;
+    change.oldWidth = exchanges ? change.height : change.width;
+    change.oldHeight = exchanges ? change.width : change.height;
+    change.toNew = TurnOf(orientation, change.oldWidth, change.oldHeight);
+    change.pixelsChanged = change.placesChanged = orientation != 1;
     change.keepsValues = true;
-    change.resolution = header_.metadata.resolution;
-    if (exchanges && isSameTurn) std::swap(change.resolution.x, change.resolution.y);
+    Resolution& resolution = header_.metadata.resolution;
+    if (exchanges) std::swap(resolution.x, resolution.y);
+    change.resolution = resolution;
     Changes changes;
     FollowPixels(header_.metadata, change, changes);
     for (const Loss& loss : changes.losses) Warn(fmt::format("{}: {}", loss.what, loss.why));

@@ -44,6 +44,7 @@ class MainHeader {
       if (marker == kComment) ReadComment(segment);
     }
     if (!hasSizes) Refuse("the codestream has no sizes");
+    result_.headerBytes = next_ - 2 - result_.at;
     return std::move(result_);
   }
 
@@ -174,6 +175,27 @@ uint64_t Jp2Codestream::TilesAcross() const {
 
 uint64_t Jp2Codestream::TilesDown() const {
   return Steps(tileTop, bottom, tileHeight);
+}
+
+uint64_t BytesOfWholeParts(TStream& stream, const Jp2Codestream& codestream) {
+  constexpr size_t kHeader = 12, kLengthAt = 6;
+  std::array<uint8_t, kHeader> bytes{};
+  const uint64_t end = codestream.bytes;
+  for (uint64_t at = codestream.headerBytes; at < end;) {
+    RequireTime();
+    stream.SetPosition(codestream.at + at);
+    const auto left = static_cast<size_t>(std::min<uint64_t>(kHeader, end - at));
+    const size_t count = stream.Read(std::span(bytes).first(left));
+    const OrderedBytes numbers(bytes, true);
+    // The end marker, or damage that the library finds.
+    if (count < 2 || numbers.Word(0) != kTilePart) return end;
+    if (count < kHeader) return at;
+    const uint32_t length = numbers.Long(kLengthAt);
+    // The last part may reach to the end.
+    if (length < kHeader || length > end - at) return end;
+    at += length;
+  }
+  return end;
 }
 
 Jp2Codestream ReadJp2Codestream(TStream& stream, uint64_t at, uint64_t bytes) {

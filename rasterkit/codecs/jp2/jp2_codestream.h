@@ -26,6 +26,8 @@ struct Jp2Precinct {
 struct Jp2Codestream {
   /// Place in the file and bytes that are there.
   uint64_t at = 0, bytes = 0;
+  /// Bytes in front of the first part of a tile.
+  uint64_t headerBytes = 0;
   /// Picture and tiles on the reference grid.
   uint32_t left = 0, top = 0, right = 0, bottom = 0;
   uint32_t tileLeft = 0, tileTop = 0, tileWidth = 0, tileHeight = 0;
@@ -46,6 +48,10 @@ struct Jp2Codestream {
   uint64_t TilesDown() const;
   uint64_t Tiles() const { return TilesAcross() * TilesDown(); }
 };
+
+/// The bytes of a codestream without a header of a part of a tile that is cut off at its end: the
+/// library would refuse the whole file for it.
+uint64_t BytesOfWholeParts(TStream& stream, const Jp2Codestream& codestream);
 
 /// Reads the main header of a codestream. Throws FormatError if it is damaged.
 Jp2Codestream ReadJp2Codestream(TStream& stream, uint64_t at, uint64_t bytes);

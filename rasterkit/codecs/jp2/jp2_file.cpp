@@ -67,6 +67,7 @@ class FileReader {
       ReadBoxes(Jp2Boxes(stream_, begin, end));
     }
     if (codestreamBytes_ == 0) Fail("the file has no codestream");
+    if (isGml_ && file_.geoTiff.empty()) Warn("a position in GML data is not read");
     file_.codestream = ReadJp2Codestream(stream_, codestreamAt_, codestreamBytes_);
     return std::move(file_);
   }
@@ -288,7 +289,8 @@ class FileReader {
     while (inner.Next()) {
       if (inner.Type() != BoxType("lbl ")) continue;
       if (StartsWith(inner.Content(kMostSmallBox), kGml)) {
-        return Warn("the position in its GML data is not read");
+        isGml_ = true;
+        return;
       }
     }
     file_.others.push_back(fmt::format("associated data of {} bytes", box.ContentBytes()));
@@ -297,6 +299,7 @@ class FileReader {
   TStream& stream_;
   Jp2File file_;
   uint64_t codestreamAt_ = 0, codestreamBytes_ = 0;
+  bool isGml_ = false;
 };
 
 }  // namespace

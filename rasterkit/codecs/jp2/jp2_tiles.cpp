@@ -189,7 +189,7 @@ uint64_t TileReaderBytes(const Jp2Codestream& codestream) {
 struct Jp2TileReader::State {
   State(TStream& input, const Jp2Codestream& header, CodecReport& noticed)
       : codestream(header), report(noticed) {
-    source = {&input, header.at, header.bytes, 0, nullptr};
+    source = {&input, header.at, BytesOfWholeParts(input, header), 0, nullptr};
   }
 
   void Open(int threads);
