@@ -122,6 +122,8 @@ bool HasPreview(const ExifBlock& exif) {
   return false;
 }
 
+}  // namespace
+
 void FollowThumbnail(ExifBlock& exif, const PixelChange& change, Changes& changes) {
   if (!exif.HasThumbnail()) {
     exif.RemoveThumbnail();
@@ -133,8 +135,6 @@ void FollowThumbnail(ExifBlock& exif, const PixelChange& change, Changes& change
                  "it shows the old picture and no new one was made");
   }
 }
-
-}  // namespace
 
 void FollowPixelsInExif(ExifBlock& exif, const PixelChange& change, Changes& changes) {
   if (!change.keepsOrientation) exif.SetUpright();

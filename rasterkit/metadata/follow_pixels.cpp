@@ -227,4 +227,30 @@ void FollowPixels(Metadata& metadata, const PixelChange& change, Changes& change
   if (!change.keepsValues) FollowTiffTags(metadata, changes);
 }
 
+bool HasThumbnail(const Metadata& metadata) {
+  if (!metadata.exif.empty() && ExifBlock(metadata.exif).HasThumbnail()) return true;
+  const ImageResources resources(metadata.photoshop);
+  return resources.Find(image_resource::kThumbnail) != nullptr ||
+         resources.Find(image_resource::kOldThumbnail) != nullptr;
+}
+
+void ReplaceThumbnails(Metadata& metadata, std::span<const uint8_t> thumbnail, Changes& changes) {
+  PixelChange change;
+  change.thumbnail = thumbnail;
+  if (!metadata.exif.empty()) {
+    ExifBlock exif(std::move(metadata.exif));
+    if (exif.IsDamaged()) {
+      exif.EraseThumbnail();
+    } else {
+      detail::FollowThumbnail(exif, change, changes);
+    }
+    metadata.exif = exif.TakeBytes();
+  }
+  if (!metadata.photoshop.empty()) {
+    ImageResources resources(metadata.photoshop);
+    FollowThumbnails(resources, change, changes);
+    metadata.photoshop = resources.Bytes();
+  }
+}
+
 }  // namespace rasterkit

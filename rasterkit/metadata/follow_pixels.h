@@ -42,4 +42,13 @@ struct PixelChange {
 /// Without changed pixels only orientation and resolution are set.
 RASTERKIT_EXPORT void FollowPixels(Metadata& metadata, const PixelChange& change, Changes& changes);
 
+/// True if the EXIF block or the Photoshop resources have a thumbnail.
+RASTERKIT_EXPORT bool HasThumbnail(const Metadata& metadata);
+
+/// Replaces the thumbnails of the EXIF block and the Photoshop resources, where there are some, by
+/// a JPEG file. Without one they are removed, and each is a loss. A damaged EXIF block loses its
+/// thumbnail.
+RASTERKIT_EXPORT void ReplaceThumbnails(Metadata& metadata, std::span<const uint8_t> thumbnail,
+                                        Changes& changes);
+
 }  // namespace rasterkit

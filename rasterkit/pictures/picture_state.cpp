@@ -4,7 +4,6 @@
 #include <rasterkit/metadata/edit/edit_metadata.h>
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/follow_pixels.h>
-#include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/pictures/picture_state.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -40,13 +39,6 @@ PixelChange ChangeOf(const PictureState& state, const PictureSource& source) {
   change.becameGray = isGray(state.layout.model) && !isGray(source.Header().layout.model);
   change.resolution = state.resolution;
   return change;
-}
-
-bool HasThumbnail(const Metadata& metadata) {
-  if (!metadata.exif.empty() && ExifBlock(metadata.exif).HasThumbnail()) return true;
-  const ImageResources resources(metadata.photoshop);
-  return resources.Find(image_resource::kThumbnail) != nullptr ||
-         resources.Find(image_resource::kOldThumbnail) != nullptr;
 }
 
 /// Places the picture anew. What else the source states of its position would contradict it.

@@ -7,12 +7,12 @@
 
 #include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/codecs/jpeg/jpeg_layout.h>
+#include <rasterkit/codecs/jpeg/jpeg_limits.h>
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/jpeg/jpeg_reader.h>
 #include <rasterkit/codecs/rows/cmyk_rows.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/missing_rows.h>
-#include <rasterkit/codecs/rows/plausible_size.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
@@ -30,59 +30,11 @@ using detail::JpegReader;
 /// Rows per call; the codec may give fewer.
 constexpr int kRowsAtOnce = 16;
 
-/// Limit of the pixels of all scans together. A scan takes time for every block even if it holds
-/// only a few bytes, so that a small file could take minutes. Real files of the largest size within
-/// the default memory limit have about twelve scans.
-constexpr uint64_t kScanPixelBudget = uint64_t{1} << 34;
-/// Smallest cost of a scan, in pixels.
-constexpr uint64_t kSmallestScan = 1 << 16;
-
-/// Memory that the codec allocates besides the coefficients; it does not grow with the height.
-constexpr uint64_t kCodecSlack = 64 << 20;
-
 void RequireSupported(const JpegFrame& frame) {
-  if (frame.lossless) throw UnsupportedError("JPEG: lossless files are not supported");
-  if (frame.hierarchical) throw UnsupportedError("JPEG: hierarchical files are not supported");
-  if (frame.bits != 8) {
-    throw UnsupportedError(fmt::format("JPEG: {} bits per sample are not supported", frame.bits));
-  }
+  detail::RequireSupportedCoding(frame);
   if (frame.components != 1 && frame.components != 3 && frame.components != 4) {
     throw UnsupportedError(fmt::format("JPEG: {} components are not supported", frame.components));
   }
-  if (frame.width == 0 || frame.height == 0) {
-    throw FormatError("JPEG: the frame header has no size");
-  }
-}
-
-uint64_t RoundUp(uint64_t value, int step) {
-  const auto unit = static_cast<uint64_t>(step);
-  return (value + unit - 1) / unit * unit;
-}
-
-/// Bytes of the coefficients that the library keeps for a picture of many scans.
-uint64_t CoefficientBytes(const jpeg_decompress_struct& codec) {
-  uint64_t blocks = 0;
-  for (int i = 0; i < codec.num_components; i++) {
-    const jpeg_component_info& component = codec.comp_info[i];
-    blocks += RoundUp(component.width_in_blocks, component.h_samp_factor) *
-              RoundUp(component.height_in_blocks, component.v_samp_factor);
-  }
-  return blocks * sizeof(JBLOCK);
-}
-
-/// Huffman coding takes at least a bit for the first coefficient of each block, in baseline and in
-/// progressive files. Arithmetic coding has no bound: an encoder may drop the zero bytes at the end
-/// of a scan, and a picture of one color may consist of nothing else.
-constexpr uint64_t kBlocksPerByte = 8 * detail::kCutSlack;
-
-/// Blocks of all components that the file must hold.
-uint64_t StoredBlocks(const jpeg_decompress_struct& codec) {
-  uint64_t blocks = 0;
-  for (int i = 0; i < codec.num_components; i++) {
-    const jpeg_component_info& component = codec.comp_info[i];
-    blocks += uint64_t{component.width_in_blocks} * component.height_in_blocks;
-  }
-  return blocks;
 }
 
 Resolution ResolutionOf(const jpeg_decompress_struct& codec) {
@@ -197,19 +149,18 @@ void RequireMemory(JpegReader& reader, const JpegLayout& layout, TPixelFormat fo
                    size_t fileBytes) {
   jpeg_decompress_struct& codec = reader.Codec();
   const uint64_t rowBytes = StrideBytes(codec.image_width, StoredBitsPerPixel(format));
-  const uint64_t coefficients = layout.manyScans ? CoefficientBytes(codec) : 0;
+  const uint64_t coefficients = layout.manyScans ? detail::CoefficientBytes(codec) : 0;
   const uint64_t need = rowBytes * codec.image_height + coefficients;
   const std::string what =
       fmt::format("JPEG picture of {} x {} pixels", codec.image_width, codec.image_height);
   RequirePicture(codec.image_width, codec.image_height, need, what);
   if (!layout.frame.arithmetic) {
-    detail::RequirePlausible({need, StoredBlocks(codec), fileBytes, kBlocksPerByte}, what);
+    detail::RequirePlausible({need, detail::StoredBlocks(codec), fileBytes, detail::kBlocksPerByte},
+                             what);
   }
   codec.mem->max_memory_to_use =
-      static_cast<long>(std::min<uint64_t>(need + kCodecSlack, LONG_MAX));
-  if (!layout.manyScans) return;
-  const uint64_t pixels = std::max(uint64_t{codec.image_width} * codec.image_height, kSmallestScan);
-  reader.LimitScans(static_cast<int>(kScanPixelBudget / pixels));
+      static_cast<long>(std::min<uint64_t>(need + detail::kCodecSlack, LONG_MAX));
+  if (layout.manyScans) reader.LimitScans(detail::MostScans(codec));
 }
 
 /// White of a file of inks.
@@ -265,7 +216,7 @@ Pixels Decode(Bytes bytes, bool keepsInks, CodecReport* report) {
   const TPixelFormat format = codec.num_components == 1 ? pf8bit : pf24bit;
   RequireMemory(reader, layout, givesInks ? pf32bit : format, bytes.size());
 
-  const MemoryShare coefficients(layout.manyScans ? CoefficientBytes(codec) : 0);
+  const MemoryShare coefficients(layout.manyScans ? detail::CoefficientBytes(codec) : 0);
   reader.Run([&codec] { jpeg_start_decompress(&codec); });
   Pixels pixels =
       givesInks ? Pixels(DecodeInks(reader, layout)) : Pixels(DecodeColors(reader, layout, format));

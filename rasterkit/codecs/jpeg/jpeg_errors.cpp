@@ -80,13 +80,19 @@ void JpegErrors::FailWithLimit(const char* reason) {
   std::longjmp(jump, 1);
 }
 
-void JpegErrors::FailWithTimeLimit() {
-  timeLimit_ = true;
+void JpegErrors::CheckTime() {
+  // No exception may pass through the library, and no jump may leave a handler.
+  try {
+    RequireTime();
+    return;
+  } catch (...) {
+    stop_ = std::current_exception();
+  }
   std::longjmp(jump, 1);
 }
 
 void JpegErrors::Throw() const {
-  if (timeLimit_) RequireTime();
+  if (stop_) std::rethrow_exception(stop_);
   const std::string reason = std::string("JPEG: ") + message_;
   if (limit_) throw LimitError(reason);
   switch (base_.msg_code) {

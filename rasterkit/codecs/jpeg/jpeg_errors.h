@@ -3,6 +3,7 @@
 #include <csetjmp>
 #include <cstddef>
 #include <cstdio>
+#include <exception>
 #include <type_traits>
 
 #include <jpeglib.h>
@@ -12,8 +13,8 @@
 namespace rasterkit::detail {
 
 /// Keeps the errors of libjpeg: a fatal error jumps out of the library to `RunJpeg`, warnings are
-/// kept, nothing is printed. Plain data, because the jump runs no destructors; `Throw` makes the
-/// exception afterwards.
+/// kept, nothing is printed. `Throw` makes the exception afterwards, because the jump runs no
+/// destructors.
 class JpegErrors {
  public:
   /// Prepares the handler. Its address must not change while the codec object lives.
@@ -22,14 +23,18 @@ class JpegErrors {
   /// Ends the current call into libjpeg; `Throw` then throws a LimitError with this text.
   [[noreturn]] void FailWithLimit(const char* reason);
 
-  /// Ends the current call into libjpeg when the time of the call is over (see RequireTime).
-  [[noreturn]] void FailWithTimeLimit();
+  /// Calls RequireTime. Ends the current call into libjpeg if it throws; `Throw` then throws the
+  /// same.
+  void CheckTime();
 
   /// Throws the error of the last failed call: LimitError, UnsupportedError or FormatError.
   [[noreturn]] void Throw() const;
 
   /// Appends the kept warnings to the report.
   void CopyTo(CodecReport& report) const;
+
+  /// Number of warnings since the header was read, repeated ones too.
+  long Warnings() const { return base_.num_warnings; }
 
   /// True if the picture data are damaged somewhere.
   bool damaged = false;
@@ -54,7 +59,8 @@ class JpegErrors {
 
   jpeg_error_mgr base_{};
   char message_[JMSG_LENGTH_MAX] = "";
-  bool limit_ = false, timeLimit_ = false;
+  bool limit_ = false;
+  std::exception_ptr stop_;
   char warnings_[kKeptWarnings][JMSG_LENGTH_MAX] = {};
   bool isDamage_[kKeptWarnings] = {};
   int warningCount_ = 0;

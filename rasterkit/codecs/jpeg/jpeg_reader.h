@@ -6,7 +6,6 @@
 #include <span>
 
 #include <rasterkit/codecs/jpeg/jpeg_errors.h>
-#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 
@@ -95,7 +94,7 @@ class JpegReader {
     if (reader.codec_.input_scan_number > reader.scanLimit_) {
       reader.errors_.FailWithLimit("too many scans for a picture of this size");
     }
-    if (SecondsLeft() <= 0) reader.errors_.FailWithTimeLimit();
+    reader.errors_.CheckTime();
   }
 
   std::span<const uint8_t> bytes_;

@@ -8,7 +8,6 @@
 #include <jerror.h>
 
 #include <rasterkit/codecs/jpeg/jpeg_errors.h>
-#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 
@@ -67,9 +66,7 @@ class JpegWriter {
   };
 
   static void OnProgress(j_common_ptr codec) {
-    if (SecondsLeft() <= 0) {
-      reinterpret_cast<Progress*>(codec->progress)->errors->FailWithTimeLimit();
-    }
+    reinterpret_cast<Progress*>(codec->progress)->errors->CheckTime();
   }
 
   static boolean OnFull(j_compress_ptr codec) {

@@ -1,10 +1,7 @@
-#include <algorithm>
-
-#include <rasterkit/codecs/jpeg/jpeg_form.h>
+#include <rasterkit/codecs/jpeg/copied_head.h>
 #include <rasterkit/codecs/jpeg/jpeg_hidden.h>
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
-#include <rasterkit/metadata/jpeg_assembly.h>
-#include <rasterkit/runtime/errors.h>
+#include <rasterkit/codecs/jpeg/lossless/move_jpeg.h>
 #include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
@@ -12,18 +9,7 @@ namespace {
 
 using Bytes = std::span<const uint8_t>;
 using namespace detail;
-using namespace detail::jpeg_coding;
 using namespace jpeg_marker;
-
-bool IsJfif(const JpegSegment& segment) {
-  return BlockOf(segment) == JpegBlock::jfif;
-}
-
-/// True for what belongs to the coded pixels: tables, frame, scan, the Adobe segment.
-bool IsCoding(const JpegSegment& part) {
-  if (part.marker == kApp14) return IsAdobeSegment(part.payload);
-  return !IsApplication(part.marker) && part.marker != kComment;
-}
 
 void SetNumber(std::vector<uint8_t>& payload, size_t at, bool isBig, uint32_t value) {
   for (size_t i = 0; i < 4; i++) {
@@ -58,10 +44,11 @@ class Copier {
       return written;
     }
     head_ = {kStart, kImageStart};
-    AddMetadata(header.metadata, written.changes);
+    AppendMetadata(head_, parts_, header.metadata, writing_.metadata,
+                   {.dropsThumbnails = writing_.dropsHidden}, written.changes);
     AddIndex();
     for (const JpegSegment& part : parts_.head) {
-      if (IsCoding(part)) Append(part.marker, part.payload);
+      if (IsCodingSegment(part)) AppendSegment(head_, part.marker, part.payload);
     }
     stream.Write(head_);
     const size_t end = writing_.dropsHidden ? parts_.end : file_.size();
@@ -76,61 +63,6 @@ class Copier {
     return PlaceOf(scan, file_) + scan.payload.size();
   }
 
-  void Append(uint8_t marker, Bytes payload) {
-    const std::vector<uint8_t> bytes =
-        BytesOf(NewJpegSegment{marker, {payload.begin(), payload.end()}});
-    head_.insert(head_.end(), bytes.begin(), bytes.end());
-  }
-
-  void AddMetadata(const Metadata& source, Changes& changes) {
-    const auto jfif = std::find_if(parts_.head.begin(), parts_.head.end(), IsJfif);
-    const bool hasJfif = jfif != parts_.head.end();
-    Metadata metadata = writing_.metadata;
-    // What did not change keeps its bytes: no resolution is added, no digest is made true.
-    const bool keepsResolution = metadata.resolution == source.resolution;
-    if (keepsResolution) metadata.resolution = {};
-    const bool keepsResources =
-        metadata.iptc == source.iptc && metadata.photoshop == source.photoshop;
-    if (keepsResources) {
-      metadata.iptc.clear();
-      metadata.photoshop.clear();
-    }
-    bool isFirst = true;
-    for (const NewJpegSegment& segment : AssembleJpegSegments(metadata, hasJfif, changes)) {
-      if (isFirst && hasJfif) {
-        AddJfif(*jfif, segment.payload, keepsResolution);
-      } else {
-        Append(segment.marker, segment.payload);
-      }
-      isFirst = false;
-    }
-    for (const JpegSegment& segment : parts_.head) {
-      if (keepsResources && BlockOf(segment) == JpegBlock::photoshop) {
-        Append(segment.marker, segment.payload);
-      }
-    }
-  }
-
-  /// Adds the header of the source with the new densities, and the extensions that must follow it.
-  void AddJfif(const JpegSegment& source, Bytes made, bool keepsResolution) {
-    constexpr size_t kUnitAt = 7, kThumbnailAt = 12, kPlainBytes = 14;
-    std::vector<uint8_t> payload(source.payload.begin(), source.payload.end());
-    if (payload.size() < kPlainBytes) payload.assign(made.begin(), made.end());
-    if (!keepsResolution) {
-      std::copy(made.begin() + kUnitAt, made.begin() + kThumbnailAt, payload.begin() + kUnitAt);
-    }
-    if (writing_.dropsHidden) {
-      payload.resize(kPlainBytes);
-      payload[kThumbnailAt] = payload[kThumbnailAt + 1] = 0;
-    }
-    Append(kApp0, payload);
-    for (const JpegSegment& segment : parts_.head) {
-      if (BlockOf(segment) == JpegBlock::jfxx && !writing_.dropsHidden) {
-        Append(segment.marker, segment.payload);
-      }
-    }
-  }
-
   /// Adds the index of further pictures, whose places move with the size of the head.
   void AddIndex() {
     const JpegIndex index = ReadJpegIndex(file_, parts_);
@@ -142,7 +74,7 @@ class Copier {
         head_.size() + kMarkerBytes + (index.start - PlaceOf(parts_.head[index.part], file_));
     size_t coding = 0;
     for (const JpegSegment& part : parts_.head) {
-      if (IsCoding(part)) coding += kMarkerBytes + part.payload.size();
+      if (IsCodingSegment(part)) coding += kMarkerBytes + part.payload.size();
     }
     const size_t scansAt = head_.size() + kMarkerBytes + payload.size() + coding;
     const auto moved = static_cast<int64_t>(scansAt) - static_cast<int64_t>(ScansAt());
@@ -159,7 +91,7 @@ class Copier {
       if (at < static_cast<int64_t>(parts_.end) || offset <= 0) continue;
       SetNumber(payload, picture.offsetAt, index.isBigEndian, static_cast<uint32_t>(offset));
     }
-    Append(kApp2, payload);
+    AppendSegment(head_, kApp2, payload);
   }
 
   const Bytes file_;
@@ -173,6 +105,7 @@ class Copier {
 WrittenPicture CopyJpeg(Bytes file, const PictureWriting& writing, TStream& stream) {
   const LimitsScope limits;
   const PictureHeader header = ReadJpegHeader(file);
+  if (writing.move) return MoveJpeg(file, header, writing, stream);
   return Copier(file, writing).Copy(header, stream);
 }
 
