@@ -1,7 +1,11 @@
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include <rasterkit/codecs/jpeg/copied_head.h>
 #include <rasterkit/codecs/jpeg/jpeg_form.h>
+#include <rasterkit/metadata/exif_block.h>
+#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/metadata/jpeg_assembly.h>
 
 namespace rasterkit::detail {
@@ -35,6 +39,173 @@ std::vector<uint8_t> NewJfif(const JpegSegment& source, Bytes made, bool keepsRe
   return payload;
 }
 
+bool IsSameProfile(const ColorProfile& a, const ColorProfile& b) {
+  return a == b || (a && b && *a == *b);
+}
+
+/// Blocks in the order in which new ones are added.
+enum class Group { jfif, exif, xmp, profile, resources, others, comments, none };
+
+Group GroupOf(const JpegSegment& segment) {
+  switch (BlockOf(segment)) {
+    case JpegBlock::jfif:
+    case JpegBlock::jfxx:
+      return Group::jfif;
+    case JpegBlock::exif:
+      return Group::exif;
+    case JpegBlock::xmp:
+    case JpegBlock::extendedXmp:
+      return Group::xmp;
+    case JpegBlock::profile:
+      return Group::profile;
+    case JpegBlock::photoshop:
+      return Group::resources;
+    case JpegBlock::comment:
+      return Group::comments;
+    case JpegBlock::mpf:
+      return Group::none;
+    default:
+      return IsCodingSegment(segment) ? Group::none : Group::others;
+  }
+}
+
+Resolution StatedByExif(const Metadata& metadata) {
+  return metadata.exif.empty() ? Resolution{} : ResolutionOf(ExifBlock(metadata.exif));
+}
+
+/// Puts the head together: each block of the source at its place, as it was if it did not change.
+class HeadCopier {
+ public:
+  HeadCopier(const JpegParts& parts, const Metadata& source, const Metadata& metadata,
+             const CopiedHead& options)
+      : parts_(parts), source_(source), metadata_(metadata), options_(options) {
+    const auto jfif = std::find_if(parts.head.begin(), parts.head.end(), IsJfif);
+    jfif_ = jfif == parts.head.end() ? nullptr : &*jfif;
+    keepsResolution_ = metadata.resolution == source.resolution && StatesStillTheSame();
+  }
+
+  void Append(std::vector<uint8_t>& bytes, Changes& changes) {
+    Assemble(changes);
+    for (const JpegSegment& part : parts_.head) Place(part);
+    for (NewJpegSegment& segment : made_) Insert(std::move(segment));
+    for (const auto& [group, segment] : pieces_) {
+      AppendSegment(bytes, segment.marker, segment.payload);
+    }
+  }
+
+ private:
+  /// True if the resolution stays where the source states it.
+  bool StatesStillTheSame() const {
+    const auto header = jfif_ == nullptr ? std::nullopt : ReadJfif(*jfif_);
+    if (header && header->unit != 0) return true;
+    return StatedByExif(metadata_) == StatedByExif(source_) &&
+           metadata_.photoshop == source_.photoshop;
+  }
+
+  bool IsKept(Group group) const {
+    switch (group) {
+      case Group::exif:
+        // The resolution goes there if the file has no header for it.
+        return metadata_.exif == source_.exif && !options_.dropsThumbnails &&
+               (jfif_ != nullptr || keepsResolution_);
+      case Group::xmp:
+        return metadata_.xmp == source_.xmp && metadata_.extendedXmp == source_.extendedXmp &&
+               !options_.dropsThumbnails;
+      case Group::profile:
+        return IsSameProfile(metadata_.profile, source_.profile) && !options_.dropsThumbnails;
+      case Group::resources:
+        return metadata_.iptc == source_.iptc && metadata_.photoshop == source_.photoshop;
+      case Group::comments:
+        return metadata_.comments == source_.comments && metadata_.texts.empty();
+      default:
+        return false;
+    }
+  }
+
+  /// Makes the segments of what changed.
+  void Assemble(Changes& changes) {
+    Metadata changed = metadata_;
+    // What did not change keeps its bytes: no resolution is added, no digest is made true.
+    if (keepsResolution_) changed.resolution = {};
+    if (IsKept(Group::exif)) changed.exif.clear();
+    if (IsKept(Group::xmp)) {
+      changed.xmp.clear();
+      changed.extendedXmp.clear();
+    }
+    if (IsKept(Group::profile)) changed.profile = nullptr;
+    if (IsKept(Group::resources)) {
+      changed.iptc.clear();
+      changed.photoshop.clear();
+    }
+    if (IsKept(Group::comments)) changed.comments.clear();
+    made_ = AssembleJpegSegments(changed, jfif_ != nullptr, changes);
+    if (jfif_ == nullptr) return;
+    pieces_.emplace_back(Group::jfif, NewJpegSegment{kApp0, NewJfif(*jfif_, made_.front().payload,
+                                                                    keepsResolution_, options_)});
+    made_.erase(made_.begin());
+  }
+
+  static Group GroupOfMade(const NewJpegSegment& segment) {
+    return GroupOf(JpegSegment{segment.marker, 0, segment.payload});
+  }
+
+  /// Places a segment of the source, or what was made in its place.
+  void Place(const JpegSegment& part) {
+    const Group group = GroupOf(part);
+    if (group == Group::none || &part == jfif_) return;
+    if (group == Group::jfif) {
+      // The extensions must follow the header.
+      const auto behind = std::find_if(pieces_.begin(), pieces_.end(), [](const auto& piece) {
+        return piece.first != Group::jfif;
+      });
+      if (options_.dropsThumbnails || BlockOf(part) != JpegBlock::jfxx) return;
+      pieces_.insert(behind, {group, Copied(part)});
+    } else if (group == Group::others) {
+      const auto same = std::find_if(made_.begin(), made_.end(), [&](const auto& segment) {
+        return segment.marker == part.marker &&
+               std::equal(segment.payload.begin(), segment.payload.end(), part.payload.begin(),
+                          part.payload.end());
+      });
+      if (same == made_.end()) return;
+      made_.erase(same);
+      pieces_.emplace_back(group, Copied(part));
+    } else if (IsKept(group)) {
+      pieces_.emplace_back(group, Copied(part));
+    } else {
+      for (auto segment = made_.begin(); segment != made_.end();) {
+        if (GroupOfMade(*segment) != group) {
+          ++segment;
+          continue;
+        }
+        pieces_.emplace_back(group, std::move(*segment));
+        segment = made_.erase(segment);
+      }
+    }
+  }
+
+  /// Inserts what the source has no place for.
+  void Insert(NewJpegSegment segment) {
+    const Group group = GroupOfMade(segment);
+    const auto later = std::find_if(pieces_.begin(), pieces_.end(),
+                                    [&](const auto& piece) { return piece.first > group; });
+    pieces_.insert(later, {group, std::move(segment)});
+  }
+
+  static NewJpegSegment Copied(const JpegSegment& part) {
+    return {part.marker, {part.payload.begin(), part.payload.end()}};
+  }
+
+  const JpegParts& parts_;
+  const Metadata& source_;
+  const Metadata& metadata_;
+  const CopiedHead& options_;
+  const JpegSegment* jfif_ = nullptr;
+  bool keepsResolution_ = false;
+  /// What changed, without what is placed.
+  std::vector<NewJpegSegment> made_;
+  std::vector<std::pair<Group, NewJpegSegment>> pieces_;
+};
+
 }  // namespace
 
 bool IsCodingSegment(const JpegSegment& part) {
@@ -50,38 +221,7 @@ void AppendSegment(std::vector<uint8_t>& bytes, uint8_t marker, Bytes payload) {
 
 void AppendMetadata(std::vector<uint8_t>& bytes, const JpegParts& parts, const Metadata& source,
                     const Metadata& metadata, const CopiedHead& options, Changes& changes) {
-  const auto jfif = std::find_if(parts.head.begin(), parts.head.end(), IsJfif);
-  const bool hasJfif = jfif != parts.head.end();
-  Metadata changed = metadata;
-  // What did not change keeps its bytes: no resolution is added, no digest is made true.
-  const bool keepsResolution = metadata.resolution == source.resolution;
-  if (keepsResolution) changed.resolution = {};
-  const bool keepsResources =
-      metadata.iptc == source.iptc && metadata.photoshop == source.photoshop;
-  if (keepsResources) {
-    changed.iptc.clear();
-    changed.photoshop.clear();
-  }
-  bool isFirst = true;
-  for (const NewJpegSegment& segment : AssembleJpegSegments(changed, hasJfif, changes)) {
-    if (isFirst && hasJfif) {
-      AppendSegment(bytes, kApp0, NewJfif(*jfif, segment.payload, keepsResolution, options));
-      for (const JpegSegment& part : parts.head) {
-        // The extensions must follow the header.
-        if (BlockOf(part) == JpegBlock::jfxx && !options.dropsThumbnails) {
-          AppendSegment(bytes, part.marker, part.payload);
-        }
-      }
-    } else {
-      AppendSegment(bytes, segment.marker, segment.payload);
-    }
-    isFirst = false;
-  }
-  for (const JpegSegment& part : parts.head) {
-    if (keepsResources && BlockOf(part) == JpegBlock::photoshop) {
-      AppendSegment(bytes, part.marker, part.payload);
-    }
-  }
+  HeadCopier(parts, source, metadata, options).Append(bytes, changes);
 }
 
 }  // namespace rasterkit::detail

@@ -25,7 +25,8 @@ struct CopiedHead {
 };
 
 /// Appends the segments of a file whose coded pixels are copied, from JFIF to comments. What did
-/// not change between the metadata of the source and the new ones keeps its bytes.
+/// not change between the metadata of the source and the new ones keeps its bytes and its place;
+/// what changed stands where it was in the source.
 void AppendMetadata(std::vector<uint8_t>& bytes, const JpegParts& parts, const Metadata& source,
                     const Metadata& metadata, const CopiedHead& options, Changes& changes);
 

@@ -57,8 +57,8 @@ bool IsTime(std::string_view text) {
 /// No place is more than 14 hours off.
 bool IsOffset(std::string_view text) {
   constexpr int kMostHours = 14, kSixty = 60;
-  return (Has(text, "+dd:dd") || (Has(text.substr(std::min<size_t>(1, text.size())), "dd:dd") &&
-                                  text[0] == '-')) &&
+  return (Has(text, "+dd:dd") ||
+          (Has(text.substr(std::min<size_t>(1, text.size())), "dd:dd") && text[0] == '-')) &&
          NumberAt(text, 1) <= kMostHours && NumberAt(text, 4) < kSixty;
 }
 

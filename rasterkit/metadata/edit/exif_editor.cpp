@@ -41,8 +41,8 @@ TagValue GpsVersion(int version) {
   return {kGpsVersion,
           kByte,
           4,
-          {static_cast<uint8_t>(version / kHundred),
-           static_cast<uint8_t>(version / kTen % kTen), static_cast<uint8_t>(version % kTen), 0}};
+          {static_cast<uint8_t>(version / kHundred), static_cast<uint8_t>(version / kTen % kTen),
+           static_cast<uint8_t>(version % kTen), 0}};
 }
 
 }  // namespace
@@ -79,8 +79,7 @@ void ExifEditor::RaiseVersions(Id directory, uint16_t tag) {
     return one.directory == directory && tag >= one.first && tag <= one.last;
   });
   if (row == std::end(kVersions)) return;
-  const auto stated =
-      block_.Get(directory, directory == Id::gps ? kGpsVersion : kExifVersion);
+  const auto stated = block_.Get(directory, directory == Id::gps ? kGpsVersion : kExifVersion);
   if (!stated || stated->bytes.size() != 4) return;
   int version = 0;
   constexpr int kTen = 10;

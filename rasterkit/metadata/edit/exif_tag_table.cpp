@@ -189,9 +189,9 @@ const ExifTagFact* FindExifTag(std::string_view name) {
   const auto is = [&](std::string_view other) {
     return !other.empty() && CompareText(other, name) == 0;
   };
-  const auto* found = std::find_if(
-      std::begin(kTags), std::end(kTags),
-      [&](const ExifTagFact& fact) { return is(fact.name) || is(fact.otherName); });
+  const auto* found =
+      std::find_if(std::begin(kTags), std::end(kTags),
+                   [&](const ExifTagFact& fact) { return is(fact.name) || is(fact.otherName); });
   return found == std::end(kTags) ? nullptr : found;
 }
 

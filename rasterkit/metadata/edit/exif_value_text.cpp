@@ -150,9 +150,8 @@ void RequireText(std::string_view text) {
 }
 
 bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char letter) {
-    return static_cast<uint8_t>(letter) < 0x80;
-  });
+  return std::all_of(text.begin(), text.end(),
+                     [](char letter) { return static_cast<uint8_t>(letter) < 0x80; });
 }
 
 void SetText(TagValue& value, std::string_view text) {
@@ -254,9 +253,9 @@ struct Letters {
   uint16_t tag;
   std::string_view allowed;
 };
-constexpr Letters kLetters[] = {{1, "NS"},   {3, "EW"},  {9, "AV"},  {10, "23"},  {12, "KMN"},
-                                {14, "TM"},  {16, "TM"}, {19, "NS"}, {21, "EW"}, {23, "TM"},
-                                {25, "KMN"}};
+constexpr Letters kLetters[] = {{1, "NS"},   {3, "EW"},  {9, "AV"},  {10, "23"},
+                                {12, "KMN"}, {14, "TM"}, {16, "TM"}, {19, "NS"},
+                                {21, "EW"},  {23, "TM"}, {25, "KMN"}};
 
 void CheckLetter(const ExifTagFact& fact, std::string_view text) {
   if (fact.directory != ExifDirectoryId::gps) return;

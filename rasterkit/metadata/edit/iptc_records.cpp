@@ -203,9 +203,9 @@ const IptcFact* FindIptcFact(std::string_view name) {
   const auto is = [&](std::string_view other) {
     return !other.empty() && CompareText(other, name) == 0;
   };
-  const auto* found =
-      std::find_if(std::begin(kFacts), std::end(kFacts),
-                   [&](const IptcFact& fact) { return is(fact.name) || is(fact.otherName); });
+  const auto* found = std::find_if(std::begin(kFacts), std::end(kFacts), [&](const IptcFact& fact) {
+    return is(fact.name) || is(fact.otherName);
+  });
   return found == std::end(kFacts) ? nullptr : found;
 }
 

@@ -43,9 +43,8 @@ bool IsCoordinate(const XmpName& name) {
   if (name.uri == kGeo) return true;
   const std::string local = LowerCase(name.local);
   if (local.starts_with("gps")) return true;
-  return std::any_of(std::begin(kParts), std::end(kParts), [&](std::string_view part) {
-    return local.find(part) != std::string::npos;
-  });
+  return std::any_of(std::begin(kParts), std::end(kParts),
+                     [&](std::string_view part) { return local.find(part) != std::string::npos; });
 }
 
 bool IsPlace(const XmpName& name) {

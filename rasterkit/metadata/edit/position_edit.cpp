@@ -50,8 +50,9 @@ TagValue DegreesTag(uint16_t tag, double degrees) {
 
 TagValue AltitudeTag(double altitude) {
   constexpr int64_t kPerMeter = 1000;
-  return Fractions(exif::kAltitude,
-                   {{std::llround(std::abs(altitude) * static_cast<double>(kPerMeter)), kPerMeter}});
+  return Fractions(
+      exif::kAltitude,
+      {{std::llround(std::abs(altitude) * static_cast<double>(kPerMeter)), kPerMeter}});
 }
 
 void Check(const GpsPosition& position) {
@@ -141,9 +142,9 @@ void SetDateInExif(Metadata& metadata, const MomentText& moment, const EditedPic
   editor.Finish();
 }
 
-constexpr std::string_view kXmpDates[] = {
-    "exif:DateTimeOriginal", "exif:DateTimeDigitized", "xmp:CreateDate",
-    "xmp:ModifyDate",        "tiff:DateTime",          "photoshop:DateCreated"};
+constexpr std::string_view kXmpDates[] = {"exif:DateTimeOriginal", "exif:DateTimeDigitized",
+                                          "xmp:CreateDate",        "xmp:ModifyDate",
+                                          "tiff:DateTime",         "photoshop:DateCreated"};
 
 void SetDateInXmp(std::string& packet, const MomentText& moment) {
   for (const std::string_view name : kXmpDates) {

@@ -21,8 +21,8 @@ using Id = ExifDirectoryId;
 constexpr uint16_t kPrivateNote = 50740;
 
 bool IsOfColors(const OtherBlock& chunk) {
-  constexpr std::array kKinds = {PngKind("sRGB"), PngKind("gAMA"), PngKind("cHRM"), PngKind("cICP"),
-                                 PngKind("mDCV"), PngKind("cLLI")};
+  constexpr std::array kKinds = {PngKind("sRGB"), PngKind("gAMA"), PngKind("cHRM"),
+                                 PngKind("cICP"), PngKind("mDCV"), PngKind("cLLI")};
   return std::find(kKinds.begin(), kKinds.end(), chunk.kind) != kKinds.end();
 }
 

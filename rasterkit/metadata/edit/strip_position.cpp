@@ -203,8 +203,8 @@ void StripExif(Bytes& bytes, Patterns& patterns, Changes& changes) {
 // --- Other blocks --------------------------------------------------------------------------------
 
 /// Letters by which the blocks of programs and cameras show that they state a position.
-constexpr std::string_view kMarks[] = {"GPSL",      "GpsL",      "gpsL",      "gps:l",
-                                       "GPS5",      "GPSPos",    "\"latitude", "\"Latitude",
+constexpr std::string_view kMarks[] = {"GPSL",       "GpsL",      "gpsL",       "gps:l",
+                                       "GPS5",       "GPSPos",    "\"latitude", "\"Latitude",
                                        "Longitude=", "longitude="};
 
 bool ShowsPosition(std::span<const uint8_t> bytes) {
@@ -234,9 +234,9 @@ void StripOthers(std::vector<OtherBlock>& blocks, Patterns& patterns, Changes& c
 bool IsPlaceText(const PictureText& text) {
   const std::string keyword = LowerCase(text.keyword);
   constexpr std::string_view kParts[] = {"gps", "latitude", "longitude", "altitude", "location"};
-  const bool isNamed = std::any_of(std::begin(kParts), std::end(kParts), [&](std::string_view part) {
-    return keyword.find(part) != std::string::npos;
-  });
+  const bool isNamed =
+      std::any_of(std::begin(kParts), std::end(kParts),
+                  [&](std::string_view part) { return keyword.find(part) != std::string::npos; });
   const auto* first = reinterpret_cast<const uint8_t*>(text.text.data());
   return isNamed || ShowsPosition({first, text.text.size()});
 }

@@ -14,10 +14,14 @@ struct GroupName {
 };
 
 constexpr GroupName kGroups[] = {
-    {"EXIF", TagGroup::exif},           {"GPS", TagGroup::gps},
-    {"XMP", TagGroup::xmp},             {"IPTC", TagGroup::iptc},
-    {"Comment", TagGroup::comment},     {"MakerNote", TagGroup::makerNote},
-    {"Thumbnail", TagGroup::thumbnail}, {"all", TagGroup::all},
+    {"EXIF", TagGroup::exif},
+    {"GPS", TagGroup::gps},
+    {"XMP", TagGroup::xmp},
+    {"IPTC", TagGroup::iptc},
+    {"Comment", TagGroup::comment},
+    {"MakerNote", TagGroup::makerNote},
+    {"Thumbnail", TagGroup::thumbnail},
+    {"all", TagGroup::all},
 };
 
 /// The group in front of a name, which then loses it; empty if there is none.

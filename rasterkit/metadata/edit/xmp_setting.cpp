@@ -167,8 +167,7 @@ const XmpFact* FindXmpFact(std::string_view name) {
   const size_t colon = name.find(':');
   const std::string_view prefix =
       colon == std::string_view::npos ? std::string_view() : name.substr(0, colon);
-  const std::string_view local =
-      colon == std::string_view::npos ? name : name.substr(colon + 1);
+  const std::string_view local = colon == std::string_view::npos ? name : name.substr(colon + 1);
   const auto* found = std::find_if(std::begin(kFacts), std::end(kFacts), [&](const XmpFact& fact) {
     return CompareText(fact.name, local) == 0 &&
            (prefix.empty() || CompareText(fact.prefix, prefix) == 0);
