@@ -127,6 +127,7 @@ class Mover {
   std::vector<uint8_t> Move(const Look& look) {
     const std::vector<BlockPath> paths = Paths();
     std::vector<BlockCounts> counts;
+    counts.reserve(paths.size());
     for (const BlockPath& path : paths) counts.push_back(path.Counts());
     const std::vector<jpeg_scan_info> scans = ScanScriptFor(parts_, form_);
     const Encoding encoding{&move_, &form_, scans.data(), static_cast<int>(scans.size()),
