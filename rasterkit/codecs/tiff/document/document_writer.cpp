@@ -3,9 +3,9 @@
 
 #include <tiff.h>
 
-#include <rasterkit/codecs/tiff/document/byte_order.h>
 #include <rasterkit/codecs/tiff/document/document_state.h>
 #include <rasterkit/codecs/tiff/document/kept_position.h>
+#include <rasterkit/codecs/tiff/document/other_order.h>
 #include <rasterkit/codecs/tiff/pages/new_page.h>
 #include <rasterkit/codecs/tiff/pages/page_copy.h>
 #include <rasterkit/codecs/tiff/pages/page_facts.h>

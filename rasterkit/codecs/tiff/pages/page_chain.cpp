@@ -22,7 +22,7 @@ PageChain::PageChain(const TagReader& reader) {
     const auto link = reader.Link(at);
     if (!link) break;
     const bool belongs = (link->subfileType & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) != 0;
-    // The first directory is a page, whatever it says.
+    // The first directory is always a page.
     if (!belongs || directories_.empty()) starts_.push_back(directories_.size());
     directories_.push_back(at);
     at = link->next;

@@ -359,7 +359,7 @@ uint64_t PageCopier::Write(TagFileWriter& file, uint64_t linkAt, Changes& change
   copied_.try_emplace(first_.at);
   Structure main = Copy(first_, changes);
   if (writing_) AddMetadata(main, changes);
-  // The first directory of a file is a page, whatever it says.
+  // The first directory of a file is always a page.
   if (linkAt != file.FirstLinkAt()) KeepKind(0, main.tags, changes);
   if (pageNumber_) main.tags[pageNumber_->tag] = *pageNumber_;
   const TagFileWriter::Written page = file.WriteDirectory(main.tags, main.stored, changes);
