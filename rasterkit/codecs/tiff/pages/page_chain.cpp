@@ -1,5 +1,3 @@
-#include <unordered_set>
-
 #include <tiff.h>
 
 #include <rasterkit/codecs/tiff/pages/page_chain.h>
@@ -15,9 +13,8 @@ constexpr size_t kMostDirectories = 65535;
 }  // namespace
 
 PageChain::PageChain(const TagReader& reader) {
-  std::unordered_set<uint64_t> seen;
   uint64_t at = reader.First();
-  while (at != 0 && seen.size() < kMostDirectories && seen.insert(at).second) {
+  while (at != 0 && seen_.size() < kMostDirectories && seen_.insert(at).second) {
     RequireTime();
     const auto link = reader.Link(at);
     if (!link) break;

@@ -12,6 +12,7 @@
 #include <rasterkit/codecs/tiff/pages/tag_kinds.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
+#include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit::detail {
 
@@ -115,7 +116,7 @@ void PageCopier::CollectDirectory(const TagDirectory& directory) {
   RequireTime();
   Charge(directory.entryBytes);
   const StoredBlocks blocks = BlocksOf(reader_, directory);
-  if (requiresSizes_ && blocks.isSizeUnknown) {
+  if (blocks.isSizeUnknown && chain_ && chain_->Pages() > 1) {
     throw FormatError("TIFF: the size of a strip or tile is missing");
   }
   // Directories with lists of their own cannot exceed this.
@@ -190,6 +191,7 @@ uint64_t PageCopier::MostBytes() {
 
 TagValue PageCopier::Take(const TagPlace& place) {
   Charge(place.Bytes());
+  RequirePictureMemory(place.Bytes(), "TIFF: the value of a tag");
   return reader_.Value(place);
 }
 
@@ -278,12 +280,24 @@ PageCopier::Structure PageCopier::Copy(const TagDirectory& directory, Changes& c
   return copy;
 }
 
+/// Directories below a page are those that tag 330 lists; a link from one to a next one leaves
+/// them.
+void PageCopier::MissNext(uint64_t at, Changes& changes) const {
+  const uint64_t next = reader_.Next(at);
+  if (next == 0 || !chain_ || chain_->Contains(next) || collected_.contains(next)) return;
+  const auto directory = reader_.Directory(next);
+  if (!directory || !directory->Has(TIFFTAG_IMAGEWIDTH)) return;
+  changes.Lose(LossKind::hiddenPictures, "the picture after one of tag 330",
+               "only those that the tag lists are copied");
+}
+
 TagValue PageCopier::CopyBelow(const TagPlace& pointer, Changes& changes) {
   std::vector<uint64_t> places;
   bool isComplete = true;
   for (const uint64_t at : reader_.Integers(pointer)) {
     const auto written = CopyDirectory(at, changes);
     if (written) places.push_back(written->at);
+    if (written && pointer.tag == TIFFTAG_SUBIFD) MissNext(at, changes);
     isComplete = isComplete && (written || at == 0);
   }
   if (!isComplete) {
@@ -362,6 +376,9 @@ uint64_t PageCopier::Write(TagFileWriter& file, uint64_t linkAt, Changes& change
   // The first directory of a file is always a page.
   if (linkAt != file.FirstLinkAt()) KeepKind(0, main.tags, changes);
   if (pageNumber_) main.tags[pageNumber_->tag] = *pageNumber_;
+  if (main.tags.empty() && main.stored.empty()) {
+    throw FormatError("TIFF: a page has no tag that can be copied");
+  }
   const TagFileWriter::Written page = file.WriteDirectory(main.tags, main.stored, changes);
   file.Link(linkAt, page.at);
   linkAt = page.linkAt;
@@ -369,6 +386,9 @@ uint64_t PageCopier::Write(TagFileWriter& file, uint64_t linkAt, Changes& change
     if (const auto written = CopyDirectory(at, changes)) {
       file.Link(linkAt, written->at);
       linkAt = written->linkAt;
+    } else if (!writing_) {
+      changes.Lose(LossKind::hiddenPictures, "a smaller copy or mask",
+                   "its directory cannot be read");
     }
   }
   return linkAt;
