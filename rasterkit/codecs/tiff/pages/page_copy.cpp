@@ -242,6 +242,18 @@ void PageCopier::CopyValue(const TagPlace& place, Structure& copy) {
   copy.stored[place.tag] = {place.type, place.count, known->second};
 }
 
+void PageCopier::MissDamaged(const TagDirectory& directory, Changes& changes) {
+  constexpr const char* kWhy = "it reaches beyond the end of the file or has an unknown type";
+  constexpr size_t kMostNamed = 8;
+  const size_t count = directory.damaged.size(), named = std::min(count, kMostNamed);
+  for (size_t i = 0; i < named; i++) {
+    changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", directory.damaged[i]), kWhy);
+  }
+  if (count > named) {
+    changes.Lose(LossKind::otherBlock, fmt::format("{} further TIFF tags", count - named), kWhy);
+  }
+}
+
 /// True for a value of bytes that are numbers in the order of the source.
 bool PageCopier::IsBoundToOrder(uint16_t tag, Changes& changes) const {
   if (reader_.IsBigEndian() == file_->IsBigEndian()) return false;
@@ -271,12 +283,7 @@ PageCopier::Structure PageCopier::Copy(const TagDirectory& directory, Changes& c
   }
   MoveBlocks(directory, copy.tags);
   MoveJpeg(directory, copy.tags, changes);
-  if (!writing_) {
-    for (const uint16_t tag : directory.damaged) {
-      changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", tag),
-                   "it reaches beyond the end of the file or has an unknown type");
-    }
-  }
+  if (!writing_) MissDamaged(directory, changes);
   return copy;
 }
 
@@ -376,9 +383,6 @@ uint64_t PageCopier::Write(TagFileWriter& file, uint64_t linkAt, Changes& change
   // The first directory of a file is always a page.
   if (linkAt != file.FirstLinkAt()) KeepKind(0, main.tags, changes);
   if (pageNumber_) main.tags[pageNumber_->tag] = *pageNumber_;
-  if (main.tags.empty() && main.stored.empty()) {
-    throw FormatError("TIFF: a page has no tag that can be copied");
-  }
   const TagFileWriter::Written page = file.WriteDirectory(main.tags, main.stored, changes);
   file.Link(linkAt, page.at);
   linkAt = page.linkAt;

@@ -76,6 +76,7 @@ class PageCopier {
   TagValue Take(const TagPlace& place);
   void Charge(uint64_t bytes);
   void KeepKind(uint32_t relative, TagMap& tags, Changes& changes) const;
+  static void MissDamaged(const TagDirectory& directory, Changes& changes);
   void MissNext(uint64_t at, Changes& changes) const;
   TagValue CopyBelow(const TagPlace& pointer, Changes& changes);
   std::optional<TagFileWriter::Written> CopyDirectory(uint64_t at, Changes& changes);
