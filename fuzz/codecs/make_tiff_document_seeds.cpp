@@ -1,4 +1,4 @@
-// Writes the seeds of the fuzzer of TIFF documents: tiny files of several pages with edits behind
+// Writes the seeds of the fuzzer of TIFF documents: tiny files of several pages with edits after
 // their end. usage: make_tiff_document_seeds FOLDER
 
 #include <cstdio>

@@ -12,7 +12,7 @@
 ///
 /// Pages are counted from 1. A page is a directory of the chain that is neither a smaller copy nor
 /// a mask (bits 1 and 4 of tag 254); copies and masks belong to the page before them. The first
-/// directory is a page, whatever it says. At most 65,535 directories are found.
+/// directory is always a page. At most 65,535 directories are found.
 namespace rasterkit {
 
 /// Tag 297: the place of a page in a document, counted from 0, and the number of its pages, 0 if it

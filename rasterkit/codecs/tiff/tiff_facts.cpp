@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 #include <tiff.h>
 
-#include <rasterkit/codecs/tiff/geotiff_tags.h>
+#include <rasterkit/codecs/rows/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/tiff_directory.h>
 #include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/runtime/errors.h>

@@ -58,7 +58,7 @@ std::unique_ptr<detail::PageStream> TiffDocumentReader::State::StreamOf(int page
 uint64_t TiffDocumentReader::State::BytesOf(int page, const PictureWriting* writing) const {
   detail::CopiedSource source(reader);
   detail::PageCopier copier(reader, source, writing);
-  if (chain.Pages() > 1) copier.RequireSizes();
+  copier.SetChain(chain);
   copier.Collect(Directory(page), chain.Following(IndexOf(page)));
   return copier.MostBytes();
 }

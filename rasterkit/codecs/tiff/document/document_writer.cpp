@@ -3,9 +3,9 @@
 
 #include <tiff.h>
 
-#include <rasterkit/codecs/tiff/document/byte_order.h>
 #include <rasterkit/codecs/tiff/document/document_state.h>
 #include <rasterkit/codecs/tiff/document/kept_position.h>
+#include <rasterkit/codecs/tiff/document/other_order.h>
 #include <rasterkit/codecs/tiff/pages/new_page.h>
 #include <rasterkit/codecs/tiff/pages/page_copy.h>
 #include <rasterkit/codecs/tiff/pages/page_facts.h>
@@ -111,7 +111,7 @@ WrittenPicture TiffDocumentWriter::State::Copy(const TiffDocumentReader::State& 
   form.isBigTiff = file.IsBig();
   form.isBigEndian = file.IsBigEndian();
   detail::PageCopier copier(source.reader, SourceOf(source, page), writing);
-  if (source.chain.Pages() > 1) copier.RequireSizes();
+  copier.SetChain(source.chain);
   copier.Collect(first, source.chain.Following(source.IndexOf(page)));
   if (const auto value = TakeNumber()) copier.SetPageNumber(*value);
   Write(copier, written.changes);

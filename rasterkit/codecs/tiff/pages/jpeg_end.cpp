@@ -12,7 +12,7 @@ namespace {
 constexpr uint8_t kMark = 0xFF, kStart = 0xD8, kEnd = 0xD9, kScan = 0xDA;
 constexpr size_t kPieceBytes = 64 << 10;
 
-/// Behind the end marker, or the end of the file.
+/// After the end marker, or the end of the file.
 uint64_t EndOfScans(const TagReader& reader, uint64_t at) {
   std::vector<uint8_t> piece;
   bool isMarked = false;

@@ -6,8 +6,8 @@
 
 namespace rasterkit::detail {
 
-/// The end of the JPEG file that starts at a place of a TIFF file without a size: behind its end
-/// marker or, if `hasStrips`, behind the header of its scan, as its data are the strips. 0 if there
+/// The end of the JPEG file that starts at a place of a TIFF file without a size: after its end
+/// marker or, if `hasStrips`, after the header of its scan, as its data are the strips. 0 if there
 /// is no JPEG file.
 uint64_t JpegEnd(const TagReader& reader, uint64_t at, bool hasStrips);
 

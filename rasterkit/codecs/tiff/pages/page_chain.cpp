@@ -1,5 +1,3 @@
-#include <unordered_set>
-
 #include <tiff.h>
 
 #include <rasterkit/codecs/tiff/pages/page_chain.h>
@@ -15,14 +13,13 @@ constexpr size_t kMostDirectories = 65535;
 }  // namespace
 
 PageChain::PageChain(const TagReader& reader) {
-  std::unordered_set<uint64_t> seen;
   uint64_t at = reader.First();
-  while (at != 0 && seen.size() < kMostDirectories && seen.insert(at).second) {
+  while (at != 0 && seen_.size() < kMostDirectories && seen_.insert(at).second) {
     RequireTime();
     const auto link = reader.Link(at);
     if (!link) break;
     const bool belongs = (link->subfileType & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) != 0;
-    // The first directory is a page, whatever it says.
+    // The first directory is always a page.
     if (!belongs || directories_.empty()) starts_.push_back(directories_.size());
     directories_.push_back(at);
     at = link->next;

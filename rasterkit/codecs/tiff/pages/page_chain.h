@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <unordered_set>
 #include <vector>
 
 #include <rasterkit/codecs/tiff/pages/tag_reader.h>
@@ -20,6 +21,8 @@ class PageChain {
   uint64_t At(size_t page) const { return directories_[starts_[page]]; }
   /// Smaller copies and masks that follow a page.
   std::span<const uint64_t> Following(size_t page) const;
+  /// True for a directory of any page.
+  bool Contains(uint64_t at) const { return seen_.contains(at); }
   /// The last directory that belongs to a page by its place in the chain.
   uint64_t LastAt(size_t page) const;
 
@@ -30,6 +33,7 @@ class PageChain {
 
   std::vector<uint64_t> directories_;
   std::vector<size_t> starts_;
+  std::unordered_set<uint64_t> seen_;
 };
 
 }  // namespace rasterkit::detail

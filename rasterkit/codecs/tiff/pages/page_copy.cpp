@@ -12,6 +12,7 @@
 #include <rasterkit/codecs/tiff/pages/tag_kinds.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
+#include <rasterkit/runtime/memory/memory_budget.h>
 
 namespace rasterkit::detail {
 
@@ -115,7 +116,7 @@ void PageCopier::CollectDirectory(const TagDirectory& directory) {
   RequireTime();
   Charge(directory.entryBytes);
   const StoredBlocks blocks = BlocksOf(reader_, directory);
-  if (requiresSizes_ && blocks.isSizeUnknown) {
+  if (blocks.isSizeUnknown && chain_ && chain_->Pages() > 1) {
     throw FormatError("TIFF: the size of a strip or tile is missing");
   }
   // Directories with lists of their own cannot exceed this.
@@ -190,6 +191,7 @@ uint64_t PageCopier::MostBytes() {
 
 TagValue PageCopier::Take(const TagPlace& place) {
   Charge(place.Bytes());
+  RequirePictureMemory(place.Bytes(), "TIFF: the value of a tag");
   return reader_.Value(place);
 }
 
@@ -240,6 +242,18 @@ void PageCopier::CopyValue(const TagPlace& place, Structure& copy) {
   copy.stored[place.tag] = {place.type, place.count, known->second};
 }
 
+void PageCopier::MissDamaged(const TagDirectory& directory, Changes& changes) {
+  constexpr const char* kWhy = "it reaches beyond the end of the file or has an unknown type";
+  constexpr size_t kMostNamed = 8;
+  const size_t count = directory.damaged.size(), named = std::min(count, kMostNamed);
+  for (size_t i = 0; i < named; i++) {
+    changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", directory.damaged[i]), kWhy);
+  }
+  if (count > named) {
+    changes.Lose(LossKind::otherBlock, fmt::format("{} further TIFF tags", count - named), kWhy);
+  }
+}
+
 /// True for a value of bytes that are numbers in the order of the source.
 bool PageCopier::IsBoundToOrder(uint16_t tag, Changes& changes) const {
   if (reader_.IsBigEndian() == file_->IsBigEndian()) return false;
@@ -269,13 +283,19 @@ PageCopier::Structure PageCopier::Copy(const TagDirectory& directory, Changes& c
   }
   MoveBlocks(directory, copy.tags);
   MoveJpeg(directory, copy.tags, changes);
-  if (!writing_) {
-    for (const uint16_t tag : directory.damaged) {
-      changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", tag),
-                   "it reaches beyond the end of the file or has an unknown type");
-    }
-  }
+  if (!writing_) MissDamaged(directory, changes);
   return copy;
+}
+
+/// Directories below a page are those that tag 330 lists; a link from one to a next one leaves
+/// them.
+void PageCopier::MissNext(uint64_t at, Changes& changes) const {
+  const uint64_t next = reader_.Next(at);
+  if (next == 0 || !chain_ || chain_->Contains(next) || collected_.contains(next)) return;
+  const auto directory = reader_.Directory(next);
+  if (!directory || !directory->Has(TIFFTAG_IMAGEWIDTH)) return;
+  changes.Lose(LossKind::hiddenPictures, "the picture after one of tag 330",
+               "only those that the tag lists are copied");
 }
 
 TagValue PageCopier::CopyBelow(const TagPlace& pointer, Changes& changes) {
@@ -284,6 +304,7 @@ TagValue PageCopier::CopyBelow(const TagPlace& pointer, Changes& changes) {
   for (const uint64_t at : reader_.Integers(pointer)) {
     const auto written = CopyDirectory(at, changes);
     if (written) places.push_back(written->at);
+    if (written && pointer.tag == TIFFTAG_SUBIFD) MissNext(at, changes);
     isComplete = isComplete && (written || at == 0);
   }
   if (!isComplete) {
@@ -359,7 +380,7 @@ uint64_t PageCopier::Write(TagFileWriter& file, uint64_t linkAt, Changes& change
   copied_.try_emplace(first_.at);
   Structure main = Copy(first_, changes);
   if (writing_) AddMetadata(main, changes);
-  // The first directory of a file is a page, whatever it says.
+  // The first directory of a file is always a page.
   if (linkAt != file.FirstLinkAt()) KeepKind(0, main.tags, changes);
   if (pageNumber_) main.tags[pageNumber_->tag] = *pageNumber_;
   const TagFileWriter::Written page = file.WriteDirectory(main.tags, main.stored, changes);
@@ -369,6 +390,9 @@ uint64_t PageCopier::Write(TagFileWriter& file, uint64_t linkAt, Changes& change
     if (const auto written = CopyDirectory(at, changes)) {
       file.Link(linkAt, written->at);
       linkAt = written->linkAt;
+    } else if (!writing_) {
+      changes.Lose(LossKind::hiddenPictures, "a smaller copy or mask",
+                   "its directory cannot be read");
     }
   }
   return linkAt;

@@ -10,6 +10,7 @@
 
 #include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/codecs/tiff/pages/moved_bytes.h>
+#include <rasterkit/codecs/tiff/pages/page_chain.h>
 #include <rasterkit/codecs/tiff/pages/page_metadata.h>
 #include <rasterkit/codecs/tiff/pages/stored_blocks.h>
 #include <rasterkit/codecs/tiff/pages/tag_file_writer.h>
@@ -44,8 +45,9 @@ class PageCopier {
   void Collect(const TagDirectory& first, std::span<const uint64_t> following);
   /// Upper bound of the bytes that `Write` adds to the file.
   uint64_t MostBytes();
-  /// A strip without a size may reach to the end of the file, unless other pages follow.
-  void RequireSizes() { requiresSizes_ = true; }
+  /// The chain that the page is one of: a strip without a size must not reach over other pages, and
+  /// pictures that belong to no chain are missed.
+  void SetChain(const PageChain& chain) { chain_ = &chain; }
   /// Tag 297 of the written page; without it that of the source stays.
   void SetPageNumber(const TagValue& number) { pageNumber_ = number; }
   /// Writes the page and makes it the next directory of the link; returns the link to the page
@@ -74,6 +76,8 @@ class PageCopier {
   TagValue Take(const TagPlace& place);
   void Charge(uint64_t bytes);
   void KeepKind(uint32_t relative, TagMap& tags, Changes& changes) const;
+  static void MissDamaged(const TagDirectory& directory, Changes& changes);
+  void MissNext(uint64_t at, Changes& changes) const;
   TagValue CopyBelow(const TagPlace& pointer, Changes& changes);
   std::optional<TagFileWriter::Written> CopyDirectory(uint64_t at, Changes& changes);
   void AddMetadata(Structure& main, Changes& changes);
@@ -90,7 +94,7 @@ class PageCopier {
   Changes changes_;
   TagFileWriter* file_ = nullptr;
   uint64_t tagBytes_ = 0;
-  bool requiresSizes_ = false;
+  const PageChain* chain_ = nullptr;
   int depth_ = 0;
   std::unordered_set<uint64_t> collected_;
   /// Directories that were written, and those that are being written, with place 0.

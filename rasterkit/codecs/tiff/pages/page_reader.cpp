@@ -3,7 +3,7 @@
 
 #include <tiff.h>
 
-#include <rasterkit/codecs/tiff/geotiff_tags.h>
+#include <rasterkit/codecs/rows/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/pages/page_facts.h>
 #include <rasterkit/codecs/tiff/pages/page_metadata.h>
 #include <rasterkit/codecs/tiff/pages/page_stream.h>

@@ -165,6 +165,7 @@ TagFileWriter::Written TagFileWriter::WriteDirectory(const TagMap& tags, const S
       Put(entry, Append(value.bytes), offsetBytes);
     }
   }
+  if (entries.empty()) throw FormatError("TIFF: a directory has no tag that can be written");
   if (!isBig_ && entries.size() > UINT16_MAX) {
     throw LimitError("TIFF: a directory of more than 65,535 tags must be in a BigTIFF file");
   }

@@ -54,7 +54,8 @@ class TagFileWriter {
     uint64_t linkAt = 0;
   };
   /// Writes a directory and its values. In a classic file, 64-bit numbers become 32-bit ones; a tag
-  /// whose numbers are too large is skipped and added to `changes`.
+  /// whose numbers are too large is skipped and added to `changes`. Throws FormatError if no tag is
+  /// left.
   Written WriteDirectory(const TagMap& tags, Changes& changes) {
     return WriteDirectory(tags, {}, changes);
   }

@@ -1,5 +1,5 @@
 // Copied pages against a reader of the test's own: every block, every tag, every directory below,
-// in files of both orders of bytes and both widths; nothing of the pages that stay behind.
+// in files of both orders of bytes and both widths; nothing of the other pages.
 
 #include <algorithm>
 #include <numeric>

@@ -181,6 +181,24 @@ TEST(HostileTiffDocument, Should_DropThePointer_When_DirectoryLeadsBack) {
   EXPECT_TRUE(pages[0].below.empty());
 }
 
+/// Tag 330 lists one directory, which has a link to another one.
+TEST(HostileTiffDocument, Should_SayWhatIsMissed_When_DirectoryBelowHasANextOne) {
+  for (const bool isOfChain : {false, true}) {
+    RawDocument file;
+    const uint64_t below = 8 + RawDocument::kPageBytes, next = below + RawDocument::kPageBytes;
+    file.Words({8}).Entry(254, 4, 1, 0).Entry(256, 4, 1, 4).Entry(257, 4, 1, 4);
+    file.Entry(258, 3, 1, 8).Entry(259, 3, 1, 5).Entry(273, 4, 1, 8).Entry(279, 4, 1, 16);
+    file.Entry(330, 4, 1, below).Long(isOfChain ? next : 0);
+    file.Page(8, 20, next, 1).Page(8, 20, 0);
+    TSpanStream stream(file.Bytes());
+    TMemoryStream target;
+    TiffDocumentWriter writer(target, false, false);
+    EXPECT_EQ(writer.CopyPage(stream, 1).changes.losses.size(), isOfChain ? 0u : 1u);
+    writer.Finish();
+    EXPECT_EQ(ReadMade(target.TakeBytes()).at(0).below.at(330).size(), 1u);
+  }
+}
+
 TEST(HostileTiffDocument, Should_Refuse_When_DirectoriesLieTooDeep) {
   RawDocument file;
   constexpr uint64_t kDeep = 50000, kBytes = 2 + 12 + 4;

@@ -12,7 +12,7 @@ namespace {
 constexpr uint16_t kPointers[] = {330, 400, 34665, 34853, 40965};
 constexpr uint16_t kPieces[] = {513, 519, 520, 521};
 
-/// Writes directories at the end of the file, values before or behind them.
+/// Writes directories at the end of the file, values before or after them.
 class Maker {
  public:
   Maker(bool isBig, bool isBigEndian, std::mt19937& random, std::vector<ByteList>* gaps)
@@ -50,7 +50,7 @@ class Maker {
       bytes_[at + static_cast<size_t>(place)] = static_cast<uint8_t>(number >> 8 * i);
     }
   }
-  /// At an even place behind a gap.
+  /// At an even place after a gap.
   size_t Append(const ByteList& bytes) {
     const ByteList gap = RandomBytes(16 + bytes_.size() % 2 + 2 * (random_() % 8), random_);
     bytes_.insert(bytes_.end(), gap.begin(), gap.end());

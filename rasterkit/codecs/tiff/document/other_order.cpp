@@ -3,7 +3,7 @@
 
 #include <tiff.h>
 
-#include <rasterkit/codecs/tiff/document/byte_order.h>
+#include <rasterkit/codecs/tiff/document/other_order.h>
 #include <rasterkit/codecs/tiff/pages/tag_kinds.h>
 #include <rasterkit/runtime/limits.h>
 
