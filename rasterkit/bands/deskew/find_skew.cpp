@@ -19,8 +19,19 @@ constexpr int kMostSlope = 17560, kStep = 172;
 constexpr int kStepsAround = 2, kFinerSteps = 5;
 /// Fewer edges are specks.
 constexpr size_t kLeastEdges = 300;
-/// What the best angle must have above the usual one.
-constexpr double kLeastConfidence = 1.6;
+/// What a scan has: most of it is paper, and one angle stands out. On less paper, such as a colored
+/// map, the angle must stand out more. Found with scans and photographs.
+struct Paper {
+  int background;
+  double confidence;
+};
+constexpr Paper kPapers[] = {{800, 5}, {500, 10}};
+
+bool IsScan(const SkewEdges& edges, double confidence) {
+  return std::any_of(std::begin(kPapers), std::end(kPapers), [&](const Paper& paper) {
+    return edges.background >= paper.background && confidence >= paper.confidence;
+  });
+}
 
 struct Best {
   int slope = 0;
@@ -40,12 +51,26 @@ Best BestAround(const SkewEdges& edges, int slope, int steps, int step, int binB
   return best;
 }
 
-/// The top of a parabola through three scores, in steps from the middle one.
-double TopOf(uint64_t before, uint64_t middle, uint64_t after) {
-  const auto low = static_cast<double>(before), high = static_cast<double>(middle),
-             next = static_cast<double>(after);
-  const double curve = low - 2 * high + next;
-  return curve < 0 ? std::clamp((low - next) / (2 * curve), -0.5, 0.5) : 0;
+/// The center of the scores around a slope that lie above a part of the best one. The best one
+/// alone depends on how the lines meet the pixels.
+double CenterAround(const SkewEdges& edges, int slope) {
+  constexpr int kSteps = 24, kSmallStep = 8;
+  constexpr int64_t kWhole = 5, kPart = 3;
+  std::vector<int64_t> scores;
+  for (int i = -kSteps; i <= kSteps; ++i) {
+    RequireTime();
+    scores.push_back(static_cast<int64_t>(SkewScore(edges, slope + i * kSmallStep, 0)));
+  }
+  const int64_t best = *std::max_element(scores.begin(), scores.end());
+  int64_t weights = 0, moment = 0;
+  for (int i = -kSteps; i <= kSteps; ++i) {
+    const int64_t score = scores[static_cast<size_t>(i + kSteps)];
+    const int64_t weight = std::max<int64_t>(kWhole * score - kPart * best, 0);
+    weights += weight;
+    moment += weight * i * kSmallStep;
+  }
+  if (weights == 0) return slope;
+  return slope + static_cast<double>(moment) / static_cast<double>(weights);
 }
 
 double DegreesOf(double slope) {
@@ -62,8 +87,7 @@ double Refined(const SkewEdges& edges, int slope) {
     step = std::max(step / kFinerSteps, 1);
     slope = BestAround(edges, slope, steps, step, binBits).slope;
   }
-  const auto score = [&](int at) { return SkewScore(edges, at, 0); };
-  return slope + step * TopOf(score(slope - step), score(slope), score(slope + step));
+  return CenterAround(edges, slope);
 }
 
 }  // namespace
@@ -87,7 +111,7 @@ Skew FindSkew(const Raster& picture) {
   skew.confidence =
       static_cast<double>(best.score) / static_cast<double>(std::max<uint64_t>(*middle, 1));
   const double slope = Refined(edges, best.slope);
-  skew.isFound = skew.confidence >= kLeastConfidence && std::abs(slope) <= kMostSlope;
+  skew.isFound = IsScan(edges, skew.confidence) && std::abs(slope) <= kMostSlope;
   if (skew.isFound) skew.degrees = DegreesOf(slope);
   return skew;
 }

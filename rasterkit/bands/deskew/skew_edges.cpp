@@ -61,24 +61,46 @@ class GrayRow {
   std::array<int, kGrays> entries_{};
 };
 
-/// The range of grays without the rarest ones.
-int RangeOf(const SkewGrays& grays) {
-  constexpr size_t kRare = 2000;
-  std::array<size_t, kGrays> counts{};
-  for (const uint8_t gray : grays.grays) ++counts[gray];
-  const size_t rare = grays.grays.size() / kRare;
-  const auto bound = [&](int from, int step) {
+/// How often each gray is there.
+class Histogram {
+ public:
+  explicit Histogram(const SkewGrays& grays) : all_(grays.grays.size()) {
+    for (const uint8_t gray : grays.grays) ++counts_[gray];
+  }
+
+  /// The range of grays without the rarest ones.
+  int Range() const { return Bound(kWhite, -1) - Bound(0, 1); }
+
+  /// Thousandths of the pixels that lie around the gray for which they are most.
+  int MostAround(int distance) const {
+    constexpr size_t kWhole = 1000;
+    size_t most = 0;
+    for (int gray = 0; gray < kGrays; ++gray) {
+      const int end = std::min(gray + distance + 1, kGrays);
+      size_t around = 0;
+      for (int i = std::max(gray - distance, 0); i < end; ++i) around += Count(i);
+      most = std::max(most, around);
+    }
+    return all_ == 0 ? 0 : static_cast<int>(most * kWhole / all_);
+  }
+
+ private:
+  size_t Count(int gray) const { return counts_[static_cast<size_t>(gray)]; }
+  int Bound(int from, int step) const {
+    constexpr size_t kRare = 2000;
     size_t seen = 0;
     int gray = from;
     while (gray + step >= 0 && gray + step < kGrays) {
-      seen += counts[static_cast<size_t>(gray)];
-      if (seen > rare) break;
+      seen += Count(gray);
+      if (seen > all_ / kRare) break;
       gray += step;
     }
     return gray;
-  };
-  return bound(kWhite, -1) - bound(0, 1);
-}
+  }
+
+  size_t all_;
+  std::array<size_t, kGrays> counts_{};
+};
 
 }  // namespace
 
@@ -105,9 +127,10 @@ SkewGrays SkewGraysOf(const Raster& picture) {
 }
 
 SkewEdges SkewEdgesOf(const SkewGrays& grays) {
-  constexpr int kLeastRange = 24, kPart = 4;
-  SkewEdges edges{grays.width, grays.height, {}, {}};
-  const int range = RangeOf(grays);
+  constexpr int kLeastRange = 24, kPart = 4, kBackgroundPart = 8;
+  const Histogram histogram(grays);
+  const int range = histogram.Range();
+  SkewEdges edges{grays.width, grays.height, histogram.MostAround(range / kBackgroundPart), {}, {}};
   if (range < kLeastRange) return edges;
   const int least = range / kPart;
   for (int y = 0; y + 1 < grays.height; ++y) {

@@ -26,6 +26,8 @@ struct SkewPoint {
 /// Places at edges that run nearly across, and nearly down.
 struct SkewEdges {
   int width = 0, height = 0;
+  /// Thousandths of the pixels that are like the most common gray: within an eighth of the range.
+  int background = 0;
   std::vector<SkewPoint> across, down;
 };
 
@@ -38,8 +40,8 @@ RASTERKIT_EXPORT SkewGrays SkewGraysOf(const Raster& picture);
 
 /// Pixels that differ from the one below by at least a quarter of the picture's range, and by more
 /// than twice of what they differ from the one to the right, are at an edge across; the other way
-/// round at an edge down. The range leaves out the darkest and the lightest 1/2000 of all pixels.
-/// Empty if it is below 24.
+/// round at an edge down. The last row and column have none. The range leaves out the darkest and
+/// the lightest 1/2000 of all pixels. Empty if it is below 24.
 RASTERKIT_EXPORT SkewEdges SkewEdgesOf(const SkewGrays& grays);
 
 }  // namespace rasterkit::detail
