@@ -50,14 +50,16 @@ void MakePicture(const std::string& name) {
 /// The process that saves, with its dots in a pipe.
 class Saver {
  public:
-  Saver(const std::string& picture, const std::string& kind) {
+  /// Without a call the process saves until it is killed; see saver.cpp.
+  Saver(const std::string& picture, const std::string& kind, const std::string& call = {}) {
     int ends[2] = {};
     if (pipe(ends) != 0) return;
     process_ = fork();
     if (process_ == 0) {
       dup2(ends[1], STDOUT_FILENO);
       close(ends[0]);
-      execl(RASTERKIT_SAVER, RASTERKIT_SAVER, picture.c_str(), kind.c_str(), nullptr);
+      execl(RASTERKIT_SAVER, RASTERKIT_SAVER, picture.c_str(), kind.c_str(),
+            call.empty() ? nullptr : call.c_str(), nullptr);
       _exit(127);
     }
     close(ends[1]);
@@ -71,6 +73,11 @@ class Saver {
   bool AwaitDot() const {
     char dot = 0;
     return read(out_, &dot, 1) == 1;
+  }
+  int Wait() const {
+    int status = 0;
+    waitpid(process_, &status, 0);
+    return status;
   }
   /// Returns the number of saves that are left in the pipe; the status goes to `status`.
   int Kill(int& status) const {
@@ -192,6 +199,33 @@ TEST_P(KilledSaves, LeaveNoPictureBesideAnotherOnesWorldFile) {
   std::optional<Environment> memory;
   if (access("/dev/shm", W_OK) == 0) memory.emplace("TMPDIR", "/dev/shm");
   KillOften(GetParam(), IsFullRun() ? kFullKills : kKills, 7);
+}
+
+/// The same at each system call of one save.
+TEST_P(KilledSaves, LeaveWholePicturesAtEachStep) {
+  std::optional<Environment> memory;
+  if (access("/dev/shm", W_OK) == 0) memory.emplace("TMPDIR", "/dev/shm");
+  Counts counts;
+  bool isKilled = true;
+  int call = 0;
+  while (isKilled && !testing::Test::HasFailure()) {
+    ++call;
+    SCOPED_TRACE(std::string(GetParam()) + ", call " + std::to_string(call));
+    const TempFolder folder;
+    MakePicture(folder / "plan.png");
+    const Saver saver(folder / "plan.png", GetParam(), std::to_string(call));
+    const int status = saver.Wait();
+    isKilled = WIFSIGNALED(status);
+    ASSERT_TRUE(isKilled || status == 0) << status;
+    CheckFolder(folder, 0, isKilled ? 0 : 1, counts);
+  }
+  std::cout << GetParam() << ": killed at " << call - 1 << " calls; beside a world file "
+            << counts.withWorldFile << ", without one " << counts.withoutWorldFile
+            << "; backups with a world file " << counts.pairs << ", without one " << counts.lonely
+            << "; temporary files " << counts.temporary << "\n";
+  EXPECT_GT(call, 60);
+  EXPECT_GT(counts.withoutWorldFile, 5) << "killed between the picture and its world file";
+  EXPECT_GT(counts.pairs, 5);
 }
 
 INSTANTIATE_TEST_SUITE_P(Backups, KilledSaves, testing::Values("links", "copies"),

@@ -11,6 +11,7 @@
 
 #include "tool/command/commit_queue.h"
 #include "tool/command/output_options.h"
+#include "tool/reports/point_report.h"
 
 namespace rasterkit::tool {
 
@@ -43,6 +44,8 @@ struct JobResult {
   std::vector<std::string> kept, sources, sideFiles;
   /// Backups of replaced files; in a dry run those that would be made.
   std::vector<std::string> backups;
+  /// The points of --point, if they placed the picture.
+  std::optional<PlacedByPoints> placedBy;
   /// Bytes of the output and memory for making it; bounds in a dry run. 0 if not known.
   uint64_t bytes = 0, memory = 0;
   /// How many of the warnings in the report of a pending picture stand in `warnings` already.

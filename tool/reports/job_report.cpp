@@ -40,6 +40,7 @@ void PrintJson(const OutputOptions& options, const Job& job, const Outcome& outc
   line.Add("kept", result.kept);
   line.Add("side_files", result.sideFiles);
   line.Add("backups", result.backups);
+  if (result.placedBy) line.Add("fit", FitJson(*result.placedBy));
   line.Add("bytes", result.bytes > 0 ? Json(result.bytes) : Json());
   line.Add("memory", result.memory > 0 ? Json(result.memory) : Json());
   line.Add("notes", Joined(result.notes, result.details));
