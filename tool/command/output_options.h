@@ -33,6 +33,8 @@ struct OutputOptions {
   bool overwrite = false;
   /// Each input is its own output.
   bool inPlace = false;
+  /// The verb has --in-place: its outputs can take the place of inputs.
+  bool hasInPlace = true;
   bool noSync = false;
   bool strict = false;
   bool json = false;

@@ -191,6 +191,12 @@ TEST_F(CliThumbnail, Format_Should_NameTheTypeOfOutputsInAFolder) {
             2);
 }
 
+TEST_F(CliThumbnail, Pictures_Should_NotBeReplacedByTheirThumbnails) {
+  WriteBytes(folder_ / "a.jpg", JpegOf({}));
+  EXPECT_EQ(RunTool({"thumbnail", "--size", "60", "--in-place", folder_ / "a.jpg"}).code, 2);
+  EXPECT_EQ(ReadBytes(folder_ / "a.jpg"), JpegOf({}));
+}
+
 TEST_F(CliThumbnail, Size_Should_BeRequiredAndValid) {
   WriteBytes(folder_ / "a.jpg", JpegOf({}));
   EXPECT_EQ(Make("a.jpg", "b.jpg", {}).code, 2);
