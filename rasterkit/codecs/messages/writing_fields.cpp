@@ -20,9 +20,9 @@ void WriteMove(FieldWriter& fields, const PictureMove& move) {
 /// The codec checks the numbers against its picture.
 PictureMove ReadMove(FieldReader& fields) {
   PictureMove move;
-  for (int* number : {&move.left, &move.top, &move.width, &move.height}) {
-    *number = fields.I32In(0, std::numeric_limits<int>::max());
-  }
+  constexpr int kMost = std::numeric_limits<int>::max();
+  for (int* number : {&move.left, &move.top}) *number = fields.I32In(0, kMost);
+  for (int* number : {&move.width, &move.height}) *number = fields.I32In(1, kMost);
   for (bool* flag : {&move.exchangesAxes, &move.reversesColumns, &move.reversesRows}) {
     *flag = fields.Bool();
   }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <fmt/format.h>
@@ -120,8 +121,10 @@ class Mover {
 
   const JpegParts& Parts() const { return parts_; }
 
-  /// Returns a JPEG file without metadata.
-  std::vector<uint8_t> Move() {
+  /// Returns a JPEG file without metadata. Before the library frees the blocks, `look` is called
+  /// with their first coefficients.
+  template <class Look>
+  std::vector<uint8_t> Move(const Look& look) {
     const std::vector<BlockPath> paths = Paths();
     std::vector<BlockCounts> counts;
     for (const BlockPath& path : paths) counts.push_back(path.Counts());
@@ -140,11 +143,15 @@ class Mover {
       jpeg_write_coefficients(&codec, arrays);
     });
     Fill(paths, arrays);
+    look(Small());
     writer_.Run([&] { jpeg_finish_compress(&codec); });
     return writer_.TakeBytes();
   }
 
-  /// The picture of the first coefficients, of the result. Valid as long as this object.
+ private:
+  static constexpr size_t kSpareBytes = 1 << 12;
+
+  /// The first coefficients of the result.
   DcPicture Small() const {
     const jpeg_decompress_struct& source = source_.Codec();
     DcPicture picture;
@@ -161,9 +168,6 @@ class Mover {
     }
     return picture;
   }
-
- private:
-  static constexpr size_t kSpareBytes = 1 << 12;
 
   std::vector<BlockPath> Paths() const {
     const auto grid = BlockGridOf(form_);
@@ -242,15 +246,35 @@ Raster Decoded(Bytes coded, const JpegParts& parts) {
   return DecodeJpeg(file);
 }
 
-/// A new thumbnail; empty if the colors are not known. Small pictures are decoded, as an eighth of
-/// them is too little.
-std::vector<uint8_t> ThumbnailOf(const DcPicture& picture, Bytes coded, const JpegParts& parts) {
+/// True if an eighth of the picture is large enough for a thumbnail.
+bool IsLarge(const DcPicture& picture) {
   const ThumbnailSides sides = ThumbnailSidesOf(picture.width, picture.height);
-  if (!HasColors(picture)) return {};
-  const bool isLarge =
-      picture.width >= sides.width * kBlockPixels && picture.height >= sides.height * kBlockPixels;
-  return EncodeThumbnail(isLarge ? RowsOf(picture) : Decoded(coded, parts), sides);
+  return picture.width >= sides.width * kBlockPixels &&
+         picture.height >= sides.height * kBlockPixels;
 }
+
+/// Makes the thumbnail of a moved picture.
+class ThumbnailMaker {
+ public:
+  /// Called while the coefficients are there.
+  void Look(const DcPicture& picture) {
+    sides_ = ThumbnailSidesOf(picture.width, picture.height);
+    hasColors_ = HasColors(picture);
+    if (hasColors_ && IsLarge(picture)) rows_ = RowsOf(picture);
+  }
+
+  /// Empty if the colors are not known. A small picture is decoded.
+  std::vector<uint8_t> Make(Bytes coded, const JpegParts& parts) const {
+    if (!hasColors_) return {};
+    if (rows_) return EncodeThumbnail(*rows_, sides_);
+    return EncodeThumbnail(Decoded(coded, parts), sides_);
+  }
+
+ private:
+  std::optional<Raster> rows_;
+  ThumbnailSides sides_;
+  bool hasColors_ = false;
+};
 
 }  // namespace
 
@@ -258,16 +282,20 @@ WrittenPicture MoveJpeg(Bytes file, const PictureHeader& header, const PictureWr
                         TStream& stream) {
   RequireExact(header, *writing.move);
   Mover mover(file, header, *writing.move);
-  const std::vector<uint8_t> coded = mover.Move();
+  Metadata metadata = writing.metadata;
+  const bool makesThumbnail = writing.makesThumbnail && HasThumbnail(metadata);
+  ThumbnailMaker thumbnail;
+  const std::vector<uint8_t> coded = mover.Move([&](const DcPicture& picture) {
+    if (makesThumbnail) thumbnail.Look(picture);
+  });
   WrittenPicture written;
   written.layout = header.layout;
   JpegForm form = FormOfJpeg(ReadJpegHead(coded));
   form.adobeTransform = std::get<JpegForm>(header.form).adobeTransform;
   written.form = form;
 
-  Metadata metadata = writing.metadata;
-  if (writing.makesThumbnail && HasThumbnail(metadata)) {
-    ReplaceThumbnails(metadata, ThumbnailOf(mover.Small(), coded, mover.Parts()), written.changes);
+  if (makesThumbnail) {
+    ReplaceThumbnails(metadata, thumbnail.Make(coded, mover.Parts()), written.changes);
   }
   std::vector<uint8_t> head(coded.begin(), coded.begin() + kStartBytes);
   AppendMetadata(head, mover.Parts(), header.metadata, metadata,

@@ -44,6 +44,7 @@ BareJpeg ReadBare(std::span<const uint8_t> file) {
   jpeg_read_header(&codec, TRUE);
   BareJpeg picture;
   picture.restartInterval = static_cast<int>(codec.restart_interval);
+  const long headerWarnings = errors.num_warnings;
   jvirt_barray_ptr* arrays = jpeg_read_coefficients(&codec);
   picture.width = static_cast<int>(codec.image_width);
   picture.height = static_cast<int>(codec.image_height);
@@ -52,7 +53,6 @@ BareJpeg ReadBare(std::span<const uint8_t> file) {
   picture.arithmetic = codec.arith_code != FALSE;
   picture.hasAdobe = codec.saw_Adobe_marker != FALSE;
   picture.hasJfif = codec.saw_JFIF_marker != FALSE;
-  picture.warnings = errors.num_warnings;
   for (int i = 0; i < codec.num_components; i++) {
     const jpeg_component_info& info = codec.comp_info[i];
     BareComponent component;
@@ -77,7 +77,7 @@ BareJpeg ReadBare(std::span<const uint8_t> file) {
     picture.components.push_back(std::move(component));
   }
   jpeg_finish_decompress(&codec);
-  picture.warnings = errors.num_warnings;
+  picture.warnings = errors.num_warnings - headerWarnings;
   jpeg_destroy_decompress(&codec);
   return picture;
 }
@@ -86,6 +86,7 @@ std::vector<uint8_t> WriteBare(const BareJpeg& picture, const BareWriting& writi
   jpeg_compress_struct codec{};
   jpeg_error_mgr errors{};
   codec.err = jpeg_std_error(&errors);
+  errors.output_message = [](j_common_ptr) {};
   jpeg_create_compress(&codec);
   unsigned char* memory = nullptr;
   unsigned long size = 0;
@@ -98,7 +99,7 @@ std::vector<uint8_t> WriteBare(const BareJpeg& picture, const BareWriting& writi
   jpeg_set_colorspace(&codec, picture.space);
   codec.write_JFIF_header = picture.hasJfif ? TRUE : FALSE;
   codec.write_Adobe_marker = picture.hasAdobe ? TRUE : FALSE;
-  codec.optimize_coding = writing.optimizes ? TRUE : FALSE;
+  codec.optimize_coding = writing.optimizes && !picture.arithmetic ? TRUE : FALSE;
   codec.arith_code = picture.arithmetic ? TRUE : FALSE;
   codec.restart_interval = static_cast<unsigned>(picture.restartInterval);
   jvirt_barray_ptr arrays[MAX_COMPONENTS] = {};

@@ -35,6 +35,7 @@ struct BareJpeg {
   bool progressive = false, arithmetic = false, hasAdobe = false, hasJfif = false;
   int restartInterval = 0;
   std::vector<BareComponent> components;
+  /// Of the library after the first header of a scan.
   long warnings = 0;
 };
 
@@ -45,7 +46,7 @@ BareJpeg ReadBare(std::span<const uint8_t> file);
 struct BareWriting {
   /// A scan for each component.
   bool separatesComponents = false;
-  std::vector<jpeg_scan_info> scans;
+  std::vector<jpeg_scan_info> scans = {};
   bool optimizes = true;
 };
 

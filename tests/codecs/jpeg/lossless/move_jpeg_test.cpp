@@ -1,44 +1,13 @@
 #include <random>
-#include <string>
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/runtime/errors.h>
 
-#include "tests/codecs/jpeg/lossless/bare_coefficients.h"
+#include "tests/codecs/jpeg/lossless/moved_file.h"
 
 namespace rasterkit::test {
 namespace {
-
-struct Moved {
-  std::vector<uint8_t> file;
-  WrittenPicture written;
-};
-
-Moved Move(std::span<const uint8_t> file, const PictureMove& move) {
-  PictureWriting writing;
-  writing.metadata = ReadJpegHeader(file).metadata;
-  writing.move = move;
-  TMemoryStream stream;
-  Moved moved;
-  moved.written = CopyJpeg(file, writing, stream);
-  moved.file = stream.TakeBytes();
-  return moved;
-}
-
-PictureMove TurnOf(int bits, int left, int top, int width, int height) {
-  return {left, top, width, height, (bits & 4) != 0, (bits & 2) != 0, (bits & 1) != 0};
-}
-
-std::string TextOf(const PictureMove& move) {
-  std::string text = std::to_string(move.width) + "x" + std::to_string(move.height) + "+" +
-                     std::to_string(move.left) + "+" + std::to_string(move.top);
-  if (move.exchangesAxes) text += " exchanged";
-  if (move.reversesColumns) text += " columns reversed";
-  if (move.reversesRows) text += " rows reversed";
-  return text;
-}
 
 /// Moves the largest part that can be and compares it with the plain rule.
 void ExpectMoved(std::span<const uint8_t> file, const BareJpeg& source, const PictureMove& wanted) {
@@ -46,14 +15,14 @@ void ExpectMoved(std::span<const uint8_t> file, const BareJpeg& source, const Pi
   const auto& form = std::get<JpegForm>(header.form);
   const auto part = MovableJpegPart(form, source.width, source.height, wanted);
   if (part != wanted) {
-    EXPECT_THROW(Move(file, wanted), RangeError) << TextOf(wanted);
+    EXPECT_THROW(Moved(file, wanted), RangeError) << TextOf(wanted);
   }
   if (!part) return;
   EXPECT_EQ(MovableJpegPart(form, source.width, source.height, *part), part);
-  const Moved moved = Move(file, *part);
-  EXPECT_EQ(DifferenceOf(ReadBare(moved.file), MovedBare(source, *part)), "") << TextOf(*part);
+  const MovedFile moved = Moved(file, *part);
+  EXPECT_EQ(DifferenceOf(ReadBare(moved.bytes), MovedBare(source, *part)), "") << TextOf(*part);
   EXPECT_EQ(std::get<JpegForm>(moved.written.form),
-            std::get<JpegForm>(ReadJpegHeader(moved.file).form));
+            std::get<JpegForm>(ReadJpegHeader(moved.bytes).form));
 }
 
 void ExpectAllTurns(const BareJpeg& source, const BareWriting& writing, std::mt19937& random) {
@@ -62,7 +31,7 @@ void ExpectAllTurns(const BareJpeg& source, const BareWriting& writing, std::mt1
     return static_cast<int>(random() % static_cast<unsigned>(most));
   };
   for (int bits = 0; bits < 8; bits++) {
-    ExpectMoved(file, source, TurnOf(bits, 0, 0, source.width, source.height));
+    ExpectMoved(file, source, TurnOf(bits, source));
     const int left = below(source.width), top = below(source.height);
     ExpectMoved(
         file, source,
@@ -140,6 +109,45 @@ TEST(MoveJpeg, Coefficients_Should_BeThoseOfTheSource_AroundTheBordersOfUnits) {
       }
     }
   }
+}
+
+/// A file keeps its scans: a script of its own is written again, not the library's usual one.
+TEST(MoveJpeg, Scans_Should_BeThoseOfTheSource) {
+  BareJpeg source = RandomBare(64, 48, JCS_YCbCr, kHalvedChroma, 5);
+  BareWriting writing;
+  // Components apart, but not one by one.
+  writing.scans = {{1, {0}, 0, 63, 0, 0}, {2, {1, 2}, 0, 63, 0, 0}};
+  const auto scansOf = [](std::span<const uint8_t> file) {
+    std::vector<std::vector<uint8_t>> scans;
+    for (size_t at = 0; at + 4 < file.size(); at++) {
+      if (file[at] != 0xFF || file[at + 1] != 0xDA) continue;
+      std::vector<uint8_t> scan;
+      const size_t count = file[at + 4];
+      for (size_t i = 0; i < count; i++) scan.push_back(file[at + 5 + 2 * i]);
+      for (size_t i = 0; i < 3; i++) scan.push_back(file[at + 5 + 2 * count + i]);
+      scans.push_back(scan);
+    }
+    return scans;
+  };
+  const auto baseline = WriteBare(source, writing);
+  EXPECT_EQ(scansOf(baseline).size(), 2u);
+  EXPECT_EQ(scansOf(Moved(baseline, TurnOf(kQuarterTurn, source)).bytes), scansOf(baseline));
+
+  source.progressive = true;
+  writing.scans = {{3, {0, 1, 2}, 0, 0, 0, 0}, {1, {1}, 1, 63, 0, 0}, {1, {2}, 1, 63, 0, 0},
+                   {1, {0}, 1, 8, 0, 2},       {1, {0}, 9, 63, 0, 0}, {1, {0}, 1, 8, 2, 1},
+                   {1, {0}, 1, 8, 1, 0}};
+  const auto progressive = WriteBare(source, writing);
+  EXPECT_EQ(scansOf(progressive).size(), 7u);
+  EXPECT_EQ(scansOf(Moved(progressive, TurnOf(kQuarterTurn, source)).bytes), scansOf(progressive));
+}
+
+TEST(MoveJpeg, Tables_Should_StayOfSixteenBits) {
+  BareJpeg source = RandomBare(40, 40, JCS_GRAYSCALE, {{1, 1}}, 6);
+  for (uint16_t& step : source.components[0].steps) step = static_cast<uint16_t>(step + 300);
+  const auto file = WriteBare(source);
+  const PictureMove turn = TurnOf(kQuarterTurn, source);
+  EXPECT_EQ(DifferenceOf(ReadBare(Moved(file, turn).bytes), MovedBare(source, turn)), "");
 }
 
 }  // namespace
