@@ -14,7 +14,7 @@ echo "== photographs as they lie"
 
 for type in "${types[@]}"; do
   echo "== upright as $type (rasterkit convert)"
-  "$rasterkit" convert --out-dir "$out" --type "$type" --overwrite --jobs 2 samples/orientation-*.jpg samples/gray.jpg
+  "$rasterkit" convert --out-dir "$out" --format "$type" --overwrite --jobs 2 samples/orientation-*.jpg samples/gray.jpg
   "$check_upright" samples/upright.png "$out"/orientation-*."$type"
   "$rasterkit" info "$out"/orientation-*."$type" "$out/gray.$type" >/dev/null
 done

@@ -29,10 +29,19 @@ struct PendingSave::State {
                           const SaveOptions& options, detail::RunScope& scope);
 
   void BeforeCommit() {
-    if (sideFiles) sideFiles->BeforeCommit();
+    if (!sideFiles) return;
+    sideFiles->BeforeCommit();
+    file->SetBackupNumber(sideFiles->BackupNumber());
   }
   void AfterCommit() {
-    if (sideFiles) sideFiles->AfterCommit();
+    if (const std::string backup = file->BackupName(); !backup.empty()) {
+      report.backups.push_back(backup);
+    }
+    if (sideFiles) {
+      sideFiles->AfterCommit();
+      const std::vector<std::string>& backups = sideFiles->Backups();
+      report.backups.insert(report.backups.end(), backups.begin(), backups.end());
+    }
     for (const std::string& warning : file->Warnings()) {
       report.warnings.push_back(warning);
     }
@@ -62,8 +71,8 @@ rasterkit::Report PendingSave::State::Write(const Picture& picture, const std::s
                       sideChanges);
   }
   file = std::make_unique<AtomicFile>(
-      name,
-      AtomicFileOptions{options.mayReplace ? IfExists::replace : IfExists::fail, options.syncs});
+      name, AtomicFileOptions{options.mayReplace ? IfExists::replace : IfExists::fail,
+                              options.syncs, options.keepsBackup});
   if (!file->IsSeekable() && source.IsNamed(name)) {
     throw FileError("cannot be written: it is the file of the picture itself", name);
   }

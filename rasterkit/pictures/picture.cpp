@@ -124,6 +124,7 @@ Report Picture::Plan(const std::string& file, const SaveOptions& options) const 
   const SideFiles files(detail::WishOf(*source_, state, plan, file, options), state.placement,
                         changes);
   detail::AddSideFiles(report, &files, changes);
+  report.backups = files.PlannedBackups();
   return report;
 }
 

@@ -34,6 +34,9 @@ struct Report {
   std::string moveNote;
   /// Files beside the target that are written, replaced or removed: "writes plan.pgw".
   std::vector<std::string> sideFiles;
+  /// Backups of the files that were replaced, as full names, that of the picture first. A plan
+  /// names those that would be made.
+  std::vector<std::string> backups;
   /// Bytes of the file: an upper bound in a plan.
   uint64_t bytes = 0;
   /// Upper bound of the bytes that a save holds at a time.

@@ -32,7 +32,9 @@ struct SaveOptions {
   /// A world file is written although the format holds the position in tags.
   bool writesWorldFile = false;
   Lossless lossless = Lossless::exact;
-  /// The target's old file, and the files beside it that are replaced, stay under a backup name.
+  /// The target's old file, and the files beside it that are replaced or removed, stay under a
+  /// backup name: "plan.tif~" and "plan.tfw~", or "plan.tif~2" and "plan.tfw~2" if one of these is
+  /// taken. If no backup can be made, the save throws BackupError and the old file stays.
   bool keepsBackup = false;
   /// An existing target, and files beside it that would contradict it, may be replaced.
   bool mayReplace = true;

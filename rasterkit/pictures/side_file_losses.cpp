@@ -25,6 +25,7 @@ SideFileWish WishOf(const PictureSource& source, const PictureState& state, cons
   wish.width = state.width;
   wish.height = state.height;
   wish.syncs = options.syncs;
+  wish.keepsBackup = options.keepsBackup;
   return wish;
 }
 

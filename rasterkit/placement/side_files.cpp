@@ -5,11 +5,20 @@
 
 #include <rasterkit/placement/side_file_plan.h>
 #include <rasterkit/placement/side_files.h>
+#include <rasterkit/runtime/files/backup_names.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/files/set_aside.h>
 #include <rasterkit/runtime/files/small_file.h>
 
 namespace rasterkit {
+namespace {
+
+bool IsLink(const std::string& name) {
+  std::error_code ignored;
+  return std::filesystem::is_symlink(ToPath(name), ignored);
+}
+
+}  // namespace
 
 struct SideFiles::State {
   /// A file to be written, until it has its name.
@@ -19,8 +28,9 @@ struct SideFiles::State {
   };
 
   std::string target;
-  bool syncs = true;
-  std::vector<std::string> plans;
+  bool syncs = true, keepsBackup = false;
+  int backupNumber = 1;
+  std::vector<std::string> plans, backups;
   std::vector<Pending> pending;
   struct Renamed {
     detail::SetAside file;
@@ -36,17 +46,10 @@ struct SideFiles::State {
 
   void Open(Pending& next) const;
   void Commit(Pending& next) const;
+  std::vector<std::string> ReplacedFiles() const;
+  detail::SetAside Rename(const detail::OldSideFile& old) const;
   void PutBack() noexcept;
 };
-
-namespace {
-
-bool IsLink(const std::string& name) {
-  std::error_code ignored;
-  return std::filesystem::is_symlink(ToPath(name), ignored);
-}
-
-}  // namespace
 
 void SideFiles::State::Open(Pending& next) const {
   const IfExists ifExists = next.plan.replaces ? IfExists::replace : IfExists::fail;
@@ -64,6 +67,23 @@ void SideFiles::State::Commit(Pending& next) const {
     const auto there = detail::ReadSmallFile(next.plan.name, next.plan.text.size());
     if (!there || there->isCut || there->bytes != next.plan.text) throw;
   }
+}
+
+/// The old picture and what is replaced or removed beside it: their backups bear one number.
+std::vector<std::string> SideFiles::State::ReplacedFiles() const {
+  std::vector<std::string> names;
+  if (detail::FileIdentity(target).IsRegular()) {
+    std::error_code error;
+    const auto real = std::filesystem::canonical(ToPath(target), error);
+    names.push_back(IsLink(target) && !error ? real.string() : target);
+  }
+  for (const detail::OldSideFile& old : removed) names.push_back(old.name);
+  return names;
+}
+
+detail::SetAside SideFiles::State::Rename(const detail::OldSideFile& old) const {
+  return keepsBackup ? detail::SetAside(old.name, syncs, backupNumber)
+                     : detail::SetAside(old.name, syncs);
 }
 
 /// If the picture has its name already, the old files would be wrong beside it.
@@ -84,6 +104,7 @@ SideFiles::SideFiles(const SideFileWish& wish, const Placement& placement, Chang
   detail::SideFilePlan plan = detail::PlanSideFiles(wish, placement, changes);
   state_->target = wish.target;
   state_->syncs = wish.syncs;
+  state_->keepsBackup = wish.keepsBackup;
   for (detail::NewSideFile& file : plan.written) {
     state_->plans.push_back((file.replaces ? "replaces " : "writes ") + file.name);
     state_->pending.push_back({std::move(file), nullptr});
@@ -106,6 +127,22 @@ const std::vector<std::string>& SideFiles::Plans() const {
   return state_->plans;
 }
 
+std::vector<std::string> SideFiles::PlannedBackups() const {
+  if (!state_->keepsBackup) return {};
+  std::vector<std::string> names = state_->ReplacedFiles();
+  const int number = detail::FreeBackupNumber(names);
+  for (std::string& name : names) name = detail::BackupNameOf(name, number);
+  return names;
+}
+
+int SideFiles::BackupNumber() const {
+  return state_->backupNumber;
+}
+
+const std::vector<std::string>& SideFiles::Backups() const {
+  return state_->backups;
+}
+
 void SideFiles::Prepare() {
   for (auto& next : state_->pending) {
     // Through a link the file of another name would be written; the link itself is replaced.
@@ -116,8 +153,12 @@ void SideFiles::Prepare() {
 void SideFiles::BeforeCommit() {
   state_->before.emplace(state_->target);
   try {
+    if (state_->keepsBackup) {
+      state_->backupNumber = detail::FreeBackupNumber(state_->ReplacedFiles());
+    }
     for (const detail::OldSideFile& old : state_->removed) {
-      state_->setAside.push_back({detail::SetAside(old.name, state_->syncs), old.keepsBackup});
+      const bool stays = old.keepsBackup || state_->keepsBackup;
+      state_->setAside.push_back({state_->Rename(old), stays});
     }
     for (auto& next : state_->pending) {
       if (next.file == nullptr) state_->Open(next);
@@ -142,7 +183,11 @@ void SideFiles::AfterCommit() {
   }
   state.pending.clear();
   for (State::Renamed& old : state.setAside) {
-    if (!old.keepsBackup) old.file.Remove();
+    if (old.keepsBackup) {
+      state.backups.push_back(old.file.BackupName());
+    } else {
+      old.file.Remove();
+    }
   }
   state.setAside.clear();
 }

@@ -29,16 +29,19 @@ struct SideFileWish {
   /// everywhere in it are the same. 0: unknown, then everywhere in 65,536 x 65,536 pixels.
   int width = 0, height = 0;
   bool syncs = true;
+  /// Files that are replaced or removed keep a backup name: "plan.tfw~", with the number of the
+  /// picture's own backup where both names are free.
+  bool keepsBackup = false;
 };
 
 /// The files beside a target: what becomes of each in the same save.
 ///
 /// A world file is written under the name in use beside the target, else under the first name of
 /// WorldFileNames; other world files that state another position, `.aux.xml`, `.ovr` and `.msk` of
-/// the target's name are removed. A world file that cannot be read is not deleted: it keeps a
-/// backup name. A link becomes a plain file. What belongs to a neighbor too (another picture of the
-/// same stem) is never changed. `.prj` is written where there is none. A target that is a pipe or a
-/// device has no files beside it.
+/// the target's name are removed. A world file that cannot be read is not deleted: it keeps a name
+/// that ends in ".bak". A link becomes a plain file. What belongs to a neighbor too (another
+/// picture of the same stem) is never changed. `.prj` is written where there is none. A target that
+/// is a pipe or a device has no files beside it.
 ///
 ///     SideFiles files(wish, placement);        // finds what is there; throws if it refuses
 ///     files.Prepare();                         // writes the new ones to temporary files
@@ -62,6 +65,13 @@ class RASTERKIT_EXPORT SideFiles {
 
   /// Names that will be written, replaced, removed or set aside, for --dry-run: "writes plan.pgw".
   const std::vector<std::string>& Plans() const;
+  /// The backups that would be made at this moment, that of the picture first; none unless they are
+  /// wished.
+  std::vector<std::string> PlannedBackups() const;
+  /// The number for the backup of the picture, known after BeforeCommit; see AtomicFile.
+  int BackupNumber() const;
+  /// The backups that stay, known after AfterCommit.
+  const std::vector<std::string>& Backups() const;
   /// Each of the three throws FileError.
   void Prepare();
   void BeforeCommit();

@@ -35,7 +35,7 @@ def main():
             picture(inputs[-1], number)
         out = os.path.join(folder, "out")
         os.mkdir(out)
-        command = [tool, "convert", "--overwrite", "--jobs", "2", "--type", "png", "--out-dir", out]
+        command = [tool, "convert", "--overwrite", "--jobs", "2", "--format", "png", "--out-dir", out]
         start = time.time()
         subprocess.run(command + inputs, check=True, stderr=subprocess.DEVNULL)
         whole = time.time() - start

@@ -41,7 +41,7 @@ for number in $(seq 40); do
   inputs+=("$folder/$number.${picture##*.}")
   outputs+=("batch/$number.png")
 done
-"$tool" convert --type png --out-dir "$folder/before/batch" "${inputs[@]}" 2>/dev/null
+"$tool" convert --format png --out-dir "$folder/before/batch" "${inputs[@]}" 2>/dev/null
 look "${outputs[@]}"
 echo "power cut: $faults of $((3 + ${#outputs[@]})) files not whole"
 [ "$faults" -eq 0 ]

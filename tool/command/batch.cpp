@@ -23,8 +23,10 @@
 #include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/output_file.h"
+#include "tool/command/output_names.h"
 #include "tool/command/output_type.h"
 #include "tool/command/progress.h"
+#include "tool/command/standard_input.h"
 #include "tool/pictures/memory_need.h"
 #include "tool/pictures/metafile_output.h"
 #include "tool/reports/job_report.h"
@@ -32,11 +34,11 @@
 namespace rasterkit::tool {
 namespace {
 
-std::string OutputName(const OutputOptions& options, const std::string& input) {
-  std::string name = ExtractFileName(input);
+std::string UsualName(const OutputOptions& options, const std::string& input) {
+  const std::string name = NameOfInput(input);
+  if (options.type.empty()) return name;
   const bool hasDot = options.type.starts_with('.');
-  if (!options.type.empty()) name = ChangeFileExt(name, (hasDot ? "" : ".") + options.type);
-  return (ToPath(options.outDir) / ToPath(name)).string();
+  return ChangeFileExt(name, (hasDot ? "" : ".") + options.type);
 }
 
 void RequireWritableType(const std::string& output, bool takesMetafiles) {
@@ -56,6 +58,7 @@ void RequireExtension(const std::string& output, const std::string& extension) {
 void RequireDistinctOutputs(const std::vector<Job>& jobs) {
   std::map<std::filesystem::path, const Job*> seen;
   for (const Job& job : jobs) {
+    if (IsStandardStream(job.output)) continue;
     std::error_code ignored;
     const auto path = std::filesystem::weakly_canonical(ToPath(job.output), ignored);
     const auto [place, isNew] = seen.emplace(path, &job);
@@ -66,6 +69,7 @@ void RequireDistinctOutputs(const std::vector<Job>& jobs) {
 }
 
 void RequireFreeOutput(const Job& job) {
+  if (IsStandardStream(job.output)) return;
   std::error_code ignored;
   const auto status = std::filesystem::status(ToPath(job.output), ignored);
   if (std::filesystem::is_directory(status)) {
@@ -102,7 +106,7 @@ Outcome RunJob(const OutputOptions& options, const Job& job,
 /// A pipe gives its bytes only once.
 bool CanBeReadAgain(const std::string& file) {
   std::error_code error;
-  return std::filesystem::is_regular_file(ToPath(file), error);
+  return !IsStandardStream(file) && std::filesystem::is_regular_file(ToPath(file), error);
 }
 
 /// What reading the input needs. Headers of untrusted files are not read in this process.
@@ -211,6 +215,7 @@ class Batch {
         outcome = {exitOutputNotWritten, OutputError(name, error), {}};
       } else {
         AddWarnings(outcome.result, output, name);
+        outcome.result.backups = output.Backups();
       }
     } catch (const std::exception&) {
       outcome = OutOfMemory();
@@ -269,14 +274,26 @@ class Batch {
 std::vector<Job> PlanFolder(const OutputOptions& options) {
   std::vector<Job> jobs;
   for (const std::string& input : options.files) {
-    jobs.push_back({input, OutputName(options, input), 0, options.Saving()});
+    const int number = static_cast<int>(jobs.size()) + 1;
+    jobs.push_back({input, NameInFolder(options, {input, UsualName(options, input), 1, number}), 0,
+                    options.Saving()});
   }
   return jobs;
 }
 
+/// The type that --format states for stdout.
+std::optional<PictureType> StreamType(const OutputOptions& options) {
+  if (!IsStandardStream(options.files.back()) || options.type.empty()) return std::nullopt;
+  const std::string extension = (options.type.starts_with('.') ? "" : ".") + options.type;
+  const PictureType type = WritableType("stdout" + extension);
+  if (type != PictureType::unknown) return type;
+  throw Failure(exitWrongUsage, "--format of the output '-' must be bmp, jpg, png or tif, not '" +
+                                    options.type + "'");
+}
+
 std::vector<Job> PlanInPlace(const OutputOptions& options) {
   if (!options.outDir.empty() || !options.type.empty()) {
-    throw Failure(exitWrongUsage, "--in-place cannot be used with --out-dir or --type");
+    throw Failure(exitWrongUsage, "--in-place cannot be used with --out-dir or --format");
   }
   std::vector<Job> jobs;
   for (const std::string& input : options.files) {
@@ -286,15 +303,36 @@ std::vector<Job> PlanInPlace(const OutputOptions& options) {
 }
 
 std::vector<Job> PlanSingle(const OutputOptions& options) {
-  if (!options.type.empty()) {
+  if (!options.type.empty() && !IsStandardStream(options.files.back())) {
     throw Failure(exitWrongUsage,
-                  "--type requires --out-dir; the extension of a single output gives its type");
+                  "--format requires --out-dir or the output '-'; the extension of a single output "
+                  "gives its type");
   }
   if (options.files.size() != 2) {
     throw Failure(exitWrongUsage,
                   "one input and one output are required; several inputs require --out-dir DIR");
   }
-  return {{options.files[0], options.files[1], 0, options.Saving()}};
+  return {{options.files[0], options.files[1], 0, options.Saving(), StreamType(options)}};
+}
+
+/// "-" as an input, at most once, or as the only output.
+void RequireSensibleStreams(const OutputOptions& options, const std::vector<Job>& jobs) {
+  const auto isInput = [](const Job& job) { return IsStandardStream(job.input); };
+  const auto inputs = std::count_if(jobs.begin(), jobs.end(), isInput);
+  const bool isOutput = jobs.size() == 1 && IsStandardStream(jobs[0].output);
+  if (inputs == 0 && !isOutput) return;
+  if (!options.takesStreams) {
+    throw Failure(exitWrongUsage, "'" + options.verb +
+                                      "' does not take stdin and stdout; './-' is a file of the "
+                                      "name '-'");
+  }
+  if (inputs > 1) throw Failure(exitWrongUsage, "stdin can be read only once");
+  if (options.inPlace) throw Failure(exitWrongUsage, "stdin cannot be written in place");
+  if (!isOutput || options.dryRun) return;
+  if (options.json) {
+    throw Failure(exitWrongUsage, "--json writes to stdout and cannot be used with the output '-'");
+  }
+  RequireNoTerminal();
 }
 
 }  // namespace
@@ -303,7 +341,9 @@ std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyE
   std::vector<Job> jobs = options.inPlace          ? PlanInPlace(options)
                           : options.outDir.empty() ? PlanSingle(options)
                                                    : PlanFolder(options);
+  RequireSensibleStreams(options, jobs);
   for (const Job& job : jobs) {
+    if (IsStandardStream(job.output)) continue;
     if (onlyExtension.empty()) {
       RequireWritableType(job.output, options.takesMetafiles);
     } else {

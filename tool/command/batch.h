@@ -2,13 +2,16 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/metadata/loss.h>
 
 #include "tool/command/commit_queue.h"
 #include "tool/command/output_options.h"
+#include "tool/reports/point_report.h"
 
 namespace rasterkit::tool {
 
@@ -18,6 +21,8 @@ struct Job {
   /// Page of a PDF file, counted from 1; 0 for a whole picture.
   int page = 0;
   SaveRules saving = {};
+  /// The type of an output on stdout; nothing keeps that of the input.
+  std::optional<PictureType> type = std::nullopt;
 };
 
 /// Facts about a finished picture.
@@ -37,6 +42,10 @@ struct JobResult {
   std::vector<std::string> details;
   /// What the output keeps, where its position comes from, and what is done with files beside it.
   std::vector<std::string> kept, sources, sideFiles;
+  /// Backups of replaced files; in a dry run those that would be made.
+  std::vector<std::string> backups;
+  /// The points of --point, if they placed the picture.
+  std::optional<PlacedByPoints> placedBy;
   /// Bytes of the output and memory for making it; bounds in a dry run. 0 if not known.
   uint64_t bytes = 0, memory = 0;
   /// How many of the warnings in the report of a pending picture stand in `warnings` already.
@@ -46,8 +55,8 @@ struct JobResult {
 };
 
 /// Assigns an output to each input. Throws Failure(exitWrongUsage) if there is no output, if its
-/// extension cannot be written, or if two inputs have the same output. `onlyExtension` (".ico") is
-/// the required extension for a verb that does not write pictures.
+/// extension cannot be written, if two inputs have the same output, or if "-" makes no sense.
+/// `onlyExtension` (".ico") is the required extension for a verb that does not write pictures.
 std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyExtension = "");
 
 /// Throws Failure(exitWrongUsage) if an output is not a picture or if two outputs have the same

@@ -16,6 +16,12 @@ constexpr size_t kOpenFilesPerWaiting = 8;
 
 }  // namespace
 
+std::vector<std::string> FinishedOutput::Backups() const {
+  if (picture) return picture->Report().backups;
+  const std::string backup = file->BackupName();
+  return backup.empty() ? std::vector<std::string>() : std::vector{backup};
+}
+
 std::vector<std::exception_ptr> CommitTogether(std::span<FinishedOutput> outputs) {
   std::vector<std::exception_ptr> errors(outputs.size());
   std::vector<PendingSave*> pictures;

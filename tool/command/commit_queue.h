@@ -26,6 +26,8 @@ struct FinishedOutput {
   const std::vector<std::string>& Warnings() const {
     return picture ? picture->Report().warnings : file->Warnings();
   }
+  /// Backups of replaced files, after the commit.
+  std::vector<std::string> Backups() const;
 };
 
 /// Gives all outputs their names, and waits once for all on the same disk. Returns the error for

@@ -106,8 +106,12 @@ Option Option::Needs(const Option& other) const {
 Option Option::Excludes(const Option& other) const {
   parts_->parsed->excludes(other.parts_->parsed);
   parts_->excluded.push_back(other.parts_->name);
-  other.parts_->excluded.push_back(parts_->name);
+  if (!parts_->isHidden) other.parts_->excluded.push_back(parts_->name);
   return *this;
+}
+
+const std::string& Verb::Name() const {
+  return parts_->help.name;
 }
 
 Option Verb::Flag(const std::string& name, bool& value, const std::string& description) {

@@ -59,6 +59,9 @@ class Option {
 /// help.
 class Verb {
  public:
+  /// "convert".
+  const std::string& Name() const;
+
   Option Flag(const std::string& name, bool& value, const std::string& description);
   /// A flag that also has a name of one letter, such as "-q".
   Option Flag(const std::string& letter, const std::string& name, bool& value,

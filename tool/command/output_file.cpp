@@ -7,15 +7,24 @@
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/standard_input.h"
 
 namespace rasterkit::tool {
 
 std::unique_ptr<AtomicFile> WriteOutput(const std::string& name, const SaveRules& rules,
                                         const std::function<void(TStream&)>& write) {
   try {
+    if (IsStandardStream(name)) {
+      TMemoryStream bytes;
+      write(bytes);
+      StopIfInterrupted();
+      WriteStandardOutput(bytes.Bytes());
+      return nullptr;
+    }
     const WholeOutput whole;
     const IfExists ifExists = rules.overwrite ? IfExists::replace : IfExists::fail;
-    auto file = std::make_unique<AtomicFile>(name, AtomicFileOptions{ifExists, rules.syncs});
+    auto file = std::make_unique<AtomicFile>(
+        name, AtomicFileOptions{ifExists, rules.syncs, rules.keepsBackup});
     write(*file);
     StopIfInterrupted();
     file->Finish();
@@ -32,6 +41,8 @@ std::string OutputError(const std::string& name, const std::exception_ptr& error
     std::rethrow_exception(error);
   } catch (const FileExistsError&) {
     return name + ": already exists (--overwrite replaces it)";
+  } catch (const BackupError& reason) {
+    return name + ": " + reason.Reason() + " (--no-backup keeps none)";
   } catch (const Error& reason) {
     return name + ": " + ReasonWithOption(reason);
   } catch (const std::bad_alloc&) {

@@ -18,6 +18,8 @@ struct SaveRules {
   bool overwrite = false;
   /// It is reported when it is on the disk.
   bool syncs = true;
+  /// A file that it replaces keeps a backup name.
+  bool keepsBackup = false;
 };
 
 /// What every verb that writes pictures accepts.
@@ -25,9 +27,14 @@ struct OutputOptions {
   /// Inputs first, output last; with `outDir` all of them are inputs.
   std::vector<std::string> files;
   std::string outDir;
-  /// With `outDir`: the extension of the outputs, with or without its dot. Empty keeps that of each
-  /// input.
+  /// The extension of the outputs in `outDir`, with or without its dot, or the type of the output
+  /// "-". Empty keeps that of each input.
   std::string type;
+  /// With `outDir`: the pattern of the names of outputs; see CheckNamePattern. Empty: the names of
+  /// the inputs.
+  std::string name;
+  /// The verb, for `name`.
+  std::string verb;
   int jobs = 1;
   bool keepGoing = false;
   bool overwrite = false;
@@ -35,6 +42,8 @@ struct OutputOptions {
   bool inPlace = false;
   /// The verb has --in-place: its outputs can take the place of inputs.
   bool hasInPlace = true;
+  /// Without the backups of --in-place.
+  bool noBackup = false;
   bool noSync = false;
   bool strict = false;
   bool json = false;
@@ -46,10 +55,12 @@ struct OutputOptions {
   bool dryRun = false;
   /// The verb changes pictures one by one, and has --in-place and --dry-run.
   bool isForPictures = false;
+  /// "-" is stdin as the input and stdout as the output.
+  bool takesStreams = false;
   /// Outputs may be metafiles too.
   bool takesMetafiles = false;
 
-  SaveRules Saving() const { return {overwrite || inPlace, !noSync}; }
+  SaveRules Saving() const { return {overwrite || inPlace, !noSync, inPlace && !noBackup}; }
 };
 
 /// How a picture is turned and written.

@@ -7,6 +7,7 @@
 
 #include "tool/arguments/color_argument.h"
 #include "tool/arguments/fill_argument.h"
+#include "tool/arguments/name_pattern.h"
 #include "tool/arguments/size_argument.h"
 
 namespace rasterkit::tool {
@@ -55,19 +56,34 @@ std::string CheckAngle(const std::string& text) {
 
 void AddOutputOptions(Verb& verb, OutputOptions& options, const std::string& valueName,
                       const std::string& description) {
+  options.verb = verb.Name();
   verb.Files(valueName, options.files, description);
-  verb.Text("--out-dir", "DIR", options.outDir, {},
-            "write each output into this folder, which is created if it does not exist")
-      .In(kFiles);
+  const Option folder =
+      verb.Text("--out-dir", "DIR", options.outDir, {},
+                "write each output into this folder, which is created if it does not exist")
+          .In(kFiles);
+  verb.Text("--name", "PATTERN", options.name, CheckNamePattern,
+            "names of the outputs in --out-dir, such as '{stem}-{verb}.{ext}': {stem} and {name} "
+            "are the name of the input without and with its extension, {ext} is the extension of "
+            "the output, {verb} the verb, {page} the page and {number} the place among the "
+            "outputs, both from 1; {number:4} has four digits at least [the name of each input]")
+      .In(kFiles)
+      .Needs(folder);
   verb.Number("--jobs", "N", options.jobs, {1, 64}, "process N pictures at a time, 1 to 64 [1]")
       .In(kFiles);
   verb.Flag("--continue", options.keepGoing, "go on with the next picture after a failure")
       .In(kFiles);
   verb.Flag("--overwrite", options.overwrite, "replace existing outputs").In(kFiles);
   if (options.isForPictures && options.hasInPlace) {
-    verb.Flag("--in-place", options.inPlace,
-              "write each input over itself; all files are inputs, and no output is given")
-        .In(kFiles);
+    const Option inPlace =
+        verb.Flag("--in-place", options.inPlace,
+                  "write each input over itself; all files are inputs, and no output is given. The "
+                  "old file stays as NAME~, or NAME~2 and so on if that exists, and so do files "
+                  "beside it that are replaced")
+            .In(kFiles);
+    verb.Flag("--no-backup", options.noBackup, "keep no backups with --in-place")
+        .In(kFiles)
+        .Needs(inPlace);
   }
   if (options.isForPictures) {
     verb.Flag("--dry-run", options.dryRun,
@@ -90,29 +106,19 @@ void AddOutputOptions(Verb& verb, OutputOptions& options, const std::string& val
       .In(kFiles);
 }
 
-void AddType(Verb& verb, OutputOptions& options) {
+void AddFormat(Verb& verb, OutputOptions& options) {
   const std::string types = options.takesMetafiles
                                 ? "bmp, jpg, png, tif; for metafiles also emf or wmf"
                                 : "bmp, jpg, png or tif";
-  verb.Text("--type", "EXT", options.type, {},
-            "extension of the outputs in --out-dir: " + types + " [that of each input]")
-      .In(kFiles);
-}
-
-void AddFormat(Verb& verb, OutputOptions& options) {
-  static const std::vector<std::pair<std::string, std::string>> kExtensions = {
-      {"jpeg", "jpg"}, {"jpg", "jpg"}, {"png", "png"},
-      {"tiff", "tif"}, {"tif", "tif"}, {"bmp", "bmp"}};
-  std::vector<std::string> choices;
-  for (const auto& [name, extension] : kExtensions) choices.push_back(name);
-  const auto take = [&options](const std::string& text) {
-    for (const auto& [name, extension] : kExtensions) {
-      if (name == text) options.type = extension;
-    }
-  };
-  verb.Parsed("--format", "NAME", take, CheckChoice(choices),
-              "type of the outputs in --out-dir: jpeg, png, tiff or bmp [that of each input]")
-      .In(kFiles);
+  const std::string where = options.takesStreams
+                                ? "the outputs in --out-dir, or of the output '-': "
+                                : "the outputs in --out-dir: ";
+  const Option format =
+      verb.Text("--format", "EXT", options.type, {},
+                "type and extension of " + where + types + " [that of each input]")
+          .In(kFiles);
+  // The name of this option before the outputs included stdout.
+  verb.Text("--type", "EXT", options.type, {}, "the same as --format").Hidden().Excludes(format);
 }
 
 Option AddAngle(Verb& verb, PictureOptions& options) {

@@ -9,14 +9,13 @@
 
 namespace rasterkit::tool {
 
-/// Adds the files and the options about files and results, except --type. `valueName` names the
+/// Adds the files and the options about files and results, except --format. `valueName` names the
 /// files in the help.
 void AddOutputOptions(
     Verb& verb, OutputOptions& options, const std::string& valueName = "IN OUT",
     const std::string& description =
         "one input, then the output; with --out-dir any number of inputs and no output");
-void AddType(Verb& verb, OutputOptions& options);
-/// --format in place of --type: the name of a type.
+/// --format, and --type as another name of it.
 void AddFormat(Verb& verb, OutputOptions& options);
 
 /// Check of options that are angles.

@@ -18,6 +18,7 @@
 #include "tool/command/interruption.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/output_file.h"
+#include "tool/command/output_names.h"
 #include "tool/command/output_type.h"
 #include "tool/command/printable.h"
 #include "tool/pages/page_list.h"
@@ -116,18 +117,20 @@ class PageDrawer {
     } catch (const Failure&) {
     }
     for (const int page : pages) {
-      jobs.push_back({input, OutputName(input, page, count), page, options_.output.Saving()});
+      const int number = static_cast<int>(jobs.size()) + 1;
+      jobs.push_back(
+          {input,
+           NameInFolder(options_.output, {input, UsualName(input, page, count), page, number}),
+           page, options_.output.Saving()});
     }
   }
 
   /// Returns plan-07.png for plan.pdf: the page number has as many digits as the number of pages.
-  std::string OutputName(const std::string& input, int page, int count) const {
+  std::string UsualName(const std::string& input, int page, int count) const {
     const std::string& type = options_.output.type;
     const std::string extension = type.empty() ? ".png" : (type.starts_with('.') ? "" : ".") + type;
     const std::string base = ChangeFileExt(ExtractFileName(input), "");
-    const std::string name =
-        fmt::format("{}-{:0{}}{}", base, page, std::to_string(count).size(), extension);
-    return (ToPath(options_.output.outDir) / ToPath(name)).string();
+    return fmt::format("{}-{:0{}}{}", base, page, std::to_string(count).size(), extension);
   }
 
   /// Prints the pixels and memory of the page, or of the largest of several.

@@ -20,6 +20,7 @@
 #include "tool/command/output_file.h"
 #include "tool/command/output_type.h"
 #include "tool/command/progress.h"
+#include "tool/command/standard_input.h"
 #include "tool/pictures/metafile_output.h"
 #include "tool/reports/geo_text.h"
 #include "tool/reports/loss_report.h"
@@ -53,6 +54,8 @@ SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options) {
   save.writesWorldFile = options.writesWorldFile;
   save.mayReplace = job.saving.overwrite;
   save.syncs = job.saving.syncs;
+  save.keepsBackup = job.saving.keepsBackup;
+  save.type = job.type;
   return save;
 }
 
@@ -68,6 +71,9 @@ bool IsPdf(const std::string& file) {
 /// True for an error of reading the input while it is written: damage that shows only in the
 /// pixels.
 bool IsOfInput(const Error& error, const Job& job) {
+  if (IsStandardStream(job.input) && error.File().empty()) {
+    return dynamic_cast<const FormatError*>(&error) != nullptr;
+  }
   if (error.File() != job.input) return false;
   // Steps that do not fit the picture.
   if (dynamic_cast<const RangeError*>(&error) != nullptr) return false;
@@ -84,7 +90,10 @@ bool IsOfInput(const Error& error, const Job& job) {
   // A limit that is exceeded on the way to the output is no fault of the input.
   const bool isOfOutput =
       code == exitOutputNotWritten && dynamic_cast<const LimitError*>(&error) != nullptr;
-  const std::string& file = error.File().empty() || isOfOutput ? job.output : error.File();
+  const bool isUnnamed = error.File().empty() && code != exitInputUnreadable;
+  const std::string& file = isUnnamed || isOfOutput ? job.output
+                            : error.File().empty()  ? job.input
+                                                    : error.File();
   const bool isTaken = dynamic_cast<const FileExistsError*>(&error) != nullptr;
   const std::string reason = isTaken && file == job.output
                                  ? "already exists (--overwrite replaces it)"
@@ -145,6 +154,7 @@ JobResult ResultOf(const PictureWork& work, const Report& report) {
   result.details.insert(result.details.end(), work.details.begin(), work.details.end());
   result.pixels = PixelsWord(report);
   result.sideFiles = report.sideFiles;
+  result.backups = report.backups;
   result.kept = KeptNames(work.picture, report.losses);
   for (const StatedPosition& position : work.picture.GetPlacement().stated) {
     result.sources.push_back(PositionText(position));
@@ -166,6 +176,18 @@ void NoteOtherCompression(const PictureWork& work, const Report& report, JobResu
                                         TiffCompressionName(form->compression)));
 }
 
+/// What is written to stdout is whole, or nothing is.
+JobResult SaveToStandardOutput(const PictureWork& work, const Run& run) {
+  if (work.options.writesWorldFile) {
+    throw Failure(exitWrongUsage, "--world-file requires an output with a name");
+  }
+  TMemoryStream bytes;
+  const Report report = work.picture.Save(bytes, SaveOptionsOf(work.job, work.options), run);
+  StopIfInterrupted();
+  WriteStandardOutput(bytes.Bytes());
+  return ResultOf(work, report);
+}
+
 JobResult Plan(const PictureWork& work) {
   return ResultOf(work, work.picture.Plan(work.job.output, SaveOptionsOf(work.job, work.options)));
 }
@@ -176,6 +198,7 @@ JobResult Save(const PictureWork& work) {
   run.progress = bar.Shares();
   const WholeOutput whole;
   try {
+    if (IsStandardStream(work.job.output)) return SaveToStandardOutput(work, run);
     auto save = std::make_unique<PendingSave>(work.picture, work.job.output,
                                               SaveOptionsOf(work.job, work.options), run);
     StopIfInterrupted();
@@ -233,6 +256,7 @@ Run RunOf(const PictureOptions& options) {
 
 Picture OpenPicture(const std::string& file, const PictureOptions& options) {
   try {
+    if (IsStandardStream(file)) return Picture::Open(TakeStandardInput(), OpenOptionsOf(options));
     const InterruptibleInput waiting(file);
     return Picture::Open(file, OpenOptionsOf(options));
   } catch (const Error& error) {

@@ -13,6 +13,7 @@
 #include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/output_file.h"
+#include "tool/command/standard_input.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -29,9 +30,10 @@ void RequireMetafile(PictureType type, const std::string& file) {
 }
 
 ConvertedMetafile Load(const std::string& file, bool toEnhanced) {
+  const std::string name = ReadableName(file);
   try {
-    const InterruptibleInput waiting(file);
-    TFileStream stream(file);
+    const InterruptibleInput waiting(name);
+    TFileStream stream(name);
     // Reject a large file of another type without reading it; a pipe must be read first.
     if (stream.Size() > 0) RequireMetafile(SniffPictureType(stream), file);
     const std::vector<uint8_t> bytes = stream.ReadToEnd();

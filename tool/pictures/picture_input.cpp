@@ -9,6 +9,7 @@
 #include "tool/command/interruption.h"
 #include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/standard_input.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -33,9 +34,10 @@ void LoadFrameInto(LoadedFrame& frame, const std::string& file, int threads,
   reading.drawing = drawing;
   reading.keepGoing = ContinueUnlessInterrupted;
   reading.isolation = ReadingIsolation();
+  const std::string name = ReadableName(file);
   Guarded(file, [&] {
-    const InterruptibleInput waiting(file);
-    ReadPicture(frame, file, reading);
+    const InterruptibleInput waiting(name);
+    ReadPicture(frame, name, reading);
   });
 }
 

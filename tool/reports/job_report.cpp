@@ -39,6 +39,8 @@ void PrintJson(const OutputOptions& options, const Job& job, const Outcome& outc
   line.Add("losses", LossesJson(result.losses));
   line.Add("kept", result.kept);
   line.Add("side_files", result.sideFiles);
+  line.Add("backups", result.backups);
+  if (result.placedBy) line.Add("fit", FitJson(*result.placedBy));
   line.Add("bytes", result.bytes > 0 ? Json(result.bytes) : Json());
   line.Add("memory", result.memory > 0 ? Json(result.memory) : Json());
   line.Add("notes", Joined(result.notes, result.details));
@@ -60,6 +62,7 @@ void PrintPlan(const Job& job, const JobResult& result) {
   if (result.memory > 0) fmt::print(", at most {} bytes of memory", result.memory);
   fmt::print("\n");
   for (const std::string& sideFile : result.sideFiles) fmt::print("  {}\n", OnOneLine(sideFile));
+  for (const std::string& backup : result.backups) fmt::print("  backup: {}\n", OnOneLine(backup));
   PrintList("kept: ", result.kept);
   for (const std::string& detail : result.details) fmt::print("  {}\n", OnOneLine(detail));
   for (const std::string& source : result.sources) fmt::print("  position: {}\n", source);
@@ -85,6 +88,9 @@ void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& o
       PrintMessage(fmt::format("{}: warning: {}", job.input, warning));
     }
     for (const std::string& note : result.notes) PrintMessage(job.output + ": " + note);
+    if (!options.dryRun && !result.backups.empty()) {
+      PrintMessage(fmt::format("{}: backup: {}", job.output, fmt::join(result.backups, ", ")));
+    }
   }
   if (outcome.code == exitInterrupted) {
     SayInterrupted();

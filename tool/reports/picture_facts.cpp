@@ -22,6 +22,7 @@
 #include "tool/command/interruption.h"
 #include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/standard_input.h"
 #include "tool/pictures/picture_input.h"
 #include "tool/reports/exif_dates.h"
 #include "tool/reports/layout_facts.h"
@@ -263,12 +264,13 @@ void Verify(PictureFacts& facts) {
 
 PictureFacts GatherFacts(const std::string& file, bool verifies) {
   PictureFacts facts;
-  facts.file = file;
+  facts.file = ReadableName(file);
   const bool isIsolated = ReadingIsolation() == Isolation::process;
-  facts.error = ProblemOf(file, [&] { isIsolated ? ReadIsolated(facts) : ReadFacts(facts); });
+  facts.error = ProblemOf(facts.file, [&] { isIsolated ? ReadIsolated(facts) : ReadFacts(facts); });
   facts.isKnown = facts.error.empty();
   if (facts.type == PictureTypeName(PictureType::pdf)) TakePdfFacts(facts);
   if (verifies && facts.isKnown) Verify(facts);
+  facts.file = file;
   return facts;
 }
 

@@ -42,13 +42,10 @@ VerbRunner PictureVerb::Changing(PictureChange change) {
 
 void PictureVerb::AddSharedOptions() {
   output_->isForPictures = true;
+  output_->takesStreams = true;
   AddOutputOptions(*this, *output_, answer_ ? "IN [OUT]" : "IN OUT");
   AddIsolate(*this);
-  if (makesPreviews_) {
-    AddFormat(*this, *output_);
-  } else {
-    AddType(*this, *output_);
-  }
+  AddFormat(*this, *output_);
   if (uncoversCorners_) {
     AddCorners(*this, *picture_);
   } else {

@@ -15,10 +15,11 @@ VerbRunner AddConvertVerb(CommandLine& line) {
         "EMF file becomes a WMF file that contains its picture, and a WMF file becomes an EMF "
         "file that draws the same."},
        {"rasterkit convert photo.jpg upright.png",
-        "rasterkit convert --out-dir site --type jpg --quality 80 --jobs 2 *.JPG",
+        "rasterkit convert --out-dir site --format jpg --quality 80 --jobs 2 *.JPG",
         "rasterkit convert plan.png plan.bmp --bits 1 --overwrite",
         "rasterkit convert scan.tif scan-small.tif --bits 1 --compression g4",
-        "rasterkit convert drawing.emf drawing.png --dpi 300"}});
+        "rasterkit convert drawing.emf drawing.png --dpi 300",
+        "rasterkit convert - - --format png < photo.jpg > photo.png"}});
   verb.TakesMetafiles();
   verb.UncoversCorners();
   const std::shared_ptr<PictureOptions> options = verb.Options();

@@ -137,6 +137,7 @@ VerbRunner AddExifVerb(CommandLine& line) {
         "rasterkit exif --strip-thumbnail --out-dir clean *.jpg"}});
   const auto output = std::make_shared<OutputOptions>();
   const auto options = std::make_shared<ExifOptions>();
+  output->takesStreams = true;
   AddOutputOptions(verb, *output, "IN... [OUT]",
                    "files to show; with an option that writes, one input and the output");
   const Option copy = verb.Text("--copy-from", "PHOTO", options->copyFrom, {},

@@ -1,9 +1,12 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
 
-#include <rasterkit/runtime/files/file_name.h>
-#include <rasterkit/runtime/text.h>
+#include <rasterkit/placement/fit_points.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tool/arguments/numbers.h"
 #include "tool/command/command_line.h"
@@ -11,6 +14,7 @@
 #include "tool/command/isolation_option.h"
 #include "tool/command/output_options.h"
 #include "tool/command/shared_options.h"
+#include "tool/command/standard_input.h"
 #include "tool/pictures/placement/write_geotiff.h"
 #include "tool/reports/show_grid.h"
 #include "tool/verbs/verbs.h"
@@ -22,7 +26,11 @@ struct GeoTiffOptions {
   OutputOptions output;
   /// Values as typed, already checked.
   std::string origin, pixelSize, worldFile;
-  std::vector<std::string> at, atMap;
+  std::vector<std::string> points, at, atMap;
+
+  bool GivesPosition() const {
+    return !origin.empty() || !pixelSize.empty() || !points.empty() || !worldFile.empty();
+  }
 };
 
 MapPoint PointOf(const std::string& text) {
@@ -34,6 +42,26 @@ std::string CheckPoint(const std::string& text) {
   const auto numbers = ParseNumbers(text);
   const bool ok = numbers && numbers->size() == 2;
   return ok ? std::string() : "a point is X,Y, two numbers, not '" + text + "'";
+}
+
+/// COLUMN,ROW=X,Y
+std::optional<ControlPoint> ParseControlPoint(const std::string& text) {
+  const size_t equals = text.find('=');
+  if (equals == std::string::npos) return std::nullopt;
+  const auto pixel = ParseNumbers(text.substr(0, equals)),
+             place = ParseNumbers(text.substr(equals + 1));
+  if (!pixel || !place || pixel->size() != 2 || place->size() != 2) return std::nullopt;
+  ControlPoint point;
+  point.column = pixel->front();
+  point.row = pixel->back();
+  point.x = place->front();
+  point.y = place->back();
+  return point;
+}
+
+std::string CheckControlPoint(const std::string& text) {
+  if (ParseControlPoint(text)) return {};
+  return "a point is COLUMN,ROW=X,Y, four numbers, not '" + text + "'";
 }
 
 std::string CheckPixel(const std::string& text) {
@@ -57,10 +85,18 @@ void AddPositionOptions(Verb& verb, GeoTiffOptions& options) {
   const Option size = verb.Text("--pixel-size", "S|SX,SY", options.pixelSize, CheckPixelSize,
                                 "width and height of a pixel in map units");
   origin.Needs(size);
-  size.Needs(origin);
+  const Option point =
+      verb.Texts("--point", "COLUMN,ROW=X,Y", options.points, CheckControlPoint,
+                 "the place X,Y on the map of a place in the picture; COLUMN and ROW count from "
+                 "the top left corner of the picture, so that the center of its first pixel is "
+                 "0.5,0.5. Can be repeated: two points give size, turn and shift, three or more "
+                 "the position with the least squares; one requires --pixel-size");
+  point.Excludes(origin);
   verb.Text("--world-file", "FILE", options.worldFile, {},
             "read the position from this file [the world file beside the input]")
-      .Excludes(origin);
+      .Excludes(origin)
+      .Excludes(size)
+      .Excludes(point);
 }
 
 void AddQuestions(Verb& verb, GeoTiffOptions& options) {
@@ -76,7 +112,7 @@ bool IsQuestion(const GeoTiffOptions& options) {
 }
 
 int Ask(const GeoTiffOptions& options) {
-  if (!options.origin.empty() || !options.worldFile.empty()) {
+  if (options.GivesPosition()) {
     throw Failure(exitWrongUsage, "a position requires an output");
   }
   GridQuestions questions;
@@ -87,20 +123,41 @@ int Ask(const GeoTiffOptions& options) {
   return ShowGrid(questions);
 }
 
-void RequireTiffNames(const std::vector<Job>& jobs) {
-  for (const Job& job : jobs) {
-    const std::string extension = UpperCase(ExtractFileExt(job.output));
-    if (extension != ".TIF" && extension != ".TIFF") {
-      throw Failure(exitWrongUsage,
-                    job.output + ": a picture with a position must end in .tif or .tiff");
-    }
+PlacementOptions PlacementByPoints(const GeoTiffOptions& options) {
+  PlacementOptions placement;
+  PlacedByPoints placed;
+  for (const std::string& text : options.points) {
+    placed.points.push_back(ParseControlPoint(text).value());
   }
+  try {
+    if (options.pixelSize.empty()) {
+      placed.fit = FitAffine(placed.points);
+      placement.given = placed.fit.affine;
+      placement.placedBy = std::move(placed);
+    } else if (placed.points.size() == 1) {
+      placement.given = PlaceByPoint(placed.points.front(), PointOf(options.pixelSize));
+    } else {
+      throw Failure(exitWrongUsage,
+                    "several points give the size of a pixel; without --pixel-size");
+    }
+  } catch (const RangeError& error) {
+    const bool isOne = placed.points.size() == 1;
+    throw Failure(exitWrongUsage, isOne ? "one --point requires another one or --pixel-size"
+                                        : "--point: " + error.Reason());
+  }
+  return placement;
 }
 
 PlacementOptions PlacementOf(const GeoTiffOptions& options) {
+  if (!options.points.empty()) return PlacementByPoints(options);
   PlacementOptions placement;
   placement.worldFile = options.worldFile;
-  if (options.origin.empty()) return placement;
+  if (options.origin.empty()) {
+    if (!options.pixelSize.empty()) {
+      throw Failure(exitWrongUsage, "--pixel-size requires --origin or one --point");
+    }
+    return placement;
+  }
   const MapPoint origin = PointOf(options.origin), size = PointOf(options.pixelSize);
   constexpr double kHalf = 0.5;
   placement.given =
@@ -112,14 +169,14 @@ int Write(GeoTiffOptions options) {
   if (!options.at.empty() || !options.atMap.empty()) {
     throw Failure(exitWrongUsage, "--at and --at-map require one file and no output");
   }
-  const bool isOnePosition = !options.origin.empty() || !options.worldFile.empty();
-  if (!options.output.outDir.empty()) options.output.type = "tif";
+  const bool isOnePosition = options.GivesPosition();
+  const bool isStream = IsStandardStream(options.output.files.back());
+  if (!options.output.outDir.empty() || isStream) options.output.type = "tif";
   if (isOnePosition && !options.output.outDir.empty() && options.output.files.size() > 1) {
     throw Failure(exitWrongUsage, "one position cannot be used for several pictures");
   }
-  const std::vector<Job> jobs = PlanJobs(options.output);
-  RequireTiffNames(jobs);
   const PlacementOptions placement = PlacementOf(options);
+  const std::vector<Job> jobs = PlanJobs(options.output);
   return RunJobs(options.output, jobs,
                  [&](const Job& job) { return WriteGeoTiff(job, placement); });
 }
@@ -130,15 +187,19 @@ VerbRunner AddGeoTiffVerb(CommandLine& line) {
   Verb verb = line.AddVerb(
       {"geotiff",
        "write the map position, or show the values of a grid",
-       {"With an output: writes the picture upright as a TIFF file with its position on the map. "
-        "The position comes from --origin and --pixel-size, or else from a world file, or else "
-        "from the tags of the input.",
+       {"With an output: writes the picture upright with its position on the map, in the tags of "
+        "a TIFF file, or in a world file beside an output of another type. The position comes from "
+        "--origin and --pixel-size or from --point, or else from a world file, or else from the "
+        "tags of the input.",
         "With one file and no output: shows the grid of numbers in the file and the values at the "
         "given points. The exit code is 1 if the file has no grid or a point is outside it."},
        {"rasterkit geotiff plan.png plan.tif",
         "rasterkit geotiff scan.jpg scan.tif --origin 4468000,5334000 --pixel-size 0.05",
+        "rasterkit geotiff scan.jpg scan.tif --point 120,80=4468000,5334000 "
+        "--point 3900,95=4468190,5334001 --point 110,2800=4467998,5333864",
         "rasterkit geotiff terrain.tif --at 10,20 --at-map 4468012.5,5333980"}});
   const auto options = std::make_shared<GeoTiffOptions>();
+  options->output.takesStreams = true;
   AddOutputOptions(verb, options->output, "IN [OUT]");
   AddIsolate(verb);
   AddPositionOptions(verb, *options);

@@ -64,12 +64,12 @@ VerbRunner AddPdfVerb(CommandLine& line) {
         "state their resolution. With --out-dir the page number is added to each name: "
         "plan-1.png, plan-2.png and so on."},
        {"rasterkit pdf plan.pdf", "rasterkit pdf plan.pdf plan.png --page 3 --dpi 300",
-        "rasterkit pdf letters.pdf --out-dir pages --type tif --mono --page 2-"}});
+        "rasterkit pdf letters.pdf --out-dir pages --format tif --mono --page 2-"}});
   const auto arguments = std::make_shared<PdfArguments>();
   PdfOptions& options = arguments->options;
   AddPdfOptions(verb, *arguments);
   AddOutputOptions(verb, options.output, "IN [OUT]");
-  AddType(verb, options.output);
+  AddFormat(verb, options.output);
   AddQuality(verb, options.picture);
   AddCompression(verb, options.picture);
   AddThreads(verb, options.picture);

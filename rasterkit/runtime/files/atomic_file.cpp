@@ -7,6 +7,8 @@
 #include <fcntl.h>
 
 #include <rasterkit/runtime/files/atomic_file.h>
+#include <rasterkit/runtime/files/backup_file.h>
+#include <rasterkit/runtime/files/backup_names.h>
 #include <rasterkit/runtime/files/file_calls.h>
 #include <rasterkit/runtime/files/file_rights.h>
 #include <rasterkit/runtime/files/file_sync.h>
@@ -55,14 +57,23 @@ class Commitment {
     ForEach([&](State& state) { ThrowIf(errors[&state], state); });
   }
 
-  void SyncFolders() {
+  /// Waits until the names of the files are on the disk, or only those of backups.
+  void SyncFolders(bool onlyOfBackups) {
     std::map<std::pair<dev_t, ino_t>, int> errors;
     ForEach([&](State& state) {
       if (!state.options.syncs || !state.temporary) return;
+      if (onlyOfBackups && !state.backup) return;
       const auto [place, isNew] = errors.emplace(Identity(state), 0);
       if (isNew) place->second = detail::SyncFolder(state.target.folder);
       ThrowIf(place->second, state);
     });
+  }
+
+  /// Backups of files that were not replaced are of no use.
+  void RemoveNeedlessBackups() noexcept {
+    for (size_t i = 0; i < states_.size(); ++i) {
+      if (errors_[i] && states_[i]->backup) states_[i]->backup->RemoveIfNeedless();
+    }
   }
 
   std::vector<std::exception_ptr> TakeErrors() { return std::move(errors_); }
@@ -102,6 +113,8 @@ struct AtomicFile::State {
   std::optional<detail::TemporaryFile> temporary;
   detail::SystemFile straight;
   std::vector<std::string> warnings;
+  std::optional<detail::BackupFile> backup;
+  int backupNumber = 1;
   Stage stage = Stage::open;
 
   std::vector<uint8_t> buffer;
@@ -131,6 +144,7 @@ struct AtomicFile::State {
   void Finish();
   void Close();
   void Append(std::span<const uint8_t> source);
+  void MakeBackup();
   void GiveName();
 };
 
@@ -227,12 +241,25 @@ void AtomicFile::State::Close() {
   if (const int error = copy.Close(); error != 0) Fail(error);
 }
 
+/// Does nothing if there is no old file.
+void AtomicFile::State::MakeBackup() {
+  if (!options.keepsBackup || backup) return;
+  backup.emplace(target.folder, target.name, name,
+                 detail::BackupFile::Options{backupNumber, options.syncs});
+  for (const std::string& warning : backup->Warnings()) {
+    // Most say of the new file what they say of the copy.
+    const bool isKnown = std::find(warnings.begin(), warnings.end(), warning) != warnings.end();
+    if (!isKnown) warnings.push_back(warning);
+  }
+}
+
 void AtomicFile::State::GiveName() {
   if (!temporary) return;
   if (target.kind == detail::SaveTarget::Kind::none) {
     if (temporary->CreateName(target.name)) return;
     if (options.ifExists == IfExists::fail) FailBecauseItExists();
     KeepRightsOfNewcomer();
+    MakeBackup();
   }
   temporary->ReplaceName(target.name);
 }
@@ -305,6 +332,19 @@ const std::vector<std::string>& AtomicFile::Warnings() const {
   return state_->warnings;
 }
 
+void AtomicFile::SetBackupNumber(int number) {
+  state_->backupNumber = number;
+}
+
+std::string AtomicFile::BackupName() const {
+  const int number = state_->backup ? state_->backup->Number() : 0;
+  return number == 0 ? "" : detail::BackupNameOf(state_->target.path, number);
+}
+
+const std::string& AtomicFile::TargetName() const {
+  return state_->target.path;
+}
+
 void AtomicFile::Finish() {
   state_->Finish();
 }
@@ -330,8 +370,14 @@ std::vector<std::exception_ptr> AtomicFile::CommitStates(std::span<State* const>
     state.stage = State::Stage::closed;
   });
   commitment.SyncData();
+  commitment.ForEach([](State& state) {
+    if (state.target.kind == detail::SaveTarget::Kind::regular) state.MakeBackup();
+  });
+  // A power failure must not undo a backup alone.
+  commitment.SyncFolders(true);
   commitment.ForEach([](State& state) { state.GiveName(); });
-  commitment.SyncFolders();
+  commitment.SyncFolders(false);
+  commitment.RemoveNeedlessBackups();
   return commitment.TakeErrors();
 }
 

@@ -25,10 +25,21 @@ struct AtomicFileOptions {
   /// Without this, a power failure soon after the commit can lose the new file and the one that it
   /// replaced.
   bool syncs = true;
+  /// A replaced file stays beside the new one under a backup name: "plan.tif~", or with a number if
+  /// that is taken ("plan.tif~2"). Files of such names are never replaced. The backup is a second
+  /// name of the old file, made before the new one takes its place, or a copy where the file system
+  /// has no links. Without a backup the commit fails.
+  bool keepsBackup = false;
 };
 
 /// Thrown with IfExists::fail if the name is taken.
 class RASTERKIT_EXPORT FileExistsError : public FileError {
+ public:
+  using FileError::FileError;
+};
+
+/// Thrown if the backup of the old file cannot be made; the old file stays.
+class RASTERKIT_EXPORT BackupError : public FileError {
  public:
   using FileError::FileError;
 };
@@ -70,6 +81,15 @@ class RASTERKIT_EXPORT AtomicFile : public TStream {
   /// constructor, except if another program creates the file while this one is written: then after
   /// `Commit`.
   const std::vector<std::string>& Warnings() const;
+
+  /// Lets the backup have this number or the next one that is free, so that files which belong
+  /// together can share one. 1 is the name without a number.
+  void SetBackupNumber(int number);
+  /// The full name of the backup, beside the file that a symbolic link leads to. Empty before
+  /// `Commit`, and if no file was replaced.
+  std::string BackupName() const;
+  /// The full name of the target after all symbolic links.
+  const std::string& TargetName() const;
 
   /// Ends the writing: hands all bytes to the system and checks that it took them. `Commit` does it
   /// if needed. Throws FileError.

@@ -58,6 +58,7 @@ FileCalls calls = {
     .lock = flock,
     .changeMode = fchmod,
     .changeOwner = fchown,
+    .setTimes = futimens,
     .listAttributes = flistxattr,
     .getAttribute = fgetxattr,
     .setAttribute = SetAttribute,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <ctime>
 
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -31,6 +32,8 @@ struct FileCalls {
 
   int (*changeMode)(int handle, mode_t mode);
   int (*changeOwner)(int handle, uid_t owner, gid_t group);
+  /// Of the last read and the last write.
+  int (*setTimes)(int handle, const timespec* times);
   ssize_t (*listAttributes)(int handle, char* names, size_t size);
   ssize_t (*getAttribute)(int handle, const char* name, void* value, size_t size);
   int (*setAttribute)(int handle, const char* name, const void* value, size_t size);

@@ -64,6 +64,7 @@ bool IsLinkToHandle(const SystemFile& folder) {
 
 SaveTarget FindTarget(const std::string& fileName) {
   SaveTarget target;
+  target.path = fileName;
   std::tie(target.folder, target.name) = SplitAndOpen(AT_FDCWD, fileName, fileName);
   for (int links = 0;; ++links) {
     if (Calls().statusAt(target.folder.Handle(), target.name.c_str(), &target.status,
@@ -82,6 +83,8 @@ SaveTarget FindTarget(const std::string& fileName) {
     auto [folder, name] = SplitAndOpen(target.folder.Handle(), path, fileName);
     target.folder = std::move(folder);
     target.name = std::move(name);
+    target.path =
+        path.starts_with('/') ? path : target.path.substr(0, target.path.rfind('/') + 1) + path;
   }
   if (S_ISDIR(target.status.st_mode)) Fail(EISDIR, fileName);
   const bool isRegular = S_ISREG(target.status.st_mode);

@@ -22,6 +22,8 @@ struct SaveTarget {
   /// The folder, opened with O_PATH, and the name in it after all links.
   SystemFile folder;
   std::string name;
+  /// The same name with the folders that lead to it.
+  std::string path;
   /// Status of what the name leads to, unless that is nothing.
   struct stat status {};
 };

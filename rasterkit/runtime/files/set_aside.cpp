@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 
+#include <rasterkit/runtime/files/backup_names.h>
 #include <rasterkit/runtime/files/file_calls.h>
 #include <rasterkit/runtime/files/file_sync.h>
 #include <rasterkit/runtime/files/set_aside.h>
@@ -10,8 +11,8 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Tries for a free backup name.
-constexpr int kMostBackups = 100;
+/// The last number of a name that ends in ".bak".
+constexpr int kMostNames = 99;
 
 /// Renames without replacing a file of that name; 0 or the error number.
 int RenameToFreeName(const SystemFile& folder, const std::string& from, const std::string& to) {
@@ -30,21 +31,34 @@ int RenameToFreeName(const SystemFile& folder, const std::string& from, const st
 }  // namespace
 
 SetAside::SetAside(const std::string& fileName, bool syncs) : fileName_(fileName) {
-  const size_t slash = fileName.rfind('/');
+  Rename(syncs, 0, kMostNames, [](const std::string& name, int number) {
+    return name + ".bak" + (number == 0 ? "" : std::to_string(number));
+  });
+}
+
+SetAside::SetAside(const std::string& fileName, bool syncs, int backupNumber)
+    : fileName_(fileName) {
+  Rename(syncs, backupNumber, kMostBackups, BackupNameOf);
+}
+
+/// Takes the first free name of the numbers from `first` to `last`.
+template <typename NameOf>
+void SetAside::Rename(bool syncs, int first, int last, NameOf nameOf) {
+  const size_t slash = fileName_.rfind('/');
   const bool hasFolder = slash != std::string::npos;
-  name_ = hasFolder ? fileName.substr(slash + 1) : fileName;
+  name_ = hasFolder ? fileName_.substr(slash + 1) : fileName_;
   folder_ =
-      OpenAt(AT_FDCWD, hasFolder ? fileName.substr(0, slash + 1) : ".", O_RDONLY | O_DIRECTORY);
-  if (!folder_.IsOpen()) ThrowSystemError("cannot be renamed", errno, fileName);
-  bool isDone = Take(name_ + ".bak");
-  for (int i = 1; !isDone && i < kMostBackups; ++i) {
-    isDone = Take(name_ + ".bak" + std::to_string(i));
+      OpenAt(AT_FDCWD, hasFolder ? fileName_.substr(0, slash + 1) : ".", O_RDONLY | O_DIRECTORY);
+  if (!folder_.IsOpen()) ThrowSystemError("cannot be renamed", errno, fileName_);
+  bool isDone = false;
+  for (int number = first; !isDone && number <= last; ++number) {
+    isDone = Take(nameOf(name_, number));
   }
-  if (!isDone) ThrowSystemError("cannot be renamed", EEXIST, fileName);
+  if (!isDone) ThrowSystemError("cannot be renamed", EEXIST, fileName_);
   if (!syncs) return;
   if (const int error = SyncFolder(folder_); error != 0) {
     PutBack();
-    ThrowSystemError("cannot be renamed", error, fileName);
+    ThrowSystemError("cannot be renamed", error, fileName_);
   }
 }
 

@@ -9,17 +9,19 @@
 
 namespace rasterkit::detail {
 
-/// A file that has a backup name while another one is saved: "plan.tfw.bak", or with a number if
-/// that is taken. A link is renamed itself; what it leads to stays.
+/// A file that has another name while one is saved beside it or in its place. A link is renamed
+/// itself; what it leads to stays.
 class RASTERKIT_EXPORT SetAside {
  public:
-  /// Renames the file. With `syncs` the new name is on the disk afterwards. Throws FileError; the
-  /// file then has its own name.
+  /// Renames the file: "plan.tfw.bak", or with a number if that is taken. With `syncs` the new name
+  /// is on the disk afterwards. Throws FileError; the file then has its own name.
   SetAside(const std::string& fileName, bool syncs);
+  /// The same with a name of BackupNameOf, of this number or the next one that is free.
+  SetAside(const std::string& fileName, bool syncs, int backupNumber);
   SetAside(SetAside&&) noexcept = default;
 
   const std::string& FileName() const { return fileName_; }
-  /// The full backup name.
+  /// The full name that it has meanwhile.
   std::string BackupName() const;
 
   /// Gives the file its name back, unless the name is taken. Returns false if it keeps its backup
@@ -29,6 +31,8 @@ class RASTERKIT_EXPORT SetAside {
   bool Remove() noexcept;
 
  private:
+  template <typename NameOf>
+  void Rename(bool syncs, int first, int last, NameOf nameOf);
   bool Take(const std::string& backup);
 
   std::string fileName_;

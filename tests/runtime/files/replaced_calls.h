@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cerrno>
+#include <csignal>
 #include <tuple>
 #include <type_traits>
 
@@ -31,14 +32,14 @@ template <auto A, auto B>
 constexpr bool kIs =
     std::is_same_v<std::integral_constant<decltype(A), A>, std::integral_constant<decltype(B), B>>;
 
-/// Counts the calls of a process and lets one of them fail. The calls go to the table that was in
-/// use when the object was made.
+/// Counts the calls of a process and lets one of them fail, or ends the process there. The calls go
+/// to the table that was in use when the object was made.
 class CountedCalls {
  public:
   CountedCalls() {
     base_ = guard_.Before();
     count_ = 0;
-    failing_ = 0;
+    failing_ = killing_ = 0;
     hasFailed_ = failedWithName_ = hasName_ = false;
     Install<&detail::FileCalls::openAt, &detail::FileCalls::duplicate, &detail::FileCalls::close,
             &detail::FileCalls::readPieces, &detail::FileCalls::readPiecesAt,
@@ -47,11 +48,11 @@ class CountedCalls {
             &detail::FileCalls::readLinkAt, &detail::FileCalls::linkAt,
             &detail::FileCalls::renameAt, &detail::FileCalls::unlinkAt, &detail::FileCalls::lock,
             &detail::FileCalls::changeMode, &detail::FileCalls::changeOwner,
-            &detail::FileCalls::listAttributes, &detail::FileCalls::getAttribute,
-            &detail::FileCalls::setAttribute, &detail::FileCalls::removeAttribute,
-            &detail::FileCalls::syncData, &detail::FileCalls::syncAll,
-            &detail::FileCalls::syncFileSystem, &detail::FileCalls::statusOfFileSystem,
-            &detail::FileCalls::awaitWrites>();
+            &detail::FileCalls::setTimes, &detail::FileCalls::listAttributes,
+            &detail::FileCalls::getAttribute, &detail::FileCalls::setAttribute,
+            &detail::FileCalls::removeAttribute, &detail::FileCalls::syncData,
+            &detail::FileCalls::syncAll, &detail::FileCalls::syncFileSystem,
+            &detail::FileCalls::statusOfFileSystem, &detail::FileCalls::awaitWrites>();
   }
 
   /// The call with this number, counted from 1, fails with `error`.
@@ -59,6 +60,9 @@ class CountedCalls {
     failing_ = number;
     error_ = error;
   }
+
+  /// The process ends by SIGKILL before the call with this number, counted from 1.
+  void KillAt(int number) { killing_ = number; }
 
   static int Count() { return count_; }
   static bool HasFailed() { return hasFailed_; }
@@ -76,7 +80,9 @@ class CountedCalls {
 
   /// Returns whether the call that comes now fails.
   static bool Fails() {
-    if (++count_ != failing_) return false;
+    ++count_;
+    if (count_ == killing_) raise(SIGKILL);
+    if (count_ != failing_) return false;
     hasFailed_ = true;
     failedWithName_ = hasName_;
     return true;
@@ -94,7 +100,7 @@ class CountedCalls {
   }
 
   inline static detail::FileCalls base_;
-  inline static int count_ = 0, failing_ = 0, error_ = 0;
+  inline static int count_ = 0, failing_ = 0, error_ = 0, killing_ = 0;
   inline static bool hasFailed_ = false, failedWithName_ = false, hasName_ = false;
 
   const CallsGuard guard_;

@@ -107,7 +107,7 @@ TEST(CliHelp, UsageLine_Should_NameTheFiles) {
 TEST(CliHelp, OptionsOfAVerb_Should_SayWhatGoesTogether) {
   EXPECT_THAT(RunTool({"whiten", "--help"}).out, HasSubstr("(required)"));
   const std::string text = RunTool({"geotiff", "--help"}).out;
-  EXPECT_THAT(text, HasSubstr("(needs --pixel-size) (not with --world-file)"));
+  EXPECT_THAT(text, HasSubstr("(needs --pixel-size) (not with --point,"));
 }
 
 TEST(CliHelp, Lines_Should_FitInto80Columns_When_StdoutIsNoTerminal) {

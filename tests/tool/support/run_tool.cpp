@@ -49,7 +49,8 @@ bool FilterCalls(const std::vector<ToolSetup::FailingCall>& calls) {
 /// Runs in the child process between fork and exec.
 [[noreturn]] void BecomeTool(std::vector<char*> arguments, const ToolSetup& setup, int out,
                              int err) {
-  const int nothing = open("/dev/null", O_RDONLY);
+  const int nothing =
+      open(setup.stdinFile.empty() ? "/dev/null" : setup.stdinFile.c_str(), O_RDONLY);
   dup2(nothing, STDIN_FILENO);
   dup2(setup.stdoutFile.empty() ? out : open(setup.stdoutFile.c_str(), O_WRONLY), STDOUT_FILENO);
   dup2(err, STDERR_FILENO);

@@ -23,8 +23,10 @@ struct ToolResult {
 struct ToolSetup {
   /// Largest file that the process may write, in bytes, as with `ulimit -f`.
   std::optional<uint64_t> fileSizeLimit;
+  /// What stdin reads; empty for nothing.
+  std::string stdinFile = {};
   /// Where stdout goes instead of into the result.
-  std::string stdoutFile;
+  std::string stdoutFile = {};
   /// Whoever reads stdout has gone away before the process starts.
   bool isReaderGone = false;
   /// System calls that fail with the error: its number, and for calls with flags the bits that must
@@ -43,7 +45,7 @@ struct ToolSetup {
 bool CanFilterCalls();
 
 /// The tool as a process with its output in pipes (so that a progress bar is drawn only on
-/// request), stdin empty.
+/// request), stdin empty unless the setup names a file.
 class ToolProcess {
  public:
   explicit ToolProcess(const std::vector<std::string>& arguments, const ToolSetup& setup = {});

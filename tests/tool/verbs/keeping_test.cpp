@@ -140,7 +140,7 @@ TEST_F(CliKeeping, InPlace_Should_ReplaceEachInput) {
     EXPECT_EQ(Facts(name)["bits"], 8);
     EXPECT_EQ(Facts(name)["orientation"], 1);
   }
-  EXPECT_EQ(folder_.Names().size(), 2u);
+  EXPECT_EQ(folder_.Names(), (std::vector<std::string>{"a.jpg", "a.jpg~", "b.jpg", "b.jpg~"}));
   EXPECT_EQ(RunTool({"gray", "--in-place", folder_ / "a.jpg", "--out-dir", folder_.Path()}).code,
             2);
 }

@@ -172,7 +172,7 @@ TEST_F(CliThumbnail, Format_Should_NameTheTypeOfOutputsInAFolder) {
   WriteBytes(folder_ / "a.jpg", JpegOf({}));
   SavePngFile(folder_ / "b.png", Plain(300, 200, kPicture));
   const std::pair<const char*, const char*> names[] = {
-      {"jpeg", "jpg"}, {"png", "png"}, {"tiff", "tif"}, {"bmp", "bmp"}};
+      {"jpeg", "jpeg"}, {"png", "png"}, {"tiff", "tiff"}, {"bmp", "bmp"}};
   for (const auto& [format, extension] : names) {
     const std::string out = folder_ / format;
     const ToolResult result =

@@ -11,6 +11,7 @@
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/standard_input.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -30,13 +31,18 @@ void RequireJpeg(std::span<const uint8_t> bytes) {
   throw FormatError(std::string("this is not a JPEG file but ") + PictureTypeName(type));
 }
 
+std::vector<uint8_t> ReadInput(const std::string& file) {
+  if (IsStandardStream(file)) return TakeStandardInput();
+  TFileStream stream(file);
+  return ReadAll(stream);
+}
+
 }  // namespace
 
 std::vector<uint8_t> ReadJpegInput(const std::string& file) {
   try {
     const InterruptibleInput waiting(file);
-    TFileStream stream(file);
-    std::vector<uint8_t> bytes = ReadAll(stream);
+    std::vector<uint8_t> bytes = ReadInput(file);
     RequireJpeg(bytes);
     return bytes;
   } catch (const Error& error) {

@@ -18,6 +18,7 @@
 #include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/printable.h"
+#include "tool/command/standard_input.h"
 #include "tool/pictures/placement/position_tags.h"
 
 namespace rasterkit::tool {
@@ -121,14 +122,15 @@ void AddPositions(GridFile& result, const std::string& file) {
 
 GridFile LoadGridFile(const std::string& file) {
   GridFile result;
+  const std::string name = ReadableName(file);
   try {
-    Load(result, file);
+    Load(result, name);
   } catch (const Error& error) {
     throw Failure(exitInputUnreadable, file + ": " + ReasonWithOption(error));
   } catch (const std::bad_alloc&) {
     throw Failure(exitInputUnreadable, file + ": out of memory");
   }
-  if (result.grid) AddPositions(result, file);
+  if (result.grid) AddPositions(result, name);
   return result;
 }
 

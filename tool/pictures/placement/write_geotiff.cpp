@@ -21,13 +21,20 @@ void RequirePosition(const PictureWork& work) {
 JobResult WriteGeoTiff(const Job& job, const PlacementOptions& options) {
   PictureOptions reading;
   reading.worldFile = options.worldFile;
-  return ChangePicture(job, reading, false, [&](PictureWork& work) {
+  JobResult result = ChangePicture(job, reading, false, [&](PictureWork& work) {
     if (options.given) {
       work.picture.Apply(PlaceStep{*options.given});
+      if (options.placedBy) {
+        work.notes = PointNotes(*options.placedBy);
+        work.warnings =
+            PointWarnings(*options.placedBy, work.picture.Width(), work.picture.Height());
+      }
     } else {
       RequirePosition(work);
     }
   });
+  result.placedBy = options.placedBy;
+  return result;
 }
 
 }  // namespace rasterkit::tool

@@ -12,11 +12,14 @@ namespace rasterkit::tool {
 struct PlacementOptions {
   /// The position of the upright picture from the command line; nothing if its own counts.
   std::optional<Affine> given;
+  /// The points that gave it, if any did.
+  std::optional<PlacedByPoints> placedBy = std::nullopt;
   /// Name of a world file; empty for the one beside each picture.
   std::string worldFile;
 };
 
-/// Writes the job's input upright as a TIFF file with its position. Throws Failure, also if it has
+/// Writes the job's input upright with its position: in the tags of a TIFF file, else in a world
+/// file beside the output. Throws Failure, also if it has
 /// none.
 JobResult WriteGeoTiff(const Job& job, const PlacementOptions& options);
 
