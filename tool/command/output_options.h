@@ -41,6 +41,8 @@ struct OutputOptions {
   bool overwrite = false;
   /// Each input is its own output.
   bool inPlace = false;
+  /// The verb has --in-place: its outputs can take the place of inputs.
+  bool hasInPlace = true;
   /// Without the backups of --in-place.
   bool noBackup = false;
   bool noSync = false;

@@ -76,7 +76,7 @@ void AddOutputOptions(Verb& verb, OutputOptions& options, const std::string& val
   verb.Flag("--continue", options.keepGoing, "go on with the next picture after a failure")
       .In(kFiles);
   verb.Flag("--overwrite", options.overwrite, "replace existing outputs").In(kFiles);
-  if (options.isForPictures) {
+  if (options.isForPictures && options.hasInPlace) {
     const Option inPlace =
         verb.Flag("--in-place", options.inPlace,
                   "write each input over itself; all files are inputs, and no output is given. The "
@@ -86,6 +86,8 @@ void AddOutputOptions(Verb& verb, OutputOptions& options, const std::string& val
     verb.Flag("--no-backup", options.noBackup, "keep no backups with --in-place")
         .In(kFiles)
         .Needs(inPlace);
+  }
+  if (options.isForPictures) {
     verb.Flag("--dry-run", options.dryRun,
               "write nothing; print what would be written, kept and lost, and how many bytes and "
               "how much memory it would take at most")

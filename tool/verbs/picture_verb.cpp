@@ -32,6 +32,7 @@ void PictureVerb::Dialog(bool& isWanted, const std::string& description) {
 
 void PictureVerb::MakesPreviews() {
   makesPreviews_ = true;
+  output_->hasInPlace = false;
   picture_->positionFrom = PositionFrom::none;
 }
 

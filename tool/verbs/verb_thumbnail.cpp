@@ -79,9 +79,9 @@ VerbRunner AddThumbnailVerb(CommandLine& line) {
        "make small pictures for lists and web pages",
        {"Each picture is turned upright and shrunk by exact averages until it fits into the box of "
         "--size. The proportions stay; a picture that is small enough keeps its size.",
-        "A thumbnail keeps the color profile and the resolution that belongs to its size. Other "
-        "metadata, GPS positions among them, and the position on a map are left out; 'rasterkit "
-        "resize' keeps them.",
+        "A thumbnail keeps the color profile and the resolution that belongs to its size. It has "
+        "no other metadata, no GPS position and no position on a map; 'rasterkit resize' keeps "
+        "them.",
         "--from-embedded is fast for photographs: the thumbnail that the camera stored is used if "
         "it is large enough and shows the whole picture (proportions equal within 2 percent)."},
        {"rasterkit thumbnail --size 400 --out-dir small --jobs 2 *.jpg",

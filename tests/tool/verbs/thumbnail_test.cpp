@@ -172,7 +172,7 @@ TEST_F(CliThumbnail, Format_Should_NameTheTypeOfOutputsInAFolder) {
   WriteBytes(folder_ / "a.jpg", JpegOf({}));
   SavePngFile(folder_ / "b.png", Plain(300, 200, kPicture));
   const std::pair<const char*, const char*> names[] = {
-      {"jpeg", "jpg"}, {"png", "png"}, {"tiff", "tif"}, {"bmp", "bmp"}};
+      {"jpeg", "jpeg"}, {"png", "png"}, {"tiff", "tiff"}, {"bmp", "bmp"}};
   for (const auto& [format, extension] : names) {
     const std::string out = folder_ / format;
     const ToolResult result =
@@ -189,6 +189,12 @@ TEST_F(CliThumbnail, Format_Should_NameTheTypeOfOutputsInAFolder) {
                      folder_ / "a.jpg"})
                 .code,
             2);
+}
+
+TEST_F(CliThumbnail, Pictures_Should_NotBeReplacedByTheirThumbnails) {
+  WriteBytes(folder_ / "a.jpg", JpegOf({}));
+  EXPECT_EQ(RunTool({"thumbnail", "--size", "60", "--in-place", folder_ / "a.jpg"}).code, 2);
+  EXPECT_EQ(ReadBytes(folder_ / "a.jpg"), JpegOf({}));
 }
 
 TEST_F(CliThumbnail, Size_Should_BeRequiredAndValid) {
