@@ -34,7 +34,7 @@ void AddQuality(Verb& verb, PictureOptions& options);
 void AddSampling(Verb& verb, PictureOptions& options);
 /// --world-file and --position-from.
 void AddPosition(Verb& verb, PictureOptions& options);
-/// --strip and --strip-gps.
+/// --strip, --strip-gps and --strip-maker-note.
 void AddStrip(Verb& verb, PictureOptions& options);
 void AddCompression(Verb& verb, PictureOptions& options);
 /// --dpi and --size of metafiles, which exclude each other.

@@ -38,6 +38,7 @@ OpenOptions OpenOptionsOf(const PictureOptions& options) {
   open.drawing = options.metafile;
   open.drawing.background = SolidBackground(options);
   open.isolation = ReadingIsolation();
+  open.turnsUpright = !options.isAsStored;
   return open;
 }
 
@@ -92,8 +93,7 @@ bool IsOfInput(const Error& error, const Job& job) {
 
 /// The steps that every verb has last.
 void AddLastSteps(PictureWork& work) {
-  const MetadataEdit& edit = work.options.edit;
-  if (edit.stripAll || edit.stripGps || edit.stripThumbnail) work.picture.Edit(edit);
+  if (!work.options.edit.IsEmpty()) work.picture.Edit(work.options.edit);
   const int bits = work.options.bits;
   if (bits == 0) return;
   constexpr int kWithAlpha = 32;
@@ -124,6 +124,7 @@ JobResult ResultOf(const PictureWork& work, const Report& report) {
   result.reportWarnings = report.warnings.size();
   result.warnings.insert(result.warnings.end(), work.warnings.begin(), work.warnings.end());
   result.losses.insert(result.losses.end(), work.losses.begin(), work.losses.end());
+  result.notCarriedOver = work.notCarriedOver;
   result.notes = work.notes;
   result.details = report.notes;
   result.sideFiles = report.sideFiles;
@@ -148,6 +149,13 @@ void NoteOtherCompression(const PictureWork& work, const Report& report, JobResu
                                         TiffCompressionName(form->compression)));
 }
 
+/// Pixels that cannot be copied would be encoded anew.
+void RequireCopy(const PictureWork& work, const Report& report) {
+  if (!work.options.copiesPixels || report.isCopied) return;
+  throw Failure(exitInputUnreadable,
+                work.job.input + ": the encoded pixels are damaged and cannot be copied");
+}
+
 JobResult Plan(const PictureWork& work) {
   return ResultOf(work, work.picture.Plan(work.job.output, SaveOptionsOf(work.job, work.options)));
 }
@@ -161,6 +169,7 @@ JobResult Save(const PictureWork& work) {
     auto save = std::make_unique<PendingSave>(work.picture, work.job.output,
                                               SaveOptionsOf(work.job, work.options), run);
     StopIfInterrupted();
+    RequireCopy(work, save->Report());
     JobResult result = ResultOf(work, save->Report());
     result.output.picture = std::move(save);
     return result;

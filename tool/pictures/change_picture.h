@@ -19,6 +19,8 @@ struct PictureWork {
   /// What the verb has to say and loses besides the report of saving.
   std::vector<std::string> notes = {}, warnings = {};
   std::vector<Loss> losses = {};
+  /// See JobResult.
+  std::vector<std::string> notCarriedOver = {};
 
   /// The color of --background, and what --fill and --filter say.
   TColor Background() const;
