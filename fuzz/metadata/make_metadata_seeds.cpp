@@ -1,5 +1,6 @@
 // Writes the seeds of the fuzzers of metadata.
-// usage: make_metadata_seeds FOLDER: into the folders exif_block, jpeg_segments, image_resources
+// usage: make_metadata_seeds FOLDER: into the folders exif_block, jpeg_segments, image_resources,
+// metadata_edits
 
 #include <cstdio>
 #include <fstream>
@@ -47,6 +48,34 @@ Metadata FullMetadata() {
   return metadata;
 }
 
+std::string TextOf(const std::vector<uint8_t>& bytes) {
+  return {bytes.begin(), bytes.end()};
+}
+
+/// See metadata_edits_fuzzer.cpp.
+void SaveEdits(const std::string& folder) {
+  const auto save = [&](const char* name, std::vector<uint8_t> head, const std::string& block) {
+    head.insert(head.end(), block.begin(), block.end());
+    Save(folder + "/metadata_edits/" + name, head);
+  };
+  const std::string intel = test::MakeCameraBlock(test::ByteOrder::intel).bytes;
+  const std::string motorola = test::MakeCameraBlock(test::ByteOrder::motorola).bytes;
+  save("strip_gps", {0, 1, 0, 0}, intel);
+  save("strip_damaged", {0, 7, 0, 0}, motorola.substr(0, 300));
+  save("gps_and_date", {0, 24, 2, 1}, motorola);
+  save("lens", {0, 0, 14, 5}, intel);
+  save("comment", {0, 0, 4, 3}, motorola);
+  save("records", {2, 1, 8, 3}, std::string("\x1C\2\x5A\0\4city\x1C\2\x50\0\2me", 16));
+  save("resources", {3, 1, 0, 0}, TextOf(Resources()));
+  const std::string xmp =
+      "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
+      "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description "
+      "xmlns:exif=\"http://ns.adobe.com/exif/1.0/\" exif:GPSLatitude=\"48,8.5N\" "
+      "exif:GPSLongitude=\"11,34.5E\"/></rdf:RDF></x:xmpmeta>";
+  save("packet", {1, 1, 9, 0}, xmp);
+  save("packet_position", {1, 8, 9, 7}, xmp);
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -59,6 +88,7 @@ int main(int count, char** arguments) {
   Save(folder + "/exif_block/cut",
        test::BytesOf(test::MakeCameraBlock(test::ByteOrder::intel).bytes.substr(0, 150)));
   Save(folder + "/exif_block/empty", ExifBlock().Bytes());
+  SaveEdits(folder);
   const Metadata metadata = FullMetadata();
   Save(folder + "/image_resources/usual", JoinImageResources(metadata));
   Save(folder + "/image_resources/without_padding",

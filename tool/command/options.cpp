@@ -1,6 +1,7 @@
 #include "tool/command/options.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "tool/arguments/near_word.h"
@@ -129,6 +130,22 @@ Option Verb::Flag(const std::string& letter, const std::string& name, bool& valu
   OptionParts& parts = AddOption(*parts_, parts_->parsed->add_flag(letter + ',' + name, value),
                                  name, {}, description);
   parts.entry.name = names;
+  return Option(parts);
+}
+
+Option Verb::FlagOrWord(const std::string& name, const std::string& word,
+                        const std::function<void(bool hasWord)>& take,
+                        const std::string& description) {
+  // The parser stores the text there; the check, which lives as long as the option, keeps it.
+  const auto stored = std::make_shared<std::string>();
+  CLI::Option* const option = parts_->parsed->add_flag(name, *stored);
+  option->check([stored, word, take](const std::string& text) {
+    if (text != "true" && text != word) return WrongValue("given alone or as =" + word, text);
+    take(text == word);
+    return std::string();
+  });
+  OptionParts& parts = AddOption(*parts_, option, name, {}, description);
+  parts.entry.name = name + "[=" + word + "]";
   return Option(parts);
 }
 

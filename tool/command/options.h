@@ -68,6 +68,10 @@ class Verb {
   /// A flag that also has a name of one letter, such as "-q".
   Option Flag(const std::string& letter, const std::string& name, bool& value,
               const std::string& description);
+  /// A flag to which one word can be added: "--strip" or "--strip=all". `take` is told whether it
+  /// was.
+  Option FlagOrWord(const std::string& name, const std::string& word,
+                    const std::function<void(bool hasWord)>& take, const std::string& description);
   Option Number(const std::string& name, const std::string& valueName, int& value,
                 const NumberRange& range, const std::string& description);
   Option Number(const std::string& name, const std::string& valueName, std::optional<int>& value,

@@ -96,6 +96,10 @@ struct PictureOptions {
   bool writesWorldFile = false;
   /// What the output shall not have.
   MetadataEdit edit;
+  /// Pixels stay as stored; the orientation goes on to be stated.
+  bool isAsStored = false;
+  /// Nothing is written if the encoded pixels cannot be copied.
+  bool copiesPixels = false;
   /// Threads for a picture and for reading and writing TIFF files; 0 is one per processor.
   int threads = 0;
   /// For metafiles.

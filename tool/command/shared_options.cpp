@@ -230,9 +230,19 @@ void AddPosition(Verb& verb, PictureOptions& options) {
 }
 
 void AddStrip(Verb& verb, PictureOptions& options) {
-  verb.Flag("--strip", options.edit.stripAll, "write no metadata: only pixels and what they need")
+  const auto strip = [&edit = options.edit](bool isAll) {
+    edit.stripAll = true;
+    edit.stripProfile = isAll;
+  };
+  verb.FlagOrWord("--strip", "all", strip,
+                  "write no metadata but profile, resolution, position on the map, and the "
+                  "orientation of pixels that are not turned; --strip=all: no profile either")
       .In(kPicture);
-  verb.Flag("--strip-gps", options.edit.stripGps, "write no GPS position of the photograph")
+  verb.Flag("--strip-gps", options.edit.stripGps,
+            "write nothing that says where the photograph was taken; the position on the map stays")
+      .In(kPicture);
+  verb.Flag("--strip-maker-note", options.edit.stripMakerNote,
+            "write no maker note, the block of a camera in a form of its own")
       .In(kPicture);
 }
 

@@ -38,7 +38,7 @@ void AddSampling(Verb& verb, PictureOptions& options);
 void AddLossless(Verb& verb, PictureOptions& options);
 /// --world-file and --position-from.
 void AddPosition(Verb& verb, PictureOptions& options);
-/// --strip and --strip-gps.
+/// --strip, --strip-gps and --strip-maker-note.
 void AddStrip(Verb& verb, PictureOptions& options);
 void AddCompression(Verb& verb, PictureOptions& options);
 void AddPages(Verb& verb, PictureOptions& options);

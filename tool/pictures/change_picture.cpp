@@ -42,6 +42,7 @@ OpenOptions OpenOptionsOf(const PictureOptions& options) {
   open.drawing = options.metafile;
   open.drawing.background = SolidBackground(options);
   open.isolation = ReadingIsolation();
+  open.turnsUpright = !options.isAsStored;
   return open;
 }
 
@@ -95,8 +96,7 @@ void AddFirstSteps(PictureWork& work) {
 
 /// The steps that every verb has last.
 void AddLastSteps(PictureWork& work) {
-  const MetadataEdit& edit = work.options.edit;
-  if (!edit.IsEmpty()) work.picture.Edit(edit);
+  if (!work.options.edit.IsEmpty()) work.picture.Edit(work.options.edit);
   const int bits = work.options.bits;
   if (bits == 0) return;
   constexpr int kWithAlpha = 32;
@@ -148,6 +148,7 @@ JobResult ResultOf(const PictureWork& work, const Report& report) {
   result.reportWarnings = report.warnings.size();
   result.warnings.insert(result.warnings.end(), work.warnings.begin(), work.warnings.end());
   result.losses.insert(result.losses.end(), work.losses.begin(), work.losses.end());
+  result.notCarriedOver = work.notCarriedOver;
   result.notes = work.notes;
   if (!report.moveNote.empty()) {
     std::erase(result.details, report.moveNote);
@@ -171,6 +172,13 @@ void NoteOtherCompression(const PictureWork& work, const Report& report, JobResu
   if (!isOther) return;
   result.warnings.push_back(fmt::format("CCITT G4 holds black and white only; written with {}",
                                         TiffCompressionName(form->compression)));
+}
+
+/// Pixels that cannot be copied would be encoded anew.
+void RequireCopy(const PictureWork& work, const Report& report) {
+  if (!work.options.copiesPixels || report.isCopied) return;
+  throw Failure(exitInputUnreadable,
+                work.job.input + ": the encoded pixels are damaged and cannot be copied");
 }
 
 JobResult Plan(const PictureWork& work) {
@@ -236,7 +244,10 @@ JobResult Save(const PictureWork& work) {
         return PendingSave(work.picture, work.job.output, SaveOptionsOf(work.job, work.options),
                            run);
       },
-      [&](const Report& report) { return ResultOf(work, report); });
+      [&](const Report& report) {
+        RequireCopy(work, report);
+        return ResultOf(work, report);
+      });
 }
 
 /// The pages to be changed. Throws Failure if one does not exist.

@@ -26,6 +26,8 @@ struct PictureWork {
   std::vector<Loss> losses = {};
   /// Kinds that the verb leaves out by its nature: they are no loss.
   std::vector<LossKind> leftOut = {};
+  /// See JobResult.
+  std::vector<std::string> notCarriedOver = {};
 
   /// The color of --background, and what --fill and --filter say.
   TColor Background() const;

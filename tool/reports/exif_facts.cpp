@@ -1,84 +1,130 @@
 #include "tool/reports/exif_facts.h"
 
+#include <new>
+
 #include <fmt/core.h>
 
+#include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/codecs/unsized_picture.h>
+#include <rasterkit/metadata/edit/exif_tag_table.h>
+#include <rasterkit/metadata/edit/exif_value_text.h>
+#include <rasterkit/metadata/jpeg_segments.h>
+#include <rasterkit/pictures/reading/photo_facts.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/stream.h>
 #include <rasterkit/runtime/text.h>
 
 #include "tool/command/exit_code.h"
-#include "tool/pictures/exif/exif_thumbnail.h"
-#include "tool/pictures/exif/jpeg_header.h"
-#include "tool/pictures/exif/jpeg_input.h"
+#include "tool/command/interruption.h"
+#include "tool/command/limit_options.h"
+#include "tool/pictures/photo_sections.h"
 #include "tool/reports/exif_dates.h"
-#include "tool/reports/exif_names.h"
 
 namespace rasterkit::tool {
 namespace {
 
-std::string TextOf(const ExifBlock& block, const char* directory, uint16_t tag) {
-  const ExifDirectory* found = block.Find(directory);
-  const ExifEntry* entry = found != nullptr ? found->Find(tag) : nullptr;
-  return entry != nullptr ? block.Text(*entry) : "";
+using Id = ExifDirectoryId;
+
+struct DirectoryName {
+  Id id;
+  const char* name;
+};
+constexpr DirectoryName kDirectories[] = {{Id::main, "main"},
+                                          {Id::exif, "exif"},
+                                          {Id::gps, "gps"},
+                                          {Id::interop, "interop"},
+                                          {Id::thumbnail, "thumbnail"}};
+
+/// Reads the whole file. Of an endless device it reads only the first bytes.
+std::vector<uint8_t> ReadAll(const std::string& file) {
+  const InterruptibleInput waiting(file);
+  TFileStream stream(file);
+  if (stream.Size() > 0) return stream.ReadToEnd();
+  return ReadUnsizedPicture(stream);
 }
 
-/// The date when the photo was taken, or else when its file was last changed.
-std::string DateOf(const ExifBlock& block) {
-  constexpr uint16_t kDateTimeOriginal = 36867, kDateTime = 306;
-  const std::string taken = IsoDate(TextOf(block, "exif", kDateTimeOriginal));
-  return taken.empty() ? IsoDate(TextOf(block, "main", kDateTime)) : taken;
-}
-
-void AddComment(ExifFacts& facts, const std::string& comment) {
-  if (!comment.empty()) facts.comments.push_back(comment);
+/// Throws for types of which no file holds metadata of a photograph.
+void RequireMetadata(PictureType type) {
+  switch (type) {
+    case PictureType::jpeg:
+    case PictureType::png:
+    case PictureType::tiff:
+    case PictureType::webp:
+      return;
+    case PictureType::unknown:
+      throw FormatError("this is no picture file");
+    default:
+      throw UnsupportedError(fmt::format(
+          "this is a {} file, which holds no metadata of a photograph", PictureTypeName(type)));
+  }
 }
 
 void TakeThumbnail(ExifFacts& facts, const ExifBlock& block) {
-  const std::string bytes = ThumbnailBytes(block);
+  const std::span<const uint8_t> bytes = ThumbnailOf(block);
   if (bytes.empty()) return;
-  const JpegHeader header =
-      ReadJpegHeader({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
+  const PhotoHeader header = ReadPhotoHeader(bytes);
   facts.thumbnail = ExifFacts::Thumbnail{bytes.size(), header.width, header.height};
 }
 
 void TakeFields(ExifFacts& facts, const ExifBlock& block) {
-  for (const ExifDirectory& directory : block.Directories()) {
-    for (const ExifEntry& entry : directory.entries) {
-      facts.fields.push_back(
-          {directory.name, entry.tag, ExifTagName(directory.name, entry.tag), block.Text(entry)});
+  for (const DirectoryName& directory : kDirectories) {
+    for (const TagValue& value : block.All(directory.id)) {
+      const ExifTagFact* fact = FindExifTag(directory.id, value.tag);
+      facts.fields.push_back({directory.name, value.tag,
+                              fact != nullptr ? std::string(fact->name) : std::string(),
+                              TextOfExifValue(value)});
     }
   }
 }
 
-void TakeExif(ExifFacts& facts, const JpegSegment& segment) {
+void TakeExif(ExifFacts& facts, std::span<const uint8_t> exif) {
   constexpr uint16_t kUserComment = 37510;
-  const ExifBlock block(SectionBytes(segment));
-  facts.byteOrder = block.ByteOrder();
+  if (exif.empty()) return;
+  const ExifBlock block({exif.begin(), exif.end()});
+  const std::string order(exif.begin(),
+                          exif.begin() + std::min<std::ptrdiff_t>(2, std::ssize(exif)));
+  if (order == "II" || order == "MM") facts.byteOrder = order;
   if (block.IsDamaged()) facts.warnings.emplace_back("EXIF: the section is damaged");
   facts.date = DateOf(block);
-  const ExifDirectory* exif = block.Find("exif");
-  const ExifEntry* comment = exif != nullptr ? exif->Find(kUserComment) : nullptr;
-  if (comment != nullptr && block.Text(*comment) != fmt::format("{} bytes", comment->byteCount)) {
-    AddComment(facts, block.Text(*comment));
+  if (const auto comment = block.Get(Id::exif, kUserComment)) {
+    const std::string text = TextOfExifValue(*comment);
+    const bool isText = text != fmt::format("{} bytes", comment->bytes.size()) && !text.empty();
+    if (isText) facts.comments.push_back(text);
   }
   TakeThumbnail(facts, block);
   TakeFields(facts, block);
 }
 
-void TakeHeader(ExifFacts& facts, const JpegHeader& header) {
+/// A file that is cut off is shown as far as it goes.
+void TakeJpeg(ExifFacts& facts, const std::vector<uint8_t>& jpeg) {
+  facts.photo = ReadPhotoFacts(jpeg);
+  facts.warnings = facts.photo.warnings;
+  PhotoHeader header = ReadPhotoHeader(jpeg);
   facts.width = header.width;
   facts.height = header.height;
-  if (!header.isComplete) {
+  if (!header.leadsToPixels) {
     facts.warnings.emplace_back("JPEG: the header does not lead to picture data");
   }
-  for (const JpegSegment& segment : header.segments) {
-    const std::optional<MetadataKind> kind = SegmentKind(segment);
-    facts.sections.push_back({MarkerName(segment.marker), kind ? MetadataKindName(*kind) : "",
-                              segment.place, segment.Size()});
-    if (kind == MetadataKind::comment) {
-      AddComment(facts, Utf8OfBytes(Trim({reinterpret_cast<const char*>(segment.payload.data()),
-                                          segment.payload.size()})));
-    }
+  facts.comments = std::move(header.comments);
+  for (PhotoSection& section : header.sections) {
+    facts.sections.push_back(
+        {std::move(section.marker), std::move(section.kind), section.place, section.bytes});
   }
-  if (const JpegSegment* exif = header.Find(MetadataKind::exif)) TakeExif(facts, *exif);
+  TakeExif(facts, FindExif(jpeg));
+}
+
+void TakeOther(ExifFacts& facts, std::vector<uint8_t> bytes, PictureType type) {
+  TMemoryStream stream(std::move(bytes));
+  const PictureHeader header = ReadPictureHeader(stream, type);
+  facts.width = header.width;
+  facts.height = header.height;
+  facts.photo = FactsOf(header.metadata);
+  if (header.orientation) facts.photo.orientation = header.orientation;
+  facts.warnings = header.warnings;
+  for (const PictureText& text : header.metadata.texts) {
+    if (text.keyword == "Comment") facts.comments.push_back(Trim(text.text));
+  }
+  TakeExif(facts, header.metadata.exif);
 }
 
 }  // namespace
@@ -87,12 +133,19 @@ ExifFacts ReadExifFactsOf(const std::string& file) {
   ExifFacts facts;
   facts.file = file;
   try {
-    const std::vector<uint8_t> jpeg = ReadJpegInput(file);
-    facts.photo = ReadPhotoFacts(jpeg);
-    facts.warnings = facts.photo.warnings;
-    TakeHeader(facts, ReadJpegHeader(jpeg));
-  } catch (const Failure& failure) {
-    facts.error = failure.what();
+    std::vector<uint8_t> bytes = ReadAll(file);
+    const bool isJpeg = bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xD8;
+    const PictureType type = isJpeg ? PictureType::jpeg : SniffPictureType(bytes);
+    RequireMetadata(type);
+    if (isJpeg) {
+      TakeJpeg(facts, bytes);
+    } else {
+      TakeOther(facts, std::move(bytes), type);
+    }
+  } catch (const Error& error) {
+    facts.error = file + ": " + ReasonWithOption(error);
+  } catch (const std::bad_alloc&) {
+    facts.error = file + ": out of memory";
   }
   return facts;
 }

@@ -10,10 +10,10 @@
 
 namespace rasterkit::tool {
 
-/// What the header of a JPEG file states.
+/// What the header of a photograph states.
 struct ExifFacts {
   struct Field {
-    /// See ExifDirectory.
+    /// "main", "exif", "gps", "interop", "thumbnail".
     const char* directory;
     uint16_t tag;
     /// Empty for uncommon tags.
@@ -22,7 +22,7 @@ struct ExifFacts {
   };
   struct Section {
     std::string marker;
-    /// See SegmentKind.
+    /// See PhotoSection.
     std::string kind;
     size_t place, bytes;
   };
@@ -42,6 +42,7 @@ struct ExifFacts {
   std::string date;
   std::vector<std::string> comments;
   std::optional<Thumbnail> thumbnail;
+  /// Of a JPEG file.
   std::vector<Section> sections;
   std::vector<Field> fields;
   std::vector<std::string> warnings;

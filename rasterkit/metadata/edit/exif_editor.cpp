@@ -57,7 +57,6 @@ ExifEditor::ExifEditor(Metadata& metadata, const EditedPicture& picture)
         "EXIF: the block is damaged and cannot be changed; it can be removed as a whole");
   }
   hadExif_ = !block_.All(Id::exif).empty();
-  hadGps_ = !block_.All(Id::gps).empty();
 }
 
 void ExifEditor::Set(const ExifTagFact& fact, std::string_view text) {
@@ -75,6 +74,7 @@ void ExifEditor::SetText(Id directory, uint16_t tag, const std::string& text) {
 }
 
 void ExifEditor::RaiseVersions(Id directory, uint16_t tag) {
+  setsGps_ = setsGps_ || directory == Id::gps;
   const auto* row = std::find_if(std::begin(kVersions), std::end(kVersions), [&](const auto& one) {
     return one.directory == directory && tag >= one.first && tag <= one.last;
   });
@@ -137,7 +137,7 @@ void ExifEditor::CompleteExif() {
 void ExifEditor::Finish() {
   if (block_.IsEmpty()) return;
   if (!hadExif_ && !block_.All(Id::exif).empty()) CompleteExif();
-  if (!hadGps_ && !block_.All(Id::gps).empty() && !block_.Has(Id::gps, kGpsVersion)) {
+  if (setsGps_ && !block_.Has(Id::gps, kGpsVersion)) {
     constexpr int kNewest = 230;
     block_.Set(Id::gps, GpsVersion(kNewest));
   }

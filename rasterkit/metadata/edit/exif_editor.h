@@ -30,7 +30,8 @@ class ExifEditor {
 
   Metadata& metadata_;
   const EditedPicture& picture_;
-  bool hadBlock_, hadExif_, hadGps_;
+  bool hadBlock_, hadExif_;
+  bool setsGps_ = false;
   ExifBlock block_;
 };
 

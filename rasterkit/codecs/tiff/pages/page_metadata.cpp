@@ -6,6 +6,7 @@
 
 #include <rasterkit/codecs/tiff/pages/page_metadata.h>
 #include <rasterkit/codecs/tiff/pages/tag_kinds.h>
+#include <rasterkit/metadata/edit/iptc_records.h>
 #include <rasterkit/metadata/exif_tags_of_tiff.h>
 #include <rasterkit/metadata/image_resources.h>
 
@@ -103,6 +104,14 @@ std::vector<uint8_t> WithoutWords(std::vector<uint8_t> bytes) {
   return bytes;
 }
 
+/// Words leave up to three zeros behind the last record.
+void DropPadding(std::vector<uint8_t>& iptc) {
+  const std::vector<uint8_t> records = IptcRecords(iptc).Bytes();
+  const bool isSame = records.size() <= iptc.size() && iptc.size() - records.size() < 4 &&
+                      std::equal(records.begin(), records.end(), iptc.begin());
+  if (isSame && !records.empty()) iptc.resize(records.size());
+}
+
 void MetadataReader::ReadBlock(const TagPlace& place) {
   std::vector<uint8_t> bytes = reader_.Raw(place);
   switch (place.tag) {
@@ -113,6 +122,7 @@ void MetadataReader::ReadBlock(const TagPlace& place) {
       bytes = WithoutWords(std::move(bytes));
       const auto first = std::find(bytes.begin(), bytes.end(), uint8_t{0x1C});
       header_.metadata.iptc.assign(first, bytes.end());
+      DropPadding(header_.metadata.iptc);
       break;
     }
     case TIFFTAG_PHOTOSHOP:
