@@ -3,7 +3,7 @@
 
 #include <rasterkit/codecs/jp2/jp2_picture.h>
 #include <rasterkit/codecs/messages/header_fields.h>
-#include <rasterkit/pictures/fitting/decoded_kind.h>
+#include <rasterkit/pictures/sources/decoded_kind.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 

@@ -4,8 +4,8 @@
 
 #include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/pictures/find_losses.h>
-#include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/pictures/picture_state.h>
+#include <rasterkit/pictures/sources/picture_source.h>
 
 /// What belongs to the page of a TIFF file: smaller copies and masks.
 namespace rasterkit::detail {

@@ -4,8 +4,7 @@
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/graphics/metafile.h>
-#include <rasterkit/pictures/isolated_source.h>
-#include <rasterkit/pictures/picture_source.h>
+#include <rasterkit/pictures/open_source.h>
 #include <rasterkit/pictures/reading/metafile_drawing.h>
 #include <rasterkit/pictures/reading/picture_bytes.h>
 #include <rasterkit/runtime/errors.h>
@@ -150,25 +149,6 @@ void RequireOnePage(const OpenOptions& options) {
   if (options.page != 1) {
     throw RangeError("there is no page " + std::to_string(options.page) + ": the file has 1 page");
   }
-}
-
-SourcePtr PictureSource::OpenPage(int page) const {
-  throw RangeError("there is no page " + std::to_string(page), File());
-}
-
-IsolatedDocument PictureSource::WriteDocument(const DocumentOrder&) const {
-  throw UnsupportedError("the pages of the file are not copied by a worker", File());
-}
-
-Pixels PictureSource::ReadExtraPage(size_t, int, CodecReport&) const {
-  throw RangeError("the picture has no smaller copies and masks");
-}
-
-WrittenPicture PictureSource::Copy(const PictureWriting& writing, TStream& target) const {
-  const std::unique_ptr<TStream> bytes = Bytes();
-  WrittenPicture written = CopyPicture(Type(), *bytes, writing, target);
-  Bytes();  // throws if the file changed meanwhile
-  return written;
 }
 
 SourcePtr OpenSource(const std::string& file, const OpenOptions& options) {

@@ -3,8 +3,8 @@
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/form.h>
 #include <rasterkit/metadata/loss.h>
-#include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/pictures/picture_state.h>
+#include <rasterkit/pictures/sources/picture_source.h>
 
 namespace rasterkit::detail {
 

@@ -1,7 +1,7 @@
 #include <utility>
 
 #include <rasterkit/codecs/isolated_pixels.h>
-#include <rasterkit/pictures/isolated_source.h>
+#include <rasterkit/pictures/open_source.h>
 #include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>

@@ -5,6 +5,7 @@
 
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
+#include <rasterkit/pictures/open_source.h>
 #include <rasterkit/pictures/pending_save.h>
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/pictures/picture_parts.h>

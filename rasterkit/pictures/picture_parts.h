@@ -4,8 +4,8 @@
 #include <utility>
 
 #include <rasterkit/pictures/picture.h>
-#include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/pictures/picture_state.h>
+#include <rasterkit/pictures/sources/picture_source.h>
 
 namespace rasterkit::detail {
 

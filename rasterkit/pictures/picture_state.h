@@ -4,7 +4,7 @@
 #include <vector>
 
 #include <rasterkit/bands/executor.h>
-#include <rasterkit/pictures/picture_source.h>
+#include <rasterkit/pictures/sources/picture_source.h>
 #include <rasterkit/pictures/steps.h>
 
 namespace rasterkit::detail {

@@ -2,8 +2,8 @@
 
 #include <rasterkit/bands/stage.h>
 #include <rasterkit/pictures/picture.h>
-#include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/pictures/picture_state.h>
+#include <rasterkit/pictures/sources/picture_source.h>
 
 namespace rasterkit::detail {
 

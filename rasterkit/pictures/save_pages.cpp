@@ -5,10 +5,10 @@
 #include <fmt/format.h>
 
 #include <rasterkit/pictures/extra_pages.h>
-#include <rasterkit/pictures/page_sink.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/save_pages.h>
 #include <rasterkit/pictures/save_picture.h>
+#include <rasterkit/pictures/sources/page_sink.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
 

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/pictures/picture_state.h>
 #include <rasterkit/pictures/report.h>
 #include <rasterkit/pictures/run_scope.h>
 #include <rasterkit/pictures/saving_options.h>
+#include <rasterkit/pictures/sources/picture_source.h>
 #include <rasterkit/pictures/write_plan.h>
 #include <rasterkit/runtime/export.h>
 

@@ -5,11 +5,11 @@
 
 #include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/pictures/find_losses.h>
-#include <rasterkit/pictures/page_sink.h>
-#include <rasterkit/pictures/picture_source.h>
 #include <rasterkit/pictures/picture_state.h>
 #include <rasterkit/pictures/report.h>
 #include <rasterkit/pictures/saving_options.h>
+#include <rasterkit/pictures/sources/page_sink.h>
+#include <rasterkit/pictures/sources/picture_source.h>
 #include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit::detail {

@@ -70,6 +70,7 @@ constexpr Folder kFolders[] = {
     {"rasterkit/bands", 28},
     {"rasterkit/pictures/reading", 28},
     {"rasterkit/pictures/fitting", 29},
+    {"rasterkit/pictures/sources", 29},
     {"rasterkit/pictures", 30},
     {"rasterkit/startup", 30},
     {"rasterkit/pictures/document", 31},

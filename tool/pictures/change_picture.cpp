@@ -23,6 +23,7 @@
 #include "tool/command/progress.h"
 #include "tool/command/standard_input.h"
 #include "tool/pages/page_list.h"
+#include "tool/pictures/change_pages.h"
 #include "tool/pictures/metafile_output.h"
 #include "tool/reports/geo_text.h"
 #include "tool/reports/loss_report.h"
@@ -250,72 +251,12 @@ JobResult Save(const PictureWork& work) {
       });
 }
 
-/// The pages to be changed. Throws Failure if one does not exist.
-std::vector<int> PagesOf(const Job& job, const PictureOptions& options, int count) {
-  std::vector<int> pages = PageList::Parse(options.pages).value().Of(count);
-  std::sort(pages.begin(), pages.end());
-  pages.erase(std::unique(pages.begin(), pages.end()), pages.end());
-  for (const int page : pages) {
-    if (page <= count) continue;
-    throw Failure(exitOutputNotWritten,
-                  fmt::format("{}: there is no page {}: the file has {}", job.input, page, count));
-  }
-  return pages;
-}
-
 void ChangeOne(PictureWork& work, const PictureChange& change) {
   NoteUnusedSize(work);
   StopIfInterrupted();
   AddFirstSteps(work);
   if (change) change(work);
   AddLastSteps(work);
-}
-
-/// What is said about one of several pages.
-std::vector<std::string> OfPage(int page, const std::vector<std::string>& texts) {
-  std::vector<std::string> numbered;
-  for (const std::string& text : texts) numbered.push_back(fmt::format("page {}: {}", page, text));
-  return numbered;
-}
-
-template <class Item>
-void Append(std::vector<Item>& all, const std::vector<Item>& more) {
-  all.insert(all.end(), more.begin(), more.end());
-}
-
-/// What is to be gone must not be left on another page.
-void StripOthers(Document& document, const std::vector<int>& changed, const Job& job,
-                 const PictureOptions& options) {
-  DoWork(job, [&] {
-    for (int page = 1; page <= document.Pages(); ++page) {
-      if (std::find(changed.begin(), changed.end(), page) != changed.end()) continue;
-      document.Replace(page, OpenPage(document, page, job.input).Edit(options.edit));
-    }
-  });
-}
-
-JobResult ChangePages(Document document, const std::vector<int>& pages, const Job& job,
-                      const PictureOptions& options, bool isDryRun, const PictureChange& change) {
-  JobResult said;
-  DoWork(job, [&] {
-    for (const int page : pages) {
-      PictureWork work{OpenPage(document, page, job.input), job, options};
-      ChangeOne(work, change);
-      document.Replace(page, work.picture);
-      Append(said.notes, OfPage(page, work.notes));
-      Append(said.warnings, OfPage(page, work.warnings));
-      for (Loss loss : work.losses) {
-        loss.what = fmt::format("page {}: {}", page, loss.what);
-        said.losses.push_back(std::move(loss));
-      }
-    }
-  });
-  if (!options.edit.IsEmpty()) StripOthers(document, pages, job, options);
-  JobResult result = SaveDocument(document, job, options, isDryRun);
-  Append(result.notes, said.notes);
-  Append(result.warnings, said.warnings);
-  Append(result.losses, said.losses);
-  return result;
 }
 
 }  // namespace
@@ -446,15 +387,15 @@ JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDr
   if (IsMetafileName(job.output)) return ConvertMetafile(job, options, isDryRun);
   const bool isTiff = job.type.value_or(WritableType(job.output)) == PictureType::tiff;
   std::optional<Picture> picture;
-  if (PageList::Parse(options.pages).value().IsFirstPage() &&
-      !(isTiff && !options.edit.IsEmpty())) {
+  const bool strips = !StripsOf(options.edit).IsEmpty();
+  if (PageList::Parse(options.pages).value().IsFirstPage() && !(isTiff && strips)) {
     picture = OpenPicture(job.input, options);
   } else {
     const Document document = OpenDocument(job.input, options);
-    const std::vector<int> pages = PagesOf(job, options, document.Pages());
-    const bool isSeveral = pages.size() > 1 || !options.edit.IsEmpty();
-    if (isTiff && isSeveral && document.Pages() > 1) {
-      return ChangePages(document, pages, job, options, isDryRun, change);
+    const std::vector<int> pages = ChosenPages(job, options, document.Pages());
+    if (isTiff && (pages.size() > 1 || strips) && document.Pages() > 1) {
+      return ChangePages(document, pages, job, options, isDryRun,
+                         [&](PictureWork& work) { ChangeOne(work, change); });
     }
     if (pages.size() > 1) {
       throw Failure(exitWrongUsage,

@@ -44,8 +44,8 @@ VerbRunner AddPagesVerb(CommandLine& line) {
   const auto options = std::make_shared<ArrangeOptions>();
   options->output.isForPictures = true;
   verb.Text("--order", "LIST", options->order, CheckOrder,
-            "pages of the output in their order: 3,1-2,5- or last, or reverse; a page can be left "
-            "out or given again [all]");
+            "pages of the output in their order: 3,1-2,5- or last, or reverse; a page can be "
+            "absent or given again [all]");
   verb.Text("--remove", "LIST", options->removed, CheckPages, "pages that the output lacks");
   AddOutputOptions(verb, options->output, "IN... [OUT]",
                    "one file to list it; or inputs, then the output; with --out-dir or --in-place "

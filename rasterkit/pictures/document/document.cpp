@@ -6,10 +6,11 @@
 #include <fmt/format.h>
 
 #include <rasterkit/pictures/document/document.h>
-#include <rasterkit/pictures/page_sink.h>
+#include <rasterkit/pictures/open_source.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/save_pages.h>
 #include <rasterkit/pictures/side_file_losses.h>
+#include <rasterkit/pictures/sources/page_sink.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/codecs/jp2/jp2_picture.h>
-#include <rasterkit/pictures/fitting/decoded_kind.h>
+#include <rasterkit/pictures/sources/decoded_kind.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/codecs/jp2/jp2_files.h"

@@ -6,7 +6,7 @@
 
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/picture_pages.h>
-#include <rasterkit/pictures/page_sink.h>
+#include <rasterkit/pictures/sources/page_sink.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {

@@ -9,7 +9,7 @@
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/codecs/tiff/tiff_document.h>
-#include <rasterkit/pictures/picture_source.h>
+#include <rasterkit/pictures/sources/picture_source.h>
 #include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit::detail {

@@ -1,6 +1,6 @@
 #include <utility>
 
-#include <rasterkit/pictures/picture_source.h>
+#include <rasterkit/pictures/sources/picture_source.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {

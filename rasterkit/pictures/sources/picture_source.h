@@ -11,8 +11,7 @@
 #include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/graphics/bitmap.h>
-#include <rasterkit/pictures/fitting/decoded_kind.h>
-#include <rasterkit/pictures/open_options.h>
+#include <rasterkit/pictures/sources/decoded_kind.h>
 #include <rasterkit/placement/placement.h>
 #include <rasterkit/raster/pixels.h>
 #include <rasterkit/runtime/files/stream.h>
@@ -79,17 +78,6 @@ class PictureSource {
 };
 
 using SourcePtr = std::shared_ptr<const PictureSource>;
-
-/// Opens a file or its bytes. Throws as Picture::Open.
-SourcePtr OpenSource(const std::string& file, const OpenOptions& options);
-SourcePtr OpenSource(std::vector<uint8_t> bytes, const OpenOptions& options);
-
-/// World files and other files beside a file state the position of its first page. Returns the name
-/// that they go by; empty for another page.
-std::string NameForPosition(const std::string& file, int page);
-
-/// Throws RangeError if another page than the first is requested, for files without pages.
-void RequireOnePage(const OpenOptions& options);
 
 /// Takes over rows. Throws FormatError for 0 x 0 pixels.
 SourcePtr SourceOf(std::unique_ptr<TBitmap> rows);
