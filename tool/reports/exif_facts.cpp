@@ -17,6 +17,7 @@
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
 #include "tool/command/limit_options.h"
+#include "tool/command/standard_input.h"
 #include "tool/pictures/photo_sections.h"
 #include "tool/reports/exif_dates.h"
 
@@ -37,6 +38,7 @@ constexpr DirectoryName kDirectories[] = {{Id::main, "main"},
 
 /// Reads the whole file. Of an endless device it reads only the first bytes.
 std::vector<uint8_t> ReadAll(const std::string& file) {
+  if (IsStandardStream(file)) return TakeStandardInput();
   const InterruptibleInput waiting(file);
   TFileStream stream(file);
   if (stream.Size() > 0) return stream.ReadToEnd();
