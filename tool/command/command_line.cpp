@@ -153,10 +153,9 @@ struct CommandLine::Parts {
       std::string text = argv[i];
       hasOptions = hasOptions && text != "--";
       const size_t equals = text.find('=');
-      const std::string name =
-          equals != std::string::npos ? text.substr(0, equals)
-          : arguments.empty()         ? std::string()
-                                      : arguments.back();
+      const std::string name = equals != std::string::npos ? text.substr(0, equals)
+                               : arguments.empty()         ? std::string()
+                                                           : arguments.back();
       const std::string value = equals != std::string::npos ? text.substr(equals + 1) : text;
       if (hasOptions && i + 1 < argc && IsOpen(name, value)) {
         text += ' ';

@@ -118,6 +118,7 @@ void NoteUnusedSize(PictureWork& work) {
 }
 
 void NoteOtherCompression(const PictureWork& work, const Report& report, JobResult& result);
+void NoteUnusedStretch(const PictureWork& work, const Report& report, JobResult& result);
 
 JobResult ResultOf(const PictureWork& work, const Report& report) {
   JobResult result;
@@ -140,7 +141,16 @@ JobResult ResultOf(const PictureWork& work, const Report& report) {
   result.bytes = report.bytes;
   result.memory = report.memory;
   NoteOtherCompression(work, report, result);
+  NoteUnusedStretch(work, report, result);
   return result;
+}
+
+void NoteUnusedStretch(const PictureWork& work, const Report& report, JobResult& result) {
+  constexpr int kByte = 8;
+  const bool isAsked = work.options.stretch.kind != NumberStretch::Kind::automatic;
+  if (!isAsked || report.layout.bits <= kByte) return;
+  result.warnings.emplace_back(
+      "--stretch changes nothing: the output holds the numbers; --bits 8 makes them grays");
 }
 
 /// An option that cannot be followed is no silent matter.
