@@ -132,6 +132,22 @@ TEST_F(CliStretch, PlacedGrids_Should_StayNumbersWithTheirPosition) {
   EXPECT_THAT(result.err, HasSubstr("must have the same size"));
 }
 
+TEST_F(CliStretch, ComparedGrids_Should_DifferByTheirNumbers) {
+  const std::string a = Save("a.tif", {1000, 1100, 1200, 1600}, 4);
+  // Grays of their own ranges would be the same.
+  const std::string shifted = Save("b.tif", {2000, 2100, 2200, 2600}, 4);
+  const std::string near = Save("c.tif", {1000, 1101, 1200, 1600}, 4);
+  EXPECT_EQ(RunTool({"compare", a, a}).code, 0);
+  ToolResult result = RunTool({"compare", a, shifted});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_THAT(result.out, HasSubstr("different: 4 pixels of 4 x 1, by up to 159 of 255"));
+  result = RunTool({"compare", a, near});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.out, "different: 1 pixels of 4 x 1, by less than 1 of 255, the first at 1,0\n");
+  EXPECT_EQ(RunTool({"compare", a, near, "--tolerance", "1"}).code, 0);
+  EXPECT_EQ(RunTool({"compare", a, near, "--exact"}).code, 1);
+}
+
 TEST_F(CliStretch, CornersOfATurnedGrid_Should_BeNoData) {
   const std::string in = Save("in.tif", {1000, 1100, 1200, 1600}, 2);
   const std::string out = folder_ / "out.tif";
