@@ -187,8 +187,8 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
                            const WritePlan& plan, const SaveOptions& options, int threads,
                            TStream& target, Changes& changes) {
   PictureWriting writing = WritingOf(source, state, plan);
-  const PixelFit fit{plan.type,     options.background, state.placement.noData,
-                     state.stretch, threads,            plan.isSample};
+  const PixelFit fit{plan.type, options.background, state.placement.noData, state.stretch,
+                     threads,   plan.isSample};
   Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
   writing.quality = options.quality;
   writing.chromaX = options.chromaX;
