@@ -209,7 +209,9 @@ std::unique_ptr<Stage> CombineStage(Sides source, const Combination& combination
   if (combination.percent < 0 || combination.percent > 100) {
     throw RangeError("the percentage is 0 to 100, not " + std::to_string(combination.percent));
   }
-  return std::make_unique<CombineRows>(source, combination);
+  Combination known = combination;
+  if (known.mode == CombineMode::automatic) known.mode = CombineMode::key;
+  return std::make_unique<CombineRows>(source, std::move(known));
 }
 
 }  // namespace rasterkit

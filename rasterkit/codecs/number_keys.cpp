@@ -155,7 +155,8 @@ KeyRange KeysOfHalf(double number) {
 template <class T>
 KeyRange KeysOfWhole(double number) {
   // The greatest numbers of 64 bits are no doubles; their power of two is.
-  const double end = std::ldexp(1.0, static_cast<int>(8 * sizeof(T)) - (std::is_signed_v<T> ? 1 : 0));
+  const double end =
+      std::ldexp(1.0, static_cast<int>(8 * sizeof(T)) - (std::is_signed_v<T> ? 1 : 0));
   const bool isHeld = number == std::trunc(number) && number < end &&
                       number >= static_cast<double>(std::numeric_limits<T>::min());
   return isHeld ? OneKey(static_cast<T>(number)) : KeyRange{};
@@ -194,8 +195,8 @@ KeyRange NumberKeys(NumberType type) {
 
 KeyRange FiniteKeys(NumberType type) {
   KeyRange keys = NumberKeys(type);
-  const bool isFloating = type == NumberType::float16 || type == NumberType::float32 ||
-                          type == NumberType::float64;
+  const bool isFloating =
+      type == NumberType::float16 || type == NumberType::float32 || type == NumberType::float64;
   if (isFloating) ++keys.first, --keys.last;
   return keys;
 }

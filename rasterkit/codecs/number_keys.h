@@ -40,8 +40,8 @@ struct MissingKeys {
   KeyRange keys;
 };
 /// Reads the number from the text of a file, whole numbers of 64 bits exactly. A grid of floats or
-/// halves has the one nearest to the text. Nothing is known for a text that is no number; a number that the type
-/// does not have is known and never occurs.
+/// halves has the one nearest to the text. Nothing is known for a text that is no number; a number
+/// that the type does not have is known and never occurs.
 RASTERKIT_EXPORT MissingKeys MissingKeysOf(const std::string& text, NumberType type);
 
 }  // namespace rasterkit::detail

@@ -115,25 +115,17 @@ KeyRange PercentOf(const Samples& samples, const ShownNumbers& numbers, double p
 }
 
 FoundRange FullRange(const PixelLayout& layout) {
-  FoundRange found;
   if (IsFloating(layout.type)) {
-    found.range = ShownRange{ExactOf(uint64_t{0}), ExactOf(uint64_t{1})};
-    found.black = "0";
-    found.white = "1";
-    return found;
+    return {ShownRange{ExactOf(uint64_t{0}), ExactOf(uint64_t{1})}, fmt::format("{}", 0),
+            fmt::format("{}", 1)};
   }
   const bool isUnsigned = IsUnsigned(layout.type);
   const int bits = isUnsigned ? layout.bits : layout.bits - 1;
   const uint64_t most = bits >= 64 ? UINT64_MAX : (uint64_t{1} << bits) - 1;
-  ShownRange range{ExactOf(uint64_t{0}), ExactOf(most)};
-  found.black = "0";
-  found.white = fmt::format("{}", most);
-  if (!isUnsigned) {
-    range.black = {true, most + 1, 0};
-    found.black = fmt::format("-{}", most + 1);
-  }
-  found.range = range;
-  return found;
+  const ExactNumber least = isUnsigned ? ExactNumber() : ExactNumber{true, most + 1, 0};
+  return {ShownRange{least, ExactOf(most)},
+          isUnsigned ? fmt::format("{}", 0) : fmt::format("-{}", most + 1),
+          fmt::format("{}", most)};
 }
 
 FoundRange FixedRange(const NumberStretch& stretch) {
@@ -221,11 +213,10 @@ FoundRange FindRange(const Samples& samples, const std::string& noData,
   const NumberStretch::Kind kind = KindFor(layout, stretch);
   if (kind == NumberStretch::Kind::fixed) return FixedRange(stretch);
   const ShownNumbers numbers(samples, noData);
-  FoundRange found =
-      kind == NumberStretch::Kind::full ? FullRange(layout)
-      : kind == NumberStretch::Kind::percent
-          ? RangeOfKeys(numbers.Type(), PercentOf(samples, numbers, stretch.percent))
-          : RangeOfKeys(numbers.Type(), EndsOf(samples, numbers));
+  FoundRange found = kind == NumberStretch::Kind::full ? FullRange(layout)
+                     : kind == NumberStretch::Kind::percent
+                         ? RangeOfKeys(numbers.Type(), PercentOf(samples, numbers, stretch.percent))
+                         : RangeOfKeys(numbers.Type(), EndsOf(samples, numbers));
   const bool isTurned = layout.model == ColorModel::grayWhiteIsZero && IsUnsigned(layout.type);
   if (isTurned && found.range) {
     std::swap(found.range->black, found.range->white);
@@ -235,10 +226,9 @@ FoundRange FindRange(const Samples& samples, const std::string& noData,
 }
 
 void NoteRange(const FoundRange& found, Changes& changes) {
-  changes.Note(found.range
-                   ? fmt::format("numbers from {} to {} are shown as black to white", found.black,
-                                 found.white)
-                   : "the grid holds no number; all of it is shown white");
+  changes.Note(found.range ? fmt::format("numbers from {} to {} are shown as black to white",
+                                         found.black, found.white)
+                           : "the grid holds no number; all of it is shown white");
 }
 
 }  // namespace rasterkit::detail

@@ -63,7 +63,6 @@ Unpack UnpackOf(NumberType type) {
   return UnpackBand<double>;
 }
 
-
 /// The gray of each byte: samples of up to 8 bits, by their whole range.
 std::vector<uint8_t> GraysOf(const PixelLayout& layout) {
   const uint32_t full = (1u << layout.bits) - 1;

@@ -28,8 +28,8 @@ bool IsStretched(const PixelLayout& layout);
 Raster VisibleNumbers(const Samples& samples, const std::string& noData,
                       const NumberStretch& stretch, Changes& changes);
 
-/// Colors, and grays with alpha: 24-bit, or 32-bit with straight alpha, by their whole range. Throws
-/// UnsupportedError for bands that are no colors.
+/// Colors, and grays with alpha: 24-bit, or 32-bit with straight alpha, by their whole range.
+/// Throws UnsupportedError for bands that are no colors.
 Raster VisibleColors(const Samples& samples, Changes& changes);
 
 /// The same for gray and RGB by a stretch, with one range for all color bands.

@@ -45,8 +45,7 @@ ColorProfile ProfileFor(const Raster& raster, const PixelLayout& layout) {
 /// True if the stretch shows colors otherwise than by their whole range.
 bool IsStretchedColor(const PixelLayout& layout, const NumberStretch& stretch) {
   const bool isLight = IsGray(layout) || layout.model == ColorModel::rgb;
-  return isLight && detail::IsStretched(layout) &&
-         stretch.kind != NumberStretch::Kind::automatic &&
+  return isLight && detail::IsStretched(layout) && stretch.kind != NumberStretch::Kind::automatic &&
          (stretch.kind != NumberStretch::Kind::full || detail::HasNegatives(layout.type));
 }
 
@@ -67,8 +66,8 @@ Raster Shown(const Samples& samples, const std::string& noData, const NumberStre
 NumberStretch SettledStretch(const Samples& samples, const std::string& noData,
                              const NumberStretch& stretch) {
   const PixelLayout& layout = samples.Layout();
-  const bool isRead =
-      detail::IsSingleBand(layout) ? detail::IsStretched(layout) : IsStretchedColor(layout, stretch);
+  const bool isRead = detail::IsSingleBand(layout) ? detail::IsStretched(layout)
+                                                   : IsStretchedColor(layout, stretch);
   if (!isRead) return stretch;
   const detail::FoundRange found = detail::FindRange(samples, noData, stretch);
   if (!found.range) return stretch;

@@ -5,13 +5,12 @@
 #include <random>
 
 #include <gtest/gtest.h>
+#include <tiffio.h>
 
 #include <rasterkit/pictures/picture.h>
 
 #include "tests/pictures/peer_programs.h"
 #include "tests/support/temp_folder.h"
-
-#include <tiffio.h>
 
 /// Numbers that are not resampled are those that GDAL reads, to the bit: every number type, strips
 /// and tiles, planes, both byte orders. Skipped without GDAL.
@@ -44,8 +43,7 @@ constexpr std::array<TypeCase, 10> kTypes = {{{NumberType::uint8, ""},
                                               {NumberType::float64, ""}}};
 
 constexpr const char* kForms[] = {
-    "-co INTERLEAVE=PIXEL",
-    "-co INTERLEAVE=BAND -co ENDIANNESS=BIG",
+    "-co INTERLEAVE=PIXEL", "-co INTERLEAVE=BAND -co ENDIANNESS=BIG",
     "-co INTERLEAVE=PIXEL -co TILED=YES -co BLOCKXSIZE=16 -co BLOCKYSIZE=16 -co ENDIANNESS=BIG",
     "-co INTERLEAVE=BAND -co TILED=YES -co BLOCKXSIZE=32 -co BLOCKYSIZE=16 -co COMPRESS=DEFLATE "
     "-co PREDICTOR=2",
@@ -63,8 +61,8 @@ Samples Grid(NumberType type, std::mt19937& random) {
   for (int y = 0; y < kHeight; ++y) {
     std::generate_n(grid.Row(y), grid.Stride(), [&] { return static_cast<uint8_t>(random()); });
     const size_t size = BytesOf(type);
-    const bool isFloating = type == NumberType::float16 || type == NumberType::float32 ||
-                            type == NumberType::float64;
+    const bool isFloating =
+        type == NumberType::float16 || type == NumberType::float32 || type == NumberType::float64;
     // An exponent with a zero in it is no infinity and no NaN.
     for (size_t i = size - 1; isFloating && i < grid.Stride(); i += size) grid.Row(y)[i] &= 0xBF;
   }
@@ -102,14 +100,26 @@ struct Move {
 const std::vector<Move>& Moves() {
   static const std::vector<Move> kMoves = {
       {"convert", {}, kWidth, kHeight, [](int x, int y) { return std::pair(x, y); }},
-      {"crop", {CropStep{5, 3, 20, 11}}, 20, 11,
+      {"crop",
+       {CropStep{5, 3, 20, 11}},
+       20,
+       11,
        [](int x, int y) { return std::pair(x + 5, y + 3); }},
-      {"mirror", {MirrorStep{MirrorAxis::leftRight}}, kWidth, kHeight,
+      {"mirror",
+       {MirrorStep{MirrorAxis::leftRight}},
+       kWidth,
+       kHeight,
        [](int x, int y) { return std::pair(kWidth - 1 - x, y); }},
-      {"turn", {TurnStep{1}}, kHeight, kWidth,
+      {"turn",
+       {TurnStep{1}},
+       kHeight,
+       kWidth,
        [](int x, int y) { return std::pair(kWidth - 1 - y, x); }},
-      {"rotate and mirror", {RotateStep{180, {}}, MirrorStep{MirrorAxis::topBottom}}, kWidth,
-       kHeight, [](int x, int y) { return std::pair(kWidth - 1 - x, y); }}};
+      {"rotate and mirror",
+       {RotateStep{180, {}}, MirrorStep{MirrorAxis::topBottom}},
+       kWidth,
+       kHeight,
+       [](int x, int y) { return std::pair(kWidth - 1 - x, y); }}};
   return kMoves;
 }
 
@@ -146,7 +156,7 @@ TEST(DeepPeer, EveryNumberType_Should_BeMovedAsGdalReadsIt) {
       OutputOfPeer(std::string("gdal_translate -q ") + type.options + " " + form + " " +
                    InQuotes(made) + " " + InQuotes(source));
       const std::vector<uint8_t> before = NumbersOfGdal(source, folder);
-      if (before.empty()) continue;
+      ASSERT_FALSE(before.empty());
       Picture picture = Picture::Open(source);
       ASSERT_EQ(picture.Layout().type, type.type);
       for (const Step& step : move.steps) picture.Apply(step);

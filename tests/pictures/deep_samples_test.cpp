@@ -49,8 +49,7 @@ std::vector<uint8_t> BytesOf(const Samples& samples) {
       for (int plane = 0; plane < samples.Planes(); ++plane) {
         const uint8_t* pixel =
             samples.Row(y, plane) + static_cast<size_t>(x) * samples.PixelBytes();
-        const size_t count =
-            samples.Planes() > 1 ? size : samples.PixelBytes();
+        const size_t count = samples.Planes() > 1 ? size : samples.PixelBytes();
         bytes.insert(bytes.end(), pixel, pixel + count);
       }
     }

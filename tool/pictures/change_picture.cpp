@@ -116,6 +116,7 @@ void NoteUnusedSize(PictureWork& work) {
 }
 
 void NoteOtherCompression(const PictureWork& work, const Report& report, JobResult& result);
+void NoteUnusedStretch(const PictureWork& work, const Report& report, JobResult& result);
 
 /// How the pixels went from file to file.
 const char* PixelsWord(const Report& report) {
@@ -161,7 +162,16 @@ JobResult ResultOf(const PictureWork& work, const Report& report) {
     result.sources.push_back(PositionText(position));
   }
   NoteOtherCompression(work, report, result);
+  NoteUnusedStretch(work, report, result);
   return result;
+}
+
+void NoteUnusedStretch(const PictureWork& work, const Report& report, JobResult& result) {
+  constexpr int kByte = 8;
+  const bool isAsked = work.options.stretch.kind != NumberStretch::Kind::automatic;
+  if (!isAsked || report.layout.bits <= kByte) return;
+  result.warnings.emplace_back(
+      "--stretch changes nothing: the output holds the numbers; --bits 8 makes them grays");
 }
 
 /// An option that cannot be followed is no silent matter.

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include <rasterkit/bands/colors/opacity_plane.h>
+#include <rasterkit/codecs/picture_io.h>
 
 namespace rasterkit::tool {
 namespace {
@@ -24,7 +25,62 @@ int Distance(const RGBArec& a, const RGBArec& b) {
                   std::max(std::abs(a.b - b.b), std::abs(a.a - b.a)));
 }
 
+bool AreDeepAndAlike(const Picture& a, const Picture& b) {
+  constexpr int kByte = 8;
+  const PixelLayout &first = a.Layout(), &second = b.Layout();
+  const bool isDeep = first.type != NumberType::uint8 || first.bits > kByte;
+  return isDeep && first.type == second.type && first.bits == second.bits &&
+         first.bands == second.bands && first.model == second.model &&
+         first.alpha == second.alpha && a.Width() == b.Width() && a.Height() == b.Height();
+}
+
+/// The range of both pictures where each has one of its own.
+NumberStretch CommonStretch(const NumberStretch& a, const NumberStretch& b) {
+  constexpr auto kFixed = NumberStretch::Kind::fixed;
+  if (a.kind != kFixed || b.kind != kFixed) return a.kind == kFixed ? a : b;
+  NumberStretch both = a;
+  const bool isTurned = a.least > a.greatest || b.least > b.greatest;
+  both.least = isTurned ? std::max(a.least, b.least) : std::min(a.least, b.least);
+  both.greatest = isTurned ? std::min(a.greatest, b.greatest) : std::max(a.greatest, b.greatest);
+  return both;
+}
+
+bool IsSamePixel(const Samples& a, const Samples& b, int x, int y) {
+  const auto place = [x, y](const Samples& samples, int band) {
+    const size_t pixel = static_cast<size_t>(x) * samples.PixelBytes();
+    if (samples.Planes() > 1) return samples.Row(y, band) + pixel;
+    return samples.Row(y) + pixel + static_cast<size_t>(band) * BytesOf(samples.Layout().type);
+  };
+  for (int band = 0; band < a.Layout().bands; ++band) {
+    if (std::memcmp(place(a, band), place(b, band), BytesOf(a.Layout().type)) != 0) return false;
+  }
+  return true;
+}
+
 }  // namespace
+
+std::optional<ComparedNumbers> CompareNumbers(const Picture& a, const Picture& b, const Run& run) {
+  if (!AreDeepAndAlike(a, b)) return std::nullopt;
+  Samples first = a.Numbers(run), second = b.Numbers(run);
+  ComparedNumbers compared;
+  for (int y = 0; y < first.Height(); ++y) {
+    for (int x = 0; x < first.Width(); ++x) {
+      if (IsSamePixel(first, second, x, y)) continue;
+      if (compared.pixels++ > 0) continue;
+      compared.x = x;
+      compared.y = y;
+    }
+  }
+  const std::string &noDataOfA = a.GetPlacement().noData, &noDataOfB = b.GetPlacement().noData;
+  const NumberStretch stretch =
+      CommonStretch(SettledStretch(first, noDataOfA, {}), SettledStretch(second, noDataOfB, {}));
+  Changes unused;
+  compared.a = std::make_unique<TBitmap>(
+      VisiblePixels(Pixels(std::move(first)), noDataOfA, unused, stretch));
+  compared.b = std::make_unique<TBitmap>(
+      VisiblePixels(Pixels(std::move(second)), noDataOfB, unused, stretch));
+  return compared;
+}
 
 std::optional<PictureDifference> ComparePictures(TBitmap& a, TBitmap& b, int tolerance) {
   if (a.Width() != b.Width() || a.Height() != b.Height()) return std::nullopt;

@@ -61,9 +61,11 @@ std::string Text(const Comparison& result, const CompareOptions& options) {
   }
   const PictureDifference& difference = *result.difference;
   if (difference.pixels > 0) {
-    return fmt::format("different: {} pixels of {}, by up to {} of 255, the first at {},{}",
-                       difference.pixels, result.size[0], difference.greatest, difference.x,
-                       difference.y);
+    const std::string most = difference.greatest > 0
+                                 ? fmt::format("up to {} of 255", difference.greatest)
+                                 : "less than 1 of 255";
+    return fmt::format("different: {} pixels of {}, by {}, the first at {},{}", difference.pixels,
+                       result.size[0], most, difference.x, difference.y);
   }
   if (result.isExact) return "same";
   if (difference.greatest > 0) {
@@ -108,12 +110,28 @@ void PrintFailure(const CompareOptions& options, const std::string& error) {
   PrintJson(options, error, rest);
 }
 
+/// Numbers that differ although their grays do not are a difference too.
+Comparison Compare(const ComparedNumbers& numbers, int tolerance) {
+  Comparison result = Compare(*numbers.a, *numbers.b, tolerance);
+  result.isExact = result.isExact && numbers.pixels == 0;
+  if (tolerance > 0 || !result.difference) return result;
+  result.difference->pixels = numbers.pixels;
+  result.difference->x = numbers.x;
+  result.difference->y = numbers.y;
+  return result;
+}
+
 Comparison LoadAndCompare(const CompareOptions& options) {
-  const auto a = LoadUpright(options.files[0]);
-  const auto b = LoadUpright(options.files[1]);
   const std::string both = options.files[0] + " and " + options.files[1];
   try {
+    const auto numbers =
+        CompareNumbers(OpenPicture(options.files[0]), OpenPicture(options.files[1]), RunOf({}));
+    if (numbers) return Compare(*numbers, options.tolerance);
+    const auto a = LoadUpright(options.files[0]);
+    const auto b = LoadUpright(options.files[1]);
     return Compare(*a, *b, options.tolerance);
+  } catch (const CanceledError&) {
+    throw Failure(exitInterrupted, "interrupted");
   } catch (const Error& error) {
     throw Failure(exitInputUnreadable, both + ": " + ReasonWithOption(error));
   } catch (const std::bad_alloc&) {

@@ -17,7 +17,10 @@ VerbRunner AddWatermarkVerb(CommandLine& line) {
   verb.With(*file);
   return verb.ChangingAfter([file]() -> PictureChange {
     return [mark = OpenPicture(*file)](PictureWork& work) {
-      work.picture.Combine(mark, {.mode = CombineMode::watermark, .align = CombineAlign::none});
+      Picture shown = mark;
+      const NumberStretch& stretch = work.options.stretch;
+      if (stretch.kind != NumberStretch::Kind::automatic) shown.Stretch(stretch);
+      work.picture.Combine(shown, {.mode = CombineMode::watermark, .align = CombineAlign::none});
     };
   });
 }

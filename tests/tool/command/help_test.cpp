@@ -184,10 +184,11 @@ TEST(CliHelp, MistypedWords_Should_NameWhatIsMeant) {
   EXPECT_EQ(RunTool({"convert", "a.bmp", "b.bmp", "--qualty=80"}).err,
             "rasterkit convert: unknown option: --qualty=80; did you mean --quality?\n"
             "Run 'rasterkit convert --help' for help.\n");
-  EXPECT_EQ(RunTool({"combine", "a.bmp", "b.bmp", "--with", "c.bmp", "--mode", "shadw"}).err,
-            "rasterkit combine: --mode: must be one of key, transparent, shadow, overwrite, "
-            "into-white, not 'shadw'; did you mean shadow?\n"
-            "Run 'rasterkit combine --help' for help.\n");
+  EXPECT_EQ(
+      RunTool({"combine", "a.bmp", "b.bmp", "--with", "c.bmp", "--mode", "shadw"}).err,
+      "rasterkit combine: --mode: must be one of auto, grid, key, transparent, shadow, overwrite, "
+      "into-white, not 'shadw'; did you mean shadow?\n"
+      "Run 'rasterkit combine --help' for help.\n");
   EXPECT_EQ(RunTool({"no-such-verb"}).err,
             "rasterkit: unknown verb: no-such-verb\nRun 'rasterkit --help' for help.\n");
 }

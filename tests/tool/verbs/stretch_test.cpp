@@ -37,12 +37,12 @@ class CliStretch : public testing::Test {
   }
 
   std::vector<int> Shown(const std::vector<std::string>& options, const std::string& in) {
-    std::vector<std::string> line = {"convert", in, folder_ / "out.png", "--overwrite", "-v"};
+    std::vector<std::string> line = {"convert", in, folder_ / "out.bmp", "--overwrite", "-v"};
     line.insert(line.end(), options.begin(), options.end());
     const ToolResult result = RunTool(line);
     EXPECT_EQ(result.code, 0) << result.err;
     err_ = result.err;
-    const Raster raster = LoadFile(folder_ / "out.png");
+    const Raster raster = LoadFile(folder_ / "out.bmp");
     std::vector<int> grays;
     for (int x = 0; x < raster.Width(); ++x) grays.push_back(raster.PixelColor(x, 0) & 255);
     return grays;
@@ -76,6 +76,16 @@ TEST_F(CliStretch, EachSpelling_Should_ShowItsRange) {
   EXPECT_EQ(Shown({"--stretch", "full"}, in), (std::vector{4, 4, 5, 6, 255}));
 }
 
+TEST_F(CliStretch, OutputThatHoldsTheNumbers_Should_KeepThemWithAWarning) {
+  const std::string in = Save("in.tif", {1000, 1100, 1200, 1600, 9}, 5);
+  ToolResult result = RunTool({"convert", in, folder_ / "out.png", "--stretch", "minmax"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_THAT(result.err, HasSubstr("--stretch changes nothing"));
+  result = RunTool({"convert", in, folder_ / "8.png", "--stretch", "minmax", "--bits", "8"});
+  EXPECT_THAT(result.err, testing::Not(HasSubstr("--stretch changes nothing")));
+  EXPECT_EQ(LoadFile(folder_ / "8.png").PixelColor(1, 0) & 255, 43);
+}
+
 TEST_F(CliStretch, WrongValues_Should_BeWrongUsage) {
   const std::string in = Save("in.tif", {1000, 1600}, 2);
   for (const char* value : {"max", "percent", "percent:50", "percent:-1", "fixed:1", "fixed:1,1",
@@ -87,12 +97,12 @@ TEST_F(CliStretch, WrongValues_Should_BeWrongUsage) {
   }
 }
 
-TEST_F(CliStretch, Bits8_Should_StretchATiff) {
+TEST_F(CliStretch, Bits8_Should_StretchThePart) {
   const std::string in = Save("in.tif", {1000, 1100, 1200, 1600, 1600}, 5);
   const ToolResult result = RunTool(
-      {"crop", in, folder_ / "out.tif", "--rect", "1,0,3,1", "--bits", "8", "--stretch", "minmax"});
+      {"crop", in, folder_ / "out.png", "--rect", "1,0,3,1", "--bits", "8", "--stretch", "minmax"});
   EXPECT_EQ(result.code, 0) << result.err;
-  const Raster raster = LoadFile(folder_ / "out.tif");
+  const Raster raster = LoadFile(folder_ / "out.png");
   EXPECT_EQ(raster.Format(), pf8bit);
   EXPECT_EQ(raster.PixelColor(0, 0) & 255, 0) << "the range is that of the part";
   EXPECT_EQ(raster.PixelColor(1, 0) & 255, 51);
@@ -116,10 +126,26 @@ TEST_F(CliStretch, PlacedGrids_Should_StayNumbersWithTheirPosition) {
   EXPECT_EQ(values, (std::vector{1, 70000, 3, 80000}));
   result = RunTool({"combine", under, folder_ / "key.png", "--with", over, "--mode", "key"});
   EXPECT_EQ(result.code, 0) << result.err;
-  result = RunTool({"combine", under, folder_ / "a.tif", "--with", over, "--mode", "grid",
-                    "--align", "none"});
+  result = RunTool(
+      {"combine", under, folder_ / "a.tif", "--with", over, "--mode", "grid", "--align", "none"});
   EXPECT_EQ(result.code, 4);
   EXPECT_THAT(result.err, HasSubstr("must have the same size"));
+}
+
+TEST_F(CliStretch, ComparedGrids_Should_DifferByTheirNumbers) {
+  const std::string a = Save("a.tif", {1000, 1100, 1200, 1600}, 4);
+  // Grays of their own ranges would be the same.
+  const std::string shifted = Save("b.tif", {2000, 2100, 2200, 2600}, 4);
+  const std::string near = Save("c.tif", {1000, 1101, 1200, 1600}, 4);
+  EXPECT_EQ(RunTool({"compare", a, a}).code, 0);
+  ToolResult result = RunTool({"compare", a, shifted});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_THAT(result.out, HasSubstr("different: 4 pixels of 4 x 1, by up to 159 of 255"));
+  result = RunTool({"compare", a, near});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.out, "different: 1 pixels of 4 x 1, by less than 1 of 255, the first at 1,0\n");
+  EXPECT_EQ(RunTool({"compare", a, near, "--tolerance", "1"}).code, 0);
+  EXPECT_EQ(RunTool({"compare", a, near, "--exact"}).code, 1);
 }
 
 TEST_F(CliStretch, CornersOfATurnedGrid_Should_BeNoData) {
