@@ -23,6 +23,18 @@ bool IsBlockTag(uint16_t tag) {
          tag == TIFFTAG_TILEOFFSETS || tag == TIFFTAG_TILEBYTECOUNTS;
 }
 
+/// Tiles count where there are both strips and tiles; 0 if there is nothing else.
+uint16_t StrayPlaces(const TagDirectory& directory) {
+  return directory.Has(TIFFTAG_TILEOFFSETS) ? TIFFTAG_STRIPOFFSETS : 0;
+}
+
+/// True for sizes of blocks that the directory does not have.
+bool AreStraySizes(const TagDirectory& directory, uint16_t tag) {
+  const bool isTiled = directory.Has(TIFFTAG_TILEOFFSETS);
+  if (tag == TIFFTAG_TILEBYTECOUNTS) return !isTiled;
+  return tag == TIFFTAG_STRIPBYTECOUNTS && (isTiled || !directory.Has(TIFFTAG_STRIPOFFSETS));
+}
+
 bool IsWideInteger(uint16_t type) {
   return type == TIFF_LONG8 || type == TIFF_SLONG8 || type == TIFF_IFD8;
 }
@@ -145,7 +157,10 @@ PageCopier::Structure PageCopier::Copy(const TagDirectory& directory, Changes& c
       if (pointers.count > 0 || (!writing_ && place.count == 0)) {
         copy.tags[place.tag] = std::move(pointers);
       }
-    } else if (!IsBlockTag(place.tag)) {
+    } else if (place.tag == StrayPlaces(directory)) {
+      changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", place.tag),
+                   "the directory has both strips and tiles");
+    } else if (!IsBlockTag(place.tag) || AreStraySizes(directory, place.tag)) {
       CopyValue(place, copy);
     }
   }
