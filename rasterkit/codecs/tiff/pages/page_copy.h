@@ -65,6 +65,7 @@ class PageCopier {
   void CollectJpegFile(const TagDirectory& directory, const StoredBlocks& blocks);
   void CollectJpegTables(const TagDirectory& directory);
   bool IsMain(const TagDirectory& directory) const { return writing_ && directory.at == first_.at; }
+  bool IsOldJpeg(const TagDirectory& directory) const;
   bool IsWrittenAnew(const TagPlace& place) const;
   Structure Copy(const TagDirectory& directory, Changes& changes);
   bool IsBoundToOrder(uint16_t tag, Changes& changes) const;

@@ -247,6 +247,22 @@ TEST(CopyTiffPage, Should_DropListsOfFreeBytes_When_Copied) {
   ExpectChain({page}, CopiedPages(WriteMade({stated}, false, false, random), {1}, {}));
 }
 
+TEST(CopyTiffPage, Should_KeepSizesWithoutPlaces_When_BlocksAreOfTheOtherKind) {
+  std::mt19937 random(20273);
+  for (const bool isTiled : {false, true}) {
+    MadeDirectory page = RandomPage(random);
+    page.isTiled = isTiled;
+    const uint16_t sizes = isTiled ? 279 : 325;
+    page.Set(sizes, 4, {1, 2, 3});
+    const ByteList copy = CopiedPages(WriteMade({page}, false, false, random), {1}, {});
+    // The reader of the test takes them out.
+    const uint8_t entry[] = {static_cast<uint8_t>(sizes), 1, 4, 0, 3, 0, 0, 0};
+    EXPECT_TRUE(Contains(copy, {std::begin(entry), std::end(entry)}));
+    page.tags.erase(sizes);
+    ExpectChain({page}, copy);
+  }
+}
+
 TEST(CopyTiffPage, Should_SayWhatIsLost_When_TypeIsUnknown) {
   std::mt19937 random(20270);
   MadeDirectory page = RandomPage(random);
