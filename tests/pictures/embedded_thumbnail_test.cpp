@@ -63,10 +63,12 @@ TEST(EmbeddedThumbnail, IsThatOfExifElseOfTheResources) {
 }
 
 TEST(EmbeddedThumbnail, IsUprightWithTheProfileOfThePicture) {
+  // A profile states when it was made.
+  const ColorProfile profile = test::RgbProfile();
   for (const PictureType type : {PictureType::jpeg, PictureType::png}) {
     Metadata metadata;
     metadata.exif = ExifWith(Small(30, 20), 6);
-    metadata.profile = test::RgbProfile();
+    metadata.profile = profile;
     Picture picture = PictureWith(metadata, type);
     picture.Crop({0, 0, 10, 10}).Resize(3, 3);
     const auto thumbnail = picture.EmbeddedThumbnail();
@@ -74,7 +76,7 @@ TEST(EmbeddedThumbnail, IsUprightWithTheProfileOfThePicture) {
     EXPECT_EQ(thumbnail->Width(), 20);
     EXPECT_EQ(thumbnail->Height(), 30);
     ASSERT_NE(thumbnail->GetMetadata().profile, nullptr);
-    EXPECT_EQ(*thumbnail->GetMetadata().profile, *test::RgbProfile());
+    EXPECT_EQ(*thumbnail->GetMetadata().profile, *profile);
     EXPECT_EQ(thumbnail->Bitmap()->Width(), 20);
   }
 }
