@@ -146,7 +146,7 @@ TEST_F(CliThumbnail, EmbeddedOnes_Should_BeUsed_When_LargeEnoughAndOfTheSameShap
   EXPECT_FALSE(isUsed({.thumbnailWidth = 150, .thumbnailHeight = 104}, "60"));
   EXPECT_FALSE(isUsed({.thumbnailWidth = 160, .thumbnailHeight = 120}, "60")) << "black bars";
   EXPECT_FALSE(isUsed({.thumbnailWidth = 100, .thumbnailHeight = 150}, "60")) << "upright already";
-  EXPECT_FALSE(IsEmbedded(Thumbnail(photograph, {"--size", "60"}))) << "not asked for";
+  EXPECT_FALSE(IsEmbedded(Thumbnail(photograph, {"--size", "60"}))) << "not requested";
 }
 
 TEST_F(CliThumbnail, EmbeddedOnes_Should_BeUprightWithProfileAndResolution) {
