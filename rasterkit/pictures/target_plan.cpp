@@ -7,7 +7,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// True if the steps ask for nothing but moved pixels, and no option for other ones.
+/// True if the steps only move pixels and no option requires other ones.
 bool CanMove(const PictureSource& source, const PictureState& state, PictureType type,
              const SaveOptions& options) {
   const bool isJpeg = type == PictureType::jpeg && source.Type() == PictureType::jpeg &&

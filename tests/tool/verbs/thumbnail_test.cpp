@@ -27,6 +27,12 @@ using testing::HasSubstr;
 
 constexpr TColor kPicture = 0x3030C0, kEmbedded = 0xC03030;
 
+/// Profiles state when they were made.
+const ColorProfile& Profile() {
+  static const ColorProfile profile = RgbProfile();
+  return profile;
+}
+
 Raster Plain(int width, int height, TColor color) {
   Raster raster(pf24bit, width, height);
   FillRaster(raster, {0, 0, width, height}, color);
@@ -114,7 +120,7 @@ TEST_F(CliThumbnail, Pixels_Should_BeExactAverages) {
 }
 
 TEST_F(CliThumbnail, Photographs_Should_BeUprightWithProfileAndResolutionAlone) {
-  const Picture small = Thumbnail({.orientation = 6, .profile = RgbProfile()}, {"--size", "100"});
+  const Picture small = Thumbnail({.orientation = 6, .profile = Profile()}, {"--size", "100"});
   EXPECT_EQ(small.Width(), 67);
   EXPECT_EQ(small.Height(), 100);
   EXPECT_TRUE(small.Steps().empty());
@@ -122,7 +128,7 @@ TEST_F(CliThumbnail, Photographs_Should_BeUprightWithProfileAndResolutionAlone) 
   EXPECT_TRUE(metadata.exif.empty());
   EXPECT_TRUE(metadata.comments.empty());
   ASSERT_NE(metadata.profile, nullptr);
-  EXPECT_EQ(*metadata.profile, *RgbProfile());
+  EXPECT_EQ(*metadata.profile, *Profile());
   EXPECT_NEAR(metadata.resolution.x, 100, 1);
   EXPECT_NEAR(metadata.resolution.y, 100, 1);
 }
@@ -140,12 +146,12 @@ TEST_F(CliThumbnail, EmbeddedOnes_Should_BeUsed_When_LargeEnoughAndOfTheSameShap
   EXPECT_FALSE(isUsed({.thumbnailWidth = 150, .thumbnailHeight = 104}, "60"));
   EXPECT_FALSE(isUsed({.thumbnailWidth = 160, .thumbnailHeight = 120}, "60")) << "black bars";
   EXPECT_FALSE(isUsed({.thumbnailWidth = 100, .thumbnailHeight = 150}, "60")) << "upright already";
-  EXPECT_FALSE(IsEmbedded(Thumbnail(photograph, {"--size", "60"}))) << "not asked for";
+  EXPECT_FALSE(IsEmbedded(Thumbnail(photograph, {"--size", "60"}))) << "not requested";
 }
 
 TEST_F(CliThumbnail, EmbeddedOnes_Should_BeUprightWithProfileAndResolution) {
   const Photograph photograph{
-      .orientation = 8, .thumbnailWidth = 150, .thumbnailHeight = 100, .profile = RgbProfile()};
+      .orientation = 8, .thumbnailWidth = 150, .thumbnailHeight = 100, .profile = Profile()};
   for (const std::vector<std::string>& more : {std::vector<std::string>{}, {"--isolate"}}) {
     std::vector<std::string> options = {"--size", "75", "--from-embedded"};
     options.insert(options.end(), more.begin(), more.end());
@@ -155,7 +161,7 @@ TEST_F(CliThumbnail, EmbeddedOnes_Should_BeUprightWithProfileAndResolution) {
     EXPECT_EQ(small.Height(), 75);
     EXPECT_NEAR(small.GetMetadata().resolution.x, 75, 1);
     ASSERT_NE(small.GetMetadata().profile, nullptr);
-    EXPECT_EQ(*small.GetMetadata().profile, *RgbProfile());
+    EXPECT_EQ(*small.GetMetadata().profile, *Profile());
   }
 }
 
