@@ -24,9 +24,7 @@ std::string BackupNameOf(const std::string& file, int number) {
 
 int FreeBackupNumber(std::span<const std::string> files) {
   for (int number = 1; number <= kMostBackups; ++number) {
-    const auto isFree = [&](const std::string& file) {
-      return IsFree(BackupNameOf(file, number));
-    };
+    const auto isFree = [&](const std::string& file) { return IsFree(BackupNameOf(file, number)); };
     if (std::all_of(files.begin(), files.end(), isFree)) return number;
   }
   return 1;
