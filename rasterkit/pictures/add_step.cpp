@@ -7,11 +7,11 @@
 #include <rasterkit/bands/layouts.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/pictures/align_pictures.h>
-#include <rasterkit/pictures/fitting/sample_rows.h>
 #include <rasterkit/pictures/north_up.h>
 #include <rasterkit/pictures/own_stages.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/picture_state.h>
+#include <rasterkit/pictures/sources/sample_rows.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 

@@ -10,7 +10,7 @@
 #include <rasterkit/metadata/jpeg_assembly.h>
 #include <rasterkit/pictures/extra_pages.h>
 #include <rasterkit/pictures/fitting/fit_pixels.h>
-#include <rasterkit/pictures/fitting/sample_rows.h>
+#include <rasterkit/pictures/sources/sample_rows.h>
 #include <rasterkit/pictures/write_plan.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>

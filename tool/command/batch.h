@@ -18,7 +18,7 @@ namespace rasterkit::tool {
 struct Job {
   std::string input;
   std::string output;
-  /// Page of a PDF file, counted from 1; 0 for a whole picture.
+  /// Page of a PDF or TIFF file, counted from 1; 0 for a whole picture.
   int page = 0;
   SaveRules saving = {};
   /// The type of an output on stdout; nothing keeps that of the input.

@@ -14,7 +14,10 @@
 
 #include "tool/command/batch.h"
 #include "tool/command/exit_code.h"
+#include "tool/command/output_names.h"
 #include "tool/command/output_type.h"
+#include "tool/command/standard_input.h"
+#include "tool/pages/page_jobs.h"
 #include "tool/pages/page_list.h"
 #include "tool/pictures/change_picture.h"
 
@@ -54,7 +57,8 @@ class PageArranger {
     std::vector<std::string> inputs = single.files;
     inputs.pop_back();
     single.files = {inputs.front(), options_.output.files.back()};
-    const std::vector<Job> jobs = PlanJobs(single);
+    std::vector<Job> jobs = PlanJobs(single);
+    if (IsStandardStream(jobs[0].output)) jobs[0].type = PictureType::tiff;
     RequireTiff(jobs);
     return Run(jobs, [&](const Job& job) { return Save(inputs, job); });
   }
@@ -62,7 +66,7 @@ class PageArranger {
  private:
   static void RequireTiff(const std::vector<Job>& jobs) {
     for (const Job& job : jobs) {
-      if (IsTiff(job.output)) continue;
+      if (job.type == PictureType::tiff || IsTiff(job.output)) continue;
       throw Failure(exitWrongUsage, fmt::format("{}: only TIFF files have several pages; the name "
                                                 "must end in .tif or .tiff, not in '{}'",
                                                 job.output, ExtractFileExt(job.output)));
@@ -87,17 +91,12 @@ class PageArranger {
       if (failure.Code() != exitInputUnreadable) throw;
     }
     for (const int page : pages) {
-      jobs.push_back({input, OutputName(input, page, count), page, options_.output.Saving()});
+      const int number = static_cast<int>(jobs.size()) + 1;
+      const std::string extension = IsTiff(input) ? ExtractFileExt(input) : ".tif";
+      const std::string name = NameOfPage(input, page, count, extension);
+      jobs.push_back({input, NameInFolder(options_.output, {input, name, page, number}), page,
+                      options_.output.Saving()});
     }
-  }
-
-  /// scan-07.tif for scan.tif: the page number has as many digits as the number of pages.
-  std::string OutputName(const std::string& input, int page, int count) const {
-    const std::string base = ChangeFileExt(ExtractFileName(input), "");
-    const std::string extension = IsTiff(input) ? ExtractFileExt(input) : ".tif";
-    const std::string name =
-        fmt::format("{}-{:0{}}{}", base, page, std::to_string(count).size(), extension);
-    return (ToPath(options_.output.outDir) / ToPath(name)).string();
   }
 
   JobResult Save(const std::vector<std::string>& inputs, const Job& job) const {

@@ -398,7 +398,9 @@ JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDr
   const bool isTiff = job.type.value_or(WritableType(job.output)) == PictureType::tiff;
   std::optional<Picture> picture;
   const bool strips = !StripsOf(options.edit).IsEmpty();
-  if (PageList::Parse(options.pages).value().IsFirstPage() && !(isTiff && strips)) {
+  if (job.page > 0) {
+    picture = OpenPage(OpenDocument(job.input, options), job.page, job.input);
+  } else if (PageList::Parse(options.pages).value().IsFirstPage() && !(isTiff && strips)) {
     picture = OpenPicture(job.input, options);
   } else {
     const Document document = OpenDocument(job.input, options);
@@ -409,8 +411,8 @@ JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDr
     }
     if (pages.size() > 1) {
       throw Failure(exitWrongUsage,
-                    fmt::format("{}: holds one picture: give one page of {} with --page, or a TIFF "
-                                "file as output",
+                    fmt::format("{}: holds one picture: give one page of {} with --page, a TIFF "
+                                "file as output, or --out-dir",
                                 job.output, job.input));
     }
     picture = OpenPage(document, pages.front(), job.input);

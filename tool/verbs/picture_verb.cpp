@@ -7,6 +7,7 @@
 #include "tool/command/exit_code.h"
 #include "tool/command/isolation_option.h"
 #include "tool/command/shared_options.h"
+#include "tool/pages/page_jobs.h"
 
 namespace rasterkit::tool {
 
@@ -80,7 +81,7 @@ VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
         asksAboutFiles != nullptr && *asksAboutFiles && output->outDir.empty() && !output->inPlace;
     if (isAboutFiles) return answerForFiles(output->files, output->json);
     if (answer && isQuestion) return answer(output->files[0], output->json);
-    const std::vector<Job> jobs = PlanJobs(*output);
+    const std::vector<Job> jobs = JobsOfPages(PlanJobs(*output), *output, *picture);
     picture->showsProgress = jobs.size() == 1 && !output->quiet;
     const PictureChange change = prepare();
     return RunJobs(*output, jobs, [&](const Job& job) {

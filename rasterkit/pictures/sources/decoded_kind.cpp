@@ -1,6 +1,6 @@
 #include <rasterkit/bands/layouts.h>
-#include <rasterkit/pictures/fitting/sample_rows.h>
 #include <rasterkit/pictures/sources/decoded_kind.h>
+#include <rasterkit/pictures/sources/sample_rows.h>
 
 namespace rasterkit::detail {
 namespace {

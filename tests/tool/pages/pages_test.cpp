@@ -190,6 +190,21 @@ TEST_F(CliPages, OnePage_Should_BeWritten_When_TheOutputIsNoTiff) {
   EXPECT_EQ(RunTool({"convert", In("in.tif"), In("none.tif"), "--page", "0"}).code, 2);
 }
 
+TEST_F(CliPages, EachPage_Should_BeAFile_When_TheFolderHoldsNoTiff) {
+  const ToolResult result = RunTool(
+      {"convert", In("in.tif"), "--out-dir", In("png"), "--format", "png", "--page", "2-4"});
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_EQ(LoadFile(In("png/in-2.png")).Width(), 160);
+  EXPECT_EQ(LoadFile(In("png/in-4.png")).Width(), 60);
+  EXPECT_FALSE(std::filesystem::exists(In("png/in-1.png")));
+  const ToolResult named =
+      RunTool({"convert", In("in.tif"), "--out-dir", In("png"), "--format", "png", "--page", "all",
+               "--name", "{stem}-p{page:3}.{ext}", "--json"});
+  EXPECT_EQ(named.code, 0) << named.err;
+  EXPECT_EQ(LoadFile(In("png/in-p005.png")).Width(), 96);
+  EXPECT_EQ(JsonLines(named.out).at(4)["page"], 5);
+}
+
 TEST_F(CliPages, CroppedContent_Should_BeGone_When_ItIsCroppedInPlace) {
   EXPECT_EQ(RunTool({"crop", In("in.tif"), "--in-place", "--rect", "10,20,30,40"}).code, 0);
   const std::string bytes = TextOf(In("in.tif"));

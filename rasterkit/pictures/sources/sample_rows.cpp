@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include <rasterkit/pictures/fitting/sample_rows.h>
+#include <rasterkit/pictures/sources/sample_rows.h>
 
 namespace rasterkit::detail {
 namespace {
