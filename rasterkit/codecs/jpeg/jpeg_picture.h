@@ -46,7 +46,7 @@ RASTERKIT_EXPORT std::optional<PictureMove> MovableJpegPart(const JpegForm& form
 /// Writes the compressed pixels of `file` byte for byte, with the metadata of `writing`. With
 /// `writing.move`, blocks are turned and left out instead, and the file has the tables, sampling,
 /// scans and restart interval of the source; previews in the file header and what follows the end
-/// of the picture are left out. Before the first byte is written, a move throws RangeError if it is
+/// of the picture are skipped. Before the first byte is written, a move throws RangeError if it is
 /// not exact (see MovableJpegPart), FormatError if the stream is damaged or cut off or scans are
 /// missing, UnsupportedError for arithmetic coding, 12 bits and tables that change between scans,
 /// LimitError if the coefficients of source and result exceed the picture memory limit. A caller

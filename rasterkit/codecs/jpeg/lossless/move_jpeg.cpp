@@ -264,11 +264,15 @@ class ThumbnailMaker {
     if (hasColors_ && IsLarge(picture)) rows_ = RowsOf(picture);
   }
 
-  /// Empty if the colors are not known. A small picture is decoded.
+  /// Empty if the colors are not known. A small picture is decoded; empty if it cannot be.
   std::vector<uint8_t> Make(Bytes coded, const JpegParts& parts) const {
     if (!hasColors_) return {};
     if (rows_) return EncodeThumbnail(*rows_, sides_);
-    return EncodeThumbnail(Decoded(coded, parts), sides_);
+    try {
+      return EncodeThumbnail(Decoded(coded, parts), sides_);
+    } catch (const UnsupportedError&) {
+      return {};  // sampling with fractions
+    }
   }
 
  private:
