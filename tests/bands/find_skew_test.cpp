@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <functional>
 #include <random>
 
@@ -11,11 +12,13 @@
 #include <rasterkit/bands/deskew/find_skew.h>
 #include <rasterkit/bands/deskew/skew_edges.h>
 #include <rasterkit/bands/deskew/skew_score.h>
+#include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 
 #include "tests/reference/skew_reference.h"
+#include "tests/support/corpus.h"
 #include "tests/support/test_pictures.h"
 
 namespace rasterkit::test {
@@ -93,10 +96,13 @@ void AddNoise(Raster& raster, int most, std::mt19937& random) {
   }
 }
 
-void ExpectAngle(const Raster& picture, double degrees) {
-  const Skew skew = FindSkew(picture);
+void ExpectAngleOf(const Skew& skew, double degrees) {
   EXPECT_TRUE(skew.isFound) << skew.confidence;
   EXPECT_NEAR(skew.degrees, degrees, kAccuracy) << skew.confidence;
+}
+
+void ExpectAngle(const Raster& picture, double degrees) {
+  ExpectAngleOf(FindSkew(picture), degrees);
 }
 
 TEST(FindSkew, Plans_Should_GiveTheirAngle) {
@@ -172,6 +178,21 @@ TEST(FindSkew, Angles_Should_GiveNone_When_TheyAreTooLarge) {
     const Skew skew = FindSkew(Scan(PlanInk, degrees));
     EXPECT_FALSE(skew.isFound) << degrees << " " << skew.degrees << " " << skew.confidence;
     EXPECT_EQ(skew.degrees, 0);
+  }
+}
+
+TEST(FindSkew, Corpus_Should_TellScansFromPhotographs) {
+  const std::filesystem::path corpus = CorpusFolder();
+  if (corpus.empty()) GTEST_SKIP() << "RASTERKIT_CORPUS names no folder";
+  const auto skewOf = [&](const char* name) {
+    return FindSkew(PictureOfFrame(DecodeFrame((corpus / name).string())));
+  };
+  ExpectAngleOf(skewOf("tiff/leptonica__bois-3.tif"), -0.64);
+  ExpectAngleOf(skewOf("tiff/tm__scan-mono-iccgray.tif"), -1.24);
+  ExpectAngleOf(skewOf("tiff/tm__scan-lzw-8bit-colormap.tiff"), 0);
+  for (const char* photograph : {"exif/me__Nikon_D5000.jpg", "exif/me__Leica_T_Typ_701_.jpg",
+                                 "exif/me__Canon_PowerShot_A85.jpg"}) {
+    EXPECT_FALSE(skewOf(photograph).isFound) << photograph;
   }
 }
 

@@ -31,6 +31,15 @@ TEST(WorldFileNames, TakeTheFirstAndLastLetter) {
   }
 }
 
+TEST(WorldFileNames, AreThoseOfJpeg2000_When_TheExtensionIsOneOfIts) {
+  EXPECT_THAT(WorldFileNames("a.jp2"),
+              ElementsAre("a.j2w", "a.J2W", "a.jp2w", "a.JP2W", "a.wld", "a.WLD"));
+  for (const char* picture : {"a.j2k", "a.jpf", "a.jpx", "a.j2c"}) {
+    EXPECT_THAT(WorldFileNames(picture), Contains("a.j2w")) << picture;
+  }
+  EXPECT_THAT(WorldFileNames("a.jpg"), Not(Contains("a.j2w")));
+}
+
 TEST(WorldFileNames, KeepFoldersAndLeadingDots) {
   EXPECT_EQ(WorldFileNames("./a.png").front(), "./a.pgw");
   EXPECT_EQ(WorldFileNames("../maps.d/a.png").front(), "../maps.d/a.pgw");

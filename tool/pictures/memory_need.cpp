@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include <rasterkit/codecs/jp2/jp2_picture.h>
 #include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/tiff/tiff_facts.h>
@@ -67,9 +68,15 @@ Size TiffSize(TStream& stream) {
   return {facts.width, facts.height};
 }
 
+Size Jp2Size(TStream& stream) {
+  const PictureHeader header = ReadJp2Header(stream);
+  return {static_cast<uint64_t>(header.width), static_cast<uint64_t>(header.height)};
+}
+
 Size SizeOf(TStream& stream) {
   const PictureType type = SniffPictureType(stream);
   if (type == PictureType::tiff) return TiffSize(stream);
+  if (type == PictureType::jp2) return Jp2Size(stream);
   std::vector<uint8_t> head(std::min(stream.Size(), kHeadBytes));
   head.resize(stream.Read(head));
   switch (type) {

@@ -11,7 +11,7 @@
 namespace rasterkit::detail {
 namespace {
 
-constexpr int kByte = 8, kWord = 16, kLong = 32;
+constexpr int kByte = 8, kWord = 16;
 constexpr size_t kTrueColors = 3, kInks = 4;
 
 uint32_t StepsUp(uint32_t place, uint32_t step) {

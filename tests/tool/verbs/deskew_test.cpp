@@ -57,7 +57,7 @@ TEST_F(CliDeskew, Pixels_Should_BeCopied_When_TheScanLiesStraight) {
   EXPECT_EQ(result.code, 0) << result.err;
   EXPECT_THAT(result.out + result.err, HasSubstr("the scan lies straight: 0 degrees"));
   EXPECT_TRUE(SamePixels(plan, LoadFile(folder_ / "out.png")));
-  EXPECT_EQ(ReadFile(folder_ / "in.png").size(), ReadFile(folder_ / "out.png").size());
+  EXPECT_EQ(ReadBytes(folder_ / "in.png"), ReadBytes(folder_ / "out.png"));
 }
 
 TEST_F(CliDeskew, Picture_Should_StayWithAWarning_When_NoAngleIsFound) {
