@@ -87,6 +87,10 @@ WrittenPicture CopyPicture(PictureType type, TStream& source, const PictureWriti
                            TStream& stream) {
   const LimitsScope limits;
   const Codec& codec = CodecWith(&Codec::copy, type, " are not copied");
+  if (writing.move && type != PictureType::jpeg) {
+    throw UnsupportedError(std::string("pictures of the kind ") + codec.name +
+                           " are not moved without recompression");
+  }
   return ReadSized(source, [&](TStream& sized) { return codec.copy(sized, writing, stream); });
 }
 

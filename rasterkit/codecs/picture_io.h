@@ -38,7 +38,8 @@ RASTERKIT_EXPORT bool CanCopy(PictureType type);
 RASTERKIT_EXPORT WrittenPicture WritePicture(PictureType type, const Pixels& pixels,
                                              const PictureWriting& writing, TStream& stream);
 
-/// Writes the compressed pixels of `source` byte for byte with other metadata.
+/// Writes the compressed pixels of `source` byte for byte with other metadata, or moved (JPEG
+/// alone; throws UnsupportedError for others).
 RASTERKIT_EXPORT WrittenPicture CopyPicture(PictureType type, TStream& source,
                                             const PictureWriting& writing, TStream& stream);
 

@@ -231,7 +231,9 @@ std::vector<detail::ByteRange> ExifBlock::ThumbnailRanges() const {
     for (size_t i = 0; i < std::min(places.size(), sizes.size()); ++i) {
       if (!(places[i] >= kHeaderBytes && places[i] < static_cast<double>(bytes_.size()))) continue;
       const auto at = static_cast<size_t>(places[i]);
-      const double size = std::clamp(sizes[i], 0.0, static_cast<double>(bytes_.size() - at));
+      const auto most = static_cast<double>(bytes_.size() - at);
+      // Also 0 for what is no number.
+      const double size = sizes[i] > 0 ? std::min(sizes[i], most) : 0;
       ranges.push_back({at, static_cast<size_t>(size)});
     }
   };

@@ -199,6 +199,24 @@ std::string WithoutStatistics(std::string_view xml) {
   return kept + std::string(xml.substr(at));
 }
 
+void ReplaceExifThumbnail(std::vector<uint8_t>& block, const PixelChange& change,
+                          Changes& changes) {
+  ExifBlock exif(block);
+  bool isReplaced = !exif.IsDamaged();
+  try {
+    if (isReplaced) detail::FollowThumbnail(exif, change, changes);
+  } catch (const RangeError&) {
+    // A directory has no room for a changed value.
+    isReplaced = false;
+    changes.Lose(LossKind::thumbnail, "the thumbnail", "the EXIF block has no room for a new one");
+  }
+  if (!isReplaced) {
+    exif = ExifBlock(block);
+    exif.EraseThumbnail();
+  }
+  block = exif.TakeBytes();
+}
+
 void FollowTiffTags(Metadata& metadata, Changes& changes) {
   constexpr uint16_t kGdalMetadata = 42112;
   std::erase_if(metadata.tiffTags, [&](TagValue& tag) {
@@ -237,15 +255,7 @@ bool HasThumbnail(const Metadata& metadata) {
 void ReplaceThumbnails(Metadata& metadata, std::span<const uint8_t> thumbnail, Changes& changes) {
   PixelChange change;
   change.thumbnail = thumbnail;
-  if (!metadata.exif.empty()) {
-    ExifBlock exif(std::move(metadata.exif));
-    if (exif.IsDamaged()) {
-      exif.EraseThumbnail();
-    } else {
-      detail::FollowThumbnail(exif, change, changes);
-    }
-    metadata.exif = exif.TakeBytes();
-  }
+  if (!metadata.exif.empty()) ReplaceExifThumbnail(metadata.exif, change, changes);
   if (!metadata.photoshop.empty()) {
     ImageResources resources(metadata.photoshop);
     FollowThumbnails(resources, change, changes);

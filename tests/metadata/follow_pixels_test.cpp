@@ -233,6 +233,43 @@ TEST_P(FollowPixelsInBlock, Should_EraseTheThumbnailOfADamagedBlock) {
   EXPECT_EQ(OrientationOf(followed.exif), 1);
 }
 
+TEST_P(FollowPixelsInBlock, Thumbnail_Should_BeReplacedAlone) {
+  Metadata metadata;
+  metadata.exif = {exif_.Bytes().begin(), exif_.Bytes().end()};
+  EXPECT_TRUE(HasThumbnail(metadata));
+  const auto before = test::AllTags(exif_);
+  Changes changes;
+  ReplaceThumbnails(metadata, thumbnail_, changes);
+  EXPECT_TRUE(changes.losses.empty());
+  const ExifBlock exif(metadata.exif);
+  EXPECT_EQ(std::vector<uint8_t>(exif.Thumbnail().begin(), exif.Thumbnail().end()), thumbnail_);
+  for (const auto& [place, value] : test::AllTags(exif)) {
+    if (place.first == Id::thumbnail) continue;
+    EXPECT_EQ(before.at(place).bytes, value.bytes) << place.second;
+  }
+
+  ReplaceThumbnails(metadata, {}, changes);
+  ASSERT_EQ(changes.losses.size(), 1U);
+  EXPECT_EQ(changes.losses[0].kind, LossKind::thumbnail);
+  EXPECT_FALSE(HasThumbnail(metadata));
+}
+
+TEST_P(FollowPixelsInBlock, Thumbnail_Should_BeErased_When_TheBlockIsDamaged) {
+  std::string bytes = MakeCameraBlock(GetParam()).bytes;
+  const test::TiffWriter writer(GetParam());
+  const size_t latitude = bytes.find(writer.Word(2) + writer.Word(5) + writer.Long(3));
+  ASSERT_NE(latitude, std::string::npos);
+  bytes.replace(latitude + 8, 4, writer.Long(0x7FFFFFFF));
+  Metadata metadata;
+  metadata.exif = test::BytesOf(bytes);
+  ASSERT_TRUE(ExifBlock(metadata.exif).IsDamaged());
+  Changes changes;
+  ReplaceThumbnails(metadata, thumbnail_, changes);
+  const std::string left(metadata.exif.begin(), metadata.exif.end());
+  EXPECT_EQ(left.size(), bytes.size());
+  EXPECT_EQ(left.find(std::string(20, '\x55')), std::string::npos);
+}
+
 /// A JPEG file with a frame header.
 std::vector<uint8_t> FramedJpeg(uint8_t width, uint8_t height) {
   return test::BytesOf("\xFF\xD8" +

@@ -4,6 +4,7 @@
 
 #include <rasterkit/codecs/isolated_input.h>
 #include <rasterkit/codecs/isolated_pixels.h>
+#include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/messages/frame_fields.h>
 #include <rasterkit/codecs/messages/header_fields.h>
 #include <rasterkit/codecs/messages/writing_fields.h>
@@ -73,8 +74,17 @@ Result PixelsOf(const std::string& file, bool isIsolated) {
   return result;
 }
 
-/// A copy with other metadata: larger than one message between the processes.
-Result CopyOf(const std::string& file, bool isIsolated) {
+/// A quarter turn of as much of a JPEG picture as can be moved; of another one, all of it.
+PictureMove QuarterTurnOf(const PictureHeader& header) {
+  const PictureMove turn{0, 0, header.width, header.height, true, true, false};
+  const auto* form = std::get_if<JpegForm>(&header.form);
+  if (form == nullptr) return turn;
+  return MovableJpegPart(*form, header.width, header.height, turn).value_or(turn);
+}
+
+/// A copy with other metadata: larger than one message between the processes. With `isTurned`, its
+/// blocks are moved.
+Result CopyOf(const std::string& file, bool isIsolated, bool isTurned = false) {
   Result result;
   Catch(result, [&](detail::FieldWriter& fields) {
     TFileStream stream(file);
@@ -85,6 +95,8 @@ Result CopyOf(const std::string& file, bool isIsolated) {
     writing.form = header.form;
     writing.metadata.comments.emplace_back(60000, 'x');
     writing.metadata.xmp += std::string(30000, ' ');
+    if (isTurned) writing.move = QuarterTurnOf(header);
+    writing.makesThumbnail = isTurned;
     stream.SetPosition(0);
     TMemoryStream copy;
     const WrittenPicture written =
@@ -110,6 +122,24 @@ TEST(IsolatedPixels, Copies_Should_EqualThoseMadeHere) {
     }
   }
   EXPECT_GT(copies, 100);
+}
+
+TEST(IsolatedPixels, MovedBlocks_Should_EqualThoseMovedHere) {
+  if (test::CorpusFolder().empty()) GTEST_SKIP() << "no corpus (RASTERKIT_CORPUS)";
+  detail::SetWorkerProgram(RASTERKIT_WORKER);
+  int moved = 0;
+  for (const test::CorpusEntry& entry : test::CorpusEntries("jpeg")) {
+    const std::string file = (test::CorpusFolder() / entry.at("path")).string();
+    const Result copy = CopyOf(file, false, true);
+    EXPECT_EQ(CopyOf(file, true, true), copy) << file << " " << copy.error;
+    moved += copy.error.empty() ? 1 : 0;
+  }
+  EXPECT_GT(moved, 20);
+  const auto pngs = test::CorpusEntries("png");
+  ASSERT_FALSE(pngs.empty());
+  const std::string png = (test::CorpusFolder() / pngs[0].at("path")).string();
+  EXPECT_NE(CopyOf(png, false, true).error.find("not moved without recompression"),
+            std::string::npos);
 }
 
 TEST(IsolatedPixels, Should_EqualThoseReadHere) {

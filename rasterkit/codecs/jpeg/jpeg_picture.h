@@ -37,15 +37,20 @@ RASTERKIT_EXPORT WrittenPicture WriteJpeg(const Pixels& pixels, const PictureWri
 
 /// The largest part of `move` whose pixels can be moved without being decoded: `move` itself if
 /// that is exact; a smaller one if the edges that become the left or top one do not lie on the
-/// borders of blocks. Nothing if no block is left, or for a form that cannot be moved (arithmetic
-/// coding). `width` and `height` are the sides of the stored picture.
+/// borders of blocks. Nothing if no block is left, for a part outside of the picture, or for a form
+/// that cannot be moved (arithmetic coding). `width` and `height` are the sides of the stored
+/// picture.
 RASTERKIT_EXPORT std::optional<PictureMove> MovableJpegPart(const JpegForm& form, int width,
                                                             int height, const PictureMove& move);
 
 /// Writes the compressed pixels of `file` byte for byte, with the metadata of `writing`. With
 /// `writing.move`, blocks are turned and left out instead, and the file has the tables, sampling,
-/// scans and restart interval of the source. Throws FormatError before the first byte is written if
-/// a stream that is to be moved is damaged, RangeError for a move that is not exact.
+/// scans and restart interval of the source; previews in the file header and what follows the end
+/// of the picture are skipped. Before the first byte is written, a move throws RangeError if it is
+/// not exact (see MovableJpegPart), FormatError if the stream is damaged or cut off or scans are
+/// missing, UnsupportedError for arithmetic coding, 12 bits and tables that change between scans,
+/// LimitError if the coefficients of source and result exceed the picture memory limit. A caller
+/// can then decode the file and encode it again.
 RASTERKIT_EXPORT WrittenPicture CopyJpeg(std::span<const uint8_t> file,
                                          const PictureWriting& writing, TStream& stream);
 

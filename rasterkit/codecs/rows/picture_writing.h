@@ -30,7 +30,8 @@ struct PictureWriting {
   /// When compressed pixels are copied: they are moved without being decoded (JPEG alone). Form and
   /// metadata are then those of the moved picture.
   std::optional<PictureMove> move;
-  /// When pixels are moved: the thumbnail of the metadata is replaced by one of the moved picture.
+  /// When pixels are moved: the thumbnails that the metadata has, whatever they show, are replaced
+  /// by one of the moved picture. Where none can be made, they are removed, which is a loss.
   bool makesThumbnail = false;
   /// Threads that compress, 1 to 64. The bytes do not depend on it.
   int threads = 1;

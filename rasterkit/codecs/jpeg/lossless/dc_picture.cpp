@@ -49,7 +49,7 @@ class SampleRow {
   uint8_t* Get(int y) {
     for (size_t band = 0; band < bands_; band++) {
       const DcBlocks& blocks = picture_.components[band];
-      const JBLOCKROW row = (*blocks.rows)[static_cast<size_t>(y * blocks.v / mostV_)];
+      JBLOCKROW row = (*blocks.rows)[static_cast<size_t>(y * blocks.v / mostV_)];
       for (size_t x = 0; x < width_; x++) {
         const size_t column = x * static_cast<size_t>(blocks.h) / static_cast<size_t>(mostH_);
         samples_[x * bands_ + band] = MeanOf(row[column], blocks.step);

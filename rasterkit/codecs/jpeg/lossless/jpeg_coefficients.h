@@ -19,8 +19,8 @@ void CollectRows(Codec& codec, jvirt_barray_ptr array, const jpeg_component_info
                  bool isWritable, BlockRows& rows) {
   const auto step = static_cast<JDIMENSION>(component.v_samp_factor);
   for (JDIMENSION y = 0; y < component.height_in_blocks; y += step) {
-    const JBLOCKARRAY group = (*codec.mem->access_virt_barray)(
-        reinterpret_cast<j_common_ptr>(&codec), array, y, step, isWritable ? TRUE : FALSE);
+    JBLOCKARRAY group = (*codec.mem->access_virt_barray)(reinterpret_cast<j_common_ptr>(&codec),
+                                                         array, y, step, isWritable ? TRUE : FALSE);
     for (JDIMENSION i = 0; i < step && y + i < component.height_in_blocks; i++) {
       rows[y + i] = group[i];
     }

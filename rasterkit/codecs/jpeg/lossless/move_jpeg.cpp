@@ -127,6 +127,7 @@ class Mover {
   std::vector<uint8_t> Move(const Look& look) {
     const std::vector<BlockPath> paths = Paths();
     std::vector<BlockCounts> counts;
+    counts.reserve(paths.size());
     for (const BlockPath& path : paths) counts.push_back(path.Counts());
     const std::vector<jpeg_scan_info> scans = ScanScriptFor(parts_, form_);
     const Encoding encoding{&move_, &form_, scans.data(), static_cast<int>(scans.size()),
@@ -263,11 +264,15 @@ class ThumbnailMaker {
     if (hasColors_ && IsLarge(picture)) rows_ = RowsOf(picture);
   }
 
-  /// Empty if the colors are not known. A small picture is decoded.
+  /// Empty if the colors are not known. A small picture is decoded; empty if it cannot be.
   std::vector<uint8_t> Make(Bytes coded, const JpegParts& parts) const {
     if (!hasColors_) return {};
     if (rows_) return EncodeThumbnail(*rows_, sides_);
-    return EncodeThumbnail(Decoded(coded, parts), sides_);
+    try {
+      return EncodeThumbnail(Decoded(coded, parts), sides_);
+    } catch (const UnsupportedError&) {
+      return {};  // sampling with fractions
+    }
   }
 
  private:

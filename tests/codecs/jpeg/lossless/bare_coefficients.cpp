@@ -66,8 +66,8 @@ BareJpeg ReadBare(std::span<const uint8_t> file) {
     component.columns = static_cast<int>(info.width_in_blocks);
     component.rows = static_cast<int>(info.height_in_blocks);
     for (JDIMENSION y = 0; y < info.height_in_blocks; y++) {
-      const JBLOCKARRAY row = codec.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&codec),
-                                                            arrays[i], y, 1, FALSE);
+      JBLOCKARRAY row = codec.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&codec),
+                                                      arrays[i], y, 1, FALSE);
       for (JDIMENSION x = 0; x < info.width_in_blocks; x++) {
         Block block;
         std::copy_n(row[0][x], 64, block.begin());
@@ -140,7 +140,7 @@ std::vector<uint8_t> WriteBare(const BareJpeg& picture, const BareWriting& writi
   for (size_t i = 0; i < picture.components.size(); i++) {
     const BareComponent& component = picture.components[i];
     for (int y = 0; y < component.rows; y++) {
-      const JBLOCKARRAY row = codec.mem->access_virt_barray(
+      JBLOCKARRAY row = codec.mem->access_virt_barray(
           reinterpret_cast<j_common_ptr>(&codec), arrays[i], static_cast<JDIMENSION>(y), 1, TRUE);
       for (int x = 0; x < component.columns; x++) {
         std::copy_n(component.At(x, y).begin(), 64, row[0][x]);

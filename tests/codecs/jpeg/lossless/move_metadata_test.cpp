@@ -117,13 +117,18 @@ TEST(MoveJpegThumbnail, Should_HaveTheColorsOfTheFile) {
   }
 }
 
-TEST(MoveJpegThumbnail, Should_BeLost_When_ColorsAreNotKnown) {
-  const auto file =
-      FileWithThumbnails(WriteBare(RandomBare(64, 64, JCS_UNKNOWN, {{1, 1}, {1, 1}}, 2)));
-  const MovedFile moved = MovedWith(file, WritingOf(file, kQuarterTurn));
-  ASSERT_EQ(moved.written.changes.losses.size(), 2u);
-  EXPECT_EQ(moved.written.changes.losses[0].kind, LossKind::thumbnail);
-  EXPECT_THAT(ExifThumbnailOf(moved.bytes), IsEmpty());
+TEST(MoveJpegThumbnail, Should_BeLost_When_ThePictureCannotBeShown) {
+  // Unknown colors; a sampling with fractions, which the library does not decode.
+  for (const BareJpeg& source : {RandomBare(64, 64, JCS_UNKNOWN, {{1, 1}, {1, 1}}, 2),
+                                 RandomBare(64, 64, JCS_YCbCr, {{3, 1}, {2, 1}, {1, 1}}, 2)}) {
+    const auto file = FileWithThumbnails(WriteBare(source));
+    const MovedFile moved = MovedWith(file, WritingOf(file, kQuarterTurn));
+    ASSERT_EQ(moved.written.changes.losses.size(), 2u);
+    EXPECT_EQ(moved.written.changes.losses[0].kind, LossKind::thumbnail);
+    EXPECT_THAT(ExifThumbnailOf(moved.bytes), IsEmpty());
+    EXPECT_EQ(DifferenceOf(ReadBare(moved.bytes), MovedBare(source, TurnOf(kQuarterTurn, source))),
+              "");
+  }
 }
 
 TEST(MoveJpegThumbnail, Should_NotBeMade_When_ThereWasNoneOrNoneIsWanted) {
