@@ -11,6 +11,7 @@
 #include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/xmp/xmp_names.h>
 #include <rasterkit/metadata/xmp/xmp_packet.h>
+#include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -41,17 +42,13 @@ std::vector<uint8_t> OrientationAlone(const std::vector<uint8_t>& exif) {
   return block.TakeBytes();
 }
 
-/// Makes a damaged block anew without the parts that could hide what must go.
-std::vector<uint8_t> Rebuilt(const ExifBlock& damaged, bool keepsNote, Changes& changes) {
+/// Makes a damaged block anew without its maker note.
+std::vector<uint8_t> Rebuilt(const ExifBlock& damaged, Changes& changes) {
   TiffDirectories tags = TagsOfExif(damaged.Bytes());
-  if (!keepsNote) {
-    std::erase_if(tags.exif, [](const TagValue& tag) { return tag.tag == exif::kMakerNote; });
-  }
+  std::erase_if(tags.exif, [](const TagValue& tag) { return tag.tag == exif::kMakerNote; });
   changes.Note("the damaged EXIF block was made anew of the tags that can be read");
-  const bool hasNote = damaged.Has(Id::exif, exif::kMakerNote);
-  if (keepsNote && hasNote) {
-    changes.Lose(LossKind::makerNote, "places inside the maker note",
-                 "the damaged EXIF block was made anew and the note may be unreadable");
+  if (damaged.HasThumbnail()) {
+    changes.Lose(LossKind::thumbnail, "the thumbnail", "the EXIF block is damaged");
   }
   return ExifOfTags(tags.main, tags.exif, tags.gps, tags.interop, tags.isBigEndian);
 }
@@ -73,15 +70,15 @@ void StripAll(Metadata& metadata, bool dropsProfile, const EditedPicture& pictur
   metadata = std::move(kept);
 }
 
-void StripThumbnails(Metadata& metadata, Changes& changes) {
+void StripThumbnails(Metadata& metadata) {
   if (!metadata.exif.empty()) {
     ExifBlock exif(std::exchange(metadata.exif, {}));
-    if (exif.IsDamaged()) {
-      metadata.exif = exif.HasThumbnail() ? Rebuilt(exif, true, changes) : exif.TakeBytes();
-    } else {
+    if (!exif.IsDamaged()) {
       exif.RemoveThumbnail();
-      metadata.exif = exif.TakeBytes();
+    } else if (!exif.EraseThumbnail()) {
+      throw FormatError("EXIF: the thumbnail's directory reaches beyond the section");
     }
+    metadata.exif = exif.TakeBytes();
   }
   ImageResources resources(metadata.photoshop);
   const bool hadThumbnail = resources.Remove(image_resource::kThumbnail);
@@ -100,7 +97,7 @@ void StripMakerNote(Metadata& metadata, Changes& changes) {
   if (metadata.exif.empty()) return;
   ExifBlock exif(std::exchange(metadata.exif, {}));
   if (exif.IsDamaged()) {
-    metadata.exif = Rebuilt(exif, false, changes);
+    metadata.exif = Rebuilt(exif, changes);
     return;
   }
   if (exif.Has(Id::exif, exif::kMakerNote)) {
