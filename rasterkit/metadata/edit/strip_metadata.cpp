@@ -1,7 +1,10 @@
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <optional>
 #include <utility>
 
+#include <rasterkit/metadata/edit/exif_editor.h>
 #include <rasterkit/metadata/edit/strip_metadata.h>
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/exif_places.h>
@@ -33,13 +36,11 @@ bool IsOfSamples(const TagValue& tag) {
   return std::find(kTags.begin(), kTags.end(), tag.tag) != kTags.end();
 }
 
-std::vector<uint8_t> OrientationAlone(const std::vector<uint8_t>& exif) {
-  if (exif.empty()) return {};
+/// The orientation that a block states; nothing if the picture is upright.
+std::optional<int> TurnedBy(const std::vector<uint8_t>& exif) {
+  if (exif.empty()) return std::nullopt;
   const auto orientation = OrientationOf(ExifBlock(exif));
-  if (!orientation || *orientation == 1) return {};
-  ExifBlock block;
-  block.SetWords(Id::main, exif::kOrientation, std::array{static_cast<uint16_t>(*orientation)});
-  return block.TakeBytes();
+  return orientation == 1 ? std::nullopt : orientation;
 }
 
 /// Makes a damaged block anew without its maker note.
@@ -59,7 +60,7 @@ void StripAll(Metadata& metadata, bool dropsProfile, const EditedPicture& pictur
   Metadata kept;
   kept.resolution = metadata.resolution;
   kept.hasJfif = metadata.hasJfif;
-  if (!picture.isTurned) kept.exif = OrientationAlone(metadata.exif);
+  const std::optional<int> orientation = picture.isTurned ? std::nullopt : TurnedBy(metadata.exif);
   if (!dropsProfile) {
     kept.profile = metadata.profile;
     std::copy_if(metadata.pngChunks.begin(), metadata.pngChunks.end(),
@@ -68,6 +69,11 @@ void StripAll(Metadata& metadata, bool dropsProfile, const EditedPicture& pictur
   std::copy_if(metadata.tiffTags.begin(), metadata.tiffTags.end(),
                std::back_inserter(kept.tiffTags), IsOfSamples);
   metadata = std::move(kept);
+  if (!orientation) return;
+  ExifEditor editor(metadata, picture);
+  editor.Block().SetWords(Id::main, exif::kOrientation,
+                          std::array{static_cast<uint16_t>(*orientation)});
+  editor.Finish();
 }
 
 void StripThumbnails(Metadata& metadata) {
