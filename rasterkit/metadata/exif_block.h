@@ -73,7 +73,7 @@ class RASTERKIT_EXPORT ExifBlock {
   bool EraseThumbnail();
 
   /// Overwrites all bytes with zeros that no directory, value or thumbnail uses: leftovers of other
-  /// programs, and what a maker note keeps outside of itself. Does nothing to a damaged block.
+  /// programs, and what a maker note keeps outside of itself. No-op for a damaged block.
   void EraseUnused();
 
   /// Sets the orientation to 1 if the block states another one, also in a damaged block. False if
