@@ -68,11 +68,12 @@ class RASTERKIT_EXPORT ExifBlock {
   /// becomes shorter if they are at its end.
   void RemoveThumbnail();
 
-  /// Overwrites the thumbnail with zeros and the link to it, in a damaged block too.
-  void EraseThumbnail();
+  /// Overwrites the thumbnail with zeros and the link to it, in a damaged block too. False if the
+  /// thumbnail's directory is damaged, so that something of the picture may be left.
+  bool EraseThumbnail();
 
   /// Overwrites all bytes with zeros that no directory, value or thumbnail uses: leftovers of other
-  /// programs, and what a maker note keeps outside of itself. Does nothing to a damaged block.
+  /// programs, and what a maker note keeps outside of itself. No-op for a damaged block.
   void EraseUnused();
 
   /// Sets the orientation to 1 if the block states another one, also in a damaged block. False if

@@ -131,10 +131,12 @@ void ExifBlock::DropFreeEnd() {
             [](const ByteRange& a, const ByteRange& b) { return a.End() < b.End(); });
   while (!free_.empty()) {
     const ByteRange last = free_.back();
-    // A range that begins at an even place can have a byte of padding behind it.
-    const bool hasPadding =
-        last.End() + 1 == bytes_.size() && bytes_.back() == 0 && UsersOf({last.End(), 1}).empty();
-    if (last.End() < bytes_.size() && !hasPadding) return;
+    // Zeros behind it are padding.
+    const ByteRange rest = {last.End(), bytes_.size() - std::min(last.End(), bytes_.size())};
+    const bool hasPadding = std::all_of(bytes_.end() - static_cast<std::ptrdiff_t>(rest.size),
+                                        bytes_.end(), [](uint8_t byte) { return byte == 0; }) &&
+                            UsersOf(rest).empty();
+    if (rest.size > 0 && !hasPadding) return;
     if (last.at < bytes_.size()) bytes_.resize(last.at);
     free_.pop_back();
   }

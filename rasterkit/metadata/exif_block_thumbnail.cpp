@@ -17,15 +17,16 @@ std::vector<uint8_t> LittleLong(uint32_t value) {
 
 }  // namespace
 
-void ExifBlock::EraseThumbnail() {
+bool ExifBlock::EraseThumbnail() {
   const Directory* found = FindDirectory(ExifDirectoryId::thumbnail);
-  if (found == nullptr) return;
+  if (found == nullptr) return true;
   const Directory directory = *found;
   const std::vector<detail::ByteRange> pictures = ThumbnailRanges();
   PutLongAt(directory.pointerAt, 0);
   Walk();
   for (const detail::ByteRange& picture : pictures) Free(picture);
   if (!directory.isDamaged) FreeDirectory(directory);
+  return !directory.isDamaged;
 }
 
 void ExifBlock::RemoveThumbnail() {

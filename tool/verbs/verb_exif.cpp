@@ -187,7 +187,11 @@ int Write(const OutputOptions& output, const ExifOptions& options, PictureOption
       const int before = OrientationOf(work.picture).value_or(1);
       const std::vector<std::string> had =
           edit.copy ? CopiedKinds(work.picture, "") : std::vector<std::string>();
-      work.picture.Edit(edit);
+      try {
+        work.picture.Edit(edit);
+      } catch (const FormatError& error) {
+        throw Failure(exitInputUnreadable, job.input + ": " + error.Reason());
+      }
       if (!edit.copy) return;
       WarnOfTurn(work, before, options.keepOrientation);
       work.notCarriedOver = NotCarriedOver(photoKinds, had, CopiedKinds(work.picture, ""));

@@ -149,7 +149,7 @@ class HeadCopier {
     return GroupOf(JpegSegment{segment.marker, 0, segment.payload});
   }
 
-  /// Places a segment of the source, or what was made in its place.
+  /// Places a segment of the source, or what was made instead.
   void Place(const JpegSegment& part) {
     const Group group = GroupOf(part);
     if (group == Group::none || &part == jfif_) return;

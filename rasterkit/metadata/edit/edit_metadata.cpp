@@ -1,6 +1,6 @@
 #include <algorithm>
 #include <array>
-#include <map>
+#include <iterator>
 #include <utility>
 
 #include <rasterkit/metadata/edit/edit_metadata.h>
@@ -61,6 +61,21 @@ void FitExif(Metadata& metadata, const std::vector<uint8_t>& old, bool keepsOrie
   metadata.exif = exif.TakeBytes();
 }
 
+/// Segments of these kinds describe the photograph, in forms that only some programs know.
+bool DescribesPhoto(const OtherBlock& segment, const MetadataCopy& copy) {
+  constexpr uint32_t kApp1 = 0xE1, kApp2 = 0xE2, kApp12 = 0xEC, kApp13 = 0xED;
+  if (segment.kind == kApp13) return copy.takesIptc;
+  return copy.takesExif &&
+         (segment.kind == kApp1 || segment.kind == kApp2 || segment.kind == kApp12);
+}
+
+void CopySegments(std::vector<OtherBlock>& segments, const std::vector<OtherBlock>& from,
+                  const MetadataCopy& copy) {
+  const auto describes = [&](const OtherBlock& segment) { return DescribesPhoto(segment, copy); };
+  std::erase_if(segments, describes);
+  std::copy_if(from.begin(), from.end(), std::back_inserter(segments), describes);
+}
+
 void Copy(Metadata& metadata, const MetadataCopy& copy) {
   const Metadata& from = *copy.from;
   if (copy.takesExif) {
@@ -75,6 +90,7 @@ void Copy(Metadata& metadata, const MetadataCopy& copy) {
     metadata.iptc = from.iptc;
     metadata.photoshop = from.photoshop;
   }
+  CopySegments(metadata.jpegSegments, from.jpegSegments, copy);
   if (copy.takesComments) {
     metadata.comments = from.comments;
     metadata.texts = from.texts;
@@ -142,7 +158,7 @@ void RemoveGroup(Metadata& metadata, TagGroup group, const EditedPicture& pictur
       StripMakerNote(metadata, changes);
       return;
     case TagGroup::thumbnail:
-      StripThumbnails(metadata, changes);
+      StripThumbnails(metadata);
       return;
     case TagGroup::all:
       StripAll(metadata, false, picture);
@@ -275,7 +291,7 @@ void EditMetadata(Metadata& metadata, const MetadataEdit& edit, const EditedPict
   if (edit.stripProfile) metadata.profile = nullptr;
   if (edit.copy && edit.copy->from) Copy(metadata, *edit.copy);
   if (edit.stripMakerNote) StripMakerNote(metadata, changes);
-  if (edit.stripThumbnail) StripThumbnails(metadata, changes);
+  if (edit.stripThumbnail) StripThumbnails(metadata);
   if (edit.stripGps) {
     StripPosition(metadata, changes);
     NoteMakerNote(metadata, changes);

@@ -16,7 +16,7 @@ struct EditedPicture {
   bool isTurned = false;
 };
 
-/// Makes an edit. What goes without having been asked for (a damaged block that could hide a
+/// Makes an edit. What goes without a request (a damaged block that could hide a
 /// position) is added to `changes`. Throws RangeError for an unknown tag or a value that does not
 /// fit its tag, with the name and the reason; FormatError for a damaged block that would have to be
 /// changed. `metadata` is then unspecified.

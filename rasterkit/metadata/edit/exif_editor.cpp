@@ -141,6 +141,13 @@ void ExifEditor::Finish() {
     constexpr int kNewest = 230;
     block_.Set(Id::gps, GpsVersion(kNewest));
   }
+  // A TIFF file must say how a position was found.
+  constexpr uint16_t kMethod = 27;
+  constexpr std::string_view kByHand("ASCII\0\0\0MANUAL", 14);
+  const bool needsMethod = setsGps_ && picture_.format == EditedPicture::Format::tiff;
+  if (needsMethod && !block_.Has(Id::gps, kMethod)) {
+    block_.Set(Id::gps, Undefined(kMethod, kByHand));
+  }
   if (!hadBlock_) CompleteMain();
   metadata_.exif = block_.TakeBytes();
 }

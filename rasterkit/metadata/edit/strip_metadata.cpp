@@ -1,7 +1,10 @@
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <optional>
 #include <utility>
 
+#include <rasterkit/metadata/edit/exif_editor.h>
 #include <rasterkit/metadata/edit/strip_metadata.h>
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/exif_places.h>
@@ -11,6 +14,7 @@
 #include <rasterkit/metadata/image_resources.h>
 #include <rasterkit/metadata/xmp/xmp_names.h>
 #include <rasterkit/metadata/xmp/xmp_packet.h>
+#include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -32,26 +36,20 @@ bool IsOfSamples(const TagValue& tag) {
   return std::find(kTags.begin(), kTags.end(), tag.tag) != kTags.end();
 }
 
-std::vector<uint8_t> OrientationAlone(const std::vector<uint8_t>& exif) {
-  if (exif.empty()) return {};
+/// The orientation that a block states; nothing if the picture is upright.
+std::optional<int> TurnedBy(const std::vector<uint8_t>& exif) {
+  if (exif.empty()) return std::nullopt;
   const auto orientation = OrientationOf(ExifBlock(exif));
-  if (!orientation || *orientation == 1) return {};
-  ExifBlock block;
-  block.SetWords(Id::main, exif::kOrientation, std::array{static_cast<uint16_t>(*orientation)});
-  return block.TakeBytes();
+  return orientation == 1 ? std::nullopt : orientation;
 }
 
-/// Makes a damaged block anew without the parts that could hide what must go.
-std::vector<uint8_t> Rebuilt(const ExifBlock& damaged, bool keepsNote, Changes& changes) {
+/// Makes a damaged block anew without its maker note.
+std::vector<uint8_t> Rebuilt(const ExifBlock& damaged, Changes& changes) {
   TiffDirectories tags = TagsOfExif(damaged.Bytes());
-  if (!keepsNote) {
-    std::erase_if(tags.exif, [](const TagValue& tag) { return tag.tag == exif::kMakerNote; });
-  }
+  std::erase_if(tags.exif, [](const TagValue& tag) { return tag.tag == exif::kMakerNote; });
   changes.Note("the damaged EXIF block was made anew of the tags that can be read");
-  const bool hasNote = damaged.Has(Id::exif, exif::kMakerNote);
-  if (keepsNote && hasNote) {
-    changes.Lose(LossKind::makerNote, "places inside the maker note",
-                 "the damaged EXIF block was made anew and the note may be unreadable");
+  if (damaged.HasThumbnail()) {
+    changes.Lose(LossKind::thumbnail, "the thumbnail", "the EXIF block is damaged");
   }
   return ExifOfTags(tags.main, tags.exif, tags.gps, tags.interop, tags.isBigEndian);
 }
@@ -62,7 +60,7 @@ void StripAll(Metadata& metadata, bool dropsProfile, const EditedPicture& pictur
   Metadata kept;
   kept.resolution = metadata.resolution;
   kept.hasJfif = metadata.hasJfif;
-  if (!picture.isTurned) kept.exif = OrientationAlone(metadata.exif);
+  const std::optional<int> orientation = picture.isTurned ? std::nullopt : TurnedBy(metadata.exif);
   if (!dropsProfile) {
     kept.profile = metadata.profile;
     std::copy_if(metadata.pngChunks.begin(), metadata.pngChunks.end(),
@@ -71,17 +69,22 @@ void StripAll(Metadata& metadata, bool dropsProfile, const EditedPicture& pictur
   std::copy_if(metadata.tiffTags.begin(), metadata.tiffTags.end(),
                std::back_inserter(kept.tiffTags), IsOfSamples);
   metadata = std::move(kept);
+  if (!orientation) return;
+  ExifEditor editor(metadata, picture);
+  editor.Block().SetWords(Id::main, exif::kOrientation,
+                          std::array{static_cast<uint16_t>(*orientation)});
+  editor.Finish();
 }
 
-void StripThumbnails(Metadata& metadata, Changes& changes) {
+void StripThumbnails(Metadata& metadata) {
   if (!metadata.exif.empty()) {
     ExifBlock exif(std::exchange(metadata.exif, {}));
-    if (exif.IsDamaged()) {
-      metadata.exif = exif.HasThumbnail() ? Rebuilt(exif, true, changes) : exif.TakeBytes();
-    } else {
+    if (!exif.IsDamaged()) {
       exif.RemoveThumbnail();
-      metadata.exif = exif.TakeBytes();
+    } else if (!exif.EraseThumbnail()) {
+      throw FormatError("EXIF: the thumbnail's directory reaches beyond the section");
     }
+    metadata.exif = exif.TakeBytes();
   }
   ImageResources resources(metadata.photoshop);
   const bool hadThumbnail = resources.Remove(image_resource::kThumbnail);
@@ -100,7 +103,7 @@ void StripMakerNote(Metadata& metadata, Changes& changes) {
   if (metadata.exif.empty()) return;
   ExifBlock exif(std::exchange(metadata.exif, {}));
   if (exif.IsDamaged()) {
-    metadata.exif = Rebuilt(exif, false, changes);
+    metadata.exif = Rebuilt(exif, changes);
     return;
   }
   if (exif.Has(Id::exif, exif::kMakerNote)) {

@@ -9,8 +9,9 @@ namespace rasterkit::detail {
 /// with the profile if `dropsProfile`.
 void StripAll(Metadata& metadata, bool dropsProfile, const EditedPicture& picture);
 
-/// Removes the thumbnails of EXIF, Photoshop and XMP.
-void StripThumbnails(Metadata& metadata, Changes& changes);
+/// Removes the thumbnails of EXIF, Photoshop and XMP. Throws FormatError if the thumbnail's
+/// directory is damaged, so that something of the picture could stay.
+void StripThumbnails(Metadata& metadata);
 
 /// Removes the maker note, what it keeps outside of itself, and the copy that some converters make.
 void StripMakerNote(Metadata& metadata, Changes& changes);

@@ -104,7 +104,7 @@ std::vector<uint8_t> WithoutWords(std::vector<uint8_t> bytes) {
   return bytes;
 }
 
-/// Words leave up to three zeros behind the last record.
+/// Words leave up to three zeros after the last record.
 void DropPadding(std::vector<uint8_t>& iptc) {
   const std::vector<uint8_t> records = IptcRecords(iptc).Bytes();
   const bool isSame = records.size() <= iptc.size() && iptc.size() - records.size() < 4 &&
