@@ -34,6 +34,12 @@ bool IsTableList(uint16_t tag) {
   return tag == TIFFTAG_JPEGQTABLES || tag == TIFFTAG_JPEGDCTABLES || tag == TIFFTAG_JPEGACTABLES;
 }
 
+/// Metadata that a smaller copy of the page can have of its own.
+bool IsMetadataOfCopy(uint16_t tag) {
+  return tag == TIFFTAG_EXIFIFD || tag == TIFFTAG_GPSIFD || tag == TIFFTAG_XMLPACKET ||
+         tag == TIFFTAG_RICHTIFFIPTC || tag == TIFFTAG_PHOTOSHOP;
+}
+
 bool LeadsToDirectory(uint16_t tag) {
   return KindOfTag(tag) == TagKind::pointer;
 }
@@ -198,6 +204,8 @@ TagMap PageCopier::Structure(const TagDirectory& directory, bool isMain, Changes
   TagMap tags;
   for (const TagPlace& place : directory.tags) {
     if (place.tag == TIFFTAG_FREEOFFSETS || place.tag == TIFFTAG_FREEBYTECOUNTS) continue;
+    // It could state what was to be removed.
+    if (!isMain && writing_.dropsHidden && IsMetadataOfCopy(place.tag)) continue;
     if (LeadsToDirectory(place.tag)) {
       if (isMain && place.tag != TIFFTAG_SUBIFD) continue;
       TagValue pointers = CopyBelow(place, changes);
