@@ -224,7 +224,10 @@ PageTags TagsOfMetadata(const PictureWriting& writing, const SampleFacts& sample
   int orientation = ORIENTATION_TOPLEFT;
   if (!metadata.exif.empty()) {
     exif = TagsOfExif(metadata.exif);
-    orientation = OrientationOf(ExifBlock(metadata.exif)).value_or(orientation);
+    // Pixels that are copied can still lie on their side.
+    if (samples.areOfSource) {
+      orientation = OrientationOf(ExifBlock(metadata.exif)).value_or(orientation);
+    }
     if (ExifBlock(metadata.exif).HasThumbnail()) {
       changes.Note("TIFF: the thumbnail of the EXIF block is dropped: it is a copy of the picture");
     }

@@ -23,6 +23,12 @@ bool IsBlockTag(uint16_t tag) {
          tag == TIFFTAG_TILEOFFSETS || tag == TIFFTAG_TILEBYTECOUNTS;
 }
 
+/// Metadata that a smaller copy of the page can have of its own.
+bool IsMetadataOfCopy(uint16_t tag) {
+  return tag == TIFFTAG_EXIFIFD || tag == TIFFTAG_GPSIFD || tag == TIFFTAG_XMLPACKET ||
+         tag == TIFFTAG_RICHTIFFIPTC || tag == TIFFTAG_PHOTOSHOP;
+}
+
 /// Tiles count where there are both strips and tiles; 0 if there is nothing else.
 uint16_t StrayPlaces(const TagDirectory& directory) {
   return directory.Has(TIFFTAG_TILEOFFSETS) ? TIFFTAG_STRIPOFFSETS : 0;
@@ -150,6 +156,8 @@ PageCopier::Structure PageCopier::Copy(const TagDirectory& directory, Changes& c
   const bool isMain = IsMain(directory);
   for (const TagPlace& place : directory.tags) {
     if (place.tag == TIFFTAG_FREEOFFSETS || place.tag == TIFFTAG_FREEBYTECOUNTS) continue;
+    // It could state what was to be removed.
+    if (!isMain && writing_ && writing_->dropsHidden && IsMetadataOfCopy(place.tag)) continue;
     if (isMain && IsWrittenAnew(place)) continue;
     if (IsBoundToOrder(place.tag, changes)) continue;
     if (LeadsToDirectory(place.tag, place.type)) {

@@ -51,8 +51,9 @@ void AddPageTags(const PageTags& tags, TagFileWriter& file, TagMap& directory, C
   }
   if (std::any_of(tags.exif.begin(), tags.exif.end(),
                   [](const TagValue& value) { return value.tag == exif::kMakerNote; })) {
-    changes.Note("TIFF: the maker note has another place in the file, so that programs may not "
-                 "find what it refers to");
+    changes.Note(
+        "TIFF: the maker note has another place in the file, so that programs may not "
+        "find what it refers to");
   }
   std::optional<TagValue> interop;
   if (const auto at = WriteValues(tags.interop, nullptr, file, changes)) {
