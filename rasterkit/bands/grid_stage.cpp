@@ -20,7 +20,7 @@ namespace {
 
 using namespace detail;
 
-/// Parts of the progress after which the upper grid is in its place.
+/// Parts of the progress after which the upper grid is placed.
 constexpr double kPlaced = 0.5;
 
 bool IsGrid(const PixelLayout& layout) {

@@ -193,7 +193,7 @@ std::string ErrorOf(const Reading& reading) {
 TEST(ExportedRoutines, Frames_Should_BeUnknown_When_OnlyPicturesReadThem) {
   for (const Unknown& file : Files()) {
     SCOPED_TRACE(file.name);
-    // A text in their place: what is said about it is said about them.
+    // A text instead of them: what is said about it is said about them.
     const ByteList text = {'t', 'e', 'x', 't'};
     const auto frame = [](const ByteList& bytes) {
       return ErrorOf([&] {

@@ -22,8 +22,8 @@ inline int GrayOfNumber(WholeNumber number, WholeNumber black, WholeNumber white
   return static_cast<int>(std::clamp<WholeNumber>(floor, 0, 255));
 }
 
-/// The ends that are left when the share `percent` of all numbers is left out on each side, rounded
-/// down to a whole count.
+/// The ends that stay when the share `percent` of all numbers is dropped on each side, rounded down
+/// to a whole count.
 template <class T>
 std::pair<T, T> EndsWithout(std::vector<T> numbers, double percent) {
   std::sort(numbers.begin(), numbers.end());

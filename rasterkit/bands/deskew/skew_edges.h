@@ -35,7 +35,7 @@ inline constexpr int kMostSkewSide = 2500;
 
 /// The mean gray of blocks of n x n pixels, rounded down; n is the least number for which the sides
 /// fit. A pixel has (77 red + 150 green + 29 blue) / 256; transparent parts are on white. Pixels
-/// that fill no block are left out.
+/// that fill no block do not count.
 RASTERKIT_EXPORT SkewGrays SkewGraysOf(const Raster& picture);
 
 /// Pixels that differ from the one below by at least a quarter of the picture's range, and by more

@@ -41,7 +41,7 @@ struct Jp2Codestream {
   int blockWidth = 6, blockHeight = 6;
   /// For each resolution, the smallest one first; empty for the largest precincts.
   std::vector<Jp2Precinct> precincts;
-  /// Texts; those in which programs name themselves are left out.
+  /// Texts, without those in which programs name themselves.
   std::vector<std::string> comments;
 
   uint64_t TilesAcross() const;

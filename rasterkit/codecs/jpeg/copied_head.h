@@ -18,7 +18,7 @@ void AppendSegment(std::vector<uint8_t>& bytes, uint8_t marker, std::span<const 
 
 /// How the head of a copy differs from that of the source.
 struct CopiedHead {
-  /// Thumbnails of the JFIF header and its extensions are left out.
+  /// Thumbnails of the JFIF header and its extensions are not written.
   bool dropsThumbnails = false;
   /// A JFIF header without a unit, which states the shape of a pixel, exchanges its densities.
   bool exchangesAxes = false;

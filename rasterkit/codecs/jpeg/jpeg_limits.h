@@ -7,7 +7,7 @@
 #include <rasterkit/codecs/jpeg/jpeg_reader.h>
 #include <rasterkit/codecs/rows/plausible_size.h>
 
-/// What a JPEG file may cost, whatever it claims.
+/// What a JPEG file may cost at most.
 namespace rasterkit::detail {
 
 /// Huffman coding takes at least a bit for the first coefficient of each block, in baseline and in

@@ -241,7 +241,7 @@ void AtomicFile::State::Close() {
   if (const int error = copy.Close(); error != 0) Fail(error);
 }
 
-/// Does nothing if there is no old file.
+/// A no-op if there is no old file.
 void AtomicFile::State::MakeBackup() {
   if (!options.keepsBackup || backup) return;
   backup.emplace(target.folder, target.name, name,

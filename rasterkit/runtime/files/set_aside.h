@@ -9,7 +9,7 @@
 
 namespace rasterkit::detail {
 
-/// A file that has another name while one is saved beside it or in its place. A link is renamed
+/// A file that has another name while one is saved beside it or under its old name. A link is renamed
 /// itself; what it leads to stays.
 class RASTERKIT_EXPORT SetAside {
  public:

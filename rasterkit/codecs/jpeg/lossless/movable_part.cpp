@@ -16,7 +16,7 @@ std::optional<BlockGrid> BlockGridOf(const JpegForm& form) {
     grid.mostH = std::max(grid.mostH, component.h);
     grid.mostV = std::max(grid.mostV, component.v);
   }
-  // The blocks of a single component stand alone, whatever its factors.
+  // The blocks of a single component stand alone: its factors do not count.
   const bool isSingle = form.components.size() == 1;
   grid.unitWidth = kBlockPixels * (isSingle ? 1 : grid.mostH);
   grid.unitHeight = kBlockPixels * (isSingle ? 1 : grid.mostV);

@@ -65,7 +65,7 @@ void Configure(jpeg_compress_struct& codec, const Encoding& encoding) {
   }
 }
 
-/// Asks for arrays in which whole units have room.
+/// Requests arrays in which whole units have room.
 void RequestArrays(jpeg_compress_struct& codec, const BlockCounts* counts,
                    jvirt_barray_ptr* arrays) {
   for (int i = 0; i < codec.num_components; i++) {

@@ -238,7 +238,7 @@ TEST(MoveJpegHead, Metadata_Should_BeThoseThatAreGiven) {
 
 TEST(MoveJpegHead, CopiesOfThePicture_Should_Go) {
   const auto whole = MakeJpeg({.width = 32, .height = 16});
-  // A JFIF header with a thumbnail of 2 x 1 pixels, an extension, and a picture behind the end.
+  // A JFIF header with a thumbnail of 2 x 1 pixels, an extension, and a picture after the end.
   std::vector<uint8_t> file(whole.begin(), whole.begin() + 2);
   const std::vector<uint8_t> jfif = {'J', 'F', 'I', 'F', 0, 1, 1, 0, 0, 1,
                                      0,   1,   2,   1,   9, 8, 7, 6, 5, 4};

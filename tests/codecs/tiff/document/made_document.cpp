@@ -240,7 +240,7 @@ MadeDirectory RandomPage(std::mt19937& random) {
   const uint64_t count = 1 + random() % 5;
   for (uint64_t i = 0; i < count; i++)
     page.blocks.push_back(RandomBytes(16 + random() % 90, random));
-  // Some blocks are left out.
+  // Some blocks are absent.
   if (count > 2 && random() % 3 == 0) page.blocks[1].clear();
   page.Set(256, 4, {16 * (1 + random() % 9)}).Set(257, 4, {16 * count});
   // Compressed, so that the lists of sizes count.

@@ -24,7 +24,7 @@ struct MadeTag {
 /// A directory with everything that it leads to. Tags that hold places are not among `tags`.
 struct MadeDirectory {
   std::map<uint16_t, MadeTag> tags;
-  /// Encoded strips or tiles; an empty one is left out of the file.
+  /// Encoded strips or tiles; an empty one has no place in the file.
   std::vector<ByteList> blocks;
   bool isTiled = false;
   /// Types of the lists of places and sizes: 3, 4 or 16; 0 leaves the sizes out.
