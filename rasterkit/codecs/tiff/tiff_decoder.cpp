@@ -8,10 +8,10 @@
 #include <fmt/format.h>
 
 #include <rasterkit/codecs/rows/frame_format.h>
+#include <rasterkit/codecs/rows/geotiff_tags.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/missing_rows.h>
 #include <rasterkit/codecs/rows/stretch_numbers.h>
-#include <rasterkit/codecs/rows/geotiff_tags.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_directory.h>
 #include <rasterkit/codecs/tiff/tiff_library_rows.h>

@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/geotiff_tags.h>
+#include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/codecs/tiff/tiff_plan.h>
 #include <rasterkit/codecs/tiff/tiff_strip_writer.h>

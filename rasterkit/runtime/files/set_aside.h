@@ -9,8 +9,8 @@
 
 namespace rasterkit::detail {
 
-/// A file that has another name while one is saved beside it or under its old name. A link is renamed
-/// itself; what it leads to stays.
+/// A file that has another name while one is saved beside it or under its old name. A link is
+/// renamed itself; what it leads to stays.
 class RASTERKIT_EXPORT SetAside {
  public:
   /// Renames the file: "plan.tfw.bak", or with a number if that is taken. With `syncs` the new name
