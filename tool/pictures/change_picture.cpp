@@ -351,7 +351,10 @@ Picture OpenPage(const Document& document, int page, const std::string& file) {
 }
 
 std::unique_ptr<TBitmap> LoadUpright(const std::string& file) {
-  const Picture picture = OpenPicture(file);
+  return UprightPixels(OpenPicture(file), file);
+}
+
+std::unique_ptr<TBitmap> UprightPixels(const Picture& picture, const std::string& file) {
   try {
     return picture.Bitmap(RunOf({}));
   } catch (const CanceledError&) {

@@ -64,6 +64,8 @@ SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options);
 
 /// The upright pixels of a file to look at. Throws Failure(exitInputUnreadable).
 std::unique_ptr<TBitmap> LoadUpright(const std::string& file);
+/// The same of an open picture of that file.
+std::unique_ptr<TBitmap> UprightPixels(const Picture& picture, const std::string& file);
 
 /// How the library runs for these options: threads, progress, and an end on Ctrl-C.
 Run RunOf(const PictureOptions& options);

@@ -124,11 +124,12 @@ Comparison Compare(const ComparedNumbers& numbers, int tolerance) {
 Comparison LoadAndCompare(const CompareOptions& options) {
   const std::string both = options.files[0] + " and " + options.files[1];
   try {
-    const auto numbers =
-        CompareNumbers(OpenPicture(options.files[0]), OpenPicture(options.files[1]), RunOf({}));
+    // Stdin can be read only once.
+    const Picture first = OpenPicture(options.files[0]), second = OpenPicture(options.files[1]);
+    const auto numbers = CompareNumbers(first, second, RunOf({}));
     if (numbers) return Compare(*numbers, options.tolerance);
-    const auto a = LoadUpright(options.files[0]);
-    const auto b = LoadUpright(options.files[1]);
+    const auto a = UprightPixels(first, options.files[0]);
+    const auto b = UprightPixels(second, options.files[1]);
     return Compare(*a, *b, options.tolerance);
   } catch (const CanceledError&) {
     throw Failure(exitInterrupted, "interrupted");
