@@ -20,6 +20,8 @@ bool HasNoLength(uint8_t marker) {
 }
 
 bool StartsWith(Bytes bytes, std::string_view text) {
+  // An empty payload has no address.
+  if (text.empty()) return true;
   return bytes.size() >= text.size() && std::memcmp(bytes.data(), text.data(), text.size()) == 0;
 }
 

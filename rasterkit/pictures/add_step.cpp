@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include <fmt/format.h>
@@ -322,7 +323,13 @@ class StepAdder {
     }
     const bool isRounding = finer <= kRounding * coarser;
     const auto side = [&](int pixels, double factor) {
-      return isRounding ? pixels : std::max(static_cast<int>(std::round(pixels * factor)), 1);
+      if (isRounding) return pixels;
+      const double exact = std::max(std::round(pixels * factor), 1.0);
+      if (exact > std::numeric_limits<int>::max()) {
+        throw RangeError(fmt::format(
+            "a picture with square pixels cannot be {:.0f} pixels wide or high", exact));
+      }
+      return static_cast<int>(exact);
     };
     const Sides square{side(state_.width, finer / dpi.x), side(state_.height, finer / dpi.y)};
     if (!(square == Now())) Resize(square, Filter::automatic);

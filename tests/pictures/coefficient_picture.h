@@ -19,7 +19,7 @@ using Block = std::array<int16_t, 64>;
 struct ComponentBlocks {
   int columns = 0, rows = 0, h = 1, v = 1;
   std::array<uint16_t, 64> table{};
-  std::vector<Block> blocks;
+  std::vector<Block> blocks = {};
   friend bool operator==(const ComponentBlocks&, const ComponentBlocks&) = default;
 };
 

@@ -45,8 +45,8 @@ constexpr std::array<TypeCase, 10> kTypes = {{{NumberType::uint8, ""},
 constexpr const char* kForms[] = {
     "-co INTERLEAVE=PIXEL", "-co INTERLEAVE=BAND -co ENDIANNESS=BIG",
     "-co INTERLEAVE=PIXEL -co TILED=YES -co BLOCKXSIZE=16 -co BLOCKYSIZE=16 -co ENDIANNESS=BIG",
-    "-co INTERLEAVE=BAND -co TILED=YES -co BLOCKXSIZE=32 -co BLOCKYSIZE=16 -co COMPRESS=DEFLATE "
-    "-co PREDICTOR=2",
+    ("-co INTERLEAVE=BAND -co TILED=YES -co BLOCKXSIZE=32 -co BLOCKYSIZE=16 -co COMPRESS=DEFLATE "
+     "-co PREDICTOR=2"),
     "-co INTERLEAVE=PIXEL -co COMPRESS=LZW -co BIGTIFF=YES"};
 
 /// Random bits; floating-point numbers are finite, since the payload of NaN has no one meaning.

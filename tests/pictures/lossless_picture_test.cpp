@@ -378,7 +378,7 @@ TEST(LosslessPicture, IsCompressedAgainOnRequestWithoutANote) {
 
 TEST(LosslessPicture, IsCompressedAgainWhereAStepChangesPixels) {
   const Bytes jpeg = JpegOf({});
-  const Step changes[] = {Step(ResizeStep{48, 32}), Step(RotateStep{3}),
+  const Step changes[] = {Step(ResizeStep{48, 32, {}}), Step(RotateStep{3, {}}),
                           Step(ChangeStep{MakeGray{}})};
   for (const Step& change : changes) {
     Picture picture = Picture::Open(jpeg);

@@ -229,5 +229,15 @@ TEST(PictureStep, MakesPixelsSquareBeforeARotationByAnyAngle) {
   EXPECT_NE(report.notes[0].find("200 dots per inch"), std::string::npos);
 }
 
+TEST(PictureStep, RefusesSquarePixelsThatASideHasNoRoomFor) {
+  constexpr int kWidth = 300'000'000;
+  Raster rows(pf1bit, kWidth, 1);
+  rows.palette = GrayPalette(2);
+  rows.resolution = {100, 900};
+  Picture picture = PictureOf(std::move(rows));
+  EXPECT_THROW(picture.Rotate(30), RangeError);
+  EXPECT_EQ(picture.Width(), kWidth);
+}
+
 }  // namespace
 }  // namespace rasterkit

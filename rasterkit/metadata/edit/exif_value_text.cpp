@@ -111,7 +111,8 @@ Fraction ReadFraction(const std::string& text, bool isSigned) {
     fraction = FractionOfDecimal(*number, most);
   }
   if (!isSigned && fraction.numerator < 0) throw RangeError("\"" + text + "\" is below 0");
-  if (std::abs(fraction.numerator) > most || fraction.denominator > most) {
+  // The least number of 64 bits has no absolute value.
+  if (fraction.numerator < -most || fraction.numerator > most || fraction.denominator > most) {
     throw RangeError(fmt::format("{} has parts larger than {}", text, most));
   }
   return fraction;

@@ -128,6 +128,8 @@ TEST_P(EditMetadataTest, Set_Should_NameTagAndReason_When_TheValueDoesNotFit) {
   EXPECT_EQ(Refusal("ISO", "70000"), "PhotographicSensitivity: 70000 is outside 0 to 65535");
   EXPECT_THAT(Refusal("FNumber", "1/0"), HasSubstr("FNumber: \"1/0\" has no number above 0"));
   EXPECT_THAT(Refusal("FNumber", "-1"), HasSubstr("is below 0"));
+  EXPECT_THAT(Refusal("ExposureCompensation", "-9223372036854775808/1"),
+              HasSubstr("has parts larger than 2147483647"));
   EXPECT_THAT(Refusal("DateTimeOriginal", "2019-02-29T00:00:00"), HasSubstr("is no date and time"));
   EXPECT_THAT(Refusal("Orientation", "9"), HasSubstr("an orientation is 1 to 8"));
   EXPECT_THAT(Refusal("GPSLatitudeRef", "X"), HasSubstr("none of the letters N, S"));

@@ -38,6 +38,7 @@ uint64_t JpegEnd(const TagReader& reader, uint64_t at, bool hasStrips) {
   }
   uint64_t place = at + 2;
   while (reader.ReadAt(place, bytes) && bytes[0] == kMark) {
+    RequireTime();
     if (bytes[1] == kMark) {
       place++;
       continue;

@@ -215,10 +215,10 @@ void PageCopier::KeepKind(uint32_t relative, TagMap& tags, Changes& changes) con
   if (found != tags.end()) {
     const bool isKnown = found->second.type == TIFF_SHORT || found->second.type == TIFF_LONG;
     const std::vector<uint64_t> numbers = NumbersOf(found->second);
-    if (isKnown && !numbers.empty()) stated = numbers[0];
+    if (isKnown && numbers.size() == 1) stated = numbers[0];
   } else if (old != tags.end()) {
     const std::vector<uint64_t> numbers = NumbersOf(old->second);
-    if (!numbers.empty() && numbers[0] == OFILETYPE_REDUCEDIMAGE) stated = FILETYPE_REDUCEDIMAGE;
+    if (numbers.size() == 1 && numbers[0] == OFILETYPE_REDUCEDIMAGE) stated = FILETYPE_REDUCEDIMAGE;
   }
   if ((stated & kRelative) == relative) return;
   const auto kind = static_cast<uint32_t>(relative == 0 ? FILETYPE_PAGE : relative);

@@ -137,7 +137,9 @@ uint32_t TagReader::SubfileTypeOf(std::span<const uint8_t> entries) const {
   for (size_t at = 0; at + entryBytes <= entries.size(); at += entryBytes) {
     const uint8_t* entry = entries.data() + at;
     const uint64_t tag = Number(entry, 2), type = Number(entry + 2, 2);
-    const bool isKnown = type == TIFF_SHORT || type == TIFF_LONG;
+    // In a list of numbers the entry holds a place instead.
+    const bool isKnown =
+        (type == TIFF_SHORT || type == TIFF_LONG) && Number(entry + 4, isBig_ ? 8 : 4) == 1;
     if ((tag != TIFFTAG_SUBFILETYPE && tag != TIFFTAG_OSUBFILETYPE) || !isKnown) continue;
     const uint64_t kind = Number(entry + (isBig_ ? 12 : 8), type == TIFF_SHORT ? 2 : 4);
     if (tag == TIFFTAG_SUBFILETYPE) return static_cast<uint32_t>(kind);

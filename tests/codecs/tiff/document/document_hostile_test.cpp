@@ -304,6 +304,21 @@ TEST(HostileTiffDocument, Should_StayAPage_When_FirstDirectoryIsASmallerCopy) {
   EXPECT_TRUE(SameDirectory(first, ReadMade(CopiedPages(bytes, {1}, {}))[0]));
 }
 
+/// The place of a list of types is no type: it changes with the file.
+TEST(HostileTiffDocument, Should_StayAPage_When_ItsTypeIsAList) {
+  constexpr uint64_t kSecondAt = 8 + RawDocument::kPageBytes;
+  constexpr uint64_t kListAt = kSecondAt + RawDocument::kPageBytes, kStripAt = kListAt + 8;
+  static_assert((kListAt & 4) != 0);
+  RawDocument file;
+  file.Page(kStripAt, 16, kSecondAt);
+  file.Words({8}).Entry(254, 4, 2, kListAt).Entry(256, 4, 1, 4).Entry(257, 4, 1, 4);
+  file.Entry(258, 3, 1, 8).Entry(259, 3, 1, 5).Entry(262, 3, 1, 1);
+  file.Entry(273, 4, 1, kStripAt).Entry(279, 4, 1, 16).Long(0);
+  file.Long(2).Long(2).Fill(16);
+  EXPECT_EQ(PagesOf(file.Bytes()), 2);
+  EXPECT_EQ(PagesOf(CopiedPages(file.Bytes(), {2, 1, 2, 1, 2}, {})), 5);
+}
+
 /// A walk needs about one read for each directory.
 TEST(HostileTiffDocument, Should_ReadLittle_When_PagesAreCounted) {
   RawDocument file;
