@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <span>
 #include <string>
@@ -141,6 +142,10 @@ class Assembler {
     const bool isMissing = metadata_.exif.empty();
     if (!withJfif && metadata_.resolution.IsKnown() && !block.IsDamaged()) {
       SetResolution(block, metadata_.resolution);
+      if (isMissing) {
+        constexpr uint16_t kPositioning = 531, kCentered = 1;
+        block.SetWords(ExifDirectoryId::main, kPositioning, std::array{kCentered});
+      }
     } else if (isMissing) {
       return;
     }

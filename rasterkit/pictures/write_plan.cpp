@@ -94,10 +94,14 @@ bool TagsSayThePosition(const PictureSource& source) {
          tagged.rationalModel == position.rationalModel;
 }
 
-/// Tags that the source's file states and that still hold stay as they are, to the byte.
-std::vector<TagValue> PositionTags(const PictureSource& source, const PictureState& state) {
+/// Tags that the source's file states and that still hold stay as they are, to the byte. An edit of
+/// metadata alone leaves them, even if a world file beside the picture states another position.
+std::vector<TagValue> PositionTags(const PictureSource& source, const PictureState& state,
+                                   const WritePlan& plan) {
   const std::vector<TagValue>& tags = source.Header().positionTags;
   const bool isMoved = state.placesChanged || state.given;
+  const bool isEditAlone = !state.edits.empty() && plan.isCopied && !isMoved;
+  if (isEditAlone && (!tags.empty() || plan.writesWorldFile)) return tags;
   if (tags.empty() || isMoved || !TagsSayThePosition(source)) return TagsOf(state.placement);
   return tags;
 }
@@ -111,7 +115,7 @@ PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
   writing.dropsHidden = plan.move || DropsHidden(state);
   writing.move = plan.move;
   writing.makesThumbnail = plan.move && NeedsThumbnail(state, source);
-  if (plan.type == PictureType::tiff) writing.positionTags = PositionTags(source, state);
+  if (plan.type == PictureType::tiff) writing.positionTags = PositionTags(source, state, plan);
   return writing;
 }
 

@@ -270,5 +270,17 @@ TEST(AssembleJpegSegments, Should_ShowOnlyPrintableLettersOfChunks) {
   EXPECT_EQ(written.changes.losses[0].what, "PNG chunk a??d");
 }
 
+/// The standard requires the tag, in each block of a JPEG file.
+TEST(AssembleJpegSegments, Should_StateThePlaceOfChroma_When_TheResolutionNeedsABlock) {
+  Metadata metadata;
+  metadata.resolution = {300, 300};
+  const Written written(metadata, false);
+  const std::string exif = written.Content(JpegBlock::exif);
+  const ExifBlock block({exif.begin(), exif.end()});
+  EXPECT_EQ(ResolutionOf(block), (Resolution{300, 300}));
+  constexpr uint16_t kPositioning = 531;
+  EXPECT_TRUE(block.Has(ExifDirectoryId::main, kPositioning));
+}
+
 }  // namespace
 }  // namespace rasterkit

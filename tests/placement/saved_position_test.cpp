@@ -154,6 +154,32 @@ TEST_F(SavedPosition, OfAWorldFileGoesBesideTheOutput) {
   EXPECT_EQ(ReadPlacement(source, {}, 41, 52).affine, (Affine{0.5, 0, 0, -0.5, 125, 195}));
 }
 
+TEST_F(SavedPosition, OfTagsStaysWhenMetadataAloneIsEdited) {
+  Placement placement;
+  placement.affine = Affine{0.5, 0, 0, -0.5, 100, 200};
+  const std::string source = folder_.Write("a.tif", MarkedTiff(TagsOf(placement)));
+  const std::string bare = folder_.Write("b.tif", MarkedTiff({}));
+  // A world file beside a picture counts, and is no part of the edit.
+  for (const char* name : {"a.tfw", "b.tfw"}) {
+    folder_.Write(name, WorldFileText({1, 0, 0, -1, 5, 6}));
+  }
+  for (const std::string& file : {source, bare}) {
+    MetadataEdit edit;
+    edit.set = {{"Artist", "A. Person"}};
+    Picture picture = Picture::Open(file);
+    picture.Edit(edit).Save(folder_ / "out.tif");
+    EXPECT_EQ(PositionTagsIn(folder_ / "out.tif"), PositionTagsIn(file));
+    EXPECT_EQ(ReadFile(folder_ / "out.tfw"), WorldFileText({1, 0, 0, -1, 5, 6}));
+    TIFF* const tiff = TIFFOpen((folder_ / "out.tif").c_str(), "r");
+    ASSERT_NE(tiff, nullptr);
+    uint16_t orientation = 0;
+    EXPECT_EQ(TIFFGetField(tiff, TIFFTAG_ORIENTATION, &orientation), 0);
+    const char* artist = nullptr;
+    EXPECT_EQ(TIFFGetField(tiff, TIFFTAG_ARTIST, &artist), 1);
+    TIFFClose(tiff);
+  }
+}
+
 TEST_F(SavedPosition, OverAnOldWorldFileIsRefusedOrReplacesIt) {
   Placement placement;
   placement.affine = Affine{0.5, 0, 0, -0.5, 100, 200};

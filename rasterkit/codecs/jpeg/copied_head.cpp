@@ -98,8 +98,10 @@ class HeadCopier {
   bool StatesStillTheSame() const {
     const auto header = jfif_ == nullptr ? std::nullopt : ReadJfif(*jfif_);
     if (header && header->unit != 0) return true;
-    return StatedByExif(metadata_) == StatedByExif(source_) &&
-           metadata_.photoshop == source_.photoshop;
+    const Resolution stated = StatedByExif(metadata_);
+    // A new EXIF block may state what a block of resources states.
+    if (stated.IsKnown() && stated == metadata_.resolution) return true;
+    return stated == StatedByExif(source_) && metadata_.photoshop == source_.photoshop;
   }
 
   bool IsKept(Group group) const {

@@ -43,6 +43,18 @@ std::optional<int> TurnedBy(const std::vector<uint8_t>& exif) {
   return orientation == 1 ? std::nullopt : orientation;
 }
 
+/// What a block states of the resolution without a unit of length. A TIFF file must state some.
+std::vector<TagValue> AspectIn(const Metadata& metadata, const EditedPicture& picture) {
+  const bool isStated = metadata.resolution.IsKnown() || metadata.exif.empty();
+  if (isStated || picture.format != EditedPicture::Format::tiff) return {};
+  const ExifBlock block(metadata.exif);
+  std::vector<TagValue> tags;
+  for (const uint16_t tag : {exif::kResolutionX, exif::kResolutionY, exif::kResolutionUnit}) {
+    if (auto value = block.Get(Id::main, tag)) tags.push_back(std::move(*value));
+  }
+  return tags;
+}
+
 /// Makes a damaged block anew without its maker note.
 std::vector<uint8_t> Rebuilt(const ExifBlock& damaged, Changes& changes) {
   TiffDirectories tags = TagsOfExif(damaged.Bytes());
@@ -61,6 +73,7 @@ void StripAll(Metadata& metadata, bool dropsProfile, const EditedPicture& pictur
   kept.resolution = metadata.resolution;
   kept.hasJfif = metadata.hasJfif;
   const std::optional<int> orientation = picture.isTurned ? std::nullopt : TurnedBy(metadata.exif);
+  const std::vector<TagValue> aspect = AspectIn(metadata, picture);
   if (!dropsProfile) {
     kept.profile = metadata.profile;
     std::copy_if(metadata.pngChunks.begin(), metadata.pngChunks.end(),
@@ -69,10 +82,13 @@ void StripAll(Metadata& metadata, bool dropsProfile, const EditedPicture& pictur
   std::copy_if(metadata.tiffTags.begin(), metadata.tiffTags.end(),
                std::back_inserter(kept.tiffTags), IsOfSamples);
   metadata = std::move(kept);
-  if (!orientation) return;
+  if (!orientation && aspect.empty()) return;
   ExifEditor editor(metadata, picture);
-  editor.Block().SetWords(Id::main, exif::kOrientation,
-                          std::array{static_cast<uint16_t>(*orientation)});
+  for (const TagValue& value : aspect) editor.Set(Id::main, value);
+  if (orientation) {
+    editor.Block().SetWords(Id::main, exif::kOrientation,
+                            std::array{static_cast<uint16_t>(*orientation)});
+  }
   editor.Finish();
 }
 

@@ -5,6 +5,7 @@
 
 #include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
+#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/codecs/jpeg/jpeg_segments_of_tests.h"
@@ -59,6 +60,26 @@ TEST(CopyJpeg, Density_Should_FollowTheResolution) {
   EXPECT_EQ(Copy(source, writing), source);
   writing.metadata.resolution = {300, 150};
   EXPECT_EQ(DecodeJpeg(Copy(source, writing)).resolution, (Resolution{300, 150}));
+}
+
+/// A new EXIF block may state what another block of the file states.
+TEST(CopyJpeg, Density_Should_Stay_When_ANewBlockStatesTheSame) {
+  const auto source =
+      WithHead(MakeJpeg({.densityUnit = 0, .densityX = 1, .densityY = 1}),
+               Segment(0xED, BytesOfText("Photoshop 3.0\0"
+                                         "8BIM\3\xED\0\0\0\0\0\x10"
+                                         "\1\x2C\0\0\0\1\0\1\1\x2C\0\0\0\1\0\1"sv)));
+  PictureWriting writing;
+  writing.metadata = ReadJpegHeader(source).metadata;
+  ASSERT_EQ(writing.metadata.resolution, (Resolution{300, 300}));
+  ExifBlock exif;
+  SetResolution(exif, {300, 300});
+  writing.metadata.exif = exif.TakeBytes();
+  const auto copy = Copy(source, writing);
+  constexpr size_t kUnitAt = 13;
+  EXPECT_THAT(std::vector<uint8_t>(copy.begin() + kUnitAt, copy.begin() + kUnitAt + 5),
+              ElementsAre(0, 0, 1, 0, 1));
+  EXPECT_EQ(ReadJpegHeader(copy).metadata.exif, writing.metadata.exif);
 }
 
 /// Index of two pictures with the second one at an offset from the byte-order mark.

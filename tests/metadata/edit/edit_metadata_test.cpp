@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include <gmock/gmock.h>
@@ -308,6 +309,36 @@ TEST_P(EditMetadataTest, StripMakerNote_Should_LeaveNoByteOfIt) {
   auto after = AllTags(Block());
   // The place of the thumbnail stays, too.
   EXPECT_EQ(after, expected);
+}
+
+/// A TIFF file must have the tags, whatever they state.
+TEST_P(EditMetadataTest, StripAll_Should_KeepTheAspect_When_FileIsTiff) {
+  constexpr uint16_t kResolutionX = 282, kUnit = 296, kNoUnit = 1;
+  ExifBlock block = Block();
+  block.SetRational(Id::main, kResolutionX, 3);
+  block.SetRational(Id::main, kResolutionX + 1, 2);
+  block.SetWords(Id::main, kUnit, std::array{kNoUnit});
+  const std::vector<uint8_t> exif = block.TakeBytes();
+  MetadataEdit edit;
+  edit.stripAll = true;
+  for (const auto format : {EditedPicture::Format::tiff, EditedPicture::Format::jpeg}) {
+    Metadata metadata;
+    metadata.exif = exif;
+    EditedPicture picture;
+    picture.format = format;
+    picture.isTurned = true;
+    EditMetadata(metadata, edit, picture, changes_);
+    if (format == EditedPicture::Format::jpeg) {
+      EXPECT_TRUE(metadata.exif.empty());
+      continue;
+    }
+    const ExifBlock kept(metadata.exif);
+    EXPECT_EQ(kept.Get(Id::main, kResolutionX), ExifBlock(exif).Get(Id::main, kResolutionX));
+    EXPECT_EQ(kept.Get(Id::main, kResolutionX + 1),
+              ExifBlock(exif).Get(Id::main, kResolutionX + 1));
+    EXPECT_EQ(kept.Get(Id::main, kUnit), ExifBlock(exif).Get(Id::main, kUnit));
+    EXPECT_EQ(kept.All(Id::main).size(), 3u);
+  }
 }
 
 TEST_P(EditMetadataTest, StripAll_Should_KeepWhatBelongsToThePixels) {

@@ -29,9 +29,9 @@ bool IsMetadataOfCopy(uint16_t tag) {
          tag == TIFFTAG_RICHTIFFIPTC || tag == TIFFTAG_PHOTOSHOP;
 }
 
-/// Tiles count where there are both strips and tiles; 0 if there is nothing else.
-uint16_t StrayPlaces(const TagDirectory& directory) {
-  return directory.Has(TIFFTAG_TILEOFFSETS) ? TIFFTAG_STRIPOFFSETS : 0;
+/// Tiles count where there are both strips and tiles.
+bool AreStrayPlaces(const TagDirectory& directory, uint16_t tag) {
+  return tag == TIFFTAG_STRIPOFFSETS && directory.Has(TIFFTAG_TILEOFFSETS);
 }
 
 /// True for sizes of blocks that the directory does not have.
@@ -165,7 +165,7 @@ PageCopier::Structure PageCopier::Copy(const TagDirectory& directory, Changes& c
       if (pointers.count > 0 || (!writing_ && place.count == 0)) {
         copy.tags[place.tag] = std::move(pointers);
       }
-    } else if (place.tag == StrayPlaces(directory)) {
+    } else if (AreStrayPlaces(directory, place.tag)) {
       changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", place.tag),
                    "the directory has both strips and tiles");
     } else if (!IsBlockTag(place.tag) || AreStraySizes(directory, place.tag)) {
@@ -259,6 +259,12 @@ void PageCopier::AddMetadata(Structure& main, Changes& changes) {
   const bool hasNoUnit = first_.Has(TIFFTAG_XRESOLUTION) && !first_.Has(TIFFTAG_RESOLUTIONUNIT);
   if (hasNoUnit && wanted == ResolutionOfPage(reader_, first_)) {
     main.tags.erase(TIFFTAG_RESOLUTIONUNIT);
+  }
+  // A picture without the tag is upright.
+  const auto orientation = main.tags.find(TIFFTAG_ORIENTATION);
+  if (!first_.Has(TIFFTAG_ORIENTATION) && orientation != main.tags.end() &&
+      NumbersOf(orientation->second) == std::vector<uint64_t>{ORIENTATION_TOPLEFT}) {
+    main.tags.erase(orientation);
   }
 }
 

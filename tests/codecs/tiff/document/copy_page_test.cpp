@@ -94,6 +94,19 @@ TEST(CopyTiffPage, Should_KeepEveryBlockAndTag_When_PagesAreInAnyOrder) {
   }
 }
 
+/// Tag 0 of a GPS directory is its version.
+TEST(CopyTiffPage, Should_KeepTagOfNumberZero_When_DirectoryIsOfPositions) {
+  std::mt19937 random(20268);
+  MadeDirectory page = RandomPage(random), gps;
+  gps.SetBytes(0, 1, {2, 3, 0, 0}).SetBytes(1, 2, {'N', 0});
+  page.below[34853] = {gps};
+  page.pointerTypes[34853] = 4;
+  for (const FileKind& kind : kFileKinds) {
+    const ByteList bytes = WriteMade({page}, kind.isBig, kind.isBigEndian, random);
+    ExpectChain({page}, CopiedPages(bytes, {1}, kind));
+  }
+}
+
 TEST(CopyTiffPage, Should_GiveTheSameFile_When_CopyIsCopied) {
   std::mt19937 random(20262);
   for (const FileKind& kind : kFileKinds) {
