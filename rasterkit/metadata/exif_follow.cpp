@@ -111,13 +111,30 @@ size_t FindJpeg(std::span<const uint8_t> bytes, size_t from) {
                              bytes.begin());
 }
 
+/// True if the first segment is one that begins a picture and a further one follows it: the three
+/// bytes that start a picture also occur by chance.
+bool IsJpegHead(std::span<const uint8_t> bytes) {
+  constexpr size_t kMarker = 3, kLength = 4, kFirstSegment = 4;
+  constexpr uint8_t kFrame = 0xC0, kTables = 0xC4, kQuantization = 0xDB, kInterval = 0xDD,
+                    kFirstApp = 0xE0, kLastApp = 0xEF, kComment = 0xFE;
+  if (bytes.size() < kFirstSegment + 2) return false;
+  const uint8_t marker = bytes[kMarker];
+  const bool isKnown = (marker >= kFrame && marker <= kTables) || marker == kQuantization ||
+                       marker == kInterval || (marker >= kFirstApp && marker <= kLastApp) ||
+                       marker == kComment;
+  const size_t length = size_t{bytes[kLength]} << 8 | bytes[kLength + 1];
+  const size_t next = kFirstSegment + length;
+  return isKnown && length >= 2 && next < bytes.size() && bytes[next] == 0xFF;
+}
+
 /// True if the block holds a JPEG picture besides its thumbnail.
 bool HasPreview(const ExifBlock& exif) {
   const std::span<const uint8_t> bytes = exif.Bytes();
   const auto thumbnail = exif.Thumbnail();
   const size_t first = thumbnail.empty() ? 0 : static_cast<size_t>(thumbnail.data() - bytes.data());
   for (size_t at = FindJpeg(bytes, 0); at < bytes.size(); at = FindJpeg(bytes, at + 1)) {
-    if (at < first || at >= first + thumbnail.size()) return true;
+    const bool isThumbnail = at >= first && at < first + thumbnail.size();
+    if (!isThumbnail && IsJpegHead(bytes.subspan(at))) return true;
   }
   return false;
 }
@@ -153,8 +170,10 @@ void FollowPixelsInExif(ExifBlock& exif, const PixelChange& change, Changes& cha
   if (change.becameGray && exif.Has(Id::exif, exif::kColorSpace)) {
     exif.SetWords(Id::exif, exif::kColorSpace, std::span(&kUncalibrated, 1));
   }
-  if (HasPreview(exif)) {
-    changes.Note("the maker note holds a preview of its own, which shows the old picture");
+  // What lies outside of the maker note belongs to it, too: no tag of the format leads there.
+  if (exif.Has(Id::exif, exif::kMakerNote) && HasPreview(exif)) {
+    changes.Lose(LossKind::makerNote, "the preview in the maker note",
+                 "it shows the old picture (--strip-maker-note removes it)");
   }
 }
 

@@ -12,6 +12,8 @@ namespace {
 /// Parts of the work after which reading and the stages end.
 constexpr double kRead = 0.5;
 
+constexpr const char* kDamagedFile = "the file of the picture is damaged";
+
 double ReadEnd(const WorkPart& part) {
   return part.from + kRead * (part.end - part.from);
 }
@@ -67,11 +69,15 @@ WrittenPicture Move(PictureTarget& target, const PictureSource& source, const Pi
     written.layout = state.layout;
     return written;
   } catch (FormatError& error) {
-    if (target.Position() == start) throw DamagedBlocks(error.Reason());
+    if (target.Position() == start) throw DamagedBlocks(error.Reason(), true);
     error.AttachFile(source.File());
     throw;
   } catch (const UnsupportedError& error) {
-    if (target.Position() == start) throw DamagedBlocks(error.Reason());
+    if (target.Position() == start) throw DamagedBlocks(error.Reason(), false);
+    throw;
+  } catch (LimitError& error) {
+    // What the blocks cost is decided by the file that holds them.
+    if (target.Position() == start) error.AttachFile(source.File());
     throw;
   }
 }
@@ -94,7 +100,7 @@ WrittenPicture WriteAnew(PictureTarget& target, const PictureSource& source,
   WrittenPicture written = WritePixels(std::move(decoded.pixels), followed, source, plan, options,
                                        run.Threads(), target, changes);
   Warn(decoded.report, report);
-  LoseDamage(decoded.report, "the file of the picture is damaged", changes);
+  LoseDamage(decoded.report, kDamagedFile, changes);
   return written;
 }
 
@@ -125,6 +131,16 @@ bool Copy(PictureTarget& target, const PictureSource& source, const PictureState
   }
 }
 
+void LoseBlocks(const DamagedBlocks& blocks, Report& report) {
+  const auto isKnown = [&](const Loss& loss) {
+    return loss.kind == LossKind::damage && loss.what == blocks.Reason();
+  };
+  if (!blocks.IsDamage() || std::any_of(report.losses.begin(), report.losses.end(), isKnown)) {
+    return;
+  }
+  report.losses.push_back({LossKind::damage, blocks.Reason(), kDamagedFile});
+}
+
 }  // namespace
 
 Report WriteMovedOrAnew(const SaveOptions& options,
@@ -137,6 +153,7 @@ Report WriteMovedOrAnew(const SaveOptions& options,
     Report report = write(anew);
     report.moveNote = "the pixels are compressed again: " + damage.Reason();
     report.notes.push_back(report.moveNote);
+    LoseBlocks(damage, report);
     return report;
   }
 }

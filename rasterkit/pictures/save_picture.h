@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include <rasterkit/pictures/run_scope.h>
 #include <rasterkit/pictures/write_plan.h>
@@ -11,7 +12,13 @@ namespace rasterkit::detail {
 /// Thrown before the first byte is written, if blocks that were to be moved turn out damaged.
 class DamagedBlocks : public FormatError {
  public:
-  using FormatError::FormatError;
+  /// `isDamage` is false for whole blocks of a kind that cannot be moved.
+  DamagedBlocks(const std::string& reason, bool isDamage)
+      : FormatError(reason), isDamage_(isDamage) {}
+  bool IsDamage() const { return isDamage_; }
+
+ private:
+  bool isDamage_;
 };
 
 /// Calls `write`, and once more without moves if blocks are damaged: what is trimmed for a move

@@ -188,13 +188,34 @@ TEST_P(FollowPixelsInBlock, Should_UncalibrateTheColorSpace_When_Gray) {
 
 TEST_P(FollowPixelsInBlock, Should_NameAMakerNotesPreview) {
   exif_.RemoveThumbnail();
-  TagValue note = {37500, 7, 0, test::BytesOf("NOTE" + JpegThumbnail(40, '\xFF'))};
+  const std::string preview("\xFF\xD8\xFF\xDB\0\x03Q\xFF\xC0\0\x02\xFF\xD9", 13);
+  TagValue note = {37500, 7, 0, test::BytesOf("NOTE" + preview)};
   note.count = note.bytes.size();
   exif_.Set(Id::exif, note);
   const Followed followed = Follow(exif_, Crop(10, 10, 50, 50));
-  EXPECT_EQ(followed.changes.notes.size(), 1U);
-  EXPECT_THAT(followed.Losses(), IsEmpty());
+  EXPECT_THAT(followed.changes.notes, IsEmpty());
+  ASSERT_THAT(followed.Losses(), ElementsAre(LossKind::makerNote));
+  EXPECT_THAT(followed.changes.losses[0].why, testing::HasSubstr("--strip-maker-note"));
   EXPECT_EQ(followed.exif.Get(Id::exif, 37500), note);
+  exif_.Remove(Id::exif, 37500);
+  EXPECT_THAT(Follow(exif_, Crop(10, 10, 50, 50)).Losses(), IsEmpty());
+}
+
+TEST_P(FollowPixelsInBlock, Should_TakeNoOtherBytesOfAMakerNoteForAPreview) {
+  exif_.RemoveThumbnail();
+  const std::string others[] = {
+      // No segment begins a picture with this marker, has this length, or is followed by this.
+      {"\xFF\xD8\xFF\x07\0\x03Q\xFF\xC0\0\x02\xFF\xD9", 13},
+      {"\xFF\xD8\xFF\xDB\0\x01Q\xFF\xC0\0\x02\xFF\xD9", 13},
+      {"\xFF\xD8\xFF\xDB\0\x03QQ\xC0\0\x02\xFF\xD9", 13},
+      {"\xFF\xD8\xFF\xDB\x70\x03Q\xFF\xC0\0\x02\xFF\xD9", 13},
+      {"\xFF\xD8\xFF", 3}};
+  for (const std::string& bytes : others) {
+    TagValue note = {37500, 7, 0, test::BytesOf("NOTE" + bytes)};
+    note.count = note.bytes.size();
+    exif_.Set(Id::exif, note);
+    EXPECT_THAT(Follow(exif_, Crop(10, 10, 50, 50)).Losses(), IsEmpty()) << bytes.size();
+  }
 }
 
 TEST_P(FollowPixelsInBlock, Should_RepairADamagedBlockInPlace) {

@@ -455,6 +455,66 @@ TEST(LosslessPicture, IsNeverMovedWhenDamaged) {
   EXPECT_EQ(folder.Names(), (std::vector<std::string>{"a.jgw", "a.jpg", "b.jgw", "b.jpg"}));
 }
 
+/// The file with the end marker in place of its last scan.
+Bytes WithoutLastScan(Bytes jpeg) {
+  size_t at = jpeg.size();
+  while (!(jpeg[at - 2] == 0xFF && jpeg[at - 1] == 0xDA)) --at;
+  jpeg.resize(at - 2);
+  jpeg.insert(jpeg.end(), {0xFF, 0xD9});
+  return jpeg;
+}
+
+TEST(LosslessPicture, SaysThatScansAreMissingHoweverItIsSaved) {
+  detail::SetWorkerProgram(RASTERKIT_WORKER);
+  const Bytes whole = JpegOf({.width = 93, .height = 61, .isProgressive = true});
+  SaveOptions asPng;
+  asPng.type = PictureType::png;
+  EXPECT_TRUE(Save(Picture::Open(whole), asPng).report.losses.empty());
+  const Loss missing{LossKind::damage, "JPEG: scans of component 1 are missing",
+                     "the file of the picture is damaged"};
+  const auto expectMissing = [&](const Saved& saved) {
+    EXPECT_FALSE(saved.report.isMoved);
+    ASSERT_EQ(saved.report.losses.size(), 1u);
+    EXPECT_EQ(saved.report.losses[0].kind, missing.kind);
+    EXPECT_EQ(saved.report.losses[0].what, missing.what);
+    EXPECT_EQ(saved.report.losses[0].why, missing.why);
+  };
+  for (const Isolation isolation : {Isolation::none, Isolation::process}) {
+    SCOPED_TRACE(isolation == Isolation::none ? "here" : "in a worker");
+    OpenOptions options;
+    options.isolation = isolation;
+    const Picture picture = Picture::Open(WithoutLastScan(whole), options);
+    expectMissing(Save(picture, asPng));
+    Picture turned = picture;
+    turned.Turn(2).Crop({13, 13, 64, 32});
+    const Saved saved = Save(turned);
+    EXPECT_EQ(saved.report.moveNote, "the pixels are compressed again: " + missing.what);
+    expectMissing(saved);
+    Picture part = picture;
+    part.Crop({1, 1, 60, 30});
+    expectMissing(Save(part));
+  }
+}
+
+TEST(LosslessPicture, ThatHasTooManyScansIsAtFaultItself) {
+  Bytes jpeg = JpegOf({.width = 1024, .height = 1024, .isGray = true, .isProgressive = true});
+  jpeg.resize(jpeg.size() - 2);
+  const Bytes scan = {0xFF, 0xDA, 0, 8, 1, 1, 0, 0, 0, 0x10};
+  for (int i = 0; i < 20000; ++i) jpeg.insert(jpeg.end(), scan.begin(), scan.end());
+  jpeg.insert(jpeg.end(), {0xFF, 0xD9});
+  const TempFolder folder;
+  Picture picture = Picture::Open(folder.Write("a.jpg", jpeg));
+  picture.Turn(2);
+  try {
+    picture.Save(folder / "b.jpg");
+    ADD_FAILURE() << "all scans were read";
+  } catch (const LimitError& error) {
+    EXPECT_THAT(error.Reason(), HasSubstr("too many scans"));
+    EXPECT_EQ(error.File(), folder / "a.jpg");
+  }
+  EXPECT_EQ(folder.Names(), (std::vector<std::string>{"a.jpg"}));
+}
+
 TEST(LosslessPicture, StaysAtItsPlaceOnTheMapWhenTrimmed) {
   const TempFolder folder;
   folder.Write("a.jpg", JpegOf({.width = 93, .height = 61}));

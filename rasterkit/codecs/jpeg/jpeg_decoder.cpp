@@ -10,6 +10,7 @@
 #include <rasterkit/codecs/jpeg/jpeg_limits.h>
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/jpeg/jpeg_reader.h>
+#include <rasterkit/codecs/jpeg/missing_scans.h>
 #include <rasterkit/codecs/rows/cmyk_rows.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/codecs/rows/missing_rows.h>
@@ -204,15 +205,15 @@ Raster DecodeColors(JpegReader& reader, const JpegLayout& layout, TPixelFormat f
   return raster;
 }
 
-/// Decodes to a raster, or inks to samples if `keepsInks`.
-Pixels Decode(Bytes bytes, bool keepsInks, CodecReport* report) {
+/// Decodes to a raster. `asStored` gives inks as samples and reports missing scans.
+Pixels Decode(Bytes bytes, bool asStored, CodecReport* report) {
   const LimitsScope limits;
   const JpegLayout layout = detail::ReadJpegLayout(bytes);
   RequireSupported(layout.frame);
   JpegReader reader(bytes.first(layout.wholeBytes));
   jpeg_decompress_struct& codec = reader.Codec();
   ChooseOutput(codec);
-  const bool givesInks = keepsInks && codec.num_components == 4;
+  const bool givesInks = asStored && codec.num_components == 4;
   const TPixelFormat format = codec.num_components == 1 ? pf8bit : pf24bit;
   RequireMemory(reader, layout, givesInks ? pf32bit : format, bytes.size());
 
@@ -221,6 +222,9 @@ Pixels Decode(Bytes bytes, bool keepsInks, CodecReport* report) {
   Pixels pixels =
       givesInks ? Pixels(DecodeInks(reader, layout)) : Pixels(DecodeColors(reader, layout, format));
 
+  std::string missing;
+  // The library decodes without a word what is there, and forgets it when it finishes.
+  if (asStored && layout.manyScans) missing = detail::MissingScans(codec);
   CodecReport noticed;
   if (codec.output_scanline == codec.output_height) ReadEnd(reader, noticed);
   if (auto* inks = std::get_if<Samples>(&pixels)) {
@@ -230,6 +234,7 @@ Pixels Decode(Bytes bytes, bool keepsInks, CodecReport* report) {
     std::get<Raster>(pixels).profile = ProfileOf(layout, noticed);
   }
   ReportEnd(reader, layout, noticed);
+  if (!missing.empty() && noticed.damage.empty()) noticed.AddDamage(std::move(missing));
   if (report) report->Append(noticed);
   return pixels;
 }

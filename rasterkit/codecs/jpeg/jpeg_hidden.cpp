@@ -193,8 +193,9 @@ class Finder {
       gap = gap.subspan(std::max<size_t>(picture.bytes, 3));
     }
     if (gap.empty() || IsPadding(gap)) return;
-    const char* name = Contains(gap, "ftyp") ? "video" : "data after the end";
-    found_.others.push_back(fmt::format("{} of {}", name, SizeText(gap.size())));
+    const std::string size = SizeText(gap.size());
+    found_.others.push_back(Contains(gap, "ftyp") ? "video of " + size
+                                                  : size + " after the end of the picture");
   }
 
   const Bytes file_;

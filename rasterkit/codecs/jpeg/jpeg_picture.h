@@ -22,8 +22,8 @@ RASTERKIT_EXPORT PictureHeader ReadJpegHeader(std::span<const uint8_t> file);
 RASTERKIT_EXPORT PictureHeader ReadJpegFront(TStream& stream);
 
 /// Decodes the pixels as the file has them (see PictureHeader::layout): gray and colors as
-/// DecodeJpeg does, CMYK and YCCK as samples of inks, whose layout has no profile. Throws as
-/// DecodeJpeg does.
+/// DecodeJpeg does, CMYK and YCCK as samples of inks, whose layout has no profile. Missing scans
+/// are damage. Throws as DecodeJpeg does.
 RASTERKIT_EXPORT Pixels DecodeJpegPixels(std::span<const uint8_t> file,
                                          CodecReport* report = nullptr);
 

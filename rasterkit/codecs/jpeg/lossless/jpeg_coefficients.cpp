@@ -4,6 +4,7 @@
 
 #include <rasterkit/codecs/jpeg/jpeg_limits.h>
 #include <rasterkit/codecs/jpeg/lossless/jpeg_coefficients.h>
+#include <rasterkit/codecs/jpeg/missing_scans.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
@@ -14,12 +15,6 @@ std::span<const uint8_t> Checked(std::span<const uint8_t> file, const JpegLayout
   RequireSupportedCoding(layout.frame);
   if (layout.cutOff) throw FormatError("JPEG: the file is cut off, its last scans are missing");
   return file.first(layout.wholeBytes);
-}
-
-/// True if all bits of all coefficients of a progressive file were there.
-bool HasAllBits(const jpeg_decompress_struct& codec, int component) {
-  const int* bits = codec.coef_bits[component];
-  return std::all_of(bits, bits + DCTSIZE2, [](int lowest) { return lowest == 0; });
 }
 
 }  // namespace
@@ -69,12 +64,7 @@ void JpegCoefficients::RequireWhole(long headerWarnings) const {
     throw FormatError(report.warnings.empty() ? "JPEG: the picture data end early"
                                               : report.warnings.back());
   }
-  for (int i = 0; i < codec.num_components; i++) {
-    const bool isThere = codec.comp_info[i].quant_table != nullptr;
-    if (!isThere || (codec.progressive_mode != FALSE && !HasAllBits(codec, i))) {
-      throw FormatError(fmt::format("JPEG: scans of component {} are missing", i + 1));
-    }
-  }
+  if (const std::string missing = MissingScans(codec); !missing.empty()) throw FormatError(missing);
 }
 
 }  // namespace rasterkit::detail
