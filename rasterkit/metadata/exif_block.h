@@ -76,6 +76,11 @@ class RASTERKIT_EXPORT ExifBlock {
   /// programs, and what a maker note keeps outside of itself. No-op for a damaged block.
   void EraseUnused();
 
+  /// Makes the block shorter until it has `most` bytes: values and tables move into free bytes, the
+  /// maker note stays where it is. If that is not enough, the thumbnail goes. The block can stay
+  /// longer. No-op for a damaged block.
+  void ShrinkTo(size_t most);
+
   /// Sets the orientation to 1 if the block states another one, also in a damaged block. False if
   /// the block is damaged and its orientation cannot be found: an unknown one could be left.
   bool SetUpright();
@@ -108,6 +113,7 @@ class RASTERKIT_EXPORT ExifBlock {
   void Free(const detail::ByteRange& range);
   void FreeDirectory(const Directory& directory);
   void DropFreeEnd();
+  bool MoveLastToGap();
 
   size_t Append(std::span<const uint8_t> bytes);
   void PutWordAt(size_t at, uint16_t value);

@@ -149,8 +149,9 @@ class Assembler {
     } else if (isMissing) {
       return;
     }
-    if (block.Bytes().size() > most && !block.IsDamaged() && block.HasThumbnail()) {
-      block.RemoveThumbnail();
+    const bool hadThumbnail = block.HasThumbnail();
+    block.ShrinkTo(most);
+    if (hadThumbnail && !block.HasThumbnail()) {
       changes_.Lose(LossKind::thumbnail, "the thumbnail", kSegmentLimit);
     }
     if (block.Bytes().size() > most) {

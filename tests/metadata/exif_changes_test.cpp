@@ -138,6 +138,25 @@ TEST_P(ExifChanges, Should_RemoveTheThumbnail) {
   EXPECT_EQ(block_.Thumbnail().size(), 100U);
 }
 
+TEST_P(ExifChanges, ShrinkTo_Should_MoveValuesIntoGaps_BeforeTheThumbnailGoes) {
+  constexpr uint16_t kCopyright = 33432;
+  // The table of the main directory moves to the end and leaves a gap.
+  block_.SetText(Id::main, kCopyright, "a copyright of some length");
+  auto tags = AllTags(block_);
+  const size_t size = block_.Bytes().size();
+  block_.ShrinkTo(size);
+  EXPECT_EQ(block_.Bytes().size(), size);
+  block_.ShrinkTo(size - 20);
+  EXPECT_LE(block_.Bytes().size(), size - 20);
+  EXPECT_TRUE(block_.HasThumbnail());
+  EXPECT_EQ(AllTags(ExifBlock(block_.Bytes())), tags);
+  block_.ShrinkTo(size - 120);
+  EXPECT_LE(block_.Bytes().size(), size - 120);
+  EXPECT_FALSE(block_.HasThumbnail());
+  std::erase_if(tags, [](const auto& tag) { return tag.first.first == Id::thumbnail; });
+  EXPECT_EQ(AllTags(ExifBlock(block_.Bytes())), tags);
+}
+
 TEST_P(ExifChanges, Should_KeepWhatStandsInTheThumbnailsRange) {
   // The length of the thumbnail covers bytes of another value.
   std::string bytes = camera_.bytes;

@@ -137,6 +137,21 @@ TEST(AssembleJpegSegments, Should_DropTheThumbnailOfALargeExifBlock) {
   EXPECT_EQ(read.Text(ExifDirectoryId::main, 270), "A description");
 }
 
+TEST(AssembleJpegSegments, Should_UseTheRoomOfTheThumbnail) {
+  ExifBlock block(test::BytesOf(test::MakeCameraBlock(ByteOrder::intel).bytes));
+  block.SetThumbnail(test::BytesOf(test::JpegThumbnail(60000, 't')));
+  const std::string text(7000, 'd');
+  block.SetText(ExifDirectoryId::main, 270, text);
+  Metadata metadata;
+  metadata.exif = block.Bytes();
+  ASSERT_GT(metadata.exif.size(), 65527U);
+  const Written written(metadata);
+  EXPECT_THAT(written.Losses(), ElementsAre(LossKind::thumbnail));
+  const ExifBlock read(test::BytesOf(written.Content(JpegBlock::exif)));
+  EXPECT_FALSE(read.IsDamaged());
+  EXPECT_EQ(read.Text(ExifDirectoryId::main, 270), text);
+}
+
 TEST(AssembleJpegSegments, Should_LoseAnExifBlock_When_ItIsLargeWithoutThumbnail) {
   Metadata metadata;
   ExifBlock block;

@@ -96,6 +96,8 @@ struct PictureOptions {
   bool writesWorldFile = false;
   /// What the output shall not have.
   MetadataEdit edit;
+  /// What pages of a TIFF file that are not changed shall lack too; empty for the strips of `edit`.
+  MetadataEdit editOfOthers;
   /// Pixels stay as stored; the orientation goes on to be stated.
   bool isAsStored = false;
   /// Nothing is written if the encoded pixels cannot be copied.

@@ -37,15 +37,16 @@ class PageArranger {
     return Run(jobs, [this](const Job& job) {
       const auto opened = opened_.find(job.input);
       // A file that cannot be read has one job, which says so.
-      Document one = opened == opened_.end() ? OpenDocument(job.input) : opened->second;
+      Document one = opened == opened_.end() ? Open(job.input) : opened->second;
       one.Select(std::vector<int>{job.page});
+      Strip(one, job);
       return SaveDocument(one, job, options_.picture, options_.output.dryRun);
     });
   }
 
   int WriteEach() {
-    if (options_.order.empty() && options_.removed.empty()) {
-      throw Failure(exitWrongUsage, "--in-place requires --order or --remove");
+    if (options_.order.empty() && options_.removed.empty() && !Strips()) {
+      throw Failure(exitWrongUsage, "--in-place requires --order, --remove or --strip");
     }
     const std::vector<Job> jobs = PlanJobs(options_.output);
     RequireTiff(jobs);
@@ -64,6 +65,24 @@ class PageArranger {
   }
 
  private:
+  bool Strips() const { return !options_.picture.edit.IsEmpty(); }
+
+  Document Open(const std::string& file) const {
+    PictureOptions reading;
+    // Pixels that need not be turned are copied.
+    reading.isAsStored = Strips();
+    return OpenDocument(file, reading);
+  }
+
+  void Strip(Document& document, const Job& job) const {
+    if (!Strips()) return;
+    DoWork(job, [&] {
+      for (int page = 1; page <= document.Pages(); ++page) {
+        document.Replace(page, OpenPage(document, page, job.input).Edit(options_.picture.edit));
+      }
+    });
+  }
+
   static void RequireTiff(const std::vector<Job>& jobs) {
     for (const Job& job : jobs) {
       if (job.type == PictureType::tiff || IsTiff(job.output)) continue;
@@ -83,7 +102,7 @@ class PageArranger {
     int count = 1;
     std::vector<int> pages = {1};
     try {
-      const Document document = OpenDocument(input);
+      const Document document = Open(input);
       count = document.Pages();
       pages = Chosen(document, input);
       opened_.emplace(input, document);
@@ -101,8 +120,9 @@ class PageArranger {
 
   JobResult Save(const std::vector<std::string>& inputs, const Job& job) const {
     Document document;
-    for (const std::string& input : inputs) document.Append(OpenDocument(input));
+    for (const std::string& input : inputs) document.Append(Open(input));
     document.Select(Chosen(document, job.input));
+    Strip(document, job);
     return SaveDocument(document, job, options_.picture, options_.output.dryRun);
   }
 

@@ -47,6 +47,10 @@ MetadataEdit StripsOf(const MetadataEdit& edit) {
   return strips;
 }
 
+MetadataEdit EditOfOthers(const PictureOptions& options) {
+  return options.editOfOthers.IsEmpty() ? StripsOf(options.edit) : options.editOfOthers;
+}
+
 std::vector<int> ChosenPages(const Job& job, const PictureOptions& options, int count) {
   std::vector<int> pages = PageList::Parse(options.pages).value().Of(count);
   std::sort(pages.begin(), pages.end());
@@ -69,18 +73,20 @@ JobResult ChangePages(Document document, const std::vector<int>& pages, const Jo
       document.Replace(page, work.picture);
       Append(said.notes, OfPage(page, work.notes));
       Append(said.warnings, OfPage(page, work.warnings));
+      Append(said.notCarriedOver, work.notCarriedOver);
       for (Loss loss : work.losses) {
         loss.what = fmt::format("page {}: {}", page, loss.what);
         said.losses.push_back(std::move(loss));
       }
     }
   });
-  const MetadataEdit strips = StripsOf(options.edit);
+  const MetadataEdit strips = EditOfOthers(options);
   if (!strips.IsEmpty()) StripOthers(document, pages, job, strips);
   JobResult result = SaveDocument(document, job, options, isDryRun);
   Append(result.notes, said.notes);
   Append(result.warnings, said.warnings);
   Append(result.losses, said.losses);
+  Append(result.notCarriedOver, said.notCarriedOver);
   return result;
 }
 

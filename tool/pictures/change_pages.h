@@ -13,6 +13,9 @@ std::vector<int> ChosenPages(const Job& job, const PictureOptions& options, int 
 /// What of an edit removes things: it must reach every page.
 MetadataEdit StripsOf(const MetadataEdit& edit);
 
+/// What the pages lack that are not changed themselves.
+MetadataEdit EditOfOthers(const PictureOptions& options);
+
 /// Changes these pages of a document, and strips the others if the options say so, then saves it or
 /// says what would be written. Throws Failure.
 JobResult ChangePages(Document document, const std::vector<int>& pages, const Job& job,

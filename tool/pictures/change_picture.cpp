@@ -25,6 +25,7 @@
 #include "tool/pages/page_list.h"
 #include "tool/pictures/change_pages.h"
 #include "tool/pictures/metafile_output.h"
+#include "tool/pictures/position_warnings.h"
 #include "tool/reports/geo_text.h"
 #include "tool/reports/loss_report.h"
 
@@ -267,6 +268,44 @@ void ChangeOne(PictureWork& work, const PictureChange& change) {
   AddFirstSteps(work);
   if (change) change(work);
   AddLastSteps(work);
+  if (!StripsPosition(work.options)) return;
+  for (std::string& text : WarningsOfMetadata(work.picture.GetMetadata())) {
+    work.warnings.push_back(std::move(text));
+  }
+}
+
+JobResult ChangeAny(const Job& job, const PictureOptions& options, bool isDryRun,
+                    const PictureChange& change) {
+  if (IsMetafileName(job.output)) return ConvertMetafile(job, options, isDryRun);
+  const bool isTiff = job.type.value_or(WritableType(job.output)) == PictureType::tiff;
+  std::optional<Picture> picture;
+  const bool strips = !EditOfOthers(options).IsEmpty();
+  if (job.page > 0) {
+    picture = OpenPage(OpenDocument(job.input, options), job.page, job.input);
+  } else if (PageList::Parse(options.pages).value().IsFirstPage() && !(isTiff && strips)) {
+    picture = OpenPicture(job.input, options);
+  } else {
+    const Document document = OpenDocument(job.input, options);
+    const std::vector<int> pages = ChosenPages(job, options, document.Pages());
+    if (isTiff && (pages.size() > 1 || strips) && document.Pages() > 1) {
+      return ChangePages(document, pages, job, options, isDryRun,
+                         [&](PictureWork& work) { ChangeOne(work, change); });
+    }
+    if (pages.size() > 1) {
+      throw Failure(exitWrongUsage,
+                    fmt::format("{}: holds one picture: give one page of {} with --page, a TIFF "
+                                "file as output, or --out-dir",
+                                job.output, job.input));
+    }
+    picture = OpenPage(document, pages.front(), job.input);
+  }
+  PictureWork work{std::move(*picture), job, options};
+  JobResult result;
+  DoWork(job, [&] {
+    ChangeOne(work, change);
+    result = isDryRun ? Plan(work) : Save(work);
+  });
+  return result;
 }
 
 }  // namespace
@@ -397,35 +436,11 @@ JobResult SaveDocument(const Document& document, const Job& job, const PictureOp
 
 JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDryRun,
                         const PictureChange& change) {
-  if (IsMetafileName(job.output)) return ConvertMetafile(job, options, isDryRun);
-  const bool isTiff = job.type.value_or(WritableType(job.output)) == PictureType::tiff;
-  std::optional<Picture> picture;
-  const bool strips = !StripsOf(options.edit).IsEmpty();
-  if (job.page > 0) {
-    picture = OpenPage(OpenDocument(job.input, options), job.page, job.input);
-  } else if (PageList::Parse(options.pages).value().IsFirstPage() && !(isTiff && strips)) {
-    picture = OpenPicture(job.input, options);
-  } else {
-    const Document document = OpenDocument(job.input, options);
-    const std::vector<int> pages = ChosenPages(job, options, document.Pages());
-    if (isTiff && (pages.size() > 1 || strips) && document.Pages() > 1) {
-      return ChangePages(document, pages, job, options, isDryRun,
-                         [&](PictureWork& work) { ChangeOne(work, change); });
-    }
-    if (pages.size() > 1) {
-      throw Failure(exitWrongUsage,
-                    fmt::format("{}: holds one picture: give one page of {} with --page, a TIFF "
-                                "file as output, or --out-dir",
-                                job.output, job.input));
-    }
-    picture = OpenPage(document, pages.front(), job.input);
+  JobResult result = ChangeAny(job, options, isDryRun, change);
+  if (!StripsPosition(options)) return result;
+  for (std::string& text : WarningsOfOtherFiles(job, result.backups)) {
+    result.warnings.push_back(std::move(text));
   }
-  PictureWork work{std::move(*picture), job, options};
-  JobResult result;
-  DoWork(job, [&] {
-    ChangeOne(work, change);
-    result = isDryRun ? Plan(work) : Save(work);
-  });
   return result;
 }
 

@@ -15,6 +15,7 @@
 #include "tool/command/output_type.h"
 #include "tool/command/shared_options.h"
 #include "tool/command/standard_input.h"
+#include "tool/pictures/change_pages.h"
 #include "tool/pictures/change_picture.h"
 #include "tool/pictures/photo_sections.h"
 #include "tool/reports/exif_report.h"
@@ -149,6 +150,7 @@ int Show(const std::vector<std::string>& files, bool json) {
 std::vector<Job> PlanPhotoJobs(const OutputOptions& output, bool isThumbnail) {
   std::vector<Job> jobs = PlanJobs(output);
   for (const Job& job : jobs) {
+    if (IsStandardStream(job.output)) continue;
     const PictureType type = WritableType(job.output);
     const bool holdsMetadata =
         type == PictureType::jpeg || type == PictureType::png || type == PictureType::tiff;
@@ -168,6 +170,9 @@ int Write(const OutputOptions& output, const ExifOptions& options, PictureOption
   picture.isAsStored = picture.copiesPixels = true;
   MetadataEdit edit = std::exchange(picture.edit, {});
   CheckEdit(edit);
+  // What is to be gone must not be left on another page.
+  picture.editOfOthers = StripsOf(edit);
+  picture.editOfOthers.remove = edit.remove;
   const std::vector<Job> jobs = PlanPhotoJobs(output, options.thumbnail);
   if (options.thumbnail) {
     return RunJobs(output, jobs, [&](const Job& job) { return TakeThumbnail(job, picture); });

@@ -24,6 +24,8 @@ namespace {
 
 struct GeoTiffOptions {
   OutputOptions output;
+  /// Its strips alone.
+  PictureOptions picture;
   /// Values as typed, already checked.
   std::string origin, pixelSize, worldFile;
   std::vector<std::string> points, at, atMap;
@@ -84,7 +86,6 @@ void AddPositionOptions(Verb& verb, GeoTiffOptions& options) {
                                   "map position of the top left corner of the top left pixel");
   const Option size = verb.Text("--pixel-size", "S|SX,SY", options.pixelSize, CheckPixelSize,
                                 "width and height of a pixel in map units");
-  origin.Needs(size);
   const Option point =
       verb.Texts("--point", "COLUMN,ROW=X,Y", options.points, CheckControlPoint,
                  "the place X,Y on the map of a place in the picture; COLUMN and ROW count from "
@@ -158,6 +159,10 @@ PlacementOptions PlacementOf(const GeoTiffOptions& options) {
     }
     return placement;
   }
+  // After the check of options that exclude each other, so that this is not said of --point.
+  if (options.pixelSize.empty()) {
+    throw Failure(exitWrongUsage, "--origin requires --pixel-size");
+  }
   const MapPoint origin = PointOf(options.origin), size = PointOf(options.pixelSize);
   constexpr double kHalf = 0.5;
   placement.given =
@@ -175,7 +180,8 @@ int Write(GeoTiffOptions options) {
   if (isOnePosition && !options.output.outDir.empty() && options.output.files.size() > 1) {
     throw Failure(exitWrongUsage, "one position cannot be used for several pictures");
   }
-  const PlacementOptions placement = PlacementOf(options);
+  PlacementOptions placement = PlacementOf(options);
+  placement.edit = options.picture.edit;
   const std::vector<Job> jobs = PlanJobs(options.output);
   return RunJobs(options.output, jobs,
                  [&](const Job& job) { return WriteGeoTiff(job, placement); });
@@ -204,6 +210,7 @@ VerbRunner AddGeoTiffVerb(CommandLine& line) {
   AddIsolate(verb);
   AddPositionOptions(verb, *options);
   AddQuestions(verb, *options);
+  AddStrip(verb, options->picture);
   return [options] { return IsQuestion(*options) ? Ask(*options) : Write(*options); };
 }
 

@@ -13,12 +13,13 @@ namespace rasterkit::tool {
 namespace {
 
 int Run(const ArrangeOptions& options) {
-  const bool isChange = !options.order.empty() || !options.removed.empty();
+  const bool isChange =
+      !options.order.empty() || !options.removed.empty() || !options.picture.edit.IsEmpty();
   const bool isQuestion =
       options.output.files.size() == 1 && options.output.outDir.empty() && !options.output.inPlace;
   if (!isQuestion) return ArrangePages(options);
   if (isChange) {
-    throw Failure(exitWrongUsage, "--order and --remove require an output, or --in-place");
+    throw Failure(exitWrongUsage, "--order, --remove and --strip require an output, or --in-place");
   }
   return ReportDocument(options.output.files[0], options.output.json);
 }
@@ -52,6 +53,7 @@ VerbRunner AddPagesVerb(CommandLine& line) {
                    "inputs alone");
   AddIsolate(verb);
   AddCompression(verb, options->picture);
+  AddStrip(verb, options->picture);
   AddThreads(verb, options->picture);
   return [options] {
     options->picture.showsProgress = !options->output.quiet && options->output.outDir.empty();

@@ -3,6 +3,8 @@
 #include <iterator>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include <rasterkit/metadata/edit/edit_metadata.h>
 #include <rasterkit/metadata/edit/exif_editor.h>
 #include <rasterkit/metadata/edit/exif_tag_table.h>
@@ -14,6 +16,8 @@
 #include <rasterkit/metadata/edit/xmp_setting.h>
 #include <rasterkit/metadata/exif_places.h>
 #include <rasterkit/metadata/exif_resolution.h>
+#include <rasterkit/metadata/jpeg_names.h>
+#include <rasterkit/metadata/jpeg_segments.h>
 #include <rasterkit/metadata/xmp/xmp_names.h>
 #include <rasterkit/metadata/xmp/xmp_packet.h>
 #include <rasterkit/runtime/errors.h>
@@ -265,6 +269,20 @@ void SetTags(Metadata& metadata, const std::vector<TagSetting>& settings,
   }
 }
 
+/// An edit that a JPEG file cannot hold would cost the whole block.
+void CheckRoom(const Metadata& metadata, const MetadataEdit& edit, const EditedPicture& picture) {
+  const bool adds = edit.copy || !edit.set.empty() || edit.gps || edit.date;
+  const size_t most = kMostJpegPayload - kExifName.size();
+  if (!adds || picture.format != EditedPicture::Format::jpeg || metadata.exif.size() <= most) {
+    return;
+  }
+  ExifBlock exif(metadata.exif);
+  exif.ShrinkTo(most);
+  if (exif.Bytes().size() <= most) return;
+  throw RangeError(fmt::format("EXIF: the block would have {} bytes, and a JPEG file holds {}",
+                               exif.Bytes().size(), most));
+}
+
 /// Cameras can write coordinates into their notes, in forms that only they know.
 void NoteMakerNote(const Metadata& metadata, Changes& changes) {
   if (metadata.exif.empty() || !ExifBlock(metadata.exif).Has(Id::exif, exif::kMakerNote)) return;
@@ -306,6 +324,7 @@ void EditMetadata(Metadata& metadata, const MetadataEdit& edit, const EditedPict
   SetTags(metadata, edit.set, picture);
   if (edit.gps) SetPosition(metadata, *edit.gps, picture);
   if (edit.date) SetDate(metadata, *edit.date, picture);
+  CheckRoom(metadata, edit, picture);
 }
 
 }  // namespace rasterkit

@@ -269,7 +269,25 @@ void CheckLetter(const ExifTagFact& fact, std::string_view text) {
   }
 }
 
+/// Degrees, minutes and seconds.
+double DegreesOf(const TagValue& value) {
+  constexpr size_t kFraction = 8;
+  constexpr double kSixty = 60;
+  double degrees = 0, unit = 1;
+  for (size_t at = 0; at + kFraction <= value.bytes.size(); at += kFraction) {
+    const detail::OrderedBytes parts(value.bytes, false);
+    degrees += static_cast<double>(parts.Long(at)) / static_cast<double>(parts.Long(at + 4)) / unit;
+    unit *= kSixty;
+  }
+  return degrees;
+}
+
 void CheckRange(const ExifTagFact& fact, const TagValue& value) {
+  constexpr uint16_t kLatitude = 2, kLatitudeOfTarget = 20;
+  constexpr double kPole = 90;
+  const bool isLatitude = fact.directory == ExifDirectoryId::gps &&
+                          (fact.tag == kLatitude || fact.tag == kLatitudeOfTarget);
+  if (isLatitude && DegreesOf(value) > kPole) throw RangeError("a latitude is at most 90 degrees");
   constexpr uint16_t kOrientation = 274, kPositions = 8;
   const bool isOrientation = fact.directory == ExifDirectoryId::main && fact.tag == kOrientation;
   if (isOrientation && (value.bytes[0] < 1 || value.bytes[0] > kPositions || value.bytes[1] > 0)) {

@@ -39,10 +39,15 @@ constexpr PlaceName kNames[] = {
 /// Drones write "GpsLongtitude" too.
 constexpr std::string_view kParts[] = {"latitude", "longitude", "longtitude", "altitude"};
 
+/// What programs for maps and panoramas write.
+constexpr std::string_view kShortNames[] = {"lat", "lon", "lng", "long", "geopoint"};
+
 bool IsCoordinate(const XmpName& name) {
   if (name.uri == kGeo) return true;
   const std::string local = LowerCase(name.local);
-  if (local.starts_with("gps")) return true;
+  const bool isShort =
+      std::find(std::begin(kShortNames), std::end(kShortNames), local) != std::end(kShortNames);
+  if (isShort || local.starts_with("gps")) return true;
   return std::any_of(std::begin(kParts), std::end(kParts),
                      [&](std::string_view part) { return local.find(part) != std::string::npos; });
 }

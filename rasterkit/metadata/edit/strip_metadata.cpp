@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <rasterkit/metadata/edit/exif_editor.h>
+#include <rasterkit/metadata/edit/metadata_items.h>
 #include <rasterkit/metadata/edit/strip_metadata.h>
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/exif_places.h>
@@ -116,6 +117,12 @@ void StripThumbnails(Metadata& metadata) {
 
 void StripMakerNote(Metadata& metadata, Changes& changes) {
   std::erase_if(metadata.tiffTags, [](const TagValue& tag) { return tag.tag == kPrivateNote; });
+  for (std::string* text : {&metadata.xmp, &metadata.extendedXmp}) {
+    if (text->empty()) continue;
+    XmpPacket packet(*text);
+    if (packet.Remove(xmp_name::kExif, "MakerNote")) *text = packet.Text();
+  }
+  RemoveItems(metadata, {"makernote"});
   if (metadata.exif.empty()) return;
   ExifBlock exif(std::exchange(metadata.exif, {}));
   if (exif.IsDamaged()) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <rasterkit/metadata/edit/iptc_records.h>
+#include <rasterkit/metadata/edit/metadata_items.h>
 #include <rasterkit/metadata/edit/places_in_xmp.h>
 #include <rasterkit/metadata/edit/strip_position.h>
 #include <rasterkit/metadata/exif_block.h>
@@ -314,6 +315,7 @@ void StripPosition(Metadata& metadata, Changes& changes) {
   StripOthers(metadata.jpegSegments, patterns, changes);
   StripOthers(metadata.pngChunks, patterns, changes);
   StripTiffTags(metadata.tiffTags, patterns);
+  detail::RemoveItems(metadata, {"gps", "latitude", "longitude"});
   std::erase_if(metadata.texts, IsPlaceText);
   // Copies that other programs have left.
   ErasePatterns(metadata.exif, patterns);

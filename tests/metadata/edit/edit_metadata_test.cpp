@@ -64,6 +64,18 @@ class EditMetadataTest : public testing::TestWithParam<ByteOrder> {
     return block.find(bytes) != std::string::npos;
   }
 
+  /// GDAL's tag with one more item.
+  static TagValue Items(const std::string& name, const std::string& value) {
+    std::string text = "<GDALMetadata>\n<Item name=\"" + name + "\" domain=\"EXIF\">" + value +
+                       "</Item>\n<Item name=\"EXIF_Model\">cam</Item>\n</GDALMetadata>\n";
+    text += '\0';
+    return {42112, 2, text.size(), BytesOf(text)};
+  }
+  std::string ItemsText() const {
+    const std::vector<uint8_t>& bytes = metadata_.tiffTags.at(0).bytes;
+    return {bytes.begin(), bytes.end()};
+  }
+
   CameraBlock camera_;
   Metadata metadata_;
   EditedPicture jpeg_{EditedPicture::Format::jpeg, 4000, 3000, false};
@@ -339,6 +351,63 @@ TEST_P(EditMetadataTest, StripAll_Should_KeepTheAspect_When_FileIsTiff) {
     EXPECT_EQ(kept.Get(Id::main, kUnit), ExifBlock(exif).Get(Id::main, kUnit));
     EXPECT_EQ(kept.All(Id::main).size(), 3u);
   }
+}
+
+TEST_P(EditMetadataTest, StripMakerNote_Should_RemoveItsCopies) {
+  metadata_.xmp = Packet("<exif:MakerNote>TUFLRVI=</exif:MakerNote><exif:FNumber>4</exif:FNumber>");
+  metadata_.tiffTags = {Items("EXIF_MakerNote", "note")};
+  MetadataEdit edit;
+  edit.stripMakerNote = true;
+  Edit(edit);
+  EXPECT_THAT(metadata_.xmp, Not(HasSubstr("MakerNote")));
+  EXPECT_THAT(metadata_.xmp, HasSubstr("FNumber"));
+  EXPECT_THAT(ItemsText(), Not(HasSubstr("MakerNote")));
+  EXPECT_THAT(ItemsText(), HasSubstr("EXIF_Model"));
+}
+
+TEST_P(EditMetadataTest, StripGps_Should_RemoveItemsOfTiffFiles) {
+  metadata_.tiffTags = {Items("EXIF_GPSLatitude", "(47) (21)")};
+  MetadataEdit edit;
+  edit.stripGps = true;
+  Edit(edit);
+  ASSERT_EQ(metadata_.tiffTags.size(), 1u);
+  std::string expected = "<GDALMetadata>\n<Item name=\"EXIF_Model\">cam</Item>\n</GDALMetadata>\n";
+  expected += '\0';
+  EXPECT_EQ(ItemsText(), expected);
+  EXPECT_EQ(metadata_.tiffTags[0].count, metadata_.tiffTags[0].bytes.size());
+  edit.stripGps = false;
+  edit.stripAll = true;
+  Edit(edit);
+  EXPECT_TRUE(metadata_.tiffTags.empty());
+}
+
+TEST_P(EditMetadataTest, StripGps_Should_KnowShortNamesInXmp) {
+  for (const char* name : {"lat", "Lon", "lng", "GeoPoint"}) {
+    const std::string tag = std::string("drone:") + name;
+    metadata_.xmp = Packet("<" + tag + ">48.137</" + tag + "><drone:Lattice>1</drone:Lattice>");
+    MetadataEdit edit;
+    edit.stripGps = true;
+    Edit(edit);
+    EXPECT_THAT(metadata_.xmp, Not(HasSubstr("48.137"))) << name;
+    EXPECT_THAT(metadata_.xmp, HasSubstr("Lattice"));
+  }
+}
+
+TEST_P(EditMetadataTest, Set_Should_RefuseABlockThatExceedsASegment) {
+  EXPECT_THAT(Refusal("ImageDescription", std::string(65600, 'd')), HasSubstr("65527"));
+  metadata_.exif = BytesOf(camera_.bytes);
+  // Room comes from the thumbnail.
+  const size_t room = 65527 - metadata_.exif.size();
+  EXPECT_EQ(Refusal("ImageDescription", std::string(room + 40, 'd')), "");
+  jpeg_.format = EditedPicture::Format::tiff;
+  EXPECT_EQ(Refusal("ImageDescription", std::string(65600, 'd')), "");
+}
+
+TEST_P(EditMetadataTest, Set_Should_RefuseALatitudeBeyondThePole) {
+  EXPECT_THAT(Refusal("GPSLatitude", "150"), HasSubstr("90"));
+  EXPECT_THAT(Refusal("GPSDestLatitude", "90 0 1"), HasSubstr("90"));
+  EXPECT_EQ(Refusal("GPSLatitude", "90"), "");
+  EXPECT_EQ(Refusal("GPSLongitude", "150"), "");
 }
 
 TEST_P(EditMetadataTest, StripAll_Should_KeepWhatBelongsToThePixels) {

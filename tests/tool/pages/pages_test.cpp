@@ -220,20 +220,38 @@ TEST_F(CliPages, AllPages_Should_BeKept_When_AFileIsConverted) {
 }
 
 TEST_F(CliPages, Metadata_Should_BeGoneFromAllPages_When_TheyAreStripped) {
-  const ToolResult result = RunTool({"convert", In("in.tif"), In("out.tif"), "--strip"});
-  EXPECT_EQ(result.code, 0) << result.err;
-  const auto before = PagesOf(ReadRawPages(In("in.tif"))),
-             after = PagesOf(ReadRawPages(In("out.tif")));
-  ASSERT_EQ(after.size(), 5U);
+  const auto before = PagesOf(ReadRawPages(In("in.tif")));
   constexpr uint16_t kDescription = 270, kArtist = 315, kExif = 34665;
-  EXPECT_TRUE(before[0][0].tags.contains(kDescription) && before[4][0].tags.contains(kArtist));
-  for (size_t i = 0; i < 5; ++i) {
-    EXPECT_EQ(after[i][0].blocks, before[i][0].blocks);
-    EXPECT_FALSE(after[i][0].tags.contains(kDescription));
-    EXPECT_FALSE(after[i][0].tags.contains(kArtist));
-    EXPECT_FALSE(after[i][0].below.contains(kExif));
+  ASSERT_TRUE(before[0][0].tags.contains(kDescription) && before[4][0].tags.contains(kArtist));
+  const std::vector<std::vector<std::string>> lines = {
+      {"convert"}, {"exif"}, {"pages"}, {"geotiff", "--origin", "7,8", "--pixel-size", "2"}};
+  for (std::vector<std::string> line : lines) {
+    SCOPED_TRACE(line[0]);
+    line.insert(line.end(), {"--strip", "--overwrite", In("in.tif"), In("out.tif")});
+    const ToolResult result = RunTool(line);
+    EXPECT_EQ(result.code, 0) << result.err;
+    const auto after = PagesOf(ReadRawPages(In("out.tif")));
+    ASSERT_EQ(after.size(), 5U);
+    for (size_t i = 0; i < 5; ++i) {
+      EXPECT_EQ(after[i][0].blocks, before[i][0].blocks);
+      EXPECT_FALSE(after[i][0].tags.contains(kDescription));
+      EXPECT_FALSE(after[i][0].tags.contains(kArtist));
+      EXPECT_FALSE(after[i][0].below.contains(kExif));
+    }
+    EXPECT_EQ(TextOf(In("out.tif")).find("an artist"), std::string::npos);
   }
+}
+
+TEST_F(CliPages, Tag_Should_BeGoneFromAllPages_When_ItIsRemoved) {
+  ASSERT_NE(TextOf(In("in.tif")).find("an artist"), std::string::npos);
+  const ToolResult result =
+      RunTool({"exif", "--remove", "Artist", "--set", "Copyright=me", In("in.tif"), In("out.tif")});
+  EXPECT_EQ(result.code, 0) << result.err;
   EXPECT_EQ(TextOf(In("out.tif")).find("an artist"), std::string::npos);
+  constexpr uint16_t kCopyright = 33432;
+  const auto pages = PagesOf(ReadRawPages(In("out.tif")));
+  EXPECT_TRUE(pages[0][0].tags.contains(kCopyright));
+  EXPECT_FALSE(pages[4][0].tags.contains(kCopyright));
 }
 
 TEST_F(CliPages, Memory_Should_StaySmall_When_ThereAreManyPages) {

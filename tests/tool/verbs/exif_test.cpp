@@ -1,5 +1,9 @@
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <rasterkit/metadata/exif_block.h>
 
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
@@ -403,6 +407,46 @@ TEST_F(CliExif, Strip_Should_TakeManyFiles) {
   EXPECT_EQ(JsonLines(result.out).size(), 2u);
   EXPECT_EQ(Text(folder_ / "clean/b.jpg"), Text(second));
   EXPECT_LT(Text(folder_ / "clean/a.jpg").size(), Text(first).size());
+}
+
+// ---- edits
+
+TEST_F(CliExif, Edit_Should_WriteNothing_When_TheBlockExceedsASegment) {
+  const std::string photo =
+      Photo({ExifSection(Writer().Tiff({Writer().Ascii(271, std::string(30000, 'c'))}))});
+  const ToolResult result =
+      RunTool({"exif", "--set", "ImageDescription=" + std::string(62000, 'd'), photo, output_});
+  EXPECT_EQ(result.code, 4) << result.err;
+  EXPECT_THAT(result.err, HasSubstr("65527"));
+  EXPECT_FALSE(std::filesystem::exists(output_));
+}
+
+TEST_F(CliExif, StripGps_Should_WarnOfWhatStillStatesThePosition) {
+  const std::string comment = std::string("ASCII\0\0\0", 8) + "{\"lat\":48.1}";
+  ExifBlock block;
+  constexpr uint16_t kUndefined = 7;
+  for (const auto& [tag, text] :
+       {std::pair<uint16_t, std::string>{37500, "a camera's note"}, {37510, comment}}) {
+    block.Set(ExifDirectoryId::exif, {tag, kUndefined, text.size(), {text.begin(), text.end()}});
+  }
+  const std::vector<uint8_t>& bytes = block.Bytes();
+  const std::string photo = Photo({ExifSection(std::string(bytes.begin(), bytes.end()))});
+  WriteText(photo + ".aux.xml", "<MDI key=\"EXIF_GPSLatitude\">(48) (8) (30)</MDI>");
+  WriteText(folder_ / "photo.xmp", "<rdf:Description exif:GPSLatitude=\"48,8.5N\"/>");
+  const ToolResult result = RunTool({"exif", "--strip-gps", "--in-place", photo});
+  EXPECT_EQ(result.code, 0) << result.err;
+  for (const char* text : {"photo.jpg.aux.xml: ", "photo.xmp: ", "photo.jpg~: ", "maker note",
+                           "comment of the EXIF block"}) {
+    EXPECT_THAT(result.err, HasSubstr(text));
+  }
+}
+
+TEST_F(CliExif, Edit_Should_WriteToStdout) {
+  const std::string photo = Photo({Exif()});
+  const ToolResult result = RunTool({"exif", "--set", "Artist=a person", photo, "-"});
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_THAT(result.out, testing::StartsWith("\xFF\xD8"));
+  EXPECT_THAT(result.out, HasSubstr("a person"));
 }
 
 // ---- usage

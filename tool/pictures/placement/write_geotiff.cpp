@@ -21,6 +21,7 @@ void RequirePosition(const PictureWork& work) {
 JobResult WriteGeoTiff(const Job& job, const PlacementOptions& options) {
   PictureOptions reading;
   reading.worldFile = options.worldFile;
+  reading.edit = options.edit;
   JobResult result = ChangePicture(job, reading, false, [&](PictureWork& work) {
     if (options.given) {
       work.picture.Apply(PlaceStep{*options.given});

@@ -16,6 +16,8 @@ struct PlacementOptions {
   std::optional<PlacedByPoints> placedBy = std::nullopt;
   /// Name of a world file; empty for the one beside each picture.
   std::string worldFile;
+  /// What the output shall not have.
+  MetadataEdit edit = {};
 };
 
 /// Writes the job's input upright with its position: in the tags of a TIFF file, else in a world
