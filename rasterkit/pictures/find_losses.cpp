@@ -56,6 +56,12 @@ void LosePosition(const Placement& placement, const LossTarget& target, Changes&
   }
 }
 
+/// Another statement of the position stands for one that is not read.
+void LoseUnreadPosition(const PictureHeader& header, const Placement& placement, Changes& changes) {
+  if (header.unreadPosition.empty() || placement.affine) return;
+  changes.Lose(LossKind::position, header.unreadPosition, "it is not read");
+}
+
 void LoseTiles(const Form& form, const LossTarget& target, Changes& changes) {
   const auto* tiff = std::get_if<TiffForm>(&form);
   if (tiff == nullptr || tiff->tileWidth == 0 || target.type == PictureType::tiff) return;
@@ -96,6 +102,7 @@ Changes LossesOf(const PictureSource& source, const PictureState& state, const L
   LoseHidden(source.Header(), target, changes);
   LoseExtraPages(source, state, target, changes);
   LosePosition(state.placement, target, changes);
+  LoseUnreadPosition(source.Header(), state.placement, changes);
   LoseTiles(source.Header().form, target, changes);
   return changes;
 }

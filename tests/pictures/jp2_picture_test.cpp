@@ -35,6 +35,11 @@ using testing::IsEmpty;
 
 constexpr uint32_t kSrgb = 16;
 
+ByteList LabelOfGml() {
+  const std::string_view label = "gml.data";
+  return BoxOfJp2("asoc", BoxOfJp2("lbl ", ByteList(label.begin(), label.end())));
+}
+
 TagValue Doubles(uint16_t tag, const std::vector<double>& numbers) {
   TagValue value{tag, 12, numbers.size(), {}};
   value.bytes.resize(8 * numbers.size());
@@ -104,6 +109,23 @@ TEST(Jp2Picture, Everything_Should_GoAlong) {
                 picture.GetPlacement().system.Description());
     }
   }
+}
+
+TEST(Jp2Picture, Position_Should_BeLost_When_GmlAloneStatesIt) {
+  const TempFolder folder;
+  const std::string file =
+      folder.Write("gml.jp2", FileOfJp2(EncodeCodestream({}), ColorBox(kSrgb), LabelOfGml()));
+  for (const Isolation isolation : {Isolation::none, Isolation::process}) {
+    OpenOptions options;
+    options.isolation = isolation;
+    const Report report = Picture::Open(file, options).Save(folder / "out.tif");
+    ASSERT_EQ(report.losses.size(), 1u);
+    EXPECT_EQ(report.losses[0].kind, LossKind::position);
+    EXPECT_THAT(report.losses[0].what, HasSubstr("GML"));
+  }
+  // A world file states it, too.
+  folder.Write("gml.j2w", std::string_view("2\n0\n0\n-2\n1001\n1999\n"));
+  EXPECT_THAT(Picture::Open(file).Save(folder / "out.tif").losses, IsEmpty());
 }
 
 TEST(Jp2Picture, Position_Should_BeThatOfTheWorldFile) {

@@ -41,12 +41,14 @@ std::string UsualName(const OutputOptions& options, const std::string& input) {
   return ChangeFileExt(name, (hasDot ? "" : ".") + options.type);
 }
 
-void RequireWritableType(const std::string& output, bool takesMetafiles) {
+/// `remedy` is empty or stands behind the message.
+void RequireWritableType(const std::string& output, bool takesMetafiles,
+                         const std::string& remedy) {
   if (WritableType(output) != PictureType::unknown) return;
   if (takesMetafiles && IsMetafileName(output)) return;
   throw Failure(exitWrongUsage,
                 output + ": the name must end in .bmp, .jpg, .jpeg, .png, .tif or .tiff, not in '" +
-                    ExtractFileExt(output) + "'");
+                    ExtractFileExt(output) + "'" + remedy);
 }
 
 void RequireExtension(const std::string& output, const std::string& extension) {
@@ -342,10 +344,12 @@ std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyE
                           : options.outDir.empty() ? PlanSingle(options)
                                                    : PlanFolder(options);
   RequireSensibleStreams(options, jobs);
+  const bool keepsTypes = !options.outDir.empty() && options.type.empty() && options.verb != "exif";
+  const char* const remedy = keepsTypes ? " (--format chooses the type)" : "";
   for (const Job& job : jobs) {
     if (IsStandardStream(job.output)) continue;
     if (onlyExtension.empty()) {
-      RequireWritableType(job.output, options.takesMetafiles);
+      RequireWritableType(job.output, options.takesMetafiles, remedy);
     } else {
       RequireExtension(job.output, onlyExtension);
     }
@@ -355,7 +359,7 @@ std::vector<Job> PlanJobs(const OutputOptions& options, const std::string& onlyE
 }
 
 void CheckOutputs(const std::vector<Job>& jobs) {
-  for (const Job& job : jobs) RequireWritableType(job.output, false);
+  for (const Job& job : jobs) RequireWritableType(job.output, false, {});
   RequireDistinctOutputs(jobs);
 }
 

@@ -4,11 +4,13 @@
 
 #include <fmt/core.h>
 
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/unsized_picture.h>
 #include <rasterkit/metadata/edit/exif_tag_table.h>
 #include <rasterkit/metadata/edit/exif_value_text.h>
 #include <rasterkit/metadata/jpeg_segments.h>
+#include <rasterkit/pictures/picture.h>
 #include <rasterkit/pictures/reading/photo_facts.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
@@ -16,6 +18,7 @@
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
+#include "tool/command/isolation_option.h"
 #include "tool/command/limit_options.h"
 #include "tool/command/standard_input.h"
 #include "tool/pictures/photo_sections.h"
@@ -52,6 +55,8 @@ void RequireMetadata(PictureType type) {
     case PictureType::png:
     case PictureType::tiff:
     case PictureType::webp:
+    case PictureType::heif:
+    case PictureType::jp2:
       return;
     case PictureType::unknown:
       throw FormatError("this is no picture file");
@@ -115,18 +120,35 @@ void TakeJpeg(ExifFacts& facts, const std::vector<uint8_t>& jpeg) {
   TakeExif(facts, FindExif(jpeg));
 }
 
+void TakeMetadata(ExifFacts& facts, const Metadata& metadata) {
+  facts.photo = FactsOf(metadata);
+  for (const PictureText& text : metadata.texts) {
+    if (text.keyword == "Comment") facts.comments.push_back(Trim(text.text));
+  }
+  for (const std::string& comment : metadata.comments) facts.comments.push_back(Trim(comment));
+  TakeExif(facts, metadata.exif);
+}
+
+/// HEIC and JPEG 2000: pictures are turned by the file itself.
+void TakePicture(ExifFacts& facts, std::vector<uint8_t> bytes) {
+  OpenOptions options;
+  options.isolation = ReadingIsolation();
+  const Picture picture = Picture::Open(std::move(bytes), options);
+  facts.width = picture.Width();
+  facts.height = picture.Height();
+  TakeMetadata(facts, picture.GetMetadata());
+}
+
 void TakeOther(ExifFacts& facts, std::vector<uint8_t> bytes, PictureType type) {
+  const Codec* const codec = FindCodec(type);
+  if (codec != nullptr && codec->IsForPicturesOnly()) return TakePicture(facts, std::move(bytes));
   TMemoryStream stream(std::move(bytes));
   const PictureHeader header = ReadPictureHeader(stream, type);
   facts.width = header.width;
   facts.height = header.height;
-  facts.photo = FactsOf(header.metadata);
+  TakeMetadata(facts, header.metadata);
   if (header.orientation) facts.photo.orientation = header.orientation;
-  facts.warnings = header.warnings;
-  for (const PictureText& text : header.metadata.texts) {
-    if (text.keyword == "Comment") facts.comments.push_back(Trim(text.text));
-  }
-  TakeExif(facts, header.metadata.exif);
+  facts.warnings.insert(facts.warnings.begin(), header.warnings.begin(), header.warnings.end());
 }
 
 }  // namespace

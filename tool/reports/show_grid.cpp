@@ -164,9 +164,10 @@ int SayNoGrid(const GridQuestions& questions, const TiffFacts& facts) {
   if (questions.json) {
     PrintJson(questions.file, "", JsonObject().Add("grid", "none"));
   } else {
-    const std::string found = facts.width == 0
-                                  ? "not a TIFF file; to place a picture on a map, add an output"
-                                  : SamplesText(facts);
+    const std::string found =
+        facts.width == 0
+            ? "neither a TIFF nor a JPEG 2000 file; to place a picture on a map, add an output"
+            : SamplesText(facts);
     fmt::print("{}: no grid of numbers ({})\n", OnOneLine(questions.file), found);
   }
   return exitAnswerIsNo;

@@ -54,7 +54,7 @@ VerbRunner AddRotateVerb(CommandLine& line) {
         "follow.",
         "--north-up turns a picture that is placed on a map so that its columns run east and its "
         "rows south.",
-        "--deskew finds the angle of a scanned plan or text, up to 15 degrees, and turns it "
+        "--deskew finds the angle of a scanned plan or text, less than 15 degrees, and turns it "
         "straight. "
         "A scan that lies straight within 0.05 degrees, and a picture without straight lines such "
         "as "

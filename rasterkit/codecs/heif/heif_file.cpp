@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <limits>
 
 #include <fmt/format.h>
@@ -9,10 +10,17 @@
 
 namespace rasterkit::detail {
 
+std::string PlainText(std::string_view message) {
+  // Behind some messages stand bytes that are no text.
+  const auto end =
+      std::find_if(message.begin(), message.end(), [](char c) { return c < ' ' || c > '~'; });
+  return {message.begin(), end};
+}
+
 void RequireHeif(const heif_error& error) {
   if (error.code == heif_error_Ok) return;
-  const std::string text =
-      fmt::format("HEIF: {}", error.message != nullptr ? error.message : "the file is damaged");
+  const std::string text = fmt::format(
+      "HEIF: {}", error.message != nullptr ? PlainText(error.message) : "the file is damaged");
   if (error.code == heif_error_Memory_allocation_error) throw LimitError(text);
   if (error.code == heif_error_Unsupported_feature ||
       error.code == heif_error_Unsupported_filetype) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <rasterkit/codecs/heif/heif_library.h>
@@ -11,6 +12,9 @@
 #include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit::detail {
+
+/// A message of the library up to the first byte that is not printable ASCII.
+std::string PlainText(std::string_view message);
 
 /// Throws the error of a call for a failed one: LimitError for sizes and memory, UnsupportedError
 /// for what the library lacks, else FormatError.

@@ -67,7 +67,10 @@ class FileReader {
       ReadBoxes(Jp2Boxes(stream_, begin, end));
     }
     if (codestreamBytes_ == 0) Fail("the file has no codestream");
-    if (isGml_ && file_.geoTiff.empty()) Warn("a position in GML data is not read");
+    if (isGml_ && file_.geoTiff.empty()) {
+      Warn("a position in GML data is not read");
+      file_.unreadPosition = "map position in GML data";
+    }
     file_.codestream = ReadJp2Codestream(stream_, codestreamAt_, codestreamBytes_);
     return std::move(file_);
   }

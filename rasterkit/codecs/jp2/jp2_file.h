@@ -65,6 +65,8 @@ struct Jp2File {
   std::vector<uint8_t> iptc;
   /// Boxes that have no place elsewhere.
   std::vector<std::string> others;
+  /// Name of a position that is not read.
+  std::string unreadPosition;
   std::vector<std::string> warnings;
 };
 

@@ -15,7 +15,7 @@ namespace rasterkit::detail {
 namespace {
 
 constexpr size_t kBufferBytes = size_t{1} << 20;
-constexpr size_t kMostMessages = 20;
+constexpr size_t kMostMessages = 1000, kMostKinds = 5;
 
 uint32_t StepsUp(uint32_t place, uint32_t step) {
   return place / step + (place % step != 0);
@@ -73,6 +73,17 @@ void Collect(const char* message, void* data) {
   std::string text(message);
   while (!text.empty() && (text.back() == '\n' || text.back() == '.')) text.pop_back();
   if (texts.size() < kMostMessages) texts.push_back(std::move(text));
+}
+
+/// Messages that differ in their numbers alone.
+struct MessageKind {
+  std::string shape, first;
+  size_t count = 0;
+};
+
+std::string ShapeOf(std::string text) {
+  std::erase_if(text, [](char c) { return (c >= '0' && c <= '9') || c == '-'; });
+  return text;
 }
 
 struct StreamEnd {
@@ -197,6 +208,7 @@ struct Jp2TileReader::State {
   bool Place(Jp2Tile& tile, uint32_t index);
   void CheckImage() const;
   void TakeMessages();
+  void ReportDamage();
   [[noreturn]] void Throw(const char* otherwise) const;
   void RethrowOfStream() const {
     if (source.error) std::rethrow_exception(source.error);
@@ -206,6 +218,7 @@ struct Jp2TileReader::State {
   CodecReport& report;
   Source source;
   std::vector<std::string> warnings, errors;
+  std::vector<MessageKind> damage;
   std::unique_ptr<opj_stream_t, StreamEnd> stream;
   std::unique_ptr<opj_codec_t, CodecEnd> codec;
   std::unique_ptr<opj_image_t, ImageEnd> image;
@@ -295,14 +308,28 @@ bool Jp2TileReader::State::Place(Jp2Tile& tile, uint32_t index) {
 void Jp2TileReader::State::TakeMessages() {
   for (const auto* texts : {&warnings, &errors}) {
     for (const std::string& text : *texts) {
-      const std::string whole = "JPEG 2000: " + text;
-      const auto& known = report.damage;
-      const bool isNew = std::find(known.begin(), known.end(), whole) == known.end();
-      if (isNew && known.size() < kMostMessages) report.AddDamage(whole);
+      const std::string shape = ShapeOf(text);
+      const auto known = std::find_if(damage.begin(), damage.end(),
+                                      [&](const MessageKind& kind) { return kind.shape == shape; });
+      if (known != damage.end()) {
+        ++known->count;
+      } else if (damage.size() < kMostKinds) {
+        damage.push_back({shape, text, 1});
+      }
     }
   }
   warnings.clear();
   errors.clear();
+}
+
+/// The library says the same of each code block that is cut off.
+void Jp2TileReader::State::ReportDamage() {
+  for (const MessageKind& kind : damage) {
+    std::string text = "JPEG 2000: " + kind.first;
+    if (kind.count > 1) text += fmt::format(" ({} messages of this kind)", kind.count);
+    report.AddDamage(std::move(text));
+  }
+  damage.clear();
 }
 
 Jp2TileReader::Jp2TileReader(TStream& stream, const Jp2Codestream& codestream, int threads,
@@ -331,6 +358,7 @@ bool Jp2TileReader::Next(Jp2Tile& tile) {
     if (isDecoded && state_->Place(tile, index)) return true;
   }
   state_->TakeMessages();
+  state_->ReportDamage();
   return false;
 }
 

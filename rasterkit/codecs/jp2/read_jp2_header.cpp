@@ -43,6 +43,7 @@ PictureHeader ReadJp2Header(TStream& stream) {
   header.metadata.iptc = std::move(file.iptc);
   header.metadata.comments = std::move(file.codestream.comments);
   header.hiddenOthers = std::move(file.others);
+  header.unreadPosition = std::move(file.unreadPosition);
   header.warnings = std::move(file.warnings);
   header.warnings.insert(header.warnings.end(), plan.warnings.begin(), plan.warnings.end());
   TakePosition(file, header);

@@ -170,8 +170,8 @@ PixelLayout ReadLayout(FieldReader& fields) {
 
 void WriteHeader(FieldWriter& fields, const PictureHeader& header) {
   const auto& [width, height, layout, form, metadata, orientation, pages, frames, smallerCopies,
-               masks, positionTags, hiddenCopies, hiddenOthers, trailerAt, isCutOff, warnings] =
-      header;
+               masks, positionTags, hiddenCopies, hiddenOthers, unreadPosition, trailerAt, isCutOff,
+               warnings] = header;
   fields.I32(width);
   fields.I32(height);
   WriteLayout(fields, layout);
@@ -182,6 +182,7 @@ void WriteHeader(FieldWriter& fields, const PictureHeader& header) {
   WriteTags(fields, positionTags);
   WriteNames(fields, hiddenCopies);
   WriteNames(fields, hiddenOthers);
+  fields.ByteText(unreadPosition);
   fields.U64(trailerAt);
   fields.Bool(isCutOff);
   WriteWarnings(fields, warnings);
@@ -190,7 +191,8 @@ void WriteHeader(FieldWriter& fields, const PictureHeader& header) {
 PictureHeader ReadHeader(FieldReader& fields) {
   PictureHeader header;
   auto& [width, height, layout, form, metadata, orientation, pages, frames, smallerCopies, masks,
-         positionTags, hiddenCopies, hiddenOthers, trailerAt, isCutOff, warnings] = header;
+         positionTags, hiddenCopies, hiddenOthers, unreadPosition, trailerAt, isCutOff, warnings] =
+      header;
   width = ReadCount(fields);
   height = ReadCount(fields);
   layout = ReadLayout(fields);
@@ -201,6 +203,7 @@ PictureHeader ReadHeader(FieldReader& fields) {
   positionTags = ReadTags(fields);
   hiddenCopies = ReadNames(fields);
   hiddenOthers = ReadNames(fields);
+  unreadPosition = fields.ByteText(kMostNameBytes);
   trailerAt = fields.U64();
   isCutOff = fields.Bool();
   warnings = ReadWarnings(fields);

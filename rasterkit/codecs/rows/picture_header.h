@@ -33,6 +33,8 @@ struct PictureHeader {
   /// Hidden copies of the picture and other things behind its end, by name: "preview of the MPF
   /// index", "video of 2.1 MB".
   std::vector<std::string> hiddenCopies, hiddenOthers;
+  /// Name of a position on a map that the file states in a form that is not read.
+  std::string unreadPosition = {};
   /// Place of what follows the end of a JPEG picture; 0 if nothing does.
   uint64_t trailerAt = 0;
   /// True if the file is cut off, so that its compressed pixels must not be copied. Set for PNG.

@@ -49,6 +49,19 @@ CodestreamOfJp2 Tiled() {
   return picture;
 }
 
+/// The decoder says the same of each block that is cut off.
+TEST(DamagedJp2, Messages_Should_BeFew_When_ManyAreAlike) {
+  CodestreamOfJp2 picture;
+  picture.width = picture.height = 700;
+  const ByteList whole = EncodeCodestream(picture);
+  const ByteList cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2));
+  TSpanStream stream(cut);
+  CodecReport report;
+  DecodeJp2Pixels(stream, {}, &report);
+  EXPECT_FALSE(report.damage.empty());
+  EXPECT_LE(report.damage.size(), 6u);
+}
+
 TEST(DamagedJp2, CutFile_Should_GiveItsWholeTiles) {
   const CodestreamOfJp2 picture = Tiled();
   const ByteList whole = EncodeCodestream(picture);

@@ -55,6 +55,7 @@ PictureHeader FullHeader(const Form& form) {
   header.positionTags = {{33550, 12, 3, std::vector<uint8_t>(24, 1)}};
   header.hiddenCopies = {"preview"};
   header.hiddenOthers = {"video"};
+  header.unreadPosition = "words";
   header.trailerAt = 12345678901;
   header.warnings = {"damaged"};
   return header;
@@ -90,6 +91,7 @@ TEST(HeaderFields, Header_Should_ComeBack_WithEveryMember) {
     EXPECT_EQ(back.metadata.resolution, (Resolution{300, 150.5}));
     EXPECT_EQ(back.trailerAt, 12345678901u);
     EXPECT_EQ(back.hiddenOthers, std::vector<std::string>{"video"});
+    EXPECT_EQ(back.unreadPosition, "words");
   }
 }
 

@@ -1,5 +1,6 @@
 // HEIC and JPEG 2000 files as inputs of the tool.
 
+#include <algorithm>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -89,6 +90,9 @@ TEST(CliHeif, File_Should_BeUnreadable_When_ItIsCut) {
   const ToolResult result = RunTool({"convert", cut, folder / "a.png"});
   EXPECT_EQ(result.code, 3);
   EXPECT_THAT(result.err, HasSubstr("cut.heic: HEIF: "));
+  EXPECT_TRUE(std::all_of(result.err.begin(), result.err.end(), [](char c) {
+    return c == '\n' || (c >= ' ' && c <= '~');
+  })) << result.err;
   EXPECT_FALSE(std::filesystem::exists(folder / "a.png"));
 }
 
@@ -123,6 +127,51 @@ TEST(CliJp2, OtherBoxes_Should_BeNamedAsLost) {
       RunTool({"convert", Seed("boxes.jp2"), folder / "a.png", "--strict", "--json"});
   EXPECT_EQ(result.code, 5);
   EXPECT_THAT(JsonLines(result.out).at(0)["not_carried_over"], Contains("hidden-pictures"));
+}
+
+TEST(CliJp2, Geotiff_Should_ShowTheGrid) {
+  for (const auto& options : {std::vector<std::string>{}, {"--isolate"}}) {
+    std::vector<std::string> line = {"geotiff", "--json", Seed("words.j2k"), "--at", "3,2"};
+    line.insert(line.end(), options.begin(), options.end());
+    const ToolResult result = RunTool(line);
+    ASSERT_EQ(result.code, 0) << result.err;
+    const json grid = JsonLines(result.out).at(0);
+    EXPECT_EQ(grid["grid"], "uint16");
+    EXPECT_EQ(grid["width"], 19);
+    EXPECT_TRUE(grid["at"][0]["value"].is_number());
+  }
+  const TempFolder folder;
+  ASSERT_EQ(RunTool({"convert", Seed("words.j2k"), folder / "a.tif"}).code, 0);
+  const auto valueOf = [](const std::string& file) {
+    return JsonLines(RunTool({"geotiff", "--json", file, "--at", "3,2"}).out)
+        .at(0)["at"][0]["value"];
+  };
+  EXPECT_EQ(valueOf(Seed("words.j2k")), valueOf(folder / "a.tif"));
+  const ToolResult colors = RunTool({"geotiff", Seed("color.j2k")});
+  EXPECT_EQ(colors.code, 1);
+  EXPECT_THAT(colors.out, HasSubstr("3 samples"));
+}
+
+TEST(CliJp2, ExifAndPalette_Should_ReadIt) {
+  const ToolResult result = RunTool({"exif", "--json", Seed("boxes.jp2")});
+  ASSERT_EQ(result.code, 0) << result.err;
+  const json make = {{"directory", "main"}, {"tag", 271}, {"name", "Make"}, {"value", "Rasterkit"}};
+  EXPECT_THAT(JsonLines(result.out).at(0)["fields"], Contains(make));
+  const ToolResult palette = RunTool({"palette", "--json", Seed("palette.jp2")});
+  ASSERT_EQ(palette.code, 0) << palette.err;
+  EXPECT_EQ(JsonLines(palette.out).at(0)["entries"].size(), 4u);
+}
+
+TEST(CliHeif, ExifAndPalette_Should_ReadIt) {
+  REQUIRE_LIBHEIF();
+  const ToolResult result = RunTool({"exif", "--json", Heic("photo.heic")});
+  ASSERT_EQ(result.code, 0) << result.err;
+  const json photo = JsonLines(result.out).at(0);
+  EXPECT_EQ(photo["width"], 48);
+  EXPECT_EQ(photo["gps"]["latitude"], 48.5);
+  const ToolResult palette = RunTool({"palette", Heic("photo.heic")});
+  EXPECT_EQ(palette.code, 1) << palette.err;
+  EXPECT_THAT(palette.out, HasSubstr("24-bit, no palette"));
 }
 
 TEST(CliJp2, Outputs_Should_BeRefused) {

@@ -197,6 +197,14 @@ TEST_F(CliThumbnail, Format_Should_NameTheTypeOfOutputsInAFolder) {
             2);
 }
 
+TEST_F(CliThumbnail, Message_Should_NameFormat_When_TheInputsTypeCannotBeWritten) {
+  const ToolResult result =
+      RunTool({"thumbnail", "--size", "60", "--out-dir", folder_ / "th",
+               std::string(RASTERKIT_SAMPLES) + "/../fuzz/seeds/jp2/color.j2k"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_THAT(result.err, testing::HasSubstr("--format"));
+}
+
 TEST_F(CliThumbnail, Pictures_Should_NotBeReplacedByTheirThumbnails) {
   WriteBytes(folder_ / "a.jpg", JpegOf({}));
   EXPECT_EQ(RunTool({"thumbnail", "--size", "60", "--in-place", folder_ / "a.jpg"}).code, 2);

@@ -4,11 +4,13 @@
 
 #include <fmt/core.h>
 
+#include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/isolated_input.h>
 #include <rasterkit/codecs/isolated_pixels.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/unsized_picture.h>
+#include <rasterkit/pictures/picture.h>
 #include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
@@ -20,6 +22,7 @@
 #include "tool/command/printable.h"
 #include "tool/command/standard_input.h"
 #include "tool/pictures/placement/position_tags.h"
+#include "tool/reports/layout_facts.h"
 
 namespace rasterkit::tool {
 namespace {
@@ -59,7 +62,7 @@ bool HasNumbers(const TiffFacts& facts) {
 }
 
 Pixels DecodeNumbers(TStream& stream, CodecReport& report) {
-  return DecodePixels(stream, PictureType::tiff, {}, &report);
+  return DecodePixels(stream, SniffPictureType(stream), {}, &report);
 }
 Pixels DecodeNumbers(const std::string& file, CodecReport& report) {
   return detail::DecodePixelsIsolated(detail::OpenForWorker(file), 1, &report,
@@ -117,19 +120,70 @@ void LoadSource(GridFile& result, Source& source) {
   TakeNoData(result);
 }
 
+TiffFacts FactsOf(const Picture& picture) {
+  constexpr uint16_t kUnsigned = 1, kSigned = 2;
+  const PixelLayout& layout = picture.Layout();
+  TiffFacts facts;
+  facts.width = static_cast<uint32_t>(picture.Width());
+  facts.height = static_cast<uint32_t>(picture.Height());
+  facts.samples = static_cast<uint16_t>(layout.bands);
+  facts.bitsPerSample = static_cast<uint16_t>(layout.bits);
+  facts.sampleFormat = layout.type == NumberType::int16 || layout.type == NumberType::int32 ||
+                               layout.type == NumberType::int8
+                           ? kSigned
+                           : kUnsigned;
+  facts.pages = picture.Pages();
+  facts.noData = picture.GetPlacement().noData;
+  return facts;
+}
+
+/// Reads a file of a type that pictures alone know. `source` is a stream, the bytes or the name of
+/// a file.
+template <class Opened, class Source>
+void LoadPictureSource(GridFile& result, const Opened& opened, Source& source) {
+  OpenOptions options;
+  options.isolation = ReadingIsolation();
+  const Picture picture = Picture::Open(opened, options);
+  result.facts = FactsOf(picture);
+  result.positions = picture.GetPlacement().stated;
+  result.warnings = picture.GetPlacement().warnings;
+  if (GridName(picture.Layout(), picture.SourceType()) == "none") return;
+  CodecReport damage;
+  Pixels pixels = DecodeNumbers(source, damage);
+  result.warnings.insert(result.warnings.end(), damage.warnings.begin(), damage.warnings.end());
+  result.warnings.insert(result.warnings.end(), damage.damage.begin(), damage.damage.end());
+  auto* const numbers = std::get_if<Samples>(&pixels);
+  if (numbers == nullptr) return;
+  result.grid.emplace(std::move(*numbers));
+  TakeNoData(result);
+}
+
+bool IsForPicturesOnly(TStream& stream) {
+  const Codec* const codec = FindCodec(SniffPictureType(stream));
+  return codec != nullptr && codec->IsForPicturesOnly();
+}
+
 /// A pipe has no size and cannot be read twice.
 void Load(GridFile& result, const std::string& file) {
   const InterruptibleInput waiting(file);
   TFileStream stream(file);
   const bool isFile = stream.Size() > 0;
-  if (isFile && ReadingIsolation() == Isolation::process) return LoadSource(result, file);
+  const bool isIsolated = ReadingIsolation() == Isolation::process;
+  if (isFile && IsForPicturesOnly(stream)) {
+    return isIsolated ? LoadPictureSource(result, file, file)
+                      : LoadPictureSource(result, file, stream);
+  }
+  if (isFile && isIsolated) return LoadSource(result, file);
   if (isFile) return LoadSource(result, stream);
-  TMemoryStream memory(ReadUnsizedPicture(stream));
+  std::vector<uint8_t> bytes = ReadUnsizedPicture(stream);
+  TMemoryStream memory(bytes);
+  if (IsForPicturesOnly(memory)) return LoadPictureSource(result, bytes, memory);
   LoadSource(result, memory);
 }
 
 /// A world file that cannot be read gives no position; the tags are used.
 void AddPositions(GridFile& result, const std::string& file) {
+  if (!result.positions.empty()) return;
   Placement placement =
       ReadPlacement(file, PositionTagsOf(result.facts), static_cast<int>(result.facts.width),
                     static_cast<int>(result.facts.height));

@@ -10,7 +10,7 @@
 
 namespace rasterkit::tool {
 
-/// The first picture of a TIFF file as a grid, with facts from its tags.
+/// The first picture of a TIFF or JPEG 2000 file as a grid, with facts from its header.
 struct GridFile {
   TiffFacts facts;
   /// Null if the file holds colors or numbers of another type.
