@@ -3,6 +3,8 @@
 #include <limits>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include <rasterkit/bands/colors/opacity_plane.h>
 #include <rasterkit/bands/colors/sample_values.h>
 #include <rasterkit/bands/colors/wider_rows.h>
@@ -180,7 +182,7 @@ class SampleWriter {
     });
   }
   void Missing(double value) {
-    WithNumberType(type_, [&](auto zero) { Put(NumberOf<decltype(zero)>(value)); });
+    WithNumberType(type_, [&](auto zero) { Put(MissingNumber<decltype(zero)>(value).Number()); });
   }
 
  private:
@@ -292,6 +294,22 @@ std::vector<uint8_t> PrepareFill(Samples& samples, const Resampling& how) {
   }
   bytes.resize(size);
   return bytes;
+}
+
+std::string NumberOfCorners(const PixelLayout& layout, const Resampling& how) {
+  if (KindFor(layout, how) != Fill::Kind::color) return {};
+  std::vector<uint8_t> bytes;
+  SampleWriter writer(layout.type, bytes);
+  PutColor(layout, how.fill.color, writer);
+  return WithNumberType(layout.type, [&](auto zero) {
+    using T = decltype(zero);
+    const T number = LoadNumber<T>(bytes.data());
+    if constexpr (std::is_same_v<T, Half>) {
+      return fmt::format("{}", ValueOf(number));
+    } else {
+      return fmt::format("{}", number);
+    }
+  });
 }
 
 }  // namespace rasterkit::detail

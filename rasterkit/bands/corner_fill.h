@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <rasterkit/bands/filter.h>
@@ -17,5 +18,9 @@ uint32_t PrepareFill(Raster& raster, const Resampling& how);
 /// The same for samples: adds an alpha band for `transparent` if there is none. Returns the bytes
 /// of the fill's sample of each band.
 std::vector<uint8_t> PrepareFill(Samples& samples, const Resampling& how);
+
+/// The number of the first band in corners of gray samples that Fill::Kind::usual fills with its
+/// color; empty if the number for missing data fills them.
+std::string NumberOfCorners(const PixelLayout& layout, const Resampling& how);
 
 }  // namespace rasterkit::detail

@@ -134,7 +134,8 @@ KeyRange KeysOfFloating(double number) {
   return isSame ? OneKey(nearest) : KeyRange{};
 }
 
-/// The half nearest to the number, halves to even.
+/// The half nearest to the number, halves to even, and the next one in the direction of zero if
+/// that lies on the other side of the number: some writers cut digits off.
 KeyRange KeysOfHalf(double number) {
   constexpr double kFirstInfinite = 65520;
   if (number == 0) return {KeyOf(Half{kSignOfHalf}), KeyOf(Half{})};
@@ -149,7 +150,9 @@ KeyRange KeysOfHalf(double number) {
     const bool isEven = NumberOf<Half>(key).bits % 2 == 0;
     if (distance(key) < distance(best) || (distance(key) == distance(best) && isEven)) best = key;
   }
-  return {best, best};
+  const double nearest = HalfToDouble(NumberOf<Half>(best).bits);
+  if (std::abs(nearest) <= std::abs(number)) return {best, best};
+  return number > 0 ? KeyRange{best - 1, best} : KeyRange{best, best + 1};
 }
 
 template <class T>

@@ -226,8 +226,8 @@ FoundRange FindRange(const Samples& samples, const std::string& noData,
 }
 
 void NoteRange(const FoundRange& found, Changes& changes) {
-  changes.Note(found.range ? fmt::format("numbers from {} to {} are shown as black to white",
-                                         found.black, found.white)
+  changes.Note(found.range ? fmt::format("numbers from {} to {} {}", found.black, found.white,
+                                         kShownRangeNote)
                            : "the grid holds no number; all of it is shown white");
 }
 

@@ -13,6 +13,9 @@
 
 namespace rasterkit::detail {
 
+/// The end of the note that names the numbers that became black and white.
+inline constexpr const char* kShownRangeNote = "are shown as black to white";
+
 /// A row of one band: the key of each number, and whether it was measured.
 struct ShownRow {
   std::vector<uint64_t> keys;

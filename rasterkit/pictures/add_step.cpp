@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <rasterkit/bands/corner_fill.h>
 #include <rasterkit/bands/layouts.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/pictures/align_pictures.h>
@@ -115,7 +116,8 @@ class StepAdder {
     if (FrameOfRotation(Now(), step.degrees).rest != 0) MakeSquare();
     const RotationFrame frame = FrameOfRotation(Now(), step.degrees);
     if (frame.rest == 0 && frame.quarters == 0) return;
-    const Resampling how = HowFor(step.options);
+    Resampling how = HowFor(step.options);
+    if (frame.rest != 0) FillGrid(how);
     if (frame.rest != 0) SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
     if (frame.quarters % 2 != 0) ExchangeAxes();
     Add(RotateStage(Now(), step.degrees, how), frame.toOld, frame.sides,
@@ -129,7 +131,8 @@ class StepAdder {
     for (const Step& turn : way.turns) std::visit(*this, turn);
     if (!way.frame) return;
     const NorthUpFrame& frame = *way.frame;
-    const Resampling how = HowFor(step.options);
+    Resampling how = HowFor(step.options);
+    FillGrid(how);
     SetLayout(LayoutAfterRotate(state_.layout, state_.isRaster, how));
     Add(AffineStage(Now(), frame.toOld, frame.sides, how), frame.toOld, frame.sides,
         AffineStage(Now(), frame.toOld, frame.sides, kMaskResampling));
@@ -182,6 +185,10 @@ class StepAdder {
     mine.affine = PositionOf(state_, source_);
     const std::optional<Affine> toOver =
         Alignment(mine, other.placement, step.options.align, state_.changes);
+    if (toOver && !Overlap(Now(), {other.width, other.height}, *toOver)) {
+      state_.warnings.emplace_back(
+          "the second picture lies wholly outside of this one on the map: nothing of it is seen");
+    }
     CombineOptions options = step.options;
     if (IsOfGrids(options, *step.other, toOver)) return CombineGrids(step, toOver);
     if (options.mode == CombineMode::automatic) options.mode = CombineMode::key;
@@ -288,6 +295,38 @@ class StepAdder {
 
   Resampling HowFor(const RotateOptions& options) const {
     return {options.filter, options.fill, NoDataOf(source_)};
+  }
+
+  /// True for numbers that are no shades: of a type that no picture to look at has, or with a place
+  /// on a map or a mark of missing values.
+  bool HoldsMeasurements() const {
+    const PixelLayout& layout = state_.layout;
+    const bool isGray =
+        layout.model == ColorModel::gray || layout.model == ColorModel::grayWhiteIsZero;
+    if (state_.isRaster) return IsGrid(state_, source_);
+    if (!isGray || layout.alpha != AlphaKind::none) return false;
+    const bool isUsual = layout.type == NumberType::uint8 || layout.type == NumberType::uint16;
+    return !isUsual || PositionOf(state_, source_) || !source_.Position().noData.empty();
+  }
+
+  /// A color in the corners of a grid would look like measurements.
+  void FillGrid(Resampling& how) {
+    const NumberType type = state_.layout.type;
+    if (how.fill.kind != Fill::Kind::usual || !HoldsMeasurements()) return;
+    const bool isFloat =
+        type == NumberType::float16 || type == NumberType::float32 || type == NumberType::float64;
+    if (isFloat && !how.noData) {
+      how.fill.kind = Fill::Kind::noData;
+      how.noData = std::numeric_limits<double>::quiet_NaN();
+      state_.changes.Note("the corners are NaN: the file states no number for missing values");
+      return;
+    }
+    const std::string color = NumberOfCorners(state_.layout, how);
+    if (color.empty()) return;
+    state_.warnings.push_back(fmt::format(
+        "the corners are {}, which looks like a measurement: the file states no number for missing "
+        "values that its pixels can hold; a fill chooses another",
+        color));
   }
 
   void Resize(Sides target, Filter filter) {

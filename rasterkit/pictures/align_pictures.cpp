@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <array>
+
 #include <fmt/format.h>
 
 #include <rasterkit/pictures/align_pictures.h>
@@ -16,7 +19,27 @@ bool IsSame(const CoordinateSystem& a, const CoordinateSystem& b) {
   return a.Name() == b.Name();
 }
 
+/// True if a line along a side of the first picture parts it from the second.
+bool IsParted(Sides sides, Sides other, const Affine& fromOther) {
+  constexpr double kHalf = 0.5;
+  const double right = other.width - kHalf, bottom = other.height - kHalf;
+  const std::array corners{fromOther.At(-kHalf, -kHalf), fromOther.At(right, -kHalf),
+                           fromOther.At(-kHalf, bottom), fromOther.At(right, bottom)};
+  const auto all = [&](auto isBeyond) {
+    return std::all_of(corners.begin(), corners.end(), isBeyond);
+  };
+  return all([&](const MapPoint& point) { return point.x <= -kHalf; }) ||
+         all([&](const MapPoint& point) { return point.y <= -kHalf; }) ||
+         all([&](const MapPoint& point) { return point.x >= sides.width - kHalf; }) ||
+         all([&](const MapPoint& point) { return point.y >= sides.height - kHalf; });
+}
+
 }  // namespace
+
+bool Overlap(Sides picture, Sides over, const Affine& toOver) {
+  const std::optional<Affine> back = toOver.Inverse();
+  return !IsParted(over, picture, toOver) && !(back && IsParted(picture, over, *back));
+}
 
 std::optional<Affine> Alignment(const Placement& picture, const Placement& over, CombineAlign align,
                                 Changes& changes) {

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include <rasterkit/bands/sides.h>
 #include <rasterkit/metadata/loss.h>
 #include <rasterkit/pictures/steps.h>
 #include <rasterkit/placement/placement.h>
@@ -14,5 +15,8 @@ namespace rasterkit::detail {
 /// both positions, UnsupportedError, which names both, for different coordinate systems.
 RASTERKIT_EXPORT std::optional<Affine> Alignment(const Placement& picture, const Placement& over,
                                                  CombineAlign align, Changes& changes);
+
+/// False if no pixel of the picture that is laid over lies in the other one.
+bool Overlap(Sides picture, Sides over, const Affine& toOver);
 
 }  // namespace rasterkit::detail

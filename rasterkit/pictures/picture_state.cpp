@@ -1,12 +1,17 @@
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
+#include <fmt/format.h>
+
+#include <rasterkit/bands/colors/sample_values.h>
 #include <rasterkit/metadata/edit/edit_metadata.h>
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/follow_pixels.h>
 #include <rasterkit/pictures/fitting/make_thumbnail.h>
 #include <rasterkit/pictures/picture_state.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/half.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -74,6 +79,24 @@ Metadata EditedMetadata(const PictureState& state, const PictureSource& source,
 
 }  // namespace
 
+namespace {
+
+/// Halves are so coarse that the number for missing values is often none of them.
+void DoubtNoData(PictureState& state, const PictureSource& source) {
+  const std::optional<double> noData = NoDataOf(source);
+  if (state.layout.type != NumberType::float16 || !noData || !std::isfinite(*noData)) return;
+  const double cut = HalfToDouble(HalfTowardZero(*noData).bits),
+               nearest = HalfToDouble(HalfOf(*noData));
+  if (cut == *noData) return;
+  const std::string meant =
+      cut == nearest ? fmt::format("{} is", cut) : fmt::format("{} and {} are", cut, nearest);
+  state.warnings.push_back(
+      fmt::format("no pixel of 16 bits holds {}, the number for missing values: {} taken for it",
+                  *noData, meant));
+}
+
+}  // namespace
+
 PictureState StateOf(const PictureSource& source) {
   PictureState state;
   const PictureHeader& header = source.Header();
@@ -84,6 +107,7 @@ PictureState StateOf(const PictureSource& source) {
   state.resolution = header.metadata.resolution;
   state.metadata = header.metadata;
   state.placement = source.Position();
+  DoubtNoData(state, source);
   return state;
 }
 
@@ -137,11 +161,26 @@ void FollowProfile(PictureState& state, const PictureSource& source) {
   state.metadata.profile = nullptr;
 }
 
+namespace {
+
+/// Grays that show numbers are none of them: one of them could be the number for missing values.
+void LoseNoData(PictureState& state, const PictureSource& source) {
+  const bool isShown = !source.Kind().isRaster && state.isRaster && state.layout.bands == 1;
+  if (!isShown || state.placement.noData.empty()) return;
+  state.followed.Lose(LossKind::noData,
+                      "the number " + state.placement.noData + " for missing values",
+                      "it is shown white");
+  state.placement.noData.clear();
+}
+
+}  // namespace
+
 void Follow(PictureState& state, const PictureSource& source, std::span<const uint8_t> thumbnail) {
   state.followed = {};
   state.metadata = EditedMetadata(state, source, &state.followed);
   FollowProfile(state, source);
   state.placement = source.Position();
+  LoseNoData(state, source);
   if (state.given) SetPosition(state.placement, *state.given);
   // Without changed pixels another resolution is all that there can be.
   const bool hasOtherResolution =
@@ -182,6 +221,14 @@ std::optional<double> NoDataOf(const PictureSource& source) {
   // Decoders of rasters turn them round: 0 is black.
   const bool isTurned = stored.model == ColorModel::grayWhiteIsZero && source.Kind().isRaster;
   return isTurned ? (1 << stored.bits) - 1 - number : number;
+}
+
+std::vector<std::string> WarningsOf(const PictureSource& source, const PictureState& state) {
+  std::vector<std::string> warnings = source.Header().warnings;
+  for (const auto* more : {&state.placement.warnings, &state.warnings}) {
+    warnings.insert(warnings.end(), more->begin(), more->end());
+  }
+  return warnings;
 }
 
 bool IsSameKind(const PixelLayout& a, const PixelLayout& b) {

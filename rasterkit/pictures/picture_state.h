@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <rasterkit/bands/executor.h>
@@ -39,6 +40,8 @@ struct PictureState {
   uint64_t rowBytes = 0;
   /// What the steps lose and note.
   Changes changes;
+  /// Doubts about what the steps make.
+  std::vector<std::string> warnings;
 
   /// What follows from the above and the source; see Follow.
   Metadata metadata;
@@ -76,6 +79,9 @@ PictureState StateForMove(const PictureState& state, const PictureSource& source
 
 /// The number that means "not measured" in the source.
 std::optional<double> NoDataOf(const PictureSource& source);
+
+/// What a report says before any pixel is read: faults of the source and doubts.
+std::vector<std::string> WarningsOf(const PictureSource& source, const PictureState& state);
 
 /// True if pixels of both kinds fit one form. Which gray number is white is a matter of the form.
 bool IsSameKind(const PixelLayout& a, const PixelLayout& b);

@@ -51,9 +51,7 @@ Report Begin(const PictureSource& source, const PictureState& state, const Write
   report.moveNote = plan.moveNote;
   report.width = state.width;
   report.height = state.height;
-  report.warnings = source.Header().warnings;
-  report.warnings.insert(report.warnings.end(), state.placement.warnings.begin(),
-                         state.placement.warnings.end());
+  report.warnings = WarningsOf(source, state);
   return report;
 }
 

@@ -263,9 +263,7 @@ Report Foresee(const PictureSource& source, const PictureState& state, WritePlan
   report.moveNote = plan.moveNote;
   report.width = state.width;
   report.height = state.height;
-  report.warnings = source.Header().warnings;
-  report.warnings.insert(report.warnings.end(), state.placement.warnings.begin(),
-                         state.placement.warnings.end());
+  report.warnings = WarningsOf(source, state);
   Changes changes = LossesOf(source, state, {plan.type, plan.isCopied, plan.hasSideFiles});
   const WrittenPicture written = plan.move ? Moved(source, state, plan, changes)
                                            : Sample(source, state, plan, options, changes);

@@ -68,6 +68,8 @@ struct OutputOptions {
 struct PictureOptions {
   /// Pages of a TIFF file that are changed; a list as typed, already checked.
   std::string pages = "1";
+  /// An output has one page, even a TIFF file.
+  bool onlyThisPage = false;
   /// Degrees, positive counter-clockwise.
   double angle = 0;
   /// A color, or "auto"; see ColorOf.

@@ -132,7 +132,8 @@ void AddCorners(Verb& verb, PictureOptions& options) {
   verb.Text("--fill", "COLOR|WORD", options.fill, CheckFill,
             "what stands in uncovered corners: a color, transparent, nodata (the number that means "
             "no data), edge (the nearest pixel), or auto (what the picture can hold) [the color of "
-            "--background if given, else nodata if the picture states such a number, else white]")
+            "--background if given, else nodata if the picture states such a number, else NaN in "
+            "grids of floats, else white]")
       .In(kPicture);
   AddFilter(verb, options, "nearest or linear [nearest]", {"nearest", "linear", "area"});
   // Command lines from before --fill have --background auto.
@@ -266,6 +267,12 @@ void AddCompression(Verb& verb, PictureOptions& options) {
 }
 
 void AddPages(Verb& verb, PictureOptions& options) {
+  if (options.onlyThisPage) {
+    verb.Text("--page", "LIST", options.pages, CheckPages,
+              "the page of a TIFF file, counted from 1, or last; several (1-3,7 or all) need "
+              "--out-dir, where each gets a file [1]");
+    return;
+  }
   verb.Text(
       "--page", "LIST", options.pages, CheckPages,
       "pages of a TIFF file that are changed, counted from 1: 3, or 1-3,7 or 5-, or last, or "

@@ -16,9 +16,9 @@
 namespace rasterkit::tool {
 namespace {
 
-bool TakesOnePage(const Job& job) {
+bool TakesOnePage(const Job& job, const PictureOptions& options) {
   const PictureType type = job.type.value_or(WritableType(job.output));
-  return type != PictureType::tiff && type != PictureType::unknown;
+  return (type != PictureType::tiff || options.onlyThisPage) && type != PictureType::unknown;
 }
 
 /// The pages that are to be written from a file; none if that shows only later, with its error.
@@ -47,7 +47,8 @@ std::vector<Job> JobsOfPages(std::vector<Job> jobs, const OutputOptions& output,
   for (Job& job : jobs) {
     int count = 1;
     std::vector<int> pages;
-    if (TakesOnePage(job) && !IsStandardStream(job.input)) pages = PagesOf(job, options, count);
+    if (TakesOnePage(job, options) && !IsStandardStream(job.input))
+      pages = PagesOf(job, options, count);
     if (pages.size() < 2) {
       all.push_back(std::move(job));
       continue;

@@ -7,6 +7,7 @@
 
 #include <fmt/core.h>
 
+#include <rasterkit/codecs/shown_numbers.h>
 #include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/pictures/pending_save.h>
 #include <rasterkit/runtime/errors.h>
@@ -133,7 +134,10 @@ JobResult FactsOf(const Report& report) {
   result.bits = report.layout.BitsPerPixel();
   result.losses = report.losses;
   result.warnings = report.warnings;
-  result.details = report.notes;
+  for (const std::string& note : report.notes) {
+    // Which numbers are black and white is part of what such an output says.
+    (note.ends_with(detail::kShownRangeNote) ? result.notes : result.details).push_back(note);
+  }
   result.pixels = PixelsWord(report);
   result.sideFiles = report.sideFiles;
   result.backups = report.backups;
@@ -152,7 +156,7 @@ JobResult ResultOf(const PictureWork& work, const Report& report) {
   result.warnings.insert(result.warnings.end(), work.warnings.begin(), work.warnings.end());
   result.losses.insert(result.losses.end(), work.losses.begin(), work.losses.end());
   result.notCarriedOver = work.notCarriedOver;
-  result.notes = work.notes;
+  result.notes.insert(result.notes.end(), work.notes.begin(), work.notes.end());
   if (!report.moveNote.empty()) {
     std::erase(result.details, report.moveNote);
     result.notes.push_back(report.moveNote);
@@ -277,25 +281,27 @@ void ChangeOne(PictureWork& work, const PictureChange& change) {
 JobResult ChangeAny(const Job& job, const PictureOptions& options, bool isDryRun,
                     const PictureChange& change) {
   if (IsMetafileName(job.output)) return ConvertMetafile(job, options, isDryRun);
-  const bool isTiff = job.type.value_or(WritableType(job.output)) == PictureType::tiff;
+  const bool holdsPages =
+      job.type.value_or(WritableType(job.output)) == PictureType::tiff && !options.onlyThisPage;
   std::optional<Picture> picture;
   const bool strips = !EditOfOthers(options).IsEmpty();
   if (job.page > 0) {
     picture = OpenPage(OpenDocument(job.input, options), job.page, job.input);
-  } else if (PageList::Parse(options.pages).value().IsFirstPage() && !(isTiff && strips)) {
+  } else if (PageList::Parse(options.pages).value().IsFirstPage() && !(holdsPages && strips)) {
     picture = OpenPicture(job.input, options);
   } else {
     const Document document = OpenDocument(job.input, options);
     const std::vector<int> pages = ChosenPages(job, options, document.Pages());
-    if (isTiff && (pages.size() > 1 || strips) && document.Pages() > 1) {
+    if (holdsPages && (pages.size() > 1 || strips) && document.Pages() > 1) {
       return ChangePages(document, pages, job, options, isDryRun,
                          [&](PictureWork& work) { ChangeOne(work, change); });
     }
     if (pages.size() > 1) {
       throw Failure(exitWrongUsage,
-                    fmt::format("{}: holds one picture: give one page of {} with --page, a TIFF "
-                                "file as output, or --out-dir",
-                                job.output, job.input));
+                    fmt::format("{}: holds one picture: give one page of {} with --page{}, or "
+                                "--out-dir",
+                                job.output, job.input,
+                                options.onlyThisPage ? "" : ", a TIFF file as output"));
     }
     picture = OpenPage(document, pages.front(), job.input);
   }
@@ -319,6 +325,7 @@ SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options) {
   save.compression = options.compression;
   save.background = SolidBackground(options);
   save.writesWorldFile = options.writesWorldFile;
+  save.onlyThisPage = options.onlyThisPage;
   save.mayReplace = job.saving.overwrite;
   save.syncs = job.saving.syncs;
   save.keepsBackup = job.saving.keepsBackup;

@@ -35,6 +35,7 @@ void PictureVerb::MakesPreviews() {
   makesPreviews_ = true;
   output_->hasInPlace = false;
   picture_->positionFrom = PositionFrom::none;
+  picture_->onlyThisPage = true;
 }
 
 VerbRunner PictureVerb::Changing(PictureChange change) {

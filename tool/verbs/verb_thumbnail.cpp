@@ -58,6 +58,20 @@ void TakeEmbedded(PictureWork& work, const PictureSize& target) {
   work.details.emplace_back("made from the embedded thumbnail");
 }
 
+/// Numbers become the colors that show them: viewers would show most of them black.
+void ShowNumbers(PictureWork& work) {
+  constexpr int kByte = 8, kColor = 24, kColorWithAlpha = 32;
+  const PixelLayout& layout = work.picture.Layout();
+  if (layout.type == NumberType::uint8 && layout.bits <= kByte) return;
+  const bool isGray =
+      layout.model == ColorModel::gray || layout.model == ColorModel::grayWhiteIsZero;
+  if (layout.alpha != AlphaKind::none) {
+    work.picture.Change(SetBits{kColorWithAlpha});
+  } else {
+    work.picture.Change(SetBits{isGray ? kByte : kColor});
+  }
+}
+
 void Shrink(const ThumbnailOptions& options, PictureWork& work) {
   const PictureSize target = options.size.Around(work.picture.Width(), work.picture.Height());
   if (options.fromEmbedded) TakeEmbedded(work, target);
@@ -65,9 +79,11 @@ void Shrink(const ThumbnailOptions& options, PictureWork& work) {
   edit.stripAll = true;
   work.picture.Edit(edit);
   work.picture.Resize(target.width, target.height, {Filter::area});
-  work.LeavesOut({LossKind::pages, LossKind::frames, LossKind::hiddenPictures, LossKind::position,
-                  LossKind::controlPoints, LossKind::coordinateSystem, LossKind::sideFile,
-                  LossKind::noData, LossKind::tiling, LossKind::records, LossKind::chroma});
+  ShowNumbers(work);
+  work.LeavesOut({LossKind::bits, LossKind::pages, LossKind::frames, LossKind::hiddenPictures,
+                  LossKind::position, LossKind::controlPoints, LossKind::coordinateSystem,
+                  LossKind::sideFile, LossKind::noData, LossKind::tiling, LossKind::records,
+                  LossKind::chroma});
 }
 
 }  // namespace
@@ -82,6 +98,8 @@ VerbRunner AddThumbnailVerb(CommandLine& line) {
         "A thumbnail keeps the color profile and the resolution that belongs to its size. It has "
         "no other metadata, no GPS position and no position on a map; 'rasterkit resize' keeps "
         "them.",
+        "Pictures of more than 8 bits and grids of numbers become 8-bit pictures to look at, as "
+        "--stretch says. A thumbnail has one page.",
         "--from-embedded is fast for photographs: the thumbnail that the camera stored is used if "
         "it is large enough and shows the whole picture (proportions equal within 2 percent)."},
        {"rasterkit thumbnail --size 400 --out-dir small --jobs 2 *.jpg",

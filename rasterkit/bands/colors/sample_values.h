@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include <rasterkit/raster/number_type.h>
+#include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/half.h>
 
 /// Numbers of samples, one at a time.
@@ -19,7 +20,7 @@ struct Half {
 };
 
 /// The half nearest to a number, halves to even; infinite from 65520 on.
-uint16_t HalfOf(double value);
+RASTERKIT_EXPORT uint16_t HalfOf(double value);
 
 /// Calls `f(T())` with the type that stores numbers of `type`.
 template <class F>
@@ -80,7 +81,19 @@ T NumberOf(double value) {
   }
 }
 
-/// The number that means "not measured", as a picture of one type holds it.
+/// The half nearest to a number in the direction of zero: some writers cut digits off.
+inline Half HalfTowardZero(double value) {
+  Half half{HalfOf(value)};
+  constexpr double kEnd = 65536;
+  const bool isLarger = std::abs(HalfToDouble(half.bits)) > std::abs(value);
+  // The next number of less magnitude; from the end on all are infinite.
+  if (isLarger && std::abs(value) < kEnd) --half.bits;
+  return half;
+}
+
+/// The number that means "not measured", as a picture of one type holds it. Halves are so coarse
+/// that the number of a file is often none of them: the nearest one and the one next to it in the
+/// direction of zero mean it then.
 template <class T>
 class MissingNumber {
  public:
@@ -88,6 +101,10 @@ class MissingNumber {
     if (!noData) return;
     isNan_ = *noData != *noData;
     number_ = NumberOf<T>(*noData);
+    nearest_ = number_;
+    if constexpr (std::is_same_v<T, Half>) {
+      if (!isNan_) number_ = HalfTowardZero(*noData);
+    }
     // A float grid holds the float nearest to the text; a whole number that the type cannot hold
     // never occurs.
     exists_ = !std::is_integral_v<T> || ValueOf(number_) == *noData;
@@ -98,12 +115,13 @@ class MissingNumber {
     if (!exists_) return false;
     if constexpr (std::is_integral_v<T>) return number == number_;
     const double value = ValueOf(number);
-    return isNan_ ? value != value : value == ValueOf(number_);
+    if (isNan_) return value != value;
+    return value == ValueOf(number_) || value == ValueOf(nearest_);
   }
 
  private:
   bool exists_ = false, isNan_ = false;
-  T number_{};
+  T number_{}, nearest_{};
 };
 
 template <class T>

@@ -1,9 +1,12 @@
 #include "tool/pictures/placement/grid_file.h"
 
+#include <charconv>
+#include <cmath>
 #include <new>
 
 #include <fmt/core.h>
 
+#include <rasterkit/bands/colors/sample_values.h>
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_frame.h>
 #include <rasterkit/codecs/isolated_input.h>
@@ -14,6 +17,7 @@
 #include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
+#include <rasterkit/runtime/half.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/interruption.h"
@@ -39,6 +43,11 @@ TiffFacts FactsOf(Source& source) {
   LoadedFrame picture;
   ReadPicture(picture, source, reading);
   return picture.tiff.value_or(TiffFacts());
+}
+
+bool IsComplex(const TiffFacts& facts) {
+  constexpr int kComplexInteger = 5, kComplexFloat = 6;
+  return facts.sampleFormat == kComplexInteger || facts.sampleFormat == kComplexFloat;
 }
 
 void Rewind(TStream& stream) {
@@ -85,8 +94,33 @@ Samples BytesOfGrays(const Raster& rows, const TiffFacts& facts) {
   return bytes;
 }
 
+bool Occurs(const Grid& grid, const NoData& noData) {
+  for (int y = 0; y < grid.Height(); ++y) {
+    for (int x = 0; x < grid.Width(); ++x) {
+      if (noData.Is(grid.At(x, y))) return true;
+    }
+  }
+  return false;
+}
+
+/// Halves are so coarse that the number of the file is often none of them: the one that its writer
+/// rounded or cut it to is in the grid.
+void FitToHalves(GridFile& result) {
+  double number = 0;
+  const std::string& text = result.facts.noData;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(number)) return;
+  const uint16_t cut = detail::HalfTowardZero(number).bits, nearest = detail::HalfOf(number);
+  if (HalfToDouble(cut) == number) return;
+  for (const uint16_t half : {cut, nearest}) {
+    result.noData = NoData(fmt::format("{}", HalfToDouble(half)), GridType::float16);
+    if (Occurs(*result.grid, result.noData)) break;
+  }
+}
+
 void TakeNoData(GridFile& result) {
   result.noData = NoData(result.facts.noData, result.grid->Type());
+  if (result.grid->Type() == GridType::float16) FitToHalves(result);
   if (!result.noData.IsUnreadable()) return;
   result.warnings.push_back("the value for no data is not a number: '" +
                             Printable(result.facts.noData) + "'");
@@ -97,6 +131,9 @@ void TakeNoData(GridFile& result) {
 template <class Source>
 void LoadSource(GridFile& result, Source& source) {
   result.facts = FactsOf(source);
+  if (IsComplex(result.facts)) {
+    throw UnsupportedError("TIFF: grids of complex numbers are not supported");
+  }
   Rewind(source);
   if (HasNumbers(result.facts)) {
     CodecReport damage;
