@@ -167,6 +167,7 @@ class StepAdder {
   }
 
   void operator()(const ChangeStep& step) {
+    if (IsDepthOfSource(step.change)) return;
     MakeVisible();
     std::unique_ptr<Stage> stage = ChangeStage(Now(), step.change);
     const PixelLayout before = state_.layout;
@@ -229,6 +230,20 @@ class StepAdder {
   }
 
  private:
+  /// True for the depth that the stored pixels have: they can then be copied or moved.
+  bool IsDepthOfSource(const ColorChange& change) const {
+    const PixelLayout& layout = state_.layout;
+    const PixelLayout& stored = source_.Header().layout;
+    const bool isAsStored = state_.isRaster && layout.model == stored.model &&
+                            layout.bits == stored.bits && layout.bands == stored.bands &&
+                            layout.alpha == stored.alpha;
+    if (!isAsStored || !std::holds_alternative<SetBits>(change)) return false;
+    ChangeStage(Now(), change);
+    const PixelLayout after = LayoutAfter(change, layout, nullptr);
+    return after.model == layout.model && after.bits == layout.bits &&
+           after.bands == layout.bands && after.alpha == layout.alpha;
+  }
+
   Sides Now() const { return {state_.width, state_.height}; }
 
   void SetLayout(PixelLayout layout) { state_.layout = std::move(layout); }

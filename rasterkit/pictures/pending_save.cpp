@@ -34,12 +34,19 @@ struct PendingSave::State {
     sideFiles->BeforeCommit();
     file->SetBackupNumber(sideFiles->BackupNumber());
   }
+  void NameBackup() {
+    const std::string backup = file ? file->BackupName() : "";
+    if (!backup.empty()) report.backups.push_back(backup);
+  }
   void AfterCommit() {
-    if (const std::string backup = file->BackupName(); !backup.empty()) {
-      report.backups.push_back(backup);
-    }
+    NameBackup();
+    std::exception_ptr error;
     if (sideFiles) {
-      sideFiles->AfterCommit();
+      try {
+        sideFiles->AfterCommit();
+      } catch (...) {
+        error = std::current_exception();
+      }
       const std::vector<std::string>& backups = sideFiles->Backups();
       report.backups.insert(report.backups.end(), backups.begin(), backups.end());
     }
@@ -47,8 +54,24 @@ struct PendingSave::State {
       report.warnings.push_back(warning);
     }
     file.reset();
+    if (error) std::rethrow_exception(error);
   }
 };
+
+namespace {
+
+bool IsUnsynced(const std::exception_ptr& error) {
+  try {
+    if (error) std::rethrow_exception(error);
+  } catch (const UnsyncedError&) {
+    return true;
+  } catch (...) {
+    return false;
+  }
+  return false;
+}
+
+}  // namespace
 
 PendingSave::State::State(const detail::FileParts& parts, const std::string& name,
                           const SaveOptions& options, const Run& run) {
@@ -135,9 +158,15 @@ std::vector<std::exception_ptr> PendingSave::CommitAll(std::span<PendingSave* co
     errors[places[i]] = committed[i];
   }
   for (size_t i = 0; i < saves.size(); ++i) {
+    State& state = *saves[i]->state_;
+    // The new picture has its name: what lies beside it becomes true, too.
+    const std::exception_ptr unsynced =
+        IsUnsynced(errors[i]) ? std::exchange(errors[i], nullptr) : nullptr;
+    if (errors[i]) state.NameBackup();
     attempt(i, &State::AfterCommit);
+    if (!errors[i]) errors[i] = unsynced;
     // Moves an old world file back.
-    if (errors[i]) saves[i]->state_->sideFiles.reset();
+    if (errors[i]) state.sideFiles.reset();
   }
   return errors;
 }

@@ -30,7 +30,8 @@ class RASTERKIT_EXPORT PendingSave {
 
   const rasterkit::Report& Report() const;
   /// Gives the files their names. Throws FileError or FileExistsError; the old files are then there
-  /// as before.
+  /// as before, except with UnsyncedError, and if only a file beside the picture could not be
+  /// written. The report then names the backups.
   void Commit();
   /// Commits several saves and waits once for all on the same disk. Returns the error for each,
   /// null on success.

@@ -122,6 +122,13 @@ Report Picture::Plan(const std::string& file, const SaveOptions& options) const 
                             file, options);
 }
 
+Report Picture::PlanStream(const SaveOptions& options) const {
+  SaveOptions typed = options;
+  if (!typed.type) typed.type = SourceType();
+  const PictureType type = detail::TargetType({}, typed);
+  return detail::ForeseeParts(detail::PartsOf(*this, type, typed), typed, false);
+}
+
 Report Picture::Save(const std::string& file, const SaveOptions& options, const Run& run) const {
   PendingSave save(*this, file, options, run);
   save.Commit();

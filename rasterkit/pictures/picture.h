@@ -94,6 +94,8 @@ class RASTERKIT_EXPORT Picture {
 
   /// What Save would do; reads no pixel and writes nothing.
   Report Plan(const std::string& file, const SaveOptions& options = {}) const;
+  /// What Save to a stream would do, which has no files beside it.
+  Report PlanStream(const SaveOptions& options = {}) const;
   /// Writes the file, and the files beside it that state its position, as a whole or not at all. A
   /// page of a TIFF file, saved as one, keeps the other pages (see SaveOptions::onlyThisPage).
   Report Save(const std::string& file, const SaveOptions& options = {}, const Run& run = {}) const;

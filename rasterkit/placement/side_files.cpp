@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <exception>
 #include <filesystem>
 #include <optional>
 #include <utility>
 
+#include <rasterkit/placement/side_file_names.h>
 #include <rasterkit/placement/side_file_plan.h>
 #include <rasterkit/placement/side_files.h>
 #include <rasterkit/runtime/files/backup_names.h>
@@ -46,7 +48,9 @@ struct SideFiles::State {
 
   void Open(Pending& next) const;
   void Commit(Pending& next) const;
+  std::string RealTarget() const;
   std::vector<std::string> ReplacedFiles() const;
+  int FreeNumber() const;
   detail::SetAside Rename(const detail::OldSideFile& old) const;
   void PutBack() noexcept;
 };
@@ -69,16 +73,36 @@ void SideFiles::State::Commit(Pending& next) const {
   }
 }
 
+/// The file behind a link.
+std::string SideFiles::State::RealTarget() const {
+  std::error_code error;
+  const auto real = std::filesystem::canonical(ToPath(target), error);
+  return IsLink(target) && !error ? real.string() : target;
+}
+
 /// The old picture and what is replaced or removed beside it: their backups bear one number.
 std::vector<std::string> SideFiles::State::ReplacedFiles() const {
   std::vector<std::string> names;
-  if (detail::FileIdentity(target).IsRegular()) {
-    std::error_code error;
-    const auto real = std::filesystem::canonical(ToPath(target), error);
-    names.push_back(IsLink(target) && !error ? real.string() : target);
-  }
+  if (detail::FileIdentity(target).IsRegular()) names.push_back(RealTarget());
   for (const detail::OldSideFile& old : removed) names.push_back(old.name);
   return names;
+}
+
+/// A number that no file beside an older backup has: moved back together, that file would be taken
+/// for the position of this picture.
+int SideFiles::State::FreeNumber() const {
+  std::vector<std::string> names = ReplacedFiles();
+  const auto add = [&](const std::vector<std::string>& more) {
+    names.insert(names.end(), more.begin(), more.end());
+  };
+  const std::string real = RealTarget();
+  add(detail::AllWorldFileNames(target));
+  add(detail::AttachedNames(target));
+  if (real != target) {
+    add(detail::AllWorldFileNames(real));
+    add(detail::AttachedNames(real));
+  }
+  return detail::FreeBackupNumber(names);
 }
 
 detail::SetAside SideFiles::State::Rename(const detail::OldSideFile& old) const {
@@ -130,7 +154,7 @@ const std::vector<std::string>& SideFiles::Plans() const {
 std::vector<std::string> SideFiles::PlannedBackups() const {
   if (!state_->keepsBackup) return {};
   std::vector<std::string> names = state_->ReplacedFiles();
-  const int number = detail::FreeBackupNumber(names);
+  const int number = state_->FreeNumber();
   for (std::string& name : names) name = detail::BackupNameOf(name, number);
   return names;
 }
@@ -154,7 +178,7 @@ void SideFiles::BeforeCommit() {
   state_->before.emplace(state_->target);
   try {
     if (state_->keepsBackup) {
-      state_->backupNumber = detail::FreeBackupNumber(state_->ReplacedFiles());
+      state_->backupNumber = state_->FreeNumber();
     }
     for (const detail::OldSideFile& old : state_->removed) {
       const bool stays = old.keepsBackup || state_->keepsBackup;
@@ -171,11 +195,17 @@ void SideFiles::BeforeCommit() {
 
 void SideFiles::AfterCommit() {
   State& state = *state_;
+  std::exception_ptr unsynced;
   for (auto& next : state.pending) {
     try {
       state.Commit(next);
+    } catch (const UnsyncedError&) {
+      unsynced = std::current_exception();
     } catch (Error& error) {
       // The old files keep their backup names.
+      for (const State::Renamed& old : state.setAside) {
+        state.backups.push_back(old.file.BackupName());
+      }
       state.setAside.clear();
       throw FileError("the picture is saved, but this file beside it is not: " + error.Reason(),
                       next.plan.name);
@@ -190,6 +220,7 @@ void SideFiles::AfterCommit() {
     }
   }
   state.setAside.clear();
+  if (unsynced) std::rethrow_exception(unsynced);
 }
 
 }  // namespace rasterkit

@@ -30,7 +30,8 @@ struct SideFileWish {
   int width = 0, height = 0;
   bool syncs = true;
   /// Files that are replaced or removed keep a backup name: "plan.tfw~", with the number of the
-  /// picture's own backup where both names are free.
+  /// picture's own backup. The backup names of all files that could state the position are free for
+  /// that number.
   bool keepsBackup = false;
 };
 
@@ -70,9 +71,10 @@ class RASTERKIT_EXPORT SideFiles {
   std::vector<std::string> PlannedBackups() const;
   /// The number for the backup of the picture, known after BeforeCommit; see AtomicFile.
   int BackupNumber() const;
-  /// The backups that stay, known after AfterCommit.
+  /// The backups that stay, known after AfterCommit, also if that throws.
   const std::vector<std::string>& Backups() const;
-  /// Each of the three throws FileError.
+  /// Each of the three throws FileError. AfterCommit throws UnsyncedError if all is done but for
+  /// the wait until the names are on the disk.
   void Prepare();
   void BeforeCommit();
   void AfterCommit();

@@ -398,6 +398,17 @@ TEST(LosslessPicture, IsCompressedAgainWhereAStepChangesPixels) {
   EXPECT_EQ(saved.report.moveNote, "");
 }
 
+TEST(LosslessPicture, IsMovedWhereADepthChangesNothing) {
+  for (const bool isGray : {true, false}) {
+    const int bits = isGray ? 8 : 24;
+    Picture picture = Picture::Open(JpegOf({.isGray = isGray}));
+    EXPECT_TRUE(Save(Picture(picture).Change(SetBits{bits})).report.isCopied) << bits;
+    EXPECT_TRUE(Save(Picture(picture).Turn(1).Change(SetBits{bits})).report.isMoved) << bits;
+    EXPECT_FALSE(Save(Picture(picture).Turn(1).Change(SetBits{1})).report.isMoved) << bits;
+    EXPECT_THROW(picture.Change(SetBits{7}), RangeError);
+  }
+}
+
 TEST(LosslessPicture, SaysThatArithmeticCodingIsNotMoved) {
   const Photo photo{.orientation = 6, .isArithmetic = true};
   const Picture picture = Picture::Open(JpegOf(photo));

@@ -15,6 +15,7 @@
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
 
+#include "tests/runtime/files/replaced_calls.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/test_pictures.h"
@@ -382,6 +383,61 @@ TEST(PendingSaves, HaveTheirNamesAfterTheCommitAlone) {
   EXPECT_EQ(ReadFile(folder / "c.png"), "another program's");
   EXPECT_TRUE(ReadFile(folder / "a.png") == ReadFile(folder / "b.png"));
   EXPECT_THROW(first.Commit(), FileError);
+}
+
+/// The disk fails once, at the first wait after a file got this name.
+void FailSyncAfter(const std::string& name) {
+  static detail::FileCalls base;
+  static std::string watched;
+  static bool isThere, hasFailed;
+  base = detail::Calls();
+  watched = name;
+  isThere = hasFailed = false;
+  detail::Calls().renameAt = [](int folder, const char* old, const char* to, unsigned flags) {
+    const int result = base.renameAt(folder, old, to, flags);
+    isThere = isThere || (result == 0 && watched == to);
+    return result;
+  };
+  detail::Calls().linkAt = [](int from, const char* old, int folder, const char* to, int flags) {
+    const int result = base.linkAt(from, old, folder, to, flags);
+    isThere = isThere || (result == 0 && watched == to);
+    return result;
+  };
+  detail::Calls().syncAll = [](int handle) {
+    if (!isThere || hasFailed) return base.syncAll(handle);
+    hasFailed = true;
+    errno = EIO;
+    return -1;
+  };
+}
+
+TEST(PendingSaves, SayThatAFileHasItsNameAlthoughTheDiskFailed) {
+  const std::string numbers = "2\n0\n0\n-2\n1001\n1999\n";
+  for (const std::string name : {"a.png", "a.pgw"}) {
+    SCOPED_TRACE(name);
+    const TempFolder folder;
+    PictureOf(GradientRaster(pf24bit, 40, 30)).Save(folder / "a.png");
+    folder.Write("a.pgw", numbers);
+    Picture part = Picture::Open(folder / "a.png");
+    part.Crop({3, 2, 10, 10});
+    SaveOptions options;
+    options.mayReplace = options.keepsBackup = true;
+    PendingSave save(part, folder / "a.png", options);
+    const test::CallsGuard guard;
+    FailSyncAfter(name);
+    try {
+      save.Commit();
+      ADD_FAILURE() << "the disk did not fail";
+    } catch (const UnsyncedError& error) {
+      EXPECT_EQ(error.File(), folder / name);
+      EXPECT_NE(error.Reason().find("the new file has its name"), std::string::npos);
+    }
+    EXPECT_EQ(save.Report().backups,
+              (std::vector<std::string>{folder / "a.png~", folder / "a.pgw~"}));
+    EXPECT_EQ(Picture::Open(folder / "a.png").Width(), 10);
+    EXPECT_EQ(ReadFile(folder / "a.pgw"), "2\n0\n0\n-2\n1007\n1995\n");
+    EXPECT_EQ(ReadFile(folder / "a.pgw~"), numbers);
+  }
 }
 
 TEST(PictureNumbers, AreTheSamplesAsTheyAre) {

@@ -217,8 +217,8 @@ class Batch {
         outcome = {exitOutputNotWritten, OutputError(name, error), {}};
       } else {
         AddWarnings(outcome.result, output, name);
-        outcome.result.backups = output.Backups();
       }
+      outcome.result.backups = output.Backups();
     } catch (const std::exception&) {
       outcome = OutOfMemory();
     }

@@ -18,7 +18,7 @@ constexpr size_t kOpenFilesPerWaiting = 8;
 
 std::vector<std::string> FinishedOutput::Backups() const {
   if (picture) return picture->Report().backups;
-  const std::string backup = file->BackupName();
+  const std::string backup = file ? file->BackupName() : "";
   return backup.empty() ? std::vector<std::string>() : std::vector{backup};
 }
 

@@ -43,6 +43,9 @@ std::string OutputError(const std::string& name, const std::exception_ptr& error
     return name + ": already exists (--overwrite replaces it)";
   } catch (const BackupError& reason) {
     return name + ": " + reason.Reason() + " (--no-backup keeps none)";
+  } catch (const FileError& reason) {
+    // A file beside the output bears a name of its own.
+    return (reason.File().empty() ? name : reason.File()) + ": " + ReasonWithOption(reason);
   } catch (const Error& reason) {
     return name + ": " + ReasonWithOption(reason);
   } catch (const std::bad_alloc&) {

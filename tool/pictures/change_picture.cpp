@@ -197,8 +197,22 @@ void RequireCopy(const PictureWork& work, const Report& report) {
                 work.job.input + ": the encoded pixels are damaged and cannot be copied");
 }
 
+void RequireNoWorldFile(const PictureOptions& options) {
+  if (!options.writesWorldFile) return;
+  throw Failure(exitWrongUsage, "--world-file requires an output with a name");
+}
+
+/// What saving a picture or a document would do.
+template <class Saved>
+Report PlanOf(const Saved& saved, const Job& job, const PictureOptions& options) {
+  const SaveOptions save = SaveOptionsOf(job, options);
+  if (!IsStandardStream(job.output)) return saved.Plan(job.output, save);
+  RequireNoWorldFile(options);
+  return saved.PlanStream(save);
+}
+
 JobResult Plan(const PictureWork& work) {
-  return ResultOf(work, work.picture.Plan(work.job.output, SaveOptionsOf(work.job, work.options)));
+  return ResultOf(work, PlanOf(work.picture, work.job, work.options));
 }
 
 /// Calls `open`; an error is one of the input.
@@ -221,9 +235,7 @@ auto OpenInput(const std::string& file, const Open& open) {
 template <class Saved>
 Report SaveToStandardOutput(const Saved& saved, const Job& job, const PictureOptions& options,
                             const Run& run) {
-  if (options.writesWorldFile) {
-    throw Failure(exitWrongUsage, "--world-file requires an output with a name");
-  }
+  RequireNoWorldFile(options);
   TMemoryStream bytes;
   Report report = saved.Save(bytes, SaveOptionsOf(job, options), run);
   StopIfInterrupted();
@@ -356,7 +368,7 @@ void PictureWork::PaintTransparent(const std::string& reason) {
 }
 
 Report PictureWork::Plan(const Picture& changed) const {
-  return changed.Plan(job.output, SaveOptionsOf(job, options));
+  return PlanOf(changed, job, options);
 }
 
 PictureType PictureWork::TargetType() const {
@@ -432,7 +444,7 @@ JobResult SaveDocument(const Document& document, const Job& job, const PictureOp
   const SaveOptions save = SaveOptionsOf(job, options);
   JobResult result;
   DoWork(job, [&] {
-    result = isDryRun ? resultOf(document.Plan(job.output, save))
+    result = isDryRun ? resultOf(PlanOf(document, job, options))
                       : SaveOutput(
                             document, job, options,
                             [&](const Run& run) { return document.Prepare(job.output, save, run); },

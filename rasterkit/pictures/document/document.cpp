@@ -235,6 +235,13 @@ Report Document::Plan(const std::string& file, const SaveOptions& options) const
   return detail::PlanOfFile(state_->Parts(type, options), file, options);
 }
 
+Report Document::PlanStream(const SaveOptions& options) const {
+  SaveOptions typed = options;
+  if (!typed.type) typed.type = PictureType::tiff;
+  const detail::FileParts parts = state_->Parts(detail::TargetType({}, typed), typed);
+  return detail::ForeseeParts(parts, typed, false);
+}
+
 Report Document::Save(const std::string& file, const SaveOptions& options, const Run& run) const {
   PendingSave save = Prepare(file, options, run);
   save.Commit();

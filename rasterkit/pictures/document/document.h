@@ -85,6 +85,8 @@ class RASTERKIT_EXPORT Document {
 
   /// What Save would do; decodes no pixel and writes nothing.
   Report Plan(const std::string& file, const SaveOptions& options = {}) const;
+  /// What Save to a stream would do, which has no files beside it.
+  Report PlanStream(const SaveOptions& options = {}) const;
   /// Writes the file, and the files beside it that state the position of its first page, as a whole
   /// or not at all. The report states size and form of the first page; of several pages, each loss
   /// names its page. A format that holds one picture takes a document of one page. Throws

@@ -63,9 +63,16 @@ class Commitment {
     ForEach([&](State& state) {
       if (!state.options.syncs || !state.temporary) return;
       if (onlyOfBackups && !state.backup) return;
-      const auto [place, isNew] = errors.emplace(Identity(state), 0);
-      if (isNew) place->second = detail::SyncFolder(state.target.folder);
-      ThrowIf(place->second, state);
+      try {
+        const auto [place, isNew] = errors.emplace(Identity(state), 0);
+        if (isNew) place->second = detail::SyncFolder(state.target.folder);
+        ThrowIf(place->second, state);
+      } catch (const FileError& error) {
+        if (onlyOfBackups) throw;
+        throw UnsyncedError(
+            error.Reason() + "; the new file has its name, but a power failure could undo that",
+            state.name);
+      }
     });
   }
 

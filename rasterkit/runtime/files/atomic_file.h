@@ -38,6 +38,13 @@ class RASTERKIT_EXPORT FileExistsError : public FileError {
   using FileError::FileError;
 };
 
+/// Thrown if the new file has its name and the system does not confirm that the name is on the
+/// disk: a power failure could undo it.
+class RASTERKIT_EXPORT UnsyncedError : public FileError {
+ public:
+  using FileError::FileError;
+};
+
 /// Thrown if the backup of the old file cannot be made; the old file stays.
 class RASTERKIT_EXPORT BackupError : public FileError {
  public:
@@ -97,7 +104,7 @@ class RASTERKIT_EXPORT AtomicFile : public TStream {
 
   /// Finishes, waits until the bytes are on the disk, gives the file its name, and waits until that
   /// is on the disk too. Throws FileError or FileExistsError; the target is then unchanged, except
-  /// if only the last wait failed: the new file is then there, and a power failure could undo that.
+  /// with UnsyncedError: only the last wait failed, and the new file is there.
   void Commit();
 
   /// Commits several files. Waits once for all of them on the same disk, which takes much less time

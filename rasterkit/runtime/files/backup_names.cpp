@@ -12,8 +12,9 @@ namespace {
 
 bool IsFree(const std::string& name) {
   struct stat unused {};
-  return Calls().statusAt(AT_FDCWD, name.c_str(), &unused, AT_SYMLINK_NOFOLLOW) != 0 &&
-         errno == ENOENT;
+  if (Calls().statusAt(AT_FDCWD, name.c_str(), &unused, AT_SYMLINK_NOFOLLOW) == 0) return false;
+  // No file bears a name that is too long.
+  return errno == ENOENT || errno == ENAMETOOLONG;
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ namespace {
 using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::UnorderedElementsAre;
 
 constexpr const char* kNumbers = "2\n0\n0\n-2\n1001\n1999\n";
 
@@ -66,6 +67,20 @@ TEST_F(CliInPlace, WorldFile_Should_BeBackedUpUnderTheSameNumber) {
   EXPECT_EQ(Text("a.pgw"), "2\n0\n0\n-2\n1007\n1995\n");
   EXPECT_TRUE(SamePixels(LoadFile(folder_ / "a.png~2"), picture_));
   EXPECT_THAT(folder_.Names(), ElementsAre("a.pgw", "a.pgw~2", "a.png", "a.png~", "a.png~2"));
+}
+
+/// Else the backup of the second picture would stand beside the position of the first one.
+TEST_F(CliInPlace, NumberOfAnOlderPosition_Should_BePassedOver) {
+  for (const std::string name : {"a.pgw~", "a.PGw~", "a.wld~", "a.png.aux.xml~"}) {
+    WriteText(folder_ / name, kNumbers);
+    const ToolResult result = Crop({"--json"});
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_EQ(JsonLines(result.out).at(0)["backups"], json({file_ + "~2"})) << name;
+    EXPECT_THAT(folder_.Names(), UnorderedElementsAre("a.png", "a.png~2", name));
+    std::filesystem::remove(folder_ / name);
+    std::filesystem::remove(folder_ / "a.png~2");
+    SavePngFile(file_, picture_);
+  }
 }
 
 TEST_F(CliInPlace, UnchangedWorldFile_Should_Stay) {

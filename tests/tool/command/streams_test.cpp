@@ -154,6 +154,20 @@ TEST_F(CliStreams, Position_Should_BeALoss_When_TheTypeHoldsNone) {
   EXPECT_EQ(Run({"convert", in_, "-", "--world-file"}, {}, out_).code, 2);
 }
 
+TEST_F(CliStreams, DryRun_Should_SayWhatBecomesOfAStream) {
+  SavePngFile(folder_ / "map.png", picture_);
+  WriteText(folder_ / "map.pgw", "2\n0\n0\n-2\n1001\n1999\n");
+  const std::string map = folder_ / "map.png";
+  const ToolResult png = Run({"convert", map, "-", "--strict", "--dry-run"});
+  EXPECT_EQ(png.code, 5);
+  EXPECT_THAT(png.err, HasSubstr("lost: map position"));
+  EXPECT_THAT(png.out, testing::Not(HasSubstr("writes")));
+  EXPECT_THAT(png.out, testing::Not(HasSubstr("kept: position")));
+  EXPECT_EQ(Run({"convert", map, "-", "--strict", "--dry-run", "--format", "tif"}).code, 0);
+  EXPECT_EQ(Run({"convert", map, "-", "--dry-run", "--world-file"}).code, 2);
+  EXPECT_THAT(folder_.Names(), ElementsAre("in.bmp", "map.pgw", "map.png"));
+}
+
 TEST_F(CliStreams, GeoTiff_Should_BeATiffFile) {
   EXPECT_EQ(Run({"geotiff", "-", "-", "--origin", "100,200", "--pixel-size", "2"}, in_, out_).code,
             0);
