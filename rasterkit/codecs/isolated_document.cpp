@@ -7,6 +7,7 @@
 #include <rasterkit/codecs/messages/writing_fields.h>
 #include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/codecs/tiff/tiff_document.h>
+#include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
@@ -50,6 +51,24 @@ DocumentOrder ReadOrder(FieldReader& fields, std::span<const uint8_t>& newPages)
   return order;
 }
 
+constexpr size_t kLeastDamagedBytes = 8, kMostReasonBytes = size_t{1} << 16;
+
+void WriteDamaged(FieldWriter& fields, const std::vector<DamagedPage>& damaged) {
+  fields.List(damaged, [&](const DamagedPage& page) {
+    fields.I32(static_cast<int>(page.index));
+    fields.ByteText(page.reason);
+  });
+}
+
+std::vector<DamagedPage> ReadDamaged(FieldReader& fields, size_t pages) {
+  return fields.List(pages, kLeastDamagedBytes, [&] {
+    DamagedPage page;
+    page.index = static_cast<size_t>(fields.I32In(0, static_cast<int>(pages) - 1));
+    page.reason = fields.ByteText(kMostReasonBytes);
+    return page;
+  });
+}
+
 WrittenPicture CopyOne(TiffDocumentWriter& writer, const TiffDocumentReader& source,
                        const TiffDocumentReader& from, const PageOrder& page) {
   const int oldPage = page.isNew ? page.oldPage : page.page;
@@ -69,9 +88,11 @@ IsolatedDocument WriteDocumentIsolated(SystemFile source, const DocumentOrder& o
   const auto place = [&](FieldReader& fields, uint64_t size) -> std::span<uint8_t> {
     error = ReadOutcome(fields);
     if (!error) {
+      document.damaged = ReadDamaged(fields, order.pages.size());
       document.pages =
           fields.List(order.pages.size(), kLeastWrittenBytes, [&] { return ReadWritten(fields); });
-      if (document.pages.size() != order.pages.size()) ThrowBadMessage("pages are missing");
+      const bool isComplete = document.pages.size() == order.pages.size();
+      if (document.damaged.empty() && !isComplete) ThrowBadMessage("pages are missing");
     }
     fields.RequireEnd();
     RequirePictureMemory(size, "a file of several pages");
@@ -90,6 +111,7 @@ std::vector<uint8_t> AnswerDocument(FieldReader& task, TStream& source, FieldWri
   task.RequireEnd();
   TMemoryStream file;
   std::vector<WrittenPicture> written;
+  std::vector<DamagedPage> damaged;
   std::exception_ptr error;
   try {
     const LimitsScope limits;
@@ -101,15 +123,21 @@ std::vector<uint8_t> AnswerDocument(FieldReader& task, TStream& source, FieldWri
     for (const PageOrder& page : order.pages) {
       RequireTime();
       if (page.isNew && !added) ThrowBadMessage("new pages are missing");
-      written.push_back(CopyOne(writer, old, page.isNew ? *added : old, page));
+      try {
+        written.push_back(CopyOne(writer, old, page.isNew ? *added : old, page));
+      } catch (const FormatError& failure) {
+        damaged.push_back({static_cast<size_t>(&page - order.pages.data()), failure.Reason()});
+      }
     }
-    writer.Finish();
+    if (damaged.empty()) writer.Finish();
   } catch (...) {
     error = std::current_exception();
     file.Clear();
   }
+  if (!damaged.empty()) file.Clear();
   WriteOutcome(answer, error);
   if (!error) {
+    WriteDamaged(answer, damaged);
     answer.List(written, [&](const WrittenPicture& page) { WriteWritten(answer, page); });
   }
   return file.TakeBytes();

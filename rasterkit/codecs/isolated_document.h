@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <rasterkit/codecs/rows/picture_writing.h>
@@ -35,14 +36,23 @@ struct DocumentOrder {
   std::vector<uint8_t> newPages;
 };
 
+/// A page of the order that is damaged so that it cannot be copied.
+struct DamagedPage {
+  /// Its index in the order.
+  size_t index = 0;
+  std::string reason;
+};
+
 struct IsolatedDocument {
+  /// If there are any, nothing else is known: there is no file.
+  std::vector<DamagedPage> damaged;
   std::vector<uint8_t> bytes;
   /// One for each page of the order.
   std::vector<WrittenPicture> pages;
 };
 
 /// Puts the pages together in a worker process. The new file is held in memory. Throws as
-/// TiffDocumentWriter and ReadInWorker do.
+/// TiffDocumentWriter and ReadInWorker do, but tells all damaged pages at once.
 RASTERKIT_EXPORT IsolatedDocument WriteDocumentIsolated(SystemFile source,
                                                         const DocumentOrder& order,
                                                         const std::function<bool()>& keepGoing);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include <rasterkit/codecs/picture_type.h>
@@ -24,6 +25,26 @@ class RASTERKIT_EXPORT PageView {
   TStream& file_;
   std::unique_ptr<TiffDocumentReader> document_;
   std::unique_ptr<TStream> page_;
+};
+
+/// The pages of an open file, whose chain is walked once, by the first look at a page after the
+/// first one. May be used by several threads at once.
+class RASTERKIT_EXPORT SharedPages {
+ public:
+  /// Opens the file at its beginning: each time a stream of its own, of the same bytes.
+  using OpenFile = std::function<std::unique_ptr<TStream>()>;
+
+  explicit SharedPages(OpenFile open);
+  ~SharedPages();
+
+  /// See ReadPageHeader.
+  PictureHeader Header(PictureType type, int page);
+  /// The file as one whose first picture is that page. Throws RangeError if there is no such page.
+  std::unique_ptr<TStream> View(PictureType type, int page);
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
 };
 
 /// A page on its way to the file of a writer.

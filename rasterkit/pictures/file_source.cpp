@@ -32,7 +32,7 @@ class FileSource : public PictureSource {
     type_ = type;
     file_ = bytes_.Name();
     page_ = options.page;
-    header_ = ReadPageHeader(*bytes_.Stream(), type, page_);
+    header_ = bytes_.Header(type, page_);
     if (type == PictureType::tiff && header_.smallerCopies + header_.masks > 0) {
       extraPages_ = ReadTiffExtraPages(*Stream());
     }
@@ -73,6 +73,7 @@ class FileSource : public PictureSource {
     bytes_.RequireUnchanged();
     return bytes_.Stream();
   }
+  const void* FileIdentity() const override { return bytes_.Identity(); }
   uint64_t ByteCount() const override { return bytes_.Size(); }
   bool IsNamed(const std::string& file) const override { return bytes_.IsNamed(file); }
 

@@ -8,6 +8,15 @@
 namespace rasterkit::detail {
 namespace {
 
+/// The codec says what a copy of compressed pixels lacks.
+void LoseDirectories(const PictureHeader& header, const LossTarget& target, Changes& changes) {
+  if (target.isCopied && target.type == PictureType::tiff) return;
+  for (const uint16_t tag : header.directoryTags) {
+    changes.Lose(LossKind::otherBlock, fmt::format("TIFF tag {}", tag),
+                 "the directory that it leads to is of another program");
+  }
+}
+
 void LosePictures(const PictureSource& source, const LossTarget& target, Changes& changes) {
   const PictureHeader& header = source.Header();
   // A TIFF file keeps the other pages unless only one is requested.
@@ -16,6 +25,10 @@ void LosePictures(const PictureSource& source, const LossTarget& target, Changes
                  source.Page() == 1 ? "only the first page is written"
                                     : fmt::format("only page {} is written", source.Page()));
   }
+  // Of a TIFF file, this is said of the file, not of each page.
+  if (!header.lostPages.empty() && target.type != PictureType::tiff) {
+    changes.Lose(LossKind::pages, "pages", header.lostPages);
+  }
   if (header.frames > 1) {
     changes.Lose(LossKind::frames, fmt::format("{} of {} frames", header.frames - 1, header.frames),
                  "only the first frame is written");
@@ -23,7 +36,10 @@ void LosePictures(const PictureSource& source, const LossTarget& target, Changes
 }
 
 /// Copies of the picture that show the old pixels are no loss; other pictures are.
-void LoseHidden(const PictureHeader& header, const LossTarget& target, Changes& changes) {
+void LoseHidden(const PictureSource& source, const LossTarget& target, Changes& changes) {
+  // From TIFF to TIFF the codec knows whether the layers stay.
+  if (source.Type() == PictureType::tiff && target.type == PictureType::tiff) return;
+  const PictureHeader& header = source.Header();
   if (!target.isCopied || target.type != PictureType::jpeg) {
     for (const std::string& name : header.hiddenCopies) {
       changes.Note(name + " is not written: it is a copy of the picture");
@@ -99,7 +115,8 @@ Changes LossesOf(const PictureSource& source, const PictureState& state, const L
   Join(changes, state.changes);
   Join(changes, state.followed);
   LosePictures(source, target, changes);
-  LoseHidden(source.Header(), target, changes);
+  LoseHidden(source, target, changes);
+  LoseDirectories(source.Header(), target, changes);
   LoseExtraPages(source, state, target, changes);
   LosePosition(state.placement, target, changes);
   LoseUnreadPosition(source.Header(), state.placement, changes);

@@ -60,6 +60,7 @@ class IsolatedSource : public PictureSource {
     bytes_.RequireUnchanged();
     return document;
   }
+  const void* FileIdentity() const override { return bytes_.Identity(); }
   uint64_t ByteCount() const override { return bytes_.Size(); }
   bool IsNamed(const std::string& file) const override { return bytes_.IsNamed(file); }
 

@@ -1,5 +1,8 @@
 #include <algorithm>
 #include <map>
+#include <optional>
+#include <set>
+#include <string>
 #include <utility>
 
 #include <fmt/format.h>
@@ -167,8 +170,33 @@ class ReportOfPages {
   uint64_t bytes_ = 0;
 };
 
+/// Pages of the sources that cannot be found; each file once.
+void LoseUnknownPages(const FileParts& parts, const SaveOptions& options, Changes& changes) {
+  if (parts.type != PictureType::tiff || options.onlyThisPage) return;
+  std::set<std::pair<std::string, std::string>> said;
+  for (const PagePart& part : parts.pages) {
+    const std::string& lost = part.source->Header().lostPages;
+    if (!lost.empty() && said.emplace(part.source->File(), lost).second) {
+      changes.Lose(LossKind::pages, "pages", lost);
+    }
+  }
+}
+
+/// Of a file of one picture.
+Report WithUnknownPages(Report report, const FileParts& parts, const SaveOptions& options) {
+  Changes changes;
+  LoseUnknownPages(parts, options, changes);
+  report.losses.insert(report.losses.end(), changes.losses.begin(), changes.losses.end());
+  return report;
+}
+
 constexpr const char* kOtherOrder =
     "decoded and encoded anew: its numbers have another order of bytes than the file";
+
+constexpr const char* kDamaged = "decoded and encoded anew: it is damaged: ";
+
+/// Why pages cannot be copied, by their index.
+using Reasons = std::map<size_t, std::string>;
 
 /// A page of another order of bytes as a picture, which is encoded anew.
 PagePart Decoded(const PagePart& part) {
@@ -202,15 +230,16 @@ std::string ReasonAgainst(const PagePart& part, PageSink& sink, SourceFiles& fil
     bytes = BytesOfOld(part, files);
     return {};
   } catch (const FormatError& error) {
-    return "decoded and encoded anew: it is damaged: " + error.Reason();
+    return std::string(kDamaged) + error.Reason();
   }
 }
 
 PageWork WorkOf(const PagePart& part, PageSink& sink, SourceFiles& files, const FileParts& parts,
-                const SaveOptions& options, bool hasSideFiles) {
+                const SaveOptions& options, bool hasSideFiles, const std::string& damage) {
   PageWork work{part, {}, {}};
   if (!part.state) {
-    work.reason = ReasonAgainst(part, sink, files, work.bytes);
+    work.reason = damage.empty() ? ReasonAgainst(part, sink, files, work.bytes)
+                                 : std::string(kDamaged) + damage;
     if (work.reason.empty()) return work;
     try {
       work.part = Decoded(part);
@@ -224,7 +253,9 @@ PageWork WorkOf(const PagePart& part, PageSink& sink, SourceFiles& files, const 
   work.plan = PlanOf(source, *work.part.state, parts.type, options, hasSideFiles);
   if (work.plan.isCopied && work.reason.empty()) {
     uint64_t unused = 0;
-    work.reason = ReasonAgainst({part.source, nullptr, source.Page()}, sink, files, unused);
+    work.reason = damage.empty()
+                      ? ReasonAgainst({part.source, nullptr, source.Page()}, sink, files, unused)
+                      : std::string(kDamaged) + damage;
   }
   if (!work.reason.empty()) work.plan.isCopied = work.plan.isAsStored = false;
   const bool isFree = source.Type() != PictureType::tiff && !options.compression;
@@ -246,13 +277,16 @@ Report WithSeekable(TStream& target, const Writing& write) {
 class DocumentWork {
  public:
   DocumentWork(TStream& target, const FileParts& parts, const SaveOptions& options,
-               bool hasSideFiles)
+               bool hasSideFiles, const Reasons& damaged = {})
       : target_(target),
         parts_(parts),
         options_(options),
         hasSideFiles_(hasSideFiles),
+        damaged_(damaged),
         report_(parts),
-        sink_(NewPageSink(target, KindOf(parts, files_, ofFile_), files_, IsApart(parts))) {}
+        sink_(NewPageSink(target, KindOf(parts, files_, ofFile_), files_, IsApart(parts))) {
+    LoseUnknownPages(parts, options, ofFile_);
+  }
 
   Report Write(RunScope& run) {
     const uint64_t start = target_.Position();
@@ -260,7 +294,8 @@ class DocumentWork {
       RequireTime();
       WritePage(i, run);
     }
-    const std::vector<WrittenPicture> written = sink_->Finish();
+    RequirePages();
+    const std::vector<WrittenPicture> written = Finish();
     for (size_t i = 0; i < written.size(); ++i) report_.Add(written_.at(i), written[i].changes);
     report_.Add(ofFile_);
     return report_.Finish(target_.Position() - start);
@@ -282,13 +317,29 @@ class DocumentWork {
         report_.Add(i, page);
       }
     }
+    RequirePages();
     report_.Add(ofFile_);
     return report_.Finish(bytes + report_.Bytes());
   }
 
  private:
   PageWork WorkOf(size_t index) {
-    return detail::WorkOf(parts_.pages[index], *sink_, files_, parts_, options_, hasSideFiles_);
+    const auto known = damaged_.find(index);
+    return detail::WorkOf(parts_.pages[index], *sink_, files_, parts_, options_, hasSideFiles_,
+                          known == damaged_.end() ? std::string() : known->second);
+  }
+  std::vector<WrittenPicture> Finish() {
+    try {
+      return sink_->Finish();
+    } catch (DamagedPages& damaged) {
+      // A page that was decoded already, or one of the new pages, would be damaged again.
+      for (DamagedPage& page : damaged.pages) {
+        page.index = written_.at(page.index);
+        const PagePart& part = parts_.pages[page.index];
+        if (damaged_.contains(page.index)) throw FormatError(page.reason, part.source->File());
+      }
+      throw;
+    }
   }
 
   void WritePage(size_t index, RunScope& run) {
@@ -323,18 +374,29 @@ class DocumentWork {
 
   void Lose(size_t index, const std::string& reason) {
     Changes changes;
-    changes.Lose(LossKind::pages, fmt::format("page {}", parts_.pages[index].page), reason);
+    const PagePart& part = parts_.pages[index];
+    changes.Lose(LossKind::pages, fmt::format("page {}", part.page), reason);
     report_.Add(changes);
+    if (lost_++ == 0) {
+      firstLost_ = FormatError(fmt::format("page {}: {}", part.page, reason), part.source->File());
+    }
+  }
+  /// A file without pages is none: the inputs are at fault.
+  void RequirePages() const {
+    if (lost_ > 0 && lost_ == parts_.pages.size()) throw FormatError(*firstLost_);
   }
 
   TStream& target_;
   const FileParts& parts_;
   const SaveOptions& options_;
   const bool hasSideFiles_;
+  const Reasons damaged_;
   ReportOfPages report_;
   Changes ofFile_;
   SourceFiles files_;
   const std::unique_ptr<PageSink> sink_;
+  size_t lost_ = 0;
+  std::optional<FormatError> firstLost_;
   /// Places of the pages that the sink has.
   std::vector<size_t> written_;
 };
@@ -367,7 +429,7 @@ Report ForeseeParts(const FileParts& parts, const SaveOptions& options, bool has
   const PagePart& page = parts.pages.front();
   const auto [state, plan] =
       TargetPlanOf(*page.source, *page.state, parts.type, options, hasSideFiles);
-  return Foresee(*page.source, state, plan, options);
+  return WithUnknownPages(Foresee(*page.source, state, plan, options), parts, options);
 }
 
 Report WriteParts(TStream& target, const FileParts& parts, const SaveOptions& options,
@@ -376,10 +438,19 @@ Report WriteParts(TStream& target, const FileParts& parts, const SaveOptions& op
     const PagePart& page = parts.pages.front();
     const auto [state, plan] =
         TargetPlanOf(*page.source, *page.state, parts.type, options, hasSideFiles);
-    return WriteTo(target, *page.source, state, plan, options, run);
+    return WithUnknownPages(WriteTo(target, *page.source, state, plan, options, run), parts,
+                            options);
   }
   Report report = WithSeekable(target, [&](TStream& seekable) {
-    return DocumentWork(seekable, parts, options, hasSideFiles).Write(run);
+    Reasons damaged;
+    while (true) {
+      try {
+        return DocumentWork(seekable, parts, options, hasSideFiles, damaged).Write(run);
+      } catch (const DamagedPages& found) {
+        // They are decoded then, as those of files that this process reads.
+        for (const DamagedPage& page : found.pages) damaged.emplace(page.index, page.reason);
+      }
+    }
   });
   run.Finish();
   // The last moment to cancel: the file has no name yet.

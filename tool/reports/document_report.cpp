@@ -52,17 +52,19 @@ Json PageJson(int number, const DocumentPage& page) {
       .Add("bytes", page.bytes > 0 ? Json(page.bytes) : Json());
 }
 
-void PrintJson(const std::string& file, const std::string& error, const JsonList& pages) {
+void PrintJson(const std::string& file, const std::string& error, const JsonList& pages,
+               const std::vector<std::string>& warnings = {}) {
   PrintLine(JsonObject()
                 .Add("schema", 1)
                 .Add("file", file)
                 .Add("ok", error.empty())
                 .Add("error", TextOrNull(error))
-                .Add("pages", pages));
+                .Add("pages", pages)
+                .Add("warnings", warnings));
 }
 
 std::string PageText(const DocumentPage& page) {
-  if (!page.error.empty()) return "damaged: " + page.error;
+  if (!page.error.empty()) return "cannot be read: " + page.error;
   const int bits = page.layout.BitsPerPixel();
   std::string text =
       fmt::format("{} x {} pixels, {} bit{}", page.width, page.height, bits, bits == 1 ? "" : "s");
@@ -79,9 +81,16 @@ std::string PageText(const DocumentPage& page) {
   return text;
 }
 
-std::vector<DocumentPage> PagesOf(const std::string& file, bool json) {
+/// What is said of a document and its pages.
+struct Listing {
+  std::vector<DocumentPage> pages;
+  std::vector<std::string> warnings;
+};
+
+Listing ListingOf(const std::string& file, bool json) {
   try {
-    return OpenDocument(file).List();
+    const Document document = OpenDocument(file);
+    return {document.List(), document.Warnings()};
   } catch (const Failure& failure) {
     if (json) PrintJson(file, failure.what(), {});
     throw;
@@ -91,7 +100,7 @@ std::vector<DocumentPage> PagesOf(const std::string& file, bool json) {
 }  // namespace
 
 int ReportDocument(const std::string& file, bool json) {
-  const std::vector<DocumentPage> pages = PagesOf(file, json);
+  const auto [pages, warnings] = ListingOf(file, json);
   JsonList list;
   if (!json) {
     fmt::print("{}: {} page{}\n", OnOneLine(file), pages.size(), pages.size() == 1 ? "" : "s");
@@ -105,7 +114,9 @@ int ReportDocument(const std::string& file, bool json) {
       fmt::print("  page {}: {}\n", number, OnOneLine(PageText(page)));
     }
   }
-  if (json) PrintJson(file, {}, list);
+  if (json) PrintJson(file, {}, list, warnings);
+  std::fflush(stdout);
+  for (const std::string& warning : warnings) PrintMessage(file + ": warning: " + warning);
   return exitDone;
 }
 

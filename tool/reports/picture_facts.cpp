@@ -92,6 +92,8 @@ void TakeHeader(PictureFacts& facts, const PictureHeader& header, PictureType ty
   facts.pages = facts.tiff ? facts.tiff->pages : header.frames;
   facts.photo.orientation = header.orientation;
   facts.warnings.insert(facts.warnings.end(), header.warnings.begin(), header.warnings.end());
+  facts.lostPages = header.lostPages;
+  if (!header.lostPages.empty()) facts.warnings.push_back(header.lostPages);
   TakePhotograph(facts, header.metadata);
   TakePlacement(facts, header.positionTags);
 }
@@ -269,6 +271,7 @@ void Verify(PictureFacts& facts) {
   if (facts.error.empty() && !facts.damage.empty()) {
     facts.error = fmt::format("the pixels are damaged: {}", fmt::join(facts.damage, "; "));
   }
+  if (facts.error.empty()) facts.error = facts.lostPages;
   facts.verified = facts.error.empty();
 }
 

@@ -26,6 +26,8 @@ struct PictureFacts {
   std::optional<bool> verified;
   /// What of the pixels is missing or broken; found only by decoding.
   std::vector<std::string> damage;
+  /// Why the file can have further pages that cannot be found; empty if it has none.
+  std::string lostPages;
   std::vector<std::string> warnings;
   /// Detected from the content: "bmp", "jpeg" and so on; "unknown" for any other content, empty if
   /// the file could not be opened.

@@ -18,7 +18,7 @@ constexpr int kMostInt = std::numeric_limits<int32_t>::max();
 /// Bands of hyperspectral pictures stay far below.
 constexpr int kMostBands = 65535;
 constexpr int kMostBits = 64;
-constexpr size_t kMostNames = 1000, kMostNameBytes = size_t{1} << 16;
+constexpr size_t kMostTags = 65536, kMostNames = 1000, kMostNameBytes = size_t{1} << 16;
 
 int ReadCount(FieldReader& fields) {
   return fields.I32In(0, kMostInt);
@@ -169,9 +169,9 @@ PixelLayout ReadLayout(FieldReader& fields) {
 }
 
 void WriteHeader(FieldWriter& fields, const PictureHeader& header) {
-  const auto& [width, height, layout, form, metadata, orientation, pages, frames, smallerCopies,
-               masks, positionTags, hiddenCopies, hiddenOthers, unreadPosition, trailerAt, isCutOff,
-               warnings] = header;
+  const auto& [width, height, layout, form, metadata, orientation, pages, frames, lostPages,
+               directoryTags, smallerCopies, masks, positionTags, hiddenCopies, hiddenOthers,
+               unreadPosition, trailerAt, isCutOff, warnings] = header;
   fields.I32(width);
   fields.I32(height);
   WriteLayout(fields, layout);
@@ -179,6 +179,8 @@ void WriteHeader(FieldWriter& fields, const PictureHeader& header) {
   WriteMetadata(fields, metadata);
   WriteOrientation(fields, orientation);
   for (const int number : {pages, frames, smallerCopies, masks}) fields.I32(number);
+  fields.ByteText(lostPages);
+  fields.List(directoryTags, [&](uint16_t tag) { fields.U16(tag); });
   WriteTags(fields, positionTags);
   WriteNames(fields, hiddenCopies);
   WriteNames(fields, hiddenOthers);
@@ -190,9 +192,9 @@ void WriteHeader(FieldWriter& fields, const PictureHeader& header) {
 
 PictureHeader ReadHeader(FieldReader& fields) {
   PictureHeader header;
-  auto& [width, height, layout, form, metadata, orientation, pages, frames, smallerCopies, masks,
-         positionTags, hiddenCopies, hiddenOthers, unreadPosition, trailerAt, isCutOff, warnings] =
-      header;
+  auto& [width, height, layout, form, metadata, orientation, pages, frames, lostPages,
+         directoryTags, smallerCopies, masks, positionTags, hiddenCopies, hiddenOthers,
+         unreadPosition, trailerAt, isCutOff, warnings] = header;
   width = ReadCount(fields);
   height = ReadCount(fields);
   layout = ReadLayout(fields);
@@ -200,6 +202,8 @@ PictureHeader ReadHeader(FieldReader& fields) {
   metadata = ReadMetadata(fields);
   orientation = ReadOrientation(fields);
   for (int* number : {&pages, &frames, &smallerCopies, &masks}) *number = ReadCount(fields);
+  lostPages = fields.ByteText(kMostNameBytes);
+  directoryTags = fields.List(kMostTags, 2, [&] { return fields.U16(); });
   positionTags = ReadTags(fields);
   hiddenCopies = ReadNames(fields);
   hiddenOthers = ReadNames(fields);

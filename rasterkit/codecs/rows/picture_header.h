@@ -25,6 +25,11 @@ struct PictureHeader {
   /// Pictures in the file: pages of a TIFF file without smaller copies and masks, frames of an
   /// animation.
   int pages = 1, frames = 1;
+  /// Why a TIFF file can have further pages that cannot be found; empty if all of them are.
+  std::string lostPages;
+  /// Tags of a page that lead to directories of other programs: kept where compressed pixels are
+  /// copied, and lost where they are written anew.
+  std::vector<uint16_t> directoryTags;
   /// Smaller copies and masks of the first page of a TIFF file.
   int smallerCopies = 0, masks = 0;
   /// Tags of the first directory that state a position, a coordinate system or "no data": 33550,

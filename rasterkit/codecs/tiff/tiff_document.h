@@ -41,6 +41,9 @@ class RASTERKIT_EXPORT TiffDocumentReader {
   /// reader of this room reads that page. PictureHeader::pages of its header is that of the whole
   /// file. Must not outlive this object. Throws RangeError if there is no such page.
   std::unique_ptr<TStream> PageStream(int page) const;
+  /// The same, read through another stream of the same bytes at its beginning, which must outlive
+  /// the result. The result does not need this object.
+  std::unique_ptr<TStream> PageStream(int page, TStream& stream) const;
   /// Upper bound of the bytes that CopyPage writes for a page; with `writing`, of the page with
   /// that metadata and position.
   uint64_t PageBytes(int page, const PictureWriting* writing = nullptr) const;

@@ -130,7 +130,13 @@ int Document::Pages() const {
 }
 
 Picture Document::Page(int page) const {
-  return PictureOf(state_->Get(page));
+  const Entry& entry = state_->Get(page);
+  try {
+    return PictureOf(entry);
+  } catch (const UnsupportedError& error) {
+    // Other pages of the file can be of a kind that is supported.
+    throw UnsupportedError(fmt::format("page {}: {}", page, error.Reason()), error.File());
+  }
 }
 
 bool Document::IsAsStored(int page) const {
@@ -189,6 +195,19 @@ std::vector<DocumentPage> Document::List() const {
     list.push_back(entry.picture ? FactsOf(*entry.picture) : FactsOf(entry, files));
   }
   return list;
+}
+
+std::vector<std::string> Document::Warnings() const {
+  std::vector<std::string> warnings;
+  for (const Entry& entry : state_->pages) {
+    const detail::PictureSource& source =
+        entry.picture ? *detail::PictureParts::Source(*entry.picture) : *entry.file;
+    const std::string& lost = source.Header().lostPages;
+    if (!lost.empty() && std::find(warnings.begin(), warnings.end(), lost) == warnings.end()) {
+      warnings.push_back(lost);
+    }
+  }
+  return warnings;
 }
 
 Document& Document::Insert(int page, const Document& pages) {

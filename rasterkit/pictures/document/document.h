@@ -70,6 +70,9 @@ class RASTERKIT_EXPORT Document {
   bool IsAsStored(int page) const;
   /// Facts of all pages, from their headers. A page whose header cannot be read has an error.
   std::vector<DocumentPage> List() const;
+  /// Why the files of the pages can have further pages that cannot be found: a chain of pages that
+  /// ends in damage, or is too long. Empty for sound files. Saving reports it as a loss.
+  std::vector<std::string> Warnings() const;
 
   Document& Append(const Document& pages) { return Insert(Pages() + 1, pages); }
   Document& Append(const Picture& picture) { return Insert(Pages() + 1, Of(picture)); }

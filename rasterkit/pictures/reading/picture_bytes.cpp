@@ -8,31 +8,19 @@
 namespace rasterkit::detail {
 namespace {
 
-/// A page together with the stream of its file.
-class PageOfFile : public TStream {
- public:
-  PageOfFile(std::unique_ptr<TStream> file, PictureType type, int page)
-      : file_(std::move(file)), view_(*file_, type, page) {}
-
-  size_t Read(std::span<uint8_t> target) override { return view_.Stream().Read(target); }
-  size_t ReadScattered(std::span<const std::span<uint8_t>> pieces) override {
-    return view_.Stream().ReadScattered(pieces);
-  }
-  void Write(std::span<const uint8_t> source) override { view_.Stream().Write(source); }
-  uint64_t Position() const override { return view_.Stream().Position(); }
-  void SetPosition(uint64_t position) override { view_.Stream().SetPosition(position); }
-  uint64_t Size() const override { return view_.Stream().Size(); }
-
- private:
-  const std::unique_ptr<TStream> file_;
-  PageView view_;
-};
+std::unique_ptr<TStream> StreamOf(const std::shared_ptr<const SharedFile>& file,
+                                  const std::shared_ptr<const std::vector<uint8_t>>& memory) {
+  if (file) return file->Stream();
+  return std::make_unique<TSpanStream>(*memory);
+}
 
 }  // namespace
 
 PictureBytes::PictureBytes(std::vector<uint8_t> bytes, std::string name)
     : name_(std::move(name)),
-      memory_(std::make_shared<const std::vector<uint8_t>>(std::move(bytes))) {}
+      memory_(std::make_shared<const std::vector<uint8_t>>(std::move(bytes))) {
+  SharePages();
+}
 
 PictureBytes::PictureBytes(const std::string& file) : name_(file) {
   auto open = std::make_shared<const SharedFile>(file);
@@ -41,6 +29,12 @@ PictureBytes::PictureBytes(const std::string& file) : name_(file) {
   } else {
     memory_ = std::make_shared<const std::vector<uint8_t>>(ReadUnsizedPicture(*open->Stream()));
   }
+  SharePages();
+}
+
+void PictureBytes::SharePages() {
+  pages_ = std::make_shared<SharedPages>(
+      [file = file_, memory = memory_] { return StreamOf(file, memory); });
 }
 
 uint64_t PictureBytes::Size() const {
@@ -48,13 +42,15 @@ uint64_t PictureBytes::Size() const {
 }
 
 std::unique_ptr<TStream> PictureBytes::Stream() const {
-  if (file_) return file_->Stream();
-  return std::make_unique<TSpanStream>(*memory_);
+  return StreamOf(file_, memory_);
 }
 
 std::unique_ptr<TStream> PictureBytes::PageStream(PictureType type, int page) const {
-  if (page == 1) return Stream();
-  return std::make_unique<PageOfFile>(Stream(), type, page);
+  return pages_->View(type, page);
+}
+
+PictureHeader PictureBytes::Header(PictureType type, int page) const {
+  return pages_->Header(type, page);
 }
 
 void PictureBytes::RequireUnchanged() const {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/runtime/files/shared_file.h>
 #include <rasterkit/runtime/files/stream.h>
@@ -23,6 +24,10 @@ class PictureBytes {
   std::unique_ptr<TStream> Stream() const;
   /// The same, as a file whose first picture is that page (see PageView).
   std::unique_ptr<TStream> PageStream(PictureType type, int page) const;
+  /// See ReadPageHeader.
+  PictureHeader Header(PictureType type, int page) const;
+  /// The same for all copies, and for no other object that exists.
+  const void* Identity() const { return pages_.get(); }
   /// Throws FileError if the open file changed.
   void RequireUnchanged() const;
   bool IsNamed(const std::string& file) const;
@@ -30,9 +35,12 @@ class PictureBytes {
   SystemFile Handle() const;
 
  private:
+  void SharePages();
+
   std::string name_;
   std::shared_ptr<const SharedFile> file_;
   std::shared_ptr<const std::vector<uint8_t>> memory_;
+  std::shared_ptr<SharedPages> pages_;
 };
 
 }  // namespace rasterkit::detail

@@ -171,6 +171,10 @@ class ApartSink : public PageSink {
     return nullptr;
   }
 
+  static bool IsOfFile(const PictureSource* source, const PictureSource& file) {
+    return source != nullptr && source->FileIdentity() == file.FileIdentity();
+  }
+
   /// Puts the pages of a file among those that are there.
   std::vector<uint8_t> Joined(const PictureSource& file, std::vector<uint8_t> bytes,
                               std::vector<WrittenPicture>& pages) {
@@ -180,11 +184,11 @@ class ApartSink : public PageSink {
     for (size_t i = 0; i < places_.size(); ++i) {
       Ordered& place = places_[i];
       if (place.file == nullptr) {
-        const bool isOfFile = place.origin == &file;
+        const bool isOfFile = IsOfFile(place.origin, file);
         order.pages.push_back({true, ++nearPage, std::nullopt, place.place.page, place.place.count,
                                isOfFile ? place.oldPage : 0});
         if (isOfFile) place.origin = nullptr;
-      } else if (place.file == &file) {
+      } else if (IsOfFile(place.file, file)) {
         order.pages.push_back(
             {false, place.page, std::move(place.writing), place.place.page, place.place.count, 0});
       } else {
@@ -200,6 +204,10 @@ class ApartSink : public PageSink {
         throw;
       }
     }();
+    if (!document.damaged.empty()) {
+      for (DamagedPage& page : document.damaged) page.index = copied.at(page.index);
+      throw DamagedPages(std::move(document.damaged));
+    }
     for (size_t i = 0; i < copied.size(); ++i) {
       Ordered& place = places_[copied[i]];
       if (place.file != nullptr) pages[copied[i]] = std::move(document.pages[i]);
@@ -235,7 +243,7 @@ WrittenPicture StreamTarget::Copy(const PictureSource& source, const PictureWrit
 
 const TiffDocumentReader* SourceFiles::Of(const PictureSource& source) {
   if (source.Type() != PictureType::tiff || source.IsApart()) return nullptr;
-  File& file = files_[&source];
+  File& file = files_[source.FileIdentity()];
   if (!file.reader) {
     file.stream = source.WholeFile();
     if (!file.stream) return nullptr;

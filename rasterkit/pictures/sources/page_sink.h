@@ -4,12 +4,14 @@
 #include <map>
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/codecs/tiff/tiff_document.h>
 #include <rasterkit/pictures/sources/picture_source.h>
+#include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit::detail {
@@ -56,7 +58,7 @@ class SourceFiles {
     std::unique_ptr<TStream> stream;
     std::unique_ptr<TiffDocumentReader> reader;
   };
-  std::map<const PictureSource*, File> files_;
+  std::map<const void*, File> files_;
 };
 
 /// How the numbers of a TIFF file are stored.
@@ -69,6 +71,15 @@ struct PagePlace {
   int page = 1, count = 1;
 };
 
+/// Pages of a file, by their place among those that were written, that a worker could not copy.
+class DamagedPages : public FormatError {
+ public:
+  explicit DamagedPages(std::vector<DamagedPage> found)
+      : FormatError("pages are damaged"), pages(std::move(found)) {}
+
+  std::vector<DamagedPage> pages;
+};
+
 /// A TIFF file of several pages, written one after another.
 class PageSink : public PictureTarget {
  public:
@@ -79,6 +90,7 @@ class PageSink : public PictureTarget {
   /// Copies a page of the source's file as it is.
   virtual void CopyAsStored(const PictureSource& source, int page) = 0;
   /// Completes the file. Returns what became of each page: copying by a worker happens only then.
+  /// Throws DamagedPages if that fails, before a byte is written to the target.
   virtual std::vector<WrittenPicture> Finish() = 0;
 };
 

@@ -61,6 +61,8 @@ class PictureSource {
   /// Puts a file together from pages of this one and new pages, in a worker process.
   virtual IsolatedDocument WriteDocument(const DocumentOrder& order) const;
 
+  /// The same for all pages of an open file.
+  virtual const void* FileIdentity() const { return this; }
   virtual uint64_t ByteCount() const { return 0; }
   /// True if the name leads to the open file of this source.
   virtual bool IsNamed(const std::string&) const { return false; }

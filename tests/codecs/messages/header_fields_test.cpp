@@ -49,6 +49,8 @@ PictureHeader FullHeader(const Form& form) {
   metadata.hasJfif = true;
   header.orientation = 6;
   header.pages = 3;
+  header.lostPages = "ends in damage";
+  header.directoryTags = {400, 65000};
   header.frames = 4;
   header.smallerCopies = 5;
   header.masks = 6;
@@ -89,6 +91,8 @@ TEST(HeaderFields, Header_Should_ComeBack_WithEveryMember) {
     EXPECT_EQ(back.layout.bands, 4);
     EXPECT_EQ(back.metadata.texts, FullHeader(form).metadata.texts);
     EXPECT_EQ(back.metadata.resolution, (Resolution{300, 150.5}));
+    EXPECT_EQ(back.lostPages, "ends in damage");
+    EXPECT_EQ(back.directoryTags, (std::vector<uint16_t>{400, 65000}));
     EXPECT_EQ(back.trailerAt, 12345678901u);
     EXPECT_EQ(back.hiddenOthers, std::vector<std::string>{"video"});
     EXPECT_EQ(back.unreadPosition, "words");

@@ -48,10 +48,11 @@ detail::TagDirectory TiffDocumentReader::State::Directory(int page) const {
   return std::move(*directory);
 }
 
-std::unique_ptr<detail::PageStream> TiffDocumentReader::State::StreamOf(int page) const {
+std::unique_ptr<detail::PageStream> TiffDocumentReader::State::StreamOf(int page,
+                                                                        TStream& bytes) const {
   const size_t index = IndexOf(page);
-  auto result = std::make_unique<detail::PageStream>(stream, reader, chain.At(index));
-  result->EndAfter(reader, chain.LastAt(index), chain.Pages());
+  auto result = std::make_unique<detail::PageStream>(bytes, reader, chain.At(index));
+  result->EndAfter(reader, chain.LastAt(index), chain);
   return result;
 }
 
@@ -83,7 +84,11 @@ bool TiffDocumentReader::IsBigEndian() const {
 }
 
 std::unique_ptr<TStream> TiffDocumentReader::PageStream(int page) const {
-  return state_->StreamOf(page);
+  return state_->StreamOf(page, state_->stream);
+}
+
+std::unique_ptr<TStream> TiffDocumentReader::PageStream(int page, TStream& stream) const {
+  return state_->StreamOf(page, stream);
 }
 
 uint64_t TiffDocumentReader::PageBytes(int page, const PictureWriting* writing) const {
@@ -114,7 +119,7 @@ std::unique_ptr<TStream> TiffPageStream(TStream& stream, int page) {
   }
   const size_t index = static_cast<size_t>(page) - 1;
   auto result = std::make_unique<detail::PageStream>(source, reader, chain.At(index));
-  result->EndAfter(reader, chain.LastAt(index), chain.Pages());
+  result->EndAfter(reader, chain.LastAt(index), chain);
   result->Own(std::move(memory));
   return result;
 }

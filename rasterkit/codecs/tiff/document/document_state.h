@@ -16,7 +16,7 @@ struct TiffDocumentReader::State {
   /// The index of a page counted from 1. Throws RangeError if there is no such page.
   size_t IndexOf(int page) const;
   detail::TagDirectory Directory(int page) const;
-  std::unique_ptr<detail::PageStream> StreamOf(int page) const;
+  std::unique_ptr<detail::PageStream> StreamOf(int page, TStream& bytes) const;
   uint64_t BytesOf(int page, const PictureWriting* writing) const;
 
   /// The bytes of a source without a size.

@@ -14,10 +14,15 @@ constexpr size_t kMostDirectories = 65535;
 
 PageChain::PageChain(const TagReader& reader) {
   uint64_t at = reader.First();
-  while (at != 0 && seen_.size() < kMostDirectories && seen_.insert(at).second) {
+  while (at != 0) {
     RequireTime();
     const auto link = reader.Link(at);
-    if (!link) break;
+    if (!link || seen_.contains(at) || seen_.size() >= kMostDirectories) {
+      end_ = !link ? ChainEnd::damage : seen_.contains(at) ? ChainEnd::circle : ChainEnd::limit;
+      break;
+    }
+    seen_.insert(at);
+    if (link->isCutOff) end_ = ChainEnd::damage;
     const bool belongs = (link->subfileType & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) != 0;
     // The first directory is always a page.
     if (!belongs || directories_.empty()) starts_.push_back(directories_.size());

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <unordered_set>
 #include <vector>
 
@@ -23,6 +24,8 @@ class PageChain {
   std::span<const uint64_t> Following(size_t page) const;
   /// True for a directory of any page.
   bool Contains(uint64_t at) const { return seen_.contains(at); }
+  /// Why there can be further pages; empty if there are none.
+  std::string Lost() const { return LostPages(end_, Pages()); }
   /// The last directory that belongs to a page by its place in the chain.
   uint64_t LastAt(size_t page) const;
 
@@ -34,6 +37,7 @@ class PageChain {
   std::vector<uint64_t> directories_;
   std::vector<size_t> starts_;
   std::unordered_set<uint64_t> seen_;
+  ChainEnd end_ = ChainEnd::last;
 };
 
 }  // namespace rasterkit::detail

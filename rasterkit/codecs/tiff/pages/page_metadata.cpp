@@ -72,7 +72,12 @@ bool MetadataReader::Affords(const TagPlace& place) {
 
 void MetadataReader::ReadTag(const TagPlace& place) {
   // A place would lead nowhere in another file.
-  if (LeadsToDirectory(place.tag, place.type)) return;
+  if (LeadsToDirectory(place.tag, place.type)) {
+    const bool isRead = place.tag == TIFFTAG_SUBIFD || place.tag == TIFFTAG_EXIFIFD ||
+                        place.tag == TIFFTAG_GPSIFD || place.tag == kInteropPointer;
+    if (!isRead && place.count > 0) header_.directoryTags.push_back(place.tag);
+    return;
+  }
   switch (KindOfTag(place.tag)) {
     case TagKind::structure:
       if (place.tag == TIFFTAG_EXTRASAMPLES) ReadExtraSamples(place);

@@ -63,7 +63,9 @@ PictureHeader HeaderOf(TStream& stream) {
   ReadPageMetadata(reader, first, header);
   const detail::PageFamily family = FamilyOf(reader, first);
   const auto* page = dynamic_cast<const detail::PageStream*>(&stream);
-  header.pages = page && page->Pages() > 0 ? page->Pages() : family.pages;
+  const bool isOfFile = page && page->Pages() > 0;
+  header.pages = isOfFile ? page->Pages() : family.pages;
+  header.lostPages = isOfFile ? page->LostPages() : LostPages(family.end, family.pages);
   for (const auto* places : {&family.following, &family.below}) {
     for (const uint64_t at : *places) {
       const bool isMask = (reader.SubfileType(at) & FILETYPE_MASK) != 0;

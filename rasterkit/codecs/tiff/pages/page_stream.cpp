@@ -10,8 +10,9 @@ PageStream::PageStream(TStream& stream, const TagReader& reader, uint64_t direct
   SetNumber(reader, reader.IsBig() ? 8 : 4, directoryAt);
 }
 
-void PageStream::EndAfter(const TagReader& reader, uint64_t directoryAt, int pages) {
-  pages_ = pages;
+void PageStream::EndAfter(const TagReader& reader, uint64_t directoryAt, const PageChain& chain) {
+  pages_ = chain.Pages();
+  lostPages_ = chain.Lost();
   if (const auto link = reader.Link(directoryAt)) SetNumber(reader, link->at, 0);
 }
 

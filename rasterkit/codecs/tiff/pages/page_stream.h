@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include <rasterkit/codecs/tiff/pages/page_chain.h>
 #include <rasterkit/codecs/tiff/pages/tag_reader.h>
 #include <rasterkit/runtime/files/stream.h>
 
@@ -16,10 +18,13 @@ class PageStream : public TStream {
   /// `stream` is that of the reader and must outlive this object.
   PageStream(TStream& stream, const TagReader& reader, uint64_t directoryAt);
 
-  /// Ends the chain of directories after this one. The header of the page states `pages` pages.
-  void EndAfter(const TagReader& reader, uint64_t directoryAt, int pages);
+  /// Ends the chain of directories after this one. The header of the page states the pages of the
+  /// whole chain.
+  void EndAfter(const TagReader& reader, uint64_t directoryAt, const PageChain& chain);
   /// Pages of the whole file; 0 if only the stream itself tells.
   int Pages() const { return pages_; }
+  /// What is known of further pages of the whole file (see PictureHeader::lostPages).
+  const std::string& LostPages() const { return lostPages_; }
   /// Keeps the bytes that this stream reads.
   void Own(std::unique_ptr<TStream> stream) { owned_ = std::move(stream); }
 
@@ -42,6 +47,7 @@ class PageStream : public TStream {
   uint64_t position_ = 0;
   std::vector<Patch> patches_;
   int pages_ = 0;
+  std::string lostPages_;
   std::unique_ptr<TStream> owned_;
 };
 

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <unordered_set>
 
+#include <fmt/format.h>
 #include <tiff.h>
 
 #include <rasterkit/codecs/tiff/pages/tag_reader.h>
@@ -166,9 +167,13 @@ std::optional<TagReader::ChainLink> TagReader::Link(uint64_t at) const {
   link.at = at + CountBytes() + count * EntryBytes();
   const int width = isBig_ ? 8 : 4;
   const uint64_t inside = link.at - at;
-  link.next = inside + static_cast<uint64_t>(width) <= head.size()
-                  ? Number(bytes.data() + inside, width)
-                  : NumberAt(link.at, width).value_or(0);
+  if (inside + static_cast<uint64_t>(width) <= head.size()) {
+    link.next = Number(bytes.data() + inside, width);
+    return link;
+  }
+  const auto next = NumberAt(link.at, width);
+  link.next = next.value_or(0);
+  link.isCutOff = !next && link.at != size_;
   return link;
 }
 
@@ -245,16 +250,36 @@ double TagReader::Fraction(const TagDirectory& directory, uint16_t tag) const {
   return below == 0 ? 0 : static_cast<double>(Number(bytes.data(), 4)) / static_cast<double>(below);
 }
 
+std::string LostPages(ChainEnd end, int pages) {
+  switch (end) {
+    case ChainEnd::damage:
+      return fmt::format("the chain of pages ends in damage after page {}", pages);
+    case ChainEnd::circle:
+      return fmt::format("the chain of pages leads back to itself after page {}", pages);
+    case ChainEnd::limit:
+      return fmt::format("pages after page {} are not read: the file has too many", pages);
+    default:
+      return {};
+  }
+}
+
 PageFamily FamilyOf(const TagReader& reader, const TagDirectory& first) {
   PageFamily family;
   family.pages = 1;
   std::unordered_set<uint64_t> seen = {first.at};
   bool isOfFirst = true;
+  const auto firstLink = reader.Link(first.at);
+  if (!firstLink || firstLink->isCutOff) family.end = ChainEnd::damage;
   uint64_t at = first.next;
-  while (at != 0 && seen.insert(at).second) {
+  while (at != 0) {
     RequireTime();
     const auto link = reader.Link(at);
-    if (seen.size() > kMostPages || !link) break;
+    const bool isNew = seen.insert(at).second;
+    if (!isNew || !link || seen.size() > kMostPages) {
+      family.end = !isNew ? ChainEnd::circle : !link ? ChainEnd::damage : ChainEnd::limit;
+      break;
+    }
+    if (link->isCutOff) family.end = ChainEnd::damage;
     const bool isPage = (link->subfileType & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) == 0;
     if (isPage) {
       family.pages++;

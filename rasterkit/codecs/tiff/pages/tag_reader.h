@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include <rasterkit/metadata/tag_value.h>
@@ -66,6 +67,9 @@ class TagReader {
     /// Place of the number that leads to the next directory, and that number; 0 if it is cut off.
     uint64_t at = 0, next = 0;
     uint32_t subfileType = 0;
+    /// True if the directory ends before that number does. Some writers leave it out at the end of
+    /// a file: that is none.
+    bool isCutOff = false;
   };
   /// What a walk along the chain needs of a directory, mostly with one read; nothing if there is no
   /// directory with entries.
@@ -101,10 +105,17 @@ class TagReader {
   bool isBig_ = false, isBigEndian_ = false;
 };
 
+/// Why a walk along the chain of directories ended.
+enum class ChainEnd { last, damage, circle, limit };
+
+/// What that means for the pages after the last one that was found; empty if there are none.
+std::string LostPages(ChainEnd end, int pages);
+
 /// The directories that belong to the first page of a file.
 struct PageFamily {
   /// Pictures that are neither smaller copies nor masks of another one.
   int pages = 0;
+  ChainEnd end = ChainEnd::last;
   /// Places of the smaller copies and masks that follow the first page, and of its further
   /// directories (tag 330), at most 256 in all.
   std::vector<uint64_t> following, below;
