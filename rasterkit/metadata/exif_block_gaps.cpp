@@ -30,11 +30,12 @@ std::vector<ByteRange> Joined(std::vector<ByteRange> ranges) {
   return joined;
 }
 
-/// The first range from an even place with room for `bytes` in front of `end`.
-std::optional<ByteRange> RoomFor(const std::vector<ByteRange>& gaps, size_t bytes, size_t end) {
+/// The first even place for `range` in a gap in front of it, or in one that ends where it begins.
+std::optional<ByteRange> RoomFor(const std::vector<ByteRange>& gaps, const ByteRange& range) {
   for (const ByteRange& gap : gaps) {
     const size_t at = gap.at + gap.at % 2;
-    if (at + bytes <= std::min(gap.End(), end)) return ByteRange{at, bytes};
+    const size_t end = gap.End() == range.at ? range.End() : std::min(gap.End(), range.at);
+    if (at < range.at && at + range.size <= end) return ByteRange{at, range.size};
   }
   return std::nullopt;
 }
@@ -60,15 +61,18 @@ bool ExifBlock::MoveLastToGap() {
   for (const ByteRange& thumbnail : ThumbnailRanges()) take(thumbnail, 0);
   if (!last || last->pointerAt == 0 || UsersOf(last->range).size() != 1) return false;
   free_ = Joined(std::move(free_));
-  const auto room = RoomFor(free_, last->range.size, last->range.at);
-  if (!room || !UsersOf(*room).empty()) return false;
+  const auto room = RoomFor(free_, last->range);
+  if (!room) return false;
+  // Where it overlaps its old place, that one is a user.
+  const size_t users = room->Overlaps(last->range) ? 1 : 0;
+  if (UsersOf(*room).size() != users) return false;
   const auto first = bytes_.begin() + static_cast<std::ptrdiff_t>(last->range.at);
   std::copy(first, first + static_cast<std::ptrdiff_t>(room->size),
             bytes_.begin() + static_cast<std::ptrdiff_t>(room->at));
   PutLongAt(last->pointerAt, static_cast<uint32_t>(room->at));
   const auto gap = std::find_if(free_.begin(), free_.end(),
                                 [&](const ByteRange& one) { return one.Overlaps(*room); });
-  const ByteRange rest = {room->End(), gap->End() - room->End()};
+  const ByteRange rest = {room->End(), gap->End() - std::min(room->End(), gap->End())};
   *gap = {gap->at, room->at - gap->at};
   free_.push_back(rest);
   std::erase_if(free_, [](const ByteRange& one) { return one.size == 0; });

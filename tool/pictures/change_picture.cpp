@@ -457,7 +457,7 @@ JobResult ChangePicture(const Job& job, const PictureOptions& options, bool isDr
                         const PictureChange& change) {
   JobResult result = ChangeAny(job, options, isDryRun, change);
   if (!StripsPosition(options)) return result;
-  for (std::string& text : WarningsOfOtherFiles(job, result.backups)) {
+  for (std::string& text : WarningsOfOtherFiles(job)) {
     result.warnings.push_back(std::move(text));
   }
   return result;

@@ -85,8 +85,7 @@ std::vector<std::string> WarningsOfMetadata(const Metadata& metadata) {
   return warnings;
 }
 
-std::vector<std::string> WarningsOfOtherFiles(const Job& job,
-                                              const std::vector<std::string>& backups) {
+std::vector<std::string> WarningsOfOtherFiles(const Job& job) {
   std::vector<std::string> warnings;
   if (IsStandardStream(job.output)) return warnings;
   const std::string stem = std::filesystem::path(job.output).replace_extension().string();
@@ -97,9 +96,8 @@ std::vector<std::string> WarningsOfOtherFiles(const Job& job,
       warnings.push_back(fmt::format("{}: this file beside the output states a position", name));
     }
   }
-  for (const std::string& backup : backups) {
-    warnings.push_back(
-        fmt::format("{}: the backup keeps the position (--no-backup makes none)", backup));
+  if (job.saving.keepsBackup) {
+    warnings.emplace_back("the backup of the old file keeps the position (--no-backup makes none)");
   }
   return warnings;
 }

@@ -17,7 +17,6 @@ bool StripsPosition(const PictureOptions& options);
 std::vector<std::string> WarningsOfMetadata(const Metadata& metadata);
 
 /// Warnings of files beside the output that still state a position: GDAL's, XMP packets, backups.
-std::vector<std::string> WarningsOfOtherFiles(const Job& job,
-                                              const std::vector<std::string>& backups);
+std::vector<std::string> WarningsOfOtherFiles(const Job& job);
 
 }  // namespace rasterkit::tool

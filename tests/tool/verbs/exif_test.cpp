@@ -435,7 +435,7 @@ TEST_F(CliExif, StripGps_Should_WarnOfWhatStillStatesThePosition) {
   WriteText(folder_ / "photo.xmp", "<rdf:Description exif:GPSLatitude=\"48,8.5N\"/>");
   const ToolResult result = RunTool({"exif", "--strip-gps", "--in-place", photo});
   EXPECT_EQ(result.code, 0) << result.err;
-  for (const char* text : {"photo.jpg.aux.xml: ", "photo.xmp: ", "photo.jpg~: ", "maker note",
+  for (const char* text : {"photo.jpg.aux.xml: ", "photo.xmp: ", "the backup of", "maker note",
                            "comment of the EXIF block"}) {
     EXPECT_THAT(result.err, HasSubstr(text));
   }
