@@ -173,7 +173,7 @@ void FollowPixelsInExif(ExifBlock& exif, const PixelChange& change, Changes& cha
   // What lies outside of the maker note belongs to it, too: no tag of the format leads there.
   if (exif.Has(Id::exif, exif::kMakerNote) && HasPreview(exif)) {
     changes.Lose(LossKind::makerNote, "the preview in the maker note",
-                 "it shows the old picture (--strip-maker-note removes it)");
+                 "it shows the old picture; --strip-maker-note removes it");
   }
 }
 
