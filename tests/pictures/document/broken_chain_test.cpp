@@ -232,6 +232,18 @@ TEST_P(BrokenChain, Input_Should_BeNamed_When_NoPageCanBeRead) {
   }
 }
 
+/// The input is at fault, not the output that would have no page.
+TEST_P(BrokenChain, Input_Should_BeNamed_When_NoPageCanBeDecoded) {
+  const std::string name = File(Chain().PageAt(kBeyond).PageAt(kBeyond));
+  try {
+    Document::Open(name, Options()).Save(folder_ / "out.tif");
+    ADD_FAILURE() << "a file without pages";
+  } catch (const FormatError& error) {
+    EXPECT_EQ(error.File(), name);
+    EXPECT_THAT(error.Reason(), HasSubstr("page 1: it is damaged: "));
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(All, BrokenChain, testing::Values(Isolation::none, Isolation::process),
                          [](const auto& info) {
                            return info.param == Isolation::none ? "here" : "apart";
