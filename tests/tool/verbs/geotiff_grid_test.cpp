@@ -165,18 +165,6 @@ TEST_F(CliGeoTiffGrid, MissingRows_Should_BeWarnedAbout) {
   EXPECT_FALSE(JsonLines(result.out).at(0)["warnings"].empty());
 }
 
-TEST_F(CliGeoTiffGrid, ComplexNumbers_Should_GiveTheirRealPartsAndAWarning) {
-  grid_.width = 1;
-  grid_.height = 1;
-  SaveWords(5, {7, 9});
-  grid_.bits = 32;
-  WriteBytes(file_, samples::GridTiffBytes(grid_));
-  const json grid = Show({"--at", "0,0"});
-  EXPECT_EQ(grid["grid"], "int16");
-  EXPECT_EQ(grid["at"][0]["value"], 7);
-  EXPECT_THAT(grid["warnings"].dump(), HasSubstr("real parts"));
-}
-
 TEST_F(CliGeoTiffGrid, NoData_Should_StayOutOfTheStatistics) {
   grid_.noData = "-9999";
   Save({-9999, 2, 4, -9999, 6, -9998.999f});
