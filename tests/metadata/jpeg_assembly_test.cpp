@@ -159,7 +159,13 @@ TEST(AssembleJpegSegments, Should_LoseAnExifBlock_When_ItIsLargeWithoutThumbnail
   metadata.exif = block.Bytes();
   ASSERT_EQ(metadata.exif.size(), 65527U);
   EXPECT_THAT(Written(metadata).Losses(), IsEmpty());
+  // Bytes that nothing uses are dropped.
   metadata.exif.push_back(0);
+  EXPECT_THAT(Written(metadata).Losses(), IsEmpty());
+  metadata.exif.pop_back();
+  ExifBlock larger(metadata.exif);
+  larger.SetText(ExifDirectoryId::main, 270, std::string(65527, 'x'));
+  metadata.exif = larger.Bytes();
   EXPECT_THAT(Written(metadata).Losses(), ElementsAre(LossKind::exif));
 }
 
