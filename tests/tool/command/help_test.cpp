@@ -107,7 +107,8 @@ TEST(CliHelp, UsageLine_Should_NameTheFiles) {
 TEST(CliHelp, OptionsOfAVerb_Should_SayWhatGoesTogether) {
   EXPECT_THAT(RunTool({"whiten", "--help"}).out, HasSubstr("(required)"));
   const std::string text = RunTool({"geotiff", "--help"}).out;
-  EXPECT_THAT(text, HasSubstr("(needs --pixel-size) (not with --point,"));
+  EXPECT_THAT(text, HasSubstr("(needs --out-dir)"));
+  EXPECT_THAT(text, HasSubstr("pixel (not with --point, --world-file)"));
 }
 
 TEST(CliHelp, Lines_Should_FitInto80Columns_When_StdoutIsNoTerminal) {
