@@ -115,6 +115,7 @@ TEST(Jp2Picture, Position_Should_BeLost_When_GmlAloneStatesIt) {
   const TempFolder folder;
   const std::string file =
       folder.Write("gml.jp2", FileOfJp2(EncodeCodestream({}), ColorBox(kSrgb), LabelOfGml()));
+  detail::SetWorkerProgram(RASTERKIT_WORKER);
   for (const Isolation isolation : {Isolation::none, Isolation::process}) {
     OpenOptions options;
     options.isolation = isolation;
@@ -123,6 +124,7 @@ TEST(Jp2Picture, Position_Should_BeLost_When_GmlAloneStatesIt) {
     EXPECT_EQ(report.losses[0].kind, LossKind::position);
     EXPECT_THAT(report.losses[0].what, HasSubstr("GML"));
   }
+  detail::SetWorkerProgram({});
   // A world file states it, too.
   folder.Write("gml.j2w", std::string_view("2\n0\n0\n-2\n1001\n1999\n"));
   EXPECT_THAT(Picture::Open(file).Save(folder / "out.tif").losses, IsEmpty());
