@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/metadata/jpeg_assembly.h>
@@ -19,22 +20,6 @@ namespace rasterkit::detail {
 namespace {
 
 constexpr int kSampleSide = 16;
-
-JpegForm Transposed(JpegForm form) {
-  constexpr size_t kSide = 8;
-  for (auto& table : form.tables) {
-    if (!table) continue;
-    auto turned = *table;
-    for (size_t row = 0; row < kSide; ++row) {
-      for (size_t column = 0; column < kSide; ++column) {
-        turned[row * kSide + column] = (*table)[column * kSide + row];
-      }
-    }
-    table = turned;
-  }
-  for (JpegForm::Component& component : form.components) std::swap(component.h, component.v);
-  return form;
-}
 
 /// The form of pixels of another kind than those of the source: what was requested, not what the
 /// source had.
