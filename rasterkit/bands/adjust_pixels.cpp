@@ -1,5 +1,5 @@
 #include <rasterkit/bands/adjust_pixels.h>
-#include <rasterkit/bands/row_work.h>
+#include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/bitmaptools/engine/color_rows.h>
 #include <rasterkit/bitmaptools/engine/sharpen.h>
 #include <rasterkit/bitmaptools/engine/shift_colors.h>

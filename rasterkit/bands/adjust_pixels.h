@@ -1,7 +1,7 @@
 #pragma once
 
 #include <rasterkit/bands/color_change.h>
-#include <rasterkit/bands/stage.h>
+#include <rasterkit/bands/stage/stage.h>
 #include <rasterkit/graphics/bitmap.h>
 
 namespace rasterkit::detail {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <rasterkit/bands/filter.h>
-#include <rasterkit/bands/sides.h>
+#include <rasterkit/bands/stage/filter.h>
+#include <rasterkit/bands/stage/sides.h>
 #include <rasterkit/raster/pixels.h>
 
 /// Formats whose pixels can be averaged.

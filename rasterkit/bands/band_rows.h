@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include <rasterkit/bands/filter.h>
+#include <rasterkit/bands/stage/filter.h>
 #include <rasterkit/raster/pixels.h>
 
 namespace rasterkit::detail {

@@ -5,7 +5,7 @@
 
 #include <rasterkit/bands/color_changes.h>
 #include <rasterkit/bands/pixel_grid.h>
-#include <rasterkit/bands/row_work.h>
+#include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/raster/cut_out.h>
 #include <rasterkit/runtime/errors.h>

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include <rasterkit/bands/color_change.h>
-#include <rasterkit/bands/stage.h>
+#include <rasterkit/bands/stage/stage.h>
 #include <rasterkit/graphics/bitmap.h>
 
 /// The changes of color, each with the rules that people expect: palettes keep their depth, and

@@ -3,7 +3,7 @@
 #include <memory>
 #include <optional>
 
-#include <rasterkit/bands/filter.h>
+#include <rasterkit/bands/stage/filter.h>
 #include <rasterkit/placement/affine.h>
 #include <rasterkit/raster/pixels.h>
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <rasterkit/bands/filter.h>
+#include <rasterkit/bands/stage/filter.h>
 #include <rasterkit/raster/pixels.h>
 
 /// What stands where a turned picture has no pixels.

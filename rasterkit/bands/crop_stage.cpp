@@ -2,7 +2,7 @@
 #include <string>
 
 #include <rasterkit/bands/pixel_grid.h>
-#include <rasterkit/bands/row_work.h>
+#include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/raster/cut_out.h>
 #include <rasterkit/runtime/errors.h>

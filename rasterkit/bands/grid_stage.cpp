@@ -11,7 +11,7 @@
 #include <rasterkit/bands/colors/sample_values.h>
 #include <rasterkit/bands/layouts.h>
 #include <rasterkit/bands/pixel_grid.h>
-#include <rasterkit/bands/row_work.h>
+#include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/runtime/errors.h>
 

@@ -2,8 +2,8 @@
 
 #include <rasterkit/bands/color_change.h>
 #include <rasterkit/bands/combine.h>
-#include <rasterkit/bands/filter.h>
-#include <rasterkit/bands/sides.h>
+#include <rasterkit/bands/stage/filter.h>
+#include <rasterkit/bands/stage/sides.h>
 #include <rasterkit/metadata/loss.h>
 #include <rasterkit/raster/pixel_layout.h>
 #include <rasterkit/runtime/export.h>

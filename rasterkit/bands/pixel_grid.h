@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/bands/sides.h>
+#include <rasterkit/bands/stage/sides.h>
 #include <rasterkit/kernels/rows/pixel_rows.h>
 #include <rasterkit/raster/pixels.h>
 

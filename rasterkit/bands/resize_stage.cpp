@@ -6,7 +6,7 @@
 #include <rasterkit/bands/band_rows.h>
 #include <rasterkit/bands/mean_rows.h>
 #include <rasterkit/bands/picked_rows.h>
-#include <rasterkit/bands/row_work.h>
+#include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/raster/stretch/axis_positions.h>
 #include <rasterkit/raster/stretch/halftone.h>

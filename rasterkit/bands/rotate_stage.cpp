@@ -9,7 +9,7 @@
 #include <rasterkit/bands/band_rows.h>
 #include <rasterkit/bands/corner_fill.h>
 #include <rasterkit/bands/linear_rows.h>
-#include <rasterkit/bands/row_work.h>
+#include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/kernels/turn/gather_pixels.h>
 #include <rasterkit/kernels/turn/rotate_pixels.h>

@@ -5,9 +5,9 @@
 
 #include <rasterkit/bands/color_change.h>
 #include <rasterkit/bands/combine.h>
-#include <rasterkit/bands/filter.h>
-#include <rasterkit/bands/sides.h>
-#include <rasterkit/bands/stage.h>
+#include <rasterkit/bands/stage/filter.h>
+#include <rasterkit/bands/stage/sides.h>
+#include <rasterkit/bands/stage/stage.h>
 #include <rasterkit/placement/affine.h>
 #include <rasterkit/runtime/export.h>
 

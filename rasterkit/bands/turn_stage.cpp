@@ -1,7 +1,7 @@
 #include <utility>
 
 #include <rasterkit/bands/pixel_grid.h>
-#include <rasterkit/bands/row_work.h>
+#include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/kernels/turn/turn_samples.h>
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
 
@@ -12,6 +13,8 @@
 #include <rasterkit/codecs/rows/picture_header.h>
 #include <rasterkit/codecs/rows/picture_metadata.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/codecs/rows/row_reader.h>
+#include <rasterkit/codecs/rows/row_writer.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/raster/pixels.h>
 #include <rasterkit/raster/raster.h>
@@ -67,6 +70,12 @@ struct Codec {
   WrittenPicture (*write)(const Pixels& pixels, const PictureWriting& writing,
                           TStream& stream) = nullptr;
   WrittenPicture (*copy)(TStream& source, const PictureWriting& writing, TStream& stream) = nullptr;
+  /// The same by rows, see picture_io.h. The result is null for files and pixels that the format
+  /// handles only as a whole.
+  std::unique_ptr<RowReader> (*openRows)(TStream& stream, const FrameOptions& options) = nullptr;
+  std::unique_ptr<RowWriter> (*openWriter)(const Pixels& like, WrittenSize size,
+                                           const PictureWriting& writing,
+                                           TStream& stream) = nullptr;
 
   bool IsDecoded() const {
     return decodeBytes != nullptr || decodeStream != nullptr || decodeFrame != nullptr;

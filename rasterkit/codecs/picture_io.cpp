@@ -67,6 +67,15 @@ Pixels DecodePixels(TStream& stream, PictureType type, const FrameOptions& optio
                    [&](TStream& sized) { return DecodeAll(codec, sized, options, report); });
 }
 
+std::unique_ptr<RowReader> OpenRows(TStream& stream, PictureType type,
+                                    const FrameOptions& options) {
+  const LimitsScope limits(options.limits ? *options.limits : CurrentLimits());
+  const Codec& codec = ReadableCodec(type);
+  // A pipe gives its bytes only once.
+  if (codec.openRows == nullptr || stream.Size() <= stream.Position()) return nullptr;
+  return codec.openRows(stream, options);
+}
+
 bool CanWrite(PictureType type) {
   const Codec* codec = FindCodec(type);
   return codec != nullptr && codec->write != nullptr;
@@ -81,6 +90,14 @@ WrittenPicture WritePicture(PictureType type, const Pixels& pixels, const Pictur
                             TStream& stream) {
   const LimitsScope limits;
   return CodecWith(&Codec::write, type, " are not written").write(pixels, writing, stream);
+}
+
+std::unique_ptr<RowWriter> OpenWriter(PictureType type, const Pixels& like, WrittenSize size,
+                                      const PictureWriting& writing, TStream& stream) {
+  const LimitsScope limits;
+  const Codec& codec = CodecWith(&Codec::write, type, " are not written");
+  if (codec.openWriter == nullptr) return nullptr;
+  return codec.openWriter(like, size, writing, stream);
 }
 
 WrittenPicture CopyPicture(PictureType type, TStream& source, const PictureWriting& writing,

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <memory>
+
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/rows/frame_options.h>
 #include <rasterkit/codecs/rows/picture_header.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/codecs/rows/row_reader.h>
+#include <rasterkit/codecs/rows/row_writer.h>
 #include <rasterkit/raster/number_stretch.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/stream.h>
@@ -24,6 +28,12 @@ RASTERKIT_EXPORT PictureHeader ReadPictureFront(TStream& stream, PictureType typ
 RASTERKIT_EXPORT Pixels DecodePixels(TStream& stream, PictureType type,
                                      const FrameOptions& options = {},
                                      CodecReport* report = nullptr);
+
+/// Begins to decode the first picture row by row. Null if the file is decoded only as a whole; its
+/// pixels are then those of DecodePixels. The stream must outlive the reader. Rows and report are
+/// those of DecodePixels to the byte.
+RASTERKIT_EXPORT std::unique_ptr<RowReader> OpenRows(TStream& stream, PictureType type,
+                                                     const FrameOptions& options = {});
 
 /// Converts to a picture to look at: 8-bit gray or true color, CMYK and L*a*b* through the profile
 /// or the usual formulas, numbers of more than 8 bits by the stretch. What this loses is added to
@@ -47,6 +57,14 @@ RASTERKIT_EXPORT bool CanCopy(PictureType type);
 /// converted: throws UnsupportedError.
 RASTERKIT_EXPORT WrittenPicture WritePicture(PictureType type, const Pixels& pixels,
                                              const PictureWriting& writing, TStream& stream);
+
+/// Begins to write a file of that format row by row, for pixels of the kind of `like`, whose rows
+/// have no meaning. Null if such pixels are encoded only as a whole. The file has the bytes that
+/// WritePicture gives. The stream must outlive the writer.
+RASTERKIT_EXPORT std::unique_ptr<RowWriter> OpenWriter(PictureType type, const Pixels& like,
+                                                       WrittenSize size,
+                                                       const PictureWriting& writing,
+                                                       TStream& stream);
 
 /// Writes the compressed pixels of `source` byte for byte with other metadata, or moved (JPEG
 /// alone; throws UnsupportedError for others).

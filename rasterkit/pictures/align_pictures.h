@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include <rasterkit/bands/sides.h>
+#include <rasterkit/bands/stage/sides.h>
 #include <rasterkit/metadata/loss.h>
 #include <rasterkit/pictures/steps.h>
 #include <rasterkit/placement/placement.h>

@@ -4,8 +4,8 @@
 #include <optional>
 
 #include <rasterkit/bands/combine.h>
-#include <rasterkit/bands/sides.h>
-#include <rasterkit/bands/stage.h>
+#include <rasterkit/bands/stage/sides.h>
+#include <rasterkit/bands/stage/stage.h>
 #include <rasterkit/pictures/picture.h>
 
 /// Stages that need more than the pixels of the step before.

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <rasterkit/bands/executor.h>
+#include <rasterkit/bands/flow/executor.h>
 #include <rasterkit/pictures/sources/picture_source.h>
 #include <rasterkit/pictures/steps.h>
 

@@ -1,7 +1,7 @@
 #include <cstring>
 #include <utility>
 
-#include <rasterkit/bands/executor.h>
+#include <rasterkit/bands/flow/executor.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/read_pixels.h>

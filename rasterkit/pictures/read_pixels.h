@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/bands/stage.h>
+#include <rasterkit/bands/stage/stage.h>
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/pictures/picture_state.h>
 #include <rasterkit/pictures/sources/picture_source.h>

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <stop_token>
+#include <string>
 
 #include <rasterkit/runtime/limits.h>
 
@@ -18,6 +19,11 @@ struct Run {
   std::function<void(double)> progress;
   /// Ends the call within 100 ms with CanceledError; no file is left.
   std::stop_token cancel;
+  /// Folder of the scratch file that a large picture may need; empty: that of the target, or the
+  /// system's folder for temporary files. The file has no name and never stays.
+  std::string scratchFolder;
+  /// Rows that pass through the steps at a time; 0: chosen by their size. No result depends on it.
+  int bandRows = 0;
 };
 
 }  // namespace rasterkit

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/bands/stage.h>
+#include <rasterkit/bands/stage/stage.h>
 #include <rasterkit/pictures/run.h>
 #include <rasterkit/runtime/limits.h>
 

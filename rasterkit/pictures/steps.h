@@ -8,7 +8,7 @@
 
 #include <rasterkit/bands/color_change.h>
 #include <rasterkit/bands/combine.h>
-#include <rasterkit/bands/filter.h>
+#include <rasterkit/bands/stage/filter.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/metadata/edit/metadata_edit.h>
 #include <rasterkit/placement/affine.h>

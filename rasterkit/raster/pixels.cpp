@@ -64,4 +64,16 @@ PixelLayout LayoutOf(const Pixels& pixels) {
   return LayoutOfRaster(std::get<Raster>(pixels));
 }
 
+Pixels NewPixels(const Pixels& like, int width, int height) {
+  if (const auto* samples = std::get_if<Samples>(&like)) {
+    Samples made(samples->Layout(), width, height, samples->Planes() > 1);
+    made.resolution = samples->resolution;
+    return made;
+  }
+  const auto& raster = std::get<Raster>(like);
+  Raster made(raster.Format(), width, height);
+  made.CopyProperties(raster);
+  return made;
+}
+
 }  // namespace rasterkit

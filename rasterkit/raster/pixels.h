@@ -23,4 +23,7 @@ inline int HeightOf(const Pixels& pixels) {
 /// 6 (those of green).
 RASTERKIT_EXPORT PixelLayout LayoutOf(const Pixels& pixels);
 
+/// Pixels of another size with the kind and the properties of `like`. Their content is undefined.
+RASTERKIT_EXPORT Pixels NewPixels(const Pixels& like, int width, int height);
+
 }  // namespace rasterkit

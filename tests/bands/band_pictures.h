@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include <rasterkit/bands/sides.h>
-#include <rasterkit/bands/stage.h>
+#include <rasterkit/bands/stage/sides.h>
+#include <rasterkit/bands/stage/stage.h>
 
 /// Pictures of every kind that a stage may get, and comparisons.
 namespace rasterkit::test {

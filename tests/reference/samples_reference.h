@@ -7,8 +7,8 @@
 #include <optional>
 #include <vector>
 
-#include <rasterkit/bands/filter.h>
-#include <rasterkit/bands/sides.h>
+#include <rasterkit/bands/stage/filter.h>
+#include <rasterkit/bands/stage/sides.h>
 #include <rasterkit/raster/pixels.h>
 #include <rasterkit/runtime/half.h>
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include <rasterkit/bands/filter.h>
+#include <rasterkit/bands/stage/filter.h>
 
 namespace rasterkit::tool {
 

@@ -1,15 +1,9 @@
 #pragma once
 
-#include <memory>
-#include <vector>
-
-#include <rasterkit/bands/stage.h>
+#include <rasterkit/bands/stage/stage.h>
 #include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
-
-/// The stages of a picture in the order in which they work. Stages never change: lists share them.
-using Stages = std::vector<std::shared_ptr<const Stage>>;
 
 /// Sends pixels through all stages: one band as high as the picture. Checks the limits of the call
 /// (see RequireTime) before each stage. `run.progress` gets the progress of the whole.

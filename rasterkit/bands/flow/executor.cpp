@@ -1,4 +1,4 @@
-#include <rasterkit/bands/executor.h>
+#include <rasterkit/bands/flow/executor.h>
 #include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {

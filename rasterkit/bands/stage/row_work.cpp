@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <atomic>
 
-#include <rasterkit/bands/row_work.h>
+#include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/codecs/rows/worker_threads.h>
 #include <rasterkit/runtime/limits.h>
 

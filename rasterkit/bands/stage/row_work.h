@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include <rasterkit/bands/stage.h>
+#include <rasterkit/bands/stage/stage_run.h>
 
 namespace rasterkit::detail {
 
