@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,19 @@
 #include <rasterkit/pictures/steps.h>
 
 namespace rasterkit::detail {
+
+/// Size and kind of rows.
+struct KindOfRows {
+  Sides sides;
+  PixelLayout layout;
+};
+
+/// Rows that a stage makes, as foretold.
+struct MadeRows : KindOfRows {
+  bool isRaster = true;
+  /// The picture that is laid over them and read as a whole.
+  std::optional<KindOfRows> over;
+};
 
 /// What is known about a picture after its steps so far, without reading a pixel.
 struct PictureState {
@@ -36,8 +50,8 @@ struct PictureState {
   Stages stages;
   /// Those that move pixels, for masks of the page: nearest pixels, and none in the corners.
   Stages maskStages;
-  /// Bytes of rows that the stages hold at most.
-  uint64_t rowBytes = 0;
+  /// One for each stage.
+  std::vector<MadeRows> madeByStages;
   /// What the steps lose and note.
   Changes changes;
   /// Doubts about what the steps make.
