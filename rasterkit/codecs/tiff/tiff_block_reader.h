@@ -19,6 +19,10 @@ struct TiffBlanks {
   size_t sparseBytes = 1;
 };
 
+/// Reverses the bytes of each sample in rows of samples of that many bits; no-op for those that are
+/// no words.
+void TurnSamples(uint8_t* bytes, size_t count, int bits);
+
 /// Reads strips and tiles, one at a time, for one thread.
 class TiffBlockReader {
  public:

@@ -11,6 +11,7 @@
 #include <rasterkit/codecs/rows/picture_header.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/codecs/rows/row_reader.h>
+#include <rasterkit/codecs/rows/row_writer.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/stream.h>
@@ -43,6 +44,12 @@ RASTERKIT_EXPORT TiffForm FormFor(TiffCompression compression, const PixelLayout
 /// TIFF file cannot hold.
 RASTERKIT_EXPORT WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing,
                                           TStream& stream);
+
+/// Begins to write such a file row by row; see OpenWriter. Null for a form whose samples are in
+/// planes.
+RASTERKIT_EXPORT std::unique_ptr<RowWriter> OpenTiffWriter(const Pixels& like, WrittenSize size,
+                                                           const PictureWriting& writing,
+                                                           TStream& stream);
 
 /// A smaller copy (bit 1) or a mask (bit 4) of a page, as tag 254 states it.
 struct TiffExtraPage {
