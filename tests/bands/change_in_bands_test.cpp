@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <rasterkit/bands/color_changes.h>
+#include <rasterkit/bands/colors/opacity_plane.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/bitmaptools/pixels/color.h>
 #include <rasterkit/runtime/errors.h>
@@ -24,7 +25,7 @@ constexpr InBands kEveryWay[] = {{1, 1}, {1, 7}, {7, 2}, {64, 1}, {64, 7}};
 /// Otsu's threshold of a picture painted onto white.
 int ThresholdOf(const Raster& raster) {
   auto bitmap = std::make_unique<TBitmap>(raster.Clone());
-  detail::Change(PaintTransparency{clWhite}, bitmap);
+  if (detail::HasTransparency(*bitmap)) detail::DropTransparency(bitmap, clWhite);
   bitmap->SetPixelFormat(pf24bit);
   std::array<uint64_t, 256> counts{};
   for (int y = 0; y < raster.Height(); ++y) {
