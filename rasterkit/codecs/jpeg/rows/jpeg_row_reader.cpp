@@ -153,17 +153,17 @@ void JpegRowReader::MakeLike() {
     PixelLayout inks;
     inks.bands = 4;
     inks.model = ColorModel::cmyk;
-    Samples samples(inks, width_, 1);
+    Samples samples(inks, 1, 1);
     samples.resolution = StatedResolution();
-    stride_ = samples.Stride();
+    stride_ = static_cast<size_t>(width_) * samples.PixelBytes();
     like_ = std::move(samples);
     return;
   }
-  Raster raster(Codec().num_components == 1 ? pf8bit : pf24bit, width_, 1);
+  Raster raster(Codec().num_components == 1 ? pf8bit : pf24bit, 0, 0);
   if (raster.Format() == pf8bit) raster.palette = GrayPalette(256);
   raster.resolution = StatedResolution();
   raster.profile = std::move(profile);
-  stride_ = raster.Stride();
+  stride_ = StrideBytes(width_, StoredBitsPerPixel(raster.Format()));
   like_ = std::move(raster);
 }
 
