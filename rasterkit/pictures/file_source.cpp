@@ -1,12 +1,14 @@
 #include <string>
 #include <utility>
 
+#include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/pictures/open_source.h>
 #include <rasterkit/pictures/reading/metafile_drawing.h>
 #include <rasterkit/pictures/reading/picture_bytes.h>
+#include <rasterkit/pictures/sources/smaller_forms.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 
@@ -32,7 +34,9 @@ class FileSource : public PictureSource {
     type_ = type;
     file_ = bytes_.Name();
     page_ = options.page;
-    header_ = bytes_.Header(type, page_);
+    header_ = type == PictureType::jpeg && options.skipsHidden && page_ == 1
+                  ? ReadOwnJpegHeader(*Stream())
+                  : bytes_.Header(type, page_);
     if (type == PictureType::tiff && header_.smallerCopies + header_.masks > 0) {
       extraPages_ = ReadTiffExtraPages(*Stream());
     }
@@ -44,6 +48,18 @@ class FileSource : public PictureSource {
     bytes_.RequireUnchanged();
     Pixels pixels = DecodePixels(*Stream(), type_, {std::min(threads, kMostDecoders)}, &report);
     // A change while it is read would mix two pictures.
+    bytes_.RequireUnchanged();
+    return pixels;
+  }
+  std::optional<SmallerForm> SmallestForm(int width, int height) const override {
+    if (!options_.shrinksOnLoad) return std::nullopt;
+    if (type_ == PictureType::jpeg) return SmallestJpeg(header_, width, height);
+    return SmallestCopy(header_, extraPages_, width, height);
+  }
+  Pixels ReadSmaller(const SmallerForm& form, int threads, CodecReport& report) const override {
+    if (form.extraPage) return ReadExtraPage(*form.extraPage, threads, report);
+    bytes_.RequireUnchanged();
+    Pixels pixels = DecodeSmallerJpegPixels(*Stream(), form.denominator, &report);
     bytes_.RequireUnchanged();
     return pixels;
   }

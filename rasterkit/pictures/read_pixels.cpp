@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -40,12 +41,25 @@ void ExchangeRow(const uint8_t* row, int width, int bands, uint8_t* target) {
   }
 }
 
+Pixels ReadSource(const PictureSource& source, const PictureState& state, int threads,
+                  CodecReport& report) {
+  if (!state.smaller) return source.ReadPixels(threads, report);
+  return source.ReadSmaller(state.smaller->form, threads, report);
+}
+
+/// The stages for the pixels that are read.
+Stages StagesOf(const PictureState& state) {
+  Stages stages = state.stages;
+  if (state.smaller) std::ranges::copy(state.smaller->stages, stages.begin());
+  return stages;
+}
+
 /// A change that refuses the pixels does not fit the picture: the file is not damaged. Other errors
 /// are none of the source and get no name here.
 Pixels Changed(Pixels pixels, const PictureSource& source, const PictureState& state,
                const StageRun& run, Changes& changes) {
   try {
-    return RunStages(std::move(pixels), state.stages, run, changes);
+    return RunStages(std::move(pixels), StagesOf(state), run, changes);
   } catch (const FormatError& error) {
     throw RangeError(error.Reason(), source.File());
   }
@@ -59,7 +73,7 @@ DecodedPicture ReadPixels(const PictureSource& source, const PictureState& state
   const double border = state.stages.empty() ? 1 : kReading;
   try {
     RequireTime();
-    read.pixels = source.ReadPixels(run.threads, read.report);
+    read.pixels = ReadSource(source, state, run.threads, read.report);
   } catch (Error& error) {
     error.AttachFile(source.File());
     throw;
