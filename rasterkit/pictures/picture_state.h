@@ -24,6 +24,12 @@ struct MadeRows : KindOfRows {
   std::optional<KindOfRows> over;
 };
 
+/// The first stages for a smaller form of the source, in place of as many of the picture itself.
+struct SmallerStart {
+  SmallerForm form;
+  Stages stages;
+};
+
 /// What is known about a picture after its steps so far, without reading a pixel.
 struct PictureState {
   int width = 0, height = 0;
@@ -52,6 +58,9 @@ struct PictureState {
   Stages maskStages;
   /// One for each stage.
   std::vector<MadeRows> madeByStages;
+  /// The moves of the stages, as long as there are no others.
+  std::vector<Step> moves;
+  std::optional<SmallerStart> smaller;
   /// What the steps lose and note.
   Changes changes;
   /// Doubts about what the steps make.
