@@ -24,13 +24,6 @@ struct PictureFlow::Faults {
 
 namespace {
 
-/// The stages for the pixels that are read.
-Stages StagesOf(const PictureState& state) {
-  Stages stages = state.stages;
-  if (state.smaller) std::ranges::copy(state.smaller->stages, stages.begin());
-  return stages;
-}
-
 /// Calls `work`; its errors get the name of the source.
 template <class Work>
 void Named(const PictureSource& source, std::atomic<bool>& hasFailed, const Work& work) {
@@ -68,6 +61,12 @@ class NamedRows : public RowReader {
 };
 
 }  // namespace
+
+Stages StagesOf(const PictureState& state) {
+  Stages stages = state.stages;
+  if (state.smaller) std::ranges::copy(state.smaller->stages, stages.begin());
+  return stages;
+}
 
 PictureFlow::PictureFlow(const PictureSource& source, Stages stages, const FlowSettings& settings)
     : source_(source),
