@@ -28,10 +28,9 @@ class RowByRow : public BandWork {
   const Pixels like_;
 };
 
-/// The rows of the band that hold these rows of the target, as pixels of their own.
+/// The rows of the band that these rows of the target are made of, as pixels of their own.
 Pixels RowsOf(const Band& source, const Band& target, RowRange rows) {
-  return CutBand(source, {target.left, target.top + rows.first, WidthOf(target.pixels), rows.count})
-      .pixels;
+  return CutBand(source, {target.left, rows.first, WidthOf(target.pixels), rows.count}).pixels;
 }
 
 /// A pixel of this kind that is 0.
@@ -73,11 +72,12 @@ class WidenWork : public RowByRow {
     const size_t skipped = static_cast<size_t>(target.left - source.left) * from.PixelBytes();
     for (int plane = 0; plane < to.Planes(); ++plane) {
       for (int y = rows.first; y < rows.first + rows.count; ++y) {
-        const uint8_t* const row = from.Row(target.top + y - source.top, plane) + skipped;
+        const uint8_t* const row = from.Row(y - source.top, plane) + skipped;
+        uint8_t* const wide = to.Row(y - target.top, plane);
         if (isByte) {
-          WidenRow<uint8_t>(row, to.Row(y, plane), bytes, bits_);
+          WidenRow<uint8_t>(row, wide, bytes, bits_);
         } else {
-          WidenRow<uint16_t>(row, to.Row(y, plane), bytes / sizeof(uint16_t), bits_);
+          WidenRow<uint16_t>(row, wide, bytes / sizeof(uint16_t), bits_);
         }
       }
     }
@@ -223,7 +223,7 @@ class FormatWork : public RowByRow {
 
   void Make(const Band& source, Band& target, RowRange rows) const override {
     const Pixels made = Converted(std::get<Raster>(RowsOf(source, target, rows)), type_);
-    CopyPart(made, {0, 0, WidthOf(made), rows.count}, target.pixels, 0, rows.first);
+    CopyPart(made, {0, 0, WidthOf(made), rows.count}, target.pixels, 0, rows.first - target.top);
   }
 
  private:
