@@ -181,7 +181,8 @@ void TakeVisibleRows(const Picture& picture, const FlowSettings& settings, const
                      Changes& changes, const std::function<void(Raster& rows, int top)>& take) {
   const PictureState& state = PictureParts::State(picture);
   PictureFlow flow(*PictureParts::Source(picture), state, settings);
-  if (!state.isRaster) flow.Add({VisibleStage(state.placement.noData, state.stretch)});
+  if (!state.isRaster)
+    flow.Add({VisibleStage({state.width, state.height}, state.placement.noData, state.stretch)});
   flow.Begin(run);
   const auto takeRows = [&](Raster rows, int top) {
     rows.resolution = state.metadata.resolution;
