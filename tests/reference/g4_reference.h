@@ -143,7 +143,7 @@ inline std::map<std::string, int> MapOfRuns(const detail::G4RunCodes& runs) {
 inline std::optional<G4Row> DecodeG4Row(G4ReferenceBits& bits, const G4Row& above) {
   constexpr int kPass = 100, kHorizontal = 101;
   static const std::map<std::string, int> kModes = {
-      {"1", 0},          {"011", 1},  {"010", -1},      {"000011", 2},       {"000010", -2},
+      {"1", 0},       {"011", 1},      {"010", -1},     {"000011", 2},       {"000010", -2},
       {"0000011", 3}, {"0000010", -3}, {"0001", kPass}, {"001", kHorizontal}};
   static const std::map<std::string, int> kRuns[] = {MapOfRuns(detail::kG4WhiteRuns),
                                                      MapOfRuns(detail::kG4BlackRuns)};

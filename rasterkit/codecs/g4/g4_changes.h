@@ -18,8 +18,8 @@ class G4Changes {
     End(0);
   }
 
-  /// Places from the first one on. The one before it is 0; `width + 2` places and kSlack more may be
-  /// written.
+  /// Places from the first one on. The one before it is 0; `width + 2` places and kSlack more may
+  /// be written.
   int32_t* Places() { return places_.data() + kBefore; }
   const int32_t* Places() const { return places_.data() + kBefore; }
   /// Number of changes.

@@ -13,8 +13,8 @@ namespace rasterkit::detail {
 
 /// Decodes a strip of ITU-T T.6 row by row: rows as libtiff gives them without an error or a
 /// warning, or none. It stops at the first thing that is not as an encoder writes it: an unknown
-/// code word, an extension, a row that is not exactly full, an empty run, an early end. What follows
-/// the last row that is asked for is not looked at.
+/// code word, an extension, a row that is not exactly full, an empty run, an early end. What
+/// follows the last row that is asked for is not looked at.
 class G4Decoder {
  public:
   /// The next compressed bytes, which stay valid until the next call; empty at the end.

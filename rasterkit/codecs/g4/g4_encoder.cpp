@@ -152,8 +152,7 @@ void G4Encoder::Encode(const uint8_t* row, size_t stride, size_t rows) {
 }
 
 std::vector<uint8_t> G4Encoder::TakeBytes() {
-  std::vector<uint8_t> bytes(bytes_.begin(),
-                             bytes_.begin() + static_cast<std::ptrdiff_t>(used_));
+  std::vector<uint8_t> bytes(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(used_));
   used_ = 0;
   if (bits_.isLowBitFirst) {
     for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(ReversedBitsOfBytes(byte));

@@ -53,9 +53,8 @@ void ExpectReference(const PackedRows& rows) {
   for (const bool isLowBitFirst : {false, true}) {
     const auto strip = reference::EncodeG4Reference(rows.Pixels(), isLowBitFirst);
     ASSERT_EQ(Encoded(rows, {isLowBitFirst, false}), strip);
-    ASSERT_EQ(
-        reference::DecodeG4Reference(strip, rows.width, rows.height, isLowBitFirst),
-        rows.Pixels());
+    ASSERT_EQ(reference::DecodeG4Reference(strip, rows.width, rows.height, isLowBitFirst),
+              rows.Pixels());
   }
 }
 
@@ -112,7 +111,8 @@ TEST(G4Coder, CodesLongRuns) {
   const unsigned seed = 21;
   std::mt19937 random(seed);
   SCOPED_TRACE(seed);
-  for (const int width : {2559, 2560, 2561, 2623, 2624, 2625, 5119, 5120, 5184, 7680, 18724, 65537}) {
+  for (const int width :
+       {2559, 2560, 2561, 2623, 2624, 2625, 5119, 5120, 5184, 7680, 18724, 65537}) {
     for (const int run : {700, 3000, 30000}) {
       ExpectRoundTrip(RandomRows(random, width, 12, run, 3));
       if (HasFatalFailure()) FAIL() << width << " " << run;

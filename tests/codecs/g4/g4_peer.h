@@ -44,7 +44,8 @@ class TiffBytes {
   }
   static tmsize_t Read(thandle_t self, void* target, tmsize_t count) {
     auto& file = Of(self);
-    const size_t there = file.position_ < file.bytes.size() ? file.bytes.size() - file.position_ : 0;
+    const size_t there =
+        file.position_ < file.bytes.size() ? file.bytes.size() - file.position_ : 0;
     const size_t taken = std::min(there, static_cast<size_t>(count));
     if (taken > 0) std::memcpy(target, file.bytes.data() + file.position_, taken);
     file.position_ += taken;
@@ -120,21 +121,26 @@ class LibtiffDecoder {
     tiff_ = file_.Open("r");
   }
 
-  LibtiffRows Decode(std::vector<uint8_t> strip) {
+  LibtiffRows Decode(const std::vector<uint8_t>& strip) {
     LibtiffRows result;
     result.rows.resize(rowBytes_ * height_);
     file_.messages = 0;
-    result.isWhole = TIFFReadFromUserBuffer(tiff_.get(), 0, strip.data(),
-                                            static_cast<tmsize_t>(strip.size()),
-                                            result.rows.data(),
-                                            static_cast<tmsize_t>(result.rows.size())) != 0;
+    result.isWhole = DecodeTo(strip, result.rows);
     result.messages = file_.messages;
     return result;
+  }
+  bool DecodeTo(const std::vector<uint8_t>& strip, std::vector<uint8_t>& rows) {
+    // The library turns the bits of the bytes for some codecs.
+    strip_ = strip;
+    return TIFFReadFromUserBuffer(tiff_.get(), 0, strip_.data(),
+                                  static_cast<tmsize_t>(strip_.size()), rows.data(),
+                                  static_cast<tmsize_t>(rows.size())) != 0;
   }
 
  private:
   const size_t rowBytes_;
   const uint32_t height_;
+  std::vector<uint8_t> strip_;
   TiffBytes file_;
   TiffBytes::Handle tiff_;
 };
