@@ -19,6 +19,8 @@
 #include <rasterkit/codecs/jpeg/jpeg_metadata.h>
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/jpeg/jpeg_signature.h>
+#include <rasterkit/codecs/jpeg/rows/jpeg_row_reader.h>
+#include <rasterkit/codecs/jpeg/rows/jpeg_row_writer.h>
 #include <rasterkit/codecs/png/png_decoder.h>
 #include <rasterkit/codecs/png/png_encoder.h>
 #include <rasterkit/codecs/png/png_metadata.h>
@@ -78,6 +80,10 @@ WrittenPicture CopyOf(TStream& source, const PictureWriting& writing, TStream& s
   return copy(source.ReadToEnd(), writing, stream);
 }
 
+std::unique_ptr<RowReader> OpenJpegRowsOf(TStream& stream, const FrameOptions&) {
+  return OpenJpegRows(stream);
+}
+
 /// PDF is the last row: its header may follow any other bytes.
 constexpr Codec kCodecs[] = {
     {.type = PictureType::bmp,
@@ -100,7 +106,9 @@ constexpr Codec kCodecs[] = {
      .readFront = ReadJpegFront,
      .decodePixels = PixelsOf<DecodeJpegPixels>,
      .write = WriteJpeg,
-     .copy = CopyOf<CopyJpeg>},
+     .copy = CopyOf<CopyJpeg>,
+     .openRows = OpenJpegRowsOf,
+     .openWriter = OpenJpegWriter},
     {.type = PictureType::png,
      .name = "png",
      .extensions = {"png"},

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <exception>
 #include <type_traits>
+#include <utility>
 
 #include <jpeglib.h>
 
@@ -26,6 +27,13 @@ class JpegErrors {
   /// Calls RequireTime. Ends the current call into libjpeg if it throws; `Throw` then throws the
   /// same.
   void CheckTime();
+
+  /// Keeps an error of the input; EndIfKept then ends the current call into libjpeg, and `Throw`
+  /// throws the same.
+  void Keep(std::exception_ptr error) { stop_ = std::move(error); }
+  void EndIfKept() {
+    if (stop_) std::longjmp(jump, 1);
+  }
 
   /// Throws the error of the last failed call: LimitError, UnsupportedError or FormatError.
   [[noreturn]] void Throw() const;

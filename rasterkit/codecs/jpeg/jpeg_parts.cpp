@@ -6,6 +6,32 @@ namespace rasterkit::detail {
 using Bytes = std::span<const uint8_t>;
 using namespace jpeg_marker;
 
+namespace {
+
+/// True if the bytes have all segments in front of the pixels.
+bool HasWholeHead(Bytes bytes) {
+  JpegSegmentWalker walker(bytes);
+  while (const auto segment = walker.Next()) {
+    if (segment->marker == jpeg_marker::kScan) return true;
+  }
+  return walker.IsAtEnd() || !walker.IsJpeg();
+}
+
+}  // namespace
+
+std::vector<uint8_t> ReadJpegHeadBytes(TStream& stream) {
+  constexpr size_t kFirstBytes = 32 << 10;
+  std::vector<uint8_t> bytes;
+  size_t wanted = kFirstBytes;
+  for (;;) {
+    const size_t had = bytes.size();
+    bytes.resize(wanted);
+    bytes.resize(had + stream.Read(std::span(bytes).subspan(had)));
+    if (bytes.size() < wanted || HasWholeHead(bytes)) return bytes;
+    wanted *= 2;
+  }
+}
+
 JpegParts ReadJpegHead(Bytes file) {
   JpegSegmentWalker walker(file);
   if (!walker.IsJpeg()) throw FormatError("JPEG: the start marker is missing");

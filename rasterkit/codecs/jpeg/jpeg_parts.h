@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <rasterkit/metadata/jpeg_segments.h>
+#include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit::detail {
 
@@ -38,6 +39,9 @@ struct JpegParts {
 inline size_t PlaceOf(const JpegSegment& segment, std::span<const uint8_t> file) {
   return static_cast<size_t>(segment.payload.data() - file.data());
 }
+
+/// Reads so much of a file, from the stream's position on, that its head is whole, or all of it.
+std::vector<uint8_t> ReadJpegHeadBytes(TStream& stream);
 
 /// Walks from the start to the first scan. Bytes between segments are skipped, as decoders do.
 /// Throws FormatError if there is no scan or a segment is truncated.

@@ -24,33 +24,31 @@ JpegColors ColorsOf(const PixelLayout& layout) {
 
 }  // namespace
 
-JpegRows::JpegRows(const Pixels& pixels)
-    : pixels_(pixels),
-      raster_(std::get_if<Raster>(&pixels)),
-      samples_(std::get_if<Samples>(&pixels)) {
-  colors_ = raster_ != nullptr ? ColorsOf(*raster_) : ColorsOf(samples_->Layout());
-  if (Width() == 0 || Height() == 0) {
-    throw FormatError("JPEG: an empty picture cannot be written");
-  }
-  if (Width() > JPEG_MAX_DIMENSION || Height() > JPEG_MAX_DIMENSION) {
+JpegRows::JpegRows(const Pixels& like, int width, int height) : width_(width), height_(height) {
+  const auto* raster = std::get_if<Raster>(&like);
+  colors_ = raster != nullptr ? ColorsOf(*raster) : ColorsOf(std::get<Samples>(like).Layout());
+  isBgr_ = raster != nullptr && colors_ == JpegColors::rgb;
+  if (width == 0 || height == 0) throw FormatError("JPEG: an empty picture cannot be written");
+  if (width > JPEG_MAX_DIMENSION || height > JPEG_MAX_DIMENSION) {
     throw LimitError(
         fmt::format("JPEG: {} x {} pixels are more than {} per side, the limit of the format",
-                    Width(), Height(), JPEG_MAX_DIMENSION));
+                    width, height, JPEG_MAX_DIMENSION));
   }
 }
 
-const uint8_t* JpegRows::Row(int y, bool inverted) {
-  if (raster_ != nullptr) return raster_->Row(y);
-  const bool isJoined = samples_->Planes() == 1;
-  if (isJoined && !inverted) return samples_->Row(y);
-  const auto bands = static_cast<size_t>(samples_->Layout().bands);
-  const auto width = static_cast<size_t>(samples_->Width());
+const uint8_t* JpegRows::Row(const Pixels& pixels, int y, bool inverted) {
+  if (const auto* raster = std::get_if<Raster>(&pixels)) return raster->Row(y);
+  const auto& samples = std::get<Samples>(pixels);
+  const bool isJoined = samples.Planes() == 1;
+  if (isJoined && !inverted) return samples.Row(y);
+  const auto bands = static_cast<size_t>(samples.Layout().bands);
+  const auto width = static_cast<size_t>(samples.Width());
   const uint8_t flip = inverted ? 0xFF : 0;
   std::vector<uint8_t>& target = converted_[y % kKept];
   target.resize(width * bands);
   for (size_t band = 0; band < bands; band++) {
     const uint8_t* source =
-        isJoined ? samples_->Row(y) + band : samples_->Row(y, static_cast<int>(band));
+        isJoined ? samples.Row(y) + band : samples.Row(y, static_cast<int>(band));
     const size_t step = isJoined ? bands : 1;
     for (size_t x = 0; x < width; x++) target[x * bands + band] = source[x * step] ^ flip;
   }

@@ -63,29 +63,6 @@ PictureHeader HeaderOf(const JpegFrame& frame, const JpegParts& parts) {
   return header;
 }
 
-/// True if the bytes have all segments in front of the pixels.
-bool HasWholeHead(Bytes bytes) {
-  JpegSegmentWalker walker(bytes);
-  while (const auto segment = walker.Next()) {
-    if (segment->marker == jpeg_marker::kScan) return true;
-  }
-  return walker.IsAtEnd() || !walker.IsJpeg();
-}
-
-/// Reads so much of a file that its head is whole, or all of it.
-std::vector<uint8_t> ReadHeadBytes(TStream& stream) {
-  constexpr size_t kFirstBytes = 32 << 10;
-  std::vector<uint8_t> bytes;
-  size_t wanted = kFirstBytes;
-  for (;;) {
-    const size_t had = bytes.size();
-    bytes.resize(wanted);
-    bytes.resize(had + stream.Read(std::span(bytes).subspan(had)));
-    if (bytes.size() < wanted || HasWholeHead(bytes)) return bytes;
-    wanted *= 2;
-  }
-}
-
 }  // namespace
 
 PictureHeader ReadJpegHeader(Bytes file) {
@@ -101,7 +78,7 @@ PictureHeader ReadJpegHeader(Bytes file) {
 }
 
 PictureHeader ReadJpegFront(TStream& stream) {
-  const std::vector<uint8_t> bytes = ReadHeadBytes(stream);
+  const std::vector<uint8_t> bytes = ReadJpegHeadBytes(stream);
   JpegParts parts = ReadJpegHead(bytes);
   return HeaderOf(LayoutOfJpeg(bytes, parts).frame, parts);
 }

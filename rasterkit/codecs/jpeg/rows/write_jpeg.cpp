@@ -1,10 +1,13 @@
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include <rasterkit/codecs/jpeg/jpeg_form.h>
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/jpeg/jpeg_plan.h>
 #include <rasterkit/codecs/jpeg/jpeg_rows.h>
 #include <rasterkit/codecs/jpeg/jpeg_writer.h>
+#include <rasterkit/codecs/jpeg/rows/jpeg_row_writer.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
 #include <rasterkit/metadata/jpeg_assembly.h>
 #include <rasterkit/runtime/errors.h>
@@ -90,32 +93,6 @@ uint64_t CoefficientBytes(const JpegRows& rows, const JpegPlan& plan) {
   return pixels * sum / most * sizeof(JCOEF);
 }
 
-std::vector<uint8_t> Encode(JpegRows& rows, const JpegPlan& plan) {
-  const MemoryShare coefficients(CoefficientBytes(rows, plan));
-  const auto pixels = static_cast<size_t>(rows.Width()) * static_cast<size_t>(rows.Height());
-  JpegWriter writer(pixels * plan.components.size() / 8);
-  writer.WatchTime();
-  jpeg_compress_struct& codec = writer.Codec();
-  const bool inverted = plan.colors == JpegColors::cmyk && plan.hasAdobe;
-  writer.Run([&] {
-    Configure(codec, rows, plan);
-    jpeg_start_compress(&codec, TRUE);
-  });
-  const uint8_t* batch[JpegRows::kKept];
-  JSAMPROW places[JpegRows::kKept];
-  for (int y = 0; y < rows.Height();) {
-    RequireTime();
-    const int count = std::min(JpegRows::kKept, rows.Height() - y);
-    for (int i = 0; i < count; i++) batch[i] = rows.Row(y + i, inverted);
-    // The library takes a pointer to non-constant rows but does not change them.
-    for (int i = 0; i < count; i++) places[i] = const_cast<uint8_t*>(batch[i]);
-    writer.Run([&] { jpeg_write_scanlines(&codec, places, static_cast<JDIMENSION>(count)); });
-    y += count;
-  }
-  writer.Run([&] { jpeg_finish_compress(&codec); });
-  return writer.TakeBytes();
-}
-
 /// A JFIF header says that components are gray or YCbCr. Photographs without one state the
 /// resolution in EXIF.
 bool HasJfif(const JpegPlan& plan, const PictureWriting& writing) {
@@ -138,26 +115,96 @@ Metadata MetadataFor(const JpegPlan& plan, const Metadata& source, Changes& chan
   return metadata;
 }
 
+/// Coded bytes are kept until the end: what they hold decides about the metadata in front.
+class JpegRowWriter : public RowWriter {
+ public:
+  JpegRowWriter(const Pixels& like, WrittenSize size, const PictureWriting& writing,
+                TStream& stream)
+      : rows_(like, size.width, size.height),
+        writing_(writing),
+        stream_(stream),
+        plan_(PlanJpeg(rows_.Colors(), writing, written_.changes)),
+        coefficients_(CoefficientBytes(rows_, plan_)),
+        writer_(ExpectedBytes(size, plan_)) {
+    written_.layout = LayoutOf(like);
+    writer_.WatchTime();
+    writer_.Run([this] {
+      Configure(writer_.Codec(), rows_, plan_);
+      jpeg_start_compress(&writer_.Codec(), TRUE);
+    });
+  }
+
+  void Write(Pixels& rows) override { Encode(rows); }
+  void Encode(const Pixels& rows);
+  WrittenPicture Finish() override;
+
+ private:
+  static size_t ExpectedBytes(WrittenSize size, const JpegPlan& plan) {
+    constexpr size_t kSamplesPerByte = 8;
+    return static_cast<size_t>(size.width) * static_cast<size_t>(size.height) *
+           plan.components.size() / kSamplesPerByte;
+  }
+
+  JpegRows rows_;
+  const PictureWriting writing_;
+  TStream& stream_;
+  WrittenPicture written_;
+  const JpegPlan plan_;
+  const MemoryShare coefficients_;
+  JpegWriter writer_;
+  int next_ = 0;
+};
+
+void JpegRowWriter::Encode(const Pixels& rows) {
+  if (WidthOf(rows) != rows_.Width() || HeightOf(rows) > rows_.Height() - next_) {
+    throw RangeError("JPEG: the rows do not fit the picture");
+  }
+  jpeg_compress_struct* codec = &writer_.Codec();
+  const bool isInverted = plan_.colors == JpegColors::cmyk && plan_.hasAdobe;
+  JSAMPROW places[JpegRows::kKept];
+  for (int y = 0; y < HeightOf(rows);) {
+    RequireTime();
+    const int count = std::min(JpegRows::kKept, HeightOf(rows) - y);
+    // The library takes a pointer to non-constant rows but does not change them.
+    for (int i = 0; i < count; i++) {
+      places[i] = const_cast<uint8_t*>(rows_.Row(rows, y + i, isInverted));
+    }
+    writer_.Run([&] { jpeg_write_scanlines(codec, places, static_cast<JDIMENSION>(count)); });
+    y += count;
+  }
+  next_ += HeightOf(rows);
+}
+
+WrittenPicture JpegRowWriter::Finish() {
+  if (next_ != rows_.Height()) throw RangeError("JPEG: rows of the picture are missing");
+  writer_.Run([this] { jpeg_finish_compress(&writer_.Codec()); });
+  const std::vector<uint8_t> coded = writer_.TakeBytes();
+  written_.form = ReadJpegForm(coded);
+  // The metadata stand between the start marker and the rest.
+  constexpr size_t kStartBytes = 2;
+  stream_.Write(std::span(coded).first(kStartBytes));
+  const Metadata metadata = MetadataFor(plan_, writing_.metadata, written_.changes);
+  for (const NewJpegSegment& segment :
+       AssembleJpegSegments(metadata, HasJfif(plan_, writing_), written_.changes)) {
+    stream_.Write(BytesOf(segment));
+  }
+  stream_.Write(std::span(coded).subspan(kStartBytes));
+  return std::move(written_);
+}
+
 }  // namespace
 
 WrittenPicture WriteJpeg(const Pixels& pixels, const PictureWriting& writing, TStream& stream) {
   const LimitsScope limits;
-  JpegRows rows(pixels);
-  WrittenPicture written;
-  const JpegPlan plan = PlanJpeg(rows.Colors(), writing, written.changes);
-  const std::vector<uint8_t> coded = Encode(rows, plan);
-  written.form = ReadJpegForm(coded);
-  written.layout = LayoutOf(pixels);
-  // The metadata stand between the start marker and the rest.
-  constexpr size_t kStartBytes = 2;
-  stream.Write(std::span(coded).first(kStartBytes));
-  const Metadata metadata = MetadataFor(plan, writing.metadata, written.changes);
-  for (const NewJpegSegment& segment :
-       AssembleJpegSegments(metadata, HasJfif(plan, writing), written.changes)) {
-    stream.Write(BytesOf(segment));
-  }
-  stream.Write(std::span(coded).subspan(kStartBytes));
-  return written;
+  JpegRowWriter writer(pixels, {WidthOf(pixels), HeightOf(pixels)}, writing, stream);
+  writer.Encode(pixels);
+  return writer.Finish();
+}
+
+std::unique_ptr<RowWriter> OpenJpegWriter(const Pixels& like, WrittenSize size,
+                                          const PictureWriting& writing, TStream& stream) {
+  const LimitsScope limits;
+  return std::make_unique<JpegRowWriter>(like, size, writing, stream);
 }
 
 }  // namespace rasterkit
