@@ -24,6 +24,30 @@ SourcePtr WithinLimits(SourcePtr source) {
   return source;
 }
 
+/// Rows of a file that stays the same while they are read: a change would mix two pictures.
+class FileRows : public RowReader {
+ public:
+  FileRows(const PictureBytes& bytes, std::unique_ptr<TStream> stream,
+           std::unique_ptr<RowReader> reader)
+      : bytes_(bytes), stream_(std::move(stream)), reader_(std::move(reader)) {}
+
+  int Width() const override { return reader_->Width(); }
+  int Height() const override { return reader_->Height(); }
+  RowAccess Access() const override { return reader_->Access(); }
+  int BlockRows() const override { return reader_->BlockRows(); }
+  const Pixels& Like() const override { return reader_->Like(); }
+  void Read(int left, int top, Pixels& target) override { reader_->Read(left, top, target); }
+  void Finish(CodecReport& report) override {
+    reader_->Finish(report);
+    bytes_.RequireUnchanged();
+  }
+
+ private:
+  const PictureBytes& bytes_;
+  const std::unique_ptr<TStream> stream_;
+  const std::unique_ptr<RowReader> reader_;
+};
+
 /// A file that a codec decodes.
 class FileSource : public PictureSource {
  public:
@@ -46,6 +70,13 @@ class FileSource : public PictureSource {
     // A change while it is read would mix two pictures.
     bytes_.RequireUnchanged();
     return pixels;
+  }
+  std::unique_ptr<RowReader> OpenRows(int threads) const override {
+    bytes_.RequireUnchanged();
+    std::unique_ptr<TStream> stream = Stream();
+    auto reader = rasterkit::OpenRows(*stream, type_, {std::min(threads, kMostDecoders)});
+    if (!reader) return nullptr;
+    return std::make_unique<FileRows>(bytes_, std::move(stream), std::move(reader));
   }
   Pixels ReadExtraPage(size_t index, int threads, CodecReport& report) const override {
     bytes_.RequireUnchanged();

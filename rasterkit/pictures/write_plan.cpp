@@ -91,7 +91,7 @@ std::vector<TagValue> PositionTags(const PictureSource& source, const PictureSta
   return tags;
 }
 
-PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
+PictureWriting CopyingOf(const PictureSource& source, const PictureState& state,
                          const WritePlan& plan) {
   PictureWriting writing;
   writing.form = plan.form;
@@ -178,17 +178,28 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
   return plan;
 }
 
-WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
-                           const WritePlan& plan, const SaveOptions& options, int threads,
-                           PictureTarget& target, Changes& changes) {
-  PictureWriting writing = WritingOf(source, state, plan);
-  const PixelFit fit{plan.type, options.background, state.placement.noData, state.stretch,
-                     threads,   plan.isSample};
-  Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
+PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
+                         const WritePlan& plan, const SaveOptions& options, int threads) {
+  PictureWriting writing = CopyingOf(source, state, plan);
   writing.quality = options.quality;
   writing.chromaX = options.chromaX;
   writing.chromaY = options.chromaY;
   writing.threads = threads;
+  return writing;
+}
+
+PixelFit FitOf(const PictureState& state, const WritePlan& plan, const SaveOptions& options,
+               int threads) {
+  return {plan.type, options.background, state.placement.noData, state.stretch,
+          threads,   plan.isSample};
+}
+
+WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
+                           const WritePlan& plan, const SaveOptions& options, int threads,
+                           PictureTarget& target, Changes& changes) {
+  PictureWriting writing = WritingOf(source, state, plan, options, threads);
+  const PixelFit fit = FitOf(state, plan, options, threads);
+  const Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
   const bool hasExtraPages = plan.type == PictureType::tiff && !plan.isSample;
   std::vector<TiffExtraPage> extraPages;
   if (hasExtraPages) extraPages = MakeExtraPages(fitted, source, state, threads, changes);
@@ -199,7 +210,7 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
 
 WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state,
                           const WritePlan& plan, PictureTarget& target, Changes& changes) {
-  const PictureWriting writing = WritingOf(source, state, plan);
+  const PictureWriting writing = CopyingOf(source, state, plan);
   WrittenPicture written = target.Copy(source, writing, plan.isAsStored);
   if (writing.dropsHidden && !plan.move) {
     for (const std::string& name : source.Header().hiddenOthers) {

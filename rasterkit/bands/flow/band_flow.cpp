@@ -26,8 +26,11 @@ BandFlow::~BandFlow() = default;
 
 void BandFlow::Begin(const StageRun& run) {
   RowReader& reader = *parts_->reader;
-  Pixels source = NewPixels(reader.Like(), reader.Width(), reader.Height());
-  reader.Read(0, 0, source);
+  Pixels source;
+  if (!reader.TakeAll(source)) {
+    source = NewPixels(reader.Like(), reader.Width(), reader.Height());
+    reader.Read(0, 0, source);
+  }
   parts_->made = RunStages(std::move(source), parts_->stages, run, parts_->changes);
 }
 

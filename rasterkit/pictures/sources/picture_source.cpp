@@ -4,6 +4,10 @@
 
 namespace rasterkit::detail {
 
+std::unique_ptr<RowReader> PictureSource::OpenRows(int) const {
+  return nullptr;
+}
+
 SourcePtr PictureSource::OpenPage(int page) const {
   throw RangeError("there is no page " + std::to_string(page), File());
 }

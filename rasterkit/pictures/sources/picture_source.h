@@ -9,6 +9,7 @@
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/codecs/rows/picture_header.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/codecs/rows/row_reader.h>
 #include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/pictures/sources/decoded_kind.h>
@@ -39,6 +40,9 @@ class PictureSource {
   /// Reads the pixels as stored. What was read around is added to `report`. Works under the limits
   /// of the calling thread.
   virtual Pixels ReadPixels(int threads, CodecReport& report) const = 0;
+  /// Begins to read the same pixels row by row. Null if they are read only as a whole. The reader
+  /// must not outlive the source. Its Finish throws FileError if the file changed.
+  virtual std::unique_ptr<RowReader> OpenRows(int threads) const;
   /// Smaller copies and masks of a TIFF file's page; none where they cannot be decoded here.
   const std::vector<TiffExtraPageHeader>& ExtraPages() const { return extraPages_; }
   /// Reads one of them. Throws RangeError for another index.
