@@ -40,23 +40,20 @@ class G4Decoder {
   template <bool isLowBitFirst>
   bool ReadChanges();
   template <bool isLowBitFirst>
-  void Refill();
-  template <bool isLowBitFirst>
-  int ReadRun(bool isBlack);
+  struct Window;
   bool NextPiece();
-  void Consume(int count);
-  void Paint();
 
   const G4Bits bits_;
   const int width_;
   NextBytes next_;
   std::span<const uint8_t> piece_;
-  bool isAtEnd_ = false, isIrregular_ = false, isSame_ = false;
+  bool isAtEnd_ = false, isIrregular_ = false;
   /// The next bits, from the highest on, and how many of them are taken from the pieces.
   uint64_t window_ = 0;
   int there_ = 0;
   uint64_t row_ = 0;
   G4Changes above_, here_;
+  /// The pixels of the last row.
   std::vector<uint64_t> words_;
 };
 
