@@ -359,6 +359,8 @@ class Beginner {
   }
 
   std::unique_ptr<BandWork> operator()(const SetPaletteEntries& change) const {
+    // True color is refused.
+    if (!IsIndexed(like_.Format())) Made(change);
     return OfIndexes(change, change.first ? IndexLook::first : IndexLook::nothing);
   }
 

@@ -24,14 +24,13 @@ size_t IndexesOf(TPixelFormat format) {
 std::array<uint8_t, 4> PixelOf(const Raster& raster, int x, int y) {
   std::array<uint8_t, 4> pixel{};
   const auto bits = static_cast<size_t>(StoredBitsPerPixel(raster.Format()));
+  const size_t first = static_cast<size_t>(x) * bits;
+  const uint8_t* const place = raster.Row(y) + first / 8;
   if (bits >= 8) {
-    const size_t bytes = bits / 8;
-    std::memcpy(pixel.data(), raster.Row(y) + static_cast<size_t>(x) * bytes, bytes);
-    return pixel;
+    std::memcpy(pixel.data(), place, bits / 8);
+  } else {
+    pixel[0] = static_cast<uint8_t>(*place >> (8 - bits - first % 8) & ((1u << bits) - 1));
   }
-  std::vector<uint8_t> indexes(static_cast<size_t>(raster.Width()));
-  UnpackIndexes(raster.Row(y), raster.Format(), raster.Width(), indexes.data());
-  pixel[0] = indexes[static_cast<size_t>(x)];
   return pixel;
 }
 
