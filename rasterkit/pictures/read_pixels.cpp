@@ -15,34 +15,6 @@ namespace {
 /// Part of the work that comes before the first row, at most.
 constexpr double kBegun = 0.5;
 
-/// Pixels that a source gives as a whole.
-class WholeRows : public RowReader {
- public:
-  WholeRows(const PictureSource& source, int threads)
-      : pixels_(source.ReadPixels(threads, report_)),
-        like_(NewPixels(pixels_, 1, 1)),
-        sides_{WidthOf(pixels_), HeightOf(pixels_)} {}
-
-  int Width() const override { return sides_.width; }
-  int Height() const override { return sides_.height; }
-  RowAccess Access() const override { return RowAccess::anyParts; }
-  const Pixels& Like() const override { return like_; }
-  void Read(int left, int top, Pixels& target) override {
-    CopyPart(pixels_, {left, top, WidthOf(target), HeightOf(target)}, target, 0, 0);
-  }
-  bool TakeAll(Pixels& target) override {
-    target = std::move(pixels_);
-    return true;
-  }
-  void Finish(CodecReport& report) override { report.Append(std::exchange(report_, {})); }
-
- private:
-  CodecReport report_;
-  Pixels pixels_;
-  const Pixels like_;
-  const Sides sides_;
-};
-
 }  // namespace
 
 /// Which part of a flow failed, as the threads saw it.
@@ -52,17 +24,23 @@ struct PictureFlow::Faults {
 
 namespace {
 
-/// Gives the errors of a source its name.
+/// Calls `work`; its errors get the name of the source.
+template <class Work>
+void Named(const PictureSource& source, std::atomic<bool>& hasFailed, const Work& work) {
+  try {
+    work();
+  } catch (Error& error) {
+    hasFailed = true;
+    error.AttachFile(source.File());
+    throw;
+  }
+}
+
 class NamedRows : public RowReader {
  public:
-  NamedRows(const PictureSource& source, int threads, std::atomic<bool>& hasFailed)
-      : source_(source), hasFailed_(hasFailed) {
-    Named([&] {
-      RequireTime();
-      reader_ = source_.OpenRows(threads);
-      if (!reader_) reader_ = std::make_unique<WholeRows>(source_, threads);
-    });
-  }
+  NamedRows(const PictureSource& source, std::unique_ptr<RowReader> reader,
+            std::atomic<bool>& hasFailed)
+      : source_(source), reader_(std::move(reader)), hasFailed_(hasFailed) {}
 
   int Width() const override { return reader_->Width(); }
   int Height() const override { return reader_->Height(); }
@@ -70,28 +48,16 @@ class NamedRows : public RowReader {
   int BlockRows() const override { return reader_->BlockRows(); }
   const Pixels& Like() const override { return reader_->Like(); }
   void Read(int left, int top, Pixels& target) override {
-    Named([&] { reader_->Read(left, top, target); });
+    Named(source_, hasFailed_, [&] { reader_->Read(left, top, target); });
   }
-  bool TakeAll(Pixels& target) override { return reader_->TakeAll(target); }
   void Finish(CodecReport& report) override {
-    Named([&] { reader_->Finish(report); });
+    Named(source_, hasFailed_, [&] { reader_->Finish(report); });
   }
 
  private:
-  template <class Work>
-  void Named(const Work& work) {
-    try {
-      work();
-    } catch (Error& error) {
-      hasFailed_ = true;
-      error.AttachFile(source_.File());
-      throw;
-    }
-  }
-
   const PictureSource& source_;
+  const std::unique_ptr<RowReader> reader_;
   std::atomic<bool>& hasFailed_;
-  std::unique_ptr<RowReader> reader_;
 };
 
 }  // namespace
@@ -105,10 +71,21 @@ PictureFlow::PictureFlow(const PictureSource& source, Stages stages, const FlowS
 PictureFlow::~PictureFlow() = default;
 
 const Pixels& PictureFlow::Stored() {
-  if (!reader_) {
-    reader_ = std::make_unique<NamedRows>(source_, settings_.threads, faults_->ofSource);
-  }
+  if (!reader_) OpenReader();
   return reader_->Like();
+}
+
+void PictureFlow::OpenReader() {
+  Named(source_, faults_->ofSource, [&] {
+    RequireTime();
+    reader_ = source_.OpenRows(settings_.threads);
+    // Rows in memory have no errors; the flow takes them where they are.
+    if (!reader_) {
+      reader_ = RowsInMemory(source_.ReadPixels(settings_.threads, whole_));
+    } else if (!source_.IsInMemory()) {
+      reader_ = std::make_unique<NamedRows>(source_, std::move(reader_), faults_->ofSource);
+    }
+  });
 }
 
 void PictureFlow::Add(const Stages& stages) {
@@ -169,6 +146,7 @@ Pixels PictureFlow::Whole(const StageRun& run) {
 }
 
 void PictureFlow::Finish(CodecReport& report, Changes& changes) {
+  report.Append(std::exchange(whole_, {}));
   Guard([&] { flow_->Finish(report, changes); });
 }
 

@@ -41,6 +41,7 @@ class PictureFlow {
 
  private:
   struct Faults;
+  void OpenReader();
   template <class Work>
   void Guard(const Work& work);
   StageRun Part(const StageRun& run, double end);
@@ -50,6 +51,8 @@ class PictureFlow {
   const FlowSettings settings_;
   const std::shared_ptr<Faults> faults_;
   std::unique_ptr<RowReader> reader_;
+  /// What was noticed in a source that was read as a whole.
+  CodecReport whole_;
   std::unique_ptr<BandFlow> flow_;
   double done_ = 0;
 };

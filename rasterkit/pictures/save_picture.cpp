@@ -150,7 +150,8 @@ std::optional<WrittenPicture> WriteRows(const Encoding& work, CodecReport& read,
   const PixelFit fit = FitOf(state, work.plan, work.options, threads);
   PictureFlow flow(work.source, state.stages, work.run.Flow());
   const Pixels stored = KindToFit(work, flow);
-  flow.Add(FitStages(stored, {state.width, state.height}, fit));
+  const auto fitted = std::make_shared<Changes>();
+  flow.Add(FitStages(stored, {state.width, state.height}, fit, fitted));
   work.run.Begin(work.part.end, work.source.Header().height);
   const StageRun running = work.run.Stages();
   flow.Begin(running);
@@ -159,8 +160,8 @@ std::optional<WrittenPicture> WriteRows(const Encoding& work, CodecReport& read,
   Pixels like = NewPixels(flow.Like(), 1, 1);
   std::visit([&](auto& rows) { rows.resolution = state.metadata.resolution; }, like);
   PictureWriting writing = WritingOf(work.source, state, work.plan, work.options, threads);
-  Changes fitted;
-  FitKind(like, LayoutOf(stored), fit, writing.metadata, fitted);
+  Changes ofKind;
+  FitKind(like, LayoutOf(stored), fit, writing.metadata, ofKind);
   const auto writer = work.target.Open(work.plan.type, like, {size.width, size.height}, writing);
   WrittenPicture written;
   if (writer) {
@@ -175,7 +176,10 @@ std::optional<WrittenPicture> WriteRows(const Encoding& work, CodecReport& read,
   flow.Finish(read, made);
   changes = LossesBefore(work, state);
   Join(changes, made);
-  Join(changes, fitted);
+  for (const Changes* lost : {static_cast<const Changes*>(fitted.get()), &std::as_const(ofKind)}) {
+    changes.losses.insert(changes.losses.end(), lost->losses.begin(), lost->losses.end());
+    for (const std::string& note : lost->notes) changes.Note(note);
+  }
   Join(changes, written.changes);
   return written;
 }

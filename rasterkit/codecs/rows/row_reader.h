@@ -38,10 +38,6 @@ class RASTERKIT_EXPORT RowReader {
   /// middle of a file.
   virtual void Read(int left, int top, Pixels& target) = 0;
 
-  /// Hands the whole picture over if it is held in memory anyway and nobody else needs it there.
-  /// No row is read afterwards. False if the rows must be read.
-  virtual bool TakeAll(Pixels&) { return false; }
-
   /// Adds what was noticed so far, in the words of DecodePixels, and forgets it. After all rows were
   /// read, what follows them is read and judged, too.
   virtual void Finish(CodecReport& report) = 0;

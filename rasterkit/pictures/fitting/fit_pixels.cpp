@@ -109,6 +109,11 @@ void FitProfile(Metadata& metadata, const PixelLayout& layout, Changes& changes)
                "it does not apply to the new pixels");
 }
 
+void Append(const Changes& more, Changes& changes) {
+  changes.losses.insert(changes.losses.end(), more.losses.begin(), more.losses.end());
+  changes.notes.insert(changes.notes.end(), more.notes.begin(), more.notes.end());
+}
+
 /// A pixel of this kind. Its content is that of a new picture.
 Pixels PixelLike(const Pixels& like) {
   Pixels pixel = NewPixels(like, 1, 1);
@@ -123,7 +128,8 @@ bool IsFit(const Pixels& like, const PixelFit& fit) {
          !IsConverted(fit.type, like);
 }
 
-Stages FitStages(const Pixels& like, Sides sides, const PixelFit& fit) {
+Stages FitStages(const Pixels& like, Sides sides, const PixelFit& fit,
+                 const std::shared_ptr<Changes>& lost) {
   Stages stages;
   Pixels pixel = PixelLike(like);
   // What a stage makes of one pixel shows what the next one gets.
@@ -131,7 +137,7 @@ Stages FitStages(const Pixels& like, Sides sides, const PixelFit& fit) {
     if (!isNeeded(pixel)) return;
     Changes unused;
     pixel = make(Sides{1, 1})->Make(std::move(pixel), {}, unused);
-    stages.push_back(StageWhere(sides, make(sides), isNeeded));
+    stages.push_back(StageOf(sides, {make(sides), isNeeded}, lost));
   };
   const PictureType type = fit.type;
   add([&](Sides size) { return ShowStage(size, fit); },
@@ -163,8 +169,11 @@ void FitKind(Pixels& like, const PixelLayout& stored, const PixelFit& fit, Metad
 Pixels FitPixels(Pixels pixels, const PixelFit& fit, Metadata& metadata, Changes& changes) {
   const PixelLayout stored = LayoutOf(pixels);
   const Sides sides{WidthOf(pixels), HeightOf(pixels)};
-  const Stages stages = FitStages(pixels, sides, fit);
-  pixels = RunStages(std::move(pixels), stages, {fit.threads, {}}, changes);
+  const auto lost = std::make_shared<Changes>();
+  const Stages stages = FitStages(pixels, sides, fit, lost);
+  Changes unused;
+  pixels = RunStages(std::move(pixels), stages, {fit.threads, {}}, unused);
+  Append(*lost, changes);
   FitKind(pixels, stored, fit, metadata, changes);
   return pixels;
 }

@@ -34,8 +34,10 @@ RASTERKIT_EXPORT Pixels FitPixels(Pixels pixels, const PixelFit& fit, Metadata& 
 RASTERKIT_EXPORT bool IsFit(const Pixels& like, const PixelFit& fit);
 
 /// The stages that make pixels of the kind of `like` fit. They judge by the pixels that they get:
-/// those that fit stay as they are. The losses of the pixels are added by the stages.
-RASTERKIT_EXPORT Stages FitStages(const Pixels& like, Sides sides, const PixelFit& fit);
+/// those that fit stay as they are. What is lost is added to `lost` when the stages have worked,
+/// and not to what other stages lose.
+RASTERKIT_EXPORT Stages FitStages(const Pixels& like, Sides sides, const PixelFit& fit,
+                                  const std::shared_ptr<Changes>& lost);
 
 /// Takes from the properties of pixels that fit, and from the metadata, what the format does not
 /// hold. `stored` is the kind of the pixels before they were fitted.

@@ -133,35 +133,45 @@ Pixels WithoutMark(Pixels pixels) {
   return pixels;
 }
 
-/// Loses what is painted, and passes the rest on to the change of color.
-class PaintWork : public BandWork {
+/// Passes everything on to another work.
+class PassedOn : public BandWork {
+ public:
+  explicit PassedOn(std::unique_ptr<BandWork> work) : work_(std::move(work)) {}
+
+  RowRange Looks() const override { return work_->Looks(); }
+  void Look(const Band& rows, const StageRun& run) override { work_->Look(rows, run); }
+  void Decide() override { work_->Decide(); }
+  const Pixels& Like() const override { return work_->Like(); }
+  Sides Size() const override { return work_->Size(); }
+  bool MakesParts() const override { return work_->MakesParts(); }
+  BandRect Needs(const BandRect& target) const override { return work_->Needs(target); }
+  void Make(const Band& source, Band& target, RowRange rows) const override {
+    work_->Make(source, target, rows);
+  }
+  int RowsOfPiece() const override { return work_->RowsOfPiece(); }
+  void Finish(Changes& changes) override { work_->Finish(changes); }
+
+ private:
+  const std::unique_ptr<BandWork> work_;
+};
+
+class PaintWork : public PassedOn {
  public:
   PaintWork(std::unique_ptr<BandWork> change, const Pixels& like, PictureType type)
-      : change_(std::move(change)), like_(PixelLike(like)), type_(type) {}
+      : PassedOn(std::move(change)), like_(PixelLike(like)), type_(type) {}
 
-  RowRange Looks() const override { return change_->Looks(); }
-  void Look(const Band& rows, const StageRun& run) override { change_->Look(rows, run); }
-  void Decide() override { change_->Decide(); }
   const Pixels& Like() const override {
-    if (!painted_) painted_ = WithoutMark(NewPixels(change_->Like(), 1, 1));
+    if (!painted_) painted_ = WithoutMark(NewPixels(PassedOn::Like(), 1, 1));
     return *painted_;
   }
-  Sides Size() const override { return change_->Size(); }
-  bool MakesParts() const override { return change_->MakesParts(); }
-  BandRect Needs(const BandRect& target) const override { return change_->Needs(target); }
-  void Make(const Band& source, Band& target, RowRange rows) const override {
-    change_->Make(source, target, rows);
-  }
-  int RowsOfPiece() const override { return change_->RowsOfPiece(); }
   void Finish(Changes& changes) override {
     LoseOpacity(std::get<Raster>(like_), type_, changes);
     Changes painted;
-    change_->Finish(painted);
+    PassedOn::Finish(painted);
     changes.losses.insert(changes.losses.end(), painted.losses.begin(), painted.losses.end());
   }
 
  private:
-  const std::unique_ptr<BandWork> change_;
   const Pixels like_;
   const PictureType type_;
   mutable std::optional<Pixels> painted_;
@@ -246,25 +256,38 @@ class Same : public RowByRow {
   }
 };
 
-class Where : public Stage {
+class LosingWork : public PassedOn {
  public:
-  Where(Sides source, std::unique_ptr<Stage> stage, std::function<bool(const Pixels&)> isNeeded)
-      : source_(source), stage_(std::move(stage)), isNeeded_(std::move(isNeeded)) {}
+  LosingWork(std::unique_ptr<BandWork> work, std::shared_ptr<Changes> lost)
+      : PassedOn(std::move(work)), lost_(std::move(lost)) {}
 
-  RowRange Needs(RowRange target) const override { return stage_->Needs(target); }
+  void Finish(Changes&) override { PassedOn::Finish(*lost_); }
+
+ private:
+  const std::shared_ptr<Changes> lost_;
+};
+
+class PartOfFit : public Stage {
+ public:
+  PartOfFit(Sides source, FitPart part, std::shared_ptr<Changes> lost)
+      : source_(source), part_(std::move(part)), lost_(std::move(lost)) {}
+
+  RowRange Needs(RowRange target) const override { return part_.stage->Needs(target); }
   std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun& run) const override {
-    if (!isNeeded_(like)) return std::make_unique<Same>(source_, like);
-    return stage_->Start(like, run);
+    if (!part_.isNeeded(like)) return std::make_unique<Same>(source_, like);
+    std::unique_ptr<BandWork> work = part_.stage->Start(like, run);
+    if (!work) return nullptr;
+    return std::make_unique<LosingWork>(std::move(work), lost_);
   }
-  Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
-    if (!isNeeded_(source)) return source;
-    return stage_->Make(std::move(source), run, changes);
+  Pixels Make(Pixels source, const StageRun& run, Changes&) const override {
+    if (!part_.isNeeded(source)) return source;
+    return part_.stage->Make(std::move(source), run, *lost_);
   }
 
  private:
   const Sides source_;
-  const std::unique_ptr<Stage> stage_;
-  const std::function<bool(const Pixels&)> isNeeded_;
+  const FitPart part_;
+  const std::shared_ptr<Changes> lost_;
 };
 
 }  // namespace
@@ -298,9 +321,8 @@ std::unique_ptr<Stage> FormatStage(Sides source, PictureType type) {
   return std::make_unique<ChangeFormat>(source, type);
 }
 
-std::unique_ptr<Stage> StageWhere(Sides source, std::unique_ptr<Stage> stage,
-                                  std::function<bool(const Pixels& like)> isNeeded) {
-  return std::make_unique<Where>(source, std::move(stage), std::move(isNeeded));
+std::unique_ptr<Stage> StageOf(Sides source, FitPart part, std::shared_ptr<Changes> lost) {
+  return std::make_unique<PartOfFit>(source, std::move(part), std::move(lost));
 }
 
 }  // namespace rasterkit::detail

@@ -21,8 +21,14 @@ std::unique_ptr<Stage> PaintStage(Sides source, const PixelFit& fit);
 /// Another format of rows: 24 bits per pixel, or 8 for a palette of grays.
 std::unique_ptr<Stage> FormatStage(Sides source, PictureType type);
 
-/// The stage, which leaves pixels alone unless `isNeeded` for their kind.
-std::unique_ptr<Stage> StageWhere(Sides source, std::unique_ptr<Stage> stage,
-                                  std::function<bool(const Pixels& like)> isNeeded);
+/// A stage with a condition.
+struct FitPart {
+  std::unique_ptr<Stage> stage;
+  /// Of the kind of pixels; others are left alone.
+  std::function<bool(const Pixels& like)> isNeeded;
+};
+
+/// The stage, which adds its losses to `lost` in place of those of the other stages.
+std::unique_ptr<Stage> StageOf(Sides source, FitPart part, std::shared_ptr<Changes> lost);
 
 }  // namespace rasterkit::detail

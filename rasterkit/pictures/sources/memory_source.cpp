@@ -26,6 +26,7 @@ class MemorySource : public PictureSource {
     return std::visit([](const auto& rows) -> Pixels { return rows.Clone(); }, *rows_);
   }
   std::unique_ptr<RowReader> OpenRows(int) const override { return RowsInMemory(rows_); }
+  bool IsInMemory() const override { return true; }
 
  private:
   const std::shared_ptr<const Pixels> rows_;

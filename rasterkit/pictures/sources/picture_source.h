@@ -43,6 +43,8 @@ class PictureSource {
   /// Begins to read the same pixels row by row. Null if they are read only as a whole. The reader
   /// must not outlive the source. Its Finish throws FileError if the file changed.
   virtual std::unique_ptr<RowReader> OpenRows(int threads) const;
+  /// True if OpenRows gives rows that are in memory.
+  virtual bool IsInMemory() const { return false; }
   /// Smaller copies and masks of a TIFF file's page; none where they cannot be decoded here.
   const std::vector<TiffExtraPageHeader>& ExtraPages() const { return extraPages_; }
   /// Reads one of them. Throws RangeError for another index.
