@@ -96,6 +96,7 @@ class StepAdder {
     if (quarters == 0) return;
     const Sides sides = Now();
     if (quarters % 2 == 1) ExchangeAxes();
+    KeepMove(step);
     Add(TurnStage(sides, quarters), FrameOfRotation(sides, 90.0 * quarters).toOld,
         quarters % 2 == 1 ? Sides{sides.height, sides.width} : sides);
   }
@@ -109,6 +110,7 @@ class StepAdder {
       toOld.yPerRow = -1;
       toOld.y = state_.height - 1;
     }
+    KeepMove(step);
     Add(MirrorStage(Now(), step.axis), toOld, Now());
   }
 
@@ -163,6 +165,7 @@ class StepAdder {
     }
     const Sides sides = Now();
     if (step.width == sides.width && step.height == sides.height) return;
+    StartSmaller({step.width, step.height}, step.options.filter);
     Resize({step.width, step.height}, step.options.filter);
   }
 
@@ -361,6 +364,39 @@ class StepAdder {
     }
     Add(ResizeStage(sides, target, filter, NoDataOf(source_)), toOld, target,
         ResizeStage(sides, target, Filter::nearest));
+  }
+
+  bool HasOnlyKeptMoves() const { return state_.moves.size() == state_.stages.size(); }
+
+  void KeepMove(const Step& step) {
+    if (HasOnlyKeptMoves()) state_.moves.push_back(step);
+  }
+
+  /// Lets the picture begin from a smaller form of its source if that is large enough.
+  void StartSmaller(Sides target, Filter filter) {
+    if (state_.smaller || !HasOnlyKeptMoves() || filter == Filter::nearest) return;
+    if (target.width > state_.width || target.height > state_.height) return;
+    constexpr int kLeastRatio = 2;
+    Sides least{kLeastRatio * target.width, kLeastRatio * target.height};
+    if (state_.exchangesAxes) std::swap(least.width, least.height);
+    const std::optional<SmallerForm> form = source_.SmallestForm(least.width, least.height);
+    if (!form) return;
+    SmallerStart start{*form, {}};
+    Sides sides{form->width, form->height};
+    for (const Step& move : state_.moves) {
+      start.stages.push_back(StageOfMove(move, sides));
+      const auto* turn = std::get_if<TurnStep>(&move);
+      if (turn != nullptr && turn->quarters % 2 != 0) std::swap(sides.width, sides.height);
+    }
+    start.stages.push_back(ResizeStage(sides, target, filter, NoDataOf(source_)));
+    state_.smaller = std::move(start);
+  }
+
+  static std::shared_ptr<const Stage> StageOfMove(const Step& move, Sides sides) {
+    if (const auto* turn = std::get_if<TurnStep>(&move)) {
+      return TurnStage(sides, turn->quarters & 3);
+    }
+    return MirrorStage(sides, std::get<MirrorStep>(move).axis);
   }
 
   /// A rotation by any angle mixes the two directions.

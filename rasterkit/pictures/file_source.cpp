@@ -1,12 +1,14 @@
 #include <string>
 #include <utility>
 
+#include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/pictures/open_source.h>
 #include <rasterkit/pictures/reading/metafile_drawing.h>
 #include <rasterkit/pictures/reading/picture_bytes.h>
+#include <rasterkit/pictures/sources/smaller_forms.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 
@@ -56,7 +58,9 @@ class FileSource : public PictureSource {
     type_ = type;
     file_ = bytes_.Name();
     page_ = options.page;
-    header_ = bytes_.Header(type, page_);
+    header_ = type == PictureType::jpeg && options.skipsHidden && page_ == 1
+                  ? ReadOwnJpegHeader(*Stream())
+                  : bytes_.Header(type, page_);
     if (type == PictureType::tiff && header_.smallerCopies + header_.masks > 0) {
       extraPages_ = ReadTiffExtraPages(*Stream());
     }
@@ -77,6 +81,18 @@ class FileSource : public PictureSource {
     auto reader = rasterkit::OpenRows(*stream, type_, {std::min(threads, kMostDecoders)});
     if (!reader) return nullptr;
     return std::make_unique<FileRows>(bytes_, std::move(stream), std::move(reader));
+  }
+  std::optional<SmallerForm> SmallestForm(int width, int height) const override {
+    if (!options_.shrinksOnLoad) return std::nullopt;
+    if (type_ == PictureType::jpeg) return SmallestJpeg(header_, width, height);
+    return SmallestCopy(header_, extraPages_, width, height);
+  }
+  Pixels ReadSmaller(const SmallerForm& form, int threads, CodecReport& report) const override {
+    if (form.extraPage) return ReadExtraPage(*form.extraPage, threads, report);
+    bytes_.RequireUnchanged();
+    Pixels pixels = DecodeSmallerJpegPixels(*Stream(), form.denominator, &report);
+    bytes_.RequireUnchanged();
+    return pixels;
   }
   Pixels ReadExtraPage(size_t index, int threads, CodecReport& report) const override {
     bytes_.RequireUnchanged();

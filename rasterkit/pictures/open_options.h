@@ -18,6 +18,14 @@ struct OpenOptions {
   bool turnsUpright = true;
   /// How a metafile is drawn.
   MetafileDrawing drawing;
+  /// A picture that steps turn, mirror and then make smaller may be decoded smaller: a JPEG file at
+  /// 1/2, 1/4 or 1/8 of its size, a TIFF file from one of its smaller copies, always at least twice
+  /// the new size in both directions. Size, metadata and position are those of the exact way; the
+  /// colors differ a little. Not with Isolation::process.
+  bool shrinksOnLoad = false;
+  /// Hidden pictures of a JPEG file and what follows its end are not looked for, so that no more
+  /// than its front is read before its pixels. They are then not kept, and not reported.
+  bool skipsHidden = false;
   /// Where the file is read.
   Isolation isolation = Isolation::none;
 };

@@ -10,6 +10,12 @@
 
 namespace rasterkit::detail {
 
+/// The first stages for a smaller form of the source, in place of as many of the picture itself.
+struct SmallerStart {
+  SmallerForm form;
+  Stages stages;
+};
+
 /// What is known about a picture after its steps so far, without reading a pixel.
 struct PictureState {
   int width = 0, height = 0;
@@ -36,6 +42,9 @@ struct PictureState {
   Stages stages;
   /// Those that move pixels, for masks of the page: nearest pixels, and none in the corners.
   Stages maskStages;
+  /// The moves of the stages, as long as there are no others.
+  std::vector<Step> moves;
+  std::optional<SmallerStart> smaller;
   /// Bytes of rows that the stages hold at most.
   uint64_t rowBytes = 0;
   /// What the steps lose and note.

@@ -68,6 +68,14 @@ PictureFlow::PictureFlow(const PictureSource& source, Stages stages, const FlowS
       settings_(settings),
       faults_(std::make_shared<Faults>()) {}
 
+PictureFlow::PictureFlow(const PictureSource& source, const PictureState& state,
+                         const FlowSettings& settings)
+    : PictureFlow(source, state.stages, settings) {
+  if (!state.smaller) return;
+  smaller_ = state.smaller->form;
+  std::ranges::copy(state.smaller->stages, stages_.begin());
+}
+
 PictureFlow::~PictureFlow() = default;
 
 const Pixels& PictureFlow::Stored() {
@@ -78,6 +86,10 @@ const Pixels& PictureFlow::Stored() {
 void PictureFlow::OpenReader() {
   Named(source_, faults_->ofSource, [&] {
     RequireTime();
+    if (smaller_) {
+      reader_ = RowsInMemory(source_.ReadSmaller(*smaller_, settings_.threads, whole_));
+      return;
+    }
     reader_ = source_.OpenRows(settings_.threads);
     // Rows in memory have no errors; the flow takes them where they are.
     if (!reader_) {
@@ -152,7 +164,7 @@ void PictureFlow::Finish(CodecReport& report, Changes& changes) {
 
 Pixels ReadPixels(const PictureSource& source, const PictureState& state,
                   const FlowSettings& settings, const StageRun& run, Changes& changes) {
-  PictureFlow flow(source, state.stages, settings);
+  PictureFlow flow(source, state, settings);
   flow.Begin(run);
   Pixels pixels = flow.Whole(run);
   CodecReport unused;
@@ -163,11 +175,9 @@ Pixels ReadPixels(const PictureSource& source, const PictureState& state,
 
 namespace {
 
-/// The stages of a picture to look at.
-Stages VisibleStages(const PictureState& state) {
-  Stages stages = state.stages;
-  if (!state.isRaster) stages.push_back(VisibleStage(state.placement.noData, state.stretch));
-  return stages;
+/// A picture to look at.
+void AddVisible(PictureFlow& flow, const PictureState& state) {
+  if (!state.isRaster) flow.Add({VisibleStage(state.placement.noData, state.stretch)});
 }
 
 }  // namespace
@@ -175,7 +185,8 @@ Stages VisibleStages(const PictureState& state) {
 void TakeVisibleRows(const Picture& picture, const FlowSettings& settings, const StageRun& run,
                      Changes& changes, const std::function<void(Raster& rows, int top)>& take) {
   const PictureState& state = PictureParts::State(picture);
-  PictureFlow flow(*PictureParts::Source(picture), VisibleStages(state), settings);
+  PictureFlow flow(*PictureParts::Source(picture), state, settings);
+  AddVisible(flow, state);
   flow.Begin(run);
   const auto takeRows = [&](Raster rows, int top) {
     rows.resolution = state.metadata.resolution;
@@ -268,7 +279,7 @@ Samples SamplesOf(const Raster& rows) {
 
 Samples NumbersOf(const PictureSource& source, const PictureState& state,
                   const FlowSettings& settings, const StageRun& run, Changes& changes) {
-  PictureFlow flow(source, state.stages, settings);
+  PictureFlow flow(source, state, settings);
   flow.Begin(run);
   std::optional<Samples> samples;
   if (const auto* like = std::get_if<Raster>(&flow.Like())) {

@@ -20,6 +20,8 @@ class PictureFlow {
 
   /// Makes the rows of `stages` from those of the source.
   PictureFlow(const PictureSource& source, Stages stages, const FlowSettings& settings);
+  /// The same for the stages of a picture, which may begin from a smaller form of the source.
+  PictureFlow(const PictureSource& source, const PictureState& state, const FlowSettings& settings);
   ~PictureFlow();
 
   /// The kind of the pixels as stored. Opens the source.
@@ -48,6 +50,7 @@ class PictureFlow {
 
   const PictureSource& source_;
   Stages stages_;
+  std::optional<SmallerForm> smaller_;
   const FlowSettings settings_;
   const std::shared_ptr<Faults> faults_;
   std::unique_ptr<RowReader> reader_;

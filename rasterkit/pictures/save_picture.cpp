@@ -109,7 +109,7 @@ Changes LossesBefore(const Encoding& work, const PictureState& state) {
 /// Writes the pixels when all of them are there.
 WrittenPicture WriteWhole(const Encoding& work, CodecReport& read, Changes& changes) {
   const PictureState& state = work.state;
-  PictureFlow flow(work.source, state.stages, work.run.Flow());
+  PictureFlow flow(work.source, state, work.run.Flow());
   work.run.Begin(ReadEnd(work.part), work.source.Header().height);
   const StageRun reading = work.run.Stages();
   flow.Begin(reading);
@@ -148,7 +148,7 @@ std::optional<WrittenPicture> WriteRows(const Encoding& work, CodecReport& read,
   const PictureState& state = work.state;
   const int threads = work.run.Threads();
   const PixelFit fit = FitOf(state, work.plan, work.options, threads);
-  PictureFlow flow(work.source, state.stages, work.run.Flow());
+  PictureFlow flow(work.source, state, work.run.Flow());
   const Pixels stored = KindToFit(work, flow);
   const auto fitted = std::make_shared<Changes>();
   flow.Add(FitStages(stored, {state.width, state.height}, fit, fitted));

@@ -102,6 +102,10 @@ struct PictureOptions {
   MetadataEdit editOfOthers;
   /// Pixels stay as stored; the orientation goes on to be stated.
   bool isAsStored = false;
+  /// JPEG files may be decoded smaller before a resize; TIFF files give their smaller copies.
+  bool shrinksOnLoad = false;
+  /// What a JPEG file holds beside its picture does not matter.
+  bool skipsHidden = false;
   /// Nothing is written if the encoded pixels cannot be copied.
   bool copiesPixels = false;
   /// Threads for a picture and for reading and writing TIFF files; 0 is one per processor.

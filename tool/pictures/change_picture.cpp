@@ -46,6 +46,8 @@ OpenOptions OpenOptionsOf(const PictureOptions& options) {
   open.drawing.background = SolidBackground(options);
   open.isolation = ReadingIsolation();
   open.turnsUpright = !options.isAsStored;
+  open.shrinksOnLoad = options.shrinksOnLoad;
+  open.skipsHidden = options.skipsHidden;
   return open;
 }
 

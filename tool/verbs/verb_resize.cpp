@@ -77,6 +77,9 @@ VerbRunner AddResizeVerb(CommandLine& line) {
   verb.Text("--size", "WxH", options->size, CheckSizeOrPercent,
             "width and height: pixels from 1 to 1000000 (800x600), one side alone to keep the "
             "proportions (800x, x600), or percent (50%, 50%x25%)");
+  verb.Flag("--shrink-on-load", verb.Options()->shrinksOnLoad,
+            "decode a JPEG file at 1/2, 1/4 or 1/8 of its size, or take a smaller copy of a TIFF "
+            "file, before it shrinks: fast, with slightly different colors");
   verb.Flag("--smooth", options->smooth, "average pictures with a palette as well").Hidden();
   verb.Dialog(options->asksUser, "enter the size in a window that starts with the one of --size");
   AddFilter(verb, *verb.Options(),

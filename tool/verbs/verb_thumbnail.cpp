@@ -19,6 +19,7 @@ struct ThumbnailOptions {
   /// The box; a side of 0 is no limit.
   PictureSize size;
   bool fromEmbedded = false;
+  bool isExact = false;
 };
 
 /// "400" is a square, "400x300" a box, "400x" and "x300" limit one side.
@@ -93,8 +94,11 @@ VerbRunner AddThumbnailVerb(CommandLine& line) {
       line,
       {"thumbnail",
        "make small pictures for lists and web pages",
-       {"Each picture is turned upright and shrunk by exact averages until it fits into the box of "
+       {"Each picture is turned upright and shrunk by averages until it fits into the box of "
         "--size. The proportions stay; a picture that is small enough keeps its size.",
+        "A JPEG file is decoded at 1/2, 1/4 or 1/8 of its size, but at least at twice the size of "
+        "the thumbnail in both directions, before it is averaged; a TIFF file gives such a smaller "
+        "copy if it has one. The colors differ a little from exact averages: --exact makes those.",
         "A thumbnail keeps the color profile and the resolution that belongs to its size. It has "
         "no other metadata, no GPS position and no position on a map; 'rasterkit resize' keeps "
         "them.",
@@ -113,8 +117,14 @@ VerbRunner AddThumbnailVerb(CommandLine& line) {
       .Required();
   verb.Flag("--from-embedded", options->fromEmbedded,
             "use the thumbnail inside of the metadata if it is large enough");
+  verb.Flag("--exact", options->isExact,
+            "average all pixels of the picture as 'rasterkit resize' does");
   verb.MakesPreviews();
-  return verb.Changing([options](PictureWork& work) { Shrink(*options, work); });
+  return verb.ChangingAfter([options, shared = verb.Options()]() -> PictureChange {
+    shared->shrinksOnLoad = !options->isExact;
+    shared->skipsHidden = true;
+    return [options](PictureWork& work) { Shrink(*options, work); };
+  });
 }
 
 }  // namespace rasterkit::tool

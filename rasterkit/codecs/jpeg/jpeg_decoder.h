@@ -4,6 +4,7 @@
 
 #include <rasterkit/codecs/rows/codec_report.h>
 #include <rasterkit/raster/raster.h>
+#include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit {
 
@@ -21,6 +22,12 @@ namespace rasterkit {
 /// or more than 4 components; LimitError if rows and coefficients exceed the picture memory limit
 /// or the scans would take minutes.
 RASTERKIT_EXPORT Raster DecodeJpeg(std::span<const uint8_t> bytes, CodecReport* report = nullptr);
+
+/// The same for a smaller picture: each pixel stands for `denominator` pixels of the file in both
+/// directions (1, 2, 4 or 8), the last ones for fewer. Reads from the stream's position on; no more
+/// than a part of a file of one scan is held.
+RASTERKIT_EXPORT Raster DecodeSmallerJpeg(TStream& stream, int denominator,
+                                          CodecReport* report = nullptr);
 
 /// The frame header.
 struct JpegFrame {

@@ -21,11 +21,21 @@ RASTERKIT_EXPORT PictureHeader ReadJpegHeader(std::span<const uint8_t> file);
 /// looked for, and no more of the file is read than its front.
 RASTERKIT_EXPORT PictureHeader ReadJpegFront(TStream& stream);
 
+/// The header without hidden pictures and trailer, which are not looked for. No more of a file of
+/// one scan is read than its front.
+RASTERKIT_EXPORT PictureHeader ReadOwnJpegHeader(TStream& stream);
+
 /// Decodes the pixels as the file has them (see PictureHeader::layout): gray and colors as
 /// DecodeJpeg does, CMYK and YCCK as samples of inks, whose layout has no profile. Missing scans
 /// are damage. Throws as DecodeJpeg does.
 RASTERKIT_EXPORT Pixels DecodeJpegPixels(std::span<const uint8_t> file,
                                          CodecReport* report = nullptr);
+
+/// The same for a smaller picture: each pixel stands for `denominator` pixels of the file in both
+/// directions (1, 2, 4 or 8), the last ones for fewer. Reads from the stream's position on; no more
+/// than a part of a file of one scan is held.
+RASTERKIT_EXPORT Pixels DecodeSmallerJpegPixels(TStream& stream, int denominator,
+                                                CodecReport* report = nullptr);
 
 /// The form of a picture after an odd number of quarter turns: tables transposed, sampling factors
 /// exchanged.

@@ -77,6 +77,19 @@ PictureHeader ReadJpegHeader(Bytes file) {
   return header;
 }
 
+PictureHeader ReadOwnJpegHeader(TStream& stream) {
+  const uint64_t start = stream.Position();
+  std::vector<uint8_t> bytes = ReadJpegHeadBytes(stream);
+  JpegParts parts = ReadJpegHead(bytes);
+  if (LayoutOfJpeg(bytes, parts).manyScans) {
+    // Later scans have tables of their own.
+    stream.SetPosition(start);
+    bytes = stream.ReadToEnd();
+    parts = ReadJpegHead(bytes);
+  }
+  return HeaderOf(LayoutOfJpeg(bytes, parts).frame, parts);
+}
+
 PictureHeader ReadJpegFront(TStream& stream) {
   const std::vector<uint8_t> bytes = ReadJpegHeadBytes(stream);
   JpegParts parts = ReadJpegHead(bytes);

@@ -20,6 +20,10 @@ Pixels PictureSource::ReadExtraPage(size_t, int, CodecReport&) const {
   throw RangeError("the picture has no smaller copies and masks");
 }
 
+Pixels PictureSource::ReadSmaller(const SmallerForm&, int, CodecReport&) const {
+  throw RangeError("the picture has no smaller form");
+}
+
 WrittenPicture PictureSource::Copy(const PictureWriting& writing, TStream& target) const {
   const std::unique_ptr<TStream> bytes = Bytes();
   WrittenPicture written = CopyPicture(Type(), *bytes, writing, target);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,15 @@
 #include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit::detail {
+
+/// A smaller form of a picture, from which it can be read.
+struct SmallerForm {
+  int width = 0, height = 0;
+  /// Pixels of the picture in both directions for which a pixel of a JPEG file stands.
+  int denominator = 1;
+  /// The smaller copy of a TIFF file; see PictureSource::ExtraPages.
+  std::optional<size_t> extraPage;
+};
 
 /// Where the pixels of a picture come from, and all that was read when it was opened. Never
 /// changes; const calls may be made from several threads at once.
@@ -45,6 +55,10 @@ class PictureSource {
   virtual std::unique_ptr<RowReader> OpenRows(int threads) const;
   /// True if OpenRows gives rows that are in memory.
   virtual bool IsInMemory() const { return false; }
+  /// The smallest form with at least these sides, if one is to be read in place of the picture.
+  virtual std::optional<SmallerForm> SmallestForm(int, int) const { return std::nullopt; }
+  /// The same as ReadPixels for such a form.
+  virtual Pixels ReadSmaller(const SmallerForm& form, int threads, CodecReport& report) const;
   /// Smaller copies and masks of a TIFF file's page; none where they cannot be decoded here.
   const std::vector<TiffExtraPageHeader>& ExtraPages() const { return extraPages_; }
   /// Reads one of them. Throws RangeError for another index.

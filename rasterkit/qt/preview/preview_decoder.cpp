@@ -10,6 +10,8 @@
 #include <rasterkit/bitmaptools/files/graphic_types.h>
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/decode_frame.h>
+#include <rasterkit/codecs/jpeg/jpeg_decoder.h>
+#include <rasterkit/codecs/jpeg/jpeg_picture.h>
 #include <rasterkit/jpegexif/photo_queries.h>
 #include <rasterkit/pictures/reading/picture_file.h>
 #include <rasterkit/qt/bitmap_image.h>
@@ -69,14 +71,23 @@ int Shrunk(int length, double factor) {
   return std::max(1, static_cast<int>(std::lround(length * factor)));
 }
 
+/// The decoded picture, its size in the file, and the counter-clockwise degrees by which loading
+/// rotates it.
+struct DecodedFile {
+  Raster picture;
+  int width = 0, height = 0;
+  int rotation = 0;
+};
+
 /// Returns the picture with at most `side` x `side` pixels.
-Raster Shrink(Raster raster, int side) {
-  const int longest = std::max(raster.Width(), raster.Height());
-  if (longest <= side) return raster;
+Raster Shrink(DecodedFile& file, int side) {
+  Raster& raster = file.picture;
+  const int longest = std::max(file.width, file.height);
+  if (longest <= side) return std::move(raster);
   const double factor = static_cast<double>(side) / longest;
   const bool hasAlpha = raster.Format() == pf32bit && raster.alphaFormat == afDefined;
-  Raster small(hasAlpha ? pf32bit : pf24bit, Shrunk(raster.Width(), factor),
-               Shrunk(raster.Height(), factor));
+  Raster small(hasAlpha ? pf32bit : pf24bit, Shrunk(file.width, factor),
+               Shrunk(file.height, factor));
   small.alphaFormat = hasAlpha ? afDefined : afIgnored;
   CopyHalftone(small, {0, 0, small.Width(), small.Height()}, raster);
   return small;
@@ -95,16 +106,29 @@ int RotationOf(const std::string& fileName) {
   return rotation;
 }
 
-/// The decoded picture and the counter-clockwise degrees by which loading rotates it.
-struct DecodedFile {
-  Raster picture;
-  int rotation = 0;
-};
+DecodedFile Whole(Raster picture) {
+  const int width = picture.Width(), height = picture.Height();
+  return {std::move(picture), width, height};
+}
 
-DecodedFile DecodeHere(const std::string& fileName, PictureType type, TStream& stream) {
-  DecodedFile file{PictureOfFrame(DecodeFrame(stream))};
-  if (type == PictureType::jpeg) file.rotation = RotationOf(fileName);
-  return file;
+/// A photograph is decoded smaller, but at least at twice the size of its preview.
+DecodedFile DecodePhoto(const std::string& fileName, TStream& stream, int side) {
+  const uint64_t start = stream.Position();
+  const PictureHeader header = ReadJpegFront(stream);
+  stream.SetPosition(start);
+  const auto isEnough = [&](int denominator) {
+    return std::max(header.width, header.height) / denominator >= 2 * side &&
+           std::min(header.width, header.height) >= denominator;
+  };
+  int denominator = 8;
+  while (denominator > 1 && !isEnough(denominator)) denominator /= 2;
+  return {DecodeSmallerJpeg(stream, denominator), header.width, header.height,
+          RotationOf(fileName)};
+}
+
+DecodedFile DecodeHere(const std::string& fileName, PictureType type, TStream& stream, int side) {
+  if (type == PictureType::jpeg) return DecodePhoto(fileName, stream, side);
+  return Whole(PictureOfFrame(DecodeFrame(stream)));
 }
 
 DecodedFile DecodeIsolated(const std::string& fileName, const std::atomic<bool>& isCanceled) {
@@ -113,7 +137,7 @@ DecodedFile DecodeIsolated(const std::string& fileName, const std::atomic<bool>&
   reading.keepGoing = [&] { return !isCanceled; };
   LoadedFrame read;
   ReadPicture(read, fileName, reading);
-  DecodedFile file{PictureOfFrame(std::move(read.frame))};
+  DecodedFile file = Whole(PictureOfFrame(std::move(read.frame)));
   const bool isPhoto = GetGraphicsType(ExtractFileExt(fileName)) == gtJpg;
   if (isPhoto && read.type == PictureType::jpeg) file.rotation = read.photo.rotation.value_or(0);
   return file;
@@ -124,12 +148,12 @@ Preview Decode(const std::string& fileName, int side, const std::atomic<bool>& i
   const PictureType type = SniffPictureType(stream);
   if (!IsDecoded(type)) return {{}, rsPreviewNone};
   DecodedFile file = isolation == Isolation::process ? DecodeIsolated(fileName, isCanceled)
-                                                     : DecodeHere(fileName, type, stream);
+                                                     : DecodeHere(fileName, type, stream, side);
   Preview preview;
-  preview.width = file.picture.Width();
-  preview.height = file.picture.Height();
+  preview.width = file.width;
+  preview.height = file.height;
   if (isCanceled) return preview;
-  preview.image = ImageOfOwned(Shrink(std::move(file.picture), side));
+  preview.image = ImageOfOwned(Shrink(file, side));
   const int rotation = file.rotation;
   if (rotation != 0) {
     preview.image = preview.image.transformed(QTransform().rotate(-rotation));

@@ -6,13 +6,12 @@
 namespace rasterkit {
 namespace {
 
-/// Decodes all rows. `asStored` gives inks as samples and reports missing scans.
-Pixels Decode(std::span<const uint8_t> bytes, bool asStored, CodecReport* report) {
+/// Decodes all rows.
+template <class Source>
+Pixels Decode(Source& source, detail::JpegReading reading, CodecReport* report) {
   const LimitsScope limits;
-  detail::JpegReading reading;
-  reading.asStored = asStored;
   reading.isWhole = true;
-  detail::JpegRowReader reader(bytes, reading);
+  detail::JpegRowReader reader(source, reading);
   reader.Start();
   Pixels pixels = NewPixels(reader.Like(), reader.Width(), reader.Height());
   reader.Read(0, 0, pixels);
@@ -26,11 +25,19 @@ Pixels Decode(std::span<const uint8_t> bytes, bool asStored, CodecReport* report
 }  // namespace
 
 Raster DecodeJpeg(std::span<const uint8_t> bytes, CodecReport* report) {
-  return std::get<Raster>(Decode(bytes, false, report));
+  return std::get<Raster>(Decode(bytes, {.asStored = false}, report));
 }
 
 Pixels DecodeJpegPixels(std::span<const uint8_t> bytes, CodecReport* report) {
-  return Decode(bytes, true, report);
+  return Decode(bytes, {}, report);
+}
+
+Raster DecodeSmallerJpeg(TStream& stream, int denominator, CodecReport* report) {
+  return std::get<Raster>(Decode(stream, {.asStored = false, .denominator = denominator}, report));
+}
+
+Pixels DecodeSmallerJpegPixels(TStream& stream, int denominator, CodecReport* report) {
+  return Decode(stream, {.denominator = denominator}, report);
 }
 
 }  // namespace rasterkit

@@ -113,9 +113,10 @@ void JpegRowReader::RequireMemory(uint64_t fileBytes) {
   const uint64_t need = rowBytes * codec.image_height + coefficients;
   const std::string what =
       fmt::format("JPEG picture of {} x {} pixels", codec.image_width, codec.image_height);
-  const uint64_t rows =
-      reading_.isWhole ? codec.image_height : std::min<uint64_t>(codec.image_height, kRowsAtOnce);
-  RequirePicture(codec.image_width, codec.image_height, rowBytes * rows + coefficients, what);
+  const int heldRows = reading_.isWhole ? height_ : std::min(height_, kRowsAtOnce);
+  const uint64_t held =
+      StrideBytes(width_, StoredBitsPerPixel(format)) * static_cast<uint64_t>(heldRows);
+  RequirePicture(codec.image_width, codec.image_height, held + coefficients, what);
   if (!layout_.frame.arithmetic) {
     RequirePlausible({need, StoredBlocks(codec), fileBytes, kBlocksPerByte}, what);
   }
