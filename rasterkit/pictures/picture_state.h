@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,19 @@
 #include <rasterkit/pictures/steps.h>
 
 namespace rasterkit::detail {
+
+/// Size and kind of rows.
+struct KindOfRows {
+  Sides sides;
+  PixelLayout layout;
+};
+
+/// Rows that a stage makes, as foretold.
+struct MadeRows : KindOfRows {
+  bool isRaster = true;
+  /// The picture that is laid over them and read as a whole.
+  std::optional<KindOfRows> over;
+};
 
 /// The first stages for a smaller form of the source, in place of as many of the picture itself.
 struct SmallerStart {
@@ -42,11 +56,11 @@ struct PictureState {
   Stages stages;
   /// Those that move pixels, for masks of the page: nearest pixels, and none in the corners.
   Stages maskStages;
+  /// One for each stage.
+  std::vector<MadeRows> madeByStages;
   /// The moves of the stages, as long as there are no others.
   std::vector<Step> moves;
   std::optional<SmallerStart> smaller;
-  /// Bytes of rows that the stages hold at most.
-  uint64_t rowBytes = 0;
   /// What the steps lose and note.
   Changes changes;
   /// Doubts about what the steps make.

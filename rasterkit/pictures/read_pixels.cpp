@@ -24,6 +24,13 @@ struct PictureFlow::Faults {
 
 namespace {
 
+/// The stages for the pixels that are read.
+Stages StagesOf(const PictureState& state) {
+  Stages stages = state.stages;
+  if (state.smaller) std::ranges::copy(state.smaller->stages, stages.begin());
+  return stages;
+}
+
 /// Calls `work`; its errors get the name of the source.
 template <class Work>
 void Named(const PictureSource& source, std::atomic<bool>& hasFailed, const Work& work) {
@@ -70,10 +77,8 @@ PictureFlow::PictureFlow(const PictureSource& source, Stages stages, const FlowS
 
 PictureFlow::PictureFlow(const PictureSource& source, const PictureState& state,
                          const FlowSettings& settings)
-    : PictureFlow(source, state.stages, settings) {
-  if (!state.smaller) return;
-  smaller_ = state.smaller->form;
-  std::ranges::copy(state.smaller->stages, stages_.begin());
+    : PictureFlow(source, StagesOf(state), settings) {
+  if (state.smaller) smaller_ = state.smaller->form;
 }
 
 PictureFlow::~PictureFlow() = default;
@@ -173,20 +178,11 @@ Pixels ReadPixels(const PictureSource& source, const PictureState& state,
   return pixels;
 }
 
-namespace {
-
-/// A picture to look at.
-void AddVisible(PictureFlow& flow, const PictureState& state) {
-  if (!state.isRaster) flow.Add({VisibleStage(state.placement.noData, state.stretch)});
-}
-
-}  // namespace
-
 void TakeVisibleRows(const Picture& picture, const FlowSettings& settings, const StageRun& run,
                      Changes& changes, const std::function<void(Raster& rows, int top)>& take) {
   const PictureState& state = PictureParts::State(picture);
   PictureFlow flow(*PictureParts::Source(picture), state, settings);
-  AddVisible(flow, state);
+  if (!state.isRaster) flow.Add({VisibleStage(state.placement.noData, state.stretch)});
   flow.Begin(run);
   const auto takeRows = [&](Raster rows, int top) {
     rows.resolution = state.metadata.resolution;

@@ -20,7 +20,7 @@ class PictureFlow {
 
   /// Makes the rows of `stages` from those of the source.
   PictureFlow(const PictureSource& source, Stages stages, const FlowSettings& settings);
-  /// The same for the stages of a picture, which may begin from a smaller form of the source.
+  /// Those of the picture, perhaps from a smaller form of the source.
   PictureFlow(const PictureSource& source, const PictureState& state, const FlowSettings& settings);
   ~PictureFlow();
 
@@ -50,8 +50,8 @@ class PictureFlow {
 
   const PictureSource& source_;
   Stages stages_;
-  std::optional<SmallerForm> smaller_;
   const FlowSettings settings_;
+  std::optional<SmallerForm> smaller_;
   const std::shared_ptr<Faults> faults_;
   std::unique_ptr<RowReader> reader_;
   /// What was noticed in a source that was read as a whole.
