@@ -4,6 +4,7 @@
 
 #include <rasterkit/bands/averaged_form.h>
 #include <rasterkit/bands/band_rows.h>
+#include <rasterkit/bands/gray_of_bits.h>
 #include <rasterkit/bands/mean_rows.h>
 #include <rasterkit/bands/picked_rows.h>
 #include <rasterkit/bands/stage/row_work.h>
@@ -62,6 +63,7 @@ class ResizeRows : public Stage {
         detail::FormForResize(LayoutOf(source), raster != nullptr, source_, target_, filter_);
     const bool hasNumbers =
         raster == nullptr || (raster->Format() == pf8bit && form == AveragedForm::gray);
+    if (detail::AreBitsOfGray(source, form)) return CountBits(*raster, run);
     if (raster != nullptr) detail::BringToForm(*raster, form);
     Pixels target = EmptyTarget(source);
     if (form == AveragedForm::none) {
@@ -110,6 +112,21 @@ class ResizeRows : public Stage {
           {static_cast<double>(plane) / planes, static_cast<double>(plane + 1) / planes},
           [&](int first, int last) { detail::PickPixels(columns, rows, from, to, first, last); });
     }
+  }
+
+  Raster CountBits(const Raster& source, const StageRun& run) const {
+    Raster target(pf8bit, target_.width, target_.height);
+    target.CopyProperties(source);
+    target.palette = GrayPalette(256);
+    target.resolution = Scaled(source.resolution);
+    target.ClearPadding();
+    const detail::MeanAxes axes{AxisOf(source_.width, target_.width, filter_),
+                                AxisOf(source_.height, target_.height, filter_)};
+    detail::ForRows(target_.height, PieceOfMeans(source.Stride()), run, {},
+                    [&](int first, int last) {
+                      detail::MakeGrayOfBits(source, 0, axes, target, 0, {first, last - first});
+                    });
+    return target;
   }
 
   /// True if both sides go by the rule of CopyHalftone.

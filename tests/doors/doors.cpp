@@ -23,7 +23,7 @@ constexpr Folder kFolders[] = {
     {"rasterkit/runtime/files", 3},
     {"rasterkit/runtime/worker", 4},
     {"rasterkit/kernels/rows", 4},
-    {"rasterkit/kernels/bits", 5},
+    {"rasterkit/kernels/bits", 6},
     {"rasterkit/kernels/halftone", 5},
     {"rasterkit/kernels/gray", 6},
     {"rasterkit/kernels/turn", 6},
