@@ -1,6 +1,6 @@
 #pragma once
 
-#include <rasterkit/codecs/tiff/tiff_picture.h>
+#include <rasterkit/codecs/tiff/rows/tiff_picture.h>
 
 namespace rasterkit::detail {
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <rasterkit/codecs/tiff/rows/tiff_picture.h>
 #include <rasterkit/codecs/tiff/tiff_block_reader.h>
-#include <rasterkit/codecs/tiff/tiff_picture.h>
 
 namespace rasterkit::detail {
 

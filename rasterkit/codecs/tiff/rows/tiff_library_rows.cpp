@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include <rasterkit/codecs/tiff/tiff_library_rows.h>
+#include <rasterkit/codecs/tiff/rows/tiff_library_rows.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 

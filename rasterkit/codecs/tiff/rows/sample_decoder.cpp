@@ -4,9 +4,8 @@
 #include <cstring>
 #include <limits>
 
-#include <rasterkit/codecs/tiff/pages/sample_decoder.h>
+#include <rasterkit/codecs/tiff/rows/sample_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_directory.h>
-#include <rasterkit/codecs/tiff/tiff_picture.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {
@@ -116,12 +115,6 @@ SampleBytes MissingSample(const PixelLayout& layout) {
   return sample;
 }
 
-void KeepWarnings(TiffHandle& handle, CodecReport& report) {
-  for (const auto& texts : {handle.Messages().TakeErrors(), handle.Messages().TakeWarnings()}) {
-    for (const std::string& text : texts) report.warnings.push_back("TIFF: " + text);
-  }
-}
-
 void RequireSame(const PageFacts& facts, const TiffLayout& layout) {
   const PixelLayout& stated = facts.layout;
   const bool isSame = facts.width == layout.width && facts.height == layout.height &&
@@ -148,47 +141,45 @@ bool IsRasterPage(const PageFacts& facts) {
   }
 }
 
-Samples DecodeSamples(TStream& stream, const PageFacts& facts, const std::string& noData,
-                      const FrameOptions& options, CodecReport& report) {
-  TiffSource source(stream);
-  TiffHandle handle(source);
-  PrepareTiff(handle);
-  const TiffLayout layout = ReadTiffLayout(handle, TiffReading::pixels);
+std::unique_ptr<OpenedTiff> OpenTiffSamples(TStream& stream, const PageFacts& facts,
+                                            const std::string& noData, TiffHolding holding,
+                                            CodecReport& report) {
+  auto tiff = std::make_unique<OpenedTiff>(stream);
+  PrepareTiff(tiff->handle);
+  tiff->layout = ReadTiffLayout(tiff->handle, TiffReading::pixels);
+  const TiffLayout& layout = tiff->layout;
   if (layout.rows != TiffRowKind::samples) {
     throw FormatError("TIFF: the directory describes its pixels in two ways");
   }
   RequireSame(facts, layout);
-  RequirePlausibleSize(handle, layout);
-  KeepWarnings(handle, report);
-  Samples samples(facts.layout, static_cast<int>(layout.width), static_cast<int>(layout.height));
-  TiffBlanks blanks;
-  if (IsInk(facts.layout.model)) blanks.whiteByte = 0;
+  RequirePlausibleSize(tiff->handle, layout, holding);
+  tiff->KeepWarnings(report);
+  tiff->like = Samples(facts.layout, 1, 1);
+  if (IsInk(facts.layout.model)) tiff->blanks.whiteByte = 0;
   const SampleBytes sparse = SparseSample(facts, layout, noData);
-  blanks.sparse = sparse.bytes;
-  blanks.sparseBytes = sparse.count;
-  TiffTarget target;
-  target.data = samples.Row(0);
-  target.stride = samples.Stride();
-  target.bitsPerPixel = static_cast<int>(8 * samples.PixelBytes());
+  tiff->blanks.sparse = sparse.bytes;
+  tiff->blanks.sparseBytes = sparse.count;
   const SampleBytes missing = MissingSample(facts.layout);
-  target.blank = missing.bytes;
-  target.blankBytes = missing.count;
-  ReportOutcome(ReadTiffBlocks(handle, layout, {}, blanks, target, options.threads), layout.height,
-                report);
-  return samples;
+  tiff->blank = missing.bytes;
+  tiff->blankBytes = missing.count;
+  return tiff;
 }
 
 Raster RasterOfIndexes(const Samples& indexes) {
   const PixelLayout& layout = indexes.Layout();
-  const bool isNarrow = layout.bits <= 4;
-  Raster raster(isNarrow ? pf4bit : pf8bit, indexes.Width(), indexes.Height());
+  Raster raster(layout.bits <= 4 ? pf4bit : pf8bit, indexes.Width(), indexes.Height());
   raster.palette = layout.palette;
   raster.profile = layout.profile;
+  CopyIndexes(indexes, raster);
+  return raster;
+}
+
+void CopyIndexes(const Samples& indexes, Raster& raster) {
   const auto width = static_cast<size_t>(indexes.Width());
   for (int y = 0; y < indexes.Height(); y++) {
     const uint8_t* source = indexes.Row(y);
     uint8_t* target = raster.Row(y);
-    if (!isNarrow) {
+    if (raster.Format() == pf8bit) {
       std::memcpy(target, source, width);
       continue;
     }
@@ -198,7 +189,6 @@ Raster RasterOfIndexes(const Samples& indexes) {
     }
   }
   raster.ClearPadding();
-  return raster;
 }
 
 }  // namespace rasterkit::detail

@@ -5,7 +5,7 @@
 #include <new>
 #include <span>
 
-#include <rasterkit/codecs/tiff/tiff_ycbcr_planes.h>
+#include <rasterkit/codecs/tiff/rows/tiff_ycbcr_planes.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {
