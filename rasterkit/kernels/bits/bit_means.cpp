@@ -15,14 +15,13 @@ constexpr int kMostCount = 255;
 /// Bits of the groups if each tap is one, all of which weigh 1; else 0.
 int GroupOf(const HalftoneAxis& columns) {
   const int group = static_cast<int>(columns.total);
+  // Taps whose inner bits weigh 1 of the whole factor are all alike, and rise or fall.
   if (!CountsGroupsOf(group) || columns.innerWeight != 1) return 0;
-  for (size_t i = 0; i < columns.taps.size(); i++) {
-    const HalftoneTap& tap = columns.taps[i];
-    const bool isGroup = tap.first == static_cast<int64_t>(i) * group && tap.count == group &&
-                         tap.firstWeight == 1 && tap.lastWeight == 1;
-    if (!isGroup) return 0;
-  }
-  return group;
+  const HalftoneTap &first = columns.taps.front(), &last = columns.taps.back();
+  const auto count = static_cast<int64_t>(columns.taps.size());
+  const bool areGroups = first.first == 0 && first.count == group &&
+                         last.first == (count - 1) * group && last.count == group;
+  return areGroups ? group : 0;
 }
 
 }  // namespace
