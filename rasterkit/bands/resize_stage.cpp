@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <rasterkit/bands/band_rows.h>
+#include <rasterkit/bands/gray_of_bits.h>
 #include <rasterkit/bands/mean_rows.h>
 #include <rasterkit/bands/picked_rows.h>
 #include <rasterkit/bands/prepared_pixels.h>
@@ -164,6 +165,10 @@ class MeanWork : public ResizeWork {
         columns_(AxisOf(task.source.width, task.target.width, task.filter)),
         rows_(AxisOf(task.source.height, task.target.height, task.filter)) {}
 
+ protected:
+  const HalftoneAxis& ColumnAxis() const { return columns_; }
+  const HalftoneAxis& RowAxis() const { return rows_; }
+
  private:
   RowRange Columns(int first, int count) const override { return Covered(columns_, first, count); }
   RowRange Rows(int first, int count) const override { return Covered(rows_, first, count); }
@@ -184,6 +189,29 @@ class MeanWork : public ResizeWork {
   }
 
   const HalftoneAxis columns_, rows_;
+};
+
+/// Means of bits of gray, which are never prepared: the bits are counted.
+class BitMeanWork : public MeanWork {
+ public:
+  using MeanWork::MeanWork;
+
+  void Make(const Band& source, Band& target, RowRange rows) const override {
+    const bool isWhole = source.left == 0 && WidthOf(target.pixels) == Task().target.width;
+    if (isWhole) {
+      return detail::MakeGrayOfBits(source, {ColumnAxis(), RowAxis()}, target, rows);
+    }
+    const HalftoneAxis part =
+        PartOfAxis(ColumnAxis(), target.left, WidthOf(target.pixels), source.left);
+    detail::MakeGrayOfBits(source, {part, RowAxis()}, target, rows);
+  }
+
+  int RowsOfPiece() const override {
+    const int rows = Task().source.height / Task().target.height + 1;
+    return detail::PieceOf(Task().target.height, static_cast<size_t>(Task().target.width) +
+                                                     static_cast<size_t>(Task().source.width) / 8 *
+                                                         static_cast<size_t>(rows));
+  }
 };
 
 /// Means of 24-bit colors by the usual filters.
@@ -270,6 +298,9 @@ class ResizeRows : public BandStage {
     }
     if (form.Form() == AveragedForm::color && RuleIsAutomatic(task_)) {
       return std::make_unique<ColorMeanWork>(std::move(form), task_);
+    }
+    if (detail::AreBitsOfGray(like, form.Form())) {
+      return std::make_unique<BitMeanWork>(std::move(form), task_);
     }
     return std::make_unique<MeanWork>(std::move(form), task_);
   }
