@@ -165,7 +165,8 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
   WritePlan plan;
   plan.type = type;
   plan.hasSideFiles = hasSideFiles;
-  const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options);
+  const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options) &&
+                          !(type == PictureType::png && options.pngLevel);
   plan.isCopied = isAsStored && CanCopy(type) && !source.Header().isCutOff && source.CanCopy();
   plan.isAsStored = plan.isCopied && !state.hasSteps && TagsSayThePosition(source);
   plan.form = FormOfTarget(source, state, type, options);
@@ -188,6 +189,7 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
   writing.quality = options.quality;
   writing.chromaX = options.chromaX;
   writing.chromaY = options.chromaY;
+  writing.pngLevel = options.pngLevel;
   writing.threads = threads;
   const bool hasExtraPages = plan.type == PictureType::tiff && !plan.isSample;
   std::vector<TiffExtraPage> extraPages;
