@@ -140,7 +140,7 @@ TEST(PngRowsTest, FlawsAreJudgedByTheLibrary) {
   std::mt19937 random(23);
   for (const MadeKind& kind : kMadeKinds) {
     for (const MadeFlaw flaw : kMadeFlaws) {
-      MadePng made(kind, 33, 20, random);
+      MadePng made(kind, 133, 20, random);
       made.AddFlaw(flaw, random);
       const ByteList file = made.File();
       const std::string what = made.Name() + ", flaw " + std::to_string(static_cast<int>(flaw));
