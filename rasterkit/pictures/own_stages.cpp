@@ -2,6 +2,7 @@
 
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/pictures/fitting/visible_work.h>
 #include <rasterkit/pictures/own_stages.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/read_pixels.h>
@@ -9,15 +10,14 @@
 namespace rasterkit::detail {
 namespace {
 
-class MakeVisible : public Stage {
+class MakeVisible : public BandStage {
  public:
-  MakeVisible(std::string noData, const NumberStretch& stretch)
-      : noData_(std::move(noData)), stretch_(stretch) {}
+  MakeVisible(Sides source, std::string noData, const NumberStretch& stretch)
+      : BandStage(source), noData_(std::move(noData)), stretch_(stretch) {}
 
   RowRange Needs(RowRange target) const override { return target; }
-  Pixels Make(Pixels source, const StageRun&, Changes& changes) const override {
-    if (std::holds_alternative<Raster>(source)) return source;
-    return VisiblePixels(std::move(source), noData_, changes, stretch_);
+  std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun&) const override {
+    return MakeVisibleWork(like, Source(), noData_, stretch_);
   }
 
  private:
@@ -114,8 +114,9 @@ std::unique_ptr<Stage> ShownStage(std::shared_ptr<const TBitmap> pixels) {
   return std::make_unique<Show>(std::move(pixels));
 }
 
-std::unique_ptr<Stage> VisibleStage(const std::string& noData, const NumberStretch& stretch) {
-  return std::make_unique<MakeVisible>(noData, stretch);
+std::unique_ptr<Stage> VisibleStage(Sides source, const std::string& noData,
+                                    const NumberStretch& stretch) {
+  return std::make_unique<MakeVisible>(source, noData, stretch);
 }
 
 std::unique_ptr<Stage> PictureOverStage(Sides source, std::shared_ptr<const Picture> other,

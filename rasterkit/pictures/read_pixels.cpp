@@ -24,13 +24,6 @@ struct PictureFlow::Faults {
 
 namespace {
 
-/// The stages for the pixels that are read.
-Stages StagesOf(const PictureState& state) {
-  Stages stages = state.stages;
-  if (state.smaller) std::ranges::copy(state.smaller->stages, stages.begin());
-  return stages;
-}
-
 /// Calls `work`; its errors get the name of the source.
 template <class Work>
 void Named(const PictureSource& source, std::atomic<bool>& hasFailed, const Work& work) {
@@ -68,6 +61,12 @@ class NamedRows : public RowReader {
 };
 
 }  // namespace
+
+Stages StagesOf(const PictureState& state) {
+  Stages stages = state.stages;
+  if (state.smaller) std::ranges::copy(state.smaller->stages, stages.begin());
+  return stages;
+}
 
 PictureFlow::PictureFlow(const PictureSource& source, Stages stages, const FlowSettings& settings)
     : source_(source),
@@ -182,7 +181,8 @@ void TakeVisibleRows(const Picture& picture, const FlowSettings& settings, const
                      Changes& changes, const std::function<void(Raster& rows, int top)>& take) {
   const PictureState& state = PictureParts::State(picture);
   PictureFlow flow(*PictureParts::Source(picture), state, settings);
-  if (!state.isRaster) flow.Add({VisibleStage(state.placement.noData, state.stretch)});
+  if (!state.isRaster)
+    flow.Add({VisibleStage({state.width, state.height}, state.placement.noData, state.stretch)});
   flow.Begin(run);
   const auto takeRows = [&](Raster rows, int top) {
     rows.resolution = state.metadata.resolution;

@@ -12,6 +12,9 @@
 
 namespace rasterkit::detail {
 
+/// The stages for the pixels that are read.
+Stages StagesOf(const PictureState& state);
+
 /// The rows of a picture after its steps, band after band. Works under the limits of the calling
 /// thread. Errors of the source have its name.
 class PictureFlow {

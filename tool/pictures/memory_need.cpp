@@ -100,10 +100,14 @@ Size SizeOf(TStream& stream) {
 
 /// True if the rows of the file are read one after another.
 bool FlowsBy(TStream& stream) {
-  stream.SetPosition(0);
-  const PictureType type = SniffPictureType(stream);
-  stream.SetPosition(0);
-  return OpenRows(stream, type) != nullptr;
+  try {
+    stream.SetPosition(0);
+    const PictureType type = SniffPictureType(stream);
+    stream.SetPosition(0);
+    return OpenRows(stream, type) != nullptr;
+  } catch (const Error&) {
+    return false;
+  }
 }
 
 }  // namespace

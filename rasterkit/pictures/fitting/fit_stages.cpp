@@ -5,8 +5,8 @@
 #include <utility>
 
 #include <rasterkit/bands/stages.h>
-#include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/pictures/fitting/fit_stages.h>
+#include <rasterkit/pictures/fitting/visible_work.h>
 #include <rasterkit/raster/convert.h>
 #include <rasterkit/runtime/limits.h>
 
@@ -28,10 +28,9 @@ class RowByRow : public BandWork {
   const Pixels like_;
 };
 
-/// The rows of the band that hold these rows of the target, as pixels of their own.
+/// The rows of the band that these rows of the target are made of, as pixels of their own.
 Pixels RowsOf(const Band& source, const Band& target, RowRange rows) {
-  return CutBand(source, {target.left, target.top + rows.first, WidthOf(target.pixels), rows.count})
-      .pixels;
+  return CutBand(source, {target.left, rows.first, WidthOf(target.pixels), rows.count}).pixels;
 }
 
 /// A pixel of this kind that is 0.
@@ -73,11 +72,12 @@ class WidenWork : public RowByRow {
     const size_t skipped = static_cast<size_t>(target.left - source.left) * from.PixelBytes();
     for (int plane = 0; plane < to.Planes(); ++plane) {
       for (int y = rows.first; y < rows.first + rows.count; ++y) {
-        const uint8_t* const row = from.Row(target.top + y - source.top, plane) + skipped;
+        const uint8_t* const row = from.Row(y - source.top, plane) + skipped;
+        uint8_t* const wide = to.Row(y - target.top, plane);
         if (isByte) {
-          WidenRow<uint8_t>(row, to.Row(y, plane), bytes, bits_);
+          WidenRow<uint8_t>(row, wide, bytes, bits_);
         } else {
-          WidenRow<uint16_t>(row, to.Row(y, plane), bytes / sizeof(uint16_t), bits_);
+          WidenRow<uint16_t>(row, wide, bytes / sizeof(uint16_t), bits_);
         }
       }
     }
@@ -96,42 +96,6 @@ class Widen : public BandStage {
     return std::make_unique<WidenWork>(Source(), like);
   }
 };
-
-class Show : public Stage {
- public:
-  explicit Show(const PixelFit& fit) : fit_(fit) {}
-
-  RowRange Needs(RowRange target) const override { return target; }
-  Pixels Make(Pixels source, const StageRun&, Changes& changes) const override {
-    Changes seen;
-    Raster rows = VisiblePixels(std::move(source), fit_.noData, seen, fit_.stretch);
-    Take(std::move(seen), changes);
-    return rows;
-  }
-
- private:
-  void Take(Changes seen, Changes& changes) const {
-    for (Loss& loss : seen.losses) changes.losses.push_back(std::move(loss));
-    for (std::string& note : seen.notes) {
-      if (!fit_.isSample) changes.Note(std::move(note));
-    }
-  }
-
-  const PixelFit fit_;
-};
-
-void LoseOpacity(const Raster& rows, PictureType type, Changes& changes) {
-  const bool hasAlpha = rows.Format() == pf32bit && rows.alphaFormat == afDefined;
-  changes.Lose(hasAlpha ? LossKind::alpha : LossKind::transparentColor,
-               hasAlpha ? "the alpha channel" : "the transparent color",
-               NameInLosses(type) + " holds no opacity: painted onto the background");
-}
-
-/// Painted pixels without the mark of a transparent color, which no format has that needs paint.
-Pixels WithoutMark(Pixels pixels) {
-  std::get<Raster>(pixels).transparentColor.reset();
-  return pixels;
-}
 
 /// Passes everything on to another work.
 class PassedOn : public BandWork {
@@ -154,6 +118,51 @@ class PassedOn : public BandWork {
  private:
   const std::unique_ptr<BandWork> work_;
 };
+
+class ShowWork : public PassedOn {
+ public:
+  ShowWork(std::unique_ptr<BandWork> work, bool isSample)
+      : PassedOn(std::move(work)), isSample_(isSample) {}
+
+  void Finish(Changes& changes) override {
+    Changes seen;
+    PassedOn::Finish(seen);
+    for (Loss& loss : seen.losses) changes.losses.push_back(std::move(loss));
+    for (std::string& note : seen.notes) {
+      if (!isSample_) changes.Note(std::move(note));
+    }
+  }
+
+ private:
+  const bool isSample_;
+};
+
+class Show : public BandStage {
+ public:
+  Show(Sides source, const PixelFit& fit) : BandStage(source), fit_(fit) {}
+
+  RowRange Needs(RowRange target) const override { return target; }
+  std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun&) const override {
+    return std::make_unique<ShowWork>(MakeVisibleWork(like, Source(), fit_.noData, fit_.stretch),
+                                      fit_.isSample);
+  }
+
+ private:
+  const PixelFit fit_;
+};
+
+void LoseOpacity(const Raster& rows, PictureType type, Changes& changes) {
+  const bool hasAlpha = rows.Format() == pf32bit && rows.alphaFormat == afDefined;
+  changes.Lose(hasAlpha ? LossKind::alpha : LossKind::transparentColor,
+               hasAlpha ? "the alpha channel" : "the transparent color",
+               NameInLosses(type) + " holds no opacity: painted onto the background");
+}
+
+/// Painted pixels without the mark of a transparent color, which no format has that needs paint.
+Pixels WithoutMark(Pixels pixels) {
+  std::get<Raster>(pixels).transparentColor.reset();
+  return pixels;
+}
 
 class PaintWork : public PassedOn {
  public:
@@ -223,7 +232,7 @@ class FormatWork : public RowByRow {
 
   void Make(const Band& source, Band& target, RowRange rows) const override {
     const Pixels made = Converted(std::get<Raster>(RowsOf(source, target, rows)), type_);
-    CopyPart(made, {0, 0, WidthOf(made), rows.count}, target.pixels, 0, rows.first);
+    CopyPart(made, {0, 0, WidthOf(made), rows.count}, target.pixels, 0, rows.first - target.top);
   }
 
  private:
@@ -249,10 +258,10 @@ class Same : public RowByRow {
 
   bool MakesParts() const override { return true; }
   void Make(const Band& source, Band& target, RowRange rows) const override {
-    CopyPart(source.pixels,
-             {target.left - source.left, target.top + rows.first - source.top,
-              WidthOf(target.pixels), rows.count},
-             target.pixels, 0, rows.first);
+    CopyPart(
+        source.pixels,
+        {target.left - source.left, rows.first - source.top, WidthOf(target.pixels), rows.count},
+        target.pixels, 0, rows.first - target.top);
   }
 };
 
@@ -305,8 +314,8 @@ std::string NameInLosses(PictureType type) {
   }
 }
 
-std::unique_ptr<Stage> ShowStage(Sides, const PixelFit& fit) {
-  return std::make_unique<Show>(fit);
+std::unique_ptr<Stage> ShowStage(Sides source, const PixelFit& fit) {
+  return std::make_unique<Show>(source, fit);
 }
 
 std::unique_ptr<Stage> WidenStage(Sides source, const PixelFit&) {
