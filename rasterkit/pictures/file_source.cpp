@@ -54,6 +54,8 @@ class FileSource : public PictureSource {
   std::optional<SmallerForm> SmallestForm(int width, int height) const override {
     if (!options_.shrinksOnLoad) return std::nullopt;
     if (type_ == PictureType::jpeg) return SmallestJpeg(header_, width, height);
+    // A copy of numbers has another range.
+    if (!Kind().isRaster || !position_.noData.empty()) return std::nullopt;
     return SmallestCopy(header_, extraPages_, width, height);
   }
   Pixels ReadSmaller(const SmallerForm& form, int threads, CodecReport& report) const override {
