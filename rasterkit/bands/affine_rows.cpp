@@ -12,7 +12,7 @@ namespace {
 /// Column and row of the source for the pixels of a target row.
 class Places {
  public:
-  Places(const Affine& toOld, const PixelGrid& source, bool isClamped, int y)
+  Places(const Affine& toOld, const ConstPixelGrid& source, bool isClamped, int y)
       : toOld_(toOld),
         right_(source.rows.width - 1),
         bottom_(source.rows.height - 1),
@@ -38,7 +38,7 @@ class Places {
   const double columnOfRow_, rowOfRow_;
 };
 
-void GatherBytes(const Places& places, const PixelGrid& source, size_t bytes,
+void GatherBytes(const Places& places, const ConstPixelGrid& source, size_t bytes,
                  const uint8_t* background, int width, uint8_t* target) {
   int column = 0, row = 0;
   for (int x = 0; x < width; ++x, target += bytes) {
@@ -49,7 +49,7 @@ void GatherBytes(const Places& places, const PixelGrid& source, size_t bytes,
   }
 }
 
-void GatherPacked(const Places& places, const PixelGrid& source, uint8_t background, int width,
+void GatherPacked(const Places& places, const ConstPixelGrid& source, uint8_t background, int width,
                   uint8_t* target) {
   std::vector<uint8_t> pixels(static_cast<size_t>(width), background);
   int column = 0, row = 0;
@@ -63,7 +63,7 @@ void GatherPacked(const Places& places, const PixelGrid& source, uint8_t backgro
 
 }  // namespace
 
-void GatherByAffine(const Affine& toOld, const PixelGrid& source, const PixelGrid& target,
+void GatherByAffine(const Affine& toOld, const ConstPixelGrid& source, const PixelGrid& target,
                     const uint8_t* background, bool isClamped, int first, int last) {
   for (int y = first; y < last; ++y) {
     const Places places(toOld, source, isClamped, y);

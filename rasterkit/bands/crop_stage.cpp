@@ -1,58 +1,51 @@
-#include <cstring>
 #include <string>
 
-#include <rasterkit/bands/pixel_grid.h>
-#include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/bands/stages.h>
-#include <rasterkit/raster/cut_out.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
 namespace {
 
-struct Part {
-  int left, top, width, height;
+/// Rows of a part of a picture.
+class CropWork : public BandWork {
+ public:
+  CropWork(const Pixels& like, const BandRect& part) : like_(NewPixels(like, 1, 1)), part_(part) {}
+
+  const Pixels& Like() const override { return like_; }
+  Sides Size() const override { return {part_.width, part_.height}; }
+  bool MakesParts() const override { return true; }
+  BandRect Needs(const BandRect& target) const override {
+    return {target.left + part_.left, target.top + part_.top, target.width, target.height};
+  }
+  void Make(const Band& source, Band& target, RowRange rows) const override {
+    const BandRect piece{target.left, rows.first, WidthOf(target.pixels), rows.count};
+    BandRect from = Needs(piece);
+    from.left -= source.left;
+    from.top -= source.top;
+    CopyPart(source.pixels, from, target.pixels, 0, rows.first - target.top);
+  }
+
+ private:
+  const Pixels like_;
+  const BandRect part_;
 };
 
-Samples CutOut(const Samples& source, const Part& part, const StageRun& run) {
-  Samples target(source.Layout(), part.width, part.height, source.Planes() > 1);
-  target.resolution = source.resolution;
-  const size_t skipped = static_cast<size_t>(part.left) * source.PixelBytes();
-  for (int plane = 0; plane < source.Planes(); ++plane) {
-    detail::ForRows(part.height, detail::PieceOf(part.height, target.Stride()), run,
-                    {static_cast<double>(plane) / source.Planes(),
-                     static_cast<double>(plane + 1) / source.Planes()},
-                    [&](int first, int last) {
-                      for (int y = first; y < last; ++y) {
-                        std::memcpy(target.Row(y, plane), source.Row(part.top + y, plane) + skipped,
-                                    target.Stride());
-                      }
-                    });
-  }
-  return target;
-}
-
-class CropRows : public Stage {
+class CropRows : public BandStage {
  public:
-  CropRows(Sides source, const Part& part) : source_(source), part_(part) {}
+  CropRows(Sides source, const BandRect& part) : BandStage(source), part_(part) {}
 
   RowRange Needs(RowRange target) const override {
     return {target.first + part_.top, target.count};
   }
-
-  Pixels Make(Pixels source, const StageRun& run, Changes&) const override {
-    detail::RequireSides(source, source_);
-    if (const auto* samples = std::get_if<Samples>(&source)) return CutOut(*samples, part_, run);
-    return CutOut(std::get<Raster>(source),
-                  {part_.left, part_.top, part_.left + part_.width, part_.top + part_.height});
+  std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun&) const override {
+    return std::make_unique<CropWork>(like, part_);
   }
 
  private:
-  const Sides source_;
-  const Part part_;
+  const BandRect part_;
 };
 
-bool IsInside(Sides source, const Part& part) {
+bool IsInside(Sides source, const BandRect& part) {
   return part.left >= 0 && part.top >= 0 && part.width > 0 && part.height > 0 &&
          part.left < source.width && part.width <= source.width - part.left &&
          part.top < source.height && part.height <= source.height - part.top;
@@ -61,7 +54,7 @@ bool IsInside(Sides source, const Part& part) {
 }  // namespace
 
 std::unique_ptr<Stage> CropStage(Sides source, int left, int top, int width, int height) {
-  const Part part{left, top, width, height};
+  const BandRect part{left, top, width, height};
   if (!IsInside(source, part)) {
     throw RangeError("the rectangle " + std::to_string(left) + "," + std::to_string(top) + "," +
                      std::to_string(width) + "," + std::to_string(height) +

@@ -39,7 +39,7 @@ void Pick(const uint8_t* row, const std::vector<int>& columns, size_t bytes, uin
 }  // namespace
 
 void PickPixels(const std::vector<int>& columns, const std::vector<int>& rows,
-                const PixelGrid& source, const PixelGrid& target, int first, int last) {
+                const ConstPixelGrid& source, const PixelGrid& target, int first, int last) {
   const bool isPacked = source.bits < 8;
   std::vector<uint8_t> pixels(isPacked ? static_cast<size_t>(source.rows.width) : 0);
   std::vector<uint8_t> picked(isPacked ? columns.size() : 0);

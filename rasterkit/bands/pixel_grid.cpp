@@ -5,14 +5,35 @@
 
 namespace rasterkit::detail {
 
-PixelGrid GridOf(Raster& raster) {
+int PlanesOf(const Pixels& pixels) {
+  const auto* samples = std::get_if<Samples>(&pixels);
+  return samples != nullptr ? samples->Planes() : 1;
+}
+
+PixelGrid GridOf(Pixels& pixels, int plane) {
+  if (auto* samples = std::get_if<Samples>(&pixels)) {
+    return {{samples->Row(0, plane), samples->Stride(), samples->Width(), samples->Height()},
+            static_cast<int>(samples->PixelBytes() * 8)};
+  }
+  auto& raster = std::get<Raster>(pixels);
   return {{raster.Row(0), raster.Stride(), raster.Width(), raster.Height()},
           StoredBitsPerPixel(raster.Format())};
 }
 
-PixelGrid GridOf(Samples& samples, int plane) {
-  return {{samples.Row(0, plane), samples.Stride(), samples.Width(), samples.Height()},
-          static_cast<int>(samples.PixelBytes() * 8)};
+ConstPixelGrid GridOf(const Pixels& pixels, int plane) {
+  if (const auto* samples = std::get_if<Samples>(&pixels)) {
+    return {{samples->Row(0, plane), samples->Stride(), samples->Width(), samples->Height()},
+            static_cast<int>(samples->PixelBytes() * 8)};
+  }
+  const auto& raster = std::get<Raster>(pixels);
+  return {{raster.Row(0), raster.Stride(), raster.Width(), raster.Height()},
+          StoredBitsPerPixel(raster.Format())};
+}
+
+GridPart PartOf(const ConstPixelGrid& grid, const BandRect& part) {
+  const size_t bit = static_cast<size_t>(part.left) * static_cast<size_t>(grid.bits);
+  return {{grid.rows.Row(part.top) + bit / 8, grid.rows.stride, part.width, part.height},
+          static_cast<int>(bit % 8) / grid.bits};
 }
 
 void RequireSides(const Pixels& pixels, Sides sides) {

@@ -97,14 +97,10 @@ class ResizeRows : public Stage {
   void Pick(Pixels& source, Pixels& target, const StageRun& run) const {
     const std::vector<int> columns = NearestPositions(source_.width, target_.width);
     const std::vector<int> rows = NearestPositions(source_.height, target_.height);
-    auto* const samples = std::get_if<Samples>(&source);
-    const int planes = samples != nullptr ? samples->Planes() : 1;
+    const int planes = detail::PlanesOf(source);
     for (int plane = 0; plane < planes; ++plane) {
-      const detail::PixelGrid from = samples != nullptr ? detail::GridOf(*samples, plane)
-                                                        : detail::GridOf(std::get<Raster>(source));
-      const detail::PixelGrid to = samples != nullptr
-                                       ? detail::GridOf(std::get<Samples>(target), plane)
-                                       : detail::GridOf(std::get<Raster>(target));
+      const detail::ConstPixelGrid from = detail::GridOf(std::as_const(source), plane);
+      const detail::PixelGrid to = detail::GridOf(target, plane);
       detail::ForRows(
           target_.height, detail::PieceOf(target_.height, to.rows.stride + from.rows.stride), run,
           {static_cast<double>(plane) / planes, static_cast<double>(plane + 1) / planes},

@@ -37,8 +37,8 @@ struct TurnTask {
 };
 
 /// Nearest pixels of a raster or of one plane.
-void TakeNearest(const TurnTask& task, const PixelGrid& source, const PixelGrid& target,
-                 const std::vector<uint8_t>& fill, const StageRun& run,
+void TakeNearest(const TurnTask& task, const detail::ConstPixelGrid& source,
+                 const PixelGrid& target, const std::vector<uint8_t>& fill, const StageRun& run,
                  const ProgressShare& share) {
   const auto piece = [&](int first, int last) {
     if (task.degrees == 0) {
@@ -87,17 +87,12 @@ Pixels EmptyTarget(const Pixels& source, Sides sides) {
 void TakeNearest(const TurnTask& task, Pixels& source, Pixels& target,
                  const std::vector<uint8_t>& fill, const StageRun& run,
                  const ProgressShare& share) {
-  if (auto* raster = std::get_if<Raster>(&source)) {
-    return TakeNearest(task, detail::GridOf(*raster), detail::GridOf(std::get<Raster>(target)),
-                       fill, run, share);
-  }
-  auto& samples = std::get<Samples>(source);
-  const int planes = samples.Planes();
+  const int planes = detail::PlanesOf(source);
   for (int plane = 0; plane < planes; ++plane) {
-    const PixelGrid from = detail::GridOf(samples, plane);
+    const detail::ConstPixelGrid from = detail::GridOf(std::as_const(source), plane);
     const auto first = fill.begin() + static_cast<ptrdiff_t>(from.BytesPerPixel()) * plane;
     const double step = (share.to - share.from) / planes;
-    TakeNearest(task, from, detail::GridOf(std::get<Samples>(target), plane),
+    TakeNearest(task, from, detail::GridOf(target, plane),
                 {first, first + static_cast<ptrdiff_t>(from.BytesPerPixel())}, run,
                 {share.from + step * plane, share.from + step * (plane + 1)});
   }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include <rasterkit/bands/pixel_grid.h>
@@ -8,11 +9,7 @@
 namespace rasterkit {
 namespace {
 
-using detail::PixelGrid;
 using kernels::AxisTurn;
-
-/// Columns of packed pixels are shared among threads by whole words.
-constexpr int kPackedStep = 64;
 
 AxisTurn TurnFor(int quarters) {
   switch (quarters & 3) {
@@ -27,83 +24,86 @@ AxisTurn TurnFor(int quarters) {
   }
 }
 
-kernels::PixelRows Part(const kernels::PixelRows& rows, int first, int last) {
-  return {rows.Row(first), rows.stride, rows.width, last - first};
-}
-
-kernels::ConstPixelRows RowsOf(const kernels::ConstPixelRows& rows, int first, int last) {
-  return {rows.Row(first), rows.stride, rows.width, last - first};
-}
-
-kernels::ConstPixelRows ColumnsOf(const kernels::ConstPixelRows& rows, int bits, int first,
-                                  int last) {
-  return {rows.data + static_cast<size_t>(first) * static_cast<size_t>(bits) / 8, rows.stride,
-          last - first, rows.height};
-}
-
-/// Moves the target rows that show the source rows (transposed: columns) `first` to `last - 1`.
-void TurnPart(const kernels::ConstPixelRows& source, const kernels::PixelRows& target, int bits,
-              AxisTurn turn, int first, int last) {
-  const int low = turn.mirrorY ? target.height - last : first;
-  const int high = turn.mirrorY ? target.height - first : last;
-  const auto from =
-      turn.transpose ? ColumnsOf(source, bits, first, last) : RowsOf(source, first, last);
-  kernels::TurnSamples(from, Part(target, low, high), bits, turn);
-}
-
-void TurnGrid(const PixelGrid& source, const PixelGrid& target, AxisTurn turn, const StageRun& run,
-              const detail::ProgressShare& share) {
-  const int count = turn.transpose ? source.rows.width : source.rows.height;
-  int piece = detail::PieceOf(
-      count, source.BytesPerPixel() *
-                 static_cast<size_t>(turn.transpose ? source.rows.height : source.rows.width));
-  if (turn.transpose) piece = (piece + kPackedStep - 1) / kPackedStep * kPackedStep;
-  detail::ForRows(count, piece, run, share, [&](int first, int last) {
-    TurnPart(source.rows, target.rows, source.bits, turn, first, last);
-  });
-}
-
-Raster Turned(Raster source, AxisTurn turn, const StageRun& run) {
-  Raster target(source.Format(), turn.transpose ? source.Height() : source.Width(),
-                turn.transpose ? source.Width() : source.Height());
-  target.CopyProperties(source);
-  if (turn.transpose) std::swap(target.resolution.x, target.resolution.y);
-  TurnGrid(detail::GridOf(source), detail::GridOf(target), turn, run, {});
-  return target;
-}
-
-Samples Turned(Samples source, AxisTurn turn, const StageRun& run) {
-  Samples target(source.Layout(), turn.transpose ? source.Height() : source.Width(),
-                 turn.transpose ? source.Width() : source.Height(), source.Planes() > 1);
-  target.resolution = source.resolution;
-  if (turn.transpose) std::swap(target.resolution.x, target.resolution.y);
-  for (int plane = 0; plane < source.Planes(); ++plane) {
-    TurnGrid(detail::GridOf(source, plane), detail::GridOf(target, plane), turn, run,
-             {static_cast<double>(plane) / source.Planes(),
-              static_cast<double>(plane + 1) / source.Planes()});
+Pixels KindAfter(const Pixels& like, AxisTurn turn) {
+  Pixels kind = NewPixels(like, 1, 1);
+  if (turn.transpose) {
+    std::visit([](auto& rows) { std::swap(rows.resolution.x, rows.resolution.y); }, kind);
   }
-  return target;
+  return kind;
 }
 
-class AxisStage : public Stage {
+Sides Turned(Sides source, AxisTurn turn) {
+  return turn.transpose ? Sides{source.height, source.width} : source;
+}
+
+/// Moves pixels to other axes.
+class AxisWork : public BandWork {
  public:
-  AxisStage(Sides source, AxisTurn turn) : source_(source), turn_(turn) {}
+  AxisWork(const Pixels& like, Sides source, AxisTurn turn)
+      : like_(KindAfter(like, turn)), size_(Turned(source, turn)), turn_(turn) {}
 
-  RowRange Needs(RowRange target) const override {
-    if (turn_.transpose) return {0, target.count == 0 ? 0 : source_.height};
-    if (!turn_.mirrorY) return target;
-    return {source_.height - target.first - target.count, target.count};
+  const Pixels& Like() const override { return like_; }
+  Sides Size() const override { return size_; }
+  bool MakesParts() const override { return true; }
+
+  BandRect Needs(const BandRect& target) const override {
+    const int u = turn_.mirrorX ? size_.width - target.left - target.width : target.left;
+    const int v = turn_.mirrorY ? size_.height - target.top - target.height : target.top;
+    if (turn_.transpose) return {v, u, target.height, target.width};
+    return {u, v, target.width, target.height};
   }
 
-  Pixels Make(Pixels source, const StageRun& run, Changes&) const override {
-    detail::RequireSides(source, source_);
-    if (turn_ == AxisTurn{}) return source;
-    return std::visit([&](auto& rows) -> Pixels { return Turned(std::move(rows), turn_, run); },
-                      source);
+  void Make(const Band& source, Band& target, RowRange rows) const override {
+    BandRect from = Needs({target.left, rows.first, WidthOf(target.pixels), rows.count});
+    from.left -= source.left;
+    from.top -= source.top;
+    for (int plane = 0; plane < detail::PlanesOf(source.pixels); ++plane) {
+      const detail::ConstPixelGrid grid = detail::GridOf(source.pixels, plane);
+      const detail::GridPart part = detail::PartOf(grid, from);
+      kernels::PixelRows to = detail::GridOf(target.pixels, plane).rows;
+      to = {to.Row(rows.first - target.top), to.stride, to.width, rows.count};
+      kernels::TurnSamples(part.rows, to, grid.bits, turn_, part.skipped);
+    }
+  }
+
+  /// Rows of the result that are columns of the source share its cache lines.
+  int RowsOfPiece() const override {
+    if (!turn_.transpose) return 0;
+    const detail::ConstPixelGrid grid = detail::GridOf(like_, 0);
+    constexpr int kLineBits = 512;
+    const int shared = grid.bits < 8 ? kLineBits / grid.bits : 64;
+    const int rows = detail::PieceOf(
+        size_.height, grid.BytesPerPixel() * static_cast<size_t>(std::max(1, size_.width)));
+    return (rows + shared - 1) / shared * shared;
   }
 
  private:
-  const Sides source_;
+  const Pixels like_;
+  const Sides size_;
+  const AxisTurn turn_;
+};
+
+class AxisStage : public BandStage {
+ public:
+  AxisStage(Sides source, AxisTurn turn) : BandStage(source), turn_(turn) {}
+
+  RowRange Needs(RowRange target) const override {
+    if (turn_.transpose) return {0, target.count == 0 ? 0 : Source().height};
+    if (!turn_.mirrorY) return target;
+    return {Source().height - target.first - target.count, target.count};
+  }
+
+  std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun&) const override {
+    return std::make_unique<AxisWork>(like, Source(), turn_);
+  }
+
+  Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
+    if (turn_ != AxisTurn{}) return BandStage::Make(std::move(source), run, changes);
+    detail::RequireSides(source, Source());
+    return source;
+  }
+
+ private:
   const AxisTurn turn_;
 };
 

@@ -198,7 +198,7 @@ class StepAdder {
     if (options.mode == CombineMode::automatic) options.mode = CombineMode::key;
     MakeVisible();
     SetLayout(LayoutAfterCombine(state_.layout, options.mode, &state_.changes));
-    AddStage(PictureOverStage(Now(), step.other, options, toOver));
+    AddOver(PictureOverStage(Now(), step.other, options, toOver), other);
   }
 
   void operator()(const PixelsStep& step) {
@@ -251,16 +251,19 @@ class StepAdder {
 
   void SetLayout(PixelLayout layout) { state_.layout = std::move(layout); }
 
-  uint64_t RowBytes() const { return BytesOfRows(state_.layout, state_.width, state_.height); }
+  /// A stage that reads a second picture.
+  void AddOver(std::shared_ptr<const Stage> stage, const PictureState& over) {
+    AddStage(std::move(stage));
+    state_.madeByStages.back().over = {{over.width, over.height}, over.layout};
+  }
 
-  /// The layout is the new one already. Rows before and after a stage are held together.
+  /// The layout is the new one already.
   void AddStage(std::shared_ptr<const Stage> stage, const StepEffect& effect = {}) {
     state_.stages.push_back(std::move(stage));
     state_.pixelsChanged = true;
     state_.keepsValues = state_.keepsValues && effect.keepsValues;
     state_.onlyMoves = state_.onlyMoves && effect.onlyMoves;
-    const uint64_t before = std::exchange(heldBytes_, RowBytes());
-    state_.rowBytes = std::max(state_.rowBytes, before + heldBytes_);
+    state_.madeByStages.push_back({{Now(), state_.layout}, state_.isRaster, std::nullopt});
   }
 
   /// `forMask` moves masks of the page; without one the stage itself does.
@@ -302,8 +305,8 @@ class StepAdder {
     }
     SetLayout(std::move(layout));
     state_.isRaster = false;
-    AddStage(
-        GridOverStage(Now(), step.other, NoDataOf(source_), filter, toOver.value_or(Affine())));
+    AddOver(GridOverStage(Now(), step.other, NoDataOf(source_), filter, toOver.value_or(Affine())),
+            other);
   }
 
   void ExchangeAxes() {
@@ -381,14 +384,16 @@ class StepAdder {
     if (state_.exchangesAxes) std::swap(least.width, least.height);
     const std::optional<SmallerForm> form = source_.SmallestForm(least.width, least.height);
     if (!form) return;
-    SmallerStart start{*form, {}};
+    SmallerStart start{*form, {}, {}};
     Sides sides{form->width, form->height};
     for (const Step& move : state_.moves) {
       start.stages.push_back(StageOfMove(move, sides));
       const auto* turn = std::get_if<TurnStep>(&move);
       if (turn != nullptr && turn->quarters % 2 != 0) std::swap(sides.width, sides.height);
+      start.made.push_back(sides);
     }
     start.stages.push_back(ResizeStage(sides, target, filter, NoDataOf(source_)));
+    start.made.push_back(target);
     state_.smaller = std::move(start);
   }
 
@@ -460,7 +465,6 @@ class StepAdder {
 
   PictureState& state_;
   const PictureSource& source_;
-  uint64_t heldBytes_ = RowBytes();
 };
 
 }  // namespace

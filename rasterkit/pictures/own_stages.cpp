@@ -34,8 +34,8 @@ class LayOver : public Stage {
   RowRange Needs(RowRange target) const override { return target; }
   Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
     Combination combination;
-    combination.over =
-        std::make_shared<const Raster>(VisibleRowsOf(*other_, {run.threads, {}}, changes));
+    combination.over = std::make_shared<const Raster>(
+        VisibleRowsOf(*other_, FlowOf(run), {run.threads, {}}, changes));
     combination.mode = options_.mode;
     combination.percent = options_.percent;
     combination.gray = options_.gray;
@@ -50,7 +50,7 @@ class LayOver : public Stage {
   const std::optional<Affine> toOver_;
 };
 
-Samples NumbersOf(Pixels pixels) {
+Samples AsNumbers(Pixels pixels) {
   if (const auto* rows = std::get_if<Raster>(&pixels)) return SamplesOf(*rows);
   return std::get<Samples>(std::move(pixels));
 }
@@ -69,13 +69,13 @@ class LayGridOver : public Stage {
   Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
     const PictureSource& over = *PictureParts::Source(*other_);
     GridCombination combination;
-    combination.over = std::make_shared<const Samples>(NumbersOf(
-        ReadPixels(over, PictureParts::State(*other_), {run.threads, {}}, changes).pixels));
+    combination.over = std::make_shared<const Samples>(detail::NumbersOf(
+        over, PictureParts::State(*other_), FlowOf(run), {run.threads, {}}, changes));
     combination.toOver = toOver_;
     combination.filter = filter_;
     combination.noData = noData_;
     combination.overNoData = NoDataOf(over);
-    return GridStage(source_, combination)->Make(NumbersOf(std::move(source)), run, changes);
+    return GridStage(source_, combination)->Make(AsNumbers(std::move(source)), run, changes);
   }
 
  private:

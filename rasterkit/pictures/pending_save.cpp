@@ -76,6 +76,7 @@ bool IsUnsynced(const std::exception_ptr& error) {
 PendingSave::State::State(const detail::FileParts& parts, const std::string& name,
                           const SaveOptions& options, const Run& run) {
   detail::RunScope scope(run);
+  scope.SetTarget(name);
   report = detail::WriteMovedOrAnew(
       options, [&](const SaveOptions& how) { return Write(parts, name, how, scope); });
   file->Finish();

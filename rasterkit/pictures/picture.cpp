@@ -149,7 +149,7 @@ std::unique_ptr<TBitmap> Picture::Bitmap(const Run& run) const {
   detail::RunScope scope(run);
   scope.Begin(kSeen, source_->Header().height);
   Changes unused;
-  Raster rows = detail::VisibleRowsOf(*this, scope.Stages(), unused);
+  Raster rows = detail::VisibleRowsOf(*this, scope.Flow(), scope.Stages(), unused);
   rows.profile = state_->metadata.profile;
   auto bitmap = std::make_unique<TBitmap>(std::move(rows));
   scope.Finish();
@@ -189,10 +189,7 @@ Samples Picture::Numbers(const Run& run) const {
   detail::RunScope scope(run);
   scope.Begin(kSeen, source_->Header().height);
   Changes unused;
-  Pixels pixels = detail::ReadPixels(*source_, *state_, scope.Stages(), unused).pixels;
-  const auto* rows = std::get_if<Raster>(&pixels);
-  Samples samples =
-      rows != nullptr ? detail::SamplesOf(*rows) : std::get<Samples>(std::move(pixels));
+  Samples samples = detail::NumbersOf(*source_, *state_, scope.Flow(), scope.Stages(), unused);
   scope.Finish();
   return samples;
 }
@@ -201,8 +198,8 @@ void Picture::Rows(RowSink& sink, const Run& run) const {
   detail::RunScope scope(run);
   scope.Begin(kSeen, source_->Header().height);
   Changes unused;
-  const Raster rows = detail::VisibleRowsOf(*this, scope.Stages(), unused);
-  sink.Take(rows, 0);
+  detail::TakeVisibleRows(*this, scope.Flow(), scope.Stages(), unused,
+                          [&](Raster& rows, int top) { sink.Take(rows, top); });
   scope.Finish();
 }
 

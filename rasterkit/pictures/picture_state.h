@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,21 @@ namespace rasterkit::detail {
 struct SmallerStart {
   SmallerForm form;
   Stages stages;
+  /// Sides of what each of them makes.
+  std::vector<Sides> made;
+};
+
+/// Size and kind of rows.
+struct KindOfRows {
+  Sides sides;
+  PixelLayout layout;
+};
+
+/// Rows that a stage makes, as foretold.
+struct MadeRows : KindOfRows {
+  bool isRaster = true;
+  /// The picture that is laid over them and read as a whole.
+  std::optional<KindOfRows> over;
 };
 
 /// What is known about a picture after its steps so far, without reading a pixel.
@@ -45,8 +61,8 @@ struct PictureState {
   /// The moves of the stages, as long as there are no others.
   std::vector<Step> moves;
   std::optional<SmallerStart> smaller;
-  /// Bytes of rows that the stages hold at most.
-  uint64_t rowBytes = 0;
+  /// One for each stage.
+  std::vector<MadeRows> madeByStages;
   /// What the steps lose and note.
   Changes changes;
   /// Doubts about what the steps make.

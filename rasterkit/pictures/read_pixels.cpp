@@ -1,9 +1,9 @@
 #include <algorithm>
-#include <cstring>
+#include <atomic>
 #include <utility>
 
-#include <rasterkit/bands/flow/executor.h>
 #include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/pictures/own_stages.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/read_pixels.h>
 #include <rasterkit/runtime/errors.h>
@@ -12,12 +12,225 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Part of the work that reading is, as long as there are stages.
-constexpr double kReading = 0.5;
+/// Part of the work that comes before the first row, at most.
+constexpr double kBegun = 0.5;
 
-StageRun PartOf(const StageRun& run, double from, double to) {
+}  // namespace
+
+/// Which part of a flow failed, as the threads saw it.
+struct PictureFlow::Faults {
+  std::atomic<bool> ofSource = false, ofTaker = false;
+};
+
+namespace {
+
+/// Calls `work`; its errors get the name of the source.
+template <class Work>
+void Named(const PictureSource& source, std::atomic<bool>& hasFailed, const Work& work) {
+  try {
+    work();
+  } catch (Error& error) {
+    hasFailed = true;
+    error.AttachFile(source.File());
+    throw;
+  }
+}
+
+class NamedRows : public RowReader {
+ public:
+  NamedRows(const PictureSource& source, std::unique_ptr<RowReader> reader,
+            std::atomic<bool>& hasFailed)
+      : source_(source), reader_(std::move(reader)), hasFailed_(hasFailed) {}
+
+  int Width() const override { return reader_->Width(); }
+  int Height() const override { return reader_->Height(); }
+  RowAccess Access() const override { return reader_->Access(); }
+  int BlockRows() const override { return reader_->BlockRows(); }
+  const Pixels& Like() const override { return reader_->Like(); }
+  void Read(int left, int top, Pixels& target) override {
+    Named(source_, hasFailed_, [&] { reader_->Read(left, top, target); });
+  }
+  void Finish(CodecReport& report) override {
+    Named(source_, hasFailed_, [&] { reader_->Finish(report); });
+  }
+
+ private:
+  const PictureSource& source_;
+  const std::unique_ptr<RowReader> reader_;
+  std::atomic<bool>& hasFailed_;
+};
+
+}  // namespace
+
+PictureFlow::PictureFlow(const PictureSource& source, Stages stages, const FlowSettings& settings)
+    : source_(source),
+      stages_(std::move(stages)),
+      settings_(settings),
+      faults_(std::make_shared<Faults>()) {}
+
+PictureFlow::PictureFlow(const PictureSource& source, const PictureState& state,
+                         const FlowSettings& settings)
+    : PictureFlow(source, state.stages, settings) {
+  if (!state.smaller) return;
+  smaller_ = state.smaller->form;
+  std::ranges::copy(state.smaller->stages, stages_.begin());
+}
+
+PictureFlow::~PictureFlow() = default;
+
+const Pixels& PictureFlow::Stored() {
+  if (!reader_) OpenReader();
+  return reader_->Like();
+}
+
+void PictureFlow::OpenReader() {
+  Named(source_, faults_->ofSource, [&] {
+    RequireTime();
+    if (smaller_) return OpenSmaller();
+    reader_ = source_.OpenRows(settings_.threads);
+    // Rows in memory have no errors; the flow takes them where they are.
+    if (!reader_) {
+      reader_ = RowsInMemory(source_.ReadPixels(settings_.threads, whole_));
+    } else if (!source_.IsInMemory()) {
+      reader_ = std::make_unique<NamedRows>(source_, std::move(reader_), faults_->ofSource);
+    }
+  });
+}
+
+void PictureFlow::OpenSmaller() {
+  reader_ = source_.OpenSmaller(*smaller_, settings_.threads);
+  if (reader_) {
+    reader_ = std::make_unique<NamedRows>(source_, std::move(reader_), faults_->ofSource);
+    return;
+  }
+  reader_ =
+      RowsInMemory(source_.ReadExtraPage(smaller_->extraPage.value(), settings_.threads, whole_));
+}
+
+void PictureFlow::Add(const Stages& stages) {
+  stages_.insert(stages_.end(), stages.begin(), stages.end());
+}
+
+/// A change that refuses the pixels does not fit the picture: the file is not damaged. Other errors
+/// are none of the source and get no name here.
+template <class Work>
+void PictureFlow::Guard(const Work& work) {
+  try {
+    work();
+  } catch (const FormatError& error) {
+    if (faults_->ofSource || faults_->ofTaker) throw;
+    throw RangeError(error.Reason(), source_.File());
+  }
+}
+
+StageRun PictureFlow::Part(const StageRun& run, double end) {
   if (!run.progress) return {run.threads, {}};
-  return {run.threads, [&run, from, to](double done) { run.progress(from + (to - from) * done); }};
+  return {run.threads, [this, &run, from = done_, end](double done) {
+            done_ = from + (end - from) * done;
+            run.progress(done_);
+          }};
+}
+
+void PictureFlow::Begin(const StageRun& run) {
+  Stored();
+  flow_ = std::make_unique<BandFlow>(std::move(reader_), std::move(stages_), settings_);
+  Guard([&] { flow_->Begin(Part(run, kBegun)); });
+}
+
+void PictureFlow::Run(const StageRun& run, const Take& take) {
+  const auto guarded = [&](Pixels& rows, int top) {
+    try {
+      take(rows, top);
+    } catch (...) {
+      faults_->ofTaker = true;
+      throw;
+    }
+  };
+  Guard([&] { flow_->Run(Part(run, 1), guarded); });
+  if (run.progress) run.progress(1);
+}
+
+Pixels PictureFlow::Whole(const StageRun& run) {
+  const Sides size = Size();
+  std::optional<Pixels> whole;
+  Run(run, [&](Pixels& rows, int top) {
+    if (HeightOf(rows) == size.height) {
+      whole = std::move(rows);
+      return;
+    }
+    if (!whole) whole = NewPixels(Like(), size.width, size.height);
+    CopyPart(rows, {0, 0, size.width, HeightOf(rows)}, *whole, 0, top);
+  });
+  return std::move(whole).value();
+}
+
+void PictureFlow::Finish(CodecReport& report, Changes& changes) {
+  report.Append(std::exchange(whole_, {}));
+  Guard([&] { flow_->Finish(report, changes); });
+}
+
+Pixels ReadPixels(const PictureSource& source, const PictureState& state,
+                  const FlowSettings& settings, const StageRun& run, Changes& changes) {
+  PictureFlow flow(source, state, settings);
+  flow.Begin(run);
+  Pixels pixels = flow.Whole(run);
+  CodecReport unused;
+  flow.Finish(unused, changes);
+  std::visit([&](auto& rows) { rows.resolution = state.metadata.resolution; }, pixels);
+  return pixels;
+}
+
+void TakeVisibleRows(const Picture& picture, const FlowSettings& settings, const StageRun& run,
+                     Changes& changes, const std::function<void(Raster& rows, int top)>& take) {
+  const PictureState& state = PictureParts::State(picture);
+  PictureFlow flow(*PictureParts::Source(picture), state, settings);
+  if (!state.isRaster) flow.Add({VisibleStage(state.placement.noData, state.stretch)});
+  flow.Begin(run);
+  const auto takeRows = [&](Raster rows, int top) {
+    rows.resolution = state.metadata.resolution;
+    take(rows, top);
+  };
+  CodecReport unused;
+  if (std::holds_alternative<Raster>(flow.Like())) {
+    flow.Run(run, [&](Pixels& rows, int top) {
+      auto& raster = std::get<Raster>(rows);
+      raster.resolution = state.metadata.resolution;
+      take(raster, top);
+    });
+    return flow.Finish(unused, changes);
+  }
+  Pixels pixels = flow.Whole(run);
+  flow.Finish(unused, changes);
+  takeRows(VisiblePixels(std::move(pixels), state.placement.noData, changes, state.stretch), 0);
+}
+
+Raster VisibleRowsOf(const Picture& picture, const FlowSettings& settings, const StageRun& run,
+                     Changes& changes) {
+  const Sides size{picture.Width(), picture.Height()};
+  std::optional<Pixels> whole;
+  TakeVisibleRows(picture, settings, run, changes, [&](Raster& rows, int top) {
+    if (rows.Height() == size.height) {
+      whole = std::move(rows);
+      return;
+    }
+    Pixels band = std::move(rows);
+    if (!whole) whole = NewPixels(band, size.width, size.height);
+    CopyPart(band, {0, 0, size.width, HeightOf(band)}, *whole, 0, top);
+    rows = std::get<Raster>(std::move(band));
+  });
+  return std::get<Raster>(std::move(whole).value());
+}
+
+namespace {
+
+PixelLayout NumbersLayout(const Raster& rows) {
+  Pixels like = Raster(rows.Format(), 1, 1);
+  std::get<Raster>(like).CopyProperties(rows);
+  const PixelLayout layout = LayoutOf(like);
+  if (layout.bits == 5 || layout.bits == 6) {
+    throw UnsupportedError("15- and 16-bit pixels are no whole bytes per sample");
+  }
+  return layout;
 }
 
 void UnpackRow(const Raster& rows, int y, uint8_t* target) {
@@ -41,76 +254,44 @@ void ExchangeRow(const uint8_t* row, int width, int bands, uint8_t* target) {
   }
 }
 
-Pixels ReadSource(const PictureSource& source, const PictureState& state, int threads,
-                  CodecReport& report) {
-  if (!state.smaller) return source.ReadPixels(threads, report);
-  return source.ReadSmaller(state.smaller->form, threads, report);
-}
-
-/// The stages for the pixels that are read.
-Stages StagesOf(const PictureState& state) {
-  Stages stages = state.stages;
-  if (state.smaller) std::ranges::copy(state.smaller->stages, stages.begin());
-  return stages;
-}
-
-/// A change that refuses the pixels does not fit the picture: the file is not damaged. Other errors
-/// are none of the source and get no name here.
-Pixels Changed(Pixels pixels, const PictureSource& source, const PictureState& state,
-               const StageRun& run, Changes& changes) {
-  try {
-    return RunStages(std::move(pixels), StagesOf(state), run, changes);
-  } catch (const FormatError& error) {
-    throw RangeError(error.Reason(), source.File());
+void FillNumbers(const Raster& rows, Samples& samples, int top) {
+  const int bands = samples.Layout().bands;
+  for (int y = 0; y < rows.Height(); ++y) {
+    RequireTime();
+    if (IsIndexed(rows.Format())) {
+      UnpackRow(rows, y, samples.Row(top + y));
+    } else {
+      ExchangeRow(rows.Row(y), rows.Width(), bands, samples.Row(top + y));
+    }
   }
 }
 
 }  // namespace
 
-DecodedPicture ReadPixels(const PictureSource& source, const PictureState& state,
-                          const StageRun& run, Changes& changes) {
-  DecodedPicture read;
-  const double border = state.stages.empty() ? 1 : kReading;
-  try {
-    RequireTime();
-    read.pixels = ReadSource(source, state, run.threads, read.report);
-  } catch (Error& error) {
-    error.AttachFile(source.File());
-    throw;
-  }
-  if (run.progress) run.progress(border);
-  if (!state.stages.empty()) {
-    read.pixels = Changed(std::move(read.pixels), source, state, PartOf(run, border, 1), changes);
-  }
-  std::visit([&](auto& rows) { rows.resolution = state.metadata.resolution; }, read.pixels);
-  return read;
-}
-
-Raster VisibleRowsOf(const Picture& picture, const StageRun& run, Changes& changes) {
-  const PictureState& state = PictureParts::State(picture);
-  Pixels pixels = ReadPixels(*PictureParts::Source(picture), state, run, changes).pixels;
-  if (auto* rows = std::get_if<Raster>(&pixels)) return std::move(*rows);
-  return VisiblePixels(std::move(pixels), state.placement.noData, changes, state.stretch);
-}
-
 Samples SamplesOf(const Raster& rows) {
-  Pixels like = Raster(rows.Format(), 1, 1);
-  std::get<Raster>(like).CopyProperties(rows);
-  const PixelLayout layout = LayoutOf(like);
-  if (layout.bits == 5 || layout.bits == 6) {
-    throw UnsupportedError("15- and 16-bit pixels are no whole bytes per sample");
-  }
-  Samples samples(layout, rows.Width(), rows.Height());
+  Samples samples(NumbersLayout(rows), rows.Width(), rows.Height());
   samples.resolution = rows.resolution;
-  for (int y = 0; y < rows.Height(); ++y) {
-    RequireTime();
-    if (IsIndexed(rows.Format())) {
-      UnpackRow(rows, y, samples.Row(y));
-    } else {
-      ExchangeRow(rows.Row(y), rows.Width(), layout.bands, samples.Row(y));
-    }
-  }
+  FillNumbers(rows, samples, 0);
   return samples;
+}
+
+Samples NumbersOf(const PictureSource& source, const PictureState& state,
+                  const FlowSettings& settings, const StageRun& run, Changes& changes) {
+  PictureFlow flow(source, state, settings);
+  flow.Begin(run);
+  std::optional<Samples> samples;
+  if (const auto* like = std::get_if<Raster>(&flow.Like())) {
+    const Sides size = flow.Size();
+    samples.emplace(NumbersLayout(*like), size.width, size.height);
+    flow.Run(run,
+             [&](Pixels& rows, int top) { FillNumbers(std::get<Raster>(rows), *samples, top); });
+  } else {
+    samples = std::get<Samples>(flow.Whole(run));
+  }
+  CodecReport unused;
+  flow.Finish(unused, changes);
+  samples->resolution = state.metadata.resolution;
+  return std::move(*samples);
 }
 
 }  // namespace rasterkit::detail

@@ -41,6 +41,8 @@ struct Report {
   uint64_t bytes = 0;
   /// Upper bound of the bytes that a save holds at a time.
   uint64_t memory = 0;
+  /// Upper bound of the bytes of its scratch file.
+  uint64_t scratch = 0;
 };
 
 }  // namespace rasterkit

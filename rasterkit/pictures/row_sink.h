@@ -9,7 +9,8 @@ namespace rasterkit {
 class RASTERKIT_EXPORT RowSink {
  public:
   virtual ~RowSink() = default;
-  /// The rows from `top` on, valid during the call.
+  /// The next rows, from `top` on, valid during the call. Calls come one after another, but not
+  /// always on the thread that asked for the rows.
   virtual void Take(const Raster& rows, int top) = 0;
 };
 

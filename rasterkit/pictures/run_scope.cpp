@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <filesystem>
 #include <thread>
 
 #include <rasterkit/pictures/run_scope.h>
+#include <rasterkit/runtime/files/file_name.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -15,14 +17,38 @@ int ThreadsOf(const Run& run) {
   return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, 64u));
 }
 
+/// True for a device or a pipe, whose folder is no place for files.
+bool IsSpecialFile(const std::string& file) {
+  std::error_code error;
+  return std::filesystem::is_other(ToPath(file), error);
+}
+
 }  // namespace
 
 RunScope::RunScope(const Run& run)
     : run_(run),
       threads_(ThreadsOf(run)),
+      scratchFolder_(run.scratchFolder),
       scope_(run.limits ? *run.limits : CurrentLimits(), run.cancel,
              run.progress ? std::function<void()>([this] { Check(); }) : nullptr) {
   RequireTime();
+}
+
+void RunScope::SetTarget(const std::string& file) {
+  if (!run_.scratchFolder.empty() || IsSpecialFile(file)) return;
+  const std::string folder = ExtractFilePath(file);
+  scratchFolder_ = folder.empty() ? "." : folder;
+}
+
+FlowSettings RunScope::Flow() const {
+  // Bands and the file that is written need memory, too.
+  constexpr uint64_t kPart = 4;
+  FlowSettings settings;
+  settings.rows = run_.bandRows;
+  settings.threads = threads_;
+  settings.heldBytes = std::min(settings.heldBytes, CurrentLimits().processBytes / kPart);
+  settings.scratchFolder = scratchFolder_;
+  return settings;
 }
 
 void RunScope::Begin(double end, int rows) {

@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <rasterkit/pictures/fitting/make_thumbnail.h>
 #include <rasterkit/pictures/read_pixels.h>
 #include <rasterkit/pictures/save_picture.h>
+#include <rasterkit/pictures/sources/sample_rows.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {
@@ -11,6 +13,14 @@ namespace {
 
 /// Parts of the work after which reading and the stages end.
 constexpr double kRead = 0.5;
+
+/// Gives pixels the properties of others of their kind.
+void CopyProperties(const Pixels& source, Pixels& target) {
+  if (auto* rows = std::get_if<Raster>(&target)) {
+    return rows->CopyProperties(std::get<Raster>(source));
+  }
+  std::get<Samples>(target).resolution = std::get<Samples>(source).resolution;
+}
 
 constexpr const char* kDamagedFile = "the file of the picture is damaged";
 
@@ -32,15 +42,16 @@ void LoseDamage(const CodecReport& read, const char* why, Changes& changes) {
 
 /// Decodes the pixels that are to be copied, only to see whether they are whole. Those that no
 /// decoder here knows cannot be judged.
-CodecReport ReadForDamage(const PictureSource& source, int threads, Changes& changes) {
+CodecReport ReadForDamage(const PictureSource& source, RunScope& run, Changes& changes) {
   CodecReport report;
   try {
-    source.ReadPixels(threads, report);
+    PictureFlow flow(source, Stages(), run.Flow());
+    const StageRun seeing = run.Stages();
+    flow.Begin(seeing);
+    flow.Run(seeing, [](Pixels&, int) {});
+    flow.Finish(report, changes);
   } catch (const UnsupportedError& error) {
     changes.Note("the pixels were not checked for damage: " + error.Reason());
-  } catch (Error& error) {
-    error.AttachFile(source.File());
-    throw;
   }
   return report;
 }
@@ -80,26 +91,107 @@ WrittenPicture Move(PictureTarget& target, const PictureSource& source, const Pi
   }
 }
 
-WrittenPicture WriteAnew(PictureTarget& target, const PictureSource& source,
-                         const PictureState& state, const WritePlan& plan,
-                         const SaveOptions& options, RunScope& run, WorkPart part, Report& report,
-                         Changes& changes) {
-  run.Begin(ReadEnd(part), source.Header().height);
+/// A picture that is encoded anew, and what is said about it.
+struct Encoding {
+  PictureTarget& target;
+  const PictureSource& source;
+  const PictureState& state;
+  const WritePlan& plan;
+  const SaveOptions& options;
+  RunScope& run;
+  WorkPart part;
+};
+
+Changes LossesBefore(const Encoding& work, const PictureState& state) {
+  return LossesOf(work.source, state, {work.plan.type, work.plan.isCopied, work.plan.hasSideFiles});
+}
+
+/// Writes the pixels when all of them are there.
+WrittenPicture WriteWhole(const Encoding& work, CodecReport& read, Changes& changes) {
+  const PictureState& state = work.state;
+  PictureFlow flow(work.source, state, work.run.Flow());
+  work.run.Begin(ReadEnd(work.part), work.source.Header().height);
+  const StageRun reading = work.run.Stages();
+  flow.Begin(reading);
+  Pixels pixels = flow.Whole(reading);
   Changes made;
-  DecodedPicture decoded = ReadPixels(source, state, run.Stages(), made);
-  run.Begin(part.end, HeightOf(decoded.pixels));
+  flow.Finish(read, made);
+  std::visit([&](auto& rows) { rows.resolution = state.metadata.resolution; }, pixels);
+  work.run.Begin(work.part.end, HeightOf(pixels));
   // The metadata describe the pixels that are written: the thumbnail is made of them.
   PictureState followed = state;
-  if (NeedsThumbnail(state, source) && plan.type != PictureType::bmp) {
-    Follow(followed, source, MakeThumbnail(decoded.pixels, state.placement.noData, state.stretch));
+  if (NeedsThumbnail(state, work.source) && work.plan.type != PictureType::bmp) {
+    Follow(followed, work.source, MakeThumbnail(pixels, state.placement.noData, state.stretch));
   }
-  changes = LossesOf(source, followed, {plan.type, plan.isCopied, plan.hasSideFiles});
+  changes = LossesBefore(work, followed);
   Join(changes, made);
-  WrittenPicture written = WritePixels(std::move(decoded.pixels), followed, source, plan, options,
-                                       run.Threads(), target, changes);
-  Warn(decoded.report, report);
-  LoseDamage(decoded.report, kDamagedFile, changes);
+  return WritePixels(std::move(pixels), followed, work.source, work.plan, work.options,
+                     work.run.Threads(), work.target, changes);
+}
+
+/// True if something of the file is made of all pixels before the first one is written.
+bool NeedsWhole(const Encoding& work) {
+  const bool hasThumbnail =
+      NeedsThumbnail(work.state, work.source) && work.plan.type != PictureType::bmp;
+  return hasThumbnail || (work.plan.type == PictureType::tiff && !work.source.ExtraPages().empty());
+}
+
+/// The kind of the pixels after the steps: read from the source without steps, else foretold.
+Pixels KindToFit(const Encoding& work, PictureFlow& flow) {
+  if (work.state.stages.empty()) return NewPixels(flow.Stored(), 1, 1);
+  return SampleRows(work.state.layout, work.state.isRaster, 1, 1);
+}
+
+/// Writes the rows as they come. Nothing if the pixels are encoded only as a whole, or are other
+/// ones than foretold.
+std::optional<WrittenPicture> WriteRows(const Encoding& work, CodecReport& read, Changes& changes) {
+  const PictureState& state = work.state;
+  const int threads = work.run.Threads();
+  const PixelFit fit = FitOf(state, work.plan, work.options, threads);
+  PictureFlow flow(work.source, state, work.run.Flow());
+  const Pixels stored = KindToFit(work, flow);
+  const auto fitted = std::make_shared<Changes>();
+  flow.Add(FitStages(stored, {state.width, state.height}, fit, fitted));
+  work.run.Begin(work.part.end, work.source.Header().height);
+  const StageRun running = work.run.Stages();
+  flow.Begin(running);
+  if (!IsFit(flow.Like(), fit)) return std::nullopt;
+  const Sides size = flow.Size();
+  Pixels like = NewPixels(flow.Like(), 1, 1);
+  std::visit([&](auto& rows) { rows.resolution = state.metadata.resolution; }, like);
+  PictureWriting writing = WritingOf(work.source, state, work.plan, work.options, threads);
+  Changes ofKind;
+  FitKind(like, LayoutOf(stored), fit, writing.metadata, ofKind);
+  const auto writer = work.target.Open(work.plan.type, like, {size.width, size.height}, writing);
+  WrittenPicture written;
+  if (writer) {
+    flow.Run(running, [&](Pixels& rows, int) { writer->Write(rows); });
+    written = writer->Finish();
+  } else {
+    Pixels pixels = flow.Whole(running);
+    CopyProperties(like, pixels);
+    written = work.target.Write(work.plan.type, pixels, writing, {});
+  }
+  Changes made;
+  flow.Finish(read, made);
+  changes = LossesBefore(work, state);
+  Join(changes, made);
+  for (const Changes* lost : {static_cast<const Changes*>(fitted.get()), &std::as_const(ofKind)}) {
+    changes.losses.insert(changes.losses.end(), lost->losses.begin(), lost->losses.end());
+    for (const std::string& note : lost->notes) changes.Note(note);
+  }
+  Join(changes, written.changes);
   return written;
+}
+
+WrittenPicture WriteAnew(const Encoding& work, Report& report, Changes& changes) {
+  CodecReport read;
+  std::optional<WrittenPicture> written;
+  if (!NeedsWhole(work)) written = WriteRows(work, read, changes);
+  if (!written) written = WriteWhole(work, read, changes);
+  Warn(read, report);
+  LoseDamage(read, kDamagedFile, changes);
+  return std::move(*written);
 }
 
 /// False if the compressed pixels are damaged so that they cannot be copied: they are then decoded,
@@ -109,7 +201,7 @@ bool Copy(PictureTarget& target, const PictureSource& source, const PictureState
           Report& report, Changes& changes) {
   run.Begin(ReadEnd(part), source.Header().height);
   Changes seen;
-  const CodecReport read = ReadForDamage(source, run.Threads(), seen);
+  const CodecReport read = ReadForDamage(source, run, seen);
   run.Begin(part.end, 1);
   const uint64_t start = target.Position();
   try {
@@ -171,7 +263,7 @@ Report WriteOne(PictureTarget& target, const PictureSource& source, const Pictur
   if (!report.isMoved && !report.isCopied) {
     WritePlan anew = plan;
     anew.isCopied = false;
-    written = WriteAnew(target, source, state, anew, options, run, part, report, changes);
+    written = WriteAnew({target, source, state, anew, options, run, part}, report, changes);
   }
   if (plan.move) changes.Note(kMoved);
   if (!plan.moveNote.empty()) changes.Note(plan.moveNote);

@@ -91,7 +91,7 @@ std::vector<TagValue> PositionTags(const PictureSource& source, const PictureSta
   return tags;
 }
 
-PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
+PictureWriting CopyingOf(const PictureSource& source, const PictureState& state,
                          const WritePlan& plan) {
   PictureWriting writing;
   writing.form = plan.form;
@@ -178,17 +178,28 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
   return plan;
 }
 
-WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
-                           const WritePlan& plan, const SaveOptions& options, int threads,
-                           PictureTarget& target, Changes& changes) {
-  PictureWriting writing = WritingOf(source, state, plan);
-  const PixelFit fit{plan.type, options.background, state.placement.noData, state.stretch,
-                     threads,   plan.isSample};
-  Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
+PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
+                         const WritePlan& plan, const SaveOptions& options, int threads) {
+  PictureWriting writing = CopyingOf(source, state, plan);
   writing.quality = options.quality;
   writing.chromaX = options.chromaX;
   writing.chromaY = options.chromaY;
   writing.threads = threads;
+  return writing;
+}
+
+PixelFit FitOf(const PictureState& state, const WritePlan& plan, const SaveOptions& options,
+               int threads) {
+  return {plan.type, options.background, state.placement.noData, state.stretch,
+          threads,   plan.isSample};
+}
+
+WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const PictureSource& source,
+                           const WritePlan& plan, const SaveOptions& options, int threads,
+                           PictureTarget& target, Changes& changes) {
+  PictureWriting writing = WritingOf(source, state, plan, options, threads);
+  const PixelFit fit = FitOf(state, plan, options, threads);
+  const Pixels fitted = FitPixels(std::move(pixels), fit, writing.metadata, changes);
   const bool hasExtraPages = plan.type == PictureType::tiff && !plan.isSample;
   std::vector<TiffExtraPage> extraPages;
   if (hasExtraPages) extraPages = MakeExtraPages(fitted, source, state, threads, changes);
@@ -199,7 +210,7 @@ WrittenPicture WritePixels(Pixels pixels, const PictureState& state, const Pictu
 
 WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state,
                           const WritePlan& plan, PictureTarget& target, Changes& changes) {
-  const PictureWriting writing = WritingOf(source, state, plan);
+  const PictureWriting writing = CopyingOf(source, state, plan);
   WrittenPicture written = target.Copy(source, writing, plan.isAsStored);
   if (writing.dropsHidden && !plan.move) {
     for (const std::string& name : source.Header().hiddenOthers) {
@@ -268,19 +279,31 @@ Report Foresee(const PictureSource& source, const PictureState& state, WritePlan
   return report;
 }
 
-uint64_t MemoryOf(const PictureSource& source, const PictureState& state, uint64_t fileBytes) {
-  const PictureHeader& header = source.Header();
-  constexpr uint64_t kRest = 32 << 20;
-  const uint64_t before = BytesOfRows(header.layout, header.width, header.height);
-  const uint64_t after = BytesOfRows(state.layout, state.width, state.height);
-  // The file is decoded from memory; a result is converted into a second one of at most four bytes
-  // per pixel, and encoded into memory.
-  const uint64_t converted =
-      4 * static_cast<uint64_t>(state.width) * static_cast<uint64_t>(state.height);
-  const uint64_t decoding = source.ByteCount() + 2 * before;
-  const uint64_t writing =
-      after + std::max(after, converted) + converted + ExtraPageBytes(source, state) + fileBytes;
-  return std::max({decoding, state.rowBytes + before, writing}) + kRest;
+FlowNeeds NeedsOf(const PictureSource& source, const PictureState& state, const WritePlan& plan,
+                  uint64_t fileBytes) {
+  const bool isWhole = NeedsWhole(source, state, plan.type);
+  if (plan.isCopied || plan.move) {
+    // Moved blocks are held as coefficients, two bytes each; copied ones are read once for damage.
+    PictureState asStored = StateOf(source);
+    FlowNeeds needs = NeedsOf(source, asStored, false);
+    const PictureHeader& header = source.Header();
+    if (plan.move) {
+      needs.memory += source.ByteCount() + fileBytes +
+                      2 * BytesOfRows(header.layout, header.width, header.height);
+    }
+    return needs;
+  }
+  FlowNeeds needs = NeedsOf(source, state, isWhole || !plan.takesRows);
+  if (isWhole || !plan.takesRows) {
+    // A result is converted into a second one of at most four bytes per pixel, and encoded into
+    // memory.
+    const uint64_t after = BytesOfRows(state.layout, state.width, state.height);
+    const uint64_t converted =
+        4 * static_cast<uint64_t>(state.width) * static_cast<uint64_t>(state.height);
+    needs.memory +=
+        std::max(after, converted) + converted + ExtraPageBytes(source, state) + fileBytes;
+  }
+  return needs;
 }
 
 }  // namespace rasterkit::detail

@@ -5,6 +5,7 @@
 
 #include <rasterkit/codecs/rows/picture_writing.h>
 #include <rasterkit/pictures/find_losses.h>
+#include <rasterkit/pictures/fitting/fit_pixels.h>
 #include <rasterkit/pictures/picture_state.h>
 #include <rasterkit/pictures/report.h>
 #include <rasterkit/pictures/saving_options.h>
@@ -53,6 +54,14 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
 /// The plan of a save. Throws UnsupportedError.
 TargetPlan TargetPlanOf(const PictureSource& source, const PictureState& state, PictureType type,
                         const SaveOptions& options, bool hasSideFiles);
+
+/// What the file gets besides pixels, and how it is encoded.
+PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
+                         const WritePlan& plan, const SaveOptions& options, int threads);
+
+/// What the pixels of a picture must become for a file of the plan.
+PixelFit FitOf(const PictureState& state, const WritePlan& plan, const SaveOptions& options,
+               int threads);
 
 /// Brings the pixels into the form of the target and writes them. `state` gives metadata and
 /// position. All that is lost on the way is added to `changes`.

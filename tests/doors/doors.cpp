@@ -24,6 +24,7 @@ constexpr Folder kFolders[] = {
     {"rasterkit/runtime/worker", 4},
     {"rasterkit/kernels/rows", 4},
     {"rasterkit/kernels/bits", 5},
+    {"rasterkit/kernels/filters", 5},
     {"rasterkit/kernels/halftone", 5},
     {"rasterkit/kernels/gray", 6},
     {"rasterkit/kernels/turn", 6},

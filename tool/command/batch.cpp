@@ -372,7 +372,9 @@ int RunJobs(const OutputOptions& options, const std::vector<Job>& jobs,
   }
   // Each job has its place: one that holds memory never waits for the worker of another.
   detail::SetMostWorkers(static_cast<size_t>(options.jobs));
-  return Batch(options, jobs, work).Run();
+  const int code = Batch(options, jobs, work).Run();
+  if (options.verbose && !options.dryRun && !options.quiet) PrintUsage();
+  return code;
 }
 
 }  // namespace rasterkit::tool

@@ -46,8 +46,9 @@ struct JobResult {
   std::vector<std::string> backups;
   /// The points of --point, if they placed the picture.
   std::optional<PlacedByPoints> placedBy;
-  /// Bytes of the output and memory for making it; bounds in a dry run. 0 if not known.
-  uint64_t bytes = 0, memory = 0;
+  /// Bytes of the output, and memory and scratch file for making it; bounds in a dry run. 0 if not
+  /// known.
+  uint64_t bytes = 0, memory = 0, scratch = 0;
   /// How many of the warnings in the report of a pending picture stand in `warnings` already.
   size_t reportWarnings = 0;
   /// The output, finished and without its name, which RunJobs gives it. Empty in a dry run.

@@ -110,6 +110,10 @@ struct PictureOptions {
   bool copiesPixels = false;
   /// Threads for a picture and for reading and writing TIFF files; 0 is one per processor.
   int threads = 0;
+  /// Folder of the scratch file of a large picture; empty for that of the output.
+  std::string scratch;
+  /// Rows that pass through the steps at a time; 0 chooses by their size.
+  int bandRows = 0;
   /// For metafiles.
   MetafileDrawing metafile;
   /// The picture is the only one: a progress bar may be shown.

@@ -1,9 +1,11 @@
 #include "tool/command/shared_options.h"
 
 #include <cmath>
+#include <filesystem>
 #include <utility>
 
 #include <rasterkit/pictures/reading/picture_size.h>
+#include <rasterkit/runtime/files/file_name.h>
 
 #include "tool/arguments/color_argument.h"
 #include "tool/arguments/fill_argument.h"
@@ -40,6 +42,14 @@ std::string CheckFill(const std::string& text) {
 
 std::string CheckBackground(const std::string& text) {
   return text == "auto" ? std::string() : CheckColor(text);
+}
+
+constexpr int kMostBandRows = 1 << 20;
+
+std::string CheckFolder(const std::string& text) {
+  std::error_code error;
+  if (std::filesystem::is_directory(ToPath(text), error)) return {};
+  return "must be a folder that exists, not '" + text + "'";
 }
 
 std::string CheckDpi(const std::string& text) {
@@ -298,6 +308,16 @@ void AddThreads(Verb& verb, PictureOptions& options) {
   verb.Number("--threads", "N", options.threads, {1, 100},
               "threads for one picture, 1 to 100 [one per processor]")
       .In(kPicture);
+}
+
+void AddFlow(Verb& verb, PictureOptions& options) {
+  verb.Text("--scratch", "DIR", options.scratch, CheckFolder,
+            "folder of the scratch file that some changes of a large picture need; it has no name "
+            "and never stays [the folder of the output]")
+      .In(kFiles);
+  verb.Number("--band-rows", "N", options.bandRows, {0, kMostBandRows},
+              "rows that pass through the steps at a time; 0 chooses by their size")
+      .Hidden();
 }
 
 }  // namespace rasterkit::tool

@@ -45,5 +45,7 @@ void AddPages(Verb& verb, PictureOptions& options);
 /// --dpi and --size of metafiles, which exclude each other.
 void AddMetafileSize(Verb& verb, PictureOptions& options);
 void AddThreads(Verb& verb, PictureOptions& options);
+/// --scratch, and --band-rows for tests.
+void AddFlow(Verb& verb, PictureOptions& options);
 
 }  // namespace rasterkit::tool

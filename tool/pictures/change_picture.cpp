@@ -145,6 +145,7 @@ JobResult FactsOf(const Report& report) {
   result.backups = report.backups;
   result.bytes = report.bytes;
   result.memory = report.memory;
+  result.scratch = report.scratch;
   return result;
 }
 
@@ -389,6 +390,8 @@ Run RunOf(const PictureOptions& options) {
   Run run;
   run.threads = options.threads;
   run.cancel = InterruptionToken();
+  run.scratchFolder = options.scratch;
+  run.bandRows = options.bandRows;
   return run;
 }
 

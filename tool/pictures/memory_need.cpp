@@ -9,6 +9,7 @@
 
 #include <rasterkit/codecs/jp2/jp2_picture.h>
 #include <rasterkit/codecs/jpeg/jpeg_decoder.h>
+#include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/tiff/tiff_facts.h>
 #include <rasterkit/runtime/errors.h>
@@ -23,6 +24,8 @@ using Bytes = std::span<const uint8_t>;
 /// Enough for the headers of a JPEG file with a preview and a color profile.
 constexpr uint64_t kHeadBytes = 1 << 20;
 constexpr uint64_t kBytesPerPixel = 4, kCopies = 2;
+/// Bands of a picture, and pictures that are kept in memory on the way.
+constexpr uint64_t kMostFlowing = uint64_t{96} << 20;
 
 struct Size {
   uint64_t width = 0, height = 0;
@@ -95,6 +98,14 @@ Size SizeOf(TStream& stream) {
   }
 }
 
+/// True if the rows of the file are read one after another.
+bool FlowsBy(TStream& stream) {
+  stream.SetPosition(0);
+  const PictureType type = SniffPictureType(stream);
+  stream.SetPosition(0);
+  return OpenRows(stream, type) != nullptr;
+}
+
 }  // namespace
 
 uint64_t MemoryNeed(const std::string& file) {
@@ -106,7 +117,8 @@ uint64_t MemoryNeed(const std::string& file) {
     // Neither side of a real picture has more bits; products stay within 64 bits.
     constexpr uint64_t kMostPixels = uint64_t{1} << 58;
     const uint64_t pixels = std::min(size.width * size.height, kMostPixels);
-    return pixels * kBytesPerPixel * kCopies;
+    const uint64_t whole = pixels * kBytesPerPixel * kCopies;
+    return whole > kMostFlowing && FlowsBy(stream) ? kMostFlowing : whole;
   } catch (const Error&) {
     return 0;
   } catch (const std::bad_alloc&) {

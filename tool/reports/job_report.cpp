@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <rasterkit/runtime/process_usage.h>
+
 #include "tool/command/interruption.h"
 #include "tool/command/json.h"
 #include "tool/command/printable.h"
@@ -43,6 +45,7 @@ void PrintJson(const OutputOptions& options, const Job& job, const Outcome& outc
   if (result.placedBy) line.Add("fit", FitJson(*result.placedBy));
   line.Add("bytes", result.bytes > 0 ? Json(result.bytes) : Json());
   line.Add("memory", result.memory > 0 ? Json(result.memory) : Json());
+  line.Add("scratch", result.memory > 0 ? Json(result.scratch) : Json());
   line.Add("notes", Joined(result.notes, result.details));
   line.Add("warnings", result.warnings);
   PrintLine(line);
@@ -60,6 +63,7 @@ void PrintPlan(const Job& job, const JobResult& result) {
              result.height, result.bits, result.bits == 1 ? "" : "s");
   if (result.bytes > 0) fmt::print(", at most {} bytes", result.bytes);
   if (result.memory > 0) fmt::print(", at most {} bytes of memory", result.memory);
+  if (result.scratch > 0) fmt::print(", at most {} bytes of scratch file", result.scratch);
   fmt::print("\n");
   for (const std::string& sideFile : result.sideFiles) fmt::print("  {}\n", OnOneLine(sideFile));
   for (const std::string& backup : result.backups) fmt::print("  backup: {}\n", OnOneLine(backup));
@@ -80,6 +84,16 @@ void PrintDetails(const Job& job, const JobResult& result) {
 }
 
 }  // namespace
+
+void PrintUsage() {
+  constexpr uint64_t kMebibyte = uint64_t{1} << 20;
+  const ProcessUsage usage = UsageOfProcess();
+  PrintMessage(fmt::format(
+      "used: {:.3f} s of processor time and {:.3f} s in the kernel; page faults: {} minor, {} "
+      "major; most memory: {} MiB",
+      usage.userSeconds, usage.kernelSeconds, usage.minorFaults, usage.majorFaults,
+      (usage.peakBytes + kMebibyte - 1) / kMebibyte));
+}
 
 void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& outcome) {
   const JobResult& result = outcome.result;

@@ -21,4 +21,7 @@ struct Outcome {
 /// stdout, and with --dry-run what would be written.
 void PrintOutcome(const OutputOptions& options, const Job& job, const Outcome& outcome);
 
+/// Prints on stderr what the process has used: processor time, page faults, most memory.
+void PrintUsage();
+
 }  // namespace rasterkit::tool

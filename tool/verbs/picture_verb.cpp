@@ -66,6 +66,7 @@ void PictureVerb::AddSharedOptions() {
     AddStrip(*this, *picture_);
   }
   AddThreads(*this, *picture_);
+  AddFlow(*this, *picture_);
 }
 
 VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {

@@ -55,6 +55,7 @@ VerbRunner AddPagesVerb(CommandLine& line) {
   AddCompression(verb, options->picture);
   AddStrip(verb, options->picture);
   AddThreads(verb, options->picture);
+  AddFlow(verb, options->picture);
   return [options] {
     options->picture.showsProgress = !options->output.quiet && options->output.outDir.empty();
     return Run(*options);

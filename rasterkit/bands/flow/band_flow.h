@@ -42,8 +42,8 @@ class RASTERKIT_EXPORT BandFlow {
   BandFlow(std::unique_ptr<RowReader> reader, Stages stages, FlowSettings settings);
   ~BandFlow();
 
-  /// Does all that comes before the first row: passes over the source, scratch space. `run.progress`
-  /// gets the progress of this part.
+  /// Does all that comes before the first row: passes over the source, scratch space.
+  /// `run.progress` gets the progress of this part.
   void Begin(const StageRun& run);
   /// A picture of any size with the kind of the result's pixels. After Begin.
   const Pixels& Like() const;

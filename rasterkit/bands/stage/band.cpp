@@ -2,28 +2,11 @@
 #include <utility>
 
 #include <rasterkit/bands/stage/band.h>
+#include <rasterkit/kernels/rows/move_bits.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
 namespace {
-
-/// Copies `count` packed pixels between bit positions of two rows.
-void CopyBits(const uint8_t* source, size_t sourceBit, uint8_t* target, size_t targetBit,
-              size_t count) {
-  const auto mask = [](size_t bit) { return static_cast<uint8_t>(0x80u >> (bit & 7)); };
-  while (count > 0 && ((sourceBit & 7) != 0 || (targetBit & 7) != 0 || count < 8)) {
-    uint8_t& byte = target[targetBit / 8];
-    const bool isSet = (source[sourceBit / 8] & mask(sourceBit)) != 0;
-    const auto bit = mask(targetBit);
-    byte = static_cast<uint8_t>(isSet ? byte | bit : byte & ~bit);
-    ++sourceBit, ++targetBit, --count;
-  }
-  const size_t bytes = count / 8;
-  std::memcpy(target + targetBit / 8, source + sourceBit / 8, bytes);
-  if (count % 8 != 0) {
-    CopyBits(source, sourceBit + 8 * bytes, target, targetBit + 8 * bytes, count % 8);
-  }
-}
 
 void CopyRows(const Raster& source, const BandRect& part, Raster& target, int left, int top) {
   const auto bits = static_cast<size_t>(StoredBitsPerPixel(source.Format()));
@@ -32,8 +15,8 @@ void CopyRows(const Raster& source, const BandRect& part, Raster& target, int le
   for (int y = 0; y < part.height; ++y) {
     const uint8_t* from = source.Row(part.top + y);
     uint8_t* to = target.Row(top + y);
-    CopyBits(from, bits * static_cast<size_t>(part.left), to, bits * static_cast<size_t>(left),
-             bits * width);
+    kernels::MoveBits(from, bits * static_cast<size_t>(part.left), to,
+                      bits * static_cast<size_t>(left), bits * width);
     if (!reachesEdge) continue;
     const size_t used = bits * static_cast<size_t>(target.Width());
     if (used % 8 != 0) to[used / 8] &= static_cast<uint8_t>(0xFF00u >> (used % 8));

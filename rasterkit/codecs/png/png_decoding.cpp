@@ -16,7 +16,6 @@ using Bytes = std::span<const uint8_t>;
 
 /// Memory limit of one chunk other than picture data: an inflated color profile.
 constexpr size_t kChunkBytes = 16 << 20;
-constexpr size_t kSignatureBytes = 8;
 constexpr double kMetersPerInch = 0.0254;
 
 /// Ignored chunks: texts can inflate to any size, and gamma is not used. The list has the form of
@@ -25,32 +24,16 @@ constexpr png_byte kIgnoredChunks[] =
     "tEXt\0zTXt\0iTXt\0tIME\0eXIf\0sPLT\0hIST\0pCAL\0sCAL\0oFFs\0bKGD\0sBIT\0gAMA\0cHRM\0sRGB";
 constexpr int kIgnoredChunkCount = sizeof kIgnoredChunks / 5;
 
-uint32_t BigEndian32(const uint8_t* bytes) {
-  return uint32_t{bytes[0]} << 24 | uint32_t{bytes[1]} << 16 | uint32_t{bytes[2]} << 8 | bytes[3];
-}
-
-/// True if a chunk reaches beyond the file or the end chunk is missing.
-bool IsTruncated(Bytes file) {
-  size_t position = kSignatureBytes;
-  while (position + 12 <= file.size()) {
-    const size_t length = BigEndian32(file.data() + position);
-    if (length > file.size() - position - 12) return true;
-    if (std::equal(file.begin() + position + 4, file.begin() + position + 8, "IEND")) return false;
-    position += length + 12;
-  }
-  return true;
-}
-
 }  // namespace
 
-PngFacts ReadPngFacts(PngReader& reader, Bytes file) {
+PngFacts ReadPngFacts(PngReader& reader, bool isTruncated) {
   png_structp png = reader.Png();
   reader.Run([&] {
     png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
     png_set_chunk_malloc_max(png, kChunkBytes);
     png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, kIgnoredChunks, kIgnoredChunkCount);
     // Byte by byte if the end is missing, so that no row is lost in an incomplete block.
-    png_set_compression_buffer_size(png, IsTruncated(file) ? 1 : 1 << 16);
+    png_set_compression_buffer_size(png, isTruncated ? 1 : 1 << 16);
     png_read_info(png, reader.Info());
   });
   PngFacts facts;
@@ -62,9 +45,9 @@ PngFacts ReadPngFacts(PngReader& reader, Bytes file) {
   return facts;
 }
 
-void RequirePngSize(const PngFacts& facts, uint64_t need, size_t fileBytes) {
+void RequirePngSize(const PngFacts& facts, uint64_t need, uint64_t held, uint64_t fileBytes) {
   const std::string what = fmt::format("PNG picture of {} x {} pixels", facts.width, facts.height);
-  RequirePicture(facts.width, facts.height, need, what);
+  RequirePicture(facts.width, facts.height, held, what);
   const uint64_t rowBits = uint64_t{facts.width} * facts.SampleBits();
   const uint64_t stored = rowBits * facts.height / 8;
   RequirePlausible({need, stored, fileBytes, kDeflateRatio * kCutSlack}, what);
@@ -91,27 +74,29 @@ ColorProfile PngProfile(const PngReader& reader, ProfileSpace space) {
   return std::make_shared<const std::vector<uint8_t>>(bytes, bytes + size);
 }
 
-int DecodePngRows(PngReader& reader, const PngFacts& facts,
+bool EndsEarly(const PngReader& reader) {
+  return reader.RanDry() || reader.Errors().MessageIs("Not enough image data");
+}
+
+int ReadPngPasses(PngReader& reader, const PngFacts& facts,
                   const std::function<uint8_t*(int y)>& rowAt) {
   const auto height = static_cast<int>(facts.height);
   png_structp png = reader.Png();
   struct {
-    int passes = 1, pass = 0, y = 0;
+    int pass = 0, y = 0;
   } at;
-  const bool whole = reader.Try([&] {
-    at.passes = png_set_interlace_handling(png);
+  const bool isWhole = reader.Try([&] {
+    const int passes = png_set_interlace_handling(png);
     png_start_read_image(png);
-    for (at.pass = 0; at.pass < at.passes; at.pass++) {
+    for (at.pass = 0; at.pass < passes; at.pass++) {
       for (at.y = 0; at.y < height; at.y++) {
         RequireTime();
-        png_bytep row = rowAt(at.y);
-        png_read_row(png, facts.interlaced ? nullptr : row, facts.interlaced ? row : nullptr);
+        png_read_row(png, nullptr, rowAt(at.y));
       }
     }
   });
-  if (whole) return height;
-  const bool endedEarly = reader.RanDry() || reader.Errors().MessageIs("Not enough image data");
-  if (!endedEarly || (at.pass == 0 && at.y == 0)) reader.Errors().Throw();
+  if (isWhole) return height;
+  if (!EndsEarly(reader) || (at.pass == 0 && at.y == 0)) reader.Errors().Throw();
   reader.NoteEndOfRows();
   return at.pass == 0 ? at.y : height;
 }
@@ -122,18 +107,16 @@ void CheckPngEnd(PngReader& reader) {
   }
 }
 
-void NotePngDamage(const PngReader& reader, const PngFacts& facts, int missing,
-                   CodecReport& report) {
+void NotePngDamage(const PngReader& reader, const PngFacts& facts, int rows, CodecReport& report) {
   const auto height = static_cast<int>(facts.height);
-  if (missing < height) {
+  if (rows < height) {
     report.AddDamage(
-        fmt::format("PNG: the data end early, {} of {} rows are complete", missing, height));
+        fmt::format("PNG: the data end early, {} of {} rows are complete", rows, height));
   } else if (reader.RowsEnded()) {
     report.AddDamage("PNG: the data end early, later passes are missing");
   } else if (reader.RanDry()) {
     report.warnings.emplace_back("PNG: the file is cut off");
   }
-  reader.Errors().CopyTo(report);
 }
 
 }  // namespace rasterkit::detail

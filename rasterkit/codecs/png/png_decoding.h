@@ -28,28 +28,29 @@ struct PngFacts {
   }
 };
 
-/// Reads everything before the pixels.
-PngFacts ReadPngFacts(PngReader& reader, std::span<const uint8_t> file);
+/// Reads everything before the pixels. `isTruncated`: see PngMap.
+PngFacts ReadPngFacts(PngReader& reader, bool isTruncated);
 
 /// Refuses pictures that are too large before anything of their size is allocated. `need` is their
-/// size in memory.
-void RequirePngSize(const PngFacts& facts, uint64_t need, size_t fileBytes);
+/// size in memory, `held` the part of it that is there at a time.
+void RequirePngSize(const PngFacts& facts, uint64_t need, uint64_t held, uint64_t fileBytes);
 
 Resolution PngResolution(const PngReader& reader);
 /// The profile; null if there is none or if it does not describe such pixels.
 ColorProfile PngProfile(const PngReader& reader, ProfileSpace space);
 
-/// Reads rows from the top to the end of the data; returns the first missing row. The passes of an
-/// interlaced picture paint whole blocks, so that a truncated file gives a coarse picture without
-/// holes.
-int DecodePngRows(PngReader& reader, const PngFacts& facts,
+/// True if libpng failed because the data of the pixels end early.
+bool EndsEarly(const PngReader& reader);
+
+/// Reads the rows of an interlaced picture to the end of the data; returns the first missing row.
+/// The passes paint whole blocks, so that a truncated file gives a coarse picture without holes.
+int ReadPngPasses(PngReader& reader, const PngFacts& facts,
                   const std::function<uint8_t*(int y)>& rowAt);
 
 /// Checks the rest of the file: a wrong checksum is an error, an early end is not.
 void CheckPngEnd(PngReader& reader);
 
-/// Adds what is missing or damaged to the report.
-void NotePngDamage(const PngReader& reader, const PngFacts& facts, int missing,
-                   CodecReport& report);
+/// Adds to the report what is missing. `rows` are complete.
+void NotePngDamage(const PngReader& reader, const PngFacts& facts, int rows, CodecReport& report);
 
 }  // namespace rasterkit::detail

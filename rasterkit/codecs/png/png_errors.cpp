@@ -41,8 +41,8 @@ bool PngErrors::MessageIs(const char* text) const {
   return std::strcmp(message_, text) == 0;
 }
 
-void PngErrors::CopyTo(CodecReport& report) const {
-  for (int i = 0; i < warningCount_; i++) {
+int PngErrors::CopyTo(CodecReport& report, int first) const {
+  for (int i = first; i < warningCount_; i++) {
     std::string text = std::string("PNG: ") + warnings_[i];
     // Without this chunk the pixels lose their opacities.
     if (text.starts_with("PNG: tRNS")) {
@@ -51,6 +51,7 @@ void PngErrors::CopyTo(CodecReport& report) const {
       report.warnings.push_back(std::move(text));
     }
   }
+  return warningCount_;
 }
 
 }  // namespace rasterkit::detail

@@ -26,8 +26,8 @@ class PngErrors {
   std::string Reason() const { return std::string("PNG: ") + message_; }
   bool MessageIs(const char* text) const;
 
-  /// Appends the kept warnings to the report.
-  void CopyTo(CodecReport& report) const;
+  /// Appends the kept warnings from number `first` on to the report; returns how many are kept.
+  int CopyTo(CodecReport& report, int first = 0) const;
 
   std::jmp_buf jump;
 

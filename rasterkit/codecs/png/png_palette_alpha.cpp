@@ -1,11 +1,7 @@
 #include <algorithm>
-#include <iterator>
 
-#include <rasterkit/codecs/png/png_decoding.h>
 #include <rasterkit/codecs/png/png_palette_alpha.h>
-#include <rasterkit/codecs/rows/missing_rows.h>
 #include <rasterkit/metadata/png/png_chunks.h>
-#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 
@@ -43,32 +39,6 @@ bool NeedsAlphaChannel(Bytes file) {
     if (chunk.kind == PngKind("tRNS") && chunk.Holds()) opacities = chunk.data;
   }
   return NeedsAlphaChannel(colors, opacities);
-}
-
-Raster DecodePaletteAlpha(Bytes file, CodecReport* report) {
-  const LimitsScope limits;
-  CodecReport noticed;
-  PngReader reader(file);
-  const PngFacts facts = ReadPngFacts(reader, file);
-  RequirePngSize(facts, StrideBytes(facts.width, 32) * facts.height, file.size());
-  Raster raster(pf32bit, static_cast<int>(facts.width), static_cast<int>(facts.height));
-  raster.alphaFormat = afDefined;
-  raster.transparentColor = clWhite;
-  raster.resolution = PngResolution(reader);
-  raster.profile = PngProfile(reader, ProfileSpace::rgb);
-  reader.Run([&] {
-    png_set_palette_to_rgb(reader.Png());
-    png_set_tRNS_to_alpha(reader.Png());
-    png_set_bgr(reader.Png());
-    // For a file whose opacities the library leaves out.
-    png_set_filler(reader.Png(), 0xFF, PNG_FILLER_AFTER);
-  });
-  const int missing = DecodePngRows(reader, facts, [&](int y) { return raster.Row(y); });
-  if (missing == raster.Height() && !reader.RanDry()) CheckPngEnd(reader);
-  FillMissingRows(raster, missing);
-  NotePngDamage(reader, facts, missing, noticed);
-  if (report) report->Append(noticed);
-  return raster;
 }
 
 }  // namespace rasterkit::detail

@@ -3,9 +3,6 @@
 #include <cstdint>
 #include <span>
 
-#include <rasterkit/codecs/rows/codec_report.h>
-#include <rasterkit/raster/raster.h>
-
 /// Palettes with several opacities, which a palette with one transparent color cannot hold.
 namespace rasterkit::detail {
 
@@ -15,8 +12,5 @@ bool NeedsAlphaChannel(std::span<const uint8_t> colors, std::span<const uint8_t>
 
 /// The same for a whole file; false for files without palette.
 bool NeedsAlphaChannel(std::span<const uint8_t> file);
-
-/// Decodes such a file to pf32bit with defined alpha.
-Raster DecodePaletteAlpha(std::span<const uint8_t> file, CodecReport* report);
 
 }  // namespace rasterkit::detail

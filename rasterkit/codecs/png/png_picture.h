@@ -1,11 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 
 #include <rasterkit/codecs/rows/codec_report.h>
+#include <rasterkit/codecs/rows/frame_options.h>
 #include <rasterkit/codecs/rows/picture_header.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/codecs/rows/row_reader.h>
+#include <rasterkit/codecs/rows/row_writer.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/stream.h>
 
@@ -21,6 +25,15 @@ RASTERKIT_EXPORT PictureHeader ReadPngHeader(std::span<const uint8_t> file);
 /// samples. Throws as DecodePng does.
 RASTERKIT_EXPORT Pixels DecodePngPixels(std::span<const uint8_t> file,
                                         CodecReport* report = nullptr);
+
+/// The same for a file in a stream, from its position on.
+RASTERKIT_EXPORT Pixels DecodePngStream(TStream& stream, const FrameOptions& options,
+                                        CodecReport* report = nullptr);
+
+/// Begins to decode the pixels row by row, from top to bottom. Null for an interlaced picture.
+/// Throws as DecodePngPixels does.
+RASTERKIT_EXPORT std::unique_ptr<RowReader> OpenPngRows(TStream& stream,
+                                                        const FrameOptions& options = {});
 
 /// Writes a file at the stream's position.
 RASTERKIT_EXPORT WrittenPicture WritePng(const Pixels& pixels, const PictureWriting& writing,

@@ -1,18 +1,20 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
+#include <exception>
 #include <new>
-#include <span>
+#include <vector>
 
 #include <rasterkit/codecs/png/png_errors.h>
+#include <rasterkit/runtime/files/stream.h>
 
 namespace rasterkit::detail {
 
-/// A libpng decoder for bytes in memory; the destructor destroys it.
+/// A libpng decoder for a stream, from its position on; the destructor destroys it. The stream may
+/// be read elsewhere between two calls.
 class PngReader {
  public:
-  explicit PngReader(std::span<const uint8_t> bytes) : bytes_(bytes) {
+  explicit PngReader(TStream& stream) : stream_(stream), position_(stream.Position()) {
     png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &errors_, PngErrors::OnFatal,
                                   PngErrors::OnWarning);
     if (png_) info_ = png_create_info_struct(png_);
@@ -35,31 +37,34 @@ class PngReader {
   void NoteEndOfRows() { rowsEnded_ = true; }
   bool RowsEnded() const { return rowsEnded_; }
 
-  /// Calls libpng in `body`; false if it failed, after which only queries are allowed.
+  /// Calls libpng in `body`; false if it failed, after which only queries are allowed. Throws the
+  /// error of the stream.
   template <class Body>
   bool Try(const Body& body) {
-    return RunPng(errors_, body);
+    const bool isDone = RunPng(errors_, body);
+    if (streamError_) std::rethrow_exception(streamError_);
+    return isDone;
   }
   /// The same, but throws.
   template <class Body>
   void Run(const Body& body) {
-    if (!RunPng(errors_, body)) errors_.Throw();
+    if (!Try(body)) errors_.Throw();
   }
 
  private:
-  static void OnRead(png_structp png, png_bytep target, size_t count) {
-    auto& reader = *static_cast<PngReader*>(png_get_io_ptr(png));
-    if (reader.bytes_.size() - reader.position_ < count) {
-      reader.ranDry_ = true;
-      png_error(png, "unexpected end of the file");
-    }
-    std::memcpy(target, reader.bytes_.data() + reader.position_, count);
-    reader.position_ += count;
-  }
+  static void OnRead(png_structp png, png_bytep target, size_t count);
+  /// No exception may pass through the library: it is kept, and the library is made to fail.
+  bool Read(uint8_t* target, size_t count) noexcept;
+  size_t Take(uint8_t* target, size_t count);
 
-  std::span<const uint8_t> bytes_;
-  size_t position_ = 0;
+  TStream& stream_;
+  /// Of the next byte that comes from the stream.
+  uint64_t position_;
+  /// Bytes that the stream gave ahead, and how many of them are used.
+  std::vector<uint8_t> ahead_;
+  size_t used_ = 0;
   bool ranDry_ = false, rowsEnded_ = false;
+  std::exception_ptr streamError_;
   PngErrors errors_;
   png_structp png_ = nullptr;
   png_infop info_ = nullptr;

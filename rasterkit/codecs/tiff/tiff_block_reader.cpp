@@ -67,6 +67,21 @@ class PatientDeflate {
 
 }  // namespace
 
+void TurnSamples(uint8_t* bytes, size_t count, int bits) {
+  switch (bits) {
+    case 16:
+      return ReverseWords<uint16_t>(bytes, count);
+    case 24:
+      return TIFFSwabArrayOfTriples(bytes, static_cast<tmsize_t>(count / 3));
+    case 32:
+      return ReverseWords<uint32_t>(bytes, count);
+    case 64:
+      return ReverseWords<uint64_t>(bytes, count);
+    default:
+      return;
+  }
+}
+
 uint32_t TiffBlockReader::Read(uint32_t block, uint32_t first, uint32_t rows, uint8_t* target) {
   const size_t rowBytes = layout_.grid.rowBytes;
   const auto [offset, count] = ExtentOf(block);
@@ -102,18 +117,7 @@ void TiffBlockReader::ToProcessorOrder(uint8_t* bytes, size_t count) const {
     TIFFReverseBits(bytes, static_cast<tmsize_t>(count));
   }
   if (!TIFFIsByteSwapped(handle_.Tiff())) return;
-  switch (layout_.bits) {
-    case 16:
-      return ReverseWords<uint16_t>(bytes, count);
-    case 24:
-      return TIFFSwabArrayOfTriples(bytes, static_cast<tmsize_t>(count / 3));
-    case 32:
-      return ReverseWords<uint32_t>(bytes, count);
-    case 64:
-      return ReverseWords<uint64_t>(bytes, count);
-    default:
-      return;
-  }
+  TurnSamples(bytes, count, layout_.bits);
 }
 
 void TiffBlockReader::FillSparse(uint8_t* target, size_t bytes) const {

@@ -19,6 +19,10 @@ struct TiffBlanks {
   size_t sparseBytes = 1;
 };
 
+/// Reverses the bytes of each sample in rows of samples of that many bits; no-op for those that are
+/// no words.
+void TurnSamples(uint8_t* bytes, size_t count, int bits);
+
 /// Reads strips and tiles, one at a time, for one thread.
 class TiffBlockReader {
  public:
@@ -40,8 +44,14 @@ class TiffBlockReader {
   /// The errors since the last call.
   std::vector<std::string> TakeErrors() { return std::move(errors_); }
 
- private:
+  /// The bytes of a block in the file; both 0 for one that a sparse file leaves out.
   TiffExtent ExtentOf(uint32_t block) const;
+  /// Brings rows that are not compressed from the order of the file to that of the processor.
+  void ToProcessorOrder(uint8_t* bytes, size_t count) const;
+  /// Writes the samples of a block that a sparse file leaves out.
+  void FillSparse(uint8_t* target, size_t bytes) const;
+
+ private:
   uint32_t ReadPlain(uint64_t offset, uint64_t count, uint32_t rows, uint8_t* target);
   uint32_t ReadPacked(uint32_t block, uint64_t offset, uint64_t count, uint32_t rows,
                       uint8_t* target);
@@ -49,9 +59,7 @@ class TiffBlockReader {
   uint32_t RowsWritten(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
   bool Unpack(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
   bool UnpackOnto(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
-  void ToProcessorOrder(uint8_t* bytes, size_t count) const;
   void ClearUnreadRow(uint32_t rows, uint8_t* target) const;
-  void FillSparse(uint8_t* target, size_t bytes) const;
   uint64_t PictureBytes() const;
   bool MayLeaveGaps() const;
   bool IsFax() const;

@@ -113,9 +113,13 @@ enum class TiffReading {
 /// pixels. The handle must be prepared.
 TiffLayout ReadTiffLayout(TiffHandle& handle, TiffReading reading = TiffReading::frame);
 
+/// How much of a picture is held in memory at a time.
+enum class TiffHolding { whole, parts };
+
 /// Throws LimitError if the picture, or the memory for decoding it, exceeds the picture memory
 /// limit, and FormatError if the file is far too small to hold such a picture. Allocates
-/// nothing.
-void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout);
+/// nothing. For parts, a row and the blocks that hold it count as memory, not the picture.
+void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout,
+                          TiffHolding holding = TiffHolding::whole);
 
 }  // namespace rasterkit::detail

@@ -66,7 +66,7 @@ uint64_t PackedBytes(TiffHandle& handle, const TiffLayout& layout) {
 
 }  // namespace
 
-void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout) {
+void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout, TiffHolding holding) {
   const std::string what =
       fmt::format("TIFF picture of {} x {} pixels", layout.width, layout.height);
   constexpr uint32_t kMostPixels = std::numeric_limits<int>::max();
@@ -81,6 +81,7 @@ void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout) {
           : StrideBytes(layout.width, PixelBits(layout.format));
   uint64_t need = SaturatedProduct(targetRow, layout.height);
   uint64_t decoded = need;
+  if (holding == TiffHolding::parts) need = targetRow;
   if (layout.rows == TiffRowKind::stretched) {
     need =
         Plus(need, SaturatedProduct(SaturatedProduct(sizeof(double), layout.width), layout.height));

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -8,6 +10,8 @@
 #include <rasterkit/codecs/rows/frame_options.h>
 #include <rasterkit/codecs/rows/picture_header.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/codecs/rows/row_reader.h>
+#include <rasterkit/codecs/rows/row_writer.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
 #include <rasterkit/runtime/export.h>
 #include <rasterkit/runtime/files/stream.h>
@@ -25,6 +29,12 @@ RASTERKIT_EXPORT PictureHeader ReadTiffHeader(TStream& stream);
 RASTERKIT_EXPORT Pixels DecodeTiffPixels(TStream& stream, const FrameOptions& options = {},
                                          CodecReport* report = nullptr);
 
+/// Begins to read the first page row by row; see OpenRows. Parts of plain pages cost their bytes,
+/// those of tiled pages the tiles that hold them. Null for pages that are read only as a whole: old
+/// JPEG, YCbCr without JPEG, logarithmic colors.
+RASTERKIT_EXPORT std::unique_ptr<RowReader> OpenTiffRows(TStream& stream,
+                                                         const FrameOptions& options = {});
+
 /// The usual form of a file with that compression, little-endian, in strips, with a predictor where
 /// it helps. Its photometric value is -1: whatever the pixels need.
 RASTERKIT_EXPORT TiffForm FormFor(TiffCompression compression, const PixelLayout& layout);
@@ -34,6 +44,12 @@ RASTERKIT_EXPORT TiffForm FormFor(TiffCompression compression, const PixelLayout
 /// TIFF file cannot hold.
 RASTERKIT_EXPORT WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing,
                                           TStream& stream);
+
+/// Begins to write such a file row by row; see OpenWriter. Null for a form whose samples are in
+/// planes.
+RASTERKIT_EXPORT std::unique_ptr<RowWriter> OpenTiffWriter(const Pixels& like, WrittenSize size,
+                                                           const PictureWriting& writing,
+                                                           TStream& stream);
 
 /// A smaller copy (bit 1) or a mask (bit 4) of a page, as tag 254 states it.
 struct TiffExtraPage {
@@ -64,6 +80,15 @@ RASTERKIT_EXPORT std::vector<TiffExtraPageHeader> ReadTiffExtraPages(TStream& st
 RASTERKIT_EXPORT Pixels DecodeTiffExtraPage(TStream& stream, size_t index,
                                             const FrameOptions& options = {},
                                             CodecReport* report = nullptr);
+
+/// Begins to read the smaller copy or mask with that index row by row, as OpenTiffRows does.
+RASTERKIT_EXPORT std::unique_ptr<RowReader> OpenTiffExtraPageRows(TStream& stream, size_t index,
+                                                                  const FrameOptions& options = {});
+
+/// The index of the smallest smaller copy of the first page with the same kind of pixels that is at
+/// least `width` x `height`; nothing if there is none. Copies of another shape do not count: each
+/// side may differ from that of the page, reduced to the same size, by one pixel.
+RASTERKIT_EXPORT std::optional<size_t> FindTiffSmallerCopy(TStream& stream, int width, int height);
 
 /// Writes the first page of `source` with its encoded strips and tiles byte for byte, with the
 /// metadata and position of `writing`.

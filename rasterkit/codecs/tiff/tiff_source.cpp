@@ -12,6 +12,14 @@ size_t TiffSource::ReadAt(uint64_t offset, std::span<uint8_t> target) {
   return stream_.Read(target.first(count));
 }
 
+size_t TiffSource::ReadAt(uint64_t offset, std::span<const std::span<uint8_t>> pieces) {
+  if (offset >= size_) return 0;
+  const std::lock_guard lock(mutex_);
+  stream_.SetPosition(start_ + offset);
+  const size_t count = stream_.ReadScattered(pieces);
+  return static_cast<size_t>(std::min<uint64_t>(count, size_ - offset));
+}
+
 size_t TiffSource::TryReadAt(uint64_t offset, std::span<uint8_t> target) noexcept {
   try {
     return ReadAt(offset, target);

@@ -24,7 +24,10 @@ class TiffSource {
   /// stream.
   size_t ReadAt(uint64_t offset, std::span<uint8_t> target);
 
-  /// The same for callers that must not throw: 0 on an error, which is kept.
+  /// The same for pieces that are filled one after another.
+  size_t ReadAt(uint64_t offset, std::span<const std::span<uint8_t>> pieces);
+
+  /// Reads for callers that must not throw: 0 on an error, which is kept.
   size_t TryReadAt(uint64_t offset, std::span<uint8_t> target) noexcept;
   /// Throws the first error that was kept.
   void RethrowKept();

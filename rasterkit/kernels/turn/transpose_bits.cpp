@@ -21,7 +21,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET == HWY_SCALAR
 
-bool Transpose(const ConstPixelRows&, const PixelRows&, AxisTurn) {
+bool Transpose(const ConstPixelRows&, const PixelRows&, AxisTurn, int) {
   return false;
 }
 
@@ -65,12 +65,13 @@ HWY_INLINE void Interleave(const Vector* from, Vector* to) {
   }
 }
 
-// Writes the eight columns of a byte: the first in the rows' top bits. `count` of them exist, and
-// `bytes` bytes of each target row.
-HWY_INLINE void StoreColumns(Vector columns, uint8_t* target, ptrdiff_t step, int count,
+// Writes columns `first` to `last - 1` of the eight of a byte: the first in the rows' top bits.
+// `target` is the place of column `first`, and there are `bytes` bytes of each target row.
+HWY_INLINE void StoreColumns(Vector columns, uint8_t* target, ptrdiff_t step, int first, int last,
                              size_t bytes) {
   const hn::RebindToSigned<Bytes> d;
-  for (int i = 0; i < count; ++i, target += step) {
+  for (int i = 0; i < first; ++i) columns = hn::Add(columns, columns);
+  for (int i = first; i < last; ++i, target += step) {
     uint8_t bits[8];
     hn::StoreMaskBits(d, hn::Lt(hn::BitCast(d, columns), hn::Zero(d)), bits);
     if (bytes == kRows / 8) {
@@ -82,25 +83,29 @@ HWY_INLINE void StoreColumns(Vector columns, uint8_t* target, ptrdiff_t step, in
   }
 }
 
-// `target` is the byte of column 0 of the block in its target row, `step` the way to the next
-// one's.
-HWY_INLINE void TransposeBlock(const BlockRows& rows, int columns, uint8_t* target, ptrdiff_t step,
-                               size_t bytes) {
+// Columns `first` (0 to 7) to `last - 1` of the block. `target` is the byte of column `first` in
+// its target row, `step` the way to the next one's.
+HWY_INLINE void TransposeBlock(const BlockRows& rows, int first, int last, uint8_t* target,
+                               ptrdiff_t step, size_t bytes) {
   Vector a[16], b[16];
   for (int i = 0; i < 16; ++i) a[i] = LoadRows(rows, i);
   Interleave(a, b);
   Interleave(b, a);
   Interleave(a, b);
   Interleave(b, a);
-  for (int i = 0; 8 * i < columns; ++i) {
-    StoreColumns(a[i], target + 8 * i * step, step, std::min(8, columns - 8 * i), bytes);
+  StoreColumns(a[0], target, step, first, std::min(8, last), bytes);
+  for (int i = 1; 8 * i < last; ++i) {
+    StoreColumns(a[i], target + (8 * i - first) * step, step, 0, std::min(8, last - 8 * i), bytes);
   }
 }
 
 class Transposition {
  public:
-  Transposition(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn)
-      : source_(source), target_(target), turn_(turn) {}
+  Transposition(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn, int skipped)
+      : source_(source), target_(target), turn_(turn), skipped_(skipped) {}
+
+  // Not the stride: rows may begin after the first column of their picture.
+  int RowBytes() const { return (skipped_ + source_.width + 7) / 8; }
 
   // The part of the target that tiles of source columns and rows make.
   void DoTile(int firstByte, int firstRow) const {
@@ -118,11 +123,13 @@ class Transposition {
     BlockRows rows = RowsAt(byte, x, count);
     uint8_t copies[kRows][kBlockBytes];
     if (byte + kBlockBytes > RowBytes()) CopyRows(rows, byte, copies);
-    const int column = byte * 8;
+    const int first = byte == 0 ? skipped_ : 0;
+    const int column = byte * 8 + first - skipped_;
     const auto stride = static_cast<ptrdiff_t>(target_.stride);
     const int y = turn_.mirrorY ? target_.height - 1 - column : column;
-    TransposeBlock(rows, std::min(kBlockColumns, source_.width - column), target_.Row(y) + x / 8,
-                   turn_.mirrorY ? -stride : stride, static_cast<size_t>(count + 7) / 8);
+    TransposeBlock(rows, first, std::min(kBlockColumns, source_.width - column + first),
+                   target_.Row(y) + x / 8, turn_.mirrorY ? -stride : stride,
+                   static_cast<size_t>(count + 7) / 8);
   }
 
   // Lanes fill the bits of a byte from the lowest, pixels from the highest. Rows that do not exist
@@ -137,9 +144,6 @@ class Transposition {
     return rows;
   }
 
-  // Not the stride: rows may begin after the first column of their picture.
-  int RowBytes() const { return (source_.width + 7) / 8; }
-
   // For blocks that reach beyond the rows' ends.
   void CopyRows(BlockRows& rows, int byte, uint8_t (*copies)[kBlockBytes]) const {
     const auto bytes = static_cast<size_t>(RowBytes() - byte);
@@ -153,11 +157,12 @@ class Transposition {
   const ConstPixelRows& source_;
   const PixelRows& target_;
   AxisTurn turn_;
+  int skipped_;
 };
 
-bool Transpose(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn) {
-  const Transposition transposition(source, target, turn);
-  for (int byte = 0; byte * 8 < source.width; byte += kTileBytes) {
+bool Transpose(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn, int skipped) {
+  const Transposition transposition(source, target, turn, skipped);
+  for (int byte = 0; byte < transposition.RowBytes(); byte += kTileBytes) {
     for (int row = 0; row < source.height; row += kTileRows) transposition.DoTile(byte, row);
   }
   return true;
@@ -177,8 +182,9 @@ HWY_EXPORT(Transpose);
 
 }  // namespace
 
-bool TransposeBits(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn) {
-  return HWY_DYNAMIC_DISPATCH(Transpose)(source, target, turn);
+bool TransposeBits(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn,
+                   int skipped) {
+  return HWY_DYNAMIC_DISPATCH(Transpose)(source, target, turn, skipped);
 }
 
 }  // namespace rasterkit::kernels

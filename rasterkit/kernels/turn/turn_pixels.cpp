@@ -2,6 +2,7 @@
 #include <cstring>
 #include <vector>
 
+#include <rasterkit/kernels/rows/move_bits.h>
 #include <rasterkit/kernels/rows/packed_pixels.h>
 #include <rasterkit/kernels/rows/reverse_row.h>
 #include <rasterkit/kernels/turn/transpose_bits.h>
@@ -93,39 +94,47 @@ void TurnBytePixels(const ConstPixelRows& source, const PixelRows& target, AxisT
                                             {0, done.rows, target.width, target.height});
 }
 
-// Turned around, a packed row begins with the spare bits of its last byte: all moves up by as many.
-void MirrorPackedRow(const uint8_t* from, size_t bytes, int bits, int spare,
-                     std::vector<uint8_t>& turned, uint8_t* row) {
-  ReversePackedBytes(from, bytes, bits, turned.data());
-  for (size_t i = 0; i < bytes; ++i) {
-    row[i] = static_cast<uint8_t>((turned[i] << 8 | turned[i + 1]) >> (8 - spare));
-  }
-}
+// Packed pixels that stand in some bytes: bits of other pixels in front of them, and behind.
+struct PackedRow {
+  PackedRow(int width, int bits, int skipped)
+      : before(skipped * bits),
+        bytes((static_cast<size_t>(width) * static_cast<size_t>(bits) +
+               static_cast<size_t>(before) + 7) /
+              8),
+        after(static_cast<int>(bytes * 8 - static_cast<size_t>(width) * static_cast<size_t>(bits)) -
+              before) {}
 
-void TurnPackedRows(const ConstPixelRows& source, const PixelRows& target, int bits,
-                    AxisTurn turn) {
-  const size_t bytes = RowBytes(target.width, bits);
-  if (bytes == 0) return;
-  const int spare = static_cast<int>(bytes * 8 - static_cast<size_t>(target.width) * size_t(bits));
-  std::vector<uint8_t> turned(bytes + 1);
+  int before;
+  size_t bytes;
+  int after;
+};
+
+void TurnPackedRows(const ConstPixelRows& source, const PixelRows& target, int bits, AxisTurn turn,
+                    int skipped) {
+  const PackedRow packed(target.width, bits, skipped);
+  const size_t count = static_cast<size_t>(target.width) * static_cast<size_t>(bits);
+  if (count == 0) return;
+  std::vector<uint8_t> turned(packed.bytes);
   for (int y = 0; y < target.height; ++y) {
     const uint8_t* from = source.Row(turn.mirrorY ? target.height - 1 - y : y);
     uint8_t* row = target.Row(y);
     if (turn.mirrorX) {
-      MirrorPackedRow(from, bytes, bits, spare, turned, row);
+      // Turned around, the row begins with the bits behind its last pixel.
+      ReversePackedBytes(from, packed.bytes, bits, turned.data());
+      MoveBits(turned.data(), static_cast<size_t>(packed.after), row, 0, count);
     } else {
-      std::memcpy(row, from, bytes);
+      MoveBits(from, static_cast<size_t>(packed.before), row, 0, count);
     }
-    row[bytes - 1] &= static_cast<uint8_t>(0xFF << spare);
+    if (count % 8 != 0) row[count / 8] &= static_cast<uint8_t>(0xFF00u >> (count % 8));
   }
 }
 
 // Blocks begin at whole bytes of the target's rows, so that each byte is written once.
 void TransposePackedBlock(const ConstPixelRows& source, const PixelRows& target, int bits,
-                          AxisTurn turn, int x0, int y0) {
+                          AxisTurn turn, int skipped, int x0, int y0) {
   const int columns = std::min(kBlock, target.width - x0);
   const int rows = std::min(kBlock, target.height - y0);
-  const int firstColumn = turn.mirrorY ? target.height - y0 - rows : y0;
+  const int firstColumn = skipped + (turn.mirrorY ? target.height - y0 - rows : y0);
   uint8_t block[kBlock][kBlock];
   for (int i = 0; i < columns; ++i) {
     UnpackPixels(source.Row(turn.mirrorX ? target.width - 1 - x0 - i : x0 + i), bits, firstColumn,
@@ -139,12 +148,12 @@ void TransposePackedBlock(const ConstPixelRows& source, const PixelRows& target,
 }
 
 void TurnPackedPixels(const ConstPixelRows& source, const PixelRows& target, int bits,
-                      AxisTurn turn) {
-  if (!turn.transpose) return TurnPackedRows(source, target, bits, turn);
-  if (bits == 1 && TransposeBits(source, target, turn)) return;
+                      AxisTurn turn, int skipped) {
+  if (!turn.transpose) return TurnPackedRows(source, target, bits, turn, skipped);
+  if (bits == 1 && TransposeBits(source, target, turn, skipped)) return;
   for (int y = 0; y < target.height; y += kBlock) {
     for (int x = 0; x < target.width; x += kBlock) {
-      TransposePackedBlock(source, target, bits, turn, x, y);
+      TransposePackedBlock(source, target, bits, turn, skipped, x, y);
     }
   }
 }
@@ -156,7 +165,7 @@ void ClearAllPadding(const PixelRows& rows, int bits) {
 }  // namespace
 
 void TurnPixels(const ConstPixelRows& source, const PixelRows& target, int bitsPerPixel,
-                AxisTurn turn) {
+                AxisTurn turn, int skipped) {
   switch (bitsPerPixel) {
     case 8:
       TurnBytePixels<1, 1>(source, target, turn);
@@ -171,7 +180,7 @@ void TurnPixels(const ConstPixelRows& source, const PixelRows& target, int bitsP
       TurnBytePixels<4, 4>(source, target, turn);
       break;
     default:
-      TurnPackedPixels(source, target, bitsPerPixel, turn);
+      TurnPackedPixels(source, target, bitsPerPixel, turn, skipped);
       break;
   }
   ClearAllPadding(target, bitsPerPixel);

@@ -22,9 +22,10 @@ inline constexpr AxisTurn kQuarterTurnClockwise{true, true, false};
 
 /// Moves every pixel of `source` to its place in `target` and zeroes the padding of the target's
 /// rows. The target has the source's size, exchanged when `turn.transpose`; the two do not overlap.
-/// `bitsPerPixel` is 1, 4, 8, 16, 24 or 32.
+/// `bitsPerPixel` is 1, 4, 8, 16, 24 or 32. The first byte of the source's packed rows begins with
+/// `skipped` pixels (less than a byte) that are not part of them.
 void TurnPixels(const ConstPixelRows& source, const PixelRows& target, int bitsPerPixel,
-                AxisTurn turn);
+                AxisTurn turn, int skipped = 0);
 
 /// The same from 32-bit pixels to 24-bit ones; the fourth byte is dropped.
 void TurnPixels32To24(const ConstPixelRows& source, const PixelRows& target, AxisTurn turn);

@@ -67,8 +67,8 @@ void TurnWhole(const ConstPixelRows& source, const PixelRows& target, AxisTurn t
 }  // namespace
 
 void TurnSamples(const ConstPixelRows& source, const PixelRows& target, int bitsPerPixel,
-                 AxisTurn turn) {
-  if (bitsPerPixel <= 32) return TurnPixels(source, target, bitsPerPixel, turn);
+                 AxisTurn turn, int skipped) {
+  if (bitsPerPixel <= 32) return TurnPixels(source, target, bitsPerPixel, turn, skipped);
   switch (bitsPerPixel) {
     case 48:
       TurnWhole(source, target, turn, FixedSize<6>());

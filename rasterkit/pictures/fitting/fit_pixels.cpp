@@ -1,32 +1,16 @@
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 #include <fmt/format.h>
 
-#include <rasterkit/bands/stages.h>
+#include <rasterkit/bands/flow/executor.h>
 #include <rasterkit/codecs/codec_table.h>
-#include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/pictures/fitting/fit_pixels.h>
+#include <rasterkit/pictures/fitting/fit_stages.h>
 #include <rasterkit/raster/convert.h>
-#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 namespace {
-
-/// The name of a format in messages.
-std::string NameOf(PictureType type) {
-  switch (type) {
-    case PictureType::bmp:
-      return "a BMP file";
-    case PictureType::jpeg:
-      return "a JPEG file";
-    case PictureType::png:
-      return "a PNG file";
-    default:
-      return "the file";
-  }
-}
 
 bool IsGray(ColorModel model) {
   return model == ColorModel::gray || model == ColorModel::grayWhiteIsZero;
@@ -51,30 +35,53 @@ bool HoldsSamples(PictureType type, const PixelLayout& layout) {
   }
 }
 
-/// Numbers of fewer bits than their type become those of the whole range, which loses nothing.
-template <class Number>
-void Widen(Samples& samples) {
-  constexpr uint32_t kMost = std::numeric_limits<Number>::max();
-  const uint32_t most = (1u << samples.Layout().bits) - 1;
-  const size_t count = samples.Stride() / sizeof(Number);
-  for (int plane = 0; plane < samples.Planes(); ++plane) {
-    for (int y = 0; y < samples.Height(); ++y) {
-      RequireTime();
-      auto* const row = reinterpret_cast<Number*>(samples.Row(y, plane));
-      for (size_t i = 0; i < count; ++i) {
-        row[i] = static_cast<Number>((uint64_t{row[i]} * kMost + most / 2) / most);
-      }
-    }
-  }
-  samples.Layout().bits = static_cast<int>(sizeof(Number)) * 8;
+/// True for samples that become colors of 8 bits.
+bool IsShown(PictureType type, const Pixels& pixels) {
+  const auto* samples = std::get_if<Samples>(&pixels);
+  return samples != nullptr && !HoldsSamples(type, samples->Layout());
 }
 
 /// PNG has no samples of 10 or 12 bits.
-void WidenForPng(Samples& samples) {
-  const PixelLayout& layout = samples.Layout();
-  if (layout.model == ColorModel::palette) return;
-  if (layout.type == NumberType::uint8 && layout.bits < 8) Widen<uint8_t>(samples);
-  if (layout.type == NumberType::uint16 && layout.bits < 16) Widen<uint16_t>(samples);
+bool IsWidened(PictureType type, const Pixels& pixels) {
+  const auto* samples = std::get_if<Samples>(&pixels);
+  if (samples == nullptr || type != PictureType::png) return false;
+  const PixelLayout& layout = samples->Layout();
+  if (layout.model == ColorModel::palette) return false;
+  return (layout.type == NumberType::uint8 && layout.bits < 8) ||
+         (layout.type == NumberType::uint16 && layout.bits < 16);
+}
+
+bool IsInk(ColorModel model) {
+  return model == ColorModel::cmyk || model == ColorModel::lab || model == ColorModel::iccLab ||
+         model == ColorModel::ituLab;
+}
+
+bool HasAlpha(const Raster& rows) {
+  return rows.Format() == pf32bit && rows.alphaFormat == afDefined;
+}
+
+/// True if transparent parts must be painted.
+bool IsPainted(PictureType type, const Pixels& pixels) {
+  const auto* rows = std::get_if<Raster>(&pixels);
+  const Codec* codec = FindCodec(type);
+  if (rows == nullptr || codec == nullptr || codec->keepsAlpha) return false;
+  return HasAlpha(*rows) || (rows->transparentColor && !codec->keepsTransparentColor);
+}
+
+/// True if the mark of a transparent color is dropped.
+bool LacksMark(PictureType type, const Raster& rows) {
+  const Codec* codec = FindCodec(type);
+  return !HasAlpha(rows) && rows.transparentColor && codec != nullptr && codec->keepsAlpha &&
+         !codec->keepsTransparentColor;
+}
+
+/// True if the encoder takes other rows than these.
+bool IsConverted(PictureType type, const Pixels& pixels) {
+  const auto* rows = std::get_if<Raster>(&pixels);
+  if (rows == nullptr || type == PictureType::bmp) return false;
+  const TPixelFormat format = rows->Format();
+  if (type != PictureType::jpeg) return format == pf15bit || format == pf16bit;
+  return format != pf24bit && !(format == pf8bit && IsGrayRamp(rows->palette));
 }
 
 /// The letters of an ICC profile's color space: "RGB ", "GRAY", "CMYK".
@@ -102,93 +109,72 @@ void FitProfile(Metadata& metadata, const PixelLayout& layout, Changes& changes)
                "it does not apply to the new pixels");
 }
 
-Raster Visible(Pixels pixels, const PixelFit& fit, Metadata& metadata, Changes& changes) {
-  const PixelLayout before = LayoutOf(pixels);
-  const bool wasInk = before.model == ColorModel::cmyk || before.model == ColorModel::lab ||
-                      before.model == ColorModel::iccLab || before.model == ColorModel::ituLab;
-  Changes seen;
-  Raster rows = VisiblePixels(std::move(pixels), fit.noData, seen, fit.stretch);
-  for (Loss& loss : seen.losses) changes.losses.push_back(std::move(loss));
-  for (std::string& note : seen.notes) {
-    if (!fit.isSample) changes.Note(std::move(note));
-  }
-  if (wasInk) {
-    metadata.profile = nullptr;
-    rows.profile = nullptr;
-  }
-  return rows;
+void Append(const Changes& more, Changes& changes) {
+  changes.losses.insert(changes.losses.end(), more.losses.begin(), more.losses.end());
+  changes.notes.insert(changes.notes.end(), more.notes.begin(), more.notes.end());
 }
 
-Raster Painted(Raster rows, const PixelFit& fit, Changes& changes) {
-  const Sides sides{rows.Width(), rows.Height()};
-  const ColorProfile profile = rows.profile;
-  Changes unused;
-  Pixels painted = ChangeStage(sides, PaintTransparency{fit.background})
-                       ->Make(std::move(rows), {fit.threads, {}}, unused);
-  changes.losses.insert(changes.losses.end(), unused.losses.begin(), unused.losses.end());
-  auto& result = std::get<Raster>(painted);
-  result.profile = profile;
-  return std::move(result);
-}
-
-Raster FitTransparency(Raster rows, const PixelFit& fit, Changes& changes) {
-  const Codec* codec = FindCodec(fit.type);
-  const bool hasAlpha = rows.Format() == pf32bit && rows.alphaFormat == afDefined;
-  if (hasAlpha && codec != nullptr && !codec->keepsAlpha) {
-    changes.Lose(LossKind::alpha, "the alpha channel",
-                 NameOf(fit.type) + " holds no opacity: painted onto the background");
-    return Painted(std::move(rows), fit, changes);
-  }
-  if (hasAlpha || !rows.transparentColor || codec == nullptr || codec->keepsTransparentColor) {
-    return rows;
-  }
-  if (codec->keepsAlpha) {
-    changes.Lose(LossKind::transparentColor, "the mark of the transparent color",
-                 NameOf(fit.type) + " has no such mark");
-    rows.transparentColor.reset();
-    return rows;
-  }
-  changes.Lose(LossKind::transparentColor, "the transparent color",
-               NameOf(fit.type) + " holds no opacity: painted onto the background");
-  return Painted(std::move(rows), fit, changes);
-}
-
-bool IsGrayPalette(const Raster& rows) {
-  const auto entries = rows.palette.Entries();
-  return !entries.empty() && std::all_of(entries.begin(), entries.end(), [](const auto& entry) {
-    return entry.peRed == entry.peGreen && entry.peRed == entry.peBlue;
-  });
-}
-
-/// Formats of rows that encoders take.
-Raster FitFormat(Raster rows, PictureType type) {
-  const TPixelFormat format = rows.Format();
-  const bool isShort = format == pf15bit || format == pf16bit;
-  if (type == PictureType::bmp) return rows;
-  if (type != PictureType::jpeg) return isShort ? ConvertRaster(rows, pf24bit) : std::move(rows);
-  if (format == pf24bit || (format == pf8bit && IsGrayRamp(rows.palette))) return rows;
-  const bool isGray = IsIndexed(format) && IsGrayPalette(rows);
-  Raster colors = ConvertRaster(rows, pf24bit);
-  return isGray ? ConvertRaster(colors, pf8bit) : std::move(colors);
+/// A pixel of this kind. Its content is that of a new picture.
+Pixels PixelLike(const Pixels& like) {
+  Pixels pixel = NewPixels(like, 1, 1);
+  std::visit([](auto& rows) { std::fill_n(rows.Row(0), rows.Stride(), uint8_t{0}); }, pixel);
+  return pixel;
 }
 
 }  // namespace
 
-Pixels FitPixels(Pixels pixels, const PixelFit& fit, Metadata& metadata, Changes& changes) {
-  auto* samples = std::get_if<Samples>(&pixels);
-  if (samples != nullptr) {
-    if (HoldsSamples(fit.type, samples->Layout())) {
-      if (fit.type == PictureType::png) WidenForPng(*samples);
-      FitProfile(metadata, samples->Layout(), changes);
-      return pixels;
+bool IsFit(const Pixels& like, const PixelFit& fit) {
+  return !IsShown(fit.type, like) && !IsWidened(fit.type, like) && !IsPainted(fit.type, like) &&
+         !IsConverted(fit.type, like);
+}
+
+Stages FitStages(const Pixels& like, Sides sides, const PixelFit& fit,
+                 const std::shared_ptr<Changes>& lost) {
+  Stages stages;
+  Pixels pixel = PixelLike(like);
+  // What a stage makes of one pixel shows what the next one gets.
+  const auto add = [&](const auto& make, auto isNeeded) {
+    if (!isNeeded(pixel)) return;
+    Changes unused;
+    pixel = make(Sides{1, 1})->Make(std::move(pixel), {}, unused);
+    stages.push_back(StageOf(sides, {make(sides), isNeeded}, lost));
+  };
+  const PictureType type = fit.type;
+  add([&](Sides size) { return ShowStage(size, fit); },
+      [type](const Pixels& pixels) { return IsShown(type, pixels); });
+  add([&](Sides size) { return WidenStage(size, fit); },
+      [type](const Pixels& pixels) { return IsWidened(type, pixels); });
+  add([&](Sides size) { return PaintStage(size, fit); },
+      [type](const Pixels& pixels) { return IsPainted(type, pixels); });
+  add([&](Sides size) { return FormatStage(size, type); },
+      [type](const Pixels& pixels) { return IsConverted(type, pixels); });
+  return stages;
+}
+
+void FitKind(Pixels& like, const PixelLayout& stored, const PixelFit& fit, Metadata& metadata,
+             Changes& changes) {
+  auto* rows = std::get_if<Raster>(&like);
+  if (rows != nullptr) {
+    if (IsInk(stored.model)) metadata.profile = nullptr;
+    if (LacksMark(fit.type, *rows)) {
+      changes.Lose(LossKind::transparentColor, "the mark of the transparent color",
+                   NameInLosses(fit.type) + " has no such mark");
+      rows->transparentColor.reset();
     }
-    pixels = Visible(std::move(pixels), fit, metadata, changes);
   }
-  Raster rows = FitTransparency(std::get<Raster>(std::move(pixels)), fit, changes);
-  rows = FitFormat(std::move(rows), fit.type);
-  pixels = std::move(rows);
-  FitProfile(metadata, LayoutOf(pixels), changes);
-  std::get<Raster>(pixels).profile = metadata.profile;
+  FitProfile(metadata, LayoutOf(like), changes);
+  if (rows != nullptr) rows->profile = metadata.profile;
+}
+
+Pixels FitPixels(Pixels pixels, const PixelFit& fit, Metadata& metadata, Changes& changes) {
+  const PixelLayout stored = LayoutOf(pixels);
+  const Sides sides{WidthOf(pixels), HeightOf(pixels)};
+  const auto lost = std::make_shared<Changes>();
+  const Stages stages = FitStages(pixels, sides, fit, lost);
+  Changes unused;
+  pixels = RunStages(std::move(pixels), stages, {fit.threads, {}}, unused);
+  Append(*lost, changes);
+  FitKind(pixels, stored, fit, metadata, changes);
   return pixels;
 }
 

@@ -236,6 +236,11 @@ WrittenPicture StreamTarget::Write(PictureType type, const Pixels& pixels,
   return WriteTiff(pixels, writing, extraPages, stream_);
 }
 
+std::unique_ptr<RowWriter> StreamTarget::Open(PictureType type, const Pixels& like,
+                                              WrittenSize size, const PictureWriting& writing) {
+  return OpenWriter(type, like, size, writing, stream_);
+}
+
 WrittenPicture StreamTarget::Copy(const PictureSource& source, const PictureWriting& writing,
                                   bool) {
   return source.Copy(writing, stream_);

@@ -9,6 +9,7 @@
 
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/codecs/rows/picture_writing.h>
+#include <rasterkit/codecs/rows/row_writer.h>
 #include <rasterkit/codecs/tiff/tiff_document.h>
 #include <rasterkit/pictures/sources/picture_source.h>
 #include <rasterkit/runtime/errors.h>
@@ -24,6 +25,12 @@ class PictureTarget {
   virtual WrittenPicture Write(PictureType type, const Pixels& pixels,
                                const PictureWriting& writing,
                                std::span<const TiffExtraPage> extraPages) = 0;
+  /// Begins to write the same row by row, without extra pages. Null if such pixels go only as a
+  /// whole.
+  virtual std::unique_ptr<RowWriter> Open(PictureType, const Pixels&, WrittenSize,
+                                          const PictureWriting&) {
+    return nullptr;
+  }
   /// Copies compressed pixels. A page `asStored` also keeps every tag to the byte.
   virtual WrittenPicture Copy(const PictureSource& source, const PictureWriting& writing,
                               bool asStored) = 0;
@@ -38,6 +45,8 @@ class StreamTarget : public PictureTarget {
 
   WrittenPicture Write(PictureType type, const Pixels& pixels, const PictureWriting& writing,
                        std::span<const TiffExtraPage> extraPages) override;
+  std::unique_ptr<RowWriter> Open(PictureType type, const Pixels& like, WrittenSize size,
+                                  const PictureWriting& writing) override;
   WrittenPicture Copy(const PictureSource& source, const PictureWriting& writing,
                       bool asStored) override;
   uint64_t Position() const override { return stream_.Position(); }

@@ -3,6 +3,8 @@
 
 #include <rasterkit/codecs/tiff/pages/block_rows.h>
 #include <rasterkit/codecs/tiff/tiff_numbers.h>
+#include <rasterkit/kernels/rows/convert_rows.h>
+#include <rasterkit/kernels/rows/exchange_red_blue.h>
 
 namespace rasterkit::detail {
 
@@ -105,10 +107,11 @@ void BlockRows::ExtendRow(uint32_t count, uint8_t* row) const {
 }
 
 void BlockRows::WriteRow(uint32_t y, uint32_t plane, uint32_t x, uint32_t count, uint8_t* target) {
-  if (const auto* raster = std::get_if<Raster>(&pixels_)) {
+  y -= top_;
+  if (const auto* raster = std::get_if<Raster>(pixels_)) {
     WriteRasterRow(*raster, y, plane, x, count, target);
   } else {
-    WriteSampleRow(std::get<Samples>(pixels_), y, plane, x, count, target);
+    WriteSampleRow(std::get<Samples>(*pixels_), y, plane, x, count, target);
   }
 }
 
@@ -130,9 +133,10 @@ void BlockRows::WriteRasterRow(const Raster& raster, uint32_t y, uint32_t plane,
   const size_t samples = plan_.samples;
   const auto place = [](size_t sample) { return sample < 3 ? 2 - sample : sample; };
   if (plan_.form.isPlanar) return CopySamples(1, row + place(plane), step, target, 1, count);
-  for (size_t sample = 0; sample < samples; sample++) {
-    CopySamples(1, row + place(sample), step, target + sample, samples, count);
-  }
+  if (samples == 4) return kernels::ExchangeRedBlue32(row, count, target);
+  if (step == 3) return kernels::ExchangeRedBlue24(row, count, target);
+  kernels::Row32To24(row, count, target);
+  kernels::ExchangeRedBlue24(target, count, target);
 }
 
 void BlockRows::WriteSampleRow(const Samples& samples, uint32_t y, uint32_t plane, uint32_t x,

@@ -19,10 +19,18 @@ class NewPage {
   NewPage(const Pixels& pixels, const PictureWriting& writing,
           std::span<const TiffExtraPage> extraPages);
 
+  /// A page of pixels of the kind of `like`, which come row by row.
+  NewPage(const Pixels& like, WrittenSize size, const PictureWriting& writing);
+
   /// The planned form of the page.
   const TiffForm& Form() const { return parts_[0].plan.form; }
   /// Upper bound of the bytes that `Write` adds to a file.
   uint64_t MostBytes() const;
+  /// The plan of the page without its smaller copies, in the order of bytes of the file.
+  const PagePlan& PlanFor(const TagFileWriter& file);
+  /// Writes the directory of the page, whose blocks are in the file, and makes it the next one of
+  /// the link; returns the link to the page after it. `structure` are the tags of the blocks.
+  uint64_t WriteTags(TagMap structure, TagFileWriter& file, uint64_t linkAt, Changes& changes);
   /// Tag 297 of the page, which makes it one of several.
   void SetPageNumber(const TagValue& number) { pageNumber_ = number; }
   /// Writes the page and makes it the next directory of the link; returns the link to the page
@@ -32,6 +40,7 @@ class NewPage {
   WrittenPicture Written() const { return {Form(), parts_[0].plan.layout, changes_}; }
 
  private:
+  void PlanTags();
   struct Part {
     const Pixels* pixels = nullptr;
     PagePlan plan;

@@ -18,10 +18,10 @@ namespace {
 /// The kind of the stored samples and how they come from the pixels.
 class Planner {
  public:
-  Planner(const Pixels& pixels, const TiffForm* wanted) : wanted_(wanted) {
-    plan_.width = static_cast<uint32_t>(WidthOf(pixels));
-    plan_.height = static_cast<uint32_t>(HeightOf(pixels));
-    if (WidthOf(pixels) < 1 || HeightOf(pixels) < 1) {
+  Planner(const Pixels& pixels, WrittenSize size, const TiffForm* wanted) : wanted_(wanted) {
+    plan_.width = static_cast<uint32_t>(size.width);
+    plan_.height = static_cast<uint32_t>(size.height);
+    if (size.width < 1 || size.height < 1) {
       throw FormatError("TIFF: an empty picture cannot be written");
     }
     if (const auto* raster = std::get_if<Raster>(&pixels)) {
@@ -203,9 +203,13 @@ uint64_t PagePlan::MostBytes() const {
 }
 
 PagePlan PlanPage(const Pixels& pixels, const Form& wanted, Changes& changes) {
+  return PlanPage(pixels, {WidthOf(pixels), HeightOf(pixels)}, wanted, changes);
+}
+
+PagePlan PlanPage(const Pixels& like, WrittenSize size, const Form& wanted, Changes& changes) {
   const auto* form = std::get_if<TiffForm>(&wanted);
-  PagePlan plan = Planner(pixels, form).Take();
-  ChooseForm(form ? *form : FormFor(TiffCompression::standard, LayoutOf(pixels)), plan, changes);
+  PagePlan plan = Planner(like, size, form).Take();
+  ChooseForm(form ? *form : FormFor(TiffCompression::standard, LayoutOf(like)), plan, changes);
   return plan;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <rasterkit/codecs/rows/form.h>
+#include <rasterkit/codecs/rows/row_writer.h>
 #include <rasterkit/metadata/loss.h>
 #include <rasterkit/raster/pixels.h>
 
@@ -48,5 +49,7 @@ struct PagePlan {
 /// becomes a note. An empty form becomes the usual one. Throws UnsupportedError for pixels that
 /// cannot be written.
 PagePlan PlanPage(const Pixels& pixels, const Form& wanted, Changes& changes);
+/// The same for pixels of the kind of `like`, whose rows have no meaning.
+PagePlan PlanPage(const Pixels& like, WrittenSize size, const Form& wanted, Changes& changes);
 
 }  // namespace rasterkit::detail

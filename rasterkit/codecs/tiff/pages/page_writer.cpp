@@ -5,9 +5,6 @@
 #include <rasterkit/codecs/tiff/pages/new_page.h>
 #include <rasterkit/codecs/tiff/pages/page_directory.h>
 #include <rasterkit/codecs/tiff/pages/page_output.h>
-#include <rasterkit/runtime/errors.h>
-#include <rasterkit/runtime/files/atomic_file.h>
-#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 
@@ -15,8 +12,6 @@ namespace {
 
 using detail::PagePlan;
 using detail::PageTags;
-using detail::TagFileWriter;
-using detail::TagMap;
 
 /// Bytes for directories and their short values.
 constexpr uint64_t kSpareBytes = 1 << 20;
@@ -63,9 +58,20 @@ NewPage::NewPage(const Pixels& pixels, const PictureWriting& writing,
     const uint32_t type = extra.subfileType == 0 ? 1 : extra.subfileType;
     parts_.push_back({&extra.pixels, PlanPage(extra.pixels, extra.form, ofCopy), type});
   }
+  PlanTags();
+}
+
+NewPage::NewPage(const Pixels& like, WrittenSize size, const PictureWriting& writing)
+    : writing_(writing) {
+  parts_.push_back({nullptr, PlanPage(like, size, writing.form, changes_), 0});
+  TakeExtraSamples(writing.metadata, parts_[0].plan);
+  PlanTags();
+}
+
+void NewPage::PlanTags() {
   const PagePlan& first = parts_[0].plan;
   const bool hasInks = first.form.photometric == PHOTOMETRIC_SEPARATED;
-  tags_ = TagsOfMetadata(writing, {first.layout.model, false, hasInks}, changes_);
+  tags_ = TagsOfMetadata(writing_, {first.layout.model, false, hasInks}, changes_);
 }
 
 uint64_t NewPage::MostBytes() const {
@@ -76,20 +82,35 @@ uint64_t NewPage::MostBytes() const {
   return most;
 }
 
+const PagePlan& NewPage::PlanFor(const TagFileWriter& file) {
+  PagePlan& plan = parts_[0].plan;
+  plan.form.isBigEndian = file.IsBigEndian();
+  plan.form.isBigTiff = file.IsBig();
+  return plan;
+}
+
+uint64_t NewPage::WriteTags(TagMap structure, TagFileWriter& file, uint64_t linkAt,
+                            Changes& changes) {
+  AddPageTags(tags_, file, structure, changes);
+  if (pageNumber_) {
+    structure[TIFFTAG_SUBFILETYPE] = LongTag(TIFFTAG_SUBFILETYPE, FILETYPE_PAGE);
+    structure[TIFFTAG_PAGENUMBER] = *pageNumber_;
+  }
+  const TagFileWriter::Written written = file.WriteDirectory(structure, changes);
+  file.Link(linkAt, written.at);
+  return written.linkAt;
+}
+
 uint64_t NewPage::Write(TagFileWriter& file, uint64_t linkAt, Changes& changes) {
   for (Part& part : parts_) {
     part.plan.form.isBigEndian = file.IsBigEndian();
     part.plan.form.isBigTiff = file.IsBig();
     TagMap directory = WriteBlocks(*part.pixels, part.plan, writing_.threads, file);
-    if (part.subfileType != 0) {
-      directory[TIFFTAG_SUBFILETYPE] = LongTag(TIFFTAG_SUBFILETYPE, part.subfileType);
-    } else {
-      AddPageTags(tags_, file, directory, changes);
-      if (pageNumber_) {
-        directory[TIFFTAG_SUBFILETYPE] = LongTag(TIFFTAG_SUBFILETYPE, FILETYPE_PAGE);
-        directory[TIFFTAG_PAGENUMBER] = *pageNumber_;
-      }
+    if (part.subfileType == 0) {
+      linkAt = WriteTags(std::move(directory), file, linkAt, changes);
+      continue;
     }
+    directory[TIFFTAG_SUBFILETYPE] = LongTag(TIFFTAG_SUBFILETYPE, part.subfileType);
     const TagFileWriter::Written written = file.WriteDirectory(directory, changes);
     file.Link(linkAt, written.at);
     linkAt = written.linkAt;
@@ -98,38 +119,5 @@ uint64_t NewPage::Write(TagFileWriter& file, uint64_t linkAt, Changes& changes) 
 }
 
 }  // namespace detail
-
-namespace {
-
-WrittenPicture WriteFile(detail::NewPage& page, TStream& stream) {
-  WrittenPicture written = page.Written();
-  auto& form = std::get<TiffForm>(written.form);
-  if (!form.isBigTiff && page.MostBytes() > UINT32_MAX) {
-    form.isBigTiff = true;
-    written.changes.Note("written as a BigTIFF file, which may exceed 4 GiB");
-  }
-  TagFileWriter file(stream, form.isBigTiff, form.isBigEndian);
-  page.Write(file, file.FirstLinkAt(), written.changes);
-  file.Finish();
-  return written;
-}
-
-}  // namespace
-
-WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing,
-                         std::span<const TiffExtraPage> extraPages, TStream& stream) {
-  const LimitsScope limits;
-  detail::NewPage page(pixels, writing, extraPages);
-  if (IsSeekable(stream)) return WriteFile(page, stream);
-  // The header is completed last.
-  TMemoryStream memory;
-  WrittenPicture written = WriteFile(page, memory);
-  stream.Write(memory.Bytes());
-  return written;
-}
-
-WrittenPicture WriteTiff(const Pixels& pixels, const PictureWriting& writing, TStream& stream) {
-  return WriteTiff(pixels, writing, {}, stream);
-}
 
 }  // namespace rasterkit

@@ -83,10 +83,14 @@ void TagFileWriter::RequireRoom(uint64_t bytes) const {
 
 uint64_t TagFileWriter::Append(std::span<const uint8_t> bytes) {
   const uint64_t at = End();
+  Continue(bytes);
+  return at;
+}
+
+void TagFileWriter::Continue(std::span<const uint8_t> bytes) {
   RequireRoom(bytes.size());
   stream_.Write(bytes);
   size_ += bytes.size();
-  return at;
 }
 
 TagValue TagFileWriter::PlacesTag(uint16_t tag, std::span<const uint64_t> places) const {

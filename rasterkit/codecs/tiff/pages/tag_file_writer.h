@@ -39,8 +39,12 @@ class TagFileWriter {
   /// Writes bytes at an even place and returns it, counted from the beginning of the file. Throws
   /// LimitError if the file exceeds 4 GiB and is no BigTIFF file.
   uint64_t Append(std::span<const uint8_t> bytes);
+  /// Appends bytes right behind those before. Throws as Append does.
+  void Continue(std::span<const uint8_t> bytes);
   /// Throws LimitError if so many bytes more exceed 4 GiB and the file is no BigTIFF file.
   void RequireRoom(uint64_t bytes) const;
+  /// Bytes of the file so far.
+  uint64_t Size() const { return size_; }
   /// The end of the file so far, made even.
   uint64_t End();
   /// Places of blocks, or their sizes, as a tag in the width of the file.
