@@ -3,6 +3,7 @@
 
 #include <rasterkit/bands/flow/band_flow.h>
 #include <rasterkit/bands/flow/flow_builder.h>
+#include <rasterkit/bands/flow/foretold_rows.h>
 
 namespace rasterkit {
 
@@ -53,6 +54,16 @@ void BandFlow::Run(const StageRun& run, const std::function<void(Pixels& rows, i
 void BandFlow::Finish(CodecReport& report, Changes& changes) {
   parts_->reader->Finish(report);
   parts_->builder->Finish(changes);
+}
+
+FlowNeeds ForetellFlow(const RowReader& reader, const Stages& stages,
+                       const FlowSettings& settings) {
+  const detail::ForetoldRows facts(reader.Like(), {reader.Width(), reader.Height()},
+                                   reader.Access(), reader.BlockRows());
+  detail::FlowBuilder builder(std::make_shared<detail::ForetoldRows>(facts), settings);
+  for (const auto& stage : stages) builder.Add(*stage, {});
+  builder.Run({}, {});
+  return builder.Needs();
 }
 
 }  // namespace rasterkit

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include <rasterkit/bands/flow/band_pipeline.h>
+#include <rasterkit/bands/flow/foretold_rows.h>
 #include <rasterkit/bands/flow/memory_rows.h>
 #include <rasterkit/bands/stage/row_work.h>
 
@@ -22,12 +23,19 @@ int CapacityFor(const BandPlan& plan, size_t level) {
   return most + std::max(most / 2, most - plan.MostKept(level));
 }
 
+/// Rows that will be used where they are.
+bool IsForetoldMemory(const RowChain& chain) {
+  const auto* foretold = dynamic_cast<const ForetoldRows*>(chain.source.get());
+  return foretold != nullptr && foretold->IsInMemory();
+}
+
 }  // namespace
 
 BandPipeline::BandPipeline(const RowChain& chain, const BandDivision& division, bool isDouble)
     : chain_(chain), plan_(chain, division), windows_(chain.LastLevel() + 1) {
   for (size_t level = chain.firstLevel; level <= chain.LastLevel(); ++level) {
-    const int capacity = CapacityFor(plan_, level);
+    const bool isForetold = level == 0 && IsForetoldMemory(chain);
+    const int capacity = isForetold ? 1 : CapacityFor(plan_, level);
     const uint64_t bytes = chain.RowBytes(level) * static_cast<uint64_t>(capacity);
     const size_t count = isDouble && bytes <= kMostDoubled ? 2 : 1;
     for (size_t i = 0; i < count; ++i) {
@@ -52,6 +60,16 @@ void BandPipeline::KeepIn(Pixels& whole) {
 
 bool BandPipeline::IsWhole(size_t level) const {
   return (level == 0 && isSourceWhole_) || (level == chain_.LastLevel() && isKept_);
+}
+
+uint64_t BandPipeline::BytesOfWindows(int threads) const {
+  uint64_t bytes = 0;
+  for (const std::vector<RowWindow>& windows : windows_) {
+    for (const RowWindow& window : windows) bytes += window.Bytes();
+  }
+  if (!parts_) return bytes;
+  const int rows = windows_[chain_.firstLevel].front().Capacity();
+  return bytes + static_cast<uint64_t>(threads) * parts_->BytesOfPart(rows);
 }
 
 void BandPipeline::Place(size_t level, const LevelRows& rows, size_t window, size_t before) {

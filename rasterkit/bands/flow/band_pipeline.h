@@ -33,6 +33,9 @@ class BandPipeline {
   /// Windows that the level takes turns with.
   size_t Windows(size_t level) const { return windows_[level].size(); }
 
+  /// Bytes that the windows take, and parts on so many threads.
+  uint64_t BytesOfWindows(int threads) const;
+
   /// Makes room in a window for rows of a level, and takes over what another one holds.
   void Place(size_t level, const LevelRows& rows, size_t window, size_t before);
   /// Parts into which the making of rows is divided, at least 1 if there are any; of the source:

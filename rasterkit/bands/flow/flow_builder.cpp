@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <utility>
 
 #include <rasterkit/bands/flow/flow_builder.h>
 #include <rasterkit/bands/flow/flow_division.h>
+#include <rasterkit/bands/flow/foretold_rows.h>
 #include <rasterkit/bands/flow/memory_rows.h>
 #include <rasterkit/bands/flow/scratch_rows.h>
 #include <rasterkit/runtime/limits.h>
@@ -36,7 +38,20 @@ void LookAt(BandWork& work, RowRange looks, Pixels& rows, int top, const StageRu
 }
 
 bool IsMemory(const RowChain& chain) {
-  return dynamic_cast<const MemoryRows*>(chain.source.get()) != nullptr;
+  const auto* foretold = dynamic_cast<const ForetoldRows*>(chain.source.get());
+  return foretold != nullptr ? foretold->IsInMemory()
+                             : dynamic_cast<const MemoryRows*>(chain.source.get()) != nullptr;
+}
+
+/// A row without content stands for all.
+void LookAtBlank(BandWork& work, const RowChain& chain) {
+  Band row{NewPixels(chain.Like(), chain.Size().width, 1), 0, work.Looks().first};
+  const int planes =
+      std::holds_alternative<Samples>(row.pixels) ? std::get<Samples>(row.pixels).Planes() : 1;
+  uint8_t* const bytes = std::visit([](auto& rows) { return rows.Row(0); }, row.pixels);
+  const size_t stride = std::visit([](const auto& rows) { return rows.Stride(); }, row.pixels);
+  std::memset(bytes, 0, stride * static_cast<size_t>(planes));
+  work.Look(row, {});
 }
 
 }  // namespace
@@ -80,7 +95,9 @@ Pixels FlowBuilder::Whole(const StageRun& run, const TakeRows& take) {
 /// Makes the rows once and keeps them in memory, or in a scratch file if that is too much and they
 /// are read as rows or parts.
 void FlowBuilder::KeepRows(const StageRun& run, const TakeRows& take, bool mayUseScratch) {
-  if (!mayUseScratch || FitsMemory(BytesAtEnd())) {
+  const bool isInMemory = !mayUseScratch || FitsMemory(BytesAtEnd());
+  if (IsForetold()) return KeepForetold(isInMemory);
+  if (isInMemory) {
     chain_.source = std::make_shared<MemoryRows>(std::make_shared<Pixels>(Whole(run, take)), true);
   } else {
     const auto scratch =
@@ -109,15 +126,44 @@ RowRange FlowBuilder::AllRows() const {
   return {0, chain_.Size().height};
 }
 
+/// Less if the process may not take more.
+uint64_t FlowBuilder::BandBytes() const {
+  const uint64_t usual = chain_.firstLevel > 0 ? kBytesOfPartBands : kBytesOfBands;
+  const uint64_t limit = CurrentLimits().processBytes;
+  if (limit == kNoLimit) return usual;
+  const uint64_t held = ProcessPictureBytes();
+  return std::min(usual, held < limit ? (limit - held) / 4 : 0);
+}
+
+BandDivision FlowBuilder::Division(RowRange rows) const {
+  return DivisionOf(chain_, rows, settings_.rows, BandBytes());
+}
+
 BandPipeline FlowBuilder::NewPipeline(RowRange rows) {
-  const uint64_t bytes = chain_.firstLevel > 0 ? kBytesOfPartBands : kBytesOfBands;
-  const BandDivision division = DivisionOf(chain_, rows, settings_.rows, bytes);
   // Another band height may need rows in another order than that which the ways were chosen for.
   if (chain_.source->Access() == RowAccess::rising && chain_.firstLevel == 0 &&
-      !BandPlan(chain_, division).IsRising()) {
+      !BandPlan(chain_, Division(rows)).IsRising()) {
     KeepSource();
   }
-  return {chain_, division, settings_.threads > 1};
+  return {chain_, Division(rows), settings_.threads > 1};
+}
+
+bool FlowBuilder::IsForetold() const {
+  return dynamic_cast<const ForetoldRows*>(chain_.source.get()) != nullptr;
+}
+
+void FlowBuilder::CountPipeline(const BandPipeline& pipeline, uint64_t beside) {
+  const auto& source = dynamic_cast<const ForetoldRows&>(*chain_.source);
+  needs_.memory = std::max(
+      needs_.memory, pipeline.BytesOfWindows(settings_.threads) + source.BytesHeld() + beside);
+}
+
+void FlowBuilder::KeepForetold(bool isInMemory) {
+  CountPipeline(NewPipeline(AllRows()), isInMemory ? BytesAtEnd() : 0);
+  if (!isInMemory) {
+    needs_.scratch = std::max(needs_.scratch, ScratchRows::BytesFor(chain_.Like(), chain_.Size()));
+  }
+  chain_ = {ForetoldRows::Kept(chain_.Like(), chain_.Size(), isInMemory), {}, 0};
 }
 
 void FlowBuilder::KeepSource() {
@@ -128,6 +174,7 @@ void FlowBuilder::KeepSource() {
 }
 
 void FlowBuilder::AddWhole(const Stage& stage, const StageRun& run) {
+  if (IsForetold()) return KeepForetold(true);
   const double half = 0.5;
   StageRun first{settings_.threads, {}}, second = first;
   if (run.progress) {
@@ -141,6 +188,7 @@ void FlowBuilder::AddWhole(const Stage& stage, const StageRun& run) {
 }
 
 void FlowBuilder::LookAtRows(BandWork& work, const StageRun& run) {
+  if (IsForetold()) LookAtBlank(work, chain_);
   const RowRange looks = work.Looks();
   const StageRun part{settings_.threads, run.progress};
   const TakeRows look = [&](Pixels& rows, int top) {
@@ -153,11 +201,12 @@ void FlowBuilder::LookAtRows(BandWork& work, const StageRun& run) {
     return KeepRows(part, look, true);
   }
   BandPipeline pipeline = NewPipeline(looks);
+  if (IsForetold()) return CountPipeline(pipeline, 0);
   RunPipeline(pipeline, part, look);
 }
 
 BandPlan FlowBuilder::UsualPlan() const {
-  BandDivision division = DivisionOf(chain_, AllRows(), 0, kBytesOfBands);
+  BandDivision division = DivisionOf(chain_, AllRows(), 0, std::min(kBytesOfBands, BandBytes()));
   if (settings_.rows > 0) division.height = std::min(division.height, settings_.rows);
   return {chain_, division};
 }
@@ -203,6 +252,7 @@ void FlowBuilder::AddWork(std::shared_ptr<BandWork> work, const StageRun& run) {
 
 void FlowBuilder::Run(const StageRun& run, const TakeRows& take) {
   BandPipeline pipeline = NewPipeline(AllRows());
+  if (IsForetold()) return CountPipeline(pipeline, 0);
   RunPipeline(pipeline, {settings_.threads, run.progress}, take);
 }
 

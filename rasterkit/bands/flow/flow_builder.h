@@ -18,6 +18,8 @@ class FlowBuilder {
   void Add(const Stage& stage, const StageRun& run);
   const RowChain& Chain() const { return chain_; }
   void Run(const StageRun& run, const TakeRows& take);
+  /// What was held at most, if the reader is ForetoldRows.
+  FlowNeeds Needs() const { return needs_; }
   /// Adds what the stages lost, in their order.
   void Finish(Changes& changes);
 
@@ -45,6 +47,11 @@ class FlowBuilder {
   void KeepRows(const StageRun& run, const TakeRows& take, bool mayUseScratch);
   void KeepSource();
   bool FitsMemory(uint64_t bytes) const;
+  uint64_t BandBytes() const;
+  BandDivision Division(RowRange rows) const;
+  bool IsForetold() const;
+  void KeepForetold(bool isInMemory);
+  void CountPipeline(const BandPipeline& pipeline, uint64_t beside);
   RowRange AllRows() const;
   BandPipeline NewPipeline(RowRange rows);
   Pixels Whole(const StageRun& run, const TakeRows& take);
@@ -52,6 +59,7 @@ class FlowBuilder {
 
   const FlowSettings settings_;
   RowChain chain_;
+  FlowNeeds needs_;
   std::vector<StageEnd> ends_;
 };
 

@@ -24,6 +24,19 @@ int PartMaker::Columns() const {
   return width / ColumnWidth() + (width % ColumnWidth() != 0 ? 1 : 0);
 }
 
+uint64_t PartMaker::BytesOfPart(int rows) const {
+  const Sides size = chain_.SizeOf(level_);
+  const int width = std::min(size.width, ColumnWidth());
+  rows = std::min(rows, size.height);
+  BandRect rect{(size.width - width) / 2, (size.height - rows) / 2, width, rows};
+  uint64_t bytes = 0;
+  for (size_t level = level_;; --level) {
+    bytes += BytesOfPixels(chain_.LikeOf(level), rect.width, rect.height);
+    if (level == 0) return bytes;
+    rect = chain_.works[level - 1]->Needs(rect);
+  }
+}
+
 std::unique_ptr<PartMaker::Blocks> PartMaker::TakeBlocks() {
   const std::lock_guard lock(blocksMutex_);
   if (freeBlocks_.empty()) return std::make_unique<Blocks>(level_ + 1);

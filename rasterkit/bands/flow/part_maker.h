@@ -18,6 +18,8 @@ class PartMaker {
 
   /// Columns into which rows of the level are divided.
   int Columns() const;
+  /// Bytes that one thread needs for a part of so many rows.
+  uint64_t BytesOfPart(int rows) const;
   /// Makes the part of rows of `target` (counted from its top) that lies in a column. Threads may
   /// make different columns of the same target.
   void Make(Band& target, RowRange rows, int column);

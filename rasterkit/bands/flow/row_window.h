@@ -16,6 +16,10 @@ class RowWindow {
   /// Rows of a whole picture that somebody else keeps: nothing is moved.
   explicit RowWindow(Pixels& whole);
 
+  int Capacity() const { return capacity_; }
+  /// That this window takes, as soon as it has rows.
+  uint64_t Bytes() const { return isWhole_ ? 0 : BytesOfPixels(like_, picture_.width, capacity_); }
+
   /// Makes room for `rows.wanted`. Those of them that are not missing are taken over from `before`,
   /// which may be this window.
   void Place(const LevelRows& rows, const RowWindow& before);
