@@ -11,14 +11,6 @@
 
 namespace rasterkit::detail {
 
-/// The first stages for a smaller form of the source, in place of as many of the picture itself.
-struct SmallerStart {
-  SmallerForm form;
-  Stages stages;
-  /// Sides of what each of them makes.
-  std::vector<Sides> made;
-};
-
 /// Size and kind of rows.
 struct KindOfRows {
   Sides sides;
@@ -30,6 +22,12 @@ struct MadeRows : KindOfRows {
   bool isRaster = true;
   /// The picture that is laid over them and read as a whole.
   std::optional<KindOfRows> over;
+};
+
+/// The first stages for a smaller form of the source, in place of as many of the picture itself.
+struct SmallerStart {
+  SmallerForm form;
+  Stages stages;
 };
 
 /// What is known about a picture after its steps so far, without reading a pixel.
@@ -58,11 +56,11 @@ struct PictureState {
   Stages stages;
   /// Those that move pixels, for masks of the page: nearest pixels, and none in the corners.
   Stages maskStages;
+  /// One for each stage.
+  std::vector<MadeRows> madeByStages;
   /// The moves of the stages, as long as there are no others.
   std::vector<Step> moves;
   std::optional<SmallerStart> smaller;
-  /// One for each stage.
-  std::vector<MadeRows> madeByStages;
   /// What the steps lose and note.
   Changes changes;
   /// Doubts about what the steps make.

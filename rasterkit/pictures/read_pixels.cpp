@@ -62,6 +62,12 @@ class NamedRows : public RowReader {
 
 }  // namespace
 
+Stages StagesOf(const PictureState& state) {
+  Stages stages = state.stages;
+  if (state.smaller) std::ranges::copy(state.smaller->stages, stages.begin());
+  return stages;
+}
+
 PictureFlow::PictureFlow(const PictureSource& source, Stages stages, const FlowSettings& settings)
     : source_(source),
       stages_(std::move(stages)),
@@ -70,10 +76,8 @@ PictureFlow::PictureFlow(const PictureSource& source, Stages stages, const FlowS
 
 PictureFlow::PictureFlow(const PictureSource& source, const PictureState& state,
                          const FlowSettings& settings)
-    : PictureFlow(source, state.stages, settings) {
-  if (!state.smaller) return;
-  smaller_ = state.smaller->form;
-  std::ranges::copy(state.smaller->stages, stages_.begin());
+    : PictureFlow(source, StagesOf(state), settings) {
+  if (state.smaller) smaller_ = state.smaller->form;
 }
 
 PictureFlow::~PictureFlow() = default;
@@ -86,25 +90,20 @@ const Pixels& PictureFlow::Stored() {
 void PictureFlow::OpenReader() {
   Named(source_, faults_->ofSource, [&] {
     RequireTime();
-    if (smaller_) return OpenSmaller();
-    reader_ = source_.OpenRows(settings_.threads);
+    reader_ = smaller_ ? source_.OpenSmaller(*smaller_, settings_.threads)
+                       : source_.OpenRows(settings_.threads);
     // Rows in memory have no errors; the flow takes them where they are.
     if (!reader_) {
-      reader_ = RowsInMemory(source_.ReadPixels(settings_.threads, whole_));
+      reader_ = RowsInMemory(ReadWhole());
     } else if (!source_.IsInMemory()) {
       reader_ = std::make_unique<NamedRows>(source_, std::move(reader_), faults_->ofSource);
     }
   });
 }
 
-void PictureFlow::OpenSmaller() {
-  reader_ = source_.OpenSmaller(*smaller_, settings_.threads);
-  if (reader_) {
-    reader_ = std::make_unique<NamedRows>(source_, std::move(reader_), faults_->ofSource);
-    return;
-  }
-  reader_ =
-      RowsInMemory(source_.ReadExtraPage(smaller_->extraPage.value(), settings_.threads, whole_));
+Pixels PictureFlow::ReadWhole() {
+  if (!smaller_) return source_.ReadPixels(settings_.threads, whole_);
+  return source_.ReadExtraPage(smaller_->extraPage.value(), settings_.threads, whole_);
 }
 
 void PictureFlow::Add(const Stages& stages) {

@@ -12,6 +12,9 @@
 
 namespace rasterkit::detail {
 
+/// The stages for the pixels that are read.
+Stages StagesOf(const PictureState& state);
+
 /// The rows of a picture after its steps, band after band. Works under the limits of the calling
 /// thread. Errors of the source have its name.
 class PictureFlow {
@@ -20,8 +23,7 @@ class PictureFlow {
 
   /// Makes the rows of `stages` from those of the source.
   PictureFlow(const PictureSource& source, Stages stages, const FlowSettings& settings);
-  /// Makes the rows of a picture after its steps, from a smaller form of the source if it begins
-  /// with one.
+  /// Those of the picture, perhaps from a smaller form of the source.
   PictureFlow(const PictureSource& source, const PictureState& state, const FlowSettings& settings);
   ~PictureFlow();
 
@@ -45,15 +47,15 @@ class PictureFlow {
  private:
   struct Faults;
   void OpenReader();
-  void OpenSmaller();
+  Pixels ReadWhole();
   template <class Work>
   void Guard(const Work& work);
   StageRun Part(const StageRun& run, double end);
 
   const PictureSource& source_;
-  std::optional<SmallerForm> smaller_;
   Stages stages_;
   const FlowSettings settings_;
+  std::optional<SmallerForm> smaller_;
   const std::shared_ptr<Faults> faults_;
   std::unique_ptr<RowReader> reader_;
   /// What was noticed in a source that was read as a whole.

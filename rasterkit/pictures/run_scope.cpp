@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <thread>
 
+#include <rasterkit/pictures/flow_needs.h>
 #include <rasterkit/pictures/run_scope.h>
 #include <rasterkit/runtime/files/file_name.h>
 
@@ -41,12 +42,9 @@ void RunScope::SetTarget(const std::string& file) {
 }
 
 FlowSettings RunScope::Flow() const {
-  // Bands and the file that is written need memory, too.
-  constexpr uint64_t kPart = 4;
-  FlowSettings settings;
+  FlowSettings settings = UsualFlow();
   settings.rows = run_.bandRows;
   settings.threads = threads_;
-  settings.heldBytes = std::min(settings.heldBytes, CurrentLimits().processBytes / kPart);
   settings.scratchFolder = scratchFolder_;
   return settings;
 }

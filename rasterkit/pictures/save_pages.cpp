@@ -93,6 +93,7 @@ class ReportOfPages {
     }
     isCopied_ = isCopied_ && page.isCopied;
     report_.memory = std::max(report_.memory, page.memory);
+    report_.scratch = std::max(report_.scratch, page.scratch);
     bytes_ += page.bytes;
     Add(index, Changes{page.losses, page.notes});
     for (const std::string& warning : page.warnings) {
@@ -362,7 +363,6 @@ class DocumentWork {
       Report page = WriteOne(*sink_, *work.part.source, *work.part.state, work.plan, options_, run,
                              {place / count, (place + 1) / count});
       if (!work.reason.empty()) page.notes.push_back(work.reason);
-      page.memory = MemoryOf(*work.part.source, *work.part.state, target_.Position() - before);
       report_.Add(index, page);
       written_.push_back(index);
     } catch (const FormatError& error) {

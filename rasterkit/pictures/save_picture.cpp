@@ -129,13 +129,6 @@ WrittenPicture WriteWhole(const Encoding& work, CodecReport& read, Changes& chan
                      work.run.Threads(), work.target, changes);
 }
 
-/// True if something of the file is made of all pixels before the first one is written.
-bool NeedsWhole(const Encoding& work) {
-  const bool hasThumbnail =
-      NeedsThumbnail(work.state, work.source) && work.plan.type != PictureType::bmp;
-  return hasThumbnail || (work.plan.type == PictureType::tiff && !work.source.ExtraPages().empty());
-}
-
 /// The kind of the pixels after the steps: read from the source without steps, else foretold.
 Pixels KindToFit(const Encoding& work, PictureFlow& flow) {
   if (work.state.stages.empty()) return NewPixels(flow.Stored(), 1, 1);
@@ -144,7 +137,8 @@ Pixels KindToFit(const Encoding& work, PictureFlow& flow) {
 
 /// Writes the rows as they come. Nothing if the pixels are encoded only as a whole, or are other
 /// ones than foretold.
-std::optional<WrittenPicture> WriteRows(const Encoding& work, CodecReport& read, Changes& changes) {
+std::optional<WrittenPicture> WriteRows(const Encoding& work, CodecReport& read, Changes& changes,
+                                        bool& takesRows) {
   const PictureState& state = work.state;
   const int threads = work.run.Threads();
   const PixelFit fit = FitOf(state, work.plan, work.options, threads);
@@ -155,7 +149,8 @@ std::optional<WrittenPicture> WriteRows(const Encoding& work, CodecReport& read,
   work.run.Begin(work.part.end, work.source.Header().height);
   const StageRun running = work.run.Stages();
   flow.Begin(running);
-  if (!IsFit(flow.Like(), fit)) return std::nullopt;
+  takesRows = IsFit(flow.Like(), fit);
+  if (!takesRows) return std::nullopt;
   const Sides size = flow.Size();
   Pixels like = NewPixels(flow.Like(), 1, 1);
   std::visit([&](auto& rows) { rows.resolution = state.metadata.resolution; }, like);
@@ -163,6 +158,7 @@ std::optional<WrittenPicture> WriteRows(const Encoding& work, CodecReport& read,
   Changes ofKind;
   FitKind(like, LayoutOf(stored), fit, writing.metadata, ofKind);
   const auto writer = work.target.Open(work.plan.type, like, {size.width, size.height}, writing);
+  takesRows = writer != nullptr;
   WrittenPicture written;
   if (writer) {
     flow.Run(running, [&](Pixels& rows, int) { writer->Write(rows); });
@@ -184,10 +180,11 @@ std::optional<WrittenPicture> WriteRows(const Encoding& work, CodecReport& read,
   return written;
 }
 
-WrittenPicture WriteAnew(const Encoding& work, Report& report, Changes& changes) {
+WrittenPicture WriteAnew(const Encoding& work, Report& report, Changes& changes, bool& takesRows) {
   CodecReport read;
   std::optional<WrittenPicture> written;
-  if (!NeedsWhole(work)) written = WriteRows(work, read, changes);
+  takesRows = !NeedsWhole(work.source, work.state, work.plan.type);
+  if (takesRows) written = WriteRows(work, read, changes, takesRows);
   if (!written) written = WriteWhole(work, read, changes);
   Warn(read, report);
   LoseDamage(read, kDamagedFile, changes);
@@ -251,8 +248,10 @@ Report WriteMovedOrAnew(const SaveOptions& options,
 Report WriteOne(PictureTarget& target, const PictureSource& source, const PictureState& state,
                 const WritePlan& plan, const SaveOptions& options, RunScope& run, WorkPart part) {
   Report report = Begin(source, state, plan);
+  const uint64_t start = target.Position();
   Changes changes;
   WrittenPicture written;
+  bool takesRows = false;
   if (plan.move) {
     written = Move(target, source, state, plan, run, part, changes);
     report.isMoved = true;
@@ -263,7 +262,8 @@ Report WriteOne(PictureTarget& target, const PictureSource& source, const Pictur
   if (!report.isMoved && !report.isCopied) {
     WritePlan anew = plan;
     anew.isCopied = false;
-    written = WriteAnew({target, source, state, anew, options, run, part}, report, changes);
+    written =
+        WriteAnew({target, source, state, anew, options, run, part}, report, changes, takesRows);
   }
   if (plan.move) changes.Note(kMoved);
   if (!plan.moveNote.empty()) changes.Note(plan.moveNote);
@@ -271,16 +271,17 @@ Report WriteOne(PictureTarget& target, const PictureSource& source, const Pictur
   report.layout = written.layout;
   report.losses = std::move(changes.losses);
   report.notes = std::move(changes.notes);
+  report.bytes = target.Position() - start;
+  WritePlan used = plan;
+  used.isCopied = report.isCopied;
+  StateNeeds(source, state, used, takesRows, report);
   return report;
 }
 
 Report WriteTo(TStream& target, const PictureSource& source, const PictureState& state,
                const WritePlan& plan, const SaveOptions& options, RunScope& run) {
-  const uint64_t start = target.Position();
   StreamTarget file(target);
   Report report = WriteOne(file, source, state, plan, options, run, {});
-  report.bytes = target.Position() - start;
-  report.memory = MemoryOf(source, state, report.bytes);
   run.Finish();
   // The last moment to cancel: the file has no name yet.
   RequireTime();

@@ -31,12 +31,12 @@ struct WorkPart {
   double from = 0, end = 1;
 };
 
-/// Reads the pixels of a picture and writes them to a file or a page. The report lacks side files,
-/// bytes and memory. Throws DamagedBlocks.
+/// Reads the pixels of a picture and writes them to a file or a page. The report lacks side files.
+/// Throws DamagedBlocks.
 Report WriteOne(PictureTarget& target, const PictureSource& source, const PictureState& state,
                 const WritePlan& plan, const SaveOptions& options, RunScope& run, WorkPart part);
 
-/// The same for a file of one picture, with bytes and memory.
+/// The same for a file of one picture.
 Report WriteTo(TStream& target, const PictureSource& source, const PictureState& state,
                const WritePlan& plan, const SaveOptions& options, RunScope& run);
 

@@ -11,6 +11,7 @@
 #include <rasterkit/metadata/jpeg_assembly.h>
 #include <rasterkit/pictures/extra_pages.h>
 #include <rasterkit/pictures/fitting/fit_pixels.h>
+#include <rasterkit/pictures/flow_needs.h>
 #include <rasterkit/pictures/sources/sample_rows.h>
 #include <rasterkit/pictures/write_plan.h>
 #include <rasterkit/runtime/errors.h>
@@ -234,6 +235,19 @@ WrittenPicture Sample(const PictureSource& source, const PictureState& state, co
                      options, 1, target, changes);
 }
 
+/// True if such pixels are encoded as their rows come.
+bool TakesRows(const PictureSource& source, const PictureState& state, const WritePlan& plan,
+               const SaveOptions& options) {
+  if (plan.isCopied || plan.move) return false;
+  const PixelLayout layout = state.stages.empty() ? source.Kind().layout : state.layout;
+  PictureWriting writing = WritingOf(source, state, plan, options, 1);
+  Changes unused;
+  const Pixels fitted = FitPixels(SampleRows(layout, state.isRaster, kSampleSide, kSampleSide),
+                                  FitOf(state, plan, options, 1), writing.metadata, unused);
+  TMemoryStream sample;
+  return OpenWriter(plan.type, fitted, {kSampleSide, kSampleSide}, writing, sample) != nullptr;
+}
+
 /// Moved pixels lose nothing: only the metadata can.
 WrittenPicture Moved(const PictureSource& source, const PictureState& state, const WritePlan& plan,
                      Changes& changes) {
@@ -275,35 +289,43 @@ Report Foresee(const PictureSource& source, const PictureState& state, WritePlan
   if (!plan.moveNote.empty()) report.notes.push_back(plan.moveNote);
 
   report.bytes = FileBytes(source, state, plan, report.layout, written.form);
-  report.memory = MemoryOf(source, state, report.bytes);
+  const bool takesRows =
+      !NeedsWhole(source, state, plan.type) && TakesRows(source, state, plan, options);
+  StateNeeds(source, state, plan, takesRows, report);
   return report;
 }
 
-FlowNeeds NeedsOf(const PictureSource& source, const PictureState& state, const WritePlan& plan,
-                  uint64_t fileBytes) {
-  const bool isWhole = NeedsWhole(source, state, plan.type);
-  if (plan.isCopied || plan.move) {
-    // Moved blocks are held as coefficients, two bytes each; copied ones are read once for damage.
-    PictureState asStored = StateOf(source);
-    FlowNeeds needs = NeedsOf(source, asStored, false);
-    const PictureHeader& header = source.Header();
-    if (plan.move) {
-      needs.memory += source.ByteCount() + fileBytes +
-                      2 * BytesOfRows(header.layout, header.width, header.height);
-    }
-    return needs;
-  }
-  FlowNeeds needs = NeedsOf(source, state, isWhole || !plan.takesRows);
-  if (isWhole || !plan.takesRows) {
+bool NeedsWhole(const PictureSource& source, const PictureState& state, PictureType type) {
+  const bool hasThumbnail = NeedsThumbnail(state, source) && type != PictureType::bmp;
+  return hasThumbnail || (type == PictureType::tiff && !source.ExtraPages().empty());
+}
+
+void StateNeeds(const PictureSource& source, const PictureState& state, const WritePlan& plan,
+                bool takesRows, Report& report) {
+  const PictureHeader& header = source.Header();
+  const uint64_t before = BytesOfRows(header.layout, header.width, header.height);
+  const uint64_t after = BytesOfRows(state.layout, state.width, state.height);
+  FlowNeeds needs;
+  if (plan.isCopied) {
+    // They are read once, for damage.
+    needs = NeedsOf(source, StateOf(source), false);
+  } else if (plan.move) {
+    // Blocks are held as coefficients of two bytes each.
+    needs = NeedsOf(source, StateOf(source), false);
+    needs.memory += source.ByteCount() + 2 * before + report.bytes;
+  } else {
+    needs = NeedsOf(source, state, !takesRows);
     // A result is converted into a second one of at most four bytes per pixel, and encoded into
     // memory.
-    const uint64_t after = BytesOfRows(state.layout, state.width, state.height);
     const uint64_t converted =
         4 * static_cast<uint64_t>(state.width) * static_cast<uint64_t>(state.height);
-    needs.memory +=
-        std::max(after, converted) + converted + ExtraPageBytes(source, state) + fileBytes;
+    if (!takesRows) {
+      needs.memory +=
+          std::max(after, converted) + converted + ExtraPageBytes(source, state) + report.bytes;
+    }
   }
-  return needs;
+  report.memory = needs.memory;
+  report.scratch = needs.scratch;
 }
 
 }  // namespace rasterkit::detail

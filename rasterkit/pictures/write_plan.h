@@ -77,7 +77,12 @@ WrittenPicture CopyPixels(const PictureSource& source, const PictureState& state
 Report Foresee(const PictureSource& source, const PictureState& state, WritePlan plan,
                const SaveOptions& options);
 
-/// Bytes that a call holds at most, if its file has so many bytes.
-uint64_t MemoryOf(const PictureSource& source, const PictureState& state, uint64_t fileBytes);
+/// True if something of the file is made of all pixels before the first one is written.
+bool NeedsWhole(const PictureSource& source, const PictureState& state, PictureType type);
+
+/// Says in the report what a call holds at most. `takesRows`: pixels are encoded as their rows
+/// come.
+void StateNeeds(const PictureSource& source, const PictureState& state, const WritePlan& plan,
+                bool takesRows, Report& report);
 
 }  // namespace rasterkit::detail
