@@ -377,7 +377,8 @@ class StepAdder {
 
   /// Lets the picture begin from a smaller form of its source if that is large enough.
   void StartSmaller(Sides target, Filter filter) {
-    if (state_.smaller || !HasOnlyKeptMoves() || filter == Filter::nearest) return;
+    const bool isByArea = filter == Filter::area || filter == Filter::automatic;
+    if (state_.smaller || !HasOnlyKeptMoves() || !isByArea) return;
     if (target.width > state_.width || target.height > state_.height) return;
     constexpr int kLeastRatio = 2;
     Sides least{kLeastRatio * target.width, kLeastRatio * target.height};
