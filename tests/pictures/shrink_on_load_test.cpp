@@ -144,7 +144,7 @@ TEST(ShrinkOnLoad, Steps_Should_FollowTheResize) {
   const Bytes file = Photograph(640, 480);
   Picture exact = OpenAs(file, false), fast = OpenAs(file, true);
   for (Picture* picture : {&exact, &fast}) {
-    picture->Resize(64, 48).Change(ToGray{}).Crop({3, 4, 50, 40});
+    picture->Resize(64, 48).Change(MakeGray{}).Crop({3, 4, 50, 40});
   }
   EXPECT_EQ(FactsOf(fast), FactsOf(exact));
   EXPECT_LT(MeanDifference(*fast.Bitmap(), *exact.Bitmap()), 1.2);
