@@ -57,11 +57,25 @@ HalftoneAxis PartOfAxis(const HalftoneAxis& axis, int first, int count, int orig
   return part;
 }
 
+HalftoneAxis AxisOf(const kernels::ReducedSide& side, int to) {
+  return kernels::MakeReducedAxis(to, side);
+}
+
 /// What all ways to resize share.
 struct ResizeTask {
   Sides source, target;
   Filter filter = Filter::automatic;
   std::optional<double> noData;
+  std::optional<ReducedPicture> reduced;
+
+  HalftoneAxis Columns() const {
+    if (!reduced) return AxisOf(source.width, target.width, filter);
+    return AxisOf({reduced->before.width, reduced->block, reduced->restIsLeft}, target.width);
+  }
+  HalftoneAxis Rows() const {
+    if (!reduced) return AxisOf(source.height, target.height, filter);
+    return AxisOf({reduced->before.height, reduced->block, reduced->restIsTop}, target.height);
+  }
 };
 
 Resolution Scaled(const Resolution& dpi, const ResizeTask& task) {
@@ -161,9 +175,7 @@ class PickedWork : public ResizeWork {
 class MeanWork : public ResizeWork {
  public:
   MeanWork(detail::PreparedPixels form, const ResizeTask& task)
-      : ResizeWork(std::move(form), task),
-        columns_(AxisOf(task.source.width, task.target.width, task.filter)),
-        rows_(AxisOf(task.source.height, task.target.height, task.filter)) {}
+      : ResizeWork(std::move(form), task), columns_(task.Columns()), rows_(task.Rows()) {}
 
  protected:
   const HalftoneAxis& ColumnAxis() const { return columns_; }
@@ -267,6 +279,7 @@ class SameWork : public BandWork {
 
 /// True if both sides go by the rule of CopyHalftone.
 bool RuleIsAutomatic(const ResizeTask& task) {
+  if (task.reduced) return false;
   const auto fits = [&](int from, int to) {
     return task.filter == Filter::automatic || from == to ||
            (task.filter == Filter::area) == (to < from);
@@ -323,7 +336,20 @@ std::unique_ptr<Stage> ResizeStage(Sides source, Sides target, Filter filter,
     throw RangeError(std::to_string(target.width) + " x " + std::to_string(target.height) +
                      " is not a valid size: width and height must be at least 1");
   }
-  return std::make_unique<ResizeRows>(ResizeTask{source, target, filter, noData});
+  return std::make_unique<ResizeRows>(ResizeTask{source, target, filter, noData, {}});
+}
+
+std::unique_ptr<Stage> ResizeReducedStage(const ReducedPicture& source, Sides target,
+                                          std::optional<double> noData) {
+  const auto fits = [&](int now, int before, int to) {
+    return to >= 1 && to < now && now == (before - 1) / source.block + 1;
+  };
+  const bool isPossible = source.block >= 1 &&
+                          fits(source.sides.width, source.before.width, target.width) &&
+                          fits(source.sides.height, source.before.height, target.height);
+  if (!isPossible) throw RangeError("the sides of a reduced picture do not fit");
+  return std::make_unique<ResizeRows>(
+      ResizeTask{source.sides, target, Filter::area, noData, source});
 }
 
 }  // namespace rasterkit
