@@ -77,6 +77,23 @@ RASTERKIT_EXPORT std::unique_ptr<Stage> ResizeStage(Sides source, Sides target,
                                                     Filter filter = Filter::automatic,
                                                     std::optional<double> noData = std::nullopt);
 
+/// A picture that was made smaller by whole blocks while it was decoded. Each pixel stands for
+/// `block` x `block` pixels, those at one edge for fewer.
+struct ReducedPicture {
+  /// As the pixels are.
+  Sides sides;
+  /// Before it was made smaller.
+  Sides before;
+  int block = 1;
+  /// The edges where pixels stand for fewer.
+  bool restIsLeft = false, restIsTop = false;
+};
+
+/// The same as ResizeStage by area for such a picture, to fewer pixels than it has: each pixel of
+/// the result covers what it would cover of the picture before it was made smaller.
+RASTERKIT_EXPORT std::unique_ptr<Stage> ResizeReducedStage(
+    const ReducedPicture& source, Sides target, std::optional<double> noData = std::nullopt);
+
 /// A change of color of a raster; samples must have been made visible, else UnsupportedError.
 /// Throws RangeError for numbers that the change does not have. `Make` throws FormatError for
 /// pictures that the change refuses: the exchange of opacity without transparency, palette entries

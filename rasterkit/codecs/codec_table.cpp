@@ -3,6 +3,7 @@
 #include <rasterkit/codecs/bmp/bmp_decoder.h>
 #include <rasterkit/codecs/bmp/bmp_encoder.h>
 #include <rasterkit/codecs/bmp/bmp_picture.h>
+#include <rasterkit/codecs/bmp/bmp_plain_rows.h>
 #include <rasterkit/codecs/bmp/bmp_signature.h>
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/drawn_signatures.h>
@@ -80,6 +81,10 @@ WrittenPicture CopyOf(TStream& source, const PictureWriting& writing, TStream& s
   return copy(source.ReadToEnd(), writing, stream);
 }
 
+std::unique_ptr<RowReader> OpenBmpRowsOf(TStream& stream, const FrameOptions&) {
+  return OpenBmpRows(stream);
+}
+
 std::unique_ptr<RowReader> OpenJpegRowsOf(TStream& stream, const FrameOptions&) {
   return OpenJpegRows(stream);
 }
@@ -94,7 +99,8 @@ constexpr Codec kCodecs[] = {
      .encode = EncodeAsBmp,
      .keepsAlpha = true,
      .readHeader = ReadBmpHeader,
-     .write = WriteBmp},
+     .write = WriteBmp,
+     .openRows = OpenBmpRowsOf},
     {.type = PictureType::jpeg,
      .name = "jpeg",
      .extensions = {"jpg", "jpeg"},
@@ -122,7 +128,8 @@ constexpr Codec kCodecs[] = {
      .decodePixels = DecodePngStream,
      .write = WritePng,
      .copy = CopyOf<CopyPng>,
-     .openRows = OpenPngRows},
+     .openRows = OpenPngRows,
+     .openWriter = OpenPngWriter},
     {.type = PictureType::tiff,
      .name = "tiff",
      .extensions = {"tif", "tiff"},

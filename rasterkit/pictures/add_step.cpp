@@ -377,7 +377,8 @@ class StepAdder {
 
   /// Lets the picture begin from a smaller form of its source if that is large enough.
   void StartSmaller(Sides target, Filter filter) {
-    if (state_.smaller || !HasOnlyKeptMoves() || filter == Filter::nearest) return;
+    const bool isByArea = filter == Filter::area || filter == Filter::automatic;
+    if (state_.smaller || !HasOnlyKeptMoves() || !isByArea) return;
     if (target.width > state_.width || target.height > state_.height) return;
     constexpr int kLeastRatio = 2;
     Sides least{kLeastRatio * target.width, kLeastRatio * target.height};
@@ -385,14 +386,33 @@ class StepAdder {
     const std::optional<SmallerForm> form = source_.SmallestForm(least.width, least.height);
     if (!form) return;
     SmallerStart start{*form, {}};
-    Sides sides{form->width, form->height};
+    ReducedPicture reduced{{form->width, form->height},
+                           {source_.Header().width, source_.Header().height}};
+    reduced.block = form->denominator;
     for (const Step& move : state_.moves) {
-      start.stages.push_back(StageOfMove(move, sides));
-      const auto* turn = std::get_if<TurnStep>(&move);
-      if (turn != nullptr && turn->quarters % 2 != 0) std::swap(sides.width, sides.height);
+      start.stages.push_back(StageOfMove(move, reduced.sides));
+      Move(reduced, move);
     }
-    start.stages.push_back(ResizeStage(sides, target, filter, NoDataOf(source_)));
+    start.stages.push_back(form->extraPage
+                               ? ResizeStage(reduced.sides, target, filter, NoDataOf(source_))
+                               : ResizeReducedStage(reduced, target, NoDataOf(source_)));
     state_.smaller = std::move(start);
+  }
+
+  static void Move(ReducedPicture& picture, const Step& move) {
+    const auto* turn = std::get_if<TurnStep>(&move);
+    if (turn == nullptr) {
+      const bool isLeftRight = std::get<MirrorStep>(move).axis == MirrorAxis::leftRight;
+      bool& rest = isLeftRight ? picture.restIsLeft : picture.restIsTop;
+      rest = !rest;
+      return;
+    }
+    // A quarter turn counter-clockwise: the right edge becomes the upper one.
+    for (int quarter = 0; quarter < (turn->quarters & 3); ++quarter) {
+      std::swap(picture.sides.width, picture.sides.height);
+      std::swap(picture.before.width, picture.before.height);
+      picture.restIsLeft = std::exchange(picture.restIsTop, !picture.restIsLeft);
+    }
   }
 
   static std::shared_ptr<const Stage> StageOfMove(const Step& move, Sides sides) {

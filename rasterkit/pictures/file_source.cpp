@@ -2,13 +2,13 @@
 #include <utility>
 
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
+#include <rasterkit/codecs/jpeg/rows/jpeg_row_reader.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/codecs/picture_pages.h>
 #include <rasterkit/graphics/metafile.h>
 #include <rasterkit/pictures/open_source.h>
 #include <rasterkit/pictures/reading/metafile_drawing.h>
 #include <rasterkit/pictures/reading/picture_bytes.h>
-#include <rasterkit/pictures/sources/smaller_forms.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 
@@ -75,24 +75,26 @@ class FileSource : public PictureSource {
     bytes_.RequireUnchanged();
     return pixels;
   }
-  std::unique_ptr<RowReader> OpenRows(int threads) const override {
-    bytes_.RequireUnchanged();
-    std::unique_ptr<TStream> stream = Stream();
-    auto reader = rasterkit::OpenRows(*stream, type_, {std::min(threads, kMostDecoders)});
-    if (!reader) return nullptr;
-    return std::make_unique<FileRows>(bytes_, std::move(stream), std::move(reader));
-  }
   std::optional<SmallerForm> SmallestForm(int width, int height) const override {
     if (!options_.shrinksOnLoad) return std::nullopt;
-    if (type_ == PictureType::jpeg) return SmallestJpeg(header_, width, height);
-    return SmallestCopy(header_, extraPages_, width, height);
+    if (type_ == PictureType::jpeg) return SmallestJpeg(width, height);
+    // A copy of numbers has another range.
+    const bool isOfColors = Kind().isRaster && position_.noData.empty();
+    if (extraPages_.empty() || !isOfColors) return std::nullopt;
+    const std::optional<size_t> copy = FindTiffSmallerCopy(*Stream(), width, height);
+    if (!copy || *copy >= extraPages_.size()) return std::nullopt;
+    return SmallerForm{extraPages_[*copy].width, extraPages_[*copy].height, 1, copy};
   }
-  Pixels ReadSmaller(const SmallerForm& form, int threads, CodecReport& report) const override {
-    if (form.extraPage) return ReadExtraPage(*form.extraPage, threads, report);
-    bytes_.RequireUnchanged();
-    Pixels pixels = DecodeSmallerJpegPixels(*Stream(), form.denominator, &report);
-    bytes_.RequireUnchanged();
-    return pixels;
+  std::unique_ptr<RowReader> OpenRows(int threads) const override {
+    return Open([&](TStream& stream) {
+      return rasterkit::OpenRows(stream, type_, {std::min(threads, kMostDecoders)});
+    });
+  }
+  std::unique_ptr<RowReader> OpenSmaller(const SmallerForm& form, int threads) const override {
+    return Open([&](TStream& stream) {
+      if (!form.extraPage) return OpenSmallerJpegRows(stream, form.denominator);
+      return OpenTiffExtraPageRows(stream, *form.extraPage, {std::min(threads, kMostDecoders)});
+    });
   }
   Pixels ReadExtraPage(size_t index, int threads, CodecReport& report) const override {
     bytes_.RequireUnchanged();
@@ -125,6 +127,22 @@ class FileSource : public PictureSource {
   bool IsNamed(const std::string& file) const override { return bytes_.IsNamed(file); }
 
  private:
+  std::optional<SmallerForm> SmallestJpeg(int width, int height) const {
+    for (const int denominator : {8, 4, 2}) {
+      const auto shrunk = [=](int side) { return (side - 1) / denominator + 1; };
+      const SmallerForm form{shrunk(header_.width), shrunk(header_.height), denominator, {}};
+      if (form.width >= width && form.height >= height) return form;
+    }
+    return std::nullopt;
+  }
+  template <class OpenReader>
+  std::unique_ptr<RowReader> Open(const OpenReader& open) const {
+    bytes_.RequireUnchanged();
+    std::unique_ptr<TStream> stream = Stream();
+    std::unique_ptr<RowReader> reader = open(*stream);
+    if (!reader) return nullptr;
+    return std::make_unique<FileRows>(bytes_, std::move(stream), std::move(reader));
+  }
   std::unique_ptr<TStream> Stream() const { return bytes_.PageStream(type_, page_); }
 
   const PictureBytes bytes_;

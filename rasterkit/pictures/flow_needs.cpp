@@ -21,9 +21,8 @@ uint64_t BytesOf(const KindOfRows& rows) {
 /// The facts of pixels that are decoded as a whole.
 class WholeRows : public RowReader {
  public:
-  explicit WholeRows(const PictureSource& source)
-      : like_(SampleRows(source.Kind().layout, source.Kind().isRaster, 1, 1)),
-        sides_{source.Header().width, source.Header().height} {}
+  WholeRows(const PictureSource& source, Sides sides)
+      : like_(SampleRows(source.Kind().layout, source.Kind().isRaster, 1, 1)), sides_(sides) {}
 
   int Width() const override { return sides_.width; }
   int Height() const override { return sides_.height; }
@@ -38,9 +37,9 @@ class WholeRows : public RowReader {
 };
 
 /// Opens the rows; null if that shows a fault, which the save will name.
-std::unique_ptr<RowReader> Opened(const PictureSource& source) {
+std::unique_ptr<RowReader> Opened(const PictureSource& source, const PictureState& state) {
   try {
-    return source.OpenRows(1);
+    return state.smaller ? source.OpenSmaller(state.smaller->form, 1) : source.OpenRows(1);
   } catch (const Error&) {
     return nullptr;
   }
@@ -76,15 +75,16 @@ FlowSettings UsualFlow() {
 }
 
 FlowNeeds NeedsOf(const PictureSource& source, const PictureState& state, bool isWhole) {
-  const PictureHeader& header = source.Header();
-  const uint64_t before = BytesOf({{header.width, header.height}, source.Kind().layout});
+  Sides sides{source.Header().width, source.Header().height};
+  if (state.smaller) sides = {state.smaller->form.width, state.smaller->form.height};
+  const uint64_t before = BytesOf({sides, source.Kind().layout});
   uint64_t memory = kBeside + BytesOfOthers(state);
-  std::unique_ptr<RowReader> reader = Opened(source);
+  std::unique_ptr<RowReader> reader = Opened(source, state);
   if (reader) {
     if (!source.IsInMemory()) memory += BlockBytes(*reader);
   } else {
     // The file is decoded from memory.
-    reader = std::make_unique<WholeRows>(source);
+    reader = std::make_unique<WholeRows>(source, sides);
     memory += source.ByteCount() + 2 * before;
   }
   FlowNeeds needs;

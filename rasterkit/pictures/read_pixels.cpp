@@ -90,18 +90,20 @@ const Pixels& PictureFlow::Stored() {
 void PictureFlow::OpenReader() {
   Named(source_, faults_->ofSource, [&] {
     RequireTime();
-    if (smaller_) {
-      reader_ = RowsInMemory(source_.ReadSmaller(*smaller_, settings_.threads, whole_));
-      return;
-    }
-    reader_ = source_.OpenRows(settings_.threads);
+    reader_ = smaller_ ? source_.OpenSmaller(*smaller_, settings_.threads)
+                       : source_.OpenRows(settings_.threads);
     // Rows in memory have no errors; the flow takes them where they are.
     if (!reader_) {
-      reader_ = RowsInMemory(source_.ReadPixels(settings_.threads, whole_));
+      reader_ = RowsInMemory(ReadWhole());
     } else if (!source_.IsInMemory()) {
       reader_ = std::make_unique<NamedRows>(source_, std::move(reader_), faults_->ofSource);
     }
   });
+}
+
+Pixels PictureFlow::ReadWhole() {
+  if (!smaller_) return source_.ReadPixels(settings_.threads, whole_);
+  return source_.ReadExtraPage(smaller_->extraPage.value(), settings_.threads, whole_);
 }
 
 void PictureFlow::Add(const Stages& stages) {

@@ -47,6 +47,7 @@ class PictureFlow {
  private:
   struct Faults;
   void OpenReader();
+  Pixels ReadWhole();
   template <class Work>
   void Guard(const Work& work);
   StageRun Part(const StageRun& run, double end);

@@ -27,6 +27,9 @@ struct SaveOptions {
   /// Sampling of chroma: 1 x 1 for 4:4:4, 2 x 2 for 4:2:0; 0 x 0 keeps the source's.
   int chromaX = 0, chromaY = 0;
   std::optional<TiffCompression> compression;
+  /// Packing of a PNG file, 0 (none, quick) to 12 (smallest, slow). Nothing: chosen by the kind of
+  /// pixels.
+  std::optional<int> pngLevel;
   /// Color behind transparent parts where the target holds no transparency.
   int32_t background = 0xFFFFFF;
   /// A world file is written although the format holds the position in tags.

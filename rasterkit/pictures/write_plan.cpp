@@ -166,7 +166,8 @@ WritePlan PlanOf(const PictureSource& source, const PictureState& state, Picture
   WritePlan plan;
   plan.type = type;
   plan.hasSideFiles = hasSideFiles;
-  const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options);
+  const bool isAsStored = !state.pixelsChanged && source.Type() == type && !AsksForForm(options) &&
+                          !(type == PictureType::png && options.pngLevel);
   plan.isCopied = isAsStored && CanCopy(type) && !source.Header().isCutOff && source.CanCopy();
   plan.isAsStored = plan.isCopied && !state.hasSteps && TagsSayThePosition(source);
   plan.form = FormOfTarget(source, state, type, options);
@@ -185,6 +186,7 @@ PictureWriting WritingOf(const PictureSource& source, const PictureState& state,
   writing.quality = options.quality;
   writing.chromaX = options.chromaX;
   writing.chromaY = options.chromaY;
+  writing.pngLevel = options.pngLevel;
   writing.threads = threads;
   return writing;
 }

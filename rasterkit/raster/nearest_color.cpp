@@ -13,6 +13,9 @@ constexpr int kGroupsASide = 256 / kGroupSide;
 // Enough for the colors of most photographs; memory that is not written to costs nothing.
 constexpr size_t kUsualAnswers = size_t{1} << 22;
 
+// The caches of a processor serve a table of this size fast enough.
+constexpr size_t kCachedAnswers = size_t{1} << 22;
+
 constexpr int Square(int value) {
   return value * value;
 }
@@ -69,8 +72,14 @@ NearestColor::NearestColor(std::span<const tagPALETTEENTRY> entries)
 void NearestColor::OfRow(const RGBArec* pixels, size_t count, uint8_t* indexes) {
   places_.resize(std::max(places_.size(), count));
   kernels::CellPlaces(reinterpret_cast<const uint8_t*>(pixels), count, places_.data());
+  if (answers_.size() < kCachedAnswers) return AnswerFromCache(places_.data(), count, indexes);
+  for (size_t first = 0; first < count; first += kTogether) {
+    AnswerRun(places_.data() + first, std::min(kTogether, count - first), indexes + first);
+  }
+}
+
+void NearestColor::AnswerFromCache(const uint32_t* places, size_t count, uint8_t* indexes) {
   // Local copies: the written indexes could alias these members.
-  const uint32_t* places = places_.data();
   uint32_t* blocks = blocks_.data();
   const uint8_t* answers = answers_.data();
   for (size_t i = 0; i < count; ++i) {
@@ -82,6 +91,22 @@ void NearestColor::OfRow(const RGBArec* pixels, size_t count, uint8_t* indexes) 
     indexes[i] =
         answers[size_t{blocks[cell]} * kernels::kCellColors + places[i] % kernels::kCellColors];
   }
+}
+
+void NearestColor::AnswerRun(const uint32_t* places, size_t count, uint8_t* indexes) {
+  // Answers lie all over a table that no cache holds: all of a run are on their way before the
+  // first one is read.
+  std::array<size_t, kTogether> found;
+  for (size_t i = 0; i < count; ++i) {
+    uint32_t& block = blocks_[places[i] / kernels::kCellColors];
+    if (block == 0) [[unlikely]] {
+      block = AnswerCell(places[i] / kernels::kCellColors);
+    }
+    found[i] = size_t{block} * kernels::kCellColors + places[i] % kernels::kCellColors;
+    __builtin_prefetch(answers_.data() + found[i]);
+  }
+  const uint8_t* answers = answers_.data();
+  for (size_t i = 0; i < count; ++i) indexes[i] = answers[found[i]];
 }
 
 uint32_t NearestColor::AnswerCell(uint32_t cell) {

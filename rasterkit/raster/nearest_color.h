@@ -33,6 +33,8 @@ class NearestColor {
   void OfRow(const RGBArec* pixels, size_t count, uint8_t* indexes);
 
  private:
+  /// Pixels whose answers are fetched at the same time.
+  static constexpr size_t kTogether = 64;
   using Candidate = kernels::CellCandidate;
 
   // Range of candidates_; empty until it is needed.
@@ -49,6 +51,9 @@ class NearestColor {
     return answers_[size_t{block} * kernels::kCellColors + place % kernels::kCellColors];
   }
 
+  void AnswerFromCache(const uint32_t* places, size_t count, uint8_t* indexes);
+  /// The same for a table that is too large for the caches. At most kTogether pixels.
+  void AnswerRun(const uint32_t* places, size_t count, uint8_t* indexes);
   uint32_t AnswerCell(uint32_t cell);
   Group& GroupOf(int blue, int green, int red);
 

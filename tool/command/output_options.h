@@ -88,6 +88,8 @@ struct PictureOptions {
   int chromaX = 0, chromaY = 0;
   /// Whether a JPEG file is turned and cropped without being compressed again.
   Lossless lossless = Lossless::exact;
+  /// Packing of PNG files, 0 to 12. Nothing chooses by the kind of pixels.
+  std::optional<int> pngLevel;
   /// For TIFF files. Nothing keeps that of a TIFF input.
   std::optional<TiffCompression> compression;
   /// The source of the position that counts.

@@ -189,6 +189,12 @@ void AddQuality(Verb& verb, PictureOptions& options) {
       .In(kPicture);
 }
 
+void AddPngLevel(Verb& verb, PictureOptions& options) {
+  verb.Number("--png-level", "N", options.pngLevel, {0, 12},
+              "packing of PNG files: 0 (none, large) to 12 (smallest, slow) [chosen for speed]")
+      .In(kPicture);
+}
+
 void AddSampling(Verb& verb, PictureOptions& options) {
   const auto take = [&options](const std::string& text) {
     for (const Sampling& sampling : kSamplings) {

@@ -35,6 +35,7 @@ void AddBits(Verb& verb, PictureOptions& options);
 void AddStretch(Verb& verb, PictureOptions& options);
 void AddQuality(Verb& verb, PictureOptions& options);
 void AddSampling(Verb& verb, PictureOptions& options);
+void AddPngLevel(Verb& verb, PictureOptions& options);
 void AddLossless(Verb& verb, PictureOptions& options);
 /// --world-file and --position-from.
 void AddPosition(Verb& verb, PictureOptions& options);

@@ -338,6 +338,7 @@ SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options) {
   save.chromaY = options.chromaY;
   save.lossless = options.lossless;
   save.compression = options.compression;
+  save.pngLevel = options.pngLevel;
   save.background = SolidBackground(options);
   save.writesWorldFile = options.writesWorldFile;
   save.onlyThisPage = options.onlyThisPage;

@@ -58,6 +58,7 @@ void PictureVerb::AddSharedOptions() {
   AddStretch(*this, *picture_);
   AddQuality(*this, *picture_);
   AddSampling(*this, *picture_);
+  AddPngLevel(*this, *picture_);
   AddLossless(*this, *picture_);
   AddCompression(*this, *picture_);
   if (output_->takesMetafiles) AddMetafileSize(*this, *picture_);

@@ -8,7 +8,7 @@
 namespace rasterkit::detail {
 namespace {
 
-constexpr int kMostQuality = 100, kMostChroma = 4, kMostThreads = 64;
+constexpr int kMostQuality = 100, kMostChroma = 4, kMostThreads = 64, kMostPngLevel = 12;
 constexpr size_t kMostLosses = 1000, kLeastLossBytes = 12, kMostTextBytes = size_t{1} << 16;
 
 void WriteMove(FieldWriter& fields, const PictureMove& move) {
@@ -33,7 +33,7 @@ PictureMove ReadMove(FieldReader& fields) {
 
 void WriteWriting(FieldWriter& fields, const PictureWriting& writing) {
   const auto& [form, metadata, positionTags, quality, chromaX, chromaY, dropsHidden, move,
-               makesThumbnail, threads] = writing;
+               makesThumbnail, threads, pngLevel] = writing;
   WriteForm(fields, form);
   WriteMetadata(fields, metadata);
   WriteTags(fields, positionTags);
@@ -44,12 +44,13 @@ void WriteWriting(FieldWriter& fields, const PictureWriting& writing) {
   fields.Optional(move, [&](const PictureMove& value) { WriteMove(fields, value); });
   fields.Bool(makesThumbnail);
   fields.I32(threads);
+  fields.Optional(pngLevel, [&](int value) { fields.I32(value); });
 }
 
 PictureWriting ReadWriting(FieldReader& fields) {
   PictureWriting writing;
   auto& [form, metadata, positionTags, quality, chromaX, chromaY, dropsHidden, move, makesThumbnail,
-         threads] = writing;
+         threads, pngLevel] = writing;
   form = ReadForm(fields);
   metadata = ReadMetadata(fields);
   positionTags = ReadTags(fields);
@@ -60,6 +61,7 @@ PictureWriting ReadWriting(FieldReader& fields) {
   move = fields.Optional([&] { return ReadMove(fields); });
   makesThumbnail = fields.Bool();
   threads = fields.I32In(1, kMostThreads);
+  pngLevel = fields.Optional([&]() -> int { return fields.I32In(0, kMostPngLevel); });
   return writing;
 }
 

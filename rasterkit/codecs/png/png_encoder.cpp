@@ -5,6 +5,7 @@
 #include <rasterkit/codecs/png/png_encoding.h>
 #include <rasterkit/codecs/png/png_writer.h>
 #include <rasterkit/codecs/rows/icc_profile.h>
+#include <rasterkit/codecs/rows/palette_entries_of_file.h>
 #include <rasterkit/raster/row_conversion.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
@@ -37,7 +38,7 @@ Layout LayoutOf(const Raster& raster) {
     layout.colorType = PNG_COLOR_TYPE_GRAY;
     if (!IsRamp(raster.palette, layout.bitDepth)) {
       layout.colorType = PNG_COLOR_TYPE_PALETTE;
-      layout.palette = detail::PngPaletteOf(raster);
+      layout.palette = detail::PngPaletteOf(raster, detail::PaletteEntriesOfFile(raster));
     }
   } else if (raster.Format() == pf32bit && raster.alphaFormat == afDefined) {
     layout.colorType = PNG_COLOR_TYPE_RGB_ALPHA;

@@ -1,7 +1,6 @@
 #include <algorithm>
 
 #include <rasterkit/codecs/png/png_encoding.h>
-#include <rasterkit/codecs/rows/palette_entries_of_file.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -37,8 +36,7 @@ int FilterFor(const PngSampleKind& kind) {
 
 }  // namespace
 
-std::vector<png_color> PngPaletteOf(const Raster& raster) {
-  const int count = PaletteEntriesOfFile(raster);
+std::vector<png_color> PngPaletteOf(const Raster& raster, int count) {
   std::vector<png_color> colors;
   for (int i = 0; i < count; i++) {
     const tagPALETTEENTRY entry = raster.palette.Entry(i);

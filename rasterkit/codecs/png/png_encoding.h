@@ -15,9 +15,9 @@ struct PngSampleKind {
   int colorType = PNG_COLOR_TYPE_RGB, bitDepth = 8;
 };
 
-/// The entries of the raster. If pixels point beyond them, black entries follow: such pixels are
-/// black.
-std::vector<png_color> PngPaletteOf(const Raster& raster);
+/// The first `count` entries of the raster's palette; those beyond it are black. See
+/// PaletteEntriesOfFile.
+std::vector<png_color> PngPaletteOf(const Raster& raster, int count);
 
 /// The key color: alpha 0 for each entry of that color, or its sample values. A color that no pixel
 /// can have, and every color beside an alpha channel, is skipped.

@@ -39,6 +39,12 @@ RASTERKIT_EXPORT std::unique_ptr<RowReader> OpenPngRows(TStream& stream,
 RASTERKIT_EXPORT WrittenPicture WritePng(const Pixels& pixels, const PictureWriting& writing,
                                          TStream& stream);
 
+/// Begins to write a file row by row, with the bytes of WritePng. Null for an interlaced file, and
+/// where the form of the file depends on the pixels.
+RASTERKIT_EXPORT std::unique_ptr<RowWriter> OpenPngWriter(const Pixels& like, WrittenSize size,
+                                                          const PictureWriting& writing,
+                                                          TStream& stream);
+
 /// Writes the compressed pixels of `file` byte for byte, with the metadata of `writing`.
 RASTERKIT_EXPORT WrittenPicture CopyPng(std::span<const uint8_t> file,
                                         const PictureWriting& writing, TStream& stream);

@@ -10,6 +10,7 @@
 
 #include <rasterkit/codecs/png/png_encoding.h>
 #include <rasterkit/codecs/png/png_plan.h>
+#include <rasterkit/codecs/rows/palette_entries_of_file.h>
 #include <rasterkit/raster/row_conversion.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -51,10 +52,12 @@ std::optional<int> RampBits(const Raster& raster, size_t usedEntries) {
   return std::nullopt;
 }
 
-PngPlan PlanIndexed(const Raster& raster, const std::optional<PngForm>& wanted) {
+/// `entries` of the palette are written at least.
+PngPlan PlanIndexed(const Raster& raster, int width, int entries,
+                    const std::optional<PngForm>& wanted) {
   const int bits = StoredBitsPerPixel(raster.Format());
   PngPlan plan;
-  plan.palette = PngPaletteOf(raster);
+  plan.palette = PngPaletteOf(raster, entries);
   const auto ramp = RampBits(raster, plan.palette.size());
   const bool wantsGray = wanted && wanted->colorType == kGray;
   const bool wantsPalette = wanted && wanted->colorType == kIndexed;
@@ -68,17 +71,33 @@ PngPlan PlanIndexed(const Raster& raster, const std::optional<PngForm>& wanted) 
   plan.palette.resize(std::min(plan.palette.size(), size_t{1} << plan.form.bits));
   const int fileBits = plan.form.bits;
   if (fileBits == bits) {
-    plan.row = [&raster](int y) { return raster.Row(y); };
+    plan.row = [](const Pixels& rows, int y) { return std::get<Raster>(rows).Row(y); };
     return plan;
   }
-  const auto width = static_cast<size_t>(raster.Width());
+  const auto bytes = static_cast<size_t>(width);
   // Eight more: the last byte of a row can hold more indexes than the row has.
-  plan.row = [&raster, fileBits, indexes = MakeBuffer(width + 8),
-              packed = MakeBuffer(width)](int y) {
+  plan.row = [fileBits, indexes = MakeBuffer(bytes + 8), packed = MakeBuffer(bytes)](
+                 const Pixels& rows, int y) -> const uint8_t* {
+    const auto& raster = std::get<Raster>(rows);
     UnpackIndexes(raster.Row(y), raster.Format(), raster.Width(), indexes->data());
     PackSamples(indexes->data(), raster.Width(), fileBits, packed->data());
     return packed->data();
   };
+  return plan;
+}
+
+/// The same without a look at the pixels. Nothing if the form depends on the largest index.
+std::optional<PngPlan> PlanIndexedRows(const Raster& like, int width,
+                                       const std::optional<PngForm>& wanted) {
+  const int bits = StoredBitsPerPixel(like.Format()), most = 1 << bits;
+  const int count = std::min(like.palette.Count(), most);
+  if (count < most && wanted) {
+    const bool canShrink = wanted->colorType == kIndexed && wanted->bits < bits;
+    const bool canBeGray = wanted->colorType == kGray && like.palette == GrayPalette(count);
+    if (canShrink || canBeGray) return std::nullopt;
+  }
+  PngPlan plan = PlanIndexed(like, width, std::max(1, count), wanted);
+  plan.followsIndexes = count < most;
   return plan;
 }
 
@@ -119,8 +138,10 @@ std::optional<PngPlan> PlanPaletteAlpha(const Raster& raster, const PngForm& wan
     plan.palette.push_back({bytes[2], bytes[1], bytes[0]});
     if (bytes[3] != 255) plan.opacities.push_back(bytes[3]);
   }
-  plan.row = [&raster, bits = plan.form.bits, indexes = std::move(indexes),
-              row = MakeBuffer(static_cast<size_t>(raster.Width()))](int y) {
+  plan.row = [bits = plan.form.bits, indexes = std::move(indexes),
+              row = MakeBuffer(static_cast<size_t>(raster.Width()))](const Pixels& rows,
+                                                                     int y) -> const uint8_t* {
+    const auto& raster = std::get<Raster>(rows);
     for (int x = 0; x < raster.Width(); x++) {
       uint32_t color = 0;
       std::memcpy(&color, raster.Row(y) + 4 * static_cast<size_t>(x), sizeof color);
@@ -151,32 +172,44 @@ void TakeGray(const uint8_t* pixel, int width, int step, bool hasAlpha, uint8_t*
   }
 }
 
-PngPlan PlanColors(const Raster& raster, const std::optional<PngForm>& wanted) {
+bool IsGrayForm(const std::optional<PngForm>& wanted) {
+  return wanted && (wanted->colorType == kGray || wanted->colorType == kGrayAlpha);
+}
+
+bool HasAlpha(const Raster& raster) {
+  return raster.Format() == pf32bit && raster.alphaFormat == afDefined;
+}
+
+/// Of a raster whose pixels are all gray.
+PngPlan PlanGray(const Raster& raster) {
+  PngPlan plan;
+  const bool hasAlpha = HasAlpha(raster);
+  plan.form = {8, hasAlpha ? kGrayAlpha : kGray, false};
+  plan.row = [step = raster.Format() == pf24bit ? 3 : 4, hasAlpha,
+              row = MakeBuffer(static_cast<size_t>(raster.Width()) * 2)](const Pixels& rows,
+                                                                         int y) -> const uint8_t* {
+    const auto& raster = std::get<Raster>(rows);
+    TakeGray(raster.Row(y), raster.Width(), step, hasAlpha, row->data());
+    return row->data();
+  };
+  return plan;
+}
+
+/// True color, whatever the pixels are.
+PngPlan PlanTrueColor(const Raster& raster, int width) {
   PngPlan plan;
   const TPixelFormat format = raster.Format();
-  const bool hasAlpha = format == pf32bit && raster.alphaFormat == afDefined;
-  const auto width = static_cast<size_t>(raster.Width());
-  const bool wantsGray = wanted && (wanted->colorType == kGray || wanted->colorType == kGrayAlpha);
-  if (wantsGray && (format == pf24bit || format == pf32bit) && IsGray(raster)) {
-    plan.form = {8, hasAlpha ? kGrayAlpha : kGray, false};
-    const int step = format == pf24bit ? 3 : 4;
-    plan.row = [&raster, step, hasAlpha, row = MakeBuffer(width * 2)](int y) {
-      TakeGray(raster.Row(y), raster.Width(), step, hasAlpha, row->data());
-      return row->data();
-    };
-    return plan;
-  }
-  if (hasAlpha && wanted && wanted->colorType == kIndexed) {
-    if (auto indexed = PlanPaletteAlpha(raster, *wanted)) return *std::move(indexed);
-  }
+  const bool hasAlpha = HasAlpha(raster);
   plan.form = {8, hasAlpha ? kColorAlpha : kColor, false};
   plan.isBlueFirst = true;
   plan.dropsFourth = format == pf32bit && !hasAlpha;
   if (format == pf24bit || format == pf32bit) {
-    plan.row = [&raster](int y) { return raster.Row(y); };
+    plan.row = [](const Pixels& rows, int y) { return std::get<Raster>(rows).Row(y); };
     return plan;
   }
-  plan.row = [&raster, row = std::make_shared<std::vector<RGBrec>>(width)](int y) {
+  plan.row = [row = std::make_shared<std::vector<RGBrec>>(static_cast<size_t>(width))](
+                 const Pixels& rows, int y) -> const uint8_t* {
+    const auto& raster = std::get<Raster>(rows);
     const PixelTable noTable{};
     RowTo24(raster.Row(y), raster.Format(), raster.Width(), noTable, row->data());
     return &row->data()->b;
@@ -184,8 +217,24 @@ PngPlan PlanColors(const Raster& raster, const std::optional<PngForm>& wanted) {
   return plan;
 }
 
-PngPlan PlanRaster(const Raster& raster, const std::optional<PngForm>& wanted) {
-  return IsIndexed(raster.Format()) ? PlanIndexed(raster, wanted) : PlanColors(raster, wanted);
+PngPlan PlanColors(const Raster& raster, const std::optional<PngForm>& wanted) {
+  const TPixelFormat format = raster.Format();
+  if (IsGrayForm(wanted) && (format == pf24bit || format == pf32bit) && IsGray(raster)) {
+    return PlanGray(raster);
+  }
+  if (HasAlpha(raster) && wanted && wanted->colorType == kIndexed) {
+    if (auto indexed = PlanPaletteAlpha(raster, *wanted)) return *std::move(indexed);
+  }
+  return PlanTrueColor(raster, raster.Width());
+}
+
+std::optional<PngPlan> PlanColorRows(const Raster& like, int width,
+                                     const std::optional<PngForm>& wanted) {
+  const bool canBeGray =
+      IsGrayForm(wanted) && (like.Format() == pf24bit || like.Format() == pf32bit);
+  const bool canBeIndexed = HasAlpha(like) && wanted && wanted->colorType == kIndexed;
+  if (canBeGray || canBeIndexed) return std::nullopt;
+  return PlanTrueColor(like, width);
 }
 
 /// The color type of samples. Throws UnsupportedError if a PNG file cannot hold them.
@@ -219,31 +268,31 @@ int ColorTypeOf(const PixelLayout& layout) {
 /// Brings the samples of a row together and inverts gray where the lowest number is white.
 class SampleRows {
  public:
-  explicit SampleRows(const Samples& samples)
-      : samples_(samples),
-        sampleBytes_(BytesOf(samples.Layout().type)),
-        bands_(static_cast<size_t>(samples.Layout().bands)),
-        row_(static_cast<size_t>(samples.Width()) * sampleBytes_ * bands_) {}
+  SampleRows(const PixelLayout& layout, int width)
+      : layout_(layout),
+        sampleBytes_(BytesOf(layout.type)),
+        bands_(static_cast<size_t>(layout.bands)),
+        row_(static_cast<size_t>(width) * sampleBytes_ * bands_) {}
 
-  const uint8_t* At(int y) {
-    Gather(y);
-    if (samples_.Layout().model == ColorModel::grayWhiteIsZero) Invert();
-    if (samples_.Layout().bits < 8) {
-      PackSamples(row_.data(), samples_.Width(), samples_.Layout().bits, row_.data());
+  const uint8_t* At(const Samples& samples, int y) {
+    Gather(samples, y);
+    if (layout_.model == ColorModel::grayWhiteIsZero) Invert();
+    if (layout_.bits < 8) {
+      PackSamples(row_.data(), samples.Width(), layout_.bits, row_.data());
     }
     return row_.data();
   }
 
  private:
-  void Gather(int y) {
-    if (samples_.Planes() == 1) {
-      std::copy_n(samples_.Row(y), row_.size(), row_.data());
+  void Gather(const Samples& samples, int y) {
+    if (samples.Planes() == 1) {
+      std::copy_n(samples.Row(y), row_.size(), row_.data());
       return;
     }
     for (size_t band = 0; band < bands_; band++) {
-      const uint8_t* source = samples_.Row(y, static_cast<int>(band));
+      const uint8_t* source = samples.Row(y, static_cast<int>(band));
       uint8_t* target = row_.data() + band * sampleBytes_;
-      for (int x = 0; x < samples_.Width(); x++) {
+      for (int x = 0; x < samples.Width(); x++) {
         std::copy_n(source, sampleBytes_, target);
         source += sampleBytes_;
         target += sampleBytes_ * bands_;
@@ -253,8 +302,7 @@ class SampleRows {
 
   /// The first sample of each pixel; the second one is alpha.
   void Invert() {
-    const auto full =
-        static_cast<uint8_t>(samples_.Layout().bits >= 8 ? 255 : (1 << samples_.Layout().bits) - 1);
+    const auto full = static_cast<uint8_t>(layout_.bits >= 8 ? 255 : (1 << layout_.bits) - 1);
     for (size_t i = 0; i < row_.size(); i += sampleBytes_ * bands_) {
       for (size_t k = 0; k < sampleBytes_; k++) {
         row_[i + k] = static_cast<uint8_t>(full - row_[i + k]);
@@ -262,31 +310,53 @@ class SampleRows {
     }
   }
 
-  const Samples& samples_;
+  const PixelLayout layout_;
   size_t sampleBytes_, bands_;
   std::vector<uint8_t> row_;
 };
 
-PngPlan PlanSamples(const Samples& samples) {
-  const PixelLayout& layout = samples.Layout();
+PngPlan PlanSamples(const Samples& like, int width) {
+  const PixelLayout& layout = like.Layout();
   PngPlan plan;
   plan.form = {layout.bits, ColorTypeOf(layout), false};
   plan.hasNativeWords = layout.bits == 16 && std::endian::native == std::endian::little;
-  if (samples.Planes() == 1 && layout.bits >= 8 && layout.model != ColorModel::grayWhiteIsZero) {
-    plan.row = [&samples](int y) { return samples.Row(y); };
+  if (like.Planes() == 1 && layout.bits >= 8 && layout.model != ColorModel::grayWhiteIsZero) {
+    plan.row = [](const Pixels& rows, int y) { return std::get<Samples>(rows).Row(y); };
     return plan;
   }
-  plan.row = [rows = std::make_shared<SampleRows>(samples)](int y) { return rows->At(y); };
+  plan.row = [rows = std::make_shared<SampleRows>(layout, width)](const Pixels& pixels, int y) {
+    return rows->At(std::get<Samples>(pixels), y);
+  };
   return plan;
 }
 
 }  // namespace
 
 PngPlan PlanPng(const Pixels& pixels, const std::optional<PngForm>& wanted) {
-  PngPlan plan = std::holds_alternative<Raster>(pixels)
-                     ? PlanRaster(std::get<Raster>(pixels), wanted)
-                     : PlanSamples(std::get<Samples>(pixels));
+  PngPlan plan;
+  if (const auto* samples = std::get_if<Samples>(&pixels)) {
+    plan = PlanSamples(*samples, samples->Width());
+  } else {
+    const auto& raster = std::get<Raster>(pixels);
+    plan = IsIndexed(raster.Format())
+               ? PlanIndexed(raster, raster.Width(), PaletteEntriesOfFile(raster), wanted)
+               : PlanColors(raster, wanted);
+  }
   plan.form.interlaced = wanted && wanted->interlaced;
+  return plan;
+}
+
+std::optional<PngPlan> PlanPngRows(const Pixels& like, int width,
+                                   const std::optional<PngForm>& wanted) {
+  std::optional<PngPlan> plan;
+  if (const auto* samples = std::get_if<Samples>(&like)) {
+    plan = PlanSamples(*samples, width);
+  } else {
+    const auto& raster = std::get<Raster>(like);
+    plan = IsIndexed(raster.Format()) ? PlanIndexedRows(raster, width, wanted)
+                                      : PlanColorRows(raster, width, wanted);
+  }
+  if (plan) plan->form.interlaced = wanted && wanted->interlaced;
   return plan;
 }
 

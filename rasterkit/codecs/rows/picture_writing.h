@@ -35,6 +35,9 @@ struct PictureWriting {
   bool makesThumbnail = false;
   /// Threads that compress, 1 to 64. The bytes do not depend on it.
   int threads = 1;
+  /// Packing of a PNG file, 0 (none) to 12 (smallest file). Nothing: chosen by the kind of pixels.
+  /// Interlaced files and those of more than 64 MiB of rows use 9 at most.
+  std::optional<int> pngLevel;
 };
 
 /// The file as it was written.

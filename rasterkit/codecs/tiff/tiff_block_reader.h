@@ -58,11 +58,13 @@ class TiffBlockReader {
   uint32_t RowsThere(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
   uint32_t RowsWritten(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
   bool Unpack(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
+  bool UnpackG4(size_t rawBytes, uint32_t rows, uint8_t* target) const;
   bool UnpackOnto(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target);
   void ClearUnreadRow(uint32_t rows, uint8_t* target) const;
   uint64_t PictureBytes() const;
   bool MayLeaveGaps() const;
   bool IsFax() const;
+  bool IsDeflate() const;
   bool IsBlank(std::span<const uint8_t> bytes) const;
 
   TiffHandle& handle_;

@@ -14,6 +14,7 @@ namespace rasterkit::detail {
 /// file is never finished, and keeps only the strips.
 class TiffStripPacker {
  public:
+  /// The plan must outlive the object.
   explicit TiffStripPacker(const TiffPlan& plan);
 
   std::vector<uint8_t> Pack(uint32_t strip, std::span<const uint8_t> rows);
@@ -33,8 +34,14 @@ class TiffStripPacker {
     std::vector<uint8_t> bytes;
   };
 
+  const TiffPlan& plan_;
   Bytes bytes_;
   TiffOutput output_;
 };
+
+/// True if the strips of the plan are packed without libtiff.
+bool IsG4(const TiffPlan& plan);
+/// Packs the rows of a strip of such a plan.
+std::vector<uint8_t> PackG4(const TiffPlan& plan, std::span<const uint8_t> rows);
 
 }  // namespace rasterkit::detail

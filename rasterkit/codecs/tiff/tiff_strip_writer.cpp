@@ -111,7 +111,9 @@ void WriteStrips(TiffOutput& output, const Raster& raster, const TiffPlan& plan,
   TiffStripRows rows(raster, plan);
   for (uint32_t strip = 0; strip < plan.Strips(); strip++) {
     RequireTime();
-    if (isPacked) {
+    if (IsG4(plan)) {
+      output.WritePacked(strip, PackG4(plan, rows.Strip(strip)));
+    } else if (isPacked) {
       output.WriteStrip(strip, rows.Strip(strip));
     } else {
       output.WritePacked(strip, rows.Strip(strip));

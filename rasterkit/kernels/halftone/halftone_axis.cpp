@@ -6,10 +6,10 @@
 namespace rasterkit::kernels {
 namespace {
 
-/// Target position i covers i * size to (i + 1) * size, source position j covers j * length to
+/// A target position covers `start` to `start` + `size`, source position j covers j * length to
 /// (j + 1) * length.
-HalftoneTap CoveringTap(int64_t i, int64_t size, int64_t length) {
-  const int64_t start = i * size, end = start + size;
+HalftoneTap CoveringTap(int64_t start, int64_t size, int64_t length) {
+  const int64_t end = start + size;
   const int64_t first = start / length, last = (end - 1) / length;
   HalftoneTap tap;
   tap.first = static_cast<int32_t>(first);
@@ -52,7 +52,23 @@ HalftoneAxis MakeHalftoneAxis(int64_t length, int64_t sourceSize, int64_t first,
     const int64_t i = mirrored ? length - 1 - target : target;
     axis.taps.push_back(interpolates ? InterpolatingTap(((2 * i + 1) * size - place) / (2 / halves),
                                                         halves * place, sourceSize)
-                                     : CoveringTap(i, size, place));
+                                     : CoveringTap(i * size, size, place));
+  }
+  return axis;
+}
+
+HalftoneAxis MakeReducedAxis(int64_t length, const ReducedSide& side) {
+  // In parts of a position that the picture had, `length` of which make one.
+  const int64_t rest = side.restIsFirst ? side.Length() * side.block - side.size : 0;
+  const int64_t divisor = std::gcd(std::gcd(side.size, side.block * length), rest * length);
+  const int64_t size = side.size / divisor, place = side.block * length / divisor;
+  HalftoneAxis axis;
+  axis.taps.reserve(static_cast<size_t>(length));
+  axis.shrinks = size > place;
+  axis.innerWeight = static_cast<uint32_t>(place);
+  axis.total = static_cast<uint32_t>(size);
+  for (int64_t i = 0; i < length; ++i) {
+    axis.taps.push_back(CoveringTap(i * size + rest * length / divisor, size, place));
   }
   return axis;
 }

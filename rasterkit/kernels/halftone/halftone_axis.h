@@ -46,4 +46,19 @@ enum class HalftoneRule {
 HalftoneAxis MakeHalftoneAxis(int64_t length, int64_t sourceSize, int64_t first, int64_t last,
                               bool mirrored, HalftoneRule rule = HalftoneRule::automatic);
 
+/// A side of a picture that was made smaller by whole blocks: each position stands for `block` of
+/// the `size` positions that the picture had, the one at the end for the rest.
+struct ReducedSide {
+  int64_t size = 1, block = 1;
+  /// The position that stands for fewer is the first one.
+  bool restIsFirst = false;
+
+  int64_t Length() const { return (size + block - 1) / block; }
+};
+
+/// Weights by area for `length` target positions of such a side. Each covers size / length of the
+/// positions that the picture had. Products of the numbers must not exceed 2^62, `size` not
+/// kLongestHalftoneSide, and `length` not the length of the side.
+HalftoneAxis MakeReducedAxis(int64_t length, const ReducedSide& side);
+
 }  // namespace rasterkit::kernels

@@ -20,7 +20,7 @@ Pixels PictureSource::ReadExtraPage(size_t, int, CodecReport&) const {
   throw RangeError("the picture has no smaller copies and masks");
 }
 
-Pixels PictureSource::ReadSmaller(const SmallerForm&, int, CodecReport&) const {
+std::unique_ptr<RowReader> PictureSource::OpenSmaller(const SmallerForm&, int) const {
   throw RangeError("the picture has no smaller form");
 }
 

@@ -50,15 +50,15 @@ class PictureSource {
   /// Reads the pixels as stored. What was read around is added to `report`. Works under the limits
   /// of the calling thread.
   virtual Pixels ReadPixels(int threads, CodecReport& report) const = 0;
+  /// The smallest form with at least these sides, if one is to be read in place of the picture.
+  virtual std::optional<SmallerForm> SmallestForm(int, int) const { return std::nullopt; }
   /// Begins to read the same pixels row by row. Null if they are read only as a whole. The reader
   /// must not outlive the source. Its Finish throws FileError if the file changed.
   virtual std::unique_ptr<RowReader> OpenRows(int threads) const;
+  /// The same for a smaller form. Null if it is read only as a whole: see ReadExtraPage.
+  virtual std::unique_ptr<RowReader> OpenSmaller(const SmallerForm& form, int threads) const;
   /// True if OpenRows gives rows that are in memory.
   virtual bool IsInMemory() const { return false; }
-  /// The smallest form with at least these sides, if one is to be read in place of the picture.
-  virtual std::optional<SmallerForm> SmallestForm(int, int) const { return std::nullopt; }
-  /// The same as ReadPixels for such a form.
-  virtual Pixels ReadSmaller(const SmallerForm& form, int threads, CodecReport& report) const;
   /// Smaller copies and masks of a TIFF file's page; none where they cannot be decoded here.
   const std::vector<TiffExtraPageHeader>& ExtraPages() const { return extraPages_; }
   /// Reads one of them. Throws RangeError for another index.

@@ -34,6 +34,7 @@ PictureWriting FullWriting() {
   writing.move = PictureMove{16, 8, 300, 200, true, false, true};
   writing.makesThumbnail = true;
   writing.threads = 3;
+  writing.pngLevel = 12;
   return writing;
 }
 
@@ -42,7 +43,7 @@ TEST(WritingFields, Writing_Should_ComeBack_WithEveryMember) {
   for (const PictureWriting& sent : {full, PictureWriting()}) {
     // A member that is added does not compile here before it is compared.
     const auto& [form, metadata, positionTags, quality, chromaX, chromaY, dropsHidden, move,
-                 makesThumbnail, threads] = sent;
+                 makesThumbnail, threads, pngLevel] = sent;
     const PictureWriting back = WritingOf(FieldsOf(sent));
     EXPECT_EQ(back.form, form);
     EXPECT_EQ(back.metadata, metadata);
@@ -54,6 +55,7 @@ TEST(WritingFields, Writing_Should_ComeBack_WithEveryMember) {
     EXPECT_EQ(back.move, move);
     EXPECT_EQ(back.makesThumbnail, makesThumbnail);
     EXPECT_EQ(back.threads, threads);
+    EXPECT_EQ(back.pngLevel, pngLevel);
   }
 }
 

@@ -10,8 +10,7 @@ Pixels DecodeWhole(TStream& stream, detail::PngOpening opening, CodecReport* rep
   const LimitsScope limits;
   opening.isWhole = true;
   detail::PngRows rows(stream, opening);
-  Pixels pixels = NewPixels(rows.Like(), rows.Width(), rows.Height());
-  rows.Read(0, 0, pixels);
+  Pixels pixels = rows.ReadWhole();
   CodecReport noticed;
   rows.Finish(noticed);
   if (report != nullptr) report->Append(noticed);

@@ -141,7 +141,12 @@ void RequestPngRows(PngReader& reader, const PngFacts& facts, PngRowKind kind) {
 }
 
 bool HasPngKeyColor(const PngReader& reader, const PngFacts& facts) {
-  return !facts.HasAlpha() && png_get_valid(reader.Png(), reader.Info(), PNG_INFO_tRNS) != 0;
+  png_bytep alphas = nullptr;
+  int count = 0;
+  png_color_16p color = nullptr;
+  // A chunk in front of a palette counts as valid, but libpng has dropped what it holds.
+  return !facts.HasAlpha() &&
+         png_get_tRNS(reader.Png(), reader.Info(), &alphas, &count, &color) != 0 && count > 0;
 }
 
 void ExpandTwoBits(uint8_t* row, int width) {

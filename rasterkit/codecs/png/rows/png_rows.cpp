@@ -75,6 +75,27 @@ void PngRows::Read(int left, int top, Pixels& target) {
   if (auto* raster = std::get_if<Raster>(&target)) raster->ClearPadding();
 }
 
+Pixels PngRows::ReadWhole() {
+  Pixels whole;
+  if (auto* like = std::get_if<Raster>(&like_)) {
+    const TPixelFormat format = like->Format();
+    RasterProperties properties = std::move(like->Properties());
+    like_ = Raster();
+    Raster raster(format, Width(), Height());
+    raster.Properties() = std::move(properties);
+    whole = std::move(raster);
+  } else {
+    const PixelLayout layout = std::get<Samples>(like_).Layout();
+    const Resolution resolution = std::get<Samples>(like_).resolution;
+    like_ = Raster();
+    Samples samples(layout, Width(), Height());
+    samples.resolution = resolution;
+    whole = std::move(samples);
+  }
+  Read(0, 0, whole);
+  return whole;
+}
+
 const uint8_t* PngRows::NextInflated() {
   const size_t rowBytes = zeros_.size();
   uint8_t* row = inflated_.Data() + static_cast<size_t>(next_) * (rowBytes + 1);

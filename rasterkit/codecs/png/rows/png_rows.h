@@ -48,16 +48,17 @@ class RASTERKIT_EXPORT PngRows : public RowReader {
   void Read(int left, int top, Pixels& target) override;
   void Finish(CodecReport& report) override;
 
+  /// Reads the whole picture. Afterwards there is no `Like`: nothing else is held.
+  Pixels ReadWhole();
+
   bool IsInterlaced() const { return facts_.interlaced; }
   /// True if the rows were inflated in one call. Known after the first Read.
   bool IsInOneCall() const { return inflated_.Size() != 0; }
 
  private:
   void Begin();
-  /// Reads the next row; false if the data have ended. Null: the row is skipped.
   void ReadInflated(Pixels& target, int first, int count);
   void ReadByLibrary(Pixels& target, int first, int count);
-  void SkipTo(int top);
   void FillMissing(Pixels& target, int first);
   const uint8_t* NextInflated();
 

@@ -3,6 +3,7 @@
 #include <new>
 #include <utility>
 
+#include <rasterkit/codecs/g4/g4_strip.h>
 #include <rasterkit/codecs/tiff/pages/block_coder.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -14,9 +15,18 @@ struct OptionsDeleter {
   void operator()(TIFFOpenOptions* options) const { TIFFOpenOptionsFree(options); }
 };
 
+/// Rows as wide as those of a block if they become G4, else nothing.
+G4Strip G4Of(const PagePlan& plan) {
+  if (plan.form.compression != COMPRESSION_CCITTFAX4 || plan.bits != 1 ||
+      plan.BlockSamples() != 1) {
+    return {};
+  }
+  return {plan.BlockWidth(), 0, plan.form.fillOrder == FILLORDER_LSB2MSB};
+}
+
 }  // namespace
 
-BlockCoder::BlockCoder(const PagePlan& plan) : isTiled_(plan.IsTiled()) {
+BlockCoder::BlockCoder(const PagePlan& plan) : isTiled_(plan.IsTiled()), g4_(G4Of(plan)) {
   const std::unique_ptr<TIFFOpenOptions, OptionsDeleter> options(TIFFOpenOptionsAlloc());
   if (!options) throw std::bad_alloc();
   TIFFOpenOptionsSetErrorHandlerExtR(options.get(), TiffMessages::OnError, &messages_);
@@ -79,6 +89,11 @@ void BlockCoder::SetColorTags(const PagePlan& plan) {
 }
 
 std::vector<uint8_t> BlockCoder::Encode(uint32_t block, std::span<uint8_t> samples) {
+  if (g4_.width > 0) {
+    G4Strip strip = g4_;
+    strip.rows = static_cast<uint32_t>(samples.size() / strip.RowBytes());
+    if (strip.IsUsual()) return EncodeG4Strip(samples, strip);
+  }
   const auto count = static_cast<tmsize_t>(samples.size());
   // libtiff turns the bytes of a number before the predictor, which needs them unturned.
   if (turnedBytes_ > 0) {

@@ -7,13 +7,14 @@
 
 #include <tiffio.h>
 
+#include <rasterkit/codecs/g4/g4_strip.h>
 #include <rasterkit/codecs/tiff/pages/page_plan.h>
 #include <rasterkit/codecs/tiff/tiff_handle.h>
 
 namespace rasterkit::detail {
 
-/// Compresses strips and tiles of a page by libtiff, for one thread. Keeps no file: each block is
-/// handed out.
+/// Compresses strips and tiles of a page by libtiff, G4 without it, for one thread. Keeps no file:
+/// each block is handed out.
 class BlockCoder {
  public:
   /// Throws FormatError with the text of libtiff if it does not take the plan.
@@ -44,6 +45,8 @@ class BlockCoder {
   static int OnClose(thandle_t self);
 
   const bool isTiled_;
+  /// The strips that need no libtiff; their width is 0 if all of them need it.
+  const G4Strip g4_;
   /// Bytes of the numbers that must be turned before libtiff turns them; 0 for none.
   size_t turnedBytes_ = 0;
   /// What libtiff writes since the last block; the place counts on, as in a file.

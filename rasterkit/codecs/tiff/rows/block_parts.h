@@ -26,6 +26,8 @@ class TiffParts {
   void Read(const TiffPart& part, const TiffTarget& target);
   /// The outcome of what was read so far.
   TiffOutcome Outcome() const { return faults_.Outcome(layout_); }
+  /// For others that read blocks of the same picture.
+  TiffFaults& Faults() { return faults_; }
   /// How often a compressed block was unpacked.
   uint64_t UnpackedBlocks() const { return unpacked_; }
 
