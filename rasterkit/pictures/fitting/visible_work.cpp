@@ -16,8 +16,8 @@ class RowsAsTheyAre : public BandWork {
   bool MakesParts() const override { return true; }
   BandRect Needs(const BandRect& target) const override { return target; }
   void Make(const Band& source, Band& target, RowRange rows) const override {
-    const BandRect part{target.left - source.left, rows.first - source.top,
-                        WidthOf(target.pixels), rows.count};
+    const BandRect part{target.left - source.left, rows.first - source.top, WidthOf(target.pixels),
+                        rows.count};
     CopyPart(source.pixels, part, target.pixels, 0, rows.first - target.top);
   }
 
