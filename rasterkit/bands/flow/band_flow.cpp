@@ -9,18 +9,14 @@ namespace rasterkit {
 
 class BandFlow::Parts {
  public:
-  std::shared_ptr<RowReader> reader;
   Stages stages;
-  FlowSettings settings;
   std::unique_ptr<detail::FlowBuilder> builder;
 };
 
 BandFlow::BandFlow(std::unique_ptr<RowReader> reader, Stages stages, FlowSettings settings)
     : parts_(std::make_unique<Parts>()) {
-  parts_->reader = std::move(reader);
   parts_->stages = std::move(stages);
-  parts_->settings = std::move(settings);
-  parts_->builder = std::make_unique<detail::FlowBuilder>(parts_->reader, parts_->settings);
+  parts_->builder = std::make_unique<detail::FlowBuilder>(std::move(reader), std::move(settings));
 }
 
 BandFlow::~BandFlow() = default;
@@ -52,8 +48,7 @@ void BandFlow::Run(const StageRun& run, const std::function<void(Pixels& rows, i
 }
 
 void BandFlow::Finish(CodecReport& report, Changes& changes) {
-  parts_->reader->Finish(report);
-  parts_->builder->Finish(changes);
+  parts_->builder->Finish(report, changes);
 }
 
 FlowNeeds ForetellFlow(const RowReader& reader, const Stages& stages,

@@ -102,13 +102,12 @@ void BandPipeline::MakePiece(size_t level, const LevelRows& rows, size_t window,
   RowWindow& made = windows_[level][window];
   if (level == 0) return ReadRows(rows.missing, made);
   Band& target = made.Rows();
-  const int top = rows.missing.first - target.top;
-  if (level == chain_.firstLevel) return parts_->Make(target, {top, rows.missing.count}, piece);
+  if (level == chain_.firstLevel) return parts_->Make(target, rows.missing, piece);
   const int64_t count = rows.missing.count;
   const int first = static_cast<int>(count * piece / pieces);
   const int end = static_cast<int>(count * (piece + 1) / pieces);
   chain_.works[level - 1]->Make(windows_[level - 1][sourceWindow].Rows(), target,
-                                {top + first, end - first});
+                                {rows.missing.first + first, end - first});
 }
 
 void BandPipeline::Hand(RowRange band, size_t window, const TakeRows& take) {

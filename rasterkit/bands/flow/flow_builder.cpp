@@ -43,6 +43,19 @@ bool IsMemory(const RowChain& chain) {
                              : dynamic_cast<const MemoryRows*>(chain.source.get()) != nullptr;
 }
 
+/// What was noticed each time is said once.
+void AddWhatIsNew(const std::vector<std::string>& from, std::vector<std::string>& to) {
+  std::vector<std::string> known = to;
+  for (const std::string& text : from) {
+    const auto found = std::find(known.begin(), known.end(), text);
+    if (found == known.end()) {
+      to.push_back(text);
+    } else {
+      known.erase(found);
+    }
+  }
+}
+
 /// A row without content stands for all.
 void LookAtBlank(BandWork& work, const RowChain& chain) {
   Band row{NewPixels(chain.Like(), chain.Size().width, 1), 0, work.Looks().first};
@@ -56,9 +69,9 @@ void LookAtBlank(BandWork& work, const RowChain& chain) {
 
 }  // namespace
 
-FlowBuilder::FlowBuilder(std::shared_ptr<RowReader> reader, const FlowSettings& settings)
-    : settings_(settings) {
-  chain_.source = std::move(reader);
+FlowBuilder::FlowBuilder(std::shared_ptr<RowReader> reader, FlowSettings settings)
+    : settings_(std::move(settings)), reader_(std::move(reader)) {
+  chain_.source = reader_;
 }
 
 void FlowBuilder::Add(const Stage& stage, const StageRun& run) {
@@ -203,6 +216,7 @@ void FlowBuilder::LookAtRows(BandWork& work, const StageRun& run) {
   BandPipeline pipeline = NewPipeline(looks);
   if (IsForetold()) return CountPipeline(pipeline, 0);
   RunPipeline(pipeline, part, look);
+  if (chain_.source == reader_) reader_->Finish(earlier_);
 }
 
 BandPlan FlowBuilder::UsualPlan() const {
@@ -256,7 +270,12 @@ void FlowBuilder::Run(const StageRun& run, const TakeRows& take) {
   RunPipeline(pipeline, {settings_.threads, run.progress}, take);
 }
 
-void FlowBuilder::Finish(Changes& changes) {
+void FlowBuilder::Finish(CodecReport& report, Changes& changes) {
+  CodecReport last;
+  reader_->Finish(last);
+  AddWhatIsNew(earlier_.warnings, last.warnings);
+  AddWhatIsNew(earlier_.damage, last.damage);
+  report.Append(last);
   for (StageEnd& end : ends_) {
     if (end.work) end.work->Finish(end.changes);
     for (Loss& loss : end.changes.losses) changes.losses.push_back(std::move(loss));

@@ -13,15 +13,15 @@ namespace rasterkit::detail {
 /// stage can begin: passes over the rows, whole pictures, rows that are kept.
 class FlowBuilder {
  public:
-  FlowBuilder(std::shared_ptr<RowReader> reader, const FlowSettings& settings);
+  FlowBuilder(std::shared_ptr<RowReader> reader, FlowSettings settings);
 
   void Add(const Stage& stage, const StageRun& run);
   const RowChain& Chain() const { return chain_; }
   void Run(const StageRun& run, const TakeRows& take);
   /// What was held at most, if the reader is ForetoldRows.
   FlowNeeds Needs() const { return needs_; }
-  /// Adds what the stages lost, in their order.
-  void Finish(Changes& changes);
+  /// Adds what the reader noticed and what the stages lost, in their order.
+  void Finish(CodecReport& report, Changes& changes);
 
  private:
   enum class Way {
@@ -58,8 +58,11 @@ class FlowBuilder {
   uint64_t BytesAtEnd() const;
 
   const FlowSettings settings_;
+  const std::shared_ptr<RowReader> reader_;
   RowChain chain_;
   FlowNeeds needs_;
+  /// Of passes after which the rows are read again.
+  CodecReport earlier_;
   std::vector<StageEnd> ends_;
 };
 

@@ -73,17 +73,18 @@ Band PartMaker::PartOf(size_t level, const BandRect& rect, Blocks& blocks) {
   if (rect.width == 0 || rect.height == 0) return part;
   const BandWork& work = *chain_.works[level - 1];
   const Band source = PartOf(level - 1, work.Needs(rect), blocks);
-  work.Make(source, part, {0, rect.height});
+  work.Make(source, part, {rect.top, rect.height});
   return part;
 }
 
 void PartMaker::Make(Band& target, RowRange rows, int column) {
   const int left = column * ColumnWidth();
-  const BandRect rect{left, target.top + rows.first,
-                      std::min(ColumnWidth(), chain_.SizeOf(level_).width - left), rows.count};
+  const BandRect rect{left, rows.first, std::min(ColumnWidth(), chain_.SizeOf(level_).width - left),
+                      rows.count};
   std::unique_ptr<Blocks> blocks = TakeBlocks();
   const Band part = PartOf(level_, rect, *blocks);
-  CopyPart(part.pixels, {0, 0, rect.width, rect.height}, target.pixels, left, rows.first);
+  CopyPart(part.pixels, {0, 0, rect.width, rect.height}, target.pixels, left,
+           rows.first - target.top);
   const std::lock_guard lock(blocksMutex_);
   freeBlocks_.push_back(std::move(blocks));
 }

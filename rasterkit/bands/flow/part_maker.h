@@ -20,7 +20,7 @@ class PartMaker {
   int Columns() const;
   /// Bytes that one thread needs for a part of so many rows.
   uint64_t BytesOfPart(int rows) const;
-  /// Makes the part of rows of `target` (counted from its top) that lies in a column. Threads may
+  /// Makes the part of rows of `target` that lies in a column. Threads may
   /// make different columns of the same target.
   void Make(Band& target, RowRange rows, int column);
 

@@ -98,7 +98,7 @@ class TestWork : public BandWork {
   }
 
   void Make(const Band& source, Band& target, RowRange rows) const override {
-    for (int y = rows.first; y < rows.first + rows.count; ++y) {
+    for (int y = rows.first - target.top; y < rows.first - target.top + rows.count; ++y) {
       if (doing_ == Doing::failing && target.top + y == kFailingRow) {
         throw FormatError("row 17 fails");
       }
