@@ -12,7 +12,7 @@ namespace {
 
 constexpr uint64_t kMebibyte = uint64_t{1} << 20;
 /// What decoders and encoders hold beside rows.
-constexpr uint64_t kBeside = 32 * kMebibyte;
+constexpr uint64_t kBeside = 48 * kMebibyte;
 
 uint64_t BytesOf(const KindOfRows& rows) {
   return BytesOfRows(rows.layout, rows.sides.width, rows.sides.height);
@@ -82,6 +82,7 @@ FlowNeeds NeedsOf(const PictureSource& source, const PictureState& state, bool i
   std::unique_ptr<RowReader> reader = Opened(source, state);
   if (reader) {
     if (!source.IsInMemory()) memory += BlockBytes(*reader);
+    if (source.Type() == PictureType::png) memory += std::min(before, kMostPngAtOnce);
   } else {
     // The file is decoded from memory.
     reader = std::make_unique<WholeRows>(source, sides);

@@ -9,6 +9,9 @@ namespace rasterkit::detail {
 /// How pictures flow under the limits of the calling thread.
 FlowSettings UsualFlow();
 
+/// PNG files up to this size are unpacked and packed at once.
+inline constexpr uint64_t kMostPngAtOnce = uint64_t{64} << 20;
+
 /// What reading a picture and its steps holds at most, without the file that is written. `isWhole`:
 /// all pixels of the result are held together.
 FlowNeeds NeedsOf(const PictureSource& source, const PictureState& state, bool isWhole);
