@@ -9,8 +9,8 @@ namespace rasterkit {
 class RASTERKIT_EXPORT RowSink {
  public:
   virtual ~RowSink() = default;
-  /// The next rows, from `top` on, valid during the call. Calls come one after another, but not
-  /// always on the thread that asked for the rows.
+  /// The next rows, from `top` on, valid during the call. Calls come one after another, perhaps on
+  /// another thread than that of Picture::Rows.
   virtual void Take(const Raster& rows, int top) = 0;
 };
 

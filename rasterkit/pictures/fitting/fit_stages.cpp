@@ -217,8 +217,8 @@ bool IsGrayPalette(const Raster& rows) {
   });
 }
 
-/// True color, or for JPEG files a ramp of grays. Grays come by way of true color, so that each
-/// gets its own index.
+/// True color, or the ramp of grays that a JPEG file needs. Grays come by way of true color, so
+/// that each gets its own index.
 Raster Converted(const Raster& rows, PictureType type) {
   const bool isGray = type == PictureType::jpeg && IsIndexed(rows.Format()) && IsGrayPalette(rows);
   Raster colors = ConvertRaster(rows, pf24bit);
