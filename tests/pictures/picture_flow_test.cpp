@@ -52,7 +52,7 @@ Outcome Saved(const Picture& picture, PictureType type, const Run& run) {
     const auto bytes = stream.Bytes();
     return {std::string(bytes.begin(), bytes.end()), TextOf(report)};
   } catch (const Error& error) {
-    // What was written before the error is nobody's.
+    // What was written before the error does not count.
     return {{}, fmt::format("error {}", error.what())};
   }
 }
