@@ -381,7 +381,7 @@ class DocumentWork {
       firstLost_ = FormatError(fmt::format("page {}: {}", part.page, reason), part.source->File());
     }
   }
-  /// A file without pages is none: the inputs are at fault.
+  /// A file without pages is invalid: the inputs are at fault.
   void RequirePages() const {
     if (lost_ > 0 && lost_ == parts_.pages.size()) throw FormatError(*firstLost_);
   }
