@@ -1,7 +1,11 @@
 // Headers and copies of TIFF pages: whatever the bytes are, an error of the house or a header that
-// holds, and a copy that is not much larger than its source and reads the same.
+// holds, and a copy that is not much larger than its source and reads the same. Rows that are read
+// in bands are those of the whole page, with the same warnings.
 
 #include <algorithm>
+#include <cstring>
+#include <optional>
+#include <string>
 
 #include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/runtime/errors.h>
@@ -41,13 +45,69 @@ void CheckCopy(std::span<const uint8_t> bytes, const PictureHeader& header) {
   Require(again.layout.bands == header.layout.bands && again.layout.type == header.layout.type);
 }
 
-void Decode(std::span<const uint8_t> bytes, const PictureHeader& header) {
+/// What reading gave: pixels and report, or the text of an error.
+struct Reading {
+  std::optional<Pixels> pixels;
+  CodecReport report;
+  std::string error;
+  bool isTooLarge = false;
+};
+
+Reading ReadWhole(std::span<const uint8_t> bytes) {
+  Reading reading;
   TSpanStream stream(bytes);
   try {
-    const Pixels pixels = DecodeTiffPixels(stream);
-    Require(WidthOf(pixels) == header.width && HeightOf(pixels) == header.height);
-  } catch (const Error&) {
+    reading.pixels = DecodeTiffPixels(stream, {}, &reading.report);
+  } catch (const LimitError&) {
+    reading.isTooLarge = true;
+  } catch (const Error& error) {
+    reading.error = error.what();
   }
+  return reading;
+}
+
+const uint8_t* RowOf(const Pixels& pixels, int y) {
+  return std::visit([y](const auto& rows) { return rows.Row(y); }, pixels);
+}
+
+size_t RowBytesOf(const Pixels& pixels) {
+  return std::visit([](const auto& rows) { return rows.Stride(); }, pixels);
+}
+
+/// Reads the page in bands of `rows` and compares each with the rows of the whole.
+void CheckBands(std::span<const uint8_t> bytes, const Reading& whole, int rows) {
+  TSpanStream stream(bytes);
+  CodecReport report;
+  try {
+    const auto reader = OpenTiffRows(stream);
+    if (!reader) return;
+    for (int y = 0; y < reader->Height(); y += rows) {
+      const int count = std::min(rows, reader->Height() - y);
+      Pixels band = NewPixels(reader->Like(), reader->Width(), count);
+      reader->Read(0, y, band);
+      // A page in which nothing is found fails at its end.
+      if (!whole.pixels) continue;
+      Require(RowBytesOf(band) == RowBytesOf(*whole.pixels));
+      for (int i = 0; i < count; i++) {
+        Require(std::memcmp(RowOf(band, i), RowOf(*whole.pixels, y + i), RowBytesOf(band)) == 0);
+      }
+    }
+    reader->Finish(report);
+  } catch (const Error& error) {
+    Require(error.what() == whole.error);
+    return;
+  }
+  Require(whole.pixels.has_value());
+  Require(report.warnings == whole.report.warnings && report.damage == whole.report.damage);
+}
+
+void Decode(std::span<const uint8_t> bytes, const PictureHeader& header) {
+  const Reading whole = ReadWhole(bytes);
+  if (whole.pixels) {
+    Require(WidthOf(*whole.pixels) == header.width && HeightOf(*whole.pixels) == header.height);
+  }
+  if (whole.isTooLarge) return;
+  CheckBands(bytes, whole, 1 + bytes.back() % 64);
 }
 
 }  // namespace

@@ -11,6 +11,10 @@ namespace rasterkit::kernels {
 /// Exchanges red and blue of pixels of three bytes.
 void ExchangeRedBlue24(const uint8_t* pixels, size_t width, uint8_t* target);
 
+/// The same past the caches, for targets that are larger than them and not read soon. Source and
+/// target must not overlap.
+void StreamRedBlue24(const uint8_t* pixels, size_t width, uint8_t* target);
+
 /// Exchanges red and blue of pixels of four bytes; the fourth byte is copied.
 void ExchangeRedBlue32(const uint8_t* pixels, size_t width, uint8_t* target);
 

@@ -85,6 +85,21 @@ void ExpectExchange(size_t pixelBytes, void (*exchange)(const uint8_t*, size_t, 
   });
 }
 
+TEST(ConvertRows, StreamRedBlue24_Should_SwapFirstAndThirdByte) {
+  ForEachTargetAndWidth([&](size_t width, std::mt19937& random) {
+    const std::vector<uint8_t> source = RandomBytes(3 * width, random);
+    for (size_t shift = 0; shift < 16; ++shift) {
+      std::vector<uint8_t> expected(3 * width + 16, kPaint);
+      for (size_t i = 0; i < 3 * width; ++i) {
+        expected[shift + i] = source[i / 3 * 3 + 2 - i % 3];
+      }
+      std::vector<uint8_t> streamed(3 * width + 16, kPaint);
+      StreamRedBlue24(source.data(), width, streamed.data() + shift);
+      ASSERT_EQ(streamed, expected) << "shifted by " << shift;
+    }
+  });
+}
+
 TEST(ConvertRows, ExchangeRedBlue24_Should_SwapFirstAndThirdByte) {
   ExpectExchange(3, ExchangeRedBlue24);
 }

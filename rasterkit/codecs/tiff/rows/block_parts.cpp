@@ -39,7 +39,8 @@ class TiffParts::Worker {
   }
 
   /// Unpacks a block into rows of its own or into those of the target.
-  void Unpack(const Task& task, const TiffTarget& target);
+  /// Returns how many were unpacked: none of those that a sparse file leaves out.
+  uint64_t Unpack(const Task& task, const TiffTarget& target);
 
  private:
   uint32_t ReadSamples(uint32_t position, const TiffPart& place, const Task& task);
@@ -87,7 +88,7 @@ uint32_t TiffParts::Worker::ReadSamples(uint32_t position, const TiffPart& place
   return there;
 }
 
-void TiffParts::Worker::Unpack(const Task& task, const TiffTarget& target) {
+uint64_t TiffParts::Worker::Unpack(const Task& task, const TiffTarget& target) {
   RequireTime();
   TiffPart place = PlaceOfBlock(layout_, task.position);
   const uint32_t height = place.height;
@@ -108,6 +109,7 @@ void TiffParts::Worker::Unpack(const Task& task, const TiffTarget& target) {
     }
   }
   faults_.Add(task.position, isSparse ? 0 : height - there, reader_.TakeErrors());
+  return isSparse ? 0 : 1;
 }
 
 TiffParts::TiffParts(TiffHandle& handle, const TiffLayout& layout, const TiffColors& colors,
@@ -217,8 +219,7 @@ void TiffParts::Unpack(const std::vector<Task>& tasks, const TiffTarget& target)
       if (!worker && index == 0) worker = std::make_unique<Worker>(handle_, *this);
       if (!worker) worker = std::make_unique<Worker>(FurtherHandle(handle_.Source()), *this);
       for (size_t i = next++; i < tasks.size() && !isStopped; i = next++) {
-        worker->Unpack(tasks[i], target);
-        unpacked_++;
+        unpacked_ += worker->Unpack(tasks[i], target);
       }
     } catch (...) {
       isStopped = true;

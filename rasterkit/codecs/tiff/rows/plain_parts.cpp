@@ -3,6 +3,7 @@
 
 #include <rasterkit/codecs/tiff/rows/part_bits.h>
 #include <rasterkit/codecs/tiff/rows/plain_parts.h>
+#include <rasterkit/kernels/rows/exchange_red_blue.h>
 #include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
@@ -16,6 +17,8 @@ constexpr size_t kReadGap = 8 << 10;
 /// Shorter rows are read together into a buffer: a piece of a scattered read costs as much as
 /// copying them.
 constexpr size_t kScatteredBytes = 4 << 10;
+/// Pixels of larger targets are stored past the caches: they would not stay there.
+constexpr uint64_t kStreamedBytes = uint64_t{32} << 20;
 constexpr const char* kEndsEarly = "the data end early";
 
 uint32_t RowsOfPiece(size_t rowBytes) {
@@ -110,6 +113,8 @@ void PlainParts::Read(uint32_t position, const TiffPart& part, const TiffTarget&
                  size_t{wanted.left - part.left} * static_cast<size_t>(target.bitsPerPixel) / 8;
   // All rows of a block that is left out are equal.
   const uint32_t read = stored.isSparse ? std::min(there, 1u) : there;
+  isStreamed_ = layout_.rows == TiffRowKind::rgb && WorksInPlace(layout_) &&
+                uint64_t{part.height} * target.stride >= kStreamedBytes;
   const size_t gap = layout_.grid.rowBytes - columns.bytes;
   const uint32_t piece = RowsOfPiece(columns.bytes + (gap <= kReadGap ? gap : 0));
   uint32_t done = 0;
@@ -138,9 +143,9 @@ uint32_t PlainParts::ReadRows(uint32_t position, uint32_t first, uint32_t rows,
                               int bitsPerPixel) {
   const bool isAligned = bit == 0 && columns.before == 0;
   const size_t rowBytes = layout_.grid.rowBytes, gap = rowBytes - columns.bytes;
-  // Exchanged pixels are written from one cache to the next: in place, each load would wait for the
-  // store before.
-  const bool isInPlace = isAligned && WorksInPlace(layout_) && layout_.rows != TiffRowKind::rgb &&
+  // Exchanged pixels are written from one cache to the next, or past the caches.
+  const bool isExchanged = layout_.rows == TiffRowKind::rgb;
+  const bool isInPlace = isAligned && WorksInPlace(layout_) && !isExchanged &&
                          (columns.bytes >= kScatteredBytes || (gap == 0 && stride == rowBytes));
   size_t pitch = stride, planeBytes = 0;
   uint8_t* place = target;
@@ -159,7 +164,9 @@ uint32_t PlainParts::ReadRows(uint32_t position, uint32_t first, uint32_t rows,
   }
   const size_t width = size_t{columns.before} + columns.count;
   for (uint32_t i = 0; i < there; i++, target += stride) {
-    if (isAligned) {
+    if (isAligned && isStreamed_) {
+      kernels::StreamRedBlue24(planes_[0], width, target);
+    } else if (isAligned) {
       writer_->Write(planes_.data(), width, target);
     } else {
       uint8_t* row = Room(converted_, (width * static_cast<size_t>(bitsPerPixel) + 7) / 8);

@@ -60,6 +60,7 @@ class PlainParts {
   PixelMemory samples_, converted_, gap_;
   std::vector<const uint8_t*> planes_;
   std::vector<std::span<uint8_t>> pieces_;
+  bool isStreamed_ = false;
 };
 
 }  // namespace rasterkit::detail

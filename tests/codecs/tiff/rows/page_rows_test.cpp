@@ -12,6 +12,7 @@
 
 #include "tests/codecs/tiff/rows/made_pages.h"
 #include "tests/support/corpus.h"
+#include "tests/support/temp_folder.h"
 
 namespace rasterkit::test {
 namespace {
@@ -236,6 +237,115 @@ TEST(TiffPageRows, Should_ReadLittleMoreThanItsBytes_When_APartOfAPlainPageIsRea
   const uint64_t before = stream.read;
   UnpackedFor(*reader, {100, 10, 2000, 30});
   EXPECT_EQ(stream.read - before, 2000u * 3 * 30);
+}
+
+/// One strip of 18 MB, half of which is random.
+std::vector<uint8_t> LongStripPage(int compression) {
+  std::mt19937 random(kSeed);
+  Raster raster = RandomRaster(pf24bit, 3000, 2000, random);
+  for (int y = 0; y < 2000; y += 2) std::memset(raster.Row(y), y % 251, raster.Stride());
+  TiffForm form = StripForm(compression);
+  form.rowsPerStrip = 2000;
+  return PageOf(std::move(raster), form);
+}
+
+TEST(TiffPageRows, Should_GiveTheWholePage_When_ALongStripIsReadRowByRow) {
+  std::mt19937 random(kSeed);
+  for (const int compression :
+       {COMPRESSION_LZW, COMPRESSION_ADOBE_DEFLATE, COMPRESSION_PACKBITS, COMPRESSION_ZSTD}) {
+    const std::string name = "compression " + std::to_string(compression);
+    for (const MadePage& page : Damaged(name, LongStripPage(compression), random)) {
+      TSpanStream stream(page.bytes);
+      EXPECT_EQ(OpenTiffRows(stream)->Access(), RowAccess::rising);
+      const auto bands = ReadBands(page.bytes, 64, 1);
+      ExpectSame(ReadWhole(page.bytes), *bands, page.name);
+    }
+  }
+}
+
+TEST(TiffPageRows, Should_SkipRows_When_OnlyLowerOnesOfALongStripAreRead) {
+  const std::vector<uint8_t> bytes = LongStripPage(COMPRESSION_LZW);
+  const Reading whole = ReadWhole(bytes);
+  TSpanStream stream(bytes);
+  const auto reader = OpenTiffRows(stream);
+  for (const int top : {500, 510, 1999}) {
+    Pixels row = NewPixels(reader->Like(), 3000, 1);
+    reader->Read(0, top, row);
+    const auto& expected = std::get<Raster>(*whole.pixels);
+    EXPECT_EQ(std::memcmp(std::get<Raster>(row).Row(0), expected.Row(top), expected.Stride()), 0);
+  }
+}
+
+/// A sparse BigTIFF file of 4 gigapixels with one tile, at the place 30,000, 20,000.
+std::string HugePage(const TempFolder& folder, int compression) {
+  const std::string name = (folder.Path() / "huge.tif").string();
+  TIFF* tiff = TIFFOpen(name.c_str(), "w8");
+  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 65536);
+  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 61440);
+  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+  TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 3);
+  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+  TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+  TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression);
+  TIFFSetField(tiff, TIFFTAG_TILEWIDTH, 256);
+  TIFFSetField(tiff, TIFFTAG_TILELENGTH, 256);
+  std::vector<uint8_t> tile(size_t{3} * 256 * 256);
+  for (size_t i = 0; i < tile.size(); i++) tile[i] = static_cast<uint8_t>(i % 241 + 1);
+  const uint32_t number = TIFFComputeTile(tiff, 30000, 20000, 0, 0);
+  TIFFWriteEncodedTile(tiff, number, tile.data(), static_cast<tmsize_t>(tile.size()));
+  TIFFClose(tiff);
+  return name;
+}
+
+TEST(TiffPageRows, Should_ReadParts_When_ThePageIsTooLargeForMemory) {
+  for (const int compression : {COMPRESSION_NONE, COMPRESSION_ADOBE_DEFLATE}) {
+    const TempFolder folder;
+    TFileStream file(HugePage(folder, compression));
+    const auto reader = OpenTiffRows(file);
+    ASSERT_TRUE(reader);
+    Pixels part = NewPixels(reader->Like(), 300, 300);
+    reader->Read(29952, 19968, part);
+    const auto& raster = std::get<Raster>(part);
+    // The tile begins at that place; the one beside it is left out.
+    EXPECT_EQ(raster.PixelColor(0, 0), RGB(1, 2, 3));
+    EXPECT_EQ(raster.PixelColor(256, 0), RGB(0, 0, 0));
+    if (compression != COMPRESSION_NONE) {
+      EXPECT_EQ(detail::UnpackedTiffBlocks(*reader), 1u);
+    }
+    CodecReport report;
+    reader->Finish(report);
+    EXPECT_EQ(report.warnings, std::vector<std::string>());
+    file.SetPosition(0);
+    EXPECT_THROW(DecodeTiffPixels(file), LimitError);
+  }
+}
+
+TEST(TiffPageRows, Should_ReadASmallerCopy_When_OneIsLargeEnough) {
+  std::mt19937 random(kSeed);
+  const Pixels page = RandomRaster(pf24bit, 400, 300, random);
+  std::vector<TiffExtraPage> extras;
+  for (const int width : {200, 100, 50}) {
+    extras.push_back({RandomRaster(pf24bit, width, width * 3 / 4, random), StripForm(1), 1});
+  }
+  // Another kind of pixels, and a mask.
+  extras.push_back({RandomRaster(pf8bit, 120, 90, random), StripForm(1), 1});
+  extras.push_back({RandomRaster(pf24bit, 110, 82, random), StripForm(1), 4});
+  TMemoryStream stream;
+  WriteTiff(page, {}, extras, stream);
+  const auto find = [&](int width, int height) {
+    stream.SetPosition(0);
+    return FindTiffSmallerCopy(stream, width, height);
+  };
+  EXPECT_EQ(find(100, 75), std::optional<size_t>(1));
+  EXPECT_EQ(find(101, 75), std::optional<size_t>(0));
+  EXPECT_EQ(find(10, 10), std::optional<size_t>(2));
+  EXPECT_EQ(find(201, 10), std::nullopt);
+  const auto reader = OpenTiffExtraPageRows(stream, 1);
+  ASSERT_TRUE(reader);
+  Pixels copy = NewPixels(reader->Like(), 100, 75);
+  reader->Read(0, 0, copy);
+  EXPECT_TRUE(SameBytes(copy, extras[1].pixels));
+  EXPECT_THROW(OpenTiffExtraPageRows(stream, 5), RangeError);
 }
 
 TEST(TiffPageRows, Should_Refuse_When_APartIsOutside) {
