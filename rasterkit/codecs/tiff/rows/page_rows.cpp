@@ -85,11 +85,12 @@ class TiffPageRows : public RowReader {
   int Width() const override { return static_cast<int>(Layout().width); }
   int Height() const override { return static_cast<int>(Layout().height); }
   RowAccess Access() const override {
+    if (parts_.IsRising()) return RowAccess::rising;
     return IsPlain() || Layout().grid.isTiled ? RowAccess::anyParts : RowAccess::anyRows;
   }
   int BlockRows() const override {
     const TiffBlockGrid& grid = Layout().grid;
-    if (IsPlain() && !grid.isTiled) return 1;
+    if ((IsPlain() && !grid.isTiled) || parts_.IsRising()) return 1;
     return static_cast<int>(std::min(grid.height, Layout().height));
   }
   const Pixels& Like() const override { return like_; }
