@@ -157,8 +157,26 @@ uint32_t TiffBlockReader::ReadPacked(uint32_t block, uint64_t offset, uint64_t c
 
 bool TiffBlockReader::Unpack(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target) {
   if (UnpackG4(rawBytes, rows, target)) return true;
-  if (MayLeaveGaps()) std::memset(target, blanks_.whiteByte, rows * layout_.grid.rowBytes);
-  return UnpackOnto(block, rawBytes, rows, target);
+  const size_t bytes = rows * layout_.grid.rowBytes;
+  if (MayLeaveGaps()) std::memset(target, blanks_.whiteByte, bytes);
+  if (!IsDeflate()) return UnpackOnto(block, rawBytes, rows, target);
+  // The codec can report success for data that end within a code: what it did not write is found by
+  // its last byte.
+  uint8_t& last = target[bytes - 1];
+  uint8_t mark = Mark(block + bytes);
+  last = mark;
+  if (!UnpackOnto(block, rawBytes, rows, target)) return false;
+  if (last != mark) return true;
+  last = mark = static_cast<uint8_t>(~mark);
+  if (!UnpackOnto(block, rawBytes, rows, target)) return false;
+  if (last != mark) return true;
+  errors_.emplace_back("the data end early");
+  return false;
+}
+
+bool TiffBlockReader::IsDeflate() const {
+  return layout_.compression == COMPRESSION_ADOBE_DEFLATE ||
+         layout_.compression == COMPRESSION_DEFLATE;
 }
 
 /// Decodes a strip without libtiff. False if its rows and its words must come from there.

@@ -64,6 +64,7 @@ class TiffBlockReader {
   uint64_t PictureBytes() const;
   bool MayLeaveGaps() const;
   bool IsFax() const;
+  bool IsDeflate() const;
   bool IsBlank(std::span<const uint8_t> bytes) const;
 
   TiffHandle& handle_;

@@ -44,6 +44,21 @@ uint64_t LargestRatio(const TiffLayout& layout) {
   }
 }
 
+/// Blocks that a sparse file does not leave out.
+uint64_t StoredBlockCount(TiffHandle& handle, const TiffLayout& layout) {
+  if (!layout.joinedStrips.empty()) return layout.joinedStrips.size();
+  uint64_t count = 0;
+  for (const uint16_t plane : layout.planes) {
+    for (uint32_t i = 0; i < layout.grid.PerPlane(); i++) {
+      const uint32_t block = plane * layout.grid.PerPlane() + i;
+      const bool isStored = TIFFGetStrileOffset(handle.Tiff(), block) != 0 ||
+                            TIFFGetStrileByteCount(handle.Tiff(), block) != 0;
+      count += isStored ? 1 : 0;
+    }
+  }
+  return count;
+}
+
 /// Compressed bytes of the picture that are within the file.
 uint64_t PackedBytes(TiffHandle& handle, const TiffLayout& layout) {
   const uint64_t size = handle.Source().Size();
@@ -100,6 +115,11 @@ void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout, TiffHold
   RequirePicture(layout.width, layout.height, need, what);
   // Counting the bytes of a huge directory takes time.
   if (decoded <= kAlwaysPlausible && decoded <= PictureMemoryLimit()) return;
+  if (holding == TiffHolding::parts && layout.rows != TiffRowKind::library) {
+    // What a sparse file leaves out takes no memory where it is not read.
+    const uint64_t block = SaturatedProduct(grid.rowBytes, std::min(grid.height, layout.height));
+    decoded = std::min(decoded, SaturatedProduct(block, StoredBlockCount(handle, layout)));
+  }
   RequirePlausible({decoded, decoded, PackedBytes(handle, layout), LargestRatio(layout)}, what);
 }
 

@@ -29,6 +29,8 @@ class TiffParts {
   TiffOutcome Outcome() const { return faults_.Outcome(layout_); }
   /// True if rows are cheap only from top to bottom.
   bool IsRising() const { return g4_ != nullptr; }
+  /// For others that read blocks of the same picture.
+  TiffFaults& Faults() { return faults_; }
   /// How often a compressed block was unpacked.
   uint64_t UnpackedBlocks() const { return unpacked_; }
 

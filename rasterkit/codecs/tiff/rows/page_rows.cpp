@@ -5,6 +5,7 @@
 #include <rasterkit/codecs/tiff/pages/page_metadata.h>
 #include <rasterkit/codecs/tiff/pages/page_stream.h>
 #include <rasterkit/codecs/tiff/rows/block_parts.h>
+#include <rasterkit/codecs/tiff/rows/long_strips.h>
 #include <rasterkit/codecs/tiff/rows/page_rows.h>
 #include <rasterkit/codecs/tiff/rows/sample_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
@@ -85,12 +86,13 @@ class TiffPageRows : public RowReader {
   int Width() const override { return static_cast<int>(Layout().width); }
   int Height() const override { return static_cast<int>(Layout().height); }
   RowAccess Access() const override {
-    if (parts_.IsRising()) return RowAccess::rising;
+    if (parts_.IsRising() || HasLongStrips(Layout())) return RowAccess::rising;
     return IsPlain() || Layout().grid.isTiled ? RowAccess::anyParts : RowAccess::anyRows;
   }
   int BlockRows() const override {
     const TiffBlockGrid& grid = Layout().grid;
-    if ((IsPlain() && !grid.isTiled) || parts_.IsRising()) return 1;
+    const bool isRising = parts_.IsRising() || HasLongStrips(Layout());
+    if ((IsPlain() && !grid.isTiled) || isRising) return 1;
     return static_cast<int>(std::min(grid.height, Layout().height));
   }
   const Pixels& Like() const override { return like_; }
@@ -99,6 +101,7 @@ class TiffPageRows : public RowReader {
 
  private:
   const TiffLayout& Layout() const { return page_.tiff->layout; }
+  void ReadPart(const TiffPart& part, const TiffTarget& target);
   bool IsPlain() const { return Layout().compression == COMPRESSION_NONE; }
 
   // The order of destruction is that of the last members first.
@@ -107,7 +110,20 @@ class TiffPageRows : public RowReader {
   const Pixels like_;
   CodecReport noticed_;
   TiffParts parts_;
+  std::unique_ptr<LongStrips> strips_;
 };
+
+void TiffPageRows::ReadPart(const TiffPart& part, const TiffTarget& target) {
+  const TiffLayout& layout = Layout();
+  const bool isWhole = part.height == layout.height;
+  if (!HasLongStrips(layout) || isWhole) return parts_.Read(part, target);
+  if (!strips_) {
+    const OpenedTiff& tiff = *page_.tiff;
+    strips_ = std::make_unique<LongStrips>(page_.tiff->source, layout, tiff.colors, tiff.blanks,
+                                           parts_.Faults());
+  }
+  strips_->Read(part.top, part.height, target);
+}
 
 void TiffPageRows::Read(int left, int top, Pixels& target) {
   const int width = WidthOf(target), height = HeightOf(target);
@@ -119,11 +135,11 @@ void TiffPageRows::Read(int left, int top, Pixels& target) {
                       static_cast<uint32_t>(width), static_cast<uint32_t>(height)};
   if (page_.hasNarrowIndexes) {
     Samples indexes(std::get<Samples>(page_.tiff->like).Layout(), width, height);
-    parts_.Read(part, page_.tiff->TargetOf(indexes));
+    ReadPart(part, page_.tiff->TargetOf(indexes));
     CopyIndexes(indexes, std::get<Raster>(target));
     return;
   }
-  parts_.Read(part, page_.tiff->TargetOf(target));
+  ReadPart(part, page_.tiff->TargetOf(target));
   if (auto* raster = std::get_if<Raster>(&target)) raster->ClearPadding();
 }
 

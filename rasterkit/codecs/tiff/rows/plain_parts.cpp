@@ -138,7 +138,9 @@ uint32_t PlainParts::ReadRows(uint32_t position, uint32_t first, uint32_t rows,
                               int bitsPerPixel) {
   const bool isAligned = bit == 0 && columns.before == 0;
   const size_t rowBytes = layout_.grid.rowBytes, gap = rowBytes - columns.bytes;
-  const bool isInPlace = isAligned && WorksInPlace(layout_) &&
+  // Exchanged pixels are written from one cache to the next: in place, each load would wait for the
+  // store before.
+  const bool isInPlace = isAligned && WorksInPlace(layout_) && layout_.rows != TiffRowKind::rgb &&
                          (columns.bytes >= kScatteredBytes || (gap == 0 && stride == rowBytes));
   size_t pitch = stride, planeBytes = 0;
   uint8_t* place = target;
