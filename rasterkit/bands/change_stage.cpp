@@ -1,13 +1,10 @@
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <utility>
 
-#include <rasterkit/bands/color_changes.h>
-#include <rasterkit/bands/pixel_grid.h>
-#include <rasterkit/bands/stage/row_work.h>
+#include <rasterkit/bands/change_works.h>
+#include <rasterkit/bands/colors/looking_work.h>
 #include <rasterkit/bands/stages.h>
-#include <rasterkit/raster/cut_out.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
@@ -62,70 +59,46 @@ struct Check {
   }
 };
 
-class ChangeColorsOfRows : public Stage {
+constexpr const char* kRastersOnly =
+    "colors are changed in pictures of 1 to 32 bits per pixel only";
+
+/// Says when the palette lost the transparent color.
+class EntriesWork : public detail::ForwardedWork {
  public:
-  ChangeColorsOfRows(Sides source, const ColorChange& change)
-      : source_(source), change_(change), reach_(std::visit(Check(), change)) {}
+  EntriesWork(std::unique_ptr<BandWork> work, bool hadKey)
+      : ForwardedWork(std::move(work)), hadKey_(hadKey) {}
 
-  RowRange Needs(RowRange target) const override {
-    if (target.count == 0 || reach_ == Reach::row) return target;
-    if (reach_ == Reach::wholePicture) return {0, source_.height};
-    const int first = std::max(0, target.first - 1);
-    return {first, std::min(source_.height, target.first + target.count + 1) - first};
-  }
-
-  Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
-    detail::RequireSides(source, source_);
-    auto* raster = std::get_if<Raster>(&source);
-    if (raster == nullptr) {
-      throw UnsupportedError("colors are changed in pictures of 1 to 32 bits per pixel only");
-    }
-    const bool hadKey = raster->transparentColor.has_value();
-    const int piece = detail::PieceOf(source_.height, raster->Stride());
-    const bool isInPieces = reach_ != Reach::wholePicture && piece < source_.height;
-    Raster made = isInPieces ? InPieces(*raster, piece, run) : Changed(std::move(*raster), run);
-    const bool setsEntries = std::holds_alternative<SetPaletteEntries>(change_);
-    if (setsEntries && hadKey && !made.transparentColor) {
-      changes.Lose(LossKind::transparentColor, "the transparent color",
-                   "its palette entry got another color");
-    }
-    if (run.progress) run.progress(1);
-    return made;
+  void Finish(Changes& changes) override {
+    if (!hadKey_ || std::get<Raster>(Like()).transparentColor) return;
+    changes.Lose(LossKind::transparentColor, "the transparent color",
+                 "its palette entry got another color");
   }
 
  private:
-  Raster Changed(Raster raster, const StageRun& run) const {
-    auto bitmap = std::make_unique<TBitmap>(std::move(raster));
-    std::visit([&](const auto& change) { detail::Change(change, bitmap, run); }, change_);
-    Raster made = bitmap->TakeContent();
-    // Black and white rows come with ones after the last pixel.
-    made.ClearPadding();
-    return made;
+  const bool hadKey_;
+};
+
+class ChangeColorsOfRows : public BandStage {
+ public:
+  ChangeColorsOfRows(Sides source, const ColorChange& change)
+      : BandStage(source), change_(change), reach_(std::visit(Check(), change)) {}
+
+  RowRange Needs(RowRange target) const override {
+    if (target.count == 0 || reach_ == Reach::row) return target;
+    if (reach_ == Reach::wholePicture) return {0, Source().height};
+    const int first = std::max(0, target.first - 1);
+    return {first, std::min(Source().height, target.first + target.count + 1) - first};
   }
 
-  /// The changed rows `first` to `last - 1`, perhaps with some around them.
-  Raster ChangedRows(const Raster& source, int first, int last, int& skipped) const {
-    const RowRange needs = Needs({first, last - first});
-    skipped = first - needs.first;
-    return Changed(CutOut(source, {0, needs.first, source_.width, needs.first + needs.count}), {});
+  std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun&) const override {
+    const auto* const raster = std::get_if<Raster>(&like);
+    if (raster == nullptr) throw UnsupportedError(kRastersOnly);
+    std::unique_ptr<BandWork> work = detail::BeginChange(change_, *raster, Source());
+    if (!std::holds_alternative<SetPaletteEntries>(change_)) return work;
+    return std::make_unique<EntriesWork>(std::move(work), raster->transparentColor.has_value());
   }
 
-  /// The kind of the result does not depend on the rows: all pieces have that of the first one.
-  Raster InPieces(const Raster& source, int piece, const StageRun& run) const {
-    int skipped = 0;
-    const Raster start = ChangedRows(source, 0, 1, skipped);
-    Raster target(start.Format(), source_.width, source_.height);
-    target.CopyProperties(start);
-    detail::ForRows(source_.height, piece, run, {}, [&](int first, int last) {
-      int above = 0;
-      const Raster part = ChangedRows(source, first, last, above);
-      const size_t bytes = static_cast<size_t>(last - first) * target.Stride();
-      std::memcpy(target.Row(first), part.Row(above), bytes);
-    });
-    return target;
-  }
-
-  const Sides source_;
+ private:
   const ColorChange change_;
   const Reach reach_;
 };

@@ -46,7 +46,7 @@ void PaintKeyEntries(TBitmap& bitmap, TColor background) {
 
 }  // namespace
 
-void Change(const MakeGray& change, BitmapPointer& bitmap, const StageRun&) {
+void Change(const MakeGray& change, BitmapPointer& bitmap) {
   if (change.trueColor || HasIndexes(*bitmap) || HasTransparency(*bitmap)) {
     return ChangeColors(*bitmap, [](TBitmap& pixels) { BitmapToGray(&pixels, true); });
   }
@@ -55,8 +55,8 @@ void Change(const MakeGray& change, BitmapPointer& bitmap, const StageRun&) {
   bitmap->SetProfile({});
 }
 
-void Change(const AdjustColors& change, BitmapPointer& bitmap, const StageRun& run) {
-  const auto adjust = [&](TBitmap& pixels) { AdjustPixels(pixels, change, run); };
+void Change(const AdjustColors& change, BitmapPointer& bitmap) {
+  const auto adjust = [&](TBitmap& pixels) { AdjustPixels(pixels, change); };
   if (change.sharpen == 0) return ChangeColors(*bitmap, adjust);
   // Sharpening depends on neighboring pixels, so it cannot change the palette alone.
   const AlphaPlane alphas(*bitmap);
@@ -65,13 +65,13 @@ void Change(const AdjustColors& change, BitmapPointer& bitmap, const StageRun& r
   alphas.Restore(*bitmap);
 }
 
-void Change(const WhitenLight& change, BitmapPointer& bitmap, const StageRun&) {
+void Change(const WhitenLight& change, BitmapPointer& bitmap) {
   const auto threshold = static_cast<uint8_t>(change.threshold);
   ChangeColors(*bitmap, [&](TBitmap& pixels) { SetToTransparent(&pixels, threshold); });
   if (change.makesTransparent) MarkTransparent(*bitmap, clWhite);
 }
 
-void Change(const RecolorByGray& change, BitmapPointer& bitmap, const StageRun&) {
+void Change(const RecolorByGray& change, BitmapPointer& bitmap) {
   if (!change.alpha) {
     return ChangeColors(*bitmap, [&](TBitmap& pixels) { RecolorPixels(pixels, change); });
   }
@@ -79,12 +79,12 @@ void Change(const RecolorByGray& change, BitmapPointer& bitmap, const StageRun&)
   RecolorPixels(*bitmap, change);
 }
 
-void Change(const ReplaceKeyColor& change, BitmapPointer& bitmap, const StageRun&) {
+void Change(const ReplaceKeyColor& change, BitmapPointer& bitmap) {
   ChangeColors(*bitmap, [&](TBitmap& pixels) { SetTransColor(pixels, change.color); });
   if (change.makesTransparent) MarkTransparent(*bitmap, change.color);
 }
 
-void Change(const WhiteForPdf&, BitmapPointer& bitmap, const StageRun&) {
+void Change(const WhiteForPdf&, BitmapPointer& bitmap) {
   if (HasIndexes(*bitmap) && PutWhiteLast(*bitmap)) return;
   // A full palette without white has no room for it, and the library's routine does not support
   // 15-bit pixels.
@@ -92,7 +92,7 @@ void Change(const WhiteForPdf&, BitmapPointer& bitmap, const StageRun&) {
   CheckTransColForPDF(bitmap.get());
 }
 
-void Change(const PaintTransparency& change, BitmapPointer& bitmap, const StageRun&) {
+void Change(const PaintTransparency& change, BitmapPointer& bitmap) {
   if (!HasTransparency(*bitmap)) return;
   if (HasIndexes(*bitmap)) return PaintKeyEntries(*bitmap, change.background);
   // For white, ResetTransparent handles fully transparent pixels; the rest is blended.
@@ -101,7 +101,7 @@ void Change(const PaintTransparency& change, BitmapPointer& bitmap, const StageR
   DropTransparency(bitmap, change.background);
 }
 
-void Change(const SwapOpacity&, BitmapPointer& bitmap, const StageRun&) {
+void Change(const SwapOpacity&, BitmapPointer& bitmap) {
   if (!HasTransparency(*bitmap)) {
     throw FormatError("the picture has no transparency; swapping would hide all of it");
   }
@@ -109,7 +109,7 @@ void Change(const SwapOpacity&, BitmapPointer& bitmap, const StageRun&) {
   SwapAlpha(bitmap.get());
 }
 
-void Change(const SetBits& change, BitmapPointer& bitmap, const StageRun&) {
+void Change(const SetBits& change, BitmapPointer& bitmap) {
   const TPixelFormat format = FormatOfBits(change.bits);
   if (HasAlpha(*bitmap) && format != pf32bit) DropTransparency(bitmap, clWhite);
   bitmap->SetPixelFormat(format);

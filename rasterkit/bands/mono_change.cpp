@@ -1,11 +1,6 @@
-#include <algorithm>
-#include <vector>
-
 #include <rasterkit/bands/color_changes.h>
 #include <rasterkit/bands/colors/opacity_plane.h>
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
-#include <rasterkit/kernels/gray/gray.h>
-#include <rasterkit/raster/row_conversion.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -60,20 +55,6 @@ struct Spread {
   }
 };
 
-std::array<uint64_t, 256> CountGrays(const TBitmap& bitmap) {
-  std::array<uint64_t, 256> counts{};
-  const PixelTable table = MakePixelTable(bitmap.Palette());
-  const auto width = static_cast<size_t>(bitmap.Width());
-  std::vector<RGBrec> colors(width);
-  std::vector<uint8_t> grays(width);
-  for (int y = 0; y < bitmap.Height(); ++y) {
-    RowTo24(bitmap.ScanLine(y), bitmap.Content().Format(), bitmap.Width(), table, colors.data());
-    kernels::GrayOfRow24(reinterpret_cast<const uint8_t*>(colors.data()), width, grays.data());
-    for (const uint8_t gray : grays) ++counts[gray];
-  }
-  return counts;
-}
-
 struct Channels {
   int red, green, blue;
   explicit Channels(TColor color)
@@ -110,15 +91,14 @@ int OtsuThreshold(const std::array<uint64_t, 256>& counts) {
   return (first + last) / 2;
 }
 
-void Change(const MakeMono& change, BitmapPointer& bitmap, const StageRun&) {
+void Change(const MakeMono& change, BitmapPointer& bitmap) {
   if (HasTransparency(*bitmap)) {
     DropTransparency(bitmap, clWhite);
     bitmap->SetTransparent(false);
   }
-  const int threshold = change.threshold ? *change.threshold : OtsuThreshold(CountGrays(*bitmap));
   const Channels dark(change.dark), light(change.light);
-  ColorBmpTo1Bit(bitmap.get(), threshold, dark.red, dark.green, dark.blue, light.red, light.green,
-                 light.blue);
+  ColorBmpTo1Bit(bitmap.get(), change.threshold.value(), dark.red, dark.green, dark.blue, light.red,
+                 light.green, light.blue);
   bitmap->SetProfile({});
 }
 

@@ -76,7 +76,7 @@ bool PutWhiteLast(TBitmap& bitmap) {
   return true;
 }
 
-void Change(const SetPaletteEntries& change, BitmapPointer& bitmap, const StageRun&) {
+void Change(const SetPaletteEntries& change, BitmapPointer& bitmap) {
   if (!HasIndexes(*bitmap)) {
     throw FormatError("a " + std::to_string(bitmap->StoredBits()) +
                       "-bit picture has no palette (convert --bits 8 creates one)");

@@ -21,8 +21,10 @@ using detail::ConstPixelGrid;
 using detail::PixelGrid;
 using kernels::RotationParts;
 
-/// Rows and columns of a tile whose source is turned or prepared first.
-constexpr int kTileRows = 128, kTileColumns = 512;
+/// Rows and columns of a tile whose source is turned or prepared first. Where rows fall slowly,
+/// more columns do not need much more of the source.
+constexpr int kTileRows = 128, kTileColumns = 512, kLongTileColumns = 4096;
+constexpr double kSlowFall = 1.0 / 64;
 
 /// A picture taken from another one along an affine.
 struct TurnTask {
@@ -71,7 +73,9 @@ class TakenWork : public BandWork {
         mapping_(MappingOf(task)),
         quarters_(std::move(quarters)),
         sourceLike_(NewPixels(quarters_ ? quarters_->Like() : like, 1, 1)),
-        form_(detail::PreparedPixels::ForTurn(sourceLike_, task.how)) {}
+        form_(detail::PreparedPixels::ForTurn(sourceLike_, task.how)),
+        tileColumns_(std::abs(task.toOld.yPerColumn) < kSlowFall ? kLongTileColumns
+                                                                 : kTileColumns) {}
 
   const Pixels& Like() const override { return form_.Like(); }
   Sides Size() const override { return task_.target; }
@@ -84,12 +88,14 @@ class TakenWork : public BandWork {
 
   void Make(const Band& source, Band& target, RowRange rows) const override {
     if (!quarters_ && !form_.Changes()) return Take(source, target, rows);
+    Tiles tiles{TurnedNeeds({target.left, rows.first, WidthOf(target.pixels), rows.count})};
     const int right = target.left + WidthOf(target.pixels);
     for (int top = rows.first; top < rows.first + rows.count; top += kTileRows) {
-      for (int left = target.left; left < right; left += kTileColumns) {
+      for (int left = target.left; left < right; left += tileColumns_) {
         MakeTile(source, target,
-                 {left, top, std::min(kTileColumns, right - left),
-                  std::min(kTileRows, rows.first + rows.count - top)});
+                 {left, top, std::min(tileColumns_, right - left),
+                  std::min(kTileRows, rows.first + rows.count - top)},
+                 tiles);
       }
     }
   }
@@ -126,26 +132,66 @@ class TakenWork : public BandWork {
     return task_.toOld.At(x, y);
   }
 
-  void MakeTile(const Band& source, Band& target, const BandRect& tile) const {
-    const BandRect needs = TurnedNeeds(tile);
-    Band made{NewPixels(form_.Like(), tile.width, tile.height), tile.left, tile.top};
-    Take(Prepared(source, needs), made, {tile.top, tile.height});
-    CopyPart(made.pixels, {0, 0, tile.width, tile.height}, target.pixels, tile.left - target.left,
-             tile.top - target.top);
+  /// Pixels that tiles share, so that not each of them gets memory anew.
+  struct Tiles {
+    /// The part of the turned source that all tiles together need.
+    BandRect region;
+    Band turned{Raster()}, made{Raster()};
+    /// Where nothing of the source shows.
+    Band nothing{Raster()};
+  };
+
+  static void Place(Band& band, const Pixels& like, const BandRect& rect) {
+    if (band.Rect().width != rect.width || band.Rect().height != rect.height) {
+      band.pixels = NewPixels(like, rect.width, rect.height);
+    }
+    band.left = rect.left;
+    band.top = rect.top;
   }
 
-  /// A part of the turned source, as it is taken.
-  Band Prepared(const Band& source, const BandRect& needs) const {
-    if (needs.width == 0) return {NewPixels(form_.Like(), 1, 1)};
-    if (!quarters_) {
-      Band part = CutBand(source, needs);
-      part.pixels = form_.Apply(std::move(part.pixels));
-      return part;
+  void MakeTile(const Band& source, Band& target, const BandRect& tile, Tiles& tiles) const {
+    Place(tiles.made, form_.Like(), tile);
+    Take(Prepared(source, tile, tiles), tiles.made, {tile.top, tile.height});
+    CopyPart(tiles.made.pixels, {0, 0, tile.width, tile.height}, target.pixels,
+             tile.left - target.left, tile.top - target.top);
+  }
+
+  /// What a tile needs; as large as that of most tiles where the region has room.
+  BandRect NeedsOfTile(const BandRect& tile, const BandRect& region) const {
+    constexpr int kRounding = 8;
+    const double sine = std::abs(task_.toOld.yPerColumn), cosine = std::abs(task_.toOld.xPerColumn);
+    const auto grow = [](int& first, int& count, double usual, int low, int size) {
+      const int wanted = static_cast<int>(std::min(usual + kRounding, double{1 << 20}));
+      const int grown = std::clamp(wanted, count, std::max(count, size));
+      first = std::max(low, std::min(first, low + size - grown));
+      count = grown;
+    };
+    BandRect needs = TurnedNeeds(tile);
+    if (needs.width == 0) return needs;
+    grow(needs.left, needs.width, cosine * tileColumns_ + sine * kTileRows, region.left,
+         region.width);
+    grow(needs.top, needs.height, sine * tileColumns_ + cosine * kTileRows, region.top,
+         region.height);
+    return needs;
+  }
+
+  /// The part of the turned source that a tile needs, as it is taken.
+  const Band& Prepared(const Band& source, const BandRect& tile, Tiles& tiles) const {
+    const BandRect needs = NeedsOfTile(tile, tiles.region);
+    if (needs.width == 0) {
+      Place(tiles.nothing, form_.Like(), {0, 0, 1, 1});
+      return tiles.nothing;
     }
-    Band turned{NewPixels(sourceLike_, needs.width, needs.height), needs.left, needs.top};
-    quarters_->Make(source, turned, {needs.top, needs.height});
-    if (form_.Changes()) turned.pixels = form_.Apply(std::move(turned.pixels));
-    return turned;
+    if (quarters_) {
+      // Prepared pixels are of another kind.
+      if (form_.Changes()) tiles.turned.pixels = Raster();
+      Place(tiles.turned, sourceLike_, needs);
+      quarters_->Make(source, tiles.turned, {needs.top, needs.height});
+    } else {
+      tiles.turned = CutBand(source, needs);
+    }
+    if (form_.Changes()) tiles.turned.pixels = form_.Apply(std::move(tiles.turned.pixels));
+    return tiles.turned;
   }
 
   void Take(const Band& source, Band& target, RowRange rows) const {
@@ -203,6 +249,7 @@ class TakenWork : public BandWork {
   /// A pixel of the turned source.
   const Pixels sourceLike_;
   const detail::PreparedPixels form_;
+  const int tileColumns_;
 };
 
 /// Rows that the affine leads to, with those around them.

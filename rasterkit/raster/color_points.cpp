@@ -13,27 +13,6 @@ constexpr size_t kManyColors = 16384;
 // About this number of pixels is sampled.
 constexpr double kSamplePixels = 1 << 17;
 
-// Visits pixels of a grid over the picture, or all pixels of a small one. Each row of the grid has
-// another offset, so that a pattern in the picture is not missed.
-template <class Visit>
-bool VisitPixels(const Raster& source, Visit visit) {
-  const PixelTable table = MakePixelTable(source.palette);
-  std::vector<RGBArec> pixels(static_cast<size_t>(source.Width()));
-  const double all = static_cast<double>(source.Width()) * source.Height();
-  const auto step =
-      static_cast<uint32_t>(std::max(1.0, std::floor(std::sqrt(all / kSamplePixels))));
-  uint32_t number = 0;
-  // A picture may have fewer rows than half a step.
-  const int first = std::min(static_cast<int>(step / 2), (source.Height() - 1) / 2);
-  for (int y = first; y < source.Height(); y += static_cast<int>(step)) {
-    RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
-    for (size_t x = (number++ * 0x9E3779B1u >> 16) % step; x < pixels.size(); x += step) {
-      if (!visit(pixels[x])) return false;
-    }
-  }
-  return true;
-}
-
 // Distinct colors by open addressing, half full at most.
 class DistinctColors {
  public:
@@ -87,23 +66,46 @@ std::vector<ColorPoint> MeansOf(const std::vector<GridBox>& boxes) {
 
 }  // namespace
 
-std::vector<ColorPoint> CollectColorPoints(const Raster& source) {
-  DistinctColors colors;
-  if (VisitPixels(source, [&](const RGBArec& pixel) { return colors.Add(pixel); })) {
-    return std::move(colors.points);
+// A picture may have fewer rows than half a step.
+ColorSample::ColorSample(int width, int height) : width_(static_cast<size_t>(width)) {
+  const double all = static_cast<double>(width) * height;
+  step_ = static_cast<uint32_t>(std::max(1.0, std::floor(std::sqrt(all / kSamplePixels))));
+  first_ = std::min(static_cast<int>(step_ / 2), (height - 1) / 2);
+}
+
+void ColorSample::Add(const RGBArec* pixels) {
+  for (size_t x = (number_++ * 0x9E3779B1u >> 16) % step_; x < width_; x += step_) {
+    pixels_.push_back(pixels[x]);
   }
+}
+
+std::vector<ColorPoint> ColorSample::Points() const {
+  DistinctColors colors;
+  const auto add = [&](const RGBArec& pixel) { return colors.Add(pixel); };
+  if (std::ranges::all_of(pixels_, add)) return std::move(colors.points);
 
   std::vector<GridBox> boxes(32 * 32 * 32);
-  VisitPixels(source, [&](const RGBArec& pixel) {
+  for (const RGBArec& pixel : pixels_) {
     GridBox& box = boxes[static_cast<size_t>(pixel.r >> 3) << 10 |
                          static_cast<size_t>(pixel.g >> 3) << 5 | pixel.b >> 3];
     ++box.count;
     box.blue += pixel.b;
     box.green += pixel.g;
     box.red += pixel.r;
-    return true;
-  });
+  }
   return MeansOf(boxes);
+}
+
+std::vector<ColorPoint> CollectColorPoints(const Raster& source) {
+  const PixelTable table = MakePixelTable(source.palette);
+  std::vector<RGBArec> pixels(static_cast<size_t>(source.Width()));
+  ColorSample sample(source.Width(), source.Height());
+  for (int y = 0; y < source.Height(); ++y) {
+    if (!sample.Has(y)) continue;
+    RowTo32(source.Row(y), source.Format(), source.Width(), table, pixels.data());
+    sample.Add(pixels.data());
+  }
+  return sample.Points();
 }
 
 }  // namespace rasterkit

@@ -14,8 +14,6 @@ namespace {
 
 using IndexMap = std::array<uint8_t, 256>;
 
-using IndexCounts = std::array<uint64_t, 256>;
-
 IndexCounts CountIndexes(const Raster& source) {
   IndexCounts counts{};
   std::vector<uint8_t> indexes(static_cast<size_t>(source.Width()));
@@ -26,15 +24,15 @@ IndexCounts CountIndexes(const Raster& source) {
   return counts;
 }
 
-Raster MapIndexes(const Raster& source, TPixelFormat format, const IndexMap& map,
-                  HPALETTE palette) {
+Raster MapIndexes(const Raster& source, TPixelFormat format, const IndexPlan& plan) {
   Raster target(format, source.Width(), source.Height());
   target.CopyProperties(source);
-  target.palette = std::move(palette);
+  target.palette = plan.palette;
+  if (plan.isThreshold) target.alphaFormat = afIgnored;
   std::vector<uint8_t> indexes(static_cast<size_t>(source.Width()));
   for (int y = 0; y < source.Height(); ++y) {
     UnpackIndexes(source.Row(y), source.Format(), source.Width(), indexes.data());
-    for (uint8_t& index : indexes) index = map[index];
+    for (uint8_t& index : indexes) index = plan.map[index];
     PackIndexes(indexes.data(), format, source.Width(), target.Row(y));
   }
   target.ClearPadding();
@@ -114,26 +112,38 @@ void ArrangeTwoColors(ColorMap& colors) {
   for (uint8_t& index : colors.map) index ^= 1;
 }
 
+/// Gray above 127 is white.
+IndexPlan ThresholdPlan(const HPALETTE& palette) {
+  IndexPlan plan;
+  plan.palette = DefaultPalette(pf1bit);
+  plan.isThreshold = true;
+  for (int i = 0; i < 256; ++i) {
+    plan.map[static_cast<size_t>(i)] = IsLight(palette.Entry(i)) ? 1 : 0;
+  }
+  return plan;
+}
+
 }  // namespace
 
-Raster ConvertIndexed(const Raster& source, TPixelFormat format) {
-  const auto limit = static_cast<size_t>(1) << StoredBitsPerPixel(format);
-  if (format > source.Format()) {
-    return MapIndexes(source, format, KeepIndexes(), ResizedPalette(source.palette, limit));
-  }
-
-  const IndexCounts counts = CountIndexes(source);
+IndexPlan PlanOfIndexes(const IndexCounts& counts, const HPALETTE& palette, TPixelFormat from,
+                        TPixelFormat to) {
+  const auto limit = static_cast<size_t>(1) << StoredBitsPerPixel(to);
   const auto beyond = counts.begin() + static_cast<ptrdiff_t>(limit);
-  if (std::all_of(beyond, counts.end(), [](uint64_t count) { return count == 0; })) {
-    return MapIndexes(source, format, KeepIndexes(), ResizedPalette(source.palette, limit));
-  }
+  const bool fits =
+      to > from || std::all_of(beyond, counts.end(), [](uint64_t count) { return count == 0; });
+  if (fits) return {KeepIndexes(), ResizedPalette(palette, limit), false};
 
-  std::optional<ColorMap> colors = MapColors(counts, source.palette, limit);
-  if (!colors && format == pf1bit) return ThresholdToMono(source);
-  if (!colors) colors = MapNearest(counts, source.palette, limit);
-  if (format == pf1bit) ArrangeTwoColors(*colors);
+  std::optional<ColorMap> colors = MapColors(counts, palette, limit);
+  if (!colors && to == pf1bit) return ThresholdPlan(palette);
+  if (!colors) colors = MapNearest(counts, palette, limit);
+  if (to == pf1bit) ArrangeTwoColors(*colors);
   colors->entries.resize(limit);
-  return MapIndexes(source, format, colors->map, HPALETTE(colors->entries));
+  return {colors->map, HPALETTE(colors->entries), false};
+}
+
+Raster ConvertIndexed(const Raster& source, TPixelFormat format) {
+  const IndexCounts counts = format > source.Format() ? IndexCounts() : CountIndexes(source);
+  return MapIndexes(source, format, PlanOfIndexes(counts, source.palette, source.Format(), format));
 }
 
 Raster ThresholdToMono(const Raster& source) {

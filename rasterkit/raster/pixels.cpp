@@ -1,3 +1,5 @@
+#include <limits>
+
 #include <rasterkit/raster/pixels.h>
 
 namespace rasterkit {
@@ -74,6 +76,26 @@ Pixels NewPixels(const Pixels& like, int width, int height) {
   Raster made(raster.Format(), width, height);
   made.CopyProperties(raster);
   return made;
+}
+
+uint64_t BytesOfPixels(const Pixels& like, int width, int height) {
+  uint64_t row = 0;
+  auto rows = static_cast<uint64_t>(height);
+  if (const auto* samples = std::get_if<Samples>(&like)) {
+    row = static_cast<uint64_t>(width) * samples->PixelBytes();
+    rows *= static_cast<uint64_t>(samples->Planes());
+  } else {
+    row = StrideBytes(width, StoredBitsPerPixel(std::get<Raster>(like).Format()));
+  }
+  constexpr uint64_t kMost = std::numeric_limits<uint64_t>::max();
+  return row != 0 && rows > kMost / row ? kMost : row * rows;
+}
+
+Pixels PixelsInMemory(uint8_t* memory, const Pixels& like, int width, int height) {
+  if (const auto* samples = std::get_if<Samples>(&like)) {
+    return Samples::InMemory(memory, *samples, width, height);
+  }
+  return Raster::InMemory(memory, std::get<Raster>(like), width, height);
 }
 
 }  // namespace rasterkit

@@ -26,4 +26,10 @@ RASTERKIT_EXPORT PixelLayout LayoutOf(const Pixels& pixels);
 /// Pixels of another size with the kind and the properties of `like`. Their content is undefined.
 RASTERKIT_EXPORT Pixels NewPixels(const Pixels& like, int width, int height);
 
+/// Bytes of the rows that NewPixels allocates; all ones if that is beyond 64 bits.
+RASTERKIT_EXPORT uint64_t BytesOfPixels(const Pixels& like, int width, int height);
+
+/// The same in `memory`, which holds BytesOfPixels bytes and outlives the result.
+RASTERKIT_EXPORT Pixels PixelsInMemory(uint8_t* memory, const Pixels& like, int width, int height);
+
 }  // namespace rasterkit

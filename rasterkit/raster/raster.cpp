@@ -47,6 +47,18 @@ Raster::Raster(TPixelFormat format, int width, int height) {
   palette = DefaultPalette(format);
 }
 
+Raster Raster::InMemory(uint8_t* rows, const Raster& like, int width, int height) {
+  RequireSize(width, height);
+  Raster made;
+  made.format_ = like.format_;
+  made.width_ = width;
+  made.height_ = height;
+  made.stride_ = static_cast<size_t>(StrideBytes(width, StoredBitsPerPixel(like.format_)));
+  made.memory_ = PixelMemory::Borrowed(rows, made.stride_ * static_cast<size_t>(height));
+  made.CopyProperties(like);
+  return made;
+}
+
 Raster::Raster(Raster&& other) noexcept {
   *this = std::move(other);
 }

@@ -39,6 +39,9 @@ class RASTERKIT_EXPORT Raster : public RasterProperties {
   /// pf32bit. Throws LimitError if the rows exceed the picture memory budget, RangeError for a
   /// negative size.
   Raster(TPixelFormat format, int width, int height);
+  /// A raster with the format and the properties of `like` whose rows are in memory that somebody
+  /// else keeps, and longer than this object.
+  static Raster InMemory(uint8_t* rows, const Raster& like, int width, int height);
   /// Moves rows and properties; `other` is empty afterwards, 0 x 0.
   Raster(Raster&& other) noexcept;
   Raster& operator=(Raster&& other) noexcept;

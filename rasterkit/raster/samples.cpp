@@ -42,6 +42,17 @@ Samples::Samples(const PixelLayout& layout, int width, int height, bool inPlanes
   planes_ = inPlanes ? layout.bands : 1;
 }
 
+Samples Samples::InMemory(uint8_t* rows, const Samples& like, int width, int height) {
+  Samples made;
+  made.layout_ = like.layout_;
+  made.resolution = like.resolution;
+  made.width_ = width;
+  made.height_ = height;
+  made.planes_ = like.planes_;
+  made.memory_ = PixelMemory::Borrowed(rows, made.Offset(0, made.planes_));
+  return made;
+}
+
 Samples::Samples(Samples&& other) noexcept {
   *this = std::move(other);
 }

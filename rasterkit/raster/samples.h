@@ -21,6 +21,9 @@ class RASTERKIT_EXPORT Samples {
   /// Allocates rows with undefined content. Throws LimitError beyond the memory budget, RangeError
   /// for sides or bands below 1.
   Samples(const PixelLayout& layout, int width, int height, bool inPlanes = false);
+  /// Samples of the kind of `like` whose rows are in memory that somebody else keeps, and longer
+  /// than this object.
+  static Samples InMemory(uint8_t* rows, const Samples& like, int width, int height);
   Samples(Samples&&) noexcept;
   Samples& operator=(Samples&&) noexcept;
   Samples Clone() const;

@@ -137,6 +137,17 @@ TEST(PlacesInPartsTest, LargePicturesOfManyTiles) {
   }
 }
 
+TEST(PlacesInPartsTest, LongRowsAfterAQuarterTurn) {
+  Draw draw(kSeed + 7);
+  for (const auto& kind : test::RasterKinds()) {
+    SCOPED_TRACE(kind.name);
+    const Pixels source = kind.make(draw.From(1, 20), draw.From(8300, 9000), draw.random);
+    const auto stage = RotateStage(SidesOf(source), draw.From(0, 1) == 0 ? 90.3 : 269.7);
+    Compare(*stage, source, draw);
+    if (testing::Test::HasFailure()) return;
+  }
+}
+
 TEST(PlacesInPartsTest, AffinesOfEveryKind) {
   Draw draw(kSeed + 5);
   const Affine affines[] = {{0.7, -0.2, 0.3, 1.1, -3.3, 4.7},

@@ -1,18 +1,18 @@
-#include <optional>
+#include <algorithm>
 #include <utility>
 
 #include <rasterkit/bands/flow/band_flow.h>
-#include <rasterkit/bands/flow/executor.h>
+#include <rasterkit/bands/flow/flow_builder.h>
+#include <rasterkit/bands/flow/foretold_rows.h>
 
 namespace rasterkit {
 
 class BandFlow::Parts {
  public:
-  std::unique_ptr<RowReader> reader;
+  std::shared_ptr<RowReader> reader;
   Stages stages;
   FlowSettings settings;
-  Changes changes;
-  std::optional<Pixels> made;
+  std::unique_ptr<detail::FlowBuilder> builder;
 };
 
 BandFlow::BandFlow(std::unique_ptr<RowReader> reader, Stages stages, FlowSettings settings)
@@ -20,33 +20,50 @@ BandFlow::BandFlow(std::unique_ptr<RowReader> reader, Stages stages, FlowSetting
   parts_->reader = std::move(reader);
   parts_->stages = std::move(stages);
   parts_->settings = std::move(settings);
+  parts_->builder = std::make_unique<detail::FlowBuilder>(parts_->reader, parts_->settings);
 }
 
 BandFlow::~BandFlow() = default;
 
 void BandFlow::Begin(const StageRun& run) {
-  RowReader& reader = *parts_->reader;
-  Pixels source = NewPixels(reader.Like(), reader.Width(), reader.Height());
-  reader.Read(0, 0, source);
-  parts_->made = RunStages(std::move(source), parts_->stages, run, parts_->changes);
+  const auto count = static_cast<double>(parts_->stages.size());
+  for (size_t i = 0; i < parts_->stages.size(); ++i) {
+    StageRun part{run.threads, {}};
+    if (run.progress) {
+      part.progress = [&run, i, count](double done) {
+        run.progress((static_cast<double>(i) + done) / count);
+      };
+    }
+    parts_->builder->Add(*parts_->stages[i], part);
+  }
+  if (run.progress) run.progress(1);
 }
 
 const Pixels& BandFlow::Like() const {
-  return *parts_->made;
+  return parts_->builder->Chain().Like();
 }
 
 Sides BandFlow::Size() const {
-  return {WidthOf(*parts_->made), HeightOf(*parts_->made)};
+  return parts_->builder->Chain().Size();
 }
 
-void BandFlow::Run(const StageRun&, const std::function<void(Pixels& rows, int top)>& take) {
-  take(*parts_->made, 0);
+void BandFlow::Run(const StageRun& run, const std::function<void(Pixels& rows, int top)>& take) {
+  parts_->builder->Run(run, take);
 }
 
 void BandFlow::Finish(CodecReport& report, Changes& changes) {
   parts_->reader->Finish(report);
-  for (Loss& loss : parts_->changes.losses) changes.losses.push_back(std::move(loss));
-  for (std::string& note : parts_->changes.notes) changes.notes.push_back(std::move(note));
+  parts_->builder->Finish(changes);
+}
+
+FlowNeeds ForetellFlow(const RowReader& reader, const Stages& stages,
+                       const FlowSettings& settings) {
+  const detail::ForetoldRows facts(reader.Like(), {reader.Width(), reader.Height()},
+                                   reader.Access(), reader.BlockRows());
+  detail::FlowBuilder builder(std::make_shared<detail::ForetoldRows>(facts), settings);
+  for (const auto& stage : stages) builder.Add(*stage, {});
+  builder.Run({}, {});
+  return builder.Needs();
 }
 
 }  // namespace rasterkit

@@ -24,7 +24,8 @@ struct FlowSettings {
   std::string scratchFolder;
 };
 
-/// What a flow holds at most, known before it starts.
+/// Bytes that a flow holds at most, known before it starts: in memory beside what the reader and
+/// the writer hold, and in a scratch file.
 struct FlowNeeds {
   uint64_t memory = 0, scratch = 0;
 };
@@ -42,8 +43,8 @@ class RASTERKIT_EXPORT BandFlow {
   BandFlow(std::unique_ptr<RowReader> reader, Stages stages, FlowSettings settings);
   ~BandFlow();
 
-  /// Does all that comes before the first row: passes over the source, scratch space. `run.progress`
-  /// gets the progress of this part.
+  /// Does all that comes before the first row: passes over the source, scratch space.
+  /// `run.progress` gets the progress of this part.
   void Begin(const StageRun& run);
   /// A picture of any size with the kind of the result's pixels. After Begin.
   const Pixels& Like() const;
@@ -59,6 +60,12 @@ class RASTERKIT_EXPORT BandFlow {
   class Parts;
   std::unique_ptr<Parts> parts_;
 };
+
+/// What a flow from such a reader holds at most. Reads no rows. Works that look at the rows before
+/// they know their result are judged by blank ones; stages that need whole pictures, and those
+/// after them, as if they kept the size.
+RASTERKIT_EXPORT FlowNeeds ForetellFlow(const RowReader& reader, const Stages& stages,
+                                        const FlowSettings& settings);
 
 /// A reader of rows that are in memory.
 RASTERKIT_EXPORT std::unique_ptr<RowReader> RowsInMemory(Pixels pixels);

@@ -1,37 +1,26 @@
-#include <cstring>
 #include <utility>
 
 #include <rasterkit/bands/flow/band_flow.h>
-#include <rasterkit/bands/stage/band.h>
+#include <rasterkit/bands/flow/memory_rows.h>
 
 namespace rasterkit {
-namespace {
 
-class MemoryRows : public RowReader {
- public:
-  explicit MemoryRows(std::shared_ptr<const Pixels> pixels) : pixels_(std::move(pixels)) {}
+Band detail::MemoryRows::View() {
+  uint8_t* const rows = std::visit([](auto& whole) { return whole.Row(0); }, *pixels_);
+  return {PixelsInMemory(rows, *pixels_, Width(), Height())};
+}
 
-  int Width() const override { return WidthOf(*pixels_); }
-  int Height() const override { return HeightOf(*pixels_); }
-  RowAccess Access() const override { return RowAccess::anyParts; }
-  const Pixels& Like() const override { return *pixels_; }
-  void Read(int left, int top, Pixels& target) override {
-    CopyPart(*pixels_, {left, top, WidthOf(target), HeightOf(target)}, target, 0, 0);
-  }
-  void Finish(CodecReport&) override {}
-
- private:
-  const std::shared_ptr<const Pixels> pixels_;
-};
-
-}  // namespace
+void detail::MemoryRows::Read(int left, int top, Pixels& target) {
+  CopyPart(*pixels_, {left, top, WidthOf(target), HeightOf(target)}, target, 0, 0);
+}
 
 std::unique_ptr<RowReader> RowsInMemory(Pixels pixels) {
-  return RowsInMemory(std::make_shared<const Pixels>(std::move(pixels)));
+  return std::make_unique<detail::MemoryRows>(std::make_shared<Pixels>(std::move(pixels)), true);
 }
 
 std::unique_ptr<RowReader> RowsInMemory(std::shared_ptr<const Pixels> pixels) {
-  return std::make_unique<MemoryRows>(std::move(pixels));
+  return std::make_unique<detail::MemoryRows>(std::const_pointer_cast<Pixels>(std::move(pixels)),
+                                              false);
 }
 
 }  // namespace rasterkit

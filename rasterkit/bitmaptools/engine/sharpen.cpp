@@ -23,18 +23,18 @@ void CopyPadded(const TBitmap& bitmap, int y, PaddedRow& row) {
   std::copy_n(source + bytes - kPixel, kPixel, row.data() + kPixel + bytes);
 }
 
-/// Factor that turns nine times the distance from the mean into a percentage of that distance.
-int16_t ShareOf(int32_t percent) {
+}  // namespace
+
+/// Turns nine times the distance from the mean into a percentage of that distance.
+int16_t detail::SharpenShare(int32_t percent) {
   const int weight = percent > 0 ? 2 * percent : percent;
   return static_cast<int16_t>(Round(weight * 32768.0 / 900));
 }
 
-}  // namespace
-
 void Sharpen(TBitmap* bitmap, int32_t percent) {
   if (percent == 0 || bitmap == nullptr || bitmap->Empty()) return;
   bitmap->SetPixelFormat(pf24bit);
-  const int16_t share = ShareOf(std::clamp(percent, -100, 100));
+  const int16_t share = detail::SharpenShare(std::clamp(percent, -100, 100));
   const auto width = static_cast<size_t>(bitmap->Width());
   // Original rows above, at and below the row that is written.
   std::array<PaddedRow, 3> rows;

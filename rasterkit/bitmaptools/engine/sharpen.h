@@ -18,4 +18,11 @@ class TBitmap;
 /// gets the same result as the whole picture. Null and empty bitmaps stay as they are.
 RASTERKIT_EXPORT void Sharpen(TBitmap* bitmap, int32_t percent);
 
+namespace detail {
+
+/// The share of kernels::SharpenRow24 for a percentage from -100 to 100.
+int16_t SharpenShare(int32_t percent);
+
+}  // namespace detail
+
 }  // namespace rasterkit

@@ -17,10 +17,11 @@ uint8_t RoundedAndCut(double value) {
   return value >= 0 ? static_cast<uint8_t>(Round(value)) : uint8_t{0};
 }
 
-/// Result of the percentage for each channel value. The product of a channel and a single is exact
-/// in double and must not be rounded to single: 15 times 1.3 is a little less than 19.5 and
-/// becomes 19.
-ChannelTable TableOf(float percent) {
+}  // namespace
+
+/// The product of a channel and a single is exact in double and must not be rounded to single: 15
+/// times 1.3 is a little less than 19.5 and becomes 19.
+std::array<uint8_t, 256> detail::ShiftTable(float percent) {
   const auto factor = static_cast<float>(static_cast<double>(percent) / 100 + 1);
   ChannelTable table{};
   for (size_t i = 0; i < table.size(); ++i) {
@@ -29,12 +30,11 @@ ChannelTable TableOf(float percent) {
   return table;
 }
 
-}  // namespace
-
 void ShiftColors(TBitmap* bitmap, float red, float green, float blue) {
   if (bitmap == nullptr || bitmap->Empty()) return;
   bitmap->SetPixelFormat(pf24bit);
-  const ChannelTable reds = TableOf(red), greens = TableOf(green), blues = TableOf(blue);
+  const ChannelTable reds = detail::ShiftTable(red), greens = detail::ShiftTable(green),
+                     blues = detail::ShiftTable(blue);
   for (int y = 0; y < bitmap->Height(); ++y) {
     auto* const row = reinterpret_cast<RGBrec*>(bitmap->ScanLine(y));
     for (int x = 0; x < bitmap->Width(); ++x) {

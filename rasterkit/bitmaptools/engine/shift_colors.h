@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
+
 #include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
@@ -13,5 +16,12 @@ class TBitmap;
 /// The factor, percentage / 100 + 1, has single precision; its exact product with the channel is
 /// rounded, halves to even, and clamped to 0 to 255. Null and empty bitmaps stay as they are.
 RASTERKIT_EXPORT void ShiftColors(TBitmap* bitmap, float red, float green, float blue);
+
+namespace detail {
+
+/// Result of ShiftColors for each value of a channel.
+std::array<uint8_t, 256> ShiftTable(float percent);
+
+}  // namespace detail
 
 }  // namespace rasterkit

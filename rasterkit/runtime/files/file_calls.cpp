@@ -36,6 +36,10 @@ int SetAttribute(int handle, const char* name, const void* value, size_t size) {
   return fsetxattr(handle, name, value, size, 0);
 }
 
+int Reserve(int handle, off_t position, off_t count) {
+  return fallocate(handle, 0, position, count);
+}
+
 int AwaitWrites(int handle) {
   return sync_file_range(handle, 0, 0, SYNC_FILE_RANGE_WAIT_BEFORE);
 }
@@ -48,6 +52,7 @@ FileCalls calls = {
     .readPiecesAt = preadv,
     .write = write,
     .writeAt = pwrite,
+    .reserve = Reserve,
     .status = fstat,
     .statusAt = fstatat,
     .accessAt = AccessAt,

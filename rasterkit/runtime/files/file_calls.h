@@ -20,6 +20,9 @@ struct FileCalls {
   ssize_t (*write)(int handle, const void* bytes, size_t count);
   ssize_t (*writeAt)(int handle, const void* bytes, size_t count, off_t position);
 
+  /// Gives a range of a file its place on the disk.
+  int (*reserve)(int handle, off_t position, off_t count);
+
   int (*status)(int handle, struct stat* status);
   int (*statusAt)(int folder, const char* name, struct stat* status, int flags);
   int (*accessAt)(int folder, const char* name, int mode);

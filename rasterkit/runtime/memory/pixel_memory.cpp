@@ -68,7 +68,16 @@ void PixelMemory::Allocate(size_t bytes) {
   }
 }
 
+PixelMemory PixelMemory::Borrowed(uint8_t* data, size_t bytes) {
+  PixelMemory memory;
+  memory.data_ = data;
+  memory.size_ = bytes;
+  memory.isBorrowed_ = true;
+  return memory;
+}
+
 PixelMemory::~PixelMemory() {
+  if (isBorrowed_) return;
   if (capacity_ > 0) {
     detail::ReturnLargeBlock({data_, capacity_});
   } else {
@@ -80,7 +89,8 @@ PixelMemory::PixelMemory(PixelMemory&& other) noexcept
     : share_(std::move(other.share_)),
       data_(std::exchange(other.data_, nullptr)),
       size_(std::exchange(other.size_, 0)),
-      capacity_(std::exchange(other.capacity_, 0)) {}
+      capacity_(std::exchange(other.capacity_, 0)),
+      isBorrowed_(std::exchange(other.isBorrowed_, false)) {}
 
 PixelMemory& PixelMemory::operator=(PixelMemory&& other) noexcept {
   PixelMemory taken(std::move(other));
@@ -88,6 +98,7 @@ PixelMemory& PixelMemory::operator=(PixelMemory&& other) noexcept {
   std::swap(data_, taken.data_);
   std::swap(size_, taken.size_);
   std::swap(capacity_, taken.capacity_);
+  std::swap(isBorrowed_, taken.isBorrowed_);
   return *this;
 }
 

@@ -18,6 +18,8 @@ class RASTERKIT_EXPORT PixelMemory {
   PixelMemory() = default;
   /// Throws LimitError if out of memory or beyond the limit of the process (see MemoryShare).
   explicit PixelMemory(size_t bytes);
+  /// Memory that somebody else keeps, and longer than this object. It is not counted.
+  static PixelMemory Borrowed(uint8_t* data, size_t bytes);
   ~PixelMemory();
   PixelMemory(PixelMemory&& other) noexcept;
   PixelMemory& operator=(PixelMemory&& other) noexcept;
@@ -37,6 +39,7 @@ class RASTERKIT_EXPORT PixelMemory {
   size_t size_ = 0;
   /// Of a block from the pool; 0 for other blocks.
   size_t capacity_ = 0;
+  bool isBorrowed_ = false;
 };
 
 }  // namespace rasterkit

@@ -1,0 +1,204 @@
+#include <atomic>
+#include <random>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include <rasterkit/bands/flow/band_flow.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/scratch_file.h>
+#include <rasterkit/runtime/limits.h>
+#include <rasterkit/runtime/memory/memory_share.h>
+
+#include "tests/bands/band_pictures.h"
+#include "tests/bands/flow/flow_readers.h"
+#include "tests/bands/flow/flow_stages.h"
+#include "tests/runtime/files/replaced_calls.h"
+#include "tests/support/temp_folder.h"
+
+namespace rasterkit {
+namespace {
+
+using test::Doing;
+using test::ReadCount;
+using test::ReaderOf;
+using test::SidesOf;
+using test::StagesFor;
+
+constexpr int kHeight = 100;
+
+Pixels Source() {
+  std::mt19937 random(6);
+  return test::EveryKind()[5].make(20, kHeight, random);
+}
+
+struct Outcome {
+  std::string error;
+  int taken = 0;
+};
+
+Outcome OutcomeOf(const Pixels& source, const std::vector<Doing>& doings,
+                  const test::TestReader& how, const FlowSettings& settings, int failAt = -1,
+                  const StageRun* given = nullptr) {
+  Outcome outcome;
+  const StageRun usual{settings.threads, {}};
+  const StageRun& run = given != nullptr ? *given : usual;
+  try {
+    BandFlow flow(ReaderOf(source, how, nullptr), StagesFor(doings, SidesOf(source)), settings);
+    flow.Begin(run);
+    flow.Run(run, [&](Pixels& rows, int top) {
+      if (failAt >= top && failAt < top + HeightOf(rows)) throw FileError("the disk is full");
+      outcome.taken = top + HeightOf(rows);
+    });
+  } catch (const Error& error) {
+    outcome.error = error.what();
+  }
+  return outcome;
+}
+
+TEST(FlowFaultsTest, ThrowsTheFirstErrorInTheOrderOfRows) {
+  const Pixels source = Source();
+  for (const RowAccess access : {RowAccess::rising, RowAccess::anyRows, RowAccess::anyParts}) {
+    for (const int rows : {1, 4}) {
+      for (const int threads : {1, 2, 7}) {
+        for (int repeated = 0; repeated < 10; ++repeated) {
+          FlowSettings settings;
+          settings.rows = rows;
+          settings.threads = threads;
+          SCOPED_TRACE("rows " + std::to_string(rows) + ", threads " + std::to_string(threads));
+          // A reader that fails, alone.
+          Outcome outcome = OutcomeOf(source, {Doing::reachOne}, {access, 1, 30, {}}, settings);
+          EXPECT_EQ(outcome.error, "row 30 is damaged");
+          EXPECT_EQ(outcome.taken, rows == 1 ? 29 : 28);
+          // Below the row where a stage fails.
+          outcome =
+              OutcomeOf(source, {Doing::mirrored, Doing::failing}, {access, 1, 30, {}}, settings);
+          EXPECT_EQ(outcome.error, "row 17 fails");
+          EXPECT_EQ(outcome.taken, rows == 1 ? 17 : 16);
+          // Above it.
+          outcome = OutcomeOf(source, {Doing::failing}, {access, 1, 9, {}}, settings);
+          EXPECT_EQ(outcome.error, "row 9 is damaged");
+          outcome = OutcomeOf(source, {Doing::failing}, {access, 1, 90, {}}, settings, 13);
+          EXPECT_EQ(outcome.error, "the disk is full");
+          EXPECT_EQ(outcome.taken, rows == 1 ? 13 : 12);
+        }
+      }
+    }
+  }
+}
+
+TEST(FlowFaultsTest, EndsWhenItIsCanceled) {
+  const Pixels source = Source();
+  for (const int threads : {1, 2, 7}) {
+    for (const std::vector<Doing>& doings :
+         {std::vector<Doing>{Doing::reachOne}, {Doing::twoPasses, Doing::reversed}}) {
+      std::stop_source stop;
+      std::atomic<int> readsAfter{0};
+      const LimitsScope scope(Limits(), stop.get_token());
+      FlowSettings settings;
+      settings.rows = 1;
+      settings.threads = threads;
+      const Outcome outcome = OutcomeOf(source, doings,
+                                        {RowAccess::rising, 1, -1,
+                                         [&](int top) {
+                                           if (stop.stop_requested()) ++readsAfter;
+                                           if (top == 40) stop.request_stop();
+                                         }},
+                                        settings);
+      EXPECT_EQ(outcome.error, "canceled");
+      EXPECT_EQ(readsAfter, 0);
+      EXPECT_LE(outcome.taken, 41);
+    }
+  }
+}
+
+TEST(FlowFaultsTest, ReportsProgressOnTheCallingThread) {
+  const Pixels source = Source();
+  for (const int threads : {1, 2, 7}) {
+    FlowSettings settings;
+    settings.rows = 3;
+    settings.threads = threads;
+    double last = 0;
+    const auto own = std::this_thread::get_id();
+    const StageRun run{threads, [&](double done) {
+                         EXPECT_EQ(std::this_thread::get_id(), own);
+                         EXPECT_LE(done, 1);
+                         EXPECT_TRUE(done >= last || last == 1) << "from Begin to Run";
+                         last = done;
+                       }};
+    EXPECT_EQ(OutcomeOf(source, {Doing::twoPasses, Doing::reachOne}, {}, settings, -1, &run).taken,
+              kHeight);
+    EXPECT_EQ(last, 1);
+  }
+}
+
+TEST(FlowFaultsTest, EndsWhenProgressThrows) {
+  const Pixels source = Source();
+  for (const int threads : {1, 2, 7}) {
+    FlowSettings settings;
+    settings.rows = 3;
+    settings.threads = threads;
+    const StageRun run{threads, [&](double done) {
+                         if (done > 0.5) throw CanceledError("enough");
+                       }};
+    EXPECT_EQ(OutcomeOf(source, {}, {}, settings, -1, &run).error, "enough");
+  }
+}
+
+TEST(FlowFaultsTest, LeavesNoScratchFile) {
+  const Pixels source = Source();
+  const test::TempFolder folder;
+  FlowSettings settings;
+  settings.rows = 4;
+  settings.heldBytes = 0;
+  settings.scratchFolder = folder.Path().string();
+  bool wasThere = false;
+  const uint64_t before = ScratchBytes();
+  BandFlow flow(ReaderOf(source, {}, nullptr), StagesFor({Doing::reversed}, SidesOf(source)),
+                settings);
+  flow.Begin({});
+  flow.Run({}, [&](Pixels&, int) {
+    wasThere = wasThere || ScratchBytes() > before;
+    EXPECT_EQ(folder.Names(), std::vector<std::string>{});
+  });
+  EXPECT_TRUE(wasThere);
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{});
+}
+
+TEST(FlowFaultsTest, NamesTheFolderWithoutRoom) {
+  const Pixels source = Source();
+  const test::TempFolder folder;
+  FlowSettings settings;
+  settings.rows = 4;
+  settings.heldBytes = 0;
+  settings.scratchFolder = folder / "missing";
+  EXPECT_THAT(OutcomeOf(source, {Doing::reversed}, {}, settings).error,
+              testing::AllOf(testing::HasSubstr("missing"), testing::HasSubstr("bytes")));
+  const test::CallsGuard calls;
+  detail::Calls().reserve = [](int, off_t, off_t) {
+    errno = ENOSPC;
+    return -1;
+  };
+  settings.scratchFolder = folder.Path().string();
+  EXPECT_THAT(OutcomeOf(source, {Doing::reversed}, {}, settings).error,
+              testing::AllOf(testing::HasSubstr(folder.Path().string()),
+                             testing::HasSubstr("No space left on device")));
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{});
+}
+
+TEST(FlowFaultsTest, UsesTheScratchFileBelowTheLimitOfTheProcess) {
+  const Pixels source = Source();
+  Limits limits;
+  limits.processBytes = ProcessPictureBytes() + 40000;
+  const LimitsScope scope(limits);
+  FlowSettings settings;
+  settings.rows = 4;
+  EXPECT_EQ(OutcomeOf(source, {Doing::reversed, Doing::reachOne}, {}, settings).error, "");
+  limits.processBytes = ProcessPictureBytes() + 10;
+  const LimitsScope narrow(limits);
+  EXPECT_THAT(OutcomeOf(source, {Doing::reversed}, {}, settings).error,
+              testing::HasSubstr("the limit of the process"));
+}
+
+}  // namespace
+}  // namespace rasterkit
