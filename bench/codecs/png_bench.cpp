@@ -1,11 +1,13 @@
 // Saving and loading 12 megapixels of PNG: time and file size of each level, for a picture like a
-// photograph and one like a plan, in true color and with a palette. Qt's codec is the peer where
-// it is installed.
+// photograph and one like a plan, in true color and with a palette; by the exported routines and by
+// those of pictures. libpng alone and, where it is installed, Qt's codec are the peers.
 
 #include <benchmark/benchmark.h>
 
 #include <rasterkit/codecs/png/png_decoder.h>
 #include <rasterkit/codecs/png/png_encoder.h>
+#include <rasterkit/codecs/png/png_picture.h>
+#include <rasterkit/codecs/png/rows/png_rows.h>
 #include <rasterkit/raster/convert.h>
 
 #include "bench/support/bench_pictures.h"
@@ -70,6 +72,52 @@ BENCHMARK_CAPTURE(Save, indexed_plan, IndexedPlan)
 BENCHMARK_CAPTURE(Load, photo, Photo)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Load, plan, Plan)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Load, indexed_plan, IndexedPlan)->Unit(benchmark::kMillisecond);
+
+/// The encoder of pictures. Level -1 is the usual one.
+void SavePicture(benchmark::State& state, const Raster& (*picture)()) {
+  const Pixels pixels(picture().Clone());
+  PictureWriting writing;
+  if (state.range(0) >= 0) writing.pngLevel = static_cast<int>(state.range(0));
+  size_t fileBytes = 0;
+  for (auto _ : state) {
+    TMemoryStream stream;
+    WritePng(pixels, writing, stream);
+    fileBytes = stream.Size();
+  }
+  Report(state, fileBytes);
+}
+
+/// The decoder of pictures in one call (0), or by libpng alone (1).
+void LoadPicture(benchmark::State& state, const Raster& (*picture)()) {
+  TMemoryStream file;
+  WritePng(Pixels(picture().Clone()), {}, file);
+  const auto way = state.range(0) == 0 ? detail::PngWay::automatic : detail::PngWay::library;
+  for (auto _ : state) {
+    TSpanStream stream(file.Bytes());
+    detail::PngRows rows(stream, {.kind = {}, .isWhole = true, .way = way});
+    const Pixels pixels = rows.ReadWhole();
+    benchmark::DoNotOptimize(std::get<Raster>(pixels).Row(0));
+  }
+  Report(state, file.Size());
+}
+
+BENCHMARK_CAPTURE(SavePicture, photo, Photo)
+    ->DenseRange(-1, 9)
+    ->Arg(12)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(SavePicture, plan, Plan)
+    ->DenseRange(-1, 9)
+    ->Arg(12)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(SavePicture, indexed_plan, IndexedPlan)
+    ->DenseRange(-1, 9)
+    ->Arg(12)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LoadPicture, photo, Photo)->DenseRange(0, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LoadPicture, plan, Plan)->DenseRange(0, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LoadPicture, indexed_plan, IndexedPlan)
+    ->DenseRange(0, 1)
+    ->Unit(benchmark::kMillisecond);
 
 #ifdef RASTERKIT_BENCH_QT
 QImage QtPhoto() {

@@ -8,6 +8,7 @@
 #include <rasterkit/codecs/png/png_palette_alpha.h>
 #include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/codecs/png/png_signature.h>
+#include <rasterkit/codecs/png/png_skeleton.h>
 #include <rasterkit/codecs/rows/stated_facts.h>
 #include <rasterkit/metadata/png/png_raw_profiles.h>
 #include <rasterkit/metadata/png/png_texts.h>
@@ -81,7 +82,9 @@ HPALETTE PaletteOf(Bytes data) {
 
 class HeaderReader {
  public:
-  explicit HeaderReader(Bytes file) : file_(file) {}
+  /// `trailingBytes` follow the file beside those that are in it.
+  explicit HeaderReader(Bytes file, uint64_t trailingBytes = 0)
+      : file_(file), trailingBytes_(trailingBytes) {}
   PictureHeader Read();
 
  private:
@@ -92,7 +95,8 @@ class HeaderReader {
   void AddExif(Bytes data);
   void Warn(const std::string& text) { header_.warnings.push_back("PNG: " + text); }
 
-  Bytes file_;
+  const Bytes file_;
+  const uint64_t trailingBytes_;
   PictureHeader header_;
   Resolution physical_;
   std::vector<PictureText> rawProfiles_;
@@ -199,9 +203,8 @@ PictureHeader HeaderReader::Read() {
     hasData_ = hasData_ || (chunks.Rest().size() > 8 && LongAt(chunks.Rest(), 4) == kData);
     header_.isCutOff = true;
     Warn("the file is cut off");
-  } else if (!chunks.Rest().empty()) {
-    header_.hiddenOthers.push_back(
-        fmt::format("{} bytes after the end of the picture", chunks.Rest().size()));
+  } else if (const uint64_t trailing = trailingBytes_ + chunks.Rest().size(); trailing > 0) {
+    header_.hiddenOthers.push_back(fmt::format("{} bytes after the end of the picture", trailing));
   }
   if (!hasData_) throw FormatError("PNG: the file has no pixels");
   if (size.IsPalette() && !header_.layout.palette) {
@@ -277,6 +280,11 @@ bool IsPngAnimation(uint32_t kind) {
 
 PictureHeader ReadPngHeader(std::span<const uint8_t> file) {
   return detail::HeaderReader(file).Read();
+}
+
+PictureHeader ReadPngStreamHeader(TStream& stream) {
+  const detail::PngSkeleton skeleton = detail::ReadPngSkeleton(stream);
+  return detail::HeaderReader(skeleton.file, skeleton.trailingBytes).Read();
 }
 
 }  // namespace rasterkit

@@ -20,6 +20,9 @@ namespace rasterkit {
 /// headers are damaged; damaged metadata gives a warning in the header.
 RASTERKIT_EXPORT PictureHeader ReadPngHeader(std::span<const uint8_t> file);
 
+/// The same for a file in a stream, from its position on. The pixels are skipped.
+RASTERKIT_EXPORT PictureHeader ReadPngStreamHeader(TStream& stream);
+
 /// Decodes the pixels as the file has them (see PictureHeader::layout): up to 8 bits as DecodePng
 /// does, except that a palette with several opacities becomes true color with alpha; 16 bits as
 /// samples. Throws as DecodePng does.

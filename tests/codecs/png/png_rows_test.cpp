@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <random>
 
@@ -176,6 +177,36 @@ TEST(PngRowsTest, ASizeThatTheDataCannotHoldIsNotBelieved) {
       header + ByteList(small.begin() + static_cast<long>(header.size()), small.end());
   EXPECT_FALSE(Read(file, PngWay::automatic, 100).isInOneCall);
   ExpectSame(Read(file, PngWay::library, 0), Read(file, PngWay::automatic, 100), "claimed size");
+}
+
+/// The header as one line.
+std::string HeaderOf(const std::function<PictureHeader()>& read) {
+  try {
+    const PictureHeader header = read();
+    std::string text = std::to_string(header.width) + " x " + std::to_string(header.height) + ", " +
+                       std::to_string(header.metadata.pngChunks.size()) + " chunks, " +
+                       std::to_string(header.isCutOff);
+    for (const auto& warning : header.warnings) text += ", " + warning;
+    for (const auto& other : header.hiddenOthers) text += ", " + other;
+    return text;
+  } catch (const Error& error) {
+    return error.what();
+  }
+}
+
+TEST(PngRowsTest, AHeaderIsTheSameWithoutThePixels) {
+  std::mt19937 random(27);
+  for (int i = 0; i < 3000; i++) {
+    MadePng made(kMadeKinds[random() % std::size(kMadeKinds)], 20, 10, random);
+    if (i % 2 == 0) made.AddFlaw(kMadeFlaws[random() % std::size(kMadeFlaws)], random);
+    ByteList file = made.File();
+    if (i % 3 == 0) file.resize(random() % file.size());
+    if (i % 5 == 0) file.insert(file.end(), 1 + random() % 40, 'x');
+    TSpanStream stream(file);
+    EXPECT_EQ(HeaderOf([&] { return ReadPngHeader(file); }),
+              HeaderOf([&] { return ReadPngStreamHeader(stream); }))
+        << i;
+  }
 }
 
 TEST(PngRowsTest, RowsAreReadFromTopToBottomOnly) {
