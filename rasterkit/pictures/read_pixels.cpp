@@ -119,6 +119,10 @@ void PictureFlow::Guard(const Work& work) {
   } catch (const FormatError& error) {
     if (faults_->ofSource || faults_->ofTaker) throw;
     throw RangeError(error.Reason(), source_.File());
+  } catch (LimitError& error) {
+    // The rows that the flow holds for a picture are decided by its file.
+    if (!faults_->ofTaker) error.AttachFile(source_.File());
+    throw;
   }
 }
 
