@@ -9,6 +9,7 @@
 
 #include <rasterkit/codecs/jpeg/jpeg_decoder.h>
 #include <rasterkit/codecs/jpeg/jpeg_encoder.h>
+#include <rasterkit/codecs/jpeg/rows/jpeg_row_reader.h>
 
 #include "bench/support/bench_pictures.h"
 
@@ -63,6 +64,20 @@ void Load(benchmark::State& state) {
   PerPixel(state);
 }
 
+/// All rows in bands of 64, at full size or smaller.
+void Rows(benchmark::State& state) {
+  const std::vector<uint8_t>& file = File();
+  constexpr int kBand = 64;
+  for (auto _ : state) {
+    TSpanStream stream(file);
+    const auto reader = OpenSmallerJpegRows(stream, static_cast<int>(state.range(0)));
+    Pixels band = NewPixels(reader->Like(), reader->Width(), kBand);
+    for (int top = 0; top + kBand <= reader->Height(); top += kBand) reader->Read(0, top, band);
+    benchmark::DoNotOptimize(std::get<Raster>(band).Row(0));
+  }
+  PerPixel(state);
+}
+
 void Save(benchmark::State& state) {
   const Raster raster = bench::PhotoLike(kWidth, kHeight);
   for (auto _ : state) benchmark::DoNotOptimize(EncodeJpeg(raster, 90).data());
@@ -72,6 +87,7 @@ void Save(benchmark::State& state) {
 BENCHMARK_CAPTURE(BareLoad, into_kept_memory, true)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BareLoad, into_fresh_memory, false)->Unit(benchmark::kMillisecond);
 BENCHMARK(Load)->Unit(benchmark::kMillisecond);
+BENCHMARK(Rows)->Arg(1)->Arg(2)->Arg(4)->Arg(8)->Unit(benchmark::kMillisecond);
 BENCHMARK(Save)->Unit(benchmark::kMillisecond);
 
 }  // namespace

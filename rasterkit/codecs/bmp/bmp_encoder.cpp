@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <rasterkit/codecs/bmp/bmp_encoder.h>
+#include <rasterkit/codecs/bmp/bmp_file_encoder.h>
 #include <rasterkit/codecs/bmp/bmp_format.h>
 #include <rasterkit/codecs/rows/alpha_rows.h>
 #include <rasterkit/codecs/rows/palette_entries_of_file.h>
@@ -13,9 +14,8 @@
 #include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
+namespace detail {
 namespace {
-
-using namespace detail;
 
 /// Bytes per write; a buffer of this size reverses the order of rows.
 constexpr size_t kBatchBytes = 512 * 1024;
@@ -23,58 +23,36 @@ constexpr size_t kBatchBytes = 512 * 1024;
 /// The rendering intent of photographs.
 constexpr uint32_t kIntentImages = 4;
 
-class BmpEncoder {
- public:
-  /// The properties can be others than those of the raster.
-  BmpEncoder(const Raster& raster, const detail::BmpProperties& properties);
-  void FillHead();
-  const std::vector<uint8_t>& Head() const { return head_; }
-  void WriteTo(TStream& stream);
+/// Pixels per meter as the header holds them; 0 for unknown.
+uint32_t PixelsPerMeter(double perInch) {
+  const double value = perInch / kMetersPerInch;
+  if (!(value > 0)) return 0;
+  return static_cast<uint32_t>(
+      std::lround(std::min(value, double{std::numeric_limits<int32_t>::max()})));
+}
 
- private:
-  bool HasAlpha() const { return raster_.Format() == pf32bit && raster_.alphaFormat == afDefined; }
-  bool HasProfile() const { return profile_ != nullptr; }
-  BmpMasks Masks() const;
-  /// The oldest sufficient header, which most programs read.
-  uint32_t HeaderBytes() const;
-  uint32_t MaskBytesBehindHeader() const;
-  void RequireWritable() const;
+}  // namespace
 
-  void PutWord(size_t offset, uint32_t value);
-  void PutLong(size_t offset, uint32_t value);
-  void FillFileHeader();
-  void FillInfoHeader();
-  void FillMasks();
-  void FillColorSpace();
-  void FillPalette();
-  void CopyRow(int y, uint8_t* target) const;
-  void WriteRows(TStream& stream) const;
-
-  const Raster& raster_;
-  const Resolution resolution_;
-  const std::vector<uint8_t>* profile_ = nullptr;
-  uint32_t headerBytes_ = 0, paletteEntries_ = 0;
-  uint64_t pixelBytes_ = 0, fileBytes_ = 0;
-  /// Everything before the first row.
-  std::vector<uint8_t> head_;
-};
-
-BmpEncoder::BmpEncoder(const Raster& raster, const detail::BmpProperties& properties)
-    : raster_(raster), resolution_(properties.resolution) {
+BmpEncoder::BmpEncoder(const Raster& like, int width, int height, const BmpProperties& properties)
+    : raster_(like),
+      width_(width),
+      height_(height),
+      stride_(static_cast<size_t>(StrideBytes(width, StoredBitsPerPixel(like.Format())))),
+      resolution_(properties.resolution) {
   if (properties.profile && !properties.profile->empty()) profile_ = properties.profile;
   headerBytes_ = HeaderBytes();
-  if (IsIndexed(raster.Format())) {
-    paletteEntries_ = static_cast<uint32_t>(PaletteEntriesOfFile(raster));
+  if (IsIndexed(like.Format())) {
+    paletteEntries_ = static_cast<uint32_t>(PaletteEntriesOfFile(like));
   }
   const size_t headBytes =
       kBmpFileHeaderBytes + headerBytes_ + MaskBytesBehindHeader() + 4 * size_t{paletteEntries_};
-  pixelBytes_ = uint64_t{raster.Stride()} * static_cast<uint64_t>(raster.Height());
+  pixelBytes_ = uint64_t{stride_} * static_cast<uint64_t>(height_);
   fileBytes_ = headBytes + pixelBytes_ + (HasProfile() ? profile_->size() : 0);
   head_.resize(headBytes);
 }
 
 void BmpEncoder::RequireWritable() const {
-  if (raster_.Width() == 0 || raster_.Height() == 0) {
+  if (width_ == 0 || height_ == 0) {
     throw FormatError("BMP: a picture without pixels cannot be written");
   }
   if (fileBytes_ > std::numeric_limits<uint32_t>::max()) {
@@ -117,14 +95,6 @@ void BmpEncoder::FillFileHeader() {
   PutLong(10, static_cast<uint32_t>(head_.size()));
 }
 
-/// Pixels per meter as the header holds them; 0 for unknown.
-uint32_t PixelsPerMeter(double perInch) {
-  const double value = perInch / kMetersPerInch;
-  if (!(value > 0)) return 0;
-  return static_cast<uint32_t>(
-      std::lround(std::min(value, double{std::numeric_limits<int32_t>::max()})));
-}
-
 void BmpEncoder::FillInfoHeader() {
   const auto put = [this](uint32_t field, uint32_t value) {
     PutLong(kBmpFileHeaderBytes + field, value);
@@ -132,8 +102,8 @@ void BmpEncoder::FillInfoHeader() {
   const BmpCompression compression =
       Masks() == BmpMasks{} ? BmpCompression::none : BmpCompression::bitFields;
   put(bmp_field::kSize, headerBytes_);
-  put(bmp_field::kWidth, static_cast<uint32_t>(raster_.Width()));
-  put(bmp_field::kHeight, static_cast<uint32_t>(raster_.Height()));
+  put(bmp_field::kWidth, static_cast<uint32_t>(width_));
+  put(bmp_field::kHeight, static_cast<uint32_t>(height_));
   PutWord(kBmpFileHeaderBytes + bmp_field::kPlanes, 1);
   PutWord(kBmpFileHeaderBytes + bmp_field::kBits,
           static_cast<uint32_t>(StoredBitsPerPixel(raster_.Format())));
@@ -177,24 +147,36 @@ void BmpEncoder::FillPalette() {
   }
 }
 
-void BmpEncoder::CopyRow(int y, uint8_t* target) const {
-  const size_t rowBytes = raster_.RowBytes();
-  std::memcpy(target, raster_.Row(y), rowBytes);
-  std::memset(target + rowBytes, 0, raster_.Stride() - rowBytes);
-  if (raster_.Format() != pf32bit || HasAlpha()) return;
-  // Some programs take the unused byte for alpha; they must see an opaque picture.
-  MakeOpaque(target, static_cast<size_t>(raster_.Width()));
+size_t BmpEncoder::RowBytes() const {
+  constexpr size_t kByte = 8;
+  return (static_cast<size_t>(width_) * StoredBitsPerPixel(raster_.Format()) + kByte - 1) / kByte;
 }
 
-void BmpEncoder::WriteRows(TStream& stream) const {
-  const size_t stride = raster_.Stride();
-  const size_t batchRows =
-      std::clamp<size_t>(kBatchBytes / stride, 1, static_cast<size_t>(raster_.Height()));
-  std::vector<uint8_t> batch(batchRows * stride);
+void BmpEncoder::CopyRow(const uint8_t* row, uint8_t* target) const {
+  const size_t rowBytes = RowBytes();
+  std::memcpy(target, row, rowBytes);
+  std::memset(target + rowBytes, 0, stride_ - rowBytes);
+  if (raster_.Format() != pf32bit || HasAlpha()) return;
+  // Some programs take the unused byte for alpha; they must see an opaque picture.
+  MakeOpaque(target, static_cast<size_t>(width_));
+}
+
+void BmpEncoder::WriteRows(const Raster& rows, TStream& stream) {
+  const int count = rows.Height();
+  if (rows.Width() != width_ || count > height_ - written_) {
+    throw RangeError("BMP: the rows do not fit the picture");
+  }
+  if (count == 0) return;
+  const size_t batchRows = std::clamp<size_t>(kBatchBytes / stride_, 1, static_cast<size_t>(count));
+  written_ += count;
+  const uint64_t place =
+      start_ + head_.size() + static_cast<uint64_t>(height_ - written_) * stride_;
+  if (stream.Position() != place) stream.SetPosition(place);
+  std::vector<uint8_t> batch(batchRows * stride_);
   size_t filled = 0;
-  for (int y = raster_.Height() - 1; y >= 0; --y) {
-    CopyRow(y, batch.data() + filled);
-    filled += stride;
+  for (int y = count - 1; y >= 0; --y) {
+    CopyRow(rows.Row(y), batch.data() + filled);
+    filled += stride_;
     if (filled < batch.size() && y > 0) continue;
     RequireTime();
     stream.Write({batch.data(), filled});
@@ -210,31 +192,51 @@ void BmpEncoder::FillHead() {
   FillPalette();
 }
 
-void BmpEncoder::WriteTo(TStream& stream) {
+void BmpEncoder::Begin(TStream& stream) {
   RequireWritable();
   FillHead();
+  start_ = stream.Position();
   stream.Write(head_);
-  WriteRows(stream);
+}
+
+void BmpEncoder::End(TStream& stream) {
+  if (written_ != height_) throw RangeError("BMP: rows of the picture are missing");
+  const uint64_t end = start_ + head_.size() + pixelBytes_;
+  if (stream.Position() != end) stream.SetPosition(end);
   if (HasProfile()) stream.Write(*profile_);
 }
+
+}  // namespace detail
+
+namespace {
+
+using namespace detail;
 
 BmpProperties PropertiesOf(const Raster& raster, BmpProfile profile) {
   return {raster.resolution, profile == BmpProfile::embed ? raster.profile.get() : nullptr};
 }
 
+void WriteTo(const Raster& raster, const BmpProperties& properties, TStream& stream) {
+  BmpEncoder encoder(raster, raster.Width(), raster.Height(), properties);
+  encoder.Begin(stream);
+  encoder.WriteRows(raster, stream);
+  encoder.End(stream);
+}
+
 }  // namespace
 
 void detail::EncodeBmpWith(const Raster& raster, const BmpProperties& properties, TStream& stream) {
-  BmpEncoder(raster, properties).WriteTo(stream);
+  WriteTo(raster, properties, stream);
 }
 
 void EncodeBmp(const Raster& raster, TStream& stream, BmpProfile profile) {
   const LimitsScope limits;
-  BmpEncoder(raster, PropertiesOf(raster, profile)).WriteTo(stream);
+  WriteTo(raster, PropertiesOf(raster, profile), stream);
 }
 
 std::vector<uint8_t> detail::BmpHead(const Raster& raster, BmpProfile profile) {
-  BmpEncoder encoder(raster, PropertiesOf(raster, profile));
+  const BmpProperties properties = PropertiesOf(raster, profile);
+  BmpEncoder encoder(raster, raster.Width(), raster.Height(), properties);
   encoder.FillHead();
   return encoder.Head();
 }

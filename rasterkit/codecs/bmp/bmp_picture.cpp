@@ -1,10 +1,13 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include <rasterkit/codecs/bmp/bmp_encoder.h>
+#include <rasterkit/codecs/bmp/bmp_file_encoder.h>
 #include <rasterkit/codecs/bmp/bmp_header.h>
 #include <rasterkit/codecs/bmp/bmp_picture.h>
 #include <rasterkit/codecs/jpeg/jpeg_picture.h>
@@ -13,6 +16,7 @@
 #include <rasterkit/metadata/exif_block.h>
 #include <rasterkit/metadata/foreign_blocks.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/atomic_file.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 
@@ -153,6 +157,60 @@ PixelLayout WrittenLayout(const Raster& raster, const ColorProfile& profile) {
   return layout;
 }
 
+/// What a file keeps of the metadata, and what it loses.
+class BmpFile {
+ public:
+  BmpFile(const Raster& like, const PictureWriting& writing)
+      : properties_{writing.metadata.resolution, nullptr} {
+    const Metadata& metadata = writing.metadata;
+    if (metadata.profile && !metadata.profile->empty()) {
+      if (ProfileFits(metadata.profile, ProfileSpace::rgb)) {
+        profile_ = metadata.profile;
+        properties_.profile = profile_.get();
+      } else {
+        written_.changes.Lose(LossKind::profile, "ICC profile", "it does not describe RGB colors");
+      }
+    }
+    const bool hasAlpha = like.Format() == pf32bit && like.alphaFormat == afDefined;
+    if (like.transparentColor && !hasAlpha) {
+      written_.changes.Lose(LossKind::transparentColor, "transparent color",
+                            "a BMP file has no place for it");
+    }
+    LoseMetadata(metadata, written_.changes);
+    written_.layout = WrittenLayout(like, profile_);
+  }
+
+  const BmpProperties& Properties() const { return properties_; }
+  WrittenPicture Take() { return std::move(written_); }
+
+ private:
+  BmpProperties properties_;
+  ColorProfile profile_;
+  WrittenPicture written_;
+};
+
+class BmpRowWriter : public RowWriter {
+ public:
+  BmpRowWriter(const Raster& like, WrittenSize size, const PictureWriting& writing, TStream& stream)
+      : like_(like.Format(), 0, 0), file_(like, writing), stream_(stream) {
+    like_.CopyProperties(like);
+    encoder_.emplace(like_, size.width, size.height, file_.Properties());
+    encoder_->Begin(stream);
+  }
+
+  void Write(Pixels& rows) override { encoder_->WriteRows(std::get<Raster>(rows), stream_); }
+  WrittenPicture Finish() override {
+    encoder_->End(stream_);
+    return file_.Take();
+  }
+
+ private:
+  Raster like_;
+  BmpFile file_;
+  TStream& stream_;
+  std::optional<BmpEncoder> encoder_;
+};
+
 }  // namespace
 
 PictureHeader ReadBmpHeader(TStream& stream) {
@@ -169,27 +227,21 @@ WrittenPicture WriteBmp(const Pixels& pixels, const PictureWriting& writing, TSt
   const LimitsScope limits;
   const auto* raster = std::get_if<Raster>(&pixels);
   if (!raster) throw UnsupportedError("BMP: samples must be converted to colors of 8 bits");
-  const Metadata& metadata = writing.metadata;
-  WrittenPicture written;
-  BmpProperties properties{metadata.resolution, nullptr};
-  ColorProfile profile;
-  if (metadata.profile && !metadata.profile->empty()) {
-    if (ProfileFits(metadata.profile, ProfileSpace::rgb)) {
-      profile = metadata.profile;
-      properties.profile = profile.get();
-    } else {
-      written.changes.Lose(LossKind::profile, "ICC profile", "it does not describe RGB colors");
-    }
-  }
-  const bool hasAlpha = raster->Format() == pf32bit && raster->alphaFormat == afDefined;
-  if (raster->transparentColor && !hasAlpha) {
-    written.changes.Lose(LossKind::transparentColor, "transparent color",
-                         "a BMP file has no place for it");
-  }
-  LoseMetadata(metadata, written.changes);
-  EncodeBmpWith(*raster, properties, stream);
-  written.layout = WrittenLayout(*raster, profile);
-  return written;
+  BmpFile file(*raster, writing);
+  EncodeBmpWith(*raster, file.Properties(), stream);
+  return file.Take();
+}
+
+std::unique_ptr<RowWriter> OpenBmpWriter(const Pixels& like, WrittenSize size,
+                                         const PictureWriting& writing, TStream& stream) {
+  const LimitsScope limits;
+  const auto* raster = std::get_if<Raster>(&like);
+  if (!raster) throw UnsupportedError("BMP: samples must be converted to colors of 8 bits");
+  // The rows decide how many black entries a short palette gets.
+  const bool isShort = IsIndexed(raster->Format()) &&
+                       raster->palette.Count() < 1 << StoredBitsPerPixel(raster->Format());
+  if (isShort || !IsSeekable(stream)) return nullptr;
+  return std::make_unique<BmpRowWriter>(*raster, size, writing, stream);
 }
 
 }  // namespace rasterkit

@@ -3,10 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <rasterkit/codecs/bmp/bmp_picture.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/codecs/bmp/bmp_test_support.h"
+#include "tests/support/profiles.h"
 #include "tests/support/test_pictures.h"
 
 namespace rasterkit::test {
@@ -136,6 +138,54 @@ TEST(BmpRows, Alpha_Should_NeedTheWholePicture) {
   const Bytes file = EncodeToBytes(raster);
   TSpanStream stream(file);
   EXPECT_EQ(OpenRows(stream, PictureType::bmp), nullptr);
+}
+
+TEST(BmpRowWriter, Bytes_Should_NotDependOnTheDivision) {
+  for (const TPixelFormat format : kEveryFormat) {
+    for (const bool hasProfile : {false, true}) {
+      const Pixels pixels = GradientRaster(format, 83, 71);
+      PictureWriting writing;
+      writing.metadata.resolution = {300, 150};
+      if (hasProfile) writing.metadata.profile = RgbProfile();
+      TMemoryStream whole;
+      whole.Write(Bytes(5, 'x'));
+      WriteBmp(pixels, writing, whole);
+      for (const int height : {1, 7, 64, 1000}) {
+        TMemoryStream stream;
+        stream.Write(Bytes(5, 'x'));
+        const auto writer = OpenWriter(PictureType::bmp, pixels, {83, 71}, writing, stream);
+        ASSERT_NE(writer, nullptr);
+        for (int top = 0; top < 71; top += height) {
+          Pixels band = NewPixels(pixels, 83, std::min(height, 71 - top));
+          for (int y = 0; y < HeightOf(band); ++y) {
+            const auto& from = std::get<Raster>(pixels);
+            std::copy_n(from.Row(top + y), from.Stride(), std::get<Raster>(band).Row(y));
+          }
+          writer->Write(band);
+        }
+        writer->Finish();
+        EXPECT_EQ(stream.Position(), whole.Position());
+        EXPECT_TRUE(std::ranges::equal(stream.Bytes(), whole.Bytes()))
+            << static_cast<int>(format) << " in bands of " << height;
+      }
+    }
+  }
+}
+
+TEST(BmpRowWriter, MissingRowsAndTooMany_Should_BeRefused) {
+  TMemoryStream stream;
+  Pixels pixels = GradientRaster(pf24bit, 20, 10);
+  const auto writer = OpenWriter(PictureType::bmp, pixels, {20, 15}, {}, stream);
+  writer->Write(pixels);
+  EXPECT_THROW(writer->Finish(), RangeError);
+  EXPECT_THROW(writer->Write(pixels), RangeError);
+}
+
+TEST(BmpRowWriter, ShortPalettes_Should_NeedTheWholePicture) {
+  Raster raster = GradientRaster(pf8bit, 20, 10);
+  raster.palette = GrayPalette(16);
+  TMemoryStream stream;
+  EXPECT_EQ(OpenWriter(PictureType::bmp, Pixels(std::move(raster)), {20, 10}, {}, stream), nullptr);
 }
 
 }  // namespace

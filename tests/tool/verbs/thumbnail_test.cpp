@@ -119,6 +119,26 @@ TEST_F(CliThumbnail, Pixels_Should_BeExactAverages) {
   }
 }
 
+TEST_F(CliThumbnail, Photographs_Should_BeDecodedSmaller_UnlessExact) {
+  std::mt19937 random(5);
+  TMemoryStream stream;
+  WriteJpeg(RandomRaster(pf24bit, 640, 480, random), {}, stream);
+  WriteBytes(folder_ / "photo.jpg", stream.TakeBytes());
+  const auto make = [&](const char* verb, const char* size, const std::vector<std::string>& more) {
+    std::vector<std::string> arguments = {
+        verb, folder_ / "photo.jpg", folder_ / "small.png", "--overwrite", "--size", size};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    const ToolResult result = RunTool(arguments);
+    EXPECT_EQ(result.code, 0) << result.err;
+    return std::move(*Picture::Open(folder_ / "small.png").Bitmap()).TakeContent();
+  };
+  const Raster exact = make("resize", "80x60", {});
+  const Raster fast = make("resize", "80x60", {"--shrink-on-load"});
+  EXPECT_FALSE(SamePixels(exact, fast));
+  EXPECT_TRUE(SamePixels(make("thumbnail", "80", {}), fast));
+  EXPECT_TRUE(SamePixels(make("thumbnail", "80", {"--exact"}), exact));
+}
+
 TEST_F(CliThumbnail, Photographs_Should_BeUprightWithProfileAndResolutionAlone) {
   const Picture small = Thumbnail({.orientation = 6, .profile = Profile()}, {"--size", "100"});
   EXPECT_EQ(small.Width(), 67);
