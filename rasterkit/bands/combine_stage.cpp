@@ -1,17 +1,21 @@
 #include <algorithm>
+#include <cstring>
+#include <mutex>
 #include <string>
-#include <thread>
 #include <utility>
 
 #include <rasterkit/bands/colors/index_pixels.h>
 #include <rasterkit/bands/colors/opacity_plane.h>
-#include <rasterkit/bands/pixel_grid.h>
+#include <rasterkit/bands/colors/placed_rows.h>
+#include <rasterkit/bands/colors/row_rule.h>
+#include <rasterkit/bands/combining.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/bitmaptools/engine/pixel_transfer.h>
 #include <rasterkit/bitmaptools/pixels/gray_mono.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
+#include <rasterkit/raster/cut_out.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_share.h>
 
@@ -24,41 +28,64 @@ TRect AllOf(const TBitmap& bitmap) {
   return {0, 0, bitmap.Width(), bitmap.Height()};
 }
 
-/// Palette colors are not averaged: thin lines of a plan would fade.
-std::unique_ptr<TBitmap> Stretched(TBitmap source, Sides sides) {
-  const bool isDrawing = HasIndexes(source);
-  KeyToAlpha(source);
-  if (!HasAlpha(source)) source.SetPixelFormat(pf24bit);
-  if (source.Width() == sides.width && source.Height() == sides.height) {
-    return std::make_unique<TBitmap>(std::move(source));
+/// The picture that is laid over, made ready once: its rows as they lie over the rows below.
+class OverRows {
+ public:
+  OverRows(Raster over, const std::optional<Affine>& toOver, Sides sides, const StageRun& run)
+      : sides_(sides), isDrawing_(IsIndexed(over.Format())) {
+    TBitmap bitmap(std::move(over));
+    if (toOver) {
+      Place(std::move(bitmap), *toOver, run);
+      return;
+    }
+    KeyToAlpha(bitmap);
+    if (!HasAlpha(bitmap)) bitmap.SetPixelFormat(pf24bit);
+    stretched_ = std::make_unique<TBitmap>(std::move(bitmap));
   }
-  auto target = std::make_unique<TBitmap>();
-  target->ResetPixels(source.PixelFormat(), sides.width, sides.height);
-  target->CarryFrom(source, {.resolution = false,
-                             .profile = false,
-                             .palette = false,
-                             .transparency = CarriedTransparency::none});
-  target->Canvas().StretchMode = isDrawing ? smPlain : smHalftone;
-  target->Canvas().CopyStretched(AllOf(*target), source);
-  return target;
-}
 
-/// As `Stretched`, along an affine: drawings by nearest pixels, others interpolated; transparent
-/// beyond the edges.
-std::unique_ptr<TBitmap> Placed(Raster over, const Affine& toOver, Sides sides,
-                                const StageRun& run) {
-  Resampling how;
-  how.filter = IsIndexed(over.Format()) ? Filter::nearest : Filter::linear;
-  how.fill.kind = Fill::Kind::transparent;
-  TBitmap opaque(std::move(over));
-  MakeAlphaChannel(opaque);
-  Raster source = opaque.TakeContent();
-  const Sides from{source.Width(), source.Height()};
-  Changes changes;
-  Pixels placed =
-      AffineStage(from, toOver, sides, how)->Make(std::move(source), {run.threads, {}}, changes);
-  return std::make_unique<TBitmap>(std::move(std::get<Raster>(placed)));
-}
+  std::unique_ptr<TBitmap> Rows(int first, int count) const {
+    if (placed_) {
+      return std::make_unique<TBitmap>(std::get<Raster>(placed_->Rows(first, count)));
+    }
+    return Stretched(first, count);
+  }
+
+ private:
+  /// Drawings by nearest pixels, others interpolated; transparent beyond the edges.
+  void Place(TBitmap bitmap, const Affine& toOver, const StageRun& run) {
+    Resampling how;
+    how.filter = isDrawing_ ? Filter::nearest : Filter::linear;
+    how.fill.kind = Fill::Kind::transparent;
+    MakeAlphaChannel(bitmap);
+    Raster source = bitmap.TakeContent();
+    const Sides from{source.Width(), source.Height()};
+    placed_ = std::make_unique<PlacedRows>(std::move(source),
+                                           AffineStage(from, toOver, sides_, how), run);
+  }
+
+  /// Palette colors are not averaged: thin lines of a plan would fade.
+  std::unique_ptr<TBitmap> Stretched(int first, int count) const {
+    const TBitmap& source = *stretched_;
+    if (source.Width() == sides_.width && source.Height() == sides_.height) {
+      return std::make_unique<TBitmap>(
+          CutOut(source.Content(), {0, first, sides_.width, first + count}));
+    }
+    auto target = std::make_unique<TBitmap>();
+    target->ResetPixels(source.PixelFormat(), sides_.width, count);
+    target->CarryFrom(source, {.resolution = false,
+                               .profile = false,
+                               .palette = false,
+                               .transparency = CarriedTransparency::none});
+    target->Canvas().StretchMode = isDrawing_ ? smPlain : smHalftone;
+    target->Canvas().CopyStretched({0, -first, sides_.width, sides_.height - first}, source);
+    return target;
+  }
+
+  const Sides sides_;
+  const bool isDrawing_;
+  std::unique_ptr<TBitmap> stretched_;
+  std::unique_ptr<PlacedRows> placed_;
+};
 
 void DrawKeyed(TBitmap& under, const TBitmap& over, int percent) {
   TBlendFunction blend;
@@ -78,25 +105,33 @@ TPixelMode EngineMode(CombineMode mode) {
 
 /// Both are 24-bit and of the same size, and the rectangles cover them completely: nothing is
 /// scaled, and the last row and column are included.
-void Transfer(TBitmap& under, TBitmap& over, const Combination& combination, int threads,
-              const TProgressEvent& progress) {
-  constexpr int kRowsOfThread = 4;
-  const int count = std::clamp(threads, 1, std::max(1, under.Height() / kRowsOfThread));
+void Transfer(TBitmap& under, TBitmap& over, const Combination& combination) {
   const TRect all = AllOf(under);
   if (combination.mode == CombineMode::intoWhite) {
-    return AssignInWhite(&under, &over, all, all, 0, count, progress);
+    return AssignInWhite(&under, &over, all, all, 0, 1, nullptr);
   }
-  AssignPartBitmap(&under, &over, all, all, count, progress, EngineMode(combination.mode),
+  AssignPartBitmap(&under, &over, all, all, 1, nullptr, EngineMode(combination.mode),
                    combination.percent, combination.gray, false);
 }
 
 /// A watermark counts every color by its darkness.
-void Press(std::unique_ptr<TBitmap>& under, std::unique_ptr<TBitmap> mark) {
+void MakeMark(std::unique_ptr<TBitmap>& mark) {
   if (HasTransparency(*mark)) DropTransparency(mark, clWhite);
   mark->SetPixelFormat(pf24bit);
   BitmapToGray(mark.get(), false);
+}
+
+/// Rows of a picture, and the row at which they lie in a picture of `height` rows.
+struct Rows {
+  int top = 0, height = 0;
+};
+
+void Press(std::unique_ptr<TBitmap>& under, const TBitmap& mark, const Rows& place) {
   const AlphaPlane alphas(*under);
-  auto marked = WaterMarkedBitmap(*under, *mark);
+  auto marked = std::make_unique<TBitmap>();
+  marked->Assign(under.get());
+  marked->SetPixelFormat(pf24bit);
+  if (!mark.Empty()) PressWatermark(mark, place.top, place.height, *marked);
   marked->CarryFrom(
       *under, {.palette = false, .alphaFormat = false, .transparency = CarriedTransparency::none});
   under = std::move(marked);
@@ -139,67 +174,128 @@ class PixelsBeyond {
   std::vector<uint8_t> opacities_;
 };
 
-/// The engine reports on its workers' threads too.
-TProgressEvent EventOf(const StageRun& run) {
-  if (!run.progress) return nullptr;
-  return [&run, own = std::this_thread::get_id(), last = 0.0f](float percent) mutable {
-    if (std::this_thread::get_id() != own || percent < last) return;
-    last = percent;
-    run.progress(percent / 100);
-  };
-}
-
-class CombineRows : public Stage {
+class Combining : public BandWork {
  public:
-  CombineRows(Sides source, Combination combination)
-      : source_(source), combination_(std::move(combination)) {}
+  Combining(const Raster& like, Sides size, Combination combination, SecondPicture second,
+            const StageRun& run)
+      : size_(size),
+        combination_(std::move(combination)),
+        second_(std::move(second)),
+        run_{run.threads, {}},
+        like_(KindOf(like)) {}
 
-  RowRange Needs(RowRange target) const override { return target; }
+  const Pixels& Like() const override { return like_; }
+  Sides Size() const override { return size_; }
+  BandRect Needs(const BandRect& target) const override {
+    return {0, target.top, size_.width, target.height};
+  }
 
-  Pixels Make(Pixels source, const StageRun& run, Changes&) const override {
-    RequireSides(source, source_);
-    auto* raster = std::get_if<Raster>(&source);
-    if (raster == nullptr) {
-      throw UnsupportedError("pictures of 1 to 32 bits per pixel only are combined");
+  void Make(const Band& source, Band& target, RowRange rows) const override {
+    std::call_once(ready_, [this] { Prepare(); });
+    const auto& from = std::get<Raster>(source.pixels);
+    auto& to = std::get<Raster>(target.pixels);
+    const int top = rows.first - source.top;
+    auto under = std::make_unique<TBitmap>(CutOut(from, {0, top, size_.width, top + rows.count}));
+    if (mark_) {
+      Press(under, *mark_, {rows.first, size_.height});
+    } else {
+      Combine(under, over_->Rows(rows.first, rows.count));
     }
-    auto under = std::make_unique<TBitmap>(std::move(*raster));
-    Combine(under, run);
-    if (run.progress) run.progress(1);
-    return under->TakeContent();
+    for (int y = 0; y < rows.count; ++y) {
+      const int row = rows.first - target.top + y;
+      std::memcpy(to.Row(row), under->ScanLine(y), to.RowBytes());
+      ClearRowEnd(to, row);
+    }
+  }
+
+  void Finish(Changes& changes) override {
+    for (const Loss& loss : changes_.losses) changes.losses.push_back(loss);
+    for (const std::string& note : changes_.notes) changes.notes.push_back(note);
   }
 
  private:
-  void Combine(std::unique_ptr<TBitmap>& under, const StageRun& run) const {
-    if (combination_.mode == CombineMode::watermark) {
-      auto mark =
-          combination_.toOver ? Over(run) : std::make_unique<TBitmap>(combination_.over->Clone());
-      return Press(under, std::move(mark));
+  bool IsWatermark() const { return combination_.mode == CombineMode::watermark; }
+
+  /// The kind of the result is seen on one pixel below another one.
+  Raster KindOf(const Raster& like) const {
+    auto under = std::make_unique<TBitmap>(SmallLike(like, 1, 1));
+    if (IsWatermark()) {
+      Press(under, TBitmap(), {0, 1});
+    } else {
+      auto over = std::make_unique<TBitmap>();
+      over->ResetPixels(pf24bit, 1, 1);
+      std::memset(over->ScanLine(0), 0, over->Stride());
+      Combine(under, std::move(over));
+    }
+    return under->TakeContent();
+  }
+
+  void Prepare() const {
+    const std::shared_ptr<const Raster> second = second_(run_, changes_);
+    if (IsWatermark() && !combination_.toOver) {
+      mark_ = std::make_unique<TBitmap>(second->Clone());
+      return MakeMark(mark_);
+    }
+    over_ = std::make_unique<OverRows>(second->Clone(), combination_.toOver, size_, run_);
+  }
+
+  /// Both have the same rows.
+  void Combine(std::unique_ptr<TBitmap>& under, std::unique_ptr<TBitmap> over) const {
+    if (IsWatermark()) {
+      MakeMark(over);
+      return Press(under, *over, {0, under->Height()});
     }
     if (HasTransparency(*under)) DropTransparency(under, clWhite);
     under->SetPixelFormat(pf24bit);
     under->SetTransparent(false);
-    auto over = Over(run);
     if (combination_.mode == CombineMode::key) {
       return DrawKeyed(*under, *over, combination_.percent);
     }
     std::optional<PixelsBeyond> beyond;
-    if (combination_.toOver) beyond.emplace(*under, *over);
+    if (combination_.toOver && HasAlpha(*over)) beyond.emplace(*under, *over);
     if (HasAlpha(*over)) DropTransparency(over, clWhite);
-    Transfer(*under, *over, combination_, run.threads, EventOf(run));
+    Transfer(*under, *over, combination_);
     if (beyond) beyond->Restore(*under);
   }
 
-  std::unique_ptr<TBitmap> Over(const StageRun& run) const {
-    Raster over = combination_.over->Clone();
-    if (combination_.toOver) return Placed(std::move(over), *combination_.toOver, source_, run);
-    return Stretched(TBitmap(std::move(over)), source_);
+  const Sides size_;
+  const Combination combination_;
+  const SecondPicture second_;
+  const StageRun run_;
+  const Pixels like_;
+  /// The second picture is made ready with the first rows.
+  mutable std::once_flag ready_;
+  mutable Changes changes_;
+  mutable std::unique_ptr<OverRows> over_;
+  mutable std::unique_ptr<TBitmap> mark_;
+};
+
+class CombineRows : public BandStage {
+ public:
+  CombineRows(Sides source, Combination combination)
+      : BandStage(source), combination_(std::move(combination)) {}
+
+  RowRange Needs(RowRange target) const override { return target; }
+  std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun& run) const override {
+    auto second = [over = combination_.over](const StageRun&, Changes&) { return over; };
+    return StartCombining(like, Source(), combination_, second, run);
   }
 
-  const Sides source_;
+ private:
   const Combination combination_;
 };
 
 }  // namespace
+
+std::unique_ptr<BandWork> detail::StartCombining(const Pixels& like, Sides size,
+                                                 const Combination& combination,
+                                                 SecondPicture second, const StageRun& run) {
+  const auto* const raster = std::get_if<Raster>(&like);
+  if (raster == nullptr) {
+    throw UnsupportedError("pictures of 1 to 32 bits per pixel only are combined");
+  }
+  return std::make_unique<Combining>(*raster, size, combination, std::move(second), run);
+}
 
 std::unique_ptr<Stage> CombineStage(Sides source, const Combination& combination) {
   if (!combination.over) throw RangeError("there is no picture to combine with");

@@ -1,17 +1,17 @@
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <cstring>
+#include <mutex>
 #include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
 #include <rasterkit/bands/colors/common_number.h>
+#include <rasterkit/bands/colors/placed_rows.h>
 #include <rasterkit/bands/colors/sample_values.h>
+#include <rasterkit/bands/combining.h>
 #include <rasterkit/bands/layouts.h>
-#include <rasterkit/bands/pixel_grid.h>
-#include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -19,9 +19,6 @@ namespace rasterkit {
 namespace {
 
 using namespace detail;
-
-/// Parts of the progress after which the upper grid is placed.
-constexpr double kPlaced = 0.5;
 
 bool IsGrid(const PixelLayout& layout) {
   const bool isGray =
@@ -34,10 +31,10 @@ struct Window {
   int left = 0, top = 0, width = 0, height = 0;
 };
 
-Window WindowOf(const GridCombination& combination, Sides sides) {
-  const std::optional<Affine> back = combination.toOver.Inverse();
+Window WindowOf(const Affine& toOver, Sides over, Sides sides) {
+  const std::optional<Affine> back = toOver.Inverse();
   if (!back) throw RangeError("the position of the second picture cannot be inverted");
-  const double right = combination.over->Width() - 0.5, bottom = combination.over->Height() - 0.5;
+  const double right = over.width - 0.5, bottom = over.height - 0.5;
   double low[] = {INFINITY, INFINITY}, high[] = {-INFINITY, -INFINITY};
   for (const double column : {-0.5, right}) {
     for (const double row : {-0.5, bottom}) {
@@ -61,34 +58,61 @@ Window WindowOf(const GridCombination& combination, Sides sides) {
   return window;
 }
 
-/// Numbers of another type; the new type holds them exactly. Missing numbers stay missing.
-Samples Converted(Samples source, NumberType type, const std::optional<double>& noData) {
-  const NumberType from = source.Layout().type;
-  if (from == type) return source;
-  PixelLayout layout = source.Layout();
+PixelLayout OfType(PixelLayout layout, NumberType type) {
+  if (layout.type == type) return layout;
   layout.type = type;
   layout.bits = static_cast<int>(8 * BytesOf(type));
-  Samples target(layout, source.Width(), source.Height(), source.Planes() > 1);
+  return layout;
+}
+
+/// Numbers in rows of another type; the new type holds them exactly. Missing numbers stay missing.
+class NumberRows {
+ public:
+  NumberRows(NumberType from, NumberType to, const std::optional<double>& noData)
+      : from_(from), to_(to), noData_(noData) {}
+
+  bool AreSame() const { return from_ == to_; }
+
+  /// `source` and `target` are rows of `count` numbers.
+  void Convert(const uint8_t* source, size_t count, uint8_t* target) const {
+    if (AreSame()) {
+      std::memcpy(target, source, count * BytesOf(from_));
+      return;
+    }
+    std::vector<double> numbers(count);
+    WithNumberType(from_, [&](auto zero) {
+      using T = decltype(zero);
+      const MissingNumber<T> missing(noData_);
+      for (size_t i = 0; i < count; ++i) {
+        const T number = LoadNumber<T>(source + i * sizeof(T));
+        numbers[i] = missing.Is(number) ? *noData_ : ValueOf(number);
+      }
+    });
+    WithNumberType(to_, [&](auto zero) {
+      using T = decltype(zero);
+      for (size_t i = 0; i < count; ++i) {
+        const T number = NumberOf<T>(numbers[i]);
+        std::memcpy(target + i * sizeof(T), &number, sizeof number);
+      }
+    });
+  }
+
+ private:
+  const NumberType from_, to_;
+  const std::optional<double> noData_;
+};
+
+/// The same for all rows.
+Samples Converted(Samples source, NumberType type, const std::optional<double>& noData) {
+  const NumberRows numbers(source.Layout().type, type, noData);
+  if (numbers.AreSame()) return source;
+  Samples target(OfType(source.Layout(), type), source.Width(), source.Height(),
+                 source.Planes() > 1);
   target.resolution = source.resolution;
-  const size_t count = source.Stride() / BytesOf(from);
-  std::vector<double> numbers(count);
+  const size_t count = source.Stride() / BytesOf(source.Layout().type);
   for (int plane = 0; plane < source.Planes(); ++plane) {
     for (int y = 0; y < source.Height(); ++y) {
-      WithNumberType(from, [&](auto zero) {
-        using T = decltype(zero);
-        const MissingNumber<T> missing(noData);
-        for (size_t i = 0; i < count; ++i) {
-          const T number = LoadNumber<T>(source.Row(y, plane) + i * sizeof(T));
-          numbers[i] = missing.Is(number) ? *noData : ValueOf(number);
-        }
-      });
-      WithNumberType(type, [&](auto zero) {
-        using T = decltype(zero);
-        for (size_t i = 0; i < count; ++i) {
-          const T number = NumberOf<T>(numbers[i]);
-          std::memcpy(target.Row(y, plane) + i * sizeof(T), &number, sizeof number);
-        }
-      });
+      numbers.Convert(source.Row(y, plane), count, target.Row(y, plane));
     }
   }
   return target;
@@ -102,116 +126,216 @@ const uint8_t* PlaceOf(const Samples& samples, int x, int y, int band) {
          (inPlanes ? 0 : static_cast<size_t>(band) * size);
 }
 
-/// Puts measured numbers of the upper grid, which lies pixel on pixel in a window, into the lower
-/// one.
+/// Puts measured numbers of the upper grid, which lies pixel on pixel in a window, into rows of the
+/// lower one.
 class GridMerge {
  public:
   GridMerge(const GridCombination& combination, const Window& window, const Affine& toOver,
-            const Samples& over, Samples& under)
-      : combination_(combination), window_(window), toOver_(toOver), over_(over), under_(under) {}
+            Sides over)
+      : combination_(combination), window_(window), toOver_(toOver), sides_(over) {}
 
-  /// A row of the window.
-  void MergeRow(int y) {
-    const NumberType type = under_.Layout().type;
-    WithNumberType(type, [&](auto zero) { MergeAs<decltype(zero)>(y); });
+  /// Row `overRow` of `over` lies on row `y` of the window. Returns how many of its numbers mean
+  /// "not measured" in the lower grid. Without a lower grid it only counts.
+  uint64_t MergeRow(int y, const Samples& over, int overRow, Samples* under, int underRow) const {
+    return WithNumberType(over.Layout().type, [&](auto zero) {
+      return MergeAs<decltype(zero)>(y, over, overRow, under, underRow);
+    });
   }
-  uint64_t Clashes() const { return clashes_; }
 
  private:
   bool IsInside(int x, int y) const {
     const double column =
         std::nearbyint(toOver_.xPerColumn * x + (toOver_.xPerRow * y + toOver_.x));
     const double row = std::nearbyint(toOver_.yPerColumn * x + (toOver_.yPerRow * y + toOver_.y));
-    return column >= 0 && row >= 0 && column < combination_.over->Width() &&
-           row < combination_.over->Height();
+    return column >= 0 && row >= 0 && column < sides_.width && row < sides_.height;
   }
 
   template <class T>
-  void MergeAs(int y) {
+  uint64_t MergeAs(int y, const Samples& over, int overRow, Samples* under, int underRow) const {
     const MissingNumber<T> missing(combination_.overNoData), below(combination_.noData);
     uint64_t clashes = 0;
     for (int x = 0; x < window_.width; ++x) {
       if (!IsInside(x, y)) continue;
-      for (int band = 0; band < under_.Layout().bands; ++band) {
-        const T number = LoadNumber<T>(PlaceOf(over_, x, y, band));
+      for (int band = 0; band < over.Layout().bands; ++band) {
+        const T number = LoadNumber<T>(PlaceOf(over, x, overRow, band));
         const double value = ValueOf(number);
         if (missing.Is(number) || value != value) continue;
         if (below.Is(number)) ++clashes;
+        if (under == nullptr) continue;
         uint8_t* const place =
-            const_cast<uint8_t*>(PlaceOf(under_, window_.left + x, window_.top + y, band));
+            const_cast<uint8_t*>(PlaceOf(*under, window_.left + x, underRow, band));
         std::memcpy(place, &number, sizeof number);
       }
     }
-    clashes_ += clashes;
+    return clashes;
   }
 
-  const GridCombination& combination_;
+  const GridCombination combination_;
   const Window window_;
   const Affine toOver_;
-  const Samples& over_;
-  Samples& under_;
-  std::atomic<uint64_t> clashes_ = 0;
+  const Sides sides_;
 };
 
-class GridRows : public Stage {
+class Gridding : public BandWork {
  public:
-  GridRows(Sides source, GridCombination combination)
-      : source_(source), combination_(std::move(combination)) {}
-
-  RowRange Needs(RowRange target) const override { return target; }
-
-  Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
-    RequireSides(source, source_);
-    auto* const samples = std::get_if<Samples>(&source);
-    if (samples == nullptr) throw UnsupportedError("only grids of numbers are combined as grids");
-    const PixelLayout layout =
-        LayoutAfterGrid(samples->Layout(), combination_.over->Layout(), combination_.filter);
-    Samples under = Converted(std::move(*samples), layout.type, combination_.noData);
-    const Window window = WindowOf(combination_, source_);
-    if (window.width > 0 && window.height > 0) Merge(window, under, run, changes);
-    if (run.progress) run.progress(1);
-    return under;
+  Gridding(const Samples& like, Sides size, const GridCombination& combination,
+           const SecondKind& kind, SecondGrid second, const StageRun& run)
+      : size_(size),
+        combination_(combination),
+        layout_(LayoutAfterGrid(like.Layout(), kind.layout, combination.filter)),
+        numbers_(like.Layout().type, layout_.type, combination.noData),
+        window_(WindowOf(combination.toOver, kind.sides, size)),
+        toOver_(combination.toOver.After(ShiftOf(window_))),
+        merge_(combination, window_, toOver_, kind.sides),
+        kind_(kind),
+        second_(std::move(second)),
+        run_{run.threads, {}},
+        like_(LikeOf(like, layout_.type)) {
+    // With a wider type the bits are those of the type; the layout of the source else.
+    if (IsSeen()) clashes_.assign(static_cast<size_t>(window_.height), kNotCounted);
   }
 
- private:
-  void Merge(const Window& window, Samples& under, const StageRun& run, Changes& changes) const {
-    Affine shift;
-    shift.x = window.left;
-    shift.y = window.top;
-    const Affine toOver = combination_.toOver.After(shift);
-    const Samples over = Placed(window, toOver, under.Layout().type, run);
-    GridMerge merge(combination_, window, toOver, over, under);
-    ForRows(window.height, PieceOf(window.height, over.Stride()), run, {kPlaced, 1},
-            [&](int first, int last) {
-              for (int y = first; y < last; ++y) merge.MergeRow(y);
-            });
-    if (merge.Clashes() == 0) return;
-    changes.Lose(LossKind::noData, fmt::format("{} numbers of the second grid", merge.Clashes()),
+  const Pixels& Like() const override { return like_; }
+  Sides Size() const override { return size_; }
+  BandRect Needs(const BandRect& target) const override {
+    return {0, target.top, size_.width, target.height};
+  }
+
+  void Make(const Band& source, Band& target, RowRange rows) const override {
+    const auto& from = std::get<Samples>(source.pixels);
+    auto& to = std::get<Samples>(target.pixels);
+    const size_t count = from.Stride() / BytesOf(from.Layout().type);
+    for (int plane = 0; plane < from.Planes(); ++plane) {
+      for (int y = rows.first; y < rows.first + rows.count; ++y) {
+        numbers_.Convert(from.Row(y - source.top, plane), count, to.Row(y - target.top, plane));
+      }
+    }
+    const int first = std::max(rows.first, window_.top),
+              last = std::min(rows.first + rows.count, window_.top + window_.height);
+    if (!IsSeen() || first >= last) return;
+    const Samples over = Over(first - window_.top, last - first);
+    for (int y = first; y < last; ++y) {
+      const int row = y - window_.top;
+      Count(row, merge_.MergeRow(row, over, y - first, &to, y - target.top));
+    }
+  }
+
+  void Finish(Changes& changes) override {
+    for (const Loss& loss : changes_.losses) changes.losses.push_back(loss);
+    for (const std::string& note : changes_.notes) changes.notes.push_back(note);
+    const uint64_t clashes = CountAll();
+    if (clashes == 0) return;
+    changes.Lose(LossKind::noData, fmt::format("{} numbers of the second grid", clashes),
                  "they are the number that means no data in the first one");
   }
 
-  /// The upper grid pixel on pixel, of the type of the result.
-  Samples Placed(const Window& window, const Affine& toOver, NumberType type,
-                 const StageRun& run) const {
-    const Samples& over = *combination_.over;
+ private:
+  static constexpr uint64_t kNotCounted = UINT64_MAX;
+
+  static Affine ShiftOf(const Window& window) {
+    Affine shift;
+    shift.x = window.left;
+    shift.y = window.top;
+    return shift;
+  }
+
+  static Samples LikeOf(const Samples& like, NumberType type) {
+    Samples made(OfType(like.Layout(), type), 1, 1, like.Planes() > 1);
+    made.resolution = like.resolution;
+    return made;
+  }
+
+  bool IsSeen() const { return window_.width > 0 && window_.height > 0; }
+
+  /// Rows of the upper grid pixel on pixel, of the type of the result.
+  Samples Over(int first, int count) const {
+    std::call_once(ready_, [this] { Prepare(); });
+    return Converted(std::get<Samples>(placed_->Rows(first, count)), layout_.type,
+                     combination_.overNoData);
+  }
+
+  void Prepare() const {
+    const std::shared_ptr<const Samples> second = second_(run_, changes_);
+    const Sides sides{second->Width(), second->Height()};
+    const PixelLayout after =
+        LayoutAfterGrid(OfType(layout_, layout_.type), second->Layout(), combination_.filter);
+    if (!(sides == kind_.sides) || after.type != layout_.type) {
+      throw UnsupportedError("the second grid has other pixels than its header states");
+    }
     Resampling how;
     how.filter = combination_.filter;
     how.fill.kind = Fill::Kind::edge;
     how.noData = combination_.overNoData;
-    StageRun part = run;
-    if (run.progress) part.progress = [&](double done) { run.progress(done * kPlaced); };
-    Changes unused;
-    Pixels placed =
-        AffineStage({over.Width(), over.Height()}, toOver, {window.width, window.height}, how)
-            ->Make(over.Clone(), part, unused);
-    return Converted(std::get<Samples>(std::move(placed)), type, combination_.overNoData);
+    placed_ = std::make_unique<PlacedRows>(
+        second->Clone(), AffineStage(sides, toOver_, {window_.width, window_.height}, how), run_);
   }
 
-  const Sides source_;
+  void Count(int row, uint64_t clashes) const {
+    const std::lock_guard lock(mutex_);
+    clashes_[static_cast<size_t>(row)] = clashes;
+  }
+
+  /// Rows that nobody asked for count too: what is lost does not depend on later steps.
+  uint64_t CountAll() const {
+    uint64_t all = 0;
+    for (size_t row = 0; row < clashes_.size(); ++row) {
+      if (clashes_[row] == kNotCounted) {
+        const int y = static_cast<int>(row);
+        clashes_[row] =
+            combination_.noData ? merge_.MergeRow(y, Over(y, 1), 0, nullptr, 0) : uint64_t{0};
+      }
+      all += clashes_[row];
+    }
+    return all;
+  }
+
+  const Sides size_;
+  const GridCombination combination_;
+  const PixelLayout layout_;
+  const NumberRows numbers_;
+  const Window window_;
+  const Affine toOver_;
+  const GridMerge merge_;
+  const SecondKind kind_;
+  const SecondGrid second_;
+  const StageRun run_;
+  const Pixels like_;
+  /// The second grid is made ready with the first rows.
+  mutable std::once_flag ready_;
+  mutable Changes changes_;
+  mutable std::unique_ptr<PlacedRows> placed_;
+  mutable std::mutex mutex_;
+  /// By rows of the window: a row may be made twice.
+  mutable std::vector<uint64_t> clashes_;
+};
+
+class GridRows : public BandStage {
+ public:
+  GridRows(Sides source, GridCombination combination)
+      : BandStage(source), combination_(std::move(combination)) {}
+
+  RowRange Needs(RowRange target) const override { return target; }
+  std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun& run) const override {
+    const Samples& over = *combination_.over;
+    auto second = [grid = combination_.over](const StageRun&, Changes&) { return grid; };
+    return StartGridding(like, Source(), combination_,
+                         {over.Layout(), {over.Width(), over.Height()}}, second, run);
+  }
+
+ private:
   const GridCombination combination_;
 };
 
 }  // namespace
+
+std::unique_ptr<BandWork> detail::StartGridding(const Pixels& like, Sides size,
+                                                const GridCombination& combination,
+                                                const SecondKind& kind, SecondGrid second,
+                                                const StageRun& run) {
+  const auto* const samples = std::get_if<Samples>(&like);
+  if (samples == nullptr) throw UnsupportedError("only grids of numbers are combined as grids");
+  return std::make_unique<Gridding>(*samples, size, combination, kind, std::move(second), run);
+}
 
 PixelLayout LayoutAfterGrid(const PixelLayout& layout, const PixelLayout& over, Filter filter) {
   const bool areGrids = IsGrid(layout) && IsGrid(over) && layout.model == over.model;

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 #include <utility>
 
 #include <fmt/format.h>
@@ -31,31 +32,21 @@ const uint8_t* PlaceOf(const Samples& samples, int y, int band) {
   return samples.Row(y) + static_cast<size_t>(band) * BytesOf(samples.Layout().type);
 }
 
-/// Calls `use` with the key of each measured, finite number.
+/// Calls `use` with the key of each measured, finite number of some rows.
 template <class Use>
-void ForEachNumber(const Samples& samples, const ShownNumbers& numbers, const Use& use) {
+void ForEachNumber(const Samples& samples, int first, int last, const ShownNumbers& numbers,
+                   const Use& use) {
   const KeyRange finite = FiniteKeys(numbers.Type());
   ShownRow row;
-  for (int y = 0; y < samples.Height(); ++y) {
+  for (int y = first; y < last; ++y) {
     RequireTime();
     for (int band = 0; band < numbers.Bands(); ++band) {
-      numbers.Read(y, band, row);
+      numbers.Read(samples, y, band, row);
       for (size_t x = 0; x < row.keys.size(); ++x) {
         if (row.isMeasured[x] != 0 && finite.Has(row.keys[x])) use(row.keys[x]);
       }
     }
   }
-}
-
-KeyRange EndsOf(const Samples& samples, const ShownNumbers& numbers) {
-  KeyRange ends{UINT64_MAX, 0};
-  bool hasAny = false;
-  ForEachNumber(samples, numbers, [&](uint64_t key) {
-    ends.first = std::min(ends.first, key);
-    ends.last = std::max(ends.last, key);
-    hasAny = true;
-  });
-  return hasAny ? ends : KeyRange{};
 }
 
 /// Finds the key of a rank from the greatest digit to the least one, with a table of counts.
@@ -89,30 +80,81 @@ class RankedKey {
   std::vector<uint64_t> counts_;
 };
 
-KeyRange PercentOf(const Samples& samples, const ShownNumbers& numbers, double percent) {
-  constexpr double kWhole = 100;
-  RankedKey low, high;
-  uint64_t lowRank = 0, highRank = 0;
-  const int top = std::max(KeyBitsOf(numbers.Type()) - RankedKey::kDigitBits, 0);
-  for (int shift = top; shift >= 0; shift -= RankedKey::kDigitBits) {
-    low.Begin();
-    high.Begin();
-    ForEachNumber(samples, numbers, [&](uint64_t key) {
-      low.Count(key, shift);
-      high.Count(key, shift);
+/// Least and greatest number.
+class Ends {
+ public:
+  void Look(const Samples& samples, int first, int last, const ShownNumbers& numbers) {
+    KeyRange ends{UINT64_MAX, 0};
+    ForEachNumber(samples, first, last, numbers, [&](uint64_t key) {
+      ends.first = std::min(ends.first, key);
+      ends.last = std::max(ends.last, key);
     });
-    if (shift == top) {
-      const uint64_t count = low.Total();
-      if (count == 0) return {};
-      lowRank = static_cast<uint64_t>(std::floor(static_cast<double>(count) * percent / kWhole));
-      lowRank = std::min(lowRank, (count - 1) / 2);
-      highRank = count - 1 - lowRank;
-    }
-    low.Choose(lowRank);
-    high.Choose(highRank);
+    const std::lock_guard lock(mutex_);
+    ends_.first = std::min(ends_.first, ends.first);
+    ends_.last = std::max(ends_.last, ends.last);
   }
-  return {low.Key(), high.Key()};
-}
+  KeyRange Keys() const { return ends_.first > ends_.last ? KeyRange{} : ends_; }
+
+ private:
+  std::mutex mutex_;
+  KeyRange ends_{UINT64_MAX, 0};
+};
+
+/// The numbers that a percentage of all lies below and above, digit by digit.
+class Percentiles {
+ public:
+  Percentiles(NumberType type, double percent)
+      : percent_(percent),
+        top_(std::max(KeyBitsOf(type) - RankedKey::kDigitBits, 0)),
+        shift_(top_) {
+    Begin();
+  }
+
+  bool IsDone() const { return shift_ < 0; }
+  void Look(const Samples& samples, int first, int last, const ShownNumbers& numbers) {
+    const std::lock_guard lock(mutex_);
+    ForEachNumber(samples, first, last, numbers, [&](uint64_t key) {
+      low_.Count(key, shift_);
+      high_.Count(key, shift_);
+    });
+  }
+  void EndPass() {
+    if (shift_ == top_ && !Rank()) {
+      shift_ = -1;
+      return;
+    }
+    low_.Choose(lowRank_);
+    high_.Choose(highRank_);
+    shift_ -= RankedKey::kDigitBits;
+    if (!IsDone()) Begin();
+  }
+  KeyRange Keys() const { return isKnown_ ? KeyRange{low_.Key(), high_.Key()} : KeyRange{}; }
+
+ private:
+  void Begin() {
+    low_.Begin();
+    high_.Begin();
+  }
+  /// False if there is no number.
+  bool Rank() {
+    constexpr double kWhole = 100;
+    const uint64_t count = low_.Total();
+    isKnown_ = count > 0;
+    if (!isKnown_) return false;
+    lowRank_ = static_cast<uint64_t>(std::floor(static_cast<double>(count) * percent_ / kWhole));
+    lowRank_ = std::min(lowRank_, (count - 1) / 2);
+    highRank_ = count - 1 - lowRank_;
+    return true;
+  }
+
+  const double percent_;
+  const int top_;
+  int shift_;
+  std::mutex mutex_;
+  RankedKey low_, high_;
+  uint64_t lowRank_ = 0, highRank_ = 0;
+  bool isKnown_ = false;
+};
 
 FoundRange FullRange(const PixelLayout& layout) {
   if (IsFloating(layout.type)) {
@@ -141,33 +183,32 @@ FoundRange RangeOfKeys(NumberType type, const KeyRange& keys) {
 
 }  // namespace
 
-ShownNumbers::ShownNumbers(const Samples& samples, const std::string& noData)
-    : samples_(samples),
-      bands_(IsSingleBand(samples.Layout()) ? 1 : ColorBandsOf(samples.Layout())),
-      isAssociated_(samples.Layout().alpha == AlphaKind::associated),
-      type_(isAssociated_ ? NumberType::float64 : samples.Layout().type),
-      missing_(MissingKeysOf(noData, samples.Layout().type)) {}
+ShownNumbers::ShownNumbers(const PixelLayout& layout, const std::string& noData)
+    : bands_(IsSingleBand(layout) ? 1 : ColorBandsOf(layout)),
+      isAssociated_(layout.alpha == AlphaKind::associated),
+      type_(isAssociated_ ? NumberType::float64 : layout.type),
+      missing_(MissingKeysOf(noData, layout.type)) {}
 
-void ShownNumbers::Read(int y, int band, ShownRow& row) const {
-  const NumberType type = samples_.Layout().type;
-  const auto width = static_cast<size_t>(samples_.Width());
+void ShownNumbers::Read(const Samples& samples, int y, int band, ShownRow& row) const {
+  const NumberType type = samples.Layout().type;
+  const auto width = static_cast<size_t>(samples.Width());
   row.keys.resize(width);
   row.isMeasured.assign(width, 1);
-  LoadKeys(type, PlaceOf(samples_, y, band), samples_.PixelBytes(), width, row.keys.data());
+  LoadKeys(type, PlaceOf(samples, y, band), samples.PixelBytes(), width, row.keys.data());
   const KeyRange numbers = NumberKeys(type);
   for (size_t x = 0; x < width; ++x) {
     const bool isMissing = !numbers.Has(row.keys[x]) || missing_.keys.Has(row.keys[x]);
     if (isMissing) row.isMeasured[x] = 0;
   }
-  if (!HasAlphaBand(samples_.Layout())) return;
-  DivideByOpacity(y, band, row);
+  if (!HasAlphaBand(samples.Layout())) return;
+  DivideByOpacity(samples, y, band, row);
 }
 
-void ShownNumbers::DivideByOpacity(int y, int band, ShownRow& row) const {
+void ShownNumbers::DivideByOpacity(const Samples& samples, int y, int band, ShownRow& row) const {
   const auto pitch = static_cast<size_t>(bands_) + 1;
   std::vector<double> pixels(row.keys.size() * pitch);
-  UnpackSamples(samples_, y, pitch, pixels.data());
-  const double full = FullOpacity(samples_.Layout());
+  UnpackSamples(samples, y, pitch, pixels.data());
+  const double full = FullOpacity(samples.Layout());
   for (size_t x = 0; x < row.keys.size(); ++x) {
     const double opacity = pixels[x * pitch + pitch - 1];
     const bool isSeen = opacity > 0;
@@ -198,6 +239,13 @@ bool IsSingleBand(const PixelLayout& layout) {
   return isGray && !HasAlphaBand(layout);
 }
 
+bool IsStretchedColor(const PixelLayout& layout, const NumberStretch& stretch) {
+  const bool isLight = layout.model == ColorModel::gray || layout.model == ColorModel::rgb ||
+                       layout.model == ColorModel::grayWhiteIsZero;
+  return isLight && IsStretched(layout) && stretch.kind != NumberStretch::Kind::automatic &&
+         (stretch.kind != NumberStretch::Kind::full || HasNegatives(layout.type));
+}
+
 bool HasNegatives(NumberType type) {
   return !IsFloating(type) && !IsUnsigned(type);
 }
@@ -207,22 +255,66 @@ NumberStretch::Kind KindFor(const PixelLayout& layout, const NumberStretch& stre
   return IsSingleBand(layout) ? NumberStretch::Kind::minMax : NumberStretch::Kind::full;
 }
 
-FoundRange FindRange(const Samples& samples, const std::string& noData,
-                     const NumberStretch& stretch) {
-  const PixelLayout& layout = samples.Layout();
-  const NumberStretch::Kind kind = KindFor(layout, stretch);
-  if (kind == NumberStretch::Kind::fixed) return FixedRange(stretch);
-  const ShownNumbers numbers(samples, noData);
-  FoundRange found = kind == NumberStretch::Kind::full ? FullRange(layout)
-                     : kind == NumberStretch::Kind::percent
-                         ? RangeOfKeys(numbers.Type(), PercentOf(samples, numbers, stretch.percent))
-                         : RangeOfKeys(numbers.Type(), EndsOf(samples, numbers));
+class RangeFinder::State {
+ public:
+  State(const PixelLayout& pixels, const std::string& noData, const NumberStretch& wanted)
+      : layout(pixels), stretch(wanted), kind(KindFor(pixels, wanted)), numbers(pixels, noData) {
+    if (kind == NumberStretch::Kind::percent) percentiles.emplace(numbers.Type(), wanted.percent);
+  }
+
+  const PixelLayout layout;
+  const NumberStretch stretch;
+  const NumberStretch::Kind kind;
+  const ShownNumbers numbers;
+  Ends ends;
+  bool hasEnds = false;
+  std::optional<Percentiles> percentiles;
+};
+
+RangeFinder::RangeFinder(const PixelLayout& layout, const std::string& noData,
+                         const NumberStretch& stretch)
+    : state_(std::make_unique<State>(layout, noData, stretch)) {}
+
+RangeFinder::~RangeFinder() = default;
+
+bool RangeFinder::NeedsPass() const {
+  if (state_->percentiles) return !state_->percentiles->IsDone();
+  return state_->kind == NumberStretch::Kind::minMax && !state_->hasEnds;
+}
+
+void RangeFinder::Look(const Samples& samples, int first, int last) {
+  if (state_->percentiles) return state_->percentiles->Look(samples, first, last, state_->numbers);
+  state_->ends.Look(samples, first, last, state_->numbers);
+}
+
+void RangeFinder::EndPass() {
+  if (state_->percentiles) return state_->percentiles->EndPass();
+  state_->hasEnds = true;
+}
+
+FoundRange RangeFinder::Found() const {
+  const PixelLayout& layout = state_->layout;
+  const NumberType type = state_->numbers.Type();
+  if (state_->kind == NumberStretch::Kind::fixed) return FixedRange(state_->stretch);
+  FoundRange found = state_->kind == NumberStretch::Kind::full ? FullRange(layout)
+                     : state_->percentiles ? RangeOfKeys(type, state_->percentiles->Keys())
+                                           : RangeOfKeys(type, state_->ends.Keys());
   const bool isTurned = layout.model == ColorModel::grayWhiteIsZero && IsUnsigned(layout.type);
   if (isTurned && found.range) {
     std::swap(found.range->black, found.range->white);
     std::swap(found.black, found.white);
   }
   return found;
+}
+
+FoundRange FindRange(const Samples& samples, const std::string& noData,
+                     const NumberStretch& stretch) {
+  RangeFinder finder(samples.Layout(), noData, stretch);
+  while (finder.NeedsPass()) {
+    finder.Look(samples, 0, samples.Height());
+    finder.EndPass();
+  }
+  return finder.Found();
 }
 
 void NoteRange(const FoundRange& found, Changes& changes) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,20 +27,19 @@ struct ShownRow {
 /// multiplied by opacity, divided by it, as doubles.
 class RASTERKIT_EXPORT ShownNumbers {
  public:
-  /// Borrows the samples. `noData` is the file's text.
-  ShownNumbers(const Samples& samples, const std::string& noData);
+  /// `noData` is the file's text.
+  ShownNumbers(const PixelLayout& layout, const std::string& noData);
 
   NumberType Type() const { return type_; }
   bool HasMissing() const { return missing_.isKnown; }
   /// Color bands: gray has one.
   int Bands() const { return bands_; }
   /// Not measured: the number for missing data, NaN, and what is fully transparent.
-  void Read(int y, int band, ShownRow& row) const;
+  void Read(const Samples& samples, int y, int band, ShownRow& row) const;
 
  private:
-  void DivideByOpacity(int y, int band, ShownRow& row) const;
+  void DivideByOpacity(const Samples& samples, int y, int band, ShownRow& row) const;
 
-  const Samples& samples_;
   const int bands_;
   const bool isAssociated_;
   const NumberType type_;
@@ -52,6 +52,9 @@ struct FoundRange {
   std::optional<ShownRange> range;
   std::string black, white;
 };
+
+/// True if the stretch shows colors otherwise than by their whole range.
+bool IsStretchedColor(const PixelLayout& layout, const NumberStretch& stretch);
 
 /// The opacity of each pixel of a row, 0 to 255; the samples must have such a band.
 void ReadOpacity(const Samples& samples, int y, uint8_t* opacity);
@@ -66,8 +69,27 @@ bool HasNegatives(NumberType type);
 RASTERKIT_EXPORT NumberStretch::Kind KindFor(const PixelLayout& layout,
                                              const NumberStretch& stretch);
 
-/// Finds the range, exactly and with a bounded table besides the samples. Of unsigned gray whose
-/// least number is white, black is the greater end; `fixed` says itself which is black.
+/// Finds the range that a stretch shows, exactly and with a bounded table, in passes over the rows.
+/// Of unsigned gray whose least number is white, black is the greater end; `fixed` says itself
+/// which is black.
+class RASTERKIT_EXPORT RangeFinder {
+ public:
+  RangeFinder(const PixelLayout& layout, const std::string& noData, const NumberStretch& stretch);
+  ~RangeFinder();
+
+  /// True if all rows must be seen, once more.
+  bool NeedsPass() const;
+  /// Sees rows `first` to `last - 1`. Several threads may see different rows.
+  void Look(const Samples& samples, int first, int last);
+  void EndPass();
+  FoundRange Found() const;
+
+ private:
+  class State;
+  std::unique_ptr<State> state_;
+};
+
+/// The range of samples that are there as a whole.
 RASTERKIT_EXPORT FoundRange FindRange(const Samples& samples, const std::string& noData,
                                       const NumberStretch& stretch);
 

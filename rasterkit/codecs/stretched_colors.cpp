@@ -1,11 +1,9 @@
 #include <algorithm>
-#include <array>
-#include <cmath>
+#include <utility>
 #include <vector>
 
 #include <rasterkit/codecs/shown_numbers.h>
 #include <rasterkit/codecs/visible_numbers.h>
-#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -26,40 +24,49 @@ void PutBand(const ShownRow& row, const GraySteps& steps, size_t bands, size_t b
   }
 }
 
-}  // namespace
+class ColorsOfRange : public ShownRows {
+ public:
+  ColorsOfRange(ShownNumbers numbers, std::shared_ptr<const GraySteps> steps, bool hasRange)
+      : numbers_(std::move(numbers)), steps_(std::move(steps)), hasRange_(hasRange) {}
 
-Raster StretchedColors(const Samples& samples, const std::string& noData,
-                       const NumberStretch& stretch, Changes& changes) {
-  const bool hasAlpha = HasAlphaBand(samples.Layout());
-  const size_t pitch = hasAlpha ? kWithAlpha : kColors;
-  Raster raster(hasAlpha ? pf32bit : pf24bit, samples.Width(), samples.Height());
-  if (hasAlpha) raster.alphaFormat = afDefined;
-  const FoundRange found = FindRange(samples, noData, stretch);
-  NoteRange(found, changes);
-  const ShownNumbers numbers(samples, noData);
-  const GraySteps steps(numbers.Type(), found.range.value_or(ShownRange()));
-  const auto bands = static_cast<size_t>(numbers.Bands());
-  const auto width = static_cast<size_t>(samples.Width());
-  ShownRow row;
-  std::vector<uint8_t> isMeasured(width), opacity(width);
-  for (int y = 0; y < samples.Height(); ++y) {
-    RequireTime();
-    uint8_t* const target = raster.Row(y);
-    std::fill(isMeasured.begin(), isMeasured.end(), uint8_t{0});
+  void Show(const Samples& samples, int y, uint8_t* target) override {
+    const bool hasAlpha = HasAlphaBand(samples.Layout());
+    const size_t pitch = hasAlpha ? kWithAlpha : kColors;
+    const auto bands = static_cast<size_t>(numbers_.Bands());
+    const auto width = static_cast<size_t>(samples.Width());
+    isMeasured_.assign(width, 0);
+    opacity_.resize(width);
     for (size_t band = 0; band < bands; ++band) {
-      numbers.Read(y, static_cast<int>(band), row);
-      PutBand(row, steps, bands, band, pitch, target);
-      for (size_t x = 0; x < width; ++x) isMeasured[x] |= row.isMeasured[x];
+      numbers_.Read(samples, y, static_cast<int>(band), row_);
+      PutBand(row_, *steps_, bands, band, pitch, target);
+      for (size_t x = 0; x < width; ++x) isMeasured_[x] |= row_.isMeasured[x];
     }
-    if (hasAlpha) ReadOpacity(samples, y, opacity.data());
+    if (hasAlpha) ReadOpacity(samples, y, opacity_.data());
     for (size_t x = 0; x < width; ++x) {
-      const bool isShown = isMeasured[x] != 0 && found.range;
+      const bool isShown = isMeasured_[x] != 0 && hasRange_;
       if (!isShown) std::fill_n(target + x * pitch, kColors, uint8_t{255});
-      if (hasAlpha) target[x * pitch + kColors] = opacity[x];
+      if (hasAlpha) target[x * pitch + kColors] = opacity_[x];
     }
   }
-  raster.ClearPadding();
-  return raster;
+
+ private:
+  const ShownNumbers numbers_;
+  const std::shared_ptr<const GraySteps> steps_;
+  const bool hasRange_;
+  ShownRow row_;
+  std::vector<uint8_t> isMeasured_, opacity_;
+};
+
+}  // namespace
+
+NewShownRows RowsOfStretchedColors(const PixelLayout& layout, const std::string& noData,
+                                   const FoundRange& found) {
+  const ShownNumbers numbers(layout, noData);
+  auto steps =
+      std::make_shared<const GraySteps>(numbers.Type(), found.range.value_or(ShownRange()));
+  return [numbers, steps = std::move(steps), hasRange = found.range.has_value()] {
+    return std::make_unique<ColorsOfRange>(numbers, steps, hasRange);
+  };
 }
 
 }  // namespace rasterkit::detail

@@ -9,7 +9,6 @@
 #include <rasterkit/codecs/rows/sample_bytes.h>
 #include <rasterkit/codecs/visible_numbers.h>
 #include <rasterkit/runtime/errors.h>
-#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -40,27 +39,54 @@ double FullScaleOf(const PixelLayout& layout) {
   }
 }
 
-/// Converts rows of samples to B G R, or B G R A if they have alpha.
-class ColorRows {
- public:
-  ColorRows(const Samples& samples, Raster& raster)
-      : samples_(samples), layout_(samples.Layout()), raster_(raster) {}
+bool IsLab(ColorModel model) {
+  return model == ColorModel::lab || model == ColorModel::iccLab;
+}
 
-  void Show(Changes& changes) {
-    switch (layout_.model) {
-      case ColorModel::gray:
-      case ColorModel::grayWhiteIsZero:
-      case ColorModel::rgb:
-        return ShowLights();
-      case ColorModel::palette:
-        return ForEachRow([&](const double* pixels, int y) { ShowIndexes(pixels, y); });
-      case ColorModel::cmyk:
-        return ShowInks(changes);
-      case ColorModel::lab:
-      case ColorModel::iccLab:
-        return ShowLab();
-      default:
-        throw UnsupportedError("the bands of the picture are no colors that can be shown");
+/// The transform of a model that needs one, or whose profile has one.
+std::shared_ptr<const InkTransform> TransformOf(const PixelLayout& layout, Changes& notes) {
+  switch (layout.model) {
+    case ColorModel::gray:
+    case ColorModel::grayWhiteIsZero:
+    case ColorModel::rgb:
+    case ColorModel::palette:
+      return nullptr;
+    case ColorModel::cmyk: {
+      if (!layout.profile) return nullptr;
+      std::shared_ptr<const InkTransform> inks = InkTransform::OfInks(*layout.profile);
+      if (!inks) notes.Note("the color profile does not fit its inks and is ignored");
+      return inks;
+    }
+    case ColorModel::lab:
+    case ColorModel::iccLab:
+      if (layout.bits != 8 && layout.bits != 16) {
+        throw UnsupportedError("L*a*b* is shown with 8 and 16 bits per sample only");
+      }
+      return InkTransform::OfLab();
+    default:
+      throw UnsupportedError("the bands of the picture are no colors that can be shown");
+  }
+}
+
+/// Converts rows of samples to B G R, or B G R A if they have alpha.
+class ColorRows : public ShownRows {
+ public:
+  ColorRows(const PixelLayout& layout, const std::shared_ptr<const InkTransform>& transform)
+      : layout_(layout) {
+    if (transform && IsLab(layout.model)) lab_.emplace(transform);
+    if (transform && layout.model == ColorModel::cmyk) inks_.emplace(transform);
+  }
+
+  void Show(const Samples& samples, int y, uint8_t* target) override {
+    const auto width = static_cast<size_t>(samples.Width());
+    if (layout_.model == ColorModel::palette) {
+      ShowIndexes(Unpacked(samples, y), width, target);
+    } else if (layout_.model == ColorModel::cmyk) {
+      ShowInks(samples, y, target);
+    } else if (IsLab(layout_.model)) {
+      ShowLab(Unpacked(samples, y), width, target);
+    } else {
+      ShowLights(samples, y, target);
     }
   }
 
@@ -73,15 +99,10 @@ class ColorRows {
     return share > 0 ? std::min(share, 1.0) : 0.0;
   }
 
-  /// Calls `show` with the numbers of each row.
-  template <class Show>
-  void ForEachRow(const Show& show) {
-    numbers_.resize(static_cast<size_t>(samples_.Width()) * Pitch());
-    for (int y = 0; y < samples_.Height(); y++) {
-      RequireTime();
-      UnpackSamples(samples_, y, Pitch(), numbers_.data());
-      show(numbers_.data(), y);
-    }
+  const double* Unpacked(const Samples& samples, int y) {
+    numbers_.resize(static_cast<size_t>(samples.Width()) * Pitch());
+    UnpackSamples(samples, y, Pitch(), numbers_.data());
+    return numbers_.data();
   }
 
   /// Sets the alpha of a pixel, whose numbers stand in front of `alpha`.
@@ -89,38 +110,37 @@ class ColorRows {
     if (HasAlpha()) target[3] = ShareToByte(Share(pixel[Pitch() - 1]));
   }
 
-  void ShowLights() {
-    if (layout_.type == NumberType::uint8 && layout_.bits == 8) return ShowIntegers<uint8_t>();
-    if (layout_.type == NumberType::uint16 && layout_.bits == 16) return ShowIntegers<uint16_t>();
-    ForEachRow([&](const double* pixels, int y) { ShowShares(pixels, y); });
+  void ShowLights(const Samples& samples, int y, uint8_t* target) {
+    if (layout_.type == NumberType::uint8 && layout_.bits == 8) {
+      ShowIntegers<uint8_t>(samples, y, target);
+    } else if (layout_.type == NumberType::uint16 && layout_.bits == 16) {
+      ShowIntegers<uint16_t>(samples, y, target);
+    } else {
+      ShowShares(Unpacked(samples, y), static_cast<size_t>(samples.Width()), target);
+    }
   }
 
   template <typename T>
-  void ShowIntegers() {
-    const bool inPlanes = samples_.Planes() > 1;
+  void ShowIntegers(const Samples& samples, int y, uint8_t* target) const {
+    const bool inPlanes = samples.Planes() > 1, hasAlpha = HasAlpha();
     const auto bands = static_cast<size_t>(layout_.bands);
-    const size_t step = inPlanes ? sizeof(T) : bands * sizeof(T);
+    const size_t step = inPlanes ? sizeof(T) : bands * sizeof(T), bytes = TargetBytes();
     const size_t color = ColorBandsOf(layout_) == 1 ? 0 : 1;
-    const auto first = [&](int y, size_t band) {
-      return inPlanes ? samples_.Row(y, static_cast<int>(band))
-                      : samples_.Row(y) + band * sizeof(T);
+    const auto first = [&](size_t band) {
+      return inPlanes ? samples.Row(y, static_cast<int>(band)) : samples.Row(y) + band * sizeof(T);
     };
-    for (int y = 0; y < samples_.Height(); y++) {
-      RequireTime();
-      const uint8_t* places[] = {first(y, 0), first(y, color), first(y, 2 * color)};
-      const uint8_t* opacity = first(y, bands - 1);
-      uint8_t* target = raster_.Row(y);
-      for (int x = 0; x < samples_.Width(); x++, target += TargetBytes(), opacity += step) {
-        T alpha = 0;
-        if (HasAlpha()) std::memcpy(&alpha, opacity, sizeof alpha);
-        for (size_t i = 0; i < 3; i++) {
-          T value;
-          std::memcpy(&value, places[i], sizeof value);
-          places[i] += step;
-          target[2 - i] = Light(value, alpha);
-        }
-        if (HasAlpha()) target[3] = ToByte(alpha);
+    const uint8_t* places[] = {first(0), first(color), first(2 * color)};
+    const uint8_t* opacity = first(bands - 1);
+    for (int x = 0; x < samples.Width(); x++, target += bytes, opacity += step) {
+      T alpha = 0;
+      if (hasAlpha) std::memcpy(&alpha, opacity, sizeof alpha);
+      for (size_t i = 0; i < 3; i++) {
+        T value;
+        std::memcpy(&value, places[i], sizeof value);
+        places[i] += step;
+        target[2 - i] = Light(value, alpha);
       }
+      if (hasAlpha) target[3] = ToByte(alpha);
     }
   }
 
@@ -130,10 +150,9 @@ class ColorRows {
     return layout_.alpha == AlphaKind::associated ? Unmultiplied(value, alpha) : ToByte(value);
   }
 
-  void ShowShares(const double* pixel, int y) {
+  void ShowShares(const double* pixel, size_t width, uint8_t* target) const {
     const size_t step = ColorBandsOf(layout_) == 1 ? 0 : 1;
-    uint8_t* target = raster_.Row(y);
-    for (int x = 0; x < samples_.Width(); x++, pixel += Pitch(), target += TargetBytes()) {
+    for (size_t x = 0; x < width; x++, pixel += Pitch(), target += TargetBytes()) {
       const double alpha = HasAlpha() ? Share(pixel[Pitch() - 1]) : 1;
       for (size_t i = 0; i < 3; i++) {
         double share = Share(pixel[i * step]);
@@ -147,9 +166,8 @@ class ColorRows {
     }
   }
 
-  void ShowIndexes(const double* pixel, int y) {
-    uint8_t* target = raster_.Row(y);
-    for (int x = 0; x < samples_.Width(); x++, pixel += Pitch(), target += TargetBytes()) {
+  void ShowIndexes(const double* pixel, size_t width, uint8_t* target) const {
+    for (size_t x = 0; x < width; x++, pixel += Pitch(), target += TargetBytes()) {
       const tagPALETTEENTRY entry = layout_.palette.Entry(static_cast<int>(pixel[0]));
       target[0] = entry.peBlue;
       target[1] = entry.peGreen;
@@ -158,57 +176,34 @@ class ColorRows {
     }
   }
 
-  void ShowInks(Changes& changes) {
-    std::optional<RememberedColors<uint16_t, 4>> managed;
-    if (layout_.profile) {
-      std::shared_ptr<const InkTransform> inks = InkTransform::OfInks(*layout_.profile);
-      if (inks) {
-        managed.emplace(std::move(inks));
-      } else {
-        changes.Note("the color profile does not fit its inks and is ignored");
-      }
-    }
+  void ShowInks(const Samples& samples, int y, uint8_t* target) {
+    const auto width = static_cast<size_t>(samples.Width());
     const bool isPlain = layout_.type == NumberType::uint8 && layout_.bands == 4 &&
-                         layout_.bits == 8 && samples_.Planes() == 1;
-    if (isPlain && !managed) {
-      for (int y = 0; y < samples_.Height(); y++) {
-        RequireTime();
-        CmykRowToBgr(samples_.Row(y), raster_.Row(y), static_cast<size_t>(samples_.Width()), false);
+                         layout_.bits == 8 && samples.Planes() == 1;
+    if (isPlain && !inks_) return CmykRowToBgr(samples.Row(y), target, width, false);
+    words_.resize(4 * width);
+    bgr_.resize(3 * width);
+    const double* const pixels = Unpacked(samples, y);
+    for (size_t x = 0; x < width; x++) {
+      const double* pixel = pixels + x * Pitch();
+      for (size_t i = 0; i < 4; i++) {
+        words_[4 * x + i] = static_cast<uint16_t>(OfFull(Share(pixel[i]), 65535));
       }
-      return;
+      for (size_t i = 0; i < 3; i++) {
+        bgr_[3 * x + i] = ShareToByte((1 - Share(pixel[2 - i])) * (1 - Share(pixel[3])));
+      }
     }
-    const auto width = static_cast<size_t>(samples_.Width());
-    std::vector<uint16_t> words(4 * width);
-    std::vector<uint8_t> bgr(3 * width);
-    ForEachRow([&](const double* pixels, int y) {
-      for (size_t x = 0; x < width; x++) {
-        const double* pixel = pixels + x * Pitch();
-        for (size_t i = 0; i < 4; i++) {
-          words[4 * x + i] = static_cast<uint16_t>(OfFull(Share(pixel[i]), 65535));
-        }
-        for (size_t i = 0; i < 3; i++) {
-          bgr[3 * x + i] = ShareToByte((1 - Share(pixel[2 - i])) * (1 - Share(pixel[3])));
-        }
-      }
-      if (managed) managed->ToBgr(words.data(), width, bgr.data());
-      SetColors(bgr, pixels, y);
-    });
+    if (inks_) inks_->ToBgr(words_.data(), width, bgr_.data());
+    SetColors(pixels, target);
   }
 
   /// L*a*b* of 8 or 16 bits: a* and b* are signed, in ICC L*a*b* they start at -128.
-  void ShowLab() {
-    if (layout_.bits != 8 && layout_.bits != 16) {
-      throw UnsupportedError("L*a*b* is shown with 8 and 16 bits per sample only");
-    }
-    RememberedColors<double, 3> managed(InkTransform::OfLab());
-    const auto width = static_cast<size_t>(samples_.Width());
-    std::vector<double> points(3 * width);
-    std::vector<uint8_t> bgr(3 * width);
-    ForEachRow([&](const double* pixels, int y) {
-      for (size_t x = 0; x < width; x++) ToPoint(pixels + x * Pitch(), &points[3 * x]);
-      managed.ToBgr(points.data(), width, bgr.data());
-      SetColors(bgr, pixels, y);
-    });
+  void ShowLab(const double* pixels, size_t width, uint8_t* target) {
+    points_.resize(3 * width);
+    bgr_.resize(3 * width);
+    for (size_t x = 0; x < width; x++) ToPoint(pixels + x * Pitch(), &points_[3 * x]);
+    lab_->ToBgr(points_.data(), width, bgr_.data());
+    SetColors(pixels, target);
   }
 
   void ToPoint(const double* pixel, double* point) const {
@@ -228,30 +223,28 @@ class ColorRows {
     }
   }
 
-  void SetColors(const std::vector<uint8_t>& bgr, const double* pixel, int y) {
-    uint8_t* target = raster_.Row(y);
-    for (size_t x = 0; x < bgr.size() / 3; x++, pixel += Pitch(), target += TargetBytes()) {
-      std::copy_n(&bgr[3 * x], 3, target);
+  void SetColors(const double* pixel, uint8_t* target) const {
+    for (size_t x = 0; x < bgr_.size() / 3; x++, pixel += Pitch(), target += TargetBytes()) {
+      std::copy_n(&bgr_[3 * x], 3, target);
       SetAlpha(pixel, target);
     }
   }
 
-  const Samples& samples_;
-  const PixelLayout& layout_;
-  Raster& raster_;
+  const PixelLayout layout_;
   const double full_ = FullScaleOf(layout_);
-  std::vector<double> numbers_;
+  std::optional<RememberedColors<uint16_t, 4>> inks_;
+  std::optional<RememberedColors<double, 3>> lab_;
+  std::vector<double> numbers_, points_;
+  std::vector<uint16_t> words_;
+  std::vector<uint8_t> bgr_;
 };
 
 }  // namespace
 
-Raster VisibleColors(const Samples& samples, Changes& changes) {
-  const bool hasAlpha = HasAlphaBand(samples.Layout());
-  Raster raster(hasAlpha ? pf32bit : pf24bit, samples.Width(), samples.Height());
-  if (hasAlpha) raster.alphaFormat = afDefined;
-  ColorRows(samples, raster).Show(changes);
-  raster.ClearPadding();
-  return raster;
+NewShownRows RowsOfColors(const PixelLayout& layout, Changes& notes) {
+  return [layout, transform = TransformOf(layout, notes)] {
+    return std::make_unique<ColorRows>(layout, transform);
+  };
 }
 
 }  // namespace rasterkit::detail

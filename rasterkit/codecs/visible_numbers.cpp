@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include <rasterkit/codecs/shown_numbers.h>
 #include <rasterkit/codecs/visible_numbers.h>
 #include <rasterkit/runtime/half.h>
-#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -75,35 +75,42 @@ std::vector<uint8_t> GraysOf(const PixelLayout& layout) {
   return grays;
 }
 
-void ShowBytes(const Samples& samples, Raster& raster) {
-  const std::vector<uint8_t> grays = GraysOf(samples.Layout());
-  for (int y = 0; y < samples.Height(); y++) {
-    RequireTime();
+class BytesAsGrays : public ShownRows {
+ public:
+  explicit BytesAsGrays(std::shared_ptr<const std::vector<uint8_t>> grays)
+      : grays_(std::move(grays)) {}
+
+  void Show(const Samples& samples, int y, uint8_t* target) override {
+    const uint8_t* const grays = grays_->data();
     const uint8_t* sample = samples.Row(y);
-    uint8_t* target = raster.Row(y);
     for (int x = 0; x < samples.Width(); x++, sample += samples.PixelBytes()) {
       target[x] = grays[*sample];
     }
   }
-}
 
-void ShowStretched(const Samples& samples, const std::string& noData, const NumberStretch& stretch,
-                   Changes& changes, Raster& raster) {
-  const FoundRange found = FindRange(samples, noData, stretch);
-  NoteRange(found, changes);
-  const ShownNumbers numbers(samples, noData);
-  const GraySteps steps(numbers.Type(), found.range.value_or(ShownRange()));
-  ShownRow row;
-  for (int y = 0; y < samples.Height(); y++) {
-    RequireTime();
-    numbers.Read(y, 0, row);
-    uint8_t* target = raster.Row(y);
-    for (size_t x = 0; x < row.keys.size(); x++) {
-      const bool isShown = row.isMeasured[x] != 0 && found.range;
-      target[x] = isShown ? steps.Of(row.keys[x]) : uint8_t{255};
+ private:
+  const std::shared_ptr<const std::vector<uint8_t>> grays_;
+};
+
+class NumbersAsGrays : public ShownRows {
+ public:
+  NumbersAsGrays(ShownNumbers numbers, std::shared_ptr<const GraySteps> steps, bool hasRange)
+      : numbers_(std::move(numbers)), steps_(std::move(steps)), hasRange_(hasRange) {}
+
+  void Show(const Samples& samples, int y, uint8_t* target) override {
+    numbers_.Read(samples, y, 0, row_);
+    for (size_t x = 0; x < row_.keys.size(); x++) {
+      const bool isShown = row_.isMeasured[x] != 0 && hasRange_;
+      target[x] = isShown ? steps_->Of(row_.keys[x]) : uint8_t{255};
     }
   }
-}
+
+ private:
+  const ShownNumbers numbers_;
+  const std::shared_ptr<const GraySteps> steps_;
+  const bool hasRange_;
+  ShownRow row_;
+};
 
 }  // namespace
 
@@ -132,22 +139,20 @@ bool IsStretched(const PixelLayout& layout) {
   return layout.type != NumberType::uint8 || layout.bits > 8;
 }
 
-Raster VisibleNumbers(const Samples& samples, const std::string& noData,
-                      const NumberStretch& stretch, Changes& changes) {
-  const PixelLayout& layout = samples.Layout();
-  Raster raster(pf8bit, samples.Width(), samples.Height());
-  raster.palette = GrayPalette(256);
-  if (IsStretched(layout)) {
-    ShowStretched(samples, noData, stretch, changes, raster);
-  } else {
-    ShowBytes(samples, raster);
-  }
-  if (layout.bits > 8 && MissingKeysOf(noData, layout.type).isKnown) {
-    changes.Lose(LossKind::noData, "the number " + noData + " for missing values",
-                 "it is shown white");
-  }
-  raster.ClearPadding();
-  return raster;
+NewShownRows RowsOfBytes(const PixelLayout& layout) {
+  return [grays = std::make_shared<const std::vector<uint8_t>>(GraysOf(layout))] {
+    return std::make_unique<BytesAsGrays>(grays);
+  };
+}
+
+NewShownRows RowsOfNumbers(const PixelLayout& layout, const std::string& noData,
+                           const FoundRange& found) {
+  const ShownNumbers numbers(layout, noData);
+  auto steps =
+      std::make_shared<const GraySteps>(numbers.Type(), found.range.value_or(ShownRange()));
+  return [numbers, steps = std::move(steps), hasRange = found.range.has_value()] {
+    return std::make_unique<NumbersAsGrays>(numbers, steps, hasRange);
+  };
 }
 
 }  // namespace rasterkit::detail

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <string>
 
+#include <rasterkit/codecs/shown_numbers.h>
 #include <rasterkit/metadata/loss.h>
-#include <rasterkit/raster/number_stretch.h>
-#include <rasterkit/raster/raster.h>
 #include <rasterkit/raster/samples.h>
 
 namespace rasterkit::detail {
@@ -23,17 +24,28 @@ int ColorBandsOf(const PixelLayout& layout);
 /// True if a stretch says how the numbers become 8 bits: all but unsigned ones of up to 8 bits.
 bool IsStretched(const PixelLayout& layout);
 
-/// Grays without alpha as 8-bit gray: up to 8 unsigned bits by their whole range, other numbers by
-/// the stretch, which is noted. "No data" is white.
-Raster VisibleNumbers(const Samples& samples, const std::string& noData,
-                      const NumberStretch& stretch, Changes& changes);
+/// Shows rows of samples as rows of a raster. For one thread.
+class ShownRows {
+ public:
+  virtual ~ShownRows() = default;
+  virtual void Show(const Samples& samples, int y, uint8_t* target) = 0;
+};
 
-/// Colors, and grays with alpha: 24-bit, or 32-bit with straight alpha, by their whole range.
-/// Throws UnsupportedError for bands that are no colors.
-Raster VisibleColors(const Samples& samples, Changes& changes);
+/// Makes rows for one more thread.
+using NewShownRows = std::function<std::unique_ptr<ShownRows>()>;
 
-/// The same for gray and RGB by a stretch, with one range for all color bands.
-Raster StretchedColors(const Samples& samples, const std::string& noData,
-                       const NumberStretch& stretch, Changes& changes);
+/// Grays without alpha as 8-bit gray: up to 8 unsigned bits, by their whole range.
+NewShownRows RowsOfBytes(const PixelLayout& layout);
+/// Other grays without alpha, by the range of a stretch; what was not measured is white.
+NewShownRows RowsOfNumbers(const PixelLayout& layout, const std::string& noData,
+                           const FoundRange& found);
+
+/// Colors, and grays with alpha: 24-bit, or 32-bit with straight alpha, by their whole range. Says
+/// in `notes` what could not be used. Throws UnsupportedError for bands that are no colors.
+NewShownRows RowsOfColors(const PixelLayout& layout, Changes& notes);
+
+/// The same for gray and RGB by the range of a stretch, one range for all color bands.
+NewShownRows RowsOfStretchedColors(const PixelLayout& layout, const std::string& noData,
+                                   const FoundRange& found);
 
 }  // namespace rasterkit::detail

@@ -414,12 +414,12 @@ class StepAdder {
     const std::string noData = source_.Position().noData;
     Changes seen;
     const Pixels sample =
-        VisibleStage(noData, state_.stretch)
+        VisibleStage({kSampleSide, kSampleSide}, noData, state_.stretch)
             ->Make(SampleRows(state_.layout, false, kSampleSide, kSampleSide), {}, seen);
     SetLayout(LayoutOf(sample));
     state_.isRaster = true;
     for (Loss& loss : seen.losses) state_.changes.losses.push_back(std::move(loss));
-    AddStage(VisibleStage(noData, state_.stretch));
+    AddStage(VisibleStage(Now(), noData, state_.stretch));
   }
 
   PictureState& state_;

@@ -12,7 +12,8 @@
 namespace rasterkit::detail {
 
 /// Makes a raster to look at of samples (see VisiblePixels); a raster stays as it is.
-std::unique_ptr<Stage> VisibleStage(const std::string& noData, const NumberStretch& stretch);
+std::unique_ptr<Stage> VisibleStage(Sides source, const std::string& noData,
+                                    const NumberStretch& stretch);
 
 /// Lays a second picture over the first; its pixels are read when the stage works.
 std::unique_ptr<Stage> PictureOverStage(Sides source, std::shared_ptr<const Picture> other,

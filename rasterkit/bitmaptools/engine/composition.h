@@ -59,6 +59,14 @@ RASTERKIT_EXPORT void SwapAlpha(TBitmap* bitmap);
 RASTERKIT_EXPORT std::unique_ptr<TBitmap> WaterMarkedBitmap(const TGraphic& graphic,
                                                             TBitmap& watermark);
 
+namespace detail {
+
+/// Presses a pf8bit watermark, which is stretched over a picture of `height` rows, into some of its
+/// rows from `top` on; these are pf24bit.
+void PressWatermark(const TBitmap& watermark, int top, int height, TBitmap& rows);
+
+}  // namespace detail
+
 /// Makes an icon of the bitmap, or of its left half (width div 2, the picture of a button strip).
 /// Pixels of the color of the top-left pixel become transparent, all others opaque. A picture of
 /// zero size leaves the icon as it was, and so does an error, which passes to the caller.

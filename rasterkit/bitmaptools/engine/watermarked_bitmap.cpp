@@ -61,25 +61,27 @@ class Strengths {
   int loaded_ = -1;
 };
 
-void Press(const TBitmap& watermark, TBitmap& picture) {
-  const auto width = static_cast<size_t>(picture.Width());
-  Strengths strengths(watermark, picture.Width(), picture.Height());
+}  // namespace
+
+void detail::PressWatermark(const TBitmap& watermark, int top, int height, TBitmap& rows) {
+  const auto width = static_cast<size_t>(rows.Width());
+  Strengths strengths(watermark, rows.Width(), height);
   std::vector<uint8_t> grays(width);
-  for (int y = 0; y < picture.Height(); ++y) {
-    uint8_t* row = picture.ScanLine(y);
+  for (int y = 0; y < rows.Height(); ++y) {
+    uint8_t* row = rows.ScanLine(y);
     kernels::GrayOfRow24(row, width, grays.data());
-    kernels::PressWatermark24(row, grays.data(), strengths.Row(y), width);
+    kernels::PressWatermark24(row, grays.data(), strengths.Row(top + y), width);
   }
 }
-
-}  // namespace
 
 std::unique_ptr<TBitmap> WaterMarkedBitmap(const TGraphic& graphic, TBitmap& watermark) {
   auto result = std::make_unique<TBitmap>();
   result->Assign(&graphic);
   result->SetPixelFormat(pf24bit);
   watermark.SetPixelFormat(pf8bit);
-  if (!result->Empty() && !watermark.Empty()) Press(watermark, *result);
+  if (!result->Empty() && !watermark.Empty()) {
+    detail::PressWatermark(watermark, 0, result->Height(), *result);
+  }
   return result;
 }
 
