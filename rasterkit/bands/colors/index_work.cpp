@@ -7,6 +7,7 @@
 #include <rasterkit/bands/colors/index_work.h>
 #include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/graphics/system_color.h>
+#include <rasterkit/kernels/rows/convert_rows.h>
 #include <rasterkit/raster/index_convert.h>
 #include <rasterkit/raster/row_conversion.h>
 
@@ -79,10 +80,36 @@ RowRule RuleOfWords(TPixelFormat from, int width, const PixelsOfIndexes& pixels)
   };
 }
 
+/// Bytes to bits. Where all indexes above one become ones, as by a threshold of grays, no table is
+/// needed.
+RowRule RuleOfBits(int width, const PixelsOfIndexes& pixels) {
+  constexpr uint8_t kOne = 255, kMiddle = 127;
+  std::array<uint8_t, 256> map{};
+  size_t zeros = 0;
+  while (zeros < map.size() && pixels[zeros][0] == 0) ++zeros;
+  bool isStep = zeros > 0;
+  for (size_t i = 0; i < map.size(); ++i) {
+    map[i] = pixels[i][0] == 0 ? uint8_t{0} : kOne;
+    isStep = isStep && (i < zeros || map[i] == kOne);
+  }
+  const auto count = static_cast<size_t>(width);
+  if (isStep) {
+    return [count, last = static_cast<uint8_t>(zeros - 1)](const uint8_t* source, uint8_t* target,
+                                                           uint8_t*) {
+      kernels::BitsAbove(source, count, last, target);
+    };
+  }
+  return [count, map](const uint8_t* source, uint8_t* target, uint8_t* scratch) {
+    for (size_t x = 0; x < count; ++x) scratch[x] = map[source[x]];
+    kernels::BitsAbove(scratch, count, kMiddle, target);
+  };
+}
+
 RowRule RuleOfIndexes(TPixelFormat from, TPixelFormat to, int width,
                       const PixelsOfIndexes& pixels) {
   if (from == to) return RuleOfBytes(from, width, pixels);
   if (to == pf15bit || to == pf16bit) return RuleOfWords(from, width, pixels);
+  if (from == pf8bit && to == pf1bit) return RuleOfBits(width, pixels);
   if (IsIndexed(to)) {
     return [=](const uint8_t* source, uint8_t* target, uint8_t* scratch) {
       UnpackIndexes(source, from, width, scratch);
