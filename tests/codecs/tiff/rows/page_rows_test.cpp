@@ -345,6 +345,7 @@ TEST(TiffPageRows, Should_ReadASmallerCopy_When_OneIsLargeEnough) {
   Pixels copy = NewPixels(reader->Like(), 100, 75);
   reader->Read(0, 0, copy);
   EXPECT_TRUE(SameBytes(copy, extras[1].pixels));
+  stream.SetPosition(0);
   EXPECT_THROW(OpenTiffExtraPageRows(stream, 5), RangeError);
 }
 
