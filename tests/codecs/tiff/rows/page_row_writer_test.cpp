@@ -125,7 +125,7 @@ TEST(TiffRowWriter, Should_WriteBigTiffAndSayIt_When_TheFilePasses4Gigabytes) {
   EXPECT_THAT(written.changes.notes, testing::Contains(testing::HasSubstr("written as BigTIFF: ")));
   EXPECT_GT(stream.Size(), uint64_t{3} * kSide * kSide);
   EXPECT_EQ(stream.head[2], 43);
-  // The place of the directory is behind the pixels.
+  // The directory follows the pixels.
   EXPECT_GT(stream.head[8 + 4], 0);
 }
 
