@@ -93,7 +93,7 @@ uint64_t TiffParts::Worker::Unpack(const Task& task, const TiffTarget& target) {
   TiffPart place = PlaceOfBlock(layout_, task.position);
   const uint32_t height = place.height;
   const bool isSparse = IsSparse(task.position);
-  // All rows of a block that is left out are equal.
+  // All rows of a sparse block are equal.
   if (isSparse) place.height = 1;
   const uint32_t there = ReadSamples(task.position, place, task);
   uint8_t* row = task.rows;

@@ -13,7 +13,7 @@
 namespace rasterkit::detail {
 
 /// Reads any parts of a picture of strips or tiles. Compressed blocks are unpacked on several
-/// threads; those of which only a part was asked for are kept as long as the next parts may need
+/// threads; those of which only a part was read are kept as long as the next parts may need
 /// them. Used by one thread at a time.
 class TiffParts {
  public:

@@ -1,7 +1,7 @@
 #include <utility>
 
 #include <rasterkit/codecs/rows/geotiff_tags.h>
-#include <rasterkit/codecs/tiff/pages/extra_pages.h>
+#include <rasterkit/codecs/tiff/pages/found_pages.h>
 #include <rasterkit/codecs/tiff/pages/page_metadata.h>
 #include <rasterkit/codecs/tiff/pages/page_stream.h>
 #include <rasterkit/codecs/tiff/rows/block_parts.h>
