@@ -110,7 +110,7 @@ TEST(PngRowsTest, SkippedRowsChangeNothing) {
     const ByteList file = MadePng(kind, 19, 23, random).File();
     for (const PngWay way : {PngWay::automatic, PngWay::library}) {
       TSpanStream stream(file);
-      PngRows rows(stream, {.way = way});
+      PngRows rows(stream, {.kind = {}, .way = way});
       Pixels whole = DecodePngPixels(file);
       for (const int top : {2, 3, 9, 20}) {
         Pixels band = NewPixels(rows.Like(), rows.Width(), 1);
