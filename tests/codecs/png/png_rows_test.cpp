@@ -168,6 +168,18 @@ TEST(PngRowsTest, ChangedBytesAreJudgedByTheLibrary) {
   }
 }
 
+TEST(PngRowsTest, AKeyColorThatTheLibraryDropsIsNoAlphaChannel) {
+  // The transparent color stands before a palette, which true color may have as a suggestion.
+  const ByteList file = PngFile(2, 1, 16, 2, ByteList(12, 1),
+                                PngChunk("tRNS", {1, 1, 1, 1, 1, 1}) + PngChunk("PLTE", {1, 2, 3}));
+  const Pixels pixels = DecodePngPixels(file);
+  EXPECT_EQ(std::get<Samples>(pixels).Layout().bands, 3);
+  std::vector<uint8_t> bytes;
+  AddRows(pixels, bytes);
+  EXPECT_EQ(bytes, std::vector<uint8_t>(12, 1));
+  ExpectSameInAllWays(file, "key color before the palette");
+}
+
 TEST(PngRowsTest, ASizeThatTheDataCannotHoldIsNotBelieved) {
   // 60 MB of rows are claimed, and a few bytes are there.
   std::mt19937 random(24);
