@@ -157,10 +157,7 @@ Pixels PictureFlow::Whole(const StageRun& run) {
   const Sides size = Size();
   std::optional<Pixels> whole;
   Run(run, [&](Pixels& rows, int top) {
-    if (HeightOf(rows) == size.height) {
-      whole = std::move(rows);
-      return;
-    }
+    // The flow takes the memory of the rows back.
     if (!whole) whole = NewPixels(Like(), size.width, size.height);
     CopyPart(rows, {0, 0, size.width, HeightOf(rows)}, *whole, 0, top);
   });
@@ -213,10 +210,6 @@ Raster VisibleRowsOf(const Picture& picture, const FlowSettings& settings, const
   const Sides size{picture.Width(), picture.Height()};
   std::optional<Pixels> whole;
   TakeVisibleRows(picture, settings, run, changes, [&](Raster& rows, int top) {
-    if (rows.Height() == size.height) {
-      whole = std::move(rows);
-      return;
-    }
     Pixels band = std::move(rows);
     if (!whole) whole = NewPixels(band, size.width, size.height);
     CopyPart(band, {0, 0, size.width, HeightOf(band)}, *whole, 0, top);

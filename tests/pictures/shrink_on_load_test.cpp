@@ -57,7 +57,7 @@ Bytes Turned(const Bytes& file, int orientation) {
   return turned;
 }
 
-/// Waves of a few dozen pixels: what is moved by a part of a block differs much.
+/// Waves of about 150 pixels: what is moved by a part of a block differs much.
 Bytes Photograph(int width, int height, int colors = 3) {
   PixelLayout layout;
   layout.bands = colors;
@@ -66,7 +66,7 @@ Bytes Photograph(int width, int height, int colors = 3) {
   for (int y = 0; y < height; ++y) {
     for (int i = 0; i < width * colors; ++i) {
       const int x = i / colors, band = i % colors;
-      const double wave = std::sin(x * 0.11 + band) * std::cos(y * 0.13 + x * 0.01);
+      const double wave = std::sin(x * 0.04 + band) * std::cos(y * 0.045 + x * 0.01);
       samples.Row(y)[i] = static_cast<uint8_t>(std::lround(127.5 + 100 * wave));
     }
   }
