@@ -154,14 +154,10 @@ void PictureFlow::Run(const StageRun& run, const Take& take) {
 }
 
 Pixels PictureFlow::Whole(const StageRun& run) {
-  const Sides size = Size();
-  std::optional<Pixels> whole;
-  Run(run, [&](Pixels& rows, int top) {
-    // The flow takes the memory of the rows back.
-    if (!whole) whole = NewPixels(Like(), size.width, size.height);
-    CopyPart(rows, {0, 0, size.width, HeightOf(rows)}, *whole, 0, top);
-  });
-  return std::move(whole).value();
+  Pixels whole;
+  Guard([&] { whole = flow_->Whole(Part(run, 1)); });
+  if (run.progress) run.progress(1);
+  return whole;
 }
 
 void PictureFlow::Finish(CodecReport& report, Changes& changes) {
@@ -180,42 +176,46 @@ Pixels ReadPixels(const PictureSource& source, const PictureState& state,
   return pixels;
 }
 
+namespace {
+
+std::shared_ptr<const Stage> VisibleStageOf(const PictureState& state) {
+  return VisibleStage({state.width, state.height}, state.placement.noData, state.stretch);
+}
+
+}  // namespace
+
 void TakeVisibleRows(const Picture& picture, const FlowSettings& settings, const StageRun& run,
                      Changes& changes, const std::function<void(Raster& rows, int top)>& take) {
   const PictureState& state = PictureParts::State(picture);
   PictureFlow flow(*PictureParts::Source(picture), state, settings);
-  if (!state.isRaster)
-    flow.Add({VisibleStage({state.width, state.height}, state.placement.noData, state.stretch)});
+  if (!state.isRaster) flow.Add({VisibleStageOf(state)});
   flow.Begin(run);
-  const auto takeRows = [&](Raster rows, int top) {
-    rows.resolution = state.metadata.resolution;
-    take(rows, top);
-  };
-  CodecReport unused;
-  if (std::holds_alternative<Raster>(flow.Like())) {
-    flow.Run(run, [&](Pixels& rows, int top) {
-      auto& raster = std::get<Raster>(rows);
-      raster.resolution = state.metadata.resolution;
-      take(raster, top);
-    });
-    return flow.Finish(unused, changes);
+  if (!std::holds_alternative<Raster>(flow.Like())) {
+    // The header foretold other pixels.
+    Raster rows = VisibleRowsOf(picture, settings, run, changes);
+    return take(rows, 0);
   }
-  Pixels pixels = flow.Whole(run);
+  flow.Run(run, [&](Pixels& rows, int top) {
+    auto& raster = std::get<Raster>(rows);
+    raster.resolution = state.metadata.resolution;
+    take(raster, top);
+  });
+  CodecReport unused;
   flow.Finish(unused, changes);
-  takeRows(VisiblePixels(std::move(pixels), state.placement.noData, changes, state.stretch), 0);
 }
 
 Raster VisibleRowsOf(const Picture& picture, const FlowSettings& settings, const StageRun& run,
                      Changes& changes) {
-  const Sides size{picture.Width(), picture.Height()};
-  std::optional<Pixels> whole;
-  TakeVisibleRows(picture, settings, run, changes, [&](Raster& rows, int top) {
-    Pixels band = std::move(rows);
-    if (!whole) whole = NewPixels(band, size.width, size.height);
-    CopyPart(band, {0, 0, size.width, HeightOf(band)}, *whole, 0, top);
-    rows = std::get<Raster>(std::move(band));
-  });
-  return std::get<Raster>(std::move(whole).value());
+  const PictureState& state = PictureParts::State(picture);
+  PictureFlow flow(*PictureParts::Source(picture), state, settings);
+  if (!state.isRaster) flow.Add({VisibleStageOf(state)});
+  flow.Begin(run);
+  Pixels pixels = flow.Whole(run);
+  CodecReport unused;
+  flow.Finish(unused, changes);
+  std::visit([&](auto& rows) { rows.resolution = state.metadata.resolution; }, pixels);
+  // A raster unless the header foretold other pixels.
+  return VisiblePixels(std::move(pixels), state.placement.noData, changes, state.stretch);
 }
 
 namespace {

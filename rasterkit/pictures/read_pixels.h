@@ -37,9 +37,9 @@ class PictureFlow {
   const Pixels& Like() const { return flow_->Like(); }
   Sides Size() const { return flow_->Size(); }
   /// Hands out all rows from top to bottom, on one thread at a time, which need not be the calling
-  /// one. `take` may keep rows that are the whole picture.
+  /// one. The rows are valid during the call; `take` may change them.
   void Run(const StageRun& run, const Take& take);
-  /// All rows together.
+  /// All rows together, instead of Run.
   Pixels Whole(const StageRun& run);
   /// What the decoder noticed and what the stages lost. Throws FileError if the source changed.
   void Finish(CodecReport& report, Changes& changes);

@@ -47,6 +47,10 @@ void BandFlow::Run(const StageRun& run, const std::function<void(Pixels& rows, i
   parts_->builder->Run(run, take);
 }
 
+Pixels BandFlow::Whole(const StageRun& run) {
+  return parts_->builder->Whole(run);
+}
+
 void BandFlow::Finish(CodecReport& report, Changes& changes) {
   parts_->builder->Finish(report, changes);
 }

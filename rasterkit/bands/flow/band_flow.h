@@ -53,6 +53,8 @@ class RASTERKIT_EXPORT BandFlow {
   /// Makes all rows and hands them out from top to bottom: on one thread at a time, which need not
   /// be the calling one. What `take` throws ends the flow. Call once, after Begin.
   void Run(const StageRun& run, const std::function<void(Pixels& rows, int top)>& take);
+  /// The same rows as one picture, without a copy where they are one already. Call instead of Run.
+  Pixels Whole(const StageRun& run);
   /// What the decoder noticed and what the stages lost. After Run.
   void Finish(CodecReport& report, Changes& changes);
 

@@ -18,6 +18,8 @@ class FlowBuilder {
   void Add(const Stage& stage, const StageRun& run);
   const RowChain& Chain() const { return chain_; }
   void Run(const StageRun& run, const TakeRows& take);
+  /// All rows of the chain.
+  Pixels Whole(const StageRun& run) { return Whole({settings_.threads, run.progress}, {}); }
   /// What was held at most, if the reader is ForetoldRows.
   FlowNeeds Needs() const { return needs_; }
   /// Adds what the reader noticed and what the stages lost, in their order.
