@@ -9,32 +9,33 @@
 namespace rasterkit::detail {
 namespace {
 
-/// Column and row of the source for the pixels of a target row.
+/// Column and row in the source's part for the pixels of a row of the target's part.
 class Places {
  public:
-  Places(const Affine& toOld, const ConstPixelGrid& source, bool isClamped, int y)
-      : toOld_(toOld),
-        right_(source.rows.width - 1),
-        bottom_(source.rows.height - 1),
-        isClamped_(isClamped),
-        columnOfRow_(toOld.xPerRow * y + toOld.x),
-        rowOfRow_(toOld.yPerRow * y + toOld.y) {}
+  Places(const AffineTask& task, const kernels::RotationParts& parts, int y)
+      : task_(task),
+        parts_(parts),
+        right_(task.source.width - 1),
+        bottom_(task.source.height - 1),
+        columnOfRow_(task.toOld.xPerRow * (y + parts.targetTop) + task.toOld.x),
+        rowOfRow_(task.toOld.yPerRow * (y + parts.targetTop) + task.toOld.y) {}
 
   /// False if the pixel lies outside.
   bool Find(int x, int& column, int& row) const {
-    const double u = std::nearbyint(toOld_.xPerColumn * x + columnOfRow_);
-    const double v = std::nearbyint(toOld_.yPerColumn * x + rowOfRow_);
+    x += parts_.targetLeft;
+    const double u = std::nearbyint(task_.toOld.xPerColumn * x + columnOfRow_);
+    const double v = std::nearbyint(task_.toOld.yPerColumn * x + rowOfRow_);
     const bool isInside = u >= 0 && u <= right_ && v >= 0 && v <= bottom_;
-    if (!isInside && !isClamped_) return false;
-    column = static_cast<int>(std::clamp(u, 0.0, right_));
-    row = static_cast<int>(std::clamp(v, 0.0, bottom_));
+    if (!isInside && !task_.isClamped) return false;
+    column = static_cast<int>(std::clamp(u, 0.0, right_)) - parts_.sourceLeft;
+    row = static_cast<int>(std::clamp(v, 0.0, bottom_)) - parts_.sourceTop;
     return true;
   }
 
  private:
-  const Affine& toOld_;
+  const AffineTask& task_;
+  const kernels::RotationParts& parts_;
   const double right_, bottom_;
-  const bool isClamped_;
   const double columnOfRow_, rowOfRow_;
 };
 
@@ -63,15 +64,15 @@ void GatherPacked(const Places& places, const ConstPixelGrid& source, uint8_t ba
 
 }  // namespace
 
-void GatherByAffine(const Affine& toOld, const ConstPixelGrid& source, const PixelGrid& target,
-                    const uint8_t* background, bool isClamped, int first, int last) {
+void GatherByAffine(const AffineTask& task, const ConstPixelGrid& source, const PixelGrid& target,
+                    int first, int last, const kernels::RotationParts& parts) {
   for (int y = first; y < last; ++y) {
-    const Places places(toOld, source, isClamped, y);
+    const Places places(task, parts, y);
     uint8_t* row = target.rows.Row(y);
     if (source.bits < 8) {
-      GatherPacked(places, source, *background, target.rows.width, row);
+      GatherPacked(places, source, *task.background, target.rows.width, row);
     } else {
-      GatherBytes(places, source, source.BytesPerPixel(), background, target.rows.width, row);
+      GatherBytes(places, source, source.BytesPerPixel(), task.background, target.rows.width, row);
     }
     kernels::ClearPadding(target.rows, y, source.bits);
   }

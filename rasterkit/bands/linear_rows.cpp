@@ -35,10 +35,10 @@ class LinearRowsOf : public LinearRows {
         task_(task),
         missing_(source.HasStraightAlpha() ? std::nullopt : task.noData) {}
 
-  void Make(int y, int width, uint8_t* target) const override {
+  void Make(int y, int left, int width, uint8_t* target) const override {
     const double columnOfRow = task_.toOld.xPerRow * y + task_.toOld.x;
     const double rowOfRow = task_.toOld.yPerRow * y + task_.toOld.y;
-    for (int x = 0; x < width; ++x, target += source_.PixelBytes()) {
+    for (int x = left; x < left + width; ++x, target += source_.PixelBytes()) {
       const Corners corners = CornersAt(task_.toOld.xPerColumn * x + columnOfRow,
                                         task_.toOld.yPerColumn * x + rowOfRow);
       if (source_.HasStraightAlpha()) {
@@ -54,8 +54,8 @@ class LinearRowsOf : public LinearRows {
   static double Limited(double place, int size) { return std::clamp(place, -2.0, size + 1.0); }
 
   Corners CornersAt(double column, double row) const {
-    column = Limited(column, source_.Width());
-    row = Limited(row, source_.Height());
+    column = Limited(column, source_.Whole().width);
+    row = Limited(row, source_.Whole().height);
     const double left = std::floor(column), top = std::floor(row);
     const auto right = static_cast<uint64_t>(std::floor((column - left) * kSteps + 0.5));
     const auto down = static_cast<uint64_t>(std::floor((row - top) * kSteps + 0.5));
@@ -65,8 +65,8 @@ class LinearRowsOf : public LinearRows {
       const bool isRight = i % 2 == 1, isLower = i / 2 == 1;
       const int x = static_cast<int>(left) + (isRight ? 1 : 0);
       const int y = static_cast<int>(top) + (isLower ? 1 : 0);
-      corners.columns[i] = std::clamp(x, 0, source_.Width() - 1);
-      corners.rows[i] = std::clamp(y, 0, source_.Height() - 1);
+      corners.columns[i] = std::clamp(x, 0, source_.Whole().width - 1);
+      corners.rows[i] = std::clamp(y, 0, source_.Whole().height - 1);
       corners.isInside[i] = task_.isClamped || (x == corners.columns[i] && y == corners.rows[i]);
       corners.weights[i] = (isRight ? right : whole - right) * (isLower ? down : whole - down);
       if (corners.weights[i] > corners.weights[corners.nearest]) corners.nearest = i;

@@ -18,8 +18,8 @@ struct LinearTask {
   std::optional<double> noData;
 };
 
-/// Makes row `y` of a turned picture: each pixel is interpolated between the four source pixels
-/// around the place that `toOld` leads to, whose distances are cut to 1/65536.
+/// Makes pixels of row `y` of a turned picture: each pixel is interpolated between the four source
+/// pixels around the place that `toOld` leads to, whose distances are cut to 1/65536.
 ///
 /// 8- and 16-bit unsigned numbers are exact fractions, halves rounded up; others sums of doubles.
 /// Colors with straight alpha are weighted by it. A number is `noData` where the nearest one is;
@@ -27,8 +27,8 @@ struct LinearTask {
 class LinearRows {
  public:
   virtual ~LinearRows() = default;
-  /// `width` pixels, all bands together, signs moved as BandRows moves them.
-  virtual void Make(int y, int width, uint8_t* target) const = 0;
+  /// `width` pixels from column `left` on, all bands together, signs moved as BandRows moves them.
+  virtual void Make(int y, int left, int width, uint8_t* target) const = 0;
 };
 
 /// The source and the task must outlive the result, which any number of threads may use.

@@ -59,7 +59,7 @@ class PlainMeans : public MeanRows {
       : source_(source),
         axes_(axes),
         bands_(static_cast<size_t>(source.Bands())),
-        sums_(static_cast<size_t>(source.Width()) * bands_) {}
+        sums_(static_cast<size_t>(source.Rect().width) * bands_) {}
 
   void Make(int y, uint8_t* target) override {
     const HalftoneTap& rows = axes_.rows.taps[static_cast<size_t>(y)];
@@ -118,7 +118,7 @@ class MeasuredMeans : public MeanRows {
         axes_(axes),
         missing_(missing),
         bands_(static_cast<size_t>(source.Bands())),
-        sums_(static_cast<size_t>(source.Width()) * bands_),
+        sums_(static_cast<size_t>(source.Rect().width) * bands_),
         weights_(sums_.size()) {}
 
   void Make(int y, uint8_t* target) override {
@@ -177,7 +177,7 @@ class OpacityMeans : public MeanRows {
       : source_(source),
         axes_(axes),
         bands_(static_cast<size_t>(source.Bands())),
-        plain_(static_cast<size_t>(source.Width()) * bands_),
+        plain_(static_cast<size_t>(source.Rect().width) * bands_),
         weighted_(plain_.size()) {}
 
   void Make(int y, uint8_t* target) override {

@@ -38,22 +38,20 @@ void Pick(const uint8_t* row, const std::vector<int>& columns, size_t bytes, uin
 
 }  // namespace
 
-void PickPixels(const std::vector<int>& columns, const std::vector<int>& rows,
-                const ConstPixelGrid& source, const PixelGrid& target, int first, int last) {
-  const bool isPacked = source.bits < 8;
-  std::vector<uint8_t> pixels(isPacked ? static_cast<size_t>(source.rows.width) : 0);
-  std::vector<uint8_t> picked(isPacked ? columns.size() : 0);
-  for (int y = first; y < last; ++y) {
-    const uint8_t* row = source.rows.Row(rows[static_cast<size_t>(y)]);
-    if (isPacked) {
-      kernels::UnpackPixels(row, source.bits, 0, source.rows.width, pixels.data());
-      Pick<1>(pixels.data(), columns, picked.data());
-      kernels::PackPixels(picked.data(), source.bits, 0, target.rows.width, target.rows.Row(y));
-    } else {
-      Pick(row, columns, source.BytesPerPixel(), target.rows.Row(y));
-    }
-    kernels::ClearPadding(target.rows, y, source.bits);
+void PickPixels(const ConstPixelGrid& source, int sourceRow, const std::vector<int>& columns,
+                const PixelGrid& target, int targetRow) {
+  const uint8_t* row = source.rows.Row(sourceRow);
+  uint8_t* picked = target.rows.Row(targetRow);
+  if (source.bits < 8) {
+    std::vector<uint8_t> pixels(static_cast<size_t>(source.rows.width) + columns.size());
+    uint8_t* const made = pixels.data() + source.rows.width;
+    kernels::UnpackPixels(row, source.bits, 0, source.rows.width, pixels.data());
+    Pick<1>(pixels.data(), columns, made);
+    kernels::PackPixels(made, source.bits, 0, target.rows.width, picked);
+  } else {
+    Pick(row, columns, source.BytesPerPixel(), picked);
   }
+  kernels::ClearPadding(target.rows, targetRow, source.bits);
 }
 
 }  // namespace rasterkit::detail

@@ -6,9 +6,8 @@
 
 namespace rasterkit::detail {
 
-/// Writes rows `first` to `last - 1` of the target: pixel (x, y) is the source's pixel
-/// (columns[x], rows[y]).
-void PickPixels(const std::vector<int>& columns, const std::vector<int>& rows,
-                const ConstPixelGrid& source, const PixelGrid& target, int first, int last);
+/// Writes row `targetRow` of the target: pixel x is the source's pixel (columns[x], sourceRow).
+void PickPixels(const ConstPixelGrid& source, int sourceRow, const std::vector<int>& columns,
+                const PixelGrid& target, int targetRow);
 
 }  // namespace rasterkit::detail

@@ -1,15 +1,13 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include <rasterkit/bands/affine_rows.h>
-#include <rasterkit/bands/averaged_form.h>
-#include <rasterkit/bands/band_rows.h>
-#include <rasterkit/bands/corner_fill.h>
 #include <rasterkit/bands/linear_rows.h>
-#include <rasterkit/bands/stage/row_work.h>
+#include <rasterkit/bands/prepared_pixels.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/kernels/turn/gather_pixels.h>
 #include <rasterkit/kernels/turn/rotate_pixels.h>
@@ -19,11 +17,14 @@ namespace rasterkit {
 namespace {
 
 using detail::AveragedForm;
+using detail::ConstPixelGrid;
 using detail::PixelGrid;
-using detail::ProgressShare;
+using kernels::RotationParts;
 
-/// Part of the progress that whole quarter turns make up.
-constexpr double kQuartersShare = 0.2;
+/// Rows and columns of a tile whose source is turned or prepared first. Where rows fall slowly,
+/// more columns do not need much more of the source.
+constexpr int kTileRows = 128, kTileColumns = 512, kLongTileColumns = 4096;
+constexpr double kSlowFall = 1.0 / 64;
 
 /// A picture taken from another one along an affine.
 struct TurnTask {
@@ -36,127 +37,220 @@ struct TurnTask {
   bool IsClamped() const { return how.fill.kind == Fill::Kind::edge; }
 };
 
-/// Nearest pixels of a raster or of one plane.
-void TakeNearest(const TurnTask& task, const detail::ConstPixelGrid& source,
-                 const PixelGrid& target, const std::vector<uint8_t>& fill, const StageRun& run,
-                 const ProgressShare& share) {
-  const auto piece = [&](int first, int last) {
-    if (task.degrees == 0) {
-      detail::GatherByAffine(task.toOld, source, target, fill.data(), task.IsClamped(), first,
-                             last);
-      return;
+std::optional<kernels::RotationMapping> MappingOf(const TurnTask& task) {
+  if (task.degrees == 0) return std::nullopt;
+  return kernels::RotationMapping(kernels::SineCosineOfDegrees(task.degrees), task.source.width,
+                                  task.source.height, task.target.width, task.target.height);
+}
+
+/// Numbers that the places of some pixels lie between.
+struct Bounds {
+  double low = std::numeric_limits<double>::infinity(), high = -low;
+
+  void Include(double place) {
+    low = std::min(low, place);
+    high = std::max(high, place);
+  }
+};
+
+/// Positions 0 to `size - 1` from `before` in front of the bounds to `behind` after them.
+RowRange PositionsIn(const Bounds& bounds, double before, double behind, int size, bool isClamped) {
+  const double last = size - 1.0;
+  const double low = std::floor(bounds.low - before), high = std::ceil(bounds.high + behind);
+  // Sums of numbers beyond all sizes may be undefined.
+  if (!(low <= high)) return {0, size};
+  if (!isClamped && (high < 0 || low > last)) return {};
+  const auto first = static_cast<int>(std::clamp(low, 0.0, last));
+  return {first, static_cast<int>(std::clamp(high, 0.0, last)) - first + 1};
+}
+
+/// Takes pixels along an affine, from the source or from the source that was turned by quarters
+/// first.
+class TakenWork : public BandWork {
+ public:
+  TakenWork(const Pixels& like, const TurnTask& task, std::unique_ptr<BandWork> quarters)
+      : task_(task),
+        mapping_(MappingOf(task)),
+        quarters_(std::move(quarters)),
+        sourceLike_(NewPixels(quarters_ ? quarters_->Like() : like, 1, 1)),
+        form_(detail::PreparedPixels::ForTurn(sourceLike_, task.how)),
+        tileColumns_(std::abs(task.toOld.yPerColumn) < kSlowFall ? kLongTileColumns
+                                                                 : kTileColumns) {}
+
+  const Pixels& Like() const override { return form_.Like(); }
+  Sides Size() const override { return task_.target; }
+  bool MakesParts() const override { return true; }
+
+  BandRect Needs(const BandRect& target) const override {
+    const BandRect needs = TurnedNeeds(target);
+    return quarters_ && needs.width > 0 ? quarters_->Needs(needs) : needs;
+  }
+
+  void Make(const Band& source, Band& target, RowRange rows) const override {
+    if (!quarters_ && !form_.Changes()) return Take(source, target, rows);
+    Tiles tiles{TurnedNeeds({target.left, rows.first, WidthOf(target.pixels), rows.count})};
+    const int right = target.left + WidthOf(target.pixels);
+    for (int top = rows.first; top < rows.first + rows.count; top += kTileRows) {
+      for (int left = target.left; left < right; left += tileColumns_) {
+        MakeTile(source, target,
+                 {left, top, std::min(tileColumns_, right - left),
+                  std::min(kTileRows, rows.first + rows.count - top)},
+                 tiles);
+      }
     }
-    const kernels::RotationMapping mapping(kernels::SineCosineOfDegrees(task.degrees),
-                                           task.source.width, task.source.height, task.target.width,
-                                           task.target.height);
+  }
+
+  int RowsOfPiece() const override {
+    return quarters_ || form_.Changes() ? kTileRows : kernels::kRotationStripRows;
+  }
+
+ private:
+  /// The part of the turned source that a part of the result needs.
+  BandRect TurnedNeeds(const BandRect& target) const {
+    if (target.width == 0 || target.height == 0) return {};
+    Bounds columns, rows;
+    for (const int x : {target.left, target.left + target.width - 1}) {
+      for (const int y : {target.top, target.top + target.height - 1}) {
+        const MapPoint place = PlaceOf(x, y);
+        columns.Include(place.x);
+        rows.Include(place.y);
+      }
+    }
+    // Linear interpolation takes the pixels on both sides. The kernels are fast where two more rows
+    // follow.
+    constexpr double kAround = 1, kMoreRows = 3;
+    const RowRange across =
+        PositionsIn(columns, kAround, kAround, task_.source.width, task_.IsClamped());
+    const RowRange down =
+        PositionsIn(rows, kAround, kMoreRows, task_.source.height, task_.IsClamped());
+    if (across.count == 0 || down.count == 0) return {};
+    return {across.first, down.first, across.count, down.count};
+  }
+
+  MapPoint PlaceOf(int x, int y) const {
+    if (mapping_) return {mapping_->ColumnEstimate(x, y), mapping_->RowEstimate(x, y)};
+    return task_.toOld.At(x, y);
+  }
+
+  /// Pixels that tiles share, so that not each of them gets memory anew.
+  struct Tiles {
+    /// The part of the turned source that all tiles together need.
+    BandRect region;
+    Band turned{Raster()}, made{Raster()};
+    /// Where nothing of the source shows.
+    Band nothing{Raster()};
+  };
+
+  static void Place(Band& band, const Pixels& like, const BandRect& rect) {
+    if (band.Rect().width != rect.width || band.Rect().height != rect.height) {
+      band.pixels = NewPixels(like, rect.width, rect.height);
+    }
+    band.left = rect.left;
+    band.top = rect.top;
+  }
+
+  void MakeTile(const Band& source, Band& target, const BandRect& tile, Tiles& tiles) const {
+    Place(tiles.made, form_.Like(), tile);
+    Take(Prepared(source, tile, tiles), tiles.made, {tile.top, tile.height});
+    CopyPart(tiles.made.pixels, {0, 0, tile.width, tile.height}, target.pixels,
+             tile.left - target.left, tile.top - target.top);
+  }
+
+  /// What a tile needs; as large as that of most tiles where the region has room.
+  BandRect NeedsOfTile(const BandRect& tile, const BandRect& region) const {
+    constexpr int kRounding = 8;
+    const double sine = std::abs(task_.toOld.yPerColumn), cosine = std::abs(task_.toOld.xPerColumn);
+    const auto grow = [](int& first, int& count, double usual, int low, int size) {
+      const int wanted = static_cast<int>(std::min(usual + kRounding, double{1 << 20}));
+      const int grown = std::clamp(wanted, count, std::max(count, size));
+      first = std::max(low, std::min(first, low + size - grown));
+      count = grown;
+    };
+    BandRect needs = TurnedNeeds(tile);
+    if (needs.width == 0) return needs;
+    grow(needs.left, needs.width, cosine * tileColumns_ + sine * kTileRows, region.left,
+         region.width);
+    grow(needs.top, needs.height, sine * tileColumns_ + cosine * kTileRows, region.top,
+         region.height);
+    return needs;
+  }
+
+  /// The part of the turned source that a tile needs, as it is taken.
+  const Band& Prepared(const Band& source, const BandRect& tile, Tiles& tiles) const {
+    const BandRect needs = NeedsOfTile(tile, tiles.region);
+    if (needs.width == 0) {
+      Place(tiles.nothing, form_.Like(), {0, 0, 1, 1});
+      return tiles.nothing;
+    }
+    if (quarters_) {
+      // Prepared pixels are of another kind.
+      if (form_.Changes()) tiles.turned.pixels = Raster();
+      Place(tiles.turned, sourceLike_, needs);
+      quarters_->Make(source, tiles.turned, {needs.top, needs.height});
+    } else {
+      tiles.turned = CutBand(source, needs);
+    }
+    if (form_.Changes()) tiles.turned.pixels = form_.Apply(std::move(tiles.turned.pixels));
+    return tiles.turned;
+  }
+
+  void Take(const Band& source, Band& target, RowRange rows) const {
+    if (form_.Form() != AveragedForm::none) return Interpolate(source, target, rows);
+    const std::vector<uint8_t>& fill = form_.Fill();
+    size_t filled = 0;
+    for (int plane = 0; plane < detail::PlanesOf(source.pixels); ++plane) {
+      const ConstPixelGrid from = detail::GridOf(source.pixels, plane);
+      const PixelGrid to = detail::GridOf(target.pixels, plane);
+      const int first = rows.first - target.top;
+      const RotationParts parts{source.left, source.top, target.left, target.top};
+      TakeNearest(from, to, fill.data() + filled, {first, rows.count}, parts);
+      filled += from.BytesPerPixel();
+    }
+  }
+
+  /// Nearest pixels of a raster or of one plane; `rows` counts from the target's first row.
+  void TakeNearest(const ConstPixelGrid& source, const PixelGrid& target, const uint8_t* fill,
+                   RowRange rows, const RotationParts& parts) const {
+    const int first = rows.first, last = rows.first + rows.count;
+    if (!mapping_) {
+      return detail::GatherByAffine({task_.toOld, task_.source, fill, task_.IsClamped()}, source,
+                                    target, first, last, parts);
+    }
     if (source.bits <= 32) {
       uint32_t pixel = 0;
-      for (size_t i = 0; i < fill.size(); ++i) pixel |= uint32_t{fill[i]} << (8 * i);
-      kernels::RotatePixels(mapping, source.rows, target.rows, source.bits, pixel, first, last);
+      for (size_t i = 0; i < source.BytesPerPixel(); ++i) pixel |= uint32_t{fill[i]} << (8 * i);
+      kernels::RotatePixels(*mapping_, source.rows, target.rows, source.bits, pixel, first, last,
+                            parts);
     } else {
-      kernels::GatherPixels(mapping, source.rows, target.rows, source.BytesPerPixel(), fill.data(),
-                            first, last);
+      kernels::GatherPixels(*mapping_, source.rows, target.rows, source.BytesPerPixel(), fill,
+                            first, last, parts);
     }
-    if (task.IsClamped()) {
-      kernels::GatherEdges(mapping, source.rows, target.rows, source.bits, first, last);
+    if (task_.IsClamped()) {
+      kernels::GatherEdges(*mapping_, source.rows, target.rows, source.bits, first, last, parts);
     }
-  };
-  detail::ForRows(task.target.height, kernels::kRotationStripRows, run, share, piece);
-}
-
-std::vector<uint8_t> BytesOfPixel(uint32_t pixel, int bits) {
-  std::vector<uint8_t> bytes;
-  for (int i = 0; i < std::max(1, bits / 8); ++i) {
-    bytes.push_back(static_cast<uint8_t>(pixel >> (8 * i)));
   }
-  return bytes;
-}
 
-Pixels EmptyTarget(const Pixels& source, Sides sides) {
-  if (const auto* samples = std::get_if<Samples>(&source)) {
-    Samples target(samples->Layout(), sides.width, sides.height, samples->Planes() > 1);
-    target.resolution = samples->resolution;
-    return target;
-  }
-  const auto& raster = std::get<Raster>(source);
-  Raster target(raster.Format(), sides.width, sides.height);
-  target.CopyProperties(raster);
-  return target;
-}
-
-void TakeNearest(const TurnTask& task, Pixels& source, Pixels& target,
-                 const std::vector<uint8_t>& fill, const StageRun& run,
-                 const ProgressShare& share) {
-  const int planes = detail::PlanesOf(source);
-  for (int plane = 0; plane < planes; ++plane) {
-    const detail::ConstPixelGrid from = detail::GridOf(std::as_const(source), plane);
-    const auto first = fill.begin() + static_cast<ptrdiff_t>(from.BytesPerPixel()) * plane;
-    const double step = (share.to - share.from) / planes;
-    TakeNearest(task, from, detail::GridOf(target, plane),
-                {first, first + static_cast<ptrdiff_t>(from.BytesPerPixel())}, run,
-                {share.from + step * plane, share.from + step * (plane + 1)});
-  }
-}
-
-void Interpolate(const TurnTask& task, Pixels& source, Pixels& target,
-                 const std::vector<uint8_t>& fill, std::optional<double> noData,
-                 const StageRun& run, const ProgressShare& share) {
-  constexpr int kRowsOfPiece = 16;
-  const detail::BandRows from(source);
-  detail::BandRows to(target);
-  const detail::LinearTask linear{task.toOld, fill.data(), task.IsClamped(), noData};
-  const auto rows = detail::MakeLinearRows(from, linear);
-  if (auto* raster = std::get_if<Raster>(&target)) raster->ClearPadding();
-  detail::ForRows(task.target.height, kRowsOfPiece, run, share, [&](int first, int last) {
-    std::vector<uint8_t> row(to.RowBytes());
-    for (int y = first; y < last; ++y) {
-      rows->Make(y, task.target.width, row.data());
+  void Interpolate(const Band& source, Band& target, RowRange rows) const {
+    const detail::BandRows from(source, task_.source);
+    detail::StoredRows to(target);
+    const detail::LinearTask linear{task_.toOld, form_.Fill().data(), task_.IsClamped(),
+                                    form_.HasNumbers() ? task_.how.noData : std::nullopt};
+    const auto made = detail::MakeLinearRows(from, linear);
+    std::vector<uint8_t> row(to.Rows().RowBytes());
+    for (int y = rows.first; y < rows.first + rows.count; ++y) {
+      made->Make(y, target.left, WidthOf(target.pixels), row.data());
       to.Store(y, row.data());
     }
-  });
-}
+  }
 
-/// A marked color would be mixed with others. An index that means "not measured" becomes the color
-/// of its entry, as the indexes of the picture do.
-Resampling FillFor(Resampling how, AveragedForm form, const Raster& raster) {
-  const bool isNoData = how.fill.kind == Fill::Kind::noData || how.fill.kind == Fill::Kind::usual;
-  const bool isIndex = isNoData && form != AveragedForm::none && IsIndexed(raster.Format()) &&
-                       how.noData >= 0 && how.noData < raster.palette.Entries().size();
-  if (isIndex) {
-    const auto index = static_cast<int>(*how.noData);
-    how.fill = {Fill::Kind::color, EntryColor(raster.palette.Entry(index))};
-  }
-  if (form != AveragedForm::none && how.fill.kind == Fill::Kind::automatic) {
-    how.fill.kind = Fill::Kind::transparent;
-  }
-  return how;
-}
-
-Pixels Resampled(const TurnTask& task, Pixels source, const StageRun& run,
-                 const ProgressShare& share) {
-  auto* raster = std::get_if<Raster>(&source);
-  const AveragedForm form =
-      detail::FormForTurn(LayoutOf(source), raster != nullptr, task.how.filter);
-  const bool hasNumbers =
-      raster == nullptr || (raster->Format() == pf8bit && form == AveragedForm::gray);
-  std::vector<uint8_t> fill;
-  if (raster != nullptr) {
-    const Resampling how = FillFor(task.how, form, *raster);
-    detail::BringToForm(*raster, form);
-    const uint32_t pixel = detail::PrepareFill(*raster, how);
-    fill = BytesOfPixel(pixel, StoredBitsPerPixel(raster->Format()));
-  } else {
-    fill = detail::PrepareFill(std::get<Samples>(source), task.how);
-  }
-  Pixels target = EmptyTarget(source, task.target);
-  if (form == AveragedForm::none) {
-    TakeNearest(task, source, target, fill, run, share);
-  } else {
-    Interpolate(task, source, target, fill, hasNumbers ? task.how.noData : std::nullopt, run,
-                share);
-  }
-  return target;
-}
+  const TurnTask task_;
+  const std::optional<kernels::RotationMapping> mapping_;
+  const std::unique_ptr<BandWork> quarters_;
+  /// A pixel of the turned source.
+  const Pixels sourceLike_;
+  const detail::PreparedPixels form_;
+  const int tileColumns_;
+};
 
 /// Rows that the affine leads to, with those around them.
 RowRange SourceRows(const TurnTask& task, RowRange target) {
@@ -178,10 +272,12 @@ RowRange SourceRows(const TurnTask& task, RowRange target) {
   return {first, static_cast<int>(std::clamp(high, 0.0, last)) - first + 1};
 }
 
-class RotateRows : public Stage {
+class RotateRows : public BandStage {
  public:
   RotateRows(Sides source, const RotationFrame& frame, const Resampling& how)
-      : quarters_(TurnStage(source, frame.quarters)), hasQuarters_(frame.quarters != 0) {
+      : BandStage(source),
+        quarters_(TurnStage(source, frame.quarters)),
+        hasQuarters_(frame.quarters != 0) {
     const Sides turned = frame.quarters % 2 == 0 ? source : Sides{source.height, source.width};
     hasRest_ = frame.rest != 0;
     // The affine of the rest alone: that of a picture of the turned sides.
@@ -196,20 +292,15 @@ class RotateRows : public Stage {
     return quarters_->Needs(hasRest_ ? SourceRows(task_, target) : target);
   }
 
+  std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun& run) const override {
+    auto quarters = hasQuarters_ || !hasRest_ ? quarters_->Start(like, run) : nullptr;
+    if (!hasRest_) return quarters;
+    return std::make_unique<TakenWork>(like, task_, std::move(quarters));
+  }
+
   Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
     if (!hasRest_) return quarters_->Make(std::move(source), run, changes);
-    double start = 0;
-    if (hasQuarters_) {
-      StageRun part = run;
-      start = kQuartersShare;
-      if (run.progress) {
-        part.progress = [&](double done) { run.progress(done * kQuartersShare); };
-      }
-      source = quarters_->Make(std::move(source), part, changes);
-    } else {
-      detail::RequireSides(source, task_.source);
-    }
-    return Resampled(task_, std::move(source), run, {start, 1});
+    return BandStage::Make(std::move(source), run, changes);
   }
 
  private:
@@ -219,15 +310,13 @@ class RotateRows : public Stage {
   TurnTask task_;
 };
 
-class AffineRows : public Stage {
+class AffineRows : public BandStage {
  public:
-  explicit AffineRows(const TurnTask& task) : task_(task) {}
+  explicit AffineRows(const TurnTask& task) : BandStage(task.source), task_(task) {}
 
   RowRange Needs(RowRange target) const override { return SourceRows(task_, target); }
-
-  Pixels Make(Pixels source, const StageRun& run, Changes&) const override {
-    detail::RequireSides(source, task_.source);
-    return Resampled(task_, std::move(source), run, {});
+  std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun&) const override {
+    return std::make_unique<TakenWork>(like, task_, nullptr);
   }
 
  private:

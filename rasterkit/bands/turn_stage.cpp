@@ -66,15 +66,16 @@ class AxisWork : public BandWork {
     }
   }
 
-  /// Rows of the result that are columns of the source share its cache lines.
+  /// Rows of the result that are columns of the source share its cache lines. With up to seven more
+  /// columns in front of them, packed ones still fill as few lines.
   int RowsOfPiece() const override {
+    constexpr int kLine = 64, kByteColumns = 8;
     if (!turn_.transpose) return 0;
     const detail::ConstPixelGrid grid = detail::GridOf(like_, 0);
-    constexpr int kLineBits = 512;
-    const int shared = grid.bits < 8 ? kLineBits / grid.bits : 64;
+    if (grid.bits < 8) return kLine * 8 - kByteColumns;
     const int rows = detail::PieceOf(
         size_.height, grid.BytesPerPixel() * static_cast<size_t>(std::max(1, size_.width)));
-    return (rows + shared - 1) / shared * shared;
+    return (rows + kLine - 1) / kLine * kLine;
   }
 
  private:

@@ -216,7 +216,11 @@ void FlowBuilder::LookAtRows(BandWork& work, const StageRun& run) {
   BandPipeline pipeline = NewPipeline(looks);
   if (IsForetold()) return CountPipeline(pipeline, 0);
   RunPipeline(pipeline, part, look);
-  if (chain_.source == reader_) reader_->Finish(earlier_);
+  if (chain_.source != reader_) return;
+  CodecReport noticed;
+  reader_->Finish(noticed);
+  AddWhatIsNew(noticed.warnings, earlier_.warnings);
+  AddWhatIsNew(noticed.damage, earlier_.damage);
 }
 
 BandPlan FlowBuilder::UsualPlan() const {

@@ -26,7 +26,7 @@ struct Band {
 };
 
 /// Copies a part of a picture to the place (`left`, `top`) of another one of the same kind. Bits
-/// beside the part stay as they are in the target; bytes behind the last pixel of its rows are set
+/// beside the part stay as they are in the target; bytes after the last pixel of its rows are set
 /// to 0 where the part reaches the right edge.
 RASTERKIT_EXPORT void CopyPart(const Pixels& source, const BandRect& part, Pixels& target, int left,
                                int top);

@@ -26,23 +26,31 @@ bool IsUnsure(int64_t fixed) {
   return fraction < kUnsure || fraction > kOne - kUnsure;
 }
 
-/// Source places of the pixels of a row, from left to right.
+/// Places in the source's part of the pixels of a row of the target's part, from left to right.
 class RowPlaces {
  public:
-  RowPlaces(const RotationMapping& mapping, bool isFast, int y, int first)
-      : mapping_(mapping), isFast_(isFast), y_(y), x_(first) {
+  RowPlaces(const RotationMapping& mapping, const RotationParts& parts, bool isFast, int y,
+            int first)
+      : mapping_(mapping),
+        parts_(parts),
+        isFast_(isFast),
+        y_(y + parts.targetTop),
+        x_(first + parts.targetLeft) {
     if (!isFast) return;
     columnStep_ = ToFixed(mapping.Cosine());
     rowStep_ = ToFixed(mapping.Sine());
-    column_ = ToFixed(mapping.ColumnEstimate(0, y) + 0.5) + first * columnStep_;
-    row_ = ToFixed(mapping.RowEstimate(0, y) + 0.5) + first * rowStep_;
+    column_ = ToFixed(mapping.ColumnEstimate(0, y_) + 0.5) + x_ * columnStep_;
+    row_ = ToFixed(mapping.RowEstimate(0, y_) + 0.5) + x_ * rowStep_;
   }
 
   int64_t Column() const {
-    return isFast_ && !IsUnsure(column_) ? column_ >> kFractionBits : mapping_.SourceColumn(x_, y_);
+    return (isFast_ && !IsUnsure(column_) ? column_ >> kFractionBits
+                                          : mapping_.SourceColumn(x_, y_)) -
+           parts_.sourceLeft;
   }
   int64_t Row() const {
-    return isFast_ && !IsUnsure(row_) ? row_ >> kFractionBits : mapping_.SourceRow(x_, y_);
+    return (isFast_ && !IsUnsure(row_) ? row_ >> kFractionBits : mapping_.SourceRow(x_, y_)) -
+           parts_.sourceTop;
   }
   void Next() {
     ++x_;
@@ -52,6 +60,7 @@ class RowPlaces {
 
  private:
   const RotationMapping& mapping_;
+  const RotationParts& parts_;
   const bool isFast_;
   const int y_;
   int x_;
@@ -77,15 +86,16 @@ void GatherRow(const ConstPixelRows& source, RowPlaces places, int count, size_t
 
 template <class Move>
 void Gather(const RotationMapping& mapping, const ConstPixelRows& source, const PixelRows& target,
-            size_t bytes, const uint8_t* background, int firstRow, int lastRow, Move move) {
-  const bool isFast = HasFastSize(mapping, target.height);
+            size_t bytes, const uint8_t* background, int firstRow, int lastRow,
+            const RotationParts& parts, Move move) {
+  const bool isFast = HasFastSize(mapping, mapping.TargetHeight());
   for (int y = firstRow; y < lastRow; ++y) {
-    const RotationMapping::Run run = mapping.InsideRun(y);
+    const RotationMapping::Run run = mapping.InsideRun(y, parts, target.width);
     uint8_t* row = target.Row(y);
     for (int x = 0; x < run.first; ++x) {
       move(background, row + static_cast<size_t>(x) * bytes, bytes);
     }
-    GatherRow(source, RowPlaces(mapping, isFast, y, run.first), run.last - run.first, bytes,
+    GatherRow(source, RowPlaces(mapping, parts, isFast, y, run.first), run.last - run.first, bytes,
               row + static_cast<size_t>(run.first) * bytes, move);
     for (int x = run.last; x < target.width; ++x) {
       move(background, row + static_cast<size_t>(x) * bytes, bytes);
@@ -112,9 +122,9 @@ void CopyPixel(const uint8_t* source, size_t column, uint8_t* target, int x, int
 
 void GatherPixels(const RotationMapping& mapping, const ConstPixelRows& source,
                   const PixelRows& target, size_t bytesPerPixel, const uint8_t* background,
-                  int firstRow, int lastRow) {
+                  int firstRow, int lastRow, const RotationParts& parts) {
   const auto gather = [&](auto move) {
-    Gather(mapping, source, target, bytesPerPixel, background, firstRow, lastRow, move);
+    Gather(mapping, source, target, bytesPerPixel, background, firstRow, lastRow, parts, move);
   };
   switch (bytesPerPixel) {
     case 1:
@@ -139,15 +149,19 @@ void GatherPixels(const RotationMapping& mapping, const ConstPixelRows& source,
 }
 
 void GatherEdges(const RotationMapping& mapping, const ConstPixelRows& source,
-                 const PixelRows& target, int bitsPerPixel, int firstRow, int lastRow) {
+                 const PixelRows& target, int bitsPerPixel, int firstRow, int lastRow,
+                 const RotationParts& parts) {
   const auto copy = [&](int x, int y) {
-    const int64_t column = std::clamp<int64_t>(mapping.SourceColumn(x, y), 0, source.width - 1);
-    const int64_t row = std::clamp<int64_t>(mapping.SourceRow(x, y), 0, source.height - 1);
-    CopyPixel(source.Row(static_cast<int>(row)), static_cast<size_t>(column), target.Row(y), x,
-              bitsPerPixel);
+    const int wholeX = x + parts.targetLeft, wholeY = y + parts.targetTop;
+    const int64_t column =
+        std::clamp<int64_t>(mapping.SourceColumn(wholeX, wholeY), 0, mapping.SourceWidth() - 1);
+    const int64_t row =
+        std::clamp<int64_t>(mapping.SourceRow(wholeX, wholeY), 0, mapping.SourceHeight() - 1);
+    CopyPixel(source.Row(static_cast<int>(row - parts.sourceTop)),
+              static_cast<size_t>(column - parts.sourceLeft), target.Row(y), x, bitsPerPixel);
   };
   for (int y = firstRow; y < lastRow; ++y) {
-    const RotationMapping::Run run = mapping.InsideRun(y);
+    const RotationMapping::Run run = mapping.InsideRun(y, parts, target.width);
     for (int x = 0; x < run.first; ++x) copy(x, y);
     for (int x = run.last; x < target.width; ++x) copy(x, y);
   }

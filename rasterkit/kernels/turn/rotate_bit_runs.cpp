@@ -51,6 +51,7 @@ struct Job {
   ConstPixelRows source;
   PixelRows target;
   bool background;
+  RotationParts parts;
 };
 
 // Where the breaks of one kind lie in a target row: `distance / slope` is the first place,
@@ -200,7 +201,8 @@ class BitWriter {
   int count_ = 0;  // pixels in the top bits of `pending_`, less than a byte
 };
 
-// Where the runs of a target row end, and where its first one begins in the source.
+// Where the runs of a target row end, counted in the whole picture, and where its first one begins
+// in the part of the source.
 struct RowRuns {
   int first, last;
   int64_t row, column;
@@ -208,9 +210,11 @@ struct RowRuns {
   const int* columnBreaks;  // then `last`
 };
 
-// The breaks of a target row; `breaks` has room for them.
-RowRuns FindRuns(const RotationMapping& mapping, int y, RotationMapping::Run run, int* breaks) {
-  const int first = run.first, last = run.last;
+// The breaks of a row of the target's part; `breaks` has room for them.
+RowRuns FindRuns(const Job& job, int rowOfPart, RotationMapping::Run run, int* breaks) {
+  const RotationMapping& mapping = job.mapping;
+  const int y = rowOfPart + job.parts.targetTop;
+  const int first = run.first + job.parts.targetLeft, last = run.last + job.parts.targetLeft;
   const int64_t row = mapping.SourceRow(first, y);
   const int64_t column = mapping.SourceColumn(first, y);
   const int rowStep = mapping.Sine() < 0 ? -1 : 1;
@@ -227,7 +231,8 @@ RowRuns FindRuns(const RotationMapping& mapping, int y, RotationMapping::Run run
              [&](int x, int i) {
                return mapping.SourceColumn(x, y) != column + direction * (x - first - i);
              });
-  return {first, last, row, column, breaks, columnBreaks};
+  return {first,  last,        row - job.parts.sourceTop, column - job.parts.sourceLeft,
+          breaks, columnBreaks};
 }
 
 }  // namespace
@@ -280,11 +285,11 @@ void RotateRows(const Job& job, int* breaks, int firstRow, int lastRow) {
   const WordReader reader(job.source);
   const int width = job.target.width;
   for (int y = firstRow; y < lastRow; ++y) {
-    const RotationMapping::Run run = job.mapping.InsideRun(y);
+    const RotationMapping::Run run = job.mapping.InsideRun(y, job.parts, width);
     BitWriter writer(job.target.Row(y), job.target.stride);
     writer.PutSame(job.background, run.first);
     if (run.first < run.last) {
-      const RowRuns runs = FindRuns(job.mapping, y, run, breaks);
+      const RowRuns runs = FindRuns(job, y, run, breaks);
       if (job.mapping.Cosine() > 0) {
         MoveRuns<1>(job, runs, reader, writer);
       } else {
@@ -315,11 +320,12 @@ bool TakesLongRuns(const RotationMapping& mapping, int targetHeight) {
 }
 
 void RotateBitRuns(const RotationMapping& mapping, const ConstPixelRows& source,
-                   const PixelRows& target, bool background, int firstRow, int lastRow) {
+                   const PixelRows& target, bool background, int firstRow, int lastRow,
+                   const RotationParts& parts) {
   // Breaks of both kinds are less than half as many as pixels; two ends.
   std::vector<int> breaks(static_cast<size_t>(target.width) / 2 + 4);
   HWY_DYNAMIC_DISPATCH(RotateRows)
-  ({mapping, source, target, background}, breaks.data(), firstRow, lastRow);
+  ({mapping, source, target, background, parts}, breaks.data(), firstRow, lastRow);
 }
 
 }  // namespace rasterkit::kernels

@@ -11,6 +11,7 @@ bool TakesLongRuns(const RotationMapping& mapping, int targetHeight);
 
 /// As `RotatePixels`, for 1-bit pictures whose mapping takes long runs. Runs move as words of bits.
 void RotateBitRuns(const RotationMapping& mapping, const ConstPixelRows& source,
-                   const PixelRows& target, bool background, int firstRow, int lastRow);
+                   const PixelRows& target, bool background, int firstRow, int lastRow,
+                   const RotationParts& parts = {});
 
 }  // namespace rasterkit::kernels

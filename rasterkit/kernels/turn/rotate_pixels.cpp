@@ -42,6 +42,7 @@ namespace {
 constexpr int kTileWidth = 128;  // lanes have 8 bits for the distance from the tile's begin
 constexpr int kPrefetchStep = 8;
 constexpr int kFractionBits = 40;
+constexpr int64_t kOne = int64_t{1} << kFractionBits;
 constexpr int kLaneFractionBits = 24;
 constexpr double kMargin = 1.0 / (1 << 17);
 // Zero in these bits of a lane: its fraction is below 2 kMargin = 2^-16.
@@ -53,13 +54,15 @@ struct Job {
   ConstPixelRows source;
   PixelRows target;
   int bits;
+  RotationParts parts;
   int64_t columnStep, rowStep;  // kFractionBits
   bool fast;
   // A tile's width of background pixels, packed formats one pixel a byte.
   uint8_t background[kTileWidth * 4];
 };
 
-// Where a row of the target begins in the source, and which of its pixels have one.
+// Where a row of the target begins in the source, and which of its pixels have one. All is counted
+// from the first pixels of the parts: whole numbers do not change what is cut off.
 struct RowStart {
   RotationMapping::Run run;
   int64_t column, row;  // kFractionBits, of target column 0, lifted
@@ -70,10 +73,14 @@ int64_t ToFixed(double value) {
 }
 
 RowStart StartRow(const Job& job, int y) {
-  RowStart start{job.mapping.InsideRun(y), 0, 0};
+  const RotationParts& parts = job.parts;
+  RowStart start{job.mapping.InsideRun(y, parts, job.target.width), 0, 0};
   if (job.fast) {
-    start.column = ToFixed(job.mapping.ColumnEstimate(0, y) + (0.5 + kMargin));
-    start.row = ToFixed(job.mapping.RowEstimate(0, y) + (0.5 + kMargin));
+    const int left = parts.targetLeft, row = y + parts.targetTop;
+    start.column =
+        ToFixed(job.mapping.ColumnEstimate(left, row) + (0.5 + kMargin)) - parts.sourceLeft * kOne;
+    start.row =
+        ToFixed(job.mapping.RowEstimate(left, row) + (0.5 + kMargin)) - parts.sourceTop * kOne;
   }
   return start;
 }
@@ -98,7 +105,11 @@ void MovePixel(const Job& job, int64_t column, int64_t row, uint8_t* target) {
 
 template <int kBits>
 void MoveExactPixel(const Job& job, int x, int y, uint8_t* target) {
-  MovePixel<kBits>(job, job.mapping.SourceColumn(x, y), job.mapping.SourceRow(x, y), target);
+  const RotationParts& parts = job.parts;
+  x += parts.targetLeft;
+  y += parts.targetTop;
+  MovePixel<kBits>(job, job.mapping.SourceColumn(x, y) - parts.sourceLeft,
+                   job.mapping.SourceRow(x, y) - parts.sourceTop, target);
 }
 
 bool IsNearHalf(int64_t fixed) {
@@ -384,19 +395,20 @@ void FillBackground(Job& job, uint32_t pixel) {
 
 void RotatePixels(const RotationMapping& mapping, const ConstPixelRows& source,
                   const PixelRows& target, int bitsPerPixel, uint32_t background, int firstRow,
-                  int lastRow) {
+                  int lastRow, const RotationParts& parts) {
   if (target.width <= 0) return;
-  if (bitsPerPixel == 1 && TakesLongRuns(mapping, target.height)) {
-    RotateBitRuns(mapping, source, target, background != 0, firstRow, lastRow);
+  if (bitsPerPixel == 1 && TakesLongRuns(mapping, mapping.TargetHeight())) {
+    RotateBitRuns(mapping, source, target, background != 0, firstRow, lastRow, parts);
     for (int y = firstRow; y < lastRow; ++y) ClearPadding(target, y, 1);
     return;
   }
-  const bool fast = HasFastSize(mapping, target.height);
+  const bool fast = HasFastSize(mapping, mapping.TargetHeight());
   // Steps along rows of 2^23 pixels would leave 64 bits; the exact rule needs none.
   Job job{mapping,
           source,
           target,
           bitsPerPixel,
+          parts,
           fast ? ToFixed(mapping.Cosine()) : 0,
           fast ? ToFixed(mapping.Sine()) : 0,
           fast,

@@ -16,9 +16,10 @@ inline constexpr int kRotationStripRows = 32;
 /// side by side. Pixels move whole; 1- and 4-bit pixels lie packed, the first in the high bits.
 ///
 /// `bitsPerPixel` is 1, 4, 8, 16, 24 or 32; `background` is a pixel's bytes in little-endian order,
-/// or a packed pixel's value. The sizes are those that the mapping was made for.
+/// or a packed pixel's value. The rows are those of the pictures that the mapping was made for, or
+/// `parts` of them.
 void RotatePixels(const RotationMapping& mapping, const ConstPixelRows& source,
                   const PixelRows& target, int bitsPerPixel, uint32_t background, int firstRow,
-                  int lastRow);
+                  int lastRow, const RotationParts& parts = {});
 
 }  // namespace rasterkit::kernels

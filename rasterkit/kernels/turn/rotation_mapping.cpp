@@ -69,6 +69,7 @@ RotationMapping::RotationMapping(const SineCosine& turn, int sourceWidth, int so
       sourceWidth_(sourceWidth),
       sourceHeight_(sourceHeight),
       targetWidth_(targetWidth),
+      targetHeight_(targetHeight),
       doubledSourceX_(DoubledCenter(sourceWidth)),
       doubledSourceY_(DoubledCenter(sourceHeight)),
       doubledTargetX_(DoubledCenter(targetWidth)),
@@ -118,6 +119,13 @@ RotationMapping::Run RotationMapping::InsideRun(int y) const {
                              [&](int x) { return SourceRow(x, y); });
   const Run both{std::max(columns.first, rows.first), std::min(columns.last, rows.last)};
   return both.first < both.last ? both : Run{};
+}
+
+RotationMapping::Run RotationMapping::InsideRun(int y, const RotationParts& parts,
+                                                int width) const {
+  const Run run = InsideRun(y + parts.targetTop);
+  const int first = std::clamp(run.first - parts.targetLeft, 0, width);
+  return {first, std::clamp(run.last - parts.targetLeft, first, width)};
 }
 
 }  // namespace rasterkit::kernels

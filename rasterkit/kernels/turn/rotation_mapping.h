@@ -15,6 +15,13 @@ struct Size {
 /// |Round(H cos)|.
 Size RotatedSize(int width, int height, const SineCosine& turn);
 
+/// The parts of both pictures that the rows of a call are: the place of their first pixel. The part
+/// of the source has all pixels that the part of the target shows.
+struct RotationParts {
+  int sourceLeft = 0, sourceTop = 0;
+  int targetLeft = 0, targetTop = 0;
+};
+
 /// Which source pixel a target pixel shows when a picture is turned counter-clockwise (rows counted
 /// downward) about its center, nearest pixel:
 ///
@@ -31,6 +38,7 @@ class RotationMapping {
   int SourceWidth() const { return sourceWidth_; }
   int SourceHeight() const { return sourceHeight_; }
   int TargetWidth() const { return targetWidth_; }
+  int TargetHeight() const { return targetHeight_; }
   double Sine() const { return sine_; }
   double Cosine() const { return cosine_; }
 
@@ -51,10 +59,13 @@ class RotationMapping {
     int last = 0;
   };
   Run InsideRun(int y) const;
+  /// The same for row `y` of a part of the target that is `width` pixels wide; all counted from the
+  /// part's first pixel.
+  Run InsideRun(int y, const RotationParts& parts, int width) const;
 
  private:
   double sine_, cosine_;
-  int sourceWidth_, sourceHeight_, targetWidth_;
+  int sourceWidth_, sourceHeight_, targetWidth_, targetHeight_;
   // Twice the centers: whole numbers, also where single precision has cut them.
   int64_t doubledSourceX_, doubledSourceY_, doubledTargetX_, doubledTargetY_;
   double doubleError_;

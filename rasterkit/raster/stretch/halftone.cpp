@@ -34,9 +34,11 @@ HalftoneAxis MakeAxis(int start, int end, int sourceSize, int first, int last) {
 }
 
 /// Sums must be divided by totals of at least 2: without any stretching everything counts twice.
-HalftoneAxes MakeAxes(const PixelRect& place, const Raster& source, const PixelRect& inside) {
-  HalftoneAxes axes{MakeAxis(place.left, place.right, source.Width(), inside.left, inside.right),
-                    MakeAxis(place.top, place.bottom, source.Height(), inside.top, inside.bottom)};
+HalftoneAxes MakeAxes(const PixelRect& place, const HalftonePart& part, const PixelRect& inside) {
+  HalftoneAxes axes{MakeAxis(place.left, place.right, part.width, inside.left, inside.right),
+                    MakeAxis(place.top, place.bottom, part.height, inside.top, inside.bottom)};
+  for (HalftoneTap& tap : axes.columns.taps) tap.first -= part.left;
+  for (HalftoneTap& tap : axes.rows.taps) tap.first -= part.top;
   if (axes.columns.total == 1 && axes.rows.total == 1) {
     axes.rows.total = 2;
     for (HalftoneTap& tap : axes.rows.taps) tap.firstWeight = 2;
@@ -94,6 +96,15 @@ bool IsFullyOpaque(const Raster& raster) {
   return true;
 }
 
+void Draw(Raster& target, const PixelRect& inside, const HalftoneAxes& axes, const Raster& source,
+          const PixelRule& rule, bool weightByAlpha) {
+  if (weightByAlpha && !IsFullyOpaque(source)) {
+    DrawAlphaMeans(target, inside, axes, source, rule);
+  } else {
+    DrawOpaqueMeans(target, inside, axes, source);
+  }
+}
+
 void Halftone(Raster& target, const PixelRect& place, const Raster& source, const PixelRule& rule,
               bool weightByAlpha) {
   if (source.Width() == 0 || source.Height() == 0) return;
@@ -101,12 +112,8 @@ void Halftone(Raster& target, const PixelRect& place, const Raster& source, cons
                           std::max(place.left, place.right), std::max(place.top, place.bottom)};
   const PixelRect inside = ClipRect(covered, target.Width(), target.Height());
   if (inside.left >= inside.right || inside.top >= inside.bottom) return;
-  const HalftoneAxes axes = MakeAxes(place, source, inside);
-  if (weightByAlpha && !IsFullyOpaque(source)) {
-    DrawAlphaMeans(target, inside, axes, source, rule);
-  } else {
-    DrawOpaqueMeans(target, inside, axes, source);
-  }
+  const HalftonePart whole{source.Width(), source.Height()};
+  Draw(target, inside, MakeAxes(place, whole, inside), source, rule, weightByAlpha);
 }
 
 }  // namespace
@@ -129,6 +136,20 @@ void CopyHalftone(Raster& target, const PixelRect& place, const Raster& source) 
   PixelRule rule;
   rule.kind = PixelRule::Kind::copy;
   Halftone(target, place, source, rule, source.Format() == pf32bit);
+}
+
+void CopyHalftone(Raster& target, const PixelRect& place, const Raster& source,
+                  const HalftonePart& part, const HalftoneRows& rows) {
+  const PixelRect covered{place.left, std::max(place.top, rows.first), place.right,
+                          std::min(place.bottom, rows.last)};
+  const PixelRect inside = ClipRect(covered, target.Width(), target.Height());
+  const HalftoneAxes axes = MakeAxes(place, part, inside);
+  PixelRule rule;
+  rule.kind = PixelRule::Kind::copy;
+  Draw(target, inside, axes, source, rule, source.Format() == pf32bit);
+  for (int y = inside.top; y < inside.bottom; ++y) {
+    std::fill_n(target.Row(y) + target.RowBytes(), target.Stride() - target.RowBytes(), uint8_t{0});
+  }
 }
 
 }  // namespace rasterkit

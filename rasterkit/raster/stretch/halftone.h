@@ -24,4 +24,23 @@ RASTERKIT_EXPORT void BlitHalftone(Raster& target, const PixelRect& place, const
 /// (plain means if all of it is 0); a 32-bit target gets the mean alpha.
 RASTERKIT_EXPORT void CopyHalftone(Raster& target, const PixelRect& place, const Raster& source);
 
+/// A part of a picture that takes the place of the whole one.
+struct HalftonePart {
+  /// Sides of the whole picture.
+  int width = 0, height = 0;
+  /// The part's first pixel.
+  int left = 0, top = 0;
+};
+
+/// Rows of the target, from `first` to `last - 1`.
+struct HalftoneRows {
+  int first = 0, last = 0;
+};
+
+/// The same for some rows of the target from a part of a source, which has all pixels that they
+/// need. The place is that of the whole source; its sides do not exceed 2^22 pixels. Bytes behind
+/// the last pixel of the rows are set to 0.
+RASTERKIT_EXPORT void CopyHalftone(Raster& target, const PixelRect& place, const Raster& source,
+                                   const HalftonePart& part, const HalftoneRows& rows);
+
 }  // namespace rasterkit
