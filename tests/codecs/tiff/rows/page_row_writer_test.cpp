@@ -110,8 +110,8 @@ class ForgetfulStream : public TStream {
 };
 
 TEST(TiffRowWriter, Should_WriteBigTiffAndSayIt_When_TheFilePasses4Gigabytes) {
-  constexpr int kSide = 40000, kBandRows = 1000;
-  Pixels band = Raster(pf24bit, kSide, kBandRows);
+  constexpr int kSide = 66000, kBandRows = 1000;
+  Pixels band = Raster(pf8bit, kSide, kBandRows);
   std::memset(std::get<Raster>(band).Row(0), 1, std::get<Raster>(band).Stride() * kBandRows);
   PictureWriting writing;
   TiffForm form = StripForm(COMPRESSION_NONE);
@@ -123,7 +123,7 @@ TEST(TiffRowWriter, Should_WriteBigTiffAndSayIt_When_TheFilePasses4Gigabytes) {
   const WrittenPicture written = writer->Finish();
   EXPECT_TRUE(std::get<TiffForm>(written.form).isBigTiff);
   EXPECT_THAT(written.changes.notes, testing::Contains(testing::HasSubstr("written as BigTIFF: ")));
-  EXPECT_GT(stream.Size(), uint64_t{3} * kSide * kSide);
+  EXPECT_GT(stream.Size(), uint64_t{1} * kSide * kSide);
   EXPECT_EQ(stream.head[2], 43);
   // The directory follows the pixels.
   EXPECT_GT(stream.head[8 + 4], 0);
