@@ -122,8 +122,8 @@ TransposedPart TransposeAs(const ConstPixelRows& source, const PixelRows& target
   const int rows = source.width < 6 ? 0 : target.height / 4 * 4;
   const ptrdiff_t step = static_cast<ptrdiff_t>(source.stride) * (turn.mirrorX ? -1 : 1);
   const uint8_t* firstRow = source.Row(turn.mirrorX ? source.height - 1 : 0);
-  // Columns of the source from right to left: processors fetch the bytes behind those that are read
-  // in rising order, which nobody needs soon.
+  // Columns of the source from right to left: processors fetch the bytes after those that are read
+  // in rising order, which would be too early here.
   const int groups = rows / 4, groupsOfBlock = kBlockRows / 4;
   for (int block = 0; block < groups; block += groupsOfBlock) {
     const int last = std::min(block + groupsOfBlock, groups);
