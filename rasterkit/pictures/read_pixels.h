@@ -37,7 +37,7 @@ class PictureFlow {
   const Pixels& Like() const { return flow_->Like(); }
   Sides Size() const { return flow_->Size(); }
   /// Hands out all rows from top to bottom, on one thread at a time, which need not be the calling
-  /// one. `take` may keep rows that are the whole picture.
+  /// one. The rows are valid during the call.
   void Run(const StageRun& run, const Take& take);
   /// All rows together.
   Pixels Whole(const StageRun& run);
