@@ -13,6 +13,8 @@ constexpr int kColumnWidth = 256, kPackedColumnWidth = 1024;
 constexpr int kMostTimesWider = 16;
 /// A part and its source should fit into the processor's cache.
 constexpr uint64_t kMostPartBytes = uint64_t{3} << 20;
+/// Blocks are larger by this part, so that few parts need another block.
+constexpr size_t kSpare = 8;
 /// What it costs to read a row of a part, as bytes that are read in the same time.
 constexpr double kBytesPerRead = 4000;
 
@@ -52,7 +54,8 @@ PartMaker::Part PartMaker::PartFor(int width, int rows) const {
 }
 
 uint64_t PartMaker::BytesOfPart(int rows) const {
-  return PartFor(columnWidth_, rows).bytes;
+  const uint64_t bytes = PartFor(columnWidth_, rows).bytes;
+  return bytes + bytes / kSpare;
 }
 
 std::unique_ptr<PartMaker::Blocks> PartMaker::TakeBlocks() {
@@ -69,7 +72,7 @@ Band PartMaker::NewPart(size_t level, const BandRect& rect, Blocks& blocks) cons
   const auto bytes = static_cast<size_t>(BytesOfPixels(like, width, height));
   if (blocks[level].Size() < bytes) {
     blocks[level] = {};
-    blocks[level] = PixelMemory(bytes + bytes / 8);
+    blocks[level] = PixelMemory(bytes + bytes / kSpare);
   }
   return {PixelsInMemory(blocks[level].Data(), like, width, height), rect.left, rect.top};
 }
