@@ -11,6 +11,7 @@
 
 #include <rasterkit/codecs/tiff/tiff_decoder.h>
 #include <rasterkit/codecs/tiff/tiff_encoder.h>
+#include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/codecs/tiff/tiff_plan.h>
 #include <rasterkit/kernels/rows/exchange_red_blue.h>
 #include <rasterkit/raster/convert.h>
@@ -99,6 +100,65 @@ void ReadOwn(benchmark::State& state, int threads) {
     TFileStream file(FileName());
     benchmark::DoNotOptimize(DecodeTiff(file, {.threads = threads}).rows.Row(0));
   }
+}
+
+/// Bands as a flow uses them: a few megabytes that stay in the cache.
+constexpr int kBandRows = 64;
+
+/// The page of `WriteTiff`, written in bands.
+void WriteBands(benchmark::State& state) {
+  const Raster& raster = Photo();
+  const WrittenSize size{raster.Width(), raster.Height()};
+  PictureWriting writing;
+  writing.form = FormFor(TiffCompression::none, LayoutOf(raster.Clone()));
+  for (auto _ : state) {
+    AtomicFile file(FileName());
+    Pixels band = NewPixels(raster.Clone(), size.width, kBandRows);
+    const auto writer = OpenTiffWriter(band, size, writing, file);
+    for (int y = 0; y < size.height; y += kBandRows) {
+      if (y + kBandRows > size.height) band = NewPixels(band, size.width, size.height - y);
+      Raster& rows = std::get<Raster>(band);
+      for (int i = 0; i < rows.Height(); i++) {
+        std::memcpy(rows.Row(i), raster.Row(y + i), raster.RowBytes());
+      }
+      writer->Write(band);
+    }
+    writer->Finish();
+    file.Commit();
+  }
+  Report(state, raster);
+}
+
+/// The page in bands that are used again and again.
+void ReadBands(benchmark::State& state) {
+  const Raster& raster = Photo();
+  Write(raster, Packed(TiffCompression::none));
+  for (auto _ : state) {
+    TFileStream file(FileName());
+    const auto reader = OpenTiffRows(file);
+    Pixels band = NewPixels(reader->Like(), reader->Width(), kBandRows);
+    for (int y = 0; y < reader->Height(); y += kBandRows) {
+      const int rows = std::min(kBandRows, reader->Height() - y);
+      if (rows < kBandRows) band = NewPixels(band, reader->Width(), rows);
+      reader->Read(0, y, band);
+      benchmark::DoNotOptimize(std::get<Raster>(band).Row(0));
+    }
+  }
+  Report(state, raster);
+}
+
+/// A twelfth of the page out of its middle.
+void ReadPart(benchmark::State& state) {
+  const Raster& raster = Photo();
+  Write(raster, Packed(TiffCompression::none));
+  for (auto _ : state) {
+    TFileStream file(FileName());
+    const auto reader = OpenTiffRows(file);
+    Pixels part = NewPixels(reader->Like(), 1000, 1000);
+    reader->Read(1500, 1000, part);
+    benchmark::DoNotOptimize(std::get<Raster>(part).Row(0));
+  }
+  Report(state, raster);
 }
 
 // ---- libtiff alone
@@ -279,6 +339,7 @@ constexpr auto kG4 = TiffCompression::group4;
 #endif
 
 RASTERKIT_BENCH(WriteOwn, photo_plain, Photo, kNone);
+BENCHMARK(WriteBands)->Unit(benchmark::kMillisecond)->UseRealTime();
 RASTERKIT_BENCH(WriteLibtiff, photo_plain, Photo, kNone);
 RASTERKIT_BENCH_PEER(WriteGdal, photo_plain, Photo, "NONE");
 RASTERKIT_BENCH(WriteOwn, photo_lzw, Photo, kLzw);
@@ -298,6 +359,8 @@ RASTERKIT_BENCH(WriteOwn, bits_g4, Bits, kG4);
 RASTERKIT_BENCH(WriteLibtiff, bits_g4, Bits, kG4);
 
 RASTERKIT_BENCH(Read, photo_plain, Reader::own, Photo, kNone);
+BENCHMARK(ReadBands)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(ReadPart)->Unit(benchmark::kMillisecond)->UseRealTime();
 RASTERKIT_BENCH(Read, photo_plain_libtiff, Reader::libtiff, Photo, kNone);
 RASTERKIT_BENCH_PEER(Read, photo_plain_gdal, Reader::gdal, Photo, kNone);
 RASTERKIT_BENCH(Read, photo_lzw, Reader::own, Photo, kLzw);

@@ -3,8 +3,9 @@
 #include <mutex>
 #include <string>
 #include <utility>
+#include <vector>
 
-#include <rasterkit/bands/colors/index_pixels.h>
+#include <rasterkit/bands/colors/color_reader.h>
 #include <rasterkit/bands/colors/opacity_plane.h>
 #include <rasterkit/bands/colors/placed_rows.h>
 #include <rasterkit/bands/colors/row_rule.h>
@@ -12,11 +13,12 @@
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/bitmaptools/engine/composition.h>
 #include <rasterkit/bitmaptools/engine/pixel_transfer.h>
-#include <rasterkit/bitmaptools/pixels/gray_mono.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
+#include <rasterkit/kernels/gray/gray.h>
 #include <rasterkit/raster/cut_out.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/memory/memory_share.h>
 
 namespace rasterkit {
@@ -38,8 +40,8 @@ class OverRows {
       Place(std::move(bitmap), *toOver, run);
       return;
     }
-    KeyToAlpha(bitmap);
-    if (!HasAlpha(bitmap)) bitmap.SetPixelFormat(pf24bit);
+    // A drawing stays as small as it is until its rows are needed.
+    if (!isDrawing_) MakeColors(bitmap);
     stretched_ = std::make_unique<TBitmap>(std::move(bitmap));
   }
 
@@ -47,10 +49,17 @@ class OverRows {
     if (placed_) {
       return std::make_unique<TBitmap>(std::get<Raster>(placed_->Rows(first, count)));
     }
-    return Stretched(first, count);
+    std::unique_ptr<TBitmap> rows = Stretched(first, count);
+    if (isDrawing_) MakeColors(*rows);
+    return rows;
   }
 
  private:
+  static void MakeColors(TBitmap& bitmap) {
+    KeyToAlpha(bitmap);
+    if (!HasAlpha(bitmap)) bitmap.SetPixelFormat(pf24bit);
+  }
+
   /// Drawings by nearest pixels, others interpolated; transparent beyond the edges.
   void Place(TBitmap bitmap, const Affine& toOver, const StageRun& run) {
     Resampling how;
@@ -67,15 +76,14 @@ class OverRows {
   std::unique_ptr<TBitmap> Stretched(int first, int count) const {
     const TBitmap& source = *stretched_;
     if (source.Width() == sides_.width && source.Height() == sides_.height) {
-      return std::make_unique<TBitmap>(
+      auto rows = std::make_unique<TBitmap>(
           CutOut(source.Content(), {0, first, sides_.width, first + count}));
+      rows->AssignTransparency(source);
+      return rows;
     }
     auto target = std::make_unique<TBitmap>();
     target->ResetPixels(source.PixelFormat(), sides_.width, count);
-    target->CarryFrom(source, {.resolution = false,
-                               .profile = false,
-                               .palette = false,
-                               .transparency = CarriedTransparency::none});
+    target->CarryFrom(source, {.resolution = false, .profile = false});
     target->Canvas().StretchMode = isDrawing_ ? smPlain : smHalftone;
     target->Canvas().CopyStretched({0, -first, sides_.width, sides_.height - first}, source);
     return target;
@@ -114,11 +122,19 @@ void Transfer(TBitmap& under, TBitmap& over, const Combination& combination) {
                    combination.percent, combination.gray, false);
 }
 
-/// A watermark counts every color by its darkness.
+/// A watermark counts every color by its darkness: it becomes 8-bit gray, painted onto white.
 void MakeMark(std::unique_ptr<TBitmap>& mark) {
-  if (HasTransparency(*mark)) DropTransparency(mark, clWhite);
-  mark->SetPixelFormat(pf24bit);
-  BitmapToGray(mark.get(), false);
+  Raster source = mark->TakeContent();
+  const ColorReader reader(source, source.Width());
+  Raster grays(pf8bit, source.Width(), source.Height());
+  grays.palette = GrayPalette(256);
+  std::vector<uint8_t> colors(3 * reader.Width());
+  for (int y = 0; y < source.Height(); ++y) {
+    RequireTime();
+    reader.Painted(source.Row(y), clWhite, colors.data());
+    kernels::GrayOfRow24(colors.data(), reader.Width(), grays.Row(y));
+  }
+  mark = std::make_unique<TBitmap>(std::move(grays));
 }
 
 /// Rows of a picture, and the row at which they lie in a picture of `height` rows.
@@ -231,12 +247,12 @@ class Combining : public BandWork {
   }
 
   void Prepare() const {
-    const std::shared_ptr<const Raster> second = second_(run_, changes_);
+    Raster second = second_(run_, changes_);
     if (IsWatermark() && !combination_.toOver) {
-      mark_ = std::make_unique<TBitmap>(second->Clone());
+      mark_ = std::make_unique<TBitmap>(std::move(second));
       return MakeMark(mark_);
     }
-    over_ = std::make_unique<OverRows>(second->Clone(), combination_.toOver, size_, run_);
+    over_ = std::make_unique<OverRows>(std::move(second), combination_.toOver, size_, run_);
   }
 
   /// Both have the same rows.
@@ -277,7 +293,7 @@ class CombineRows : public BandStage {
 
   RowRange Needs(RowRange target) const override { return target; }
   std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun& run) const override {
-    auto second = [over = combination_.over](const StageRun&, Changes&) { return over; };
+    auto second = [over = combination_.over](const StageRun&, Changes&) { return over->Clone(); };
     return StartCombining(like, Source(), combination_, second, run);
   }
 

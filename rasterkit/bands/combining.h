@@ -10,8 +10,8 @@ namespace rasterkit::detail {
 
 /// Gives the picture or the grid that is laid over another one. Called once, when the first rows
 /// are made, so that a work that is only planned reads nothing. Adds what it loses.
-using SecondPicture = std::function<std::shared_ptr<const Raster>(const StageRun&, Changes&)>;
-using SecondGrid = std::function<std::shared_ptr<const Samples>(const StageRun&, Changes&)>;
+using SecondPicture = std::function<Raster(const StageRun&, Changes&)>;
+using SecondGrid = std::function<Samples(const StageRun&, Changes&)>;
 
 /// Begins CombineStage with a second picture that is not there yet: `combination.over` has no
 /// meaning.

@@ -255,10 +255,10 @@ class Gridding : public BandWork {
   }
 
   void Prepare() const {
-    const std::shared_ptr<const Samples> second = second_(run_, changes_);
-    const Sides sides{second->Width(), second->Height()};
+    Samples second = second_(run_, changes_);
+    const Sides sides{second.Width(), second.Height()};
     const PixelLayout after =
-        LayoutAfterGrid(OfType(layout_, layout_.type), second->Layout(), combination_.filter);
+        LayoutAfterGrid(OfType(layout_, layout_.type), second.Layout(), combination_.filter);
     if (!(sides == kind_.sides) || after.type != layout_.type) {
       throw UnsupportedError("the second grid has other pixels than its header states");
     }
@@ -267,7 +267,7 @@ class Gridding : public BandWork {
     how.fill.kind = Fill::Kind::edge;
     how.noData = combination_.overNoData;
     placed_ = std::make_unique<PlacedRows>(
-        second->Clone(), AffineStage(sides, toOver_, {window_.width, window_.height}, how), run_);
+        std::move(second), AffineStage(sides, toOver_, {window_.width, window_.height}, how), run_);
   }
 
   void Count(int row, uint64_t clashes) const {
@@ -275,7 +275,7 @@ class Gridding : public BandWork {
     clashes_[static_cast<size_t>(row)] = clashes;
   }
 
-  /// Rows that nobody asked for count too: what is lost does not depend on later steps.
+  /// Rows that were never made count too: what is lost does not depend on later steps.
   uint64_t CountAll() const {
     uint64_t all = 0;
     for (size_t row = 0; row < clashes_.size(); ++row) {
@@ -317,7 +317,7 @@ class GridRows : public BandStage {
   RowRange Needs(RowRange target) const override { return target; }
   std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun& run) const override {
     const Samples& over = *combination_.over;
-    auto second = [grid = combination_.over](const StageRun&, Changes&) { return grid; };
+    auto second = [grid = combination_.over](const StageRun&, Changes&) { return grid->Clone(); };
     return StartGridding(like, Source(), combination_,
                          {over.Layout(), {over.Width(), over.Height()}}, second, run);
   }

@@ -4,6 +4,7 @@
 #include <rasterkit/bands/pixel_grid.h>
 #include <rasterkit/bands/stage/row_work.h>
 #include <rasterkit/bands/stages.h>
+#include <rasterkit/kernels/turn/mirror_pixels.h>
 #include <rasterkit/kernels/turn/turn_samples.h>
 
 namespace rasterkit {
@@ -84,6 +85,30 @@ class AxisWork : public BandWork {
   const AxisTurn turn_;
 };
 
+void ExchangeRows(const kernels::PixelRows& rows, int first, int last) {
+  for (int y = first; y < last; ++y) {
+    std::swap_ranges(rows.Row(y), rows.Row(y) + rows.stride, rows.Row(rows.height - 1 - y));
+  }
+}
+
+/// Exchanges left and right, or top and bottom.
+void MirrorInPlace(Pixels& pixels, AxisTurn turn, const StageRun& run) {
+  const int planes = detail::PlanesOf(pixels);
+  for (int plane = 0; plane < planes; ++plane) {
+    const detail::PixelGrid grid = detail::GridOf(pixels, plane);
+    const int count = turn.mirrorX ? grid.rows.height : grid.rows.height / 2;
+    detail::ForRows(count, detail::PieceOf(count, grid.rows.stride), run,
+                    {static_cast<double>(plane) / planes, static_cast<double>(plane + 1) / planes},
+                    [&](int first, int last) {
+                      if (!turn.mirrorX) return ExchangeRows(grid.rows, first, last);
+                      kernels::MirrorLeftRight(
+                          {grid.rows.Row(first), grid.rows.stride, grid.rows.width, last - first},
+                          grid.bits);
+                    });
+  }
+  if (auto* raster = std::get_if<Raster>(&pixels)) raster->ClearPadding();
+}
+
 class AxisStage : public BandStage {
  public:
   AxisStage(Sides source, AxisTurn turn) : BandStage(source), turn_(turn) {}
@@ -98,9 +123,14 @@ class AxisStage : public BandStage {
     return std::make_unique<AxisWork>(like, Source(), turn_);
   }
 
+  /// Whole pictures are mirrored in place: new memory would take longer.
   Pixels Make(Pixels source, const StageRun& run, Changes& changes) const override {
-    if (turn_ != AxisTurn{}) return BandStage::Make(std::move(source), run, changes);
+    constexpr int kMostBits = 32;
+    const bool isInPlace = !turn_.transpose && !(turn_.mirrorX && turn_.mirrorY) &&
+                           detail::GridOf(std::as_const(source), 0).bits <= kMostBits;
+    if (!isInPlace) return BandStage::Make(std::move(source), run, changes);
     detail::RequireSides(source, Source());
+    if (turn_ != AxisTurn{}) MirrorInPlace(source, turn_, run);
     return source;
   }
 

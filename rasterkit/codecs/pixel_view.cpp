@@ -55,7 +55,7 @@ Raster KindOf(const Samples& like) {
   return raster;
 }
 
-/// Sets what stands behind the last pixel of rows of whole bytes to 0.
+/// Sets what stands after the last pixel of rows of whole bytes to 0.
 void ClearEnd(Raster& raster, int y) {
   std::memset(raster.Row(y) + raster.RowBytes(), 0, raster.Stride() - raster.RowBytes());
 }

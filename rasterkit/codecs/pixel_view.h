@@ -27,7 +27,7 @@ class RASTERKIT_EXPORT PixelView {
 
   /// A small raster of the kind that is shown.
   const Raster& Like() const;
-  /// Shows `count` rows from row `from` on as those of `target` from row `to` on, with zeros behind
+  /// Shows `count` rows from row `from` on as those of `target` from row `to` on, with zeros after
   /// their last pixels. Several threads may show different rows.
   void Show(const Samples& rows, int from, int count, Raster& target, int to) const;
   /// Adds what this loses, and which numbers are shown black and white. After the passes.

@@ -46,7 +46,7 @@ class LayOver : public BandStage {
     combination.gray = options_.gray;
     combination.toOver = toOver_;
     auto second = [other = other_](const StageRun& part, Changes& changes) {
-      return std::make_shared<const Raster>(VisibleRowsOf(*other, FlowOf(part), part, changes));
+      return VisibleRowsOf(*other, FlowOf(part), part, changes);
     };
     return StartCombining(like, Source(), combination, std::move(second), run);
   }
@@ -103,8 +103,8 @@ class LayGridOver : public BandStage {
     combination.overNoData = NoDataOf(*PictureParts::Source(*other_));
     const SecondKind kind = KindOf(*other_);
     auto second = [other = other_](const StageRun& part, Changes& changes) {
-      return std::make_shared<const Samples>(detail::NumbersOf(
-          *PictureParts::Source(*other), PictureParts::State(*other), FlowOf(part), part, changes));
+      return detail::NumbersOf(*PictureParts::Source(*other), PictureParts::State(*other),
+                               FlowOf(part), part, changes);
     };
     const auto start = [&](const Pixels& numbers) {
       return StartGridding(numbers, Source(), combination, kind, std::move(second), run);

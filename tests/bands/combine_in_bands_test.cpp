@@ -103,7 +103,7 @@ TEST(GridInBands, EveryDivision_Should_GiveTheWholeResult) {
   }
 }
 
-TEST(GridInBands, RowsThatNobodyAsksFor_Should_CountAsLost) {
+TEST(GridInBands, RowsThatAreNeverMade_Should_CountAsLost) {
   GridCombination combination;
   combination.over = std::make_shared<const Samples>(Grid(NumberType::int16, 20, 40, 3));
   combination.noData = 17;

@@ -71,7 +71,7 @@ constexpr Filter kFilters[] = {Filter::automatic, Filter::nearest, Filter::linea
 constexpr Fill::Kind kFills[] = {Fill::Kind::color, Fill::Kind::transparent, Fill::Kind::noData,
                                  Fill::Kind::edge,  Fill::Kind::automatic,   Fill::Kind::usual};
 
-/// Any filter and fill; those that refuse the picture are left out by the callers.
+/// Any filter and fill; callers skip those that refuse the picture.
 Resampling AnyResampling(Draw& draw) {
   Resampling how;
   how.filter = kFilters[draw.From(0, 3)];

@@ -11,7 +11,7 @@ mkdir -p "$work"
 cp -r "$source_tree/rasterkit" "$work/"
 cd "$work"
 
-read -ra flags <<<"$(pkg-config --cflags libhwy libjpeg libpng libtiff-4 libwebp libopenjp2 lcms2 cairo-ft fontconfig freetype2)"
+read -ra flags <<<"$(pkg-config --cflags libhwy libdeflate libjpeg libpng libtiff-4 libwebp libopenjp2 lcms2 cairo-ft fontconfig freetype2)"
 
 # The smallest source of each folder comes first.
 find rasterkit -name '*.cpp' -not -path 'rasterkit/qt/*' -not -path 'rasterkit/dialogs/*' -printf '%h %s %p\n' |

@@ -45,7 +45,7 @@ double MeanDifference(const TBitmap& a, const TBitmap& b) {
   return sum / count;
 }
 
-/// A file with the orientation in an EXIF block behind the start marker.
+/// A file with the orientation in an EXIF block after the start marker.
 Bytes Turned(const Bytes& file, int orientation) {
   Bytes exif = {0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0, 0,
                 'M',  'M',  0, 42, 0,   0,   0,   8,   0, 1,

@@ -10,7 +10,7 @@
 namespace rasterkit::detail {
 
 /// Makes a row of the result from the same row of the source. `scratch` has kScratchBytes for each
-/// pixel. Bytes behind the last pixel need not be written.
+/// pixel. Bytes after the last pixel need not be written.
 using RowRule = std::function<void(const uint8_t* source, uint8_t* target, uint8_t* scratch)>;
 inline constexpr size_t kScratchBytes = 8;
 

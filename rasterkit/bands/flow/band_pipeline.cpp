@@ -43,7 +43,8 @@ BandPipeline::BandPipeline(const RowChain& chain, const BandDivision& division, 
     }
   }
   if (chain.firstLevel > 0) {
-    parts_ = std::make_unique<PartMaker>(chain, chain.firstLevel);
+    parts_ = std::make_unique<PartMaker>(chain, chain.firstLevel,
+                                         windows_[chain.firstLevel].front().Capacity());
   } else if (auto* memory = dynamic_cast<MemoryRows*>(chain.source.get())) {
     windows_[0].clear();
     windows_[0].emplace_back(memory->Whole());

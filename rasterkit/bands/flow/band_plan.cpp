@@ -73,7 +73,7 @@ RowRange BandPlan::WithBlocks(RowRange wanted) const {
                 std::max(EndOf(wanted), static_cast<int>(std::min<int64_t>(EndOf(all_), end))));
 }
 
-/// Rows that are there stay if they adjoin those that are wanted.
+/// Rows that the level holds stay if they adjoin those that are wanted.
 void BandPlan::Hold(size_t level, RowRange wanted, LevelRows& rows) {
   if (wanted.count == 0) {
     rows = {};

@@ -17,13 +17,13 @@ namespace {
 /// All levels together.
 constexpr uint64_t kBytesOfBands = uint64_t{4} << 20;
 /// The same where bands are made of parts of the source: high bands need fewer and larger parts.
-constexpr uint64_t kBytesOfPartBands = uint64_t{16} << 20;
+constexpr uint64_t kBytesOfPartBands = uint64_t{32} << 20;
 /// What bands and decoders take beside pictures that are kept in memory.
 constexpr uint64_t kBytesBeside = uint64_t{24} << 20;
 /// Rows that a work needs at once up to this size flow by.
 constexpr uint64_t kSmallWindow = uint64_t{8} << 20;
 
-/// The rows of a band that a pass asks for, as a band of their own.
+/// The rows of a band that a pass needs, as a band of their own.
 void LookAt(BandWork& work, RowRange looks, Pixels& rows, int top, const StageRun& run) {
   const int first = std::max(looks.first, top);
   const int end = std::min(looks.first + looks.count, top + HeightOf(rows));
@@ -141,7 +141,9 @@ RowRange FlowBuilder::AllRows() const {
 
 /// Less if the process may not take more.
 uint64_t FlowBuilder::BandBytes() const {
-  const uint64_t usual = chain_.firstLevel > 0 ? kBytesOfPartBands : kBytesOfBands;
+  // Several threads fill a band while another one is handed out.
+  const uint64_t ofParts = kBytesOfPartBands / (settings_.threads > 1 ? 2 : 1);
+  const uint64_t usual = chain_.firstLevel > 0 ? ofParts : kBytesOfBands;
   const uint64_t limit = CurrentLimits().processBytes;
   if (limit == kNoLimit) return usual;
   const uint64_t held = ProcessPictureBytes();
@@ -216,7 +218,11 @@ void FlowBuilder::LookAtRows(BandWork& work, const StageRun& run) {
   BandPipeline pipeline = NewPipeline(looks);
   if (IsForetold()) return CountPipeline(pipeline, 0);
   RunPipeline(pipeline, part, look);
-  if (chain_.source == reader_) reader_->Finish(earlier_);
+  if (chain_.source != reader_) return;
+  CodecReport noticed;
+  reader_->Finish(noticed);
+  AddWhatIsNew(noticed.warnings, earlier_.warnings);
+  AddWhatIsNew(noticed.damage, earlier_.damage);
 }
 
 BandPlan FlowBuilder::UsualPlan() const {

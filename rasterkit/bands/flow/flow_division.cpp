@@ -6,7 +6,7 @@ namespace rasterkit::detail {
 namespace {
 
 /// Blocks of the source above this size are not kept whole: the reader goes on inside of them.
-constexpr uint64_t kMostBlockBytes = uint64_t{48} << 20;
+constexpr uint64_t kMostBlockBytes = uint64_t{24} << 20;
 
 int BlockRowsOf(const RowChain& chain) {
   if (chain.firstLevel > 0) return 1;

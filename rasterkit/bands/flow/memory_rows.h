@@ -10,7 +10,7 @@ namespace rasterkit::detail {
 /// A reader of rows that are in memory. Those who know it use the rows where they are.
 class MemoryRows : public RowReader {
  public:
-  /// `mayChange`: the rows belong to nobody else.
+  /// `mayChange`: the rows have no other owner.
   MemoryRows(std::shared_ptr<Pixels> pixels, bool mayChange)
       : pixels_(std::move(pixels)), mayChange_(mayChange) {}
 

@@ -8,33 +8,54 @@
 namespace rasterkit::detail {
 namespace {
 
-/// A part that fits into the processor's cache with its source; columns of packed pixels begin at
-/// whole words.
-constexpr int kColumnWidth = 512, kPackedColumnWidth = 2048;
+/// The narrowest column; those of packed pixels begin at whole words.
+constexpr int kColumnWidth = 256, kPackedColumnWidth = 1024;
+constexpr int kMostTimesWider = 16;
+/// A part and its source should fit into the processor's cache.
+constexpr uint64_t kMostPartBytes = uint64_t{3} << 20;
+/// Blocks are larger by this part, so that few parts need another block.
+constexpr size_t kSpare = 8;
+/// What it costs to read a row of a part, as bytes that are read in the same time.
+constexpr double kBytesPerRead = 4000;
 
 }  // namespace
 
-int PartMaker::ColumnWidth() const {
-  const auto width = static_cast<uint64_t>(chain_.SizeOf(level_).width);
-  return chain_.RowBytes(level_) < width ? kPackedColumnWidth : kColumnWidth;
+/// Wide columns need fewer reads, narrow ones fewer pixels of slanted sources.
+PartMaker::PartMaker(const RowChain& chain, size_t level, int rows) : chain_(chain), level_(level) {
+  const auto width = static_cast<uint64_t>(chain.SizeOf(level).width);
+  const int narrowest = chain.RowBytes(level) < width ? kPackedColumnWidth : kColumnWidth;
+  double least = 0;
+  for (int times = 1; times <= kMostTimesWider; times *= 2) {
+    const Part part = PartFor(narrowest * times, rows);
+    if (times > 1 && part.bytes > kMostPartBytes) return;
+    const double cost = (static_cast<double>(part.bytes) + kBytesPerRead * part.source.height) /
+                        std::min<double>(static_cast<double>(width), narrowest * times);
+    if (times > 1 && cost >= least) continue;
+    least = cost;
+    columnWidth_ = narrowest * times;
+  }
 }
 
 int PartMaker::Columns() const {
   const int width = chain_.SizeOf(level_).width;
-  return width / ColumnWidth() + (width % ColumnWidth() != 0 ? 1 : 0);
+  return width / columnWidth_ + (width % columnWidth_ != 0 ? 1 : 0);
+}
+
+PartMaker::Part PartMaker::PartFor(int width, int rows) const {
+  const Sides size = chain_.SizeOf(level_);
+  width = std::min(size.width, width);
+  rows = std::min(size.height, rows);
+  Part part{{(size.width - width) / 2, (size.height - rows) / 2, width, rows}, 0};
+  for (size_t level = level_;; --level) {
+    part.bytes += BytesOfPixels(chain_.LikeOf(level), part.source.width, part.source.height);
+    if (level == 0) return part;
+    part.source = chain_.works[level - 1]->Needs(part.source);
+  }
 }
 
 uint64_t PartMaker::BytesOfPart(int rows) const {
-  const Sides size = chain_.SizeOf(level_);
-  const int width = std::min(size.width, ColumnWidth());
-  rows = std::min(rows, size.height);
-  BandRect rect{(size.width - width) / 2, (size.height - rows) / 2, width, rows};
-  uint64_t bytes = 0;
-  for (size_t level = level_;; --level) {
-    bytes += BytesOfPixels(chain_.LikeOf(level), rect.width, rect.height);
-    if (level == 0) return bytes;
-    rect = chain_.works[level - 1]->Needs(rect);
-  }
+  const uint64_t bytes = PartFor(columnWidth_, rows).bytes;
+  return bytes + bytes / kSpare;
 }
 
 std::unique_ptr<PartMaker::Blocks> PartMaker::TakeBlocks() {
@@ -51,7 +72,7 @@ Band PartMaker::NewPart(size_t level, const BandRect& rect, Blocks& blocks) cons
   const auto bytes = static_cast<size_t>(BytesOfPixels(like, width, height));
   if (blocks[level].Size() < bytes) {
     blocks[level] = {};
-    blocks[level] = PixelMemory(bytes + bytes / 8);
+    blocks[level] = PixelMemory(bytes + bytes / kSpare);
   }
   return {PixelsInMemory(blocks[level].Data(), like, width, height), rect.left, rect.top};
 }
@@ -78,8 +99,8 @@ Band PartMaker::PartOf(size_t level, const BandRect& rect, Blocks& blocks) {
 }
 
 void PartMaker::Make(Band& target, RowRange rows, int column) {
-  const int left = column * ColumnWidth();
-  const BandRect rect{left, rows.first, std::min(ColumnWidth(), chain_.SizeOf(level_).width - left),
+  const int left = column * columnWidth_;
+  const BandRect rect{left, rows.first, std::min(columnWidth_, chain_.SizeOf(level_).width - left),
                       rows.count};
   std::unique_ptr<Blocks> blocks = TakeBlocks();
   const Band part = PartOf(level_, rect, *blocks);

@@ -14,7 +14,8 @@ namespace rasterkit::detail {
 class PartMaker {
  public:
   /// All works up to the level make parts of parts. The chain must outlive this object.
-  PartMaker(const RowChain& chain, size_t level) : chain_(chain), level_(level) {}
+  /// `rows`: of the parts that are made.
+  PartMaker(const RowChain& chain, size_t level, int rows);
 
   /// Columns into which rows of the level are divided.
   int Columns() const;
@@ -28,13 +29,19 @@ class PartMaker {
   /// Memory for the parts of one thread, one block per level.
   using Blocks = std::vector<PixelMemory>;
 
-  int ColumnWidth() const;
+  /// A part in the middle of the level, with what it needs of all levels below.
+  struct Part {
+    BandRect source;
+    uint64_t bytes;
+  };
+  Part PartFor(int width, int rows) const;
   Band PartOf(size_t level, const BandRect& rect, Blocks& blocks);
   Band NewPart(size_t level, const BandRect& rect, Blocks& blocks) const;
   std::unique_ptr<Blocks> TakeBlocks();
 
   const RowChain& chain_;
   const size_t level_;
+  int columnWidth_ = 0;
   std::mutex readerMutex_, blocksMutex_;
   std::vector<std::unique_ptr<Blocks>> freeBlocks_;
 };

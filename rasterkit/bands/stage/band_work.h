@@ -11,7 +11,7 @@ namespace rasterkit {
 /// One run of a stage, which makes its result in parts. The pixels do not depend on how the result
 /// is divided.
 ///
-/// Order of the calls: passes over the source as long as `Looks` requests rows, each of which ends
+/// Order of the calls: passes over the source as long as `Looks` needs rows, each of which ends
 /// with `Decide`; then `Like`, `Size`, `Needs` and `Make` as often as wanted; then `Finish`.
 class RASTERKIT_EXPORT BandWork {
  public:

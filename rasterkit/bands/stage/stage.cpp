@@ -20,7 +20,7 @@ StageRun PartOf(const StageRun& run, double from, double to) {
   return {run.threads, [&run, from, to](double done) { run.progress(from + (to - from) * done); }};
 }
 
-/// The rows that a pass requires, as a band of their own where they are not all.
+/// The rows that a pass needs, as a band of their own where they are not all.
 void LookAt(BandWork& work, const Band& source, const StageRun& run) {
   const RowRange rows = work.Looks();
   if (rows.count == HeightOf(source.pixels)) return work.Look(source, run);

@@ -23,7 +23,7 @@ inline bool IsEmbeddedBmp(const BmpHeader& header) {
   return header.compression == BmpCompression::jpeg || header.compression == BmpCompression::png;
 }
 
-/// Reads a part of the file; what is missing at the end is left out.
+/// Reads a part of the file; what is missing at the end is skipped.
 std::vector<uint8_t> ReadBmpPart(TStream& stream, uint64_t position, uint64_t count);
 /// The profile of the file that starts at `start`; null if there is none.
 ColorProfile ReadBmpProfile(TStream& stream, uint64_t start, const BmpHeader& header);

@@ -30,7 +30,7 @@ class G4Changes {
     std::fill_n(Places() + count, kEnds, width_);
   }
 
-  /// Places that may be written behind the last one of the widest row.
+  /// Places that may be written after the last one of the widest row.
   static constexpr int kSlack = 8;
 
  private:

@@ -14,7 +14,7 @@ namespace rasterkit::detail {
 /// Decodes a strip of ITU-T T.6 row by row: rows as libtiff gives them without an error or a
 /// warning, or none. It stops at the first thing that is not as an encoder writes it: an unknown
 /// code word, an extension, a row that is not exactly full, an empty run, an early end. What
-/// follows the last row that is asked for is not looked at.
+/// follows the last row that is decoded is not looked at.
 class G4Decoder {
  public:
   /// The next compressed bytes, which stay valid until the next call; empty at the end.
@@ -26,7 +26,7 @@ class G4Decoder {
 
   /// Rows decoded so far.
   uint64_t Row() const { return row_; }
-  /// Writes the next row: (width + 7) / 8 bytes, the first pixel in the high bit, white behind the
+  /// Writes the next row: (width + 7) / 8 bytes, the first pixel in the high bit, white after the
   /// last pixel. False, with nothing written, if the row is irregular; then no more rows follow.
   bool Decode(uint8_t* target);
   /// Decodes `rows` rows. Returns the number of regular ones.

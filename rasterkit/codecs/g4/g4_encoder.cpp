@@ -134,7 +134,7 @@ void G4Encoder::Encode(const uint8_t* row) {
   std::memcpy(words_.data(), row, bytes);
   const uint64_t turned = bits_.isWhiteOne ? ~uint64_t{0} : 0;
   for (uint64_t& word : words_) word = __builtin_bswap64(word) ^ turned;
-  // Bits behind the last pixel do not count.
+  // Bits after the last pixel do not count.
   const auto last = static_cast<unsigned>(width_) % kWordBits;
   if (last != 0) words_.back() &= ~(~uint64_t{0} >> last);
   if (words_ == wordsAbove_) {

@@ -15,7 +15,7 @@ class G4Encoder {
   /// `width` is 1 to G4Decoder::kMostWidth.
   G4Encoder(int width, const G4Bits& bits);
 
-  /// Adds a row of (width + 7) / 8 bytes, the first pixel in the high bit. Bits behind the last
+  /// Adds a row of (width + 7) / 8 bytes, the first pixel in the high bit. Bits after the last
   /// pixel do not count.
   void Encode(const uint8_t* row);
   /// Adds `rows` rows.

@@ -22,7 +22,7 @@ struct G4Strip {
 
 /// Decodes a strip that is regular from the first to the last row: libtiff gives the same rows
 /// without an error or a warning. False for any other; the rows are then undefined, and libtiff
-/// decides. The bits behind the last pixel of a row become those of `edge`.
+/// decides. The bits after the last pixel of a row become those of `edge`.
 bool DecodeG4Strip(std::span<const uint8_t> bytes, const G4Strip& strip, uint8_t edge,
                    uint8_t* target);
 

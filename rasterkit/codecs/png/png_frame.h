@@ -11,14 +11,14 @@
 
 namespace rasterkit::detail {
 
-/// What a PNG file has in front of its pixels and behind them.
+/// What a PNG file has before its pixels and after them.
 class PngFrame {
  public:
   /// Writes nothing. The plan must outlive the frame.
   PngFrame(const PngPlan& plan, WrittenSize size, std::optional<TColor> keyColor,
            const PictureWriting& writing, TStream& stream);
 
-  /// The form that was asked for.
+  /// The required form; nothing for the usual one.
   static std::optional<PngForm> WantedForm(const PictureWriting& writing);
   /// The transparent color of pixels. Beside an alpha channel it has no meaning, and a negative
   /// color is a system color, which a file cannot hold.
@@ -30,7 +30,7 @@ class PngFrame {
   void WriteData(std::span<const uint8_t> packed);
   /// Packs and writes the pixels by libpng.
   void WritePixels(const Pixels& pixels);
-  /// Writes all that comes behind the pixels.
+  /// Writes all that comes after the pixels.
   void WriteBack();
 
   const WrittenPicture& Written() const { return written_; }

@@ -6,7 +6,7 @@
 namespace rasterkit::detail {
 namespace {
 
-/// The library asks for a few bytes around each chunk.
+/// The library requires a few bytes around each chunk.
 constexpr size_t kAheadBytes = size_t{1} << 16;
 
 }  // namespace

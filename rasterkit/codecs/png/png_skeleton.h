@@ -12,7 +12,7 @@ struct PngSkeleton {
   /// The file up to its end chunk; chunks of pixels are empty. Of a chunk that is cut off, at most
   /// its first 12 bytes are there.
   std::vector<uint8_t> file;
-  /// Bytes behind the end chunk.
+  /// Bytes after the end chunk.
   uint64_t trailingBytes = 0;
 };
 

@@ -274,8 +274,6 @@ uint64_t TiffBlockReader::PictureBytes() const {
 bool TiffBlockReader::MayLeaveGaps() const {
   switch (layout_.compression) {
     case COMPRESSION_LZW:
-    case COMPRESSION_ADOBE_DEFLATE:
-    case COMPRESSION_DEFLATE:
     case COMPRESSION_PACKBITS:
     case COMPRESSION_ZSTD:
     case COMPRESSION_LZMA:

@@ -117,8 +117,10 @@ void RequirePlausibleSize(TiffHandle& handle, const TiffLayout& layout, TiffHold
   if (decoded <= kAlwaysPlausible && decoded <= PictureMemoryLimit()) return;
   if (holding == TiffHolding::parts && layout.rows != TiffRowKind::library) {
     // What a sparse file leaves out takes no memory where it is not read.
-    const uint64_t block = SaturatedProduct(grid.rowBytes, std::min(grid.height, layout.height));
-    decoded = std::min(decoded, SaturatedProduct(block, StoredBlockCount(handle, layout)));
+    const uint64_t block = SaturatedProduct(grid.rowBytes, grid.height);
+    const uint64_t stored = StoredBlockCount(handle, layout);
+    const uint64_t all = uint64_t{grid.PerPlane()} * layout.planes.size();
+    if (stored < all) decoded = std::min(decoded, SaturatedProduct(block, stored));
   }
   RequirePlausible({decoded, decoded, PackedBytes(handle, layout), LargestRatio(layout)}, what);
 }

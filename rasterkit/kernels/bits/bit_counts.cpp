@@ -95,6 +95,10 @@ void Weighted(const uint8_t* counts, size_t count, uint32_t weight, uint32_t* su
   for (size_t i = 0; i < count; ++i) sums[i] += weight * counts[i];
 }
 
+void Scaled(uint32_t* sums, size_t count, uint32_t base, uint32_t factor) {
+  for (size_t i = 0; i < count; ++i) sums[i] = base + factor * sums[i];
+}
+
 #else
 
 using Bytes = hn::Full128<uint8_t>;
@@ -159,9 +163,11 @@ void GroupCounts(const uint8_t* row, size_t rowBytes, int bits, uint8_t* counts)
   AddAllGroups<8>(row, rowBytes, counts);
 }
 
+using Words = hn::ScalableTag<uint32_t>;
+
 void Weighted(const uint8_t* counts, size_t count, uint32_t weight, uint32_t* sums) {
-  const hn::Full128<uint32_t> d32;
-  const hn::Rebind<uint8_t, decltype(d32)> d8;
+  const Words d32;
+  const hn::Rebind<uint8_t, Words> d8;
   const auto factor = hn::Set(d32, weight);
   size_t i = 0;
   for (; i + hn::Lanes(d32) <= count; i += hn::Lanes(d32)) {
@@ -169,6 +175,16 @@ void Weighted(const uint8_t* counts, size_t count, uint32_t weight, uint32_t* su
     hn::StoreU(hn::Add(hn::LoadU(d32, sums + i), hn::Mul(numbers, factor)), d32, sums + i);
   }
   for (; i < count; ++i) sums[i] += weight * counts[i];
+}
+
+void Scaled(uint32_t* sums, size_t count, uint32_t base, uint32_t factor) {
+  const Words d32;
+  const auto bases = hn::Set(d32, base), factors = hn::Set(d32, factor);
+  size_t i = 0;
+  for (; i + hn::Lanes(d32) <= count; i += hn::Lanes(d32)) {
+    hn::StoreU(hn::Add(bases, hn::Mul(hn::LoadU(d32, sums + i), factors)), d32, sums + i);
+  }
+  for (; i < count; ++i) sums[i] = base + factor * sums[i];
 }
 
 #endif
@@ -183,6 +199,7 @@ namespace {
 
 HWY_EXPORT(GroupCounts);
 HWY_EXPORT(Weighted);
+HWY_EXPORT(Scaled);
 HWY_EXPORT(TapsInWords);
 HWY_EXPORT(TapsInLongs);
 
@@ -198,6 +215,10 @@ void AddGroupCounts(const uint8_t* row, size_t rowBytes, int bits, uint8_t* coun
 
 void AddWeighted(const uint8_t* counts, size_t count, uint32_t weight, uint32_t* sums) {
   HWY_DYNAMIC_DISPATCH(Weighted)(counts, count, weight, sums);
+}
+
+void ScaleSums(uint32_t* sums, size_t count, uint32_t base, uint32_t factor) {
+  HWY_DYNAMIC_DISPATCH(Scaled)(sums, count, base, factor);
 }
 
 void AddTaps(const uint8_t* row, const HalftoneAxis& axis, uint32_t weight, uint32_t* sums) {

@@ -21,6 +21,9 @@ void AddGroupCounts(const uint8_t* row, size_t rowBytes, int bits, uint8_t* coun
 /// Adds `weight` times the counts to the sums.
 void AddWeighted(const uint8_t* counts, size_t count, uint32_t weight, uint32_t* sums);
 
+/// Makes `base` + `factor` * sum of each sum, in 32 bits.
+void ScaleSums(uint32_t* sums, size_t count, uint32_t base, uint32_t factor);
+
 /// Adds `weight` times the weighted number of ones that each tap covers. The row is padded.
 void AddTaps(const uint8_t* row, const HalftoneAxis& axis, uint32_t weight, uint32_t* sums);
 void AddTaps(const uint8_t* row, const HalftoneAxis& axis, uint32_t weight, uint64_t* sums);

@@ -75,7 +75,7 @@ void BitMeans::Finish(uint8_t* target) {
   // Differences of grays can be negative; the sums are right in 32 bits.
   const uint32_t base = grayOf0_ * total;
   const auto step = static_cast<uint32_t>(grayOf1_ - grayOf0_);
-  for (size_t i = 0; i < count; i++) sums_[i] = base + step * sums_[i];
+  ScaleSums(sums_.data(), count, base, step);
   DivideSums(sums_.data(), count, total, target);
   std::fill(sums_.begin(), sums_.end(), 0u);
 }

@@ -2,6 +2,7 @@
 #include <cstring>
 #include <vector>
 
+#include <rasterkit/kernels/rows/move_bits.h>
 #include <rasterkit/kernels/rows/reverse_row.h>
 #include <rasterkit/kernels/turn/mirror_pixels.h>
 
@@ -24,16 +25,11 @@ uint8_t MergeBytes(unsigned source, unsigned target, int spare) {
 /// Turned around, a packed row begins with its spare bits: everything moves up by as many.
 void MirrorPackedRows(const PixelRows& rows, int bitsPerPixel) {
   const size_t bytes = RowBytes(rows.width, bitsPerPixel);
-  const int spare = SpareBits(rows.width, bitsPerPixel);
-  std::vector<uint8_t> turned(bytes + 1);
+  const auto spare = static_cast<size_t>(SpareBits(rows.width, bitsPerPixel));
+  std::vector<uint8_t> turned(bytes);
   for (int y = 0; y < rows.height; ++y) {
-    uint8_t* row = rows.Row(y);
-    ReversePackedBytes(row, bytes, bitsPerPixel, turned.data());
-    const uint8_t last = row[bytes - 1];
-    for (size_t i = 0; i < bytes; ++i) {
-      row[i] = static_cast<uint8_t>((turned[i] << 8 | turned[i + 1]) >> (8 - spare));
-    }
-    row[bytes - 1] = MergeBytes(row[bytes - 1], last, spare);
+    ReversePackedBytes(rows.Row(y), bytes, bitsPerPixel, turned.data());
+    MoveBits(turned.data(), spare, rows.Row(y), 0, bytes * 8 - spare);
   }
 }
 

@@ -122,9 +122,14 @@ TransposedPart TransposeAs(const ConstPixelRows& source, const PixelRows& target
   const int rows = source.width < 6 ? 0 : target.height / 4 * 4;
   const ptrdiff_t step = static_cast<ptrdiff_t>(source.stride) * (turn.mirrorX ? -1 : 1);
   const uint8_t* firstRow = source.Row(turn.mirrorX ? source.height - 1 : 0);
-  for (int top = 0; top < rows; top += kBlockRows) {
+  // Columns of the source from right to left: processors fetch the bytes after those that are read
+  // in rising order, which would be too early here.
+  const int groups = rows / 4, groupsOfBlock = kBlockRows / 4;
+  for (int block = 0; block < groups; block += groupsOfBlock) {
+    const int last = std::min(block + groupsOfBlock, groups);
     for (int left = 0; left < columns; left += kBlockColumns) {
-      for (int y = top; y < std::min(top + kBlockRows, rows); y += 4) {
+      for (int group = block; group < last; ++group) {
+        const int y = 4 * (turn.mirrorY ? group : groups - 1 - group);
         const int column = turn.mirrorY ? source.width - 4 - y : y;
         uint8_t* to[4];
         for (int i = 0; i < 4; ++i) {

@@ -30,6 +30,12 @@ void CopyStrided(const uint8_t* source, ptrdiff_t step, uint8_t* target, int cou
 
 template <int kSourceBytes, int kTargetBytes>
 void MirrorRow(const uint8_t* source, uint8_t* target, int width) {
+  if constexpr (kSourceBytes == kTargetBytes && kSourceBytes != 3) {
+    // The copy is in the cache when it is reversed.
+    std::memcpy(target, source, static_cast<size_t>(width) * kTargetBytes);
+    ReverseBytePixels(target, static_cast<size_t>(width), kTargetBytes * 8);
+    return;
+  }
   int done = 0;
   if constexpr (kSourceBytes == 3) done = MirrorColorRow(source, target, width);
   CopyStrided<kSourceBytes, kTargetBytes>(source + ptrdiff_t{width - 1 - done} * kSourceBytes,

@@ -34,7 +34,7 @@ int RequireFree(const SystemFile& file, uint64_t bytes) {
   return status.f_bavail < bytes / std::max<uint64_t>(1, block) + 1 ? ENOSPC : 0;
 }
 
-/// The name is gone before anybody can write to the file.
+/// The name is gone before the file has bytes.
 SystemFile OpenNamed(const SystemFile& folder) {
   SystemFile file;
   do {
@@ -118,7 +118,7 @@ void ScratchFile::Read(uint64_t position, std::span<uint8_t> bytes) const {
   iovec piece{bytes.data(), bytes.size()};
   const size_t count =
       detail::ReadPieces(file_, {&piece, 1}, static_cast<int64_t>(position), folder_);
-  // Bytes that nobody wrote.
+  // Bytes that were never written.
   std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(count), bytes.end(), uint8_t{0});
 }
 

@@ -9,8 +9,8 @@
 
 namespace rasterkit {
 
-/// A file for data that does not fit into memory. It has no name, nobody else can open it, and it
-/// is gone with the object or the process, however that ends.
+/// A file for data that does not fit into memory. It has no name, no other process can open it, and
+/// it is gone with the object or the process, however that ends.
 class RASTERKIT_EXPORT ScratchFile {
  public:
   /// Reserves `bytes` of the disk. `folder` in UTF-8; empty: the system's folder for temporary

@@ -60,13 +60,16 @@ std::string TextOf(const std::vector<Doing>& doings) {
 }
 
 /// All band heights, threads and kinds of access against the whole picture.
-void ExpectSameInEveryWay(const Pixels& source, const Stages& stages,
-                          const FlowSettings& like = {}) {
+void ExpectSameInEveryWay(const Pixels& source, const Stages& stages, const FlowSettings& like = {},
+                          bool isBrief = false) {
   Changes changes;
   const Pixels expected = RunStages(CloneOf(source), stages, {}, changes);
+  int way = 0;
   for (const RowAccess access : kEveryAccess) {
     for (const int rows : {1, 7, 64, kWhole, 0}) {
       for (const int threads : {1, 2, 7}) {
+        // Each height and each access with each number of threads, but not all three together.
+        if (isBrief && way++ % 4 != 0) continue;
         SCOPED_TRACE("access " + std::to_string(static_cast<int>(access)) + ", rows " +
                      std::to_string(rows) + ", threads " + std::to_string(threads));
         FlowSettings settings = like;
@@ -128,7 +131,7 @@ TEST(BandFlowTest, MakesTheSameBytesInEveryWayForChains) {
     // Windows, memory and scratch files.
     const uint64_t held[] = {settings.heldBytes, 0, 40000};
     settings.heldBytes = held[i % 3];
-    ExpectSameInEveryWay(source, StagesFor(doings, SidesOf(source)), settings);
+    ExpectSameInEveryWay(source, StagesFor(doings, SidesOf(source)), settings, true);
     if (HasFatalFailure()) return;
   }
 }
@@ -138,14 +141,14 @@ TEST(BandFlowTest, MakesColumnsOfPartsOfTheSource) {
   FlowSettings settings;
   settings.heldBytes = 0;
   const auto kinds = EveryKind();
-  for (size_t i = 0; i < kinds.size(); i += 4) {
-    const Pixels source = kinds[i].make(21, 2100, random);
+  for (size_t i = 0; i < kinds.size(); i += 9) {
+    const Pixels source = kinds[i].make(11, 1100, random);
     for (const std::vector<Doing>& doings :
          {std::vector<Doing>{Doing::transposed},
           {Doing::cropped, Doing::transposed},
           {Doing::transposed, Doing::mirrored, Doing::reachOne}}) {
       SCOPED_TRACE(kinds[i].name + ": " + TextOf(doings));
-      ExpectSameInEveryWay(source, StagesFor(doings, SidesOf(source)), settings);
+      ExpectSameInEveryWay(source, StagesFor(doings, SidesOf(source)), settings, true);
       if (HasFatalFailure()) return;
     }
   }

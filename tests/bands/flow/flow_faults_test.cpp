@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <atomic>
 #include <random>
 #include <thread>
@@ -184,6 +185,41 @@ TEST(FlowFaultsTest, NamesTheFolderWithoutRoom) {
               testing::AllOf(testing::HasSubstr(folder.Path().string()),
                              testing::HasSubstr("No space left on device")));
   EXPECT_EQ(folder.Names(), std::vector<std::string>{});
+}
+
+TEST(FlowFaultsTest, ForetellsWhatItHolds) {
+  std::mt19937 random(7);
+  const Pixels source = test::EveryKind()[5].make(300, 700, random);
+  for (const uint64_t held : {uint64_t{0}, uint64_t{48} << 20}) {
+    for (const std::vector<Doing>& doings : {std::vector<Doing>{Doing::reachOne},
+                                             {Doing::reversed},
+                                             {Doing::mirrored, Doing::transposed},
+                                             {Doing::whole, Doing::transposed},
+                                             {Doing::twoPasses, Doing::reachOne}}) {
+      SCOPED_TRACE(test::NameOf(doings.front()) + ", held " + std::to_string(held));
+      FlowSettings settings;
+      settings.rows = 7;
+      settings.heldBytes = held;
+      const Stages stages = StagesFor(doings, SidesOf(source));
+      auto reader = ReaderOf(source, {RowAccess::rising, 1, -1, {}}, nullptr);
+      const FlowNeeds needs = ForetellFlow(*reader, stages, settings);
+      const uint64_t memory = ProcessPictureBytes(), scratch = ScratchBytes();
+      FlowNeeds used;
+      BandFlow flow(std::move(reader), stages, settings);
+      flow.Begin({});
+      flow.Run({}, [&](Pixels&, int) {
+        used.memory = std::max(used.memory, ProcessPictureBytes() - memory);
+        used.scratch = std::max(used.scratch, ScratchBytes() - scratch);
+      });
+      // The kinds of pixels that works show are pictures of one pixel.
+      constexpr uint64_t kLikes = 1000;
+      EXPECT_LE(used.memory, needs.memory + kLikes);
+      EXPECT_LE(used.scratch, needs.scratch);
+      const bool isReversed = doings.front() == Doing::reversed;
+      EXPECT_EQ(used.scratch >= 300u * 700, needs.scratch > 0);
+      EXPECT_TRUE(!isReversed || (needs.scratch > 0) == (held == 0));
+    }
+  }
 }
 
 TEST(FlowFaultsTest, UsesTheScratchFileBelowTheLimitOfTheProcess) {

@@ -8,7 +8,7 @@
 
 namespace rasterkit::test {
 
-/// What a test reader was asked for.
+/// The rows that a test reader gave.
 struct ReadCount {
   /// How often each row was read.
   std::vector<int> rows;
@@ -16,7 +16,7 @@ struct ReadCount {
   int64_t pixels = 0;
 };
 
-/// A reader that has less access than it could give, and throws where more is asked for.
+/// A reader that has less access than it could give, and throws where more is requested.
 struct TestReader {
   RowAccess access = RowAccess::rising;
   int blockRows = 1;

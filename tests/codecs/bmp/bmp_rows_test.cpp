@@ -26,7 +26,7 @@ Bytes TopDown(Bytes file) {
   return file;
 }
 
-/// Sums of bytes that Read asked for.
+/// Sum of the bytes that were read.
 class CountingStream : public TSpanStream {
  public:
   using TSpanStream::TSpanStream;

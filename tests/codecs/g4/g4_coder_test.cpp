@@ -76,14 +76,14 @@ TEST(G4Coder, CodesAllPairsOfNarrowRows) {
 TEST(G4Coder, CodesAllPairsOfRowsUpTo12Pixels) {
   for (int width = 9; width <= 12; width++) {
     const unsigned rowKinds = 1u << width;
-    // Strips of one row above and all rows below, each after a copy of the one above.
+    // Strips of one row in turns with itself and all later ones: each pair both ways.
     for (unsigned above = 0; above < rowKinds; above++) {
-      PackedRows rows(width, size_t{2} * rowKinds);
-      for (unsigned row = 0; row < rowKinds; row++) {
+      PackedRows rows(width, size_t{2} * (rowKinds - above));
+      for (unsigned row = above; row < rowKinds; row++) {
         for (size_t i = 0; i < 2; i++) {
           const unsigned bits = (i == 0 ? above : row) << (16 - width);
-          rows.Row(2 * row + i)[0] = static_cast<uint8_t>(bits >> 8);
-          rows.Row(2 * row + i)[1] = static_cast<uint8_t>(bits);
+          rows.Row(2 * (row - above) + i)[0] = static_cast<uint8_t>(bits >> 8);
+          rows.Row(2 * (row - above) + i)[1] = static_cast<uint8_t>(bits);
         }
       }
       const std::vector<uint8_t> strip = Encoded(rows, {});

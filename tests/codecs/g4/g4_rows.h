@@ -27,7 +27,7 @@ struct PackedRows {
     uint8_t& byte = Row(y)[x / 8];
     byte = static_cast<uint8_t>(isBlack ? byte | bit : byte & ~bit);
   }
-  /// All bits turned, those behind the last pixel too.
+  /// All bits turned, those after the last pixel too.
   PackedRows Turned() const {
     PackedRows turned = *this;
     for (uint8_t& byte : turned.bytes) byte = static_cast<uint8_t>(~byte);

@@ -110,7 +110,7 @@ TEST(PngRowsTest, SkippedRowsChangeNothing) {
     const ByteList file = MadePng(kind, 19, 23, random).File();
     for (const PngWay way : {PngWay::automatic, PngWay::library}) {
       TSpanStream stream(file);
-      PngRows rows(stream, {.way = way});
+      PngRows rows(stream, {.kind = {}, .way = way});
       Pixels whole = DecodePngPixels(file);
       for (const int top : {2, 3, 9, 20}) {
         Pixels band = NewPixels(rows.Like(), rows.Width(), 1);
@@ -166,6 +166,18 @@ TEST(PngRowsTest, ChangedBytesAreJudgedByTheLibrary) {
     ExpectSame(Read(file, PngWay::library, 0), Read(file, PngWay::automatic, 7),
                "file " + std::to_string(i));
   }
+}
+
+TEST(PngRowsTest, AKeyColorThatTheLibraryDropsIsNoAlphaChannel) {
+  // The transparent color stands before a palette, which true color may have as a suggestion.
+  const ByteList file = PngFile(2, 1, 16, 2, ByteList(12, 1),
+                                PngChunk("tRNS", {1, 1, 1, 1, 1, 1}) + PngChunk("PLTE", {1, 2, 3}));
+  const Pixels pixels = DecodePngPixels(file);
+  EXPECT_EQ(std::get<Samples>(pixels).Layout().bands, 3);
+  std::vector<uint8_t> bytes;
+  AddRows(pixels, bytes);
+  EXPECT_EQ(bytes, std::vector<uint8_t>(12, 1));
+  ExpectSameInAllWays(file, "key color before the palette");
 }
 
 TEST(PngRowsTest, ASizeThatTheDataCannotHoldIsNotBelieved) {

@@ -19,7 +19,7 @@ struct Bits {
 
   Bits(std::mt19937& random, int width, int height) {
     for (int y = 0; y < height; y++) {
-      // Bits behind the last pixel count for nothing. No room behind the bytes: nothing is read
+      // Bits after the last pixel count for nothing. No room behind the bytes: nothing is read
       // there.
       std::vector<uint8_t> row((static_cast<size_t>(width) + 7) / 8);
       const unsigned kind = random() % 4;

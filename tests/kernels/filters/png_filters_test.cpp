@@ -23,7 +23,7 @@ Row RandomRow(size_t count, std::mt19937& random) {
   return row;
 }
 
-/// Compares both directions with the rule, and looks at the byte behind the row.
+/// Compares both directions with the rule, and looks at the byte after the row.
 void ExpectByTheRule(int filter, const Row& row, const Row& above, size_t pixelBytes,
                      const std::string& what) {
   const Row expected = reference::Filtered(filter, row, above, pixelBytes);

@@ -219,6 +219,7 @@ TEST(CliHelp, WrongUsage_Should_Exit2AndPrintNothingOnStdout) {
       {"convert", "a.bmp", "b.png", "--bits", "7"},
       {"convert", "a.bmp", "b.jpg", "--quality", "0"},
       {"convert", "a.bmp", "b.jpg", "--quality", "101"},
+      {"convert", "a.bmp", "b.png", "--png-level", "13"},
       {"convert", "a.bmp", "b.png", "--angle", "much"},
       {"convert", "a.bmp", "b.png", "--angle", "nan"},
       {"convert", "a.bmp", "b.png", "--angle", "inf"},

@@ -73,6 +73,20 @@ TEST_F(CliConvert, Quality_Should_BeThatOfTheEncoder) {
   EXPECT_TRUE(SamePixels(LoadFile(folder_ / "c.jpeg"), DecodeJpeg(EncodeJpeg(stored, 35))));
 }
 
+TEST_F(CliConvert, PngLevel_Should_ChangeTheSizeAlone) {
+  const Raster raster = GradientRaster(pf24bit, 137, 119);
+  SaveBmpFile(folder_ / "a.bmp", raster);
+  Convert("a.bmp", "plain.png", {"--png-level", "0"});
+  Convert("a.bmp", "small.png", {"--png-level", "12"});
+  EXPECT_GT(std::filesystem::file_size(folder_ / "plain.png"), uint64_t{137 * 119 * 3});
+  EXPECT_LT(std::filesystem::file_size(folder_ / "small.png"), uint64_t{137 * 119 * 3 / 4});
+  EXPECT_TRUE(SamePixels(LoadFile(folder_ / "plain.png"), LoadFile(folder_ / "small.png")));
+  // Pixels that would be copied are packed again.
+  Convert("plain.png", "again.png", {"--png-level", "12"});
+  EXPECT_EQ(std::filesystem::file_size(folder_ / "again.png"),
+            std::filesystem::file_size(folder_ / "small.png"));
+}
+
 TEST_F(CliConvert, Resolution_Should_TravelAlong_When_TypesChange) {
   Raster raster = GradientRaster(pf24bit, 16, 8);
   raster.resolution = {300, 200};

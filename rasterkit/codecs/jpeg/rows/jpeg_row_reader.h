@@ -43,7 +43,7 @@ class JpegRowReader : public RowReader {
 
   /// Reads the coefficients of a file of many scans, which comes before the first row otherwise.
   void Start();
-  /// As the header states it. Segments behind the pixels can change it.
+  /// As the header states it. Segments after the pixels can change it.
   Resolution StatedResolution() const;
 
  private:

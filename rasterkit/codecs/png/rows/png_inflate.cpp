@@ -18,7 +18,7 @@ constexpr uint32_t kData = PngKind("IDAT"), kEnd = PngKind("IEND");
 /// The most that libpng reads of a chunk without a word.
 constexpr uint64_t kChunkBytes = uint64_t{16} << 20;
 
-/// Chunks behind the pixels that libpng skips without a word.
+/// Chunks after the pixels that libpng skips without a word.
 constexpr std::array kSkipped = {PngKind("tEXt"), PngKind("zTXt"), PngKind("iTXt"), PngKind("tIME"),
                                  PngKind("eXIf")};
 
@@ -46,7 +46,7 @@ class DataReader {
     return true;
   }
 
-  /// The chunks behind the pixels. False if one of them is damaged, or is none that libpng skips.
+  /// The chunks after the pixels. False if one of them is damaged or has a kind that libpng reads.
   bool ReadEnd() {
     std::array<uint8_t, size_t{1} << 12> piece;
     while (ReadName()) {

@@ -30,12 +30,20 @@ bool IsFlat(const uint8_t* row, size_t bytes, size_t pixelBytes) {
 
 }  // namespace
 
+PngPacking PngPackingFor(const PngForm& form, std::optional<int> level) {
+  return {IsUnordered(form) ? PngFiltering::none : PngFiltering::byRows, level};
+}
+
 /// Measured with 12 megapixels of photographs and with a plan reduced to gray; see
 /// docs/benchmarks.md.
-PngPacking PngPackingFor(const PngForm& form, std::optional<int> level, bool isInStripes) {
-  constexpr int kUsual = 5, kUsualOfIndexes = 6, kUsualOfStripes = 2;
-  const int usual = isInStripes ? kUsualOfStripes : IsUnordered(form) ? kUsualOfIndexes : kUsual;
-  return {IsUnordered(form) ? PngFiltering::none : PngFiltering::byRows, level.value_or(usual)};
+int PngLevelFor(const PngPacking& packing, std::span<const uint8_t> rows, size_t stride) {
+  if (packing.level) return *packing.level;
+  constexpr int kOfPhotographs = 1, kOfDrawings = 4;
+  size_t plain = 0;
+  for (size_t at = 0; at < rows.size(); at += stride) {
+    if (rows[at] == kernels::kFilterNone) plain++;
+  }
+  return 2 * plain * stride > rows.size() ? kOfDrawings : kOfPhotographs;
 }
 
 void FilterPngRow(PngFiltering filtering, const uint8_t* row, const uint8_t* above, size_t bytes,
@@ -48,8 +56,8 @@ void FilterPngRow(PngFiltering filtering, const uint8_t* row, const uint8_t* abo
   }
   target[0] = kernels::kFilterUp;
   const uint64_t up = FilterRow(kernels::kFilterUp, row, above, bytes, pixelBytes, target + 1);
-  // The difference to the row above is the most regular one: photographs that were JPEG files become
-  // larger with a filter whose sum is a little less.
+  // The difference to the row above is the most regular one: photographs that were JPEG files
+  // become larger with a filter whose sum is a little less.
   uint64_t least = up - up * 3 / 10;
   constexpr std::array kOthers = {kernels::kFilterSub, kernels::kFilterPaeth,
                                   kernels::kFilterAverage};

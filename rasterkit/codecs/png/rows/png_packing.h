@@ -21,13 +21,16 @@ enum class PngFiltering {
 /// How rows are filtered and packed.
 struct PngPacking {
   PngFiltering filtering = PngFiltering::byRows;
-  /// 0 to 12; stripes use 9 at most.
-  int level = 1;
+  /// 0 to 12; nothing chooses by the rows. Stripes use 9 at most.
+  std::optional<int> level;
 };
 
-/// The packing for samples of this form: `level` 0 to 12, nothing for the usual one of pictures
-/// that are packed in one call, or in stripes.
-PngPacking PngPackingFor(const PngForm& form, std::optional<int> level, bool isInStripes);
+/// The packing for samples of this form.
+PngPacking PngPackingFor(const PngForm& form, std::optional<int> level);
+
+/// The level for filtered rows of `stride` bytes with their filter bytes. Unless it was given, it
+/// is higher for drawings, which take little time, than for photographs, which hardly get smaller.
+int PngLevelFor(const PngPacking& packing, std::span<const uint8_t> rows, size_t stride);
 
 /// Filters a row: the filter byte and the bytes go to `target`. `candidate` has room for as many
 /// bytes as the row.

@@ -17,6 +17,8 @@ namespace {
 
 /// Bytes of packed pixels per chunk.
 constexpr size_t kChunkBytes = size_t{1} << 18;
+/// libpng packs only what comes before the pixels.
+constexpr int kFrameLevel = -1;
 
 unsigned BitsOf(const PngForm& form) {
   return static_cast<unsigned>(form.bits * PngSize{1, 1, form}.Bands());
@@ -54,8 +56,7 @@ PngRowWriter::PngRowWriter(PngPlan plan, WrittenSize size, const Pixels& like,
       keyColor_(PngFrame::KeyColorOf(like)),
       writing_(writing),
       stream_(stream),
-      packing_(PngPackingFor(plan_.form, writing.pngLevel,
-                             FilteredBytes(plan_.form, size) > kPngBytesInOneCall)),
+      packing_(PngPackingFor(plan_.form, writing.pngLevel)),
       shape_(ShapeOf(plan_.form, size)),
       row_(shape_.bytes) {
   const uint64_t bytes = FilteredBytes(plan_.form, size);
@@ -67,7 +68,7 @@ PngRowWriter::PngRowWriter(PngPlan plan, WrittenSize size, const Pixels& like,
     return;
   }
   frame_.emplace(plan_, size_, keyColor_, writing_, stream_);
-  frame_->WriteFront(packing_.level);
+  frame_->WriteFront(kFrameLevel);
   stripes_.emplace(shape_, packing_, writing.threads,
                    [this](std::span<const uint8_t> packed) { frame_->WriteData(packed); });
 }
@@ -130,8 +131,9 @@ void PngRowWriter::Write(const Pixels& rows) {
 }
 
 void PngRowWriter::WriteSmall() {
+  const std::span<const uint8_t> rows(filtered_.Data(), filtered_.Size());
   const std::unique_ptr<libdeflate_compressor, FreeCompressor> packer(
-      libdeflate_alloc_compressor(packing_.level));
+      libdeflate_alloc_compressor(PngLevelFor(packing_, rows, shape_.bytes + 1)));
   if (!packer) throw LimitError("PNG: the packer has no memory");
   PixelMemory packed(libdeflate_zlib_compress_bound(packer.get(), filtered_.Size()));
   const size_t bytes = libdeflate_zlib_compress(packer.get(), filtered_.Data(), filtered_.Size(),
@@ -150,7 +152,7 @@ WrittenPicture PngRowWriter::Finish() {
     const auto entries = static_cast<size_t>(largestIndex_) + 1;
     if (plan_.followsIndexes && plan_.palette.size() < entries) plan_.palette.resize(entries);
     frame_.emplace(plan_, size_, keyColor_, writing_, stream_);
-    frame_->WriteFront(packing_.level);
+    frame_->WriteFront(kFrameLevel);
     WriteSmall();
   }
   frame_->WriteBack();

@@ -119,8 +119,9 @@ void PngStripes::Pack(Stripe& stripe, bool isLast) const {
   size_t left = static_cast<size_t>(stripe.count) * (shape_.bytes + 1);
   z_stream packer{};
   constexpr int kRawWindow = -15, kMemoryLevel = 9;
-  if (deflateInit2(&packer, std::min(packing_.level, kMostLevel), Z_DEFLATED, kRawWindow,
-                   kMemoryLevel, Z_DEFAULT_STRATEGY) != Z_OK) {
+  const int level = PngLevelFor(packing_, {rows, left}, shape_.bytes + 1);
+  if (deflateInit2(&packer, std::min(level, kMostLevel), Z_DEFLATED, kRawWindow, kMemoryLevel,
+                   Z_DEFAULT_STRATEGY) != Z_OK) {
     throw LimitError("PNG: the packer has no memory");
   }
   const std::unique_ptr<z_stream, EndDeflate> end(&packer);
@@ -156,7 +157,7 @@ void PngStripes::WriteAll(std::vector<Stripe>& stripes) {
     const size_t bytes = static_cast<size_t>(stripe.count) * (shape_.bytes + 1);
     sum_ = static_cast<uint32_t>(adler32_combine(sum_, stripe.sum, static_cast<z_off_t>(bytes)));
     if (isFirst) {
-      const auto header = HeaderOf(std::min(packing_.level, kMostLevel));
+      const auto header = HeaderOf(std::min(packing_.level.value_or(0), kMostLevel));
       packed.insert(packed.begin(), header.begin(), header.end());
     }
     for (int shift = 24; isLast && shift >= 0; shift -= 8) {

@@ -26,7 +26,7 @@ class PageOutput {
   TagMap Finish();
 
  private:
-  /// Blocks that lie one after another in rows that are there.
+  /// Blocks that lie one after another, and the rows that hold them.
   struct Run {
     const Pixels* rows = nullptr;
     uint32_t top = 0, firstBlock = 0, blocks = 0;

@@ -2,7 +2,7 @@
 
 #include <tiff.h>
 
-#include <rasterkit/codecs/tiff/pages/extra_pages.h>
+#include <rasterkit/codecs/tiff/pages/found_pages.h>
 #include <rasterkit/codecs/tiff/pages/page_metadata.h>
 #include <rasterkit/codecs/tiff/pages/page_stream.h>
 #include <rasterkit/runtime/errors.h>

@@ -7,7 +7,7 @@
 
 namespace rasterkit::detail {
 
-/// Converted pixels of strips and tiles of which only a part was asked for.
+/// Converted pixels of strips and tiles of which only a part was read.
 class BlockCache {
  public:
   struct Block {

@@ -93,7 +93,7 @@ uint64_t TiffParts::Worker::Unpack(const Task& task, const TiffTarget& target) {
   TiffPart place = PlaceOfBlock(layout_, task.position);
   const uint32_t height = place.height;
   const bool isSparse = IsSparse(task.position);
-  // All rows of a block that is left out are equal.
+  // All rows of a sparse block are equal.
   if (isSparse) place.height = 1;
   const uint32_t there = ReadSamples(task.position, place, task);
   uint8_t* row = task.rows;
@@ -121,6 +121,8 @@ TiffParts::TiffParts(TiffHandle& handle, const TiffLayout& layout, const TiffCol
       threads_(std::clamp(threads, 1, kMostThreads)) {
   if (layout.compression == COMPRESSION_NONE) {
     plain_ = std::make_unique<PlainParts>(handle, layout, colors, blanks, faults_);
+  } else if (G4StripRows::Fits(handle, layout)) {
+    g4_ = std::make_unique<G4StripRows>(handle, layout, colors, blanks);
   }
 }
 
@@ -128,6 +130,8 @@ TiffParts::~TiffParts() = default;
 
 void TiffParts::Read(const TiffPart& part, const TiffTarget& target) {
   reading_++;
+  // All rows at once need no second look at the strip.
+  if (g4_ && part.height < layout_.height && g4_->Read(part, target)) return;
   if (!plain_) return ReadPacked(part, target);
   const TiffBlockGrid& grid = layout_.grid;
   for (uint32_t y = part.top / grid.height; y <= (part.Bottom() - 1) / grid.height; y++) {

@@ -6,13 +6,14 @@
 #include <vector>
 
 #include <rasterkit/codecs/tiff/rows/block_cache.h>
+#include <rasterkit/codecs/tiff/rows/g4_strip_rows.h>
 #include <rasterkit/codecs/tiff/rows/plain_parts.h>
 #include <rasterkit/codecs/tiff/rows/tiff_picture.h>
 
 namespace rasterkit::detail {
 
 /// Reads any parts of a picture of strips or tiles. Compressed blocks are unpacked on several
-/// threads; those of which only a part was asked for are kept as long as the next parts may need
+/// threads; those of which only a part was read are kept as long as the next parts may need
 /// them. Used by one thread at a time.
 class TiffParts {
  public:
@@ -26,6 +27,8 @@ class TiffParts {
   void Read(const TiffPart& part, const TiffTarget& target);
   /// The outcome of what was read so far.
   TiffOutcome Outcome() const { return faults_.Outcome(layout_); }
+  /// True if rows are cheap only from top to bottom.
+  bool IsRising() const { return g4_ != nullptr; }
   /// For others that read blocks of the same picture.
   TiffFaults& Faults() { return faults_; }
   /// How often a compressed block was unpacked.
@@ -53,6 +56,7 @@ class TiffParts {
   const int threads_;
   TiffFaults faults_;
   std::unique_ptr<PlainParts> plain_;
+  std::unique_ptr<G4StripRows> g4_;
   std::vector<std::unique_ptr<Worker>> workers_;
   BlockCache kept_;
   uint64_t reading_ = 0;

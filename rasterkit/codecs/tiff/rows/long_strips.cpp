@@ -104,7 +104,7 @@ void LongStrips::ReadRow(uint32_t y, const TiffTarget& target, uint8_t* row) {
 }
 
 void LongStrips::Read(uint32_t top, uint32_t rows, const TiffTarget& target) {
-  // libtiff begins a strip again if an earlier row of it is asked for.
+  // libtiff begins a strip again if an earlier row of it is requested.
   if (top < next_) next_ = top / layout_.grid.height * layout_.grid.height;
   for (; next_ < top; next_++) {
     RequireTime();

@@ -19,7 +19,7 @@ WrittenPicture PlanFile(const NewPage& page) {
   auto& form = std::get<TiffForm>(written.form);
   if (!form.isBigTiff && page.MostBytes() > UINT32_MAX) {
     form.isBigTiff = true;
-    written.changes.Note("written as a BigTIFF file, which may exceed 4 GiB");
+    written.changes.Note("written as BigTIFF: the file could exceed 4 GiB");
   }
   return written;
 }

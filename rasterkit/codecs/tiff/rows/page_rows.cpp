@@ -1,7 +1,7 @@
 #include <utility>
 
 #include <rasterkit/codecs/rows/geotiff_tags.h>
-#include <rasterkit/codecs/tiff/pages/extra_pages.h>
+#include <rasterkit/codecs/tiff/pages/found_pages.h>
 #include <rasterkit/codecs/tiff/pages/page_metadata.h>
 #include <rasterkit/codecs/tiff/pages/page_stream.h>
 #include <rasterkit/codecs/tiff/rows/block_parts.h>
@@ -86,12 +86,13 @@ class TiffPageRows : public RowReader {
   int Width() const override { return static_cast<int>(Layout().width); }
   int Height() const override { return static_cast<int>(Layout().height); }
   RowAccess Access() const override {
-    if (HasLongStrips(Layout())) return RowAccess::rising;
+    if (parts_.IsRising() || HasLongStrips(Layout())) return RowAccess::rising;
     return IsPlain() || Layout().grid.isTiled ? RowAccess::anyParts : RowAccess::anyRows;
   }
   int BlockRows() const override {
     const TiffBlockGrid& grid = Layout().grid;
-    if ((IsPlain() && !grid.isTiled) || HasLongStrips(Layout())) return 1;
+    const bool isRising = parts_.IsRising() || HasLongStrips(Layout());
+    if ((IsPlain() && !grid.isTiled) || isRising) return 1;
     return static_cast<int>(std::min(grid.height, Layout().height));
   }
   const Pixels& Like() const override { return like_; }

@@ -111,7 +111,7 @@ void PlainParts::Read(uint32_t position, const TiffPart& part, const TiffTarget&
   const size_t bit = size_t{wanted.left - part.left} * static_cast<size_t>(target.bitsPerPixel) % 8;
   uint8_t* row = target.Row(wanted.top - part.top) +
                  size_t{wanted.left - part.left} * static_cast<size_t>(target.bitsPerPixel) / 8;
-  // All rows of a block that is left out are equal.
+  // All rows of a sparse block are equal.
   const uint32_t read = stored.isSparse ? std::min(there, 1u) : there;
   isStreamed_ = layout_.rows == TiffRowKind::rgb && WorksInPlace(layout_) &&
                 uint64_t{part.height} * target.stride >= kStreamedBytes;

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include <rasterkit/codecs/tiff/pages/extra_pages.h>
+#include <rasterkit/codecs/tiff/pages/found_pages.h>
 #include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/runtime/limits.h>
 

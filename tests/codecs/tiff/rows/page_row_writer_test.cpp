@@ -1,5 +1,8 @@
 // Pages written in bands: the bytes of a page that is written as a whole.
 
+#include <array>
+#include <cstring>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <tiffio.h>
@@ -84,15 +87,46 @@ TEST(TiffRowWriter, Should_Refuse_When_RowsAreMissingOrTooMany) {
   EXPECT_THROW(writer->Write(rows), RangeError);
 }
 
-TEST(TiffRowWriter, Should_SayIt_When_TheFileCouldExceed4Gigabytes) {
-  Pixels like = Raster(pf24bit, 1, 1);
+/// Forgets what is written but the first and the last bytes.
+class ForgetfulStream : public TStream {
+ public:
+  size_t Read(std::span<uint8_t>) override { return 0; }
+  void Write(std::span<const uint8_t> source) override {
+    if (position_ < head.size()) {
+      const size_t count = std::min(source.size(), head.size() - static_cast<size_t>(position_));
+      std::copy_n(source.begin(), count, head.begin() + static_cast<ptrdiff_t>(position_));
+    }
+    position_ += source.size();
+    size_ = std::max(size_, position_);
+  }
+  uint64_t Position() const override { return position_; }
+  void SetPosition(uint64_t position) override { position_ = position; }
+  uint64_t Size() const override { return size_; }
+
+  std::array<uint8_t, 16> head{};
+
+ private:
+  uint64_t position_ = 0, size_ = 0;
+};
+
+TEST(TiffRowWriter, Should_WriteBigTiffAndSayIt_When_TheFilePasses4Gigabytes) {
+  constexpr int kSide = 66000, kBandRows = 1000;
+  Pixels band = Raster(pf8bit, kSide, kBandRows);
+  std::memset(std::get<Raster>(band).Row(0), 1, std::get<Raster>(band).Stride() * kBandRows);
   PictureWriting writing;
-  writing.form = StripForm(COMPRESSION_NONE);
-  TMemoryStream stream;
-  // Nothing is written but the header.
-  const auto writer = OpenTiffWriter(like, {65536, 61440}, writing, stream);
-  ASSERT_GE(stream.Size(), 4u);
-  EXPECT_EQ(stream.Bytes()[2], 43);
+  TiffForm form = StripForm(COMPRESSION_NONE);
+  form.rowsPerStrip = 100;
+  writing.form = form;
+  ForgetfulStream stream;
+  const auto writer = OpenTiffWriter(band, {kSide, kSide}, writing, stream);
+  for (int y = 0; y < kSide; y += kBandRows) writer->Write(band);
+  const WrittenPicture written = writer->Finish();
+  EXPECT_TRUE(std::get<TiffForm>(written.form).isBigTiff);
+  EXPECT_THAT(written.changes.notes, testing::Contains(testing::HasSubstr("written as BigTIFF: ")));
+  EXPECT_GT(stream.Size(), uint64_t{1} * kSide * kSide);
+  EXPECT_EQ(stream.head[2], 43);
+  // The directory follows the pixels.
+  EXPECT_GT(stream.head[8 + 4], 0);
 }
 
 }  // namespace
