@@ -38,7 +38,7 @@ struct HalftoneRows {
 };
 
 /// The same for some rows of the target from a part of a source, which has all pixels that they
-/// need. The place is that of the whole source; its sides do not exceed 2^22 pixels. Bytes behind
+/// need. The place is that of the whole source; its sides do not exceed 2^22 pixels. Bytes after
 /// the last pixel of the rows are set to 0.
 RASTERKIT_EXPORT void CopyHalftone(Raster& target, const PixelRect& place, const Raster& source,
                                    const HalftonePart& part, const HalftoneRows& rows);
