@@ -160,16 +160,18 @@ std::optional<WrittenPicture> WriteRows(const Encoding& work, CodecReport& read,
   const auto writer = work.target.Open(work.plan.type, like, {size.width, size.height}, writing);
   takesRows = writer != nullptr;
   WrittenPicture written;
+  Changes made;
   if (writer) {
     flow.Run(running, [&](Pixels& rows, int) { writer->Write(rows); });
     written = writer->Finish();
+    flow.Finish(read, made);
   } else {
+    // A page that cannot be read leaves no part of it in a document.
     Pixels pixels = flow.Whole(running);
+    flow.Finish(read, made);
     CopyProperties(like, pixels);
     written = work.target.Write(work.plan.type, pixels, writing, {});
   }
-  Changes made;
-  flow.Finish(read, made);
   changes = LossesBefore(work, state);
   Join(changes, made);
   for (const Changes* lost : {static_cast<const Changes*>(fitted.get()), &std::as_const(ofKind)}) {

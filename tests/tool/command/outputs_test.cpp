@@ -61,7 +61,7 @@ TEST_F(CliOutputs, FullDisk_Should_LeaveTheOldFileWholeAndExit4) {
   for (const char* name : {"out.bmp", "out.png", "out.jpg"}) {
     WriteText(folder_ / name, "old");
     const ToolResult result =
-        Convert(in_, folder_ / name, {.fileSizeLimit = 200, .stdoutFile = ""});
+        Convert(in_, folder_ / name, {.fileSizeLimit = 100, .stdoutFile = ""});
     EXPECT_EQ(result.code, 4) << name;
     EXPECT_THAT(result.err, HasSubstr(folder_ / name));
     EXPECT_EQ(ReadBytes(folder_ / name), (std::vector<uint8_t>{'o', 'l', 'd'})) << name;
@@ -71,7 +71,7 @@ TEST_F(CliOutputs, FullDisk_Should_LeaveTheOldFileWholeAndExit4) {
 }
 
 TEST_F(CliOutputs, FullDisk_Should_LeaveNoNewFile) {
-  EXPECT_EQ(Convert(in_, folder_ / "new.png", {.fileSizeLimit = 200, .stdoutFile = ""}).code, 4);
+  EXPECT_EQ(Convert(in_, folder_ / "new.png", {.fileSizeLimit = 100, .stdoutFile = ""}).code, 4);
   EXPECT_THAT(folder_.Names(), ElementsAre("in.bmp"));
 }
 
