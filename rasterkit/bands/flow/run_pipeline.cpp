@@ -220,7 +220,8 @@ void PipelineRun::End(const Task& task, const std::exception_ptr& error) {
   const LevelRows& rows = band.step.levels[level];
   state.current = state.next;
   band.windows[level] = state.current;
-  if (rows.wanted.count > 0) state.lastBands[state.current] = task.place.band;
+  // Even if no row is wanted: the place of the window is known to what is made.
+  state.lastBands[state.current] = task.place.band;
   state.pieces = pipeline_.Pieces(level, rows, run_.threads);
   state.started = state.ended = 0;
   state.doing = LevelState::Doing::making;
