@@ -220,28 +220,31 @@ void PipelineRun::End(const Task& task, const std::exception_ptr& error) {
   const LevelRows& rows = band.step.levels[level];
   state.current = state.next;
   band.windows[level] = state.current;
-  if (rows.wanted.count > 0) state.lastBands[state.current] = task.place.band;
+  // Even if no row is wanted: the place of the window is known to what is made.
+  state.lastBands[state.current] = task.place.band;
   state.pieces = pipeline_.Pieces(level, rows, run_.threads);
   state.started = state.ended = 0;
   state.doing = LevelState::Doing::making;
   if (state.pieces == 0) EndLevel(level);
 }
 
+/// Others go on during a report: it ends when nothing is left to say.
 void PipelineRun::Report(std::unique_lock<std::mutex>& lock) {
-  const int done = levels_[end_].done;
-  if (!run_.progress || done == reported_ || error_) return;
-  reported_ = done;
-  lock.unlock();
-  std::exception_ptr error;
-  try {
-    run_.progress(static_cast<double>(done) / count_);
-  } catch (...) {
-    error = std::current_exception();
+  while (run_.progress && levels_[end_].done != reported_ && !error_) {
+    reported_ = levels_[end_].done;
+    const double part = static_cast<double>(reported_) / count_;
+    lock.unlock();
+    std::exception_ptr error;
+    try {
+      run_.progress(part);
+    } catch (...) {
+      error = std::current_exception();
+    }
+    lock.lock();
+    if (!error) continue;
+    error_ = error;
+    failedAt_ = {kNever, 0, 0};
   }
-  lock.lock();
-  if (!error) return;
-  error_ = error;
-  failedAt_ = {kNever, 0, 0};
 }
 
 void PipelineRun::Work(bool isOwn) {

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <random>
 #include <thread>
 
@@ -88,6 +89,61 @@ TEST(FlowFaultsTest, ThrowsTheFirstErrorInTheOrderOfRows) {
   }
 }
 
+/// Every second row needs no row of the source. The row 1 takes until the reader has come to the
+/// row 4, or a while.
+class EverySecondRow : public BandStage {
+ public:
+  EverySecondRow(Sides source, const std::atomic<int>& read) : BandStage(source), read_(read) {}
+  RowRange Needs(RowRange) const override { return {0, Source().height}; }
+  std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun&) const override {
+    return std::make_unique<Work>(Source(), like, read_);
+  }
+
+ private:
+  class Work : public BandWork {
+   public:
+    Work(Sides sides, const Pixels& like, const std::atomic<int>& read)
+        : sides_(sides), like_(NewPixels(like, 1, 1)), read_(read) {}
+    const Pixels& Like() const override { return like_; }
+    Sides Size() const override { return sides_; }
+    BandRect Needs(const BandRect& target) const override {
+      return target.top % 2 != 0 ? BandRect{} : target;
+    }
+    void Make(const Band& source, Band& target, RowRange rows) const override {
+      if (rows.first % 2 == 0) {
+        return CopyPart(source.pixels, {0, rows.first - source.top, sides_.width, 1}, target.pixels,
+                        0, rows.first - target.top);
+      }
+      for (int i = 0; rows.first == 1 && i < 100 && read_ < 4; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      }
+      if (source.top > rows.first) throw RangeError("the source has moved on");
+    }
+
+   private:
+    const Sides sides_;
+    const Pixels like_;
+    const std::atomic<int>& read_;
+  };
+
+  const std::atomic<int>& read_;
+};
+
+TEST(FlowFaultsTest, LeavesTheSourceAsItIsForRowsThatNeedNone) {
+  const Pixels source = Source();
+  for (const int threads : {2, 7}) {
+    std::atomic<int> read{0};
+    FlowSettings settings;
+    settings.rows = 1;
+    settings.threads = threads;
+    BandFlow flow(
+        ReaderOf(source, {RowAccess::rising, 1, -1, [&](int top) { read = top; }}, nullptr),
+        {std::make_shared<EverySecondRow>(SidesOf(source), read)}, settings);
+    flow.Begin({threads, {}});
+    EXPECT_NO_THROW(flow.Run({threads, {}}, [](Pixels&, int) {})) << threads << " threads";
+  }
+}
+
 TEST(FlowFaultsTest, EndsWhenItIsCanceled) {
   const Pixels source = Source();
   for (const int threads : {1, 2, 7}) {
@@ -129,6 +185,30 @@ TEST(FlowFaultsTest, ReportsProgressOnTheCallingThread) {
                        }};
     EXPECT_EQ(OutcomeOf(source, {Doing::twoPasses, Doing::reachOne}, {}, settings, -1, &run).taken,
               kHeight);
+    EXPECT_EQ(last, 1);
+  }
+}
+
+TEST(FlowFaultsTest, ReportsTheEndWhenOthersDoTheRestDuringAReport) {
+  const Pixels source = Source();
+  FlowSettings settings;
+  settings.rows = 1;
+  settings.threads = 2;
+  // Now and then the calling thread takes the last row itself.
+  for (int repeated = 0; repeated < 20; ++repeated) {
+    std::atomic<int> taken{0};
+    double last = 0;
+    const StageRun run{2, [&](double done) {
+                         for (int i = 0; i < 5000 && taken < kHeight; ++i) {
+                           std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                         }
+                         last = done;
+                       }};
+    BandFlow flow(ReaderOf(source, {}, nullptr), StagesFor({Doing::reachOne}, SidesOf(source)),
+                  settings);
+    flow.Begin({2, {}});
+    flow.Run(run, [&](Pixels&, int) { ++taken; });
+    EXPECT_EQ(taken, kHeight);
     EXPECT_EQ(last, 1);
   }
 }
