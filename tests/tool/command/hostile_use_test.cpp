@@ -138,7 +138,8 @@ TEST_F(CliHostileUse, PipeNamedLikeAWorldFile_Should_BeLeftAlone) {
 TEST_F(CliHostileUse, TurnedPictureBeyondTheLimit_Should_NameItsFile) {
   const std::string wide = folder_ / "wide.png", turned = folder_ / "turned.png";
   ASSERT_EQ(RunTool({"resize", "--size", "60000x3", in_, wide}).code, 0);
-  const ToolResult result = RunTool({"rotate", "--angle", "45", wide, turned});
+  const ToolResult result =
+      RunTool({"rotate", "--angle", "45", wide, turned, "--max-pixels", "1000000"});
   EXPECT_EQ(result.code, 4);
   EXPECT_THAT(result.err, HasSubstr(turned + ": "));
   EXPECT_THAT(result.err, HasSubstr("limit"));
