@@ -160,7 +160,7 @@ BandPipeline FlowBuilder::NewPipeline(RowRange rows) {
       !BandPlan(chain_, Division(rows)).IsRising()) {
     KeepSource();
   }
-  return {chain_, Division(rows), settings_.threads > 1};
+  return {chain_, Division(rows), settings_.threads > 1 && !HasLargeBlocks(chain_)};
 }
 
 bool FlowBuilder::IsForetold() const {

@@ -7,11 +7,14 @@ namespace {
 
 /// Blocks of the source above this size are not kept whole: the reader goes on inside of them.
 constexpr uint64_t kMostBlockBytes = uint64_t{24} << 20;
+/// The same where rows are only handed on: else the reader and the writer would keep them both.
+constexpr uint64_t kMostHandedBytes = uint64_t{104} << 20;
 
 int BlockRowsOf(const RowChain& chain) {
   if (chain.firstLevel > 0) return 1;
   const int rows = std::clamp(chain.source->BlockRows(), 1, std::max(1, chain.source->Height()));
-  return static_cast<uint64_t>(rows) * chain.RowBytes(0) <= kMostBlockBytes ? rows : 1;
+  const uint64_t bytes = static_cast<uint64_t>(rows) * chain.RowBytes(0);
+  return bytes <= (chain.works.empty() ? kMostHandedBytes : kMostBlockBytes) ? rows : 1;
 }
 
 /// Bytes that all levels hold for a row of the result.
@@ -39,6 +42,12 @@ BandDivision DivisionOf(const RowChain& chain, RowRange rows, int height, uint64
     division.height = std::max(division.height, division.blockRows);
   }
   return division;
+}
+
+bool HasLargeBlocks(const RowChain& chain) {
+  return chain.firstLevel == 0 &&
+         static_cast<uint64_t>(std::max(1, chain.source->BlockRows())) * chain.RowBytes(0) >
+             kMostBlockBytes;
 }
 
 BandDivision DivisionOf(const RowChain& chain, int height, uint64_t bytes) {

@@ -10,6 +10,10 @@ namespace rasterkit::detail {
 /// all levels together hold about `bytes`.
 BandDivision DivisionOf(const RowChain& chain, RowRange rows, int height, uint64_t bytes);
 
+/// True if the reader keeps so large blocks that reading the next rows early is no gain: most of
+/// them are unpacked already.
+bool HasLargeBlocks(const RowChain& chain);
+
 /// All rows of the result.
 BandDivision DivisionOf(const RowChain& chain, int height, uint64_t bytes);
 

@@ -11,8 +11,8 @@ namespace {
 /// The narrowest column; those of packed pixels begin at whole words.
 constexpr int kColumnWidth = 256, kPackedColumnWidth = 1024;
 constexpr int kMostTimesWider = 16;
-/// A part and its source should fit into the processor's cache.
-constexpr uint64_t kMostPartBytes = uint64_t{3} << 20;
+/// Of a part and its source: few enough to stay near the processor.
+constexpr uint64_t kMostPartBytes = uint64_t{8} << 20;
 /// Blocks are larger by this part, so that few parts need another block.
 constexpr size_t kSpare = 8;
 /// What it costs to read a row of a part, as bytes that are read in the same time.

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <utility>
 
 #include <rasterkit/codecs/tiff/rows/block_cache.h>
 
@@ -30,14 +31,31 @@ void BlockCache::MakeRoom(uint64_t bytes, uint64_t budget, uint64_t reading) {
         continue;
       }
       bytes_ -= block->second.rows.Size();
+      spare_.push_back(std::move(block->second.rows));
       block = blocks_.erase(block);
     }
   }
 }
 
+/// Spare memory that is too small is given back.
+PixelMemory BlockCache::MemoryFor(size_t bytes) {
+  while (!spare_.empty()) {
+    PixelMemory memory = std::move(spare_.back());
+    spare_.pop_back();
+    if (memory.Size() >= bytes) return memory;
+  }
+  return PixelMemory(bytes);
+}
+
+void BlockCache::Clear() {
+  blocks_.clear();
+  spare_.clear();
+  bytes_ = 0;
+}
+
 BlockCache::Block& BlockCache::Add(uint32_t position, size_t stride, size_t rows,
                                    uint64_t reading) {
-  PixelMemory memory(stride * rows);
+  PixelMemory memory = MemoryFor(stride * rows);
   bytes_ += memory.Size();
   Block& block = blocks_[position];
   block = {std::move(memory), stride, reading};

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <vector>
 
 #include <rasterkit/runtime/memory/pixel_memory.h>
 
@@ -24,13 +25,15 @@ class BlockCache {
   /// within `budget` or none is left.
   void MakeRoom(uint64_t bytes, uint64_t budget, uint64_t reading);
   Block& Add(uint32_t position, size_t stride, size_t rows, uint64_t reading);
-  void Clear() {
-    blocks_.clear();
-    bytes_ = 0;
-  }
+  void Clear();
 
  private:
+  PixelMemory MemoryFor(size_t bytes);
+
   std::map<uint32_t, Block> blocks_;
+  /// Of dropped blocks, for the next ones: freed pieces of memory among those in use are of little
+  /// use to others.
+  std::vector<PixelMemory> spare_;
   uint64_t bytes_ = 0;
 };
 
