@@ -1,6 +1,6 @@
 // Composition of whole bitmaps of 12 megapixels beside their peers: a mirror in place beside
-// OpenCV's flip (into another picture, and in place), equality beside memcmp, everything beside a
-// memcpy of the bytes. Items are pixels.
+// OpenCV's flip (into another picture, and in place) and Leptonica's (in place), equality beside
+// memcmp, everything beside a memcpy of the bytes. Items are pixels.
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -15,6 +15,9 @@
 #if __has_include(<opencv2/core.hpp>)
 #include <opencv2/core.hpp>
 #define RASTERKIT_BESIDE_OPENCV
+#endif
+#ifdef RASTERKIT_BENCH_LEPTONICA
+#include <leptonica/allheaders.h>
 #endif
 
 namespace {
@@ -133,6 +136,33 @@ void RegisterOpenCv() {
 }
 #endif
 
+#ifdef RASTERKIT_BENCH_LEPTONICA
+/// In place, left and right.
+void LeptonicaFlip(benchmark::State& state, int bits) {
+  PIX* picture = pixCreate(kWidth, kHeight, bits);
+  std::mt19937 random(1);
+  uint32_t* words = pixGetData(picture);
+  for (int i = 0; i < pixGetWpl(picture) * kHeight; ++i) {
+    words[i] = static_cast<uint32_t>(random());
+  }
+  for (auto _ : state) {
+    pixFlipLR(picture, picture);
+    benchmark::ClobberMemory();
+  }
+  CountPixels(state);
+  pixDestroy(&picture);
+}
+
+void RegisterLeptonica() {
+  const auto add = [](const char* name, int bits) {
+    benchmark::RegisterBenchmark(name, LeptonicaFlip, bits)->Unit(benchmark::kMillisecond);
+  };
+  add("mirror left-right 32/leptonica", 32);
+  add("mirror left-right 8/leptonica", 8);
+  add("mirror left-right 1/leptonica", 1);
+}
+#endif
+
 void RegisterMirrors() {
   const auto add = [](const char* name, TPixelFormat format, bool horizontal) {
     benchmark::RegisterBenchmark(name, Mirror, format, horizontal)->Unit(benchmark::kMillisecond);
@@ -150,6 +180,9 @@ const bool kRegistered = [] {
   RegisterMirrors();
 #ifdef RASTERKIT_BESIDE_OPENCV
   RegisterOpenCv();
+#endif
+#ifdef RASTERKIT_BENCH_LEPTONICA
+  RegisterLeptonica();
 #endif
   Register("equality 24/rasterkit", Same, rasterkit::pf24bit);
   Register("equality 24/memcmp", Memcmp, rasterkit::pf24bit);

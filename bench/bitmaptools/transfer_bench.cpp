@@ -224,6 +224,19 @@ void BM_OpenCvNearestAndMultiply(benchmark::State& state) {
   SetNsPerPixel(state);
 }
 
+/// The same size without scaling. OpenCV does not brighten.
+void BM_OpenCvMultiply(benchmark::State& state) {
+  cv::setNumThreads(1);
+  TBitmap source = MakePicture(rasterkit::pf24bit, kWidth, kHeight, noise);
+  TBitmap target = MakePicture(rasterkit::pf24bit, kWidth, kHeight, noise);
+  cv::Mat from = MatOf(source), to = MatOf(target);
+  for (auto _ : state) {
+    cv::multiply(to, from, to, 1.0 / 255);
+    benchmark::ClobberMemory();
+  }
+  SetNsPerPixel(state);
+}
+
 void BM_OpenCvNearestAndWeighted(benchmark::State& state) {
   cv::setNumThreads(static_cast<int>(state.range(1)));
   const auto sourceWidth = static_cast<int>(state.range(0));
@@ -277,6 +290,7 @@ BENCHMARK(BM_OpenCvScaleAndOffset)
     ->Unit(benchmark::kMicrosecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
+BENCHMARK(BM_OpenCvMultiply)->Unit(benchmark::kMicrosecond)->MeasureProcessCPUTime()->UseRealTime();
 BENCHMARK(BM_OpenCvNearestAndMultiply)->Apply(OpenCvCases)->MeasureProcessCPUTime()->UseRealTime();
 BENCHMARK(BM_OpenCvNearestAndWeighted)->Apply(OpenCvCases)->MeasureProcessCPUTime()->UseRealTime();
 BENCHMARK(BM_OpenCvNearestAndNotWhite)->Apply(OpenCvCases)->UseManualTime();

@@ -132,6 +132,16 @@ void BlendFormats(benchmark::State& state, TPixelFormat from, TPixelFormat to, d
               canvas.AlphaBlend(dest, source, src, {128, true});
             });
 }
+/// By the alpha of each pixel alone, as pixman does.
+void BlendAlpha(benchmark::State& state, double part) {
+  DrawWhole(state, pf32bit, pf32bit, part,
+            [](TCanvas& canvas, const TRect& dest, const TBitmap& source, const TRect& src) {
+              canvas.AlphaBlend(dest, source, src, {255, true});
+            });
+}
+BENCHMARK_CAPTURE(BlendAlpha, over 32, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BlendAlpha, over 32 stretched, 0.625)->Unit(benchmark::kMillisecond);
+
 BENCHMARK_CAPTURE(BlendFormats, 24 over 24, pf24bit, pf24bit, 1)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BlendFormats, 24 over 24 stretched, pf24bit, pf24bit, 0.625)
     ->Unit(benchmark::kMillisecond);
@@ -366,10 +376,10 @@ PixmanImage AsPixman(Raster& raster, pixman_format_code_t format) {
                                    static_cast<int>(raster.Stride()))};
 }
 
-void PixmanBlend(benchmark::State& state, double part) {
-  Raster photo = Photo().Clone();
+void PixmanBlend(benchmark::State& state, double part, pixman_format_code_t format) {
+  Raster photo = format == PIXMAN_r8g8b8 ? Photo().Clone() : Overlay(kWidth, kHeight);
   Raster overlay = Overlay(static_cast<int>(kWidth * part), static_cast<int>(kHeight * part));
-  const PixmanImage target = AsPixman(photo, PIXMAN_r8g8b8);
+  const PixmanImage target = AsPixman(photo, format);
   const PixmanImage source = AsPixman(overlay, PIXMAN_a8r8g8b8);
   if (part != 1) {
     pixman_transform_t scale;
@@ -383,15 +393,12 @@ void PixmanBlend(benchmark::State& state, double part) {
   CountPixels(state, int64_t{kWidth} * kHeight);
 }
 
-void BM_PixmanBlendSameSize(benchmark::State& state) {
-  PixmanBlend(state, 1);
-}
-void BM_PixmanBlendStretched(benchmark::State& state) {
-  PixmanBlend(state, 0.625);
-}
-
-BENCHMARK(BM_PixmanBlendSameSize)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_PixmanBlendStretched)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(PixmanBlend, over 24, 1, PIXMAN_r8g8b8)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(PixmanBlend, over 24 stretched, 0.625, PIXMAN_r8g8b8)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(PixmanBlend, over 32, 1, PIXMAN_a8r8g8b8)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(PixmanBlend, over 32 stretched, 0.625, PIXMAN_a8r8g8b8)
+    ->Unit(benchmark::kMillisecond);
 #endif
 
 }  // namespace

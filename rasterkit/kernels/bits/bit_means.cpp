@@ -35,13 +35,17 @@ BitMeans::BitMeans(const HalftoneAxis& columns, int width, uint32_t rowTotal, ui
       rowBytes_((static_cast<size_t>(width) + 7) / 8),
       row_(rowBytes_ + kBitRowPadding) {
   const size_t count = columns.taps.size();
-  if (total_ < 2 || total_ > kMostTotal) {
-    longSums_.resize(count);
-    return;
+  const bool sumsAreShort = total_ >= 2 && total_ <= kMostTotal;
+  group_ = sumsAreShort ? GroupOf(columns) : 0;
+  if (group_ > 0) {
+    counts_.resize(rowBytes_ * 8 / static_cast<size_t>(group_) + kBitRowPadding);
+  } else if (total_ >= 2 && ColumnTaps::Fits(columns)) {
+    taps_.emplace(columns);
+    columnSums_.resize(8 * rowBytes_ + kColumnPadding);
+    columnsAreWeighted_ = rowTotal <= kLargestColumnSum && total_ <= INT32_MAX;
   }
-  sums_.resize(count + kHalftonePadding);
-  group_ = GroupOf(columns);
-  if (group_ > 0) counts_.resize(rowBytes_ * 8 / static_cast<size_t>(group_) + kBitRowPadding);
+  if (sumsAreShort || taps_) sums_.resize(count + kHalftonePadding);
+  if (taps_ ? !columnsAreWeighted_ : !sumsAreShort) longSums_.resize(count);
 }
 
 void BitMeans::Add(const uint8_t* row, uint32_t weight) {
@@ -52,12 +56,55 @@ void BitMeans::Add(const uint8_t* row, uint32_t weight) {
     AddGroupCounts(row, rowBytes_, group_, counts_.data());
     return;
   }
+  if (taps_) return AddToRuns(row, weight);
   // Taps read words.
   std::memcpy(row_.data(), row, rowBytes_);
   if (longSums_.empty()) {
     AddTaps(row_.data(), columns_, weight, sums_.data());
   } else {
     AddTaps(row_.data(), columns_, weight, longSums_.data());
+  }
+}
+
+void BitMeans::AddToRuns(const uint8_t* row, uint32_t weight) {
+  const bool isNew =
+      runs_.empty() || runWeights_.back() != weight || runs_.back().count == kMostRowsOfRun;
+  if (isNew) {
+    const auto ofColumns = static_cast<uint16_t>(columnsAreWeighted_ ? weight : 1);
+    runs_.push_back({nullptr, 0, ofColumns});
+    runWeights_.push_back(weight);
+  }
+  rows_.push_back(row);
+  runs_.back().count++;
+}
+
+void BitMeans::FinishColumns(uint8_t* target) {
+  const uint8_t* const* row = rows_.data();
+  for (BitRun& run : runs_) {
+    run.rows = row;
+    row += run.count;
+  }
+  if (columnsAreWeighted_) {
+    SumBitColumns(runs_.data(), runs_.size(), rowBytes_, columnSums_.data());
+    taps_->Sum(columnSums_.data(), sums_.data());
+    MeansOfOnes(sums_.data(), columns_.taps.size(), static_cast<uint32_t>(total_),
+                {grayOf0_, grayOf1_}, target);
+  } else {
+    AddRunsToLongs();
+    FinishLongs(target);
+  }
+  rows_.clear();
+  runs_.clear();
+  runWeights_.clear();
+}
+
+void BitMeans::AddRunsToLongs() {
+  for (size_t i = 0; i < runs_.size(); ++i) {
+    SumBitColumns(&runs_[i], 1, rowBytes_, columnSums_.data());
+    taps_->Sum(columnSums_.data(), sums_.data());
+    for (size_t x = 0; x < longSums_.size(); ++x) {
+      longSums_[x] += uint64_t{runWeights_[i]} * sums_[x];
+    }
   }
 }
 
@@ -68,6 +115,7 @@ void BitMeans::AddCounts() {
 }
 
 void BitMeans::Finish(uint8_t* target) {
+  if (taps_) return FinishColumns(target);
   if (!longSums_.empty()) return FinishLongs(target);
   if (counted_ > 0) AddCounts();
   const size_t count = columns_.taps.size();

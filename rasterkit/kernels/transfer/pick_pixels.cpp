@@ -27,6 +27,60 @@ void DoSteps(const PixelPicker::Step* steps, size_t count, const uint8_t* row, u
   }
 }
 
+constexpr size_t kPixel = 4;
+
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
+
+void MoveOctet(const PixelPicker::Octet& octet, const uint8_t* row, uint8_t* target) {
+  for (const uint8_t place : octet.places) {
+    std::memcpy(target, row + kPixel * place, kPixel);
+    target += kPixel;
+  }
+}
+
+#elif HWY_MAX_BYTES >= 32
+
+HWY_INLINE void MoveOctet(const PixelPicker::Octet& octet, const uint8_t* row, uint8_t* target) {
+  const hn::Full256<uint8_t> d;
+  const hn::Full256<uint32_t> d32;
+  const auto places = hn::PromoteTo(d32, hn::LoadU(hn::Full64<uint8_t>(), octet.places));
+  const auto pixels = hn::BitCast(d32, hn::LoadU(d, row));
+  const auto picked = hn::TableLookupLanes(pixels, hn::IndicesFromVec(d32, places));
+  hn::StoreU(hn::BitCast(d, picked), d, target);
+}
+
+#else
+
+/// Two shuffles of each half, of which one gives the pixel.
+HWY_INLINE void MoveOctet(const PixelPicker::Octet& octet, const uint8_t* row, uint8_t* target) {
+  alignas(16) constexpr uint8_t kSpread[16] = {0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3};
+  alignas(16) constexpr uint8_t kBytes[16] = {0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3};
+  const hn::Full128<uint8_t> d;
+  const auto low = hn::LoadU(d, row), high = hn::LoadU(d, row + 16);
+  const auto half = hn::Set(d, 16), last = hn::Set(d, 15), four = hn::Set(d, 4);
+  const hn::Full64<uint8_t> eight;
+  auto order = hn::Load(d, kSpread);
+  for (size_t i = 0; i < 32; i += 16) {
+    const auto spread = hn::TableLookupBytes(hn::LoadU(eight, octet.places), order);
+    const auto twice = hn::Add(spread, spread);
+    const auto places = hn::Add(hn::Add(twice, twice), hn::Load(d, kBytes));
+    const auto inHigh = hn::Eq(hn::And(places, half), half);
+    const auto within = hn::And(places, last);
+    const auto picked = hn::IfThenElse(inHigh, hn::TableLookupBytes(high, within),
+                                       hn::TableLookupBytes(low, within));
+    hn::StoreU(picked, d, target + i);
+    order = hn::Add(order, four);
+  }
+}
+
+#endif
+
+void DoOctets(const PixelPicker::Octet* octets, size_t count, const uint8_t* row, uint8_t* target) {
+  for (const PixelPicker::Octet* octet = octets; octet != octets + count; ++octet) {
+    MoveOctet(*octet, row + octet->source, target + octet->target);
+  }
+}
+
 }  // namespace
 }  // namespace rasterkit::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -46,6 +100,7 @@ void MoveSingles(const std::vector<PixelPicker::Single>& singles, const uint8_t*
 }
 
 HWY_EXPORT(DoSteps);
+HWY_EXPORT(DoOctets);
 
 }  // namespace
 
@@ -60,11 +115,31 @@ PixelPicker::PixelPicker(const std::vector<int32_t>& columns, int sourceBytes, i
   }
   size_t next = 0;
   while (next < columns.size()) {
-    if (AddStep(columns, next)) continue;
+    if (AddOctet(columns, next) || AddStep(columns, next)) continue;
     singles_.push_back({static_cast<uint32_t>(columns[next]) * sourceBytes_,
                         static_cast<uint32_t>(next) * targetBytes_});
     ++next;
   }
+}
+
+/// Takes the next eight columns where the pixels are of 4 bytes and lie among eight.
+bool PixelPicker::AddOctet(const std::vector<int32_t>& columns, size_t& next) {
+  constexpr size_t kPixels = 8, kPixelBytes = 4;
+  const bool fits = sourceBytes_ == kPixelBytes && targetBytes_ == kPixelBytes &&
+                    rowBytes_ >= kPixels * kPixelBytes && columns.size() - next >= kPixels;
+  if (!fits) return false;
+  const int32_t* const wanted = columns.data() + next;
+  const auto [low, high] = std::minmax_element(wanted, wanted + kPixels);
+  if (*high - *low >= static_cast<int32_t>(kPixels)) return false;
+  const size_t first = std::min(static_cast<size_t>(*low), rowBytes_ / kPixelBytes - kPixels);
+  Octet octet{
+      static_cast<uint32_t>(first * kPixelBytes), static_cast<uint32_t>(next * kPixelBytes), {}};
+  for (size_t i = 0; i < kPixels; ++i) {
+    octet.places[i] = static_cast<uint8_t>(static_cast<size_t>(wanted[i]) - first);
+  }
+  octets_.push_back(octet);
+  next += kPixels;
+  return true;
 }
 
 /// Takes as many of the next columns as one block of the row and one of the target hold. False when
@@ -97,8 +172,10 @@ bool PixelPicker::AddStep(const std::vector<int32_t>& columns, size_t& next) {
 }
 
 void PixelPicker::Pick(const uint8_t* row, uint8_t* target) const {
+  // Octets write their pixels only, and steps write beyond theirs.
   HWY_DYNAMIC_DISPATCH(DoSteps)(steps_.data(), steps_.size(), row, target);
-  // Blocks write beyond their pixels, so what lies between them comes last.
+  HWY_DYNAMIC_DISPATCH(DoOctets)(octets_.data(), octets_.size(), row, target);
+  // What lies between them comes last.
   switch (targetBytes_) {
     case 1:
       return MoveSingles<1>(singles_, row, target);

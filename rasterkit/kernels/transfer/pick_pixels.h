@@ -10,8 +10,8 @@ namespace rasterkit::kernels {
 /// are looked at once, when the plan is made.
 ///
 /// Pixels of `sourceBytes` bytes become pixels of `targetBytes`: 1 to 1, 3 to 3, 4 to 4, or 4 to 3,
-/// which drops the alpha. Where several wanted pixels lie within 16 bytes, as they do unless the
-/// picture shrinks a lot, one shuffle moves them all.
+/// which drops the alpha. Where several wanted pixels lie within 16 bytes, or eight of 4 bytes
+/// within 32, as they do unless the picture shrinks a lot, one shuffle moves them all.
 class PixelPicker {
  public:
   /// `columns` lie between 0 and `sourceWidth - 1`.
@@ -32,6 +32,12 @@ class PixelPicker {
     uint32_t target;
     uint8_t places[16];
   };
+  /// Eight pixels of 4 bytes, of the eight from byte `source` in the row on.
+  struct Octet {
+    uint32_t source;
+    uint32_t target;
+    uint8_t places[8];
+  };
   /// Source and target byte of a pixel that is moved by itself.
   struct Single {
     uint32_t source;
@@ -39,11 +45,13 @@ class PixelPicker {
   };
 
  private:
+  bool AddOctet(const std::vector<int32_t>& columns, size_t& next);
   bool AddStep(const std::vector<int32_t>& columns, size_t& next);
 
   uint32_t sourceBytes_, targetBytes_;
   size_t rowBytes_, targetRowBytes_;
   bool isOneToOne_ = true;
+  std::vector<Octet> octets_;
   std::vector<Step> steps_;
   std::vector<Single> singles_;
 };

@@ -6,25 +6,13 @@
 namespace rasterkit::detail {
 namespace {
 
-template <size_t kBytes>
-void Pick(const uint8_t* row, const std::vector<int>& columns, uint8_t* picked) {
-  for (const int column : columns) {
-    std::memcpy(picked, row + static_cast<size_t>(column) * kBytes, kBytes);
-    picked += kBytes;
-  }
-}
+constexpr int kBytesOfWords = 2;
 
-void Pick(const uint8_t* row, size_t bytesPerPixel, const std::vector<int>& columns,
-          uint8_t* picked) {
-  switch (bytesPerPixel) {
-    case 1:
-      return Pick<1>(row, columns, picked);
-    case 2:
-      return Pick<2>(row, columns, picked);
-    case 3:
-      return Pick<3>(row, columns, picked);
-    default:
-      return Pick<4>(row, columns, picked);
+/// Pixels of 15 and 16 bits.
+void PickWords(const uint8_t* row, const std::vector<int>& columns, uint8_t* picked) {
+  for (const int column : columns) {
+    std::memcpy(picked, row + static_cast<size_t>(column) * kBytesOfWords, kBytesOfWords);
+    picked += kBytesOfWords;
   }
 }
 
@@ -44,10 +32,18 @@ SourceRows::SourceRows(const Raster& source, const AxisPositions& columns)
   if (gathersFirst_) {
     picked_.resize(columns_.size() * static_cast<size_t>(bits / 8));
     gathered_.resize(columns_.size());
+    if (bits / 8 != kBytesOfWords) {
+      picker_.emplace(columns_, bits / 8, bits / 8, source.Width());
+    }
     return;
   }
   if (source.Format() != pf32bit) converted_.resize(static_cast<size_t>(columnCount_));
-  if (!plainRun_) gathered_.resize(columns_.size());
+  if (plainRun_) return;
+  gathered_.resize(columns_.size());
+  std::vector<int> converted = columns_;
+  for (int& column : converted) column -= firstColumn_;
+  constexpr int kPixel = sizeof(RGBArec);
+  picker_.emplace(converted, kPixel, kPixel, columnCount_);
 }
 
 const RGBArec* SourceRows::Row(int y) {
@@ -63,7 +59,11 @@ void SourceRows::Load(int y) {
 
 const RGBArec* SourceRows::GatheredThenConverted(const uint8_t* row) {
   const TPixelFormat format = source_.Format();
-  Pick(row, static_cast<size_t>(StoredBitsPerPixel(format) / 8), columns_, picked_.data());
+  if (picker_) {
+    picker_->Pick(row, picked_.data());
+  } else {
+    PickWords(row, columns_, picked_.data());
+  }
   RowTo32(picked_.data(), format, static_cast<int>(columns_.size()), table_, gathered_.data());
   return gathered_.data();
 }
@@ -78,7 +78,8 @@ const RGBArec* SourceRows::ConvertedThenGathered(const uint8_t* row) {
     pixels = converted_.data();
   }
   if (plainRun_) return pixels + (columns_.front() - firstColumn_);
-  for (size_t i = 0; i < columns_.size(); ++i) gathered_[i] = pixels[columns_[i] - firstColumn_];
+  picker_->Pick(reinterpret_cast<const uint8_t*>(pixels),
+                reinterpret_cast<uint8_t*>(gathered_.data()));
   return gathered_.data();
 }
 

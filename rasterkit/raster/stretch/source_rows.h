@@ -1,7 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
+#include <rasterkit/kernels/transfer/pick_pixels.h>
 #include <rasterkit/raster/raster.h>
 #include <rasterkit/raster/row_conversion.h>
 #include <rasterkit/raster/stretch/axis_positions.h>
@@ -33,6 +35,8 @@ class SourceRows {
   const bool plainRun_;
   int firstColumn_, columnCount_;
   bool gathersFirst_;
+  /// Gathers pixels of 1, 3 and 4 bytes; none where all columns are neighbors.
+  std::optional<kernels::PixelPicker> picker_;
   int loaded_ = -1;
   const RGBArec* row_ = nullptr;
   std::vector<uint8_t> picked_;
