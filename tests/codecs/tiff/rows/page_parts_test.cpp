@@ -1,0 +1,91 @@
+// Parts of pages: pixels and words that depend neither on what was read before nor on where the
+// part begins.
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <tiffio.h>
+
+#include <rasterkit/codecs/tiff/pages/tag_reader.h>
+#include <rasterkit/codecs/tiff/rows/page_rows.h>
+#include <rasterkit/runtime/errors.h>
+
+#include "tests/codecs/tiff/rows/made_pages.h"
+#include "tests/support/temp_folder.h"
+
+namespace rasterkit::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr unsigned kSeed = 23;
+
+/// What reading a part gave: pixels and words, or an error.
+struct PartReading {
+  Raster rows;
+  CodecReport report;
+  std::string error;
+};
+
+PartReading ReadPart(const std::vector<uint8_t>& bytes, const std::vector<int>& tops, int height,
+                     int threads = 1) {
+  PartReading reading;
+  TSpanStream stream(bytes);
+  try {
+    const auto reader = OpenTiffRows(stream, {.threads = threads});
+    for (const int top : tops) {
+      Pixels rows = NewPixels(reader->Like(), reader->Width(), height);
+      reader->Read(0, top, rows);
+      reading.rows = std::move(std::get<Raster>(rows));
+    }
+    reader->Finish(reading.report);
+  } catch (const Error& error) {
+    reading.error = error.what();
+  }
+  return reading;
+}
+
+/// Tiles of more than 4096 bytes a row, which are read into the target in place.
+TEST(TiffPageParts, Should_KeepOtherTiles_When_APartIsAsWideAsATile) {
+  constexpr int kWidth = 3000, kHeight = 70, kTile = 1024;
+  std::mt19937 random(kSeed);
+  PixelLayout layout;
+  layout.type = NumberType::uint16;
+  layout.model = ColorModel::rgb;
+  layout.bits = 16;
+  layout.bands = 3;
+  const Samples samples = RandomSamplesOf(layout, kWidth, kHeight, false, random);
+  TiffForm form = StripForm(COMPRESSION_NONE);
+  form.rowsPerStrip = 0;
+  form.tileWidth = kTile;
+  form.tileHeight = 32;
+  const std::vector<uint8_t> bytes = PageOf(Pixels(samples.Clone()), form);
+  constexpr size_t kPixelBytes = 6;
+  for (const int threads : {1, 2, 7}) {
+    TSpanStream stream(bytes);
+    const auto reader = OpenTiffRows(stream, {.threads = threads});
+    ASSERT_TRUE(reader);
+    for (const int left : {0, 1, 100, 152, 1000, 1024, 1030, kWidth - kTile}) {
+      for (const int height : {1, 7, 64}) {
+        for (int top = 0; top + height <= kHeight; top += height) {
+          Pixels part = NewPixels(reader->Like(), kTile, height);
+          reader->Read(left, top, part);
+          const auto& read = std::get<Samples>(part);
+          for (int y = 0; y < height; y++) {
+            const uint8_t* expected =
+                samples.Row(top + y) + static_cast<size_t>(left) * kPixelBytes;
+            ASSERT_EQ(std::memcmp(read.Row(y), expected, kTile * kPixelBytes), 0)
+                << "from " << left << ", row " << top + y << " in bands of " << height;
+          }
+        }
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace rasterkit::test
