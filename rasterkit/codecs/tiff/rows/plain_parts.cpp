@@ -84,6 +84,12 @@ PlainParts::Stored PlainParts::StoredRows(uint32_t position, uint32_t height) co
   return stored;
 }
 
+bool PlainParts::HasRows(uint32_t position, std::vector<std::string>& notes) const {
+  Stored stored = StoredRows(position, PlaceOfBlock(layout_, position).height);
+  notes = std::move(stored.notes);
+  return stored.rows > 0;
+}
+
 PlainParts::Columns PlainParts::ColumnsOf(const TiffPart& place, const TiffPart& wanted) const {
   const size_t bits = SampleBits();
   Columns columns;

@@ -18,6 +18,8 @@ class PlainParts {
 
   /// Reads what the block has of `part`, whose top left pixel is the first one of `target`.
   void Read(uint32_t position, const TiffPart& part, const TiffTarget& target);
+  /// True if the file has a row of the block; else what is wrong is added to `notes`.
+  bool HasRows(uint32_t position, std::vector<std::string>& notes) const;
 
  private:
   /// Rows of a block that all planes have, and the notes about the others.

@@ -87,5 +87,52 @@ TEST(TiffPageParts, Should_KeepOtherTiles_When_APartIsAsWideAsATile) {
   }
 }
 
+std::vector<uint8_t> CutPage(const TiffForm& form, double share) {
+  std::mt19937 random(kSeed);
+  std::vector<uint8_t> bytes = PageOf(RandomRaster(pf24bit, 150, 110, random), form);
+  // The directory stands before the pixels or behind them: only pixels are made to be missing.
+  const std::vector<uint8_t> kept = bytes;
+  TSpanStream stream(kept);
+  const detail::TagReader reader(stream);
+  const auto first = reader.Directory(reader.First());
+  const auto places = *first->Find(TIFFTAG_STRIPOFFSETS);
+  for (auto i = static_cast<size_t>(static_cast<double>(places.count) * share); i < places.count;
+       i++) {
+    // Little-endian; beyond the end of the file.
+    const uint32_t place = 0x7FFFFFF0;
+    std::memcpy(bytes.data() + places.at + i * 4, &place, sizeof place);
+  }
+  return bytes;
+}
+
+TEST(TiffPageParts, Should_RefuseAPart_When_APlaneIsMissing) {
+  for (const int compression : {COMPRESSION_NONE, COMPRESSION_LZW}) {
+    TiffForm form = StripForm(compression);
+    form.isPlanar = true;
+    const std::vector<uint8_t> bytes = CutPage(form, 0.66);
+    const PartReading whole = ReadPart(bytes, {0}, 110), part = ReadPart(bytes, {20}, 50);
+    EXPECT_THAT(whole.error, HasSubstr("the data end early"));
+    EXPECT_EQ(part.error, whole.error);
+  }
+}
+
+TEST(TiffPageParts, Should_CountRowsThatWereRead_When_APartIsDamaged) {
+  for (const int compression : {COMPRESSION_LZW, COMPRESSION_ADOBE_DEFLATE}) {
+    // Strips of 7 rows; the first 8 of 16 are there.
+    const std::vector<uint8_t> bytes = CutPage(StripForm(compression), 0.5);
+    EXPECT_THAT(ReadPart(bytes, {0}, 110).report.damage,
+                ElementsAre(HasSubstr("56 of 110 rows are complete"), HasSubstr("end early")));
+    EXPECT_THAT(ReadPart(bytes, {42}, 28).report.damage,
+                ElementsAre(HasSubstr("14 of the 28 rows that were read are complete"),
+                            HasSubstr("end early")));
+    const PartReading lower = ReadPart(bytes, {70}, 20);
+    EXPECT_EQ(lower.error, "");
+    EXPECT_THAT(lower.report.damage,
+                ElementsAre(HasSubstr("3 of the 3 strips or tiles that were read are damaged"),
+                            HasSubstr("end early")));
+    EXPECT_THAT(ReadPart(bytes, {7}, 40).report.damage, ElementsAre());
+  }
+}
+
 }  // namespace
 }  // namespace rasterkit::test
