@@ -87,6 +87,97 @@ TEST(TiffPageParts, Should_KeepOtherTiles_When_APartIsAsWideAsATile) {
   }
 }
 
+/// Rows of 1 bit that resemble those above them, as those of plans do.
+Raster PlanRows(int width, int height, std::mt19937& random) {
+  Raster raster = RandomRaster(pf1bit, width, height, random);
+  for (int y = 0; y < height; y++) {
+    uint8_t* row = raster.Row(y);
+    if (y == 0) {
+      std::memset(row, 0xF0, raster.RowBytes());
+      continue;
+    }
+    std::memcpy(row, raster.Row(y - 1), raster.RowBytes());
+    for (int i = 0; i < 6; i++) row[random() % raster.RowBytes()] ^= 1u << random() % 8;
+  }
+  raster.ClearPadding();
+  return raster;
+}
+
+/// How many strips libtiff reads in another way on a handle that has read the others before.
+int StripsThatRemember(const std::vector<uint8_t>& bytes) {
+  const TempFolder folder;
+  const std::string name = (folder.Path() / "strips.tif").string();
+  std::ofstream(name, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+  TIFFSetErrorHandler(nullptr);
+  TIFFSetWarningHandler(nullptr);
+  TIFF* used = TIFFOpen(name.c_str(), "r");
+  const auto size = static_cast<size_t>(TIFFStripSize(used));
+  int others = 0;
+  for (uint32_t strip = 0; strip < TIFFNumberOfStrips(used); strip++) {
+    std::vector<uint8_t> a(size), b(size);
+    TIFF* fresh = TIFFOpen(name.c_str(), "r");
+    TIFFReadEncodedStrip(used, strip, a.data(), -1);
+    TIFFReadEncodedStrip(fresh, strip, b.data(), -1);
+    TIFFClose(fresh);
+    if (a != b) others++;
+  }
+  TIFFClose(used);
+  return others;
+}
+
+TEST(TiffPageParts, Should_NotDependOnStripsBefore_When_G4StripsAreDamaged) {
+  constexpr int kWidth = 1237, kHeight = 96, kRows = 16;
+  std::mt19937 random(kSeed);
+  TiffForm form = StripForm(COMPRESSION_CCITTFAX4);
+  form.rowsPerStrip = kRows;
+  int others = 0;
+  for (int round = 0; round < 40; round++) {
+    std::vector<uint8_t> bytes = PageOf(PlanRows(kWidth, kHeight, random), form);
+    // Each strip is damaged in its middle.
+    const std::vector<uint8_t> kept = bytes;
+    TSpanStream stream(kept);
+    const detail::TagReader reader(stream);
+    const auto places = *reader.Directory(reader.First())->Find(TIFFTAG_STRIPOFFSETS);
+    for (size_t i = 0; i < places.count; i++) {
+      uint32_t place = 0;
+      std::memcpy(&place, kept.data() + places.at + i * 4, sizeof place);
+      for (int hit = 0; hit < 2; hit++) {
+        bytes[std::min<size_t>(place + 20 + random() % 200, bytes.size() - 1)] ^= 1u
+                                                                                  << random() % 8;
+      }
+    }
+    PartReading whole;
+    try {
+      whole = ReadPart(bytes, {0}, kHeight);
+    } catch (const std::exception&) {
+      continue;
+    }
+    if (!whole.error.empty()) continue;
+    others += StripsThatRemember(bytes);
+    for (int top = 0; top < kHeight; top += kRows) {
+      const PartReading fresh = ReadPart(bytes, {top}, kRows);
+      const int last = kHeight - kRows - top;
+      const PartReading used = ReadPart(bytes, {last, 0, top}, kRows, 2);
+      for (int y = 0; y < kRows; y++) {
+        const size_t count = whole.rows.RowBytes();
+        ASSERT_EQ(std::memcmp(fresh.rows.Row(y), whole.rows.Row(top + y), count), 0)
+            << "round " << round << ", row " << top + y;
+        ASSERT_EQ(std::memcmp(used.rows.Row(y), whole.rows.Row(top + y), count), 0)
+            << "round " << round << ", row " << top + y;
+      }
+      for (const std::string& word : fresh.report.damage) {
+        if (whole.report.damage.size() < 8) {
+          EXPECT_THAT(whole.report.damage, testing::Contains(word));
+        }
+      }
+    }
+  }
+  // Otherwise nothing was tested.
+  EXPECT_GT(others, 0);
+}
+
 std::vector<uint8_t> CutPage(const TiffForm& form, double share) {
   std::mt19937 random(kSeed);
   std::vector<uint8_t> bytes = PageOf(RandomRaster(pf24bit, 150, 110, random), form);
