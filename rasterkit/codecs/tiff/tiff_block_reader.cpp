@@ -66,6 +66,18 @@ class PatientDeflate {
   int usual_ = DEFLATE_SUBCODEC_ZLIB;
 };
 
+/// Gives a fax codec its first state. It keeps the runs of earlier strips, and a damaged row can
+/// reach into them: its pixels would depend on what was read before.
+void RenewFaxCodec(TIFF* tiff, int compression) {
+  uint32_t options = 0;
+  const bool hasOptions = compression == COMPRESSION_CCITTFAX3 &&
+                          TIFFGetField(tiff, TIFFTAG_GROUP3OPTIONS, &options) == 1;
+  // A change of the codec ends the one that is there.
+  TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+  TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression);
+  if (hasOptions) TIFFSetField(tiff, TIFFTAG_GROUP3OPTIONS, options);
+}
+
 }  // namespace
 
 void TurnSamples(uint8_t* bytes, size_t count, int bits) {
@@ -192,6 +204,7 @@ bool TiffBlockReader::UnpackG4(size_t rawBytes, uint32_t rows, uint8_t* target) 
 
 bool TiffBlockReader::UnpackOnto(uint32_t block, size_t rawBytes, uint32_t rows, uint8_t* target) {
   const size_t bytes = rows * layout_.grid.rowBytes;
+  if (IsFax()) RenewFaxCodec(handle_.Tiff(), layout_.compression);
   // Fax codecs continue after damaged rows and report success.
   const bool isWhole =
       TIFFReadFromUserBuffer(handle_.Tiff(), block, raw_.Data(), static_cast<tmsize_t>(rawBytes),

@@ -41,6 +41,8 @@ class TiffParts::Worker {
   /// Unpacks a block into rows of its own or into those of the target.
   /// Returns how many were unpacked: none of those that a sparse file leaves out.
   uint64_t Unpack(const Task& task, const TiffTarget& target);
+  /// True if a row of the block can be unpacked; else what is wrong is added to `notes`.
+  bool HasRows(uint32_t position, std::vector<std::string>& notes);
 
  private:
   uint32_t ReadSamples(uint32_t position, const TiffPart& place, const Task& task);
@@ -68,8 +70,8 @@ uint32_t TiffParts::Worker::ReadSamples(uint32_t position, const TiffPart& place
                                         const Task& task) {
   const TiffBlockGrid& grid = layout_.grid;
   planes_.clear();
-  const bool isDirect =
-      !grid.isTiled && WorksInPlace(layout_) && (place.height == 1 || grid.rowBytes == task.stride);
+  const bool isDirect = task.rows != nullptr && !grid.isTiled && WorksInPlace(layout_) &&
+                        (place.height == 1 || grid.rowBytes == task.stride);
   if (isDirect) {
     planes_.push_back(task.rows);
     return reader_.Read(position, 0, place.height, task.rows);
@@ -112,13 +114,20 @@ uint64_t TiffParts::Worker::Unpack(const Task& task, const TiffTarget& target) {
   return isSparse ? 0 : 1;
 }
 
+bool TiffParts::Worker::HasRows(uint32_t position, std::vector<std::string>& notes) {
+  const uint32_t there = ReadSamples(position, PlaceOfBlock(layout_, position), {position});
+  notes = reader_.TakeErrors();
+  return there > 0;
+}
+
 TiffParts::TiffParts(TiffHandle& handle, const TiffLayout& layout, const TiffColors& colors,
                      const TiffBlanks& blanks, int threads)
     : handle_(handle),
       layout_(layout),
       colors_(colors),
       blanks_(blanks),
-      threads_(std::clamp(threads, 1, kMostThreads)) {
+      threads_(std::clamp(threads, 1, kMostThreads)),
+      wasRead_(layout.grid.PerPlane()) {
   if (layout.compression == COMPRESSION_NONE) {
     plain_ = std::make_unique<PlainParts>(handle, layout, colors, blanks, faults_);
   } else if (G4StripRows::Fits(handle, layout)) {
@@ -130,6 +139,7 @@ TiffParts::~TiffParts() = default;
 
 void TiffParts::Read(const TiffPart& part, const TiffTarget& target) {
   reading_++;
+  MarkRead(part);
   // All rows at once need no second look at the strip.
   if (g4_ && part.height < layout_.height && g4_->Read(part, target)) return;
   if (!plain_) return ReadPacked(part, target);
@@ -139,6 +149,39 @@ void TiffParts::Read(const TiffPart& part, const TiffTarget& target) {
       plain_->Read(y * grid.across + x, part, target);
     }
   }
+}
+
+void TiffParts::MarkRead(const TiffPart& part) {
+  const TiffBlockGrid& grid = layout_.grid;
+  const uint32_t left = part.left / grid.width, right = (part.Right() - 1) / grid.width;
+  for (uint32_t y = part.top / grid.height; y <= (part.Bottom() - 1) / grid.height; y++) {
+    const auto row = wasRead_.begin() + y * grid.across;
+    std::fill(row + left, row + right + 1, true);
+  }
+}
+
+bool TiffParts::HasRows(uint32_t position, std::vector<std::string>& notes) {
+  RequireTime();
+  if (plain_) return plain_->HasRows(position, notes);
+  if (workers_.empty()) workers_.resize(1);
+  if (!workers_[0]) workers_[0] = std::make_unique<Worker>(handle_, *this);
+  return workers_[0]->HasRows(position, notes);
+}
+
+TiffOutcome TiffParts::Outcome() {
+  TiffOutcome outcome = faults_.Outcome(layout_, wasRead_);
+  if (outcome.hasRows) return outcome;
+  std::map<uint32_t, std::vector<std::string>> others;
+  for (uint32_t position = 0; position < wasRead_.size(); position++) {
+    if (wasRead_[position]) continue;
+    outcome.hasRows = HasRows(position, others[position]);
+    if (outcome.hasRows) return outcome;
+  }
+  for (auto& [position, notes] : others) {
+    faults_.Add(position, PlaceOfBlock(layout_, position).height, std::move(notes));
+  }
+  wasRead_.assign(wasRead_.size(), true);
+  return faults_.Outcome(layout_, wasRead_);
 }
 
 uint64_t TiffParts::Budget(uint64_t blockBytes) const {

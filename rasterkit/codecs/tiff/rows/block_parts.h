@@ -25,8 +25,11 @@ class TiffParts {
   /// Reads a part, whose top left pixel is the first one of `target`. Throws the errors of the
   /// stream.
   void Read(const TiffPart& part, const TiffTarget& target);
-  /// The outcome of what was read so far.
-  TiffOutcome Outcome() const { return faults_.Outcome(layout_); }
+  /// The outcome of what was read so far. If nothing of it was there, other blocks are looked at:
+  /// a part is refused as the whole page is, and only then.
+  TiffOutcome Outcome();
+  /// Tells that others have read the blocks of a part.
+  void MarkRead(const TiffPart& part);
   /// True if rows are cheap only from top to bottom.
   bool IsRising() const { return g4_ != nullptr; }
   /// For others that read blocks of the same picture.
@@ -46,6 +49,7 @@ class TiffParts {
   void ReadPacked(const TiffPart& part, const TiffTarget& target);
   void Unpack(const std::vector<Task>& tasks, const TiffTarget& target);
   void PutKept(uint32_t position, const TiffPart& part, const TiffTarget& target) const;
+  bool HasRows(uint32_t position, std::vector<std::string>& notes);
   int UsefulThreads(size_t tasks) const;
   uint64_t Budget(uint64_t blockBytes) const;
 
@@ -55,6 +59,8 @@ class TiffParts {
   const TiffBlanks& blanks_;
   const int threads_;
   TiffFaults faults_;
+  /// A bit for each position of a block.
+  std::vector<bool> wasRead_;
   std::unique_ptr<PlainParts> plain_;
   std::unique_ptr<G4StripRows> g4_;
   std::vector<std::unique_ptr<Worker>> workers_;

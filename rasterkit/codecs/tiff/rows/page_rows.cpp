@@ -122,6 +122,8 @@ void TiffPageRows::ReadPart(const TiffPart& part, const TiffTarget& target) {
     strips_ = std::make_unique<LongStrips>(page_.tiff->source, layout, tiff.colors, tiff.blanks,
                                            parts_.Faults());
   }
+  // Rows above were unpacked on the way.
+  parts_.MarkRead({0, 0, layout.width, part.Bottom()});
   strips_->Read(part.top, part.height, target);
 }
 

@@ -84,6 +84,12 @@ PlainParts::Stored PlainParts::StoredRows(uint32_t position, uint32_t height) co
   return stored;
 }
 
+bool PlainParts::HasRows(uint32_t position, std::vector<std::string>& notes) const {
+  Stored stored = StoredRows(position, PlaceOfBlock(layout_, position).height);
+  notes = std::move(stored.notes);
+  return stored.rows > 0;
+}
+
 PlainParts::Columns PlainParts::ColumnsOf(const TiffPart& place, const TiffPart& wanted) const {
   const size_t bits = SampleBits();
   Columns columns;
@@ -159,7 +165,7 @@ uint32_t PlainParts::ReadRows(uint32_t position, uint32_t first, uint32_t rows,
   for (const uint16_t plane : layout_.planes) {
     planes_.push_back(place);
     const uint32_t block = plane * layout_.grid.PerPlane() + position;
-    there = std::min(there, ReadPlane(block, first, rows, columns, place, pitch));
+    there = std::min(there, ReadPlane(block, first, rows, columns, {place, pitch, !isInPlace}));
     place += planeBytes;
   }
   const size_t width = size_t{columns.before} + columns.count;
@@ -178,10 +184,10 @@ uint32_t PlainParts::ReadRows(uint32_t position, uint32_t first, uint32_t rows,
   return there;
 }
 
-/// Reads rows of samples of one plane, `pitch` bytes apart, in the order of the processor; returns
-/// how many were there.
+/// Reads rows of samples of one plane in the order of the processor; returns how many were there.
 uint32_t PlainParts::ReadPlane(uint32_t block, uint32_t first, uint32_t rows,
-                               const Columns& columns, uint8_t* target, size_t pitch) {
+                               const Columns& columns, const SampleRows& samples) {
+  const auto [target, pitch, mayFillGaps] = samples;
   const auto [offset, count] = reader_.ExtentOf(block);
   if (offset == 0 && count == 0) {
     for (uint32_t i = 0; i < rows; i++) reader_.FillSparse(target + i * pitch, columns.bytes);
@@ -191,7 +197,10 @@ uint32_t PlainParts::ReadPlane(uint32_t block, uint32_t first, uint32_t rows,
   const size_t rowBytes = layout_.grid.rowBytes, gap = rowBytes - columns.bytes;
   const uint64_t at = offset + uint64_t{first} * rowBytes + columns.at;
   uint32_t whole = 0;
-  if (pitch == rowBytes) {
+  // Between the rows of a target lie pixels of other blocks, which may be there already: exactly
+  // the columns are written. An equal pitch alone says nothing, the target can be as wide as a
+  // tile.
+  if (pitch == rowBytes && (gap == 0 || mayFillGaps)) {
     const size_t got = source.ReadAt(at, {target, rows * rowBytes - gap});
     whole = static_cast<uint32_t>((got + gap) / rowBytes);
   } else if (gap <= kReadGap && rows > 1) {

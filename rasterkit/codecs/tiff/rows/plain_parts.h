@@ -18,6 +18,8 @@ class PlainParts {
 
   /// Reads what the block has of `part`, whose top left pixel is the first one of `target`.
   void Read(uint32_t position, const TiffPart& part, const TiffTarget& target);
+  /// True if the file has a row of the block; else what is wrong is added to `notes`.
+  bool HasRows(uint32_t position, std::vector<std::string>& notes) const;
 
  private:
   /// Rows of a block that all planes have, and the notes about the others.
@@ -35,6 +37,13 @@ class PlainParts {
     size_t at = 0, bytes = 0;
   };
 
+  /// Where rows of samples go, and whether bytes between them may be overwritten.
+  struct SampleRows {
+    uint8_t* target = nullptr;
+    size_t pitch = 0;
+    bool mayFillGaps = false;
+  };
+
   Stored StoredRows(uint32_t position, uint32_t height) const;
   uint32_t PlaneRows(uint32_t block, uint32_t first, uint32_t rows,
                      std::vector<std::string>& notes) const;
@@ -42,7 +51,7 @@ class PlainParts {
   uint32_t ReadRows(uint32_t position, uint32_t first, uint32_t rows, const Columns& columns,
                     uint8_t* target, size_t stride, size_t bit, int bitsPerPixel);
   uint32_t ReadPlane(uint32_t block, uint32_t first, uint32_t rows, const Columns& columns,
-                     uint8_t* target, size_t pitch);
+                     const SampleRows& samples);
   void FillRows(const TiffTarget& target, uint8_t* row, size_t bit, uint32_t width, uint32_t rows);
   void PutRow(const uint8_t* row, size_t before, size_t width, uint8_t* target, size_t bit,
               int bitsPerPixel) const;

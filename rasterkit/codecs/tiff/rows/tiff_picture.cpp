@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -62,10 +63,10 @@ void TiffFaults::Add(uint32_t position, uint32_t missingRows, std::vector<std::s
   faults_.emplace(position, Fault{missingRows, std::move(notes)});
 }
 
-TiffOutcome TiffFaults::Outcome(const TiffLayout& layout) const {
+TiffOutcome TiffFaults::Outcome(const TiffLayout& layout, const std::vector<bool>& wasRead) const {
   const std::lock_guard lock(mutex_);
   TiffOutcome outcome;
-  outcome.blocks = layout.grid.PerPlane();
+  outcome.blocks = static_cast<uint32_t>(std::count(wasRead.begin(), wasRead.end(), true));
   outcome.soundRows = layout.height;
   uint32_t emptyBlocks = 0;
   for (const auto& [position, fault] : faults_) {
@@ -81,7 +82,18 @@ TiffOutcome TiffFaults::Outcome(const TiffLayout& layout) const {
     outcome.soundRows = std::min(outcome.soundRows, place.Bottom() - fault.missingRows);
     if (fault.missingRows == place.height) emptyBlocks++;
   }
-  outcome.hasRows = emptyBlocks < outcome.blocks;
+  outcome.hasRows = outcome.blocks == 0 || emptyBlocks < outcome.blocks;
+  if (outcome.blocks == layout.grid.PerPlane()) return outcome;
+  // Of rows that nobody looked at, nothing can be said.
+  const uint32_t firstUnsound = std::exchange(outcome.soundRows, 0);
+  const uint32_t across = layout.grid.across;
+  for (uint32_t first = 0; first < wasRead.size(); first += across) {
+    const auto row = wasRead.begin() + first;
+    if (std::find(row, row + across, true) == row + across) continue;
+    const TiffPart place = PlaceOfBlock(layout, first);
+    outcome.partRows += place.height;
+    outcome.soundRows += std::clamp(firstUnsound, place.top, place.Bottom()) - place.top;
+  }
   return outcome;
 }
 
@@ -91,7 +103,14 @@ void ReportOutcome(const TiffOutcome& outcome, uint32_t height, CodecReport& rep
         "TIFF: " + (outcome.notes.empty() ? "nothing of the picture is there" : outcome.notes[0]));
   }
   const auto warn = [&](const std::string& text) { report.AddDamage("TIFF: " + text); };
-  if (outcome.damagedBlocks > 0) {
+  if (outcome.damagedBlocks > 0 && outcome.partRows > 0) {
+    warn(outcome.soundRows > 0
+             ? fmt::format("the data are damaged or end early, {} of the {} rows that were read "
+                           "are complete",
+                           outcome.soundRows, outcome.partRows)
+             : fmt::format("{} of the {} strips or tiles that were read are damaged",
+                           outcome.damagedBlocks, outcome.blocks));
+  } else if (outcome.damagedBlocks > 0) {
     warn(outcome.soundRows > 0
              ? fmt::format("the data are damaged or end early, {} of {} rows are complete",
                            outcome.soundRows, height)

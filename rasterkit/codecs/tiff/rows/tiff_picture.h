@@ -51,10 +51,12 @@ TiffPart PlaceOfBlock(const TiffLayout& layout, uint32_t position);
 struct TiffOutcome {
   /// True if any row of any block was there.
   bool hasRows = false;
-  /// Number of blocks with missing rows, and of all blocks.
+  /// Number of blocks with missing rows, and of all blocks that were read.
   uint32_t damagedBlocks = 0, blocks = 0;
-  /// Number of intact rows from the top.
+  /// Number of intact rows from the top, of those that were read.
   uint32_t soundRows = 0;
+  /// Rows of the blocks that were read; 0: all rows of the picture.
+  uint32_t partRows = 0;
   /// Messages of the codec in the order of the blocks, each text once.
   std::vector<std::string> notes;
 };
@@ -65,8 +67,8 @@ class TiffFaults {
   /// Keeps the rows that a block lacks at its end, and the notes about it. The first fault of a
   /// block counts: reading it again finds the same. No-op without rows and notes.
   void Add(uint32_t position, uint32_t missingRows, std::vector<std::string> notes);
-  /// The outcome of what was read so far.
-  TiffOutcome Outcome(const TiffLayout& layout) const;
+  /// The outcome of the blocks that were read: those whose bit is set, by their position.
+  TiffOutcome Outcome(const TiffLayout& layout, const std::vector<bool>& wasRead) const;
 
  private:
   struct Fault {
