@@ -12,6 +12,7 @@
 #include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/raster/fill.h>
+#include <rasterkit/raster/palette.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/codecs/jpeg/jpeg_files.h"
@@ -196,8 +197,10 @@ Bytes PageWithCopy(int width, int height, TPixelFormat format,
   FillRaster(page, {0, 0, 400, 300}, 0x0000FF);
   FillRaster(copy, {0, 0, width, height}, 0x00FF00);
   std::vector<TiffExtraPage> extra(1);
-  extra[0].form = FormFor(compression, LayoutOf(copy));
   extra[0].pixels = std::move(copy);
+  if (compression != TiffCompression::none) {
+    extra[0].form = FormFor(compression, LayoutOf(extra[0].pixels));
+  }
   extra[0].subfileType = 1;
   TMemoryStream stream;
   WriteTiff(Pixels(std::move(page)), {}, extra, stream);

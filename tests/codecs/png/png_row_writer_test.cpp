@@ -155,7 +155,7 @@ TEST(PngRowWriterTest, LargePicturesHaveTheSameBytesForEveryBandAndNumberOfThrea
 /// The packer works for a second or more. Were the call to wait for it, packed pixels would be
 /// written before the next look at the time.
 TEST(PngRowWriterTest, CancelingDoesNotWaitForThePacker) {
-  Samples noise(LayoutOf(Raster(pf24bit, 1, 1)), 1000, 750);
+  Raster noise(pf24bit, 1000, 750);
   std::minstd_rand random(5);
   for (int y = 0; y < 750; y++) {
     for (int i = 0; i < 3000; i++) noise.Row(y)[i] = static_cast<uint8_t>(random() >> 12 & 31);
