@@ -37,7 +37,13 @@ class ContinuedStream : public TStream {
 
 std::vector<uint8_t> ReadUnsizedPicture(TStream& stream) {
   std::vector<uint8_t> first(kSignatureBytes);
-  first.resize(stream.Read(first));
+  size_t filled = 0;
+  while (filled < first.size()) {
+    const size_t count = stream.Read(std::span(first).subspan(filled));
+    if (count == 0) break;
+    filled += count;
+  }
+  first.resize(filled);
   if (SniffPictureType(first) == PictureType::unknown) return first;
   return ContinuedStream(first, stream).ReadToEnd();
 }

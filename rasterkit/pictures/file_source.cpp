@@ -78,9 +78,13 @@ class FileSource : public PictureSource {
   std::optional<SmallerForm> SmallestForm(int width, int height) const override {
     if (!options_.shrinksOnLoad) return std::nullopt;
     if (type_ == PictureType::jpeg) return SmallestJpeg(width, height);
-    // A copy of numbers has another range.
-    const bool isOfColors = Kind().isRaster && position_.noData.empty();
-    if (extraPages_.empty() || !isOfColors) return std::nullopt;
+    // A copy of numbers has another range; copies of bits and indexes have the nearest pixels, not
+    // the mean ones.
+    constexpr int kColorBits = 8;
+    const PixelLayout layout = Kind().layout;
+    const bool hasMeans = Kind().isRaster && position_.noData.empty() &&
+                          layout.bits == kColorBits && layout.model != ColorModel::palette;
+    if (extraPages_.empty() || !hasMeans) return std::nullopt;
     const std::optional<size_t> copy = FindTiffSmallerCopy(*Stream(), width, height);
     if (!copy || *copy >= extraPages_.size()) return std::nullopt;
     return SmallerForm{extraPages_[*copy].width, extraPages_[*copy].height, 1, copy};

@@ -60,6 +60,36 @@ class NamedRows : public RowReader {
   std::atomic<bool>& hasFailed_;
 };
 
+/// Reads all rows; returns the last band.
+Pixels ReadInBands(RowReader& reader, int rowsOfBand) {
+  const int height = reader.Height(), step = std::max(1, rowsOfBand);
+  Pixels rows;
+  for (int top = 0; top < height; top += step) {
+    RequireTime();
+    const int count = std::min(step, height - top);
+    if (top == 0 || count < step) rows = NewPixels(reader.Like(), reader.Width(), count);
+    reader.Read(0, top, rows);
+  }
+  return rows;
+}
+
+/// Throws what reading the whole source throws.
+void RequireReadable(const PictureSource& source, int threads) {
+  if (source.IsInMemory()) return;
+  std::atomic<bool> unused;
+  Named(source, unused, [&] {
+    constexpr int kLeastRows = 64;
+    CodecReport report;
+    const std::unique_ptr<RowReader> reader = source.OpenRows(threads);
+    if (!reader) {
+      source.ReadPixels(threads, report);
+      return;
+    }
+    ReadInBands(*reader, std::max(kLeastRows, reader->BlockRows()));
+    reader->Finish(report);
+  });
+}
+
 }  // namespace
 
 Stages StagesOf(const PictureState& state) {
@@ -77,7 +107,10 @@ PictureFlow::PictureFlow(const PictureSource& source, Stages stages, const FlowS
 PictureFlow::PictureFlow(const PictureSource& source, const PictureState& state,
                          const FlowSettings& settings)
     : PictureFlow(source, StagesOf(state), settings) {
-  if (state.smaller) smaller_ = state.smaller->form;
+  if (!state.smaller) return;
+  smaller_ = state.smaller->form;
+  const auto count = static_cast<ptrdiff_t>(state.smaller->stages.size());
+  own_.assign(state.stages.begin(), state.stages.begin() + count);
 }
 
 PictureFlow::~PictureFlow() = default;
@@ -90,6 +123,11 @@ const Pixels& PictureFlow::Stored() {
 void PictureFlow::OpenReader() {
   Named(source_, faults_->ofSource, [&] {
     RequireTime();
+    if (smaller_ && smaller_->extraPage && !OpenCopy()) {
+      smaller_.reset();
+      std::ranges::copy(own_, stages_.begin());
+    }
+    if (reader_) return;
     reader_ = smaller_ ? source_.OpenSmaller(*smaller_, settings_.threads)
                        : source_.OpenRows(settings_.threads);
     // Rows in memory have no errors; the flow takes them where they are.
@@ -99,6 +137,35 @@ void PictureFlow::OpenReader() {
       reader_ = std::make_unique<NamedRows>(source_, std::move(reader_), faults_->ofSource);
     }
   });
+}
+
+/// A smaller copy that is damaged says nothing about its page, from which the rows come then.
+/// Returns false for one; opens a whole copy, which is decoded once unless it is large.
+bool PictureFlow::OpenCopy() {
+  constexpr uint64_t kMostHeld = uint64_t{64} << 20;
+  try {
+    const std::unique_ptr<RowReader> copy = source_.OpenSmaller(*smaller_, settings_.threads);
+    CodecReport report;
+    Pixels rows;
+    bool isHeld = true;
+    if (!copy) {
+      rows = source_.ReadExtraPage(smaller_->extraPage.value(), settings_.threads, report);
+    } else {
+      const int height = copy->Height();
+      isHeld = BytesOfPixels(copy->Like(), copy->Width(), height) <= kMostHeld;
+      rows = ReadInBands(*copy, isHeld ? height : copy->BlockRows());
+      copy->Finish(report);
+    }
+    if (!report.damage.empty()) return false;
+    if (!isHeld) return true;
+    whole_ = std::move(report);
+    reader_ = RowsInMemory(std::move(rows));
+    return true;
+  } catch (const FormatError&) {
+    return false;
+  } catch (const UnsupportedError&) {
+    return false;
+  }
 }
 
 Pixels PictureFlow::ReadWhole() {
@@ -118,7 +185,13 @@ void PictureFlow::Guard(const Work& work) {
     work();
   } catch (const FormatError& error) {
     if (faults_->ofSource || faults_->ofTaker) throw;
+    // A change may refuse the kind of the pixels before they are read; a file that cannot be read
+    // is the greater fault.
+    RequireReadable(source_, settings_.threads);
     throw RangeError(error.Reason(), source_.File());
+  } catch (const RangeError&) {
+    if (!faults_->ofSource && !faults_->ofTaker) RequireReadable(source_, settings_.threads);
+    throw;
   } catch (LimitError& error) {
     // The rows that the flow holds for a picture are decided by its file.
     if (!faults_->ofTaker) error.AttachFile(source_.File());

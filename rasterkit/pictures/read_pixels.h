@@ -47,6 +47,7 @@ class PictureFlow {
  private:
   struct Faults;
   void OpenReader();
+  bool OpenCopy();
   Pixels ReadWhole();
   template <class Work>
   void Guard(const Work& work);
@@ -56,6 +57,8 @@ class PictureFlow {
   Stages stages_;
   const FlowSettings settings_;
   std::optional<SmallerForm> smaller_;
+  /// The stages for the picture itself, in place of the first ones for its smaller form.
+  Stages own_;
   const std::shared_ptr<Faults> faults_;
   std::unique_ptr<RowReader> reader_;
   /// What was noticed in a source that was read as a whole.

@@ -311,6 +311,29 @@ uint64_t MostHeld(const std::function<void(const Run&)>& call) {
   return most - before;
 }
 
+/// A file without quantization tables, whose header is sound: no row of it can be decoded.
+TEST(PictureFlow, ABrokenFileIsWorseThanAChangeThatDoesNotFit) {
+  TMemoryStream stream;
+  SaveOptions options;
+  options.type = PictureType::jpeg;
+  Picture::Of(std::make_unique<TBitmap>(GradientRaster(pf24bit, 60, 40))).Save(stream, options);
+  const std::vector<uint8_t> sound = stream.TakeBytes();
+  std::vector<uint8_t> broken = sound;
+  for (size_t at = 2; broken.at(at + 1) != 0xDA;
+       at += 2u + broken[at + 2] * 256u + broken[at + 3]) {
+    if (broken[at + 1] == 0xDB) broken[at + 1] = 0xEF;
+  }
+  for (const ColorChange& change :
+       {ColorChange(SwapOpacity()), ColorChange(SetPaletteEntries{{{0, 0x0000FF}}})}) {
+    const auto save = [&](const std::vector<uint8_t>& file) {
+      TMemoryStream target;
+      Picture::Open(file).Change(change).Save(target, options);
+    };
+    EXPECT_THROW(save(sound), RangeError);
+    EXPECT_THROW(save(broken), FormatError);
+  }
+}
+
 TEST(PictureFlow, HoldsBandsAndNotThePicture) {
   const TempFolder folder;
   constexpr int kWidth = 3000, kHeight = 8000;

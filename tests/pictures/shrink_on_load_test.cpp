@@ -12,6 +12,7 @@
 #include <rasterkit/codecs/tiff/tiff_pages.h>
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/raster/fill.h>
+#include <rasterkit/raster/palette.h>
 #include <rasterkit/runtime/errors.h>
 
 #include "tests/codecs/jpeg/jpeg_files.h"
@@ -190,12 +191,16 @@ TEST(ShrinkOnLoad, SkippedParts_Should_NotChangeThePicture) {
 }
 
 /// A page of one color with a smaller copy of another one.
-Bytes PageWithCopy(int width, int height, TPixelFormat format) {
+Bytes PageWithCopy(int width, int height, TPixelFormat format,
+                   TiffCompression compression = TiffCompression::none) {
   Raster page(pf24bit, 400, 300), copy(format, width, height);
   FillRaster(page, {0, 0, 400, 300}, 0x0000FF);
   FillRaster(copy, {0, 0, width, height}, 0x00FF00);
   std::vector<TiffExtraPage> extra(1);
   extra[0].pixels = std::move(copy);
+  if (compression != TiffCompression::none) {
+    extra[0].form = FormFor(compression, LayoutOf(extra[0].pixels));
+  }
   extra[0].subfileType = 1;
   TMemoryStream stream;
   WriteTiff(Pixels(std::move(page)), {}, extra, stream);
@@ -219,6 +224,51 @@ TEST(ShrinkOnLoad, SmallerCopies_Should_BeTaken_When_TheyAreLargeEnough) {
   Picture exact = OpenAs(PageWithCopy(200, 150, pf24bit), false);
   exact.Resize(50, 37);
   EXPECT_EQ(exact.Bitmap()->Content().PixelColor(20, 20), kPage);
+}
+
+/// A broken copy says nothing about the page, which is whole.
+TEST(ShrinkOnLoad, DamagedCopies_Should_NotBeTaken) {
+  constexpr TColor kPage = 0x0000FF, kCopy = 0x00FF00;
+  const Bytes file = PageWithCopy(200, 150, pf24bit, TiffCompression::deflate);
+  ASSERT_EQ(ColorOfSmall(file), kCopy);
+  int fromPage = 0;
+  for (size_t at = 8; at < file.size(); ++at) {
+    Bytes broken = file;
+    broken[at] ^= 0xFF;
+    std::string exact;
+    try {
+      Picture picture = OpenAs(broken, false);
+      picture.Resize(50, 37);
+      exact = FactsOf(picture);
+      if (picture.Bitmap()->Content().PixelColor(20, 20) != kPage) continue;
+    } catch (const Error&) {
+      continue;
+    }
+    try {
+      Picture picture = OpenAs(broken, true);
+      picture.Resize(50, 37);
+      EXPECT_EQ(FactsOf(picture), exact) << at;
+      fromPage += picture.Bitmap()->Content().PixelColor(20, 20) == kPage ? 1 : 0;
+    } catch (const Error& error) {
+      ADD_FAILURE() << at << ": " << error.what();
+    }
+  }
+  EXPECT_GT(fromPage, 20);
+}
+
+/// Their pixels are the nearest ones, not the mean ones.
+TEST(ShrinkOnLoad, CopiesOfBits_Should_NotBeTaken) {
+  Raster page(pf1bit, 400, 300);
+  page.palette = GrayPalette(2);
+  FillRaster(page, {0, 0, 400, 300}, 0xFFFFFF);
+  std::vector<TiffExtraPage> extra(1);
+  Raster copy(pf1bit, 200, 150);
+  copy.palette = GrayPalette(2);
+  FillRaster(copy, {0, 0, 200, 150}, 0x000000);
+  extra[0].pixels = std::move(copy);
+  TMemoryStream stream;
+  WriteTiff(Pixels(std::move(page)), {}, extra, stream);
+  EXPECT_EQ(ColorOfSmall(stream.TakeBytes()), TColor{0xFFFFFF});
 }
 
 /// Large JPEG files of the corpus that are whole: the others show patterns, and noise.

@@ -99,8 +99,8 @@ void AddOutputOptions(Verb& verb, OutputOptions& options, const std::string& val
   }
   if (options.isForPictures) {
     verb.Flag("--dry-run", options.dryRun,
-              "write nothing; print what would be written, kept and lost, and how many bytes and "
-              "how much memory it would take at most")
+              "write nothing; print what would be written, kept and lost, and how many bytes, how "
+              "much memory and how much space of a scratch file it would take at most")
         .In(kFiles);
   }
   verb.Flag("--no-sync", options.noSync,
@@ -114,7 +114,8 @@ void AddOutputOptions(Verb& verb, OutputOptions& options, const std::string& val
       .In(kFiles);
   if (!options.isForPictures) return;
   verb.Flag("-v", "--verbose", options.verbose,
-            "print also what is kept, and where the position comes from")
+            "print also what is kept, where the position comes from, and at the end the processor "
+            "time, page faults and most memory of the tool, without worker processes")
       .In(kFiles);
 }
 

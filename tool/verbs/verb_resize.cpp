@@ -79,7 +79,8 @@ VerbRunner AddResizeVerb(CommandLine& line) {
             "proportions (800x, x600), or percent (50%, 50%x25%)");
   verb.Flag("--shrink-on-load", verb.Options()->shrinksOnLoad,
             "decode a JPEG file at 1/2, 1/4 or 1/8 of its size, or take a smaller copy of a TIFF "
-            "file, before it shrinks: fast, with slightly different colors");
+            "file, before it shrinks: fast, with slightly different colors; no effect with "
+            "--filter nearest and linear");
   verb.Flag("--smooth", options->smooth, "average pictures with a palette as well").Hidden();
   verb.Dialog(options->asksUser, "enter the size in a window that starts with the one of --size");
   AddFilter(verb, *verb.Options(),

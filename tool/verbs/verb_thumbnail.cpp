@@ -97,8 +97,9 @@ VerbRunner AddThumbnailVerb(CommandLine& line) {
        {"Each picture is turned upright and shrunk by averages until it fits into the box of "
         "--size. The proportions stay; a picture that is small enough keeps its size.",
         "A JPEG file is decoded at 1/2, 1/4 or 1/8 of its size, but at least at twice the size of "
-        "the thumbnail in both directions, before it is averaged; a TIFF file gives such a smaller "
-        "copy if it has one. The colors differ a little from exact averages: --exact makes those.",
+        "the thumbnail in both directions, before it is averaged; a TIFF file of 8-bit colors or "
+        "grays gives such a smaller copy if it has one that is whole. The colors differ a little "
+        "from exact averages: --exact makes those.",
         "A thumbnail keeps the color profile and the resolution that belongs to its size. It has "
         "no other metadata, no GPS position and no position on a map; 'rasterkit resize' keeps "
         "them.",

@@ -23,12 +23,23 @@ void ResizeWithinBudget(std::vector<uint8_t>& bytes, uint64_t size) {
   }
 }
 
+/// Pipes give what they hold at the time; only 0 bytes are the end.
+size_t ReadUntilFull(TStream& stream, std::span<uint8_t> target) {
+  size_t filled = 0;
+  while (filled < target.size()) {
+    const size_t count = stream.Read(target.subspan(filled));
+    if (count == 0) break;
+    filled += count;
+  }
+  return filled;
+}
+
 }  // namespace
 
 size_t TStream::ReadScattered(std::span<const std::span<uint8_t>> pieces) {
   size_t total = 0;
   for (const std::span<uint8_t> piece : pieces) {
-    const size_t count = Read(piece);
+    const size_t count = ReadUntilFull(*this, piece);
     total += count;
     if (count < piece.size()) break;
   }
@@ -36,7 +47,7 @@ size_t TStream::ReadScattered(std::span<const std::span<uint8_t>> pieces) {
 }
 
 void TStream::ReadExactly(std::span<uint8_t> target) {
-  if (Read(target) != target.size()) throw FormatError("unexpected end of data");
+  if (ReadUntilFull(*this, target) != target.size()) throw FormatError("unexpected end of data");
 }
 
 std::vector<uint8_t> TStream::ReadToEnd() {
@@ -45,7 +56,7 @@ std::vector<uint8_t> TStream::ReadToEnd() {
   ResizeWithinBudget(bytes, known > 0 ? known : std::min(kFirstChunk, PictureMemoryLimit()));
   size_t filled = 0;
   while (true) {
-    filled += Read(std::span(bytes).subspan(filled));
+    filled += ReadUntilFull(*this, std::span(bytes).subspan(filled));
     // Only a read tells whether more follows: pipes have no size, and files may have grown.
     uint8_t next = 0;
     if (filled < bytes.size() || Read({&next, 1}) == 0) break;

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <random>
+#include <stop_token>
 
 #include <gtest/gtest.h>
 
@@ -7,6 +8,7 @@
 #include <rasterkit/codecs/png/png_picture.h>
 #include <rasterkit/raster/palette.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 #include "tests/codecs/png/made_png.h"
 #include "tests/support/same_pixels.h"
@@ -148,6 +150,32 @@ TEST(PngRowWriterTest, LargePicturesHaveTheSameBytesForEveryBandAndNumberOfThrea
     ASSERT_TRUE(bands.has_value());
     EXPECT_TRUE(whole == *bands) << step;
   }
+}
+
+/// The packer works for a second or more. Were the call to wait for it, packed pixels would be
+/// written before the next look at the time.
+TEST(PngRowWriterTest, CancelingDoesNotWaitForThePacker) {
+  Raster noise(pf24bit, 1000, 750);
+  std::minstd_rand random(5);
+  for (int y = 0; y < 750; y++) {
+    for (int i = 0; i < 3000; i++) noise.Row(y)[i] = static_cast<uint8_t>(random() >> 12 & 31);
+  }
+  const Pixels pixels(std::move(noise));
+  PictureWriting writing;
+  writing.pngLevel = 12;
+  std::stop_source source;
+  bool isPacking = false;
+  const LimitsScope scope(Limits(), source.get_token(), [&] {
+    if (isPacking) source.request_stop();
+  });
+  TMemoryStream stream;
+  const auto writer = OpenPngWriter(NewPixels(pixels, 1, 1), {1000, 750}, writing, stream);
+  ASSERT_TRUE(writer);
+  Pixels rows = RowsOf(pixels, 0, 750);
+  writer->Write(rows);
+  isPacking = true;
+  EXPECT_THROW(writer->Finish(), CanceledError);
+  EXPECT_LT(stream.Size(), 1000u);
 }
 
 TEST(PngRowWriterTest, RowsMustBeComplete) {

@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
 #include <limits>
 #include <numeric>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -120,6 +122,40 @@ TEST_F(MemoryStreamTest, ReadToEnd_RespectsThePictureMemoryLimit) {
   stream.SetPosition(0);
   SetPictureMemoryLimit(999);
   EXPECT_THROW(stream.ReadToEnd(), LimitError);
+}
+
+/// Gives 1 to 65535 bytes at a time, as pipes do.
+class DribblingStream : public TMemoryStream {
+ public:
+  using TMemoryStream::TMemoryStream;
+  size_t Read(std::span<uint8_t> target) override {
+    std::uniform_int_distribution<size_t> bytes(1, most_);
+    return TMemoryStream::Read(target.first(std::min(target.size(), bytes(random_))));
+  }
+  uint64_t Size() const override { return 0; }
+  void SetMost(size_t most) { most_ = most; }
+
+ private:
+  std::minstd_rand random_{7};
+  size_t most_ = 65535;
+};
+
+TEST_F(MemoryStreamTest, ShortReads_AreNotTheEnd) {
+  const Bytes bytes = CountingBytes(3'000'001);
+  for (const size_t most : {1000u, 65535u}) {
+    DribblingStream all(bytes), exact(bytes), scattered(bytes);
+    for (DribblingStream* stream : {&all, &exact, &scattered}) stream->SetMost(most);
+    EXPECT_EQ(all.ReadToEnd(), bytes) << most;
+    Bytes read(bytes.size());
+    exact.ReadExactly(read);
+    EXPECT_EQ(read, bytes) << most;
+    EXPECT_THROW(exact.ReadExactly(std::span(read).first(1)), FormatError);
+    const std::span<uint8_t> pieces[] = {std::span(read).first(1'000'000),
+                                         std::span(read).subspan(1'000'000)};
+    std::fill(read.begin(), read.end(), uint8_t{0});
+    EXPECT_EQ(scattered.ReadScattered(pieces), bytes.size()) << most;
+    EXPECT_EQ(read, bytes) << most;
+  }
 }
 
 /// Claims more bytes than any memory can address.

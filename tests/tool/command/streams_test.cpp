@@ -90,6 +90,35 @@ TEST_F(CliStreams, Picture_Should_GoThroughPipes) {
   EXPECT_TRUE(SamePixels(Load(out_), picture_));
 }
 
+/// A pipe gives what it holds at the time, which is not all that comes.
+TEST_F(CliStreams, LargePicture_Should_GoThroughAPipeWhole) {
+  const Raster large = GradientRaster(pf24bit, 1500, 1000);
+  SaveBmpFile(in_, large);
+  ASSERT_EQ(Run({"convert", in_, folder_ / "in.tif", "--compression", "none"}).code, 0);
+  int number = 0;
+  for (const std::string& file : {in_, folder_ / "in.tif"}) {
+    const std::string fifo = folder_ / ("pipe" + std::to_string(number++));
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    const std::vector<uint8_t> bytes = ReadBytes(file);
+    ASSERT_GT(bytes.size(), 4'000'000u);
+    std::thread writer([&] {
+      const int pipe = open(fifo.c_str(), O_WRONLY);
+      for (size_t at = 0; at < bytes.size();) {
+        const size_t most = std::min<size_t>(bytes.size() - at, 70'001);
+        const ssize_t count = write(pipe, bytes.data() + at, most);
+        if (count <= 0) break;
+        at += static_cast<size_t>(count);
+      }
+      close(pipe);
+    });
+    const ToolResult result = Run({"convert", "-", folder_ / "o.png", "--overwrite"}, fifo);
+    writer.join();
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_EQ(result.err, "");
+    EXPECT_TRUE(SamePixels(LoadFile(folder_ / "o.png"), large)) << file;
+  }
+}
+
 TEST_F(CliStreams, Type_Should_BeThatOfTheInput_When_FormatIsNotGiven) {
   EXPECT_EQ(Run({"gray", in_, "-"}, {}, out_).code, 0);
   EXPECT_EQ(TypeOf(out_), PictureType::bmp);

@@ -9,6 +9,7 @@
 #include <rasterkit/metadata/foreign_blocks.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
+#include <rasterkit/runtime/threads/call_or_leave.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -29,6 +30,20 @@ uint32_t LongOf(const uint8_t* bytes) {
 struct FreeDecompressor {
   void operator()(libdeflate_decompressor* unpacker) const {
     libdeflate_free_decompressor(unpacker);
+  }
+};
+
+/// One call of the unpacker, which may outlive the call that asked for it.
+struct UnpackedAtOnce {
+  std::unique_ptr<libdeflate_decompressor, FreeDecompressor> unpacker;
+  PixelMemory packed, rows;
+  bool isWhole = false;
+
+  void Unpack() {
+    size_t used = 0;
+    const auto result = libdeflate_zlib_decompress_ex(unpacker.get(), packed.Data(), packed.Size(),
+                                                      rows.Data(), rows.Size(), &used, nullptr);
+    isWhole = result == LIBDEFLATE_SUCCESS && used == packed.Size();
   }
 };
 
@@ -144,21 +159,23 @@ PixelMemory InflatePng(TStream& stream, const PngMap& map, const PngFacts& facts
   const uint64_t bytes = FilteredPngBytes(facts.width, facts.height, facts.SampleBits());
   if (!IsForOneCall(map, facts, bytes)) return {};
   try {
-    const auto packedBytes = static_cast<size_t>(map.dataBytes);
-    PixelMemory packed(packedBytes);
+    // Larger ones take more than some milliseconds.
+    constexpr uint64_t kMostAtOnce = uint64_t{4} << 20;
+    const auto call = std::make_shared<UnpackedAtOnce>();
+    call->packed = PixelMemory(static_cast<size_t>(map.dataBytes));
     DataReader reader(stream, map);
-    if (!reader.ReadData(packed.Data()) || !reader.ReadEnd()) return {};
-    if (!HasUsualWindow(packed.Data(), bytes)) return {};
-    PixelMemory rows(static_cast<size_t>(bytes));
-    const std::unique_ptr<libdeflate_decompressor, FreeDecompressor> unpacker(
-        libdeflate_alloc_decompressor());
-    if (!unpacker) return {};
-    size_t used = 0;
-    const auto result = libdeflate_zlib_decompress_ex(unpacker.get(), packed.Data(), packedBytes,
-                                                      rows.Data(), rows.Size(), &used, nullptr);
-    if (result != LIBDEFLATE_SUCCESS || used != packedBytes) return {};
-    if (!HasFilters(rows.Data(), bytes, bytes / facts.height)) return {};
-    return rows;
+    if (!reader.ReadData(call->packed.Data()) || !reader.ReadEnd()) return {};
+    if (!HasUsualWindow(call->packed.Data(), bytes)) return {};
+    call->rows = PixelMemory(static_cast<size_t>(bytes));
+    call->unpacker.reset(libdeflate_alloc_decompressor());
+    if (!call->unpacker) return {};
+    if (bytes <= kMostAtOnce) {
+      call->Unpack();
+    } else {
+      CallOrLeave([call] { call->Unpack(); });
+    }
+    if (!call->isWhole || !HasFilters(call->rows.Data(), bytes, bytes / facts.height)) return {};
+    return std::move(call->rows);
   } catch (const TimeLimitError&) {
     throw;
   } catch (const LimitError&) {

@@ -11,6 +11,7 @@
 #include <rasterkit/raster/row_conversion.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
+#include <rasterkit/runtime/threads/call_or_leave.h>
 
 namespace rasterkit::detail {
 namespace {
@@ -36,6 +37,18 @@ uint64_t FilteredBytes(const PngForm& form, WrittenSize size) {
 
 struct FreeCompressor {
   void operator()(libdeflate_compressor* packer) const { libdeflate_free_compressor(packer); }
+};
+
+/// One call of the packer, which may outlive the writer.
+struct PackedAtOnce {
+  std::unique_ptr<libdeflate_compressor, FreeCompressor> packer;
+  PixelMemory rows, packed;
+  size_t bytes = 0;
+
+  void Pack() {
+    bytes = libdeflate_zlib_compress(packer.get(), rows.Data(), rows.Size(), packed.Data(),
+                                     packed.Size());
+  }
 };
 
 /// Drops the fourth byte of each pixel and exchanges the first and the third one.
@@ -131,17 +144,23 @@ void PngRowWriter::Write(const Pixels& rows) {
 }
 
 void PngRowWriter::WriteSmall() {
+  // The highest level takes a second for a million bytes.
+  constexpr size_t kMostAtOnce = size_t{1} << 16;
+  const auto call = std::make_shared<PackedAtOnce>();
   const std::span<const uint8_t> rows(filtered_.Data(), filtered_.Size());
-  const std::unique_ptr<libdeflate_compressor, FreeCompressor> packer(
-      libdeflate_alloc_compressor(PngLevelFor(packing_, rows, shape_.bytes + 1)));
-  if (!packer) throw LimitError("PNG: the packer has no memory");
-  PixelMemory packed(libdeflate_zlib_compress_bound(packer.get(), filtered_.Size()));
-  const size_t bytes = libdeflate_zlib_compress(packer.get(), filtered_.Data(), filtered_.Size(),
-                                                packed.Data(), packed.Size());
-  filtered_ = {};
-  for (size_t at = 0; at < bytes; at += kChunkBytes) {
+  call->packer.reset(libdeflate_alloc_compressor(PngLevelFor(packing_, rows, shape_.bytes + 1)));
+  if (!call->packer) throw LimitError("PNG: the packer has no memory");
+  call->packed = PixelMemory(libdeflate_zlib_compress_bound(call->packer.get(), filtered_.Size()));
+  call->rows = std::move(filtered_);
+  if (rows.size() <= kMostAtOnce) {
+    call->Pack();
+  } else {
+    CallOrLeave([call] { call->Pack(); });
+  }
+  call->rows = {};
+  for (size_t at = 0; at < call->bytes; at += kChunkBytes) {
     RequireTime();
-    frame_->WriteData({packed.Data() + at, std::min(kChunkBytes, bytes - at)});
+    frame_->WriteData({call->packed.Data() + at, std::min(kChunkBytes, call->bytes - at)});
   }
 }
 
