@@ -255,6 +255,7 @@ TEST(FlowFaultsTest, ForetellsWhatItHolds) {
                                              {Doing::reversed},
                                              {Doing::mirrored, Doing::transposed},
                                              {Doing::whole, Doing::transposed},
+                                             {Doing::reversed, Doing::reversed},
                                              {Doing::twoPasses, Doing::reachOne}}) {
       SCOPED_TRACE(test::NameOf(doings.front()) + ", held " + std::to_string(held));
       FlowSettings settings;
@@ -266,7 +267,8 @@ TEST(FlowFaultsTest, ForetellsWhatItHolds) {
       const uint64_t memory = ProcessPictureBytes(), scratch = ScratchBytes();
       FlowNeeds used;
       BandFlow flow(std::move(reader), stages, settings);
-      flow.Begin({});
+      flow.Begin(
+          {1, [&](double) { used.scratch = std::max(used.scratch, ScratchBytes() - scratch); }});
       flow.Run({}, [&](Pixels&, int) {
         used.memory = std::max(used.memory, ProcessPictureBytes() - memory);
         used.scratch = std::max(used.scratch, ScratchBytes() - scratch);
