@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <thread>
 #include <utility>
 
 #include <rasterkit/pictures/flow_needs.h>
@@ -11,6 +12,8 @@ namespace rasterkit::detail {
 namespace {
 
 constexpr uint64_t kMebibyte = uint64_t{1} << 20;
+/// As runs without a number of threads have them.
+constexpr unsigned kMostThreads = 64;
 /// What decoders and encoders hold beside rows.
 constexpr uint64_t kBeside = 48 * kMebibyte;
 
@@ -52,19 +55,50 @@ uint64_t BlockBytes(const RowReader& reader) {
                   kBlocks * BytesOfPixels(reader.Like(), reader.Width(), reader.BlockRows()));
 }
 
-/// What is laid over a picture is read as a whole: its source, and at most four bytes per pixel.
+/// A small file is unpacked in one call, if the limit of the process allows that.
+uint64_t PngReadBytes(uint64_t before, int height, uint64_t fileBytes) {
+  const uint64_t filtered = before + static_cast<uint64_t>(height);
+  const bool isInOneCall =
+      before <= kMostPngAtOnce && filtered <= CurrentLimits().processBytes / kPngPartAtOnce;
+  return isInOneCall ? filtered + std::min(fileBytes, 2 * filtered) : 0;
+}
+
+/// The most that a flow holds on one thread or on all processors.
+FlowNeeds MostNeeds(const RowReader& reader, const Stages& stages) {
+  FlowSettings settings = UsualFlow();
+  FlowNeeds needs = ForetellFlow(reader, stages, settings);
+  settings.threads = ProcessorThreads();
+  const FlowNeeds ofAll = ForetellFlow(reader, stages, settings);
+  return {std::max(needs.memory, ofAll.memory), std::max(needs.scratch, ofAll.scratch)};
+}
+
+/// What is laid over a picture is read as a whole: its source with what unpacks it, and at most
+/// four bytes per pixel.
 uint64_t BytesOfOthers(const PictureState& state) {
   uint64_t bytes = 0;
   for (const MadeRows& made : state.madeByStages) {
     if (!made.over) continue;
     const uint64_t pixels = static_cast<uint64_t>(made.over->sides.width) *
                             static_cast<uint64_t>(made.over->sides.height);
-    bytes += BytesOf(*made.over) + 4 * pixels;
+    bytes += 3 * BytesOf(*made.over) + 4 * pixels;
   }
   return bytes;
 }
 
 }  // namespace
+
+int ProcessorThreads() {
+  return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, kMostThreads));
+}
+
+uint64_t PngWriteBytes(uint64_t after, int height) {
+  // The packer's room for bytes that do not shrink.
+  constexpr uint64_t kMoreShare = 1024, kStripes = 3;
+  const uint64_t filtered = after + static_cast<uint64_t>(height);
+  if (after <= kMostPngAtOnce) return 2 * filtered + filtered / kMoreShare + kMebibyte;
+  const uint64_t rows = 2 * filtered / static_cast<uint64_t>(std::max(1, height));
+  return kStripes * (static_cast<uint64_t>(ProcessorThreads()) * (kMebibyte + rows));
+}
 
 FlowSettings UsualFlow() {
   // Bands and the file that is written need memory, too.
@@ -82,7 +116,9 @@ FlowNeeds NeedsOf(const PictureSource& source, const PictureState& state, bool i
   std::unique_ptr<RowReader> reader = Opened(source, state);
   if (reader) {
     if (!source.IsInMemory()) memory += BlockBytes(*reader);
-    if (source.Type() == PictureType::png) memory += std::min(before, kMostPngAtOnce);
+    if (source.Type() == PictureType::png) {
+      memory += PngReadBytes(before, sides.height, source.ByteCount());
+    }
   } else {
     // The file is decoded from memory.
     reader = std::make_unique<WholeRows>(source, sides);
@@ -90,7 +126,7 @@ FlowNeeds NeedsOf(const PictureSource& source, const PictureState& state, bool i
   }
   FlowNeeds needs;
   try {
-    needs = ForetellFlow(*reader, StagesOf(state), UsualFlow());
+    needs = MostNeeds(*reader, StagesOf(state));
   } catch (const Error&) {
     // A stage that refuses such pixels will say so.
     needs.memory = before;

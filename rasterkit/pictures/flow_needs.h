@@ -11,6 +11,14 @@ FlowSettings UsualFlow();
 
 /// PNG files up to this size are unpacked and packed at once.
 inline constexpr uint64_t kMostPngAtOnce = uint64_t{64} << 20;
+/// Of the memory of the process, for unpacking at once.
+inline constexpr uint64_t kPngPartAtOnce = 4;
+
+/// Threads of a run that names no number.
+int ProcessorThreads();
+
+/// What a PNG file of such rows holds while it is packed, at most.
+uint64_t PngWriteBytes(uint64_t after, int height);
 
 /// What reading a picture and its steps holds at most, without the file that is written. `isWhole`:
 /// all pixels of the result are held together.

@@ -317,7 +317,7 @@ void StateNeeds(const PictureSource& source, const PictureState& state, const Wr
     needs.memory += source.ByteCount() + 2 * before + report.bytes;
   } else {
     needs = NeedsOf(source, state, !takesRows);
-    if (plan.type == PictureType::png) needs.memory += std::min(after, kMostPngAtOnce);
+    if (plan.type == PictureType::png) needs.memory += PngWriteBytes(after, state.height);
     // A result is converted into a second one of at most four bytes per pixel, and encoded into
     // memory.
     const uint64_t converted =

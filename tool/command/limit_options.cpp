@@ -113,8 +113,8 @@ std::optional<uint64_t> ParseBytes(const std::string& text) {
 
 void AddLimits(Verb& verb, LimitOptions& options) {
   verb.Text(kMemory.option, "SIZE", options.memory, kMemory.check,
-            "memory for all pictures together, in bytes or with K, M, G or T [75 % of the "
-            "machine's, and 4G per picture]")
+            "memory for all pictures together, without small buffers of decoders, in bytes or with "
+            "K, M, G or T [75 % of the machine's, and 4G per picture]")
       .In(kSection);
   verb.Text(kPixels.option, "N", options.pixels, kPixels.check,
             "refuse pictures with more pixels [no limit]")

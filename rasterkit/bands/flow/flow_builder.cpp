@@ -175,9 +175,10 @@ void FlowBuilder::CountPipeline(const BandPipeline& pipeline, uint64_t beside) {
 
 void FlowBuilder::KeepForetold(bool isInMemory) {
   CountPipeline(NewPipeline(AllRows()), isInMemory ? BytesAtEnd() : 0);
-  if (!isInMemory) {
-    needs_.scratch = std::max(needs_.scratch, ScratchRows::BytesFor(chain_.Like(), chain_.Size()));
-  }
+  // Rows that were kept before stay until these are complete.
+  const uint64_t scratch = isInMemory ? 0 : ScratchRows::BytesFor(chain_.Like(), chain_.Size());
+  needs_.scratch = std::max(needs_.scratch, keptScratch_ + scratch);
+  keptScratch_ = scratch;
   chain_ = {ForetoldRows::Kept(chain_.Like(), chain_.Size(), isInMemory), {}, 0};
 }
 

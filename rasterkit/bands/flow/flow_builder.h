@@ -63,6 +63,8 @@ class FlowBuilder {
   const std::shared_ptr<RowReader> reader_;
   RowChain chain_;
   FlowNeeds needs_;
+  /// Of foretold rows.
+  uint64_t keptScratch_ = 0;
   /// Of passes after which the rows are read again.
   CodecReport earlier_;
   std::vector<StageEnd> ends_;

@@ -96,6 +96,7 @@ class PipelineRun {
 
  private:
   void Work(bool isOwn);
+  bool Step(std::unique_lock<std::mutex>& lock, bool isOwn, Task& task);
   Task Pick();
   bool Start(Task& task, size_t level);
   bool CanPlace(size_t level);
@@ -247,39 +248,49 @@ void PipelineRun::Report(std::unique_lock<std::mutex>& lock) {
   }
 }
 
+/// One step under the lock, or a wait for one. False if nothing is left to do.
+bool PipelineRun::Step(std::unique_lock<std::mutex>& lock, bool isOwn, Task& task) {
+  if (isOwn) Report(lock);
+  task = Pick();
+  if (task.kind == Task::Kind::none) {
+    if (running_ == 0) return false;
+    if (!isOwn) {
+      changed_.wait(lock);
+      return true;
+    }
+    changed_.wait_for(lock, kCheckInterval);
+    RequireTime();
+    return true;
+  }
+  ++running_;
+  lock.unlock();
+  std::exception_ptr error;
+  try {
+    RequireTime();
+    Do(task);
+  } catch (...) {
+    error = std::current_exception();
+  }
+  lock.lock();
+  --running_;
+  End(task, error);
+  return true;
+}
+
+/// Whatever fails ends the run: the other threads wait for the lock, and for no step that never
+/// comes.
 void PipelineRun::Work(bool isOwn) {
   std::unique_lock lock(mutex_);
-  for (;;) {
-    if (isOwn) Report(lock);
-    const Task task = Pick();
-    if (task.kind == Task::Kind::none) {
-      if (running_ == 0) break;
-      if (!isOwn) {
-        changed_.wait(lock);
-        continue;
-      }
-      changed_.wait_for(lock, kCheckInterval);
-    } else {
-      ++running_;
-    }
-    lock.unlock();
-    std::exception_ptr error;
+  for (bool goesOn = true; goesOn;) {
+    Task task;
     try {
-      RequireTime();
-      if (task.kind != Task::Kind::none) Do(task);
+      goesOn = Step(lock, isOwn, task);
     } catch (...) {
-      error = std::current_exception();
-    }
-    lock.lock();
-    if (task.kind != Task::Kind::none) {
-      --running_;
-      End(task, error);
-    } else if (error) {
-      Fail({kNever, 0, 0}, error);
+      const bool isStep = task.kind != Task::Kind::none;
+      Fail(isStep ? task.place : Place{kNever, 0, 0}, std::current_exception());
     }
     changed_.notify_all();
   }
-  changed_.notify_all();
 }
 
 }  // namespace

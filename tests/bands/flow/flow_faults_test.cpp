@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <new>
 #include <random>
 #include <thread>
 
@@ -226,6 +227,65 @@ TEST(FlowFaultsTest, EndsWhenProgressThrows) {
   }
 }
 
+/// A work that has no memory for the plan of its next rows once `isArmed`.
+class UnplannedWork : public BandWork {
+ public:
+  UnplannedWork(const Pixels& like, Sides size, const std::atomic<bool>& isArmed)
+      : like_(NewPixels(like, 1, 1)), size_(size), isArmed_(isArmed) {}
+  const Pixels& Like() const override { return like_; }
+  Sides Size() const override { return size_; }
+  BandRect Needs(const BandRect& target) const override {
+    if (isArmed_) throw std::bad_alloc();
+    return target;
+  }
+  void Make(const Band& source, Band& target, RowRange rows) const override {
+    CopyPart(source.pixels, {0, rows.first - source.top, size_.width, rows.count}, target.pixels, 0,
+             rows.first - target.top);
+  }
+
+ private:
+  const Pixels like_;
+  const Sides size_;
+  const std::atomic<bool>& isArmed_;
+};
+
+class UnplannedStage : public BandStage {
+ public:
+  UnplannedStage(Sides source, const std::atomic<bool>& isArmed)
+      : BandStage(source), isArmed_(isArmed) {}
+  RowRange Needs(RowRange target) const override { return target; }
+  std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun&) const override {
+    return std::make_unique<UnplannedWork>(like, Source(), isArmed_);
+  }
+
+ private:
+  const std::atomic<bool>& isArmed_;
+};
+
+// Threads that wait would wait forever if the one that plans a band ended without a word.
+TEST(FlowFaultsTest, EndsWhenTheNextBandCannotBePlanned) {
+  const Pixels source = Source();
+  for (const int threads : {1, 2, 7}) {
+    for (int repeated = 0; repeated < 20; ++repeated) {
+      std::atomic<bool> isArmed{false};
+      FlowSettings settings;
+      settings.rows = 1;
+      settings.threads = threads;
+      const test::TestReader how{RowAccess::rising, 1, -1, [&](int top) {
+                                   if (top == 40) isArmed = true;
+                                 }};
+      BandFlow flow(ReaderOf(source, how, nullptr),
+                    {std::make_shared<UnplannedStage>(SidesOf(source), isArmed)}, settings);
+      const StageRun run{threads, {}};
+      flow.Begin(run);
+      int taken = 0;
+      EXPECT_THROW(flow.Run(run, [&](Pixels& rows, int top) { taken = top + HeightOf(rows); }),
+                   std::bad_alloc);
+      EXPECT_LE(taken, 41);
+    }
+  }
+}
+
 TEST(FlowFaultsTest, LeavesNoScratchFile) {
   const Pixels source = Source();
   const test::TempFolder folder;
@@ -275,6 +335,7 @@ TEST(FlowFaultsTest, ForetellsWhatItHolds) {
                                              {Doing::reversed},
                                              {Doing::mirrored, Doing::transposed},
                                              {Doing::whole, Doing::transposed},
+                                             {Doing::reversed, Doing::reversed},
                                              {Doing::twoPasses, Doing::reachOne}}) {
       SCOPED_TRACE(test::NameOf(doings.front()) + ", held " + std::to_string(held));
       FlowSettings settings;
@@ -286,7 +347,8 @@ TEST(FlowFaultsTest, ForetellsWhatItHolds) {
       const uint64_t memory = ProcessPictureBytes(), scratch = ScratchBytes();
       FlowNeeds used;
       BandFlow flow(std::move(reader), stages, settings);
-      flow.Begin({});
+      flow.Begin(
+          {1, [&](double) { used.scratch = std::max(used.scratch, ScratchBytes() - scratch); }});
       flow.Run({}, [&](Pixels&, int) {
         used.memory = std::max(used.memory, ProcessPictureBytes() - memory);
         used.scratch = std::max(used.scratch, ScratchBytes() - scratch);

@@ -143,10 +143,12 @@ bool HasFilters(const uint8_t* rows, uint64_t bytes, uint64_t stride) {
 bool IsForOneCall(const PngMap& map, const PngFacts& facts, uint64_t bytes) {
   // Beyond this, packed data hold empty blocks.
   constexpr uint64_t kPackedShare = 256, kPackedMore = 65536, kLeast = 6;
+  const uint64_t held = bytes + map.dataBytes;
   return !facts.interlaced && !map.isTruncated && bytes <= kPngBytesInOneCall &&
          map.dataBytes >= kLeast && map.dataBytes <= bytes + bytes / kPackedShare + kPackedMore &&
          map.mostBytes <= std::max(kChunkBytes, bytes) && bytes <= map.dataBytes * kDeflateRatio &&
-         bytes + map.dataBytes <= CurrentLimits().pictureBytes;
+         held <= CurrentLimits().pictureBytes &&
+         held <= CurrentLimits().processBytes / kPngPartInOneCall;
 }
 
 }  // namespace

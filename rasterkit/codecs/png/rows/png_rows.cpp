@@ -41,6 +41,7 @@ void PngRows::Begin() {
   RequestPngRows(reader_, facts_, kind_);
   if (facts_.interlaced) return;
   if (isAutomatic_) inflated_ = InflatePng(stream_, map_, facts_);
+  isInOneCall_ = inflated_.Size() != 0;
   if (IsInOneCall()) {
     change_.emplace(reader_, facts_, kind_);
     zeros_.resize(inflated_.Size() / facts_.height - 1);
@@ -115,6 +116,7 @@ void PngRows::ReadInflated(Pixels& target, int first, int count) {
     RequireTime();
     change_->Make(NextInflated(), RowOf(target, y));
   }
+  if (next_ == Height()) inflated_ = {};
 }
 
 void PngRows::ReadByLibrary(Pixels& target, int first, int count) {

@@ -53,7 +53,7 @@ class RASTERKIT_EXPORT PngRows : public RowReader {
 
   bool IsInterlaced() const { return facts_.interlaced; }
   /// True if the rows were inflated in one call. Known after the first Read.
-  bool IsInOneCall() const { return inflated_.Size() != 0; }
+  bool IsInOneCall() const { return isInOneCall_; }
 
  private:
   void Begin();
@@ -71,11 +71,11 @@ class RASTERKIT_EXPORT PngRows : public RowReader {
   CodecReport noticed_;
   Pixels like_;
 
-  bool hasBegun_ = false, hasFailed_ = false, isJudged_ = false;
+  bool hasBegun_ = false, hasFailed_ = false, isJudged_ = false, isInOneCall_ = false;
   /// The next row, and the first one that the file lacks.
   int next_ = 0, end_ = 0;
   int saidWarnings_ = 0;
-  /// Filtered rows, unfiltered in place one after the other.
+  /// Filtered rows, unfiltered in place one after the other. Freed after the last one.
   PixelMemory inflated_;
   std::vector<uint8_t> zeros_;
   std::optional<PngRowChange> change_;
