@@ -156,9 +156,9 @@ bool PictureFlow::OpenCopy() {
       rows = ReadInBands(*copy, isHeld ? height : copy->BlockRows());
       copy->Finish(report);
     }
-    if (!report.damage.empty()) return false;
+    // Words about a copy do not belong to the page.
+    if (!report.warnings.empty()) return false;
     if (!isHeld) return true;
-    whole_ = std::move(report);
     reader_ = RowsInMemory(std::move(rows));
     return true;
   } catch (const FormatError&) {
