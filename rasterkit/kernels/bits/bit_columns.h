@@ -10,7 +10,7 @@
 /// operations for many columns, and a tap is paid once, not once for each of its rows.
 namespace rasterkit::kernels {
 
-/// Columns behind the last byte of a row whose sums are written.
+/// Columns after the last byte of a row whose sums are written.
 inline constexpr size_t kColumnPadding = 128;
 
 /// Rows of bits that weigh the same, at most kMostRowsOfRun, each of them once.

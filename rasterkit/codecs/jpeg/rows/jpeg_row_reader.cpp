@@ -307,7 +307,7 @@ void JpegRowReader::Finish(CodecReport& report) {
   if (!isReported_) {
     if (!profileWarning_.empty()) noticed_.warnings.push_back(std::move(profileWarning_));
     ReportEnd();
-    // All scans are read before the first row, also where the last rows were not asked for.
+    // All scans are read before the first row, also where the last rows are not wanted.
     if (isStarted_ && !isConcluded_ && reading_.asStored && layout_.manyScans) {
       missing_ = MissingScans(Codec());
     }

@@ -33,7 +33,7 @@ struct FreeDecompressor {
   }
 };
 
-/// One call of the unpacker, which may outlive the call that asked for it.
+/// One call of the unpacker, which may outlive the call that started it.
 struct UnpackedAtOnce {
   std::unique_ptr<libdeflate_decompressor, FreeDecompressor> unpacker;
   PixelMemory packed, rows;

@@ -68,7 +68,7 @@ class TagReader {
     uint64_t at = 0, next = 0;
     uint32_t subfileType = 0;
     /// True if the directory ends before that number does. Some writers leave it out at the end of
-    /// a file: that is none.
+    /// a file, which means that no other follows.
     bool isCutOff = false;
   };
   /// What a walk along the chain needs of a directory, mostly with one read; nothing if there is no

@@ -84,7 +84,7 @@ TiffOutcome TiffFaults::Outcome(const TiffLayout& layout, const std::vector<bool
   }
   outcome.hasRows = outcome.blocks == 0 || emptyBlocks < outcome.blocks;
   if (outcome.blocks == layout.grid.PerPlane()) return outcome;
-  // Of rows that nobody looked at, nothing can be said.
+  // Rows that were not looked at may be sound or not.
   const uint32_t firstUnsound = std::exchange(outcome.soundRows, 0);
   const uint32_t across = layout.grid.across;
   for (uint32_t first = 0; first < wasRead.size(); first += across) {

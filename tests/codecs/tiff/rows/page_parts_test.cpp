@@ -49,7 +49,7 @@ PartReading ReadPart(const std::vector<uint8_t>& bytes, const std::vector<int>& 
   return reading;
 }
 
-/// Tiles of more than 4096 bytes a row, which are read into the target in place.
+/// Tiles of more than 4096 bytes per row, which are read into the target in place.
 TEST(TiffPageParts, Should_KeepOtherTiles_When_APartIsAsWideAsATile) {
   constexpr int kWidth = 3000, kHeight = 70, kTile = 1024;
   std::mt19937 random(kSeed);
