@@ -231,6 +231,9 @@ TEST(ShrinkOnLoad, DamagedCopies_Should_NotBeTaken) {
   constexpr TColor kPage = 0x0000FF, kCopy = 0x00FF00;
   const Bytes file = PageWithCopy(200, 150, pf24bit, TiffCompression::deflate);
   ASSERT_EQ(ColorOfSmall(file), kCopy);
+  Picture sound = OpenAs(file, false);
+  sound.Resize(50, 37);
+  const std::string factsOfSound = FactsOf(sound);
   int fromPage = 0;
   for (size_t at = 8; at < file.size(); ++at) {
     Bytes broken = file;
@@ -240,7 +243,8 @@ TEST(ShrinkOnLoad, DamagedCopies_Should_NotBeTaken) {
       Picture picture = OpenAs(broken, false);
       picture.Resize(50, 37);
       exact = FactsOf(picture);
-      if (picture.Bitmap()->Content().PixelColor(20, 20) != kPage) continue;
+      // The page, too, has bytes that are broken here.
+      if (exact != factsOfSound) continue;
     } catch (const Error&) {
       continue;
     }
