@@ -17,8 +17,8 @@ class RASTERKIT_EXPORT Stage {
   /// The rows of the source that rows of the result need.
   virtual RowRange Needs(RowRange target) const = 0;
   /// Begins to make the result in parts from pixels of the kind of `like`, whose rows have no
-  /// meaning. Null if this stage needs the whole picture for such pixels. The stage must outlive the
-  /// work. Throws what `Make` throws for a kind of pixels that the stage refuses.
+  /// meaning. Null if this stage needs the whole picture for such pixels. The stage must outlive
+  /// the work. Throws what `Make` throws for a kind of pixels that the stage refuses.
   virtual std::unique_ptr<BandWork> Start(const Pixels& like, const StageRun& run) const;
   /// Makes the whole result from the whole source. Losses that show only in the pixels (colors that
   /// a palette has no room for) are added to `changes`.

@@ -38,8 +38,8 @@ class RASTERKIT_EXPORT RowReader {
   /// middle of a file.
   virtual void Read(int left, int top, Pixels& target) = 0;
 
-  /// Adds what was noticed so far, in the words of DecodePixels, and forgets it. After all rows were
-  /// read, what follows them is read and judged, too.
+  /// Adds what was noticed so far, in the words of DecodePixels, and forgets it. After all rows
+  /// were read, what follows them is read and judged, too.
   virtual void Finish(CodecReport& report) = 0;
 };
 

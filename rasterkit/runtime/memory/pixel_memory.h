@@ -11,8 +11,8 @@ namespace rasterkit {
 /// One block of memory for rows of pixels, aligned to at least 64 bytes. Its content is undefined
 /// after creation. Move-only.
 ///
-/// Blocks of 1 to 48 MiB use huge pages if the system supports them. Freed blocks are kept for the next
-/// picture, up to a limit, because new pages cost more time than most kernels.
+/// Blocks of 1 to 48 MiB use huge pages if the system supports them. Freed blocks are kept for the
+/// next picture, up to a limit, because new pages cost more time than most kernels.
 class RASTERKIT_EXPORT PixelMemory {
  public:
   PixelMemory() = default;

@@ -125,10 +125,8 @@ TEST(BitMeans, AreExact_ForManyRowsOfTapsThatAreNoGroups) {
   std::mt19937 random(kSeed);
   SCOPED_TRACE(kSeed);
   // Weights of rows that columns bear, and some that they do not; all whole factors up to 16.
-  for (const auto& [width, height, toWidth, toHeight] : {std::array{9, 40009, 2, 2},
-                                                         {150, 32771, 1, 3},
-                                                         {300, 601, 67, 2},
-                                                         {130, 32749, 3, 2}}) {
+  for (const auto& [width, height, toWidth, toHeight] :
+       {std::array{9, 40009, 2, 2}, {150, 32771, 1, 3}, {300, 601, 67, 2}, {130, 32749, 3, 2}}) {
     const Bits bits(random, width, height);
     ExpectMeans(bits, width, height, toWidth, toHeight, HalftoneRule::automatic, kGrays);
     if (::testing::Test::HasFatalFailure()) return;
