@@ -53,7 +53,11 @@ class CorpusVerbs : public testing::TestWithParam<VerbLine> {
       ++written;
       EXPECT_TRUE(std::filesystem::exists(outcome.at("output").get<std::string>()));
     }
-    if (!MayRefuse()) {
+    if (MayRefuse()) return;
+    // A crop reads no further than its rows: what is broken below them is not seen.
+    if (line[0] == "crop") {
+      EXPECT_GE(written, Readable(files)) << kind;
+    } else {
       EXPECT_EQ(written, Readable(files)) << kind;
     }
   }
