@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include <rasterkit/bands/colors/looking_work.h>
 #include <rasterkit/bands/stages.h>
 #include <rasterkit/pictures/fitting/fit_stages.h>
 #include <rasterkit/pictures/fitting/visible_work.h>
@@ -97,36 +98,14 @@ class Widen : public BandStage {
   }
 };
 
-/// Passes everything on to another work.
-class PassedOn : public BandWork {
- public:
-  explicit PassedOn(std::unique_ptr<BandWork> work) : work_(std::move(work)) {}
-
-  RowRange Looks() const override { return work_->Looks(); }
-  void Look(const Band& rows, const StageRun& run) override { work_->Look(rows, run); }
-  void Decide() override { work_->Decide(); }
-  const Pixels& Like() const override { return work_->Like(); }
-  Sides Size() const override { return work_->Size(); }
-  bool MakesParts() const override { return work_->MakesParts(); }
-  BandRect Needs(const BandRect& target) const override { return work_->Needs(target); }
-  void Make(const Band& source, Band& target, RowRange rows) const override {
-    work_->Make(source, target, rows);
-  }
-  int RowsOfPiece() const override { return work_->RowsOfPiece(); }
-  void Finish(Changes& changes) override { work_->Finish(changes); }
-
- private:
-  const std::unique_ptr<BandWork> work_;
-};
-
-class ShowWork : public PassedOn {
+class ShowWork : public ForwardedWork {
  public:
   ShowWork(std::unique_ptr<BandWork> work, bool isSample)
-      : PassedOn(std::move(work)), isSample_(isSample) {}
+      : ForwardedWork(std::move(work)), isSample_(isSample) {}
 
   void Finish(Changes& changes) override {
     Changes seen;
-    PassedOn::Finish(seen);
+    ForwardedWork::Finish(seen);
     for (Loss& loss : seen.losses) changes.losses.push_back(std::move(loss));
     for (std::string& note : seen.notes) {
       if (!isSample_) changes.Note(std::move(note));
@@ -164,19 +143,19 @@ Pixels WithoutMark(Pixels pixels) {
   return pixels;
 }
 
-class PaintWork : public PassedOn {
+class PaintWork : public ForwardedWork {
  public:
   PaintWork(std::unique_ptr<BandWork> change, const Pixels& like, PictureType type)
-      : PassedOn(std::move(change)), like_(PixelLike(like)), type_(type) {}
+      : ForwardedWork(std::move(change)), like_(PixelLike(like)), type_(type) {}
 
   const Pixels& Like() const override {
-    if (!painted_) painted_ = WithoutMark(NewPixels(PassedOn::Like(), 1, 1));
+    if (!painted_) painted_ = WithoutMark(NewPixels(ForwardedWork::Like(), 1, 1));
     return *painted_;
   }
   void Finish(Changes& changes) override {
     LoseOpacity(std::get<Raster>(like_), type_, changes);
     Changes painted;
-    PassedOn::Finish(painted);
+    ForwardedWork::Finish(painted);
     changes.losses.insert(changes.losses.end(), painted.losses.begin(), painted.losses.end());
   }
 
@@ -265,12 +244,12 @@ class Same : public RowByRow {
   }
 };
 
-class LosingWork : public PassedOn {
+class LosingWork : public ForwardedWork {
  public:
   LosingWork(std::unique_ptr<BandWork> work, std::shared_ptr<Changes> lost)
-      : PassedOn(std::move(work)), lost_(std::move(lost)) {}
+      : ForwardedWork(std::move(work)), lost_(std::move(lost)) {}
 
-  void Finish(Changes&) override { PassedOn::Finish(*lost_); }
+  void Finish(Changes&) override { ForwardedWork::Finish(*lost_); }
 
  private:
   const std::shared_ptr<Changes> lost_;
