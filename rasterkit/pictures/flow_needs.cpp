@@ -2,6 +2,7 @@
 #include <thread>
 #include <utility>
 
+#include <rasterkit/codecs/png/rows/png_inflate.h>
 #include <rasterkit/pictures/flow_needs.h>
 #include <rasterkit/pictures/read_pixels.h>
 #include <rasterkit/pictures/sources/sample_rows.h>
@@ -59,7 +60,7 @@ uint64_t BlockBytes(const RowReader& reader) {
 uint64_t PngReadBytes(uint64_t before, int height, uint64_t fileBytes) {
   const uint64_t filtered = before + static_cast<uint64_t>(height);
   const bool isInOneCall =
-      before <= kMostPngAtOnce && filtered <= CurrentLimits().processBytes / kPngPartAtOnce;
+      before <= kMostPngAtOnce && filtered <= CurrentLimits().processBytes / kPngPartInOneCall;
   return isInOneCall ? filtered + std::min(fileBytes, 2 * filtered) : 0;
 }
 

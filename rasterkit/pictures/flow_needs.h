@@ -11,8 +11,6 @@ FlowSettings UsualFlow();
 
 /// PNG files up to this size are unpacked and packed at once.
 inline constexpr uint64_t kMostPngAtOnce = uint64_t{64} << 20;
-/// Of the memory of the process, for unpacking at once.
-inline constexpr uint64_t kPngPartAtOnce = 4;
 
 /// Threads of a run that names no number.
 int ProcessorThreads();
