@@ -6,6 +6,9 @@
 #include <rasterkit/pictures/load_bitmap.h>
 #include <rasterkit/pictures/open_options.h>
 #include <rasterkit/pictures/picture.h>
+#include <rasterkit/pictures/recipes/apply_recipe.h>
+#include <rasterkit/pictures/recipes/recipe.h>
+#include <rasterkit/pictures/recipes/recipe_text.h>
 #include <rasterkit/pictures/report.h>
 #include <rasterkit/pictures/row_sink.h>
 #include <rasterkit/pictures/run.h>

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/pictures/picture.h>
+#include <rasterkit/pictures/recipes/recipe.h>
+#include <rasterkit/runtime/export.h>
+
+class QWidget;
+
+namespace rasterkit {
+
+/// What the crop window shows and how it starts.
+struct ChooseCropOptions {
+  /// The rectangle at the start; nothing: the whole picture.
+  std::optional<RecipeCrop> start;
+  /// Unit at the start; pixels where the picture does not know this one.
+  LengthUnit unit = LengthUnit::pixels;
+  bool showsUnits = true, showsRatios = true, showsGuides = true;
+  /// Unit of the map where the picture's coordinate system names none: "m", "ft"; empty: unknown.
+  std::string mapUnit;
+  /// Tells for a part whether the compressed pixels of the file can be kept; may be empty. It must
+  /// not throw.
+  std::function<bool(const CropStep& part)> isLossless;
+};
+
+/// Lets the user draw or type a rectangle. `pixels` is what is shown: the pixels of `picture`, from
+/// which resolution and position come; both must stay until the call returns. The answer has the
+/// unit that the user typed or chose; nothing if the user canceled. Throws Error if no window can
+/// be shown.
+RASTERKIT_EXPORT std::optional<RecipeCrop> ChooseCrop(TBitmap& pixels, const Picture& picture,
+                                                      const ChooseCropOptions& options = {},
+                                                      QWidget* parent = nullptr);
+
+}  // namespace rasterkit

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include <rasterkit/pictures/picture.h>
+#include <rasterkit/pictures/recipes/recipe.h>
+#include <rasterkit/runtime/export.h>
+
+namespace rasterkit {
+
+/// The pictures of a recipe's slots by name.
+using RecipeSlots = std::map<std::string, Picture>;
+
+/// Adds a step of a recipe to a picture. Throws RangeError, with the picture unchanged, if it does
+/// not fit: a rectangle outside, millimeters without a resolution, map units without a position, a
+/// slot that is not filled.
+RASTERKIT_EXPORT void ApplyRecipeStep(Picture& picture, const RecipeStep& step,
+                                      const RecipeSlots& slots = {});
+
+/// Adds all steps and what `recipe.save` says about depth and metadata. Throws RangeError as above
+/// with the number of the step ("/steps/2: ..."), counted from 0; the picture is unchanged then.
+RASTERKIT_EXPORT void ApplyRecipe(Picture& picture, const Recipe& recipe,
+                                  const RecipeSlots& slots = {});
+
+/// The options of a save that `save` states; depth and metadata are steps of the picture.
+RASTERKIT_EXPORT SaveOptions SaveOptionsOf(const RecipeSave& save);
+
+/// The rectangle of pixels that a crop keeps in this picture. Throws RangeError.
+RASTERKIT_EXPORT CropStep PixelsOf(const RecipeCrop& crop, const Picture& picture);
+
+/// The size that a resize leads to. Throws RangeError.
+RASTERKIT_EXPORT ResizeStep PixelsOf(const RecipeResize& resize, const Picture& picture);
+
+}  // namespace rasterkit
