@@ -873,5 +873,9 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <source>[MB]</source>
         <translation>[MB]</translation>
     </message>
+    <message>
+        <source>Reset</source>
+        <translation>Zurücksetzen</translation>
+    </message>
 </context>
 </TS>
