@@ -62,12 +62,8 @@ void ChangeSizeModel::SetUnit(LengthUnit unit) {
   const bool follows = FollowsLead();
   const State before = now_;
   now_.unit = unit;
-  const auto inUnit = [&](Field field, double pixels) {
-    const double scale = Scale(field);
-    return scale > 0 ? pixels / scale : 0;
-  };
-  now_.width = inUnit(Field::width, width);
-  now_.height = inUnit(Field::height, height);
+  now_.width = InUnit(Field::width, width);
+  now_.height = InUnit(Field::height, height);
   if (unit == LengthUnit::pixels) {
     now_.width = Rounded(Field::width);
     now_.height = Rounded(Field::height);
@@ -89,11 +85,23 @@ void ChangeSizeModel::SetOwnResolution(const Resolution& dpi) {
   if (dpi.IsKnown()) now_.dpi = std::max(dpi.x, dpi.y);
 }
 
-double ChangeSizeModel::Scale(Field field) const {
+double ChangeSizeModel::ExactPixels(Field field) const {
+  const bool isWidth = field == Field::width;
+  const double number = isWidth ? now_.width : now_.height;
   if (now_.unit == LengthUnit::percent) {
-    return (field == Field::width ? startWidth_ : startHeight_) / kPercent;
+    return number * (isWidth ? startWidth_ : startHeight_) / kPercent;
   }
-  return now_.unit == LengthUnit::millimeters ? now_.dpi / kMillimetersPerInch : 1;
+  const bool isOnPaper = now_.unit == LengthUnit::millimeters;
+  return isOnPaper ? number * now_.dpi / kMillimetersPerInch : number;
+}
+
+double ChangeSizeModel::InUnit(Field field, double pixels) const {
+  if (now_.unit == LengthUnit::percent) {
+    const double start = field == Field::width ? startWidth_ : startHeight_;
+    return start > 0 ? pixels * kPercent / start : 0;
+  }
+  if (now_.unit != LengthUnit::millimeters) return pixels;
+  return now_.dpi > 0 ? pixels * kMillimetersPerInch / now_.dpi : 0;
 }
 
 // Lengths on paper keep their proportion, also where the dots are not square.
@@ -120,10 +128,6 @@ bool ChangeSizeModel::FollowsLead() const {
   if (!hasSquareDots && now_.unit == LengthUnit::millimeters) return false;
   const std::optional<double> following = Following(now_.lead, lead);
   return following && std::abs(*following - other) <= kRounding * std::max(*following, other);
-}
-
-double ChangeSizeModel::ExactPixels(Field field) const {
-  return (field == Field::width ? now_.width : now_.height) * Scale(field);
 }
 
 int32_t ChangeSizeModel::Rounded(Field field) const {

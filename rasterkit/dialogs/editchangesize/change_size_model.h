@@ -94,12 +94,11 @@ class ChangeSizeModel {
   };
 
   double& Value(Field field) { return field == Field::width ? now_.width : now_.height; }
-  /// Pixels of one unit.
-  double Scale(Field field) const;
   double Start(Field field) const;
   /// The number of the field that is not `lead`, in proportion to it; nothing without one.
   std::optional<double> Following(Field lead, double value) const;
   double ExactPixels(Field field) const;
+  double InUnit(Field field, double pixels) const;
   int32_t Rounded(Field field) const;
   void Change(const State& after);
   enum class Typed { nothing, width, height, dpi };

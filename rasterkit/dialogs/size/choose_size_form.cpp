@@ -52,9 +52,12 @@ TFormChooseSize::TFormChooseSize(ChangeSizeModel& model, Picture picture, QWidge
   for (TFloatEdit* edit : {ui_->FlEdWidth, ui_->FlEdHeight, ui_->FlEdDpi}) {
     edit->setNegativeAllowed(false);
     edit->setMaximum(kGreatestNumber);
-    edit->installEventFilter(this);
   }
+  for (QWidget* control : findChildren<QWidget*>()) control->installEventFilter(this);
   ui_->FlEdDpi->setDecimals(2);
+  QFont strong = ui_->LabFault->font();
+  strong.setBold(true);
+  ui_->LabFault->setFont(strong);
   ui_->LabNowValue->setText(ToQt(SizeFactsText(picture_)));
   ConnectControls();
   model_.BytesOf = [this](int32_t width, int32_t height) {
@@ -136,14 +139,22 @@ void TFormChooseSize::ShowResult() {
     ui_->LabFault->setText(fault);
     QAccessibleEvent event(ui_->LabFault, QAccessible::Alert);
     if (!fault.isEmpty()) QAccessible::updateAccessibility(&event);
+    MakeRoomForFault();
   }
   ui_->ButtonOK->setEnabled(model_.CanConfirm());
   ui_->ButtonUndo->setEnabled(model_.CanUndo());
   ui_->ButtonRedo->setEnabled(model_.CanRedo());
 }
 
-// Fields have an undo of their own for these keys, which would take back single letters.
+// A text of several lines has a height only when its width is known.
+void TFormChooseSize::MakeRoomForFault() {
+  const int height = ui_->LabFault->heightForWidth(ui_->LabFault->width());
+  ui_->LabFault->setMinimumHeight(std::max(height, 0));
+}
+
+// Some controls use these keys for themselves: fields take back single letters.
 bool TFormChooseSize::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == ui_->LabFault && event->type() == QEvent::Resize) MakeRoomForFault();
   const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
   if (isKey && IsUndoOrRedo(static_cast<QKeyEvent&>(*event))) {
     event->ignore();

@@ -28,6 +28,7 @@ class TFormChooseSize : public TScaledForm {
   void ConnectControls();
   void ShowState();
   void ShowResult();
+  void MakeRoomForFault();
 
   ChangeSizeModel& model_;
   Picture picture_;

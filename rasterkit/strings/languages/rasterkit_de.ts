@@ -966,16 +966,12 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
     </message>
     <message>
-        <source>Resolution</source>
-        <translation>Auflösung</translation>
-    </message>
-    <message>
-        <source>&amp;Resolution</source>
-        <translation>&amp;Auflösung</translation>
-    </message>
-    <message>
         <source>Dots per inch at which millimeters become pixels</source>
         <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
+    </message>
+    <message>
+        <source>Resolution</source>
+        <translation>Auflösung</translation>
     </message>
     <message>
         <source>Result:</source>

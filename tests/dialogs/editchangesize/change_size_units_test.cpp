@@ -46,14 +46,14 @@ TEST_F(ChangeSizeUnitsTest, Millimeters_Should_BeTakenAtTheResolution) {
 }
 
 TEST_F(ChangeSizeUnitsTest, AnotherUnit_Should_KeepThePixels) {
-  model.FlEdChange(Field::width, 1234);
-  ExpectPixels(1234, 926);  // 925.5: half to even
+  model.FlEdChange(Field::width, 1233);
+  ExpectPixels(1233, 925);  // 924.75
   for (const LengthUnit unit : {LengthUnit::percent, LengthUnit::millimeters, LengthUnit::pixels,
                                 LengthUnit::millimeters, LengthUnit::percent, LengthUnit::pixels}) {
     model.SetUnit(unit);
-    ExpectPixels(1234, 926);
+    ExpectPixels(1233, 925);
   }
-  EXPECT_EQ(model.Width(), 1234);
+  EXPECT_EQ(model.Width(), 1233);
 }
 
 TEST_F(ChangeSizeUnitsTest, Pixels_Should_BecomeWhole_When_TheyComeFromAnotherUnit) {
