@@ -13,6 +13,7 @@
 #include <rasterkit/strings/file_dialog_texts.h>
 #include <rasterkit/strings/graphics_settings_texts.h>
 #include <rasterkit/strings/library_texts.h>
+#include <rasterkit/strings/picture_step_texts.h>
 #include <rasterkit/strings/save_window_texts.h>
 #include <rasterkit/strings/value_window_texts.h>
 #include <rasterkit/strings/size_window_texts.h>
