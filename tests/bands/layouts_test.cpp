@@ -57,7 +57,9 @@ std::vector<std::pair<std::string, ColorChange>> Changes1() {
       {"white for PDF", WhiteForPdf{}},
       {"opaque", PaintTransparency{}},
       {"swap", SwapOpacity{}},
-      {"entries", entries}};
+      {"entries", entries},
+      {"palette", UsePalette{DefaultPalette(pf8bit)}},
+      {"palette of grays", UsePalette{GrayPalette(256)}}};
   for (const int bits : {1, 4, 8, 24, 32}) {
     changes.emplace_back("bits " + std::to_string(bits), SetBits{bits});
   }

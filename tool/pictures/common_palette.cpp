@@ -4,7 +4,6 @@
 #include <unordered_set>
 
 #include <rasterkit/bands/colors/opacity_plane.h>
-#include <rasterkit/graphics/canvas.h>
 
 #include "tool/command/interruption.h"
 #include "tool/pictures/change_picture.h"
@@ -89,15 +88,6 @@ CommonPalette ChooseCommonPalette(const std::vector<std::string>& files) {
   }
   if (!colors.IsFull()) return {colors.Palette(), true};
   return {PaletteOf(samples), false};
-}
-
-std::unique_ptr<TBitmap> WithPalette(const TBitmap& bitmap, const HPALETTE& palette) {
-  auto result = std::make_unique<TBitmap>();
-  result->ResetPixels(pf8bit, bitmap.Width(), bitmap.Height());
-  result->SetPalette(palette);
-  result->Canvas().StretchMode = smPlain;
-  result->Canvas().CopyStretched({0, 0, bitmap.Width(), bitmap.Height()}, bitmap);
-  return result;
 }
 
 }  // namespace rasterkit::tool

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,8 +16,5 @@ struct CommonPalette {
 
 /// Reads the pictures and chooses a palette for all of them together. Throws Failure.
 CommonPalette ChooseCommonPalette(const std::vector<std::string>& files);
-
-/// The picture with 8 bits per pixel: each pixel gets the entry that is nearest to its color.
-std::unique_ptr<TBitmap> WithPalette(const TBitmap& bitmap, const HPALETTE& palette);
 
 }  // namespace rasterkit::tool

@@ -45,7 +45,7 @@ PictureChange MakingCommon(const PaletteOptions& options, const std::vector<std:
   }
   return [palette = ChooseCommonPalette(files).palette](PictureWork& work) {
     work.PaintTransparent("the common palette has no transparent entry");
-    work.picture.Apply(PixelsStep{WithPalette(*work.Bitmap(), palette)});
+    work.picture.Change(UsePalette{palette});
   };
 }
 
