@@ -1,7 +1,7 @@
 #include <QMenu>
 #include <string_view>
 
-#include <rasterkit/dialogs/editor/editor_actions.h>
+#include <rasterkit/dialogs/editor/window/editor_actions.h>
 #include <rasterkit/qt/guarded.h>
 #include <rasterkit/qt/look/icons.h>
 #include <rasterkit/qt/qt_text.h>

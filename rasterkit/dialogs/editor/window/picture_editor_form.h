@@ -9,13 +9,13 @@
 #include <vector>
 
 #include <rasterkit/dialogs/editor/edit_picture.h>
-#include <rasterkit/dialogs/editor/editor_actions.h>
-#include <rasterkit/dialogs/editor/editor_jobs.h>
-#include <rasterkit/dialogs/editor/editor_layout.h>
 #include <rasterkit/dialogs/editor/editor_model.h>
 #include <rasterkit/dialogs/editor/editor_view.h>
-#include <rasterkit/dialogs/editor/editor_windows.h>
-#include <rasterkit/dialogs/editor/picture_pane.h>
+#include <rasterkit/dialogs/editor/window/editor_actions.h>
+#include <rasterkit/dialogs/editor/window/editor_jobs.h>
+#include <rasterkit/dialogs/editor/window/editor_layout.h>
+#include <rasterkit/dialogs/editor/window/editor_windows.h>
+#include <rasterkit/dialogs/editor/window/picture_pane.h>
 #include <rasterkit/qt/forms/scaled_form.h>
 #include <rasterkit/runtime/export.h>
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-#include <rasterkit/dialogs/editor/editor_questions.h>
+#include <rasterkit/dialogs/editor/window/editor_questions.h>
 #include <rasterkit/qt/forms/message_box.h>
 #include <rasterkit/qt/forms/modal_window.h>
 #include <rasterkit/qt/look/clear_style.h>

@@ -6,7 +6,7 @@
 #include <QList>
 #include <functional>
 
-#include <rasterkit/dialogs/editor/page_drawing.h>
+#include <rasterkit/dialogs/editor/window/page_drawing.h>
 #include <rasterkit/qt/latest_task.h>
 #include <rasterkit/runtime/export.h>
 

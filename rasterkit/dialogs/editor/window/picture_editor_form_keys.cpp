@@ -7,8 +7,8 @@
 #include <QSplitter>
 #include <QTimer>
 
-#include <rasterkit/dialogs/editor/page_strip.h>
-#include <rasterkit/dialogs/editor/picture_editor_form.h>
+#include <rasterkit/dialogs/editor/window/page_strip.h>
+#include <rasterkit/dialogs/editor/window/picture_editor_form.h>
 #include <rasterkit/qt/controls/edits.h>
 #include <rasterkit/qt/forms/window_settings.h>
 #include <rasterkit/qt/qt_text.h>

@@ -13,8 +13,8 @@
 #include <QUrl>
 #include <utility>
 
-#include <rasterkit/dialogs/editor/page_strip.h>
-#include <rasterkit/dialogs/editor/picture_editor_form.h>
+#include <rasterkit/dialogs/editor/window/page_strip.h>
+#include <rasterkit/dialogs/editor/window/picture_editor_form.h>
 #include <rasterkit/qt/controls/edits.h>
 #include <rasterkit/qt/controls/navigator.h>
 #include <rasterkit/qt/guarded.h>

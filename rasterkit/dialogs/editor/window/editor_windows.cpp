@@ -1,6 +1,6 @@
 #include <QDesktopServices>
 
-#include <rasterkit/dialogs/editor/editor_windows.h>
+#include <rasterkit/dialogs/editor/window/editor_windows.h>
 
 namespace rasterkit {
 

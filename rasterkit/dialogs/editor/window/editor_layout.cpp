@@ -9,11 +9,11 @@
 #include <QVBoxLayout>
 #include <string_view>
 
-#include <rasterkit/dialogs/editor/editor_actions.h>
-#include <rasterkit/dialogs/editor/editor_layout.h>
-#include <rasterkit/dialogs/editor/page_strip.h>
-#include <rasterkit/dialogs/editor/tool_row.h>
-#include <rasterkit/dialogs/editor/wrapped_row.h>
+#include <rasterkit/dialogs/editor/window/editor_actions.h>
+#include <rasterkit/dialogs/editor/window/editor_layout.h>
+#include <rasterkit/dialogs/editor/window/page_strip.h>
+#include <rasterkit/dialogs/editor/window/tool_row.h>
+#include <rasterkit/dialogs/editor/window/wrapped_row.h>
 #include <rasterkit/qt/controls/edits.h>
 #include <rasterkit/qt/controls/navigator.h>
 #include <rasterkit/qt/controls/paint_box.h>

@@ -3,8 +3,8 @@
 #include <QKeyEvent>
 #include <QShortcut>
 
-#include <rasterkit/dialogs/editor/tool_row.h>
-#include <rasterkit/dialogs/editor/wrapped_row.h>
+#include <rasterkit/dialogs/editor/window/tool_row.h>
+#include <rasterkit/dialogs/editor/window/wrapped_row.h>
 
 namespace rasterkit {
 namespace {

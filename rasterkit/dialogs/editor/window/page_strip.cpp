@@ -1,7 +1,7 @@
 #include <QKeyEvent>
 #include <QScrollBar>
 
-#include <rasterkit/dialogs/editor/page_strip.h>
+#include <rasterkit/dialogs/editor/window/page_strip.h>
 
 namespace rasterkit {
 namespace {

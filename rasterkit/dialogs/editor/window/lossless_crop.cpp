@@ -1,6 +1,6 @@
 #include <exception>
 
-#include <rasterkit/dialogs/editor/lossless_crop.h>
+#include <rasterkit/dialogs/editor/window/lossless_crop.h>
 #include <rasterkit/pictures/recipes/apply_recipe.h>
 
 namespace rasterkit {

@@ -2,7 +2,7 @@
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
-#include <rasterkit/dialogs/editor/editor_documentation.h>
+#include <rasterkit/dialogs/editor/window/editor_documentation.h>
 #include <rasterkit/qt/controls/navigator.h>
 #include <rasterkit/qt/qt_text.h>
 

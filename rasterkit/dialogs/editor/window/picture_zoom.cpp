@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include <rasterkit/dialogs/editor/picture_zoom.h>
+#include <rasterkit/dialogs/editor/window/picture_zoom.h>
 
 namespace rasterkit {
 namespace {

@@ -6,7 +6,7 @@
 #include <array>
 #include <functional>
 
-#include <rasterkit/dialogs/editor/tool_row.h>
+#include <rasterkit/dialogs/editor/window/tool_row.h>
 
 namespace rasterkit {
 

@@ -1,5 +1,5 @@
 #include <rasterkit/dialogs/editor/edit_picture.h>
-#include <rasterkit/dialogs/editor/picture_editor_form.h>
+#include <rasterkit/dialogs/editor/window/picture_editor_form.h>
 #include <rasterkit/qt/host/modal_call.h>
 
 namespace rasterkit {

@@ -6,7 +6,7 @@
 #include <stop_token>
 
 #include <rasterkit/codecs/picture_type.h>
-#include <rasterkit/dialogs/editor/page_drawing.h>
+#include <rasterkit/dialogs/editor/window/page_drawing.h>
 #include <rasterkit/graphics/pdf_document.h>
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/qt/bitmap_image.h>

@@ -5,7 +5,7 @@
 #include <functional>
 
 #include <rasterkit/dialogs/bitmapframe/picture_view.h>
-#include <rasterkit/dialogs/editor/picture_zoom.h>
+#include <rasterkit/dialogs/editor/window/picture_zoom.h>
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/qt/controls/paint_box.h>
 #include <rasterkit/runtime/export.h>

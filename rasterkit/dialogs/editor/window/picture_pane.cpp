@@ -6,7 +6,7 @@
 #include <QWheelEvent>
 #include <cmath>
 
-#include <rasterkit/dialogs/editor/picture_pane.h>
+#include <rasterkit/dialogs/editor/window/picture_pane.h>
 #include <rasterkit/qt/bitmap_image.h>
 #include <rasterkit/qt/qt_color.h>
 

@@ -10,11 +10,11 @@
 #include <array>
 #include <exception>
 
-#include <rasterkit/dialogs/editor/editor_documentation.h>
-#include <rasterkit/dialogs/editor/editor_questions.h>
-#include <rasterkit/dialogs/editor/lossless_crop.h>
-#include <rasterkit/dialogs/editor/page_strip.h>
-#include <rasterkit/dialogs/editor/picture_editor_form.h>
+#include <rasterkit/dialogs/editor/window/editor_documentation.h>
+#include <rasterkit/dialogs/editor/window/editor_questions.h>
+#include <rasterkit/dialogs/editor/window/lossless_crop.h>
+#include <rasterkit/dialogs/editor/window/page_strip.h>
+#include <rasterkit/dialogs/editor/window/picture_editor_form.h>
 #include <rasterkit/qt/controls/edits.h>
 #include <rasterkit/qt/controls/navigator.h>
 #include <rasterkit/qt/forms/message_box.h>

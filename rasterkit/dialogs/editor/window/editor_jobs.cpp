@@ -3,7 +3,7 @@
 #include <system_error>
 #include <utility>
 
-#include <rasterkit/dialogs/editor/editor_jobs.h>
+#include <rasterkit/dialogs/editor/window/editor_jobs.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/threads/application.h>

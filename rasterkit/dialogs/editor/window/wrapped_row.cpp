@@ -2,7 +2,7 @@
 #include <QWidget>
 #include <algorithm>
 
-#include <rasterkit/dialogs/editor/wrapped_row.h>
+#include <rasterkit/dialogs/editor/window/wrapped_row.h>
 
 namespace rasterkit {
 namespace {
