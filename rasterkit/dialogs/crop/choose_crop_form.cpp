@@ -55,14 +55,19 @@ TFormChooseCrop::TFormChooseCrop(TBitmap& bitmap, const CropFacts& facts,
   ConnectFields();
   ConnectRatio();
   tool_->OnStateChanged = [this](BmpCutModel&) { ShowState(); };
-  ShowUnits();
-  ShowRatio();
-  ShowMouse();
+  ShowAll();
   ui_->LabelLossless->setVisible(isLossless_ != nullptr);
   ui_->PaintBox->setFocus();
 }
 
 TFormChooseCrop::~TFormChooseCrop() = default;
+
+void TFormChooseCrop::ShowAll() {
+  ui_->ComboGuide->setCurrentIndex(static_cast<int>(model_->Guide()));
+  ShowUnits();
+  ShowRatio();
+  ui_->PaintBox->update();
+}
 
 void TFormChooseCrop::SetUpTool(TBitmap& bitmap) {
   // The tool calls this handler after its own painting.
@@ -78,7 +83,6 @@ void TFormChooseCrop::SetUpLists(const ChooseCropOptions& options) {
            KnowsUnit(facts, LengthUnit::millimeters), rsCropNeedsResolution);
   SetEntry(*ui_->ComboUnit, index(LengthUnit::map), KnowsUnit(facts, LengthUnit::map),
            rsCropNeedsPosition);
-  ui_->ComboGuide->setCurrentIndex(index(model_->Guide()));
   for (QWidget* widget :
        {static_cast<QWidget*>(ui_->LabUnit), static_cast<QWidget*>(ui_->ComboUnit)}) {
     widget->setVisible(options.showsUnits);

@@ -36,6 +36,9 @@ class TFormChooseCrop : public TScaledForm {
   /// What is worth remembering.
   CropSettings Settings() const;
 
+  /// Shows everything again after a change of the model.
+  void ShowAll();
+
   void ShowFitted();
   void ShowActualSize();
   void Undo();
