@@ -9,6 +9,7 @@
 #include <rasterkit/strings/change_size_texts.h>
 #include <rasterkit/strings/change_values_texts.h>
 #include <rasterkit/strings/crop_texts.h>
+#include <rasterkit/strings/crop_window_texts.h>
 #include <rasterkit/strings/editor_texts.h>
 #include <rasterkit/strings/editor_window_texts.h>
 #include <rasterkit/strings/file_dialog_texts.h>
