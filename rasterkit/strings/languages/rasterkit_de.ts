@@ -1428,6 +1428,8 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>%d steps do not fit the picture: %s</source>
         <translation>%d Schritte passen nicht zum Bild: %s</translation>
+        <source>Reset</source>
+        <translation>Zurücksetzen</translation>
     </message>
 </context>
 </TS>
