@@ -90,4 +90,11 @@ CommonPalette ChooseCommonPalette(const std::vector<std::string>& files) {
   return {PaletteOf(samples), false};
 }
 
+Picture PictureWith(const HPALETTE& palette) {
+  auto pixel = std::make_unique<TBitmap>();
+  pixel->ResetPixels(pf8bit, 1, 1);
+  pixel->SetPalette(palette);
+  return Picture::Of(std::move(pixel));
+}
+
 }  // namespace rasterkit::tool

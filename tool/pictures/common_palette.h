@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/pictures/picture.h>
 
 namespace rasterkit::tool {
 
@@ -16,5 +17,8 @@ struct CommonPalette {
 
 /// Reads the pictures and chooses a palette for all of them together. Throws Failure.
 CommonPalette ChooseCommonPalette(const std::vector<std::string>& files);
+
+/// A picture of one pixel with this palette.
+Picture PictureWith(const HPALETTE& palette);
 
 }  // namespace rasterkit::tool

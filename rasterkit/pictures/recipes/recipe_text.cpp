@@ -122,6 +122,7 @@ Recipe ReadRecipe(const std::string& text, const RecipeReading& reading) {
   std::optional<std::string> madeWith;
   reader.May("made_with", madeWith);
   recipe.madeWith = madeWith.value_or("");
+  reader.May("as_stored", recipe.isAsStored);
   const json* const steps = reader.Required("steps");
   std::optional<RecipeSave> save;
   reader.May("save", save);
@@ -149,6 +150,7 @@ std::string WriteRecipe(const Recipe& recipe) {
   StepWriter::Json root;
   root["schema"] = kSchema;
   root["made_with"] = recipe.madeWith;
+  if (recipe.isAsStored) root["as_stored"] = true;
   root["steps"] = StepWriter::Json::array();
   for (size_t i = 0; i < recipe.steps.size(); ++i) {
     root["steps"].push_back(WrittenStep(recipe.steps[i], fmt::format("/steps/{}", i)));
