@@ -124,8 +124,6 @@ bool ChangeSizeModel::FollowsLead() const {
   const bool isWidth = now_.lead == Field::width;
   const double lead = isWidth ? now_.width : now_.height;
   const double other = isWidth ? now_.height : now_.width;
-  const bool hasSquareDots = !own_.IsKnown() || own_.x == own_.y;
-  if (!hasSquareDots && now_.unit == LengthUnit::millimeters) return false;
   const std::optional<double> following = Following(now_.lead, lead);
   return following && std::abs(*following - other) <= kRounding * std::max(*following, other);
 }

@@ -54,7 +54,7 @@ class ChangeSizeModel {
 
   /// The field that was edited last.
   Field Lead() const { return now_.lead; }
-  /// Whether the other field is the one in proportion to it, pixel by pixel.
+  /// Whether the number of the other field is in proportion to it.
   bool FollowsLead() const;
   LengthUnit Unit() const { return now_.unit; }
   /// Shows the same size in another unit: whole pixels, percent of the start, millimeters.

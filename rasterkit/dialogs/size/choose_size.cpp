@@ -20,7 +20,7 @@ std::optional<RecipeResize> ChooseSize(const Picture& picture, const RecipeResiz
   TFormChooseSize form(model, picture, parent);
   if (form.ShowModal() != mrOk) return std::nullopt;
   WriteSetting(kSection, kUnitKey, SizeUnitName(model.Unit()));
-  return SizeStepOf(model);
+  return SizeStepOf(model, picture);
 }
 
 }  // namespace rasterkit

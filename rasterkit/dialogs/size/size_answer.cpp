@@ -1,8 +1,24 @@
 #include <rasterkit/dialogs/size/size_answer.h>
+#include <rasterkit/pictures/recipes/apply_recipe.h>
+#include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
 
 using Field = ChangeSizeModel::Field;
+
+namespace {
+
+/// Halves of a pixel may come out otherwise where the numbers are not exact.
+bool LeadsToSize(const RecipeResize& step, const ChangeSizeModel& model, const Picture& picture) {
+  try {
+    const ResizeStep pixels = PixelsOf(step, picture);
+    return pixels.width == model.RoundedWidth() && pixels.height == model.RoundedHeight();
+  } catch (const RangeError&) {
+    return false;
+  }
+}
+
+}  // namespace
 
 void StartSize(ChangeSizeModel& model, const Picture& picture, const RecipeResize& start,
                LengthUnit remembered) {
@@ -24,7 +40,7 @@ void StartSize(ChangeSizeModel& model, const Picture& picture, const RecipeResiz
   model.ForgetHistory();
 }
 
-RecipeResize SizeStepOf(const ChangeSizeModel& model) {
+RecipeResize SizeStepOf(const ChangeSizeModel& model, const Picture& picture) {
   RecipeResize step;
   step.unit = model.Unit();
   step.options.filter = model.GetFilter();
@@ -32,10 +48,10 @@ RecipeResize SizeStepOf(const ChangeSizeModel& model) {
   const bool isInPixels = step.unit == LengthUnit::pixels;
   step.width = isInPixels ? model.RoundedWidth() : model.Width();
   step.height = isInPixels ? model.RoundedHeight() : model.Height();
-  if (model.Proportional() && model.FollowsLead()) {
-    (model.Lead() == Field::width ? step.height : step.width) = 0;
-  }
-  return step;
+  if (!model.Proportional() || !model.FollowsLead()) return step;
+  RecipeResize ofOneSide = step;
+  (model.Lead() == Field::width ? ofOneSide.height : ofOneSide.width) = 0;
+  return LeadsToSize(ofOneSide, model, picture) ? ofOneSide : step;
 }
 
 std::string SizeUnitName(LengthUnit unit) {

@@ -15,8 +15,8 @@ void StartSize(ChangeSizeModel& model, const Picture& picture, const RecipeResiz
                LengthUnit remembered = LengthUnit::pixels);
 
 /// The step that leads to the rounded size of the model. Where the box for the proportion is
-/// checked, it states only the side that the user typed.
-RecipeResize SizeStepOf(const ChangeSizeModel& model);
+/// checked, it states only the side that the user typed, so that it fits other pictures too.
+RecipeResize SizeStepOf(const ChangeSizeModel& model, const Picture& picture);
 
 /// "pixels", "percent", "millimeters": how the settings hold the unit. Pixels for other texts.
 std::string SizeUnitName(LengthUnit unit);

@@ -4,7 +4,9 @@
 #include <string_view>
 #include <vector>
 
+#include <rasterkit/dialogs/size/size_answer.h>
 #include <rasterkit/dialogs/size/size_facts.h>
+#include <rasterkit/pictures/recipes/apply_recipe.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
 #include <rasterkit/runtime/rounding.h>
@@ -60,41 +62,31 @@ uint64_t BytesOf(const Picture& picture) {
   return row * static_cast<uint64_t>(picture.Height());
 }
 
-std::string FactsText(const Picture& picture, const Resolution& dpi) {
-  const MemoryText memory = MemoryTextOf(BytesOf(picture));
-  return Filled(rsSizeFacts, {std::to_string(picture.Width()), std::to_string(picture.Height()),
-                              DpiText(dpi), memory.number, memory.unit});
-}
-
-Picture Resized(const Picture& picture, int32_t width, int32_t height, Filter filter) {
-  Picture result = picture;
-  result.Resize(width, height, {filter});
-  return result;
-}
-
 }  // namespace
 
 uint64_t BytesAtSize(const Picture& picture, int32_t width, int32_t height, Filter filter) {
   try {
-    return BytesOf(Resized(picture, width, height, filter));
+    Picture result = picture;
+    result.Resize(width, height, {filter});
+    return BytesOf(result);
   } catch (const Error&) {
     return std::numeric_limits<uint64_t>::max();
   }
 }
 
 std::string SizeFactsText(const Picture& picture) {
-  return FactsText(picture, picture.GetMetadata().resolution);
+  const MemoryText memory = MemoryTextOf(BytesOf(picture));
+  return Filled(rsSizeFacts,
+                {std::to_string(picture.Width()), std::to_string(picture.Height()),
+                 DpiText(picture.GetMetadata().resolution), memory.number, memory.unit});
 }
 
 std::string SizeResultText(const ChangeSizeModel& model, const Picture& picture) {
   const SizeFault fault = model.Fault();
   if (fault != SizeFault::none && fault != SizeFault::unchanged) return "";
-  const Picture result =
-      Resized(picture, model.RoundedWidth(), model.RoundedHeight(), model.GetFilter());
-  const bool isOnPaper = model.Unit() == LengthUnit::millimeters;
-  const Resolution dpi =
-      isOnPaper ? Resolution{model.Dpi(), model.Dpi()} : result.GetMetadata().resolution;
-  return FactsText(result, dpi);
+  Picture result = picture;
+  ApplyRecipeStep(result, SizeStepOf(model, picture));
+  return SizeFactsText(result);
 }
 
 std::string SizeFaultText(const ChangeSizeModel& model) {

@@ -22,7 +22,6 @@ using test::PictureOf;
 class ChooseSizeFormTest : public testing::Test {
  protected:
   ChooseSizeFormTest() {
-    const Picture picture = PictureOf(400, 300, {100, 100});
     StartSize(model, picture, {});
     form = std::make_unique<TFormChooseSize>(model, picture);
     form->show();
@@ -48,6 +47,7 @@ class ChooseSizeFormTest : public testing::Test {
     QTest::keyClick(QApplication::focusWidget(), key, modifiers);
   }
 
+  Picture picture = PictureOf(400, 300, {100, 100});
   ChangeSizeModel model{400, 300, kEditorSizeRules};
   std::unique_ptr<TFormChooseSize> form;
 };
@@ -107,7 +107,7 @@ TEST_F(ChooseSizeFormTest, TheBox_Should_UnlockTheProportion) {
   QTest::keyClick(form->findChild<QCheckBox*>("CheckKeep"), Qt::Key_Space);
   Type("FlEdWidth", "10");
   EXPECT_EQ(Edit("FlEdHeight").text(), "300");
-  const RecipeResize step = SizeStepOf(model);
+  const RecipeResize step = SizeStepOf(model, picture);
   EXPECT_EQ(step.width, 10);
   EXPECT_EQ(step.height, 300);
 }
@@ -116,7 +116,7 @@ TEST_F(ChooseSizeFormTest, TheFilter_Should_ReachTheAnswer) {
   const Filter filters[] = {Filter::automatic, Filter::nearest, Filter::linear, Filter::area};
   for (int place = 0; place < 4; ++place) {
     Choose("FilterBox", place);
-    EXPECT_EQ(SizeStepOf(model).options.filter, filters[place]);
+    EXPECT_EQ(SizeStepOf(model, picture).options.filter, filters[place]);
   }
 }
 

@@ -1,6 +1,9 @@
+#include <random>
+
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/size/size_answer.h>
+#include <rasterkit/pictures/recipes/apply_recipe.h>
 
 #include "tests/dialogs/size/size_picture.h"
 
@@ -17,7 +20,7 @@ class SizeAnswerTest : public testing::Test {
     StartSize(model, picture, start, remembered);
   }
   void ExpectStep(LengthUnit unit, double width, double height, double dpi = 0) const {
-    const RecipeResize step = SizeStepOf(model);
+    const RecipeResize step = SizeStepOf(model, picture);
     EXPECT_EQ(step.unit, unit);
     EXPECT_DOUBLE_EQ(step.width, width);
     EXPECT_DOUBLE_EQ(step.height, height);
@@ -69,9 +72,9 @@ TEST_F(SizeAnswerTest, TheFilter_Should_BeTakenOver) {
   RecipeResize start;
   start.options.filter = Filter::area;
   Start(start);
-  EXPECT_EQ(SizeStepOf(model).options.filter, Filter::area);
+  EXPECT_EQ(SizeStepOf(model, picture).options.filter, Filter::area);
   model.SetFilter(Filter::nearest);
-  EXPECT_EQ(SizeStepOf(model).options.filter, Filter::nearest);
+  EXPECT_EQ(SizeStepOf(model, picture).options.filter, Filter::nearest);
 }
 
 TEST_F(SizeAnswerTest, AStep_Should_ComeBack_When_TheWindowStartsWithIt) {
@@ -101,6 +104,35 @@ TEST_F(SizeAnswerTest, APictureWithoutResolution_Should_GetAUsualOne) {
   Start({}, LengthUnit::millimeters);
   EXPECT_EQ(model.Dpi(), 300);
   EXPECT_NEAR(model.Width(), 60 * 25.4 / 300, 1e-9);
+}
+
+TEST_F(SizeAnswerTest, PixelsOfTheStep_Should_BeTheSizeThatIsShown) {
+  constexpr unsigned kSeed = 2207;
+  std::mt19937 random(kSeed);
+  const auto upTo = [&](int most) { return std::uniform_int_distribution(1, most)(random); };
+  const auto shows = [&] {
+    const ResizeStep pixels = PixelsOf(SizeStepOf(model, picture), picture);
+    return pixels.width == model.RoundedWidth() && pixels.height == model.RoundedHeight();
+  };
+  int checked = 0;
+  for (int round = 0; round < 300; ++round) {
+    const Resolution dpi{static_cast<double>(upTo(600)), static_cast<double>(upTo(600))};
+    picture = PictureOf(upTo(90), upTo(90), upTo(4) == 1 ? Resolution{} : dpi);
+    for (const LengthUnit unit :
+         {LengthUnit::pixels, LengthUnit::percent, LengthUnit::millimeters}) {
+      Start({}, unit);
+      for (int event = 0; event < 8; ++event) {
+        const Field field = upTo(2) == 1 ? Field::width : Field::height;
+        model.FlEdChange(field, unit == LengthUnit::pixels ? upTo(500) : upTo(50000) / 100.0);
+        if (upTo(5) == 1) model.SetProportional(!model.Proportional());
+        if (upTo(5) == 1) model.SetDpi(upTo(60000) / 100.0);
+        if (model.Fault() == SizeFault::outOfRange) continue;
+        ++checked;
+        ASSERT_TRUE(shows()) << "seed " << kSeed << ", round " << round << ", event " << event;
+      }
+    }
+  }
+  EXPECT_GT(checked, 5000);
 }
 
 TEST(SizeUnitNameTest, Names_Should_ComeBack) {

@@ -111,7 +111,7 @@ TEST(ReadRecipeTest, HugeCoordinatesAreRefused) {
 
 TEST(ReadRecipeTest, UnknownThingsAreRefused) {
   EXPECT_EQ(FaultOf(R"({"schema": 1, "steps": [], "note": 1})"),
-            "/note: unknown key; the keys here are schema, made_with, steps, save");
+            "/note: unknown key; the keys here are schema, made_with, as_stored, steps, save");
   EXPECT_EQ(FaultOf(R"({"schema": 2, "note": 1})"),
             "/schema: 2 is not 1, the version of recipes that is known here");
   EXPECT_EQ(FaultOf(R"({"steps": []})"), "/: the key schema is missing");
@@ -196,7 +196,7 @@ TEST(WriteRecipeTest, IsReadable) {
 
 std::string WritingFault(const RecipeStep& step) {
   try {
-    WriteRecipe({"", {step}, {}});
+    WriteRecipe({"", false, {step}, {}});
     return {};
   } catch (const RangeError& error) {
     return error.Reason();
@@ -214,13 +214,13 @@ TEST(WriteRecipeTest, RefusesWhatCouldNotBeRead) {
   MetadataEdit edit;
   edit.set = {{"Artist", "\xFF"}};
   EXPECT_THAT(WritingFault(EditStep{edit}), StartsWith("/steps/0/set/0/value: the text is no"));
-  EXPECT_THROW(WriteRecipe({"\xFF", {}, {}}), RangeError);
+  EXPECT_THROW(WriteRecipe({"\xFF", false, {}, {}}), RangeError);
 }
 
 TEST(WriteRecipeTest, KnowsNoLocale) {
   const std::string old = std::setlocale(LC_ALL, nullptr);
   if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no German locale here";
-  const Recipe recipe{"", {RotateStep{1234.5, {}}}, {}};
+  const Recipe recipe{"", false, {RotateStep{1234.5, {}}}, {}};
   const std::string text = WriteRecipe(recipe);
   EXPECT_THAT(text, HasSubstr("\"degrees\": 1234.5"));
   EXPECT_EQ(std::get<RotateStep>(ReadRecipe(text).steps[0]).degrees, 1234.5);
