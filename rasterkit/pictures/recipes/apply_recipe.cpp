@@ -58,7 +58,7 @@ class StepApplier {
     if (palette.Count() == 0) {
       throw RangeError(fmt::format("the picture of the slot \"{}\" has no palette", step.slot));
     }
-    throw UnsupportedError("palettes of slots");
+    picture_.Change(UsePalette{palette});
   }
 
   void operator()(const RecipeCopy& step) const {
