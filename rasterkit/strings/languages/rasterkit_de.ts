@@ -1009,5 +1009,9 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <source>New width in the chosen unit</source>
         <translation>Neue Breite in der gewählten Einheit</translation>
     </message>
+    <message>
+        <source>The picture is saved as %s. This file exists already. Overwrite it?</source>
+        <translation>Das Bild wird als %s gespeichert. Diese Datei ist bereits vorhanden. Überschreiben?</translation>
+    </message>
 </context>
 </TS>
