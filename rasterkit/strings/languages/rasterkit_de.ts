@@ -874,6 +874,8 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>[MB]</translation>
     </message>
     <message>
+        <source>Reset</source>
+        <translation>Zurücksetzen</translation>
         <source>%d x %d pixels, %s, %s %s</source>
         <translation>%d x %d Pixel, %s, %s %s</translation>
     </message>
@@ -1008,6 +1010,186 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>New width in the chosen unit</source>
         <translation>Neue Breite in der gewählten Einheit</translation>
+        <source>Turn left</source>
+        <translation>Nach links drehen</translation>
+    </message>
+    <message>
+        <source>Turn right</source>
+        <translation>Nach rechts drehen</translation>
+    </message>
+    <message>
+        <source>Turn by 180 degrees</source>
+        <translation>Um 180 Grad drehen</translation>
+    </message>
+    <message>
+        <source>Mirror left and right</source>
+        <translation>Links und rechts spiegeln</translation>
+    </message>
+    <message>
+        <source>Mirror top and bottom</source>
+        <translation>Oben und unten spiegeln</translation>
+    </message>
+    <message>
+        <source>Rotate by %s degrees</source>
+        <translation>Um %s Grad drehen</translation>
+    </message>
+    <message>
+        <source>Turn north up</source>
+        <translation>Nach Norden ausrichten</translation>
+    </message>
+    <message>
+        <source>Crop to %d x %d</source>
+        <translation>Auf %d x %d zuschneiden</translation>
+    </message>
+    <message>
+        <source>Resize to %d x %d</source>
+        <translation>Größe %d x %d</translation>
+    </message>
+    <message>
+        <source>Make gray</source>
+        <translation>In Graustufen umwandeln</translation>
+    </message>
+    <message>
+        <source>Make black and white</source>
+        <translation>In Schwarzweiß umwandeln</translation>
+    </message>
+    <message>
+        <source>Reduce to %d colors</source>
+        <translation>Auf %d Farben verringern</translation>
+    </message>
+    <message>
+        <source>Change to %d bits</source>
+        <translation>In %d Bit umwandeln</translation>
+    </message>
+    <message>
+        <source>Change values</source>
+        <translation>Werte ändern</translation>
+    </message>
+    <message>
+        <source>Change colors</source>
+        <translation>Farben ändern</translation>
+    </message>
+    <message>
+        <source>Combine with another picture</source>
+        <translation>Mit einem anderen Bild verbinden</translation>
+    </message>
+    <message>
+        <source>Take the palette of another picture</source>
+        <translation>Palette eines anderen Bildes nehmen</translation>
+    </message>
+    <message>
+        <source>Set the position</source>
+        <translation>Lage setzen</translation>
+    </message>
+    <message>
+        <source>Change metadata</source>
+        <translation>Metadaten ändern</translation>
+    </message>
+    <message>
+        <source>Stretch the numbers</source>
+        <translation>Zahlen strecken</translation>
+    </message>
+    <message>
+        <source>Other step</source>
+        <translation>Anderer Schritt</translation>
+    </message>
+    <message>
+        <source>Reading the picture</source>
+        <translation>Das Bild wird gelesen</translation>
+    </message>
+    <message>
+        <source>Drawing the page</source>
+        <translation>Die Seite wird gezeichnet</translation>
+    </message>
+    <message>
+        <source>Undoing a step</source>
+        <translation>Ein Schritt wird zurückgenommen</translation>
+    </message>
+    <message>
+        <source>Saving the picture</source>
+        <translation>Das Bild wird gespeichert</translation>
+    </message>
+    <message>
+        <source>Checking how it is saved</source>
+        <translation>Das Speichern wird geprüft</translation>
+    </message>
+    <message>
+        <source>%s (%s MiB)</source>
+        <translation>%s (%s MiB)</translation>
+    </message>
+    <message>
+        <source>%s: %d x %d pixels, %d bits, %s MiB</source>
+        <translation>%s: %d x %d Pixel, %d Bit, %s MiB</translation>
+    </message>
+    <message>
+        <source>%s: %d x %d pixels, %d bits, %s dpi, %s MiB</source>
+        <translation>%s: %d x %d Pixel, %d Bit, %s dpi, %s MiB</translation>
+    </message>
+    <message>
+        <source>%s, page %d of %d</source>
+        <translation>%s, Seite %d von %d</translation>
+    </message>
+    <message>
+        <source>Lossless: the compressed pixels are kept</source>
+        <translation>Verlustfrei: Die komprimierten Pixel bleiben</translation>
+    </message>
+    <message>
+        <source>Lossless: the compressed pixels are moved</source>
+        <translation>Verlustfrei: Die komprimierten Pixel werden verschoben</translation>
+    </message>
+    <message>
+        <source>Lossless: every pixel is kept as it is</source>
+        <translation>Verlustfrei: Jedes Pixel bleibt, wie es ist</translation>
+    </message>
+    <message>
+        <source>Compressed again, which changes pixels a little</source>
+        <translation>Neu komprimiert, was Pixel etwas ändert</translation>
+    </message>
+    <message>
+        <source>Compressed again, because %s</source>
+        <translation>Neu komprimiert: %s</translation>
+    </message>
+    <message>
+        <source>%s: %s</source>
+        <translation>%s: %s</translation>
+    </message>
+    <message>
+        <source>%s cannot be written: %s.
+Choose another folder or name before you save.</source>
+        <translation>%s kann nicht geschrieben werden: %s.
+Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
+    </message>
+    <message>
+        <source>Files of the type %s cannot be written. The picture is saved as %s.</source>
+        <translation>Dateien vom Typ %s können nicht geschrieben werden. Das Bild wird als %s gespeichert.</translation>
+    </message>
+    <message>
+        <source>%s is the file that is edited, and its type cannot be written. Choose another name.</source>
+        <translation>%s ist die Datei, die bearbeitet wird, und ihr Typ kann nicht geschrieben werden. Wählen Sie einen anderen Namen.</translation>
+    </message>
+    <message>
+        <source>%s exists. Do you want to replace it?</source>
+        <translation>%s ist vorhanden. Möchten Sie die Datei ersetzen?</translation>
+    </message>
+    <message>
+        <source>%s was changed by another program. Do you want to replace it nevertheless?</source>
+        <translation>%s wurde von einem anderen Programm geändert. Möchten Sie die Datei trotzdem ersetzen?</translation>
+    </message>
+    <message>
+        <source>%s has changes that are not saved. Do you want to save them?</source>
+        <translation>%s hat Änderungen, die nicht gespeichert sind. Möchten Sie sie speichern?</translation>
+    </message>
+    <message>
+        <source>The editor ended before the changes of %s were saved. Do you want to take up its %d steps?</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie die %d Schritte übernehmen?</translation>
+    </message>
+    <message>
+        <source>The editor ended before the changes of %s were saved, and the file was changed since. Do you want to take up its %d steps nevertheless? They may be in the file already.</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Möchten Sie die %d Schritte trotzdem übernehmen? Sie können schon in der Datei sein.</translation>
+    </message>
+    <message>
+        <source>%d steps do not fit the picture: %s</source>
+        <translation>%d Schritte passen nicht zum Bild: %s</translation>
     </message>
     <message>
         <source>The picture is saved as %s. This file exists already. Overwrite it?</source>
