@@ -1248,6 +1248,142 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>Help on the editor</source>
         <translation>Hilfe zum Editor</translation>
+        <source>Reset</source>
+        <translation>Zurücksetzen</translation>
+        <source>%d x %d pixels, %s, %s %s</source>
+        <translation>%d x %d Pixel, %s, %s %s</translation>
+    </message>
+    <message>
+        <source>%s dpi</source>
+        <translation>%s dpi</translation>
+    </message>
+    <message>
+        <source>%s x %s dpi</source>
+        <translation>%s x %s dpi</translation>
+    </message>
+    <message>
+        <source>no resolution</source>
+        <translation>keine Auflösung</translation>
+    </message>
+    <message>
+        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
+        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
+    </message>
+    <message>
+        <source>This size needs %s %s of memory. The limit is %s %s.</source>
+        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
+    </message>
+    <message>
+        <source>Millimeters need a resolution of %d to %d dpi.</source>
+        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
+    </message>
+    <message>
+        <source>The picture has this size.</source>
+        <translation>Das Bild hat diese Größe.</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>&amp;Filter</source>
+        <translation>&amp;Filter</translation>
+    </message>
+    <message>
+        <source>area (to make smaller)</source>
+        <translation>Fläche (zum Verkleinern)</translation>
+    </message>
+    <message>
+        <source>automatic</source>
+        <translation>automatisch</translation>
+    </message>
+    <message>
+        <source>How the new pixels follow from the old ones</source>
+        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
+    </message>
+    <message>
+        <source>linear (smooth)</source>
+        <translation>linear (weich)</translation>
+    </message>
+    <message>
+        <source>nearest pixel (hard edges)</source>
+        <translation>nächstes Pixel (harte Kanten)</translation>
+    </message>
+    <message>
+        <source>New height in the chosen unit</source>
+        <translation>Neue Höhe in der gewählten Einheit</translation>
+    </message>
+    <message>
+        <source>Keep proportion</source>
+        <translation>Seitenverhältnis behalten</translation>
+    </message>
+    <message>
+        <source>&amp;Keep proportion</source>
+        <translation>&amp;Seitenverhältnis behalten</translation>
+    </message>
+    <message>
+        <source>Picture:</source>
+        <translation>Bild:</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>R&amp;edo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>Un&amp;do</source>
+        <translation>Rückgän&amp;gig</translation>
+    </message>
+    <message>
+        <source>Makes the change again (Ctrl+Y)</source>
+        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
+    </message>
+    <message>
+        <source>Dots per inch at which millimeters become pixels</source>
+        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
+    </message>
+    <message>
+        <source>Resolution</source>
+        <translation>Auflösung</translation>
+    </message>
+    <message>
+        <source>Result:</source>
+        <translation>Ergebnis:</translation>
+    </message>
+    <message>
+        <source>Takes back the last change (Ctrl+Z)</source>
+        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Einheit</translation>
+    </message>
+    <message>
+        <source>&amp;Unit</source>
+        <translation>&amp;Einheit</translation>
+    </message>
+    <message>
+        <source>Unit of width and height</source>
+        <translation>Einheit von Breite und Höhe</translation>
+    </message>
+    <message>
+        <source>millimeters</source>
+        <translation>Millimeter</translation>
+    </message>
+    <message>
+        <source>percent</source>
+        <translation>Prozent</translation>
+    </message>
+    <message>
+        <source>pixels</source>
+        <translation>Pixel</translation>
+    </message>
+    <message>
+        <source>New width in the chosen unit</source>
+        <translation>Neue Breite in der gewählten Einheit</translation>
         <source>Turn left</source>
         <translation>Nach links drehen</translation>
     </message>
@@ -1434,136 +1570,8 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>%d x %d Pixel, %s, %s %s</translation>
     </message>
     <message>
-        <source>%s dpi</source>
-        <translation>%s dpi</translation>
-    </message>
-    <message>
-        <source>%s x %s dpi</source>
-        <translation>%s x %s dpi</translation>
-    </message>
-    <message>
-        <source>no resolution</source>
-        <translation>keine Auflösung</translation>
-    </message>
-    <message>
-        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
-        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
-    </message>
-    <message>
-        <source>This size needs %s %s of memory. The limit is %s %s.</source>
-        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
-    </message>
-    <message>
-        <source>Millimeters need a resolution of %d to %d dpi.</source>
-        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
-    </message>
-    <message>
-        <source>The picture has this size.</source>
-        <translation>Das Bild hat diese Größe.</translation>
-    </message>
-    <message>
-        <source>Filter</source>
-        <translation>Filter</translation>
-    </message>
-    <message>
-        <source>&amp;Filter</source>
-        <translation>&amp;Filter</translation>
-    </message>
-    <message>
-        <source>area (to make smaller)</source>
-        <translation>Fläche (zum Verkleinern)</translation>
-    </message>
-    <message>
-        <source>automatic</source>
-        <translation>automatisch</translation>
-    </message>
-    <message>
-        <source>How the new pixels follow from the old ones</source>
-        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
-    </message>
-    <message>
-        <source>linear (smooth)</source>
-        <translation>linear (weich)</translation>
-    </message>
-    <message>
-        <source>nearest pixel (hard edges)</source>
-        <translation>nächstes Pixel (harte Kanten)</translation>
-    </message>
-    <message>
-        <source>New height in the chosen unit</source>
-        <translation>Neue Höhe in der gewählten Einheit</translation>
-    </message>
-    <message>
-        <source>Keep proportion</source>
-        <translation>Seitenverhältnis behalten</translation>
-    </message>
-    <message>
-        <source>&amp;Keep proportion</source>
-        <translation>&amp;Seitenverhältnis behalten</translation>
-    </message>
-    <message>
-        <source>Picture:</source>
-        <translation>Bild:</translation>
-    </message>
-    <message>
-        <source>Redo</source>
-        <translation>Wiederholen</translation>
-    </message>
-    <message>
-        <source>R&amp;edo</source>
-        <translation>&amp;Wiederholen</translation>
-    </message>
-    <message>
-        <source>Un&amp;do</source>
-        <translation>Rückgän&amp;gig</translation>
-    </message>
-    <message>
-        <source>Makes the change again (Ctrl+Y)</source>
-        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
-    </message>
-    <message>
-        <source>Dots per inch at which millimeters become pixels</source>
-        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
-    </message>
-    <message>
-        <source>Resolution</source>
-        <translation>Auflösung</translation>
-    </message>
-    <message>
-        <source>Result:</source>
-        <translation>Ergebnis:</translation>
-    </message>
-    <message>
-        <source>Takes back the last change (Ctrl+Z)</source>
-        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
-    </message>
-    <message>
-        <source>Unit</source>
-        <translation>Einheit</translation>
-    </message>
-    <message>
-        <source>&amp;Unit</source>
-        <translation>&amp;Einheit</translation>
-    </message>
-    <message>
-        <source>Unit of width and height</source>
-        <translation>Einheit von Breite und Höhe</translation>
-    </message>
-    <message>
-        <source>millimeters</source>
-        <translation>Millimeter</translation>
-    </message>
-    <message>
-        <source>percent</source>
-        <translation>Prozent</translation>
-    </message>
-    <message>
-        <source>pixels</source>
-        <translation>Pixel</translation>
-    </message>
-    <message>
-        <source>New width in the chosen unit</source>
-        <translation>Neue Breite in der gewählten Einheit</translation>
+        <source>The picture is saved as %s. This file exists already. Overwrite it?</source>
+        <translation>Das Bild wird als %s gespeichert. Diese Datei ist bereits vorhanden. Überschreiben?</translation>
     </message>
     <message>
         <source>Sets all values back, so that nothing is changed</source>
