@@ -162,6 +162,7 @@ std::string RecipeSchema() {
   schema["properties"] = {
       {"schema", {{"const", 1}}},
       {"made_with", TextSchema()},
+      {"as_stored", {{"type", "boolean"}, {"default", false}}},
       {"steps",
        {{"type", "array"}, {"maxItems", kMostRecipeSteps}, {"items", {{"oneOf", choices}}}}},
       {"save", SchemaFields::Of<RecipeSave>()}};
