@@ -96,10 +96,10 @@ struct RecipeSave {
 struct Recipe {
   /// Program and version that made it: "rasterkit 0.2".
   std::string madeWith;
-  /// The picture is opened as it is stored, not upright: for steps that change metadata alone.
-  bool isAsStored = false;
   std::vector<RecipeStep> steps;
   RecipeSave save;
+  /// The picture is opened as it is stored, not upright: for steps that change metadata alone.
+  bool isAsStored = false;
 };
 
 }  // namespace rasterkit

@@ -1248,6 +1248,142 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>Help on the editor</source>
         <translation>Hilfe zum Editor</translation>
+        <source>Reset</source>
+        <translation>Zurücksetzen</translation>
+        <source>%d x %d pixels, %s, %s %s</source>
+        <translation>%d x %d Pixel, %s, %s %s</translation>
+    </message>
+    <message>
+        <source>%s dpi</source>
+        <translation>%s dpi</translation>
+    </message>
+    <message>
+        <source>%s x %s dpi</source>
+        <translation>%s x %s dpi</translation>
+    </message>
+    <message>
+        <source>no resolution</source>
+        <translation>keine Auflösung</translation>
+    </message>
+    <message>
+        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
+        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
+    </message>
+    <message>
+        <source>This size needs %s %s of memory. The limit is %s %s.</source>
+        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
+    </message>
+    <message>
+        <source>Millimeters need a resolution of %d to %d dpi.</source>
+        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
+    </message>
+    <message>
+        <source>The picture has this size.</source>
+        <translation>Das Bild hat diese Größe.</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>&amp;Filter</source>
+        <translation>&amp;Filter</translation>
+    </message>
+    <message>
+        <source>area (to make smaller)</source>
+        <translation>Fläche (zum Verkleinern)</translation>
+    </message>
+    <message>
+        <source>automatic</source>
+        <translation>automatisch</translation>
+    </message>
+    <message>
+        <source>How the new pixels follow from the old ones</source>
+        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
+    </message>
+    <message>
+        <source>linear (smooth)</source>
+        <translation>linear (weich)</translation>
+    </message>
+    <message>
+        <source>nearest pixel (hard edges)</source>
+        <translation>nächstes Pixel (harte Kanten)</translation>
+    </message>
+    <message>
+        <source>New height in the chosen unit</source>
+        <translation>Neue Höhe in der gewählten Einheit</translation>
+    </message>
+    <message>
+        <source>Keep proportion</source>
+        <translation>Seitenverhältnis behalten</translation>
+    </message>
+    <message>
+        <source>&amp;Keep proportion</source>
+        <translation>&amp;Seitenverhältnis behalten</translation>
+    </message>
+    <message>
+        <source>Picture:</source>
+        <translation>Bild:</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>R&amp;edo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>Un&amp;do</source>
+        <translation>Rückgän&amp;gig</translation>
+    </message>
+    <message>
+        <source>Makes the change again (Ctrl+Y)</source>
+        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
+    </message>
+    <message>
+        <source>Dots per inch at which millimeters become pixels</source>
+        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
+    </message>
+    <message>
+        <source>Resolution</source>
+        <translation>Auflösung</translation>
+    </message>
+    <message>
+        <source>Result:</source>
+        <translation>Ergebnis:</translation>
+    </message>
+    <message>
+        <source>Takes back the last change (Ctrl+Z)</source>
+        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Einheit</translation>
+    </message>
+    <message>
+        <source>&amp;Unit</source>
+        <translation>&amp;Einheit</translation>
+    </message>
+    <message>
+        <source>Unit of width and height</source>
+        <translation>Einheit von Breite und Höhe</translation>
+    </message>
+    <message>
+        <source>millimeters</source>
+        <translation>Millimeter</translation>
+    </message>
+    <message>
+        <source>percent</source>
+        <translation>Prozent</translation>
+    </message>
+    <message>
+        <source>pixels</source>
+        <translation>Pixel</translation>
+    </message>
+    <message>
+        <source>New width in the chosen unit</source>
+        <translation>Neue Breite in der gewählten Einheit</translation>
         <source>Turn left</source>
         <translation>Nach links drehen</translation>
     </message>
@@ -1434,136 +1570,152 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>%d x %d Pixel, %s, %s %s</translation>
     </message>
     <message>
-        <source>%s dpi</source>
-        <translation>%s dpi</translation>
+        <source>The picture is saved as %s. This file exists already. Overwrite it?</source>
+        <translation>Das Bild wird als %s gespeichert. Diese Datei ist bereits vorhanden. Überschreiben?</translation>
     </message>
     <message>
-        <source>%s x %s dpi</source>
-        <translation>%s x %s dpi</translation>
+        <source>Sets all values back, so that nothing is changed</source>
+        <translation>Setzt alle Werte zurück, sodass nichts geändert wird</translation>
     </message>
     <message>
-        <source>no resolution</source>
-        <translation>keine Auflösung</translation>
+        <source>Black and white</source>
+        <translation>Schwarzweiß</translation>
     </message>
     <message>
-        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
-        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
+        <source>Bef&amp;ore</source>
+        <translation>&amp;Vorher</translation>
     </message>
     <message>
-        <source>This size needs %s %s of memory. The limit is %s %s.</source>
-        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
+        <source>Shows the original while it is held down; so does the key B</source>
+        <translation>Zeigt das Original, solange die Schaltfläche gedrückt ist; ebenso die Taste B</translation>
     </message>
     <message>
-        <source>Millimeters need a resolution of %d to %d dpi.</source>
-        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
+        <source>Shows one pixel of the picture for one of the screen, exactly as OK makes it</source>
+        <translation>Zeigt je Bildpunkt einen Punkt des Bildschirms, genau so wie OK ihn erzeugt</translation>
     </message>
     <message>
-        <source>The picture has this size.</source>
-        <translation>Das Bild hat diese Größe.</translation>
+        <source>Shows the whole picture</source>
+        <translation>Zeigt das ganze Bild</translation>
     </message>
     <message>
-        <source>Filter</source>
-        <translation>Filter</translation>
+        <source>&amp;Loupe</source>
+        <translation>&amp;Lupe</translation>
     </message>
     <message>
-        <source>&amp;Filter</source>
-        <translation>&amp;Filter</translation>
+        <source>Shows the pixels under the cursor in their actual size where the picture is shown smaller</source>
+        <translation>Zeigt die Bildpunkte unter dem Zeiger in Originalgröße, wo das Bild verkleinert ist</translation>
     </message>
     <message>
-        <source>area (to make smaller)</source>
-        <translation>Fläche (zum Verkleinern)</translation>
+        <source>Changed only</source>
+        <translation>Nur geändert</translation>
     </message>
     <message>
-        <source>automatic</source>
-        <translation>automatisch</translation>
+        <source>Side by side</source>
+        <translation>Nebeneinander</translation>
     </message>
     <message>
-        <source>How the new pixels follow from the old ones</source>
-        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
+        <source>Split</source>
+        <translation>Geteilt</translation>
     </message>
     <message>
-        <source>linear (smooth)</source>
-        <translation>linear (weich)</translation>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
     </message>
     <message>
-        <source>nearest pixel (hard edges)</source>
-        <translation>nächstes Pixel (harte Kanten)</translation>
+        <source>Drag the picture or the divider; the wheel zooms</source>
+        <translation>Bild oder Trennlinie ziehen; das Rad zoomt</translation>
     </message>
     <message>
-        <source>New height in the chosen unit</source>
-        <translation>Neue Höhe in der gewählten Einheit</translation>
+        <source>Arrow keys move the picture or the loupe, with Ctrl the divider. Plus and minus zoom.</source>
+        <translation>Pfeiltasten verschieben das Bild oder die Lupe, mit Strg die Trennlinie. Plus und Minus zoomen.</translation>
     </message>
     <message>
-        <source>Keep proportion</source>
-        <translation>Seitenverhältnis behalten</translation>
+        <source>%s, zoom %s %%</source>
+        <translation>%s, Zoom %s %%</translation>
     </message>
     <message>
-        <source>&amp;Keep proportion</source>
-        <translation>&amp;Seitenverhältnis behalten</translation>
+        <source>Vie&amp;w</source>
+        <translation>&amp;Ansicht</translation>
     </message>
     <message>
-        <source>Picture:</source>
-        <translation>Bild:</translation>
+        <source>How original and changed picture are shown</source>
+        <translation>Wie Original und geändertes Bild gezeigt werden</translation>
     </message>
     <message>
-        <source>Redo</source>
-        <translation>Wiederholen</translation>
+        <source>Zoom in</source>
+        <translation>Vergrößern</translation>
     </message>
     <message>
-        <source>R&amp;edo</source>
-        <translation>&amp;Wiederholen</translation>
+        <source>Shows the picture larger</source>
+        <translation>Zeigt das Bild größer</translation>
     </message>
     <message>
-        <source>Un&amp;do</source>
-        <translation>Rückgän&amp;gig</translation>
+        <source>Zoom out</source>
+        <translation>Verkleinern</translation>
     </message>
     <message>
-        <source>Makes the change again (Ctrl+Y)</source>
-        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
+        <source>Shows the picture smaller</source>
+        <translation>Zeigt das Bild kleiner</translation>
     </message>
     <message>
-        <source>Dots per inch at which millimeters become pixels</source>
-        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
+        <source>Histogram</source>
+        <translation>Histogramm</translation>
     </message>
     <message>
-        <source>Resolution</source>
-        <translation>Auflösung</translation>
+        <source>How often each brightness occurs in the changed picture; lines for red, green and blue</source>
+        <translation>Wie oft jede Helligkeit im geänderten Bild vorkommt; Linien für Rot, Grün und Blau</translation>
     </message>
     <message>
-        <source>Result:</source>
-        <translation>Ergebnis:</translation>
+        <source>How often each gray value occurs; drag the line to the threshold. The triangle marks the automatic threshold.</source>
+        <translation>Wie oft jeder Grauwert vorkommt; die Linie auf die Schwelle ziehen. Das Dreieck markiert die automatische Schwelle.</translation>
     </message>
     <message>
-        <source>Takes back the last change (Ctrl+Z)</source>
-        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
+        <source>From %d to %d, mean %d; black %d %%, white %d %%</source>
+        <translation>Von %d bis %d, Mittel %d; Schwarz %d %%, Weiß %d %%</translation>
     </message>
     <message>
-        <source>Unit</source>
-        <translation>Einheit</translation>
+        <source>Las&amp;t values</source>
+        <translation>Le&amp;tzte Werte</translation>
     </message>
     <message>
-        <source>&amp;Unit</source>
-        <translation>&amp;Einheit</translation>
+        <source>Takes the values of the last time</source>
+        <translation>Übernimmt die Werte vom letzten Mal</translation>
     </message>
     <message>
-        <source>Unit of width and height</source>
-        <translation>Einheit von Breite und Höhe</translation>
+        <source>Re&amp;do</source>
+        <translation>Wie&amp;derholen</translation>
     </message>
     <message>
-        <source>millimeters</source>
-        <translation>Millimeter</translation>
+        <source>Makes the change again that was taken back</source>
+        <translation>Stellt die zurückgenommene Änderung wieder her</translation>
     </message>
     <message>
-        <source>percent</source>
-        <translation>Prozent</translation>
+        <source>U&amp;ndo</source>
+        <translation>Rückgä&amp;ngig</translation>
     </message>
     <message>
-        <source>pixels</source>
-        <translation>Pixel</translation>
+        <source>Takes back the last change of a value</source>
+        <translation>Nimmt die letzte Änderung eines Wertes zurück</translation>
     </message>
     <message>
-        <source>New width in the chosen unit</source>
-        <translation>Neue Breite in der gewählten Einheit</translation>
+        <source>Reset: %s</source>
+        <translation>Zurücksetzen: %s</translation>
+    </message>
+    <message>
+        <source>Sets this value back (Delete on the track bar, or double click on the label)</source>
+        <translation>Setzt diesen Wert zurück (Entf auf dem Regler oder Doppelklick auf die Beschriftung)</translation>
+    </message>
+    <message>
+        <source>Auto&amp;matic</source>
+        <translation>Auto&amp;matisch</translation>
+    </message>
+    <message>
+        <source>Finds the threshold that separates dark and light best, for each picture anew</source>
+        <translation>Findet die Schwelle, die Dunkel und Hell am besten trennt, für jedes Bild neu</translation>
+    </message>
+    <message>
+        <source>Automatic threshold: %d</source>
+        <translation>Automatische Schwelle: %d</translation>
     </message>
 </context>
 </TS>

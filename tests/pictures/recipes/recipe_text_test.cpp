@@ -11,6 +11,7 @@ namespace rasterkit {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 /// The reason why a text is no recipe; empty if it is one.
@@ -194,6 +195,16 @@ TEST(WriteRecipeTest, IsReadable) {
   }
 }
 )");
+}
+
+TEST(WriteRecipeTest, StatesThatThePictureStaysAsStored) {
+  Recipe recipe;
+  EXPECT_THAT(WriteRecipe(recipe), Not(HasSubstr("as_stored")));
+  recipe.isAsStored = true;
+  EXPECT_THAT(WriteRecipe(recipe), HasSubstr("\"as_stored\": true"));
+  EXPECT_TRUE(ReadRecipe(WriteRecipe(recipe)).isAsStored);
+  EXPECT_EQ(FaultOf(R"({"schema": 1, "steps": [], "as_stored": 1})"),
+            "/as_stored: 1 is neither true nor false");
 }
 
 std::string WritingFault(const RecipeStep& step) {
