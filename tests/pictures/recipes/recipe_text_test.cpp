@@ -11,6 +11,7 @@ namespace rasterkit {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 /// The reason why a text is no recipe; empty if it is one.
@@ -68,6 +69,8 @@ TEST(ReadRecipeTest, SyntaxIsRefusedByLineAndColumn) {
   EXPECT_THAT(FaultOf("{\"schema\": 1e999}"), StartsWith("line 1, column 16: number overflow"));
   EXPECT_THAT(FaultOf("{\"made_with\": \"\xFF\"}"), StartsWith("line 1, column 16: "));
   EXPECT_THAT(FaultOf("{\"made_with\": \"\xC3\"}"), StartsWith("line 1, column "));
+  EXPECT_THAT(FaultOf("{\n\"made_with\": \"a\nb\"}"), StartsWith("line 2, column 16: "));
+  EXPECT_THAT(FaultOf("{\n"), StartsWith("line 2, column 1: unexpected end"));
   EXPECT_THAT(FaultOf("{\"schema\": NaN}"), StartsWith("line 1, column "));
   EXPECT_THAT(FaultOf("{\"schema\": 1, // why\n \"steps\": []}"), StartsWith("line 1, column "));
 }
@@ -194,9 +197,19 @@ TEST(WriteRecipeTest, IsReadable) {
 )");
 }
 
+TEST(WriteRecipeTest, StatesThatThePictureStaysAsStored) {
+  Recipe recipe;
+  EXPECT_THAT(WriteRecipe(recipe), Not(HasSubstr("as_stored")));
+  recipe.isAsStored = true;
+  EXPECT_THAT(WriteRecipe(recipe), HasSubstr("\"as_stored\": true"));
+  EXPECT_TRUE(ReadRecipe(WriteRecipe(recipe)).isAsStored);
+  EXPECT_EQ(FaultOf(R"({"schema": 1, "steps": [], "as_stored": 1})"),
+            "/as_stored: 1 is neither true nor false");
+}
+
 std::string WritingFault(const RecipeStep& step) {
   try {
-    WriteRecipe({"", false, {step}, {}});
+    WriteRecipe({"", {step}, {}});
     return {};
   } catch (const RangeError& error) {
     return error.Reason();
@@ -214,13 +227,13 @@ TEST(WriteRecipeTest, RefusesWhatCouldNotBeRead) {
   MetadataEdit edit;
   edit.set = {{"Artist", "\xFF"}};
   EXPECT_THAT(WritingFault(EditStep{edit}), StartsWith("/steps/0/set/0/value: the text is no"));
-  EXPECT_THROW(WriteRecipe({"\xFF", false, {}, {}}), RangeError);
+  EXPECT_THROW(WriteRecipe({"\xFF", {}, {}}), RangeError);
 }
 
 TEST(WriteRecipeTest, KnowsNoLocale) {
   const std::string old = std::setlocale(LC_ALL, nullptr);
   if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no German locale here";
-  const Recipe recipe{"", false, {RotateStep{1234.5, {}}}, {}};
+  const Recipe recipe{"", {RotateStep{1234.5, {}}}, {}};
   const std::string text = WriteRecipe(recipe);
   EXPECT_THAT(text, HasSubstr("\"degrees\": 1234.5"));
   EXPECT_EQ(std::get<RotateStep>(ReadRecipe(text).steps[0]).degrees, 1234.5);
