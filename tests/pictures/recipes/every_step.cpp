@@ -445,6 +445,7 @@ Recipe RandomRecipe(std::mt19937& random) {
   Picker pick(random);
   Recipe recipe;
   recipe.madeWith = pick.Text();
+  recipe.isAsStored = pick.Flag();
   const int count = pick.Whole(0, 8);
   for (int i = 0; i < count; ++i) recipe.steps.push_back(RandomStep(random));
   Vary(pick, recipe.save);
