@@ -1565,5 +1565,9 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <source>New width in the chosen unit</source>
         <translation>Neue Breite in der gewählten Einheit</translation>
     </message>
+    <message>
+        <source>OK writes %s</source>
+        <translation>OK schreibt %s</translation>
+    </message>
 </context>
 </TS>

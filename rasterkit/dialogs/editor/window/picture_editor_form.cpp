@@ -124,13 +124,21 @@ void TFormPictureEditor::ShowEditor() {
 
 bool TFormPictureEditor::EndSession(bool mayAsk) {
   if (!mayAsk || isClosed_ || !isVisible()) return true;
-  if (jobs_.IsRunning()) {
+  if (jobs_.IsRunning()) CancelJob();
+  WaitForJobs();
+  model_->CancelOrClose();
+  // It may be saved first.
+  WaitForJobs();
+  return isClosed_;
+}
+
+void TFormPictureEditor::WaitForJobs() {
+  while (jobs_.IsRunning()) {
     QEventLoop loop;
     connect(&jobs_, &EditorJobs::ended, &loop, &QEventLoop::quit);
-    CancelJob();
-    loop.exec();
+    // Nonzero where the loops of the program are to end.
+    if (loop.exec(QEventLoop::ExcludeUserInputEvents) != 0) return;
   }
-  return model_->CancelOrClose();
 }
 
 void TFormPictureEditor::Call(EditorCommand command) {
