@@ -145,4 +145,7 @@ inline constexpr std::string_view rsEditorHelpText =
 inline constexpr std::string_view rsEditorHelpKeys = "Keys";
 inline constexpr std::string_view rsEditorHelpOf = "Help on the editor";
 
+/// File name.
+inline constexpr std::string_view rsEditorTarget = "OK writes %s";
+
 }  // namespace rasterkit
