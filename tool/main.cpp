@@ -93,7 +93,7 @@ int Main(int argc, char** argv) {
         AddContrastVerb,  AddAdjustVerb,    AddWhitenVerb,    AddRecolorVerb, AddKeyColorVerb,
         AddPdfWhiteVerb,  AddOpaqueVerb,    AddSwapAlphaVerb, AddPaletteVerb, AddCombineVerb,
         AddWatermarkVerb, AddIconVerb,      AddCompareVerb,   AddGeoTiffVerb, AddExifVerb,
-        AddPagesVerb,     AddPdfVerb,       AddEditVerb,      AddSaveAsVerb}) {
+        AddPagesVerb,     AddPdfVerb,       AddEditVerb,      AddSaveAsVerb,  AddApplyVerb}) {
     verbs.push_back(add(line));
   }
   LimitOptions limits;

@@ -21,6 +21,7 @@ constexpr Folder kFolders[] = {
     {"rasterkit/runtime/memory", 2},
     {"rasterkit/runtime/threads", 2},
     {"rasterkit/runtime/files", 3},
+    {"rasterkit/runtime/journal", 4},
     {"rasterkit/runtime/worker", 4},
     {"rasterkit/kernels/rows", 4},
     {"rasterkit/kernels/filters", 5},

@@ -50,6 +50,9 @@ class EditorModel {
   bool IsWorking() const;
   /// The file that OK writes, and how.
   const std::string& TargetFile() const;
+  /// Why the suggested target is not the file that was opened: "Files of the type webp cannot be
+  /// written. The picture is saved as photo.png."; empty if it is.
+  const std::string& TargetNote() const;
   const RecipeSave& Saving() const;
   int Pages() const;
   int Page() const;
@@ -98,7 +101,7 @@ class EditorModel {
 
  private:
   struct State;
-  std::unique_ptr<State> state_;
+  std::shared_ptr<State> state_;
 };
 
 }  // namespace rasterkit

@@ -64,7 +64,7 @@ void ChangeValuesModel::Load(const TChgBmpValuesRec& values) {
   values_[Index(ValueControl::red)] = values.Red;
   values_[Index(ValueControl::green)] = values.Green;
   values_[Index(ValueControl::blue)] = values.Blue;
-  slots_.fill(kTaskBrightness);
+  slots_ = rules_.loadedTasks;
   ShowValues();
 }
 
@@ -90,19 +90,17 @@ void ChangeValuesModel::SetTBcolorMinMax(int least, int greatest) {
 }
 
 void ChangeValuesModel::SetTrackBarToFarbe(int value) {
-  scaleTexts_ = {"0", "", "255"};
-  SetRange(ValueControl::grayValue, {0, 255});
-  values_[Index(ValueControl::grayValue)] = std::clamp(value, 0, 255);
+  const ValueRange range = rules_.thresholds;
+  scaleTexts_ = {std::to_string(range.least), "", std::to_string(range.greatest)};
+  SetRange(ValueControl::grayValue, range);
+  values_[Index(ValueControl::grayValue)] = std::clamp(value, range.least, range.greatest);
   ShowValues();
 }
 
 void ChangeValuesModel::SetOperation(int32_t operation) {
   operation_ = operation;
   if (operation == kOperationValues) SetTBcolorMinMax(-100, 100);
-  if (operation == kOperationBlackAndWhite) {
-    constexpr int kFirstThreshold = 125;
-    SetTrackBarToFarbe(kFirstThreshold);
-  }
+  if (operation == kOperationBlackAndWhite) SetTrackBarToFarbe(rules_.firstThreshold);
   ExecOperation();
 }
 
@@ -124,8 +122,24 @@ void ChangeValuesModel::EnterAllTasks() {
 
 void ChangeValuesModel::Reset() {
   values_.fill(0);
-  slots_.fill(kTaskNone);
+  values_[Index(ValueControl::grayValue)] = rules_.resetGrayValue;
+  slots_ = rules_.resetTasks;
   ShowValues();
+  ExecOperation();
+}
+
+void ChangeValuesModel::SetValues(const ControlValues& values) {
+  if (busy_) return;
+  for (size_t i = 0; i < kValueControls; ++i) {
+    values_[i] = std::clamp(values[i], ranges_[i].least, ranges_[i].greatest);
+  }
+  ShowValues();
+  ExecOperation();
+}
+
+void ChangeValuesModel::SetMonoColors(TColor dark, TColor light) {
+  dark_ = dark;
+  light_ = light;
   ExecOperation();
 }
 
@@ -137,6 +151,10 @@ void ChangeValuesModel::ExecOperation() {
 std::string ChangeValuesModel::Caption() const {
   return ResourceString(operation_ == kOperationBlackAndWhite ? rsSelectGrayValue
                                                               : rsChangeBitmapValues);
+}
+
+std::string ChangeValuesModel::TextOfReset() const {
+  return ResourceString(rules_.resetText);
 }
 
 TColor ChangeValuesModel::SwatchColor() const {
@@ -160,6 +178,8 @@ ValueChange ChangeValuesModel::CurrentChange() const {
   change.green = Value(ValueControl::green);
   change.blue = Value(ValueControl::blue);
   change.grayValue = Value(ValueControl::grayValue);
+  change.dark = dark_;
+  change.light = light_;
   return change;
 }
 
@@ -176,7 +196,11 @@ TBitmap ChangeValuesModel::OriginalPreview(TColor ground) const {
 }
 
 TBitmap ChangeValuesModel::ChangedPreview(TColor ground) const {
-  return DrawChangedPart(original_, position_.Visible(), CurrentChange(), ground);
+  return ChangedPart(position_.Visible(), ground);
+}
+
+TBitmap ChangeValuesModel::ChangedPart(const TRect& part, TColor ground) const {
+  return rules_.drawPart(original_, part, CurrentChange(), ground);
 }
 
 }  // namespace rasterkit

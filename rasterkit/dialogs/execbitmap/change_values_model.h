@@ -8,6 +8,7 @@
 #include <rasterkit/dialogs/execbitmap/change_bitmap.h>
 #include <rasterkit/dialogs/execbitmap/preview_position.h>
 #include <rasterkit/dialogs/execbitmap/value_change.h>
+#include <rasterkit/dialogs/execbitmap/value_rules.h>
 
 namespace rasterkit {
 
@@ -16,10 +17,8 @@ namespace rasterkit {
 enum class ValueControl { lightness, contrast, sharpen, red, green, blue, grayValue };
 inline constexpr size_t kValueControls = 7;
 
-struct ValueRange {
-  int least = 0, greatest = 0;
-  friend bool operator==(const ValueRange&, const ValueRange&) = default;
-};
+/// A number for each control.
+using ControlValues = std::array<int, kValueControls>;
 
 /// Texts below the track bar of the gray value; an empty middle text is not shown.
 struct ScaleTexts {
@@ -27,10 +26,11 @@ struct ScaleTexts {
 };
 
 /// The state and the rules of the change-values dialog, without a window. The picture is only read
-/// and must outlive the model.
+/// and must outlive the model, and so must the rules.
 class ChangeValuesModel {
  public:
-  explicit ChangeValuesModel(const TBitmap& original) : original_(original) {}
+  explicit ChangeValuesModel(const TBitmap& original, const ValueRules& rules = kEntryValueRules)
+      : original_(original), rules_(rules) {}
 
   /// Called if numbers changed, while the model is busy: values set by the form meanwhile are
   /// ignored.
@@ -38,9 +38,9 @@ class ChangeValuesModel {
   /// Called if the changed preview and the swatch must be painted.
   std::function<void()> OnRepaint;
 
-  /// Takes the starting values and fills every task slot with brightness, so that until `Reset`
-  /// there is no slot for another task. Colors are taken without regard to the current range of
-  /// their track bars.
+  /// Takes the starting values and the tasks that the rules have then. Those of the entries fill
+  /// every slot with brightness, so that until `Reset` there is no slot for another task. Colors
+  /// are taken without regard to the current range of their track bars.
   void Load(const TChgBmpValuesRec& values);
   /// Writes the values back, except for the gray value.
   void Store(TChgBmpValuesRec& values) const;
@@ -58,8 +58,13 @@ class ChangeValuesModel {
   void AddTag(int32_t code) { AddTask(slots_, code); }
   /// Adds every task once: brightness, contrast, sharpening, colors.
   void EnterAllTasks();
-  /// Sets every number to 0 and empties the task slots.
+  /// Sets every number to 0 and the gray value and the task slots to those of the rules.
   void Reset();
+  /// Sets all numbers at once, each clamped to its range; the tasks stay.
+  void SetValues(const ControlValues& values);
+  const ControlValues& Values() const { return values_; }
+  /// Sets the colors of black and white.
+  void SetMonoColors(TColor dark, TColor light);
   /// Recomputes the changed preview; no-op while busy.
   void ExecOperation();
   bool Busy() const { return busy_; }
@@ -71,6 +76,8 @@ class ChangeValuesModel {
   const TaskSlots& Slots() const { return slots_; }
 
   std::string Caption() const;
+  /// The word on the button that calls `Reset`.
+  std::string TextOfReset() const;
   const ScaleTexts& TextsOfGrayValue() const { return scaleTexts_; }
   /// Whether the colors and the options are shown.
   bool ShowsEditingPanel() const { return operation_ == kOperationValues; }
@@ -86,26 +93,33 @@ class ChangeValuesModel {
   /// Returns the visible part of the original (or changed) picture on a background color.
   TBitmap OriginalPreview(TColor ground) const;
   TBitmap ChangedPreview(TColor ground) const;
+  /// Returns a part of the picture as it would be drawn after the change.
+  TBitmap ChangedPart(const TRect& part, TColor ground) const;
+  /// The numbers and tasks in effect.
+  ValueChange CurrentChange() const;
+  const ValueRules& Rules() const { return rules_; }
+  const TBitmap& Original() const { return original_; }
   /// Changes a whole bitmap, which is (a copy of) the original; a step that fails has no effect.
   void ApplyTo(TBitmap& bitmap) const;
 
  private:
   static size_t Index(ValueControl control) { return static_cast<size_t>(control); }
 
-  ValueChange CurrentChange() const;
   void SetRange(ValueControl control, ValueRange range);
   void Notify(const std::function<void()>& listener) const;
   void ShowValues();
 
   const TBitmap& original_;
+  const ValueRules& rules_;
   int32_t operation_ = kOperationValues;
   bool busy_ = false;
   TaskSlots slots_{};
-  std::array<int, kValueControls> values_{};
+  ControlValues values_{};
   std::array<ValueRange, kValueControls> ranges_{
       {{-100, 100}, {-100, 100}, {-100, 100}, {0, 255}, {0, 255}, {0, 255}, {-100, 100}}};
   bool showsSwatch_ = true;
   ScaleTexts scaleTexts_;
+  TColor dark_ = clBlack, light_ = clWhite;
   PreviewPosition position_;
 };
 

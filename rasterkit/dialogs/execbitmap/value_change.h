@@ -30,6 +30,8 @@ struct ValueChange {
   int32_t red = 0, green = 0, blue = 0;
   /// The threshold of operation 5.
   int32_t grayValue = 0;
+  /// The colors of operation 5 as a step of a picture (see StepOf).
+  TColor dark = clBlack, light = clWhite;
 
   /// Changes the bitmap, on the calling thread.
   void ApplyTo(TBitmap& bitmap) const;

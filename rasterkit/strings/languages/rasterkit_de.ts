@@ -1149,6 +1149,327 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>The sheet needs %s x %s pixels, more than the picture has</source>
         <translation>Das Blatt braucht %s x %s Pixel, mehr als das Bild hat</translation>
+    <message>
+        <source>Reset</source>
+        <translation>Zurücksetzen</translation>
+        <source>%d x %d pixels, %s, %s %s</source>
+        <translation>%d x %d Pixel, %s, %s %s</translation>
+    </message>
+    <message>
+        <source>%s dpi</source>
+        <translation>%s dpi</translation>
+    </message>
+    <message>
+        <source>%s x %s dpi</source>
+        <translation>%s x %s dpi</translation>
+    </message>
+    <message>
+        <source>no resolution</source>
+        <translation>keine Auflösung</translation>
+    </message>
+    <message>
+        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
+        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
+    </message>
+    <message>
+        <source>This size needs %s %s of memory. The limit is %s %s.</source>
+        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
+    </message>
+    <message>
+        <source>Millimeters need a resolution of %d to %d dpi.</source>
+        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
+    </message>
+    <message>
+        <source>The picture has this size.</source>
+        <translation>Das Bild hat diese Größe.</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>&amp;Filter</source>
+        <translation>&amp;Filter</translation>
+    </message>
+    <message>
+        <source>area (to make smaller)</source>
+        <translation>Fläche (zum Verkleinern)</translation>
+    </message>
+    <message>
+        <source>automatic</source>
+        <translation>automatisch</translation>
+    </message>
+    <message>
+        <source>How the new pixels follow from the old ones</source>
+        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
+    </message>
+    <message>
+        <source>linear (smooth)</source>
+        <translation>linear (weich)</translation>
+    </message>
+    <message>
+        <source>nearest pixel (hard edges)</source>
+        <translation>nächstes Pixel (harte Kanten)</translation>
+    </message>
+    <message>
+        <source>New height in the chosen unit</source>
+        <translation>Neue Höhe in der gewählten Einheit</translation>
+    </message>
+    <message>
+        <source>Keep proportion</source>
+        <translation>Seitenverhältnis behalten</translation>
+    </message>
+    <message>
+        <source>&amp;Keep proportion</source>
+        <translation>&amp;Seitenverhältnis behalten</translation>
+    </message>
+    <message>
+        <source>Picture:</source>
+        <translation>Bild:</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>R&amp;edo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>Un&amp;do</source>
+        <translation>Rückgän&amp;gig</translation>
+    </message>
+    <message>
+        <source>Makes the change again (Ctrl+Y)</source>
+        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
+    </message>
+    <message>
+        <source>Dots per inch at which millimeters become pixels</source>
+        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
+    </message>
+    <message>
+        <source>Resolution</source>
+        <translation>Auflösung</translation>
+    </message>
+    <message>
+        <source>Result:</source>
+        <translation>Ergebnis:</translation>
+    </message>
+    <message>
+        <source>Takes back the last change (Ctrl+Z)</source>
+        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Einheit</translation>
+    </message>
+    <message>
+        <source>&amp;Unit</source>
+        <translation>&amp;Einheit</translation>
+    </message>
+    <message>
+        <source>Unit of width and height</source>
+        <translation>Einheit von Breite und Höhe</translation>
+    </message>
+    <message>
+        <source>millimeters</source>
+        <translation>Millimeter</translation>
+    </message>
+    <message>
+        <source>percent</source>
+        <translation>Prozent</translation>
+    </message>
+    <message>
+        <source>pixels</source>
+        <translation>Pixel</translation>
+    </message>
+    <message>
+        <source>New width in the chosen unit</source>
+        <translation>Neue Breite in der gewählten Einheit</translation>
+        <source>Turn left</source>
+        <translation>Nach links drehen</translation>
+    </message>
+    <message>
+        <source>Turn right</source>
+        <translation>Nach rechts drehen</translation>
+    </message>
+    <message>
+        <source>Turn by 180 degrees</source>
+        <translation>Um 180 Grad drehen</translation>
+    </message>
+    <message>
+        <source>Mirror left and right</source>
+        <translation>Links und rechts spiegeln</translation>
+    </message>
+    <message>
+        <source>Mirror top and bottom</source>
+        <translation>Oben und unten spiegeln</translation>
+    </message>
+    <message>
+        <source>Rotate by %s degrees</source>
+        <translation>Um %s Grad drehen</translation>
+    </message>
+    <message>
+        <source>Turn north up</source>
+        <translation>Nach Norden ausrichten</translation>
+    </message>
+    <message>
+        <source>Crop to %d x %d</source>
+        <translation>Auf %d x %d zuschneiden</translation>
+    </message>
+    <message>
+        <source>Resize to %d x %d</source>
+        <translation>Größe %d x %d</translation>
+    </message>
+    <message>
+        <source>Make gray</source>
+        <translation>In Graustufen umwandeln</translation>
+    </message>
+    <message>
+        <source>Make black and white</source>
+        <translation>In Schwarzweiß umwandeln</translation>
+    </message>
+    <message>
+        <source>Reduce to %d colors</source>
+        <translation>Auf %d Farben verringern</translation>
+    </message>
+    <message>
+        <source>Change to %d bits</source>
+        <translation>In %d Bit umwandeln</translation>
+    </message>
+    <message>
+        <source>Change values</source>
+        <translation>Werte ändern</translation>
+    </message>
+    <message>
+        <source>Change colors</source>
+        <translation>Farben ändern</translation>
+    </message>
+    <message>
+        <source>Combine with another picture</source>
+        <translation>Mit einem anderen Bild verbinden</translation>
+    </message>
+    <message>
+        <source>Take the palette of another picture</source>
+        <translation>Palette eines anderen Bildes nehmen</translation>
+    </message>
+    <message>
+        <source>Set the position</source>
+        <translation>Lage setzen</translation>
+    </message>
+    <message>
+        <source>Change metadata</source>
+        <translation>Metadaten ändern</translation>
+    </message>
+    <message>
+        <source>Stretch the numbers</source>
+        <translation>Zahlen strecken</translation>
+    </message>
+    <message>
+        <source>Other step</source>
+        <translation>Anderer Schritt</translation>
+    </message>
+    <message>
+        <source>Reading the picture</source>
+        <translation>Das Bild wird gelesen</translation>
+    </message>
+    <message>
+        <source>Drawing the page</source>
+        <translation>Die Seite wird gezeichnet</translation>
+    </message>
+    <message>
+        <source>Undoing a step</source>
+        <translation>Ein Schritt wird zurückgenommen</translation>
+    </message>
+    <message>
+        <source>Saving the picture</source>
+        <translation>Das Bild wird gespeichert</translation>
+    </message>
+    <message>
+        <source>Checking how it is saved</source>
+        <translation>Das Speichern wird geprüft</translation>
+    </message>
+    <message>
+        <source>%s (%s MiB)</source>
+        <translation>%s (%s MiB)</translation>
+    </message>
+    <message>
+        <source>%s: %d x %d pixels, %d bits, %s MiB</source>
+        <translation>%s: %d x %d Pixel, %d Bit, %s MiB</translation>
+    </message>
+    <message>
+        <source>%s: %d x %d pixels, %d bits, %s dpi, %s MiB</source>
+        <translation>%s: %d x %d Pixel, %d Bit, %s dpi, %s MiB</translation>
+    </message>
+    <message>
+        <source>%s, page %d of %d</source>
+        <translation>%s, Seite %d von %d</translation>
+    </message>
+    <message>
+        <source>Lossless: the compressed pixels are kept</source>
+        <translation>Verlustfrei: Die komprimierten Pixel bleiben</translation>
+    </message>
+    <message>
+        <source>Lossless: the compressed pixels are moved</source>
+        <translation>Verlustfrei: Die komprimierten Pixel werden verschoben</translation>
+    </message>
+    <message>
+        <source>Lossless: every pixel is kept as it is</source>
+        <translation>Verlustfrei: Jedes Pixel bleibt, wie es ist</translation>
+    </message>
+    <message>
+        <source>Compressed again, which changes pixels a little</source>
+        <translation>Neu komprimiert, was Pixel etwas ändert</translation>
+    </message>
+    <message>
+        <source>Compressed again, because %s</source>
+        <translation>Neu komprimiert: %s</translation>
+    </message>
+    <message>
+        <source>%s: %s</source>
+        <translation>%s: %s</translation>
+    </message>
+    <message>
+        <source>%s cannot be written: %s.
+Choose another folder or name before you save.</source>
+        <translation>%s kann nicht geschrieben werden: %s.
+Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
+    </message>
+    <message>
+        <source>Files of the type %s cannot be written. The picture is saved as %s.</source>
+        <translation>Dateien vom Typ %s können nicht geschrieben werden. Das Bild wird als %s gespeichert.</translation>
+    </message>
+    <message>
+        <source>%s is the file that is edited, and its type cannot be written. Choose another name.</source>
+        <translation>%s ist die Datei, die bearbeitet wird, und ihr Typ kann nicht geschrieben werden. Wählen Sie einen anderen Namen.</translation>
+    </message>
+    <message>
+        <source>%s exists. Do you want to replace it?</source>
+        <translation>%s ist vorhanden. Möchten Sie die Datei ersetzen?</translation>
+    </message>
+    <message>
+        <source>%s was changed by another program. Do you want to replace it nevertheless?</source>
+        <translation>%s wurde von einem anderen Programm geändert. Möchten Sie die Datei trotzdem ersetzen?</translation>
+    </message>
+    <message>
+        <source>%s has changes that are not saved. Do you want to save them?</source>
+        <translation>%s hat Änderungen, die nicht gespeichert sind. Möchten Sie sie speichern?</translation>
+    </message>
+    <message>
+        <source>The editor ended before the changes of %s were saved. Do you want to take up its %d steps?</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie die %d Schritte übernehmen?</translation>
+    </message>
+    <message>
+        <source>The editor ended before the changes of %s were saved, and the file was changed since. Do you want to take up its %d steps nevertheless? They may be in the file already.</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Möchten Sie die %d Schritte trotzdem übernehmen? Sie können schon in der Datei sein.</translation>
+    </message>
+    <message>
+        <source>%d steps do not fit the picture: %s</source>
+        <translation>%d Schritte passen nicht zum Bild: %s</translation>
+    </message>
+    <message>
+        <source>The picture is saved as %s. This file exists already. Overwrite it?</source>
+        <translation>Das Bild wird als %s gespeichert. Diese Datei ist bereits vorhanden. Überschreiben?</translation>
     </message>
 </context>
 </TS>
