@@ -103,6 +103,7 @@ constexpr Folder kFolders[] = {
     {"rasterkit/dialogs/size", 43},
     {"rasterkit/dialogs/saving", 43},
     {"rasterkit/dialogs/editor", 44},
+    {"rasterkit/dialogs/editor/window", 45},
     {"rasterkit/dialogs/desktop", 45},
     {"rasterkit", 46},
     {"worker", 47},

@@ -86,15 +86,14 @@ std::optional<TPoint> ArrowOf(int key) {
   }
 }
 
-/// Ctrl+Y and Ctrl+Shift+Z, of which each desktop has one alone.
+}  // namespace
+
 bool IsRedo(const QKeyEvent& event) {
   const Qt::KeyboardModifiers keys = event.modifiers() & ~Qt::KeypadModifier;
   return event.matches(QKeySequence::Redo) ||
          (event.key() == Qt::Key_Y && keys == Qt::ControlModifier) ||
          (event.key() == Qt::Key_Z && keys == (Qt::ControlModifier | Qt::ShiftModifier));
 }
-
-}  // namespace
 
 TBmpCutRect::TBmpCutRect(TPaintBox* paintBox, QLabel* sizeLabel, const CropRules& rules)
     : BmpCutModel(static_cast<CutView&>(*this), rules), fPaintBox(paintBox), fSizeLabel(sizeLabel) {

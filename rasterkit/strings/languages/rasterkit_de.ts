@@ -1010,6 +1010,380 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>New width in the chosen unit</source>
         <translation>Neue Breite in der gewählten Einheit</translation>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Picture</source>
+        <translation>B&amp;ild</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>A&amp;nsicht</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>&amp;Open...</source>
+        <translation>&amp;Öffnen...</translation>
+    </message>
+    <message>
+        <source>Opens another file in this window</source>
+        <translation>Öffnet eine andere Datei in diesem Fenster</translation>
+    </message>
+    <message>
+        <source>Writes the file and stays here</source>
+        <translation>Schreibt die Datei und bleibt hier</translation>
+    </message>
+    <message>
+        <source>Save &amp;as...</source>
+        <translation>Speichern &amp;unter...</translation>
+    </message>
+    <message>
+        <source>Writes another file</source>
+        <translation>Schreibt eine andere Datei</translation>
+    </message>
+    <message>
+        <source>Se&amp;ttings of the file...</source>
+        <translation>&amp;Einstellungen der Datei...</translation>
+    </message>
+    <message>
+        <source>Changes quality, compression and depth of the file that is written</source>
+        <translation>Ändert Qualität, Kompression und Farbtiefe der geschriebenen Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
+        <source>Closes the window; asks if work would be lost</source>
+        <translation>Schließt das Fenster; fragt, wenn Arbeit verloren ginge</translation>
+    </message>
+    <message>
+        <source>Takes back the last step</source>
+        <translation>Nimmt den letzten Schritt zurück</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>Makes the step again that was taken back</source>
+        <translation>Führt den zurückgenommenen Schritt wieder aus</translation>
+    </message>
+    <message>
+        <source>Turn &amp;left</source>
+        <translation>Nach &amp;links drehen</translation>
+    </message>
+    <message>
+        <source>Turns the picture by a quarter to the left</source>
+        <translation>Dreht das Bild um ein Viertel nach links</translation>
+    </message>
+    <message>
+        <source>Turn &amp;right</source>
+        <translation>Nach &amp;rechts drehen</translation>
+    </message>
+    <message>
+        <source>Turns the picture by a quarter to the right</source>
+        <translation>Dreht das Bild um ein Viertel nach rechts</translation>
+    </message>
+    <message>
+        <source>&amp;Mirror</source>
+        <translation>&amp;Spiegeln</translation>
+    </message>
+    <message>
+        <source>Exchanges left and right</source>
+        <translation>Vertauscht links und rechts</translation>
+    </message>
+    <message>
+        <source>&amp;Flip</source>
+        <translation>Auf den &amp;Kopf spiegeln</translation>
+    </message>
+    <message>
+        <source>Exchanges top and bottom</source>
+        <translation>Vertauscht oben und unten</translation>
+    </message>
+    <message>
+        <source>R&amp;otate by an angle...</source>
+        <translation>Um &amp;Winkel drehen...</translation>
+    </message>
+    <message>
+        <source>Goes to the number field of the angle</source>
+        <translation>Geht zum Zahlenfeld des Winkels</translation>
+    </message>
+    <message>
+        <source>&amp;Crop...</source>
+        <translation>&amp;Zuschneiden...</translation>
+    </message>
+    <message>
+        <source>Keeps a part of the picture</source>
+        <translation>Behält einen Teil des Bildes</translation>
+    </message>
+    <message>
+        <source>&amp;Size...</source>
+        <translation>&amp;Größe...</translation>
+    </message>
+    <message>
+        <source>Gives the picture another size</source>
+        <translation>Gibt dem Bild eine andere Größe</translation>
+    </message>
+    <message>
+        <source>&amp;Values...</source>
+        <translation>&amp;Farbwerte...</translation>
+    </message>
+    <message>
+        <source>Changes brightness, contrast, sharpness and colors</source>
+        <translation>Ändert Helligkeit, Kontrast, Schärfe und Farben</translation>
+    </message>
+    <message>
+        <source>&amp;Gray</source>
+        <translation>Gra&amp;u</translation>
+    </message>
+    <message>
+        <source>Replaces colors by shades of gray</source>
+        <translation>Ersetzt Farben durch Graustufen</translation>
+    </message>
+    <message>
+        <source>&amp;Black and white...</source>
+        <translation>Schwarz und w&amp;eiß...</translation>
+    </message>
+    <message>
+        <source>Replaces colors by black and white</source>
+        <translation>Ersetzt Farben durch Schwarz und Weiß</translation>
+    </message>
+    <message>
+        <source>2&amp;56 colors</source>
+        <translation>2&amp;56 Farben</translation>
+    </message>
+    <message>
+        <source>Reduces the picture to a palette of 256 colors</source>
+        <translation>Verringert das Bild auf eine Palette von 256 Farben</translation>
+    </message>
+    <message>
+        <source>Shows each pixel of the picture as one of the screen</source>
+        <translation>Zeigt jedes Pixel des Bildes als eines des Bildschirms</translation>
+    </message>
+    <message>
+        <source>Zoom &amp;in</source>
+        <translation>Ver&amp;größern</translation>
+    </message>
+    <message>
+        <source>Shows the picture larger</source>
+        <translation>Zeigt das Bild größer</translation>
+    </message>
+    <message>
+        <source>Zoom &amp;out</source>
+        <translation>Ver&amp;kleinern</translation>
+    </message>
+    <message>
+        <source>Shows the picture smaller</source>
+        <translation>Zeigt das Bild kleiner</translation>
+    </message>
+    <message>
+        <source>List of &amp;pages</source>
+        <translation>Liste der &amp;Seiten</translation>
+    </message>
+    <message>
+        <source>Shows or hides the pages of the document</source>
+        <translation>Zeigt oder verbirgt die Seiten des Dokuments</translation>
+    </message>
+    <message>
+        <source>List of &amp;steps</source>
+        <translation>Liste der S&amp;chritte</translation>
+    </message>
+    <message>
+        <source>Shows or hides the steps that lead to the picture</source>
+        <translation>Zeigt oder verbirgt die Schritte, die zum Bild führen</translation>
+    </message>
+    <message>
+        <source>P&amp;revious page</source>
+        <translation>&amp;Vorige Seite</translation>
+    </message>
+    <message>
+        <source>Goes to the page before</source>
+        <translation>Geht zur Seite davor</translation>
+    </message>
+    <message>
+        <source>&amp;Next page</source>
+        <translation>&amp;Nächste Seite</translation>
+    </message>
+    <message>
+        <source>Goes to the page after</source>
+        <translation>Geht zur Seite danach</translation>
+    </message>
+    <message>
+        <source>Firs&amp;t page</source>
+        <translation>Ers&amp;te Seite</translation>
+    </message>
+    <message>
+        <source>Goes to the first page</source>
+        <translation>Geht zur ersten Seite</translation>
+    </message>
+    <message>
+        <source>&amp;Last page</source>
+        <translation>&amp;Letzte Seite</translation>
+    </message>
+    <message>
+        <source>Goes to the last page</source>
+        <translation>Geht zur letzten Seite</translation>
+    </message>
+    <message>
+        <source>&amp;Documentation</source>
+        <translation>&amp;Dokumentation</translation>
+    </message>
+    <message>
+        <source>Opens the documentation</source>
+        <translation>Öffnet die Dokumentation</translation>
+    </message>
+    <message>
+        <source>Edit picture</source>
+        <translation>Bild bearbeiten</translation>
+    </message>
+    <message>
+        <source>Tools</source>
+        <translation>Werkzeuge</translation>
+    </message>
+    <message>
+        <source>Arrow keys go from tool to tool, Space and Enter press one, F6 comes back here</source>
+        <translation>Pfeiltasten gehen von Werkzeug zu Werkzeug, Leertaste und Eingabetaste drücken eines, F6 kommt hierher zurück</translation>
+    </message>
+    <message>
+        <source>The picture</source>
+        <translation>Das Bild</translation>
+    </message>
+    <message>
+        <source>The wheel, plus and minus zoom, dragging and arrow keys move the picture</source>
+        <translation>Das Rad, Plus und Minus zoomen, Ziehen und Pfeiltasten verschieben das Bild</translation>
+    </message>
+    <message>
+        <source>Turn the wheel to zoom, drag to move</source>
+        <translation>Rad drehen zum Zoomen, ziehen zum Verschieben</translation>
+    </message>
+    <message>
+        <source>No picture: open a file, or drop one here</source>
+        <translation>Kein Bild: Datei öffnen oder hierher ziehen</translation>
+    </message>
+    <message>
+        <source>Page&amp;s</source>
+        <translation>&amp;Seiten</translation>
+    </message>
+    <message>
+        <source>The pages of the document; Enter or a click shows one</source>
+        <translation>Die Seiten des Dokuments; Eingabetaste oder Klick zeigt eine</translation>
+    </message>
+    <message>
+        <source>S&amp;teps</source>
+        <translation>S&amp;chritte</translation>
+    </message>
+    <message>
+        <source>The steps of the picture; Enter or a click goes back to one, or forward</source>
+        <translation>Die Schritte des Bildes; Eingabetaste oder Klick geht zu einem zurück oder vor</translation>
+    </message>
+    <message>
+        <source>As opened</source>
+        <translation>Wie geöffnet</translation>
+    </message>
+    <message>
+        <source>Dots per inch at which the page is drawn; type a number and press Enter</source>
+        <translation>Punkte pro Zoll, mit denen die Seite gezeichnet wird; Zahl eingeben und Eingabetaste drücken</translation>
+    </message>
+    <message>
+        <source>&amp;Angle [°]</source>
+        <translation>&amp;Winkel [°]</translation>
+    </message>
+    <message>
+        <source>Degrees, counter-clockwise; Enter rotates the picture</source>
+        <translation>Grad gegen den Uhrzeigersinn; Eingabetaste dreht das Bild</translation>
+    </message>
+    <message>
+        <source>Angle in degrees</source>
+        <translation>Winkel in Grad</translation>
+    </message>
+    <message>
+        <source>R&amp;otate</source>
+        <translation>D&amp;rehen</translation>
+    </message>
+    <message>
+        <source>Rotates the picture by the angle</source>
+        <translation>Dreht das Bild um den Winkel</translation>
+    </message>
+    <message>
+        <source>Pa&amp;ge (of %d)</source>
+        <translation>S&amp;eite (von %d)</translation>
+    </message>
+    <message>
+        <source>Page %d</source>
+        <translation>Seite %d</translation>
+    </message>
+    <message>
+        <source>Zoom %d %%</source>
+        <translation>Zoom %d %%</translation>
+    </message>
+    <message>
+        <source>Lost when saved: %s</source>
+        <translation>Geht beim Speichern verloren: %s</translation>
+    </message>
+    <message>
+        <source>and %d more</source>
+        <translation>und %d weitere</translation>
+    </message>
+    <message>
+        <source>Cancel the running work</source>
+        <translation>Laufende Arbeit abbrechen</translation>
+    </message>
+    <message>
+        <source>Stops what is running; the picture stays as it was (Escape)</source>
+        <translation>Beendet, was gerade läuft; das Bild bleibt, wie es war (Escape)</translation>
+    </message>
+    <message>
+        <source>Not enough memory</source>
+        <translation>Nicht genug Arbeitsspeicher</translation>
+    </message>
+    <message>
+        <source>Unknown fault</source>
+        <translation>Unbekannter Fehler</translation>
+    </message>
+    <message>
+        <source>Writes the file and closes the window</source>
+        <translation>Schreibt die Datei und schließt das Fenster</translation>
+    </message>
+    <message>
+        <source>Closes the window, or stops what is running; asks if work would be lost</source>
+        <translation>Schließt das Fenster oder beendet, was läuft; fragt, wenn Arbeit verloren ginge</translation>
+    </message>
+    <message>
+        <source>&amp;Discard</source>
+        <translation>&amp;Verwerfen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>&amp;Ersetzen</translation>
+    </message>
+    <message>
+        <source>&amp;Take up</source>
+        <translation>&amp;Übernehmen</translation>
+    </message>
+    <message>
+        <source>Steps are kept in a list and run on the picture as it was opened. Undo and the list of steps go back at any time. OK writes the file that was named, and asks before it replaces one. The compressed pixels of a file are kept where that is possible; the window says so before it writes.</source>
+        <translation>Schritte stehen in einer Liste und laufen auf dem Bild, wie es geöffnet wurde. Rückgängig und die Liste der Schritte gehen jederzeit zurück. OK schreibt die genannte Datei und fragt, bevor es eine ersetzt. Die komprimierten Pixel einer Datei bleiben erhalten, wo das möglich ist; das Fenster sagt es vor dem Schreiben.</translation>
+    </message>
+    <message>
+        <source>Keys</source>
+        <translation>Tasten</translation>
+    </message>
+    <message>
+        <source>Help on the editor</source>
+        <translation>Hilfe zum Editor</translation>
         <source>Turn left</source>
         <translation>Nach links drehen</translation>
     </message>
@@ -1190,10 +1564,18 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>%d steps do not fit the picture: %s</source>
         <translation>%d Schritte passen nicht zum Bild: %s</translation>
+        <source>Reset</source>
+        <translation>Zurücksetzen</translation>
+        <source>%d x %d pixels, %s, %s %s</source>
+        <translation>%d x %d Pixel, %s, %s %s</translation>
     </message>
     <message>
         <source>The picture is saved as %s. This file exists already. Overwrite it?</source>
         <translation>Das Bild wird als %s gespeichert. Diese Datei ist bereits vorhanden. Überschreiben?</translation>
+    </message>
+    <message>
+        <source>OK writes %s</source>
+        <translation>OK schreibt %s</translation>
     </message>
 </context>
 </TS>
