@@ -2,6 +2,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
+#include <QShortcut>
 #include <QStandardItemModel>
 #include <array>
 #include <utility>
@@ -39,7 +40,8 @@ TFormChooseCrop::TFormChooseCrop(TBitmap& bitmap, const CropFacts& facts,
       isLossless_(options.isLossless),
       showsUnits_(options.showsUnits),
       showsRatios_(options.showsRatios),
-      showsGuides_(options.showsGuides) {
+      showsGuides_(options.showsGuides),
+      settings_(settings) {
   SetUpForm(*ui_);
   SetUpTool(bitmap);
   model_ = std::make_unique<CropWindowModel>(*tool_, facts);
@@ -119,6 +121,14 @@ void TFormChooseCrop::ConnectButtons() {
   onClick(ui_->SpeedButtonUndo, &TFormChooseCrop::Undo);
   onClick(ui_->SpeedButtonRedo, &TFormChooseCrop::Redo);
   onClick(ui_->SpeedButtonWhole, &TFormChooseCrop::KeepWhole);
+  // Lists and fields would take these keys for themselves.
+  const auto addKey = [](QPushButton* button, int key) {
+    auto* shortcut = new QShortcut(QKeySequence(key), button);
+    connect(shortcut, &QShortcut::activated, button, &QPushButton::click);
+  };
+  addKey(ui_->SpeedButtonUndo, Qt::CTRL | Qt::Key_Z);
+  addKey(ui_->SpeedButtonRedo, Qt::CTRL | Qt::Key_Y);
+  addKey(ui_->SpeedButtonRedo, Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
   connect(ui_->NaviResult, &TNavigator::postClicked, this, &QDialog::accept);
   connect(ui_->NaviResult, &TNavigator::cancelClicked, this, &QDialog::reject);
 }
@@ -214,7 +224,16 @@ void TFormChooseCrop::TakeRatio() {
 }
 
 CropSettings TFormChooseCrop::Settings() const {
-  return {model_->Unit(), model_->Ratio(), model_->Guide()};
+  CropSettings settings = settings_;
+  // A picture that does not know the remembered unit or ratio does not end them.
+  const bool hasUnit = showsUnits_ && (KnowsUnit(model_->Facts(), settings_.unit) ||
+                                       model_->Unit() != LengthUnit::pixels);
+  const bool hasRatio = showsRatios_ && (KnowsRatio(model_->Facts(), settings_.ratio.kind) ||
+                                         model_->Ratio().kind != RatioKind::any);
+  if (hasUnit) settings.unit = model_->Unit();
+  if (hasRatio) settings.ratio = model_->Ratio();
+  if (showsGuides_) settings.guide = model_->Guide();
+  return settings;
 }
 
 void TFormChooseCrop::ShowFitted() {
@@ -345,8 +364,6 @@ void TFormChooseCrop::ShowLossless() {
 void TFormChooseCrop::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape && tool_->CancelDrag()) return;
   if (event->key() == Qt::Key_Delete) return KeepWhole();
-  if (event->matches(QKeySequence::Undo)) return Undo();
-  if (IsRedo(*event)) return Redo();
   TScaledForm::keyPressEvent(event);
 }
 

@@ -70,6 +70,8 @@ class TFormChooseCrop : public TScaledForm {
   std::function<bool(const CropStep& part)> isLossless_;
   std::optional<TPoint> mouse_;
   bool showsUnits_, showsRatios_, showsGuides_;
+  /// What was remembered before.
+  CropSettings settings_;
   bool isShowing_ = false;
 };
 

@@ -3,8 +3,10 @@
 #include <optional>
 #include <string>
 
+#include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/metadata/resolution.h>
+#include <rasterkit/pictures/picture.h>
 #include <rasterkit/pictures/recipes/recipe.h>
 #include <rasterkit/placement/affine.h>
 #include <rasterkit/placement/map_unit.h>
@@ -23,6 +25,11 @@ struct CropFacts {
   std::optional<Affine> affine;
   MapUnit mapUnit;
 };
+
+/// The facts of a picture whose pixels are shown. `mapUnit` is the name of its map's unit where its
+/// coordinate system states none.
+RASTERKIT_EXPORT CropFacts CropFactsOf(const TBitmap& pixels, const Picture& picture,
+                                       const std::string& mapUnit = "");
 
 /// A place in a unit: in map units x and y of the map, else the distances from the top left corner
 /// of the picture.

@@ -19,6 +19,10 @@ class TUnitField : public TSpinEditReal {
 
   void stepBy(int steps) override;
 
+ protected:
+  /// Undo and redo belong to the window unless a number is being typed.
+  bool event(QEvent* event) override;
+
  private:
   bool isTyped_ = false;
 };
