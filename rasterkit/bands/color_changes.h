@@ -6,6 +6,7 @@
 
 #include <rasterkit/bands/color_change.h>
 #include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/runtime/export.h>
 
 /// The changes of color, each with the rules that people expect: palettes keep their depth, and
 /// transparency is kept. Small bitmaps go through them, which show what becomes of a kind of pixels
@@ -37,6 +38,6 @@ bool PutWhiteLast(TBitmap& bitmap);
 /// The threshold of Otsu's rule for counts of gray values: the lowest gray value that counts as
 /// light. If no pixel lies between equally good ones, the middle of the first such run; 128 if all
 /// pixels have one gray value. At most 2^48 pixels.
-int OtsuThreshold(const std::array<uint64_t, 256>& counts);
+RASTERKIT_EXPORT int OtsuThreshold(const std::array<uint64_t, 256>& counts);
 
 }  // namespace rasterkit::detail

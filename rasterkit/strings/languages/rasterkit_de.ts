@@ -1853,5 +1853,149 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <source>OK writes %s</source>
         <translation>OK schreibt %s</translation>
     </message>
+    <message>
+        <source>Sets all values back, so that nothing is changed</source>
+        <translation>Setzt alle Werte zurück, sodass nichts geändert wird</translation>
+    </message>
+    <message>
+        <source>Black and white</source>
+        <translation>Schwarzweiß</translation>
+    </message>
+    <message>
+        <source>Bef&amp;ore</source>
+        <translation>&amp;Vorher</translation>
+    </message>
+    <message>
+        <source>Shows the original while it is held down; so does the key B</source>
+        <translation>Zeigt das Original, solange die Schaltfläche gedrückt ist; ebenso die Taste B</translation>
+    </message>
+    <message>
+        <source>Shows one pixel of the picture for one of the screen, exactly as OK makes it</source>
+        <translation>Zeigt je Bildpunkt einen Punkt des Bildschirms, genau so wie OK ihn erzeugt</translation>
+    </message>
+    <message>
+        <source>Shows the whole picture</source>
+        <translation>Zeigt das ganze Bild</translation>
+    </message>
+    <message>
+        <source>&amp;Loupe</source>
+        <translation>&amp;Lupe</translation>
+    </message>
+    <message>
+        <source>Shows the pixels under the cursor in their actual size where the picture is shown smaller</source>
+        <translation>Zeigt die Bildpunkte unter dem Zeiger in Originalgröße, wo das Bild verkleinert ist</translation>
+    </message>
+    <message>
+        <source>Changed only</source>
+        <translation>Nur geändert</translation>
+    </message>
+    <message>
+        <source>Side by side</source>
+        <translation>Nebeneinander</translation>
+    </message>
+    <message>
+        <source>Split</source>
+        <translation>Geteilt</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+    <message>
+        <source>Drag the picture or the divider; the wheel zooms</source>
+        <translation>Bild oder Trennlinie ziehen; das Rad zoomt</translation>
+    </message>
+    <message>
+        <source>Arrow keys move the picture or the loupe, with Ctrl the divider. Plus and minus zoom.</source>
+        <translation>Pfeiltasten verschieben das Bild oder die Lupe, mit Strg die Trennlinie. Plus und Minus zoomen.</translation>
+    </message>
+    <message>
+        <source>%s, zoom %s %%</source>
+        <translation>%s, Zoom %s %%</translation>
+    </message>
+    <message>
+        <source>Vie&amp;w</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>How original and changed picture are shown</source>
+        <translation>Wie Original und geändertes Bild gezeigt werden</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>Vergrößern</translation>
+    </message>
+    <message>
+        <source>Shows the picture larger</source>
+        <translation>Zeigt das Bild größer</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>Verkleinern</translation>
+    </message>
+    <message>
+        <source>Shows the picture smaller</source>
+        <translation>Zeigt das Bild kleiner</translation>
+    </message>
+    <message>
+        <source>Histogram</source>
+        <translation>Histogramm</translation>
+    </message>
+    <message>
+        <source>How often each brightness occurs in the changed picture; lines for red, green and blue</source>
+        <translation>Wie oft jede Helligkeit im geänderten Bild vorkommt; Linien für Rot, Grün und Blau</translation>
+    </message>
+    <message>
+        <source>How often each gray value occurs; drag the line to the threshold. The triangle marks the automatic threshold.</source>
+        <translation>Wie oft jeder Grauwert vorkommt; die Linie auf die Schwelle ziehen. Das Dreieck markiert die automatische Schwelle.</translation>
+    </message>
+    <message>
+        <source>From %d to %d, mean %d; black %d %%, white %d %%</source>
+        <translation>Von %d bis %d, Mittel %d; Schwarz %d %%, Weiß %d %%</translation>
+    </message>
+    <message>
+        <source>Las&amp;t values</source>
+        <translation>Le&amp;tzte Werte</translation>
+    </message>
+    <message>
+        <source>Takes the values of the last time</source>
+        <translation>Übernimmt die Werte vom letzten Mal</translation>
+    </message>
+    <message>
+        <source>Re&amp;do</source>
+        <translation>Wie&amp;derholen</translation>
+    </message>
+    <message>
+        <source>Makes the change again that was taken back</source>
+        <translation>Stellt die zurückgenommene Änderung wieder her</translation>
+    </message>
+    <message>
+        <source>U&amp;ndo</source>
+        <translation>Rückgä&amp;ngig</translation>
+    </message>
+    <message>
+        <source>Takes back the last change of a value</source>
+        <translation>Nimmt die letzte Änderung eines Wertes zurück</translation>
+    </message>
+    <message>
+        <source>Reset: %s</source>
+        <translation>Zurücksetzen: %s</translation>
+    </message>
+    <message>
+        <source>Sets this value back (Delete on the track bar, or double click on the label)</source>
+        <translation>Setzt diesen Wert zurück (Entf auf dem Regler oder Doppelklick auf die Beschriftung)</translation>
+    </message>
+    <message>
+        <source>Auto&amp;matic</source>
+        <translation>Auto&amp;matisch</translation>
+    </message>
+    <message>
+        <source>Finds the threshold that separates dark and light best, for each picture anew</source>
+        <translation>Findet die Schwelle, die Dunkel und Hell am besten trennt, für jedes Bild neu</translation>
+    </message>
+    <message>
+        <source>Automatic threshold: %d</source>
+        <translation>Automatische Schwelle: %d</translation>
+    </message>
 </context>
 </TS>
