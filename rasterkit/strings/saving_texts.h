@@ -63,6 +63,7 @@ inline constexpr std::string_view rsSavingGib = "%s GiB";
 inline constexpr std::string_view rsSavingDepth = "&Depth:";
 inline constexpr std::string_view rsSavingDepthHint = "Bits per pixel of the file";
 inline constexpr std::string_view rsSavingDepthAsIs = "As it is (%s bits)";
+inline constexpr std::string_view rsSavingDepthOther = "%s bits";
 inline constexpr std::string_view rsSavingDepth32 = "32 bits: color and opacity";
 inline constexpr std::string_view rsSavingDepth24 = "24 bits: color";
 inline constexpr std::string_view rsSavingDepth8 = "8 bits: 256 colors";

@@ -62,7 +62,10 @@ FolderPage::FolderPage(const std::string& folderOfPicture, QWidget* parent) : QW
   files_->setAccessibleName(ResourceText(rsSaveFiles));
   files_->setToolTip(ResourceText(rsSaveFilesHint));
   preview_ = new PicturePreview(parts);
+  preview_->setMinimumWidth(preview_->sizeHint().width() / 2);
   parts->setStretchFactor(1, 1);
+  parts->setSizes({places_->sizeHint().width() * 2 / 3, files_->sizeHint().width(),
+                   preview_->sizeHint().width()});
   column->addWidget(parts, 1);
   AddPlaces(folderOfPicture);
 

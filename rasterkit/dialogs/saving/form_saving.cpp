@@ -20,6 +20,9 @@ namespace {
 /// progress.
 constexpr int kSizeRest = 250, kPartRest = 80, kTick = 200;
 
+/// The first size of the window where a line of text has this height.
+constexpr int kWidth = 860, kHeight = 560, kTextHeight = 16;
+
 constexpr const char* kSettingsNames[] = {"FormSaving", "FormSavingNamed", "FormSavingSettings"};
 
 QLabel* NewLine(const char* name, QWidget* parent) {
@@ -59,6 +62,7 @@ TFormSaving::TFormSaving(const Picture& picture, const SavingStart& start, Savin
   ConnectControls();
   tick_.setInterval(kTick);
   ShowState();
+  resize(sizeHint().expandedTo(QSize(kWidth, kHeight) * fontMetrics().height() / kTextHeight));
   (name_ != nullptr ? static_cast<QWidget*>(name_) : save_)->setFocus();
 }
 

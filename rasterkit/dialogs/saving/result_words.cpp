@@ -190,7 +190,8 @@ std::string LossWords(const Report& report) {
   for (const Loss& loss : report.losses) {
     if (std::find(said.begin(), said.end(), loss.kind) != said.end()) continue;
     said.push_back(loss.kind);
-    words += (words.empty() ? "" : ", ") + ResourceString(WordOf(loss.kind));
+    if (!words.empty()) words += ", ";
+    words += ResourceString(WordOf(loss.kind));
   }
   return words.empty() ? ResourceString(rsSavingNoLoss) : Filled(rsSavingLost, {words});
 }

@@ -105,6 +105,7 @@ RecipeSave SavingModel::Filtered() const {
   save.type = TypeToState();
   save.bits = save_.bits;
   save.metadata = save_.metadata;
+  save.background = save_.background;
   if (HasCompression()) save.compression = save_.compression;
   if (HasLevel()) save.pngLevel = save_.pngLevel;
   if (!HasQuality()) return save;

@@ -93,10 +93,17 @@ SavingList SavingModel::Depths() const {
     if (save_.bits == value) list.position = static_cast<int>(list.texts.size());
     list.texts.push_back(ResourceString(text));
   }
+  if (save_.bits && list.position == 0 && !HasQuality()) {
+    // A depth that a recipe states.
+    const std::string stated = std::to_string(*save_.bits);
+    list.position = static_cast<int>(list.texts.size());
+    list.texts.push_back(FormatText(ResourceString(rsSavingDepthOther), {&stated, 1}));
+  }
   return list;
 }
 
 void SavingModel::ChooseDepth(int position) {
+  if (position == Depths().position) return;
   std::optional<int> bits;
   int at = 0;
   for (const auto& [value, text] : kDepths) {

@@ -29,7 +29,8 @@ SettingsPage::SettingsPage(QWidget* parent) : QWidget(parent) {
   auto* settings = new QWidget(this);
   rows_ = new QFormLayout(settings);
   rows_->setContentsMargins(0, 0, 0, 0);
-  rows_->setRowWrapPolicy(QFormLayout::WrapLongRows);
+  rows_->setRowWrapPolicy(QFormLayout::DontWrapRows);
+  rows_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
   depth_ = AddList("BoxDepth", rsSavingDepth, rsSavingDepthHint, &SavingModel::ChooseDepth);
   AddQuality();
   sampling_ =
