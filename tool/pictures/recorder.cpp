@@ -28,7 +28,7 @@ constexpr const char* kFiles = "Files and results";
 /// type than its input.
 std::optional<PictureType> TypeOf(const std::string& format, const PictureWork& work) {
   if (!format.empty()) return WritableType((format.starts_with('.') ? "x" : "x.") + format);
-  if (IsStandardStream(work.job.output)) return work.job.type;
+  if (work.job.type || IsStandardStream(work.job.output)) return work.job.type;
   const PictureType type = WritableType(work.job.output);
   return type == work.picture.SourceType() ? std::nullopt : std::optional(type);
 }

@@ -48,7 +48,8 @@ void WriteFile(Picture picture, const Recipe& recipe, const std::string& file, b
 bool IsSameSaving(const RecipeSave& a, const RecipeSave& b) {
   return a.type == b.type && a.bits == b.bits && a.compression == b.compression &&
          a.quality == b.quality && a.chromaX == b.chromaX && a.chromaY == b.chromaY &&
-         a.pngLevel == b.pngLevel && a.lossless == b.lossless && a.metadata == b.metadata;
+         a.pngLevel == b.pngLevel && a.lossless == b.lossless && a.background == b.background &&
+         a.metadata == b.metadata;
 }
 
 EditedState EditorModel::State::Now() const {

@@ -85,7 +85,7 @@ void EditorModel::State::ShowNext(StepList steps, std::vector<std::string> names
   RequireResult(next);
   const auto made = std::make_shared<EditorPicture>(*picture);
   const ShownPixels from = picture->shown;
-  const bool isOnShown = WorkOnShownPixels(steps.Done());
+  const bool isOnShown = AreSeenAsStored(*picture->source.picture);
   made->steps = std::move(steps);
   made->stepNames = std::move(names);
   const std::string title = WithMemory(made->stepNames[made->steps.Place() - 1], BytesToShow(next));
@@ -116,14 +116,15 @@ void EditorModel::State::GoBack() {
       ResourceString(rsJobUndo),
       [made](const PixelRun& run) {
         const std::span<const RecipeStep> steps = made->steps.Done();
-        const bool isOnShown = made->base && WorkOnShownPixels(steps);
         Picture facts = *made->source.picture;
-        Picture seen = isOnShown ? PictureOver(made->base, facts) : facts;
+        std::optional<Picture> seen;
+        if (made->base && AreSeenAsStored(facts)) seen = PictureOver(made->base, facts);
         for (const RecipeStep& step : steps) {
           ApplyRecipeStep(facts, step);
-          if (isOnShown) ApplyRecipeStep(seen, step);
+          if (seen) ApplyRecipeStep(*seen, step);
         }
-        made->shown = steps.empty() && made->base ? made->base : PixelsToShow(seen, run);
+        made->shown =
+            steps.empty() && made->base ? made->base : PixelsToShow(seen.value_or(facts), run);
         made->result = std::move(facts);
       },
       [this, made] { TakePicture(std::move(*made)); });

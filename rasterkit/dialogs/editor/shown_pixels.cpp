@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <utility>
 
 #include <rasterkit/dialogs/editor/shown_pixels.h>
@@ -57,10 +56,12 @@ Picture PictureOver(const ShownPixels& pixels, const Picture& facts) {
   return picture;
 }
 
-bool WorkOnShownPixels(std::span<const RecipeStep> steps) {
-  return std::none_of(steps.begin(), steps.end(), [](const RecipeStep& step) {
-    return std::holds_alternative<StretchStep>(step);
-  });
+bool AreSeenAsStored(const Picture& source) {
+  const PixelLayout& layout = source.Layout();
+  const bool isColor = layout.model == ColorModel::gray || layout.model == ColorModel::rgb ||
+                       layout.model == ColorModel::palette;
+  return isColor && layout.type == NumberType::uint8 && layout.extraBands == 0 &&
+         layout.alpha != AlphaKind::associated;
 }
 
 }  // namespace rasterkit

@@ -3,12 +3,10 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <span>
 #include <stop_token>
 
 #include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/pictures/picture.h>
-#include <rasterkit/pictures/recipes/recipe.h>
 
 namespace rasterkit {
 
@@ -32,7 +30,8 @@ ShownPixels PixelsToShow(const Picture& picture, const PixelRun& run);
 /// position of `facts`, whose pixels they are.
 Picture PictureOver(const ShownPixels& pixels, const Picture& facts);
 
-/// True if such steps work on pixels to look at as on those of the source.
-bool WorkOnShownPixels(std::span<const RecipeStep> steps);
+/// True if the pixels to look at are those of the source, so that steps on them show what steps on
+/// the source give. Other pixels (16 bits, numbers, inks) are read from the file for each step.
+bool AreSeenAsStored(const Picture& source);
 
 }  // namespace rasterkit

@@ -52,7 +52,7 @@ MemoryText MemoryTextOf(uint64_t bytes) {
 std::string DpiText(const Resolution& dpi) {
   if (!dpi.IsKnown()) return ResourceString(rsSizeNoDpi);
   const std::string x = NumberText(dpi.x), y = NumberText(dpi.y);
-  return x == y ? Filled(rsSizeDpi, {x}) : Filled(rsSizeTwoDpi, {x, y});
+  return x == y ? Filled(rsSavingDpi, {x}) : Filled(rsSizeTwoDpi, {x, y});
 }
 
 uint64_t BytesOf(const Picture& picture) {

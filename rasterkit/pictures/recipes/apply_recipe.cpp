@@ -27,6 +27,13 @@ class StepApplier {
     picture_.Apply(step);
   }
 
+  /// Where nothing is transparent, nothing is painted, and numbers stay numbers.
+  void operator()(const ChangeStep& step) const {
+    const bool paintsNothing = std::holds_alternative<PaintTransparency>(step.change) &&
+                               picture_.Layout().alpha == AlphaKind::none;
+    if (!paintsNothing) picture_.Apply(step);
+  }
+
   void operator()(const RecipeCrop& step) const { picture_.Crop(PixelsOf(step, picture_)); }
 
   void operator()(const RecipeResize& step) const {
@@ -51,7 +58,7 @@ class StepApplier {
     if (palette.Count() == 0) {
       throw RangeError(fmt::format("the picture of the slot \"{}\" has no palette", step.slot));
     }
-    throw UnsupportedError("palettes of slots");
+    picture_.Change(UsePalette{palette});
   }
 
   void operator()(const RecipeCopy& step) const {

@@ -11,6 +11,7 @@ namespace rasterkit {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 /// The reason why a text is no recipe; empty if it is one.
@@ -111,7 +112,7 @@ TEST(ReadRecipeTest, HugeCoordinatesAreRefused) {
 
 TEST(ReadRecipeTest, UnknownThingsAreRefused) {
   EXPECT_EQ(FaultOf(R"({"schema": 1, "steps": [], "note": 1})"),
-            "/note: unknown key; the keys here are schema, made_with, steps, save");
+            "/note: unknown key; the keys here are schema, made_with, as_stored, steps, save");
   EXPECT_EQ(FaultOf(R"({"schema": 2, "note": 1})"),
             "/schema: 2 is not 1, the version of recipes that is known here");
   EXPECT_EQ(FaultOf(R"({"steps": []})"), "/: the key schema is missing");
@@ -192,6 +193,16 @@ TEST(WriteRecipeTest, IsReadable) {
   }
 }
 )");
+}
+
+TEST(WriteRecipeTest, StatesThatThePictureStaysAsStored) {
+  Recipe recipe;
+  EXPECT_THAT(WriteRecipe(recipe), Not(HasSubstr("as_stored")));
+  recipe.isAsStored = true;
+  EXPECT_THAT(WriteRecipe(recipe), HasSubstr("\"as_stored\": true"));
+  EXPECT_TRUE(ReadRecipe(WriteRecipe(recipe)).isAsStored);
+  EXPECT_EQ(FaultOf(R"({"schema": 1, "steps": [], "as_stored": 1})"),
+            "/as_stored: 1 is neither true nor false");
 }
 
 std::string WritingFault(const RecipeStep& step) {
