@@ -17,6 +17,16 @@ const Picture& PictureOf(const RecipeSlots& slots, const std::string& slot) {
   return found->second;
 }
 
+/// Grays have a ramp; empty for other pictures without a palette.
+HPALETTE PaletteOf(const PixelLayout& layout) {
+  constexpr int kByte = 8;
+  const bool isGray =
+      layout.model == ColorModel::gray || layout.model == ColorModel::grayWhiteIsZero;
+  const bool hasIndexes = layout.bands == 1 && layout.bits <= kByte;
+  if (isGray && hasIndexes && layout.palette.Count() == 0) return GrayPalette(1 << layout.bits);
+  return layout.palette;
+}
+
 /// Adds the steps of a picture that one step of a recipe stands for.
 class StepApplier {
  public:
@@ -54,7 +64,7 @@ class StepApplier {
   }
 
   void operator()(const RecipePalette& step) const {
-    const HPALETTE palette = PictureOf(slots_, step.slot).Layout().palette;
+    const HPALETTE palette = PaletteOf(PictureOf(slots_, step.slot).Layout());
     if (palette.Count() == 0) {
       throw RangeError(fmt::format("the picture of the slot \"{}\" has no palette", step.slot));
     }

@@ -445,6 +445,7 @@ Recipe RandomRecipe(std::mt19937& random) {
   Picker pick(random);
   Recipe recipe;
   recipe.madeWith = pick.Text();
+  recipe.isAsStored = pick.Flag();
   const int count = pick.Whole(0, 8);
   for (int i = 0; i < count; ++i) recipe.steps.push_back(RandomStep(random));
   Vary(pick, recipe.save);
@@ -506,8 +507,8 @@ bool IsSame(const RecipeSave& a, const RecipeSave& b) {
 }
 
 bool IsSame(const Recipe& a, const Recipe& b) {
-  const auto& [madeWith, steps, save] = a;
-  return madeWith == b.madeWith &&
+  const auto& [madeWith, isAsStored, steps, save] = a;
+  return madeWith == b.madeWith && isAsStored == b.isAsStored &&
          std::equal(steps.begin(), steps.end(), b.steps.begin(), b.steps.end(),
                     [](const RecipeStep& x, const RecipeStep& y) { return IsSame(x, y); }) &&
          IsSame(save, b.save);

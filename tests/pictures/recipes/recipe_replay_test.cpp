@@ -103,7 +103,7 @@ TEST(StepKindsTest, HaveNamesOfTheirOwn) {
 
 /// Threads and bands do not show in a result.
 TEST(RecipeReplayTest, GivesTheSameBytesWithAnyNumberOfThreads) {
-  const Recipe recipe{"", EveryStep(), {}};
+  const Recipe recipe{"", false, EveryStep(), {}};
   const std::vector<std::pair<std::string, Picture>> pictures = {
       {"true color", GradientPicture(131, 97)},
       {"palette", GradientPicture(131, 97, pf8bit)},
@@ -114,7 +114,7 @@ TEST(RecipeReplayTest, GivesTheSameBytesWithAnyNumberOfThreads) {
   for (const auto& [name, plain] : pictures) {
     for (size_t count = 1; count <= recipe.steps.size(); count += 3) {
       Picture picture = Stated(plain);
-      const Recipe part{"", {recipe.steps.begin(), recipe.steps.begin() + count}, {}};
+      const Recipe part{"", false, {recipe.steps.begin(), recipe.steps.begin() + count}, {}};
       ApplyRecipe(picture, part, Slots());
       for (const PictureType type : {PictureType::png, PictureType::tiff, PictureType::jpeg}) {
         SCOPED_TRACE(name + ", " + std::to_string(count) + " steps, " + PictureTypeName(type));
@@ -144,9 +144,9 @@ TEST(RecipeReplayTest, StepsOfAPictureBecomeARecipeThatMakesThemAgain) {
     const Picture source = Stated(plain);
     const size_t own = source.Steps().size();
     Picture picture = source;
-    ApplyRecipe(picture, {"", EveryStep(), {}}, Slots());
+    ApplyRecipe(picture, {"", false, EveryStep(), {}}, Slots());
     const std::span<const Step> made = std::span(picture.Steps()).subspan(own);
-    const Recipe recipe{"", RecipeStepsOf(made, SlotFor), {}};
+    const Recipe recipe{"", false, RecipeStepsOf(made, SlotFor), {}};
     Picture again = source;
     ApplyRecipe(again, ReadRecipe(WriteRecipe(recipe)), Slots());
     EXPECT_EQ(again.Steps().size(), picture.Steps().size());
@@ -215,6 +215,10 @@ TEST(RecipePaletteTest, IsThatOfTheSlotsPicture) {
   const Picture colors = GradientPicture(5, 5, pf4bit);
   ApplyRecipeStep(picture, step, {{"colors", colors}});
   EXPECT_EQ(picture.Bitmap()->Palette(), colors.Layout().palette);
+  Picture gray = GradientPicture(40, 30);
+  const Picture grays = Picture::Of(std::make_unique<TBitmap>(test::GrayRaster(3, 3)));
+  ApplyRecipeStep(gray, step, {{"colors", grays}});
+  EXPECT_TRUE(IsGrayRamp(gray.Bitmap()->Palette()));
   try {
     ApplyRecipeStep(picture, step, {{"colors", GradientPicture(5, 5)}});
     FAIL() << "true color has no palette";
