@@ -70,11 +70,12 @@ inline constexpr std::string_view rsAskLoseWork =
     "%s has changes that are not saved. Do you want to save them?";
 /// File name and number of steps.
 inline constexpr std::string_view rsAskJournal =
-    "The editor ended before the changes of %s were saved. Do you want to take up its %d steps?";
+    "The editor ended before the changes of %s were saved. Do you want to take them up? Steps: %d";
 inline constexpr std::string_view rsAskJournalChanged =
-    "The editor ended before the changes of %s were saved, and the file was changed since. Do you "
-    "want to take up its %d steps nevertheless? They may be in the file already.";
+    "The editor ended before the changes of %s were saved, and the file was changed since. The "
+    "changes may be in the file already. Do you want to take them up nevertheless? Steps: %d";
 /// Number of steps that were left out, and the reason.
-inline constexpr std::string_view rsJournalCut = "%d steps do not fit the picture: %s";
+inline constexpr std::string_view rsJournalCut =
+    "Steps that do not fit the picture and are left out: %d (%s)";
 
 }  // namespace rasterkit

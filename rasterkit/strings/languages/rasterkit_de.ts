@@ -1830,12 +1830,12 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>%s hat Änderungen, die nicht gespeichert sind. Möchten Sie sie speichern?</translation>
     </message>
     <message>
-        <source>The editor ended before the changes of %s were saved. Do you want to take up its %d steps?</source>
-        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie die %d Schritte übernehmen?</translation>
+        <source>The editor ended before the changes of %s were saved. Do you want to take them up? Steps: %d</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie sie übernehmen? Schritte: %d</translation>
     </message>
     <message>
-        <source>The editor ended before the changes of %s were saved, and the file was changed since. Do you want to take up its %d steps nevertheless? They may be in the file already.</source>
-        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Möchten Sie die %d Schritte trotzdem übernehmen? Sie können schon in der Datei sein.</translation>
+        <source>The editor ended before the changes of %s were saved, and the file was changed since. The changes may be in the file already. Do you want to take them up nevertheless? Steps: %d</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Die Änderungen können schon in der Datei sein. Möchten Sie sie trotzdem übernehmen? Schritte: %d</translation>
     </message>
     <message>
         <source>%d steps do not fit the picture: %s</source>
@@ -1996,6 +1996,8 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>Automatic threshold: %d</source>
         <translation>Automatische Schwelle: %d</translation>
+        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
+        <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
 </context>
 </TS>
