@@ -113,7 +113,7 @@ TFormChooseValues::TFormChooseValues(ValueSession& session, QWidget* parent)
   column->addLayout(NewToolBar());
   preview_ = new PreviewBox(viewport_, renderer_, this);
   preview_->setObjectName("PreviewBox");
-  preview_->setAccessibleName(ResourceText(rsValuesPreview));
+  preview_->setAccessibleName(ResourceText(rsPreview));
   preview_->setAccessibleDescription(ResourceText(rsValuesPreviewKeys));
   preview_->setToolTip(ResourceText(rsValuesPreviewHint));
   preview_->setMinimumSize(200, 140);
@@ -148,11 +148,11 @@ QLayout* TFormChooseValues::NewToolBar() {
   mode_->addItems({ResourceText(rsValuesModeSideBySide), ResourceText(rsValuesModeSplit),
                    ResourceText(rsValuesModeChanged)});
   label->setBuddy(mode_);
-  fit_ = NewPushButton("ButtonFit", "&Fit", rsValuesFitHint, "fit", this);
+  fit_ = NewPushButton("ButtonFit", "&Fit", rsCropFitHint, "fit", this);
   actualSize_ = NewPushButton("ButtonActualSize", "&Actual size", rsValuesActualSizeHint,
                               "actual-size", this);
-  zoomOut_ = NewToolButton("ButtonZoomOut", rsValuesZoomOut, rsValuesZoomOutHint, "zoom-out", this);
-  zoomIn_ = NewToolButton("ButtonZoomIn", rsValuesZoomIn, rsValuesZoomInHint, "zoom-in", this);
+  zoomOut_ = NewToolButton("ButtonZoomOut", rsValuesZoomOut, rsEditorZoomOutHint, "zoom-out", this);
+  zoomIn_ = NewToolButton("ButtonZoomIn", rsValuesZoomIn, rsEditorZoomInHint, "zoom-in", this);
   zoom_ = new QLabel(this);
   zoom_->setObjectName("LabZoom");
   zoom_->setAlignment(Qt::AlignCenter);

@@ -1346,10 +1346,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Nimmt den letzten Schritt zurück</translation>
     </message>
     <message>
-        <source>&amp;Redo</source>
-        <translation>&amp;Wiederholen</translation>
-    </message>
-    <message>
         <source>Makes the step again that was taken back</source>
         <translation>Führt den zurückgenommenen Schritt wieder aus</translation>
     </message>
@@ -1712,10 +1708,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>In %d Bit umwandeln</translation>
     </message>
     <message>
-        <source>Change values</source>
-        <translation>Werte ändern</translation>
-    </message>
-    <message>
         <source>Change colors</source>
         <translation>Farben ändern</translation>
     </message>
@@ -1874,10 +1866,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Zeigt je Bildpunkt einen Punkt des Bildschirms, genau so wie OK ihn erzeugt</translation>
     </message>
     <message>
-        <source>Shows the whole picture</source>
-        <translation>Zeigt das ganze Bild</translation>
-    </message>
-    <message>
         <source>&amp;Loupe</source>
         <translation>&amp;Lupe</translation>
     </message>
@@ -1896,10 +1884,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>Split</source>
         <translation>Geteilt</translation>
-    </message>
-    <message>
-        <source>Preview</source>
-        <translation>Vorschau</translation>
     </message>
     <message>
         <source>Drag the picture or the divider; the wheel zooms</source>
@@ -1926,16 +1910,8 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Vergrößern</translation>
     </message>
     <message>
-        <source>Shows the picture larger</source>
-        <translation>Zeigt das Bild größer</translation>
-    </message>
-    <message>
         <source>Zoom out</source>
         <translation>Verkleinern</translation>
-    </message>
-    <message>
-        <source>Shows the picture smaller</source>
-        <translation>Zeigt das Bild kleiner</translation>
     </message>
     <message>
         <source>Histogram</source>
