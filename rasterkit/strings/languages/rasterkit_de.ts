@@ -17,7 +17,6 @@
         <source>Palette überschritten. Benötige 24bit Farbtiefe.</source>
         <translation>Palette überschritten. Benötige 24bit Farbtiefe.</translation>
     </message>
-    <!-- Buttons -->
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
@@ -58,7 +57,6 @@
         <source>&amp;Yes</source>
         <translation>&amp;Ja</translation>
     </message>
-    <!-- Picture files -->
     <message>
         <source>%s is a folder.</source>
         <translation>%s ist ein Ordner.</translation>
@@ -125,7 +123,6 @@ Möchten Sie die Datei ersetzen?</translation>
         <source>Windows Metafile</source>
         <translation>Windows-Metadatei</translation>
     </message>
-    <!-- The crop window -->
     <message>
         <source>%d * %d px (%s [%s])</source>
         <translation>%d * %d Pixel (%s [%s])</translation>
@@ -290,7 +287,6 @@ Möchten Sie die Datei ersetzen?</translation>
         <source>Width of the rectangle in pixels</source>
         <translation>Breite des Rechtecks in Pixeln</translation>
     </message>
-    <!-- Change values -->
     <message>
         <source>Blue</source>
         <translation>Blau</translation>
@@ -427,7 +423,6 @@ Möchten Sie die Datei ersetzen?</translation>
         <source>Sharper above 0, softer below</source>
         <translation>Über 0 schärfer, unter 0 weicher</translation>
     </message>
-    <!-- Change size -->
     <message>
         <source>Change Size</source>
         <translation>Größe ändern</translation>
@@ -460,7 +455,6 @@ Möchten Sie die Datei ersetzen?</translation>
         <source>New width in pixels</source>
         <translation>Neue Breite in Pixeln</translation>
     </message>
-    <!-- The editor of pictures and PDF pages -->
     <message>
         <source>Edit bitmap</source>
         <translation>Bild bearbeiten</translation>
@@ -611,7 +605,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <source>Remove rectangle</source>
         <translation>Rechteck entfernen</translation>
     </message>
-    <!-- The save window -->
     <message>
         <source>Date</source>
         <translation>Datum</translation>
@@ -752,7 +745,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <source>&amp;Options</source>
         <translation>&amp;Optionen</translation>
     </message>
-    <!-- Settings of a graphic to be saved -->
     <message>
         <source>Graphics settings</source>
         <translation>Grafikeinstellungen</translation>
@@ -873,7 +865,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <source>[MB]</source>
         <translation>[MB]</translation>
     </message>
-    <!-- Crop window -->
     <message>
         <source>Drag to draw a rectangle; with Shift it keeps its ratio, with Ctrl its center. Double click and Enter crop. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize it. The wheel, plus and minus zoom, the middle button and arrow keys with Alt pan.</source>
         <translation>Ziehen zeichnet ein Rechteck; mit Umschalt behält es sein Verhältnis, mit Strg seine Mitte. Doppelklick und Eingabe schneiden zu. Pfeiltasten verschieben es, mit Umschalt um 10 Pixel, mit Strg ändern sie die Größe. Rad, Plus und Minus zoomen, die mittlere Taste und Pfeiltasten mit Alt verschieben das Bild.</translation>
@@ -1149,9 +1140,12 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>The sheet needs %s x %s pixels, more than the picture has</source>
         <translation>Das Blatt braucht %s x %s Pixel, mehr als das Bild hat</translation>
+    </message>
     <message>
         <source>Reset</source>
         <translation>Zurücksetzen</translation>
+    </message>
+    <message>
         <source>%d x %d pixels, %s, %s %s</source>
         <translation>%d x %d Pixel, %s, %s %s</translation>
     </message>
@@ -1286,6 +1280,8 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>New width in the chosen unit</source>
         <translation>Neue Breite in der gewählten Einheit</translation>
+    </message>
+    <message>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
@@ -1656,6 +1652,8 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>Help on the editor</source>
         <translation>Hilfe zum Editor</translation>
+    </message>
+    <message>
         <source>Turn left</source>
         <translation>Nach links drehen</translation>
     </message>
@@ -1832,10 +1830,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>%d steps do not fit the picture: %s</source>
         <translation>%d Schritte passen nicht zum Bild: %s</translation>
-        <source>Reset</source>
-        <translation>Zurücksetzen</translation>
-        <source>%d x %d pixels, %s, %s %s</source>
-        <translation>%d x %d Pixel, %s, %s %s</translation>
     </message>
     <message>
         <source>The picture is saved as %s. This file exists already. Overwrite it?</source>
@@ -1972,6 +1966,8 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>Automatic threshold: %d</source>
         <translation>Automatische Schwelle: %d</translation>
+    </message>
+    <message>
         <source>Steps that do not fit the picture and are left out: %d (%s)</source>
         <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
