@@ -1970,6 +1970,282 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>Steps that do not fit the picture and are left out: %d (%s)</source>
         <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
+    <!-- Crop window -->
+    <message>
+        <source>Drag to draw a rectangle; with Shift it keeps its ratio, with Ctrl its center. Double click and Enter crop. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize it. The wheel, plus and minus zoom, the middle button and arrow keys with Alt pan.</source>
+        <translation>Ziehen zeichnet ein Rechteck; mit Umschalt behält es sein Verhältnis, mit Strg seine Mitte. Doppelklick und Eingabe schneiden zu. Pfeiltasten verschieben es, mit Umschalt um 10 Pixel, mit Strg ändern sie die Größe. Rad, Plus und Minus zoomen, die mittlere Taste und Pfeiltasten mit Alt verschieben das Bild.</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>Makes the change of the rectangle again (Ctrl+Y)</source>
+        <translation>Macht die Änderung des Rechtecks noch einmal (Strg+Y)</translation>
+    </message>
+    <message>
+        <source>U&amp;nit</source>
+        <translation>Einhei&amp;t</translation>
+    </message>
+    <message>
+        <source>Unit of the numbers below</source>
+        <translation>Einheit der Zahlen darunter</translation>
+    </message>
+    <message>
+        <source>Pixels</source>
+        <translation>Pixel</translation>
+    </message>
+    <message>
+        <source>Percent</source>
+        <translation>Prozent</translation>
+    </message>
+    <message>
+        <source>Millimeters on paper</source>
+        <translation>Millimeter auf Papier</translation>
+    </message>
+    <message>
+        <source>Map</source>
+        <translation>Karte</translation>
+    </message>
+    <message>
+        <source>Map (%s)</source>
+        <translation>Karte (%s)</translation>
+    </message>
+    <message>
+        <source>Needs a resolution: this picture states none</source>
+        <translation>Braucht eine Auflösung: Dieses Bild nennt keine</translation>
+    </message>
+    <message>
+        <source>Needs a position on a map: this picture states none</source>
+        <translation>Braucht eine Lage auf einer Karte: Dieses Bild nennt keine</translation>
+    </message>
+    <message>
+        <source>Unit of the map</source>
+        <translation>Einheit der Karte</translation>
+    </message>
+    <message>
+        <source>Unit of the &amp;map</source>
+        <translation>Einheit der &amp;Karte</translation>
+    </message>
+    <message>
+        <source>The picture does not say in which unit its map coordinates are</source>
+        <translation>Das Bild sagt nicht, in welcher Einheit seine Kartenkoordinaten sind</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unbekannt</translation>
+    </message>
+    <message>
+        <source>Meters</source>
+        <translation>Meter</translation>
+    </message>
+    <message>
+        <source>Feet</source>
+        <translation>Fuß</translation>
+    </message>
+    <message>
+        <source>US survey feet</source>
+        <translation>US-Vermessungsfuß</translation>
+    </message>
+    <message>
+        <source>Degrees</source>
+        <translation>Grad</translation>
+    </message>
+    <message>
+        <source>Left edge of the rectangle; x on the map</source>
+        <translation>Linke Kante des Rechtecks; x auf der Karte</translation>
+    </message>
+    <message>
+        <source>Top edge of the rectangle; y on the map</source>
+        <translation>Obere Kante des Rechtecks; y auf der Karte</translation>
+    </message>
+    <message>
+        <source>Width along the side of the picture</source>
+        <translation>Breite entlang der Seite des Bildes</translation>
+    </message>
+    <message>
+        <source>Height along the side of the picture</source>
+        <translation>Höhe entlang der Seite des Bildes</translation>
+    </message>
+    <message>
+        <source>Ratio</source>
+        <translation>Verhältnis</translation>
+    </message>
+    <message>
+        <source>Rati&amp;o</source>
+        <translation>&amp;Verhältnis</translation>
+    </message>
+    <message>
+        <source>Proportion that the rectangle keeps</source>
+        <translation>Verhältnis der Seiten, welches das Rechteck behält</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>Frei</translation>
+    </message>
+    <message>
+        <source>As the picture</source>
+        <translation>Wie das Bild</translation>
+    </message>
+    <message>
+        <source>1:1</source>
+        <translation>1:1</translation>
+    </message>
+    <message>
+        <source>ISO A portrait</source>
+        <translation>DIN A hoch</translation>
+    </message>
+    <message>
+        <source>ISO A landscape</source>
+        <translation>DIN A quer</translation>
+    </message>
+    <message>
+        <source>4:3</source>
+        <translation>4:3</translation>
+    </message>
+    <message>
+        <source>3:2</source>
+        <translation>3:2</translation>
+    </message>
+    <message>
+        <source>16:9</source>
+        <translation>16:9</translation>
+    </message>
+    <message>
+        <source>Typed</source>
+        <translation>Eingegeben</translation>
+    </message>
+    <message>
+        <source>Paper at a scale</source>
+        <translation>Papier im Maßstab</translation>
+    </message>
+    <message>
+        <source>Needs a position on a map in meters or feet</source>
+        <translation>Braucht eine Lage auf einer Karte in Metern oder Fuß</translation>
+    </message>
+    <message>
+        <source>Swap</source>
+        <translation>Tauschen</translation>
+    </message>
+    <message>
+        <source>&amp;Swap</source>
+        <translation>Ta&amp;uschen</translation>
+    </message>
+    <message>
+        <source>Exchanges width and height</source>
+        <translation>Vertauscht Breite und Höhe</translation>
+    </message>
+    <message>
+        <source>Sides</source>
+        <translation>Seiten</translation>
+    </message>
+    <message>
+        <source>Si&amp;des</source>
+        <translation>&amp;Seiten</translation>
+    </message>
+    <message>
+        <source>Width of the ratio</source>
+        <translation>Breite des Verhältnisses</translation>
+    </message>
+    <message>
+        <source>Height of the ratio</source>
+        <translation>Höhe des Verhältnisses</translation>
+    </message>
+    <message>
+        <source>Paper</source>
+        <translation>Papier</translation>
+    </message>
+    <message>
+        <source>Pap&amp;er</source>
+        <translation>&amp;Papier</translation>
+    </message>
+    <message>
+        <source>Sheet that shows the rectangle at the scale</source>
+        <translation>Blatt, welches das Rechteck im Maßstab zeigt</translation>
+    </message>
+    <message>
+        <source>Scale 1:</source>
+        <translation>Maßstab 1:</translation>
+    </message>
+    <message>
+        <source>S&amp;cale 1:</source>
+        <translation>&amp;Maßstab 1:</translation>
+    </message>
+    <message>
+        <source>Scale of the map on paper</source>
+        <translation>Maßstab der Karte auf Papier</translation>
+    </message>
+    <message>
+        <source>500 stands for 1:500</source>
+        <translation>500 steht für 1:500</translation>
+    </message>
+    <message>
+        <source>Guides</source>
+        <translation>Hilfslinien</translation>
+    </message>
+    <message>
+        <source>&amp;Guides</source>
+        <translation>H&amp;ilfslinien</translation>
+    </message>
+    <message>
+        <source>Lines inside the rectangle</source>
+        <translation>Linien im Rechteck</translation>
+    </message>
+    <message>
+        <source>No guides</source>
+        <translation>Keine Hilfslinien</translation>
+    </message>
+    <message>
+        <source>Thirds</source>
+        <translation>Drittel</translation>
+    </message>
+    <message>
+        <source>Center</source>
+        <translation>Mitte</translation>
+    </message>
+    <message>
+        <source>%s x %s pixels, %s %s</source>
+        <translation>%s x %s Pixel, %s %s</translation>
+    </message>
+    <message>
+        <source>Ratio %s:%s</source>
+        <translation>Verhältnis %s:%s</translation>
+    </message>
+    <message>
+        <source>%s dpi: %s x %s mm on paper</source>
+        <translation>%s dpi: %s x %s mm auf Papier</translation>
+    </message>
+    <message>
+        <source>No resolution is stated</source>
+        <translation>Keine Auflösung angegeben</translation>
+    </message>
+    <message>
+        <source>On the map: from %s, %s to %s, %s; the sides are %s x %s</source>
+        <translation>Auf der Karte: von %s; %s bis %s; %s, Seiten %s x %s</translation>
+    </message>
+    <message>
+        <source>No position on a map is stated</source>
+        <translation>Keine Lage auf einer Karte angegeben</translation>
+    </message>
+    <message>
+        <source>Mouse: %s, %s px</source>
+        <translation>Maus: %s; %s px</translation>
+    </message>
+    <message>
+        <source>Mouse: %s, %s px; %s, %s</source>
+        <translation>Maus: %s; %s px, %s; %s</translation>
+    </message>
+    <message>
+        <source>Mouse: not on the picture</source>
+        <translation>Maus: nicht auf dem Bild</translation>
+    </message>
+    <message>
+        <source>%s became %s %s, the nearest pixel corner</source>
+        <translation>%s wurde zu %s %s, der nächsten Pixelecke</translation>
+    </message>
+    <message>
+        <source>The sheet needs %s x %s pixels, more than the picture has</source>
+        <translation>Das Blatt braucht %s x %s Pixel, mehr als das Bild hat</translation>
     </message>
 </context>
 </TS>
