@@ -934,10 +934,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Pfeiltasten verschieben das Bild oder die Lupe, mit Strg die Trennlinie. Plus und Minus zoomen.</translation>
     </message>
     <message>
-        <source>%s, zoom %s %%</source>
-        <translation>%s, Zoom %s %%</translation>
-    </message>
-    <message>
         <source>Vie&amp;w</source>
         <translation>&amp;Ansicht</translation>
     </message>
@@ -974,8 +970,12 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Wie oft jeder Grauwert vorkommt; die Linie auf die Schwelle ziehen. Das Dreieck markiert die automatische Schwelle.</translation>
     </message>
     <message>
-        <source>From %d to %d, mean %d; black %d %%, white %d %%</source>
-        <translation>Von %d bis %d, Mittel %d; Schwarz %d %%, Weiß %d %%</translation>
+        <source>Black %d %%, white %d %%</source>
+        <translation>Schwarz %d %%, Weiß %d %%</translation>
+    </message>
+    <message>
+        <source>From %d to %d, mean %d</source>
+        <translation>Von %d bis %d, Mittel %d</translation>
     </message>
     <message>
         <source>Las&amp;t values</source>
