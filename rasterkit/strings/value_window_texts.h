@@ -26,8 +26,6 @@ inline constexpr std::string_view rsValuesPreviewHint =
     "Drag the picture or the divider; the wheel zooms";
 inline constexpr std::string_view rsValuesPreviewKeys =
     "Arrow keys move the picture or the loupe, with Ctrl the divider. Plus and minus zoom.";
-/// How it is shown, and the zoom.
-inline constexpr std::string_view rsValuesPreviewNow = "%s, zoom %s %%";
 inline constexpr std::string_view rsValuesView = "Vie&w";
 inline constexpr std::string_view rsValuesViewHint = "How original and changed picture are shown";
 inline constexpr std::string_view rsValuesZoomIn = "Zoom in";
@@ -40,9 +38,10 @@ inline constexpr std::string_view rsValuesHistogramHint =
 inline constexpr std::string_view rsThresholdHistogramHint =
     "How often each gray value occurs; drag the line to the threshold. The triangle marks the "
     "automatic threshold.";
-/// The darkest and the brightest gray value, the mean, and percentages of black and white.
-inline constexpr std::string_view rsValuesHistogramFacts =
-    "From %d to %d, mean %d; black %d %%, white %d %%";
+/// Percentages of the pixels.
+inline constexpr std::string_view rsValuesHistogramEnds = "Black %d %%, white %d %%";
+/// The darkest and the brightest gray value, and the mean.
+inline constexpr std::string_view rsValuesHistogramRange = "From %d to %d, mean %d";
 inline constexpr std::string_view rsValuesLast = "Las&t values";
 inline constexpr std::string_view rsValuesLastHint = "Takes the values of the last time";
 inline constexpr std::string_view rsValuesRedo = "Re&do";
