@@ -1146,8 +1146,8 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Zurücksetzen</translation>
     </message>
     <message>
-        <source>%d x %d pixels, %s, %s %s</source>
-        <translation>%d x %d Pixel, %s, %s %s</translation>
+        <source>%d x %d pixels, %s %s</source>
+        <translation>%d x %d Pixel, %s %s</translation>
     </message>
     <message>
         <source>%s dpi</source>
