@@ -117,8 +117,8 @@ void TFormChooseCrop::ConnectButtons() {
   onClick(ui_->SpeedButtonRedo, &TFormChooseCrop::Redo);
   onClick(ui_->SpeedButtonWhole, &TFormChooseCrop::KeepWhole);
   // Lists and fields would take these keys for themselves.
-  const auto addKey = [](QPushButton* button, int key) {
-    auto* shortcut = new QShortcut(QKeySequence(key), button);
+  const auto addKey = [](QPushButton* button, const QKeySequence& key) {
+    auto* shortcut = new QShortcut(key, button);
     connect(shortcut, &QShortcut::activated, button, &QPushButton::click);
   };
   addKey(ui_->SpeedButtonUndo, Qt::CTRL | Qt::Key_Z);
