@@ -2142,6 +2142,8 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>OK writes %s</source>
         <translation>OK schreibt %s</translation>
+        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
+        <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
     <message>
         <source>Sets all values back, so that nothing is changed</source>

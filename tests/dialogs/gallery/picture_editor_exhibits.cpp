@@ -4,11 +4,13 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <array>
 
 #include <rasterkit/dialogs/editor/window/page_strip.h>
 #include <rasterkit/dialogs/editor/window/picture_editor_form.h>
 #include <rasterkit/pictures/document/document.h>
 #include <rasterkit/qt/qt_text.h>
+#include <rasterkit/strings/format_text.h>
 
 #include "samples/draw_scene.h"
 #include "tests/dialogs/gallery/gallery.h"
@@ -90,8 +92,10 @@ const Exhibit kWorking("edit-picture-working", [] {
   auto form = EditorOf(PhotographFile());
   auto* bar = form->findChild<QProgressBar*>("ProgressJob");
   form->findChild<QWidget*>("PanelJob")->show();
-  bar->setAccessibleName(QStringLiteral("Rotate by 4 degrees"));
-  bar->setFormat(QStringLiteral("Rotate by 4 degrees: %p %"));
+  const QString title =
+      ToQt(FormatText(ResourceString(rsStepRotate), std::array{std::string("4")}));
+  bar->setAccessibleName(title);
+  bar->setFormat(title + QStringLiteral(": %p %"));
   bar->setValue(42);
   return form;
 });

@@ -24,7 +24,7 @@ namespace rasterkit {
 namespace {
 
 /// Text columns and lines of the window before the user gives it another size.
-constexpr int kUsualColumns = 130, kUsualLines = 42;
+constexpr int kUsualColumns = 165, kUsualLines = 42;
 /// In milliseconds; a job that ends earlier shows no progress.
 constexpr int kPauseBeforeProgress = 250;
 /// In milliseconds.

@@ -179,8 +179,8 @@ TEST_F(EditorLook, OnlyPagesThatAreSeen_Should_BeDrawn) {
   auto& strip = Find<PageStrip>("ListPages");
   EXPECT_EQ(strip.model()->rowCount(), 2000);
   const auto hasDrawing = [&](int row) {
-    const QPixmap pixmap = strip.model()->index(row, 0).data(Qt::DecorationRole).value<QPixmap>();
-    const QImage image = pixmap.toImage();
+    const auto icon = strip.model()->index(row, 0).data(Qt::DecorationRole).value<QIcon>();
+    const QImage image = icon.pixmap(icon.availableSizes().value(0)).toImage();
     return image.pixelColor(image.width() / 2, image.height() / 2).alpha() != 0;
   };
   ASSERT_TRUE(QTest::qWaitFor([&] { return hasDrawing(0) && hasDrawing(1); }, 60'000));
@@ -209,6 +209,9 @@ TEST_F(EditorLook, WhatTheHostDoesNotWant_Should_NotBeThere) {
   for (const char* name : {"Open", "SaveAs", "Settings", "NextPage", "ShowPages"}) {
     EXPECT_FALSE(Action(name).isVisible()) << name;
     EXPECT_FALSE(Action(name).isEnabled()) << name;
+  }
+  for (const char* name : {"ToolOpen", "ToolSaveAs", "ToolShowPages"}) {
+    EXPECT_FALSE(Find<QWidget>(name).isVisible()) << name;
   }
   EXPECT_FALSE(Find<QWidget>("PanelPages").isVisible());
   EXPECT_FALSE(Find<QWidget>("CellPage").isVisible());
