@@ -873,5 +873,617 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <source>[MB]</source>
         <translation>[MB]</translation>
     </message>
+    <message>
+        <source>Save picture as</source>
+        <translation>Bild speichern unter</translation>
+    </message>
+    <message>
+        <source>Settings of the file</source>
+        <translation>Einstellungen der Datei</translation>
+    </message>
+    <message>
+        <source>Open a picture</source>
+        <translation>Ein Bild öffnen</translation>
+    </message>
+    <message>
+        <source>Fo&amp;lder</source>
+        <translation>&amp;Ordner</translation>
+    </message>
+    <message>
+        <source>Se&amp;ttings and 1:1 view</source>
+        <translation>&amp;Einstellungen und 1:1-Ansicht</translation>
+    </message>
+    <message>
+        <source>Places</source>
+        <translation>Orte</translation>
+    </message>
+    <message>
+        <source>Opens one of these folders</source>
+        <translation>Öffnet einen dieser Ordner</translation>
+    </message>
+    <message>
+        <source>Home</source>
+        <translation>Persönlicher Ordner</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Schreibtisch</translation>
+    </message>
+    <message>
+        <source>Documents</source>
+        <translation>Dokumente</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>Downloads</source>
+        <translation>Heruntergeladenes</translation>
+    </message>
+    <message>
+        <source>Folder of the picture</source>
+        <translation>Ordner des Bilds</translation>
+    </message>
+    <message>
+        <source>In f&amp;older:</source>
+        <translation>Im O&amp;rdner:</translation>
+    </message>
+    <message>
+        <source>Opens the folder above</source>
+        <translation>Öffnet den Ordner darüber</translation>
+    </message>
+    <message>
+        <source>&amp;Name:</source>
+        <translation>&amp;Name:</translation>
+    </message>
+    <message>
+        <source>Name of the file; a folder may stand before it. The ending decides on the kind</source>
+        <translation>Name der Datei; ein Ordner darf davor stehen. Die Endung bestimmt die Art</translation>
+    </message>
+    <message>
+        <source>&amp;Kind:</source>
+        <translation>&amp;Art:</translation>
+    </message>
+    <message>
+        <source>Kind of the file; the ending of the name follows</source>
+        <translation>Art der Datei; die Endung des Namens folgt</translation>
+    </message>
+    <message>
+        <source>&amp;File:</source>
+        <translation>Date&amp;i:</translation>
+    </message>
+    <message>
+        <source>The file that is written</source>
+        <translation>Die Datei, die geschrieben wird</translation>
+    </message>
+    <message>
+        <source>&amp;Other name ...</source>
+        <translation>An&amp;derer Name ...</translation>
+    </message>
+    <message>
+        <source>Asks for another folder or name</source>
+        <translation>Fragt nach einem anderen Ordner oder Namen</translation>
+    </message>
+    <message>
+        <source>Saves the picture with these settings</source>
+        <translation>Speichert das Bild mit diesen Einstellungen</translation>
+    </message>
+    <message>
+        <source>BMP bitmap (%s)</source>
+        <translation>BMP-Bitmap (%s)</translation>
+    </message>
+    <message>
+        <source>JPEG photograph (%s)</source>
+        <translation>JPEG-Foto (%s)</translation>
+    </message>
+    <message>
+        <source>PNG picture (%s)</source>
+        <translation>PNG-Bild (%s)</translation>
+    </message>
+    <message>
+        <source>TIFF picture (%s)</source>
+        <translation>TIFF-Bild (%s)</translation>
+    </message>
+    <message>
+        <source>%s picture (%s)</source>
+        <translation>%s-Bild (%s)</translation>
+    </message>
+    <message>
+        <source>All pictures (%s)</source>
+        <translation>Alle Bilder (%s)</translation>
+    </message>
+    <message>
+        <source>All files (%s)</source>
+        <translation>Alle Dateien (%s)</translation>
+    </message>
+    <message>
+        <source>%s files cannot be written. %s is suggested: it keeps every pixel.</source>
+        <translation>%s-Dateien können nicht geschrieben werden. Vorgeschlagen ist %s: So bleibt jedes Pixel erhalten.</translation>
+    </message>
+    <message>
+        <source>%s files cannot be written. %s is suggested: it keeps more than 8 bits per color.</source>
+        <translation>%s-Dateien können nicht geschrieben werden. Vorgeschlagen ist %s: So bleiben mehr als 8 Bit je Farbe erhalten.</translation>
+    </message>
+    <message>
+        <source>%s files cannot be written. %s is suggested: it keeps the position on the map.</source>
+        <translation>%s-Dateien können nicht geschrieben werden. Vorgeschlagen ist %s: So bleibt die Lage auf der Karte erhalten.</translation>
+    </message>
+    <message>
+        <source>The name ends with a space.</source>
+        <translation>Der Name endet mit einem Leerzeichen.</translation>
+    </message>
+    <message>
+        <source>%s × %s pixels, %s bits per pixel, %s in memory</source>
+        <translation>%s × %s Pixel, %s Bit je Pixel, %s im Speicher</translation>
+    </message>
+    <message>
+        <source>%s dpi</source>
+        <translation>%s dpi</translation>
+    </message>
+    <message>
+        <source>%s × %s dpi</source>
+        <translation>%s × %s dpi</translation>
+    </message>
+    <message>
+        <source>no resolution stated</source>
+        <translation>keine Auflösung angegeben</translation>
+    </message>
+    <message>
+        <source>%s bytes</source>
+        <translation>%s Byte</translation>
+    </message>
+    <message>
+        <source>%s KiB</source>
+        <translation>%s KiB</translation>
+    </message>
+    <message>
+        <source>%s MiB</source>
+        <translation>%s MiB</translation>
+    </message>
+    <message>
+        <source>%s GiB</source>
+        <translation>%s GiB</translation>
+    </message>
+    <message>
+        <source>&amp;Depth:</source>
+        <translation>&amp;Farbtiefe:</translation>
+    </message>
+    <message>
+        <source>Bits per pixel of the file</source>
+        <translation>Bit je Pixel der Datei</translation>
+    </message>
+    <message>
+        <source>As it is (%s bits)</source>
+        <translation>Wie das Bild (%s Bit)</translation>
+    </message>
+    <message>
+        <source>%s bits</source>
+        <translation>%s Bit</translation>
+    </message>
+    <message>
+        <source>32 bits: color and opacity</source>
+        <translation>32 Bit: Farbe und Deckkraft</translation>
+    </message>
+    <message>
+        <source>24 bits: color</source>
+        <translation>24 Bit: Farbe</translation>
+    </message>
+    <message>
+        <source>8 bits: 256 colors</source>
+        <translation>8 Bit: 256 Farben</translation>
+    </message>
+    <message>
+        <source>4 bits: 16 colors</source>
+        <translation>4 Bit: 16 Farben</translation>
+    </message>
+    <message>
+        <source>1 bit: black and white</source>
+        <translation>1 Bit: schwarz-weiß</translation>
+    </message>
+    <message>
+        <source>Q&amp;uality as in the source</source>
+        <translation>&amp;Qualität wie in der Quelle</translation>
+    </message>
+    <message>
+        <source>Uses the same tables as the source, so that the quality does not change</source>
+        <translation>Nimmt die Tabellen der Quelle, damit sich die Qualität nicht ändert</translation>
+    </message>
+    <message>
+        <source>Us&amp;ual quality (90)</source>
+        <translation>Übliche &amp;Qualität (90)</translation>
+    </message>
+    <message>
+        <source>The quality for pictures that were no JPEG file</source>
+        <translation>Die Qualität für Bilder, die keine JPEG-Datei waren</translation>
+    </message>
+    <message>
+        <source>&amp;Quality:</source>
+        <translation>Q&amp;ualität:</translation>
+    </message>
+    <message>
+        <source>1 (small file) to 100 (best); 90 shows hardly any difference</source>
+        <translation>1 (kleine Datei) bis 100 (beste); bei 90 ist kaum ein Unterschied zu sehen</translation>
+    </message>
+    <message>
+        <source>Quality as a number</source>
+        <translation>Qualität als Zahl</translation>
+    </message>
+    <message>
+        <source>Color d&amp;etail:</source>
+        <translation>Far&amp;bdetails:</translation>
+    </message>
+    <message>
+        <source>How finely a JPEG file stores color; brightness is always stored in full</source>
+        <translation>Wie fein eine JPEG-Datei Farbe speichert; Helligkeit wird immer voll gespeichert</translation>
+    </message>
+    <message>
+        <source>As in the source (%s)</source>
+        <translation>Wie in der Quelle (%s)</translation>
+    </message>
+    <message>
+        <source>Usual for the quality</source>
+        <translation>Wie üblich für die Qualität</translation>
+    </message>
+    <message>
+        <source>Full color (4:4:4)</source>
+        <translation>Volle Farbe (4:4:4)</translation>
+    </message>
+    <message>
+        <source>Half color (4:2:2)</source>
+        <translation>Halbe Farbe (4:2:2)</translation>
+    </message>
+    <message>
+        <source>Quarter color (4:2:0)</source>
+        <translation>Viertel der Farbe (4:2:0)</translation>
+    </message>
+    <message>
+        <source>&amp;Blocks:</source>
+        <translation>B&amp;löcke:</translation>
+    </message>
+    <message>
+        <source>Whether compressed pixels that only move are kept as they are</source>
+        <translation>Ob komprimierte Pixel, die nur ihren Platz wechseln, bleiben, wie sie sind</translation>
+    </message>
+    <message>
+        <source>Kept where nothing is cut off</source>
+        <translation>Behalten, wo nichts wegfällt</translation>
+    </message>
+    <message>
+        <source>Kept; edges are cut to whole blocks</source>
+        <translation>Behalten, Ränder auf ganze Blöcke kürzen</translation>
+    </message>
+    <message>
+        <source>Compressed again</source>
+        <translation>Neu komprimieren</translation>
+    </message>
+    <message>
+        <source>Co&amp;mpression:</source>
+        <translation>&amp;Kompression:</translation>
+    </message>
+    <message>
+        <source>How a TIFF file is packed; every choice keeps every pixel</source>
+        <translation>Wie eine TIFF-Datei gepackt wird; jede Wahl erhält jedes Pixel</translation>
+    </message>
+    <message>
+        <source>As in the source</source>
+        <translation>Wie in der Quelle</translation>
+    </message>
+    <message>
+        <source>Usual (LZW, or G4 for black and white)</source>
+        <translation>Üblich (LZW, bei schwarz-weiß G4)</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Keine</translation>
+    </message>
+    <message>
+        <source>G4 (black and white only)</source>
+        <translation>G4 (nur schwarz-weiß)</translation>
+    </message>
+    <message>
+        <source>&amp;Packing:</source>
+        <translation>&amp;Packen:</translation>
+    </message>
+    <message>
+        <source>How hard a PNG file is packed; every choice keeps every pixel</source>
+        <translation>Wie stark eine PNG-Datei gepackt wird; jede Wahl erhält jedes Pixel</translation>
+    </message>
+    <message>
+        <source>Chosen by the picture</source>
+        <translation>Passend zum Bild</translation>
+    </message>
+    <message>
+        <source>0: not packed</source>
+        <translation>0: nicht gepackt</translation>
+    </message>
+    <message>
+        <source>1: quick</source>
+        <translation>1: schnell</translation>
+    </message>
+    <message>
+        <source>12: smallest, slow</source>
+        <translation>12: am kleinsten, langsam</translation>
+    </message>
+    <message>
+        <source>&amp;Information:</source>
+        <translation>An&amp;gaben:</translation>
+    </message>
+    <message>
+        <source>What the file states about the picture: camera, date, place, comments</source>
+        <translation>Was die Datei über das Bild sagt: Kamera, Datum, Ort, Kommentare</translation>
+    </message>
+    <message>
+        <source>Keep all</source>
+        <translation>Alle behalten</translation>
+    </message>
+    <message>
+        <source>Without the place of the photograph</source>
+        <translation>Ohne den Ort der Aufnahme</translation>
+    </message>
+    <message>
+        <source>Keep nothing</source>
+        <translation>Keine behalten</translation>
+    </message>
+    <message>
+        <source>Lossless: the compressed pixels are copied</source>
+        <translation>Verlustfrei: Die komprimierten Pixel werden kopiert</translation>
+    </message>
+    <message>
+        <source>Lossless: the compressed pixels are moved</source>
+        <translation>Verlustfrei: Die komprimierten Pixel werden verschoben</translation>
+    </message>
+    <message>
+        <source>Lossless: the compressed pixels are moved, edges are cut to whole blocks</source>
+        <translation>Verlustfrei: Die komprimierten Pixel werden verschoben, Ränder auf ganze Blöcke gekürzt</translation>
+    </message>
+    <message>
+        <source>Lossless: every pixel is kept</source>
+        <translation>Verlustfrei: Jedes Pixel bleibt erhalten</translation>
+    </message>
+    <message>
+        <source>Not lossless: %s</source>
+        <translation>Nicht verlustfrei: %s</translation>
+    </message>
+    <message>
+        <source>Compressed again: %s</source>
+        <translation>Neu komprimiert: %s</translation>
+    </message>
+    <message>
+        <source>the new edges are not on the borders of its blocks</source>
+        <translation>Die neuen Ränder liegen nicht auf den Grenzen der Blöcke</translation>
+    </message>
+    <message>
+        <source>the blocks of this file cannot be moved</source>
+        <translation>Die Blöcke dieser Datei können nicht verschoben werden</translation>
+    </message>
+    <message>
+        <source>a JPEG file does not keep every pixel</source>
+        <translation>Eine JPEG-Datei erhält nicht jedes Pixel</translation>
+    </message>
+    <message>
+        <source>the settings differ from the source</source>
+        <translation>Die Einstellungen weichen von der Quelle ab</translation>
+    </message>
+    <message>
+        <source>the pixels were changed</source>
+        <translation>Die Pixel wurden geändert</translation>
+    </message>
+    <message>
+        <source>it was chosen so</source>
+        <translation>So gewählt</translation>
+    </message>
+    <message>
+        <source>the file has another depth</source>
+        <translation>Die Datei hat eine andere Farbtiefe</translation>
+    </message>
+    <message>
+        <source>Nothing is lost</source>
+        <translation>Nichts geht verloren</translation>
+    </message>
+    <message>
+        <source>Lost: %s</source>
+        <translation>Verloren: %s</translation>
+    </message>
+    <message>
+        <source>&amp;What is lost</source>
+        <translation>&amp;Was verloren geht</translation>
+    </message>
+    <message>
+        <source>Lists what the file will lack, and why</source>
+        <translation>Zeigt, was der Datei fehlen wird und warum</translation>
+    </message>
+    <message>
+        <source>What the file will lack, and why</source>
+        <translation>Was der Datei fehlen wird und warum</translation>
+    </message>
+    <message>
+        <source>Size of the file: at most %s</source>
+        <translation>Größe der Datei: höchstens %s</translation>
+    </message>
+    <message>
+        <source>Size of the file: at most %s (being computed, %s percent)</source>
+        <translation>Größe der Datei: höchstens %s (wird berechnet, %s Prozent)</translation>
+    </message>
+    <message>
+        <source>Size of the file: %s</source>
+        <translation>Größe der Datei: %s</translation>
+    </message>
+    <message>
+        <source>Size of the file: %s (was %s)</source>
+        <translation>Größe der Datei: %s (vorher %s)</translation>
+    </message>
+    <message>
+        <source>Size of the file: unknown</source>
+        <translation>Größe der Datei: unbekannt</translation>
+    </message>
+    <message>
+        <source>Before</source>
+        <translation>Vorher</translation>
+    </message>
+    <message>
+        <source>As saved</source>
+        <translation>Gespeichert</translation>
+    </message>
+    <message>
+        <source>The picture before saving, 1:1. Drag it or use the arrow keys to see another part</source>
+        <translation>Das Bild vor dem Speichern, 1:1. Ziehen oder Pfeiltasten zeigen einen anderen Teil</translation>
+    </message>
+    <message>
+        <source>The picture as it will be saved, 1:1. Drag it or use the arrow keys to see another part</source>
+        <translation>Das Bild, wie es gespeichert wird, 1:1. Ziehen oder Pfeiltasten zeigen einen anderen Teil</translation>
+    </message>
+    <message>
+        <source>Part from %s, %s: %s × %s pixels</source>
+        <translation>Teil ab %s, %s: %s × %s Pixel</translation>
+    </message>
+    <message>
+        <source>As saved: the same pixels</source>
+        <translation>Gespeichert: dieselben Pixel</translation>
+    </message>
+    <message>
+        <source>As saved: being computed ...</source>
+        <translation>Gespeichert: wird berechnet ...</translation>
+    </message>
+    <message>
+        <source>As saved: cannot be shown</source>
+        <translation>Gespeichert: kann nicht gezeigt werden</translation>
+    </message>
+    <message>
+        <source>Type a name for the file.</source>
+        <translation>Geben Sie der Datei einen Namen.</translation>
+    </message>
+    <message>
+        <source>There is no free name beside %s. Type a name for the file.</source>
+        <translation>In %s ist kein Name frei. Geben Sie der Datei einen Namen.</translation>
+    </message>
+    <message>
+        <source>Files cannot be written into the folder %s.</source>
+        <translation>In den Ordner %s können keine Dateien geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>%s files cannot be written. Choose another kind.</source>
+        <translation>%s-Dateien können nicht geschrieben werden. Wählen Sie eine andere Art.</translation>
+    </message>
+    <message>
+        <source>The file %s cannot be written.</source>
+        <translation>Die Datei %s kann nicht geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>It cannot be saved so: %s</source>
+        <translation>So kann es nicht gespeichert werden: %s</translation>
+    </message>
+    <message>
+        <source>depth</source>
+        <translation>Farbtiefe</translation>
+    </message>
+    <message>
+        <source>colors</source>
+        <translation>Farben</translation>
+    </message>
+    <message>
+        <source>color detail</source>
+        <translation>Farbdetails</translation>
+    </message>
+    <message>
+        <source>opacity</source>
+        <translation>Deckkraft</translation>
+    </message>
+    <message>
+        <source>transparent color</source>
+        <translation>durchsichtige Farbe</translation>
+    </message>
+    <message>
+        <source>mark of empty pixels</source>
+        <translation>Kennzeichen leerer Pixel</translation>
+    </message>
+    <message>
+        <source>damaged pixels</source>
+        <translation>beschädigte Pixel</translation>
+    </message>
+    <message>
+        <source>other pages</source>
+        <translation>andere Seiten</translation>
+    </message>
+    <message>
+        <source>other frames</source>
+        <translation>andere Einzelbilder</translation>
+    </message>
+    <message>
+        <source>hidden pictures</source>
+        <translation>verborgene Bilder</translation>
+    </message>
+    <message>
+        <source>position on the map</source>
+        <translation>Lage auf der Karte</translation>
+    </message>
+    <message>
+        <source>control points</source>
+        <translation>Passpunkte</translation>
+    </message>
+    <message>
+        <source>coordinate system</source>
+        <translation>Koordinatensystem</translation>
+    </message>
+    <message>
+        <source>file beside it</source>
+        <translation>Datei daneben</translation>
+    </message>
+    <message>
+        <source>photograph's data</source>
+        <translation>Aufnahmedaten</translation>
+    </message>
+    <message>
+        <source>place of the photograph</source>
+        <translation>Ort der Aufnahme</translation>
+    </message>
+    <message>
+        <source>XMP description</source>
+        <translation>XMP-Beschreibung</translation>
+    </message>
+    <message>
+        <source>IPTC description</source>
+        <translation>IPTC-Beschreibung</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>Kommentar</translation>
+    </message>
+    <message>
+        <source>texts</source>
+        <translation>Texte</translation>
+    </message>
+    <message>
+        <source>color profile</source>
+        <translation>Farbprofil</translation>
+    </message>
+    <message>
+        <source>resolution</source>
+        <translation>Auflösung</translation>
+    </message>
+    <message>
+        <source>thumbnail</source>
+        <translation>Vorschaubild</translation>
+    </message>
+    <message>
+        <source>notes of the camera's maker</source>
+        <translation>Notizen des Kameraherstellers</translation>
+    </message>
+    <message>
+        <source>data of other programs</source>
+        <translation>Daten anderer Programme</translation>
+    </message>
+    <message>
+        <source>tiles</source>
+        <translation>Kacheln</translation>
+    </message>
+    <message>
+        <source>drawing records</source>
+        <translation>Zeichenbefehle</translation>
+    </message>
+    <message>
+        <source>see what is lost</source>
+        <translation>Siehe die Verluste</translation>
+    </message>
 </context>
 </TS>
