@@ -2446,6 +2446,10 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>%s × %s Pixel, %s Bit je Pixel, %s im Speicher</translation>
     </message>
     <message>
+        <source>%s dpi</source>
+        <translation>%s dpi</translation>
+    </message>
+    <message>
         <source>%s × %s dpi</source>
         <translation>%s × %s dpi</translation>
     </message>
@@ -2652,6 +2656,10 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>Lossless: the compressed pixels are copied</source>
         <translation>Verlustfrei: Die komprimierten Pixel werden kopiert</translation>
+    </message>
+    <message>
+        <source>Lossless: the compressed pixels are moved</source>
+        <translation>Verlustfrei: Die komprimierten Pixel werden verschoben</translation>
     </message>
     <message>
         <source>Lossless: the compressed pixels are moved, edges are cut to whole blocks</source>
