@@ -66,7 +66,9 @@ TFormSaving::TFormSaving(const Picture& picture, const SavingStart& start, Savin
   (name_ != nullptr ? static_cast<QWidget*>(name_) : save_)->setFocus();
 }
 
-TFormSaving::~TFormSaving() = default;
+TFormSaving::~TFormSaving() {
+  settingsPage_->ForgetModel();
+}
 
 QWidget* TFormSaving::MakeFileRows() {
   auto* rows = new QWidget(this);

@@ -103,14 +103,12 @@ std::optional<PictureType> SavingModel::TypeToState() const {
 RecipeSave SavingModel::Filtered() const {
   RecipeSave save;
   save.type = TypeToState();
-  save.bits = save_.bits;
+  if (save_.bits && (IsDepthOffered(*save_.bits) || !HasQuality())) save.bits = save_.bits;
   save.metadata = save_.metadata;
   save.background = save_.background;
   if (HasCompression()) save.compression = save_.compression;
   if (HasLevel()) save.pngLevel = save_.pngLevel;
   if (!HasQuality()) return save;
-  // Such a file has 8 bits per color or gray.
-  if (save.bits && *save.bits != 24) save.bits.reset();
   save.quality = save_.quality;
   save.chromaX = save_.chromaX;
   save.chromaY = save_.chromaY;
@@ -161,6 +159,7 @@ void SavingModel::Change() {
 }
 
 void SavingModel::Begin() {
+  if (isBegun_) return;
   isBegun_ = true;
   StartSize();
   StartPart();
