@@ -66,7 +66,8 @@ bool EditorModel::State::WouldWriteNew() const {
 bool EditorModel::State::HasUnsavedWork() const {
   if (!HasPicture()) return false;
   if (saved && *saved == Now()) return false;
-  return isSourceReplaced || !picture->steps.IsNothing() || savings != firstSaving;
+  const bool isSavingKnown = savings == firstSaving || (saved && savings == saved->saving);
+  return isSourceReplaced || !picture->steps.IsNothing() || !isSavingKnown;
 }
 
 Recipe EditorModel::State::ToRecipe() const {

@@ -109,6 +109,8 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   void AddStep(const RecipeStep& step);
   void GoBack();
   void GoForward();
+  /// Another place in the list, over any number of steps: editor_places.cpp.
+  void GoTo(size_t place);
   /// Computes the pixels for the list, and takes it over.
   void Show(StepList steps, std::vector<std::string> names, const std::string& title);
   void ShowNext(StepList steps, std::vector<std::string> names, Picture next);

@@ -125,6 +125,7 @@ void EditorModel::State::GoBack() {
         }
         made->shown =
             steps.empty() && made->base ? made->base : PixelsToShow(seen.value_or(facts), run);
+        if (run.cancel.stop_requested()) throw CanceledError("the step was canceled");
         made->result = std::move(facts);
       },
       [this, made] { TakePicture(std::move(*made)); });
