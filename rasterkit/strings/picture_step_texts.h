@@ -21,7 +21,6 @@ inline constexpr std::string_view rsStepGray = "Make gray";
 inline constexpr std::string_view rsStepMono = "Make black and white";
 inline constexpr std::string_view rsStepColors = "Reduce to %d colors";
 inline constexpr std::string_view rsStepBits = "Change to %d bits";
-inline constexpr std::string_view rsStepValues = "Change values";
 inline constexpr std::string_view rsStepColorChange = "Change colors";
 inline constexpr std::string_view rsStepCombine = "Combine with another picture";
 inline constexpr std::string_view rsStepPalette = "Take the palette of another picture";
@@ -76,6 +75,6 @@ inline constexpr std::string_view rsAskJournalChanged =
     "changes may be in the file already. Do you want to take them up nevertheless? Steps: %d";
 /// Number of steps that were left out, and the reason.
 inline constexpr std::string_view rsJournalCut =
-    "Steps that do not fit the picture and are left out: %d (%s)";
+    "Steps that do not fit the picture and are skipped: %d (%s)";
 
 }  // namespace rasterkit

@@ -104,7 +104,7 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   // Steps: editor_steps.cpp.
 
   bool HasPicture() const { return picture && picture->shown; }
-  /// Opens a window that asks for a step.
+  /// Opens a window in which the user chooses a step.
   void AskForStep(const Action& ask);
   void AddStep(const RecipeStep& step);
   void GoBack();

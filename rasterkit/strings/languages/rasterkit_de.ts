@@ -926,10 +926,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>In %d Bit umwandeln</translation>
     </message>
     <message>
-        <source>Change values</source>
-        <translation>Werte ändern</translation>
-    </message>
-    <message>
         <source>Change colors</source>
         <translation>Farben ändern</translation>
     </message>
@@ -1052,7 +1048,7 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Die Änderungen können schon in der Datei sein. Möchten Sie sie trotzdem übernehmen? Schritte: %d</translation>
     </message>
     <message>
-        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
+        <source>Steps that do not fit the picture and are skipped: %d (%s)</source>
         <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
 </context>
