@@ -125,6 +125,7 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   void Leave(const Action& next);
   /// Asks what must be asked, and writes. `failed` runs if nothing was written.
   void Save(const Action& next, const Action& failed = {});
+  void ReleaseBase();
   void RunSave(const Action& next, const Action& failed);
   void TakeSaved(const Report& report, const Recipe& recipe);
   void SaveAs(const Action& next);

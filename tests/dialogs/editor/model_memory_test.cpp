@@ -11,7 +11,6 @@
 namespace rasterkit {
 namespace {
 
-using enum EditorAnswer;
 using test::EditorTest;
 
 class EditorMemory : public EditorTest {
@@ -26,7 +25,7 @@ class EditorMemory : public EditorTest {
     return test::RunInChild([&] {
       const uint64_t before = UsageOfProcess().peakBytes;
       test::RecordingEditorView childView;
-      childView.answers = {yes, yes};
+      childView.saving = SavingChoice{folder / "saved.jpg", {}, true};
       EditorModel child(childView, options);
       child.Open(file, 1);
       work(child);
@@ -67,7 +66,9 @@ TEST_F(EditorMemory, Should_TakeAtMostThreePicturesAtATime) {
       {"crop and save",
        [](EditorModel& model) {
          model.Add(RecipeCrop{LengthUnit::percent, 0.01, 0.01, 100, 100, Outside::refuse});
-         model.Confirm();
+         model.SaveAs();
+         model.Undo();
+         model.Redo();
        }},
       {"256 colors", [](EditorModel& model) { model.Colors256(); }}};
   for (const auto& [name, work] : works) {
