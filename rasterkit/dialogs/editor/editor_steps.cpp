@@ -97,7 +97,7 @@ void EditorModel::State::ShowNext(StepList steps, std::vector<std::string> names
       [made, from, step, next = std::move(next), isOnShown](const PixelRun& run) {
         Picture picture = next;
         if (isOnShown) {
-          picture = PictureOver(from, *made->result);
+          picture = PictureOver(*from, *made->result);
           ApplyRecipeStep(picture, step);
         }
         made->shown = PixelsToShow(picture, run);
@@ -118,7 +118,7 @@ void EditorModel::State::GoBack() {
         const std::span<const RecipeStep> steps = made->steps.Done();
         Picture facts = *made->source.picture;
         std::optional<Picture> seen;
-        if (made->base && AreSeenAsStored(facts)) seen = PictureOver(made->base, facts);
+        if (made->base && AreSeenAsStored(facts)) seen = PictureOver(*made->base, facts);
         for (const RecipeStep& step : steps) {
           ApplyRecipeStep(facts, step);
           if (seen) ApplyRecipeStep(*seen, step);

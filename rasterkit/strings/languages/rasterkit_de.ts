@@ -2935,6 +2935,7 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     </message>
     <message>
         <source>Steps that do not fit the picture and are left out: %d (%s)</source>
+        <source>Steps that do not fit the picture and are skipped: %d (%s)</source>
         <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
 </context>
