@@ -79,7 +79,7 @@ inline constexpr std::string_view rsSavingQuality = "&Quality:";
 inline constexpr std::string_view rsSavingQualityHint =
     "1 (small file) to 100 (best); 90 shows hardly any difference";
 inline constexpr std::string_view rsSavingQualityNumber = "Quality as a number";
-inline constexpr std::string_view rsSavingSampling = "Col&or detail:";
+inline constexpr std::string_view rsSavingSampling = "Color d&etail:";
 inline constexpr std::string_view rsSavingSamplingHint =
     "How finely a JPEG file stores color; brightness is always stored in full";
 inline constexpr std::string_view rsSavingSamplingSource = "As in the source (%s)";
@@ -131,6 +131,7 @@ inline constexpr std::string_view rsSavingWhySettings = "the settings differ fro
 inline constexpr std::string_view rsSavingWhySteps = "the pixels were changed";
 inline constexpr std::string_view rsSavingWhyWished = "it was chosen so";
 inline constexpr std::string_view rsSavingWhyDepth = "the file has another depth";
+inline constexpr std::string_view rsSavingWhyPixels = "see what is lost";
 inline constexpr std::string_view rsSavingNoLoss = "Nothing is lost";
 inline constexpr std::string_view rsSavingLost = "Lost: %s";
 inline constexpr std::string_view rsSavingLossDetails = "&What is lost";

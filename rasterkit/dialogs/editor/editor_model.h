@@ -48,8 +48,8 @@ class EditorModel {
   /// Whether closing would lose work.
   bool HasUnsavedWork() const;
   bool IsWorking() const;
-  /// The file that is edited.
-  const std::string& SourceFile() const;
+  /// The file whose pages can be shown: the one that was opened, or that was written since.
+  const std::string& PagesFile() const;
   /// The file that OK writes, and how.
   const std::string& TargetFile() const;
   /// Why the suggested target is not the file that was opened: "Files of the type webp cannot be

@@ -41,7 +41,8 @@ std::optional<std::string> NameIn(const std::string& text) {
     unsigned byte = 0;
     if (text[i] != '%') {
       name += text[i];
-    } else if (ReadNumber(std::string_view(text).substr(i + 1, 2), byte, kHex)) {
+    } else if (i + 2 < text.size() &&
+               ReadNumber(std::string_view(text).substr(i + 1, 2), byte, kHex)) {
       name += static_cast<char>(byte);
       i += 2;
     } else {

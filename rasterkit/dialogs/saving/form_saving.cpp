@@ -66,7 +66,9 @@ TFormSaving::TFormSaving(const Picture& picture, const SavingStart& start, Savin
   (name_ != nullptr ? static_cast<QWidget*>(name_) : save_)->setFocus();
 }
 
-TFormSaving::~TFormSaving() = default;
+TFormSaving::~TFormSaving() {
+  settingsPage_->ForgetModel();
+}
 
 QWidget* TFormSaving::MakeFileRows() {
   auto* rows = new QWidget(this);
@@ -275,7 +277,7 @@ bool TFormSaving::AskReplace(const std::string& question) {
 }
 
 std::optional<ChosenName> TFormSaving::AskName(const std::string& file) {
-  return detail::AskSaveName(file, model_->Type(), this);
+  return detail::TheDesktopFileDialogs().askToSave(file, model_->Type(), this);
 }
 
 void TFormSaving::Close(bool isConfirmed) {

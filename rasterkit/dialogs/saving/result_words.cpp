@@ -181,7 +181,7 @@ std::string LosslessWords(const Picture& picture, const RecipeSave& save, const 
   if (HasOtherDepth(picture, save)) {
     return Filled(rsSavingChangesPixels, {ResourceString(rsSavingWhyDepth)});
   }
-  return Filled(rsSavingChangesPixels, {ResourceString(rsSavingWhyKind)});
+  return Filled(rsSavingChangesPixels, {ResourceString(rsSavingWhyPixels)});
 }
 
 std::string LossWords(const Report& report) {

@@ -85,11 +85,19 @@ SavingList SavingModel::Types() const {
   return list;
 }
 
+/// JPEG files have color or gray, and only a BMP file has 32 bits without opacity.
+bool SavingModel::IsDepthOffered(int bits) const {
+  constexpr int kColor = 24, kWithAlpha = 32;
+  if (HasQuality()) return bits == kColor;
+  const bool hasAlpha = picture_.Layout().alpha != AlphaKind::none;
+  return bits != kWithAlpha || hasAlpha || type_ == PictureType::bmp;
+}
+
 SavingList SavingModel::Depths() const {
   const std::string bits = std::to_string(picture_.Layout().BitsPerPixel());
   SavingList list{{FormatText(ResourceString(rsSavingDepthAsIs), {&bits, 1})}, 0};
   for (const auto& [value, text] : kDepths) {
-    if (HasQuality() && value != 24) continue;
+    if (!IsDepthOffered(value)) continue;
     if (save_.bits == value) list.position = static_cast<int>(list.texts.size());
     list.texts.push_back(ResourceString(text));
   }
@@ -107,7 +115,7 @@ void SavingModel::ChooseDepth(int position) {
   std::optional<int> bits;
   int at = 0;
   for (const auto& [value, text] : kDepths) {
-    if (HasQuality() && value != 24) continue;
+    if (!IsDepthOffered(value)) continue;
     if (++at == position) bits = value;
   }
   if (bits == save_.bits) return;

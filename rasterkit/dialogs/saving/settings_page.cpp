@@ -107,6 +107,11 @@ void SettingsPage::SetModel(SavingModel& model) {
   compare_->SetModel(model);
 }
 
+void SettingsPage::ForgetModel() {
+  model_ = nullptr;
+  compare_->ForgetModel();
+}
+
 /// Hides a field with its label, whose mnemonic would work nevertheless.
 void SettingsPage::SetRowVisible(QWidget* field, bool isVisible) {
   field->setVisible(isVisible);

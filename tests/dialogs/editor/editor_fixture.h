@@ -42,14 +42,18 @@ class EditorTest : public testing::Test {
     return file;
   }
 
-  /// A photograph whose EXIF block states an orientation.
+  /// A photograph whose EXIF block states an orientation; gray for pf8bit.
   std::string WritePhoto(const std::string& name, int orientation, TPixelFormat format = pf24bit,
                          int width = 32, int height = 16) {
-    const std::string jpeg = ReadFile(WritePicture("plain.jpg", width, height, format));
+    const std::string plain = folder / "plain.jpg";
+    Picture::Of(std::make_unique<TBitmap>(format == pf8bit ? GrayRaster(width, height)
+                                                           : GradientRaster(format, width, height)))
+        .Save(plain);
+    const std::string jpeg = ReadFile(plain);
     const TiffWriter writer(ByteOrder::intel);
     const std::string exif = ExifSection(writer.Tiff(
         {writer.Ascii(271, "Camera"), writer.Short(274, static_cast<uint16_t>(orientation))}));
-    std::filesystem::remove(folder / "plain.jpg");
+    std::filesystem::remove(plain);
     return folder.Write(name, jpeg.substr(0, 2) + exif + jpeg.substr(2));
   }
 

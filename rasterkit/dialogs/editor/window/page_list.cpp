@@ -1,4 +1,5 @@
 #include <QFont>
+#include <QIcon>
 #include <QPixmap>
 #include <algorithm>
 #include <array>
@@ -120,7 +121,11 @@ QVariant PageList::data(const QModelIndex& index, int role) const {
   const QImage image = images_.value(page);
   QImage shown = image.isNull() ? EmptySheet(qRound(side_ * scale_)) : image;
   shown.setDevicePixelRatio(scale_);
-  return QPixmap::fromImage(shown);
+  // A chosen page keeps its colors.
+  const QPixmap pixmap = QPixmap::fromImage(shown);
+  QIcon icon(pixmap);
+  icon.addPixmap(pixmap, QIcon::Selected);
+  return icon;
 }
 
 }  // namespace rasterkit

@@ -24,7 +24,7 @@ namespace rasterkit {
 namespace {
 
 /// Text columns and lines of the window before the user gives it another size.
-constexpr int kUsualColumns = 130, kUsualLines = 42;
+constexpr int kUsualColumns = 165, kUsualLines = 42;
 /// In milliseconds; a job that ends earlier shows no progress.
 constexpr int kPauseBeforeProgress = 250;
 /// In milliseconds.
@@ -124,13 +124,21 @@ void TFormPictureEditor::ShowEditor() {
 
 bool TFormPictureEditor::EndSession(bool mayAsk) {
   if (!mayAsk || isClosed_ || !isVisible()) return true;
-  if (jobs_.IsRunning()) {
+  if (jobs_.IsRunning()) CancelJob();
+  WaitForJobs();
+  model_->CancelOrClose();
+  // It may be saved first.
+  WaitForJobs();
+  return isClosed_;
+}
+
+void TFormPictureEditor::WaitForJobs() {
+  while (jobs_.IsRunning()) {
     QEventLoop loop;
     connect(&jobs_, &EditorJobs::ended, &loop, &QEventLoop::quit);
-    CancelJob();
-    loop.exec();
+    // Nonzero where the loops of the program are to end.
+    if (loop.exec(QEventLoop::ExcludeUserInputEvents) != 0) return;
   }
-  return model_->CancelOrClose();
 }
 
 void TFormPictureEditor::Call(EditorCommand command) {

@@ -77,6 +77,7 @@ class RASTERKIT_EXPORT TFormPictureEditor : public TScaledForm, private EditorVi
   void Call(EditorCommand command);
   void Run(EditorCommand command);
   void RunWaiting();
+  void WaitForJobs();
   void RotateByField();
   void TakeResolution();
   void ShowPanels();

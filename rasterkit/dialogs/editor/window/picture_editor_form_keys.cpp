@@ -119,9 +119,10 @@ bool TFormPictureEditor::TakeEnter(const QObject& receiver) {
 void TFormPictureEditor::ReadPanels() {
   actions_[EditorCommand::showPages].setChecked(NumberOf(kShowsPages, 1) != 0);
   actions_[EditorCommand::showSteps].setChecked(NumberOf(kShowsSteps, 0) != 0);
-  constexpr int kLeast = 1, kMost = 10'000;
+  constexpr int kLeast = 1, kMost = 10'000, kColumnsOfSteps = 28;
+  const int usual = kColumnsOfSteps * fontMetrics().averageCharWidth();
   const int pages = std::clamp(NumberOf(kPagesWidth, kLeast), kLeast, kMost);
-  const int steps = std::clamp(NumberOf(kStepsWidth, kLeast), kLeast, kMost);
+  const int steps = std::clamp(NumberOf(kStepsWidth, usual), kLeast, kMost);
   // The splitter keeps to the least widths of the panels.
   ui_.splitter->setSizes({pages, kMost, steps});
 }

@@ -20,6 +20,7 @@
 #include <rasterkit/qt/forms/message_box.h>
 #include <rasterkit/qt/forms/modal_window.h>
 #include <rasterkit/qt/qt_text.h>
+#include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/ports.h>
 #include <rasterkit/strings/format_text.h>
 
@@ -60,7 +61,8 @@ bool TFormPictureEditor::IsIdle() const {
 void TFormPictureEditor::ShowState() {
   if (!model_) return;
   const QScopedValueRollback showing(isShowing_, true);
-  setWindowTitle(ToQt(model_->Title()));
+  const QString title = ToQt(model_->Title());
+  setWindowTitle(title.isEmpty() ? ResourceText(rsEditorWindow) : title);
   ShowActions();
   ShowFields();
   ShowTexts();
@@ -117,7 +119,15 @@ void TFormPictureEditor::ShowTexts() {
   const QString facts = ToQt(model_->Facts());
   ui_.facts->setText(facts);
   ui_.picture->SetContentText(facts);
-  ui_.saving->setText(ToQt(model_->SavingFacts()));
+  QStringList saving;
+  if (model_->HasPicture()) {
+    const std::string& note = model_->TargetNote();
+    const std::string& target = model_->TargetFile();
+    saving += note.empty() ? Filled(rsEditorTarget, ExtractFileName(target)) : ToQt(note);
+    ui_.saving->setToolTip(ToQt(target));
+  }
+  if (const QString how = ToQt(model_->SavingFacts()); !how.isEmpty()) saving += how;
+  ui_.saving->setText(saving.join(u'\n'));
   ShowLosses();
 }
 
@@ -160,8 +170,8 @@ void TFormPictureEditor::ShowSteps() {
 
 void TFormPictureEditor::ShowPages() {
   const int pages = options_.showsPages && model_->Pages() > 1 ? model_->Pages() : 0;
-  if (model_->SourceFile() != listedFile_ || pages != listedPages_) {
-    listedFile_ = model_->SourceFile();
+  if (model_->PagesFile() != listedFile_ || pages != listedPages_) {
+    listedFile_ = model_->PagesFile();
     listedPages_ = pages;
     ui_.pages->SetDocument(
         pages, pages == 0 ? PageDrawing() : DrawPagesOf(listedFile_, options_.isolation));
@@ -200,6 +210,7 @@ void TFormPictureEditor::Enable(QWidget& widget, bool enabled) {
 
 void TFormPictureEditor::StartJob(EditorJob job) {
   jobTitle_ = job.title;
+  if (isJobShown_) ui_.progress->setRange(0, 0);
   jobs_.Start(std::move(job));
   jobDelay_.start();
 }
@@ -303,6 +314,7 @@ std::string TFormPictureEditor::AskFileToOpen(const std::string& folder) {
 }
 
 void TFormPictureEditor::OpenHelp() {
+  if (options_.onHelp) return options_.onHelp();
   if (HostPorts().helpTopic) return ShowHelpTopic(kHelpOfEditor);
   const QString installed = InstalledDocumentation();
   const bool isOpen = !installed.isEmpty() && windows_.document(QUrl::fromLocalFile(installed));

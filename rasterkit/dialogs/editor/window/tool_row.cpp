@@ -10,7 +10,7 @@ namespace rasterkit {
 namespace {
 
 constexpr int kMostLines = 3;
-constexpr QSize kIconSize(24, 24);
+constexpr QSize kIconSize(20, 20);
 
 }  // namespace
 
@@ -34,6 +34,9 @@ QToolButton* ToolRow::AddTool(QAction& action, const QString& name) {
   button->setFocusPolicy(Qt::NoFocus);
   button->setAccessibleDescription(action.statusTip());
   button->installEventFilter(this);
+  button->setVisible(action.isVisible());
+  connect(&action, &QAction::changed, button,
+          [button, &action] { button->setVisible(action.isVisible()); });
   layout()->addWidget(button);
   tools_ += button;
   if (stop_ < 0) SetStop(0);
