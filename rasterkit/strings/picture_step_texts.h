@@ -74,6 +74,6 @@ inline constexpr std::string_view rsAskJournalChanged =
     "changes may be in the file already. Do you want to take them up nevertheless? Steps: %d";
 /// Number of steps that were left out, and the reason.
 inline constexpr std::string_view rsJournalCut =
-    "Steps that do not fit the picture and are left out: %d (%s)";
+    "Steps that do not fit the picture and are skipped: %d (%s)";
 
 }  // namespace rasterkit

@@ -104,13 +104,15 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   // Steps: editor_steps.cpp.
 
   bool HasPicture() const { return picture && picture->shown; }
-  /// Opens a window that asks for a step.
+  /// Opens a window in which the user chooses a step.
   void AskForStep(const Action& ask);
   void AddStep(const RecipeStep& step);
   void GoBack();
   void GoForward();
   /// Another place in the list, over any number of steps: editor_places.cpp.
   void GoTo(size_t place);
+  /// Computes the pixels from the source on, by all steps up to the place.
+  void ShowFromSource(StepList list, const std::string& title);
   /// Computes the pixels for the list, and takes it over.
   void Show(StepList steps, std::vector<std::string> names, const std::string& title);
   void ShowNext(StepList steps, std::vector<std::string> names, Picture next);
@@ -127,6 +129,7 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   void Leave(const Action& next);
   /// Asks what must be asked, and writes. `failed` runs if nothing was written.
   void Save(const Action& next, const Action& failed = {});
+  void ReleaseBase();
   void RunSave(const Action& next, const Action& failed);
   void TakeSaved(const Report& report, const Recipe& recipe);
   void SaveAs(const Action& next);

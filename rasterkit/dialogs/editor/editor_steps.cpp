@@ -97,7 +97,7 @@ void EditorModel::State::ShowNext(StepList steps, std::vector<std::string> names
       [made, from, step, next = std::move(next), isOnShown](const PixelRun& run) {
         Picture picture = next;
         if (isOnShown) {
-          picture = PictureOver(from, *made->result);
+          picture = PictureOver(*from, *made->result);
           ApplyRecipeStep(picture, step);
         }
         made->shown = PixelsToShow(picture, run);
@@ -106,19 +106,24 @@ void EditorModel::State::ShowNext(StepList steps, std::vector<std::string> names
       [this, made] { TakePicture(std::move(*made)); });
 }
 
-/// From the source on, by all steps.
 void EditorModel::State::GoBack() {
   if (!HasPicture() || !picture->steps.CanUndo()) return;
+  StepList steps = picture->steps;
+  steps.Undo();
+  ShowFromSource(std::move(steps), ResourceString(rsJobUndo));
+}
+
+void EditorModel::State::ShowFromSource(StepList list, const std::string& title) {
   const auto made = std::make_shared<EditorPicture>(*picture);
-  made->steps.Undo();
+  made->steps = std::move(list);
   made->shown.reset();
   Start(
-      ResourceString(rsJobUndo),
+      title,
       [made](const PixelRun& run) {
         const std::span<const RecipeStep> steps = made->steps.Done();
         Picture facts = *made->source.picture;
         std::optional<Picture> seen;
-        if (made->base && AreSeenAsStored(facts)) seen = PictureOver(made->base, facts);
+        if (made->base && AreSeenAsStored(facts)) seen = PictureOver(*made->base, facts);
         for (const RecipeStep& step : steps) {
           ApplyRecipeStep(facts, step);
           if (seen) ApplyRecipeStep(*seen, step);

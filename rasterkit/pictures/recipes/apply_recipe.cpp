@@ -95,6 +95,12 @@ template <class Kind>
   throw Kind(place + ": " + error.Reason(), error.File());
 }
 
+LimitError Placed(const std::string& place, const LimitError& error) {
+  LimitError placed(error.Kind(), place + ": " + error.Reason());
+  placed.AttachFile(error.File());
+  return placed;
+}
+
 /// Calls `add`; errors of it get the place in front.
 template <class Add>
 void AddAt(const std::string& place, const Add& add) {
@@ -107,9 +113,7 @@ void AddAt(const std::string& place, const Add& add) {
   } catch (const UnsupportedError& error) {
     ThrowAt(place, error);
   } catch (const LimitError& error) {
-    LimitError placed(error.Kind(), place + ": " + error.Reason());
-    placed.AttachFile(error.File());
-    throw placed;
+    throw Placed(place, error);
   }
 }
 

@@ -2595,5 +2595,10 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <source>OK writes %s</source>
         <translation>OK schreibt %s</translation>
     </message>
+    <message>
+        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
+        <source>Steps that do not fit the picture and are skipped: %d (%s)</source>
+        <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
+    </message>
 </context>
 </TS>

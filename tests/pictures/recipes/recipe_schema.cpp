@@ -122,10 +122,14 @@ class SchemaFields {
   }
 
   template <class Struct>
-  static Json Of(SchemaFields fields = {}) {
+  Json With() {
     Struct fresh{};
-    detail::Describe(fields, fresh);
-    return fields.Take();
+    detail::Describe(*this, fresh);
+    return Take();
+  }
+  template <class Struct>
+  static Json Of() {
+    return SchemaFields().With<Struct>();
   }
 
  private:
@@ -149,7 +153,7 @@ std::string RecipeSchema() {
       SchemaFields fields;
       fields.Require("step", {{"const", kind.name}});
       fields.Require("revision", {{"const", kind.revision}});
-      steps[kind.name] = SchemaFields::Of<Plain>(fields);
+      steps[kind.name] = fields.With<Plain>();
       choices.push_back({{"$ref", std::string("#/$defs/") + kind.name}});
     }
   });
