@@ -1472,5 +1472,25 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <source>The sheet needs %s x %s pixels, more than the picture has</source>
         <translation>Das Blatt braucht %s x %s Pixel, mehr als das Bild hat</translation>
     </message>
+    <message>
+        <source>A0</source>
+        <translation>A0</translation>
+    </message>
+    <message>
+        <source>A1</source>
+        <translation>A1</translation>
+    </message>
+    <message>
+        <source>A2</source>
+        <translation>A2</translation>
+    </message>
+    <message>
+        <source>A3</source>
+        <translation>A3</translation>
+    </message>
+    <message>
+        <source>A4</source>
+        <translation>A4</translation>
+    </message>
 </context>
 </TS>
