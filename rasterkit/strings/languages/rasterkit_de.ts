@@ -2599,6 +2599,24 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <source>Steps that do not fit the picture and are left out: %d (%s)</source>
         <source>Steps that do not fit the picture and are skipped: %d (%s)</source>
         <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
+        <source>A0</source>
+        <translation>A0</translation>
+    </message>
+    <message>
+        <source>A1</source>
+        <translation>A1</translation>
+    </message>
+    <message>
+        <source>A2</source>
+        <translation>A2</translation>
+    </message>
+    <message>
+        <source>A3</source>
+        <translation>A3</translation>
+    </message>
+    <message>
+        <source>A4</source>
+        <translation>A4</translation>
     </message>
 </context>
 </TS>

@@ -104,6 +104,18 @@ TEST(CropRules, CanceledDrag_Should_RestoreTheCutOfBefore) {
   EXPECT_FALSE(tool.model.CancelDrag());
 }
 
+TEST(CropRules, ALostRelease_Should_EndTheDrag_When_TheNextOneStarts) {
+  ToolOf tool(kEditorCropRules);
+  tool.model.SetBmpCutRect({200, 100, 400, 300});
+  tool.Press(150, 130);
+  tool.MoveTo(100, 120);
+  tool.Drag(100, 120, 120, 120);
+  EXPECT_TRUE(tool.model.UndoCutRect());
+  tool.ExpectCut(100, 80, 300, 280);
+  EXPECT_TRUE(tool.model.UndoCutRect());
+  tool.ExpectCut(200, 100, 400, 300);
+}
+
 TEST(CropRules, SmallMovement_Should_BeAClick) {
   ToolOf tool(kEditorCropRules);
   tool.model.SetBmpCutRect({200, 100, 400, 300});
