@@ -54,8 +54,11 @@ TBitmap ChangeStepPart(const TBitmap& picture, const TRect& part, const ColorCha
                            std::min(part.Bottom + margin, picture.Height())};
   Picture changed = Picture::Of(CopyOfPart(picture, computed));
   changed.Change(step);
+  // Threads cost more than they bring for few pixels.
+  constexpr int64_t kFewPixels = 200'000;
   Run run;
-  run.threads = 1;
+  const int64_t pixels = int64_t{computed.right - computed.left} * (computed.bottom - computed.top);
+  run.threads = pixels < kFewPixels ? 1 : 0;
   return PartOf(std::move(*changed.Bitmap(run)),
                 {part.Left - computed.left, part.Top - computed.top, part.Right - computed.left,
                  part.Bottom - computed.top});
