@@ -70,9 +70,12 @@ TBitmap DrawStepPart(const TBitmap& picture, const TRect& part, const ValueChang
   const int width = part.Right - part.Left, height = part.Bottom - part.Top;
   drawn.ResetPixels(pf32bit, std::max(width, 0), std::max(height, 0));
   if (drawn.Empty()) return drawn;
-  drawn.Canvas().Brush.Color = ground;
-  drawn.Canvas().FillRect({0, 0, width, height});
-  drawn.Canvas().Draw(0, 0, ChangeStepPart(picture, part, StepOf(change)));
+  TBitmap changed = ChangeStepPart(picture, part, StepOf(change));
+  if (changed.Transparent() || changed.AlphaFormat() == afDefined) {
+    drawn.Canvas().Brush.Color = ground;
+    drawn.Canvas().FillRect({0, 0, width, height});
+  }
+  drawn.Canvas().Draw(0, 0, changed);
   return drawn;
 }
 

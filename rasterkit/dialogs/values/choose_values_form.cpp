@@ -10,6 +10,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <string>
+#include <utility>
 
 #include <rasterkit/bands/color_changes.h>
 #include <rasterkit/dialogs/values/choose_values_form.h>
@@ -208,6 +209,8 @@ void TFormChooseValues::CountChanged() {
     const TRect all{0, 0, pixels.Width(), pixels.Height()};
     return CountLevels(ChangeStepPart(pixels, all, step), sample->Counted());
   };
+  // The window opens with a histogram in it.
+  if (!std::exchange(hasHistogram_, true)) return ShowCounts(count());
   histogramTask_.Run(
       [this, count](const std::atomic<bool>&) -> detail::LatestTask::Answer {
         std::optional<ValueHistogram> histogram;

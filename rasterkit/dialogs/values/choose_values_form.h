@@ -84,7 +84,7 @@ class TFormChooseValues : public TScaledForm {
   std::optional<GrayCounting> counting_;
   /// Of the whole picture, or of the sample until that is counted.
   LevelCounts grays_{};
-  bool isShowing_ = false;
+  bool isShowing_ = false, hasHistogram_ = false;
 
   PreviewBox* preview_ = nullptr;
   HistogramBox* histogram_ = nullptr;
