@@ -6,6 +6,7 @@ find_package(TIFF REQUIRED)
 find_package(GIF REQUIRED)
 find_package(EXPAT REQUIRED)
 find_package(fmt REQUIRED)
+find_package(nlohmann_json REQUIRED)
 pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
 pkg_check_modules(DEFLATE REQUIRED IMPORTED_TARGET libdeflate)
 pkg_check_modules(WEBP REQUIRED IMPORTED_TARGET libwebp)
@@ -18,7 +19,8 @@ find_path(RASTERKIT_HEIF_INCLUDE_DIR libheif/heif.h REQUIRED DOC "Folder of libh
 pkg_check_modules(SECCOMP REQUIRED IMPORTED_TARGET libseccomp)
 set(RASTERKIT_DEPENDENCIES
     Threads::Threads ${CMAKE_DL_LIBS} JPEG::JPEG PNG::PNG TIFF::TIFF GIF::GIF EXPAT::EXPAT PkgConfig::DEFLATE
-    PkgConfig::WEBP PkgConfig::OPENJP2 PkgConfig::LCMS2 PkgConfig::CAIRO fmt::fmt PkgConfig::HWY)
+    PkgConfig::WEBP PkgConfig::OPENJP2 PkgConfig::LCMS2 PkgConfig::CAIRO fmt::fmt nlohmann_json::nlohmann_json
+    PkgConfig::HWY)
 
 if(RASTERKIT_DIALOGS)
   find_package(Qt6 6.4 QUIET COMPONENTS Widgets Svg)

@@ -359,6 +359,10 @@ class Beginner {
     return OfRows(change, RuleOfFormat(reader, format));
   }
 
+  std::unique_ptr<BandWork> operator()(const UsePalette& change) const {
+    return OfRows(change, RuleOfPalette(NewReader(), change.palette));
+  }
+
  private:
   Reader NewReader() const { return std::make_shared<const ColorReader>(like_, size_.width); }
 

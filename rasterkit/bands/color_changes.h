@@ -30,6 +30,7 @@ void Change(const SwapOpacity& change, BitmapPointer& bitmap);
 void Change(const SetPaletteEntries& change, BitmapPointer& bitmap);
 /// An alpha channel that the depth does not have is painted onto white first.
 void Change(const SetBits& change, BitmapPointer& bitmap);
+void Change(const UsePalette& change, BitmapPointer& bitmap);
 
 /// Puts white into the palette of an indexed bitmap as its last entry, and into the bottom left
 /// pixel, so that no other pixel looks different. False if the palette has no room for it.

@@ -12,7 +12,7 @@ constexpr uint16_t kModelType = 1024, kRasterType = 1025, kCitation = 1026, kGeo
                    kGeographicCitation = 2049, kProjectedType = 3072, kProjectedCitation = 3073;
 constexpr int kProjected = 1, kGeographic = 2, kGeocentric = 3;
 constexpr int kPixelIsPoint = 2;
-constexpr uint16_t kAsciiTag = 34737;
+constexpr uint16_t kDoubleTag = 34736, kAsciiTag = 34737;
 /// 0 is undefined, 32767 and above are the user's own.
 constexpr int kFirstCode = 1024, kLastCode = 32766;
 
@@ -29,10 +29,7 @@ std::optional<std::span<const uint16_t>> FindKey(std::span<const uint16_t> keys,
   return std::nullopt;
 }
 
-int ShortKey(std::span<const uint16_t> keys, uint16_t number) {
-  const auto key = FindKey(keys, number);
-  return key && (*key)[1] == 0 ? (*key)[3] : 0;
-}
+using detail::ShortKey;
 
 /// Texts of keys end with "|".
 std::string TextKey(const CoordinateSystem& system, uint16_t number) {
@@ -82,6 +79,17 @@ std::string NameInKeys(const CoordinateSystem& system) {
 }
 
 }  // namespace
+
+int detail::ShortKey(std::span<const uint16_t> keys, uint16_t number) {
+  const auto key = FindKey(keys, number);
+  return key && (*key)[1] == 0 ? (*key)[3] : 0;
+}
+
+std::optional<double> detail::DoubleKey(const CoordinateSystem& system, uint16_t number) {
+  const auto key = FindKey(system.keys, number);
+  if (!key || (*key)[1] != kDoubleTag || (*key)[3] >= system.doubles.size()) return std::nullopt;
+  return system.doubles[(*key)[3]];
+}
 
 bool detail::IsPixelPoint(std::span<const uint16_t> keys) {
   return ShortKey(keys, kRasterType) == kPixelIsPoint;

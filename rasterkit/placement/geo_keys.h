@@ -9,8 +9,18 @@
 
 #include <rasterkit/runtime/export.h>
 
+namespace rasterkit {
+struct CoordinateSystem;
+}
+
 /// The names in a coordinate system.
 namespace rasterkit::detail {
+
+/// Value of a key whose value is a whole number; 0 without it.
+int ShortKey(std::span<const uint16_t> keys, uint16_t number);
+
+/// Value of a key whose value is a number (34736); nothing without it.
+std::optional<double> DoubleKey(const CoordinateSystem& system, uint16_t number);
 
 /// True if the raster type in the key directory (34735) says that a pixel is a point.
 bool IsPixelPoint(std::span<const uint16_t> keys);

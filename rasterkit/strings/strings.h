@@ -9,12 +9,17 @@
 #include <rasterkit/strings/change_size_texts.h>
 #include <rasterkit/strings/change_values_texts.h>
 #include <rasterkit/strings/crop_texts.h>
+#include <rasterkit/strings/crop_window_texts.h>
 #include <rasterkit/strings/editor_texts.h>
+#include <rasterkit/strings/editor_window_texts.h>
 #include <rasterkit/strings/file_dialog_texts.h>
 #include <rasterkit/strings/graphics_settings_texts.h>
 #include <rasterkit/strings/library_texts.h>
+#include <rasterkit/strings/picture_step_texts.h>
 #include <rasterkit/strings/save_window_texts.h>
 #include <rasterkit/strings/value_window_texts.h>
+#include <rasterkit/strings/size_window_texts.h>
+#include <rasterkit/strings/saving_texts.h>
 
 /// The texts that users see. The constants `rsXxx` in the headers above are the table: a constant
 /// is the English text and at the same time the key by which translators find it. The build makes

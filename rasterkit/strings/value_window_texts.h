@@ -16,14 +16,12 @@ inline constexpr std::string_view rsValuesBeforeHint =
     "Shows the original while it is held down; so does the key B";
 inline constexpr std::string_view rsValuesActualSizeHint =
     "Shows one pixel of the picture for one of the screen, exactly as OK makes it";
-inline constexpr std::string_view rsValuesFitHint = "Shows the whole picture";
 inline constexpr std::string_view rsValuesLoupe = "&Loupe";
 inline constexpr std::string_view rsValuesLoupeHint =
     "Shows the pixels under the cursor in their actual size where the picture is shown smaller";
 inline constexpr std::string_view rsValuesModeChanged = "Changed only";
 inline constexpr std::string_view rsValuesModeSideBySide = "Side by side";
 inline constexpr std::string_view rsValuesModeSplit = "Split";
-inline constexpr std::string_view rsValuesPreview = "Preview";
 inline constexpr std::string_view rsValuesPreviewHint =
     "Drag the picture or the divider; the wheel zooms";
 inline constexpr std::string_view rsValuesPreviewKeys =
@@ -31,9 +29,7 @@ inline constexpr std::string_view rsValuesPreviewKeys =
 inline constexpr std::string_view rsValuesView = "Vie&w";
 inline constexpr std::string_view rsValuesViewHint = "How original and changed picture are shown";
 inline constexpr std::string_view rsValuesZoomIn = "Zoom in";
-inline constexpr std::string_view rsValuesZoomInHint = "Shows the picture larger";
 inline constexpr std::string_view rsValuesZoomOut = "Zoom out";
-inline constexpr std::string_view rsValuesZoomOutHint = "Shows the picture smaller";
 
 /// What is beside the preview.
 inline constexpr std::string_view rsValuesHistogram = "Histogram";

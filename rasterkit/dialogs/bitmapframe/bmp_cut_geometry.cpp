@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include <rasterkit/dialogs/bitmapframe/bmp_cut_model.h>
+#include <rasterkit/dialogs/bitmapframe/grab_handles.h>
 
 namespace rasterkit {
 namespace {
@@ -19,6 +20,8 @@ double CenteringShift(double start, double end, double client) {
 
 void BmpCutModel::CalculateBmpPaintRect(bool fit) {
   if (fOrgBitmap == nullptr) return;
+  isFitted_ = fit;
+  lastBox_ = view_->ClientRect();
   RDRect paintRect(fBitmapRect);
   if (fit) {
     const double factor = paintRect.FitInRect(RDRect(view_->ClientRect()));
@@ -47,6 +50,7 @@ void BmpCutModel::ChangePlace(const RDRect& paintRect, double stretchFactor) {
   fPaintRect = paintRect;
   fStretchFactor = stretchFactor;
   if (!fDragIsActive) return;
+  if (rules_.isLive) return CalculateCutRect();
   fCutRect = ToBox(dragged);
   const TRect newStart = ToBox(start).ToRect();
   fDragStartPosition = {newStart.Left, newStart.Top};
@@ -84,12 +88,21 @@ void BmpCutModel::CalculateBmpCutRect() {
 
 void BmpCutModel::CalcMarkRects() {
   fMarkRects.clear();
-  if (GetCutRectExists()) fMarkRects = MakeMarkRects(fCutRect.ToRect(), fMarkWidth);
+  if (!GetCutRectExists()) return;
+  const TRect rect = fCutRect.ToRect();
+  fMarkRects =
+      rules_.grabSize > 0 ? MakeHandles(rect, fMarkWidth) : MakeMarkRects(rect, fMarkWidth);
 }
 
 EDragObjectType BmpCutModel::GetMouseTarget(int x, int y) const {
-  if (!FCutRectEnabled || !HasPixels() || !fPaintRect.Contains(x, y)) return doNone;
+  if (!FCutRectEnabled || !HasPixels()) return doNone;
+  if (rules_.grabSize > 0 && GetCutRectExists()) {
+    const EDragObjectType grabbed = GrabAt(fCutRect.ToRect(), rules_.grabSize, x, y);
+    if (grabbed != doNone) return grabbed;
+  }
+  if (!fPaintRect.Contains(x, y)) return doNone;
   if (!GetCutRectExists() || !fCutRect.Contains(x, y)) return doFrame;
+  if (rules_.grabSize > 0) return doMove;
   const EDragObjectType mark = MarkAt(fMarkRects, x, y);
   return mark == doNone ? doMove : mark;
 }
@@ -101,8 +114,30 @@ bool BmpCutModel::IsUnscaled() const {
 
 void BmpCutModel::OnResize() {
   fitsAnew_ = isReleased_;
-  CalculateBmpPaintRect(true);
+  if (rules_.keepsZoom && !isFitted_ && HasPixels()) {
+    KeepZoom();
+  } else {
+    CalculateBmpPaintRect(true);
+  }
   view_->Repaint();
+}
+
+/// Keeps the point in the middle of the box where it is.
+void BmpCutModel::KeepZoom() {
+  const TRect box = view_->ClientRect();
+  RDRect rect = fPaintRect;
+  rect.Move((double{0} + box.Right - lastBox_.Right) / 2,
+            (double{0} + box.Bottom - lastBox_.Bottom) / 2);
+  lastBox_ = box;
+  ChangePlace(rect, fStretchFactor);
+  if (!fDragIsActive) CalculateCutRect();
+}
+
+std::optional<TPoint> BmpCutModel::PixelCornerAt(int x, int y) const {
+  if (!HasPixels() || !fPaintRect.Contains(x, y)) return std::nullopt;
+  const TRect corner = ToBitmap(RDRect(x, y, x, y)).ToRect();
+  return TPoint{std::clamp(corner.Left, 0, fBitmapRect.Right),
+                std::clamp(corner.Top, 0, fBitmapRect.Bottom)};
 }
 
 bool BmpCutModel::MayZoomTo(const RDRect& rect) const {
@@ -118,6 +153,7 @@ void BmpCutModel::OnMouseWheel(int wheelDelta, const TPoint& mousePos, bool& han
   RDRect rect = fPaintRect;
   rect.Stretch(wheelDelta >= 0 ? fStepSize : -fStepSize, mousePos.X, mousePos.Y);
   if (!MayZoomTo(rect)) return;
+  isFitted_ = false;
   const bool byHeight = fBitmapRect.Right <= fBitmapRect.Bottom;
   ChangePlace(rect,
               byHeight ? rect.Height() / fBitmapRect.Bottom : rect.Width() / fBitmapRect.Right);
@@ -133,6 +169,7 @@ void BmpCutModel::Pan(int x, int y) {
 
 bool BmpCutModel::PanBy(int dx, int dy) {
   if (!HasPixels()) return false;
+  isFitted_ = false;
   RDRect rect = fPaintRect;
   rect.Move(dx, dy);
   ChangePlace(rect, fStretchFactor);

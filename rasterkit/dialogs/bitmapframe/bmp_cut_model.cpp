@@ -164,6 +164,11 @@ bool BmpCutModel::ResizeCutRect(int dx, int dy) {
   if (!GetCutRectExists()) return false;
   RDRect rect(CutPixels());
   rect.Intersect(RDRect(fBitmapRect));
+  if (rules_.isLive) {
+    ChangeByKey(
+        RDRect(ResizedCut(rect.ToRect(), dx, dy, shape_, fBitmapRect.Right, fBitmapRect.Bottom)));
+    return true;
+  }
   rect.Right = std::max(std::min<double>(rect.Right + dx, fBitmapRect.Right), rect.Left + 1);
   rect.Bottom = std::max(std::min<double>(rect.Bottom + dy, fBitmapRect.Bottom), rect.Top + 1);
   ChangeByKey(rect);
@@ -186,8 +191,22 @@ bool BmpCutModel::UndoCutRect() {
   StopDrag();
   const std::optional<CutHistory::Cut> last = history_.Take();
   if (!last) return false;
-  if (*last) {
-    TakeCut(**last);
+  if (rules_.keepsUndone) history_.NoteUndone(CurrentCut());
+  ShowCut(*last);
+  return true;
+}
+
+bool BmpCutModel::RedoCutRect() {
+  StopDrag();
+  const std::optional<CutHistory::Cut> next = history_.TakeUndone(CurrentCut());
+  if (!next) return false;
+  ShowCut(*next);
+  return true;
+}
+
+void BmpCutModel::ShowCut(const CutHistory::Cut& cut) {
+  if (cut) {
+    TakeCut(*cut);
   } else {
     RemoveCut();
   }
@@ -196,7 +215,6 @@ bool BmpCutModel::UndoCutRect() {
   Raise(OnChanged);
   view_->Repaint();
   Raise(OnStateChanged);
-  return true;
 }
 
 }  // namespace rasterkit

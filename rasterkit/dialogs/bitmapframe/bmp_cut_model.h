@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/dialogs/bitmapframe/crop_rules.h>
 #include <rasterkit/dialogs/bitmapframe/cut_history.h>
+#include <rasterkit/dialogs/bitmapframe/cut_shape.h>
 #include <rasterkit/dialogs/bitmapframe/cut_view.h>
 #include <rasterkit/dialogs/bitmapframe/darked_bitmap.h>
 #include <rasterkit/dialogs/bitmapframe/mark_rects.h>
@@ -26,6 +28,8 @@ struct CutButtons {
   bool left = false, middle = false;
   /// Another button, or Shift, Ctrl or Alt.
   bool others = false;
+  /// Shift and Ctrl alone; `others` is set with them.
+  bool shift = false, control = false;
 };
 
 class BmpCutModel;
@@ -46,7 +50,8 @@ using TNotifyBmpRefPointChanged = std::function<void(BmpCutModel& sender, int x,
 /// repaint. Not thread-safe.
 class RASTERKIT_EXPORT BmpCutModel {
  public:
-  explicit BmpCutModel(CutView& view) : view_(&view) {}
+  explicit BmpCutModel(CutView& view, const CropRules& rules = kEntryCropRules)
+      : rules_(rules), view_(&view) {}
   BmpCutModel(const BmpCutModel&) = delete;
   BmpCutModel& operator=(const BmpCutModel&) = delete;
 
@@ -126,6 +131,9 @@ class RASTERKIT_EXPORT BmpCutModel {
   /// bitmap of another size clears the history.
   bool UndoCutRect();
   bool CanUndo() const { return !history_.IsEmpty(); }
+  /// Restores what was undone last; false if there is nothing, always with rules that keep nothing.
+  bool RedoCutRect();
+  bool CanRedo() const { return history_.HasUndone(); }
   /// Clears the history: the current cut cannot be undone.
   void ForgetCutHistory() { history_.Forget(); }
   /// Cancels a drag and restores the cut of before; false if there is no drag.
@@ -135,6 +143,15 @@ class RASTERKIT_EXPORT BmpCutModel {
   TEntryMode EntryMode() const { return FEntryMode; }
   void SetCutRectEnabled(bool enabled) { FCutRectEnabled = enabled; }
   bool CutRectEnabled() const { return FCutRectEnabled; }
+
+  /// Sets the shape that drags and keys keep; the cut itself does not change. No effect with rules
+  /// that are not live.
+  void SetShape(const CutShape& shape) { shape_ = shape; }
+  const CutShape& Shape() const { return shape_; }
+  const CropRules& Rules() const { return rules_; }
+  /// Returns the bitmap's corner between pixels that is nearest to a point in paint-box pixels.
+  /// Nothing outside the bitmap.
+  std::optional<TPoint> PixelCornerAt(int x, int y) const;
 
   const TRect& BitmapRect() const { return fBitmapRect; }
   const RDRect& PaintRect() const { return fPaintRect; }
@@ -180,9 +197,15 @@ class RASTERKIT_EXPORT BmpCutModel {
   void ChangeByKey(const RDRect& rect);
   void Raise(const TCutNotifyEvent& event);
 
+  void ShowCut(const CutHistory::Cut& cut);
   void StopDrag();
   void StartDrag(int x, int y);
   void DragTo(int x, int y);
+  void StartLiveDrag(int x, int y);
+  void DragLive(const CutButtons& held, int x, int y);
+  void StopLiveDrag();
+  void EndLiveDrag();
+  void KeepZoom();
   void DragMove(int x, int y);
   void DragFrame(int x, int y);
   void DragEdges(int x, int y);
@@ -209,6 +232,17 @@ class RASTERKIT_EXPORT BmpCutModel {
   TPoint fDragStartPosition;
   TEntryMode FEntryMode = emGraphic;
   bool FCutRectEnabled = true;
+
+  CropRules rules_;
+  CutShape shape_;
+  /// The live drag: the cut of before, the place of the press in the bitmap, and whether the mouse
+  /// went farther than a click.
+  CutHistory::Cut cutBefore_;
+  double pressedX_ = 0, pressedY_ = 0;
+  bool hasMoved_ = false;
+  /// The whole bitmap is fitted into the box.
+  bool isFitted_ = true;
+  TRect lastBox_;
 
   CutView* view_;
   CutHistory history_;

@@ -5,10 +5,6 @@
 namespace rasterkit {
 namespace {
 
-/// A new rectangle that is no wider and no higher than this, in paint-box pixels, counts as a
-/// click.
-constexpr double kClickSize = 10;
-
 CutCursor CursorOf(EDragObjectType target) {
   switch (target) {
     case doMove:
@@ -56,13 +52,16 @@ void BmpCutModel::MouseDown(CutButton button, const CutButtons& held, int x, int
     view_->ShowCursor(CutCursor::pan);
     return;
   }
-  if (button == CutButton::left && held.left && !held.others && !held.middle) StartDrag(x, y);
+  const bool hasShapeKey = rules_.shapesByKeys && (held.shift || held.control);
+  const bool isPlain = !held.middle && (!held.others || hasShapeKey);
+  if (button == CutButton::left && held.left && isPlain) StartDrag(x, y);
 }
 
 void BmpCutModel::StartDrag(int x, int y) {
   fDraggedObject = GetMouseTarget(x, y);
   view_->ShowCursor(CursorOf(fDraggedObject));
   if (fDraggedObject == doNone) return;
+  if (rules_.isLive) return StartLiveDrag(x, y);
   if (fDraggedObject == doFrame) fCutRect = RDRect(x, y, x, y);
   fDragStartPosition = {x, y};
   fDragIsActive = true;
@@ -72,7 +71,11 @@ void BmpCutModel::StartDrag(int x, int y) {
 
 void BmpCutModel::MouseMove(const CutButtons& held, int x, int y) {
   if (fDragIsActive) {
-    if (fDraggedObject != doNone) DragTo(x, y);
+    if (rules_.isLive) {
+      DragLive(held, x, y);
+    } else if (fDraggedObject != doNone) {
+      DragTo(x, y);
+    }
   } else if (held.middle) {
     // A button that was pressed during a drag has no starting point for panning.
     if (isPanning_) Pan(x, y);
@@ -139,9 +142,10 @@ void BmpCutModel::MouseUp(CutButton button, int, int) {
 }
 
 void BmpCutModel::EndDrag() {
+  if (rules_.isLive) return EndLiveDrag();
   const CutHistory::Cut before = CurrentCut();
-  const bool isClick = fDraggedObject == doFrame && fCutRect.Width() <= kClickSize &&
-                       fCutRect.Height() <= kClickSize;
+  const bool isClick = fDraggedObject == doFrame && fCutRect.Width() <= rules_.clickSize &&
+                       fCutRect.Height() <= rules_.clickSize;
   if (isClick) {
     RemoveCut();
     fDraggedObject = doNone;
@@ -175,6 +179,7 @@ void BmpCutModel::StopDrag() {
   fDragIsActive = false;
   outlineIsShown_ = false;
   fDraggedObject = doNone;
+  if (rules_.isLive) StopLiveDrag();
   CalculateCutRect();
 }
 
@@ -182,6 +187,7 @@ bool BmpCutModel::CancelDrag() {
   if (!fDragIsActive) return false;
   StopDrag();
   view_->Repaint();
+  if (rules_.isLive) Raise(OnStateChanged);
   return true;
 }
 

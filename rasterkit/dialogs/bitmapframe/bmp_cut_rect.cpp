@@ -63,8 +63,11 @@ CutButtons HeldIn(const QMouseEvent& event) {
   const Qt::MouseButtons others = event.buttons() & ~(Qt::LeftButton | Qt::MiddleButton);
   const Qt::KeyboardModifiers keys = event.modifiers() & (Qt::ShiftModifier | Qt::ControlModifier |
                                                           Qt::AltModifier | Qt::MetaModifier);
+  // Together with another button or Alt they shape nothing.
+  const bool areAlone = others == 0 && (keys & (Qt::AltModifier | Qt::MetaModifier)) == 0;
   return {event.buttons().testFlag(Qt::LeftButton), event.buttons().testFlag(Qt::MiddleButton),
-          others != 0 || keys != 0};
+          others != 0 || keys != 0, areAlone && keys.testFlag(Qt::ShiftModifier),
+          areAlone && keys.testFlag(Qt::ControlModifier)};
 }
 
 /// Returns one step in the direction of an arrow key; nothing for other keys.
@@ -85,8 +88,15 @@ std::optional<TPoint> ArrowOf(int key) {
 
 }  // namespace
 
-TBmpCutRect::TBmpCutRect(TPaintBox* paintBox, QLabel* sizeLabel)
-    : BmpCutModel(static_cast<CutView&>(*this)), fPaintBox(paintBox), fSizeLabel(sizeLabel) {
+bool IsRedo(const QKeyEvent& event) {
+  const Qt::KeyboardModifiers keys = event.modifiers() & ~Qt::KeypadModifier;
+  return event.matches(QKeySequence::Redo) ||
+         (event.key() == Qt::Key_Y && keys == Qt::ControlModifier) ||
+         (event.key() == Qt::Key_Z && keys == (Qt::ControlModifier | Qt::ShiftModifier));
+}
+
+TBmpCutRect::TBmpCutRect(TPaintBox* paintBox, QLabel* sizeLabel, const CropRules& rules)
+    : BmpCutModel(static_cast<CutView&>(*this), rules), fPaintBox(paintBox), fSizeLabel(sizeLabel) {
   refineTimer_.setSingleShot(true);
   QObject::connect(&refineTimer_, &QTimer::timeout, [this] { RefineForAWhile(); });
   if (fPaintBox != nullptr) TakeOver();
@@ -146,6 +156,8 @@ void TBmpCutRect::OnKeyDown(TPaintBox&, QKeyEvent& event) {
     handled = ZoomByKey(event.key() == Qt::Key_Plus);
   } else if (event.matches(QKeySequence::Undo)) {
     handled = UndoCutRect();
+  } else if (IsRedo(event)) {
+    handled = RedoCutRect();
   }
   event.setAccepted(handled);
 }
@@ -186,7 +198,7 @@ void TBmpCutRect::ShowSizeText(const std::string& text) {
 void TBmpCutRect::Paint(TPaintBox& box, QPainter& painter) {
   DrawPicture(painter);
   const bool showsCut = OrgBitmap() != nullptr && GetCutRectExists();
-  if (!DragIsActive() && showsCut) DrawCutArea(painter);
+  if ((!DragIsActive() || Rules().isLive) && showsCut) DrawCutArea(painter);
   if (OutlineIsShown()) DrawCutRectXor(painter);
   TellReaders();
   if (FSavePaint) FSavePaint(box, painter);
@@ -205,7 +217,8 @@ void TBmpCutRect::TellReaders() {
 
 void TBmpCutRect::DrawPicture(QPainter& painter) {
   pictureView_.Show(OrgBitmap(), PictureVersion(), WindowFor(painter));
-  const bool isPlain = OrgBitmap() == nullptr || DragIsActive() || !GetCutRectExists();
+  const bool hidesCut = DragIsActive() && !Rules().isLive;
+  const bool isPlain = OrgBitmap() == nullptr || hidesCut || !GetCutRectExists();
   const TBitmap& shown = isPlain ? pictureView_.Plain() : pictureView_.Darkened(*Darkening());
   if (shown.Empty()) return;
   QImage image = ImageOfBitmap(shown);
@@ -241,6 +254,7 @@ void TBmpCutRect::RefineForAWhile() {
 }
 
 void TBmpCutRect::DrawCutArea(QPainter& painter) const {
+  if (Rules().hasTwoTones) return DrawTwoTones(painter);
   const QColor color = QtColor(FrameColor());
   for (const RMarkRect& mark : MarkRects()) painter.fillRect(QtRect(mark.RectData), color);
   for (const TRect& strip : OutlineStrips(CutRect().ToRect(), FrameWidth(), ClientRect())) {

@@ -15,6 +15,9 @@ class QWheelEvent;
 
 namespace rasterkit {
 
+/// Whether a key redoes: Ctrl+Y and Ctrl+Shift+Z, of which each desktop has one alone.
+bool IsRedo(const QKeyEvent& event);
+
 /// The crop tool: turns a paint box and a size label into a viewer for one bitmap with a cut
 /// rectangle. The base class defines what is shown and what happens; this class paints it and
 /// forwards the mouse.
@@ -28,7 +31,7 @@ namespace rasterkit {
 /// shrunk.
 class RASTERKIT_EXPORT TBmpCutRect final : private CutView, public BmpCutModel {
  public:
-  TBmpCutRect(TPaintBox* paintBox, QLabel* sizeLabel);
+  TBmpCutRect(TPaintBox* paintBox, QLabel* sizeLabel, const CropRules& rules = kEntryCropRules);
   ~TBmpCutRect();
 
   using BmpCutModel::OnMouseWheel;
@@ -38,7 +41,8 @@ class RASTERKIT_EXPORT TBmpCutRect final : private CutView, public BmpCutModel {
   void OnMouseWheel(TPaintBox& sender, QWheelEvent& event);
   /// Arrows move the cut by one bitmap pixel, with Shift by 10; with Ctrl they move its right and
   /// bottom edge. Ctrl+Z undoes the last change of the cut. Plus and minus zoom about the center of
-  /// the box, arrows with Alt pan. Other keys are ignored.
+  /// the box, arrows with Alt pan. With rules that keep what was undone, Ctrl+Y and Ctrl+Shift+Z
+  /// redo. Other keys are ignored.
   void OnKeyDown(TPaintBox& sender, QKeyEvent& event);
 
   /// Fills the handles and draws the frame of the cut.
@@ -58,6 +62,7 @@ class RASTERKIT_EXPORT TBmpCutRect final : private CutView, public BmpCutModel {
   bool ZoomByKey(bool isIn);
   void Paint(TPaintBox& box, QPainter& painter);
   void DrawPicture(QPainter& painter);
+  void DrawTwoTones(QPainter& painter) const;
   PictureView::Window WindowFor(const QPainter& painter) const;
   void RefineForAWhile();
 

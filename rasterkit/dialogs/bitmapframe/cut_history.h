@@ -9,7 +9,7 @@
 namespace rasterkit {
 
 /// The undo history of the cut: rectangles in bitmap pixels, or nothing for "no cut". Keeps the
-/// last 256.
+/// last 256, and what was undone until the next change.
 class CutHistory {
  public:
   using Cut = std::optional<RDRect>;
@@ -19,6 +19,7 @@ class CutHistory {
     const bool isSame = before && after ? AlmostEqual(*before, *after, kRounding)
                                         : before.has_value() == after.has_value();
     if (isSame) return;
+    undone_.clear();
     if (cuts_.size() == kMost) cuts_.erase(cuts_.begin());
     cuts_.push_back(before);
   }
@@ -30,13 +31,27 @@ class CutHistory {
     return last;
   }
   bool IsEmpty() const { return cuts_.empty(); }
-  void Forget() { cuts_.clear(); }
+  /// Keeps the cut that an undo replaced.
+  void NoteUndone(const Cut& cut) { undone_.push_back(cut); }
+  /// Returns the cut that was undone last, and keeps `current` for undo; nothing if there is none.
+  std::optional<Cut> TakeUndone(const Cut& current) {
+    if (undone_.empty()) return std::nullopt;
+    const Cut next = undone_.back();
+    undone_.pop_back();
+    cuts_.push_back(current);
+    return next;
+  }
+  bool HasUndone() const { return !undone_.empty(); }
+  void Forget() {
+    cuts_.clear();
+    undone_.clear();
+  }
 
  private:
   static constexpr size_t kMost = 256;
   static constexpr double kRounding = 1e-6;
 
-  std::vector<Cut> cuts_;
+  std::vector<Cut> cuts_, undone_;
 };
 
 }  // namespace rasterkit

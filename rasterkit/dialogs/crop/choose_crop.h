@@ -18,10 +18,12 @@ namespace rasterkit {
 struct ChooseCropOptions {
   /// The rectangle at the start; nothing: the whole picture.
   std::optional<RecipeCrop> start;
-  /// Unit at the start; pixels where the picture does not know this one.
+  /// Unit at the start, if it is another one than pixels; else the one that was used last. Pixels
+  /// where the picture does not know it.
   LengthUnit unit = LengthUnit::pixels;
   bool showsUnits = true, showsRatios = true, showsGuides = true;
-  /// Unit of the map where the picture's coordinate system names none: "m", "ft"; empty: unknown.
+  /// Unit of the map where the picture's coordinate system names none: "m", "ft", "US ft",
+  /// "degrees"; empty: the user may say it.
   std::string mapUnit;
   /// Tells for a part whether the compressed pixels of the file can be kept; may be empty. It must
   /// not throw.
@@ -29,9 +31,12 @@ struct ChooseCropOptions {
 };
 
 /// Lets the user draw or type a rectangle. `pixels` is what is shown: the pixels of `picture`, from
-/// which resolution and position come; both must stay until the call returns. The answer has the
-/// unit that the user typed or chose; nothing if the user canceled. Throws Error if no window can
-/// be shown.
+/// which resolution and position come; both must stay until the call returns. The answer is exactly
+/// the rectangle that was shown (PixelsOf gives its pixels): in the unit in which its numbers were
+/// typed, else in the one that the user chose in the window, else in pixels; `options.start` as it
+/// is if nothing was changed; the whole picture if there is no rectangle. Nothing if the user
+/// canceled. Unit, ratio and guides are remembered in the host's settings. Throws RangeError if
+/// `options.start` does not fit the picture, Error if no window can be shown.
 RASTERKIT_EXPORT std::optional<RecipeCrop> ChooseCrop(TBitmap& pixels, const Picture& picture,
                                                       const ChooseCropOptions& options = {},
                                                       QWidget* parent = nullptr);

@@ -48,8 +48,13 @@ class EditorModel {
   /// Whether closing would lose work.
   bool HasUnsavedWork() const;
   bool IsWorking() const;
+  /// The file whose pages can be shown: the one that was opened, or that was written since.
+  const std::string& PagesFile() const;
   /// The file that OK writes, and how.
   const std::string& TargetFile() const;
+  /// Why the suggested target is not the file that was opened: "Files of the type webp cannot be
+  /// written. The picture is saved as photo.png."; empty if it is.
+  const std::string& TargetNote() const;
   const RecipeSave& Saving() const;
   int Pages() const;
   int Page() const;
@@ -82,6 +87,8 @@ class EditorModel {
   void Size();
   void Undo();
   void Redo();
+  /// Moves the place in the list of steps, as several calls of Undo or Redo do.
+  void GoTo(size_t place);
   /// Draws a PDF page or a metafile at another resolution; a resolution that needs too much memory
   /// is refused before the picture is given up.
   void SetDrawingDpi(double dpi);
@@ -90,6 +97,8 @@ class EditorModel {
   void OpenDropped(const std::string& file);
   void SaveAs();
   void Settings();
+  /// Writes the target and goes on.
+  void Save();
   /// Writes the target and closes.
   void Confirm();
   /// Cancels a job, else closes; asks if work would be lost. False if the window stays.
@@ -98,7 +107,7 @@ class EditorModel {
 
  private:
   struct State;
-  std::unique_ptr<State> state_;
+  std::shared_ptr<State> state_;
 };
 
 }  // namespace rasterkit

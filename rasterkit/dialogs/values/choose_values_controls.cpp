@@ -91,11 +91,11 @@ QLayout* TFormChooseValues::NewToolBar() {
   mode_->addItems({ResourceText(rsValuesModeSideBySide), ResourceText(rsValuesModeSplit),
                    ResourceText(rsValuesModeChanged)});
   label->setBuddy(mode_);
-  fit_ = NewPushButton("ButtonFit", "&Fit", rsValuesFitHint, "fit", this);
+  fit_ = NewPushButton("ButtonFit", "&Fit", rsCropFitHint, "fit", this);
   actualSize_ = NewPushButton("ButtonActualSize", "&Actual size", rsValuesActualSizeHint,
                               "actual-size", this);
-  zoomOut_ = NewToolButton("ButtonZoomOut", rsValuesZoomOut, rsValuesZoomOutHint, "zoom-out", this);
-  zoomIn_ = NewToolButton("ButtonZoomIn", rsValuesZoomIn, rsValuesZoomInHint, "zoom-in", this);
+  zoomOut_ = NewToolButton("ButtonZoomOut", rsValuesZoomOut, rsEditorZoomOutHint, "zoom-out", this);
+  zoomIn_ = NewToolButton("ButtonZoomIn", rsValuesZoomIn, rsEditorZoomInHint, "zoom-in", this);
   zoom_ = new QLabel(this);
   zoom_->setObjectName("LabZoom");
   zoom_->setAlignment(Qt::AlignCenter);

@@ -49,7 +49,7 @@ TFormChooseValues::TFormChooseValues(ValueSession& session, QWidget* parent)
   column->addLayout(NewToolBar());
   preview_ = new PreviewBox(viewport_, renderer_, this);
   preview_->setObjectName("PreviewBox");
-  preview_->setAccessibleName(ResourceText(rsValuesPreview));
+  preview_->setAccessibleName(ResourceText(rsPreview));
   preview_->setAccessibleDescription(ResourceText(rsValuesPreviewKeys));
   preview_->setToolTip(ResourceText(rsValuesPreviewHint));
   preview_->setMinimumSize(200, 140);

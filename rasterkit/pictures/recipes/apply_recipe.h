@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/pictures/recipes/recipe.h>
@@ -18,10 +19,25 @@ using RecipeSlots = std::map<std::string, Picture>;
 RASTERKIT_EXPORT void ApplyRecipeStep(Picture& picture, const RecipeStep& step,
                                       const RecipeSlots& slots = {});
 
+/// The slots that the steps name, each once, in the order of the steps.
+RASTERKIT_EXPORT std::vector<std::string> SlotsOf(const Recipe& recipe);
+
 /// Adds all steps and what `recipe.save` says about depth and metadata. Throws RangeError as above
-/// with the number of the step ("/steps/2: ..."), counted from 0; the picture is unchanged then.
+/// with the number of the step ("/steps/2: ..."), counted from 0; other errors of a step keep their
+/// kind and get the number too. The picture is unchanged then.
 RASTERKIT_EXPORT void ApplyRecipe(Picture& picture, const Recipe& recipe,
                                   const RecipeSlots& slots = {});
+
+/// Adds what `save` says about depth and metadata: what is removed of the metadata first, then the
+/// depth. Transparent parts that the depth cannot hold are painted with `save.background`.
+RASTERKIT_EXPORT void ApplySaving(Picture& picture, const RecipeSave& save);
+
+/// The edit that removes what is not kept; empty for `all`.
+RASTERKIT_EXPORT MetadataEdit EditOf(RecipeSave::Keep keep);
+
+/// Gives a picture another depth. Transparent parts that it cannot hold are painted with the
+/// background first; true if there were any.
+RASTERKIT_EXPORT bool ApplyDepth(Picture& picture, int bits, TColor background = clWhite);
 
 /// The options of a save that `save` states; depth and metadata are steps of the picture.
 RASTERKIT_EXPORT SaveOptions SaveOptionsOf(const RecipeSave& save);

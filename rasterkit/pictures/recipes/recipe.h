@@ -43,19 +43,22 @@ struct RecipeCrop {
   friend bool operator==(const RecipeCrop&, const RecipeCrop&) = default;
 };
 
-/// Another size. 0 for one side: it follows from the other in the picture's proportion. Millimeters
-/// need `dpi`, or the picture's resolution; with `dpi` the result states that resolution.
+/// Another size, not in map units. 0 for one side: it follows from the other in the picture's
+/// proportion. Millimeters need `dpi`, or the picture's resolution, and the result states that
+/// resolution; in other units it states `dpi` if that is not 0, else what keeps the size on paper.
 struct RecipeResize {
   LengthUnit unit = LengthUnit::pixels;
   double width = 0, height = 0;
   double dpi = 0;
-  ResizeOptions options;
+  ResizeOptions options = {};
 };
 
 /// Lays over the picture of a slot.
 struct RecipeCombine {
   std::string slot;
-  CombineOptions options;
+  CombineOptions options = {};
+  /// How numbers of more than 8 bits of the slot's picture become gray or color.
+  std::optional<NumberStretch> stretch = {};
 };
 
 /// Gives the picture the palette of a slot's picture: each pixel gets the nearest entry.
@@ -63,20 +66,30 @@ struct RecipePalette {
   std::string slot;
 };
 
-using RecipeStep =
-    std::variant<TurnStep, MirrorStep, RotateStep, NorthUpStep, RecipeCrop, RecipeResize,
-                 ChangeStep, RecipeCombine, RecipePalette, PlaceStep, EditStep, StretchStep>;
+/// Takes over metadata from the picture of a slot; see MetadataCopy. An EditStep of a recipe has no
+/// copy.
+struct RecipeCopy {
+  std::string slot;
+  bool takesExif = true, takesXmp = true, takesIptc = true, takesComments = true;
+  bool takesProfile = true, keepsOrientation = false;
+};
+
+using RecipeStep = std::variant<TurnStep, MirrorStep, RotateStep, NorthUpStep, RecipeCrop,
+                                RecipeResize, ChangeStep, RecipeCombine, RecipePalette, PlaceStep,
+                                EditStep, StretchStep, RecipeCopy>;
 
 /// How the result is written; what is empty stays as in the source.
 struct RecipeSave {
   std::optional<PictureType> type;
-  /// Bits per pixel: 1, 4, 8, 24 or 32.
+  /// Bits per pixel: 1, 4, 8, 15, 16, 24 or 32.
   std::optional<int> bits;
   std::optional<TiffCompression> compression;
   std::optional<int> quality;
   int chromaX = 0, chromaY = 0;
   std::optional<int> pngLevel;
   Lossless lossless = Lossless::exact;
+  /// Behind transparent parts that depth or type cannot hold.
+  TColor background = clWhite;
   enum class Keep { all, withoutGps, nothing } metadata = Keep::all;
 };
 
@@ -85,6 +98,8 @@ struct Recipe {
   std::string madeWith;
   std::vector<RecipeStep> steps;
   RecipeSave save;
+  /// The picture is opened as it is stored, not upright: for steps that change metadata alone.
+  bool isAsStored = false;
 };
 
 }  // namespace rasterkit

@@ -1,0 +1,77 @@
+#include <array>
+
+#include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/codecs/picture_io.h>
+#include <rasterkit/dialogs/editor/editor_target.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/file_name.h>
+#include <rasterkit/runtime/text.h>
+#include <rasterkit/strings/format_text.h>
+#include <rasterkit/strings/strings.h>
+
+namespace rasterkit {
+namespace {
+
+/// Whether a PNG file holds such pixels as they are.
+bool FitsPng(const PixelLayout& layout) {
+  const bool isShade = layout.type == NumberType::uint8 || layout.type == NumberType::uint16;
+  const bool isColor = layout.model == ColorModel::gray || layout.model == ColorModel::rgb ||
+                       layout.model == ColorModel::grayWhiteIsZero ||
+                       layout.model == ColorModel::palette;
+  return isShade && isColor && layout.extraBands == 0;
+}
+
+std::string ExtensionFor(const EditorSource& source) {
+  const bool fits = !source.picture || FitsPng(source.picture->Layout());
+  return fits ? ".png" : ".tif";
+}
+
+PictureType TypeByName(const std::string& file) {
+  const Codec* const codec = FindCodecOfExtension(ExtractFileExt(file));
+  return codec == nullptr ? PictureType::unknown : codec->type;
+}
+
+}  // namespace
+
+std::string EditorTarget::Hindrance() const {
+  try {
+    RequireSavable(file);
+    return "";
+  } catch (const Error& error) {
+    return error.Reason();
+  }
+}
+
+std::optional<EditorQuestion> EditorTarget::QuestionFor(const FileFacts& current) const {
+  if (!current.exists || (isAgreed && current == facts)) return std::nullopt;
+  const bool isChanged = facts.exists && !(current == facts);
+  return isChanged ? EditorQuestion::fileChanged : EditorQuestion::replaceFile;
+}
+
+EditorTarget SuggestTarget(const EditorSource& source) {
+  const std::string& file = source.request.file;
+  if (CanWrite(source.type)) return {file, source.facts, false, ""};
+  const std::string other = ChangeFileExt(file, ExtensionFor(source));
+  return {
+      other, FactsOfFile(other), false,
+      FormatText(ResourceString(rsTypeIsNotWritten),
+                 std::array{std::string(PictureTypeName(source.type)), ExtractFileName(other)})};
+}
+
+EditorTarget ChosenTarget(const std::string& file, bool isAgreed) {
+  const std::string full = FullName(file);
+  return {full, FactsOfFile(full), isAgreed, ""};
+}
+
+RecipeSave SuggestSaving(const EditorSource& source, const EditorTarget& target) {
+  RecipeSave saving;
+  const bool isOwnName = target.file == source.request.file;
+  if (isOwnName && TypeByName(target.file) != source.type) saving.type = source.type;
+  return saving;
+}
+
+bool WouldDestroySource(const EditorSource& source, const std::string& file) {
+  return !CanWrite(source.type) && FactsOfFile(file).IsSameFile(FactsOfFile(source.request.file));
+}
+
+}  // namespace rasterkit

@@ -1,0 +1,76 @@
+#include <rasterkit/dialogs/saving/choose_saving.h>
+#include <rasterkit/dialogs/saving/desktop_file_dialogs.h>
+#include <rasterkit/dialogs/saving/form_saving.h>
+#include <rasterkit/dialogs/saving/saving_folders.h>
+#include <rasterkit/dialogs/saving/target_faults.h>
+#include <rasterkit/dialogs/saving/writable_kinds.h>
+#include <rasterkit/qt/files/file_dialogs.h>
+#include <rasterkit/qt/host/modal_call.h>
+#include <rasterkit/qt/modal_results.h>
+#include <rasterkit/runtime/ports.h>
+#include <rasterkit/strings/format_text.h>
+#include <rasterkit/strings/strings.h>
+
+namespace rasterkit {
+namespace {
+
+std::optional<SavingChoice> Answer(TFormSaving& form) {
+  if (form.ShowModal() != mrOk) return std::nullopt;
+  return form.Model().Choice();
+}
+
+/// What a window would suggest, for a dialog of the desktop.
+ChosenName Suggested(const Picture& picture, const SavingStart& start) {
+  TFormSaving form(picture, start, SavingScope::chosenName);
+  return {form.Model().File(), false};
+}
+
+std::string OwnOpenWindow(const std::string& folder, QWidget* parent) {
+  std::string patterns = detail::PatternsToOpen();
+  std::string mask = patterns;
+  for (char& letter : mask) letter = letter == ' ' ? ';' : letter;
+  PictureFileDialog dialog;
+  dialog.Filter = FormatText(ResourceString(rsSavingAllPictures), {&patterns, 1}) + "|" + mask +
+                  "|" + std::string(rsSaveAllFiles) + " (*.*)|*.*";
+  dialog.InitialDir = folder;
+  dialog.ofNoChangeDir = true;
+  return RunPictureFileDialog(dialog, parent) ? dialog.FileName : "";
+}
+
+}  // namespace
+
+std::optional<SavingChoice> ChooseSaving(const Picture& picture, const SavingStart& start,
+                                         QWidget* parent) {
+  const TModalCall call;
+  if (!start.usesDesktopDialog || !detail::TheDesktopFileDialogs().areThere()) {
+    TFormSaving form(picture, start, SavingScope::places, std::nullopt, parent);
+    return Answer(form);
+  }
+  const ChosenName suggested = Suggested(picture, start);
+  const detail::SuggestedType type = detail::SuggestType(picture, suggested.file);
+  const auto name = detail::TheDesktopFileDialogs().askToSave(suggested.file, type.type, parent);
+  if (!name) return std::nullopt;
+  TFormSaving form(picture, start, SavingScope::chosenName, name, parent);
+  return Answer(form);
+}
+
+std::optional<RecipeSave> ChooseSaveSettings(const Picture& picture, const SavingChoice& start,
+                                             QWidget* parent) {
+  const TModalCall call;
+  TFormSaving form(picture, {start.file, start.save, false}, SavingScope::settings, std::nullopt,
+                   parent);
+  if (const auto answer = Answer(form)) return answer->save;
+  return std::nullopt;
+}
+
+std::string ChooseFileToOpen(const std::string& folder, bool usesDesktopDialog, QWidget* parent) {
+  const TModalCall call;
+  const std::string first = folder.empty() ? detail::FirstFolder("") : folder;
+  const bool isDesktop = usesDesktopDialog && detail::TheDesktopFileDialogs().areThere();
+  std::string file = isDesktop ? detail::TheDesktopFileDialogs().askToOpen(first, parent)
+                               : OwnOpenWindow(first, parent);
+  if (!file.empty()) detail::RememberFolder(detail::FolderOf(file));
+  return file;
+}
+
+}  // namespace rasterkit
