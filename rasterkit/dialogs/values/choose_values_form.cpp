@@ -10,6 +10,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <string>
+#include <utility>
 
 #include <rasterkit/bands/color_changes.h>
 #include <rasterkit/dialogs/values/choose_values_form.h>
@@ -40,7 +41,7 @@ TFormChooseValues::TFormChooseValues(ValueSession& session, QWidget* parent)
       session_(session),
       viewport_(session.Values().Original().Width(), session.Values().Original().Height()),
       renderer_(session.Values()),
-      sample_(session.Values().Original()) {
+      sample_(std::make_shared<const PixelSample>(session.Values().Original())) {
   setObjectName(session.IsThreshold() ? "FormChooseThreshold" : "FormChooseValues");
   setWindowTitle(ToQt(session.Title()));
   resize(1000, 620);
@@ -193,17 +194,40 @@ void TFormChooseValues::ShowView() {
 }
 
 void TFormChooseValues::ShowHistogram() {
+  if (!session_.IsThreshold()) return CountChanged();
+  histogram_->SetThreshold(session_.Number(ValueControl::grayValue));
+  histogram_->SetMark(session_.FoundThreshold());
   ValueHistogram histogram;
-  if (session_.IsThreshold()) {
-    histogram.gray = grays_ ? *grays_ : CountGraysOf(sample_.Pixels());
-    histogram_->SetThreshold(session_.Number(ValueControl::grayValue));
-    histogram_->SetMark(session_.FoundThreshold());
-  } else {
-    const TBitmap& pixels = sample_.Pixels();
+  histogram.gray = grays_;
+  ShowCounts(histogram);
+}
+
+/// Counts on another thread: the preview comes first.
+void TFormChooseValues::CountChanged() {
+  const auto count = [sample = sample_, step = StepOf(session_.Values().CurrentChange())] {
+    const TBitmap& pixels = sample->Pixels();
     const TRect all{0, 0, pixels.Width(), pixels.Height()};
-    const TBitmap changed = ChangeStepPart(pixels, all, StepOf(session_.Values().CurrentChange()));
-    histogram = CountLevels(changed, sample_.Counted());
-  }
+    return CountLevels(ChangeStepPart(pixels, all, step), sample->Counted());
+  };
+  // The window opens with a histogram in it.
+  if (!std::exchange(hasHistogram_, true)) return ShowCounts(count());
+  histogramTask_.Run(
+      [this, count](const std::atomic<bool>&) -> detail::LatestTask::Answer {
+        std::optional<ValueHistogram> histogram;
+        try {
+          histogram = count();
+        } catch (const std::exception&) {
+          // Without memory for a copy of the sample the last histogram stays.
+          histogram.reset();
+        }
+        return [this, histogram] {
+          if (histogram) ShowCounts(*histogram);
+        };
+      },
+      [this, count] { ShowCounts(count()); });
+}
+
+void TFormChooseValues::ShowCounts(const ValueHistogram& histogram) {
   histogram_->SetHistogram(histogram, !session_.IsThreshold());
   const LevelFacts facts = FactsOf(histogram.gray);
   const QString range = FilledText(
@@ -217,8 +241,8 @@ void TFormChooseValues::ShowHistogram() {
 
 void TFormChooseValues::CountGrays() {
   const TBitmap& picture = session_.Values().Original();
-  if (sample_.IsWhole()) return TakeCounts(CountGraysOf(picture));
-  session_.SetFoundThreshold(detail::OtsuThreshold(CountGraysOf(sample_.Pixels())));
+  TakeCounts(CountGraysOf(sample_->Pixels()));
+  if (sample_->IsWhole()) return;
   counting_.emplace(picture);
   counting_->Start([this](const GrayCounts& counts) { TakeCounts(counts); });
 }

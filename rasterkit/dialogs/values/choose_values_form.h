@@ -1,8 +1,7 @@
 #pragma once
 
-#include <QPointer>
-#include <array>
 #include <map>
+#include <memory>
 #include <optional>
 
 #include <rasterkit/dialogs/values/gray_counting.h>
@@ -12,6 +11,7 @@
 #include <rasterkit/dialogs/values/value_session.h>
 #include <rasterkit/dialogs/values/values_viewport.h>
 #include <rasterkit/qt/forms/scaled_form.h>
+#include <rasterkit/qt/latest_task.h>
 
 class QBoxLayout;
 class QCheckBox;
@@ -66,6 +66,8 @@ class TFormChooseValues : public TScaledForm {
   void ShowValues();
   void ShowView();
   void ShowHistogram();
+  void ShowCounts(const ValueHistogram& histogram);
+  void CountChanged();
   void ShowHelp();
   void Compare(bool isOn);
   std::optional<ValueControl> ControlOf(const QObject* watched) const;
@@ -76,10 +78,13 @@ class TFormChooseValues : public TScaledForm {
   ValueSession& session_;
   ValuesViewport viewport_;
   PreviewRenderer renderer_;
-  const PixelSample sample_;
+  /// Shared with the thread that counts.
+  const std::shared_ptr<const PixelSample> sample_;
+  detail::LatestTask histogramTask_;
   std::optional<GrayCounting> counting_;
-  std::optional<LevelCounts> grays_;
-  bool isShowing_ = false;
+  /// Of the whole picture, or of the sample until that is counted.
+  LevelCounts grays_{};
+  bool isShowing_ = false, hasHistogram_ = false;
 
   PreviewBox* preview_ = nullptr;
   HistogramBox* histogram_ = nullptr;

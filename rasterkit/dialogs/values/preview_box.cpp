@@ -114,10 +114,13 @@ void PreviewBox::Paint(QPainter& painter) {
   if (pixels_.isEmpty()) return PaintFocus(painter);
   QImage image = Picture();
   const std::vector<PreviewArea> areas = Areas();
-  QPainter drawing(&image);
-  if (viewport_.Mode() == PreviewMode::split && !isComparing_) PaintDivider(drawing);
-  for (const PreviewArea& area : areas) PaintLoupe(drawing, area);
-  drawing.end();
+  const bool hasDivider = viewport_.Mode() == PreviewMode::split && !isComparing_;
+  // A painter on the image would copy all of it.
+  if (hasDivider || HasLoupe()) {
+    QPainter drawing(&image);
+    if (hasDivider) PaintDivider(drawing);
+    for (const PreviewArea& area : areas) PaintLoupe(drawing, area);
+  }
   image.setDevicePixelRatio(devicePixelRatioF());
   painter.drawImage(0, 0, image);
   PaintCaptions(painter, areas);

@@ -318,9 +318,19 @@ TEST_F(ValuesFormTest, Escape_Should_Close_AndF1AskForHelp) {
 }
 
 TEST_F(ValuesFormTest, TheHistogram_Should_BeThatOfTheChangedPicture) {
-  const QString before = Get<QLabel>("LabHistogram").text();
-  Track("TrackBrightness").setValue(100);
-  EXPECT_NE(Get<QLabel>("LabHistogram").text(), before);
+  const auto shows = [&](const TBitmap& picture) {
+    const TRect all{0, 0, picture.Width(), picture.Height()};
+    const LevelFacts facts = FactsOf(CountLevels(picture, {all}).gray);
+    const QString mean = QString("mean %1\n").arg(facts.mean);
+    return QTest::qWaitFor([&] { return Get<QLabel>("LabHistogram").text().contains(mean); });
+  };
+  photo = Photo(400, 300);
+  Open();
+  EXPECT_TRUE(shows(photo));
+  Track("TrackBrightness").setValue(60);
+  Picture picture = Picture::Of(photo.Clone());
+  picture.Change(session->Adjustment());
+  EXPECT_TRUE(shows(*picture.Bitmap()));
   EXPECT_FALSE(form->Histogram().Threshold());
 }
 
