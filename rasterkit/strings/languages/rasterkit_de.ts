@@ -1485,5 +1485,29 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <source>see what is lost</source>
         <translation>Siehe die Verluste</translation>
     </message>
+    <message>
+        <source>Shows places and files</source>
+        <translation>Zeigt Orte und Dateien</translation>
+    </message>
+    <message>
+        <source>Shows the settings of the file and the picture before and after saving</source>
+        <translation>Zeigt die Einstellungen der Datei und das Bild vor und nach dem Speichern</translation>
+    </message>
+    <message>
+        <source>Quality</source>
+        <translation>Qualität</translation>
+    </message>
+    <message>
+        <source>LZW</source>
+        <translation>LZW</translation>
+    </message>
+    <message>
+        <source>Deflate</source>
+        <translation>Deflate</translation>
+    </message>
+    <message>
+        <source>PackBits</source>
+        <translation>PackBits</translation>
+    </message>
 </context>
 </TS>
