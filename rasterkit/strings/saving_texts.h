@@ -11,6 +11,9 @@ inline constexpr std::string_view rsSavingSettingsTitle = "Settings of the file"
 inline constexpr std::string_view rsSavingOpenTitle = "Open a picture";
 inline constexpr std::string_view rsSavingFolderPage = "Fo&lder";
 inline constexpr std::string_view rsSavingSettingsPage = "Se&ttings and 1:1 view";
+inline constexpr std::string_view rsSavingFolderPageHint = "Shows places and files";
+inline constexpr std::string_view rsSavingSettingsPageHint =
+    "Shows the settings of the file and the picture before and after saving";
 inline constexpr std::string_view rsSavingPlaces = "Places";
 inline constexpr std::string_view rsSavingPlacesHint = "Opens one of these folders";
 inline constexpr std::string_view rsSavingPlaceHome = "Home";
@@ -78,6 +81,7 @@ inline constexpr std::string_view rsSavingUsualQualityHint =
 inline constexpr std::string_view rsSavingQuality = "&Quality:";
 inline constexpr std::string_view rsSavingQualityHint =
     "1 (small file) to 100 (best); 90 shows hardly any difference";
+inline constexpr std::string_view rsSavingQualityName = "Quality";
 inline constexpr std::string_view rsSavingQualityNumber = "Quality as a number";
 inline constexpr std::string_view rsSavingSampling = "Color d&etail:";
 inline constexpr std::string_view rsSavingSamplingHint =
@@ -100,6 +104,9 @@ inline constexpr std::string_view rsSavingCompressionSource = "As in the source"
 inline constexpr std::string_view rsSavingCompressionStandard =
     "Usual (LZW, or G4 for black and white)";
 inline constexpr std::string_view rsSavingCompressionNone = "None";
+inline constexpr std::string_view rsSavingCompressionLzw = "LZW";
+inline constexpr std::string_view rsSavingCompressionDeflate = "Deflate";
+inline constexpr std::string_view rsSavingCompressionPackBits = "PackBits";
 inline constexpr std::string_view rsSavingCompressionGroup4 = "G4 (black and white only)";
 inline constexpr std::string_view rsSavingLevel = "&Packing:";
 inline constexpr std::string_view rsSavingLevelHint =

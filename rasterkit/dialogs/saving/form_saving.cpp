@@ -1,7 +1,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QSignalBlocker>
-#include <QTabWidget>
+#include <QStackedWidget>
 #include <QVBoxLayout>
 
 #include <rasterkit/dialogs/saving/desktop_file_dialogs.h>
@@ -116,12 +116,35 @@ QWidget* TFormSaving::MakeFileRows() {
 QWidget* TFormSaving::MakePages() {
   settingsPage_ = new detail::SettingsPage(this);
   if (model_->Scope() != SavingScope::places) return settingsPage_;
-  auto* tabs = new QTabWidget(this);
-  tabs->setObjectName("Pages");
-  folderPage_ = new detail::FolderPage(model_->Folder(), tabs);
-  tabs->addTab(folderPage_, ResourceText(rsSavingFolderPage));
-  tabs->addTab(settingsPage_, ResourceText(rsSavingSettingsPage));
-  return tabs;
+  auto* parts = new QWidget(this);
+  auto* column = new QVBoxLayout(parts);
+  column->setContentsMargins(0, 0, 0, 0);
+  auto* row = new QHBoxLayout;
+  auto* pages = new QStackedWidget(parts);
+  pages->setObjectName("Pages");
+  folderPage_ = new detail::FolderPage(model_->Folder(), pages);
+  pages->addWidget(folderPage_);
+  pages->addWidget(settingsPage_);
+  AddPageButton(*row, *pages, 0, {"ButtonFolder", rsSavingFolderPage, rsSavingFolderPageHint});
+  AddPageButton(*row, *pages, 1,
+                {"ButtonSettings", rsSavingSettingsPage, rsSavingSettingsPageHint});
+  row->addStretch(1);
+  column->addLayout(row);
+  column->addWidget(pages, 1);
+  return parts;
+}
+
+void TFormSaving::AddPageButton(QHBoxLayout& row, QStackedWidget& pages, int page,
+                                const PageTexts& texts) {
+  auto* button = new QPushButton(ResourceText(texts.text), pages.parentWidget());
+  button->setObjectName(texts.name);
+  button->setToolTip(ResourceText(texts.hint));
+  button->setCheckable(true);
+  button->setAutoExclusive(true);
+  button->setAutoDefault(false);
+  button->setChecked(page == 0);
+  connect(button, &QPushButton::clicked, &pages, [&pages, page] { pages.setCurrentIndex(page); });
+  row.addWidget(button);
 }
 
 QWidget* TFormSaving::MakeResult() {

@@ -33,12 +33,11 @@ constexpr std::array<Setting<Lossless>, 3> kMoves = {{{Lossless::exact, rsSaving
                                                       {Lossless::trim, rsSavingMoveTrim},
                                                       {Lossless::off, rsSavingMoveOff}}};
 
-/// Names of methods are the same in every language.
 constexpr std::array<Setting<TiffCompression>, 5> kCompressions = {
     {{TiffCompression::none, rsSavingCompressionNone},
-     {TiffCompression::lzw, "LZW"},
-     {TiffCompression::deflate, "Deflate"},
-     {TiffCompression::packBits, "PackBits"},
+     {TiffCompression::lzw, rsSavingCompressionLzw},
+     {TiffCompression::deflate, rsSavingCompressionDeflate},
+     {TiffCompression::packBits, rsSavingCompressionPackBits},
      {TiffCompression::group4, rsSavingCompressionGroup4}}};
 
 constexpr std::array<Setting<RecipeSave::Keep>, 3> kKeeps = {

@@ -73,6 +73,7 @@ void SettingsPage::AddQuality() {
   quality_->setObjectName("SliderQuality");
   quality_->setRange(1, 100);
   quality_->setPageStep(10);
+  quality_->setAccessibleName(ResourceText(rsSavingQualityName));
   quality_->setToolTip(ResourceText(rsSavingQualityHint));
   qualityNumber_ = new TSpinEditInt(qualityRow_);
   qualityNumber_->setObjectName("NumberQuality");

@@ -2617,6 +2617,28 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>A4</source>
         <translation>A4</translation>
+        <source>Shows places and files</source>
+        <translation>Zeigt Orte und Dateien</translation>
+    </message>
+    <message>
+        <source>Shows the settings of the file and the picture before and after saving</source>
+        <translation>Zeigt die Einstellungen der Datei und das Bild vor und nach dem Speichern</translation>
+    </message>
+    <message>
+        <source>Quality</source>
+        <translation>Qualität</translation>
+    </message>
+    <message>
+        <source>LZW</source>
+        <translation>LZW</translation>
+    </message>
+    <message>
+        <source>Deflate</source>
+        <translation>Deflate</translation>
+    </message>
+    <message>
+        <source>PackBits</source>
+        <translation>PackBits</translation>
     </message>
 </context>
 </TS>

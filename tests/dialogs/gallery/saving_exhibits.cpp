@@ -1,6 +1,6 @@
 #include <QCoreApplication>
 #include <QDir>
-#include <QTabWidget>
+#include <QPushButton>
 
 #include <rasterkit/dialogs/saving/form_saving.h>
 #include <rasterkit/qt/files/file_list.h>
@@ -70,7 +70,7 @@ const Exhibit kFolder("save-picture", [] {
 
 const Exhibit kQuality("save-picture-quality", [] {
   auto form = std::make_unique<StagedSaving>(SavingScope::places, true);
-  form->findChild<QTabWidget*>("Pages")->setCurrentIndex(1);
+  form->findChild<QPushButton*>("ButtonSettings")->click();
   form->Model().SetQuality(20);
   form->Finish();
   return form;

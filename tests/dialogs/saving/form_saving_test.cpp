@@ -11,7 +11,6 @@
 #include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
-#include <QTabWidget>
 #include <QTest>
 #include <QToolButton>
 
@@ -20,6 +19,7 @@
 
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/dialogs/saving/choose_saving.h>
+#include <rasterkit/dialogs/saving/desktop_file_dialogs.h>
 #include <rasterkit/dialogs/saving/form_saving.h>
 #include <rasterkit/qt/files/file_list.h>
 #include <rasterkit/qt/modal_results.h>
@@ -96,7 +96,7 @@ TEST_F(FormSaving, TheSliderOfQuality_Should_ChangeSizeAndView) {
 
 TEST_F(FormSaving, ATypedEnding_Should_ChangeTheKindAndItsSettings) {
   Open(Make("a.jpeg"));
-  Find<QTabWidget>("Pages").setCurrentIndex(1);
+  Find<QPushButton>("ButtonSettings").click();
   EXPECT_TRUE(Find<QSlider>("SliderQuality").isVisible());
   EXPECT_TRUE(Find<QComboBox>("BoxCompression").isHidden());
   Retype("EditName", "b.tiff");
@@ -242,6 +242,109 @@ TEST_F(FormSaving, TheWindow_Should_CloseWhileItsWorkRuns) {
   EXPECT_TRUE(Waits([&] { return form->Model().Percent().value_or(0) > 0; }));
   form->reject();
   form.reset();
+}
+
+/// Dialogs of a desktop that answer at once.
+class FormSavingOnADesktop : public FormSaving {
+ protected:
+  FormSavingOnADesktop() {
+    dialogs.areThere = [] { return true; };
+    dialogs.askToSave = [this](const std::string& file, PictureType type, QWidget*) {
+      suggested.push_back(file);
+      types.push_back(type);
+      return answer;
+    };
+    dialogs.askToOpen = [](const std::string& first, QWidget*) { return first + "/b.png"; };
+  }
+  ~FormSavingOnADesktop() override { dialogs = {}; }
+
+  detail::DesktopFileDialogs& dialogs = detail::TheDesktopFileDialogs();
+  std::vector<std::string> suggested;
+  std::vector<PictureType> types;
+  std::optional<ChosenName> answer;
+};
+
+TEST_F(FormSavingOnADesktop, TheDesktopsDialog_Should_ComeFirstAndAskAlone) {
+  const std::string file = Make("a.jpeg");
+  answer = ChosenName{file, true};
+  std::string shown;
+  WhenModal([&](QWidget& window) {
+    shown = window.findChild<QLineEdit*>("EditFile")->text().toStdString();
+    EXPECT_EQ(window.findChild<QLineEdit*>("EditName"), nullptr);
+    QTest::mouseClick(window.findChild<QPushButton*>("SaveButton"), Qt::LeftButton);
+  });
+  const auto choice = ChooseSaving(Picture::Open(file), {file, {}, true});
+  ASSERT_TRUE(choice);
+  EXPECT_THAT(suggested, testing::ElementsAre(file));
+  EXPECT_THAT(types, testing::ElementsAre(PictureType::jpeg));
+  EXPECT_EQ(shown, file);
+  EXPECT_TRUE(choice->mayReplace);
+  EXPECT_EQ(choice->file, file);
+}
+
+TEST_F(FormSavingOnADesktop, ACanceledDialog_Should_AnswerNothing) {
+  const std::string file = Make("a.png");
+  EXPECT_FALSE(ChooseSaving(Picture::Open(file), {file, {}, true}));
+  EXPECT_EQ(suggested.size(), 1U);
+}
+
+TEST_F(FormSavingOnADesktop, APictureThatIsNotWritten_Should_SayWhyAfterTheDialog) {
+  const std::string file = Make("a.png");
+  answer = ChosenName{folder / "b.png", false};
+  std::string note;
+  WhenModal(
+      [&](QWidget& window) { note = window.findChild<QLabel*>("LabNote")->text().toStdString(); });
+  ChooseSaving(Picture::Open(file), {folder / "b.webp", {}, true});
+  EXPECT_THAT(suggested, testing::ElementsAre(folder / "b.png"));
+  EXPECT_THAT(note, HasSubstr("WEBP files cannot be written"));
+}
+
+TEST_F(FormSavingOnADesktop, AFaultOfTheName_Should_LeadBackToTheDialog) {
+  const std::string file = Make("a.png");
+  answer = ChosenName{folder / "gone/b.png", false};
+  WhenModal([&](QWidget& window) {
+    auto& save = *window.findChild<QPushButton*>("SaveButton");
+    EXPECT_FALSE(save.isEnabled());
+    EXPECT_TRUE(window.findChild<QLabel*>("LabFault")->isVisible());
+    answer = ChosenName{folder / "b.png", false};
+    QTest::mouseClick(window.findChild<QPushButton*>("ButtonOtherName"), Qt::LeftButton);
+    EXPECT_TRUE(save.isEnabled());
+    QTest::mouseClick(&save, Qt::LeftButton);
+  });
+  const auto choice = ChooseSaving(Picture::Open(file), {file, {}, true});
+  ASSERT_TRUE(choice);
+  EXPECT_EQ(choice->file, folder / "b.png");
+  EXPECT_FALSE(choice->mayReplace);
+}
+
+TEST_F(FormSavingOnADesktop, OpeningFiles_Should_AskTheDesktop) {
+  EXPECT_EQ(ChooseFileToOpen(folder.Path().string()), folder / "b.png");
+}
+
+/// Qt's dialog in place of a desktop's, which it resembles in its answers.
+TEST_F(FormSaving, TheDialogForNames_Should_KeepWhatItsUserTyped) {
+  struct Case {
+    std::string typed, filter, file;
+    bool wasAsked;
+  };
+  Make("a.jpeg");
+  for (const Case& one : {Case{"b.jpg", "JPEG", "b.jpg", true}, Case{"b", "JPEG", "b.jpg", false},
+                          Case{"b", "PNG", "b.png", false}, Case{"b.tif", "PNG", "b.tif", true},
+                          Case{"v1.2", "BMP", "v1.2.bmp", false}}) {
+    WhenModal([&](QWidget& window) {
+      auto& dialog = dynamic_cast<QFileDialog&>(window);
+      for (const QString& filter : dialog.nameFilters()) {
+        if (filter.startsWith(QString::fromStdString(one.filter))) dialog.selectNameFilter(filter);
+      }
+      auto& edit = *dialog.findChild<QLineEdit*>("fileNameEdit");
+      edit.setText(QString::fromStdString(one.typed));
+      QTest::keyClick(&edit, Qt::Key_Return);
+    });
+    const auto name = detail::AskSaveName(folder / "a.jpeg", PictureType::jpeg, nullptr);
+    ASSERT_TRUE(name) << one.typed;
+    EXPECT_EQ(name->file, folder / one.file);
+    EXPECT_EQ(name->wasAsked, one.wasAsked) << one.typed;
+  }
 }
 
 TEST_F(FormSaving, OpeningFiles_Should_KnowEveryKindThatIsRead) {
