@@ -48,7 +48,6 @@ inline constexpr std::string_view rsValuesRedo = "Re&do";
 inline constexpr std::string_view rsValuesRedoHint = "Makes the change again that was taken back";
 inline constexpr std::string_view rsValuesUndo = "U&ndo";
 inline constexpr std::string_view rsValuesUndoHint = "Takes back the last change of a value";
-inline constexpr std::string_view rsValuesResetOne = "Reset: %s";
 inline constexpr std::string_view rsValuesResetOneHint =
     "Sets this value back (Delete on the track bar, or double click on the label)";
 inline constexpr std::string_view rsThresholdAutomatic = "Auto&matic";

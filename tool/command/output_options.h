@@ -79,6 +79,8 @@ struct PictureOptions {
   double angle = 0;
   /// A color, or "auto"; see ColorOf. Empty for white.
   std::string background;
+  /// Another color than the usual one was given.
+  bool HasBackground() const { return !background.empty() && background != "FFFFFF"; }
   /// A color or a word; empty for the color of `background`.
   std::string fill;
   /// "nearest", "linear" or "area"; empty chooses by the picture.

@@ -374,7 +374,7 @@ TColor PictureWork::Background() const {
 RotateOptions PictureWork::Corners() const {
   const std::string& text = options.fill.empty() ? options.background : options.fill;
   Fill fill = ParseFill(text).value_or(Fill());
-  const bool isChosen = !options.fill.empty() || !options.background.empty();
+  const bool isChosen = !options.fill.empty() || options.HasBackground();
   if (!isChosen) fill.kind = Fill::Kind::usual;
   return {fill, FilterOf(options.filter)};
 }

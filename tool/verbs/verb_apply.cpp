@@ -83,8 +83,9 @@ VerbRunner AddApplyVerb(CommandLine& line) {
         "ten thousand files; the same input gives the same bytes.",
         "Each picture is turned upright first. Then the steps are made in their order. A step that "
         "does not fit a picture, such as a crop outside of it, is an error, and that picture is "
-        "not written (exit code 4). Units of a step (pixels, percent, millimeters, map units) "
-        "count for each picture.",
+        "not written (exit code 4). What a step states in percent, millimeters or map units is "
+        "worked "
+        "out for each picture.",
         "Options win over what the recipe says about saving: --quality 80 counts, whatever quality "
         "the recipe states. With --out-dir, the outputs have the type of the recipe, or that of "
         "their input if it states none; --format wins over both. A single output has the type of "

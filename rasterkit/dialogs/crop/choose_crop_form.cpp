@@ -67,7 +67,13 @@ TFormChooseCrop::TFormChooseCrop(TBitmap& bitmap, const CropFacts& facts,
   ui_->PaintBox->setFocus();
 }
 
-TFormChooseCrop::~TFormChooseCrop() = default;
+TFormChooseCrop::~TFormChooseCrop() {
+  // A field that loses the focus when the window goes would still report what is typed.
+  for (TUnitField* field : findChildren<TUnitField*>()) {
+    field->OnTyped = nullptr;
+    field->OnStep = nullptr;
+  }
+}
 
 void TFormChooseCrop::ShowAll() {
   ui_->ComboGuide->setCurrentIndex(static_cast<int>(model_->Guide()));

@@ -9,6 +9,8 @@ namespace rasterkit {
 /// A field for a number that its owner rounds: the owner learns of a number when it is complete,
 /// and of steps by their count.
 class TUnitField : public TSpinEditReal {
+  Q_OBJECT
+
  public:
   explicit TUnitField(QWidget* parent = nullptr);
 

@@ -42,13 +42,13 @@ std::string OwnOpenWindow(const std::string& folder, QWidget* parent) {
 std::optional<SavingChoice> ChooseSaving(const Picture& picture, const SavingStart& start,
                                          QWidget* parent) {
   const TModalCall call;
-  if (!start.usesDesktopDialog || !detail::HasDesktopDialogs()) {
+  if (!start.usesDesktopDialog || !detail::TheDesktopFileDialogs().areThere()) {
     TFormSaving form(picture, start, SavingScope::places, std::nullopt, parent);
     return Answer(form);
   }
   const ChosenName suggested = Suggested(picture, start);
   const detail::SuggestedType type = detail::SuggestType(picture, suggested.file);
-  const auto name = detail::AskSaveName(suggested.file, type.type, parent);
+  const auto name = detail::TheDesktopFileDialogs().askToSave(suggested.file, type.type, parent);
   if (!name) return std::nullopt;
   TFormSaving form(picture, start, SavingScope::chosenName, name, parent);
   return Answer(form);
@@ -66,9 +66,9 @@ std::optional<RecipeSave> ChooseSaveSettings(const Picture& picture, const Savin
 std::string ChooseFileToOpen(const std::string& folder, bool usesDesktopDialog, QWidget* parent) {
   const TModalCall call;
   const std::string first = folder.empty() ? detail::FirstFolder("") : folder;
-  const bool isDesktop = usesDesktopDialog && detail::HasDesktopDialogs();
-  std::string file =
-      isDesktop ? detail::AskNameToOpen(first, parent) : OwnOpenWindow(first, parent);
+  const bool isDesktop = usesDesktopDialog && detail::TheDesktopFileDialogs().areThere();
+  std::string file = isDesktop ? detail::TheDesktopFileDialogs().askToOpen(first, parent)
+                               : OwnOpenWindow(first, parent);
   if (!file.empty()) detail::RememberFolder(detail::FolderOf(file));
   return file;
 }

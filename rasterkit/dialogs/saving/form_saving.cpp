@@ -277,7 +277,7 @@ bool TFormSaving::AskReplace(const std::string& question) {
 }
 
 std::optional<ChosenName> TFormSaving::AskName(const std::string& file) {
-  return detail::AskSaveName(file, model_->Type(), this);
+  return detail::TheDesktopFileDialogs().askToSave(file, model_->Type(), this);
 }
 
 void TFormSaving::Close(bool isConfirmed) {

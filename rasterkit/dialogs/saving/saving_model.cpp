@@ -51,6 +51,8 @@ void SavingModel::TakeStart(const SavingStart& start, const std::optional<Chosen
   // A name from a dialog says what its user wants.
   if (isStated && !(isNamed && scope_ != SavingScope::settings)) type_ = *save_.type;
   if (isStated) suggestion_.reason = detail::SuggestionReason::asIs;
+  // The other dialog could not say why its name has another ending than the picture.
+  if (name && !isStated) suggestion_ = detail::SuggestType(picture_, start.file);
   folder_ = detail::FirstFolder(file);
   name_ = detail::NameIn(file);
   if (isNamed) endings_[type_] = detail::EndingOf(file);

@@ -11,7 +11,6 @@
 #include <algorithm>
 
 #include <rasterkit/dialogs/values/choose_values_form.h>
-#include <rasterkit/dialogs/values/filled_text.h>
 #include <rasterkit/dialogs/values/histogram_box.h>
 #include <rasterkit/dialogs/values/preview_box.h>
 #include <rasterkit/dialogs/values/zero_slider.h>
@@ -19,6 +18,7 @@
 #include <rasterkit/qt/controls/navigator.h>
 #include <rasterkit/qt/guarded.h>
 #include <rasterkit/qt/look/icons.h>
+#include <rasterkit/qt/qt_text.h>
 
 namespace rasterkit {
 namespace {
@@ -69,7 +69,7 @@ QPushButton* NewPushButton(const char* name, std::string_view text, std::string_
 QToolButton* NewToolButton(const char* name, std::string_view text, std::string_view hint,
                            const char* icon, QWidget* parent) {
   auto* button = NewButton<QToolButton>(name, text, hint, icon, parent);
-  button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+  button->setText(QString());
   button->setAccessibleName(ResourceText(text));
   return button;
 }
@@ -204,7 +204,7 @@ void TFormChooseValues::AddRow(QGridLayout& grid, ValueControl control) {
   }
   row.reset =
       NewToolButton(qPrintable("Reset" + name), rsReset, rsValuesResetOneHint, "refresh", this);
-  row.reset->setAccessibleName(FilledText(rsValuesResetOne, {ResourceString(texts.text)}));
+  row.reset->setAccessibleName(ResourceText(rsReset) + ": " + ResourceText(texts.text));
   row.reset->setAutoRaise(true);
   // The keyboard resets with a key on the track bar.
   row.reset->setFocusPolicy(Qt::NoFocus);

@@ -23,7 +23,7 @@ RASTERKIT_EXPORT Recipe ReadRecipe(const std::string& json, const RecipeReading&
 RASTERKIT_EXPORT const char* RecipeStepName(const RecipeStep& step);
 
 /// Writes a recipe: the same bytes for the same recipe, indented by two spaces. Values that are as
-/// in a new step are left out. Throws RangeError, with the path of the value, for what ReadRecipe
+/// in a new step are omitted. Throws RangeError, with the path of the value, for what ReadRecipe
 /// would refuse.
 RASTERKIT_EXPORT std::string WriteRecipe(const Recipe& recipe);
 

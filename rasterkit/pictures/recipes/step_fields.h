@@ -8,7 +8,7 @@
 #include <rasterkit/pictures/recipes/recipe_words.h>
 
 /// The keys of each step of a recipe with their ranges. `Fields` reads them, writes them, or lists
-/// them: Must for values that are always stated, May for those that are left out where they are as
+/// them: Must for values that are always stated, May for those that are omitted where they are as
 /// in a new struct.
 namespace rasterkit::detail {
 

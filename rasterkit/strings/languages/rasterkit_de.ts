@@ -2254,10 +2254,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Nimmt die letzte Änderung eines Wertes zurück</translation>
     </message>
     <message>
-        <source>Reset: %s</source>
-        <translation>Zurücksetzen: %s</translation>
-    </message>
-    <message>
         <source>Sets this value back (Delete on the track bar, or double click on the label)</source>
         <translation>Setzt diesen Wert zurück (Entf auf dem Regler oder Doppelklick auf die Beschriftung)</translation>
     </message>

@@ -507,7 +507,7 @@ bool IsSame(const RecipeSave& a, const RecipeSave& b) {
 }
 
 bool IsSame(const Recipe& a, const Recipe& b) {
-  const auto& [madeWith, isAsStored, steps, save] = a;
+  const auto& [madeWith, steps, save, isAsStored] = a;
   return madeWith == b.madeWith && isAsStored == b.isAsStored &&
          std::equal(steps.begin(), steps.end(), b.steps.begin(), b.steps.end(),
                     [](const RecipeStep& x, const RecipeStep& y) { return IsSame(x, y); }) &&

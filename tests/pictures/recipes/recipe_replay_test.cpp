@@ -97,7 +97,8 @@ TEST(StepKindsTest, HaveNamesOfTheirOwn) {
   });
   EXPECT_EQ(names.size(), kinds);
   // Those of Picture: a CropStep is a crop, and so on; the changes of color are steps of their
-  // own, UsePalette and CombineStep need a slot, an EditStep is two, and PixelsStep is none.
+  // own, UsePalette and CombineStep need a slot, an EditStep is two, and PixelsStep is not one of
+  // them.
   EXPECT_EQ(kinds, std::variant_size_v<Step> - 1 - 1 + 1 + std::variant_size_v<ColorChange>);
 }
 

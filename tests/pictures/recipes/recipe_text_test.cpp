@@ -69,6 +69,8 @@ TEST(ReadRecipeTest, SyntaxIsRefusedByLineAndColumn) {
   EXPECT_THAT(FaultOf("{\"schema\": 1e999}"), StartsWith("line 1, column 16: number overflow"));
   EXPECT_THAT(FaultOf("{\"made_with\": \"\xFF\"}"), StartsWith("line 1, column 16: "));
   EXPECT_THAT(FaultOf("{\"made_with\": \"\xC3\"}"), StartsWith("line 1, column "));
+  EXPECT_THAT(FaultOf("{\n\"made_with\": \"a\nb\"}"), StartsWith("line 2, column 16: "));
+  EXPECT_THAT(FaultOf("{\n"), StartsWith("line 2, column 1: unexpected end"));
   EXPECT_THAT(FaultOf("{\"schema\": NaN}"), StartsWith("line 1, column "));
   EXPECT_THAT(FaultOf("{\"schema\": 1, // why\n \"steps\": []}"), StartsWith("line 1, column "));
 }

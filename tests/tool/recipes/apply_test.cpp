@@ -206,6 +206,7 @@ TEST_F(CliApply, Streams_Should_HaveTheTypeOfTheRecipe) {
   ToolSetup setup;
   setup.stdinFile = folder_ / "a.png";
   setup.stdoutFile = folder_ / "out";
+  WriteText(setup.stdoutFile, "");
   const std::string recipe = Recipe(kCrop, R"("save": {"type": "bmp"})");
   ASSERT_EQ(RunTool({"apply", recipe, "-", "-"}, setup).code, 0);
   EXPECT_EQ(LoadFile(folder_ / "out").Width(), 10);
