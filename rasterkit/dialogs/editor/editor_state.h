@@ -111,6 +111,8 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   void GoForward();
   /// Another place in the list, over any number of steps: editor_places.cpp.
   void GoTo(size_t place);
+  /// Computes the pixels from the source on, by all steps up to the place.
+  void ShowFromSource(StepList list, const std::string& title);
   /// Computes the pixels for the list, and takes it over.
   void Show(StepList steps, std::vector<std::string> names, const std::string& title);
   void ShowNext(StepList steps, std::vector<std::string> names, Picture next);

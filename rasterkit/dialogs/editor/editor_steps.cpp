@@ -106,14 +106,19 @@ void EditorModel::State::ShowNext(StepList steps, std::vector<std::string> names
       [this, made] { TakePicture(std::move(*made)); });
 }
 
-/// From the source on, by all steps.
 void EditorModel::State::GoBack() {
   if (!HasPicture() || !picture->steps.CanUndo()) return;
+  StepList steps = picture->steps;
+  steps.Undo();
+  ShowFromSource(std::move(steps), ResourceString(rsJobUndo));
+}
+
+void EditorModel::State::ShowFromSource(StepList list, const std::string& title) {
   const auto made = std::make_shared<EditorPicture>(*picture);
-  made->steps.Undo();
+  made->steps = std::move(list);
   made->shown.reset();
   Start(
-      ResourceString(rsJobUndo),
+      title,
       [made](const PixelRun& run) {
         const std::span<const RecipeStep> steps = made->steps.Done();
         Picture facts = *made->source.picture;
