@@ -26,9 +26,9 @@ int main(int count, char** arguments) {
   if (count != 2) return 2;
   const std::string folder = std::string(arguments[1]) + "/";
   for (const RecipeStep& step : test::EveryStep()) {
-    Save(folder + RecipeStepName(step) + ".json", WriteRecipe({"seed", false, {step}, {}}));
+    Save(folder + RecipeStepName(step) + ".json", WriteRecipe({"seed", {step}, {}}));
   }
-  Save(folder + "every.json", WriteRecipe({"seed", false, test::EveryStep(), {}}));
+  Save(folder + "every.json", WriteRecipe({"seed", test::EveryStep(), {}}));
   std::mt19937 random(1);
   constexpr int kRandom = 6;
   for (int i = 0; i < kRandom; ++i) {

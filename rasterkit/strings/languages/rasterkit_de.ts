@@ -866,422 +866,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>[MB]</translation>
     </message>
     <message>
-        <source>Drag to draw a rectangle; with Shift it keeps its ratio, with Ctrl its center. Double click and Enter crop. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize it. The wheel, plus and minus zoom, the middle button and arrow keys with Alt pan.</source>
-        <translation>Ziehen zeichnet ein Rechteck; mit Umschalt behält es sein Verhältnis, mit Strg seine Mitte. Doppelklick und Eingabe schneiden zu. Pfeiltasten verschieben es, mit Umschalt um 10 Pixel, mit Strg ändern sie die Größe. Rad, Plus und Minus zoomen, die mittlere Taste und Pfeiltasten mit Alt verschieben das Bild.</translation>
-    </message>
-    <message>
-        <source>&amp;Redo</source>
-        <translation>&amp;Wiederholen</translation>
-    </message>
-    <message>
-        <source>Makes the change of the rectangle again (Ctrl+Y)</source>
-        <translation>Macht die Änderung des Rechtecks noch einmal (Strg+Y)</translation>
-    </message>
-    <message>
-        <source>U&amp;nit</source>
-        <translation>Einhei&amp;t</translation>
-    </message>
-    <message>
-        <source>Unit of the numbers below</source>
-        <translation>Einheit der Zahlen darunter</translation>
-    </message>
-    <message>
-        <source>Pixels</source>
-        <translation>Pixel</translation>
-    </message>
-    <message>
-        <source>Percent</source>
-        <translation>Prozent</translation>
-    </message>
-    <message>
-        <source>Millimeters on paper</source>
-        <translation>Millimeter auf Papier</translation>
-    </message>
-    <message>
-        <source>Map</source>
-        <translation>Karte</translation>
-    </message>
-    <message>
-        <source>Map (%s)</source>
-        <translation>Karte (%s)</translation>
-    </message>
-    <message>
-        <source>Needs a resolution: this picture states none</source>
-        <translation>Braucht eine Auflösung: Dieses Bild nennt keine</translation>
-    </message>
-    <message>
-        <source>Needs a position on a map: this picture states none</source>
-        <translation>Braucht eine Lage auf einer Karte: Dieses Bild nennt keine</translation>
-    </message>
-    <message>
-        <source>Unit of the map</source>
-        <translation>Einheit der Karte</translation>
-    </message>
-    <message>
-        <source>Unit of the &amp;map</source>
-        <translation>Einheit der &amp;Karte</translation>
-    </message>
-    <message>
-        <source>The picture does not say in which unit its map coordinates are</source>
-        <translation>Das Bild sagt nicht, in welcher Einheit seine Kartenkoordinaten sind</translation>
-    </message>
-    <message>
-        <source>Unknown</source>
-        <translation>Unbekannt</translation>
-    </message>
-    <message>
-        <source>Meters</source>
-        <translation>Meter</translation>
-    </message>
-    <message>
-        <source>Feet</source>
-        <translation>Fuß</translation>
-    </message>
-    <message>
-        <source>US survey feet</source>
-        <translation>US-Vermessungsfuß</translation>
-    </message>
-    <message>
-        <source>Degrees</source>
-        <translation>Grad</translation>
-    </message>
-    <message>
-        <source>Left edge of the rectangle; x on the map</source>
-        <translation>Linke Kante des Rechtecks; x auf der Karte</translation>
-    </message>
-    <message>
-        <source>Top edge of the rectangle; y on the map</source>
-        <translation>Obere Kante des Rechtecks; y auf der Karte</translation>
-    </message>
-    <message>
-        <source>Width along the side of the picture</source>
-        <translation>Breite entlang der Seite des Bildes</translation>
-    </message>
-    <message>
-        <source>Height along the side of the picture</source>
-        <translation>Höhe entlang der Seite des Bildes</translation>
-    </message>
-    <message>
-        <source>Ratio</source>
-        <translation>Verhältnis</translation>
-    </message>
-    <message>
-        <source>Rati&amp;o</source>
-        <translation>&amp;Verhältnis</translation>
-    </message>
-    <message>
-        <source>Proportion that the rectangle keeps</source>
-        <translation>Verhältnis der Seiten, welches das Rechteck behält</translation>
-    </message>
-    <message>
-        <source>Free</source>
-        <translation>Frei</translation>
-    </message>
-    <message>
-        <source>As the picture</source>
-        <translation>Wie das Bild</translation>
-    </message>
-    <message>
-        <source>1:1</source>
-        <translation>1:1</translation>
-    </message>
-    <message>
-        <source>ISO A portrait</source>
-        <translation>DIN A hoch</translation>
-    </message>
-    <message>
-        <source>ISO A landscape</source>
-        <translation>DIN A quer</translation>
-    </message>
-    <message>
-        <source>4:3</source>
-        <translation>4:3</translation>
-    </message>
-    <message>
-        <source>3:2</source>
-        <translation>3:2</translation>
-    </message>
-    <message>
-        <source>16:9</source>
-        <translation>16:9</translation>
-    </message>
-    <message>
-        <source>Typed</source>
-        <translation>Eingegeben</translation>
-    </message>
-    <message>
-        <source>Paper at a scale</source>
-        <translation>Papier im Maßstab</translation>
-    </message>
-    <message>
-        <source>Needs a position on a map in meters or feet</source>
-        <translation>Braucht eine Lage auf einer Karte in Metern oder Fuß</translation>
-    </message>
-    <message>
-        <source>Swap</source>
-        <translation>Tauschen</translation>
-    </message>
-    <message>
-        <source>&amp;Swap</source>
-        <translation>Ta&amp;uschen</translation>
-    </message>
-    <message>
-        <source>Exchanges width and height</source>
-        <translation>Vertauscht Breite und Höhe</translation>
-    </message>
-    <message>
-        <source>Sides</source>
-        <translation>Seiten</translation>
-    </message>
-    <message>
-        <source>Si&amp;des</source>
-        <translation>&amp;Seiten</translation>
-    </message>
-    <message>
-        <source>Width of the ratio</source>
-        <translation>Breite des Verhältnisses</translation>
-    </message>
-    <message>
-        <source>Height of the ratio</source>
-        <translation>Höhe des Verhältnisses</translation>
-    </message>
-    <message>
-        <source>Paper</source>
-        <translation>Papier</translation>
-    </message>
-    <message>
-        <source>Pap&amp;er</source>
-        <translation>&amp;Papier</translation>
-    </message>
-    <message>
-        <source>Sheet that shows the rectangle at the scale</source>
-        <translation>Blatt, welches das Rechteck im Maßstab zeigt</translation>
-    </message>
-    <message>
-        <source>Scale 1:</source>
-        <translation>Maßstab 1:</translation>
-    </message>
-    <message>
-        <source>S&amp;cale 1:</source>
-        <translation>&amp;Maßstab 1:</translation>
-    </message>
-    <message>
-        <source>Scale of the map on paper</source>
-        <translation>Maßstab der Karte auf Papier</translation>
-    </message>
-    <message>
-        <source>500 stands for 1:500</source>
-        <translation>500 steht für 1:500</translation>
-    </message>
-    <message>
-        <source>Guides</source>
-        <translation>Hilfslinien</translation>
-    </message>
-    <message>
-        <source>&amp;Guides</source>
-        <translation>H&amp;ilfslinien</translation>
-    </message>
-    <message>
-        <source>Lines inside the rectangle</source>
-        <translation>Linien im Rechteck</translation>
-    </message>
-    <message>
-        <source>No guides</source>
-        <translation>Keine Hilfslinien</translation>
-    </message>
-    <message>
-        <source>Thirds</source>
-        <translation>Drittel</translation>
-    </message>
-    <message>
-        <source>Center</source>
-        <translation>Mitte</translation>
-    </message>
-    <message>
-        <source>%s x %s pixels, %s %s</source>
-        <translation>%s x %s Pixel, %s %s</translation>
-    </message>
-    <message>
-        <source>Ratio %s:%s</source>
-        <translation>Verhältnis %s:%s</translation>
-    </message>
-    <message>
-        <source>%s dpi: %s x %s mm on paper</source>
-        <translation>%s dpi: %s x %s mm auf Papier</translation>
-    </message>
-    <message>
-        <source>No resolution is stated</source>
-        <translation>Keine Auflösung angegeben</translation>
-    </message>
-    <message>
-        <source>On the map: from %s, %s to %s, %s; the sides are %s x %s</source>
-        <translation>Auf der Karte: von %s; %s bis %s; %s, Seiten %s x %s</translation>
-    </message>
-    <message>
-        <source>No position on a map is stated</source>
-        <translation>Keine Lage auf einer Karte angegeben</translation>
-    </message>
-    <message>
-        <source>Mouse: %s, %s px</source>
-        <translation>Maus: %s; %s px</translation>
-    </message>
-    <message>
-        <source>Mouse: %s, %s px; %s, %s</source>
-        <translation>Maus: %s; %s px, %s; %s</translation>
-    </message>
-    <message>
-        <source>Mouse: not on the picture</source>
-        <translation>Maus: nicht auf dem Bild</translation>
-    </message>
-    <message>
-        <source>%s became %s %s, the nearest pixel corner</source>
-        <translation>%s wurde zu %s %s, der nächsten Pixelecke</translation>
-    </message>
-    <message>
-        <source>The sheet needs %s x %s pixels, more than the picture has</source>
-        <translation>Das Blatt braucht %s x %s Pixel, mehr als das Bild hat</translation>
-    </message>
-    <message>
-        <source>Reset</source>
-        <translation>Zurücksetzen</translation>
-    </message>
-    <message>
-        <source>%d x %d pixels, %s %s</source>
-        <translation>%d x %d Pixel, %s %s</translation>
-    </message>
-    <message>
-        <source>%s dpi</source>
-        <translation>%s dpi</translation>
-    </message>
-    <message>
-        <source>%s x %s dpi</source>
-        <translation>%s x %s dpi</translation>
-    </message>
-    <message>
-        <source>no resolution</source>
-        <translation>keine Auflösung</translation>
-    </message>
-    <message>
-        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
-        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
-    </message>
-    <message>
-        <source>This size needs %s %s of memory. The limit is %s %s.</source>
-        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
-    </message>
-    <message>
-        <source>Millimeters need a resolution of %d to %d dpi.</source>
-        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
-    </message>
-    <message>
-        <source>The picture has this size.</source>
-        <translation>Das Bild hat diese Größe.</translation>
-    </message>
-    <message>
-        <source>Filter</source>
-        <translation>Filter</translation>
-    </message>
-    <message>
-        <source>&amp;Filter</source>
-        <translation>&amp;Filter</translation>
-    </message>
-    <message>
-        <source>area (to make smaller)</source>
-        <translation>Fläche (zum Verkleinern)</translation>
-    </message>
-    <message>
-        <source>automatic</source>
-        <translation>automatisch</translation>
-    </message>
-    <message>
-        <source>How the new pixels follow from the old ones</source>
-        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
-    </message>
-    <message>
-        <source>linear (smooth)</source>
-        <translation>linear (weich)</translation>
-    </message>
-    <message>
-        <source>nearest pixel (hard edges)</source>
-        <translation>nächstes Pixel (harte Kanten)</translation>
-    </message>
-    <message>
-        <source>New height in the chosen unit</source>
-        <translation>Neue Höhe in der gewählten Einheit</translation>
-    </message>
-    <message>
-        <source>Keep proportion</source>
-        <translation>Seitenverhältnis behalten</translation>
-    </message>
-    <message>
-        <source>&amp;Keep proportion</source>
-        <translation>&amp;Seitenverhältnis behalten</translation>
-    </message>
-    <message>
-        <source>Picture:</source>
-        <translation>Bild:</translation>
-    </message>
-    <message>
-        <source>Redo</source>
-        <translation>Wiederholen</translation>
-    </message>
-    <message>
-        <source>R&amp;edo</source>
-        <translation>&amp;Wiederholen</translation>
-    </message>
-    <message>
-        <source>Un&amp;do</source>
-        <translation>Rückgän&amp;gig</translation>
-    </message>
-    <message>
-        <source>Makes the change again (Ctrl+Y)</source>
-        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
-    </message>
-    <message>
-        <source>Dots per inch at which millimeters become pixels</source>
-        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
-    </message>
-    <message>
-        <source>Resolution</source>
-        <translation>Auflösung</translation>
-    </message>
-    <message>
-        <source>Result:</source>
-        <translation>Ergebnis:</translation>
-    </message>
-    <message>
-        <source>Takes back the last change (Ctrl+Z)</source>
-        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
-    </message>
-    <message>
-        <source>Unit</source>
-        <translation>Einheit</translation>
-    </message>
-    <message>
-        <source>&amp;Unit</source>
-        <translation>&amp;Einheit</translation>
-    </message>
-    <message>
-        <source>Unit of width and height</source>
-        <translation>Einheit von Breite und Höhe</translation>
-    </message>
-    <message>
-        <source>millimeters</source>
-        <translation>Millimeter</translation>
-    </message>
-    <message>
-        <source>percent</source>
-        <translation>Prozent</translation>
-    </message>
-    <message>
-        <source>pixels</source>
-        <translation>Pixel</translation>
-    </message>
-    <message>
-        <source>New width in the chosen unit</source>
-        <translation>Neue Breite in der gewählten Einheit</translation>
-    </message>
-    <message>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
@@ -1654,186 +1238,134 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Tasten</translation>
     </message>
     <message>
-        <source>Help on the editor</source>
-        <translation>Hilfe zum Editor</translation>
+        <source>%s dpi</source>
+        <translation>%s dpi</translation>
     </message>
     <message>
-        <source>Turn left</source>
-        <translation>Nach links drehen</translation>
+        <source>%s x %s dpi</source>
+        <translation>%s x %s dpi</translation>
     </message>
     <message>
-        <source>Turn right</source>
-        <translation>Nach rechts drehen</translation>
+        <source>no resolution</source>
+        <translation>keine Auflösung</translation>
     </message>
     <message>
-        <source>Turn by 180 degrees</source>
-        <translation>Um 180 Grad drehen</translation>
+        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
+        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
     </message>
     <message>
-        <source>Mirror left and right</source>
-        <translation>Links und rechts spiegeln</translation>
+        <source>This size needs %s %s of memory. The limit is %s %s.</source>
+        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
     </message>
     <message>
-        <source>Mirror top and bottom</source>
-        <translation>Oben und unten spiegeln</translation>
+        <source>Millimeters need a resolution of %d to %d dpi.</source>
+        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
     </message>
     <message>
-        <source>Rotate by %s degrees</source>
-        <translation>Um %s Grad drehen</translation>
+        <source>The picture has this size.</source>
+        <translation>Das Bild hat diese Größe.</translation>
     </message>
     <message>
-        <source>Turn north up</source>
-        <translation>Nach Norden ausrichten</translation>
+        <source>Filter</source>
+        <translation>Filter</translation>
     </message>
     <message>
-        <source>Crop to %d x %d</source>
-        <translation>Auf %d x %d zuschneiden</translation>
+        <source>&amp;Filter</source>
+        <translation>&amp;Filter</translation>
     </message>
     <message>
-        <source>Resize to %d x %d</source>
-        <translation>Größe %d x %d</translation>
+        <source>area (to make smaller)</source>
+        <translation>Fläche (zum Verkleinern)</translation>
     </message>
     <message>
-        <source>Make gray</source>
-        <translation>In Graustufen umwandeln</translation>
+        <source>automatic</source>
+        <translation>automatisch</translation>
     </message>
     <message>
-        <source>Make black and white</source>
-        <translation>In Schwarzweiß umwandeln</translation>
+        <source>How the new pixels follow from the old ones</source>
+        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
     </message>
     <message>
-        <source>Reduce to %d colors</source>
-        <translation>Auf %d Farben verringern</translation>
+        <source>linear (smooth)</source>
+        <translation>linear (weich)</translation>
     </message>
     <message>
-        <source>Change to %d bits</source>
-        <translation>In %d Bit umwandeln</translation>
+        <source>nearest pixel (hard edges)</source>
+        <translation>nächstes Pixel (harte Kanten)</translation>
     </message>
     <message>
-        <source>Change colors</source>
-        <translation>Farben ändern</translation>
+        <source>New height in the chosen unit</source>
+        <translation>Neue Höhe in der gewählten Einheit</translation>
     </message>
     <message>
-        <source>Combine with another picture</source>
-        <translation>Mit einem anderen Bild verbinden</translation>
+        <source>Keep proportion</source>
+        <translation>Seitenverhältnis behalten</translation>
     </message>
     <message>
-        <source>Take the palette of another picture</source>
-        <translation>Palette eines anderen Bildes nehmen</translation>
+        <source>&amp;Keep proportion</source>
+        <translation>&amp;Seitenverhältnis behalten</translation>
     </message>
     <message>
-        <source>Set the position</source>
-        <translation>Lage setzen</translation>
+        <source>Picture:</source>
+        <translation>Bild:</translation>
     </message>
     <message>
-        <source>Change metadata</source>
-        <translation>Metadaten ändern</translation>
+        <source>Redo</source>
+        <translation>Wiederholen</translation>
     </message>
     <message>
-        <source>Stretch the numbers</source>
-        <translation>Zahlen strecken</translation>
+        <source>R&amp;edo</source>
+        <translation>&amp;Wiederholen</translation>
     </message>
     <message>
-        <source>Other step</source>
-        <translation>Anderer Schritt</translation>
+        <source>Un&amp;do</source>
+        <translation>Rückgän&amp;gig</translation>
     </message>
     <message>
-        <source>Reading the picture</source>
-        <translation>Das Bild wird gelesen</translation>
+        <source>Makes the change again (Ctrl+Y)</source>
+        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
     </message>
     <message>
-        <source>Drawing the page</source>
-        <translation>Die Seite wird gezeichnet</translation>
+        <source>Dots per inch at which millimeters become pixels</source>
+        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
     </message>
     <message>
-        <source>Undoing a step</source>
-        <translation>Ein Schritt wird zurückgenommen</translation>
+        <source>Resolution</source>
+        <translation>Auflösung</translation>
     </message>
     <message>
-        <source>Saving the picture</source>
-        <translation>Das Bild wird gespeichert</translation>
+        <source>Result:</source>
+        <translation>Ergebnis:</translation>
     </message>
     <message>
-        <source>Checking how it is saved</source>
-        <translation>Das Speichern wird geprüft</translation>
+        <source>Takes back the last change (Ctrl+Z)</source>
+        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
     </message>
     <message>
-        <source>%s (%s MiB)</source>
-        <translation>%s (%s MiB)</translation>
+        <source>Unit</source>
+        <translation>Einheit</translation>
     </message>
     <message>
-        <source>%s: %d x %d pixels, %d bits, %s MiB</source>
-        <translation>%s: %d x %d Pixel, %d Bit, %s MiB</translation>
+        <source>&amp;Unit</source>
+        <translation>&amp;Einheit</translation>
     </message>
     <message>
-        <source>%s: %d x %d pixels, %d bits, %s dpi, %s MiB</source>
-        <translation>%s: %d x %d Pixel, %d Bit, %s dpi, %s MiB</translation>
+        <source>Unit of width and height</source>
+        <translation>Einheit von Breite und Höhe</translation>
     </message>
     <message>
-        <source>%s, page %d of %d</source>
-        <translation>%s, Seite %d von %d</translation>
+        <source>millimeters</source>
+        <translation>Millimeter</translation>
     </message>
     <message>
-        <source>Lossless: the compressed pixels are kept</source>
-        <translation>Verlustfrei: Die komprimierten Pixel bleiben</translation>
+        <source>percent</source>
+        <translation>Prozent</translation>
     </message>
     <message>
-        <source>Lossless: the compressed pixels are moved</source>
-        <translation>Verlustfrei: Die komprimierten Pixel werden verschoben</translation>
+        <source>pixels</source>
+        <translation>Pixel</translation>
     </message>
     <message>
-        <source>Lossless: every pixel is kept as it is</source>
-        <translation>Verlustfrei: Jedes Pixel bleibt, wie es ist</translation>
-    </message>
-    <message>
-        <source>Compressed again, which changes pixels a little</source>
-        <translation>Neu komprimiert, was Pixel etwas ändert</translation>
-    </message>
-    <message>
-        <source>Compressed again, because %s</source>
-        <translation>Neu komprimiert: %s</translation>
-    </message>
-    <message>
-        <source>%s: %s</source>
-        <translation>%s: %s</translation>
-    </message>
-    <message>
-        <source>%s cannot be written: %s.
-Choose another folder or name before you save.</source>
-        <translation>%s kann nicht geschrieben werden: %s.
-Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
-    </message>
-    <message>
-        <source>Files of the type %s cannot be written. The picture is saved as %s.</source>
-        <translation>Dateien vom Typ %s können nicht geschrieben werden. Das Bild wird als %s gespeichert.</translation>
-    </message>
-    <message>
-        <source>%s is the file that is edited, and its type cannot be written. Choose another name.</source>
-        <translation>%s ist die Datei, die bearbeitet wird, und ihr Typ kann nicht geschrieben werden. Wählen Sie einen anderen Namen.</translation>
-    </message>
-    <message>
-        <source>%s exists. Do you want to replace it?</source>
-        <translation>%s ist vorhanden. Möchten Sie die Datei ersetzen?</translation>
-    </message>
-    <message>
-        <source>%s was changed by another program. Do you want to replace it nevertheless?</source>
-        <translation>%s wurde von einem anderen Programm geändert. Möchten Sie die Datei trotzdem ersetzen?</translation>
-    </message>
-    <message>
-        <source>%s has changes that are not saved. Do you want to save them?</source>
-        <translation>%s hat Änderungen, die nicht gespeichert sind. Möchten Sie sie speichern?</translation>
-    </message>
-    <message>
-        <source>The editor ended before the changes of %s were saved. Do you want to take them up? Steps: %d</source>
-        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie sie übernehmen? Schritte: %d</translation>
-    </message>
-    <message>
-        <source>The editor ended before the changes of %s were saved, and the file was changed since. The changes may be in the file already. Do you want to take them up nevertheless? Steps: %d</source>
-        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Die Änderungen können schon in der Datei sein. Möchten Sie sie trotzdem übernehmen? Schritte: %d</translation>
-    </message>
-    <message>
-        <source>%d steps do not fit the picture: %s</source>
-        <translation>%d Schritte passen nicht zum Bild: %s</translation>
         <source>Turn right</source>
         <translation>Nach rechts drehen</translation>
     </message>
@@ -2004,146 +1536,8 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Möchten Sie die %d Schritte trotzdem übernehmen? Sie können schon in der Datei sein.</translation>
     </message>
     <message>
-        <source>%s dpi</source>
-        <translation>%s dpi</translation>
-    </message>
-    <message>
-        <source>%s x %s dpi</source>
-        <translation>%s x %s dpi</translation>
-    </message>
-    <message>
-        <source>no resolution</source>
-        <translation>keine Auflösung</translation>
-    </message>
-    <message>
-        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
-        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
-    </message>
-    <message>
-        <source>This size needs %s %s of memory. The limit is %s %s.</source>
-        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
-    </message>
-    <message>
-        <source>Millimeters need a resolution of %d to %d dpi.</source>
-        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
-    </message>
-    <message>
-        <source>The picture has this size.</source>
-        <translation>Das Bild hat diese Größe.</translation>
-    </message>
-    <message>
-        <source>Filter</source>
-        <translation>Filter</translation>
-    </message>
-    <message>
-        <source>&amp;Filter</source>
-        <translation>&amp;Filter</translation>
-    </message>
-    <message>
-        <source>area (to make smaller)</source>
-        <translation>Fläche (zum Verkleinern)</translation>
-    </message>
-    <message>
-        <source>automatic</source>
-        <translation>automatisch</translation>
-    </message>
-    <message>
-        <source>How the new pixels follow from the old ones</source>
-        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
-    </message>
-    <message>
-        <source>linear (smooth)</source>
-        <translation>linear (weich)</translation>
-    </message>
-    <message>
-        <source>nearest pixel (hard edges)</source>
-        <translation>nächstes Pixel (harte Kanten)</translation>
-    </message>
-    <message>
-        <source>New height in the chosen unit</source>
-        <translation>Neue Höhe in der gewählten Einheit</translation>
-    </message>
-    <message>
-        <source>Keep proportion</source>
-        <translation>Seitenverhältnis behalten</translation>
-    </message>
-    <message>
-        <source>&amp;Keep proportion</source>
-        <translation>&amp;Seitenverhältnis behalten</translation>
-    </message>
-    <message>
-        <source>Picture:</source>
-        <translation>Bild:</translation>
-    </message>
-    <message>
-        <source>Redo</source>
-        <translation>Wiederholen</translation>
-    </message>
-    <message>
-        <source>R&amp;edo</source>
-        <translation>&amp;Wiederholen</translation>
-    </message>
-    <message>
-        <source>Un&amp;do</source>
-        <translation>Rückgän&amp;gig</translation>
-    </message>
-    <message>
-        <source>Makes the change again (Ctrl+Y)</source>
-        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
-    </message>
-    <message>
-        <source>Dots per inch at which millimeters become pixels</source>
-        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
-    </message>
-    <message>
-        <source>Resolution</source>
-        <translation>Auflösung</translation>
-    </message>
-    <message>
-        <source>Result:</source>
-        <translation>Ergebnis:</translation>
-    </message>
-    <message>
-        <source>Takes back the last change (Ctrl+Z)</source>
-        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
-    </message>
-    <message>
-        <source>Unit</source>
-        <translation>Einheit</translation>
-    </message>
-    <message>
-        <source>&amp;Unit</source>
-        <translation>&amp;Einheit</translation>
-    </message>
-    <message>
-        <source>Unit of width and height</source>
-        <translation>Einheit von Breite und Höhe</translation>
-    </message>
-    <message>
-        <source>millimeters</source>
-        <translation>Millimeter</translation>
-    </message>
-    <message>
-        <source>percent</source>
-        <translation>Prozent</translation>
-    </message>
-    <message>
-        <source>pixels</source>
-        <translation>Pixel</translation>
-    </message>
-    <message>
-        <source>New width in the chosen unit</source>
-        <translation>Neue Breite in der gewählten Einheit</translation>
-    </message>
-    <message>
         <source>The picture is saved as %s. This file exists already. Overwrite it?</source>
         <translation>Das Bild wird als %s gespeichert. Diese Datei ist bereits vorhanden. Überschreiben?</translation>
-    </message>
-    <message>
-        <source>OK writes %s</source>
-        <translation>OK schreibt %s</translation>
-        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
-        <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
     <message>
         <source>Sets all values back, so that nothing is changed</source>
@@ -2194,6 +1588,10 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Pfeiltasten verschieben das Bild oder die Lupe, mit Strg die Trennlinie. Plus und Minus zoomen.</translation>
     </message>
     <message>
+        <source>%s, zoom %s %%</source>
+        <translation>%s, Zoom %s %%</translation>
+    </message>
+    <message>
         <source>Vie&amp;w</source>
         <translation>&amp;Ansicht</translation>
     </message>
@@ -2222,12 +1620,8 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Wie oft jeder Grauwert vorkommt; die Linie auf die Schwelle ziehen. Das Dreieck markiert die automatische Schwelle.</translation>
     </message>
     <message>
-        <source>Black %d %%, white %d %%</source>
-        <translation>Schwarz %d %%, Weiß %d %%</translation>
-    </message>
-    <message>
-        <source>From %d to %d, mean %d</source>
-        <translation>Von %d bis %d, Mittel %d</translation>
+        <source>From %d to %d, mean %d; black %d %%, white %d %%</source>
+        <translation>Von %d bis %d, Mittel %d; Schwarz %d %%, Weiß %d %%</translation>
     </message>
     <message>
         <source>Las&amp;t values</source>
@@ -2254,6 +1648,10 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Nimmt die letzte Änderung eines Wertes zurück</translation>
     </message>
     <message>
+        <source>Reset: %s</source>
+        <translation>Zurücksetzen: %s</translation>
+    </message>
+    <message>
         <source>Sets this value back (Delete on the track bar, or double click on the label)</source>
         <translation>Setzt diesen Wert zurück (Entf auf dem Regler oder Doppelklick auf die Beschriftung)</translation>
     </message>
@@ -2270,10 +1668,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Automatische Schwelle: %d</translation>
     </message>
     <message>
-        <source>%d steps do not fit the picture: %s</source>
-        <translation>%d Schritte passen nicht zum Bild: %s</translation>
-    </message>
-    <message>
         <source>Drag to draw a rectangle; with Shift it keeps its ratio, with Ctrl its center. Double click and Enter crop. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize it. The wheel, plus and minus zoom, the middle button and arrow keys with Alt pan.</source>
         <translation>Ziehen zeichnet ein Rechteck; mit Umschalt behält es sein Verhältnis, mit Strg seine Mitte. Doppelklick und Eingabe schneiden zu. Pfeiltasten verschieben es, mit Umschalt um 10 Pixel, mit Strg ändern sie die Größe. Rad, Plus und Minus zoomen, die mittlere Taste und Pfeiltasten mit Alt verschieben das Bild.</translation>
     </message>
@@ -2282,12 +1676,296 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Macht die Änderung des Rechtecks noch einmal (Strg+Y)</translation>
     </message>
     <message>
-        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
-        <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
+        <source>U&amp;nit</source>
+        <translation>Einhei&amp;t</translation>
+    </message>
+    <message>
+        <source>Unit of the numbers below</source>
+        <translation>Einheit der Zahlen darunter</translation>
+    </message>
+    <message>
+        <source>Pixels</source>
+        <translation>Pixel</translation>
+    </message>
+    <message>
+        <source>Percent</source>
+        <translation>Prozent</translation>
+    </message>
+    <message>
+        <source>Millimeters on paper</source>
+        <translation>Millimeter auf Papier</translation>
+    </message>
+    <message>
+        <source>Map</source>
+        <translation>Karte</translation>
+    </message>
+    <message>
+        <source>Map (%s)</source>
+        <translation>Karte (%s)</translation>
+    </message>
+    <message>
+        <source>Needs a resolution: this picture states none</source>
+        <translation>Braucht eine Auflösung: Dieses Bild nennt keine</translation>
+    </message>
+    <message>
+        <source>Needs a position on a map: this picture states none</source>
+        <translation>Braucht eine Lage auf einer Karte: Dieses Bild nennt keine</translation>
+    </message>
+    <message>
+        <source>Unit of the map</source>
+        <translation>Einheit der Karte</translation>
+    </message>
+    <message>
+        <source>Unit of the &amp;map</source>
+        <translation>Einheit der &amp;Karte</translation>
+    </message>
+    <message>
+        <source>The picture does not say in which unit its map coordinates are</source>
+        <translation>Das Bild sagt nicht, in welcher Einheit seine Kartenkoordinaten sind</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unbekannt</translation>
+    </message>
+    <message>
+        <source>Meters</source>
+        <translation>Meter</translation>
+    </message>
+    <message>
+        <source>Feet</source>
+        <translation>Fuß</translation>
+    </message>
+    <message>
+        <source>US survey feet</source>
+        <translation>US-Vermessungsfuß</translation>
+    </message>
+    <message>
+        <source>Degrees</source>
+        <translation>Grad</translation>
+    </message>
+    <message>
+        <source>Left edge of the rectangle; x on the map</source>
+        <translation>Linke Kante des Rechtecks; x auf der Karte</translation>
+    </message>
+    <message>
+        <source>Top edge of the rectangle; y on the map</source>
+        <translation>Obere Kante des Rechtecks; y auf der Karte</translation>
+    </message>
+    <message>
+        <source>Width along the side of the picture</source>
+        <translation>Breite entlang der Seite des Bildes</translation>
+    </message>
+    <message>
+        <source>Height along the side of the picture</source>
+        <translation>Höhe entlang der Seite des Bildes</translation>
+    </message>
+    <message>
+        <source>Ratio</source>
+        <translation>Verhältnis</translation>
+    </message>
+    <message>
+        <source>Rati&amp;o</source>
+        <translation>&amp;Verhältnis</translation>
+    </message>
+    <message>
+        <source>Proportion that the rectangle keeps</source>
+        <translation>Verhältnis der Seiten, welches das Rechteck behält</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>Frei</translation>
+    </message>
+    <message>
+        <source>As the picture</source>
+        <translation>Wie das Bild</translation>
+    </message>
+    <message>
+        <source>1:1</source>
+        <translation>1:1</translation>
+    </message>
+    <message>
+        <source>ISO A portrait</source>
+        <translation>DIN A hoch</translation>
+    </message>
+    <message>
+        <source>ISO A landscape</source>
+        <translation>DIN A quer</translation>
+    </message>
+    <message>
+        <source>4:3</source>
+        <translation>4:3</translation>
+    </message>
+    <message>
+        <source>3:2</source>
+        <translation>3:2</translation>
+    </message>
+    <message>
+        <source>16:9</source>
+        <translation>16:9</translation>
+    </message>
+    <message>
+        <source>Typed</source>
+        <translation>Eingegeben</translation>
+    </message>
+    <message>
+        <source>Paper at a scale</source>
+        <translation>Papier im Maßstab</translation>
+    </message>
+    <message>
+        <source>Needs a position on a map in meters or feet</source>
+        <translation>Braucht eine Lage auf einer Karte in Metern oder Fuß</translation>
+    </message>
+    <message>
+        <source>Swap</source>
+        <translation>Tauschen</translation>
+    </message>
+    <message>
+        <source>&amp;Swap</source>
+        <translation>Ta&amp;uschen</translation>
+    </message>
+    <message>
+        <source>Exchanges width and height</source>
+        <translation>Vertauscht Breite und Höhe</translation>
+    </message>
+    <message>
+        <source>Sides</source>
+        <translation>Seiten</translation>
+    </message>
+    <message>
+        <source>Si&amp;des</source>
+        <translation>&amp;Seiten</translation>
+    </message>
+    <message>
+        <source>Width of the ratio</source>
+        <translation>Breite des Verhältnisses</translation>
+    </message>
+    <message>
+        <source>Height of the ratio</source>
+        <translation>Höhe des Verhältnisses</translation>
+    </message>
+    <message>
+        <source>Paper</source>
+        <translation>Papier</translation>
+    </message>
+    <message>
+        <source>Pap&amp;er</source>
+        <translation>&amp;Papier</translation>
+    </message>
+    <message>
+        <source>Sheet that shows the rectangle at the scale</source>
+        <translation>Blatt, welches das Rechteck im Maßstab zeigt</translation>
+    </message>
+    <message>
+        <source>Scale 1:</source>
+        <translation>Maßstab 1:</translation>
+    </message>
+    <message>
+        <source>S&amp;cale 1:</source>
+        <translation>&amp;Maßstab 1:</translation>
+    </message>
+    <message>
+        <source>Scale of the map on paper</source>
+        <translation>Maßstab der Karte auf Papier</translation>
+    </message>
+    <message>
+        <source>500 stands for 1:500</source>
+        <translation>500 steht für 1:500</translation>
+    </message>
+    <message>
+        <source>Guides</source>
+        <translation>Hilfslinien</translation>
+    </message>
+    <message>
+        <source>&amp;Guides</source>
+        <translation>H&amp;ilfslinien</translation>
+    </message>
+    <message>
+        <source>Lines inside the rectangle</source>
+        <translation>Linien im Rechteck</translation>
+    </message>
+    <message>
+        <source>No guides</source>
+        <translation>Keine Hilfslinien</translation>
+    </message>
+    <message>
+        <source>Thirds</source>
+        <translation>Drittel</translation>
+    </message>
+    <message>
+        <source>Center</source>
+        <translation>Mitte</translation>
+    </message>
+    <message>
+        <source>%s x %s pixels, %s %s</source>
+        <translation>%s x %s Pixel, %s %s</translation>
+    </message>
+    <message>
+        <source>Ratio %s:%s</source>
+        <translation>Verhältnis %s:%s</translation>
+    </message>
+    <message>
+        <source>%s dpi: %s x %s mm on paper</source>
+        <translation>%s dpi: %s x %s mm auf Papier</translation>
+    </message>
+    <message>
+        <source>No resolution is stated</source>
+        <translation>Keine Auflösung angegeben</translation>
+    </message>
+    <message>
+        <source>On the map: from %s, %s to %s, %s; the sides are %s x %s</source>
+        <translation>Auf der Karte: von %s; %s bis %s; %s, Seiten %s x %s</translation>
+    </message>
+    <message>
+        <source>No position on a map is stated</source>
+        <translation>Keine Lage auf einer Karte angegeben</translation>
+    </message>
+    <message>
+        <source>Mouse: %s, %s px</source>
+        <translation>Maus: %s; %s px</translation>
+    </message>
+    <message>
+        <source>Mouse: %s, %s px; %s, %s</source>
+        <translation>Maus: %s; %s px, %s; %s</translation>
+    </message>
+    <message>
+        <source>Mouse: not on the picture</source>
+        <translation>Maus: nicht auf dem Bild</translation>
+    </message>
+    <message>
+        <source>%s became %s %s, the nearest pixel corner</source>
+        <translation>%s wurde zu %s %s, der nächsten Pixelecke</translation>
+    </message>
+    <message>
+        <source>The sheet needs %s x %s pixels, more than the picture has</source>
+        <translation>Das Blatt braucht %s x %s Pixel, mehr als das Bild hat</translation>
     </message>
     <message>
         <source>Reset</source>
         <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>%d x %d pixels, %s %s</source>
+        <translation>%d x %d Pixel, %s %s</translation>
+    </message>
+    <message>
+        <source>New width in the chosen unit</source>
+        <translation>Neue Breite in der gewählten Einheit</translation>
+    </message>
+    <message>
+        <source>Help on the editor</source>
+        <translation>Hilfe zum Editor</translation>
+    </message>
+    <message>
+        <source>Turn left</source>
+        <translation>Nach links drehen</translation>
+    </message>
+    <message>
+        <source>The editor ended before the changes of %s were saved. Do you want to take them up? Steps: %d</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie sie übernehmen? Schritte: %d</translation>
+    </message>
+    <message>
+        <source>The editor ended before the changes of %s were saved, and the file was changed since. The changes may be in the file already. Do you want to take them up nevertheless? Steps: %d</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Die Änderungen können schon in der Datei sein. Möchten Sie sie trotzdem übernehmen? Schritte: %d</translation>
     </message>
     <message>
         <source>Black %d %%, white %d %%</source>
@@ -2296,6 +1974,14 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>From %d to %d, mean %d</source>
         <translation>Von %d bis %d, Mittel %d</translation>
+    </message>
+    <message>
+        <source>%d steps do not fit the picture: %s</source>
+        <translation>%d Schritte passen nicht zum Bild: %s</translation>
+    </message>
+    <message>
+        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
+        <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
     <message>
         <source>Save picture as</source>
@@ -2440,10 +2126,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>%s × %s pixels, %s bits per pixel, %s in memory</source>
         <translation>%s × %s Pixel, %s Bit je Pixel, %s im Speicher</translation>
-    </message>
-    <message>
-        <source>%s dpi</source>
-        <translation>%s dpi</translation>
     </message>
     <message>
         <source>%s × %s dpi</source>
@@ -2652,10 +2334,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>Lossless: the compressed pixels are copied</source>
         <translation>Verlustfrei: Die komprimierten Pixel werden kopiert</translation>
-    </message>
-    <message>
-        <source>Lossless: the compressed pixels are moved</source>
-        <translation>Verlustfrei: Die komprimierten Pixel werden verschoben</translation>
     </message>
     <message>
         <source>Lossless: the compressed pixels are moved, edges are cut to whole blocks</source>
@@ -2914,28 +2592,8 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>%d x %d Pixel, %s, %s %s</translation>
     </message>
     <message>
-        <source>Help on the editor</source>
-        <translation>Hilfe zum Editor</translation>
-    </message>
-    <message>
-        <source>Turn left</source>
-        <translation>Nach links drehen</translation>
-    </message>
-    <message>
-        <source>The editor ended before the changes of %s were saved. Do you want to take them up? Steps: %d</source>
-        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie sie übernehmen? Schritte: %d</translation>
-    </message>
-    <message>
-        <source>The editor ended before the changes of %s were saved, and the file was changed since. The changes may be in the file already. Do you want to take them up nevertheless? Steps: %d</source>
-        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Die Änderungen können schon in der Datei sein. Möchten Sie sie trotzdem übernehmen? Schritte: %d</translation>
-    </message>
-    <message>
         <source>OK writes %s</source>
         <translation>OK schreibt %s</translation>
-    </message>
-    <message>
-        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
-        <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
 </context>
 </TS>

@@ -208,7 +208,7 @@ TEST(ApplyRecipeTest, IsTheSameAsTheCallsOfPicture) {
 TEST(ApplyRecipeTest, ASlotBringsTheSecondPicture) {
   const Picture over = GradientPicture(20, 15), base = GradientPicture(40, 30, pf8bit);
   Picture picture = base, expected = base;
-  const Recipe recipe{"", false, {RecipeCombine{"mark", {CombineMode::transparent, 40}, {}}}, {}};
+  const Recipe recipe{"", {RecipeCombine{"mark", {CombineMode::transparent, 40}, {}}}, {}};
   EXPECT_EQ(SlotsOf(recipe), std::vector<std::string>{"mark"});
   EXPECT_THROW(ApplyRecipe(picture, recipe), RangeError);
   ApplyRecipe(picture, recipe, {{"mark", over}});
@@ -224,7 +224,7 @@ TEST(ApplyRecipeTest, SavingSaysDepthAndMetadata) {
   save.bits = 8;
   save.background = kRed;
   save.metadata = RecipeSave::Keep::withoutGps;
-  ApplyRecipe(picture, {"", false, {}, save});
+  ApplyRecipe(picture, {"", {}, save});
   ASSERT_EQ(picture.Steps().size(), 3u);
   EXPECT_TRUE(std::get<EditStep>(picture.Steps()[0]).edit.stripGps);
   const auto& painted = std::get<ChangeStep>(picture.Steps()[1]).change;

@@ -104,7 +104,7 @@ TEST(StepKindsTest, HaveNamesOfTheirOwn) {
 
 /// Threads and bands do not show in a result.
 TEST(RecipeReplayTest, GivesTheSameBytesWithAnyNumberOfThreads) {
-  const Recipe recipe{"", false, EveryStep(), {}};
+  const Recipe recipe{"", EveryStep(), {}};
   const std::vector<std::pair<std::string, Picture>> pictures = {
       {"true color", GradientPicture(131, 97)},
       {"palette", GradientPicture(131, 97, pf8bit)},
@@ -115,7 +115,7 @@ TEST(RecipeReplayTest, GivesTheSameBytesWithAnyNumberOfThreads) {
   for (const auto& [name, plain] : pictures) {
     for (size_t count = 1; count <= recipe.steps.size(); count += 3) {
       Picture picture = Stated(plain);
-      const Recipe part{"", false, {recipe.steps.begin(), recipe.steps.begin() + count}, {}};
+      const Recipe part{"", {recipe.steps.begin(), recipe.steps.begin() + count}, {}};
       ApplyRecipe(picture, part, Slots());
       for (const PictureType type : {PictureType::png, PictureType::tiff, PictureType::jpeg}) {
         SCOPED_TRACE(name + ", " + std::to_string(count) + " steps, " + PictureTypeName(type));
@@ -145,9 +145,9 @@ TEST(RecipeReplayTest, StepsOfAPictureBecomeARecipeThatMakesThemAgain) {
     const Picture source = Stated(plain);
     const size_t own = source.Steps().size();
     Picture picture = source;
-    ApplyRecipe(picture, {"", false, EveryStep(), {}}, Slots());
+    ApplyRecipe(picture, {"", EveryStep(), {}}, Slots());
     const std::span<const Step> made = std::span(picture.Steps()).subspan(own);
-    const Recipe recipe{"", false, RecipeStepsOf(made, SlotFor), {}};
+    const Recipe recipe{"", RecipeStepsOf(made, SlotFor), {}};
     Picture again = source;
     ApplyRecipe(again, ReadRecipe(WriteRecipe(recipe)), Slots());
     EXPECT_EQ(again.Steps().size(), picture.Steps().size());

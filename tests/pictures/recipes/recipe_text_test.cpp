@@ -209,7 +209,7 @@ TEST(WriteRecipeTest, StatesThatThePictureStaysAsStored) {
 
 std::string WritingFault(const RecipeStep& step) {
   try {
-    WriteRecipe({"", false, {step}, {}});
+    WriteRecipe({"", {step}, {}});
     return {};
   } catch (const RangeError& error) {
     return error.Reason();
@@ -227,13 +227,13 @@ TEST(WriteRecipeTest, RefusesWhatCouldNotBeRead) {
   MetadataEdit edit;
   edit.set = {{"Artist", "\xFF"}};
   EXPECT_THAT(WritingFault(EditStep{edit}), StartsWith("/steps/0/set/0/value: the text is no"));
-  EXPECT_THROW(WriteRecipe({"\xFF", false, {}, {}}), RangeError);
+  EXPECT_THROW(WriteRecipe({"\xFF", {}, {}}), RangeError);
 }
 
 TEST(WriteRecipeTest, KnowsNoLocale) {
   const std::string old = std::setlocale(LC_ALL, nullptr);
   if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no German locale here";
-  const Recipe recipe{"", false, {RotateStep{1234.5, {}}}, {}};
+  const Recipe recipe{"", {RotateStep{1234.5, {}}}, {}};
   const std::string text = WriteRecipe(recipe);
   EXPECT_THAT(text, HasSubstr("\"degrees\": 1234.5"));
   EXPECT_EQ(std::get<RotateStep>(ReadRecipe(text).steps[0]).degrees, 1234.5);
