@@ -32,5 +32,3 @@ BENCHMARK(TypedNumber)->Args({12000, 9000})->Args({20000, 12500})->Unit(benchmar
 
 }  // namespace
 }  // namespace rasterkit
-
-BENCHMARK_MAIN();
