@@ -866,6 +866,422 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>[MB]</translation>
     </message>
     <message>
+        <source>Drag to draw a rectangle; with Shift it keeps its ratio, with Ctrl its center. Double click and Enter crop. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize it. The wheel, plus and minus zoom, the middle button and arrow keys with Alt pan.</source>
+        <translation>Ziehen zeichnet ein Rechteck; mit Umschalt behält es sein Verhältnis, mit Strg seine Mitte. Doppelklick und Eingabe schneiden zu. Pfeiltasten verschieben es, mit Umschalt um 10 Pixel, mit Strg ändern sie die Größe. Rad, Plus und Minus zoomen, die mittlere Taste und Pfeiltasten mit Alt verschieben das Bild.</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>Makes the change of the rectangle again (Ctrl+Y)</source>
+        <translation>Macht die Änderung des Rechtecks noch einmal (Strg+Y)</translation>
+    </message>
+    <message>
+        <source>U&amp;nit</source>
+        <translation>Einhei&amp;t</translation>
+    </message>
+    <message>
+        <source>Unit of the numbers below</source>
+        <translation>Einheit der Zahlen darunter</translation>
+    </message>
+    <message>
+        <source>Pixels</source>
+        <translation>Pixel</translation>
+    </message>
+    <message>
+        <source>Percent</source>
+        <translation>Prozent</translation>
+    </message>
+    <message>
+        <source>Millimeters on paper</source>
+        <translation>Millimeter auf Papier</translation>
+    </message>
+    <message>
+        <source>Map</source>
+        <translation>Karte</translation>
+    </message>
+    <message>
+        <source>Map (%s)</source>
+        <translation>Karte (%s)</translation>
+    </message>
+    <message>
+        <source>Needs a resolution: this picture states none</source>
+        <translation>Braucht eine Auflösung: Dieses Bild nennt keine</translation>
+    </message>
+    <message>
+        <source>Needs a position on a map: this picture states none</source>
+        <translation>Braucht eine Lage auf einer Karte: Dieses Bild nennt keine</translation>
+    </message>
+    <message>
+        <source>Unit of the map</source>
+        <translation>Einheit der Karte</translation>
+    </message>
+    <message>
+        <source>Unit of the &amp;map</source>
+        <translation>Einheit der &amp;Karte</translation>
+    </message>
+    <message>
+        <source>The picture does not say in which unit its map coordinates are</source>
+        <translation>Das Bild sagt nicht, in welcher Einheit seine Kartenkoordinaten sind</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unbekannt</translation>
+    </message>
+    <message>
+        <source>Meters</source>
+        <translation>Meter</translation>
+    </message>
+    <message>
+        <source>Feet</source>
+        <translation>Fuß</translation>
+    </message>
+    <message>
+        <source>US survey feet</source>
+        <translation>US-Vermessungsfuß</translation>
+    </message>
+    <message>
+        <source>Degrees</source>
+        <translation>Grad</translation>
+    </message>
+    <message>
+        <source>Left edge of the rectangle; x on the map</source>
+        <translation>Linke Kante des Rechtecks; x auf der Karte</translation>
+    </message>
+    <message>
+        <source>Top edge of the rectangle; y on the map</source>
+        <translation>Obere Kante des Rechtecks; y auf der Karte</translation>
+    </message>
+    <message>
+        <source>Width along the side of the picture</source>
+        <translation>Breite entlang der Seite des Bildes</translation>
+    </message>
+    <message>
+        <source>Height along the side of the picture</source>
+        <translation>Höhe entlang der Seite des Bildes</translation>
+    </message>
+    <message>
+        <source>Ratio</source>
+        <translation>Verhältnis</translation>
+    </message>
+    <message>
+        <source>Rati&amp;o</source>
+        <translation>&amp;Verhältnis</translation>
+    </message>
+    <message>
+        <source>Proportion that the rectangle keeps</source>
+        <translation>Verhältnis der Seiten, welches das Rechteck behält</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>Frei</translation>
+    </message>
+    <message>
+        <source>As the picture</source>
+        <translation>Wie das Bild</translation>
+    </message>
+    <message>
+        <source>1:1</source>
+        <translation>1:1</translation>
+    </message>
+    <message>
+        <source>ISO A portrait</source>
+        <translation>DIN A hoch</translation>
+    </message>
+    <message>
+        <source>ISO A landscape</source>
+        <translation>DIN A quer</translation>
+    </message>
+    <message>
+        <source>4:3</source>
+        <translation>4:3</translation>
+    </message>
+    <message>
+        <source>3:2</source>
+        <translation>3:2</translation>
+    </message>
+    <message>
+        <source>16:9</source>
+        <translation>16:9</translation>
+    </message>
+    <message>
+        <source>Typed</source>
+        <translation>Eingegeben</translation>
+    </message>
+    <message>
+        <source>Paper at a scale</source>
+        <translation>Papier im Maßstab</translation>
+    </message>
+    <message>
+        <source>Needs a position on a map in meters or feet</source>
+        <translation>Braucht eine Lage auf einer Karte in Metern oder Fuß</translation>
+    </message>
+    <message>
+        <source>Swap</source>
+        <translation>Tauschen</translation>
+    </message>
+    <message>
+        <source>&amp;Swap</source>
+        <translation>Ta&amp;uschen</translation>
+    </message>
+    <message>
+        <source>Exchanges width and height</source>
+        <translation>Vertauscht Breite und Höhe</translation>
+    </message>
+    <message>
+        <source>Sides</source>
+        <translation>Seiten</translation>
+    </message>
+    <message>
+        <source>Si&amp;des</source>
+        <translation>&amp;Seiten</translation>
+    </message>
+    <message>
+        <source>Width of the ratio</source>
+        <translation>Breite des Verhältnisses</translation>
+    </message>
+    <message>
+        <source>Height of the ratio</source>
+        <translation>Höhe des Verhältnisses</translation>
+    </message>
+    <message>
+        <source>Paper</source>
+        <translation>Papier</translation>
+    </message>
+    <message>
+        <source>Pap&amp;er</source>
+        <translation>&amp;Papier</translation>
+    </message>
+    <message>
+        <source>Sheet that shows the rectangle at the scale</source>
+        <translation>Blatt, welches das Rechteck im Maßstab zeigt</translation>
+    </message>
+    <message>
+        <source>Scale 1:</source>
+        <translation>Maßstab 1:</translation>
+    </message>
+    <message>
+        <source>S&amp;cale 1:</source>
+        <translation>&amp;Maßstab 1:</translation>
+    </message>
+    <message>
+        <source>Scale of the map on paper</source>
+        <translation>Maßstab der Karte auf Papier</translation>
+    </message>
+    <message>
+        <source>500 stands for 1:500</source>
+        <translation>500 steht für 1:500</translation>
+    </message>
+    <message>
+        <source>Guides</source>
+        <translation>Hilfslinien</translation>
+    </message>
+    <message>
+        <source>&amp;Guides</source>
+        <translation>H&amp;ilfslinien</translation>
+    </message>
+    <message>
+        <source>Lines inside the rectangle</source>
+        <translation>Linien im Rechteck</translation>
+    </message>
+    <message>
+        <source>No guides</source>
+        <translation>Keine Hilfslinien</translation>
+    </message>
+    <message>
+        <source>Thirds</source>
+        <translation>Drittel</translation>
+    </message>
+    <message>
+        <source>Center</source>
+        <translation>Mitte</translation>
+    </message>
+    <message>
+        <source>%s x %s pixels, %s %s</source>
+        <translation>%s x %s Pixel, %s %s</translation>
+    </message>
+    <message>
+        <source>Ratio %s:%s</source>
+        <translation>Verhältnis %s:%s</translation>
+    </message>
+    <message>
+        <source>%s dpi: %s x %s mm on paper</source>
+        <translation>%s dpi: %s x %s mm auf Papier</translation>
+    </message>
+    <message>
+        <source>No resolution is stated</source>
+        <translation>Keine Auflösung angegeben</translation>
+    </message>
+    <message>
+        <source>On the map: from %s, %s to %s, %s; the sides are %s x %s</source>
+        <translation>Auf der Karte: von %s; %s bis %s; %s, Seiten %s x %s</translation>
+    </message>
+    <message>
+        <source>No position on a map is stated</source>
+        <translation>Keine Lage auf einer Karte angegeben</translation>
+    </message>
+    <message>
+        <source>Mouse: %s, %s px</source>
+        <translation>Maus: %s; %s px</translation>
+    </message>
+    <message>
+        <source>Mouse: %s, %s px; %s, %s</source>
+        <translation>Maus: %s; %s px, %s; %s</translation>
+    </message>
+    <message>
+        <source>Mouse: not on the picture</source>
+        <translation>Maus: nicht auf dem Bild</translation>
+    </message>
+    <message>
+        <source>%s became %s %s, the nearest pixel corner</source>
+        <translation>%s wurde zu %s %s, der nächsten Pixelecke</translation>
+    </message>
+    <message>
+        <source>The sheet needs %s x %s pixels, more than the picture has</source>
+        <translation>Das Blatt braucht %s x %s Pixel, mehr als das Bild hat</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>%d x %d pixels, %s %s</source>
+        <translation>%d x %d Pixel, %s %s</translation>
+    </message>
+    <message>
+        <source>%s dpi</source>
+        <translation>%s dpi</translation>
+    </message>
+    <message>
+        <source>%s x %s dpi</source>
+        <translation>%s x %s dpi</translation>
+    </message>
+    <message>
+        <source>no resolution</source>
+        <translation>keine Auflösung</translation>
+    </message>
+    <message>
+        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
+        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
+    </message>
+    <message>
+        <source>This size needs %s %s of memory. The limit is %s %s.</source>
+        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
+    </message>
+    <message>
+        <source>Millimeters need a resolution of %d to %d dpi.</source>
+        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
+    </message>
+    <message>
+        <source>The picture has this size.</source>
+        <translation>Das Bild hat diese Größe.</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>&amp;Filter</source>
+        <translation>&amp;Filter</translation>
+    </message>
+    <message>
+        <source>area (to make smaller)</source>
+        <translation>Fläche (zum Verkleinern)</translation>
+    </message>
+    <message>
+        <source>automatic</source>
+        <translation>automatisch</translation>
+    </message>
+    <message>
+        <source>How the new pixels follow from the old ones</source>
+        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
+    </message>
+    <message>
+        <source>linear (smooth)</source>
+        <translation>linear (weich)</translation>
+    </message>
+    <message>
+        <source>nearest pixel (hard edges)</source>
+        <translation>nächstes Pixel (harte Kanten)</translation>
+    </message>
+    <message>
+        <source>New height in the chosen unit</source>
+        <translation>Neue Höhe in der gewählten Einheit</translation>
+    </message>
+    <message>
+        <source>Keep proportion</source>
+        <translation>Seitenverhältnis behalten</translation>
+    </message>
+    <message>
+        <source>&amp;Keep proportion</source>
+        <translation>&amp;Seitenverhältnis behalten</translation>
+    </message>
+    <message>
+        <source>Picture:</source>
+        <translation>Bild:</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>R&amp;edo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>Un&amp;do</source>
+        <translation>Rückgän&amp;gig</translation>
+    </message>
+    <message>
+        <source>Makes the change again (Ctrl+Y)</source>
+        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
+    </message>
+    <message>
+        <source>Dots per inch at which millimeters become pixels</source>
+        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
+    </message>
+    <message>
+        <source>Resolution</source>
+        <translation>Auflösung</translation>
+    </message>
+    <message>
+        <source>Result:</source>
+        <translation>Ergebnis:</translation>
+    </message>
+    <message>
+        <source>Takes back the last change (Ctrl+Z)</source>
+        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Einheit</translation>
+    </message>
+    <message>
+        <source>&amp;Unit</source>
+        <translation>&amp;Einheit</translation>
+    </message>
+    <message>
+        <source>Unit of width and height</source>
+        <translation>Einheit von Breite und Höhe</translation>
+    </message>
+    <message>
+        <source>millimeters</source>
+        <translation>Millimeter</translation>
+    </message>
+    <message>
+        <source>percent</source>
+        <translation>Prozent</translation>
+    </message>
+    <message>
+        <source>pixels</source>
+        <translation>Pixel</translation>
+    </message>
+    <message>
+        <source>New width in the chosen unit</source>
+        <translation>Neue Breite in der gewählten Einheit</translation>
+    </message>
+    <message>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
@@ -924,10 +1340,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>Takes back the last step</source>
         <translation>Nimmt den letzten Schritt zurück</translation>
-    </message>
-    <message>
-        <source>&amp;Redo</source>
-        <translation>&amp;Wiederholen</translation>
     </message>
     <message>
         <source>Makes the step again that was taken back</source>
@@ -1238,132 +1650,12 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Tasten</translation>
     </message>
     <message>
-        <source>%s dpi</source>
-        <translation>%s dpi</translation>
+        <source>Help on the editor</source>
+        <translation>Hilfe zum Editor</translation>
     </message>
     <message>
-        <source>%s x %s dpi</source>
-        <translation>%s x %s dpi</translation>
-    </message>
-    <message>
-        <source>no resolution</source>
-        <translation>keine Auflösung</translation>
-    </message>
-    <message>
-        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
-        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
-    </message>
-    <message>
-        <source>This size needs %s %s of memory. The limit is %s %s.</source>
-        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
-    </message>
-    <message>
-        <source>Millimeters need a resolution of %d to %d dpi.</source>
-        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
-    </message>
-    <message>
-        <source>The picture has this size.</source>
-        <translation>Das Bild hat diese Größe.</translation>
-    </message>
-    <message>
-        <source>Filter</source>
-        <translation>Filter</translation>
-    </message>
-    <message>
-        <source>&amp;Filter</source>
-        <translation>&amp;Filter</translation>
-    </message>
-    <message>
-        <source>area (to make smaller)</source>
-        <translation>Fläche (zum Verkleinern)</translation>
-    </message>
-    <message>
-        <source>automatic</source>
-        <translation>automatisch</translation>
-    </message>
-    <message>
-        <source>How the new pixels follow from the old ones</source>
-        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
-    </message>
-    <message>
-        <source>linear (smooth)</source>
-        <translation>linear (weich)</translation>
-    </message>
-    <message>
-        <source>nearest pixel (hard edges)</source>
-        <translation>nächstes Pixel (harte Kanten)</translation>
-    </message>
-    <message>
-        <source>New height in the chosen unit</source>
-        <translation>Neue Höhe in der gewählten Einheit</translation>
-    </message>
-    <message>
-        <source>Keep proportion</source>
-        <translation>Seitenverhältnis behalten</translation>
-    </message>
-    <message>
-        <source>&amp;Keep proportion</source>
-        <translation>&amp;Seitenverhältnis behalten</translation>
-    </message>
-    <message>
-        <source>Picture:</source>
-        <translation>Bild:</translation>
-    </message>
-    <message>
-        <source>Redo</source>
-        <translation>Wiederholen</translation>
-    </message>
-    <message>
-        <source>R&amp;edo</source>
-        <translation>&amp;Wiederholen</translation>
-    </message>
-    <message>
-        <source>Un&amp;do</source>
-        <translation>Rückgän&amp;gig</translation>
-    </message>
-    <message>
-        <source>Makes the change again (Ctrl+Y)</source>
-        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
-    </message>
-    <message>
-        <source>Dots per inch at which millimeters become pixels</source>
-        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
-    </message>
-    <message>
-        <source>Resolution</source>
-        <translation>Auflösung</translation>
-    </message>
-    <message>
-        <source>Result:</source>
-        <translation>Ergebnis:</translation>
-    </message>
-    <message>
-        <source>Takes back the last change (Ctrl+Z)</source>
-        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
-    </message>
-    <message>
-        <source>Unit</source>
-        <translation>Einheit</translation>
-    </message>
-    <message>
-        <source>&amp;Unit</source>
-        <translation>&amp;Einheit</translation>
-    </message>
-    <message>
-        <source>Unit of width and height</source>
-        <translation>Einheit von Breite und Höhe</translation>
-    </message>
-    <message>
-        <source>millimeters</source>
-        <translation>Millimeter</translation>
-    </message>
-    <message>
-        <source>percent</source>
-        <translation>Prozent</translation>
-    </message>
-    <message>
-        <source>pixels</source>
-        <translation>Pixel</translation>
+        <source>Turn left</source>
+        <translation>Nach links drehen</translation>
     </message>
     <message>
         <source>Turn right</source>
@@ -1528,6 +1820,14 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>%s hat Änderungen, die nicht gespeichert sind. Möchten Sie sie speichern?</translation>
     </message>
     <message>
+        <source>The editor ended before the changes of %s were saved. Do you want to take them up? Steps: %d</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie sie übernehmen? Schritte: %d</translation>
+    </message>
+    <message>
+        <source>The editor ended before the changes of %s were saved, and the file was changed since. The changes may be in the file already. Do you want to take them up nevertheless? Steps: %d</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Die Änderungen können schon in der Datei sein. Möchten Sie sie trotzdem übernehmen? Schritte: %d</translation>
+    </message>
+    <message>
         <source>The editor ended before the changes of %s were saved. Do you want to take up its %d steps?</source>
         <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie die %d Schritte übernehmen?</translation>
     </message>
@@ -1588,10 +1888,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Pfeiltasten verschieben das Bild oder die Lupe, mit Strg die Trennlinie. Plus und Minus zoomen.</translation>
     </message>
     <message>
-        <source>%s, zoom %s %%</source>
-        <translation>%s, Zoom %s %%</translation>
-    </message>
-    <message>
         <source>Vie&amp;w</source>
         <translation>&amp;Ansicht</translation>
     </message>
@@ -1620,8 +1916,12 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Wie oft jeder Grauwert vorkommt; die Linie auf die Schwelle ziehen. Das Dreieck markiert die automatische Schwelle.</translation>
     </message>
     <message>
-        <source>From %d to %d, mean %d; black %d %%, white %d %%</source>
-        <translation>Von %d bis %d, Mittel %d; Schwarz %d %%, Weiß %d %%</translation>
+        <source>Black %d %%, white %d %%</source>
+        <translation>Schwarz %d %%, Weiß %d %%</translation>
+    </message>
+    <message>
+        <source>From %d to %d, mean %d</source>
+        <translation>Von %d bis %d, Mittel %d</translation>
     </message>
     <message>
         <source>Las&amp;t values</source>
@@ -1648,10 +1948,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Nimmt die letzte Änderung eines Wertes zurück</translation>
     </message>
     <message>
-        <source>Reset: %s</source>
-        <translation>Zurücksetzen: %s</translation>
-    </message>
-    <message>
         <source>Sets this value back (Delete on the track bar, or double click on the label)</source>
         <translation>Setzt diesen Wert zurück (Entf auf dem Regler oder Doppelklick auf die Beschriftung)</translation>
     </message>
@@ -1666,314 +1962,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>Automatic threshold: %d</source>
         <translation>Automatische Schwelle: %d</translation>
-    </message>
-    <message>
-        <source>Drag to draw a rectangle; with Shift it keeps its ratio, with Ctrl its center. Double click and Enter crop. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize it. The wheel, plus and minus zoom, the middle button and arrow keys with Alt pan.</source>
-        <translation>Ziehen zeichnet ein Rechteck; mit Umschalt behält es sein Verhältnis, mit Strg seine Mitte. Doppelklick und Eingabe schneiden zu. Pfeiltasten verschieben es, mit Umschalt um 10 Pixel, mit Strg ändern sie die Größe. Rad, Plus und Minus zoomen, die mittlere Taste und Pfeiltasten mit Alt verschieben das Bild.</translation>
-    </message>
-    <message>
-        <source>Makes the change of the rectangle again (Ctrl+Y)</source>
-        <translation>Macht die Änderung des Rechtecks noch einmal (Strg+Y)</translation>
-    </message>
-    <message>
-        <source>U&amp;nit</source>
-        <translation>Einhei&amp;t</translation>
-    </message>
-    <message>
-        <source>Unit of the numbers below</source>
-        <translation>Einheit der Zahlen darunter</translation>
-    </message>
-    <message>
-        <source>Pixels</source>
-        <translation>Pixel</translation>
-    </message>
-    <message>
-        <source>Percent</source>
-        <translation>Prozent</translation>
-    </message>
-    <message>
-        <source>Millimeters on paper</source>
-        <translation>Millimeter auf Papier</translation>
-    </message>
-    <message>
-        <source>Map</source>
-        <translation>Karte</translation>
-    </message>
-    <message>
-        <source>Map (%s)</source>
-        <translation>Karte (%s)</translation>
-    </message>
-    <message>
-        <source>Needs a resolution: this picture states none</source>
-        <translation>Braucht eine Auflösung: Dieses Bild nennt keine</translation>
-    </message>
-    <message>
-        <source>Needs a position on a map: this picture states none</source>
-        <translation>Braucht eine Lage auf einer Karte: Dieses Bild nennt keine</translation>
-    </message>
-    <message>
-        <source>Unit of the map</source>
-        <translation>Einheit der Karte</translation>
-    </message>
-    <message>
-        <source>Unit of the &amp;map</source>
-        <translation>Einheit der &amp;Karte</translation>
-    </message>
-    <message>
-        <source>The picture does not say in which unit its map coordinates are</source>
-        <translation>Das Bild sagt nicht, in welcher Einheit seine Kartenkoordinaten sind</translation>
-    </message>
-    <message>
-        <source>Unknown</source>
-        <translation>Unbekannt</translation>
-    </message>
-    <message>
-        <source>Meters</source>
-        <translation>Meter</translation>
-    </message>
-    <message>
-        <source>Feet</source>
-        <translation>Fuß</translation>
-    </message>
-    <message>
-        <source>US survey feet</source>
-        <translation>US-Vermessungsfuß</translation>
-    </message>
-    <message>
-        <source>Degrees</source>
-        <translation>Grad</translation>
-    </message>
-    <message>
-        <source>Left edge of the rectangle; x on the map</source>
-        <translation>Linke Kante des Rechtecks; x auf der Karte</translation>
-    </message>
-    <message>
-        <source>Top edge of the rectangle; y on the map</source>
-        <translation>Obere Kante des Rechtecks; y auf der Karte</translation>
-    </message>
-    <message>
-        <source>Width along the side of the picture</source>
-        <translation>Breite entlang der Seite des Bildes</translation>
-    </message>
-    <message>
-        <source>Height along the side of the picture</source>
-        <translation>Höhe entlang der Seite des Bildes</translation>
-    </message>
-    <message>
-        <source>Ratio</source>
-        <translation>Verhältnis</translation>
-    </message>
-    <message>
-        <source>Rati&amp;o</source>
-        <translation>&amp;Verhältnis</translation>
-    </message>
-    <message>
-        <source>Proportion that the rectangle keeps</source>
-        <translation>Verhältnis der Seiten, welches das Rechteck behält</translation>
-    </message>
-    <message>
-        <source>Free</source>
-        <translation>Frei</translation>
-    </message>
-    <message>
-        <source>As the picture</source>
-        <translation>Wie das Bild</translation>
-    </message>
-    <message>
-        <source>1:1</source>
-        <translation>1:1</translation>
-    </message>
-    <message>
-        <source>ISO A portrait</source>
-        <translation>DIN A hoch</translation>
-    </message>
-    <message>
-        <source>ISO A landscape</source>
-        <translation>DIN A quer</translation>
-    </message>
-    <message>
-        <source>4:3</source>
-        <translation>4:3</translation>
-    </message>
-    <message>
-        <source>3:2</source>
-        <translation>3:2</translation>
-    </message>
-    <message>
-        <source>16:9</source>
-        <translation>16:9</translation>
-    </message>
-    <message>
-        <source>Typed</source>
-        <translation>Eingegeben</translation>
-    </message>
-    <message>
-        <source>Paper at a scale</source>
-        <translation>Papier im Maßstab</translation>
-    </message>
-    <message>
-        <source>Needs a position on a map in meters or feet</source>
-        <translation>Braucht eine Lage auf einer Karte in Metern oder Fuß</translation>
-    </message>
-    <message>
-        <source>Swap</source>
-        <translation>Tauschen</translation>
-    </message>
-    <message>
-        <source>&amp;Swap</source>
-        <translation>Ta&amp;uschen</translation>
-    </message>
-    <message>
-        <source>Exchanges width and height</source>
-        <translation>Vertauscht Breite und Höhe</translation>
-    </message>
-    <message>
-        <source>Sides</source>
-        <translation>Seiten</translation>
-    </message>
-    <message>
-        <source>Si&amp;des</source>
-        <translation>&amp;Seiten</translation>
-    </message>
-    <message>
-        <source>Width of the ratio</source>
-        <translation>Breite des Verhältnisses</translation>
-    </message>
-    <message>
-        <source>Height of the ratio</source>
-        <translation>Höhe des Verhältnisses</translation>
-    </message>
-    <message>
-        <source>Paper</source>
-        <translation>Papier</translation>
-    </message>
-    <message>
-        <source>Pap&amp;er</source>
-        <translation>&amp;Papier</translation>
-    </message>
-    <message>
-        <source>Sheet that shows the rectangle at the scale</source>
-        <translation>Blatt, welches das Rechteck im Maßstab zeigt</translation>
-    </message>
-    <message>
-        <source>Scale 1:</source>
-        <translation>Maßstab 1:</translation>
-    </message>
-    <message>
-        <source>S&amp;cale 1:</source>
-        <translation>&amp;Maßstab 1:</translation>
-    </message>
-    <message>
-        <source>Scale of the map on paper</source>
-        <translation>Maßstab der Karte auf Papier</translation>
-    </message>
-    <message>
-        <source>500 stands for 1:500</source>
-        <translation>500 steht für 1:500</translation>
-    </message>
-    <message>
-        <source>Guides</source>
-        <translation>Hilfslinien</translation>
-    </message>
-    <message>
-        <source>&amp;Guides</source>
-        <translation>H&amp;ilfslinien</translation>
-    </message>
-    <message>
-        <source>Lines inside the rectangle</source>
-        <translation>Linien im Rechteck</translation>
-    </message>
-    <message>
-        <source>No guides</source>
-        <translation>Keine Hilfslinien</translation>
-    </message>
-    <message>
-        <source>Thirds</source>
-        <translation>Drittel</translation>
-    </message>
-    <message>
-        <source>Center</source>
-        <translation>Mitte</translation>
-    </message>
-    <message>
-        <source>%s x %s pixels, %s %s</source>
-        <translation>%s x %s Pixel, %s %s</translation>
-    </message>
-    <message>
-        <source>Ratio %s:%s</source>
-        <translation>Verhältnis %s:%s</translation>
-    </message>
-    <message>
-        <source>%s dpi: %s x %s mm on paper</source>
-        <translation>%s dpi: %s x %s mm auf Papier</translation>
-    </message>
-    <message>
-        <source>No resolution is stated</source>
-        <translation>Keine Auflösung angegeben</translation>
-    </message>
-    <message>
-        <source>On the map: from %s, %s to %s, %s; the sides are %s x %s</source>
-        <translation>Auf der Karte: von %s; %s bis %s; %s, Seiten %s x %s</translation>
-    </message>
-    <message>
-        <source>No position on a map is stated</source>
-        <translation>Keine Lage auf einer Karte angegeben</translation>
-    </message>
-    <message>
-        <source>Mouse: %s, %s px</source>
-        <translation>Maus: %s; %s px</translation>
-    </message>
-    <message>
-        <source>Mouse: %s, %s px; %s, %s</source>
-        <translation>Maus: %s; %s px, %s; %s</translation>
-    </message>
-    <message>
-        <source>Mouse: not on the picture</source>
-        <translation>Maus: nicht auf dem Bild</translation>
-    </message>
-    <message>
-        <source>%s became %s %s, the nearest pixel corner</source>
-        <translation>%s wurde zu %s %s, der nächsten Pixelecke</translation>
-    </message>
-    <message>
-        <source>The sheet needs %s x %s pixels, more than the picture has</source>
-        <translation>Das Blatt braucht %s x %s Pixel, mehr als das Bild hat</translation>
-    </message>
-    <message>
-        <source>Reset</source>
-        <translation>Zurücksetzen</translation>
-    </message>
-    <message>
-        <source>%d x %d pixels, %s %s</source>
-        <translation>%d x %d Pixel, %s %s</translation>
-    </message>
-    <message>
-        <source>New width in the chosen unit</source>
-        <translation>Neue Breite in der gewählten Einheit</translation>
-    </message>
-    <message>
-        <source>Help on the editor</source>
-        <translation>Hilfe zum Editor</translation>
-    </message>
-    <message>
-        <source>Turn left</source>
-        <translation>Nach links drehen</translation>
-    </message>
-    <message>
-        <source>The editor ended before the changes of %s were saved. Do you want to take them up? Steps: %d</source>
-        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie sie übernehmen? Schritte: %d</translation>
-    </message>
-    <message>
-        <source>The editor ended before the changes of %s were saved, and the file was changed since. The changes may be in the file already. Do you want to take them up nevertheless? Steps: %d</source>
-        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Die Änderungen können schon in der Datei sein. Möchten Sie sie trotzdem übernehmen? Schritte: %d</translation>
-    </message>
-    <message>
-        <source>Black %d %%, white %d %%</source>
-        <translation>Schwarz %d %%, Weiß %d %%</translation>
-    </message>
-    <message>
-        <source>From %d to %d, mean %d</source>
-        <translation>Von %d bis %d, Mittel %d</translation>
     </message>
     <message>
         <source>%d steps do not fit the picture: %s</source>
@@ -2596,9 +2584,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>OK schreibt %s</translation>
     </message>
     <message>
-        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
-        <source>Steps that do not fit the picture and are skipped: %d (%s)</source>
-        <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
         <source>A0</source>
         <translation>A0</translation>
     </message>
@@ -2617,6 +2602,20 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>A4</source>
         <translation>A4</translation>
+    </message>
+    <message>
+        <source>%s, zoom %s %%</source>
+        <translation>%s, Zoom %s %%</translation>
+    </message>
+    <message>
+        <source>From %d to %d, mean %d; black %d %%, white %d %%</source>
+        <translation>Von %d bis %d, Mittel %d; Schwarz %d %%, Weiß %d %%</translation>
+    </message>
+    <message>
+        <source>Reset: %s</source>
+        <translation>Zurücksetzen: %s</translation>
+    </message>
+    <message>
         <source>Shows places and files</source>
         <translation>Zeigt Orte und Dateien</translation>
     </message>
@@ -2639,6 +2638,10 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>PackBits</source>
         <translation>PackBits</translation>
+    </message>
+    <message>
+        <source>Steps that do not fit the picture and are skipped: %d (%s)</source>
+        <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
 </context>
 </TS>
