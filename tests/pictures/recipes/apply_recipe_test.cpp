@@ -6,6 +6,7 @@
 
 #include <rasterkit/pictures/recipes/apply_recipe.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 #include "tests/pictures/recipes/made_pictures.h"
 #include "tests/support/same_pixels.h"
@@ -205,8 +206,11 @@ TEST(ApplyRecipeTest, ErrorsKeepTheirKindAndNameTheStep) {
     }
   };
   using testing::StartsWith;
-  EXPECT_THAT(faultOf(std::type_identity<LimitError>(), RecipeResize{kPixels, 1e9, 1e9}),
-              StartsWith("/steps/1: a picture of 1000000000 x 1000000000 pixels"));
+  Limits limits;
+  limits.pixels = 100'000;
+  const LimitsScope scope(limits);
+  EXPECT_THAT(faultOf(std::type_identity<LimitError>(), RecipeResize{kPixels, 1e5, 1e5}),
+              StartsWith("/steps/1: a picture of 100000 x 100000 pixels"));
   EXPECT_THAT(faultOf(std::type_identity<RangeError>(), NorthUpStep{}),
               StartsWith("/steps/1: the picture has no position"));
   MetadataEdit edit;
