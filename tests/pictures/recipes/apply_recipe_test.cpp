@@ -257,6 +257,13 @@ TEST(ApplyRecipeTest, SavingSaysDepthAndMetadata) {
   const auto& painted = std::get<ChangeStep>(picture.Steps()[1]).change;
   EXPECT_EQ(std::get<PaintTransparency>(painted).background, kRed);
   EXPECT_EQ(picture.Layout().BitsPerPixel(), 8);
+  auto seen = std::make_unique<TBitmap>(test::GradientRaster(pf32bit, 4, 3));
+  seen->SetAlphaFormat(afDefined);
+  Picture kept = Picture::Of(std::move(seen));
+  EXPECT_FALSE(ApplyDepth(kept, 32));
+  EXPECT_EQ(kept.Layout().alpha, AlphaKind::straight);
+  EXPECT_TRUE(ApplyDepth(kept, 24));
+  EXPECT_EQ(kept.Layout().alpha, AlphaKind::none);
   EXPECT_TRUE(EditOf(RecipeSave::Keep::nothing).stripAll);
   EXPECT_TRUE(EditOf(RecipeSave::Keep::all).IsEmpty());
 }
