@@ -6,6 +6,7 @@
 
 #include <rasterkit/pictures/recipes/apply_recipe.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/limits.h>
 
 #include "tests/pictures/recipes/made_pictures.h"
 #include "tests/support/same_pixels.h"
@@ -205,8 +206,11 @@ TEST(ApplyRecipeTest, ErrorsKeepTheirKindAndNameTheStep) {
     }
   };
   using testing::StartsWith;
-  EXPECT_THAT(faultOf(std::type_identity<LimitError>(), RecipeResize{kPixels, 1e9, 1e9}),
-              StartsWith("/steps/1: a picture of 1000000000 x 1000000000 pixels"));
+  Limits limits;
+  limits.pixels = 100'000;
+  const LimitsScope scope(limits);
+  EXPECT_THAT(faultOf(std::type_identity<LimitError>(), RecipeResize{kPixels, 1e5, 1e5}),
+              StartsWith("/steps/1: a picture of 100000 x 100000 pixels"));
   EXPECT_THAT(faultOf(std::type_identity<RangeError>(), NorthUpStep{}),
               StartsWith("/steps/1: the picture has no position"));
   MetadataEdit edit;
@@ -253,6 +257,13 @@ TEST(ApplyRecipeTest, SavingSaysDepthAndMetadata) {
   const auto& painted = std::get<ChangeStep>(picture.Steps()[1]).change;
   EXPECT_EQ(std::get<PaintTransparency>(painted).background, kRed);
   EXPECT_EQ(picture.Layout().BitsPerPixel(), 8);
+  auto seen = std::make_unique<TBitmap>(test::GradientRaster(pf32bit, 4, 3));
+  seen->SetAlphaFormat(afDefined);
+  Picture kept = Picture::Of(std::move(seen));
+  EXPECT_FALSE(ApplyDepth(kept, 32));
+  EXPECT_EQ(kept.Layout().alpha, AlphaKind::straight);
+  EXPECT_TRUE(ApplyDepth(kept, 24));
+  EXPECT_EQ(kept.Layout().alpha, AlphaKind::none);
   EXPECT_TRUE(EditOf(RecipeSave::Keep::nothing).stripAll);
   EXPECT_TRUE(EditOf(RecipeSave::Keep::all).IsEmpty());
 }
