@@ -1571,5 +1571,9 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <source>Steps that do not fit the picture and are left out: %d (%s)</source>
         <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
+    <message>
+        <source>%s - Edit picture</source>
+        <translation>%s - Bild bearbeiten</translation>
+    </message>
 </context>
 </TS>
