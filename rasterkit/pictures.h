@@ -9,6 +9,7 @@
 #include <rasterkit/pictures/recipes/apply_recipe.h>
 #include <rasterkit/pictures/recipes/recipe.h>
 #include <rasterkit/pictures/recipes/recipe_text.h>
+#include <rasterkit/pictures/recipes/steps_of_picture.h>
 #include <rasterkit/pictures/report.h>
 #include <rasterkit/pictures/row_sink.h>
 #include <rasterkit/pictures/run.h>

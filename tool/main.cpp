@@ -88,12 +88,12 @@ int Main(int argc, char** argv) {
   CommandLine line(ToolHelp(), "rasterkit " RASTERKIT_VERSION);
   std::vector<VerbRunner> verbs;
   for (const auto add :
-       {AddInfoVerb,      AddConvertVerb,   AddRotateVerb,    AddMirrorVerb,  AddCropVerb,
-        AddResizeVerb,    AddThumbnailVerb, AddGrayVerb,      AddMonoVerb,    AddBrightnessVerb,
-        AddContrastVerb,  AddAdjustVerb,    AddWhitenVerb,    AddRecolorVerb, AddKeyColorVerb,
-        AddPdfWhiteVerb,  AddOpaqueVerb,    AddSwapAlphaVerb, AddPaletteVerb, AddCombineVerb,
-        AddWatermarkVerb, AddIconVerb,      AddCompareVerb,   AddGeoTiffVerb, AddExifVerb,
-        AddPagesVerb,     AddPdfVerb,       AddEditVerb,      AddSaveAsVerb}) {
+       {AddInfoVerb,       AddConvertVerb,   AddApplyVerb,     AddRotateVerb,    AddMirrorVerb,
+        AddCropVerb,       AddResizeVerb,    AddThumbnailVerb, AddGrayVerb,      AddMonoVerb,
+        AddBrightnessVerb, AddContrastVerb,  AddAdjustVerb,    AddWhitenVerb,    AddRecolorVerb,
+        AddKeyColorVerb,   AddPdfWhiteVerb,  AddOpaqueVerb,    AddSwapAlphaVerb, AddPaletteVerb,
+        AddCombineVerb,    AddWatermarkVerb, AddIconVerb,      AddCompareVerb,   AddGeoTiffVerb,
+        AddExifVerb,       AddPagesVerb,     AddPdfVerb,       AddEditVerb,      AddSaveAsVerb}) {
     verbs.push_back(add(line));
   }
   LimitOptions limits;

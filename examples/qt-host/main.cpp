@@ -1,4 +1,5 @@
-// A host on Qt: a window with one picture, which the dialogs of Rasterkit change.
+// A host on Qt: a window with one picture, and the windows of Rasterkit that change it. What they
+// answer are steps of a recipe; the file that was opened is never changed by them.
 
 #include <QApplication>
 #include <QLabel>
@@ -9,6 +10,7 @@
 #include <QToolBar>
 
 #include <rasterkit/dialogs.h>
+#include <rasterkit/pictures.h>
 #include <rasterkit/qt.h>
 #include <rasterkit/rasterkit.h>
 
@@ -21,19 +23,22 @@ class HostWindow : public QMainWindow {
     scroller_.setWidget(&view_);
     statusBar()->addPermanentWidget(&progress_);
     AddCommand("Open", &HostWindow::Open);
-    AddCommand("Values", &HostWindow::ChangeValues);
-    AddCommand("Size", &HostWindow::ChangeSize);
     AddCommand("Crop", &HostWindow::Crop);
-    AddCommand("Lay over", &HostWindow::LayOver);
+    AddCommand("Values", &HostWindow::ChangeValues);
+    AddCommand("Black and white", &HostWindow::MakeBlackAndWhite);
+    AddCommand("Size", &HostWindow::ChangeSize);
+    AddCommand("Undo", &HostWindow::Undo);
     AddCommand("Save", &HostWindow::Save);
+    AddCommand("Edit", &HostWindow::Edit);
     resize(800, 600);
   }
 
-  void Load(const std::string& fileName) {
-    std::unique_ptr<rk::TBitmap> loaded = Picture(fileName);
-    if (!loaded) return;
-    bitmap_ = std::move(loaded);
-    fileName_ = fileName;
+  /// Headers are read here, pixels when they are shown. The picture is upright.
+  void Load(const std::string& file) {
+    rk::Picture opened = rk::Picture::Open(file);
+    bitmap_ = opened.Bitmap();
+    source_ = std::move(opened);
+    steps_.clear();
     Show();
   }
 
@@ -41,58 +46,96 @@ class HostWindow : public QMainWindow {
   /// An exception of a command must not unwind Qt's event loop: Guarded shows it in a message box.
   void AddCommand(const char* text, void (HostWindow::*command)()) {
     connect(bar_.addAction(text), &QAction::triggered, this, rk::Guarded([this, command] {
-              if (bitmap_ || command == &HostWindow::Open) (this->*command)();
+              if (source_ || command == &HostWindow::Open) (this->*command)();
             }));
   }
 
-  /// The picture of a file, upright; null after a message.
-  static std::unique_ptr<rk::TBitmap> Picture(const std::string& fileName) {
-    std::unique_ptr<rk::TBitmap> loaded;
-    if (!rk::LoadWindowsBitmap(fileName, 0, loaded))
-      rk::ShowMessage(fileName + " is not a picture.");
-    return loaded;
+  /// The source with all steps; copies of a picture are cheap.
+  rk::Picture Result() const {
+    rk::Picture result = *source_;
+    for (const rk::RecipeStep& step : steps_) rk::ApplyRecipeStep(result, step);
+    return result;
+  }
+
+  void Add(const rk::RecipeStep& step) {
+    steps_.push_back(step);
+    bitmap_ = Result().Bitmap();
+    Show();
+  }
+
+  void Undo() {
+    if (steps_.empty()) return;
+    steps_.pop_back();
+    bitmap_ = Result().Bitmap();
+    Show();
   }
 
   void Open() {
-    std::string fileName = fileName_;
-    if (rk::BitmapOpenDialog("", "", rk::bfLoadBmp, fileName, true)) Load(fileName);
+    const std::string file = rk::ChooseFileToOpen("", true, this);
+    if (!file.empty()) Load(file);
+  }
+
+  /// An options object says how the window starts and what it shows.
+  void Crop() {
+    const rk::Picture result = Result();
+    rk::ChooseCropOptions options;
+    options.unit = unit_;
+    options.showsGuides = false;
+    options.mapUnit = "m";
+    if (result.SourceType() == rk::PictureType::jpeg) {
+      options.isLossless = [&result](const rk::CropStep& part) {
+        rk::Picture cropped = result;
+        return cropped.Crop(part).PlanStream().isMoved;
+      };
+    }
+    const auto crop = rk::ChooseCrop(*bitmap_, result, options, this);
+    if (!crop) return;
+    unit_ = crop->unit;
+    Add(*crop);
   }
 
   void ChangeValues() {
-    if (rk::ChangeBitmap(0, bitmap_.get(), true, values_)) Show();
+    if (const auto values = rk::ChooseValues(*bitmap_, {}, this)) Add(rk::ChangeStep{*values});
+  }
+
+  void MakeBlackAndWhite() {
+    if (const auto mono = rk::ChooseThreshold(*bitmap_, {}, this)) Add(rk::ChangeStep{*mono});
   }
 
   void ChangeSize() {
-    int32_t width = bitmap_->Width(), height = bitmap_->Height();
-    bool isProportional = true;
-    if (!rk::EditSize(width, height, isProportional)) return;
-    bitmap_ = rk::ChangeBitmapSize(bitmap_.get(), width, height, true);
-    Show();
+    if (const auto size = rk::ChooseSize(Result(), {}, this)) Add(*size);
   }
 
-  void Crop() {
-    if (rk::CropBitmap(*bitmap_, cut_)) Show();
-  }
-
-  /// Mixes another picture in, with a progress bar.
-  void LayOver() {
-    std::string fileName;
-    if (!rk::BitmapOpenDialog("", "", rk::bfLoadBmp, fileName, true)) return;
-    std::unique_ptr<rk::TBitmap> other = Picture(fileName);
-    if (!other) return;
-    bitmap_->SetPixelFormat(rk::pf24bit);
-    rk::ResizeBitmap(other, bitmap_->Width(), bitmap_->Height(), true);
-    rk::CombineGeoResTrans(bitmap_.get(), other.get(), 50, false, 1,
-                           [this](float percent) { progress_.setValue(qRound(percent)); });
-    progress_.reset();
-    Show();
-  }
-
+  /// The steps and the choice of the user are a recipe; WriteRecipe makes a file of it.
   void Save() {
-    const std::string extension = rk::ExtractFileExt(fileName_);
-    if (!rk::BitmapSaveDialog("", extension, false, fileName_, true)) return;
-    rk::SaveWindowsBitmap(*bitmap_, 0, 0, fileName_);
-    rk::ShowMessage("Saved as " + fileName_);
+    const rk::SavingStart start{source_->SourceFile(), {}, true};
+    const auto choice = rk::ChooseSaving(Result(), start, this);
+    if (!choice) return;
+    rk::Picture result = *source_;
+    rk::Recipe recipe;
+    recipe.steps = steps_;
+    recipe.save = choice->save;
+    rk::ApplyRecipe(result, recipe);
+    rk::SaveOptions options = rk::SaveOptionsOf(choice->save);
+    options.mayReplace = choice->mayReplace;
+    rk::Run run;
+    run.progress = [this](double share) { progress_.setValue(qRound(100 * share)); };
+    result.Save(choice->file, options, run);
+    progress_.reset();
+    statusBar()->showMessage(QString::fromStdString("Saved as " + choice->file));
+  }
+
+  /// The whole editor: it has undo and redo, and saves by itself. A callback tells what it wrote.
+  void Edit() {
+    rk::EditPictureOptions options;
+    options.mayOpenOtherFiles = false;
+    options.showsPages = false;
+    options.onSaved = [this](const std::string& file, const rk::Recipe&, const rk::Report& report) {
+      const auto losses = std::to_string(report.losses.size());
+      statusBar()->showMessage(QString::fromStdString(file + ": " + losses + " losses"));
+    };
+    const auto edited = rk::EditPicture(source_->SourceFile(), options, this);
+    if (edited) Load(edited->file);
   }
 
   void Show() {
@@ -104,10 +147,12 @@ class HostWindow : public QMainWindow {
   QScrollArea& scroller_ = *new QScrollArea;
   QLabel& view_ = *new QLabel;
   QProgressBar& progress_ = *new QProgressBar;
+  /// The picture as it was opened, the steps, and the pixels that they lead to.
+  std::optional<rk::Picture> source_;
+  std::vector<rk::RecipeStep> steps_;
   std::unique_ptr<rk::TBitmap> bitmap_;
-  std::string fileName_;
-  rk::TChgBmpValuesRec values_;
-  rk::TRect cut_{};
+  /// In which the user cropped last.
+  rk::LengthUnit unit_ = rk::LengthUnit::pixels;
 };
 
 int main(int argc, char** argv) {

@@ -57,6 +57,10 @@ struct Check {
     throw RangeError("a picture has 1, 4, 8, 24 or 32 bits per pixel, not " +
                      std::to_string(change.bits));
   }
+  Reach operator()(const UsePalette& change) const {
+    if (change.palette.Count() == 0) throw RangeError("a palette has 1 to 256 entries");
+    return Reach::row;
+  }
 };
 
 constexpr const char* kRastersOnly =

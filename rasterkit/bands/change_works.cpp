@@ -9,6 +9,7 @@
 #include <rasterkit/bands/color_changes.h>
 #include <rasterkit/bands/colors/color_reader.h>
 #include <rasterkit/bands/colors/few_colors.h>
+#include <rasterkit/bands/colors/gray_counts.h>
 #include <rasterkit/bands/colors/index_work.h>
 #include <rasterkit/bands/colors/looking_work.h>
 #include <rasterkit/bands/colors/row_rule.h>
@@ -179,40 +180,17 @@ class OtsuFinding : public Finding {
   std::unique_ptr<BandWork> Begin() override { return then_(OtsuThreshold(counts_)); }
 
  private:
-  using Counts = std::array<uint64_t, 256>;
-
   void Count(const Raster& raster, int first, int last) {
-    const size_t width = reader_.Width();
-    std::vector<uint8_t> colors(kColorBytes * width), grays(width);
-    // Equal neighbors are counted in different tables: one waits for the other else.
-    std::array<Counts, 2> counts{};
-    for (int y = first; y < last; ++y) {
-      Read(raster.Row(y), colors.data(), grays.data());
-      for (size_t x = 0; x + 1 < width; x += 2) {
-        ++counts[0][grays[x]];
-        ++counts[1][grays[x + 1]];
-      }
-      if (width % 2 != 0) ++counts[0][grays[width - 1]];
-    }
+    const GrayCounts counts = CountGrays(reader_, raster, first, last);
     const std::lock_guard lock(mutex_);
-    for (size_t i = 0; i < counts_.size(); ++i) counts_[i] += counts[0][i] + counts[1][i];
-  }
-
-  void Read(const uint8_t* row, uint8_t* colors, uint8_t* grays) const {
-    const size_t width = reader_.Width();
-    if (reader_.HasOpacity()) {
-      reader_.Painted(row, clWhite, colors);
-      return kernels::GrayOfRow24(colors, width, grays);
-    }
-    if (reader_.Format() == pf32bit) return kernels::GrayOfRow32(row, width, grays);
-    kernels::GrayOfRow24(reader_.Colors(row, colors), width, grays);
+    for (size_t i = 0; i < counts_.size(); ++i) counts_[i] += counts[i];
   }
 
   const ColorReader reader_;
   const Sides size_;
   const Then then_;
   std::mutex mutex_;
-  Counts counts_{};
+  GrayCounts counts_{};
 };
 
 /// Sees the color of the bottom left pixel.
@@ -379,6 +357,10 @@ class Beginner {
     }
     if (IsIndexed(format)) return MakeFewColors(like_, size_, Made(change));
     return OfRows(change, RuleOfFormat(reader, format));
+  }
+
+  std::unique_ptr<BandWork> operator()(const UsePalette& change) const {
+    return OfRows(change, RuleOfPalette(NewReader(), change.palette));
   }
 
  private:

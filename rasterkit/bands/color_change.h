@@ -6,6 +6,7 @@
 #include <variant>
 #include <vector>
 
+#include <rasterkit/raster/palette.h>
 #include <rasterkit/raster/pixel_format.h>
 
 /// Changes of color: one plain struct each, so that a list of them can be stored.
@@ -71,8 +72,14 @@ struct SetBits {
   int bits = 24;
 };
 
-using ColorChange =
-    std::variant<MakeGray, MakeMono, AdjustColors, WhitenLight, RecolorByGray, ReplaceKeyColor,
-                 WhiteForPdf, PaintTransparency, SwapOpacity, SetPaletteEntries, SetBits>;
+/// 8 bits per pixel with this palette of 1 to 256 entries: each pixel gets the nearest one.
+/// Transparent parts are painted white first.
+struct UsePalette {
+  HPALETTE palette;
+};
+
+using ColorChange = std::variant<MakeGray, MakeMono, AdjustColors, WhitenLight, RecolorByGray,
+                                 ReplaceKeyColor, WhiteForPdf, PaintTransparency, SwapOpacity,
+                                 SetPaletteEntries, SetBits, UsePalette>;
 
 }  // namespace rasterkit

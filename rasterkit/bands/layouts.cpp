@@ -177,6 +177,14 @@ struct AfterChange {
     if (bits == 32) result.bands = 4, result.extraBands = 1;
     return result;
   }
+
+  PixelLayout operator()(const UsePalette& change) const {
+    LoseTransparency(layout, "the palette has no transparent entry", losses);
+    if (IsGrayRamp(change.palette)) return Gray8(layout);
+    PixelLayout result = Indexed(layout, 8, AlphaKind::none);
+    result.palette = change.palette;
+    return result;
+  }
 };
 
 /// A palette that gets one more color, which is transparent.

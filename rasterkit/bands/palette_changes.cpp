@@ -5,6 +5,8 @@
 
 #include <rasterkit/bands/color_changes.h>
 #include <rasterkit/bands/colors/index_pixels.h>
+#include <rasterkit/bands/colors/opacity_plane.h>
+#include <rasterkit/graphics/canvas.h>
 #include <rasterkit/runtime/errors.h>
 
 namespace rasterkit::detail {
@@ -90,6 +92,18 @@ void Change(const SetPaletteEntries& change, BitmapPointer& bitmap) {
   // If no entry has the color after the change, no pixel is transparent.
   if (Has(entries, transparent)) return bitmap->SetTransparentColor(transparent);
   bitmap->SetTransparent(false);
+}
+
+void Change(const UsePalette& change, BitmapPointer& bitmap) {
+  if (HasTransparency(*bitmap)) DropTransparency(bitmap, clWhite);
+  auto made = std::make_unique<TBitmap>();
+  made->ResetPixels(pf8bit, bitmap->Width(), bitmap->Height());
+  made->CarryFrom(
+      *bitmap, {.palette = false, .alphaFormat = false, .transparency = CarriedTransparency::none});
+  made->SetPalette(change.palette);
+  made->Canvas().StretchMode = smPlain;
+  made->Canvas().CopyStretched({0, 0, bitmap->Width(), bitmap->Height()}, *bitmap);
+  bitmap = std::move(made);
 }
 
 }  // namespace rasterkit::detail

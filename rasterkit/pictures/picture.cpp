@@ -34,6 +34,7 @@ Picture::Picture(std::shared_ptr<const detail::PictureSource> source, bool turns
   for (Step& step : detail::StepsOfOrientation(source_->Header().orientation.value_or(1))) {
     Apply(std::move(step));
   }
+  orientationSteps_ = steps_.size();
 }
 
 Picture::Picture(const Picture&) = default;
@@ -43,6 +44,7 @@ Picture::~Picture() = default;
 Picture& Picture::operator=(Picture other) noexcept {
   source_ = std::move(other.source_);
   steps_ = std::move(other.steps_);
+  orientationSteps_ = other.orientationSteps_;
   state_ = std::move(other.state_);
   return *this;
 }
@@ -89,6 +91,10 @@ int Picture::Pages() const {
 }
 const std::vector<Step>& Picture::Steps() const {
   return steps_;
+}
+
+size_t Picture::OrientationSteps() const {
+  return orientationSteps_;
 }
 
 Picture& Picture::Apply(Step step) {
@@ -177,6 +183,7 @@ std::optional<Picture> Picture::EmbeddedThumbnail(const OpenOptions& options,
     for (Step& step : detail::StepsOfOrientation(header.orientation.value_or(1))) {
       thumbnail.Apply(std::move(step));
     }
+    thumbnail.orientationSteps_ = thumbnail.steps_.size();
     return thumbnail;
   } catch (const FormatError&) {
     return std::nullopt;

@@ -70,6 +70,8 @@ class RASTERKIT_EXPORT Picture {
   int Pages() const;
   /// The steps, those of the orientation first.
   const std::vector<Step>& Steps() const;
+  /// How many of them turn the source upright.
+  size_t OrientationSteps() const;
 
   /// Adds a step. Throws RangeError if it does not fit the picture after the steps so far.
   Picture& Apply(Step step);
@@ -119,6 +121,7 @@ class RASTERKIT_EXPORT Picture {
 
   std::shared_ptr<const detail::PictureSource> source_;
   std::vector<Step> steps_;
+  size_t orientationSteps_ = 0;
   std::shared_ptr<const detail::PictureState> state_;
 };
 

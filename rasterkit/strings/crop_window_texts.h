@@ -10,12 +10,10 @@ inline constexpr std::string_view rsCropRectangleKeys =
     "Drag to draw a rectangle; with Shift it keeps its ratio, with Ctrl its center. Double click "
     "and Enter crop. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize it. The "
     "wheel, plus and minus zoom, the middle button and arrow keys with Alt pan.";
-inline constexpr std::string_view rsCropRedo = "Redo";
 inline constexpr std::string_view rsCropRedoHint =
     "Makes the change of the rectangle again (Ctrl+Y)";
 
 /// Units.
-inline constexpr std::string_view rsCropUnit = "Unit";
 inline constexpr std::string_view rsCropUnitHint = "Unit of the numbers below";
 inline constexpr std::string_view rsCropPixels = "Pixels";
 inline constexpr std::string_view rsCropPercent = "Percent";
@@ -61,6 +59,11 @@ inline constexpr std::string_view rsCropRatioWidth = "Width of the ratio";
 inline constexpr std::string_view rsCropRatioHeight = "Height of the ratio";
 inline constexpr std::string_view rsCropPaper = "Paper";
 inline constexpr std::string_view rsCropPaperHint = "Sheet that shows the rectangle at the scale";
+inline constexpr std::string_view rsCropPaperA0 = "A0";
+inline constexpr std::string_view rsCropPaperA1 = "A1";
+inline constexpr std::string_view rsCropPaperA2 = "A2";
+inline constexpr std::string_view rsCropPaperA3 = "A3";
+inline constexpr std::string_view rsCropPaperA4 = "A4";
 inline constexpr std::string_view rsCropScale = "Scale 1:";
 inline constexpr std::string_view rsCropScaleName = "Scale of the map on paper";
 inline constexpr std::string_view rsCropScaleHint = "500 stands for 1:500";
@@ -68,7 +71,7 @@ inline constexpr std::string_view rsCropScaleHint = "500 stands for 1:500";
 /// Guides.
 inline constexpr std::string_view rsCropGuides = "Guides";
 inline constexpr std::string_view rsCropGuidesHint = "Lines inside the rectangle";
-inline constexpr std::string_view rsCropNoGuides = "None";
+inline constexpr std::string_view rsCropNoGuides = "No guides";
 inline constexpr std::string_view rsCropThirds = "Thirds";
 inline constexpr std::string_view rsCropCenterLines = "Center";
 

@@ -12,6 +12,10 @@ inline constexpr std::string_view rsEditNoMemory =
     "Not enough RAM available for the image! Try a lower DPI-setting.";
 inline constexpr std::string_view rsEditUnreadable = "The file %s cannot be read as a picture.";
 
+/// A file that exists, in another folder than the one in which the user chose the name.
+inline constexpr std::string_view rsEditOverwrite =
+    "The picture is saved as %s. This file exists already. Overwrite it?";
+
 /// Width and height in pixels, both in millimeters, memory size and its unit.
 inline constexpr std::string_view rsEditPageSize = "%d * %d px, %d * %d mm (%s [%s])";
 

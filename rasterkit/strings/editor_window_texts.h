@@ -13,7 +13,6 @@ inline constexpr std::string_view rsEditorMenuView = "&View";
 inline constexpr std::string_view rsEditorMenuHelp = "&Help";
 inline constexpr std::string_view rsEditorOpen = "&Open...";
 inline constexpr std::string_view rsEditorOpenHint = "Opens another file in this window";
-inline constexpr std::string_view rsEditorSave = "&Save";
 inline constexpr std::string_view rsEditorSaveHint = "Writes the file and stays here";
 inline constexpr std::string_view rsEditorSaveAs = "Save &as...";
 inline constexpr std::string_view rsEditorSaveAsHint = "Writes another file";

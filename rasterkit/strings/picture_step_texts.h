@@ -21,7 +21,6 @@ inline constexpr std::string_view rsStepGray = "Make gray";
 inline constexpr std::string_view rsStepMono = "Make black and white";
 inline constexpr std::string_view rsStepColors = "Reduce to %d colors";
 inline constexpr std::string_view rsStepBits = "Change to %d bits";
-inline constexpr std::string_view rsStepValues = "Change values";
 inline constexpr std::string_view rsStepColorChange = "Change colors";
 inline constexpr std::string_view rsStepCombine = "Combine with another picture";
 inline constexpr std::string_view rsStepPalette = "Take the palette of another picture";
@@ -47,7 +46,6 @@ inline constexpr std::string_view rsFactsDpi = "%s: %d x %d pixels, %d bits, %s 
 inline constexpr std::string_view rsTitlePage = "%s, page %d of %d";
 
 inline constexpr std::string_view rsSavesCopy = "Lossless: the compressed pixels are kept";
-inline constexpr std::string_view rsSavesMoved = "Lossless: the compressed pixels are moved";
 inline constexpr std::string_view rsSavesExact = "Lossless: every pixel is kept as it is";
 inline constexpr std::string_view rsSavesAnew = "Compressed again, which changes pixels a little";
 inline constexpr std::string_view rsSavesAnewBecause = "Compressed again, because %s";
@@ -76,6 +74,6 @@ inline constexpr std::string_view rsAskJournalChanged =
     "changes may be in the file already. Do you want to take them up nevertheless? Steps: %d";
 /// Number of steps that were left out, and the reason.
 inline constexpr std::string_view rsJournalCut =
-    "Steps that do not fit the picture and are left out: %d (%s)";
+    "Steps that do not fit the picture and are skipped: %d (%s)";
 
 }  // namespace rasterkit

@@ -11,6 +11,9 @@ inline constexpr std::string_view rsSavingSettingsTitle = "Settings of the file"
 inline constexpr std::string_view rsSavingOpenTitle = "Open a picture";
 inline constexpr std::string_view rsSavingFolderPage = "Fo&lder";
 inline constexpr std::string_view rsSavingSettingsPage = "Se&ttings and 1:1 view";
+inline constexpr std::string_view rsSavingFolderPageHint = "Shows places and files";
+inline constexpr std::string_view rsSavingSettingsPageHint =
+    "Shows the settings of the file and the picture before and after saving";
 inline constexpr std::string_view rsSavingPlaces = "Places";
 inline constexpr std::string_view rsSavingPlacesHint = "Opens one of these folders";
 inline constexpr std::string_view rsSavingPlaceHome = "Home";
@@ -63,6 +66,7 @@ inline constexpr std::string_view rsSavingGib = "%s GiB";
 inline constexpr std::string_view rsSavingDepth = "&Depth:";
 inline constexpr std::string_view rsSavingDepthHint = "Bits per pixel of the file";
 inline constexpr std::string_view rsSavingDepthAsIs = "As it is (%s bits)";
+inline constexpr std::string_view rsSavingDepthOther = "%s bits";
 inline constexpr std::string_view rsSavingDepth32 = "32 bits: color and opacity";
 inline constexpr std::string_view rsSavingDepth24 = "24 bits: color";
 inline constexpr std::string_view rsSavingDepth8 = "8 bits: 256 colors";
@@ -77,8 +81,9 @@ inline constexpr std::string_view rsSavingUsualQualityHint =
 inline constexpr std::string_view rsSavingQuality = "&Quality:";
 inline constexpr std::string_view rsSavingQualityHint =
     "1 (small file) to 100 (best); 90 shows hardly any difference";
+inline constexpr std::string_view rsSavingQualityName = "Quality";
 inline constexpr std::string_view rsSavingQualityNumber = "Quality as a number";
-inline constexpr std::string_view rsSavingSampling = "Col&or detail:";
+inline constexpr std::string_view rsSavingSampling = "Color d&etail:";
 inline constexpr std::string_view rsSavingSamplingHint =
     "How finely a JPEG file stores color; brightness is always stored in full";
 inline constexpr std::string_view rsSavingSamplingSource = "As in the source (%s)";
@@ -99,6 +104,9 @@ inline constexpr std::string_view rsSavingCompressionSource = "As in the source"
 inline constexpr std::string_view rsSavingCompressionStandard =
     "Usual (LZW, or G4 for black and white)";
 inline constexpr std::string_view rsSavingCompressionNone = "None";
+inline constexpr std::string_view rsSavingCompressionLzw = "LZW";
+inline constexpr std::string_view rsSavingCompressionDeflate = "Deflate";
+inline constexpr std::string_view rsSavingCompressionPackBits = "PackBits";
 inline constexpr std::string_view rsSavingCompressionGroup4 = "G4 (black and white only)";
 inline constexpr std::string_view rsSavingLevel = "&Packing:";
 inline constexpr std::string_view rsSavingLevelHint =
@@ -130,6 +138,7 @@ inline constexpr std::string_view rsSavingWhySettings = "the settings differ fro
 inline constexpr std::string_view rsSavingWhySteps = "the pixels were changed";
 inline constexpr std::string_view rsSavingWhyWished = "it was chosen so";
 inline constexpr std::string_view rsSavingWhyDepth = "the file has another depth";
+inline constexpr std::string_view rsSavingWhyPixels = "see what is lost";
 inline constexpr std::string_view rsSavingNoLoss = "Nothing is lost";
 inline constexpr std::string_view rsSavingLost = "Lost: %s";
 inline constexpr std::string_view rsSavingLossDetails = "&What is lost";

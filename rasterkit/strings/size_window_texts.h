@@ -5,11 +5,10 @@
 /// The window that changes the size in pixels, percent or millimeters.
 namespace rasterkit {
 
-/// Width and height in pixels, resolution, memory size and its unit.
-inline constexpr std::string_view rsSizeFacts = "%d x %d pixels, %s, %s %s";
+/// Width and height in pixels, memory size and its unit.
+inline constexpr std::string_view rsSizeFacts = "%d x %d pixels, %s %s";
 
-/// The resolution in these facts: one number, one for each direction, or none.
-inline constexpr std::string_view rsSizeDpi = "%s dpi";
+/// The resolution behind these facts: a number for each direction, or none.
 inline constexpr std::string_view rsSizeTwoDpi = "%s x %s dpi";
 inline constexpr std::string_view rsSizeNoDpi = "no resolution";
 

@@ -73,7 +73,7 @@ void ExpectPlain(const ColorChange& change, const Raster& source,
   }
 }
 
-std::vector<ColorChange> Changes11() {
+std::vector<ColorChange> EveryChange() {
   AdjustColors bright, dark, contrast, shifted, sharper, softer, all;
   bright.brightness = 30;
   dark.brightness = -45;
@@ -121,7 +121,10 @@ std::vector<ColorChange> Changes11() {
           SetBits{15},
           SetBits{16},
           SetBits{24},
-          SetBits{32}};
+          SetBits{32},
+          UsePalette{GrayPalette(256)},
+          UsePalette{DefaultPalette(pf4bit)},
+          UsePalette{DefaultPalette(pf8bit)}};
 }
 
 /// Kinds beside those of every stage: marks that contradict each other, and palettes that are not
@@ -200,7 +203,7 @@ TEST(ChangeInBands, EveryDivision_Should_GiveThePlainResult) {
   std::mt19937 random(seed);
   std::vector<PictureKind> kinds = test::RasterKinds();
   for (PictureKind& kind : MoreKinds()) kinds.push_back(std::move(kind));
-  const std::vector<ColorChange> changes = Changes11();
+  const std::vector<ColorChange> changes = EveryChange();
   for (const PictureKind& kind : kinds) {
     for (size_t i = 0; i < changes.size(); ++i) {
       const int width = 1 + static_cast<int>(random() % 40);

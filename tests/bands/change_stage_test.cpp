@@ -480,6 +480,7 @@ TEST(ChangeStageTest, RefusesNumbersThatAChangeDoesNotHave) {
   change.blue = 101;
   EXPECT_THROW(ChangeStage(sides, change), RangeError);
   EXPECT_THROW(ChangeStage(sides, SetBits{2}), RangeError);
+  EXPECT_THROW(ChangeStage(sides, UsePalette{}), RangeError);
 }
 
 TEST(ChangeStageTest, RefusesSamples) {

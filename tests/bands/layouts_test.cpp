@@ -94,6 +94,26 @@ TEST(LayoutsTest, ChangesAreForetold) {
   }
 }
 
+TEST(LayoutsTest, ANewPaletteIsForetold) {
+  std::mt19937 random(2);
+  for (const auto& kind : test::RasterKinds()) {
+    for (const HPALETTE& palette : {DefaultPalette(pf8bit), DefaultPalette(pf4bit)}) {
+      SCOPED_TRACE(kind.name);
+      const Pixels source = WithProfile(kind.make(6, 5, random));
+      const UsePalette change{palette};
+      const PixelLayout made = LayoutOf(MadeBy(*ChangeStage({6, 5}, change), source));
+      const PixelLayout foretold = LayoutAfter(change, LayoutOf(source));
+      ExpectForetold(foretold, made);
+      EXPECT_EQ(foretold.palette, palette);
+      EXPECT_EQ(made.palette, palette);
+    }
+    const Pixels source = kind.make(6, 5, random);
+    const UsePalette grays{GrayPalette(256)};
+    ExpectForetold(LayoutAfter(grays, LayoutOf(source)),
+                   LayoutOf(MadeBy(*ChangeStage({6, 5}, grays), source)));
+  }
+}
+
 std::vector<LossKind> LossesOf(const ColorChange& change, const PixelLayout& layout) {
   Changes changes;
   LayoutAfter(change, layout, &changes);
@@ -110,6 +130,7 @@ TEST(LayoutsTest, DroppedTransparencyAndProfilesAreLosses) {
   using Kinds = std::vector<LossKind>;
   EXPECT_EQ(LossesOf(MakeMono{}, layout), (Kinds{LossKind::alpha, LossKind::profile}));
   EXPECT_EQ(LossesOf(SetBits{24}, layout), Kinds{LossKind::alpha});
+  EXPECT_EQ(LossesOf(UsePalette{DefaultPalette(pf8bit)}, layout), Kinds{LossKind::alpha});
   EXPECT_EQ(LossesOf(SetBits{32}, layout), Kinds{});
   EXPECT_EQ(LossesOf(PaintTransparency{}, layout), Kinds{});
   EXPECT_EQ(LossesOf(MakeGray{}, layout), Kinds{});

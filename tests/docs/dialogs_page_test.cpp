@@ -1,6 +1,8 @@
 // docs/dialogs.md explains every control of the forms whose layout it names, and every exported
 // routine of their rooms.
 
+#include <utility>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -47,6 +49,32 @@ TEST(DocsDialogs, Entries_Should_AllBeNamed) {
     }
   }
   EXPECT_GE(checked, 5u);
+}
+
+/// The fields of a struct in a header that have a value there.
+std::vector<std::string> FieldsOf(const std::string& header, const std::string& name) {
+  const std::string text = ReadDocument(header);
+  const size_t begin = text.find("struct " + name + " {");
+  if (begin == std::string::npos) return {};
+  const std::string body = text.substr(begin, text.find("\n};", begin) - begin);
+  return FindAll(body, "[ *]([a-z][A-Za-z]*)(?: = |\\{)");
+}
+
+TEST(DocsDialogs, RulesOfBothSets_Should_StandSideBySide) {
+  const std::string page = ReadDocument("docs/dialogs.md");
+  const std::pair<const char*, const char*> kRules[] = {
+      {"rasterkit/dialogs/bitmapframe/crop_rules.h", "CropRules"},
+      {"rasterkit/dialogs/execbitmap/value_rules.h", "ValueRules"},
+      {"rasterkit/dialogs/editchangesize/size_rules.h", "SizeRules"}};
+  for (const auto& [header, name] : kRules) {
+    SCOPED_TRACE(name);
+    const size_t begin = page.find("| `" + std::string(name) + "` |");
+    ASSERT_NE(begin, std::string::npos);
+    const std::string table = page.substr(begin, page.find("\n\n", begin) - begin);
+    const std::vector<std::string> fields = FieldsOf(header, name);
+    EXPECT_GE(fields.size(), 5u);
+    for (const std::string& field : fields) EXPECT_THAT(table, HasSubstr("`" + field + "`"));
+  }
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,15 +16,12 @@ class QtHostExample : public DialogTest {
 
   /// Opens in.png, does what the script says, and quits; returns the picture saved as out.png.
   Raster Saved(const std::string& script) const {
-    const ToolResult result = Run({folder_ / "in.png"}, script + SaveAndQuit());
+    const ToolResult result =
+        Run({folder_ / "in.png"},
+            script + "action Save | type EditName out.png; click SaveButton | quit");
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.err, "");
     return HasOutput() ? LoadFile(folder_ / "out.png") : Raster();
-  }
-
-  std::string SaveAndQuit() const {
-    return "action Save | type fileNameEdit " + (folder_ / "out.png") +
-           "; key Return | key Return | quit";
   }
 };
 
@@ -30,30 +29,42 @@ TEST_F(QtHostExample, Picture_Should_ComeBackAsItWas_When_NothingIsChanged) {
   EXPECT_TRUE(SameColors(GradientRaster(pf24bit, 60, 40), Saved("")));
 }
 
-TEST_F(QtHostExample, Dialogs_Should_ChangeThePicture) {
+TEST_F(QtHostExample, Windows_Should_ChangeThePicture) {
   const Raster changed = Saved(
-      "action Size | type FlEdW 30; click ButtonOK |"
-      "action Crop | type SpEdLeft 5; type SpEdTop 3; type SpEdWidth 17; type SpEdHeight 11; "
+      "action Size | type FlEdWidth 30; click ButtonOK |"
+      "action Crop | type FieldLeft 5; type FieldTop 3; type FieldWidth 17; type FieldHeight 11; "
       "click nbPost |"
-      "action Values | click nbRefresh; type SpEdRed -100; click nbPost |");
+      "action Values | type SpEdRed -100; click nbPost |");
   ASSERT_EQ(changed.Width(), 17);
   ASSERT_EQ(changed.Height(), 11);
   for (int x = 0; x < 17; ++x) EXPECT_EQ(changed.PixelColor(x, 4) & 0xFF, 0) << "no red";
 }
 
-TEST_F(QtHostExample, CanceledDialogs_Should_LeaveThePicture) {
-  EXPECT_TRUE(SameColors(GradientRaster(pf24bit, 60, 40),
-                         Saved("action Size | type FlEdW 7; key Escape |"
-                               "action Crop | type SpEdLeft 9; click nbCancel |"
-                               "action Values | click nbCancel |")));
+TEST_F(QtHostExample, Undo_Should_TakeTheLastStepBack) {
+  const Raster changed = Saved(
+      "action Size | type FlEdWidth 30; click ButtonOK |"
+      "action Black and white | click nbPost | action Undo |");
+  EXPECT_EQ(changed.Width(), 30);
+  EXPECT_EQ(changed.Format(), pf24bit);
 }
 
-TEST_F(QtHostExample, OtherPicture_Should_BeLaidOver) {
-  SavePngFile(folder_ / "other.png", GradientRaster(pf24bit, 20, 13));
-  const Raster mixed =
-      Saved("action Lay over | type fileNameEdit " + (folder_ / "other.png") + "; key Return |");
-  EXPECT_EQ(mixed.Width(), 60);
-  EXPECT_FALSE(SameColors(GradientRaster(pf24bit, 60, 40), mixed));
+TEST_F(QtHostExample, CanceledWindows_Should_LeaveThePicture) {
+  EXPECT_TRUE(SameColors(GradientRaster(pf24bit, 60, 40),
+                         Saved("action Size | type FlEdWidth 7; key Escape |"
+                               "action Crop | type FieldLeft 9; click nbCancel |"
+                               "action Values | click nbCancel |"
+                               "action Edit | click nbCancel |")));
+}
+
+TEST_F(QtHostExample, Editor_Should_WriteByItself) {
+  const std::vector<uint8_t> before = ReadBytes(folder_ / "in.png");
+  const ToolResult result =
+      Run({folder_ / "in.png"},
+          "action Edit | click ToolTurnLeft; click nbPost | click ButtonYes | quit");
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_NE(ReadBytes(folder_ / "in.png"), before);
+  EXPECT_EQ(LoadFile(folder_ / "in.png").Width(), 40);
 }
 
 TEST_F(QtHostExample, FileThatIsNoPicture_Should_BeSaid) {

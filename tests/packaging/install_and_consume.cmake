@@ -71,6 +71,10 @@ run(${tool} pages ${samples}/orientation-6.jpg ${samples}/plan-colored.bmp pages
 run(${consumer}/build/document_pages pages.tif turned-pages.tif)
 expect_info(turned-pages.tif "tiff, 200 x 150 pixels")
 run(${consumer}/build/edit_metadata whole.jpg)
+file(WRITE ${consumer}/half.json [[{"schema": 1, "steps": [
+  {"step": "turn", "revision": 1, "quarters": 1},
+  {"step": "resize", "revision": 1, "unit": "percent", "width": 50}]}]])
+run(${consumer}/build/replay_recipe ${consumer}/half.json whole.jpg half.jpg)
 run(${tool} crop ${samples}/plan-colored.bmp cropped-by-tool.png --rect 50,37,100,75)
 expect(0 ${tool} compare cropped.png cropped-by-tool.png)
 run(${consumer}/build/gray_and_mono ${samples}/plan-colored.bmp gray.png mono.tif)

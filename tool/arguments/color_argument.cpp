@@ -4,6 +4,8 @@
 #include <charconv>
 #include <vector>
 
+#include <fmt/format.h>
+
 #include <rasterkit/runtime/text.h>
 
 #include "tool/arguments/near_word.h"
@@ -70,6 +72,12 @@ std::string CheckColor(const std::string& text) {
 
 TColor ColorOf(const std::string& text) {
   return ParseColor(text).value();
+}
+
+std::string DigitsOf(TColor color) {
+  constexpr int kByte = 0xFF;
+  const int red = color & kByte, green = (color >> 8) & kByte, blue = (color >> 16) & kByte;
+  return fmt::format("{:02X}{:02X}{:02X}", red, green, blue);
 }
 
 std::string ColorNames() {

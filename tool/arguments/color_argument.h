@@ -17,6 +17,9 @@ std::string CheckColor(const std::string& text);
 /// The color of a text that CheckColor accepts.
 TColor ColorOf(const std::string& text);
 
+/// The digits RRGGBB of a color.
+std::string DigitsOf(TColor color);
+
 /// "black, gray, ...": the names, for the help.
 std::string ColorNames();
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <vector>
 
 #include "tool/arguments/numbers.h"
@@ -30,32 +29,9 @@ std::optional<double> ParsePixels(const std::string& text) {
   return ok ? std::optional<double>(number) : std::nullopt;
 }
 
-struct Range {
-  int first = 0, count = 0;
-};
-
-/// Edges at percentages of a side, moved to pixel corners.
-Range RangeOf(double from, double part, int side) {
-  const auto corner = [side](double percent) { return std::nearbyint(percent * side / 100); };
-  const double begin = corner(from), end = corner(from + part);
-  if (end > begin) return {static_cast<int>(begin), static_cast<int>(end - begin)};
-  // Less than a pixel: the one that holds the middle.
-  const double middle = std::floor((from + part / 2) * side / 100);
-  return {static_cast<int>(std::clamp<double>(middle, 0, std::max(side - 1, 0))), 1};
-}
-
 }  // namespace
 
-CropStep RectArgument::For(int pictureWidth, int pictureHeight) const {
-  if (!isPercent) {
-    return {static_cast<int>(left), static_cast<int>(top), static_cast<int>(width),
-            static_cast<int>(height)};
-  }
-  const Range x = RangeOf(left, width, pictureWidth), y = RangeOf(top, height, pictureHeight);
-  return {x.first, y.first, x.count, y.count};
-}
-
-std::optional<RectArgument> ParseRect(const std::string& text) {
+std::optional<RecipeCrop> ParseRect(const std::string& text) {
   const std::vector<std::string> parts = PartsOf(text);
   if (parts.size() != kNumbers) return std::nullopt;
   const bool isPercent = parts[0].ends_with('%');
@@ -67,7 +43,8 @@ std::optional<RectArgument> ParseRect(const std::string& text) {
     numbers[i] = *number;
   }
   if (!(numbers[2] > 0) || !(numbers[3] > 0)) return std::nullopt;
-  return RectArgument{numbers[0], numbers[1], numbers[2], numbers[3], isPercent};
+  return RecipeCrop{isPercent ? LengthUnit::percent : LengthUnit::pixels, numbers[0], numbers[1],
+                    numbers[0] + numbers[2], numbers[1] + numbers[3]};
 }
 
 std::string CheckRect(const std::string& text) {
@@ -77,12 +54,12 @@ std::string CheckRect(const std::string& text) {
                                text + "'";
 }
 
-std::optional<MapRect> ParseMapRect(const std::string& text) {
+std::optional<RecipeCrop> ParseMapRect(const std::string& text) {
   const auto numbers = ParseNumbers(text);
   if (!numbers || numbers->size() != kNumbers) return std::nullopt;
   const std::vector<double>& n = *numbers;
   if (!(n[0] < n[2]) || !(n[1] < n[3])) return std::nullopt;
-  return MapRect{n[0], n[1], n[2], n[3]};
+  return RecipeCrop{LengthUnit::map, n[0], n[3], n[2], n[1]};
 }
 
 std::string CheckMapRect(const std::string& text) {

@@ -1,5 +1,7 @@
 #include "tool/command/desktop.h"
 
+#include <utility>
+
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/dynamic_library.h>
 #include <rasterkit/runtime/ports.h>
@@ -23,18 +25,22 @@ const DesktopDialogs& LoadDialogs() try {
   throw Failure(exitOutputNotWritten, error.what());
 }
 
-/// Runs a dialog. The dialog stores its error in the argument.
-template <typename Dialog>
-void Confirm(const std::string& input, Dialog dialog) {
+/// Runs a dialog, which stores its answer in the first argument and its error in the second.
+template <class Answer, class Dialog>
+Answer Asked(const std::string& input, const Dialog& dialog) {
+  std::optional<Answer> answer;
   std::string error;
-  DesktopAnswer answer;
+  DesktopAnswer end;
   {
     const InterruptibleWait wait;
-    answer = dialog(error);
+    end = dialog(answer, error);
   }
   StopIfInterrupted();
-  if (answer == DesktopAnswer::failed) throw Failure(exitOutputNotWritten, input + ": " + error);
-  if (answer == DesktopAnswer::canceled) throw Failure(exitAnswerIsNo, input + ": canceled");
+  if (end == DesktopAnswer::failed) throw Failure(exitOutputNotWritten, input + ": " + error);
+  if (end == DesktopAnswer::canceled || !answer) {
+    throw Failure(exitAnswerIsNo, input + ": canceled");
+  }
+  return *std::move(answer);
 }
 
 }  // namespace
@@ -51,47 +57,52 @@ Desktop::~Desktop() {
   dialogs_.end();
 }
 
-void Desktop::Adjust(TBitmap& bitmap, TChgBmpValuesRec& values, const std::string& input) const {
-  Confirm(input, [&](std::string& error) { return dialogs_.adjustBitmap(bitmap, values, error); });
-}
-
-void Desktop::EditSize(int32_t& width, int32_t& height, const std::string& input) const {
-  Confirm(input, [&](std::string& error) { return dialogs_.editSize(width, height, error); });
-}
-
-void Desktop::ChooseCropRect(TBitmap& bitmap, TRect& rect,
-                             const std::function<bool(const TRect& part)>& isLossless,
-                             const std::string& input) const {
-  Confirm(input, [&](std::string& error) {
-    return dialogs_.chooseCropRect(bitmap, rect, isLossless, error);
+RecipeCrop Desktop::ChooseCrop(TBitmap& pixels, const Picture& picture,
+                               const ChooseCropOptions& options, const std::string& input) const {
+  return Asked<RecipeCrop>(input, [&](auto& answer, std::string& error) {
+    return dialogs_.chooseCrop(pixels, picture, options, answer, error);
   });
 }
 
-void Desktop::OpenFile(std::string& fileName) const {
-  Confirm("edit", [&](std::string& error) { return dialogs_.openFile(fileName, error); });
-}
-
-void Desktop::EditGraphic(const std::string& dir, std::string& fileName,
-                          std::unique_ptr<TGraphic>& graphic) const {
-  Confirm(dir + fileName,
-          [&](std::string& error) { return dialogs_.editGraphic(dir, fileName, graphic, error); });
-}
-
-void Desktop::SaveBitmap(const std::string& dir, TrecSaveBitmap& rec, std::string& fileName) const {
-  Confirm(dir + fileName,
-          [&](std::string& error) { return dialogs_.saveBitmap(dir, rec, fileName, error); });
-}
-
-void Desktop::SaveBitmapPixels(const std::string& dir, TrecSaveBitmap& rec, int32_t& width,
-                               int32_t& height, std::string& fileName) const {
-  Confirm(dir + fileName, [&](std::string& error) {
-    return dialogs_.saveBitmapPixels(dir, rec, width, height, fileName, error);
+AdjustColors Desktop::ChooseValues(const TBitmap& pixels, const AdjustColors& start,
+                                   const std::string& input) const {
+  return Asked<AdjustColors>(input, [&](auto& answer, std::string& error) {
+    return dialogs_.chooseValues(pixels, start, answer, error);
   });
 }
 
-void Desktop::ConvertPdfPage(const std::string& pdfFile, std::string& pictureFile) const {
-  Confirm(pdfFile,
-          [&](std::string& error) { return dialogs_.convertPdfPage(pdfFile, pictureFile, error); });
+MakeMono Desktop::ChooseThreshold(const TBitmap& pixels, const MakeMono& start,
+                                  const std::string& input) const {
+  return Asked<MakeMono>(input, [&](auto& answer, std::string& error) {
+    return dialogs_.chooseThreshold(pixels, start, answer, error);
+  });
+}
+
+RecipeResize Desktop::ChooseSize(const Picture& picture, const RecipeResize& start,
+                                 const std::string& input) const {
+  return Asked<RecipeResize>(input, [&](auto& answer, std::string& error) {
+    return dialogs_.chooseSize(picture, start, answer, error);
+  });
+}
+
+SavingChoice Desktop::ChooseSaving(const Picture& picture, const SavingStart& start,
+                                   const std::string& input) const {
+  return Asked<SavingChoice>(input, [&](auto& answer, std::string& error) {
+    return dialogs_.chooseSaving(picture, start, answer, error);
+  });
+}
+
+std::string Desktop::ChooseFile() const {
+  return Asked<std::string>("edit", [&](auto& answer, std::string& error) {
+    return dialogs_.chooseFile("", true, answer, error);
+  });
+}
+
+EditedPicture Desktop::EditPicture(const std::string& file,
+                                   const EditPictureOptions& options) const {
+  return Asked<EditedPicture>(file, [&](auto& answer, std::string& error) {
+    return dialogs_.editPicture(file, options, answer, error);
+  });
 }
 
 // The dialogs have connected the library's message box port.

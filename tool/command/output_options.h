@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,8 @@
 #include <rasterkit/raster/number_stretch.h>
 
 namespace rasterkit::tool {
+
+class Recorder;
 
 /// How an output gets its name.
 struct SaveRules {
@@ -60,6 +63,8 @@ struct OutputOptions {
   bool takesStreams = false;
   /// Outputs may be metafiles too.
   bool takesMetafiles = false;
+  /// The file of --record; empty without it.
+  std::string record;
 
   SaveRules Saving() const { return {overwrite || inPlace, !noSync, inPlace && !noBackup}; }
 };
@@ -72,8 +77,10 @@ struct PictureOptions {
   bool onlyThisPage = false;
   /// Degrees, positive counter-clockwise.
   double angle = 0;
-  /// A color, or "auto"; see ColorOf.
-  std::string background = "FFFFFF";
+  /// A color, or "auto"; see ColorOf. Empty for white.
+  std::string background;
+  /// Another color than the usual one was given.
+  bool HasBackground() const { return !background.empty() && background != "FFFFFF"; }
   /// A color or a word; empty for the color of `background`.
   std::string fill;
   /// "nearest", "linear" or "area"; empty chooses by the picture.
@@ -86,8 +93,9 @@ struct PictureOptions {
   std::optional<int> quality;
   /// Sampling of the chroma of a JPEG file; 0 keeps that of a JPEG input.
   int chromaX = 0, chromaY = 0;
-  /// Whether a JPEG file is turned and cropped without being compressed again.
-  Lossless lossless = Lossless::exact;
+  /// Whether a JPEG file is turned and cropped without being compressed again. Nothing: where that
+  /// is exact.
+  std::optional<Lossless> lossless;
   /// Packing of PNG files, 0 to 12. Nothing chooses by the kind of pixels.
   std::optional<int> pngLevel;
   /// For TIFF files. Nothing keeps that of a TIFF input.
@@ -120,6 +128,8 @@ struct PictureOptions {
   MetafileDrawing metafile;
   /// The picture is the only one: a progress bar may be shown.
   bool showsProgress = false;
+  /// Takes the steps of each picture, for --record; null without it.
+  std::shared_ptr<Recorder> recorder;
 };
 
 }  // namespace rasterkit::tool

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <rasterkit/pictures/reading/picture_size.h>
+#include <rasterkit/pictures/recipes/recipe_words.h>
 #include <rasterkit/runtime/files/file_name.h>
 
 #include "tool/arguments/color_argument.h"
@@ -21,12 +22,20 @@ namespace {
 constexpr const char* kFiles = "Files and results";
 constexpr const char* kPicture = "Output picture";
 
-struct Sampling {
-  const char* name;
-  int x, y;
-};
-constexpr Sampling kSamplings[] = {
-    {"4:4:4", 1, 1}, {"4:2:2", 2, 1}, {"4:2:0", 2, 2}, {"4:4:0", 1, 2}, {"4:1:1", 4, 1}};
+/// An option whose words are those of recipes.
+template <class Value, size_t count, class Take>
+Option AddWord(Verb& verb, const char* name, const char* value,
+               const detail::Word<Value> (&words)[count], const Take& take,
+               const std::string& help) {
+  std::vector<std::string> choices;
+  for (const auto& word : words) choices.emplace_back(word.name);
+  const auto takeWord = [&words, take](const std::string& text) {
+    for (const auto& word : words) {
+      if (text == word.name) take(word.value);
+    }
+  };
+  return verb.Parsed(name, value, takeWord, CheckChoice(choices), help);
+}
 
 constexpr std::pair<const char*, PositionFrom> kPositions[] = {
     {"auto", PositionFrom::automatic},
@@ -197,35 +206,22 @@ void AddPngLevel(Verb& verb, PictureOptions& options) {
 }
 
 void AddSampling(Verb& verb, PictureOptions& options) {
-  const auto take = [&options](const std::string& text) {
-    for (const Sampling& sampling : kSamplings) {
-      if (text != sampling.name) continue;
-      options.chromaX = sampling.x;
-      options.chromaY = sampling.y;
-    }
+  const auto take = [&options](detail::Sampling sampling) {
+    options.chromaX = sampling.x;
+    options.chromaY = sampling.y;
   };
-  std::vector<std::string> choices;
-  for (const Sampling& sampling : kSamplings) choices.emplace_back(sampling.name);
-  verb.Parsed("--sampling", "S", take, CheckChoice(choices),
-              "sampling of JPEG colors: 4:4:4 (full), 4:2:2, 4:2:0, 4:4:0 or 4:1:1 [that of a JPEG "
-              "input, else 4:2:0, and 4:4:4 above quality 90]")
+  AddWord(verb, "--sampling", "S", detail::kSamplingWords, take,
+          "sampling of JPEG colors: 4:4:4 (full), 4:2:2, 4:2:0, 4:4:0 or 4:1:1 [that of a JPEG "
+          "input, else 4:2:0, and 4:4:4 above quality 90]")
       .In(kPicture);
 }
 
 void AddLossless(Verb& verb, PictureOptions& options) {
-  static const std::vector<std::pair<std::string, Lossless>> kNames = {
-      {"exact", Lossless::exact}, {"trim", Lossless::trim}, {"off", Lossless::off}};
-  std::vector<std::string> choices;
-  for (const auto& [name, lossless] : kNames) choices.push_back(name);
-  const auto take = [&options](const std::string& text) {
-    for (const auto& [name, lossless] : kNames) {
-      if (name == text) options.lossless = lossless;
-    }
-  };
-  verb.Parsed("--lossless", "HOW", take, CheckChoice(choices),
-              "JPEG files are turned, mirrored and cropped without compressing them again: exact "
-              "(where no pixel has to be dropped for it), trim (always; up to a block of pixels is "
-              "dropped at the left or top edge) or off (never) [exact]")
+  const auto take = [&options](Lossless lossless) { options.lossless = lossless; };
+  AddWord(verb, "--lossless", "HOW", detail::kLosslessWords, take,
+          "JPEG files are turned, mirrored and cropped without compressing them again: exact "
+          "(where no pixel has to be dropped for it), trim (always; up to a block of pixels is "
+          "dropped at the left or top edge) or off (never) [exact]")
       .In(kPicture);
 }
 
@@ -265,21 +261,10 @@ void AddStrip(Verb& verb, PictureOptions& options) {
 }
 
 void AddCompression(Verb& verb, PictureOptions& options) {
-  static const std::vector<std::pair<std::string, TiffCompression>> kNames = {
-      {"standard", TiffCompression::standard}, {"none", TiffCompression::none},
-      {"lzw", TiffCompression::lzw},           {"deflate", TiffCompression::deflate},
-      {"packbits", TiffCompression::packBits}, {"g4", TiffCompression::group4}};
-  std::vector<std::string> choices;
-  choices.reserve(kNames.size());
-  for (const auto& [name, compression] : kNames) choices.push_back(name);
-  const auto take = [&options](const std::string& text) {
-    for (const auto& [name, compression] : kNames) {
-      if (name == text) options.compression = compression;
-    }
-  };
-  verb.Parsed("--compression", "NAME", take, CheckChoice(choices),
-              "compression of TIFF files: none, lzw, deflate, packbits or g4 (1-bit only) "
-              "[that of a TIFF input, else lzw, or g4 for 1-bit pictures]")
+  const auto take = [&options](TiffCompression compression) { options.compression = compression; };
+  AddWord(verb, "--compression", "NAME", detail::kCompressionWords, take,
+          "compression of TIFF files: none, lzw, deflate, packbits or g4 (1-bit only) "
+          "[that of a TIFF input, else lzw, or g4 for 1-bit pictures]")
       .In(kPicture);
 }
 

@@ -27,6 +27,8 @@
 #include "tool/pictures/change_pages.h"
 #include "tool/pictures/metafile_output.h"
 #include "tool/pictures/position_warnings.h"
+#include "tool/pictures/recipe_options.h"
+#include "tool/pictures/recorder.h"
 #include "tool/reports/geo_text.h"
 #include "tool/reports/loss_report.h"
 
@@ -96,17 +98,22 @@ bool IsOfInput(const Error& error, const Job& job) {
 /// The step that every verb has first: it changes no pixel by itself.
 void AddFirstSteps(PictureWork& work) {
   const NumberStretch& stretch = work.options.stretch;
-  if (stretch.kind != NumberStretch::Kind::automatic) work.picture.Stretch(stretch);
+  const bool isGiven = stretch.kind != NumberStretch::Kind::automatic;
+  if (isGiven) work.Add(StretchStep{stretch});
 }
 
 /// The steps that every verb has last.
 void AddLastSteps(PictureWork& work) {
-  if (!work.options.edit.IsEmpty()) work.picture.Edit(work.options.edit);
-  const int bits = work.options.bits;
-  if (bits == 0) return;
+  const PictureOptions& options = work.options;
+  RecipeSave& save = work.recipe.save = RecipeSaveOf(options);
+  if (save.metadata == RecipeSave::Keep::all && !options.edit.IsEmpty()) {
+    work.Add(EditStep{options.edit});
+  }
   constexpr int kWithAlpha = 32;
-  if (bits != kWithAlpha) work.PaintTransparent("pixels of this depth have no opacity");
-  work.picture.Change(SetBits{bits});
+  if (options.bits != 0 && options.bits != kWithAlpha) {
+    work.NotePaintedTransparency("pixels of this depth have no opacity");
+  }
+  ApplySaving(work.picture, save);
 }
 
 bool IsDrawn(const Picture& picture) {
@@ -287,6 +294,7 @@ void ChangeOne(PictureWork& work, const PictureChange& change) {
   AddFirstSteps(work);
   if (change) change(work);
   AddLastSteps(work);
+  if (work.options.recorder) work.options.recorder->Take(work);
   if (!StripsPosition(work.options)) return;
   for (std::string& text : WarningsOfMetadata(work.picture.GetMetadata())) {
     work.warnings.push_back(std::move(text));
@@ -336,7 +344,7 @@ SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options) {
   save.quality = options.quality;
   save.chromaX = options.chromaX;
   save.chromaY = options.chromaY;
-  save.lossless = options.lossless;
+  save.lossless = options.lossless.value_or(Lossless::exact);
   save.compression = options.compression;
   save.pngLevel = options.pngLevel;
   save.background = SolidBackground(options);
@@ -349,6 +357,16 @@ SaveOptions SaveOptionsOf(const Job& job, const PictureOptions& options) {
   return save;
 }
 
+void PictureWork::Add(const RecipeStep& step, const RecipeSlots& slots) {
+  ApplyRecipeStep(picture, step, slots);
+  recipe.steps.push_back(step);
+}
+
+std::optional<NumberStretch> PictureWork::StretchOfSecond() const {
+  const bool isGiven = options.stretch.kind != NumberStretch::Kind::automatic;
+  return isGiven ? std::optional(options.stretch) : std::nullopt;
+}
+
 TColor PictureWork::Background() const {
   return SolidBackground(options);
 }
@@ -356,15 +374,20 @@ TColor PictureWork::Background() const {
 RotateOptions PictureWork::Corners() const {
   const std::string& text = options.fill.empty() ? options.background : options.fill;
   Fill fill = ParseFill(text).value_or(Fill());
-  const bool isChosen = !options.fill.empty() || options.background != PictureOptions().background;
+  const bool isChosen = !options.fill.empty() || options.HasBackground();
   if (!isChosen) fill.kind = Fill::Kind::usual;
   return {fill, FilterOf(options.filter)};
 }
 
 void PictureWork::PaintTransparent(const std::string& reason) {
+  NotePaintedTransparency(reason);
+  // Also where nothing is to paint: the recipe fits other pictures, too.
+  Add(ChangeStep{PaintTransparency{Background()}});
+}
+
+void PictureWork::NotePaintedTransparency(const std::string& reason) {
   const AlphaKind alpha = picture.Layout().alpha;
   if (alpha == AlphaKind::none) return;
-  picture.Change(PaintTransparency{Background()});
   const bool isColor = alpha == AlphaKind::transparentColor;
   losses.push_back({isColor ? LossKind::transparentColor : LossKind::alpha,
                     isColor ? "the transparent color" : "the alpha channel",

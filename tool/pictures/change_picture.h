@@ -2,12 +2,15 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <rasterkit/pictures/document/document.h>
 #include <rasterkit/pictures/picture.h>
+#include <rasterkit/pictures/recipes/apply_recipe.h>
+#include <rasterkit/pictures/recipes/recipe.h>
 
 #include "tool/command/batch.h"
 #include "tool/command/output_options.h"
@@ -28,13 +31,22 @@ struct PictureWork {
   std::vector<LossKind> leftOut = {};
   /// See JobResult.
   std::vector<std::string> notCarriedOver = {};
+  /// What was added so far, and how the picture is written.
+  Recipe recipe = {};
 
+  /// Adds a step to the picture, as a recipe does. Throws RangeError.
+  void Add(const RecipeStep& step, const RecipeSlots& slots = {});
+
+  /// How numbers of a second picture are shown: what --stretch says, if it was given.
+  std::optional<NumberStretch> StretchOfSecond() const;
   /// The color of --background, and what --fill and --filter say.
   TColor Background() const;
   RotateOptions Corners() const;
   /// Paints transparent parts with the color of --background, because of what the picture becomes,
-  /// and counts that as a loss.
+  /// and counts that as a loss. A picture without such parts stays as it is.
   void PaintTransparent(const std::string& reason);
+  /// Counts as a loss that transparent parts are painted, if there are any.
+  void NotePaintedTransparency(const std::string& reason);
   void LeavesOut(std::vector<LossKind> kinds) { leftOut = std::move(kinds); }
   /// What saving this picture in place of the work's own would give. Throws Error.
   Report Plan(const Picture& changed) const;

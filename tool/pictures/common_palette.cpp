@@ -4,7 +4,6 @@
 #include <unordered_set>
 
 #include <rasterkit/bands/colors/opacity_plane.h>
-#include <rasterkit/graphics/canvas.h>
 
 #include "tool/command/interruption.h"
 #include "tool/pictures/change_picture.h"
@@ -91,13 +90,11 @@ CommonPalette ChooseCommonPalette(const std::vector<std::string>& files) {
   return {PaletteOf(samples), false};
 }
 
-std::unique_ptr<TBitmap> WithPalette(const TBitmap& bitmap, const HPALETTE& palette) {
-  auto result = std::make_unique<TBitmap>();
-  result->ResetPixels(pf8bit, bitmap.Width(), bitmap.Height());
-  result->SetPalette(palette);
-  result->Canvas().StretchMode = smPlain;
-  result->Canvas().CopyStretched({0, 0, bitmap.Width(), bitmap.Height()}, bitmap);
-  return result;
+Picture PictureWith(const HPALETTE& palette) {
+  auto pixel = std::make_unique<TBitmap>();
+  pixel->ResetPixels(pf8bit, 1, 1);
+  pixel->SetPalette(palette);
+  return Picture::Of(std::move(pixel));
 }
 
 }  // namespace rasterkit::tool

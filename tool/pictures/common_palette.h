@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <rasterkit/graphics/bitmap.h>
+#include <rasterkit/pictures/picture.h>
 
 namespace rasterkit::tool {
 
@@ -18,7 +18,7 @@ struct CommonPalette {
 /// Reads the pictures and chooses a palette for all of them together. Throws Failure.
 CommonPalette ChooseCommonPalette(const std::vector<std::string>& files);
 
-/// The picture with 8 bits per pixel: each pixel gets the entry that is nearest to its color.
-std::unique_ptr<TBitmap> WithPalette(const TBitmap& bitmap, const HPALETTE& palette);
+/// A picture of one pixel with this palette.
+Picture PictureWith(const HPALETTE& palette);
 
 }  // namespace rasterkit::tool

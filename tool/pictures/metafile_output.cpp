@@ -47,7 +47,7 @@ ConvertedMetafile Load(const std::string& file, bool toEnhanced) {
 
 bool IsForPixels(const PictureOptions& options) {
   return options.metafile.IsAsked() || options.bits != 0 ||
-         options.background != PictureOptions().background;
+         options.HasBackground();
 }
 
 }  // namespace

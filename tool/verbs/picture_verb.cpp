@@ -8,8 +8,20 @@
 #include "tool/command/isolation_option.h"
 #include "tool/command/shared_options.h"
 #include "tool/pages/page_jobs.h"
+#include "tool/pictures/recorder.h"
 
 namespace rasterkit::tool {
+namespace {
+
+void RequireOneRecipe(const std::vector<const bool*>& individual) {
+  for (const bool* const isSet : individual) {
+    if (!*isSet) continue;
+    throw Failure(exitWrongUsage,
+                  "--record takes one picture here: each picture gets steps of its own");
+  }
+}
+
+}  // namespace
 
 PictureVerb::PictureVerb(CommandLine& line, const VerbHelp& help) : Verb(line.AddVerb(help)) {}
 
@@ -29,6 +41,7 @@ void PictureVerb::Percent(int& percent) {
 void PictureVerb::Dialog(bool& isWanted, const std::string& description) {
   Flag("--dialog", isWanted, description);
   asksUser_ = &isWanted;
+  DiffersByPicture(isWanted);
 }
 
 void PictureVerb::MakesPreviews() {
@@ -45,7 +58,16 @@ VerbRunner PictureVerb::Changing(PictureChange change) {
 void PictureVerb::AddSharedOptions() {
   output_->isForPictures = true;
   output_->takesStreams = true;
-  AddOutputOptions(*this, *output_, answer_ ? "IN [OUT]" : "IN OUT");
+  if (filesName_.empty()) {
+    AddOutputOptions(*this, *output_, answer_ ? "IN [OUT]" : "IN OUT");
+  } else {
+    AddOutputOptions(*this, *output_, filesName_, filesDescription_);
+  }
+  if (makesPreviews_) {
+    RefuseRecord(*this, "how a thumbnail is made depends on each picture; 'resize' has a recipe");
+  } else {
+    AddRecord(*this, output_->record);
+  }
   AddIsolate(*this);
   AddPages(*this, *picture_);
   AddFormat(*this, *output_);
@@ -61,7 +83,7 @@ void PictureVerb::AddSharedOptions() {
   AddPngLevel(*this, *picture_);
   AddLossless(*this, *picture_);
   AddCompression(*this, *picture_);
-  if (output_->takesMetafiles) AddMetafileSize(*this, *picture_);
+  if (drawsMetafiles_) AddMetafileSize(*this, *picture_);
   if (!makesPreviews_) {
     AddPosition(*this, *picture_);
     AddStrip(*this, *picture_);
@@ -73,8 +95,9 @@ void PictureVerb::AddSharedOptions() {
 VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
   AddSharedOptions();
   return [output = output_, picture = picture_, answer = answer_, asksUser = asksUser_,
-          answerForFiles = answerForFiles_, asksAboutFiles = asksAboutFiles_,
-          prepare = std::move(prepare)] {
+          answerForFiles = answerForFiles_, asksAboutFiles = asksAboutFiles_, begin = begin_,
+          individual = individual_, prepare = std::move(prepare)] {
+    if (begin) begin(*output, *picture);
     if (asksUser != nullptr && *asksUser && output->jobs > 1) {
       throw Failure(exitWrongUsage,
                     "--dialog shows one picture at a time and cannot be used with --jobs");
@@ -82,14 +105,20 @@ VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
     const bool isQuestion = output->files.size() == 1 && output->outDir.empty() && !output->inPlace;
     const bool isAboutFiles =
         asksAboutFiles != nullptr && *asksAboutFiles && output->outDir.empty() && !output->inPlace;
-    if (isAboutFiles) return answerForFiles(output->files, output->json);
-    if (answer && isQuestion) return answer(output->files[0], output->json);
+    if (isAboutFiles || (answer && isQuestion)) {
+      if (!output->record.empty()) throw Failure(exitWrongUsage, "--record requires an output");
+      return isAboutFiles ? answerForFiles(output->files, output->json)
+                          : answer(output->files[0], output->json);
+    }
     const std::vector<Job> jobs = JobsOfPages(PlanJobs(*output), *output, *picture);
     picture->showsProgress = jobs.size() == 1 && !output->quiet;
+    if (jobs.size() > 1 && !output->record.empty()) RequireOneRecipe(individual);
+    StartRecording(*output, *picture, jobs);
     const PictureChange change = prepare();
-    return RunJobs(*output, jobs, [&](const Job& job) {
+    const int code = RunJobs(*output, jobs, [&](const Job& job) {
       return ChangePicture(job, *picture, output->dryRun, change);
     });
+    return FinishRecording(*output, *picture, code);
   };
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tool/command/options.h"
 #include "tool/pictures/change_picture.h"
@@ -32,13 +33,20 @@ class PictureVerb : public Verb {
   void With(std::string& file);
   /// `--percent P`: how much, -100 to 100.
   void Percent(int& percent);
+  /// The steps depend on the picture if the flag is set: --record then takes one picture.
+  void DiffersByPicture(const bool& isSet) { individual_.push_back(&isSet); }
   /// `--dialog`: a window lets the user decide, for one picture after another.
   void Dialog(bool& isWanted, const std::string& description);
 
   /// --fill and --filter: the change uncovers corners.
   void UncoversCorners() { uncoversCorners_ = true; }
-  /// Outputs may be metafiles, and --dpi and --size say how metafiles are drawn.
-  void TakesMetafiles() { output_->takesMetafiles = true; }
+  /// --dpi and --size say how metafiles are drawn.
+  void DrawsMetafiles() { drawsMetafiles_ = true; }
+  /// The same, and outputs may be metafiles.
+  void TakesMetafiles() {
+    DrawsMetafiles();
+    output_->takesMetafiles = true;
+  }
   /// The outputs are small pictures to look at, in a type of --format, without metadata and
   /// position.
   void MakesPreviews();
@@ -58,6 +66,15 @@ class PictureVerb : public Verb {
   }
   /// The files of the command line, known when the verb runs.
   const std::shared_ptr<OutputOptions>& Outputs() { return output_; }
+  /// What the files are called in the help.
+  void CallingFiles(const std::string& name, const std::string& description) {
+    filesName_ = name;
+    filesDescription_ = description;
+  }
+  /// Runs before the outputs get their names. It may change the options.
+  void Beginning(std::function<void(OutputOptions& output, PictureOptions& picture)> begin) {
+    begin_ = std::move(begin);
+  }
 
   /// Adds the options that all these verbs share. The change runs once per picture, on several
   /// threads at the same time with --jobs.
@@ -74,6 +91,10 @@ class PictureVerb : public Verb {
   std::function<int(const std::vector<std::string>& files, bool json)> answerForFiles_;
   const bool* asksAboutFiles_ = nullptr;
   const bool* asksUser_ = nullptr;
+  std::string filesName_, filesDescription_;
+  std::function<void(OutputOptions& output, PictureOptions& picture)> begin_;
+  std::vector<const bool*> individual_;
+  bool drawsMetafiles_ = false;
   bool uncoversCorners_ = false;
   bool makesPreviews_ = false;
   std::shared_ptr<OutputOptions> output_ = std::make_shared<OutputOptions>();

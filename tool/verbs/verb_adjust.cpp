@@ -1,10 +1,6 @@
 #include <memory>
 #include <optional>
 
-#include <rasterkit/bands/colors/entry_changes.h>
-#include <rasterkit/bands/colors/index_pixels.h>
-#include <rasterkit/bands/colors/opacity_plane.h>
-
 #include "tool/command/desktop.h"
 #include "tool/command/exit_code.h"
 #include "tool/verbs/picture_verb.h"
@@ -29,49 +25,18 @@ AdjustColors ChangeOf(const Values& values) {
           values.red.value_or(0),        values.green.value_or(0),    values.blue.value_or(0)};
 }
 
-TChgBmpValuesRec RecordOf(const Values& values) {
-  TChgBmpValuesRec record;
-  record.Brightness = values.brightness.value_or(0);
-  record.Contrast = values.contrast.value_or(0);
-  record.Sharpen = values.sharpen.value_or(0);
-  record.Red = values.red.value_or(0);
-  record.Green = values.green.value_or(0);
-  record.Blue = values.blue.value_or(0);
-  return record;
-}
-
-/// The window works on true color. The result must be what the user saw, so the palette is kept
-/// only if it can express that.
-void AskAndAdjust(const Desktop& desktop, const Values& start, PictureWork& work) {
-  std::unique_ptr<TBitmap> shown = work.Bitmap();
-  std::unique_ptr<TBitmap> pixels = shown->Clone();
-  const detail::AlphaPlane alphas(*pixels);
-  pixels->SetPixelFormat(pf24bit);
-  TChgBmpValuesRec values = RecordOf(start);
-  desktop.Adjust(*pixels, values, work.job.input);
-  const auto colors =
-      detail::HasIndexes(*shown) ? detail::ChangedEntries(*shown, *pixels) : std::nullopt;
-  if (colors) {
-    detail::SetEntryColors(*shown, *colors);
-  } else {
-    alphas.Restore(*pixels);
-    shown = std::move(pixels);
-  }
-  work.picture.Apply(PixelsStep{std::move(shown)});
-}
-
 PictureChange Prepare(const AdjustOptions& options) {
   if (!options.values.AreGiven() && !options.asksUser) {
     throw Failure(exitWrongUsage,
                   "adjust needs at least one of --brightness, --contrast, --sharpen, --red, "
                   "--green, --blue, or --dialog");
   }
-  const Values values = options.values;
-  if (!options.asksUser) {
-    return [values](PictureWork& work) { work.picture.Change(ChangeOf(values)); };
-  }
-  return [values, desktop = std::make_shared<Desktop>()](PictureWork& work) {
-    AskAndAdjust(*desktop, values, work);
+  const AdjustColors typed = ChangeOf(options.values);
+  const auto desktop = options.asksUser ? std::make_shared<Desktop>() : nullptr;
+  return [typed, desktop](PictureWork& work) {
+    AdjustColors change = typed;
+    if (desktop) change = desktop->ChooseValues(*work.Bitmap(), typed, work.job.input);
+    work.Add(ChangeStep{change});
   };
 }
 

@@ -15,7 +15,7 @@ VerbRunner AddBrightnessVerb(CommandLine& line) {
   const auto percent = std::make_shared<int>(0);
   verb.Percent(*percent);
   return verb.Changing(
-      [percent](PictureWork& work) { work.picture.Change(AdjustColors{.brightness = *percent}); });
+      [percent](PictureWork& work) { work.Add(ChangeStep{AdjustColors{.brightness = *percent}}); });
 }
 
 }  // namespace rasterkit::tool

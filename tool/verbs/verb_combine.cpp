@@ -8,6 +8,9 @@
 namespace rasterkit::tool {
 namespace {
 
+/// Slot of the second picture in a recipe.
+constexpr const char* kSlot = "over";
+
 /// Options as typed; the mode is already checked.
 struct CombineArguments {
   std::string mode = "auto", file, align = "auto", filter;
@@ -59,18 +62,14 @@ bool LiesOnTheMap(const PictureWork& work, const Picture& over, CombineAlign ali
 
 PictureChange Combining(const CombineArguments& arguments) {
   const CombineOptions options = OptionsOf(arguments);
-  return [options, over = OpenPicture(arguments.file)](PictureWork& work) {
-    Picture upper = over;
-    if (work.options.stretch.kind != NumberStretch::Kind::automatic) {
-      upper.Stretch(work.options.stretch);
-    }
+  return [options, slots = RecipeSlots{{kSlot, OpenPicture(arguments.file)}}](PictureWork& work) {
     if (options.mode != CombineMode::grid) {
       work.PaintTransparent("the pictures become one without opacity");
     }
-    if (LiesOnTheMap(work, over, options.align)) {
+    if (LiesOnTheMap(work, slots.at(kSlot), options.align)) {
       work.notes.emplace_back("the pictures are aligned by their positions on the map");
     }
-    work.picture.Combine(upper, options);
+    work.Add(RecipeCombine{kSlot, options, work.StretchOfSecond()}, slots);
   };
 }
 

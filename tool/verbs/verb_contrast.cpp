@@ -15,7 +15,7 @@ VerbRunner AddContrastVerb(CommandLine& line) {
   const auto percent = std::make_shared<int>(0);
   verb.Percent(*percent);
   return verb.Changing(
-      [percent](PictureWork& work) { work.picture.Change(AdjustColors{.contrast = *percent}); });
+      [percent](PictureWork& work) { work.Add(ChangeStep{AdjustColors{.contrast = *percent}}); });
 }
 
 }  // namespace rasterkit::tool

@@ -25,7 +25,7 @@ VerbRunner AddConvertVerb(CommandLine& line) {
   const std::shared_ptr<PictureOptions> options = verb.Options();
   AddAngle(verb, *options);
   return verb.Changing([](PictureWork& work) {
-    if (work.options.angle != 0) work.picture.Rotate(work.options.angle, work.Corners());
+    if (work.options.angle != 0) work.Add(RotateStep{work.options.angle, work.Corners()});
   });
 }
 

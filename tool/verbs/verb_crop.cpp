@@ -1,5 +1,6 @@
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include <fmt/core.h>
 
@@ -17,37 +18,26 @@ struct CropOptions {
   bool asksUser = false;
 };
 
-void CropTo(const CropStep& part, PictureWork& work) {
-  const int width = work.picture.Width(), height = work.picture.Height();
-  const bool isInside = part.left >= 0 && part.left < width && part.width <= width - part.left &&
-                        part.top >= 0 && part.top < height && part.height <= height - part.top;
-  if (!isInside) {
-    work.Refuse(
-        fmt::format("the rectangle {},{},{},{} is not inside the picture, which has {} x {} pixels",
-                    part.left, part.top, part.width, part.height, width, height));
-  }
-  work.picture.Crop(part);
+/// Nothing without --rect and --map-rect.
+std::optional<RecipeCrop> CropOf(const CropOptions& options) {
+  return options.mapRect.empty() ? ParseRect(options.rect) : ParseMapRect(options.mapRect);
 }
 
 /// Says which pixels the map rectangle was rounded to.
-void CropOnMap(const std::string& typed, PictureWork& work) {
-  work.picture.CropToMap(ParseMapRect(typed).value());
-  const auto* const part = std::get_if<CropStep>(&work.picture.Steps().back());
-  if (part == nullptr) return;
-  work.notes.push_back(fmt::format("the rectangle on the map is {},{},{},{} in pixels", part->left,
-                                   part->top, part->width, part->height));
-}
-
-CropStep StepOf(const TRect& rect) {
-  return {rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top};
+void CropTo(const RecipeCrop& crop, PictureWork& work) {
+  const CropStep part = PixelsOf(crop, work.picture);
+  work.Add(crop);
+  if (crop.unit != LengthUnit::map) return;
+  work.notes.push_back(fmt::format("the rectangle on the map is {},{},{},{} in pixels", part.left,
+                                   part.top, part.width, part.height));
 }
 
 /// Tells for a part of a JPEG file whether its compressed pixels are kept; nothing for others.
-std::function<bool(const TRect&)> LosslessJudge(const PictureWork& work) {
-  const auto isLossless = [&work](const TRect& part) {
+std::function<bool(const CropStep&)> LosslessJudge(const PictureWork& work) {
+  const auto isLossless = [&work](const CropStep& part) {
     try {
       Picture picture = work.picture;
-      const Report plan = work.Plan(picture.Crop(StepOf(part)));
+      const Report plan = work.Plan(picture.Crop(part));
       return plan.isMoved || plan.isCopied;
     } catch (const std::exception&) {
       return false;
@@ -59,11 +49,17 @@ std::function<bool(const TRect&)> LosslessJudge(const PictureWork& work) {
   return isLossless;
 }
 
-/// Starts with the rectangle `start` if it is inside the picture.
-void AskAndCrop(const Desktop& desktop, const CropStep& start, PictureWork& work) {
-  TRect rect = {start.left, start.top, start.left + start.width, start.top + start.height};
-  desktop.ChooseCropRect(*work.Bitmap(), rect, LosslessJudge(work), work.job.input);
-  CropTo(StepOf(rect), work);
+/// Starts with the part of `start` that is inside the picture.
+RecipeCrop Ask(const Desktop& desktop, const std::optional<RecipeCrop>& start,
+               const PictureWork& work) {
+  ChooseCropOptions options;
+  options.start = start;
+  if (start) {
+    options.start->outside = Outside::clip;
+    options.unit = start->unit;
+  }
+  options.isLossless = LosslessJudge(work);
+  return desktop.ChooseCrop(*work.Bitmap(), work.picture, options, work.job.input);
 }
 
 PictureChange Prepare(const CropOptions& options) {
@@ -71,15 +67,9 @@ PictureChange Prepare(const CropOptions& options) {
     throw Failure(exitWrongUsage,
                   "crop needs --rect X,Y,W,H, --map-rect MINX,MINY,MAXX,MAXY or --dialog");
   }
-  if (!options.mapRect.empty()) {
-    return [options](PictureWork& work) { CropOnMap(options.mapRect, work); };
-  }
-  const RectArgument rect = ParseRect(options.rect).value_or(RectArgument());
   const auto desktop = options.asksUser ? std::make_shared<Desktop>() : nullptr;
-  return [rect, desktop](PictureWork& work) {
-    const CropStep part = rect.For(work.picture.Width(), work.picture.Height());
-    if (desktop) return AskAndCrop(*desktop, part, work);
-    CropTo(part, work);
+  return [typed = CropOf(options), desktop](PictureWork& work) {
+    CropTo(desktop ? Ask(*desktop, typed, work) : *typed, work);
   };
 }
 
@@ -109,7 +99,7 @@ VerbRunner AddCropVerb(CommandLine& line) {
                                    CheckMapRect, "the part to keep in map units");
   mapRect.Excludes(rect);
   verb.Dialog(options->asksUser,
-              "choose the rectangle in a window that starts with the one of --rect");
+              "choose the rectangle in a window that starts with the one of --rect or --map-rect");
   return verb.ChangingAfter([options] { return Prepare(*options); });
 }
 

@@ -18,11 +18,15 @@
 #include "tool/pictures/change_pages.h"
 #include "tool/pictures/change_picture.h"
 #include "tool/pictures/photo_sections.h"
+#include "tool/pictures/recorder.h"
 #include "tool/reports/exif_report.h"
 #include "tool/verbs/verbs.h"
 
 namespace rasterkit::tool {
 namespace {
+
+/// Slot of the picture of --copy-from in a recipe.
+constexpr const char* kSlot = "metadata";
 
 struct ExifOptions {
   std::string copyFrom;
@@ -137,6 +141,22 @@ void RequireSameType(const PictureWork& work) {
               "convert' writes other types)");
 }
 
+/// Copied metadata is no part of an edit: a recipe names the picture that it comes from.
+std::vector<RecipeStep> StepsOf(const MetadataEdit& edit, const ExifOptions& options) {
+  if (options.copyFrom.empty()) return {EditStep{edit}};
+  std::vector<RecipeStep> steps;
+  MetadataEdit before, after = edit;
+  before.stripAll = std::exchange(after.stripAll, false);
+  before.stripProfile = std::exchange(after.stripProfile, false);
+  if (!before.IsEmpty()) steps.emplace_back(EditStep{before});
+  RecipeCopy copy;
+  copy.slot = kSlot;
+  copy.keepsOrientation = options.keepOrientation;
+  steps.emplace_back(copy);
+  if (!after.IsEmpty()) steps.emplace_back(EditStep{after});
+  return steps;
+}
+
 int Show(const std::vector<std::string>& files, bool json) {
   int code = exitDone;
   for (const std::string& file : files) {
@@ -174,42 +194,51 @@ int Write(const OutputOptions& output, const ExifOptions& options, PictureOption
   picture.editOfOthers = StripsOf(edit);
   picture.editOfOthers.remove = edit.remove;
   const std::vector<Job> jobs = PlanPhotoJobs(output, options.thumbnail);
+  if (options.thumbnail && !output.record.empty()) {
+    throw Failure(exitWrongUsage,
+                  "--record cannot be used with --thumbnail: no picture is changed");
+  }
   if (options.thumbnail) {
     return RunJobs(output, jobs, [&](const Job& job) { return TakeThumbnail(job, picture); });
   }
   std::vector<std::string> photoKinds;
+  RecipeSlots slots;
   if (!options.copyFrom.empty()) {
     const Picture photo = OpenPicture(options.copyFrom, picture);
     photoKinds = CopiedKinds(photo, options.copyFrom);
-    edit.copy = MetadataCopy{};
-    edit.copy->from = std::make_shared<Metadata>(photo.GetMetadata());
-    edit.copy->keepsOrientation = options.keepOrientation;
+    slots.emplace(kSlot, photo);
   }
+  const std::vector<RecipeStep> steps = StepsOf(edit, options);
+  StartRecording(output, picture, jobs);
   picture.showsProgress = jobs.size() == 1 && !output.quiet;
-  return RunJobs(output, jobs, [&](const Job& job) {
+  const bool copies = !slots.empty();
+  const int code = RunJobs(output, jobs, [&](const Job& job) {
     return ChangePicture(job, picture, output.dryRun, [&](PictureWork& work) {
       RequireSameType(work);
       const int before = OrientationOf(work.picture).value_or(1);
       const std::vector<std::string> had =
-          edit.copy ? CopiedKinds(work.picture, "") : std::vector<std::string>();
+          copies ? CopiedKinds(work.picture, "") : std::vector<std::string>();
       try {
-        work.picture.Edit(edit);
+        for (const RecipeStep& step : steps) work.Add(step, slots);
       } catch (const FormatError& error) {
         throw Failure(exitInputUnreadable, job.input + ": " + error.Reason());
       }
-      if (!edit.copy) return;
+      if (!copies) return;
       WarnOfTurn(work, before, options.keepOrientation);
       work.notCarriedOver = NotCarriedOver(photoKinds, had, CopiedKinds(work.picture, ""));
     });
   });
+  return FinishRecording(output, picture, code);
 }
 
 int Run(const OutputOptions& output, const ExifOptions& options, const PictureOptions& picture) {
   if (IsWriting(options, picture.edit)) return Write(output, options, picture);
-  if (!output.outDir.empty() || output.inPlace || output.dryRun) {
-    throw Failure(exitWrongUsage,
-                  "--out-dir, --in-place and --dry-run require an option that writes, such as "
-                  "--set, --copy-from or --strip");
+  const bool writes = !output.outDir.empty() || output.inPlace || !output.record.empty();
+  if (writes || output.dryRun) {
+    throw Failure(
+        exitWrongUsage,
+        "--out-dir, --in-place, --dry-run and --record require an option that writes, such as "
+        "--set, --copy-from or --strip");
   }
   return Show(output.files, output.json);
 }
@@ -256,6 +285,7 @@ VerbRunner AddExifVerb(CommandLine& line) {
   output->takesStreams = true;
   AddOutputOptions(verb, *output, "IN... [OUT]",
                    "files to show; with an option that writes, one input and the output");
+  AddRecord(verb, output->record);
   AddIsolate(verb);
   AddEdits(verb, picture->edit, set);
   const Option copy = verb.Text("--copy-from", "FILE", options->copyFrom, {},

@@ -16,6 +16,7 @@
 #include "tool/command/shared_options.h"
 #include "tool/command/standard_input.h"
 #include "tool/pictures/placement/write_geotiff.h"
+#include "tool/pictures/recorder.h"
 #include "tool/reports/show_grid.h"
 #include "tool/verbs/verbs.h"
 
@@ -113,8 +114,9 @@ bool IsQuestion(const GeoTiffOptions& options) {
 }
 
 int Ask(const GeoTiffOptions& options) {
-  if (options.GivesPosition()) {
-    throw Failure(exitWrongUsage, "a position requires an output");
+  if (options.GivesPosition() || !options.output.record.empty()) {
+    throw Failure(exitWrongUsage, options.GivesPosition() ? "a position requires an output"
+                                                          : "--record requires an output");
   }
   GridQuestions questions;
   questions.file = options.output.files[0];
@@ -174,6 +176,12 @@ int Write(GeoTiffOptions options) {
   if (!options.at.empty() || !options.atMap.empty()) {
     throw Failure(exitWrongUsage, "--at and --at-map require one file and no output");
   }
+  if (!options.worldFile.empty() && !options.output.record.empty()) {
+    throw Failure(
+        exitWrongUsage,
+        "--record cannot be used with --world-file: a recipe names no files; --origin and "
+        "--pixel-size state a position");
+  }
   const bool isOnePosition = options.GivesPosition();
   const bool isStream = IsStandardStream(options.output.files.back());
   if (!options.output.outDir.empty() || isStream) options.output.type = "tif";
@@ -183,8 +191,11 @@ int Write(GeoTiffOptions options) {
   PlacementOptions placement = PlacementOf(options);
   placement.edit = options.picture.edit;
   const std::vector<Job> jobs = PlanJobs(options.output);
-  return RunJobs(options.output, jobs,
-                 [&](const Job& job) { return WriteGeoTiff(job, placement); });
+  StartRecording(options.output, options.picture, jobs);
+  placement.recorder = options.picture.recorder;
+  const int code =
+      RunJobs(options.output, jobs, [&](const Job& job) { return WriteGeoTiff(job, placement); });
+  return FinishRecording(options.output, options.picture, code);
 }
 
 }  // namespace
@@ -207,6 +218,7 @@ VerbRunner AddGeoTiffVerb(CommandLine& line) {
   const auto options = std::make_shared<GeoTiffOptions>();
   options->output.takesStreams = true;
   AddOutputOptions(verb, options->output, "IN [OUT]");
+  AddRecord(verb, options->output.record);
   AddIsolate(verb);
   AddPositionOptions(verb, *options);
   AddQuestions(verb, *options);

@@ -13,7 +13,7 @@ VerbRunner AddGrayVerb(CommandLine& line) {
   const auto trueColor = std::make_shared<bool>(false);
   verb.Flag("--true-color", *trueColor, "keep true color: 24-bit instead of 8-bit");
   return verb.Changing(
-      [trueColor](PictureWork& work) { work.picture.Change(MakeGray{*trueColor}); });
+      [trueColor](PictureWork& work) { work.Add(ChangeStep{MakeGray{*trueColor}}); });
 }
 
 }  // namespace rasterkit::tool

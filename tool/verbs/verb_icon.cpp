@@ -17,6 +17,7 @@
 #include "tool/command/shared_options.h"
 #include "tool/pictures/change_picture.h"
 #include "tool/pictures/crop_rows.h"
+#include "tool/pictures/recorder.h"
 #include "tool/reports/loss_report.h"
 #include "tool/verbs/verbs.h"
 
@@ -129,6 +130,7 @@ VerbRunner AddIconVerb(CommandLine& line) {
             "use only the left half: the first picture of a button strip");
   verb.Flag("--solid", options->solid, "make no color transparent");
   AddOutputOptions(verb, options->output);
+  RefuseRecord(verb, "an icon is made of pixels that no recipe describes");
   AddIsolate(verb);
   return [options] { return Run(*options); };
 }

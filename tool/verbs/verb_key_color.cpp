@@ -17,7 +17,7 @@ VerbRunner AddKeyColorVerb(CommandLine& line) {
   verb.Color("--color", *color, "the new color").Required();
   verb.Flag("--transparent", *transparent, "mark the new color as transparent (PNG)");
   return verb.Changing([color, transparent](PictureWork& work) {
-    work.picture.Change(ReplaceKeyColor{ColorOf(*color), *transparent});
+    work.Add(ChangeStep{ReplaceKeyColor{ColorOf(*color), *transparent}});
   });
 }
 

@@ -13,8 +13,8 @@ PictureChange Mirroring(const Sides& sides) {
     throw Failure(exitWrongUsage, "mirror needs --horizontal or --vertical, or both");
   }
   return [sides](PictureWork& work) {
-    if (sides.horizontal) work.picture.Mirror(MirrorAxis::leftRight);
-    if (sides.vertical) work.picture.Mirror(MirrorAxis::topBottom);
+    if (sides.horizontal) work.Add(MirrorStep{MirrorAxis::leftRight});
+    if (sides.vertical) work.Add(MirrorStep{MirrorAxis::topBottom});
   };
 }
 

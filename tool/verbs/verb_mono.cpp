@@ -1,5 +1,6 @@
 #include "tool/arguments/color_argument.h"
 #include "tool/arguments/numbers.h"
+#include "tool/command/desktop.h"
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
@@ -11,6 +12,7 @@ struct MonoOptions {
   /// Nothing: chosen for each picture.
   std::optional<int> threshold = 125;
   std::string dark = "000000", light = "FFFFFF";
+  bool asksUser = false;
 };
 
 std::optional<int> ParseThreshold(const std::string& text) {
@@ -26,6 +28,17 @@ std::string CheckThreshold(const std::string& text) {
   return ok ? std::string() : "must be a whole number from 0 to 256, or otsu, not '" + text + "'";
 }
 
+PictureChange Prepare(const MonoOptions& options) {
+  const MakeMono typed{options.threshold, ColorOf(options.dark), ColorOf(options.light)};
+  const auto desktop = options.asksUser ? std::make_shared<Desktop>() : nullptr;
+  return [typed, desktop](PictureWork& work) {
+    work.PaintTransparent("black and white has no opacity");
+    MakeMono change = typed;
+    if (desktop) change = desktop->ChooseThreshold(*work.Bitmap(), typed, work.job.input);
+    work.Add(ChangeStep{change});
+  };
+}
+
 }  // namespace
 
 VerbRunner AddMonoVerb(CommandLine& line) {
@@ -35,10 +48,13 @@ VerbRunner AddMonoVerb(CommandLine& line) {
                     {"Pixels with a gray value below the threshold become black, all others "
                      "white. The output is 1-bit. With threshold 0 everything is white, with 256 "
                      "everything is black. With otsu the threshold is chosen for each picture: the "
-                     "one that best divides its grays into dark and light."},
+                     "one that best divides its grays into dark and light.",
+                     "With --dialog a window shows the picture in black and white, and how many "
+                     "pixels have each gray value. Canceling the window ends with exit code 1."},
                     {"rasterkit mono scan.jpg plan.tif --threshold 160",
                      "rasterkit mono scan.jpg plan.tif --threshold otsu",
-                     "rasterkit mono scan.jpg blueprint.png --dark 003080 --light F0F8FF"}});
+                     "rasterkit mono scan.jpg blueprint.png --dark 003080 --light F0F8FF",
+                     "rasterkit mono scan.jpg plan.tif --dialog"}});
   const auto options = std::make_shared<MonoOptions>();
   verb.Parsed(
       "--threshold", "T|otsu",
@@ -46,11 +62,9 @@ VerbRunner AddMonoVerb(CommandLine& line) {
       CheckThreshold, "lowest gray value that becomes white, 0 to 256, or otsu [125]");
   verb.Color("--dark", options->dark, "color instead of black [black]");
   verb.Color("--light", options->light, "color instead of white [white]");
-  return verb.Changing([options](PictureWork& work) {
-    work.PaintTransparent("black and white has no opacity");
-    work.picture.Change(
-        MakeMono{options->threshold, ColorOf(options->dark), ColorOf(options->light)});
-  });
+  verb.Dialog(options->asksUser,
+              "choose the threshold in a window that starts with the one of --threshold");
+  return verb.ChangingAfter([options] { return Prepare(*options); });
 }
 
 }  // namespace rasterkit::tool

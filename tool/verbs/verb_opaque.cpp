@@ -10,7 +10,7 @@ VerbRunner AddOpaqueVerb(CommandLine& line) {
                           {"rasterkit opaque logo.png on-white.png",
                            "rasterkit opaque logo.png on-gray.png --background C0C0C0"}});
   return verb.Changing(
-      [](PictureWork& work) { work.picture.Change(PaintTransparency{work.Background()}); });
+      [](PictureWork& work) { work.Add(ChangeStep{PaintTransparency{work.Background()}}); });
 }
 
 }  // namespace rasterkit::tool

@@ -6,6 +6,7 @@
 #include "tool/command/shared_options.h"
 #include "tool/pages/arrange_pages.h"
 #include "tool/pages/page_list.h"
+#include "tool/pictures/recorder.h"
 #include "tool/reports/document_report.h"
 #include "tool/verbs/verbs.h"
 
@@ -51,6 +52,7 @@ VerbRunner AddPagesVerb(CommandLine& line) {
   AddOutputOptions(verb, options->output, "IN... [OUT]",
                    "one file to list it; or inputs, then the output; with --out-dir or --in-place "
                    "inputs alone");
+  RefuseRecord(verb, "a recipe changes one picture; pages are copied");
   AddIsolate(verb);
   AddCompression(verb, options->picture);
   AddStrip(verb, options->picture);

@@ -9,6 +9,9 @@
 namespace rasterkit::tool {
 namespace {
 
+/// Slot of a picture with the common palette in a recipe.
+constexpr const char* kSlot = "palette";
+
 struct PaletteOptions {
   /// Values as typed, already checked.
   std::vector<std::string> set;
@@ -43,9 +46,10 @@ PictureChange MakingCommon(const PaletteOptions& options, const std::vector<std:
   if (!options.set.empty() || !options.first.empty()) {
     throw Failure(exitWrongUsage, "--common cannot be used with --set or --first");
   }
-  return [palette = ChooseCommonPalette(files).palette](PictureWork& work) {
+  const RecipeSlots slots = {{kSlot, PictureWith(ChooseCommonPalette(files).palette)}};
+  return [slots](PictureWork& work) {
     work.PaintTransparent("the common palette has no transparent entry");
-    work.picture.Apply(PixelsStep{WithPalette(*work.Bitmap(), palette)});
+    work.Add(RecipePalette{kSlot}, slots);
   };
 }
 
@@ -61,7 +65,7 @@ PictureChange Changing(const PaletteOptions& options) {
     const EntryColorChange entry = ParseEntry(text).value();
     change.entries.emplace_back(entry.index, entry.color);
   }
-  return [change](PictureWork& work) { work.picture.Change(change); };
+  return [change](PictureWork& work) { work.Add(ChangeStep{change}); };
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "tool/command/shared_options.h"
 #include "tool/pages/draw_pages.h"
 #include "tool/pages/page_list.h"
+#include "tool/pictures/recorder.h"
 #include "tool/reports/pdf_report.h"
 #include "tool/verbs/verbs.h"
 
@@ -69,6 +70,7 @@ VerbRunner AddPdfVerb(CommandLine& line) {
   PdfOptions& options = arguments->options;
   AddPdfOptions(verb, *arguments);
   AddOutputOptions(verb, options.output, "IN [OUT]");
+  RefuseRecord(verb, "pages of PDF files are drawn; 'apply' takes the pictures");
   AddFormat(verb, options.output);
   AddQuality(verb, options.picture);
   AddCompression(verb, options.picture);

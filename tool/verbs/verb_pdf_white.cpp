@@ -10,7 +10,7 @@ VerbRunner AddPdfWhiteVerb(CommandLine& line) {
        {"PDF exports treat the color of the bottom left pixel as transparent. That pixel becomes "
         "white; in a palette white also becomes the last entry. No other pixel looks different."},
        {"rasterkit pdf-white plan.png plan-for-pdf.png"}});
-  return verb.Changing([](PictureWork& work) { work.picture.Change(WhiteForPdf()); });
+  return verb.Changing([](PictureWork& work) { work.Add(ChangeStep{WhiteForPdf()}); });
 }
 
 }  // namespace rasterkit::tool

@@ -23,7 +23,7 @@ VerbRunner AddRecolorVerb(CommandLine& line) {
   return verb.Changing([options, color](PictureWork& work) {
     RecolorByGray change = *options;
     change.color = ColorOf(*color);
-    work.picture.Change(change);
+    work.Add(ChangeStep{change});
   });
 }
 

@@ -1,8 +1,5 @@
 #include <memory>
-
-#include <fmt/core.h>
-
-#include <rasterkit/pictures/reading/picture_size.h>
+#include <optional>
 
 #include "tool/arguments/fill_argument.h"
 #include "tool/arguments/size_argument.h"
@@ -22,25 +19,19 @@ struct SizeOptions {
   bool asksUser = false;
 };
 
-/// The given size, or else that of the picture.
-PictureSize SizeFor(const std::string& typed, const Picture& picture) {
-  const SizeArgument own{{picture.Width(), picture.Height()}};
-  return ParseSizeArgument(typed).value_or(own).For(picture.Width(), picture.Height());
+/// The size as typed; that of the picture if there is none.
+RecipeResize ResizeOf(const SizeOptions& options, const Picture& picture) {
+  if (const auto typed = ParseResize(options.size)) return *typed;
+  RecipeResize own;
+  own.width = picture.Width();
+  own.height = picture.Height();
+  return own;
 }
 
-PictureSize AskForSize(const Desktop& desktop, PictureSize size, const PictureWork& work) {
-  desktop.EditSize(size.width, size.height, work.job.input);
-  if (!size.IsPossible()) {
-    work.Refuse(
-        fmt::format("{} x {} is not a valid size: width and height must be from 1 to 1000000",
-                    size.width, size.height));
-  }
-  return size;
-}
-
-Filter FilterFor(const SizeOptions& options, PictureWork& work, const PictureSize& size) {
+Filter FilterFor(const SizeOptions& options, PictureWork& work, const RecipeResize& resize) {
   if (!options.smooth || !work.options.filter.empty()) return FilterOf(work.options.filter);
   work.notes.emplace_back("--smooth is an old name of --filter area and --filter linear");
+  const ResizeStep size = PixelsOf(resize, work.picture);
   const bool shrinks = size.width < work.picture.Width() || size.height < work.picture.Height();
   return shrinks ? Filter::area : Filter::linear;
 }
@@ -51,9 +42,10 @@ PictureChange Prepare(const SizeOptions& options) {
   }
   const auto desktop = options.asksUser ? std::make_shared<Desktop>() : nullptr;
   return [options, desktop](PictureWork& work) {
-    PictureSize size = SizeFor(options.size, work.picture);
-    if (desktop) size = AskForSize(*desktop, size, work);
-    work.picture.Resize(size.width, size.height, {FilterFor(options, work, size)});
+    RecipeResize resize = ResizeOf(options, work.picture);
+    resize.options.filter = FilterFor(options, work, resize);
+    if (desktop) resize = desktop->ChooseSize(work.picture, resize, work.job.input);
+    work.Add(resize);
   };
 }
 

@@ -27,7 +27,7 @@ void Deskew(PictureWork& work) {
     work.notes.emplace_back("the scan lies straight: 0 degrees");
   } else {
     work.notes.push_back(fmt::format("the scan is turned by {} degrees", skew.degrees));
-    work.picture.Rotate(skew.degrees, work.Corners());
+    work.Add(RotateStep{skew.degrees, work.Corners()});
   }
 }
 
@@ -36,9 +36,9 @@ PictureChange Turning(const TurnOptions& options) {
     throw Failure(exitWrongUsage, "rotate needs --angle A, --deskew or --north-up");
   }
   return [options](PictureWork& work) {
-    if (options.angle) work.picture.Rotate(*options.angle, work.Corners());
+    if (options.angle) work.Add(RotateStep{*options.angle, work.Corners()});
     if (options.deskew) Deskew(work);
-    if (options.northUp) work.picture.Apply(NorthUpStep{work.Corners()});
+    if (options.northUp) work.Add(NorthUpStep{work.Corners()});
   };
 }
 
@@ -74,6 +74,7 @@ VerbRunner AddRotateVerb(CommandLine& line) {
   verb.Flag("--north-up", options->northUp, "turn so that north is up")
       .Excludes(angle)
       .Excludes(deskew);
+  verb.DiffersByPicture(options->deskew);
   return verb.ChangingAfter([options] { return Turning(*options); });
 }
 

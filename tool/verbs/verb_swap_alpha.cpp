@@ -11,7 +11,7 @@ VerbRunner AddSwapAlphaVerb(CommandLine& line) {
         "partly transparent. Colors do not change. A picture without transparency is refused (exit "
         "code 4)."},
        {"rasterkit swap-alpha hole.png plug.png"}});
-  return verb.Changing([](PictureWork& work) { work.picture.Change(SwapOpacity()); });
+  return verb.Changing([](PictureWork& work) { work.Add(ChangeStep{SwapOpacity()}); });
 }
 
 }  // namespace rasterkit::tool

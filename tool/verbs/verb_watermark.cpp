@@ -1,6 +1,12 @@
 #include "tool/verbs/picture_verb.h"
 
 namespace rasterkit::tool {
+namespace {
+
+/// Slot of the second picture in a recipe.
+constexpr const char* kSlot = "mark";
+
+}  // namespace
 
 VerbRunner AddWatermarkVerb(CommandLine& line) {
   PictureVerb verb(
@@ -16,11 +22,11 @@ VerbRunner AddWatermarkVerb(CommandLine& line) {
   const auto file = std::make_shared<std::string>();
   verb.With(*file);
   return verb.ChangingAfter([file]() -> PictureChange {
-    return [mark = OpenPicture(*file)](PictureWork& work) {
-      Picture shown = mark;
-      const NumberStretch& stretch = work.options.stretch;
-      if (stretch.kind != NumberStretch::Kind::automatic) shown.Stretch(stretch);
-      work.picture.Combine(shown, {.mode = CombineMode::watermark, .align = CombineAlign::none});
+    return [slots = RecipeSlots{{kSlot, OpenPicture(*file)}}](PictureWork& work) {
+      work.Add(RecipeCombine{kSlot,
+                             {.mode = CombineMode::watermark, .align = CombineAlign::none},
+                             work.StretchOfSecond()},
+               slots);
     };
   });
 }

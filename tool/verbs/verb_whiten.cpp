@@ -14,7 +14,7 @@ VerbRunner AddWhitenVerb(CommandLine& line) {
               "highest gray value that stays as it is, 0 to 255")
       .Required();
   verb.Flag("--transparent", options->makesTransparent, "mark white as transparent (PNG)");
-  return verb.Changing([options](PictureWork& work) { work.picture.Change(*options); });
+  return verb.Changing([options](PictureWork& work) { work.Add(ChangeStep{*options}); });
 }
 
 }  // namespace rasterkit::tool

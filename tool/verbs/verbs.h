@@ -14,6 +14,7 @@ VerbRunner AddInfoVerb(CommandLine& line);
 VerbRunner AddEditVerb(CommandLine& line);
 VerbRunner AddSaveAsVerb(CommandLine& line);
 VerbRunner AddConvertVerb(CommandLine& line);
+VerbRunner AddApplyVerb(CommandLine& line);
 VerbRunner AddRotateVerb(CommandLine& line);
 VerbRunner AddMirrorVerb(CommandLine& line);
 VerbRunner AddCropVerb(CommandLine& line);

@@ -128,4 +128,17 @@ std::unique_ptr<BandWork> MakeFewColors(const Raster& like, Sides size, Raster m
   return std::make_unique<FewColors>(like, size, std::move(made));
 }
 
+RowRule RuleOfPalette(std::shared_ptr<const ColorReader> reader, const HPALETTE& palette) {
+  return [reader = std::move(reader), searchers = std::make_shared<Searchers>(palette)](
+             const uint8_t* source, uint8_t* target, uint8_t* scratch) {
+    const size_t width = reader->Width();
+    uint8_t* const bgr = scratch + kPixelBytes * width;
+    reader->Painted(source, clWhite, bgr);
+    kernels::Row24To32(bgr, width, scratch);
+    std::unique_ptr<NearestColor> searcher = searchers->Take();
+    searcher->OfRow(reinterpret_cast<const RGBArec*>(scratch), width, target);
+    searchers->Give(std::move(searcher));
+  };
+}
+
 }  // namespace rasterkit::detail

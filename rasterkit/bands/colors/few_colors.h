@@ -2,6 +2,8 @@
 
 #include <memory>
 
+#include <rasterkit/bands/colors/color_reader.h>
+#include <rasterkit/bands/colors/row_rule.h>
 #include <rasterkit/bands/stage/band_work.h>
 #include <rasterkit/raster/raster.h>
 
@@ -13,5 +15,9 @@ namespace rasterkit::detail {
 ///
 /// `made` is of the result's kind; its palette and its rows have no meaning.
 std::unique_ptr<BandWork> MakeFewColors(const Raster& like, Sides size, Raster made);
+
+/// Makes 8-bit indexes of the entries nearest to the colors. Transparent parts are painted onto
+/// white first.
+RowRule RuleOfPalette(std::shared_ptr<const ColorReader> reader, const HPALETTE& palette);
 
 }  // namespace rasterkit::detail

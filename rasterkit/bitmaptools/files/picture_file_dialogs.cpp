@@ -55,6 +55,14 @@ bool BitmapOpenDialog(const std::string& initialDir, const std::string& defaultE
 
 bool BitmapSaveDialog(const std::string& initialDir, const std::string& defaultExt,
                       bool withMetafiles, std::string& fileName, bool changeDir) {
+  std::string askedAbout;
+  return detail::ChooseSaveName(initialDir, defaultExt, withMetafiles, fileName, changeDir,
+                                askedAbout);
+}
+
+bool detail::ChooseSaveName(const std::string& initialDir, const std::string& defaultExt,
+                            bool withMetafiles, std::string& fileName, bool changeDir,
+                            std::string& askedAbout) {
   PictureFileDialog dialog;
   dialog.kind = PictureFileDialog::Kind::save;
   dialog.Filter = GetSaveFilter(withMetafiles);
@@ -64,6 +72,7 @@ bool BitmapSaveDialog(const std::string& initialDir, const std::string& defaultE
   dialog.ofOverwritePrompt = true;
   dialog.ofNoChangeDir = !changeDir;
   if (!ExecutePictureFileDialog(dialog)) return false;
+  askedAbout = dialog.FileName;
   fileName = ChangeFileExt(dialog.FileName, SaveExtension(dialog.FilterIndex));
   return true;
 }

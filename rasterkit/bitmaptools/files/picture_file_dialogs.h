@@ -31,4 +31,14 @@ RASTERKIT_EXPORT bool BitmapOpenDialog(const std::string& initialDir, const std:
 RASTERKIT_EXPORT bool BitmapSaveDialog(const std::string& initialDir, const std::string& defaultExt,
                                        bool withMetafiles, std::string& fileName, bool changeDir);
 
+namespace detail {
+
+/// The same. `askedAbout` becomes the name that the host's dialog returned: the extension may be
+/// another one, so that the dialog did not ask whether `fileName` is overwritten.
+RASTERKIT_EXPORT bool ChooseSaveName(const std::string& initialDir, const std::string& defaultExt,
+                                     bool withMetafiles, std::string& fileName, bool changeDir,
+                                     std::string& askedAbout);
+
+}  // namespace detail
+
 }  // namespace rasterkit

@@ -25,6 +25,8 @@ void TBmpCutRect::DrawTwoTones(QPainter& painter) const {
   };
   frame(kDarkWidth, kDark);
   frame(kLightWidth, kLight);
+  // They would hide what the user aims at.
+  if (DragIsActive()) return;
   for (const RMarkRect& mark : MarkRects()) {
     const QRect square = RectOf(mark.RectData);
     painter.fillRect(square, QColor::fromRgba(kDark));

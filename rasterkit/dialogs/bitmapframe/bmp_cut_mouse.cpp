@@ -58,6 +58,8 @@ void BmpCutModel::MouseDown(CutButton button, const CutButtons& held, int x, int
 }
 
 void BmpCutModel::StartDrag(int x, int y) {
+  // A release that another window took ends the drag of before.
+  if (rules_.isLive && fDragIsActive) EndLiveDrag();
   fDraggedObject = GetMouseTarget(x, y);
   view_->ShowCursor(CursorOf(fDraggedObject));
   if (fDraggedObject == doNone) return;

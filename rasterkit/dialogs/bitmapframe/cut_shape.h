@@ -3,7 +3,6 @@
 #include <rasterkit/dialogs/bitmapframe/mark_rects.h>
 #include <rasterkit/dialogs/bitmapframe/rd_rect.h>
 #include <rasterkit/graphics/canvas.h>
-#include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
 
@@ -34,16 +33,15 @@ struct CutDrag {
 
 /// Returns the cut that a drag leads to: whole pixels, inside the bitmap, at least one pixel, in
 /// the shape as far as whole pixels and the bitmap allow.
-RASTERKIT_EXPORT TRect DraggedCut(const CutDrag& drag);
+TRect DraggedCut(const CutDrag& drag);
 
 /// Returns the cut in another shape about the same center: of about the same area, or of the fixed
 /// size, inside the bitmap. Without a cut (no area) the largest one in the middle of the bitmap.
-RASTERKIT_EXPORT TRect ReshapedCut(const TRect& cut, const CutShape& shape, int bitmapWidth,
-                                   int bitmapHeight);
+TRect ReshapedCut(const TRect& cut, const CutShape& shape, int bitmapWidth, int bitmapHeight);
 
 /// Returns the cut whose right and bottom edges were moved, in the shape: the height follows the
 /// width unless `dx` is 0. Down to one pixel and inside the bitmap.
-RASTERKIT_EXPORT TRect ResizedCut(const TRect& cut, int dx, int dy, const CutShape& shape,
-                                  int bitmapWidth, int bitmapHeight);
+TRect ResizedCut(const TRect& cut, int dx, int dy, const CutShape& shape, int bitmapWidth,
+                 int bitmapHeight);
 
 }  // namespace rasterkit

@@ -7,18 +7,6 @@
 namespace rasterkit {
 namespace {
 
-CropFacts FactsOf(const TBitmap& pixels, const Picture& picture, const std::string& mapUnit) {
-  CropFacts facts;
-  facts.width = pixels.Width();
-  facts.height = pixels.Height();
-  facts.bits = pixels.StoredBits();
-  facts.resolution = picture.GetMetadata().resolution;
-  facts.affine = picture.GetPlacement().affine;
-  facts.mapUnit = MapUnitOf(picture.GetPlacement().system);
-  if (!facts.mapUnit.IsKnown()) facts.mapUnit = MapUnitNamed(mapUnit);
-  return facts;
-}
-
 TRect RectOf(const CropStep& step) {
   return {step.left, step.top, step.left + step.width, step.top + step.height};
 }
@@ -41,7 +29,7 @@ std::optional<RecipeCrop> ChooseCrop(TBitmap& pixels, const Picture& picture,
   const TModalCall call;
   std::optional<TRect> start;
   if (options.start) start = RectOf(PixelsOf(*options.start, picture));
-  TFormChooseCrop form(pixels, FactsOf(pixels, picture, options.mapUnit), options, start,
+  TFormChooseCrop form(pixels, CropFactsOf(pixels, picture, options.mapUnit), options, start,
                        ReadCropSettings(), parent);
   if (form.ShowModal() != mrOk) return std::nullopt;
   WriteCropSettings(form.Settings());

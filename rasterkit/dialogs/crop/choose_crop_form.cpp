@@ -2,8 +2,10 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
+#include <QShortcut>
 #include <QStandardItemModel>
 #include <array>
+#include <initializer_list>
 #include <utility>
 
 #include <rasterkit/dialogs/crop/choose_crop_form.h>
@@ -28,6 +30,10 @@ void SetEntry(QComboBox& box, int index, bool isEnabled, std::string_view reason
   entry->setToolTip(isEnabled ? QString() : ResourceText(reason));
 }
 
+void SetVisible(std::initializer_list<QWidget*> widgets, bool isVisible) {
+  for (QWidget* widget : widgets) widget->setVisible(isVisible);
+}
+
 }  // namespace
 
 TFormChooseCrop::TFormChooseCrop(TBitmap& bitmap, const CropFacts& facts,
@@ -39,7 +45,8 @@ TFormChooseCrop::TFormChooseCrop(TBitmap& bitmap, const CropFacts& facts,
       isLossless_(options.isLossless),
       showsUnits_(options.showsUnits),
       showsRatios_(options.showsRatios),
-      showsGuides_(options.showsGuides) {
+      showsGuides_(options.showsGuides),
+      settings_(settings) {
   SetUpForm(*ui_);
   SetUpTool(bitmap);
   model_ = std::make_unique<CropWindowModel>(*tool_, facts);
@@ -60,7 +67,13 @@ TFormChooseCrop::TFormChooseCrop(TBitmap& bitmap, const CropFacts& facts,
   ui_->PaintBox->setFocus();
 }
 
-TFormChooseCrop::~TFormChooseCrop() = default;
+TFormChooseCrop::~TFormChooseCrop() {
+  // A field that loses the focus when the window goes would still report what is typed.
+  for (TUnitField* field : findChildren<TUnitField*>()) {
+    field->OnTyped = nullptr;
+    field->OnStep = nullptr;
+  }
+}
 
 void TFormChooseCrop::ShowAll() {
   ui_->ComboGuide->setCurrentIndex(static_cast<int>(model_->Guide()));
@@ -83,19 +96,9 @@ void TFormChooseCrop::SetUpLists(const ChooseCropOptions& options) {
            KnowsUnit(facts, LengthUnit::millimeters), rsCropNeedsResolution);
   SetEntry(*ui_->ComboUnit, index(LengthUnit::map), KnowsUnit(facts, LengthUnit::map),
            rsCropNeedsPosition);
-  for (QWidget* widget :
-       {static_cast<QWidget*>(ui_->LabUnit), static_cast<QWidget*>(ui_->ComboUnit)}) {
-    widget->setVisible(options.showsUnits);
-  }
-  for (QWidget* widget :
-       {static_cast<QWidget*>(ui_->LabRatio), static_cast<QWidget*>(ui_->ComboRatio),
-        static_cast<QWidget*>(ui_->ButtonSwap)}) {
-    widget->setVisible(options.showsRatios);
-  }
-  for (QWidget* widget :
-       {static_cast<QWidget*>(ui_->LabGuide), static_cast<QWidget*>(ui_->ComboGuide)}) {
-    widget->setVisible(options.showsGuides);
-  }
+  SetVisible({ui_->LabUnit, ui_->ComboUnit}, options.showsUnits);
+  SetVisible({ui_->LabRatio, ui_->ComboRatio, ui_->ButtonSwap}, options.showsRatios);
+  SetVisible({ui_->LabGuide, ui_->ComboGuide}, options.showsGuides);
   for (TUnitField* side : {ui_->FieldRatioWidth, ui_->FieldRatioHeight}) {
     side->setDecimals(kSideDecimals);
     side->setRange(kLeastSide, kGreatestTypedSide);
@@ -119,6 +122,14 @@ void TFormChooseCrop::ConnectButtons() {
   onClick(ui_->SpeedButtonUndo, &TFormChooseCrop::Undo);
   onClick(ui_->SpeedButtonRedo, &TFormChooseCrop::Redo);
   onClick(ui_->SpeedButtonWhole, &TFormChooseCrop::KeepWhole);
+  // Lists and fields would take these keys for themselves.
+  const auto addKey = [](QPushButton* button, const QKeySequence& key) {
+    auto* shortcut = new QShortcut(key, button);
+    connect(shortcut, &QShortcut::activated, button, &QPushButton::click);
+  };
+  addKey(ui_->SpeedButtonUndo, Qt::CTRL | Qt::Key_Z);
+  addKey(ui_->SpeedButtonRedo, Qt::CTRL | Qt::Key_Y);
+  addKey(ui_->SpeedButtonRedo, Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
   connect(ui_->NaviResult, &TNavigator::postClicked, this, &QDialog::accept);
   connect(ui_->NaviResult, &TNavigator::cancelClicked, this, &QDialog::reject);
 }
@@ -156,12 +167,15 @@ void TFormChooseCrop::TakeMouse(TPaintBox&, QMouseEvent& event) {
   ShowMouse();
 }
 
+std::array<std::pair<TUnitField*, CropField>, 4> TFormChooseCrop::Fields() const {
+  return {{{ui_->FieldLeft, CropField::left},
+           {ui_->FieldTop, CropField::top},
+           {ui_->FieldWidth, CropField::width},
+           {ui_->FieldHeight, CropField::height}}};
+}
+
 void TFormChooseCrop::ConnectFields() {
-  const std::pair<TUnitField*, CropField> fields[] = {{ui_->FieldLeft, CropField::left},
-                                                      {ui_->FieldTop, CropField::top},
-                                                      {ui_->FieldWidth, CropField::width},
-                                                      {ui_->FieldHeight, CropField::height}};
-  for (const auto& [edit, field] : fields) {
+  for (const auto& [edit, field] : Fields()) {
     edit->OnTyped = [this, which = field](double value) {
       model_->Type(which, value);
       ShowState();
@@ -214,7 +228,16 @@ void TFormChooseCrop::TakeRatio() {
 }
 
 CropSettings TFormChooseCrop::Settings() const {
-  return {model_->Unit(), model_->Ratio(), model_->Guide()};
+  CropSettings settings = settings_;
+  // A picture that does not know the remembered unit or ratio does not end them.
+  const bool hasUnit = showsUnits_ && (KnowsUnit(model_->Facts(), settings_.unit) ||
+                                       model_->Unit() != LengthUnit::pixels);
+  const bool hasRatio = showsRatios_ && (KnowsRatio(model_->Facts(), settings_.ratio.kind) ||
+                                         model_->Ratio().kind != RatioKind::any);
+  if (hasUnit) settings.unit = model_->Unit();
+  if (hasRatio) settings.ratio = model_->Ratio();
+  if (showsGuides_) settings.guide = model_->Guide();
+  return settings;
 }
 
 void TFormChooseCrop::ShowFitted() {
@@ -267,11 +290,7 @@ void TFormChooseCrop::ShowUnits() {
       showsUnits_ && model_->MayChooseMapUnit() && model_->Unit() == LengthUnit::map;
   ui_->LabMapUnit->setVisible(asksMapUnit);
   ui_->ComboMapUnit->setVisible(asksMapUnit);
-  const std::pair<TUnitField*, CropField> fields[] = {{ui_->FieldLeft, CropField::left},
-                                                      {ui_->FieldTop, CropField::top},
-                                                      {ui_->FieldWidth, CropField::width},
-                                                      {ui_->FieldHeight, CropField::height}};
-  for (const auto& [edit, field] : fields) {
+  for (const auto& [edit, field] : Fields()) {
     const CropNumber number = model_->Number(field);
     edit->setDecimals(model_->Decimals());
     edit->setRange(number.minimum, number.maximum);
@@ -292,17 +311,9 @@ void TFormChooseCrop::ShowRatio() {
   ui_->ComboPaper->setCurrentIndex(kSmallestPaper - ratio.paper);
   ui_->FieldScale->setValue(ratio.scale);
   const bool isTyped = showsRatios_ && ratio.kind == RatioKind::typed;
-  for (QWidget* widget :
-       {static_cast<QWidget*>(ui_->LabSides), static_cast<QWidget*>(ui_->FieldRatioWidth),
-        static_cast<QWidget*>(ui_->LabColon), static_cast<QWidget*>(ui_->FieldRatioHeight)}) {
-    widget->setVisible(isTyped);
-  }
+  SetVisible({ui_->LabSides, ui_->FieldRatioWidth, ui_->LabColon, ui_->FieldRatioHeight}, isTyped);
   const bool isPaper = showsRatios_ && ratio.kind == RatioKind::paper;
-  for (QWidget* widget :
-       {static_cast<QWidget*>(ui_->LabPaper), static_cast<QWidget*>(ui_->ComboPaper),
-        static_cast<QWidget*>(ui_->LabScale), static_cast<QWidget*>(ui_->FieldScale)}) {
-    widget->setVisible(isPaper);
-  }
+  SetVisible({ui_->LabPaper, ui_->ComboPaper, ui_->LabScale, ui_->FieldScale}, isPaper);
   ShowState();
 }
 
@@ -311,11 +322,7 @@ void TFormChooseCrop::ShowState() {
   ui_->SpeedButtonWhole->setEnabled(tool_->CutRectExists());
   ui_->SpeedButtonUndo->setEnabled(tool_->CanUndo());
   ui_->SpeedButtonRedo->setEnabled(tool_->CanRedo());
-  const std::pair<TUnitField*, CropField> fields[] = {{ui_->FieldLeft, CropField::left},
-                                                      {ui_->FieldTop, CropField::top},
-                                                      {ui_->FieldWidth, CropField::width},
-                                                      {ui_->FieldHeight, CropField::height}};
-  for (const auto& [edit, field] : fields) {
+  for (const auto& [edit, field] : Fields()) {
     edit->setValue(model_->Number(field).value);
     edit->setEnabled(model_->MayType(field));
   }
@@ -345,8 +352,6 @@ void TFormChooseCrop::ShowLossless() {
 void TFormChooseCrop::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape && tool_->CancelDrag()) return;
   if (event->key() == Qt::Key_Delete) return KeepWhole();
-  if (event->matches(QKeySequence::Undo)) return Undo();
-  if (IsRedo(*event)) return Redo();
   TScaledForm::keyPressEvent(event);
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include <rasterkit/dialogs/bitmapframe/bmp_cut_rect.h>
 #include <rasterkit/dialogs/crop/choose_crop.h>
@@ -49,6 +51,7 @@ class TFormChooseCrop : public TScaledForm {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  std::array<std::pair<TUnitField*, CropField>, 4> Fields() const;
   void SetUpTool(TBitmap& bitmap);
   void SetUpLists(const ChooseCropOptions& options);
   void ConnectButtons();
@@ -70,6 +73,8 @@ class TFormChooseCrop : public TScaledForm {
   std::function<bool(const CropStep& part)> isLossless_;
   std::optional<TPoint> mouse_;
   bool showsUnits_, showsRatios_, showsGuides_;
+  /// What was remembered before.
+  CropSettings settings_;
   bool isShowing_ = false;
 };
 

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include <rasterkit/dialogs/bitmapframe/rd_rect.h>
-#include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
 
@@ -16,6 +15,6 @@ struct GuideLine {
 };
 
 /// The lines of a guide in a rectangle, the upright ones first.
-RASTERKIT_EXPORT std::vector<GuideLine> GuideLines(CropGuide guide, const RDRect& rect);
+std::vector<GuideLine> GuideLines(CropGuide guide, const RDRect& rect);
 
 }  // namespace rasterkit

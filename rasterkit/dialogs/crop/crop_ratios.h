@@ -5,7 +5,6 @@
 
 #include <rasterkit/dialogs/bitmapframe/cut_shape.h>
 #include <rasterkit/dialogs/crop/crop_units.h>
-#include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
 
@@ -42,18 +41,18 @@ struct CropRatio {
 };
 
 /// Whether the picture has what a kind needs: paper needs a position in a unit of length.
-RASTERKIT_EXPORT bool KnowsRatio(const CropFacts& facts, RatioKind kind);
+bool KnowsRatio(const CropFacts& facts, RatioKind kind);
 
 /// What the sides of the rectangle must be; anything where the kind is not known.
-RASTERKIT_EXPORT CutShape ShapeOf(const CropRatio& ratio, const CropFacts& facts);
+CutShape ShapeOf(const CropRatio& ratio, const CropFacts& facts);
 
 /// Width and height exchanged. Nothing to exchange: the same.
-RASTERKIT_EXPORT CropRatio Swapped(const CropRatio& ratio);
+CropRatio Swapped(const CropRatio& ratio);
 
 /// A line for the settings: "iso-portrait", "typed swapped 5 4 3 500".
-RASTERKIT_EXPORT std::string SettingOf(const CropRatio& ratio);
+std::string SettingOf(const CropRatio& ratio);
 
 /// Reads such a line; what is missing or out of range stays as usual.
-RASTERKIT_EXPORT CropRatio RatioOfSetting(const std::string& setting);
+CropRatio RatioOfSetting(const std::string& setting);
 
 }  // namespace rasterkit

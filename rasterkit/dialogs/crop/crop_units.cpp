@@ -19,6 +19,18 @@ double Rounded(double value, int decimals) {
 
 }  // namespace
 
+CropFacts CropFactsOf(const TBitmap& pixels, const Picture& picture, const std::string& mapUnit) {
+  CropFacts facts;
+  facts.width = pixels.Width();
+  facts.height = pixels.Height();
+  facts.bits = pixels.StoredBits();
+  facts.resolution = picture.GetMetadata().resolution;
+  facts.affine = picture.GetPlacement().affine;
+  facts.mapUnit = MapUnitOf(picture.GetPlacement().system);
+  if (!facts.mapUnit.IsKnown()) facts.mapUnit = MapUnitNamed(mapUnit);
+  return facts;
+}
+
 bool KnowsUnit(const CropFacts& facts, LengthUnit unit) {
   switch (unit) {
     case LengthUnit::millimeters:

@@ -3,12 +3,13 @@
 #include <optional>
 #include <string>
 
+#include <rasterkit/graphics/bitmap.h>
 #include <rasterkit/graphics/canvas.h>
 #include <rasterkit/metadata/resolution.h>
+#include <rasterkit/pictures/picture.h>
 #include <rasterkit/pictures/recipes/recipe.h>
 #include <rasterkit/placement/affine.h>
 #include <rasterkit/placement/map_unit.h>
-#include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
 
@@ -24,6 +25,11 @@ struct CropFacts {
   MapUnit mapUnit;
 };
 
+/// The facts of a picture whose pixels are shown. `mapUnit` is the name of its map's unit where its
+/// coordinate system states none.
+CropFacts CropFactsOf(const TBitmap& pixels, const Picture& picture,
+                      const std::string& mapUnit = "");
+
 /// A place in a unit: in map units x and y of the map, else the distances from the top left corner
 /// of the picture.
 struct UnitPlace {
@@ -32,31 +38,30 @@ struct UnitPlace {
 
 /// Whether numbers in this unit have a meaning: millimeters need a resolution, map units a position
 /// that can be inverted.
-RASTERKIT_EXPORT bool KnowsUnit(const CropFacts& facts, LengthUnit unit);
+bool KnowsUnit(const CropFacts& facts, LengthUnit unit);
 
 /// The place of the corner between pixels that has `column` pixels to its left and `row` above.
-RASTERKIT_EXPORT UnitPlace PlaceOfCorner(const CropFacts& facts, LengthUnit unit, double column,
-                                         double row);
+UnitPlace PlaceOfCorner(const CropFacts& facts, LengthUnit unit, double column, double row);
 
 /// Column and row of a place, not rounded. The picture must know the unit.
-RASTERKIT_EXPORT UnitPlace CornerOfPlace(const CropFacts& facts, LengthUnit unit, UnitPlace place);
+UnitPlace CornerOfPlace(const CropFacts& facts, LengthUnit unit, UnitPlace place);
 
 /// Width and height of one pixel, measured along the sides of the picture, also where it is turned
 /// on the map.
-RASTERKIT_EXPORT UnitPlace PixelSizeIn(const CropFacts& facts, LengthUnit unit);
+UnitPlace PixelSizeIn(const CropFacts& facts, LengthUnit unit);
 
 /// Digits after the decimal mark that tell pixels apart: a step of the last one is at most a tenth
 /// of a pixel.
-RASTERKIT_EXPORT int DecimalsFor(const CropFacts& facts, LengthUnit unit);
+int DecimalsFor(const CropFacts& facts, LengthUnit unit);
 
 /// A rectangle of pixels in another unit, with DecimalsFor digits. In pixels where the unit cannot
 /// tell it: in map units if the picture is turned by other angles than quarters.
-RASTERKIT_EXPORT RecipeCrop CropIn(const CropFacts& facts, LengthUnit unit, const TRect& rect);
+RecipeCrop CropIn(const CropFacts& facts, LengthUnit unit, const TRect& rect);
 
 /// "px", "%", "mm", or the unit of the map, which may be empty.
-RASTERKIT_EXPORT std::string UnitSymbol(const CropFacts& facts, LengthUnit unit);
+std::string UnitSymbol(const CropFacts& facts, LengthUnit unit);
 
 /// A number with a fixed number of digits after the decimal mark of the texts.
-RASTERKIT_EXPORT std::string FixedText(double value, int decimals);
+std::string FixedText(double value, int decimals);
 
 }  // namespace rasterkit

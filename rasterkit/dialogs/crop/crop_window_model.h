@@ -9,7 +9,6 @@
 #include <rasterkit/dialogs/crop/crop_ratios.h>
 #include <rasterkit/dialogs/crop/crop_units.h>
 #include <rasterkit/pictures/recipes/recipe.h>
-#include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
 
@@ -22,7 +21,7 @@ struct CropNumber {
 
 /// The crop window without its widgets: the rectangle of the crop tool in units, its proportion,
 /// and the texts about it. The tool must outlive it and have rules that are live.
-class RASTERKIT_EXPORT CropWindowModel {
+class CropWindowModel {
  public:
   CropWindowModel(BmpCutModel& tool, const CropFacts& facts);
 

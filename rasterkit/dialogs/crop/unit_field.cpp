@@ -1,5 +1,7 @@
+#include <QKeyEvent>
 #include <QLineEdit>
 
+#include <rasterkit/dialogs/bitmapframe/bmp_cut_rect.h>
 #include <rasterkit/dialogs/crop/unit_field.h>
 
 namespace rasterkit {
@@ -22,6 +24,17 @@ void TUnitField::stepBy(int steps) {
   if (!OnStep) return TSpinEditReal::stepBy(steps);
   OnStep(steps);
   selectAll();
+}
+
+bool TUnitField::event(QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride && !isTyped_) {
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    if (key.matches(QKeySequence::Undo) || IsRedo(key)) {
+      event->ignore();
+      return false;
+    }
+  }
+  return TSpinEditReal::event(event);
 }
 
 }  // namespace rasterkit

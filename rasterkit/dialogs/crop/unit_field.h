@@ -9,6 +9,8 @@ namespace rasterkit {
 /// A field for a number that its owner rounds: the owner learns of a number when it is complete,
 /// and of steps by their count.
 class TUnitField : public TSpinEditReal {
+  Q_OBJECT
+
  public:
   explicit TUnitField(QWidget* parent = nullptr);
 
@@ -18,6 +20,10 @@ class TUnitField : public TSpinEditReal {
   std::function<void(int steps)> OnStep;
 
   void stepBy(int steps) override;
+
+ protected:
+  /// Undo and redo belong to the window unless a number is being typed.
+  bool event(QEvent* event) override;
 
  private:
   bool isTyped_ = false;

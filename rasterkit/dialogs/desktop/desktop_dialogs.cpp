@@ -1,14 +1,8 @@
 #include <exception>
 #include <memory>
+#include <utility>
 
-#include <rasterkit/bitmaptools/files/picture_file_dialogs.h>
-#include <rasterkit/dialogs/bitmapframe/crop_bitmap.h>
 #include <rasterkit/dialogs/desktop/desktop_dialogs.h>
-#include <rasterkit/dialogs/editchangesize/edit_size.h>
-#include <rasterkit/dialogs/editpdfbitmap/edit_graphic.h>
-#include <rasterkit/dialogs/editpdfbitmap/editor_isolation.h>
-#include <rasterkit/dialogs/execbitmap/adjust_bitmap.h>
-#include <rasterkit/dialogs/savedlgbitmap/save_bitmap_dlg_ext.h>
 #include <rasterkit/qt/host/modal_call.h>
 #include <rasterkit/qt/preview/preview_decoder.h>
 
@@ -22,9 +16,13 @@ void Say(std::string& error, const char* text) noexcept try {
 }
 
 /// Converts the answer and the exceptions of `dialog`.
-template <typename Dialog>
-DesktopAnswer AnswerOf(Dialog dialog, std::string& error) noexcept try {
-  return dialog() ? DesktopAnswer::confirmed : DesktopAnswer::canceled;
+template <class Answer, class Dialog>
+DesktopAnswer Ask(std::optional<Answer>& answer, std::string& error, const Dialog& dialog) noexcept
+    try {
+  std::optional<Answer> chosen = dialog();
+  if (!chosen) return DesktopAnswer::canceled;
+  answer = std::move(chosen);
+  return DesktopAnswer::confirmed;
 } catch (const std::exception& exception) {
   Say(error, exception.what());
   return DesktopAnswer::failed;
@@ -40,68 +38,57 @@ std::unique_ptr<TModalCall>& Session() {
 }
 
 DesktopAnswer Start(Isolation reading, std::string& error) noexcept {
-  const auto start = [reading] {
+  std::optional<bool> isStarted;
+  return Ask(isStarted, error, [reading] {
     Session() = std::make_unique<TModalCall>();
     detail::SetPreviewIsolation(reading);
-    detail::SetEditorIsolation(reading);
-    return true;
-  };
-  return AnswerOf(start, error);
+    return std::optional(true);
+  });
 }
 
 void End() noexcept {
   Session().reset();
 }
 
-DesktopAnswer Adjust(TBitmap& bitmap, TChgBmpValuesRec& values, std::string& error) noexcept {
-  return AnswerOf([&] { return AdjustBitmap(bitmap, values); }, error);
+DesktopAnswer Crop(TBitmap& pixels, const Picture& picture, const ChooseCropOptions& options,
+                   std::optional<RecipeCrop>& answer, std::string& error) noexcept {
+  return Ask(answer, error, [&] { return ChooseCrop(pixels, picture, options); });
 }
 
-DesktopAnswer Resize(int32_t& width, int32_t& height, std::string& error) noexcept {
-  bool isProportional = false;
-  return AnswerOf([&] { return EditSize(width, height, isProportional); }, error);
+DesktopAnswer Values(const TBitmap& pixels, const AdjustColors& start,
+                     std::optional<AdjustColors>& answer, std::string& error) noexcept {
+  return Ask(answer, error, [&] { return ChooseValues(pixels, start); });
 }
 
-DesktopAnswer Crop(TBitmap& bitmap, TRect& rect,
-                   const std::function<bool(const TRect& part)>& isLossless,
-                   std::string& error) noexcept {
-  return AnswerOf([&] { return ChooseCropRect(bitmap, rect, isLossless); }, error);
+DesktopAnswer Threshold(const TBitmap& pixels, const MakeMono& start,
+                        std::optional<MakeMono>& answer, std::string& error) noexcept {
+  return Ask(answer, error, [&] { return ChooseThreshold(pixels, start); });
 }
 
-DesktopAnswer OpenFile(std::string& fileName, std::string& error) noexcept {
-  return AnswerOf([&] { return BitmapOpenDialog("", "", bfLoadBmp, fileName, true); }, error);
+DesktopAnswer Size(const Picture& picture, const RecipeResize& start,
+                   std::optional<RecipeResize>& answer, std::string& error) noexcept {
+  return Ask(answer, error, [&] { return ChooseSize(picture, start); });
 }
 
-DesktopAnswer Edit(const std::string& dir, std::string& fileName,
-                   std::unique_ptr<TGraphic>& graphic, std::string& error) noexcept {
-  int32_t unused[4] = {};
-  const auto edit = [&] {
-    return EditGraphic(dir, fileName, graphic, unused[0], unused[1], unused[2], unused[3]);
-  };
-  return AnswerOf(edit, error);
+DesktopAnswer Saving(const Picture& picture, const SavingStart& start,
+                     std::optional<SavingChoice>& answer, std::string& error) noexcept {
+  return Ask(answer, error, [&] { return ChooseSaving(picture, start); });
 }
 
-DesktopAnswer ConvertPage(const std::string& pdfFile, std::string& pictureFile,
-                          std::string& error) noexcept {
-  return AnswerOf([&] { return ConvertPdfPageToBmpDialog(pdfFile, pictureFile) > 0; }, error);
+DesktopAnswer File(const std::string& folder, bool usesDesktopDialog,
+                   std::optional<std::string>& answer, std::string& error) noexcept {
+  return Ask(answer, error, [&] {
+    std::string file = ChooseFileToOpen(folder, usesDesktopDialog);
+    return file.empty() ? std::nullopt : std::optional(std::move(file));
+  });
 }
 
-DesktopAnswer SaveBitmap(const std::string& dir, TrecSaveBitmap& rec, std::string& fileName,
-                         std::string& error) noexcept {
-  const auto ask = [&] {
-    return SaveBitmapDlgExt(dir, rec, false, true, false, true, 0, 0, fileName);
-  };
-  return AnswerOf(ask, error);
+DesktopAnswer Edit(const std::string& file, const EditPictureOptions& options,
+                   std::optional<EditedPicture>& answer, std::string& error) noexcept {
+  return Ask(answer, error, [&] { return EditPicture(file, options); });
 }
 
-DesktopAnswer SaveBitmapPixels(const std::string& dir, TrecSaveBitmap& rec, int32_t& width,
-                               int32_t& height, std::string& fileName,
-                               std::string& error) noexcept {
-  return AnswerOf([&] { return SaveBitmapDlgExt(dir, rec, width, height, fileName); }, error);
-}
-
-constexpr DesktopDialogs kDialogs = {Start,    End,  Adjust,      Resize,     Crop,
-                                     OpenFile, Edit, ConvertPage, SaveBitmap, SaveBitmapPixels};
+constexpr DesktopDialogs kDialogs = {Start, End, Crop, Values, Threshold, Size, Saving, File, Edit};
 
 }  // namespace
 

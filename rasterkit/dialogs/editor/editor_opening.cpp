@@ -69,7 +69,7 @@ std::vector<RecipeStep> Scaled(std::vector<RecipeStep> steps, double factor) {
       crop->bottom *= factor;
       crop->outside = Outside::clip;
     }
-    // A size in pixels is what the user wants, at any resolution; sizes after it are in its pixels.
+    // A size in pixels was chosen for any resolution; rectangles after it are in its pixels.
     const auto* size = std::get_if<RecipeResize>(&step);
     if (size != nullptr && size->unit == LengthUnit::pixels) break;
   }
@@ -107,7 +107,7 @@ std::optional<JournalNote> EditorModel::State::AskJournal(SourceRequest& request
 /// A picture that a job opens.
 struct EditorModel::State::Opening {
   EditorPicture opened;
-  /// Why steps of a journal were left out, and how many.
+  /// Why steps of a journal were skipped, and how many.
   std::string error;
   size_t leftOut = 0;
 

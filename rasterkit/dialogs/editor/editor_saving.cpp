@@ -114,7 +114,16 @@ void EditorModel::State::Save(const Action& next, const Action& failed) {
   RunSave(next, failed);
 }
 
+/// Saving reads the source again, so that the pixels of a large one are not kept beside those that
+/// are shown. Undo reads them when it needs them.
+void EditorModel::State::ReleaseBase() {
+  constexpr uint64_t kLarge = uint64_t{64} << 20;
+  const bool isApart = picture->base && picture->base != picture->shown;
+  if (isApart && BytesOf(*picture->base) > kLarge) picture->base.reset();
+}
+
 void EditorModel::State::RunSave(const Action& next, const Action& failed) {
+  ReleaseBase();
   const auto outcome = std::make_shared<SaveOutcome>();
   const Recipe recipe = ToRecipe();
   const bool mayReplace = target.isAgreed;

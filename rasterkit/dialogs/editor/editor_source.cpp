@@ -60,7 +60,7 @@ void TakeDpi(EditorSource& source, double dpi) {
   source.dpi = dpi;
 }
 
-/// What the user asked for, or what is remembered and fits into memory.
+/// What the user requested, or what is remembered and fits into memory.
 void TakeFirstDpi(EditorSource& source) {
   if (source.request.dpi > 0) return TakeDpi(source, source.request.dpi);
   const double remembered = ReadResolution().value_or(kUsualDpi);

@@ -104,7 +104,7 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   // Steps: editor_steps.cpp.
 
   bool HasPicture() const { return picture && picture->shown; }
-  /// Opens a window that asks for a step.
+  /// Opens a window in which the user chooses a step.
   void AskForStep(const Action& ask);
   void AddStep(const RecipeStep& step);
   void GoBack();
@@ -129,6 +129,7 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   void Leave(const Action& next);
   /// Asks what must be asked, and writes. `failed` runs if nothing was written.
   void Save(const Action& next, const Action& failed = {});
+  void ReleaseBase();
   void RunSave(const Action& next, const Action& failed);
   void TakeSaved(const Report& report, const Recipe& recipe);
   void SaveAs(const Action& next);

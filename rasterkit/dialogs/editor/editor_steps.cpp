@@ -97,7 +97,7 @@ void EditorModel::State::ShowNext(StepList steps, std::vector<std::string> names
       [made, from, step, next = std::move(next), isOnShown](const PixelRun& run) {
         Picture picture = next;
         if (isOnShown) {
-          picture = PictureOver(from, *made->result);
+          picture = PictureOver(*from, *made->result);
           ApplyRecipeStep(picture, step);
         }
         made->shown = PixelsToShow(picture, run);
@@ -123,7 +123,7 @@ void EditorModel::State::ShowFromSource(StepList list, const std::string& title)
         const std::span<const RecipeStep> steps = made->steps.Done();
         Picture facts = *made->source.picture;
         std::optional<Picture> seen;
-        if (made->base && AreSeenAsStored(facts)) seen = PictureOver(made->base, facts);
+        if (made->base && AreSeenAsStored(facts)) seen = PictureOver(*made->base, facts);
         for (const RecipeStep& step : steps) {
           ApplyRecipeStep(facts, step);
           if (seen) ApplyRecipeStep(*seen, step);

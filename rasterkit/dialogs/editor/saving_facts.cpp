@@ -33,7 +33,7 @@ std::string ReasonIn(const std::string& note) {
 std::string SavingText(const Report& plan) {
   if (plan.isMoved) {
     const std::string note = plan.moveNote.empty() ? "" : "; " + plan.moveNote;
-    return ResourceString(rsSavesMoved) + note;
+    return ResourceString(rsSavingMoved) + note;
   }
   if (plan.isCopied) return ResourceString(rsSavesCopy);
   if (IsLossy(plan)) {

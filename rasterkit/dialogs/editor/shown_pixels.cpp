@@ -20,16 +20,6 @@ uint64_t BytesOfRows(uint64_t width, uint64_t height, uint64_t bits) {
   return (width * bits + 31) / 32 * 4 * height;
 }
 
-/// As many pixels as the picture has, in as little memory as possible.
-std::unique_ptr<TBitmap> BlankFor(const TBitmap& pixels, const Resolution& resolution) {
-  auto blank = std::make_unique<TBitmap>();
-  blank->SetPixelFormat(pf1bit);
-  blank->SetSize(pixels.Width(), pixels.Height());
-  blank->SetDpi(resolution);
-  blank->SetProfile(pixels.Profile());
-  return blank;
-}
-
 }  // namespace
 
 uint64_t BytesToShow(const Picture& picture) {
@@ -48,11 +38,14 @@ ShownPixels PixelsToShow(const Picture& picture, const PixelRun& run) {
   return picture.Bitmap(how);
 }
 
-Picture PictureOver(const ShownPixels& pixels, const Picture& facts) {
-  Picture picture = Picture::Of(BlankFor(*pixels, facts.GetMetadata().resolution));
+Picture PictureOver(TBitmap& pixels, const Picture& facts) {
+  auto alias = std::make_unique<TBitmap>(
+      Raster::InMemory(pixels.ScanLine(0), pixels.Content(), pixels.Width(), pixels.Height()));
+  alias->CarryFrom(pixels);
+  alias->SetDpi(facts.GetMetadata().resolution);
+  Picture picture = Picture::Of(std::move(alias));
   const std::optional<Affine>& position = facts.GetPlacement().affine;
   if (position) picture.Apply(PlaceStep{*position});
-  picture.Apply(PixelsStep{pixels});
   return picture;
 }
 

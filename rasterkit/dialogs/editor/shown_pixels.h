@@ -26,9 +26,9 @@ uint64_t BytesOf(const TBitmap& pixels);
 /// The pixels of a picture with its steps. Throws Error, CanceledError.
 ShownPixels PixelsToShow(const Picture& picture, const PixelRun& run);
 
-/// A picture of shown pixels, which are not copied and must not change, with resolution and
-/// position of `facts`, whose pixels they are.
-Picture PictureOver(const ShownPixels& pixels, const Picture& facts);
+/// A picture of shown pixels, with resolution and position of `facts`, whose pixels they are. They
+/// are not copied: they must stay longer than the picture, and not change.
+Picture PictureOver(TBitmap& pixels, const Picture& facts);
 
 /// True if the pixels to look at are those of the source, so that steps on them show what steps on
 /// the source give. Other pixels (16 bits, numbers, inks) are read from the file for each step.

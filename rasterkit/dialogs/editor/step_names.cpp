@@ -36,7 +36,7 @@ std::string NameOfChange(const ColorChange& change) {
   if (const auto* bits = std::get_if<SetBits>(&change)) return NameOfBits(*bits);
   if (std::holds_alternative<MakeGray>(change)) return ResourceString(rsStepGray);
   if (std::holds_alternative<MakeMono>(change)) return ResourceString(rsStepMono);
-  if (std::holds_alternative<AdjustColors>(change)) return ResourceString(rsStepValues);
+  if (std::holds_alternative<AdjustColors>(change)) return ResourceString(rsChangeBitmapValues);
   return ResourceString(rsStepColorChange);
 }
 

@@ -1,3 +1,6 @@
+#include <filesystem>
+#include <system_error>
+
 #include <rasterkit/dialogs/editpdfbitmap/edit_file_names.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/text.h>
@@ -11,6 +14,16 @@ void EditFileNames::SetBmpFilename(const std::string& name) {
   }
   fBmpDir = ExtractFilePath(name);
   fBmpName = ExtractFileName(name);
+}
+
+bool EditFileNames::OverwritesAnother(const std::string& fileName,
+                                      const std::string& askedAbout) const {
+  const std::string target = fBmpDir + fileName;
+  if (!FileExists(target)) return false;
+  const bool hasFolder = !ExtractFilePath(askedAbout).empty();
+  const std::string asked = hasFolder ? askedAbout : fBmpDir + askedAbout;
+  std::error_code error;
+  return asked != target && !std::filesystem::equivalent(ToPath(asked), ToPath(target), error);
 }
 
 std::string EditFileNames::Title(const std::string& caption) const {

@@ -18,6 +18,11 @@ struct EditFileNames {
   void SetBmpFilename(const std::string& name);
   std::string GetBmpFilename() const { return fBmpDir + fBmpName; }
 
+  /// Whether the file `fileName` of the target's folder would be overwritten without a question: it
+  /// exists and is not the file `askedAbout`, whose overwriting a save window asked about. A name
+  /// without a folder is one in the target's folder.
+  bool OverwritesAnother(const std::string& fileName, const std::string& askedAbout) const;
+
   /// Returns the title of the window: the name of the source and the caption. A graphic in another
   /// folder than the target (ignoring case) is shown with its full path.
   std::string Title(const std::string& caption) const;

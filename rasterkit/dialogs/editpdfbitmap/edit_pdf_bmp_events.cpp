@@ -5,6 +5,8 @@
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/ports.h>
 #include <rasterkit/runtime/threads/application.h>
+#include <rasterkit/strings/format_text.h>
+#include <rasterkit/strings/strings.h>
 
 namespace rasterkit {
 
@@ -195,11 +197,23 @@ void EditPdfBmpModel::SpeedButtonSaveClick() {
 
 /// The name is used in the target's folder, whichever folder the user went to.
 bool EditPdfBmpModel::RunSaveDialog() {
-  std::string name = names_.fBmpName;
+  std::string name = names_.fBmpName, askedAbout;
   const std::string extension = ExtractFileExt(name);
-  if (!BitmapSaveDialog(names_.fBmpDir, extension, false, name, true)) return false;
-  names_.fBmpName = ExtractFileName(name);
+  if (!detail::ChooseSaveName(names_.fBmpDir, extension, false, name, true, askedAbout)) {
+    return false;
+  }
+  name = ExtractFileName(name);
+  if (names_.OverwritesAnother(name, askedAbout) && !MayOverwrite(names_.fBmpDir + name)) {
+    return false;
+  }
+  names_.fBmpName = name;
   return true;
+}
+
+/// A host without a message box is not asked.
+bool EditPdfBmpModel::MayOverwrite(const std::string& fileName) {
+  return !HostPorts().confirmation ||
+         Confirm(FormatText(ResourceString(rsEditOverwrite), {&fileName, 1}));
 }
 
 void EditPdfBmpModel::SaveBitmap() {

@@ -196,6 +196,7 @@ class EditPdfBmpModel {
   void ShowAt(bool fit);
   void OpenOther(const std::string& name);
   bool RunSaveDialog();
+  static bool MayOverwrite(const std::string& fileName);
   void SaveBitmap();
   void OKclicked();
   void Close(int modalResult);

@@ -54,8 +54,11 @@ TBitmap ChangeStepPart(const TBitmap& picture, const TRect& part, const ColorCha
                            std::min(part.Bottom + margin, picture.Height())};
   Picture changed = Picture::Of(CopyOfPart(picture, computed));
   changed.Change(step);
+  // Threads cost more than they bring for few pixels.
+  constexpr int64_t kFewPixels = 200'000;
   Run run;
-  run.threads = 1;
+  const int64_t pixels = int64_t{computed.right - computed.left} * (computed.bottom - computed.top);
+  run.threads = pixels < kFewPixels ? 1 : 0;
   return PartOf(std::move(*changed.Bitmap(run)),
                 {part.Left - computed.left, part.Top - computed.top, part.Right - computed.left,
                  part.Bottom - computed.top});
@@ -67,9 +70,12 @@ TBitmap DrawStepPart(const TBitmap& picture, const TRect& part, const ValueChang
   const int width = part.Right - part.Left, height = part.Bottom - part.Top;
   drawn.ResetPixels(pf32bit, std::max(width, 0), std::max(height, 0));
   if (drawn.Empty()) return drawn;
-  drawn.Canvas().Brush.Color = ground;
-  drawn.Canvas().FillRect({0, 0, width, height});
-  drawn.Canvas().Draw(0, 0, ChangeStepPart(picture, part, StepOf(change)));
+  TBitmap changed = ChangeStepPart(picture, part, StepOf(change));
+  if (changed.Transparent() || changed.AlphaFormat() == afDefined) {
+    drawn.Canvas().Brush.Color = ground;
+    drawn.Canvas().FillRect({0, 0, width, height});
+  }
+  drawn.Canvas().Draw(0, 0, changed);
   return drawn;
 }
 

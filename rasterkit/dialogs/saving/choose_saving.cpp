@@ -19,10 +19,24 @@ std::optional<SavingChoice> Answer(TFormSaving& form) {
   return form.Model().Choice();
 }
 
-/// What a window would suggest, for a dialog of the desktop.
-ChosenName Suggested(const Picture& picture, const SavingStart& start) {
-  TFormSaving form(picture, start, SavingScope::chosenName);
-  return {form.Model().File(), false};
+/// The view of a model that is only asked.
+class NoView : public SavingView {
+ public:
+  void ShowState() override {}
+  void ShowParts() override {}
+  void Start(SavingWork, Job) override {}
+  void Stop(SavingWork) override {}
+  bool AskReplace(const std::string&) override { return false; }
+  std::optional<ChosenName> AskName(const std::string&) override { return std::nullopt; }
+  void Close(bool) override {}
+};
+
+/// Asks the desktop's dialog, which starts with what a window would suggest.
+std::optional<ChosenName> AskDesktop(const Picture& picture, const SavingStart& start,
+                                     QWidget* parent) {
+  NoView view;
+  const SavingModel model(view, picture, start, SavingScope::chosenName);
+  return detail::TheDesktopFileDialogs().askToSave(model.File(), model.Type(), parent);
 }
 
 std::string OwnOpenWindow(const std::string& folder, QWidget* parent) {
@@ -42,13 +56,11 @@ std::string OwnOpenWindow(const std::string& folder, QWidget* parent) {
 std::optional<SavingChoice> ChooseSaving(const Picture& picture, const SavingStart& start,
                                          QWidget* parent) {
   const TModalCall call;
-  if (!start.usesDesktopDialog || !detail::HasDesktopDialogs()) {
+  if (!start.usesDesktopDialog || !detail::TheDesktopFileDialogs().areThere()) {
     TFormSaving form(picture, start, SavingScope::places, std::nullopt, parent);
     return Answer(form);
   }
-  const ChosenName suggested = Suggested(picture, start);
-  const detail::SuggestedType type = detail::SuggestType(picture, suggested.file);
-  const auto name = detail::AskSaveName(suggested.file, type.type, parent);
+  const auto name = AskDesktop(picture, start, parent);
   if (!name) return std::nullopt;
   TFormSaving form(picture, start, SavingScope::chosenName, name, parent);
   return Answer(form);
@@ -66,9 +78,9 @@ std::optional<RecipeSave> ChooseSaveSettings(const Picture& picture, const Savin
 std::string ChooseFileToOpen(const std::string& folder, bool usesDesktopDialog, QWidget* parent) {
   const TModalCall call;
   const std::string first = folder.empty() ? detail::FirstFolder("") : folder;
-  const bool isDesktop = usesDesktopDialog && detail::HasDesktopDialogs();
-  std::string file =
-      isDesktop ? detail::AskNameToOpen(first, parent) : OwnOpenWindow(first, parent);
+  const bool isDesktop = usesDesktopDialog && detail::TheDesktopFileDialogs().areThere();
+  std::string file = isDesktop ? detail::TheDesktopFileDialogs().askToOpen(first, parent)
+                               : OwnOpenWindow(first, parent);
   if (!file.empty()) detail::RememberFolder(detail::FolderOf(file));
   return file;
 }

@@ -78,10 +78,10 @@ TPaintBox* CompareView::MakeBox(const char* name, QLabel*& label, const char* la
 void CompareView::SetModel(SavingModel& model) {
   model_ = &model;
   boxBefore_->OnPaint = [this](TPaintBox& box, QPainter& painter) {
-    Paint(box, painter, model_->Before());
+    if (model_ != nullptr) Paint(box, painter, model_->Before());
   };
   boxAfter_->OnPaint = [this](TPaintBox& box, QPainter& painter) {
-    Paint(box, painter, model_->After());
+    if (model_ != nullptr) Paint(box, painter, model_->After());
   };
 }
 
@@ -148,6 +148,7 @@ void CompareView::Drag(QMouseEvent& event) {
 }
 
 void CompareView::Key(QKeyEvent& event) {
+  if (model_ == nullptr) return;
   const int step =
       event.modifiers().testFlag(Qt::ShiftModifier) ? kKeyStep * kShiftFactor : kKeyStep;
   switch (event.key()) {

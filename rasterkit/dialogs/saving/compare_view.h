@@ -16,6 +16,8 @@ class CompareView : public QWidget {
 
   /// The model must outlive the view.
   void SetModel(SavingModel& model);
+  /// Before the model goes: a view that is hidden later tells it no more.
+  void ForgetModel() { model_ = nullptr; }
   /// The model has other pixels or another place.
   void ShowParts();
 

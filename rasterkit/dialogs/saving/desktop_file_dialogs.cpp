@@ -1,3 +1,4 @@
+#include <QApplication>
 #include <QFileDialog>
 #include <QLineEdit>
 
@@ -30,7 +31,7 @@ bool HasDesktopDialogs() {
 }
 
 std::optional<ChosenName> AskSaveName(const std::string& file, PictureType type, QWidget* parent) {
-  QFileDialog dialog(parent);
+  QFileDialog dialog(parent != nullptr ? parent : QApplication::activeWindow());
   dialog.setObjectName("SaveNameDialog");
   dialog.setWindowTitle(ResourceText(rsSavingTitle));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
@@ -44,15 +45,21 @@ std::optional<ChosenName> AskSaveName(const std::string& file, PictureType type,
   if (chosen.empty()) return std::nullopt;
   const auto at = filters.indexOf(dialog.selectedNameFilter());
   const PictureType kind = at < 0 ? type : WritableTypes(type)[static_cast<size_t>(at)];
-  // A name without an ending has been asked about as it is.
+  // The ending counts, unless the user chose another kind and left the name as it was.
   const bool isNamed = TypeOfName(chosen) != PictureType::unknown;
-  if (isNamed) return ChosenName{chosen, true};
+  if (isNamed && (kind == type || chosen != file)) return ChosenName{chosen, true};
   const std::string full = NameForType(chosen, kind, {});
+  // The dialog has asked about the name as it was.
   return ChosenName{full, full == chosen};
 }
 
+DesktopFileDialogs& TheDesktopFileDialogs() {
+  static DesktopFileDialogs dialogs;
+  return dialogs;
+}
+
 std::string AskNameToOpen(const std::string& folder, QWidget* parent) {
-  QFileDialog dialog(parent);
+  QFileDialog dialog(parent != nullptr ? parent : QApplication::activeWindow());
   dialog.setObjectName("OpenNameDialog");
   dialog.setWindowTitle(ResourceText(rsSavingOpenTitle));
   dialog.setAcceptMode(QFileDialog::AcceptOpen);

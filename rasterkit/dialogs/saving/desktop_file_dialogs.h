@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -20,5 +21,15 @@ std::optional<ChosenName> AskSaveName(const std::string& file, PictureType type,
 
 /// Asks for an existing picture of any kind; empty if the user canceled.
 std::string AskNameToOpen(const std::string& folder, QWidget* parent);
+
+/// The functions that the windows use. A test puts others in their place.
+struct DesktopFileDialogs {
+  std::function<bool()> areThere = HasDesktopDialogs;
+  std::function<std::optional<ChosenName>(const std::string&, PictureType, QWidget*)> askToSave =
+      AskSaveName;
+  std::function<std::string(const std::string&, QWidget*)> askToOpen = AskNameToOpen;
+};
+
+DesktopFileDialogs& TheDesktopFileDialogs();
 
 }  // namespace rasterkit::detail

@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QSplitter>
 #include <QStandardPaths>
@@ -62,15 +63,17 @@ FolderPage::FolderPage(const std::string& folderOfPicture, QWidget* parent) : QW
   files_->setAccessibleName(ResourceText(rsSaveFiles));
   files_->setToolTip(ResourceText(rsSaveFilesHint));
   preview_ = new PicturePreview(parts);
+  preview_->setMinimumWidth(preview_->sizeHint().width() / 2);
   parts->setStretchFactor(1, 1);
+  parts->setSizes({places_->sizeHint().width() * 2 / 3, files_->sizeHint().width(),
+                   preview_->sizeHint().width()});
   column->addWidget(parts, 1);
   AddPlaces(folderOfPicture);
 
   connect(up, &QToolButton::clicked, files_, &TFileListView::GoUp);
-  connect(folder_, &QLineEdit::returnPressed, this, [this] { Enter(folder_->text()); });
+  folder_->installEventFilter(this);
+  places_->installEventFilter(this);
   connect(places_, &QListWidget::itemClicked, this,
-          [this](const QListWidgetItem* item) { Enter(item->data(kFolderRole).toString()); });
-  connect(places_, &QListWidget::itemActivated, this,
           [this](const QListWidgetItem* item) { Enter(item->data(kFolderRole).toString()); });
   connect(files_, &TFileListView::entrySelected, this, [this](const QString& name, bool isFolder) {
     preview_->ShowFile(isFolder ? QString() : ToQt(files_->Directory()) + name);
@@ -86,6 +89,17 @@ FolderPage::FolderPage(const std::string& folderOfPicture, QWidget* parent) : QW
       if (OnFolder) OnFolder(WithoutSeparator(FromQt(directory)));
     });
   });
+}
+
+/// Enter opens a folder and does not press the button of the window.
+bool FolderPage::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress) return false;
+  const int key = static_cast<QKeyEvent*>(event)->key();
+  if (key != Qt::Key_Return && key != Qt::Key_Enter) return false;
+  const QListWidgetItem* place = places_->currentItem();
+  if (watched == folder_) Enter(folder_->text());
+  if (watched == places_ && place != nullptr) Enter(place->data(kFolderRole).toString());
+  return true;
 }
 
 void FolderPage::AddPlace(const QString& text, const QString& folder) {

@@ -28,6 +28,9 @@ class FolderPage : public QWidget {
   void ShowFolder(const std::string& folder);
   void ShowMask(const std::string& mask);
 
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
   void AddPlaces(const std::string& folderOfPicture);
   void AddPlace(const QString& text, const QString& folder);

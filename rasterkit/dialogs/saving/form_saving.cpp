@@ -1,7 +1,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QSignalBlocker>
-#include <QTabWidget>
+#include <QStackedWidget>
 #include <QVBoxLayout>
 
 #include <rasterkit/dialogs/saving/desktop_file_dialogs.h>
@@ -19,6 +19,9 @@ namespace {
 /// Milliseconds that the size and the view wait for further changes, and between two looks at the
 /// progress.
 constexpr int kSizeRest = 250, kPartRest = 80, kTick = 200;
+
+/// The first size of the window where a line of text has this height.
+constexpr int kWidth = 860, kHeight = 560, kTextHeight = 16;
 
 constexpr const char* kSettingsNames[] = {"FormSaving", "FormSavingNamed", "FormSavingSettings"};
 
@@ -59,10 +62,13 @@ TFormSaving::TFormSaving(const Picture& picture, const SavingStart& start, Savin
   ConnectControls();
   tick_.setInterval(kTick);
   ShowState();
+  resize(sizeHint().expandedTo(QSize(kWidth, kHeight) * fontMetrics().height() / kTextHeight));
   (name_ != nullptr ? static_cast<QWidget*>(name_) : save_)->setFocus();
 }
 
-TFormSaving::~TFormSaving() = default;
+TFormSaving::~TFormSaving() {
+  settingsPage_->ForgetModel();
+}
 
 QWidget* TFormSaving::MakeFileRows() {
   auto* rows = new QWidget(this);
@@ -110,12 +116,35 @@ QWidget* TFormSaving::MakeFileRows() {
 QWidget* TFormSaving::MakePages() {
   settingsPage_ = new detail::SettingsPage(this);
   if (model_->Scope() != SavingScope::places) return settingsPage_;
-  auto* tabs = new QTabWidget(this);
-  tabs->setObjectName("Pages");
-  folderPage_ = new detail::FolderPage(model_->Folder(), tabs);
-  tabs->addTab(folderPage_, ResourceText(rsSavingFolderPage));
-  tabs->addTab(settingsPage_, ResourceText(rsSavingSettingsPage));
-  return tabs;
+  auto* parts = new QWidget(this);
+  auto* column = new QVBoxLayout(parts);
+  column->setContentsMargins(0, 0, 0, 0);
+  auto* row = new QHBoxLayout;
+  auto* pages = new QStackedWidget(parts);
+  pages->setObjectName("Pages");
+  folderPage_ = new detail::FolderPage(model_->Folder(), pages);
+  pages->addWidget(folderPage_);
+  pages->addWidget(settingsPage_);
+  AddPageButton(*row, *pages, 0, {"ButtonFolder", rsSavingFolderPage, rsSavingFolderPageHint});
+  AddPageButton(*row, *pages, 1,
+                {"ButtonSettings", rsSavingSettingsPage, rsSavingSettingsPageHint});
+  row->addStretch(1);
+  column->addLayout(row);
+  column->addWidget(pages, 1);
+  return parts;
+}
+
+void TFormSaving::AddPageButton(QHBoxLayout& row, QStackedWidget& pages, int page,
+                                const PageTexts& texts) {
+  auto* button = new QPushButton(ResourceText(texts.text), pages.parentWidget());
+  button->setObjectName(texts.name);
+  button->setToolTip(ResourceText(texts.hint));
+  button->setCheckable(true);
+  button->setAutoExclusive(true);
+  button->setAutoDefault(false);
+  button->setChecked(page == 0);
+  connect(button, &QPushButton::clicked, &pages, [&pages, page] { pages.setCurrentIndex(page); });
+  row.addWidget(button);
 }
 
 QWidget* TFormSaving::MakeResult() {
@@ -271,7 +300,7 @@ bool TFormSaving::AskReplace(const std::string& question) {
 }
 
 std::optional<ChosenName> TFormSaving::AskName(const std::string& file) {
-  return detail::AskSaveName(file, model_->Type(), this);
+  return detail::TheDesktopFileDialogs().askToSave(file, model_->Type(), this);
 }
 
 void TFormSaving::Close(bool isConfirmed) {

@@ -14,6 +14,9 @@
 #include <rasterkit/dialogs/saving/stoppable_task.h>
 #include <rasterkit/qt/forms/scaled_form.h>
 
+class QHBoxLayout;
+class QStackedWidget;
+
 namespace rasterkit {
 
 /// The window of saving in its three scopes. It owns its model and computes nothing.
@@ -41,6 +44,12 @@ class TFormSaving : public TScaledForm, private SavingView {
 
   QWidget* MakeFileRows();
   QWidget* MakePages();
+  struct PageTexts {
+    const char* name;
+    std::string_view text, hint;
+  };
+  static void AddPageButton(QHBoxLayout& row, QStackedWidget& pages, int page,
+                            const PageTexts& texts);
   QWidget* MakeResult();
   QWidget* MakeButtons();
   void ConnectControls();

@@ -181,7 +181,7 @@ std::string LosslessWords(const Picture& picture, const RecipeSave& save, const 
   if (HasOtherDepth(picture, save)) {
     return Filled(rsSavingChangesPixels, {ResourceString(rsSavingWhyDepth)});
   }
-  return Filled(rsSavingChangesPixels, {ResourceString(rsSavingWhyKind)});
+  return Filled(rsSavingChangesPixels, {ResourceString(rsSavingWhyPixels)});
 }
 
 std::string LossWords(const Report& report) {
@@ -190,7 +190,8 @@ std::string LossWords(const Report& report) {
   for (const Loss& loss : report.losses) {
     if (std::find(said.begin(), said.end(), loss.kind) != said.end()) continue;
     said.push_back(loss.kind);
-    words += (words.empty() ? "" : ", ") + ResourceString(WordOf(loss.kind));
+    if (!words.empty()) words += ", ";
+    words += ResourceString(WordOf(loss.kind));
   }
   return words.empty() ? ResourceString(rsSavingNoLoss) : Filled(rsSavingLost, {words});
 }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <rasterkit/dialogs/saving/saved_result.h>
+#include <rasterkit/pictures/recipes/apply_recipe.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
 
@@ -43,19 +44,13 @@ Run BackgroundRun(std::stop_token cancel) {
 
 Picture PreparedPicture(const Picture& picture, const RecipeSave& save) {
   Picture prepared = picture;
-  if (save.bits) prepared.Change(SetBits{*save.bits});
+  ApplySaving(prepared, save);
   return prepared;
 }
 
 SaveOptions OptionsFor(const RecipeSave& save, PictureType type) {
-  SaveOptions options;
+  SaveOptions options = SaveOptionsOf(save);
   options.type = type;
-  options.quality = save.quality;
-  options.chromaX = save.chromaX;
-  options.chromaY = save.chromaY;
-  options.compression = save.compression;
-  options.pngLevel = save.pngLevel;
-  options.lossless = save.lossless;
   return options;
 }
 

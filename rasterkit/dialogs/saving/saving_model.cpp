@@ -51,6 +51,8 @@ void SavingModel::TakeStart(const SavingStart& start, const std::optional<Chosen
   // A name from a dialog says what its user wants.
   if (isStated && !(isNamed && scope_ != SavingScope::settings)) type_ = *save_.type;
   if (isStated) suggestion_.reason = detail::SuggestionReason::asIs;
+  // The other dialog could not say why its name has another ending than the picture.
+  if (name && !isStated) suggestion_ = detail::SuggestType(picture_, start.file);
   folder_ = detail::FirstFolder(file);
   name_ = detail::NameIn(file);
   if (isNamed) endings_[type_] = detail::EndingOf(file);
@@ -103,13 +105,12 @@ std::optional<PictureType> SavingModel::TypeToState() const {
 RecipeSave SavingModel::Filtered() const {
   RecipeSave save;
   save.type = TypeToState();
-  save.bits = save_.bits;
+  if (save_.bits && (IsDepthOffered(*save_.bits) || !HasQuality())) save.bits = save_.bits;
   save.metadata = save_.metadata;
+  save.background = save_.background;
   if (HasCompression()) save.compression = save_.compression;
   if (HasLevel()) save.pngLevel = save_.pngLevel;
   if (!HasQuality()) return save;
-  // Such a file has 8 bits per color or gray.
-  if (save.bits && *save.bits != 24) save.bits.reset();
   save.quality = save_.quality;
   save.chromaX = save_.chromaX;
   save.chromaY = save_.chromaY;
@@ -160,6 +161,7 @@ void SavingModel::Change() {
 }
 
 void SavingModel::Begin() {
+  if (isBegun_) return;
   isBegun_ = true;
   StartSize();
   StartPart();

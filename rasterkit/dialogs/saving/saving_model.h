@@ -135,6 +135,7 @@ class SavingModel {
   struct Progress;
 
   void TakeStart(const SavingStart& start, const std::optional<ChosenName>& name);
+  bool IsDepthOffered(int bits) const;
   RecipeSave Filtered() const;
   std::optional<PictureType> TypeToState() const;
   void Change();

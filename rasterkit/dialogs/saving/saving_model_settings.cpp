@@ -33,12 +33,11 @@ constexpr std::array<Setting<Lossless>, 3> kMoves = {{{Lossless::exact, rsSaving
                                                       {Lossless::trim, rsSavingMoveTrim},
                                                       {Lossless::off, rsSavingMoveOff}}};
 
-/// Names of methods are the same in every language.
 constexpr std::array<Setting<TiffCompression>, 5> kCompressions = {
     {{TiffCompression::none, rsSavingCompressionNone},
-     {TiffCompression::lzw, "LZW"},
-     {TiffCompression::deflate, "Deflate"},
-     {TiffCompression::packBits, "PackBits"},
+     {TiffCompression::lzw, rsSavingCompressionLzw},
+     {TiffCompression::deflate, rsSavingCompressionDeflate},
+     {TiffCompression::packBits, rsSavingCompressionPackBits},
      {TiffCompression::group4, rsSavingCompressionGroup4}}};
 
 constexpr std::array<Setting<RecipeSave::Keep>, 3> kKeeps = {
@@ -85,22 +84,37 @@ SavingList SavingModel::Types() const {
   return list;
 }
 
+/// JPEG files have color or gray, and only a BMP file has 32 bits without opacity.
+bool SavingModel::IsDepthOffered(int bits) const {
+  constexpr int kColor = 24, kWithAlpha = 32;
+  if (HasQuality()) return bits == kColor;
+  const bool hasAlpha = picture_.Layout().alpha != AlphaKind::none;
+  return bits != kWithAlpha || hasAlpha || type_ == PictureType::bmp;
+}
+
 SavingList SavingModel::Depths() const {
   const std::string bits = std::to_string(picture_.Layout().BitsPerPixel());
   SavingList list{{FormatText(ResourceString(rsSavingDepthAsIs), {&bits, 1})}, 0};
   for (const auto& [value, text] : kDepths) {
-    if (HasQuality() && value != 24) continue;
+    if (!IsDepthOffered(value)) continue;
     if (save_.bits == value) list.position = static_cast<int>(list.texts.size());
     list.texts.push_back(ResourceString(text));
+  }
+  if (save_.bits && list.position == 0 && !HasQuality()) {
+    // A depth that a recipe states.
+    const std::string stated = std::to_string(*save_.bits);
+    list.position = static_cast<int>(list.texts.size());
+    list.texts.push_back(FormatText(ResourceString(rsSavingDepthOther), {&stated, 1}));
   }
   return list;
 }
 
 void SavingModel::ChooseDepth(int position) {
+  if (position == Depths().position) return;
   std::optional<int> bits;
   int at = 0;
   for (const auto& [value, text] : kDepths) {
-    if (HasQuality() && value != 24) continue;
+    if (!IsDepthOffered(value)) continue;
     if (++at == position) bits = value;
   }
   if (bits == save_.bits) return;

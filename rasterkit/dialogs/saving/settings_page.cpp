@@ -29,7 +29,8 @@ SettingsPage::SettingsPage(QWidget* parent) : QWidget(parent) {
   auto* settings = new QWidget(this);
   rows_ = new QFormLayout(settings);
   rows_->setContentsMargins(0, 0, 0, 0);
-  rows_->setRowWrapPolicy(QFormLayout::WrapLongRows);
+  rows_->setRowWrapPolicy(QFormLayout::DontWrapRows);
+  rows_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
   depth_ = AddList("BoxDepth", rsSavingDepth, rsSavingDepthHint, &SavingModel::ChooseDepth);
   AddQuality();
   sampling_ =
@@ -72,6 +73,7 @@ void SettingsPage::AddQuality() {
   quality_->setObjectName("SliderQuality");
   quality_->setRange(1, 100);
   quality_->setPageStep(10);
+  quality_->setAccessibleName(ResourceText(rsSavingQualityName));
   quality_->setToolTip(ResourceText(rsSavingQualityHint));
   qualityNumber_ = new TSpinEditInt(qualityRow_);
   qualityNumber_->setObjectName("NumberQuality");
@@ -104,6 +106,11 @@ void SettingsPage::SetModel(SavingModel& model) {
   asQuality_->setText(ResourceText(isSource ? rsSavingAsQuality : rsSavingUsualQuality));
   asQuality_->setToolTip(ResourceText(isSource ? rsSavingAsQualityHint : rsSavingUsualQualityHint));
   compare_->SetModel(model);
+}
+
+void SettingsPage::ForgetModel() {
+  model_ = nullptr;
+  compare_->ForgetModel();
 }
 
 /// Hides a field with its label, whose mnemonic would work nevertheless.

@@ -19,6 +19,7 @@ class SettingsPage : public QWidget {
   explicit SettingsPage(QWidget* parent);
 
   void SetModel(SavingModel& model);
+  void ForgetModel();
   void ShowState();
   void ShowParts() { compare_->ShowParts(); }
 

@@ -90,7 +90,8 @@ std::string NameForType(const std::string& file, PictureType type, const KnownEn
   if (known != endings.end()) {
     ending = known->second;
   } else if (codec != nullptr) {
-    ending = "." + std::string(codec->extensions[0]);
+    ending = ".";
+    ending += codec->extensions[0];
   }
   const size_t kept = named == PictureType::unknown ? file.size() : file.find_last_of('.');
   return file.substr(0, kept) + ending;
@@ -106,7 +107,8 @@ std::string PatternsOf(PictureType type) {
   if (codec == nullptr) return patterns;
   for (const std::string_view extension : codec->extensions) {
     if (extension.empty()) continue;
-    patterns += std::string(patterns.empty() ? "" : " ") + "*." + std::string(extension);
+    patterns += patterns.empty() ? "*." : " *.";
+    patterns += extension;
   }
   return patterns;
 }
@@ -121,7 +123,8 @@ std::string LongTypeName(PictureType type) {
 std::string PatternsToOpen() {
   std::string patterns;
   for (const Codec& codec : CodecTable()) {
-    patterns += (patterns.empty() ? "" : " ") + PatternsOf(codec.type);
+    if (!patterns.empty()) patterns += ' ';
+    patterns += PatternsOf(codec.type);
   }
   return patterns;
 }

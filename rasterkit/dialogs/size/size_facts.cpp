@@ -52,7 +52,7 @@ MemoryText MemoryTextOf(uint64_t bytes) {
 std::string DpiText(const Resolution& dpi) {
   if (!dpi.IsKnown()) return ResourceString(rsSizeNoDpi);
   const std::string x = NumberText(dpi.x), y = NumberText(dpi.y);
-  return x == y ? Filled(rsSizeDpi, {x}) : Filled(rsSizeTwoDpi, {x, y});
+  return x == y ? Filled(rsSavingDpi, {x}) : Filled(rsSizeTwoDpi, {x, y});
 }
 
 uint64_t BytesOf(const Picture& picture) {
@@ -76,9 +76,9 @@ uint64_t BytesAtSize(const Picture& picture, int32_t width, int32_t height, Filt
 
 std::string SizeFactsText(const Picture& picture) {
   const MemoryText memory = MemoryTextOf(BytesOf(picture));
-  return Filled(rsSizeFacts,
-                {std::to_string(picture.Width()), std::to_string(picture.Height()),
-                 DpiText(picture.GetMetadata().resolution), memory.number, memory.unit});
+  return Filled(rsSizeFacts, {std::to_string(picture.Width()), std::to_string(picture.Height()),
+                              memory.number, memory.unit}) +
+         ", " + DpiText(picture.GetMetadata().resolution);
 }
 
 std::string SizeResultText(const ChangeSizeModel& model, const Picture& picture) {

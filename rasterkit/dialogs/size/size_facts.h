@@ -13,7 +13,7 @@ namespace rasterkit {
 /// Bytes of the pixels of the picture at another size; the greatest number if it cannot have it.
 uint64_t BytesAtSize(const Picture& picture, int32_t width, int32_t height, Filter filter);
 
-/// "4000 x 3000 pixels, 300 dpi, 36.00 MB".
+/// "4000 x 3000 pixels, 34.3 MiB, 300 dpi".
 std::string SizeFactsText(const Picture& picture);
 
 /// The same for the result; empty for a size that is refused.

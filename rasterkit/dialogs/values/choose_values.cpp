@@ -1,32 +1,41 @@
-#include <rasterkit/dialogs/execbitmap/change_values_model.h>
-#include <rasterkit/dialogs/execbitmap/chg_bmp_form.h>
 #include <rasterkit/dialogs/values/choose_values.h>
+#include <rasterkit/dialogs/values/choose_values_form.h>
+#include <rasterkit/dialogs/values/value_session.h>
+#include <rasterkit/qt/host/modal_call.h>
+#include <rasterkit/runtime/errors.h>
 
 namespace rasterkit {
+namespace {
 
-std::optional<AdjustColors> ChooseValues(const TBitmap& pixels, const AdjustColors& start,
-                                         QWidget*) {
-  ChangeValuesModel model(pixels, kEditorValueRules);
-  TChgBmpValuesRec values;
-  values.Brightness = start.brightness;
-  values.Contrast = start.contrast;
-  values.Sharpen = start.sharpen;
-  values.Red = start.red;
-  values.Green = start.green;
-  values.Blue = start.blue;
-  model.Load(values);
-  model.SetOperation(kOperationValues);
-  if (!ConfirmValues(model)) return std::nullopt;
-  return std::get<AdjustColors>(StepOf(model.CurrentChange()));
+bool Confirm(ValueSession& session, QWidget* parent) {
+  TFormChooseValues form(session, parent);
+  if (form.ShowModal() != mrOk) return false;
+  session.Remember();
+  return true;
 }
 
-std::optional<MakeMono> ChooseThreshold(const TBitmap& pixels, const MakeMono& start, QWidget*) {
-  ChangeValuesModel model(pixels, kEditorValueRules);
-  model.SetOperation(kOperationBlackAndWhite);
-  if (start.threshold) model.Change(ValueControl::grayValue, *start.threshold);
-  model.SetMonoColors(start.dark, start.light);
-  if (!ConfirmValues(model)) return std::nullopt;
-  return std::get<MakeMono>(StepOf(model.CurrentChange()));
+void RequirePixels(const TBitmap& pixels) {
+  if (pixels.Empty()) throw FormatError("an empty picture has no colors to change");
+}
+
+}  // namespace
+
+std::optional<AdjustColors> ChooseValues(const TBitmap& pixels, const AdjustColors& start,
+                                         QWidget* parent) {
+  RequirePixels(pixels);
+  const TModalCall call;
+  ValueSession session(pixels, start);
+  if (!Confirm(session, parent)) return std::nullopt;
+  return session.Adjustment();
+}
+
+std::optional<MakeMono> ChooseThreshold(const TBitmap& pixels, const MakeMono& start,
+                                        QWidget* parent) {
+  RequirePixels(pixels);
+  const TModalCall call;
+  ValueSession session(pixels, start);
+  if (!Confirm(session, parent)) return std::nullopt;
+  return session.Mono();
 }
 
 }  // namespace rasterkit

@@ -17,6 +17,16 @@ const Picture& PictureOf(const RecipeSlots& slots, const std::string& slot) {
   return found->second;
 }
 
+/// Grays have a ramp; empty for other pictures without a palette.
+HPALETTE PaletteOf(const PixelLayout& layout) {
+  constexpr int kByte = 8;
+  const bool isGray =
+      layout.model == ColorModel::gray || layout.model == ColorModel::grayWhiteIsZero;
+  const bool hasIndexes = layout.bands == 1 && layout.bits <= kByte;
+  if (isGray && hasIndexes && layout.palette.Count() == 0) return GrayPalette(1 << layout.bits);
+  return layout.palette;
+}
+
 /// Adds the steps of a picture that one step of a recipe stands for.
 class StepApplier {
  public:
@@ -25,6 +35,13 @@ class StepApplier {
   template <class PlainStep>
   void operator()(const PlainStep& step) const {
     picture_.Apply(step);
+  }
+
+  /// Where nothing is transparent, nothing is painted, and numbers stay numbers.
+  void operator()(const ChangeStep& step) const {
+    const bool paintsNothing = std::holds_alternative<PaintTransparency>(step.change) &&
+                               picture_.Layout().alpha == AlphaKind::none;
+    if (!paintsNothing) picture_.Apply(step);
   }
 
   void operator()(const RecipeCrop& step) const { picture_.Crop(PixelsOf(step, picture_)); }
@@ -47,11 +64,11 @@ class StepApplier {
   }
 
   void operator()(const RecipePalette& step) const {
-    const HPALETTE palette = PictureOf(slots_, step.slot).Layout().palette;
+    const HPALETTE palette = PaletteOf(PictureOf(slots_, step.slot).Layout());
     if (palette.Count() == 0) {
       throw RangeError(fmt::format("the picture of the slot \"{}\" has no palette", step.slot));
     }
-    throw UnsupportedError("palettes of slots");
+    picture_.Change(UsePalette{palette});
   }
 
   void operator()(const RecipeCopy& step) const {
@@ -78,6 +95,12 @@ template <class Kind>
   throw Kind(place + ": " + error.Reason(), error.File());
 }
 
+LimitError Placed(const std::string& place, const LimitError& error) {
+  LimitError placed(error.Kind(), place + ": " + error.Reason());
+  placed.AttachFile(error.File());
+  return placed;
+}
+
 /// Calls `add`; errors of it get the place in front.
 template <class Add>
 void AddAt(const std::string& place, const Add& add) {
@@ -90,9 +113,7 @@ void AddAt(const std::string& place, const Add& add) {
   } catch (const UnsupportedError& error) {
     ThrowAt(place, error);
   } catch (const LimitError& error) {
-    LimitError placed(error.Kind(), place + ": " + error.Reason());
-    placed.AttachFile(error.File());
-    throw placed;
+    throw Placed(place, error);
   }
 }
 

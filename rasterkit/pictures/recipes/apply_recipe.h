@@ -28,11 +28,11 @@ RASTERKIT_EXPORT std::vector<std::string> SlotsOf(const Recipe& recipe);
 RASTERKIT_EXPORT void ApplyRecipe(Picture& picture, const Recipe& recipe,
                                   const RecipeSlots& slots = {});
 
-/// Adds what `save` says about depth and metadata: what is left out of the metadata first, then the
+/// Adds what `save` says about depth and metadata: what is removed of the metadata first, then the
 /// depth. Transparent parts that the depth cannot hold are painted with `save.background`.
 RASTERKIT_EXPORT void ApplySaving(Picture& picture, const RecipeSave& save);
 
-/// The edit that leaves out what is not kept; empty for `all`.
+/// The edit that removes what is not kept; empty for `all`.
 RASTERKIT_EXPORT MetadataEdit EditOf(RecipeSave::Keep keep);
 
 /// Gives a picture another depth. Transparent parts that it cannot hold are painted with the

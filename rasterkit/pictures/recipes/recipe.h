@@ -98,6 +98,8 @@ struct Recipe {
   std::string madeWith;
   std::vector<RecipeStep> steps;
   RecipeSave save;
+  /// The picture is opened as it is stored, not upright: for steps that change metadata alone.
+  bool isAsStored = false;
 };
 
 }  // namespace rasterkit

@@ -17,15 +17,15 @@ constexpr size_t kMostDepth = 8;
 
 /// Line and column of the last of `count` bytes, from 1; a column is a character.
 std::string PlaceOf(std::string_view text, size_t count) {
-  size_t line = 1, column = 0;
-  for (const char byte : text.substr(0, std::max<size_t>(count, 1))) {
+  size_t line = 1, column = 1;
+  for (const char byte : text.substr(0, count - std::min<size_t>(count, 1))) {
     const bool isContinued = (static_cast<uint8_t>(byte) & 0xC0) == 0x80;
     if (!isContinued) ++column;
     if (byte != '\n') continue;
     ++line;
-    column = 0;
+    column = 1;
   }
-  return fmt::format("line {}, column {}", line, std::max<size_t>(column, 1));
+  return fmt::format("line {}, column {}", line, column);
 }
 
 /// What the parser says behind its own place: "syntax error while parsing value - unexpected end".

@@ -81,8 +81,22 @@ void RequireSchema(const json& schema) {
                                 detail::ShownValue(schema), kSchema));
 }
 
+/// Calls `function` with the struct of the step's kind.
+template <class Function>
+auto VisitPlain(const RecipeStep& step, const Function& function) {
+  return std::visit(
+      [&]<class Plain>(const Plain& plain) {
+        if constexpr (std::is_same_v<Plain, ChangeStep>) {
+          return std::visit(function, plain.change);
+        } else {
+          return function(plain);
+        }
+      },
+      step);
+}
+
 StepWriter::Json WrittenStep(const RecipeStep& step, const std::string& path) {
-  const auto write = [&]<class Plain>(const Plain& plain) -> StepWriter::Json {
+  return VisitPlain(step, [&]<class Plain>(const Plain& plain) -> StepWriter::Json {
     if constexpr (detail::kIsStep<Plain>) {
       constexpr detail::StepKind kKind = detail::kStepKind<Plain>;
       return StepWriter::ObjectOf(plain, path,
@@ -90,16 +104,7 @@ StepWriter::Json WrittenStep(const RecipeStep& step, const std::string& path) {
     } else {
       throw RangeError(path + ": a palette of its own is named by a slot");
     }
-  };
-  return std::visit(
-      [&]<class Plain>(const Plain& plain) -> StepWriter::Json {
-        if constexpr (std::is_same_v<Plain, ChangeStep>) {
-          return std::visit(write, plain.change);
-        } else {
-          return write(plain);
-        }
-      },
-      step);
+  });
 }
 
 }  // namespace
@@ -117,6 +122,7 @@ Recipe ReadRecipe(const std::string& text, const RecipeReading& reading) {
   std::optional<std::string> madeWith;
   reader.May("made_with", madeWith);
   recipe.madeWith = madeWith.value_or("");
+  reader.May("as_stored", recipe.isAsStored);
   const json* const steps = reader.Required("steps");
   std::optional<RecipeSave> save;
   reader.May("save", save);
@@ -124,6 +130,16 @@ Recipe ReadRecipe(const std::string& text, const RecipeReading& reading) {
   recipe.save = save.value_or(RecipeSave());
   recipe.steps = ReadSteps(*steps, reading.anyRevision);
   return recipe;
+}
+
+const char* RecipeStepName(const RecipeStep& step) {
+  return VisitPlain(step, []<class Plain>(const Plain&) {
+    if constexpr (detail::kIsStep<Plain>) {
+      return detail::kStepKind<Plain>.name;
+    } else {
+      return detail::kStepKind<RecipePalette>.name;
+    }
+  });
 }
 
 std::string WriteRecipe(const Recipe& recipe) {
@@ -134,6 +150,7 @@ std::string WriteRecipe(const Recipe& recipe) {
   StepWriter::Json root;
   root["schema"] = kSchema;
   root["made_with"] = recipe.madeWith;
+  if (recipe.isAsStored) root["as_stored"] = true;
   root["steps"] = StepWriter::Json::array();
   for (size_t i = 0; i < recipe.steps.size(); ++i) {
     root["steps"].push_back(WrittenStep(recipe.steps[i], fmt::format("/steps/{}", i)));

@@ -19,7 +19,12 @@ struct RecipeReading {
 /// of the value ("/steps/2/percent: 300 is above 100").
 RASTERKIT_EXPORT Recipe ReadRecipe(const std::string& json, const RecipeReading& reading = {});
 
-/// Writes a recipe: the same bytes for the same recipe, indented by two spaces.
+/// The name of the step's kind in recipes: "crop".
+RASTERKIT_EXPORT const char* RecipeStepName(const RecipeStep& step);
+
+/// Writes a recipe: the same bytes for the same recipe, indented by two spaces. Values that are as
+/// in a new step are omitted. Throws RangeError, with the path of the value, for what ReadRecipe
+/// would refuse.
 RASTERKIT_EXPORT std::string WriteRecipe(const Recipe& recipe);
 
 }  // namespace rasterkit

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -8,7 +9,7 @@
 #include <rasterkit/pictures/recipes/recipe_words.h>
 
 /// The keys of each step of a recipe with their ranges. `Fields` reads them, writes them, or lists
-/// them: Must for values that are always stated, May for those that are left out where they are as
+/// them: Must for values that are always stated, May for those that are omitted where they are as
 /// in a new struct.
 namespace rasterkit::detail {
 
@@ -25,8 +26,9 @@ inline constexpr NumberRange kAdjustments{-100, 100};
 inline constexpr NumberRange kBytes{0, 255};
 inline constexpr NumberRange kDots{0, 1e5};
 /// Each end of a stretch leaves out less than half.
-inline constexpr NumberRange kStretchPercents{0, 49.999};
-inline constexpr NumberRange kStretchNumbers{-1e300, 1e300};
+inline constexpr NumberRange kStretchPercents{0, 49.99999999999999};
+inline constexpr NumberRange kStretchNumbers{std::numeric_limits<double>::lowest(),
+                                             std::numeric_limits<double>::max()};
 inline constexpr int kDepths[] = {1, 4, 8, 15, 16, 24, 32};
 
 template <class Fields>

@@ -17,6 +17,9 @@ struct StepKind {
 /// False for structs that stand in no recipe as they are.
 template <class Plain>
 inline constexpr bool kIsStep = true;
+/// A palette is named by a slot: see RecipePalette.
+template <>
+inline constexpr bool kIsStep<UsePalette> = false;
 
 /// A kind without an entry here does not compile.
 template <class Plain>

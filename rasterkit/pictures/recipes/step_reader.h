@@ -76,7 +76,7 @@ class StepReader {
   /// States what must hold among several values; `key` is the one at fault, or empty.
   void Check(const char* key, bool holds, const char* reason);
 
-  /// Refuses keys that nobody read, then what is missing, then what does not hold.
+  /// Refuses keys that were not read, then what is missing, then what does not hold.
   void Finish();
 
   /// The value of a key, which is then known; null without one.

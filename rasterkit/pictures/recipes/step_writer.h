@@ -84,7 +84,7 @@ class StepWriter {
 
   void Check(const char* key, bool holds, const char* reason);
 
-  /// The object: `first`, and the keys behind. Values that are as in a new struct are left out.
+  /// The object: `first`, and the keys behind. Values that are as in a new struct are omitted.
   template <class Struct>
   static Json ObjectOf(Struct value, const std::string& path, Json first = Json::object()) {
     StepWriter usual(path), stated(path);

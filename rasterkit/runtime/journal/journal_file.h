@@ -31,7 +31,7 @@ class RASTERKIT_EXPORT JournalFile {
   JournalFile& operator=(JournalFile&&) = delete;
 
   /// The journals that no process holds, the newest first; they are held afterwards. At most 100:
-  /// older ones are removed, and what is no journal is left out. Never throws for what it finds in
+  /// older ones are removed, and what is no journal stays as it is. Never throws for what it finds in
   /// the folder.
   static std::vector<JournalFile> Abandoned(const std::string& folder);
 

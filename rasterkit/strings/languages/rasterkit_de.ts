@@ -17,7 +17,6 @@
         <source>Palette überschritten. Benötige 24bit Farbtiefe.</source>
         <translation>Palette überschritten. Benötige 24bit Farbtiefe.</translation>
     </message>
-    <!-- Buttons -->
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
@@ -58,7 +57,6 @@
         <source>&amp;Yes</source>
         <translation>&amp;Ja</translation>
     </message>
-    <!-- Picture files -->
     <message>
         <source>%s is a folder.</source>
         <translation>%s ist ein Ordner.</translation>
@@ -125,7 +123,6 @@ Möchten Sie die Datei ersetzen?</translation>
         <source>Windows Metafile</source>
         <translation>Windows-Metadatei</translation>
     </message>
-    <!-- The crop window -->
     <message>
         <source>%d * %d px (%s [%s])</source>
         <translation>%d * %d Pixel (%s [%s])</translation>
@@ -290,7 +287,6 @@ Möchten Sie die Datei ersetzen?</translation>
         <source>Width of the rectangle in pixels</source>
         <translation>Breite des Rechtecks in Pixeln</translation>
     </message>
-    <!-- Change values -->
     <message>
         <source>Blue</source>
         <translation>Blau</translation>
@@ -427,7 +423,6 @@ Möchten Sie die Datei ersetzen?</translation>
         <source>Sharper above 0, softer below</source>
         <translation>Über 0 schärfer, unter 0 weicher</translation>
     </message>
-    <!-- Change size -->
     <message>
         <source>Change Size</source>
         <translation>Größe ändern</translation>
@@ -460,7 +455,6 @@ Möchten Sie die Datei ersetzen?</translation>
         <source>New width in pixels</source>
         <translation>Neue Breite in Pixeln</translation>
     </message>
-    <!-- The editor of pictures and PDF pages -->
     <message>
         <source>Edit bitmap</source>
         <translation>Bild bearbeiten</translation>
@@ -611,7 +605,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <source>Remove rectangle</source>
         <translation>Rechteck entfernen</translation>
     </message>
-    <!-- The save window -->
     <message>
         <source>Date</source>
         <translation>Datum</translation>
@@ -752,7 +745,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <source>&amp;Options</source>
         <translation>&amp;Optionen</translation>
     </message>
-    <!-- Settings of a graphic to be saved -->
     <message>
         <source>Graphics settings</source>
         <translation>Grafikeinstellungen</translation>
@@ -874,6 +866,422 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>[MB]</translation>
     </message>
     <message>
+        <source>Drag to draw a rectangle; with Shift it keeps its ratio, with Ctrl its center. Double click and Enter crop. Arrow keys move it, with Shift by 10 pixels, with Ctrl they resize it. The wheel, plus and minus zoom, the middle button and arrow keys with Alt pan.</source>
+        <translation>Ziehen zeichnet ein Rechteck; mit Umschalt behält es sein Verhältnis, mit Strg seine Mitte. Doppelklick und Eingabe schneiden zu. Pfeiltasten verschieben es, mit Umschalt um 10 Pixel, mit Strg ändern sie die Größe. Rad, Plus und Minus zoomen, die mittlere Taste und Pfeiltasten mit Alt verschieben das Bild.</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>Makes the change of the rectangle again (Ctrl+Y)</source>
+        <translation>Macht die Änderung des Rechtecks noch einmal (Strg+Y)</translation>
+    </message>
+    <message>
+        <source>U&amp;nit</source>
+        <translation>Einhei&amp;t</translation>
+    </message>
+    <message>
+        <source>Unit of the numbers below</source>
+        <translation>Einheit der Zahlen darunter</translation>
+    </message>
+    <message>
+        <source>Pixels</source>
+        <translation>Pixel</translation>
+    </message>
+    <message>
+        <source>Percent</source>
+        <translation>Prozent</translation>
+    </message>
+    <message>
+        <source>Millimeters on paper</source>
+        <translation>Millimeter auf Papier</translation>
+    </message>
+    <message>
+        <source>Map</source>
+        <translation>Karte</translation>
+    </message>
+    <message>
+        <source>Map (%s)</source>
+        <translation>Karte (%s)</translation>
+    </message>
+    <message>
+        <source>Needs a resolution: this picture states none</source>
+        <translation>Braucht eine Auflösung: Dieses Bild nennt keine</translation>
+    </message>
+    <message>
+        <source>Needs a position on a map: this picture states none</source>
+        <translation>Braucht eine Lage auf einer Karte: Dieses Bild nennt keine</translation>
+    </message>
+    <message>
+        <source>Unit of the map</source>
+        <translation>Einheit der Karte</translation>
+    </message>
+    <message>
+        <source>Unit of the &amp;map</source>
+        <translation>Einheit der &amp;Karte</translation>
+    </message>
+    <message>
+        <source>The picture does not say in which unit its map coordinates are</source>
+        <translation>Das Bild sagt nicht, in welcher Einheit seine Kartenkoordinaten sind</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unbekannt</translation>
+    </message>
+    <message>
+        <source>Meters</source>
+        <translation>Meter</translation>
+    </message>
+    <message>
+        <source>Feet</source>
+        <translation>Fuß</translation>
+    </message>
+    <message>
+        <source>US survey feet</source>
+        <translation>US-Vermessungsfuß</translation>
+    </message>
+    <message>
+        <source>Degrees</source>
+        <translation>Grad</translation>
+    </message>
+    <message>
+        <source>Left edge of the rectangle; x on the map</source>
+        <translation>Linke Kante des Rechtecks; x auf der Karte</translation>
+    </message>
+    <message>
+        <source>Top edge of the rectangle; y on the map</source>
+        <translation>Obere Kante des Rechtecks; y auf der Karte</translation>
+    </message>
+    <message>
+        <source>Width along the side of the picture</source>
+        <translation>Breite entlang der Seite des Bildes</translation>
+    </message>
+    <message>
+        <source>Height along the side of the picture</source>
+        <translation>Höhe entlang der Seite des Bildes</translation>
+    </message>
+    <message>
+        <source>Ratio</source>
+        <translation>Verhältnis</translation>
+    </message>
+    <message>
+        <source>Rati&amp;o</source>
+        <translation>&amp;Verhältnis</translation>
+    </message>
+    <message>
+        <source>Proportion that the rectangle keeps</source>
+        <translation>Verhältnis der Seiten, welches das Rechteck behält</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>Frei</translation>
+    </message>
+    <message>
+        <source>As the picture</source>
+        <translation>Wie das Bild</translation>
+    </message>
+    <message>
+        <source>1:1</source>
+        <translation>1:1</translation>
+    </message>
+    <message>
+        <source>ISO A portrait</source>
+        <translation>DIN A hoch</translation>
+    </message>
+    <message>
+        <source>ISO A landscape</source>
+        <translation>DIN A quer</translation>
+    </message>
+    <message>
+        <source>4:3</source>
+        <translation>4:3</translation>
+    </message>
+    <message>
+        <source>3:2</source>
+        <translation>3:2</translation>
+    </message>
+    <message>
+        <source>16:9</source>
+        <translation>16:9</translation>
+    </message>
+    <message>
+        <source>Typed</source>
+        <translation>Eingegeben</translation>
+    </message>
+    <message>
+        <source>Paper at a scale</source>
+        <translation>Papier im Maßstab</translation>
+    </message>
+    <message>
+        <source>Needs a position on a map in meters or feet</source>
+        <translation>Braucht eine Lage auf einer Karte in Metern oder Fuß</translation>
+    </message>
+    <message>
+        <source>Swap</source>
+        <translation>Tauschen</translation>
+    </message>
+    <message>
+        <source>&amp;Swap</source>
+        <translation>Ta&amp;uschen</translation>
+    </message>
+    <message>
+        <source>Exchanges width and height</source>
+        <translation>Vertauscht Breite und Höhe</translation>
+    </message>
+    <message>
+        <source>Sides</source>
+        <translation>Seiten</translation>
+    </message>
+    <message>
+        <source>Si&amp;des</source>
+        <translation>&amp;Seiten</translation>
+    </message>
+    <message>
+        <source>Width of the ratio</source>
+        <translation>Breite des Verhältnisses</translation>
+    </message>
+    <message>
+        <source>Height of the ratio</source>
+        <translation>Höhe des Verhältnisses</translation>
+    </message>
+    <message>
+        <source>Paper</source>
+        <translation>Papier</translation>
+    </message>
+    <message>
+        <source>Pap&amp;er</source>
+        <translation>&amp;Papier</translation>
+    </message>
+    <message>
+        <source>Sheet that shows the rectangle at the scale</source>
+        <translation>Blatt, welches das Rechteck im Maßstab zeigt</translation>
+    </message>
+    <message>
+        <source>Scale 1:</source>
+        <translation>Maßstab 1:</translation>
+    </message>
+    <message>
+        <source>S&amp;cale 1:</source>
+        <translation>&amp;Maßstab 1:</translation>
+    </message>
+    <message>
+        <source>Scale of the map on paper</source>
+        <translation>Maßstab der Karte auf Papier</translation>
+    </message>
+    <message>
+        <source>500 stands for 1:500</source>
+        <translation>500 steht für 1:500</translation>
+    </message>
+    <message>
+        <source>Guides</source>
+        <translation>Hilfslinien</translation>
+    </message>
+    <message>
+        <source>&amp;Guides</source>
+        <translation>H&amp;ilfslinien</translation>
+    </message>
+    <message>
+        <source>Lines inside the rectangle</source>
+        <translation>Linien im Rechteck</translation>
+    </message>
+    <message>
+        <source>No guides</source>
+        <translation>Keine Hilfslinien</translation>
+    </message>
+    <message>
+        <source>Thirds</source>
+        <translation>Drittel</translation>
+    </message>
+    <message>
+        <source>Center</source>
+        <translation>Mitte</translation>
+    </message>
+    <message>
+        <source>%s x %s pixels, %s %s</source>
+        <translation>%s x %s Pixel, %s %s</translation>
+    </message>
+    <message>
+        <source>Ratio %s:%s</source>
+        <translation>Verhältnis %s:%s</translation>
+    </message>
+    <message>
+        <source>%s dpi: %s x %s mm on paper</source>
+        <translation>%s dpi: %s x %s mm auf Papier</translation>
+    </message>
+    <message>
+        <source>No resolution is stated</source>
+        <translation>Keine Auflösung angegeben</translation>
+    </message>
+    <message>
+        <source>On the map: from %s, %s to %s, %s; the sides are %s x %s</source>
+        <translation>Auf der Karte: von %s; %s bis %s; %s, Seiten %s x %s</translation>
+    </message>
+    <message>
+        <source>No position on a map is stated</source>
+        <translation>Keine Lage auf einer Karte angegeben</translation>
+    </message>
+    <message>
+        <source>Mouse: %s, %s px</source>
+        <translation>Maus: %s; %s px</translation>
+    </message>
+    <message>
+        <source>Mouse: %s, %s px; %s, %s</source>
+        <translation>Maus: %s; %s px, %s; %s</translation>
+    </message>
+    <message>
+        <source>Mouse: not on the picture</source>
+        <translation>Maus: nicht auf dem Bild</translation>
+    </message>
+    <message>
+        <source>%s became %s %s, the nearest pixel corner</source>
+        <translation>%s wurde zu %s %s, der nächsten Pixelecke</translation>
+    </message>
+    <message>
+        <source>The sheet needs %s x %s pixels, more than the picture has</source>
+        <translation>Das Blatt braucht %s x %s Pixel, mehr als das Bild hat</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>%d x %d pixels, %s %s</source>
+        <translation>%d x %d Pixel, %s %s</translation>
+    </message>
+    <message>
+        <source>%s dpi</source>
+        <translation>%s dpi</translation>
+    </message>
+    <message>
+        <source>%s x %s dpi</source>
+        <translation>%s x %s dpi</translation>
+    </message>
+    <message>
+        <source>no resolution</source>
+        <translation>keine Auflösung</translation>
+    </message>
+    <message>
+        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
+        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
+    </message>
+    <message>
+        <source>This size needs %s %s of memory. The limit is %s %s.</source>
+        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
+    </message>
+    <message>
+        <source>Millimeters need a resolution of %d to %d dpi.</source>
+        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
+    </message>
+    <message>
+        <source>The picture has this size.</source>
+        <translation>Das Bild hat diese Größe.</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>&amp;Filter</source>
+        <translation>&amp;Filter</translation>
+    </message>
+    <message>
+        <source>area (to make smaller)</source>
+        <translation>Fläche (zum Verkleinern)</translation>
+    </message>
+    <message>
+        <source>automatic</source>
+        <translation>automatisch</translation>
+    </message>
+    <message>
+        <source>How the new pixels follow from the old ones</source>
+        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
+    </message>
+    <message>
+        <source>linear (smooth)</source>
+        <translation>linear (weich)</translation>
+    </message>
+    <message>
+        <source>nearest pixel (hard edges)</source>
+        <translation>nächstes Pixel (harte Kanten)</translation>
+    </message>
+    <message>
+        <source>New height in the chosen unit</source>
+        <translation>Neue Höhe in der gewählten Einheit</translation>
+    </message>
+    <message>
+        <source>Keep proportion</source>
+        <translation>Seitenverhältnis behalten</translation>
+    </message>
+    <message>
+        <source>&amp;Keep proportion</source>
+        <translation>&amp;Seitenverhältnis behalten</translation>
+    </message>
+    <message>
+        <source>Picture:</source>
+        <translation>Bild:</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>R&amp;edo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>Un&amp;do</source>
+        <translation>Rückgän&amp;gig</translation>
+    </message>
+    <message>
+        <source>Makes the change again (Ctrl+Y)</source>
+        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
+    </message>
+    <message>
+        <source>Dots per inch at which millimeters become pixels</source>
+        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
+    </message>
+    <message>
+        <source>Resolution</source>
+        <translation>Auflösung</translation>
+    </message>
+    <message>
+        <source>Result:</source>
+        <translation>Ergebnis:</translation>
+    </message>
+    <message>
+        <source>Takes back the last change (Ctrl+Z)</source>
+        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Einheit</translation>
+    </message>
+    <message>
+        <source>&amp;Unit</source>
+        <translation>&amp;Einheit</translation>
+    </message>
+    <message>
+        <source>Unit of width and height</source>
+        <translation>Einheit von Breite und Höhe</translation>
+    </message>
+    <message>
+        <source>millimeters</source>
+        <translation>Millimeter</translation>
+    </message>
+    <message>
+        <source>percent</source>
+        <translation>Prozent</translation>
+    </message>
+    <message>
+        <source>pixels</source>
+        <translation>Pixel</translation>
+    </message>
+    <message>
+        <source>New width in the chosen unit</source>
+        <translation>Neue Breite in der gewählten Einheit</translation>
+    </message>
+    <message>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
@@ -932,10 +1340,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>Takes back the last step</source>
         <translation>Nimmt den letzten Schritt zurück</translation>
-    </message>
-    <message>
-        <source>&amp;Redo</source>
-        <translation>&amp;Wiederholen</translation>
     </message>
     <message>
         <source>Makes the step again that was taken back</source>
@@ -1248,6 +1652,8 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>Help on the editor</source>
         <translation>Hilfe zum Editor</translation>
+    </message>
+    <message>
         <source>Turn left</source>
         <translation>Nach links drehen</translation>
     </message>
@@ -1298,10 +1704,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
     <message>
         <source>Change to %d bits</source>
         <translation>In %d Bit umwandeln</translation>
-    </message>
-    <message>
-        <source>Change values</source>
-        <translation>Werte ändern</translation>
     </message>
     <message>
         <source>Change colors</source>
@@ -1426,149 +1828,819 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Die Änderungen können schon in der Datei sein. Möchten Sie sie trotzdem übernehmen? Schritte: %d</translation>
     </message>
     <message>
+        <source>The editor ended before the changes of %s were saved. Do you want to take up its %d steps?</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie die %d Schritte übernehmen?</translation>
+    </message>
+    <message>
+        <source>The editor ended before the changes of %s were saved, and the file was changed since. Do you want to take up its %d steps nevertheless? They may be in the file already.</source>
+        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Möchten Sie die %d Schritte trotzdem übernehmen? Sie können schon in der Datei sein.</translation>
+    </message>
+    <message>
+        <source>The picture is saved as %s. This file exists already. Overwrite it?</source>
+        <translation>Das Bild wird als %s gespeichert. Diese Datei ist bereits vorhanden. Überschreiben?</translation>
+    </message>
+    <message>
+        <source>Sets all values back, so that nothing is changed</source>
+        <translation>Setzt alle Werte zurück, sodass nichts geändert wird</translation>
+    </message>
+    <message>
+        <source>Black and white</source>
+        <translation>Schwarzweiß</translation>
+    </message>
+    <message>
+        <source>Bef&amp;ore</source>
+        <translation>&amp;Vorher</translation>
+    </message>
+    <message>
+        <source>Shows the original while it is held down; so does the key B</source>
+        <translation>Zeigt das Original, solange die Schaltfläche gedrückt ist; ebenso die Taste B</translation>
+    </message>
+    <message>
+        <source>Shows one pixel of the picture for one of the screen, exactly as OK makes it</source>
+        <translation>Zeigt je Bildpunkt einen Punkt des Bildschirms, genau so wie OK ihn erzeugt</translation>
+    </message>
+    <message>
+        <source>&amp;Loupe</source>
+        <translation>&amp;Lupe</translation>
+    </message>
+    <message>
+        <source>Shows the pixels under the cursor in their actual size where the picture is shown smaller</source>
+        <translation>Zeigt die Bildpunkte unter dem Zeiger in Originalgröße, wo das Bild verkleinert ist</translation>
+    </message>
+    <message>
+        <source>Changed only</source>
+        <translation>Nur geändert</translation>
+    </message>
+    <message>
+        <source>Side by side</source>
+        <translation>Nebeneinander</translation>
+    </message>
+    <message>
+        <source>Split</source>
+        <translation>Geteilt</translation>
+    </message>
+    <message>
+        <source>Drag the picture or the divider; the wheel zooms</source>
+        <translation>Bild oder Trennlinie ziehen; das Rad zoomt</translation>
+    </message>
+    <message>
+        <source>Arrow keys move the picture or the loupe, with Ctrl the divider. Plus and minus zoom.</source>
+        <translation>Pfeiltasten verschieben das Bild oder die Lupe, mit Strg die Trennlinie. Plus und Minus zoomen.</translation>
+    </message>
+    <message>
+        <source>Vie&amp;w</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>How original and changed picture are shown</source>
+        <translation>Wie Original und geändertes Bild gezeigt werden</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>Vergrößern</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>Verkleinern</translation>
+    </message>
+    <message>
+        <source>Histogram</source>
+        <translation>Histogramm</translation>
+    </message>
+    <message>
+        <source>How often each brightness occurs in the changed picture; lines for red, green and blue</source>
+        <translation>Wie oft jede Helligkeit im geänderten Bild vorkommt; Linien für Rot, Grün und Blau</translation>
+    </message>
+    <message>
+        <source>How often each gray value occurs; drag the line to the threshold. The triangle marks the automatic threshold.</source>
+        <translation>Wie oft jeder Grauwert vorkommt; die Linie auf die Schwelle ziehen. Das Dreieck markiert die automatische Schwelle.</translation>
+    </message>
+    <message>
+        <source>Black %d %%, white %d %%</source>
+        <translation>Schwarz %d %%, Weiß %d %%</translation>
+    </message>
+    <message>
+        <source>From %d to %d, mean %d</source>
+        <translation>Von %d bis %d, Mittel %d</translation>
+    </message>
+    <message>
+        <source>Las&amp;t values</source>
+        <translation>Le&amp;tzte Werte</translation>
+    </message>
+    <message>
+        <source>Takes the values of the last time</source>
+        <translation>Übernimmt die Werte vom letzten Mal</translation>
+    </message>
+    <message>
+        <source>Re&amp;do</source>
+        <translation>Wie&amp;derholen</translation>
+    </message>
+    <message>
+        <source>Makes the change again that was taken back</source>
+        <translation>Stellt die zurückgenommene Änderung wieder her</translation>
+    </message>
+    <message>
+        <source>U&amp;ndo</source>
+        <translation>Rückgä&amp;ngig</translation>
+    </message>
+    <message>
+        <source>Takes back the last change of a value</source>
+        <translation>Nimmt die letzte Änderung eines Wertes zurück</translation>
+    </message>
+    <message>
+        <source>Sets this value back (Delete on the track bar, or double click on the label)</source>
+        <translation>Setzt diesen Wert zurück (Entf auf dem Regler oder Doppelklick auf die Beschriftung)</translation>
+    </message>
+    <message>
+        <source>Auto&amp;matic</source>
+        <translation>Auto&amp;matisch</translation>
+    </message>
+    <message>
+        <source>Finds the threshold that separates dark and light best, for each picture anew</source>
+        <translation>Findet die Schwelle, die Dunkel und Hell am besten trennt, für jedes Bild neu</translation>
+    </message>
+    <message>
+        <source>Automatic threshold: %d</source>
+        <translation>Automatische Schwelle: %d</translation>
+    </message>
+    <message>
         <source>%d steps do not fit the picture: %s</source>
         <translation>%d Schritte passen nicht zum Bild: %s</translation>
-        <source>Reset</source>
-        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
+        <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
+    </message>
+    <message>
+        <source>Save picture as</source>
+        <translation>Bild speichern unter</translation>
+    </message>
+    <message>
+        <source>Settings of the file</source>
+        <translation>Einstellungen der Datei</translation>
+    </message>
+    <message>
+        <source>Open a picture</source>
+        <translation>Ein Bild öffnen</translation>
+    </message>
+    <message>
+        <source>Fo&amp;lder</source>
+        <translation>&amp;Ordner</translation>
+    </message>
+    <message>
+        <source>Se&amp;ttings and 1:1 view</source>
+        <translation>&amp;Einstellungen und 1:1-Ansicht</translation>
+    </message>
+    <message>
+        <source>Places</source>
+        <translation>Orte</translation>
+    </message>
+    <message>
+        <source>Opens one of these folders</source>
+        <translation>Öffnet einen dieser Ordner</translation>
+    </message>
+    <message>
+        <source>Home</source>
+        <translation>Persönlicher Ordner</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Schreibtisch</translation>
+    </message>
+    <message>
+        <source>Documents</source>
+        <translation>Dokumente</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>Downloads</source>
+        <translation>Heruntergeladenes</translation>
+    </message>
+    <message>
+        <source>Folder of the picture</source>
+        <translation>Ordner des Bilds</translation>
+    </message>
+    <message>
+        <source>In f&amp;older:</source>
+        <translation>Im O&amp;rdner:</translation>
+    </message>
+    <message>
+        <source>Opens the folder above</source>
+        <translation>Öffnet den Ordner darüber</translation>
+    </message>
+    <message>
+        <source>&amp;Name:</source>
+        <translation>&amp;Name:</translation>
+    </message>
+    <message>
+        <source>Name of the file; a folder may stand before it. The ending decides on the kind</source>
+        <translation>Name der Datei; ein Ordner darf davor stehen. Die Endung bestimmt die Art</translation>
+    </message>
+    <message>
+        <source>&amp;Kind:</source>
+        <translation>&amp;Art:</translation>
+    </message>
+    <message>
+        <source>Kind of the file; the ending of the name follows</source>
+        <translation>Art der Datei; die Endung des Namens folgt</translation>
+    </message>
+    <message>
+        <source>&amp;File:</source>
+        <translation>Date&amp;i:</translation>
+    </message>
+    <message>
+        <source>The file that is written</source>
+        <translation>Die Datei, die geschrieben wird</translation>
+    </message>
+    <message>
+        <source>&amp;Other name ...</source>
+        <translation>An&amp;derer Name ...</translation>
+    </message>
+    <message>
+        <source>Asks for another folder or name</source>
+        <translation>Fragt nach einem anderen Ordner oder Namen</translation>
+    </message>
+    <message>
+        <source>Saves the picture with these settings</source>
+        <translation>Speichert das Bild mit diesen Einstellungen</translation>
+    </message>
+    <message>
+        <source>BMP bitmap (%s)</source>
+        <translation>BMP-Bitmap (%s)</translation>
+    </message>
+    <message>
+        <source>JPEG photograph (%s)</source>
+        <translation>JPEG-Foto (%s)</translation>
+    </message>
+    <message>
+        <source>PNG picture (%s)</source>
+        <translation>PNG-Bild (%s)</translation>
+    </message>
+    <message>
+        <source>TIFF picture (%s)</source>
+        <translation>TIFF-Bild (%s)</translation>
+    </message>
+    <message>
+        <source>%s picture (%s)</source>
+        <translation>%s-Bild (%s)</translation>
+    </message>
+    <message>
+        <source>All pictures (%s)</source>
+        <translation>Alle Bilder (%s)</translation>
+    </message>
+    <message>
+        <source>All files (%s)</source>
+        <translation>Alle Dateien (%s)</translation>
+    </message>
+    <message>
+        <source>%s files cannot be written. %s is suggested: it keeps every pixel.</source>
+        <translation>%s-Dateien können nicht geschrieben werden. Vorgeschlagen ist %s: So bleibt jedes Pixel erhalten.</translation>
+    </message>
+    <message>
+        <source>%s files cannot be written. %s is suggested: it keeps more than 8 bits per color.</source>
+        <translation>%s-Dateien können nicht geschrieben werden. Vorgeschlagen ist %s: So bleiben mehr als 8 Bit je Farbe erhalten.</translation>
+    </message>
+    <message>
+        <source>%s files cannot be written. %s is suggested: it keeps the position on the map.</source>
+        <translation>%s-Dateien können nicht geschrieben werden. Vorgeschlagen ist %s: So bleibt die Lage auf der Karte erhalten.</translation>
+    </message>
+    <message>
+        <source>The name ends with a space.</source>
+        <translation>Der Name endet mit einem Leerzeichen.</translation>
+    </message>
+    <message>
+        <source>%s × %s pixels, %s bits per pixel, %s in memory</source>
+        <translation>%s × %s Pixel, %s Bit je Pixel, %s im Speicher</translation>
+    </message>
+    <message>
+        <source>%s × %s dpi</source>
+        <translation>%s × %s dpi</translation>
+    </message>
+    <message>
+        <source>no resolution stated</source>
+        <translation>keine Auflösung angegeben</translation>
+    </message>
+    <message>
+        <source>%s bytes</source>
+        <translation>%s Byte</translation>
+    </message>
+    <message>
+        <source>%s KiB</source>
+        <translation>%s KiB</translation>
+    </message>
+    <message>
+        <source>%s MiB</source>
+        <translation>%s MiB</translation>
+    </message>
+    <message>
+        <source>%s GiB</source>
+        <translation>%s GiB</translation>
+    </message>
+    <message>
+        <source>&amp;Depth:</source>
+        <translation>&amp;Farbtiefe:</translation>
+    </message>
+    <message>
+        <source>Bits per pixel of the file</source>
+        <translation>Bit je Pixel der Datei</translation>
+    </message>
+    <message>
+        <source>As it is (%s bits)</source>
+        <translation>Wie das Bild (%s Bit)</translation>
+    </message>
+    <message>
+        <source>%s bits</source>
+        <translation>%s Bit</translation>
+    </message>
+    <message>
+        <source>32 bits: color and opacity</source>
+        <translation>32 Bit: Farbe und Deckkraft</translation>
+    </message>
+    <message>
+        <source>24 bits: color</source>
+        <translation>24 Bit: Farbe</translation>
+    </message>
+    <message>
+        <source>8 bits: 256 colors</source>
+        <translation>8 Bit: 256 Farben</translation>
+    </message>
+    <message>
+        <source>4 bits: 16 colors</source>
+        <translation>4 Bit: 16 Farben</translation>
+    </message>
+    <message>
+        <source>1 bit: black and white</source>
+        <translation>1 Bit: schwarz-weiß</translation>
+    </message>
+    <message>
+        <source>Q&amp;uality as in the source</source>
+        <translation>&amp;Qualität wie in der Quelle</translation>
+    </message>
+    <message>
+        <source>Uses the same tables as the source, so that the quality does not change</source>
+        <translation>Nimmt die Tabellen der Quelle, damit sich die Qualität nicht ändert</translation>
+    </message>
+    <message>
+        <source>Us&amp;ual quality (90)</source>
+        <translation>Übliche &amp;Qualität (90)</translation>
+    </message>
+    <message>
+        <source>The quality for pictures that were no JPEG file</source>
+        <translation>Die Qualität für Bilder, die keine JPEG-Datei waren</translation>
+    </message>
+    <message>
+        <source>&amp;Quality:</source>
+        <translation>Q&amp;ualität:</translation>
+    </message>
+    <message>
+        <source>1 (small file) to 100 (best); 90 shows hardly any difference</source>
+        <translation>1 (kleine Datei) bis 100 (beste); bei 90 ist kaum ein Unterschied zu sehen</translation>
+    </message>
+    <message>
+        <source>Quality as a number</source>
+        <translation>Qualität als Zahl</translation>
+    </message>
+    <message>
+        <source>Color d&amp;etail:</source>
+        <translation>Far&amp;bdetails:</translation>
+    </message>
+    <message>
+        <source>How finely a JPEG file stores color; brightness is always stored in full</source>
+        <translation>Wie fein eine JPEG-Datei Farbe speichert; Helligkeit wird immer voll gespeichert</translation>
+    </message>
+    <message>
+        <source>As in the source (%s)</source>
+        <translation>Wie in der Quelle (%s)</translation>
+    </message>
+    <message>
+        <source>Usual for the quality</source>
+        <translation>Wie üblich für die Qualität</translation>
+    </message>
+    <message>
+        <source>Full color (4:4:4)</source>
+        <translation>Volle Farbe (4:4:4)</translation>
+    </message>
+    <message>
+        <source>Half color (4:2:2)</source>
+        <translation>Halbe Farbe (4:2:2)</translation>
+    </message>
+    <message>
+        <source>Quarter color (4:2:0)</source>
+        <translation>Viertel der Farbe (4:2:0)</translation>
+    </message>
+    <message>
+        <source>&amp;Blocks:</source>
+        <translation>B&amp;löcke:</translation>
+    </message>
+    <message>
+        <source>Whether compressed pixels that only move are kept as they are</source>
+        <translation>Ob komprimierte Pixel, die nur ihren Platz wechseln, bleiben, wie sie sind</translation>
+    </message>
+    <message>
+        <source>Kept where nothing is cut off</source>
+        <translation>Behalten, wo nichts wegfällt</translation>
+    </message>
+    <message>
+        <source>Kept; edges are cut to whole blocks</source>
+        <translation>Behalten, Ränder auf ganze Blöcke kürzen</translation>
+    </message>
+    <message>
+        <source>Compressed again</source>
+        <translation>Neu komprimieren</translation>
+    </message>
+    <message>
+        <source>Co&amp;mpression:</source>
+        <translation>&amp;Kompression:</translation>
+    </message>
+    <message>
+        <source>How a TIFF file is packed; every choice keeps every pixel</source>
+        <translation>Wie eine TIFF-Datei gepackt wird; jede Wahl erhält jedes Pixel</translation>
+    </message>
+    <message>
+        <source>As in the source</source>
+        <translation>Wie in der Quelle</translation>
+    </message>
+    <message>
+        <source>Usual (LZW, or G4 for black and white)</source>
+        <translation>Üblich (LZW, bei schwarz-weiß G4)</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Keine</translation>
+    </message>
+    <message>
+        <source>G4 (black and white only)</source>
+        <translation>G4 (nur schwarz-weiß)</translation>
+    </message>
+    <message>
+        <source>&amp;Packing:</source>
+        <translation>&amp;Packen:</translation>
+    </message>
+    <message>
+        <source>How hard a PNG file is packed; every choice keeps every pixel</source>
+        <translation>Wie stark eine PNG-Datei gepackt wird; jede Wahl erhält jedes Pixel</translation>
+    </message>
+    <message>
+        <source>Chosen by the picture</source>
+        <translation>Passend zum Bild</translation>
+    </message>
+    <message>
+        <source>0: not packed</source>
+        <translation>0: nicht gepackt</translation>
+    </message>
+    <message>
+        <source>1: quick</source>
+        <translation>1: schnell</translation>
+    </message>
+    <message>
+        <source>12: smallest, slow</source>
+        <translation>12: am kleinsten, langsam</translation>
+    </message>
+    <message>
+        <source>&amp;Information:</source>
+        <translation>An&amp;gaben:</translation>
+    </message>
+    <message>
+        <source>What the file states about the picture: camera, date, place, comments</source>
+        <translation>Was die Datei über das Bild sagt: Kamera, Datum, Ort, Kommentare</translation>
+    </message>
+    <message>
+        <source>Keep all</source>
+        <translation>Alle behalten</translation>
+    </message>
+    <message>
+        <source>Without the place of the photograph</source>
+        <translation>Ohne den Ort der Aufnahme</translation>
+    </message>
+    <message>
+        <source>Keep nothing</source>
+        <translation>Keine behalten</translation>
+    </message>
+    <message>
+        <source>Lossless: the compressed pixels are copied</source>
+        <translation>Verlustfrei: Die komprimierten Pixel werden kopiert</translation>
+    </message>
+    <message>
+        <source>Lossless: the compressed pixels are moved, edges are cut to whole blocks</source>
+        <translation>Verlustfrei: Die komprimierten Pixel werden verschoben, Ränder auf ganze Blöcke gekürzt</translation>
+    </message>
+    <message>
+        <source>Lossless: every pixel is kept</source>
+        <translation>Verlustfrei: Jedes Pixel bleibt erhalten</translation>
+    </message>
+    <message>
+        <source>Not lossless: %s</source>
+        <translation>Nicht verlustfrei: %s</translation>
+    </message>
+    <message>
+        <source>Compressed again: %s</source>
+        <translation>Neu komprimiert: %s</translation>
+    </message>
+    <message>
+        <source>the new edges are not on the borders of its blocks</source>
+        <translation>Die neuen Ränder liegen nicht auf den Grenzen der Blöcke</translation>
+    </message>
+    <message>
+        <source>the blocks of this file cannot be moved</source>
+        <translation>Die Blöcke dieser Datei können nicht verschoben werden</translation>
+    </message>
+    <message>
+        <source>a JPEG file does not keep every pixel</source>
+        <translation>Eine JPEG-Datei erhält nicht jedes Pixel</translation>
+    </message>
+    <message>
+        <source>the settings differ from the source</source>
+        <translation>Die Einstellungen weichen von der Quelle ab</translation>
+    </message>
+    <message>
+        <source>the pixels were changed</source>
+        <translation>Die Pixel wurden geändert</translation>
+    </message>
+    <message>
+        <source>it was chosen so</source>
+        <translation>So gewählt</translation>
+    </message>
+    <message>
+        <source>the file has another depth</source>
+        <translation>Die Datei hat eine andere Farbtiefe</translation>
+    </message>
+    <message>
+        <source>Nothing is lost</source>
+        <translation>Nichts geht verloren</translation>
+    </message>
+    <message>
+        <source>Lost: %s</source>
+        <translation>Verloren: %s</translation>
+    </message>
+    <message>
+        <source>&amp;What is lost</source>
+        <translation>&amp;Was verloren geht</translation>
+    </message>
+    <message>
+        <source>Lists what the file will lack, and why</source>
+        <translation>Zeigt, was der Datei fehlen wird und warum</translation>
+    </message>
+    <message>
+        <source>What the file will lack, and why</source>
+        <translation>Was der Datei fehlen wird und warum</translation>
+    </message>
+    <message>
+        <source>Size of the file: at most %s</source>
+        <translation>Größe der Datei: höchstens %s</translation>
+    </message>
+    <message>
+        <source>Size of the file: at most %s (being computed, %s percent)</source>
+        <translation>Größe der Datei: höchstens %s (wird berechnet, %s Prozent)</translation>
+    </message>
+    <message>
+        <source>Size of the file: %s</source>
+        <translation>Größe der Datei: %s</translation>
+    </message>
+    <message>
+        <source>Size of the file: %s (was %s)</source>
+        <translation>Größe der Datei: %s (vorher %s)</translation>
+    </message>
+    <message>
+        <source>Size of the file: unknown</source>
+        <translation>Größe der Datei: unbekannt</translation>
+    </message>
+    <message>
+        <source>Before</source>
+        <translation>Vorher</translation>
+    </message>
+    <message>
+        <source>As saved</source>
+        <translation>Gespeichert</translation>
+    </message>
+    <message>
+        <source>The picture before saving, 1:1. Drag it or use the arrow keys to see another part</source>
+        <translation>Das Bild vor dem Speichern, 1:1. Ziehen oder Pfeiltasten zeigen einen anderen Teil</translation>
+    </message>
+    <message>
+        <source>The picture as it will be saved, 1:1. Drag it or use the arrow keys to see another part</source>
+        <translation>Das Bild, wie es gespeichert wird, 1:1. Ziehen oder Pfeiltasten zeigen einen anderen Teil</translation>
+    </message>
+    <message>
+        <source>Part from %s, %s: %s × %s pixels</source>
+        <translation>Teil ab %s, %s: %s × %s Pixel</translation>
+    </message>
+    <message>
+        <source>As saved: the same pixels</source>
+        <translation>Gespeichert: dieselben Pixel</translation>
+    </message>
+    <message>
+        <source>As saved: being computed ...</source>
+        <translation>Gespeichert: wird berechnet ...</translation>
+    </message>
+    <message>
+        <source>As saved: cannot be shown</source>
+        <translation>Gespeichert: kann nicht gezeigt werden</translation>
+    </message>
+    <message>
+        <source>Type a name for the file.</source>
+        <translation>Geben Sie der Datei einen Namen.</translation>
+    </message>
+    <message>
+        <source>There is no free name beside %s. Type a name for the file.</source>
+        <translation>In %s ist kein Name frei. Geben Sie der Datei einen Namen.</translation>
+    </message>
+    <message>
+        <source>Files cannot be written into the folder %s.</source>
+        <translation>In den Ordner %s können keine Dateien geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>%s files cannot be written. Choose another kind.</source>
+        <translation>%s-Dateien können nicht geschrieben werden. Wählen Sie eine andere Art.</translation>
+    </message>
+    <message>
+        <source>The file %s cannot be written.</source>
+        <translation>Die Datei %s kann nicht geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>It cannot be saved so: %s</source>
+        <translation>So kann es nicht gespeichert werden: %s</translation>
+    </message>
+    <message>
+        <source>depth</source>
+        <translation>Farbtiefe</translation>
+    </message>
+    <message>
+        <source>colors</source>
+        <translation>Farben</translation>
+    </message>
+    <message>
+        <source>color detail</source>
+        <translation>Farbdetails</translation>
+    </message>
+    <message>
+        <source>opacity</source>
+        <translation>Deckkraft</translation>
+    </message>
+    <message>
+        <source>transparent color</source>
+        <translation>durchsichtige Farbe</translation>
+    </message>
+    <message>
+        <source>mark of empty pixels</source>
+        <translation>Kennzeichen leerer Pixel</translation>
+    </message>
+    <message>
+        <source>damaged pixels</source>
+        <translation>beschädigte Pixel</translation>
+    </message>
+    <message>
+        <source>other pages</source>
+        <translation>andere Seiten</translation>
+    </message>
+    <message>
+        <source>other frames</source>
+        <translation>andere Einzelbilder</translation>
+    </message>
+    <message>
+        <source>hidden pictures</source>
+        <translation>verborgene Bilder</translation>
+    </message>
+    <message>
+        <source>position on the map</source>
+        <translation>Lage auf der Karte</translation>
+    </message>
+    <message>
+        <source>control points</source>
+        <translation>Passpunkte</translation>
+    </message>
+    <message>
+        <source>coordinate system</source>
+        <translation>Koordinatensystem</translation>
+    </message>
+    <message>
+        <source>file beside it</source>
+        <translation>Datei daneben</translation>
+    </message>
+    <message>
+        <source>photograph's data</source>
+        <translation>Aufnahmedaten</translation>
+    </message>
+    <message>
+        <source>place of the photograph</source>
+        <translation>Ort der Aufnahme</translation>
+    </message>
+    <message>
+        <source>XMP description</source>
+        <translation>XMP-Beschreibung</translation>
+    </message>
+    <message>
+        <source>IPTC description</source>
+        <translation>IPTC-Beschreibung</translation>
+    </message>
+    <message>
+        <source>comment</source>
+        <translation>Kommentar</translation>
+    </message>
+    <message>
+        <source>texts</source>
+        <translation>Texte</translation>
+    </message>
+    <message>
+        <source>color profile</source>
+        <translation>Farbprofil</translation>
+    </message>
+    <message>
+        <source>resolution</source>
+        <translation>Auflösung</translation>
+    </message>
+    <message>
+        <source>thumbnail</source>
+        <translation>Vorschaubild</translation>
+    </message>
+    <message>
+        <source>notes of the camera's maker</source>
+        <translation>Notizen des Kameraherstellers</translation>
+    </message>
+    <message>
+        <source>data of other programs</source>
+        <translation>Daten anderer Programme</translation>
+    </message>
+    <message>
+        <source>tiles</source>
+        <translation>Kacheln</translation>
+    </message>
+    <message>
+        <source>drawing records</source>
+        <translation>Zeichenbefehle</translation>
+    </message>
+    <message>
+        <source>see what is lost</source>
+        <translation>Siehe die Verluste</translation>
+    </message>
+    <message>
         <source>%d x %d pixels, %s, %s %s</source>
         <translation>%d x %d Pixel, %s, %s %s</translation>
     </message>
     <message>
-        <source>%s dpi</source>
-        <translation>%s dpi</translation>
-    </message>
-    <message>
-        <source>%s x %s dpi</source>
-        <translation>%s x %s dpi</translation>
-    </message>
-    <message>
-        <source>no resolution</source>
-        <translation>keine Auflösung</translation>
-    </message>
-    <message>
-        <source>Width and height must be %d to %d pixels. This size has %s x %s.</source>
-        <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
-    </message>
-    <message>
-        <source>This size needs %s %s of memory. The limit is %s %s.</source>
-        <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
-    </message>
-    <message>
-        <source>Millimeters need a resolution of %d to %d dpi.</source>
-        <translation>Millimeter brauchen eine Auflösung von %d bis %d dpi.</translation>
-    </message>
-    <message>
-        <source>The picture has this size.</source>
-        <translation>Das Bild hat diese Größe.</translation>
-    </message>
-    <message>
-        <source>Filter</source>
-        <translation>Filter</translation>
-    </message>
-    <message>
-        <source>&amp;Filter</source>
-        <translation>&amp;Filter</translation>
-    </message>
-    <message>
-        <source>area (to make smaller)</source>
-        <translation>Fläche (zum Verkleinern)</translation>
-    </message>
-    <message>
-        <source>automatic</source>
-        <translation>automatisch</translation>
-    </message>
-    <message>
-        <source>How the new pixels follow from the old ones</source>
-        <translation>Wie die neuen Pixel aus den alten entstehen</translation>
-    </message>
-    <message>
-        <source>linear (smooth)</source>
-        <translation>linear (weich)</translation>
-    </message>
-    <message>
-        <source>nearest pixel (hard edges)</source>
-        <translation>nächstes Pixel (harte Kanten)</translation>
-    </message>
-    <message>
-        <source>New height in the chosen unit</source>
-        <translation>Neue Höhe in der gewählten Einheit</translation>
-    </message>
-    <message>
-        <source>Keep proportion</source>
-        <translation>Seitenverhältnis behalten</translation>
-    </message>
-    <message>
-        <source>&amp;Keep proportion</source>
-        <translation>&amp;Seitenverhältnis behalten</translation>
-    </message>
-    <message>
-        <source>Picture:</source>
-        <translation>Bild:</translation>
-    </message>
-    <message>
-        <source>Redo</source>
-        <translation>Wiederholen</translation>
-    </message>
-    <message>
-        <source>R&amp;edo</source>
-        <translation>&amp;Wiederholen</translation>
-    </message>
-    <message>
-        <source>Un&amp;do</source>
-        <translation>Rückgän&amp;gig</translation>
-    </message>
-    <message>
-        <source>Makes the change again (Ctrl+Y)</source>
-        <translation>Führt die Änderung wieder aus (Strg+Y)</translation>
-    </message>
-    <message>
-        <source>Dots per inch at which millimeters become pixels</source>
-        <translation>Punkte je Zoll, mit denen Millimeter zu Pixeln werden</translation>
-    </message>
-    <message>
-        <source>Resolution</source>
-        <translation>Auflösung</translation>
-    </message>
-    <message>
-        <source>Result:</source>
-        <translation>Ergebnis:</translation>
-    </message>
-    <message>
-        <source>Takes back the last change (Ctrl+Z)</source>
-        <translation>Nimmt die letzte Änderung zurück (Strg+Z)</translation>
-    </message>
-    <message>
-        <source>Unit</source>
-        <translation>Einheit</translation>
-    </message>
-    <message>
-        <source>&amp;Unit</source>
-        <translation>&amp;Einheit</translation>
-    </message>
-    <message>
-        <source>Unit of width and height</source>
-        <translation>Einheit von Breite und Höhe</translation>
-    </message>
-    <message>
-        <source>millimeters</source>
-        <translation>Millimeter</translation>
-    </message>
-    <message>
-        <source>percent</source>
-        <translation>Prozent</translation>
-    </message>
-    <message>
-        <source>pixels</source>
-        <translation>Pixel</translation>
-    </message>
-    <message>
-        <source>New width in the chosen unit</source>
-        <translation>Neue Breite in der gewählten Einheit</translation>
-    </message>
-    <message>
         <source>OK writes %s</source>
         <translation>OK schreibt %s</translation>
-        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
+    </message>
+    <message>
+        <source>A0</source>
+        <translation>A0</translation>
+    </message>
+    <message>
+        <source>A1</source>
+        <translation>A1</translation>
+    </message>
+    <message>
+        <source>A2</source>
+        <translation>A2</translation>
+    </message>
+    <message>
+        <source>A3</source>
+        <translation>A3</translation>
+    </message>
+    <message>
+        <source>A4</source>
+        <translation>A4</translation>
+    </message>
+    <message>
+        <source>%s, zoom %s %%</source>
+        <translation>%s, Zoom %s %%</translation>
+    </message>
+    <message>
+        <source>From %d to %d, mean %d; black %d %%, white %d %%</source>
+        <translation>Von %d bis %d, Mittel %d; Schwarz %d %%, Weiß %d %%</translation>
+    </message>
+    <message>
+        <source>Reset: %s</source>
+        <translation>Zurücksetzen: %s</translation>
+    </message>
+    <message>
+        <source>Shows places and files</source>
+        <translation>Zeigt Orte und Dateien</translation>
+    </message>
+    <message>
+        <source>Shows the settings of the file and the picture before and after saving</source>
+        <translation>Zeigt die Einstellungen der Datei und das Bild vor und nach dem Speichern</translation>
+    </message>
+    <message>
+        <source>Quality</source>
+        <translation>Qualität</translation>
+    </message>
+    <message>
+        <source>LZW</source>
+        <translation>LZW</translation>
+    </message>
+    <message>
+        <source>Deflate</source>
+        <translation>Deflate</translation>
+    </message>
+    <message>
+        <source>PackBits</source>
+        <translation>PackBits</translation>
+    </message>
+    <message>
+        <source>Steps that do not fit the picture and are skipped: %d (%s)</source>
         <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
     <message>

@@ -33,7 +33,8 @@ ColorChange AnyChange(std::mt19937& random) {
                                  SetBits{4},
                                  SetBits{8},
                                  SetBits{15},
-                                 SetBits{32}};
+                                 SetBits{32},
+                                 UsePalette{DefaultPalette(pf4bit)}};
   return changes[random() % std::size(changes)];
 }
 

@@ -31,7 +31,7 @@ inline Resampling PickResampling(const Pick& pick) {
 }
 
 inline ColorChange PickChange(const Pick& pick) {
-  switch (pick(10)) {
+  switch (pick(11)) {
     case 0:
       return MakeGray{pick(2) == 0};
     case 1:
@@ -52,6 +52,8 @@ inline ColorChange PickChange(const Pick& pick) {
       return PaintTransparency{static_cast<TColor>(pick(256) << 8)};
     case 8:
       return SwapOpacity{};
+    case 9:
+      return UsePalette{DefaultPalette(pick(2) == 0 ? pf4bit : pf8bit)};
     default: {
       constexpr int kBits[] = {1, 4, 8, 24, 32};
       return SetBits{kBits[pick(5)]};

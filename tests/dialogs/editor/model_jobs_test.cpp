@@ -123,7 +123,7 @@ TEST_F(EditorJobs, Should_LeaveNoFileAfterACanceledSave) {
   EXPECT_THAT(view->closed, ElementsAre(true));
 }
 
-TEST_F(EditorJobs, Should_CloseAfterTheSaveThatWasAskedFor) {
+TEST_F(EditorJobs, Should_CloseAfterTheSaveThatWasRequested) {
   OpenPicture();
   model->TurnLeft();
   view->RunJobs();

@@ -147,7 +147,7 @@ TEST_F(EditorJournal, Should_WarnWhenTheFileWasChangedSince) {
   EXPECT_THAT(view->questions.at(0).text, HasSubstr("the file was changed since"));
   EXPECT_THAT(model->StepNames(), ElementsAre("Turn left"));
   ASSERT_THAT(view->told, SizeIs(1));
-  EXPECT_THAT(view->told[0], HasSubstr("left out: 2 ("));
+  EXPECT_THAT(view->told[0], HasSubstr("skipped: 2 ("));
   ExpectResultShown();
 }
 

@@ -151,7 +151,7 @@ TEST_F(EditorOpening, Should_OpenALargePageAtAResolutionThatFits) {
   EXPECT_EQ(model->DrawingDpi(), 150);
   options.dpi = 1000;
   Renew();
-  EXPECT_THROW(Open(folder / "plan.pdf"), LimitError) << "what was asked for is refused";
+  EXPECT_THROW(Open(folder / "plan.pdf"), LimitError) << "what was requested is refused";
 }
 
 TEST_F(EditorOpening, Should_KeepThePageWhenDrawingIsCanceledOrFails) {

@@ -78,7 +78,7 @@ TEST_F(EditorRefused, Should_SaveAProtectedFileElsewhere) {
   model->TurnLeft();
   view->saving = SavingChoice{folder / "new.png", {}, false};
   model->Confirm();
-  EXPECT_EQ(view->savingStarts.size(), 1u) << "OK asks for another name";
+  EXPECT_EQ(view->savingStarts.size(), 1u) << "OK lets the user choose another name";
   EXPECT_THAT(view->closed, ElementsAre(true));
   EXPECT_EQ(Picture::Open(folder / "new.png").Width(), 17);
   EXPECT_EQ(ReadFile(file), before);

@@ -128,6 +128,18 @@ TEST_F(EditorSteps, Should_IgnoreEventsWhileAWindowAsks) {
   EXPECT_THAT(view->closed, IsEmpty());
 }
 
+TEST_F(EditorSteps, Should_ShareNoPixelsBetweenSteps) {
+  Open(WritePicture("plan.png"));
+  const TBitmap* const source = view->shown;
+  model->Add(TurnStep{4});
+  EXPECT_NE(view->shown, source);
+  EXPECT_NE(view->shown->ScanLine(0), source->ScanLine(0));
+  ExpectResultShown();
+  model->Undo();
+  EXPECT_EQ(view->shown, source);
+  ExpectResultShown();
+}
+
 TEST_F(EditorSteps, Should_RotateByQuartersWithoutResampling) {
   Open(WritePicture("plan.png"));
   model->Rotate(-90);

@@ -54,10 +54,13 @@ QString Longer(const QString& text, Script script) {
 /// What is left of a text that is not in the pseudo language.
 QString Foreign(QString text) {
   // Keys as in "Shows help (F1)"; kinds and names of files in front of a caption; no text of ours.
-  static const QRegularExpression translated("«[^»]*»"), key(R"( ?\([^)]*\)$)"),
+  static const QRegularExpression translated("«[^«»]*»"), key(R"( ?\([^)]*\)$)"),
       kind("^(BMP|JPG|PNG|TIF) "), file(R"(^[\w ]+\.\w{3} - )");
   if (text == QGuiApplication::applicationDisplayName()) return {};
-  text.remove(u'&').remove(file).remove(kind).remove(translated).remove(key);
+  text.remove(u'&').remove(file).remove(kind);
+  // A translated text may hold another one.
+  while (text.contains(translated)) text.remove(translated);
+  text.remove(key);
   const bool hasLetters =
       std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c.isLetter(); });
   return hasLetters ? text : QString();

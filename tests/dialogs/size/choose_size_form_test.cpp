@@ -62,14 +62,14 @@ TEST_F(ChooseSizeFormTest, TheStart_Should_ShowTheSizeAndAPaleOk) {
   EXPECT_FALSE(Button("ButtonOK").isEnabled());
   EXPECT_FALSE(Button("ButtonUndo").isEnabled());
   EXPECT_FALSE(Button("ButtonRedo").isEnabled());
-  EXPECT_EQ(Text("LabNowValue"), "400 x 300 pixels, 100 dpi, 352 KiB");
+  EXPECT_EQ(Text("LabNowValue"), "400 x 300 pixels, 352 KiB, 100 dpi");
   EXPECT_EQ(Text("LabFault"), "The picture has this size.");
 }
 
 TEST_F(ChooseSizeFormTest, ATypedNumber_Should_ShowItsResultAtOnce) {
   Type("FlEdWidth", "200");
   EXPECT_EQ(Edit("FlEdHeight").text(), "150");
-  EXPECT_EQ(Text("LabResultValue"), "200 x 150 pixels, 50 dpi, 87.9 KiB");
+  EXPECT_EQ(Text("LabResultValue"), "200 x 150 pixels, 87.9 KiB, 50 dpi");
   EXPECT_EQ(Text("LabFault"), "");
   EXPECT_TRUE(Button("ButtonOK").isEnabled());
 }
@@ -97,9 +97,9 @@ TEST_F(ChooseSizeFormTest, Units_Should_ChangeTheNumbersAndNotTheSize) {
   EXPECT_EQ(Edit("FlEdWidth").text(), "50.80");
   EXPECT_EQ(Edit("FlEdHeight").text(), "38.10");
   EXPECT_TRUE(Edit("FlEdDpi").isEnabled());
-  EXPECT_EQ(Text("LabResultValue"), "200 x 150 pixels, 100 dpi, 87.9 KiB");
+  EXPECT_EQ(Text("LabResultValue"), "200 x 150 pixels, 87.9 KiB, 100 dpi");
   Type("FlEdDpi", "300");
-  EXPECT_EQ(Text("LabResultValue"), "600 x 450 pixels, 300 dpi, 791 KiB");
+  EXPECT_EQ(Text("LabResultValue"), "600 x 450 pixels, 791 KiB, 300 dpi");
   EXPECT_EQ(Edit("FlEdWidth").text(), "50.80");
 }
 

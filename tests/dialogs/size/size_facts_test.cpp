@@ -31,20 +31,20 @@ class SizeFactsTest : public testing::Test {
 
 TEST_F(SizeFactsTest, ThePicture_Should_BeToldWithResolutionAndMemory) {
   Start(600, 400, {300, 300});
-  EXPECT_EQ(SizeFactsText(picture), "600 x 400 pixels, 300 dpi, 703 KiB");
+  EXPECT_EQ(SizeFactsText(picture), "600 x 400 pixels, 703 KiB, 300 dpi");
   Start(10, 10, {});
-  EXPECT_EQ(SizeFactsText(picture), "10 x 10 pixels, no resolution, 300 bytes");
+  EXPECT_EQ(SizeFactsText(picture), "10 x 10 pixels, 300 bytes, no resolution");
   Start(2000, 10, {204, 98}, pf1bit);
-  EXPECT_EQ(SizeFactsText(picture), "2000 x 10 pixels, 204 x 98 dpi, 2.4 KiB");
+  EXPECT_EQ(SizeFactsText(picture), "2000 x 10 pixels, 2.4 KiB, 204 x 98 dpi");
 }
 
 TEST_F(SizeFactsTest, PixelsAndPercent_Should_KeepTheSizeOnPaper) {
   Start(600, 400, {300, 300});
   model.FlEdChange(Field::width, 200);
-  EXPECT_EQ(SizeResultText(model, picture), "200 x 133 pixels, 100 x 99.75 dpi, 77.9 KiB");
+  EXPECT_EQ(SizeResultText(model, picture), "200 x 133 pixels, 77.9 KiB, 100 x 99.75 dpi");
   model.SetUnit(LengthUnit::percent);
   model.FlEdChange(Field::width, 50);
-  EXPECT_EQ(SizeResultText(model, picture), "300 x 200 pixels, 150 dpi, 176 KiB");
+  EXPECT_EQ(SizeResultText(model, picture), "300 x 200 pixels, 176 KiB, 150 dpi");
 }
 
 TEST_F(SizeFactsTest, Millimeters_Should_StateTheirResolution) {
@@ -52,16 +52,16 @@ TEST_F(SizeFactsTest, Millimeters_Should_StateTheirResolution) {
   model.SetUnit(LengthUnit::millimeters);
   model.SetDpi(127.5);
   model.FlEdChange(Field::width, 25.4);
-  EXPECT_EQ(SizeResultText(model, picture), "128 x 85 pixels, 127.5 dpi, 31.9 KiB");
+  EXPECT_EQ(SizeResultText(model, picture), "128 x 85 pixels, 31.9 KiB, 127.5 dpi");
 }
 
 TEST_F(SizeFactsTest, Memory_Should_FollowTheFilter_When_MixedPixelsNeedMoreBits) {
   Start(800, 800, {}, pf1bit);
   model.SetFilter(Filter::nearest);
   model.FlEdChange(Field::width, 400);
-  EXPECT_EQ(SizeResultText(model, picture), "400 x 400 pixels, no resolution, 19.5 KiB");
+  EXPECT_EQ(SizeResultText(model, picture), "400 x 400 pixels, 19.5 KiB, no resolution");
   model.SetFilter(Filter::area);
-  EXPECT_EQ(SizeResultText(model, picture), "400 x 400 pixels, no resolution, 156 KiB");
+  EXPECT_EQ(SizeResultText(model, picture), "400 x 400 pixels, 156 KiB, no resolution");
 }
 
 TEST_F(SizeFactsTest, Faults_Should_BeToldWithTheirReason) {

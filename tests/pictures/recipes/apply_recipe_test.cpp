@@ -194,6 +194,29 @@ TEST(ApplyRecipeTest, LeavesThePictureAsItWasIfAStepDoesNotFit) {
   EXPECT_EQ(picture.Width(), 40);
 }
 
+TEST(ApplyRecipeTest, ErrorsKeepTheirKindAndNameTheStep) {
+  const auto faultOf = []<class Kind>(std::type_identity<Kind>, const RecipeStep& step) {
+    Picture picture = GradientPicture(40, 30);
+    try {
+      ApplyRecipe(picture, {"", {MirrorStep{}, step}, {}});
+      return std::string();
+    } catch (const Kind& error) {
+      return error.Reason();
+    }
+  };
+  using testing::StartsWith;
+  EXPECT_THAT(faultOf(std::type_identity<LimitError>(), RecipeResize{kPixels, 1e9, 1e9}),
+              StartsWith("/steps/1: a picture of 1000000000 x 1000000000 pixels"));
+  EXPECT_THAT(faultOf(std::type_identity<RangeError>(), NorthUpStep{}),
+              StartsWith("/steps/1: the picture has no position"));
+  MetadataEdit edit;
+  edit.set = {{"NoSuchTag", "1"}};
+  EXPECT_THAT(faultOf(std::type_identity<RangeError>(), EditStep{edit}),
+              StartsWith("/steps/1: no tag has the name"));
+  EXPECT_THAT(faultOf(std::type_identity<RangeError>(), RecipePalette{"other"}),
+              StartsWith("/steps/1: the slot \"other\" has no picture"));
+}
+
 TEST(ApplyRecipeTest, IsTheSameAsTheCallsOfPicture) {
   Picture picture = GradientPicture(40, 30), expected = picture;
   Recipe recipe;

@@ -11,6 +11,7 @@ namespace rasterkit {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 /// The reason why a text is no recipe; empty if it is one.
@@ -68,6 +69,8 @@ TEST(ReadRecipeTest, SyntaxIsRefusedByLineAndColumn) {
   EXPECT_THAT(FaultOf("{\"schema\": 1e999}"), StartsWith("line 1, column 16: number overflow"));
   EXPECT_THAT(FaultOf("{\"made_with\": \"\xFF\"}"), StartsWith("line 1, column 16: "));
   EXPECT_THAT(FaultOf("{\"made_with\": \"\xC3\"}"), StartsWith("line 1, column "));
+  EXPECT_THAT(FaultOf("{\n\"made_with\": \"a\nb\"}"), StartsWith("line 2, column 16: "));
+  EXPECT_THAT(FaultOf("{\n"), StartsWith("line 2, column 1: unexpected end"));
   EXPECT_THAT(FaultOf("{\"schema\": NaN}"), StartsWith("line 1, column "));
   EXPECT_THAT(FaultOf("{\"schema\": 1, // why\n \"steps\": []}"), StartsWith("line 1, column "));
 }
@@ -111,7 +114,7 @@ TEST(ReadRecipeTest, HugeCoordinatesAreRefused) {
 
 TEST(ReadRecipeTest, UnknownThingsAreRefused) {
   EXPECT_EQ(FaultOf(R"({"schema": 1, "steps": [], "note": 1})"),
-            "/note: unknown key; the keys here are schema, made_with, steps, save");
+            "/note: unknown key; the keys here are schema, made_with, as_stored, steps, save");
   EXPECT_EQ(FaultOf(R"({"schema": 2, "note": 1})"),
             "/schema: 2 is not 1, the version of recipes that is known here");
   EXPECT_EQ(FaultOf(R"({"steps": []})"), "/: the key schema is missing");
@@ -192,6 +195,16 @@ TEST(WriteRecipeTest, IsReadable) {
   }
 }
 )");
+}
+
+TEST(WriteRecipeTest, StatesThatThePictureStaysAsStored) {
+  Recipe recipe;
+  EXPECT_THAT(WriteRecipe(recipe), Not(HasSubstr("as_stored")));
+  recipe.isAsStored = true;
+  EXPECT_THAT(WriteRecipe(recipe), HasSubstr("\"as_stored\": true"));
+  EXPECT_TRUE(ReadRecipe(WriteRecipe(recipe)).isAsStored);
+  EXPECT_EQ(FaultOf(R"({"schema": 1, "steps": [], "as_stored": 1})"),
+            "/as_stored: 1 is neither true nor false");
 }
 
 std::string WritingFault(const RecipeStep& step) {

@@ -14,7 +14,7 @@ using tool::NearestWord;
 using tool::ParseColor;
 using tool::ParseMapRect;
 using tool::ParseRect;
-using tool::ParseSizeArgument;
+using tool::ParseResize;
 
 TEST(NearWord, OneMistypedLetter_Should_GiveTheWord) {
   const std::vector<std::string> words = {"rotate", "resize", "mirror", "mono", "crop", "info"};
@@ -52,39 +52,29 @@ TEST(ColorArgument, DigitsAndNames_Should_BeRead) {
   EXPECT_NE(tool::CheckColor("purpel").find("did you mean purple?"), std::string::npos);
 }
 
-TEST(SizeArgument, Percent_Should_BeRoundedHalvesToEven) {
-  const auto half = ParseSizeArgument("50%").value();
-  EXPECT_EQ(half.For(800, 600).width, 400);
-  EXPECT_EQ(half.For(800, 600).height, 300);
-  EXPECT_EQ(half.For(5, 7).width, 2) << "2.5";
-  EXPECT_EQ(half.For(5, 7).height, 4) << "3.5";
-  EXPECT_EQ(half.For(1, 1).width, 1);
-  const auto both = ParseSizeArgument("50%x25%").value();
-  EXPECT_EQ(both.For(800, 600).width, 400);
-  EXPECT_EQ(both.For(800, 600).height, 150);
-  EXPECT_EQ(ParseSizeArgument("800x").value().For(1600, 1000).height, 500);
+void ExpectSize(const std::string& text, LengthUnit unit, double width, double height) {
+  const auto resize = ParseResize(text);
+  ASSERT_TRUE(resize) << text;
+  EXPECT_EQ(resize->unit, unit) << text;
+  EXPECT_EQ(resize->width, width) << text;
+  EXPECT_EQ(resize->height, height) << text;
+}
+
+TEST(SizeArgument, PixelsAndPercent_Should_StayAsTyped) {
+  ExpectSize("50%", LengthUnit::percent, 50, 50);
+  ExpectSize("50%x25.5%", LengthUnit::percent, 50, 25.5);
+  ExpectSize("800x600", LengthUnit::pixels, 800, 600);
+  ExpectSize("800x", LengthUnit::pixels, 800, 0);
+  ExpectSize("x600", LengthUnit::pixels, 0, 600);
   for (const char* text : {"", "%", "50", "0%", "-5%", "50%x", "x50%", "50%x25", "nan%", "1e99%",
                            "50 %", "50%x25%x5%", "800x600%"}) {
-    EXPECT_FALSE(ParseSizeArgument(text)) << text;
+    EXPECT_FALSE(ParseResize(text)) << text;
   }
 }
 
-void ExpectRect(const CropStep& rect, int left, int top, int width, int height) {
-  EXPECT_EQ(rect.left, left);
-  EXPECT_EQ(rect.top, top);
-  EXPECT_EQ(rect.width, width);
-  EXPECT_EQ(rect.height, height);
-}
-
-TEST(RectArgument, PixelsAndPercent_Should_BeRead) {
-  ExpectRect(ParseRect("3,2,4,5").value().For(1, 1), 3, 2, 4, 5);
-  const auto rect = ParseRect("10%,10%,80%,80%").value();
-  ExpectRect(rect.For(100, 200), 10, 20, 80, 160);
-  ExpectRect(rect.For(5, 5), 0, 0, 4, 4);
-  ExpectRect(rect.For(1, 1), 0, 0, 1, 1);
-  ExpectRect(ParseRect("0%,0%,100%,100%").value().For(7, 3), 0, 0, 7, 3);
-  ExpectRect(ParseRect("99.9%,99.9%,0.1%,0.1%").value().For(10, 10), 9, 9, 1, 1);
-  ExpectRect(ParseRect("100%,100%,1%,1%").value().For(10, 10), 9, 9, 1, 1);
+TEST(RectArgument, PixelsAndPercent_Should_BeEdgesAsTyped) {
+  EXPECT_EQ(ParseRect("3,2,4,5"), (RecipeCrop{LengthUnit::pixels, 3, 2, 7, 7}));
+  EXPECT_EQ(ParseRect("10%,20%,80%,30.5%"), (RecipeCrop{LengthUnit::percent, 10, 20, 90, 50.5}));
   for (const char* text : {"", "1,2,3", "1,2,3,4,5", "1,2,0,4", "1,2,3,0", "-1,2,3,4", "1,2,3,x",
                            "10%,10%,80,80", "10%,10%,0%,80%", "10%,101%,1%,80%", "1.5,2,3,4"}) {
     EXPECT_FALSE(ParseRect(text)) << text;
@@ -92,11 +82,8 @@ TEST(RectArgument, PixelsAndPercent_Should_BeRead) {
 }
 
 TEST(RectArgument, MapRectangle_Should_NeedTheMinimumFirst) {
-  const auto rect = ParseMapRect("500000.5,-10,500100,20e3").value();
-  EXPECT_EQ(rect.minX, 500000.5);
-  EXPECT_EQ(rect.minY, -10);
-  EXPECT_EQ(rect.maxX, 500100);
-  EXPECT_EQ(rect.maxY, 20000);
+  EXPECT_EQ(ParseMapRect("500000.5,-10,500100,20e3"),
+            (RecipeCrop{LengthUnit::map, 500000.5, 20000, 500100, -10}));
   for (const char* text :
        {"", "1,2,3", "3,2,1,4", "1,4,3,2", "1,2,1,4", "1,2,nan,4", "1,2,inf,4"}) {
     EXPECT_FALSE(ParseMapRect(text)) << text;

@@ -5,6 +5,8 @@
 #include "tests/support/test_pictures.h"
 #include "tests/tool/support/dialog_run.h"
 
+#include <nlohmann/json.hpp>
+
 namespace rasterkit::test {
 namespace {
 
@@ -24,8 +26,8 @@ TEST_F(CliDialogCrop, RectangleOfTheCommandLine_Should_BeWhereTheWindowBegins) {
 TEST_F(CliDialogCrop, NumbersThatAreTyped_Should_BeThoseOfTheOutput) {
   const Raster raster = GradientRaster(pf8bit, 37, 20);
   const Raster cut = Confirmed("crop", raster,
-                               "type SpEdLeft 5; type SpEdTop 3; type SpEdWidth 17; type "
-                               "SpEdHeight 11; click nbPost");
+                               "type FieldLeft 5; type FieldTop 3; type FieldWidth 17; type "
+                               "FieldHeight 11; click nbPost");
   EXPECT_TRUE(SamePixels(WithoutDialog("crop", raster, {"--rect", "5,3,17,11"}), cut));
 }
 
@@ -71,6 +73,57 @@ TEST_F(CliDialogCrop, Photograph_Should_StandUprightAndSayWhatIsLost) {
   EXPECT_THAT(asked.err, HasSubstr("lost: "));
   EXPECT_THAT(plain.err, HasSubstr("lost: "));
   EXPECT_TRUE(SamePixels(LoadFile(folder_ / "plain.bmp"), LoadFile(folder_ / "asked.bmp")));
+}
+
+/// The answer of the window is a step in the unit that the user chose.
+TEST_F(CliDialogCrop, Recipe_Should_GiveTheSameBytes_InTheUnitOfTheUser) {
+  const Raster raster = GradientRaster(pf24bit, 400, 300);
+  const std::string recipe = folder_ / "r.json";
+  const std::string scripts[] = {"drag PaintBox 200,150 260,190; click nbPost",
+                                 "type ComboUnit Percent; type FieldLeft 10; type FieldTop 20; "
+                                 "type FieldWidth 50; type FieldHeight 40; click nbPost"};
+  for (const std::string& script : scripts) {
+    const ToolResult result = RunVerb("crop", raster, script, {"--record", recipe, "--overwrite"});
+    ASSERT_EQ(result.code, 0) << result.err;
+    ASSERT_EQ(
+        RunTool({"apply", recipe, folder_ / "in.png", folder_ / "same.png", "--overwrite"}).code,
+        0);
+    EXPECT_EQ(ReadBytes(folder_ / "out.png"), ReadBytes(folder_ / "same.png")) << script;
+  }
+  const std::vector<uint8_t> text = ReadBytes(recipe);
+  const auto step = nlohmann::json::parse(text.begin(), text.end()).at("steps").at(0);
+  EXPECT_EQ(step.at("unit"), "percent");
+  EXPECT_EQ(step.at("right"), 60);
+}
+
+TEST_F(CliDialogCrop, MapRectangle_Should_BeWhereTheWindowBegins) {
+  const std::string placed = folder_ / "placed.tif";
+  SavePngFile(folder_ / "in.png", GradientRaster(pf24bit, 40, 30));
+  ASSERT_EQ(
+      RunTool({"geotiff", folder_ / "in.png", placed, "--origin", "1000,2000", "--pixel-size", "2"})
+          .code,
+      0);
+  std::vector<std::string> line = {"crop", placed, folder_ / "plain.tif", "--map-rect",
+                                   "1010,1960,1050,1990"};
+  ASSERT_EQ(RunTool(line).code, 0);
+  line[2] = folder_ / "asked.tif";
+  line.insert(line.end(), {"--dialog", "--record", folder_ / "r.json"});
+  const ToolResult asked = Run(line, "click nbPost");
+  EXPECT_EQ(asked.code, 0) << asked.err;
+  EXPECT_EQ(ReadBytes(folder_ / "plain.tif"), ReadBytes(folder_ / "asked.tif"));
+  const std::vector<uint8_t> text = ReadBytes(folder_ / "r.json");
+  EXPECT_EQ(nlohmann::json::parse(text.begin(), text.end()).at("steps").at(0).at("unit"), "map");
+}
+
+TEST_F(CliDialogCrop, SeveralPictures_Should_NotBeRecorded) {
+  for (const char* name : {"a.png", "b.png"}) {
+    SavePngFile(folder_ / name, GradientRaster(pf24bit, 6, 4));
+  }
+  const ToolResult result = Run({"crop", "--dialog", folder_ / "a.png", folder_ / "b.png",
+                                 "--out-dir", folder_ / "d", "--record", folder_ / "r.json"},
+                                "");
+  EXPECT_EQ(result.code, 2);
+  EXPECT_THAT(result.err, HasSubstr("--record"));
 }
 
 TEST_F(CliDialogCrop, Cancel_Should_Exit1AndWriteNothing) {

@@ -25,7 +25,7 @@ class CliDialog : public DialogTest {
   /// Runs each verb in an environment without a window.
   void ExpectNoWindow(const Environment::Variables& variables, const std::string& reason) {
     const Environment environment(variables);
-    for (const char* verb : {"adjust", "resize", "crop"}) {
+    for (const char* verb : {"adjust", "mono", "resize", "crop"}) {
       const ToolResult result = RunTool(Line(verb));
       EXPECT_EQ(result.code, 4) << verb;
       EXPECT_THAT(result.err, HasSubstr("rasterkit: a window cannot be opened: ")) << verb;
@@ -73,7 +73,7 @@ TEST_F(CliDialog, ExistingOutput_Should_BeRefusedBeforeTheUserIsAsked) {
 
 TEST_F(CliDialog, InputThatIsNoPicture_Should_Exit3WithoutAWindow) {
   WriteText(folder_ / "in.png", "no picture");
-  for (const char* verb : {"adjust", "resize", "crop"}) {
+  for (const char* verb : {"adjust", "mono", "resize", "crop"}) {
     const ToolResult result = Run(Line(verb), "");
     EXPECT_EQ(result.code, 3) << verb;
     EXPECT_THAT(result.err, testing::Not(HasSubstr("user:"))) << verb;
@@ -87,7 +87,7 @@ TEST_F(CliDialog, SeveralJobs_Should_BeWrongUsage) {
 }
 
 TEST_F(CliDialog, Interruption_Should_EndTheToolAtOnce) {
-  for (const char* verb : {"adjust", "resize", "crop"}) {
+  for (const char* verb : {"adjust", "mono", "resize", "crop"}) {
     const ToolResult result = Run(Line(verb), "interrupt");
     EXPECT_EQ(result.code, 130) << verb;
     EXPECT_EQ(result.err, "rasterkit: interrupted\n") << verb;

@@ -44,7 +44,7 @@ class CliDialogLibrary : public testing::Test {
 };
 
 TEST_F(CliDialogLibrary, Missing_Should_BeSaidAndWhereItBelongs) {
-  for (const char* verb : {"adjust", "resize", "crop"}) {
+  for (const char* verb : {"adjust", "mono", "resize", "crop"}) {
     const std::string text = Refusal(verb);
     EXPECT_THAT(text, HasSubstr("rasterkit: the dialogs are not installed: there is no "
                                 "librasterkit-dialogs.so.0 in " +
@@ -96,7 +96,7 @@ TEST_F(CliDialogLibrary, StartThatFails_Should_SayWhy) {
 
 TEST_F(CliDialogLibrary, WindowThatFails_Should_SayWhyAndForWhichPicture) {
   PlaceFake();
-  for (const char* verb : {"adjust", "resize", "crop"})
+  for (const char* verb : {"adjust", "mono", "resize", "crop"})
     EXPECT_EQ(Refusal(verb), "rasterkit: " + (folder_ / "in.png") + ": the window fell over\n");
 }
 

@@ -5,6 +5,8 @@
 #include "tests/support/test_pictures.h"
 #include "tests/tool/support/dialog_run.h"
 
+#include <nlohmann/json.hpp>
+
 namespace rasterkit::test {
 namespace {
 
@@ -14,7 +16,7 @@ class CliDialogResize : public DialogTest {};
 
 TEST_F(CliDialogResize, SizeThatIsTyped_Should_BeThatOfTheOutput) {
   const Raster raster = GradientRaster(pf24bit, 60, 40);
-  const Raster small = Confirmed("resize", raster, "type FlEdW 30; click ButtonOK");
+  const Raster small = Confirmed("resize", raster, "type FlEdWidth 30; click ButtonOK");
   EXPECT_EQ(small.Height(), 20) << "proportional";
   EXPECT_TRUE(SamePixels(WithoutDialog("resize", raster, {"--size", "30x20"}), small));
 }
@@ -28,8 +30,8 @@ TEST_F(CliDialogResize, SizeOfTheCommandLine_Should_BeWhereTheWindowBegins) {
 TEST_F(CliDialogResize, OptionsAndResolution_Should_ActAsWithoutAWindow) {
   Raster raster = GradientRaster(pf4bit, 60, 40);
   raster.resolution = {300, 200};
-  const Raster small = Confirmed("resize", raster, "click CheckProp; type FlEdW 30; click ButtonOK",
-                                 {"--filter", "area"});
+  const Raster small = Confirmed(
+      "resize", raster, "click CheckKeep; type FlEdWidth 30; click ButtonOK", {"--filter", "area"});
   EXPECT_TRUE(
       SamePixels(WithoutDialog("resize", raster, {"--size", "30x40", "--filter", "area"}), small));
   EXPECT_NEAR(small.resolution.x, 150, 0.1);
@@ -37,7 +39,7 @@ TEST_F(CliDialogResize, OptionsAndResolution_Should_ActAsWithoutAWindow) {
 }
 
 TEST_F(CliDialogResize, Cancel_Should_Exit1AndWriteNothing) {
-  for (const char* script : {"click ButtonExit", "type FlEdW 7; key Escape", "close"}) {
+  for (const char* script : {"click ButtonExit", "type FlEdWidth 7; key Escape", "close"}) {
     const ToolResult result = RunVerb("resize", GradientRaster(pf24bit, 6, 4), script);
     EXPECT_EQ(result.code, 1) << script;
     EXPECT_EQ(result.err, "rasterkit: " + (folder_ / "in.png") + ": canceled\n") << script;
@@ -45,14 +47,28 @@ TEST_F(CliDialogResize, Cancel_Should_Exit1AndWriteNothing) {
   }
 }
 
-TEST_F(CliDialogResize, SizeThatCannotBe_Should_Exit4) {
-  for (const char* script :
-       {"type FlEdW 0; click ButtonOK", "click CheckProp; type FlEdH 1000001; click ButtonOK"}) {
+TEST_F(CliDialogResize, SizeThatCannotBe_Should_NotBeConfirmed) {
+  for (const char* script : {"type FlEdWidth 0; key Return; key Escape",
+                             "type FlEdHeight 999999999; key Return; key Escape"}) {
     const ToolResult result = RunVerb("resize", GradientRaster(pf24bit, 6, 4), script);
-    EXPECT_EQ(result.code, 4) << script;
-    EXPECT_THAT(result.err, HasSubstr("from 1 to 1000000"));
+    EXPECT_EQ(result.code, 1) << script;
     EXPECT_FALSE(HasOutput()) << script;
   }
+}
+
+/// The answer of the window is a step in the unit that the user chose.
+TEST_F(CliDialogResize, Recipe_Should_GiveTheSameBytes_InTheUnitOfTheUser) {
+  const std::string recipe = folder_ / "r.json";
+  const ToolResult result =
+      RunVerb("resize", GradientRaster(pf24bit, 61, 41),
+              "type UnitBox percent; type FlEdWidth 30; click ButtonOK", {"--record", recipe});
+  ASSERT_EQ(result.code, 0) << result.err;
+  const std::vector<uint8_t> text = ReadBytes(recipe);
+  const auto step = nlohmann::json::parse(text.begin(), text.end()).at("steps").at(0);
+  EXPECT_EQ(step.at("unit"), "percent");
+  EXPECT_EQ(step.at("width"), 30);
+  ASSERT_EQ(RunTool({"apply", recipe, folder_ / "in.png", folder_ / "same.png"}).code, 0);
+  EXPECT_EQ(ReadBytes(folder_ / "out.png"), ReadBytes(folder_ / "same.png"));
 }
 
 TEST_F(CliDialogResize, EachOfSeveralPictures_Should_HaveItsWindow) {
@@ -61,7 +77,7 @@ TEST_F(CliDialogResize, EachOfSeveralPictures_Should_HaveItsWindow) {
   const ToolResult result =
       Run({"resize", "--dialog", "--continue", "--json", "--out-dir", folder_ / "d",
            folder_ / "a.png", folder_ / "b.png", folder_ / "c.png"},
-          "type FlEdW 30; click ButtonOK | key Escape | type FlEdW 15; click ButtonOK");
+          "type FlEdWidth 30; click ButtonOK | key Escape | type FlEdWidth 15; click ButtonOK");
   EXPECT_EQ(result.code, 1);
   const auto lines = JsonLines(result.out);
   ASSERT_EQ(lines.size(), 3u);

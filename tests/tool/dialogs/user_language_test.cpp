@@ -16,7 +16,7 @@ TEST_F(CliDialogLanguage, Windows_Should_SpeakTheUsersLanguage) {
   EXPECT_EQ(canceled.code, 1);
   EXPECT_EQ(canceled.err, "rasterkit: " + (folder_ / "in.png") + ": canceled\n");
   EXPECT_EQ(Confirmed("crop", raster,
-                      "type SpEdLeft 5; type SpEdTop 5; type SpEdWidth 30; type SpEdHeight 25; "
+                      "type FieldLeft 5; type FieldTop 5; type FieldWidth 30; type FieldHeight 25; "
                       "click OK")
                 .Width(),
             30);

@@ -30,7 +30,8 @@ class DialogTest : public testing::Test {
             {"LC_ALL", locale_},
             {"LANGUAGE", ""},
             {"HOME", HomeFolder()},
-            {"XDG_CONFIG_HOME", HomeFolder()}};
+            {"XDG_CONFIG_HOME", HomeFolder()},
+            {"XDG_STATE_HOME", HomeFolder()}};
   }
 
   ToolResult Run(const std::vector<std::string>& line, const std::string& script) const {

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <string_view>
+#include <tuple>
 
 #include <rasterkit/dialogs/desktop/desktop_dialogs.h>
 
@@ -27,24 +28,14 @@ DesktopAnswer Fail(std::string& error) noexcept {
   return DesktopAnswer::failed;
 }
 
-constexpr DesktopDialogs kDialogs = {
-    Start,
-    End,
-    [](TBitmap&, TChgBmpValuesRec&, std::string& error) noexcept { return Fail(error); },
-    [](int32_t&, int32_t&, std::string& error) noexcept { return Fail(error); },
-    [](TBitmap&, TRect&, const std::function<bool(const TRect&)>&, std::string& error) noexcept {
-      return Fail(error);
-    },
-    [](std::string&, std::string& error) noexcept { return Fail(error); },
-    [](const std::string&, std::string&, std::unique_ptr<TGraphic>&, std::string& error) noexcept {
-      return Fail(error);
-    },
-    [](const std::string&, std::string&, std::string& error) noexcept { return Fail(error); },
-    [](const std::string&, TrecSaveBitmap&, std::string&, std::string& error) noexcept {
-      return Fail(error);
-    },
-    [](const std::string&, TrecSaveBitmap&, int32_t&, int32_t&, std::string&,
-       std::string& error) noexcept { return Fail(error); }};
+template <class... Arguments>
+DesktopAnswer FailWith(Arguments... arguments) noexcept {
+  // The error is the last one.
+  return Fail(std::get<sizeof...(arguments) - 1>(std::tie(arguments...)));
+}
+
+constexpr DesktopDialogs kDialogs = {Start,    End,      FailWith, FailWith, FailWith,
+                                     FailWith, FailWith, FailWith, FailWith};
 
 }  // namespace
 

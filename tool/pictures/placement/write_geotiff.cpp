@@ -22,9 +22,10 @@ JobResult WriteGeoTiff(const Job& job, const PlacementOptions& options) {
   PictureOptions reading;
   reading.worldFile = options.worldFile;
   reading.edit = options.edit;
+  reading.recorder = options.recorder;
   JobResult result = ChangePicture(job, reading, false, [&](PictureWork& work) {
     if (options.given) {
-      work.picture.Apply(PlaceStep{*options.given});
+      work.Add(PlaceStep{*options.given});
       if (options.placedBy) {
         work.notes = PointNotes(*options.placedBy);
         work.warnings =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -18,6 +19,8 @@ struct PlacementOptions {
   std::string worldFile;
   /// What the output shall not have.
   MetadataEdit edit = {};
+  /// Takes the steps, for --record; may be null.
+  std::shared_ptr<Recorder> recorder = nullptr;
 };
 
 /// Writes the job's input upright with its position: in the tags of a TIFF file, else in a world

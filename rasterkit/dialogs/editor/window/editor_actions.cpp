@@ -31,7 +31,7 @@ using enum EditorCommand;
 
 constexpr Description kDescriptions[] = {
     {open, "Open", rsEditorOpen, rsEditorOpenHint, "open", "Ctrl+O", Menu::file, 1},
-    {save, "Save", rsEditorSave, rsEditorSaveHint, "save", "Ctrl+S", Menu::file, 1, true},
+    {save, "Save", rsSavingSave, rsEditorSaveHint, "save", "Ctrl+S", Menu::file, 1, true},
     {saveAs, "SaveAs", rsEditorSaveAs, rsEditorSaveAsHint, "save-as", "Ctrl+Shift+S", Menu::file,
      1},
     {settings, "Settings", rsEditorSettings, rsEditorSettingsHint, "", "Ctrl+Alt+S", Menu::file, 0},

@@ -22,7 +22,7 @@ struct Answers {
 Answers AnswersTo(EditorQuestion question) {
   switch (question) {
     case EditorQuestion::loseWork:
-      return {rsEditorSave, rsEditorAnswerDiscard, rsEditorAnswerCancel, QMessageBox::Yes};
+      return {rsSavingSave, rsEditorAnswerDiscard, rsEditorAnswerCancel, QMessageBox::Yes};
     case EditorQuestion::takeUpJournal:
       return {rsEditorAnswerTakeUp, rsEditorAnswerDiscard, rsEditorAnswerCancel, QMessageBox::Yes};
     case EditorQuestion::replaceFile:
