@@ -147,4 +147,7 @@ inline constexpr std::string_view rsEditorHelpOf = "Help on the editor";
 /// File name.
 inline constexpr std::string_view rsEditorTarget = "OK writes %s";
 
+/// File name, and the page of a document.
+inline constexpr std::string_view rsEditorTitle = "%s - Edit picture";
+
 }  // namespace rasterkit

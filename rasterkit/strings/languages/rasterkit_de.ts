@@ -2643,5 +2643,9 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <source>Steps that do not fit the picture and are skipped: %d (%s)</source>
         <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
+    <message>
+        <source>%s - Edit picture</source>
+        <translation>%s - Bild bearbeiten</translation>
+    </message>
 </context>
 </TS>

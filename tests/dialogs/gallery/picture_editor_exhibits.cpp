@@ -78,12 +78,11 @@ const Exhibit kEditor("edit-picture", [] {
 const Exhibit kPages("edit-picture-pages", [] {
   auto form = EditorOf(PagesFile());
   // The small pictures are drawn when they are seen.
-  form->show();
-  const auto& strip = *form->findChild<PageStrip*>();
-  while (strip.Pages().DrawnPages() < 3) {
+  auto& pages = *static_cast<PageList*>(form->findChild<PageStrip*>()->model());
+  pages.ShowRows(0, pages.rowCount() - 1);
+  while (pages.DrawnPages() < pages.rowCount()) {
     QApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
   }
-  form->hide();
   return form;
 });
 

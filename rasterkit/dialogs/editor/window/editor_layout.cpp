@@ -107,6 +107,7 @@ QWidget* NewPanel(const char* name, QLabel& title, QWidget& list, QWidget& paren
   column->addWidget(&title);
   column->addWidget(&list, 1);
   title.setBuddy(&list);
+  list.setAccessibleName(title.text().remove(u'&'));
   return panel;
 }
 

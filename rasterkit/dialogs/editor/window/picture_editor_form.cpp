@@ -229,6 +229,8 @@ void TFormPictureEditor::TakeResolution() {
 bool TFormPictureEditor::event(QEvent* event) {
   const bool isUsed = TScaledForm::event(event);
   if (event->type() == QEvent::LayoutRequest) KeepLeastHeight();
+  // The pale steps have colors of the palette.
+  if (event->type() == QEvent::PaletteChange) ShowState();
   return isUsed;
 }
 

@@ -61,8 +61,8 @@ bool TFormPictureEditor::IsIdle() const {
 void TFormPictureEditor::ShowState() {
   if (!model_) return;
   const QScopedValueRollback showing(isShowing_, true);
-  const QString title = ToQt(model_->Title());
-  setWindowTitle(title.isEmpty() ? ResourceText(rsEditorWindow) : title);
+  const std::string title = model_->Title();
+  setWindowTitle(title.empty() ? ResourceText(rsEditorWindow) : Filled(rsEditorTitle, title));
   ShowActions();
   ShowFields();
   ShowTexts();
@@ -124,7 +124,7 @@ void TFormPictureEditor::ShowTexts() {
     const std::string& note = model_->TargetNote();
     const std::string& target = model_->TargetFile();
     saving += note.empty() ? Filled(rsEditorTarget, ExtractFileName(target)) : ToQt(note);
-    ui_.saving->setToolTip(ToQt(target));
+    ui_.saving->setToolTip(Filled(rsEditorTarget, target));
   }
   if (const QString how = ToQt(model_->SavingFacts()); !how.isEmpty()) saving += how;
   ui_.saving->setText(saving.join(u'\n'));

@@ -21,7 +21,7 @@ using EditorSteps = EditorFormTest;
 TEST_F(EditorSteps, AnOpenedPicture_Should_BeShownWithItsFacts) {
   Show(WritePicture("plan.png"));
   ASSERT_NE(form->Model().Pixels(), nullptr);
-  EXPECT_EQ(form->windowTitle(), "plan.png");
+  EXPECT_EQ(form->windowTitle(), "plan.png - Edit picture");
   EXPECT_THAT(Text("LabelFacts").toStdString(), HasSubstr("60 x 40 pixels, 24 bits"));
   EXPECT_THAT(Text("LabelSaving").toStdString(), HasSubstr("OK writes plan.png"));
   EXPECT_EQ(Box().ContentText(), Text("LabelFacts"));

@@ -238,7 +238,7 @@ TEST_F(EditorDrop, AFile_Should_BeOpened) {
   Show(WritePicture("plan.png"));
   ASSERT_TRUE(Enter(WritePicture("other.png", 33, 22)));
   Drop();
-  EXPECT_EQ(form->windowTitle(), "other.png");
+  EXPECT_EQ(form->windowTitle(), "other.png - Edit picture");
   EXPECT_EQ(form->Model().Pixels()->Width(), 33);
 }
 
@@ -255,7 +255,7 @@ TEST_F(EditorDrop, AFileThatIsNoPicture_Should_BeTold_AndKeepThePicture) {
   WhenModal([&](QWidget&) { isTold = true; });
   Drop();
   ASSERT_TRUE(QTest::qWaitFor([&] { return isTold; }, 60'000));
-  EXPECT_EQ(form->windowTitle(), "plan.png");
+  EXPECT_EQ(form->windowTitle(), "plan.png - Edit picture");
   EXPECT_NE(form->Model().Pixels(), nullptr);
 }
 
