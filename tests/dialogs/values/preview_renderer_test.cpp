@@ -5,6 +5,7 @@
 
 #include <rasterkit/dialogs/values/preview_renderer.h>
 #include <rasterkit/pictures/picture.h>
+#include <rasterkit/pictures/recipes/apply_recipe.h>
 #include <rasterkit/qt/qt_color.h>
 
 #include "tests/support/paper_pictures.h"
@@ -18,7 +19,7 @@ constexpr TColor kGround = 0x40C080;
 /// The picture after the step, drawn on the ground.
 TBitmap Stepped(const TBitmap& picture, const ColorChange& step) {
   Picture changed = Picture::Of(picture.Clone());
-  changed.Change(step);
+  ApplyRecipeStep(changed, ChangeStep{step});
   TBitmap drawn;
   drawn.ResetPixels(pf32bit, picture.Width(), picture.Height());
   drawn.Canvas().Brush.Color = kGround;
