@@ -133,6 +133,20 @@ TEST_F(EditorJournal, Should_NotOfferTheStepsOfAWindowThatIsOpen) {
   EXPECT_THAT(Journals(), SizeIs(1));
 }
 
+TEST_F(EditorJournal, Should_OfferTheStepsOfTheSameFileAlone) {
+  const std::string file = WritePicture("plan.png");
+  Open(file);
+  model->TurnLeft();
+  Renew();
+  Open(WritePicture("other.png"));
+  EXPECT_THAT(view->questions, IsEmpty());
+  EXPECT_EQ(model->Place(), 0u);
+  view->answers = {yes};
+  model->OpenDropped(file);
+  EXPECT_THAT(view->questions, SizeIs(1));
+  EXPECT_EQ(model->Place(), 1u);
+}
+
 TEST_F(EditorJournal, Should_WarnWhenTheFileWasChangedSince) {
   const std::string file = WritePicture("plan.png");
   CrashAfter([&](EditorModel& child) {
