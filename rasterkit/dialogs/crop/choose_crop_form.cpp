@@ -324,7 +324,7 @@ void TFormChooseCrop::ShowState() {
   ui_->SpeedButtonRedo->setEnabled(tool_->CanRedo());
   for (const auto& [edit, field] : Fields()) {
     edit->setValue(model_->Number(field).value);
-    edit->setEnabled(model_->MayType(field));
+    edit->setReadOnly(!model_->MayType(field));
   }
   ui_->LabelSizeValue->setText(ToQt(model_->SizeText()));
   ui_->LabelRatioValue->setText(ToQt(model_->RatioText()));

@@ -205,7 +205,9 @@ TEST_F(ChooseCropForm, Paper_Should_HaveItsSizeAtTheScale) {
   Choose("ComboRatio", static_cast<int>(RatioKind::paper));
   EXPECT_FALSE(Find<QWidget>("FieldScale").isHidden());
   EXPECT_EQ(Field("FieldWidth").value(), 420);
-  EXPECT_FALSE(Field("FieldWidth").isEnabled());
+  EXPECT_TRUE(Field("FieldWidth").isReadOnly());
+  QTest::keyClick(&Field("FieldWidth"), Qt::Key_Up);
+  EXPECT_EQ(Field("FieldWidth").value(), 420);
   Choose("ComboPaper", 0);
   EXPECT_EQ(Field("FieldWidth").value(), 297);
   Type("FieldScale", "250");
