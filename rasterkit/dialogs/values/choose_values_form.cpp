@@ -21,6 +21,7 @@
 #include <rasterkit/qt/controls/edits.h>
 #include <rasterkit/qt/controls/navigator.h>
 #include <rasterkit/qt/guarded.h>
+#include <rasterkit/qt/host/documentation.h>
 #include <rasterkit/runtime/ports.h>
 
 namespace rasterkit {
@@ -253,7 +254,8 @@ void TFormChooseValues::TakeCounts(const GrayCounts& counts) {
 }
 
 void TFormChooseValues::ShowHelp() {
-  ShowHelpTopic(session_.IsThreshold() ? kHelpOfThreshold : kHelpOfValues);
+  if (OpenHelp(session_.IsThreshold() ? kHelpOfThreshold : kHelpOfValues)) return;
+  ShowMessage(ResourceString(rsValuesPreviewKeys));
 }
 
 }  // namespace rasterkit

@@ -19,6 +19,7 @@
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/qt/controls/edits.h>
 #include <rasterkit/qt/controls/navigator.h>
+#include <rasterkit/qt/host/documentation.h>
 #include <rasterkit/qt/qt_color.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/ports.h>
@@ -315,6 +316,15 @@ TEST_F(ValuesFormTest, Escape_Should_Close_AndF1AskForHelp) {
   Press(Qt::Key_Escape);
   EXPECT_FALSE(form->isVisible());
   EXPECT_EQ(form->result(), QDialog::Rejected);
+}
+
+TEST_F(ValuesFormTest, WithoutTopicAndDocumentation_Help_Should_TellTheKeys) {
+  if (!InstalledDocumentation().isEmpty()) GTEST_SKIP() << "the documentation is installed";
+  std::string told;
+  HostPorts().helpTopic = nullptr;
+  HostPorts().messageBox = [&](const std::string& text) { told = text; };
+  Click(Button(nbHelp));
+  EXPECT_NE(told, "");
 }
 
 TEST_F(ValuesFormTest, TheHistogram_Should_BeThatOfTheChangedPicture) {

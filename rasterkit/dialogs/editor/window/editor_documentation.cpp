@@ -1,5 +1,4 @@
 #include <QPlainTextEdit>
-#include <QStandardPaths>
 #include <QVBoxLayout>
 
 #include <rasterkit/dialogs/editor/window/editor_documentation.h>
@@ -7,11 +6,6 @@
 #include <rasterkit/qt/qt_text.h>
 
 namespace rasterkit {
-
-QString InstalledDocumentation() {
-  return QStandardPaths::locate(QStandardPaths::GenericDataLocation,
-                                QStringLiteral("rasterkit/dialogs.md"));
-}
 
 std::unique_ptr<TScaledForm> MakeEditorHelp(const QString& keys, QWidget* parent) {
   auto help = std::make_unique<TScaledForm>(parent);

@@ -4,12 +4,10 @@
 #include <memory>
 
 #include <rasterkit/qt/forms/scaled_form.h>
+#include <rasterkit/qt/host/documentation.h>
 #include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
-
-/// The full name of the installed documentation of the windows; empty if it is not installed.
-RASTERKIT_EXPORT QString InstalledDocumentation();
 
 /// A window with a short help: how the editor works, and its keys, one per line.
 RASTERKIT_EXPORT std::unique_ptr<TScaledForm> MakeEditorHelp(const QString& keys,
