@@ -1,6 +1,7 @@
 #include <rasterkit/dialogs/size/size_answer.h>
 #include <rasterkit/pictures/recipes/apply_recipe.h>
 #include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/rounding.h>
 
 namespace rasterkit {
 
@@ -34,9 +35,12 @@ void StartSize(ChangeSizeModel& model, const Picture& picture, const RecipeResiz
   }
   model.SetFilter(start.options.filter);
   model.SetUnit(statesSize ? start.unit : remembered);
-  if (start.width > 0 && start.height > 0) model.SetProportional(false);
   if (start.width > 0) model.FlEdChange(Field::width, start.width);
-  if (start.height > 0) model.FlEdChange(Field::height, start.height);
+  const bool follows = start.width > 0 && Round(model.Height()) == Round(start.height);
+  if (start.height > 0 && !follows) {
+    if (start.width > 0) model.SetProportional(false);
+    model.FlEdChange(Field::height, start.height);
+  }
   model.ForgetHistory();
 }
 

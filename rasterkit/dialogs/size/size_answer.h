@@ -10,6 +10,7 @@
 namespace rasterkit {
 
 /// Starts the model from a step. Sides of 0 follow from the other one; both 0: the size stays.
+/// Sides that are not in the picture's proportion uncheck the box.
 /// `remembered` is the unit where the step states no size.
 void StartSize(ChangeSizeModel& model, const Picture& picture, const RecipeResize& start,
                LengthUnit remembered = LengthUnit::pixels);

@@ -1,4 +1,5 @@
 #include <random>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -89,6 +90,17 @@ TEST_F(SizeAnswerTest, AStep_Should_ComeBack_When_TheWindowStartsWithIt) {
     ExpectStep(step.unit, step.width, step.height, step.dpi);
     EXPECT_FALSE(model.CanUndo());
   }
+}
+
+TEST_F(SizeAnswerTest, SidesInProportion_Should_StayCoupled) {
+  for (const auto& [width, height] : {std::pair{60, 40}, {30, 20}, {7, 5}}) {
+    Start({LengthUnit::pixels, static_cast<double>(width), static_cast<double>(height), 0, {}});
+    EXPECT_TRUE(model.Proportional()) << width;
+    EXPECT_EQ(model.RoundedHeight(), height);
+  }
+  Start({LengthUnit::pixels, 30, 21, 0, {}});
+  EXPECT_FALSE(model.Proportional());
+  EXPECT_EQ(model.RoundedHeight(), 21);
 }
 
 TEST_F(SizeAnswerTest, TheRememberedUnit_Should_Count_When_TheStepStatesNoSize) {
