@@ -26,6 +26,15 @@ bool BecomesUsable(QWidget* widget) {
          watched;
 }
 
+/// A window may do the step before on another thread.
+bool BecomesIdle(const QWidget& window) {
+  const QPointer<const QWidget> watched(&window);
+  constexpr int kMilliseconds = 60000;
+  return QTest::qWaitFor([&] { return !watched || !watched->property("isWorking").toBool(); },
+                         kMilliseconds) &&
+         watched;
+}
+
 bool Click(QWidget* widget) {
   if (!BecomesUsable(widget)) return false;
   QTest::mouseClick(widget, Qt::LeftButton);
@@ -98,6 +107,7 @@ bool CanDoStep(const QWidget& window, const QString& step) {
 
 bool DoStep(QWidget& window, const QString& step) {
   const QStringList words = WordsOf(step);
+  if (!BecomesIdle(window)) return false;
   const QString what = words.value(0);
   QWidget* const widget = WidgetOf(window, words.value(1));
   if (what == QLatin1String("click")) return Click(widget);

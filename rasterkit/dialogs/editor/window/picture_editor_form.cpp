@@ -156,6 +156,7 @@ void TFormPictureEditor::RunWaiting() {
     waiting_.erase(waiting_.begin());
     if (actions_[command].isEnabled()) Run(command);
   }
+  if (!isClosed_) ShowState();
 }
 
 void TFormPictureEditor::Run(EditorCommand command) {

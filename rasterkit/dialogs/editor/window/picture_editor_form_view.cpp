@@ -28,6 +28,9 @@
 namespace rasterkit {
 namespace {
 
+/// A property of the window, for programs that work it from outside.
+constexpr const char* kIsWorking = "isWorking";
+
 /// Lines of losses that are shown; the tip has all of them.
 constexpr size_t kShownLosses = 3;
 /// The topic that a host's help shows.
@@ -60,6 +63,7 @@ bool TFormPictureEditor::IsIdle() const {
 
 void TFormPictureEditor::ShowState() {
   if (!model_) return;
+  setProperty(kIsWorking, jobs_.IsRunning() || model_->IsWorking() || !waiting_.empty());
   const QScopedValueRollback showing(isShowing_, true);
   const std::string title = model_->Title();
   setWindowTitle(title.empty() ? ResourceText(rsEditorWindow) : Filled(rsEditorTitle, title));
@@ -210,6 +214,7 @@ void TFormPictureEditor::Enable(QWidget& widget, bool enabled) {
 
 void TFormPictureEditor::StartJob(EditorJob job) {
   jobTitle_ = job.title;
+  setProperty(kIsWorking, true);
   if (isJobShown_) ui_.progress->setRange(0, 0);
   jobs_.Start(std::move(job));
   jobDelay_.start();
