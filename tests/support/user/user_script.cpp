@@ -26,6 +26,13 @@ bool BecomesUsable(QWidget* widget) {
          watched;
 }
 
+bool BecomesPale(QWidget* widget) {
+  constexpr int kMilliseconds = 5000;
+  const QPointer<QWidget> watched(widget);
+  return watched &&
+         QTest::qWaitFor([&] { return !watched || !watched->isEnabled(); }, kMilliseconds);
+}
+
 bool Click(QWidget* widget) {
   if (!BecomesUsable(widget)) return false;
   QTest::mouseClick(widget, Qt::LeftButton);
@@ -101,6 +108,7 @@ bool DoStep(QWidget& window, const QString& step) {
   const QString what = words.value(0);
   QWidget* const widget = WidgetOf(window, words.value(1));
   if (what == QLatin1String("click")) return Click(widget);
+  if (what == QLatin1String("pale")) return BecomesPale(widget);
   if (what == QLatin1String("type")) return Type(widget, words.value(2), Qt::Key_Tab);
   if (what == QLatin1String("enter")) return Type(widget, words.value(2), Qt::Key_Return);
   if (what == QLatin1String("drag"))

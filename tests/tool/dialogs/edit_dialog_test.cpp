@@ -35,7 +35,7 @@ TEST_F(CliDialogEdit, Cancel_Should_Exit1) {
   const std::string page = folder_ / "plan.pdf";
   WriteText(page, PdfText({{"0 0 72 72", ""}}));
   for (const std::string& file : {folder_ / "in.png", page}) {
-    for (const char* script : {"click nbCancel", "click ToolFit; key Escape"}) {
+    for (const char* script : {"click ToolFit; click nbCancel", "click ToolFit; key Escape"}) {
       const ToolResult result = Run({"edit", file}, script);
       EXPECT_EQ(result.code, 1) << file << " " << script;
       EXPECT_EQ(result.out, "");
@@ -67,10 +67,10 @@ TEST_F(CliDialogEdit, NamedFile_Should_BeTheFileThatIsWritten_AfterAQuestion) {
 /// A photograph stays as it is compressed, and stands upright.
 TEST_F(CliDialogEdit, Recipe_Should_GiveTheBytesOfTheWindow) {
   SaveJpegFile(folder_ / "in.jpg", GradientRaster(pf24bit, 64, 48), 6);
-  const ToolResult result =
-      Run({"edit", folder_ / "in.jpg", "--record", folder_ / "r.json"},
-          "click ToolMirror; click ToolTurnRight; click ToolSaveAs; click nbCancel | "
-          "type EditName out.jpg; click SaveButton");
+  const ToolResult result = Run({"edit", folder_ / "in.jpg", "--record", folder_ / "r.json"},
+                                "click ToolMirror; click ToolTurnRight; pale ToolRedo; click "
+                                "ToolSaveAs; pale ToolRedo; click nbCancel | "
+                                "type EditName out.jpg; click SaveButton");
   EXPECT_EQ(result.code, 0) << result.err;
   EXPECT_EQ(result.out, (folder_ / "out.jpg") + "\n");
   const std::vector<uint8_t> text = ReadBytes(folder_ / "r.json");
@@ -87,7 +87,8 @@ TEST_F(CliDialogEdit, StepsOfTheWindows_Should_BeInTheRecipe) {
   SavePngFile(folder_ / "in.png", GradientRaster(pf24bit, 60, 40));
   const ToolResult result = Run(
       {"edit", folder_ / "in.png", "--record", folder_ / "r.json"},
-      "click ToolCrop; click ToolSize; click ToolValues; click ToolSaveAs; click nbCancel | "
+      "click ToolCrop; click ToolSize; click ToolValues; pale ToolRedo; click ToolSaveAs; pale "
+      "ToolRedo; click nbCancel | "
       "type FieldLeft 5; type FieldTop 3; type FieldWidth 40; type FieldHeight 30; click nbPost | "
       "type FlEdWidth 20; click ButtonOK | type SpEdContrast 25; click nbPost | "
       "type EditName out.png; click SaveButton");
@@ -104,7 +105,7 @@ TEST_F(CliDialogEdit, StepsOfTheWindows_Should_BeInTheRecipe) {
 TEST_F(CliDialogEdit, UndoneSteps_Should_NotBeWritten) {
   SavePngFile(folder_ / "in.png", GradientRaster(pf24bit, 60, 40));
   const ToolResult result = Run({"edit", folder_ / "in.png", "--record", folder_ / "r.json"},
-                                "click ToolMirror; click ToolUndo; key Escape");
+                                "click ToolMirror; click ToolUndo; pale ToolUndo; key Escape");
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.out, "");
   EXPECT_FALSE(std::filesystem::exists(folder_ / "r.json"));
@@ -113,7 +114,9 @@ TEST_F(CliDialogEdit, UndoneSteps_Should_NotBeWritten) {
 /// The window shows what a worker process read, and what this process reads with the option.
 TEST_F(CliDialogEdit, Changes_Should_BeTheSame_WithAndWithoutAWorker) {
   SaveJpegFile(folder_ / "in.jpg", GradientRaster(pf24bit, 60, 40), 6);
-  const std::string script = "click ToolGray; click ToolSaveAs; click nbCancel | type EditName ";
+  const std::string script =
+      "click ToolGray; pale ToolRedo; click ToolSaveAs; pale ToolRedo; click nbCancel | type "
+      "EditName ";
   ASSERT_EQ(Run({"edit", folder_ / "in.jpg"}, script + "a.jpg; click SaveButton").code, 0);
   ASSERT_EQ(
       Run({"edit", folder_ / "in.jpg", "--no-isolate"}, script + "b.jpg; click SaveButton").code,
@@ -123,10 +126,10 @@ TEST_F(CliDialogEdit, Changes_Should_BeTheSame_WithAndWithoutAWorker) {
 
 TEST_F(CliDialogEdit, Losses_Should_BeSaid_When_APictureIsWritten) {
   SaveJpegFile(folder_ / "in.jpg", GradientRaster(pf24bit, 60, 40), 1);
-  const ToolResult result =
-      Run({"edit", folder_ / "in.jpg"},
-          "click ToolMirror; click ToolSaveAs; click nbCancel | type EditName out.bmp; click "
-          "SaveButton");
+  const ToolResult result = Run({"edit", folder_ / "in.jpg"},
+                                "click ToolMirror; pale ToolRedo; click ToolSaveAs; pale ToolRedo; "
+                                "click nbCancel | type EditName out.bmp; click "
+                                "SaveButton");
   EXPECT_EQ(result.code, 0) << result.err;
   EXPECT_EQ(result.out, (folder_ / "out.bmp") + "\n");
   EXPECT_THAT(result.err, StartsWith("rasterkit: " + (folder_ / "out.bmp") + ": lost: "));
@@ -156,7 +159,7 @@ TEST_F(CliDialogEdit, WithoutAFile_Should_AskForOne) {
   const ToolResult none = Run({"edit"}, "key Escape");
   EXPECT_EQ(none.code, 1);
   EXPECT_EQ(none.err, "rasterkit: edit: canceled\n");
-  const ToolResult left = Run({"edit"}, choose + " | key Escape");
+  const ToolResult left = Run({"edit"}, choose + " | click ToolFit; key Escape");
   EXPECT_EQ(left.code, 1);
   EXPECT_EQ(left.err, "rasterkit: " + (folder_ / "in.png") + ": canceled\n");
 }
