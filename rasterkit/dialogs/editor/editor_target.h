@@ -28,8 +28,9 @@ struct EditorTarget {
   std::optional<EditorQuestion> QuestionFor(const FileFacts& current) const;
 };
 
-/// The source's own name; of a kind that cannot be written the name of a kind that can: "plan.pdf"
-/// gives "plan.png", many bits per sample give ".tif".
+/// The source's own name; of a kind that cannot be written a name that is free, of the kind that
+/// the window of saving suggests: "plan.pdf" gives "plan.png", or "plan-2.png" if that is taken;
+/// more than 8 bits per color and a position give ".tif".
 EditorTarget SuggestTarget(const EditorSource& source);
 
 /// A file that the user chose. `isAgreed`: the user agreed that it is replaced.
