@@ -421,3 +421,17 @@ TEST_F(EditorLook, Mnemonics_Should_BeUniqueInTheWindowAndInEachMenu) {
 
 }  // namespace
 }  // namespace rasterkit::test
+TEST_F(EditorFormTest, SmallPages_Should_BeDrawnUnderTheLimitsOfTheCaller) {
+  const std::string file = WritePicture("plan.png");
+  const std::atomic<bool> isCanceled = false;
+  Limits limits;
+  limits.side = 50;
+  PageDrawing limited;
+  {
+    const LimitsScope scope(limits);
+    limited = DrawPagesOf(file, Isolation::none);
+  }
+  EXPECT_TRUE(limited(1, 20, isCanceled).isNull());
+  EXPECT_FALSE(DrawPagesOf(file, Isolation::none)(1, 20, isCanceled).isNull());
+}
+
