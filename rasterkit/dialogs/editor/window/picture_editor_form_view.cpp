@@ -28,8 +28,6 @@
 namespace rasterkit {
 namespace {
 
-/// Lines of losses that are shown; the tip has all of them.
-constexpr size_t kShownLosses = 3;
 /// The topic that a host's help shows.
 constexpr int kHelpOfEditor = 530300;
 
@@ -132,19 +130,11 @@ void TFormPictureEditor::ShowTexts() {
 }
 
 void TFormPictureEditor::ShowLosses() {
-  const std::vector<std::string> losses = model_->Losses();
-  QStringList shown, all;
-  for (const std::string& loss : losses) {
-    all += Filled(rsEditorLost, loss);
-    if (static_cast<size_t>(shown.size()) < kShownLosses) shown += all.last();
-  }
-  if (losses.size() > kShownLosses) {
-    shown.last() += u' ' + Filled(rsEditorMoreLosses, std::to_string(losses.size() - kShownLosses));
-  }
-  ui_.losses->setVisible(!losses.empty());
-  ui_.losses->setText(shown.join(u'\n'));
-  ui_.losses->setToolTip(all.join(u'\n'));
-  ui_.losses->setAccessibleDescription(all.join(u'\n'));
+  const QString losses = ToQt(model_->Losses()), details = ToQt(model_->LossDetails());
+  ui_.losses->setVisible(!losses.isEmpty());
+  ui_.losses->setText(losses);
+  ui_.losses->setToolTip(details);
+  ui_.losses->setAccessibleDescription(details);
 }
 
 void TFormPictureEditor::ShowSteps() {
