@@ -18,6 +18,7 @@
 #include <rasterkit/dialogs/editor/window/picture_pane.h>
 #include <rasterkit/qt/forms/scaled_form.h>
 #include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/files/file_facts.h>
 
 namespace rasterkit {
 
@@ -124,6 +125,7 @@ class RASTERKIT_EXPORT TFormPictureEditor : public TScaledForm, private EditorVi
   std::string listedFile_;
   int listedPages_ = 0;
   /// Destroyed first: a job ends before what it works on.
+  FileFacts listedFacts_;
   EditorJobs jobs_;
 };
 

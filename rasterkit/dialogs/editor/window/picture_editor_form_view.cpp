@@ -160,8 +160,12 @@ void TFormPictureEditor::ShowSteps() {
 
 void TFormPictureEditor::ShowPages() {
   const int pages = options_.showsPages && model_->Pages() > 1 ? model_->Pages() : 0;
-  if (model_->PagesFile() != listedFile_ || pages != listedPages_) {
+  // A save writes other pages under the same name.
+  const FileFacts facts = pages == 0 ? FileFacts() : FactsOfFile(model_->PagesFile());
+  const bool isListed = model_->PagesFile() == listedFile_ && facts == listedFacts_;
+  if (!isListed || pages != listedPages_) {
     listedFile_ = model_->PagesFile();
+    listedFacts_ = facts;
     listedPages_ = pages;
     ui_.pages->SetDocument(
         pages, pages == 0 ? PageDrawing() : DrawPagesOf(listedFile_, options_.isolation));

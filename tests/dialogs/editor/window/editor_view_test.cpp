@@ -174,6 +174,26 @@ TEST_F(EditorLook, ThePages_Should_BeChosenByClickEnterAndNumber) {
   EXPECT_TRUE(form->isVisible());
 }
 
+TEST_F(EditorLook, ThePages_Should_BeDrawnAnew_When_TheirFileIsSaved) {
+  const std::string file = WritePages(3);
+  Show(file);
+  auto& strip = Find<PageStrip>("ListPages");
+  // Empty while the page is not drawn.
+  const auto first = [&] {
+    const auto icon = strip.model()->index(0, 0).data(Qt::DecorationRole).value<QIcon>();
+    const QImage image = icon.pixmap(icon.availableSizes().value(0)).toImage();
+    const bool isDrawn = image.pixelColor(image.width() / 2, image.height() / 2).alpha() != 0;
+    return isDrawn ? image.size() : QSize();
+  };
+  constexpr int kMost = 20'000;
+  ASSERT_TRUE(QTest::qWaitFor([&] { return first().width() > first().height(); }, kMost));
+  Use("TurnLeft");
+  savingAnswer = SavingChoice{file, {}, true};
+  Use("SaveAs");
+  EXPECT_EQ(form->Model().PagesFile(), file);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return first().width() < first().height(); }, kMost));
+}
+
 TEST_F(EditorLook, OnlyPagesThatAreSeen_Should_BeDrawn) {
   Show(WritePages(2000));
   auto& strip = Find<PageStrip>("ListPages");
@@ -419,8 +439,6 @@ TEST_F(EditorLook, Mnemonics_Should_BeUniqueInTheWindowAndInEachMenu) {
   SetLanguage("");
 }
 
-}  // namespace
-}  // namespace rasterkit::test
 TEST_F(EditorFormTest, SmallPages_Should_BeDrawnUnderTheLimitsOfTheCaller) {
   const std::string file = WritePicture("plan.png");
   const std::atomic<bool> isCanceled = false;
@@ -435,3 +453,5 @@ TEST_F(EditorFormTest, SmallPages_Should_BeDrawnUnderTheLimitsOfTheCaller) {
   EXPECT_FALSE(DrawPagesOf(file, Isolation::none)(1, 20, isCanceled).isNull());
 }
 
+}  // namespace
+}  // namespace rasterkit::test
