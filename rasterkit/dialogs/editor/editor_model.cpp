@@ -272,6 +272,14 @@ bool EditorModel::CancelOrClose() {
   return state_->isClosed;
 }
 
+bool EditorModel::EndSession() {
+  if (state_->isClosed) return true;
+  if (state_->isWorking) return false;
+  // An event may still wait for the answer of a window that was closed.
+  state_->Guard([this] { state_->Leave([state = state_.get()] { state->Close(); }); });
+  return state_->isClosed;
+}
+
 void EditorModel::Help() {
   state_->Handle([this] { state_->view.OpenHelp(); });
 }

@@ -106,6 +106,9 @@ class EditorModel {
   void Confirm();
   /// Cancels a job, else closes; asks if work would be lost. False if the window stays.
   bool CancelOrClose();
+  /// Closes the window as CancelOrClose does, also while an event waits for a window that was
+  /// closed. False while a job runs, and if the user stays.
+  bool EndSession();
   void Help();
 
  private:
