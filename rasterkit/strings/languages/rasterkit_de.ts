@@ -2032,7 +2032,7 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>An&amp;derer Name ...</translation>
     </message>
     <message>
-        <source>Asks for another folder or name</source>
+        <source>Chooses another folder or name</source>
         <translation>Fragt nach einem anderen Ordner oder Namen</translation>
     </message>
     <message>
