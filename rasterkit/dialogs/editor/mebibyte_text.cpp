@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include <rasterkit/dialogs/editor/mebibyte_text.h>
-#include <rasterkit/strings/strings.h>
+#include <rasterkit/strings/format_text.h>
 
 namespace rasterkit {
 

@@ -15,6 +15,7 @@
 #include <rasterkit/pictures/document/document.h>
 #include <rasterkit/qt/controls/edits.h>
 #include <rasterkit/qt/forms/language.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/ports.h>
 
 #include "tests/dialogs/editor/window/editor_form_test.h"
