@@ -44,7 +44,7 @@ TEST(MapUnitOf, LinearUnits_Should_BeThoseOfTheKeys) {
   EXPECT_EQ(survey.symbol, "US ft");
   EXPECT_DOUBLE_EQ(survey.size, 1200.0 / 3937);
   EXPECT_EQ(UnitOfKeys({{1024, 0, 1}, {3076, 0, 9036}}).size, 1000);
-  EXPECT_FALSE(UnitOfKeys({{1024, 0, 1}, {3076, 0, 9999}}).IsKnown()) << "a code nobody knows";
+  EXPECT_FALSE(UnitOfKeys({{1024, 0, 1}, {3076, 0, 9999}}).IsKnown()) << "an unknown code";
 }
 
 TEST(MapUnitOf, AUnitWithASizeOfItsOwn_Should_BeTheOneOfThatSize) {

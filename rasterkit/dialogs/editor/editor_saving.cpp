@@ -159,7 +159,7 @@ void EditorModel::State::RunSave(const Action& next, const Action& failed) {
         if (!outcome->doubt.empty()) view.Tell(outcome->doubt);
         if (next) next();
       },
-      failed);
+      failed, true);
 }
 
 void EditorModel::State::TakeSaved(const Report& report, const Recipe& recipe) {

@@ -66,7 +66,8 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   /// The same while a job may run.
   void Guard(const Action& action);
   /// Starts a job; `done` follows on success, `failed` after an error was told or a cancellation.
-  void Start(const std::string& title, Work work, Action done, Action failed = {});
+  void Start(const std::string& title, Work work, Action done, Action failed = {},
+             bool isSave = false);
 
   // Opening: editor_opening.cpp.
 

@@ -64,7 +64,8 @@ EditorTarget ChosenTarget(const std::string& file, bool isAgreed) {
 RecipeSave SuggestSaving(const EditorSource& source, const EditorTarget& target) {
   RecipeSave saving;
   const bool isOwnName = target.file == source.request.file;
-  if (isOwnName && TypeByName(target.file) != source.type) saving.type = source.type;
+  const PictureType named = TypeByName(target.file);
+  if (named != source.type) saving.type = isOwnName ? source.type : named;
   return saving;
 }
 

@@ -36,8 +36,8 @@ EditorTarget SuggestTarget(const EditorSource& source);
 /// A file that the user chose. `isAgreed`: the user agreed that it is replaced.
 EditorTarget ChosenTarget(const std::string& file, bool isAgreed);
 
-/// How the source is saved if the user chose nothing: with its own type where the extension says
-/// another one.
+/// How the source is saved if the user chose nothing: the type is stated where name and source do
+/// not agree, as the window of the settings states it.
 RecipeSave SuggestSaving(const EditorSource& source, const EditorTarget& target);
 
 /// True if the file is the source, and of a kind that cannot be written.

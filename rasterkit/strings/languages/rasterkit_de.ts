@@ -1594,14 +1594,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Zoom %d %%</translation>
     </message>
     <message>
-        <source>Lost when saved: %s</source>
-        <translation>Geht beim Speichern verloren: %s</translation>
-    </message>
-    <message>
-        <source>and %d more</source>
-        <translation>und %d weitere</translation>
-    </message>
-    <message>
         <source>Cancel the running work</source>
         <translation>Laufende Arbeit abbrechen</translation>
     </message>
@@ -1770,28 +1762,8 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>%s, Seite %d von %d</translation>
     </message>
     <message>
-        <source>Lossless: the compressed pixels are kept</source>
-        <translation>Verlustfrei: Die komprimierten Pixel bleiben</translation>
-    </message>
-    <message>
         <source>Lossless: the compressed pixels are moved</source>
         <translation>Verlustfrei: Die komprimierten Pixel werden verschoben</translation>
-    </message>
-    <message>
-        <source>Lossless: every pixel is kept as it is</source>
-        <translation>Verlustfrei: Jedes Pixel bleibt, wie es ist</translation>
-    </message>
-    <message>
-        <source>Compressed again, which changes pixels a little</source>
-        <translation>Neu komprimiert, was Pixel etwas ändert</translation>
-    </message>
-    <message>
-        <source>Compressed again, because %s</source>
-        <translation>Neu komprimiert: %s</translation>
-    </message>
-    <message>
-        <source>%s: %s</source>
-        <translation>%s: %s</translation>
     </message>
     <message>
         <source>%s cannot be written: %s.
@@ -2060,7 +2032,7 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>An&amp;derer Name ...</translation>
     </message>
     <message>
-        <source>Asks for another folder or name</source>
+        <source>Chooses another folder or name</source>
         <translation>Fragt nach einem anderen Ordner oder Namen</translation>
     </message>
     <message>

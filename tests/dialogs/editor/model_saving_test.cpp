@@ -9,6 +9,7 @@
 
 #include "tests/dialogs/editor/editor_fixture.h"
 #include "tests/dialogs/editor/made_samples.h"
+#include "tests/dialogs/saving/saving_fixture.h"
 #include "tests/runtime/files/replaced_calls.h"
 #include "tests/support/gif_file.h"
 #include "tests/support/webp_file.h"
@@ -113,9 +114,9 @@ TEST_F(EditorSaving, Should_MoveThePixelsOfAMirroredPhotographAndSayIt) {
 TEST_F(EditorSaving, Should_SayWhenPixelsAreCompressedAgain) {
   Open(WritePhoto("photo.jpeg", 1, pf24bit, 64, 64));
   model->Add(RecipeCrop{LengthUnit::pixels, 3, 0, 40, 40});
-  EXPECT_THAT(model->SavingFacts(), HasSubstr("Compressed again, because the new left edge"));
+  EXPECT_THAT(model->SavingFacts(), HasSubstr("Compressed again: the new edges"));
   model->Gray();
-  EXPECT_EQ(model->SavingFacts(), "Compressed again, which changes pixels a little");
+  EXPECT_EQ(model->SavingFacts(), "Compressed again: the pixels were changed");
 }
 
 TEST_F(EditorSaving, Should_SayThatAPngFileIsLosslessAndWhatABmpFileLacks) {
@@ -123,10 +124,20 @@ TEST_F(EditorSaving, Should_SayThatAPngFileIsLosslessAndWhatABmpFileLacks) {
   model->TurnLeft();
   view->saving = SavingChoice{folder / "photo.bmp", {}, false};
   model->SaveAs();
-  EXPECT_THAT(model->Losses(), testing::Contains(HasSubstr("BMP")));
+  EXPECT_THAT(model->Losses(), HasSubstr("Lost: "));
+  EXPECT_THAT(model->LossDetails(), HasSubstr("BMP"));
   view->saving = SavingChoice{folder / "photo.png", {}, false};
   model->SaveAs();
-  EXPECT_EQ(model->SavingFacts(), "Lossless: every pixel is kept as it is");
+  EXPECT_EQ(model->SavingFacts(), "Lossless: every pixel is kept");
+}
+
+TEST_F(EditorSaving, Should_NotCallASmallerDepthLossless) {
+  Open(WritePicture("plan.png"));
+  EXPECT_EQ(model->SavingFacts(), "Lossless: every pixel is kept");
+  view->settings = RecipeSave{};
+  view->settings->bits = 8;
+  model->Settings();
+  EXPECT_EQ(model->SavingFacts(), "Not lossless: the file has another depth");
 }
 
 TEST_F(EditorSaving, Should_AskOnceBeforeTheNamedFileIsReplaced) {
@@ -424,6 +435,32 @@ TEST_F(EditorSaving, Should_TakeSettingsAsWork) {
   view->answers = {yes};
   model->Confirm();
   EXPECT_EQ(ReadFile(file), Replayed(source, model->ToRecipe(), folder / "replayed.jpg"));
+}
+
+/// What the window of the settings answers if nothing is changed in it.
+RecipeSave UnchangedSettings(const EditorModel& model) {
+  test::RecordingSavingView window;
+  SavingModel settings(window, model.Result(), {model.TargetFile(), model.Saving(), false},
+                       SavingScope::settings);
+  settings.Confirm();
+  EXPECT_EQ(window.closed, true);
+  return settings.Choice().save;
+}
+
+TEST_F(EditorSaving, Should_NotTakeUnchangedSettingsAsWork) {
+  const std::string renamed = folder / "renamed.jpg";
+  std::filesystem::rename(WritePicture("plan.png"), renamed);
+  for (const std::string& file : {folder.Write("anim.gif", test::PlainGif(12, 8).Bytes()), renamed,
+                                  WritePicture("own.tif"), WritePhoto("photo.jpeg", 6)}) {
+    SCOPED_TRACE(file);
+    Renew();
+    Open(file);
+    view->settings = UnchangedSettings(*model);
+    model->Settings();
+    EXPECT_FALSE(model->HasUnsavedWork());
+    EXPECT_TRUE(model->CancelOrClose());
+    EXPECT_THAT(view->questions, IsEmpty());
+  }
 }
 
 TEST_F(EditorSaving, Should_TellTheHostWhatWasWritten) {
