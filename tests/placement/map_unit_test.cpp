@@ -117,8 +117,7 @@ TEST(MapUnitOf, Texts_Should_TellTheUnitOfTheirOuterSystem) {
 TEST(MapUnitOf, CoordinatesFromTheCenterOfTheEarth_Should_HaveNoUnitOfAMap) {
   const std::string datum = R"(DATUM["D",ELLIPSOID["E",6378137,298.25,LENGTHUNIT["metre",1]]],)"
                             R"(PRIMEM["Greenwich",0,ANGLEUNIT["degree",0.0174532925199433]],)";
-  const std::string axes =
-      R"(AXIS["(X)",geocentricX],AXIS["(Y)",geocentricY],AXIS["(Z)",geocentricZ])";
+  const std::string axes = R"(AXIS["X",geocentricX],AXIS["Y",geocentricY],AXIS["Z",geocentricZ])";
   for (const char* unit : {"LENGTHUNIT", "UNIT"}) {
     const std::string text =
         R"(GEODCRS["WGS 84",)" + datum + "CS[Cartesian,3]," + axes + "," + unit + R"(["metre",1]])";
