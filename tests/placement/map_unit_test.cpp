@@ -114,6 +114,22 @@ TEST(MapUnitOf, Texts_Should_TellTheUnitOfTheirOuterSystem) {
             "°");
 }
 
+TEST(MapUnitOf, CoordinatesFromTheCenterOfTheEarth_Should_HaveNoUnitOfAMap) {
+  const std::string datum = R"(DATUM["D",ELLIPSOID["E",6378137,298.25,LENGTHUNIT["metre",1]]],)"
+                            R"(PRIMEM["Greenwich",0,ANGLEUNIT["degree",0.0174532925199433]],)";
+  const std::string axes = R"(AXIS["X",geocentricX],AXIS["Y",geocentricY],AXIS["Z",geocentricZ])";
+  for (const char* unit : {"LENGTHUNIT", "UNIT"}) {
+    const std::string text =
+        R"(GEODCRS["WGS 84",)" + datum + "CS[Cartesian,3]," + axes + "," + unit + R"(["metre",1]])";
+    EXPECT_FALSE(UnitOfText(text).IsKnown()) << text;
+  }
+  EXPECT_EQ(UnitOfText(R"(GEODCRS["WGS 84",)" + datum +
+                       R"(CS[ellipsoidal,3],AXIS["h",up,LENGTHUNIT["metre",1]],)"
+                       R"(AXIS["lat",north,ANGLEUNIT["degree",0.0174532925199433]]])")
+                .symbol,
+            "°");
+}
+
 TEST(MapUnitOf, ATextWithoutAUnit_Should_CountByItsCode) {
   EXPECT_EQ(UnitOfText(R"(PROJCS["X",AUTHORITY["EPSG","25832"]])").symbol, "m");
   EXPECT_FALSE(UnitOfText(R"(PROJCS["X",AUTHORITY["EPSG","2263"]])").IsKnown());

@@ -1166,6 +1166,10 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
     </message>
     <message>
+        <source>The limits of this program allow no picture of %s x %s pixels.</source>
+        <translation>Die Grenzen dieses Programms erlauben kein Bild mit %s x %s Pixeln.</translation>
+    </message>
+    <message>
         <source>This size needs %s %s of memory. The limit is %s %s.</source>
         <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
     </message>
