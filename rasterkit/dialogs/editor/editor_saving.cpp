@@ -2,7 +2,7 @@
 #include <utility>
 
 #include <rasterkit/dialogs/editor/editor_state.h>
-#include <rasterkit/pictures/recipes/apply_recipe.h>
+#include <rasterkit/pictures/recipes/recipe_output.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
 #include <rasterkit/runtime/files/file_name.h>
@@ -26,16 +26,16 @@ struct SaveOutcome {
 };
 
 /// The one way in which the editor writes: the same as that of a recipe without a window.
-void WriteFile(Picture picture, const Recipe& recipe, const std::string& file, bool mayReplace,
-               const PixelRun& how, SaveOutcome& outcome) {
-  ApplyRecipe(picture, recipe);
+void WriteFile(const Picture& source, const Recipe& recipe, const std::string& file,
+               bool mayReplace, const PixelRun& how, SaveOutcome& outcome) {
+  const RecipeOutput output(source, recipe);
   SaveOptions options = SaveOptionsOf(recipe.save);
   options.mayReplace = mayReplace;
   Run run;
   run.cancel = how.cancel;
   run.progress = how.progress;
   try {
-    outcome.report = picture.Save(file, options, run);
+    outcome.report = output.Save(file, options, run);
   } catch (const FileExistsError& error) {
     outcome.inTheWay = error.File();
   } catch (const UnsyncedError& error) {
