@@ -5,6 +5,7 @@
 #include <rasterkit/metadata/facts_of_metadata.h>
 #include <rasterkit/pictures/document/document.h>
 #include <rasterkit/pictures/recipes/recipe_text.h>
+#include <rasterkit/runtime/worker/worker_program.h>
 
 #include "tests/dialogs/editor/editor_fixture.h"
 
@@ -69,7 +70,12 @@ bool StatesPosition(const std::string& file, int page) {
   return FactsOf(Document::Open(file).Page(page).GetMetadata()).gps.has_value();
 }
 
-TEST_F(EditorDocument, Should_StripTheOtherPagesAsARecipeDoes) {
+class EditorDocumentKeeping : public EditorDocument,
+                              public testing::WithParamInterface<Isolation> {};
+
+TEST_P(EditorDocumentKeeping, Should_StripTheOtherPagesAsARecipeDoes) {
+  detail::SetWorkerProgram(RASTERKIT_WORKER_FILE);
+  options.isolation = GetParam();
   for (const Keep keep : {Keep::all, Keep::withoutGps, Keep::nothing}) {
     SCOPED_TRACE(static_cast<int>(keep));
     const std::string file = WriteDocument();
@@ -85,6 +91,9 @@ TEST_F(EditorDocument, Should_StripTheOtherPagesAsARecipeDoes) {
     }
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Isolations, EditorDocumentKeeping,
+                         testing::Values(Isolation::none, Isolation::process));
 
 }  // namespace
 }  // namespace rasterkit

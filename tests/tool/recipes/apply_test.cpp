@@ -263,7 +263,8 @@ TEST_F(CliApply, PageOfADocument_Should_BeWrittenAsByTheLibrary) {
     for (int page = 1; page <= 3; ++page) {
       EXPECT_EQ(statesPosition(out, page), keep == "keep") << page;
     }
-    const rasterkit::Recipe recipe = ReadRecipe(ReadFile(file));
+    const std::vector<uint8_t> json = ReadBytes(file);
+    const rasterkit::Recipe recipe = ReadRecipe({json.begin(), json.end()});
     const RecipeOutput output(Document::Open(pages).Page(2), recipe);
     const SaveOptions options = SaveOptionsOf(recipe.save);
     const Report planned = output.Plan(folder_ / "same.tif", options);
