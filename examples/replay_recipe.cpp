@@ -18,11 +18,11 @@ int main(int count, char** arguments) {
     }
     rk::OpenOptions options;
     options.turnsUpright = !recipe.isAsStored;
-    rk::Picture picture = rk::Picture::Open(arguments[2], options);
-    rk::ApplyRecipe(picture, recipe, slots);
+    // Also strips the other pages of a TIFF file.
+    const rk::RecipeOutput output(rk::Picture::Open(arguments[2], options), recipe, slots);
     rk::SaveOptions save = rk::SaveOptionsOf(recipe.save);
     save.type.reset();  // that of the name
-    picture.Save(arguments[3], save);
+    output.Save(arguments[3], save);
   } catch (const rk::Error& error) {  // "/steps/2/percent: 300 is above 100"
     std::cerr << error.what() << "\n";
     return 1;

@@ -8,6 +8,7 @@
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/pictures/recipes/apply_recipe.h>
 #include <rasterkit/pictures/recipes/recipe.h>
+#include <rasterkit/pictures/recipes/recipe_output.h>
 #include <rasterkit/pictures/recipes/recipe_text.h>
 #include <rasterkit/pictures/recipes/steps_of_picture.h>
 #include <rasterkit/pictures/report.h>

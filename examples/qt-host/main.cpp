@@ -111,16 +111,16 @@ class HostWindow : public QMainWindow {
     const rk::SavingStart start{source_->SourceFile(), {}, true};
     const auto choice = rk::ChooseSaving(Result(), start, this);
     if (!choice) return;
-    rk::Picture result = *source_;
     rk::Recipe recipe;
     recipe.steps = steps_;
     recipe.save = choice->save;
-    rk::ApplyRecipe(result, recipe);
+    // Also removes from the other pages of a TIFF file what the user wants removed.
+    const rk::RecipeOutput output(*source_, recipe);
     rk::SaveOptions options = rk::SaveOptionsOf(choice->save);
     options.mayReplace = choice->mayReplace;
     rk::Run run;
     run.progress = [this](double share) { progress_.setValue(qRound(100 * share)); };
-    result.Save(choice->file, options, run);
+    output.Save(choice->file, options, run);
     progress_.reset();
     statusBar()->showMessage(QString::fromStdString("Saved as " + choice->file));
   }

@@ -1,7 +1,5 @@
 #include "tool/pictures/recipe_options.h"
 
-#include <variant>
-
 #include "tool/arguments/color_argument.h"
 
 namespace rasterkit::tool {
@@ -48,23 +46,6 @@ void AddSave(PictureOptions& options, const RecipeSave& save) {
   if (options.background.empty()) options.background = DigitsOf(save.background);
   if (save.metadata == RecipeSave::Keep::nothing) options.edit.stripAll = true;
   if (save.metadata == RecipeSave::Keep::withoutGps) options.edit.stripGps = true;
-}
-
-void AddStrips(MetadataEdit& strips, const MetadataEdit& edit) {
-  strips.stripAll = strips.stripAll || edit.stripAll;
-  strips.stripProfile = strips.stripProfile || edit.stripProfile;
-  strips.stripGps = strips.stripGps || edit.stripGps;
-  strips.stripThumbnail = strips.stripThumbnail || edit.stripThumbnail;
-  strips.stripMakerNote = strips.stripMakerNote || edit.stripMakerNote;
-  strips.remove.insert(strips.remove.end(), edit.remove.begin(), edit.remove.end());
-}
-
-MetadataEdit StripsIn(const std::vector<RecipeStep>& steps) {
-  MetadataEdit strips;
-  for (const RecipeStep& step : steps) {
-    if (const auto* edit = std::get_if<EditStep>(&step)) AddStrips(strips, edit->edit);
-  }
-  return strips;
 }
 
 }  // namespace rasterkit::tool

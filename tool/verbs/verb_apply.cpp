@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/pictures/recipes/recipe_output.h>
 
 #include "tool/command/exit_code.h"
 #include "tool/command/standard_input.h"

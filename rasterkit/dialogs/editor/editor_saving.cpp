@@ -3,7 +3,7 @@
 
 #include <rasterkit/dialogs/editor/editor_state.h>
 #include <rasterkit/pictures/pending_save.h>
-#include <rasterkit/pictures/recipes/apply_recipe.h>
+#include <rasterkit/pictures/recipes/recipe_output.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
 #include <rasterkit/runtime/files/file_name.h>
@@ -27,9 +27,9 @@ struct SaveOutcome {
 };
 
 /// The one way in which the editor writes: the same as that of a recipe without a window.
-void WriteFile(Picture picture, const Recipe& recipe, const std::string& file, bool mayReplace,
-               const PixelRun& how, SaveOutcome& outcome) {
-  ApplyRecipe(picture, recipe);
+void WriteFile(const Picture& source, const Recipe& recipe, const std::string& file,
+               bool mayReplace, const PixelRun& how, SaveOutcome& outcome) {
+  const RecipeOutput output(source, recipe);
   SaveOptions options = SaveOptionsOf(recipe.save);
   options.mayReplace = mayReplace;
   Run run;
@@ -37,7 +37,7 @@ void WriteFile(Picture picture, const Recipe& recipe, const std::string& file, b
   run.progress = how.progress;
   std::optional<PendingSave> save;
   try {
-    save.emplace(picture, file, options, run);
+    save.emplace(output.Prepare(file, options, run));
     save->Commit();
     outcome.report = save->Report();
   } catch (const FileExistsError& error) {

@@ -7,6 +7,7 @@
 #include <rasterkit/dialogs/editor/mebibyte_text.h>
 #include <rasterkit/dialogs/editor/step_names.h>
 #include <rasterkit/pictures/recipes/apply_recipe.h>
+#include <rasterkit/pictures/recipes/recipe_output.h>
 #include <rasterkit/pictures/recipes/recipe_text.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/memory/memory_budget.h>
@@ -40,9 +41,8 @@ bool ChangesNothing(const RecipeStep& step, const Picture& before, const Picture
 SavingPlan PlanOfSaving(const Picture& result, const std::string& file, const RecipeSave& saving) {
   SavingPlan plan;
   try {
-    Picture picture = result;
-    ApplyRecipe(picture, {{}, {}, saving});
-    plan.report = picture.Plan(file, SaveOptionsOf(saving));
+    const RecipeOutput output(result, Recipe{{}, {}, saving});
+    plan.report = output.Plan(file, SaveOptionsOf(saving));
   } catch (const Error& error) {
     plan.error = error.Reason();
   }

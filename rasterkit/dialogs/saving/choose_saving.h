@@ -31,8 +31,8 @@ struct SavingStart {
 
 /// Lets the user choose name, type and settings for `picture` (with its steps), and shows before
 /// saving what would be lost, whether the compressed pixels are kept, the size of the file and the
-/// pixels at the chosen quality. It writes nothing. Nothing if the user canceled. Throws Error if
-/// no window can be shown.
+/// pixels at the chosen quality. It writes nothing: RecipeOutput writes what is shown. Nothing if
+/// the user canceled. Throws Error if no window can be shown.
 RASTERKIT_EXPORT std::optional<SavingChoice> ChooseSaving(const Picture& picture,
                                                           const SavingStart& start,
                                                           QWidget* parent = nullptr);

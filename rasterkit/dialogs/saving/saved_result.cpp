@@ -3,7 +3,7 @@
 #include <utility>
 
 #include <rasterkit/dialogs/saving/saved_result.h>
-#include <rasterkit/pictures/recipes/apply_recipe.h>
+#include <rasterkit/pictures/recipes/recipe_output.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/stream.h>
 
@@ -58,9 +58,9 @@ PlannedSave PlanOfSave(const Picture& picture, const RecipeSave& save, PictureTy
                        const std::string& file) {
   PlannedSave planned;
   try {
-    const Picture prepared = PreparedPicture(picture, save);
+    const RecipeOutput output(picture, save);
     const SaveOptions options = OptionsFor(save, type);
-    planned.report = file.empty() ? prepared.PlanStream(options) : prepared.Plan(file, options);
+    planned.report = file.empty() ? output.PlanStream(options) : output.Plan(file, options);
   } catch (const Error& error) {
     planned.error = error.Reason();
   }
@@ -72,7 +72,7 @@ uint64_t CountBytesOfSave(const Picture& picture, const RecipeSave& save, Pictur
   Run run = BackgroundRun(std::move(cancel));
   run.progress = progress;
   CountingStream stream;
-  PreparedPicture(picture, save).Save(stream, OptionsFor(save, type), run);
+  RecipeOutput(picture, save).Save(stream, OptionsFor(save, type), run);
   return stream.Size();
 }
 

@@ -1,7 +1,10 @@
 // What the window says before saving, compared with what the save does.
 
+#include <algorithm>
+
 #include <rasterkit/dialogs/saving/result_words.h>
-#include <rasterkit/pictures/recipes/apply_recipe.h>
+#include <rasterkit/pictures/document/document.h>
+#include <rasterkit/pictures/recipes/recipe_output.h>
 
 #include "tests/dialogs/saving/saving_fixture.h"
 #include "tests/support/same_pixels.h"
@@ -179,6 +182,29 @@ TEST_F(SizesOfFiles, MovedAndCopiedFiles_Should_BeCountedToo) {
   picture.Turn(1);
   EXPECT_EQ(detail::CountBytesOfSave(picture, save, PictureType::jpeg, {}, [](double) {}),
             picture.Save(In("c.jpg")).bytes);
+}
+
+TEST_F(SizesOfFiles, WhatIsStrippedFromOtherPages_Should_NotBeCounted) {
+  MetadataEdit edit;
+  edit.set = {{"Artist", std::string(5000, 'a')}};
+  const Picture page = Picture::Open(Make("a.png", 30, 20)).Edit(edit);
+  Document().Append(page).Append(page).Append(page).Save(In("pages.tif"));
+  const Picture picture = Document::Open(In("pages.tif")).Page(2);
+  RecipeSave save;
+  save.metadata = RecipeSave::Keep::nothing;
+  const uint64_t counted =
+      detail::CountBytesOfSave(picture, save, PictureType::tiff, {}, [](double) {});
+  EXPECT_LT(counted, 10'000U);
+  RecipeOutput(picture, save).Save(In("b.tif"), SaveOptionsOf(save));
+  EXPECT_EQ(counted, std::filesystem::file_size(In("b.tif")));
+  for (const std::string& file : {In("c.tif"), std::string()}) {
+    const detail::PlannedSave plan = detail::PlanOfSave(picture, save, PictureType::tiff, file);
+    ASSERT_TRUE(plan.report) << plan.error;
+    EXPECT_GE(plan.report->bytes, counted);
+    EXPECT_TRUE(std::none_of(plan.report->notes.begin(), plan.report->notes.end(), [](auto& note) {
+      return note.find("copied as they are") != std::string::npos;
+    })) << "pages are stripped";
+  }
 }
 
 TEST_F(SavingResult, TheSizeBefore_Should_BeSaidWithTheNewOne) {

@@ -3,6 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <rasterkit/metadata/facts_of_metadata.h>
+#include <rasterkit/pictures/document/document.h>
+#include <rasterkit/pictures/recipes/recipe_output.h>
+#include <rasterkit/pictures/recipes/recipe_text.h>
+
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
 #include "tests/tool/support/run_tool.h"
@@ -232,6 +237,49 @@ TEST_F(CliApply, Strips_Should_ReachAllPages) {
   const std::string recipe = Recipe(R"({"step": "edit", "revision": 1, "strip_all": true})");
   ASSERT_EQ(Apply({recipe, pages, folder_ / "out.tif", "--overwrite"}).code, 0);
   EXPECT_FALSE(hasName(folder_ / "out.tif"));
+}
+
+/// The library and the tool have one way of writing a page of a document.
+TEST_F(CliApply, PageOfADocument_Should_BeWrittenAsByTheLibrary) {
+  MetadataEdit edit;
+  edit.set = {{"Artist", "Ada"}};
+  edit.gps = GpsPosition{47.5, 8.25, {}};
+  Document document;
+  for (const char* name : {"a.png", "b.png", "c.png"}) {
+    document.Append(Picture::Open(folder_ / name).Edit(edit));
+  }
+  const std::string pages = folder_ / "pages.tif", out = folder_ / "out.tif";
+  document.Save(pages);
+  const auto statesPosition = [](const std::string& file, int page) {
+    return FactsOf(Document::Open(file).Page(page).GetMetadata()).gps.has_value();
+  };
+  for (const std::string keep : {"keep", "without-gps", "nothing"}) {
+    SCOPED_TRACE(keep);
+    const std::string file = Recipe(kCrop, R"("save": {"metadata": ")" + keep + "\"}");
+    ASSERT_EQ(Apply({file, pages, out, "--page", "2", "--overwrite"}).code, 0);
+    const std::vector<uint8_t> written = ReadBytes(out);
+    const std::string text(written.begin(), written.end());
+    EXPECT_EQ(text.find("Ada") == std::string::npos, keep == "nothing");
+    for (int page = 1; page <= 3; ++page) {
+      EXPECT_EQ(statesPosition(out, page), keep == "keep") << page;
+    }
+    const std::vector<uint8_t> json = ReadBytes(file);
+    const rasterkit::Recipe recipe = ReadRecipe({json.begin(), json.end()});
+    const RecipeOutput output(Document::Open(pages).Page(2), recipe);
+    const SaveOptions options = SaveOptionsOf(recipe.save);
+    const Report planned = output.Plan(folder_ / "same.tif", options);
+    output.Save(folder_ / "same.tif", options);
+    EXPECT_EQ(ReadBytes(folder_ / "same.tif"), written);
+    EXPECT_EQ(planned.width, 10);
+    EXPECT_GE(planned.bytes, written.size());
+    TMemoryStream stream;
+    output.Save(stream, options);
+    EXPECT_EQ(stream.TakeBytes(), written);
+    SaveOptions alone = options;
+    alone.onlyThisPage = true;
+    output.Save(folder_ / "alone.tif", alone);
+    EXPECT_EQ(Document::Open(folder_ / "alone.tif").Pages(), 1);
+  }
 }
 
 }  // namespace
