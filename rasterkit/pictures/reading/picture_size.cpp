@@ -7,8 +7,6 @@
 namespace rasterkit {
 namespace {
 
-constexpr int kLargestSide = 1000000;
-
 bool IsSide(int side) {
   return side >= 1 && side <= kLargestSide;
 }

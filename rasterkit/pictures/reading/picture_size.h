@@ -7,6 +7,9 @@
 
 namespace rasterkit {
 
+/// Pixels along a side that a size may have.
+inline constexpr int kLargestSide = 1'000'000;
+
 /// A size as typed: "800x600", or one side alone ("800x", "x600"). A side of 0 follows from the
 /// proportions.
 struct RASTERKIT_EXPORT PictureSize {

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <rasterkit/pictures/recipes/apply_recipe.h>
+#include <rasterkit/pictures/recipes/error_place.h>
 #include <rasterkit/pictures/recipes/slot_of_step.h>
 #include <rasterkit/runtime/errors.h>
 
@@ -90,33 +91,6 @@ class StepApplier {
   const RecipeSlots& slots_;
 };
 
-template <class Kind>
-[[noreturn]] void ThrowAt(const std::string& place, const Kind& error) {
-  throw Kind(place + ": " + error.Reason(), error.File());
-}
-
-LimitError Placed(const std::string& place, const LimitError& error) {
-  LimitError placed(error.Kind(), place + ": " + error.Reason());
-  placed.AttachFile(error.File());
-  return placed;
-}
-
-/// Calls `add`; errors of it get the place in front.
-template <class Add>
-void AddAt(const std::string& place, const Add& add) {
-  try {
-    add();
-  } catch (const RangeError& error) {
-    ThrowAt(place, error);
-  } catch (const FormatError& error) {
-    ThrowAt(place, error);
-  } catch (const UnsupportedError& error) {
-    ThrowAt(place, error);
-  } catch (const LimitError& error) {
-    throw Placed(place, error);
-  }
-}
-
 }  // namespace
 
 void ApplyRecipeStep(Picture& picture, const RecipeStep& step, const RecipeSlots& slots) {
@@ -128,10 +102,10 @@ void ApplyRecipeStep(Picture& picture, const RecipeStep& step, const RecipeSlots
 void ApplyRecipe(Picture& picture, const Recipe& recipe, const RecipeSlots& slots) {
   Picture changed = picture;
   for (size_t i = 0; i < recipe.steps.size(); ++i) {
-    AddAt(fmt::format("/steps/{}", i),
-          [&] { std::visit(StepApplier(changed, slots), recipe.steps[i]); });
+    detail::AtPlace(fmt::format("/steps/{}", i),
+                    [&] { std::visit(StepApplier(changed, slots), recipe.steps[i]); });
   }
-  AddAt("/save", [&] { ApplySaving(changed, recipe.save); });
+  detail::AtPlace("/save", [&] { ApplySaving(changed, recipe.save); });
   picture = std::move(changed);
 }
 

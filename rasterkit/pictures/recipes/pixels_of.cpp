@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <optional>
 
 #include <fmt/format.h>
 
+#include <rasterkit/pictures/reading/picture_size.h>
 #include <rasterkit/pictures/recipes/apply_recipe.h>
 #include <rasterkit/placement/map_window.h>
 #include <rasterkit/runtime/errors.h>
@@ -87,12 +87,19 @@ std::optional<PixelRun> PixelsAlong(PixelSpan span, int size, Outside outside) {
   return WholePixelsOf(span, size);
 }
 
-int SideOf(double exact) {
-  const double rounded = std::max(1.0, std::nearbyint(exact));
-  if (!(rounded <= std::numeric_limits<int>::max())) {
-    throw RangeError(fmt::format("a picture cannot have {:.10g} pixels along a side", exact));
+/// A number above the largest side stays above it.
+double SideOf(double exact) {
+  return std::max(1.0, std::nearbyint(exact));
+}
+
+PictureSize SizeOf(double width, double height) {
+  const double across = SideOf(width), down = SideOf(height);
+  if (!(across <= kLargestSide && down <= kLargestSide)) {
+    throw RangeError(
+        fmt::format("{:.10g} x {:.10g} is not a valid size: width and height must be from 1 to {}",
+                    across, down, kLargestSide));
   }
-  return static_cast<int>(rounded);
+  return {static_cast<int>(across), static_cast<int>(down)};
 }
 
 struct Proportion {
@@ -155,7 +162,8 @@ ResizeStep PixelsOf(const RecipeResize& resize, const Picture& picture) {
     const Proportion proportion = ProportionFor(resize, picture);
     if (resize.width == 0) width = height * proportion.across / proportion.down;
     if (resize.height == 0) height = width * proportion.down / proportion.across;
-    return ResizeStep{SideOf(width), SideOf(height), resize.options};
+    const PictureSize size = SizeOf(width, height);
+    return ResizeStep{size.width, size.height, resize.options};
   });
 }
 

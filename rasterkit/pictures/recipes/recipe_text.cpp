@@ -149,6 +149,9 @@ std::string WriteRecipe(const Recipe& recipe) {
   }
   StepWriter::Json root;
   root["schema"] = kSchema;
+  if (!detail::IsRecipeText(recipe.madeWith)) {
+    throw RangeError(std::string("/made_with: ") + detail::kNoRecipeText);
+  }
   root["made_with"] = recipe.madeWith;
   if (recipe.isAsStored) root["as_stored"] = true;
   root["steps"] = StepWriter::Json::array();
@@ -156,12 +159,7 @@ std::string WriteRecipe(const Recipe& recipe) {
     root["steps"].push_back(WrittenStep(recipe.steps[i], fmt::format("/steps/{}", i)));
   }
   root["save"] = StepWriter::ObjectOf(recipe.save, "/save");
-  std::string text;
-  try {
-    text = root.dump(2) + "\n";
-  } catch (const json::exception&) {
-    throw RangeError("/made_with: the text is no UTF-8");
-  }
+  const std::string text = root.dump(2) + "\n";
   if (text.size() > kMostRecipeBytes) {
     throw RangeError(
         fmt::format("a recipe has at most {} bytes, not {}", kMostRecipeBytes, text.size()));

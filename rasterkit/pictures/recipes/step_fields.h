@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include <rasterkit/pictures/reading/picture_size.h>
 #include <rasterkit/pictures/recipes/recipe.h>
 #include <rasterkit/pictures/recipes/recipe_words.h>
 
@@ -85,6 +86,9 @@ void Describe(Fields& fields, RecipeResize& step) {
   fields.May("dpi", step.dpi, kDots);
   fields.May("filter", step.options.filter, kFilterWords);
   fields.Check("", step.width > 0 || step.height > 0, "width or height must be stated");
+  const double mostPixels = step.unit == LengthUnit::pixels ? kLargestSide : kLengths.most;
+  fields.Check("width", step.width <= mostPixels, "a side has at most 1000000 pixels");
+  fields.Check("height", step.height <= mostPixels, "a side has at most 1000000 pixels");
 }
 
 template <class Fields>

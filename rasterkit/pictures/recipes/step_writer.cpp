@@ -14,6 +14,10 @@ namespace rasterkit::detail {
 
 using Json = StepWriter::Json;
 
+bool IsRecipeText(const std::string& text) {
+  return Utf8OfBytes(text) == text && text.find('\0') == std::string::npos;
+}
+
 void StepWriter::Slot(const char* key, const std::string& value) {
   Put(key, IsSlotName(value) ? Json(value) : Fail(key, std::string("the slot: ") + kSlotRule));
 }
@@ -50,8 +54,7 @@ Json StepWriter::Color(const char* key, TColor value) {
 }
 
 Json StepWriter::Text(const char* key, const std::string& value) {
-  const bool isText = Utf8OfBytes(value) == value && value.find('\0') == std::string::npos;
-  return isText ? Json(value) : Fail(key, "the text is no UTF-8, or has a zero in it");
+  return IsRecipeText(value) ? Json(value) : Fail(key, kNoRecipeText);
 }
 
 Json StepWriter::Fail(const char* key, const std::string& reason) {

@@ -10,6 +10,10 @@
 
 namespace rasterkit::detail {
 
+/// True for a text that a reader takes.
+bool IsRecipeText(const std::string& text);
+inline constexpr const char* kNoRecipeText = "the text is no UTF-8, or has a zero in it";
+
 /// Writes the keys of an object; see step_fields.h. What a reader would refuse is a RangeError with
 /// the path of the value.
 class StepWriter {

@@ -1,10 +1,12 @@
 #include <cmath>
 #include <limits>
+#include <typeinfo>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <rasterkit/pictures/recipes/apply_recipe.h>
+#include <rasterkit/pictures/recipes/error_place.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/limits.h>
 
@@ -178,7 +180,20 @@ TEST(RecipeResizeTest, RefusesWhatIsNoSize) {
   EXPECT_THAT(Resized(picture, {kPixels, 0, 0}), HasSubstr("width or a height"));
   EXPECT_THAT(Resized(picture, {kMap, 10, 10}), HasSubstr("map units"));
   EXPECT_EQ(Resized(picture, {kPixels, 1e300, 1}),
-            "a picture cannot have 1e+300 pixels along a side");
+            "1e+300 x 1 is not a valid size: width and height must be from 1 to 1000000");
+}
+
+TEST(RecipeResizeTest, RefusesSidesOfMoreThanAMillionPixels) {
+  const Picture picture = GradientPicture(40, 30);
+  EXPECT_EQ(Resized(picture, {kPixels, 1e6, 1}), "1000000x1");
+  EXPECT_EQ(Resized(picture, {kPercent, 1, 3333333}), "1x1000000");
+  const RecipeResize tooLarge[] = {{kPixels, 1000001, 1},          {kPixels, 1, 1000001},
+                                   {kPercent, 2500003, 1},         {kPercent, 1, 1e9},
+                                   {kMillimeters, 1000, 0, 25401}, {kMillimeters, 0, 1e9, 300}};
+  for (const RecipeResize& resize : tooLarge) {
+    EXPECT_THAT(Resized(picture, resize), HasSubstr(" is not a valid size: width and height"))
+        << resize.width << " " << resize.height;
+  }
 }
 
 TEST(ApplyRecipeTest, LeavesThePictureAsItWasIfAStepDoesNotFit) {
@@ -219,6 +234,37 @@ TEST(ApplyRecipeTest, ErrorsKeepTheirKindAndNameTheStep) {
               StartsWith("/steps/1: no tag has the name"));
   EXPECT_THAT(faultOf(std::type_identity<RangeError>(), RecipePalette{"other"}),
               StartsWith("/steps/1: the slot \"other\" has no picture"));
+}
+
+template <class Kind>
+void ExpectKindStays(const Kind& error) {
+  try {
+    detail::AtPlace("/steps/3", [&] { throw error; });
+    FAIL() << error.what();
+  } catch (const Error& placed) {
+    EXPECT_EQ(typeid(placed), typeid(Kind)) << error.what();
+    EXPECT_EQ(placed.Reason(), "/steps/3: " + error.Reason());
+    EXPECT_EQ(placed.File(), error.File());
+  }
+}
+
+TEST(ErrorPlaceTest, EachKindStays) {
+  ExpectKindStays(Error("a", "f.png"));
+  ExpectKindStays(FileError("b", "f.png"));
+  ExpectKindStays(FormatError("c", "f.png"));
+  ExpectKindStays(UnsupportedError("d"));
+  ExpectKindStays(LimitError(LimitKind::pixels, "e"));
+  ExpectKindStays(TimeLimitError("f"));
+  ExpectKindStays(CanceledError("g"));
+  ExpectKindStays(RangeError("h", "f.png"));
+  ExpectKindStays(ConversionError("i"));
+  ExpectKindStays(DivisionByZeroError("j"));
+  try {
+    detail::AtPlace("/save", [] { throw LimitError(LimitKind::side, "k"); });
+    FAIL();
+  } catch (const LimitError& error) {
+    EXPECT_EQ(error.Kind(), LimitKind::side);
+  }
 }
 
 TEST(ApplyRecipeTest, IsTheSameAsTheCallsOfPicture) {

@@ -41,6 +41,7 @@ std::string FaultOf(const json& recipe) {
 bool IsRelation(const std::string& fault) {
   return fault.find("it must be greater than ") != std::string::npos ||
          fault.find("in map units it must be") != std::string::npos ||
+         fault.find("a side has at most 1000000 pixels") != std::string::npos ||
          fault.find("width or height must be stated") != std::string::npos ||
          fault.find("a fixed stretch needs") != std::string::npos;
 }

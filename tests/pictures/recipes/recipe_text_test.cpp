@@ -112,6 +112,18 @@ TEST(ReadRecipeTest, HugeCoordinatesAreRefused) {
   EXPECT_EQ(crop("200000000000000000000"), "/steps/1/right: 2e+20 is above 1000000000000");
 }
 
+TEST(ReadRecipeTest, HugeSizesAreRefused) {
+  const auto resize = [](const std::string& values) {
+    return FaultOfStep(R"({"step": "resize", "revision": 1, "unit": )" + values + "}");
+  };
+  EXPECT_EQ(resize(R"("px", "width": 1000000)"), "");
+  EXPECT_EQ(resize(R"("px", "width": 1000001)"),
+            "/steps/1/width: a side has at most 1000000 pixels");
+  EXPECT_EQ(resize(R"("px", "width": 1, "height": 1e9)"),
+            "/steps/1/height: a side has at most 1000000 pixels");
+  EXPECT_EQ(resize(R"("percent", "width": 1000001)"), "");
+}
+
 TEST(ReadRecipeTest, UnknownThingsAreRefused) {
   EXPECT_EQ(FaultOf(R"({"schema": 1, "steps": [], "note": 1})"),
             "/note: unknown key; the keys here are schema, made_with, as_stored, steps, save");
@@ -220,6 +232,8 @@ TEST(WriteRecipeTest, RefusesWhatCouldNotBeRead) {
   EXPECT_EQ(WritingFault(TurnStep{7}), "/steps/0/quarters: 7 is above 3");
   EXPECT_EQ(WritingFault(RotateStep{std::nan(""), {}}),
             "/steps/0/degrees: the number is not finite");
+  EXPECT_EQ(WritingFault(RecipeResize{LengthUnit::pixels, 1000001, 1}),
+            "/steps/0/width: a side has at most 1000000 pixels");
   EXPECT_EQ(WritingFault(RecipeCrop{}), "/steps/0/right: it must be greater than left");
   EXPECT_THAT(WritingFault(RecipePalette{"a b"}), StartsWith("/steps/0/slot: the slot: a name"));
   EXPECT_THAT(WritingFault(ChangeStep{PaintTransparency{-16777201}}),
@@ -227,7 +241,14 @@ TEST(WriteRecipeTest, RefusesWhatCouldNotBeRead) {
   MetadataEdit edit;
   edit.set = {{"Artist", "\xFF"}};
   EXPECT_THAT(WritingFault(EditStep{edit}), StartsWith("/steps/0/set/0/value: the text is no"));
-  EXPECT_THROW(WriteRecipe({"\xFF", {}, {}}), RangeError);
+  for (const std::string& madeWith : {std::string("\xFF"), std::string("a\0b", 3)}) {
+    try {
+      WriteRecipe({madeWith, {}, {}});
+      FAIL() << "no reader takes this";
+    } catch (const RangeError& error) {
+      EXPECT_EQ(error.Reason(), "/made_with: the text is no UTF-8, or has a zero in it");
+    }
+  }
 }
 
 TEST(WriteRecipeTest, KnowsNoLocale) {
