@@ -273,6 +273,8 @@ void TFormPictureEditor::KeepLeastHeight() {
 }
 
 void TFormPictureEditor::reject() {
+  // A job that is not shown yet is not what the user means to cancel.
+  closesAfterJob_ = jobs_.IsRunning() && !isJobShown_;
   model_->CancelOrClose();
 }
 
