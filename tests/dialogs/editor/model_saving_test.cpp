@@ -133,7 +133,7 @@ TEST_F(EditorSaving, Should_SayThatAPngFileIsLosslessAndWhatABmpFileLacks) {
 
 TEST_F(EditorSaving, Should_NotCallASmallerDepthLossless) {
   Open(WritePicture("plan.png"));
-  EXPECT_EQ(model->SavingFacts(), "Lossless: every pixel is kept");
+  EXPECT_EQ(model->SavingFacts(), "Lossless: the compressed pixels are copied");
   view->settings = RecipeSave{};
   view->settings->bits = 8;
   model->Settings();
