@@ -4,7 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <rasterkit/pictures/pending_save.h>
 #include <rasterkit/pictures/picture_parts.h>
 #include <rasterkit/pictures/recipes/recipe_output.h>
 #include <rasterkit/pictures/run_scope.h>
@@ -101,12 +100,17 @@ Report RecipeOutput::PlanStream(const SaveOptions& options) const {
 
 Report RecipeOutput::Save(const std::string& file, const SaveOptions& options,
                           const Run& run) const {
-  if (!StripsOthers(detail::TargetType(file, options), options)) {
-    return page_.Save(file, options, run);
-  }
-  PendingSave save(Parts(options), file, options, run);
+  PendingSave save = Prepare(file, options, run);
   save.Commit();
   return save.Report();
+}
+
+PendingSave RecipeOutput::Prepare(const std::string& file, const SaveOptions& options,
+                                  const Run& run) const {
+  if (!StripsOthers(detail::TargetType(file, options), options)) {
+    return {page_, file, options, run};
+  }
+  return {Parts(options), file, options, run};
 }
 
 Report RecipeOutput::Save(TStream& stream, const SaveOptions& options, const Run& run) const {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <rasterkit/metadata/edit/metadata_edit.h>
+#include <rasterkit/pictures/pending_save.h>
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/pictures/recipes/apply_recipe.h>
 #include <rasterkit/pictures/recipes/recipe.h>
@@ -42,6 +43,9 @@ class RASTERKIT_EXPORT RecipeOutput {
   Report Plan(const std::string& file, const SaveOptions& options) const;
   Report PlanStream(const SaveOptions& options) const;
   Report Save(const std::string& file, const SaveOptions& options, const Run& run = {}) const;
+  /// Does all of Save but the last step.
+  PendingSave Prepare(const std::string& file, const SaveOptions& options,
+                      const Run& run = {}) const;
   Report Save(TStream& stream, const SaveOptions& options, const Run& run = {}) const;
 
  private:
