@@ -23,8 +23,12 @@ bool IsGeographic(std::string_view word) {
   return IsOneOf(word, {"GEOGCS", "GEOGCRS", "GEOGRAPHICCRS", "GEODCRS"});
 }
 
-bool IsUnit(std::string_view word) {
-  return IsOneOf(word, {"UNIT", "LENGTHUNIT", "ANGLEUNIT"});
+bool IsLengthUnit(std::string_view word) {
+  return IsOneOf(word, {"UNIT", "LENGTHUNIT"});
+}
+
+bool IsAngleUnit(std::string_view word) {
+  return IsOneOf(word, {"UNIT", "ANGLEUNIT"});
 }
 
 bool IsWordLetter(char letter) {
@@ -67,7 +71,14 @@ class UnitWalker {
 
   /// Takes the factor of a unit that belongs to a system itself, or to one of its axes.
   void Use() {
-    if (levels_.size() < 2 || !IsUnit(levels_.back().keyword) || levels_.back().place != 1) return;
+    if (levels_.size() < 2) return;
+    const std::string& unit = levels_.back().keyword;
+    if (unit == "CS" && word_ == "CARTESIAN" && IsGeographic(levels_[levels_.size() - 2].keyword)) {
+      // Coordinates from the center of the earth, which are lengths, but not along a map.
+      isGeocentric_ = true;
+    }
+    if (!IsLengthUnit(unit) && !IsAngleUnit(unit)) return;
+    if (levels_.back().place != 1) return;
     size_t owner = levels_.size() - 2;
     if (levels_[owner].keyword == "AXIS" && owner > 0) --owner;
     const std::string& system = levels_[owner].keyword;
@@ -75,8 +86,9 @@ class UnitWalker {
     const auto [rest, error] = std::from_chars(word_.data(), word_.data() + word_.size(), size);
     const bool isNumber = error == std::errc() && rest == word_.data() + word_.size();
     if (!isNumber || !(size > 0) || !std::isfinite(size)) return;
-    if (IsProjected(system) && !projected_) projected_ = WktUnit{true, size};
-    if (IsGeographic(system) && !geographic_) geographic_ = WktUnit{false, size};
+    if (IsProjected(system) && IsLengthUnit(unit) && !projected_) projected_ = WktUnit{true, size};
+    const bool isAngle = IsAngleUnit(unit) && !isGeocentric_;
+    if (IsGeographic(system) && isAngle && !geographic_) geographic_ = WktUnit{false, size};
     // The geographic system below a projected one says nothing about the map.
     if (IsGeographic(system) && owner > 0 && IsProjected(levels_[owner - 1].keyword)) {
       geographic_.reset();
@@ -86,6 +98,7 @@ class UnitWalker {
   std::string_view text_;
   std::string word_;
   std::vector<Level> levels_;
+  bool isGeocentric_ = false;
   std::optional<WktUnit> projected_, geographic_;
 };
 

@@ -13,7 +13,7 @@ struct WktUnit {
 };
 
 /// Reads the unit of the projected system in a text, or of its geographic system if there is none.
-/// Nothing if the text states none.
+/// Nothing if the text states none, and for coordinates from the center of the earth.
 std::optional<WktUnit> ReadWktUnit(std::string_view wkt);
 
 }  // namespace rasterkit::detail

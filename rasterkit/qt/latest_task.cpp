@@ -109,7 +109,13 @@ void LatestTask::Start(Request request) {
 }
 
 void LatestTask::RunJob(const std::shared_ptr<Job>& job) {
-  const Answer answer = job->work(job->isCanceled);
+  Answer answer;
+  try {
+    answer = job->work(job->isCanceled);
+  } catch (...) {
+    // Nobody can be told here; an exception that leaves the thread would end the process.
+    answer = nullptr;
+  }
   const std::lock_guard lock(job->mutex);
   job->isDone = true;
   if (job->task == nullptr) return;
@@ -123,8 +129,8 @@ void LatestTask::Finish(const std::shared_ptr<Job>& job, const Answer& answer) {
   thread_.join();
   job_.reset();
   if (next_) {
-    Start(*std::exchange(next_, std::nullopt));
-  } else if (!job->isCanceled) {
+    Application.Guard([this] { Start(*std::exchange(next_, std::nullopt)); });
+  } else if (!job->isCanceled && answer) {
     Application.Guard([&] { answer(); });
   }
 }

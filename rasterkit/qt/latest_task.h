@@ -18,7 +18,7 @@ class LatestTask : public QObject {
   /// Called on the thread of this object, through Qt's event loop, after the work is done.
   using Answer = std::function<void()>;
   /// Runs on the other thread. It may end early once `isCanceled` is set; its answer is dropped
-  /// then.
+  /// then. After an exception there is no answer: work that must tell of its faults catches them.
   using Work = std::function<Answer(const std::atomic<bool>& isCanceled)>;
 
   LatestTask() = default;

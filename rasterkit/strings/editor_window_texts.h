@@ -114,8 +114,6 @@ inline constexpr std::string_view rsEditorPageNumber = "Page %d";
 inline constexpr std::string_view rsEditorZoom = "Zoom %d %%";
 
 /// What saving does: lost things, and how many more there are.
-inline constexpr std::string_view rsEditorLost = "Lost when saved: %s";
-inline constexpr std::string_view rsEditorMoreLosses = "and %d more";
 
 /// Jobs.
 inline constexpr std::string_view rsEditorCancelJobName = "Cancel the running work";

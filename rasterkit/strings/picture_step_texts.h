@@ -45,13 +45,6 @@ inline constexpr std::string_view rsFactsDpi = "%s: %d x %d pixels, %d bits, %s 
 /// File, page, number of pages.
 inline constexpr std::string_view rsTitlePage = "%s, page %d of %d";
 
-inline constexpr std::string_view rsSavesCopy = "Lossless: the compressed pixels are kept";
-inline constexpr std::string_view rsSavesExact = "Lossless: every pixel is kept as it is";
-inline constexpr std::string_view rsSavesAnew = "Compressed again, which changes pixels a little";
-inline constexpr std::string_view rsSavesAnewBecause = "Compressed again, because %s";
-/// What is lost, and why.
-inline constexpr std::string_view rsLoss = "%s: %s";
-
 /// File name and reason.
 inline constexpr std::string_view rsCannotSave =
     "%s cannot be written: %s.\nChoose another folder or name before you save.";

@@ -33,7 +33,7 @@ inline constexpr std::string_view rsSavingKindHint =
 inline constexpr std::string_view rsSavingFile = "&File:";
 inline constexpr std::string_view rsSavingFileHint = "The file that is written";
 inline constexpr std::string_view rsSavingOtherName = "&Other name ...";
-inline constexpr std::string_view rsSavingOtherNameHint = "Asks for another folder or name";
+inline constexpr std::string_view rsSavingOtherNameHint = "Chooses another folder or name";
 inline constexpr std::string_view rsSavingSave = "&Save";
 inline constexpr std::string_view rsSavingSaveHint = "Saves the picture with these settings";
 

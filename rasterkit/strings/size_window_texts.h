@@ -12,10 +12,12 @@ inline constexpr std::string_view rsSizeFacts = "%d x %d pixels, %s %s";
 inline constexpr std::string_view rsSizeTwoDpi = "%s x %s dpi";
 inline constexpr std::string_view rsSizeNoDpi = "no resolution";
 
-/// Why OK is disabled. The least and the greatest side; need and limit, each with its unit; the
-/// least and the greatest resolution.
+/// Why OK is disabled. The least and the greatest side; width and height; need and limit, each with
+/// its unit; the least and the greatest resolution.
 inline constexpr std::string_view rsSizeOutOfRange =
     "Width and height must be %d to %d pixels. This size has %s x %s.";
+inline constexpr std::string_view rsSizeTooLarge =
+    "The limits of this program allow no picture of %s x %s pixels.";
 inline constexpr std::string_view rsSizeBeyondMemory =
     "This size needs %s %s of memory. The limit is %s %s.";
 inline constexpr std::string_view rsSizeNeedsResolution =

@@ -25,7 +25,7 @@ std::set<std::string> ExportedRoutines() {
          std::filesystem::recursive_directory_iterator(SourceFolder() / "rasterkit" / room)) {
       if (entry.path().extension() != ".h") continue;
       const std::string text =
-          ReadDocument(std::filesystem::relative(entry.path(), SourceFolder()));
+          WithoutDetail(ReadDocument(std::filesystem::relative(entry.path(), SourceFolder())));
       for (const std::string& name :
            FindAll(text, "\nRASTERKIT_EXPORT [^;({]*[ *&]([A-Z][A-Za-z0-9]*)\\("))
         routines.insert(name);

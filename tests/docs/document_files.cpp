@@ -34,6 +34,18 @@ std::vector<std::string> FindAll(const std::string& text, const std::string& pat
   return found;
 }
 
+std::string WithoutDetail(const std::string& header) {
+  std::string kept = header;
+  for (size_t begin = kept.find("\nnamespace detail {"); begin != std::string::npos;
+       begin = kept.find("\nnamespace detail {")) {
+    const size_t end = kept.find("\n}  // namespace detail\n", begin);
+    if (end == std::string::npos) break;
+    kept.erase(begin, end - begin);
+    kept.erase(begin, std::string("\n}  // namespace detail").size());
+  }
+  return kept;
+}
+
 std::string OutputOf(const std::string& command) {
   std::string output;
   std::array<char, 4096> buffer;

@@ -17,6 +17,9 @@ std::vector<std::filesystem::path> AllDocuments();
 /// First groups of every match.
 std::vector<std::string> FindAll(const std::string& text, const std::string& pattern);
 
+/// A header without its namespace `detail`, whose names are not for users.
+std::string WithoutDetail(const std::string& header);
+
 /// What a command of the shell prints.
 std::string OutputOf(const std::string& command);
 

@@ -29,7 +29,7 @@ LibraryNames NamesOfUnits() {
          std::filesystem::recursive_directory_iterator(SourceFolder() / "rasterkit" / room)) {
       if (entry.path().extension() != ".h") continue;
       const std::string text =
-          ReadDocument(std::filesystem::relative(entry.path(), SourceFolder()));
+          WithoutDetail(ReadDocument(std::filesystem::relative(entry.path(), SourceFolder())));
       for (const std::string& name : FindAll(text, "\nclass RASTERKIT_EXPORT (\\w+)")) {
         names.classes.insert(name);
       }

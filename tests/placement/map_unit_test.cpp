@@ -44,7 +44,7 @@ TEST(MapUnitOf, LinearUnits_Should_BeThoseOfTheKeys) {
   EXPECT_EQ(survey.symbol, "US ft");
   EXPECT_DOUBLE_EQ(survey.size, 1200.0 / 3937);
   EXPECT_EQ(UnitOfKeys({{1024, 0, 1}, {3076, 0, 9036}}).size, 1000);
-  EXPECT_FALSE(UnitOfKeys({{1024, 0, 1}, {3076, 0, 9999}}).IsKnown()) << "a code nobody knows";
+  EXPECT_FALSE(UnitOfKeys({{1024, 0, 1}, {3076, 0, 9999}}).IsKnown()) << "an unknown code";
 }
 
 TEST(MapUnitOf, AUnitWithASizeOfItsOwn_Should_BeTheOneOfThatSize) {
@@ -110,6 +110,22 @@ TEST(MapUnitOf, Texts_Should_TellTheUnitOfTheirOuterSystem) {
             "ft");
   EXPECT_EQ(UnitOfText(R"(GEOGCRS["x",DATUM["d",ELLIPSOID["e",1,2,LENGTHUNIT["metre",1]]],)"
                        R"(CS[ellipsoidal,2],ANGLEUNIT["degree",0.0174532925199433]])")
+                .symbol,
+            "°");
+}
+
+TEST(MapUnitOf, CoordinatesFromTheCenterOfTheEarth_Should_HaveNoUnitOfAMap) {
+  const std::string datum = R"(DATUM["D",ELLIPSOID["E",6378137,298.25,LENGTHUNIT["metre",1]]],)"
+                            R"(PRIMEM["Greenwich",0,ANGLEUNIT["degree",0.0174532925199433]],)";
+  const std::string axes = R"(AXIS["X",geocentricX],AXIS["Y",geocentricY],AXIS["Z",geocentricZ])";
+  for (const char* unit : {"LENGTHUNIT", "UNIT"}) {
+    const std::string text =
+        R"(GEODCRS["WGS 84",)" + datum + "CS[Cartesian,3]," + axes + "," + unit + R"(["metre",1]])";
+    EXPECT_FALSE(UnitOfText(text).IsKnown()) << text;
+  }
+  EXPECT_EQ(UnitOfText(R"(GEODCRS["WGS 84",)" + datum +
+                       R"(CS[ellipsoidal,3],AXIS["h",up,LENGTHUNIT["metre",1]],)"
+                       R"(AXIS["lat",north,ANGLEUNIT["degree",0.0174532925199433]]])")
                 .symbol,
             "°");
 }

@@ -6,8 +6,8 @@
 
 namespace rasterkit::tool {
 
-/// What a recipe says about writing a picture as these options do; without the type. Strips that it
-/// has no word for are left out: `metadata` is then Keep::all.
+/// What a recipe says about writing a picture as these options do; without the type. It has no
+/// words for some strips: `metadata` is then Keep::all.
 RecipeSave RecipeSaveOf(const PictureOptions& options);
 
 /// Adds what a recipe says about writing to options that do not say it themselves. The strips of

@@ -19,18 +19,11 @@ struct SizeOptions {
   bool asksUser = false;
 };
 
-/// The size as typed; that of the picture if there is none.
-RecipeResize ResizeOf(const SizeOptions& options, const Picture& picture) {
-  if (const auto typed = ParseResize(options.size)) return *typed;
-  RecipeResize own;
-  own.width = picture.Width();
-  own.height = picture.Height();
-  return own;
-}
-
 Filter FilterFor(const SizeOptions& options, PictureWork& work, const RecipeResize& resize) {
   if (!options.smooth || !work.options.filter.empty()) return FilterOf(work.options.filter);
   work.notes.emplace_back("--smooth is an old name of --filter area and --filter linear");
+  // A window begins with the size of the picture.
+  if (resize.width == 0 && resize.height == 0) return Filter::automatic;
   const ResizeStep size = PixelsOf(resize, work.picture);
   const bool shrinks = size.width < work.picture.Width() || size.height < work.picture.Height();
   return shrinks ? Filter::area : Filter::linear;
@@ -41,8 +34,9 @@ PictureChange Prepare(const SizeOptions& options) {
     throw Failure(exitWrongUsage, "resize needs --size WxH or --dialog");
   }
   const auto desktop = options.asksUser ? std::make_shared<Desktop>() : nullptr;
-  return [options, desktop](PictureWork& work) {
-    RecipeResize resize = ResizeOf(options, work.picture);
+  const RecipeResize typed = ParseResize(options.size).value_or(RecipeResize());
+  return [options, typed, desktop](PictureWork& work) {
+    RecipeResize resize = typed;
     resize.options.filter = FilterFor(options, work, resize);
     if (desktop) resize = desktop->ChooseSize(work.picture, resize, work.job.input);
     work.Add(resize);

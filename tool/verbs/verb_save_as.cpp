@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <fmt/core.h>
@@ -42,13 +43,6 @@ std::string SuggestedName(const std::string& file, PictureType type) {
   return ChangeFileExt(file, "." + std::string(codec->extensions.front()));
 }
 
-RecipeResize AskForSize(const Desktop& desktop, const Picture& picture, const std::string& file) {
-  RecipeResize own;
-  own.width = picture.Width();
-  own.height = picture.Height();
-  return desktop.ChooseSize(picture, own, file);
-}
-
 int Run(const SaveAsOptions& options) {
   const std::string file = std::filesystem::absolute(ToPath(options.file)).string();
   Picture picture = OpenPicture(file);
@@ -57,7 +51,7 @@ int Run(const SaveAsOptions& options) {
   const Desktop desktop;
   std::optional<RecipeResize> size;
   if (options.asksForPixels) {
-    size = AskForSize(desktop, picture, file);
+    size = desktop.ChooseSize(picture, {}, file);
     DoWork({file, file}, [&] { ApplyRecipeStep(picture, *size); });
   }
   SavingStart start;

@@ -197,6 +197,8 @@ bool BmpCutModel::UndoCutRect() {
 }
 
 bool BmpCutModel::RedoCutRect() {
+  // Without anything to redo a drag goes on.
+  if (!CanRedo()) return false;
   StopDrag();
   const std::optional<CutHistory::Cut> next = history_.TakeUndone(CurrentCut());
   if (!next) return false;

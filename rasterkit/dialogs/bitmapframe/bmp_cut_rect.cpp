@@ -12,6 +12,7 @@
 #include <rasterkit/dialogs/bitmapframe/bmp_cut_rect.h>
 #include <rasterkit/dialogs/bitmapframe/cut_outline.h>
 #include <rasterkit/qt/bitmap_image.h>
+#include <rasterkit/qt/controls/redo_keys.h>
 #include <rasterkit/qt/qt_color.h>
 #include <rasterkit/qt/qt_text.h>
 #include <rasterkit/strings/format_text.h>
@@ -88,13 +89,6 @@ std::optional<TPoint> ArrowOf(int key) {
 
 }  // namespace
 
-bool IsRedo(const QKeyEvent& event) {
-  const Qt::KeyboardModifiers keys = event.modifiers() & ~Qt::KeypadModifier;
-  return event.matches(QKeySequence::Redo) ||
-         (event.key() == Qt::Key_Y && keys == Qt::ControlModifier) ||
-         (event.key() == Qt::Key_Z && keys == (Qt::ControlModifier | Qt::ShiftModifier));
-}
-
 TBmpCutRect::TBmpCutRect(TPaintBox* paintBox, QLabel* sizeLabel, const CropRules& rules)
     : BmpCutModel(static_cast<CutView&>(*this), rules), fPaintBox(paintBox), fSizeLabel(sizeLabel) {
   refineTimer_.setSingleShot(true);
@@ -156,7 +150,7 @@ void TBmpCutRect::OnKeyDown(TPaintBox&, QKeyEvent& event) {
     handled = ZoomByKey(event.key() == Qt::Key_Plus);
   } else if (event.matches(QKeySequence::Undo)) {
     handled = UndoCutRect();
-  } else if (IsRedo(event)) {
+  } else if (Rules().keepsUndone && IsRedo(event)) {
     handled = RedoCutRect();
   }
   event.setAccepted(handled);

@@ -15,9 +15,6 @@ class QWheelEvent;
 
 namespace rasterkit {
 
-/// Whether a key redoes: Ctrl+Y and Ctrl+Shift+Z, of which each desktop has one alone.
-bool IsRedo(const QKeyEvent& event);
-
 /// The crop tool: turns a paint box and a size label into a viewer for one bitmap with a cut
 /// rectangle. The base class defines what is shown and what happens; this class paints it and
 /// forwards the mouse.

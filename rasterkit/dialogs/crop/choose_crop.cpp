@@ -11,6 +11,15 @@ TRect RectOf(const CropStep& step) {
   return {step.left, step.top, step.left + step.width, step.top + step.height};
 }
 
+/// The pixels to start with; nothing for the whole picture, also if a rectangle that may be clipped
+/// lies beside it.
+std::optional<TRect> StartOf(const std::optional<RecipeCrop>& start, const Picture& picture) {
+  if (!start) return std::nullopt;
+  if (start->outside != Outside::clip) return RectOf(PixelsOf(*start, picture));
+  const std::optional<CropStep> inside = PixelsInside(*start, picture);
+  return inside ? std::optional(RectOf(*inside)) : std::nullopt;
+}
+
 /// Whether the answer leads to the pixels that the window shows.
 bool Keeps(const RecipeCrop& answer, const Picture& picture, const TRect& shown) {
   try {
@@ -27,8 +36,7 @@ bool Keeps(const RecipeCrop& answer, const Picture& picture, const TRect& shown)
 std::optional<RecipeCrop> ChooseCrop(TBitmap& pixels, const Picture& picture,
                                      const ChooseCropOptions& options, QWidget* parent) {
   const TModalCall call;
-  std::optional<TRect> start;
-  if (options.start) start = RectOf(PixelsOf(*options.start, picture));
+  const std::optional<TRect> start = StartOf(options.start, picture);
   TFormChooseCrop form(pixels, CropFactsOf(pixels, picture, options.mapUnit), options, start,
                        ReadCropSettings(), parent);
   if (form.ShowModal() != mrOk) return std::nullopt;

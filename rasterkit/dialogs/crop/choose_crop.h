@@ -16,7 +16,8 @@ namespace rasterkit {
 
 /// What the crop window shows and how it starts.
 struct ChooseCropOptions {
-  /// The rectangle at the start; nothing: the whole picture.
+  /// The rectangle at the start; nothing: the whole picture, as for one that may be clipped and has
+  /// no part inside the picture.
   std::optional<RecipeCrop> start;
   /// Unit at the start, if it is another one than pixels; else the one that was used last. Pixels
   /// where the picture does not know it.
@@ -35,7 +36,8 @@ struct ChooseCropOptions {
 /// the rectangle that was shown (PixelsOf gives its pixels): in the unit in which its numbers were
 /// typed, else in the one that the user chose in the window, else in pixels; `options.start` as it
 /// is if nothing was changed; the whole picture if there is no rectangle. Nothing if the user
-/// canceled. Unit, ratio and guides are remembered in the host's settings. Throws RangeError if
+/// canceled. Ratio, guides and a unit that the user chose
+/// are remembered in the host's settings. Throws RangeError if
 /// `options.start` does not fit the picture, Error if no window can be shown.
 RASTERKIT_EXPORT std::optional<RecipeCrop> ChooseCrop(TBitmap& pixels, const Picture& picture,
                                                       const ChooseCropOptions& options = {},

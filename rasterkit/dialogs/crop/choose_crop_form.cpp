@@ -229,9 +229,9 @@ void TFormChooseCrop::TakeRatio() {
 
 CropSettings TFormChooseCrop::Settings() const {
   CropSettings settings = settings_;
-  // A picture that does not know the remembered unit or ratio does not end them.
-  const bool hasUnit = showsUnits_ && (KnowsUnit(model_->Facts(), settings_.unit) ||
-                                       model_->Unit() != LengthUnit::pixels);
+  // Neither a caller's unit nor a picture that does not know the remembered one ends it.
+  const bool hasUnit = showsUnits_ && model_->IsUnitChosen();
+  // The same for a ratio that the picture does not know.
   const bool hasRatio = showsRatios_ && (KnowsRatio(model_->Facts(), settings_.ratio.kind) ||
                                          model_->Ratio().kind != RatioKind::any);
   if (hasUnit) settings.unit = model_->Unit();

@@ -105,6 +105,7 @@ TRect CropWindowModel::Moved(UnitPlace corner) const {
 void CropWindowModel::TakeTyped(const TRect& rect) {
   tool_->SetBmpCutRect(RDRect(rect));
   stated_ = Stated{rect, CropIn(facts_, unit_, rect)};
+  stated_->crop.outside = outside_;
 }
 
 void CropWindowModel::Type(CropField field, double value) {

@@ -36,6 +36,8 @@ class CropWindowModel {
   void StartUnit(LengthUnit unit);
   /// The user chose a unit; ignored if the picture does not know it.
   void ChooseUnit(LengthUnit unit);
+  /// Whether the user chose the unit, and not the caller or a window before.
+  bool IsUnitChosen() const { return isUnitChosen_; }
   /// Whether the user may say what the unit of the map is: nothing states it.
   bool MayChooseMapUnit() const { return mayChooseMapUnit_; }
   void ChooseMapUnit(const MapUnit& unit);

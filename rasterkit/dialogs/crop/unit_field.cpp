@@ -1,8 +1,8 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
-#include <rasterkit/dialogs/bitmapframe/bmp_cut_rect.h>
 #include <rasterkit/dialogs/crop/unit_field.h>
+#include <rasterkit/qt/controls/redo_keys.h>
 
 namespace rasterkit {
 

@@ -156,8 +156,10 @@ SizeFault ChangeSizeModel::Fault() const {
       return side >= rules_.leastSide && side <= rules_.greatestSide;
     };
     if (!fits(RoundedWidth()) || !fits(RoundedHeight())) return SizeFault::outOfRange;
-    if (BytesOf && BytesOf(RoundedWidth(), RoundedHeight()) > PictureMemoryLimit()) {
-      return SizeFault::beyondMemory;
+    if (BytesOf) {
+      const std::optional<uint64_t> need = BytesOf(RoundedWidth(), RoundedHeight());
+      if (!need) return SizeFault::tooLarge;
+      if (*need > PictureMemoryLimit()) return SizeFault::beyondMemory;
     }
   }
   if (!rules_.needsChange) return SizeFault::none;

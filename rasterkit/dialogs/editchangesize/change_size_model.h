@@ -13,7 +13,7 @@
 namespace rasterkit {
 
 /// Why a size cannot be confirmed.
-enum class SizeFault { none, outOfRange, needsResolution, beyondMemory, unchanged };
+enum class SizeFault { none, outOfRange, needsResolution, tooLarge, beyondMemory, unchanged };
 
 /// The state and the rules of the change-size dialog, without a window. Numbers are in pixels
 /// unless another unit is set.
@@ -33,8 +33,9 @@ class ChangeSizeModel {
   std::function<void(Field field, double value)> OnField;
   /// Called if everything must be shown anew: after another unit or resolution, Undo and Redo.
   std::function<void()> OnState;
-  /// Returns the memory of a result in bytes; may be empty.
-  std::function<uint64_t(int32_t width, int32_t height)> BytesOf;
+  /// Returns the memory of a result in bytes, or nothing if a picture cannot have that size; may be
+  /// empty. It must not throw.
+  std::function<std::optional<uint64_t>(int32_t width, int32_t height)> BytesOf;
 
   /// The user (or the form, by setting a field) set a field to `value`. The other field follows
   /// while the box is checked, always by the starting sizes, so that rounding errors do not add up.
@@ -51,6 +52,9 @@ class ChangeSizeModel {
   /// proportion has at least one pixel where the rules have such a limit.
   int32_t RoundedWidth() const;
   int32_t RoundedHeight() const;
+
+  /// The size in pixels that the numbers stand for, neither rounded nor limited.
+  double ExactPixels(Field field) const;
 
   /// The field that was edited last.
   Field Lead() const { return now_.lead; }
@@ -97,7 +101,6 @@ class ChangeSizeModel {
   double Start(Field field) const;
   /// The number of the field that is not `lead`, in proportion to it; nothing without one.
   std::optional<double> Following(Field lead, double value) const;
-  double ExactPixels(Field field) const;
   double InUnit(Field field, double pixels) const;
   int32_t Rounded(Field field) const;
   void Change(const State& after);

@@ -1,9 +1,25 @@
 #include <exception>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include <rasterkit/dialogs/editor/edit_journal.h>
+#include <rasterkit/runtime/files/file_name.h>
 
 namespace rasterkit {
+namespace {
+
+/// True if nobody can take up what stands there.
+bool IsWorthless(const JournalFile& journal, const std::optional<std::string>& text) {
+  if (text) return IsDamagedJournalNote(*text);
+  std::error_code error;
+  const uintmax_t bytes = std::filesystem::file_size(ToPath(journal.FileName()), error);
+  if (error) return error == std::errc::no_such_file_or_directory;
+  // Else it could not be read this time.
+  return bytes == 0 || bytes > kMostJournalBytes;
+}
+
+}  // namespace
 
 std::optional<JournalNote> EditJournal::Find(const std::string& file, int page) {
   LeaveFound();
@@ -14,7 +30,7 @@ std::optional<JournalNote> EditJournal::Find(const std::string& file, int page) 
       const std::optional<std::string> text = journal.Read();
       std::optional<JournalNote> note = text ? ReadJournalNote(*text) : std::nullopt;
       if (!note) {
-        journal.Clear();
+        if (IsWorthless(journal, text)) journal.Clear();
         continue;
       }
       const bool isBetter = !best || (best->page != page && note->page == page);
@@ -40,8 +56,7 @@ void EditJournal::Keep(const JournalNote& note) {
     own_->Write(WriteJournalNote(note));
     DropFound();
   } catch (const std::exception&) {
-    // A note that is older than the picture would be taken up as if it were not.
-    if (own_) own_->Clear();
+    // The note before stays: it leads from the same file to most of the work.
   }
 }
 

@@ -15,14 +15,16 @@ class EditJournal {
   explicit EditJournal(std::string folder) : folder_(std::move(folder)) {}
 
   /// Takes the newest journal of this file that an ended process left; `page` is preferred where
-  /// there are several. Removes damaged ones. The journal stays until Keep or Forget.
+  /// there are several. Removes damaged ones; those of other versions stay. The journal stays until
+  /// Keep or Forget.
   std::optional<JournalNote> Find(const std::string& file, int page);
   /// Leaves what was found for another time.
   void LeaveFound() { found_.reset(); }
   /// Removes what was found.
   void DropFound();
 
-  /// Writes the note in place of the one before, and then removes what was found.
+  /// Writes the note in place of the one before, and then removes what was found. Both stay if it
+  /// cannot be written.
   void Keep(const JournalNote& note);
   /// Nothing is left to be taken up.
   void Forget();

@@ -26,7 +26,7 @@ struct EditPictureOptions {
   bool showsPages = true;
   /// Name, type and settings of saving can be changed.
   bool showsSave = true;
-  /// The desktop's own dialogs ask for files.
+  /// Files are chosen in the desktop's own dialogs.
   bool usesDesktopDialogs = true;
   /// The list of steps is kept in the user's state folder while the window is open, so that it can
   /// be offered again after a crash.

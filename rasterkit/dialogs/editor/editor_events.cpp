@@ -22,9 +22,11 @@ void EditorModel::State::Handle(const Action& action) {
   Guard(action);
 }
 
-void EditorModel::State::Start(const std::string& title, Work work, Action done, Action failed) {
+void EditorModel::State::Start(const std::string& title, Work work, Action done, Action failed,
+                               bool isSave) {
   EditorJob job;
   job.title = title;
+  job.isSave = isSave;
   job.work = [work = std::move(work)](std::stop_token cancel,
                                       const std::function<void(double)>& progress) {
     work({std::move(cancel), progress});

@@ -6,7 +6,8 @@
 
 #include <rasterkit/dialogs/editor/editor_model.h>
 #include <rasterkit/dialogs/editor/editor_state.h>
-#include <rasterkit/dialogs/editor/saving_facts.h>
+#include <rasterkit/dialogs/editor/mebibyte_text.h>
+#include <rasterkit/dialogs/saving/result_words.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/strings/format_text.h>
@@ -127,12 +128,17 @@ std::string EditorModel::Facts() const {
 std::string EditorModel::SavingFacts() const {
   if (!HasPicture() || !state_->plan) return "";
   const SavingPlan& plan = *state_->plan;
-  return plan.error.empty() ? SavingText(plan.report) : plan.error;
+  if (!plan.error.empty()) return plan.error;
+  return detail::LosslessWords(Result(), state_->saving, plan.report);
 }
 
-std::vector<std::string> EditorModel::Losses() const {
-  if (!HasPicture() || !state_->plan) return {};
-  return LossTexts(state_->plan->report);
+std::string EditorModel::Losses() const {
+  if (!HasPicture() || !state_->plan || state_->plan->report.losses.empty()) return "";
+  return detail::LossWords(state_->plan->report);
+}
+
+std::string EditorModel::LossDetails() const {
+  return Losses().empty() ? "" : detail::LossDetails(state_->plan->report);
 }
 
 std::string EditorModel::Title() const {
@@ -263,6 +269,14 @@ bool EditorModel::CancelOrClose() {
     return false;
   }
   state_->Handle([this] { state_->Leave([state = state_.get()] { state->Close(); }); });
+  return state_->isClosed;
+}
+
+bool EditorModel::EndSession() {
+  if (state_->isClosed) return true;
+  if (state_->isWorking) return false;
+  // An event may still wait for the answer of a window that was closed.
+  state_->Guard([this] { state_->Leave([state = state_.get()] { state->Close(); }); });
   return state_->isClosed;
 }
 

@@ -62,9 +62,12 @@ class EditorModel {
   std::optional<double> DrawingDpi() const;
   /// "plan.tif: 4000 x 3000 pixels, 24 bits, 300 dpi, 34.3 MiB".
   std::string Facts() const;
-  /// "Lossless: the compressed pixels are moved", or "Compressed again, because ...".
+  /// "Lossless: the compressed pixels are moved", or "Compressed again: ...".
   std::string SavingFacts() const;
-  std::vector<std::string> Losses() const;
+  /// "Lost: opacity, resolution"; empty if nothing is.
+  std::string Losses() const;
+  /// A line for each loss with its reason, in English; empty if nothing is lost.
+  std::string LossDetails() const;
   std::string Title() const;
   /// "Turn left", "Crop to 800 x 600" for each step.
   std::vector<std::string> StepNames() const;
@@ -103,6 +106,9 @@ class EditorModel {
   void Confirm();
   /// Cancels a job, else closes; asks if work would be lost. False if the window stays.
   bool CancelOrClose();
+  /// Closes the window as CancelOrClose does, also while an event waits for a window that was
+  /// closed. False while a job runs, and if the user stays.
+  bool EndSession();
   void Help();
 
  private:

@@ -148,27 +148,30 @@ void EditorModel::State::TellHindrance() {
 /// Everything that belongs to the picture before is gone.
 void EditorModel::State::TakeOpened(Opening& opening, const std::optional<JournalNote>& note) {
   journal.Forget();
-  SetSource(opening.opened.source);
-  if (note && !IsSameSaving(saving, note->recipe.save)) {
-    saving = note->recipe.save;
-    ++savings;
-  }
+  SetSource(opening.opened.source, note);
   TakePicture(std::move(opening.opened));
   if (opening.leftOut == 0) return;
   view.Tell(FormatText(ResourceString(rsJournalCut),
                        std::array{std::to_string(opening.leftOut), opening.error}));
 }
 
-/// What follows from the file alone.
-void EditorModel::State::SetSource(const EditorSource& source) {
+/// What follows from the file and its journal alone.
+void EditorModel::State::SetSource(const EditorSource& source,
+                                   const std::optional<JournalNote>& note) {
   ++sources;
-  saved.reset();
-  savedPlace = 0;
-  isSourceReplaced = false;
   SetTarget(SuggestTarget(source));
   saving = SuggestSaving(source, target);
-  firstSaving = ++savings;
+  held.TakeOpened(++savings);
   pagesFile = source.request.file;
+  if (!note) return;
+  // How it is saved was chosen for this name.
+  const bool isOther = !note->target.empty() && note->target != target.file;
+  if (isOther && !WouldDestroySource(source, note->target)) {
+    target = ChosenTarget(note->target, false);
+  }
+  if (IsSameSaving(saving, note->recipe.save)) return;
+  saving = note->recipe.save;
+  ++savings;
 }
 
 void EditorModel::State::Open(const std::string& file, int page) {
@@ -176,7 +179,7 @@ void EditorModel::State::Open(const std::string& file, int page) {
   EditorSource source = OpenEditorSource(request);
   const std::optional<JournalNote> note = AskJournal(request);
   if (note) source = OpenEditorSource(request);
-  SetSource(source);
+  SetSource(source, note);
   TellHindrance();
   picture.emplace();
   picture->source = source;
@@ -229,7 +232,6 @@ void EditorModel::State::Redraw(double dpi) {
       },
       [this, made, dpi] {
         ++sources;
-        savedPlace = 0;
         TakePicture(std::move(*made));
         WriteResolution(static_cast<int>(dpi));
       });

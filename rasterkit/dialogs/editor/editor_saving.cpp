@@ -2,6 +2,7 @@
 #include <utility>
 
 #include <rasterkit/dialogs/editor/editor_state.h>
+#include <rasterkit/pictures/pending_save.h>
 #include <rasterkit/pictures/recipes/recipe_output.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/atomic_file.h>
@@ -34,12 +35,16 @@ void WriteFile(const Picture& source, const Recipe& recipe, const std::string& f
   Run run;
   run.cancel = how.cancel;
   run.progress = how.progress;
+  std::optional<PendingSave> save;
   try {
-    outcome.report = output.Save(file, options, run);
+    save.emplace(output.Prepare(file, options, run));
+    save->Commit();
+    outcome.report = save->Report();
   } catch (const FileExistsError& error) {
     outcome.inTheWay = error.File();
   } catch (const UnsyncedError& error) {
     outcome.doubt = error.what();
+    if (save) outcome.report = save->Report();
   }
 }
 
@@ -58,16 +63,15 @@ EditedState EditorModel::State::Now() const {
 
 bool EditorModel::State::WouldWriteNew() const {
   if (!HasPicture()) return false;
-  if (saved && *saved == Now()) return false;
-  const bool isSource = target.file == picture->source.request.file && !isSourceReplaced;
-  return !isSource || !picture->steps.IsNothing() || savings != firstSaving;
+  if (const std::optional<bool> isHeld = held.DoesTargetHold(Now())) return !*isHeld;
+  const bool isSource = target.file == picture->source.request.file;
+  return !isSource || !held.DoesSourceHold(Now(), picture->steps.IsNothing());
 }
 
 bool EditorModel::State::HasUnsavedWork() const {
   if (!HasPicture()) return false;
-  if (saved && *saved == Now()) return false;
-  const bool isSavingKnown = savings == firstSaving || (saved && savings == saved->saving);
-  return isSourceReplaced || !picture->steps.IsNothing() || !isSavingKnown;
+  return !held.DoesTargetHold(Now()).value_or(false) &&
+         !held.DoesSourceHold(Now(), picture->steps.IsNothing());
 }
 
 Recipe EditorModel::State::ToRecipe() const {
@@ -95,10 +99,10 @@ void EditorModel::State::Leave(const Action& next) {
 }
 
 void EditorModel::State::Save(const Action& next, const Action& failed) {
-  if (!target.Hindrance().empty()) {
-    TellHindrance();
+  if (TellRefusal()) {
     if (failed) return failed();
-    return SaveAs(next);
+    if (options.showsSave) SaveAs(next);
+    return;
   }
   const FileFacts current = FactsOfFile(target.file);
   if (const std::optional<EditorQuestion> question = target.QuestionFor(current)) {
@@ -112,6 +116,15 @@ void EditorModel::State::Save(const Action& next, const Action& failed) {
     target.facts = current;
   }
   RunSave(next, failed);
+}
+
+bool EditorModel::State::TellRefusal() {
+  if (WouldDestroySource(picture->source, target.file)) {
+    view.Tell(TextFor(rsNeverOver, target.file));
+    return true;
+  }
+  TellHindrance();
+  return !target.Hindrance().empty();
 }
 
 /// Saving reads the source again, so that the pixels of a large one are not kept beside those that
@@ -146,16 +159,17 @@ void EditorModel::State::RunSave(const Action& next, const Action& failed) {
         if (!outcome->doubt.empty()) view.Tell(outcome->doubt);
         if (next) next();
       },
-      failed);
+      failed, true);
 }
 
 void EditorModel::State::TakeSaved(const Report& report, const Recipe& recipe) {
   const EditorSource& source = picture->source;
   target.facts = FactsOfFile(target.file);
   target.isAgreed = true;
-  saved = Now();
-  savedPlace = picture->steps.Place();
-  if (target.facts.IsSameFile(FactsOfFile(source.request.file))) isSourceReplaced = true;
+  held.TakeSaved(Now());
+  if (target.facts.IsSameFile(FactsOfFile(source.request.file))) {
+    held.TakeSourceReplaced(Now(), picture->steps.Place(), target.facts);
+  }
   const bool keepsPages = source.type == PictureType::tiff && report.type == PictureType::tiff;
   if (source.pages > 1 && keepsPages) pagesFile = target.file;
   written = {target.file, recipe};
@@ -203,21 +217,21 @@ void EditorModel::State::AskSettings() {
 }
 
 void EditorModel::State::NoteWork() {
-  // Steps that were saved are in the file that the next start reads.
-  const size_t first = isSourceReplaced ? savedPlace : 0;
+  // The next start reads the source file, with the steps that it holds.
+  const size_t first = held.PlaceInSource();
   const StepList& steps = picture->steps;
   const bool isReadable = steps.Place() >= first && steps.Steps().size() > first;
   // Else steps that were saved have been undone and replaced by others.
-  const bool isKept = isReadable && (first == 0 || saved->steps == steps.StateAt(first));
+  const bool isKept = isReadable && held.StepsInSource() == steps.StateAt(first);
   if (!HasUnsavedWork() || !isKept) return journal.Forget();
-  const FileFacts facts =
-      isSourceReplaced ? FactsOfFile(picture->source.request.file) : picture->source.facts;
+  const FileFacts& facts = held.SourceFacts(picture->source.facts);
   JournalNote note{picture->source.request.file,
                    facts.bytes,
                    facts.changed,
                    picture->source.request.page,
                    picture->source.dpi.value_or(0),
                    steps.Place() - first,
+                   target.file,
                    {}};
   note.recipe = ToRecipe();
   note.recipe.steps.assign(steps.Steps().begin() + static_cast<ptrdiff_t>(first),

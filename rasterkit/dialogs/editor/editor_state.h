@@ -10,6 +10,7 @@
 #include <rasterkit/dialogs/editor/editor_model.h>
 #include <rasterkit/dialogs/editor/editor_source.h>
 #include <rasterkit/dialogs/editor/editor_target.h>
+#include <rasterkit/dialogs/editor/held_work.h>
 #include <rasterkit/dialogs/editor/shown_pixels.h>
 #include <rasterkit/dialogs/editor/step_list.h>
 
@@ -35,16 +36,6 @@ struct SavingPlan {
   std::string error;
 };
 
-/// What tells whether two states of the editor would be written as the same file.
-struct EditedState {
-  /// Rises with each picture that is opened, and each resolution.
-  uint64_t source = 0;
-  uint64_t steps = 0;
-  /// Rises with each change of how it is saved.
-  uint64_t saving = 0;
-  friend bool operator==(const EditedState&, const EditedState&) = default;
-};
-
 struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   State(EditorView& theView, const EditPictureOptions& theOptions);
 
@@ -63,13 +54,7 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   /// The file whose pages are shown: the one that was opened, or that was written since.
   std::string pagesFile;
   uint64_t sources = 0, savings = 0;
-  /// The number of the saving that was suggested.
-  uint64_t firstSaving = 0;
-  /// What was written last, and the place in the list then.
-  std::optional<EditedState> saved;
-  size_t savedPlace = 0;
-  /// The file that was opened is one that this window has written.
-  bool isSourceReplaced = false;
+  HeldWork held;
   std::optional<EditedPicture> written;
 
   bool isHandling = false, isWorking = false, isClosed = false;
@@ -81,7 +66,8 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   /// The same while a job may run.
   void Guard(const Action& action);
   /// Starts a job; `done` follows on success, `failed` after an error was told or a cancellation.
-  void Start(const std::string& title, Work work, Action done, Action failed = {});
+  void Start(const std::string& title, Work work, Action done, Action failed = {},
+             bool isSave = false);
 
   // Opening: editor_opening.cpp.
 
@@ -95,7 +81,7 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   /// Headers and pixels by a job; the picture before stays until then.
   void OpenByJob(const SourceRequest& request);
   void TakeOpened(Opening& opening, const std::optional<JournalNote>& note);
-  void SetSource(const EditorSource& source);
+  void SetSource(const EditorSource& source, const std::optional<JournalNote>& note);
   void SetTarget(const EditorTarget& suggested);
   void TellHindrance();
   void Redraw(double dpi);
@@ -130,6 +116,8 @@ struct EditorModel::State : std::enable_shared_from_this<EditorModel::State> {
   /// Asks what must be asked, and writes. `failed` runs if nothing was written.
   void Save(const Action& next, const Action& failed = {});
   void ReleaseBase();
+  /// Tells why the target cannot be written; false if it can.
+  bool TellRefusal();
   void RunSave(const Action& next, const Action& failed);
   void TakeSaved(const Report& report, const Recipe& recipe);
   void SaveAs(const Action& next);

@@ -4,7 +4,7 @@
 #include <fmt/core.h>
 
 #include <rasterkit/dialogs/editor/editor_state.h>
-#include <rasterkit/dialogs/editor/saving_facts.h>
+#include <rasterkit/dialogs/editor/mebibyte_text.h>
 #include <rasterkit/dialogs/editor/step_names.h>
 #include <rasterkit/pictures/recipes/apply_recipe.h>
 #include <rasterkit/pictures/recipes/recipe_output.h>

@@ -3,6 +3,7 @@
 #include <rasterkit/codecs/codec_table.h>
 #include <rasterkit/codecs/picture_io.h>
 #include <rasterkit/dialogs/editor/editor_target.h>
+#include <rasterkit/dialogs/saving/writable_kinds.h>
 #include <rasterkit/runtime/errors.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/text.h>
@@ -12,18 +13,15 @@
 namespace rasterkit {
 namespace {
 
-/// Whether a PNG file holds such pixels as they are.
-bool FitsPng(const PixelLayout& layout) {
-  const bool isShade = layout.type == NumberType::uint8 || layout.type == NumberType::uint16;
-  const bool isColor = layout.model == ColorModel::gray || layout.model == ColorModel::rgb ||
-                       layout.model == ColorModel::grayWhiteIsZero ||
-                       layout.model == ColorModel::palette;
-  return isShade && isColor && layout.extraBands == 0;
-}
-
-std::string ExtensionFor(const EditorSource& source) {
-  const bool fits = !source.picture || FitsPng(source.picture->Layout());
-  return fits ? ".png" : ".tif";
+/// The rule of the window of saving. A page that is not drawn yet has 8 bits per color.
+std::string NameForSource(const EditorSource& source) {
+  const std::string& file = source.request.file;
+  const PictureType type =
+      source.picture ? detail::SuggestType(*source.picture, file).type : PictureType::png;
+  const std::string name = detail::NameForType(file, type, {});
+  const std::string free = detail::FreeName(name);
+  // Where all are taken: asked about, and refused if it is the source.
+  return free.empty() ? name : free;
 }
 
 PictureType TypeByName(const std::string& file) {
@@ -51,7 +49,7 @@ std::optional<EditorQuestion> EditorTarget::QuestionFor(const FileFacts& current
 EditorTarget SuggestTarget(const EditorSource& source) {
   const std::string& file = source.request.file;
   if (CanWrite(source.type)) return {file, source.facts, false, ""};
-  const std::string other = ChangeFileExt(file, ExtensionFor(source));
+  const std::string other = NameForSource(source);
   return {
       other, FactsOfFile(other), false,
       FormatText(ResourceString(rsTypeIsNotWritten),
@@ -66,7 +64,8 @@ EditorTarget ChosenTarget(const std::string& file, bool isAgreed) {
 RecipeSave SuggestSaving(const EditorSource& source, const EditorTarget& target) {
   RecipeSave saving;
   const bool isOwnName = target.file == source.request.file;
-  if (isOwnName && TypeByName(target.file) != source.type) saving.type = source.type;
+  const PictureType named = TypeByName(target.file);
+  if (named != source.type) saving.type = isOwnName ? source.type : named;
   return saving;
 }
 

@@ -28,15 +28,16 @@ struct EditorTarget {
   std::optional<EditorQuestion> QuestionFor(const FileFacts& current) const;
 };
 
-/// The source's own name; of a kind that cannot be written the name of a kind that can: "plan.pdf"
-/// gives "plan.png", many bits per sample give ".tif".
+/// The source's own name; of a kind that cannot be written a name that is free, of the kind that
+/// the window of saving suggests: "plan.pdf" gives "plan.png", or "plan-2.png" if that is taken;
+/// more than 8 bits per color and a position give ".tif".
 EditorTarget SuggestTarget(const EditorSource& source);
 
 /// A file that the user chose. `isAgreed`: the user agreed that it is replaced.
 EditorTarget ChosenTarget(const std::string& file, bool isAgreed);
 
-/// How the source is saved if the user chose nothing: with its own type where the extension says
-/// another one.
+/// How the source is saved if the user chose nothing: the type is stated where name and source do
+/// not agree, as the window of the settings states it.
 RecipeSave SuggestSaving(const EditorSource& source, const EditorTarget& target);
 
 /// True if the file is the source, and of a kind that cannot be written.

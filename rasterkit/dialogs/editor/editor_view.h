@@ -18,6 +18,8 @@ namespace rasterkit {
 struct EditorJob {
   /// What the window says meanwhile: "Turning the picture".
   std::string title;
+  /// Whether it writes a file of the user.
+  bool isSave = false;
   /// Throws to fail, CanceledError where `cancel` ends it. `progress` may be called from any
   /// thread, 0 to 1.
   std::function<void(std::stop_token cancel, const std::function<void(double)>& progress)> work;

@@ -10,7 +10,8 @@
 namespace rasterkit {
 namespace {
 
-constexpr char kFirstLine[] = "rasterkit-journal 1";
+constexpr std::string_view kKind = "rasterkit-journal ";
+constexpr std::string_view kFirstLine = "rasterkit-journal 1";
 
 /// A name can hold any byte; a line cannot.
 std::string OnOneLine(const std::string& name) {
@@ -60,6 +61,9 @@ bool Take(const std::map<std::string, std::string>& values, JournalNote& note) {
   const std::optional<std::string> name = NameIn(value("file"));
   if (!name || name->empty()) return false;
   note.file = *name;
+  const std::optional<std::string> target = NameIn(value("target"));
+  if (!target) return false;
+  note.target = *target;
   return ReadNumber(value("bytes"), note.bytes) && ReadNumber(value("changed"), note.changed) &&
          ReadNumber(value("page"), note.page) && ReadNumber(value("dpi"), note.dpi) &&
          ReadNumber(value("place"), note.place);
@@ -71,15 +75,14 @@ bool IsSound(const JournalNote& note) {
          note.place <= note.recipe.steps.size() && !note.recipe.steps.empty();
 }
 
-}  // namespace
-
-std::string WriteJournalNote(const JournalNote& note) {
-  return fmt::format("{}\nfile {}\nbytes {}\nchanged {}\npage {}\ndpi {}\nplace {}\n\n{}",
-                     kFirstLine, OnOneLine(note.file), note.bytes, note.changed, note.page,
-                     note.dpi, note.place, WriteRecipe(note.recipe));
+/// Faults of syntax start with their line; any other fault may be none to another version.
+bool IsSyntax(const Error& error) {
+  return error.Reason().starts_with("line ");
 }
 
-std::optional<JournalNote> ReadJournalNote(const std::string& text) {
+/// `isDamaged` tells why there is no note.
+std::optional<JournalNote> Read(const std::string& text, bool& isDamaged) {
+  isDamaged = true;
   std::map<std::string, std::string> values;
   size_t start = 0;
   for (bool isFirst = true;; isFirst = false) {
@@ -87,7 +90,10 @@ std::optional<JournalNote> ReadJournalNote(const std::string& text) {
     if (end == std::string::npos) return std::nullopt;
     const std::string line = text.substr(start, end - start);
     start = end + 1;
-    if (isFirst && line != kFirstLine) return std::nullopt;
+    if (isFirst && line != kFirstLine) {
+      isDamaged = !line.starts_with(kKind);
+      return std::nullopt;
+    }
     if (line.empty()) break;
     const size_t space = line.find(' ');
     if (space == std::string::npos) return std::nullopt;
@@ -97,11 +103,31 @@ std::optional<JournalNote> ReadJournalNote(const std::string& text) {
   if (!Take(values, note)) return std::nullopt;
   try {
     note.recipe = ReadRecipe(text.substr(start));
-  } catch (const Error&) {
+  } catch (const Error& error) {
+    isDamaged = IsSyntax(error);
     return std::nullopt;
   }
   if (!IsSound(note)) return std::nullopt;
   return note;
+}
+
+}  // namespace
+
+std::string WriteJournalNote(const JournalNote& note) {
+  return fmt::format(
+      "{}\nfile {}\nbytes {}\nchanged {}\npage {}\ndpi {}\nplace {}\ntarget {}\n\n{}", kFirstLine,
+      OnOneLine(note.file), note.bytes, note.changed, note.page, note.dpi, note.place,
+      OnOneLine(note.target), WriteRecipe(note.recipe));
+}
+
+std::optional<JournalNote> ReadJournalNote(const std::string& text) {
+  bool isDamaged = false;
+  return Read(text, isDamaged);
+}
+
+bool IsDamagedJournalNote(const std::string& text) {
+  bool isDamaged = false;
+  return !Read(text, isDamaged) && isDamaged;
 }
 
 }  // namespace rasterkit

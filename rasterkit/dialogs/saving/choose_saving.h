@@ -25,7 +25,7 @@ struct SavingStart {
   /// Full name that is suggested.
   std::string file;
   RecipeSave save;
-  /// The desktop's own dialog asks for the name; otherwise the window has places and a preview.
+  /// The name is chosen in the desktop's own dialog; otherwise the window has places and a preview.
   bool usesDesktopDialog = true;
 };
 
@@ -42,8 +42,8 @@ RASTERKIT_EXPORT std::optional<RecipeSave> ChooseSaveSettings(const Picture& pic
                                                               const SavingChoice& start,
                                                               QWidget* parent = nullptr);
 
-/// Asks for a file to open: every kind that the library reads, PDF files and metafiles too. Empty
-/// if the user canceled.
+/// Lets the user choose a file to open: every kind that the library reads, PDF files and metafiles
+/// too. Empty if the user canceled.
 RASTERKIT_EXPORT std::string ChooseFileToOpen(const std::string& folder,
                                               bool usesDesktopDialog = true,
                                               QWidget* parent = nullptr);

@@ -15,14 +15,14 @@ namespace rasterkit::detail {
 /// Whether the desktop has file dialogs of its own that Qt can show.
 bool HasDesktopDialogs();
 
-/// Asks for a name to save under, beginning with `file`. The dialog asks before an existing file is
-/// chosen. Nothing if the user canceled.
+/// Lets the user choose a name to save under, beginning with `file`. The dialog asks before an
+/// existing file is chosen. Nothing if the user canceled.
 std::optional<ChosenName> AskSaveName(const std::string& file, PictureType type, QWidget* parent);
 
-/// Asks for an existing picture of any kind; empty if the user canceled.
+/// Lets the user choose an existing picture of any kind; empty if the user canceled.
 std::string AskNameToOpen(const std::string& folder, QWidget* parent);
 
-/// The functions that the windows use. A test puts others in their place.
+/// The functions that the windows use. A test sets others instead.
 struct DesktopFileDialogs {
   std::function<bool()> areThere = HasDesktopDialogs;
   std::function<std::optional<ChosenName>(const std::string&, PictureType, QWidget*)> askToSave =

@@ -48,7 +48,7 @@ void SavingModel::TakeStart(const SavingStart& start, const std::optional<Chosen
   const bool isStated = save_.type && IsWritable(*save_.type);
   const bool isNamed = IsWritable(TypeOfName(file));
   type_ = suggestion_.type;
-  // A name from a dialog says what its user wants.
+  // A name from a dialog says what its user chose.
   if (isStated && !(isNamed && scope_ != SavingScope::settings)) type_ = *save_.type;
   if (isStated) suggestion_.reason = detail::SuggestionReason::asIs;
   // The other dialog could not say why its name has another ending than the picture.
@@ -60,7 +60,7 @@ void SavingModel::TakeStart(const SavingStart& start, const std::optional<Chosen
   if (scope_ == SavingScope::settings || name_.empty()) return;
   const bool isOther = TypeOfName(name_) != PictureType::unknown && TypeOfName(name_) != type_;
   if (!isOther || name) return;
-  // Nobody has named this file: it takes the place of no other one.
+  // The user has not named this file: it takes the place of no other one.
   const std::string free =
       detail::FreeName(FullName(detail::NameForType(name_, type_, endings_), folder_));
   hasNoFreeName_ = free.empty();

@@ -17,6 +17,7 @@ StoppableTask::~StoppableTask() {
 void StoppableTask::Start(SavingView::Job job) {
   Stop();
   job_ = std::move(job);
+  limits_ = CurrentLimits();
   timer_.start();
 }
 
@@ -29,7 +30,9 @@ void StoppableTask::Stop() {
 
 void StoppableTask::Run() {
   stop_ = std::stop_source();
-  const auto work = [job = std::move(job_), stop = stop_.get_token()](const std::atomic<bool>&) {
+  const auto work = [job = std::move(job_), stop = stop_.get_token(),
+                     limits = limits_](const std::atomic<bool>&) {
+    const LimitsScope scope(limits);
     return job(stop);
   };
   job_ = {};

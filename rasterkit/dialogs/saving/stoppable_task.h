@@ -6,6 +6,7 @@
 
 #include <rasterkit/dialogs/saving/saving_view.h>
 #include <rasterkit/qt/latest_task.h>
+#include <rasterkit/runtime/limits.h>
 
 /// Background work of the windows of saving. Internal to this folder.
 namespace rasterkit::detail {
@@ -18,6 +19,7 @@ class StoppableTask {
   explicit StoppableTask(int rest);
   ~StoppableTask();
 
+  /// The job works under the limits of the calling thread.
   void Start(SavingView::Job job);
   void Stop();
 
@@ -26,6 +28,7 @@ class StoppableTask {
 
   QTimer timer_;
   SavingView::Job job_;
+  Limits limits_;
   std::stop_source stop_;
   LatestTask task_;
 };

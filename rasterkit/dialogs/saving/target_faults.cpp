@@ -1,12 +1,11 @@
-#include <QFileInfo>
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
 #include <rasterkit/dialogs/saving/target_faults.h>
-#include <rasterkit/dialogs/saving/writable_kinds.h>
-#include <rasterkit/qt/qt_text.h>
+#include <rasterkit/runtime/errors.h>
+#include <rasterkit/runtime/files/file_facts.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/strings/format_text.h>
 #include <rasterkit/strings/strings.h>
@@ -18,6 +17,8 @@ namespace fs = std::filesystem;
 
 /// The limit of nearly every file system, in bytes.
 constexpr size_t kLongestName = 255;
+/// A name that is tried and never written.
+constexpr char kNoFile[] = ".rasterkit-new-file";
 
 std::string Said(std::string_view key, const std::string& name) {
   const std::string shown = ShortenedName(name);
@@ -33,6 +34,16 @@ bool IsUnfit(char character) {
 size_t CharacterStart(const std::string& text, size_t position) {
   while (position > 0 && (static_cast<unsigned char>(text[position]) & 0xc0) == 0x80) --position;
   return position;
+}
+
+/// Whether a save under this name would be taken.
+bool IsSavable(const std::string& file) {
+  try {
+    RequireSavable(file);
+    return true;
+  } catch (const Error&) {
+    return false;
+  }
 }
 
 /// Where a link leads, if anywhere.
@@ -72,7 +83,7 @@ bool IsExistingFolder(const std::string& name) {
 
 bool IsExisting(const std::string& file) {
   std::error_code error;
-  return fs::symlink_status(ToPath(file), error).type() != fs::file_type::not_found && !error;
+  return fs::symlink_status(ToPath(file), error).type() != fs::file_type::not_found;
 }
 
 std::string FaultOfTarget(const std::string& file) {
@@ -85,16 +96,12 @@ std::string FaultOfTarget(const std::string& file) {
   if (!IsExistingFolder(folder)) return Said(rsNoSuchFolder, folder);
   if (IsExistingFolder(file)) return Said(rsFileIsFolder, name);
   const fs::path target = Followed(ToPath(file));
-  std::error_code error;
-  const bool isStraight = fs::exists(target, error) && !fs::is_regular_file(target, error);
-  if (isStraight) {
-    const bool isWritable = QFileInfo(ToQt(target.string())).isWritable();
-    return isWritable ? std::string() : Said(rsSavingFaultTarget, file);
-  }
   const std::string place = target.parent_path().string();
   if (!IsExistingFolder(place)) return Said(rsNoSuchFolder, place);
-  // A new file takes the place of an old one: the rights of the folder count.
-  return QFileInfo(ToQt(place)).isWritable() ? std::string() : Said(rsSavingFaultReadOnly, place);
+  if (IsSavable(file)) return {};
+  // Where the folder takes other files, the file itself is protected.
+  const bool isFolder = !IsSavable((target.parent_path() / kNoFile).string());
+  return isFolder ? Said(rsSavingFaultReadOnly, place) : Said(rsSavingFaultTarget, file);
 }
 
 std::string ShortenedName(const std::string& name) {

@@ -17,7 +17,7 @@ std::string NameIn(const std::string& file);
 
 bool IsExistingFolder(const std::string& name);
 
-/// Whether something has this name, also a link that leads nowhere.
+/// Whether something has this name, also a link that leads nowhere; true if that cannot be told.
 bool IsExisting(const std::string& file);
 
 /// Says in the user's language why a file of this full name cannot be written; empty if it can, as

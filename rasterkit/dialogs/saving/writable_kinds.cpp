@@ -1,10 +1,9 @@
 #include <algorithm>
 #include <array>
-#include <filesystem>
 
 #include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/dialogs/saving/target_faults.h>
 #include <rasterkit/dialogs/saving/writable_kinds.h>
-#include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/text.h>
 #include <rasterkit/strings/format_text.h>
 #include <rasterkit/strings/strings.h>
@@ -13,12 +12,6 @@ namespace rasterkit::detail {
 namespace {
 
 constexpr int kMostTries = 999;
-
-bool IsTaken(const std::string& file) {
-  std::error_code error;
-  return std::filesystem::symlink_status(ToPath(file), error).type() !=
-         std::filesystem::file_type::not_found;
-}
 
 std::string WithoutSpaces(std::string text) {
   text.erase(std::min(text.find_last_not_of(' ') + 1, text.size()));
@@ -143,12 +136,12 @@ SuggestedType SuggestType(const Picture& picture, const std::string& file) {
 }
 
 std::string FreeName(const std::string& file) {
-  if (!IsTaken(file)) return file;
+  if (!IsExisting(file)) return file;
   const std::string ending = EndingOf(file);
   const std::string stem = file.substr(0, ending.empty() ? file.size() : file.find_last_of('.'));
   for (int number = 2; number <= kMostTries; ++number) {
     std::string name = stem + "-" + std::to_string(number) + ending;
-    if (!IsTaken(name)) return name;
+    if (!IsExisting(name)) return name;
   }
   return {};
 }

@@ -7,8 +7,8 @@
 #include <rasterkit/codecs/picture_type.h>
 #include <rasterkit/pictures/picture.h>
 
-/// Kinds of files that a picture can be saved as, and the endings of their names. Internal to this
-/// folder.
+/// Kinds of files that a picture can be saved as, and the endings of their names. Internal to the
+/// dialogs.
 namespace rasterkit::detail {
 
 bool IsWritable(PictureType type);

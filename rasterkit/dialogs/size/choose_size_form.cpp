@@ -7,6 +7,8 @@
 #include <rasterkit/dialogs/size/choose_size_form.h>
 #include <rasterkit/dialogs/size/size_facts.h>
 #include <rasterkit/qt/controls/edits.h>
+#include <rasterkit/qt/controls/redo_keys.h>
+#include <rasterkit/qt/guarded.h>
 #include <rasterkit/qt/look/icons.h>
 #include <rasterkit/qt/qt_text.h>
 
@@ -24,12 +26,6 @@ constexpr Filter kFilters[] = {Filter::automatic, Filter::nearest, Filter::linea
 template <typename List, typename Value>
 int PlaceIn(const List& list, const Value& value) {
   return static_cast<int>(std::find(std::begin(list), std::end(list), value) - std::begin(list));
-}
-
-bool IsRedo(const QKeyEvent& event) {
-  return event.matches(QKeySequence::Redo) ||
-         event.keyCombination() == QKeyCombination(Qt::CTRL, Qt::Key_Y) ||
-         event.keyCombination() == QKeyCombination(Qt::CTRL | Qt::SHIFT, Qt::Key_Z);
 }
 
 bool IsUndoOrRedo(const QKeyEvent& event) {
@@ -82,32 +78,38 @@ void TFormChooseSize::ConnectControls() {
   const auto number = [this](TFloatEdit* edit, Field field) {
     connect(edit, &TFloatEdit::valueChanged, this, [this, field](double value) {
       if (isShowing_) return;
-      model_.FlEdChange(field, value);
-      ShowResult();
+      Application.Guard([&] {
+        model_.FlEdChange(field, value);
+        ShowResult();
+      });
     });
     connect(edit, &TFloatEdit::editingFinished, this, [this] { model_.EndTyping(); });
   };
   number(ui_->FlEdWidth, Field::width);
   number(ui_->FlEdHeight, Field::height);
   connect(ui_->FlEdDpi, &TFloatEdit::valueChanged, this, [this](double value) {
-    if (!isShowing_) model_.SetDpi(value);
+    if (!isShowing_) Application.Guard([&] { model_.SetDpi(value); });
   });
   connect(ui_->FlEdDpi, &TFloatEdit::editingFinished, this, [this] { model_.EndTyping(); });
   connect(ui_->UnitBox, &QComboBox::currentIndexChanged, this, [this](int place) {
-    if (!isShowing_) model_.SetUnit(kUnits[place]);
+    if (!isShowing_) Application.Guard([&] { model_.SetUnit(kUnits[place]); });
   });
   connect(ui_->FilterBox, &QComboBox::currentIndexChanged, this, [this](int place) {
     if (isShowing_) return;
-    model_.SetFilter(kFilters[place]);
-    ShowResult();
+    Application.Guard([&] {
+      model_.SetFilter(kFilters[place]);
+      ShowResult();
+    });
   });
   connect(ui_->CheckKeep, &QCheckBox::toggled, this, [this](bool checked) {
     if (isShowing_) return;
-    model_.SetProportional(checked);
-    ShowResult();
+    Application.Guard([&] {
+      model_.SetProportional(checked);
+      ShowResult();
+    });
   });
-  connect(ui_->ButtonUndo, &QPushButton::clicked, this, [this] { model_.Undo(); });
-  connect(ui_->ButtonRedo, &QPushButton::clicked, this, [this] { model_.Redo(); });
+  connect(ui_->ButtonUndo, &QPushButton::clicked, this, Guarded([this] { model_.Undo(); }));
+  connect(ui_->ButtonRedo, &QPushButton::clicked, this, Guarded([this] { model_.Redo(); }));
   connect(ui_->ButtonOK, &QPushButton::clicked, this, &QDialog::accept);
   connect(ui_->ButtonExit, &QPushButton::clicked, this, &QDialog::reject);
 }
@@ -167,8 +169,7 @@ bool TFormChooseSize::eventFilter(QObject* watched, QEvent* event) {
 void TFormChooseSize::keyPressEvent(QKeyEvent* event) {
   if (!IsUndoOrRedo(*event)) return TScaledForm::keyPressEvent(event);
   event->accept();
-  if (IsRedo(*event)) return model_.Redo();
-  model_.Undo();
+  Application.Guard([&] { IsRedo(*event) ? model_.Redo() : model_.Undo(); });
 }
 
 }  // namespace rasterkit

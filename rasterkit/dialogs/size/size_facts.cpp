@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <string_view>
 #include <vector>
 
@@ -64,13 +63,14 @@ uint64_t BytesOf(const Picture& picture) {
 
 }  // namespace
 
-uint64_t BytesAtSize(const Picture& picture, int32_t width, int32_t height, Filter filter) {
+std::optional<uint64_t> BytesAtSize(const Picture& picture, int32_t width, int32_t height,
+                                    Filter filter) {
   try {
     Picture result = picture;
     result.Resize(width, height, {filter});
     return BytesOf(result);
   } catch (const Error&) {
-    return std::numeric_limits<uint64_t>::max();
+    return std::nullopt;
   }
 }
 
@@ -91,19 +91,28 @@ std::string SizeResultText(const ChangeSizeModel& model, const Picture& picture)
 
 std::string SizeFaultText(const ChangeSizeModel& model) {
   const auto whole = [](double number) { return std::to_string(Round(number)); };
+  // The numbers of the model end where 32 bits do.
+  const auto side = [&](ChangeSizeModel::Field field, int32_t rounded) {
+    constexpr double kMost = 1e18;
+    if (rounded < ChangeSizeModel::kGreatest) return whole(rounded);
+    return whole(std::min(model.ExactPixels(field), kMost));
+  };
+  const std::string width = side(ChangeSizeModel::Field::width, model.RoundedWidth());
+  const std::string height = side(ChangeSizeModel::Field::height, model.RoundedHeight());
   switch (model.Fault()) {
     case SizeFault::none:
       return "";
     case SizeFault::outOfRange:
-      return Filled(rsSizeOutOfRange,
-                    {whole(model.Rules().leastSide), whole(model.Rules().greatestSide),
-                     whole(model.RoundedWidth()), whole(model.RoundedHeight())});
+      return Filled(rsSizeOutOfRange, {whole(model.Rules().leastSide),
+                                       whole(model.Rules().greatestSide), width, height});
     case SizeFault::needsResolution:
       return Filled(rsSizeNeedsResolution,
                     {whole(ChangeSizeModel::kLeastDpi), whole(ChangeSizeModel::kGreatestDpi)});
+    case SizeFault::tooLarge:
+      return Filled(rsSizeTooLarge, {width, height});
     case SizeFault::beyondMemory: {
       const MemoryText need =
-          MemoryTextOf(model.BytesOf(model.RoundedWidth(), model.RoundedHeight()));
+          MemoryTextOf(model.BytesOf(model.RoundedWidth(), model.RoundedHeight()).value_or(0));
       const MemoryText limit = MemoryTextOf(PictureMemoryLimit());
       return Filled(rsSizeBeyondMemory, {need.number, need.unit, limit.number, limit.unit});
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include <rasterkit/dialogs/editchangesize/change_size_model.h>
@@ -10,8 +11,9 @@
 /// pixel.
 namespace rasterkit {
 
-/// Bytes of the pixels of the picture at another size; the greatest number if it cannot have it.
-uint64_t BytesAtSize(const Picture& picture, int32_t width, int32_t height, Filter filter);
+/// Bytes of the pixels of the picture at another size; nothing if it cannot have it.
+std::optional<uint64_t> BytesAtSize(const Picture& picture, int32_t width, int32_t height,
+                                    Filter filter);
 
 /// "4000 x 3000 pixels, 34.3 MiB, 300 dpi".
 std::string SizeFactsText(const Picture& picture);

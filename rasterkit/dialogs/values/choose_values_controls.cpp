@@ -219,6 +219,7 @@ void TFormChooseValues::AddRow(QGridLayout& grid, ValueControl control) {
   connect(row.slider, &QSlider::valueChanged, this, change);
   connect(row.spin, &TSpinEditInt::valueChanged, this, change);
   connect(row.slider, &QSlider::sliderReleased, this, [this] { session_.EndChange(); });
+  connect(row.spin, &TSpinEditInt::editingFinished, this, [this] { session_.EndChange(); });
   connect(row.reset, &QToolButton::clicked, this, [this, control] { session_.Reset(control); });
   rows_[control] = row;
 }

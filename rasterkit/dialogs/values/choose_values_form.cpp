@@ -9,6 +9,7 @@
 #include <QShortcut>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -20,6 +21,7 @@
 #include <rasterkit/dialogs/values/zero_slider.h>
 #include <rasterkit/qt/controls/edits.h>
 #include <rasterkit/qt/controls/navigator.h>
+#include <rasterkit/qt/controls/redo_keys.h>
 #include <rasterkit/qt/guarded.h>
 #include <rasterkit/qt/host/documentation.h>
 #include <rasterkit/runtime/ports.h>
@@ -28,6 +30,13 @@ namespace rasterkit {
 namespace {
 
 constexpr int kHelpOfValues = 530300, kHelpOfThreshold = 530301;
+
+/// Whether a key moves a track bar or a number.
+bool IsStep(int key) {
+  constexpr Qt::Key kSteps[] = {Qt::Key_Left,   Qt::Key_Right,    Qt::Key_Up,   Qt::Key_Down,
+                                Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
+  return std::find(std::begin(kSteps), std::end(kSteps), key) != std::end(kSteps);
+}
 
 std::string PercentOf(double zoom, const QLocale& locale) {
   const double percent = zoom * 100;
@@ -109,6 +118,8 @@ bool TFormChooseValues::KeyEvent(QObject* watched, QEvent* event) {
     if (!key.isAutoRepeat()) Compare(isPress);
     return true;
   }
+  // A key that is held is one change.
+  if (!isPress && !key.isAutoRepeat() && IsStep(key.key())) session_.EndChange();
   if (isPress && key.key() == Qt::Key_Delete) {
     for (const auto& [control, row] : rows_) {
       if (watched != row.slider) continue;
@@ -124,8 +135,7 @@ bool TFormChooseValues::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::ShortcutOverride: {
       // A number field must not undo its own typing instead.
       const auto* key = static_cast<QKeyEvent*>(event);
-      const bool isRedo = key->modifiers() == Qt::ControlModifier && key->key() == Qt::Key_Y;
-      if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo) || isRedo) {
+      if (key->matches(QKeySequence::Undo) || IsRedo(*key)) {
         event->ignore();
         return true;
       }

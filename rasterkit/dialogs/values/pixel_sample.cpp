@@ -47,9 +47,9 @@ void PixelSample::TakeSquares(const TBitmap& picture) {
     const int top = static_cast<int>(int64_t{j} * (source.Height() - kSide) / (kSquares - 1));
     for (int i = 0; i < kSquares; ++i) {
       // Each row of squares begins elsewhere, so that upright lines do not fall between them.
-      const int shifted =
-          (i * kSquares + 5 * j % kSquares) * (source.Width() - kSide) / (kSquares * kSquares - 1);
-      const int left = shifted / 8 * 8;
+      const int64_t shifted = int64_t{i * kSquares + 5 * j % kSquares} * (source.Width() - kSide) /
+                              (kSquares * kSquares - 1);
+      const int64_t left = shifted / 8 * 8;
       for (int y = 0; y < kSide; ++y) {
         std::memcpy(sample.Row(j * kSide + y) + static_cast<size_t>(i) * bytes,
                     source.Row(top + y) + static_cast<size_t>(left) * bits / 8, bytes);

@@ -138,7 +138,12 @@ void ValueSession::Set(const ChosenValues& values, std::optional<ValueControl> c
   changing_ = changing;
   if (values == chosen_) return;
   past_.resize(place_ + 1);
-  if (goesOn) {
+  if (goesOn && values == past_[place_ - 1]) {
+    // Back where the change began: there is nothing to undo.
+    past_.pop_back();
+    --place_;
+    changing_.reset();
+  } else if (goesOn) {
     past_.back() = values;
   } else {
     past_.push_back(values);

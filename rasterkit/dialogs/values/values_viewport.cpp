@@ -10,6 +10,9 @@ namespace {
 constexpr std::array kLadder{
     1.0 / 64, 1.0 / 32, 1.0 / 16, 1.0 / 8, 1.0 / 4, 1.0 / 3, 1.0 / 2, 2.0 / 3,
     1.0,      2.0,      3.0,      4.0,     6.0,     8.0,     12.0,    ValuesViewport::kMostZoom};
+/// The longest side of a picture that is enlarged, in pixels of the screen: positions and their
+/// differences fit into 32 bits.
+constexpr double kMostLength = 1 << 30;
 /// Two zooms that differ by less are the same.
 constexpr double kSame = 1e-9;
 
@@ -93,6 +96,15 @@ double ValuesViewport::FittedZoom() const {
   return std::clamp(std::min(across, down), 1e-6, 1.0);
 }
 
+/// The last rung of the ladder at which both sides can be counted; the picture's own size always.
+double ValuesViewport::MostZoom() const {
+  double most = 1;
+  for (const double rung : kLadder) {
+    if (rung * std::max(width_, height_) <= kMostLength) most = std::max(most, rung);
+  }
+  return most;
+}
+
 bool ValuesViewport::CanZoomOut() const {
   return Zoom() > std::min(FittedZoom(), 1.0) + kSame;
 }
@@ -118,7 +130,7 @@ void ValuesViewport::ZoomBy(int steps, TPoint about) {
   for (; steps > 0; --steps) {
     const auto* const next = std::find_if(kLadder.begin(), kLadder.end(),
                                           [&](double rung) { return rung > zoom + kSame; });
-    if (next != kLadder.end()) zoom = *next;
+    if (next != kLadder.end()) zoom = std::min(*next, MostZoom());
   }
   for (; steps < 0; ++steps) {
     double next = fitted;

@@ -29,6 +29,7 @@ class ValuesViewport {
  public:
   /// Pixels between two pictures side by side.
   static constexpr int kGap = 8;
+  /// Less for a picture whose sides would be more pixels of the screen than can be counted.
   static constexpr double kMostZoom = 16;
 
   ValuesViewport(int pictureWidth, int pictureHeight);
@@ -51,7 +52,7 @@ class ValuesViewport {
   /// Pixels of the screen for one of the picture.
   double Zoom() const { return isFitted_ ? FittedZoom() : zoom_; }
   double FittedZoom() const;
-  bool CanZoomIn() const { return Zoom() < kMostZoom; }
+  bool CanZoomIn() const { return Zoom() < MostZoom(); }
   bool CanZoomOut() const;
   void Fit() { isFitted_ = true; }
   /// One pixel of the screen for one of the picture, around the center.
@@ -81,6 +82,7 @@ class ValuesViewport {
   TPoint PixelAt(TPoint point) const;
 
  private:
+  double MostZoom() const;
   int PaneWidth() const;
   TRect PlaceIn(const TRect& pane) const;
   void SetZoom(double zoom);

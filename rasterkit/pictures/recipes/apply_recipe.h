@@ -45,6 +45,12 @@ RASTERKIT_EXPORT SaveOptions SaveOptionsOf(const RecipeSave& save);
 /// The rectangle of pixels that a crop keeps in this picture. Throws RangeError.
 RASTERKIT_EXPORT CropStep PixelsOf(const RecipeCrop& crop, const Picture& picture);
 
+/// The pixels of the part of a rectangle that is inside the picture, whatever `outside` says;
+/// nothing if there is none. Throws RangeError if the rectangle has no area or the picture does not
+/// know its unit.
+RASTERKIT_EXPORT std::optional<CropStep> PixelsInside(const RecipeCrop& crop,
+                                                      const Picture& picture);
+
 /// The size that a resize leads to. Throws RangeError.
 RASTERKIT_EXPORT ResizeStep PixelsOf(const RecipeResize& resize, const Picture& picture);
 

@@ -129,6 +129,17 @@ CropStep PixelsOf(const RecipeCrop& crop, const Picture& picture) {
   });
 }
 
+std::optional<CropStep> PixelsInside(const RecipeCrop& crop, const Picture& picture) {
+  return ForPicture(picture, [&]() -> std::optional<CropStep> {
+    RequireFinite({crop.left, crop.top, crop.right, crop.bottom});
+    const PixelEdges edges = EdgesOf(crop, picture);
+    const auto across = PixelsAlong(edges.across, picture.Width(), Outside::clip);
+    const auto down = PixelsAlong(edges.down, picture.Height(), Outside::clip);
+    if (!across || !down) return std::nullopt;
+    return CropStep{across->first, down->first, across->count, down->count};
+  });
+}
+
 ResizeStep PixelsOf(const RecipeResize& resize, const Picture& picture) {
   return ForPicture(picture, [&] {
     RequireFinite({resize.width, resize.height, resize.dpi});

@@ -11,7 +11,7 @@ namespace rasterkit {
 /// it leads to.
 struct FileFacts {
   bool exists = false;
-  /// The file itself, whatever its name.
+  /// The file itself, under any name.
   uint64_t device = 0, inode = 0;
   uint64_t bytes = 0;
   /// Time of the last change, in nanoseconds since 1970.

@@ -1166,6 +1166,10 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Breite und Höhe müssen %d bis %d Pixel sein. Diese Größe hat %s x %s.</translation>
     </message>
     <message>
+        <source>The limits of this program allow no picture of %s x %s pixels.</source>
+        <translation>Die Grenzen dieses Programms erlauben kein Bild mit %s x %s Pixeln.</translation>
+    </message>
+    <message>
         <source>This size needs %s %s of memory. The limit is %s %s.</source>
         <translation>Diese Größe braucht %s %s Speicher. Die Grenze ist %s %s.</translation>
     </message>
@@ -1594,14 +1598,6 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>Zoom %d %%</translation>
     </message>
     <message>
-        <source>Lost when saved: %s</source>
-        <translation>Geht beim Speichern verloren: %s</translation>
-    </message>
-    <message>
-        <source>and %d more</source>
-        <translation>und %d weitere</translation>
-    </message>
-    <message>
         <source>Cancel the running work</source>
         <translation>Laufende Arbeit abbrechen</translation>
     </message>
@@ -1770,28 +1766,8 @@ Ursprünglicher Fehler: „%s“: %s</translation>
         <translation>%s, Seite %d von %d</translation>
     </message>
     <message>
-        <source>Lossless: the compressed pixels are kept</source>
-        <translation>Verlustfrei: Die komprimierten Pixel bleiben</translation>
-    </message>
-    <message>
         <source>Lossless: the compressed pixels are moved</source>
         <translation>Verlustfrei: Die komprimierten Pixel werden verschoben</translation>
-    </message>
-    <message>
-        <source>Lossless: every pixel is kept as it is</source>
-        <translation>Verlustfrei: Jedes Pixel bleibt, wie es ist</translation>
-    </message>
-    <message>
-        <source>Compressed again, which changes pixels a little</source>
-        <translation>Neu komprimiert, was Pixel etwas ändert</translation>
-    </message>
-    <message>
-        <source>Compressed again, because %s</source>
-        <translation>Neu komprimiert: %s</translation>
-    </message>
-    <message>
-        <source>%s: %s</source>
-        <translation>%s: %s</translation>
     </message>
     <message>
         <source>%s cannot be written: %s.
@@ -2060,7 +2036,7 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>An&amp;derer Name ...</translation>
     </message>
     <message>
-        <source>Asks for another folder or name</source>
+        <source>Chooses another folder or name</source>
         <translation>Fragt nach einem anderen Ordner oder Namen</translation>
     </message>
     <message>

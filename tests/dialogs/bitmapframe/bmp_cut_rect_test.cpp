@@ -287,6 +287,24 @@ TEST_F(CropTool, Arrows_Should_MoveAndResizeTheCut) {
   ExpectCut(120, 49, 319, 239);
 }
 
+TEST_F(CropTool, KeysOfRedo_Should_ChangeNothing_DuringADrag) {
+  Press({50, 100});
+  MoveTo({150, 200});
+  ASSERT_TRUE(tool->DragIsActive());
+  const QImage before = Shown();
+  const std::pair<Qt::Key, Qt::KeyboardModifiers> keys[] = {
+      {Qt::Key_Y, Qt::ControlModifier}, {Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier}};
+  for (const auto& [key, modifiers] : keys) {
+    QKeyEvent event(QEvent::KeyPress, key, modifiers);
+    tool->OnKeyDown(box, event);
+    EXPECT_FALSE(event.isAccepted());
+    EXPECT_TRUE(tool->DragIsActive());
+    EXPECT_EQ(Shown(), before);
+  }
+  QTest::mouseRelease(&box, Qt::LeftButton, Qt::NoModifier, {150, 200});
+  ExpectCut(100, 100, 300, 300);
+}
+
 TEST_F(CropTool, CtrlZ_Should_UndoTheLastCut) {
   Drag({60, 70}, {160, 170});
   QTest::keyClick(&box, Qt::Key_Right);

@@ -209,6 +209,20 @@ TEST(CropRules, Redo_Should_RestoreWhatWasUndone_OnlyWhen_ItIsKept) {
   EXPECT_FALSE(editor.model.CanRedo()) << "another change ends it";
 }
 
+TEST(CropRules, RedoOfNothing_Should_LeaveADragAlone) {
+  for (const CropRules& rules : {kEntryCropRules, kEditorCropRules}) {
+    ToolOf tool(rules);
+    tool.Press(50, 100);
+    tool.MoveTo(150, 200);
+    ASSERT_TRUE(tool.model.DragIsActive());
+    EXPECT_FALSE(tool.model.RedoCutRect());
+    EXPECT_TRUE(tool.model.DragIsActive());
+    tool.MoveTo(200, 250);
+    tool.Release(200, 250);
+    tool.ExpectCut(100, 100, 400, 400);
+  }
+}
+
 TEST(CropRules, Zoom_Should_StayWhenTheBoxChanges_OnlyWhen_ItIsKept) {
   ToolOf entry(kEntryCropRules), editor(kEditorCropRules);
   for (ToolOf* tool : {&entry, &editor}) {

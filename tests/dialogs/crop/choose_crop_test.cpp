@@ -74,6 +74,33 @@ TEST_F(ChooseCropCall, Should_ThrowBeforeAWindowOpens_When_TheStartDoesNotFit) {
   EXPECT_THROW(ChooseCrop(pixels, picture, options), RangeError);
 }
 
+TEST_F(ChooseCropCall, Should_BeginWithTheWhole_When_AStartThatMayBeClippedIsOutside) {
+  const RecipeCrop starts[] = {
+      {LengthUnit::pixels, 5000, 5000, 5100, 5100, Outside::clip},
+      {LengthUnit::pixels, -20, 0, 0, 10, Outside::clip},
+      {LengthUnit::map, 1400, 1990, 1500, 1965, Outside::clip},
+  };
+  for (const RecipeCrop& start : starts) {
+    ChooseCropOptions options;
+    options.start = start;
+    bool isShown = false;
+    WhenModal([&](QWidget& window) {
+      isShown = true;
+      EXPECT_FALSE(static_cast<TFormChooseCrop&>(window).Tool().CutRectExists());
+      PressOk(window);
+    });
+    EXPECT_EQ(ChooseCrop(pixels, picture, options),
+              (RecipeCrop{LengthUnit::pixels, 0, 0, 600, 400}));
+    EXPECT_TRUE(isShown);
+    options.start->outside = Outside::refuse;
+    EXPECT_THROW(ChooseCrop(pixels, picture, options), RangeError);
+  }
+  // What is wrong by itself is refused with either.
+  ChooseCropOptions options;
+  options.start = RecipeCrop{LengthUnit::pixels, 9, 9, 9, 20, Outside::clip};
+  EXPECT_THROW(ChooseCrop(pixels, picture, options), RangeError);
+}
+
 TEST_F(ChooseCropCall, Should_AnswerNothing_When_CanceledInAnyWay) {
   const std::function<void(QWidget&)> ways[] = {
       [](QWidget& window) { window.close(); },
@@ -97,6 +124,20 @@ TEST_F(ChooseCropCall, UnitOfTheMap_Should_BeTheHosts_When_NothingStatesOne) {
     EXPECT_FALSE(form.Model().MayChooseMapUnit());
   });
   ChooseCrop(pixels, picture, options);
+}
+
+TEST_F(ChooseCropCall, TheUnitOfTheCaller_Should_NotBeRemembered) {
+  ChooseCropOptions options;
+  options.unit = LengthUnit::millimeters;
+  for (int i = 0; i < 2; ++i) {
+    WhenModal([&](QWidget& window) {
+      auto& form = static_cast<TFormChooseCrop&>(window);
+      EXPECT_EQ(form.Model().Unit(), i == 0 ? LengthUnit::millimeters : LengthUnit::pixels);
+      PressOk(window);
+    });
+    EXPECT_TRUE(ChooseCrop(pixels, picture, options));
+    options.unit = LengthUnit::pixels;
+  }
 }
 
 TEST_F(ChooseCropCall, Choices_Should_BeRemembered_When_Confirmed) {

@@ -145,6 +145,17 @@ TEST(CropAnswer, Should_BeTheStart_When_NothingChanged) {
             (RecipeCrop{LengthUnit::pixels, 61, 40, 301, 200, Outside::clip}));
 }
 
+TEST(CropAnswer, Should_BeClippedAsTheStart_When_ANumberIsTyped) {
+  Stage stage(600, 400, {254, 254}, {});
+  stage.model->Start({LengthUnit::pixels, 10, 20, 110, 70, Outside::clip}, {10, 20, 110, 70});
+  stage.model->Type(CropField::left, 30);
+  EXPECT_EQ(stage.model->Answer(),
+            (RecipeCrop{LengthUnit::pixels, 30, 20, 130, 70, Outside::clip}));
+  stage.model->Step(CropField::width, 5);
+  EXPECT_EQ(stage.model->Answer(),
+            (RecipeCrop{LengthUnit::pixels, 30, 20, 135, 70, Outside::clip}));
+}
+
 TEST(CropAnswer, Should_BeTheWhole_When_ThereIsNoRectangle) {
   Stage stage(600, 400, {}, {});
   EXPECT_EQ(stage.model->Answer(), (RecipeCrop{LengthUnit::pixels, 0, 0, 600, 400}));

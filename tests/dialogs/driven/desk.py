@@ -145,7 +145,7 @@ class Program:
 
     def windows(self):
         application = self.application()
-        return [] if application is None else [window for window in application if window is not None]
+        return [window for window in application or [] if window is not None]
 
     def window(self, part='', seconds=20):
         """The newest window whose title contains `part`."""
@@ -180,7 +180,7 @@ def find(window, name, role=None, wants_shown=True):
     """The control that a screen reader calls `name`; of several the one that is shown."""
     matches = []
     for control in all_of(window):
-        if control.name == name and (role is None or control.getRoleName() == role):
+        if control.name == name and role in (None, control.getRoleName()):
             matches.append(control)
     for control in matches:
         if control.getState().contains(pyatspi.STATE_SHOWING):

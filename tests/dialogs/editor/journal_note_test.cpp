@@ -15,6 +15,7 @@ JournalNote SampleNote() {
   note.page = 3;
   note.dpi = 299.5;
   note.place = 1;
+  note.target = "/home/me/100%\n.tif";
   note.recipe.madeWith = "rasterkit 0.1";
   note.recipe.steps = {TurnStep{1}, RecipeCrop{LengthUnit::map, 1.5, 2, 3, -4, Outside::clip}};
   note.recipe.save.quality = 40;
@@ -31,6 +32,7 @@ TEST(JournalNote, Should_BeReadAsItWasWritten) {
   EXPECT_EQ(read->page, 3);
   EXPECT_EQ(read->dpi, 299.5);
   EXPECT_EQ(read->place, 1u);
+  EXPECT_EQ(read->target, note.target);
   EXPECT_EQ(read->recipe.steps.size(), 2u);
   EXPECT_EQ(std::get<RecipeCrop>(read->recipe.steps[1]),
             std::get<RecipeCrop>(note.recipe.steps[1]));
@@ -42,6 +44,31 @@ TEST(JournalNote, Should_RefuseEveryBeginning) {
   for (size_t size = 0; size + 2 < text.size(); ++size) {
     EXPECT_FALSE(ReadJournalNote(text.substr(0, size))) << size;
   }
+}
+
+TEST(JournalNote, Should_BeReadWithoutATarget) {
+  std::string text = WriteJournalNote(SampleNote());
+  const size_t start = text.find("target ");
+  const auto read = ReadJournalNote(text.erase(start, text.find('\n', start) + 1 - start));
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->target, "");
+}
+
+TEST(JournalNote, Should_TellDamageFromOtherVersions) {
+  const std::string text = WriteJournalNote(SampleNote());
+  EXPECT_FALSE(IsDamagedJournalNote(text));
+  const size_t firstLine = text.find('\n') + 1;
+  for (size_t size = 0; size + 2 < text.size(); ++size) {
+    EXPECT_TRUE(IsDamagedJournalNote(text.substr(0, size))) << size;
+  }
+  EXPECT_FALSE(IsDamagedJournalNote("rasterkit-journal 2\n" + text.substr(firstLine)));
+  EXPECT_FALSE(IsDamagedJournalNote("rasterkit-journal 2\nanything"));
+  EXPECT_TRUE(IsDamagedJournalNote("other-journal 1\n" + text.substr(firstLine)));
+  const size_t recipe = text.find("\n\n") + 2;
+  const std::string head = text.substr(0, recipe);
+  EXPECT_FALSE(IsDamagedJournalNote(head + R"({"schema": "of another version"})"));
+  EXPECT_TRUE(IsDamagedJournalNote(head + R"({"schema": )"));
+  EXPECT_TRUE(IsDamagedJournalNote(head + std::string(100, '\0')));
 }
 
 TEST(JournalNote, Should_RefuseNumbersOutOfRange) {

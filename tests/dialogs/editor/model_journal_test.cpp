@@ -1,5 +1,6 @@
 // Steps that outlive a crash.
 
+#include <cerrno>
 #include <csignal>
 #include <fstream>
 
@@ -11,6 +12,7 @@
 #include <rasterkit/pictures/document/document.h>
 
 #include "tests/dialogs/editor/editor_fixture.h"
+#include "tests/runtime/files/replaced_calls.h"
 
 namespace rasterkit {
 namespace {
@@ -210,6 +212,95 @@ TEST_F(EditorJournal, Should_NoteNothingThatTheNextStartCouldNotRead) {
   EXPECT_THAT(Journals(), IsEmpty());
 }
 
+TEST_F(EditorJournal, Should_LeadFromTheSourceAsItIsWhateverWasSavedElsewhere) {
+  const std::string file = WritePicture("plan.png");
+  const std::string source = folder / "source.png";
+  std::filesystem::copy_file(file, source);
+  Open(file);
+  model->TurnLeft();
+  view->answers = {yes};
+  model->Save();
+  model->Mirror();
+  view->saving = SavingChoice{folder / "copy.png", {}, false};
+  model->SaveAs();
+  model->Gray();
+  EXPECT_THAT(Journals(), SizeIs(1));
+  Renew();
+  view->answers = {yes};
+  Open(file);
+  EXPECT_THAT(view->questions.at(0).text, HasSubstr("Do you want to take them up? Steps: 2"));
+  EXPECT_THAT(model->StepNames(), ElementsAre("Mirror left and right", "Make gray"));
+  EXPECT_EQ(model->TargetFile(), folder / "copy.png");
+  view->answers = {yes};
+  model->Confirm();
+  Recipe all;
+  all.steps = {TurnStep{1}, MirrorStep{MirrorAxis::leftRight}, ChangeStep{MakeGray{}}};
+  EXPECT_EQ(ReadFile(folder / "copy.png"), Replayed(source, all, folder / "replayed.png"));
+}
+
+TEST_F(EditorJournal, Should_LoseNothingThatTheSourceHoldsAfterASaveElsewhere) {
+  Open(WritePicture("plan.png"));
+  model->TurnLeft();
+  view->answers = {yes};
+  model->Save();
+  model->Mirror();
+  view->saving = SavingChoice{folder / "copy.png", {}, false};
+  model->SaveAs();
+  model->Undo();
+  EXPECT_FALSE(model->HasUnsavedWork()) << "the source has these steps";
+  EXPECT_TRUE(model->CanConfirm()) << "the target has one more";
+  EXPECT_THAT(Journals(), IsEmpty());
+  model->Undo();
+  EXPECT_TRUE(model->HasUnsavedWork());
+}
+
+TEST_F(EditorJournal, Should_TakeUpTheTarget) {
+  const std::string file = WritePhoto("photo.jpg", 1);
+  const std::string before = ReadFile(file);
+  const std::string copy = folder / "50% of it.png";
+  Open(file);
+  model->TurnLeft();
+  RecipeSave save;
+  save.type = PictureType::png;
+  view->saving = SavingChoice{copy, save, false};
+  model->SaveAs();
+  model->Mirror();
+  Renew();
+  view->answers = {yes};
+  Open(file);
+  EXPECT_EQ(model->TargetFile(), copy);
+  EXPECT_EQ(model->Place(), 2u);
+  view->answers = {yes};
+  model->Confirm();
+  EXPECT_EQ(view->questions.at(1).kind, EditorQuestion::replaceFile) << "asked in this window";
+  EXPECT_EQ(Picture::Open(copy).SourceType(), PictureType::png);
+  EXPECT_EQ(ReadFile(file), before);
+}
+
+TEST_F(EditorJournal, Should_KeepTheLastNoteThatCouldBeWritten) {
+  const std::string file = WritePicture("plan.png");
+  Open(file);
+  model->TurnLeft();
+  const std::string note = ReadFile(Journals().at(0));
+  {
+    const test::CallsGuard guard;
+    detail::Calls().write = [](int, const void*, size_t) -> ssize_t {
+      errno = ENOSPC;
+      return -1;
+    };
+    detail::Calls().writeAt = [](int, const void*, size_t, off_t) -> ssize_t {
+      errno = ENOSPC;
+      return -1;
+    };
+    model->Mirror();
+  }
+  EXPECT_EQ(model->Place(), 2u);
+  ASSERT_THAT(Journals(), SizeIs(1));
+  EXPECT_EQ(ReadFile(Journals()[0]), note);
+  model->Gray();
+  EXPECT_NE(ReadFile(Journals().at(0)), note);
+}
+
 TEST_F(EditorJournal, Should_BePrivateAndGoWithTheWork) {
   Open(WritePicture("plan.png"));
   EXPECT_TRUE(IsFolderEmpty());
@@ -254,6 +345,54 @@ TEST_F(EditorJournal, Should_RemoveDamagedJournals) {
     EXPECT_TRUE(model->HasPicture());
     EXPECT_TRUE(IsFolderEmpty());
   }
+}
+
+TEST_F(EditorJournal, Should_KeepJournalsOfOtherVersions) {
+  const std::string file = WritePicture("plan.png");
+  Open(file);
+  model->TurnLeft();
+  const std::string name = Journals().at(0);
+  const std::string note = ReadFile(name);
+  const auto with = [&](const std::string& old, const std::string& text) {
+    std::string other = note;
+    EXPECT_NE(note.find(old), std::string::npos) << note;
+    return other.replace(note.find(old), old.size(), text);
+  };
+  for (const std::string& foreign :
+       {with("\"quarters\"", "\"revision\": 99, \"quarters\""),
+        with("\"quarters\"", "\"shine\": 1, \"quarters\""), with("\"turn\"", "\"glow\""),
+        with("rasterkit-journal 1", "rasterkit-journal 2")}) {
+    Renew();
+    std::ofstream(name, std::ios::binary) << foreign;
+    std::ofstream(name.substr(0, name.size() - 4) + "lock");
+    Open(file);
+    EXPECT_THAT(view->questions, IsEmpty());
+    ASSERT_THAT(Journals(), ElementsAre(name)) << foreign;
+    EXPECT_EQ(ReadFile(name), foreign);
+  }
+}
+
+TEST_F(EditorJournal, Should_KeepJournalsThatCannotBeReadThisTime) {
+  const std::string file = WritePicture("plan.png");
+  Open(file);
+  model->TurnLeft();
+  Renew();
+  {
+    const test::CallsGuard guard;
+    static detail::FileCalls base;
+    base = guard.Before();
+    detail::Calls().openAt = [](int place, const char* name, int flags, mode_t mode) {
+      if (!std::string_view(name).ends_with(".json")) return base.openAt(place, name, flags, mode);
+      errno = EIO;
+      return -1;
+    };
+    Open(file);
+    EXPECT_THAT(view->questions, IsEmpty());
+  }
+  Renew();
+  view->answers = {yes};
+  Open(file);
+  EXPECT_EQ(model->Place(), 1u);
 }
 
 TEST_F(EditorJournal, Should_TakeUpPageAndSettings) {

@@ -84,6 +84,22 @@ TEST_F(EditorRefused, Should_SaveAProtectedFileElsewhere) {
   EXPECT_EQ(ReadFile(file), before);
 }
 
+TEST_F(EditorRefused, Should_StayWhereTheHostFixedTheName) {
+  options.showsSave = false;
+  Renew();
+  const std::string file = WritePicture("plan.png");
+  ProtectFiles();
+  Open(file);
+  model->TurnLeft();
+  view->saving = SavingChoice{folder / "new.png", {}, false};
+  model->Confirm();
+  EXPECT_EQ(view->told.size(), 2u);
+  EXPECT_THAT(view->savingStarts, IsEmpty());
+  EXPECT_THAT(view->closed, IsEmpty());
+  EXPECT_TRUE(model->HasUnsavedWork());
+  EXPECT_THAT(folder.Names(), ElementsAre("plan.png"));
+}
+
 TEST_F(EditorRefused, Should_StayWhenNoOtherNameIsChosen) {
   ProtectFiles();
   const std::string file = WritePicture("plan.png");

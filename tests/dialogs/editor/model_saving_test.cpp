@@ -1,12 +1,18 @@
 // What OK writes, and what is asked before.
 
+#include <cerrno>
 #include <fstream>
 
 #include <unistd.h>
 
+#include <rasterkit/pictures/document/document.h>
+
 #include "tests/dialogs/editor/editor_fixture.h"
 #include "tests/dialogs/editor/made_samples.h"
+#include "tests/dialogs/saving/saving_fixture.h"
+#include "tests/runtime/files/replaced_calls.h"
 #include "tests/support/gif_file.h"
+#include "tests/support/webp_file.h"
 
 namespace rasterkit {
 namespace {
@@ -108,9 +114,9 @@ TEST_F(EditorSaving, Should_MoveThePixelsOfAMirroredPhotographAndSayIt) {
 TEST_F(EditorSaving, Should_SayWhenPixelsAreCompressedAgain) {
   Open(WritePhoto("photo.jpeg", 1, pf24bit, 64, 64));
   model->Add(RecipeCrop{LengthUnit::pixels, 3, 0, 40, 40});
-  EXPECT_THAT(model->SavingFacts(), HasSubstr("Compressed again, because the new left edge"));
+  EXPECT_THAT(model->SavingFacts(), HasSubstr("Compressed again: the new edges"));
   model->Gray();
-  EXPECT_EQ(model->SavingFacts(), "Compressed again, which changes pixels a little");
+  EXPECT_EQ(model->SavingFacts(), "Compressed again: the pixels were changed");
 }
 
 TEST_F(EditorSaving, Should_SayThatAPngFileIsLosslessAndWhatABmpFileLacks) {
@@ -118,10 +124,20 @@ TEST_F(EditorSaving, Should_SayThatAPngFileIsLosslessAndWhatABmpFileLacks) {
   model->TurnLeft();
   view->saving = SavingChoice{folder / "photo.bmp", {}, false};
   model->SaveAs();
-  EXPECT_THAT(model->Losses(), testing::Contains(HasSubstr("BMP")));
+  EXPECT_THAT(model->Losses(), HasSubstr("Lost: "));
+  EXPECT_THAT(model->LossDetails(), HasSubstr("BMP"));
   view->saving = SavingChoice{folder / "photo.png", {}, false};
   model->SaveAs();
-  EXPECT_EQ(model->SavingFacts(), "Lossless: every pixel is kept as it is");
+  EXPECT_EQ(model->SavingFacts(), "Lossless: every pixel is kept");
+}
+
+TEST_F(EditorSaving, Should_NotCallASmallerDepthLossless) {
+  Open(WritePicture("plan.png"));
+  EXPECT_EQ(model->SavingFacts(), "Lossless: every pixel is kept");
+  view->settings = RecipeSave{};
+  view->settings->bits = 8;
+  model->Settings();
+  EXPECT_EQ(model->SavingFacts(), "Not lossless: the file has another depth");
 }
 
 TEST_F(EditorSaving, Should_AskOnceBeforeTheNamedFileIsReplaced) {
@@ -336,6 +352,64 @@ TEST_F(EditorSaving, Should_SuggestANameForKindsThatCannotBeWritten) {
   EXPECT_EQ(ReadFile(file), before);
 }
 
+TEST_F(EditorSaving, Should_NeverReplaceASourceThatCannotBeWrittenAgain) {
+  const std::vector<uint8_t> webp = test::LosslessWebp(test::GradientRaster(pf24bit, 12, 8));
+  const std::string bytes(webp.begin(), webp.end());
+  // A writable ending, and a link with one.
+  const std::string misnamed = folder.Write("photo.png", bytes);
+  const std::string real = folder.Write("real.webp", bytes);
+  std::filesystem::create_symlink("real.webp", folder / "real.png");
+  for (const std::string& file : {misnamed, real, folder / "real.png"}) {
+    SCOPED_TRACE(file);
+    const std::string free =
+        file == misnamed ? folder / "photo-2.png" : std::string(folder / "real-2.png");
+    Renew();
+    Open(file);
+    EXPECT_EQ(model->TargetFile(), free);
+    EXPECT_THAT(model->TargetNote(), HasSubstr(std::filesystem::path(free).filename().string()));
+    view->settings = RecipeSave{};
+    view->settings->pngLevel = 9;
+    model->Settings();
+    model->TurnLeft();
+    model->Confirm();
+    EXPECT_THAT(view->closed, ElementsAre(true));
+    EXPECT_EQ(Picture::Open(free).Width(), 8);
+    EXPECT_EQ(ReadFile(file), bytes);
+    std::filesystem::remove(free);
+  }
+  EXPECT_TRUE(std::filesystem::is_symlink(folder / "real.png"));
+}
+
+TEST_F(EditorSaving, Should_LookAtTheSourceOnceMoreWhenItSaves) {
+  const std::string file = folder.Write("anim.gif", test::PlainGif(12, 8).Bytes());
+  const std::string before = ReadFile(file);
+  Open(file);
+  model->TurnLeft();
+  // The name that was free leads to the source by the time of OK.
+  std::filesystem::create_symlink("anim.gif", folder / "anim.png");
+  model->Confirm();
+  ASSERT_EQ(view->told.size(), 1u);
+  EXPECT_THAT(view->told[0], HasSubstr("anim.png is the file that is edited"));
+  EXPECT_EQ(view->savingStarts.size(), 1u) << "OK lets the user choose another name";
+  EXPECT_THAT(view->questions, IsEmpty());
+  EXPECT_THAT(view->closed, IsEmpty());
+  EXPECT_EQ(ReadFile(file), before);
+}
+
+TEST_F(EditorSaving, Should_SuggestTheNameThatTheWindowOfSavingSuggests) {
+  std::ofstream(folder / "anim.png") << "another file";
+  Open(folder.Write("anim.gif", test::PlainGif(12, 8).Bytes()));
+  EXPECT_EQ(model->TargetFile(), folder / "anim-2.png");
+  Renew();
+  Open(folder.Write("plain", test::PlainGif(12, 8).Bytes()));
+  EXPECT_EQ(model->TargetFile(), folder / "plain.png");
+  Renew();
+  const std::string placed = folder.Write("map.gif", test::PlainGif(12, 8).Bytes());
+  std::ofstream(folder / "map.gfw") << "2\n0\n0\n-2\n1001\n1999\n";
+  Open(placed);
+  EXPECT_EQ(model->TargetFile(), folder / "map.tif") << "PNG files hold no position";
+}
+
 TEST_F(EditorSaving, Should_KeepTheKindWhereTheExtensionSaysAnotherOne) {
   const std::string file = WritePicture("plan.png");
   std::filesystem::rename(file, folder / "plan.jpg");
@@ -363,6 +437,32 @@ TEST_F(EditorSaving, Should_TakeSettingsAsWork) {
   EXPECT_EQ(ReadFile(file), Replayed(source, model->ToRecipe(), folder / "replayed.jpg"));
 }
 
+/// What the window of the settings answers if nothing is changed in it.
+RecipeSave UnchangedSettings(const EditorModel& model) {
+  test::RecordingSavingView window;
+  SavingModel settings(window, model.Result(), {model.TargetFile(), model.Saving(), false},
+                       SavingScope::settings);
+  settings.Confirm();
+  EXPECT_EQ(window.closed, true);
+  return settings.Choice().save;
+}
+
+TEST_F(EditorSaving, Should_NotTakeUnchangedSettingsAsWork) {
+  const std::string renamed = folder / "renamed.jpg";
+  std::filesystem::rename(WritePicture("plan.png"), renamed);
+  for (const std::string& file : {folder.Write("anim.gif", test::PlainGif(12, 8).Bytes()), renamed,
+                                  WritePicture("own.tif"), WritePhoto("photo.jpeg", 6)}) {
+    SCOPED_TRACE(file);
+    Renew();
+    Open(file);
+    view->settings = UnchangedSettings(*model);
+    model->Settings();
+    EXPECT_FALSE(model->HasUnsavedWork());
+    EXPECT_TRUE(model->CancelOrClose());
+    EXPECT_THAT(view->questions, IsEmpty());
+  }
+}
+
 TEST_F(EditorSaving, Should_TellTheHostWhatWasWritten) {
   std::vector<std::string> saved;
   options.onSaved = [&](const std::string& file, const Recipe& recipe, const Report& report) {
@@ -377,6 +477,53 @@ TEST_F(EditorSaving, Should_TellTheHostWhatWasWritten) {
   view->answers = {yes};
   model->Confirm();
   EXPECT_THAT(saved, ElementsAre(folder / "plan.png"));
+}
+
+TEST_F(EditorSaving, Should_TellTheHostWhatWasWrittenWhereTheDiskMayForget) {
+  std::vector<Report> reports;
+  options.onSaved = [&](const std::string&, const Recipe&, const Report& report) {
+    reports.push_back(report);
+  };
+  Renew();
+  const std::string file = folder / "scans.tif", copy = folder / "copy.tif";
+  Document document;
+  for (int i = 0; i < 2; ++i) {
+    document.Append(
+        Picture::Of(std::make_unique<TBitmap>(test::GradientRaster(pf24bit, 20 + i, 10))));
+  }
+  document.Save(file);
+  Open(file);
+  model->TurnLeft();
+  {
+    const test::CallsGuard guard;
+    static detail::FileCalls base;
+    static bool isThere;
+    base = guard.Before();
+    isThere = false;
+    detail::Calls().renameAt = [](int place, const char* old, const char* name, unsigned flags) {
+      isThere = isThere || std::string_view(name) == "copy.tif";
+      return base.renameAt(place, old, name, flags);
+    };
+    detail::Calls().linkAt = [](int from, const char* old, int place, const char* name, int flags) {
+      isThere = isThere || std::string_view(name) == "copy.tif";
+      return base.linkAt(from, old, place, name, flags);
+    };
+    detail::Calls().syncAll = [](int handle) {
+      if (!isThere) return base.syncAll(handle);
+      errno = EIO;
+      return -1;
+    };
+    view->saving = SavingChoice{copy, {}, false};
+    model->SaveAs();
+  }
+  ASSERT_EQ(view->told.size(), 1u);
+  EXPECT_THAT(view->told[0], HasSubstr("a power failure could undo that"));
+  ASSERT_EQ(reports.size(), 1u);
+  EXPECT_EQ(reports[0].type, PictureType::tiff);
+  EXPECT_EQ(reports[0].width, 10);
+  EXPECT_EQ(reports[0].height, 20);
+  EXPECT_EQ(model->PagesFile(), copy);
+  EXPECT_FALSE(model->HasUnsavedWork());
 }
 
 // Losing work.

@@ -62,7 +62,7 @@ class StagedSaving : private Photographs, public TFormSaving {
   }
 };
 
-const Exhibit kFolder("save-picture", [] {
+const Exhibit kFolder("save-picture-places", [] {
   auto form = std::make_unique<StagedSaving>(SavingScope::places, false);
   form->Finish();
   return form;

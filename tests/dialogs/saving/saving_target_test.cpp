@@ -145,6 +145,22 @@ TEST_F(SavingTarget, AReadOnlyFolder_Should_BeSaid) {
   EXPECT_EQ(code, 0);
 }
 
+TEST_F(SavingTarget, AProtectedFile_Should_BeSaid) {
+  const std::string file = Make("a.png"), locked = Make("locked.png");
+  fs::permissions(folder.Path(), fs::perms::all);
+  fs::permissions(locked, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+  // Root may write everywhere.
+  const int code = RunInChild([&] {
+    if (geteuid() == 0 && setuid(65534) != 0) return 77;
+    SavingModel& other = OpenFile(file);
+    other.TypeName("locked.png");
+    if (other.CanSave() || other.Fault() != "The file " + locked + " cannot be written.") return 1;
+    other.TypeName("new.png");
+    return other.CanSave() ? 0 : 2;
+  });
+  EXPECT_EQ(code, 0);
+}
+
 TEST_F(SavingTarget, NamesThatCannotBe_Should_BeSaid) {
   SavingModel& model = OpenFile(Make("a.png"));
   model.TypeName("");

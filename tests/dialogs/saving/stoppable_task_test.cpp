@@ -35,6 +35,21 @@ TEST(StoppableTask, TheLatestJob_Should_BeAnswered) {
   EXPECT_EQ(answered, 3);
 }
 
+TEST(StoppableTask, AJob_Should_WorkUnderTheLimitsOfItsStart) {
+  StoppableTask task(1);
+  uint64_t side = 0;
+  {
+    Limits limits;
+    limits.side = 77;
+    const LimitsScope scope(limits);
+    task.Start([&side](const std::stop_token&) {
+      return SavingView::Answer([&side, found = CurrentLimits().side] { side = found; });
+    });
+  }
+  EXPECT_TRUE(QTest::qWaitFor([&] { return side != 0; }, kPatience));
+  EXPECT_EQ(side, 77U);
+}
+
 TEST(StoppableTask, ARunningJob_Should_BeStoppedByTheNextOne) {
   std::atomic<bool> isRunning = false;
   StoppableTask task(1);

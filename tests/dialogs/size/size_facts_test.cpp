@@ -1,9 +1,8 @@
-#include <limits>
-
 #include <gtest/gtest.h>
 
 #include <rasterkit/dialogs/size/size_answer.h>
 #include <rasterkit/dialogs/size/size_facts.h>
+#include <rasterkit/runtime/limits.h>
 
 #include "tests/dialogs/size/size_picture.h"
 #include "tests/support/memory_limit.h"
@@ -100,9 +99,42 @@ TEST_F(SizeFactsTest, TheLargestSides_Should_BeBeyondMemory) {
   EXPECT_EQ(SizeFaultText(model), "This size needs 2.7 TiB of memory. The limit is 4 GiB.");
 }
 
-TEST_F(SizeFactsTest, SizesThatAPictureCannotHave_Should_NeedMoreThanThereIs) {
+TEST_F(SizeFactsTest, LimitsOfTheProgram_Should_BeToldAsSuch) {
+  Start(600, 400, {300, 300});
+  for (const auto& [side, pixels] : {std::pair<uint64_t, uint64_t>{5000, kNoLimit},
+                                     std::pair<uint64_t, uint64_t>{kNoLimit, 10'000'000}}) {
+    Limits limits = CurrentLimits();
+    limits.side = side;
+    limits.pixels = pixels;
+    const LimitsScope limited(limits);
+    model.FlEdChange(Field::width, 6000);
+    EXPECT_EQ(model.Fault(), SizeFault::tooLarge);
+    EXPECT_EQ(SizeFaultText(model),
+              "The limits of this program allow no picture of 6000 x 4000 pixels.");
+    EXPECT_EQ(SizeResultText(model, picture), "");
+    model.FlEdChange(Field::width, 3000);
+    EXPECT_EQ(model.Fault(), SizeFault::none);
+  }
+}
+
+TEST_F(SizeFactsTest, NumbersBeyond32Bits_Should_BeToldAsTheyAre) {
+  Start(600, 400, {300, 300});
+  model.SetProportional(false);
+  model.SetUnit(LengthUnit::percent);
+  model.FlEdChange(Field::width, 1e9);
+  EXPECT_EQ(SizeFaultText(model),
+            "Width and height must be 1 to 1000000 pixels. This size has 6000000000 x 400.");
+  model.SetUnit(LengthUnit::pixels);
+  model.FlEdChange(Field::width, 600);
+  model.SetUnit(LengthUnit::millimeters);
+  model.FlEdChange(Field::width, 254e6);
+  EXPECT_EQ(SizeFaultText(model),
+            "Width and height must be 1 to 1000000 pixels. This size has 3000000000 x 400.");
+}
+
+TEST_F(SizeFactsTest, SizesThatAPictureCannotHave_Should_HaveNoBytes) {
   Start(6, 4, {});
-  EXPECT_EQ(BytesAtSize(picture, 0, 5, Filter::automatic), std::numeric_limits<uint64_t>::max());
+  EXPECT_EQ(BytesAtSize(picture, 0, 5, Filter::automatic), std::nullopt);
   EXPECT_EQ(BytesAtSize(picture, 5, 7, Filter::automatic), 105u);
 }
 

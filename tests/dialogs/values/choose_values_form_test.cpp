@@ -263,6 +263,46 @@ TEST_F(ValuesFormTest, UndoAndRedo_Should_Work_WhereverTheFocusIs) {
   EXPECT_EQ(session->Number(blue), -30);
 }
 
+TEST_F(ValuesFormTest, KeysThatAreReleased_AndNumbersThatAreEntered_Should_BeStepsOfUndo) {
+  Track("TrackRed").setFocus();
+  Press(Qt::Key_Right);
+  Press(Qt::Key_Right);
+  session->Undo();
+  EXPECT_EQ(session->Number(red), 1);
+  // A key that is held repeats itself.
+  auto& track = Track("TrackRed");
+  for (int i = 0; i < 5; ++i) {
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+      QKeyEvent event(type, Qt::Key_Right, Qt::NoModifier, QString(), true);
+      QApplication::sendEvent(&track, &event);
+    }
+  }
+  QTest::keyRelease(&track, Qt::Key_Right);
+  const int held = session->Number(red);
+  EXPECT_GT(held, 5);
+  Press(Qt::Key_PageUp);
+  EXPECT_GT(session->Number(red), held);
+  session->Undo();
+  EXPECT_EQ(session->Number(red), held);
+  session->Undo();
+  EXPECT_EQ(session->Number(red), 1);
+  session->Undo();
+  EXPECT_EQ(session->Number(red), 0);
+  EXPECT_FALSE(session->CanUndo());
+  auto& spin = Get<TSpinEditInt>("SpEdBlue");
+  spin.setFocus();
+  for (const char* number : {"12", "34"}) {
+    spin.selectAll();
+    QTest::keyClicks(&spin, number);
+    Q_EMIT spin.editingFinished();
+  }
+  EXPECT_EQ(session->Number(blue), 34);
+  session->Undo();
+  EXPECT_EQ(session->Number(blue), 12);
+  session->Undo();
+  EXPECT_EQ(session->Number(blue), 0);
+}
+
 TEST_F(ValuesFormTest, AControl_Should_BeReset_ByItsLabelItsButtonAndDelete) {
   const auto set = [&] {
     Track("TrackRed").setValue(30);

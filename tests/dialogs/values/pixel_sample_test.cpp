@@ -1,4 +1,5 @@
 #include <cmath>
+#include <cstring>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -88,6 +89,24 @@ TEST(PixelSample, Transparency_Should_BeThatOfThePicture) {
   const PixelSample sample(picture);
   EXPECT_TRUE(sample.Pixels().Transparent());
   EXPECT_EQ(sample.Pixels().TransparentColor(), picture.TransparentColor());
+}
+
+TEST(PixelSample, MoreColumnsThanCanBeMultiplied_Should_BeTakenFromEverywhere) {
+  TBitmap picture;
+  picture.ResetPixels(pf1bit, 12'000'000, 41);
+  const size_t half = 12'000'000 / 8 / 2;
+  for (int y = 0; y < picture.Height(); ++y) {
+    std::memset(picture.ScanLine(y), 0, half);
+    std::memset(picture.ScanLine(y) + half, 0xFF, half);
+  }
+  const PixelSample sample(picture);
+  ASSERT_FALSE(sample.IsWhole());
+  ASSERT_EQ(sample.Counted().size(), 196u);
+  size_t light = 0;
+  for (const TRect& square : sample.Counted()) {
+    light += *(sample.Pixels().ScanLine(square.Top) + (square.Left + 8) / 8) == 0xFF;
+  }
+  EXPECT_EQ(light, 98u);
 }
 
 TEST(PixelSample, ALongAndNarrowPicture_Should_GiveOne) {

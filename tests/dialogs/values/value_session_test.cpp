@@ -127,6 +127,23 @@ TEST_F(ValueSessionTest, ChangesOfOneControl_Should_BeOneStepOfUndo_UntilTheyEnd
   EXPECT_EQ(values.Number(green), 5);
 }
 
+TEST_F(ValueSessionTest, AChangeBackToItsStart_Should_LeaveNothingToUndo) {
+  values.Change(green, 5);
+  values.EndChange();
+  values.Change(red, 10);
+  values.Change(red, 0);
+  EXPECT_FALSE(values.CanRedo());
+  // It goes on from there.
+  values.Change(red, 20);
+  values.Change(red, 30);
+  values.Undo();
+  EXPECT_EQ(values.Number(red), 0);
+  EXPECT_EQ(values.Number(green), 5);
+  values.Undo();
+  EXPECT_EQ(values.Number(green), 0);
+  EXPECT_FALSE(values.CanUndo());
+}
+
 TEST_F(ValueSessionTest, AChange_Should_EndRedo_AndNotJoinWhatWasUndone) {
   values.Change(red, 10);
   values.Change(green, 20);

@@ -197,6 +197,28 @@ TEST(ValuesViewport, PixelAt_Should_BeThePixelUnderThePoint) {
   EXPECT_EQ(view.PixelAt({pane.Left + 7, 5}).X, 7);
 }
 
+TEST(ValuesViewport, AVeryWidePicture_Should_NotGrowBeyondWhatCanBeCounted) {
+  for (const int width : {12'000'000, 200'000'000, 2'000'000'000}) {
+    ValuesViewport view(width, 41);
+    view.SetBox(1000, 600);
+    view.SetMode(PreviewMode::changed);
+    for (int i = 0; i < 20; ++i) view.ZoomBy(1);
+    EXPECT_FALSE(view.CanZoomIn());
+    EXPECT_GE(view.Zoom(), 1);
+    EXPECT_EQ(view.Zoom(), std::floor(view.Zoom()));
+    for (const int direction : {-1, 1}) {
+      while (view.PanBy(direction * 2'000'000'000, 0)) {
+      }
+      const TRect place = view.Areas().front().place;
+      EXPECT_LE(place.Left, 0) << width;
+      EXPECT_GE(place.Right, 1000) << width;
+      EXPECT_EQ(int64_t{place.Right} - place.Left,
+                static_cast<int64_t>(width) * static_cast<int64_t>(view.Zoom()));
+      EXPECT_EQ(direction < 0 ? place.Right : place.Left, direction < 0 ? 1000 : 0);
+    }
+  }
+}
+
 TEST(ValuesViewport, AnEmptyBox_Should_DoNoHarm) {
   ValuesViewport view(10, 10);
   for (const PreviewMode mode :

@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QTimer>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <utility>
 
@@ -93,8 +94,11 @@ class User : public QObject {
     Leave(window, QStringLiteral("the window is still there"));
   }
 
-  static void Leave(QDialog& window, const QString& reason) {
+  /// A window that asks before it closes would ask again and again.
+  void Leave(QDialog& window, const QString& reason) {
+    constexpr int kMostTries = 4, kGaveUp = 9;
     std::fprintf(stderr, "user: %s\n", qPrintable(reason));
+    if (++tries_ > kMostTries) std::_Exit(kGaveUp);
     window.reject();
   }
 
@@ -102,7 +106,7 @@ class User : public QObject {
   static constexpr int kLongest = 500;
 
   QStringList scripts_;
-  int next_ = 0;
+  int next_ = 0, tries_ = 0;
   QPointer<QDialog> closing_;
   QPointer<QDialog> actsOn_;
   const QDialog* seen_ = nullptr;

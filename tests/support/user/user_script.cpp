@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QKeySequence>
+#include <QPointer>
 #include <QTest>
 #include <algorithm>
 #include <csignal>
@@ -16,14 +17,32 @@ QPoint PointOf(const QString& text) {
           text.section(QLatin1Char(','), 1, 1).toInt()};
 }
 
+/// A window may be busy with what the step before has started.
+bool BecomesUsable(QWidget* widget) {
+  constexpr int kMilliseconds = 5000;
+  const QPointer<QWidget> watched(widget);
+  return watched &&
+         QTest::qWaitFor([&] { return !watched || watched->isEnabled(); }, kMilliseconds) &&
+         watched;
+}
+
+/// A window may do the step before on another thread.
+bool BecomesIdle(const QWidget& window) {
+  const QPointer<const QWidget> watched(&window);
+  constexpr int kMilliseconds = 60000;
+  return QTest::qWaitFor([&] { return !watched || !watched->property("isWorking").toBool(); },
+                         kMilliseconds) &&
+         watched;
+}
+
 bool Click(QWidget* widget) {
-  if (widget == nullptr || !widget->isEnabled()) return false;
+  if (!BecomesUsable(widget)) return false;
   QTest::mouseClick(widget, Qt::LeftButton);
   return true;
 }
 
 bool Type(QWidget* widget, const QString& text, Qt::Key last) {
-  if (widget == nullptr || !widget->isEnabled()) return false;
+  if (!BecomesUsable(widget)) return false;
   widget->setFocus();
   // A list would use the key for its search.
   const auto* const list = qobject_cast<QComboBox*>(widget);
@@ -88,6 +107,7 @@ bool CanDoStep(const QWidget& window, const QString& step) {
 
 bool DoStep(QWidget& window, const QString& step) {
   const QStringList words = WordsOf(step);
+  if (!BecomesIdle(window)) return false;
   const QString what = words.value(0);
   QWidget* const widget = WidgetOf(window, words.value(1));
   if (what == QLatin1String("click")) return Click(widget);

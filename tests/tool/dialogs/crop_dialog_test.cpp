@@ -52,6 +52,12 @@ TEST_F(CliDialogCrop, NoRectangle_Should_KeepTheWhole) {
   EXPECT_TRUE(SamePixels(raster, Confirmed("crop", raster, "click nbPost")));
 }
 
+TEST_F(CliDialogCrop, RectangleBesideThePicture_Should_BeginWithTheWhole) {
+  const Raster raster = GradientRaster(pf24bit, 37, 20);
+  const std::vector<std::string> rect = {"--rect", "5000,5000,100,100"};
+  EXPECT_TRUE(SamePixels(raster, Confirmed("crop", raster, "click nbPost", rect)));
+}
+
 TEST_F(CliDialogCrop, AlphaChannel_Should_ComeAlong) {
   Raster raster = GradientRaster(pf32bit, 37, 20);
   raster.alphaFormat = afDefined;

@@ -58,7 +58,7 @@ TEST_F(CliDialog, PlatformThatQtDoesNotKnow_Should_BeSaid) {
 TEST_F(CliDialog, FirstPlatformThatWorks_Should_BeTaken) {
   const Environment user(WithUser("click ButtonOK"));
   const Environment platforms("QT_QPA_PLATFORM", "paper;offscreen");
-  EXPECT_EQ(RunTool(Line("resize")).code, 0);
+  EXPECT_EQ(RunTool(Line("resize", {"--size", "3x2"})).code, 0);
   EXPECT_TRUE(HasOutput());
 }
 

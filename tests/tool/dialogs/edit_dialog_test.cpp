@@ -35,7 +35,7 @@ TEST_F(CliDialogEdit, Cancel_Should_Exit1) {
   const std::string page = folder_ / "plan.pdf";
   WriteText(page, PdfText({{"0 0 72 72", ""}}));
   for (const std::string& file : {folder_ / "in.png", page}) {
-    for (const char* script : {"key Escape", "click nbCancel", "close"}) {
+    for (const char* script : {"click nbCancel", "click ToolFit; key Escape"}) {
       const ToolResult result = Run({"edit", file}, script);
       EXPECT_EQ(result.code, 1) << file << " " << script;
       EXPECT_EQ(result.out, "");

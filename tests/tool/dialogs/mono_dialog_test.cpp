@@ -46,7 +46,7 @@ TEST_F(CliDialogMono, ThresholdThatIsTyped_Should_BeThatOfTheOutput_AndOfTheReci
 
 TEST_F(CliDialogMono, RuleThatIsChosen_Should_BeThatOfTheRecipe) {
   const Raster raster = GrayRaster(41, 23);
-  const Raster changed = Confirmed("mono", raster, "click CheckAutomatic; click nbPost",
+  const Raster changed = Confirmed("mono", raster, "press CheckAutomatic Space; click nbPost",
                                    {"--record", folder_ / "r.json"});
   EXPECT_TRUE(SamePixels(WithoutDialog("mono", raster, {"--threshold", "otsu"}), changed));
   EXPECT_EQ(StepOfRecipe().at("threshold"), "otsu");

@@ -16,7 +16,8 @@ class CliDialogResize : public DialogTest {};
 
 TEST_F(CliDialogResize, SizeThatIsTyped_Should_BeThatOfTheOutput) {
   const Raster raster = GradientRaster(pf24bit, 60, 40);
-  const Raster small = Confirmed("resize", raster, "type FlEdWidth 30; click ButtonOK");
+  const Raster small =
+      Confirmed("resize", raster, "type UnitBox pixels; type FlEdWidth 30; click ButtonOK");
   EXPECT_EQ(small.Height(), 20) << "proportional";
   EXPECT_TRUE(SamePixels(WithoutDialog("resize", raster, {"--size", "30x20"}), small));
 }
@@ -30,8 +31,10 @@ TEST_F(CliDialogResize, SizeOfTheCommandLine_Should_BeWhereTheWindowBegins) {
 TEST_F(CliDialogResize, OptionsAndResolution_Should_ActAsWithoutAWindow) {
   Raster raster = GradientRaster(pf4bit, 60, 40);
   raster.resolution = {300, 200};
-  const Raster small = Confirmed(
-      "resize", raster, "click CheckKeep; type FlEdWidth 30; click ButtonOK", {"--filter", "area"});
+  const Raster small =
+      Confirmed("resize", raster,
+                "type UnitBox pixels; press CheckKeep Space; type FlEdWidth 30; click ButtonOK",
+                {"--filter", "area"});
   EXPECT_TRUE(
       SamePixels(WithoutDialog("resize", raster, {"--size", "30x40", "--filter", "area"}), small));
   EXPECT_NEAR(small.resolution.x, 150, 0.1);
@@ -39,7 +42,8 @@ TEST_F(CliDialogResize, OptionsAndResolution_Should_ActAsWithoutAWindow) {
 }
 
 TEST_F(CliDialogResize, Cancel_Should_Exit1AndWriteNothing) {
-  for (const char* script : {"click ButtonExit", "type FlEdWidth 7; key Escape", "close"}) {
+  for (const char* script :
+       {"click ButtonExit", "type UnitBox pixels; type FlEdWidth 7; key Escape", "close"}) {
     const ToolResult result = RunVerb("resize", GradientRaster(pf24bit, 6, 4), script);
     EXPECT_EQ(result.code, 1) << script;
     EXPECT_EQ(result.err, "rasterkit: " + (folder_ / "in.png") + ": canceled\n") << script;
@@ -48,7 +52,7 @@ TEST_F(CliDialogResize, Cancel_Should_Exit1AndWriteNothing) {
 }
 
 TEST_F(CliDialogResize, SizeThatCannotBe_Should_NotBeConfirmed) {
-  for (const char* script : {"type FlEdWidth 0; key Return; key Escape",
+  for (const char* script : {"type UnitBox pixels; type FlEdWidth 0; key Return; key Escape",
                              "type FlEdHeight 999999999; key Return; key Escape"}) {
     const ToolResult result = RunVerb("resize", GradientRaster(pf24bit, 6, 4), script);
     EXPECT_EQ(result.code, 1) << script;
@@ -77,7 +81,8 @@ TEST_F(CliDialogResize, EachOfSeveralPictures_Should_HaveItsWindow) {
   const ToolResult result =
       Run({"resize", "--dialog", "--continue", "--json", "--out-dir", folder_ / "d",
            folder_ / "a.png", folder_ / "b.png", folder_ / "c.png"},
-          "type FlEdWidth 30; click ButtonOK | key Escape | type FlEdWidth 15; click ButtonOK");
+          "type UnitBox pixels; type FlEdWidth 30; click ButtonOK | key Escape | type UnitBox "
+          "pixels; type FlEdWidth 15; click ButtonOK");
   EXPECT_EQ(result.code, 1);
   const auto lines = JsonLines(result.out);
   ASSERT_EQ(lines.size(), 3u);

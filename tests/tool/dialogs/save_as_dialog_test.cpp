@@ -82,9 +82,10 @@ TEST_F(CliDialogSaveAs, Recipe_Should_GiveTheSameBytes) {
 
 TEST_F(CliDialogSaveAs, Pixels_Should_ResizeAsResizeDoes) {
   const std::string recipe = folder_ / "r.json";
-  const std::vector<uint8_t> saved =
-      Saved("type FlEdWidth 30; click ButtonOK | type EditName new.png; click SaveButton",
-            "new.png", {"--pixels", "--record", recipe});
+  const std::vector<uint8_t> saved = Saved(
+      "type UnitBox pixels; type FlEdWidth 30; click ButtonOK | type EditName new.png; click "
+      "SaveButton",
+      "new.png", {"--pixels", "--record", recipe});
   ASSERT_EQ(RunTool({"resize", folder_ / "in.png", folder_ / "plain.png", "--size", "30x"}).code,
             0);
   EXPECT_EQ(saved, ReadBytes(folder_ / "plain.png"));

@@ -29,6 +29,10 @@ double EditorJobs::Progress() const {
   return job_ ? job_->progress.load() : -1;
 }
 
+bool EditorJobs::IsSaving() const {
+  return job_ && job_->job.isSave;
+}
+
 void EditorJobs::Cancel() {
   thread_.request_stop();
 }

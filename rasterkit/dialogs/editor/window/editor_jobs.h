@@ -25,6 +25,7 @@ class EditorJobs : public QObject {
   void Start(EditorJob job);
   void Cancel();
   bool IsRunning() const { return job_ != nullptr; }
+  bool IsSaving() const;
   /// Of the running job, 0 to 1; negative as long as it has told nothing.
   double Progress() const;
 

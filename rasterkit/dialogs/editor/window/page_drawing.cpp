@@ -12,6 +12,7 @@
 #include <rasterkit/qt/bitmap_image.h>
 #include <rasterkit/runtime/files/file_name.h>
 #include <rasterkit/runtime/files/stream.h>
+#include <rasterkit/runtime/limits.h>
 
 namespace rasterkit {
 namespace {
@@ -31,9 +32,17 @@ bool IsPdfFile(const std::string& file) {
   return stream.Size() > 0 && SniffPictureType(stream) == PictureType::pdf;
 }
 
+/// Those of the calling thread, where they are not wider.
+Limits LimitsOfPages() {
+  Limits most = CurrentLimits();
+  most.pictureBytes = std::min(most.pictureBytes, kMostBytes);
+  return most;
+}
+
 class Pages {
  public:
-  Pages(std::string file, Isolation isolation) : file_(std::move(file)), isolation_(isolation) {}
+  Pages(std::string file, Isolation isolation)
+      : file_(std::move(file)), isolation_(isolation), limits_(LimitsOfPages()) {}
 
   QImage Draw(int page, int side, const std::atomic<bool>& isCanceled) {
     // A job that was canceled may end after its successor began.
@@ -43,9 +52,7 @@ class Pages {
       isPdf_ = IsPdfFile(file_);
       isKnown_ = true;
     }
-    Limits limits;
-    limits.pictureBytes = kMostBytes;
-    const LimitsScope scope(limits);
+    const LimitsScope scope(limits_);
     return isPdf_ ? DrawPdf(page, side, isCanceled) : DrawPicture(page, side, isCanceled);
   }
 
@@ -90,6 +97,7 @@ class Pages {
 
   const std::string file_;
   const Isolation isolation_;
+  const Limits limits_;
   std::mutex mutex_;
   bool isKnown_ = false, isPdf_ = false;
   std::unique_ptr<PdfDocument> pdf_;

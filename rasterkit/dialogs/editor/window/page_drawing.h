@@ -15,7 +15,8 @@ namespace rasterkit {
 /// on any thread, by one at a time.
 using PageDrawing = std::function<QImage(int page, int side, const std::atomic<bool>& isCanceled)>;
 
-/// Draws the pages of a file: a document or a PDF file, which stays open as long as the function.
+/// Draws the pages of a file: a document or a PDF file, which stays open as long as the
+/// function. It works under the limits of the thread that calls this.
 RASTERKIT_EXPORT PageDrawing DrawPagesOf(const std::string& file, Isolation isolation);
 
 }  // namespace rasterkit

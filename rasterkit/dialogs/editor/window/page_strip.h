@@ -2,7 +2,7 @@
 
 #include <QListView>
 
-#include <rasterkit/dialogs/editor/window/page_list.h>
+#include <rasterkit/dialogs/editor/window/page_strip_list.h>
 #include <rasterkit/runtime/export.h>
 
 namespace rasterkit {

@@ -1,3 +1,4 @@
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QEventLoop>
@@ -5,6 +6,7 @@
 #include <QLayout>
 #include <QListWidget>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
@@ -124,12 +126,34 @@ void TFormPictureEditor::ShowEditor() {
 
 bool TFormPictureEditor::EndSession(bool mayAsk) {
   if (!mayAsk || isClosed_ || !isVisible()) return true;
-  if (jobs_.IsRunning()) CancelJob();
+  if (!CloseChildWindows()) return false;
+  waiting_.clear();
+  if (jobs_.IsRunning() && !jobs_.IsSaving()) CancelJob();
   WaitForJobs();
-  model_->CancelOrClose();
+  model_->EndSession();
   // It may be saved first.
   WaitForJobs();
   return isClosed_;
+}
+
+/// Cancels the windows over this one; false if one of them stays.
+bool TFormPictureEditor::CloseChildWindows() {
+  while (QWidget* popup = QApplication::activePopupWidget()) {
+    if (!popup->close()) return false;
+  }
+  for (QWidget* top = QApplication::activeModalWidget(); top != nullptr && top != this;
+       top = QApplication::activeModalWidget()) {
+    auto* dialog = qobject_cast<QDialog*>(top);
+    const bool isMessage = qobject_cast<QMessageBox*>(top) != nullptr;
+    // A window with work of its own would ask about that work first.
+    if (dialog != nullptr && !isMessage) {
+      dialog->done(QDialog::Rejected);
+    } else {
+      top->close();
+    }
+    if (QApplication::activeModalWidget() == top) return false;
+  }
+  return true;
 }
 
 void TFormPictureEditor::WaitForJobs() {
@@ -156,6 +180,7 @@ void TFormPictureEditor::RunWaiting() {
     waiting_.erase(waiting_.begin());
     if (actions_[command].isEnabled()) Run(command);
   }
+  if (!isClosed_) ShowState();
 }
 
 void TFormPictureEditor::Run(EditorCommand command) {

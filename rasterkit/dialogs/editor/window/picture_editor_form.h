@@ -18,6 +18,7 @@
 #include <rasterkit/dialogs/editor/window/picture_pane.h>
 #include <rasterkit/qt/forms/scaled_form.h>
 #include <rasterkit/runtime/export.h>
+#include <rasterkit/runtime/files/file_facts.h>
 
 namespace rasterkit {
 
@@ -38,7 +39,8 @@ class RASTERKIT_EXPORT TFormPictureEditor : public TScaledForm, private EditorVi
 
   /// Shows the window until the model closes it.
   void ShowEditor();
-  /// Asks if work would be lost, unless it must not; true if the session may end. Work that is not
+  /// Cancels the windows over this one, waits for a save, and asks if work would be lost, unless it
+  /// must not; true if the session may end. Work that is not
   /// saved then is in the journal.
   bool EndSession(bool mayAsk);
 
@@ -78,6 +80,7 @@ class RASTERKIT_EXPORT TFormPictureEditor : public TScaledForm, private EditorVi
   void Run(EditorCommand command);
   void RunWaiting();
   void WaitForJobs();
+  bool CloseChildWindows();
   void RotateByField();
   void TakeResolution();
   void ShowPanels();
@@ -122,6 +125,7 @@ class RASTERKIT_EXPORT TFormPictureEditor : public TScaledForm, private EditorVi
   QPointer<QWidget> focusBefore_;
   /// The document whose pages are listed.
   std::string listedFile_;
+  FileFacts listedFacts_;
   int listedPages_ = 0;
   /// Destroyed first: a job ends before what it works on.
   EditorJobs jobs_;

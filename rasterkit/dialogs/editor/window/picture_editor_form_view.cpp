@@ -28,8 +28,9 @@
 namespace rasterkit {
 namespace {
 
-/// Lines of losses that are shown; the tip has all of them.
-constexpr size_t kShownLosses = 3;
+/// A property of the window, for programs that work it from outside.
+constexpr const char* kIsWorking = "isWorking";
+
 /// The topic that a host's help shows.
 constexpr int kHelpOfEditor = 530300;
 
@@ -60,6 +61,7 @@ bool TFormPictureEditor::IsIdle() const {
 
 void TFormPictureEditor::ShowState() {
   if (!model_) return;
+  setProperty(kIsWorking, jobs_.IsRunning() || model_->IsWorking() || !waiting_.empty());
   const QScopedValueRollback showing(isShowing_, true);
   const std::string title = model_->Title();
   setWindowTitle(title.empty() ? ResourceText(rsEditorWindow) : Filled(rsEditorTitle, title));
@@ -132,19 +134,11 @@ void TFormPictureEditor::ShowTexts() {
 }
 
 void TFormPictureEditor::ShowLosses() {
-  const std::vector<std::string> losses = model_->Losses();
-  QStringList shown, all;
-  for (const std::string& loss : losses) {
-    all += Filled(rsEditorLost, loss);
-    if (static_cast<size_t>(shown.size()) < kShownLosses) shown += all.last();
-  }
-  if (losses.size() > kShownLosses) {
-    shown.last() += u' ' + Filled(rsEditorMoreLosses, std::to_string(losses.size() - kShownLosses));
-  }
-  ui_.losses->setVisible(!losses.empty());
-  ui_.losses->setText(shown.join(u'\n'));
-  ui_.losses->setToolTip(all.join(u'\n'));
-  ui_.losses->setAccessibleDescription(all.join(u'\n'));
+  const QString losses = ToQt(model_->Losses()), details = ToQt(model_->LossDetails());
+  ui_.losses->setVisible(!losses.isEmpty());
+  ui_.losses->setText(losses);
+  ui_.losses->setToolTip(details);
+  ui_.losses->setAccessibleDescription(details);
 }
 
 void TFormPictureEditor::ShowSteps() {
@@ -170,8 +164,12 @@ void TFormPictureEditor::ShowSteps() {
 
 void TFormPictureEditor::ShowPages() {
   const int pages = options_.showsPages && model_->Pages() > 1 ? model_->Pages() : 0;
-  if (model_->PagesFile() != listedFile_ || pages != listedPages_) {
+  // A save writes other pages under the same name.
+  const FileFacts facts = pages == 0 ? FileFacts() : FactsOfFile(model_->PagesFile());
+  const bool isListed = model_->PagesFile() == listedFile_ && facts == listedFacts_;
+  if (!isListed || pages != listedPages_) {
     listedFile_ = model_->PagesFile();
+    listedFacts_ = facts;
     listedPages_ = pages;
     ui_.pages->SetDocument(
         pages, pages == 0 ? PageDrawing() : DrawPagesOf(listedFile_, options_.isolation));
@@ -210,6 +208,7 @@ void TFormPictureEditor::Enable(QWidget& widget, bool enabled) {
 
 void TFormPictureEditor::StartJob(EditorJob job) {
   jobTitle_ = job.title;
+  setProperty(kIsWorking, true);
   if (isJobShown_) ui_.progress->setRange(0, 0);
   jobs_.Start(std::move(job));
   jobDelay_.start();

@@ -14,7 +14,7 @@ class WrappedRow : public QLayout {
   Q_OBJECT
 
  public:
-  /// The layout asks for a width in which this many lines suffice.
+  /// The layout gets at least a width in which this many lines suffice.
   explicit WrappedRow(QWidget* parent, int mostLines);
   ~WrappedRow() override;
 

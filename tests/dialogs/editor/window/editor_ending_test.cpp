@@ -1,6 +1,8 @@
 // Saving, closing, and what is on the disk afterwards.
 
+#include <QDialog>
 #include <QMessageBox>
+#include <QTimer>
 
 #include "tests/dialogs/editor/window/editor_form_test.h"
 
@@ -184,6 +186,45 @@ TEST_F(EditorEnding, TheSession_Should_NotEnd_When_TheUserStays) {
   EXPECT_FALSE(form->EndSession(true));
   Answer("ButtonNo");
   EXPECT_TRUE(form->EndSession(true));
+}
+
+TEST_F(EditorEnding, TheSession_Should_CancelTheWindowsAboveFirst) {
+  int result = -1;
+  windows.crop = [&](TBitmap&, const Picture&, const ChooseCropOptions&,
+                     QWidget* parent) -> std::optional<RecipeCrop> {
+    QDialog above(parent);
+    QTimer::singleShot(0, &above, [&] {
+      // A message over the window.
+      QTimer::singleShot(0, &above, [&] {
+        Answer("ButtonNo");
+        EXPECT_TRUE(form->EndSession(true));
+        EXPECT_FALSE(above.isVisible());
+      });
+      QMessageBox(QMessageBox::Information, {}, "Above", QMessageBox::Ok, &above).exec();
+    });
+    result = above.exec();
+    return std::nullopt;
+  };
+  const std::string file = WritePicture("plan.png"), before = ReadFile(file);
+  Show(file);
+  Use("TurnLeft");
+  Use("Crop");
+  EXPECT_EQ(result, QDialog::Rejected);
+  EXPECT_EQ(words, QStringList({"Cancel", "Discard", "Save"}));
+  EXPECT_FALSE(form->isVisible());
+  EXPECT_EQ(ReadFile(file), before);
+}
+
+TEST_F(EditorEnding, TheSession_Should_WaitForASave) {
+  const std::string file = WritePicture("plan.png", 1500, 1200), other = folder / "other.png";
+  Show(file);
+  Use("TurnLeft");
+  savingAnswer = SavingChoice{other, {}, false};
+  Action("SaveAs").trigger();
+  ASSERT_TRUE(form->IsJobRunning());
+  EXPECT_TRUE(form->EndSession(true));
+  EXPECT_FALSE(form->isVisible());
+  ExpectSize(other, 1200, 1500);
 }
 
 TEST_F(EditorEnding, TheSession_Should_EndWithoutAQuestion_When_NoneMayBeAsked) {

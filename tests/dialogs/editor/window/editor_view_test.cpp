@@ -15,6 +15,7 @@
 #include <rasterkit/pictures/document/document.h>
 #include <rasterkit/qt/controls/edits.h>
 #include <rasterkit/qt/forms/language.h>
+#include <rasterkit/runtime/limits.h>
 #include <rasterkit/runtime/ports.h>
 
 #include "tests/dialogs/editor/window/editor_form_test.h"
@@ -172,6 +173,26 @@ TEST_F(EditorLook, ThePages_Should_BeChosenByClickEnterAndNumber) {
   WaitForJobs();
   EXPECT_EQ(form->Model().Page(), 1);
   EXPECT_TRUE(form->isVisible());
+}
+
+TEST_F(EditorLook, ThePages_Should_BeDrawnAnew_When_TheirFileIsSaved) {
+  const std::string file = WritePages(3);
+  Show(file);
+  auto& strip = Find<PageStrip>("ListPages");
+  // Empty while the page is not drawn.
+  const auto first = [&] {
+    const auto icon = strip.model()->index(0, 0).data(Qt::DecorationRole).value<QIcon>();
+    const QImage image = icon.pixmap(icon.availableSizes().value(0)).toImage();
+    const bool isDrawn = image.pixelColor(image.width() / 2, image.height() / 2).alpha() != 0;
+    return isDrawn ? image.size() : QSize();
+  };
+  constexpr int kMost = 20'000;
+  ASSERT_TRUE(QTest::qWaitFor([&] { return first().width() > first().height(); }, kMost));
+  Use("TurnLeft");
+  savingAnswer = SavingChoice{file, {}, true};
+  Use("SaveAs");
+  EXPECT_EQ(form->Model().PagesFile(), file);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return first().width() < first().height(); }, kMost));
 }
 
 TEST_F(EditorLook, OnlyPagesThatAreSeen_Should_BeDrawn) {
@@ -417,6 +438,20 @@ TEST_F(EditorLook, Mnemonics_Should_BeUniqueInTheWindowAndInEachMenu) {
     check(window);
   }
   SetLanguage("");
+}
+
+TEST_F(EditorFormTest, SmallPages_Should_BeDrawnUnderTheLimitsOfTheCaller) {
+  const std::string file = WritePicture("plan.png");
+  const std::atomic<bool> isCanceled = false;
+  Limits limits;
+  limits.side = 50;
+  PageDrawing limited;
+  {
+    const LimitsScope scope(limits);
+    limited = DrawPagesOf(file, Isolation::none);
+  }
+  EXPECT_TRUE(limited(1, 20, isCanceled).isNull());
+  EXPECT_FALSE(DrawPagesOf(file, Isolation::none)(1, 20, isCanceled).isNull());
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 
-#include <rasterkit/dialogs/editor/window/page_list.h>
+#include <rasterkit/dialogs/editor/window/page_strip_list.h>
 #include <rasterkit/qt/qt_text.h>
 #include <rasterkit/strings/format_text.h>
 
