@@ -158,7 +158,7 @@ void EditorModel::State::TakeSaved(const Report& report, const Recipe& recipe) {
   if (target.facts.IsSameFile(FactsOfFile(source.request.file))) isSourceReplaced = true;
   const bool keepsPages = source.type == PictureType::tiff && report.type == PictureType::tiff;
   if (source.pages > 1 && keepsPages) pagesFile = target.file;
-  written = {target.file, recipe};
+  written = {target.file, recipe, source.request.page, source.dpi.value_or(0), source.type};
   NoteWork();
   if (options.onSaved) options.onSaved(target.file, recipe, report);
 }
