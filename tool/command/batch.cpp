@@ -38,6 +38,10 @@ std::string UsualName(const OutputOptions& options, const std::string& input) {
   const std::string name = NameOfInput(input);
   if (options.type.empty()) return name;
   const bool hasDot = options.type.starts_with('.');
+  const PictureType own = WritableType(name);
+  const bool isOfType =
+      own != PictureType::unknown && own == WritableType((hasDot ? "x" : "x.") + options.type);
+  if (options.keepsExtension && isOfType) return name;
   return ChangeFileExt(name, (hasDot ? "" : ".") + options.type);
 }
 

@@ -34,6 +34,8 @@ struct OutputOptions {
   /// The extension of the outputs in `outDir`, with or without its dot, or the type of the output
   /// "-". Empty keeps that of each input.
   std::string type;
+  /// An input whose extension means `type` keeps it: ".jpeg" stays.
+  bool keepsExtension = false;
   /// With `outDir`: the pattern of the names of outputs; see CheckNamePattern. Empty: the names of
   /// the inputs.
   std::string name;
@@ -116,7 +118,7 @@ struct PictureOptions {
   bool shrinksOnLoad = false;
   /// What a JPEG file holds beside its picture does not matter.
   bool skipsHidden = false;
-  /// Nothing is written if the encoded pixels cannot be copied.
+  /// An output of the type of its input is not written if the encoded pixels cannot be copied.
   bool copiesPixels = false;
   /// Threads for a picture and for reading and writing TIFF files; 0 is one per processor.
   int threads = 0;

@@ -202,7 +202,8 @@ void NoteOtherCompression(const PictureWork& work, const Report& report, JobResu
 
 /// Pixels that cannot be copied would be encoded anew.
 void RequireCopy(const PictureWork& work, const Report& report) {
-  if (!work.options.copiesPixels || report.isCopied) return;
+  const bool isOtherType = report.type != work.picture.SourceType();
+  if (!work.options.copiesPixels || report.isCopied || isOtherType) return;
   throw Failure(exitInputUnreadable,
                 work.job.input + ": the encoded pixels are damaged and cannot be copied");
 }

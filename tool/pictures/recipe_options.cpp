@@ -5,6 +5,13 @@
 namespace rasterkit::tool {
 namespace {
 
+/// All that can be kept is gone: what else is stripped is part of it.
+bool StripsAllAlone(const MetadataEdit& edit) {
+  MetadataEdit rest = edit;
+  rest.stripAll = rest.stripGps = rest.stripThumbnail = rest.stripMakerNote = false;
+  return edit.stripAll && rest.IsEmpty();
+}
+
 bool IsOnly(const MetadataEdit& edit, bool MetadataEdit::*strip) {
   MetadataEdit rest = edit;
   rest.*strip = false;
@@ -12,7 +19,7 @@ bool IsOnly(const MetadataEdit& edit, bool MetadataEdit::*strip) {
 }
 
 RecipeSave::Keep KeepOf(const MetadataEdit& edit) {
-  if (IsOnly(edit, &MetadataEdit::stripAll)) return RecipeSave::Keep::nothing;
+  if (StripsAllAlone(edit)) return RecipeSave::Keep::nothing;
   if (IsOnly(edit, &MetadataEdit::stripGps)) return RecipeSave::Keep::withoutGps;
   return RecipeSave::Keep::all;
 }

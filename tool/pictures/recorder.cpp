@@ -36,6 +36,7 @@ std::optional<PictureType> TypeOf(const std::string& format, const PictureWork& 
 bool IsSameFile(const std::string& a, const std::string& b) {
   if (IsStandardStream(a) || IsStandardStream(b)) return false;
   std::error_code error;
+  if (std::filesystem::equivalent(ToPath(a), ToPath(b), error)) return true;
   return std::filesystem::weakly_canonical(ToPath(a), error) ==
          std::filesystem::weakly_canonical(ToPath(b), error);
 }
@@ -68,12 +69,16 @@ void Recorder::Take(const PictureWork& work) {
 void Recorder::Take(const Recipe& recipe) {
   Recipe own = recipe;
   own.madeWith = "rasterkit " RASTERKIT_VERSION;
+  const std::optional<PictureType> type = std::exchange(own.save.type, std::nullopt);
   std::string text = WriteRecipe(own);
   const std::lock_guard lock(mutex_);
   if (std::exchange(isTaken_, true)) {
     differs_ = differs_ || text != text_;
+    if (type != recipe_.save.type) recipe_.save.type.reset();
   } else {
     text_ = std::move(text);
+    recipe_ = std::move(own);
+    recipe_.save.type = type;
   }
 }
 
@@ -86,7 +91,7 @@ std::string Recorder::Text(const std::string& file) const {
                       "of one picture");
   }
   if (!isTaken_) throw Failure(exitOutputNotWritten, file + ": not written: there is no recipe");
-  return text_;
+  return WriteRecipe(recipe_);
 }
 
 Option AddRecord(Verb& verb, std::string& file) {
@@ -106,13 +111,18 @@ void RefuseRecord(Verb& verb, const std::string& why) {
       .Hidden();
 }
 
-void CheckRecord(const std::string& file, bool overwrite, const std::vector<Job>& jobs) {
+void CheckRecord(const std::string& file, bool overwrite, const std::vector<Job>& jobs,
+                 const std::vector<std::string>& others) {
   if (IsStandardStream(file)) {
     throw Failure(exitWrongUsage, "--record needs the name of a file");
   }
   for (const Job& job : jobs) {
     if (!IsSameFile(file, job.input) && !IsSameFile(file, job.output)) continue;
     throw Failure(exitWrongUsage, file + ": is one of the pictures and cannot be the recipe");
+  }
+  for (const std::string& other : others) {
+    if (other.empty() || !IsSameFile(file, other)) continue;
+    throw Failure(exitWrongUsage, file + ": is read and cannot be the recipe of --record");
   }
   std::error_code error;
   const std::filesystem::path path = ToPath(file);
@@ -129,9 +139,9 @@ void CheckRecord(const std::string& file, bool overwrite, const std::vector<Job>
 }
 
 void StartRecording(const OutputOptions& output, PictureOptions& picture,
-                    const std::vector<Job>& jobs) {
+                    const std::vector<Job>& jobs, const std::vector<std::string>& others) {
   if (output.record.empty()) return;
-  CheckRecord(output.record, output.overwrite, jobs);
+  CheckRecord(output.record, output.overwrite, jobs, others);
   for (const Job& job : jobs) {
     if (!IsMetafileName(job.output)) continue;
     throw Failure(exitWrongUsage, job.output +

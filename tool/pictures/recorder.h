@@ -24,13 +24,16 @@ class Recorder {
   void Take(const PictureWork& work);
   /// A recipe that was made elsewhere.
   void Take(const Recipe& recipe);
-  /// The recipe. Throws Failure(exitOutputNotWritten) if the pictures have different ones, or if
-  /// there were none.
+  /// The recipe. Where no format was typed and the pictures disagree, it states no type. Throws
+  /// Failure(exitOutputNotWritten) if the pictures have different ones, or if there were none.
   std::string Text(const std::string& file) const;
 
  private:
   std::string format_;
   mutable std::mutex mutex_;
+  /// Of the first picture.
+  Recipe recipe_;
+  /// Without the type.
   std::string text_;
   bool isTaken_ = false, differs_ = false;
 };
@@ -41,12 +44,14 @@ Option AddRecord(Verb& verb, std::string& file);
 void RefuseRecord(Verb& verb, const std::string& why);
 
 /// Throws Failure(exitOutputNotWritten) if the file of --record cannot be written, and
-/// Failure(exitWrongUsage) if a job reads or writes it.
-void CheckRecord(const std::string& file, bool overwrite, const std::vector<Job>& jobs = {});
+/// Failure(exitWrongUsage) if a job reads or writes it, or if it is one of `others`, which are read
+/// as well; empty names are none.
+void CheckRecord(const std::string& file, bool overwrite, const std::vector<Job>& jobs = {},
+                 const std::vector<std::string>& others = {});
 
 /// Checks the file of --record, if there is one, and lets `picture` record.
 void StartRecording(const OutputOptions& output, PictureOptions& picture,
-                    const std::vector<Job>& jobs);
+                    const std::vector<Job>& jobs, const std::vector<std::string>& others = {});
 
 /// Writes the recipe if `code` says that all outputs were written, and names options that it does
 /// not hold. Returns the exit code. Throws Failure(exitOutputNotWritten).

@@ -32,6 +32,7 @@ Option PictureVerb::Color(const std::string& name, std::string& value,
 
 void PictureVerb::With(std::string& file) {
   Text("--with", "FILE", file, {}, "the second picture; it is turned upright as well").Required();
+  AlsoReads([&file] { return std::vector{file}; });
 }
 
 void PictureVerb::Percent(int& percent) {
@@ -96,7 +97,7 @@ VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
   AddSharedOptions();
   return [output = output_, picture = picture_, answer = answer_, asksUser = asksUser_,
           answerForFiles = answerForFiles_, asksAboutFiles = asksAboutFiles_, begin = begin_,
-          individual = individual_, prepare = std::move(prepare)] {
+          individual = individual_, others = others_, prepare = std::move(prepare)] {
     if (begin) begin(*output, *picture);
     if (asksUser != nullptr && *asksUser && output->jobs > 1) {
       throw Failure(exitWrongUsage,
@@ -113,7 +114,9 @@ VerbRunner PictureVerb::ChangingAfter(std::function<PictureChange()> prepare) {
     const std::vector<Job> jobs = JobsOfPages(PlanJobs(*output), *output, *picture);
     picture->showsProgress = jobs.size() == 1 && !output->quiet;
     if (jobs.size() > 1 && !output->record.empty()) RequireOneRecipe(individual);
-    StartRecording(*output, *picture, jobs);
+    std::vector<std::string> read = others ? others() : std::vector<std::string>();
+    read.push_back(picture->worldFile);
+    StartRecording(*output, *picture, jobs, read);
     const PictureChange change = prepare();
     const int code = RunJobs(*output, jobs, [&](const Job& job) {
       return ChangePicture(job, *picture, output->dryRun, change);

@@ -20,7 +20,9 @@ namespace rasterkit::tool {
 ///       PictureVerb verb(line, {"fade", "make a picture fainter", {}, {"rasterkit fade ..."}});
 ///       const auto percent = std::make_shared<int>(0);
 ///       verb.Number("--percent", "P", *percent, {0, 100}, "how much").Required();
-///       return verb.Changing([percent](PictureWork& work) { work.picture.Change(Fade{*percent});
+///       return verb.Changing([percent](PictureWork& work) {
+///         // --record writes what is added here.
+///         work.Add(ChangeStep{Fade{*percent}});
 ///       });
 ///     }
 class PictureVerb : public Verb {
@@ -50,6 +52,9 @@ class PictureVerb : public Verb {
   /// The outputs are small pictures to look at, in a type of --format, without metadata and
   /// position.
   void MakesPreviews();
+  /// Files besides the inputs that are known when the verb has begun: --record must not replace
+  /// them.
+  void AlsoReads(std::function<std::vector<std::string>()> files) { others_ = std::move(files); }
   /// The options that all verbs share, for a verb that adds one of its own to them.
   const std::shared_ptr<PictureOptions>& Options() { return picture_; }
 
@@ -94,6 +99,7 @@ class PictureVerb : public Verb {
   std::string filesName_, filesDescription_;
   std::function<void(OutputOptions& output, PictureOptions& picture)> begin_;
   std::vector<const bool*> individual_;
+  std::function<std::vector<std::string>()> others_;
   bool drawsMetafiles_ = false;
   bool uncoversCorners_ = false;
   bool makesPreviews_ = false;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -6,9 +7,12 @@
 #include <vector>
 
 #include <rasterkit/codecs/codec_table.h>
+#include <rasterkit/metadata/exif_resolution.h>
 #include <rasterkit/pictures/recipes/recipe_output.h>
+#include <rasterkit/runtime/errors.h>
 
 #include "tool/command/exit_code.h"
+#include "tool/command/limit_options.h"
 #include "tool/command/standard_input.h"
 #include "tool/pictures/change_pages.h"
 #include "tool/pictures/recipe_input.h"
@@ -32,6 +36,31 @@ std::vector<SlotFile> SlotFilesOf(const ApplyOptions& options) {
   return files;
 }
 
+bool ChangesMetadata(const RecipeStep& step) {
+  return std::holds_alternative<EditStep>(step) || std::holds_alternative<RecipeCopy>(step);
+}
+
+/// Nothing in the steps or the options needs pixels that are encoded anew.
+bool CopiesPixels(const Recipe& recipe, const PictureOptions& picture) {
+  const bool isAsBefore = picture.bits == 0 && !picture.quality && picture.chromaX == 0 &&
+                          !picture.pngLevel && !picture.compression;
+  return recipe.isAsStored && isAsBefore &&
+         std::all_of(recipe.steps.begin(), recipe.steps.end(), ChangesMetadata);
+}
+
+/// A picture as it is stored lies on its side in a file that states no orientation.
+void RequireOrientation(const PictureWork& work) {
+  const PictureType source = work.picture.SourceType();
+  const PictureType target =
+      IsStandardStream(work.job.output) ? work.job.type.value_or(source) : work.TargetType();
+  const bool statesIt =
+      target == source || target == PictureType::jpeg || target == PictureType::png;
+  const std::vector<uint8_t>& exif = work.picture.GetMetadata().exif;
+  if (statesIt || exif.empty() || OrientationOf(ExifBlock(exif)).value_or(1) == 1) return;
+  work.Refuse(std::string("the recipe leaves the pixels as they are stored, and a ") +
+              PictureTypeName(target) + " file cannot state how to turn them");
+}
+
 /// The recipe is the first of the files.
 void TakeRecipe(ApplyOptions& options, OutputOptions& output, PictureOptions& picture) {
   options.file = output.files.front();
@@ -51,11 +80,14 @@ void TakeRecipe(ApplyOptions& options, OutputOptions& output, PictureOptions& pi
   // What is to be gone must not be left on another page.
   picture.editOfOthers = StripsIn(recipe.steps);
   AddStrips(picture.editOfOthers, picture.edit);
-  if (recipe.isAsStored) picture.isAsStored = picture.copiesPixels = true;
+  picture.isAsStored = recipe.isAsStored;
+  picture.copiesPixels = CopiesPixels(recipe, picture);
   // A name that is typed has its own type.
   const bool takesType = recipe.save.type && output.type.empty() &&
                          (!output.outDir.empty() || IsStandardStream(output.files.back()));
-  if (takesType) output.type = std::string(FindCodec(*recipe.save.type)->extensions.front());
+  if (!takesType) return;
+  output.type = std::string(FindCodec(*recipe.save.type)->extensions.front());
+  output.keepsExtension = true;
 }
 
 /// Errors of a step name the recipe and the step.
@@ -63,10 +95,16 @@ void Apply(const ApplyOptions& options, const RecipeSlots& slots, PictureWork& w
   Recipe steps = options.recipe;
   // The options have taken over how it is written.
   steps.save = {};
+  if (steps.isAsStored) RequireOrientation(work);
   try {
     ApplyRecipe(work.picture, steps, slots);
-  } catch (const RangeError& error) {
-    work.Refuse(options.file + ": " + error.Reason());
+  } catch (const CanceledError&) {
+    throw;
+  } catch (const FormatError& error) {
+    throw Failure(exitInputUnreadable,
+                  work.job.input + ": " + options.file + ": " + error.Reason());
+  } catch (const Error& error) {
+    work.Refuse(options.file + ": " + ReasonWithOption(error));
   }
   work.recipe.steps.insert(work.recipe.steps.end(), steps.steps.begin(), steps.steps.end());
 }
@@ -85,8 +123,7 @@ VerbRunner AddApplyVerb(CommandLine& line) {
         "Each picture is turned upright first. Then the steps are made in their order. A step that "
         "does not fit a picture, such as a crop outside of it, is an error, and that picture is "
         "not written (exit code 4). What a step states in percent, millimeters or map units is "
-        "worked "
-        "out for each picture.",
+        "worked out for each picture.",
         "Options win over what the recipe says about saving: --quality 80 counts, whatever quality "
         "the recipe states. With --out-dir, the outputs have the type of the recipe, or that of "
         "their input if it states none; --format wins over both. A single output has the type of "
@@ -112,6 +149,11 @@ VerbRunner AddApplyVerb(CommandLine& line) {
   verb.Flag("--shrink-on-load", verb.Options()->shrinksOnLoad,
             "decode a JPEG file smaller before it shrinks, as 'rasterkit resize' does");
   verb.DrawsMetafiles();
+  verb.AlsoReads([options] {
+    std::vector<std::string> files = {options->file};
+    for (const SlotFile& slot : SlotFilesOf(*options)) files.push_back(slot.file);
+    return files;
+  });
   verb.Beginning([options](OutputOptions& output, PictureOptions& picture) {
     TakeRecipe(*options, output, picture);
   });

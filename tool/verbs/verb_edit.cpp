@@ -4,7 +4,7 @@
 #include <new>
 #include <string>
 
-#include <fmt/core.h>
+#include <fmt/format.h>
 
 #include <rasterkit/pictures/picture.h>
 #include <rasterkit/runtime/errors.h>
@@ -90,10 +90,31 @@ void SaySaved(const std::string& file, const Report& report) {
   std::fflush(stdout);
 }
 
-void Record(const Recipe& recipe, const EditOptions& options) {
+/// A recipe is for one picture: 'apply' must be told which page and how it is drawn.
+void SayWhatApplyNeeds(const EditedPicture& edited, const std::string& record) {
+  std::vector<std::string> needs;
+  if (edited.page > 1) needs.push_back(fmt::format("--page {}", edited.page));
+  if (edited.dpi > 0) needs.push_back(fmt::format("--dpi {:.10g}", edited.dpi));
+  if (needs.empty()) return;
+  const char* const user = edited.sourceType == PictureType::pdf
+                               ? "with which 'rasterkit pdf' draws the page for 'rasterkit apply'"
+                               : "which 'rasterkit apply' needs too";
+  PrintMessage(fmt::format("{}: does not hold {}, {}", record, fmt::join(needs, " "), user));
+}
+
+void Record(const EditedPicture& edited, const EditOptions& options, const std::string& record,
+            const std::vector<Job>& saved) {
   Recorder recorder({});
-  recorder.Take(recipe);
-  WriteRecipeFile(options.record, recorder.Text(options.record), {options.overwrite});
+  recorder.Take(edited.recipe);
+  const std::string text = recorder.Text(record);
+  // The window can write files that nobody knew when it opened.
+  CheckRecord(record, options.overwrite, saved);
+  WriteRecipeFile(record, text, {options.overwrite});
+  SayWhatApplyNeeds(edited, record);
+}
+
+std::string FullName(const std::string& file) {
+  return std::filesystem::absolute(ToPath(file)).string();
 }
 
 int Run(const EditOptions& options) {
@@ -103,23 +124,26 @@ int Run(const EditOptions& options) {
     throw Failure(exitInputUnreadable, file + ": no such file");
   }
   if (!options.record.empty()) CheckRecord(options.record, options.overwrite, {{file, file}});
-  const Desktop desktop;
-  if (file.empty()) file = desktop.ChooseFile();
   // A file dialog may change the current folder.
-  const std::filesystem::path folder = std::filesystem::current_path();
-  file = std::filesystem::absolute(ToPath(file)).string();
+  const std::string record = options.record.empty() ? "" : FullName(options.record);
+  const Desktop desktop;
+  if (file.empty()) {
+    file = desktop.ChooseFile();
+    if (!record.empty()) CheckRecord(record, options.overwrite, {{file, file}});
+  }
+  file = FullName(file);
   RequireReadableOrTell(desktop, file, options.page);
   EditPictureOptions editing;
   editing.page = options.page;
   editing.dpi = options.dpi;
   editing.isolation = EditIsolation();
-  editing.onSaved = [](const std::string& saved, const Recipe&, const Report& report) {
+  std::vector<Job> jobs = {{file, file}};
+  editing.onSaved = [&](const std::string& saved, const Recipe&, const Report& report) {
+    jobs.push_back({saved, saved});
     SaySaved(saved, report);
   };
   const EditedPicture edited = desktop.EditPicture(file, editing);
-  if (options.record.empty()) return exitDone;
-  std::filesystem::current_path(folder);
-  Record(edited.recipe, options);
+  if (!record.empty()) Record(edited, options, record, jobs);
   return exitDone;
 }
 
@@ -130,20 +154,17 @@ VerbRunner AddEditVerb(CommandLine& line) {
       {"edit",
        "edit a picture or a page of a PDF file in a window",
        {"The window turns, mirrors, crops and resizes the picture and changes its colors, with "
-        "undo "
-        "and redo. A page of a PDF file and a metafile are drawn at the resolution that you "
+        "undo and redo. A page of a PDF file and a metafile are drawn at the resolution that you "
         "choose.",
         "OK writes the file that was opened, after a question, with its type and quality; 'Save "
-        "as' "
-        "writes another one. A page of a PDF file is written as a picture. The name of each file "
+        "as' writes another one. A page of a PDF file is written as a picture. The name of each "
+        "file "
         "that is written is printed on stdout, and what it lacks on stderr. If nothing was "
-        "written, "
-        "the exit code is 1.",
+        "written, the exit code is 1.",
         "--record writes the steps that led to the file which was written last as a recipe: "
         "'rasterkit apply' does the same to any number of pictures.",
         "Without FILE a window lets you choose one. If the file cannot be opened, a window says "
-        "so, "
-        "and the exit code is 3.",
+        "so, and the exit code is 3.",
         "The file is read in a process of its own, which a damaged or hostile file cannot leave."},
        {"rasterkit edit photo.jpg", "rasterkit edit plan.pdf --page 3 --dpi 300",
         "rasterkit edit scan1.tif --record clean.json"}});

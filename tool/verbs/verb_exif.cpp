@@ -135,7 +135,9 @@ JobResult TakeThumbnail(const Job& job, const PictureOptions& options) {
 /// The output has the type of the input, because no pixel is encoded.
 void RequireSameType(const PictureWork& work) {
   const PictureType type = work.picture.SourceType();
-  if (IsStandardStream(work.job.output) || WritableType(work.job.output) == type) return;
+  const PictureType target =
+      IsStandardStream(work.job.output) ? work.job.type.value_or(type) : work.TargetType();
+  if (target == type) return;
   work.Refuse(std::string("this is a ") + PictureTypeName(type) +
               " file; 'exif' writes files of the type that it reads, and no pixel anew ('rasterkit "
               "convert' writes other types)");
@@ -209,7 +211,7 @@ int Write(const OutputOptions& output, const ExifOptions& options, PictureOption
     slots.emplace(kSlot, photo);
   }
   const std::vector<RecipeStep> steps = StepsOf(edit, options);
-  StartRecording(output, picture, jobs);
+  StartRecording(output, picture, jobs, {options.copyFrom});
   picture.showsProgress = jobs.size() == 1 && !output.quiet;
   const bool copies = !slots.empty();
   const int code = RunJobs(output, jobs, [&](const Job& job) {

@@ -68,6 +68,8 @@ VerbRunner AddResizeVerb(CommandLine& line) {
             "file, before it shrinks: fast, with slightly different colors; no effect with "
             "--filter nearest and linear");
   verb.Flag("--smooth", options->smooth, "average pictures with a palette as well").Hidden();
+  // It grows one picture with another filter than it shrinks the next one.
+  verb.DiffersByPicture(options->smooth);
   verb.Dialog(options->asksUser, "enter the size in a window that starts with the one of --size");
   AddFilter(verb, *verb.Options(),
             "nearest, linear or area [area when shrinking, linear when growing, nearest for "

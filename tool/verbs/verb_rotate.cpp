@@ -55,10 +55,9 @@ VerbRunner AddRotateVerb(CommandLine& line) {
         "--north-up turns a picture that is placed on a map so that its columns run east and its "
         "rows south.",
         "--deskew finds the angle of a scanned plan or text, less than 15 degrees, and turns it "
-        "straight. "
-        "A scan that lies straight within 0.05 degrees, and a picture without straight lines such "
-        "as "
-        "a photograph, are not turned."},
+        "straight. A scan that lies straight within 0.05 degrees, and a picture without straight "
+        "lines such "
+        "as a photograph, are not turned."},
        {"rasterkit rotate plan.png turned.png --angle 30 --fill C0C0C0",
         "rasterkit rotate photo.jpg left.jpg --angle 90",
         "rasterkit rotate scan.tif map.tif --north-up --fill transparent",

@@ -87,8 +87,8 @@ VerbRunner AddSaveAsVerb(CommandLine& line) {
       {"save-as",
        "save a picture under a name chosen in a window",
        {"The window lets you choose folder, name, file type and settings such as depth and "
-        "quality. "
-        "They start with those of FILE. What would be lost, and the size of the file, are shown "
+        "quality. They start with those of FILE. What would be lost, and the size of the file, are "
+        "shown "
         "before you save.",
         "The picture is turned upright and written, and its name is printed. Canceling the window "
         "ends with exit code 1."},

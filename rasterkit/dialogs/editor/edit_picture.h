@@ -43,6 +43,12 @@ struct EditedPicture {
   std::string file;
   /// The recipe that made it from the source.
   Recipe recipe;
+  /// The page of a document or a PDF file that it is for, counted from 1.
+  int page = 1;
+  /// Resolution at which a PDF page or a metafile was drawn; 0 for other pictures.
+  double dpi = 0;
+  /// Type of the source; `pdf` for a page of a PDF file.
+  PictureType sourceType = PictureType::unknown;
 };
 
 /// Lets the user edit the picture of a file: a picture of any kind that the library reads, a page

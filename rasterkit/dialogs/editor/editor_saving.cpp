@@ -172,7 +172,7 @@ void EditorModel::State::TakeSaved(const Report& report, const Recipe& recipe) {
   }
   const bool keepsPages = source.type == PictureType::tiff && report.type == PictureType::tiff;
   if (source.pages > 1 && keepsPages) pagesFile = target.file;
-  written = {target.file, recipe};
+  written = {target.file, recipe, source.request.page, source.dpi.value_or(0), source.type};
   NoteWork();
   if (options.onSaved) options.onSaved(target.file, recipe, report);
 }

@@ -141,6 +141,9 @@ TEST_F(CliDialogEdit, Page_Should_BeInTheFile_AsItWasChosen) {
           "click ToolMirror; click nbPost");
   EXPECT_EQ(result.code, 0) << result.err;
   EXPECT_EQ(result.out, (folder_ / "plan.png") + "\n");
+  EXPECT_EQ(result.err, "rasterkit: " + (folder_ / "r.json") +
+                            ": does not hold --page 2 --dpi 200, with which 'rasterkit pdf' draws "
+                            "the page for 'rasterkit apply'\n");
   ASSERT_EQ(RunTool({"pdf", page, folder_ / "drawn.png", "--page", "2", "--dpi", "200"}).code, 0);
   Applied("drawn.png", "same.png");
   EXPECT_TRUE(SamePixels(LoadFile(folder_ / "same.png"), LoadFile(folder_ / "plan.png")));
@@ -174,6 +177,45 @@ TEST_F(CliDialogEdit, RecipeThatExists_Should_Exit4_WithoutAWindow) {
   EXPECT_EQ(result.code, 4);
   EXPECT_EQ(result.err,
             "rasterkit: " + (folder_ / "r.json") + ": already exists (--overwrite replaces it)\n");
+}
+
+/// Which files a window reads and writes is known late.
+TEST_F(CliDialogEdit, FilesOfTheWindow_Should_NotBeReplacedByTheRecipe) {
+  SavePngFile(folder_ / "in.png", GradientRaster(pf24bit, 60, 40));
+  const std::vector<uint8_t> before = ReadBytes(folder_ / "in.png");
+  const ToolResult chosen = Run({"edit", "--record", folder_ / "in.png", "--overwrite"},
+                                "enter fileNameEdit " + (folder_ / "in.png"));
+  EXPECT_EQ(chosen.code, 2);
+  EXPECT_THAT(chosen.err, HasSubstr("in.png: is one of the pictures and cannot be the recipe"));
+  EXPECT_EQ(ReadBytes(folder_ / "in.png"), before);
+  const ToolResult saved =
+      Run({"edit", folder_ / "in.png", "--record", folder_ / "out.png", "--overwrite"},
+          "click ToolMirror; click ToolSaveAs; click nbCancel | type EditName out.png; "
+          "click SaveButton");
+  EXPECT_EQ(saved.code, 2);
+  EXPECT_THAT(saved.err, HasSubstr("out.png: is one of the pictures and cannot be the recipe"));
+  EXPECT_EQ(LoadFile(folder_ / "out.png").Width(), 60);
+}
+
+TEST_F(CliDialogEdit, PageOfTheRecipe_Should_BeSaid) {
+  SavePngFile(folder_ / "in.png", GradientRaster(pf24bit, 60, 40));
+  const std::string pages = folder_ / "pages.tif";
+  ASSERT_EQ(RunTool({"pages", folder_ / "in.png", folder_ / "in.png", pages}).code, 0);
+  const ToolResult result =
+      Run({"edit", pages, "--page", "2", "--record", folder_ / "r.json"},
+          "click ToolMirror; click ToolSaveAs; click nbCancel | type EditName out.png; "
+          "click SaveButton");
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_THAT(result.err, HasSubstr((folder_ / "r.json") +
+                                    ": does not hold --page 2, which 'rasterkit apply' needs too"));
+  const std::string drawing = folder_ / "drawing.emf";
+  ASSERT_EQ(RunTool({"convert", folder_ / "in.png", drawing}).code, 0);
+  const ToolResult drawn =
+      Run({"edit", drawing, "--dpi", "50", "--record", folder_ / "drawn.json"},
+          "click ToolMirror; click ToolSaveAs; click nbCancel | type EditName drawn.png; "
+          "click SaveButton");
+  EXPECT_EQ(drawn.code, 0) << drawn.err;
+  EXPECT_THAT(drawn.err, HasSubstr("does not hold --dpi 50, which 'rasterkit apply' needs too"));
 }
 
 TEST_F(CliDialogEdit, FileThatCannotBeOpened_Should_Exit3_AndBeToldInAWindow) {

@@ -282,5 +282,86 @@ TEST_F(CliApply, PageOfADocument_Should_BeWrittenAsByTheLibrary) {
   }
 }
 
+/// One more pixel than a side can have would take hours, and a disk.
+TEST_F(CliApply, HugeSize_Should_BeRefused) {
+  const std::string out = folder_ / "out.png";
+  const ToolResult pixels = Apply(
+      {Recipe(R"({"step": "resize", "revision": 1, "unit": "px", "width": 1000001, "height": 1})"),
+       folder_ / "a.png", out});
+  EXPECT_EQ(pixels.code, 3);
+  EXPECT_THAT(pixels.err, HasSubstr("/steps/0/width: a side has at most 1000000 pixels"));
+  const ToolResult percent =
+      Apply({Recipe(R"({"step": "resize", "revision": 1, "unit": "percent", "width": 1e9})"),
+             folder_ / "a.png", out});
+  EXPECT_EQ(percent.code, 4);
+  EXPECT_THAT(percent.err,
+              HasSubstr("r.json: /steps/0: 410000000 x 230000000 is not a valid size"));
+  const ToolResult paper = Apply({Recipe(R"({"step": "resize", "revision": 1, "unit": "mm",
+      "width": 1000, "height": 1, "dpi": 90000})"),
+                                  folder_ / "a.png", out});
+  EXPECT_EQ(paper.code, 4);
+  EXPECT_THAT(paper.err, HasSubstr("3543307 x 3543 is not a valid size: width and height"));
+  const ToolResult typed = RunTool({"resize", folder_ / "a.png", out, "--size", "100000000%"});
+  EXPECT_EQ(typed.code, 4);
+  EXPECT_THAT(typed.err, HasSubstr("41000000 x 23000000 is not a valid size"));
+  EXPECT_FALSE(Exists("out.png"));
+}
+
+/// Pixels are copied where they can be, and encoded where another file asks for it.
+TEST_F(CliApply, MetadataAlone_Should_ReachFilesOfOtherTypes) {
+  const std::string photo = RASTERKIT_SAMPLES "/orientation-6.jpg", recipe = folder_ / "exif.json";
+  ASSERT_EQ(
+      RunTool({"exif", photo, folder_ / "q.jpg", "--set", "Artist=Ada", "--record", recipe}).code,
+      0);
+  ASSERT_EQ(Apply({recipe, photo, folder_ / "same.jpg"}).code, 0);
+  EXPECT_EQ(ReadBytes(folder_ / "q.jpg"), ReadBytes(folder_ / "same.jpg"));
+  const ToolResult png = Apply({recipe, photo, folder_ / "e.png"});
+  ASSERT_EQ(png.code, 0) << png.err;
+  for (const auto& [from, to] : {std::pair("q.jpg", "q.bmp"), std::pair("e.png", "e.bmp")}) {
+    ASSERT_EQ(RunTool({"convert", folder_ / from, folder_ / to}).code, 0);
+  }
+  EXPECT_TRUE(SamePixels(LoadFile(folder_ / "q.bmp"), LoadFile(folder_ / "e.bmp")))
+      << "it stands upright in both";
+  EXPECT_EQ(Apply({recipe, photo, folder_ / "small.jpg", "--quality", "20"}).code, 0);
+  EXPECT_EQ(Apply({recipe, photo, folder_ / "gray.jpg", "--bits", "8"}).code, 0);
+  EXPECT_LT(ReadBytes(folder_ / "small.jpg").size(), ReadBytes(folder_ / "q.jpg").size());
+  for (const char* type : {"bmp", "tiff"}) {
+    const std::string out = std::string("lying.") + type;
+    const ToolResult lying = Apply({recipe, photo, folder_ / out});
+    EXPECT_EQ(lying.code, 4);
+    EXPECT_THAT(lying.err, HasSubstr(std::string(type) + " file cannot state how to turn them"));
+    EXPECT_FALSE(Exists(out));
+  }
+}
+
+TEST_F(CliApply, ExtensionThatMeansTheTypeOfTheRecipe_Should_Stay) {
+  const std::string recipe = Recipe("", R"("save": {"type": "jpeg"})");
+  for (const char* name : {"p.jpeg", "q.JPG", "r.png"}) {
+    ASSERT_EQ(RunTool({"convert", folder_ / "a.png", folder_ / name}).code, 0);
+  }
+  const std::string out = folder_ / "out";
+  ASSERT_EQ(
+      Apply({recipe, folder_ / "p.jpeg", folder_ / "q.JPG", folder_ / "r.png", "--out-dir", out})
+          .code,
+      0);
+  for (const char* name : {"out/p.jpeg", "out/q.JPG", "out/r.jpg"}) EXPECT_TRUE(Exists(name));
+  ASSERT_EQ(Apply({recipe, folder_ / "p.jpeg", "--out-dir", out, "--format", "jpg"}).code, 0);
+  EXPECT_TRUE(Exists("out/p.jpg")) << "as typed";
+  const std::string tiff = Recipe("", R"("save": {"type": "tiff"})");
+  ASSERT_EQ(RunTool({"convert", folder_ / "a.png", folder_ / "t.tiff"}).code, 0);
+  ASSERT_EQ(Apply({tiff, folder_ / "t.tiff", "--out-dir", out}).code, 0);
+  EXPECT_TRUE(Exists("out/t.tiff"));
+}
+
+/// Errors of another kind than a step that does not fit name the recipe as well.
+TEST_F(CliApply, LimitThatAStepExceeds_Should_NameRecipeAndStep) {
+  const std::string recipe =
+      Recipe(R"({"step": "resize", "revision": 1, "unit": "px", "width": 5000, "height": 5000})");
+  const ToolResult result =
+      Apply({recipe, folder_ / "a.png", folder_ / "out.png", "--max-pixels", "1000000"});
+  EXPECT_EQ(result.code, 4);
+  EXPECT_THAT(result.err, AllOf(HasSubstr("r.json: /steps/0: "), HasSubstr("--max-pixels")));
+}
+
 }  // namespace
 }  // namespace rasterkit::test

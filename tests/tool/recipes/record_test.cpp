@@ -167,6 +167,73 @@ TEST_F(CliRecord, StepsOfEachPicture_Should_NeedOnePicture) {
   EXPECT_FALSE(std::filesystem::exists(folder_ / "out"));
 }
 
+TEST_F(CliRecord, FilterOfEachPicture_Should_NeedOnePicture) {
+  const ToolResult result =
+      RunTool({"resize", "--smooth", "--size", "35x35", folder_ / "a.png", folder_ / "b.png",
+               "--out-dir", folder_ / "out", "--record", recipe_});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "out"));
+  EXPECT_EQ(RunTool({"resize", "--smooth", "--size", "35x35", folder_ / "a.png", folder_ / "o.png",
+                     "--record", recipe_})
+                .code,
+            0);
+}
+
+/// A file whose name says another type than it has.
+TEST_F(CliRecord, TypesThatDiffer_Should_BeLeftOut) {
+  std::filesystem::copy_file(folder_ / "b.png", folder_ / "b.jpg");
+  const ToolResult result = RunTool({"mirror", "--vertical", folder_ / "a.png", folder_ / "b.jpg",
+                                     "--out-dir", folder_ / "out", "--record", recipe_});
+  ASSERT_EQ(result.code, 0) << result.err;
+  const std::vector<uint8_t> bytes = ReadBytes(recipe_);
+  EXPECT_FALSE(nlohmann::json::parse(bytes.begin(), bytes.end()).at("save").contains("type"));
+  ASSERT_EQ(RunTool({"apply", recipe_, folder_ / "a.png", folder_ / "b.jpg", "--out-dir",
+                     folder_ / "again"})
+                .code,
+            0);
+  for (const char* name : {"/a.png", "/b.jpg"}) {
+    EXPECT_EQ(ReadBytes((folder_ / "out") + name), ReadBytes((folder_ / "again") + name));
+  }
+}
+
+TEST_F(CliRecord, FilesThatAreRead_Should_NotBeReplaced) {
+  const std::string a = folder_ / "a.png", b = folder_ / "b.png", out = folder_ / "o.png";
+  const std::string photo = folder_ / "photo.jpg", other = folder_ / "other.jpg";
+  for (const std::string& file : {photo, other}) {
+    std::filesystem::copy_file(RASTERKIT_SAMPLES "/orientation-1.jpg", file);
+  }
+  WriteText(recipe_,
+            R"({"schema": 1, "steps": [{"step": "combine", "revision": 1, "slot": "over"}]})");
+  std::filesystem::create_symlink(recipe_, folder_ / "link.json");
+  const std::vector<std::vector<std::string>> lines = {
+      {"combine", a, out, "--with", b, "--record", b},
+      {"watermark", a, out, "--with", b, "--record", b},
+      {"exif", photo, folder_ / "o.jpg", "--copy-from", other, "--record", other},
+      {"apply", recipe_, a, out, "--with", "over=" + b, "--record", recipe_},
+      {"apply", recipe_, a, out, "--with", "over=" + b, "--record", folder_ / "link.json"},
+      {"apply", recipe_, a, out, "--with", "over=" + b, "--record", b}};
+  for (std::vector<std::string> line : lines) {
+    const std::string file = line.back();
+    const std::vector<uint8_t> before = ReadBytes(file);
+    line.emplace_back("--overwrite");
+    const ToolResult result = RunTool(line);
+    EXPECT_EQ(result.code, 2) << line[0] << result.err;
+    EXPECT_THAT(result.err, HasSubstr(file + ": is read and cannot be the recipe of --record"));
+    EXPECT_EQ(ReadBytes(file), before) << line[0];
+    EXPECT_FALSE(std::filesystem::exists(out)) << line[0];
+  }
+}
+
+TEST_F(CliRecord, AllMetadata_Should_GoWithWhatItIncludes) {
+  for (const char* more : {"--strip-gps", "--strip-maker-note"}) {
+    const auto recipe = RecipeOf({"mirror", "--vertical", "--strip", more});
+    EXPECT_EQ(recipe.at("save").at("metadata"), "nothing") << more;
+    EXPECT_EQ(recipe.at("steps").size(), 1U) << more;
+  }
+  const auto profile = RecipeOf({"mirror", "--vertical", "--strip=all"});
+  EXPECT_FALSE(profile.at("save").contains("metadata")) << "the profile goes, too";
+}
+
 TEST_F(CliRecord, VerbsWithoutARecipe_Should_SayWhy) {
   const std::vector<std::vector<std::string>> lines = {
       {"thumbnail", "--size", "10", folder_ / "a.png", folder_ / "o.png"},
