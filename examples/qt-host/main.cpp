@@ -114,7 +114,7 @@ class HostWindow : public QMainWindow {
     rk::Recipe recipe;
     recipe.steps = steps_;
     recipe.save = choice->save;
-    // Also removes from the other pages of a TIFF file what the user wants removed.
+    // Also removes from the other pages of a TIFF file what the user removes.
     const rk::RecipeOutput output(*source_, recipe);
     rk::SaveOptions options = rk::SaveOptionsOf(choice->save);
     options.mayReplace = choice->mayReplace;

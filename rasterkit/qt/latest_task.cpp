@@ -113,7 +113,7 @@ void LatestTask::RunJob(const std::shared_ptr<Job>& job) {
   try {
     answer = job->work(job->isCanceled);
   } catch (...) {
-    // Nobody can be told here; an exception that leaves the thread would end the process.
+    // There is no one to tell here; an exception that leaves the thread would end the process.
     answer = nullptr;
   }
   const std::lock_guard lock(job->mutex);

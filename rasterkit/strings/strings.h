@@ -17,9 +17,9 @@
 #include <rasterkit/strings/library_texts.h>
 #include <rasterkit/strings/picture_step_texts.h>
 #include <rasterkit/strings/save_window_texts.h>
-#include <rasterkit/strings/value_window_texts.h>
-#include <rasterkit/strings/size_window_texts.h>
 #include <rasterkit/strings/saving_texts.h>
+#include <rasterkit/strings/size_window_texts.h>
+#include <rasterkit/strings/value_window_texts.h>
 
 /// The texts that users see. The constants `rsXxx` in the headers above are the table: a constant
 /// is the English text and at the same time the key by which translators find it. The build makes

@@ -46,8 +46,7 @@ ConvertedMetafile Load(const std::string& file, bool toEnhanced) {
 }
 
 bool IsForPixels(const PictureOptions& options) {
-  return options.metafile.IsAsked() || options.bits != 0 ||
-         options.HasBackground();
+  return options.metafile.IsAsked() || options.bits != 0 || options.HasBackground();
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ void RefuseRecord(Verb& verb, const std::string& why);
 
 /// Throws Failure(exitOutputNotWritten) if the file of --record cannot be written, and
 /// Failure(exitWrongUsage) if a job reads or writes it, or if it is one of `others`, which are read
-/// as well; empty names are none.
+/// as well; empty names are skipped.
 void CheckRecord(const std::string& file, bool overwrite, const std::vector<Job>& jobs = {},
                  const std::vector<std::string>& others = {});
 

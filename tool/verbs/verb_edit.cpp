@@ -107,7 +107,7 @@ void Record(const EditedPicture& edited, const EditOptions& options, const std::
   Recorder recorder({});
   recorder.Take(edited.recipe);
   const std::string text = recorder.Text(record);
-  // The window can write files that nobody knew when it opened.
+  // The window can write files that were not known when it opened.
   CheckRecord(record, options.overwrite, saved);
   WriteRecipeFile(record, text, {options.overwrite});
   SayWhatApplyNeeds(edited, record);

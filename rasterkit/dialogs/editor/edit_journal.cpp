@@ -9,7 +9,7 @@
 namespace rasterkit {
 namespace {
 
-/// True if nobody can take up what stands there.
+/// True if what stands there can never be taken up.
 bool IsWorthless(const JournalFile& journal, const std::optional<std::string>& text) {
   if (text) return IsDamagedJournalNote(*text);
   std::error_code error;

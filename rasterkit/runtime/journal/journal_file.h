@@ -31,8 +31,8 @@ class RASTERKIT_EXPORT JournalFile {
   JournalFile& operator=(JournalFile&&) = delete;
 
   /// The journals that no process holds, the newest first; they are held afterwards. At most 100:
-  /// older ones are removed, and what is no journal stays as it is. Never throws for what it finds in
-  /// the folder.
+  /// older ones are removed, and what is no journal stays as it is. Never throws for what it finds
+  /// in the folder.
   static std::vector<JournalFile> Abandoned(const std::string& folder);
 
   /// Full name of the file with the bytes.

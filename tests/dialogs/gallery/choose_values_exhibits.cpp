@@ -32,9 +32,8 @@ const Exhibit kChooseValues("choose-values", [] {
   return form;
 });
 
-const Exhibit kChooseThreshold("choose-threshold", [] {
-  return std::make_unique<StagedChoice<MakeMono>>(MakeMono{});
-});
+const Exhibit kChooseThreshold("choose-threshold",
+                               [] { return std::make_unique<StagedChoice<MakeMono>>(MakeMono{}); });
 
 }  // namespace
 }  // namespace rasterkit::test

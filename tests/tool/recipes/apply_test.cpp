@@ -307,7 +307,7 @@ TEST_F(CliApply, HugeSize_Should_BeRefused) {
   EXPECT_FALSE(Exists("out.png"));
 }
 
-/// Pixels are copied where they can be, and encoded where another file asks for it.
+/// Pixels are copied where they can be, and encoded where another file type needs it.
 TEST_F(CliApply, MetadataAlone_Should_ReachFilesOfOtherTypes) {
   const std::string photo = RASTERKIT_SAMPLES "/orientation-6.jpg", recipe = folder_ / "exif.json";
   ASSERT_EQ(
