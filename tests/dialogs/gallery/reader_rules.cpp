@@ -47,7 +47,11 @@ QList<QAccessible::Role> RolesFor(const QWidget& widget) {
   if (qobject_cast<const QRadioButton*>(&widget)) return {QAccessible::RadioButton};
   if (qobject_cast<const QToolButton*>(&widget))
     return {QAccessible::Button, QAccessible::CheckBox, QAccessible::ButtonMenu};
-  if (qobject_cast<const QPushButton*>(&widget)) return {QAccessible::Button};
+  if (const auto* const button = qobject_cast<const QPushButton*>(&widget)) {
+    // One of several that exclude each other is a choice.
+    const bool isChoice = button->isCheckable() && button->autoExclusive();
+    return {isChoice ? QAccessible::RadioButton : QAccessible::Button};
+  }
   if (qobject_cast<const QAbstractSpinBox*>(&widget)) return {QAccessible::SpinBox};
   if (qobject_cast<const QSlider*>(&widget)) return {QAccessible::Slider};
   if (qobject_cast<const QComboBox*>(&widget)) return {QAccessible::ComboBox};
