@@ -1804,14 +1804,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Die Änderungen können schon in der Datei sein. Möchten Sie sie trotzdem übernehmen? Schritte: %d</translation>
     </message>
     <message>
-        <source>The editor ended before the changes of %s were saved. Do you want to take up its %d steps?</source>
-        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Möchten Sie die %d Schritte übernehmen?</translation>
-    </message>
-    <message>
-        <source>The editor ended before the changes of %s were saved, and the file was changed since. Do you want to take up its %d steps nevertheless? They may be in the file already.</source>
-        <translation>Der Editor endete, bevor die Änderungen an %s gespeichert waren. Die Datei wurde seitdem geändert. Möchten Sie die %d Schritte trotzdem übernehmen? Sie können schon in der Datei sein.</translation>
-    </message>
-    <message>
         <source>The picture is saved as %s. This file exists already. Overwrite it?</source>
         <translation>Das Bild wird als %s gespeichert. Diese Datei ist bereits vorhanden. Überschreiben?</translation>
     </message>
@@ -1938,14 +1930,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>Automatic threshold: %d</source>
         <translation>Automatische Schwelle: %d</translation>
-    </message>
-    <message>
-        <source>%d steps do not fit the picture: %s</source>
-        <translation>%d Schritte passen nicht zum Bild: %s</translation>
-    </message>
-    <message>
-        <source>Steps that do not fit the picture and are left out: %d (%s)</source>
-        <translation>Schritte, die nicht zum Bild passen und ausgelassen werden: %d (%s)</translation>
     </message>
     <message>
         <source>Save picture as</source>
@@ -2552,10 +2536,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Siehe die Verluste</translation>
     </message>
     <message>
-        <source>%d x %d pixels, %s, %s %s</source>
-        <translation>%d x %d Pixel, %s, %s %s</translation>
-    </message>
-    <message>
         <source>OK writes %s</source>
         <translation>OK schreibt %s</translation>
     </message>
@@ -2578,18 +2558,6 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
     <message>
         <source>A4</source>
         <translation>A4</translation>
-    </message>
-    <message>
-        <source>%s, zoom %s %%</source>
-        <translation>%s, Zoom %s %%</translation>
-    </message>
-    <message>
-        <source>From %d to %d, mean %d; black %d %%, white %d %%</source>
-        <translation>Von %d bis %d, Mittel %d; Schwarz %d %%, Weiß %d %%</translation>
-    </message>
-    <message>
-        <source>Reset: %s</source>
-        <translation>Zurücksetzen: %s</translation>
     </message>
     <message>
         <source>Shows places and files</source>
