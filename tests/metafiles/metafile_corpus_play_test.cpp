@@ -148,7 +148,7 @@ TEST(MetafileCorpus, Should_DrawEveryFile) {
     const auto wanted = kPaintedShares.find(file.path);
     ASSERT_NE(wanted, kPaintedShares.end());
     const double share = static_cast<double>(played.Painted()) / file.width / file.height;
-    EXPECT_GT(share, 0.6 * wanted->second);
+    EXPECT_GT(share, 0.7 * wanted->second);
     EXPECT_LT(share, 1.6 * wanted->second);
     EXPECT_TRUE(played.report.isComplete);
     const auto damaged = kDamaged.find(file.path);
