@@ -14,7 +14,8 @@ inline constexpr std::string_view rsSavingSettingsPage = "Se&ttings and 1:1 view
 inline constexpr std::string_view rsSavingFolderPageHint = "Shows places and files";
 inline constexpr std::string_view rsSavingSettingsPageHint =
     "Shows the settings of the file and the picture before and after saving";
-inline constexpr std::string_view rsSavingPlaces = "Places";
+inline constexpr std::string_view rsSavingPlaces = "Pla&ces";
+inline constexpr std::string_view rsSavingFiles = "F&iles of the folder";
 inline constexpr std::string_view rsSavingPlacesHint = "Opens one of these folders";
 inline constexpr std::string_view rsSavingPlaceHome = "Home";
 inline constexpr std::string_view rsSavingPlaceDesktop = "Desktop";
@@ -153,16 +154,16 @@ inline constexpr std::string_view rsSavingSizeWas = "Size of the file: %s (was %
 inline constexpr std::string_view rsSavingSizeUnknown = "Size of the file: unknown";
 
 /// The 1:1 view.
-inline constexpr std::string_view rsSavingViewBefore = "Before";
-inline constexpr std::string_view rsSavingViewAfter = "As saved";
+inline constexpr std::string_view rsSavingViewBefore = "Befo&re";
+inline constexpr std::string_view rsSavingViewAfter = "As sa&ved";
 inline constexpr std::string_view rsSavingViewBeforeHint =
     "The picture before saving, 1:1. Drag it or use the arrow keys to see another part";
 inline constexpr std::string_view rsSavingViewAfterHint =
     "The picture as it will be saved, 1:1. Drag it or use the arrow keys to see another part";
 inline constexpr std::string_view rsSavingViewPart = "Part from %s, %s: %s × %s pixels";
-inline constexpr std::string_view rsSavingViewSame = "As saved: the same pixels";
-inline constexpr std::string_view rsSavingViewWorking = "As saved: being computed ...";
-inline constexpr std::string_view rsSavingViewFailed = "As saved: cannot be shown";
+inline constexpr std::string_view rsSavingViewSame = "As sa&ved: the same pixels";
+inline constexpr std::string_view rsSavingViewWorking = "As sa&ved: being computed ...";
+inline constexpr std::string_view rsSavingViewFailed = "As sa&ved: cannot be shown";
 
 /// Why a name cannot be written. "%s" is a name or a folder.
 inline constexpr std::string_view rsSavingFaultNoName = "Type a name for the file.";

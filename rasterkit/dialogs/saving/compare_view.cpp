@@ -37,8 +37,8 @@ CompareView::CompareView(QWidget* parent) : QWidget(parent) {
   boxAfter_ = MakeBox("ViewAfter", labelAfter_, "LabViewAfter");
   labelBefore_->setText(ResourceText(rsSavingViewBefore));
   labelAfter_->setText(ResourceText(rsSavingViewAfter));
-  boxBefore_->setAccessibleName(ResourceText(rsSavingViewBefore));
-  boxAfter_->setAccessibleName(ResourceText(rsSavingViewAfter));
+  boxBefore_->setAccessibleName(ResourceText(rsSavingViewBefore).remove(u'&'));
+  boxAfter_->setAccessibleName(ResourceText(rsSavingViewAfter).remove(u'&'));
   boxBefore_->setToolTip(ResourceText(rsSavingViewBeforeHint));
   boxAfter_->setToolTip(ResourceText(rsSavingViewAfterHint));
   boxBefore_->setAccessibleDescription(ResourceText(rsSavingViewBeforeHint));
@@ -64,6 +64,7 @@ TPaintBox* CompareView::MakeBox(const char* name, QLabel*& label, const char* la
   label->setObjectName(labelName);
   label->setWordWrap(true);
   auto* box = new TPaintBox(this);
+  label->setBuddy(box);
   box->setObjectName(name);
   box->setFocusPolicy(Qt::StrongFocus);
   box->setMinimumSize(160, 160);

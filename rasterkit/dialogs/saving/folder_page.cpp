@@ -27,6 +27,19 @@ std::string WithoutSeparator(std::string folder) {
   return folder;
 }
 
+/// A list below its name, whose letter leads to it.
+void AddPart(QSplitter& parts, QWidget& list, const char* labelName, std::string_view text) {
+  auto* part = new QWidget(&parts);
+  auto* column = new QVBoxLayout(part);
+  column->setContentsMargins(0, 0, 0, 0);
+  auto* label = new QLabel(ResourceText(text), part);
+  label->setObjectName(labelName);
+  label->setBuddy(&list);
+  list.setAccessibleName(label->text().remove(u'&'));
+  column->addWidget(label);
+  column->addWidget(&list, 1);
+}
+
 }  // namespace
 
 FolderPage::FolderPage(const std::string& folderOfPicture, QWidget* parent) : QWidget(parent) {
@@ -54,13 +67,13 @@ FolderPage::FolderPage(const std::string& folderOfPicture, QWidget* parent) : QW
   auto* parts = new QSplitter(this);
   parts->setObjectName("FolderParts");
   parts->setChildrenCollapsible(false);
-  places_ = new QListWidget(parts);
+  places_ = new QListWidget;
   places_->setObjectName("Places");
-  places_->setAccessibleName(ResourceText(rsSavingPlaces));
+  AddPart(*parts, *places_, "LabPlaces", rsSavingPlaces);
   places_->setToolTip(ResourceText(rsSavingPlacesHint));
-  files_ = new TFileListView(parts);
+  files_ = new TFileListView;
   files_->setObjectName("FileListView");
-  files_->setAccessibleName(ResourceText(rsSaveFiles));
+  AddPart(*parts, *files_, "LabFiles", rsSavingFiles);
   files_->setToolTip(ResourceText(rsSaveFilesHint));
   preview_ = new PicturePreview(parts);
   preview_->setMinimumWidth(preview_->sizeHint().width() / 2);

@@ -155,12 +155,12 @@ QWidget* TFormSaving::MakeResult() {
   size_ = NewLine("LabSize", result);
   auto* row = new QHBoxLayout;
   loss_ = NewLine("LabLoss", result);
-  lossDetails_ = new QToolButton(result);
+  lossDetails_ = new QPushButton(result);
   lossDetails_->setObjectName("ButtonLosses");
   lossDetails_->setText(ResourceText(rsSavingLossDetails));
   lossDetails_->setToolTip(ResourceText(rsSavingLossDetailsHint));
   lossDetails_->setCheckable(true);
-  lossDetails_->setFocusPolicy(Qt::StrongFocus);
+  lossDetails_->setAutoDefault(false);
   row->addWidget(loss_, 1);
   row->addWidget(lossDetails_);
   lossList_ = new QPlainTextEdit(result);
@@ -207,7 +207,7 @@ QWidget* TFormSaving::MakeButtons() {
 void TFormSaving::ConnectControls() {
   connect(save_, &QPushButton::clicked, this, Guarded([this] { model_->Confirm(); }));
   connect(cancel_, &QPushButton::clicked, this, Guarded([this] { model_->Cancel(); }));
-  connect(lossDetails_, &QToolButton::toggled, this,
+  connect(lossDetails_, &QPushButton::toggled, this,
           [this](bool isOn) { lossList_->setVisible(isOn && model_->HasLosses()); });
   connect(&tick_, &QTimer::timeout, this, Guarded([this] { model_->Tick(); }));
   if (type_ != nullptr) {

@@ -5,7 +5,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTimer>
-#include <QToolButton>
 #include <memory>
 
 #include <rasterkit/dialogs/saving/folder_page.h>
@@ -62,7 +61,7 @@ class TFormSaving : public TScaledForm, private SavingView {
   QPushButton *otherName_ = nullptr, *save_ = nullptr, *cancel_ = nullptr;
   QLabel *facts_ = nullptr, *note_ = nullptr, *lossless_ = nullptr, *loss_ = nullptr,
          *size_ = nullptr, *fault_ = nullptr;
-  QToolButton* lossDetails_ = nullptr;
+  QPushButton* lossDetails_ = nullptr;
   QPlainTextEdit* lossList_ = nullptr;
   detail::FolderPage* folderPage_ = nullptr;
   detail::SettingsPage* settingsPage_ = nullptr;

@@ -73,6 +73,14 @@ void SharpenOutline(const QStyleOption& option, QPainter& painter, const QRect& 
   if (scale != std::floor(scale)) DrawFrame(painter, place, OutlineColor(option.palette), 1);
 }
 
+bool IsPopup(const QWidget* widget) {
+  return widget != nullptr && widget->window()->windowType() == Qt::Popup;
+}
+
+bool IsList(const QWidget* widget) {
+  return qobject_cast<const QAbstractItemView*>(widget) != nullptr;
+}
+
 class ClearStyle : public QProxyStyle {
  public:
   ClearStyle() : QProxyStyle(QStringLiteral("fusion")) {}
@@ -234,11 +242,12 @@ class ClearStyle : public QProxyStyle {
 
   void DrawPanelFrame(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
     QProxyStyle::drawPrimitive(PE_Frame, &option, &painter, widget);
-    const bool isPopup = widget != nullptr && widget->window()->windowType() == Qt::Popup;
-    if (isPopup) return;
+    if (IsPopup(widget)) return;
+    const bool isList = IsList(widget);
+    // A list with margins around its rows shows its focus there.
+    if (isList) DrawFrame(painter, option.rect, ColorIn(option.palette, QPalette::Base), kFocusWidth);
     DrawFrame(painter, option.rect, OutlineColor(option.palette), 1);
-    const auto* list = qobject_cast<const QAbstractItemView*>(widget);
-    if (list != nullptr && list->hasFocus()) {
+    if (isList && widget->hasFocus()) {
       DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
     }
   }

@@ -1952,8 +1952,12 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>&amp;Einstellungen und 1:1-Ansicht</translation>
     </message>
     <message>
-        <source>Places</source>
-        <translation>Orte</translation>
+        <source>Pla&amp;ces</source>
+        <translation>Or&amp;te</translation>
+    </message>
+    <message>
+        <source>F&amp;iles of the folder</source>
+        <translation>&amp;Dateien des Ordners</translation>
     </message>
     <message>
         <source>Opens one of these folders</source>
@@ -2368,12 +2372,12 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Größe der Datei: unbekannt</translation>
     </message>
     <message>
-        <source>Before</source>
-        <translation>Vorher</translation>
+        <source>Befo&amp;re</source>
+        <translation>&amp;Vorher</translation>
     </message>
     <message>
-        <source>As saved</source>
-        <translation>Gespeichert</translation>
+        <source>As sa&amp;ved</source>
+        <translation>Gespei&amp;chert</translation>
     </message>
     <message>
         <source>The picture before saving, 1:1. Drag it or use the arrow keys to see another part</source>
@@ -2388,16 +2392,16 @@ Wählen Sie vor dem Speichern einen anderen Ordner oder Namen.</translation>
         <translation>Teil ab %s, %s: %s × %s Pixel</translation>
     </message>
     <message>
-        <source>As saved: the same pixels</source>
-        <translation>Gespeichert: dieselben Pixel</translation>
+        <source>As sa&amp;ved: the same pixels</source>
+        <translation>Gespei&amp;chert: dieselben Pixel</translation>
     </message>
     <message>
-        <source>As saved: being computed ...</source>
-        <translation>Gespeichert: wird berechnet ...</translation>
+        <source>As sa&amp;ved: being computed ...</source>
+        <translation>Gespei&amp;chert: wird berechnet ...</translation>
     </message>
     <message>
-        <source>As saved: cannot be shown</source>
-        <translation>Gespeichert: kann nicht gezeigt werden</translation>
+        <source>As sa&amp;ved: cannot be shown</source>
+        <translation>Gespei&amp;chert: kann nicht gezeigt werden</translation>
     </message>
     <message>
         <source>Type a name for the file.</source>

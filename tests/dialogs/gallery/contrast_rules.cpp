@@ -154,8 +154,10 @@ bool IsFramed(const QWidget& widget) {
   const auto* button = qobject_cast<const QPushButton*>(&widget);
   if (button != nullptr) return !button->isFlat();
   const auto* frame = qobject_cast<const QFrame*>(&widget);
-  const bool isLabel = qobject_cast<const QLabel*>(&widget) != nullptr;
-  return frame != nullptr && !isLabel && frame->frameShape() != QFrame::NoFrame;
+  if (frame == nullptr || qobject_cast<const QLabel*>(&widget) != nullptr) return false;
+  // A line between groups has no outline.
+  const QFrame::Shape shape = frame->frameShape();
+  return shape != QFrame::NoFrame && shape != QFrame::VLine && shape != QFrame::HLine;
 }
 
 /// The contrast of a widget's outline; 21 if it has none.

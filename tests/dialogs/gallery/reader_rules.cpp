@@ -48,9 +48,9 @@ QList<QAccessible::Role> RolesFor(const QWidget& widget) {
   if (qobject_cast<const QToolButton*>(&widget))
     return {QAccessible::Button, QAccessible::CheckBox, QAccessible::ButtonMenu};
   if (const auto* const button = qobject_cast<const QPushButton*>(&widget)) {
+    if (!button->isCheckable()) return {QAccessible::Button};
     // One of several that exclude each other is a choice.
-    const bool isChoice = button->isCheckable() && button->autoExclusive();
-    return {isChoice ? QAccessible::RadioButton : QAccessible::Button};
+    return {button->autoExclusive() ? QAccessible::RadioButton : QAccessible::CheckBox};
   }
   if (qobject_cast<const QAbstractSpinBox*>(&widget)) return {QAccessible::SpinBox};
   if (qobject_cast<const QSlider*>(&widget)) return {QAccessible::Slider};
@@ -183,8 +183,8 @@ bool HasMnemonic(const QString& text) {
 const QLabel* LabelOf(const QWidget& form, const QWidget& widget) {
   for (const QLabel* label : form.findChildren<QLabel*>()) {
     const QWidget* buddy = label->buddy();
-    const bool isMeant = buddy == &widget || (buddy != nullptr && buddy->focusProxy() == &widget);
-    if (label->isVisible() && isMeant) return label;
+    while (buddy != nullptr && buddy != &widget) buddy = buddy->focusProxy();
+    if (label->isVisible() && buddy == &widget) return label;
   }
   return nullptr;
 }

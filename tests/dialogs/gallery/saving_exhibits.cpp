@@ -32,8 +32,14 @@ class Photographs {
   const DeskFolder desk_;
 };
 
-Picture Photograph(const Photographs& photographs, bool isCropped) {
-  Picture picture = Picture::Open(photographs.File());
+/// Made once, so that a window looks alike each time that it is opened.
+const Photographs& Desk() {
+  static const Photographs photographs;
+  return photographs;
+}
+
+Picture Photograph(bool isCropped) {
+  Picture picture = Picture::Open(Desk().File());
   // The place of a photograph that a BMP file would lack.
   MetadataEdit edit;
   edit.resolution = Resolution{300, 300};
@@ -43,11 +49,10 @@ Picture Photograph(const Photographs& photographs, bool isCropped) {
   return picture;
 }
 
-/// The form with what it needs; the folder is made first and goes last.
-class StagedSaving : private Photographs, public TFormSaving {
+class StagedSaving : public TFormSaving {
  public:
   StagedSaving(SavingScope scope, bool isCropped)
-      : TFormSaving(Photograph(*this, isCropped), {Photographs::File(), {}, false}, scope) {}
+      : TFormSaving(Photograph(isCropped), {Desk().File(), {}, false}, scope) {}
 
   /// Waits for the size and for the pixels of the view.
   void Finish() {

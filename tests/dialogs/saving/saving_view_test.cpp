@@ -61,7 +61,7 @@ TEST_F(SavingViewTest, ShortDrags_Should_NeedNoNewPixels) {
   EXPECT_TRUE(view.HasJob(SavingWork::part));
   EXPECT_THAT(model.AfterText(), HasSubstr("being computed"));
   view.Run(SavingWork::part);
-  EXPECT_EQ(model.AfterText(), "As saved: the same pixels");
+  EXPECT_EQ(model.AfterText(), "As sa&ved: the same pixels");
 }
 
 TEST_F(SavingViewTest, ThePixelsOfAPart_Should_BeThoseOfTheWholeFile) {
@@ -120,7 +120,7 @@ TEST_F(SavingViewTest, AnotherQuality_Should_ShowOtherPixels) {
   model.SetQuality(5);
   view.Run(SavingWork::part);
   EXPECT_FALSE(SamePixels(*model.Before().pixels, *model.After().pixels));
-  EXPECT_EQ(model.AfterText(), "As saved");
+  EXPECT_EQ(model.AfterText(), "As sa&ved");
 }
 
 TEST_F(SavingViewTest, AStoppedJob_Should_EndWithoutAnError) {
@@ -132,7 +132,7 @@ TEST_F(SavingViewTest, AStoppedJob_Should_EndWithoutAnError) {
   std::stop_source stop;
   stop.request_stop();
   view.jobs.at(SavingWork::part)(stop.get_token())();
-  EXPECT_EQ(model.AfterText(), "As saved: cannot be shown");
+  EXPECT_EQ(model.AfterText(), "As sa&ved: cannot be shown");
   view.jobs.at(SavingWork::size)(stop.get_token())();
   EXPECT_THAT(model.SizeText(), HasSubstr("at most"));
 }

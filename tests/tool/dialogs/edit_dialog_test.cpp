@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/emf_file.h"
 #include "tests/support/pdf_file.h"
 #include "tests/support/same_pixels.h"
 #include "tests/support/test_pictures.h"
@@ -209,7 +210,10 @@ TEST_F(CliDialogEdit, PageOfTheRecipe_Should_BeSaid) {
   EXPECT_THAT(result.err, HasSubstr((folder_ / "r.json") +
                                     ": does not hold --page 2, which 'rasterkit apply' needs too"));
   const std::string drawing = folder_ / "drawing.emf";
-  ASSERT_EQ(RunTool({"convert", folder_ / "in.png", drawing}).code, 0);
+  EmfFile square;
+  square.Add(detail::EmfType::polygon16,
+             FieldBytes{0, 0, 0, 0, 4}.Words({0, 0, 50, 0, 50, 40, 0, 40}));
+  WriteBytes(drawing, square.Bytes());
   const ToolResult drawn =
       Run({"edit", drawing, "--dpi", "50", "--record", folder_ / "drawn.json"},
           "click ToolMirror; click ToolSaveAs; click nbCancel | type EditName drawn.png; "

@@ -29,9 +29,9 @@ class DialogTest : public testing::Test {
             {"QT_LOGGING_RULES", "default.warning=false"},
             {"LC_ALL", locale_},
             {"LANGUAGE", ""},
-            {"HOME", HomeFolder()},
-            {"XDG_CONFIG_HOME", HomeFolder()},
-            {"XDG_STATE_HOME", HomeFolder()}};
+            {"HOME", home_.Path()},
+            {"XDG_CONFIG_HOME", home_.Path()},
+            {"XDG_STATE_HOME", home_.Path()}};
   }
 
   ToolResult Run(const std::vector<std::string>& line, const std::string& script) const {
@@ -80,12 +80,8 @@ class DialogTest : public testing::Test {
   /// Qt and its libraries keep memory until the process ends; that is not a leak of the tool.
   const Environment leaks_{"LSAN_OPTIONS",
                            "suppressions=" RASTERKIT_LEAKS_OF_OTHERS ":print_suppressions=0"};
-
-  /// Uses an empty settings folder: windows must not open at the developer's own positions.
-  static std::string HomeFolder() {
-    static const TempFolder home;
-    return home.Path();
-  }
+  /// An empty settings folder: windows must not open as the developer or another test left them.
+  const TempFolder home_;
 };
 
 }  // namespace rasterkit::test

@@ -111,6 +111,13 @@ QWidget* NewPanel(const char* name, QLabel& title, QWidget& list, QWidget& paren
   return panel;
 }
 
+class StepsOnScreen : public QListWidget {
+ public:
+  explicit StepsOnScreen(QWidget* parent) : QListWidget(parent) {
+    setViewportMargins(kRoomForFocus);
+  }
+};
+
 QSplitter* NewMiddle(EditorWidgets& widgets, QDialog& window) {
   widgets.splitter = new QSplitter(&window);
   widgets.splitter->setObjectName("SplitterMiddle");
@@ -128,7 +135,7 @@ QSplitter* NewMiddle(EditorWidgets& widgets, QDialog& window) {
   widgets.picture->setFocusPolicy(Qt::StrongFocus);
   widgets.picture->setMinimumSize(kLeastPicture);
 
-  widgets.steps = new QListWidget(&window);
+  widgets.steps = new StepsOnScreen(&window);
   Describe(*widgets.steps, "ListSteps", rsEditorStepsHint);
   widgets.steps->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   widgets.panelSteps = NewPanel("PanelSteps", *NewLabel("LabelSteps", rsEditorSteps, window),

@@ -11,6 +11,7 @@ constexpr int kSide = 96;
 }  // namespace
 
 PageStrip::PageStrip(QWidget* parent) : QListView(parent) {
+  setViewportMargins(kRoomForFocus);
   setModel(&pages_);
   setUniformItemSizes(true);
   setIconSize({kSide, kSide});

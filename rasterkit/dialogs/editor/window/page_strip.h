@@ -1,11 +1,15 @@
 #pragma once
 
 #include <QListView>
+#include <QMargins>
 
 #include <rasterkit/dialogs/editor/window/page_strip_list.h>
 #include <rasterkit/runtime/export.h>
 
 namespace rasterkit {
+
+/// Margins around the rows of a list whose rows may have the color of the focus.
+inline constexpr QMargins kRoomForFocus{1, 1, 1, 1};
 
 /// The pages of a document below each other; those that are seen are drawn in the background. A
 /// click or Enter chooses one.
