@@ -59,7 +59,10 @@ TFormPictureEditor::TFormPictureEditor(const EditPictureOptions& options, Editor
   ConnectPicture();
   WatchKeyboard();
   const QFontMetrics metrics(font());
-  const QSize usual(kUsualColumns * metrics.averageCharWidth(), kUsualLines * metrics.height());
+  const QMargins edges = layout()->contentsMargins();
+  const int toolsInOneLine = ui_.tools->sizeHint().width() + edges.left() + edges.right();
+  const QSize usual(std::max(kUsualColumns * metrics.averageCharWidth(), toolsInOneLine),
+                    kUsualLines * metrics.height());
   resize(usual.boundedTo(screen()->availableGeometry().size()));
   TFormPictureEditor::ShowState();
   ui_.picture->setFocus();
