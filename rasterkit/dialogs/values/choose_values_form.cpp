@@ -85,7 +85,7 @@ TFormChooseValues::~TFormChooseValues() {
 }
 
 void TFormChooseValues::AddKeys() {
-  const auto add = [this](const QKeySequence& keys, QAbstractButton* button) {
+  const auto add = [](const QKeySequence& keys, QAbstractButton* button) {
     auto* shortcut = new QShortcut(keys, button);
     // Both windows of a spin edit and of the form answer.
     connect(shortcut, &QShortcut::activated, button, [button] { button->click(); });

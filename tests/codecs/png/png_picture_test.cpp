@@ -194,8 +194,9 @@ TEST(PngPicture, KeyColorOfWords_Should_BecomeAlpha) {
 TEST(PngPicture, KeyColor_Should_BeKept_When_BytesAreWritten) {
   const ByteList file =
       PngFile(1, 2, 8, 2, {1, 2, 3, 4, 5, 6}, PngChunk("tRNS", {0, 4, 0, 5, 0, 6}));
-  const ByteList again =
-      Written(DecodePngPixels(file), {ReadPngHeader(file).form, {}, {}, {}, 0, 0, 1});
+  PictureWriting writing;
+  writing.form = ReadPngHeader(file).form;
+  const ByteList again = Written(DecodePngPixels(file), writing);
   EXPECT_EQ(ChunksNamed(again, {PngKind("tRNS")}), ChunksNamed(file, {PngKind("tRNS")}));
 }
 

@@ -213,11 +213,10 @@ uint32_t PlainParts::ReadPlane(uint32_t block, uint32_t first, uint32_t rows,
     const size_t got = source.ReadAt(at, std::span<const std::span<uint8_t>>(pieces_));
     whole = static_cast<uint32_t>((got + gap) / rowBytes);
   } else {
-    const auto readRow = [&](uint32_t i) {
-      const std::span<uint8_t> row(target + i * pitch, columns.bytes);
-      return source.ReadAt(at + uint64_t{i} * rowBytes, row) == columns.bytes;
-    };
-    while (whole < rows && readRow(whole)) whole++;
+    for (; whole < rows; whole++) {
+      const std::span<uint8_t> row(target + whole * pitch, columns.bytes);
+      if (source.ReadAt(at + uint64_t{whole} * rowBytes, row) != columns.bytes) break;
+    }
   }
   if (pitch == columns.bytes) {
     reader_.ToProcessorOrder(target, whole * columns.bytes);
