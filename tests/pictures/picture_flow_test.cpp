@@ -324,7 +324,7 @@ TEST(PictureFlow, ABrokenFileIsWorseThanAChangeThatDoesNotFit) {
     if (broken[at + 1] == 0xDB) broken[at + 1] = 0xEF;
   }
   for (const ColorChange& change :
-       {ColorChange(SwapOpacity()), ColorChange(SetPaletteEntries{{{0, 0x0000FF}}})}) {
+       {ColorChange(SwapOpacity()), ColorChange(SetPaletteEntries{{{0, 0x0000FF}}, {}})}) {
     const auto save = [&](const std::vector<uint8_t>& file) {
       TMemoryStream target;
       Picture::Open(file).Change(change).Save(target, options);
