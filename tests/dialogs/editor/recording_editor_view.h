@@ -18,7 +18,7 @@ namespace rasterkit::test {
 
 /// A window without widgets. It runs jobs where they are started, or keeps them for RunJob; answers
 /// stand in queues, and what is asked without an answer fails the test.
-class RecordingEditorView : public EditorView {
+class RecordingEditorView final : public EditorView {
  public:
   struct Question {
     EditorQuestion kind;
