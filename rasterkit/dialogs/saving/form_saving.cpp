@@ -67,6 +67,8 @@ TFormSaving::TFormSaving(const Picture& picture, const SavingStart& start, Savin
 }
 
 TFormSaving::~TFormSaving() {
+  // A field that loses the focus still reports what is typed.
+  hide();
   settingsPage_->ForgetModel();
 }
 

@@ -69,6 +69,8 @@ TFormChooseSize::TFormChooseSize(ChangeSizeModel& model, Picture picture, QWidge
 }
 
 TFormChooseSize::~TFormChooseSize() {
+  // A field that loses the focus still reports what is typed.
+  hide();
   model_.BytesOf = nullptr;
   model_.OnField = nullptr;
   model_.OnState = nullptr;

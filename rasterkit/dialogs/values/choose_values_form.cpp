@@ -81,6 +81,8 @@ TFormChooseValues::TFormChooseValues(ValueSession& session, QWidget* parent)
 }
 
 TFormChooseValues::~TFormChooseValues() {
+  // A field that loses the focus still reports what is typed.
+  hide();
   session_.OnChange = nullptr;
 }
 

@@ -106,7 +106,8 @@ TEST(RecipesPageTest, EachKeyOfSavingHasARow) {
 
 TEST(RecipesPageTest, EachKeyOfARecipeHasARow) {
   const auto rows = Rows(Section(Page(), "Example"));
-  for (const auto& [key, of] : Schema()["properties"].items()) {
+  const json schema = Schema();
+  for (const auto& [key, of] : schema["properties"].items()) {
     EXPECT_TRUE(rows.contains(key)) << key;
   }
 }
