@@ -245,7 +245,8 @@ class ClearStyle : public QProxyStyle {
     if (IsPopup(widget)) return;
     const bool isList = IsList(widget);
     // A list with margins around its rows shows its focus there.
-    if (isList) DrawFrame(painter, option.rect, ColorIn(option.palette, QPalette::Base), kFocusWidth);
+    if (isList)
+      DrawFrame(painter, option.rect, ColorIn(option.palette, QPalette::Base), kFocusWidth);
     DrawFrame(painter, option.rect, OutlineColor(option.palette), 1);
     if (isList && widget->hasFocus()) {
       DrawFrame(painter, option.rect, FocusColor(option.palette), kFocusWidth);
