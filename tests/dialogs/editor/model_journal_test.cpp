@@ -40,6 +40,16 @@ class EditorJournal : public EditorTest {
     return !std::filesystem::exists(JournalFolder()) || std::filesystem::is_empty(JournalFolder());
   }
 
+  /// The source is saved turned, and a copy is saved that is mirrored as well.
+  void SaveTurnedAndThenMirroredElsewhere() {
+    model->TurnLeft();
+    view->answers = {yes};
+    model->Save();
+    model->Mirror();
+    view->saving = SavingChoice{folder / "copy.png", {}, false};
+    model->SaveAs();
+  }
+
   /// Another process takes the steps and is killed while its window is open.
   void CrashAfter(const std::function<void(EditorModel&)>& work) {
     std::array<int, 2> ends{};
@@ -217,12 +227,7 @@ TEST_F(EditorJournal, Should_LeadFromTheSourceAsItIsWhateverWasSavedElsewhere) {
   const std::string source = folder / "source.png";
   std::filesystem::copy_file(file, source);
   Open(file);
-  model->TurnLeft();
-  view->answers = {yes};
-  model->Save();
-  model->Mirror();
-  view->saving = SavingChoice{folder / "copy.png", {}, false};
-  model->SaveAs();
+  SaveTurnedAndThenMirroredElsewhere();
   model->Gray();
   EXPECT_THAT(Journals(), SizeIs(1));
   Renew();
@@ -240,12 +245,7 @@ TEST_F(EditorJournal, Should_LeadFromTheSourceAsItIsWhateverWasSavedElsewhere) {
 
 TEST_F(EditorJournal, Should_LoseNothingThatTheSourceHoldsAfterASaveElsewhere) {
   Open(WritePicture("plan.png"));
-  model->TurnLeft();
-  view->answers = {yes};
-  model->Save();
-  model->Mirror();
-  view->saving = SavingChoice{folder / "copy.png", {}, false};
-  model->SaveAs();
+  SaveTurnedAndThenMirroredElsewhere();
   model->Undo();
   EXPECT_FALSE(model->HasUnsavedWork()) << "the source has these steps";
   EXPECT_TRUE(model->CanConfirm()) << "the target has one more";
@@ -284,14 +284,7 @@ TEST_F(EditorJournal, Should_KeepTheLastNoteThatCouldBeWritten) {
   const std::string note = ReadFile(Journals().at(0));
   {
     const test::CallsGuard guard;
-    detail::Calls().write = [](int, const void*, size_t) -> ssize_t {
-      errno = ENOSPC;
-      return -1;
-    };
-    detail::Calls().writeAt = [](int, const void*, size_t, off_t) -> ssize_t {
-      errno = ENOSPC;
-      return -1;
-    };
+    test::FillDisk();
     model->Mirror();
   }
   EXPECT_EQ(model->Place(), 2u);

@@ -7,6 +7,7 @@
 #include <rasterkit/runtime/files/file_calls.h>
 
 #include "tests/dialogs/editor/editor_fixture.h"
+#include "tests/runtime/files/replaced_calls.h"
 
 namespace rasterkit {
 namespace {
@@ -35,16 +36,6 @@ class EditorRefused : public EditorTest {
     detail::Calls().accessAt = [](int, const char*, int mode) {
       if ((mode & 2) == 0) return 0;
       errno = EACCES;
-      return -1;
-    };
-  }
-  static void FillDisk() {
-    detail::Calls().write = [](int, const void*, size_t) -> ssize_t {
-      errno = ENOSPC;
-      return -1;
-    };
-    detail::Calls().writeAt = [](int, const void*, size_t, off_t) -> ssize_t {
-      errno = ENOSPC;
       return -1;
     };
   }
@@ -120,7 +111,7 @@ TEST_F(EditorRefused, Should_KeepWindowAndWorkAfterAFailedSave) {
   const std::string before = ReadFile(file);
   Open(file);
   model->TurnLeft();
-  FillDisk();
+  test::FillDisk();
   view->answers = {yes};
   model->Confirm();
   ASSERT_EQ(view->told.size(), 1u);

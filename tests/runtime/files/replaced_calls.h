@@ -5,6 +5,8 @@
 #include <tuple>
 #include <type_traits>
 
+#include <sys/types.h>
+
 #include <rasterkit/runtime/files/file_calls.h>
 #include <rasterkit/runtime/files/temporary_names.h>
 
@@ -24,6 +26,18 @@ class CallsGuard {
  private:
   const detail::FileCalls calls_;
 };
+
+/// Lets every write fail as on a full disk, until the table is put back.
+inline void FillDisk() {
+  detail::Calls().write = [](int, const void*, size_t) -> ssize_t {
+    errno = ENOSPC;
+    return -1;
+  };
+  detail::Calls().writeAt = [](int, const void*, size_t, off_t) -> ssize_t {
+    errno = ENOSPC;
+    return -1;
+  };
+}
 
 template <auto Member>
 struct CountedCall;
